@@ -1,0 +1,83 @@
+# What every target of this project has in common.
+include(GenerateExportHeader)
+
+# For our own code only: an INTERFACE target, so that a project that adds this one as a folder
+# keeps its own rules.
+if(NOT TARGET surrogate_warnings)
+    add_library(surrogate_warnings INTERFACE)
+    add_library(mirel::warnings ALIAS surrogate_warnings)
+    target_compile_options(surrogate_warnings INTERFACE
+        -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+        # Not plain -Wshadow: fields carry no prefix, so that arguments may well bear their names.
+        # GCC 12 takes the small-object buffers of boost::function for uninitialised reads.
+        $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local -Wno-uninitialized -Wno-maybe-uninitialized>
+        # Results are the same bits whatever the processor can fuse.
+        -ffp-contract=off)
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+    find_program(SURROGATE_CCACHE ccache)
+    if(SURROGATE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${SURROGATE_CCACHE}")
+    endif()
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+    set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+endif()
+
+# surrogate_add_library(TARGET ALIAS INCLUDE_ROOT source...): a shared library with hidden default
+# visibility and an export header <TARGET/Export.h> (macro TARGET_EXPORT, in capitals).
+# INCLUDE_ROOT is the folder that includes are written from.
+function(surrogate_add_library target alias include_root)
+    add_library(${target} SHARED ${ARGN})
+    add_library(${alias} ALIAS ${target})
+    set(generated "${PROJECT_BINARY_DIR}/generated/${target}")
+    generate_export_header(${target} EXPORT_FILE_NAME "${generated}/${target}/Export.h")
+    target_include_directories(${target} PUBLIC
+        "$<BUILD_INTERFACE:${include_root}>" "$<BUILD_INTERFACE:${generated}>")
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    target_link_libraries(${target} PRIVATE mirel::warnings)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()
+
+# surrogate_add_test(NAME SOURCES source... LIBRARIES library... [LABEL label] [OWN_MAIN]): a test
+# program NAME; each of its tests becomes a CTest test "NAME.Suite.Behaviour". OWN_MAIN: one of the
+# sources brings main().
+function(surrogate_add_test name)
+    if(NOT BUILD_TESTING)
+        return()
+    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN" "LABEL" "SOURCES;LIBRARIES;ENVIRONMENT")
+    add_executable(${name} ${arg_SOURCES})
+    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+    target_compile_features(${name} PRIVATE cxx_std_17)
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} mirel::warnings GTest::gtest)
+    if(NOT arg_OWN_MAIN)
+        target_link_libraries(${name} PRIVATE GTest::gtest_main)
+    endif()
+    if(NOT arg_LABEL)
+        set(arg_LABEL ${name})
+    endif()
+    surrogate_test_environment(environment ${arg_ENVIRONMENT})
+    gtest_discover_tests(${name}
+        TEST_PREFIX "${SURROGATE_TEST_PREFIX}${name}."
+        DISCOVERY_TIMEOUT 60
+        PROPERTIES LABELS "${arg_LABEL}" TIMEOUT 300 ENVIRONMENT "${environment}")
+endfunction()
+
+# What every test runs with: no display, the suppressions of leaks that are not ours.
+function(surrogate_test_environment result)
+    set(${result}
+        "QT_QPA_PLATFORM=offscreen"
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0"
+        "UBSAN_OPTIONS=print_stacktrace=1"
+        ${ARGN}
+        PARENT_SCOPE)
+endfunction()
+if(BUILD_TESTING)
+    include(GoogleTest)
+endif()

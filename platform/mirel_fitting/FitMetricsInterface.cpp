@@ -1,0 +1,3 @@
+#include <mirel_fitting/FitMetricsInterface.h>
+
+FitMetricsInterface::~FitMetricsInterface() = default;

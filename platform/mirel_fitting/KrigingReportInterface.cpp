@@ -1,0 +1,3 @@
+#include <mirel_fitting/KrigingReportInterface.h>
+
+KrigingReportInterface::~KrigingReportInterface() = default;

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <memory>
+
+/**
+ * Universal Kriging with a tensor-product Matern 5/2 correlation, one length per input, estimated
+ * by maximum likelihood. A dependent is fitted when it is first wanted, once.
+ */
+class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface,
+                                                   public virtual FitMetricsInterface,
+                                                   public virtual KrigingReportInterface
+{
+public:
+    /**
+     * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
+     *                           call; none at all gives a constant model.
+     * @param dependentColumns   one array of `rowCount` values per output, borrowed for the call.
+     * @param tolerance          the search stops when the gain in log-likelihood per case that it
+     *                           still expects falls below this.
+     * @param correlationLengths fixed lengths, one per input, in the input's unit; empty:
+     * estimated.
+     * @param trendOrder         highest order of the trend: 0 constant, 1 linear, 2 full quadratic;
+     *                           lowered when cases are too few, terms that the cases cannot
+     *                           separate are dropped, both reported.
+     * @param initialCorrelationLength where the search starts, as a fraction of each input's range.
+     * @param nugget             lower bound of the nugget, relative to the process variance; 0:
+     * only the bound that keeps the factorisation sound.
+     * @param nuggetMode         0: estimated above that bound; 1: fixed at `nugget`.
+     * @throw Error if there is no case, a column is null, an input is not finite, or an argument is
+     *        out of its range.
+     */
+    KrigingSurrogateModel(const std::vector<double*>& independentColumns,
+                          const std::vector<double*>& dependentColumns, int rowCount,
+                          double tolerance, const std::vector<double>& correlationLengths,
+                          int trendOrder, double initialCorrelationLength, double nugget,
+                          int nuggetMode);
+    ~KrigingSurrogateModel() override;
+
+    void activateDependentVariables(const std::set<int>& offsets) override;
+    void interpolateDependentValues(const std::vector<double*>& inputs,
+                                    const std::set<int>& offsets, std::vector<double*>& outputs,
+                                    std::size_t count) const override;
+    bool surfaceCoefficientInformationAvailable() const override;
+    bool qualityMetricInformationAvailable() const override;
+    std::string surfaceCoefficientInformation(int offset) const override;
+    std::string qualityMetricInformation(int offset) const override;
+
+    FitMetrics fitMetrics(int offset) const override;
+    std::vector<std::string> fitWarnings(int offset) const override;
+    KrigingReport krigingReport(int offset) const override;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

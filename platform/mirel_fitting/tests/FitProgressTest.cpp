@@ -1,0 +1,59 @@
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+TEST(FitProgress, IsNotNeededByAFit)
+{
+    EXPECT_NO_THROW(FitProgress::report(0.5, "searching"));
+}
+
+TEST(FitProgress, ReceivesTheFractionAndTheMessage)
+{
+    double seen = -1.0;
+    std::string text;
+    FitProgress progress([&](double fraction, const std::string& message) {
+        seen = fraction;
+        text = message;
+        return true;
+    });
+
+    FitProgress::report(0.25, "searching");
+
+    EXPECT_EQ(seen, 0.25);
+    EXPECT_EQ(text, "searching");
+}
+
+TEST(FitProgress, CancelsTheFitWithAnErrorWhenItAnswersFalse)
+{
+    FitProgress progress([](double, const std::string&) { return false; });
+
+    EXPECT_THROW(FitProgress::report(0.0, ""), SurrogateModelInterface::Error);
+}
+
+TEST(FitProgress, IsReplacedByANewerOneUntilThatGoes)
+{
+    int outer = 0;
+    int inner = 0;
+    FitProgress first([&](double, const std::string&) { return ++outer > 0; });
+    {
+        FitProgress second([&](double, const std::string&) { return ++inner > 0; });
+        FitProgress::report(0.0, "");
+    }
+    FitProgress::report(0.0, "");
+
+    EXPECT_EQ(inner, 1);
+    EXPECT_EQ(outer, 1);
+}
+
+TEST(FitProgress, HearsOnlyFitsOfItsOwnThread)
+{
+    int calls = 0;
+    FitProgress progress([&](double, const std::string&) { return ++calls > 0; });
+
+    std::thread([] { FitProgress::report(0.0, ""); }).join();
+
+    EXPECT_EQ(calls, 0);
+}

@@ -1,0 +1,24 @@
+#include <mirel_property/PropertyItemInterface.h>
+
+namespace veska {
+
+PropertyItemInterface::PropertyItemInterface() = default;
+
+PropertyItemInterface::~PropertyItemInterface() = default;
+
+boost::signals2::connection PropertyItemInterface::connectSignalPropertyChanged(
+    const PropertyChangedSignal::slot_type& slot) const
+{
+    boost::signals2::connection connection = changedSignal.connect(slot);
+    signalPropertyChangedConnected();
+    return connection;
+}
+
+PropertyItemInterface::PropertyChangedSignal& PropertyItemInterface::signalPropertyChanged() const
+{
+    return changedSignal;
+}
+
+void PropertyItemInterface::signalPropertyChangedConnected() const {}
+
+} // namespace veska

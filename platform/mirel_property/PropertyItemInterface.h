@@ -1,0 +1,42 @@
+#pragma once
+
+#include <mirel_property/Export.h>
+
+#include <boost/signals2/signal.hpp>
+
+namespace veska {
+
+/**
+ * The untyped face of a property: "something changed", for listeners that do not need the value.
+ * Virtual base of every typed property; not copyable, since listeners know one object.
+ */
+class MIREL_PROPERTY_EXPORT PropertyItemInterface
+{
+public:
+    using PropertyChangedSignal = boost::signals2::signal<void()>;
+
+    PropertyItemInterface();
+    virtual ~PropertyItemInterface();
+
+    PropertyItemInterface(const PropertyItemInterface&) = delete;
+    PropertyItemInterface& operator=(const PropertyItemInterface&) = delete;
+
+    /**
+     * Connects `slot`, runs the hook signalPropertyChangedConnected(), returns the connection.
+     * The slot is called once per change, on the thread that makes it; whether before or after
+     * the listeners of the typed signal is not promised.
+     */
+    boost::signals2::connection
+    connectSignalPropertyChanged(const PropertyChangedSignal::slot_type& slot) const;
+
+protected:
+    PropertyChangedSignal& signalPropertyChanged() const;
+
+private:
+    /** Runs after each connect, when the new slot is already connected. Empty here. */
+    virtual void signalPropertyChangedConnected() const;
+
+    mutable PropertyChangedSignal changedSignal;
+};
+
+} // namespace veska

@@ -1,0 +1,108 @@
+#include <mirel_signals/SignalConnectionCollection.h>
+
+#include <boost/signals2/signal.hpp>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+struct SignalConnectionCollectionTest : testing::Test
+{
+    boost::signals2::signal<void()> signal;
+    int calls = 0;
+    SignalConnectionCollection connections;
+
+    boost::signals2::connection connect()
+    {
+        return signal.connect([this] { ++calls; });
+    }
+};
+
+} // namespace
+
+TEST_F(SignalConnectionCollectionTest, DeliversWhileNotBlocked)
+{
+    connections.add(connect());
+    signal();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SignalConnectionCollectionTest, SilencesEveryConnectionWhileBlocked)
+{
+    connections.add(connect());
+    connections.add(connect());
+    connections.block();
+    signal();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SignalConnectionCollectionTest, DeliversNothingLaterOfWhatWasMissed)
+{
+    connections.add(connect());
+    connections.block();
+    signal();
+    connections.unblock();
+    EXPECT_EQ(calls, 0);
+    signal();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SignalConnectionCollectionTest, DoesNotCountBlocks)
+{
+    connections.add(connect());
+    connections.block();
+    connections.block();
+    connections.unblock();
+    signal();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SignalConnectionCollectionTest, AcceptsUnblockWithoutBlock)
+{
+    connections.add(connect());
+    connections.unblock();
+    signal();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SignalConnectionCollectionTest, BlocksAConnectionThatIsAddedWhileBlocked)
+{
+    connections.block();
+    connections.add(connect());
+    signal();
+    EXPECT_EQ(calls, 0);
+    connections.unblock();
+    signal();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SignalConnectionCollectionTest, DisconnectsWhenDestroyed)
+{
+    auto shortLived = std::make_unique<SignalConnectionCollection>();
+    boost::signals2::connection connection = connect();
+    shortLived->add(connection);
+
+    shortLived.reset();
+
+    EXPECT_FALSE(connection.connected());
+    signal();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SignalConnectionCollectionTest, OutlivesTheSignal)
+{
+    auto other = std::make_unique<boost::signals2::signal<void()>>();
+    connections.add(other->connect([] {}));
+    other.reset();
+    connections.block();
+    connections.unblock();
+}
+
+TEST_F(SignalConnectionCollectionTest, IsNotCopyable)
+{
+    EXPECT_FALSE(std::is_copy_constructible<SignalConnectionCollection>::value);
+    EXPECT_FALSE(std::is_copy_assignable<SignalConnectionCollection>::value);
+}
