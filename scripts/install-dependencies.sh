@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Installs every Debian 12 package that building, testing and running need. Asks no question,
+# prints nothing when all are there, and writes only to standard error.
+set -euo pipefail
+export LC_ALL=C
+
+packages=(
+    g++ cmake ninja-build
+    qtbase5-dev          # undo stack, cursor, text handling
+    libvtk9-dev          # tables and the table pipeline
+    libboost-dev         # signals, shared pointers, formats
+    libeigen3-dev libopenblas-dev liblapacke-dev   # fitting
+    libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
+    libgtest-dev libgmock-dev libbenchmark-dev     # tests, benchmarks
+)
+
+missing=()
+installed=$(dpkg-query -W -f='${Package} ${db:Status-Status}\n' "${packages[@]}" 2>/dev/null || true)
+for package in "${packages[@]}"; do
+    grep -qx "$package installed" <<<"$installed" || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+    as_root=()
+elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
+    as_root=(sudo -n)
+else
+    echo "Please have these packages installed, you have no right to do it here (neither root nor" \
+        "sudo without a password): apt-get install ${missing[*]}" >&2
+    exit 1
+fi
+
+apt() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C \
+        apt-get -q -y -o DPkg::Lock::Timeout=600 -o Dpkg::Use-Pty=0 "$@" </dev/null >&2
+}
+
+echo "Installing ${missing[*]}" >&2
+# The lists may be empty or old; with a source that does not answer the others may still do.
+apt update || true
+apt install --no-install-recommends "${missing[@]}" || {
+    echo "The packages could not be installed: ${missing[*]}" >&2
+    exit 1
+}
