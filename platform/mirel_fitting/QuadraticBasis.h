@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/**
+ * The terms of a polynomial of order 0, 1 or 2 in several inputs, in the order in which
+ * coefficients are fitted, stored and printed: 1, then V1 ... Vd, then V_i V_j with i <= j (for
+ * two inputs V1^2, V1 V2, V2^2).
+ *
+ * Coordinates are the caller's: for a fit they are centred and scaled (ColumnScale), since in raw
+ * units the columns differ by orders of magnitude and the fit loses digits.
+ * Myers, Montgomery, Anderson-Cook: Response Surface Methodology, 4th ed., Wiley 2016, ch. 2.
+ */
+class QuadraticBasis
+{
+public:
+    /** Stands in Term for an input that the term does not have. */
+    static constexpr std::size_t noInput = static_cast<std::size_t>(-1);
+
+    /** The inputs of a term, first <= second: a linear term has no second, the constant none. */
+    struct Term
+    {
+        std::size_t first = noInput;
+        std::size_t second = noInput;
+    };
+
+    /**
+     * @param inputs may be 0: then the constant is the only term.
+     * @param order  0 constant, 1 linear, 2 full quadratic.
+     * @throw std::invalid_argument for another order.
+     */
+    QuadraticBasis(std::size_t inputs, int order);
+
+    /** Number of terms of such a basis, 1, d + 1 or (d + 1)(d + 2) / 2: the fewest cases that
+     *  determine a fit. The largest std::size_t where that is no std::size_t. */
+    static std::size_t termCount(std::size_t inputs, int order);
+
+    /** The highest order up to `order` that has no more terms than there are cases; 0 if there
+     *  is no input. */
+    static int highestOrder(std::size_t inputs, int order, std::size_t cases);
+
+    std::size_t inputs() const { return inputCount; }
+    int order() const { return highest; }
+    std::size_t size() const { return termList.size(); }
+    const std::vector<Term>& terms() const { return termList; }
+
+    /** "1", "V1", "V1^2", "V1 V2". */
+    std::string name(std::size_t term) const;
+
+    /**
+     * One term at several points.
+     * @param columns one array of `count` coordinates per input, borrowed for the call.
+     * @param values  receives `count` values; must not overlap the columns.
+     */
+    void evaluateTerm(std::size_t term, const double* const* columns, std::size_t count,
+                      double* values) const;
+
+    /**
+     * All terms at several points, a column per term.
+     * @param values receives size() columns of `count` values; column t starts at t * stride.
+     */
+    void evaluate(const double* const* columns, std::size_t count, double* values,
+                  std::size_t stride) const;
+
+private:
+    std::size_t inputCount;
+    int highest;
+    std::vector<Term> termList;
+};
