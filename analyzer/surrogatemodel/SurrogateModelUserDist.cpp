@@ -1,0 +1,258 @@
+#include <surrogatemodel/SurrogateModelUserDist.h>
+
+#include <mirel_property/ExceptionBase.h>
+
+#include <boost/format.hpp>
+
+#include <QRegExp>
+#include <QString>
+#include <QStringList>
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+using ParseErrorCode = SurrogateModelUserDist::ParseErrorCode;
+
+/** The largest count that one range may ask for. */
+const int MaxValuesPerItem = 1000000;
+
+/** The first fault of an item, on its way from the item to the loop over the items. */
+class ParseError : public veska::ExceptionBase
+{
+public:
+    explicit ParseError(ParseErrorCode faultCode)
+        : veska::ExceptionBase("Parse Error"), errorCode(faultCode)
+    {}
+
+    ParseErrorCode code() const { return errorCode; }
+
+private:
+    ParseErrorCode errorCode;
+};
+
+/** `count` values from minimum to maximum; a single value is a segment of one. */
+struct DistributionSegment
+{
+    double minimum;
+    double maximum;
+    std::int32_t count;
+};
+
+/** A number of the grammar; it admits a few texts that are none, such as "..5". */
+const char* const NumberPattern = "[-+]?[\\.]?[0-9]*\\.?[0-9]+(?:[eE][-+]?[0-9]+)?";
+
+/**
+ * The two forms of an item. Compiling them costs more than matching an item, and objects come and
+ * go with every question, so the patterns outlive them.
+ */
+struct ItemPatterns
+{
+    const QRegExp singleValue = compiled(boost::format("^(%1%)$") % NumberPattern);
+    const QRegExp range = compiled(boost::format("^(%1%)\\s*-\\s*(%2%)\\s*\\:\\s*([+]?\\d+)$") %
+                                   NumberPattern % NumberPattern);
+
+    /** QRegExp keeps what it matched, so each thread has its own. */
+    static const ItemPatterns& instance()
+    {
+        thread_local const ItemPatterns patterns;
+        return patterns;
+    }
+
+private:
+    static QRegExp compiled(const boost::format& pattern)
+    {
+        return QRegExp(QString::fromStdString(pattern.str()), Qt::CaseSensitive, QRegExp::RegExp);
+    }
+};
+
+/** The number as double; `fault` if the pattern admits it but it is none, or none that fits. */
+double toDouble(const QString& text, ParseErrorCode fault)
+{
+    bool converted = false;
+    const double value = text.toDouble(&converted);
+    if (!converted) {
+        throw ParseError(fault);
+    }
+    return value;
+}
+
+std::int32_t toCount(const QString& text)
+{
+    bool converted = false;
+    const std::int32_t count = text.toInt(&converted, 10);
+    if (!converted || count > MaxValuesPerItem) {
+        throw ParseError(SurrogateModelUserDist::TooManyValues);
+    }
+    if (count == 0) {
+        throw ParseError(SurrogateModelUserDist::NoValues);
+    }
+    return count;
+}
+
+DistributionSegment parseRange(const QRegExp& range)
+{
+    // The order of the checks decides which of several faults the user is told.
+    const double minimum = toDouble(range.cap(1), SurrogateModelUserDist::MinimumOutOfBounds);
+    const double maximum = toDouble(range.cap(2), SurrogateModelUserDist::MaximumOutOfBounds);
+    const std::int32_t count = toCount(range.cap(3));
+
+    if (minimum > maximum) {
+        throw ParseError(SurrogateModelUserDist::MinimumLargerThanMaximum);
+    }
+    if (minimum == maximum && count != 1) {
+        throw ParseError(SurrogateModelUserDist::EqualBoundsNeedOnePoint);
+    }
+    if (minimum < maximum && count < 2) {
+        throw ParseError(SurrogateModelUserDist::TooFewValues);
+    }
+    return {minimum, count == 1 ? minimum : maximum, count};
+}
+
+DistributionSegment parseItem(const QString& item)
+{
+    if (item.isEmpty()) {
+        throw ParseError(SurrogateModelUserDist::NoValueRange);
+    }
+    const ItemPatterns& patterns = ItemPatterns::instance();
+    if (patterns.singleValue.exactMatch(item)) {
+        const double value = toDouble(item, SurrogateModelUserDist::ValueOutOfRange);
+        return {value, value, 1};
+    }
+    if (patterns.range.exactMatch(item)) {
+        return parseRange(patterns.range);
+    }
+    throw ParseError(SurrogateModelUserDist::InvalidFloatingPointNumber);
+}
+
+/** Writes the segment's values from `position` on and returns the position behind them. */
+double* expand(const DistributionSegment& segment, double* position)
+{
+    if (segment.count == 1) {
+        *position = segment.minimum;
+        return position + 1;
+    }
+    // A running sum, not minimum + i * step: saved projects rely on exactly these bits. The last
+    // value is the maximum itself, free of the sum's rounding.
+    const double step = (segment.maximum - segment.minimum) / (segment.count - 1);
+    double value = segment.minimum;
+    for (std::int32_t i = 1; i < segment.count; ++i) {
+        *position++ = value;
+        value += step;
+    }
+    *position++ = segment.maximum;
+    return position;
+}
+
+} // namespace
+
+class SurrogateModelUserDist::Impl
+{
+public:
+    explicit Impl(const std::string& text)
+        : sourceText(text), messages{
+                                {NoError, "No error"},
+                                {InvalidFloatingPointNumber, "Invalid floating point number"},
+                                {MinimumOutOfBounds, "Minimum range is too large or too small"},
+                                {MaximumOutOfBounds, "Maximum range is too large or too small"},
+                                {ValueOutOfRange, "Value is out of range"},
+                                {TooManyValues, "Number of values too large"},
+                                {NoValues, "You must specify at least one value"},
+                                {MinimumLargerThanMaximum,
+                                 "Range minimum is larger than range maximum"},
+                                {EqualBoundsNeedOnePoint,
+                                 "If minimum value range equals maximum value range, "
+                                 "number of points must be 1"},
+                                {TooFewValues, "The number of values must be greater than 1"},
+                                {NoValueRange, "No value range specified"},
+                            }
+    {}
+
+    void parse();
+    void parseOnce();
+    void expandInto(std::vector<double>& values) const;
+
+    ParseErrorCode errorCode = NotYetParsed;
+    std::uint64_t valueCount = 0;
+    std::string errorText;
+    const std::string sourceText;
+    std::vector<DistributionSegment> segments;
+    const std::map<int, std::string> messages;
+};
+
+void SurrogateModelUserDist::Impl::parse()
+{
+    valueCount = 0;
+    segments.clear();
+
+    const QStringList parts =
+        QString::fromStdString(sourceText).split(QLatin1Char(','), Qt::KeepEmptyParts);
+    for (const QString& part : parts) {
+        const QString item = part.trimmed();
+        try {
+            segments.push_back(parseItem(item));
+        } catch (const ParseError& error) {
+            errorText = (boost::format("Expression: %1%\n%2%") % item.toStdString() %
+                         messages.at(error.code()))
+                            .str();
+            errorCode = error.code();
+            return;
+        }
+        valueCount += static_cast<std::uint64_t>(segments.back().count);
+    }
+    // Only now: a parse that ran out of memory must not leave a verdict behind.
+    errorCode = NoError;
+}
+
+void SurrogateModelUserDist::Impl::parseOnce()
+{
+    if (errorCode == NotYetParsed) {
+        parse();
+    }
+}
+
+void SurrogateModelUserDist::Impl::expandInto(std::vector<double>& values) const
+{
+    values.resize(valueCount);
+    double* position = values.data();
+    for (const DistributionSegment& segment : segments) {
+        position = expand(segment, position);
+    }
+    // Texts mostly list their values in order; looking is cheaper than sorting.
+    if (!std::is_sorted(values.begin(), values.end())) {
+        std::sort(values.begin(), values.end());
+    }
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+}
+
+SurrogateModelUserDist::SurrogateModelUserDist(const std::string& text)
+    : impl(std::make_unique<Impl>(text))
+{}
+
+SurrogateModelUserDist::~SurrogateModelUserDist() = default;
+
+SurrogateModelUserDist::ParseErrorCode SurrogateModelUserDist::validate()
+{
+    impl->parseOnce();
+    return impl->errorCode;
+}
+
+bool SurrogateModelUserDist::isValid() const
+{
+    impl->parseOnce();
+    return impl->errorCode == NoError;
+}
+
+std::string SurrogateModelUserDist::errorString() const
+{
+    return impl->errorText;
+}
+
+void SurrogateModelUserDist::get(std::vector<double>& values) const
+{
+    impl->parse();
+    if (impl->errorCode == NoError) {
+        impl->expandInto(values);
+    }
+}

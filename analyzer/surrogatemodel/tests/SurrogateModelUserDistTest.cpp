@@ -1,0 +1,462 @@
+#include <surrogatemodel/SurrogateModelUserDist.h>
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <type_traits>
+
+namespace {
+
+using Dist = SurrogateModelUserDist;
+using Values = std::vector<double>;
+
+Values valuesOf(const std::string& text)
+{
+    Values values;
+    Dist(text).get(values);
+    return values;
+}
+
+struct TextAndCode
+{
+    std::string text;
+    Dist::ParseErrorCode code;
+};
+
+void PrintTo(const TextAndCode& row, std::ostream* out)
+{
+    *out << "\"" << row.text << "\" -> " << row.code;
+}
+
+class SurrogateModelUserDistFaults : public testing::TestWithParam<TextAndCode>
+{};
+
+TEST_P(SurrogateModelUserDistFaults, AreReportedByTheirCodeAndLeaveTheVectorAlone)
+{
+    Dist distribution(GetParam().text);
+    Values values = {7.0, 7.0};
+
+    distribution.get(values);
+
+    EXPECT_EQ(distribution.validate(), GetParam().code);
+    EXPECT_FALSE(distribution.isValid());
+    EXPECT_FALSE(distribution.errorString().empty());
+    EXPECT_EQ(values, (Values{7.0, 7.0}));
+}
+
+// Written as bytes: U+00A0, U+2003, U+0663, U+2212.
+const std::string noBreakSpace = "\xc2\xa0";
+const std::string emSpace = "\xe2\x80\x83";
+const std::string arabicThree = "\xd9\xa3";
+const std::string minusSign = "\xe2\x88\x92";
+
+INSTANTIATE_TEST_SUITE_P(EmptyItems, SurrogateModelUserDistFaults,
+                         testing::ValuesIn(std::vector<TextAndCode>{
+                             {"", Dist::NoValueRange},
+                             {"   ", Dist::NoValueRange},
+                             {"\t\n", Dist::NoValueRange},
+                             {",", Dist::NoValueRange},
+                             {"1, 2,", Dist::NoValueRange},
+                             {",1", Dist::NoValueRange},
+                             {"1,,2", Dist::NoValueRange},
+                             {"1, ,2", Dist::NoValueRange},
+                         }));
+
+INSTANTIATE_TEST_SUITE_P(TextsThatAreNoItem, SurrogateModelUserDistFaults,
+                         testing::ValuesIn(std::vector<TextAndCode>{
+                             {"abc", Dist::InvalidFloatingPointNumber},
+                             {"- 5", Dist::InvalidFloatingPointNumber},
+                             {"5.", Dist::InvalidFloatingPointNumber},
+                             {".", Dist::InvalidFloatingPointNumber},
+                             {"+-5", Dist::InvalidFloatingPointNumber},
+                             {"0x10", Dist::InvalidFloatingPointNumber},
+                             {"inf", Dist::InvalidFloatingPointNumber},
+                             {"nan", Dist::InvalidFloatingPointNumber},
+                             {"1e", Dist::InvalidFloatingPointNumber},
+                             {"1e1.5", Dist::InvalidFloatingPointNumber},
+                             {"1 2", Dist::InvalidFloatingPointNumber},
+                             {"5\n6", Dist::InvalidFloatingPointNumber},
+                             {"0..10", Dist::InvalidFloatingPointNumber},
+                             {"0 to 10", Dist::InvalidFloatingPointNumber},
+                             {"0:10", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 :", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 : -3", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 : 3.0", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 : + 3", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 : 3 x", Dist::InvalidFloatingPointNumber},
+                             {"x 0 - 1 : 3", Dist::InvalidFloatingPointNumber},
+                             {"0 - 1 - 2 : 3", Dist::InvalidFloatingPointNumber},
+                             {"1 000", Dist::InvalidFloatingPointNumber},
+                             {"5;6", Dist::InvalidFloatingPointNumber},
+                             {minusSign + "5", Dist::InvalidFloatingPointNumber},
+                             {arabicThree, Dist::InvalidFloatingPointNumber},
+                             {std::string("5\0", 2), Dist::InvalidFloatingPointNumber},
+                             {"\xff\xfe", Dist::InvalidFloatingPointNumber},
+                         }));
+
+INSTANTIATE_TEST_SUITE_P(NumbersThatDoNotConvert, SurrogateModelUserDistFaults,
+                         testing::ValuesIn(std::vector<TextAndCode>{
+                             {"..5", Dist::ValueOutOfRange},
+                             {".1.2", Dist::ValueOutOfRange},
+                             {"1e999", Dist::ValueOutOfRange},
+                             {"-1e999", Dist::ValueOutOfRange},
+                             {"..5 - 1 : 2", Dist::MinimumOutOfBounds},
+                             {"1e999 - 2 : 3", Dist::MinimumOutOfBounds},
+                             {"1e999 - 1e999 : 0", Dist::MinimumOutOfBounds},
+                             {"0 - .1.2 : 2", Dist::MaximumOutOfBounds},
+                             {"0 - 1e999 : 3", Dist::MaximumOutOfBounds},
+                             {"0 - 1e999 : 0", Dist::MaximumOutOfBounds},
+                         }));
+
+INSTANTIATE_TEST_SUITE_P(
+    CountsAndBoundsThatDoNotFit, SurrogateModelUserDistFaults,
+    testing::ValuesIn(std::vector<TextAndCode>{
+        {"0 - 1 : 1000001", Dist::TooManyValues},
+        {"0 - 1 : 2147483647", Dist::TooManyValues},
+        {"0 - 1 : 2147483648", Dist::TooManyValues},
+        {"0 - 1 : 99999999999999999999", Dist::TooManyValues},
+        {"1 - 0 : 9999999", Dist::TooManyValues},
+        // A digit of another script is a digit to the pattern, but no number converts from it.
+        {"0 - 1 : " + arabicThree, Dist::TooManyValues},
+        {"0 - 1 : 0", Dist::NoValues},
+        {"1 - 0 : 0", Dist::NoValues},
+        {"2 - 2 : 0", Dist::NoValues},
+        {"1 - 0 : 3", Dist::MinimumLargerThanMaximum},
+        {"1 - 0 : 1", Dist::MinimumLargerThanMaximum},
+        {"2 - 2 : 3", Dist::EqualBoundsNeedOnePoint},
+        {"0 - -0 : 2", Dist::EqualBoundsNeedOnePoint},
+        {"0 - 1 : 1", Dist::TooFewValues},
+    }));
+
+struct TextAndValues
+{
+    std::string text;
+    Values values;
+};
+
+void PrintTo(const TextAndValues& row, std::ostream* out)
+{
+    *out << "\"" << row.text << "\"";
+}
+
+class SurrogateModelUserDistTexts : public testing::TestWithParam<TextAndValues>
+{};
+
+TEST_P(SurrogateModelUserDistTexts, ExpandToTheirValues)
+{
+    Dist distribution(GetParam().text);
+    Values values;
+
+    distribution.get(values);
+
+    EXPECT_EQ(values, GetParam().values);
+    EXPECT_EQ(distribution.validate(), Dist::NoError);
+    EXPECT_TRUE(distribution.isValid());
+    EXPECT_EQ(distribution.errorString(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(SingleValues, SurrogateModelUserDistTexts,
+                         testing::ValuesIn(std::vector<TextAndValues>{
+                             {"5", {5}},
+                             {" 5 ", {5}},
+                             {"\t5\n", {5}},
+                             {noBreakSpace + "5" + emSpace, {5}},
+                             {"-5", {-5}},
+                             {".5", {0.5}},
+                             {"+.5", {0.5}},
+                             {"1e3", {1000}},
+                             {"1E+3", {1000}},
+                             {"007", {7}},
+                             {"1.5e-1", {0.15}},
+                             {"1.7976931348623157e308", {std::numeric_limits<double>::max()}},
+                         }));
+
+INSTANTIATE_TEST_SUITE_P(Ranges, SurrogateModelUserDistTexts,
+                         testing::ValuesIn(std::vector<TextAndValues>{
+                             {"0 - 1 : 3", {0, 0.5, 1}},
+                             {"-5 - -1 : 2", {-5, -1}},
+                             {"-5--1:2", {-5, -1}},
+                             {"0-1:+3", {0, 0.5, 1}},
+                             {"0-1:003", {0, 0.5, 1}},
+                             {"0 \t-\n 1   :\t3", {0, 0.5, 1}},
+                             {"0" + noBreakSpace + "-" + emSpace + "1:3", {0, 0.5, 1}},
+                             {"1e-5-2:2", {1e-5, 2}},
+                             {"1e3-1e4:10",
+                              {1000, 2000, 3000, 4000, 5000, 6000, 7000, 8000, 9000, 10000}},
+                             {"2 - 2 : 1", {2}},
+                         }));
+
+INSTANTIATE_TEST_SUITE_P(ListsOfItems, SurrogateModelUserDistTexts,
+                         testing::ValuesIn(std::vector<TextAndValues>{
+                             {"3, 1, 2, 1", {1, 2, 3}},
+                             {"0 - 10 : 11, 5", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+                             {"20 - 30 : 3, 0 - 10 : 2", {0, 10, 20, 25, 30}},
+                             {"1,5", {1, 5}},
+                             {"0, -0", {0}},
+                         }));
+
+TEST(SurrogateModelUserDist, NumbersItsFaultsFromZeroToTenAndTwelveIn32Bits)
+{
+    EXPECT_TRUE((std::is_same<std::underlying_type_t<Dist::ParseErrorCode>, std::int32_t>::value));
+    const int codes[] = {Dist::NoError,
+                         Dist::InvalidFloatingPointNumber,
+                         Dist::MinimumOutOfBounds,
+                         Dist::MaximumOutOfBounds,
+                         Dist::ValueOutOfRange,
+                         Dist::TooManyValues,
+                         Dist::NoValues,
+                         Dist::MinimumLargerThanMaximum,
+                         Dist::EqualBoundsNeedOnePoint,
+                         Dist::TooFewValues,
+                         Dist::NoValueRange};
+    for (int code = 0; code <= 10; ++code) {
+        EXPECT_EQ(codes[code], code);
+    }
+    EXPECT_EQ(static_cast<int>(Dist::NotYetParsed), 12);
+}
+
+TEST(SurrogateModelUserDist, HasOneMessagePerFault)
+{
+    const std::pair<std::string, std::string> messages[] = {
+        {"abc", "Invalid floating point number"},
+        {"1e999 - 1 : 2", "Minimum range is too large or too small"},
+        {"1 - 1e999 : 2", "Maximum range is too large or too small"},
+        {"1e999", "Value is out of range"},
+        {"0 - 1 : 1000001", "Number of values too large"},
+        {"0 - 1 : 0", "You must specify at least one value"},
+        {"1 - 0 : 2", "Range minimum is larger than range maximum"},
+        {"1 - 1 : 2", "If minimum value range equals maximum value range, "
+                      "number of points must be 1"},
+        {"0 - 1 : 1", "The number of values must be greater than 1"},
+        {"", "No value range specified"},
+    };
+
+    for (const auto& [text, message] : messages) {
+        Dist distribution(text);
+        distribution.validate();
+        EXPECT_EQ(distribution.errorString(), "Expression: " + text + "\n" + message);
+    }
+}
+
+TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyAndTrimmed)
+{
+    Dist distribution("1,  abc\t, 0 - 1 : 0");
+
+    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
+    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
+}
+
+TEST(SurrogateModelUserDist, ReportsABlankTextAsAnEmptyItem)
+{
+    Dist distribution("   ");
+
+    EXPECT_FALSE(distribution.isValid());
+    EXPECT_EQ(distribution.errorString(), "Expression: \nNo value range specified");
+}
+
+TEST(SurrogateModelUserDist, DoesNotExpandPlaceholdersThatTheItemContains)
+{
+    Dist distribution("%2% %1% 100%");
+
+    distribution.validate();
+
+    EXPECT_EQ(distribution.errorString(),
+              "Expression: %2% %1% 100%\nInvalid floating point number");
+}
+
+TEST(SurrogateModelUserDist, HasNoErrorTextBeforeItIsParsed)
+{
+    EXPECT_EQ(Dist("abc").errorString(), "");
+}
+
+TEST(SurrogateModelUserDist, KeepsItsVerdictAndErrorText)
+{
+    Dist distribution("abc");
+    Values values;
+
+    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
+    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
+    distribution.get(values);
+    EXPECT_FALSE(distribution.isValid());
+    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
+}
+
+TEST(SurrogateModelUserDist, IsCheckedThroughAConstObjectToo)
+{
+    const Dist distribution("abc");
+
+    EXPECT_FALSE(distribution.isValid());
+    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
+}
+
+TEST(SurrogateModelUserDist, GetParsesAnObjectThatNobodyHasValidated)
+{
+    Dist valid("1, 2");
+    Dist faulty("abc");
+    Values values;
+
+    valid.get(values);
+    faulty.get(values);
+
+    EXPECT_EQ(values, (Values{1, 2}));
+    EXPECT_EQ(valid.validate(), Dist::NoError);
+    EXPECT_EQ(faulty.validate(), Dist::InvalidFloatingPointNumber);
+    EXPECT_EQ(faulty.errorString(), "Expression: abc\nInvalid floating point number");
+}
+
+TEST(SurrogateModelUserDist, GetGivesTheSameValuesEachTime)
+{
+    const Dist distribution("0 - 1 : 3, 7");
+    Values first;
+    Values second;
+
+    distribution.get(first);
+    distribution.get(second);
+
+    EXPECT_EQ(first, (Values{0, 0.5, 1, 7}));
+    EXPECT_EQ(second, first);
+}
+
+TEST(SurrogateModelUserDist, GetReplacesWhatTheVectorHeld)
+{
+    Values values = {9.0, 9.0, 9.0, 9.0};
+
+    Dist("1,2").get(values);
+
+    EXPECT_EQ(values, (Values{1, 2}));
+}
+
+TEST(SurrogateModelUserDist, AddsTheStepUpAndEndsOnTheMaximumItself)
+{
+    const Values values = valuesOf("0 - 1 : 11");
+
+    ASSERT_EQ(values.size(), 11u);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < 10; ++i) {
+        EXPECT_EQ(values[i], sum) << i;
+        sum += 0.1;
+    }
+    EXPECT_EQ(values[3], 0.30000000000000004);
+    EXPECT_EQ(values[10], 1.0);
+    EXPECT_NE(values[10], sum) << "the sum itself misses the maximum";
+}
+
+TEST(SurrogateModelUserDist, AStepThatOverflowsGivesInfinity)
+{
+    const Values values = valuesOf("-1e308 - 1e308 : 3");
+
+    EXPECT_EQ(values, (Values{-1e308, 1e308, std::numeric_limits<double>::infinity()}));
+}
+
+TEST(SurrogateModelUserDist, StepsTooSmallForTheNumbersVanishAsDuplicates)
+{
+    // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
+    EXPECT_EQ(valuesOf("1e16 - 10000000000000002 : 5"), (Values{1e16, 10000000000000002.0}));
+}
+
+TEST(SurrogateModelUserDist, AcceptsAMillionValuesPerRange)
+{
+    const Values values = valuesOf("0 - 999999 : 1000000");
+
+    ASSERT_EQ(values.size(), 1000000u);
+    EXPECT_EQ(values.front(), 0.0);
+    EXPECT_EQ(values[123456], 123456.0);
+    EXPECT_EQ(values.back(), 999999.0);
+}
+
+TEST(SurrogateModelUserDist, DoesNotLimitTheNumberOfRanges)
+{
+    const Values values = valuesOf("0 - 999999 : 1000000, 1000000 - 1999999 : 1000000, 5 - 6 : 2");
+
+    ASSERT_EQ(values.size(), 2000000u);
+    EXPECT_EQ(values.back(), 1999999.0);
+}
+
+TEST(SurrogateModelUserDist, AcceptsTheSmallestNumbersAndRefusesThoseThatVanish)
+{
+    // What the toolkit's conversion does with exponents below the range of double.
+    EXPECT_EQ(valuesOf("4e-324"), (Values{std::numeric_limits<double>::denorm_min()}));
+    EXPECT_EQ(Dist("1e-400").validate(), Dist::ValueOutOfRange);
+}
+
+TEST(SurrogateModelUserDist, ReadsVeryLongNumbers)
+{
+    const std::string digits(1000000, '1');
+
+    EXPECT_EQ(Dist(digits).validate(), Dist::ValueOutOfRange);
+    EXPECT_EQ(valuesOf("0." + digits).size(), 1u);
+    EXPECT_EQ(Dist(digits + "x").validate(), Dist::InvalidFloatingPointNumber);
+}
+
+TEST(SurrogateModelUserDist, ReadsVeryLongTexts)
+{
+    std::string text = "0";
+    for (int i = 1; i < 100000; ++i) {
+        text += ", " + std::to_string(i);
+    }
+
+    const Values values = valuesOf(text);
+
+    ASSERT_EQ(values.size(), 100000u);
+    EXPECT_EQ(values[99999], 99999.0);
+}
+
+class CommaAsDecimalPoint : public std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(SurrogateModelUserDist, ReadsNumbersAlikeInEveryLocale)
+{
+    const std::locale before =
+        std::locale::global(std::locale(std::locale(), new CommaAsDecimalPoint));
+    const std::string numericBefore = std::setlocale(LC_NUMERIC, nullptr);
+    // Where it is installed; the C++ locale above is there everywhere.
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+
+    const Values values = valuesOf("1.5,2500");
+    Dist faulty("12345 - 0 : 3");
+    faulty.validate();
+
+    std::setlocale(LC_NUMERIC, numericBefore.c_str());
+    std::locale::global(before);
+    EXPECT_EQ(values, (Values{1.5, 2500}));
+    EXPECT_EQ(faulty.errorString(),
+              "Expression: 12345 - 0 : 3\nRange minimum is larger than range maximum");
+}
+
+TEST(SurrogateModelUserDist, StandsBehindTheInterfaceAndIsDeletedThroughIt)
+{
+    const boost::shared_ptr<InterpolationPointsInterface> points = boost::make_shared<Dist>("1, 2");
+
+    Values values;
+    points->get(values);
+
+    EXPECT_EQ(values, (Values{1, 2}));
+}
+
+class SubclassAlongTwoPaths : public Dist, public virtual InterpolationPointsInterface
+{
+public:
+    SubclassAlongTwoPaths() : Dist("3") {}
+};
+
+TEST(SurrogateModelUserDist, InheritsTheInterfaceVirtually)
+{
+    const SubclassAlongTwoPaths distribution;
+    const InterpolationPointsInterface& points = distribution;
+
+    Values values;
+    points.get(values);
+
+    EXPECT_EQ(values, (Values{3}));
+}
+
+} // namespace
