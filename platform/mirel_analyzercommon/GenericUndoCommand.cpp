@@ -1,0 +1,94 @@
+#include <mirel_analyzercommon/GenericUndoCommand.h>
+
+#include <mirel_analyzercommon/DeleteSignaler.h>
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_analyzercommon/UndoStackState.h>
+
+#include <boost/signals2/connection.hpp>
+
+#include <utility>
+
+namespace {
+
+void callCopy(const boost::function<void()>& function)
+{
+    const boost::function<void()> copy = function;
+    if (copy) {
+        copy();
+    }
+}
+
+} // namespace
+
+class GenericUndoCommand::Impl
+{
+public:
+    boost::function<void()> redo;
+    boost::function<void()> undo;
+    const DeleteSignaler* deleteSignaler = nullptr;
+    int id = -1;
+    bool isObjectGone = false;
+    boost::signals2::scoped_connection deletedConnection;
+};
+
+GenericUndoCommand::GenericUndoCommand(boost::function<void()> redo, boost::function<void()> undo,
+                                       const DeleteSignaler* deleteSignaler, const QString& text,
+                                       int id, QUndoCommand* parent)
+    : QUndoCommand(text, parent), impl(std::make_unique<Impl>())
+{
+    impl->redo = std::move(redo);
+    impl->undo = std::move(undo);
+    impl->deleteSignaler = deleteSignaler;
+    impl->id = id;
+    if (deleteSignaler) {
+        impl->deletedConnection = deleteSignaler->connectSignalDeleted([this] {
+            impl->isObjectGone = true;
+            setObsolete(true);
+        });
+    }
+}
+
+GenericUndoCommand::~GenericUndoCommand() = default;
+
+int GenericUndoCommand::id() const
+{
+    return impl->id;
+}
+
+bool GenericUndoCommand::mergeWith(const QUndoCommand* other)
+{
+    const auto* newer = dynamic_cast<const GenericUndoCommand*>(other);
+    if (!newer || impl->id < 0 || newer->impl->id != impl->id) {
+        return false;
+    }
+    // The address of an object that has gone may be that of a new one.
+    if (impl->isObjectGone || newer->impl->isObjectGone ||
+        newer->impl->deleteSignaler != impl->deleteSignaler) {
+        return false;
+    }
+    if (childCount() > 0 || newer->childCount() > 0) {
+        return false;
+    }
+    impl->redo = newer->impl->redo;
+    return true;
+}
+
+void GenericUndoCommand::redo()
+{
+    if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectGone) {
+        return;
+    }
+    const UndoStack::SuspendUndoRecording suspension;
+    callCopy(impl->redo);
+    QUndoCommand::redo();
+}
+
+void GenericUndoCommand::undo()
+{
+    if (impl->isObjectGone) {
+        return;
+    }
+    const UndoStack::SuspendUndoRecording suspension;
+    QUndoCommand::undo();
+    callCopy(impl->undo);
+}

@@ -1,0 +1,3 @@
+#include <mirel_analyzercommon/SuspendableInterface.h>
+
+SuspendableInterface::~SuspendableInterface() = default;

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <mirel_analyzercommon/Export.h>
+
+class QString;
+class QUndoCommand;
+class QUndoStack;
+
+/**
+ * A handle on the one undo stack of the application. The stack is made on first use, needs no
+ * application object and stays valid until the process has ended, static destruction included.
+ * Main thread only.
+ */
+class MIREL_ANALYZERCOMMON_EXPORT UndoStack
+{
+public:
+    UndoStack();
+
+    /**
+     * Calls the redo() of `command`, which becomes the stack's, and records it: as a part of the
+     * open macro if there is one, else as a step of its own that discards the steps that could be
+     * redone. Runs redo() while recording is suspended, like every later undo and redo.
+     *
+     * A command that is not a GenericUndoCommand is wrapped, so that this holds for it too; its
+     * text, id, merging and obsolescence are kept. A command that is obsolete, before its redo()
+     * or after it, is deleted and leaves no trace.
+     *
+     * While recording is suspended, redo() is called and the command is deleted. If redo() throws,
+     * the command is deleted, nothing is recorded, and the exception passes.
+     */
+    void push(QUndoCommand* command);
+
+    /** For views and actions, valid for the life of the process; push through push(). */
+    QUndoStack& stack() const;
+
+    class Macro;
+    class SuspendUndoRecording;
+};
+
+/**
+ * While one lives, pushed commands are parts of one step titled `text`. Macros nest: inner ones
+ * join the outermost, whose text holds. The step is opened by the first push only: a macro in
+ * which nothing was pushed leaves no step behind and keeps the steps that could be redone. One
+ * that is made while recording is suspended does nothing at all.
+ */
+class MIREL_ANALYZERCOMMON_EXPORT UndoStack::Macro
+{
+public:
+    explicit Macro(const QString& text);
+
+    /**
+     * Closes the step, which tells the stack's listeners. What they throw passes, unless another
+     * exception is on its way; the step is closed either way.
+     */
+    ~Macro() noexcept(false);
+
+    Macro(const Macro&) = delete;
+    Macro& operator=(const Macro&) = delete;
+
+private:
+    bool isLive;
+};
+
+/** While one lives, pushed commands are done but not recorded. Nests. */
+class MIREL_ANALYZERCOMMON_EXPORT UndoStack::SuspendUndoRecording
+{
+public:
+    SuspendUndoRecording();
+    ~SuspendUndoRecording();
+
+    SuspendUndoRecording(const SuspendUndoRecording&) = delete;
+    SuspendUndoRecording& operator=(const SuspendUndoRecording&) = delete;
+};

@@ -1,0 +1,58 @@
+#include <mirel_analyzercommon/WrappedUndoCommand.h>
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_analyzercommon/UndoStackState.h>
+
+#include <utility>
+
+WrappedUndoCommand::WrappedUndoCommand(std::unique_ptr<QUndoCommand> wrapped)
+    : command(std::move(wrapped))
+{
+    adoptTextAndObsolescence();
+}
+
+WrappedUndoCommand::~WrappedUndoCommand() = default;
+
+int WrappedUndoCommand::id() const
+{
+    return command->id();
+}
+
+bool WrappedUndoCommand::mergeWith(const QUndoCommand* other)
+{
+    // An application's ids say nothing about the commands that come in without a wrapper.
+    const auto* newer = dynamic_cast<const WrappedUndoCommand*>(other);
+    if (!newer || !command->mergeWith(newer->command.get())) {
+        return false;
+    }
+    adoptTextAndObsolescence();
+    return true;
+}
+
+void WrappedUndoCommand::redo()
+{
+    if (UndoStackState::instance().takeDoneBeforePush(this)) {
+        return;
+    }
+    const UndoStack::SuspendUndoRecording suspension;
+    if (!command->isObsolete()) {
+        command->redo();
+    }
+    adoptTextAndObsolescence();
+}
+
+void WrappedUndoCommand::undo()
+{
+    const UndoStack::SuspendUndoRecording suspension;
+    if (!command->isObsolete()) {
+        command->undo();
+    }
+    adoptTextAndObsolescence();
+}
+
+// Qt asks the command on its stack, without a virtual call, and commands change both as they run.
+void WrappedUndoCommand::adoptTextAndObsolescence()
+{
+    setText(command->text() + QLatin1Char('\n') + command->actionText());
+    setObsolete(command->isObsolete());
+}
