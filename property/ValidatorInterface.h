@@ -1,0 +1,18 @@
+#pragma once
+
+#include <mirel_property/ValidationResult.h>
+
+namespace veska {
+
+/** Says of a candidate value whether a property may take it. */
+template <class T>
+class ValidatorInterface
+{
+public:
+    /** Accepted, or refused with a text for the user. */
+    virtual ValidationResult validate(const T& value) const = 0;
+
+    virtual ~ValidatorInterface() = default;
+};
+
+} // namespace veska
