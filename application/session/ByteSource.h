@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+/**
+ * The bytes of an input file, in blocks, from the beginning as often as wanted. A regular file is
+ * read anew each time; anything else (a pipe, a terminal) is read once, whole, and kept.
+ */
+class ByteSource
+{
+public:
+    /** @param path "-" is the standard input. @throw FileError if it cannot be opened. */
+    explicit ByteSource(const std::string& path);
+    ~ByteSource();
+
+    ByteSource(const ByteSource&) = delete;
+    ByteSource& operator=(const ByteSource&) = delete;
+
+    /** Fills the buffer unless the end comes first; answers the bytes read, 0 at the end.
+     *  @throw FileError */
+    std::size_t read(char* buffer, std::size_t capacity);
+
+    void rewind();
+
+    /** In bytes. */
+    std::size_t size() const;
+
+private:
+    std::string path;
+    std::FILE* file = nullptr;
+    std::string kept;
+    bool isKept = false;
+    std::size_t position = 0;
+    std::size_t bytes = 0;
+};

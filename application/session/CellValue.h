@@ -1,0 +1,37 @@
+#pragma once
+
+#include <surrogate_session/Export.h>
+
+#include <string_view>
+
+/** What the text of one cell of a case file says. */
+struct SURROGATE_SESSION_EXPORT CellValue
+{
+    enum Kind
+    {
+        Missing,
+        Number,
+        Text
+    };
+    enum DecimalMark
+    {
+        NoMark,
+        Point,
+        Comma
+    };
+
+    Kind kind = Missing;
+    double number = 0.0;
+    DecimalMark mark = NoMark;
+
+    /**
+     * Reads a cell; blanks at its ends are not looked at.
+     *
+     * Missing: nothing, NA, N/A, NaN, null (in any case), ? and -. A number is written as C
+     * programs write it in the C locale, whatever the locale of the process, with an optional sign;
+     * "inf" is an infinite one, and so is a number too large for a double: its case is invalid, its
+     * column still numeric. A number too small for a double is 0. Everything else is text.
+     * @param decimalComma whether a comma may stand for the decimal point.
+     */
+    static CellValue read(std::string_view text, bool decimalComma);
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <mirel_property/ExceptionBase.h>
+
+#include <surrogate_session/Export.h>
+
+#include <string>
+
+/*
+ * What can be wrong with what a user asks for or hands over: one class for each answer that a
+ * program gives to it. Messages are whole sentences that name the thing.
+ */
+
+/** A name that does not exist, a role or a value that does not fit. */
+class SURROGATE_SESSION_EXPORT UsageError : public veska::ExceptionBase
+{
+public:
+    explicit UsageError(const std::string& message);
+    ~UsageError() override;
+};
+
+/** A case file that cannot be understood; the message names file and line. */
+class SURROGATE_SESSION_EXPORT CaseDataError : public veska::ExceptionBase
+{
+public:
+    explicit CaseDataError(const std::string& message);
+    ~CaseDataError() override;
+};
+
+/** A faulty distribution text; the message names the variable and the faulty item. */
+class SURROGATE_SESSION_EXPORT DistributionTextError : public veska::ExceptionBase
+{
+public:
+    explicit DistributionTextError(const std::string& message);
+    ~DistributionTextError() override;
+};
+
+/** A file that cannot be opened, read or written; the message names it and the system's reason. */
+class SURROGATE_SESSION_EXPORT FileError : public veska::ExceptionBase
+{
+public:
+    explicit FileError(const std::string& message);
+    ~FileError() override;
+};
