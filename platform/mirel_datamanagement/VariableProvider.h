@@ -1,0 +1,20 @@
+#pragma once
+
+#include <mirel_datamanagement/Export.h>
+#include <mirel_datamanagement/VariableProviderIterator.h>
+
+/** A range of variables: what the lists below can be narrowed from. */
+class MIREL_DATAMANAGEMENT_EXPORT VariableProvider
+{
+public:
+    virtual ~VariableProvider();
+
+    /** Iterators are good until the provider is assigned or destroyed. */
+    virtual VariableProviderIterator begin() const = 0;
+    virtual VariableProviderIterator end() const = 0;
+
+protected:
+    VariableProvider();
+    VariableProvider(const VariableProvider&);
+    VariableProvider& operator=(const VariableProvider&);
+};

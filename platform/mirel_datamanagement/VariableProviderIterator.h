@@ -1,0 +1,36 @@
+#pragma once
+
+#include <mirel_datamanagement/Export.h>
+#include <mirel_datamanagement/Variable.h>
+
+#include <cstddef>
+#include <iterator>
+#include <vector>
+
+/** A forward iterator over the handles of a VariableProvider, good as long as the provider is. */
+class MIREL_DATAMANAGEMENT_EXPORT VariableProviderIterator
+{
+public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = VarPtr;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const VarPtr*;
+    using reference = const VarPtr&;
+
+    /** Belongs to no range; equal to others made like this. */
+    VariableProviderIterator();
+
+    explicit VariableProviderIterator(std::vector<VarPtr>::const_iterator position);
+
+    reference operator*() const;
+    pointer operator->() const;
+
+    VariableProviderIterator& operator++();
+    VariableProviderIterator operator++(int);
+
+    bool operator==(const VariableProviderIterator& other) const;
+    bool operator!=(const VariableProviderIterator& other) const;
+
+private:
+    std::vector<VarPtr>::const_iterator position;
+};
