@@ -1,0 +1,12 @@
+#pragma once
+
+#include <mirel_datapipeline/Export.h>
+
+class vtkVariant;
+
+/**
+ * Whether a cell of the cases table cannot be used as a number: an invalid variant, empty or blank
+ * text, text that is no number as a whole ("12 mm"), NaN, infinity, or an object. Whatever is not
+ * invalid gives a finite number with vtkVariant::ToDouble().
+ */
+MIREL_DATAPIPELINE_EXPORT bool isInvalidValue(const vtkVariant& value);
