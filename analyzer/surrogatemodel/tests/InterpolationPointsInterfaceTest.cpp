@@ -1,5 +1,7 @@
 #include <surrogatemodel/InterpolationPointsInterface.h>
 
+#include "VirtualSlot.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -39,6 +41,11 @@ TEST(InterpolationPointsInterface, IsAbstractAndCopyableWithoutState)
     EXPECT_TRUE(std::has_virtual_destructor<InterpolationPointsInterface>::value);
     // Nothing but the pointer to the virtual functions.
     EXPECT_EQ(sizeof(InterpolationPointsInterface), sizeof(void*));
+}
+
+TEST(InterpolationPointsInterface, ListsGetBeforeTheDestructor)
+{
+    EXPECT_TRUE(isVirtualSlot(&InterpolationPointsInterface::get, 0));
 }
 
 TEST(InterpolationPointsInterface, AssigningTheInterfaceCopiesNothing)
