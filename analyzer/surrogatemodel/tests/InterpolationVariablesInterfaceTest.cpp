@@ -1,0 +1,127 @@
+#include <surrogatemodel/InterpolationVariablesInterface.h>
+
+#include "VirtualSlot.h"
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+class NoVariables : public virtual InterpolationVariablesInterface
+{
+public:
+    boost::shared_ptr<std::map<VarPtr, std::vector<double>>>
+    inputIndependentVariables() const override
+    {
+        return boost::make_shared<std::map<VarPtr, std::vector<double>>>();
+    }
+    std::set<VarPtr> dependentVariables() const override { return {}; }
+    bool isVariableEmployed(VarPtr) const override { return false; }
+    void suspend() override {}
+    void resume() override {}
+};
+
+class EmittingInItsHook : public NoVariables
+{
+    void signalInterpolationVariablesChangedConnected() const override
+    {
+        signalInterpolationVariablesChanged();
+    }
+};
+
+class Suspendable : public virtual SuspendableInterface
+{};
+
+class SuspendableAlongTwoPaths : public NoVariables, public Suspendable
+{};
+
+TEST(InterpolationVariablesInterface, TellsListenersOfAChange)
+{
+    const NoVariables variables;
+    int calls = 0;
+    variables.connectSignalInterpolationVariablesChanged([&calls] { ++calls; });
+
+    variables.signalInterpolationVariablesChanged();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(InterpolationVariablesInterface, ConnectingReturnsTheConnection)
+{
+    const NoVariables variables;
+    int calls = 0;
+    boost::signals2::connection connection =
+        variables.connectSignalInterpolationVariablesChanged([&calls] { ++calls; });
+
+    EXPECT_TRUE(connection.connected());
+    connection.disconnect();
+    variables.signalInterpolationVariablesChanged();
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(InterpolationVariablesInterface, RunsTheHookOncePerConnectWithTheNewSlotConnected)
+{
+    const EmittingInItsHook variables;
+    int first = 0;
+    int second = 0;
+
+    variables.connectSignalInterpolationVariablesChanged([&first] { ++first; });
+    EXPECT_EQ(first, 1) << "the hook's emission reaches the slot that was just connected";
+    variables.connectSignalInterpolationVariablesChanged([&second] { ++second; });
+
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 1);
+}
+
+TEST(InterpolationVariablesInterface, ConnectingToTheSignalItselfDoesNotRunTheHook)
+{
+    const EmittingInItsHook variables;
+    int calls = 0;
+
+    variables.signalInterpolationVariablesChanged.connect([&calls] { ++calls; });
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(InterpolationVariablesInterface, DisconnectsListenersWhenDestroyed)
+{
+    auto variables = std::make_unique<NoVariables>();
+    const boost::signals2::connection connection =
+        variables->connectSignalInterpolationVariablesChanged([] {});
+
+    variables.reset();
+
+    EXPECT_FALSE(connection.connected());
+}
+
+TEST(InterpolationVariablesInterface, IsDeletedThroughSuspendableInterface)
+{
+    std::unique_ptr<SuspendableInterface> variables = std::make_unique<NoVariables>();
+    const boost::signals2::connection connection =
+        dynamic_cast<InterpolationVariablesInterface&>(*variables)
+            .connectSignalInterpolationVariablesChanged([] {});
+
+    variables.reset();
+
+    EXPECT_FALSE(connection.connected());
+}
+
+TEST(InterpolationVariablesInterface, InheritsSuspendableInterfaceVirtually)
+{
+    // Ambiguous, and hence no conversion, if there were two of them.
+    EXPECT_TRUE((std::is_convertible<SuspendableAlongTwoPaths*, SuspendableInterface*>::value));
+}
+
+TEST(InterpolationVariablesInterface, KeepsTheOrderOfItsVirtualOperations)
+{
+    // Behind the two forms of the destructor, suspend() and resume().
+    EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::inputIndependentVariables, 4));
+    EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::dependentVariables, 5));
+    EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::isVariableEmployed, 6));
+}
+
+} // namespace
