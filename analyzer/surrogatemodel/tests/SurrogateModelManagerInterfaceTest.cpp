@@ -1,0 +1,171 @@
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <type_traits>
+
+namespace {
+
+using Interface = SurrogateModelManagerInterface;
+
+/** Counts the runs of the hook, and emits the signal in it on request. */
+class HookedManager : public Interface
+{
+public:
+    SurrogateModelInterface& model(const std::set<VarPtr>&) const override { return refuse(); }
+    SurrogateModelInterface& model(const std::set<int>&) const override { return refuse(); }
+    boost::shared_ptr<veska::PropertyAbstract<std::vector<VarPtr>>> independentVars() const override
+    {
+        return {};
+    }
+    boost::shared_ptr<veska::PropertyAbstract<ModelType>> type() const override { return {}; }
+    boost::shared_ptr<veska::PropertyAbstract<SurrogateModelUserDistCollection>>
+    evaluationPoint() const override
+    {
+        return {};
+    }
+    bool isVariableInSurrogateModel(VarPtr) const override { return false; }
+    std::size_t offsetForVariableName(const std::string&) const override { return 0; }
+
+    mutable int hookRuns = 0;
+    bool emitInHook = false;
+
+private:
+    static SurrogateModelInterface& refuse() { throw SurrogateModelInterface::Error("no model"); }
+
+    void signalModelChangedConnected() const override
+    {
+        ++hookRuns;
+        if (emitInHook) {
+            signalModelChanged();
+        }
+    }
+};
+
+} // namespace
+
+TEST(SurrogateModelManagerInterface, HasModelTypesKrigingZeroAndResponseSurfaceOneIn32Bits)
+{
+    EXPECT_EQ(static_cast<int>(Interface::Kriging), 0);
+    EXPECT_EQ(static_cast<int>(Interface::ResponseSurface), 1);
+    EXPECT_TRUE((std::is_same<std::underlying_type_t<Interface::ModelType>, std::int32_t>::value));
+    EXPECT_EQ(sizeof(Interface::ModelType), 4U);
+}
+
+TEST(SurrogateModelManagerInterface, AnswersEverythingThroughAConstReference)
+{
+    using VariablesForm = SurrogateModelInterface& (Interface::*)(const std::set<VarPtr>&) const;
+    using OffsetsForm = SurrogateModelInterface& (Interface::*)(const std::set<int>&) const;
+    const VariablesForm byVariables = &Interface::model;
+    const OffsetsForm byOffsets = &Interface::model;
+    EXPECT_TRUE(byVariables != nullptr && byOffsets != nullptr);
+
+    const HookedManager manager;
+    const Interface& face = manager;
+    EXPECT_TRUE(
+        (std::is_same<decltype(face.independentVars()),
+                      boost::shared_ptr<veska::PropertyAbstract<std::vector<VarPtr>>>>::value));
+    EXPECT_TRUE(
+        (std::is_same<decltype(face.type()),
+                      boost::shared_ptr<veska::PropertyAbstract<Interface::ModelType>>>::value));
+    EXPECT_TRUE(
+        (std::is_same<
+            decltype(face.evaluationPoint()),
+            boost::shared_ptr<veska::PropertyAbstract<SurrogateModelUserDistCollection>>>::value));
+    EXPECT_FALSE(face.isVariableInSurrogateModel(VarPtr()));
+    EXPECT_EQ(face.offsetForVariableName("y"), 0U);
+    EXPECT_TRUE(std::is_abstract<Interface>::value);
+    EXPECT_TRUE(std::has_virtual_destructor<Interface>::value);
+}
+
+TEST(SurrogateModelManagerInterface, StartsWithoutListeners)
+{
+    EXPECT_EQ(HookedManager().signalModelChanged.num_slots(), 0U);
+}
+
+TEST(SurrogateModelManagerInterface, TellsItsListenersThatTheModelChanged)
+{
+    const HookedManager manager;
+    int calls = 0;
+    manager.connectSignalModelChanged([&calls] { ++calls; });
+
+    manager.signalModelChanged();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(SurrogateModelManagerInterface, HandsExtendedListenersTheirConnection)
+{
+    const HookedManager manager;
+    int calls = 0;
+    manager.connectSignalModelChangedExtended(
+        [&calls](const boost::signals2::connection& connection) {
+            ++calls;
+            connection.disconnect();
+        });
+
+    manager.signalModelChanged();
+    manager.signalModelChanged();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(SurrogateModelManagerInterface, RunsItsHookOnceForEachConnectWithTheSlotConnected)
+{
+    HookedManager manager;
+    manager.emitInHook = true;
+    int calls = 0;
+
+    manager.connectSignalModelChanged([&calls] { ++calls; });
+    EXPECT_EQ(calls, 1);
+    manager.connectSignalModelChangedExtended(
+        [&calls](const boost::signals2::connection&) { ++calls; });
+
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(manager.hookRuns, 2);
+}
+
+TEST(SurrogateModelManagerInterface, DoesNotRunItsHookForListenersOfTheBareSignal)
+{
+    const HookedManager manager;
+
+    manager.signalModelChanged.connect([] {});
+
+    EXPECT_EQ(manager.hookRuns, 0);
+}
+
+TEST(SurrogateModelManagerInterface, DisconnectsAllListenersWhenDestroyed)
+{
+    boost::signals2::connection plain;
+    boost::signals2::connection extended;
+    {
+        const HookedManager manager;
+        plain = manager.connectSignalModelChanged([] {});
+        extended =
+            manager.connectSignalModelChangedExtended([](const boost::signals2::connection&) {});
+        EXPECT_TRUE(plain.connected());
+        EXPECT_TRUE(extended.connected());
+    }
+    EXPECT_FALSE(plain.connected());
+    EXPECT_FALSE(extended.connected());
+}
+
+TEST(SurrogateModelManagerInterface, ReportsAModelThatCannotBeFittedAsAnErrorOfTheHost)
+{
+    const HookedManager manager;
+    const Interface& face = manager;
+    try {
+        face.model(std::set<int>{0});
+        FAIL() << "no error";
+    } catch (const veska::ExceptionBase& error) {
+        const auto& modelError = dynamic_cast<const SurrogateModelInterface::Error&>(error);
+        const SurrogateModelInterface::Error copy = modelError;
+        EXPECT_STREQ(copy.what(), "no model");
+    }
+    EXPECT_THROW(face.model(std::set<VarPtr>{}), std::exception);
+}
