@@ -16,6 +16,8 @@ public:
     using PropertyChangedSignal = boost::signals2::signal<void()>;
 
     PropertyItemInterface();
+
+    /** Disconnects every listener, also those that a running emission has yet to reach. */
     virtual ~PropertyItemInterface();
 
     PropertyItemInterface(const PropertyItemInterface&) = delete;

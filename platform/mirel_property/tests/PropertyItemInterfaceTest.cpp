@@ -72,3 +72,24 @@ TEST(PropertyItemInterface, IsNotCopyable)
     EXPECT_FALSE(std::is_copy_constructible<Item>::value);
     EXPECT_FALSE(std::is_copy_assignable<Item>::value);
 }
+
+namespace {
+
+class LeftItem : public virtual veska::PropertyItemInterface
+{};
+
+class RightItem : public virtual veska::PropertyItemInterface
+{};
+
+class ItemByTwoPaths : public LeftItem, public RightItem
+{};
+
+} // namespace
+
+TEST(PropertyItemInterface, IsOneBaseWhenInheritedVirtuallyByTwoPaths)
+{
+    ItemByTwoPaths item;
+    veska::PropertyItemInterface& base = item;
+
+    EXPECT_TRUE(base.connectSignalPropertyChanged([] {}).connected());
+}
