@@ -43,6 +43,8 @@ GenericUndoCommand::GenericUndoCommand(boost::function<void()> redo, boost::func
     if (deleteSignaler) {
         impl->deletedConnection = deleteSignaler->connectSignalDeleted([this] {
             impl->isObjectGone = true;
+            impl->redo.clear();
+            impl->undo.clear();
             setObsolete(true);
         });
     }

@@ -16,7 +16,8 @@ class DeleteSignaler;
  * they may destroy the command's object.
  *
  * When the object that the functions act on has been destroyed, the command is inert: redo() and
- * undo() do nothing, and it is obsolete, so that the stack drops it when it comes by.
+ * undo() do nothing, what the functions held is released, and it is obsolete, so that the stack
+ * drops it when it comes by.
  * An exception out of a function passes; the command can be tried again.
  */
 class MIREL_ANALYZERCOMMON_EXPORT GenericUndoCommand : public QUndoCommand

@@ -53,6 +53,9 @@ void WrappedUndoCommand::undo()
 // Qt asks the command on its stack, without a virtual call, and commands change both as they run.
 void WrappedUndoCommand::adoptTextAndObsolescence()
 {
-    setText(command->text() + QLatin1Char('\n') + command->actionText());
+    // Qt splits at a newline, but not at one that is the first character.
+    const bool hasOwnActionText = command->actionText() != command->text();
+    setText(hasOwnActionText ? command->text() + QLatin1Char('\n') + command->actionText()
+                             : command->text());
     setObsolete(command->isObsolete());
 }

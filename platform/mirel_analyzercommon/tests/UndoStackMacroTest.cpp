@@ -1,0 +1,236 @@
+#include "UndoStackFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+struct UndoStackMacroTest : UndoStackFixture
+{};
+
+} // namespace
+
+TEST_F(UndoStackMacroTest, GroupsWhatIsPushedInAMacroIntoOneStep)
+{
+    {
+        const UndoStack::Macro macro("both");
+        push("A");
+        push("B");
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "both");
+    EXPECT_EQ(stack.command(0)->childCount(), 2);
+    log.clear();
+    stack.undo();
+    stack.redo();
+    EXPECT_EQ(log, "uB uA rA rB ");
+}
+
+TEST_F(UndoStackMacroTest, JoinsInnerMacrosToTheOutermost)
+{
+    {
+        const UndoStack::Macro outer("outer");
+        {
+            const UndoStack::Macro inner("inner");
+            push("A");
+        }
+        push("B");
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "outer");
+    EXPECT_EQ(stack.command(0)->childCount(), 2);
+    EXPECT_EQ(stack.command(0)->child(0)->text(), "A");
+}
+
+TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWithoutPushes)
+{
+    push("A");
+    push("B");
+    stack.undo();
+    int signalsFromTheStack = 0;
+    const auto connection =
+        QObject::connect(&stack, &QUndoStack::indexChanged, [&] { ++signalsFromTheStack; });
+    {
+        const UndoStack::Macro outer("outer");
+        const UndoStack::Macro inner("inner");
+        EXPECT_TRUE(stack.canUndo());
+        EXPECT_TRUE(stack.canRedo());
+    }
+    QObject::disconnect(connection);
+
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 1);
+    EXPECT_EQ(stack.undoText(), "A");
+    EXPECT_EQ(stack.redoText(), "B");
+    EXPECT_EQ(signalsFromTheStack, 0);
+}
+
+TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWhoseOnlyCommandThrew)
+{
+    push("A");
+    stack.undo();
+    {
+        const UndoStack::Macro macro("failing");
+        EXPECT_THROW(push([] { throw StackError(); }, nothing), StackError);
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_TRUE(stack.canRedo());
+}
+
+TEST_F(UndoStackMacroTest, KeepsWhatWasPushedInAMacroThatAnExceptionLeaves)
+{
+    try {
+        const UndoStack::Macro macro("interrupted");
+        push("A");
+        throw StackError();
+    } catch (const StackError&) {
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "interrupted");
+    EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroThatIsOpenedWhileSuspended)
+{
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        const UndoStack::Macro macro("suspended");
+        push("A");
+    }
+
+    EXPECT_EQ(log, "rA ");
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(UndoStackMacroTest, IgnoresAMacroOpenedWhileSuspendedAlsoWhenItOutlivesTheSuspension)
+{
+    auto suspension = std::make_unique<UndoStack::SuspendUndoRecording>();
+    {
+        const UndoStack::Macro macro("suspended");
+        suspension.reset();
+        push("A");
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "A");
+}
+
+TEST_F(UndoStackMacroTest, ClosesAMacroWithinASuspensionThatBeganAfterIt)
+{
+    auto macro = std::make_unique<UndoStack::Macro>("macro");
+    push("A");
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        push("B");
+        macro.reset();
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.command(0)->childCount(), 1);
+    EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackMacroTest, MergesWithinAMacroButNotWithTheStepBeforeIt)
+{
+    push("A", 3);
+    {
+        const UndoStack::Macro macro("macro");
+        push("B", 3);
+        push("C", 3);
+    }
+
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.command(1)->childCount(), 1);
+}
+
+TEST_F(UndoStackMacroTest, DropsAMacroWhoseCommandsCancelEachOtherOut)
+{
+    struct Cancelling : QUndoCommand
+    {
+        int id() const override { return 4; }
+        bool mergeWith(const QUndoCommand*) override
+        {
+            setObsolete(true);
+            return true;
+        }
+    };
+    push("A");
+    {
+        const UndoStack::Macro macro("macro");
+        UndoStack().push(new Cancelling);
+        UndoStack().push(new Cancelling);
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "A");
+    EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackMacroTest, MayBeClearedWithinAMacro)
+{
+    {
+        const UndoStack::Macro macro("macro");
+        push("A");
+        stack.clear();
+        push("B");
+    }
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "macro");
+    EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackMacroTest, JoinsAMacroOfTheHostsOwnAndLeavesItOpen)
+{
+    stack.beginMacro("host");
+    {
+        const UndoStack::Macro macro("macro");
+        push("A");
+    }
+    push("B");
+    stack.endMacro();
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "host");
+    EXPECT_EQ(stack.command(0)->childCount(), 2);
+}
+
+TEST_F(UndoStackMacroTest, LetsWhatAListenerThrowsPassOutOfTheEndOfAMacro)
+{
+    const auto connection =
+        QObject::connect(&stack, &QUndoStack::indexChanged, [] { throw StackError(); });
+    const auto pushInMacro = [this] {
+        const UndoStack::Macro macro("macro");
+        push("A");
+    };
+
+    EXPECT_THROW(pushInMacro(), StackError);
+    QObject::disconnect(connection);
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.index(), 1);
+    EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackMacroTest, KeepsTheExceptionThatLeavesAMacroWhenAListenerThrowsToo)
+{
+    const auto connection =
+        QObject::connect(&stack, &QUndoStack::indexChanged, [] { throw StackError(); });
+    const auto failInMacro = [this] {
+        const UndoStack::Macro macro("macro");
+        push("A");
+        throw std::logic_error("first");
+    };
+
+    EXPECT_THROW(failInMacro(), std::logic_error);
+    QObject::disconnect(connection);
+
+    EXPECT_EQ(stack.index(), 1);
+    EXPECT_TRUE(stack.canUndo());
+}

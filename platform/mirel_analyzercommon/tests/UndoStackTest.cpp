@@ -1,0 +1,407 @@
+#include "UndoStackFixture.h"
+
+#include <mirel_analyzercommon/DeleteSignaler.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QUndoView>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+struct UndoStackTest : UndoStackFixture
+{};
+
+} // namespace
+
+TEST_F(UndoStackTest, IsOneStackForAllHandles)
+{
+    EXPECT_EQ(&UndoStack().stack(), &UndoStack().stack());
+}
+
+TEST_F(UndoStackTest, DoesAPushedCommandOnceAndRecordsIt)
+{
+    push("A");
+
+    EXPECT_EQ(log, "rA ");
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.index(), 1);
+    EXPECT_EQ(stack.undoText(), "A");
+}
+
+TEST_F(UndoStackTest, UndoesAndRedoesInOrder)
+{
+    push("A");
+    push("B");
+    log.clear();
+
+    stack.undo();
+    stack.undo();
+    stack.redo();
+    stack.redo();
+
+    EXPECT_EQ(log, "uB uA rA rB ");
+}
+
+TEST_F(UndoStackTest, DiscardsWhatCouldBeRedoneWhenACommandIsRecorded)
+{
+    push("A");
+    stack.undo();
+    push("B");
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "B");
+}
+
+TEST_F(UndoStackTest, MergesWithThePreviousCommandOfTheSameId)
+{
+    push("A", 3);
+    push("B", 3);
+    log.clear();
+
+    EXPECT_EQ(stack.count(), 1);
+    stack.undo();
+    stack.redo();
+    EXPECT_EQ(log, "uA rB ");
+}
+
+TEST_F(UndoStackTest, DropsACommandWhoseObjectGoesDuringItsFirstRedo)
+{
+    push("A");
+    stack.undo();
+    auto object = std::make_unique<DeleteSignaler>();
+    auto* const borrowed = object.get();
+
+    UndoStack().push(
+        new GenericUndoCommand([&] { object.reset(); }, logging("undone"), borrowed, "B", -1));
+
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_TRUE(stack.canRedo());
+}
+
+TEST_F(UndoStackTest, PassesOverCommandsWhoseObjectHasGone)
+{
+    auto object = std::make_unique<DeleteSignaler>();
+    UndoStack().push(new GenericUndoCommand(logging("rA "), logging("uA "), object.get(), "A", -1));
+    log.clear();
+
+    object.reset();
+    stack.undo();
+    stack.redo();
+
+    EXPECT_EQ(log, "");
+    EXPECT_FALSE(stack.canUndo());
+}
+
+TEST_F(UndoStackTest, PassesOverPartsOfAMacroWhoseObjectHasGone)
+{
+    auto object = std::make_unique<DeleteSignaler>();
+    {
+        const UndoStack::Macro macro("both");
+        push("A");
+        UndoStack().push(
+            new GenericUndoCommand(logging("rB "), logging("uB "), object.get(), "B", -1));
+    }
+    log.clear();
+
+    object.reset();
+    stack.undo();
+    stack.redo();
+
+    EXPECT_EQ(log, "uA rA ");
+}
+
+TEST_F(UndoStackTest, MayBeClearedAfterTheObjectsOfItsCommandsHaveGone)
+{
+    auto object = std::make_unique<DeleteSignaler>();
+    UndoStack().push(new GenericUndoCommand(nothing, nothing, object.get(), "A", -1));
+    object.reset();
+
+    stack.clear();
+
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(UndoStackTest, MayBeClearedBeforeTheObjectsOfItsCommandsGo)
+{
+    auto object = std::make_unique<DeleteSignaler>();
+    UndoStack().push(new GenericUndoCommand(nothing, nothing, object.get(), "A", -1));
+    stack.clear();
+
+    object.reset();
+
+    EXPECT_EQ(stack.count(), 0);
+}
+
+// Exceptions
+
+TEST_F(UndoStackTest, RecordsNothingWhenTheFirstRedoThrows)
+{
+    push("A");
+    stack.undo();
+
+    EXPECT_THROW(push([] { throw StackError(); }, nothing), StackError);
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.index(), 0);
+    EXPECT_TRUE(stack.canRedo());
+}
+
+TEST_F(UndoStackTest, StaysUsableWhenUndoThrows)
+{
+    bool fails = true;
+    push(logging("r "), [&] {
+        if (fails) {
+            throw StackError();
+        }
+        log += "u ";
+    });
+
+    EXPECT_THROW(stack.undo(), StackError);
+    EXPECT_EQ(stack.index(), 1);
+
+    fails = false;
+    stack.undo();
+    EXPECT_EQ(log, "r u ");
+    push("A");
+    EXPECT_EQ(stack.undoText(), "A");
+}
+
+TEST_F(UndoStackTest, StaysUsableWhenRedoThrows)
+{
+    bool fails = false;
+    push(
+        [&] {
+            if (fails) {
+                throw StackError();
+            }
+            log += "r ";
+        },
+        logging("u "));
+    stack.undo();
+    fails = true;
+
+    EXPECT_THROW(stack.redo(), StackError);
+    EXPECT_EQ(stack.index(), 0);
+
+    fails = false;
+    stack.redo();
+    EXPECT_EQ(log, "r u r ");
+    push("A");
+    EXPECT_EQ(stack.count(), 2);
+}
+
+TEST_F(UndoStackTest, StaysUsableWhenAForeignCommandThrows)
+{
+    struct Failing : QUndoCommand
+    {
+        void undo() override { throw StackError(); }
+    };
+    UndoStack().push(new Failing);
+
+    EXPECT_THROW(stack.undo(), StackError);
+
+    push("A");
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 2);
+}
+
+// Suspension
+
+TEST_F(UndoStackTest, DoesACommandWithoutRecordingItWhileSuspended)
+{
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        push([held, this] { log += "r "; }, nothing);
+    }
+    held.reset();
+
+    EXPECT_EQ(log, "r ");
+    EXPECT_EQ(stack.count(), 0);
+    EXPECT_TRUE(watched.expired()) << "the command has not been deleted";
+}
+
+TEST_F(UndoStackTest, KeepsWhatCouldBeRedoneWhileSuspended)
+{
+    push("A");
+    stack.undo();
+
+    const UndoStack::SuspendUndoRecording suspension;
+    push("B");
+
+    EXPECT_TRUE(stack.canRedo());
+    EXPECT_EQ(stack.redoText(), "A");
+}
+
+TEST_F(UndoStackTest, StaysSuspendedUntilTheOutermostSuspensionEnds)
+{
+    {
+        const UndoStack::SuspendUndoRecording outer;
+        {
+            const UndoStack::SuspendUndoRecording inner;
+        }
+        push("A");
+        EXPECT_EQ(stack.count(), 0);
+    }
+    push("B");
+    EXPECT_EQ(stack.count(), 1);
+}
+
+TEST_F(UndoStackTest, DeletesACommandThatThrowsWhileSuspended)
+{
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        EXPECT_THROW(push([held] { throw StackError(); }, nothing), StackError);
+    }
+    held.reset();
+
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(UndoStackTest, RecordsNothingThatAnUndoSetsOff)
+{
+    push("A");
+    push(nothing, [this] {
+        const UndoStack::Macro macro("set off by undo");
+        push("B");
+    });
+
+    stack.undo();
+
+    EXPECT_EQ(log, "rA rB ");
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 1);
+}
+
+TEST_F(UndoStackTest, RecordsNothingThatARedoSetsOff)
+{
+    push(
+        [this] {
+            const UndoStack::Macro macro("set off by redo");
+            push("B");
+        },
+        nothing);
+    EXPECT_EQ(stack.count(), 1);
+
+    stack.undo();
+    stack.redo();
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.index(), 1);
+}
+
+// Life time and application
+
+TEST_F(UndoStackTest, WorksWithoutAnApplicationObject)
+{
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
+
+    push("A");
+    stack.undo();
+
+    EXPECT_EQ(log, "rA uA ");
+}
+
+namespace {
+
+// Uses the stack as it is destroyed, and ends the process with a failure if that goes wrong.
+class UserOfTheStackAtExit
+{
+public:
+    ~UserOfTheStackAtExit()
+    {
+        int done = 0;
+        {
+            const UndoStack::Macro macro("at exit");
+            UndoStack().push(
+                new GenericUndoCommand([&] { ++done; }, [&] { --done; }, nullptr, "at exit", -1));
+        }
+        const bool isRecorded = UndoStack().stack().undoText() == "at exit";
+        UndoStack().stack().undo();
+        if (done != 0 || !isRecorded) {
+            std::_Exit(EXIT_FAILURE);
+        }
+        UndoStack().stack().clear();
+    }
+};
+
+void useStackAndExit()
+{
+    static UserOfTheStackAtExit user; // before the stack, so that it is destroyed after it
+    UndoStack().stack().clear();
+    std::exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
+TEST(UndoStackDeathTest, IsStillThereWhileStaticObjectsAreDestroyed)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process that has no stack yet
+    EXPECT_EXIT(useStackAndExit(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+namespace {
+
+struct UndoStackInAnApplicationTest : UndoStackTest
+{
+    int argumentCount = 1;
+    char name[5] = "test";
+    char* arguments[2] = {name, nullptr};
+    QApplication application{argumentCount, arguments};
+};
+
+} // namespace
+
+TEST_F(UndoStackInAnApplicationTest, SuspendsRecordingAlsoWhenAnActionUndoes)
+{
+    push("A");
+    push(nothing, [this] { push("B"); });
+    const std::unique_ptr<QAction> action(stack.createUndoAction(nullptr));
+
+    action->trigger();
+
+    EXPECT_EQ(log, "rA rB ");
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 1);
+}
+
+TEST_F(UndoStackInAnApplicationTest, SuspendsRecordingAlsoWhenAViewMovesTheIndex)
+{
+    push("A");
+    push([this] { push("B"); }, [this] { push("C"); });
+    QUndoView view(&stack);
+    log.clear();
+
+    view.setCurrentIndex(view.model()->index(0, 0)); // the row of the clean state
+    EXPECT_EQ(stack.index(), 0);
+    view.setCurrentIndex(view.model()->index(2, 0));
+
+    EXPECT_EQ(log, "rC uA rA rB ");
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.index(), 2);
+}
+
+TEST_F(UndoStackTest, OutlivesTheApplicationObject)
+{
+    {
+        int argumentCount = 1;
+        char name[] = "test";
+        char* arguments[] = {name, nullptr};
+        const QApplication application(argumentCount, arguments);
+        push("A");
+    }
+
+    EXPECT_EQ(&UndoStack().stack(), &stack);
+    stack.undo();
+
+    EXPECT_EQ(log, "rA uA ");
+}

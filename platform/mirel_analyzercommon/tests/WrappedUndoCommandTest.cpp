@@ -1,0 +1,248 @@
+#include "CleanUndoStack.h"
+
+#include <mirel_analyzercommon/DeleteSignaler.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+const boost::function<void()> nothing;
+
+// An application's own command: adds `amount` to `total`.
+class AddCommand : public QUndoCommand
+{
+public:
+    AddCommand(int& total, int amount, int commandId = -1)
+        : total(total), amount(amount), commandId(commandId)
+    {
+        setText(describe());
+    }
+
+    int id() const override { return commandId; }
+
+    bool mergeWith(const QUndoCommand* other) override
+    {
+        amount += static_cast<const AddCommand*>(other)->amount;
+        setText(describe());
+        setObsolete(amount == 0);
+        return true;
+    }
+
+    void redo() override
+    {
+        total += amount;
+        setText(describe());
+    }
+
+    void undo() override
+    {
+        total -= amount;
+        setObsolete(isObsoleteOnceUndone);
+    }
+
+    bool isObsoleteOnceUndone = false;
+
+private:
+    QString describe() const { return QString("Add %1").arg(amount); }
+
+    int& total;
+    int amount;
+    int commandId;
+};
+
+class SelfObsoleteCommand : public QUndoCommand
+{
+public:
+    void redo() override { setObsolete(true); }
+};
+
+struct WrappedUndoCommandTest : testing::Test
+{
+    CleanUndoStack cleanUndoStack;
+    QUndoStack& stack = UndoStack().stack();
+    int total = 0;
+};
+
+} // namespace
+
+TEST_F(WrappedUndoCommandTest, IsDoneOncePushedAndUndoneAndRedoneByTheStack)
+{
+    UndoStack().push(new AddCommand(total, 5));
+    EXPECT_EQ(total, 5);
+
+    stack.undo();
+    EXPECT_EQ(total, 0);
+
+    stack.redo();
+    EXPECT_EQ(total, 5);
+}
+
+TEST_F(WrappedUndoCommandTest, ShowsTheTextOfTheCommand)
+{
+    UndoStack().push(new AddCommand(total, 5));
+
+    EXPECT_EQ(stack.text(0), "Add 5");
+    EXPECT_EQ(stack.undoText(), "Add 5");
+}
+
+TEST_F(WrappedUndoCommandTest, ShowsTheActionTextOfTheCommand)
+{
+    UndoStack().push(new QUndoCommand("in the list\nin the menu"));
+
+    EXPECT_EQ(stack.text(0), "in the list");
+    EXPECT_EQ(stack.undoText(), "in the menu");
+}
+
+TEST_F(WrappedUndoCommandTest, ShowsAnEmptyTextAsEmpty)
+{
+    UndoStack().push(new QUndoCommand);
+
+    EXPECT_EQ(stack.text(0), "");
+    EXPECT_EQ(stack.undoText(), "");
+}
+
+TEST_F(WrappedUndoCommandTest, AnswersTheIdOfTheCommand)
+{
+    UndoStack().push(new AddCommand(total, 5, 12));
+
+    EXPECT_EQ(stack.command(0)->id(), 12);
+}
+
+TEST_F(WrappedUndoCommandTest, MergesAsTheCommandDoesAndShowsItsNewText)
+{
+    UndoStack().push(new AddCommand(total, 5, 12));
+    UndoStack().push(new AddCommand(total, 6, 12));
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "Add 11");
+    stack.undo();
+    EXPECT_EQ(total, 0);
+}
+
+TEST_F(WrappedUndoCommandTest, DoesNotMergeWithAGenericCommandOfTheSameId)
+{
+    UndoStack().push(new AddCommand(total, 5, 12));
+    UndoStack().push(new GenericUndoCommand(nothing, nothing, nullptr, "generic", 12));
+    UndoStack().push(new AddCommand(total, 6, 12));
+
+    EXPECT_EQ(stack.count(), 3);
+}
+
+TEST_F(WrappedUndoCommandTest, LeavesTheStackWhenMergingMakesTheCommandObsolete)
+{
+    UndoStack().push(new AddCommand(total, 5, 12));
+    UndoStack().push(new AddCommand(total, -5, 12));
+
+    EXPECT_EQ(stack.count(), 0);
+    EXPECT_EQ(total, 0);
+}
+
+TEST_F(WrappedUndoCommandTest, LeavesTheStackWhenUndoMakesTheCommandObsolete)
+{
+    auto* command = new AddCommand(total, 5);
+    command->isObsoleteOnceUndone = true;
+    UndoStack().push(command);
+
+    stack.undo();
+
+    EXPECT_EQ(total, 0);
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(WrappedUndoCommandTest, IsNotUndoneWhenTheCommandWasMadeObsoleteMeanwhile)
+{
+    auto* command = new AddCommand(total, 5);
+    UndoStack().push(command);
+    command->setObsolete(true);
+
+    stack.undo();
+
+    EXPECT_EQ(total, 5);
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(WrappedUndoCommandTest, LeavesNoTraceWhenItsFirstRedoMakesItObsolete)
+{
+    UndoStack().push(new AddCommand(total, 5));
+    stack.undo();
+
+    UndoStack().push(new SelfObsoleteCommand);
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_TRUE(stack.canRedo());
+}
+
+TEST_F(WrappedUndoCommandTest, IsNeitherDoneNorRecordedWhenPushedObsolete)
+{
+    auto* command = new AddCommand(total, 5);
+    command->setObsolete(true);
+
+    UndoStack().push(command);
+
+    EXPECT_EQ(total, 0);
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(WrappedUndoCommandTest, RunsThePartsOfTheCommand)
+{
+    struct Part : QUndoCommand
+    {
+        Part(int& total, QUndoCommand* parent) : QUndoCommand(parent), total(total) {}
+        void redo() override { ++total; }
+        void undo() override { --total; }
+        int& total;
+    };
+    auto* whole = new QUndoCommand("whole");
+    new Part(total, whole);
+    new Part(total, whole);
+
+    UndoStack().push(whole);
+    EXPECT_EQ(total, 2);
+
+    stack.undo();
+    EXPECT_EQ(total, 0);
+}
+
+TEST_F(WrappedUndoCommandTest, RunsTheCommandWhileRecordingIsSuspended)
+{
+    struct Pushing : QUndoCommand
+    {
+        explicit Pushing(int& total) : total(total) {}
+        void redo() override { UndoStack().push(new AddCommand(total, 1)); }
+        void undo() override { UndoStack().push(new AddCommand(total, 10)); }
+        int& total;
+    };
+
+    UndoStack().push(new Pushing(total));
+    EXPECT_EQ(stack.count(), 1);
+    stack.undo();
+    stack.redo();
+
+    EXPECT_EQ(total, 12);
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.index(), 1);
+}
+
+TEST_F(WrappedUndoCommandTest, WrapsSubclassesOfTheGenericCommandThatBringTheirOwnRedo)
+{
+    class Pushing : public GenericUndoCommand
+    {
+    public:
+        explicit Pushing(int& total)
+            : GenericUndoCommand(nothing, nothing, nullptr, "pushing", -1), total(total)
+        {}
+        void redo() override { UndoStack().push(new AddCommand(total, 1)); }
+
+    private:
+        int& total;
+    };
+
+    UndoStack().push(new Pushing(total));
+
+    EXPECT_EQ(total, 1);
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "pushing");
+}
