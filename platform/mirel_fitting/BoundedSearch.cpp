@@ -1,0 +1,315 @@
+#include <mirel_fitting/BoundedSearch.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+// In logarithms of lengths: a factor of 2.7 at first, because a longer first step of a likelihood
+// often lands where all cases are uncorrelated and the function is flat.
+constexpr double firstRadius = 1.0;
+constexpr double largestRadius = 4.0;
+
+/** Solves the symmetric positive definite system in place; false if it is not definite. */
+bool solveDefinite(std::vector<double>& matrix, std::vector<double>& right)
+{
+    const std::size_t m = right.size();
+    for (std::size_t j = 0; j < m; ++j) {
+        for (std::size_t i = j; i < m; ++i) {
+            double value = matrix[i * m + j];
+            for (std::size_t k = 0; k < j; ++k) {
+                value -= matrix[i * m + k] * matrix[j * m + k];
+            }
+            if (i == j) {
+                if (!(value > 0.0)) {
+                    return false;
+                }
+                matrix[j * m + j] = std::sqrt(value);
+            } else {
+                matrix[i * m + j] = value / matrix[j * m + j];
+            }
+        }
+    }
+    for (std::size_t i = 0; i < m; ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            right[i] -= matrix[i * m + k] * right[k];
+        }
+        right[i] /= matrix[i * m + i];
+    }
+    for (std::size_t i = m; i-- > 0;) {
+        for (std::size_t k = i + 1; k < m; ++k) {
+            right[i] -= matrix[k * m + i] * right[k];
+        }
+        right[i] /= matrix[i * m + i];
+    }
+    return true;
+}
+
+double dot(const std::vector<double>& a, const std::vector<double>& b)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        sum += a[i] * b[i];
+    }
+    return sum;
+}
+
+double largestMagnitude(const std::vector<double>& values)
+{
+    double largest = 0.0;
+    for (const double value : values) {
+        largest = std::max(largest, std::fabs(value));
+    }
+    return largest;
+}
+
+std::vector<double> multiply(const std::vector<double>& matrix, const std::vector<double>& vector)
+{
+    const std::size_t m = vector.size();
+    std::vector<double> result(m, 0.0);
+    for (std::size_t i = 0; i < m; ++i) {
+        for (std::size_t j = 0; j < m; ++j) {
+            result[i] += matrix[i * m + j] * vector[j];
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lower,
+                             std::vector<double> upper, std::vector<double> start)
+    : objective(objective), size(start.size()), lower(std::move(lower)), upper(std::move(upper)),
+      current(std::move(start)), currentValue(0.0), hessian(size * size, 0.0),
+      trustRadius(firstRadius)
+{
+    for (std::size_t i = 0; i < size; ++i) {
+        current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
+    }
+    currentValue = objective.value(current);
+    if (!isFeasible()) {
+        done = true;
+        return;
+    }
+    objective.gradient(gradient);
+    // Steepest ascent whose longest component is the trust radius.
+    const double slope = std::max(largestMagnitude(gradient), 1e-300);
+    for (std::size_t i = 0; i < size; ++i) {
+        hessian[i * size + i] = slope / trustRadius;
+    }
+}
+
+bool BoundedSearch::isFeasible() const
+{
+    return std::isfinite(currentValue);
+}
+
+void BoundedSearch::setCurvature(std::vector<double> matrix)
+{
+    hessian = std::move(matrix);
+    hasCurvature = true;
+}
+
+bool BoundedSearch::isDone() const
+{
+    return done;
+}
+
+double BoundedSearch::value() const
+{
+    return currentValue;
+}
+
+const std::vector<double>& BoundedSearch::point() const
+{
+    return current;
+}
+
+const std::vector<double>& BoundedSearch::curvature() const
+{
+    return hessian;
+}
+
+void BoundedSearch::advance(int steps, double smallestGain)
+{
+    double lastGain = 0.0;
+    for (int k = 0; k < steps && !done; ++k) {
+        proposeStep();
+        // A model that has just been wrong by more is not believed yet.
+        if (!isStepLimited && expectedGain() < smallestGain && lastGain < 10.0 * smallestGain) {
+            done = true;
+            return;
+        }
+        const double before = currentValue;
+        if (!tryStep()) {
+            done = true;
+            return;
+        }
+        lastGain = currentValue - before;
+    }
+}
+
+double BoundedSearch::expectedGain() const
+{
+    return dot(gradient, step) - 0.5 * dot(step, multiply(hessian, step));
+}
+
+/**
+ * The maximum of the quadratic model inside the bounds: variables that it would push through a
+ * bound are put on it one after the other, and the model is solved again for the rest.
+ */
+void BoundedSearch::proposeStep()
+{
+    step.assign(size, 0.0);
+    std::vector<bool> isFixed(size, false);
+    for (std::size_t i = 0; i < size; ++i) {
+        isFixed[i] = (current[i] <= lower[i] && gradient[i] <= 0.0) ||
+                     (current[i] >= upper[i] && gradient[i] >= 0.0);
+    }
+
+    isStepLimited = false;
+    for (std::size_t round = 0; round <= size; ++round) {
+        std::vector<std::size_t> unknowns;
+        for (std::size_t i = 0; i < size; ++i) {
+            if (!isFixed[i]) {
+                unknowns.push_back(i);
+            }
+        }
+        const std::size_t m = unknowns.size();
+        std::vector<double> matrix(m * m);
+        std::vector<double> right(m);
+        for (std::size_t a = 0; a < m; ++a) {
+            right[a] = gradient[unknowns[a]];
+            for (std::size_t j = 0; j < size; ++j) {
+                right[a] -= isFixed[j] ? hessian[unknowns[a] * size + j] * step[j] : 0.0;
+            }
+            for (std::size_t b = 0; b < m; ++b) {
+                matrix[a * m + b] = hessian[unknowns[a] * size + unknowns[b]];
+            }
+        }
+        if (!solveDefinite(matrix, right)) {
+            for (std::size_t a = 0; a < m; ++a) {
+                const double slope = std::max(largestMagnitude(gradient), 1e-300);
+                right[a] = gradient[unknowns[a]] * trustRadius / slope;
+            }
+        }
+
+        bool isInside = true;
+        for (std::size_t a = 0; a < m; ++a) {
+            const std::size_t i = unknowns[a];
+            step[i] = right[a];
+            const double inside =
+                std::min(std::max(current[i] + step[i], lower[i]), upper[i]) - current[i];
+            if (inside != step[i] && std::fabs(inside) < std::fabs(step[i])) {
+                step[i] = inside;
+                isFixed[i] = true;
+                isInside = false;
+            }
+        }
+        if (isInside) {
+            break;
+        }
+    }
+
+    const double longest = largestMagnitude(step);
+    if (longest > trustRadius) {
+        for (double& component : step) {
+            component *= trustRadius / longest;
+        }
+        isStepLimited = true;
+    }
+    if (dot(gradient, step) <= 0.0) {
+        // Bounds have bent the step downhill: straight up inside them instead.
+        const double slope = std::max(largestMagnitude(gradient), 1e-300);
+        for (std::size_t i = 0; i < size; ++i) {
+            const double raw = current[i] + gradient[i] * trustRadius / slope;
+            step[i] = std::min(std::max(raw, lower[i]), upper[i]) - current[i];
+        }
+        isStepLimited = true;
+    }
+}
+
+bool BoundedSearch::tryStep()
+{
+    constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
+    constexpr int mostTries = 12;
+
+    const double slope = dot(gradient, step);
+    if (!(slope > 0.0)) {
+        return false;
+    }
+    const std::vector<double> start = current;
+    const std::vector<double> oldGradient = gradient;
+    const double before = currentValue;
+    double length = 1.0;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        for (std::size_t i = 0; i < size; ++i) {
+            const double moved = start[i] + length * step[i];
+            current[i] = std::min(std::max(moved, lower[i]), upper[i]);
+        }
+        const double reached = objective.value(current);
+        if (reached >= before + sufficientShare * length * slope) {
+            currentValue = reached;
+            objective.gradient(gradient);
+            for (std::size_t i = 0; i < size; ++i) {
+                step[i] = current[i] - start[i];
+            }
+            trustRadius = tries == 0 ? std::min(2.0 * trustRadius, largestRadius)
+                                     : std::max(largestMagnitude(step), 0.1);
+            updateCurvature(step, oldGradient);
+            return true;
+        }
+        // The vertex of the parabola through the value and slope at the start and this value.
+        double shrink = 0.25;
+        if (std::isfinite(reached)) {
+            shrink = 0.5 * length * slope / (before + length * slope - reached);
+        }
+        length *= std::min(std::max(shrink, 0.1), 0.5);
+    }
+    current = start;
+    currentValue = before;
+    gradient = oldGradient;
+    return false;
+}
+
+void BoundedSearch::updateCurvature(const std::vector<double>& taken,
+                                    const std::vector<double>& oldGradient)
+{
+    std::vector<double> change(size); // of the gradient of minus the function
+    for (std::size_t i = 0; i < size; ++i) {
+        change[i] = oldGradient[i] - gradient[i];
+    }
+    const double along = dot(taken, change);
+    if (!hasCurvature && along > 0.0) {
+        // The first step shows the scale, which the start could only guess.
+        const double scale = dot(change, change) / along;
+        std::fill(hessian.begin(), hessian.end(), 0.0);
+        for (std::size_t i = 0; i < size; ++i) {
+            hessian[i * size + i] = scale;
+        }
+    }
+    hasCurvature = true;
+
+    const std::vector<double> image = multiply(hessian, taken);
+    const double quadratic = dot(taken, image);
+    if (!(quadratic > 0.0)) {
+        return;
+    }
+    // Powell's damping keeps the matrix positive definite where the function is not concave.
+    double share = 1.0;
+    if (along < 0.2 * quadratic) {
+        share = 0.8 * quadratic / (quadratic - along);
+    }
+    std::vector<double> damped(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        damped[i] = share * change[i] + (1.0 - share) * image[i];
+    }
+    const double dampedAlong = dot(taken, damped);
+    for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t j = 0; j < size; ++j) {
+            hessian[i * size + j] +=
+                damped[i] * damped[j] / dampedAlong - image[i] * image[j] / quadratic;
+        }
+    }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * The inputs of a Kriging model: which rows are the same point, and the distinct points scaled to
+ * the ranges of the inputs. Inputs that are constant are left out of the points. The points are
+ * sorted, so that the order of the rows does not change a fit.
+ */
+class KrigingCases
+{
+public:
+    /** @param columns one array of `rows` finite values per input, borrowed for the call. */
+    KrigingCases(const std::vector<double*>& columns, std::size_t rows);
+
+    std::size_t rowCount() const;
+    std::size_t inputCount() const;
+
+    /** Distinct points, 1 if there is no input that varies. */
+    std::size_t pointCount() const;
+    /** The rows at a point, ascending. */
+    std::vector<std::size_t> rowsAt(std::size_t point) const;
+
+    /** The inputs that vary, ascending. */
+    const std::vector<std::size_t>& activeInputs() const;
+    /** Of the inputs that vary. */
+    const std::vector<double>& minimum() const;
+    const std::vector<double>& range() const;
+    /** By columns, points x inputs that vary: (x - minimum) / range. */
+    const std::vector<double>& coordinates() const;
+
+private:
+    std::size_t rows;
+    std::size_t inputs;
+    std::vector<std::size_t> active;
+    std::vector<double> minima;
+    std::vector<double> ranges;
+    std::vector<double> scaled;
+    std::vector<std::size_t> order;  // rows, sorted by their inputs
+    std::vector<std::size_t> starts; // of each point in `order`, and one behind the last
+};

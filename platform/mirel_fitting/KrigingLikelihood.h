@@ -1,0 +1,65 @@
+#pragma once
+
+#include <mirel_fitting/KrigingData.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+/**
+ * Profile likelihood of universal Kriging as a function of the correlation lengths and the nugget.
+ *
+ * Covariance of the rows: s2 R, R = C + nugget I, C the correlation of their inputs. The trend
+ * coefficients are their generalised least-squares estimate, s2 = r' R^-1 r / n with the residual
+ * r of the trend; both are profiled out:
+ *
+ *   ln L = -(n ln(2 pi s2) + ln det R + n) / 2,   n the number of rows.
+ *
+ * Rows with the same inputs are summed up in one case without loss: R is then never larger than the
+ * number of distinct cases, with nugget / rows on its diagonal, and the scatter of the rows about
+ * their mean enters s2 and the determinant. Binois, Gramacy, Ludkovski: Practical heteroscedastic
+ * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
+ *
+ * An evaluation costs n^3 / 3 multiplications, its gradient 2 n^3 / 3 more, for any number of
+ * inputs. Two n x n matrices are held.
+ */
+class KrigingLikelihood
+{
+public:
+    /** @param data is shared: it has to stay as it is. */
+    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
+    ~KrigingLikelihood();
+
+    /**
+     * @param lengths one per input, in units of the scaled coordinates; may be infinite.
+     * @return ln L in the units of the standardised output; minus infinity where R cannot be
+     *         factorised in double precision.
+     */
+    double evaluate(const std::vector<double>& lengths, double nugget);
+
+    /**
+     * Derivatives of the last evaluation, which must have been finite, by the logarithms of the
+     * lengths and, last, of the nugget. Uses up the factor: once per evaluation.
+     */
+    void gradient(std::vector<double>& result);
+
+    // The following describe the last evaluation, which must have been finite.
+
+    double processVariance() const;
+    /** Of the trend terms. */
+    const std::vector<double>& coefficients() const;
+    /** R^-1 (y - trend): the prediction is the trend plus the correlations times these. */
+    const std::vector<double>& weights() const;
+
+    /**
+     * What each case's output lies above its prediction by all others, lengths, nugget and variance
+     * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
+     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend. Uses
+     * up the factor, like gradient().
+     */
+    std::vector<double> leaveOneOutResiduals();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

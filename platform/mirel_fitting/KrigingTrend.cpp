@@ -1,0 +1,199 @@
+#include <mirel_fitting/KrigingTrend.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+double centred(double coordinate)
+{
+    return 2.0 * coordinate - 1.0;
+}
+
+double norm(const std::vector<double>& column)
+{
+    double sum = 0.0;
+    for (const double value : column) {
+        sum += value * value;
+    }
+    return std::sqrt(sum);
+}
+
+/** Takes out of `column` what lies in the span of the orthonormal `basis`. */
+void orthogonalise(std::vector<double>& column, const std::vector<std::vector<double>>& basis)
+{
+    // Twice is enough: Giraud, Langou, Rozloznik, Comput. Math. Appl. 50 (2005).
+    for (int round = 0; round < 2; ++round) {
+        for (const std::vector<double>& direction : basis) {
+            double part = 0.0;
+            for (std::size_t i = 0; i < column.size(); ++i) {
+                part += direction[i] * column[i];
+            }
+            for (std::size_t i = 0; i < column.size(); ++i) {
+                column[i] -= part * direction[i];
+            }
+        }
+    }
+}
+
+} // namespace
+
+KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
+                           const std::vector<double>& coordinates, int highestOrder,
+                           std::size_t otherParameters)
+    : inputCount(inputs)
+{
+    // What is left of a column whose terms differ only by rounding, relative to the column.
+    constexpr double independent = 1e-9;
+
+    usedOrder = inputs == 0 ? 0 : highestOrder;
+    while (usedOrder > 0 &&
+           QuadraticBasis::termCount(inputs, usedOrder) + otherParameters > cases) {
+        --usedOrder;
+    }
+
+    std::vector<std::vector<double>> basis;
+    const QuadraticBasis allTerms(inputs, usedOrder);
+    for (const Term& term : allTerms.terms()) {
+        std::vector<double> column(cases, 1.0);
+        for (const std::size_t factor : {term.first, term.second}) {
+            for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < cases; ++i) {
+                column[i] *= centred(coordinates[factor * cases + i]);
+            }
+        }
+        std::vector<double> rest = column;
+        orthogonalise(rest, basis);
+        const double length = norm(rest);
+        if (length <= independent * norm(column)) {
+            dropped.push_back(term);
+            continue;
+        }
+        for (double& value : rest) {
+            value /= length;
+        }
+        basis.push_back(std::move(rest));
+        terms.push_back(term);
+        values.insert(values.end(), column.begin(), column.end());
+    }
+}
+
+std::string KrigingTrend::name(const Term& term, const std::vector<std::size_t>& inputNumbers)
+{
+    if (term.first == QuadraticBasis::noInput) {
+        return "1";
+    }
+    const std::string first = "V" + std::to_string(inputNumbers[term.first]);
+    if (term.second == QuadraticBasis::noInput) {
+        return first;
+    }
+    if (term.second == term.first) {
+        return first + "^2";
+    }
+    return first + " V" + std::to_string(inputNumbers[term.second]);
+}
+
+int KrigingTrend::order() const
+{
+    return usedOrder;
+}
+
+std::size_t KrigingTrend::size() const
+{
+    return terms.size();
+}
+
+const std::vector<double>& KrigingTrend::matrix() const
+{
+    return values;
+}
+
+std::vector<std::string> KrigingTrend::names(const std::vector<std::size_t>& inputNumbers) const
+{
+    std::vector<std::string> result;
+    for (const Term& term : terms) {
+        result.push_back(name(term, inputNumbers));
+    }
+    return result;
+}
+
+std::vector<std::string>
+KrigingTrend::droppedNames(const std::vector<std::size_t>& inputNumbers) const
+{
+    std::vector<std::string> result;
+    for (const Term& term : dropped) {
+        result.push_back(name(term, inputNumbers));
+    }
+    return result;
+}
+
+void KrigingTrend::add(const std::vector<const double*>& points, std::size_t count,
+                       const std::vector<double>& coefficients, double* result) const
+{
+    for (std::size_t t = 0; t < terms.size(); ++t) {
+        const Term term = terms[t];
+        const double coefficient = coefficients[t];
+        if (term.first == QuadraticBasis::noInput) {
+            for (std::size_t i = 0; i < count; ++i) {
+                result[i] += coefficient;
+            }
+        } else if (term.second == QuadraticBasis::noInput) {
+            const double* x = points[term.first];
+            for (std::size_t i = 0; i < count; ++i) {
+                result[i] += coefficient * centred(x[i]);
+            }
+        } else {
+            const double* x = points[term.first];
+            const double* y = points[term.second];
+            for (std::size_t i = 0; i < count; ++i) {
+                result[i] += coefficient * centred(x[i]) * centred(y[i]);
+            }
+        }
+    }
+}
+
+std::vector<KrigingTrend::RawTerm>
+KrigingTrend::inRawInputs(const std::vector<double>& coefficients,
+                          const std::vector<double>& minimum, const std::vector<double>& range,
+                          const std::vector<std::size_t>& inputNumbers) const
+{
+    // (x - centre) / half is the coordinate from -1 to 1; a term is the product of two of them.
+    const auto precedes = [](const Term& a, const Term& b) {
+        return std::tie(a.first, a.second) < std::tie(b.first, b.second);
+    };
+    const Term constant;
+    std::map<Term, double, decltype(precedes)> sums(precedes);
+    const auto slope = [&](std::size_t factor) { return 2.0 / range[factor]; };
+    const auto offset = [&](std::size_t factor) {
+        return -(2.0 * (minimum[factor] / range[factor]) + 1.0);
+    };
+    for (std::size_t t = 0; t < terms.size(); ++t) {
+        const Term term = terms[t];
+        const double c = coefficients[t];
+        if (term.first == QuadraticBasis::noInput) {
+            sums[term] += c;
+        } else if (term.second == QuadraticBasis::noInput) {
+            sums[constant] += c * offset(term.first);
+            sums[term] += c * slope(term.first);
+        } else {
+            const std::size_t i = term.first;
+            const std::size_t j = term.second;
+            sums[constant] += c * offset(i) * offset(j);
+            sums[{i, QuadraticBasis::noInput}] += c * slope(i) * offset(j);
+            sums[{j, QuadraticBasis::noInput}] += c * offset(i) * slope(j);
+            sums[term] += c * slope(i) * slope(j);
+        }
+    }
+
+    std::vector<RawTerm> result;
+    const QuadraticBasis basis(inputCount, usedOrder);
+    for (const Term& term : basis.terms()) {
+        const auto found = sums.find(term);
+        if (found != sums.end()) {
+            result.push_back({name(term, inputNumbers), found->second});
+        }
+    }
+    return result;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <mirel_fitting/QuadraticBasis.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/**
+ * The trend of universal Kriging: a polynomial of order 0, 1 or 2 in coordinates that run from -1
+ * to 1 over the cases; terms in the order 1, V1, V2, ..., V1^2, V1 V2, ....
+ */
+class KrigingTrend
+{
+public:
+    /**
+     * The order is the highest up to `highestOrder` for which the cases are at least as many as
+     * what is estimated: the terms and `otherParameters`. Terms that are a linear combination of
+     * earlier ones at the cases are dropped.
+     * @param coordinates by columns, cases x inputs, each input over [0, 1].
+     */
+    KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
+                 int highestOrder, std::size_t otherParameters);
+
+    int order() const;
+    /** Number of terms kept. */
+    std::size_t size() const;
+    /** The terms at the cases, by columns, cases x size(). */
+    const std::vector<double>& matrix() const;
+
+    /** @param inputNumbers the number k in "Vk" of each input. */
+    std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;
+    std::vector<std::string> droppedNames(const std::vector<std::size_t>& inputNumbers) const;
+
+    /** result[i] += value of the polynomial at point i; `points` as scaled coordinates. */
+    void add(const std::vector<const double*>& points, std::size_t count,
+             const std::vector<double>& coefficients, double* result) const;
+
+    struct RawTerm
+    {
+        std::string name;
+        double coefficient;
+    };
+    /**
+     * The same polynomial in the inputs x = minimum + range * coordinate: the terms kept, and those
+     * of lower order that the change of coordinates brings in.
+     */
+    std::vector<RawTerm> inRawInputs(const std::vector<double>& coefficients,
+                                     const std::vector<double>& minimum,
+                                     const std::vector<double>& range,
+                                     const std::vector<std::size_t>& inputNumbers) const;
+
+private:
+    using Term = QuadraticBasis::Term;
+
+    static std::string name(const Term& term, const std::vector<std::size_t>& inputNumbers);
+
+    int usedOrder = 0;
+    std::size_t inputCount;
+    std::vector<Term> terms;
+    std::vector<Term> dropped;
+    std::vector<double> values;
+};

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+/**
+ * Eight doubles that are computed with together: the compiler maps them to the registers of the
+ * instruction set that a function is compiled for. All operations are those of IEEE arithmetic lane
+ * by lane, so the results are the same bits on every processor.
+ */
+using Lanes = double __attribute__((vector_size(64)));
+using LaneBits = long long __attribute__((vector_size(64)));
+
+constexpr std::size_t laneCount = 8;
+
+/**
+ * Compiles a function for several instruction sets; the loader takes the best that the processor
+ * has. Not under the sanitizers, whose run time is not ready yet when the loader chooses.
+ */
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) &&                             \
+    !defined(__SANITIZE_ADDRESS__)
+#define SURROGATE_SIMD __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define SURROGATE_SIMD
+#endif
+
+// By reference, not by value: how a vector is passed depends on the instruction set.
+#define SURROGATE_LANE_OPERATION __attribute__((always_inline)) inline void
+
+SURROGATE_LANE_OPERATION loadLanes(const double* from, Lanes& result)
+{
+    std::memcpy(&result, from, sizeof(Lanes));
+}
+
+SURROGATE_LANE_OPERATION storeLanes(const Lanes& value, double* to)
+{
+    std::memcpy(to, &value, sizeof(Lanes));
+}
+
+/** |a - b|, at most `cap`. */
+SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double cap, Lanes& result)
+{
+    const Lanes difference = a - b;
+    const Lanes distance = (difference < 0.0) ? -difference : difference;
+    result = (distance < cap) ? distance : (Lanes{} + cap);
+}
+
+/**
+ * result = exp(-a) for a >= 0, within 2 units in the last place; exp(-708) beyond 708, so that it
+ * never underflows.
+ */
+SURROGATE_LANE_OPERATION expOfNegative(const Lanes& a, Lanes& result)
+{
+    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2; ln 2 in two parts so that k ln 2 is exact enough.
+    constexpr double log2OfE = 1.44269504088896340736;
+    constexpr double ln2High = 6.93147180369123816490e-01;
+    constexpr double ln2Low = 1.90821492927058770002e-10;
+    // Adding it rounds to an integer, which then stands in the low bits of the sum.
+    constexpr double rounder = 6755399441055744.0;
+    constexpr double largest = 708.0;
+    constexpr int mantissaBits = 52;
+
+    const Lanes x = (a < largest) ? -a : (Lanes{} - largest);
+    const Lanes shifted = x * log2OfE + rounder;
+    const Lanes k = shifted - rounder;
+    const Lanes r = (x - k * ln2High) - k * ln2Low;
+
+    // The Taylor series to the 13th power: its remainder is below 1e-17.
+    Lanes p = Lanes{} + 1.0 / 6227020800.0;
+    p = p * r + 1.0 / 479001600.0;
+    p = p * r + 1.0 / 39916800.0;
+    p = p * r + 1.0 / 3628800.0;
+    p = p * r + 1.0 / 362880.0;
+    p = p * r + 1.0 / 40320.0;
+    p = p * r + 1.0 / 5040.0;
+    p = p * r + 1.0 / 720.0;
+    p = p * r + 1.0 / 120.0;
+    p = p * r + 1.0 / 24.0;
+    p = p * r + 1.0 / 6.0;
+    p = p * r + 0.5;
+    p = p * r + 1.0;
+    p = p * r + 1.0;
+
+    LaneBits exponent;
+    LaneBits bits;
+    std::memcpy(&exponent, &shifted, sizeof(exponent));
+    std::memcpy(&bits, &p, sizeof(bits));
+    bits += exponent << mantissaBits;
+    std::memcpy(&result, &bits, sizeof(result));
+}

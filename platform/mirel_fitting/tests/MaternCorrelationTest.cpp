@@ -1,0 +1,163 @@
+#include <mirel_fitting/MaternCorrelation.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+std::vector<double> uniformNumbers(std::size_t count)
+{
+    std::mt19937_64 generator(7);
+    std::vector<double> numbers(count);
+    for (double& number : numbers) {
+        number = static_cast<double>(generator() >> 11) * 0x1.0p-53;
+    }
+    return numbers;
+}
+
+/** The defining formula, in extended precision. */
+long double correlationOf(const std::vector<double>& a, const std::vector<double>& b,
+                          const std::vector<double>& lengths)
+{
+    long double product = 1.0L;
+    for (std::size_t k = 0; k < a.size(); ++k) {
+        const long double z =
+            std::sqrt(5.0L) * std::fabs(static_cast<long double>(a[k]) - b[k]) / lengths[k];
+        product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
+    }
+    return product;
+}
+
+struct Cases
+{
+    std::size_t cases;
+    std::size_t inputs;
+    std::vector<double> coordinates = uniformNumbers(cases * inputs);
+
+    std::vector<double> at(std::size_t i) const
+    {
+        std::vector<double> point;
+        for (std::size_t k = 0; k < inputs; ++k) {
+            point.push_back(coordinates[k * cases + i]);
+        }
+        return point;
+    }
+    MaternCorrelation correlation(const std::vector<double>& lengths) const
+    {
+        MaternCorrelation result(cases, inputs, coordinates.data());
+        result.setLengths(lengths);
+        return result;
+    }
+};
+
+} // namespace
+
+TEST(MaternCorrelation, FillsTheLowerTriangleWithTheProductFormula)
+{
+    // 19 cases: whole groups of eight and a rest.
+    const Cases data{19, 3};
+    const std::vector<double> lengths = {0.2, 1.0, 30.0};
+    std::vector<double> matrix(19 * 19, -1.0);
+
+    data.correlation(lengths).fillLower(matrix.data());
+
+    for (std::size_t j = 0; j < 19; ++j) {
+        EXPECT_EQ(matrix[j * 19 + j], 1.0);
+        for (std::size_t i = j + 1; i < 19; ++i) {
+            const auto expected =
+                static_cast<double>(correlationOf(data.at(i), data.at(j), lengths));
+            EXPECT_NEAR(matrix[j * 19 + i], expected, 2e-14 * expected) << i << ", " << j;
+        }
+        for (std::size_t i = 0; i < j; ++i) {
+            EXPECT_EQ(matrix[j * 19 + i], -1.0) << "the upper triangle is not ours";
+        }
+    }
+}
+
+TEST(MaternCorrelation, GivesAnInputOfInfiniteLengthNoInfluence)
+{
+    const Cases data{9, 2};
+    const Cases first{9, 1, {data.coordinates.begin(), data.coordinates.begin() + 9}};
+    std::vector<double> both(81);
+    std::vector<double> one(81);
+
+    data.correlation({0.5, std::numeric_limits<double>::infinity()}).fillLower(both.data());
+    first.correlation({0.5}).fillLower(one.data());
+
+    EXPECT_EQ(both, one);
+}
+
+TEST(MaternCorrelation, StaysFiniteForManyInputsFarApart)
+{
+    const Cases data{8, 100};
+    std::vector<double> matrix(64);
+
+    data.correlation(std::vector<double>(100, 1e-3)).fillLower(matrix.data());
+
+    for (std::size_t i = 1; i < 8; ++i) {
+        EXPECT_GE(matrix[i], 0.0);
+        EXPECT_LT(matrix[i], 1e-100);
+    }
+}
+
+TEST(MaternCorrelation, SumsWeightedCorrelationsAtPoints)
+{
+    const Cases data{37, 2};
+    const Cases points{300, 2};
+    const std::vector<double> lengths = {0.3, 0.7};
+    const std::vector<double> weights = uniformNumbers(37);
+    std::vector<double> result(300, 5.0);
+
+    data.correlation(lengths).addWeightedSums(
+        {points.coordinates.data(), points.coordinates.data() + 300}, 300, weights.data(),
+        result.data());
+
+    for (std::size_t i = 0; i < 300; ++i) {
+        long double expected = 5.0L;
+        for (std::size_t j = 0; j < 37; ++j) {
+            expected += weights[j] * correlationOf(points.at(i), data.at(j), lengths);
+        }
+        EXPECT_NEAR(result[i], static_cast<double>(expected), 1e-13) << i;
+    }
+}
+
+TEST(MaternCorrelation, DifferentiatesByTheLogarithmsOfTheLengths)
+{
+    const std::size_t n = 21;
+    const Cases data{n, 3};
+    const std::vector<double> a = uniformNumbers(n);
+    const std::vector<double> inverse = uniformNumbers(n * n);
+    const double factor = 1.7;
+    const auto weightedSum = [&](const std::vector<double>& lengths) {
+        std::vector<double> matrix(n * n);
+        data.correlation(lengths).fillLower(matrix.data());
+        double sum = 0.0;
+        for (std::size_t j = 0; j < n; ++j) {
+            for (std::size_t i = j + 1; i < n; ++i) {
+                sum += (a[i] * a[j] * factor - inverse[j * n + i]) * matrix[j * n + i];
+            }
+        }
+        return sum;
+    };
+    const std::vector<double> lengths = {0.1, 0.8, 20.0};
+    std::vector<double> matrix(n * n);
+    const MaternCorrelation correlation = data.correlation(lengths);
+    correlation.fillLower(matrix.data());
+
+    std::vector<double> derivatives;
+    correlation.weightedDerivatives(matrix.data(), inverse.data(), a.data(), factor, derivatives);
+
+    ASSERT_EQ(derivatives.size(), 3u);
+    for (std::size_t k = 0; k < 3; ++k) {
+        const double step = 1e-5;
+        std::vector<double> more = lengths;
+        std::vector<double> less = lengths;
+        more[k] *= std::exp(step);
+        less[k] *= std::exp(-step);
+        // The central difference is good to the square of the step.
+        EXPECT_NEAR(derivatives[k], (weightedSum(more) - weightedSum(less)) / (2.0 * step), 1e-7);
+    }
+}
