@@ -1,0 +1,429 @@
+#include <mirel_fitting/KrigingFit.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingData.h>
+#include <mirel_fitting/KrigingLikelihood.h>
+#include <mirel_fitting/KrigingSearch.h>
+#include <mirel_fitting/KrigingTrend.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+const double twoPi = 2.0 * std::acos(-1.0);
+
+std::string number(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.6g", value);
+    return text;
+}
+
+std::string join(const std::vector<std::string>& texts)
+{
+    std::string result;
+    for (const std::string& text : texts) {
+        result += (result.empty() ? "" : ", ") + text;
+    }
+    return result;
+}
+
+std::string counted(std::size_t count, const std::string& noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+/** The steps of one fit, and what they hand to each other. */
+class Fitter
+{
+public:
+    Fitter(const KrigingCases& cases, const std::vector<double>& output,
+           const KrigingOptions& options)
+        : cases(cases), output(output), options(options), data(std::make_shared<KrigingData>())
+    {}
+
+    KrigingFit run();
+
+private:
+    void standardise();
+    void mergeRows();
+    void chooseTrend();
+    bool isExplainedByTrend() const;
+    void search();
+    KrigingPredictor::Parts commonParts() const;
+    KrigingFit withCorrelation();
+    KrigingFit withTrendAlone();
+    KrigingFit constant();
+    void measure(KrigingFit& fit, const std::vector<double>& residuals) const;
+    void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
+    void judge(KrigingFit& fit);
+
+    const KrigingCases& cases;
+    const std::vector<double>& output;
+    const KrigingOptions& options;
+    double offset = 0.0; // output = offset + scale * standardised output
+    double scale = 1.0;
+    std::shared_ptr<KrigingData> data;
+    std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
+    std::shared_ptr<const KrigingTrend> trend;
+    KrigingSearch::Result found;
+    std::vector<std::string> warnings;
+};
+
+/** The range of the outputs becomes about 1, whatever its unit. */
+void Fitter::standardise()
+{
+    const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
+    // Halved first: the difference of the two largest numbers has no double.
+    const double halfRange = 0.5 * *largest - 0.5 * *smallest;
+    offset = *smallest + halfRange;
+    if (!(halfRange > 0.0)) {
+        offset = *smallest;
+        return;
+    }
+    double sum = 0.0;
+    for (const double y : output) {
+        sum += (y - offset) / halfRange;
+    }
+    const double mean = sum / static_cast<double>(output.size());
+    double squares = 0.0;
+    for (const double y : output) {
+        const double deviation = (y - offset) / halfRange - mean;
+        squares += deviation * deviation;
+    }
+    offset += mean * halfRange;
+    scale = halfRange * std::sqrt(squares / static_cast<double>(output.size()));
+}
+
+/**
+ * One case per distinct point. Rows that repeat another one in its output too say nothing new and
+ * count once; different outputs at one point are averaged, their scatter is evidence for noise.
+ */
+void Fitter::mergeRows()
+{
+    data->cases = cases.pointCount();
+    data->inputs = cases.activeInputs().size();
+    data->coordinates = cases.coordinates();
+    std::size_t copies = 0;
+    std::size_t conflicts = 0;
+    for (std::size_t point = 0; point < data->cases; ++point) {
+        std::vector<double> values;
+        for (const std::size_t row : cases.rowsAt(point)) {
+            values.push_back((output[row] - offset) / scale);
+        }
+        std::sort(values.begin(), values.end());
+        const std::size_t given = values.size();
+        values.erase(std::unique(values.begin(), values.end()), values.end());
+        copies += given - values.size();
+        conflicts += values.size() > 1 ? 1 : 0;
+
+        double mean = 0.0;
+        for (const double value : values) {
+            mean += value / static_cast<double>(values.size());
+        }
+        double squares = 0.0;
+        for (const double value : values) {
+            squares += (value - mean) * (value - mean);
+        }
+        data->output.push_back(mean);
+        data->rows.push_back(static_cast<double>(values.size()));
+        data->scatter.push_back(squares);
+    }
+    if (copies > 0) {
+        warnings.push_back(counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
+                           " another case exactly and " + (copies == 1 ? "was" : "were") +
+                           " merged with it.");
+    }
+    if (conflicts > 0) {
+        warnings.push_back("At " + counted(conflicts, "point") +
+                           " several cases have the same inputs but different outputs: the model "
+                           "passes through their mean or smooths them.");
+    }
+}
+
+void Fitter::chooseTrend()
+{
+    const std::size_t lengths = options.correlationLengths.empty() ? data->inputs : 0;
+    const std::size_t variance = 1;
+    trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
+                                           options.trendOrder, lengths + variance);
+    data->terms = trend->size();
+    data->trend = trend->matrix();
+    if (trend->order() < options.trendOrder && data->inputs > 0) {
+        warnings.push_back(
+            "The order of the trend was lowered from " + std::to_string(options.trendOrder) +
+            " to " + std::to_string(trend->order()) + ": " + counted(data->cases, "distinct case") +
+            (data->cases == 1 ? " is" : " are") + " too few for more.");
+    }
+    const std::vector<std::string> dropped = trend->droppedNames(inputNumbers);
+    if (!dropped.empty()) {
+        warnings.push_back("Terms of the trend that the cases cannot separate were dropped: " +
+                           join(dropped) + ".");
+    }
+}
+
+/** Whether least squares leave nothing but rounding: then there is nothing to correlate. */
+bool Fitter::isExplainedByTrend() const
+{
+    double largest = 0.0;
+    double scatter = 0.0;
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        largest = std::max(largest, std::fabs(offset / scale + data->output[i]));
+        scatter += data->scatter[i];
+    }
+    const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
+    KrigingLikelihood independent(data);
+    if (scatter > 0.0) {
+        return false;
+    }
+    // Lengths of zero size: no correlation, so that the variance is that of least squares.
+    const std::vector<double> none(data->inputs, 1e-9);
+    independent.evaluate(none, 0.0);
+    return std::sqrt(independent.processVariance()) <= rounding;
+}
+
+void Fitter::search()
+{
+    KrigingSearch::Settings settings;
+    settings.tolerance = options.tolerance;
+    settings.initialLength = options.initialCorrelationLength;
+    settings.smallestNugget = options.nugget;
+    settings.isNuggetFixed = options.isNuggetFixed;
+    for (std::size_t k = 0; k < data->inputs && !options.correlationLengths.empty(); ++k) {
+        const double length = options.correlationLengths[cases.activeInputs()[k]];
+        settings.fixedLengths.push_back(length / cases.range()[k]);
+    }
+    if (options.isNuggetFixed) {
+        // Without a free nugget the scatter of repeated cases cannot be told from their number: the
+        // mean is then taken for a single case.
+        data->rows.assign(data->cases, 1.0);
+        data->scatter.assign(data->cases, 0.0);
+    }
+    found = KrigingSearch::run(data, settings);
+    if (found.isNuggetRaised) {
+        warnings.push_back("The nugget was raised to " + number(found.parameters.nugget) +
+                           ": with less the correlation matrix cannot be factorised.");
+    }
+}
+
+KrigingPredictor::Parts Fitter::commonParts() const
+{
+    KrigingPredictor::Parts parts;
+    parts.inputs = cases.activeInputs();
+    parts.minimum = cases.minimum();
+    parts.range = cases.range();
+    parts.trend = trend;
+    parts.offset = offset;
+    parts.scale = scale;
+    return parts;
+}
+
+KrigingFit Fitter::withCorrelation()
+{
+    search();
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
+
+    KrigingPredictor::Parts parts = commonParts();
+    auto correlation =
+        std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
+    correlation->setLengths(found.parameters.lengths);
+    parts.correlation = std::move(correlation);
+    parts.coefficients = likelihood.coefficients();
+    parts.weights = likelihood.weights();
+
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    for (std::size_t k = 0; k < data->inputs; ++k) {
+        fit.report.correlationLengths[cases.activeInputs()[k]] =
+            found.parameters.lengths[k] * cases.range()[k];
+    }
+    double rows = 0.0;
+    for (const double atPoint : data->rows) {
+        rows += atPoint;
+    }
+    fit.report.nugget = found.parameters.nugget;
+    fit.report.processVariance = likelihood.processVariance() * scale * scale;
+    fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
+    reportTrend(fit, likelihood.coefficients());
+    measure(fit, likelihood.leaveOneOutResiduals());
+    return fit;
+}
+
+KrigingFit Fitter::withTrendAlone()
+{
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate(std::vector<double>(data->inputs, 1e-9), 0.0);
+    KrigingPredictor::Parts parts = commonParts();
+    parts.coefficients = likelihood.coefficients();
+
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    const auto n = static_cast<double>(data->cases);
+    const double variance = likelihood.processVariance() * scale * scale;
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    fit.report.processVariance = variance;
+    fit.report.logLikelihood =
+        variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) : infinity;
+    reportTrend(fit, likelihood.coefficients());
+    measure(fit, likelihood.leaveOneOutResiduals());
+    warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
+    return fit;
+}
+
+/** The mean of the rows, where no input varies or the output does not. */
+KrigingFit Fitter::constant()
+{
+    data->terms = 1;
+    trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates, 0, 0);
+    KrigingPredictor::Parts parts = commonParts();
+    parts.coefficients = {0.0};
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    reportTrend(fit, {0.0});
+
+    const auto n = static_cast<double>(output.size());
+    double squares = 0.0;
+    for (const double y : output) {
+        squares += (y - offset) * (y - offset);
+    }
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    fit.report.processVariance = squares / n;
+    fit.report.logLikelihood =
+        squares > 0.0 ? -0.5 * (n * std::log(twoPi * squares / n) + n) : infinity;
+    fit.metrics.cases = output.size();
+    fit.metrics.terms = 1;
+    fit.metrics.rmse = std::sqrt(squares / n);
+    if (output.size() > 1) {
+        // A case left out moves the mean away from it.
+        const double leverage = n / (n - 1.0);
+        fit.metrics.press = squares * leverage * leverage;
+        fit.metrics.looRmse = std::sqrt(fit.metrics.press / n);
+    }
+    if (squares > 0.0) {
+        fit.metrics.r2 = 0.0;
+        fit.metrics.q2 = 1.0 - fit.metrics.press / squares;
+        warnings.push_back("No input varies over the cases: the prediction is the mean output.");
+    } else if (output.size() > 1) {
+        warnings.push_back("The output is the same in all cases: the prediction is constant.");
+    } else {
+        warnings.push_back("There is only one case: the prediction is constant.");
+    }
+    return fit;
+}
+
+void Fitter::reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const
+{
+    fit.report.trendOrder = trend->order();
+    for (const KrigingTrend::RawTerm& term :
+         trend->inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers)) {
+        const bool isConstant = fit.report.trendTerms.empty();
+        fit.report.trendTerms.push_back(term.name);
+        fit.report.trendCoefficients.push_back(scale * term.coefficient +
+                                               (isConstant ? offset : 0.0));
+    }
+}
+
+void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) const
+{
+    const std::size_t n = data->cases;
+    std::vector<double> raw(cases.inputCount() * n, 0.0);
+    std::vector<double*> columns;
+    for (std::size_t k = 0; k < cases.inputCount(); ++k) {
+        columns.push_back(raw.data() + k * n);
+    }
+    for (std::size_t k = 0; k < data->inputs; ++k) {
+        for (std::size_t i = 0; i < n; ++i) {
+            columns[cases.activeInputs()[k]][i] =
+                cases.minimum()[k] + cases.range()[k] * data->coordinates[k * n + i];
+        }
+    }
+    std::vector<double> fitted(n);
+    fit.predictor.predict(columns, n, fitted.data());
+
+    double rows = 0.0;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < n; ++i) {
+        rows += data->rows[i];
+        sum += data->rows[i] * data->output[i];
+    }
+    const double mean = sum / rows;
+    double total = 0.0;
+    double errors = 0.0;
+    double press = 0.0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double residual = data->output[i] - (fitted[i] - offset) / scale;
+        const double deviation = data->output[i] - mean;
+        errors += data->scatter[i] + data->rows[i] * residual * residual;
+        total += data->scatter[i] + data->rows[i] * deviation * deviation;
+        press += data->scatter[i] + data->rows[i] * residuals[i] * residuals[i];
+    }
+    fit.metrics.cases = static_cast<std::size_t>(rows);
+    fit.metrics.terms = data->terms;
+    fit.metrics.r2 = 1.0 - errors / total;
+    fit.metrics.rmse = scale * std::sqrt(errors / rows);
+    fit.metrics.press = press * scale * scale;
+    fit.metrics.looRmse = scale * std::sqrt(press / rows);
+    fit.metrics.q2 = 1.0 - press / total;
+}
+
+/** What a user has to know before trusting the fit. */
+void Fitter::judge(KrigingFit& fit)
+{
+    for (std::size_t k = 0; k < found.parameters.lengths.size(); ++k) {
+        if (options.correlationLengths.empty() &&
+            found.parameters.lengths[k] > 0.99 * KrigingSearch::largestLength()) {
+            warnings.push_back("The cases show no influence of V" +
+                               std::to_string(inputNumbers[k]) +
+                               " beyond the trend: its correlation length is at its upper bound.");
+        }
+    }
+    if (fit.metrics.q2 <= 0.0) {
+        warnings.push_back("Left-out cases are predicted no better than by the mean of the "
+                           "cases: do not rely on this model.");
+    }
+}
+
+KrigingFit Fitter::run()
+{
+    FitProgress::report(0.0, "Preparing the cases");
+    std::vector<bool> varies(cases.inputCount(), false);
+    for (const std::size_t input : cases.activeInputs()) {
+        inputNumbers.push_back(input + 1);
+        varies[input] = true;
+    }
+    for (std::size_t input = 0; input < varies.size(); ++input) {
+        if (!varies[input] && cases.rowCount() > 1) {
+            warnings.push_back("V" + std::to_string(input + 1) +
+                               " is constant over the cases and was ignored.");
+        }
+    }
+
+    standardise();
+    const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
+    KrigingFit fit = [&] {
+        if (*smallest == *largest || cases.activeInputs().empty()) {
+            return constant();
+        }
+        mergeRows();
+        chooseTrend();
+        return isExplainedByTrend() ? withTrendAlone() : withCorrelation();
+    }();
+    judge(fit);
+    fit.warnings = std::move(warnings);
+    FitProgress::report(1.0, "Fitted");
+    return fit;
+}
+
+} // namespace
+
+KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& output,
+                      const KrigingOptions& options)
+{
+    return Fitter(cases, output, options).run();
+}

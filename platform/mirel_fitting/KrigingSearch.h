@@ -1,0 +1,54 @@
+#pragma once
+
+#include <mirel_fitting/KrigingData.h>
+
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <vector>
+
+/** What the likelihood of a Kriging model is maximised over. */
+struct KrigingParameters
+{
+    std::vector<double> lengths; ///< one per input, in units of the scaled coordinates
+    double nugget = 0.0;         ///< relative to the process variance
+};
+
+/** The search for the parameters of greatest likelihood. */
+class KrigingSearch
+{
+public:
+    struct Settings
+    {
+        double tolerance = 1e-4;     ///< smallest expected gain in log-likelihood per row
+        double initialLength = 0.5;  ///< of the first start, scaled
+        double smallestNugget = 0.0; ///< lower bound, or the value itself if it is fixed
+        bool isNuggetFixed = false;
+        std::vector<double> fixedLengths; ///< scaled; empty: searched for
+    };
+
+    struct Result
+    {
+        KrigingParameters parameters;
+        double logLikelihood = 0.0; ///< of the standardised output
+        /** Of the best optimum in another place; minus infinity if all starts met in one. */
+        double secondLogLikelihood = -std::numeric_limits<double>::infinity();
+        bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised
+        std::size_t evaluations = 0; ///< of the likelihood with all cases
+    };
+
+    /** The range that lengths are searched in, in units of the inputs' ranges. */
+    static double smallestLength(std::size_t cases);
+    static double largestLength();
+
+    /** The least nugget that keeps the factorisation sound. */
+    static double soundNugget();
+
+    /**
+     * Several starts on at most a few hundred of the cases, the best of them continued with all.
+     * Reports to FitProgress.
+     * @throw SurrogateModelInterface::Error if the fit is cancelled, or no nugget makes the
+     *        correlation matrix positive definite.
+     */
+    static Result run(const std::shared_ptr<const KrigingData>& data, const Settings& settings);
+};

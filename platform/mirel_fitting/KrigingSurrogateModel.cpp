@@ -1,0 +1,251 @@
+#include <mirel_fitting/KrigingSurrogateModel.h>
+
+#include <mirel_fitting/KrigingCases.h>
+#include <mirel_fitting/KrigingFit.h>
+#include <mirel_fitting/TrainingColumns.h>
+
+#include <cmath>
+#include <cstdio>
+#include <map>
+
+namespace {
+
+using Error = SurrogateModelInterface::Error;
+
+// The correlation matrix of more does not fit into the memory of common machines.
+constexpr std::size_t mostPoints = 10000;
+
+std::string number(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.10g", value);
+    return text;
+}
+
+std::size_t checkedCount(int rowCount)
+{
+    if (rowCount < 0) {
+        throw Error("A model cannot be fitted to " + std::to_string(rowCount) + " cases.");
+    }
+    return static_cast<std::size_t>(rowCount);
+}
+
+void requirePositive(double value, const std::string& name)
+{
+    if (!(value > 0.0) || !std::isfinite(value)) {
+        throw Error(name + " has to be a positive number, not " + number(value) + ".");
+    }
+}
+
+KrigingOptions checkedOptions(double tolerance, const std::vector<double>& correlationLengths,
+                              int trendOrder, double initialCorrelationLength, double nugget,
+                              int nuggetMode, std::size_t inputs)
+{
+    requirePositive(tolerance, "The tolerance");
+    requirePositive(initialCorrelationLength, "The initial correlation length");
+    if (!correlationLengths.empty() && correlationLengths.size() != inputs) {
+        throw Error("There have to be as many correlation lengths as inputs, " +
+                    std::to_string(inputs) + ", or none, not " +
+                    std::to_string(correlationLengths.size()) + ".");
+    }
+    for (std::size_t k = 0; k < correlationLengths.size(); ++k) {
+        // Infinity is a length too: an input without influence.
+        if (!(correlationLengths[k] > 0.0)) {
+            throw Error("The correlation length of V" + std::to_string(k + 1) +
+                        " has to be positive, not " + number(correlationLengths[k]) + ".");
+        }
+    }
+    if (trendOrder < 0 || trendOrder > 2) {
+        throw Error("The order of the trend has to be 0, 1 or 2, not " +
+                    std::to_string(trendOrder) + ".");
+    }
+    if (!(nugget >= 0.0) || !std::isfinite(nugget)) {
+        throw Error("The nugget has to be a number that is not negative, not " + number(nugget) +
+                    ".");
+    }
+    if (nuggetMode != 0 && nuggetMode != 1) {
+        throw Error("The nugget mode has to be 0 (estimated) or 1 (fixed), not " +
+                    std::to_string(nuggetMode) + ".");
+    }
+
+    KrigingOptions options;
+    options.tolerance = tolerance;
+    options.correlationLengths = correlationLengths;
+    options.trendOrder = trendOrder;
+    options.initialCorrelationLength = initialCorrelationLength;
+    options.nugget = nugget;
+    options.isNuggetFixed = nuggetMode == 1;
+    return options;
+}
+
+const char* orderName(int order)
+{
+    switch (order) {
+    case 0:
+        return "constant";
+    case 1:
+        return "linear";
+    default:
+        return "full quadratic";
+    }
+}
+
+std::string trendText(const KrigingReport& report)
+{
+    std::string text;
+    for (std::size_t t = 0; t < report.trendTerms.size(); ++t) {
+        const double coefficient = report.trendCoefficients[t];
+        text += t == 0 ? (coefficient < 0.0 ? "-" : "") : (coefficient < 0.0 ? " - " : " + ");
+        text += number(std::fabs(coefficient));
+        if (report.trendTerms[t] != "1") {
+            text += " " + report.trendTerms[t];
+        }
+    }
+    return text;
+}
+
+std::string lengthsText(const KrigingReport& report)
+{
+    std::string text;
+    for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
+        text += "Correlation length of V" + std::to_string(k + 1) + ": " +
+                number(report.correlationLengths[k]) + "\n";
+    }
+    return text;
+}
+
+std::string metricLine(const std::string& name, double value)
+{
+    return std::isnan(value) ? std::string() : name + ": " + number(value) + "\n";
+}
+
+} // namespace
+
+class KrigingSurrogateModel::Impl
+{
+public:
+    Impl(const std::vector<double*>& independentColumns,
+         const std::vector<double*>& dependentColumns, std::size_t rowCount)
+        : columns(independentColumns, dependentColumns, rowCount),
+          cases(independentColumns, rowCount)
+    {
+        if (cases.pointCount() > mostPoints) {
+            throw Error("Kriging takes at most " + std::to_string(mostPoints) +
+                        " distinct cases, but there are " + std::to_string(cases.pointCount()) +
+                        ".");
+        }
+        for (const double* column : dependentColumns) {
+            outputs.emplace_back(column, column + rowCount);
+        }
+    }
+
+    const KrigingFit& fit(int offset)
+    {
+        columns.requireOutput(offset);
+        const auto known = fits.find(offset);
+        if (known != fits.end()) {
+            return known->second;
+        }
+        // A fit that throws leaves no entry, so that it is tried again.
+        return fits
+            .emplace(offset, fitKriging(cases, outputs[static_cast<std::size_t>(offset)], options))
+            .first->second;
+    }
+
+    TrainingColumns columns;
+    KrigingCases cases;
+    std::vector<std::vector<double>> outputs;
+    KrigingOptions options;
+    std::map<int, KrigingFit> fits;
+};
+
+KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& independentColumns,
+                                             const std::vector<double*>& dependentColumns,
+                                             int rowCount, double tolerance,
+                                             const std::vector<double>& correlationLengths,
+                                             int trendOrder, double initialCorrelationLength,
+                                             double nugget, int nuggetMode)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, checkedCount(rowCount)))
+{
+    impl->options =
+        checkedOptions(tolerance, correlationLengths, trendOrder, initialCorrelationLength, nugget,
+                       nuggetMode, independentColumns.size());
+}
+
+KrigingSurrogateModel::~KrigingSurrogateModel() = default;
+
+void KrigingSurrogateModel::activateDependentVariables(const std::set<int>& offsets)
+{
+    impl->columns.requireOutputs(offsets);
+    for (const int offset : offsets) {
+        impl->fit(offset);
+    }
+}
+
+void KrigingSurrogateModel::interpolateDependentValues(const std::vector<double*>& inputs,
+                                                       const std::set<int>& offsets,
+                                                       std::vector<double*>& outputs,
+                                                       std::size_t count) const
+{
+    impl->columns.requireEvaluation(inputs, offsets, outputs, count);
+    std::size_t k = 0;
+    for (const int offset : offsets) {
+        const KrigingFit& fit = impl->fit(offset);
+        if (count > 0) {
+            fit.predictor.predict(inputs, count, outputs[k]);
+        }
+        ++k;
+    }
+}
+
+bool KrigingSurrogateModel::surfaceCoefficientInformationAvailable() const
+{
+    return false;
+}
+
+bool KrigingSurrogateModel::qualityMetricInformationAvailable() const
+{
+    return true;
+}
+
+std::string KrigingSurrogateModel::surfaceCoefficientInformation(int offset) const
+{
+    const KrigingFit& fit = impl->fit(offset);
+    return trendText(fit.report) +
+           " + the correlated part of a Kriging model, which has no equation\n" +
+           lengthsText(fit.report);
+}
+
+std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const
+{
+    const KrigingFit& fit = impl->fit(offset);
+    std::string text = "Cases: " + std::to_string(fit.metrics.cases) + "\n";
+    text += metricLine("RMSE", fit.metrics.rmse);
+    text += metricLine("Leave-one-out RMSE", fit.metrics.looRmse);
+    text += metricLine("Q2", fit.metrics.q2);
+    text += metricLine("Log-likelihood", fit.report.logLikelihood);
+    text += metricLine("Process variance", fit.report.processVariance);
+    text += metricLine("Nugget (relative to the process variance)", fit.report.nugget);
+    text += std::string("Trend: ") + orderName(fit.report.trendOrder) + ", " +
+            trendText(fit.report) + "\n";
+    text += lengthsText(fit.report);
+    for (const std::string& warning : fit.warnings) {
+        text += "Warning: " + warning + "\n";
+    }
+    return text;
+}
+
+FitMetrics KrigingSurrogateModel::fitMetrics(int offset) const
+{
+    return impl->fit(offset).metrics;
+}
+
+std::vector<std::string> KrigingSurrogateModel::fitWarnings(int offset) const
+{
+    return impl->fit(offset).warnings;
+}
+
+KrigingReport KrigingSurrogateModel::krigingReport(int offset) const
+{
+    return impl->fit(offset).report;
+}
