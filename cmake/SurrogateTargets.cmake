@@ -62,11 +62,19 @@ function(surrogate_add_test name)
     if(NOT arg_LABEL)
         set(arg_LABEL ${name})
     endif()
-    surrogate_test_environment(environment ${arg_ENVIRONMENT})
     gtest_discover_tests(${name}
         TEST_PREFIX "${SURROGATE_TEST_PREFIX}${name}."
+        TEST_LIST ${name}_discovered
         DISCOVERY_TIMEOUT 60
-        PROPERTIES LABELS "${arg_LABEL}" TIMEOUT 300 ENVIRONMENT "${environment}")
+        PROPERTIES LABELS "${arg_LABEL}" TIMEOUT 300)
+    # Not among the PROPERTIES above: of a list they pass on the first element only.
+    surrogate_test_environment(environment ${arg_ENVIRONMENT})
+    set(environment_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake")
+    file(WRITE "${environment_file}" "if(${name}_discovered)
+    set_tests_properties(\${${name}_discovered} PROPERTIES ENVIRONMENT \"${environment}\")
+endif()
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${environment_file}")
 endfunction()
 
 # What every test runs with: no display, the suppressions of leaks that are not ours.
