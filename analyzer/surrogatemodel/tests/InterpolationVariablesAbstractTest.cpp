@@ -1,0 +1,514 @@
+#include <surrogatemodel/InterpolationVariablesAbstract.h>
+
+#include "FakeManager.h"
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_datamanagement/Project.h>
+#include <property/UndoablePropertyProxy.h>
+
+#include <QUndoStack>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace {
+
+using Collection = SurrogateModelUserDistCollection;
+using CollectionProperty = veska::Property<Collection>;
+using CollectionProxy = veska::UndoablePropertyProxy<Collection>;
+using DistributedPoints = InterpolationVariablesAbstract::DistributedPoints;
+using Values = std::vector<double>;
+
+Values distributed(std::pair<double, double> range, std::size_t count)
+{
+    Values values;
+    DistributedPoints(range, count).get(values);
+    return values;
+}
+
+TEST(DistributedPoints, AreEvenlySpacedWithBothEnds)
+{
+    EXPECT_EQ(distributed({0, 10}, 5), (Values{0, 2.5, 5, 7.5, 10}));
+}
+
+TEST(DistributedPoints, MayDescend)
+{
+    EXPECT_EQ(distributed({10, 0}, 3), (Values{10, 5, 0}));
+}
+
+TEST(DistributedPoints, GiveNothingForNoPoint)
+{
+    EXPECT_TRUE(distributed({0, 10}, 0).empty());
+}
+
+TEST(DistributedPoints, GiveNaNForOnePoint)
+{
+    for (const std::pair<double, double>& range : {std::pair<double, double>{0, 10}, {5, 5}}) {
+        const Values values = distributed(range, 1);
+        ASSERT_EQ(values.size(), 1u);
+        EXPECT_TRUE(std::isnan(values[0]));
+    }
+}
+
+TEST(DistributedPoints, RepeatTheValueOfARangeWithoutWidth)
+{
+    EXPECT_EQ(distributed({5, 5}, 3), (Values{5, 5, 5}));
+}
+
+TEST(DistributedPoints, AreTheLowEndPlusIStepsTheLastOneToo)
+{
+    const double step = 0.3 / 3.0;
+    EXPECT_EQ(distributed({0, 0.3}, 4), (Values{0.0, step, 2.0 * step, 3.0 * step}));
+
+    // Adding 0.1 up gives 0.6 here.
+    EXPECT_EQ(distributed({0, 1}, 11)[6], 0.6000000000000001);
+}
+
+TEST(DistributedPoints, CanMissTheHighEndByRounding)
+{
+    // 49 steps of 1/49 are not 1 in double: the last value is computed like the others.
+    const Values values = distributed({0, 1}, 50);
+
+    EXPECT_EQ(values.back(), 49.0 * (1.0 / 49.0));
+    EXPECT_NE(values.back(), 1.0);
+    EXPECT_NEAR(values.back(), 1.0, std::numeric_limits<double>::epsilon());
+}
+
+TEST(DistributedPoints, ComeAfterWhatTheVectorHolds)
+{
+    Values values = {9};
+
+    DistributedPoints({0, 1}, 2).get(values);
+
+    EXPECT_EQ(values, (Values{9, 0, 1}));
+}
+
+TEST(DistributedPoints, ReserveTheirCountWhereTheVectorHasLess)
+{
+    Values empty;
+    DistributedPoints({0, 1}, 100).get(empty);
+    EXPECT_EQ(empty.capacity(), 100u);
+
+    Values roomy;
+    roomy.reserve(1000);
+    DistributedPoints({0, 1}, 100).get(roomy);
+    EXPECT_EQ(roomy.capacity(), 1000u);
+}
+
+TEST(DistributedPoints, GiveWhatNonFiniteRangesCompute)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+
+    const Values wide = distributed({-1e308, 1e308}, 3);
+    EXPECT_TRUE(std::isnan(wide[0])) << "0 times an infinite step";
+    EXPECT_EQ(wide[2], infinity);
+    const Values noNumber = distributed({std::nan(""), 1}, 2);
+    EXPECT_TRUE(std::isnan(noNumber[0]));
+    EXPECT_TRUE(std::isnan(noNumber[1]));
+}
+
+TEST(DistributedPoints, StandBehindTheInterface)
+{
+    const std::unique_ptr<InterpolationPointsInterface> points =
+        std::make_unique<DistributedPoints>(std::pair<double, double>{0, 1}, 2);
+
+    Values values;
+    points->get(values);
+
+    EXPECT_EQ(values, (Values{0, 1}));
+}
+
+/** Sweeps the variables that a test gives points for. */
+class ChosenPoints : public InterpolationVariablesAbstract
+{
+public:
+    using InterpolationVariablesAbstract::InterpolationVariablesAbstract;
+
+    std::set<VarPtr> dependentVariables() const override { return {}; }
+
+    void sweep(const VarPtr& variable, std::pair<double, double> range, std::size_t count)
+    {
+        points[variable] = boost::make_shared<DistributedPoints>(range, count);
+    }
+
+protected:
+    boost::shared_ptr<InterpolationPointsInterface>
+    interpolationPoints(VarPtr variable) const override
+    {
+        const auto found = points.find(variable);
+        return found == points.end() ? nullptr : found->second;
+    }
+
+private:
+    std::map<VarPtr, boost::shared_ptr<InterpolationPointsInterface>> points;
+};
+
+/** Two independent variables, x and y, of a project; the fake manager lists both. */
+class InterpolationVariablesAbstractTest : public testing::Test
+{
+protected:
+    InterpolationVariablesAbstractTest() { manager->independents->set({x, y}); }
+
+    static Collection with(const std::string& name, Collection::VariableMode mode,
+                           const std::string& text, Collection collection = {})
+    {
+        collection.setMode(name, mode);
+        collection.setUserDistString(name, text);
+        return collection;
+    }
+
+    /** Counts the emissions for as long as the test lives. */
+    void listen(const InterpolationVariablesInterface& interpolation)
+    {
+        interpolation.connectSignalInterpolationVariablesChanged([this] { ++emissions; });
+    }
+
+    Project project;
+    const VarPtr x = project.addNumericVariable("x", Variable::Independent);
+    const VarPtr y = project.addNumericVariable("y", Variable::Independent);
+    boost::shared_ptr<FakeManager> manager = boost::make_shared<FakeManager>();
+    CollectionProperty distributions;
+    int emissions = 0;
+};
+
+TEST_F(InterpolationVariablesAbstractTest, AnswersOneEntryPerDistinctVariableOfTheList)
+{
+    manager->independents->set({y, x, y});
+    const ChosenPoints interpolation(manager, distributions);
+
+    const auto inputs = interpolation.inputIndependentVariables();
+
+    ASSERT_EQ(inputs->size(), 2u);
+    EXPECT_EQ(inputs->begin()->first, x) << "in the order of the handles, not of the list";
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AnswersANewMapOnEachCall)
+{
+    const ChosenPoints interpolation(manager, distributions);
+
+    const auto first = interpolation.inputIndependentVariables();
+    first->clear();
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->size(), 2u);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AnswersAnEmptyMapForAnEmptyList)
+{
+    manager->independents->set({});
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_TRUE(interpolation.inputIndependentVariables()->empty());
+}
+
+TEST_F(InterpolationVariablesAbstractTest, ReadsTheListAfreshOnEachCall)
+{
+    const ChosenPoints interpolation(manager, distributions);
+    interpolation.inputIndependentVariables();
+
+    manager->independents->set({y});
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->count(x), 0u);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TakesTheSubclassesPointsInModeAuto)
+{
+    distributions.set(with("x", Collection::Auto, "7"));
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 3);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{0, 0.5, 1}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TakesTheSubclassesPointsWithoutAUserDistribution)
+{
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 2);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{0, 1}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TakesTheUsersValuesForASweptVariableInModeUserDefined)
+{
+    distributions.set(with("x", Collection::UserDefined, "7, 3"));
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 3);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{3, 7}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, FaultyUserTextGivesNoValuesNotTheSubclassesPoints)
+{
+    for (const char* text : {"", "abc", "1,"}) {
+        distributions.set(with("x", Collection::UserDefined, text));
+        ChosenPoints interpolation(manager, distributions);
+        interpolation.sweep(x, {0, 1}, 3);
+
+        EXPECT_TRUE(interpolation.inputIndependentVariables()->at(x).empty()) << text;
+    }
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AVariableThatIsNotSweptStaysAtTheEvaluationPoint)
+{
+    distributions.set(with("x", Collection::UserDefined, "7"));
+    manager->point->set(with("x", Collection::UserDefined, "5"));
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{5}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AnEvaluationPointOfSeveralValuesGivesThemAll)
+{
+    manager->point->set(with("x", Collection::UserDefined, "1, 2, 3"));
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{1, 2, 3}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TheModeOfTheEvaluationPointDoesNotMatter)
+{
+    manager->point->set(with("x", Collection::Auto, "5"));
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{5}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AMissingOrFaultyEvaluationPointGivesNoValues)
+{
+    manager->point->set(with("y", Collection::UserDefined, "abc"));
+    const ChosenPoints interpolation(manager, distributions);
+
+    const auto inputs = interpolation.inputIndependentVariables();
+
+    EXPECT_TRUE(inputs->at(x).empty());
+    EXPECT_TRUE(inputs->at(y).empty());
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AVariableListedTwiceGetsItsDistributedPointsTwice)
+{
+    manager->independents->set({x, x});
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 2);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{0, 1, 0, 1}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AVariableListedTwiceGetsTheUsersValuesOnce)
+{
+    manager->independents->set({x, x, y, y});
+    manager->point->set(with("y", Collection::Auto, "5"));
+    distributions.set(with("x", Collection::UserDefined, "1, 2"));
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 2);
+
+    const auto inputs = interpolation.inputIndependentVariables();
+
+    EXPECT_EQ(inputs->at(x), (Values{1, 2}));
+    EXPECT_EQ(inputs->at(y), (Values{5}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AnswersForARemovedVariableUnderTheNameItHad)
+{
+    manager->point->set(with("x", Collection::Auto, "5"));
+    project.removeVariable(x);
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{5}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AHandleOfNoVariableIsAHandleError)
+{
+    manager->independents->set({VarPtr()});
+    const ChosenPoints interpolation(manager, distributions);
+
+    EXPECT_THROW(interpolation.inputIndependentVariables(), HandleError);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, EmploysWhatTheSubclassSweepsListedOrNotWhateverTheMode)
+{
+    const VarPtr unlisted = project.addNumericVariable("z", Variable::Independent);
+    distributions.set(with("y", Collection::UserDefined, "1"));
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.sweep(x, {0, 1}, 2);
+    interpolation.sweep(unlisted, {0, 1}, 2);
+
+    EXPECT_TRUE(interpolation.isVariableEmployed(x));
+    EXPECT_FALSE(interpolation.isVariableEmployed(y));
+    EXPECT_TRUE(interpolation.isVariableEmployed(unlisted));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheUserDistributions)
+{
+    const ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    distributions.set(with("x", Collection::UserDefined, "1"));
+    EXPECT_EQ(emissions, 1);
+    distributions.set(with("x", Collection::UserDefined, "1"));
+    EXPECT_EQ(emissions, 1) << "equal values are no change";
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheEvaluationPoint)
+{
+    const ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    manager->point->set(with("x", Collection::Auto, "1"));
+
+    EXPECT_EQ(emissions, 1);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, DoesNotTellOfTheListAndTheType)
+{
+    const ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    manager->independents->set({y});
+    manager->modelType->set(SurrogateModelManagerInterface::ResponseSurface);
+
+    EXPECT_EQ(emissions, 0);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, TellsOfAProxyOnceOnSetAndTwiceOnUndoAndRedo)
+{
+    UndoStack().stack().clear();
+    const auto proxy = boost::make_shared<CollectionProxy>("Point", manager->point);
+    manager->point = proxy;
+    const ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    proxy->set(with("x", Collection::Auto, "1"));
+    EXPECT_EQ(emissions, 1);
+    UndoStack().stack().undo();
+    EXPECT_EQ(emissions, 3);
+    UndoStack().stack().redo();
+    EXPECT_EQ(emissions, 5);
+    UndoStack().stack().clear();
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AcceptsAProxyAsUserDistributions)
+{
+    CollectionProxy proxy("Distributions", boost::make_shared<CollectionProperty>());
+    ChosenPoints interpolation(manager, proxy);
+    interpolation.sweep(x, {0, 1}, 2);
+    listen(interpolation);
+    const UndoStack::SuspendUndoRecording suspension;
+
+    proxy.set(with("x", Collection::UserDefined, "7"));
+
+    EXPECT_EQ(emissions, 1);
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{7}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, IsSilentWhileSuspendedAndTellsNothingLater)
+{
+    ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    interpolation.suspend();
+    distributions.set(with("x", Collection::UserDefined, "1"));
+    manager->point->set(with("x", Collection::Auto, "1"));
+    interpolation.resume();
+    EXPECT_EQ(emissions, 0);
+
+    distributions.set(with("x", Collection::UserDefined, "2"));
+    manager->point->set(with("x", Collection::Auto, "2"));
+    EXPECT_EQ(emissions, 2);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, OneResumeEndsAnyNumberOfSuspensions)
+{
+    ChosenPoints interpolation(manager, distributions);
+    listen(interpolation);
+
+    interpolation.resume();
+    interpolation.suspend();
+    interpolation.suspend();
+    interpolation.resume();
+    distributions.set(with("x", Collection::UserDefined, "1"));
+
+    EXPECT_EQ(emissions, 1);
+}
+
+TEST_F(InterpolationVariablesAbstractTest, AnswersValuesAlsoWhileSuspended)
+{
+    ChosenPoints interpolation(manager, distributions);
+    interpolation.suspend();
+
+    manager->point->set(with("x", Collection::Auto, "5"));
+
+    EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{5}));
+}
+
+TEST_F(InterpolationVariablesAbstractTest, StopsListeningWhenDestroyed)
+{
+    auto interpolation = std::make_unique<ChosenPoints>(manager, distributions);
+    listen(*interpolation);
+
+    interpolation.reset();
+    distributions.set(with("x", Collection::UserDefined, "1"));
+    manager->point->set(with("x", Collection::Auto, "1"));
+
+    EXPECT_EQ(emissions, 0);
+    EXPECT_EQ(distributions.signalChanged.num_slots(),
+              CollectionProperty().signalChanged.num_slots());
+}
+
+TEST_F(InterpolationVariablesAbstractTest, KeepsTheManagerAliveUntilDestroyed)
+{
+    auto interpolation = std::make_unique<ChosenPoints>(manager, distributions);
+    const boost::weak_ptr<FakeManager> observer = manager;
+
+    manager.reset();
+    EXPECT_FALSE(observer.expired());
+    EXPECT_EQ(interpolation->inputIndependentVariables()->size(), 2u);
+    interpolation.reset();
+
+    EXPECT_TRUE(observer.expired());
+}
+
+TEST_F(InterpolationVariablesAbstractTest, MayBeDestroyedAfterTheUserDistributions)
+{
+    auto borrowed = std::make_unique<CollectionProperty>();
+    auto interpolation = std::make_unique<ChosenPoints>(manager, *borrowed);
+
+    borrowed.reset();
+    interpolation->suspend();
+    interpolation->resume();
+    interpolation.reset();
+}
+
+TEST_F(InterpolationVariablesAbstractTest, MayBeDestroyedByItsOwnListener)
+{
+    auto interpolation = std::make_unique<ChosenPoints>(manager, distributions);
+    interpolation->connectSignalInterpolationVariablesChanged([&] { interpolation.reset(); });
+
+    distributions.set(with("x", Collection::UserDefined, "1"));
+
+    EXPECT_FALSE(interpolation);
+}
+
+/** Reaches the virtual bases along a second path. */
+class Suspendable : public virtual SuspendableInterface
+{};
+class AlsoSuspendable : public ChosenPoints, public Suspendable
+{
+public:
+    using ChosenPoints::ChosenPoints;
+};
+
+TEST_F(InterpolationVariablesAbstractTest, SharesItsVirtualBases)
+{
+    AlsoSuspendable interpolation(manager, distributions);
+    SuspendableInterface& suspendable = interpolation;
+    listen(interpolation);
+
+    suspendable.suspend();
+    distributions.set(with("x", Collection::UserDefined, "1"));
+
+    EXPECT_EQ(emissions, 0);
+}
+
+} // namespace
