@@ -1,0 +1,196 @@
+#include <surrogatemodel/SurrogateModelInputTableBuilder.h>
+
+#include <surrogatemodel/InterpolationVariablesInterface.h>
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <boost/format.hpp>
+
+#include <vtkDoubleArray.h>
+#include <vtkNew.h>
+#include <vtkTable.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+namespace {
+
+/** Values that stay in the processor's cache while they are copied over and over: 32 KB. */
+const vtkIdType CopiedBlock = 4096;
+
+void addColumn(vtkTable& table, const VarPtr& variable)
+{
+    vtkNew<vtkDoubleArray> column;
+    column->SetName(variable.lock()->name().c_str());
+    table.AddColumn(column);
+}
+
+/** The column named after `variable`; there is one. */
+vtkDoubleArray& columnOf(vtkTable& table, const VarPtr& variable)
+{
+    return *vtkDoubleArray::SafeDownCast(table.GetColumnByName(variable.lock()->name().c_str()));
+}
+
+/** How many doubles three quarters of the machine's memory hold. */
+vtkIdType affordableDoubles()
+{
+    const vtkIdType pages = sysconf(_SC_PHYS_PAGES);
+    const vtkIdType pageSize = sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || pageSize <= 0) {
+        return std::numeric_limits<vtkIdType>::max(); // the system does not tell
+    }
+    return pages / 4 * 3 * (pageSize / static_cast<vtkIdType>(sizeof(double)));
+}
+
+[[noreturn]] void refuseGrid(const std::string& points, vtkIdType columns)
+{
+    boost::format message("The evaluation grid is too large: %1% points in %2% columns take more "
+                          "than three quarters of this machine's memory. Evaluate the model at "
+                          "fewer values per variable.");
+    throw SurrogateModelInterface::Error((message % points % std::to_string(columns)).str());
+}
+
+/**
+ * The number of combinations of the values.
+ * @throw SurrogateModelInterface::Error if they cannot be counted or do not fit into memory.
+ */
+vtkIdType gridPoints(const std::map<VarPtr, std::vector<double>>& values, vtkIdType columns)
+{
+    // First of all: a variable without values empties the grid, however many the others have.
+    const bool isEmpty = std::any_of(values.begin(), values.end(),
+                                     [](const auto& entry) { return entry.second.empty(); });
+    if (isEmpty) {
+        return 0;
+    }
+
+    const vtkIdType most = std::numeric_limits<vtkIdType>::max();
+    vtkIdType points = 1;
+    for (const auto& [variable, list] : values) {
+        const auto count = static_cast<vtkIdType>(list.size());
+        if (points > most / count) {
+            refuseGrid("more than " + std::to_string(most), columns);
+        }
+        points *= count;
+    }
+    if (columns != 0 && points > affordableDoubles() / columns) {
+        refuseGrid(std::to_string(points), columns);
+    }
+    return points;
+}
+
+/**
+ * Writes each of `values` into `repeat` consecutive rows, and all of them again from the start
+ * until the column is full.
+ */
+void fillColumn(vtkDoubleArray& column, const std::vector<double>& values, vtkIdType repeat)
+{
+    const vtkIdType rows = column.GetNumberOfTuples();
+    double* const first = column.GetPointer(0);
+
+    // Every store is bounded by the rows: a variable that is listed twice repeats its values more
+    // often than the grid has room for.
+    vtkIdType filled = 0;
+    for (auto value = values.begin(); value != values.end() && filled < rows; ++value) {
+        const vtkIdType count = std::min(repeat, rows - filled);
+        std::fill_n(first + filled, count, *value);
+        filled += count;
+    }
+
+    // What has been written is a whole number of periods, so that its copies go on seamlessly.
+    vtkIdType block = filled;
+    while (filled < rows) {
+        const vtkIdType count = std::min(block, rows - filled);
+        std::copy_n(first, count, first + filled);
+        filled += count;
+        if (block < CopiedBlock) {
+            block = filled;
+        }
+    }
+}
+
+void fillWithNaN(vtkDoubleArray& column)
+{
+    std::fill_n(column.GetPointer(0), column.GetNumberOfTuples(),
+                std::numeric_limits<double>::quiet_NaN());
+}
+
+} // namespace
+
+SurrogateModelInputTableBuilder::SurrogateModelInputTableBuilder(
+    const SurrogateModelManagerInterface& manager, const InterpolationVariablesInterface& variables)
+{
+    computeTable(manager, variables);
+}
+
+SurrogateModelInputTableBuilder::~SurrogateModelInputTableBuilder() = default;
+
+vtkSmartPointer<vtkTable> SurrogateModelInputTableBuilder::suppliedIndependentVarValues() const
+{
+    return suppliedIndependent;
+}
+
+vtkSmartPointer<vtkTable> SurrogateModelInputTableBuilder::resultDependentVarValues() const
+{
+    return resultDependent;
+}
+
+void SurrogateModelInputTableBuilder::computeTable(const SurrogateModelManagerInterface& manager,
+                                                   const InterpolationVariablesInterface& variables)
+{
+    suppliedIndependent = vtkSmartPointer<vtkTable>::New();
+    resultDependent = vtkSmartPointer<vtkTable>::New();
+    addColumnsToIndependentVarTable(manager);
+    addResultingDepenedentVariables(variables.dependentVariables());
+    populateTableArrays(manager.independentVars()->get(), *variables.inputIndependentVariables());
+}
+
+void SurrogateModelInputTableBuilder::addColumnsToIndependentVarTable(
+    const SurrogateModelManagerInterface& manager)
+{
+    for (const VarPtr& variable : manager.independentVars()->get()) {
+        addColumn(*suppliedIndependent, variable);
+    }
+}
+
+void SurrogateModelInputTableBuilder::addResultingDepenedentVariables(
+    const std::set<VarPtr>& dependents)
+{
+    for (const VarPtr& variable : dependents) {
+        addColumn(*resultDependent, variable);
+    }
+}
+
+void SurrogateModelInputTableBuilder::populateTableArrays(
+    const std::vector<VarPtr>& independents, const std::map<VarPtr, std::vector<double>>& values)
+{
+    const vtkIdType columns =
+        suppliedIndependent->GetNumberOfColumns() + resultDependent->GetNumberOfColumns();
+    const vtkIdType points = gridPoints(values, columns);
+    suppliedIndependent->SetNumberOfRows(points);
+    resultDependent->SetNumberOfRows(points);
+
+    // Results that no model writes are recognisable instead of random.
+    for (vtkIdType i = 0; i < resultDependent->GetNumberOfColumns(); ++i) {
+        fillWithNaN(*vtkDoubleArray::SafeDownCast(resultDependent->GetColumn(i)));
+    }
+
+    const vtkIdType rows = suppliedIndependent->GetNumberOfRows();
+    vtkIdType repeat = 1;
+    for (auto variable = independents.rbegin(); variable != independents.rend(); ++variable) {
+        vtkDoubleArray& column = columnOf(*suppliedIndependent, *variable);
+        const auto entry = values.find(*variable);
+        if (entry == values.end()) {
+            fillWithNaN(column);
+        } else if (rows > 0) {
+            fillColumn(column, entry->second, repeat);
+            const auto count = static_cast<vtkIdType>(entry->second.size());
+            // Beyond the grid only by a variable that is listed twice, which must not overflow.
+            repeat = repeat > rows / count ? rows : repeat * count;
+        }
+    }
+}

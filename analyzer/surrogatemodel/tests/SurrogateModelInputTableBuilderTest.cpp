@@ -1,0 +1,371 @@
+#include <surrogatemodel/SurrogateModelInputTableBuilder.h>
+
+#include "FakeManager.h"
+#include "VirtualSlot.h"
+
+#include <surrogatemodel/InterpolationVariablesInterface.h>
+
+#include <mirel_datamanagement/Project.h>
+
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+using Values = std::vector<double>;
+
+/** Interpolation variables that answer what a test puts in. */
+class GivenVariables : public InterpolationVariablesInterface
+{
+public:
+    boost::shared_ptr<std::map<VarPtr, Values>> inputIndependentVariables() const override
+    {
+        return boost::make_shared<std::map<VarPtr, Values>>(inputs);
+    }
+    std::set<VarPtr> dependentVariables() const override { return dependents; }
+    bool isVariableEmployed(VarPtr variable) const override { return inputs.count(variable) != 0; }
+    void suspend() override {}
+    void resume() override {}
+
+    std::map<VarPtr, Values> inputs;
+    std::set<VarPtr> dependents;
+};
+
+class SurrogateModelInputTableBuilderTest : public testing::Test
+{
+protected:
+    VarPtr independent(const std::string& name, const Values& values)
+    {
+        const VarPtr variable = project.addNumericVariable(name, Variable::Independent);
+        std::vector<VarPtr> list = manager.independents->get();
+        list.push_back(variable);
+        manager.independents->set(list);
+        variables.inputs[variable] = values;
+        return variable;
+    }
+
+    VarPtr dependent(const std::string& name)
+    {
+        const VarPtr variable = project.addNumericVariable(name, Variable::Dependent);
+        variables.dependents.insert(variable);
+        return variable;
+    }
+
+    SurrogateModelInputTableBuilder builder() const { return {manager, variables}; }
+
+    static std::vector<std::string> names(vtkTable& table)
+    {
+        std::vector<std::string> result;
+        for (vtkIdType i = 0; i < table.GetNumberOfColumns(); ++i) {
+            result.push_back(table.GetColumn(i)->GetName());
+        }
+        return result;
+    }
+
+    /** The values of column `index`, which has to be an array of doubles. */
+    static Values column(vtkTable& table, vtkIdType index)
+    {
+        vtkDoubleArray* array = vtkDoubleArray::SafeDownCast(table.GetColumn(index));
+        if (array == nullptr) {
+            ADD_FAILURE() << "column " << index << " is no array of doubles";
+            return {};
+        }
+        EXPECT_EQ(array->GetNumberOfComponents(), 1);
+        return Values(array->GetPointer(0), array->GetPointer(0) + array->GetNumberOfTuples());
+    }
+
+    static void expectNaN(const Values& values)
+    {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            EXPECT_TRUE(std::isnan(values[i])) << "row " << i << " holds " << values[i];
+        }
+    }
+
+    Project project;
+    FakeManager manager;
+    GivenVariables variables;
+};
+
+TEST_F(SurrogateModelInputTableBuilderTest, VariesTheLastVariableFastest)
+{
+    independent("A", {1, 2});
+    independent("B", {10, 20, 30});
+
+    const auto table = builder().suppliedIndependentVarValues();
+
+    EXPECT_EQ(table->GetNumberOfRows(), 6);
+    EXPECT_EQ(column(*table, 0), (Values{1, 1, 1, 2, 2, 2}));
+    EXPECT_EQ(column(*table, 1), (Values{10, 20, 30, 10, 20, 30}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, CombinesThreeVariablesInRowMajorOrder)
+{
+    independent("A", {1, 2});
+    independent("B", {10, 20});
+    independent("C", {5, 6, 7});
+
+    const auto table = builder().suppliedIndependentVarValues();
+
+    EXPECT_EQ(column(*table, 0), (Values{1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2}));
+    EXPECT_EQ(column(*table, 1), (Values{10, 10, 10, 20, 20, 20, 10, 10, 10, 20, 20, 20}));
+    EXPECT_EQ(column(*table, 2), (Values{5, 6, 7, 5, 6, 7, 5, 6, 7, 5, 6, 7}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, FillsLargeColumnsLikeTheFormulaOfTheGrid)
+{
+    // Periods below, around and far above what is copied at once.
+    const std::size_t counts[] = {7, 3, 1000, 11};
+    std::size_t rows = 1;
+    for (const std::size_t count : counts) {
+        Values values;
+        for (std::size_t i = 0; i < count; ++i) {
+            values.push_back(static_cast<double>(i));
+        }
+        independent("V" + std::to_string(count), values);
+        rows *= count;
+    }
+
+    const auto table = builder().suppliedIndependentVarValues();
+
+    std::size_t repeat = 1;
+    for (vtkIdType i = 3; i >= 0; --i) {
+        const Values values = column(*table, i);
+        ASSERT_EQ(values.size(), rows);
+        std::size_t wrong = 0;
+        for (std::size_t row = 0; row < rows; ++row) {
+            wrong += values[row] != static_cast<double>(row / repeat % counts[i]) ? 1 : 0;
+        }
+        EXPECT_EQ(wrong, 0u) << "column " << i;
+        repeat *= counts[i];
+    }
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, NamesSuppliedColumnsInListOrder)
+{
+    const VarPtr a = independent("A", {1});
+    const VarPtr b = independent("B", {2});
+    manager.independents->set({b, a});
+
+    const auto table = builder().suppliedIndependentVarValues();
+
+    EXPECT_EQ(names(*table), (std::vector<std::string>{"B", "A"}));
+    EXPECT_EQ(column(*table, 0), (Values{2}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, NamesResultColumnsInTheOrderOfTheHandles)
+{
+    independent("A", {1, 2});
+    dependent("z");
+    const VarPtr y = dependent("y");
+    project.moveVariable(y, 0);
+
+    const auto table = builder().resultDependentVarValues();
+
+    EXPECT_EQ(names(*table), (std::vector<std::string>{"z", "y"}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, GivesResultsAsManyRowsAllNaN)
+{
+    independent("A", {1, 2});
+    independent("B", {1, 2, 3});
+    dependent("y");
+    dependent("z");
+
+    const auto table = builder().resultDependentVarValues();
+
+    EXPECT_EQ(table->GetNumberOfRows(), 6);
+    for (vtkIdType i = 0; i < 2; ++i) {
+        const Values values = column(*table, i);
+        EXPECT_EQ(values.size(), 6u);
+        expectNaN(values);
+    }
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, SuppliesTheListItselfForOneVariable)
+{
+    independent("A", {3, 1, 2, 2});
+
+    EXPECT_EQ(column(*builder().suppliedIndependentVarValues(), 0), (Values{3, 1, 2, 2}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesBothTablesButKeepsTheirColumns)
+{
+    independent("A", {1, 2});
+    independent("B", {});
+    dependent("y");
+
+    const auto tables = std::make_unique<SurrogateModelInputTableBuilder>(manager, variables);
+
+    EXPECT_EQ(names(*tables->suppliedIndependentVarValues()), (std::vector<std::string>{"A", "B"}));
+    EXPECT_EQ(names(*tables->resultDependentVarValues()), (std::vector<std::string>{"y"}));
+    EXPECT_EQ(tables->suppliedIndependentVarValues()->GetNumberOfRows(), 0);
+    EXPECT_EQ(tables->resultDependentVarValues()->GetNumberOfRows(), 0);
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, WithoutIndependentsThereIsOneResultAndNothingSupplied)
+{
+    dependent("y");
+
+    const SurrogateModelInputTableBuilder tables(manager, variables);
+
+    EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfColumns(), 0);
+    EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfRows(), 0);
+    const Values results = column(*tables.resultDependentVarValues(), 0);
+    EXPECT_EQ(results.size(), 1u);
+    expectNaN(results);
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, WithoutDependentsTheResultTableHasNoColumns)
+{
+    independent("A", {1, 2});
+
+    const SurrogateModelInputTableBuilder tables(manager, variables);
+
+    EXPECT_EQ(tables.resultDependentVarValues()->GetNumberOfColumns(), 0);
+    EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfRows(), 2);
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, AnswersTheSameTablesEachTimeAndSharesNoneWithOthers)
+{
+    independent("A", {1});
+    const SurrogateModelInputTableBuilder first(manager, variables);
+    const SurrogateModelInputTableBuilder second(manager, variables);
+
+    EXPECT_EQ(first.suppliedIndependentVarValues(), first.suppliedIndependentVarValues());
+    EXPECT_EQ(first.resultDependentVarValues(), first.resultDependentVarValues());
+    EXPECT_NE(first.suppliedIndependentVarValues(), second.suppliedIndependentVarValues());
+    EXPECT_NE(first.resultDependentVarValues(), second.resultDependentVarValues());
+    EXPECT_NE(first.suppliedIndependentVarValues(), first.resultDependentVarValues());
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, KeepsItsTablesWhateverChangesAfterwards)
+{
+    const VarPtr a = independent("A", {1, 2});
+    const VarPtr y = dependent("y");
+    const SurrogateModelInputTableBuilder tables(manager, variables);
+
+    manager.independents->set({});
+    variables.inputs[a] = {7};
+    variables.dependents.clear();
+    project.renameVariable(y, "other");
+
+    EXPECT_EQ(column(*tables.suppliedIndependentVarValues(), 0), (Values{1, 2}));
+    EXPECT_EQ(names(*tables.resultDependentVarValues()), (std::vector<std::string>{"y"}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, TakesVariablesOfEveryNatureAndRemovedOnes)
+{
+    const VarPtr text = project.addTextVariable("material", Variable::Unassigned);
+    const VarPtr a = independent("A", {1, 2});
+    const VarPtr y = dependent("y");
+    manager.independents->set({text, a, y});
+    variables.inputs[text] = {5};
+    variables.inputs[y] = {6};
+    project.removeVariable(a);
+    project.removeVariable(y);
+
+    const SurrogateModelInputTableBuilder tables(manager, variables);
+
+    EXPECT_EQ(names(*tables.suppliedIndependentVarValues()),
+              (std::vector<std::string>{"material", "A", "y"}));
+    EXPECT_EQ(column(*tables.suppliedIndependentVarValues(), 0), (Values{5, 5}));
+    EXPECT_EQ(names(*tables.resultDependentVarValues()), (std::vector<std::string>{"y"}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, AVariableListedTwiceStaysWithinTheGrid)
+{
+    const VarPtr a = independent("A", {1, 2, 3});
+    manager.independents->set(std::vector<VarPtr>(50, a));
+    dependent("y");
+
+    const SurrogateModelInputTableBuilder tables(manager, variables);
+
+    // One column, since columns are found by name; the first of the list is written last.
+    EXPECT_EQ(names(*tables.suppliedIndependentVarValues()), (std::vector<std::string>{"A"}));
+    EXPECT_EQ(column(*tables.suppliedIndependentVarValues(), 0), (Values{1, 1, 1}));
+    EXPECT_EQ(tables.resultDependentVarValues()->GetNumberOfRows(), 3);
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, AVariableWithoutValuesInTheMapIsNaN)
+{
+    const VarPtr a = independent("A", {1, 2});
+    independent("B", {10, 20});
+    independent("C", {5});
+    variables.inputs.erase(a);
+
+    const auto table = builder().suppliedIndependentVarValues();
+
+    ASSERT_EQ(table->GetNumberOfRows(), 2);
+    expectNaN(column(*table, 0));
+    EXPECT_EQ(column(*table, 1), (Values{10, 20}));
+    EXPECT_EQ(column(*table, 2), (Values{5, 5}));
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, CountsValuesOfVariablesThatAreNotListed)
+{
+    independent("A", {1, 2});
+    variables.inputs[project.addNumericVariable("B", Variable::Independent)] = {1, 2, 3};
+
+    EXPECT_EQ(column(*builder().suppliedIndependentVarValues(), 0), (Values{1, 2, 1, 2, 1, 2}));
+}
+
+std::string refusal(const SurrogateModelManagerInterface& manager,
+                    const InterpolationVariablesInterface& variables)
+{
+    try {
+        const SurrogateModelInputTableBuilder tables(manager, variables);
+    } catch (const SurrogateModelInterface::Error& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridThatDoesNotFitIntoMemory)
+{
+    for (const char* name : {"A", "B", "C", "D", "E"}) {
+        independent(name, Values(1000, 1.0));
+    }
+    dependent("y");
+
+    EXPECT_EQ(refusal(manager, variables),
+              "The evaluation grid is too large: 1000000000000000 points in 6 columns take more "
+              "than three quarters of this machine's memory. Evaluate the model at fewer values "
+              "per variable.");
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridWhosePointsCannotBeCounted)
+{
+    // 65536 to the power of 4 is 0 in 64 bits.
+    for (const char* name : {"A", "B", "C", "D"}) {
+        independent(name, Values(65536, 1.0));
+    }
+
+    EXPECT_EQ(refusal(manager, variables),
+              "The evaluation grid is too large: more than 9223372036854775807 points in 4 columns "
+              "take more than three quarters of this machine's memory. Evaluate the model at fewer "
+              "values per variable.");
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesAlsoAGridThatWouldBeTooLarge)
+{
+    for (const char* name : {"A", "B", "C", "D"}) {
+        independent(name, Values(65536, 1.0));
+    }
+    independent("E", {});
+
+    EXPECT_EQ(builder().suppliedIndependentVarValues()->GetNumberOfRows(), 0);
+}
+
+TEST_F(SurrogateModelInputTableBuilderTest, KeepsTheOrderOfItsVirtualOperations)
+{
+    // Behind the two forms of the destructor.
+    EXPECT_TRUE(isVirtualSlot(&SurrogateModelInputTableBuilder::suppliedIndependentVarValues, 2));
+    EXPECT_TRUE(isVirtualSlot(&SurrogateModelInputTableBuilder::resultDependentVarValues, 3));
+}
+
+} // namespace
