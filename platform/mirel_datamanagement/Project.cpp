@@ -399,10 +399,15 @@ void Project::removeRecord(const RecordPtr& handle)
         return;
     }
     const std::size_t row = impl->records.rowOf(record.id());
+
+    // Copies of shared columns come first: past them nothing can fail half-way.
+    for (const boost::shared_ptr<Variable>& variable : impl->allVariables) {
+        variable->impl->prepareToErase();
+    }
+    impl->records.remove(record);
     for (const boost::shared_ptr<Variable>& variable : impl->allVariables) {
         variable->impl->eraseRow(row);
     }
-    impl->records.remove(record);
     Changes::report(impl->changes);
 }
 

@@ -44,7 +44,16 @@ void Variable::Impl::appendMissing(std::size_t rows) noexcept
     }
 }
 
-void Variable::Impl::eraseRow(std::size_t row)
+void Variable::Impl::prepareToErase()
+{
+    if (holdsNumbers) {
+        numbers.writable();
+    } else {
+        texts.writable();
+    }
+}
+
+void Variable::Impl::eraseRow(std::size_t row) noexcept
 {
     const auto offset = static_cast<std::ptrdiff_t>(row);
     if (holdsNumbers) {

@@ -22,7 +22,10 @@ public:
     /** Rows for new records: room first, for every column of a project, then the missing cells. */
     void prepareToAppend(std::size_t rows);
     void appendMissing(std::size_t rows) noexcept;
-    void eraseRow(std::size_t row);
+
+    /** Rows of removed records: eraseRow() cannot fail after prepareToErase(). */
+    void prepareToErase();
+    void eraseRow(std::size_t row) noexcept;
 
     std::pair<double, double> rangeOfValues() const;
 

@@ -1,0 +1,65 @@
+#include <mirel_datamanagement/NumericVariableProvider.h>
+#include <mirel_datamanagement/Project.h>
+#include <mirel_datamanagement/VariableProviderIterator.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <type_traits>
+
+namespace {
+
+struct VariableProviderIteratorTest : testing::Test
+{
+    Project project;
+    VarPtr a = project.addNumericVariable("a", Variable::Dependent);
+    VarPtr b = project.addNumericVariable("b", Variable::Dependent);
+    NumericVariableProvider provider{project.variables()};
+};
+
+} // namespace
+
+TEST_F(VariableProviderIteratorTest, IsAForwardIteratorOverHandles)
+{
+    using Traits = std::iterator_traits<VariableProviderIterator>;
+    EXPECT_TRUE((std::is_same<Traits::iterator_category, std::forward_iterator_tag>::value));
+    EXPECT_TRUE((std::is_same<Traits::value_type, VarPtr>::value));
+    EXPECT_TRUE(std::is_default_constructible<VariableProviderIterator>::value);
+    EXPECT_TRUE(VariableProviderIterator() == VariableProviderIterator());
+}
+
+TEST_F(VariableProviderIteratorTest, StepsFromOneHandleToTheNext)
+{
+    VariableProviderIterator position = provider.begin();
+    EXPECT_EQ(*position, a);
+    EXPECT_EQ(*++position, b);
+    EXPECT_EQ(++position, provider.end());
+}
+
+TEST_F(VariableProviderIteratorTest, AnswersWhereItWasWhenItStepsAfterwards)
+{
+    VariableProviderIterator position = provider.begin();
+    EXPECT_EQ(*position++, a);
+    EXPECT_EQ(*position, b);
+}
+
+TEST_F(VariableProviderIteratorTest, ReachesTheHandleItself)
+{
+    EXPECT_EQ(provider.begin()->id(), a.id());
+}
+
+TEST_F(VariableProviderIteratorTest, WalksMoreThanOnce)
+{
+    const VariableProviderIterator start = provider.begin();
+    EXPECT_EQ(std::distance(start, provider.end()), 2);
+    EXPECT_EQ(std::distance(start, provider.end()), 2);
+    EXPECT_TRUE(start != provider.end());
+}
+
+TEST_F(VariableProviderIteratorTest, ServesTheStandardAlgorithms)
+{
+    const auto found = std::find(provider.begin(), provider.end(), b);
+    ASSERT_NE(found, provider.end());
+    EXPECT_EQ(found->lock()->name(), "b");
+}

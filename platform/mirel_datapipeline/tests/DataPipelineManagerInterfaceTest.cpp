@@ -1,0 +1,85 @@
+#include <mirel_datapipeline/DataPipelineManagerInterface.h>
+
+#include <vtkTableAlgorithm.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <type_traits>
+
+namespace {
+
+/** A pipeline that announces changes on request. */
+class AnnouncingPipeline : public DataPipelineManagerInterface
+{
+public:
+    vtkSmartPointer<vtkTableAlgorithm> outputAlgorithm() const override { return nullptr; }
+    void announce() const { emitChanged(); }
+};
+
+} // namespace
+
+TEST(DataPipelineManagerInterface, CallsItsListenersOnEveryChange)
+{
+    AnnouncingPipeline pipeline;
+    int first = 0;
+    int second = 0;
+    pipeline.connectSignalChanged([&first] { ++first; });
+    pipeline.connectSignalChanged([&second] { ++second; });
+    pipeline.announce();
+    pipeline.announce();
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 2);
+}
+
+TEST(DataPipelineManagerInterface, CallsNobodyWhoseConnectionHasEnded)
+{
+    AnnouncingPipeline pipeline;
+    int calls = 0;
+    pipeline.connectSignalChanged([&calls] { ++calls; }).disconnect();
+    pipeline.announce();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(DataPipelineManagerInterface, LetsListenersConnectToAConstPipeline)
+{
+    const AnnouncingPipeline pipeline;
+    int calls = 0;
+    pipeline.connectSignalChanged([&calls] { ++calls; });
+    pipeline.announce();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(DataPipelineManagerInterface, EndsItsConnectionsWithItself)
+{
+    auto pipeline = std::make_unique<AnnouncingPipeline>();
+    const boost::signals2::connection connection = pipeline->connectSignalChanged([] {});
+    pipeline.reset();
+    EXPECT_FALSE(connection.connected());
+}
+
+TEST(DataPipelineManagerInterface, MayBeDestroyedByAListener)
+{
+    auto pipeline = std::make_unique<AnnouncingPipeline>();
+    for (int i = 0; i < 8; ++i) {
+        // Ended connections are cleaned up by the emission, after the listener's call.
+        pipeline->connectSignalChanged([] {}).disconnect();
+    }
+    pipeline->connectSignalChanged([&pipeline] { pipeline.reset(); });
+    pipeline->announce();
+    EXPECT_EQ(pipeline, nullptr);
+}
+
+TEST(DataPipelineManagerInterface, LetsTheExceptionOfAListenerPass)
+{
+    AnnouncingPipeline pipeline;
+    pipeline.connectSignalChanged([] { throw std::runtime_error("listener"); });
+    EXPECT_THROW(pipeline.announce(), std::runtime_error);
+}
+
+TEST(DataPipelineManagerInterface, IsNotCopyable)
+{
+    EXPECT_FALSE(std::is_copy_constructible<AnnouncingPipeline>::value);
+    EXPECT_FALSE(std::is_copy_assignable<AnnouncingPipeline>::value);
+}
