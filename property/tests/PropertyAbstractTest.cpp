@@ -1,0 +1,346 @@
+#include <property/Property.h>
+
+#include "PropertyListener.h"
+
+#include <boost/make_shared.hpp>
+#include <boost/weak_ptr.hpp>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+namespace {
+
+// Refuses negative numbers and counts how often it is asked.
+class NotNegativeValidator : public virtual veska::ValidatorInterface<int>
+{
+public:
+    veska::ValidationResult validate(const int& value) const override
+    {
+        ++calls;
+        return value < 0 ? veska::ValidationResult("must not be negative")
+                         : veska::ValidationResult();
+    }
+
+    mutable int calls = 0;
+};
+
+class CheckedProperty : public veska::Property<int>
+{
+public:
+    explicit CheckedProperty(boost::shared_ptr<const veska::ValidatorInterface<int>> validator)
+        : veska::Property<int>(std::move(validator))
+    {}
+};
+
+// Logs the operations that set() runs.
+class LoggingProperty : public veska::Property<int>
+{
+public:
+    mutable std::string log;
+    bool emitInHook = false;
+
+protected:
+    void hook() const override
+    {
+        log += "hook ";
+        if (emitInHook) {
+            signalChanged(7);
+        }
+    }
+    void setValue(const int& value) override
+    {
+        log += "setValue ";
+        veska::Property<int>::setValue(value);
+    }
+    bool isEqual(const int& value) const override
+    {
+        log += "isEqual ";
+        return veska::Property<int>::isEqual(value);
+    }
+    void validate(const int& value) const override
+    {
+        log += "validate ";
+        veska::Property<int>::validate(value);
+    }
+    void emitChanged(const int& value) override
+    {
+        log += "emitChanged ";
+        veska::Property<int>::emitChanged(value);
+    }
+};
+
+} // namespace
+
+TEST(PropertyAbstract, ValidatesComparesStoresAndEmitsInThisOrder)
+{
+    LoggingProperty property;
+
+    property.set(1);
+
+    EXPECT_EQ(property.log, "validate isEqual setValue emitChanged ");
+}
+
+TEST(PropertyAbstract, ValidatesAlsoTheValueItHolds)
+{
+    LoggingProperty property;
+
+    property.set(0);
+
+    EXPECT_EQ(property.log, "validate isEqual ");
+}
+
+TEST(PropertyAbstract, DoesNotCompareARefusedValue)
+{
+    class RefusingProperty : public LoggingProperty
+    {
+        void validate(const int&) const override
+        {
+            throw veska::InvalidPropertyValueException("refused");
+        }
+    };
+    RefusingProperty property;
+
+    EXPECT_THROW(property.set(1), veska::InvalidPropertyValueException);
+
+    EXPECT_EQ(property.log, "");
+}
+
+TEST(PropertyAbstract, RefusesAValueWithTheTextOfItsValidator)
+{
+    CheckedProperty property(boost::make_shared<NotNegativeValidator>());
+    property.set(5);
+    const PropertyListener<int> listener(property);
+
+    try {
+        property.set(-1);
+        FAIL() << "the value was accepted";
+    } catch (const veska::InvalidPropertyValueException& error) {
+        EXPECT_STREQ(error.what(), "must not be negative");
+    }
+    EXPECT_EQ(property.get(), 5);
+    EXPECT_TRUE(listener.values.empty());
+    EXPECT_EQ(listener.untypedCalls, 0);
+}
+
+TEST(PropertyAbstract, RefusesWithAnExceptionThatItsBasesCatch)
+{
+    CheckedProperty property(boost::make_shared<NotNegativeValidator>());
+
+    EXPECT_THROW(property.set(-1), veska::ExceptionBase);
+    EXPECT_THROW(property.set(-1), std::exception);
+}
+
+TEST(PropertyAbstract, SharesItsValidator)
+{
+    const auto validator = boost::make_shared<const NotNegativeValidator>();
+    CheckedProperty property(validator);
+
+    property.set(0);
+    property.set(1);
+
+    EXPECT_EQ(property.validator(), validator);
+    EXPECT_EQ(validator->calls, 2);
+}
+
+TEST(PropertyAbstract, CannotBeMadeWithoutAValidator)
+{
+    EXPECT_THROW(CheckedProperty(nullptr), std::invalid_argument);
+}
+
+TEST(PropertyAbstract, RunsItsHookOncePerConnect)
+{
+    LoggingProperty property;
+
+    property.connectSignalChanged([](const int&) {});
+    property.connectSignalChanged([](const int&) {});
+
+    EXPECT_EQ(property.log, "hook hook ");
+}
+
+TEST(PropertyAbstract, HasConnectedTheSlotBeforeTheHookRuns)
+{
+    LoggingProperty property;
+    property.emitInHook = true;
+    int received = 0;
+
+    property.connectSignalChanged([&](const int& value) { received = value; });
+
+    EXPECT_EQ(received, 7);
+}
+
+TEST(PropertyAbstract, HasAnEmptyHook)
+{
+    veska::Property<int> property;
+    int calls = 0;
+
+    property.connectSignalChanged([&](const int&) { ++calls; });
+
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(property.get(), 0);
+}
+
+TEST(PropertyAbstract, LetsListenersConnectToItsSignalDirectly)
+{
+    const veska::Property<int> property;
+    int received = 0;
+    property.signalChanged.connect([&](const int& value) { received = value; });
+
+    property.signalChanged(7);
+
+    EXPECT_EQ(received, 7);
+}
+
+TEST(PropertyAbstract, PassesItsSignalOnToTheUntypedOne)
+{
+    const veska::Property<int> property;
+    int calls = 0;
+    property.connectSignalPropertyChanged([&] { ++calls; });
+
+    property.signalChanged(7);
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(PropertyAbstract, ConnectsThroughAConstantReference)
+{
+    veska::Property<int> property;
+    const veska::PropertyAbstract<int>& constant = property;
+    int received = 0;
+    const boost::signals2::connection connection =
+        constant.connectSignalChanged([&](const int& value) { received = value; });
+
+    property.set(3);
+    connection.disconnect();
+    property.set(4);
+
+    EXPECT_EQ(received, 3);
+}
+
+TEST(PropertyAbstract, DisconnectsBothKindsOfListenersWhenDestroyed)
+{
+    auto property = std::make_unique<veska::Property<int>>();
+    const auto typed = property->connectSignalChanged([](const int&) {});
+    const auto untyped = property->connectSignalPropertyChanged([] {});
+    EXPECT_TRUE(typed.connected());
+
+    property.reset();
+
+    EXPECT_FALSE(typed.connected());
+    EXPECT_FALSE(untyped.connected());
+}
+
+TEST(PropertyAbstract, IsDestroyedThroughItsUntypedBase)
+{
+    boost::signals2::connection connection;
+    {
+        const std::unique_ptr<veska::PropertyItemInterface> item =
+            std::make_unique<veska::Property<int>>();
+        connection = item->connectSignalPropertyChanged([] {});
+    }
+    EXPECT_FALSE(connection.connected());
+}
+
+TEST(PropertyAbstract, HoldsTheNewValueWhenAListenerThrows)
+{
+    veska::Property<int> property;
+    const boost::signals2::connection connection = property.connectSignalChanged(
+        [](const int&) { throw std::runtime_error("from a listener"); });
+
+    EXPECT_THROW(property.set(1), std::runtime_error);
+    EXPECT_EQ(property.get(), 1);
+
+    connection.disconnect();
+    property.set(2);
+    EXPECT_EQ(property.get(), 2);
+}
+
+TEST(PropertyAbstract, MayBeSetByItsOwnListener)
+{
+    veska::Property<int> property;
+    property.connectSignalChanged([&](const int& value) {
+        if (value < 3) {
+            property.set(value + 1);
+        }
+    });
+
+    property.set(1);
+
+    EXPECT_EQ(property.get(), 3);
+}
+
+TEST(PropertyAbstract, LivesUntilSetIsDoneWhenAListenerDropsTheLastPointer)
+{
+    auto property = boost::make_shared<LoggingProperty>();
+    const boost::weak_ptr<LoggingProperty> watched = property;
+    bool isAliveInListener = false;
+    property->connectSignalChanged([&](const int&) {
+        property.reset();
+        isAliveInListener = !watched.expired();
+    });
+
+    property->set(1);
+
+    EXPECT_TRUE(isAliveInListener);
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(PropertyAbstract, MayBeDestroyedByATypedListener)
+{
+    auto property = std::make_unique<veska::Property<int>>();
+    int laterCalls = 0;
+    property->connectSignalChanged([&](const int&) { property.reset(); });
+    for (int i = 0; i < 20; ++i) {
+        property->connectSignalChanged([&](const int&) { ++laterCalls; });
+    }
+
+    property->set(1);
+
+    EXPECT_EQ(property, nullptr);
+    EXPECT_EQ(laterCalls, 0) << "told of a property that is gone";
+}
+
+TEST(PropertyAbstract, MayBeDestroyedByAnUntypedListener)
+{
+    auto property = std::make_unique<veska::Property<int>>();
+    int laterCalls = 0;
+    property->connectSignalPropertyChanged([&] { property.reset(); });
+    property->connectSignalPropertyChanged([&] { ++laterCalls; });
+    property->connectSignalPropertyChanged([&] { ++laterCalls; });
+
+    property->set(1);
+
+    EXPECT_EQ(property, nullptr);
+    EXPECT_EQ(laterCalls, 0) << "told of a property that is gone";
+}
+
+TEST(PropertyAbstract, IsNotCopyable)
+{
+    EXPECT_FALSE(std::is_copy_constructible<veska::Property<int>>::value);
+    EXPECT_FALSE(std::is_copy_assignable<veska::Property<int>>::value);
+}
+
+namespace {
+
+class NamedItem : public virtual veska::PropertyItemInterface
+{};
+
+class NamedProperty : public veska::Property<int>, public NamedItem
+{};
+
+} // namespace
+
+TEST(PropertyAbstract, SharesItsUntypedBaseWithOtherBases)
+{
+    NamedProperty property;
+    veska::PropertyItemInterface& item = property;
+    int calls = 0;
+    item.connectSignalPropertyChanged([&] { ++calls; });
+
+    property.set(1);
+
+    EXPECT_EQ(calls, 1);
+}
