@@ -1,0 +1,244 @@
+#include <surrogatemodel/SurrogateModelSourcePoints.h>
+
+#include <mirel_datamanagement/NatureSpecificVariableProvider.h>
+#include <mirel_datamanagement/NumericVariableProvider.h>
+#include <mirel_datamanagement/Project.h>
+#include <mirel_datamanagement/Record.h>
+#include <mirel_datapipeline/isInvalidValue.h>
+
+#include <vtkDoubleArray.h>
+#include <vtkNew.h>
+#include <vtkTable.h>
+#include <vtkVariant.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <string>
+
+namespace {
+
+/** The name of a variable that can still be reached. */
+std::optional<std::string> nameOf(const VarPtr& variable)
+{
+    if (variable.isNull()) {
+        return std::nullopt;
+    }
+    try {
+        return variable.lock()->name();
+    } catch (const HandleError&) {
+        return std::nullopt;
+    }
+}
+
+NatureSpecificVariableProvider numericVariables(const std::vector<VarPtr>& variables,
+                                                Variable::Nature nature)
+{
+    return NatureSpecificVariableProvider(NumericVariableProvider(variables), nature);
+}
+
+/**
+ * One column of the pipeline's table, looked up by name once per rebuild: a look-up per cell would
+ * cost more than the value. A column that the table lacks answers the invalid value everywhere, and
+ * so does one of vectors, which holds no value of a variable.
+ */
+class CaseColumn
+{
+public:
+    CaseColumn(vtkTable* table, const char* name) : CaseColumn(table->GetColumnByName(name)) {}
+
+    explicit CaseColumn(vtkAbstractArray* column)
+        : array(column != nullptr && column->GetNumberOfComponents() == 1 ? column : nullptr)
+    {}
+
+    vtkVariant value(vtkIdType row) const
+    {
+        return array != nullptr && row < array->GetNumberOfTuples() ? array->GetVariantValue(row)
+                                                                    : vtkVariant();
+    }
+
+    bool isInvalid(vtkIdType row) const { return isInvalidValue(value(row)); }
+
+    /** NaN where the cell holds no number. */
+    double number(vtkIdType row) const
+    {
+        bool isNumber = false;
+        const double result = value(row).ToDouble(&isNumber);
+        return isNumber ? result : std::numeric_limits<double>::quiet_NaN();
+    }
+
+private:
+    vtkSmartPointer<vtkAbstractArray> array;
+};
+
+/** A column for each variable, in the order of the handles. */
+std::vector<CaseColumn> columnsOf(const std::set<VarPtr>& variables, vtkTable* table)
+{
+    std::vector<CaseColumn> columns;
+    columns.reserve(variables.size());
+    for (const VarPtr& variable : variables) {
+        const std::optional<std::string> name = nameOf(variable);
+        columns.push_back(name ? CaseColumn(table, name->c_str()) : CaseColumn(nullptr));
+    }
+    return columns;
+}
+
+bool anyInvalid(const std::vector<CaseColumn>& columns, vtkIdType row)
+{
+    return std::any_of(columns.begin(), columns.end(),
+                       [row](const CaseColumn& column) { return column.isInvalid(row); });
+}
+
+/** A row whose record the project does not know is no case of the project. */
+bool takesPart(const Project& project, const vtkVariant& recordId)
+{
+    const RecordPtr record = project.record(recordId.ToUnsignedLong());
+    return record.valid() && record.lock()->isIncluded();
+}
+
+void addColumn(vtkTable* table, const VarPtr& variable)
+{
+    const std::optional<std::string> name = nameOf(variable);
+    if (!name) {
+        return;
+    }
+    vtkNew<vtkDoubleArray> column;
+    column->SetName(name->c_str());
+    table->AddColumn(column);
+}
+
+/** A table with a column per variable and `rows` filled in from these rows of the pipeline. */
+vtkSmartPointer<vtkTable> copyCases(const std::vector<VarPtr>& independentVars,
+                                    const NatureSpecificVariableProvider& dependents,
+                                    vtkTable* pipelineTable, const std::vector<vtkIdType>& rows)
+{
+    auto table = vtkSmartPointer<vtkTable>::New();
+    for (const VarPtr& variable : independentVars) {
+        addColumn(table, variable);
+    }
+    for (const VarPtr& variable : dependents) {
+        addColumn(table, variable);
+    }
+    table->SetNumberOfRows(static_cast<vtkIdType>(rows.size()));
+
+    // By the columns that are there: of two variables of one name the table has a single column.
+    for (vtkIdType j = 0; j < table->GetNumberOfColumns(); ++j) {
+        vtkAbstractArray* const column = table->GetColumn(j);
+        const CaseColumn source(pipelineTable, column->GetName());
+        double* values = vtkArrayDownCast<vtkDoubleArray>(column)->GetPointer(0);
+        for (const vtkIdType row : rows) {
+            *values++ = source.number(row);
+        }
+    }
+    return table;
+}
+
+/** The first value of each variable's column. */
+std::vector<double*> columnPointers(vtkTable* table,
+                                    const NatureSpecificVariableProvider& variables)
+{
+    std::vector<double*> pointers;
+    for (const VarPtr& variable : variables) {
+        vtkAbstractArray* const column = table->GetColumnByName(variable.lock()->name().c_str());
+        pointers.push_back(vtkArrayDownCast<vtkDoubleArray>(column)->GetPointer(0));
+    }
+    return pointers;
+}
+
+} // namespace
+
+class SurrogateModelSourcePoints::Impl
+{
+public:
+    std::vector<vtkIdType> validRows(const std::set<VarPtr>& independentVars,
+                                     const std::set<VarPtr>& dependents, vtkTable* pipelineTable,
+                                     bool fullRebuild);
+
+    std::set<std::size_t> badIndependentRows; ///< row numbers, as of the last full rebuild
+    vtkSmartPointer<vtkTable> sourceTable = vtkSmartPointer<vtkTable>::New();
+    std::vector<double*> independentColumns;
+    std::vector<double*> dependentColumns;
+};
+
+std::vector<vtkIdType>
+SurrogateModelSourcePoints::Impl::validRows(const std::set<VarPtr>& independentVars,
+                                            const std::set<VarPtr>& dependents,
+                                            vtkTable* pipelineTable, bool fullRebuild)
+{
+    if (fullRebuild) {
+        badIndependentRows.clear();
+    }
+    const boost::shared_ptr<Project> project = Project::project();
+    const CaseColumn recordIds(pipelineTable->GetColumn(0));
+    const std::vector<CaseColumn> independentColumns = columnsOf(independentVars, pipelineTable);
+    const std::vector<CaseColumn> dependentColumns = columnsOf(dependents, pipelineTable);
+
+    std::vector<vtkIdType> rows;
+    rows.reserve(static_cast<std::size_t>(pipelineTable->GetNumberOfRows()));
+    // Rows come in increasing order, so the next bad row is the only one to compare with.
+    auto nextBadRow = badIndependentRows.begin();
+
+    // The record comes first: the values of a row that takes no part are not judged, so the row is
+    // not remembered as bad either. The number of rows is asked for anew, as a record's answer may
+    // change the table.
+    for (vtkIdType row = 0; row < pipelineTable->GetNumberOfRows(); ++row) {
+        const auto number = static_cast<std::size_t>(row);
+        if (!takesPart(*project, recordIds.value(row))) {
+            continue;
+        }
+        if (fullRebuild) {
+            if (anyInvalid(independentColumns, row)) {
+                badIndependentRows.insert(badIndependentRows.end(), number);
+                continue;
+            }
+        } else {
+            while (nextBadRow != badIndependentRows.end() && *nextBadRow < number) {
+                ++nextBadRow;
+            }
+            if (nextBadRow != badIndependentRows.end() && *nextBadRow == number) {
+                continue;
+            }
+        }
+        if (!anyInvalid(dependentColumns, row)) {
+            rows.push_back(row);
+        }
+    }
+    while (!rows.empty() && rows.back() >= pipelineTable->GetNumberOfRows()) {
+        rows.pop_back();
+    }
+    return rows;
+}
+
+SurrogateModelSourcePoints::SurrogateModelSourcePoints() : impl(std::make_unique<Impl>()) {}
+
+SurrogateModelSourcePoints::~SurrogateModelSourcePoints() = default;
+
+void SurrogateModelSourcePoints::rebuild(const std::vector<VarPtr>& independentVars,
+                                         const std::set<VarPtr>& dependents,
+                                         vtkTable* pipelineTable, bool fullRebuild)
+{
+    const std::vector<vtkIdType> rows = impl->validRows(
+        {independentVars.begin(), independentVars.end()}, dependents, pipelineTable, fullRebuild);
+
+    const NatureSpecificVariableProvider projectDependents =
+        numericVariables(Project::project()->variables(), Variable::Dependent);
+    impl->sourceTable = copyCases(independentVars, projectDependents, pipelineTable, rows);
+    impl->dependentColumns = columnPointers(impl->sourceTable, projectDependents);
+    impl->independentColumns =
+        columnPointers(impl->sourceTable, numericVariables(independentVars, Variable::Independent));
+}
+
+std::vector<double*> SurrogateModelSourcePoints::independentColumns() const
+{
+    return impl->independentColumns;
+}
+
+std::vector<double*> SurrogateModelSourcePoints::dependentColumns() const
+{
+    return impl->dependentColumns;
+}
+
+vtkSmartPointer<vtkTable> SurrogateModelSourcePoints::sourceTable() const
+{
+    return impl->sourceTable;
+}
