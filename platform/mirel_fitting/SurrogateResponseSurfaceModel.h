@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/CoefficientTableInterface.h>
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -10,18 +11,33 @@
  *
  * Terms: intercept, V1 ... Vd, then V_i V_j with i <= j (for two inputs V1^2, V1 V2, V2^2); they
  * are fitted, stored, printed and listed in this order. With fewer cases than terms the order is
- * lowered, full quadratic to linear to constant; terms that the cases cannot separate are dropped.
- * Both are said in the quality text.
+ * lowered, full quadratic to linear to constant; terms that the cases cannot separate are dropped,
+ * higher orders before lower ones and products before squares. Both are said in the quality text.
+ *
+ * Everything is computed in the constructor, for all outputs, in three passes over the columns:
+ * time grows with cases times terms squared, memory with the square of the terms. The fit does not
+ * depend on the units and origins of the inputs and outputs, beyond rounding.
+ *
+ * The equation text is one line, `5.5 - 1.25 * V1 + 2 * V1^2 + 0.5 * V1 * V2` and a newline. A
+ * dropped term is not in it. Where multiplying out would lose more than 1e-9 of the output's
+ * spread, (V1 - c) stands in the place of V1, and so on.
+ *
+ * Figures that do not exist are NaN in fitMetrics() and "not available" in the text: R2, adjusted
+ * and predicted R2 of an output that is the same in every case; what needs residual degrees of
+ * freedom when there are as many terms as cases; PRESS and what rests on it when a case alone
+ * determines a term.
  */
 class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public virtual SurrogateModelInterface,
-                                                           public virtual FitMetricsInterface
+                                                           public virtual FitMetricsInterface,
+                                                           public virtual CoefficientTableInterface
 {
 public:
     /**
      * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
      *                           call; none at all gives a constant model.
      * @param dependentColumns   one array of `rowCount` values per output, borrowed for the call.
-     * @throw Error if there is no case, a column is null, or an input is not finite.
+     * @throw Error if there is no case, a column is null, an input is not finite, the polynomial
+     *        has more than 10 000 terms, or a FitProgress cancels.
      */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
@@ -45,6 +61,7 @@ public:
 
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
+    std::vector<PolynomialCoefficient> coefficientTable(int offset) const override;
 
 private:
     class Impl;

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * Least squares for a design matrix that is never held as a whole. Rows arrive in blocks; each
+ * block is rotated into one triangular factor by Householder reflections, so that memory does not
+ * grow with the number of rows and no accuracy is lost to normal equations.
+ * Golub, Van Loan: Matrix Computations, 4th ed., Johns Hopkins 2013, 5.2 and 12.5 (updating);
+ * Demmel, Grigori, Hoemmen, Langou: Communication-optimal parallel and sequential QR and LU
+ * factorizations, SIAM J. Sci. Comput. 34 (2012).
+ *
+ * Matrices are column-major. The first column of the design must be the constant 1.
+ */
+class BlockedLeastSquares
+{
+public:
+    /** The part of a block's size that does not depend on the machine, so that neither do the
+     *  results: a block of 45 columns stays in a second-level cache. */
+    static constexpr std::size_t rowsPerBlock = 512;
+
+    /** What decides whether a column of the design is worth keeping. */
+    struct Column
+    {
+        static constexpr std::size_t noParent = static_cast<std::size_t>(-1);
+
+        /** Error of the column's values by the rounding of the data they come from. */
+        double rounding = 0.0;
+        /** Earlier columns without which this one is dropped, too. */
+        std::size_t parents[2] = {noParent, noParent};
+    };
+
+    struct Solution
+    {
+        /** The columns that the rows can separate, ascending. The others have no coefficient. */
+        std::vector<std::size_t> kept;
+        /** Upper triangular, kept.size() squared: the kept columns are an orthonormal matrix times
+         *  this one. */
+        std::vector<double> factor;
+        /** kept.size() coefficients per output, in the order of `kept`. */
+        std::vector<double> coefficients;
+        /** Per output the sum of squares about its mean. */
+        std::vector<double> totalSquares;
+    };
+
+    BlockedLeastSquares(std::size_t columns, std::size_t outputs);
+
+    /**
+     * @param design  `rows` rows of all columns, at most rowsPerBlock; overwritten.
+     * @param outputs as many rows of all outputs; overwritten.
+     * Column c of either starts at c * rowsPerBlock.
+     */
+    void addRows(double* design, double* outputs, std::size_t rows);
+
+    /**
+     * Decides, from the first column to the last, which columns to keep, and solves for those. A
+     * column is dropped if what the kept ones do not explain of it is below separableFraction of
+     * its length, or no more than the rounding of the data can make.
+     */
+    Solution solve(const std::vector<Column>& descriptions) const;
+
+    /** Far above what the factorisation's own rounding leaves of a dependent column (about 1e-14),
+     *  and small enough that no column is lost which still gets six digits. */
+    static constexpr double separableFraction = 1e-10;
+
+private:
+    std::size_t columnCount;
+    std::size_t outputCount;
+    std::size_t rowCount = 0;
+    std::vector<double> triangle;         // columnCount squared
+    std::vector<double> rotatedOutputs;   // columnCount rows of all outputs
+    std::vector<double> remainingSquares; // per output: what lies outside the columns' span
+    std::vector<double> reflectorBlock;
+    std::vector<double> workspace;
+};

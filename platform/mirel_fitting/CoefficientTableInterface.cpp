@@ -1,0 +1,3 @@
+#include <mirel_fitting/CoefficientTableInterface.h>
+
+CoefficientTableInterface::~CoefficientTableInterface() = default;

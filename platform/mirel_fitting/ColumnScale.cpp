@@ -1,0 +1,44 @@
+#include <mirel_fitting/ColumnScale.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+ColumnScale::ColumnScale(const double* values, std::size_t count)
+    : lowest(*std::min_element(values, values + count)),
+      highest(*std::max_element(values, values + count))
+{
+    // Halved before they are combined: the range of finite values may itself overflow.
+    middle = lowest / 2.0 + highest / 2.0;
+    const double halfRange = highest / 2.0 - lowest / 2.0;
+    if (halfRange == 0.0) {
+        middle = lowest;
+        return;
+    }
+    // Kept where the unit and its reciprocal are both normal numbers.
+    constexpr int largestExponent = 1000;
+    int exponent = 0;
+    const double mantissa = std::frexp(halfRange, &exponent);
+    if (mantissa == 0.5) {
+        --exponent;
+    }
+    scale = std::ldexp(1.0, std::clamp(exponent, -largestExponent, largestExponent));
+}
+
+double ColumnScale::largest() const
+{
+    return std::max(std::fabs(lowest), std::fabs(highest));
+}
+
+double ColumnScale::rounding() const
+{
+    return std::numeric_limits<double>::epsilon() / 2.0 * (largest() / scale);
+}
+
+void ColumnScale::apply(const double* values, std::size_t count, double* scaled) const
+{
+    const double perUnit = 1.0 / scale;
+    for (std::size_t k = 0; k < count; ++k) {
+        scaled[k] = (values[k] - middle) * perUnit;
+    }
+}

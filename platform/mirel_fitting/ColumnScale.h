@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+
+/**
+ * Maps a column of values to the middle of its range, in units of about half that range, so that
+ * fits do not depend on the column's units and origin: (x - centre) / unit lies in [-1, 1].
+ */
+class ColumnScale
+{
+public:
+    /** Leaves values as they are. */
+    ColumnScale() = default;
+
+    /** @param values `count` finite values, at least one, borrowed for the call. */
+    ColumnScale(const double* values, std::size_t count);
+
+    double centre() const { return middle; }
+
+    /** A power of two, so that dividing by it rounds nothing; 1 for a constant column. */
+    double unit() const { return scale; }
+
+    /** Largest value minus smallest, 0 for a constant column; infinite where it overflows. */
+    double spread() const { return highest - lowest; }
+
+    /** The largest magnitude among the values. */
+    double largest() const;
+
+    /** How far a scaled value may be off because the column holds rounded numbers: half a unit in
+     *  the last place of the largest one, in scaled units. */
+    double rounding() const;
+
+    /** @param scaled receives `count` values; may be `values` itself. */
+    void apply(const double* values, std::size_t count, double* scaled) const;
+
+private:
+    double lowest = 0.0;
+    double highest = 0.0;
+    double middle = 0.0;
+    double scale = 1.0;
+};

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <mirel_fitting/ColumnScale.h>
+#include <mirel_fitting/QuadraticBasis.h>
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * A polynomial fitted by least squares to several outputs at once, in three passes over the
+ * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
+ * few blocks and p^2 numbers.
+ */
+class PolynomialFit
+{
+public:
+    /** The fit of one output. Sums of squares are in the units of outputScale, squared. */
+    struct Output
+    {
+        ColumnScale scale;
+        /** One per term of the basis, for scaled inputs, in the output's units about
+         *  scale.centre(); 0 for a dropped term. */
+        std::vector<double> coefficients;
+        double totalSquares = 0.0; ///< about the mean
+        double residualSquares = 0.0;
+        double press = 0.0; ///< sum of the squared residuals that leaving out each case would give
+    };
+
+    /**
+     * @param independents one array of `cases` finite values per input of the basis, borrowed for
+     *                     the call, as are the
+     * @param dependents   one array of `cases` finite values per output.
+     * @param cases        at least as many as the basis has terms.
+     * @throw SurrogateModelInterface::Error if a FitProgress cancels.
+     */
+    PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
+                  const std::vector<double*>& dependents, std::size_t cases);
+
+    const QuadraticBasis& basis() const { return polynomial; }
+    std::size_t cases() const { return caseCount; }
+    const std::vector<ColumnScale>& inputScales() const { return scales; }
+    const std::vector<Output>& outputs() const { return fits; }
+
+    /** Whether the cases can separate the term from those before it; lower orders come before
+     *  higher ones, and squares before products. The constant is always kept. */
+    bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
+    std::size_t keptCount() const { return keptTerms.size(); }
+
+    /** Cases that are left to tell the error by. */
+    std::size_t degreesOfFreedom() const { return caseCount - keptTerms.size(); }
+
+    /**
+     * False if a case stands alone in the direction of some term (leverage 1): the polynomial
+     * passes through it whatever its value, and leaving it out leaves no such fit.
+     */
+    bool isPressAvailable() const { return pressAvailable; }
+
+    /**
+     * Vectors whose squares sum to the variances of the coefficients, for residuals of variance 1:
+     * the columns of the inverse factor, one entry per term of the basis.
+     */
+    std::vector<std::vector<double>> coefficientDirections() const;
+
+private:
+    class Passes;
+
+    QuadraticBasis polynomial;
+    std::size_t caseCount;
+    std::vector<ColumnScale> scales;
+    std::vector<Output> fits;
+    std::vector<std::size_t> keptTerms; // in the order of the factor
+    std::vector<char> keptFlags;        // per term of the basis
+    std::vector<double> factor;
+    bool pressAvailable = true;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <mirel_fitting/ColumnScale.h>
+#include <mirel_fitting/QuadraticBasis.h>
+
+#include <vector>
+
+/**
+ * Rewrites a polynomial of scaled inputs, z = (V - c) / u, as one of the inputs V or of the centred
+ * inputs V - c. The order of the coefficients is that of the basis throughout.
+ */
+class PolynomialUnits
+{
+public:
+    /** Both are borrowed; they must outlive this object. */
+    PolynomialUnits(const QuadraticBasis& basis, const std::vector<ColumnScale>& scales);
+
+    /** Coefficients of the terms of V - c. Exact, since the units are powers of two. */
+    std::vector<double> centred(const std::vector<double>& scaled) const;
+
+    /** Coefficients of the terms of V. */
+    std::vector<double> expanded(const std::vector<double>& scaled) const;
+
+    /** What the polynomial of V may lose against that of z within the range of the cases, by the
+     *  rounding of its larger and partly cancelling terms: in units of the polynomial. */
+    double expansionLoss(const std::vector<double>& scaled) const;
+
+private:
+    const QuadraticBasis& basis;
+    const std::vector<ColumnScale>& scales;
+};

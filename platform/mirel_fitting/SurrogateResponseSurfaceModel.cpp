@@ -1,0 +1,340 @@
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+
+#include <mirel_fitting/EquationText.h>
+#include <mirel_fitting/PolynomialFit.h>
+#include <mirel_fitting/PolynomialUnits.h>
+#include <mirel_fitting/TrainingColumns.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+using Error = SurrogateModelInterface::Error;
+
+/** The triangular factor of so many terms takes 800 MB; three of them are held at a time. */
+constexpr std::size_t mostTerms = 10000;
+
+/** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
+constexpr std::size_t pointsPerBlock = 256;
+
+const char* nameOfOrder(int order)
+{
+    return order == 0 ? "constant" : order == 1 ? "linear" : "full quadratic";
+}
+
+QuadraticBasis basisFor(const TrainingColumns& columns, int highestOrder)
+{
+    if (highestOrder < 0 || highestOrder > 2) {
+        throw Error("The highest order of a response surface is 0, 1 or 2, not " +
+                    std::to_string(highestOrder) + ".");
+    }
+    const int order = QuadraticBasis::highestOrder(columns.inputs(), highestOrder, columns.cases());
+    const std::size_t terms = QuadraticBasis::termCount(columns.inputs(), order);
+    if (terms > mostTerms) {
+        throw Error("The " + std::string(nameOfOrder(order)) + " polynomial of " +
+                    std::to_string(columns.inputs()) + " inputs has " + std::to_string(terms) +
+                    " terms; at most " + std::to_string(mostTerms) + " can be fitted.");
+    }
+    return {columns.inputs(), order};
+}
+
+/** The columns of the outputs that can be fitted. */
+std::vector<double*> fittable(const TrainingColumns& columns,
+                              const std::vector<double*>& dependentColumns)
+{
+    std::vector<double*> result;
+    for (std::size_t offset = 0; offset < dependentColumns.size(); ++offset) {
+        if (columns.isFittable(offset)) {
+            result.push_back(dependentColumns[offset]);
+        }
+    }
+    return result;
+}
+
+/** values = sum over i of z_i (b_i + sum over j >= i of b_ij z_j), without the intercept. */
+void evaluate(const QuadraticBasis& basis, const std::vector<double>& coefficients,
+              const double* scaledInputs, double* values)
+{
+    double slope[pointsPerBlock];
+    std::size_t product = 1 + basis.inputs();
+    std::fill_n(values, pointsPerBlock, 0.0);
+    if (basis.order() == 0) {
+        return;
+    }
+    for (std::size_t i = 0; i < basis.inputs(); ++i) {
+        std::fill_n(slope, pointsPerBlock, coefficients[1 + i]);
+        for (std::size_t j = i; basis.order() == 2 && j < basis.inputs(); ++j) {
+            const double coefficient = coefficients[product++];
+            const double* z = scaledInputs + j * pointsPerBlock;
+            for (std::size_t k = 0; k < pointsPerBlock; ++k) {
+                slope[k] += coefficient * z[k];
+            }
+        }
+        const double* z = scaledInputs + i * pointsPerBlock;
+        for (std::size_t k = 0; k < pointsPerBlock; ++k) {
+            values[k] += slope[k] * z[k];
+        }
+    }
+}
+
+/** Eight digits: as many as tell two fits apart. */
+std::string figure(double value)
+{
+    char buffer[32];
+    const std::to_chars_result end =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 8);
+    return {buffer, end.ptr};
+}
+
+std::string line(const std::string& name, double value, const std::string& reasonForNone)
+{
+    return name + ": " +
+           (std::isnan(value) ? "not available (" + reasonForNone + ")" : figure(value)) + "\n";
+}
+
+} // namespace
+
+class SurrogateResponseSurfaceModel::Impl
+{
+public:
+    Impl(const std::vector<double*>& independentColumns,
+         const std::vector<double*>& dependentColumns, std::size_t rowCount, int highestOrder)
+        : columns(independentColumns, dependentColumns, rowCount), wantedOrder(highestOrder),
+          fit(basisFor(columns, highestOrder), independentColumns,
+              fittable(columns, dependentColumns), rowCount)
+    {}
+
+    const PolynomialFit::Output& output(int offset) const
+    {
+        columns.requireOutput(offset);
+        std::size_t position = 0;
+        for (int earlier = 0; earlier < offset; ++earlier) {
+            position += columns.isFittable(static_cast<std::size_t>(earlier)) ? 1 : 0;
+        }
+        return fit.outputs()[position];
+    }
+
+    std::string droppedTerms() const
+    {
+        std::string names;
+        for (std::size_t term = 0; term < fit.basis().size(); ++term) {
+            if (!fit.isKept(term)) {
+                names += (names.empty() ? "" : ", ") + fit.basis().name(term);
+            }
+        }
+        return names;
+    }
+
+    TrainingColumns columns;
+    int wantedOrder;
+    PolynomialFit fit;
+};
+
+SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
+    const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
+    std::size_t rowCount)
+    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount, 2)
+{}
+
+SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
+    const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
+    std::size_t rowCount, int highestOrder)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, highestOrder))
+{}
+
+SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;
+
+void SurrogateResponseSurfaceModel::activateDependentVariables(const std::set<int>& offsets)
+{
+    // All outputs are fitted since construction.
+    impl->columns.requireOutputs(offsets);
+}
+
+void SurrogateResponseSurfaceModel::interpolateDependentValues(const std::vector<double*>& inputs,
+                                                               const std::set<int>& offsets,
+                                                               std::vector<double*>& outputs,
+                                                               std::size_t count) const
+{
+    impl->columns.requireEvaluation(inputs, offsets, outputs, count);
+    const PolynomialFit& fit = impl->fit;
+    std::vector<const PolynomialFit::Output*> fits;
+    for (const int offset : offsets) {
+        fits.push_back(&impl->output(offset));
+    }
+
+    // A last block that is not full is evaluated like a full one, at points that nobody sees.
+    std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
+    double notFinite[pointsPerBlock];
+    double values[pointsPerBlock];
+    for (std::size_t start = 0; start < count; start += pointsPerBlock) {
+        const std::size_t points = std::min(pointsPerBlock, count - start);
+        std::fill_n(notFinite, pointsPerBlock, 0.0);
+        for (std::size_t input = 0; input < inputs.size(); ++input) {
+            const double* column = inputs[input] + start;
+            fit.inputScales()[input].apply(column, points,
+                                           scaledInputs.data() + input * pointsPerBlock);
+            // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+            for (std::size_t k = 0; k < points; ++k) {
+                notFinite[k] += 0.0 * column[k];
+            }
+        }
+        for (std::size_t output = 0; output < fits.size(); ++output) {
+            const PolynomialFit::Output& result = *fits[output];
+            const double constant = result.scale.centre() + result.coefficients[0];
+            evaluate(fit.basis(), result.coefficients, scaledInputs.data(), values);
+            for (std::size_t k = 0; k < points; ++k) {
+                outputs[output][start + k] = constant + values[k] + notFinite[k];
+            }
+        }
+    }
+}
+
+bool SurrogateResponseSurfaceModel::surfaceCoefficientInformationAvailable() const
+{
+    return true;
+}
+
+bool SurrogateResponseSurfaceModel::qualityMetricInformationAvailable() const
+{
+    return true;
+}
+
+std::string SurrogateResponseSurfaceModel::surfaceCoefficientInformation(int offset) const
+{
+    // Beyond this fraction of the output's spread the text stays in centred inputs.
+    constexpr double tolerableLoss = 1e-9;
+    const PolynomialFit& fit = impl->fit;
+    const PolynomialFit::Output& output = impl->output(offset);
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    EquationText text(fit.basis());
+    for (std::size_t term = 0; term < fit.basis().size(); ++term) {
+        if (!fit.isKept(term)) {
+            text.leaveOut(term);
+        }
+    }
+
+    std::vector<double> coefficients;
+    if (units.expansionLoss(output.coefficients) <= tolerableLoss * output.scale.spread()) {
+        coefficients = units.expanded(output.coefficients);
+    } else {
+        std::vector<double> centres;
+        for (const ColumnScale& scale : fit.inputScales()) {
+            centres.push_back(scale.centre());
+        }
+        text.setCentres(centres);
+        coefficients = units.centred(output.coefficients);
+    }
+    coefficients[0] += output.scale.centre();
+    return text.write(coefficients);
+}
+
+std::string SurrogateResponseSurfaceModel::qualityMetricInformation(int offset) const
+{
+    const FitMetrics metrics = fitMetrics(offset);
+    const PolynomialFit& fit = impl->fit;
+    const bool isConstant = impl->output(offset).scale.spread() == 0.0;
+    const std::string noSpread = "the output is the same in every case";
+    const std::string noFreedom = "there are as many terms as cases";
+    const std::string noPress = fit.degreesOfFreedom() == 0
+                                    ? noFreedom
+                                    : "a case alone determines a term, and leaving it out leaves "
+                                      "no such fit";
+
+    std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
+    text +=
+        "Terms: " + std::to_string(metrics.terms) +
+        (metrics.terms < fit.basis().size() ? " of " + std::to_string(fit.basis().size()) : "") +
+        "\n";
+    text += std::string("Order: ") + nameOfOrder(fit.basis().order()) + "\n";
+    text += line("R2", metrics.r2, noSpread);
+    text += line("Adjusted R2", metrics.adjustedR2, isConstant ? noSpread : noFreedom);
+    text += line("RMSE", metrics.rmse, noFreedom);
+    text += line("PRESS", metrics.press, noPress);
+    text += line("Predicted R2", metrics.predictedR2, isConstant ? noSpread : noPress);
+    for (const std::string& warning : fitWarnings(offset)) {
+        text += warning + "\n";
+    }
+    return text;
+}
+
+FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
+{
+    const PolynomialFit& fit = impl->fit;
+    const PolynomialFit::Output& output = impl->output(offset);
+    const auto cases = static_cast<double>(fit.cases());
+    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    const double unit = output.scale.unit();
+    const bool hasSpread = output.scale.spread() > 0.0;
+
+    FitMetrics metrics;
+    metrics.cases = fit.cases();
+    metrics.terms = fit.keptCount();
+    if (hasSpread) {
+        metrics.r2 = 1.0 - output.residualSquares / output.totalSquares;
+    }
+    if (freedom > 0.0) {
+        metrics.rmse = unit * std::sqrt(output.residualSquares / freedom);
+    }
+    if (hasSpread && freedom > 0.0) {
+        metrics.adjustedR2 =
+            1.0 - output.residualSquares / freedom / (output.totalSquares / (cases - 1.0));
+    }
+    if (fit.isPressAvailable()) {
+        metrics.press = unit * unit * output.press;
+        metrics.looRmse = unit * std::sqrt(output.press / cases);
+    }
+    if (hasSpread && fit.isPressAvailable()) {
+        metrics.predictedR2 = 1.0 - output.press / output.totalSquares;
+    }
+    return metrics;
+}
+
+std::vector<std::string> SurrogateResponseSurfaceModel::fitWarnings(int offset) const
+{
+    impl->columns.requireOutput(offset);
+    const QuadraticBasis& basis = impl->fit.basis();
+    std::vector<std::string> warnings;
+    if (basis.inputs() > 0 && basis.order() < impl->wantedOrder) {
+        const std::size_t wantedTerms =
+            QuadraticBasis::termCount(basis.inputs(), impl->wantedOrder);
+        warnings.push_back(std::string("The order was lowered from ") +
+                           nameOfOrder(impl->wantedOrder) + " to " + nameOfOrder(basis.order()) +
+                           ": " + std::to_string(wantedTerms) +
+                           " terms need at least as many cases.");
+    }
+    const std::string dropped = impl->droppedTerms();
+    if (!dropped.empty()) {
+        warnings.push_back(
+            "Terms that the cases cannot separate from the others were left out: " + dropped + ".");
+    }
+    return warnings;
+}
+
+std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTable(int offset) const
+{
+    const PolynomialFit& fit = impl->fit;
+    const PolynomialFit::Output& output = impl->output(offset);
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    const std::vector<double> estimates = units.expanded(output.coefficients);
+    const double deviation = fitMetrics(offset).rmse;
+
+    std::vector<double> variances(estimates.size(), 0.0);
+    for (const std::vector<double>& direction : fit.coefficientDirections()) {
+        const std::vector<double> expanded = units.expanded(direction);
+        for (std::size_t term = 0; term < variances.size(); ++term) {
+            variances[term] += expanded[term] * expanded[term];
+        }
+    }
+
+    std::vector<PolynomialCoefficient> table(estimates.size());
+    for (std::size_t term = 0; term < table.size(); ++term) {
+        table[term].term = fit.basis().name(term);
+        table[term].estimate = estimates[term] + (term == 0 ? output.scale.centre() : 0.0);
+        table[term].isKept = fit.isKept(term);
+        table[term].standardError =
+            table[term].isKept ? deviation * std::sqrt(variances[term]) : FitMetrics::none;
+    }
+    return table;
+}
