@@ -8,13 +8,13 @@ ColumnScale::ColumnScale(const double* values, std::size_t count)
     : lowest(*std::min_element(values, values + count)),
       highest(*std::max_element(values, values + count))
 {
-    // Halved before they are combined: the range of finite values may itself overflow.
-    middle = lowest / 2.0 + highest / 2.0;
-    const double halfRange = highest / 2.0 - lowest / 2.0;
-    if (halfRange == 0.0) {
+    if (lowest == highest) {
         middle = lowest;
         return;
     }
+    // Halved before they are combined: the range of finite values may itself overflow.
+    middle = lowest / 2.0 + highest / 2.0;
+    const double halfRange = highest / 2.0 - lowest / 2.0;
     // Kept where the unit and its reciprocal are both normal numbers.
     constexpr int largestExponent = 1000;
     int exponent = 0;

@@ -29,8 +29,7 @@ std::vector<double> PolynomialUnits::expanded(const std::vector<double>& scaled)
         const double coefficient = result[term];
         const double first = scales[inputs.first].centre();
         if (inputs.second == QuadraticBasis::noInput) {
-            // The last linear term comes before the first product: what the products add to the
-            // linear coefficients goes its own way to the constant.
+            // Products come later: this is still the coefficient of V - c alone.
             result[0] -= coefficient * first;
             continue;
         }

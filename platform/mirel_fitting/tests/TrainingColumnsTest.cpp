@@ -1,26 +1,14 @@
-#include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/TrainingColumns.h>
+
+#include "FittingTestSupport.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <limits>
 #include <string>
 
+using namespace fittingtest;
+
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-std::string messageOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const SurrogateModelInterface::Error& error) {
-        return error.what();
-    }
-    return "";
-}
 
 /** Two inputs and two outputs of three cases; a test spoils what it is about. */
 class TrainingColumnsTest : public testing::Test
@@ -34,7 +22,7 @@ protected:
     TrainingColumns make(std::size_t rows = 3) const { return {independents, dependents, rows}; }
     std::string refusal() const
     {
-        return messageOf([this] { make(); });
+        return errorOf([this] { make(); });
     }
 };
 
@@ -52,12 +40,12 @@ TEST_F(TrainingColumnsTest, CountsInputsOutputsAndCases)
 TEST_F(TrainingColumnsTest, RefusesToBeWithoutCases)
 {
     independents = {nullptr};
-    EXPECT_EQ(messageOf([this] { make(0); }), "There is no case to fit the model to.");
+    EXPECT_EQ(errorOf([this] { make(0); }), "There is no case to fit the model to.");
 }
 
 TEST_F(TrainingColumnsTest, RefusesANegativeNumberOfCasesThatWasWidened)
 {
-    EXPECT_EQ(messageOf([this] { make(static_cast<std::size_t>(-1)); }),
+    EXPECT_EQ(errorOf([this] { make(static_cast<std::size_t>(-1)); }),
               "The model cannot be fitted to 18446744073709551615 cases: no column can hold so "
               "many.");
 }
@@ -76,7 +64,7 @@ TEST_F(TrainingColumnsTest, NamesANullOutputByItsOffset)
 
 TEST_F(TrainingColumnsTest, NamesTheCaseInWhichAnInputIsNotFinite)
 {
-    v2[2] = nan;
+    v2[2] = notANumber;
     EXPECT_EQ(refusal(), "The input V2 holds a value that is not finite in case 3.");
     v2[2] = 6.0;
     v1[0] = -infinity;
@@ -91,7 +79,7 @@ TEST_F(TrainingColumnsTest, RefusesAnOutputThatIsNotFiniteOnlyWhenItIsWanted)
     EXPECT_TRUE(columns.isFittable(0));
     EXPECT_FALSE(columns.isFittable(1));
     EXPECT_NO_THROW(columns.requireOutputs({0}));
-    EXPECT_EQ(messageOf([&] {
+    EXPECT_EQ(errorOf([&] {
                   columns.requireOutputs({0, 1});
               }),
               "The output at offset 1 holds a value that is not finite in case 2.");
@@ -101,9 +89,9 @@ TEST_F(TrainingColumnsTest, RefusesAnOffsetOutOfRange)
 {
     const TrainingColumns columns = make();
 
-    EXPECT_EQ(messageOf([&] { columns.requireOutput(2); }),
+    EXPECT_EQ(errorOf([&] { columns.requireOutput(2); }),
               "There is no output at offset 2: the model has 2 outputs, counted from 0.");
-    EXPECT_EQ(messageOf([&] { columns.requireOutput(-1); }),
+    EXPECT_EQ(errorOf([&] { columns.requireOutput(-1); }),
               "There is no output at offset -1: the model has 2 outputs, counted from 0.");
 }
 
@@ -115,13 +103,13 @@ TEST_F(TrainingColumnsTest, AcceptsNoOffsetsAtAll)
 
 TEST_F(TrainingColumnsTest, RefusesAnotherNumberOfInputs)
 {
-    EXPECT_EQ(messageOf([&] { make().requireEvaluation({v1.data()}, {0}, {out.data()}, 3); }),
+    EXPECT_EQ(errorOf([&] { make().requireEvaluation({v1.data()}, {0}, {out.data()}, 3); }),
               "The model has 2 inputs, but values are given for 1.");
 }
 
 TEST_F(TrainingColumnsTest, RefusesAnotherNumberOfOutputs)
 {
-    EXPECT_EQ(messageOf([&] {
+    EXPECT_EQ(errorOf([&] {
                   make().requireEvaluation({v1.data(), v2.data()}, {0, 1}, {out.data()}, 3);
               }),
               "The model is asked for 2 outputs, but there is room for 1.");
@@ -132,11 +120,11 @@ TEST_F(TrainingColumnsTest, RefusesNullArraysOnlyWhenThereArePoints)
     const TrainingColumns columns = make();
 
     EXPECT_NO_THROW(columns.requireEvaluation({nullptr, nullptr}, {1}, {nullptr}, 0));
-    EXPECT_EQ(messageOf([&] {
+    EXPECT_EQ(errorOf([&] {
                   columns.requireEvaluation({v1.data(), nullptr}, {1}, {out.data()}, 3);
               }),
               "The input V2 has no values to evaluate the model at.");
-    EXPECT_EQ(messageOf([&] {
+    EXPECT_EQ(errorOf([&] {
                   columns.requireEvaluation({v1.data(), v2.data()}, {1}, {nullptr}, 3);
               }),
               "The output at offset 1 has no room for its values.");
@@ -149,7 +137,7 @@ TEST(FindNotFinite, FindsTheFirstWhereverItIs)
         EXPECT_EQ(TrainingColumns::findNotFinite(values.data(), count), count);
         for (std::size_t position = 0; position < count; position += 1 + count / 7) {
             values.assign(count, -1e308);
-            values[position] = nan;
+            values[position] = notANumber;
             values[count - 1] = infinity;
             EXPECT_EQ(TrainingColumns::findNotFinite(values.data(), count), position);
         }

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fittingtest {
+
+using Column = std::vector<double>;
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/** Cases as models take them; the pointers are good while this object is unchanged. */
+struct Cases
+{
+    std::vector<Column> inputs;
+    std::vector<Column> outputs;
+
+    static std::vector<double*> pointers(std::vector<Column>& columns)
+    {
+        std::vector<double*> result;
+        for (Column& column : columns) {
+            result.push_back(column.data());
+        }
+        return result;
+    }
+    std::vector<double*> inputPointers() { return pointers(inputs); }
+    std::vector<double*> outputPointers() { return pointers(outputs); }
+    std::size_t count() const { return outputs.at(0).size(); }
+};
+
+/** Numbers in [0, 1), the same on every platform. */
+class Random
+{
+public:
+    explicit Random(std::uint64_t seed) : generator(seed) {}
+    double next() { return static_cast<double>(generator() >> 11) * 0x1p-53; }
+    Column column(std::size_t count, double from, double to)
+    {
+        Column values(count);
+        for (double& value : values) {
+            value = from + (to - from) * next();
+        }
+        return values;
+    }
+
+private:
+    std::mt19937_64 generator;
+};
+
+/** The text of the model error that the action ends with; empty if there is none. */
+template <typename Action>
+std::string errorOf(const Action& action)
+{
+    try {
+        action();
+    } catch (const SurrogateModelInterface::Error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+/** One output at the points. */
+inline Column predict(const SurrogateModelInterface& model, std::vector<Column> points,
+                      int offset = 0)
+{
+    Column values(points.empty() ? 1 : points[0].size(), -99.0);
+    std::vector<double*> outputs{values.data()};
+    model.interpolateDependentValues(Cases::pointers(points), {offset}, outputs, values.size());
+    return values;
+}
+
+inline double largestDifference(const Column& a, const Column& b)
+{
+    double largest = 0.0;
+    for (std::size_t k = 0; k < a.size(); ++k) {
+        largest = std::max(largest, std::fabs(a[k] - b[k]));
+    }
+    return largest;
+}
+
+/** 3 - 2 V1 + V2 + 0.5 V1^2 - V1 V2 + 2 V2^2, and something that no quadratic follows. */
+inline double surface(double v1, double v2)
+{
+    return 3.0 - 2.0 * v1 + v2 + 0.5 * v1 * v1 - v1 * v2 + 2.0 * v2 * v2;
+}
+
+inline Cases twoInputs(std::size_t count, double noise)
+{
+    Random random(11);
+    Cases cases{{random.column(count, 0.0, 4.0), random.column(count, -1.0, 2.0)}, {{}}};
+    for (std::size_t k = 0; k < count; ++k) {
+        cases.outputs[0].push_back(surface(cases.inputs[0][k], cases.inputs[1][k]) +
+                                   noise * (random.next() - 0.5));
+    }
+    return cases;
+}
+
+} // namespace fittingtest
