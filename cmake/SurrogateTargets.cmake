@@ -66,6 +66,8 @@ function(surrogate_add_test name)
         TEST_PREFIX "${SURROGATE_TEST_PREFIX}${name}."
         TEST_LIST ${name}_discovered
         DISCOVERY_TIMEOUT 60
+        # The rows of a table bear names; printed values would follow as the bytes of an object.
+        NO_PRETTY_VALUES
         PROPERTIES LABELS "${arg_LABEL}" TIMEOUT 300)
     # Not among the PROPERTIES above: of a list they pass on the first element only.
     surrogate_test_environment(environment ${arg_ENVIRONMENT})
