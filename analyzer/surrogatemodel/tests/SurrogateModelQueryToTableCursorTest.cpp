@@ -1,0 +1,163 @@
+// The wait cursor of a program with a GUI application.
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
+
+#include "QueryTest.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+
+#include <stdexcept>
+
+namespace {
+
+class SurrogateModelQueryToTableCursorTest : public QueryTest
+{
+protected:
+    SurrogateModelQueryToTableCursorTest()
+    {
+        manager->onModel = [this] {
+            const QCursor* const cursor = QGuiApplication::overrideCursor();
+            shapeMeanwhile = cursor != nullptr ? static_cast<int>(cursor->shape()) : noCursor;
+        };
+        button.show();
+    }
+
+    ~SurrogateModelQueryToTableCursorTest() override
+    {
+        release();
+        while (isCursorSet()) {
+            QGuiApplication::restoreOverrideCursor();
+        }
+    }
+
+    void press() { QTest::mousePress(&button, Qt::LeftButton); }
+
+    void release()
+    {
+        if (QGuiApplication::mouseButtons() != Qt::NoButton) {
+            QTest::mouseRelease(&button, Qt::LeftButton);
+        }
+    }
+
+    static bool isCursorSet() { return QGuiApplication::overrideCursor() != nullptr; }
+
+    static constexpr int waitCursor = 3;
+    static constexpr int noCursor = -1;
+
+    QWidget button;
+    int shapeMeanwhile = noCursor;
+};
+
+} // namespace
+
+TEST_F(SurrogateModelQueryToTableCursorTest, ShowsTheWaitCursorWhileTheModelComputes)
+{
+    update();
+
+    EXPECT_EQ(shapeMeanwhile, waitCursor);
+    EXPECT_FALSE(isCursorSet());
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheCursorAloneWhileAButtonIsHeld)
+{
+    QGuiApplication::setOverrideCursor(Qt::CrossCursor);
+    press();
+
+    update();
+
+    EXPECT_EQ(shapeMeanwhile, static_cast<int>(Qt::CrossCursor));
+    ASSERT_TRUE(isCursorSet());
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::CrossCursor);
+}
+
+// The mouse is asked anew for the restore: kept, since a drag owns the cursor while it lasts.
+TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheWaitCursorWhenAButtonIsPressedMeanwhile)
+{
+    manager->onModel = [this] { press(); };
+
+    update();
+
+    EXPECT_TRUE(isCursorSet());
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, RestoresOnceTooOftenWhenAButtonIsReleasedMeanwhile)
+{
+    QGuiApplication::setOverrideCursor(Qt::CrossCursor);
+    press();
+    manager->onModel = [this] { release(); };
+
+    update();
+    EXPECT_FALSE(isCursorSet());
+
+    press();
+    manager->signalModelChanged();
+    update();
+    EXPECT_FALSE(isCursorSet());
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, RestoresTheCursorAfterAModelError)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+
+    update();
+
+    EXPECT_EQ(shapeMeanwhile, waitCursor);
+    EXPECT_FALSE(isCursorSet());
+    EXPECT_EQ(filter->getLastError(), "no luck");
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, HasRestoredTheCursorWhenItReportsAnError)
+{
+    manager->failure = "no luck";
+    bool wasSet = true;
+    vtkNew<vtkCallbackCommand> observer;
+    observer->SetClientData(&wasSet);
+    observer->SetCallback([](vtkObject*, unsigned long, void* client, void*) {
+        *static_cast<bool*>(client) = isCursorSet();
+    });
+    filter->AddObserver(vtkCommand::ErrorEvent, observer);
+
+    update();
+
+    EXPECT_FALSE(wasSet);
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, RestoresTheCursorAfterAnyOtherException)
+{
+    manager->onModel = [] { throw std::runtime_error("foreign"); };
+
+    EXPECT_THROW(update(), std::runtime_error);
+
+    EXPECT_FALSE(isCursorSet());
+}
+
+TEST_F(SurrogateModelQueryToTableCursorTest, TouchesNoCursorWhenTheGridCannotBeBuilt)
+{
+    const RecordingOutputWindow window;
+    QGuiApplication::setOverrideCursor(Qt::CrossCursor);
+    const VarPtr x3 = addInput("x3");
+    manager->independents->set({x1, x2, x3});
+    for (const VarPtr& variable : {x1, x2, x3}) {
+        variables->inputs[variable] = std::vector<double>(1000000, 0.0);
+    }
+
+    update();
+
+    EXPECT_NE(filter->getLastError(), "");
+    ASSERT_TRUE(isCursorSet());
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::CrossCursor);
+}
+
+int main(int argumentCount, char** arguments)
+{
+    ::testing::InitGoogleTest(&argumentCount, arguments);
+    // Also where the tests are only listed, while the program is built.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QApplication application(argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,469 @@
+// These tests run without an application object, as a console program would.
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
+
+#include "QueryTest.h"
+
+#include <QCoreApplication>
+
+#include <vtkDataObject.h>
+#include <vtkDemandDrivenPipeline.h>
+#include <vtkExecutive.h>
+#include <vtkInformation.h>
+#include <vtkInformationVector.h>
+#include <vtkWeakPointer.h>
+
+#include <cmath>
+#include <locale>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+using Values = std::vector<double>;
+using Names = std::vector<std::string>;
+
+class SurrogateModelQueryToTableTest : public QueryTest
+{
+protected:
+    /** What VTK calls to have the filter run, without an executive's preparations. */
+    int requestData() const
+    {
+        vtkNew<vtkInformation> request;
+        request->Set(vtkDemandDrivenPipeline::REQUEST_DATA());
+        vtkNew<vtkTable> table;
+        vtkNew<vtkInformation> information;
+        information->Set(vtkDataObject::DATA_OBJECT(), table);
+        vtkNew<vtkInformationVector> outputs;
+        outputs->Append(information);
+        return filter->ProcessRequest(request, nullptr, outputs);
+    }
+
+    std::string expectedErrorText(const std::string& message) const
+    {
+        std::ostringstream text;
+        text << "ERROR: In analyzer/surrogatemodel/SurrogateModelQueryToTable.cpp, line 209\n"
+             << "SurrogateModelQueryToTable (" << filter.GetPointer() << "): " << message
+             << "\n\n\n";
+        return text.str();
+    }
+};
+
+} // namespace
+
+TEST_F(SurrogateModelQueryToTableTest, IsASourceOfOneTable)
+{
+    EXPECT_EQ(filter->GetNumberOfInputPorts(), 0);
+    EXPECT_EQ(filter->GetNumberOfOutputPorts(), 1);
+    EXPECT_STREQ(filter->GetOutputPortInformation(0)->Get(vtkDataObject::DATA_TYPE_NAME()),
+                 "vtkTable");
+    EXPECT_STREQ(filter->GetClassName(), "SurrogateModelQueryToTable");
+    EXPECT_TRUE(filter->IsA("vtkTableAlgorithm"));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, BelongsToTheSmartPointerAndItsExecutiveOnly)
+{
+    EXPECT_EQ(filter->GetReferenceCount(), 2);
+    const EventRecorder deletions(filter, vtkCommand::DeleteEvent);
+    const vtkWeakPointer<SurrogateModelQueryToTable> watched(filter);
+
+    filter = nullptr;
+
+    EXPECT_EQ(deletions.count(), 1U);
+    EXPECT_EQ(watched.GetPointer(), nullptr);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, CannotBeMadeWithoutManagerAndVariables)
+{
+    EXPECT_THROW(SurrogateModelQueryToTable::New(nullptr, variables), std::invalid_argument);
+    EXPECT_THROW(SurrogateModelQueryToTable::New(manager, nullptr), std::invalid_argument);
+    EXPECT_EQ(filter->NewInstance(), nullptr);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, WritesTheValuesThenTheResults)
+{
+    addOutputAt("y2", 5);
+
+    update();
+
+    EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1", "y2"}));
+    EXPECT_EQ(column("x1"), (Values{1, 1, 2, 2}));
+    EXPECT_EQ(column("x2"), (Values{10, 20, 10, 20}));
+    EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
+    EXPECT_EQ(column("y2"), (Values{16, 26, 17, 27}));
+    EXPECT_EQ(filter->getLastError(), "");
+}
+
+TEST_F(SurrogateModelQueryToTableTest, PutsResultsUnderTheirNamesWhenOffsetsDoNotFollowTheHandles)
+{
+    manager->offsets["y1"] = 2;
+    addOutputAt("y2", 0);
+    addOutputAt("y3", 1);
+
+    update();
+
+    EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1", "y2", "y3"}));
+    EXPECT_EQ(column("y1")[0], 13);
+    EXPECT_EQ(column("y2")[0], 11);
+    EXPECT_EQ(column("y3")[0], 12);
+}
+
+// A name that the manager does not know is answered with offset 0, like the first dependent.
+TEST_F(SurrogateModelQueryToTableTest, ComputesTheLaterOfTwoColumnsWithOneOffset)
+{
+    addOutputAt("y2", 0);
+
+    update();
+
+    for (const double value : column("y1")) {
+        EXPECT_TRUE(std::isnan(value));
+    }
+    EXPECT_EQ(column("y2"), (Values{11, 21, 12, 22}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, AsksByOffsetsAndActivatesThemBeforeItInterpolates)
+{
+    class OrderedModel : public FakeModel
+    {
+    public:
+        void activateDependentVariables(const std::set<int>& offsets) override
+        {
+            EXPECT_TRUE(interpolatedCounts.empty());
+            FakeModel::activateDependentVariables(offsets);
+        }
+    };
+    class OrderedManager : public HookedManager
+    {
+    public:
+        using HookedManager::model;
+        SurrogateModelInterface& model(const std::set<int>& offsets) const override
+        {
+            HookedManager::model(offsets);
+            return ordered;
+        }
+        mutable OrderedModel ordered;
+    };
+    const auto ordering = boost::make_shared<OrderedManager>();
+    ordering->independents->set({x1, x2});
+    ordering->offsets = {{"y1", 3}};
+    filter = SurrogateModelQueryToTable::New(ordering, variables);
+
+    update();
+
+    EXPECT_TRUE(ordering->requests.empty());
+    EXPECT_EQ(ordering->offsetRequests, (std::vector<std::set<int>>{{3}}));
+    EXPECT_EQ(ordering->ordered.activated, (std::vector<std::set<int>>{{3}}));
+    EXPECT_EQ(ordering->ordered.interpolatedCounts, (std::vector<std::size_t>{4}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutRows)
+{
+    variables->inputs[x2].clear();
+
+    update();
+
+    EXPECT_EQ(executions(), 1U);
+    EXPECT_EQ(manager->fakeModel.interpolatedCounts, (std::vector<std::size_t>{0}));
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
+    EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1"}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutDependents)
+{
+    variables->dependents.clear();
+
+    update();
+
+    EXPECT_EQ(manager->offsetRequests, (std::vector<std::set<int>>{{}}));
+    EXPECT_EQ(manager->fakeModel.activated, (std::vector<std::set<int>>{{}}));
+    EXPECT_EQ(columnNames(), (Names{"x1", "x2"}));
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, LeavesOneUnsetRowWithoutIndependentVariables)
+{
+    manager->independents->set({});
+    variables->inputs.clear();
+
+    update();
+
+    EXPECT_EQ(manager->fakeModel.interpolatedCounts, (std::vector<std::size_t>{0}));
+    EXPECT_EQ(columnNames(), (Names{"y1"}));
+    ASSERT_EQ(output()->GetNumberOfRows(), 1);
+    EXPECT_TRUE(std::isnan(column("y1")[0]));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, WorksWithoutAnApplicationObject)
+{
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
+
+    update();
+
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroForAModelError)
+{
+    const RecordingOutputWindow window;
+    EXPECT_EQ(requestData(), 1);
+
+    manager->failure = "no luck";
+    EXPECT_EQ(requestData(), 0);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndSaysWhyAfterAModelError)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "The model cannot be fitted: 100% of %1% are missing.";
+
+    update();
+
+    EXPECT_EQ(filter->getLastError(), manager->failure);
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ReportsAGridThatIsTooLargeLikeAModelError)
+{
+    const RecordingOutputWindow window;
+    const VarPtr x3 = addInput("x3");
+    const VarPtr x4 = addInput("x4");
+    manager->independents->set({x1, x2, x3, x4});
+    for (const VarPtr& variable : {x1, x2, x3, x4}) {
+        variables->inputs[variable] = Values(1000000, 0.0);
+    }
+
+    update();
+
+    EXPECT_NE(filter->getLastError(), "");
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
+    EXPECT_EQ(executions(), 0U);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorWithTheNextSuccess)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+    update();
+    EXPECT_EQ(filter->getLastError(), "no luck");
+
+    manager->failure.clear();
+    manager->signalModelChanged();
+    update();
+
+    EXPECT_EQ(filter->getLastError(), "");
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorBeforeAnExecutionThatDoesNotFinish)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+    update();
+    manager->onModel = [] { throw std::runtime_error("foreign"); };
+    manager->signalModelChanged();
+
+    EXPECT_THROW(update(), std::runtime_error);
+
+    EXPECT_EQ(filter->getLastError(), "");
+}
+
+TEST_F(SurrogateModelQueryToTableTest, HandsErrorsToItsObserversWordForWord)
+{
+    const RecordingOutputWindow window;
+    const EventRecorder errors(filter, vtkCommand::ErrorEvent);
+    manager->failure = "The model cannot be fitted: 100% of %1% are missing.";
+
+    update();
+
+    EXPECT_EQ(errors.texts, (Names{expectedErrorText(manager->failure)}));
+    EXPECT_EQ(window.everything(), "");
+}
+
+TEST_F(SurrogateModelQueryToTableTest, WritesErrorsToTheOutputWindowWithoutObservers)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+
+    update();
+
+    ASSERT_FALSE(window.errors().empty());
+    EXPECT_EQ(window.errors()[0], expectedErrorText("no luck"));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, LeavesTheExecutivesReportAloneWithoutObservers)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+
+    update();
+
+    ASSERT_EQ(window.errors().size(), 2U);
+    EXPECT_NE(window.errors()[1].find("returned failure for request"), std::string::npos);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ReportsNothingWhenVtksWarningsAreOff)
+{
+    const RecordingOutputWindow window;
+    const EventRecorder errors(filter, vtkCommand::ErrorEvent);
+    manager->failure = "no luck";
+    vtkObject::SetGlobalWarningDisplay(0);
+
+    update();
+
+    vtkObject::SetGlobalWarningDisplay(1);
+    EXPECT_EQ(errors.count(), 0U);
+    EXPECT_EQ(window.everything(), "");
+    EXPECT_EQ(filter->getLastError(), "no luck");
+}
+
+TEST_F(SurrogateModelQueryToTableTest, WritesTheSameErrorTextWhateverTheGlobalLocale)
+{
+    class Grouping : public std::numpunct<char>
+    {
+    protected:
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\1"; }
+    };
+    const EventRecorder errors(filter, vtkCommand::ErrorEvent);
+    manager->failure = "no luck";
+    const std::string expected = expectedErrorText("no luck");
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new Grouping));
+
+    update();
+
+    std::locale::global(before);
+    EXPECT_EQ(errors.texts, (Names{expected}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, LetsOtherExceptionsPassAndExecutesAgain)
+{
+    manager->onModel = [] { throw std::domain_error("foreign"); };
+    EXPECT_THROW(update(), std::domain_error);
+
+    manager->onModel = nullptr;
+    update();
+
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+    EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, IsMarkedModifiedOnceForEachSignal)
+{
+    const EventRecorder modifications(filter, vtkCommand::ModifiedEvent);
+
+    variables->signalInterpolationVariablesChanged();
+    EXPECT_EQ(modifications.count(), 1U);
+    manager->signalModelChanged();
+    EXPECT_EQ(modifications.count(), 2U);
+    manager->signalModelChanged();
+    EXPECT_EQ(modifications.count(), 3U);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ExecutesAgainOnlyWhenSomethingChanged)
+{
+    update();
+    update();
+    EXPECT_EQ(executions(), 1U);
+
+    variables->signalInterpolationVariablesChanged();
+    update();
+    EXPECT_EQ(executions(), 2U);
+
+    manager->signalModelChanged();
+    update();
+    EXPECT_EQ(executions(), 3U);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, DoesNotRetryAFailureUntilSomethingChanges)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+    update();
+    update();
+    EXPECT_EQ(executions(), 1U);
+    EXPECT_EQ(filter->getLastError(), "no luck");
+
+    manager->signalModelChanged();
+    update();
+    EXPECT_EQ(executions(), 2U);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ExecutesOncePerUpdateWhenTheModelChangesMeanwhile)
+{
+    manager->onModel = [this] { manager->signalModelChanged(); };
+
+    update();
+
+    EXPECT_EQ(executions(), 1U);
+    EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfBothInterfaces)
+{
+    class Hooked : public HookedManager
+    {
+    public:
+        mutable int hookRuns = 0;
+
+    private:
+        void signalModelChangedConnected() const override { ++hookRuns; }
+    };
+    const auto hooked = boost::make_shared<Hooked>();
+
+    const auto other = SurrogateModelQueryToTable::New(hooked, variables);
+
+    EXPECT_EQ(hooked->hookRuns, 1);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, SharesManagerAndVariables)
+{
+    const boost::weak_ptr<HookedManager> watchedManager = manager;
+    const boost::weak_ptr<FixedVariables> watchedVariables = variables;
+    manager.reset();
+    variables.reset();
+
+    update();
+    EXPECT_EQ(output()->GetNumberOfRows(), 4);
+
+    filter = nullptr;
+    EXPECT_TRUE(watchedManager.expired());
+    EXPECT_TRUE(watchedVariables.expired());
+}
+
+TEST_F(SurrogateModelQueryToTableTest, DisconnectsWhenDestroyed)
+{
+    EXPECT_EQ(manager->signalModelChanged.num_slots(), 1U);
+    EXPECT_EQ(variables->signalInterpolationVariablesChanged.num_slots(), 1U);
+
+    filter = nullptr;
+
+    EXPECT_EQ(manager->signalModelChanged.num_slots(), 0U);
+    EXPECT_EQ(variables->signalInterpolationVariablesChanged.num_slots(), 0U);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, LeavesTheColumnsOfEarlierResultsAlone)
+{
+    const RecordingOutputWindow window;
+    update();
+    const vtkSmartPointer<vtkDoubleArray> kept =
+        vtkArrayDownCast<vtkDoubleArray>(output()->GetColumnByName("y1"));
+
+    manager->failure = "no luck";
+    manager->signalModelChanged();
+    update();
+
+    ASSERT_EQ(kept->GetNumberOfValues(), 4);
+    EXPECT_EQ(kept->GetValue(3), 22);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, EvaluatesVariablesThatWereRemovedFromTheProject)
+{
+    project->removeVariable(x1);
+    project->removeVariable(y1);
+    manager->offsets.clear();
+
+    update();
+
+    EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1"}));
+    EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
+}
