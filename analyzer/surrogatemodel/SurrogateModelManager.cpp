@@ -1,0 +1,355 @@
+#include <surrogatemodel/SurrogateModelManager.h>
+
+#include <surrogatemodel/SurrogateModelSourcePoints.h>
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_datamanagement/NatureSpecificVariableProvider.h>
+#include <mirel_datamanagement/NumericVariableProvider.h>
+#include <mirel_datamanagement/Project.h>
+#include <mirel_datapipeline/DataPipelineManagerInterface.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_signals/EmitSignal.h>
+#include <mirel_signals/SignalConnectionCollection.h>
+#include <property/Property.h>
+#include <property/UndoablePropertyProxy.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QString>
+
+#include <vtkNew.h>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+/** The project's dependent variables: a dependent's offset is its position here. */
+std::vector<VarPtr> dependentVariables()
+{
+    const NatureSpecificVariableProvider provider(
+        NumericVariableProvider(Project::project()->variables()), Variable::Dependent);
+    return {provider.begin(), provider.end()};
+}
+
+} // namespace
+
+class SURROGATEMODEL_NO_EXPORT SurrogateModelManager::Impl
+{
+public:
+    template <class T>
+    class ModelInvalidatingProperty;
+    class DefaultEvaluationPointAssigningIndependentVariablesProperty;
+
+    Impl(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
+         SurrogateModelManager* owner);
+    ~Impl();
+
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    SurrogateModelInterface& modelFor(const std::set<VarPtr>& dependents);
+    void dropModel() { model.reset(); }
+    void emitModelChanged() const;
+
+    boost::shared_ptr<const DataPipelineManagerInterface> pipeline;
+    SurrogateModelManager* owner;
+
+    /** Points to null once this object is gone. Listeners may destroy the manager from any signal,
+     *  and the properties may outlive it: whoever comes back from a signal looks here first. */
+    std::shared_ptr<Impl*> self;
+
+    std::unique_ptr<SurrogateModelInterface> model;
+    boost::shared_ptr<veska::UndoablePropertyProxy<std::vector<VarPtr>>> independentVars;
+    boost::shared_ptr<veska::UndoablePropertyProxy<ModelType>> type;
+    boost::shared_ptr<veska::UndoablePropertyProxy<SurrogateModelUserDistCollection>>
+        evaluationPoint;
+    SignalConnectionCollection connections;
+    std::set<VarPtr> cachedDependents;
+    SurrogateModelSourcePoints sourcePoints;
+
+private:
+    void onPipelineChanged();
+    void invalidateModel();
+    void pruneIndependentVariables();
+    void buildModel(ModelType modelType);
+    vtkSmartPointer<vtkTable> updatedPipelineTable() const;
+};
+
+/** A setting on which the fitted model depends: storing a value drops the model, and listeners are
+ *  told of the setting first, of the model then. */
+template <class T>
+class SURROGATEMODEL_NO_EXPORT SurrogateModelManager::Impl::ModelInvalidatingProperty
+    : public veska::Property<T>
+{
+public:
+    explicit ModelInvalidatingProperty(std::shared_ptr<Impl*> manager) : manager(std::move(manager))
+    {}
+
+protected:
+    /** Null when the manager is gone. */
+    Impl* impl() const { return *manager; }
+
+    void setValue(const T& value) override
+    {
+        if (impl() != nullptr) {
+            impl()->dropModel();
+        }
+        veska::Property<T>::setValue(value);
+    }
+
+    void emitChanged(const T& value) override
+    {
+        veska::Property<T>::emitChanged(value);
+        if (impl() != nullptr) {
+            impl()->emitModelChanged();
+        }
+    }
+
+private:
+    std::shared_ptr<Impl*> manager;
+};
+
+/** The list of independent variables: a variable that is listed for the first time gets a default
+ *  evaluation point before the list is stored. */
+class SURROGATEMODEL_NO_EXPORT
+    SurrogateModelManager::Impl::DefaultEvaluationPointAssigningIndependentVariablesProperty
+    : public ModelInvalidatingProperty<std::vector<VarPtr>>
+{
+public:
+    using ModelInvalidatingProperty::ModelInvalidatingProperty;
+
+protected:
+    void setValue(const std::vector<VarPtr>& variables) override
+    {
+        if (impl() != nullptr) {
+            assignDefaultEvaluationPoints(variables);
+        }
+        ModelInvalidatingProperty::setValue(variables);
+    }
+
+private:
+    void assignDefaultEvaluationPoints(const std::vector<VarPtr>& variables) const;
+};
+
+void SurrogateModelManager::Impl::DefaultEvaluationPointAssigningIndependentVariablesProperty::
+    assignDefaultEvaluationPoints(const std::vector<VarPtr>& variables) const
+{
+    // The proxy, not its target: the evaluation points belong to the undo step of the list. Held
+    // here, as its listeners may destroy the manager.
+    const auto property = impl()->evaluationPoint;
+    SurrogateModelUserDistCollection points = property->get();
+    std::set<std::string> names = points.getVarNameSet();
+
+    bool changed = false;
+    for (const VarPtr& variable : variables) {
+        const boost::shared_ptr<Variable> locked = variable.lock();
+        const std::string name = locked->name();
+        if (!names.insert(name).second) {
+            continue;
+        }
+        // Six digits are what the user reads and edits; a longer minimum is rounded.
+        const QString minimum = QString::number(locked->range().first, 'g', 6);
+        points.setMode(name, SurrogateModelUserDistCollection::UserDefined);
+        points.setUserDistString(name, minimum.toStdString());
+        changed = true;
+    }
+    if (changed) {
+        property->set(points);
+    }
+}
+
+SurrogateModelManager::Impl::Impl(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                                  SurrogateModelManager* owner)
+    : pipeline(std::move(pipeline)), owner(owner), self(std::make_shared<Impl*>(this)),
+      independentVars(boost::make_shared<veska::UndoablePropertyProxy<std::vector<VarPtr>>>(
+          "Surrogate Model Variables",
+          boost::make_shared<DefaultEvaluationPointAssigningIndependentVariablesProperty>(self))),
+      type(boost::make_shared<veska::UndoablePropertyProxy<ModelType>>(
+          "Surrogate Model Type", boost::make_shared<ModelInvalidatingProperty<ModelType>>(self))),
+      evaluationPoint(
+          boost::make_shared<veska::UndoablePropertyProxy<SurrogateModelUserDistCollection>>(
+              "Surrogate Model Evaluation Point",
+              boost::make_shared<veska::Property<SurrogateModelUserDistCollection>>()))
+{
+    // Listeners of the undo stack run in here, while the owner has no Impl yet: nothing on this
+    // road may go through owner->impl.
+    type->set(ResponseSurface);
+    connections.add(this->pipeline->connectSignalChanged([this] { onPipelineChanged(); }));
+    onPipelineChanged();
+}
+
+SurrogateModelManager::Impl::~Impl()
+{
+    *self = nullptr;
+    // The pipeline outlives this object, and its slot must find all of it or none.
+    connections.block();
+}
+
+SurrogateModelInterface& SurrogateModelManager::Impl::modelFor(const std::set<VarPtr>& dependents)
+{
+    if (model != nullptr && dependents == cachedDependents) {
+        return *model;
+    }
+    // Before anything can fail, and for good: see the class comment of SurrogateModelManager.
+    cachedDependents = dependents;
+
+    const vtkSmartPointer<vtkTable> table = updatedPipelineTable();
+
+    // After the update: a pipeline that finds a change while it updates has dropped the model, and
+    // the verdicts about the rows are out of date with it.
+    const bool fullRebuild = model == nullptr;
+    sourcePoints.rebuild(independentVars->get(), dependents, table, fullRebuild);
+    if (sourcePoints.sourceTable()->GetNumberOfRows() == 0) {
+        throw SurrogateModelInterface::Error(
+            "There are not enough valid cases to create the surrogate model.");
+    }
+    buildModel(type->get());
+    return *model;
+}
+
+vtkSmartPointer<vtkTable> SurrogateModelManager::Impl::updatedPipelineTable() const
+{
+    if (const vtkSmartPointer<vtkTableAlgorithm> algorithm = pipeline->outputAlgorithm()) {
+        algorithm->Update();
+    }
+    // Asked again: the application may exchange its algorithm during the update.
+    const vtkSmartPointer<vtkTableAlgorithm> algorithm = pipeline->outputAlgorithm();
+    vtkTable* const output = algorithm != nullptr ? algorithm->GetOutput() : nullptr;
+    return output != nullptr ? vtkSmartPointer<vtkTable>(output) : vtkSmartPointer<vtkTable>::New();
+}
+
+void SurrogateModelManager::Impl::buildModel(ModelType modelType)
+{
+    const std::vector<double*> independents = sourcePoints.independentColumns();
+    const std::vector<double*> dependents = sourcePoints.dependentColumns();
+    const int rowCount = static_cast<int>(sourcePoints.sourceTable()->GetNumberOfRows());
+
+    // The new model is complete before the old one goes: a constructor that throws costs nothing.
+    if (modelType == Kriging) {
+        const double tolerance = 0.0001;
+        const std::vector<double> estimatedCorrelationLengths;
+        const int linearTrend = 1;
+        const double initialCorrelationLength = 0.5;
+        const double nugget = 0.0;
+        const int estimatedNugget = 0;
+        model = std::make_unique<KrigingSurrogateModel>(
+            independents, dependents, rowCount, tolerance, estimatedCorrelationLengths, linearTrend,
+            initialCorrelationLength, nugget, estimatedNugget);
+    } else {
+        model = std::make_unique<SurrogateResponseSurfaceModel>(independents, dependents,
+                                                                static_cast<std::size_t>(rowCount));
+    }
+}
+
+void SurrogateModelManager::Impl::emitModelChanged() const
+{
+    emitSignal(owner->signalModelChanged);
+}
+
+void SurrogateModelManager::Impl::invalidateModel()
+{
+    dropModel();
+    emitModelChanged();
+}
+
+void SurrogateModelManager::Impl::onPipelineChanged()
+{
+    const std::shared_ptr<Impl*> manager = self;
+    try {
+        pruneIndependentVariables();
+    } catch (...) {
+        // A listener of the list has thrown. A model of data that are no more must not stay.
+        if (*manager != nullptr) {
+            dropModel();
+        }
+        throw;
+    }
+    if (*manager != nullptr) {
+        invalidateModel();
+    }
+}
+
+void SurrogateModelManager::Impl::pruneIndependentVariables()
+{
+    const std::vector<VarPtr> projectVariables = Project::project()->variables();
+    const std::set<VarPtr> known(projectVariables.begin(), projectVariables.end());
+    const auto property = independentVars;
+    std::vector<VarPtr> variables = property->get();
+
+    // Only then the natures: a handle that the project does not know may lead to no variable.
+    const auto drop = [&variables](const auto& isUnwanted) {
+        variables.erase(std::remove_if(variables.begin(), variables.end(), isUnwanted),
+                        variables.end());
+    };
+    drop([&known](const VarPtr& variable) { return known.count(variable) == 0; });
+    drop([](const VarPtr& variable) { return variable.lock()->nature() != Variable::Independent; });
+    property->set(variables);
+}
+
+SurrogateModelManager::SurrogateModelManager(
+    boost::shared_ptr<const DataPipelineManagerInterface> pipeline)
+{
+    if (pipeline == nullptr) {
+        throw std::invalid_argument("A surrogate-model manager needs the data pipeline that holds "
+                                    "the cases, but was given none.");
+    }
+    impl = std::make_unique<Impl>(std::move(pipeline), this);
+}
+
+SurrogateModelManager::~SurrogateModelManager() = default;
+
+SurrogateModelInterface& SurrogateModelManager::model(const std::set<VarPtr>& dependents) const
+{
+    return impl->modelFor(dependents);
+}
+
+SurrogateModelInterface& SurrogateModelManager::model(const std::set<int>& dependentOffsets) const
+{
+    const std::vector<VarPtr> variables = dependentVariables();
+    std::set<VarPtr> dependents;
+    for (const int offset : dependentOffsets) {
+        const bool exists = offset >= 0 && static_cast<std::size_t>(offset) < variables.size();
+        dependents.insert(exists ? variables[static_cast<std::size_t>(offset)] : VarPtr());
+    }
+    return model(dependents);
+}
+
+boost::shared_ptr<veska::PropertyAbstract<std::vector<VarPtr>>>
+SurrogateModelManager::independentVars() const
+{
+    return impl->independentVars;
+}
+
+boost::shared_ptr<veska::PropertyAbstract<SurrogateModelManagerInterface::ModelType>>
+SurrogateModelManager::type() const
+{
+    return impl->type;
+}
+
+boost::shared_ptr<veska::PropertyAbstract<SurrogateModelUserDistCollection>>
+SurrogateModelManager::evaluationPoint() const
+{
+    return impl->evaluationPoint;
+}
+
+bool SurrogateModelManager::isVariableInSurrogateModel(VarPtr variable) const
+{
+    if (variable.lock()->nature() != Variable::Independent) {
+        return false;
+    }
+    const std::vector<VarPtr> variables = impl->independentVars->get();
+    return std::find(variables.begin(), variables.end(), variable) != variables.end();
+}
+
+std::size_t SurrogateModelManager::offsetForVariableName(const std::string& name) const
+{
+    const std::vector<VarPtr> variables = dependentVariables();
+    const auto found =
+        std::find_if(variables.begin(), variables.end(),
+                     [&name](const VarPtr& variable) { return variable.lock()->name() == name; });
+    return found != variables.end() ? static_cast<std::size_t>(found - variables.begin()) : 0;
+}

@@ -1,0 +1,488 @@
+#include <surrogatemodel/SurrogateModelManager.h>
+
+#include "ManagerTest.h"
+
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+
+#include <QObject>
+
+#include <stdexcept>
+
+namespace {
+
+using SurrogateModelManagerTest = ManagerTest;
+
+} // namespace
+
+TEST_F(SurrogateModelManagerTest, StartsAsAResponseSurfaceWithoutVariables)
+{
+    const SurrogateModelManager fresh(pipeline);
+
+    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
+    EXPECT_TRUE(fresh.independentVars()->get().empty());
+    EXPECT_EQ(fresh.evaluationPoint()->get(), SurrogateModelUserDistCollection());
+}
+
+TEST_F(SurrogateModelManagerTest, LeavesOneUndoStepForItsTypeWhenConstructed)
+{
+    const SurrogateModelManager fresh(pipeline);
+
+    EXPECT_EQ(undoStack().count(), 1);
+    EXPECT_EQ(undoStack().undoText(), "Change Surrogate Model Type");
+}
+
+TEST_F(SurrogateModelManagerTest, LeavesNoUndoStepWhenRecordingIsSuspended)
+{
+    const UndoStack::SuspendUndoRecording suspension;
+    const SurrogateModelManager fresh(pipeline);
+
+    EXPECT_EQ(undoStack().count(), 0);
+    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
+}
+
+TEST_F(SurrogateModelManagerTest, TurnsToKrigingWhenItsConstructionIsUndone)
+{
+    const SurrogateModelManager fresh(pipeline);
+
+    undoStack().undo();
+    EXPECT_EQ(fresh.type()->get(), Interface::Kriging);
+
+    undoStack().redo();
+    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
+}
+
+TEST_F(SurrogateModelManagerTest, AddressesEachManagersOwnTypeWhenConstructionsAreUndone)
+{
+    auto first = boost::make_shared<SurrogateModelManager>(pipeline);
+    const SurrogateModelManager second(pipeline);
+    first.reset();
+
+    undoStack().undo();
+    EXPECT_EQ(second.type()->get(), Interface::Kriging);
+    undoStack().undo();
+
+    EXPECT_EQ(second.type()->get(), Interface::Kriging);
+    EXPECT_EQ(manager->type()->get(), Interface::ResponseSurface);
+}
+
+TEST_F(SurrogateModelManagerTest, DoesNotAskThePipelineForDataWhenConstructed)
+{
+    pipeline->requests = 0;
+
+    const SurrogateModelManager fresh(pipeline);
+
+    EXPECT_EQ(pipeline->requests, 0);
+    EXPECT_EQ(pipeline->source->executions, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, CanBeConstructedWhileTheUndoStackIsWatched)
+{
+    int lastCount = 0;
+    const QMetaObject::Connection connection =
+        QObject::connect(&undoStack(), &QUndoStack::indexChanged,
+                         [&lastCount](int) { lastCount = undoStack().count(); });
+
+    const SurrogateModelManager fresh(pipeline);
+
+    QObject::disconnect(connection);
+    EXPECT_EQ(lastCount, 1);
+}
+
+TEST_F(SurrogateModelManagerTest, RefusesAMissingPipeline)
+{
+    EXPECT_THROW(SurrogateModelManager(nullptr), std::invalid_argument);
+    EXPECT_EQ(undoStack().count(), 0);
+}
+
+TEST_F(SurrogateModelManagerTest, HandsOutTheSamePropertiesEveryTime)
+{
+    const Interface& face = *manager;
+
+    EXPECT_EQ(face.independentVars().get(), face.independentVars().get());
+    EXPECT_EQ(face.type().get(), face.type().get());
+    EXPECT_EQ(face.evaluationPoint().get(), face.evaluationPoint().get());
+}
+
+TEST_F(SurrogateModelManagerTest, FitsKrigingForTypeZeroAndAResponseSurfaceForAnyOther)
+{
+    for (const int number : {0, 1, 2, -1}) {
+        manager->type()->set(static_cast<Interface::ModelType>(number));
+
+        SurrogateModelInterface& fitted = model({y1});
+
+        EXPECT_EQ(dynamic_cast<KrigingSurrogateModel*>(&fitted) != nullptr, number == 0);
+        EXPECT_EQ(dynamic_cast<SurrogateResponseSurfaceModel*>(&fitted) != nullptr, number != 0);
+    }
+}
+
+TEST_F(SurrogateModelManagerTest, GivesKrigingTheCasesAndItsFixedArguments)
+{
+    manager->type()->set(Interface::Kriging);
+
+    model({y1});
+
+    EXPECT_TRUE(lastFit().isKriging);
+    EXPECT_EQ(lastFit().inputs, (std::vector<Values>{{1, 2, 3}, {4, 5, 6}}));
+    EXPECT_EQ(lastFit().outputs, (std::vector<Values>{{10, 20, 30}, {40, 50, 60}}));
+    EXPECT_EQ(lastFit().rowCount, 3U);
+    EXPECT_EQ(lastFit().tolerance, 0.0001);
+    EXPECT_TRUE(lastFit().correlationLengths.empty());
+    EXPECT_EQ(lastFit().trendOrder, 1);
+    EXPECT_EQ(lastFit().initialCorrelationLength, 0.5);
+    EXPECT_EQ(lastFit().nugget, 0.0);
+    EXPECT_EQ(lastFit().nuggetMode, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, GivesTheResponseSurfaceTheSameCases)
+{
+    model({y1});
+
+    EXPECT_FALSE(lastFit().isKriging);
+    EXPECT_EQ(lastFit().inputs, (std::vector<Values>{{1, 2, 3}, {4, 5, 6}}));
+    EXPECT_EQ(lastFit().outputs, (std::vector<Values>{{10, 20, 30}, {40, 50, 60}}));
+    EXPECT_EQ(lastFit().rowCount, 3U);
+}
+
+TEST_F(SurrogateModelManagerTest, FitsTheIndependentEntriesOverAllDependentsOfTheProject)
+{
+    const VarPtr unassigned = project->addNumericVariable("z", Variable::Unassigned);
+    project->addTextVariable("label", Variable::Dependent);
+    project->moveVariable(y2, 0);
+    cases.addNumbers("z", {7, 8, 9}).addTexts("label", {"a", "b", "c"});
+    pipeline->show(cases);
+    manager->independentVars()->set({x2, unassigned, x1});
+
+    model({y1});
+
+    EXPECT_EQ(lastFit().inputs, (std::vector<Values>{{4, 5, 6}, {1, 2, 3}}));
+    EXPECT_EQ(lastFit().outputs, (std::vector<Values>{{40, 50, 60}, {10, 20, 30}}));
+}
+
+TEST_F(SurrogateModelManagerTest, DeletesTheModelThroughItsInterface)
+{
+    model({y1});
+    EXPECT_EQ(recordedModels().alive, 1);
+
+    manager.reset();
+
+    EXPECT_EQ(recordedModels().alive, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, CountsOffsetsAmongTheNumericDependentsInProjectOrder)
+{
+    project->moveVariable(y2, 0);
+    const VarPtr label = project->addTextVariable("label", Variable::Dependent);
+    project->moveVariable(label, 0);
+
+    EXPECT_EQ(manager->offsetForVariableName("y2"), 0U);
+    EXPECT_EQ(manager->offsetForVariableName("y1"), 1U);
+}
+
+// Callers cannot detect absence by the offset.
+TEST_F(SurrogateModelManagerTest, AnswersOffsetZeroForNamesThatAreNoDependent)
+{
+    EXPECT_EQ(manager->offsetForVariableName("unknown"), 0U);
+    EXPECT_EQ(manager->offsetForVariableName("Y2"), 0U);
+    EXPECT_EQ(manager->offsetForVariableName("y2 "), 0U);
+    EXPECT_EQ(manager->offsetForVariableName("x2"), 0U);
+    EXPECT_EQ(manager->offsetForVariableName(""), 0U);
+}
+
+TEST_F(SurrogateModelManagerTest, ComparesNamesByteByByte)
+{
+    addOutput("e\xcc\x81");
+    addOutput("\xc3\xa9");
+
+    EXPECT_EQ(manager->offsetForVariableName("e\xcc\x81"), 2U);
+    EXPECT_EQ(manager->offsetForVariableName("\xc3\xa9"), 3U);
+}
+
+TEST_F(SurrogateModelManagerTest, KnowsWhichVariablesAreInputsOfTheModel)
+{
+    const VarPtr notChosen = addInput("x3");
+    const VarPtr unassigned = project->addNumericVariable("z", Variable::Unassigned);
+    manager->independentVars()->set({x1, unassigned, y1});
+
+    EXPECT_TRUE(manager->isVariableInSurrogateModel(x1));
+    EXPECT_FALSE(manager->isVariableInSurrogateModel(notChosen));
+    EXPECT_FALSE(manager->isVariableInSurrogateModel(unassigned));
+    EXPECT_FALSE(manager->isVariableInSurrogateModel(y1));
+    EXPECT_FALSE(manager->isVariableInSurrogateModel(y2));
+    EXPECT_THROW(manager->isVariableInSurrogateModel(VarPtr()), HandleError);
+}
+
+TEST_F(SurrogateModelManagerTest, DropsTheModelAndSaysSoOnceWhenThePipelineChanges)
+{
+    model({y1});
+    Counter changes;
+    manager->connectSignalModelChanged(changes.slot());
+    int aliveWhenTold = -1;
+    manager->connectSignalModelChanged([&] { aliveWhenTold = recordedModels().alive; });
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(changes.calls, 1);
+    EXPECT_EQ(aliveWhenTold, 0);
+    EXPECT_EQ(recordedModels().alive, 0);
+    EXPECT_EQ(undoStack().count(), 0);
+    EXPECT_EQ(pipeline->source->executions, 1);
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesRemovedVariablesInOneUndoStepWithTwoSignals)
+{
+    Counter changes;
+    manager->connectSignalModelChanged(changes.slot());
+
+    project->removeVariable(x1);
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
+    EXPECT_EQ(changes.calls, 2);
+    EXPECT_EQ(undoStack().count(), 1);
+    EXPECT_EQ(undoStack().undoText(), "Change Surrogate Model Variables");
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesWithoutAStepWhenRecordingIsSuspended)
+{
+    project->removeVariable(x1);
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        pipeline->emitChange();
+    }
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
+    EXPECT_EQ(undoStack().count(), 0);
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesVariablesThatAreNotIndependentAndKeepsOrderAndDuplicates)
+{
+    const VarPtr x3 = addInput("x3");
+    const VarPtr unassigned = project->addNumericVariable("z", Variable::Unassigned);
+    manager->independentVars()->set({x3, x2, y1, x3, unassigned, x1});
+    project->setNature(x2, Variable::Dependent);
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x3, x3, x1}));
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesVariablesOfAnotherProjectWithoutAskingForTheirNature)
+{
+    VarPtr destroyed;
+    {
+        Project other;
+        destroyed = other.addNumericVariable("x3", Variable::Independent);
+        manager->independentVars()->set({x1, destroyed});
+    }
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x1}));
+}
+
+TEST_F(SurrogateModelManagerTest, DoesNotTakeANewVariableOfTheSameNameForTheOldOne)
+{
+    project->removeVariable(x1);
+    addInput("x1");
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesToNothingWhenAnotherProjectIsOpened)
+{
+    Project::setProject(boost::make_shared<Project>());
+
+    pipeline->emitChange();
+
+    EXPECT_TRUE(manager->independentVars()->get().empty());
+}
+
+TEST_F(SurrogateModelManagerTest, SurvivesTheUndoOfAPruneUntilTheNextChangePrunesAgain)
+{
+    project->removeVariable(x1);
+    cases.get()->RemoveColumnByName("x1");
+    pipeline->source->Modified();
+    pipeline->emitChange();
+
+    undoStack().undo();
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x1, x2}));
+    EXPECT_EQ(errorOf([&] { model({y1}); }), notEnoughCases);
+
+    pipeline->emitChange();
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
+}
+
+TEST_F(SurrogateModelManagerTest, PrunesWithinSomebodysUndoWithoutDisturbingTheStack)
+{
+    UndoStack().push(new GenericUndoCommand([] {},
+                                            [this] {
+                                                project->removeVariable(x1);
+                                                pipeline->emitChange();
+                                            },
+                                            nullptr, "Add variable", -1));
+
+    undoStack().undo();
+
+    EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
+    EXPECT_EQ(undoStack().count(), 1);
+    EXPECT_EQ(undoStack().index(), 0);
+}
+
+TEST_F(SurrogateModelManagerTest, DropsTheModelAlsoWhenAListenerOfThePruneThrows)
+{
+    model({y1});
+    project->removeVariable(x1);
+    manager->independentVars()->connectSignalChanged(
+        [](const Variables&) { throw std::runtime_error("listener"); });
+
+    EXPECT_THROW(pipeline->emitChange(), std::runtime_error);
+
+    EXPECT_EQ(recordedModels().alive, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, HearsNothingOfThePipelineAnyMoreWhenDestroyed)
+{
+    const auto list = manager->independentVars();
+    manager.reset();
+    project->removeVariable(x1);
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(list->get(), (Variables{x1, x2}));
+}
+
+TEST_F(SurrogateModelManagerTest, KeepsThePipelineAsLongAsItLives)
+{
+    const boost::weak_ptr<FakePipeline> watched = pipeline;
+    pipeline.reset();
+    EXPECT_FALSE(watched.expired());
+
+    manager.reset();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAnEarlierListenerOfThePipeline)
+{
+    manager.reset();
+    pipeline = boost::make_shared<FakePipeline>();
+    pipeline->connectSignalChanged([this] { manager.reset(); });
+    manager = boost::make_shared<SurrogateModelManager>(pipeline);
+    manager->independentVars()->set({x1, x2});
+    const auto list = manager->independentVars();
+    project->removeVariable(x1);
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager, nullptr);
+    EXPECT_EQ(list->get(), (Variables{x1, x2}));
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfAPrune)
+{
+    project->removeVariable(x1);
+    manager->independentVars()->connectSignalChanged([this](const Variables&) { manager.reset(); });
+
+    pipeline->emitChange();
+
+    EXPECT_EQ(manager, nullptr);
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfItsOwnSignal)
+{
+    Counter later;
+    std::vector<boost::signals2::connection> unused;
+    for (int connection = 0; connection < 4; ++connection) {
+        unused.push_back(manager->connectSignalModelChanged([] {}));
+    }
+    manager->connectSignalModelChanged([&] {
+        for (const boost::signals2::connection& connection : unused) {
+            connection.disconnect();
+        }
+        manager.reset();
+    });
+    manager->connectSignalModelChanged(later.slot());
+
+    manager->type()->set(Interface::Kriging);
+
+    EXPECT_EQ(manager, nullptr);
+    EXPECT_EQ(later.calls, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfASetting)
+{
+    manager->type()->connectSignalChanged([this](Interface::ModelType) { manager.reset(); });
+
+    manager->type()->set(Interface::Kriging);
+
+    EXPECT_EQ(manager, nullptr);
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfTheDefaultEvaluationPoint)
+{
+    const VarPtr x3 = addInput("x3");
+    const auto list = manager->independentVars();
+    manager->evaluationPoint()->connectSignalChanged(
+        [this](const SurrogateModelUserDistCollection&) { manager.reset(); });
+
+    list->set({x3});
+
+    EXPECT_EQ(manager, nullptr);
+    EXPECT_EQ(list->get(), (Variables{x3}));
+}
+
+TEST_F(SurrogateModelManagerTest, LeavesPropertiesThatOutliveItUsable)
+{
+    const VarPtr x3 = addInput("x3");
+    const auto type = manager->type();
+    const auto list = manager->independentVars();
+    const auto evaluationPoint = manager->evaluationPoint();
+    const SurrogateModelUserDistCollection points = evaluationPoint->get();
+    manager.reset();
+
+    type->set(Interface::Kriging);
+    list->set({x3});
+    EXPECT_EQ(evaluationPoint->get(), points);
+
+    undoStack().undo();
+    EXPECT_EQ(list->get(), (Variables{x1, x2}));
+    undoStack().undo();
+    EXPECT_EQ(type->get(), Interface::ResponseSurface);
+    undoStack().redo();
+    EXPECT_EQ(type->get(), Interface::Kriging);
+}
+
+TEST_F(SurrogateModelManagerTest, LeavesItsUndoStepsWithoutEffectWhenDestroyed)
+{
+    manager->type()->set(Interface::Kriging);
+    manager.reset();
+
+    undoStack().undo();
+    undoStack().redo();
+
+    EXPECT_EQ(recordedModels().alive, 0);
+}
+
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerDuringUndo)
+{
+    manager->type()->set(Interface::Kriging);
+    manager->connectSignalModelChanged([this] { manager.reset(); });
+
+    undoStack().undo();
+
+    EXPECT_EQ(manager, nullptr);
+}
+
+TEST_F(SurrogateModelManagerTest, TellsItsListenersBeforeTheCauseReturns)
+{
+    Counter changes;
+    manager->connectSignalModelChanged(changes.slot());
+
+    manager->type()->set(Interface::Kriging);
+    EXPECT_EQ(changes.calls, 1);
+    manager->independentVars()->set({x1});
+    EXPECT_EQ(changes.calls, 2);
+    pipeline->emitChange();
+    EXPECT_EQ(changes.calls, 3);
+}
