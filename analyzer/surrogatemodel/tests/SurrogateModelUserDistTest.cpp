@@ -3,10 +3,12 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
-#include <cmath>
+#include <functional>
 #include <limits>
 #include <locale>
+#include <random>
 #include <type_traits>
 
 namespace {
@@ -414,6 +416,36 @@ TEST(SurrogateModelUserDist, ReadsVeryLongTexts)
 
     ASSERT_EQ(values.size(), 100000u);
     EXPECT_EQ(values[99999], 99999.0);
+}
+
+TEST(SurrogateModelUserDist, RefusesRandomTextsWithAMessageOrGivesAscendingValues)
+{
+    const std::string alphabet = "0123456789..++--eE::,,  \t";
+    std::mt19937_64 random(20240521);
+    int accepted = 0;
+    for (int i = 0; i < 20000; ++i) {
+        std::string text;
+        for (std::uint64_t length = random() % 10; length > 0; --length) {
+            text += alphabet[random() % alphabet.size()];
+        }
+        Dist distribution(text);
+        Values values = {7.0, 7.0};
+
+        distribution.get(values);
+
+        if (distribution.isValid()) {
+            ++accepted;
+            ASSERT_FALSE(values.empty()) << text;
+            ASSERT_EQ(std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()),
+                      values.end())
+                << text;
+            ASSERT_EQ(distribution.errorString(), "") << text;
+        } else {
+            ASSERT_EQ(values, (Values{7.0, 7.0})) << text;
+            ASSERT_EQ(distribution.errorString().rfind("Expression: ", 0), 0u) << text;
+        }
+    }
+    EXPECT_GT(accepted, 1000) << "the texts hardly ever reach the expansion";
 }
 
 class CommaAsDecimalPoint : public std::numpunct<char>
