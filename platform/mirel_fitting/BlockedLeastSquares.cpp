@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -83,6 +84,31 @@ void BlockedLeastSquares::addRows(double* design, double* outputs, std::size_t r
     for (std::size_t output = 0; output < outputCount; ++output) {
         const double rest = length(outputs + output * rowsPerBlock, rows);
         remainingSquares[output] += rest * rest;
+    }
+}
+
+void BlockedLeastSquares::merge(BlockedLeastSquares&& other)
+{
+    assert(other.columnCount == columnCount && other.outputCount == outputCount);
+    if (rowCount == 0) {
+        *this = std::move(other);
+        return;
+    }
+    const auto n = static_cast<lapack_int>(columnCount);
+    const auto panel = static_cast<lapack_int>(reflectionsPerPanel(columnCount));
+    LAPACKE_dtpqrt_work(LAPACK_COL_MAJOR, n, n, n, panel, triangle.data(), n, other.triangle.data(),
+                        n, reflectorBlock.data(), panel, workspace.data());
+    rowCount += other.rowCount;
+    if (outputCount == 0) {
+        return;
+    }
+    LAPACKE_dtpmqrt_work(LAPACK_COL_MAJOR, 'L', 'T', n, static_cast<lapack_int>(outputCount), n, n,
+                         panel, other.triangle.data(), n, reflectorBlock.data(), panel,
+                         rotatedOutputs.data(), n, other.rotatedOutputs.data(), n,
+                         workspace.data());
+    for (std::size_t output = 0; output < outputCount; ++output) {
+        const double rest = length(&other.rotatedOutputs[output * columnCount], columnCount);
+        remainingSquares[output] += other.remainingSquares[output] + rest * rest;
     }
 }
 

@@ -53,6 +53,9 @@ public:
      */
     void addRows(double* design, double* outputs, std::size_t rows);
 
+    /** Adds the rows that `other` has been given, with the same columns and outputs. */
+    void merge(BlockedLeastSquares&& other);
+
     /**
      * Decides, from the first column to the last, which columns to keep, and solves for those. A
      * column is dropped if what the kept ones do not explain of it is below separableFraction of

@@ -1,16 +1,22 @@
 #include <mirel_fitting/PolynomialFit.h>
 
+#include <mirel_fitting/BlasThreads.h>
 #include <mirel_fitting/BlockedLeastSquares.h>
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/ThreadCount.h>
 
 #include <cblas.h>
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr std::size_t rowsPerBlock = BlockedLeastSquares::rowsPerBlock;
+
+/** What a thread takes at a time. Fixed, so that the results do not depend on the machine; enough
+ *  rows that merging the factors of two chunks does not count. */
+constexpr std::size_t rowsPerChunk = 32 * rowsPerBlock;
 
 /** Terms in the order in which they are preferred: what an earlier one explains, a later one need
  *  not. Constant and linear terms stay where the basis has them. */
@@ -56,126 +62,50 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
 
 } // namespace
 
-/** Walks over the rows in blocks of scaled inputs and outputs. */
-class PolynomialFit::Passes
+/** The columns during construction: borrowed values, and what the passes make of them. */
+struct PolynomialFit::Columns
+{
+    const std::vector<double*>& independents;
+    const std::vector<double*>& dependents;
+    std::vector<double> scaledCoefficients; // of the kept terms, per output
+};
+
+/** Walks over the rows of a chunk in blocks of scaled inputs and outputs. */
+class PolynomialFit::Pass : public OrderedChunks::Worker
 {
 public:
-    Passes(PolynomialFit& fit, const std::vector<double*>& independents,
-           const std::vector<double*>& dependents)
-        : fit(fit), independents(independents), dependents(dependents),
-          scaledInputs(independents.size() * rowsPerBlock),
-          scaledOutputs(dependents.size() * rowsPerBlock),
+    Pass(PolynomialFit& fit, Columns& columns)
+        : fit(fit), columns(columns), scaledInputs(columns.independents.size() * rowsPerBlock),
+          scaledOutputs(columns.dependents.size() * rowsPerBlock),
           design(fit.polynomial.size() * rowsPerBlock)
     {
-        for (std::size_t input = 0; input < independents.size(); ++input) {
+        for (std::size_t input = 0; input < columns.independents.size(); ++input) {
             inputColumns.push_back(scaledInputs.data() + input * rowsPerBlock);
         }
     }
 
-    void measure()
+    void compute(std::size_t chunk) override
     {
-        for (const double* column : independents) {
-            fit.scales.emplace_back(column, fit.caseCount);
-        }
-        for (const double* column : dependents) {
-            fit.fits.emplace_back();
-            fit.fits.back().scale = ColumnScale(column, fit.caseCount);
-        }
-    }
-
-    void factorise()
-    {
-        const std::vector<std::size_t> order = preferenceOrder(fit.polynomial);
-        BlockedLeastSquares leastSquares(order.size(), dependents.size());
-        forEachBlock(0.0, 0.7, [&](std::size_t rows) {
-            fillDesign(order, rows);
-            leastSquares.addRows(design.data(), scaledOutputs.data(), rows);
-        });
-
-        const BlockedLeastSquares::Solution solution =
-            leastSquares.solve(describe(fit.polynomial, order, fit.scales));
-        fit.keptFlags.assign(fit.polynomial.size(), 0);
-        for (const std::size_t column : solution.kept) {
-            fit.keptTerms.push_back(order[column]);
-            fit.keptFlags[order[column]] = 1;
-        }
-        fit.factor = solution.factor;
-        scaledCoefficients = solution.coefficients;
-        for (std::size_t output = 0; output < dependents.size(); ++output) {
-            fit.fits[output].totalSquares = solution.totalSquares[output];
-        }
-    }
-
-    void sumResiduals()
-    {
-        // A case of larger leverage is fitted exactly, up to rounding, whatever its value is.
-        constexpr double smallestFreedom = 1e-9;
-        const auto terms = static_cast<int>(fit.keptTerms.size());
-        const auto outputs = static_cast<int>(dependents.size());
-        const auto ld = static_cast<int>(rowsPerBlock);
-        std::vector<double> freedom(rowsPerBlock);
-
-        forEachBlock(0.7, 1.0, [&](std::size_t rows) {
-            const auto m = static_cast<int>(rows);
-            fillDesign(fit.keptTerms, rows);
-            if (outputs > 0) {
-                cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m, outputs, terms, -1.0,
-                            design.data(), ld, scaledCoefficients.data(), terms, 1.0,
-                            scaledOutputs.data(), ld);
-            }
-            cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, m, terms,
-                        1.0, fit.factor.data(), terms, design.data(), ld);
-            std::fill_n(freedom.begin(), rows, 1.0);
-            for (int term = 0; term < terms; ++term) {
-                const double* column = &design[static_cast<std::size_t>(term) * rowsPerBlock];
-                for (std::size_t row = 0; row < rows; ++row) {
-                    freedom[row] -= column[row] * column[row];
-                }
-            }
-            fit.pressAvailable =
-                fit.pressAvailable &&
-                *std::min_element(freedom.begin(), freedom.begin() + static_cast<long>(rows)) >
-                    smallestFreedom;
-            addSquares(freedom, rows);
-        });
-    }
-
-    /** From scaled outputs to the outputs' units, and from kept terms to all. */
-    void storeCoefficients()
-    {
-        const std::size_t kept = fit.keptTerms.size();
-        for (std::size_t output = 0; output < dependents.size(); ++output) {
-            Output& result = fit.fits[output];
-            result.coefficients.assign(fit.polynomial.size(), 0.0);
-            for (std::size_t k = 0; k < kept; ++k) {
-                result.coefficients[fit.keptTerms[k]] =
-                    scaledCoefficients[output * kept + k] * result.scale.unit();
-            }
-        }
-    }
-
-private:
-    template <typename Action>
-    void forEachBlock(double from, double to, const Action& action)
-    {
-        constexpr std::size_t blocksPerReport = 64;
-        for (std::size_t start = 0; start < fit.caseCount; start += rowsPerBlock) {
-            if (start / rowsPerBlock % blocksPerReport == 0) {
-                const double done = static_cast<double>(start) / static_cast<double>(fit.caseCount);
-                FitProgress::report(from + (to - from) * done, "fitting the response surface");
-            }
-            const std::size_t rows = std::min(rowsPerBlock, fit.caseCount - start);
-            for (std::size_t input = 0; input < independents.size(); ++input) {
-                fit.scales[input].apply(independents[input] + start, rows,
+        begin();
+        const std::size_t first = chunk * rowsPerChunk;
+        const std::size_t last = std::min(first + rowsPerChunk, fit.caseCount);
+        for (std::size_t start = first; start < last; start += rowsPerBlock) {
+            const std::size_t rows = std::min(rowsPerBlock, last - start);
+            for (std::size_t input = 0; input < columns.independents.size(); ++input) {
+                fit.scales[input].apply(columns.independents[input] + start, rows,
                                         scaledInputs.data() + input * rowsPerBlock);
             }
-            for (std::size_t output = 0; output < dependents.size(); ++output) {
-                fit.fits[output].scale.apply(dependents[output] + start, rows,
+            for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
+                fit.fits[output].scale.apply(columns.dependents[output] + start, rows,
                                              scaledOutputs.data() + output * rowsPerBlock);
             }
-            action(rows);
+            addBlock(rows);
         }
     }
+
+protected:
+    virtual void begin() = 0;
+    virtual void addBlock(std::size_t rows) = 0;
 
     void fillDesign(const std::vector<std::size_t>& terms, std::size_t rows)
     {
@@ -185,41 +115,180 @@ private:
         }
     }
 
-    void addSquares(const std::vector<double>& freedom, std::size_t rows)
-    {
-        for (std::size_t output = 0; output < dependents.size(); ++output) {
-            const double* residuals = scaledOutputs.data() + output * rowsPerBlock;
-            double squares = 0.0;
-            double leftOutSquares = 0.0;
-            for (std::size_t row = 0; row < rows; ++row) {
-                const double leftOut = residuals[row] / freedom[row];
-                squares += residuals[row] * residuals[row];
-                leftOutSquares += leftOut * leftOut;
-            }
-            fit.fits[output].residualSquares += squares;
-            fit.fits[output].press += leftOutSquares;
-        }
-    }
-
     PolynomialFit& fit;
-    const std::vector<double*>& independents;
-    const std::vector<double*>& dependents;
+    Columns& columns;
     std::vector<double> scaledInputs;
     std::vector<double> scaledOutputs;
     std::vector<double> design;
     std::vector<const double*> inputColumns;
-    std::vector<double> scaledCoefficients; // of the kept terms, per output
+};
+
+class PolynomialFit::Factorisation : public PolynomialFit::Pass
+{
+public:
+    Factorisation(PolynomialFit& fit, Columns& columns, const std::vector<std::size_t>& order,
+                  BlockedLeastSquares& total)
+        : Pass(fit, columns), order(order), total(total), part(emptyPart())
+    {}
+
+    void handOver(std::size_t) override { total.merge(std::move(part)); }
+
+private:
+    BlockedLeastSquares emptyPart() const { return {order.size(), columns.dependents.size()}; }
+
+    void begin() override { part = emptyPart(); }
+
+    void addBlock(std::size_t rows) override
+    {
+        fillDesign(order, rows);
+        part.addRows(design.data(), scaledOutputs.data(), rows);
+    }
+
+    const std::vector<std::size_t>& order;
+    BlockedLeastSquares& total;
+    BlockedLeastSquares part;
+};
+
+class PolynomialFit::Residuals : public PolynomialFit::Pass
+{
+public:
+    Residuals(PolynomialFit& fit, Columns& columns)
+        : Pass(fit, columns), freedom(rowsPerBlock), squares(columns.dependents.size()),
+          leftOutSquares(columns.dependents.size())
+    {}
+
+    void handOver(std::size_t) override
+    {
+        for (std::size_t output = 0; output < squares.size(); ++output) {
+            fit.fits[output].residualSquares += squares[output];
+            fit.fits[output].press += leftOutSquares[output];
+        }
+        // A case of larger leverage is fitted exactly, up to rounding, whatever its value is.
+        constexpr double enoughFreedom = 1e-9;
+        fit.pressAvailable = fit.pressAvailable && leastFreedom > enoughFreedom;
+    }
+
+private:
+    void begin() override
+    {
+        std::fill(squares.begin(), squares.end(), 0.0);
+        std::fill(leftOutSquares.begin(), leftOutSquares.end(), 0.0);
+        leastFreedom = 1.0;
+    }
+
+    void addBlock(std::size_t rows) override
+    {
+        const auto m = static_cast<int>(rows);
+        const auto terms = static_cast<int>(fit.keptTerms.size());
+        const auto ld = static_cast<int>(rowsPerBlock);
+        fillDesign(fit.keptTerms, rows);
+        if (!squares.empty()) {
+            cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m,
+                        static_cast<int>(squares.size()), terms, -1.0, design.data(), ld,
+                        columns.scaledCoefficients.data(), terms, 1.0, scaledOutputs.data(), ld);
+        }
+        measureFreedom(m, terms, ld);
+        for (std::size_t output = 0; output < squares.size(); ++output) {
+            const double* residuals = scaledOutputs.data() + output * rowsPerBlock;
+            for (std::size_t row = 0; row < rows; ++row) {
+                const double leftOut = residuals[row] / freedom[row];
+                squares[output] += residuals[row] * residuals[row];
+                leftOutSquares[output] += leftOut * leftOut;
+            }
+        }
+    }
+
+    /** 1 minus the leverage of each case, which is the squared length of its row of the orthonormal
+     *  factor: leaving the case out divides its residual by it. */
+    void measureFreedom(int rows, int terms, int ld)
+    {
+        cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, rows, terms,
+                    1.0, fit.factor.data(), terms, design.data(), ld);
+        std::fill_n(freedom.begin(), rows, 1.0);
+        for (int term = 0; term < terms; ++term) {
+            const double* column = &design[static_cast<std::size_t>(term) * rowsPerBlock];
+            for (int row = 0; row < rows; ++row) {
+                freedom[static_cast<std::size_t>(row)] -= column[row] * column[row];
+            }
+        }
+        leastFreedom =
+            std::min(leastFreedom, *std::min_element(freedom.begin(), freedom.begin() + rows));
+    }
+
+    std::vector<double> freedom;
+    double leastFreedom = 1.0;
+    std::vector<double> squares;
+    std::vector<double> leftOutSquares;
 };
 
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                              const std::vector<double*>& dependents, std::size_t cases)
     : polynomial(basis), caseCount(cases)
 {
-    Passes passes(*this, independents, dependents);
-    passes.measure();
-    passes.factorise();
-    passes.sumResiduals();
-    passes.storeCoefficients();
+    for (const double* column : independents) {
+        scales.emplace_back(column, cases);
+    }
+    for (const double* column : dependents) {
+        fits.emplace_back();
+        fits.back().scale = ColumnScale(column, cases);
+    }
+    Columns columns{independents, dependents, {}};
+    const BlasThreads blasThreads(basis.size());
+    factorise(columns);
+    const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
+    walk(residuals, 0.7, 1.0);
+    storeCoefficients(columns);
+}
+
+void PolynomialFit::factorise(Columns& columns)
+{
+    const std::vector<std::size_t> order = preferenceOrder(polynomial);
+    BlockedLeastSquares total(order.size(), columns.dependents.size());
+    const auto factorisation = [&] {
+        return std::make_unique<Factorisation>(*this, columns, order, total);
+    };
+    walk(factorisation, 0.0, 0.7);
+
+    const BlockedLeastSquares::Solution solution = total.solve(describe(polynomial, order, scales));
+    keptFlags.assign(polynomial.size(), 0);
+    for (const std::size_t column : solution.kept) {
+        keptTerms.push_back(order[column]);
+        keptFlags[order[column]] = 1;
+    }
+    factor = solution.factor;
+    columns.scaledCoefficients = solution.coefficients;
+    for (std::size_t output = 0; output < fits.size(); ++output) {
+        fits[output].totalSquares = solution.totalSquares[output];
+    }
+}
+
+void PolynomialFit::walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
+                         double from, double to) const
+{
+    const std::size_t chunks = (caseCount + rowsPerChunk - 1) / rowsPerChunk;
+    // With more terms, a factor for each thread takes much memory, and OpenBLAS uses them itself.
+    constexpr std::size_t mostTermsPerThread = 500;
+    const int threads = polynomial.size() < mostTermsPerThread ? threadCount() : 1;
+    const auto report = [&](std::size_t chunk) {
+        const double done = static_cast<double>(chunk) / static_cast<double>(chunks);
+        FitProgress::report(from + (to - from) * done, "fitting the response surface");
+    };
+    // Other threads may take all chunks, and leave this one nothing to report before.
+    report(0);
+    OrderedChunks::run(chunks, threads, makeWorker, report);
+}
+
+void PolynomialFit::storeCoefficients(const Columns& columns)
+{
+    const std::size_t kept = keptTerms.size();
+    for (std::size_t output = 0; output < fits.size(); ++output) {
+        Output& result = fits[output];
+        result.coefficients.assign(polynomial.size(), 0.0);
+        for (std::size_t k = 0; k < kept; ++k) {
+            result.coefficients[keptTerms[k]] =
+                columns.scaledCoefficients[output * kept + k] * result.scale.unit();
+        }
+    }
 }
 
 std::vector<std::vector<double>> PolynomialFit::coefficientDirections() const

@@ -1,15 +1,19 @@
 #pragma once
 
 #include <mirel_fitting/ColumnScale.h>
+#include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/QuadraticBasis.h>
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <vector>
 
 /**
  * A polynomial fitted by least squares to several outputs at once, in three passes over the
  * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
- * few blocks and p^2 numbers.
+ * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
+ * does not depend on them below 500 terms.
  */
 class PolynomialFit
 {
@@ -62,7 +66,15 @@ public:
     std::vector<std::vector<double>> coefficientDirections() const;
 
 private:
-    class Passes;
+    struct Columns;
+    class Pass;
+    class Factorisation;
+    class Residuals;
+
+    void factorise(Columns& columns);
+    void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
+              double from, double to) const;
+    void storeCoefficients(const Columns& columns);
 
     QuadraticBasis polynomial;
     std::size_t caseCount;

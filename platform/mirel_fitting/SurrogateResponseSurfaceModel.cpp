@@ -160,6 +160,7 @@ void SurrogateResponseSurfaceModel::interpolateDependentValues(const std::vector
     impl->columns.requireEvaluation(inputs, offsets, outputs, count);
     const PolynomialFit& fit = impl->fit;
     std::vector<const PolynomialFit::Output*> fits;
+    fits.reserve(offsets.size());
     for (const int offset : offsets) {
         fits.push_back(&impl->output(offset));
     }

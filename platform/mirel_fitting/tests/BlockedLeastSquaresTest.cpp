@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace fittingtest;
 
@@ -79,6 +80,29 @@ TEST(BlockedLeastSquares, FindsTheCoefficientsAcrossBlocks)
             EXPECT_NEAR(solution.coefficients[5 + k], k == 2 ? 1.0 : 0.0, 1e-12);
         }
     }
+}
+
+TEST(BlockedLeastSquares, MergesPartsIntoTheFitOfAllRows)
+{
+    const std::vector<Column> design = randomDesign(5, 300);
+    const Column output = Random(4).column(300, 0.0, 1.0);
+    BlockedLeastSquares total(5, 1);
+    for (std::size_t start = 0; start < 300; start += 100) {
+        BlockedLeastSquares part(5, 1);
+        std::vector<double> designBlock(5 * rowsPerBlock);
+        std::vector<double> outputBlock(rowsPerBlock);
+        for (std::size_t column = 0; column < 5; ++column) {
+            std::copy_n(&design[column][start], 100, &designBlock[column * rowsPerBlock]);
+        }
+        std::copy_n(&output[start], 100, outputBlock.data());
+        part.addRows(designBlock.data(), outputBlock.data(), 100);
+        total.merge(std::move(part));
+    }
+    const BlockedLeastSquares::Solution merged = total.solve(Columns(5));
+    const BlockedLeastSquares::Solution whole = solve(design, {output});
+
+    EXPECT_LT(largestDifference(merged.coefficients, whole.coefficients), 1e-14);
+    EXPECT_NEAR(merged.totalSquares[0], whole.totalSquares[0], 1e-12);
 }
 
 TEST(BlockedLeastSquares, SumsSquaresAboutTheMean)

@@ -192,7 +192,7 @@ TEST(ResponseSurfaceContract, ReportsHowFarTheFitIs)
 
     fit(twoInputs(100000, 1.0));
 
-    ASSERT_GE(fractions.size(), 4u);
+    ASSERT_GE(fractions.size(), 2u);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     EXPECT_GE(fractions.front(), 0.0);
     EXPECT_LE(fractions.back(), 1.0);

@@ -155,6 +155,23 @@ TEST(ResponseSurface, GivesTheSameBitsRunAfterRun)
     EXPECT_EQ(first.fitMetrics(0).press, second.fitMetrics(0).press);
 }
 
+TEST(ResponseSurface, GivesTheSameBitsForEveryNumberOfThreads)
+{
+    const Cases cases = twoInputs(100000, 1.0);
+    std::vector<std::string> equations;
+    std::vector<double> press;
+    for (const int threads : {1, 2, 5}) {
+        setThreadCount(threads);
+        const Model model = fit(cases);
+        equations.push_back(model.surfaceCoefficientInformation(0));
+        press.push_back(model.fitMetrics(0).press);
+    }
+    setThreadCount(0);
+
+    EXPECT_EQ(equations, std::vector<std::string>(3, equations[0]));
+    EXPECT_EQ(press, std::vector<double>(3, press[0]));
+}
+
 TEST(ResponseSurface, DoesNotDependOnTheUnitsOfTheInputs)
 {
     const Cases cases = twoInputs(40, 1.0);
