@@ -92,6 +92,29 @@ TEST_F(SignalConnectionCollectionTest, DisconnectsWhenDestroyed)
     EXPECT_EQ(calls, 0);
 }
 
+TEST_F(SignalConnectionCollectionTest, SilencesSlotsThatARunningEmissionHasYetToReach)
+{
+    auto shortLived = std::make_unique<SignalConnectionCollection>();
+    signal.connect([&] { shortLived.reset(); });
+    shortLived->add(connect());
+
+    signal();
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SignalConnectionCollectionTest, DisconnectsAlsoWhileBlocked)
+{
+    auto shortLived = std::make_unique<SignalConnectionCollection>();
+    const boost::signals2::connection connection = connect();
+    shortLived->add(connection);
+    shortLived->block();
+
+    shortLived.reset();
+
+    EXPECT_FALSE(connection.connected());
+}
+
 TEST_F(SignalConnectionCollectionTest, OutlivesTheSignal)
 {
     auto other = std::make_unique<boost::signals2::signal<void()>>();
