@@ -21,7 +21,13 @@ void UndoStackState::closeMacro()
     if (--openMacros > 0 || !std::exchange(hasBegunStep, false) || !isStepOpen()) {
         return;
     }
-    undoStack.endMacro();
+    try {
+        undoStack.endMacro();
+    } catch (...) {
+        // Out of a listener: Qt has closed the step before it tells them.
+        dropStepWithoutParts();
+        throw;
+    }
     dropStepWithoutParts();
 }
 

@@ -14,6 +14,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 template <class T>
@@ -181,6 +182,17 @@ public:
     {
         mergeId = 7;
     }
+};
+
+// Puts values in as undo and redo do.
+class ApplyingProxy : public Proxy
+{
+public:
+    explicit ApplyingProxy(boost::shared_ptr<veska::PropertyAbstract<int>> target)
+        : Proxy("Applying", std::move(target))
+    {}
+
+    using Proxy::applyValue;
 };
 
 struct UndoablePropertyProxyTest : testing::Test
@@ -426,6 +438,30 @@ TEST_F(UndoablePropertyProxyTest, RecordsNothingThatListenersPushDuringUndoAndRe
     EXPECT_EQ(stack.index(), 1);
 
     EXPECT_EQ(log, "rA rA ");
+}
+
+TEST_F(UndoablePropertyProxyTest, SuspendsRecordingItselfWhileItAppliesAValue)
+{
+    ApplyingProxy applying(target);
+    target->connectSignalChanged([this](const int&) { push("A"); });
+
+    applying.applyValue(1);
+
+    EXPECT_EQ(target->get(), 1);
+    EXPECT_EQ(log, "rA ");
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(UndoablePropertyProxyTest, RecordsAgainOnceApplyingAValueHasFailed)
+{
+    ApplyingProxy applying(target);
+    target->refuses = true;
+    EXPECT_THROW(applying.applyValue(1), veska::InvalidPropertyValueException);
+    target->refuses = false;
+
+    applying.set(2);
+
+    EXPECT_EQ(stack.count(), 1);
 }
 
 TEST_F(UndoablePropertyProxyTest, RecordsNothingOfAnotherProxyThatUndoSetsOff)

@@ -186,6 +186,41 @@ TEST_F(UndoStackMacroTest, MayBeClearedWithinAMacro)
     EXPECT_TRUE(stack.canUndo());
 }
 
+TEST_F(UndoStackMacroTest, EndsQuietlyWhenTheStackWasClearedWithinIt)
+{
+    static int warnings;
+    warnings = 0;
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
+    {
+        const UndoStack::Macro macro("macro");
+        push("A");
+        stack.clear();
+    }
+    qInstallMessageHandler(before);
+
+    EXPECT_EQ(warnings, 0);
+    EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(UndoStackMacroTest, LeavesNoStepWhenAListenerThrowsAtItsBeginning)
+{
+    push("A");
+    const auto connection =
+        QObject::connect(&stack, &QUndoStack::canUndoChanged, [] { throw StackError(); });
+    const auto pushInMacro = [this] {
+        const UndoStack::Macro macro("macro");
+        push("B");
+    };
+
+    EXPECT_THROW(pushInMacro(), StackError);
+    QObject::disconnect(connection);
+
+    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.undoText(), "A");
+    EXPECT_TRUE(stack.canUndo());
+}
+
 TEST_F(UndoStackMacroTest, JoinsAMacroOfTheHostsOwnAndLeavesItOpen)
 {
     stack.beginMacro("host");
