@@ -118,6 +118,8 @@ public:
 
 Project::Impl::~Impl()
 {
+    // A running emission holds its slots: nobody is to be told of a project that has gone.
+    changes->signal.disconnect_all_slots();
     for (const boost::shared_ptr<Variable>& variable : allVariables) {
         variable->impl->inProject = false;
         variable->impl->owner = nullptr;

@@ -34,7 +34,10 @@ public:
     /** No variables, no records. */
     Project();
 
-    /** Handles of the project are no longer valid; objects that somebody locked live on. */
+    /**
+     * Disconnects every listener, also those that a running emission has yet to reach. Handles of
+     * the project are no longer valid; objects that somebody locked live on.
+     */
     ~Project();
 
     Project(const Project&) = delete;

@@ -1,19 +1,23 @@
 #include <mirel_datapipeline/DataPipelineManagerInterface.h>
 
-DataPipelineManagerInterface::DataPipelineManagerInterface()
-    : changedSignal(std::make_shared<ChangedSignal>())
-{}
+#include <mirel_signals/EmitSignal.h>
 
-DataPipelineManagerInterface::~DataPipelineManagerInterface() = default;
+DataPipelineManagerInterface::DataPipelineManagerInterface() = default;
+
+DataPipelineManagerInterface::~DataPipelineManagerInterface()
+{
+    // A running emission holds its slots: without this it would go on calling them for a pipeline
+    // that one of them has destroyed.
+    changedSignal.disconnect_all_slots();
+}
 
 boost::signals2::connection
 DataPipelineManagerInterface::connectSignalChanged(const ChangedSignal::slot_type& slot) const
 {
-    return changedSignal->connect(slot);
+    return changedSignal.connect(slot);
 }
 
 void DataPipelineManagerInterface::emitChanged() const
 {
-    const std::shared_ptr<ChangedSignal> emitting = changedSignal;
-    (*emitting)();
+    emitSignal(changedSignal);
 }

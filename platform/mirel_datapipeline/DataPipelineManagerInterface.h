@@ -5,8 +5,6 @@
 #include <boost/signals2/signal.hpp>
 #include <vtkSmartPointer.h>
 
-#include <memory>
-
 class vtkTableAlgorithm;
 
 /** Where the cases of the project come from, as one table, and the news that they have changed. */
@@ -15,6 +13,7 @@ class MIREL_DATAPIPELINE_EXPORT DataPipelineManagerInterface
 public:
     using ChangedSignal = boost::signals2::signal<void()>;
 
+    /** Disconnects every listener, also those that a running emission has yet to reach. */
     virtual ~DataPipelineManagerInterface();
 
     DataPipelineManagerInterface(const DataPipelineManagerInterface&) = delete;
@@ -41,6 +40,5 @@ protected:
     void emitChanged() const;
 
 private:
-    // Shared with a running emission, which may outlive the object.
-    std::shared_ptr<ChangedSignal> changedSignal;
+    mutable ChangedSignal changedSignal;
 };

@@ -123,13 +123,29 @@ TEST_F(ProjectChanges, MayBeMadeByAListener)
     EXPECT_EQ(project.numericValues(x)[1], 8.0);
 }
 
-TEST(ProjectChangesOfAClosedProject, MayBeAnsweredByClosingIt)
+TEST(ProjectChangesOfAClosedProject, AreToldToNobodyElseWhenAListenerClosesIt)
 {
     auto project = std::make_unique<Project>();
+    int later = 0;
     project->connectSignalChanged([&project] { project.reset(); });
+    project->connectSignalChanged([&later] { ++later; });
     const VarPtr added = project->addNumericVariable("x", Variable::Independent);
     EXPECT_EQ(project, nullptr);
     EXPECT_FALSE(added.valid());
+    EXPECT_EQ(later, 0);
+}
+
+TEST(ProjectChangesOfAClosedProject, AreToldToNobodyWhenItsGroupEnds)
+{
+    auto project = std::make_unique<Project>();
+    int told = 0;
+    project->connectSignalChanged([&told] { ++told; });
+    {
+        Project::ChangeGroup group(*project);
+        project->addRecord();
+        project.reset();
+    }
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(ProjectChanges, OfOneGroupAreAnnouncedOnceAtItsEnd)
@@ -243,14 +259,6 @@ TEST_F(ProjectChanges, AreGroupedWithinTheCleanUpAfterAnException)
     } catch (const std::logic_error&) {
     }
     EXPECT_TRUE(listenerWasHeard);
-}
-
-TEST_F(ProjectChanges, OfAGroupSurviveTheEndOfTheProject)
-{
-    auto shortLived = std::make_unique<Project>();
-    Project::ChangeGroup group(*shortLived);
-    shortLived->addRecord();
-    shortLived.reset();
 }
 
 TEST_F(ProjectChanges, GroupsAreNotCopyable)

@@ -62,13 +62,16 @@ TEST(DataPipelineManagerInterface, EndsItsConnectionsWithItself)
 TEST(DataPipelineManagerInterface, MayBeDestroyedByAListener)
 {
     auto pipeline = std::make_unique<AnnouncingPipeline>();
+    int later = 0;
     for (int i = 0; i < 8; ++i) {
         // Ended connections are cleaned up by the emission, after the listener's call.
         pipeline->connectSignalChanged([] {}).disconnect();
     }
     pipeline->connectSignalChanged([&pipeline] { pipeline.reset(); });
+    pipeline->connectSignalChanged([&later] { ++later; });
     pipeline->announce();
     EXPECT_EQ(pipeline, nullptr);
+    EXPECT_EQ(later, 0) << "nobody else is told of a pipeline that has gone";
 }
 
 TEST(DataPipelineManagerInterface, LetsTheExceptionOfAListenerPass)
