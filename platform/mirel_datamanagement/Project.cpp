@@ -97,9 +97,10 @@ public:
 
     void checkNameIsFree(const std::string& name) const;
 
+    /** @return the handle as it stands in the order, good until the next change. */
     template <class Value>
-    VarPtr addVariable(const std::string& name, Variable::Nature nature, std::vector<Value> values,
-                       const Value& missing);
+    const VarPtr& addVariable(const std::string& name, Variable::Nature nature,
+                              std::vector<Value> values, const Value& missing);
 
     /** Room in every column, so that appendRecords() cannot fail half-way. */
     void prepareRecords(std::size_t count);
@@ -185,8 +186,8 @@ void Project::Impl::checkNameIsFree(const std::string& name) const
 }
 
 template <class Value>
-VarPtr Project::Impl::addVariable(const std::string& name, Variable::Nature nature,
-                                  std::vector<Value> values, const Value& missing)
+const VarPtr& Project::Impl::addVariable(const std::string& name, Variable::Nature nature,
+                                         std::vector<Value> values, const Value& missing)
 {
     checkVariableName(name);
     checkNameIsFree(name);
@@ -210,7 +211,7 @@ VarPtr Project::Impl::addVariable(const std::string& name, Variable::Nature natu
     variable->impl->inProject = true;
     order.push_back(handle);
     allVariables.push_back(std::move(variable));
-    return handle;
+    return order.back();
 }
 
 void Project::Impl::prepareRecords(std::size_t count)
