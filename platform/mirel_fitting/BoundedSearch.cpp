@@ -133,20 +133,25 @@ const std::vector<double>& BoundedSearch::curvature() const
 
 void BoundedSearch::advance(int steps, double smallestGain)
 {
-    double lastGain = 0.0;
+    constexpr int mostTries = 12;
+
     for (int k = 0; k < steps && !done; ++k) {
         proposeStep();
-        // A model that has just been wrong by more is not believed yet.
-        if (!isStepLimited && expectedGain() < smallestGain && lastGain < 10.0 * smallestGain) {
+        const double expected = expectedGain();
+        const bool isLittle = !isStepLimited && expected < smallestGain;
+        if (isLittle && isModelTrusted) {
             done = true;
             return;
         }
         const double before = currentValue;
-        if (!tryStep()) {
+        if (!tryStep(isLittle ? 1 : mostTries)) {
             done = true;
             return;
         }
-        lastGain = currentValue - before;
+        // A model that has just been wrong is not believed when it expects nothing more.
+        const double gained = currentValue - before;
+        isModelTrusted =
+            gained < 10.0 * smallestGain || std::fabs(gained - expected) < 0.5 * gained;
     }
 }
 
@@ -230,10 +235,9 @@ void BoundedSearch::proposeStep()
     }
 }
 
-bool BoundedSearch::tryStep()
+bool BoundedSearch::tryStep(int mostTries)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
-    constexpr int mostTries = 12;
 
     const double slope = dot(gradient, step);
     if (!(slope > 0.0)) {

@@ -50,7 +50,7 @@ public:
 
 private:
     void proposeStep();
-    bool tryStep();
+    bool tryStep(int mostTries);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
 
@@ -65,6 +65,7 @@ private:
     std::vector<double> step;
     double trustRadius;
     bool isStepLimited = false;
+    bool isModelTrusted = true;
     bool hasCurvature = false;
     bool done = false;
 };

@@ -62,6 +62,7 @@ private:
     KrigingFit withTrendAlone();
     KrigingFit constant();
     void measure(KrigingFit& fit, const std::vector<double>& residuals) const;
+    void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
     void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
     void judge(KrigingFit& fit);
 
@@ -71,6 +72,8 @@ private:
     double offset = 0.0; // output = offset + scale * standardised output
     double scale = 1.0;
     std::shared_ptr<KrigingData> data;
+    std::vector<double> rowsAtPoint; // distinct in their output
+    std::vector<double> scatterAtPoint;
     std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
     std::shared_ptr<const KrigingTrend> trend;
     KrigingSearch::Result found;
@@ -133,8 +136,16 @@ void Fitter::mergeRows()
             squares += (value - mean) * (value - mean);
         }
         data->output.push_back(mean);
-        data->rows.push_back(static_cast<double>(values.size()));
-        data->scatter.push_back(squares);
+        rowsAtPoint.push_back(static_cast<double>(values.size()));
+        scatterAtPoint.push_back(squares);
+    }
+    data->rows = rowsAtPoint;
+    data->scatter = scatterAtPoint;
+    if (options.isNuggetFixed) {
+        // The scatter would be measured against a nugget that nobody fitted to it, and against
+        // none at all be infinitely unlikely: the mean is then a case like the others.
+        data->rows.assign(data->cases, 1.0);
+        data->scatter.assign(data->cases, 0.0);
     }
     if (copies > 0) {
         warnings.push_back(counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
@@ -173,20 +184,14 @@ void Fitter::chooseTrend()
 bool Fitter::isExplainedByTrend() const
 {
     double largest = 0.0;
-    double scatter = 0.0;
     for (std::size_t i = 0; i < data->cases; ++i) {
         largest = std::max(largest, std::fabs(offset / scale + data->output[i]));
-        scatter += data->scatter[i];
+        if (scatterAtPoint[i] > 0.0) {
+            return false;
+        }
     }
     const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
-    KrigingLikelihood independent(data);
-    if (scatter > 0.0) {
-        return false;
-    }
-    // Lengths of zero size: no correlation, so that the variance is that of least squares.
-    const std::vector<double> none(data->inputs, 1e-9);
-    independent.evaluate(none, 0.0);
-    return std::sqrt(independent.processVariance()) <= rounding;
+    return std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
 }
 
 void Fitter::search()
@@ -199,12 +204,6 @@ void Fitter::search()
     for (std::size_t k = 0; k < data->inputs && !options.correlationLengths.empty(); ++k) {
         const double length = options.correlationLengths[cases.activeInputs()[k]];
         settings.fixedLengths.push_back(length / cases.range()[k]);
-    }
-    if (options.isNuggetFixed) {
-        // Without a free nugget the scatter of repeated cases cannot be told from their number: the
-        // mean is then taken for a single case.
-        data->rows.assign(data->cases, 1.0);
-        data->scatter.assign(data->cases, 0.0);
     }
     found = KrigingSearch::run(data, settings);
     if (found.isNuggetRaised) {
@@ -230,6 +229,7 @@ KrigingFit Fitter::withCorrelation()
     search();
     KrigingLikelihood likelihood(data);
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
+    FitProgress::report(0.99, "Measuring the fit");
 
     KrigingPredictor::Parts parts = commonParts();
     auto correlation =
@@ -259,20 +259,14 @@ KrigingFit Fitter::withCorrelation()
 
 KrigingFit Fitter::withTrendAlone()
 {
-    KrigingLikelihood likelihood(data);
-    likelihood.evaluate(std::vector<double>(data->inputs, 1e-9), 0.0);
+    const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
     KrigingPredictor::Parts parts = commonParts();
-    parts.coefficients = likelihood.coefficients();
+    parts.coefficients = leastSquares.coefficients;
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
-    const auto n = static_cast<double>(data->cases);
-    const double variance = likelihood.processVariance() * scale * scale;
-    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
-    fit.report.processVariance = variance;
-    fit.report.logLikelihood =
-        variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) : infinity;
-    reportTrend(fit, likelihood.coefficients());
-    measure(fit, likelihood.leaveOneOutResiduals());
+    reportIndependent(fit, leastSquares.variance * scale * scale, data->cases);
+    reportTrend(fit, leastSquares.coefficients);
+    measure(fit, leastSquares.leaveOneOutResiduals);
     warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
     return fit;
 }
@@ -292,10 +286,7 @@ KrigingFit Fitter::constant()
     for (const double y : output) {
         squares += (y - offset) * (y - offset);
     }
-    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
-    fit.report.processVariance = squares / n;
-    fit.report.logLikelihood =
-        squares > 0.0 ? -0.5 * (n * std::log(twoPi * squares / n) + n) : infinity;
+    reportIndependent(fit, squares / n, output.size());
     fit.metrics.cases = output.size();
     fit.metrics.terms = 1;
     fit.metrics.rmse = std::sqrt(squares / n);
@@ -315,6 +306,16 @@ KrigingFit Fitter::constant()
         warnings.push_back("There is only one case: the prediction is constant.");
     }
     return fit;
+}
+
+/** The parameters where nothing is correlated: R is the identity. */
+void Fitter::reportIndependent(KrigingFit& fit, double variance, std::size_t count) const
+{
+    const auto n = static_cast<double>(count);
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    fit.report.processVariance = variance;
+    fit.report.logLikelihood =
+        variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) : infinity;
 }
 
 void Fitter::reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const
@@ -349,8 +350,8 @@ void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) cons
     double rows = 0.0;
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
-        rows += data->rows[i];
-        sum += data->rows[i] * data->output[i];
+        rows += rowsAtPoint[i];
+        sum += rowsAtPoint[i] * data->output[i];
     }
     const double mean = sum / rows;
     double total = 0.0;
@@ -359,9 +360,9 @@ void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) cons
     for (std::size_t i = 0; i < n; ++i) {
         const double residual = data->output[i] - (fitted[i] - offset) / scale;
         const double deviation = data->output[i] - mean;
-        errors += data->scatter[i] + data->rows[i] * residual * residual;
-        total += data->scatter[i] + data->rows[i] * deviation * deviation;
-        press += data->scatter[i] + data->rows[i] * residuals[i] * residuals[i];
+        errors += scatterAtPoint[i] + rowsAtPoint[i] * residual * residual;
+        total += scatterAtPoint[i] + rowsAtPoint[i] * deviation * deviation;
+        press += scatterAtPoint[i] + rowsAtPoint[i] * residuals[i] * residuals[i];
     }
     fit.metrics.cases = static_cast<std::size_t>(rows);
     fit.metrics.terms = data->terms;

@@ -33,7 +33,8 @@ public:
     {
         done += work;
         // Nobody knows how many steps are left: the fraction comes close to 1 without reaching it.
-        FitProgress::report(1.0 - std::exp(-2.0 * done / expectedWork),
+        constexpr double mostOfIt = 0.98;
+        FitProgress::report(mostOfIt * (1.0 - std::exp(-2.0 * done / expectedWork)),
                             "Searching for the correlation lengths");
     }
 
@@ -185,17 +186,24 @@ std::vector<std::size_t> sample(std::size_t cases, std::size_t size)
     return indices;
 }
 
+double expectedWork(const KrigingData& data)
+{
+    const auto n = static_cast<double>(data.cases);
+    const double m = std::min<double>(n, casesToCompete);
+    return 100.0 * m * m * m + 20.0 * n * n * n;
+}
+
 class Search
 {
 public:
-    Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearch::Settings& settings)
-        : data(data), settings(settings), variables(*data, settings), progress(expectedWork(*data))
+    Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearch::Settings& settings,
+           Progress& progress)
+        : data(data), settings(settings), progress(progress), variables(*data, settings)
     {}
 
     KrigingSearch::Result run();
 
 private:
-    static double expectedWork(const KrigingData& data);
     std::size_t competitors() const;
     void compete();
     void escapeDroppedInputs(LogLikelihood& objective, BoundedSearch*& best);
@@ -204,26 +212,22 @@ private:
                                           double& value) const;
     double smallestGain(std::size_t cases) const
     {
-        return settings.tolerance * static_cast<double>(cases);
+        // The quasi-Newton model knows only the directions that the search has taken, and expects
+        // too little of the others.
+        constexpr double trust = 0.1;
+        return trust * settings.tolerance * static_cast<double>(cases);
     }
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
+    Progress& progress;
     Variables variables;
-    Progress progress;
     std::vector<std::unique_ptr<BoundedSearch>> searches;
     std::vector<std::vector<double>> candidates; // best first
     std::vector<double> curvature;               // of the best, for `curvatureCases` cases
     std::size_t curvatureCases = 0;
     double secondGap = infinity; // between the two best optima
 };
-
-double Search::expectedWork(const KrigingData& data)
-{
-    const auto n = static_cast<double>(data.cases);
-    const double m = std::min<double>(n, casesToCompete);
-    return 100.0 * m * m * m + 20.0 * n * n * n;
-}
 
 std::size_t Search::competitors() const
 {
@@ -387,9 +391,10 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
 
     Settings attempt = settings;
     attempt.smallestNugget = std::max(attempt.smallestNugget, soundNugget());
+    Progress progress(expectedWork(*data));
     bool isRaised = false;
     for (;;) {
-        Result result = Search(data, attempt).run();
+        Result result = Search(data, attempt, progress).run();
         if (std::isfinite(result.logLikelihood)) {
             result.isNuggetRaised = isRaised;
             return result;

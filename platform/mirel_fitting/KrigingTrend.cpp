@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -13,13 +14,18 @@ double centred(double coordinate)
     return 2.0 * coordinate - 1.0;
 }
 
-double norm(const std::vector<double>& column)
+double dot(const double* a, const double* b, std::size_t count)
 {
     double sum = 0.0;
-    for (const double value : column) {
-        sum += value * value;
+    for (std::size_t i = 0; i < count; ++i) {
+        sum += a[i] * b[i];
     }
-    return std::sqrt(sum);
+    return sum;
+}
+
+double norm(const std::vector<double>& column)
+{
+    return std::sqrt(dot(column.data(), column.data(), column.size()));
 }
 
 /** Takes out of `column` what lies in the span of the orthonormal `basis`. */
@@ -28,10 +34,7 @@ void orthogonalise(std::vector<double>& column, const std::vector<std::vector<do
     // Twice is enough: Giraud, Langou, Rozloznik, Comput. Math. Appl. 50 (2005).
     for (int round = 0; round < 2; ++round) {
         for (const std::vector<double>& direction : basis) {
-            double part = 0.0;
-            for (std::size_t i = 0; i < column.size(); ++i) {
-                part += direction[i] * column[i];
-            }
+            const double part = dot(direction.data(), column.data(), column.size());
             for (std::size_t i = 0; i < column.size(); ++i) {
                 column[i] -= part * direction[i];
             }
@@ -55,7 +58,6 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
         --usedOrder;
     }
 
-    std::vector<std::vector<double>> basis;
     const QuadraticBasis allTerms(inputs, usedOrder);
     for (const Term& term : allTerms.terms()) {
         std::vector<double> column(cases, 1.0);
@@ -65,7 +67,7 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
             }
         }
         std::vector<double> rest = column;
-        orthogonalise(rest, basis);
+        orthogonalise(rest, orthonormal);
         const double length = norm(rest);
         if (length <= independent * norm(column)) {
             dropped.push_back(term);
@@ -74,7 +76,7 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
         for (double& value : rest) {
             value /= length;
         }
-        basis.push_back(std::move(rest));
+        orthonormal.push_back(std::move(rest));
         terms.push_back(term);
         values.insert(values.end(), column.begin(), column.end());
     }
@@ -108,6 +110,42 @@ std::size_t KrigingTrend::size() const
 const std::vector<double>& KrigingTrend::matrix() const
 {
     return values;
+}
+
+KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output) const
+{
+    // Less than this left of a case is rounding: without it the trend is not determined.
+    constexpr double determined = 1e-10;
+
+    const std::size_t cases = output.size();
+    const std::size_t p = terms.size();
+    LeastSquares result;
+    result.coefficients.resize(p);
+    for (std::size_t t = 0; t < p; ++t) {
+        result.coefficients[t] = dot(orthonormal[t].data(), output.data(), cases);
+    }
+    // The matrix is the orthonormal basis times a triangle, whose elements are recomputed here.
+    for (std::size_t t = p; t-- > 0;) {
+        const double* column = values.data() + t * cases;
+        result.coefficients[t] /= dot(orthonormal[t].data(), column, cases);
+        for (std::size_t row = 0; row < t; ++row) {
+            result.coefficients[row] -=
+                result.coefficients[t] * dot(orthonormal[row].data(), column, cases);
+        }
+    }
+
+    std::vector<double> residuals = output;
+    orthogonalise(residuals, orthonormal);
+    result.variance = dot(residuals.data(), residuals.data(), cases) / static_cast<double>(cases);
+    for (std::size_t i = 0; i < cases; ++i) {
+        double left = 1.0;
+        for (const std::vector<double>& direction : orthonormal) {
+            left -= direction[i] * direction[i];
+        }
+        result.leaveOneOutResiduals.push_back(
+            left > determined ? residuals[i] / left : std::numeric_limits<double>::quiet_NaN());
+    }
+    return result;
 }
 
 std::vector<std::string> KrigingTrend::names(const std::vector<std::size_t>& inputNumbers) const

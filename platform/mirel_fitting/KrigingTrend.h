@@ -28,6 +28,17 @@ public:
     /** The terms at the cases, by columns, cases x size(). */
     const std::vector<double>& matrix() const;
 
+    struct LeastSquares
+    {
+        std::vector<double> coefficients;
+        double variance; ///< mean square of the residuals
+        /** What each case's output lies above the fit to all others; NaN where those do not
+         *  determine the trend. */
+        std::vector<double> leaveOneOutResiduals;
+    };
+    /** The trend without correlations, fitted to one output per case. */
+    LeastSquares leastSquares(const std::vector<double>& output) const;
+
     /** @param inputNumbers the number k in "Vk" of each input. */
     std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;
     std::vector<std::string> droppedNames(const std::vector<std::size_t>& inputNumbers) const;
@@ -60,4 +71,5 @@ private:
     std::vector<Term> terms;
     std::vector<Term> dropped;
     std::vector<double> values;
+    std::vector<std::vector<double>> orthonormal; // spans the columns of the matrix, in their order
 };

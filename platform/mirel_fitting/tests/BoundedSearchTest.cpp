@@ -1,0 +1,168 @@
+#include <mirel_fitting/BoundedSearch.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+using Vector = std::vector<double>;
+
+class Objective : public BoundedObjective
+{
+public:
+    Objective(std::function<double(const Vector&)> function,
+              std::function<Vector(const Vector&)> slope)
+        : function(std::move(function)), slope(std::move(slope))
+    {}
+
+    double value(const Vector& point) override
+    {
+        ++values;
+        last = point;
+        return function(point);
+    }
+    void gradient(Vector& result) override
+    {
+        ++gradients;
+        result = slope(last);
+    }
+
+    std::function<double(const Vector&)> function;
+    std::function<Vector(const Vector&)> slope;
+    Vector last;
+    int values = 0;
+    int gradients = 0;
+};
+
+/** Minus the banana of Rosenbrock, Comput. J. 3 (1960): its maximum 0 is at (1, 1). */
+Objective rosenbrock()
+{
+    return Objective(
+        [](const Vector& x) {
+            const double a = x[1] - x[0] * x[0];
+            return -100.0 * a * a - (1.0 - x[0]) * (1.0 - x[0]);
+        },
+        [](const Vector& x) {
+            const double a = x[1] - x[0] * x[0];
+            return Vector{400.0 * a * x[0] + 2.0 * (1.0 - x[0]), -200.0 * a};
+        });
+}
+
+/** -(x - 3)^2 - 10 (y + 1)^2 - x y, no value beyond x = `end`. */
+Objective bowl(double end = infinity)
+{
+    return Objective(
+        [end](const Vector& x) {
+            return x[0] > end ? -infinity
+                              : -(x[0] - 3.0) * (x[0] - 3.0) - 10.0 * (x[1] + 1.0) * (x[1] + 1.0) -
+                                    x[0] * x[1];
+        },
+        [](const Vector& x) {
+            return Vector{-2.0 * (x[0] - 3.0) - x[1], -20.0 * (x[1] + 1.0) - x[0]};
+        });
+}
+
+} // namespace
+
+TEST(BoundedSearch, FindsTheMaximumOfACurvedValley)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+
+    search.advance(200, 1e-12);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_NEAR(search.point()[0], 1.0, 1e-5);
+    EXPECT_NEAR(search.point()[1], 1.0, 1e-5);
+    EXPECT_LT(objective.values, 100);
+}
+
+TEST(BoundedSearch, StopsAtABoundWhereTheFunctionStillRises)
+{
+    Objective objective = bowl();
+    BoundedSearch search(objective, {-2.0, -0.5}, {2.0, 4.0}, {0.0, 3.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_EQ(search.point()[0], 2.0);
+    EXPECT_EQ(search.point()[1], -0.5);
+}
+
+TEST(BoundedSearch, LeavesABoundThatItStartedAt)
+{
+    Objective objective = bowl();
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {-10.0, 10.0});
+
+    search.advance(100, 1e-12);
+
+    // Where both derivatives vanish: 2 (x - 3) + y = 0, 20 (y + 1) + x = 0.
+    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 1e-5);
+    EXPECT_NEAR(search.point()[1], -46.0 / 39.0, 1e-5);
+}
+
+TEST(BoundedSearch, MovesTheStartIntoTheBounds)
+{
+    Objective objective = bowl();
+
+    const BoundedSearch search(objective, {0.0, 0.0}, {1.0, 1.0}, {-7.0, 7.0});
+
+    EXPECT_EQ(search.point(), (Vector{0.0, 1.0}));
+}
+
+TEST(BoundedSearch, TurnsBackWhereTheFunctionHasNoValue)
+{
+    Objective objective = bowl(1.5);
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {-5.0, 5.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_LE(search.point()[0], 1.5);
+    EXPECT_GT(search.value(), -5.0);
+}
+
+TEST(BoundedSearch, IsDoneAtOnceWhereTheStartHasNoValue)
+{
+    Objective objective = bowl(1.5);
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {5.0, 5.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_FALSE(search.isFeasible());
+    EXPECT_TRUE(search.isDone());
+    EXPECT_EQ(objective.values, 1);
+    EXPECT_EQ(objective.gradients, 0);
+}
+
+TEST(BoundedSearch, AdvancesInPortions)
+{
+    Objective whole = rosenbrock();
+    Objective parts = rosenbrock();
+    BoundedSearch once(whole, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+    BoundedSearch often(parts, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+
+    once.advance(10, 0.0);
+    for (int k = 0; k < 10; ++k) {
+        often.advance(1, 0.0);
+    }
+
+    EXPECT_EQ(once.point(), often.point());
+    EXPECT_EQ(once.value(), often.value());
+}
+
+TEST(BoundedSearch, NeedsFewStepsWhenTheCurvatureIsGiven)
+{
+    Objective objective = bowl();
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -1.0});
+    search.setCurvature({2.0, 1.0, 1.0, 20.0});
+
+    search.advance(100, 1e-9);
+
+    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 1e-9);
+    EXPECT_LE(objective.values, 3);
+}

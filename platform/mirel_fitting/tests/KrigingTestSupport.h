@@ -1,0 +1,254 @@
+#pragma once
+
+#include <mirel_fitting/KrigingData.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <numeric>
+#include <random>
+#include <vector>
+
+/** Numbers in [0, 1), the same on every machine. */
+class UniformNumbers
+{
+public:
+    explicit UniformNumbers(std::uint64_t seed) : generator(seed) {}
+
+    double next() { return static_cast<double>(generator() >> 11) * 0x1.0p-53; }
+
+    std::vector<double> next(std::size_t count)
+    {
+        std::vector<double> result(count);
+        std::generate(result.begin(), result.end(), [this] { return next(); });
+        return result;
+    }
+
+    /** Standard normal, by Box and Muller. */
+    double normal()
+    {
+        const double radius = std::sqrt(-2.0 * std::log(1.0 - next()));
+        return radius * std::cos(2.0 * std::acos(-1.0) * next());
+    }
+
+    std::mt19937_64 generator;
+};
+
+using Columns = std::vector<std::vector<double>>;
+
+inline std::vector<double*> pointersTo(Columns& columns)
+{
+    std::vector<double*> result;
+    for (std::vector<double>& column : columns) {
+        result.push_back(column.data());
+    }
+    return result;
+}
+
+/** One point in each of `count` slices of each input; over [0, 1). */
+inline Columns latinHypercube(std::size_t count, std::size_t inputs, std::uint64_t seed)
+{
+    UniformNumbers numbers(seed);
+    Columns columns(inputs, std::vector<double>(count));
+    for (std::vector<double>& column : columns) {
+        std::vector<std::size_t> slices(count);
+        std::iota(slices.begin(), slices.end(), std::size_t{0});
+        for (std::size_t i = count; i-- > 1;) {
+            std::swap(slices[i], slices[numbers.generator() % (i + 1)]);
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            column[i] =
+                (static_cast<double>(slices[i]) + numbers.next()) / static_cast<double>(count);
+        }
+    }
+    return columns;
+}
+
+using Function = std::function<double(const std::vector<double>&)>;
+
+inline std::vector<double> valuesOf(const Function& function, const Columns& columns)
+{
+    std::vector<double> result;
+    std::vector<double> point(columns.size());
+    for (std::size_t i = 0; i < columns.front().size(); ++i) {
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            point[k] = columns[k][i];
+        }
+        result.push_back(function(point));
+    }
+    return result;
+}
+
+/** A model with the arguments that the application passes, where a test does not say others. */
+struct KrigingArguments
+{
+    double tolerance = 1e-4;
+    std::vector<double> correlationLengths;
+    int trendOrder = 1;
+    double initialCorrelationLength = 0.5;
+    double nugget = 0.0;
+    int nuggetMode = 0;
+
+    KrigingSurrogateModel model(Columns inputs, Columns outputs) const
+    {
+        const int rows = static_cast<int>((inputs.empty() ? outputs : inputs).front().size());
+        return KrigingSurrogateModel(pointersTo(inputs), pointersTo(outputs), rows, tolerance,
+                                     correlationLengths, trendOrder, initialCorrelationLength,
+                                     nugget, nuggetMode);
+    }
+};
+
+inline std::vector<double> predictions(const KrigingSurrogateModel& model, Columns points,
+                                       int offset = 0)
+{
+    Columns values(1, std::vector<double>(points.front().size()));
+    std::vector<double*> outputs = pointersTo(values);
+    model.interpolateDependentValues(pointersTo(points), {offset}, outputs, values[0].size());
+    return values[0];
+}
+
+/** Root mean square difference, relative to the standard deviation of what is expected. */
+inline double relativeError(const std::vector<double>& found, const std::vector<double>& expected)
+{
+    const auto n = static_cast<double>(expected.size());
+    const double mean = std::accumulate(expected.begin(), expected.end(), 0.0) / n;
+    double errors = 0.0;
+    double deviations = 0.0;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        errors += (found[i] - expected[i]) * (found[i] - expected[i]);
+        deviations += (expected[i] - mean) * (expected[i] - mean);
+    }
+    return std::sqrt(errors / deviations);
+}
+
+/**
+ * Kriging by its definition, in extended precision and without anything clever: the whole matrix
+ * of all rows, Gaussian elimination. What the library's results are checked against.
+ */
+class DirectKriging
+{
+public:
+    using Real = long double;
+    using Vector = std::vector<Real>;
+    using Matrix = std::vector<Vector>;
+
+    /** @param points, trend one row per case. */
+    DirectKriging(Matrix points, Matrix trend, Vector output, std::vector<double> lengths,
+                  double nugget)
+        : points(std::move(points)), lengths(std::move(lengths))
+    {
+        const std::size_t n = output.size();
+        const std::size_t p = trend.front().size();
+        Matrix r(n, Vector(n));
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j < n; ++j) {
+                r[i][j] = correlation(this->points[i], this->points[j]);
+            }
+            r[i][i] += nugget;
+        }
+        // Right-hand sides: the trend's columns, then the output.
+        Matrix right(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            right[i] = trend[i];
+            right[i].push_back(output[i]);
+        }
+        logDeterminant = eliminate(r, right);
+
+        Matrix normal(p, Vector(p, 0.0L));
+        Matrix normalRight(p, Vector(1, 0.0L));
+        for (std::size_t a = 0; a < p; ++a) {
+            for (std::size_t i = 0; i < n; ++i) {
+                for (std::size_t b = 0; b < p; ++b) {
+                    normal[a][b] += trend[i][a] * right[i][b];
+                }
+                normalRight[a][0] += trend[i][a] * right[i][p];
+            }
+        }
+        eliminate(normal, normalRight);
+        variance = 0.0L;
+        for (std::size_t a = 0; a < p; ++a) {
+            coefficients.push_back(normalRight[a][0]);
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            Real weight = right[i][p];
+            Real residual = output[i];
+            for (std::size_t a = 0; a < p; ++a) {
+                weight -= right[i][a] * coefficients[a];
+                residual -= trend[i][a] * coefficients[a];
+            }
+            weights.push_back(weight);
+            variance += residual * weight / static_cast<Real>(n);
+        }
+        const Real twoPi = 2.0L * std::acos(-1.0L);
+        logLikelihood = -0.5L * (static_cast<Real>(n) * std::log(twoPi * variance) +
+                                 logDeterminant + static_cast<Real>(n));
+    }
+
+    Real predict(const Vector& point, const Vector& trendTerms) const
+    {
+        Real value = 0.0L;
+        for (std::size_t a = 0; a < coefficients.size(); ++a) {
+            value += coefficients[a] * trendTerms[a];
+        }
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            value += weights[i] * correlation(point, points[i]);
+        }
+        return value;
+    }
+
+    Real correlation(const Vector& a, const Vector& b) const
+    {
+        Real product = 1.0L;
+        for (std::size_t k = 0; k < a.size(); ++k) {
+            const Real z = std::sqrt(5.0L) * std::fabs(a[k] - b[k]) / lengths[k];
+            product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
+        }
+        return product;
+    }
+
+    Vector coefficients;
+    Vector weights;
+    Real variance = 0.0L;
+    Real logDeterminant = 0.0L;
+    Real logLikelihood = 0.0L;
+
+private:
+    /** Solves in place; returns the logarithm of the determinant's magnitude. */
+    static Real eliminate(Matrix& matrix, Matrix& right)
+    {
+        const std::size_t n = matrix.size();
+        Real logDeterminant = 0.0L;
+        for (std::size_t j = 0; j < n; ++j) {
+            std::size_t pivot = j;
+            for (std::size_t i = j + 1; i < n; ++i) {
+                pivot = std::fabs(matrix[i][j]) > std::fabs(matrix[pivot][j]) ? i : pivot;
+            }
+            std::swap(matrix[j], matrix[pivot]);
+            std::swap(right[j], right[pivot]);
+            logDeterminant += std::log(std::fabs(matrix[j][j]));
+            for (std::size_t i = 0; i < n; ++i) {
+                if (i == j) {
+                    continue;
+                }
+                const Real factor = matrix[i][j] / matrix[j][j];
+                for (std::size_t k = j; k < n; ++k) {
+                    matrix[i][k] -= factor * matrix[j][k];
+                }
+                for (std::size_t k = 0; k < right[i].size(); ++k) {
+                    right[i][k] -= factor * right[j][k];
+                }
+            }
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            for (Real& value : right[i]) {
+                value /= matrix[i][i];
+            }
+        }
+        return logDeterminant;
+    }
+
+    Matrix points;
+    std::vector<double> lengths;
+};
