@@ -64,9 +64,10 @@ public:
                 result.lengths.push_back(std::exp(point[k]));
             }
         }
-        result.nugget = settings.isNuggetFixed
-                            ? settings.smallestNugget
-                            : std::max(settings.smallestNugget, std::exp(point.back()));
+        // At the bound exactly the bound: its logarithm does not lead back to the same number.
+        const bool isLeast =
+            settings.isNuggetFixed || point.back() <= std::log(settings.smallestNugget);
+        result.nugget = isLeast ? settings.smallestNugget : std::exp(point.back());
         return result;
     }
 
@@ -378,11 +379,6 @@ double KrigingSearch::largestLength()
     return 300.0;
 }
 
-double KrigingSearch::soundNugget()
-{
-    return 1e-12;
-}
-
 KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData>& data,
                                          const Settings& settings)
 {
@@ -390,7 +386,7 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
     constexpr double hopeless = 1.0;
 
     Settings attempt = settings;
-    attempt.smallestNugget = std::max(attempt.smallestNugget, soundNugget());
+    attempt.smallestNugget = std::max(attempt.smallestNugget, attempt.soundNugget);
     Progress progress(expectedWork(*data));
     bool isRaised = false;
     for (;;) {

@@ -24,6 +24,9 @@ public:
         double initialLength = 0.5;  ///< of the first start, scaled
         double smallestNugget = 0.0; ///< lower bound, or the value itself if it is fixed
         bool isNuggetFixed = false;
+        /** The least nugget that is tried at all: less is lost in the rounding of the ones on the
+         *  diagonal of some thousand cases. */
+        double soundNugget = 1e-12;
         std::vector<double> fixedLengths; ///< scaled; empty: searched for
     };
 
@@ -40,9 +43,6 @@ public:
     /** The range that lengths are searched in, in units of the inputs' ranges. */
     static double smallestLength(std::size_t cases);
     static double largestLength();
-
-    /** The least nugget that keeps the factorisation sound. */
-    static double soundNugget();
 
     /**
      * Several starts on at most a few hundred of the cases, the best of them continued with all.

@@ -1,0 +1,187 @@
+#include <mirel_fitting/KrigingSearch.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingLikelihood.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::shared_ptr<KrigingData> dataOf(const Columns& columns, const std::vector<double>& output)
+{
+    auto data = std::make_shared<KrigingData>();
+    data->cases = output.size();
+    data->inputs = columns.size();
+    data->terms = 1;
+    for (const std::vector<double>& column : columns) {
+        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
+    }
+    data->trend.assign(data->cases, 1.0);
+    data->output = output;
+    data->rows.assign(data->cases, 1.0);
+    data->scatter.assign(data->cases, 0.0);
+    return data;
+}
+
+std::shared_ptr<KrigingData> wave(std::size_t cases)
+{
+    const Columns x = latinHypercube(cases, 2, 5);
+    return dataOf(
+        x, valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; },
+                    x));
+}
+
+double likelihoodAt(const std::shared_ptr<KrigingData>& data, const std::vector<double>& lengths,
+                    double nugget)
+{
+    return KrigingLikelihood(data).evaluate(lengths, nugget);
+}
+
+} // namespace
+
+TEST(KrigingSearch, EndsWhereNoNeighbourIsMoreLikely)
+{
+    const auto data = wave(40);
+    KrigingSearch::Settings settings;
+    settings.smallestNugget = 1e-8; // with less, rounding blurs the likelihood of so smooth data
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+    const std::vector<double>& lengths = result.parameters.lengths;
+    EXPECT_DOUBLE_EQ(result.logLikelihood, likelihoodAt(data, lengths, result.parameters.nugget));
+    for (std::size_t k = 0; k < 2; ++k) {
+        for (const double factor : {0.7, 0.95, 1.05, 1.4}) {
+            std::vector<double> others = lengths;
+            others[k] *= factor;
+            // The tolerance is 1e-4 per case.
+            EXPECT_LT(likelihoodAt(data, others, result.parameters.nugget),
+                      result.logLikelihood + 40 * 1e-4);
+        }
+    }
+}
+
+TEST(KrigingSearch, FindsTheSameOptimumFromFarStarts)
+{
+    const auto data = wave(40);
+    const double usual = KrigingSearch::run(data, {}).logLikelihood;
+
+    for (const double start : {0.02, 0.1, 5.0, 50.0}) {
+        KrigingSearch::Settings settings;
+        settings.initialLength = start;
+        EXPECT_NEAR(KrigingSearch::run(data, settings).logLikelihood, usual, 40 * 1e-4) << start;
+    }
+}
+
+TEST(KrigingSearch, ReachesLengthsOfAHundredRangesForAnInputWithoutInfluence)
+{
+    const Columns x = latinHypercube(40, 2, 5);
+    const auto data =
+        dataOf(x, valuesOf([](const std::vector<double>& p) { return std::sin(6 * p[0]); }, x));
+
+    EXPECT_GT(KrigingSearch::run(data, {}).parameters.lengths[1], 100.0);
+}
+
+TEST(KrigingSearch, TakesTheLeastNuggetForSmoothData)
+{
+    EXPECT_EQ(KrigingSearch::run(wave(40), {}).parameters.nugget,
+              KrigingSearch::Settings().soundNugget);
+}
+
+TEST(KrigingSearch, FindsTheNuggetOfNoise)
+{
+    const auto data = wave(200);
+    UniformNumbers numbers(8);
+    for (double& y : data->output) {
+        y += 0.1 * numbers.normal();
+    }
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate(result.parameters.lengths, result.parameters.nugget);
+    // The estimate of a variance of 200 independent errors is good to about a tenth.
+    EXPECT_NEAR(std::sqrt(result.parameters.nugget * likelihood.processVariance()), 0.1, 0.015);
+}
+
+TEST(KrigingSearch, KeepsFixedLengthsAndSearchesTheNuggetOnly)
+{
+    KrigingSearch::Settings settings;
+    settings.fixedLengths = {0.3, 4.0};
+    settings.smallestNugget = 1e-9;
+
+    const KrigingSearch::Result result = KrigingSearch::run(wave(40), settings);
+
+    EXPECT_EQ(result.parameters.lengths, settings.fixedLengths);
+    EXPECT_GE(result.parameters.nugget, 1e-9);
+}
+
+TEST(KrigingSearch, EvaluatesOnceWhenEverythingIsFixed)
+{
+    const auto data = wave(40);
+    KrigingSearch::Settings settings;
+    settings.fixedLengths = {0.3, 4.0};
+    settings.smallestNugget = 1e-5;
+    settings.isNuggetFixed = true;
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+    EXPECT_EQ(result.evaluations, 1u);
+    EXPECT_EQ(result.parameters.nugget, 1e-5);
+    EXPECT_DOUBLE_EQ(result.logLikelihood, likelihoodAt(data, {0.3, 4.0}, 1e-5));
+}
+
+TEST(KrigingSearch, RaisesTheNuggetOnlyWhereTheMatrixCannotBeFactorised)
+{
+    // Lengths of a million ranges: all correlations are 1 to the last digit.
+    KrigingSearch::Settings settings;
+    settings.soundNugget = 1e-18;
+    settings.fixedLengths = {1e6, 1e6};
+    settings.isNuggetFixed = true;
+
+    const KrigingSearch::Result result = KrigingSearch::run(wave(200), settings);
+
+    EXPECT_TRUE(result.isNuggetRaised);
+    EXPECT_GT(result.parameters.nugget, 1e-18);
+    EXPECT_LT(result.parameters.nugget, 1e-10);
+    EXPECT_FALSE(KrigingSearch::run(wave(40), {}).isNuggetRaised);
+}
+
+TEST(KrigingSearch, ContinuesOnAllCasesWhatAFewHaveFound)
+{
+    const auto data = wave(600);
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+
+    EXPECT_DOUBLE_EQ(result.logLikelihood,
+                     likelihoodAt(data, result.parameters.lengths, result.parameters.nugget));
+    EXPECT_LT(result.evaluations, 40u);
+}
+
+TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)
+{
+    double last = 0.0;
+    int reports = 0;
+    FitProgress progress([&](double fraction, const std::string&) {
+        EXPECT_GE(fraction, last);
+        EXPECT_LE(fraction, 1.0);
+        last = fraction;
+        ++reports;
+        return true;
+    });
+
+    KrigingSearch::run(wave(40), {});
+
+    EXPECT_GT(reports, 10);
+}
+
+TEST(KrigingSearch, EndsWithAnErrorWhenItIsCancelled)
+{
+    int reports = 0;
+    FitProgress progress([&](double, const std::string&) { return ++reports < 5; });
+
+    EXPECT_THROW(KrigingSearch::run(wave(40), {}), SurrogateModelInterface::Error);
+    EXPECT_EQ(reports, 5);
+}
