@@ -230,6 +230,10 @@ KrigingFit Fitter::withCorrelation()
     KrigingLikelihood likelihood(data);
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     FitProgress::report(0.99, "Measuring the fit");
+    const bool isNuggetWanted = options.nugget > 0.0 || found.isNuggetRaised;
+    if (!isNuggetWanted && found.parameters.nugget <= KrigingSearch::Settings().soundNugget) {
+        likelihood.refineWithoutNugget();
+    }
 
     KrigingPredictor::Parts parts = commonParts();
     auto correlation =
@@ -275,7 +279,8 @@ KrigingFit Fitter::withTrendAlone()
 KrigingFit Fitter::constant()
 {
     data->terms = 1;
-    trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates, 0, 0);
+    const std::size_t anyCase = 1;
+    trend = std::make_shared<KrigingTrend>(anyCase, 0, data->coordinates, 0, 0);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = {0.0};
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};

@@ -34,6 +34,8 @@ public:
 
     bool factorise();
     bool estimateTrend();
+    double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
+    std::vector<double> residuals() const;
     double logLikelihood();
     void invert();
 
@@ -56,6 +58,7 @@ public:
     std::vector<double> triangle; // T, p x p
     std::vector<double> beta;
     std::vector<double> alpha;
+    std::vector<double> refinedAlpha;
 };
 
 bool KrigingLikelihood::Impl::factorise()
@@ -86,11 +89,8 @@ bool KrigingLikelihood::Impl::estimateTrend()
     const int order = static_cast<int>(n);
     const int terms = static_cast<int>(p);
     basis = data->trend;
-    alpha = data->output;
     cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, terms, 1.0,
                 factor.data(), order, basis.data(), order);
-    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(), order,
-                alpha.data(), 1);
 
     std::vector<double> reflectors(p);
     std::vector<double> work(std::max<std::size_t>(p, 1) * 64);
@@ -109,30 +109,60 @@ bool KrigingLikelihood::Impl::estimateTrend()
     LAPACKE_dorgqr_work(LAPACK_COL_MAJOR, order, terms, terms, basis.data(), order,
                         reflectors.data(), work.data(), workSize);
 
-    // What the trend leaves of L^-1 y. The second round removes the rounding of the first, which
-    // is large where the trend explains nearly everything.
-    beta.assign(p, 0.0);
-    std::vector<double> part(p);
-    for (int round = 0; round < 2; ++round) {
-        cblas_dgemv(CblasColMajor, CblasTrans, order, terms, 1.0, basis.data(), order, alpha.data(),
-                    1, 0.0, part.data(), 1);
-        cblas_dgemv(CblasColMajor, CblasNoTrans, order, terms, -1.0, basis.data(), order,
-                    part.data(), 1, 1.0, alpha.data(), 1);
-        for (std::size_t j = 0; j < p; ++j) {
-            beta[j] += part[j];
-        }
-    }
-    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, terms, triangle.data(),
-                terms, beta.data(), 1);
-
-    variance = cblas_ddot(order, alpha.data(), 1, alpha.data(), 1);
+    alpha = data->output;
+    variance = solve(alpha, beta);
     if (scatter > 0.0) {
         variance += scatter / nugget;
     }
     variance /= rowCount;
-    cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, order, factor.data(), order,
-                alpha.data(), 1);
+    refinedAlpha = alpha;
     return variance > 0.0 && std::isfinite(variance);
+}
+
+/**
+ * Generalised least squares: `right` becomes R^-1 times what the trend leaves of it.
+ * @return the weighted square of what is left.
+ */
+double KrigingLikelihood::Impl::solve(std::vector<double>& right,
+                                      std::vector<double>& coefficients) const
+{
+    const int order = static_cast<int>(n);
+    const int terms = static_cast<int>(p);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(), order,
+                right.data(), 1);
+
+    // The second round removes the rounding of the first, which is large where the trend explains
+    // nearly everything.
+    coefficients.assign(p, 0.0);
+    std::vector<double> part(p);
+    for (int round = 0; round < 2; ++round) {
+        cblas_dgemv(CblasColMajor, CblasTrans, order, terms, 1.0, basis.data(), order, right.data(),
+                    1, 0.0, part.data(), 1);
+        cblas_dgemv(CblasColMajor, CblasNoTrans, order, terms, -1.0, basis.data(), order,
+                    part.data(), 1, 1.0, right.data(), 1);
+        for (std::size_t j = 0; j < p; ++j) {
+            coefficients[j] += part[j];
+        }
+    }
+    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, terms, triangle.data(),
+                terms, coefficients.data(), 1);
+
+    const double squares = cblas_ddot(order, right.data(), 1, right.data(), 1);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, order, factor.data(), order,
+                right.data(), 1);
+    return squares;
+}
+
+/** The outputs minus trend and correlated part, without nugget. */
+std::vector<double> KrigingLikelihood::Impl::residuals() const
+{
+    const int order = static_cast<int>(n);
+    std::vector<double> result = data->output;
+    cblas_dgemv(CblasColMajor, CblasNoTrans, order, static_cast<int>(p), -1.0, data->trend.data(),
+                order, beta.data(), 1, 1.0, result.data(), 1);
+    cblas_dsymv(CblasColMajor, CblasLower, order, -1.0, correlations.data(), order,
+                refinedAlpha.data(), 1, 1.0, result.data(), 1);
+    return result;
 }
 
 double KrigingLikelihood::Impl::logLikelihood()
@@ -202,7 +232,41 @@ const std::vector<double>& KrigingLikelihood::coefficients() const
 
 const std::vector<double>& KrigingLikelihood::weights() const
 {
-    return impl->alpha;
+    return impl->refinedAlpha;
+}
+
+void KrigingLikelihood::refineWithoutNugget()
+{
+    constexpr int mostRounds = 20;
+    constexpr double worthARound = 0.7; // of the residual must be left at most
+
+    const BlasThreads threads(impl->n);
+    const int order = static_cast<int>(impl->n);
+    std::vector<double> residuals = impl->residuals();
+    double left = cblas_dnrm2(order, residuals.data(), 1);
+    std::vector<double> correction;
+    for (int round = 0; round < mostRounds; ++round) {
+        const std::vector<double> beta = impl->beta;
+        const std::vector<double> alpha = impl->refinedAlpha;
+        impl->solve(residuals, correction);
+        for (std::size_t t = 0; t < impl->p; ++t) {
+            impl->beta[t] += correction[t];
+        }
+        for (std::size_t i = 0; i < impl->n; ++i) {
+            impl->refinedAlpha[i] += residuals[i];
+        }
+        residuals = impl->residuals();
+        const double now = cblas_dnrm2(order, residuals.data(), 1);
+        if (!(now < left)) {
+            impl->beta = beta;
+            impl->refinedAlpha = alpha;
+            return;
+        }
+        if (now > worthARound * left) {
+            return;
+        }
+        left = now;
+    }
 }
 
 std::vector<double> KrigingLikelihood::leaveOneOutResiduals()

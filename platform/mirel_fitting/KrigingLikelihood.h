@@ -52,6 +52,15 @@ public:
     const std::vector<double>& weights() const;
 
     /**
+     * Coefficients and weights as they would be without nugget, as far as double precision allows:
+     * for a nugget that only keeps the factorisation sound, so that the prediction meets the cases.
+     * By iterative refinement, which each round takes out more of the nugget's smoothing; call it
+     * before the factor is used up. Riley: Solving systems of linear equations with a positive
+     * definite, symmetric, but possibly ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
+     */
+    void refineWithoutNugget();
+
+    /**
      * What each case's output lies above its prediction by all others, lengths, nugget and variance
      * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
      * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend. Uses

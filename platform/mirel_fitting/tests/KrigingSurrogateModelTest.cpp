@@ -1,37 +1,402 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
+#include <mirel_fitting/FitProgress.h>
+
+#include "KrigingTestSupport.h"
+
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <limits>
+#include <thread>
 
 namespace {
 
-std::vector<double*> pointers(std::vector<std::vector<double>>& columns)
+using Error = SurrogateModelInterface::Error;
+
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+double wave(const std::vector<double>& x)
 {
-    std::vector<double*> result;
-    for (std::vector<double>& column : columns) {
-        result.push_back(column.data());
+    return std::sin(6.0 * x[0]) + (x.size() > 1 ? x[1] * x[1] : 0.0);
+}
+
+Columns someInputs(std::size_t cases = 30)
+{
+    return latinHypercube(cases, 2, 21);
+}
+
+Columns someOutputs(std::size_t cases = 30)
+{
+    return {valuesOf(wave, someInputs(cases))};
+}
+
+/** What a fit is refused with; empty if it is not refused. */
+template <class Action>
+std::string refusal(const Action& action)
+{
+    try {
+        action();
+    } catch (const Error& error) {
+        return error.what();
     }
-    return result;
+    return {};
+}
+
+std::string refusalOf(const KrigingArguments& arguments)
+{
+    return refusal([&] { arguments.model(someInputs(), someOutputs()); });
 }
 
 } // namespace
 
-TEST(KrigingSurrogateModel, InterpolatesSmoothDataAtTheCases)
+TEST(KrigingSurrogateModel, MeetsSmoothDataAtTheCases)
 {
-    std::vector<std::vector<double>> inputs = {{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0}};
-    std::vector<std::vector<double>> outputs(1);
-    for (const double x : inputs[0]) {
-        outputs[0].push_back(std::sin(x));
-    }
-    const KrigingSurrogateModel model(pointers(inputs), pointers(outputs), 8, 1e-4, {}, 1, 0.5, 0.0,
-                                      0);
-    std::vector<double> values(8);
-    std::vector<double*> results = {values.data()};
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
 
-    model.interpolateDependentValues(pointers(inputs), {0}, results, 8);
+    const std::vector<double> values = predictions(model, someInputs());
 
-    for (std::size_t i = 0; i < 8; ++i) {
-        EXPECT_NEAR(values[i], outputs[0][i], 1e-6);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        // The nugget of 1e-12 times the weights, which are some ten thousand times the outputs.
+        EXPECT_NEAR(values[i], someOutputs()[0][i], 1e-7);
     }
+}
+
+TEST(KrigingSurrogateModel, EqualsADirectComputationWithItsParameters)
+{
+    Columns inputs = someInputs();
+    for (double& x : inputs[0]) {
+        x = 100.0 + 50.0 * x;
+    }
+    const std::vector<double> output = someOutputs()[0];
+    KrigingArguments arguments;
+    arguments.correlationLengths = {40.0, 2.0};
+    arguments.nugget = 1e-4;
+    arguments.nuggetMode = 1;
+    const KrigingSurrogateModel model = arguments.model(inputs, {output});
+    DirectKriging::Matrix points;
+    DirectKriging::Matrix trend;
+    for (std::size_t i = 0; i < 30; ++i) {
+        points.push_back({inputs[0][i], inputs[1][i]});
+        trend.push_back({1.0L, inputs[0][i], inputs[1][i]});
+    }
+    const DirectKriging direct(points, trend, {output.begin(), output.end()},
+                               arguments.correlationLengths, arguments.nugget);
+
+    const std::vector<double> found = predictions(model, {{101.0, 133.0}, {0.9, 0.2}});
+
+    EXPECT_NEAR(found[0], direct.predict({101.0L, 0.9L}, {1.0L, 101.0L, 0.9L}), 1e-10);
+    EXPECT_NEAR(found[1], direct.predict({133.0L, 0.2L}, {1.0L, 133.0L, 0.2L}), 1e-10);
+    const KrigingReport report = model.krigingReport(0);
+    EXPECT_NEAR(report.logLikelihood, direct.logLikelihood, 1e-9);
+    EXPECT_NEAR(report.processVariance, direct.variance, 1e-10);
+    EXPECT_EQ(report.nugget, 1e-4);
+    EXPECT_NEAR(report.correlationLengths[0], 40.0, 1e-12);
+    EXPECT_NEAR(report.correlationLengths[1], 2.0, 1e-14);
+    ASSERT_EQ(report.trendTerms, (std::vector<std::string>{"1", "V1", "V2"}));
+    for (std::size_t t = 0; t < 3; ++t) {
+        EXPECT_NEAR(report.trendCoefficients[t], direct.coefficients[t], 1e-9);
+    }
+}
+
+TEST(KrigingSurrogateModel, OwnsWhatItNeeds)
+{
+    auto inputs = std::make_unique<Columns>(someInputs());
+    auto outputs = std::make_unique<Columns>(someOutputs());
+    const KrigingSurrogateModel model(pointersTo(*inputs), pointersTo(*outputs), 30, 1e-4, {}, 1,
+                                      0.5, 0.0, 0);
+    const std::vector<double> expected =
+        predictions(KrigingArguments().model(someInputs(), someOutputs()), {{0.3}, {0.4}});
+
+    // The columns end before the first fit, which is made when it is wanted.
+    std::fill((*outputs)[0].begin(), (*outputs)[0].end(), notANumber);
+    inputs.reset();
+    outputs.reset();
+
+    EXPECT_EQ(predictions(model, {{0.3}, {0.4}}), expected);
+    EXPECT_FALSE(model.qualityMetricInformation(0).empty());
+}
+
+TEST(KrigingSurrogateModel, IgnoresDirtyOutputsThatNobodyAskedFor)
+{
+    Columns outputs = someOutputs();
+    outputs.push_back(outputs[0]);
+    outputs[1][3] = std::numeric_limits<double>::infinity();
+    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
+
+    model.activateDependentVariables({0});
+
+    EXPECT_TRUE(std::isfinite(predictions(model, {{0.3}, {0.4}})[0]));
+    const std::string sentence =
+        "The output at offset 1 holds a value that is not finite in case 4.";
+    EXPECT_EQ(refusal([&] { model.activateDependentVariables({0, 1}); }), sentence);
+    EXPECT_EQ(refusal([&] { predictions(model, {{0.3}, {0.4}}, 1); }), sentence);
+    EXPECT_EQ(refusal([&] { model.qualityMetricInformation(1); }), sentence);
+    EXPECT_EQ(refusal([&] { model.surfaceCoefficientInformation(1); }), sentence);
+    EXPECT_EQ(refusal([&] { model.fitMetrics(1); }), sentence);
+    EXPECT_EQ(refusal([&] { model.fitWarnings(1); }), sentence);
+    EXPECT_EQ(refusal([&] { model.krigingReport(1); }), sentence);
+}
+
+TEST(KrigingSurrogateModel, RefusesFaultyColumnsAtOnce)
+{
+    Columns inputs = someInputs();
+    inputs[1][2] = notANumber;
+    std::vector<double*> null = {nullptr};
+    Columns outputs = someOutputs();
+
+    EXPECT_EQ(refusal([&] { KrigingArguments().model(inputs, someOutputs()); }),
+              "The input V2 holds a value that is not finite in case 3.");
+    EXPECT_NE(refusal([&] {
+                  KrigingSurrogateModel(null, pointersTo(outputs), 30, 1e-4, {}, 1, 0.5, 0.0, 0);
+              }),
+              "");
+    EXPECT_NE(refusal([&] {
+                  KrigingSurrogateModel({}, pointersTo(outputs), 0, 1e-4, {}, 1, 0.5, 0.0, 0);
+              }),
+              "");
+    EXPECT_EQ(refusal([&] {
+                  KrigingSurrogateModel({}, pointersTo(outputs), -3, 1e-4, {}, 1, 0.5, 0.0, 0);
+              }),
+              "A model cannot be fitted to -3 cases.");
+}
+
+TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
+{
+    KrigingArguments tolerance;
+    tolerance.tolerance = 0.0;
+    EXPECT_EQ(refusalOf(tolerance), "The tolerance has to be a positive number, not 0.");
+
+    KrigingArguments lengths;
+    lengths.correlationLengths = {1.0, 2.0, 3.0};
+    EXPECT_EQ(refusalOf(lengths),
+              "There have to be as many correlation lengths as inputs, 2, or none, not 3.");
+    lengths.correlationLengths = {1.0, -2.0};
+    EXPECT_EQ(refusalOf(lengths), "The correlation length of V2 has to be positive, not -2.");
+
+    KrigingArguments order;
+    order.trendOrder = 3;
+    EXPECT_EQ(refusalOf(order), "The order of the trend has to be 0, 1 or 2, not 3.");
+
+    KrigingArguments start;
+    start.initialCorrelationLength = notANumber;
+    EXPECT_EQ(refusalOf(start),
+              "The initial correlation length has to be a positive number, not nan.");
+
+    KrigingArguments nugget;
+    nugget.nugget = -1e-3;
+    EXPECT_EQ(refusalOf(nugget), "The nugget has to be a number that is not negative, not -0.001.");
+
+    KrigingArguments mode;
+    mode.nuggetMode = 2;
+    EXPECT_EQ(refusalOf(mode), "The nugget mode has to be 0 (estimated) or 1 (fixed), not 2.");
+}
+
+TEST(KrigingSurrogateModel, RefusesMoreDistinctCasesThanItCanFactorise)
+{
+    // Refused at construction, with both numbers, although nothing was asked for yet.
+    std::vector<double> many(10001);
+    std::iota(many.begin(), many.end(), 0.0);
+
+    EXPECT_EQ(refusal([&] { KrigingArguments().model({many}, {many}); }),
+              "Kriging takes at most 10000 distinct cases, but there are 10001.");
+}
+
+TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)
+{
+    Columns inputs(1);
+    Columns outputs(1);
+    for (int i = 0; i < 12000; ++i) {
+        inputs[0].push_back(i % 10);
+        outputs[0].push_back(std::sin(i % 10));
+    }
+
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, outputs);
+
+    EXPECT_EQ(model.fitMetrics(0).cases, 10u);
+}
+
+TEST(KrigingSurrogateModel, RefusesAnotherNumberOfColumnsThanItHas)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+    std::vector<double> value(1);
+    std::vector<double*> one = {value.data()};
+    std::vector<double*> two = {value.data(), value.data()};
+
+    EXPECT_NE(refusal([&] { model.interpolateDependentValues(one, {0}, one, 1); }), "");
+    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {0}, two, 1); }), "");
+    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {1}, one, 1); }), "");
+    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {-1}, one, 1); }), "");
+    EXPECT_EQ(refusal([&] { model.interpolateDependentValues(two, {0}, one, 1); }), "");
+}
+
+TEST(KrigingSurrogateModel, AcceptsEmptySetsOfOffsets)
+{
+    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+    std::vector<double*> none;
+    Columns points = {{0.5}, {0.5}};
+
+    EXPECT_NO_THROW(model.activateDependentVariables({}));
+    EXPECT_NO_THROW(model.interpolateDependentValues(pointersTo(points), {}, none, 1));
+}
+
+TEST(KrigingSurrogateModel, AcceptsNullColumnsWhenThereAreNoPoints)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+    std::vector<double*> inputs = {nullptr, nullptr};
+    std::vector<double*> outputs = {nullptr};
+
+    EXPECT_NO_THROW(model.interpolateDependentValues(inputs, {0}, outputs, 0));
+}
+
+TEST(KrigingSurrogateModel, WritesSeveralOutputsInTheOrderOfTheirOffsets)
+{
+    Columns outputs = someOutputs();
+    outputs.push_back(someInputs()[0]);
+    outputs.push_back(someInputs()[1]);
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
+    Columns points = {{0.3}, {0.8}};
+    Columns values(2, std::vector<double>(1));
+    std::vector<double*> results = pointersTo(values);
+
+    model.interpolateDependentValues(pointersTo(points), {2, 1}, results, 1);
+
+    EXPECT_NEAR(values[0][0], 0.3, 1e-9);
+    EXPECT_NEAR(values[1][0], 0.8, 1e-9);
+}
+
+TEST(KrigingSurrogateModel, GivesNaNForPointsThatAreNotFiniteAndNothingElse)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+
+    const std::vector<double> values =
+        predictions(model, {{0.3, notANumber, 0.3}, {0.4, 0.4, 0.4}});
+
+    EXPECT_TRUE(std::isnan(values[1]));
+    EXPECT_EQ(values[0], values[2]);
+    EXPECT_TRUE(std::isfinite(values[0]));
+}
+
+TEST(KrigingSurrogateModel, FitsEachOutputOnceAndOnlyWhenItIsWanted)
+{
+    int fits = 0;
+    FitProgress progress([&](double fraction, const std::string&) {
+        fits += fraction == 1.0 ? 1 : 0;
+        return true;
+    });
+    Columns outputs = someOutputs();
+    outputs.push_back(someInputs()[0]);
+    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
+    EXPECT_EQ(fits, 0);
+
+    model.activateDependentVariables({0});
+    EXPECT_EQ(fits, 1);
+
+    model.activateDependentVariables({0});
+    predictions(model, {{0.5}, {0.5}});
+    model.qualityMetricInformation(0);
+    EXPECT_EQ(fits, 1);
+
+    model.krigingReport(1);
+    EXPECT_EQ(fits, 2);
+}
+
+TEST(KrigingSurrogateModel, FitsACancelledOutputWhenItIsWantedAgain)
+{
+    Columns outputs = someOutputs();
+    outputs.push_back(outputs[0]);
+    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
+    model.activateDependentVariables({0});
+    const std::vector<double> before = predictions(model, {{0.3}, {0.4}}, 0);
+    {
+        FitProgress progress([](double fraction, const std::string&) { return fraction < 0.3; });
+        EXPECT_EQ(refusal([&] { model.activateDependentVariables({1}); }),
+                  "The fit was cancelled.");
+        EXPECT_EQ(predictions(model, {{0.3}, {0.4}}, 0), before) << "the fitted one answers";
+    }
+
+    EXPECT_EQ(predictions(model, {{0.3}, {0.4}}, 1), before);
+}
+
+TEST(KrigingSurrogateModel, GivesTheSameBitsRunAfterRun)
+{
+    const Columns points = latinHypercube(50, 2, 99);
+    const KrigingSurrogateModel first = KrigingArguments().model(someInputs(), someOutputs());
+    const KrigingSurrogateModel second = KrigingArguments().model(someInputs(), someOutputs());
+
+    EXPECT_EQ(predictions(first, points), predictions(second, points));
+    EXPECT_EQ(first.krigingReport(0).logLikelihood, second.krigingReport(0).logLikelihood);
+    EXPECT_EQ(first.krigingReport(0).correlationLengths,
+              second.krigingReport(0).correlationLengths);
+}
+
+TEST(KrigingSurrogateModel, ReachesTheSameOptimumWithAnotherNumberOfThreads)
+{
+    // Enough cases that the second thread is used.
+    const Columns points = latinHypercube(50, 2, 99);
+    setThreadCount(1);
+    const KrigingSurrogateModel one = KrigingArguments().model(someInputs(520), someOutputs(520));
+    const std::vector<double> withOne = predictions(one, points);
+    setThreadCount(2);
+    const KrigingSurrogateModel two = KrigingArguments().model(someInputs(520), someOutputs(520));
+    const std::vector<double> withTwo = predictions(two, points);
+    setThreadCount(0);
+
+    EXPECT_NEAR(one.krigingReport(0).logLikelihood, two.krigingReport(0).logLikelihood, 0.01);
+    for (std::size_t i = 0; i < 50; ++i) {
+        EXPECT_NEAR(withOne[i], withTwo[i], 0.01 * one.fitMetrics(0).looRmse);
+    }
+}
+
+TEST(KrigingSurrogateModel, KeepsFixedLengthsAndNugget)
+{
+    KrigingArguments arguments;
+    arguments.correlationLengths = {0.25, 3.0};
+    arguments.nugget = 1e-3;
+    arguments.nuggetMode = 1;
+    const KrigingReport report = arguments.model(someInputs(), someOutputs()).krigingReport(0);
+
+    EXPECT_NEAR(report.correlationLengths[0], 0.25, 1e-15);
+    EXPECT_NEAR(report.correlationLengths[1], 3.0, 1e-14);
+    EXPECT_EQ(report.nugget, 1e-3);
+}
+
+TEST(KrigingSurrogateModel, NeverEstimatesANuggetBelowItsBound)
+{
+    KrigingArguments arguments;
+    arguments.nugget = 1e-5;
+
+    EXPECT_EQ(arguments.model(someInputs(), someOutputs()).krigingReport(0).nugget, 1e-5);
+}
+
+TEST(KrigingSurrogateModel, HasQualityTextsButNoEquation)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+
+    EXPECT_FALSE(model.surfaceCoefficientInformationAvailable());
+    EXPECT_TRUE(model.qualityMetricInformationAvailable());
+    const std::string text = model.surfaceCoefficientInformation(0);
+    EXPECT_NE(text.find(" V2 + the correlated part of a Kriging model, which has no equation\n"),
+              std::string::npos);
+    EXPECT_EQ(text.back(), '\n');
+}
+
+TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
+{
+    // Exact figures: no input varies, so that the model is the mean 4.
+    const std::string text =
+        KrigingArguments().model({{7.0, 7.0}}, {{3.0, 5.0}}).qualityMetricInformation(0);
+
+    EXPECT_EQ(text, "Cases: 2\n"
+                    "RMSE: 1\n"
+                    "Leave-one-out RMSE: 2\n"
+                    "Q2: -3\n"
+                    "Log-likelihood: -2.837877066\n" // -(2 ln(2 pi) + 2) / 2
+                    "Process variance: 1\n"
+                    "Nugget (relative to the process variance): 0\n"
+                    "Trend: constant, 4\n"
+                    "Correlation length of V1: inf\n"
+                    "Warning: V1 is constant over the cases and was ignored.\n"
+                    "Warning: No input varies over the cases: the prediction is the mean output.\n"
+                    "Warning: Left-out cases are predicted no better than by the mean of the "
+                    "cases: do not rely on this model.\n");
 }
