@@ -161,78 +161,110 @@ double BoundedSearch::expectedGain() const
 }
 
 /**
- * The maximum of the quadratic model inside the bounds: variables that it would push through a
- * bound are put on it one after the other, and the model is solved again for the rest.
+ * The maximum of the quadratic model inside the bounds and the trust box, by a primal active-set
+ * method: the model rises with every round, so that the step leads uphill wherever it ends.
  */
 void BoundedSearch::proposeStep()
 {
-    step.assign(size, 0.0);
-    std::vector<bool> isFixed(size, false);
+    constexpr double relativeRest = 1e-10; // of the slope: then the model is at its maximum
+
+    std::vector<double> lowest(size);
+    std::vector<double> highest(size);
     for (std::size_t i = 0; i < size; ++i) {
-        isFixed[i] = (current[i] <= lower[i] && gradient[i] <= 0.0) ||
-                     (current[i] >= upper[i] && gradient[i] >= 0.0);
+        lowest[i] = std::max(lower[i] - current[i], -trustRadius);
+        highest[i] = std::min(upper[i] - current[i], trustRadius);
+    }
+
+    const auto bound = [&](std::size_t i, double direction) {
+        return direction < 0.0 ? lowest[i] : highest[i];
+    };
+
+    step.assign(size, 0.0);
+    const std::size_t mostRounds = 5 * size + 5;
+    for (std::size_t round = 0; round < mostRounds; ++round) {
+        std::vector<double> slope = multiply(hessian, step);
+        std::vector<std::size_t> unknowns;
+        double steepest = 0.0;
+        for (std::size_t i = 0; i < size; ++i) {
+            slope[i] = gradient[i] - slope[i];
+            const bool isStopped = (step[i] <= lowest[i] && slope[i] <= 0.0) ||
+                                   (step[i] >= highest[i] && slope[i] >= 0.0);
+            if (!isStopped) {
+                unknowns.push_back(i);
+                steepest = std::max(steepest, std::fabs(slope[i]));
+            }
+        }
+        if (steepest <= relativeRest * largestMagnitude(gradient)) {
+            break;
+        }
+        const std::vector<double> direction = towardsMaximum(slope, unknowns, lowest, highest);
+
+        double length = 1.0;
+        std::size_t stopping = size;
+        for (std::size_t i = 0; i < size; ++i) {
+            const double room = bound(i, direction[i]) - step[i];
+            if (std::fabs(direction[i]) * length > std::fabs(room)) {
+                length = std::fabs(room) / std::fabs(direction[i]);
+                stopping = i;
+            }
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            step[i] = std::min(std::max(step[i] + length * direction[i], lowest[i]), highest[i]);
+        }
+        if (stopping < size) {
+            step[stopping] = bound(stopping, direction[stopping]);
+        }
     }
 
     isStepLimited = false;
-    for (std::size_t round = 0; round <= size; ++round) {
-        std::vector<std::size_t> unknowns;
-        for (std::size_t i = 0; i < size; ++i) {
-            if (!isFixed[i]) {
-                unknowns.push_back(i);
-            }
-        }
+    for (std::size_t i = 0; i < size; ++i) {
+        isStepLimited = isStepLimited || std::fabs(step[i]) >= trustRadius;
+    }
+}
+
+/**
+ * From the present step to where the model is greatest in the unknowns. An unknown that is on a
+ * bound and would leave it to the outside is left out.
+ */
+std::vector<double> BoundedSearch::towardsMaximum(const std::vector<double>& slope,
+                                                  std::vector<std::size_t> unknowns,
+                                                  const std::vector<double>& lowest,
+                                                  const std::vector<double>& highest) const
+{
+    std::vector<double> direction(size, 0.0);
+    while (!unknowns.empty()) {
         const std::size_t m = unknowns.size();
         std::vector<double> matrix(m * m);
         std::vector<double> right(m);
         for (std::size_t a = 0; a < m; ++a) {
-            right[a] = gradient[unknowns[a]];
-            for (std::size_t j = 0; j < size; ++j) {
-                right[a] -= isFixed[j] ? hessian[unknowns[a] * size + j] * step[j] : 0.0;
-            }
+            right[a] = slope[unknowns[a]];
             for (std::size_t b = 0; b < m; ++b) {
                 matrix[a * m + b] = hessian[unknowns[a] * size + unknowns[b]];
             }
         }
         if (!solveDefinite(matrix, right)) {
+            // Rounding has spoilt the curvature: straight up.
             for (std::size_t a = 0; a < m; ++a) {
-                const double slope = std::max(largestMagnitude(gradient), 1e-300);
-                right[a] = gradient[unknowns[a]] * trustRadius / slope;
+                right[a] = slope[unknowns[a]] / std::max(largestMagnitude(gradient), 1e-300);
             }
         }
-
-        bool isInside = true;
+        std::vector<std::size_t> inside;
         for (std::size_t a = 0; a < m; ++a) {
             const std::size_t i = unknowns[a];
-            step[i] = right[a];
-            const double inside =
-                std::min(std::max(current[i] + step[i], lower[i]), upper[i]) - current[i];
-            if (inside != step[i] && std::fabs(inside) < std::fabs(step[i])) {
-                step[i] = inside;
-                isFixed[i] = true;
-                isInside = false;
+            if (!(step[i] <= lowest[i] && right[a] < 0.0) &&
+                !(step[i] >= highest[i] && right[a] > 0.0)) {
+                inside.push_back(i);
             }
         }
-        if (isInside) {
+        if (inside.size() == m) {
+            for (std::size_t a = 0; a < m; ++a) {
+                direction[unknowns[a]] = right[a];
+            }
             break;
         }
+        unknowns = inside;
     }
-
-    const double longest = largestMagnitude(step);
-    if (longest > trustRadius) {
-        for (double& component : step) {
-            component *= trustRadius / longest;
-        }
-        isStepLimited = true;
-    }
-    if (dot(gradient, step) <= 0.0) {
-        // Bounds have bent the step downhill: straight up inside them instead.
-        const double slope = std::max(largestMagnitude(gradient), 1e-300);
-        for (std::size_t i = 0; i < size; ++i) {
-            const double raw = current[i] + gradient[i] * trustRadius / slope;
-            step[i] = std::min(std::max(raw, lower[i]), upper[i]) - current[i];
-        }
-        isStepLimited = true;
-    }
+    return direction;
 }
 
 bool BoundedSearch::tryStep(int mostTries)

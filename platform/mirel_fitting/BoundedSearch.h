@@ -17,10 +17,10 @@ public:
 };
 
 /**
- * Maximises a function of a few variables within bounds by a projected quasi-Newton method: steps
- * of the quadratic model inside the bounds and a trust box, the step halved until the function
- * rises, the curvature updated by damped BFGS. Nocedal, Wright: Numerical Optimization, 2nd ed.,
- * Springer 2006, chapters 3, 16.7 and 18.3.
+ * Maximises a function of a few variables within bounds by a quasi-Newton method: the step goes to
+ * the maximum of a quadratic model inside the bounds and a trust box, is shortened until the
+ * function rises, and the curvature is updated by damped BFGS. Nocedal, Wright: Numerical
+ * Optimization, 2nd ed., Springer 2006, sections 3.5, 16.5 and 18.3.
  *
  * It can be advanced in portions, so that several searches can compete.
  */
@@ -50,6 +50,10 @@ public:
 
 private:
     void proposeStep();
+    std::vector<double> towardsMaximum(const std::vector<double>& slope,
+                                       std::vector<std::size_t> unknowns,
+                                       const std::vector<double>& lowest,
+                                       const std::vector<double>& highest) const;
     bool tryStep(int mostTries);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;

@@ -1,7 +1,7 @@
 #include <mirel_fitting/KrigingLikelihood.h>
 
-#include <mirel_fitting/BlasThreads.h>
 #include <mirel_fitting/MaternCorrelation.h>
+#include <mirel_fitting/SingleThreadedBlas.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -192,7 +192,7 @@ KrigingLikelihood::~KrigingLikelihood() = default;
 
 double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nugget)
 {
-    const BlasThreads threads(impl->n);
+    const SingleThreadedBlas singleThreaded;
     impl->nugget = nugget;
     impl->correlation.setLengths(lengths);
     if (!impl->factorise() || !impl->estimateTrend()) {
@@ -204,7 +204,7 @@ double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nu
 
 void KrigingLikelihood::gradient(std::vector<double>& result)
 {
-    const BlasThreads threads(impl->n);
+    const SingleThreadedBlas singleThreaded;
     impl->invert();
     impl->correlation.weightedDerivatives(impl->correlations.data(), impl->factor.data(),
                                           impl->alpha.data(), 1.0 / impl->variance, result);
@@ -240,7 +240,7 @@ void KrigingLikelihood::refineWithoutNugget()
     constexpr int mostRounds = 20;
     constexpr double worthARound = 0.7; // of the residual must be left at most
 
-    const BlasThreads threads(impl->n);
+    const SingleThreadedBlas singleThreaded;
     const int order = static_cast<int>(impl->n);
     std::vector<double> residuals = impl->residuals();
     double left = cblas_dnrm2(order, residuals.data(), 1);
@@ -275,7 +275,7 @@ std::vector<double> KrigingLikelihood::leaveOneOutResiduals()
     // the trend is not determined.
     constexpr double determined = 1e-10;
 
-    const BlasThreads threads(impl->n);
+    const SingleThreadedBlas singleThreaded;
     const std::size_t n = impl->n;
     const int order = static_cast<int>(n);
     std::vector<double> projected = impl->basis;

@@ -1,0 +1,20 @@
+#pragma once
+
+/**
+ * While it lives, OpenBLAS works with one thread; what was set before is restored. How its threads
+ * share the work decides about the rounding, and where cases lie so close that the matrix is nearly
+ * singular, rounding decides about more digits of a fit than users would accept to depend on the
+ * number of threads. The setting is one of the whole process.
+ */
+class SingleThreadedBlas
+{
+public:
+    SingleThreadedBlas();
+    ~SingleThreadedBlas();
+
+    SingleThreadedBlas(const SingleThreadedBlas&) = delete;
+    SingleThreadedBlas& operator=(const SingleThreadedBlas&) = delete;
+
+private:
+    int before;
+};
