@@ -291,21 +291,16 @@ void PolynomialFit::storeCoefficients(const Columns& columns)
     }
 }
 
-std::vector<std::vector<double>> PolynomialFit::coefficientDirections() const
+std::vector<double> PolynomialFit::coefficientDirection(std::size_t k) const
 {
     const std::size_t kept = keptTerms.size();
-    std::vector<std::vector<double>> directions;
-    std::vector<double> column(kept);
-    for (std::size_t k = 0; k < kept; ++k) {
-        std::fill(column.begin(), column.end(), 0.0);
-        column[k] = 1.0;
-        cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, static_cast<int>(k + 1),
-                    factor.data(), static_cast<int>(kept), column.data(), 1);
-        std::vector<double> direction(polynomial.size(), 0.0);
-        for (std::size_t i = 0; i <= k; ++i) {
-            direction[keptTerms[i]] = column[i];
-        }
-        directions.push_back(std::move(direction));
+    std::vector<double> column(k + 1, 0.0);
+    column[k] = 1.0;
+    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, static_cast<int>(k + 1),
+                factor.data(), static_cast<int>(kept), column.data(), 1);
+    std::vector<double> direction(polynomial.size(), 0.0);
+    for (std::size_t i = 0; i <= k; ++i) {
+        direction[keptTerms[i]] = column[i];
     }
-    return directions;
+    return direction;
 }

@@ -18,7 +18,7 @@
 class PolynomialFit
 {
 public:
-    /** The fit of one output. Sums of squares are in the units of outputScale, squared. */
+    /** The fit of one output. Sums of squares are those of the scaled output. */
     struct Output
     {
         ColumnScale scale;
@@ -32,8 +32,8 @@ public:
 
     /**
      * @param independents one array of `cases` finite values per input of the basis, borrowed for
-     *                     the call, as are the
-     * @param dependents   one array of `cases` finite values per output.
+     *                     the call.
+     * @param dependents   one array of `cases` finite values per output, borrowed for the call.
      * @param cases        at least as many as the basis has terms.
      * @throw SurrogateModelInterface::Error if a FitProgress cancels.
      */
@@ -60,10 +60,10 @@ public:
     bool isPressAvailable() const { return pressAvailable; }
 
     /**
-     * Vectors whose squares sum to the variances of the coefficients, for residuals of variance 1:
-     * the columns of the inverse factor, one entry per term of the basis.
+     * One of keptCount() vectors whose squares sum to the variances of the coefficients, for
+     * residuals of variance 1: a column of the inverse factor, one entry per term of the basis.
      */
-    std::vector<std::vector<double>> coefficientDirections() const;
+    std::vector<double> coefficientDirection(std::size_t k) const;
 
 private:
     struct Columns;

@@ -322,8 +322,8 @@ std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTab
     const double deviation = fitMetrics(offset).rmse;
 
     std::vector<double> variances(estimates.size(), 0.0);
-    for (const std::vector<double>& direction : fit.coefficientDirections()) {
-        const std::vector<double> expanded = units.expanded(direction);
+    for (std::size_t k = 0; k < fit.keptCount(); ++k) {
+        const std::vector<double> expanded = units.expanded(fit.coefficientDirection(k));
         for (std::size_t term = 0; term < variances.size(); ++term) {
             variances[term] += expanded[term] * expanded[term];
         }

@@ -14,9 +14,10 @@
  * lowered, full quadratic to linear to constant; terms that the cases cannot separate are dropped,
  * higher orders before lower ones and products before squares. Both are said in the quality text.
  *
- * Everything is computed in the constructor, for all outputs, in three passes over the columns:
- * time grows with cases times terms squared, memory with the square of the terms. The fit does not
- * depend on the units and origins of the inputs and outputs, beyond rounding.
+ * Everything is computed in the constructor, for all outputs, in a few passes over the columns and
+ * on all cores that setThreadCount() allows: time grows with cases times terms squared, memory with
+ * the square of the terms. The fit does not depend on the units and origins of the inputs and
+ * outputs, beyond rounding.
  *
  * The equation text is one line, `5.5 - 1.25 * V1 + 2 * V1^2 + 0.5 * V1 * V2` and a newline. A
  * dropped term is not in it. Where multiplying out would lose more than 1e-9 of the output's

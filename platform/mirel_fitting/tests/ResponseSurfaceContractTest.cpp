@@ -87,6 +87,8 @@ TEST(ResponseSurfaceContract, RefusesColumnsThatCannotBeFitted)
               "The input V1 has no column of values.");
     EXPECT_EQ(errorOf([&] { Model(cases.inputPointers(), {nullptr}, 9); }),
               "The output at offset 0 has no column of values.");
+    // Without an output, too.
+    EXPECT_EQ(errorOf([&] { Model({nullptr}, {}, 9); }), "The input V1 has no column of values.");
     cases.inputs[1][4] = notANumber;
     EXPECT_EQ(errorOf([&] { fit(cases); }),
               "The input V2 holds a value that is not finite in case 5.");
