@@ -1,8 +1,8 @@
 #include <mirel_fitting/PolynomialFit.h>
 
-#include <mirel_fitting/BlasThreads.h>
 #include <mirel_fitting/BlockedLeastSquares.h>
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include <cblas.h>
@@ -233,7 +233,7 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
         fits.back().scale = ColumnScale(column, cases);
     }
     Columns columns{independents, dependents, {}};
-    const BlasThreads blasThreads(basis.size());
+    const SingleThreadedBlas singleThreaded;
     factorise(columns);
     const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
     walk(residuals, 0.7, 1.0);
