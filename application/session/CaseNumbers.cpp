@@ -1,0 +1,61 @@
+#include "session/CaseNumbers.h"
+
+#include "session/SessionErrors.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+namespace {
+[[noreturn]] void refuse(std::string_view item)
+{
+    throw UsageError("\"" + std::string(item) +
+                     "\" is no case number or range of them; write them like 3,7-9.");
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    const std::size_t end = text.find_last_not_of(" \t") + 1;
+    return text.substr(begin, end - std::min(begin, end));
+}
+
+std::size_t readNumber(std::string_view text, std::string_view item, std::size_t cases)
+{
+    std::size_t number = 0;
+    text = trimmed(text);
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (read.ec == std::errc::invalid_argument || read.ptr != text.data() + text.size()) {
+        refuse(item);
+    }
+    if (read.ec == std::errc::result_out_of_range || number < 1 || number > cases) {
+        throw UsageError("There is no case " + std::string(text) + " to exclude: the cases are " +
+                         (cases == 0 ? "none." : "1 to " + std::to_string(cases) + '.'));
+    }
+    return number;
+}
+} // namespace
+
+std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t cases)
+{
+    std::vector<std::size_t> chosen;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find(',', begin), text.size());
+        const std::string_view item = trimmed(std::string_view(text).substr(begin, end - begin));
+        const std::size_t dash = std::min(item.find('-'), item.size());
+        const std::size_t first = readNumber(item.substr(0, dash), item, cases);
+        const std::size_t last =
+            dash == item.size() ? first : readNumber(item.substr(dash + 1), item, cases);
+        if (last < first) {
+            refuse(item);
+        }
+        for (std::size_t number = first; number <= last; ++number) {
+            chosen.push_back(number - 1);
+        }
+        begin = end + 1;
+    }
+    std::sort(chosen.begin(), chosen.end());
+    chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
+    return chosen;
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <surrogate_session/Export.h>
+
+#include <string>
+#include <string_view>
+
+/**
+ * Writes a file whole or not at all: what is written goes to a temporary file beside the target,
+ * which takes the target's place at commit(). A link is followed, the permissions of a file that is
+ * replaced are kept. What is no regular file (a device, a pipe) and the standard output, "-", are
+ * written to directly.
+ */
+class SURROGATE_SESSION_EXPORT OutputFile
+{
+public:
+    /** The reader of a pipe has gone: what is written is of no use to anybody. */
+    class ReaderGone
+    {};
+
+    /** @throw FileError if the file cannot be made. */
+    explicit OutputFile(const std::string& path);
+
+    /** Without commit() before, the target stays as it was. */
+    ~OutputFile();
+
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /** @throw FileError, for instance when the disk is full; @throw ReaderGone */
+    void write(std::string_view text);
+
+    /** Writes what is left and puts the file in its place; like write() in what it throws. */
+    void commit();
+
+    /**
+     * Whether a file could be written there now: to be asked before long work.
+     * @throw FileError as the constructor would.
+     */
+    static void check(const std::string& path);
+
+private:
+    void flush();
+    [[noreturn]] void fail(int error) const;
+
+    std::string path;
+    std::string target;
+    std::string temporary;
+    std::string buffer;
+    int descriptor = -1;
+};
