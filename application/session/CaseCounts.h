@@ -1,0 +1,37 @@
+#pragma once
+
+#include <mirel_datamanagement/Variable.h>
+
+#include <surrogate_session/Export.h>
+
+#include <cstddef>
+#include <vector>
+
+class Project;
+
+/** How many cases there are, and why some of them cannot be used. */
+struct CaseCounts
+{
+    std::size_t read = 0;
+    std::size_t valid = 0;    ///< included, with finite numbers in all inputs and all outputs
+    std::size_t excluded = 0; ///< taken out by the user, whatever their cells hold
+    std::size_t invalid = 0;  ///< the others
+
+    /** Of the included cases, those that lack a finite number here; one per input, per output. A
+     *  case counts under each variable that it lacks. */
+    std::vector<std::size_t> invalidByInput;
+    std::vector<std::size_t> invalidByOutput;
+
+    /** The valid cases that each output would have if it were the only one. */
+    std::vector<std::size_t> validAlone;
+};
+
+/**
+ * Counts in one pass over the columns.
+ * @param inputs   numeric variables of the project, like the outputs.
+ * @param excluded positions of records, from 0 in project order, each once.
+ */
+SURROGATE_SESSION_EXPORT CaseCounts countCases(const Project& project,
+                                               const std::vector<VarPtr>& inputs,
+                                               const std::vector<VarPtr>& outputs,
+                                               const std::vector<std::size_t>& excluded);

@@ -1,0 +1,79 @@
+#include "session/CaseRoles.h"
+
+#include "session/SessionErrors.h"
+#include "session/VariableNames.h"
+
+namespace {
+class RoleChooser
+{
+public:
+    explicit RoleChooser(const CaseTable& cases)
+        : table(cases), names(namesOf(cases)), roleOf(cases.columns.size())
+    {}
+
+    std::vector<std::size_t> choose(const std::vector<std::string>& texts, const std::string& role)
+    {
+        std::vector<std::size_t> chosen;
+        for (const std::string& text : texts) {
+            for (const std::size_t position : names.listed(text)) {
+                take(position, role);
+                chosen.push_back(position);
+            }
+        }
+        return chosen;
+    }
+
+    std::vector<std::size_t> remainingNumbers() const
+    {
+        std::vector<std::size_t> remaining;
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            if (table.columns[i].isNumeric && roleOf[i].empty()) {
+                remaining.push_back(i);
+            }
+        }
+        return remaining;
+    }
+
+private:
+    static VariableNames namesOf(const CaseTable& table)
+    {
+        std::vector<std::string> names;
+        for (const CaseColumn& column : table.columns) {
+            names.push_back(column.name);
+        }
+        return VariableNames(std::move(names));
+    }
+
+    void take(std::size_t position, const std::string& role)
+    {
+        const CaseColumn& column = table.columns[position];
+        if (!column.isNumeric) {
+            throw UsageError("\"" + column.name + "\" cannot be an " + role +
+                             ", it is a text column: line " + std::to_string(column.firstTextLine) +
+                             " of " + table.path + " holds \"" + column.firstText + "\".");
+        }
+        if (!roleOf[position].empty()) {
+            throw UsageError("\"" + column.name + "\" is named twice, as " + roleOf[position] +
+                             " and as " + role + '.');
+        }
+        roleOf[position] = role;
+    }
+
+    const CaseTable& table;
+    VariableNames names;
+    std::vector<std::string> roleOf;
+};
+} // namespace
+
+CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
+                          const std::vector<std::string>& outputTexts)
+{
+    RoleChooser chooser(table);
+    CaseRoles roles;
+    roles.outputs = chooser.choose(outputTexts, "output");
+    roles.inputs = chooser.choose(inputTexts, "input");
+    if (inputTexts.empty()) {
+        roles.inputs = chooser.remainingNumbers();
+    }
+    return roles;
+}

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <session/CaseCounts.h>
+#include <session/CaseRoles.h>
+#include <session/CaseTable.h>
+
+#include <mirel_datamanagement/Variable.h>
+#include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/KrigingReportInterface.h>
+
+#include <surrogate_session/Export.h>
+
+#include <boost/shared_ptr.hpp>
+#include <vtkSmartPointer.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class Project;
+class SurrogateModelInterface;
+class SurrogateModelManagerInterface;
+class vtkTable;
+
+/** What fitting one output came to. */
+struct OutputFit
+{
+    std::string name;
+    FitMetrics metrics;
+    std::vector<std::string> warnings;    ///< what changed the result, a sentence each
+    std::optional<KrigingReport> kriging; ///< of a Kriging model only
+};
+
+/** Wall-clock time in seconds that the steps of a session took, 0 for those not taken. */
+struct SessionTimes
+{
+    double fit = 0.0;      ///< from asking for the model to the finished fit of all outputs
+    double evaluate = 0.0; ///< filling the grid and evaluating the model, without writing
+};
+
+/**
+ * The open project of a program: the cases of one table with their roles, the model over them and
+ * the values at which it is evaluated. All outputs are fitted together, from the cases that are
+ * valid for all of them.
+ *
+ * Nothing that it does is recorded for undoing. Inputs and outputs are addressed by their position
+ * in the roles. One lives at a time, since its project is the open one.
+ */
+class SURROGATE_SESSION_EXPORT CaseSession
+{
+public:
+    enum Model
+    {
+        Kriging,
+        ResponseSurface
+    };
+
+    /** More values of one input than these would not fit a table that anybody can use. */
+    static constexpr std::size_t mostSweptValues = 100000000;
+
+    /**
+     * @param table    moved in: the columns are not copied.
+     * @param excluded positions of cases, from 0, ascending.
+     * @throw CaseDataError for a name that a project cannot carry.
+     */
+    CaseSession(CaseTable table, const CaseRoles& roles, const std::vector<std::size_t>& excluded,
+                Model model);
+
+    /** Closes the project. */
+    ~CaseSession();
+
+    const Project& project() const;
+    const SurrogateModelManagerInterface& manager() const;
+    Model modelType() const;
+
+    /** In the order of the roles. */
+    const std::vector<VarPtr>& inputs() const;
+    const std::vector<VarPtr>& outputs() const;
+
+    const CaseCounts& counts() const;
+
+    /** Sweeps an input over the values of a distribution text. @throw DistributionTextError */
+    void sweep(std::size_t input, const std::string& text);
+
+    /** Sweeps an input evenly over its range.
+     *  @param count from 2 to mostSweptValues, else UsageError. */
+    void sweepEvenly(std::size_t input, std::size_t count);
+
+    /** Moves the evaluation point, which is each input's minimum at first.
+     *  @throw DistributionTextError unless the text is one number. */
+    void stayAt(std::size_t input, const std::string& text);
+
+    /**
+     * Fits all outputs, once.
+     * @return valid as long as this object.
+     * @throw SurrogateModelInterface::Error
+     */
+    SurrogateModelInterface& fit();
+
+    /** What the fit came to, one per output. @throw SurrogateModelInterface::Error */
+    std::vector<OutputFit> fits();
+
+    /**
+     * Every combination of the inputs' values with the outputs there: a column per input, then one
+     * per output, in the order of the roles.
+     * @throw SurrogateModelInterface::Error
+     */
+    vtkSmartPointer<vtkTable> evaluate();
+
+    /**
+     * The outputs at given points.
+     * @param points one column of `count` numbers per input, borrowed for the call. A point with a
+     *               number that is not finite gets NaN.
+     * @return one column per output.
+     * @throw SurrogateModelInterface::Error
+     */
+    std::vector<std::vector<double>> predict(const std::vector<const double*>& points,
+                                             std::size_t count);
+
+    /** The legend and the equations of all outputs. @throw SurrogateModelInterface::Error */
+    std::string equationText();
+
+    /** The equation of each output alone. @throw SurrogateModelInterface::Error */
+    std::vector<std::string> equations();
+
+    const SessionTimes& times() const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

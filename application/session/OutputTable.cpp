@@ -1,0 +1,121 @@
+#include "session/OutputTable.h"
+
+#include "session/CellTexts.h"
+#include "session/CellValue.h"
+#include "session/NumberText.h"
+#include "session/OutputFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+namespace {
+using Column = OutputTable::Column;
+
+void appendCell(std::string& line, std::string_view text)
+{
+    // Semicolons and tabs are quoted too, so that a reader that guesses the separator from the
+    // heading sees commas only.
+    const bool hasOuterBlank = !text.empty() && (text.front() == ' ' || text.back() == ' ');
+    if (!hasOuterBlank && text.find_first_of(",;\t\"\r\n") == std::string_view::npos) {
+        line += text;
+        return;
+    }
+    line += '"';
+    for (const char character : text) {
+        line.append(character == '"' ? 2 : 1, character);
+    }
+    line += '"';
+}
+
+void appendCell(std::string& line, const Column& column, std::size_t row)
+{
+    if (column.texts != nullptr) {
+        std::string text((*column.texts)[row]);
+        if (column.numbers != nullptr && !std::isnan(column.numbers[row])) {
+            std::replace(text.begin(), text.end(), ',', '.');
+        }
+        appendCell(line, text);
+    } else if (!std::isnan(column.numbers[row])) {
+        appendNumber(line, column.numbers[row]);
+    }
+}
+
+/** A line that is empty would be skipped by readers: the only cell of a row is quoted then. */
+void endLine(std::string& line)
+{
+    line += line.empty() ? "\"\"\n" : "\n";
+}
+
+void appendJsonText(std::string& text, std::string_view value)
+{
+    text += nlohmann::json(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+void appendJsonCell(std::string& text, const Column& column, std::size_t row)
+{
+    if (column.numbers != nullptr) {
+        if (std::isfinite(column.numbers[row])) {
+            appendNumber(text, column.numbers[row]);
+        } else {
+            text += "null";
+        }
+        return;
+    }
+    const std::string_view cell = (*column.texts)[row];
+    if (CellValue::read(cell, false).kind == CellValue::Missing) {
+        text += "null";
+    } else {
+        appendJsonText(text, cell);
+    }
+}
+} // namespace
+
+void writeCsv(const OutputTable& table, OutputFile& out)
+{
+    std::string line;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        line += i == 0 ? "" : ",";
+        appendCell(line, table.columns[i].name);
+    }
+    endLine(line);
+    out.write(line);
+
+    for (std::size_t row = 0; row < table.rows; ++row) {
+        line.clear();
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            if (i > 0) {
+                line += ',';
+            }
+            appendCell(line, table.columns[i], row);
+        }
+        endLine(line);
+        out.write(line);
+    }
+}
+
+void writeJson(const OutputTable& table, OutputFile& out)
+{
+    std::string text = "{\"columns\":[";
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        text += i == 0 ? "" : ",";
+        appendJsonText(text, table.columns[i].name);
+    }
+    text += "],\"rows\":[";
+    for (std::size_t row = 0; row < table.rows; ++row) {
+        text += row == 0 ? "\n[" : ",\n[";
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            if (i > 0) {
+                text += ',';
+            }
+            appendJsonCell(text, table.columns[i], row);
+        }
+        text += ']';
+        out.write(text);
+        text.clear();
+    }
+    text += "]}";
+    out.write(text);
+}

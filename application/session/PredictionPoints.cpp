@@ -1,0 +1,69 @@
+#include "session/PredictionPoints.h"
+
+#include "session/SessionErrors.h"
+#include "session/VariableNames.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+std::string resultName(const std::string& output)
+{
+    return output + " predicted";
+}
+} // namespace
+
+PredictionPoints::PredictionPoints(CaseTable points, const std::vector<std::string>& inputs,
+                                   std::vector<std::string> outputs)
+    : table(std::move(points)), outputNames(std::move(outputs))
+{
+    std::vector<std::string> names;
+    for (const CaseColumn& column : table.columns) {
+        names.push_back(column.name);
+    }
+    for (const std::string& input : inputs) {
+        const auto found = std::find(names.begin(), names.end(), input);
+        if (found == names.end()) {
+            throw CaseDataError(table.path + ", line 1: the model needs the input \"" + input +
+                                "\". " + VariableNames(names).unknownMessage(input));
+        }
+        const CaseColumn& column = table.columns[static_cast<std::size_t>(found - names.begin())];
+        if (!column.isNumeric) {
+            throw CaseDataError(table.path + ", line " + std::to_string(column.firstTextLine) +
+                                ": the input \"" + input + "\" must be a number, not \"" +
+                                column.firstText + "\".");
+        }
+        columns.push_back(column.numbers.data());
+    }
+    for (const std::string& output : outputNames) {
+        if (std::find(names.begin(), names.end(), resultName(output)) != names.end()) {
+            throw CaseDataError(table.path + ", line 1: the table has a column \"" +
+                                resultName(output) + "\" already.");
+        }
+    }
+}
+
+std::size_t PredictionPoints::count() const
+{
+    return table.cases;
+}
+
+const std::vector<const double*>& PredictionPoints::inputColumns() const
+{
+    return columns;
+}
+
+OutputTable
+PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predictions) const
+{
+    OutputTable result;
+    result.rows = table.cases;
+    for (const CaseColumn& column : table.columns) {
+        result.columns.push_back(
+            {column.name, column.isNumeric ? column.numbers.data() : nullptr, &column.cells});
+    }
+    for (std::size_t i = 0; i < predictions.size(); ++i) {
+        result.columns.push_back({resultName(outputNames[i]), predictions[i].data(), nullptr});
+    }
+    return result;
+}

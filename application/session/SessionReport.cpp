@@ -1,0 +1,369 @@
+#include "session/SessionReport.h"
+
+#include "session/NumberText.h"
+
+#include <mirel_datamanagement/Project.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+constexpr int schemaVersion = 1;
+/** Digits in texts for people; programs read the JSON, which has all of them. */
+constexpr int shownDigits = 6;
+
+std::string nameOf(const VarPtr& variable)
+{
+    return variable.lock()->name();
+}
+
+std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
+{
+    std::vector<std::string> names;
+    for (const VarPtr& variable : variables) {
+        names.push_back(nameOf(variable));
+    }
+    return names;
+}
+
+std::string shown(double number)
+{
+    if (std::isnan(number)) {
+        return "-";
+    }
+    std::array<char, 32> buffer;
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                       std::chars_format::general, shownDigits);
+    return std::string(buffer.data(), written.ptr);
+}
+
+/** Columns as wide as their widest cell; numbers to the right, which the caller says. */
+class TextTable
+{
+public:
+    explicit TextTable(std::vector<bool> alignsRight) : right(std::move(alignsRight)) {}
+
+    void add(std::vector<std::string> cells) { rows.push_back(std::move(cells)); }
+
+    std::string text(const std::string& indent) const
+    {
+        std::vector<std::size_t> widths(right.size());
+        for (const std::vector<std::string>& row : rows) {
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                widths[i] = std::max(widths[i], characters(row[i]));
+            }
+        }
+        std::string text;
+        for (const std::vector<std::string>& row : rows) {
+            std::string line = indent;
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                const std::string padding(widths[i] - characters(row[i]), ' ');
+                line += (i == 0 ? "" : "  ") + (right[i] ? padding + row[i] : row[i] + padding);
+            }
+            line.erase(line.find_last_not_of(' ') + 1);
+            text += line + '\n';
+        }
+        return text;
+    }
+
+private:
+    /** Counts characters, not bytes: in UTF-8 those that continue one begin with the bits 10. */
+    static std::size_t characters(const std::string& text)
+    {
+        return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+            return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+        }));
+    }
+
+    std::vector<bool> right;
+    std::vector<std::vector<std::string>> rows;
+};
+
+std::string joined(const std::vector<std::string>& texts)
+{
+    std::string all;
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "" : ", ") + text;
+    }
+    return all;
+}
+
+struct VariableSummary
+{
+    std::string name;
+    bool isNumeric = true;
+    std::string role;
+    double minimum = std::nan("");
+    double maximum = std::nan("");
+    std::size_t missing = 0;
+};
+
+VariableSummary summaryOf(const Project& project, const VarPtr& handle)
+{
+    const auto variable = handle.lock();
+    VariableSummary summary;
+    summary.name = variable->name();
+    summary.isNumeric = variable->isNumeric();
+    summary.role = variable->nature() == Variable::Independent ? "input"
+                   : variable->nature() == Variable::Dependent ? "output"
+                                                               : "none";
+    if (!summary.isNumeric) {
+        for (const std::string& text : project.textValues(handle)) {
+            summary.missing += text.empty() ? 1 : 0;
+        }
+        return summary;
+    }
+
+    bool hasFiniteValue = false;
+    for (const double value : project.numericValues(handle)) {
+        summary.missing += std::isnan(value) ? 1 : 0;
+        hasFiniteValue = hasFiniteValue || std::isfinite(value);
+    }
+    if (hasFiniteValue) {
+        std::tie(summary.minimum, summary.maximum) = variable->range();
+    }
+    return summary;
+}
+
+std::vector<VariableSummary> summariesOf(const Project& project)
+{
+    std::vector<VariableSummary> summaries;
+    for (const VarPtr& variable : project.variables()) {
+        summaries.push_back(summaryOf(project, variable));
+    }
+    return summaries;
+}
+
+/** Calls `action` with the name and number of each variable that makes cases invalid. */
+template <class Action>
+void forEachInvalid(const CaseSession& session, Action action)
+{
+    const CaseCounts& counts = session.counts();
+    const auto walk = [&](const std::vector<VarPtr>& variables,
+                          const std::vector<std::size_t>& invalid) {
+        for (std::size_t i = 0; i < variables.size(); ++i) {
+            if (invalid[i] > 0) {
+                action(nameOf(variables[i]), invalid[i]);
+            }
+        }
+    };
+    walk(session.inputs(), counts.invalidByInput);
+    walk(session.outputs(), counts.invalidByOutput);
+}
+
+Json casesJson(const CaseCounts& counts)
+{
+    return {{"read", counts.read},
+            {"valid", counts.valid},
+            {"excluded", counts.excluded},
+            {"invalid", counts.invalid}};
+}
+
+std::string modelName(const CaseSession& session)
+{
+    return session.modelType() == CaseSession::Kriging ? "kriging" : "response-surface";
+}
+
+/** The members that all objects about a model begin with. */
+Json modelJson(const CaseSession& session)
+{
+    return {{"schema", schemaVersion},
+            {"cases", casesJson(session.counts())},
+            {"model", modelName(session)},
+            {"inputs", namesOf(session.inputs())},
+            {"outputs", Json::array()}};
+}
+
+Json secondsJson(const CaseSession& session, double readSeconds)
+{
+    return {{"read", readSeconds},
+            {"fit", session.times().fit},
+            {"evaluate", session.times().evaluate}};
+}
+
+Json metricsJson(const OutputFit& fit)
+{
+    const FitMetrics& metrics = fit.metrics;
+    if (fit.kriging) {
+        return {{"rmse", metrics.rmse}, {"looRmse", metrics.looRmse}, {"q2", metrics.q2}};
+    }
+    return {{"r2", metrics.r2},
+            {"adjustedR2", metrics.adjustedR2},
+            {"rmse", metrics.rmse},
+            {"predictedR2", metrics.predictedR2}};
+}
+
+Json fitJson(const OutputFit& fit)
+{
+    Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
+    if (fit.kriging) {
+        json["correlationLengths"] = fit.kriging->correlationLengths;
+        json["nugget"] = fit.kriging->nugget;
+        json["logLikelihood"] = fit.kriging->logLikelihood;
+    }
+    return json;
+}
+
+std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs)
+{
+    TextTable table({false, false});
+    const FitMetrics& metrics = fit.metrics;
+    if (fit.kriging) {
+        const KrigingReport& report = *fit.kriging;
+        table.add({"RMSE at the cases", shown(metrics.rmse)});
+        table.add({"leave-one-out RMSE", shown(metrics.looRmse)});
+        table.add({"Q2", shown(metrics.q2)});
+        table.add({"log-likelihood", shown(report.logLikelihood)});
+        table.add({"process variance", shown(report.processVariance)});
+        table.add({"nugget", shown(report.nugget) + " of the process variance"});
+        table.add({"trend", joined(report.trendTerms)});
+        for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
+            table.add({"correlation length of " + inputs[i], shown(report.correlationLengths[i])});
+        }
+    } else {
+        table.add({"R2", shown(metrics.r2)});
+        table.add({"adjusted R2", shown(metrics.adjustedR2)});
+        table.add({"predicted R2", shown(metrics.predictedR2)});
+        table.add({"RMSE", shown(metrics.rmse)});
+        table.add({"PRESS", shown(metrics.press)});
+        table.add({"coefficients", std::to_string(metrics.terms)});
+    }
+
+    std::string text = '\n' + fit.name + '\n' + table.text("  ");
+    for (const std::string& warning : fit.warnings) {
+        text += "  Warning: " + warning + '\n';
+    }
+    return text;
+}
+
+std::string dumped(const Json& json)
+{
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+} // namespace
+
+std::string SessionReport::caseText(const CaseSession& session)
+{
+    const CaseCounts& counts = session.counts();
+    std::string text = std::to_string(counts.read) + " read, " + std::to_string(counts.valid) +
+                       " valid, " + std::to_string(counts.excluded) + " excluded, " +
+                       std::to_string(counts.invalid) + " invalid";
+    std::vector<std::string> reasons;
+    forEachInvalid(session, [&](const std::string& name, std::size_t invalid) {
+        reasons.push_back(name + ' ' + std::to_string(invalid));
+    });
+    return reasons.empty() ? text : text + " (" + joined(reasons) + ')';
+}
+
+std::string SessionReport::summaryText(const CaseSession& session)
+{
+    TextTable table({false, false, false, true, true, true});
+    table.add({"Variable", "Kind", "Role", "Minimum", "Maximum", "Missing"});
+    for (const VariableSummary& variable : summariesOf(session.project())) {
+        table.add({variable.name, variable.isNumeric ? "numeric" : "text",
+                   variable.role == "none" ? "-" : variable.role, shown(variable.minimum),
+                   shown(variable.maximum), std::to_string(variable.missing)});
+    }
+
+    std::string text = table.text("") + "\nCases: " + caseText(session) + '\n';
+    for (std::size_t i = 0; i < session.outputs().size(); ++i) {
+        text += nameOf(session.outputs()[i]) + " alone would have " +
+                std::to_string(session.counts().validAlone[i]) + " valid cases.\n";
+    }
+    return text;
+}
+
+std::string SessionReport::summaryJson(const CaseSession& session)
+{
+    Json json = {{"schema", schemaVersion}, {"cases", casesJson(session.counts())}};
+    json["cases"]["invalidBy"] = Json::array();
+    forEachInvalid(session, [&](const std::string& name, std::size_t invalid) {
+        json["cases"]["invalidBy"].push_back({{"name", name}, {"cases", invalid}});
+    });
+
+    json["variables"] = Json::array();
+    for (const VariableSummary& variable : summariesOf(session.project())) {
+        json["variables"].push_back({{"name", variable.name},
+                                     {"kind", variable.isNumeric ? "numeric" : "text"},
+                                     {"role", variable.role},
+                                     {"minimum", variable.minimum},
+                                     {"maximum", variable.maximum},
+                                     {"missing", variable.missing}});
+    }
+    json["outputs"] = Json::array();
+    for (std::size_t i = 0; i < session.outputs().size(); ++i) {
+        json["outputs"].push_back({{"name", nameOf(session.outputs()[i])},
+                                   {"validAlone", session.counts().validAlone[i]}});
+    }
+    return dumped(json);
+}
+
+std::string SessionReport::fitText(CaseSession& session)
+{
+    const std::vector<OutputFit> fits = session.fits();
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    std::string text = "Cases   " + caseText(session) + '\n';
+    text += std::string("Model   ") +
+            (session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface") + '\n';
+    std::vector<std::string> legend;
+    for (const std::string& input : inputs) {
+        legend.push_back(input + " (V" + std::to_string(legend.size() + 1) + ')');
+    }
+    text += "Inputs  " + joined(legend) + '\n';
+    for (const OutputFit& fit : fits) {
+        text += ::fitText(fit, inputs);
+    }
+    return text;
+}
+
+std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
+{
+    const std::vector<OutputFit> fits = session.fits();
+    Json json = modelJson(session);
+    for (const OutputFit& fit : fits) {
+        json["outputs"].push_back(::fitJson(fit));
+    }
+    json["seconds"] = secondsJson(session, readSeconds);
+    return dumped(json);
+}
+
+std::string SessionReport::equationsJson(CaseSession& session, double readSeconds)
+{
+    const std::vector<std::string> equations = session.equations();
+    Json json = modelJson(session);
+    for (std::size_t i = 0; i < equations.size(); ++i) {
+        json["outputs"].push_back(
+            {{"name", nameOf(session.outputs()[i])}, {"equation", equations[i]}});
+    }
+    json["seconds"] = secondsJson(session, readSeconds);
+    return dumped(json);
+}
+
+std::string SessionReport::notes(CaseSession& session)
+{
+    std::string text;
+    if (session.counts().invalid > 0) {
+        text += "Cases: " + caseText(session) + ".\n";
+    }
+    for (const OutputFit& fit : session.fits()) {
+        for (const std::string& warning : fit.warnings) {
+            text += "Warning for " + fit.name + ": " + warning + '\n';
+        }
+    }
+    return text;
+}
+
+std::string SessionReport::openedForMember(std::string object, const std::string& name)
+{
+    object.erase(object.rfind('}'));
+    object.erase(object.find_last_not_of(" \n") + 1);
+    return object + ",\n  " + Json(name).dump() + ": ";
+}

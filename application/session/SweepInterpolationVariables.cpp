@@ -1,0 +1,84 @@
+#include "session/SweepInterpolationVariables.h"
+
+#include <boost/make_shared.hpp>
+
+SweepInterpolationVariables::SweepInterpolationVariables(
+    boost::shared_ptr<const SurrogateModelManagerInterface> manager,
+    const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions)
+    : InterpolationVariablesAbstract(std::move(manager), userDistributions)
+{}
+
+SweepInterpolationVariables::~SweepInterpolationVariables() = default;
+
+void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count)
+{
+    choose(variable, {count, std::nullopt});
+}
+
+void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count,
+                                        const Range& range)
+{
+    choose(variable, {count, range});
+}
+
+void SweepInterpolationVariables::stayAtEvaluationPoint(const VarPtr& variable)
+{
+    if (sweeps.erase(variable) > 0) {
+        emitChanged();
+    }
+}
+
+void SweepInterpolationVariables::setDependentVariables(const std::set<VarPtr>& variables)
+{
+    if (variables != dependents) {
+        dependents = variables;
+        emitChanged();
+    }
+}
+
+std::set<VarPtr> SweepInterpolationVariables::dependentVariables() const
+{
+    return dependents;
+}
+
+void SweepInterpolationVariables::suspend()
+{
+    isSuspended = true;
+    InterpolationVariablesAbstract::suspend();
+}
+
+void SweepInterpolationVariables::resume()
+{
+    isSuspended = false;
+    InterpolationVariablesAbstract::resume();
+}
+
+boost::shared_ptr<InterpolationPointsInterface>
+SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
+{
+    const auto found = sweeps.find(variable);
+    if (found == sweeps.end()) {
+        return nullptr;
+    }
+    const Sweep& sweep = found->second;
+    return boost::make_shared<DistributedPoints>(
+        sweep.range ? *sweep.range : variable.lock()->range(), sweep.count);
+}
+
+void SweepInterpolationVariables::choose(const VarPtr& variable, const Sweep& sweep)
+{
+    const auto found = sweeps.find(variable);
+    if (found != sweeps.end() && found->second.count == sweep.count &&
+        found->second.range == sweep.range) {
+        return;
+    }
+    sweeps.insert_or_assign(variable, sweep);
+    emitChanged();
+}
+
+void SweepInterpolationVariables::emitChanged() const
+{
+    if (!isSuspended) {
+        signalInterpolationVariablesChanged();
+    }
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <surrogatemodel/InterpolationVariablesAbstract.h>
+
+#include <surrogate_session/Export.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+/**
+ * Interpolation variables by choice: some inputs are swept, evenly over their range or a given one,
+ * all others stay at the manager's evaluation point; a set of dependents is wanted. A swept input
+ * whose user distribution has mode UserDefined takes the values typed there instead.
+ *
+ * A choice that changes something is told by signalInterpolationVariablesChanged, unless suspended.
+ */
+class SURROGATE_SESSION_EXPORT SweepInterpolationVariables : public InterpolationVariablesAbstract
+{
+public:
+    using Range = std::pair<double, double>;
+
+    /** Nothing is swept and nothing wanted at first; the arguments as for the base class. */
+    SweepInterpolationVariables(
+        boost::shared_ptr<const SurrogateModelManagerInterface> manager,
+        const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions);
+    ~SweepInterpolationVariables() override;
+
+    /** Sweeps over the range that the variable has when values are asked for.
+     *  @param count of values; one alone is NaN, as DistributedPoints has it. */
+    void sweep(const VarPtr& variable, std::size_t count);
+
+    /** Sweeps over a range of its own, in the variable's units; it may fall. */
+    void sweep(const VarPtr& variable, std::size_t count, const Range& range);
+
+    void stayAtEvaluationPoint(const VarPtr& variable);
+
+    void setDependentVariables(const std::set<VarPtr>& variables);
+    std::set<VarPtr> dependentVariables() const override;
+
+    void suspend() override;
+    void resume() override;
+
+protected:
+    boost::shared_ptr<InterpolationPointsInterface>
+    interpolationPoints(VarPtr variable) const override;
+
+private:
+    struct Sweep
+    {
+        std::size_t count;
+        std::optional<Range> range;
+    };
+
+    void choose(const VarPtr& variable, const Sweep& sweep);
+    void emitChanged() const;
+
+    std::map<VarPtr, Sweep> sweeps;
+    std::set<VarPtr> dependents;
+    bool isSuspended = false;
+};

@@ -1,0 +1,97 @@
+#include <session/CaseRoles.h>
+
+#include <session/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+using Positions = std::vector<std::size_t>;
+
+CaseTable tableOf(const std::vector<std::string>& numericNames)
+{
+    CaseTable table;
+    table.path = "cases.csv";
+    for (const std::string& name : numericNames) {
+        table.columns.emplace_back();
+        table.columns.back().name = name;
+    }
+    return table;
+}
+
+CaseTable withText()
+{
+    CaseTable table = tableOf({"a", "site", "b", "c"});
+    table.columns[1].isNumeric = false;
+    table.columns[1].firstText = "north";
+    table.columns[1].firstTextLine = 2;
+    return table;
+}
+
+std::string refusalOf(const std::vector<std::string>& inputs,
+                      const std::vector<std::string>& outputs)
+{
+    try {
+        chooseCaseRoles(withText(), inputs, outputs);
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(CaseRoles, KeepTheOrderInWhichTheyAreNamed)
+{
+    const CaseRoles roles = chooseCaseRoles(withText(), {"c", "a"}, {"b"});
+
+    EXPECT_EQ(roles.inputs, (Positions{3, 0}));
+    EXPECT_EQ(roles.outputs, (Positions{2}));
+}
+
+TEST(CaseRoles, MayBeListedWithCommas)
+{
+    const CaseRoles roles = chooseCaseRoles(tableOf({"p", "q", "p,q", "r"}), {"p,q"}, {"r,q"});
+
+    EXPECT_EQ(roles.inputs, (Positions{2}));
+    EXPECT_EQ(roles.outputs, (Positions{3, 1}));
+}
+
+TEST(CaseRoles, WithoutInputsEveryNumericColumnThatIsNoOutputIsOne)
+{
+    const CaseRoles roles = chooseCaseRoles(withText(), {}, {"b"});
+
+    EXPECT_EQ(roles.inputs, (Positions{0, 3}));
+}
+
+TEST(CaseRoles, WithoutOutputsThereAreNone)
+{
+    const CaseRoles roles = chooseCaseRoles(withText(), {}, {});
+
+    EXPECT_TRUE(roles.outputs.empty());
+    EXPECT_EQ(roles.inputs, (Positions{0, 2, 3}));
+}
+
+TEST(CaseRoles, ATextColumnIsRefusedWithTheCellThatMakesItText)
+{
+    EXPECT_EQ(refusalOf({"site"}, {"b"}),
+              "\"site\" cannot be an input, it is a text column: line 2 of cases.csv holds "
+              "\"north\".");
+    EXPECT_EQ(refusalOf({}, {"site"}),
+              "\"site\" cannot be an output, it is a text column: line 2 of cases.csv holds "
+              "\"north\".");
+}
+
+TEST(CaseRoles, AVariableHasOneRole)
+{
+    EXPECT_EQ(refusalOf({"a", "b"}, {"b"}), "\"b\" is named twice, as output and as input.");
+    EXPECT_EQ(refusalOf({"a,a"}, {"b"}), "\"a\" is named twice, as input and as input.");
+}
+
+TEST(CaseRoles, AnUnknownNameIsRefused)
+{
+    EXPECT_EQ(refusalOf({"sit"}, {"b"}),
+              "There is no variable \"sit\"; the nearest name is \"site\". The variables are: "
+              "\"a\", \"site\", \"b\", \"c\".");
+}

@@ -1,0 +1,78 @@
+#include <session/PredictionPoints.h>
+
+#include "TemporaryFolder.h"
+
+#include <session/CaseFileReader.h>
+#include <session/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+CaseTable tableOf(const std::string& content)
+{
+    const TemporaryFolder folder;
+    CaseFileReader::Options options;
+    options.keepCells = true;
+    CaseTable table = CaseFileReader::read(folder.write("points.csv", content), options);
+    table.path = "points.csv";
+    return table;
+}
+
+std::string refusalOf(const std::string& content)
+{
+    try {
+        PredictionPoints(tableOf(content), {"x", "z"}, {"y"});
+    } catch (const CaseDataError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(PredictionPoints, FindTheInputsByNameInWhateverOrder)
+{
+    const PredictionPoints points(tableOf("z,note,x\n1,a,2\n3,b,4\n"), {"x", "z"}, {"y"});
+
+    EXPECT_EQ(points.count(), 2u);
+    ASSERT_EQ(points.inputColumns().size(), 2u);
+    EXPECT_EQ(points.inputColumns()[0][1], 4.0);
+    EXPECT_EQ(points.inputColumns()[1][0], 1.0);
+}
+
+TEST(PredictionPoints, AddTheResultsToTheTableAsItWas)
+{
+    const PredictionPoints points(tableOf("z,note,x\n1,a,2\n"), {"x", "z"}, {"y"});
+    const std::vector<std::vector<double>> predictions = {{7.5}};
+
+    const OutputTable table = points.withPredictions(predictions);
+
+    ASSERT_EQ(table.columns.size(), 4u);
+    EXPECT_EQ(table.rows, 1u);
+    EXPECT_EQ(table.columns[1].name, "note");
+    EXPECT_EQ(table.columns[1].numbers, nullptr);
+    EXPECT_EQ(table.columns[3].name, "y predicted");
+    EXPECT_EQ(table.columns[3].numbers[0], 7.5);
+}
+
+TEST(PredictionPoints, AMissingInputIsRefusedWithTheNearestName)
+{
+    EXPECT_EQ(
+        refusalOf("Z,x\n1,2\n"),
+        "points.csv, line 1: the model needs the input \"z\". There is no variable \"z\"; the "
+        "nearest name is \"Z\". The variables are: \"Z\", \"x\".");
+}
+
+TEST(PredictionPoints, ATextInAnInputIsRefusedWithItsLine)
+{
+    EXPECT_EQ(refusalOf("x,z\n1,2\n1,2..5\n"),
+              "points.csv, line 3: the input \"z\" must be a number, not \"2..5\".");
+}
+
+TEST(PredictionPoints, AColumnThatHasTheNameOfAResultIsRefused)
+{
+    EXPECT_EQ(refusalOf("x,z,y predicted\n1,2,3\n"),
+              "points.csv, line 1: the table has a column \"y predicted\" already.");
+}
