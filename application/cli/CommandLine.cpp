@@ -1,0 +1,177 @@
+#include "CommandLine.h"
+
+#include <session/SessionErrors.h>
+#include <session/VariableNames.h>
+#include <session/WholeNumber.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <map>
+
+namespace {
+const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
+                                                              {"fit", CommandLine::Fit},
+                                                              {"evaluate", CommandLine::Evaluate},
+                                                              {"predict", CommandLine::Predict},
+                                                              {"equations", CommandLine::Equations},
+                                                              {"check", CommandLine::Check},
+                                                              {"help", CommandLine::Help}};
+
+constexpr int mostThreads = 1024;
+
+CommandLine::Command commandOf(const std::string& word)
+{
+    const auto found = commands.find(word);
+    if (found == commands.end()) {
+        throw UsageError("There is no command \"" + word +
+                         "\". The commands are: summary, fit, evaluate, predict, equations, "
+                         "check; surrogate --help describes them.");
+    }
+    return found->second;
+}
+
+CaseSession::Model modelOf(const std::string& word)
+{
+    if (word != "kriging" && word != "response-surface") {
+        throw UsageError("-m needs response-surface or kriging, not \"" + word + "\".");
+    }
+    return word == "kriging" ? CaseSession::Kriging : CaseSession::ResponseSurface;
+}
+
+char separatorOf(const std::string& word)
+{
+    const std::map<std::string, char> separators = {
+        {"comma", ','}, {",", ','},   {"semicolon", ';'}, {";", ';'},
+        {"tab", '\t'},  {"\t", '\t'}, {"\\t", '\t'}};
+    const auto found = separators.find(word);
+    if (found == separators.end()) {
+        throw UsageError("--separator needs comma, semicolon or tab, not \"" + word + "\".");
+    }
+    return found->second;
+}
+
+/** What the library reads into before it is given its meaning. */
+struct Words
+{
+    std::string command;
+    std::string subject;
+    std::string model = "response-surface";
+    std::string separator;
+    std::string threads;
+    bool wantsHelp = false;
+    bool wantsVersion = false;
+};
+
+void describe(CLI::App& app, Words& words, CommandLine& line)
+{
+    const auto each = [&](const std::string& name, std::vector<std::string>& values) {
+        // One value per mention: "-x A B" must not take B, nor "[a]" be read as a list.
+        app.add_option(name, values)->allow_extra_args(false);
+    };
+    app.set_help_flag();
+    app.add_option("COMMAND", words.command);
+    app.add_option("SUBJECT", words.subject);
+    each("-x", line.inputs);
+    each("-y", line.outputs);
+    each("--exclude", line.excluded);
+    each("--sweep", line.sweeps);
+    each("--count", line.counts);
+    each("--at", line.values);
+    app.add_option("-m,--model", words.model);
+    app.add_option("--separator", words.separator);
+    app.add_option("--points", line.points);
+    app.add_option("-o,--output", line.output);
+    app.add_option("--threads", words.threads);
+    app.add_flag("--json", line.asJson);
+    app.add_flag("-q,--quiet", line.isQuiet);
+    app.add_flag("-h,--help", words.wantsHelp);
+    app.add_flag("--version", words.wantsVersion);
+}
+
+/**
+ * A text to check may begin with a minus sign: it is moved behind the mark that ends the options.
+ */
+std::vector<std::string> withTextAsArgument(std::vector<std::string> arguments)
+{
+    const auto isNegative = [](const std::string& text) {
+        return text.size() > 1 && text[0] == '-' && (std::isdigit(text[1]) != 0 || text[1] == '.');
+    };
+    if (std::find(arguments.begin(), arguments.end(), "check") == arguments.end()) {
+        return arguments;
+    }
+    const auto text = std::find_if(arguments.begin(), arguments.end(), isNegative);
+    if (text != arguments.end() && std::find(arguments.begin(), text, std::string("--")) == text) {
+        std::rotate(text, text + 1, arguments.end());
+        arguments.insert(arguments.end() - 1, "--");
+    }
+    return arguments;
+}
+
+void require(bool condition, const std::string& sentence)
+{
+    if (!condition) {
+        throw UsageError(sentence);
+    }
+}
+
+/** Options that would change nothing are refused: the user expects something of them. */
+void checkCombination(const CommandLine& line)
+{
+    const bool isCheck = line.command == CommandLine::Check;
+    const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
+    const bool hasRoles = !line.inputs.empty() || !line.outputs.empty() || !line.excluded.empty();
+
+    require(!line.subject.empty() || isCheck, "The command needs a case file.");
+    require(!hasValues || line.command == CommandLine::Evaluate,
+            "--sweep, --count and --at belong to the command evaluate.");
+    require(line.points.empty() || line.command == CommandLine::Predict,
+            "--points belongs to the command predict.");
+    require(!line.points.empty() || line.command != CommandLine::Predict,
+            "The command predict needs the file with the points: --points FILE.");
+    require(!hasRoles || !isCheck, "The command check takes a text, no variables and no cases.");
+    require(line.model == CaseSession::ResponseSurface || line.command != CommandLine::Equations,
+            "Only the response surface has equations: leave out -m kriging.");
+    require(line.subject != "-" || line.points != "-",
+            "The cases and the points cannot both come from the standard input.");
+}
+} // namespace
+
+CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
+{
+    CommandLine line;
+    Words words;
+    CLI::App app;
+    describe(app, words, line);
+    std::vector<std::string> reversed = withTextAsArgument(arguments);
+    std::reverse(reversed.begin(), reversed.end());
+    try {
+        app.parse(reversed);
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(std::string(error.what()) + " (surrogate --help lists the options)");
+    }
+
+    if (words.wantsHelp || words.wantsVersion) {
+        line.command = words.wantsHelp ? Help : Version;
+        return line;
+    }
+    require(!words.command.empty(),
+            "What is to be done? surrogate --help lists commands and options.");
+    line.command = commandOf(words.command);
+    if (line.command == Help) {
+        return line;
+    }
+    require(line.command != Check || app.count("SUBJECT") > 0,
+            "The command check needs the text to check.");
+    line.subject = words.subject;
+    line.model = modelOf(words.model);
+    if (app.count("--separator") > 0) {
+        line.separator = separatorOf(words.separator);
+    }
+    if (app.count("--threads") > 0) {
+        line.threads =
+            static_cast<int>(readWholeNumber("--threads", words.threads, 1, mostThreads));
+    }
+    checkCombination(line);
+    return line;
+}

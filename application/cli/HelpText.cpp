@@ -1,0 +1,59 @@
+#include "HelpText.h"
+
+std::string helpText()
+{
+    return R"(surrogate: fits surrogate models to tables of cases and evaluates them
+
+    surrogate COMMAND CASES.csv [options]
+
+Commands
+  summary     the variables (kind, role, minimum, maximum, missing cells) and the cases
+  fit         fits a model and reports how good it is, per output
+  evaluate    the outputs over the grid of the inputs' values, as a table
+  predict     the outputs at the rows of a second table (--points FILE), as that table with a
+              column "NAME predicted" for each output; empty where an input is missing
+  equations   the response-surface equations, with a legend of their symbols
+  check TEXT  the values of a distribution text, or what is wrong with it; reads no file
+
+Cases
+  CASES.csv is separated by commas, semicolons or tabs, with the names in the first line; "-" is
+  the standard input. A column is numeric if every filled cell is a number, else text. Missing
+  cells are empty, NA, N/A, NaN, null, ? or -.
+  --separator S    comma, semicolon or tab, for both files; recognised if absent
+
+Roles
+  -x NAME          an input; may be repeated, or a list separated by commas. Without it every
+                   numeric column that is no output
+  -y NAME          an output, likewise
+  --exclude CASES  case numbers, from 1, such as 3,7-9
+
+  Outputs asked for together are fitted to the cases that are valid for all of them.
+
+Model
+  -m, --model M    response-surface (default) or kriging
+
+Values (evaluate)
+  --sweep NAME=TEXT   the values of a distribution text, such as 4 - 80 : 20, 42 (a range of 20
+                      values from 4 to 80, and 42)
+  --count NAME=N      N values, evenly over the range of the variable
+  --at NAME=VALUE     one value
+  An input with none of them stays at its minimum.
+
+Output
+  -o, --output FILE  the table or text goes there instead of the standard output ("-")
+  --json             an object instead of text. A table is its member "table", unless -o FILE
+                     names a file for the table; the object is printed then
+  -q, --quiet        no notes, no progress
+  --threads N        threads to use, all cores if absent
+  --version, -h, --help
+
+Exit codes
+  0 done    1 the model cannot be fitted or evaluated    2 wrong use    3 bad case data
+  4 bad distribution text    5 a file cannot be read or written
+)";
+}
+
+std::string versionText()
+{
+    return "surrogate " SURROGATE_VERSION "\n";
+}

@@ -1,0 +1,59 @@
+#include "TerminalProgress.h"
+
+#include <mirel_fitting/FitProgress.h>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+#include <unistd.h>
+
+struct TerminalProgress::Line
+{
+    /** Often enough to look alive, seldom enough to cost nothing. */
+    static constexpr std::chrono::milliseconds interval = std::chrono::milliseconds(100);
+
+    void show(double fraction, const std::string& message)
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (now - shownAt < interval) {
+            return;
+        }
+        shownAt = now;
+        isShown = true;
+        // "erase to the end of the line", then the text, without a line end.
+        std::fprintf(stderr, "\r\033[K%3.0f %% %s", 100.0 * fraction, message.c_str());
+        std::fflush(stderr);
+    }
+
+    void clear() const
+    {
+        if (isShown) {
+            std::fputs("\r\033[K", stderr);
+        }
+    }
+
+    // The first line waits too: a fit that is done by then shows nothing.
+    std::chrono::steady_clock::time_point shownAt = std::chrono::steady_clock::now();
+    bool isShown = false;
+};
+
+TerminalProgress::TerminalProgress(bool isQuiet)
+{
+    if (isQuiet || isatty(STDERR_FILENO) == 0) {
+        return;
+    }
+    line = std::make_shared<Line>();
+    progress =
+        std::make_unique<FitProgress>([shown = line](double fraction, const std::string& message) {
+            shown->show(fraction, message);
+            return true;
+        });
+}
+
+TerminalProgress::~TerminalProgress()
+{
+    if (line) {
+        line->clear();
+    }
+}
