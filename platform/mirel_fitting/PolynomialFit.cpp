@@ -266,8 +266,8 @@ void PolynomialFit::walk(const std::function<std::unique_ptr<OrderedChunks::Work
                          double from, double to) const
 {
     const std::size_t chunks = (caseCount + rowsPerChunk - 1) / rowsPerChunk;
-    // With more terms, a factor for each thread takes much memory, and OpenBLAS uses them itself.
-    constexpr std::size_t mostTermsPerThread = 500;
+    // With more terms, a factor for each thread takes too much memory: 32 MB here.
+    constexpr std::size_t mostTermsPerThread = 2000;
     const int threads = polynomial.size() < mostTermsPerThread ? threadCount() : 1;
     const auto report = [&](std::size_t chunk) {
         const double done = static_cast<double>(chunk) / static_cast<double>(chunks);

@@ -13,7 +13,7 @@
  * A polynomial fitted by least squares to several outputs at once, in three passes over the
  * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
  * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
- * does not depend on them below 500 terms.
+ * does not depend on their number.
  */
 class PolynomialFit
 {
