@@ -238,23 +238,19 @@ TEST_F(ProjectChanges, LetTheExceptionUnderWayPassBeforeThatOfAListener)
 TEST_F(ProjectChanges, AreGroupedWithinTheCleanUpAfterAnException)
 {
     // The group begins and ends while an exception is under way: it ends like any other.
-    struct CleanUp
-    {
-        std::function<void()> operation;
-        ~CleanUp() { operation(); }
-    };
     bool listenerWasHeard = false;
+    const auto cleanUp = [&](void*) {
+        try {
+            Project::ChangeGroup group(project);
+            project.setValue(first, x, 5.0);
+        } catch (const std::runtime_error&) {
+            listenerWasHeard = true;
+        }
+    };
     const boost::signals2::scoped_connection throwing =
         project.connectSignalChanged([] { throw std::runtime_error("listener"); });
     try {
-        const CleanUp cleanUp{[&] {
-            try {
-                Project::ChangeGroup group(project);
-                project.setValue(first, x, 5.0);
-            } catch (const std::runtime_error&) {
-                listenerWasHeard = true;
-            }
-        }};
+        const std::unique_ptr<void, decltype(cleanUp)> cleaned(&project, cleanUp);
         throw std::logic_error("under way");
     } catch (const std::logic_error&) {
     }

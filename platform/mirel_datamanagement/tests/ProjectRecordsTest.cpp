@@ -15,6 +15,7 @@ namespace {
 std::vector<unsigned long> idsOf(const std::vector<RecordPtr>& records)
 {
     std::vector<unsigned long> ids;
+    ids.reserve(records.size());
     for (const RecordPtr& handle : records) {
         ids.push_back(handle.lock()->id());
     }

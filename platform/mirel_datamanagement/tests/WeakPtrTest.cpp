@@ -137,6 +137,7 @@ TEST(WeakPtr, SortsNullFirstAndEqualOnlyToNull)
 TEST(WeakPtr, KeepsItsPlaceInASetAfterItsObjectHasGone)
 {
     std::vector<boost::shared_ptr<Thing>> things;
+    things.reserve(3);
     std::set<ThingPtr> handles;
     for (const std::size_t id : {3u, 1u, 2u}) {
         things.push_back(boost::make_shared<Thing>());
@@ -147,6 +148,7 @@ TEST(WeakPtr, KeepsItsPlaceInASetAfterItsObjectHasGone)
     things.clear();
 
     std::vector<std::size_t> order;
+    order.reserve(handles.size());
     for (const ThingPtr& handle : handles) {
         order.push_back(handle.id());
     }

@@ -51,8 +51,9 @@ struct ProjectDataPipelineManagerTest : testing::Test
 
     Names columnNames() const
     {
-        Names names;
         vtkTable* const cases = table();
+        Names names;
+        names.reserve(static_cast<std::size_t>(cases->GetNumberOfColumns()));
         for (vtkIdType column = 0; column < cases->GetNumberOfColumns(); ++column) {
             names.emplace_back(cases->GetColumnName(column));
         }
@@ -61,8 +62,9 @@ struct ProjectDataPipelineManagerTest : testing::Test
 
     Ids ids() const
     {
-        Ids found;
         vtkTable* const cases = table();
+        Ids found;
+        found.reserve(static_cast<std::size_t>(cases->GetNumberOfRows()));
         for (vtkIdType row = 0; row < cases->GetNumberOfRows(); ++row) {
             found.push_back(cases->GetValue(row, 0).ToUnsignedLong());
         }
