@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 /**
  * For tests: the process has one undo stack, so a test that uses it begins with an empty one and
  * checks at its end that it has left neither a suspension nor a macro open. Use it as a member of
@@ -23,7 +25,8 @@ public:
         stack.clear();
         const boost::function<void()> nothing;
         // Not recorded while suspended; recorded, but not undoable, within an open macro.
-        UndoStack().push(new GenericUndoCommand(nothing, nothing, nullptr, "probe", -1));
+        UndoStack().push(
+            std::make_unique<GenericUndoCommand>(nothing, nothing, nullptr, "probe", -1).release());
         EXPECT_EQ(stack.count(), 1) << "a suspension of undo recording is still open";
         EXPECT_EQ(stack.index(), stack.count()) << "an undo macro is still open";
         stack.clear();
