@@ -343,13 +343,15 @@ void Search::finish(KrigingSearch::Result& result)
 std::vector<double> Search::preferLeastNugget(LogLikelihood& objective, const BoundedSearch& search,
                                               double& value) const
 {
+    constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
+
     std::vector<double> point = search.point();
     if (!variables.hasNugget || !search.isFeasible() || point.back() <= variables.lower.back()) {
         return point;
     }
     point.back() = variables.lower.back();
     const double withLeast = objective.value(point);
-    if (withLeast < value - smallestGain(data->cases)) {
+    if (withLeast < value - std::max(evidence, smallestGain(data->cases))) {
         return search.point();
     }
     value = withLeast;

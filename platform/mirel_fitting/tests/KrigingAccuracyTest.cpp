@@ -1,0 +1,112 @@
+#include <mirel_fitting/KrigingSurrogateModel.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/** Over the unit square; Dixon and Szegoe: Towards global optimisation 2, North-Holland 1978. */
+double branin(const std::vector<double>& u)
+{
+    const double pi = std::acos(-1.0);
+    const double x = -5.0 + 15.0 * u[0];
+    const double y = 15.0 * u[1];
+    const double a = y - 5.1 / (4.0 * pi * pi) * x * x + 5.0 / pi * x - 6.0;
+    return a * a + 10.0 * (1.0 - 1.0 / (8.0 * pi)) * std::cos(x) + 10.0;
+}
+
+/** Dixon and Szegoe, as above. */
+double hartmann6(const std::vector<double>& x)
+{
+    const double a[4][6] = {{10, 3, 17, 3.5, 1.7, 8},
+                            {0.05, 10, 17, 0.1, 8, 14},
+                            {3, 3.5, 1.7, 10, 17, 8},
+                            {17, 8, 0.05, 10, 0.1, 14}};
+    const double p[4][6] = {{0.1312, 0.1696, 0.5569, 0.0124, 0.8283, 0.5886},
+                            {0.2329, 0.4135, 0.8307, 0.3736, 0.1004, 0.9991},
+                            {0.2348, 0.1451, 0.3522, 0.2883, 0.3047, 0.6650},
+                            {0.4047, 0.8828, 0.8732, 0.5743, 0.1091, 0.0381}};
+    const double c[4] = {1.0, 1.2, 3.0, 3.2};
+    double sum = 0.0;
+    for (int i = 0; i < 4; ++i) {
+        double exponent = 0.0;
+        for (int k = 0; k < 6; ++k) {
+            exponent += a[i][k] * (x[k] - p[i][k]) * (x[k] - p[i][k]);
+        }
+        sum -= c[i] * std::exp(-exponent);
+    }
+    return sum;
+}
+
+double errorOf(const KrigingSurrogateModel& model, const Function& function, std::size_t inputs)
+{
+    const Columns points = latinHypercube(1000, inputs, 4711);
+    return relativeError(predictions(model, points), valuesOf(function, points));
+}
+
+double errorOfFit(const Function& function, std::size_t inputs, std::size_t cases, int trendOrder)
+{
+    const Columns design = latinHypercube(cases, inputs, 17);
+    KrigingArguments arguments;
+    arguments.trendOrder = trendOrder;
+    return errorOf(arguments.model(design, {valuesOf(function, design)}), function, inputs);
+}
+
+} // namespace
+
+// The limits are about twice what maximum likelihood with this correlation reaches on such designs:
+// Branin 4e-3 and 5e-5, Hartmann 0.4. A search that ends in a false optimum misses them by far.
+
+TEST(KrigingAccuracy, PredictsBraninFrom50Cases)
+{
+    EXPECT_LT(errorOfFit(branin, 2, 50, 0), 1e-2);
+    EXPECT_LT(errorOfFit(branin, 2, 50, 1), 1e-2);
+    EXPECT_LT(errorOfFit(branin, 2, 50, 2), 1e-2);
+}
+
+TEST(KrigingAccuracy, PredictsBraninFrom200Cases)
+{
+    EXPECT_LT(errorOfFit(branin, 2, 200, 1), 1e-4);
+}
+
+TEST(KrigingAccuracy, PredictsHartmannFrom200Cases)
+{
+    EXPECT_LT(errorOfFit(hartmann6, 6, 200, 1), 0.6);
+}
+
+TEST(KrigingAccuracy, SmoothsNoiseAway)
+{
+    // Noise of 5 over the spread of 51; 200 cases average it to about a third.
+    const Columns design = latinHypercube(200, 2, 17);
+    std::vector<double> output = valuesOf(branin, design);
+    UniformNumbers numbers(23);
+    for (double& y : output) {
+        y += 5.0 * numbers.normal();
+    }
+    const KrigingSurrogateModel model = KrigingArguments().model(design, {output});
+
+    EXPECT_LT(errorOf(model, branin, 2), 0.08);
+    const KrigingReport report = model.krigingReport(0);
+    EXPECT_NEAR(std::sqrt(report.nugget * report.processVariance), 5.0, 1.0);
+    EXPECT_GT(model.fitMetrics(0).rmse, 3.0) << "it does not pass through the cases";
+}
+
+TEST(KrigingAccuracy, EstimatesItsErrorByLeavingCasesOut)
+{
+    const Columns design = latinHypercube(100, 2, 17);
+    const KrigingSurrogateModel model =
+        KrigingArguments().model(design, {valuesOf(branin, design)});
+    const Columns points = latinHypercube(1000, 2, 4711);
+    const std::vector<double> expected = valuesOf(branin, points);
+    const std::vector<double> found = predictions(model, points);
+    double squares = 0.0;
+    for (std::size_t i = 0; i < 1000; ++i) {
+        squares += (found[i] - expected[i]) * (found[i] - expected[i]);
+    }
+
+    // Errors concentrate at the border: an estimate of the order of the error is what to expect.
+    const double ratio = model.fitMetrics(0).looRmse / std::sqrt(squares / 1000.0);
+    EXPECT_GT(ratio, 0.2);
+    EXPECT_LT(ratio, 5.0);
+}

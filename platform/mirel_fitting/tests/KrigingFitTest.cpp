@@ -1,0 +1,365 @@
+#include <mirel_fitting/KrigingFit.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+const double infinity = std::numeric_limits<double>::infinity();
+
+double wave(const std::vector<double>& x)
+{
+    return std::sin(6.0 * x[0]) + (x.size() > 1 ? x[1] * x[1] : 0.0);
+}
+
+KrigingFit fitOf(Columns inputs, const std::vector<double>& output, KrigingOptions options = {})
+{
+    const KrigingCases cases(pointersTo(inputs), output.size());
+    return fitKriging(cases, output, options);
+}
+
+double valueAt(const KrigingFit& fit, std::vector<double> point)
+{
+    std::vector<double*> columns;
+    for (double& coordinate : point) {
+        columns.push_back(&coordinate);
+    }
+    double value = 0.0;
+    fit.predictor.predict(columns, 1, &value);
+    return value;
+}
+
+bool warns(const KrigingFit& fit, const std::string& sentence)
+{
+    return std::find(fit.warnings.begin(), fit.warnings.end(), sentence) != fit.warnings.end();
+}
+
+KrigingOptions withTrend(int order)
+{
+    KrigingOptions options;
+    options.trendOrder = order;
+    return options;
+}
+
+} // namespace
+
+TEST(KrigingFit, CountsExactCopiesOfACaseOnce)
+{
+    Columns inputs = latinHypercube(20, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingFit once = fitOf(inputs, output);
+    for (const std::size_t copied : {4, 4, 11}) {
+        inputs[0].push_back(inputs[0][copied]);
+        inputs[1].push_back(inputs[1][copied]);
+        output.push_back(output[copied]);
+    }
+
+    const KrigingFit copies = fitOf(inputs, output);
+
+    EXPECT_TRUE(warns(copies, "3 cases repeat another case exactly and were merged with it."));
+    EXPECT_EQ(copies.metrics.cases, 20u);
+    // The mean that the outputs are centred by counts every row.
+    EXPECT_NEAR(copies.report.logLikelihood, once.report.logLikelihood, 1e-2);
+    EXPECT_NEAR(valueAt(copies, {0.3, 0.6}), valueAt(once, {0.3, 0.6}), 1e-4);
+}
+
+TEST(KrigingFit, SmoothsCasesThatContradictEachOther)
+{
+    Columns inputs = latinHypercube(20, 1, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    for (std::size_t i = 0; i < 20; ++i) {
+        inputs[0].push_back(inputs[0][i]);
+        output.push_back(output[i] + 0.2);
+    }
+
+    const KrigingFit fit = fitOf(inputs, output);
+
+    EXPECT_TRUE(warns(fit, "At 20 points several cases have the same inputs but different outputs: "
+                           "the model passes through their mean or smooths them."));
+    EXPECT_EQ(fit.metrics.cases, 40u);
+    // Pairs 0.2 apart scatter by 0.1 about their mean: the estimate without bias is 0.2 / sqrt(2).
+    EXPECT_NEAR(std::sqrt(fit.report.nugget * fit.report.processVariance), 0.2 / std::sqrt(2.0),
+                0.03);
+    EXPECT_NEAR(valueAt(fit, {inputs[0][7]}), output[7] + 0.1, 0.1);
+    EXPECT_GT(fit.metrics.rmse, 0.099);
+}
+
+TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
+{
+    Columns inputs = latinHypercube(20, 1, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    inputs[0].push_back(inputs[0][7]);
+    output.push_back(output[7] + 0.2);
+    KrigingOptions options;
+    options.isNuggetFixed = true;
+
+    const KrigingFit fit = fitOf(inputs, output, options);
+
+    EXPECT_NEAR(valueAt(fit, {inputs[0][7]}), output[7] + 0.1, 1e-6);
+}
+
+TEST(KrigingFit, BearsCasesThatNearlyCoincide)
+{
+    Columns inputs = latinHypercube(30, 2, 3);
+    for (std::size_t i = 0; i < 30; ++i) {
+        inputs[0].push_back(inputs[0][i] * (1.0 + 1e-13));
+        inputs[1].push_back(inputs[1][i]);
+    }
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs));
+
+    EXPECT_NEAR(valueAt(fit, {0.4, 0.4}), wave({0.4, 0.4}), 1e-2);
+}
+
+TEST(KrigingFit, IgnoresAConstantInput)
+{
+    const Columns inputs = latinHypercube(20, 1, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingFit without = fitOf(inputs, output);
+
+    const KrigingFit with = fitOf({std::vector<double>(20, 5.0), inputs[0]}, output);
+
+    EXPECT_TRUE(warns(with, "V1 is constant over the cases and was ignored."));
+    EXPECT_EQ(with.report.correlationLengths[0], infinity);
+    EXPECT_EQ(with.report.correlationLengths[1], without.report.correlationLengths[0]);
+    EXPECT_EQ(valueAt(with, {123.0, 0.4}), valueAt(without, {0.4}));
+}
+
+TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit = fitOf({inputs[0], std::vector<double>(20, 5.0), inputs[1]},
+                                 valuesOf(wave, inputs), withTrend(1));
+
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V3"}));
+}
+
+TEST(KrigingFit, PredictsAConstantOutputExactly)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit = fitOf(inputs, std::vector<double>(20, 0.1), withTrend(1));
+
+    EXPECT_EQ(valueAt(fit, {0.3, 0.4}), 0.1);
+    EXPECT_EQ(valueAt(fit, {99.0, -99.0}), 0.1);
+    EXPECT_EQ(fit.metrics.rmse, 0.0);
+    EXPECT_EQ(fit.metrics.looRmse, 0.0);
+    EXPECT_TRUE(std::isnan(fit.metrics.r2));
+    EXPECT_TRUE(std::isnan(fit.metrics.q2));
+    EXPECT_EQ(fit.report.trendTerms, std::vector<std::string>{"1"});
+    EXPECT_EQ(fit.report.trendCoefficients, std::vector<double>{0.1});
+    EXPECT_EQ(fit.report.logLikelihood, infinity);
+    EXPECT_TRUE(warns(fit, "The output is the same in all cases: the prediction is constant."));
+}
+
+TEST(KrigingFit, IsConstantForASingleCase)
+{
+    const KrigingFit fit = fitOf({{2.0}, {3.0}}, {7.5}, withTrend(2));
+
+    EXPECT_EQ(valueAt(fit, {2.0, 3.0}), 7.5);
+    EXPECT_EQ(valueAt(fit, {0.0, 0.0}), 7.5);
+    EXPECT_EQ(fit.metrics.cases, 1u);
+    EXPECT_TRUE(std::isnan(fit.metrics.looRmse));
+    EXPECT_TRUE(warns(fit, "There is only one case: the prediction is constant."));
+}
+
+TEST(KrigingFit, IsTheMeanWithoutInputs)
+{
+    const KrigingFit fit = fitOf({}, {1.0, 2.0, 6.0});
+
+    EXPECT_DOUBLE_EQ(valueAt(fit, {}), 3.0);
+    EXPECT_DOUBLE_EQ(fit.metrics.rmse, std::sqrt(14.0 / 3.0));
+    // Without itself a case is predicted by the mean of the two others: -3, -1.5 and 4.5 off.
+    EXPECT_DOUBLE_EQ(fit.metrics.press, 31.5);
+    EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
+    EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 3.0);
+}
+
+TEST(KrigingFit, ManagesWithTwoCases)
+{
+    const KrigingFit fit = fitOf({{0.0, 1.0}}, {3.0, 5.0}, withTrend(1));
+
+    EXPECT_NEAR(valueAt(fit, {0.0}), 3.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {1.0}), 5.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {0.5}), 4.0, 1e-9);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: 2 distinct cases are "
+                           "too few for more."));
+}
+
+TEST(KrigingFit, LowersTheTrendForFewCases)
+{
+    // Six parameters of a quadratic, two lengths and a variance: nine cases.
+    const Columns inputs = latinHypercube(8, 2, 3);
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), withTrend(2));
+
+    EXPECT_EQ(fit.report.trendOrder, 1);
+    EXPECT_EQ(fit.metrics.terms, 3u);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 1: 8 distinct cases are "
+                           "too few for more."));
+}
+
+TEST(KrigingFit, SaysWhichTermsOfTheTrendWereDropped)
+{
+    // V2 is V1 upside down.
+    Columns inputs = latinHypercube(20, 1, 3);
+    inputs.push_back(inputs[0]);
+    for (double& x : inputs[1]) {
+        x = 3.0 - x;
+    }
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), withTrend(1));
+
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1"}));
+    EXPECT_TRUE(warns(fit, "Terms of the trend that the cases cannot separate were dropped: V2."));
+}
+
+TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit =
+        fitOf(inputs,
+              valuesOf([](const std::vector<double>& x) { return 4.0 + 3.0 * x[0] - 2.0 * x[1]; },
+                       inputs),
+              withTrend(1));
+
+    EXPECT_NEAR(valueAt(fit, {10.0, 20.0}), -6.0, 1e-12);
+    EXPECT_TRUE(
+        warns(fit, "The trend passes through all cases: there is nothing left to correlate."));
+    ASSERT_EQ(fit.report.trendTerms.size(), 3u);
+    EXPECT_NEAR(fit.report.trendCoefficients[0], 4.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[1], 3.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[2], -2.0, 1e-12);
+}
+
+TEST(KrigingFit, MeasuresItsErrorsInTheUnitOfTheOutput)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    KrigingOptions options;
+    options.correlationLengths = {0.5, 0.5};
+    options.nugget = 0.1;
+    options.isNuggetFixed = true;
+    const KrigingFit fit = fitOf(inputs, output, options);
+    double errors = 0.0;
+    double total = 0.0;
+    double press = 0.0;
+    const double mean = std::accumulate(output.begin(), output.end(), 0.0) / 20.0;
+    for (std::size_t i = 0; i < 20; ++i) {
+        const double residual = output[i] - valueAt(fit, {inputs[0][i], inputs[1][i]});
+        errors += residual * residual;
+        total += (output[i] - mean) * (output[i] - mean);
+        Columns others = inputs;
+        std::vector<double> otherOutput = output;
+        for (std::vector<double>* column : {&others[0], &others[1], &otherOutput}) {
+            column->erase(column->begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        const double left =
+            output[i] - valueAt(fitOf(others, otherOutput, options), {inputs[0][i], inputs[1][i]});
+        press += left * left;
+    }
+
+    EXPECT_EQ(fit.metrics.cases, 20u);
+    EXPECT_NEAR(fit.metrics.rmse, std::sqrt(errors / 20.0), 1e-12);
+    EXPECT_NEAR(fit.metrics.r2, 1.0 - errors / total, 1e-12);
+    EXPECT_NEAR(fit.metrics.press, press, 1e-10);
+    EXPECT_NEAR(fit.metrics.looRmse, std::sqrt(press / 20.0), 1e-11);
+    EXPECT_NEAR(fit.metrics.q2, 1.0 - press / total, 1e-11);
+}
+
+TEST(KrigingFit, SaysWhichInputsHaveNoInfluence)
+{
+    const Columns inputs = latinHypercube(40, 2, 3);
+
+    const KrigingFit fit = fitOf(
+        inputs, valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs));
+
+    EXPECT_TRUE(warns(fit, "The cases show no influence of V2 beyond the trend: its correlation "
+                           "length is at its upper bound."));
+}
+
+TEST(KrigingFit, SaysWhenItIsWorseThanTheMean)
+{
+    const Columns inputs = latinHypercube(30, 2, 3);
+    UniformNumbers numbers(77);
+    std::vector<double> noise(30);
+    for (double& y : noise) {
+        y = numbers.normal();
+    }
+
+    const KrigingFit fit = fitOf(inputs, noise);
+
+    EXPECT_LE(fit.metrics.q2, 0.0);
+    EXPECT_TRUE(warns(fit, "Left-out cases are predicted no better than by the mean of the cases: "
+                           "do not rely on this model."));
+}
+
+TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
+{
+    Columns inputs = latinHypercube(25, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingFit fit = fitOf(inputs, output);
+    for (std::vector<double>* column : {&inputs[0], &inputs[1], &output}) {
+        std::rotate(column->begin(), column->begin() + 9, column->end());
+        std::swap(column->front(), column->back());
+    }
+
+    const KrigingFit permuted = fitOf(inputs, output);
+
+    // The mean of the outputs is summed in another order.
+    EXPECT_NEAR(permuted.report.logLikelihood, fit.report.logLikelihood, 25 * 1e-4);
+    EXPECT_NEAR(valueAt(permuted, {0.3, 0.6}), valueAt(fit, {0.3, 0.6}), 1e-5);
+}
+
+struct Unit
+{
+    double inputScale;
+    double inputShift;
+    double outputScale;
+    double outputShift;
+};
+
+class KrigingFitInUnits : public testing::TestWithParam<Unit>
+{};
+
+TEST_P(KrigingFitInUnits, IsTheSameFit)
+{
+    const Unit unit = GetParam();
+    const Columns inputs = latinHypercube(25, 2, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    KrigingOptions options = withTrend(1);
+    options.nugget = 1e-6; // so that rounding of the shifted numbers counts for little
+    const KrigingFit fit = fitOf(inputs, output, options);
+    Columns otherInputs = inputs;
+    std::vector<double> otherOutput = output;
+    for (double& x : otherInputs[0]) {
+        x = unit.inputShift + unit.inputScale * x;
+    }
+    for (double& y : otherOutput) {
+        y = unit.outputShift + unit.outputScale * y;
+    }
+
+    const KrigingFit other = fitOf(otherInputs, otherOutput, options);
+
+    const double x = unit.inputShift + unit.inputScale * 0.3;
+    EXPECT_NEAR((valueAt(other, {x, 0.6}) - unit.outputShift) / unit.outputScale,
+                valueAt(fit, {0.3, 0.6}), 1e-5);
+    EXPECT_NEAR(other.report.correlationLengths[0] / unit.inputScale,
+                fit.report.correlationLengths[0], 1e-3 * fit.report.correlationLengths[0]);
+    EXPECT_NEAR(other.report.logLikelihood + 25.0 * std::log(unit.outputScale),
+                fit.report.logLikelihood, 25 * 1e-4);
+    EXPECT_NEAR(other.metrics.q2, fit.metrics.q2, 1e-6);
+}
+
+// Shifts of at most 1e6 scales: a double has 16 digits, so that ten of the data are left.
+INSTANTIATE_TEST_SUITE_P(RawUnits, KrigingFitInUnits,
+                         testing::Values(Unit{1e-12, 0.0, 1.0, 0.0}, Unit{1e12, 0.0, 1.0, 0.0},
+                                         Unit{1.0, 0.0, 1e-12, 0.0}, Unit{1.0, 0.0, 1e12, 0.0},
+                                         Unit{1e12, 1e15, 1e-12, 1e-9},
+                                         Unit{1e-12, -1e-7, 1e12, -1e17},
+                                         Unit{1e6, 1e12, 1e6, 1e12}));
