@@ -59,12 +59,22 @@ public:
 
     bool isInvalid(vtkIdType row) const { return isInvalidValue(value(row)); }
 
-    /** NaN where the cell holds no number. */
-    double number(vtkIdType row) const
+    /** Writes the numbers of `rows` to `numbers`, NaN for a cell that holds none. */
+    void copy(const std::vector<vtkIdType>& rows, double* numbers) const
     {
-        bool isNumber = false;
-        const double result = value(row).ToDouble(&isNumber);
-        return isNumber ? result : std::numeric_limits<double>::quiet_NaN();
+        // The usual column, at memory speed; one that ends before the table does is read by cell.
+        auto* const doubles = vtkArrayDownCast<vtkDoubleArray>(array.GetPointer());
+        if (doubles != nullptr && !rows.empty() && rows.back() < doubles->GetNumberOfTuples()) {
+            const double* const values = doubles->GetPointer(0);
+            std::transform(rows.begin(), rows.end(), numbers,
+                           [values](vtkIdType row) { return values[row]; });
+            return;
+        }
+        std::transform(rows.begin(), rows.end(), numbers, [this](vtkIdType row) {
+            bool isNumber = false;
+            const double number = value(row).ToDouble(&isNumber);
+            return isNumber ? number : std::numeric_limits<double>::quiet_NaN();
+        });
     }
 
 private:
@@ -125,10 +135,7 @@ vtkSmartPointer<vtkTable> copyCases(const std::vector<VarPtr>& independentVars,
     for (vtkIdType j = 0; j < table->GetNumberOfColumns(); ++j) {
         vtkAbstractArray* const column = table->GetColumn(j);
         const CaseColumn source(pipelineTable, column->GetName());
-        double* values = vtkArrayDownCast<vtkDoubleArray>(column)->GetPointer(0);
-        for (const vtkIdType row : rows) {
-            *values++ = source.number(row);
-        }
+        source.copy(rows, vtkArrayDownCast<vtkDoubleArray>(column)->GetPointer(0));
     }
     return table;
 }

@@ -3,6 +3,7 @@
 #include "CaseTable.h"
 #include "ProjectTest.h"
 
+#include <vtkDataSetAttributes.h>
 #include <vtkFloatArray.h>
 #include <vtkIntArray.h>
 #include <vtkObjectFactory.h>
@@ -383,6 +384,24 @@ TEST_F(SurrogateModelSourcePointsTest, TakeNullAndDestroyedHandlesForVariablesWi
     EXPECT_EQ(rowCount(), 0);
 }
 
+TEST_F(SurrogateModelSourcePointsTest, TakeCellsBeyondTheEndOfAShortColumnForInvalid)
+{
+    CaseTable cases(3);
+    cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6}).addNumbers("y1", {7, 8, 9});
+    vtkNew<vtkDoubleArray> shortColumn;
+    shortColumn->InsertNextValue(10);
+    shortColumn->SetName("y2");
+    cases.get()->GetRowData()->AddArray(shortColumn);
+
+    rebuildFully(cases, {y1});
+    EXPECT_EQ(column("y2")[0], 10);
+    EXPECT_TRUE(std::isnan(column("y2")[1]));
+    EXPECT_TRUE(std::isnan(column("y2")[2]));
+
+    rebuildFully(cases, {y2});
+    EXPECT_EQ(column("y2"), (Values{10}));
+}
+
 TEST_F(SurrogateModelSourcePointsTest, TakeAColumnOfVectorsForInvalid)
 {
     vtkNew<vtkDoubleArray> vectors;
@@ -488,6 +507,6 @@ TEST_F(SurrogateModelSourcePointsTest, StopReadingARowAtItsFirstInvalidIndepende
 
     rebuildFully(cases, {y1});
 
-    const int judgedAndCopied = 2 + 2;
-    EXPECT_EQ(watched->reads, judgedAndCopied);
+    const int rowsWhoseFirstValueIsValid = 2;
+    EXPECT_EQ(watched->reads, rowsWhoseFirstValueIsValid);
 }
