@@ -8,7 +8,7 @@
 #include <ostream>
 #include <string>
 
-class SurfaceCoefficientExporter::Impl
+class SURROGATEMODEL_NO_EXPORT SurfaceCoefficientExporter::Impl
 {
 public:
     void writeLegend() const;

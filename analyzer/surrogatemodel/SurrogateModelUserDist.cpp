@@ -147,7 +147,7 @@ double* expand(const DistributionSegment& segment, double* position)
 
 } // namespace
 
-class SurrogateModelUserDist::Impl
+class SURROGATEMODEL_NO_EXPORT SurrogateModelUserDist::Impl
 {
 public:
     explicit Impl(const std::string& text)

@@ -6,7 +6,7 @@
 
 #include <map>
 
-class SurrogateModelUserDistCollection::Impl
+class SURROGATEMODEL_NO_EXPORT SurrogateModelUserDistCollection::Impl
 {
 public:
     struct Entry

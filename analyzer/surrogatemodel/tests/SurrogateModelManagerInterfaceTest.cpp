@@ -1,5 +1,7 @@
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
+#include "VirtualSlot.h"
+
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -81,6 +83,21 @@ TEST(SurrogateModelManagerInterface, AnswersEverythingThroughAConstReference)
     EXPECT_EQ(face.offsetForVariableName("y"), 0U);
     EXPECT_TRUE(std::is_abstract<Interface>::value);
     EXPECT_TRUE(std::has_virtual_destructor<Interface>::value);
+}
+
+TEST(SurrogateModelManagerInterface, KeepsTheOrderOfItsOperations)
+{
+    using VariablesForm = SurrogateModelInterface& (Interface::*)(const std::set<VarPtr>&) const;
+    using OffsetsForm = SurrogateModelInterface& (Interface::*)(const std::set<int>&) const;
+
+    // The hook, which is private, comes first.
+    EXPECT_TRUE(isVirtualSlot(static_cast<VariablesForm>(&Interface::model), 1));
+    EXPECT_TRUE(isVirtualSlot(static_cast<OffsetsForm>(&Interface::model), 2));
+    EXPECT_TRUE(isVirtualSlot(&Interface::independentVars, 3));
+    EXPECT_TRUE(isVirtualSlot(&Interface::type, 4));
+    EXPECT_TRUE(isVirtualSlot(&Interface::evaluationPoint, 5));
+    EXPECT_TRUE(isVirtualSlot(&Interface::isVariableInSurrogateModel, 6));
+    EXPECT_TRUE(isVirtualSlot(&Interface::offsetForVariableName, 7));
 }
 
 TEST(SurrogateModelManagerInterface, StartsWithoutListeners)

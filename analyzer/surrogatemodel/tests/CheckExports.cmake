@@ -1,0 +1,32 @@
+# cmake -D NM=... -D LIBRARY=... -P CheckExports.cmake
+# Other libraries see the classes that users are meant to see, and nothing of how they work.
+execute_process(COMMAND "${NM}" -DC --defined-only "${LIBRARY}"
+    OUTPUT_VARIABLE symbols RESULT_VARIABLE failed)
+if(failed)
+    message(FATAL_ERROR "The symbols of ${LIBRARY} cannot be listed.")
+endif()
+
+foreach(class IN ITEMS
+        InterpolationPointsInterface
+        InterpolationVariablesAbstract
+        InterpolationVariablesAbstract::DistributedPoints
+        InterpolationVariablesInterface
+        SurrogateModelInputTableBuilder
+        SurrogateModelManager
+        SurrogateModelManagerInterface
+        SurrogateModelQueryToTable
+        SurrogateModelUserDist
+        SurrogateModelUserDistCollection)
+    if(NOT symbols MATCHES " typeinfo for ${class}\n")
+        message(SEND_ERROR "${class} is to be exported with its type, but is not.")
+    endif()
+endforeach()
+if(NOT symbols MATCHES "SurfaceCoefficientExporter::SurfaceCoefficientExporter")
+    message(SEND_ERROR "SurfaceCoefficientExporter is to be exported, but is not.")
+endif()
+
+string(REGEX MATCHALL "[^\n]*(SourcePoints|::Impl|QueryExecutive|anonymous namespace)[^\n]*"
+    internal "${symbols}")
+foreach(symbol IN LISTS internal)
+    message(SEND_ERROR "Not to be exported: ${symbol}")
+endforeach()
