@@ -412,8 +412,9 @@ KrigingFit Fitter::run()
 
     standardise();
     const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
+    const bool isConstant = *smallest == *largest;
     KrigingFit fit = [&] {
-        if (*smallest == *largest || cases.activeInputs().empty()) {
+        if (isConstant || cases.activeInputs().empty()) {
             return constant();
         }
         mergeRows();

@@ -23,6 +23,9 @@ constexpr double noisyNugget = 0.05;
 // the thousand that follow.
 constexpr std::size_t casesToCompete = 250;
 
+// The likelihood of fewer has more false optima, and costs so little that more starts are made.
+constexpr std::size_t fewCases = 120;
+
 /** Counts the work done, in multiplications, and tells FitProgress. */
 class Progress
 {
@@ -106,7 +109,7 @@ class Variables
 {
 public:
     Variables(const KrigingData& data, const KrigingSearch::Settings& settings)
-        : lengths(settings.fixedLengths.empty() ? data.inputs : 0),
+        : lengths(settings.fixedLengths.empty() ? data.inputs : 0), areFew(data.cases <= fewCases),
           hasNugget(!settings.isNuggetFixed)
     {
         lower.assign(lengths, std::log(KrigingSearch::smallestLength(data.cases)));
@@ -140,7 +143,7 @@ public:
             return result;
         }
         // Inputs of unlike influence: lengths between a fifth of the range and ten ranges.
-        constexpr int scattered = 4;
+        const int scattered = areFew ? 10 : 4;
         constexpr std::uint64_t seed = 20180;
         std::mt19937_64 generator(seed);
         for (int start = 0; start < scattered; ++start) {
@@ -155,6 +158,7 @@ public:
     }
 
     std::size_t lengths;
+    bool areFew;
     bool hasNugget;
     std::vector<double> lower;
     std::vector<double> upper;
@@ -265,7 +269,8 @@ void Search::compete()
         int steps;
         std::size_t survivors;
     };
-    for (const Heat heat : {Heat{6, 4}, Heat{10, 2}, Heat{100, 2}}) {
+    const std::size_t more = variables.areFew ? 2 : 0;
+    for (const Heat heat : {Heat{6, 4 + more}, Heat{10, 2 + more}, Heat{100, 2}}) {
         for (BoundedSearch* search : running) {
             search->advance(heat.steps, gain);
         }
