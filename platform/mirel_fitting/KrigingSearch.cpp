@@ -147,7 +147,7 @@ public:
         constexpr std::uint64_t seed = 20180;
         std::mt19937_64 generator(seed);
         for (int start = 0; start < scattered; ++start) {
-            std::vector<double> point = uniform(1.0, smoothNugget);
+            std::vector<double> point = uniform(1.0, start % 2 == 0 ? smoothNugget : noisyNugget);
             for (std::size_t k = 0; k < lengths; ++k) {
                 const double share = static_cast<double>(generator() >> 11) * 0x1.0p-53;
                 point[k] = std::log(10.0) * (1.7 * share - 0.7);
