@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingFit.h>
 
+#include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingLikelihood.h>
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -18,13 +18,6 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const double twoPi = 2.0 * std::acos(-1.0);
-
-std::string number(double value)
-{
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.6g", value);
-    return text;
-}
 
 std::string join(const std::vector<std::string>& texts)
 {
@@ -207,7 +200,8 @@ void Fitter::search()
     }
     found = KrigingSearch::run(data, settings);
     if (found.isNuggetRaised) {
-        warnings.push_back("The nugget was raised to " + number(found.parameters.nugget) +
+        warnings.push_back("The nugget was raised to " +
+                           EquationText::number(found.parameters.nugget) +
                            ": with less the correlation matrix cannot be factorised.");
     }
 }

@@ -1,11 +1,13 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
+#include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/TrainingColumns.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <map>
 
 namespace {
@@ -15,11 +17,13 @@ using Error = SurrogateModelInterface::Error;
 // The correlation matrix of more does not fit into the memory of common machines.
 constexpr std::size_t mostPoints = 10000;
 
-std::string number(double value)
+/** For reading: eight digits, in the C locale whatever the application has set. */
+std::string figure(double value)
 {
     char text[32];
-    std::snprintf(text, sizeof(text), "%.10g", value);
-    return text;
+    const std::to_chars_result end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 8);
+    return std::string(text, end.ptr);
 }
 
 std::size_t checkedCount(int rowCount)
@@ -33,7 +37,7 @@ std::size_t checkedCount(int rowCount)
 void requirePositive(double value, const std::string& name)
 {
     if (!(value > 0.0) || !std::isfinite(value)) {
-        throw Error(name + " has to be a positive number, not " + number(value) + ".");
+        throw Error(name + " has to be a positive number, not " + figure(value) + ".");
     }
 }
 
@@ -52,7 +56,7 @@ KrigingOptions checkedOptions(double tolerance, const std::vector<double>& corre
         // Infinity is a length too: an input without influence.
         if (!(correlationLengths[k] > 0.0)) {
             throw Error("The correlation length of V" + std::to_string(k + 1) +
-                        " has to be positive, not " + number(correlationLengths[k]) + ".");
+                        " has to be positive, not " + figure(correlationLengths[k]) + ".");
         }
     }
     if (trendOrder < 0 || trendOrder > 2) {
@@ -60,7 +64,7 @@ KrigingOptions checkedOptions(double tolerance, const std::vector<double>& corre
                     std::to_string(trendOrder) + ".");
     }
     if (!(nugget >= 0.0) || !std::isfinite(nugget)) {
-        throw Error("The nugget has to be a number that is not negative, not " + number(nugget) +
+        throw Error("The nugget has to be a number that is not negative, not " + figure(nugget) +
                     ".");
     }
     if (nuggetMode != 0 && nuggetMode != 1) {
@@ -96,12 +100,20 @@ std::string trendText(const KrigingReport& report)
     for (std::size_t t = 0; t < report.trendTerms.size(); ++t) {
         const double coefficient = report.trendCoefficients[t];
         text += t == 0 ? (coefficient < 0.0 ? "-" : "") : (coefficient < 0.0 ? " - " : " + ");
-        text += number(std::fabs(coefficient));
-        if (report.trendTerms[t] != "1") {
-            text += " " + report.trendTerms[t];
+        text += EquationText::number(std::fabs(coefficient));
+        std::string factors = report.trendTerms[t];
+        if (factors != "1") {
+            const std::size_t gap = factors.find(' ');
+            text += " * " + (gap == std::string::npos ? factors : factors.replace(gap, 1, " * "));
         }
     }
     return text;
+}
+
+bool isCorrelated(const KrigingReport& report)
+{
+    return std::any_of(report.correlationLengths.begin(), report.correlationLengths.end(),
+                       [](double length) { return std::isfinite(length); });
 }
 
 std::string lengthsText(const KrigingReport& report)
@@ -109,14 +121,14 @@ std::string lengthsText(const KrigingReport& report)
     std::string text;
     for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
         text += "Correlation length of V" + std::to_string(k + 1) + ": " +
-                number(report.correlationLengths[k]) + "\n";
+                figure(report.correlationLengths[k]) + "\n";
     }
     return text;
 }
 
 std::string metricLine(const std::string& name, double value)
 {
-    return std::isnan(value) ? std::string() : name + ": " + number(value) + "\n";
+    return std::isnan(value) ? std::string() : name + ": " + figure(value) + "\n";
 }
 
 } // namespace
@@ -210,10 +222,13 @@ bool KrigingSurrogateModel::qualityMetricInformationAvailable() const
 
 std::string KrigingSurrogateModel::surfaceCoefficientInformation(int offset) const
 {
-    const KrigingFit& fit = impl->fit(offset);
-    return trendText(fit.report) +
+    const KrigingReport& report = impl->fit(offset).report;
+    if (!isCorrelated(report)) {
+        return trendText(report) + "\n";
+    }
+    return trendText(report) +
            " + the correlated part of a Kriging model, which has no equation\n" +
-           lengthsText(fit.report);
+           lengthsText(report);
 }
 
 std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const

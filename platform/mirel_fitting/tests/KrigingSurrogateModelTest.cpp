@@ -371,9 +371,16 @@ TEST(KrigingSurrogateModel, HasQualityTextsButNoEquation)
     EXPECT_FALSE(model.surfaceCoefficientInformationAvailable());
     EXPECT_TRUE(model.qualityMetricInformationAvailable());
     const std::string text = model.surfaceCoefficientInformation(0);
-    EXPECT_NE(text.find(" V2 + the correlated part of a Kriging model, which has no equation\n"),
+    EXPECT_NE(text.find(" * V2 + the correlated part of a Kriging model, which has no equation\n"),
               std::string::npos);
     EXPECT_EQ(text.back(), '\n');
+}
+
+TEST(KrigingSurrogateModel, WritesAnEquationWhereNothingIsCorrelated)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model({{7.0, 7.0}}, {{-3.0, -6.0}});
+
+    EXPECT_EQ(model.surfaceCoefficientInformation(0), "-4.5\n");
 }
 
 TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
@@ -386,7 +393,7 @@ TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
                     "RMSE: 1\n"
                     "Leave-one-out RMSE: 2\n"
                     "Q2: -3\n"
-                    "Log-likelihood: -2.837877066\n" // -(2 ln(2 pi) + 2) / 2
+                    "Log-likelihood: -2.8378771\n" // -(2 ln(2 pi) + 2) / 2
                     "Process variance: 1\n"
                     "Nugget (relative to the process variance): 0\n"
                     "Trend: constant, 4\n"
