@@ -112,7 +112,7 @@ public:
         : lengths(settings.fixedLengths.empty() ? data.inputs : 0), areFew(data.cases <= fewCases),
           hasNugget(!settings.isNuggetFixed)
     {
-        lower.assign(lengths, std::log(KrigingSearch::smallestLength(data.cases)));
+        lower.assign(lengths, std::log(KrigingSearch::smallestLength()));
         upper.assign(lengths, std::log(KrigingSearch::largestLength()));
         if (hasNugget) {
             lower.push_back(std::log(settings.smallestNugget));
@@ -349,14 +349,30 @@ std::vector<double> Search::preferLeastNugget(LogLikelihood& objective, const Bo
                                               double& value) const
 {
     constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
+    constexpr std::size_t casesPerLength = 5;
 
     std::vector<double> point = search.point();
     if (!variables.hasNugget || !search.isFeasible() || point.back() <= variables.lower.back()) {
         return point;
     }
+    const double enough = value - std::max(evidence, smallestGain(data->cases));
     point.back() = variables.lower.back();
-    const double withLeast = objective.value(point);
-    if (withLeast < value - std::max(evidence, smallestGain(data->cases))) {
+    double withLeast = objective.value(point);
+    if (withLeast < enough && data->cases <= casesPerLength * (data->inputs + 1)) {
+        // So few cases hardly tell noise from short lengths: other lengths may do as well.
+        for (const double length : {settings.initialLength, std::exp(variables.lower.front())}) {
+            std::vector<double> upper = variables.upper;
+            upper.back() = variables.lower.back();
+            BoundedSearch smooth(objective, variables.lower, upper,
+                                 variables.uniform(length, settings.smallestNugget));
+            smooth.advance(30, smallestGain(data->cases));
+            if (smooth.value() > withLeast) {
+                withLeast = smooth.value();
+                point = smooth.point();
+            }
+        }
+    }
+    if (withLeast < enough) {
         return search.point();
     }
     value = withLeast;
@@ -375,10 +391,9 @@ KrigingSearch::Result Search::run()
 
 } // namespace
 
-double KrigingSearch::smallestLength(std::size_t cases)
+double KrigingSearch::smallestLength()
 {
-    // Lengths far below the distance of evenly spread cases all mean the same, no correlation.
-    return std::max(0.01, 0.5 / static_cast<double>(cases));
+    return 0.01;
 }
 
 double KrigingSearch::largestLength()

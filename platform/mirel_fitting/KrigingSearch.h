@@ -41,7 +41,7 @@ public:
     };
 
     /** The range that lengths are searched in, in units of the inputs' ranges. */
-    static double smallestLength(std::size_t cases);
+    static double smallestLength();
     static double largestLength();
 
     /**

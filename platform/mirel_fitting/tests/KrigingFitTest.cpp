@@ -190,6 +190,16 @@ TEST(KrigingFit, ManagesWithTwoCases)
                            "too few for more."));
 }
 
+TEST(KrigingFit, MeetsAHandfulOfCasesThatCouldAsWellBeNoise)
+{
+    // No order in three values: a nugget of any size is as likely as short lengths.
+    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0}}, {0.3, 0.5, 0.4});
+
+    EXPECT_NEAR(valueAt(fit, {0.0}), 0.3, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {1.0}), 0.5, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {2.0}), 0.4, 1e-9);
+}
+
 TEST(KrigingFit, LowersTheTrendForFewCases)
 {
     // Six parameters of a quadratic, two lengths and a variance: nine cases.
