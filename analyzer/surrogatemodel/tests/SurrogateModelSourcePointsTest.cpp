@@ -431,7 +431,7 @@ TEST_F(SurrogateModelSourcePointsTest, LeaveOutRowsWhoseRecordTheProjectDoesNotK
 
 namespace {
 
-/** Runs `onRead` when row 1 is read. */
+/** Runs `onRead` when row 1 has been read. */
 class WatchedColumn : public vtkDoubleArray
 {
 public:
@@ -441,10 +441,11 @@ public:
     vtkVariant GetVariantValue(vtkIdType row) override
     {
         ++reads;
+        const vtkVariant value = vtkDoubleArray::GetVariantValue(row);
         if (row == 1 && onRead) {
             std::exchange(onRead, {})();
         }
-        return vtkDoubleArray::GetVariantValue(row);
+        return value;
     }
 
     int reads = 0;
