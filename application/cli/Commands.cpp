@@ -24,6 +24,7 @@
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <iostream>
@@ -31,11 +32,16 @@
 #include <utility>
 
 namespace {
+std::string nameOf(const VarPtr& variable)
+{
+    return variable.lock()->name();
+}
+
 std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
 {
     std::vector<std::string> names;
     for (const VarPtr& variable : variables) {
-        names.push_back(variable.lock()->name());
+        names.push_back(nameOf(variable));
     }
     return names;
 }
@@ -124,31 +130,54 @@ struct OpenSession
     double readSeconds;
 };
 
-void chooseValues(const CommandLine& line, CaseSession& session)
+/** Finds the inputs that values are given for. */
+class InputFinder
 {
-    const VariableNames names(namesOf(session.inputs()));
-    std::vector<bool> isChosen(names.names().size());
-    const auto choose = [&](const std::string& option, const std::string& text) {
-        const auto [input, value] = names.assignment(option, text);
-        if (isChosen[input]) {
-            throw UsageError("\"" + names.names()[input] +
+public:
+    explicit InputFinder(const CaseSession& session)
+        : variables(namesOf(session.project().variables())), inputs(namesOf(session.inputs())),
+          isTaken(inputs.size())
+    {}
+
+    /** The input and the value of a text NAME=VALUE; each input may come once. */
+    std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
+    {
+        const auto [position, value] = variables.assignment(option, text);
+        const std::string& name = variables.names()[position];
+        const auto found = std::find(inputs.begin(), inputs.end(), name);
+        if (found == inputs.end()) {
+            throw UsageError('"' + name + "\" is no input, so that " + option +
+                             " has no meaning for it.");
+        }
+        const auto input = static_cast<std::size_t>(found - inputs.begin());
+        if (isTaken[input]) {
+            throw UsageError("\"" + name +
                              "\" has values twice: name it in one of --sweep, --count and --at.");
         }
-        isChosen[input] = true;
-        return std::make_pair(input, value);
-    };
+        isTaken[input] = true;
+        return {input, value};
+    }
 
+private:
+    VariableNames variables;
+    std::vector<std::string> inputs;
+    std::vector<bool> isTaken;
+};
+
+void chooseValues(const CommandLine& line, CaseSession& session)
+{
+    InputFinder inputs(session);
     for (const std::string& text : line.sweeps) {
-        const auto [input, value] = choose("--sweep", text);
+        const auto [input, value] = inputs.find("--sweep", text);
         session.sweep(input, value);
     }
     for (const std::string& text : line.counts) {
-        const auto [input, value] = choose("--count", text);
-        session.sweepEvenly(input, readWholeNumber("--count " + names.names()[input], value, 2,
-                                                   CaseSession::mostSweptValues));
+        const auto [input, value] = inputs.find("--count", text);
+        session.sweepEvenly(input, readWholeNumber("--count " + nameOf(session.inputs()[input]),
+                                                   value, 2, CaseSession::mostSweptValues));
     }
     for (const std::string& text : line.values) {
-        const auto [input, value] = choose("--at", text);
+        const auto [input, value] = inputs.find("--at", text);
         session.stayAt(input, value);
     }
 }

@@ -52,9 +52,12 @@ private:
                              ", it is a text column: line " + std::to_string(column.firstTextLine) +
                              " of " + table.path + " holds \"" + column.firstText + "\".");
         }
+        if (roleOf[position] == role) {
+            throw UsageError("\"" + column.name + "\" is named twice as " + role + '.');
+        }
         if (!roleOf[position].empty()) {
-            throw UsageError("\"" + column.name + "\" is named twice, as " + roleOf[position] +
-                             " and as " + role + '.');
+            throw UsageError("\"" + column.name + "\" cannot be both " + roleOf[position] +
+                             " and " + role + '.');
         }
         roleOf[position] = role;
     }

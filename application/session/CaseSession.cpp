@@ -53,15 +53,17 @@ public:
     void Execute(vtkObject*, unsigned long, void*) override {}
 };
 
-Variable::Nature natureOf(std::size_t column, const CaseRoles& roles)
+/** One per column. */
+std::vector<Variable::Nature> naturesOf(const CaseTable& table, const CaseRoles& roles)
 {
-    const auto holds = [column](const std::vector<std::size_t>& columns) {
-        return std::find(columns.begin(), columns.end(), column) != columns.end();
-    };
-    if (holds(roles.outputs)) {
-        return Variable::Dependent;
+    std::vector<Variable::Nature> natures(table.columns.size(), Variable::Unassigned);
+    for (const std::size_t input : roles.inputs) {
+        natures[input] = Variable::Independent;
     }
-    return holds(roles.inputs) ? Variable::Independent : Variable::Unassigned;
+    for (const std::size_t output : roles.outputs) {
+        natures[output] = Variable::Dependent;
+    }
+    return natures;
 }
 
 /** The project of a table, whose columns are moved into it. */
@@ -70,14 +72,14 @@ boost::shared_ptr<Project> makeProject(CaseTable& table, const CaseRoles& roles,
 {
     const auto project = boost::make_shared<Project>();
     const Project::ChangeGroup oneChange(*project);
+    const std::vector<Variable::Nature> natures = naturesOf(table, roles);
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         CaseColumn& column = table.columns[i];
-        const Variable::Nature nature = natureOf(i, roles);
         try {
             if (column.isNumeric) {
-                project->addNumericVariable(column.name, nature, std::move(column.numbers));
+                project->addNumericVariable(column.name, natures[i], std::move(column.numbers));
             } else {
-                project->addTextVariable(column.name, nature, std::move(column.texts));
+                project->addTextVariable(column.name, natures[i], std::move(column.texts));
             }
         } catch (const veska::ExceptionBase& refusal) {
             throw CaseDataError(table.path + ", line 1: " + refusal.what());

@@ -85,8 +85,8 @@ TEST(CaseRoles, ATextColumnIsRefusedWithTheCellThatMakesItText)
 
 TEST(CaseRoles, AVariableHasOneRole)
 {
-    EXPECT_EQ(refusalOf({"a", "b"}, {"b"}), "\"b\" is named twice, as output and as input.");
-    EXPECT_EQ(refusalOf({"a,a"}, {"b"}), "\"a\" is named twice, as input and as input.");
+    EXPECT_EQ(refusalOf({"a", "b"}, {"b"}), "\"b\" cannot be both output and input.");
+    EXPECT_EQ(refusalOf({"a,a"}, {"b"}), "\"a\" is named twice as input.");
 }
 
 TEST(CaseRoles, AnUnknownNameIsRefused)
