@@ -30,13 +30,6 @@ class PropertyAbstract : public virtual PropertyItemInterface,
 public:
     using ChangedSignal = boost::signals2::signal<void(const T&)>;
 
-    /** Disconnects every listener, also those that a running emission has yet to reach. */
-    ~PropertyAbstract() override
-    {
-        changedChain.disconnect();
-        signalChanged.disconnect_all_slots();
-    }
-
     /**
      * Emitted with the new value after every change; get() already answers it. Listeners of the
      * untyped signal are told of the same change; the order among the two is not promised.
@@ -49,7 +42,8 @@ public:
     connectSignalChanged(const typename ChangedSignal::slot_type& slot) const
     {
         boost::signals2::connection connection = signalChanged.connect(slot);
-        hook();
+        // No property is a constant object: the const is that of the listener's view of it.
+        const_cast<PropertyAbstract*>(this)->hook();
         return connection;
     }
 
@@ -84,10 +78,10 @@ protected:
             signalChanged.connect([this](const T&) { emitSignal(signalPropertyChanged()); });
     }
 
-    // The virtual operations keep this order: it is the order of their slots.
+    // The virtual operations keep this order, the destructor last: it is the order of their slots.
 
     /** Runs after a listener has been connected to signalChanged. Empty here. */
-    virtual void hook() const {}
+    virtual void hook() {}
 
     /** Stores `value`, without check or notification. */
     virtual void setValue(const T& value) = 0;
@@ -110,6 +104,14 @@ public:
 protected:
     /** Tells the listeners of `value`. */
     virtual void emitChanged(const T& value) { emitSignal(signalChanged, value); }
+
+public:
+    /** Disconnects every listener, also those that a running emission has yet to reach. */
+    ~PropertyAbstract() override
+    {
+        changedChain.disconnect();
+        signalChanged.disconnect_all_slots();
+    }
 
 private:
     boost::shared_ptr<const ValidatorInterface<T>> valueValidator;

@@ -2,6 +2,8 @@
 
 #include "PropertyValueTypes.h"
 
+#include <mirel_property/tests/VirtualSlot.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -39,4 +41,9 @@ TEST(AllowAnyValueValidator, SharesItsInterfaceWithOtherBases)
     const veska::ValidatorInterface<int>& interface = validator;
 
     EXPECT_TRUE(interface.validate(7).isValid());
+}
+
+TEST(ValidatorInterface, ListsValidateBeforeTheDestructor)
+{
+    EXPECT_TRUE(isVirtualSlot(&veska::ValidatorInterface<int>::validate, 0));
 }

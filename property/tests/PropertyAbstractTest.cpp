@@ -2,6 +2,8 @@
 
 #include "PropertyListener.h"
 
+#include <mirel_property/tests/VirtualSlot.h>
+
 #include <boost/make_shared.hpp>
 #include <boost/weak_ptr.hpp>
 
@@ -36,17 +38,18 @@ public:
     {}
 };
 
-// Logs the operations that set() runs.
+// Logs the operations that set() runs, and counts those of the hook.
 class LoggingProperty : public veska::Property<int>
 {
 public:
     mutable std::string log;
+    int hookRuns = 0;
     bool emitInHook = false;
 
 protected:
-    void hook() const override
+    void hook() override
     {
-        log += "hook ";
+        ++hookRuns;
         if (emitInHook) {
             signalChanged(7);
         }
@@ -158,7 +161,27 @@ TEST(PropertyAbstract, RunsItsHookOncePerConnect)
     property.connectSignalChanged([](const int&) {});
     property.connectSignalChanged([](const int&) {});
 
-    EXPECT_EQ(property.log, "hook hook ");
+    EXPECT_EQ(property.hookRuns, 2);
+    EXPECT_EQ(property.log, "");
+}
+
+TEST(PropertyAbstract, RunsAHookThatChangesThePropertyForListenersThatMayNot)
+{
+    LoggingProperty property;
+    const veska::PropertyAbstract<int>& constant = property;
+
+    constant.connectSignalChanged([](const int&) {});
+
+    EXPECT_EQ(property.hookRuns, 1);
+}
+
+TEST(PropertyAbstract, DoesNotRunItsHookForListenersOfTheBareSignal)
+{
+    LoggingProperty property;
+
+    property.signalChanged.connect([](const int&) {});
+
+    EXPECT_EQ(property.hookRuns, 0);
 }
 
 TEST(PropertyAbstract, HasConnectedTheSlotBeforeTheHookRuns)
@@ -185,7 +208,7 @@ TEST(PropertyAbstract, HasAnEmptyHook)
 
 TEST(PropertyAbstract, LetsListenersConnectToItsSignalDirectly)
 {
-    const veska::Property<int> property;
+    veska::Property<int> property;
     int received = 0;
     property.signalChanged.connect([&](const int& value) { received = value; });
 
@@ -196,7 +219,7 @@ TEST(PropertyAbstract, LetsListenersConnectToItsSignalDirectly)
 
 TEST(PropertyAbstract, PassesItsSignalOnToTheUntypedOne)
 {
-    const veska::Property<int> property;
+    veska::Property<int> property;
     int calls = 0;
     property.connectSignalPropertyChanged([&] { ++calls; });
 
@@ -315,6 +338,31 @@ TEST(PropertyAbstract, MayBeDestroyedByAnUntypedListener)
 
     EXPECT_EQ(property, nullptr);
     EXPECT_EQ(laterCalls, 0) << "told of a property that is gone";
+}
+
+namespace {
+
+// Names the operations that only subclasses see.
+class OpenProperty : public veska::Property<int>
+{
+public:
+    using veska::PropertyAbstract<int>::hook;
+    using veska::PropertyAbstract<int>::setValue;
+    using veska::PropertyAbstract<int>::isEqual;
+    using veska::PropertyAbstract<int>::validate;
+    using veska::PropertyAbstract<int>::emitChanged;
+};
+
+} // namespace
+
+TEST(PropertyAbstract, KeepsTheOrderOfItsVirtualOperations)
+{
+    EXPECT_TRUE(isVirtualSlot(&OpenProperty::hook, 0));
+    EXPECT_TRUE(isVirtualSlot(&OpenProperty::setValue, 1));
+    EXPECT_TRUE(isVirtualSlot(&OpenProperty::isEqual, 2));
+    EXPECT_TRUE(isVirtualSlot(&OpenProperty::validate, 3));
+    EXPECT_TRUE(isVirtualSlot(&veska::PropertyAbstract<int>::get, 4));
+    EXPECT_TRUE(isVirtualSlot(&OpenProperty::emitChanged, 5));
 }
 
 TEST(PropertyAbstract, IsNotCopyable)

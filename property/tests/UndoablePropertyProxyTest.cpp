@@ -5,6 +5,7 @@
 #include "PropertyValueTypes.h"
 
 #include <mirel_analyzercommon/tests/CleanUndoStack.h>
+#include <mirel_property/tests/VirtualSlot.h>
 
 #include <boost/make_shared.hpp>
 #include <boost/weak_ptr.hpp>
@@ -224,6 +225,12 @@ TEST_F(UndoablePropertyProxyTest, TakesItsDisplayNameAsUtf8)
     // The proxy has gone, its step is still listed.
     EXPECT_EQ(stack.text(0), QString::fromUtf8("Change Gr\xc3\xb6\xc3\x9f"
                                                "e %1%"));
+}
+
+TEST_F(UndoablePropertyProxyTest, ListsApplyValueBehindTheOperationsOfAProperty)
+{
+    // And behind the two forms of the destructor, which are theirs too.
+    EXPECT_TRUE(isVirtualSlot(&ApplyingProxy::applyValue, 8));
 }
 
 TEST_F(UndoablePropertyProxyTest, SharesTheValidatorOfItsTarget)

@@ -1,6 +1,6 @@
 #include <surrogatemodel/InterpolationPointsInterface.h>
 
-#include "VirtualSlot.h"
+#include <mirel_property/tests/VirtualSlot.h>
 
 #include <gtest/gtest.h>
 

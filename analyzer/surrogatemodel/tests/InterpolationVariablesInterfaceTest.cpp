@@ -1,6 +1,6 @@
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 
-#include "VirtualSlot.h"
+#include <mirel_property/tests/VirtualSlot.h>
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 
 #include "FakeManager.h"
-#include "VirtualSlot.h"
 
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_property/tests/VirtualSlot.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>

@@ -1,10 +1,9 @@
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
-#include "VirtualSlot.h"
-
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_property/tests/VirtualSlot.h>
 
 #include <gtest/gtest.h>
 
