@@ -185,6 +185,7 @@ void SurrogateModelUserDist::Impl::parse()
 {
     valueCount = 0;
     segments.clear();
+    errorCode = NoError;
 
     const QStringList parts =
         QString::fromStdString(sourceText).split(QLatin1Char(','), Qt::KeepEmptyParts);
@@ -201,8 +202,6 @@ void SurrogateModelUserDist::Impl::parse()
         }
         valueCount += static_cast<std::uint64_t>(segments.back().count);
     }
-    // Only now: a parse that ran out of memory must not leave a verdict behind.
-    errorCode = NoError;
 }
 
 void SurrogateModelUserDist::Impl::parseOnce()
