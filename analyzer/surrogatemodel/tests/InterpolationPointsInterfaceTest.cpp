@@ -35,7 +35,7 @@ public:
     void get(std::vector<double>& values) const override { TwoPoints::get(values); }
 };
 
-TEST(InterpolationPointsInterface, IsAbstractAndCopyableWithoutState)
+TEST(InterpolationPointsInterface, IsAbstractAndWithoutState)
 {
     EXPECT_TRUE(std::is_abstract<InterpolationPointsInterface>::value);
     EXPECT_TRUE(std::has_virtual_destructor<InterpolationPointsInterface>::value);
@@ -46,6 +46,17 @@ TEST(InterpolationPointsInterface, IsAbstractAndCopyableWithoutState)
 TEST(InterpolationPointsInterface, ListsGetBeforeTheDestructor)
 {
     EXPECT_TRUE(isVirtualSlot(&InterpolationPointsInterface::get, 0));
+}
+
+TEST(InterpolationPointsInterface, LetsImplementationsBeCopied)
+{
+    const TwoPoints original(5.0);
+
+    const TwoPoints copy(original);
+
+    std::vector<double> values;
+    copy.get(values);
+    EXPECT_EQ(values, (std::vector<double>{5.0, 6.0}));
 }
 
 TEST(InterpolationPointsInterface, AssigningTheInterfaceCopiesNothing)

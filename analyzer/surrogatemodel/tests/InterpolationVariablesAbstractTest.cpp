@@ -2,11 +2,9 @@
 
 #include "FakeManager.h"
 
-#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_analyzercommon/tests/CleanUndoStack.h>
 #include <mirel_datamanagement/Project.h>
 #include <property/UndoablePropertyProxy.h>
-
-#include <QUndoStack>
 
 #include <gtest/gtest.h>
 
@@ -74,6 +72,7 @@ TEST(DistributedPoints, CanMissTheHighEndByRounding)
 
     EXPECT_EQ(values.back(), 49.0 * (1.0 / 49.0));
     EXPECT_NE(values.back(), 1.0);
+    // Two roundings, of the step and of the product, by half a unit in the last place each.
     EXPECT_NEAR(values.back(), 1.0, std::numeric_limits<double>::epsilon());
 }
 
@@ -96,6 +95,19 @@ TEST(DistributedPoints, ReserveTheirCountWhereTheVectorHasLess)
     roomy.reserve(1000);
     DistributedPoints({0, 1}, 100).get(roomy);
     EXPECT_EQ(roomy.capacity(), 1000u);
+}
+
+TEST(DistributedPoints, ReserveNothingForWhatTheVectorHoldsAlready)
+{
+    Values values;
+    values.reserve(50);
+    values.assign(50, 9.0);
+
+    DistributedPoints({0, 1}, 100).get(values);
+
+    // Room for 100 is used up by 50 points; the vector then grows in its own, larger step.
+    ASSERT_EQ(values.size(), 150u);
+    EXPECT_GT(values.capacity(), 150u);
 }
 
 TEST(DistributedPoints, GiveWhatNonFiniteRangesCompute)
@@ -373,7 +385,7 @@ TEST_F(InterpolationVariablesAbstractTest, DoesNotTellOfTheListAndTheType)
 
 TEST_F(InterpolationVariablesAbstractTest, TellsOfAProxyOnceOnSetAndTwiceOnUndoAndRedo)
 {
-    UndoStack().stack().clear();
+    const CleanUndoStack cleanUndoStack;
     const auto proxy = boost::make_shared<CollectionProxy>("Point", manager->point);
     manager->point = proxy;
     const ChosenPoints interpolation(manager, distributions);
@@ -385,7 +397,6 @@ TEST_F(InterpolationVariablesAbstractTest, TellsOfAProxyOnceOnSetAndTwiceOnUndoA
     EXPECT_EQ(emissions, 3);
     UndoStack().stack().redo();
     EXPECT_EQ(emissions, 5);
-    UndoStack().stack().clear();
 }
 
 TEST_F(InterpolationVariablesAbstractTest, AcceptsAProxyAsUserDistributions)

@@ -118,7 +118,9 @@ TEST(InterpolationVariablesInterface, InheritsSuspendableInterfaceVirtually)
 
 TEST(InterpolationVariablesInterface, KeepsTheOrderOfItsVirtualOperations)
 {
-    // Behind the two forms of the destructor, suspend() and resume().
+    // Behind the two forms of the destructor.
+    EXPECT_TRUE(isVirtualSlot(&SuspendableInterface::suspend, 2));
+    EXPECT_TRUE(isVirtualSlot(&SuspendableInterface::resume, 3));
     EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::inputIndependentVariables, 4));
     EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::dependentVariables, 5));
     EXPECT_TRUE(isVirtualSlot(&InterpolationVariablesInterface::isVariableEmployed, 6));

@@ -131,6 +131,14 @@ TEST_F(SurfaceCoefficientExporterTest, WritesTheFirstEquationForANameWithoutOffs
     EXPECT_NE(exported().find("variable: unknown\nResult = 1 + 2 V1\n"), std::string::npos);
 }
 
+TEST_F(SurfaceCoefficientExporterTest, AsksForTheEquationByTheLow32BitsOfTheOffset)
+{
+    dependents = {stress};
+    manager.offsets["stress"] = (std::size_t(1) << 32) + 1;
+
+    EXPECT_NE(exported().find("variable: stress\nResult = 3 - V2\n"), std::string::npos);
+}
+
 TEST_F(SurfaceCoefficientExporterTest, NamesRemovedVariablesAsTheyWereCalled)
 {
     dependents = {strain};

@@ -1,5 +1,7 @@
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
+#include <mirel_property/tests/VirtualSlot.h>
+
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
@@ -482,6 +484,11 @@ TEST(SurrogateModelUserDist, StandsBehindTheInterfaceAndIsDeletedThroughIt)
     points->get(values);
 
     EXPECT_EQ(values, (Values{1, 2}));
+}
+
+TEST(SurrogateModelUserDist, ListsGetBeforeTheDestructor)
+{
+    EXPECT_TRUE(isVirtualSlot(&Dist::get, 0));
 }
 
 class SubclassAlongTwoPaths : public Dist, public virtual InterpolationPointsInterface
