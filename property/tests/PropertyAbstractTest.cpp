@@ -1,5 +1,6 @@
 #include <property/Property.h>
 
+#include "NotNegativeValidator.h"
 #include "PropertyListener.h"
 
 #include <mirel_property/tests/VirtualSlot.h>
@@ -15,20 +16,6 @@
 #include <type_traits>
 
 namespace {
-
-// Refuses negative numbers and counts how often it is asked.
-class NotNegativeValidator : public virtual veska::ValidatorInterface<int>
-{
-public:
-    veska::ValidationResult validate(const int& value) const override
-    {
-        ++calls;
-        return value < 0 ? veska::ValidationResult("must not be negative")
-                         : veska::ValidationResult();
-    }
-
-    mutable int calls = 0;
-};
 
 class CheckedProperty : public veska::Property<int>
 {

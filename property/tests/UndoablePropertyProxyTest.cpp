@@ -1,6 +1,7 @@
 #include <property/Property.h>
 #include <property/UndoablePropertyProxy.h>
 
+#include "NotNegativeValidator.h"
 #include "PropertyListener.h"
 #include "PropertyValueTypes.h"
 
@@ -138,19 +139,6 @@ TYPED_TEST(UndoablePropertyProxyOfTypeTest, DoesNothingOnUndoWhenTheTargetHoldsT
 }
 
 namespace {
-
-class NotNegativeValidator : public virtual veska::ValidatorInterface<int>
-{
-public:
-    veska::ValidationResult validate(const int& value) const override
-    {
-        ++calls;
-        return value < 0 ? veska::ValidationResult("must not be negative")
-                         : veska::ValidationResult();
-    }
-
-    mutable int calls = 0;
-};
 
 // A target whose faults a test can choose.
 class Target : public veska::Property<int>

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <mirel_analyzercommon/GenericUndoCommand.h>
-#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_analyzercommon/tests/CleanUndoStack.h>
 #include <mirel_datamanagement/Project.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QUndoStack>
 
 #include <gtest/gtest.h>
 
@@ -18,26 +15,9 @@ constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 class ProjectTest : public ::testing::Test
 {
 protected:
-    ProjectTest() : project(boost::make_shared<Project>())
-    {
-        Project::setProject(project);
-        undoStack().clear();
-    }
+    ProjectTest() : project(boost::make_shared<Project>()) { Project::setProject(project); }
 
-    ~ProjectTest() override
-    {
-        undoStack().clear();
-        Project::setProject(boost::make_shared<Project>());
-    }
-
-    /** A suspension or macro that a test left open would make the tests after it meaningless. */
-    void TearDown() override
-    {
-        undoStack().clear();
-        UndoStack().push(new GenericUndoCommand([] {}, [] {}, nullptr, "probe", -1));
-        EXPECT_EQ(undoStack().count(), 1);
-        EXPECT_TRUE(undoStack().canUndo());
-    }
+    ~ProjectTest() override { Project::setProject(boost::make_shared<Project>()); }
 
     static QUndoStack& undoStack() { return UndoStack().stack(); }
 
@@ -58,5 +38,6 @@ protected:
         return project->addNumericVariable(name, Variable::Dependent, std::move(values));
     }
 
+    CleanUndoStack cleanUndoStack;
     boost::shared_ptr<Project> project;
 };

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "FakeManager.h"
+#include "FixedVariables.h"
 #include "ProjectTest.h"
 
-#include <surrogatemodel/InterpolationVariablesInterface.h>
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 
 #include <vtkCallbackCommand.h>
@@ -34,24 +34,6 @@ public:
     }
 
     std::function<void()> onModel;
-};
-
-/** Interpolation variables that answer what a test puts in. */
-class FixedVariables : public InterpolationVariablesInterface
-{
-public:
-    boost::shared_ptr<std::map<VarPtr, std::vector<double>>>
-    inputIndependentVariables() const override
-    {
-        return boost::make_shared<std::map<VarPtr, std::vector<double>>>(inputs);
-    }
-    std::set<VarPtr> dependentVariables() const override { return dependents; }
-    bool isVariableEmployed(VarPtr) const override { return true; }
-    void suspend() override {}
-    void resume() override {}
-
-    std::map<VarPtr, std::vector<double>> inputs;
-    std::set<VarPtr> dependents;
 };
 
 /** Takes the place of VTK's output window while it lives. */

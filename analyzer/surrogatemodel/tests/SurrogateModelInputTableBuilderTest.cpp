@@ -1,8 +1,7 @@
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 
 #include "FakeManager.h"
-
-#include <surrogatemodel/InterpolationVariablesInterface.h>
+#include "FixedVariables.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_property/tests/VirtualSlot.h>
@@ -18,23 +17,6 @@
 namespace {
 
 using Values = std::vector<double>;
-
-/** Interpolation variables that answer what a test puts in. */
-class GivenVariables : public InterpolationVariablesInterface
-{
-public:
-    boost::shared_ptr<std::map<VarPtr, Values>> inputIndependentVariables() const override
-    {
-        return boost::make_shared<std::map<VarPtr, Values>>(inputs);
-    }
-    std::set<VarPtr> dependentVariables() const override { return dependents; }
-    bool isVariableEmployed(VarPtr variable) const override { return inputs.count(variable) != 0; }
-    void suspend() override {}
-    void resume() override {}
-
-    std::map<VarPtr, Values> inputs;
-    std::set<VarPtr> dependents;
-};
 
 class SurrogateModelInputTableBuilderTest : public testing::Test
 {
@@ -54,6 +36,14 @@ protected:
         const VarPtr variable = project.addNumericVariable(name, Variable::Dependent);
         variables.dependents.insert(variable);
         return variable;
+    }
+
+    /** 65536 to the power of 4 is 0 in 64 bits. */
+    void addUncountableGrid()
+    {
+        for (const char* name : {"A", "B", "C", "D"}) {
+            independent(name, Values(65536, 1.0));
+        }
     }
 
     SurrogateModelInputTableBuilder builder() const { return {manager, variables}; }
@@ -88,7 +78,7 @@ protected:
 
     Project project;
     FakeManager manager;
-    GivenVariables variables;
+    FixedVariables variables;
 };
 
 TEST_F(SurrogateModelInputTableBuilderTest, VariesTheLastVariableFastest)
@@ -340,10 +330,7 @@ TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridThatDoesNotFitIntoMemory
 
 TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridWhosePointsCannotBeCounted)
 {
-    // 65536 to the power of 4 is 0 in 64 bits.
-    for (const char* name : {"A", "B", "C", "D"}) {
-        independent(name, Values(65536, 1.0));
-    }
+    addUncountableGrid();
 
     EXPECT_EQ(refusal(manager, variables),
               "The evaluation grid is too large: more than 9223372036854775807 points in 4 columns "
@@ -353,9 +340,7 @@ TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridWhosePointsCannotBeCount
 
 TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesAlsoAGridThatWouldBeTooLarge)
 {
-    for (const char* name : {"A", "B", "C", "D"}) {
-        independent(name, Values(65536, 1.0));
-    }
+    addUncountableGrid();
     independent("E", {});
 
     EXPECT_EQ(builder().suppliedIndependentVarValues()->GetNumberOfRows(), 0);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <surrogatemodel/InterpolationVariablesInterface.h>
+
+#include <boost/make_shared.hpp>
+
+#include <map>
+#include <set>
+#include <vector>
+
+/** Interpolation variables that answer what a test puts in. */
+class FixedVariables : public InterpolationVariablesInterface
+{
+public:
+    boost::shared_ptr<std::map<VarPtr, std::vector<double>>>
+    inputIndependentVariables() const override
+    {
+        return boost::make_shared<std::map<VarPtr, std::vector<double>>>(inputs);
+    }
+    std::set<VarPtr> dependentVariables() const override { return dependents; }
+    bool isVariableEmployed(VarPtr variable) const override { return inputs.count(variable) != 0; }
+    void suspend() override {}
+    void resume() override {}
+
+    std::map<VarPtr, std::vector<double>> inputs;
+    std::set<VarPtr> dependents;
+};
