@@ -1,8 +1,8 @@
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
-#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+#include "FakeManager.h"
 
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_datamanagement/Project.h>
 #include <mirel_property/tests/VirtualSlot.h>
 
 #include <gtest/gtest.h>
@@ -15,30 +15,13 @@ namespace {
 using Interface = SurrogateModelManagerInterface;
 
 /** Counts the runs of the hook, and emits the signal in it on request. */
-class HookedManager : public Interface
+class CountingManager : public FakeManager
 {
 public:
-    SurrogateModelInterface& model(const std::set<VarPtr>&) const override { return refuse(); }
-    SurrogateModelInterface& model(const std::set<int>&) const override { return refuse(); }
-    boost::shared_ptr<veska::PropertyAbstract<std::vector<VarPtr>>> independentVars() const override
-    {
-        return {};
-    }
-    boost::shared_ptr<veska::PropertyAbstract<ModelType>> type() const override { return {}; }
-    boost::shared_ptr<veska::PropertyAbstract<SurrogateModelUserDistCollection>>
-    evaluationPoint() const override
-    {
-        return {};
-    }
-    bool isVariableInSurrogateModel(VarPtr) const override { return false; }
-    std::size_t offsetForVariableName(const std::string&) const override { return 0; }
-
     mutable int hookRuns = 0;
     bool emitInHook = false;
 
 private:
-    static SurrogateModelInterface& refuse() { throw SurrogateModelInterface::Error("no model"); }
-
     void signalModelChangedConnected() const override
     {
         ++hookRuns;
@@ -66,7 +49,7 @@ TEST(SurrogateModelManagerInterface, AnswersEverythingThroughAConstReference)
     const OffsetsForm byOffsets = &Interface::model;
     EXPECT_TRUE(byVariables != nullptr && byOffsets != nullptr);
 
-    const HookedManager manager;
+    const FakeManager manager;
     const Interface& face = manager;
     EXPECT_TRUE(
         (std::is_same<decltype(face.independentVars()),
@@ -101,12 +84,12 @@ TEST(SurrogateModelManagerInterface, KeepsTheOrderOfItsOperations)
 
 TEST(SurrogateModelManagerInterface, StartsWithoutListeners)
 {
-    EXPECT_EQ(HookedManager().signalModelChanged.num_slots(), 0U);
+    EXPECT_EQ(FakeManager().signalModelChanged.num_slots(), 0U);
 }
 
 TEST(SurrogateModelManagerInterface, TellsItsListenersThatTheModelChanged)
 {
-    const HookedManager manager;
+    const FakeManager manager;
     int calls = 0;
     manager.connectSignalModelChanged([&calls] { ++calls; });
 
@@ -117,7 +100,7 @@ TEST(SurrogateModelManagerInterface, TellsItsListenersThatTheModelChanged)
 
 TEST(SurrogateModelManagerInterface, HandsExtendedListenersTheirConnection)
 {
-    const HookedManager manager;
+    const FakeManager manager;
     int calls = 0;
     manager.connectSignalModelChangedExtended(
         [&calls](const boost::signals2::connection& connection) {
@@ -133,7 +116,7 @@ TEST(SurrogateModelManagerInterface, HandsExtendedListenersTheirConnection)
 
 TEST(SurrogateModelManagerInterface, RunsItsHookOnceForEachConnectWithTheSlotConnected)
 {
-    HookedManager manager;
+    CountingManager manager;
     manager.emitInHook = true;
     int calls = 0;
 
@@ -148,7 +131,7 @@ TEST(SurrogateModelManagerInterface, RunsItsHookOnceForEachConnectWithTheSlotCon
 
 TEST(SurrogateModelManagerInterface, DoesNotRunItsHookForListenersOfTheBareSignal)
 {
-    const HookedManager manager;
+    const CountingManager manager;
 
     manager.signalModelChanged.connect([] {});
 
@@ -160,7 +143,7 @@ TEST(SurrogateModelManagerInterface, DisconnectsAllListenersWhenDestroyed)
     boost::signals2::connection plain;
     boost::signals2::connection extended;
     {
-        const HookedManager manager;
+        const FakeManager manager;
         plain = manager.connectSignalModelChanged([] {});
         extended =
             manager.connectSignalModelChangedExtended([](const boost::signals2::connection&) {});
@@ -173,7 +156,8 @@ TEST(SurrogateModelManagerInterface, DisconnectsAllListenersWhenDestroyed)
 
 TEST(SurrogateModelManagerInterface, ReportsAModelThatCannotBeFittedAsAnErrorOfTheHost)
 {
-    const HookedManager manager;
+    FakeManager manager;
+    manager.failure = "no model";
     const Interface& face = manager;
     try {
         face.model(std::set<int>{0});
@@ -184,4 +168,29 @@ TEST(SurrogateModelManagerInterface, ReportsAModelThatCannotBeFittedAsAnErrorOfT
         EXPECT_STREQ(copy.what(), "no model");
     }
     EXPECT_THROW(face.model(std::set<VarPtr>{}), std::exception);
+}
+
+TEST(SurrogateModelManagerInterface, HasSettingsThatStartEmptyAndAtZero)
+{
+    EXPECT_TRUE(veska::Property<std::vector<VarPtr>>().get().empty());
+    EXPECT_EQ(veska::Property<Interface::ModelType>().get(), Interface::Kriging);
+    EXPECT_EQ(veska::Property<SurrogateModelUserDistCollection>().get(),
+              SurrogateModelUserDistCollection());
+}
+
+TEST(SurrogateModelManagerInterface, TakesAnotherOrderOfTheSameVariablesAsAChange)
+{
+    Project project;
+    const VarPtr x = project.addNumericVariable("x", Variable::Independent);
+    const VarPtr y = project.addNumericVariable("y", Variable::Independent);
+    veska::Property<std::vector<VarPtr>> variables;
+    variables.set({x, y});
+    std::vector<VarPtr> told;
+    variables.connectSignalChanged([&told](const std::vector<VarPtr>& value) { told = value; });
+
+    variables.set({x, y});
+    EXPECT_TRUE(told.empty());
+    variables.set({y, x});
+
+    EXPECT_EQ(told, (std::vector<VarPtr>{y, x}));
 }
