@@ -36,6 +36,7 @@ public:
      * holds others.
      *
      * An exception of the model passes; what was written before stays written.
+     * @throw HandleError for a null handle or one whose variable is destroyed.
      */
     void exportData() const;
 

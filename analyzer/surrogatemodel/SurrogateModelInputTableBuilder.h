@@ -26,6 +26,7 @@ public:
      * @throw SurrogateModelInterface::Error if the grid has more points than can be counted, or
      *        its columns would take more than three quarters of the machine's memory. Nothing is
      *        allocated then.
+     * @throw HandleError for a null handle or one whose variable is destroyed.
      */
     SurrogateModelInputTableBuilder(const SurrogateModelManagerInterface& manager,
                                     const InterpolationVariablesInterface& variables);

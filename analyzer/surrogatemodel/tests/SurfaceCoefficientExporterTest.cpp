@@ -151,6 +151,16 @@ TEST_F(SurfaceCoefficientExporterTest, NamesRemovedVariablesAsTheyWereCalled)
     EXPECT_NE(text.find("dependent variable: strain\n"), std::string::npos);
 }
 
+TEST_F(SurfaceCoefficientExporterTest, AHandleOfNoVariableIsAHandleError)
+{
+    dependents = {VarPtr()};
+    EXPECT_THROW(exported(), HandleError);
+
+    dependents.clear();
+    manager.independents->set({VarPtr()});
+    EXPECT_THROW(exported(), HandleError);
+}
+
 TEST_F(SurfaceCoefficientExporterTest, NumbersEveryListEntryWhateverItsNature)
 {
     const VarPtr text = project.addTextVariable("material", Variable::Independent);

@@ -267,6 +267,16 @@ TEST_F(SurrogateModelInputTableBuilderTest, TakesVariablesOfEveryNatureAndRemove
     EXPECT_EQ(names(*tables.resultDependentVarValues()), (std::vector<std::string>{"y"}));
 }
 
+TEST_F(SurrogateModelInputTableBuilderTest, AHandleOfNoVariableIsAHandleError)
+{
+    variables.dependents = {VarPtr()};
+    EXPECT_THROW(builder(), HandleError);
+
+    variables.dependents.clear();
+    manager.independents->set({VarPtr()});
+    EXPECT_THROW(builder(), HandleError);
+}
+
 TEST_F(SurrogateModelInputTableBuilderTest, AVariableListedTwiceStaysWithinTheGrid)
 {
     const VarPtr a = independent("A", {1, 2, 3});
