@@ -37,15 +37,6 @@ std::string nameOf(const VarPtr& variable)
     return variable.lock()->name();
 }
 
-std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
-{
-    std::vector<std::string> names;
-    for (const VarPtr& variable : variables) {
-        names.push_back(nameOf(variable));
-    }
-    return names;
-}
-
 void writeText(const std::string& path, const std::string& text)
 {
     OutputFile out(path);

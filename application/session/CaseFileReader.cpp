@@ -131,6 +131,7 @@ public:
     std::vector<std::size_t> casesWithoutText() const
     {
         std::vector<std::size_t> counts;
+        counts.reserve(states.size());
         for (const State& state : states) {
             counts.push_back(state.casesWithoutText);
         }

@@ -8,7 +8,7 @@ class RoleChooser
 {
 public:
     explicit RoleChooser(const CaseTable& cases)
-        : table(cases), names(namesOf(cases)), roleOf(cases.columns.size())
+        : table(cases), names(cases.names()), roleOf(cases.columns.size())
     {}
 
     std::vector<std::size_t> choose(const std::vector<std::string>& texts, const std::string& role)
@@ -35,15 +35,6 @@ public:
     }
 
 private:
-    static VariableNames namesOf(const CaseTable& table)
-    {
-        std::vector<std::string> names;
-        for (const CaseColumn& column : table.columns) {
-            names.push_back(column.name);
-        }
-        return VariableNames(std::move(names));
-    }
-
     void take(std::size_t position, const std::string& role)
     {
         const CaseColumn& column = table.columns[position];

@@ -2,6 +2,7 @@
 
 #include "session/SessionErrors.h"
 #include "session/SweepInterpolationVariables.h"
+#include "session/VariableNames.h"
 
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 #include <surrogatemodel/SurrogateModelManager.h>
@@ -98,6 +99,7 @@ std::vector<VarPtr> variablesAt(const Project& project, const std::vector<std::s
 {
     const std::vector<VarPtr> all = project.variables();
     std::vector<VarPtr> chosen;
+    chosen.reserve(positions.size());
     for (const std::size_t position : positions) {
         chosen.push_back(all[position]);
     }
@@ -313,11 +315,9 @@ std::vector<OutputFit> CaseSession::fits()
     const auto* metrics = dynamic_cast<const FitMetricsInterface*>(&model);
     const auto* kriging = dynamic_cast<const KrigingReportInterface*>(&model);
 
-    std::vector<std::string> inputNames;
-    for (const VarPtr& input : impl->inputs) {
-        inputNames.push_back(input.lock()->name());
-    }
+    const std::vector<std::string> inputNames = namesOf(impl->inputs);
     std::vector<OutputFit> results;
+    results.reserve(impl->outputs.size());
     for (const VarPtr& output : impl->outputs) {
         const int offset = impl->offsetOf(output);
         OutputFit result;
@@ -368,6 +368,7 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
     const SurrogateModelInterface& model = fit();
     const Stopwatch watch;
     std::vector<double*> inputs;
+    inputs.reserve(points.size());
     for (const double* column : points) {
         // The model only reads its inputs, though through pointers that are not const.
         inputs.push_back(const_cast<double*>(column));
@@ -379,6 +380,7 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
         byOffset[impl->offsetOf(impl->outputs[i])] = results[i].data();
     }
     std::vector<double*> outputs;
+    outputs.reserve(byOffset.size());
     for (const auto& [offset, column] : byOffset) {
         outputs.push_back(column);
     }
@@ -400,6 +402,7 @@ std::vector<std::string> CaseSession::equations()
 {
     const SurrogateModelInterface& model = fit();
     std::vector<std::string> texts;
+    texts.reserve(impl->outputs.size());
     for (const VarPtr& output : impl->outputs) {
         texts.push_back(model.surfaceCoefficientInformation(impl->offsetOf(output)));
     }

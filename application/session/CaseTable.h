@@ -2,6 +2,8 @@
 
 #include <session/CellTexts.h>
 
+#include <surrogate_session/Export.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -31,8 +33,11 @@ struct CaseColumn
 };
 
 /** A case file as columns. */
-struct CaseTable
+struct SURROGATE_SESSION_EXPORT CaseTable
 {
+    /** The names of the columns, in their order. */
+    std::vector<std::string> names() const;
+
     std::string path;
     std::vector<CaseColumn> columns;
     std::size_t cases = 0;

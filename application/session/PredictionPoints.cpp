@@ -17,10 +17,8 @@ PredictionPoints::PredictionPoints(CaseTable points, const std::vector<std::stri
                                    std::vector<std::string> outputs)
     : table(std::move(points)), outputNames(std::move(outputs))
 {
-    std::vector<std::string> names;
-    for (const CaseColumn& column : table.columns) {
-        names.push_back(column.name);
-    }
+    const std::vector<std::string> names = table.names();
+    columns.reserve(inputs.size());
     for (const std::string& input : inputs) {
         const auto found = std::find(names.begin(), names.end(), input);
         if (found == names.end()) {
@@ -58,6 +56,7 @@ PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predic
 {
     OutputTable result;
     result.rows = table.cases;
+    result.columns.reserve(table.columns.size() + predictions.size());
     for (const CaseColumn& column : table.columns) {
         result.columns.push_back(
             {column.name, column.isNumeric ? column.numbers.data() : nullptr, &column.cells});

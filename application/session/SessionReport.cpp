@@ -1,6 +1,7 @@
 #include "session/SessionReport.h"
 
 #include "session/NumberText.h"
+#include "session/VariableNames.h"
 
 #include <mirel_datamanagement/Project.h>
 
@@ -11,6 +12,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <tuple>
 #include <vector>
 
 using Json = nlohmann::ordered_json;
@@ -23,15 +25,6 @@ constexpr int shownDigits = 6;
 std::string nameOf(const VarPtr& variable)
 {
     return variable.lock()->name();
-}
-
-std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
-{
-    std::vector<std::string> names;
-    for (const VarPtr& variable : variables) {
-        names.push_back(nameOf(variable));
-    }
-    return names;
 }
 
 std::string shown(double number)
@@ -136,7 +129,9 @@ VariableSummary summaryOf(const Project& project, const VarPtr& handle)
 std::vector<VariableSummary> summariesOf(const Project& project)
 {
     std::vector<VariableSummary> summaries;
-    for (const VarPtr& variable : project.variables()) {
+    const std::vector<VarPtr> variables = project.variables();
+    summaries.reserve(variables.size());
+    for (const VarPtr& variable : variables) {
         summaries.push_back(summaryOf(project, variable));
     }
     return summaries;
@@ -314,6 +309,7 @@ std::string SessionReport::fitText(CaseSession& session)
     text += std::string("Model   ") +
             (session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface") + '\n';
     std::vector<std::string> legend;
+    legend.reserve(inputs.size());
     for (const std::string& input : inputs) {
         legend.push_back(input + " (V" + std::to_string(legend.size() + 1) + ')');
     }

@@ -160,3 +160,13 @@ std::string VariableNames::unknownMessage(const std::string& name) const
     }
     return message + '.';
 }
+
+std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
+{
+    std::vector<std::string> names;
+    names.reserve(variables.size());
+    for (const VarPtr& variable : variables) {
+        names.push_back(variable.lock()->name());
+    }
+    return names;
+}

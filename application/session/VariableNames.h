@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_datamanagement/Variable.h>
+
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
@@ -44,3 +46,6 @@ public:
 private:
     std::vector<std::string> nameList;
 };
+
+/** The names of variables, in their order. @throw HandleError as VarPtr::lock() does. */
+SURROGATE_SESSION_EXPORT std::vector<std::string> namesOf(const std::vector<VarPtr>& variables);

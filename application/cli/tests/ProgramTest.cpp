@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -183,6 +184,33 @@ TEST_F(Program, PredictAddsColumnsToTheTableOfPoints)
     EXPECT_EQ(lines[1].rfind("\"a, b\",1.0,2,", 0), 0u);
     EXPECT_NEAR(std::strtod(lines[1].c_str() + 13, nullptr), 4.0, 1e-9);
     EXPECT_EQ(lines[2], "last,NA,1,") << "empty where an input is missing";
+}
+
+TEST_F(Program, PredictWritesTheHeadingAloneForNoPoints)
+{
+    EXPECT_EQ(run("predict plane.csv -y y --points - < /dev/null").exitCode, 3);
+    folder.write("points.csv", "x,z\n");
+
+    EXPECT_EQ(run("predict plane.csv -y y --points - < points.csv").out, "x,z,y predicted\n");
+}
+
+TEST_F(Program, PredictWritesNumbersWithAPointAndOtherTextsAsTheyWere)
+{
+    folder.write("points.csv", "x;z;remark\n1,50;1;1,5 bar\n");
+
+    const Outcome table = run("predict plane.csv -y y --points points.csv");
+
+    ASSERT_EQ(table.exitCode, 0) << table.err;
+    EXPECT_EQ(linesOf(table.out)[1].rfind("1.50,1,\"1,5 bar\",", 0), 0u) << table.out;
+}
+
+TEST_F(Program, ATextColumnIsNoInputAndNoOutput)
+{
+    folder.write("site.csv", "x,site,y\n1,north,2\n");
+
+    expectFailure("fit site.csv -y site", 2,
+                  "\"site\" cannot be an output, it is a text column: line 2 of site.csv holds "
+                  "\"north\".");
 }
 
 TEST_F(Program, EquationsComeWithTheirLegend)

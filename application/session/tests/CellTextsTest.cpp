@@ -1,0 +1,25 @@
+#include <session/CellTexts.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+TEST(CellTexts, GivesBackEachTextAsItWas)
+{
+    CellTexts texts;
+    texts.append("a");
+    texts.append("");
+    texts.append(std::string("b\0c", 3));
+    texts.append("\xC3\xA4, \"x\"");
+
+    ASSERT_EQ(texts.size(), 4u);
+    EXPECT_EQ(texts[0], "a");
+    EXPECT_EQ(texts[1], "");
+    EXPECT_EQ(texts[2], std::string("b\0c", 3));
+    EXPECT_EQ(texts[3], "\xC3\xA4, \"x\"");
+}
+
+TEST(CellTexts, IsEmptyAtFirst)
+{
+    EXPECT_EQ(CellTexts().size(), 0u);
+}
