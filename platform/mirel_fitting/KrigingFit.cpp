@@ -6,11 +6,13 @@
 #include <mirel_fitting/KrigingLikelihood.h>
 #include <mirel_fitting/KrigingSearch.h>
 #include <mirel_fitting/KrigingTrend.h>
+#include <mirel_fitting/QuadraticBasis.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -57,6 +59,7 @@ private:
     void measure(KrigingFit& fit, const std::vector<double>& residuals) const;
     void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
     void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
+    void writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
     void judge(KrigingFit& fit);
 
     const KrigingCases& cases;
@@ -237,7 +240,7 @@ KrigingFit Fitter::withCorrelation()
     parts.coefficients = likelihood.coefficients();
     parts.weights = likelihood.weights();
 
-    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     for (std::size_t k = 0; k < data->inputs; ++k) {
         fit.report.correlationLengths[cases.activeInputs()[k]] =
@@ -261,7 +264,7 @@ KrigingFit Fitter::withTrendAlone()
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = leastSquares.coefficients;
 
-    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance * scale * scale, data->cases);
     reportTrend(fit, leastSquares.coefficients);
     measure(fit, leastSquares.leaveOneOutResiduals);
@@ -277,7 +280,7 @@ KrigingFit Fitter::constant()
     trend = std::make_shared<KrigingTrend>(anyCase, 0, data->coordinates, 0, 0);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = {0.0};
-    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportTrend(fit, {0.0});
 
     const auto n = static_cast<double>(output.size());
@@ -327,6 +330,64 @@ void Fitter::reportTrend(KrigingFit& fit, const std::vector<double>& coefficient
         fit.report.trendCoefficients.push_back(scale * term.coefficient +
                                                (isConstant ? offset : 0.0));
     }
+    writeTrend(fit, coefficients);
+}
+
+void Fitter::writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const
+{
+    constexpr double tolerableLoss = 1e-9; // of the output's spread
+
+    std::vector<double> centres(cases.inputCount(), 0.0);
+    std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
+    std::vector<double> minimumAboutCentre;
+    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
+        const std::size_t input = cases.activeInputs()[k];
+        const double minimum = cases.minimum()[k];
+        const double maximum = minimum + cases.range()[k];
+        const double centre = minimum + 0.5 * cases.range()[k];
+        centres[input] = centre;
+        reach[input] = std::max(std::fabs(minimum), std::fabs(maximum)) + std::fabs(centre);
+        // The centre is a rounded number, so that this is not exactly half the range.
+        minimumAboutCentre.push_back(minimum - centre);
+    }
+
+    std::map<std::string, double> expanded;
+    for (std::size_t t = 0; t < fit.report.trendTerms.size(); ++t) {
+        expanded[fit.report.trendTerms[t]] = fit.report.trendCoefficients[t];
+    }
+    std::map<std::string, double> centred;
+    for (const KrigingTrend::RawTerm& term :
+         trend->inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers)) {
+        centred[term.name] = scale * term.coefficient;
+    }
+
+    const QuadraticBasis basis(cases.inputCount(), trend->order());
+    double loss = 0.0;
+    for (std::size_t t = 0; t < basis.size(); ++t) {
+        double size = std::fabs(centred[basis.name(t)]);
+        for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
+            size *= input == QuadraticBasis::noInput ? 1.0 : reach[input];
+        }
+        loss += std::numeric_limits<double>::epsilon() * size;
+    }
+    centred["1"] += offset;
+
+    const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
+    const bool isExpanded = loss <= tolerableLoss * (*largest - *smallest);
+    EquationText text(basis);
+    if (!isExpanded) {
+        text.setCentres(centres);
+    }
+    std::vector<double> inOrder;
+    for (std::size_t t = 0; t < basis.size(); ++t) {
+        const std::string name = basis.name(t);
+        if (expanded.count(name) == 0) {
+            text.leaveOut(t);
+        }
+        inOrder.push_back(isExpanded ? expanded[name] : centred[name]);
+    }
+    fit.trendText = text.write(inOrder);
+    fit.trendText.pop_back(); // the end of the line
 }
 
 void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) const

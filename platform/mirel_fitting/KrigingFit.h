@@ -24,6 +24,9 @@ struct KrigingFit
 {
     KrigingPredictor predictor;
     KrigingReport report;
+    /** The trend as an equation in V1, V2, ..., or in V1 - c where multiplying out would lose more
+     *  than 1e-9 of the output's spread. */
+    std::string trendText;
     FitMetrics metrics;
     std::vector<std::string> warnings;
 };

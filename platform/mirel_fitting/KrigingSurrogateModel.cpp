@@ -1,6 +1,5 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
-#include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/TrainingColumns.h>
@@ -92,22 +91,6 @@ const char* orderName(int order)
     default:
         return "full quadratic";
     }
-}
-
-std::string trendText(const KrigingReport& report)
-{
-    std::string text;
-    for (std::size_t t = 0; t < report.trendTerms.size(); ++t) {
-        const double coefficient = report.trendCoefficients[t];
-        text += t == 0 ? (coefficient < 0.0 ? "-" : "") : (coefficient < 0.0 ? " - " : " + ");
-        text += EquationText::number(std::fabs(coefficient));
-        std::string factors = report.trendTerms[t];
-        if (factors != "1") {
-            const std::size_t gap = factors.find(' ');
-            text += " * " + (gap == std::string::npos ? factors : factors.replace(gap, 1, " * "));
-        }
-    }
-    return text;
 }
 
 bool isCorrelated(const KrigingReport& report)
@@ -222,13 +205,12 @@ bool KrigingSurrogateModel::qualityMetricInformationAvailable() const
 
 std::string KrigingSurrogateModel::surfaceCoefficientInformation(int offset) const
 {
-    const KrigingReport& report = impl->fit(offset).report;
-    if (!isCorrelated(report)) {
-        return trendText(report) + "\n";
+    const KrigingFit& fit = impl->fit(offset);
+    if (!isCorrelated(fit.report)) {
+        return fit.trendText + "\n";
     }
-    return trendText(report) +
-           " + the correlated part of a Kriging model, which has no equation\n" +
-           lengthsText(report);
+    return fit.trendText + " + the correlated part of a Kriging model, which has no equation\n" +
+           lengthsText(fit.report);
 }
 
 std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const
@@ -241,8 +223,7 @@ std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const
     text += metricLine("Log-likelihood", fit.report.logLikelihood);
     text += metricLine("Process variance", fit.report.processVariance);
     text += metricLine("Nugget (relative to the process variance)", fit.report.nugget);
-    text += std::string("Trend: ") + orderName(fit.report.trendOrder) + ", " +
-            trendText(fit.report) + "\n";
+    text += std::string("Trend: ") + orderName(fit.report.trendOrder) + ", " + fit.trendText + "\n";
     text += lengthsText(fit.report);
     for (const std::string& warning : fit.warnings) {
         text += "Warning: " + warning + "\n";

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/FitProgress.h>
 
+#include "EquationEvaluator.h"
 #include "KrigingTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -381,6 +382,26 @@ TEST(KrigingSurrogateModel, WritesAnEquationWhereNothingIsCorrelated)
     const KrigingSurrogateModel model = KrigingArguments().model({{7.0, 7.0}}, {{-3.0, -6.0}});
 
     EXPECT_EQ(model.surfaceCoefficientInformation(0), "-4.5\n");
+}
+
+TEST(KrigingSurrogateModel, EquationStaysInCentredInputsWhereMultiplyingOutLosesDigits)
+{
+    Columns inputs(2);
+    std::vector<double> output;
+    for (int i = 0; i < 12; ++i) {
+        inputs[0].push_back(1e9 + 1e-3 * i);
+        inputs[1].push_back(i % 4);
+        output.push_back(1.0 + 3.0 * (inputs[0].back() - 1e9) - 0.01 * inputs[1].back());
+    }
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, {output});
+    const std::string text = model.surfaceCoefficientInformation(0);
+
+    EXPECT_NE(text.find(" * (V1 - 1000000000.0"), std::string::npos) << text;
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        fittingtest::EquationEvaluator equation(text, {inputs[0][i], inputs[1][i]});
+        EXPECT_NEAR(equation.value(), output[i], 1e-9 * 0.06);
+    }
+    EXPECT_NE(model.qualityMetricInformation(0).find("Trend: linear, " + text), std::string::npos);
 }
 
 TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
