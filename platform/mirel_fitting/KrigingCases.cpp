@@ -1,13 +1,22 @@
 #include <mirel_fitting/KrigingCases.h>
 
+#include <mirel_fitting/SurrogateModelInterface.h>
+
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <string>
 
 KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows)
     : rows(rows), inputs(columns.size()), order(rows)
 {
     for (std::size_t k = 0; k < inputs; ++k) {
         const auto [smallest, largest] = std::minmax_element(columns[k], columns[k] + rows);
+        if (std::isinf(*largest - *smallest)) {
+            throw SurrogateModelInterface::Error("The values of the input V" +
+                                                 std::to_string(k + 1) +
+                                                 " lie too far apart: their range is no number.");
+        }
         if (*smallest < *largest) {
             active.push_back(k);
             minima.push_back(*smallest);

@@ -11,7 +11,10 @@
 class KrigingCases
 {
 public:
-    /** @param columns one array of `rows` finite values per input, borrowed for the call. */
+    /**
+     * @param columns one array of `rows` finite values per input, borrowed for the call.
+     * @throw SurrogateModelInterface::Error if the range of an input is not finite.
+     */
     KrigingCases(const std::vector<double*>& columns, std::size_t rows);
 
     std::size_t rowCount() const;

@@ -39,8 +39,8 @@ public:
      * @param nugget             lower bound of the nugget, relative to the process variance; 0:
      *                           only the bound that keeps the factorisation sound, 1e-12.
      * @param nuggetMode         0: estimated above that bound; 1: fixed at `nugget`.
-     * @throw Error if there is no case, a column is null, an input is not finite, an argument is
-     *        out of its range, or there are more than 10 000 distinct cases.
+     * @throw Error if there is no case, a column is null, an input is not finite or its range is
+     *        not, an argument is out of its range, or there are more than 10 000 distinct cases.
      */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,

@@ -23,6 +23,17 @@ TEST(KrigingCases, ScalesInputsToTheirRange)
     EXPECT_EQ(cases.range(), std::vector<double>{20.0});
 }
 
+TEST(KrigingCases, RefusesAnInputWhoseRangeIsNoNumber)
+{
+    try {
+        casesOf({{1.0, 2.0}, {-1.5e308, 1.5e308}});
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "The values of the input V2 lie too far apart: their range is no number.");
+    }
+}
+
 TEST(KrigingCases, LeavesOutConstantInputs)
 {
     const KrigingCases cases = casesOf({{1.0, 2.0}, {5.0, 5.0}, {4.0, 3.0}});
