@@ -199,7 +199,9 @@ void Fitter::search()
     settings.isNuggetFixed = options.isNuggetFixed;
     for (std::size_t k = 0; k < data->inputs && !options.correlationLengths.empty(); ++k) {
         const double length = options.correlationLengths[cases.activeInputs()[k]];
-        settings.fixedLengths.push_back(length / cases.range()[k]);
+        // So short, every case stands alone; in shorter units the coordinates would overflow.
+        constexpr double shortest = 1e-100;
+        settings.fixedLengths.push_back(std::max(length / cases.range()[k], shortest));
     }
     found = KrigingSearch::run(data, settings);
     if (found.isNuggetRaised) {
@@ -265,7 +267,7 @@ KrigingFit Fitter::withTrendAlone()
     parts.coefficients = leastSquares.coefficients;
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    reportIndependent(fit, leastSquares.variance * scale * scale, data->cases);
+    reportIndependent(fit, leastSquares.variance, data->cases);
     reportTrend(fit, leastSquares.coefficients);
     measure(fit, leastSquares.leaveOneOutResiduals);
     warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
@@ -284,23 +286,26 @@ KrigingFit Fitter::constant()
     reportTrend(fit, {0.0});
 
     const auto n = static_cast<double>(output.size());
-    double squares = 0.0;
+    double squares = 0.0; // of the standardised output
     for (const double y : output) {
-        squares += (y - offset) * (y - offset);
+        const double deviation = (y - offset) / scale;
+        squares += deviation * deviation;
     }
     reportIndependent(fit, squares / n, output.size());
     fit.metrics.cases = output.size();
     fit.metrics.terms = 1;
-    fit.metrics.rmse = std::sqrt(squares / n);
+    fit.metrics.rmse = scale * std::sqrt(squares / n);
+    double press = 0.0;
     if (output.size() > 1) {
         // A case left out moves the mean away from it.
         const double leverage = n / (n - 1.0);
-        fit.metrics.press = squares * leverage * leverage;
-        fit.metrics.looRmse = std::sqrt(fit.metrics.press / n);
+        press = squares * leverage * leverage;
+        fit.metrics.press = press * scale * scale;
+        fit.metrics.looRmse = scale * std::sqrt(press / n);
     }
     if (squares > 0.0) {
         fit.metrics.r2 = 0.0;
-        fit.metrics.q2 = 1.0 - fit.metrics.press / squares;
+        fit.metrics.q2 = 1.0 - press / squares;
         warnings.push_back("No input varies over the cases: the prediction is the mean output.");
     } else if (output.size() > 1) {
         warnings.push_back("The output is the same in all cases: the prediction is constant.");
@@ -310,14 +315,16 @@ KrigingFit Fitter::constant()
     return fit;
 }
 
-/** The parameters where nothing is correlated: R is the identity. */
+/** The parameters where nothing is correlated: R is the identity. The variance is that of the
+ *  standardised output; its logarithm exists where the square of the output's unit does not. */
 void Fitter::reportIndependent(KrigingFit& fit, double variance, std::size_t count) const
 {
     const auto n = static_cast<double>(count);
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
-    fit.report.processVariance = variance;
+    fit.report.processVariance = variance * scale * scale;
     fit.report.logLikelihood =
-        variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) : infinity;
+        variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) - n * std::log(scale)
+                       : infinity;
 }
 
 void Fitter::reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const

@@ -179,6 +179,30 @@ TEST(KrigingFit, IsTheMeanWithoutInputs)
     EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 3.0);
 }
 
+TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
+{
+    for (const double unit : {1e-200, 1e200}) {
+        const KrigingFit fit = fitOf({}, {1.0 * unit, 2.0 * unit, 6.0 * unit});
+
+        EXPECT_DOUBLE_EQ(fit.metrics.rmse / unit, std::sqrt(14.0 / 3.0));
+        EXPECT_DOUBLE_EQ(fit.metrics.looRmse / unit, std::sqrt(31.5 / 3.0));
+        EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
+        EXPECT_NEAR(fit.report.logLikelihood,
+                    fitOf({}, {1.0, 2.0, 6.0}).report.logLikelihood - 3.0 * std::log(unit), 1e-9);
+    }
+}
+
+TEST(KrigingFit, MeetsTheCasesWithAFixedLengthNextToNothing)
+{
+    KrigingOptions options;
+    options.correlationLengths = {1e-320};
+
+    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0, 3.0}}, {1.0, -1.0, 4.0, 2.0}, options);
+
+    EXPECT_NEAR(valueAt(fit, {2.0}), 4.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {2.5}), 1.5, 1e-9);
+}
+
 TEST(KrigingFit, ManagesWithTwoCases)
 {
     const KrigingFit fit = fitOf({{0.0, 1.0}}, {3.0, 5.0}, withTrend(1));
