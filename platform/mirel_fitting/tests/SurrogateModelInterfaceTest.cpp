@@ -1,0 +1,108 @@
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+
+#include "FittingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+using namespace fittingtest;
+
+using Error = SurrogateModelInterface::Error;
+
+/** Counts how often it is destroyed. */
+class CountedModel : public virtual SurrogateModelInterface
+{
+public:
+    explicit CountedModel(int& destroyed) : destroyed(destroyed) {}
+    ~CountedModel() override { ++destroyed; }
+
+    void activateDependentVariables(const std::set<int>&) override {}
+    void interpolateDependentValues(const std::vector<double*>&, const std::set<int>&,
+                                    std::vector<double*>&, std::size_t) const override
+    {}
+    bool surfaceCoefficientInformationAvailable() const override { return false; }
+    bool qualityMetricInformationAvailable() const override { return false; }
+    std::string surfaceCoefficientInformation(int) const override { return {}; }
+    std::string qualityMetricInformation(int) const override { return {}; }
+
+private:
+    int& destroyed;
+};
+
+} // namespace
+
+TEST(SurrogateModelError, CarriesItsMessage)
+{
+    EXPECT_STREQ(Error("There are 100% too few cases.").what(), "There are 100% too few cases.");
+}
+
+TEST(SurrogateModelError, IsCaughtAsExceptionOfTheApplicationAndOfTheLanguage)
+{
+    EXPECT_THROW(throw Error("refused"), veska::ExceptionBase);
+    try {
+        throw Error("refused");
+    } catch (const std::exception& error) {
+        EXPECT_STREQ(error.what(), "refused");
+    }
+}
+
+TEST(SurrogateModelError, CopiesKeepTheMessage)
+{
+    auto original = std::make_unique<Error>("refused");
+    const Error copy = *original;
+    Error assigned("another");
+    assigned = *original;
+    original.reset();
+
+    EXPECT_STREQ(copy.what(), "refused");
+    EXPECT_STREQ(assigned.what(), "refused");
+}
+
+TEST(SurrogateModelInterface, DeletesModelsThroughTheInterface)
+{
+    int destroyed = 0;
+    std::unique_ptr<SurrogateModelInterface> model = std::make_unique<CountedModel>(destroyed);
+
+    model.reset();
+
+    EXPECT_EQ(destroyed, 1);
+}
+
+TEST(SurrogateModelInterface, IsAVirtualBaseOfBothModels)
+{
+    // Two ways to the interface are one only if both are virtual.
+    class Both : public KrigingSurrogateModel, public virtual SurrogateModelInterface
+    {};
+    class AlsoBoth : public SurrogateResponseSurfaceModel, public virtual SurrogateModelInterface
+    {};
+
+    EXPECT_TRUE((std::is_convertible_v<Both*, SurrogateModelInterface*>));
+    EXPECT_TRUE((std::is_convertible_v<AlsoBoth*, SurrogateModelInterface*>));
+}
+
+TEST(SurrogateModelInterface, LetsBothModelsFitInTheSameProgramAndOutliveTheColumns)
+{
+    std::vector<std::unique_ptr<SurrogateModelInterface>> models;
+    Cases kept = twoInputs(40, 0.0);
+    {
+        Cases cases = kept;
+        models.push_back(std::make_unique<SurrogateResponseSurfaceModel>(
+            cases.inputPointers(), cases.outputPointers(), cases.count()));
+        models.push_back(std::make_unique<KrigingSurrogateModel>(
+            cases.inputPointers(), cases.outputPointers(), 40, 1e-4, std::vector<double>(), 1, 0.5,
+            0.0, 0));
+    }
+
+    // Outputs range over some twenty. Kriging with lengths far beyond the ranges, as a polynomial
+    // wants them, meets six digits of that.
+    for (const std::unique_ptr<SurrogateModelInterface>& model : models) {
+        EXPECT_LT(largestDifference(predict(*model, kept.inputs), kept.outputs[0]), 1e-4);
+    }
+}
