@@ -151,7 +151,8 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
 
     for (std::size_t column = 0; column < columnCount; ++column) {
         const Column& description = descriptions[column];
-        if (!kept(description.parents[0]) || !kept(description.parents[1])) {
+        if (description.isConstant || !kept(description.parents[0]) ||
+            !kept(description.parents[1])) {
             continue;
         }
         const std::size_t row = solution.kept.size();

@@ -25,6 +25,8 @@ public:
     {
         static constexpr std::size_t noParent = static_cast<std::size_t>(-1);
 
+        /** Whether the column says nothing that the constant does not: it is dropped. */
+        bool isConstant = false;
         /** Error of the column's values by the rounding of the data they come from. */
         double rounding = 0.0;
         /** Earlier columns without which this one is dropped, too. */

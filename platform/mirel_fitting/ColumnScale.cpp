@@ -30,6 +30,12 @@ double ColumnScale::largest() const
     return std::max(std::fabs(lowest), std::fabs(highest));
 }
 
+bool ColumnScale::isConstantUpToRounding() const
+{
+    constexpr double fewUnits = 4.0 * std::numeric_limits<double>::epsilon();
+    return spread() <= fewUnits * largest();
+}
+
 double ColumnScale::rounding() const
 {
     return std::numeric_limits<double>::epsilon() / 2.0 * (largest() / scale);

@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingCases.h>
 
+#include <mirel_fitting/ColumnScale.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
@@ -17,7 +18,7 @@ KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows
                                                  std::to_string(k + 1) +
                                                  " lie too far apart: their range is no number.");
         }
-        if (*smallest < *largest) {
+        if (!ColumnScale(columns[k], rows).isConstantUpToRounding()) {
             active.push_back(k);
             minima.push_back(*smallest);
             ranges.push_back(*largest - *smallest);

@@ -5,8 +5,8 @@
 
 /**
  * The inputs of a Kriging model: which rows are the same point, and the distinct points scaled to
- * the ranges of the inputs. Inputs that are constant are left out of the points. The points are
- * sorted, so that the order of the rows does not change a fit.
+ * the ranges of the inputs. Inputs that are constant up to rounding are left out of the points. The
+ * points are sorted, so that the order of the rows does not change a fit.
  */
 class KrigingCases
 {

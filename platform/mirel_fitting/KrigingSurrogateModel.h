@@ -11,10 +11,10 @@
  * by maximum likelihood. A dependent is fitted when it is first wanted, once.
  *
  * Exact copies of a case count once. Cases with the same inputs and different outputs are smoothed
- * by the nugget, or averaged where that is fixed. Constant inputs have no influence; a constant
- * output, a single case or no input that varies give a constant. Where the nugget is the least that
- * keeps the factorisation sound, it is taken out of the prediction again, so that the cases are
- * met.
+ * by the nugget, or averaged where that is fixed. Inputs that are constant, up to a few units in
+ * the last place, have no influence; a constant output, a single case or no input that varies give
+ * a constant. Where the nugget is the least that keeps the factorisation sound, it is taken out of
+ * the prediction again, so that the cases are met.
  *
  * A fit costs some ten to thirty times n^3 multiplications and two n x n matrices for n distinct
  * cases. The order of the cases and the number of threads do not change it.

@@ -51,6 +51,7 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
             continue;
         }
         columns[column].rounding = scales[inputs.first].rounding();
+        columns[column].isConstant = scales[inputs.first].isConstantUpToRounding();
         if (inputs.second != QuadraticBasis::noInput) {
             columns[column].rounding += scales[inputs.second].rounding();
             columns[column].parents[0] = 1 + inputs.first;

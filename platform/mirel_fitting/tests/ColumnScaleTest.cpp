@@ -62,6 +62,20 @@ TEST(ColumnScale, MapsAConstantColumnToZero)
     EXPECT_EQ(scale.spread(), 0.0);
 }
 
+TEST(ColumnScale, TakesAFewUnitsInTheLastPlaceForRounding)
+{
+    const auto isConstant = [](std::vector<double> values) {
+        return ColumnScale(values.data(), values.size()).isConstantUpToRounding();
+    };
+
+    EXPECT_TRUE(isConstant({0.3, 0.1 + 0.2, 0.3}));
+    EXPECT_TRUE(isConstant({-7.0, -7.0}));
+    EXPECT_TRUE(isConstant({0.0, 0.0}));
+    EXPECT_FALSE(isConstant({1e9, 1e9 + 1e-5}));
+    EXPECT_FALSE(isConstant({-1e-300, 1e-300}));
+    EXPECT_FALSE(isConstant({-1.5e308, 1.5e308}));
+}
+
 TEST(ColumnScale, ManagesRangesThatOverflowOrUnderflow)
 {
     for (const double end : {1.7e308, 5e-324}) {

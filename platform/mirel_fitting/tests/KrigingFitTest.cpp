@@ -128,6 +128,19 @@ TEST(KrigingFit, IgnoresAConstantInput)
     EXPECT_EQ(valueAt(with, {123.0, 0.4}), valueAt(without, {0.4}));
 }
 
+TEST(KrigingFit, IgnoresAnInputThatVariesByRoundingOnly)
+{
+    const std::vector<double> output = {1.0, 3.0, 2.0, 5.0, 4.0, 6.0, 3.0};
+    Columns inputs = {{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0}};
+    const double without = valueAt(fitOf(inputs, output, withTrend(1)), {2.5});
+    inputs.push_back({0.3, 0.1 + 0.2, 0.3, 0.3, 0.1 + 0.2, 0.3, 0.3});
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    EXPECT_EQ(valueAt(fit, {2.5, 0.4}), without);
+    EXPECT_TRUE(warns(fit, "V2 is constant over the cases and was ignored."));
+}
+
 TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
 {
     const Columns inputs = latinHypercube(20, 2, 3);

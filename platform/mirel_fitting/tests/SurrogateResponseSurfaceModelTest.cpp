@@ -332,6 +332,21 @@ TEST(ResponseSurface, DropsAConstantInputAndItsProducts)
     EXPECT_NE(model.qualityMetricInformation(0).find("Terms: 3 of 6\n"), std::string::npos);
 }
 
+TEST(ResponseSurface, DropsAnInputThatVariesByRoundingOnly)
+{
+    Cases cases = twoInputs(12, 1.0);
+    cases.inputs[1].assign(12, 0.3);
+    const Column without = predict(fit(cases), {{2.5}, {0.3}});
+    cases.inputs[1][3] = 0.1 + 0.2;
+    cases.inputs[1][8] = 0.1 + 0.2;
+    const Model model = fit(cases);
+
+    EXPECT_LT(largestDifference(predict(model, {{2.5}, {0.4}}), without), 1e-12);
+    EXPECT_EQ(model.fitWarnings(0),
+              (std::vector<std::string>{"Terms that the cases cannot separate from the others were "
+                                        "left out: V2, V1 V2, V2^2."}));
+}
+
 TEST(ResponseSurface, IsTheMeanWhenEveryInputIsConstant)
 {
     const Model model = fit({{{5, 5, 5}, {6, 6, 6}}, {{1, 2, 6}}});
