@@ -4,6 +4,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_property/tests/VirtualSlot.h>
+#include <property/tests/PropertyListener.h>
 
 #include <gtest/gtest.h>
 
@@ -185,12 +186,11 @@ TEST(SurrogateModelManagerInterface, TakesAnotherOrderOfTheSameVariablesAsAChang
     const VarPtr y = project.addNumericVariable("y", Variable::Independent);
     veska::Property<std::vector<VarPtr>> variables;
     variables.set({x, y});
-    std::vector<VarPtr> told;
-    variables.connectSignalChanged([&told](const std::vector<VarPtr>& value) { told = value; });
+    const PropertyListener<std::vector<VarPtr>> listener(variables);
 
     variables.set({x, y});
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(listener.values.empty());
     variables.set({y, x});
 
-    EXPECT_EQ(told, (std::vector<VarPtr>{y, x}));
+    EXPECT_EQ(listener.values, (std::vector<std::vector<VarPtr>>{{y, x}}));
 }
