@@ -66,7 +66,7 @@ boost::shared_ptr<Project>& openProject()
  * The change signal and what holds it back. Shared with every emission and every group, so that a
  * listener may close the project.
  */
-struct Project::Changes
+struct MIREL_DATAMANAGEMENT_NO_EXPORT Project::Changes
 {
     ChangedSignal signal;
     int openGroups = 0;
@@ -82,7 +82,7 @@ struct Project::Changes
     }
 };
 
-class Project::Impl
+class MIREL_DATAMANAGEMENT_NO_EXPORT Project::Impl
 {
 public:
     ~Impl();

@@ -13,7 +13,7 @@
  * What a project keeps of a variable. It lives in the variable, not in the project, so that a
  * variable that outlives its project still knows its name and range.
  */
-class Variable::Impl
+class MIREL_DATAMANAGEMENT_NO_EXPORT Variable::Impl
 {
 public:
     Impl(std::string name, Nature nature, std::vector<double> values);
