@@ -29,6 +29,8 @@ public:
                                     std::size_t count) const override
     {
         interpolatedCounts.push_back(count);
+        lastInputs = inputs;
+        lastOutputs = outputs;
         auto output = outputs.begin();
         for (const int offset : offsets) {
             for (std::size_t row = 0; row < count; ++row) {
@@ -61,6 +63,8 @@ public:
     std::map<int, std::string> equations;
     std::vector<std::set<int>> activated;
     mutable std::vector<std::size_t> interpolatedCounts;
+    mutable std::vector<double*> lastInputs;
+    mutable std::vector<double*> lastOutputs;
 };
 
 /**

@@ -16,8 +16,30 @@
 #include <locale>
 #include <sstream>
 #include <stdexcept>
+#include <type_traits>
 
 namespace {
+
+int breaksOnError = 0;
+
+} // namespace
+
+/** VTK's place for a debugger to stop at; this definition comes before that of VTK. */
+void vtkObject::BreakOnError()
+{
+    ++breaksOnError;
+}
+
+namespace {
+
+/** Whether Filter::New() can be called. */
+template <class Filter, class = void>
+struct CanBeMadeFromNothing : std::false_type
+{};
+
+template <class Filter>
+struct CanBeMadeFromNothing<Filter, std::void_t<decltype(Filter::New())>> : std::true_type
+{};
 
 using Values = std::vector<double>;
 using Names = std::vector<std::string>;
@@ -36,6 +58,12 @@ protected:
         vtkNew<vtkInformationVector> outputs;
         outputs->Append(information);
         return filter->ProcessRequest(request, nullptr, outputs);
+    }
+
+    double* buffer(const std::string& name) const
+    {
+        return vtkArrayDownCast<vtkDoubleArray>(output()->GetColumnByName(name.c_str()))
+            ->GetPointer(0);
     }
 
     std::string expectedErrorText(const std::string& message) const
@@ -77,6 +105,9 @@ TEST_F(SurrogateModelQueryToTableTest, CannotBeMadeWithoutManagerAndVariables)
     EXPECT_THROW(SurrogateModelQueryToTable::New(nullptr, variables), std::invalid_argument);
     EXPECT_THROW(SurrogateModelQueryToTable::New(manager, nullptr), std::invalid_argument);
     EXPECT_EQ(filter->NewInstance(), nullptr);
+    EXPECT_TRUE(CanBeMadeFromNothing<vtkTableAlgorithm>::value);
+    EXPECT_FALSE(CanBeMadeFromNothing<SurrogateModelQueryToTable>::value);
+    EXPECT_FALSE(std::is_default_constructible<SurrogateModelQueryToTable>::value);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, WritesTheValuesThenTheResults)
@@ -91,6 +122,15 @@ TEST_F(SurrogateModelQueryToTableTest, WritesTheValuesThenTheResults)
     EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
     EXPECT_EQ(column("y2"), (Values{16, 26, 17, 27}));
     EXPECT_EQ(filter->getLastError(), "");
+}
+
+TEST_F(SurrogateModelQueryToTableTest, HasTheModelReadAndWriteTheColumnsOfItsOutput)
+{
+    update();
+
+    const std::vector<double*> supplied = {buffer("x1"), buffer("x2")};
+    EXPECT_EQ(manager->fakeModel.lastInputs, supplied);
+    EXPECT_EQ(manager->fakeModel.lastOutputs, (std::vector<double*>{buffer("y1")}));
 }
 
 TEST_F(SurrogateModelQueryToTableTest, PutsResultsUnderTheirNamesWhenOffsetsDoNotFollowTheHandles)
@@ -289,6 +329,57 @@ TEST_F(SurrogateModelQueryToTableTest, WritesErrorsToTheOutputWindowWithoutObser
     EXPECT_EQ(window.errors()[0], expectedErrorText("no luck"));
 }
 
+TEST_F(SurrogateModelQueryToTableTest, StopsWhereADebuggerWaitsForErrorsOncePerReport)
+{
+    const RecordingOutputWindow window;
+    manager->failure = "no luck";
+    breaksOnError = 0;
+
+    vtkObject::SetGlobalWarningDisplay(0);
+    requestData();
+    vtkObject::SetGlobalWarningDisplay(1);
+    EXPECT_EQ(breaksOnError, 0);
+
+    requestData();
+    EXPECT_EQ(breaksOnError, 1);
+
+    int breaksWhenObserved = -1;
+    vtkNew<vtkCallbackCommand> observer;
+    observer->SetClientData(&breaksWhenObserved);
+    observer->SetCallback([](vtkObject*, unsigned long, void* client, void*) {
+        *static_cast<int*>(client) = breaksOnError;
+    });
+    filter->AddObserver(vtkCommand::ErrorEvent, observer);
+    requestData();
+    EXPECT_EQ(breaksWhenObserved, 1);
+    EXPECT_EQ(breaksOnError, 2);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, ReportsAnErrorOfTheEvaluationLikeOneOfTheFit)
+{
+    class UnwillingModel : public FakeModel
+    {
+    public:
+        void activateDependentVariables(const std::set<int>&) override { throw Error("no fit"); }
+    };
+    class UnwillingManager : public HookedManager
+    {
+    public:
+        using HookedManager::model;
+        SurrogateModelInterface& model(const std::set<int>&) const override { return unwilling; }
+        mutable UnwillingModel unwilling;
+    };
+    const RecordingOutputWindow window;
+    const auto managerOfOne = boost::make_shared<UnwillingManager>();
+    managerOfOne->independents->set({x1, x2});
+    filter = SurrogateModelQueryToTable::New(managerOfOne, variables);
+
+    update();
+
+    EXPECT_EQ(filter->getLastError(), "no fit");
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
+}
+
 TEST_F(SurrogateModelQueryToTableTest, LeavesTheExecutivesReportAloneWithoutObservers)
 {
     const RecordingOutputWindow window;
@@ -398,21 +489,26 @@ TEST_F(SurrogateModelQueryToTableTest, ExecutesOncePerUpdateWhenTheModelChangesM
     EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
 }
 
-TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfBothInterfaces)
+TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfTheVariablesThenOfTheManager)
 {
+    static Names hooks;
+    hooks.clear();
+    class HookedVariables : public FixedVariables
+    {
+        void signalInterpolationVariablesChangedConnected() const override
+        {
+            hooks.emplace_back("variables");
+        }
+    };
     class Hooked : public HookedManager
     {
-    public:
-        mutable int hookRuns = 0;
-
-    private:
-        void signalModelChangedConnected() const override { ++hookRuns; }
+        void signalModelChangedConnected() const override { hooks.emplace_back("manager"); }
     };
-    const auto hooked = boost::make_shared<Hooked>();
 
-    const auto other = SurrogateModelQueryToTable::New(hooked, variables);
+    const auto other = SurrogateModelQueryToTable::New(boost::make_shared<Hooked>(),
+                                                       boost::make_shared<HookedVariables>());
 
-    EXPECT_EQ(hooked->hookRuns, 1);
+    EXPECT_EQ(hooks, (Names{"variables", "manager"}));
 }
 
 TEST_F(SurrogateModelQueryToTableTest, SharesManagerAndVariables)
