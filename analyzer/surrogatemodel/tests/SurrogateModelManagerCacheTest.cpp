@@ -1,7 +1,10 @@
 // The fitted model that the manager keeps: when it fits, which cases it uses, what errors leave.
 #include <surrogatemodel/SurrogateModelManager.h>
 
+#include "FixedVariables.h"
 #include "ManagerTest.h"
+
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
 
 #include <stdexcept>
 
@@ -176,6 +179,22 @@ TEST_F(SurrogateModelManagerCacheTest, RebuildsFullyWhenThePipelineFindsAChangeW
     model({y2});
 
     EXPECT_EQ(lastFit().inputs[0], (Values{1, 2, 3}));
+}
+
+TEST_F(SurrogateModelManagerCacheTest, ExecutesAFilterOnceWhenThePipelineFindsAChangeMeanwhile)
+{
+    const auto variables = boost::make_shared<FixedVariables>();
+    variables->inputs = {{x1, {1}}, {x2, {4}}};
+    variables->dependents = {y1};
+    const auto filter = SurrogateModelQueryToTable::New(manager, variables);
+    pipeline->source->onExecute = [this] { pipeline->emitChange(); };
+
+    filter->Update();
+    filter->Update();
+
+    EXPECT_EQ(filter->getLastError(), "");
+    EXPECT_EQ(pipeline->source->executions, 1);
+    EXPECT_EQ(fitCount(), 1U);
 }
 
 TEST_F(SurrogateModelManagerCacheTest, UsesTheLastFullRebuildsVerdictsWhileAModelIsHeld)

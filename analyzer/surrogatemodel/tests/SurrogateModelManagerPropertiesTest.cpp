@@ -200,6 +200,18 @@ TEST_F(SurrogateModelManagerPropertiesTest, TellOfTheEvaluationPointThenOfTheLis
     EXPECT_EQ(log, (std::vector<std::string>{"point", "list", "model"}));
 }
 
+TEST_F(SurrogateModelManagerPropertiesTest, HaveDroppedTheModelWhenTheyTellOfTheList)
+{
+    model({y1});
+    int aliveWhenTold = -1;
+    manager->independentVars()->connectSignalChanged(
+        [&](const Variables&) { aliveWhenTold = recordedModels().alive; });
+
+    choose({x2});
+
+    EXPECT_EQ(aliveWhenTold, 0);
+}
+
 TEST_F(SurrogateModelManagerPropertiesTest, TellOfTheTypeThenOfTheModelOnce)
 {
     model({y1});

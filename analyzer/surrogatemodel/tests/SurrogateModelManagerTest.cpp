@@ -24,6 +24,30 @@ TEST_F(SurrogateModelManagerTest, StartsAsAResponseSurfaceWithoutVariables)
     EXPECT_EQ(fresh.evaluationPoint()->get(), SurrogateModelUserDistCollection());
 }
 
+TEST_F(SurrogateModelManagerTest, StartsInAProjectWithoutAnything)
+{
+    Project::setProject(boost::make_shared<Project>());
+
+    const SurrogateModelManager fresh(pipeline);
+
+    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
+    EXPECT_EQ(errorOf([&] { fresh.model(std::set<VarPtr>{}); }), notEnoughCases);
+}
+
+TEST_F(SurrogateModelManagerTest, SharesItsInterfaceWithTheClassesThatDeriveFromBoth)
+{
+    class Extended : public SurrogateModelManager, public virtual Interface
+    {
+    public:
+        using SurrogateModelManager::SurrogateModelManager;
+    };
+
+    const Extended extended(pipeline);
+    const SurrogateModelManager& asManager = extended;
+
+    EXPECT_EQ(static_cast<const Interface*>(&extended), static_cast<const Interface*>(&asManager));
+}
+
 TEST_F(SurrogateModelManagerTest, LeavesOneUndoStepForItsTypeWhenConstructed)
 {
     const SurrogateModelManager fresh(pipeline);
