@@ -79,6 +79,7 @@ public:
         progress.add(work);
         ++evaluations;
         const KrigingParameters at = parameters(point);
+        lastNugget = at.nugget;
         return likelihood.evaluate(at.lengths, at.nugget);
     }
 
@@ -94,6 +95,10 @@ public:
         progress.add(2.0 * work);
     }
 
+    /** What the nugget stands for at the point of the last value, which was finite: the output is
+     *  standardised. */
+    double noiseVariance() const { return lastNugget * likelihood.processVariance(); }
+
     std::size_t evaluations = 0;
 
 private:
@@ -102,6 +107,7 @@ private:
     Progress& progress;
     std::size_t inputs;
     double work;
+    double lastNugget = 0.0;
 };
 
 /** Bounds and starts of the variables that are searched for. */
@@ -343,19 +349,26 @@ void Search::finish(KrigingSearch::Result& result)
 /**
  * The likelihood of smooth data does not feel a nugget of, say, a millionth, and the search leaves
  * it where it is. Users expect such data to be met at the cases: where the likelihood is
- * indifferent, the least nugget is taken.
+ * indifferent, the least nugget is taken. A nugget that stands for less than a hundredth of the
+ * output's deviation has to be significant at 1 %; at the end of its range that is half of the
+ * chi-squared distribution. Self, Liang: Asymptotic properties of maximum likelihood estimators and
+ * likelihood ratio tests under nonstandard conditions, J. Am. Stat. Assoc. 82 (1987).
  */
 std::vector<double> Search::preferLeastNugget(LogLikelihood& objective, const BoundedSearch& search,
                                               double& value) const
 {
     constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
+    constexpr double significance = 2.7;
+    constexpr double slightNoise = 1e-4; // its variance
     constexpr std::size_t casesPerLength = 5;
 
     std::vector<double> point = search.point();
     if (!variables.hasNugget || !search.isFeasible() || point.back() <= variables.lower.back()) {
         return point;
     }
-    const double enough = value - std::max(evidence, smallestGain(data->cases));
+    objective.value(point);
+    const double needed = objective.noiseVariance() < slightNoise ? significance : evidence;
+    const double enough = value - std::max(needed, smallestGain(data->cases));
     point.back() = variables.lower.back();
     double withLeast = objective.value(point);
     if (withLeast < enough && data->cases <= casesPerLength * (data->inputs + 1)) {

@@ -237,6 +237,21 @@ TEST(KrigingFit, MeetsAHandfulOfCasesThatCouldAsWellBeNoise)
     EXPECT_NEAR(valueAt(fit, {2.0}), 0.4, 1e-9);
 }
 
+TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
+{
+    // Three of these designs are most likely with a nugget near 1e-6, by less than 2.
+    const auto smooth = [](const std::vector<double>& x) { return 1.0 / (1.0 + x[0] + x[1]); };
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        UniformNumbers numbers(seed);
+        const Columns inputs = {numbers.next(30), numbers.next(30)};
+        const std::vector<double> output = valuesOf(smooth, inputs);
+
+        const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+        EXPECT_LT(fit.metrics.rmse, 1e-6) << "seed " << seed;
+    }
+}
+
 TEST(KrigingFit, LowersTheTrendForFewCases)
 {
     // Six parameters of a quadratic, two lengths and a variance: nine cases.
