@@ -17,7 +17,8 @@ public:
      * @param fraction of the running fit that is done, 0 to 1, never decreasing within a fit.
      * @param message  what the fit is doing, for the user.
      * @return false cancels the fit: it ends with SurrogateModelInterface::Error, and the
-     *         dependent stays unfitted until it is wanted again.
+     *         dependent stays unfitted until it is wanted again. What the report throws ends the
+     *         fit likewise, and passes through.
      */
     using Report = std::function<bool(double fraction, const std::string& message)>;
 

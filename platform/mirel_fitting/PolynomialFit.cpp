@@ -272,7 +272,7 @@ void PolynomialFit::walk(const std::function<std::unique_ptr<OrderedChunks::Work
     const int threads = polynomial.size() < mostTermsPerThread ? threadCount() : 1;
     const auto report = [&](std::size_t chunk) {
         const double done = static_cast<double>(chunk) / static_cast<double>(chunks);
-        FitProgress::report(from + (to - from) * done, "fitting the response surface");
+        FitProgress::report(from + (to - from) * done, "Fitting the response surface");
     };
     // Other threads may take all chunks, and leave this one nothing to report before.
     report(0);

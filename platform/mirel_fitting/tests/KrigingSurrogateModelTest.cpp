@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -316,6 +317,19 @@ TEST(KrigingSurrogateModel, FitsACancelledOutputWhenItIsWantedAgain)
     }
 
     EXPECT_EQ(predictions(model, {{0.3}, {0.4}}, 1), before);
+}
+
+TEST(KrigingSurrogateModel, FitsAnOutputWhoseReportThrewWhenItIsWantedAgain)
+{
+    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+    {
+        FitProgress progress([](double, const std::string&) -> bool {
+            throw std::runtime_error("the window is gone");
+        });
+        EXPECT_THROW(model.activateDependentVariables({0}), std::runtime_error);
+    }
+
+    EXPECT_NO_THROW(model.activateDependentVariables({0}));
 }
 
 TEST(KrigingSurrogateModel, GivesTheSameBitsRunAfterRun)

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <memory>
 #include <type_traits>
 
@@ -15,6 +16,36 @@ namespace {
 using namespace fittingtest;
 
 using Error = SurrogateModelInterface::Error;
+
+/** A language that writes 1.234,5. */
+class OtherNumbers : public std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+using Models = std::vector<std::unique_ptr<SurrogateModelInterface>>;
+
+Models bothModels(Cases cases)
+{
+    Models models;
+    models.push_back(std::make_unique<SurrogateResponseSurfaceModel>(
+        cases.inputPointers(), cases.outputPointers(), cases.count()));
+    models.push_back(std::make_unique<KrigingSurrogateModel>(
+        cases.inputPointers(), cases.outputPointers(), static_cast<int>(cases.count()), 1e-4,
+        std::vector<double>(), 1, 0.5, 0.0, 0));
+    return models;
+}
+
+std::string textsOf(const Models& models)
+{
+    std::string texts;
+    for (const std::unique_ptr<SurrogateModelInterface>& model : models) {
+        texts += model->surfaceCoefficientInformation(0) + model->qualityMetricInformation(0);
+    }
+    return texts;
+}
 
 /** Counts how often it is destroyed. */
 class CountedModel : public virtual SurrogateModelInterface
@@ -87,22 +118,33 @@ TEST(SurrogateModelInterface, IsAVirtualBaseOfBothModels)
     EXPECT_TRUE((std::is_convertible_v<AlsoBoth*, SurrogateModelInterface*>));
 }
 
-TEST(SurrogateModelInterface, LetsBothModelsFitInTheSameProgramAndOutliveTheColumns)
+TEST(SurrogateModelInterface, BothModelsOutliveTheColumns)
 {
-    std::vector<std::unique_ptr<SurrogateModelInterface>> models;
-    Cases kept = twoInputs(40, 0.0);
-    {
-        Cases cases = kept;
-        models.push_back(std::make_unique<SurrogateResponseSurfaceModel>(
-            cases.inputPointers(), cases.outputPointers(), cases.count()));
-        models.push_back(std::make_unique<KrigingSurrogateModel>(
-            cases.inputPointers(), cases.outputPointers(), 40, 1e-4, std::vector<double>(), 1, 0.5,
-            0.0, 0));
-    }
+    const Cases cases = twoInputs(40, 0.0);
+    const Models models = bothModels(cases);
 
     // Outputs range over some twenty. Kriging with lengths far beyond the ranges, as a polynomial
     // wants them, meets six digits of that.
     for (const std::unique_ptr<SurrogateModelInterface>& model : models) {
-        EXPECT_LT(largestDifference(predict(*model, kept.inputs), kept.outputs[0]), 1e-4);
+        EXPECT_LT(largestDifference(predict(*model, cases.inputs), cases.outputs[0]), 1e-4);
     }
+}
+
+TEST(SurrogateModelInterface, TextsOfBothModelsAreTheSameInEveryLocale)
+{
+    Cases cases = twoInputs(1200, 0.0);
+    // Many cases and large numbers, but few points for Kriging.
+    for (std::size_t i = 0; i < cases.count(); ++i) {
+        cases.inputs[0][i] = static_cast<double>(i % 6) * 1000.5;
+        cases.inputs[1][i] = static_cast<double>(i % 5) * 0.5;
+        cases.outputs[0][i] = 1e6 * surface(i % 6, i % 5) + static_cast<double>(i % 7);
+    }
+    const std::string expected = textsOf(bothModels(cases));
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new OtherNumbers));
+
+    const std::string found = textsOf(bothModels(cases));
+    std::locale::global(before);
+
+    EXPECT_EQ(found, expected);
 }
