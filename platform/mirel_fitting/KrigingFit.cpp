@@ -451,6 +451,11 @@ void Fitter::judge(KrigingFit& fit)
                                " beyond the trend: its correlation length is at its upper bound.");
         }
     }
+    if (std::isnan(fit.metrics.looRmse) && fit.metrics.cases > 1) {
+        warnings.push_back(
+            "A case alone determines a term of the trend: there are no leave-one-out "
+            "figures, since leaving it out leaves no such fit.");
+    }
     if (fit.metrics.q2 <= 0.0) {
         warnings.push_back("Left-out cases are predicted no better than by the mean of the "
                            "cases: do not rely on this model.");

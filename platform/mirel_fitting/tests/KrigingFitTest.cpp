@@ -345,6 +345,18 @@ TEST(KrigingFit, SaysWhichInputsHaveNoInfluence)
                            "length is at its upper bound."));
 }
 
+TEST(KrigingFit, SaysWhyThereAreNoLeaveOneOutFigures)
+{
+    // Without the last case nothing determines the slope along V2.
+    const KrigingFit fit =
+        fitOf({{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0}, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 1.0}},
+              {3.0, 1.0, 4.0, 1.0, 5.0, 9.0, 2.0, 6.0}, withTrend(1));
+
+    EXPECT_TRUE(std::isnan(fit.metrics.looRmse));
+    EXPECT_TRUE(warns(fit, "A case alone determines a term of the trend: there are no "
+                           "leave-one-out figures, since leaving it out leaves no such fit."));
+}
+
 TEST(KrigingFit, SaysWhenItIsWorseThanTheMean)
 {
     const Columns inputs = latinHypercube(30, 2, 3);
