@@ -268,19 +268,22 @@ FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
     const auto freedom = static_cast<double>(fit.degreesOfFreedom());
     const double unit = output.scale.unit();
     const bool hasSpread = output.scale.spread() > 0.0;
+    // What the mean leaves is the spread: computed in another way it differs by rounding.
+    const double residualSquares =
+        fit.keptCount() == 1 ? output.totalSquares : output.residualSquares;
 
     FitMetrics metrics;
     metrics.cases = fit.cases();
     metrics.terms = fit.keptCount();
     if (hasSpread) {
-        metrics.r2 = 1.0 - output.residualSquares / output.totalSquares;
+        metrics.r2 = 1.0 - residualSquares / output.totalSquares;
     }
     if (freedom > 0.0) {
-        metrics.rmse = unit * std::sqrt(output.residualSquares / freedom);
+        metrics.rmse = unit * std::sqrt(residualSquares / freedom);
     }
     if (hasSpread && freedom > 0.0) {
         metrics.adjustedR2 =
-            1.0 - output.residualSquares / freedom / (output.totalSquares / (cases - 1.0));
+            1.0 - residualSquares / freedom / (output.totalSquares / (cases - 1.0));
     }
     if (fit.isPressAvailable()) {
         metrics.press = unit * unit * output.press;

@@ -304,6 +304,16 @@ TEST(ResponseSurface, IsTheMeanWithoutInputs)
     EXPECT_TRUE(model.fitWarnings(0).empty());
 }
 
+TEST(ResponseSurface, ExplainsNothingOfTheSpreadByAMean)
+{
+    for (std::size_t count = 2; count < 12; ++count) {
+        Cases cases = twoInputs(count, 1.0);
+        cases.inputs.clear();
+
+        EXPECT_EQ(fit(cases).fitMetrics(0).r2, 0.0) << count;
+    }
+}
+
 TEST(ResponseSurface, RefusesAPolynomialOfTooManyTerms)
 {
     Column column(11476, 0.0);
