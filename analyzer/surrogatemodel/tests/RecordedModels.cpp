@@ -16,6 +16,7 @@ namespace {
 std::vector<std::vector<double>> copies(const std::vector<double*>& columns, std::size_t rowCount)
 {
     std::vector<std::vector<double>> result;
+    result.reserve(columns.size());
     for (const double* column : columns) {
         result.emplace_back(column, column + rowCount);
     }

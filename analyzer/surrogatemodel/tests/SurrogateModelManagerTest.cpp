@@ -416,9 +416,9 @@ TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfAPrune)
 TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfItsOwnSignal)
 {
     Counter later;
-    std::vector<boost::signals2::connection> unused;
-    for (int connection = 0; connection < 4; ++connection) {
-        unused.push_back(manager->connectSignalModelChanged([] {}));
+    std::vector<boost::signals2::connection> unused(4);
+    for (boost::signals2::connection& connection : unused) {
+        connection = manager->connectSignalModelChanged([] {});
     }
     manager->connectSignalModelChanged([&] {
         for (const boost::signals2::connection& connection : unused) {
