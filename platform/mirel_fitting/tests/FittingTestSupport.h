@@ -28,6 +28,7 @@ struct Cases
     static std::vector<double*> pointers(std::vector<Column>& columns)
     {
         std::vector<double*> result;
+        result.reserve(columns.size());
         for (Column& column : columns) {
             result.push_back(column.data());
         }

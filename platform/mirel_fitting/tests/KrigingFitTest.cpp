@@ -15,7 +15,8 @@ double wave(const std::vector<double>& x)
     return std::sin(6.0 * x[0]) + (x.size() > 1 ? x[1] * x[1] : 0.0);
 }
 
-KrigingFit fitOf(Columns inputs, const std::vector<double>& output, KrigingOptions options = {})
+KrigingFit fitOf(Columns inputs, const std::vector<double>& output,
+                 const KrigingOptions& options = {})
 {
     const KrigingCases cases(pointersTo(inputs), output.size());
     return fitKriging(cases, output, options);
@@ -24,6 +25,7 @@ KrigingFit fitOf(Columns inputs, const std::vector<double>& output, KrigingOptio
 double valueAt(const KrigingFit& fit, std::vector<double> point)
 {
     std::vector<double*> columns;
+    columns.reserve(point.size());
     for (double& coordinate : point) {
         columns.push_back(&coordinate);
     }
