@@ -66,6 +66,7 @@ void evaluate(benchmark::State& state, SurrogateModelInterface& model)
     const auto points = static_cast<std::size_t>(state.range(0));
     std::vector<std::vector<double>> columns = uniformColumns(8, points, 2);
     std::vector<double*> inputs;
+    inputs.reserve(columns.size());
     for (std::vector<double>& column : columns) {
         inputs.push_back(column.data());
     }

@@ -205,11 +205,14 @@ TEST(SurrogateModelUserDistCollection, StaysUsableAfterStdMove)
 {
     Collection source = collectionOf("x", Collection::UserDefined, "1");
 
+    // NOLINTBEGIN(performance-move-const-arg, bugprone-use-after-move): that it copies is the
+    // promise
     const Collection target(std::move(source));
 
     EXPECT_TRUE(target == collectionOf("x", Collection::UserDefined, "1"));
     source.setUserDistString("x", "2");
     EXPECT_EQ(source.getUserDistString("x"), "2");
+    // NOLINTEND(performance-move-const-arg, bugprone-use-after-move)
 }
 
 TEST(SurrogateModelUserDistCollection, KeepsFaultyTextsAndOddNamesAsTheyAre)

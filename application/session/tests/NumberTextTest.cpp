@@ -46,6 +46,8 @@ TEST(NumberText, RandomBitPatternsReadBackTheSame)
         const std::string text = numberText(number);
         double back = 0.0;
         std::from_chars(text.data(), text.data() + text.size(), back);
-        ASSERT_EQ(std::memcmp(&number, &back, sizeof number), 0) << text;
+        std::uint64_t backBits = 0;
+        std::memcpy(&backBits, &back, sizeof back);
+        ASSERT_EQ(backBits, bits) << text;
     }
 }

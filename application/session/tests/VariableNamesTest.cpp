@@ -65,9 +65,9 @@ TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
 
 TEST(VariableNames, ALongListOfNamesIsCutShort)
 {
-    std::vector<std::string> many;
-    for (int i = 0; i < 45; ++i) {
-        many.push_back('v' + std::to_string(i));
+    std::vector<std::string> many(45);
+    for (std::size_t i = 0; i < many.size(); ++i) {
+        many[i] = 'v' + std::to_string(i);
     }
 
     const std::string message = VariableNames(many).unknownMessage("w44");

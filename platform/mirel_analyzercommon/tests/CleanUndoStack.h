@@ -23,7 +23,7 @@ public:
     {
         QUndoStack& stack = UndoStack().stack();
         stack.clear();
-        const boost::function<void()> nothing;
+        const boost::function<void()> nothing{};
         // Not recorded while suspended; recorded, but not undoable, within an open macro.
         UndoStack().push(
             std::make_unique<GenericUndoCommand>(nothing, nothing, nullptr, "probe", -1).release());

@@ -200,7 +200,7 @@ TEST_F(GenericUndoCommandTest, DoesNotMergeCommandsWithParts)
 {
     const auto older = command("A", 3);
     const auto newer = command("B", 3);
-    command("part", -1, nullptr, newer.get()).release();
+    (void)command("part", -1, nullptr, newer.get()).release(); // its parent owns it
 
     EXPECT_FALSE(older->mergeWith(newer.get()));
     EXPECT_FALSE(newer->mergeWith(older.get()));
@@ -209,8 +209,8 @@ TEST_F(GenericUndoCommandTest, DoesNotMergeCommandsWithParts)
 TEST_F(GenericUndoCommandTest, RedoesItsPartsAfterItselfAndUndoesThemBefore)
 {
     const auto subject = command("A");
-    command("1", -1, nullptr, subject.get()).release();
-    command("2", -1, nullptr, subject.get()).release();
+    (void)command("1", -1, nullptr, subject.get()).release(); // its parent owns it
+    (void)command("2", -1, nullptr, subject.get()).release(); // its parent owns it
 
     subject->redo();
     subject->undo();

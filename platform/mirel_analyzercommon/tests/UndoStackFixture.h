@@ -9,7 +9,7 @@
 struct UndoStackFixture : testing::Test
 {
     CleanUndoStack cleanUndoStack;
-    const boost::function<void()> nothing;
+    const boost::function<void()> nothing{};
     QUndoStack& stack = UndoStack().stack();
     std::string log;
 

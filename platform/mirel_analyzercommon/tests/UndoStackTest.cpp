@@ -322,8 +322,9 @@ public:
         int done = 0;
         {
             const UndoStack::Macro macro("at exit");
-            UndoStack().push(
-                new GenericUndoCommand([&] { ++done; }, [&] { --done; }, nullptr, "at exit", -1));
+            auto command = std::make_unique<GenericUndoCommand>([&] { ++done; }, [&] { --done; },
+                                                                nullptr, "at exit", -1);
+            UndoStack().push(command.release());
         }
         const bool isRecorded = UndoStack().stack().undoText() == "at exit";
         UndoStack().stack().undo();

@@ -60,7 +60,7 @@ TEST(MaternCorrelation, FillsTheLowerTriangleWithTheProductFormula)
     // 19 cases: whole groups of eight and a rest.
     const Cases data{19, 3};
     const std::vector<double> lengths = {0.2, 1.0, 30.0};
-    std::vector<double> matrix(19 * 19, -1.0);
+    std::vector<double> matrix(std::size_t{19} * 19, -1.0);
 
     data.correlation(lengths).fillLower(matrix.data());
 

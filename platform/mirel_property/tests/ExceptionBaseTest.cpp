@@ -22,7 +22,7 @@ TEST(ExceptionBase, KeepsItsMessageWhenCopiedOrMovedFrom)
 {
     veska::ExceptionBase original("text");
     veska::ExceptionBase copy = original;
-    veska::ExceptionBase moved = std::move(original);
+    veska::ExceptionBase moved = std::move(original); // NOLINT(performance-move-const-arg): tried
 
     EXPECT_STREQ(copy.what(), "text");
     EXPECT_STREQ(moved.what(), "text");
