@@ -108,7 +108,8 @@ std::vector<VarPtr> variablesAt(const Project& project, const std::vector<std::s
 
 /**
  * A sentence of the fitting library with the inputs' names, in quotes, where it has its symbols for
- * them: V1, V2, ... in the order of the inputs.
+ * them: V1, V2, ... in the order of the inputs. Two symbols side by side are a product; names may
+ * hold blanks, so it gets its sign.
  */
 std::string withNames(const std::string& sentence, const std::vector<std::string>& inputs)
 {
@@ -116,6 +117,7 @@ std::string withNames(const std::string& sentence, const std::vector<std::string
         return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
     };
     std::string result;
+    std::size_t productAt = std::string::npos; // where a symbol would be the second of a product
     for (std::size_t i = 0; i < sentence.size();) {
         const bool beginsWord = i == 0 || !isWordCharacter(sentence[i - 1]);
         std::size_t symbol = 0;
@@ -127,8 +129,9 @@ std::string withNames(const std::string& sentence, const std::vector<std::string
         }
         const bool endsWord = end == sentence.size() || !isWordCharacter(sentence[end]);
         if (symbol > 0 && symbol <= inputs.size() && endsWord) {
-            result += '"' + inputs[symbol - 1] + '"';
+            result += (i == productAt ? "* \"" : "\"") + inputs[symbol - 1] + '"';
             i = end;
+            productAt = sentence.compare(end, 1, " ") == 0 ? end + 1 : std::string::npos;
         } else {
             result += sentence[i++];
         }

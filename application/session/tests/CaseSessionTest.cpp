@@ -300,4 +300,5 @@ TEST(CaseSession, WarningsNameTheInputs)
     const std::string all = std::accumulate(warnings.begin(), warnings.end(), std::string());
     EXPECT_NE(all.find("\"fixed V9\""), std::string::npos) << all;
     EXPECT_EQ(all.find("V2"), std::string::npos) << all;
+    EXPECT_NE(all.find("\"x\" * \"fixed V9\""), std::string::npos) << all;
 }
