@@ -81,8 +81,10 @@ private:
 class ColumnBuilder : public CsvSplitter::Sink
 {
 public:
-    ColumnBuilder(CaseTable& result, bool keepsCells)
-        : table(result), keepCells(keepsCells), decimalComma(result.separator != ',')
+    ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
+        : table(result), keepCells(options.keepCells),
+          decimalComma(result.separator != ',' && options.decimalMark != CellValue::Point),
+          needsComma(options.decimalMark == CellValue::Comma)
     {}
 
     void cell(std::string_view text, std::size_t line) override
@@ -138,7 +140,8 @@ public:
         return counts;
     }
 
-    void checkDecimalMarks() const;
+    /** Finds out which mark the numbers have and that they agree. */
+    void takeDecimalMark();
 
 private:
     /** What is remembered of a column while it is read. */
@@ -222,7 +225,8 @@ private:
     CaseTable& table;
     std::vector<State> states;
     bool keepCells;
-    bool decimalComma;
+    bool decimalComma; ///< whether numbers may have one
+    bool needsComma;   ///< whether they must not have a point
     bool hasHeading = false;
     std::size_t cellInRecord = 0;
 };
@@ -251,7 +255,7 @@ void ColumnBuilder::checkHeading(std::size_t line) const
     }
 }
 
-void ColumnBuilder::checkDecimalMarks() const
+void ColumnBuilder::takeDecimalMark()
 {
     // One of "1,234" and "1.234" is a thousand times what the other would be read as: a file that
     // has both is not guessed at.
@@ -263,7 +267,13 @@ void ColumnBuilder::checkDecimalMarks() const
             commaColumn = states[i].firstCommaLine != 0 ? i : commaColumn;
         }
     }
-    if (pointColumn < table.columns.size() && commaColumn < table.columns.size()) {
+    table.hasDecimalComma = commaColumn < table.columns.size();
+    if (needsComma && pointColumn < table.columns.size()) {
+        fail(table.path, states[pointColumn].firstPointLine,
+             "column \"" + table.columns[pointColumn].name +
+                 "\" has a number with a decimal point, where decimal commas were asked for.");
+    }
+    if (pointColumn < table.columns.size() && table.hasDecimalComma) {
         fail(table.path, states[commaColumn].firstCommaLine,
              "column \"" + table.columns[commaColumn].name +
                  "\" has a number with a decimal comma, but column \"" +
@@ -286,7 +296,7 @@ public:
     {
         // Record 0 is the heading.
         if (record > 0 && column < casesWithoutText.size() && record <= casesWithoutText[column] &&
-            CellValue::read(text, table.separator != ',').kind != CellValue::Missing) {
+            CellValue::read(text, false).kind != CellValue::Missing) {
             table.columns[column].texts[record - 1] = text;
         }
         ++column;
@@ -348,9 +358,13 @@ CaseTable CaseFileReader::read(const std::string& path, const Options& options)
     table.separator =
         options.separator ? *options.separator : recogniseSeparator(sample, feeder.isAtEnd());
 
-    ColumnBuilder builder(table, options.keepCells);
+    if (table.separator == ',' && options.decimalMark == CellValue::Comma) {
+        fail(path, 1, "commas separate the cells, so that numbers cannot have decimal commas.");
+    }
+
+    ColumnBuilder builder(table, options);
     readColumns(feeder, builder, table);
-    builder.checkDecimalMarks();
+    builder.takeDecimalMark();
 
     const std::vector<std::size_t> early = builder.casesWithoutText();
     const bool lacksTexts =

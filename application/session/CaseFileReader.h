@@ -1,6 +1,7 @@
 #pragma once
 
 #include <session/CaseTable.h>
+#include <session/CellValue.h>
 
 #include <surrogate_session/Export.h>
 
@@ -27,6 +28,9 @@ public:
     {
         /** Recognised from the first records if absent. */
         std::optional<char> separator;
+        /** Which decimal mark numbers have; either if absent. Where the separator is a comma they
+         *  have points. */
+        std::optional<CellValue::DecimalMark> decimalMark;
         /** Whether the texts of all cells are kept as well. */
         bool keepCells = false;
     };

@@ -42,4 +42,6 @@ struct SURROGATE_SESSION_EXPORT CaseTable
     std::vector<CaseColumn> columns;
     std::size_t cases = 0;
     char separator = ',';
+    /** Whether numbers of the file are written with one; never where the separator is a comma. */
+    bool hasDecimalComma = false;
 };

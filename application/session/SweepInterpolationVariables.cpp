@@ -2,6 +2,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
+
 SweepInterpolationVariables::SweepInterpolationVariables(
     boost::shared_ptr<const SurrogateModelManagerInterface> manager,
     const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions)
@@ -23,7 +25,26 @@ void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t coun
 
 void SweepInterpolationVariables::stayAtEvaluationPoint(const VarPtr& variable)
 {
-    if (sweeps.erase(variable) > 0) {
+    if (chosenSweeps.erase(variable) > 0) {
+        emitChanged();
+    }
+}
+
+const std::map<VarPtr, SweepInterpolationVariables::Sweep>&
+SweepInterpolationVariables::sweeps() const
+{
+    return chosenSweeps;
+}
+
+void SweepInterpolationVariables::setSweeps(const std::map<VarPtr, Sweep>& sweeps)
+{
+    const auto isSame = [](const auto& left, const auto& right) {
+        return left.first == right.first && left.second.count == right.second.count &&
+               left.second.range == right.second.range;
+    };
+    if (!std::equal(sweeps.begin(), sweeps.end(), chosenSweeps.begin(), chosenSweeps.end(),
+                    isSame)) {
+        chosenSweeps = sweeps;
         emitChanged();
     }
 }
@@ -56,8 +77,8 @@ void SweepInterpolationVariables::resume()
 boost::shared_ptr<InterpolationPointsInterface>
 SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
 {
-    const auto found = sweeps.find(variable);
-    if (found == sweeps.end()) {
+    const auto found = chosenSweeps.find(variable);
+    if (found == chosenSweeps.end()) {
         return nullptr;
     }
     const Sweep& sweep = found->second;
@@ -67,13 +88,9 @@ SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
 
 void SweepInterpolationVariables::choose(const VarPtr& variable, const Sweep& sweep)
 {
-    const auto found = sweeps.find(variable);
-    if (found != sweeps.end() && found->second.count == sweep.count &&
-        found->second.range == sweep.range) {
-        return;
-    }
-    sweeps.insert_or_assign(variable, sweep);
-    emitChanged();
+    std::map<VarPtr, Sweep> changed = chosenSweeps;
+    changed.insert_or_assign(variable, sweep);
+    setSweeps(changed);
 }
 
 void SweepInterpolationVariables::emitChanged() const

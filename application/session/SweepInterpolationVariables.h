@@ -22,6 +22,13 @@ class SURROGATE_SESSION_EXPORT SweepInterpolationVariables : public Interpolatio
 public:
     using Range = std::pair<double, double>;
 
+    /** Even values of one variable: how many, and over which range if not the variable's own. */
+    struct Sweep
+    {
+        std::size_t count = 0;
+        std::optional<Range> range;
+    };
+
     /** Nothing is swept and nothing wanted at first; the arguments as for the base class. */
     SweepInterpolationVariables(
         boost::shared_ptr<const SurrogateModelManagerInterface> manager,
@@ -37,6 +44,12 @@ public:
 
     void stayAtEvaluationPoint(const VarPtr& variable);
 
+    /** The swept variables; all others stay at the evaluation point. */
+    const std::map<VarPtr, Sweep>& sweeps() const;
+
+    /** Chooses all at once, with one signal at most. */
+    void setSweeps(const std::map<VarPtr, Sweep>& sweeps);
+
     void setDependentVariables(const std::set<VarPtr>& variables);
     std::set<VarPtr> dependentVariables() const override;
 
@@ -48,16 +61,10 @@ protected:
     interpolationPoints(VarPtr variable) const override;
 
 private:
-    struct Sweep
-    {
-        std::size_t count;
-        std::optional<Range> range;
-    };
-
     void choose(const VarPtr& variable, const Sweep& sweep);
     void emitChanged() const;
 
-    std::map<VarPtr, Sweep> sweeps;
+    std::map<VarPtr, Sweep> chosenSweeps;
     std::set<VarPtr> dependents;
     bool isSuspended = false;
 };

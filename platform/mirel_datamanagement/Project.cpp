@@ -386,6 +386,15 @@ void Project::setRange(const VarPtr& handle, std::pair<double, double> range)
     Changes::report(impl->changes);
 }
 
+void Project::resetRange(const VarPtr& handle)
+{
+    Variable::Impl& variable = impl->present(handle);
+    if (variable.chosenRange) {
+        variable.chosenRange.reset();
+        Changes::report(impl->changes);
+    }
+}
+
 RecordPtr Project::addRecord()
 {
     impl->prepareRecords(1);

@@ -103,6 +103,9 @@ public:
     /** Sets the range in the variable's units: both finite, first <= second. */
     void setRange(const VarPtr& variable, std::pair<double, double> range);
 
+    /** Lets the range follow the values again. */
+    void resetRange(const VarPtr& variable);
+
     /** Adds a record at the end, included, all its cells missing. */
     RecordPtr addRecord();
 

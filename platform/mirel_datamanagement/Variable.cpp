@@ -109,6 +109,11 @@ std::pair<double, double> Variable::range() const
     return *impl->knownRangeOfValues;
 }
 
+std::optional<std::pair<double, double>> Variable::chosenRange() const
+{
+    return impl->chosenRange;
+}
+
 bool Variable::isInProject() const
 {
     return impl->inProject;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -43,6 +44,9 @@ public:
      * of the values.
      */
     std::pair<double, double> range() const;
+
+    /** The range as it was set; none while it follows the values. */
+    std::optional<std::pair<double, double>> chosenRange() const;
 
     /** Whether it is in its project now: not removed, and the project still open. */
     bool isInProject() const;

@@ -294,6 +294,32 @@ TEST_F(CaseFileReaderTest, RefusesDecimalCommasBesideDecimalPoints)
     EXPECT_EQ(read("a;s\n1,5;0.5\n2;x\n").cases, 2u) << "a text column has no decimal marks";
 }
 
+TEST_F(CaseFileReaderTest, TellsWhichDecimalMarkTheNumbersHave)
+{
+    EXPECT_TRUE(read("a;b\n1,5;2\n").hasDecimalComma);
+    EXPECT_FALSE(read("a;b\n1.5;2\n").hasDecimalComma);
+    EXPECT_FALSE(read("a,b\n1,5\n").hasDecimalComma);
+}
+
+TEST_F(CaseFileReaderTest, AGivenDecimalMarkIsTheOnlyOne)
+{
+    CaseFileReader::Options options;
+    options.separator = ';';
+    options.decimalMark = CellValue::Point;
+    EXPECT_FALSE(readWith("a;b\n1,5;2.5\n", options).columns[0].isNumeric);
+
+    options.decimalMark = CellValue::Comma;
+    EXPECT_EQ(readWith("a;b\n1,5;2\n", options).columns[0].numbers, Numbers{1.5});
+    EXPECT_EQ(refusalOf("a;b\n1;2\n2;2.5\n", options),
+              "cases.csv, line 3: column \"b\" has a number with a decimal point, where decimal "
+              "commas were asked for.");
+
+    options.separator = ',';
+    EXPECT_EQ(refusalOf("a,b\n1,2\n", options),
+              "cases.csv, line 1: commas separate the cells, so that numbers cannot have decimal "
+              "commas.");
+}
+
 TEST_F(CaseFileReaderTest, ANumberTooLargeLeavesTheColumnNumeric)
 {
     const CaseTable table = read("x\n1e999\n2\n");

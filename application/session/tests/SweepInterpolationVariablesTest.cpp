@@ -134,6 +134,23 @@ TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsToldOnce)
     EXPECT_EQ(signals, 5);
 }
 
+TEST_F(SweepInterpolationVariablesTest, AllSweepsAreChosenAtOnceWithOneSignal)
+{
+    variables->sweep(a, 3);
+    const auto before = variables->sweeps();
+    signals = 0;
+
+    variables->setSweeps({{b, {2, SweepInterpolationVariables::Range(0.0, 1.0)}}});
+    EXPECT_EQ(signals, 1);
+    EXPECT_FALSE(variables->isVariableEmployed(a));
+    EXPECT_EQ(valuesOf(b), (Numbers{0.0, 1.0}));
+
+    variables->setSweeps(before);
+    variables->setSweeps(before);
+    EXPECT_EQ(signals, 2);
+    EXPECT_EQ(valuesOf(a), (Numbers{0.0, 5.0, 10.0}));
+}
+
 TEST_F(SweepInterpolationVariablesTest, SuspendedItTellsNothingNorLater)
 {
     variables->suspend();

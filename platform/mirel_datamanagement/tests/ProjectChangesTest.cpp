@@ -52,6 +52,7 @@ TEST_F(ProjectChanges, AreAnnouncedOnceEach)
     EXPECT_EQ(changesOf([&] { project.renameVariable(x, "renamed"); }), 1);
     EXPECT_EQ(changesOf([&] { project.setNature(x, Variable::Dependent); }), 1);
     EXPECT_EQ(changesOf([&] { project.setRange(x, {0.0, 1.0}); }), 1);
+    EXPECT_EQ(changesOf([&] { project.resetRange(x); }), 1);
     EXPECT_EQ(changesOf([&] { project.addRecord(); }), 1);
     EXPECT_EQ(changesOf([&] { project.setIncluded(first, false); }), 1);
     EXPECT_EQ(changesOf([&] { project.setValue(first, x, 5.0); }), 1);
@@ -69,6 +70,8 @@ TEST_F(ProjectChanges, AreSilentWhenNothingChanges)
     EXPECT_EQ(changesOf([&] { project.renameVariable(x, "x"); }), 0);
     EXPECT_EQ(changesOf([&] { project.setNature(x, Variable::Independent); }), 0);
     EXPECT_EQ(changesOf([&] { project.setRange(x, {0.0, 1.0}); }), 0);
+    project.resetRange(x);
+    EXPECT_EQ(changesOf([&] { project.resetRange(x); }), 0);
     EXPECT_EQ(changesOf([&] { project.setIncluded(first, true); }), 0);
     EXPECT_EQ(changesOf([&] { project.setValue(first, x, 1.0); }), 0);
     EXPECT_EQ(changesOf([&] { project.setValue(second, x, missing); }), 0);

@@ -314,6 +314,18 @@ TEST_F(ProjectTest, RefusesANatureThatDoesNotExist)
     EXPECT_EQ(project.variables().size(), 3u);
 }
 
+TEST_F(ProjectTest, TellsAChosenRangeUntilItIsReset)
+{
+    EXPECT_EQ(x.lock()->chosenRange(), std::nullopt);
+    project.setRange(x, {-2.0, 2.0});
+    EXPECT_EQ(x.lock()->chosenRange(), std::make_pair(-2.0, 2.0));
+
+    project.resetRange(x);
+
+    EXPECT_EQ(x.lock()->chosenRange(), std::nullopt);
+    EXPECT_EQ(x.lock()->range(), std::make_pair(1.0, 3.0));
+}
+
 TEST_F(ProjectTest, RefusesARangeThatIsReversedOrNotFinite)
 {
     const double infinity = std::numeric_limits<double>::infinity();
@@ -347,6 +359,7 @@ TEST_F(ProjectTest, ThrowsForNullHandles)
     EXPECT_THROW(project.renameVariable(VarPtr(), "z"), HandleError);
     EXPECT_THROW(project.setNature(VarPtr(), Variable::Dependent), HandleError);
     EXPECT_THROW(project.setRange(VarPtr(), {0.0, 1.0}), HandleError);
+    EXPECT_THROW(project.resetRange(VarPtr()), HandleError);
     EXPECT_THROW(project.numericValues(VarPtr()), HandleError);
     EXPECT_THROW(project.textValues(VarPtr()), HandleError);
     EXPECT_THROW(project.setValue(project.record(1), VarPtr(), 0.0), HandleError);
