@@ -1,0 +1,3 @@
+#include <mirel_serialization/SerializerInterface.h>
+
+SerializerInterface::~SerializerInterface() = default;

@@ -1,0 +1,373 @@
+#include <mirel_serialization/Serializer.h>
+
+#include "XmlText.h"
+
+#include <mirel_property/tests/VirtualSlot.h>
+
+#include <boost/make_shared.hpp>
+
+#include <functional>
+#include <stdexcept>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+/** A serializer whose own content is the attribute "value"; counts and reports what it reads. */
+class ValueSerializer : public Serializer
+{
+public:
+    explicit ValueSerializer(const std::string& name, std::string value = "")
+        : Serializer(name), value(std::move(value))
+    {}
+
+    void serializeSelf(QDomElement& element) const override
+    {
+        if (onSelf) {
+            onSelf();
+        }
+        QDomElement own = element.ownerDocument().createElement("Own");
+        own.setAttribute("value", QString::fromStdString(value));
+        element.appendChild(own);
+    }
+
+    void deserializeSelf(QDomElement& element) const override
+    {
+        if (onSelf) {
+            onSelf();
+        }
+        const QDomElement own = element.firstChildElement("Own");
+        readValues.push_back(own.attribute("value").toStdString());
+        if (order != nullptr) {
+            order->push_back(name());
+        }
+    }
+
+    std::string value;
+    std::function<void()> onSelf;
+    mutable std::vector<std::string> readValues;
+    std::vector<std::string>* order = nullptr;
+};
+
+using Values = std::vector<std::string>;
+
+boost::shared_ptr<ValueSerializer> makeValue(const std::string& name, const std::string& value = "")
+{
+    return boost::make_shared<ValueSerializer>(name, value);
+}
+
+/** The text of the std::invalid_argument that `call` ends with; empty if it does not. */
+std::string refusalOf(const std::function<void()>& call)
+{
+    try {
+        call();
+    } catch (const std::invalid_argument& error) {
+        return error.what();
+    }
+    return {};
+}
+
+} // namespace
+
+TEST(Serializer, BearsTheNameOfItsElement)
+{
+    const Serializer serializer("Settings");
+
+    EXPECT_EQ(serializer.name(), "Settings");
+    EXPECT_EQ(written(serializer), "<Settings/>");
+}
+
+TEST(Serializer, RefusesNamesThatAreNoElementNames)
+{
+    for (const char* name : {"", " ", "a b", "1a", "-a", "a<b", "a\"", "Gr\xC3\xB6\xC3\x9F"}) {
+        EXPECT_EQ(refusalOf([name] { const Serializer serializer(name); }),
+                  std::string("A serializer needs the name of an XML element, but got \"") + name +
+                      "\".");
+    }
+    EXPECT_EQ(written(Serializer("_a-b.C9")), "<_a-b.C9/>");
+}
+
+TEST(Serializer, ReturnsAnElementOfTheDocumentThatIsNotInsertedYet)
+{
+    QDomDocument document;
+
+    const QDomElement element = Serializer("Settings").serialize(document);
+
+    EXPECT_EQ(element.tagName(), "Settings");
+    EXPECT_TRUE(element.ownerDocument() == document);
+    EXPECT_TRUE(element.parentNode().isNull());
+    EXPECT_FALSE(document.hasChildNodes());
+}
+
+TEST(Serializer, WritesSubElementsInTheOrderAddedThenItsOwnContent)
+{
+    ValueSerializer serializer("Settings", "own");
+    serializer.addSubElement(boost::make_shared<Serializer>("Second"));
+    serializer.addSubElement(boost::make_shared<Serializer>("First"));
+
+    EXPECT_EQ(written(serializer), "<Settings><Second/><First/><Own value=\"own\"/></Settings>");
+}
+
+TEST(Serializer, ReadsSubElementsInTheOrderAddedThenItsOwnContent)
+{
+    Values order;
+    ValueSerializer serializer("Settings");
+    const auto second = makeValue("Second");
+    const auto first = makeValue("First");
+    serializer.addSubElement(second);
+    serializer.addSubElement(first);
+    for (ValueSerializer* each : {&serializer, second.get(), first.get()}) {
+        each->order = &order;
+    }
+
+    read(serializer, "<Settings><Own/><First/><Second/></Settings>");
+
+    EXPECT_EQ(order, (Values{"Second", "First", "Settings"}));
+}
+
+TEST(Serializer, ReadsTheElementThatBearsItsName)
+{
+    const ValueSerializer serializer("Settings");
+
+    read(serializer, "<Settings><Own value='1'/></Settings>");
+
+    EXPECT_EQ(serializer.readValues, Values{"1"});
+}
+
+TEST(Serializer, FindsItsElementAmongTheDirectChildrenOfAParent)
+{
+    const ValueSerializer serializer("Settings");
+
+    read(serializer, "<Project><Other/><Settings><Own value='1'/></Settings>"
+                     "<Settings><Own value='2'/></Settings></Project>");
+
+    EXPECT_EQ(serializer.readValues, Values{"1"}) << "the first one counts";
+}
+
+TEST(Serializer, DoesNothingWithoutItsElement)
+{
+    const ValueSerializer serializer("Settings");
+    QDomElement null;
+
+    serializer.deserialize(null);
+    read(serializer, "<Project/>");
+    read(serializer, "<Project><settings/><Deeper><Settings/></Deeper></Project>");
+
+    EXPECT_TRUE(serializer.readValues.empty());
+}
+
+TEST(Serializer, TakesTheOutermostOfNestedElementsOfItsName)
+{
+    const ValueSerializer serializer("Settings");
+
+    read(serializer, "<Settings><Settings><Own value='inner'/></Settings></Settings>");
+
+    EXPECT_EQ(serializer.readValues, Values{""});
+}
+
+TEST(Serializer, HandsASubElementTheFirstDirectChildWithItsName)
+{
+    Serializer serializer("Settings");
+    const auto type = makeValue("Type");
+    serializer.addSubElement(type);
+
+    read(serializer, "<Settings><Deeper><Type><Own value='deep'/></Type></Deeper>"
+                     "<Type><Own value='1'/></Type><Type><Own value='2'/></Type></Settings>");
+
+    EXPECT_EQ(type->readValues, Values{"1"});
+}
+
+TEST(Serializer, LeavesASubElementAloneWhoseElementIsMissing)
+{
+    ValueSerializer serializer("Settings");
+    const auto type = makeValue("Type");
+    serializer.addSubElement(type);
+
+    read(serializer, "<Settings><Deeper><Type/></Deeper></Settings>");
+
+    EXPECT_TRUE(type->readValues.empty());
+    EXPECT_EQ(serializer.readValues.size(), 1U) << "the own content is read all the same";
+}
+
+TEST(Serializer, DoesNotTakeItselfForASubElementOfTheSameName)
+{
+    Serializer serializer("Settings");
+    const auto inner = makeValue("Settings");
+    serializer.addSubElement(inner);
+
+    read(serializer, "<Settings><Own value='outer'/></Settings>");
+    EXPECT_TRUE(inner->readValues.empty());
+    read(serializer, "<Settings><Settings><Own value='inner'/></Settings></Settings>");
+
+    EXPECT_EQ(inner->readValues, Values{"inner"});
+}
+
+TEST(Serializer, ReadsButDoesNotWriteDeserializeOnlySubElements)
+{
+    Serializer serializer("Settings");
+    const auto old = makeValue("OldType");
+    serializer.addDeserializeOnlySubElement(old);
+
+    EXPECT_EQ(written(serializer), "<Settings/>");
+    read(serializer, "<Settings><OldType><Own value='1'/></OldType></Settings>");
+
+    EXPECT_EQ(old->readValues, Values{"1"});
+}
+
+TEST(Serializer, ReadsOldAndPresentSubElementsInTheOrderAdded)
+{
+    Values order;
+    Serializer serializer("Settings");
+    const auto old = makeValue("Old");
+    const auto present = makeValue("Present");
+    old->order = &order;
+    present->order = &order;
+    serializer.addDeserializeOnlySubElement(old);
+    serializer.addSubElement(present);
+
+    read(serializer, "<Settings><Present/><Old/></Settings>");
+
+    EXPECT_EQ(order, (Values{"Old", "Present"}));
+}
+
+TEST(Serializer, ReplacesASubElementInItsPlace)
+{
+    Serializer serializer("Settings");
+    const auto replaced = makeValue("First", "old");
+    const auto replacing = makeValue("First", "new");
+    serializer.addSubElement(replaced);
+    serializer.addSubElement(boost::make_shared<Serializer>("Second"));
+
+    serializer.replaceSubElement(replacing);
+
+    EXPECT_EQ(written(serializer),
+              "<Settings><First><Own value=\"new\"/></First><Second/></Settings>");
+    read(serializer, "<Settings><First/></Settings>");
+    EXPECT_TRUE(replaced->readValues.empty());
+    EXPECT_EQ(replacing->readValues.size(), 1U);
+    EXPECT_EQ(replaced.use_count(), 1) << "let go";
+}
+
+TEST(Serializer, KeepsAReplacedSubElementReadOnlyIfItWas)
+{
+    Serializer serializer("Settings");
+    serializer.addDeserializeOnlySubElement(makeValue("Old"));
+
+    serializer.replaceSubElement(makeValue("Old"));
+
+    EXPECT_EQ(written(serializer), "<Settings/>");
+}
+
+TEST(Serializer, RefusesToReplaceWhatItDoesNotHold)
+{
+    Serializer serializer("Settings");
+
+    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(makeValue("Type")); }),
+              "The element \"Settings\" has no sub-element named \"Type\" to replace.");
+    EXPECT_EQ(written(serializer), "<Settings/>");
+}
+
+TEST(Serializer, RefusesASecondSubElementOfTheSameName)
+{
+    Serializer serializer("Settings");
+    serializer.addSubElement(makeValue("Type", "1"));
+    const std::string refusal =
+        "The element \"Settings\" already has a sub-element named \"Type\".";
+
+    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(makeValue("Type", "2")); }), refusal);
+    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(makeValue("Type")); }),
+              refusal);
+    EXPECT_EQ(written(serializer), "<Settings><Type><Own value=\"1\"/></Type></Settings>");
+}
+
+TEST(Serializer, RefusesNullSubElements)
+{
+    Serializer serializer("Settings");
+    const std::string refusal =
+        "A sub-element of \"Settings\" needs a serializer, but got a null pointer.";
+
+    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(nullptr); }), refusal);
+    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(nullptr); }), refusal);
+    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(nullptr); }), refusal);
+    EXPECT_EQ(written(serializer), "<Settings/>");
+}
+
+TEST(Serializer, RefusesToBeASubElementOfItself)
+{
+    const auto serializer = boost::make_shared<Serializer>("Settings");
+
+    EXPECT_EQ(refusalOf([&] { serializer->addSubElement(serializer); }),
+              "The element \"Settings\" cannot be a sub-element of itself.");
+    EXPECT_EQ(serializer.use_count(), 1);
+}
+
+TEST(Serializer, LeavesOutASubElementThatAnswersANullElement)
+{
+    class Silent : public SerializerInterface
+    {
+    public:
+        std::string name() const override { return "Silent"; }
+        QDomElement serialize(QDomDocument&) const override { return {}; }
+        void deserialize(QDomElement&) const override {}
+    };
+    Serializer serializer("Settings");
+    serializer.addSubElement(boost::make_shared<Silent>());
+    serializer.addSubElement(boost::make_shared<Serializer>("Type"));
+
+    EXPECT_EQ(written(serializer), "<Settings><Type/></Settings>");
+}
+
+TEST(Serializer, FinishesARunWithTheSubElementsItStartedWith)
+{
+    Serializer serializer("Settings");
+    const auto first = makeValue("First");
+    serializer.addSubElement(first);
+    serializer.addSubElement(makeValue("Second", "old"));
+    first->onSelf = [&serializer, first = first.get()] {
+        serializer.replaceSubElement(makeValue("Second", "new"));
+        serializer.addSubElement(boost::make_shared<Serializer>("Third"));
+        first->onSelf = nullptr;
+    };
+
+    EXPECT_EQ(written(serializer), "<Settings><First><Own value=\"\"/></First>"
+                                   "<Second><Own value=\"old\"/></Second></Settings>");
+    EXPECT_EQ(written(serializer), "<Settings><First><Own value=\"\"/></First>"
+                                   "<Second><Own value=\"new\"/></Second><Third/></Settings>");
+}
+
+TEST(Serializer, PassesOnWhatASubElementThrowsAndReadsNoFurther)
+{
+    ValueSerializer serializer("Settings");
+    const auto before = makeValue("Before");
+    const auto failing = makeValue("Failing");
+    failing->onSelf = [] { throw std::runtime_error("cannot be read"); };
+    serializer.addSubElement(before);
+    serializer.addSubElement(failing);
+
+    EXPECT_THROW(read(serializer, "<Settings><Before/><Failing/><Own/></Settings>"),
+                 std::runtime_error);
+
+    EXPECT_EQ(before->readValues.size(), 1U);
+    EXPECT_TRUE(serializer.readValues.empty());
+}
+
+TEST(Serializer, SharesOwnershipOfItsSubElements)
+{
+    const auto sub = makeValue("Sub");
+    {
+        Serializer serializer("Settings");
+        serializer.addSubElement(sub);
+        EXPECT_EQ(sub.use_count(), 2);
+    }
+    EXPECT_EQ(sub.use_count(), 1);
+}
+
+TEST(Serializer, KeepsTheOrderOfItsOperations)
+{
+    // The first two that it adds, behind those of the interface.
+    EXPECT_TRUE(isVirtualSlot(&ValueSerializer::serializeSelf, 5));
+    EXPECT_TRUE(isVirtualSlot(&ValueSerializer::deserializeSelf, 6));
+    EXPECT_TRUE((std::is_base_of<SerializerInterface, Serializer>::value));
+    EXPECT_FALSE(std::is_copy_constructible<Serializer>::value);
+    EXPECT_FALSE(std::is_copy_assignable<Serializer>::value);
+}

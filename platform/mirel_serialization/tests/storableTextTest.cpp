@@ -1,0 +1,67 @@
+#include <mirel_serialization/storableText.h>
+
+#include <QDomDocument>
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+std::string stored(const std::string& text)
+{
+    return storableText(text).toStdString();
+}
+
+constexpr char replacement[] = "\xEF\xBF\xBD";
+
+} // namespace
+
+TEST(storableText, KeepsWhatXmlCanCarry)
+{
+    const std::vector<std::string> texts = {
+        "",
+        "0 - 1 : 3",
+        "a\tb\nc\rd",
+        "\"<&>' ]]>",
+        "Gr\xC3\xB6\xC3\x9F"
+        "e",
+        "\xE6\xB8\xA9\xE5\xBA\xA6",
+        "\xF0\x9F\x98\x80",
+        "\x7F",
+        replacement,
+    };
+    for (const std::string& text : texts) {
+        EXPECT_EQ(stored(text), text);
+    }
+}
+
+TEST(storableText, ReplacesCharactersThatXmlCannotCarry)
+{
+    for (const std::string& character :
+         {std::string(1, '\0'), std::string("\x01"), std::string("\x0B"), std::string("\x1F"),
+          std::string("\xEF\xBF\xBE"), std::string("\xEF\xBF\xBF")}) {
+        EXPECT_EQ(stored("1" + character + "2"), std::string("1") + replacement + "2");
+    }
+}
+
+TEST(storableText, ReplacesBytesThatAreNotUtf8)
+{
+    EXPECT_EQ(stored("1\xFF"), std::string("1") + replacement);
+    // Half of a pair of surrogates.
+    EXPECT_EQ(stored("1\xED\xA0\x80").substr(0, 4), std::string("1") + replacement);
+}
+
+TEST(storableText, KeepsTheDocumentReadable)
+{
+    QDomDocument document;
+    QDomElement element = document.createElement("Text");
+    element.setAttribute("Value", storableText("\xEF\xBF\xBE\x01"));
+    document.appendChild(element);
+
+    QDomDocument copy;
+
+    EXPECT_TRUE(copy.setContent(document.toByteArray()));
+    EXPECT_EQ(copy.documentElement().attribute("Value").size(), 2);
+}
