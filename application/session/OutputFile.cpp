@@ -2,9 +2,11 @@
 
 #include "session/SessionErrors.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 #include <fcntl.h>
@@ -28,9 +30,90 @@ std::string linkTarget(const std::string& path)
     const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);
     return error ? path : resolved.string();
 }
+
+std::string folderOf(const std::string& path)
+{
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+/** The name under which the process finds what it has open. */
+std::string descriptorPath(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+/** Some file systems have nothing to flush. */
+bool flushed(int descriptor)
+{
+    return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+/**
+ * Makes a file of a new name beside another one.
+ * @param make tries a name; where that fails because the name is taken, errno is EEXIST.
+ * @return the name; empty if it failed otherwise, with the reason in errno.
+ */
+std::string makeBeside(const std::string& path, const std::function<bool(const std::string&)>& make)
+{
+    // The process number keeps programs that write the same file at the same time apart.
+    for (int attempt = 0;; ++attempt) {
+        std::string name =
+            path + ".part" + std::to_string(getpid()) + '-' + std::to_string(attempt);
+        if (make(name)) {
+            return name;
+        }
+        if (errno != EEXIST) {
+            return std::string();
+        }
+    }
+}
+
+bool copyBytes(int from, int to)
+{
+    std::array<char, bufferSize> block;
+    for (;;) {
+        const ssize_t count = read(from, block.data(), block.size());
+        if (count <= 0) {
+            return count == 0;
+        }
+        for (ssize_t done = 0; done < count;) {
+            const ssize_t written =
+                write(to, block.data() + done, static_cast<std::size_t>(count - done));
+            if (written < 0) {
+                return false;
+            }
+            done += written;
+        }
+    }
+}
+
+/** A new file with the bytes and permissions of another; errno says why there is none. */
+bool copyFile(const std::string& from, const std::string& to)
+{
+    const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status = {};
+    if (source < 0 || fstat(source, &status) != 0) {
+        return false;
+    }
+    const int copy =
+        open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, status.st_mode & 0777);
+    const bool isMade = copy >= 0;
+    const bool isCopied = isMade && copyBytes(source, copy) && flushed(copy);
+    const int error = errno;
+    close(source);
+    if (isMade) {
+        close(copy);
+    }
+    if (isMade && !isCopied) {
+        unlink(to.c_str());
+    }
+    errno = error;
+    return isCopied;
+}
 } // namespace
 
-OutputFile::OutputFile(const std::string& path) : path(path)
+OutputFile::OutputFile(const std::string& path, Backup wanted) : path(path)
 {
     buffer.reserve(bufferSize);
     if (path == "-") {
@@ -46,20 +129,20 @@ OutputFile::OutputFile(const std::string& path) : path(path)
     }
 
     target = linkTarget(path);
+    if (wanted == KeepsBackup) {
+        backup = target + ".bak";
+        if (!isReplaceable(backup)) {
+            throw FileError("The file \"" + path + "\" cannot be written: its backup \"" + backup +
+                            "\" is in the way and no file; move it.");
+        }
+    }
     struct stat old = {};
     const bool replaces = stat(target.c_str(), &old) == 0;
     if (replaces && access(target.c_str(), W_OK) != 0) {
         fail(errno);
     }
-    // The process number keeps programs that write the same file at the same time apart.
-    for (int attempt = 0; descriptor < 0; ++attempt) {
-        temporary = target + ".part" + std::to_string(getpid()) + '-' + std::to_string(attempt);
-        descriptor = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
-        if (descriptor < 0 && errno != EEXIST) {
-            const int error = errno;
-            temporary.clear();
-            fail(error);
-        }
+    if (!openNameless()) {
+        openNamed();
     }
     if (replaces) {
         // A file system without permissions refuses; the file is good without them.
@@ -89,26 +172,117 @@ void OutputFile::write(std::string_view text)
 void OutputFile::commit()
 {
     flush();
-    if (temporary.empty()) {
+    if (target.empty()) {
         return;
     }
-    if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP) {
-        fail(errno);
+    flushToDisk();
+    if (temporary.empty()) {
+        nameTemporary();
     }
     const int closed = close(descriptor);
     descriptor = -1;
-    if (closed != 0 || rename(temporary.c_str(), target.c_str()) != 0) {
+    if (closed != 0) {
+        fail(errno);
+    }
+    keepBackup();
+    if (rename(temporary.c_str(), target.c_str()) != 0) {
         fail(errno);
     }
     temporary.clear();
+    flushFolder();
 }
 
-void OutputFile::check(const std::string& path)
+void OutputFile::check(const std::string& path, Backup backup)
 {
     if (path == "-" || !isReplaceable(path)) {
         return;
     }
-    const OutputFile trial(path);
+    const OutputFile trial(path, backup);
+}
+
+/** Whether there is a temporary file now that can get its name later. */
+bool OutputFile::openNameless()
+{
+    descriptor = open(folderOf(target).c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, newFileMode);
+    if (descriptor >= 0 && access(descriptorPath(descriptor).c_str(), F_OK) != 0) {
+        close(descriptor);
+        descriptor = -1;
+    }
+    return descriptor >= 0;
+}
+
+void OutputFile::openNamed()
+{
+    const auto make = [this](const std::string& name) {
+        descriptor = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
+        return descriptor >= 0;
+    };
+    temporary = makeBeside(target, make);
+    if (temporary.empty()) {
+        fail(errno);
+    }
+}
+
+void OutputFile::nameTemporary()
+{
+    const std::string nameless = descriptorPath(descriptor);
+    const auto make = [&nameless](const std::string& name) {
+        return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    };
+    temporary = makeBeside(target, make);
+    if (temporary.empty()) {
+        fail(errno);
+    }
+}
+
+void OutputFile::flushToDisk() const
+{
+    if (!flushed(descriptor)) {
+        fail(errno);
+    }
+}
+
+/** Gives the old file the backup's name too; it keeps its own until the new file takes it. */
+void OutputFile::keepBackup() const
+{
+    if (backup.empty() || access(target.c_str(), F_OK) != 0) {
+        return;
+    }
+    const auto link = [this](const std::string& name) {
+        return ::link(target.c_str(), name.c_str()) == 0;
+    };
+    const auto copy = [this](const std::string& name) { return copyFile(target, name); };
+    std::string copied = makeBeside(backup, link);
+    if (copied.empty()) {
+        // A file system without hard links.
+        copied = makeBeside(backup, copy);
+    }
+    const bool isKept = !copied.empty() && rename(copied.c_str(), backup.c_str()) == 0;
+    const int error = errno;
+    if (!copied.empty()) {
+        // Renaming does nothing where both names are of one file: after a save that was killed
+        // between the backup and the new file.
+        unlink(copied.c_str());
+    }
+    if (!isKept) {
+        fail(error);
+    }
+}
+
+/** The new name outlives a power cut only once its folder is on the disk. */
+void OutputFile::flushFolder() const
+{
+    const int folder = open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
+        // A folder that may be written to but not listed; the file is there.
+        return;
+    }
+    const bool isFlushed = flushed(folder);
+    const int error = errno;
+    close(folder);
+    if (!isFlushed) {
+        fail(error);
+    }
 }
 
 void OutputFile::flush()

@@ -6,10 +6,14 @@
 #include <string_view>
 
 /**
- * Writes a file whole or not at all: what is written goes to a temporary file beside the target,
- * which takes the target's place at commit(). A link is followed, the permissions of a file that is
- * replaced are kept. What is no regular file (a device, a pipe) and the standard output, "-", are
- * written to directly.
+ * Writes a file whole or not at all: what is written goes to a temporary file in the target's
+ * folder, which takes the target's place at commit() and has no name before, where the file system
+ * can do that: a program that is killed leaves nothing behind. A link is followed, the permissions
+ * of a file that is replaced are kept. What is no regular file (a device, a pipe) and the standard
+ * output, "-", are written to directly.
+ *
+ * A backup, if wanted, is the file that is replaced, beside it as NAME.bak; an older backup goes.
+ * At every moment NAME is either the old file or the new one.
  */
 class SURROGATE_SESSION_EXPORT OutputFile
 {
@@ -18,8 +22,14 @@ public:
     class ReaderGone
     {};
 
+    enum Backup
+    {
+        KeepsNoBackup,
+        KeepsBackup
+    };
+
     /** @throw FileError if the file cannot be made. */
-    explicit OutputFile(const std::string& path);
+    explicit OutputFile(const std::string& path, Backup backup = KeepsNoBackup);
 
     /** Without commit() before, the target stays as it was. */
     ~OutputFile();
@@ -37,15 +47,22 @@ public:
      * Whether a file could be written there now: to be asked before long work.
      * @throw FileError as the constructor would.
      */
-    static void check(const std::string& path);
+    static void check(const std::string& path, Backup backup = KeepsNoBackup);
 
 private:
+    bool openNameless();
+    void openNamed();
     void flush();
+    void flushToDisk() const;
+    void nameTemporary();
+    void keepBackup() const;
+    void flushFolder() const;
     [[noreturn]] void fail(int error) const;
 
     std::string path;
-    std::string target;
-    std::string temporary;
+    std::string target;    ///< empty where it is written to directly
+    std::string temporary; ///< empty as long as it has no name
+    std::string backup;    ///< empty if none is wanted
     std::string buffer;
     int descriptor = -1;
 };
