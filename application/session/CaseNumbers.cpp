@@ -6,6 +6,7 @@
 #include <charconv>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace {
 [[noreturn]] void refuse(std::string_view item)
@@ -35,11 +36,29 @@ std::size_t readNumber(std::string_view text, std::string_view item, std::size_t
     }
     return number;
 }
+
+/** Both ends, counted from 1. */
+using Range = std::pair<std::size_t, std::size_t>;
+
+/** Each number comes once, however often the ranges hold it: what a text can ask for is bounded by
+ *  the number of cases. */
+std::vector<std::size_t> positionsIn(std::vector<Range> ranges)
+{
+    std::sort(ranges.begin(), ranges.end());
+    std::vector<std::size_t> positions;
+    std::size_t next = 1;
+    for (const auto& [first, last] : ranges) {
+        for (next = std::max(next, first); next <= last; ++next) {
+            positions.push_back(next - 1);
+        }
+    }
+    return positions;
+}
 } // namespace
 
 std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t cases)
 {
-    std::vector<std::size_t> chosen;
+    std::vector<Range> ranges;
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         const std::string_view item = trimmed(std::string_view(text).substr(begin, end - begin));
@@ -50,12 +69,8 @@ std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t ca
         if (last < first) {
             refuse(item);
         }
-        for (std::size_t number = first; number <= last; ++number) {
-            chosen.push_back(number - 1);
-        }
+        ranges.emplace_back(first, last);
         begin = end + 1;
     }
-    std::sort(chosen.begin(), chosen.end());
-    chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
-    return chosen;
+    return positionsIn(std::move(ranges));
 }
