@@ -18,3 +18,7 @@ DistributionTextError::~DistributionTextError() = default;
 FileError::FileError(const std::string& message) : ExceptionBase(message) {}
 
 FileError::~FileError() = default;
+
+ProjectDocumentError::ProjectDocumentError(const std::string& message) : ExceptionBase(message) {}
+
+ProjectDocumentError::~ProjectDocumentError() = default;

@@ -42,3 +42,12 @@ public:
     explicit FileError(const std::string& message);
     ~FileError() override;
 };
+
+/** A project document that cannot be understood, or a project that none can hold; the message names
+ *  the document, and line and column where there is one. */
+class SURROGATE_SESSION_EXPORT ProjectDocumentError : public veska::ExceptionBase
+{
+public:
+    explicit ProjectDocumentError(const std::string& message);
+    ~ProjectDocumentError() override;
+};

@@ -1,7 +1,5 @@
 #include "session/Utf8.h"
 
-#include <cstddef>
-
 namespace {
 /** Length of the well-formed sequence at the start of `bytes`, 0 if there is none.
  *  The Unicode Standard, version 15.0, table 3-7. */
@@ -33,14 +31,20 @@ std::size_t sequenceLength(std::string_view bytes)
 }
 } // namespace
 
+std::size_t utf8PrefixLength(std::string_view bytes)
+{
+    std::size_t position = 0;
+    while (position < bytes.size()) {
+        const std::size_t length = sequenceLength(bytes.substr(position));
+        if (length == 0) {
+            break;
+        }
+        position += length;
+    }
+    return position;
+}
+
 bool isUtf8Text(std::string_view bytes)
 {
-    while (!bytes.empty()) {
-        const std::size_t length = sequenceLength(bytes);
-        if (length == 0) {
-            return false;
-        }
-        bytes.remove_prefix(length);
-    }
-    return true;
+    return utf8PrefixLength(bytes) == bytes.size();
 }

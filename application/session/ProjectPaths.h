@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+/**
+ * How a document refers to another file: relative to the document's folder, so that both can be
+ * moved together; absolute where no relative path leads to the same place. A document that is a
+ * link refers from where it leads to.
+ * @param documentPath as the user gives it, like the other path: absolute or from the current
+ *                     folder. Neither file has to be there yet.
+ */
+std::string pathInDocument(const std::string& documentPath, const std::string& path);
+
+/** The way back: a path that is usable from the current folder, as short as it can be. */
+std::string pathFromDocument(const std::string& documentPath, const std::string& path);
