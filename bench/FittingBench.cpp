@@ -89,12 +89,17 @@ BENCHMARK(evaluateResponseSurface)->ArgName("points")->Arg(1000000)->Unit(benchm
 
 void evaluateKriging(benchmark::State& state)
 {
-    const Cases cases(500);
-    KrigingSurrogateModel model(cases.independent, cases.dependent, 500, 0.0001, {}, 1, 0.5, 0.0,
-                                0);
+    const auto rows = static_cast<std::size_t>(state.range(1));
+    const Cases cases(rows);
+    KrigingSurrogateModel model(cases.independent, cases.dependent, static_cast<int>(rows), 0.0001,
+                                {}, 1, 0.5, 0.0, 0);
     model.activateDependentVariables({0});
     evaluate(state, model);
 }
-BENCHMARK(evaluateKriging)->ArgName("points")->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(evaluateKriging)
+    ->ArgNames({"points", "cases"})
+    ->Args({100000, 500})
+    ->Args({1000000, 1000})
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <mirel_fitting/MaternCorrelation.h>
 
+#include <mirel_fitting/MaternKernels.h>
 #include <mirel_fitting/SimdLanes.h>
 
 #include <algorithm>
@@ -85,22 +86,8 @@ SURROGATE_SIMD void derivativeColumn(const double* columns, std::size_t stride, 
     }
 }
 
-/** sums[i] += weight c(point i, case), for eight points at `points`. */
-SURROGATE_SIMD void addCases(const double* points, std::size_t pointStride, std::size_t blockPoints,
-                             const double* columns, std::size_t stride, std::size_t cases,
-                             std::size_t inputs, const double* weights, double* sums)
-{
-    for (std::size_t i = 0; i < blockPoints; i += laneCount) {
-        Lanes total;
-        loadLanes(sums + i, total);
-        for (std::size_t j = 0; j < cases; ++j) {
-            Lanes value;
-            correlateLanes(points + i, pointStride, columns + j, stride, inputs, value);
-            total += weights[j] * value;
-        }
-        storeLanes(total, sums + i);
-    }
-}
+/** How many points at a time: their coordinates stay in the first-level cache. */
+constexpr std::size_t blockPoints = 256;
 
 } // namespace
 
@@ -108,7 +95,8 @@ MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
                                      const double* coordinates)
     : caseCount(cases), inputCount(inputs),
       stride((cases + laneCount - 1) / laneCount * laneCount + laneCount),
-      columns(stride * inputs, 0.0), scaledColumns(columns.size(), 0.0), scales(inputs, 1.0)
+      columns(stride * inputs, 0.0), scaledColumns(columns.size()), scaledRows(cases * inputs),
+      scales(inputs, 1.0), lowest(inputs, 0.0), highest(inputs, 0.0)
 {
     for (std::size_t k = 0; k < inputs; ++k) {
         std::copy(coordinates + k * cases, coordinates + (k + 1) * cases,
@@ -130,9 +118,25 @@ void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 {
     for (std::size_t k = 0; k < inputCount; ++k) {
         scales[k] = rootOfFive / lengths[k];
+    }
+    scaleCases();
+}
+
+void MaternCorrelation::scaleCases()
+{
+    isCapped = false;
+    for (std::size_t k = 0; k < inputCount; ++k) {
+        double* scaled = scaledColumns.data() + k * stride;
         for (std::size_t i = 0; i < stride; ++i) {
-            scaledColumns[k * stride + i] = columns[k * stride + i] * scales[k];
+            scaled[i] = columns[k * stride + i] * scales[k];
         }
+        for (std::size_t i = 0; i < caseCount; ++i) {
+            scaledRows[i * inputCount + k] = scaled[i];
+        }
+        const auto [smallest, largest] = std::minmax_element(scaled, scaled + caseCount);
+        lowest[k] = *smallest - farAway;
+        highest[k] = *largest + farAway;
+        isCapped = isCapped || *largest - *smallest > farAway;
     }
 }
 
@@ -180,25 +184,102 @@ void MaternCorrelation::weightedDerivatives(const double* correlation, const dou
     }
 }
 
+/** result[i * resultStep] = scaled coordinate i, moved to where correlations are 0 if it is so far
+ *  away that its polynomial could overflow. */
+void MaternCorrelation::scale(std::size_t input, const double* coordinates, std::size_t count,
+                              std::size_t resultStep, double* result) const
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        result[i * resultStep] =
+            std::min(std::max(coordinates[i] * scales[input], lowest[input]), highest[input]);
+    }
+}
+
 void MaternCorrelation::addWeightedSums(const std::vector<const double*>& points, std::size_t count,
                                         const double* weights, double* result) const
 {
-    constexpr std::size_t blockPoints = 256;
-    std::vector<double> block(blockPoints * inputCount, 0.0);
-    double sums[blockPoints];
+    const MaternKernels& kernels = MaternKernels::best();
+    const MaternKernels::Cases cases{scaledRows.data(), inputCount, caseCount, isCapped};
+    AlignedBuffer block(blockPoints * inputCount);
+    AlignedBuffer sums(blockPoints);
 
     for (std::size_t first = 0; first < count; first += blockPoints) {
         const std::size_t size = std::min(blockPoints, count - first);
         for (std::size_t k = 0; k < inputCount; ++k) {
+            scale(k, points[k] + first, size, 1, block.data() + k * blockPoints);
+        }
+        std::copy(result + first, result + first + size, sums.data());
+        kernels.addWeightedSums({block.data(), blockPoints, AlignedBuffer::padded(size)}, cases,
+                                weights, sums.data());
+        std::copy(sums.data(), sums.data() + size, result + first);
+    }
+}
+
+void MaternCorrelation::addWeightedGradients(const std::vector<const double*>& points,
+                                             std::size_t count, const double* weights,
+                                             const std::vector<double*>& gradients) const
+{
+    const MaternKernels& kernels = MaternKernels::best();
+    const MaternKernels::Cases cases{scaledRows.data(), inputCount, caseCount, isCapped};
+    AlignedBuffer block(blockPoints * inputCount);
+
+    for (std::size_t first = 0; first < count; first += blockPoints) {
+        const std::size_t size = std::min(blockPoints, count - first);
+        for (std::size_t k = 0; k < inputCount; ++k) {
+            scale(k, points[k] + first, size, 1, block.data() + k * blockPoints);
+        }
+        AlignedBuffer sums(blockPoints * inputCount);
+        kernels.addWeightedGradients({block.data(), blockPoints, AlignedBuffer::padded(size)},
+                                     cases, weights, sums.data(), blockPoints);
+        for (std::size_t k = 0; k < inputCount; ++k) {
             for (std::size_t i = 0; i < size; ++i) {
-                block[k * blockPoints + i] = points[k][first + i] * scales[k];
+                gradients[k][first + i] += sums.data()[k * blockPoints + i] * scales[k];
             }
         }
-        std::copy(result + first, result + first + size, sums);
-        const std::size_t padded = (size + laneCount - 1) / laneCount * laneCount;
-        std::fill(sums + size, sums + padded, 0.0);
-        addCases(block.data(), blockPoints, padded, scaledColumns.data(), stride, caseCount,
-                 inputCount, weights, sums);
-        std::copy(sums, sums + size, result + first);
     }
+}
+
+std::size_t MaternCorrelation::correlationStride() const
+{
+    return AlignedBuffer::padded(caseCount);
+}
+
+// Correlations are symmetric: here the cases fill the registers, and the points come one by one.
+
+void MaternCorrelation::correlate(const std::vector<const double*>& points, std::size_t count,
+                                  double* result) const
+{
+    std::vector<double> rows(count * inputCount);
+    for (std::size_t k = 0; k < inputCount; ++k) {
+        scale(k, points[k], count, inputCount, rows.data() + k);
+    }
+    MaternKernels::best().correlate({scaledColumns.data(), stride, correlationStride()},
+                                    {rows.data(), inputCount, count, isCapped}, result,
+                                    correlationStride());
+}
+
+void MaternCorrelation::correlateInput(std::size_t input, const double* coordinates,
+                                       std::size_t count, double* result) const
+{
+    std::vector<double> scaled(count);
+    scale(input, coordinates, count, 1, scaled.data());
+    MaternKernels::best().correlate(
+        {scaledColumns.data() + input * stride, stride, correlationStride()},
+        {scaled.data(), 1, count, isCapped}, result, correlationStride());
+}
+
+MaternCorrelation MaternCorrelation::restrictedTo(const std::vector<std::size_t>& inputs) const
+{
+    std::vector<double> coordinates;
+    for (const std::size_t k : inputs) {
+        const auto column = columns.begin() + static_cast<std::ptrdiff_t>(k * stride);
+        coordinates.insert(coordinates.end(), column,
+                           column + static_cast<std::ptrdiff_t>(caseCount));
+    }
+    MaternCorrelation result(caseCount, inputs.size(), coordinates.data());
+    for (std::size_t q = 0; q < inputs.size(); ++q) {
+        result.scales[q] = scales[inputs[q]];
+    }
+    result.scaleCases();
+    return result;
 }

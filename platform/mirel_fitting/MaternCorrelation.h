@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/AlignedBuffer.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -37,19 +39,53 @@ public:
     void weightedDerivatives(const double* correlation, const double* inverse, const double* a,
                              double factor, std::vector<double>& result) const;
 
+    // What follows is computed with MaternKernels::best(). Points have finite coordinates.
+
     /**
-     * result[i] += sum over the cases j of weights[j] c(point i, case j).
+     * result[i] += sum over the cases j of weights[j] c(point i, case j). Each point comes out the
+     * same whatever others there are.
      * @param points one array of `count` coordinates per input.
      * @param weights one per case.
      */
     void addWeightedSums(const std::vector<const double*>& points, std::size_t count,
                          const double* weights, double* result) const;
 
+    /**
+     * gradients[k][i] += derivative of that sum at point i by the coordinate of input k.
+     * @param gradients one array of `count` numbers per input.
+     */
+    void addWeightedGradients(const std::vector<const double*>& points, std::size_t count,
+                              const double* weights, const std::vector<double*>& gradients) const;
+
+    /** From one point to the next in what follows: the cases, and room for whole registers. */
+    std::size_t correlationStride() const;
+
+    /** result[i * correlationStride() + j] = c(point i, case j); `result` is aligned like
+     *  AlignedBuffer. */
+    void correlate(const std::vector<const double*>& points, std::size_t count,
+                   double* result) const;
+
+    /** The same for the factor of one input. */
+    void correlateInput(std::size_t input, const double* coordinates, std::size_t count,
+                        double* result) const;
+
+    /** The factors of these inputs alone, with the same lengths. */
+    MaternCorrelation restrictedTo(const std::vector<std::size_t>& inputs) const;
+
 private:
+    void scaleCases();
+    void scale(std::size_t input, const double* coordinates, std::size_t count,
+               std::size_t resultStep, double* result) const;
+
     std::size_t caseCount;
     std::size_t inputCount;
     std::size_t stride; // of a column: room for reading whole lanes behind the last case
     std::vector<double> columns;
-    std::vector<double> scaledColumns; // times sqrt(5) / length
+    AlignedBuffer scaledColumns;    // times sqrt(5) / length
+    std::vector<double> scaledRows; // the same, case by case
     std::vector<double> scales;
+    // How far from the cases scaled coordinates of points still make a difference.
+    std::vector<double> lowest;
+    std::vector<double> highest;
+    bool isCapped = false;
 };

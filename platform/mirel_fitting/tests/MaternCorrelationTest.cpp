@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -160,4 +161,91 @@ TEST(MaternCorrelation, DifferentiatesByTheLogarithmsOfTheLengths)
         // The central difference is good to the square of the step.
         EXPECT_NEAR(derivatives[k], (weightedSum(more) - weightedSum(less)) / (2.0 * step), 1e-7);
     }
+}
+
+TEST(MaternCorrelation, DifferentiatesWeightedSumsByThePoint)
+{
+    const Cases data{37, 2};
+    const Cases points{300, 2};
+    const std::vector<double> lengths = {0.3, 0.7};
+    const std::vector<double> weights = uniformNumbers(37);
+    const MaternCorrelation correlation = data.correlation(lengths);
+    std::vector<double> first(300, 5.0);
+    std::vector<double> second(300, 0.0);
+
+    correlation.addWeightedGradients({points.coordinates.data(), points.coordinates.data() + 300},
+                                     300, weights.data(), {first.data(), second.data()});
+
+    const auto sumAt = [&](std::vector<double> point) {
+        double sum = 0.0;
+        correlation.addWeightedSums({&point[0], &point[1]}, 1, weights.data(), &sum);
+        return sum;
+    };
+    const double step = 1e-5;
+    for (const std::size_t i : {0u, 255u, 256u, 299u}) {
+        const std::vector<double> x = points.at(i);
+        // The central difference is good to the square of the step.
+        EXPECT_NEAR(first[i] - 5.0,
+                    (sumAt({x[0] + step, x[1]}) - sumAt({x[0] - step, x[1]})) / (2.0 * step), 1e-7);
+        EXPECT_NEAR(second[i],
+                    (sumAt({x[0], x[1] + step}) - sumAt({x[0], x[1] - step})) / (2.0 * step), 1e-7);
+    }
+}
+
+TEST(MaternCorrelation, CorrelatesPointsWithAllCases)
+{
+    const Cases data{19, 3};
+    const Cases points{5, 3};
+    const std::vector<double> lengths = {0.2, 1.0, 30.0};
+    const MaternCorrelation correlation = data.correlation(lengths);
+    ASSERT_EQ(correlation.correlationStride(), 24u);
+    AlignedBuffer whole(24 * 5);
+    AlignedBuffer one(24 * 5);
+
+    const double* coordinates = points.coordinates.data();
+    correlation.correlate({coordinates, coordinates + 5, coordinates + 10}, 5, whole.data());
+    correlation.correlateInput(1, coordinates + 5, 5, one.data());
+
+    for (std::size_t i = 0; i < 5; ++i) {
+        for (std::size_t j = 0; j < 19; ++j) {
+            EXPECT_NEAR(whole.data()[i * 24 + j],
+                        static_cast<double>(correlationOf(points.at(i), data.at(j), lengths)),
+                        2e-15);
+            EXPECT_NEAR(one.data()[i * 24 + j],
+                        static_cast<double>(
+                            correlationOf({points.at(i)[1]}, {data.at(j)[1]}, {lengths[1]})),
+                        2e-15);
+        }
+    }
+}
+
+TEST(MaternCorrelation, RestrictsToSomeInputsWithTheirLengths)
+{
+    const Cases data{19, 3};
+    const Cases points{5, 3};
+    const MaternCorrelation correlation = data.correlation({0.2, 1.0, 30.0});
+    const double* coordinates = points.coordinates.data();
+    AlignedBuffer expected(24 * 5);
+    AlignedBuffer found(24 * 5);
+
+    correlation.correlateInput(2, coordinates + 10, 5, expected.data());
+    correlation.restrictedTo({2}).correlate({coordinates + 10}, 5, found.data());
+
+    EXPECT_TRUE(std::equal(found.data(), found.data() + 24 * 5, expected.data()));
+}
+
+TEST(MaternCorrelation, StaysFiniteForPointsFarAwayFromTheCases)
+{
+    const Cases data{9, 2};
+    const MaternCorrelation correlation = data.correlation({0.5, 1e-100});
+    const std::vector<double> weights(9, 1.0);
+    const double far = 1e150;
+    double sum = 0.0;
+    double slope = 0.0;
+
+    correlation.addWeightedSums({&far, &far}, 1, weights.data(), &sum);
+    correlation.addWeightedGradients({&far, &far}, 1, weights.data(), {&slope, &slope});
+
+    EXPECT_NEAR(sum, 0.0, 1e-100);
+    EXPECT_NEAR(slope, 0.0, 1e-100);
 }

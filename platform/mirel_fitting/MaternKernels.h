@@ -1,0 +1,61 @@
+#pragma once
+
+#include <mirel_fitting/InstructionSet.h>
+
+#include <cstddef>
+
+/**
+ * The inner loops of Kriging predictions: product Matern 5/2 correlations between a block of
+ * points, several to a register, and some cases, one after the other. All coordinates are scaled:
+ * by sqrt(5) / length.
+ *
+ * A correlation has a relative error of a few units in the last place (at most 3 + 1.5 per input),
+ * beside what the rounding of the scaled coordinates makes. Of each pair of coordinates at most
+ * `farthest` apart counts: further away the correlation is 0 to every digit.
+ */
+struct MaternKernels
+{
+    /** Arrays of points are aligned to this many doubles, and padded with any finite numbers. */
+    static constexpr std::size_t lanes = 8;
+    static constexpr double farthest = 1000.0;
+
+    struct Points
+    {
+        const double* coordinates; ///< by columns, one per input; aligned
+        std::size_t stride;        ///< from column to column, a multiple of `lanes`
+        std::size_t count;         ///< a multiple of `lanes`
+    };
+    struct Cases
+    {
+        const double* coordinates; ///< case by case
+        std::size_t inputs;
+        std::size_t count;
+        /** Whether a case and a point can be more than 2 * `farthest` apart in an input. */
+        bool isCapped;
+    };
+
+    /** sums[i] += sum over j of weights[j] c(point i, case j). `sums` is aligned. */
+    void (*addWeightedSums)(const Points& points, const Cases& cases, const double* weights,
+                            double* sums);
+
+    /** result[j * stride + i] = c(point i, case j); `result` aligned, stride a multiple of lanes.
+     */
+    void (*correlate)(const Points& points, const Cases& cases, double* result, std::size_t stride);
+
+    /**
+     * gradients[k * stride + i] += sum over j of weights[j] dc(point i, case j) / dx_ik, where x_ik
+     * is the scaled coordinate; `gradients` aligned, stride a multiple of lanes.
+     */
+    void (*addWeightedGradients)(const Points& points, const Cases& cases, const double* weights,
+                                 double* gradients, std::size_t stride);
+
+    /** Those of instructionSet(). */
+    static const MaternKernels& best();
+};
+
+// One per source file, each compiled for its instruction set.
+extern const MaternKernels maternKernelsBaseline;
+#ifdef SURROGATE_X86_KERNELS
+extern const MaternKernels maternKernelsAvx2;
+extern const MaternKernels maternKernelsAvx512;
+#endif

@@ -1,0 +1,24 @@
+#include <mirel_fitting/MaternKernels.h>
+
+#include <immintrin.h>
+
+namespace {
+
+using Vector = double __attribute__((vector_size(32), may_alias));
+using VectorBits = long long __attribute__((vector_size(32), may_alias));
+
+inline Vector multiplyAdd(Vector a, Vector b, Vector c)
+{
+    return _mm256_fmadd_pd(a, b, c);
+}
+
+inline Vector larger(Vector a, Vector b)
+{
+    return _mm256_max_pd(a, b);
+}
+
+} // namespace
+
+#include <mirel_fitting/MaternKernelsTemplate.h>
+
+const MaternKernels maternKernelsAvx2 = {&addWeightedSums, &correlate, &addWeightedGradients};

@@ -1,0 +1,22 @@
+#include <mirel_fitting/MaternKernels.h>
+
+namespace {
+
+using Vector = double __attribute__((vector_size(16), may_alias));
+using VectorBits = long long __attribute__((vector_size(16), may_alias));
+
+inline Vector multiplyAdd(Vector a, Vector b, Vector c)
+{
+    return a * b + c;
+}
+
+inline Vector larger(Vector a, Vector b)
+{
+    return a > b ? a : b;
+}
+
+} // namespace
+
+#include <mirel_fitting/MaternKernelsTemplate.h>
+
+const MaternKernels maternKernelsBaseline = {&addWeightedSums, &correlate, &addWeightedGradients};

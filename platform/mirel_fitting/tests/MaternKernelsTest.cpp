@@ -1,0 +1,258 @@
+#include <mirel_fitting/MaternKernels.h>
+
+#include <mirel_fitting/AlignedBuffer.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+struct Variant
+{
+    const char* name;
+    InstructionSet set;
+};
+
+void PrintTo(const Variant& variant, std::ostream* out)
+{
+    *out << variant.name;
+}
+
+const Variant variants[] = {{"Baseline", InstructionSet::Baseline},
+                            {"Avx2", InstructionSet::Avx2},
+                            {"Avx512", InstructionSet::Avx512}};
+
+/** While it lives, the kernels are those of one instruction set, if the processor has it. */
+class Forced
+{
+public:
+    explicit Forced(InstructionSet set) { setInstructionSetLimit(set); }
+    ~Forced() { setInstructionSetLimit(InstructionSet::Avx512); }
+    Forced(const Forced&) = delete;
+    Forced& operator=(const Forced&) = delete;
+};
+
+/** Points by columns and cases one after the other, scaled coordinates in [0, `reach`). */
+struct Problem
+{
+    Problem(std::size_t pointCount, std::size_t caseCount, std::size_t inputs, double reach)
+        : pointCount(pointCount), inputs(inputs), stride(AlignedBuffer::padded(pointCount)),
+          points(stride * inputs), isCapped(reach > MaternKernels::farthest)
+    {
+        UniformNumbers numbers(5);
+        std::generate(points.data(), points.data() + stride * inputs,
+                      [&] { return reach * numbers.next(); });
+        cases = numbers.next(caseCount * inputs);
+        for (double& x : cases) {
+            x *= reach;
+        }
+        for (std::size_t j = 0; j < caseCount; ++j) {
+            weights.push_back(numbers.next() - 0.5);
+        }
+    }
+
+    MaternKernels::Points pointBlock() const { return {points.data(), stride, stride}; }
+    MaternKernels::Cases caseRows() const
+    {
+        return {cases.data(), inputs, weights.size(), isCapped};
+    }
+
+    std::vector<double> sums() const
+    {
+        AlignedBuffer result(stride);
+        std::fill_n(result.data(), stride, 2.0);
+        MaternKernels::best().addWeightedSums(pointBlock(), caseRows(), weights.data(),
+                                              result.data());
+        return {result.data(), result.data() + pointCount};
+    }
+    std::vector<double> correlations() const
+    {
+        AlignedBuffer result(stride * weights.size());
+        MaternKernels::best().correlate(pointBlock(), caseRows(), result.data(), stride);
+        return {result.data(), result.data() + stride * weights.size()};
+    }
+    std::vector<double> gradients() const
+    {
+        AlignedBuffer result(stride * inputs);
+        MaternKernels::best().addWeightedGradients(pointBlock(), caseRows(), weights.data(),
+                                                   result.data(), stride);
+        return {result.data(), result.data() + stride * inputs};
+    }
+
+    // The definitions, in extended precision.
+
+    long double distance(std::size_t i, std::size_t j, std::size_t k) const
+    {
+        return static_cast<long double>(points.data()[k * stride + i]) - cases[j * inputs + k];
+    }
+    long double correlation(std::size_t i, std::size_t j) const
+    {
+        long double product = 1.0L;
+        for (std::size_t k = 0; k < inputs; ++k) {
+            const long double z = std::fabs(distance(i, j, k));
+            product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
+        }
+        return product;
+    }
+    /** Of the logarithm of the correlation. */
+    long double slope(std::size_t i, std::size_t j, std::size_t k) const
+    {
+        const long double x = distance(i, j, k);
+        const long double z = std::fabs(x);
+        return -x * (1.0L + z) / (3.0L + 3.0L * z + z * z);
+    }
+
+    std::size_t pointCount;
+    std::size_t inputs;
+    std::size_t stride;
+    AlignedBuffer points;
+    std::vector<double> cases;
+    std::vector<double> weights;
+    bool isCapped;
+};
+
+// 71 points: whole groups of every register, and a rest.
+Problem problemOf(std::size_t inputs, double reach)
+{
+    return {71, 23, inputs, reach};
+}
+
+const double epsilon = std::numeric_limits<double>::epsilon();
+
+class MaternKernelsVariants : public testing::TestWithParam<Variant>
+{
+protected:
+    void SetUp() override
+    {
+        if (instructionSet() != GetParam().set) {
+            GTEST_SKIP() << "The processor does not have it.";
+        }
+    }
+
+    Forced forced{GetParam().set};
+};
+
+} // namespace
+
+TEST_P(MaternKernelsVariants, CorrelateWithinAFewUnitsInTheLastPlace)
+{
+    for (const std::size_t inputs : {1u, 3u, 8u, 40u}) {
+        const Problem problem = problemOf(inputs, 2.0);
+        const std::vector<double> found = problem.correlations();
+
+        for (std::size_t j = 0; j < problem.weights.size(); ++j) {
+            for (std::size_t i = 0; i < problem.pointCount; ++i) {
+                const auto expected = static_cast<double>(problem.correlation(i, j));
+                const double units = 3.0 + 1.5 * static_cast<double>(inputs);
+                ASSERT_NEAR(found[j * problem.stride + i], expected, units * epsilon * expected)
+                    << inputs << " inputs, point " << i << ", case " << j;
+            }
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, SumWithinAFewUnitsInTheLastPlaceOfTheTerms)
+{
+    for (const std::size_t inputs : {1u, 3u, 8u, 40u}) {
+        const Problem problem = problemOf(inputs, 2.0);
+        const std::vector<double> found = problem.sums();
+
+        for (std::size_t i = 0; i < problem.pointCount; ++i) {
+            long double expected = 2.0L;
+            long double size = 2.0L;
+            for (std::size_t j = 0; j < problem.weights.size(); ++j) {
+                expected += problem.weights[j] * problem.correlation(i, j);
+                size += std::fabs(problem.weights[j]) * problem.correlation(i, j);
+            }
+            ASSERT_NEAR(found[i], static_cast<double>(expected),
+                        4.0 * epsilon * static_cast<double>(size))
+                << inputs << " inputs, point " << i;
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, DifferentiateTheSums)
+{
+    for (const std::size_t inputs : {1u, 3u, 8u, 40u}) {
+        const Problem problem = problemOf(inputs, 2.0);
+        const std::vector<double> found = problem.gradients();
+
+        for (std::size_t i = 0; i < problem.pointCount; ++i) {
+            std::vector<long double> expected(inputs, 0.0L);
+            for (std::size_t j = 0; j < problem.weights.size(); ++j) {
+                const long double term = problem.weights[j] * problem.correlation(i, j);
+                for (std::size_t k = 0; k < inputs; ++k) {
+                    expected[k] += term * problem.slope(i, j, k);
+                }
+            }
+            for (std::size_t k = 0; k < inputs; ++k) {
+                ASSERT_NEAR(found[k * problem.stride + i], static_cast<double>(expected[k]), 1e-14)
+                    << inputs << " inputs, point " << i << ", input " << k;
+            }
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, StayFiniteWhereCorrelationsAreZeroToEveryDigit)
+{
+    for (const double reach : {500.0, 1e100}) {
+        const Problem problem = problemOf(33, reach);
+
+        for (const double value : problem.correlations()) {
+            ASSERT_GE(value, 0.0) << reach;
+            ASSERT_LT(value, 1e-100) << reach;
+        }
+        for (const double value : problem.sums()) {
+            ASSERT_EQ(value, 2.0) << reach;
+        }
+        for (const double value : problem.gradients()) {
+            ASSERT_NEAR(value, 0.0, 1e-100) << reach;
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, CorrelateACaseWithItselfToExactlyOne)
+{
+    for (const std::size_t inputs : {1u, 5u, 31u, 33u, 70u}) {
+        Problem problem(8, 1, inputs, 2.0);
+        for (std::size_t k = 0; k < inputs; ++k) {
+            problem.cases[k] = problem.points.data()[k * problem.stride + 3];
+        }
+
+        EXPECT_EQ(problem.correlations()[3], 1.0) << inputs;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, MaternKernelsVariants, testing::ValuesIn(variants),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(MaternKernels, GiveTheSameBitsWithAvx2AndAvx512)
+{
+    if (instructionSet() != InstructionSet::Avx512) {
+        GTEST_SKIP() << "The processor does not have it.";
+    }
+    const Problem problem = problemOf(8, 2.0);
+    const std::vector<double> sums = problem.sums();
+    const std::vector<double> correlations = problem.correlations();
+    const std::vector<double> gradients = problem.gradients();
+
+    const Forced forced(InstructionSet::Avx2);
+
+    EXPECT_EQ(problem.sums(), sums);
+    EXPECT_EQ(problem.correlations(), correlations);
+    EXPECT_EQ(problem.gradients(), gradients);
+}
+
+TEST(InstructionSet, IsTheBaselineWhenLimitedToIt)
+{
+    const InstructionSet best = instructionSet();
+    {
+        const Forced forced(InstructionSet::Baseline);
+        EXPECT_EQ(instructionSet(), InstructionSet::Baseline);
+    }
+    EXPECT_EQ(instructionSet(), best);
+}
