@@ -6,12 +6,12 @@ export LC_ALL=C
 
 packages=(
     g++ cmake ninja-build
-    qtbase5-dev          # undo stack, cursor, text handling
+    qtbase5-dev          # undo stack, cursor, text handling, XML
     libvtk9-dev          # tables and the table pipeline
     libboost-dev         # signals, shared pointers, formats
     libeigen3-dev libopenblas-dev liblapacke-dev   # fitting
     libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
-    libgtest-dev libgmock-dev libbenchmark-dev     # tests, benchmarks
+    libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks
 )
 
 missing=()

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include <session/ProjectDocument.h>
 #include <session/SessionErrors.h>
 #include <session/VariableNames.h>
 #include <session/WholeNumber.h>
@@ -10,13 +11,11 @@
 #include <map>
 
 namespace {
-const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
-                                                              {"fit", CommandLine::Fit},
-                                                              {"evaluate", CommandLine::Evaluate},
-                                                              {"predict", CommandLine::Predict},
-                                                              {"equations", CommandLine::Equations},
-                                                              {"check", CommandLine::Check},
-                                                              {"help", CommandLine::Help}};
+const std::map<std::string, CommandLine::Command> commands = {
+    {"summary", CommandLine::Summary},     {"fit", CommandLine::Fit},
+    {"evaluate", CommandLine::Evaluate},   {"predict", CommandLine::Predict},
+    {"equations", CommandLine::Equations}, {"check", CommandLine::Check},
+    {"project", CommandLine::Project},     {"help", CommandLine::Help}};
 
 constexpr int mostThreads = 1024;
 
@@ -26,7 +25,7 @@ CommandLine::Command commandOf(const std::string& word)
     if (found == commands.end()) {
         throw UsageError("There is no command \"" + word +
                          "\". The commands are: summary, fit, evaluate, predict, equations, "
-                         "check; surrogate --help describes them.");
+                         "check, project; surrogate --help describes them.");
     }
     return found->second;
 }
@@ -51,13 +50,22 @@ char separatorOf(const std::string& word)
     return found->second;
 }
 
+CellValue::DecimalMark decimalMarkOf(const std::string& word)
+{
+    if (word != "point" && word != "comma") {
+        throw UsageError("--decimal needs point or comma, not \"" + word + "\".");
+    }
+    return word == "comma" ? CellValue::Comma : CellValue::Point;
+}
+
 /** What the library reads into before it is given its meaning. */
 struct Words
 {
     std::string command;
     std::string subject;
-    std::string model = "response-surface";
+    std::string model;
     std::string separator;
+    std::string decimalMark;
     std::string threads;
     bool wantsHelp = false;
     bool wantsVersion = false;
@@ -80,6 +88,9 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     each("--at", line.values);
     app.add_option("-m,--model", words.model);
     app.add_option("--separator", words.separator);
+    app.add_option("--decimal", words.decimalMark);
+    app.add_option("--cases", line.cases);
+    app.add_option("--save", line.save);
     app.add_option("--points", line.points);
     app.add_option("-o,--output", line.output);
     app.add_option("--threads", words.threads);
@@ -122,7 +133,24 @@ void checkCombination(const CommandLine& line)
     const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
     const bool hasRoles = !line.inputs.empty() || !line.outputs.empty() || !line.excluded.empty();
 
-    require(!line.subject.empty() || isCheck, "The command needs a case file.");
+    const bool isProject = line.command == CommandLine::Project;
+    const bool choosesSomething = !isCheck && !isProject;
+    require(!line.subject.empty() || isCheck,
+            isProject ? "The command project needs a project document."
+                      : "The command needs a case file or a project document.");
+    require(!isProject || (!hasRoles && !line.model),
+            "The command project shows what a document holds; it takes no roles, no cases and no "
+            "model.");
+    require(line.save.empty() || choosesSomething,
+            "--save belongs to the commands that choose something; this one does not.");
+    require(line.save.empty() || ProjectDocument::isProjectFile(line.save),
+            "The name of a project document ends with " + std::string(ProjectDocument::fileEnding) +
+                ", which \"" + line.save + "\" does not.");
+    require(line.save.empty() || line.subject != "-",
+            "A project cannot find cases again that came from the standard input; put them into a "
+            "file.");
+    require(line.cases.empty() || (choosesSomething && line.startsFromProject()),
+            "--cases names the case file of a project document; without one it has no meaning.");
     require(!hasValues || line.command == CommandLine::Evaluate,
             "--sweep, --count and --at belong to the command evaluate.");
     require(line.points.empty() || line.command == CommandLine::Predict,
@@ -130,7 +158,7 @@ void checkCombination(const CommandLine& line)
     require(!line.points.empty() || line.command != CommandLine::Predict,
             "The command predict needs the file with the points: --points FILE.");
     require(!hasRoles || !isCheck, "The command check takes a text, no variables and no cases.");
-    require(line.model == CaseSession::ResponseSurface || line.command != CommandLine::Equations,
+    require(line.model != CaseSession::Kriging || line.command != CommandLine::Equations,
             "Only the response surface has equations: leave out -m kriging.");
     require(line.subject != "-" || line.points != "-",
             "The cases and the points cannot both come from the standard input.");
@@ -164,7 +192,12 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     require(line.command != Check || app.count("SUBJECT") > 0,
             "The command check needs the text to check.");
     line.subject = words.subject;
-    line.model = modelOf(words.model);
+    if (app.count("--model") > 0) {
+        line.model = modelOf(words.model);
+    }
+    if (app.count("--decimal") > 0) {
+        line.decimalMark = decimalMarkOf(words.decimalMark);
+    }
     if (app.count("--separator") > 0) {
         line.separator = separatorOf(words.separator);
     }
@@ -174,4 +207,9 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     }
     checkCombination(line);
     return line;
+}
+
+bool CommandLine::startsFromProject() const
+{
+    return ProjectDocument::isProjectFile(subject);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <session/CaseSession.h>
+#include <session/CellValue.h>
 
 #include <cstddef>
 #include <optional>
@@ -18,17 +19,21 @@ struct CommandLine
         Predict,
         Equations,
         Check,
+        Project,
         Help,
         Version
     };
 
     Command command = Help;
-    std::string subject; ///< the case file, or the text to check
+    std::string subject; ///< the case file, the project document, or the text to check
+    std::string cases;   ///< the case file to take instead of the project's
+    std::string save;    ///< the project document to be written
     std::optional<char> separator;
+    std::optional<CellValue::DecimalMark> decimalMark;
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
     std::vector<std::string> excluded;
-    CaseSession::Model model = CaseSession::ResponseSurface;
+    std::optional<CaseSession::Model> model;
     std::vector<std::string> sweeps;
     std::vector<std::string> counts;
     std::vector<std::string> values;
@@ -40,4 +45,7 @@ struct CommandLine
 
     /** @param arguments without the program's name. @throw UsageError */
     static CommandLine parse(const std::vector<std::string>& arguments);
+
+    /** Whether the subject is a project document: its name ends like one. */
+    bool startsFromProject() const;
 };

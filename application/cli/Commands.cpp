@@ -6,10 +6,13 @@
 
 #include <session/CaseFileReader.h>
 #include <session/CaseNumbers.h>
+#include <session/FileFingerprint.h>
 #include <session/NumberText.h>
 #include <session/OutputFile.h>
 #include <session/OutputTable.h>
 #include <session/PredictionPoints.h>
+#include <session/ProjectDocument.h>
+#include <session/ProjectReport.h>
 #include <session/SessionErrors.h>
 #include <session/SessionReport.h>
 #include <session/VariableNames.h>
@@ -51,75 +54,186 @@ void note(const CommandLine& line, const std::string& text)
     }
 }
 
-/** Faults of the output file are found before the long work, not after it. */
+bool isSameFile(const std::string& left, const std::string& right)
+{
+    std::error_code ignored;
+    return !left.empty() && std::filesystem::is_regular_file(left, ignored) &&
+           std::filesystem::equivalent(left, right, ignored);
+}
+
+/** Faults of the files to be written are found before the long work, not after it. */
 void checkOutput(const CommandLine& line)
 {
-    for (const std::string& input : {line.subject, line.points}) {
-        std::error_code ignored;
-        if (!input.empty() && std::filesystem::is_regular_file(input, ignored) &&
-            std::filesystem::equivalent(input, line.output, ignored)) {
+    for (const std::string& input : {line.subject, line.cases, line.points}) {
+        if (isSameFile(input, line.output)) {
             throw UsageError("The output would replace \"" + input +
                              "\", which is read; name another file.");
         }
     }
+    for (const std::string& input : {line.cases, line.points}) {
+        if (isSameFile(input, line.save)) {
+            throw UsageError("The project would replace \"" + input +
+                             "\", which is read; name another file.");
+        }
+    }
     OutputFile::check(line.output);
+    if (!line.save.empty()) {
+        if (line.save == line.output || isSameFile(line.save, line.output)) {
+            throw UsageError("The output and the project cannot both be \"" + line.save + "\".");
+        }
+        OutputFile::check(line.save);
+    }
 }
 
-/** Options that name cases, as positions; each mention is a list. */
+/** Options that name cases, as positions; each mention is a list, and "none" is an empty one. */
 std::vector<std::size_t> excludedCases(const CommandLine& line, std::size_t cases)
 {
+    if (line.excluded == std::vector<std::string>{"none"}) {
+        return {};
+    }
     std::string text;
     for (const std::string& list : line.excluded) {
         text += (text.empty() ? "" : ",") + list;
     }
-    return line.excluded.empty() ? std::vector<std::size_t>() : readCaseNumbers(text, cases);
+    return readCaseNumbers(text, cases);
 }
 
-void requireRoles(const CommandLine& line, const CaseTable& table, const CaseRoles& roles)
+void requireRoles(const CommandLine& line, const CaseSession& session)
 {
     if (line.command == CommandLine::Summary) {
         return;
     }
-    if (roles.outputs.empty()) {
+    if (session.outputs().empty()) {
         std::string numeric;
-        for (const CaseColumn& column : table.columns) {
-            if (column.isNumeric) {
-                numeric += (numeric.empty() ? "\"" : ", \"") + column.name + '"';
+        for (const VarPtr& variable : session.project().variables()) {
+            if (variable.lock()->isNumeric()) {
+                numeric += (numeric.empty() ? "\"" : ", \"") + nameOf(variable) + '"';
             }
         }
         throw UsageError("The command needs an output: -y NAME. " +
                          (numeric.empty() ? "No column is numeric."
                                           : "The numeric columns are: " + numeric + '.'));
     }
-    if (roles.inputs.empty()) {
-        throw UsageError("No numeric column is left to be an input.");
+    if (session.inputs().empty()) {
+        throw UsageError(line.startsFromProject() ? "The project has no input; name one: -x NAME."
+                                                  : "No numeric column is left to be an input.");
     }
 }
 
-/** The cases with their roles, and how long it took to get there. */
+/** Reads the case file of a project, or the one that is to take its place. */
+CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
+{
+    const ProjectDocument::CaseFile& known = document.caseFile;
+    CaseFileReader::Options options;
+    options.separator = line.separator;
+    options.decimalMark = line.decimalMark;
+    if (!line.cases.empty()) {
+        if (FileFingerprint::of(line.cases) != known.fingerprint) {
+            note(line, "Note: \"" + line.cases +
+                           "\" holds other data than the case file that the project was saved "
+                           "with.\n");
+        }
+        return CaseFileReader::read(line.cases, options);
+    }
+
+    const std::string fault = document.checkCaseFile().sentence;
+    if (!fault.empty()) {
+        throw ProjectDocumentError(fault);
+    }
+    if (!options.separator) {
+        options.separator = known.separator;
+    }
+    if (!options.decimalMark) {
+        options.decimalMark = known.hasDecimalComma ? CellValue::Comma : CellValue::Point;
+    }
+    return CaseFileReader::read(known.path, options);
+}
+
+/** The roles that a document gives; names that the table does not hold are left to load(). */
+CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
+{
+    const std::vector<std::string> names = table.names();
+    const auto positions = [&](const std::vector<std::string>& wanted) {
+        std::vector<std::size_t> found;
+        for (const std::string& name : wanted) {
+            const auto at = std::find(names.begin(), names.end(), name);
+            if (at != names.end()) {
+                found.push_back(static_cast<std::size_t>(at - names.begin()));
+            }
+        }
+        return found;
+    };
+    return {positions(document.modelInputs()), positions(document.outputs)};
+}
+
+/** The choices of a project document, and over them those of the command line. */
+CaseSession openProject(const CommandLine& line)
+{
+    const ProjectDocument document = ProjectDocument::load(line.subject);
+    if (isSameFile(document.caseFile.path, line.output)) {
+        throw UsageError("The output would replace \"" + document.caseFile.path +
+                         "\", the project's case file; name another file.");
+    }
+    CaseTable table = readProjectCases(line, document);
+    const CaseRoles roles =
+        chooseCaseRoles(table, line.inputs, line.outputs, rolesOf(document, table));
+    const std::size_t cases = table.cases;
+
+    CaseSession session(std::move(table));
+    session.load(document);
+    if (!line.inputs.empty() || !line.outputs.empty()) {
+        session.chooseRoles(roles);
+    }
+    if (!line.excluded.empty()) {
+        session.exclude(excludedCases(line, cases));
+    }
+    if (line.model) {
+        session.chooseModel(*line.model);
+    }
+    return session;
+}
+
+CaseSession openCases(const CommandLine& line)
+{
+    if (isSameFile(line.subject, line.save)) {
+        throw UsageError("The project would replace \"" + line.subject +
+                         "\", which is read; name another file.");
+    }
+    CaseFileReader::Options options;
+    options.separator = line.separator;
+    options.decimalMark = line.decimalMark;
+    CaseTable table = CaseFileReader::read(line.subject, options);
+    const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
+    const std::vector<std::size_t> excluded =
+        line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
+    return CaseSession(std::move(table), roles, excluded,
+                       line.model.value_or(CaseSession::ResponseSurface));
+}
+
+/** The cases with what was chosen, and how long it took to get there. */
 struct OpenSession
 {
     explicit OpenSession(const CommandLine& line)
-        : start(std::chrono::steady_clock::now()), session(open(line)),
+        : start(std::chrono::steady_clock::now()),
+          session(line.startsFromProject() ? openProject(line) : openCases(line)),
           readSeconds(
               std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
-    {}
-
-    static CaseSession open(const CommandLine& line)
     {
-        CaseFileReader::Options options;
-        options.separator = line.separator;
-        CaseTable table = CaseFileReader::read(line.subject, options);
-        const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
-        requireRoles(line, table, roles);
-        const std::vector<std::size_t> excluded = excludedCases(line, table.cases);
-        return CaseSession(std::move(table), roles, excluded, line.model);
+        requireRoles(line, session);
     }
 
     std::chrono::steady_clock::time_point start;
     CaseSession session;
     double readSeconds;
 };
+
+/** Keeps what was chosen, once the work with it has gone well. */
+void save(const CommandLine& line, const CaseSession& session)
+{
+    if (!line.save.empty()) {
+        session.document().save(line.save);
+    }
+}
 
 /** Finds the inputs that values are given for. */
 class InputFinder
@@ -203,6 +317,7 @@ void writeTable(const CommandLine& line, const OutputTable& table, CaseSession& 
 void runSummary(const CommandLine& line)
 {
     const OpenSession open(line);
+    save(line, open.session);
     writeText(line.output, line.asJson ? SessionReport::summaryJson(open.session)
                                        : SessionReport::summaryText(open.session));
 }
@@ -214,6 +329,7 @@ void runFit(const CommandLine& line)
         const TerminalProgress progress(line.isQuiet);
         open.session.fit();
     }
+    save(line, open.session);
     writeText(line.output, line.asJson ? SessionReport::fitJson(open.session, open.readSeconds)
                                        : SessionReport::fitText(open.session));
 }
@@ -227,6 +343,7 @@ void runEvaluate(const CommandLine& line)
         const TerminalProgress progress(line.isQuiet);
         values = open.session.evaluate();
     }
+    save(line, open.session);
 
     OutputTable table;
     table.rows = static_cast<std::size_t>(values->GetNumberOfRows());
@@ -242,6 +359,7 @@ void runPredict(const CommandLine& line)
     OpenSession open(line);
     CaseFileReader::Options options;
     options.separator = line.separator;
+    options.decimalMark = line.decimalMark;
     options.keepCells = true;
     const PredictionPoints points(CaseFileReader::read(line.points, options),
                                   namesOf(open.session.inputs()), namesOf(open.session.outputs()));
@@ -250,12 +368,19 @@ void runPredict(const CommandLine& line)
         const TerminalProgress progress(line.isQuiet);
         predictions = open.session.predict(points.inputColumns(), points.count());
     }
+    save(line, open.session);
     writeTable(line, points.withPredictions(predictions), open.session, open.readSeconds);
 }
 
 void runEquations(const CommandLine& line)
 {
     OpenSession open(line);
+    if (open.session.modelType() == CaseSession::Kriging) {
+        throw UsageError("Only the response surface has equations, and the project chooses "
+                         "kriging: add -m response-surface.");
+    }
+    open.session.fit();
+    save(line, open.session);
     const bool isOnlyObject = line.asJson && line.output == "-";
     if (!isOnlyObject) {
         writeText(line.output, open.session.equationText());
@@ -265,6 +390,13 @@ void runEquations(const CommandLine& line)
     } else {
         note(line, SessionReport::notes(open.session));
     }
+}
+
+void runProject(const CommandLine& line)
+{
+    const ProjectDocument document = ProjectDocument::load(line.subject);
+    writeText(line.output,
+              line.asJson ? ProjectReport::json(document) : ProjectReport::text(document));
 }
 
 void runCheck(const CommandLine& line)
@@ -318,6 +450,8 @@ void run(const CommandLine& line)
         return runPredict(line);
     case CommandLine::Equations:
         return runEquations(line);
+    case CommandLine::Project:
+        return runProject(line);
     default:
         return runCheck(line);
     }

@@ -5,6 +5,7 @@ std::string helpText()
     return R"(surrogate: fits surrogate models to tables of cases and evaluates them
 
     surrogate COMMAND CASES.csv [options]
+    surrogate COMMAND PROJECT.surrogate.xml [options]
 
 Commands
   summary     the variables (kind, role, minimum, maximum, missing cells) and the cases
@@ -13,6 +14,7 @@ Commands
   predict     the outputs at the rows of a second table (--points FILE), as that table with a
               column "NAME predicted" for each output; empty where an input is missing
   equations   the response-surface equations, with a legend of their symbols
+  project     what a project document holds, and whether its case file is there
   check TEXT  the values of a distribution text, or what is wrong with it; reads no file
 
 Cases
@@ -20,12 +22,23 @@ Cases
   the standard input. A column is numeric if every filled cell is a number, else text. Missing
   cells are empty, NA, N/A, NaN, null, ? or -.
   --separator S    comma, semicolon or tab, for both files; recognised if absent
+  --decimal M      point or comma, for both files; recognised if absent. Only where semicolons or
+                   tabs separate can numbers have decimal commas
+
+Projects
+  --save FILE.surrogate.xml   keeps what was chosen once the command has succeeded: the case file,
+                   how it is read, roles, excluded cases, model, values. A project that is replaced
+                   stays as FILE.surrogate.xml.bak
+  A command that is given a project document starts from what it holds; options override it, name
+  by name. The case file is looked for where it was, seen from the document, and must not have
+  changed.
+  --cases FILE     the case file to take instead: when it has moved, or on purpose has changed
 
 Roles
   -x NAME          an input; may be repeated, or a list separated by commas. Without it every
                    numeric column that is no output
   -y NAME          an output, likewise
-  --exclude CASES  case numbers, from 1, such as 3,7-9
+  --exclude CASES  case numbers, from 1, such as 3,7-9; none takes all in again
 
   Outputs asked for together are fitted to the cases that are valid for all of them.
 
@@ -48,7 +61,8 @@ Output
   --version, -h, --help
 
 Exit codes
-  0 done    1 the model cannot be fitted or evaluated    2 wrong use    3 bad case data
+  0 done    1 the model cannot be fitted or evaluated    2 wrong use
+  3 bad case data, or a project that cannot be used
   4 bad distribution text    5 a file cannot be read or written
 )";
 }

@@ -43,6 +43,8 @@ int main(int argc, char* argv[])
         return failed(WrongUse, error.what());
     } catch (const CaseDataError& error) {
         return failed(BadCaseData, error.what());
+    } catch (const ProjectDocumentError& error) {
+        return failed(BadCaseData, error.what());
     } catch (const DistributionTextError& error) {
         return failed(BadDistributionText, error.what());
     } catch (const FileError& error) {

@@ -74,3 +74,22 @@ std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t ca
     }
     return positionsIn(std::move(ranges));
 }
+
+std::string caseNumbersText(const std::vector<std::size_t>& positions)
+{
+    std::string text;
+    for (std::size_t i = 0; i < positions.size();) {
+        std::size_t last = i;
+        while (last + 1 < positions.size() && positions[last + 1] == positions[last] + 1) {
+            ++last;
+        }
+        const bool isRange = last - i > 1;
+        last = isRange ? last : i;
+        text += (text.empty() ? "" : ",") + std::to_string(positions[i] + 1);
+        if (isRange) {
+            text += '-' + std::to_string(positions[last] + 1);
+        }
+        i = last + 1;
+    }
+    return text;
+}

@@ -14,3 +14,6 @@
  */
 SURROGATE_SESSION_EXPORT std::vector<std::size_t> readCaseNumbers(const std::string& text,
                                                                   std::size_t cases);
+
+/** Such a text for these positions, ascending: runs of three and more as ranges, "1,2,4-9". */
+SURROGATE_SESSION_EXPORT std::string caseNumbersText(const std::vector<std::size_t>& positions);

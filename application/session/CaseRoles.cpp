@@ -3,6 +3,9 @@
 #include "session/SessionErrors.h"
 #include "session/VariableNames.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 class RoleChooser
 {
@@ -32,6 +35,15 @@ public:
             }
         }
         return remaining;
+    }
+
+    /** Those of `positions` that have no role yet. */
+    std::vector<std::size_t> remaining(const std::vector<std::size_t>& positions) const
+    {
+        std::vector<std::size_t> rest;
+        std::copy_if(positions.begin(), positions.end(), std::back_inserter(rest),
+                     [&](std::size_t position) { return roleOf[position].empty(); });
+        return rest;
     }
 
 private:
@@ -68,6 +80,22 @@ CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>
     roles.inputs = chooser.choose(inputTexts, "input");
     if (inputTexts.empty()) {
         roles.inputs = chooser.remainingNumbers();
+    }
+    return roles;
+}
+
+CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
+                          const std::vector<std::string>& outputTexts, const CaseRoles& present)
+{
+    RoleChooser chooser(table);
+    CaseRoles roles;
+    roles.outputs = chooser.choose(outputTexts, "output");
+    roles.inputs = chooser.choose(inputTexts, "input");
+    if (outputTexts.empty()) {
+        roles.outputs = chooser.remaining(present.outputs);
+    }
+    if (inputTexts.empty()) {
+        roles.inputs = chooser.remaining(present.inputs);
     }
     return roles;
 }

@@ -25,3 +25,9 @@ struct CaseRoles
 SURROGATE_SESSION_EXPORT CaseRoles chooseCaseRoles(const CaseTable& table,
                                                    const std::vector<std::string>& inputTexts,
                                                    const std::vector<std::string>& outputTexts);
+
+/** The same, but where no text is given these roles stay, without what the other texts take. */
+SURROGATE_SESSION_EXPORT CaseRoles chooseCaseRoles(const CaseTable& table,
+                                                   const std::vector<std::string>& inputTexts,
+                                                   const std::vector<std::string>& outputTexts,
+                                                   const CaseRoles& present);

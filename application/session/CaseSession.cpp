@@ -1,7 +1,9 @@
 #include "session/CaseSession.h"
 
+#include "session/FileFingerprint.h"
+#include "session/ProjectDocument.h"
 #include "session/SessionErrors.h"
-#include "session/SweepInterpolationVariables.h"
+#include "session/SessionState.h"
 #include "session/VariableNames.h"
 
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
@@ -12,10 +14,12 @@
 
 #include <property/Property.h>
 
+#include <mirel_analyzercommon/DeleteSignaler.h>
+#include <mirel_analyzercommon/GenericUndoCommand.h>
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
-#include <mirel_datapipeline/ProjectDataPipelineManager.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_signals/SignalConnectionCollection.h>
 
 #include <boost/make_shared.hpp>
 #include <vtkCommand.h>
@@ -53,58 +57,6 @@ public:
     static ErrorTaker* New() { return new ErrorTaker; }
     void Execute(vtkObject*, unsigned long, void*) override {}
 };
-
-/** One per column. */
-std::vector<Variable::Nature> naturesOf(const CaseTable& table, const CaseRoles& roles)
-{
-    std::vector<Variable::Nature> natures(table.columns.size(), Variable::Unassigned);
-    for (const std::size_t input : roles.inputs) {
-        natures[input] = Variable::Independent;
-    }
-    for (const std::size_t output : roles.outputs) {
-        natures[output] = Variable::Dependent;
-    }
-    return natures;
-}
-
-/** The project of a table, whose columns are moved into it. */
-boost::shared_ptr<Project> makeProject(CaseTable& table, const CaseRoles& roles,
-                                       const std::vector<std::size_t>& excluded)
-{
-    const auto project = boost::make_shared<Project>();
-    const Project::ChangeGroup oneChange(*project);
-    const std::vector<Variable::Nature> natures = naturesOf(table, roles);
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        CaseColumn& column = table.columns[i];
-        try {
-            if (column.isNumeric) {
-                project->addNumericVariable(column.name, natures[i], std::move(column.numbers));
-            } else {
-                project->addTextVariable(column.name, natures[i], std::move(column.texts));
-            }
-        } catch (const veska::ExceptionBase& refusal) {
-            throw CaseDataError(table.path + ", line 1: " + refusal.what());
-        }
-    }
-    if (!excluded.empty()) {
-        const auto ids = project->sharedRecordIds();
-        for (const std::size_t position : excluded) {
-            project->setIncluded(project->record((*ids)[position]), false);
-        }
-    }
-    return project;
-}
-
-std::vector<VarPtr> variablesAt(const Project& project, const std::vector<std::size_t>& positions)
-{
-    const std::vector<VarPtr> all = project.variables();
-    std::vector<VarPtr> chosen;
-    chosen.reserve(positions.size());
-    for (const std::size_t position : positions) {
-        chosen.push_back(all[position]);
-    }
-    return chosen;
-}
 
 /**
  * A sentence of the fitting library with the inputs' names, in quotes, where it has its symbols for
@@ -159,78 +111,109 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
 class CaseSession::Impl
 {
 public:
-    Impl(CaseTable& table, const CaseRoles& roles, const std::vector<std::size_t>& excluded,
-         Model type)
-        : model(type), project(makeProject(table, roles, excluded)),
-          inputs(variablesAt(*project, roles.inputs)),
-          outputs(variablesAt(*project, roles.outputs)),
-          counts(countCases(*project, inputs, outputs, excluded))
+    explicit Impl(CaseTable& table)
+        : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
+          state(table)
     {
-        // The library asks for the open project, from the manager's construction on.
-        Project::setProject(project);
-        manager = boost::make_shared<SurrogateModelManager>(
-            boost::make_shared<ProjectDataPipelineManager>(project));
-        manager->type()->set(type == Kriging ? Manager::Kriging : Manager::ResponseSurface);
-        manager->independentVars()->set(inputs);
-        interpolation = boost::make_shared<SweepInterpolationVariables>(manager, userDistributions);
-        interpolation->setDependentVariables(dependents());
+        connections.add(state.project->connectSignalChanged([this] {
+            knownCounts.reset();
+            knownExcluded.reset();
+        }));
+        connections.add(state.manager->independentVars()->connectSignalChanged(
+            [this](const std::vector<VarPtr>&) { takeInputs(); }));
+        connections.add(state.manager->connectSignalModelChanged([this] { fitted = nullptr; }));
+        knownExcluded.emplace();
     }
 
-    std::set<VarPtr> dependents() const { return {outputs.begin(), outputs.end()}; }
+    void takeInputs()
+    {
+        inputs = state.manager->independentVars()->get();
+        knownCounts.reset();
+    }
+
+    const std::vector<std::size_t>& excluded()
+    {
+        if (!knownExcluded) {
+            knownExcluded = state.excluded();
+        }
+        return *knownExcluded;
+    }
+
+    const CaseCounts& counts()
+    {
+        if (!knownCounts) {
+            knownCounts = countCases(*state.project, inputs, state.outputs, excluded());
+        }
+        return *knownCounts;
+    }
+
+    std::set<VarPtr> dependents() const { return {state.outputs.begin(), state.outputs.end()}; }
 
     int offsetOf(const VarPtr& output) const
     {
-        return static_cast<int>(manager->offsetForVariableName(output.lock()->name()));
+        return static_cast<int>(state.manager->offsetForVariableName(output.lock()->name()));
     }
 
     std::set<int> offsets() const
     {
         std::set<int> all;
-        for (const VarPtr& output : outputs) {
+        for (const VarPtr& output : state.outputs) {
             all.insert(offsetOf(output));
         }
         return all;
     }
 
-    Model model;
-    boost::shared_ptr<Project> project;
+    std::string path;
+    char separator;
+    bool hasDecimalComma;
+    SessionState state;
     std::vector<VarPtr> inputs;
-    std::vector<VarPtr> outputs;
-    CaseCounts counts;
-    veska::Property<Collection> userDistributions;
-    boost::shared_ptr<SurrogateModelManager> manager;
-    boost::shared_ptr<SweepInterpolationVariables> interpolation;
+    std::optional<CaseCounts> knownCounts;
+    std::optional<std::vector<std::size_t>> knownExcluded;
+    ProjectDocument loaded;
     SurrogateModelInterface* fitted = nullptr;
     SessionTimes times;
+    DeleteSignaler deleted; ///< ends the undo steps that act on the state
+    SignalConnectionCollection connections;
 };
+
+CaseSession::CaseSession(CaseTable table)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    impl = std::make_unique<Impl>(table);
+}
 
 CaseSession::CaseSession(CaseTable table, const CaseRoles& roles,
                          const std::vector<std::size_t>& excluded, Model model)
+    : CaseSession(std::move(table))
 {
-    const UndoStack::SuspendUndoRecording unrecorded;
-    impl = std::make_unique<Impl>(table, roles, excluded, model);
+    chooseRoles(roles);
+    exclude(excluded);
+    chooseModel(model);
 }
+
+CaseSession::CaseSession(CaseSession&&) noexcept = default;
 
 CaseSession::~CaseSession()
 {
-    if (Project::project() == impl->project) {
+    if (impl != nullptr && Project::project() == impl->state.project) {
         Project::setProject(nullptr);
     }
 }
 
 const Project& CaseSession::project() const
 {
-    return *impl->project;
+    return *impl->state.project;
 }
 
 const SurrogateModelManagerInterface& CaseSession::manager() const
 {
-    return *impl->manager;
+    return *impl->state.manager;
 }
 
 CaseSession::Model CaseSession::modelType() const
 {
-    return impl->model;
+    return impl->state.manager->type()->get() == Manager::Kriging ? Kriging : ResponseSurface;
 }
 
 const std::vector<VarPtr>& CaseSession::inputs() const
@@ -240,12 +223,68 @@ const std::vector<VarPtr>& CaseSession::inputs() const
 
 const std::vector<VarPtr>& CaseSession::outputs() const
 {
-    return impl->outputs;
+    return impl->state.outputs;
 }
 
 const CaseCounts& CaseSession::counts() const
 {
-    return impl->counts;
+    return impl->counts();
+}
+
+void CaseSession::chooseRoles(const CaseRoles& roles)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    // Looking at a million records for what is known takes a noticeable time.
+    const std::vector<std::size_t> excluded = impl->excluded();
+    impl->state.chooseRoles(roles);
+    impl->knownExcluded = excluded;
+}
+
+void CaseSession::exclude(const std::vector<std::size_t>& excluded)
+{
+    if (excluded != impl->excluded()) {
+        impl->state.exclude(excluded);
+        impl->knownExcluded = excluded;
+    }
+}
+
+void CaseSession::chooseModel(Model model)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    impl->state.manager->type()->set(model == Kriging ? Manager::Kriging
+                                                      : Manager::ResponseSurface);
+}
+
+void CaseSession::load(const ProjectDocument& document, Recording recording)
+{
+    const SessionSettings before = impl->state.settings();
+    {
+        const UndoStack::SuspendUndoRecording unrecorded;
+        impl->state.load(document);
+    }
+    impl->loaded = document;
+    impl->knownExcluded = document.excluded;
+    SessionSettings after = impl->state.settings();
+    if (recording == OneUndoStep && !(after == before)) {
+        const auto setter = [&state = impl->state](const SessionSettings& settings) {
+            return [&state, settings] { state.setSettings(settings); };
+        };
+        UndoStack().push(new GenericUndoCommand(setter(after), setter(before), &impl->deleted,
+                                                "Load Project", -1));
+    }
+}
+
+ProjectDocument CaseSession::document() const
+{
+    if (impl->path == "-") {
+        throw UsageError("A project cannot find cases again that came from the standard input; "
+                         "put them into a file.");
+    }
+    ProjectDocument document = impl->loaded;
+    impl->state.save(document);
+    document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->separator,
+                         impl->hasDecimalComma};
+    return document;
 }
 
 void CaseSession::sweep(std::size_t input, const std::string& text)
@@ -255,12 +294,12 @@ void CaseSession::sweep(std::size_t input, const std::string& text)
     valuesOf(text, name);
 
     const UndoStack::SuspendUndoRecording unrecorded;
-    Collection distributions = impl->userDistributions.get();
+    Collection distributions = impl->state.userDistributions->get();
     distributions.setUserDistString(name, text);
     distributions.setMode(name, Collection::UserDefined);
-    impl->userDistributions.set(distributions);
+    impl->state.userDistributions->set(distributions);
     // The typed values take the place of these; any number of them says that it is swept.
-    impl->interpolation->sweep(variable, 2);
+    impl->state.interpolation->sweep(variable, 2);
 }
 
 void CaseSession::sweepEvenly(std::size_t input, std::size_t count)
@@ -271,7 +310,14 @@ void CaseSession::sweepEvenly(std::size_t input, std::size_t count)
                          std::to_string(mostSweptValues) + " values, not " + std::to_string(count) +
                          '.');
     }
-    impl->interpolation->sweep(variable, count);
+    const UndoStack::SuspendUndoRecording unrecorded;
+    const std::string name = variable.lock()->name();
+    Collection distributions = impl->state.userDistributions->get();
+    if (distributions.getMode(name) == Collection::UserDefined) {
+        distributions.setMode(name, Collection::Auto);
+        impl->state.userDistributions->set(distributions);
+    }
+    impl->state.interpolation->sweep(variable, count);
 }
 
 void CaseSession::stayAt(std::size_t input, const std::string& text)
@@ -284,9 +330,10 @@ void CaseSession::stayAt(std::size_t input, const std::string& text)
     }
 
     const UndoStack::SuspendUndoRecording unrecorded;
-    Collection point = impl->manager->evaluationPoint()->get();
+    Collection point = impl->state.manager->evaluationPoint()->get();
     point.setUserDistString(name, text);
-    impl->manager->evaluationPoint()->set(point);
+    impl->state.manager->evaluationPoint()->set(point);
+    impl->state.interpolation->stayAtEvaluationPoint(variable);
 }
 
 SurrogateModelInterface& CaseSession::fit()
@@ -296,17 +343,17 @@ SurrogateModelInterface& CaseSession::fit()
     }
     const Stopwatch watch;
     try {
-        SurrogateModelInterface& model = impl->manager->model(impl->dependents());
+        SurrogateModelInterface& model = impl->state.manager->model(impl->dependents());
         model.activateDependentVariables(impl->offsets());
         impl->fitted = &model;
     } catch (const SurrogateModelInterface::Error& error) {
-        if (impl->counts.valid > 0) {
+        if (impl->counts().valid > 0) {
             throw;
         }
         throw SurrogateModelInterface::Error(
-            std::string(error.what()) + " Cases: " + std::to_string(impl->counts.read) + " read, " +
-            std::to_string(impl->counts.excluded) + " excluded, " +
-            std::to_string(impl->counts.invalid) + " with missing or infinite values.");
+            std::string(error.what()) + " Cases: " + std::to_string(impl->counts().read) +
+            " read, " + std::to_string(impl->counts().excluded) + " excluded, " +
+            std::to_string(impl->counts().invalid) + " with missing or infinite values.");
     }
     impl->times.fit = watch.seconds();
     return *impl->fitted;
@@ -320,8 +367,8 @@ std::vector<OutputFit> CaseSession::fits()
 
     const std::vector<std::string> inputNames = namesOf(impl->inputs);
     std::vector<OutputFit> results;
-    results.reserve(impl->outputs.size());
-    for (const VarPtr& output : impl->outputs) {
+    results.reserve(impl->state.outputs.size());
+    for (const VarPtr& output : impl->state.outputs) {
         const int offset = impl->offsetOf(output);
         OutputFit result;
         result.name = output.lock()->name();
@@ -342,7 +389,8 @@ std::vector<OutputFit> CaseSession::fits()
 vtkSmartPointer<vtkTable> CaseSession::evaluate()
 {
     fit();
-    const auto filter = SurrogateModelQueryToTable::New(impl->manager, impl->interpolation);
+    const auto filter =
+        SurrogateModelQueryToTable::New(impl->state.manager, impl->state.interpolation);
     const auto errorTaker = vtkSmartPointer<ErrorTaker>::Take(ErrorTaker::New());
     filter->AddObserver("ErrorEvent", errorTaker);
 
@@ -356,7 +404,7 @@ vtkSmartPointer<vtkTable> CaseSession::evaluate()
 
     // The filter has the outputs in the order of their creation.
     const auto result = vtkSmartPointer<vtkTable>::New();
-    for (const auto* variables : {&impl->inputs, &impl->outputs}) {
+    for (const auto* variables : {&impl->inputs, &impl->state.outputs}) {
         for (const VarPtr& variable : *variables) {
             result->AddColumn(
                 filter->GetOutput()->GetColumnByName(variable.lock()->name().c_str()));
@@ -377,10 +425,11 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
         inputs.push_back(const_cast<double*>(column));
     }
 
-    std::vector<std::vector<double>> results(impl->outputs.size(), std::vector<double>(count));
+    std::vector<std::vector<double>> results(impl->state.outputs.size(),
+                                             std::vector<double>(count));
     std::map<int, double*> byOffset;
     for (std::size_t i = 0; i < results.size(); ++i) {
-        byOffset[impl->offsetOf(impl->outputs[i])] = results[i].data();
+        byOffset[impl->offsetOf(impl->state.outputs[i])] = results[i].data();
     }
     std::vector<double*> outputs;
     outputs.reserve(byOffset.size());
@@ -397,7 +446,7 @@ std::string CaseSession::equationText()
     fit();
     std::ostringstream text;
     const std::set<VarPtr> dependents = impl->dependents();
-    SurfaceCoefficientExporter(*impl->manager, dependents, text).exportData();
+    SurfaceCoefficientExporter(*impl->state.manager, dependents, text).exportData();
     return text.str();
 }
 
@@ -405,8 +454,8 @@ std::vector<std::string> CaseSession::equations()
 {
     const SurrogateModelInterface& model = fit();
     std::vector<std::string> texts;
-    texts.reserve(impl->outputs.size());
-    for (const VarPtr& output : impl->outputs) {
+    texts.reserve(impl->state.outputs.size());
+    for (const VarPtr& output : impl->state.outputs) {
         texts.push_back(model.surfaceCoefficientInformation(impl->offsetOf(output)));
     }
     return texts;

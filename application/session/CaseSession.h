@@ -20,6 +20,7 @@
 #include <vector>
 
 class Project;
+class ProjectDocument;
 class SurrogateModelInterface;
 class SurrogateModelManagerInterface;
 class vtkTable;
@@ -45,8 +46,8 @@ struct SessionTimes
  * the values at which it is evaluated. All outputs are fitted together, from the cases that are
  * valid for all of them.
  *
- * Nothing that it does is recorded for undoing. Inputs and outputs are addressed by their position
- * in the roles. One lives at a time, since its project is the open one.
+ * Nothing that it does is recorded for undoing, but load() where asked. Inputs and outputs are
+ * addressed by their position in the roles. One lives at a time, since its project is the open one.
  */
 class SURROGATE_SESSION_EXPORT CaseSession
 {
@@ -60,13 +61,25 @@ public:
     /** More values of one input than these would not fit a table that anybody can use. */
     static constexpr std::size_t mostSweptValues = 100000000;
 
+    enum Recording
+    {
+        NoUndoStep,
+        OneUndoStep
+    };
+
     /**
-     * @param table    moved in: the columns are not copied.
-     * @param excluded positions of cases, from 0, ascending.
+     * The cases without roles, all included, for Kriging.
+     * @param table moved in: the columns are not copied.
      * @throw CaseDataError for a name that a project cannot carry.
      */
+    explicit CaseSession(CaseTable table);
+
+    /** The same with choices made. @param excluded positions of cases, from 0, ascending. */
     CaseSession(CaseTable table, const CaseRoles& roles, const std::vector<std::size_t>& excluded,
                 Model model);
+
+    /** What is moved from can only be destroyed. */
+    CaseSession(CaseSession&&) noexcept;
 
     /** Closes the project. */
     ~CaseSession();
@@ -79,7 +92,31 @@ public:
     const std::vector<VarPtr>& inputs() const;
     const std::vector<VarPtr>& outputs() const;
 
+    /** Valid until the cases, their roles or the chosen inputs change. */
     const CaseCounts& counts() const;
+
+    /** The columns at these positions become inputs and outputs, all others neither. */
+    void chooseRoles(const CaseRoles& roles);
+
+    /** Takes these cases out, by their positions from 0, ascending, and all others in. */
+    void exclude(const std::vector<std::size_t>& excluded);
+
+    void chooseModel(Model model);
+
+    /**
+     * Takes the choices of a document instead of those made so far, all or none: after a failure
+     * everything is as before. A distribution text that cannot be read is told as the library
+     * does it, and left out.
+     * @throw ProjectDocumentError if the document does not fit the cases.
+     */
+    void load(const ProjectDocument& document, Recording recording = NoUndoStep);
+
+    /**
+     * The choices as a document, with what the document loaded last holds beyond them.
+     * @throw FileError if the case file cannot be read any more; UsageError if the cases came from
+     *        the standard input.
+     */
+    ProjectDocument document() const;
 
     /** Sweeps an input over the values of a distribution text. @throw DistributionTextError */
     void sweep(std::size_t input, const std::string& text);

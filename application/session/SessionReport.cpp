@@ -1,6 +1,7 @@
 #include "session/SessionReport.h"
 
 #include "session/NumberText.h"
+#include "session/TextTable.h"
 #include "session/VariableNames.h"
 
 #include <mirel_datamanagement/Project.h>
@@ -37,48 +38,6 @@ std::string shown(double number)
                                        std::chars_format::general, shownDigits);
     return std::string(buffer.data(), written.ptr);
 }
-
-/** Columns as wide as their widest cell; numbers to the right, which the caller says. */
-class TextTable
-{
-public:
-    explicit TextTable(std::vector<bool> alignsRight) : right(std::move(alignsRight)) {}
-
-    void add(std::vector<std::string> cells) { rows.push_back(std::move(cells)); }
-
-    std::string text(const std::string& indent) const
-    {
-        std::vector<std::size_t> widths(right.size());
-        for (const std::vector<std::string>& row : rows) {
-            for (std::size_t i = 0; i < row.size(); ++i) {
-                widths[i] = std::max(widths[i], characters(row[i]));
-            }
-        }
-        std::string text;
-        for (const std::vector<std::string>& row : rows) {
-            std::string line = indent;
-            for (std::size_t i = 0; i < row.size(); ++i) {
-                const std::string padding(widths[i] - characters(row[i]), ' ');
-                line += (i == 0 ? "" : "  ") + (right[i] ? padding + row[i] : row[i] + padding);
-            }
-            line.erase(line.find_last_not_of(' ') + 1);
-            text += line + '\n';
-        }
-        return text;
-    }
-
-private:
-    /** Counts characters, not bytes: in UTF-8 those that continue one begin with the bits 10. */
-    static std::size_t characters(const std::string& text)
-    {
-        return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-            return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-        }));
-    }
-
-    std::vector<bool> right;
-    std::vector<std::vector<std::string>> rows;
-};
 
 std::string joined(const std::vector<std::string>& texts)
 {

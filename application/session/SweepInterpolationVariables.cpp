@@ -2,8 +2,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
-
 SweepInterpolationVariables::SweepInterpolationVariables(
     boost::shared_ptr<const SurrogateModelManagerInterface> manager,
     const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions)
@@ -38,12 +36,7 @@ SweepInterpolationVariables::sweeps() const
 
 void SweepInterpolationVariables::setSweeps(const std::map<VarPtr, Sweep>& sweeps)
 {
-    const auto isSame = [](const auto& left, const auto& right) {
-        return left.first == right.first && left.second.count == right.second.count &&
-               left.second.range == right.second.range;
-    };
-    if (!std::equal(sweeps.begin(), sweeps.end(), chosenSweeps.begin(), chosenSweeps.end(),
-                    isSame)) {
+    if (sweeps != chosenSweeps) {
         chosenSweeps = sweeps;
         emitChanged();
     }

@@ -27,6 +27,11 @@ public:
     {
         std::size_t count = 0;
         std::optional<Range> range;
+
+        bool operator==(const Sweep& other) const
+        {
+            return count == other.count && range == other.range;
+        }
     };
 
     /** Nothing is swept and nothing wanted at first; the arguments as for the base class. */

@@ -48,3 +48,12 @@ TEST(CaseNumbers, RefusesCasesThatDoNotExist)
               "There is no case 99999999999999999999 to exclude: the cases are 1 to 10.");
     EXPECT_EQ(refusalOf("1", 0), "There is no case 1 to exclude: the cases are none.");
 }
+
+TEST(CaseNumbers, AreWrittenAsTheyAreRead)
+{
+    const std::vector<std::size_t> positions = {0, 1, 3, 4, 5, 6, 8};
+
+    EXPECT_EQ(caseNumbersText(positions), "1,2,4-7,9");
+    EXPECT_EQ(readCaseNumbers(caseNumbersText(positions), 9), positions);
+    EXPECT_EQ(caseNumbersText({}), "");
+}

@@ -95,3 +95,17 @@ TEST(CaseRoles, AnUnknownNameIsRefused)
               "There is no variable \"sit\"; the nearest name is \"site\". The variables are: "
               "\"a\", \"site\", \"b\", \"c\".");
 }
+
+TEST(CaseRoles, ThoseThatArePresentStayWhereNoNameIsGiven)
+{
+    const CaseTable table = tableOf({"a", "b", "c", "d"});
+    const CaseRoles present = {{2, 0}, {1}};
+
+    const CaseRoles otherOutput = chooseCaseRoles(table, {}, {"c"}, present);
+    EXPECT_EQ(otherOutput.inputs, (Positions{0}));
+    EXPECT_EQ(otherOutput.outputs, (Positions{2}));
+
+    const CaseRoles otherInputs = chooseCaseRoles(table, {"d", "b"}, {}, present);
+    EXPECT_EQ(otherInputs.inputs, (Positions{3, 1}));
+    EXPECT_TRUE(otherInputs.outputs.empty());
+}

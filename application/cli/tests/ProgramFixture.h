@@ -1,0 +1,72 @@
+#pragma once
+
+#include "../../session/tests/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+
+/** What one run of the program came to. */
+struct Outcome
+{
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+/** NIST/SEMATECH e-Handbook of Statistical Methods, 5.4.7.3 (Czitrom and Spagon 1997). */
+inline const std::string cvd =
+    "Pressure,H2/WF6,Uniformity,Stress\n80,6,4.6,8.04\n42,6,6.2,7.78\n"
+    "68.87,3.17,3.4,7.58\n15.13,8.83,6.9,7.27\n4,6,7.3,6.49\n42,6,6.4,7.69\n"
+    "15.13,3.17,8.6,6.66\n42,2,6.3,7.16\n68.87,8.83,5.1,8.33\n"
+    "42,10,5.4,8.19\n42,6,5.0,7.9\n";
+
+/** y = 1 + 2 x - z, exactly. */
+inline const std::string plane = "x,z,y\n0,0,1\n1,0,3\n0,1,0\n2,1,4\n1,2,1\n3,3,4\n";
+
+/** Runs the program in a folder of its own that holds two case files. */
+class Program : public ::testing::Test
+{
+protected:
+    Program()
+    {
+        folder.write("cvd.csv", cvd);
+        folder.write("plane.csv", plane);
+    }
+
+    /** Runs it through the shell in the test's folder; `arguments` may redirect and pipe. */
+    Outcome run(const std::string& arguments)
+    {
+        const std::string command = "cd '" + folder.path("") + "' && { '" SURROGATE_PROGRAM "' " +
+                                    arguments + "; } > out.txt 2> err.txt";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out.txt"),
+                folder.read("err.txt")};
+    }
+
+    void expectFailure(const std::string& arguments, int exitCode, const std::string& message)
+    {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, exitCode) << arguments;
+        EXPECT_EQ(outcome.err, "surrogate: " + message + "\n") << arguments;
+        EXPECT_EQ(outcome.out, "") << arguments;
+    }
+
+    TemporaryFolder folder;
+};
+
+inline std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return lines;
+}

@@ -1,0 +1,351 @@
+// Projects as users meet them: saved by one run of the program, taken up by another.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <string>
+
+namespace {
+using Json = nlohmann::json;
+
+const std::string project = "study.surrogate.xml";
+
+class ProjectCommands : public Program
+{
+protected:
+    /** Saves a project that has a choice of everything. */
+    void saveProject()
+    {
+        const Outcome saved = run("evaluate cvd.csv -x H2/WF6,Pressure -y Stress -y Uniformity "
+                                  "-m kriging --exclude 2,10 --sweep 'Pressure=4 - 80 : 3, 42' "
+                                  "--at H2/WF6=5 -o first.csv --save " +
+                                  project);
+        ASSERT_EQ(saved.exitCode, 0) << saved.err;
+    }
+
+    /** Replaces a text of the project document, which must be there once. */
+    void edit(const std::string& before, const std::string& after)
+    {
+        std::string text = folder.read(project);
+        const std::size_t at = text.find(before);
+        ASSERT_NE(at, std::string::npos) << before << " in\n" << text;
+        EXPECT_EQ(text.find(before, at + 1), std::string::npos) << before;
+        folder.write(project, text.replace(at, before.size(), after));
+    }
+
+    Json contents() { return Json::parse(run("project " + project + " --json").out); }
+};
+} // namespace
+
+TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgain)
+{
+    saveProject();
+
+    const Outcome again = run("evaluate " + project);
+
+    EXPECT_EQ(again.exitCode, 0) << again.err;
+    EXPECT_EQ(again.out, folder.read("first.csv"));
+    EXPECT_EQ(linesOf(again.out)[0], "H2/WF6,Pressure,Stress,Uniformity");
+    EXPECT_EQ(linesOf(again.out).size(), 4u) << "42 is typed twice over";
+}
+
+TEST_F(ProjectCommands, AMovedFolderGivesTheSameNumbers)
+{
+    std::filesystem::create_directories(folder.path("old/data"));
+    folder.write("old/data/cvd.csv", cvd);
+    const Outcome saved = run("evaluate old/data/cvd.csv -y Stress --save old/" + project);
+    ASSERT_EQ(saved.exitCode, 0) << saved.err;
+
+    std::filesystem::rename(folder.path("old"), folder.path("new"));
+    const Outcome again = run("evaluate new/" + project);
+
+    EXPECT_EQ(again.exitCode, 0) << again.err;
+    EXPECT_EQ(again.out, saved.out);
+}
+
+TEST_F(ProjectCommands, EveryCommandThatChoosesSomethingSavesAndStartsFromAProject)
+{
+    folder.write("points.csv", "Pressure,H2/WF6\n20,5\n");
+    for (const std::string command :
+         {"summary", "fit", "evaluate", "predict --points points.csv", "equations"}) {
+        const std::string options = command == "summary" ? " -y Stress" : " -y Stress -q";
+        const Outcome direct =
+            run(command + " cvd.csv -x Pressure,H2/WF6" + options + " --save " + project);
+        ASSERT_EQ(direct.exitCode, 0) << command << direct.err;
+
+        const Outcome resumed = run(command + ' ' + project);
+        EXPECT_EQ(resumed.exitCode, 0) << command << resumed.err;
+        EXPECT_EQ(resumed.out, direct.out) << command;
+        std::filesystem::remove(folder.path(project));
+    }
+}
+
+TEST_F(ProjectCommands, OptionsOverrideWhatAProjectHolds)
+{
+    saveProject();
+
+    EXPECT_EQ(linesOf(run("evaluate " + project + " -y Stress").out)[0], "H2/WF6,Pressure,Stress");
+    EXPECT_EQ(linesOf(run("evaluate " + project + " -x Pressure").out)[0],
+              "Pressure,Stress,Uniformity");
+    EXPECT_EQ(linesOf(run("evaluate " + project + " --at Pressure=7").out)[1].rfind("5,7,", 0), 0u);
+    EXPECT_EQ(linesOf(run("evaluate " + project + " --count Pressure=9").out).size(), 10u);
+    EXPECT_EQ(linesOf(run("evaluate " + project + " --count H2/WF6=5").out).size(), 16u);
+    EXPECT_NE(run("fit " + project + " -m response-surface").out.find("response surface"),
+              std::string::npos);
+    EXPECT_NE(run("fit " + project + " --exclude none").out.find("0 excluded"), std::string::npos);
+    EXPECT_NE(run("fit " + project + " --exclude 1").out.find("1 excluded"), std::string::npos);
+    expectFailure("equations " + project, 2,
+                  "Only the response surface has equations, and the project chooses kriging: add "
+                  "-m response-surface.");
+}
+
+TEST_F(ProjectCommands, ASavedAgainProjectHasTheSameBytesAndLeavesABackup)
+{
+    saveProject();
+    const std::string before = folder.read(project);
+
+    EXPECT_EQ(run("evaluate " + project + " --save " + project).exitCode, 0);
+    EXPECT_EQ(folder.read(project), before);
+    EXPECT_EQ(folder.read(project + ".bak"), before);
+
+    EXPECT_EQ(run("fit " + project + " -m response-surface --save " + project).exitCode, 0);
+    EXPECT_NE(folder.read(project), before);
+    EXPECT_EQ(folder.read(project + ".bak"), before);
+}
+
+TEST_F(ProjectCommands, ProjectShowsWhatADocumentHolds)
+{
+    saveProject();
+
+    const Outcome shown = run("project " + project);
+
+    EXPECT_EQ(shown.exitCode, 0) << shown.err;
+    EXPECT_EQ(shown.out, "Case file  cvd.csv (unchanged)\n"
+                         "Read with  commas between cells, decimal points\n"
+                         "Excluded   2,10\n"
+                         "Model      kriging\n"
+                         "Inputs     H2/WF6, Pressure\n"
+                         "Outputs    Stress, Uniformity\n"
+                         "\n"
+                         "Variable    Role    Range  Values\n"
+                         "Pressure    input   -      4 - 80 : 3, 42\n"
+                         "H2/WF6      input   -      5\n"
+                         "Uniformity  output  -      -\n"
+                         "Stress      output  -      -\n");
+}
+
+TEST_F(ProjectCommands, ProjectShowsADocumentAsJson)
+{
+    saveProject();
+
+    const Json json = contents();
+
+    EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["caseFile"]["path"], "cvd.csv");
+    EXPECT_EQ(json["caseFile"]["state"], "unchanged");
+    EXPECT_EQ(json["caseFile"]["bytes"], cvd.size());
+    EXPECT_EQ(json["caseFile"]["separator"], "comma");
+    EXPECT_EQ(json["caseFile"]["decimalMark"], "point");
+    EXPECT_EQ(json["excluded"], Json::parse("[2, 10]"));
+    EXPECT_EQ(json["model"], "kriging");
+    EXPECT_EQ(json["inputs"], Json::parse(R"(["H2/WF6", "Pressure"])"));
+    EXPECT_EQ(json["outputs"], Json::parse(R"(["Stress", "Uniformity"])"));
+    EXPECT_EQ(json["variables"][0],
+              Json::parse(R"({"name": "Pressure", "role": "input", "range": null})"));
+    EXPECT_EQ(json["userDistributions"][0],
+              Json::parse(R"({"name": "Pressure", "mode": "UserDefined",
+                              "text": "4 - 80 : 3, 42"})"));
+    EXPECT_EQ(json["sweeps"][0]["name"], "Pressure");
+}
+
+TEST_F(ProjectCommands, ProjectAlsoShowsADocumentWhoseCasesAreMissingOrChanged)
+{
+    saveProject();
+
+    folder.write("cvd.csv", cvd + "1,2,3,4\n");
+    EXPECT_EQ(contents()["caseFile"]["state"], "changed");
+
+    std::filesystem::remove(folder.path("cvd.csv"));
+    EXPECT_EQ(contents()["caseFile"]["state"], "missing");
+}
+
+TEST_F(ProjectCommands, CasesThatAreMissingOrChangedAreToldAndMayBeNamed)
+{
+    saveProject();
+    const std::string first = folder.read("first.csv");
+    std::filesystem::rename(folder.path("cvd.csv"), folder.path("moved.csv"));
+
+    const Outcome missing = run("evaluate " + project);
+    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_NE(missing.err.find("cvd.csv"), std::string::npos) << missing.err;
+    EXPECT_NE(missing.err.find("--cases"), std::string::npos) << missing.err;
+    const Outcome moved = run("evaluate " + project + " --cases moved.csv");
+    EXPECT_EQ(moved.out, first);
+    EXPECT_EQ(moved.err.find("Note:"), std::string::npos) << moved.err;
+
+    folder.write("cvd.csv", cvd + "1,2,3,4\n");
+    const Outcome changed = run("evaluate " + project);
+    EXPECT_EQ(changed.exitCode, 3);
+    EXPECT_NE(changed.err.find("changed"), std::string::npos) << changed.err;
+    const Outcome accepted = run("evaluate " + project + " --cases cvd.csv --save " + project);
+    EXPECT_EQ(accepted.exitCode, 0);
+    EXPECT_EQ(linesOf(accepted.err)[0], "Note: \"cvd.csv\" holds other data than the case file "
+                                        "that the project was saved with.");
+    EXPECT_EQ(run("evaluate " + project).out, accepted.out) << "the new state has been saved";
+}
+
+TEST_F(ProjectCommands, CasesAreReadAsTheyWereWhenTheProjectWasSaved)
+{
+    folder.write("comma.csv", "x;y\n0,5;1\n1,5;2\n2,5;3\n4;7\n");
+    ASSERT_EQ(run("fit comma.csv -y y --save " + project).exitCode, 0);
+
+    EXPECT_EQ(contents()["caseFile"]["separator"], "semicolon");
+    EXPECT_EQ(contents()["caseFile"]["decimalMark"], "comma");
+    EXPECT_EQ(linesOf(run("evaluate " + project).out)[1].rfind("0.5,", 0), 0u);
+    expectFailure("evaluate " + project + " --decimal point", 3,
+                  "The project does not fit its cases: \"x\" is a column of texts, which can be "
+                  "neither an input nor an output.");
+}
+
+TEST_F(ProjectCommands, AnUnknownTypeIsKriging)
+{
+    saveProject();
+    edit("<Type>Kriging</Type>", "<Type>spline</Type>");
+
+    EXPECT_EQ(run("evaluate " + project).out, folder.read("first.csv"));
+
+    edit("<Type>spline</Type>", "<Type>ResponseModel</Type>");
+    EXPECT_NE(run("evaluate " + project).out, folder.read("first.csv"));
+}
+
+TEST_F(ProjectCommands, AMissingModeIsUserDefinedAndAnUnknownOneRefusesTheDocument)
+{
+    saveProject();
+    const std::string typed = "<Variable Distribution=\"4 - 80 : 3, 42\" ";
+    edit(typed + "Mode=\"UserDefined\" ", typed);
+    EXPECT_EQ(run("evaluate " + project).out, folder.read("first.csv"));
+
+    edit(typed, typed + "Mode=\"Manual\" ");
+    const Outcome refused = run("evaluate " + project + " -o table.csv");
+    EXPECT_EQ(refused.exitCode, 3);
+    EXPECT_NE(refused.err.find("\"Manual\""), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find("line "), std::string::npos) << refused.err;
+    EXPECT_EQ(linesOf(refused.err).size(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("table.csv")));
+}
+
+TEST_F(ProjectCommands, AnInvalidTextIsWarnedOfAndLeftOut)
+{
+    saveProject();
+    edit("4 - 80 : 3, 42", "80 - 4 : 3");
+
+    const Outcome table = run("evaluate " + project);
+
+    EXPECT_EQ(table.exitCode, 0);
+    EXPECT_EQ(linesOf(table.err)[0],
+              "Warning: The Surrogate Model User Defined Variable Distribution Syntax for variable "
+              "\"Pressure\" is not valid. This variable will use Auto mode.");
+}
+
+TEST_F(ProjectCommands, ReversedVariablesReverseTheInputs)
+{
+    saveProject();
+    std::string text = folder.read(project);
+    const std::size_t begin = text.find("<SurrogateModel>");
+    const std::size_t end = text.find("</SurrogateModel>");
+    std::string model = text.substr(begin, end - begin);
+    const std::string first = "<Variable Name=\"H2/WF6\"/>";
+    const std::string second = "<Variable Name=\"Pressure\"/>";
+    ASSERT_LT(model.find(first), model.find(second)) << model;
+    model.replace(model.find(second), second.size(), "#");
+    model.replace(model.find(first), first.size(), second);
+    model.replace(model.find('#'), 1, first);
+    folder.write(project, text.replace(begin, end - begin, model));
+
+    EXPECT_EQ(linesOf(run("evaluate " + project).out)[0], "Pressure,H2/WF6,Stress,Uniformity");
+}
+
+TEST_F(ProjectCommands, WhatTheDocumentNamesMustBeAmongTheCases)
+{
+    saveProject();
+    folder.write("other.csv", "Pressure,H2,Uniformity,Stress\n1,2,3,4\n");
+
+    expectFailure("evaluate " + project + " --cases other.csv -q", 3,
+                  "The project does not fit its cases: There is no variable \"H2/WF6\"; the "
+                  "nearest name is \"H2\". The variables are: \"Pressure\", \"H2\", "
+                  "\"Uniformity\", \"Stress\".");
+    folder.write("short.csv", "Pressure,H2/WF6,Uniformity,Stress\n1,2,3,4\n");
+    expectFailure("evaluate " + project + " --cases short.csv -q", 3,
+                  "The project does not fit its cases: There is no case 10 to exclude: the cases "
+                  "are 1 to 1.");
+}
+
+TEST_F(ProjectCommands, WhatNewerVersionsAddIsKept)
+{
+    saveProject();
+    edit("</SurrogateProject>", "<Future Colour=\"red\"><A>1</A></Future></SurrogateProject>");
+
+    ASSERT_EQ(run("fit " + project + " --save " + project).exitCode, 0);
+
+    EXPECT_NE(folder.read(project).find("<Future Colour=\"red\">"), std::string::npos);
+}
+
+TEST_F(ProjectCommands, ADocumentThatIsNoneEndsWithThreeAndOneSentence)
+{
+    for (const std::string text :
+         {"", "not XML", "<Other/>", "<SurrogateProject", "<!DOCTYPE a [<!ENTITY b \"c\">]><a/>"}) {
+        folder.write(project, text);
+        for (const std::string command : {"evaluate ", "project "}) {
+            const Outcome refused = run(command + project);
+            EXPECT_EQ(refused.exitCode, 3) << text;
+            EXPECT_EQ(linesOf(refused.err).size(), 1u) << refused.err;
+            EXPECT_EQ(refused.err.rfind("surrogate: ", 0), 0u) << refused.err;
+            EXPECT_NE(refused.err.find(project), std::string::npos) << refused.err;
+        }
+    }
+    expectFailure("fit none.surrogate.xml", 5,
+                  "The file \"none.surrogate.xml\" cannot be read: No such file or directory.");
+}
+
+TEST_F(ProjectCommands, WrongUseIsRefused)
+{
+    saveProject();
+
+    expectFailure("fit plane.csv -y y --save plane.xml", 2,
+                  "The name of a project document ends with .surrogate.xml, which \"plane.xml\" "
+                  "does not.");
+    expectFailure("check 1 --save a.surrogate.xml", 2,
+                  "--save belongs to the commands that choose something; this one does not.");
+    expectFailure("fit - -y y --save a.surrogate.xml < plane.csv", 2,
+                  "A project cannot find cases again that came from the standard input; put them "
+                  "into a file.");
+    expectFailure("fit plane.csv -y y --cases cvd.csv", 2,
+                  "--cases names the case file of a project document; without one it has no "
+                  "meaning.");
+    expectFailure("project", 2, "The command project needs a project document.");
+    expectFailure("project " + project + " -m kriging", 2,
+                  "The command project shows what a document holds; it takes no roles, no cases "
+                  "and no model.");
+    expectFailure("evaluate " + project + " -o cvd.csv", 2,
+                  "The output would replace \"cvd.csv\", the project's case file; name another "
+                  "file.");
+    expectFailure("evaluate plane.csv -y y -o a.surrogate.xml --save a.surrogate.xml", 2,
+                  "The output and the project cannot both be \"a.surrogate.xml\".");
+    expectFailure("fit plane.csv -y y --decimal semicolon", 2,
+                  "--decimal needs point or comma, not \"semicolon\".");
+    EXPECT_EQ(folder.read("cvd.csv"), cvd);
+}
+
+TEST_F(ProjectCommands, ACommandThatFailsSavesNothing)
+{
+    const std::size_t before = (run("--version"), folder.fileCount());
+
+    EXPECT_EQ(run("evaluate plane.csv -y y --exclude 1-6 --save " + project).exitCode, 1);
+    EXPECT_EQ(run("evaluate plane.csv -y y --sweep x=no --save " + project).exitCode, 4);
+    EXPECT_EQ(run("fit plane.csv -y y --save none/" + project).exitCode, 5);
+
+    EXPECT_EQ(folder.fileCount(), before);
+}
