@@ -6,6 +6,7 @@
 #include <surrogatemodel/SurrogateModelUserDistCollectionSerializer.h>
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_serialization/storableText.h>
 
 #include <boost/make_shared.hpp>
 
@@ -82,7 +83,7 @@ void SurrogateModelManagerSerializer::serializeSelf(QDomElement& element) const
             continue;
         }
         QDomElement child = element.ownerDocument().createElement(SerializedNames::variable);
-        child.setAttribute(SerializedNames::name, QString::fromStdString(variable.lock()->name()));
+        child.setAttribute(SerializedNames::name, storableText(variable.lock()->name()));
         element.appendChild(child);
     }
 }

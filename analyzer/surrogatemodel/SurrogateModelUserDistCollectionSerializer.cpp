@@ -109,7 +109,7 @@ void SurrogateModelUserDistCollectionSerializer::serializeSelf(QDomElement& bloc
                               QString::fromStdString(impl->modes.toText(collection.getMode(name))));
         variable.setAttribute(SerializedNames::distribution,
                               storableText(collection.getUserDistString(name)));
-        variable.setAttribute(SerializedNames::name, QString::fromStdString(name));
+        variable.setAttribute(SerializedNames::name, storableText(name));
         block.appendChild(variable);
     }
 }

@@ -14,11 +14,18 @@ bool canBeInXml(QChar character)
     return isBlank || (code >= 0x20 && code != 0xFFFE && code != 0xFFFF);
 }
 
+/** QString::fromUtf8() drops a byte order mark at the start: it is not at the start here. */
+QString decoded(const std::string& text)
+{
+    const std::string guarded = '.' + text;
+    return QString::fromUtf8(guarded.data(), static_cast<int>(guarded.size())).mid(1);
+}
+
 } // namespace
 
 QString storableText(const std::string& text)
 {
-    QString stored = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    QString stored = decoded(text);
     std::replace_if(
         stored.begin(), stored.end(), [](QChar character) { return !canBeInXml(character); },
         QChar(QChar::ReplacementCharacter));

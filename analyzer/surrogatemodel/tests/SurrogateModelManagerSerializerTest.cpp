@@ -379,6 +379,7 @@ TEST_F(SurrogateModelManagerSerializerTest, BringsNamesWithMarkupBackByteForByte
                          "e",
                          "\xE6\xB8\xA9\xE5\xBA\xA6",
                          "\xF0\x9F\x98\x80",
+                         "\xEF\xBB\xBFmarked",
                          " ",
                          "%1%"};
     Variables variables;

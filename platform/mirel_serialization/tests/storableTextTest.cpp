@@ -30,6 +30,7 @@ TEST(storableText, KeepsWhatXmlCanCarry)
         "\xE6\xB8\xA9\xE5\xBA\xA6",
         "\xF0\x9F\x98\x80",
         "\x7F",
+        "\xEF\xBB\xBFmarked",
         replacement,
     };
     for (const std::string& text : texts) {
