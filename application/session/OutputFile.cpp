@@ -88,26 +88,37 @@ bool copyBytes(int from, int to)
     }
 }
 
-/** A new file with the bytes and permissions of another; errno says why there is none. */
-bool copyFile(const std::string& from, const std::string& to)
+bool copyInto(int source, const std::string& to)
 {
-    const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status = {};
-    if (source < 0 || fstat(source, &status) != 0) {
+    if (fstat(source, &status) != 0) {
         return false;
     }
     const int copy =
         open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, status.st_mode & 0777);
-    const bool isMade = copy >= 0;
-    const bool isCopied = isMade && copyBytes(source, copy) && flushed(copy);
-    const int error = errno;
-    close(source);
-    if (isMade) {
-        close(copy);
+    if (copy < 0) {
+        return false;
     }
-    if (isMade && !isCopied) {
+    const bool isCopied = copyBytes(source, copy) && flushed(copy);
+    const int error = errno;
+    close(copy);
+    if (!isCopied) {
         unlink(to.c_str());
     }
+    errno = error;
+    return isCopied;
+}
+
+/** A new file with the bytes and permissions of another; errno says why there is none. */
+bool copyFile(const std::string& from, const std::string& to)
+{
+    const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) {
+        return false;
+    }
+    const bool isCopied = copyInto(source, to);
+    const int error = errno;
+    close(source);
     errno = error;
     return isCopied;
 }

@@ -22,11 +22,17 @@ bool leadToTheSame(const fs::path& left, const fs::path& right)
     return !target.empty() && target == resolved(right);
 }
 
+fs::path parentOf(const fs::path& path)
+{
+    const fs::path parent = path.parent_path();
+    return parent.empty() ? "." : parent;
+}
+
 fs::path folderOf(const fs::path& document)
 {
     std::error_code error;
     const bool isLink = fs::is_symlink(fs::symlink_status(document, error));
-    return isLink ? resolved(document).parent_path() : document.parent_path();
+    return parentOf(isLink ? resolved(document) : document);
 }
 
 fs::path normal(const fs::path& path)
@@ -47,7 +53,7 @@ std::string pathInDocument(const std::string& documentPath, const std::string& p
     // By the names as given, which survive links that are moved along; by where they lead to, which
     // is right where ".." follows a link. The link of a file itself is a name to keep.
     const fs::path given = normal(path).lexically_relative(normal(folder));
-    const fs::path parent = resolved(fs::path(path).parent_path());
+    const fs::path parent = resolved(parentOf(path));
     const fs::path followed =
         (parent / fs::path(path).filename()).lexically_relative(resolved(folder));
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <surrogate_session/Export.h>
+
 #include <string>
 
 /**
@@ -9,7 +11,9 @@
  * @param documentPath as the user gives it, like the other path: absolute or from the current
  *                     folder. Neither file has to be there yet.
  */
-std::string pathInDocument(const std::string& documentPath, const std::string& path);
+SURROGATE_SESSION_EXPORT std::string pathInDocument(const std::string& documentPath,
+                                                    const std::string& path);
 
 /** The way back: a path that is usable from the current folder, as short as it can be. */
-std::string pathFromDocument(const std::string& documentPath, const std::string& path);
+SURROGATE_SESSION_EXPORT std::string pathFromDocument(const std::string& documentPath,
+                                                      const std::string& path);

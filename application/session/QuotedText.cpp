@@ -8,9 +8,15 @@ namespace {
 /** In bytes; enough for every name that somebody types. */
 constexpr std::size_t longestShown = 200;
 
-bool isControl(char character)
+/** Of whole characters; what a terminal would act upon or XML not carry. */
+bool isReadable(std::string_view character)
 {
-    return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(character[i]); };
+    const bool isControl = byteAt(0) < 0x20 || byteAt(0) == 0x7F ||
+                           (byteAt(0) == 0xC2 && byteAt(1) < 0xA0); // U+0080 to U+009F
+    const bool isNoCharacter =
+        byteAt(0) == 0xEF && byteAt(1) == 0xBF && byteAt(2) >= 0xBE; // U+FFFE, U+FFFF
+    return !isControl && !isNoCharacter;
 }
 
 void appendEscaped(std::string& shown, char character)
@@ -23,16 +29,16 @@ void appendEscaped(std::string& shown, char character)
 }
 } // namespace
 
-std::string quotedText(std::string_view text)
+std::string shownText(std::string_view text)
 {
-    std::string shown = "\"";
+    std::string shown;
     while (!text.empty() && shown.size() < longestShown) {
         // A character at a time: the first that is complete within four bytes.
         std::size_t length = 1;
         while (length < 4 && length < text.size() && !isUtf8Text(text.substr(0, length))) {
             ++length;
         }
-        if (isUtf8Text(text.substr(0, length)) && !isControl(text.front())) {
+        if (isUtf8Text(text.substr(0, length)) && isReadable(text.substr(0, length))) {
             shown += text.substr(0, length);
         } else {
             length = 1;
@@ -40,5 +46,10 @@ std::string quotedText(std::string_view text)
         }
         text.remove_prefix(length);
     }
-    return shown + (text.empty() ? "\"" : "...\"");
+    return text.empty() ? shown : shown + "...";
+}
+
+std::string quotedText(std::string_view text)
+{
+    return '"' + shownText(text) + '"';
 }

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <surrogate_session/Export.h>
+
 #include <string>
 #include <string_view>
 
 /**
- * A text in quotes for a message: one line of UTF-8 whatever the bytes (control characters and
- * bytes that are no UTF-8 are shown as \xHH), and cut where nobody would read on.
+ * A text as a message can show it: one line of UTF-8 whatever the bytes (control characters and
+ * bytes that are no UTF-8 are shown as \xHH), cut where nobody would read on.
  */
-std::string quotedText(std::string_view text);
+SURROGATE_SESSION_EXPORT std::string shownText(std::string_view text);
+
+/** The same in quotes. */
+SURROGATE_SESSION_EXPORT std::string quotedText(std::string_view text);

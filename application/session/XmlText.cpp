@@ -175,7 +175,8 @@ public:
         }
         if (parser.hasError()) {
             const XmlPosition position = cursor.at(parser.characterOffset() - 1);
-            throw XmlFault(position, std::string(malformed) + parser.errorString().toStdString());
+            throw XmlFault(position,
+                           std::string(malformed) + shownText(parser.errorString().toStdString()));
         }
         return std::move(root);
     }
@@ -222,9 +223,7 @@ private:
 
     void open(qint64 begin)
     {
-        // After a text the parser has taken the bracket that ends it already.
-        const bool isBracket = text.at(static_cast<int>(begin)) == QLatin1Char('<');
-        const XmlPosition position = cursor.at(isBracket ? begin : begin - 1);
+        const XmlPosition position = cursor.at(bracketOf(begin));
         if (openNodes.size() == deepestXmlNesting) {
             throw XmlFault(position, "elements are nested deeper than " +
                                          std::to_string(deepestXmlNesting) + " levels.");
@@ -237,6 +236,16 @@ private:
         }
         std::sort(node.attributes.begin(), node.attributes.end());
         openNodes.push_back(std::move(node));
+    }
+
+    /** Where a tag begins whose token does: before the root a token takes in the blanks, after a
+     *  text the parser has taken the bracket already. */
+    qint64 bracketOf(qint64 begin) const
+    {
+        while (text.at(static_cast<int>(begin)).isSpace()) {
+            ++begin;
+        }
+        return text.at(static_cast<int>(begin)) == QLatin1Char('<') ? begin : begin - 1;
     }
 
     void close()
