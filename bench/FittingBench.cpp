@@ -6,6 +6,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+#include <utility>
+
 namespace {
 
 struct Cases
@@ -100,6 +103,88 @@ BENCHMARK(evaluateKriging)
     ->ArgNames({"points", "cases"})
     ->Args({100000, 500})
     ->Args({1000000, 1000})
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+
+/** Lengths are given: fitting is not what is measured. */
+KrigingSurrogateModel krigingOver(std::size_t inputs, std::size_t rows)
+{
+    std::vector<std::vector<double>> columns = uniformColumns(inputs, rows);
+    std::vector<double> output(rows, 0.0);
+    std::vector<double*> independent;
+    for (std::vector<double>& column : columns) {
+        for (std::size_t i = 0; i < rows; ++i) {
+            output[i] += std::sin(3.0 * column[i]) * column[0];
+        }
+        independent.push_back(column.data());
+    }
+    return KrigingSurrogateModel(independent, {output.data()}, static_cast<int>(rows), 0.0001,
+                                 std::vector<double>(inputs, 1.0), 1, 0.5, 1e-8, 1);
+}
+
+/** Every input evenly over [0, 1], the last one fastest. */
+std::vector<std::vector<double>> evenGrid(std::size_t inputs, std::size_t valuesPerInput)
+{
+    std::size_t rows = 1;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        rows *= valuesPerInput;
+    }
+    std::vector<std::vector<double>> columns(inputs, std::vector<double>(rows));
+    std::size_t stride = rows;
+    for (std::vector<double>& column : columns) {
+        stride /= valuesPerInput;
+        for (std::size_t i = 0; i < rows; ++i) {
+            column[i] = static_cast<double>(i / stride % valuesPerInput) /
+                        static_cast<double>(valuesPerInput - 1);
+        }
+    }
+    return columns;
+}
+
+/** `isScattered`: the same points in an order in which they are no grid, for the ratio. */
+void evaluateKrigingOverGrid(benchmark::State& state, bool isScattered)
+{
+    const auto inputs = static_cast<std::size_t>(state.range(0));
+    KrigingSurrogateModel model = krigingOver(inputs, static_cast<std::size_t>(state.range(2)));
+    model.activateDependentVariables({0});
+    std::vector<std::vector<double>> columns =
+        evenGrid(inputs, static_cast<std::size_t>(state.range(1)));
+    std::vector<double*> independent;
+    for (std::vector<double>& column : columns) {
+        if (isScattered) {
+            std::swap(column[1], column[column.size() / 2 + 1]);
+            std::swap(column[2], column[column.size() / 3]);
+        }
+        independent.push_back(column.data());
+    }
+    std::vector<double> values(columns[0].size());
+    std::vector<double*> outputs{values.data()};
+    for (auto _ : state) {
+        model.interpolateDependentValues(independent, {0}, outputs, values.size());
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(values.size()));
+}
+BENCHMARK_CAPTURE(evaluateKrigingOverGrid, grid, false)
+    ->ArgNames({"inputs", "values", "cases"})
+    ->Args({2, 1000, 1000})
+    ->Args({3, 100, 1000})
+    ->Args({6, 10, 1000})
+    ->Args({8, 6, 1000})
+    ->Args({2, 1000, 200})
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK_CAPTURE(evaluateKrigingOverGrid, scattered, true)
+    ->ArgNames({"inputs", "values", "cases"})
+    ->Args({2, 1000, 1000})
+    ->Args({3, 100, 1000})
+    ->Args({6, 10, 1000})
+    ->Args({8, 6, 1000})
+    ->Args({2, 1000, 200})
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 } // namespace

@@ -1,53 +1,161 @@
 #include <mirel_fitting/KrigingPredictor.h>
 
+#include <mirel_fitting/KrigingGrid.h>
+#include <mirel_fitting/OrderedChunks.h>
+#include <mirel_fitting/ThreadCount.h>
+
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <utility>
 
-KrigingPredictor::KrigingPredictor(Parts parts) : parts(std::move(parts)) {}
+namespace {
 
-void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t count,
-                               double* result) const
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+constexpr std::size_t blockSize = 1024;
+// So many points are handed to a thread at once.
+constexpr std::size_t chunkSize = 8 * blockSize;
+
+/** A worker for each thread; its chunks are independent, so that none waits for another's. */
+class Piecework : public OrderedChunks::Worker
 {
-    constexpr std::size_t blockSize = 1024;
-    // So far away the correlation is 0; products of two such coordinates are still finite.
+public:
+    explicit Piecework(std::function<void(std::size_t)> work) : work(std::move(work)) {}
+
+    void compute(std::size_t chunk) override { work(chunk); }
+    void handOver(std::size_t) override {}
+
+private:
+    std::function<void(std::size_t)> work;
+};
+
+} // namespace
+
+double KrigingPredictor::Parts::coordinate(std::size_t k, double value) const
+{
     constexpr double farAway = 1e150;
+    return std::min(std::max((value - minimum[k]) / range[k], -farAway), farAway);
+}
 
-    const std::size_t inputs = parts.inputs.size();
-    std::vector<double> coordinates(inputs * blockSize);
-    std::vector<const double*> points;
-    for (std::size_t k = 0; k < inputs; ++k) {
-        points.push_back(coordinates.data() + k * blockSize);
+/** The coordinates of some points, with zeros in place of a point that is not finite. */
+class KrigingPredictor::Block
+{
+public:
+    explicit Block(const Parts& parts)
+        : parts(parts), coordinates(parts.inputs.size() * blockSize), isFinite(blockSize)
+    {
+        for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
+            points.push_back(coordinates.data() + k * blockSize);
+        }
     }
-    std::vector<double> sums(blockSize);
-    std::vector<char> isFinite(blockSize);
 
-    for (std::size_t first = 0; first < count; first += blockSize) {
-        const std::size_t size = std::min(blockSize, count - first);
+    void read(const std::vector<double*>& columns, std::size_t first, std::size_t size)
+    {
         isFinite.assign(blockSize, 1);
         for (const double* column : columns) {
             for (std::size_t i = 0; i < size; ++i) {
                 isFinite[i] = isFinite[i] && std::isfinite(column[first + i]);
             }
         }
-        for (std::size_t k = 0; k < inputs; ++k) {
+        for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
             const double* column = columns[parts.inputs[k]] + first;
             for (std::size_t i = 0; i < size; ++i) {
-                const double u =
-                    isFinite[i] ? (column[i] - parts.minimum[k]) / parts.range[k] : 0.0;
-                coordinates[k * blockSize + i] = std::min(std::max(u, -farAway), farAway);
+                coordinates[k * blockSize + i] = isFinite[i] ? parts.coordinate(k, column[i]) : 0.0;
             }
         }
+    }
 
-        std::fill(sums.begin(), sums.end(), 0.0);
-        parts.trend->add(points, size, parts.coefficients, sums.data());
-        if (parts.correlation) {
-            parts.correlation->addWeightedSums(points, size, parts.weights.data(), sums.data());
+    const Parts& parts;
+    std::vector<double> coordinates;
+    std::vector<char> isFinite;
+    std::vector<const double*> points;
+};
+
+KrigingPredictor::KrigingPredictor(Parts parts) : parts(std::move(parts)) {}
+
+void KrigingPredictor::predict(const std::vector<double*>& columns,
+                               const std::vector<ProductGrid>& grids, double* result) const
+{
+    for (const ProductGrid& grid : grids) {
+        if (KrigingGrid::isWorthwhile(parts, grid)) {
+            KrigingGrid(parts, columns, grid).predict(result + grid.firstRow());
+        } else {
+            predictScattered(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
         }
-        for (std::size_t i = 0; i < size; ++i) {
-            result[first + i] = isFinite[i] ? parts.offset + parts.scale * sums[i]
-                                            : std::numeric_limits<double>::quiet_NaN();
+    }
+}
+
+void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t count,
+                               double* result) const
+{
+    predict(columns, ProductGrid::split(columns, count), result);
+}
+
+void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std::size_t first,
+                                        std::size_t count, double* result) const
+{
+    // Fewer correlations are computed before another thread has started.
+    constexpr std::size_t worthAThread = 1000000;
+
+    const auto makeWorker = [&] {
+        auto block = std::make_shared<Block>(parts);
+        auto sums = std::make_shared<std::vector<double>>(blockSize);
+        return std::make_unique<Piecework>([&, block, sums](std::size_t chunk) {
+            const std::size_t end = std::min(count, (chunk + 1) * chunkSize);
+            for (std::size_t start = chunk * chunkSize; start < end; start += blockSize) {
+                const std::size_t size = std::min(blockSize, end - start);
+                block->read(columns, first + start, size);
+                std::fill(sums->begin(), sums->end(), 0.0);
+                parts.trend->add(block->points, size, parts.coefficients, sums->data());
+                if (parts.correlation) {
+                    parts.correlation->addWeightedSums(block->points, size, parts.weights.data(),
+                                                       sums->data());
+                }
+                for (std::size_t i = 0; i < size; ++i) {
+                    result[start + i] =
+                        block->isFinite[i] ? parts.offset + parts.scale * (*sums)[i] : notANumber;
+                }
+            }
+        });
+    };
+    const bool isLarge = count > worthAThread / std::max<std::size_t>(parts.weights.size(), 1);
+    OrderedChunks::run((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1, makeWorker,
+                       nullptr);
+}
+
+void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::size_t count,
+                                     const std::vector<double*>& gradients) const
+{
+    const std::size_t inputs = parts.inputs.size();
+    Block block(parts);
+    std::vector<double> slopes(inputs * blockSize);
+    std::vector<double*> slopeColumns;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        slopeColumns.push_back(slopes.data() + k * blockSize);
+    }
+
+    for (std::size_t first = 0; first < count; first += blockSize) {
+        const std::size_t size = std::min(blockSize, count - first);
+        block.read(columns, first, size);
+        std::fill(slopes.begin(), slopes.end(), 0.0);
+        parts.trend->addGradients(block.points, size, parts.coefficients, slopeColumns);
+        if (parts.correlation) {
+            parts.correlation->addWeightedGradients(block.points, size, parts.weights.data(),
+                                                    slopeColumns);
+        }
+        for (double* gradient : gradients) {
+            for (std::size_t i = 0; i < size; ++i) {
+                gradient[first + i] = block.isFinite[i] ? 0.0 : notANumber;
+            }
+        }
+        for (std::size_t k = 0; k < inputs; ++k) {
+            double* gradient = gradients[parts.inputs[k]] + first;
+            for (std::size_t i = 0; i < size; ++i) {
+                // Added, so that NaN stays; divided last, since scale / range may have no double.
+                gradient[i] += slopeColumns[k][i] * parts.scale / parts.range[k];
+            }
         }
     }
 }

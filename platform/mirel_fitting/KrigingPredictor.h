@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/MaternCorrelation.h>
+#include <mirel_fitting/ProductGrid.h>
 
 #include <cstddef>
 #include <memory>
@@ -22,16 +23,42 @@ public:
         std::vector<double> weights;
         double offset = 0.0;
         double scale = 1.0;
+
+        /** The coordinate, from 0 to 1 over the cases, of a finite value of `inputs[k]`. Kept so
+         *  small that products of two are finite; the correlation is 0 long before. */
+        double coordinate(std::size_t k, double value) const;
     };
 
     explicit KrigingPredictor(Parts parts);
 
+    const Parts& model() const { return parts; }
+
     /**
-     * In blocks: the memory does not grow with the number of points. A point with a coordinate that
+     * On as many threads as setThreadCount() allows, with the same bits for any number of them. In
+     * blocks: the memory does not grow with the number of points. A point with a coordinate that
      * is not finite, in any column, gets NaN.
+     * @param grids what ProductGrid::split() made of the columns.
      */
+    void predict(const std::vector<double*>& columns, const std::vector<ProductGrid>& grids,
+                 double* result) const;
+
+    /** The same for grids that are not known yet. */
     void predict(const std::vector<double*>& columns, std::size_t count, double* result) const;
 
+    /** Every point on its own, whatever grid they form. */
+    void predictScattered(const std::vector<double*>& columns, std::size_t first, std::size_t count,
+                          double* result) const;
+
+    /**
+     * Derivatives of the prediction, in the output's unit per unit of the column: one array of
+     * `count` numbers per column, 0 for a column that is no input that varies. NaN where a
+     * prediction is NaN.
+     */
+    void differentiate(const std::vector<double*>& columns, std::size_t count,
+                       const std::vector<double*>& gradients) const;
+
 private:
+    class Block;
+
     Parts parts;
 };

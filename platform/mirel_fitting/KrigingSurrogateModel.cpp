@@ -183,13 +183,16 @@ void KrigingSurrogateModel::interpolateDependentValues(const std::vector<double*
                                                        std::size_t count) const
 {
     impl->columns.requireEvaluation(inputs, offsets, outputs, count);
+    if (count == 0) {
+        for (const int offset : offsets) {
+            impl->fit(offset);
+        }
+        return;
+    }
+    const std::vector<ProductGrid> grids = ProductGrid::split(inputs, count);
     std::size_t k = 0;
     for (const int offset : offsets) {
-        const KrigingFit& fit = impl->fit(offset);
-        if (count > 0) {
-            fit.predictor.predict(inputs, count, outputs[k]);
-        }
-        ++k;
+        impl->fit(offset).predictor.predict(inputs, grids, outputs[k++]);
     }
 }
 

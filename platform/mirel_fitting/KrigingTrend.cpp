@@ -9,11 +9,6 @@
 
 namespace {
 
-double centred(double coordinate)
-{
-    return 2.0 * coordinate - 1.0;
-}
-
 double dot(const double* a, const double* b, std::size_t count)
 {
     double sum = 0.0;
@@ -107,6 +102,16 @@ std::size_t KrigingTrend::size() const
     return terms.size();
 }
 
+const std::vector<QuadraticBasis::Term>& KrigingTrend::keptTerms() const
+{
+    return terms;
+}
+
+double KrigingTrend::centred(double coordinate)
+{
+    return 2.0 * coordinate - 1.0;
+}
+
 const std::vector<double>& KrigingTrend::matrix() const
 {
     return values;
@@ -188,6 +193,45 @@ void KrigingTrend::add(const std::vector<const double*>& points, std::size_t cou
             for (std::size_t i = 0; i < count; ++i) {
                 result[i] += coefficient * centred(x[i]) * centred(y[i]);
             }
+        }
+    }
+}
+
+void KrigingTrend::evaluate(const std::vector<const double*>& points, std::size_t count,
+                            double* result, std::size_t stride) const
+{
+    for (std::size_t t = 0; t < terms.size(); ++t) {
+        double* column = result + t * stride;
+        std::fill_n(column, count, 1.0);
+        for (const std::size_t factor : {terms[t].first, terms[t].second}) {
+            for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < count; ++i) {
+                column[i] *= centred(points[factor][i]);
+            }
+        }
+    }
+}
+
+void KrigingTrend::addGradients(const std::vector<const double*>& points, std::size_t count,
+                                const std::vector<double>& coefficients,
+                                const std::vector<double*>& gradients) const
+{
+    constexpr double slope = 2.0; // of centred()
+    for (std::size_t t = 0; t < terms.size(); ++t) {
+        const Term term = terms[t];
+        if (term.first == QuadraticBasis::noInput) {
+            continue;
+        }
+        if (term.second == QuadraticBasis::noInput) {
+            for (std::size_t i = 0; i < count; ++i) {
+                gradients[term.first][i] += slope * coefficients[t];
+            }
+            continue;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const double first = centred(points[term.first][i]);
+            const double second = centred(points[term.second][i]);
+            gradients[term.first][i] += slope * coefficients[t] * second;
+            gradients[term.second][i] += slope * coefficients[t] * first;
         }
     }
 }

@@ -25,6 +25,10 @@ public:
     int order() const;
     /** Number of terms kept. */
     std::size_t size() const;
+    /** Of the coordinates that centred() gives. */
+    const std::vector<QuadraticBasis::Term>& keptTerms() const;
+    /** From a coordinate over [0, 1] to one over [-1, 1]. */
+    static double centred(double coordinate);
     /** The terms at the cases, by columns, cases x size(). */
     const std::vector<double>& matrix() const;
 
@@ -46,6 +50,15 @@ public:
     /** result[i] += value of the polynomial at point i; `points` as scaled coordinates. */
     void add(const std::vector<const double*>& points, std::size_t count,
              const std::vector<double>& coefficients, double* result) const;
+
+    /** result[t * stride + i] = kept term t at point i. */
+    void evaluate(const std::vector<const double*>& points, std::size_t count, double* result,
+                  std::size_t stride) const;
+
+    /** gradients[k][i] += derivative of the polynomial by coordinate k of point i. */
+    void addGradients(const std::vector<const double*>& points, std::size_t count,
+                      const std::vector<double>& coefficients,
+                      const std::vector<double*>& gradients) const;
 
     struct RawTerm
     {
