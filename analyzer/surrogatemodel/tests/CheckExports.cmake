@@ -14,9 +14,11 @@ foreach(class IN ITEMS
         SurrogateModelInputTableBuilder
         SurrogateModelManager
         SurrogateModelManagerInterface
+        SurrogateModelManagerSerializer
         SurrogateModelQueryToTable
         SurrogateModelUserDist
-        SurrogateModelUserDistCollection)
+        SurrogateModelUserDistCollection
+        SurrogateModelUserDistCollectionSerializer)
     if(NOT symbols MATCHES " typeinfo for ${class}\n")
         message(SEND_ERROR "${class} is to be exported with its type, but is not.")
     endif()
@@ -25,8 +27,9 @@ if(NOT symbols MATCHES "SurfaceCoefficientExporter::SurfaceCoefficientExporter")
     message(SEND_ERROR "SurfaceCoefficientExporter is to be exported, but is not.")
 endif()
 
-string(REGEX MATCHALL "[^\n]*(SourcePoints|::Impl|QueryExecutive|anonymous namespace)[^\n]*"
-    internal "${symbols}")
+string(JOIN "|" internal_names "SourcePoints" "::Impl" "QueryExecutive" "anonymous namespace"
+    "GenericSerializer" "NamedValueTranslator" "boost::bimaps")
+string(REGEX MATCHALL "[^\n]*(${internal_names})[^\n]*" internal "${symbols}")
 foreach(symbol IN LISTS internal)
     message(SEND_ERROR "Not to be exported: ${symbol}")
 endforeach()

@@ -4,14 +4,18 @@
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 #include <surrogatemodel/SurrogateModelManager.h>
+#include <surrogatemodel/SurrogateModelManagerSerializer.h>
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 #include <surrogatemodel/SurrogateModelUserDist.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
+#include <surrogatemodel/SurrogateModelUserDistCollectionSerializer.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <property/Property.h>
 
 #include <boost/make_shared.hpp>
+
+#include <QDomDocument>
 
 #include <vtkCallbackCommand.h>
 #include <vtkDoubleArray.h>
@@ -139,6 +143,26 @@ public:
 class Texts : public SurrogateModelUserDistCollection
 {};
 
+class Settings : public SurrogateModelManagerSerializer
+{
+public:
+    using SurrogateModelManagerSerializer::SurrogateModelManagerSerializer;
+};
+
+class TextsSerializer : public SurrogateModelUserDistCollectionSerializer
+{
+public:
+    using SurrogateModelUserDistCollectionSerializer::SurrogateModelUserDistCollectionSerializer;
+};
+
+void load(const SerializerInterface& serializer, const std::string& text)
+{
+    QDomDocument document;
+    document.setContent(QByteArray::fromStdString(text));
+    QDomElement root = document.documentElement();
+    serializer.deserialize(root);
+}
+
 } // namespace
 
 boost::shared_ptr<SurrogateModelManagerInterface>
@@ -212,4 +236,24 @@ std::string plugin::keepText(const std::string& name, const std::string& text)
     texts.setUserDistString(name, text);
     const SurrogateModelUserDistCollection copy = texts;
     return copy.getUserDistString(name);
+}
+
+std::string plugin::savedSettings(const boost::shared_ptr<SurrogateModelManagerInterface>& manager)
+{
+    QDomDocument document;
+    document.appendChild(Settings(manager).serialize(document));
+    return document.toString().toStdString();
+}
+
+void plugin::loadSettings(const boost::shared_ptr<SurrogateModelManagerInterface>& manager,
+                          const std::string& text)
+{
+    load(Settings(manager), text);
+}
+
+std::string plugin::loadedDistribution(const std::string& name, const std::string& text)
+{
+    const auto property = boost::make_shared<veska::Property<SurrogateModelUserDistCollection>>();
+    load(TextsSerializer(property), text);
+    return property->get().getUserDistString(name);
 }

@@ -46,4 +46,18 @@ SURROGATEMODEL_PLUGIN_EXPORT std::vector<double> valuesOf(const std::string& tex
 /** A text that goes into a derived collection and comes out of a copy. */
 SURROGATEMODEL_PLUGIN_EXPORT std::string keepText(const std::string& name, const std::string& text);
 
+/** The settings as XML text, through a class derived from the one that writes them. */
+SURROGATEMODEL_PLUGIN_EXPORT std::string
+savedSettings(const boost::shared_ptr<SurrogateModelManagerInterface>& manager);
+
+/** Reads what savedSettings() has written. */
+SURROGATEMODEL_PLUGIN_EXPORT void
+loadSettings(const boost::shared_ptr<SurrogateModelManagerInterface>& manager,
+             const std::string& text);
+
+/** The distribution of `name` after one that is read from XML text, through a class derived from
+ *  the one that reads it. */
+SURROGATEMODEL_PLUGIN_EXPORT std::string loadedDistribution(const std::string& name,
+                                                            const std::string& text);
+
 } // namespace plugin

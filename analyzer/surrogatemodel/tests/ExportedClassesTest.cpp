@@ -1,11 +1,14 @@
 // The exported classes between three parties: the library, a plugin and this program.
 #include "ExportedClassesPlugin.h"
 #include "ProjectTest.h"
+#include "UserDistXml.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
 
 #include <mirel_datapipeline/ProjectDataPipelineManager.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <stdexcept>
 
 namespace {
 
@@ -56,6 +59,28 @@ TEST_F(ExportedClasses, ReadDistributionTextsFromAPlugin)
 {
     EXPECT_EQ(plugin::valuesOf("1, 2 - 3 : 3"), (std::vector<double>{1, 2, 2.5, 3}));
     EXPECT_EQ(plugin::keepText("x", "1 - 2 : 3"), "1 - 2 : 3");
+}
+
+TEST_F(ExportedClasses, SaveAndLoadSettingsFromAPlugin)
+{
+    const std::string saved = plugin::savedSettings(manager);
+    manager->independentVars()->set({});
+    manager->type()->set(SurrogateModelManagerInterface::Kriging);
+
+    plugin::loadSettings(manager, saved);
+
+    EXPECT_EQ(manager->independentVars()->get(), std::vector<VarPtr>{x});
+    EXPECT_EQ(manager->type()->get(), SurrogateModelManagerInterface::ResponseSurface);
+    EXPECT_EQ(plugin::loadedDistribution(
+                  "x", userDistBlock("<Variable Name='x' Distribution='1 - 2 : 3'/>")),
+              "1 - 2 : 3");
+}
+
+TEST_F(ExportedClasses, LetFailuresOfALoadInThePluginBeCaughtInTheProgram)
+{
+    EXPECT_THROW(plugin::loadedDistribution("x", userDistBlock("<Variable Mode='Manual'/>")),
+                 std::out_of_range);
+    EXPECT_THROW(plugin::savedSettings(nullptr), std::invalid_argument);
 }
 
 TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheProgram)
