@@ -63,7 +63,7 @@ Output
 Exit codes
   0 done    1 the model cannot be fitted or evaluated    2 wrong use
   3 bad case data, or a project that cannot be used
-  4 bad distribution text    5 a file cannot be read or written
+  4 bad distribution text    5 a file cannot be read or written    130 ended by Ctrl-C
 )";
 }
 

@@ -3,6 +3,7 @@
 #include <mirel_fitting/FitProgress.h>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -13,6 +14,9 @@ struct TerminalProgress::Line
     /** Often enough to look alive, seldom enough to cost nothing. */
     static constexpr std::chrono::milliseconds interval = std::chrono::milliseconds(100);
 
+    /** Of the bar, in characters. */
+    static constexpr std::size_t width = 30;
+
     void show(double fraction, const std::string& message)
     {
         const auto now = std::chrono::steady_clock::now();
@@ -21,8 +25,11 @@ struct TerminalProgress::Line
         }
         shownAt = now;
         isShown = true;
+        const auto done = static_cast<std::size_t>(fraction * static_cast<double>(width));
+        const std::string bar = std::string(done, '#') + std::string(width - done, '.');
         // "erase to the end of the line", then the text, without a line end.
-        std::fprintf(stderr, "\r\033[K%3.0f %% %s", 100.0 * fraction, message.c_str());
+        std::fprintf(stderr, "\r\033[K[%s] %3.0f %% %s", bar.c_str(), 100.0 * fraction,
+                     message.c_str());
         std::fflush(stderr);
     }
 
@@ -40,13 +47,15 @@ struct TerminalProgress::Line
 
 TerminalProgress::TerminalProgress(bool isQuiet)
 {
-    if (isQuiet || isatty(STDERR_FILENO) == 0) {
-        return;
+    if (!isQuiet && isatty(STDERR_FILENO) != 0) {
+        line = std::make_unique<Line>();
     }
-    line = std::make_shared<Line>();
-    progress =
-        std::make_unique<FitProgress>([shown = line](double fraction, const std::string& message) {
-            shown->show(fraction, message);
+    progress = std::make_unique<FitProgress>(
+        [shown = line.get()](double fraction, const std::string& message) {
+            Interruption::Postponed::check();
+            if (shown != nullptr) {
+                shown->show(fraction, message);
+            }
             return true;
         });
 }

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "Interruption.h"
+
 #include <memory>
 
 class FitProgress;
 
-/** While it lives, fits show how far they are on one line of the terminal, which it clears at the
- *  end. It shows nothing if the standard error is no terminal. */
+/**
+ * While it lives, fits show how far they are as a bar on one line of the terminal, which it clears
+ * at the end, and Ctrl-C ends them with Interrupted. It shows nothing if the standard error is no
+ * terminal.
+ */
 class TerminalProgress
 {
 public:
@@ -17,6 +22,7 @@ public:
 
 private:
     struct Line;
-    std::shared_ptr<Line> line;
+    Interruption::Postponed interruption;
+    std::unique_ptr<Line> line;
     std::unique_ptr<FitProgress> progress;
 };

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Interruption.h"
 
 #include <session/OutputFile.h>
 #include <session/SessionErrors.h>
@@ -34,11 +35,14 @@ int main(int argc, char* argv[])
 {
     // A reader that has seen enough (head) is no failure: writing reports it, nothing kills us.
     std::signal(SIGPIPE, SIG_IGN);
+    Interruption::listen();
     try {
         run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));
         return Done;
     } catch (const OutputFile::ReaderGone&) {
         return Done;
+    } catch (const Interrupted&) {
+        return Interruption::exitCode;
     } catch (const UsageError& error) {
         return failed(WrongUse, error.what());
     } catch (const CaseDataError& error) {
