@@ -17,7 +17,7 @@ namespace {
 }
 } // namespace
 
-ByteSource::ByteSource(const std::string& path) : path(path)
+ByteSource::ByteSource(const std::string& path, std::size_t mostKept) : path(path)
 {
     file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
     if (file == nullptr) {
@@ -34,7 +34,9 @@ ByteSource::ByteSource(const std::string& path) : path(path)
     }
     try {
         std::array<char, 1 << 16> block;
-        while (const std::size_t count = read(block.data(), block.size())) {
+        std::size_t count = block.size();
+        while (count > 0 && kept.size() <= mostKept) {
+            count = read(block.data(), block.size());
             kept.append(block.data(), count);
         }
     } catch (...) {

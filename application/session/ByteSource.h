@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -12,8 +13,13 @@
 class ByteSource
 {
 public:
-    /** @param path "-" is the standard input. @throw FileError if it cannot be opened. */
-    explicit ByteSource(const std::string& path);
+    /**
+     * @param path     "-" is the standard input.
+     * @param mostKept what is kept ends soon after so many bytes: a device may never end.
+     * @throw FileError if it cannot be opened.
+     */
+    explicit ByteSource(const std::string& path,
+                        std::size_t mostKept = std::numeric_limits<std::size_t>::max());
     ~ByteSource();
 
     ByteSource(const ByteSource&) = delete;

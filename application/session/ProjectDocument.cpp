@@ -39,7 +39,7 @@ std::string placeOf(const std::string& path, const XmlPosition& position)
 
 std::string bytesOf(const std::string& path)
 {
-    ByteSource source(path);
+    ByteSource source(path, longestDocument);
     std::string bytes;
     std::array<char, 1 << 16> block;
     while (const std::size_t count = source.read(block.data(), block.size())) {

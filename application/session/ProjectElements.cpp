@@ -296,24 +296,6 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
     }
 }
 
-std::string textOfExcluded(std::vector<std::size_t> positions)
-{
-    std::sort(positions.begin(), positions.end());
-    std::string text;
-    for (std::size_t begin = 0; begin < positions.size();) {
-        std::size_t end = begin + 1;
-        while (end < positions.size() && positions[end] <= positions[end - 1] + 1) {
-            ++end;
-        }
-        const std::size_t first = positions[begin] + 1;
-        const std::size_t last = positions[end - 1] + 1;
-        text += (text.empty() ? "" : ",") + std::to_string(first);
-        text += first == last ? std::string() : '-' + std::to_string(last);
-        begin = end;
-    }
-    return text;
-}
-
 void readUserDistributions(const XmlNode& element)
 {
     allowAttributes(element, {});
@@ -422,11 +404,13 @@ XmlNode outputsElement(const std::vector<std::string>& outputs)
     return list;
 }
 
-XmlNode excludedElement(const std::vector<std::size_t>& excluded)
+XmlNode excludedElement(std::vector<std::size_t> excluded)
 {
+    std::sort(excluded.begin(), excluded.end());
+    excluded.erase(std::unique(excluded.begin(), excluded.end()), excluded.end());
     XmlNode element = XmlNode::element("ExcludedCases");
     if (!excluded.empty()) {
-        element.children.push_back(XmlNode::textNode(textOfExcluded(excluded)));
+        element.children.push_back(XmlNode::textNode(caseNumbersText(excluded)));
     }
     return element;
 }

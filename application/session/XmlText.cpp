@@ -175,8 +175,11 @@ public:
         }
         if (parser.hasError()) {
             const XmlPosition position = cursor.at(parser.characterOffset() - 1);
-            throw XmlFault(position,
-                           std::string(malformed) + shownText(parser.errorString().toStdString()));
+            std::string reason = shownText(parser.errorString().toStdString());
+            if (!reason.empty() && reason.back() == '.') {
+                reason.pop_back();
+            }
+            throw XmlFault(position, std::string(malformed) + reason + '.');
         }
         return std::move(root);
     }
@@ -238,14 +241,14 @@ private:
         openNodes.push_back(std::move(node));
     }
 
-    /** Where a tag begins whose token does: before the root a token takes in the blanks, after a
-     *  text the parser has taken the bracket already. */
+    /** Where a tag begins whose token does: before the root a token takes in the blanks; elsewhere
+     *  the parser may have taken the bracket, and part of the tag, already. */
     qint64 bracketOf(qint64 begin) const
     {
         while (text.at(static_cast<int>(begin)).isSpace()) {
             ++begin;
         }
-        return text.at(static_cast<int>(begin)) == QLatin1Char('<') ? begin : begin - 1;
+        return text.lastIndexOf(QLatin1Char('<'), static_cast<int>(begin));
     }
 
     void close()
