@@ -220,6 +220,7 @@ KrigingPredictor::Parts Fitter::commonParts() const
     parts.trend = trend;
     parts.offset = offset;
     parts.scale = scale;
+    parts.data = data;
     return parts;
 }
 
@@ -230,11 +231,16 @@ KrigingFit Fitter::withCorrelation()
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     FitProgress::report(0.99, "Measuring the fit");
     const bool isNuggetWanted = options.nugget > 0.0 || found.isNuggetRaised;
-    if (!isNuggetWanted && found.parameters.nugget <= KrigingSearch::Settings().soundNugget) {
+    const bool meetsCases =
+        !isNuggetWanted && found.parameters.nugget <= KrigingSearch::Settings().soundNugget;
+    if (meetsCases) {
         likelihood.refineWithoutNugget();
     }
 
     KrigingPredictor::Parts parts = commonParts();
+    parts.processVariance = likelihood.processVariance();
+    parts.nugget = found.parameters.nugget;
+    parts.meetsCases = meetsCases;
     auto correlation =
         std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
     correlation->setLengths(found.parameters.lengths);
@@ -265,6 +271,7 @@ KrigingFit Fitter::withTrendAlone()
     const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = leastSquares.coefficients;
+    parts.processVariance = leastSquares.variance;
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance, data->cases);
@@ -277,20 +284,24 @@ KrigingFit Fitter::withTrendAlone()
 /** The mean of the rows, where no input varies or the output does not. */
 KrigingFit Fitter::constant()
 {
-    data->terms = 1;
-    const std::size_t anyCase = 1;
-    trend = std::make_shared<KrigingTrend>(anyCase, 0, data->coordinates, 0, 0);
-    KrigingPredictor::Parts parts = commonParts();
-    parts.coefficients = {0.0};
-    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    reportTrend(fit, {0.0});
-
     const auto n = static_cast<double>(output.size());
     double squares = 0.0; // of the standardised output
     for (const double y : output) {
         const double deviation = (y - offset) / scale;
         squares += deviation * deviation;
     }
+
+    // One case that stands for all rows.
+    data->cases = 1;
+    data->terms = 1;
+    data->trend = {1.0};
+    data->rows = {n};
+    trend = std::make_shared<KrigingTrend>(data->cases, 0, data->coordinates, 0, 0);
+    KrigingPredictor::Parts parts = commonParts();
+    parts.coefficients = {0.0};
+    parts.processVariance = squares / n;
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
+    reportTrend(fit, {0.0});
     reportIndependent(fit, squares / n, output.size());
     fit.metrics.cases = output.size();
     fit.metrics.terms = 1;

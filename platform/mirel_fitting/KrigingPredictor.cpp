@@ -1,7 +1,9 @@
 #include <mirel_fitting/KrigingPredictor.h>
 
 #include <mirel_fitting/KrigingGrid.h>
+#include <mirel_fitting/KrigingVariance.h>
 #include <mirel_fitting/OrderedChunks.h>
+#include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include <algorithm>
@@ -158,4 +160,30 @@ void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::s
             }
         }
     }
+}
+
+void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::size_t count,
+                                      bool ofObservation, double* result) const
+{
+    const SingleThreadedBlas singleThreaded;
+    if (!variance) {
+        variance = std::make_shared<KrigingVariance>(parts);
+    }
+    const double noise = ofObservation ? variance->noise() : 0.0;
+    const auto makeWorker = [&] {
+        auto block = std::make_shared<Block>(parts);
+        auto workspace = std::make_shared<KrigingVariance::Workspace>(*variance, blockSize);
+        return std::make_unique<Piecework>([&, block, workspace](std::size_t chunk) {
+            const std::size_t first = chunk * blockSize;
+            const std::size_t size = std::min(blockSize, count - first);
+            block->read(columns, first, size);
+            variance->evaluate(block->points, size, *workspace, result + first);
+            for (std::size_t i = 0; i < size; ++i) {
+                const double squared = parts.processVariance * (result[first + i] + noise);
+                result[first + i] =
+                    block->isFinite[i] ? parts.scale * std::sqrt(squared) : notANumber;
+            }
+        });
+    };
+    OrderedChunks::run((count + blockSize - 1) / blockSize, threadCount(), makeWorker, nullptr);
 }

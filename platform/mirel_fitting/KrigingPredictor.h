@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/MaternCorrelation.h>
 #include <mirel_fitting/ProductGrid.h>
@@ -7,6 +8,8 @@
 #include <cstddef>
 #include <memory>
 #include <vector>
+
+class KrigingVariance;
 
 /** Evaluates one fitted Kriging model: y(x) = offset + scale (trend(x) + sum of w_j c(x, x_j)). */
 class KrigingPredictor
@@ -23,6 +26,12 @@ public:
         std::vector<double> weights;
         double offset = 0.0;
         double scale = 1.0;
+
+        // For standard errors.
+        std::shared_ptr<const KrigingData> data; ///< the cases: coordinates, trend, rows
+        double processVariance = 0.0;            ///< of the standardised output
+        double nugget = 0.0;                     ///< relative to it
+        bool meetsCases = false; ///< whether the nugget was taken out of the weights again
 
         /** The coordinate, from 0 to 1 over the cases, of a finite value of `inputs[k]`. Kept so
          *  small that products of two are finite; the correlation is 0 long before. */
@@ -57,8 +66,18 @@ public:
     void differentiate(const std::vector<double*>& columns, std::size_t count,
                        const std::vector<double*>& gradients) const;
 
+    /**
+     * Standard errors in the output's unit, NaN where a prediction is NaN. The first call
+     * factorises the correlation matrix of the cases and keeps the factor: n^3 / 3 multiplications
+     * and n^2 numbers for n cases; each point costs n^2. Threads as for predict().
+     * @param ofObservation whether to include the noise of a new case.
+     */
+    void standardErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
+                        double* result) const;
+
 private:
     class Block;
 
     Parts parts;
+    mutable std::shared_ptr<const KrigingVariance> variance; // made when first wanted
 };

@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
+#include <mirel_fitting/CaseRanges.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/TrainingColumns.h>
@@ -122,7 +123,7 @@ public:
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount)
         : columns(independentColumns, dependentColumns, rowCount),
-          cases(independentColumns, rowCount)
+          ranges(independentColumns, rowCount), cases(independentColumns, rowCount)
     {
         if (cases.pointCount() > mostPoints) {
             throw Error("Kriging takes at most " + std::to_string(mostPoints) +
@@ -132,6 +133,12 @@ public:
         for (const double* column : dependentColumns) {
             outputs.emplace_back(column, column + rowCount);
         }
+    }
+
+    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
+    {
+        std::vector<double*> noOutputs;
+        columns.requireEvaluation(inputs, {}, noOutputs, count);
     }
 
     const KrigingFit& fit(int offset)
@@ -148,6 +155,7 @@ public:
     }
 
     TrainingColumns columns;
+    CaseRanges ranges;
     KrigingCases cases;
     std::vector<std::vector<double>> outputs;
     KrigingOptions options;
@@ -247,4 +255,55 @@ std::vector<std::string> KrigingSurrogateModel::fitWarnings(int offset) const
 KrigingReport KrigingSurrogateModel::krigingReport(int offset) const
 {
     return impl->fit(offset).report;
+}
+
+void KrigingSurrogateModel::standardErrors(const std::vector<double*>& inputs,
+                                           const std::set<int>& offsets, Kind kind,
+                                           std::vector<double*>& errors, std::size_t count) const
+{
+    impl->columns.requireEvaluation(inputs, offsets, errors, count);
+    std::size_t k = 0;
+    for (const int offset : offsets) {
+        const KrigingFit& fit = impl->fit(offset);
+        if (count > 0) {
+            fit.predictor.standardErrors(inputs, count, kind == Kind::Observation, errors[k]);
+        }
+        ++k;
+    }
+}
+
+void KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
+                                      const std::vector<double*>& gradients,
+                                      std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    if (gradients.size() != inputs.size()) {
+        throw Error("There have to be as many columns for derivatives as inputs, " +
+                    std::to_string(inputs.size()) + ", not " + std::to_string(gradients.size()) +
+                    ".");
+    }
+    for (std::size_t k = 0; k < gradients.size(); ++k) {
+        if (count > 0 && !gradients[k]) {
+            throw Error("There is no column for the derivatives by V" + std::to_string(k + 1) +
+                        ".");
+        }
+    }
+    const KrigingFit& fit = impl->fit(offset);
+    if (count > 0) {
+        fit.predictor.differentiate(inputs, count, gradients);
+    }
+}
+
+void KrigingSurrogateModel::extrapolations(const std::vector<double*>& inputs, double* distances,
+                                           std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    impl->ranges.distances(inputs, count, distances);
+}
+
+std::string KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs,
+                                                        std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    return impl->ranges.warning(inputs, count);
 }

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** The ranges of the inputs over the cases: what is behind ExtrapolationInterface. */
+class CaseRanges
+{
+public:
+    /** @param columns one array of `rows` finite values per input, borrowed for the call. */
+    CaseRanges(const std::vector<double*>& columns, std::size_t rows);
+
+    /** See ExtrapolationInterface::extrapolations(). */
+    void distances(const std::vector<double*>& points, std::size_t count, double* result) const;
+
+    /** See ExtrapolationInterface::extrapolationWarning(). */
+    std::string warning(const std::vector<double*>& points, std::size_t count) const;
+
+private:
+    double distance(std::size_t input, double value) const;
+
+    std::vector<double> minima;
+    std::vector<double> maxima;
+    std::vector<bool> isConstant; // up to rounding
+};

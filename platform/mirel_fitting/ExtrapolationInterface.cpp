@@ -1,0 +1,3 @@
+#include <mirel_fitting/ExtrapolationInterface.h>
+
+ExtrapolationInterface::~ExtrapolationInterface() = default;

@@ -1,0 +1,3 @@
+#include <mirel_fitting/GradientInterface.h>
+
+GradientInterface::~GradientInterface() = default;

@@ -1,0 +1,3 @@
+#include <mirel_fitting/StandardErrorInterface.h>
+
+StandardErrorInterface::~StandardErrorInterface() = default;

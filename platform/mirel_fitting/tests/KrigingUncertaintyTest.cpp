@@ -1,0 +1,394 @@
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <set>
+#include <string>
+
+namespace {
+
+using Kind = StandardErrorInterface::Kind;
+
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+std::vector<double> standardErrors(const KrigingSurrogateModel& model, Columns points,
+                                   Kind kind = Kind::Mean)
+{
+    std::vector<double> errors(points.empty() ? 1 : points[0].size(), -7.0);
+    std::vector<double*> outputs = {errors.data()};
+    model.standardErrors(pointersTo(points), {0}, kind, outputs, errors.size());
+    return errors;
+}
+
+Columns gradients(const KrigingSurrogateModel& model, Columns points)
+{
+    Columns result(points.size(), std::vector<double>(points[0].size(), -7.0));
+    model.gradients(pointersTo(points), 0, pointersTo(result), points[0].size());
+    return result;
+}
+
+double wave(const std::vector<double>& x)
+{
+    return std::sin(4.0 * x[0]) + x[0] * x[1] + 0.3 * std::cos(6.0 * x[1]);
+}
+
+/** Twelve cases of `wave`, with given lengths and nugget. */
+struct Given
+{
+    KrigingSurrogateModel model(int trendOrder, double nugget) const
+    {
+        KrigingArguments arguments;
+        arguments.correlationLengths = lengths;
+        arguments.trendOrder = trendOrder;
+        arguments.nugget = nugget;
+        arguments.nuggetMode = 1;
+        return arguments.model(inputs, {valuesOf(wave, inputs)});
+    }
+
+    Columns inputs = latinHypercube(12, 2, 3);
+    std::vector<double> lengths = {0.4, 0.9};
+};
+
+/** The squared standard error over the process variance, from the Kriging system with Lagrange
+ *  multipliers in extended precision. */
+long double relativeVariance(const Given& given, int trendOrder, double nugget,
+                             const std::vector<double>& point)
+{
+    using Real = long double;
+    const std::size_t n = given.inputs[0].size();
+    std::vector<std::vector<double>> points;
+    for (std::size_t i = 0; i < n; ++i) {
+        points.push_back({given.inputs[0][i], given.inputs[1][i]});
+    }
+    const auto correlation = [&](const std::vector<double>& a, const std::vector<double>& b) {
+        Real product = 1.0L;
+        for (std::size_t k = 0; k < 2; ++k) {
+            const Real z =
+                std::sqrt(5.0L) * std::fabs(static_cast<Real>(a[k]) - b[k]) / given.lengths[k];
+            product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
+        }
+        return product;
+    };
+    const auto terms = [&](const std::vector<double>& x) {
+        std::vector<Real> values = {1.0L};
+        if (trendOrder >= 1) {
+            values.insert(values.end(), {x[0], x[1]});
+        }
+        if (trendOrder == 2) {
+            values.insert(values.end(),
+                          {static_cast<Real>(x[0]) * x[0], static_cast<Real>(x[0]) * x[1],
+                           static_cast<Real>(x[1]) * x[1]});
+        }
+        return values;
+    };
+
+    const std::size_t p = terms(point).size();
+    std::vector<std::vector<Real>> matrix(n + p, std::vector<Real>(n + p + 1, 0.0L));
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < n; ++j) {
+            matrix[i][j] = correlation(points[i], points[j]);
+        }
+        matrix[i][i] += nugget;
+        for (std::size_t t = 0; t < p; ++t) {
+            matrix[i][n + t] = matrix[n + t][i] = terms(points[i])[t];
+        }
+        matrix[i][n + p] = correlation(points[i], point);
+    }
+    for (std::size_t t = 0; t < p; ++t) {
+        matrix[n + t][n + p] = terms(point)[t];
+    }
+    std::vector<Real> right;
+    for (const std::vector<Real>& row : matrix) {
+        right.push_back(row.back());
+    }
+    for (std::size_t j = 0; j < n + p; ++j) {
+        std::size_t pivot = j;
+        for (std::size_t i = j + 1; i < n + p; ++i) {
+            pivot = std::fabs(matrix[i][j]) > std::fabs(matrix[pivot][j]) ? i : pivot;
+        }
+        std::swap(matrix[j], matrix[pivot]);
+        for (std::size_t i = 0; i < n + p; ++i) {
+            const Real factor = i == j ? 0.0L : matrix[i][j] / matrix[j][j];
+            for (std::size_t k = j; k <= n + p && factor != 0.0L; ++k) {
+                matrix[i][k] -= factor * matrix[j][k];
+            }
+        }
+    }
+    Real variance = 1.0L;
+    for (std::size_t i = 0; i < n + p; ++i) {
+        variance -= right[i] * matrix[i][n + p] / matrix[i][i];
+    }
+    return variance;
+}
+
+const Columns somePoints = {{0.1, 0.5, 0.93, 1.7, -3.0}, {0.2, 0.6, 0.01, 0.5, 9.0}};
+
+} // namespace
+
+TEST(KrigingUncertainty, IsTheUniversalKrigingVarianceInExtendedPrecision)
+{
+    const Given given;
+    for (const int order : {0, 1, 2}) {
+        const double nugget = 0.01;
+        const KrigingSurrogateModel model = given.model(order, nugget);
+        ASSERT_EQ(model.krigingReport(0).trendOrder, order);
+        const double variance = model.krigingReport(0).processVariance;
+
+        const std::vector<double> ofMean = standardErrors(model, somePoints);
+        const std::vector<double> ofCase = standardErrors(model, somePoints, Kind::Observation);
+
+        for (std::size_t i = 0; i < ofMean.size(); ++i) {
+            const auto expected = static_cast<double>(
+                relativeVariance(given, order, nugget, {somePoints[0][i], somePoints[1][i]}));
+            EXPECT_NEAR(ofMean[i] * ofMean[i] / variance, expected, 1e-11 * (1.0 + expected));
+            EXPECT_NEAR(ofCase[i] * ofCase[i] / variance, expected + nugget,
+                        1e-11 * (1.0 + expected));
+        }
+    }
+}
+
+TEST(KrigingUncertainty, IsZeroAtCasesThatAreMet)
+{
+    const Columns inputs = latinHypercube(60, 2, 5);
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, {valuesOf(wave, inputs)});
+
+    for (const Kind kind : {Kind::Mean, Kind::Observation}) {
+        for (const double error : standardErrors(model, inputs, kind)) {
+            EXPECT_EQ(error, 0.0);
+        }
+    }
+}
+
+TEST(KrigingUncertainty, IsPositiveBetweenCasesAndLargerOutside)
+{
+    const Columns inputs = latinHypercube(60, 2, 5);
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, {valuesOf(wave, inputs)});
+    const double deviation = std::sqrt(model.krigingReport(0).processVariance);
+
+    const std::vector<double> errors =
+        standardErrors(model, {{0.5, 1.5, 100.0}, {0.5, 0.5, 100.0}});
+
+    EXPECT_GT(errors[0], 1e-6 * deviation);
+    EXPECT_GT(errors[1], 10.0 * errors[0]);
+    EXPECT_GT(errors[2], deviation) << "the trend is uncertain too";
+}
+
+TEST(KrigingUncertainty, CoversTheErrorsOfPredictions)
+{
+    const Columns inputs = latinHypercube(40, 2, 7);
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, {valuesOf(wave, inputs)});
+    const Columns points = latinHypercube(500, 2, 8);
+    const std::vector<double> found = predictions(model, points);
+    const std::vector<double> expected = valuesOf(wave, points);
+    const std::vector<double> errors = standardErrors(model, points);
+
+    std::size_t within = 0;
+    for (std::size_t i = 0; i < 500; ++i) {
+        within += std::fabs(found[i] - expected[i]) <= 3.0 * errors[i] ? 1 : 0;
+    }
+
+    // All but a few would be for a normal distribution; this surface is smoother than the model.
+    EXPECT_GE(within, 480u);
+}
+
+TEST(KrigingUncertainty, IsInTheUnitOfTheOutput)
+{
+    const Given given;
+    const KrigingArguments arguments{1e-4, given.lengths, 1, 0.5, 0.01, 1};
+    const std::vector<double> expected = standardErrors(given.model(1, 0.01), somePoints);
+    for (const double unit : {1e-12, 1e12}) {
+        std::vector<double> output = valuesOf(wave, given.inputs);
+        for (double& value : output) {
+            value *= unit;
+        }
+
+        const std::vector<double> errors =
+            standardErrors(arguments.model(given.inputs, {output}), somePoints);
+
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_NEAR(errors[i], unit * expected[i], 1e-12 * unit * expected[i]);
+        }
+    }
+}
+
+TEST(KrigingUncertainty, OfAMeanIsTheStandardErrorOfTheMean)
+{
+    Columns points = {{3.0, 4.0}};
+    const KrigingSurrogateModel model =
+        KrigingArguments().model({{2.0, 2.0, 2.0, 2.0}}, {{1.0, 3.0, 1.0, 3.0}});
+
+    // The variance is estimated by maximum likelihood: 1.
+    EXPECT_DOUBLE_EQ(standardErrors(model, points)[0], 0.5);
+    EXPECT_DOUBLE_EQ(standardErrors(model, points, Kind::Observation)[1], std::sqrt(1.25));
+}
+
+TEST(KrigingUncertainty, IsZeroForOneCaseAndForAConstant)
+{
+    const KrigingSurrogateModel one = KrigingArguments().model({{2.0}, {3.0}}, {{5.0}});
+    const KrigingSurrogateModel constant =
+        KrigingArguments().model({{2.0, 3.0, 4.0}}, {{5.0, 5.0, 5.0}});
+    const KrigingSurrogateModel noInputs = KrigingArguments().model({}, {{5.0}});
+
+    EXPECT_EQ(standardErrors(one, {{7.0}, {8.0}})[0], 0.0);
+    EXPECT_EQ(standardErrors(constant, {{7.0}})[0], 0.0);
+    EXPECT_EQ(standardErrors(noInputs, {})[0], 0.0);
+    EXPECT_EQ(gradients(one, {{7.0}, {8.0}}), (Columns{{0.0}, {0.0}}));
+    EXPECT_EQ(gradients(constant, {{7.0}}), (Columns{{0.0}}));
+}
+
+TEST(KrigingUncertainty, IsRoundingWhereTheTrendExplainsEverything)
+{
+    const Columns inputs = latinHypercube(20, 2, 5);
+    const auto plane = [](const std::vector<double>& x) { return 3.0 * x[0] - 2.0 * x[1]; };
+    const KrigingSurrogateModel model = KrigingArguments().model(inputs, {valuesOf(plane, inputs)});
+
+    for (const double error : standardErrors(model, somePoints)) {
+        EXPECT_LT(error, 1e-13);
+    }
+    const Columns slopes = gradients(model, somePoints);
+    EXPECT_NEAR(slopes[0][2], 3.0, 1e-12);
+    EXPECT_NEAR(slopes[1][2], -2.0, 1e-12);
+}
+
+TEST(KrigingUncertainty, GivesNaNForPointsThatAreNotFiniteOnly)
+{
+    const KrigingSurrogateModel model = Given().model(1, 0.01);
+    const Columns points = {{0.5, notANumber, 0.5}, {0.5, 0.5, HUGE_VAL}};
+
+    const std::vector<double> errors = standardErrors(model, points);
+    const Columns slopes = gradients(model, points);
+
+    EXPECT_GT(errors[0], 0.0);
+    EXPECT_TRUE(std::isfinite(slopes[0][0]) && std::isfinite(slopes[1][0]));
+    for (const std::size_t i : {1u, 2u}) {
+        EXPECT_TRUE(std::isnan(errors[i]));
+        EXPECT_TRUE(std::isnan(slopes[0][i]));
+        EXPECT_TRUE(std::isnan(slopes[1][i]));
+    }
+}
+
+TEST(KrigingUncertainty, HasTheSameBitsForAnyNumberOfThreads)
+{
+    const KrigingSurrogateModel model = Given().model(1, 0.01);
+    const Columns points = latinHypercube(3000, 2, 9);
+    setThreadCount(1);
+    const std::vector<double> one = standardErrors(model, points);
+    setThreadCount(3);
+    const std::vector<double> three = standardErrors(model, points);
+    setThreadCount(0);
+
+    EXPECT_EQ(one, three);
+}
+
+TEST(KrigingGradients, EqualFiniteDifferencesOfThePredictions)
+{
+    const Columns inputs = latinHypercube(40, 3, 11);
+    const auto function = [](const std::vector<double>& x) { return wave(x) + x[2] * x[2] * x[0]; };
+    for (const int order : {0, 1, 2}) {
+        KrigingArguments arguments;
+        arguments.trendOrder = order;
+        const KrigingSurrogateModel model = arguments.model(inputs, {valuesOf(function, inputs)});
+        const Columns points = latinHypercube(1100, 3, 12); // more than a block
+        const Columns slopes = gradients(model, points);
+
+        const double step = 1e-5;
+        for (std::size_t k = 0; k < 3; ++k) {
+            Columns more = points;
+            Columns less = points;
+            for (std::size_t i = 0; i < 1100; ++i) {
+                more[k][i] += step;
+                less[k][i] -= step;
+            }
+            const std::vector<double> above = predictions(model, more);
+            const std::vector<double> below = predictions(model, less);
+            for (std::size_t i = 0; i < 1100; ++i) {
+                // The difference is good to the square of the step, and to the rounding of the
+                // predictions over it.
+                ASSERT_NEAR(slopes[k][i], (above[i] - below[i]) / (2.0 * step), 2e-6)
+                    << order << ", input " << k << ", point " << i;
+            }
+        }
+    }
+}
+
+TEST(KrigingGradients, AreInTheUnitsOfTheColumns)
+{
+    const Given given;
+    Columns inputs = given.inputs;
+    std::vector<double> output = valuesOf(wave, inputs);
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        inputs[0][i] = 1e6 * inputs[0][i] + 3e6;
+        output[i] *= 1e-9;
+    }
+    const KrigingArguments arguments{1e-4, {0.4e6, 0.9}, 1, 0.5, 0.01, 1};
+
+    const Columns expected = gradients(given.model(1, 0.01), {{0.25}, {0.5}});
+    const Columns found = gradients(arguments.model(inputs, {output}), {{1e6 * 0.25 + 3e6}, {0.5}});
+
+    EXPECT_NEAR(found[0][0], 1e-15 * expected[0][0], 1e-24);
+    EXPECT_NEAR(found[1][0], 1e-9 * expected[1][0], 1e-18);
+}
+
+TEST(KrigingGradients, AreZeroForAConstantInput)
+{
+    Columns inputs = latinHypercube(20, 3, 11);
+    inputs[1].assign(20, 4.0);
+    const KrigingSurrogateModel model = KrigingArguments().model(
+        inputs, {valuesOf([](const auto& x) { return std::sin(5.0 * x[0]) * x[2]; }, inputs)});
+
+    const Columns slopes = gradients(model, {{0.5}, {4.5}, {0.5}});
+
+    EXPECT_NE(slopes[0][0], 0.0);
+    EXPECT_EQ(slopes[1][0], 0.0);
+    EXPECT_NE(slopes[2][0], 0.0);
+}
+
+TEST(KrigingUncertainty, RefusesWhatDoesNotFitTheModel)
+{
+    const KrigingSurrogateModel model = Given().model(1, 0.01);
+    double value = 0.0;
+    std::vector<double*> one = {&value};
+    std::vector<double*> two = {&value, &value};
+    const auto errorOf = [](const auto& action) -> std::string {
+        try {
+            action();
+        } catch (const SurrogateModelInterface::Error& error) {
+            return error.what();
+        }
+        return "";
+    };
+
+    EXPECT_EQ(errorOf([&] { model.standardErrors(one, {0}, Kind::Mean, one, 1); }),
+              "The model has 2 inputs, but values are given for 1.");
+    EXPECT_EQ(errorOf([&] {
+                  model.standardErrors(two, {0, 1}, Kind::Mean, one, 1);
+              }),
+              "The model is asked for 2 outputs, but there is room for 1.");
+    EXPECT_EQ(errorOf([&] { model.gradients(two, 0, one, 1); }),
+              "There have to be as many columns for derivatives as inputs, 2, not 1.");
+    EXPECT_EQ(errorOf([&] {
+                  model.gradients(two, 0, {&value, nullptr}, 1);
+              }),
+              "There is no column for the derivatives by V2.");
+    EXPECT_EQ(errorOf([&] { model.gradients(two, 1, two, 1); }),
+              "There is no output at offset 1: the model has 1 output, counted from 0.");
+    EXPECT_EQ(errorOf([&] { model.extrapolations(one, &value, 1); }),
+              "The model has 2 inputs, but values are given for 1.");
+    EXPECT_EQ(errorOf([&] { model.gradients({nullptr, nullptr}, 0, {nullptr, nullptr}, 0); }), "");
+}
+
+TEST(KrigingExtrapolation, IsSaidByTheModel)
+{
+    const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
+    const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});
+    Columns points = {{11.0, 16.0}, {0.0, 0.0}};
+    std::vector<double> distances(2);
+
+    model.extrapolations(pointersTo(points), distances.data(), 2);
+
+    EXPECT_EQ(distances, (std::vector<double>{0.0, 0.5}));
+    EXPECT_EQ(model.extrapolationWarning(pointersTo(points), 2),
+              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
+              "not rely on predictions there.");
+}
