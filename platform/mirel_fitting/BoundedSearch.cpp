@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -92,7 +93,9 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
         done = true;
         return;
     }
-    objective.gradient(gradient);
+    if (learn()) {
+        return;
+    }
     // Steepest ascent whose longest component is the trust radius.
     const double slope = std::max(largestMagnitude(gradient), 1e-300);
     for (std::size_t i = 0; i < size; ++i) {
@@ -103,12 +106,6 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
 bool BoundedSearch::isFeasible() const
 {
     return std::isfinite(currentValue);
-}
-
-void BoundedSearch::setCurvature(std::vector<double> matrix)
-{
-    hessian = std::move(matrix);
-    hasCurvature = true;
 }
 
 bool BoundedSearch::isDone() const
@@ -126,14 +123,11 @@ const std::vector<double>& BoundedSearch::point() const
     return current;
 }
 
-const std::vector<double>& BoundedSearch::curvature() const
-{
-    return hessian;
-}
-
 void BoundedSearch::advance(int steps, double smallestGain)
 {
     constexpr int mostTries = 12;
+    // Where the function is flat but for rounding, the model keeps expecting what never comes.
+    constexpr int mostStalls = 2;
 
     for (int k = 0; k < steps && !done; ++k) {
         proposeStep();
@@ -150,6 +144,11 @@ void BoundedSearch::advance(int steps, double smallestGain)
         }
         // A model that has just been wrong is not believed when it expects nothing more.
         const double gained = currentValue - before;
+        stalls = gained < smallestGain ? stalls + 1 : 0;
+        if (stalls == mostStalls) {
+            done = true;
+            return;
+        }
         isModelTrusted =
             gained < 10.0 * smallestGain || std::fabs(gained - expected) < 0.5 * gained;
     }
@@ -267,6 +266,34 @@ std::vector<double> BoundedSearch::towardsMaximum(const std::vector<double>& slo
     return direction;
 }
 
+/**
+ * Asks for the gradient, and for the curvature where the objective knows it.
+ * @return whether it does.
+ */
+bool BoundedSearch::learn()
+{
+    // Of each diagonal element: keeps the matrix definite, and the variables in their own scales.
+    // Where the function is nearly flat in one, the trust box decides how far that moves.
+    constexpr double share = 1e-6;
+    constexpr double nothing = 1e-30;
+
+    std::vector<double> estimate;
+    const bool isKnown = objective.curvature(estimate);
+    objective.gradient(gradient);
+    if (isKnown) {
+        double largest = std::numeric_limits<double>::min();
+        for (std::size_t i = 0; i < size; ++i) {
+            largest = std::max(largest, estimate[i * size + i]);
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            estimate[i * size + i] += share * estimate[i * size + i] + nothing * largest;
+        }
+        hessian = std::move(estimate);
+        hasCurvature = true;
+    }
+    return isKnown;
+}
+
 bool BoundedSearch::tryStep(int mostTries)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
@@ -287,12 +314,13 @@ bool BoundedSearch::tryStep(int mostTries)
         const double reached = objective.value(current);
         if (reached >= before + sufficientShare * length * slope) {
             currentValue = reached;
-            objective.gradient(gradient);
+            learn();
             for (std::size_t i = 0; i < size; ++i) {
                 step[i] = current[i] - start[i];
             }
             trustRadius = tries == 0 ? std::min(2.0 * trustRadius, largestRadius)
                                      : std::max(largestMagnitude(step), 0.1);
+            // An estimate of the Hessian is corrected along the step just taken, too.
             updateCurvature(step, oldGradient);
             return true;
         }

@@ -12,6 +12,12 @@ public:
     /** Minus infinity where the function has no value. */
     virtual double value(const std::vector<double>& point) = 0;
 
+    /**
+     * A positive semidefinite estimate of minus the Hessian, by rows, at the point of the last
+     * value, which was finite. @return false if there is none.
+     */
+    virtual bool curvature(std::vector<double>& /*result*/) { return false; }
+
     /** At the point of the last value, which was finite; called at most once per value. */
     virtual void gradient(std::vector<double>& result) = 0;
 };
@@ -19,8 +25,9 @@ public:
 /**
  * Maximises a function of a few variables within bounds by a quasi-Newton method: the step goes to
  * the maximum of a quadratic model inside the bounds and a trust box, is shortened until the
- * function rises, and the curvature is updated by damped BFGS. Nocedal, Wright: Numerical
- * Optimization, 2nd ed., Springer 2006, sections 3.5, 16.5 and 18.3.
+ * function rises. The curvature is the objective's estimate, corrected along the last step by
+ * damped BFGS; without an estimate it is built up by these corrections alone. Nocedal, Wright:
+ * Numerical Optimization, 2nd ed., Springer 2006, sections 3.5, 16.5 and 18.3.
  *
  * It can be advanced in portions, so that several searches can compete.
  */
@@ -34,19 +41,15 @@ public:
     /** Whether the function has a value at the start. */
     bool isFeasible() const;
 
-    /** Replaces the curvature that the first step assumes: minus the Hessian, positive definite. */
-    void setCurvature(std::vector<double> matrix);
-
     /**
      * At most so many steps; stops earlier when the gain that the quadratic model still expects is
-     * below `smallestGain`, or no step raises the function any more.
+     * below `smallestGain`, or steps do not raise the function by that any more.
      */
     void advance(int steps, double smallestGain);
 
     bool isDone() const;
     double value() const;
     const std::vector<double>& point() const;
-    const std::vector<double>& curvature() const;
 
 private:
     void proposeStep();
@@ -54,6 +57,7 @@ private:
                                        std::vector<std::size_t> unknowns,
                                        const std::vector<double>& lowest,
                                        const std::vector<double>& highest) const;
+    bool learn();
     bool tryStep(int mostTries);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
@@ -68,6 +72,7 @@ private:
     std::vector<double> hessian; // of minus the function, by rows
     std::vector<double> step;
     double trustRadius;
+    int stalls = 0; // steps in a row that gained next to nothing
     bool isStepLimited = false;
     bool isModelTrusted = true;
     bool hasCurvature = false;

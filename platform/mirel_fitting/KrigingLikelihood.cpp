@@ -1,7 +1,10 @@
 #include <mirel_fitting/KrigingLikelihood.h>
 
+#include <mirel_fitting/BlockedCholesky.h>
 #include <mirel_fitting/MaternCorrelation.h>
+#include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
+#include <mirel_fitting/ThreadCount.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -16,14 +19,117 @@ namespace {
 const double twoPi = 2.0 * std::acos(-1.0);
 constexpr double impossible = -std::numeric_limits<double>::infinity();
 
+/** Sums over the columns of the inverse, as they come. */
+class GradientSums : public BlockedCholesky::Visitor
+{
+public:
+    struct Totals
+    {
+        std::vector<double> derivatives;
+        std::vector<double> diagonal; // of the inverse
+    };
+
+    GradientSums(const MaternCorrelation& correlation, const double* correlations,
+                 const std::vector<double>& alpha, double variance, Totals& totals)
+        : correlation(correlation), correlations(correlations), alpha(alpha),
+          factor(1.0 / variance), totals(totals)
+    {}
+
+    void visit(std::size_t first, std::size_t columns, const double* block,
+               std::size_t stride) override
+    {
+        derivatives.assign(correlation.inputs(), 0.0);
+        correlation.addWeightedDerivatives(first, first + columns, correlations, block, stride,
+                                           alpha.data(), factor, derivatives);
+        diagonal.resize(columns);
+        for (std::size_t j = 0; j < columns; ++j) {
+            diagonal[j] = block[j * stride + j];
+        }
+    }
+
+    void handOver() override
+    {
+        for (std::size_t k = 0; k < derivatives.size(); ++k) {
+            totals.derivatives[k] += derivatives[k];
+        }
+        totals.diagonal.insert(totals.diagonal.end(), diagonal.begin(), diagonal.end());
+    }
+
+private:
+    const MaternCorrelation& correlation;
+    const double* correlations;
+    const std::vector<double>& alpha;
+    double factor;
+    Totals& totals;
+    std::vector<double> derivatives;
+    std::vector<double> diagonal;
+};
+
+class DiagonalOfInverse : public BlockedCholesky::Visitor
+{
+public:
+    explicit DiagonalOfInverse(std::vector<double>& diagonal) : diagonal(diagonal) {}
+
+    void visit(std::size_t /*first*/, std::size_t columns, const double* block,
+               std::size_t stride) override
+    {
+        elements.resize(columns);
+        for (std::size_t j = 0; j < columns; ++j) {
+            elements[j] = block[j * stride + j];
+        }
+    }
+
+    void handOver() override { diagonal.insert(diagonal.end(), elements.begin(), elements.end()); }
+
+private:
+    std::vector<double>& diagonal;
+    std::vector<double> elements;
+};
+
+constexpr std::size_t columnsPerChunk = 64;
+
+/** The products of the derivatives with a vector, a chunk of columns at a time. */
+class ProductWorker : public OrderedChunks::Worker
+{
+public:
+    ProductWorker(const MaternCorrelation& correlation, const double* correlations,
+                  const std::vector<double>& vector, std::vector<double>& totals)
+        : correlation(correlation), correlations(correlations), vector(vector), totals(totals)
+    {}
+
+    void compute(std::size_t chunk) override
+    {
+        const std::size_t first = chunk * columnsPerChunk;
+        const std::size_t last = std::min(first + columnsPerChunk, correlation.cases());
+        products.assign(totals.size(), 0.0);
+        correlation.addDerivativeProducts(first, last, correlations, vector.data(),
+                                          products.data());
+    }
+
+    void handOver(std::size_t /*chunk*/) override
+    {
+        for (std::size_t i = 0; i < totals.size(); ++i) {
+            totals[i] += products[i];
+        }
+    }
+
+private:
+    const MaternCorrelation& correlation;
+    const double* correlations;
+    const std::vector<double>& vector;
+    std::vector<double>& totals;
+    std::vector<double> products;
+};
+
 } // namespace
 
 class KrigingLikelihood::Impl
 {
 public:
-    explicit Impl(std::shared_ptr<const KrigingData> source)
+    Impl(std::shared_ptr<const KrigingData> source, KrigingLikelihood::Report report)
         : data(std::move(source)), n(data->cases), p(data->terms),
-          correlation(n, data->inputs, data->coordinates.data()), correlations(n * n), factor(n * n)
+          correlation(n, data->inputs, data->coordinates.data()), correlations(n * n),
+          cholesky(n, threadCount(), std::move(report))
     {
         for (std::size_t i = 0; i < n; ++i) {
             rowCount += data->rows[i];
@@ -37,7 +143,7 @@ public:
     double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
     std::vector<double> residuals() const;
     double logLikelihood();
-    void invert();
+    std::vector<double> derivativeProducts() const;
 
     std::shared_ptr<const KrigingData> data;
     std::size_t n;
@@ -48,8 +154,7 @@ public:
 
     MaternCorrelation correlation;
     std::vector<double> correlations; // lower triangle of C
-    std::vector<double> factor;       // lower: L of R = L L', later the inverse of R
-    bool isInverse = false;
+    BlockedCholesky cholesky;         // L of R = L L'
 
     double nugget = 0.0;
     double logDeterminant = 0.0;
@@ -63,23 +168,24 @@ public:
 
 bool KrigingLikelihood::Impl::factorise()
 {
-    correlation.fillLower(correlations.data());
-    for (std::size_t j = 0; j < n; ++j) {
-        const std::size_t diagonal = j * n + j;
-        std::copy(correlations.begin() + static_cast<std::ptrdiff_t>(diagonal),
-                  correlations.begin() + static_cast<std::ptrdiff_t>((j + 1) * n),
-                  factor.begin() + static_cast<std::ptrdiff_t>(diagonal));
-        factor[diagonal] += nugget / data->rows[j];
-    }
-    isInverse = false;
-
-    const auto order = static_cast<lapack_int>(n);
-    if (LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order) != 0) {
+    double* matrix = cholesky.values();
+    const auto order = static_cast<double>(n);
+    cholesky.forColumns(order * order, [&](std::size_t first, std::size_t last) {
+        correlation.fillLower(first, last, correlations.data());
+        for (std::size_t j = first; j < last; ++j) {
+            const std::size_t diagonal = j * n + j;
+            std::copy(correlations.begin() + static_cast<std::ptrdiff_t>(diagonal),
+                      correlations.begin() + static_cast<std::ptrdiff_t>((j + 1) * n),
+                      matrix + diagonal);
+            matrix[diagonal] += nugget / data->rows[j];
+        }
+    });
+    if (!cholesky.factorise()) {
         return false;
     }
     logDeterminant = 0.0;
     for (std::size_t j = 0; j < n; ++j) {
-        logDeterminant += 2.0 * std::log(factor[j * n + j]);
+        logDeterminant += 2.0 * std::log(matrix[j * n + j]);
     }
     return std::isfinite(logDeterminant);
 }
@@ -90,7 +196,7 @@ bool KrigingLikelihood::Impl::estimateTrend()
     const int terms = static_cast<int>(p);
     basis = data->trend;
     cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, terms, 1.0,
-                factor.data(), order, basis.data(), order);
+                cholesky.values(), order, basis.data(), order);
 
     std::vector<double> reflectors(p);
     std::vector<double> work(std::max<std::size_t>(p, 1) * 64);
@@ -128,8 +234,8 @@ double KrigingLikelihood::Impl::solve(std::vector<double>& right,
 {
     const int order = static_cast<int>(n);
     const int terms = static_cast<int>(p);
-    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(), order,
-                right.data(), 1);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, cholesky.values(),
+                order, right.data(), 1);
 
     // The second round removes the rounding of the first, which is large where the trend explains
     // nearly everything.
@@ -148,8 +254,8 @@ double KrigingLikelihood::Impl::solve(std::vector<double>& right,
                 terms, coefficients.data(), 1);
 
     const double squares = cblas_ddot(order, right.data(), 1, right.data(), 1);
-    cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, order, factor.data(), order,
-                right.data(), 1);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, order, cholesky.values(),
+                order, right.data(), 1);
     return squares;
 }
 
@@ -175,17 +281,31 @@ double KrigingLikelihood::Impl::logLikelihood()
     return -0.5 * (rowCount * std::log(twoPi * variance) + determinant + rowCount);
 }
 
-void KrigingLikelihood::Impl::invert()
+/** The derivatives of R by the logarithms of the lengths, times alpha: one column per input. */
+std::vector<double> KrigingLikelihood::Impl::derivativeProducts() const
 {
-    if (!isInverse) {
-        const auto order = static_cast<lapack_int>(n);
-        LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order);
-        isInverse = true;
+    const std::size_t stride = correlation.productStride();
+    std::vector<double> vector(stride, 0.0);
+    std::copy(alpha.begin(), alpha.end(), vector.begin());
+    std::vector<double> padded(stride * data->inputs, 0.0);
+    OrderedChunks::run((n + columnsPerChunk - 1) / columnsPerChunk, cholesky.threads(),
+                       [&] {
+                           return std::make_unique<ProductWorker>(correlation, correlations.data(),
+                                                                  vector, padded);
+                       },
+                       nullptr);
+
+    std::vector<double> result;
+    result.reserve(n * (data->inputs + 1));
+    for (std::size_t k = 0; k < data->inputs; ++k) {
+        const auto column = padded.begin() + static_cast<std::ptrdiff_t>(k * stride);
+        result.insert(result.end(), column, column + static_cast<std::ptrdiff_t>(n));
     }
+    return result;
 }
 
-KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data)
-    : impl(std::make_unique<Impl>(std::move(data)))
+KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report)
+    : impl(std::make_unique<Impl>(std::move(data), std::move(report)))
 {}
 
 KrigingLikelihood::~KrigingLikelihood() = default;
@@ -205,9 +325,13 @@ double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nu
 void KrigingLikelihood::gradient(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
-    impl->invert();
-    impl->correlation.weightedDerivatives(impl->correlations.data(), impl->factor.data(),
-                                          impl->alpha.data(), 1.0 / impl->variance, result);
+    GradientSums::Totals totals;
+    totals.derivatives.assign(impl->data->inputs, 0.0);
+    impl->cholesky.visitInverse([&] {
+        return std::make_unique<GradientSums>(impl->correlation, impl->correlations.data(),
+                                              impl->alpha, impl->variance, totals);
+    });
+    result = totals.derivatives;
 
     // The rows that a case stands for share its nugget.
     double explained = impl->scatter > 0.0 ? impl->scatter / impl->nugget : 0.0;
@@ -215,9 +339,54 @@ void KrigingLikelihood::gradient(std::vector<double>& result)
     for (std::size_t i = 0; i < impl->n; ++i) {
         const double share = impl->nugget / impl->data->rows[i];
         explained += share * impl->alpha[i] * impl->alpha[i];
-        trace += share * impl->factor[i * impl->n + i];
+        trace += share * totals.diagonal[i];
     }
     result.push_back(0.5 * (explained / impl->variance - trace));
+}
+
+void KrigingLikelihood::averageInformation(std::vector<double>& result)
+{
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t n = impl->n;
+    const std::size_t count = impl->data->inputs + 1;
+    const int order = static_cast<int>(n);
+    const int columns = static_cast<int>(count);
+    const int terms = static_cast<int>(impl->p);
+
+    // Column k: the derivative of R by parameter k, times R^-1 r.
+    std::vector<double> changes = impl->derivativeProducts();
+    for (std::size_t i = 0; i < n; ++i) {
+        changes.push_back(impl->nugget / impl->data->rows[i] * impl->alpha[i]);
+    }
+    std::vector<double> slopes(count);
+    for (std::size_t k = 0; k < count; ++k) {
+        slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * n, 1);
+    }
+
+    // Made white, and what the trend takes up removed.
+    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, columns,
+                1.0, impl->cholesky.values(), order, changes.data(), order);
+    std::vector<double> parts(impl->p * count);
+    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, columns, order, 1.0,
+                impl->basis.data(), order, changes.data(), order, 0.0, parts.data(), terms);
+    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, columns, terms, -1.0,
+                impl->basis.data(), order, parts.data(), terms, 1.0, changes.data(), order);
+    result.assign(count * count, 0.0);
+    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
+                changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
+    if (impl->scatter > 0.0) {
+        slopes.back() += impl->scatter / impl->nugget;
+        result.back() += impl->scatter / impl->nugget;
+    }
+
+    // The variance is profiled out.
+    const double squares = impl->variance * impl->rowCount;
+    for (std::size_t k = 0; k < count; ++k) {
+        for (std::size_t l = 0; l < count; ++l) {
+            double& element = result[k * count + l];
+            element = 0.5 * (element - slopes[k] * slopes[l] / squares) / impl->variance;
+        }
+    }
 }
 
 double KrigingLikelihood::processVariance() const
@@ -269,6 +438,35 @@ void KrigingLikelihood::refineWithoutNugget()
     }
 }
 
+std::vector<double> KrigingLikelihood::residuals() const
+{
+    const SingleThreadedBlas singleThreaded;
+    return impl->residuals();
+}
+
+double KrigingLikelihood::conditionEstimate() const
+{
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t n = impl->n;
+    std::vector<double> sums(n); // of the magnitudes of each column; correlations are positive
+    for (std::size_t j = 0; j < n; ++j) {
+        const double* column = impl->correlations.data() + j * n;
+        sums[j] += 1.0 + impl->nugget / impl->data->rows[j];
+        for (std::size_t i = j + 1; i < n; ++i) {
+            sums[j] += column[i];
+            sums[i] += column[i];
+        }
+    }
+    const auto order = static_cast<lapack_int>(n);
+    double reciprocal = 0.0;
+    std::vector<double> work(3 * n);
+    std::vector<lapack_int> integers(n);
+    LAPACKE_dpocon_work(LAPACK_COL_MAJOR, 'L', order, impl->cholesky.values(), order,
+                        *std::max_element(sums.begin(), sums.end()), &reciprocal, work.data(),
+                        integers.data());
+    return 1.0 / reciprocal;
+}
+
 std::vector<double> KrigingLikelihood::leaveOneOutResiduals()
 {
     // Less than this share of a diagonal element left over is its rounding error: without the case
@@ -280,14 +478,15 @@ std::vector<double> KrigingLikelihood::leaveOneOutResiduals()
     const int order = static_cast<int>(n);
     std::vector<double> projected = impl->basis;
     cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasTrans, CblasNonUnit, order,
-                static_cast<int>(impl->p), 1.0, impl->factor.data(), order, projected.data(),
+                static_cast<int>(impl->p), 1.0, impl->cholesky.values(), order, projected.data(),
                 order);
-    impl->invert();
+    std::vector<double> diagonals;
+    impl->cholesky.visitInverse([&] { return std::make_unique<DiagonalOfInverse>(diagonals); });
 
     // The diagonal of Q = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; Q y are the weights.
     std::vector<double> residuals(n);
     for (std::size_t i = 0; i < n; ++i) {
-        const double diagonal = impl->factor[i * n + i];
+        const double diagonal = diagonals[i];
         double left = diagonal;
         for (std::size_t j = 0; j < impl->p; ++j) {
             left -= projected[j * n + i] * projected[j * n + i];

@@ -3,6 +3,7 @@
 #include <mirel_fitting/KrigingData.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -21,13 +22,18 @@
  * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
  *
  * An evaluation costs n^3 / 3 multiplications, its gradient 2 n^3 / 3 more, for any number of
- * inputs. Two n x n matrices are held.
+ * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
+ * change a bit.
  */
 class KrigingLikelihood
 {
 public:
+    /** Told how many multiplications have just been done, at least every tenth of a second for
+     *  some thousand cases; what it throws ends the evaluation and passes through. */
+    using Report = std::function<void(double multiplications)>;
+
     /** @param data is shared: it has to stay as it is. */
-    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
+    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report = nullptr);
     ~KrigingLikelihood();
 
     /**
@@ -39,9 +45,17 @@ public:
 
     /**
      * Derivatives of the last evaluation, which must have been finite, by the logarithms of the
-     * lengths and, last, of the nugget. Uses up the factor: once per evaluation.
+     * lengths and, last, of the nugget.
      */
     void gradient(std::vector<double>& result);
+
+    /**
+     * The average information at the last evaluation, which must have been finite: the mean of the
+     * observed and the expected Hessian of -ln L by the logarithms of the lengths and the nugget,
+     * without the terms whose expectation is zero. Positive semidefinite, by rows; costs O(n^2) for
+     * each input. Gilmour, Thompson, Cullis: Average information REML, Biometrics 51 (1995).
+     */
+    void averageInformation(std::vector<double>& result);
 
     // The following describe the last evaluation, which must have been finite.
 
@@ -54,17 +68,24 @@ public:
     /**
      * Coefficients and weights as they would be without nugget, as far as double precision allows:
      * for a nugget that only keeps the factorisation sound, so that the prediction meets the cases.
-     * By iterative refinement, which each round takes out more of the nugget's smoothing; call it
-     * before the factor is used up. Riley: Solving systems of linear equations with a positive
-     * definite, symmetric, but possibly ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
+     * By iterative refinement, which each round takes out more of the nugget's smoothing. Riley:
+     * Solving systems of linear equations with a positive definite, symmetric, but possibly
+     * ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
      */
     void refineWithoutNugget();
+
+    /** What each case's output lies above the prediction there by coefficients() and weights(). */
+    std::vector<double> residuals() const;
+
+    /** The 1-norm of R times an estimate of that of its inverse: so many times larger than the
+     *  rounding of the outputs can that of the weights be. Higham: FORTRAN codes for estimating the
+     *  one-norm of a real or complex matrix, ACM Trans. Math. Softw. 14 (1988). */
+    double conditionEstimate() const;
 
     /**
      * What each case's output lies above its prediction by all others, lengths, nugget and variance
      * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
-     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend. Uses
-     * up the factor, like gradient().
+     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
      */
     std::vector<double> leaveOneOutResiduals();
 

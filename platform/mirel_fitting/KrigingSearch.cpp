@@ -19,12 +19,17 @@ constexpr double largestNugget = 100.0;
 constexpr double smoothNugget = 1e-6; // where starts for smooth and for noisy data begin
 constexpr double noisyNugget = 0.05;
 
-// Starts compete on so many cases: enough to tell the optima apart, and sixty times cheaper than
-// the thousand that follow.
-constexpr std::size_t casesToCompete = 250;
+// The logarithm of the nugget is searched in steps of a factor of 20 where those of the lengths
+// take one of 2.7: it has farther to go.
+constexpr double nuggetUnit = 3.0;
 
-// The likelihood of fewer has more false optima, and costs so little that more starts are made.
-constexpr std::size_t fewCases = 120;
+// Starts compete on so many cases, or somewhat more: enough to tell the optima apart.
+constexpr std::size_t casesToCompete = 100;
+
+// On the way to all cases their number grows by about this factor, so that the optimum of the one
+// before is a few steps from the next, and all of them together cost less than two steps at the
+// end.
+constexpr double rung = 2.5;
 
 /** Counts the work done, in multiplications, and tells FitProgress. */
 class Progress
@@ -52,11 +57,9 @@ class LogLikelihood : public BoundedObjective
 public:
     LogLikelihood(const std::shared_ptr<const KrigingData>& data,
                   const KrigingSearch::Settings& settings, Progress& progress)
-        : likelihood(data), settings(settings), progress(progress), inputs(data->inputs)
-    {
-        const auto n = static_cast<double>(data->cases);
-        work = n * n * n / 3.0;
-    }
+        : likelihood(data, [&progress](double work) { progress.add(work); }), settings(settings),
+          inputs(data->inputs)
+    {}
 
     KrigingParameters parameters(const std::vector<double>& point) const
     {
@@ -68,46 +71,61 @@ public:
             }
         }
         // At the bound exactly the bound: its logarithm does not lead back to the same number.
-        const bool isLeast =
-            settings.isNuggetFixed || point.back() <= std::log(settings.smallestNugget);
-        result.nugget = isLeast ? settings.smallestNugget : std::exp(point.back());
+        const bool isLeast = point.empty() || settings.isNuggetFixed ||
+                             point.back() <= std::log(settings.smallestNugget) / nuggetUnit;
+        result.nugget = isLeast ? settings.smallestNugget : std::exp(nuggetUnit * point.back());
         return result;
     }
 
     double value(const std::vector<double>& point) override
     {
-        progress.add(work);
         ++evaluations;
         const KrigingParameters at = parameters(point);
-        lastNugget = at.nugget;
+        nugget = at.nugget;
         return likelihood.evaluate(at.lengths, at.nugget);
+    }
+
+    bool curvature(std::vector<double>& result) override
+    {
+        std::vector<double> whole;
+        likelihood.averageInformation(whole);
+        const std::size_t stride = inputs + 1;
+        const std::size_t first = settings.fixedLengths.empty() ? 0 : inputs;
+        const std::size_t last = settings.isNuggetFixed ? inputs : stride;
+        const auto unit = [&](std::size_t k) { return k == inputs ? nuggetUnit : 1.0; };
+        result.clear();
+        for (std::size_t i = first; i < last; ++i) {
+            for (std::size_t j = first; j < last; ++j) {
+                result.push_back(unit(i) * unit(j) * whole[i * stride + j]);
+            }
+        }
+        return true;
     }
 
     void gradient(std::vector<double>& result) override
     {
         likelihood.gradient(result);
+        result.back() *= nuggetUnit;
         if (settings.isNuggetFixed) {
             result.pop_back();
         }
         if (!settings.fixedLengths.empty()) {
             result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
         }
-        progress.add(2.0 * work);
+        noise = nugget * likelihood.processVariance();
     }
 
-    /** What the nugget stands for at the point of the last value, which was finite: the output is
-     *  standardised. */
-    double noiseVariance() const { return lastNugget * likelihood.processVariance(); }
+    /** What the nugget stands for at the point of the last gradient: the output is standardised. */
+    double noiseVariance() const { return noise; }
 
     std::size_t evaluations = 0;
 
 private:
     KrigingLikelihood likelihood;
     const KrigingSearch::Settings& settings;
-    Progress& progress;
     std::size_t inputs;
-    double work;
-    double lastNugget = 0.0;
+    double nugget = 0.0;
+    double noise = 0.0;
 };
 
 /** Bounds and starts of the variables that are searched for. */
@@ -115,14 +133,21 @@ class Variables
 {
 public:
     Variables(const KrigingData& data, const KrigingSearch::Settings& settings)
-        : lengths(settings.fixedLengths.empty() ? data.inputs : 0), areFew(data.cases <= fewCases),
+        : lengths(settings.fixedLengths.empty() ? data.inputs : 0),
           hasNugget(!settings.isNuggetFixed)
     {
-        lower.assign(lengths, std::log(KrigingSearch::smallestLength()));
+        // Cases half of this apart along an axis are correlated by a third: less cannot be told
+        // from no correlation at all.
+        const double spacing =
+            std::pow(static_cast<double>(data.cases),
+                     -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
+        const double shortest = std::min(KrigingSearch::smallestLength(), 0.5 * spacing);
+        lower.assign(lengths, std::log(shortest));
         upper.assign(lengths, std::log(KrigingSearch::largestLength()));
         if (hasNugget) {
-            lower.push_back(std::log(settings.smallestNugget));
-            upper.push_back(std::log(std::max(largestNugget, 10.0 * settings.smallestNugget)));
+            const double largest = std::max(largestNugget, 10.0 * settings.smallestNugget);
+            lower.push_back(std::log(settings.smallestNugget) / nuggetUnit);
+            upper.push_back(std::log(largest) / nuggetUnit);
         }
     }
 
@@ -132,24 +157,24 @@ public:
     {
         std::vector<double> start(lengths, std::log(length));
         if (hasNugget) {
-            start.push_back(std::log(nugget));
+            start.push_back(std::log(nugget) / nuggetUnit);
         }
         return start;
     }
 
     std::vector<std::vector<double>> starts(double initialLength) const
     {
-        // Half the range suits most data; twice the range smooth functions of many inputs.
-        std::vector<std::vector<double>> result = {uniform(initialLength, smoothNugget),
-                                                   uniform(4.0 * initialLength, smoothNugget)};
+        std::vector<std::vector<double>> result = {uniform(initialLength, smoothNugget)};
         if (hasNugget) {
             result.push_back(uniform(initialLength, noisyNugget));
         }
         if (lengths == 0) {
             return result;
         }
+        // Half the range suits most data; twice the range smooth functions of many inputs.
+        result.push_back(uniform(4.0 * initialLength, smoothNugget));
         // Inputs of unlike influence: lengths between a fifth of the range and ten ranges.
-        const int scattered = areFew ? 10 : 4;
+        constexpr int scattered = 12;
         constexpr std::uint64_t seed = 20180;
         std::mt19937_64 generator(seed);
         for (int start = 0; start < scattered; ++start) {
@@ -163,24 +188,56 @@ public:
         return result;
     }
 
+    /**
+     * Brings lengths that have run far out back to where the input still has some influence. More
+     * cases may show it, but from far outside no slope leads back: the likelihood has a maximum
+     * there, too.
+     */
+    void recall(std::vector<double>& point) const
+    {
+        const double faint = std::log(20.0);
+        for (std::size_t k = 0; k < lengths; ++k) {
+            point[k] = std::min(point[k], faint);
+        }
+    }
+
+    /** Whether the points are the same optimum, or on their way to it. */
+    bool areClose(const std::vector<double>& a, const std::vector<double>& b) const
+    {
+        // Inputs with hardly any influence, and nuggets that stand for nothing, move freely.
+        const double longLength = std::log(10.0);
+        const double slightNugget = std::log(1e-8) / nuggetUnit;
+        constexpr double apart = 0.25;
+        for (std::size_t k = 0; k < size(); ++k) {
+            const bool isFree = k < lengths ? std::min(a[k], b[k]) > longLength
+                                            : std::max(a[k], b[k]) < slightNugget;
+            if (!isFree && std::fabs(a[k] - b[k]) > apart) {
+                return false;
+            }
+        }
+        return true;
+    }
+
     std::size_t lengths;
-    bool areFew;
     bool hasNugget;
     std::vector<double> lower;
     std::vector<double> upper;
 };
 
-bool hasHigherValue(const BoundedSearch& a, const BoundedSearch& b)
+/** A local maximum of the likelihood. */
+struct Optimum
 {
-    return a.value() > b.value();
-}
+    std::vector<double> point;
+    double value = 0.0;
+    double noiseVariance = 0.0;
+    int meetings = 1; // searches that ended here
+};
 
-void sortByValue(std::vector<BoundedSearch*>& searches)
+void sortByValue(std::vector<Optimum>& optima)
 {
-    // Stable: of equals the earlier start leads, run after run.
-    std::stable_sort(
-        searches.begin(), searches.end(),
-        [](const BoundedSearch* a, const BoundedSearch* b) { return hasHigherValue(*a, *b); });
+    // Stable: of equals the earlier one leads, run after run.
+    std::stable_sort(optima.begin(), optima.end(),
+                     [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
 }
 
 /** A few cases in random order: the cases come sorted, so that every part of them is lopsided. */
@@ -201,7 +258,7 @@ double expectedWork(const KrigingData& data)
 {
     const auto n = static_cast<double>(data.cases);
     const double m = std::min<double>(n, casesToCompete);
-    return 100.0 * m * m * m + 20.0 * n * n * n;
+    return 50.0 * m * m * m + 6.0 * n * n * n;
 }
 
 class Search
@@ -215,135 +272,189 @@ public:
     KrigingSearch::Result run();
 
 private:
-    std::size_t competitors() const;
+    std::vector<std::size_t> ladder() const;
+    void take(std::size_t cases);
+    Optimum search(const std::vector<double>& start, const std::vector<double>& upper, double gain);
     void compete();
-    void escapeDroppedInputs(LogLikelihood& objective, BoundedSearch*& best);
-    void finish(KrigingSearch::Result& result);
-    std::vector<double> preferLeastNugget(LogLikelihood& objective, const BoundedSearch& search,
-                                          double& value) const;
-    double smallestGain(std::size_t cases) const
-    {
-        // The quasi-Newton model knows only the directions that the search has taken, and expects
-        // too little of the others.
-        constexpr double trust = 0.1;
-        return trust * settings.tolerance * static_cast<double>(cases);
-    }
+    void follow(const std::vector<double>& start);
+    void shortlist();
+    bool isWorthTheWay(double start, double highestStart) const;
+    void climb(std::size_t cases);
+    void preferLeastNugget();
+    double smallestGain() const;
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
     Progress& progress;
     Variables variables;
-    std::vector<std::unique_ptr<BoundedSearch>> searches;
-    std::vector<std::vector<double>> candidates; // best first
-    std::vector<double> curvature;               // of the best, for `curvatureCases` cases
-    std::size_t curvatureCases = 0;
-    double secondGap = infinity; // between the two best optima
+    std::size_t taken = 0; // cases
+    std::unique_ptr<LogLikelihood> objective;
+    std::vector<Optimum> optima; // best first
 };
 
-std::size_t Search::competitors() const
+/** The numbers of cases that are searched with, ending with all. */
+std::vector<std::size_t> Search::ladder() const
 {
-    const std::size_t wanted = std::max(casesToCompete, 3 * (data->terms + data->inputs + 1));
-    // A little more than that is searched whole.
-    return data->cases < wanted + wanted / 2 ? data->cases : wanted;
+    const std::size_t fewest = std::max(casesToCompete, 3 * (data->terms + data->inputs + 1));
+    std::vector<std::size_t> sizes = {data->cases};
+    while (sizes.back() > fewest + fewest / 2) {
+        const double next = static_cast<double>(sizes.back()) / rung;
+        sizes.push_back(std::max(fewest, static_cast<std::size_t>(next)));
+    }
+    std::reverse(sizes.begin(), sizes.end());
+    return sizes;
 }
 
-void Search::compete()
+/** From now on the likelihood is that of so many cases. */
+void Search::take(std::size_t cases)
 {
-    const std::size_t size = competitors();
-    std::shared_ptr<const KrigingData> few = data;
-    if (size < data->cases) {
-        few = std::make_shared<KrigingData>(data->subset(sample(data->cases, size)));
-    }
-    LogLikelihood objective(few, settings, progress);
-    const double gain = smallestGain(size);
+    objective.reset(); // before the memory of the next one is taken
+    const std::shared_ptr<const KrigingData> part =
+        cases == data->cases
+            ? data
+            : std::make_shared<KrigingData>(data->subset(sample(data->cases, cases)));
+    objective = std::make_unique<LogLikelihood>(part, settings, progress);
+    taken = cases;
+}
 
-    std::vector<BoundedSearch*> running;
-    for (const std::vector<double>& start : variables.starts(settings.initialLength)) {
-        searches.push_back(
-            std::make_unique<BoundedSearch>(objective, variables.lower, variables.upper, start));
-        if (searches.back()->isFeasible()) {
-            running.push_back(searches.back().get());
-        }
-    }
-    if (running.empty()) {
-        return;
-    }
+double Search::smallestGain() const
+{
+    // The search stops at the first gain that falls below, and what it expects is an estimate.
+    constexpr double trust = 0.1;
+    return trust * settings.tolerance * static_cast<double>(taken);
+}
 
-    // The weaker part gives up after a few steps, most of the rest after some more.
-    struct Heat
-    {
-        int steps;
-        std::size_t survivors;
-    };
-    const std::size_t more = variables.areFew ? 2 : 0;
-    for (const Heat heat : {Heat{6, 4 + more}, Heat{10, 2 + more}, Heat{100, 2}}) {
-        for (BoundedSearch* search : running) {
-            search->advance(heat.steps, gain);
-        }
-        sortByValue(running);
-        running.resize(std::min(running.size(), heat.survivors));
-    }
-
-    BoundedSearch* best = running.front();
-    escapeDroppedInputs(objective, best);
-    for (BoundedSearch* search : running) {
-        const double apart = best->value() - search->value();
-        if (search != best && apart > gain) {
-            secondGap = std::min(secondGap, apart);
-        }
-    }
-    candidates.push_back(best->point());
-    curvature = best->curvature();
-    curvatureCases = size;
+Optimum Search::search(const std::vector<double>& start, const std::vector<double>& upper,
+                       double gain)
+{
+    constexpr int mostSteps = 100;
+    BoundedSearch search(*objective, variables.lower, upper, start);
+    search.advance(mostSteps, gain);
+    return {search.point(), search.value(), objective->noiseVariance()};
 }
 
 /**
- * An input whose length has run far out is flat there: if it matters after all, no gradient leads
- * back. It is brought back once, together with every other such input.
+ * Searches from start after start. Independent searches that meet in the best optimum are the
+ * evidence that it is the best: easy data need few of them, deceptive ones with many optima more.
  */
-void Search::escapeDroppedInputs(LogLikelihood& objective, BoundedSearch*& best)
+void Search::compete()
 {
-    const double dropped = std::log(10.0);
-    std::vector<double> start = best->point();
-    bool isAnyDropped = false;
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
-        if (start[k] > dropped) {
-            start[k] = std::log(1.0);
-            isAnyDropped = true;
+    constexpr std::size_t fewestStarts = 4;
+
+    std::size_t started = 0;
+    for (const std::vector<double>& start : variables.starts(settings.initialLength)) {
+        follow(start);
+        sortByValue(optima);
+        if (++started >= fewestStarts && !optima.empty() &&
+            optima.front().meetings > static_cast<int>(optima.size())) {
+            break;
         }
-    }
-    if (!isAnyDropped) {
-        return;
-    }
-    searches.push_back(
-        std::make_unique<BoundedSearch>(objective, variables.lower, variables.upper, start));
-    BoundedSearch* again = searches.back().get();
-    again->advance(100, smallestGain(competitors()));
-    if (again->isFeasible() && again->value() > best->value()) {
-        best = again;
     }
 }
 
-void Search::finish(KrigingSearch::Result& result)
+/** One search, until it ends or is seen to end where another one did. */
+void Search::follow(const std::vector<double>& start)
 {
-    searches.clear();
-    LogLikelihood objective(data, settings, progress);
-    const std::vector<double> start = candidates.empty()
-                                          ? variables.uniform(settings.initialLength, noisyNugget)
-                                          : candidates.front();
-    BoundedSearch search(objective, variables.lower, variables.upper, start);
-    if (curvatureCases > 0) {
-        for (double& element : curvature) {
-            element *= static_cast<double>(data->cases) / static_cast<double>(curvatureCases);
+    constexpr int mostSteps = 60;
+    constexpr int stepsToJudge = 8;
+    constexpr double hopeless = 5.0;
+
+    const double gain = smallestGain();
+    BoundedSearch search(*objective, variables.lower, variables.upper, start);
+    double before = search.value();
+    for (int step = 0; step < mostSteps && !search.isDone(); ++step) {
+        search.advance(1, gain);
+        const double gained = search.value() - before;
+        before = search.value();
+        if (optima.empty()) {
+            continue;
         }
-        search.setCurvature(curvature);
+        const double behind = optima.front().value - search.value();
+        if (step >= stepsToJudge && behind > hopeless + 5.0 * gained) {
+            return;
+        }
+        for (Optimum& optimum : optima) {
+            const double below = optimum.value - search.value();
+            if (below >= 0.0 && below < 1.0 && variables.areClose(search.point(), optimum.point)) {
+                ++optimum.meetings;
+                return;
+            }
+        }
     }
-    search.advance(100, smallestGain(data->cases));
-    double value = search.value();
-    result.parameters = objective.parameters(preferLeastNugget(objective, search, value));
-    result.logLikelihood = value;
-    result.secondLogLikelihood = value - secondGap;
-    result.evaluations = objective.evaluations;
+    if (!search.isFeasible()) {
+        return;
+    }
+    Optimum reached{search.point(), search.value(), objective->noiseVariance()};
+    for (Optimum& optimum : optima) {
+        if (variables.areClose(reached.point, optimum.point)) {
+            reached.meetings = optimum.meetings + 1;
+            optimum = reached.value > optimum.value ? reached : optimum;
+            optimum.meetings = reached.meetings;
+            return;
+        }
+    }
+    optima.push_back(std::move(reached));
+}
+
+/**
+ * The optima that may be the best with more cases, too: the two best ones, and the best one that
+ * takes the scatter of the cases for noise if those do not, or the other way about.
+ */
+void Search::shortlist()
+{
+    // Whoever is farther behind than this, for each case, stays behind.
+    constexpr double closeEnough = 0.03;
+    constexpr double noisy = 1e-3;
+
+    const double least = optima.front().value - 1.0 - closeEnough * static_cast<double>(taken);
+    std::vector<Optimum> kept;
+    bool areAlike = true;
+    for (const Optimum& optimum : optima) {
+        const bool isLike =
+            (optimum.noiseVariance > noisy) == (optima.front().noiseVariance > noisy);
+        if (optimum.value >= least && (kept.size() < 2 || (areAlike && !isLike))) {
+            kept.push_back(optimum);
+            areAlike = areAlike && isLike;
+        }
+    }
+    optima = std::move(kept);
+}
+
+/** With all cases a search is dear: runners-up that begin lower are left out. */
+bool Search::isWorthTheWay(double start, double highestStart) const
+{
+    constexpr double perCase = 0.005;
+    return start >= highestStart - 1.0 - perCase * static_cast<double>(taken);
+}
+
+/** Continues with more cases what was found with fewer. */
+void Search::climb(std::size_t cases)
+{
+    shortlist();
+    const auto growth = static_cast<double>(cases) / static_cast<double>(taken);
+    take(cases);
+    const bool areAll = cases == data->cases;
+    const double gain = areAll ? smallestGain() : settings.tolerance * static_cast<double>(cases);
+
+    const double before = optima.front().value;
+    double highestStart = -infinity;
+    for (Optimum& optimum : optima) {
+        const double estimate = optimum.value - before; // of what lies between the optima
+        variables.recall(optimum.point);
+        const double start = areAll && optima.size() > 1 ? objective->value(optimum.point) : 0.0;
+        highestStart = std::max(highestStart, start);
+        if (isWorthTheWay(start, highestStart)) {
+            optimum = search(optimum.point, variables.upper, gain);
+        } else {
+            optimum.value = optima.front().value + growth * estimate;
+        }
+    }
+    sortByValue(optima);
+    optima.erase(std::remove_if(optima.begin() + 1, optima.end(),
+                                [&](const Optimum& optimum) {
+                                    return variables.areClose(optimum.point, optima[0].point);
+                                }),
+                 optima.end());
 }
 
 /**
@@ -354,51 +465,65 @@ void Search::finish(KrigingSearch::Result& result)
  * chi-squared distribution. Self, Liang: Asymptotic properties of maximum likelihood estimators and
  * likelihood ratio tests under nonstandard conditions, J. Am. Stat. Assoc. 82 (1987).
  */
-std::vector<double> Search::preferLeastNugget(LogLikelihood& objective, const BoundedSearch& search,
-                                              double& value) const
+void Search::preferLeastNugget()
 {
     constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
     constexpr double significance = 2.7;
     constexpr double slightNoise = 1e-4; // its variance
     constexpr std::size_t casesPerLength = 5;
 
-    std::vector<double> point = search.point();
-    if (!variables.hasNugget || !search.isFeasible() || point.back() <= variables.lower.back()) {
-        return point;
+    const Optimum& best = optima.front();
+    if (!variables.hasNugget || best.point.back() <= variables.lower.back()) {
+        return;
     }
-    objective.value(point);
-    const double needed = objective.noiseVariance() < slightNoise ? significance : evidence;
-    const double enough = value - std::max(needed, smallestGain(data->cases));
-    point.back() = variables.lower.back();
-    double withLeast = objective.value(point);
-    if (withLeast < enough && data->cases <= casesPerLength * (data->inputs + 1)) {
+    const double needed = best.noiseVariance < slightNoise ? significance : evidence;
+    const double enough = best.value - std::max(needed, smallestGain());
+    Optimum smooth = best;
+    smooth.point.back() = variables.lower.back();
+    smooth.value = objective->value(smooth.point);
+    if (smooth.value < enough && data->cases <= casesPerLength * (data->inputs + 1)) {
         // So few cases hardly tell noise from short lengths: other lengths may do as well.
+        std::vector<double> upper = variables.upper;
+        upper.back() = variables.lower.back();
         for (const double length : {settings.initialLength, std::exp(variables.lower.front())}) {
-            std::vector<double> upper = variables.upper;
-            upper.back() = variables.lower.back();
-            BoundedSearch smooth(objective, variables.lower, upper,
-                                 variables.uniform(length, settings.smallestNugget));
-            smooth.advance(30, smallestGain(data->cases));
-            if (smooth.value() > withLeast) {
-                withLeast = smooth.value();
-                point = smooth.point();
-            }
+            const Optimum other =
+                search(variables.uniform(length, settings.smallestNugget), upper, smallestGain());
+            smooth = other.value > smooth.value ? other : smooth;
         }
     }
-    if (withLeast < enough) {
-        return search.point();
+    if (smooth.value >= enough) {
+        optima.front() = smooth;
     }
-    value = withLeast;
-    return point;
 }
 
 KrigingSearch::Result Search::run()
 {
     KrigingSearch::Result result;
-    if (variables.size() > 0) {
-        compete();
+    if (variables.size() == 0) {
+        take(data->cases);
+        const std::vector<double> nothing;
+        result.logLikelihood = objective->value(nothing);
+        result.parameters = objective->parameters(nothing);
+        result.evaluations = objective->evaluations;
+        return result;
     }
-    finish(result);
+
+    const std::vector<std::size_t> sizes = ladder();
+    take(sizes.front());
+    compete();
+    if (optima.empty()) {
+        optima.push_back({variables.uniform(settings.initialLength, noisyNugget), -infinity});
+    }
+    for (std::size_t rung = 1; rung < sizes.size(); ++rung) {
+        climb(sizes[rung]);
+    }
+    if (optima.size() > 1) {
+        result.secondLogLikelihood = optima[1].value;
+    }
+    preferLeastNugget();
+    result.logLikelihood = optima.front().value;
+    result.parameters = objective->parameters(optima.front().point);
+    result.evaluations = objective->evaluations;
     return result;
 }
 

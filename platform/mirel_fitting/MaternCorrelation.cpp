@@ -86,6 +86,43 @@ SURROGATE_SIMD void derivativeColumn(const double* columns, std::size_t stride, 
     }
 }
 
+/**
+ * What `count` cases below the diagonal of a column contribute to the products of the derivatives
+ * with a vector: products[k stride + i] for those cases, and sums[8 k ...] for the column's own.
+ */
+SURROGATE_SIMD void derivativeProductsColumn(const double* columns, std::size_t stride,
+                                             std::size_t inputs, std::size_t column,
+                                             std::size_t first, std::size_t count,
+                                             const double* correlations, const double* a,
+                                             double* products, double* sums)
+{
+    const Lanes factor = Lanes{} + a[column];
+    for (std::size_t k = 0; k < inputs; ++k) {
+        const double* x = columns + k * stride + first;
+        double* product = products + k * stride + first;
+        const Lanes center = Lanes{} + columns[k * stride + column];
+        Lanes total;
+        loadLanes(sums + laneCount * k, total);
+        for (std::size_t i = 0; i < count; i += laneCount) {
+            Lanes value;
+            Lanes z;
+            Lanes derivative;
+            Lanes other;
+            Lanes sum;
+            loadLanes(x + i, value);
+            loadLanes(correlations + i, derivative);
+            loadLanes(a + first + i, other);
+            loadLanes(product + i, sum);
+            cappedDistance(value, center, farAway, z);
+            derivative *= (z * z * (1.0 + z)) / (3.0 + z * (3.0 + z));
+            sum += derivative * factor;
+            total += derivative * other;
+            storeLanes(sum, product + i);
+        }
+        storeLanes(total, sums + laneCount * k);
+    }
+}
+
 /** How many points at a time: their coordinates stay in the first-level cache. */
 constexpr std::size_t blockPoints = 256;
 
@@ -140,9 +177,9 @@ void MaternCorrelation::scaleCases()
     }
 }
 
-void MaternCorrelation::fillLower(double* matrix) const
+void MaternCorrelation::fillLower(std::size_t first, std::size_t last, double* matrix) const
 {
-    for (std::size_t j = 0; j < caseCount; ++j) {
+    for (std::size_t j = first; j < last; ++j) {
         double* column = matrix + j * caseCount;
         column[j] = 1.0;
         correlationColumn(scaledColumns.data(), stride, inputCount, j, j + 1, caseCount,
@@ -150,36 +187,69 @@ void MaternCorrelation::fillLower(double* matrix) const
     }
 }
 
-void MaternCorrelation::weightedDerivatives(const double* correlation, const double* inverse,
-                                            const double* a, double factor,
-                                            std::vector<double>& result) const
+void MaternCorrelation::addWeightedDerivatives(std::size_t first, std::size_t last,
+                                               const double* correlation, const double* inverse,
+                                               std::size_t inverseStride, const double* a,
+                                               double factor, std::vector<double>& result) const
 {
     // A block of weights stays in the first-level cache while every input passes over it.
     constexpr std::size_t blockSize = 512;
     double weights[blockSize];
     std::vector<double> sums(laneCount * inputCount, 0.0);
 
-    for (std::size_t j = 0; j < caseCount; ++j) {
+    for (std::size_t j = first; j < last; ++j) {
         const double* correlations = correlation + j * caseCount;
-        const double* inverses = inverse + j * caseCount;
-        for (std::size_t first = j + 1; first < caseCount; first += blockSize) {
-            const std::size_t count = std::min(blockSize, caseCount - first);
+        const double* inverses = inverse + (j - first) * inverseStride;
+        for (std::size_t begin = j + 1; begin < caseCount; begin += blockSize) {
+            const std::size_t count = std::min(blockSize, caseCount - begin);
+            const double* inverseBlock = inverses + (begin - first);
             for (std::size_t i = 0; i < count; ++i) {
                 weights[i] =
-                    (a[first + i] * a[j] * factor - inverses[first + i]) * correlations[first + i];
+                    (a[begin + i] * a[j] * factor - inverseBlock[i]) * correlations[begin + i];
             }
             // What fills the last lanes weighs nothing.
             const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
             std::fill(weights + count, weights + padded, 0.0);
-            derivativeColumn(scaledColumns.data(), stride, inputCount, j, first, padded, weights,
+            derivativeColumn(scaledColumns.data(), stride, inputCount, j, begin, padded, weights,
                              sums.data());
         }
     }
 
-    result.assign(inputCount, 0.0);
     for (std::size_t k = 0; k < inputCount; ++k) {
         for (std::size_t lane = 0; lane < laneCount; ++lane) {
             result[k] += sums[laneCount * k + lane];
+        }
+    }
+}
+
+std::size_t MaternCorrelation::productStride() const
+{
+    return stride;
+}
+
+void MaternCorrelation::addDerivativeProducts(std::size_t first, std::size_t last,
+                                              const double* correlation, const double* a,
+                                              double* result) const
+{
+    constexpr std::size_t blockSize = 512;
+    double correlations[blockSize];
+    std::vector<double> sums(laneCount * inputCount);
+
+    for (std::size_t j = first; j < last; ++j) {
+        std::fill(sums.begin(), sums.end(), 0.0);
+        for (std::size_t begin = j + 1; begin < caseCount; begin += blockSize) {
+            const std::size_t count = std::min(blockSize, caseCount - begin);
+            const double* column = correlation + j * caseCount + begin;
+            std::copy(column, column + count, correlations);
+            const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
+            std::fill(correlations + count, correlations + padded, 0.0);
+            derivativeProductsColumn(scaledColumns.data(), stride, inputCount, j, begin, padded,
+                                     correlations, a, result, sums.data());
+        }
+        for (std::size_t k = 0; k < inputCount; ++k) {
+            for (std::size_t lane = 0; lane < laneCount; ++lane) {
+                result[k * stride + j] += sums[laneCount * k + lane];
+            }
         }
     }
 }

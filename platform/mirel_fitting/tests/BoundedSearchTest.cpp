@@ -32,8 +32,15 @@ public:
         result = slope(last);
     }
 
+    bool curvature(Vector& result) override
+    {
+        result = hessian;
+        return !hessian.empty();
+    }
+
     std::function<double(const Vector&)> function;
     std::function<Vector(const Vector&)> slope;
+    Vector hessian; // of minus the function, if it is known
     Vector last;
     int values = 0;
     int gradients = 0;
@@ -155,14 +162,44 @@ TEST(BoundedSearch, AdvancesInPortions)
     EXPECT_EQ(once.value(), often.value());
 }
 
-TEST(BoundedSearch, NeedsFewStepsWhenTheCurvatureIsGiven)
+TEST(BoundedSearch, NeedsFewStepsWhenTheCurvatureIsKnown)
 {
     Objective objective = bowl();
+    objective.hessian = {2.0, 1.0, 1.0, 20.0};
     BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -1.0});
-    search.setCurvature({2.0, 1.0, 1.0, 20.0});
 
     search.advance(100, 1e-9);
 
-    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 1e-9);
+    // A millionth is added to the curvature.
+    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 3e-6);
     EXPECT_LE(objective.values, 3);
+}
+
+TEST(BoundedSearch, MovesFarWhereTheCurvatureIsNearlyZero)
+{
+    // The second variable is next to flat, but not level: steps grow to what the trust box allows.
+    Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
+                        [](const Vector& x) {
+                            return Vector{-2.0 * x[0], 1e-9};
+                        });
+    objective.hessian = {2.0, 0.0, 0.0, 1e-20};
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -5.0});
+
+    search.advance(100, 0.0);
+
+    EXPECT_NEAR(search.point()[0], 0.0, 1e-6);
+    EXPECT_EQ(search.point()[1], 10.0);
+}
+
+TEST(BoundedSearch, StopsWhenStepsGainNextToNothing)
+{
+    // The slope promises a gain that never comes.
+    Objective objective([](const Vector& x) { return 1e-6 * x[0]; },
+                        [](const Vector&) { return Vector{1.0}; });
+    BoundedSearch search(objective, {-1e9}, {1e9}, {0.0});
+
+    search.advance(100, 1e-2);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_LT(objective.gradients, 10);
 }

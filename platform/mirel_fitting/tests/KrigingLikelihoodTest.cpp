@@ -1,10 +1,15 @@
 #include <mirel_fitting/KrigingLikelihood.h>
 
+#include <mirel_fitting/BlockedCholesky.h>
+#include <mirel_fitting/ThreadCount.h>
+
 #include "KrigingTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <numeric>
+#include <stdexcept>
 
 namespace {
 
@@ -207,4 +212,148 @@ TEST(KrigingLikelihood, IsImpossibleWhereTheMatrixCannotBeFactorised)
 
     EXPECT_EQ(KrigingLikelihood(data).evaluate(someLengths, 0.0),
               -std::numeric_limits<double>::infinity());
+}
+
+TEST(KrigingLikelihood, KnowsTheAverageInformation)
+{
+    // u_k = (dR / d parameter k) alpha; the derivative of alpha = P y by parameter l is -P u_l:
+    // both by central differences.
+    const auto data = someData(14);
+    const std::size_t n = data->cases;
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate(someLengths, someNugget);
+    const std::vector<double> alpha = likelihood.weights();
+    const double variance = likelihood.processVariance();
+    std::vector<double> information;
+    likelihood.averageInformation(information);
+
+    const double step = 1e-4;
+    std::vector<std::vector<double>> changes(3, std::vector<double>(n, 0.0));
+    std::vector<std::vector<double>> answers(3, std::vector<double>(n, 0.0));
+    for (std::size_t k = 0; k < 3; ++k) {
+        for (const int sign : {-1, 1}) {
+            std::vector<double> lengths = someLengths;
+            double nugget = someNugget;
+            (k < 2 ? lengths[k] : nugget) *= std::exp(sign * step);
+            likelihood.evaluate(lengths, nugget);
+            const DirectKriging at = direct(*data, lengths, nugget);
+            for (std::size_t i = 0; i < n; ++i) {
+                answers[k][i] -= sign * likelihood.weights()[i] / (2.0 * step);
+                changes[k][i] += sign * nugget * alpha[i] / (2.0 * step);
+                for (std::size_t j = 0; j < n; ++j) {
+                    const auto correlation = static_cast<double>(
+                        at.correlation({data->coordinates[i], data->coordinates[n + i]},
+                                       {data->coordinates[j], data->coordinates[n + j]}));
+                    changes[k][i] += sign * correlation * alpha[j] / (2.0 * step);
+                }
+            }
+        }
+    }
+    const auto dot = [&](const std::vector<double>& a, const std::vector<double>& b) {
+        return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
+    };
+    ASSERT_EQ(information.size(), 9u);
+    for (std::size_t k = 0; k < 3; ++k) {
+        for (std::size_t l = 0; l < 3; ++l) {
+            const double profiled = dot(alpha, changes[k]) * dot(alpha, changes[l]) /
+                                    (variance * static_cast<double>(n));
+            const double expected = 0.5 * (dot(changes[k], answers[l]) - profiled) / variance;
+            const double scale = std::sqrt(information[4 * k] * information[4 * l]);
+            EXPECT_NEAR(information[3 * k + l], expected, 1e-6 * scale) << k << ", " << l;
+        }
+    }
+}
+
+TEST(KrigingLikelihood, KnowsTheSameInformationOfRowsSummedUp)
+{
+    KrigingData all;
+    const auto data = repeatedData(all);
+    KrigingLikelihood summed(data);
+    std::vector<double> ofSums;
+    std::vector<double> ofRows;
+    summed.evaluate(someLengths, someNugget);
+    summed.averageInformation(ofSums);
+    std::fill(all.rows.begin(), all.rows.end(), 1.0);
+    std::fill(all.scatter.begin(), all.scatter.end(), 0.0);
+    KrigingLikelihood rows(std::make_shared<KrigingData>(all));
+    rows.evaluate(someLengths, someNugget);
+    rows.averageInformation(ofRows);
+
+    for (std::size_t i = 0; i < 9; ++i) {
+        EXPECT_NEAR(ofSums[i], ofRows[i], 1e-8 * (1.0 + std::fabs(ofRows[i]))) << i;
+    }
+}
+
+TEST(KrigingLikelihood, GivesTheSameBitsOnAnyNumberOfThreads)
+{
+    const auto data = someData(BlockedCholesky::smallestToSplit + 60);
+    struct
+    {
+        double value = 0.0;
+        std::vector<double> gradient;
+        std::vector<double> information;
+        std::vector<double> leaveOneOut;
+    } results[2];
+    for (const int threads : {1, 3}) {
+        setThreadCount(threads);
+        KrigingLikelihood likelihood(data);
+        auto& result = results[threads / 3];
+        result.value = likelihood.evaluate(someLengths, someNugget);
+        likelihood.gradient(result.gradient);
+        likelihood.averageInformation(result.information);
+        result.leaveOneOut = likelihood.leaveOneOutResiduals();
+    }
+    setThreadCount(0);
+
+    EXPECT_EQ(results[0].value, results[1].value);
+    EXPECT_EQ(results[0].gradient, results[1].gradient);
+    EXPECT_EQ(results[0].information, results[1].information);
+    EXPECT_EQ(results[0].leaveOneOut, results[1].leaveOneOut);
+}
+
+TEST(KrigingLikelihood, HasTheSameGradientInBlocks)
+{
+    // Above the order from which the work is split, against differences.
+    expectGradientOfDifferences(someData(BlockedCholesky::smallestToSplit + 20));
+}
+
+TEST(KrigingLikelihood, CanBeStoppedInsideOneFactorisation)
+{
+    int reports = 0;
+    KrigingLikelihood likelihood(someData(1000), [&](double) {
+        if (++reports == 10) {
+            throw std::runtime_error("enough");
+        }
+    });
+
+    EXPECT_THROW(likelihood.evaluate(someLengths, someNugget), std::runtime_error);
+    EXPECT_EQ(reports, 10);
+}
+
+TEST(KrigingLikelihood, EstimatesTheCondition)
+{
+    // Nearly independent cases: close to 1. Long lengths and a small nugget: the largest eigenvalue
+    // is near the number of cases, the smallest near the nugget.
+    KrigingLikelihood likelihood(someData(30));
+
+    likelihood.evaluate({1e-4, 1e-4}, 1e-3);
+    EXPECT_NEAR(likelihood.conditionEstimate(), 1.0, 1e-6);
+
+    likelihood.evaluate({300.0, 300.0}, 1e-3);
+    EXPECT_GT(likelihood.conditionEstimate(), 1e4);
+    EXPECT_LT(likelihood.conditionEstimate(), 30.0 * 30.0 / 1e-3);
+}
+
+TEST(KrigingLikelihood, TellsWhatItLeavesUnexplained)
+{
+    const auto data = someData(20);
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate(someLengths, someNugget);
+
+    const std::vector<double> residuals = likelihood.residuals();
+
+    // R weights = y - trend, and R is the correlation plus the nugget.
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        EXPECT_NEAR(residuals[i], someNugget * likelihood.weights()[i], 1e-10) << i;
+    }
 }
