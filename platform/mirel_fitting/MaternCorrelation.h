@@ -28,8 +28,8 @@ public:
      *                 an input without influence. */
     void setLengths(const std::vector<double>& lengths);
 
-    // Of the columns from `first` to before `last`; on several threads at once if the results are
-    // not the same.
+    // The following take the columns from `first` to before `last`. Threads may call them at once
+    // with results of their own.
 
     /** Writes the lower triangle of the correlation matrix, the ones of its diagonal included. */
     void fillLower(std::size_t first, std::size_t last, double* matrix) const;
