@@ -123,9 +123,11 @@ std::size_t requiredNumber(const XmlNode& element, const std::string& name, std:
 {
     const std::string& text = required(element, name);
     try {
-        return readWholeNumber(described(element, name), text, least, most);
-    } catch (const UsageError& error) {
-        refuse(element, error.what());
+        return readWholeNumber(name, text, least, most);
+    } catch (const UsageError&) {
+        refuse(element, described(element, name) + " needs a whole number from " +
+                            std::to_string(least) + " to " + std::to_string(most) + ", not " +
+                            quotedText(text) + '.');
     }
 }
 

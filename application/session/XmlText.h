@@ -31,7 +31,7 @@ constexpr std::size_t deepestXmlNesting = 200;
 
 /** More attributes of one element than these are refused: checking that their names differ takes a
  *  time that grows with the square of their number. */
-constexpr std::size_t mostXmlAttributes = 1000;
+constexpr std::size_t mostXmlAttributes = 200;
 
 /** Whether the bytes are UTF-8 of characters that an XML 1.0 document can carry. */
 SURROGATE_SESSION_EXPORT bool isXmlText(std::string_view bytes);

@@ -357,6 +357,17 @@ TEST(ProjectDocument, AnotherKindOfFileIsRefused)
                              "of document.");
 }
 
+TEST(ProjectDocument, IsRefusedWithOneLineHoweverLongTheFaultyText)
+{
+    const std::string text(1000000, '\n');
+
+    for (const char* part : {"\"120\"", "\"semicolon\"", "\"2\"", "\"11\"", "\"dependent\""}) {
+        const std::string refusal = refusalOf(with(part, "\"x&#10;" + text + '"'));
+        EXPECT_NE(refusal.find("x\\x0A"), std::string::npos) << refusal.substr(0, 1000);
+        EXPECT_LT(refusal.size(), 1000u);
+    }
+}
+
 TEST(ProjectDocument, AnEndlessFileIsRefused)
 {
     try {
