@@ -41,7 +41,7 @@ void KrigingVariance::factorise()
 {
     const int order = static_cast<int>(cases);
     factor.resize(cases * cases);
-    parts.correlation->fillLower(factor.data());
+    parts.correlation->fillLower(0, cases, factor.data());
     for (std::size_t j = 0; j < cases; ++j) {
         factor[j * cases + j] += parts.nugget / parts.data->rows[j];
     }
