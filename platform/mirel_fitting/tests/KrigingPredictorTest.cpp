@@ -1,5 +1,8 @@
 #include <mirel_fitting/KrigingPredictor.h>
 
+#include <mirel_fitting/InstructionSet.h>
+#include <mirel_fitting/ThreadCount.h>
+
 #include "KrigingTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -75,10 +78,13 @@ TEST(KrigingPredictor, EqualsTheDefinitionInExtendedPrecision)
         x = 10.0 + 4.0 * x;
     }
 
-    const std::vector<double> values = predict(model.predictor(), points);
-
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        EXPECT_NEAR(values[i], model.directly(points[0][i], points[2][i]), 1e-12) << i;
+    for (const InstructionSet set :
+         {InstructionSet::Baseline, InstructionSet::Avx2, InstructionSet::Avx512}) {
+        setInstructionSetLimit(set);
+        const std::vector<double> values = predict(model.predictor(), points);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            EXPECT_NEAR(values[i], model.directly(points[0][i], points[2][i]), 1e-12) << i;
+        }
     }
 }
 
@@ -129,4 +135,22 @@ TEST(KrigingPredictor, GivesTheSameBitsHoweverThePointsAreDivided)
     for (const std::size_t i : {std::size_t{0}, std::size_t{777}, std::size_t{1499}}) {
         EXPECT_EQ(predict(predictor, {{points[0][i]}, {0.0}, {points[2][i]}})[0], whole[i]);
     }
+}
+
+TEST(KrigingPredictor, GivesTheSameBitsForAnyNumberOfThreads)
+{
+    const KrigingPredictor predictor = Model().predictor();
+    Columns points(3, std::vector<double>(100000));
+    UniformNumbers numbers(9);
+    for (std::size_t i = 0; i < points[0].size(); ++i) {
+        points[0][i] = 10.0 + 4.0 * numbers.next();
+        points[2][i] = numbers.next();
+    }
+    setThreadCount(1);
+    const std::vector<double> one = predict(predictor, points);
+    setThreadCount(3);
+    const std::vector<double> three = predict(predictor, points);
+    setThreadCount(0);
+
+    EXPECT_EQ(one, three);
 }

@@ -438,3 +438,38 @@ TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
                     "Warning: Left-out cases are predicted no better than by the mean of the "
                     "cases: do not rely on this model.\n");
 }
+
+TEST(KrigingSurrogateModel, PredictsGridsLikeTheirPointsOneByOne)
+{
+    const Columns inputs = latinHypercube(40, 2, 3);
+    const auto sine = [](const std::vector<double>& x) { return std::sin(5.0 * x[0]) + x[1]; };
+    const auto product = [](const std::vector<double>& x) { return 3.0 + x[0] * x[1] * x[1]; };
+    const KrigingSurrogateModel model =
+        KrigingArguments().model(inputs, {valuesOf(sine, inputs), valuesOf(product, inputs)});
+    Columns grid(2);
+    for (std::size_t i = 0; i < 30 * 20 + 7; ++i) { // the last value of the first input lacks rows
+        grid[0].push_back(0.03 * static_cast<double>(i / 20));
+        grid[1].push_back(0.05 * static_cast<double>(i % 20));
+    }
+    for (const bool isDamaged : {false, true}) {
+        if (isDamaged) {
+            grid[1][123] = std::numeric_limits<double>::quiet_NaN();
+        }
+        Columns values(2, std::vector<double>(grid[0].size()));
+        std::vector<double*> outputs = pointersTo(values);
+
+        model.interpolateDependentValues(pointersTo(grid), {0, 1}, outputs, grid[0].size());
+
+        for (std::size_t i = 0; i < grid[0].size(); ++i) {
+            for (const int offset : {0, 1}) {
+                const double alone = predictions(model, {{grid[0][i]}, {grid[1][i]}}, offset)[0];
+                const double found = values[static_cast<std::size_t>(offset)][i];
+                if (isDamaged && i == 123) {
+                    EXPECT_TRUE(std::isnan(found));
+                } else {
+                    ASSERT_NEAR(found, alone, 1e-9) << i;
+                }
+            }
+        }
+    }
+}
