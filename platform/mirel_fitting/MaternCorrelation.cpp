@@ -1,6 +1,5 @@
 #include <mirel_fitting/MaternCorrelation.h>
 
-#include <mirel_fitting/MaternKernels.h>
 #include <mirel_fitting/SimdLanes.h>
 
 #include <algorithm>
@@ -161,7 +160,7 @@ void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 
 void MaternCorrelation::scaleCases()
 {
-    isCapped = false;
+    farthestReach = MaternKernels::Reach::Far;
     for (std::size_t k = 0; k < inputCount; ++k) {
         double* scaled = scaledColumns.data() + k * stride;
         for (std::size_t i = 0; i < stride; ++i) {
@@ -173,7 +172,9 @@ void MaternCorrelation::scaleCases()
         const auto [smallest, largest] = std::minmax_element(scaled, scaled + caseCount);
         lowest[k] = *smallest - farAway;
         highest[k] = *largest + farAway;
-        isCapped = isCapped || *largest - *smallest > farAway;
+        if (*largest - *smallest > farAway) {
+            farthestReach = MaternKernels::Reach::Unlimited;
+        }
     }
 }
 
@@ -265,22 +266,59 @@ void MaternCorrelation::scale(std::size_t input, const double* coordinates, std:
     }
 }
 
+/** Some points, scaled and arranged for the kernels. */
+class MaternCorrelation::PointBlock
+{
+public:
+    explicit PointBlock(const MaternCorrelation& correlation)
+        : correlation(correlation), scaled(blockPoints * correlation.inputCount)
+    {}
+
+    void read(const std::vector<const double*>& points, std::size_t first, std::size_t count)
+    {
+        constexpr double near = 700.0;
+        size = count;
+        double distances = 0.0; // at most, by all inputs
+        for (std::size_t k = 0; k < correlation.inputCount; ++k) {
+            double* x = scaled.data() + k * blockPoints;
+            correlation.scale(k, points[k] + first, size, 1, x);
+            // What fills the last registers is a point like the others.
+            std::fill(x + size, x + AlignedBuffer::padded(size), x[0]);
+            const auto [smallest, largest] = std::minmax_element(x, x + size);
+            distances += std::max(*largest - (correlation.lowest[k] + farAway),
+                                  correlation.highest[k] - farAway - *smallest);
+        }
+        reach = distances < near ? MaternKernels::Reach::Near : correlation.farthestReach;
+    }
+
+    MaternKernels::Points points() const
+    {
+        return {scaled.data(), blockPoints, AlignedBuffer::padded(size)};
+    }
+    MaternKernels::Cases cases() const
+    {
+        return {correlation.scaledRows.data(), correlation.inputCount, correlation.caseCount,
+                reach};
+    }
+
+private:
+    const MaternCorrelation& correlation;
+    AlignedBuffer scaled;
+    std::size_t size = 0;
+    MaternKernels::Reach reach = MaternKernels::Reach::Unlimited;
+};
+
 void MaternCorrelation::addWeightedSums(const std::vector<const double*>& points, std::size_t count,
                                         const double* weights, double* result) const
 {
     const MaternKernels& kernels = MaternKernels::best();
-    const MaternKernels::Cases cases{scaledRows.data(), inputCount, caseCount, isCapped};
-    AlignedBuffer block(blockPoints * inputCount);
+    PointBlock block(*this);
     AlignedBuffer sums(blockPoints);
-
     for (std::size_t first = 0; first < count; first += blockPoints) {
         const std::size_t size = std::min(blockPoints, count - first);
-        for (std::size_t k = 0; k < inputCount; ++k) {
-            scale(k, points[k] + first, size, 1, block.data() + k * blockPoints);
-        }
+        block.read(points, first, size);
         std::copy(result + first, result + first + size, sums.data());
-        kernels.addWeightedSums({block.data(), blockPoints, AlignedBuffer::padded(size)}, cases,
-                                weights, sums.data());
+        kernels.addWeightedSums(block.points(), block.cases(), weights, sums.data());
         std::copy(sums.data(), sums.data() + size, result + first);
     }
 }
@@ -290,17 +328,13 @@ void MaternCorrelation::addWeightedGradients(const std::vector<const double*>& p
                                              const std::vector<double*>& gradients) const
 {
     const MaternKernels& kernels = MaternKernels::best();
-    const MaternKernels::Cases cases{scaledRows.data(), inputCount, caseCount, isCapped};
-    AlignedBuffer block(blockPoints * inputCount);
-
+    PointBlock block(*this);
     for (std::size_t first = 0; first < count; first += blockPoints) {
         const std::size_t size = std::min(blockPoints, count - first);
-        for (std::size_t k = 0; k < inputCount; ++k) {
-            scale(k, points[k] + first, size, 1, block.data() + k * blockPoints);
-        }
+        block.read(points, first, size);
         AlignedBuffer sums(blockPoints * inputCount);
-        kernels.addWeightedGradients({block.data(), blockPoints, AlignedBuffer::padded(size)},
-                                     cases, weights, sums.data(), blockPoints);
+        kernels.addWeightedGradients(block.points(), block.cases(), weights, sums.data(),
+                                     blockPoints);
         for (std::size_t k = 0; k < inputCount; ++k) {
             for (std::size_t i = 0; i < size; ++i) {
                 gradients[k][first + i] += sums.data()[k * blockPoints + i] * scales[k];
@@ -324,7 +358,7 @@ void MaternCorrelation::correlate(const std::vector<const double*>& points, std:
         scale(k, points[k], count, inputCount, rows.data() + k);
     }
     MaternKernels::best().correlate({scaledColumns.data(), stride, correlationStride()},
-                                    {rows.data(), inputCount, count, isCapped}, result,
+                                    {rows.data(), inputCount, count, farthestReach}, result,
                                     correlationStride());
 }
 
@@ -335,7 +369,7 @@ void MaternCorrelation::correlateInput(std::size_t input, const double* coordina
     scale(input, coordinates, count, 1, scaled.data());
     MaternKernels::best().correlate(
         {scaledColumns.data() + input * stride, stride, correlationStride()},
-        {scaled.data(), 1, count, isCapped}, result, correlationStride());
+        {scaled.data(), 1, count, farthestReach}, result, correlationStride());
 }
 
 MaternCorrelation MaternCorrelation::restrictedTo(const std::vector<std::size_t>& inputs) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/AlignedBuffer.h>
+#include <mirel_fitting/MaternKernels.h>
 
 #include <cstddef>
 #include <vector>
@@ -92,6 +93,8 @@ public:
     MaternCorrelation restrictedTo(const std::vector<std::size_t>& inputs) const;
 
 private:
+    class PointBlock;
+
     void scaleCases();
     void scale(std::size_t input, const double* coordinates, std::size_t count,
                std::size_t resultStep, double* result) const;
@@ -106,5 +109,5 @@ private:
     // How far from the cases scaled coordinates of points still make a difference.
     std::vector<double> lowest;
     std::vector<double> highest;
-    bool isCapped = false;
+    MaternKernels::Reach farthestReach = MaternKernels::Reach::Far;
 };

@@ -9,15 +9,24 @@
  * points, several to a register, and some cases, one after the other. All coordinates are scaled:
  * by sqrt(5) / length.
  *
- * A correlation has a relative error of a few units in the last place (at most 3 + 1.5 per input),
- * beside what the rounding of the scaled coordinates makes. Of each pair of coordinates at most
- * `farthest` apart counts: further away the correlation is 0 to every digit.
+ * A correlation has a relative error of a few units in the last place: at most 3, 1.5 per input,
+ * and 0.15 per unit of the summed distance, beside what the rounding of the scaled coordinates
+ * makes. Of each pair of coordinates at most `farthest` apart counts: further away the correlation
+ * is 0 to every digit.
  */
 struct MaternKernels
 {
     /** Arrays of points are aligned to this many doubles, and padded with any finite numbers. */
     static constexpr std::size_t lanes = 8;
     static constexpr double farthest = 1000.0;
+
+    /** How far apart a point and a case can be; what is known saves operations. */
+    enum class Reach
+    {
+        Near,     ///< the distances by all inputs sum up to 700 at most
+        Far,      ///< 2 * `farthest` at most in each input
+        Unlimited ///< any finite distance
+    };
 
     struct Points
     {
@@ -30,8 +39,7 @@ struct MaternKernels
         const double* coordinates; ///< case by case
         std::size_t inputs;
         std::size_t count;
-        /** Whether a case and a point can be more than 2 * `farthest` apart in an input. */
-        bool isCapped;
+        Reach reach;
     };
 
     /** sums[i] += sum over j of weights[j] c(point i, case j). `sums` is aligned. */

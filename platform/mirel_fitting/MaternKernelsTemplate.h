@@ -9,6 +9,8 @@
 
 namespace {
 
+using Reach = MaternKernels::Reach;
+
 constexpr std::size_t width = sizeof(Vector) / sizeof(double);
 
 // The product of so many polynomials does not overflow before the exponential makes it small.
@@ -34,24 +36,26 @@ SURROGATE_INLINE Vector magnitude(Vector a)
     return reinterpret_cast<Vector>(reinterpret_cast<VectorBits>(a) & 0x7fffffffffffffffLL);
 }
 
-/** exp(x) for x <= 0, within 2 units in the last place; exp(-708) below, so that it never
- *  underflows. */
+/** exp(x) for x <= 0, within 2 units in the last place and 0.15 more per unit of x; exp(-708)
+ * below, so that it never underflows. */
+template <Reach reach>
 SURROGATE_INLINE Vector expOfNegative(Vector x)
 {
-    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2; ln 2 in two parts so that k ln 2 is exact enough.
+    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2.
     constexpr double log2OfE = 1.44269504088896340736;
-    constexpr double ln2High = 6.93147180369123816490e-01;
-    constexpr double ln2Low = 1.90821492927058770002e-10;
+    constexpr double ln2 = 0.693147180559945309417;
     // Adding it rounds to an integer, which then stands in the low bits of the sum.
     constexpr double rounder = 6755399441055744.0;
     constexpr double smallest = -708.0;
     constexpr int mantissaBits = 52;
 
-    x = larger(x, all(smallest));
+    if (reach != Reach::Near) {
+        x = larger(x, all(smallest));
+    }
     const Vector shifted = multiplyAdd(x, all(log2OfE), all(rounder));
-    const Vector k = shifted - rounder;
-    Vector r = multiplyAdd(k, all(-ln2High), x);
-    r = multiplyAdd(k, all(-ln2Low), r);
+    // The constant is off by 2e-17, and so is the exponent by k times that: less than the rounding
+    // of the sum of distances that it is.
+    const Vector r = multiplyAdd(shifted - rounder, all(-ln2), x);
 
     // exp(r) = 1 + r q(r); q interpolates at the Chebyshev points, exp(r) is good to 1e-17.
     Vector p = all(2.510520638458724e-08);
@@ -70,30 +74,30 @@ SURROGATE_INLINE Vector expOfNegative(Vector x)
                                     (reinterpret_cast<VectorBits>(shifted) << mantissaBits));
 }
 
-template <bool isCapped>
+template <Reach reach>
 SURROGATE_INLINE Vector distance(Vector difference)
 {
     const Vector z = magnitude(difference);
-    return isCapped ? -larger(-z, all(-MaternKernels::farthest)) : z;
+    return reach == Reach::Unlimited ? -larger(-z, all(-MaternKernels::farthest)) : z;
 }
 
 /**
  * `count` vectors of points against one case: products of (3 + 3 z + z^2), one addition, one
- * multiplication and one fused operation per input, and exponents. The correlation is
- * product * exp(exponent) / 3^inputs.
+ * multiplication and one fused operation per input, and exponents. The correlation, times `start`,
+ * is product * exp(exponent) / 3^inputs.
  */
-template <std::size_t count, bool isCapped>
+template <std::size_t count, Reach reach>
 SURROGATE_INLINE void factors(const double* points, std::size_t stride, const double* atCase,
-                              std::size_t inputs, Vector* product, Vector* exponent)
+                              std::size_t inputs, double start, Vector* product, Vector* exponent)
 {
     for (std::size_t u = 0; u < count; ++u) {
-        product[u] = all(1.0);
+        product[u] = all(start);
         exponent[u] = Vector{};
     }
     for (std::size_t k = 0; k < inputs; ++k) {
         const Vector center = all(atCase[k]);
         for (std::size_t u = 0; u < count; ++u) {
-            const Vector z = distance<isCapped>(load(points + k * stride + u * width) - center);
+            const Vector z = distance<reach>(load(points + k * stride + u * width) - center);
             exponent[u] -= z;
             product[u] *= multiplyAdd(z, z + 3.0, all(3.0));
         }
@@ -101,7 +105,7 @@ SURROGATE_INLINE void factors(const double* points, std::size_t stride, const do
 }
 
 /** Exactly 1 where all coordinates are equal. */
-template <std::size_t count, bool isCapped>
+template <std::size_t count, Reach reach>
 SURROGATE_INLINE void correlations(const double* points, std::size_t stride, const double* atCase,
                                    std::size_t inputs, Vector* result)
 {
@@ -112,19 +116,19 @@ SURROGATE_INLINE void correlations(const double* points, std::size_t stride, con
         const std::size_t last = first + inputsPerGroup < inputs ? first + inputsPerGroup : inputs;
         Vector product[count];
         Vector exponent[count];
-        factors<count, isCapped>(points + first * stride, stride, atCase + first, last - first,
-                                 product, exponent);
+        factors<count, reach>(points + first * stride, stride, atCase + first, last - first, 1.0,
+                              product, exponent);
         double divisor = 1.0; // a power of 3 that has a double
         for (std::size_t k = first; k < last; ++k) {
             divisor *= 3.0;
         }
         for (std::size_t u = 0; u < count; ++u) {
-            result[u] *= product[u] / divisor * expOfNegative(exponent[u]);
+            result[u] *= product[u] / divisor * expOfNegative<reach>(exponent[u]);
         }
     }
 }
 
-template <std::size_t count, bool isCapped>
+template <std::size_t count, Reach reach>
 SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
                               const MaternKernels::Cases& cases, const double* weights,
                               double* sums)
@@ -137,11 +141,10 @@ SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
         for (std::size_t j = 0; j < cases.count; ++j) {
             Vector product[count];
             Vector exponent[count];
-            factors<count, isCapped>(points, stride, cases.coordinates + j * cases.inputs,
-                                     cases.inputs, product, exponent);
-            const Vector weight = all(weights[j]);
+            factors<count, reach>(points, stride, cases.coordinates + j * cases.inputs,
+                                  cases.inputs, weights[j], product, exponent);
             for (std::size_t u = 0; u < count; ++u) {
-                total[u] = multiplyAdd(weight * product[u], expOfNegative(exponent[u]), total[u]);
+                total[u] = multiplyAdd(product[u], expOfNegative<reach>(exponent[u]), total[u]);
             }
         }
         double divisor = 1.0;
@@ -154,8 +157,8 @@ SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
     } else {
         for (std::size_t j = 0; j < cases.count; ++j) {
             Vector value[count];
-            correlations<count, isCapped>(points, stride, cases.coordinates + j * cases.inputs,
-                                          cases.inputs, value);
+            correlations<count, reach>(points, stride, cases.coordinates + j * cases.inputs,
+                                       cases.inputs, value);
             const Vector weight = all(weights[j]);
             for (std::size_t u = 0; u < count; ++u) {
                 total[u] = multiplyAdd(weight, value[u], total[u]);
@@ -167,22 +170,22 @@ SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
     }
 }
 
-template <std::size_t count, bool isCapped>
+template <std::size_t count, Reach reach>
 SURROGATE_INLINE void correlateCases(const double* points, std::size_t stride,
                                      const MaternKernels::Cases& cases, double* result,
                                      std::size_t resultStride)
 {
     for (std::size_t j = 0; j < cases.count; ++j) {
         Vector value[count];
-        correlations<count, isCapped>(points, stride, cases.coordinates + j * cases.inputs,
-                                      cases.inputs, value);
+        correlations<count, reach>(points, stride, cases.coordinates + j * cases.inputs,
+                                   cases.inputs, value);
         for (std::size_t u = 0; u < count; ++u) {
             store(value[u], result + j * resultStride + u * width);
         }
     }
 }
 
-template <bool isCapped>
+template <Reach reach>
 SURROGATE_INLINE void addGradients(const double* points, std::size_t stride,
                                    const MaternKernels::Cases& cases, const double* weights,
                                    double* gradients, std::size_t gradientStride)
@@ -190,12 +193,12 @@ SURROGATE_INLINE void addGradients(const double* points, std::size_t stride,
     for (std::size_t j = 0; j < cases.count; ++j) {
         const double* atCase = cases.coordinates + j * cases.inputs;
         Vector value[1];
-        correlations<1, isCapped>(points, stride, atCase, cases.inputs, value);
+        correlations<1, reach>(points, stride, atCase, cases.inputs, value);
         const Vector factor = value[0] * -weights[j];
         for (std::size_t k = 0; k < cases.inputs; ++k) {
             // d ln c / dx = -(x - x') (1 + z) / (3 + 3 z + z^2)
             Vector difference = load(points + k * stride) - atCase[k];
-            if (isCapped) {
+            if (reach == Reach::Unlimited) {
                 difference = larger(difference, all(-MaternKernels::farthest));
                 difference = -larger(-difference, all(-MaternKernels::farthest));
             }
@@ -210,63 +213,80 @@ SURROGATE_INLINE void addGradients(const double* points, std::size_t stride,
 // Four vectors at a time hide the latencies; the rest goes one by one, with the same bits.
 constexpr std::size_t atATime = 4;
 
-template <bool isCapped>
+template <Reach reach>
 void addSumsOfBlock(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                     const double* weights, double* sums)
 {
     std::size_t i = 0;
     for (; i + atATime * width <= points.count; i += atATime * width) {
-        addSums<atATime, isCapped>(points.coordinates + i, points.stride, cases, weights, sums + i);
+        addSums<atATime, reach>(points.coordinates + i, points.stride, cases, weights, sums + i);
     }
     for (; i < points.count; i += width) {
-        addSums<1, isCapped>(points.coordinates + i, points.stride, cases, weights, sums + i);
+        addSums<1, reach>(points.coordinates + i, points.stride, cases, weights, sums + i);
     }
 }
 
-template <bool isCapped>
+template <Reach reach>
 void correlateBlock(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                     double* result, std::size_t stride)
 {
     std::size_t i = 0;
     for (; i + atATime * width <= points.count; i += atATime * width) {
-        correlateCases<atATime, isCapped>(points.coordinates + i, points.stride, cases, result + i,
-                                          stride);
+        correlateCases<atATime, reach>(points.coordinates + i, points.stride, cases, result + i,
+                                       stride);
     }
     for (; i < points.count; i += width) {
-        correlateCases<1, isCapped>(points.coordinates + i, points.stride, cases, result + i,
-                                    stride);
+        correlateCases<1, reach>(points.coordinates + i, points.stride, cases, result + i, stride);
     }
 }
 
-template <bool isCapped>
+template <Reach reach>
 void addGradientsOfBlock(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                          const double* weights, double* gradients, std::size_t stride)
 {
     for (std::size_t i = 0; i < points.count; i += width) {
-        addGradients<isCapped>(points.coordinates + i, points.stride, cases, weights, gradients + i,
-                               stride);
+        addGradients<reach>(points.coordinates + i, points.stride, cases, weights, gradients + i,
+                            stride);
     }
 }
 
 void addWeightedSums(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                      const double* weights, double* sums)
 {
-    cases.isCapped ? addSumsOfBlock<true>(points, cases, weights, sums)
-                   : addSumsOfBlock<false>(points, cases, weights, sums);
+    switch (cases.reach) {
+    case Reach::Near:
+        return addSumsOfBlock<Reach::Near>(points, cases, weights, sums);
+    case Reach::Far:
+        return addSumsOfBlock<Reach::Far>(points, cases, weights, sums);
+    case Reach::Unlimited:
+        return addSumsOfBlock<Reach::Unlimited>(points, cases, weights, sums);
+    }
 }
 
 void correlate(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                double* result, std::size_t stride)
 {
-    cases.isCapped ? correlateBlock<true>(points, cases, result, stride)
-                   : correlateBlock<false>(points, cases, result, stride);
+    switch (cases.reach) {
+    case Reach::Near:
+        return correlateBlock<Reach::Near>(points, cases, result, stride);
+    case Reach::Far:
+        return correlateBlock<Reach::Far>(points, cases, result, stride);
+    case Reach::Unlimited:
+        return correlateBlock<Reach::Unlimited>(points, cases, result, stride);
+    }
 }
 
 void addWeightedGradients(const MaternKernels::Points& points, const MaternKernels::Cases& cases,
                           const double* weights, double* gradients, std::size_t stride)
 {
-    cases.isCapped ? addGradientsOfBlock<true>(points, cases, weights, gradients, stride)
-                   : addGradientsOfBlock<false>(points, cases, weights, gradients, stride);
+    switch (cases.reach) {
+    case Reach::Near:
+        return addGradientsOfBlock<Reach::Near>(points, cases, weights, gradients, stride);
+    case Reach::Far:
+        return addGradientsOfBlock<Reach::Far>(points, cases, weights, gradients, stride);
+    case Reach::Unlimited:
+        return addGradientsOfBlock<Reach::Unlimited>(points, cases, weights, gradients, stride);
+    }
 }
 
 } // namespace

@@ -41,7 +41,7 @@ struct Problem
 {
     Problem(std::size_t pointCount, std::size_t caseCount, std::size_t inputs, double reach)
         : pointCount(pointCount), inputs(inputs), stride(AlignedBuffer::padded(pointCount)),
-          points(stride * inputs), isCapped(reach > MaternKernels::farthest)
+          points(stride * inputs), reach(reachOf(reach * static_cast<double>(inputs), reach))
     {
         UniformNumbers numbers(5);
         std::generate(points.data(), points.data() + stride * inputs,
@@ -55,11 +55,17 @@ struct Problem
         }
     }
 
-    MaternKernels::Points pointBlock() const { return {points.data(), stride, stride}; }
-    MaternKernels::Cases caseRows() const
+    static MaternKernels::Reach reachOf(double sum, double single)
     {
-        return {cases.data(), inputs, weights.size(), isCapped};
+        if (sum < 700.0) {
+            return MaternKernels::Reach::Near;
+        }
+        return single < MaternKernels::farthest ? MaternKernels::Reach::Far
+                                                : MaternKernels::Reach::Unlimited;
     }
+
+    MaternKernels::Points pointBlock() const { return {points.data(), stride, stride}; }
+    MaternKernels::Cases caseRows() const { return {cases.data(), inputs, weights.size(), reach}; }
 
     std::vector<double> sums() const
     {
@@ -112,7 +118,7 @@ struct Problem
     AlignedBuffer points;
     std::vector<double> cases;
     std::vector<double> weights;
-    bool isCapped;
+    MaternKernels::Reach reach;
 };
 
 // 71 points: whole groups of every register, and a rest.
@@ -229,6 +235,22 @@ TEST_P(MaternKernelsVariants, CorrelateACaseWithItselfToExactlyOne)
 
 INSTANTIATE_TEST_SUITE_P(, MaternKernelsVariants, testing::ValuesIn(variants),
                          [](const auto& row) { return row.param.name; });
+
+TEST(MaternKernels, GiveTheSameBitsWhateverIsKnownOfTheReach)
+{
+    Problem problem = problemOf(8, 2.0);
+    ASSERT_EQ(problem.reach, MaternKernels::Reach::Near);
+    const std::vector<double> sums = problem.sums();
+    const std::vector<double> correlations = problem.correlations();
+    const std::vector<double> gradients = problem.gradients();
+
+    for (const auto reach : {MaternKernels::Reach::Far, MaternKernels::Reach::Unlimited}) {
+        problem.reach = reach;
+        EXPECT_EQ(problem.sums(), sums);
+        EXPECT_EQ(problem.correlations(), correlations);
+        EXPECT_EQ(problem.gradients(), gradients);
+    }
+}
 
 TEST(MaternKernels, GiveTheSameBitsWithAvx2AndAvx512)
 {
