@@ -9,12 +9,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <utility>
 
 namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 constexpr std::size_t blockSize = 1024;
 // So many points are handed to a thread at once.
@@ -46,7 +43,7 @@ class KrigingPredictor::Block
 {
 public:
     explicit Block(const Parts& parts)
-        : parts(parts), coordinates(parts.inputs.size() * blockSize), isFinite(blockSize)
+        : parts(parts), coordinates(parts.inputs.size() * blockSize), notFinite(blockSize)
     {
         for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
             points.push_back(coordinates.data() + k * blockSize);
@@ -55,23 +52,26 @@ public:
 
     void read(const std::vector<double*>& columns, std::size_t first, std::size_t size)
     {
-        isFinite.assign(blockSize, 1);
+        std::fill(notFinite.begin(), notFinite.end(), 0.0);
         for (const double* column : columns) {
+            // 0 times a finite number is 0, and NaN otherwise.
             for (std::size_t i = 0; i < size; ++i) {
-                isFinite[i] = isFinite[i] && std::isfinite(column[first + i]);
+                notFinite[i] += 0.0 * column[first + i];
             }
         }
         for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
             const double* column = columns[parts.inputs[k]] + first;
+            double* coordinate = coordinates.data() + k * blockSize;
             for (std::size_t i = 0; i < size; ++i) {
-                coordinates[k * blockSize + i] = isFinite[i] ? parts.coordinate(k, column[i]) : 0.0;
+                const double u = parts.coordinate(k, column[i]);
+                coordinate[i] = notFinite[i] == 0.0 ? u : 0.0;
             }
         }
     }
 
     const Parts& parts;
     std::vector<double> coordinates;
-    std::vector<char> isFinite;
+    std::vector<double> notFinite; // NaN for a point that is not finite, else 0
     std::vector<const double*> points;
 };
 
@@ -117,7 +117,7 @@ void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std
                 }
                 for (std::size_t i = 0; i < size; ++i) {
                     result[start + i] =
-                        block->isFinite[i] ? parts.offset + parts.scale * (*sums)[i] : notANumber;
+                        parts.offset + parts.scale * (*sums)[i] + block->notFinite[i];
                 }
             }
         });
@@ -148,9 +148,7 @@ void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::s
                                                     slopeColumns);
         }
         for (double* gradient : gradients) {
-            for (std::size_t i = 0; i < size; ++i) {
-                gradient[first + i] = block.isFinite[i] ? 0.0 : notANumber;
-            }
+            std::copy_n(block.notFinite.data(), size, gradient + first);
         }
         for (std::size_t k = 0; k < inputs; ++k) {
             double* gradient = gradients[parts.inputs[k]] + first;
@@ -180,8 +178,7 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
             variance->evaluate(block->points, size, *workspace, result + first);
             for (std::size_t i = 0; i < size; ++i) {
                 const double squared = parts.processVariance * (result[first + i] + noise);
-                result[first + i] =
-                    block->isFinite[i] ? parts.scale * std::sqrt(squared) : notANumber;
+                result[first + i] = parts.scale * std::sqrt(squared) + block->notFinite[i];
             }
         });
     };

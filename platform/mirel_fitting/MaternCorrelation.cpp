@@ -132,7 +132,8 @@ MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
     : caseCount(cases), inputCount(inputs),
       stride((cases + laneCount - 1) / laneCount * laneCount + laneCount),
       columns(stride * inputs, 0.0), scaledColumns(columns.size()), scaledRows(cases * inputs),
-      scales(inputs, 1.0), lowest(inputs, 0.0), highest(inputs, 0.0)
+      scales(inputs, 1.0), nearLowest(inputs, 0.0), nearHighest(inputs, 0.0), lowest(inputs, 0.0),
+      highest(inputs, 0.0)
 {
     for (std::size_t k = 0; k < inputs; ++k) {
         std::copy(coordinates + k * cases, coordinates + (k + 1) * cases,
@@ -161,6 +162,7 @@ void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 void MaternCorrelation::scaleCases()
 {
     farthestReach = MaternKernels::Reach::Far;
+    double extent = 0.0;
     for (std::size_t k = 0; k < inputCount; ++k) {
         double* scaled = scaledColumns.data() + k * stride;
         for (std::size_t i = 0; i < stride; ++i) {
@@ -170,11 +172,20 @@ void MaternCorrelation::scaleCases()
             scaledRows[i * inputCount + k] = scaled[i];
         }
         const auto [smallest, largest] = std::minmax_element(scaled, scaled + caseCount);
+        nearLowest[k] = *smallest;
+        nearHighest[k] = *largest;
         lowest[k] = *smallest - farAway;
         highest[k] = *largest + farAway;
+        extent += *largest - *smallest;
         if (*largest - *smallest > farAway) {
             farthestReach = MaternKernels::Reach::Unlimited;
         }
+    }
+    // Negative where even the cases are too far apart: then no point lies between.
+    const double margin = (MaternKernels::nearSum - extent) / static_cast<double>(inputCount);
+    for (std::size_t k = 0; k < inputCount; ++k) {
+        nearLowest[k] -= margin;
+        nearHighest[k] += margin;
     }
 }
 
@@ -276,19 +287,20 @@ public:
 
     void read(const std::vector<const double*>& points, std::size_t first, std::size_t count)
     {
-        constexpr double near = 700.0;
         size = count;
-        double distances = 0.0; // at most, by all inputs
+        int outside = 0;
         for (std::size_t k = 0; k < correlation.inputCount; ++k) {
             double* x = scaled.data() + k * blockPoints;
             correlation.scale(k, points[k] + first, size, 1, x);
             // What fills the last registers is a point like the others.
             std::fill(x + size, x + AlignedBuffer::padded(size), x[0]);
-            const auto [smallest, largest] = std::minmax_element(x, x + size);
-            distances += std::max(*largest - (correlation.lowest[k] + farAway),
-                                  correlation.highest[k] - farAway - *smallest);
+            const double from = correlation.nearLowest[k];
+            const double to = correlation.nearHighest[k];
+            for (std::size_t i = 0; i < size; ++i) {
+                outside |= static_cast<int>(!(x[i] >= from)) | static_cast<int>(!(x[i] <= to));
+            }
         }
-        reach = distances < near ? MaternKernels::Reach::Near : correlation.farthestReach;
+        reach = outside == 0 ? MaternKernels::Reach::Near : correlation.farthestReach;
     }
 
     MaternKernels::Points points() const

@@ -106,7 +106,10 @@ private:
     AlignedBuffer scaledColumns;    // times sqrt(5) / length
     std::vector<double> scaledRows; // the same, case by case
     std::vector<double> scales;
-    // How far from the cases scaled coordinates of points still make a difference.
+    // Between these scaled coordinates, all distances of a point sum up to little; beyond the
+    // second pair, they make no difference.
+    std::vector<double> nearLowest;
+    std::vector<double> nearHighest;
     std::vector<double> lowest;
     std::vector<double> highest;
     MaternKernels::Reach farthestReach = MaternKernels::Reach::Far;

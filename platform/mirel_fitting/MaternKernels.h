@@ -19,11 +19,12 @@ struct MaternKernels
     /** Arrays of points are aligned to this many doubles, and padded with any finite numbers. */
     static constexpr std::size_t lanes = 8;
     static constexpr double farthest = 1000.0;
+    static constexpr double nearSum = 700.0;
 
     /** How far apart a point and a case can be; what is known saves operations. */
     enum class Reach
     {
-        Near,     ///< the distances by all inputs sum up to 700 at most
+        Near,     ///< the distances by all inputs sum up to `nearSum` at most
         Far,      ///< 2 * `farthest` at most in each input
         Unlimited ///< any finite distance
     };

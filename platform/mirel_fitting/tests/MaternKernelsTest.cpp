@@ -57,7 +57,7 @@ struct Problem
 
     static MaternKernels::Reach reachOf(double sum, double single)
     {
-        if (sum < 700.0) {
+        if (sum < MaternKernels::nearSum) {
             return MaternKernels::Reach::Near;
         }
         return single < MaternKernels::farthest ? MaternKernels::Reach::Far
