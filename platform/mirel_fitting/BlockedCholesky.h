@@ -69,10 +69,12 @@ public:
     void forColumns(double multiplications,
                     const std::function<void(std::size_t first, std::size_t last)>& work);
 
+    /** Reports work that was done elsewhere. */
+    void tell(double multiplications) const;
+
 private:
     bool isSplit() const { return size >= smallestToSplit; }
     bool factoriseBlocks();
-    void tell(double multiplications) const;
 
     std::size_t size;
     int threadCount;

@@ -5,6 +5,7 @@
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingLikelihood.h>
 #include <mirel_fitting/KrigingSearch.h>
+#include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/QuadraticBasis.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -14,6 +15,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -54,13 +56,15 @@ private:
     void search();
     KrigingPredictor::Parts commonParts() const;
     KrigingFit withCorrelation();
+    void reportCorrelation(KrigingFit& fit, const KrigingLikelihood& likelihood, bool meetsCases);
     KrigingFit withTrendAlone();
     KrigingFit constant();
-    void measure(KrigingFit& fit, const std::vector<double>& residuals) const;
+    void measure(KrigingFit& fit, const std::vector<double>& residuals,
+                 const std::vector<double>& leaveOneOutResiduals) const;
+    void findWorstCases(KrigingFit& fit, const std::vector<double>& leaveOneOutResiduals) const;
     void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
     void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
     void writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
-    void judge(KrigingFit& fit);
 
     const KrigingCases& cases;
     const std::vector<double>& output;
@@ -73,6 +77,7 @@ private:
     std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
     std::shared_ptr<const KrigingTrend> trend;
     KrigingSearch::Result found;
+    double noiseShare = 0.0; // of the output's variance
     std::vector<std::string> warnings;
 };
 
@@ -227,9 +232,9 @@ KrigingPredictor::Parts Fitter::commonParts() const
 KrigingFit Fitter::withCorrelation()
 {
     search();
-    KrigingLikelihood likelihood(data);
+    KrigingLikelihood likelihood(data,
+                                 [](double) { FitProgress::report(0.99, "Measuring the fit"); });
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
-    FitProgress::report(0.99, "Measuring the fit");
     const bool isNuggetWanted = options.nugget > 0.0 || found.isNuggetRaised;
     const bool meetsCases =
         !isNuggetWanted && found.parameters.nugget <= KrigingSearch::Settings().soundNugget;
@@ -249,10 +254,23 @@ KrigingFit Fitter::withCorrelation()
     parts.weights = likelihood.weights();
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
+    reportCorrelation(fit, likelihood, meetsCases);
+    reportTrend(fit, likelihood.coefficients());
+    measure(fit, likelihood.residuals(), likelihood.leaveOneOutResiduals());
+    return fit;
+}
+
+void Fitter::reportCorrelation(KrigingFit& fit, const KrigingLikelihood& likelihood,
+                               bool meetsCases)
+{
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    fit.report.lengthBounds.assign(cases.inputCount(), KrigingReport::Bound::None);
     for (std::size_t k = 0; k < data->inputs; ++k) {
-        fit.report.correlationLengths[cases.activeInputs()[k]] =
-            found.parameters.lengths[k] * cases.range()[k];
+        const std::size_t input = cases.activeInputs()[k];
+        fit.report.correlationLengths[input] = found.parameters.lengths[k] * cases.range()[k];
+        if (!found.lengthBounds.empty()) {
+            fit.report.lengthBounds[input] = found.lengthBounds[k];
+        }
     }
     double rows = 0.0;
     for (const double atPoint : data->rows) {
@@ -261,9 +279,14 @@ KrigingFit Fitter::withCorrelation()
     fit.report.nugget = found.parameters.nugget;
     fit.report.processVariance = likelihood.processVariance() * scale * scale;
     fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
-    reportTrend(fit, likelihood.coefficients());
-    measure(fit, likelihood.leaveOneOutResiduals());
-    return fit;
+    if (!std::isinf(found.secondLogLikelihood)) {
+        fit.report.secondLogLikelihood = found.secondLogLikelihood - rows * std::log(scale);
+    }
+    if (!meetsCases) {
+        noiseShare = found.parameters.nugget * likelihood.processVariance();
+        fit.report.noiseDeviation = scale * std::sqrt(noiseShare);
+    }
+    fit.report.condition = likelihood.conditionEstimate();
 }
 
 KrigingFit Fitter::withTrendAlone()
@@ -276,7 +299,7 @@ KrigingFit Fitter::withTrendAlone()
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance, data->cases);
     reportTrend(fit, leastSquares.coefficients);
-    measure(fit, leastSquares.leaveOneOutResiduals);
+    measure(fit, leastSquares.residuals, leastSquares.leaveOneOutResiduals);
     warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
     return fit;
 }
@@ -408,23 +431,10 @@ void Fitter::writeTrend(KrigingFit& fit, const std::vector<double>& coefficients
     fit.trendText.pop_back(); // the end of the line
 }
 
-void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) const
+void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals,
+                     const std::vector<double>& leaveOneOutResiduals) const
 {
     const std::size_t n = data->cases;
-    std::vector<double> raw(cases.inputCount() * n, 0.0);
-    std::vector<double*> columns;
-    for (std::size_t k = 0; k < cases.inputCount(); ++k) {
-        columns.push_back(raw.data() + k * n);
-    }
-    for (std::size_t k = 0; k < data->inputs; ++k) {
-        for (std::size_t i = 0; i < n; ++i) {
-            columns[cases.activeInputs()[k]][i] =
-                cases.minimum()[k] + cases.range()[k] * data->coordinates[k * n + i];
-        }
-    }
-    std::vector<double> fitted(n);
-    fit.predictor.predict(columns, n, fitted.data());
-
     double rows = 0.0;
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
@@ -436,11 +446,11 @@ void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) cons
     double errors = 0.0;
     double press = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
-        const double residual = data->output[i] - (fitted[i] - offset) / scale;
         const double deviation = data->output[i] - mean;
-        errors += scatterAtPoint[i] + rowsAtPoint[i] * residual * residual;
+        const double leftOut = leaveOneOutResiduals[i];
+        errors += scatterAtPoint[i] + rowsAtPoint[i] * residuals[i] * residuals[i];
         total += scatterAtPoint[i] + rowsAtPoint[i] * deviation * deviation;
-        press += scatterAtPoint[i] + rowsAtPoint[i] * residuals[i] * residuals[i];
+        press += scatterAtPoint[i] + rowsAtPoint[i] * leftOut * leftOut;
     }
     fit.metrics.cases = static_cast<std::size_t>(rows);
     fit.metrics.terms = data->terms;
@@ -449,27 +459,30 @@ void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals) cons
     fit.metrics.press = press * scale * scale;
     fit.metrics.looRmse = scale * std::sqrt(press / rows);
     fit.metrics.q2 = 1.0 - press / total;
+    findWorstCases(fit, leaveOneOutResiduals);
 }
 
-/** What a user has to know before trusting the fit. */
-void Fitter::judge(KrigingFit& fit)
+void Fitter::findWorstCases(KrigingFit& fit, const std::vector<double>& leaveOneOutResiduals) const
 {
-    for (std::size_t k = 0; k < found.parameters.lengths.size(); ++k) {
-        if (options.correlationLengths.empty() &&
-            found.parameters.lengths[k] > 0.99 * KrigingSearch::largestLength()) {
-            warnings.push_back("The cases show no influence of V" +
-                               std::to_string(inputNumbers[k]) +
-                               " beyond the trend: its correlation length is at its upper bound.");
-        }
+    constexpr std::size_t mostShown = 5;
+
+    if (std::isnan(fit.metrics.looRmse)) {
+        return;
     }
-    if (std::isnan(fit.metrics.looRmse) && fit.metrics.cases > 1) {
-        warnings.push_back(
-            "A case alone determines a term of the trend: there are no leave-one-out "
-            "figures, since leaving it out leaves no such fit.");
-    }
-    if (fit.metrics.q2 <= 0.0) {
-        warnings.push_back("Left-out cases are predicted no better than by the mean of the "
-                           "cases: do not rely on this model.");
+    std::vector<std::size_t> points(data->cases);
+    std::iota(points.begin(), points.end(), std::size_t{0});
+    const std::size_t shown = std::min(mostShown, points.size());
+    std::partial_sort(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(shown),
+                      points.end(), [&](std::size_t a, std::size_t b) {
+                          const double errorOfA = std::fabs(leaveOneOutResiduals[a]);
+                          const double errorOfB = std::fabs(leaveOneOutResiduals[b]);
+                          return errorOfA != errorOfB ? errorOfA > errorOfB : a < b;
+                      });
+    points.resize(shown);
+    for (const std::size_t point : points) {
+        const double value = offset + scale * data->output[point];
+        fit.report.worstCases.push_back(
+            {cases.rowsAt(point).front(), value, value - scale * leaveOneOutResiduals[point]});
     }
 }
 
@@ -499,7 +512,9 @@ KrigingFit Fitter::run()
         chooseTrend();
         return isExplainedByTrend() ? withTrendAlone() : withCorrelation();
     }();
-    judge(fit);
+    for (std::string& verdict : KrigingTexts::verdicts(fit, noiseShare)) {
+        warnings.push_back(std::move(verdict));
+    }
     fit.warnings = std::move(warnings);
     FitProgress::report(1.0, "Fitted");
     return fit;

@@ -293,7 +293,7 @@ std::vector<double> KrigingLikelihood::Impl::derivativeProducts() const
                            return std::make_unique<ProductWorker>(correlation, correlations.data(),
                                                                   vector, padded);
                        },
-                       nullptr);
+                       [&](std::size_t) { cholesky.tell(0.0); });
 
     std::vector<double> result;
     result.reserve(n * (data->inputs + 1));
@@ -415,6 +415,7 @@ void KrigingLikelihood::refineWithoutNugget()
     double left = cblas_dnrm2(order, residuals.data(), 1);
     std::vector<double> correction;
     for (int round = 0; round < mostRounds; ++round) {
+        impl->cholesky.tell(0.0);
         const std::vector<double> beta = impl->beta;
         const std::vector<double> alpha = impl->refinedAlpha;
         impl->solve(residuals, correction);
@@ -457,6 +458,7 @@ double KrigingLikelihood::conditionEstimate() const
             sums[i] += column[i];
         }
     }
+    impl->cholesky.tell(0.0);
     const auto order = static_cast<lapack_int>(n);
     double reciprocal = 0.0;
     std::vector<double> work(3 * n);

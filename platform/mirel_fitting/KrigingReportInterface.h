@@ -2,6 +2,8 @@
 
 #include <mirel_fitting/Export.h>
 
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -10,8 +12,19 @@ struct KrigingReport
 {
     /** One per input, in its unit; infinity for a constant input, which has no influence. */
     std::vector<double> correlationLengths;
+    enum class Bound
+    {
+        None,
+        Lower, ///< the output changes faster along the input than the cases can show
+        Upper, ///< no influence of the input beyond the trend
+    };
+    /** One per input: where its estimated length ended; None for a fixed one. */
+    std::vector<Bound> lengthBounds;
     double nugget = 0.0;          ///< relative to the process variance
     double processVariance = 0.0; ///< in squared units of the output
+    /** What the nugget stands for, as a standard deviation in the output's unit; 0 where it only
+     *  keeps the factorisation sound and the model meets the cases. */
+    double noiseDeviation = 0.0;
     /**
      * -(n ln(2 pi s2) + ln det R + n) / 2 in the output's units: s2 the process variance, R the
      * correlation matrix with the nugget on its diagonal, n its order. n is the number of cases,
@@ -20,11 +33,29 @@ struct KrigingReport
      * the trend passes through all cases.
      */
     double logLikelihood = 0.0;
+    /**
+     * Of the best other maximum that the search found; NaN if there is no other. Where it was
+     * searched with a part of the cases only, the distance between the two is extrapolated in
+     * proportion to the cases.
+     */
+    double secondLogLikelihood = std::numeric_limits<double>::quiet_NaN();
+    /** Of the correlation matrix with its nugget, estimated in the 1-norm; NaN without one. */
+    double condition = std::numeric_limits<double>::quiet_NaN();
     int trendOrder = 0; ///< 0 constant, 1 linear, 2 full quadratic, as used
     /** "1", "V1", "V1^2", "V1 V2", ...: the terms of the trend that were kept, and beside each its
      *  coefficient in the inputs' units. */
     std::vector<std::string> trendTerms;
     std::vector<double> trendCoefficients;
+
+    struct LeftOutCase
+    {
+        std::size_t row;  ///< as given to the model, the first is 0; of copies the first one
+        double output;    ///< of cases with the same inputs the mean
+        double predicted; ///< by a fit to the other cases
+    };
+    /** The cases that the others predict worst, at most five, the worst first; none where there are
+     *  no leave-one-out figures. */
+    std::vector<LeftOutCase> worstCases;
 };
 
 /** Ability of a model: the parameters of its Kriging fits. */

@@ -218,6 +218,19 @@ public:
         return true;
     }
 
+    std::vector<KrigingReport::Bound> boundsOf(const std::vector<double>& point) const
+    {
+        constexpr double near = 0.01;
+        std::vector<KrigingReport::Bound> result;
+        for (std::size_t k = 0; k < lengths; ++k) {
+            using Bound = KrigingReport::Bound;
+            result.push_back(point[k] > upper[k] - near   ? Bound::Upper
+                             : point[k] < lower[k] + near ? Bound::Lower
+                                                          : Bound::None);
+        }
+        return result;
+    }
+
     std::size_t lengths;
     bool hasNugget;
     std::vector<double> lower;
@@ -522,6 +535,7 @@ KrigingSearch::Result Search::run()
     }
     preferLeastNugget();
     result.logLikelihood = optima.front().value;
+    result.lengthBounds = variables.boundsOf(optima.front().point);
     result.parameters = objective->parameters(optima.front().point);
     result.evaluations = objective->evaluations;
     return result;

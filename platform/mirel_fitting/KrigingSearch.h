@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/KrigingData.h>
+#include <mirel_fitting/KrigingReportInterface.h>
 
 #include <cstddef>
 #include <limits>
@@ -36,6 +37,8 @@ public:
         double logLikelihood = 0.0; ///< of the standardised output
         /** Of the best optimum in another place; minus infinity if all starts met in one. */
         double secondLogLikelihood = -std::numeric_limits<double>::infinity();
+        /** One per length that was searched for. */
+        std::vector<KrigingReport::Bound> lengthBounds;
         bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised
         std::size_t evaluations = 0; ///< of the likelihood with all cases
     };

@@ -3,10 +3,10 @@
 #include <mirel_fitting/CaseRanges.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
+#include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/TrainingColumns.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <map>
 
@@ -16,15 +16,6 @@ using Error = SurrogateModelInterface::Error;
 
 // The correlation matrix of more does not fit into the memory of common machines.
 constexpr std::size_t mostPoints = 10000;
-
-/** For reading: eight digits, in the C locale whatever the application has set. */
-std::string figure(double value)
-{
-    char text[32];
-    const std::to_chars_result end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 8);
-    return std::string(text, end.ptr);
-}
 
 std::size_t checkedCount(int rowCount)
 {
@@ -37,7 +28,8 @@ std::size_t checkedCount(int rowCount)
 void requirePositive(double value, const std::string& name)
 {
     if (!(value > 0.0) || !std::isfinite(value)) {
-        throw Error(name + " has to be a positive number, not " + figure(value) + ".");
+        throw Error(name + " has to be a positive number, not " + KrigingTexts::figure(value) +
+                    ".");
     }
 }
 
@@ -56,7 +48,8 @@ KrigingOptions checkedOptions(double tolerance, const std::vector<double>& corre
         // Infinity is a length too: an input without influence.
         if (!(correlationLengths[k] > 0.0)) {
             throw Error("The correlation length of V" + std::to_string(k + 1) +
-                        " has to be positive, not " + figure(correlationLengths[k]) + ".");
+                        " has to be positive, not " + KrigingTexts::figure(correlationLengths[k]) +
+                        ".");
         }
     }
     if (trendOrder < 0 || trendOrder > 2) {
@@ -64,8 +57,8 @@ KrigingOptions checkedOptions(double tolerance, const std::vector<double>& corre
                     std::to_string(trendOrder) + ".");
     }
     if (!(nugget >= 0.0) || !std::isfinite(nugget)) {
-        throw Error("The nugget has to be a number that is not negative, not " + figure(nugget) +
-                    ".");
+        throw Error("The nugget has to be a number that is not negative, not " +
+                    KrigingTexts::figure(nugget) + ".");
     }
     if (nuggetMode != 0 && nuggetMode != 1) {
         throw Error("The nugget mode has to be 0 (estimated) or 1 (fixed), not " +
@@ -82,37 +75,10 @@ KrigingOptions checkedOptions(double tolerance, const std::vector<double>& corre
     return options;
 }
 
-const char* orderName(int order)
-{
-    switch (order) {
-    case 0:
-        return "constant";
-    case 1:
-        return "linear";
-    default:
-        return "full quadratic";
-    }
-}
-
 bool isCorrelated(const KrigingReport& report)
 {
     return std::any_of(report.correlationLengths.begin(), report.correlationLengths.end(),
                        [](double length) { return std::isfinite(length); });
-}
-
-std::string lengthsText(const KrigingReport& report)
-{
-    std::string text;
-    for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
-        text += "Correlation length of V" + std::to_string(k + 1) + ": " +
-                figure(report.correlationLengths[k]) + "\n";
-    }
-    return text;
-}
-
-std::string metricLine(const std::string& name, double value)
-{
-    return std::isnan(value) ? std::string() : name + ": " + figure(value) + "\n";
 }
 
 } // namespace
@@ -221,25 +187,12 @@ std::string KrigingSurrogateModel::surfaceCoefficientInformation(int offset) con
         return fit.trendText + "\n";
     }
     return fit.trendText + " + the correlated part of a Kriging model, which has no equation\n" +
-           lengthsText(fit.report);
+           KrigingTexts::lengths(fit.report);
 }
 
 std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const
 {
-    const KrigingFit& fit = impl->fit(offset);
-    std::string text = "Cases: " + std::to_string(fit.metrics.cases) + "\n";
-    text += metricLine("RMSE", fit.metrics.rmse);
-    text += metricLine("Leave-one-out RMSE", fit.metrics.looRmse);
-    text += metricLine("Q2", fit.metrics.q2);
-    text += metricLine("Log-likelihood", fit.report.logLikelihood);
-    text += metricLine("Process variance", fit.report.processVariance);
-    text += metricLine("Nugget (relative to the process variance)", fit.report.nugget);
-    text += std::string("Trend: ") + orderName(fit.report.trendOrder) + ", " + fit.trendText + "\n";
-    text += lengthsText(fit.report);
-    for (const std::string& warning : fit.warnings) {
-        text += "Warning: " + warning + "\n";
-    }
-    return text;
+    return KrigingTexts::quality(impl->fit(offset));
 }
 
 FitMetrics KrigingSurrogateModel::fitMetrics(int offset) const

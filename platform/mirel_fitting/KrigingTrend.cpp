@@ -150,6 +150,7 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
         result.leaveOneOutResiduals.push_back(
             left > determined ? residuals[i] / left : std::numeric_limits<double>::quiet_NaN());
     }
+    result.residuals = std::move(residuals);
     return result;
 }
 

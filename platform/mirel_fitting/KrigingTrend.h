@@ -35,6 +35,7 @@ public:
     struct LeastSquares
     {
         std::vector<double> coefficients;
+        std::vector<double> residuals;
         double variance; ///< mean square of the residuals
         /** What each case's output lies above the fit to all others; NaN where those do not
          *  determine the trend. */

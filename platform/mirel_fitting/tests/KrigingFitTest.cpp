@@ -347,6 +347,72 @@ TEST(KrigingFit, SaysWhichInputsHaveNoInfluence)
                            "length is at its upper bound."));
 }
 
+TEST(KrigingFit, ReportsWhichLengthsAreAtABound)
+{
+    const Columns inputs = latinHypercube(40, 2, 3);
+    const std::vector<double> output =
+        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
+    using Bound = KrigingReport::Bound;
+
+    const KrigingFit fit = fitOf({inputs[0], std::vector<double>(40, 5.0), inputs[1]}, output);
+
+    EXPECT_EQ(fit.report.lengthBounds,
+              (std::vector<Bound>{Bound::None, Bound::None, Bound::Upper}));
+}
+
+TEST(KrigingFit, ReportsTheCasesThatTheOthersPredictWorst)
+{
+    Columns inputs = latinHypercube(30, 1, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    output[17] += 0.5;
+
+    const KrigingFit fit = fitOf(inputs, output);
+
+    ASSERT_EQ(fit.report.worstCases.size(), 5u);
+    const KrigingReport::LeftOutCase worst = fit.report.worstCases.front();
+    EXPECT_EQ(worst.row, 17u);
+    EXPECT_NEAR(worst.output, output[17], 1e-12);
+    // The outlier makes the fit noisy: the others say roughly what is true.
+    EXPECT_NEAR(worst.predicted, output[17] - 0.5, 0.2);
+}
+
+TEST(KrigingFit, ReportsNoiseInTheUnitOfTheOutput)
+{
+    const Columns inputs = latinHypercube(150, 1, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    UniformNumbers numbers(9);
+    for (double& y : output) {
+        y = 1000.0 * (y + 0.3 * numbers.normal());
+    }
+
+    const KrigingFit fit = fitOf(inputs, output);
+
+    // 150 cases estimate a deviation to about 6 %.
+    EXPECT_NEAR(fit.report.noiseDeviation, 300.0, 50.0);
+    EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs)).report.noiseDeviation, 0.0);
+}
+
+TEST(KrigingFit, SaysWhenThereIsNothingButNoise)
+{
+    const Columns inputs = latinHypercube(100, 2, 3);
+    UniformNumbers numbers(5);
+    std::vector<double> noise;
+    for (std::size_t i = 0; i < 100; ++i) {
+        noise.push_back(numbers.normal());
+    }
+
+    const KrigingFit fit = fitOf(inputs, noise);
+
+    EXPECT_LT(fit.metrics.r2, 0.1);
+    const auto begins = [&](const std::string& start) {
+        return std::any_of(fit.warnings.begin(), fit.warnings.end(), [&](const std::string& text) {
+            return text.compare(0, start.size(), start) == 0;
+        });
+    };
+    EXPECT_TRUE(begins("The model is flat: "));
+    EXPECT_TRUE(begins("Noise dominates: "));
+}
+
 TEST(KrigingFit, SaysWhyThereAreNoLeaveOneOutFigures)
 {
     // Without the last case nothing determines the slope along V2.

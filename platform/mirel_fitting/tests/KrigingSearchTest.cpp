@@ -34,6 +34,21 @@ std::shared_ptr<KrigingData> wave(std::size_t cases)
                     x));
 }
 
+/** Water flow, inputs scaled to [0, 1]; Harper, Gupta: BMI/ONWI-516, 1983. */
+double borehole(const std::vector<double>& u)
+{
+    const double lower[] = {0.05, 100, 63070, 990, 63.1, 700, 1120, 9855};
+    const double upper[] = {0.15, 50000, 115600, 1110, 116, 820, 1680, 12045};
+    double x[8];
+    for (int k = 0; k < 8; ++k) {
+        x[k] = lower[k] + u[static_cast<std::size_t>(k)] * (upper[k] - lower[k]);
+    }
+    const double logarithm = std::log(x[1] / x[0]);
+    const double flow = 2.0 * std::acos(-1.0) * x[2] * (x[3] - x[5]);
+    return 0.01 * flow /
+           (logarithm * (1.0 + 2.0 * x[6] * x[2] / (logarithm * x[0] * x[0] * x[7]) + x[2] / x[4]));
+}
+
 double likelihoodAt(const std::shared_ptr<KrigingData>& data, const std::vector<double>& lengths,
                     double nugget)
 {
@@ -158,6 +173,51 @@ TEST(KrigingSearch, ContinuesOnAllCasesWhatAFewHaveFound)
     EXPECT_DOUBLE_EQ(result.logLikelihood,
                      likelihoodAt(data, result.parameters.lengths, result.parameters.nugget));
     EXPECT_LT(result.evaluations, 40u);
+}
+
+TEST(KrigingSearch, KnowsNoSecondOptimumWhereAllSearchesMeet)
+{
+    EXPECT_EQ(KrigingSearch::run(wave(40), {}).secondLogLikelihood,
+              -std::numeric_limits<double>::infinity());
+}
+
+TEST(KrigingSearch, KnowsTheSecondOptimumOfDeceptiveCases)
+{
+    // A fast wave, sampled hardly more often than it turns: it may be one, or noise.
+    const Columns x = latinHypercube(30, 1, 5);
+    const auto data = dataOf(
+        x, valuesOf([](const std::vector<double>& p) { return std::sin(60.0 * p[0]) + 2.0 * p[0]; },
+                    x));
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+
+    EXPECT_TRUE(std::isfinite(result.secondLogLikelihood));
+    EXPECT_LT(result.secondLogLikelihood, result.logLikelihood);
+}
+
+TEST(KrigingSearch, LeavesNoInputOutThatMoreCasesShow)
+{
+    // The part of the cases that the search begins with shows no influence of some inputs, of which
+    // all cases show a little: from far out no slope leads back there.
+    for (const std::uint64_t seed : {11, 16, 38}) {
+        const Columns x = latinHypercube(200, 8, seed);
+        const auto data = dataOf(x, valuesOf(borehole, x));
+
+        KrigingSearch::Settings settings;
+        settings.smallestNugget = 1e-10;
+        settings.isNuggetFixed = true;
+        const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+        for (std::size_t k = 0; k < 8; ++k) {
+            for (const double length : {30.0, 60.0}) {
+                std::vector<double> lengths = result.parameters.lengths;
+                lengths[k] = std::min(lengths[k], length);
+                EXPECT_LT(likelihoodAt(data, lengths, result.parameters.nugget),
+                          result.logLikelihood + 200 * 1e-4)
+                    << "seed " << seed << ", input " << k;
+            }
+        }
+    }
 }
 
 TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)
