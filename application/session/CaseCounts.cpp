@@ -66,3 +66,28 @@ CaseCounts countCases(const Project& project, const std::vector<VarPtr>& inputs,
     counts.valid = counts.read - counts.excluded - counts.invalid;
     return counts;
 }
+
+std::vector<std::size_t> validCases(const Project& project, const std::vector<VarPtr>& inputs,
+                                    const std::vector<VarPtr>& outputs,
+                                    const std::vector<std::size_t>& excluded)
+{
+    std::vector<bool> isValid(project.recordCount(), true);
+    for (const std::size_t position : excluded) {
+        isValid[position] = false;
+    }
+    for (const std::vector<VarPtr>* const variables : {&inputs, &outputs}) {
+        for (const VarPtr& variable : *variables) {
+            const std::vector<double>& values = project.numericValues(variable);
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                isValid[i] = isValid[i] && std::isfinite(values[i]);
+            }
+        }
+    }
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < isValid.size(); ++i) {
+        if (isValid[i]) {
+            positions.push_back(i);
+        }
+    }
+    return positions;
+}

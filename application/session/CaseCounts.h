@@ -35,3 +35,8 @@ SURROGATE_SESSION_EXPORT CaseCounts countCases(const Project& project,
                                                const std::vector<VarPtr>& inputs,
                                                const std::vector<VarPtr>& outputs,
                                                const std::vector<std::size_t>& excluded);
+
+/** The positions of the valid cases, ascending: what a model calls its rows. Arguments as above. */
+SURROGATE_SESSION_EXPORT std::vector<std::size_t>
+validCases(const Project& project, const std::vector<VarPtr>& inputs,
+           const std::vector<VarPtr>& outputs, const std::vector<std::size_t>& excluded);

@@ -366,6 +366,10 @@ std::vector<OutputFit> CaseSession::fits()
     const auto* kriging = dynamic_cast<const KrigingReportInterface*>(&model);
 
     const std::vector<std::string> inputNames = namesOf(impl->inputs);
+    const std::vector<std::size_t> cases =
+        kriging == nullptr
+            ? std::vector<std::size_t>()
+            : validCases(*impl->state.project, impl->inputs, impl->state.outputs, impl->excluded());
     std::vector<OutputFit> results;
     results.reserve(impl->state.outputs.size());
     for (const VarPtr& output : impl->state.outputs) {
@@ -380,6 +384,9 @@ std::vector<OutputFit> CaseSession::fits()
         }
         if (kriging != nullptr) {
             result.kriging = kriging->krigingReport(offset);
+            for (KrigingReport::LeftOutCase& worst : result.kriging->worstCases) {
+                worst.row = cases.at(worst.row);
+            }
         }
         results.push_back(std::move(result));
     }

@@ -31,7 +31,7 @@ struct OutputFit
     std::string name;
     FitMetrics metrics;
     std::vector<std::string> warnings;    ///< what changed the result, a sentence each
-    std::optional<KrigingReport> kriging; ///< of a Kriging model only
+    std::optional<KrigingReport> kriging; ///< of a Kriging model only; rows are cases, from 0
 };
 
 /** Wall-clock time in seconds that the steps of a session took, 0 for those not taken. */

@@ -155,13 +155,49 @@ Json metricsJson(const OutputFit& fit)
             {"predictedR2", metrics.predictedR2}};
 }
 
+const char* boundName(const KrigingReport& report, std::size_t input)
+{
+    if (input >= report.lengthBounds.size() ||
+        report.lengthBounds[input] == KrigingReport::Bound::None) {
+        return "none";
+    }
+    return report.lengthBounds[input] == KrigingReport::Bound::Lower ? "lower" : "upper";
+}
+
+std::string boundText(const KrigingReport& report, std::size_t input)
+{
+    const std::string name = boundName(report, input);
+    return name == "none" ? "" : " (at its " + name + " bound)";
+}
+
+Json krigingJson(const KrigingReport& report)
+{
+    Json bounds = Json::array();
+    for (std::size_t i = 0; i < report.correlationLengths.size(); ++i) {
+        bounds.push_back(boundName(report, i));
+    }
+    Json worst = Json::array();
+    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
+        worst.push_back(
+            {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}});
+    }
+    return {{"correlationLengths", report.correlationLengths},
+            {"lengthBounds", bounds},
+            {"nugget", report.nugget},
+            {"noiseDeviation", report.noiseDeviation},
+            {"processVariance", report.processVariance},
+            {"logLikelihood", report.logLikelihood},
+            {"secondLogLikelihood", report.secondLogLikelihood},
+            {"condition", report.condition},
+            {"trend", report.trendTerms},
+            {"worstCases", worst}};
+}
+
 Json fitJson(const OutputFit& fit)
 {
     Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
     if (fit.kriging) {
-        json["correlationLengths"] = fit.kriging->correlationLengths;
-        json["nugget"] = fit.kriging->nugget;
-        json["logLikelihood"] = fit.kriging->logLikelihood;
+        json.update(krigingJson(*fit.kriging));
     }
     return json;
 }
@@ -176,11 +212,23 @@ std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs
         table.add({"leave-one-out RMSE", shown(metrics.looRmse)});
         table.add({"Q2", shown(metrics.q2)});
         table.add({"log-likelihood", shown(report.logLikelihood)});
+        if (!std::isnan(report.secondLogLikelihood)) {
+            table.add({"of the second-best maximum", shown(report.secondLogLikelihood)});
+        }
         table.add({"process variance", shown(report.processVariance)});
         table.add({"nugget", shown(report.nugget) + " of the process variance"});
+        if (report.noiseDeviation > 0.0) {
+            table.add({"noise, standard deviation", shown(report.noiseDeviation)});
+        }
+        table.add({"condition of the correlations", shown(report.condition)});
         table.add({"trend", joined(report.trendTerms)});
         for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
-            table.add({"correlation length of " + inputs[i], shown(report.correlationLengths[i])});
+            table.add({"correlation length of " + inputs[i],
+                       shown(report.correlationLengths[i]) + boundText(report, i)});
+        }
+        for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
+            table.add({"left out, case " + std::to_string(worst.row + 1),
+                       shown(worst.predicted) + " instead of " + shown(worst.output)});
         }
     } else {
         table.add({"R2", shown(metrics.r2)});

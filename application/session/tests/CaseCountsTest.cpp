@@ -65,3 +65,9 @@ TEST_F(CaseCountsTest, WithoutVariablesEveryCaseIsValid)
 {
     EXPECT_EQ(countCases(project, {}, {}, {}).valid, 6u);
 }
+
+TEST_F(CaseCountsTest, ValidCasesAreThoseWithoutAnyLack)
+{
+    EXPECT_EQ(validCases(project, {x1, x2}, {y1, y2}, {}), (Numbers{0, 4}));
+    EXPECT_EQ(validCases(project, {x1}, {y1}, {0}), (Numbers{3, 4, 5}));
+}

@@ -104,8 +104,11 @@ TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
 
     EXPECT_EQ(json["model"], "kriging");
     const Json& output = json["outputs"][0];
-    EXPECT_EQ(keysOf(output), (Keys{"correlationLengths", "logLikelihood", "metrics", "name",
-                                    "nugget", "warnings"}));
+    EXPECT_EQ(keysOf(output),
+              (Keys{"condition", "correlationLengths", "lengthBounds", "logLikelihood", "metrics",
+                    "name", "noiseDeviation", "nugget", "processVariance", "secondLogLikelihood",
+                    "trend", "warnings", "worstCases"}));
+    EXPECT_EQ(output["lengthBounds"].size(), 2u);
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
 }
@@ -145,6 +148,26 @@ TEST(SessionReport, KrigingFitTextNamesTheInputOfEachLength)
     EXPECT_NE(text.find("  correlation length of Pressure  "), std::string::npos) << text;
     EXPECT_NE(text.find("  correlation length of H2/WF6    "), std::string::npos) << text;
     EXPECT_NE(text.find(" of the process variance\n"), std::string::npos) << text;
+}
+
+TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
+{
+    CaseTable table = cvdCases();
+    const std::vector<double> stress = table.columns[3].numbers;
+    // These two take no part, so that the model's rows are not the numbers of the file.
+    table.columns[3].numbers[0] = std::nan("");
+    CaseSession session(std::move(table), {{0, 1}, {3}}, {4}, CaseSession::Kriging);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json& worst = json["outputs"][0]["worstCases"];
+
+    ASSERT_FALSE(worst.empty());
+    for (const Json& one : worst) {
+        const std::size_t position = one["case"].get<std::size_t>() - 1;
+        const bool isRepeated = position == 1 || position == 5 || position == 10;
+        EXPECT_TRUE(isRepeated || one["output"] == stress[position]) << one;
+    }
+    EXPECT_NE(SessionReport::fitText(session).find("  left out, case "), std::string::npos);
 }
 
 TEST(SessionReport, ThereAreNoNotesWhereNothingWasChanged)
