@@ -348,18 +348,24 @@ Optimum Search::search(const std::vector<double>& start, const std::vector<doubl
 
 /**
  * Searches from start after start. Independent searches that meet in the best optimum are the
- * evidence that it is the best: easy data need few of them, deceptive ones with many optima more.
+ * evidence that it is the best: three that all meet are enough; where there are several optima,
+ * more have to meet in the best one than there are others.
  */
 void Search::compete()
 {
-    constexpr std::size_t fewestStarts = 4;
+    constexpr int fewestStarts = 3;
 
-    std::size_t started = 0;
+    int started = 0;
     for (const std::vector<double>& start : variables.starts(settings.initialLength)) {
         follow(start);
         sortByValue(optima);
-        if (++started >= fewestStarts && !optima.empty() &&
-            optima.front().meetings > static_cast<int>(optima.size())) {
+        ++started;
+        if (started < fewestStarts || optima.empty()) {
+            continue;
+        }
+        const int meetings = optima.front().meetings;
+        if (meetings == started ||
+            (started > fewestStarts && meetings > static_cast<int>(optima.size()))) {
             break;
         }
     }
