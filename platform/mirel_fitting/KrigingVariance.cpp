@@ -1,6 +1,8 @@
 #include <mirel_fitting/KrigingVariance.h>
 
+#include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/ThreadCount.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -18,7 +20,7 @@ KrigingVariance::KrigingVariance(const KrigingPredictor::Parts& parts)
     if (parts.correlation) {
         factorise();
         cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order,
-                    columns, 1.0, factor.data(), order, basis.data(), order);
+                    columns, 1.0, factor->values(), order, basis.data(), order);
     } else {
         for (std::size_t t = 0; t < terms; ++t) {
             for (std::size_t i = 0; i < cases; ++i) {
@@ -39,13 +41,16 @@ KrigingVariance::KrigingVariance(const KrigingPredictor::Parts& parts)
 
 void KrigingVariance::factorise()
 {
-    const int order = static_cast<int>(cases);
-    factor.resize(cases * cases);
-    parts.correlation->fillLower(0, cases, factor.data());
-    for (std::size_t j = 0; j < cases; ++j) {
-        factor[j * cases + j] += parts.nugget / parts.data->rows[j];
-    }
-    if (LAPACKE_dpotrf(LAPACK_COL_MAJOR, 'L', order, factor.data(), order) != 0) {
+    const SingleThreadedBlas singleThreaded;
+    // As the fit did it, block by block: what it could factorise is not refused here.
+    factor = std::make_unique<BlockedCholesky>(cases, threadCount(), nullptr);
+    factor->forColumns(0.0, [&](std::size_t first, std::size_t last) {
+        parts.correlation->fillLower(first, last, factor->values());
+        for (std::size_t j = first; j < last; ++j) {
+            factor->values()[j * cases + j] += parts.nugget / parts.data->rows[j];
+        }
+    });
+    if (!factor->factorise()) {
         throw SurrogateModelInterface::Error("There are no standard errors: the correlation matrix "
                                              "of the cases cannot be factorised.");
     }
@@ -87,7 +92,7 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
         double* correlations = workspace.correlations.data();
         parts.correlation->correlate(points, count, correlations);
         cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, size,
-                    1.0, factor.data(), order, correlations, static_cast<int>(stride));
+                    1.0, factor->values(), order, correlations, static_cast<int>(stride));
         cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, size, columns, order, -1.0,
                     correlations, static_cast<int>(stride), basis.data(), order, 1.0, trend, size);
         for (std::size_t i = 0; i < count; ++i) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <mirel_fitting/AlignedBuffer.h>
+#include <mirel_fitting/BlockedCholesky.h>
 #include <mirel_fitting/KrigingPredictor.h>
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 /**
@@ -51,7 +53,7 @@ private:
     KrigingPredictor::Parts parts;
     std::size_t cases;
     std::size_t terms;
-    std::vector<double> factor;   // lower: L of R = L L'; without correlation empty
-    std::vector<double> basis;    // orthonormal: Q of L^-1 F = Q T
-    std::vector<double> triangle; // T, terms x terms
+    std::unique_ptr<BlockedCholesky> factor; // L of R = L L'; null without correlation
+    std::vector<double> basis;               // orthonormal: Q of L^-1 F = Q T
+    std::vector<double> triangle;            // T, terms x terms
 };
