@@ -1,6 +1,7 @@
 // Fitting and evaluating both models on the borehole function.
 #include "TestFunctions.h"
 
+#include <mirel_fitting/InstructionSet.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
@@ -122,6 +123,89 @@ KrigingSurrogateModel krigingOver(std::size_t inputs, std::size_t rows)
     return KrigingSurrogateModel(independent, {output.data()}, static_cast<int>(rows), 0.0001,
                                  std::vector<double>(inputs, 1.0), 1, 0.5, 1e-8, 1);
 }
+
+/** 8 inputs, 1000 cases; what every further answer costs, in calls of interpolateDependentValues()
+ *  for as many points. */
+struct Evaluation
+{
+    explicit Evaluation(std::size_t points)
+        : model(krigingOver(8, 1000)), inputs(uniformColumns(8, points, 2)),
+          results(8, std::vector<double>(points))
+    {
+        for (std::size_t k = 0; k < inputs.size(); ++k) {
+            independent.push_back(inputs[k].data());
+            columns.push_back(results[k].data());
+        }
+        outputs.push_back(columns[0]);
+        predict(); // fits
+    }
+
+    void predict()
+    {
+        model.interpolateDependentValues(independent, {0}, outputs, inputs[0].size());
+    }
+
+    KrigingSurrogateModel model;
+    std::vector<std::vector<double>> inputs;
+    std::vector<std::vector<double>> results;
+    std::vector<double*> independent;
+    std::vector<double*> columns;
+    std::vector<double*> outputs;
+};
+
+void predictScattered(benchmark::State& state, InstructionSet set)
+{
+    Evaluation evaluation(static_cast<std::size_t>(state.range(0)));
+    setInstructionSetLimit(set);
+    for (auto _ : state) {
+        evaluation.predict();
+    }
+    setInstructionSetLimit(InstructionSet::Avx512);
+}
+BENCHMARK_CAPTURE(predictScattered, baseline, InstructionSet::Baseline)
+    ->ArgName("points")
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(predictScattered, avx2, InstructionSet::Avx2)
+    ->ArgName("points")
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(predictScattered, avx512, InstructionSet::Avx512)
+    ->ArgName("points")
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+
+void differentiate(benchmark::State& state)
+{
+    Evaluation evaluation(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        evaluation.model.gradients(evaluation.independent, 0, evaluation.columns,
+                                   evaluation.inputs[0].size());
+    }
+}
+BENCHMARK(differentiate)
+    ->ArgName("points")
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+
+void standardErrors(benchmark::State& state)
+{
+    Evaluation evaluation(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        evaluation.model.standardErrors(evaluation.independent, {0},
+                                        StandardErrorInterface::Kind::Mean, evaluation.outputs,
+                                        evaluation.inputs[0].size());
+    }
+}
+BENCHMARK(standardErrors)
+    ->ArgName("points")
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
 
 /** Every input evenly over [0, 1], the last one fastest. */
 std::vector<std::vector<double>> evenGrid(std::size_t inputs, std::size_t valuesPerInput)

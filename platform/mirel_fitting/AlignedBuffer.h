@@ -1,16 +1,28 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <vector>
+#include <memory>
+#include <utility>
 
-/** Doubles, zero at first, aligned for the registers and cache lines that they are read through. */
+/** Doubles, aligned for the registers and cache lines that they are read through. */
 class AlignedBuffer
 {
 public:
-    explicit AlignedBuffer(std::size_t count = 0) : lines((count + perLine - 1) / perLine) {}
+    /** All zero. */
+    explicit AlignedBuffer(std::size_t count = 0) : AlignedBuffer(uninitialised(count))
+    {
+        std::fill_n(data(), padded(count), 0.0);
+    }
 
-    double* data() { return reinterpret_cast<double*>(lines.data()); }
-    const double* data() const { return reinterpret_cast<const double*>(lines.data()); }
+    /** For megabytes that are written before they are read. */
+    static AlignedBuffer uninitialised(std::size_t count)
+    {
+        return AlignedBuffer(std::unique_ptr<Line[]>(new Line[padded(count) / perLine]));
+    }
+
+    double* data() { return reinterpret_cast<double*>(lines.get()); }
+    const double* data() const { return reinterpret_cast<const double*>(lines.get()); }
 
     /** The smallest multiple of a line that has room for `count` doubles. */
     static constexpr std::size_t padded(std::size_t count)
@@ -23,8 +35,10 @@ private:
 
     struct alignas(perLine * sizeof(double)) Line
     {
-        double values[perLine] = {};
+        double values[perLine];
     };
 
-    std::vector<Line> lines;
+    explicit AlignedBuffer(std::unique_ptr<Line[]> lines) : lines(std::move(lines)) {}
+
+    std::unique_ptr<Line[]> lines;
 };

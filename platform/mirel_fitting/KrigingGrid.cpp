@@ -67,7 +67,7 @@ public:
         }
         const std::size_t rowSize = parts.correlation->correlationStride();
         if (!inputs.empty() && size <= largestTable / sizeof(double) / rowSize) {
-            table = AlignedBuffer(size * rowSize);
+            table = AlignedBuffer::uninitialised(size * rowSize);
             correlate(*parts.correlation, 0, size, table.data());
             hasTable = true;
         }
@@ -189,14 +189,14 @@ public:
     Tile(const Side& side, const MaternCorrelation& correlation, std::size_t rows)
         : side(side), correlation(correlation), cases(correlation.cases()),
           tableStride(correlation.correlationStride()),
-          rowStride(AlignedBuffer::padded(cases + side.trend.size())), buffer(rows * rowStride),
-          shared(cases)
+          rowStride(AlignedBuffer::padded(cases + side.trend.size())),
+          buffer(AlignedBuffer::uninitialised(rows * rowStride)), shared(cases)
     {
         for (const Axis& axis : side.axes) {
             const bool isComputedHere = !axis.inputs.empty() && !axis.hasTable;
             const std::size_t values = std::min(axis.size, rows / axis.stride + 2);
             partialTables.push_back(
-                {AlignedBuffer(isComputedHere ? values * tableStride : 0), false});
+                {AlignedBuffer::uninitialised(isComputedHere ? values * tableStride : 0), false});
         }
     }
 

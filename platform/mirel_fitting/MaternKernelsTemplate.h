@@ -104,7 +104,7 @@ SURROGATE_INLINE void factors(const double* points, std::size_t stride, const do
     }
 }
 
-/** Exactly 1 where all coordinates are equal. */
+/** Exactly 1 where all coordinates are equal: the polynomials are 1 + z + z^2 / 3 here. */
 template <std::size_t count, Reach reach>
 SURROGATE_INLINE void correlations(const double* points, std::size_t stride, const double* atCase,
                                    std::size_t inputs, Vector* result)
@@ -114,16 +114,20 @@ SURROGATE_INLINE void correlations(const double* points, std::size_t stride, con
     }
     for (std::size_t first = 0; first < inputs; first += inputsPerGroup) {
         const std::size_t last = first + inputsPerGroup < inputs ? first + inputsPerGroup : inputs;
-        Vector product[count];
         Vector exponent[count];
-        factors<count, reach>(points + first * stride, stride, atCase + first, last - first, 1.0,
-                              product, exponent);
-        double divisor = 1.0; // a power of 3 that has a double
+        for (std::size_t u = 0; u < count; ++u) {
+            exponent[u] = Vector{};
+        }
         for (std::size_t k = first; k < last; ++k) {
-            divisor *= 3.0;
+            const Vector center = all(atCase[k]);
+            for (std::size_t u = 0; u < count; ++u) {
+                const Vector z = distance<reach>(load(points + k * stride + u * width) - center);
+                exponent[u] -= z;
+                result[u] *= multiplyAdd(z, multiplyAdd(z, all(1.0 / 3.0), all(1.0)), all(1.0));
+            }
         }
         for (std::size_t u = 0; u < count; ++u) {
-            result[u] *= product[u] / divisor * expOfNegative<reach>(exponent[u]);
+            result[u] *= expOfNegative<reach>(exponent[u]);
         }
     }
 }
