@@ -15,6 +15,10 @@ namespace {
 
 thread_local FitProgress* newest = nullptr;
 
+// Where the present portion lies in the whole.
+thread_local double portionStart = 0.0;
+thread_local double portionSize = 1.0;
+
 } // namespace
 
 FitProgress::FitProgress(Report report) : impl(std::make_unique<Impl>())
@@ -31,7 +35,21 @@ FitProgress::~FitProgress()
 
 void FitProgress::report(double fraction, const std::string& message)
 {
-    if (newest && newest->impl->report && !newest->impl->report(fraction, message)) {
+    const double ofTheWhole = portionStart + portionSize * fraction;
+    if (newest && newest->impl->report && !newest->impl->report(ofTheWhole, message)) {
         throw SurrogateModelInterface::Error("The fit was cancelled.");
     }
+}
+
+FitProgress::Portion::Portion(double from, double to)
+    : outerStart(portionStart), outerSize(portionSize)
+{
+    portionStart = outerStart + outerSize * from;
+    portionSize = outerSize * (to - from);
+}
+
+FitProgress::Portion::~Portion()
+{
+    portionStart = outerStart;
+    portionSize = outerSize;
 }

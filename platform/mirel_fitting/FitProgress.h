@@ -34,6 +34,24 @@ public:
      */
     static void report(double fraction, const std::string& message);
 
+    /**
+     * For the fitting code: while one lives, what this thread reports is a part of the whole, and
+     * its fractions 0 to 1 are told as `from` to `to`. They nest.
+     */
+    class MIREL_FITTING_EXPORT Portion
+    {
+    public:
+        Portion(double from, double to);
+        ~Portion();
+
+        Portion(const Portion&) = delete;
+        Portion& operator=(const Portion&) = delete;
+
+    private:
+        double outerStart;
+        double outerSize;
+    };
+
 private:
     class Impl;
     std::unique_ptr<Impl> impl;

@@ -57,3 +57,21 @@ TEST(FitProgress, HearsOnlyFitsOfItsOwnThread)
 
     EXPECT_EQ(calls, 0);
 }
+
+TEST(FitProgress, TellsThePortionsOfAFitAsPartsOfTheWhole)
+{
+    std::vector<double> fractions;
+    FitProgress progress([&](double fraction, const std::string&) {
+        fractions.push_back(fraction);
+        return true;
+    });
+    {
+        const FitProgress::Portion second(0.5, 1.0);
+        FitProgress::report(0.0, "");
+        const FitProgress::Portion itsFirst(0.0, 0.5);
+        FitProgress::report(1.0, "");
+    }
+    FitProgress::report(0.875, "");
+
+    EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.875}));
+}
