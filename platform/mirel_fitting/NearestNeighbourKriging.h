@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * Kriging without trend of any number of cases: each prediction uses the nearest of them alone, so
+ * that its cost does not grow with their number. Distances are measured in correlation lengths,
+ * the correlation is that of MaternCorrelation.
+ *
+ * The likelihood is Vecchia's: the cases are put in order, and each one's density is conditioned on
+ * the nearest of those before it. Katzfuss, Guinness: A general framework for Vecchia
+ * approximations of Gaussian processes, Statistical Science 36 (2021).
+ *
+ * Work is shared by threads point by point: their number does not change a bit of the results.
+ */
+class NearestNeighbourKriging
+{
+public:
+    struct Cases
+    {
+        std::size_t count = 0;
+        std::size_t inputs = 0;
+        const double* coordinates = nullptr; ///< by columns, count x inputs; copied
+        std::vector<double> values;          ///< one per case
+        std::vector<double> rows;            ///< one per case: what the nugget is divided by
+    };
+
+    struct Parameters
+    {
+        std::vector<double> lengths; ///< one per input; infinite: without influence
+        double nugget = 0.0;         ///< relative to the variance
+    };
+
+    /** What all other cases say of one: its value has this mean and variance, the latter relative
+     *  to that of the process. */
+    struct Prediction
+    {
+        double mean;
+        double variance;
+    };
+
+    /** Called on the calling thread while work goes on, with the part that is done, 0 to 1. */
+    using Report = std::function<void(double fraction)>;
+
+    /**
+     * @param metric correlation lengths that decide which cases are near.
+     * @param neighbours at most so many are used.
+     */
+    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
+    ~NearestNeighbourKriging();
+
+    std::size_t neighbours() const;
+
+    void setParameters(const Parameters& parameters);
+    const Parameters& parameters() const;
+
+    /** result[i] += prediction at point i. @param points one array of finite numbers per input. */
+    void add(const std::vector<const double*>& points, std::size_t count, double* result) const;
+
+    /**
+     * gradients[k][i] += derivative of the prediction at point i by its coordinate k. Where another
+     * case becomes one of the nearest, the prediction has a small step.
+     */
+    void addGradients(const std::vector<const double*>& points, std::size_t count,
+                      const std::vector<double*>& gradients) const;
+
+    /** result[i] = variance of the prediction at point i, relative to that of the process, without
+     *  the noise of a new case. */
+    void variances(const std::vector<const double*>& points, std::size_t count,
+                   double* result) const;
+
+    /** Each of these cases as predicted by the others. */
+    class LeftOut
+    {
+    public:
+        LeftOut(const NearestNeighbourKriging& kriging, std::vector<std::size_t> cases,
+                const Report& report);
+        ~LeftOut();
+
+        /** With the parameters of the call; the neighbours were found once for all calls. */
+        std::vector<Prediction> predict(const Parameters& parameters, const Report& report) const;
+
+    private:
+        friend class NearestNeighbourKriging;
+        class Impl;
+        std::unique_ptr<Impl> impl;
+    };
+
+    /**
+     * Logarithm of the density of all cases behind the first `given` of `order`, given those; the
+     * variance is estimated with it. The order is cut into levels, each as long as all before it:
+     * cases are conditioned on the nearest of the levels before their own.
+     * @param order all cases, each once.
+     * @param variance receives the estimate.
+     */
+    double logLikelihood(const std::vector<std::size_t>& order, std::size_t given, double& variance,
+                         const Report& report) const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+/** Finds the nearest of many points by a tree of their coordinates (nanoflann). */
+class NearestNeighbours
+{
+public:
+    /**
+     * Takes O(count log count) time and some 20 bytes per point.
+     * @param coordinates point by point, `count` x `inputs`; borrowed for life.
+     */
+    NearestNeighbours(const double* coordinates, std::size_t count, std::size_t inputs);
+    ~NearestNeighbours();
+
+    std::size_t size() const;
+
+    /**
+     * May be called by several threads at once.
+     * @param indices receives at most `wanted` of them, the nearest first.
+     * @param squares receives their squared distances.
+     * @return how many were found: all points, if there are no more, and none where the distances
+     *         are no numbers.
+     */
+    std::size_t find(const double* point, std::size_t wanted, std::uint32_t* indices,
+                     double* squares) const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
