@@ -8,6 +8,7 @@
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/QuadraticBasis.h>
+#include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
@@ -53,15 +54,24 @@ private:
     void mergeRows();
     void chooseTrend();
     bool isExplainedByTrend() const;
+    KrigingSearch::Settings searchSettings() const;
     void search();
+    void warnOfRaisedNugget();
     KrigingPredictor::Parts commonParts() const;
     KrigingFit withCorrelation();
-    void reportCorrelation(KrigingFit& fit, const KrigingLikelihood& likelihood, bool meetsCases);
+    void reportCorrelation(KrigingFit& fit, double processVariance, double condition, double rows,
+                           bool meetsCases);
+    KrigingFit ofManyCases();
+    bool isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const;
     KrigingFit withTrendAlone();
     KrigingFit constant();
-    void measure(KrigingFit& fit, const std::vector<double>& residuals,
+    std::vector<std::size_t> allPoints() const;
+    void measure(KrigingFit& fit, const KrigingData& all, const std::vector<std::size_t>& points,
+                 const std::vector<double>& residuals,
                  const std::vector<double>& leaveOneOutResiduals) const;
-    void findWorstCases(KrigingFit& fit, const std::vector<double>& leaveOneOutResiduals) const;
+    void findWorstCases(KrigingFit& fit, const KrigingData& all,
+                        const std::vector<std::size_t>& points,
+                        const std::vector<double>& leaveOneOutResiduals) const;
     void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
     void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
     void writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
@@ -195,7 +205,7 @@ bool Fitter::isExplainedByTrend() const
     return std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
 }
 
-void Fitter::search()
+KrigingSearch::Settings Fitter::searchSettings() const
 {
     KrigingSearch::Settings settings;
     settings.tolerance = options.tolerance;
@@ -208,7 +218,17 @@ void Fitter::search()
         constexpr double shortest = 1e-100;
         settings.fixedLengths.push_back(std::max(length / cases.range()[k], shortest));
     }
-    found = KrigingSearch::run(data, settings);
+    return settings;
+}
+
+void Fitter::search()
+{
+    found = KrigingSearch::run(data, searchSettings());
+    warnOfRaisedNugget();
+}
+
+void Fitter::warnOfRaisedNugget()
+{
     if (found.isNuggetRaised) {
         warnings.push_back("The nugget was raised to " +
                            EquationText::number(found.parameters.nugget) +
@@ -254,14 +274,17 @@ KrigingFit Fitter::withCorrelation()
     parts.weights = likelihood.weights();
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    reportCorrelation(fit, likelihood, meetsCases);
+    const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
+    reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(), rows,
+                      meetsCases);
     reportTrend(fit, likelihood.coefficients());
-    measure(fit, likelihood.residuals(), likelihood.leaveOneOutResiduals());
+    measure(fit, *data, allPoints(), likelihood.residuals(), likelihood.leaveOneOutResiduals());
     return fit;
 }
 
-void Fitter::reportCorrelation(KrigingFit& fit, const KrigingLikelihood& likelihood,
-                               bool meetsCases)
+/** @param rows of the likelihood. */
+void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double condition,
+                               double rows, bool meetsCases)
 {
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     fit.report.lengthBounds.assign(cases.inputCount(), KrigingReport::Bound::None);
@@ -272,21 +295,91 @@ void Fitter::reportCorrelation(KrigingFit& fit, const KrigingLikelihood& likelih
             fit.report.lengthBounds[input] = found.lengthBounds[k];
         }
     }
-    double rows = 0.0;
-    for (const double atPoint : data->rows) {
-        rows += atPoint;
-    }
     fit.report.nugget = found.parameters.nugget;
-    fit.report.processVariance = likelihood.processVariance() * scale * scale;
+    fit.report.processVariance = processVariance * scale * scale;
     fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
     if (!std::isinf(found.secondLogLikelihood)) {
         fit.report.secondLogLikelihood = found.secondLogLikelihood - rows * std::log(scale);
     }
     if (!meetsCases) {
-        noiseShare = found.parameters.nugget * likelihood.processVariance();
+        noiseShare = found.parameters.nugget * processVariance;
         fit.report.noiseDeviation = scale * std::sqrt(noiseShare);
     }
-    fit.report.condition = likelihood.conditionEstimate();
+    fit.report.condition = condition;
+}
+
+/** More cases than one correlation matrix can hold: an exact model of a subset, and of the others
+ *  what near ones tell. */
+KrigingFit Fitter::ofManyCases()
+{
+    const std::shared_ptr<const KrigingData> all = data;
+    constexpr double choosing = 0.08; // of the work
+    LargeKriging::Subset subset;
+    {
+        const FitProgress::Portion portion(0.0, choosing);
+        subset.indices = spaceFillingSubset(*all, options.sizes.subset);
+    }
+    const FitProgress::Portion portion(choosing, 1.0);
+    data = std::make_shared<KrigingData>(all->subset(subset.indices));
+    chooseTrend();
+    const std::vector<double> coefficients = trend->leastSquares(data->output).coefficients;
+    if (isExplainedBy(coefficients, *all)) {
+        data = std::make_shared<KrigingData>(*all);
+        warnings.clear(); // of the subset's trend
+        chooseTrend();
+        return withTrendAlone();
+    }
+    subset.data = data;
+    subset.trend = trend;
+    const LargeKriging::Result large =
+        LargeKriging::run(all, subset, searchSettings(), options.nugget == 0.0, options.sizes);
+    found = large.found;
+    warnOfRaisedNugget();
+
+    KrigingPredictor::Parts parts = commonParts();
+    parts.processVariance = large.processVariance;
+    parts.nugget = found.parameters.nugget;
+    parts.meetsCases = large.meetsCases;
+    parts.coefficients = large.coefficients;
+    parts.weights = large.weights;
+    if (!large.weights.empty()) {
+        auto correlation = std::make_shared<MaternCorrelation>(data->cases, data->inputs,
+                                                               data->coordinates.data());
+        correlation->setLengths(found.parameters.lengths);
+        parts.correlation = std::move(correlation);
+    }
+    parts.neighbours = large.neighbours;
+    parts.neighbourVariance = large.neighbourVariance;
+
+    KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
+    const std::shared_ptr<const KrigingData> likely = large.neighbours ? all : data;
+    const double rows = std::accumulate(likely->rows.begin(), likely->rows.end(), 0.0);
+    reportCorrelation(fit, large.processVariance, large.condition, rows, large.meetsCases);
+    reportTrend(fit, large.coefficients);
+    measure(fit, *all, large.measured, large.residuals, large.leaveOneOutResiduals);
+    warnings.push_back("There are more than " + std::to_string(options.sizes.mostExact) +
+                       " distinct cases: " + large.description(scale));
+    warnings.push_back("The figures of errors are those of a random sample of " +
+                       counted(large.measured.size(), "distinct case") + ".");
+    return fit;
+}
+
+bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const
+{
+    std::vector<const double*> points;
+    for (std::size_t k = 0; k < all.inputs; ++k) {
+        points.push_back(all.coordinates.data() + k * all.cases);
+    }
+    std::vector<double> explained(all.cases, 0.0);
+    trend->add(points, all.cases, coefficients, explained.data());
+    for (std::size_t i = 0; i < all.cases; ++i) {
+        const double rounding = 64.0 * std::numeric_limits<double>::epsilon() *
+                                (1.0 + std::fabs(offset / scale + all.output[i]));
+        if (scatterAtPoint[i] > 0.0 || !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 KrigingFit Fitter::withTrendAlone()
@@ -299,7 +392,7 @@ KrigingFit Fitter::withTrendAlone()
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance, data->cases);
     reportTrend(fit, leastSquares.coefficients);
-    measure(fit, leastSquares.residuals, leastSquares.leaveOneOutResiduals);
+    measure(fit, *data, allPoints(), leastSquares.residuals, leastSquares.leaveOneOutResiduals);
     warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
     return fit;
 }
@@ -431,58 +524,74 @@ void Fitter::writeTrend(KrigingFit& fit, const std::vector<double>& coefficients
     fit.trendText.pop_back(); // the end of the line
 }
 
-void Fitter::measure(KrigingFit& fit, const std::vector<double>& residuals,
+std::vector<std::size_t> Fitter::allPoints() const
+{
+    std::vector<std::size_t> points(data->cases);
+    std::iota(points.begin(), points.end(), std::size_t{0});
+    return points;
+}
+
+/**
+ * @param points what the residuals are of: all points, or a random sample, which then stands for
+ *               all.
+ */
+void Fitter::measure(KrigingFit& fit, const KrigingData& all,
+                     const std::vector<std::size_t>& points, const std::vector<double>& residuals,
                      const std::vector<double>& leaveOneOutResiduals) const
 {
-    const std::size_t n = data->cases;
     double rows = 0.0;
     double sum = 0.0;
-    for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t i = 0; i < all.cases; ++i) {
         rows += rowsAtPoint[i];
-        sum += rowsAtPoint[i] * data->output[i];
+        sum += rowsAtPoint[i] * all.output[i];
     }
     const double mean = sum / rows;
+    double measured = 0.0;
     double total = 0.0;
     double errors = 0.0;
     double press = 0.0;
-    for (std::size_t i = 0; i < n; ++i) {
-        const double deviation = data->output[i] - mean;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const std::size_t point = points[i];
+        const double deviation = all.output[point] - mean;
         const double leftOut = leaveOneOutResiduals[i];
-        errors += scatterAtPoint[i] + rowsAtPoint[i] * residuals[i] * residuals[i];
-        total += scatterAtPoint[i] + rowsAtPoint[i] * deviation * deviation;
-        press += scatterAtPoint[i] + rowsAtPoint[i] * leftOut * leftOut;
+        measured += rowsAtPoint[point];
+        errors += scatterAtPoint[point] + rowsAtPoint[point] * residuals[i] * residuals[i];
+        total += scatterAtPoint[point] + rowsAtPoint[point] * deviation * deviation;
+        press += scatterAtPoint[point] + rowsAtPoint[point] * leftOut * leftOut;
     }
     fit.metrics.cases = static_cast<std::size_t>(rows);
     fit.metrics.terms = data->terms;
     fit.metrics.r2 = 1.0 - errors / total;
-    fit.metrics.rmse = scale * std::sqrt(errors / rows);
-    fit.metrics.press = press * scale * scale;
-    fit.metrics.looRmse = scale * std::sqrt(press / rows);
+    fit.metrics.rmse = scale * std::sqrt(errors / measured);
+    fit.metrics.press = press * (rows / measured) * scale * scale;
+    fit.metrics.looRmse = scale * std::sqrt(press / measured);
     fit.metrics.q2 = 1.0 - press / total;
-    findWorstCases(fit, leaveOneOutResiduals);
+    findWorstCases(fit, all, points, leaveOneOutResiduals);
 }
 
-void Fitter::findWorstCases(KrigingFit& fit, const std::vector<double>& leaveOneOutResiduals) const
+void Fitter::findWorstCases(KrigingFit& fit, const KrigingData& all,
+                            const std::vector<std::size_t>& points,
+                            const std::vector<double>& leaveOneOutResiduals) const
 {
     constexpr std::size_t mostShown = 5;
 
     if (std::isnan(fit.metrics.looRmse)) {
         return;
     }
-    std::vector<std::size_t> points(data->cases);
-    std::iota(points.begin(), points.end(), std::size_t{0});
-    const std::size_t shown = std::min(mostShown, points.size());
-    std::partial_sort(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(shown),
-                      points.end(), [&](std::size_t a, std::size_t b) {
+    std::vector<std::size_t> worst(points.size());
+    std::iota(worst.begin(), worst.end(), std::size_t{0});
+    const std::size_t shown = std::min(mostShown, worst.size());
+    std::partial_sort(worst.begin(), worst.begin() + static_cast<std::ptrdiff_t>(shown),
+                      worst.end(), [&](std::size_t a, std::size_t b) {
                           const double errorOfA = std::fabs(leaveOneOutResiduals[a]);
                           const double errorOfB = std::fabs(leaveOneOutResiduals[b]);
                           return errorOfA != errorOfB ? errorOfA > errorOfB : a < b;
                       });
-    points.resize(shown);
-    for (const std::size_t point : points) {
-        const double value = offset + scale * data->output[point];
+    worst.resize(shown);
+    for (const std::size_t i : worst) {
+        const double value = offset + scale * all.output[points[i]];
         fit.report.worstCases.push_back(
-            {cases.rowsAt(point).front(), value, value - scale * leaveOneOutResiduals[point]});
+            {cases.rowsAt(points[i]).front(), value, value - scale * leaveOneOutResiduals[i]});
     }
 }
 
@@ -509,6 +618,9 @@ KrigingFit Fitter::run()
             return constant();
         }
         mergeRows();
+        if (data->cases > options.sizes.mostExact) {
+            return ofManyCases();
+        }
         chooseTrend();
         return isExplainedByTrend() ? withTrendAlone() : withCorrelation();
     }();

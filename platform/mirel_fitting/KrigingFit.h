@@ -4,6 +4,7 @@
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingPredictor.h>
 #include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/LargeKriging.h>
 
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ struct KrigingOptions
     double initialCorrelationLength = 0.5; ///< as a fraction of each input's range
     double nugget = 0.0;
     bool isNuggetFixed = false;
+    KrigingSizes sizes;
 };
 
 /** The result of fitting one output. */

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/KrigingGrid.h>
 #include <mirel_fitting/KrigingVariance.h>
+#include <mirel_fitting/NearestNeighbourKriging.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
@@ -83,6 +84,7 @@ void KrigingPredictor::predict(const std::vector<double*>& columns,
     for (const ProductGrid& grid : grids) {
         if (KrigingGrid::isWorthwhile(parts, grid)) {
             KrigingGrid(parts, columns, grid).predict(result + grid.firstRow());
+            addNeighbours(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
         } else {
             predictScattered(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
         }
@@ -125,6 +127,27 @@ void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std
     const bool isLarge = count > worthAThread / std::max<std::size_t>(parts.weights.size(), 1);
     OrderedChunks::run((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1, makeWorker,
                        nullptr);
+    addNeighbours(columns, first, count, result);
+}
+
+void KrigingPredictor::addNeighbours(const std::vector<double*>& columns, std::size_t first,
+                                     std::size_t count, double* result) const
+{
+    if (!parts.neighbours) {
+        return;
+    }
+    Block block(parts);
+    std::vector<double> sums(blockSize);
+    for (std::size_t start = 0; start < count; start += blockSize) {
+        const std::size_t size = std::min(blockSize, count - start);
+        block.read(columns, first + start, size);
+        std::fill(sums.begin(), sums.end(), 0.0);
+        parts.neighbours->add(block.points, size, sums.data());
+        for (std::size_t i = 0; i < size; ++i) {
+            // Added, so that NaN stays.
+            result[start + i] += parts.scale * sums[i];
+        }
+    }
 }
 
 void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::size_t count,
@@ -147,6 +170,9 @@ void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::s
             parts.correlation->addWeightedGradients(block.points, size, parts.weights.data(),
                                                     slopeColumns);
         }
+        if (parts.neighbours) {
+            parts.neighbours->addGradients(block.points, size, slopeColumns);
+        }
         for (double* gradient : gradients) {
             std::copy_n(block.notFinite.data(), size, gradient + first);
         }
@@ -163,6 +189,10 @@ void KrigingPredictor::differentiate(const std::vector<double*>& columns, std::s
 void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::size_t count,
                                       bool ofObservation, double* result) const
 {
+    if (parts.neighbours) {
+        neighbourErrors(columns, count, ofObservation, result);
+        return;
+    }
     const SingleThreadedBlas singleThreaded;
     if (!variance) {
         variance = std::make_shared<KrigingVariance>(parts);
@@ -183,4 +213,22 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
         });
     };
     OrderedChunks::run((count + blockSize - 1) / blockSize, threadCount(), makeWorker, nullptr);
+}
+
+/** The first layer is taken for exact: what the neighbours do not know of what it leaves is the
+ *  variance. */
+void KrigingPredictor::neighbourErrors(const std::vector<double*>& columns, std::size_t count,
+                                       bool ofObservation, double* result) const
+{
+    const double noise = ofObservation ? parts.neighbours->parameters().nugget : 0.0;
+    Block block(parts);
+    for (std::size_t first = 0; first < count; first += blockSize) {
+        const std::size_t size = std::min(blockSize, count - first);
+        block.read(columns, first, size);
+        parts.neighbours->variances(block.points, size, result + first);
+        for (std::size_t i = 0; i < size; ++i) {
+            const double squared = parts.neighbourVariance * (result[first + i] + noise);
+            result[first + i] = parts.scale * std::sqrt(squared) + block.notFinite[i];
+        }
+    }
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 class KrigingVariance;
+class NearestNeighbourKriging;
 
 /** Evaluates one fitted Kriging model: y(x) = offset + scale (trend(x) + sum of w_j c(x, x_j)). */
 class KrigingPredictor
@@ -24,6 +25,9 @@ public:
         std::vector<double> coefficients;
         std::shared_ptr<const MaternCorrelation> correlation; ///< null: the trend alone
         std::vector<double> weights;
+        /** Added to that sum; null: nothing. */
+        std::shared_ptr<const NearestNeighbourKriging> neighbours;
+        double neighbourVariance = 0.0; ///< of their process, for the standardised output
         double offset = 0.0;
         double scale = 1.0;
 
@@ -77,6 +81,11 @@ public:
 
 private:
     class Block;
+
+    void addNeighbours(const std::vector<double*>& columns, std::size_t first, std::size_t count,
+                       double* result) const;
+    void neighbourErrors(const std::vector<double*>& columns, std::size_t count,
+                         bool ofObservation, double* result) const;
 
     Parts parts;
     mutable std::shared_ptr<const KrigingVariance> variance; // made when first wanted

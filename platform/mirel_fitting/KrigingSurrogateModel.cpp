@@ -14,9 +14,6 @@ namespace {
 
 using Error = SurrogateModelInterface::Error;
 
-// The correlation matrix of more does not fit into the memory of common machines.
-constexpr std::size_t mostPoints = 10000;
-
 std::size_t checkedCount(int rowCount)
 {
     if (rowCount < 0) {
@@ -91,11 +88,6 @@ public:
         : columns(independentColumns, dependentColumns, rowCount),
           ranges(independentColumns, rowCount), cases(independentColumns, rowCount)
     {
-        if (cases.pointCount() > mostPoints) {
-            throw Error("Kriging takes at most " + std::to_string(mostPoints) +
-                        " distinct cases, but there are " + std::to_string(cases.pointCount()) +
-                        ".");
-        }
         for (const double* column : dependentColumns) {
             outputs.emplace_back(column, column + rowCount);
         }

@@ -24,7 +24,10 @@
  * together.
  *
  * A fit costs some ten to thirty times n^3 multiplications and two n x n matrices for n distinct
- * cases. The order of the cases and the number of threads do not change it.
+ * cases. More than 10 000 are modelled in two layers: an exact model of 10 000 spread over all
+ * of them, and nearest-neighbour Kriging of what it leaves, unless one of these alone predicts left-out
+ * cases better; the memory is then some 2 GiB and 500 bytes per case. fitWarnings() says what was
+ * chosen. The order of the cases and the number of threads do not change a fit.
  */
 class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface,
                                                    public virtual FitMetricsInterface,
@@ -50,7 +53,7 @@ public:
      *                           only the bound that keeps the factorisation sound, 1e-12.
      * @param nuggetMode         0: estimated above that bound; 1: fixed at `nugget`.
      * @throw Error if there is no case, a column is null, an input is not finite or its range is
-     *        not, an argument is out of its range, or there are more than 10 000 distinct cases.
+     *        not, or an argument is out of its range.
      */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,

@@ -193,16 +193,6 @@ TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
     EXPECT_EQ(refusalOf(mode), "The nugget mode has to be 0 (estimated) or 1 (fixed), not 2.");
 }
 
-TEST(KrigingSurrogateModel, RefusesMoreDistinctCasesThanItCanFactorise)
-{
-    // Refused at construction, with both numbers, although nothing was asked for yet.
-    std::vector<double> many(10001);
-    std::iota(many.begin(), many.end(), 0.0);
-
-    EXPECT_EQ(refusal([&] { KrigingArguments().model({many}, {many}); }),
-              "Kriging takes at most 10000 distinct cases, but there are 10001.");
-}
-
 TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)
 {
     Columns inputs(1);
