@@ -9,7 +9,7 @@ packages=(
     qtbase5-dev          # undo stack, cursor, text handling, XML
     libvtk9-dev          # tables and the table pipeline
     libboost-dev         # signals, shared pointers, formats
-    libeigen3-dev libopenblas-dev liblapacke-dev   # fitting
+    libeigen3-dev libopenblas-dev liblapacke-dev libnanoflann-dev   # fitting
     libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks
 )
