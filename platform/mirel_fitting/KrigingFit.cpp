@@ -102,18 +102,20 @@ void Fitter::standardise()
         offset = *smallest;
         return;
     }
-    double sum = 0.0;
+    // Sums in ascending order, so that no bit depends on the order of the cases.
+    std::vector<double> ascending;
     for (const double y : output) {
-        sum += (y - offset) / halfRange;
+        ascending.push_back((y - offset) / halfRange);
     }
-    const double mean = sum / static_cast<double>(output.size());
+    std::sort(ascending.begin(), ascending.end());
+    const auto n = static_cast<double>(output.size());
+    const double mean = std::accumulate(ascending.begin(), ascending.end(), 0.0) / n;
     double squares = 0.0;
-    for (const double y : output) {
-        const double deviation = (y - offset) / halfRange - mean;
-        squares += deviation * deviation;
+    for (const double value : ascending) {
+        squares += (value - mean) * (value - mean);
     }
     offset += mean * halfRange;
-    scale = halfRange * std::sqrt(squares / static_cast<double>(output.size()));
+    scale = halfRange * std::sqrt(squares / n);
 }
 
 /**

@@ -1,43 +1,11 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
 #include "KrigingTestSupport.h"
+#include "TestFunctions.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-/** Over the unit square; Dixon and Szegoe: Towards global optimisation 2, North-Holland 1978. */
-double branin(const std::vector<double>& u)
-{
-    const double pi = std::acos(-1.0);
-    const double x = -5.0 + 15.0 * u[0];
-    const double y = 15.0 * u[1];
-    const double a = y - 5.1 / (4.0 * pi * pi) * x * x + 5.0 / pi * x - 6.0;
-    return a * a + 10.0 * (1.0 - 1.0 / (8.0 * pi)) * std::cos(x) + 10.0;
-}
-
-/** Dixon and Szegoe, as above. */
-double hartmann6(const std::vector<double>& x)
-{
-    const double a[4][6] = {{10, 3, 17, 3.5, 1.7, 8},
-                            {0.05, 10, 17, 0.1, 8, 14},
-                            {3, 3.5, 1.7, 10, 17, 8},
-                            {17, 8, 0.05, 10, 0.1, 14}};
-    const double p[4][6] = {{0.1312, 0.1696, 0.5569, 0.0124, 0.8283, 0.5886},
-                            {0.2329, 0.4135, 0.8307, 0.3736, 0.1004, 0.9991},
-                            {0.2348, 0.1451, 0.3522, 0.2883, 0.3047, 0.6650},
-                            {0.4047, 0.8828, 0.8732, 0.5743, 0.1091, 0.0381}};
-    const double c[4] = {1.0, 1.2, 3.0, 3.2};
-    double sum = 0.0;
-    for (int i = 0; i < 4; ++i) {
-        double exponent = 0.0;
-        for (int k = 0; k < 6; ++k) {
-            exponent += a[i][k] * (x[k] - p[i][k]) * (x[k] - p[i][k]);
-        }
-        sum -= c[i] * std::exp(-exponent);
-    }
-    return sum;
-}
 
 double errorOf(const KrigingSurrogateModel& model, const Function& function, std::size_t inputs)
 {
@@ -110,3 +78,48 @@ TEST(KrigingAccuracy, EstimatesItsErrorByLeavingCasesOut)
     EXPECT_GT(ratio, 0.2);
     EXPECT_LT(ratio, 5.0);
 }
+
+struct Reached
+{
+    double (*function)(const std::vector<double>&);
+    std::size_t inputs;
+    std::size_t cases;
+    int trendOrder;
+    std::uint64_t seed;
+    double logLikelihood;
+};
+
+class KrigingLikelihoodReached : public testing::TestWithParam<Reached>
+{};
+
+TEST_P(KrigingLikelihoodReached, IsThatOfManySearches)
+{
+    const Reached reached = GetParam();
+    const Columns design = latinHypercube(reached.cases, reached.inputs, reached.seed);
+    KrigingArguments arguments;
+    arguments.trendOrder = reached.trendOrder;
+    arguments.nugget = 1e-10;
+    arguments.nuggetMode = 1;
+    const KrigingSurrogateModel model =
+        arguments.model(design, {valuesOf(reached.function, design)});
+
+    // Half a unit of log-likelihood is no evidence.
+    EXPECT_GT(model.krigingReport(0).logLikelihood, reached.logLikelihood - 0.5);
+}
+
+// The best of 24 searches by another optimiser, NLopt 2.7.1's L-BFGS with bounds, from lengths of
+// half the range, of twice the range and at random between a fifth of it and ten times.
+INSTANTIATE_TEST_SUITE_P(
+    Designs, KrigingLikelihoodReached,
+    testing::Values(Reached{branin, 2, 50, 0, 1, -102.0}, Reached{branin, 2, 50, 0, 2, -102.1},
+                    Reached{branin, 2, 50, 1, 1, -99.2}, Reached{branin, 2, 50, 1, 2, -99.3},
+                    Reached{branin, 2, 200, 0, 1, 266.2}, Reached{branin, 2, 200, 1, 1, 278.6},
+                    Reached{hartmann6, 6, 50, 0, 1, -17.6}, Reached{hartmann6, 6, 50, 0, 2, -18.5},
+                    Reached{hartmann6, 6, 50, 1, 1, -13.4}, Reached{hartmann6, 6, 50, 1, 2, -16.9},
+                    Reached{hartmann6, 6, 200, 0, 1, 18.4}, Reached{hartmann6, 6, 200, 1, 1, 19.2},
+                    Reached{borehole, 8, 50, 0, 1, -132.8}, Reached{borehole, 8, 50, 0, 2, -134.8},
+                    Reached{borehole, 8, 50, 1, 1, -124.3}, Reached{borehole, 8, 50, 1, 2, -126.9},
+                    Reached{borehole, 8, 200, 0, 1, -97.5}, Reached{borehole, 8, 200, 1, 1, -87.7},
+                    Reached{circuit, 6, 50, 0, 1, 81.4}, Reached{circuit, 6, 50, 0, 2, 75.6},
+                    Reached{circuit, 6, 50, 1, 1, 90.3}, Reached{circuit, 6, 50, 1, 2, 83.2},
+                    Reached{circuit, 6, 200, 0, 1, 726.8}, Reached{circuit, 6, 200, 1, 1, 738.8}));

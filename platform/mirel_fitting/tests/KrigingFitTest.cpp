@@ -453,9 +453,34 @@ TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
 
     const KrigingFit permuted = fitOf(inputs, output);
 
-    // The mean of the outputs is summed in another order.
-    EXPECT_NEAR(permuted.report.logLikelihood, fit.report.logLikelihood, 25 * 1e-4);
-    EXPECT_NEAR(valueAt(permuted, {0.3, 0.6}), valueAt(fit, {0.3, 0.6}), 1e-5);
+    EXPECT_EQ(permuted.report.logLikelihood, fit.report.logLikelihood);
+    EXPECT_EQ(permuted.report.correlationLengths, fit.report.correlationLengths);
+    EXPECT_EQ(valueAt(permuted, {0.3, 0.6}), valueAt(fit, {0.3, 0.6}));
+    EXPECT_EQ(permuted.metrics.q2, fit.metrics.q2);
+}
+
+TEST(KrigingFit, IsTheSameInUnitsOfAPowerOfTwo)
+{
+    // Nothing is rounded in going from one to the other, so every digit is kept.
+    const Columns inputs = latinHypercube(25, 2, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const double inputUnit = std::ldexp(1.0, 40);
+    const double outputUnit = std::ldexp(1.0, -40);
+    Columns otherInputs = inputs;
+    std::vector<double> otherOutput = output;
+    for (double& x : otherInputs[0]) {
+        x *= inputUnit;
+    }
+    for (double& y : otherOutput) {
+        y *= outputUnit;
+    }
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    const KrigingFit other = fitOf(otherInputs, otherOutput, withTrend(1));
+
+    EXPECT_EQ(valueAt(other, {0.3 * inputUnit, 0.6}) / outputUnit, valueAt(fit, {0.3, 0.6}));
+    EXPECT_EQ(other.report.correlationLengths[0] / inputUnit, fit.report.correlationLengths[0]);
+    EXPECT_EQ(other.metrics.q2, fit.metrics.q2);
 }
 
 struct Unit

@@ -5,6 +5,7 @@
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include "KrigingTestSupport.h"
+#include "TestFunctions.h"
 
 #include <gtest/gtest.h>
 
@@ -32,21 +33,6 @@ std::shared_ptr<KrigingData> wave(std::size_t cases)
     return dataOf(
         x, valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; },
                     x));
-}
-
-/** Water flow, inputs scaled to [0, 1]; Harper, Gupta: BMI/ONWI-516, 1983. */
-double borehole(const std::vector<double>& u)
-{
-    const double lower[] = {0.05, 100, 63070, 990, 63.1, 700, 1120, 9855};
-    const double upper[] = {0.15, 50000, 115600, 1110, 116, 820, 1680, 12045};
-    double x[8];
-    for (int k = 0; k < 8; ++k) {
-        x[k] = lower[k] + u[static_cast<std::size_t>(k)] * (upper[k] - lower[k]);
-    }
-    const double logarithm = std::log(x[1] / x[0]);
-    const double flow = 2.0 * std::acos(-1.0) * x[2] * (x[3] - x[5]);
-    return 0.01 * flow /
-           (logarithm * (1.0 + 2.0 * x[6] * x[2] / (logarithm * x[0] * x[0] * x[7]) + x[2] / x[4]));
 }
 
 double likelihoodAt(const std::shared_ptr<KrigingData>& data, const std::vector<double>& lengths,
