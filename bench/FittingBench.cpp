@@ -4,8 +4,13 @@
 #include <mirel_fitting/InstructionSet.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/ThreadCount.h>
 
 #include <benchmark/benchmark.h>
+#include <cblas.h>
+#include <lapacke.h>
+
+#include <cmath>
 
 #include <cmath>
 #include <utility>
@@ -47,22 +52,56 @@ BENCHMARK(fitResponseSurface)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
 
+/**
+ * The floor of one likelihood with its gradient: Cholesky factor and inverse of a matrix of the
+ * order of the cases, on one thread. A fit is a number of these.
+ */
+void factoriseAndInvert(benchmark::State& state)
+{
+    const auto cases = static_cast<std::size_t>(state.range(0));
+    const auto order = static_cast<lapack_int>(cases);
+    std::vector<double> matrix(cases * cases);
+    for (std::size_t j = 0; j < cases; ++j) {
+        for (std::size_t i = j; i < cases; ++i) {
+            matrix[j * cases + i] = std::exp(-0.1 * static_cast<double>(i - j));
+        }
+    }
+    const int threads = openblas_get_num_threads();
+    openblas_set_num_threads(1);
+    for (auto _ : state) {
+        std::vector<double> factor = matrix;
+        LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order);
+        LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order);
+        benchmark::DoNotOptimize(factor.data());
+    }
+    openblas_set_num_threads(threads);
+}
+BENCHMARK(factoriseAndInvert)
+    ->ArgName("cases")
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Unit(benchmark::kMillisecond);
+
 void fitKriging(benchmark::State& state)
 {
     const Cases cases(static_cast<std::size_t>(state.range(0)));
+    setThreadCount(static_cast<int>(state.range(1)));
     for (auto _ : state) {
         KrigingSurrogateModel model(cases.independent, cases.dependent,
                                     static_cast<int>(state.range(0)), 0.0001, {}, 1, 0.5, 0.0, 0);
         model.activateDependentVariables({0});
         benchmark::DoNotOptimize(&model);
     }
+    setThreadCount(0);
 }
 BENCHMARK(fitKriging)
-    ->ArgName("cases")
-    ->Arg(50)
-    ->Arg(200)
-    ->Arg(500)
-    ->Arg(1000)
+    ->ArgNames({"cases", "threads"})
+    ->ArgsProduct({{50, 200, 500, 1000, 2000}, {1, 2}})
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 void evaluate(benchmark::State& state, SurrogateModelInterface& model)
