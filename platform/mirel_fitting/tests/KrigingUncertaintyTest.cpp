@@ -99,6 +99,7 @@ long double relativeVariance(const Given& given, int trendOrder, double nugget,
         matrix[n + t][n + p] = terms(point)[t];
     }
     std::vector<Real> right;
+    right.reserve(matrix.size());
     for (const std::vector<Real>& row : matrix) {
         right.push_back(row.back());
     }
