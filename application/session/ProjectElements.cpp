@@ -81,6 +81,16 @@ void refuseText(const XmlNode& element)
                         "program that wrote it.");
 }
 
+/** An element that holds these attributes and nothing else. */
+void allowOnlyAttributes(const XmlNode& element, std::initializer_list<const char*> known)
+{
+    allowAttributes(element, known);
+    refuseText(element);
+    for (const XmlNode* const inner : elementsIn(element)) {
+        refuseElement(*inner, element);
+    }
+}
+
 /** The elements of a list, all of one name. */
 std::vector<const XmlNode*> entriesOf(const XmlNode& list, const std::string& tag)
 {
@@ -184,11 +194,7 @@ std::optional<ProjectDocument::Range> optionalRange(const XmlNode& element, cons
 
 ProjectDocument::CaseFile readCaseFile(const XmlNode& element)
 {
-    allowAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark"});
-    refuseText(element);
-    for (const XmlNode* const inner : elementsIn(element)) {
-        refuseElement(*inner, element);
-    }
+    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark"});
 
     ProjectDocument::CaseFile file;
     file.path = requiredText(element, "Path");
@@ -298,6 +304,37 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
     }
 }
 
+/** Its reader takes elements of every name. */
+void checkDistributions(const XmlNode& block)
+{
+    allowAttributes(block, {});
+    refuseText(block);
+    for (const XmlNode* const entry : elementsIn(block)) {
+        allowOnlyAttributes(*entry, {"Name", "Mode", "Distribution"});
+    }
+}
+
+/** The library's serializers pass over what they do not know, and the next save would drop it. */
+void checkModel(const XmlNode& model)
+{
+    refuseText(model);
+    std::set<std::string> seen;
+    for (const XmlNode* const child : elementsIn(model)) {
+        if (child->name == "Variable") {
+            allowOnlyAttributes(*child, {"Name"});
+        } else if (isModelElement(*child) && !seen.insert(child->name).second) {
+            refuse(*child, "the element " + quotedText(child->name) + " comes twice.");
+        } else if (child->name == distributionBlock) {
+            checkDistributions(*child);
+        } else if (child->name == "Type") {
+            allowAttributes(*child, {});
+            for (const XmlNode* const inner : elementsIn(*child)) {
+                refuseElement(*inner, *child);
+            }
+        }
+    }
+}
+
 void readUserDistributions(const XmlNode& element)
 {
     allowAttributes(element, {});
@@ -307,6 +344,7 @@ void readUserDistributions(const XmlNode& element)
         if (block->name != distributionBlock) {
             refuseElement(*block, element);
         }
+        checkDistributions(*block);
     }
     if (blocks.size() > 1) {
         refuse(*blocks[1], "the element " + quotedText(distributionBlock) + " comes twice.");
@@ -466,6 +504,7 @@ void readProjectElements(const XmlNode& root, ProjectDocument& document, Project
         document.excluded = readExcluded(*excluded);
     }
     if (const XmlNode* const model = root.child("SurrogateModel")) {
+        checkModel(*model);
         settings.model = *model;
         std::stable_partition(settings.model->children.begin(), settings.model->children.end(),
                               isModelElement);

@@ -221,6 +221,23 @@ const RefusedDocument refusedDocuments[] = {
      "</UserDistributions><Sweeps>",
      "line 15, column 22: the element \"Variable\" inside \"UserDistributions\" is not known to "
      "this version; remove it, or open the document with the program that wrote it."},
+    {"AttributeOfAnInput", "<Sweeps>",
+     "<SurrogateModel><Variable Name=\"x\" Weight=\"2\"/></SurrogateModel><Sweeps>",
+     "line 15, column 19: the attribute \"Weight\" of the element \"Variable\" is not known to "
+     "this version; remove it, or open the document with the program that wrote it."},
+    {"ElementInTheType", "<Sweeps>", "<SurrogateModel><Type><New/></Type></SurrogateModel><Sweeps>",
+     "line 15, column 25: the element \"New\" inside \"Type\" is not known to this version; remove "
+     "it, or open the document with the program that wrote it."},
+    {"TypeTwice", "<Sweeps>", "<SurrogateModel><Type/><Type/></SurrogateModel><Sweeps>",
+     "line 15, column 26: the element \"Type\" comes twice."},
+    {"TextInTheModel", "<Sweeps>", "<SurrogateModel>x</SurrogateModel><Sweeps>",
+     "line 15, column 3: the element \"SurrogateModel\" holds the text \"x\", where there is none "
+     "to be."},
+    {"AttributeOfADistribution", "<Sweeps>",
+     "<UserDistributions><SurrogateModelUserDefinedVariableDistribution><Any Unit=\"m\"/>"
+     "</SurrogateModelUserDefinedVariableDistribution></UserDistributions><Sweeps>",
+     "line 15, column 69: the attribute \"Unit\" of the element \"Any\" is not known to this "
+     "version; remove it, or open the document with the program that wrote it."},
     {"Declaration", "<SurrogateProject", "<!DOCTYPE SurrogateProject>\n<SurrogateProject",
      "line 2, column 1: a document type declaration is not accepted; remove it."},
 };

@@ -108,13 +108,24 @@ void addVariables(ProjectDocument& project)
     }
 }
 
-ElementSerializer anyModel(const std::string& tag)
+ElementSerializer anyModel()
 {
     std::vector<ElementSerializer::Child> children = {{"Type", *anyText(), {}}};
     for (const std::string& name : *rc::gen::container<std::vector<std::string>>(anyText())) {
         children.push_back({"Variable", "", {{"Name", name}}});
     }
-    return {tag, children};
+    return {"SurrogateModel", children};
+}
+
+ElementSerializer anyDistributions()
+{
+    std::vector<ElementSerializer::Child> entries;
+    for (const std::string& name : *rc::gen::container<std::vector<std::string>>(anyText())) {
+        const std::string mode = *rc::gen::element<std::string>("Auto", "UserDefined");
+        entries.push_back(
+            {"Variable", "", {{"Name", name}, {"Mode", mode}, {"Distribution", *anyText()}}});
+    }
+    return {"SurrogateModelUserDefinedVariableDistribution", entries};
 }
 
 /** A project for a case file in a folder. */
@@ -184,8 +195,8 @@ RC_GTEST_PROP(ProjectRoundTrip, BringsEveryProjectBack, ())
 {
     const TemporaryFolder folder;
     const std::string path = folder.path("p.surrogate.xml");
-    const ElementSerializer model = anyModel("SurrogateModel");
-    const ElementSerializer block = anyModel("SurrogateModelUserDefinedVariableDistribution");
+    const ElementSerializer model = anyModel();
+    const ElementSerializer block = anyDistributions();
     ProjectDocument project = anyProject(folder);
     project.takeSettings(model, block);
 
@@ -211,8 +222,7 @@ RC_GTEST_PROP(ProjectRoundTrip, SavesEveryProjectAsTheSameBytesAgain, ())
     const TemporaryFolder folder;
     const std::string path = folder.path("p.surrogate.xml");
     ProjectDocument project = anyProject(folder);
-    project.takeSettings(anyModel("SurrogateModel"),
-                         anyModel("SurrogateModelUserDefinedVariableDistribution"));
+    project.takeSettings(anyModel(), anyDistributions());
     project.save(path);
     const std::string first = folder.read("p.surrogate.xml");
 
