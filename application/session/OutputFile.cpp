@@ -187,6 +187,8 @@ void OutputFile::commit()
         return;
     }
     flushToDisk();
+    keepBackup();
+    // As late as can be: a program that is killed before leaves nothing behind.
     if (temporary.empty()) {
         nameTemporary();
     }
@@ -195,7 +197,6 @@ void OutputFile::commit()
     if (closed != 0) {
         fail(errno);
     }
-    keepBackup();
     if (rename(temporary.c_str(), target.c_str()) != 0) {
         fail(errno);
     }
