@@ -27,12 +27,12 @@ void appendEscaped(std::string& shown, char character)
     shown += digits[byte / 16];
     shown += digits[byte % 16];
 }
-} // namespace
 
-std::string shownText(std::string_view text)
+/** As much as takes `most` bytes. */
+std::string readable(std::string_view text, std::size_t most)
 {
     std::string shown;
-    while (!text.empty() && shown.size() < longestShown) {
+    while (!text.empty() && shown.size() < most) {
         // A character at a time: the first that is complete within four bytes.
         std::size_t length = 1;
         while (length < 4 && length < text.size() && !isUtf8Text(text.substr(0, length))) {
@@ -47,6 +47,17 @@ std::string shownText(std::string_view text)
         text.remove_prefix(length);
     }
     return text.empty() ? shown : shown + "...";
+}
+} // namespace
+
+std::string shownText(std::string_view text)
+{
+    return readable(text, longestShown);
+}
+
+std::string oneLineText(std::string_view text)
+{
+    return readable(text, std::string::npos);
 }
 
 std::string quotedText(std::string_view text)

@@ -11,5 +11,8 @@
  */
 SURROGATE_SESSION_EXPORT std::string shownText(std::string_view text);
 
-/** The same in quotes. */
+/** The same uncut: a line however long. */
+SURROGATE_SESSION_EXPORT std::string oneLineText(std::string_view text);
+
+/** As shownText(), in quotes. */
 SURROGATE_SESSION_EXPORT std::string quotedText(std::string_view text);

@@ -1,5 +1,7 @@
 #include "session/TextTable.h"
 
+#include "session/QuotedText.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -18,6 +20,9 @@ TextTable::TextTable(std::vector<bool> alignsRight) : alignsRight(std::move(alig
 
 void TextTable::add(std::vector<std::string> cells)
 {
+    for (std::string& cell : cells) {
+        cell = oneLineText(cell);
+    }
     rows.push_back(std::move(cells));
 }
 

@@ -12,7 +12,8 @@ public:
     /** @param alignsRight one per column: whether its cells stand to the right, as numbers do. */
     explicit TextTable(std::vector<bool> alignsRight);
 
-    /** Adds a row. @param cells as many as there are columns, or fewer. */
+    /** Adds a row. @param cells as many as there are columns, or fewer; line breaks in them are
+     *  shown as oneLineText() does. */
     void add(std::vector<std::string> cells);
 
     /** One line per row, without blanks at their ends. @param indent what each begins with. */

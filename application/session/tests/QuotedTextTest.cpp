@@ -33,3 +33,8 @@ TEST(QuotedText, CutsWhatNobodyWouldReadBetweenCharacters)
 
     EXPECT_EQ(shownText(text), text.substr(0, 201) + "...");
 }
+
+TEST(QuotedText, MakesALineOfALongTextWithoutACut)
+{
+    EXPECT_EQ(oneLineText(std::string(1000, 'x') + '\n'), std::string(1000, 'x') + "\\x0A");
+}

@@ -29,3 +29,12 @@ TEST(TextTable, LinesEndWithoutBlanks)
 
     EXPECT_EQ(table.text(""), "wide cell\nx\n");
 }
+
+TEST(TextTable, LineBreaksInACellDoNotBreakTheRow)
+{
+    TextTable table({false, false});
+    table.add({"a\nb", "x"});
+    table.add({"c", "y"});
+
+    EXPECT_EQ(table.text(""), "a\\x0Ab  x\nc       y\n");
+}
