@@ -2,6 +2,8 @@
 
 #include "session/XmlText.h"
 
+#include <mirel_serialization/storableText.h>
+
 namespace {
 bool isWhole(const QString& text)
 {
@@ -19,13 +21,7 @@ bool isWhole(const QString& text)
 
 QString toQString(std::string_view text)
 {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    QString string;
-    while (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
-        string += QChar(0xFEFF);
-        text.remove_prefix(byteOrderMark.size());
-    }
-    return string + QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return storableText(std::string(text));
 }
 
 std::string toUtf8Text(const QString& text)

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-/** UTF-8 as it stands: QString's own conversion takes a leading U+FEFF for a byte order mark and
- *  drops it. */
+/** UTF-8 that XML can carry, as it stands; anything else as storableText() has it. */
 QString toQString(std::string_view text);
 
 /** The way back. @throw XmlFault for half of a surrogate pair, which has no UTF-8. */
