@@ -81,7 +81,7 @@ void checkOutput(const CommandLine& line)
         if (line.save == line.output || isSameFile(line.save, line.output)) {
             throw UsageError("The output and the project cannot both be \"" + line.save + "\".");
         }
-        OutputFile::check(line.save);
+        OutputFile::check(line.save, OutputFile::KeepsBackup);
     }
 }
 

@@ -35,6 +35,8 @@ int main(int argc, char* argv[])
 {
     // A reader that has seen enough (head) is no failure: writing reports it, nothing kills us.
     std::signal(SIGPIPE, SIG_IGN);
+    // Likewise a file that grows longer than a limit set for it.
+    std::signal(SIGXFSZ, SIG_IGN);
     Interruption::listen();
     try {
         run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));

@@ -339,6 +339,32 @@ TEST_F(ProjectCommands, WrongUseIsRefused)
     EXPECT_EQ(folder.read("cvd.csv"), cvd);
 }
 
+TEST_F(ProjectCommands, AFileThatMayNotGrowIsNamedAndTheOldOneStays)
+{
+    saveProject();
+    const std::string before = folder.read(project);
+
+    // No limit of 0: it would hold for the report of the failure too.
+    const Outcome limited = run("--version; ulimit -f 1; '" SURROGATE_PROGRAM
+                                "' summary cvd.csv -y Stress -q -o /dev/null --save " +
+                                project);
+
+    EXPECT_EQ(limited.exitCode, 5);
+    EXPECT_EQ(limited.err,
+              "surrogate: The file \"" + project + "\" cannot be written: File too large.\n");
+    EXPECT_EQ(folder.read(project), before);
+}
+
+TEST_F(ProjectCommands, ABackupThatCannotBeKeptIsToldBeforeTheWork)
+{
+    std::filesystem::create_directory(folder.path(project + ".bak"));
+
+    const Outcome refused = run("evaluate plane.csv -y y --exclude 1-6 --save " + project);
+
+    EXPECT_EQ(refused.exitCode, 5) << "1 would be that of the fit, which has no case";
+    EXPECT_NE(refused.err.find(project + ".bak\" is in the way"), std::string::npos) << refused.err;
+}
+
 TEST_F(ProjectCommands, ACommandThatFailsSavesNothing)
 {
     const std::size_t before = (run("--version"), folder.fileCount());
