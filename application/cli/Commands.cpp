@@ -13,6 +13,7 @@
 #include <session/PredictionPoints.h>
 #include <session/ProjectDocument.h>
 #include <session/ProjectReport.h>
+#include <session/QuotedText.h>
 #include <session/SessionErrors.h>
 #include <session/SessionReport.h>
 #include <session/VariableNames.h>
@@ -28,9 +29,12 @@
 #include <vtkTable.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -166,6 +170,19 @@ CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
     return {positions(document.modelInputs()), positions(document.outputs)};
 }
 
+/** The library passes over inputs that are none, and the numbers are others without them. */
+void noteMissingInputs(const CommandLine& line, const ProjectDocument& document,
+                       const CaseSession& session)
+{
+    const std::vector<std::string> present = namesOf(session.inputs());
+    for (const std::string& name : document.modelInputs()) {
+        if (std::find(present.begin(), present.end(), name) == present.end()) {
+            note(line, "Note: the input " + quotedText(name) +
+                           " of the project is left out, it is no independent variable there.\n");
+        }
+    }
+}
+
 /** The choices of a project document, and over them those of the command line. */
 CaseSession openProject(const CommandLine& line)
 {
@@ -181,6 +198,9 @@ CaseSession openProject(const CommandLine& line)
 
     CaseSession session(std::move(table));
     session.load(document);
+    if (line.inputs.empty()) {
+        noteMissingInputs(line, document, session);
+    }
     if (!line.inputs.empty() || !line.outputs.empty()) {
         session.chooseRoles(roles);
     }
@@ -193,8 +213,27 @@ CaseSession openProject(const CommandLine& line)
     return session;
 }
 
+/** A project document of another name, such as a backup, would be read as a faulty table. */
+void refuseDocumentAsCases(const std::string& path)
+{
+    constexpr std::string_view declaration = "<?xml";
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        return;
+    }
+    std::array<char, declaration.size()> beginning = {};
+    std::ifstream(path, std::ios::binary).read(beginning.data(), beginning.size());
+    if (std::string_view(beginning.data(), beginning.size()) == declaration) {
+        throw CaseDataError("\"" + path +
+                            "\" is an XML document, not a table of cases; if it is a "
+                            "project, give it a name that ends with " +
+                            ProjectDocument::fileEnding + '.');
+    }
+}
+
 CaseSession openCases(const CommandLine& line)
 {
+    refuseDocumentAsCases(line.subject);
     if (isSameFile(line.subject, line.save)) {
         throw UsageError("The project would replace \"" + line.subject +
                          "\", which is read; name another file.");

@@ -283,6 +283,46 @@ TEST_F(ProjectCommands, WhatTheDocumentNamesMustBeAmongTheCases)
                   "are 1 to 1.");
 }
 
+TEST_F(ProjectCommands, AnInputThatIsNoneIsLeftOutWithANote)
+{
+    saveProject();
+    edit("</SurrogateModel>", "<Variable Name=\"H2\"/><Variable/></SurrogateModel>");
+
+    const Outcome table = run("evaluate " + project);
+
+    EXPECT_EQ(table.exitCode, 0);
+    EXPECT_EQ(table.out, folder.read("first.csv"));
+    ASSERT_GE(linesOf(table.err).size(), 2u) << table.err;
+    EXPECT_EQ(linesOf(table.err)[0], "Note: the input \"H2\" of the project is left out, it is no "
+                                     "independent variable there.");
+    EXPECT_EQ(linesOf(table.err)[1], "Note: the input \"\" of the project is left out, it is no "
+                                     "independent variable there.");
+    EXPECT_EQ(run("evaluate " + project + " -q").err, "");
+    EXPECT_EQ(run("summary " + project + " -x Pressure").err, "");
+}
+
+TEST_F(ProjectCommands, AProjectOfAnotherNameIsNoTableOfCases)
+{
+    saveProject();
+    std::filesystem::rename(folder.path(project), folder.path(project + ".bak"));
+
+    expectFailure("evaluate " + project + ".bak", 3,
+                  "\"" + project +
+                      ".bak\" is an XML document, not a table of cases; if it is a "
+                      "project, give it a name that ends with .surrogate.xml.");
+}
+
+TEST_F(ProjectCommands, NamesOfSeveralLinesLeaveTheReportATable)
+{
+    folder.write("lines.csv", "\"a\nb\",y\n1,2\n2,3\n3,5\n");
+    ASSERT_EQ(run("summary lines.csv -y y --save " + project).exitCode, 0);
+
+    const Outcome shown = run("project " + project);
+
+    EXPECT_NE(shown.out.find("Inputs     a\\x0Ab\n"), std::string::npos) << shown.out;
+    EXPECT_NE(shown.out.find("a\\x0Ab    input"), std::string::npos) << shown.out;
+}
+
 TEST_F(ProjectCommands, WhatNewerVersionsAddIsKept)
 {
     saveProject();
