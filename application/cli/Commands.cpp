@@ -183,6 +183,16 @@ void noteMissingInputs(const CommandLine& line, const ProjectDocument& document,
     }
 }
 
+/** The library takes every type that it does not know for Kriging. */
+void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
+{
+    const std::string type = document.modelType();
+    if (!type.empty() && type != "Kriging" && type != "ResponseModel") {
+        note(line, "Note: the model " + quotedText(type) +
+                       " of the project is not known to this version, which takes kriging.\n");
+    }
+}
+
 /** The choices of a project document, and over them those of the command line. */
 CaseSession openProject(const CommandLine& line)
 {
@@ -209,6 +219,8 @@ CaseSession openProject(const CommandLine& line)
     }
     if (line.model) {
         session.chooseModel(*line.model);
+    } else {
+        noteUnknownModel(line, document);
     }
     return session;
 }

@@ -210,12 +210,16 @@ TEST_F(ProjectCommands, CasesAreReadAsTheyWereWhenTheProjectWasSaved)
                   "neither an input nor an output.");
 }
 
-TEST_F(ProjectCommands, AnUnknownTypeIsKriging)
+TEST_F(ProjectCommands, AnUnknownTypeIsKrigingWithANote)
 {
     saveProject();
     edit("<Type>Kriging</Type>", "<Type>spline</Type>");
 
-    EXPECT_EQ(run("evaluate " + project).out, folder.read("first.csv"));
+    const Outcome table = run("evaluate " + project);
+    EXPECT_EQ(table.out, folder.read("first.csv"));
+    EXPECT_EQ(linesOf(table.err)[0], "Note: the model \"spline\" of the project is not known to "
+                                     "this version, which takes kriging.");
+    EXPECT_EQ(run("summary " + project + " -m kriging").err, "");
 
     edit("<Type>spline</Type>", "<Type>ResponseModel</Type>");
     EXPECT_NE(run("evaluate " + project).out, folder.read("first.csv"));
