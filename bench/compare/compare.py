@@ -25,6 +25,7 @@ SURFACE_PROBLEM = problems.PROBLEMS["borehole"]
 TEST_POINTS = 10000
 UNIT_REPEATS = 200
 UNIT_SECONDS = 0.3
+QUIET_LOAD = 0.5  # half a process besides ours already shares caches and memory with it
 OURS = {contestant.name for contestant in contestants.KRIGING if contestant.is_ours}
 
 
@@ -44,6 +45,7 @@ def parse_options(arguments=None):
     add("--repeats", type=count, default=5, help="of which the least time is kept, at most")
     add("--seconds", type=float, default=1.0, help="a step that took longer is not repeated")
     add("--rounds", type=count, help="turns of each contestant through the same task")
+    add("--peer-start", type=float, default=1.0, help="length at which peers start to search")
     add("--timeout", type=float, default=900.0, help="seconds after which a peer is given up")
     add("--driver", type=Path, default=PROJECT / "build/release/bin/CompareDriver")
     add("--json", type=Path, default=Path("compare.json"), help="where the figures are written")
@@ -135,6 +137,7 @@ class Comparison:
             return self.programs[program_name].ask(task, self.options.timeout)
         except contestants.Unavailable as reason:
             self.unavailable.add(program_name)
+            clear_line()
             print(reason, file=sys.stderr)
             return None
 
@@ -145,9 +148,11 @@ class Comparison:
             for contestant in entrants:
                 if "failure" in best.get(contestant.name, {}):
                     continue
+                say_what_runs(contestant.name, task)
                 answer = self.ask(contestant.program, {**task, **contestant.options})
                 if answer is not None:
                     best[contestant.name] = least_times(best.get(contestant.name), answer)
+        clear_line()
         return best
 
     def compare_kriging(self, problem):
@@ -176,8 +181,10 @@ class Comparison:
         options = self.options
         task = {
             "task": "kriging",
+            "rows": rows,
             "inputs": problem.inputs,
             "noise": problem.noise,
+            "start": options.peer_start,
             "repeats": options.repeats,
             "seconds": options.seconds,
             "cases": self.table_file("cases", problems.cases(problem, rows, options.seed)),
@@ -206,6 +213,7 @@ class Comparison:
         queries = problems.scattered(problem, self.options.queries, seed)
         return {
             "task": "surface",
+            "rows": rows,
             "inputs": problem.inputs,
             "repeats": self.options.repeats,
             "seconds": self.options.seconds,
@@ -213,6 +221,19 @@ class Comparison:
             "points": self.table_file("points", problems.test_points(problem, TEST_POINTS, seed)),
             "scattered": self.table_file("scattered", queries),
         }
+
+
+def say_what_runs(name, task):
+    """A slow peer keeps silent for minutes."""
+    if sys.stderr.isatty():
+        clear_line()
+        print(f"{task['task']}, {task['rows']} cases: {name} ...", end="", file=sys.stderr)
+        sys.stderr.flush()
+
+
+def clear_line():
+    if sys.stderr.isatty():
+        print("\r\x1b[K", end="", file=sys.stderr, flush=True)
 
 
 def least_times(known, answer):
@@ -253,19 +274,28 @@ def title_of(problem):
     return f"Kriging: {problem.name}, {problem.inputs} input{plural}{noise}"
 
 
-def run(comparison, options):
-    started = {
+def heading(options):
+    """What the figures depend on besides the program."""
+    return {
         "started": datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds"),
         "machine": machine(),
         "load_at_start": load_average(),
+        "options": {name: str(value) for name, value in vars(options).items()},
     }
+
+
+def announce(figures):
+    described = figures["machine"]
     print(
-        f"{started['machine']['processor']}, {started['machine']['cores']} cores, load "
-        f"{started['load_at_start']} before the start; CPU seconds of one thread."
+        f"{described['processor']}, {described['cores']} cores, load {figures['load_at_start']} "
+        "before the start; CPU seconds of one thread."
     )
-    if started["load_at_start"] > 0.5:
+    if figures["load_at_start"] > QUIET_LOAD:
         print("Other programs are running: the figures are good for a look, not for keeping.")
-    results = []
+
+
+def run(comparison, options, results):
+    """Adds to `results` as it goes, so that an interrupted run keeps what it has."""
     for name in options.problems if options.sizes else []:
         found = comparison.compare_kriging(problems.PROBLEMS[name])
         show(found, title_of(problems.PROBLEMS[name]), report.kriging_table)
@@ -273,28 +303,27 @@ def run(comparison, options):
     found = comparison.compare_surfaces()
     show(found, "Response surface: borehole, 8 inputs, noise of about 2 %", report.surface_table)
     results += found
-    return {
-        **started,
-        "load_at_end": load_average(),
-        "versions": comparison.versions(),
-        "options": {name: str(value) for name, value in vars(options).items()},
-        "results": results,
-    }
 
 
 def main():
     options = parse_options()
+    figures = heading(options)
+    announce(figures)
+    results = []
     with tempfile.TemporaryDirectory(prefix="compare-") as folder:
         comparison = Comparison(options, folder)
         try:
-            figures = run(comparison, options)
+            run(comparison, options, results)
+            status = 0
         except KeyboardInterrupt:
-            sys.exit(130)
+            status = 130
         finally:
             comparison.stop()
+    figures.update(load_at_end=load_average(), versions=comparison.versions(), results=results)
     options.json.write_text(json.dumps(figures, indent=1) + "\n", encoding="utf-8")
     print(f"\nLoad {figures['load_at_end']} at the end. Figures: {options.json}")
+    return status
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

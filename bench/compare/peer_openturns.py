@@ -25,16 +25,17 @@ class OpenTurns:
     def __init__(self, library):
         self.ot = library
 
-    def covariance(self, kernel, inputs):
-        ones = [1.0] * inputs
-        if kernel == "squared-exponential":
-            return self.ot.SquaredExponential(ones)
-        if kernel == "matern":
-            return self.ot.MaternModel(ones, 2.5)  # of the scaled distance, no product
-        if kernel == "matern-product":
-            factors = [self.ot.MaternModel([1.0], 2.5) for _ in ones]
+    def covariance(self, task):
+        """Its lengths are where the search starts."""
+        lengths = [task["start"]] * task["inputs"]
+        if task["kernel"] == "squared-exponential":
+            return self.ot.SquaredExponential(lengths)
+        if task["kernel"] == "matern":
+            return self.ot.MaternModel(lengths, 2.5)  # of the scaled distance, no product
+        if task["kernel"] == "matern-product":
+            factors = [self.ot.MaternModel([length], 2.5) for length in lengths]
             return self.ot.ProductCovarianceModel(factors)
-        raise ValueError(f"unknown kernel '{kernel}'")
+        raise ValueError(f"unknown kernel '{task['kernel']}'")
 
     def fit_kriging(self, task):
         points, output = worker.read_cases(task)
@@ -64,8 +65,7 @@ class OpenTurns:
     def run_kriging(self, task, inputs, output, unit):
         dimension = task["inputs"]
         trend = self.ot.ConstantBasisFactory(dimension).build()
-        covariance = self.covariance(task["kernel"], dimension)
-        algorithm = self.ot.KrigingAlgorithm(inputs, output, covariance, trend)
+        algorithm = self.ot.KrigingAlgorithm(inputs, output, self.covariance(task), trend)
         if task["noise"]:
             algorithm.setNoise([(task["noise"] / unit) ** 2] * len(output))
         others = algorithm.getOptimizationBounds().getDimension() - dimension  # the amplitude

@@ -23,12 +23,12 @@ def load():
 def kernel_of(task):
     from sklearn.gaussian_process.kernels import RBF, ConstantKernel, Matern, WhiteKernel
 
-    ones = np.ones(task["inputs"])
-    lengths = (1e-2, 1e2)  # those that the other contestants search in
+    start = np.full(task["inputs"], task["start"])
+    bounds = (1e-2, 1e2)  # those that the other contestants search in
     if task["kernel"] == "squared-exponential":
-        correlation = RBF(ones, lengths)
+        correlation = RBF(start, bounds)
     elif task["kernel"] == "matern":
-        correlation = Matern(ones, lengths, nu=2.5)
+        correlation = Matern(start, bounds, nu=2.5)
     else:
         raise ValueError(f"unknown kernel '{task['kernel']}'")
     kernel = ConstantKernel(1.0, (1e-3, 1e6)) * correlation

@@ -4,6 +4,7 @@ A task is a JSON object on one line, and so is its answer. The first line that a
 {"ready": name and version} or {"missing": a sentence}. Tasks hold
 
   task       "kriging", "surface" (full quadratic response surface) or "unit" (our driver only)
+  rows       how many cases
   cases      file of a table: the inputs in [0, 1], then the output
   inputs     how many inputs
   points     file of a table: inputs and true outputs for the error
@@ -12,6 +13,7 @@ A task is a JSON object on one line, and so is its answer. The first line that a
   repeats    how often a step is repeated at most,
   seconds    and after how long not again
   noise      standard deviation of the noise in the output, which some peers have to be told
+  start      length at which the search of a peer begins
 
 and what tells the variants of one program apart. Answers hold NAME_cpu and NAME_wall for the steps
 fit, scattered and grid, the least of the repeats in seconds; error, log_likelihood, nugget; or
