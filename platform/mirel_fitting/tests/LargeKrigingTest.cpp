@@ -250,9 +250,9 @@ TEST(LargeKriging, LeavesATrendThatMeetsAllCasesAlone)
 
 TEST(LargeKriging, KeepsLengthsAndNuggetThatAreFixed)
 {
-    const Columns inputs = latinHypercube(700, 3, 3);
+    const Columns inputs = latinHypercube(700, 4, 3);
     KrigingOptions options = manyAreMoreThan(300);
-    options.correlationLengths = {0.7, 0.9, 0.6};
+    options.correlationLengths = {0.7, 0.9, 0.6, 0.8};
     options.nugget = 1e-5;
     options.isNuggetFixed = true;
 
