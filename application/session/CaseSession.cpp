@@ -18,11 +18,13 @@
 #include <mirel_analyzercommon/GenericUndoCommand.h>
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
 #include <boost/make_shared.hpp>
 #include <vtkCommand.h>
+#include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
 #include <algorithm>
@@ -163,6 +165,25 @@ public:
         return all;
     }
 
+    void lookOutside(const std::vector<double*>& points, std::size_t count)
+    {
+        const auto* const model = dynamic_cast<const ExtrapolationInterface*>(fitted);
+        extrapolation = model == nullptr ? std::string()
+                                         : withNames(model->extrapolationWarning(points, count),
+                                                     namesOf(inputs));
+    }
+
+    /** @param table the inputs in its first columns. */
+    void lookOutside(vtkTable& table)
+    {
+        std::vector<double*> points;
+        for (std::size_t i = 0; i < inputs.size(); ++i) {
+            vtkAbstractArray* const column = table.GetColumn(static_cast<vtkIdType>(i));
+            points.push_back(vtkDoubleArray::SafeDownCast(column)->GetPointer(0));
+        }
+        lookOutside(points, static_cast<std::size_t>(table.GetNumberOfRows()));
+    }
+
     std::string path;
     char separator;
     bool hasDecimalComma;
@@ -172,6 +193,7 @@ public:
     std::optional<std::vector<std::size_t>> knownExcluded;
     ProjectDocument loaded;
     SurrogateModelInterface* fitted = nullptr;
+    std::string extrapolation;
     SessionTimes times;
     DeleteSignaler deleted; ///< ends the undo steps that act on the state
     SignalConnectionCollection connections;
@@ -417,6 +439,7 @@ vtkSmartPointer<vtkTable> CaseSession::evaluate()
                 filter->GetOutput()->GetColumnByName(variable.lock()->name().c_str()));
         }
     }
+    impl->lookOutside(*result);
     return result;
 }
 
@@ -445,7 +468,13 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
     }
     model.interpolateDependentValues(inputs, impl->offsets(), outputs, count);
     impl->times.evaluate = watch.seconds();
+    impl->lookOutside(inputs, count);
     return results;
+}
+
+const std::string& CaseSession::extrapolation() const
+{
+    return impl->extrapolation;
 }
 
 std::string CaseSession::equationText()

@@ -156,6 +156,10 @@ public:
     std::vector<std::vector<double>> predict(const std::vector<const double*>& points,
                                              std::size_t count);
 
+    /** What the points of the last evaluate() or predict() have outside the valid cases, a
+     * sentence; empty if nothing. */
+    const std::string& extrapolation() const;
+
     /** The legend and the equations of all outputs. @throw SurrogateModelInterface::Error */
     std::string equationText();
 

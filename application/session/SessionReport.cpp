@@ -334,6 +334,9 @@ std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
     for (const OutputFit& fit : fits) {
         json["outputs"].push_back(::fitJson(fit));
     }
+    if (!session.extrapolation().empty()) {
+        json["extrapolation"] = session.extrapolation();
+    }
     json["seconds"] = secondsJson(session, readSeconds);
     return dumped(json);
 }
@@ -360,6 +363,9 @@ std::string SessionReport::notes(CaseSession& session)
         for (const std::string& warning : fit.warnings) {
             text += "Warning for " + fit.name + ": " + warning + '\n';
         }
+    }
+    if (!session.extrapolation().empty()) {
+        text += "Warning: " + session.extrapolation() + '\n';
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
+#include <mirel_fitting/CaseRanges.h>
 #include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/PolynomialFit.h>
 #include <mirel_fitting/PolynomialUnits.h>
@@ -101,7 +102,8 @@ class SurrogateResponseSurfaceModel::Impl
 public:
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount, int highestOrder)
-        : columns(independentColumns, dependentColumns, rowCount), wantedOrder(highestOrder),
+        : columns(independentColumns, dependentColumns, rowCount),
+          ranges(independentColumns, rowCount), wantedOrder(highestOrder),
           fit(basisFor(columns, highestOrder), independentColumns,
               fittable(columns, dependentColumns), rowCount)
     {}
@@ -127,7 +129,14 @@ public:
         return names;
     }
 
+    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
+    {
+        std::vector<double*> noOutputs;
+        columns.requireEvaluation(inputs, {}, noOutputs, count);
+    }
+
     TrainingColumns columns;
+    CaseRanges ranges;
     int wantedOrder;
     PolynomialFit fit;
 };
@@ -341,4 +350,18 @@ std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTab
             table[term].isKept ? deviation * std::sqrt(variances[term]) : FitMetrics::none;
     }
     return table;
+}
+
+void SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,
+                                                   double* distances, std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    impl->ranges.distances(inputs, count, distances);
+}
+
+std::string SurrogateResponseSurfaceModel::extrapolationWarning(const std::vector<double*>& inputs,
+                                                                std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    return impl->ranges.warning(inputs, count);
 }

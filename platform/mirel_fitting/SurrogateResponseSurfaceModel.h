@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/CoefficientTableInterface.h>
+#include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -30,7 +31,8 @@
  */
 class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public virtual SurrogateModelInterface,
                                                            public virtual FitMetricsInterface,
-                                                           public virtual CoefficientTableInterface
+                                                           public virtual CoefficientTableInterface,
+                                                           public virtual ExtrapolationInterface
 {
 public:
     /**
@@ -63,6 +65,11 @@ public:
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
     std::vector<PolynomialCoefficient> coefficientTable(int offset) const override;
+
+    void extrapolations(const std::vector<double*>& inputs, double* distances,
+                        std::size_t count) const override;
+    std::string extrapolationWarning(const std::vector<double*>& inputs,
+                                     std::size_t count) const override;
 
 private:
     class Impl;

@@ -185,6 +185,32 @@ TEST(SessionReport, NotesNameTheVariablesThatLackValues)
               0u);
 }
 
+TEST(SessionReport, PointsOutsideTheCasesAreTold)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
+        session.stayAt(0, "99");
+        session.evaluate();
+        const std::string sentence = "1 of 1 point lies outside the cases: \"Pressure\" is up to "
+                                     "0.25 of its range beyond them. Do not rely on predictions "
+                                     "there.";
+
+        EXPECT_NE(SessionReport::notes(session).find("Warning: " + sentence + '\n'),
+                  std::string::npos)
+            << SessionReport::notes(session);
+        EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["extrapolation"], sentence);
+
+        session.stayAt(0, "42");
+        session.evaluate();
+        EXPECT_EQ(session.extrapolation(), "");
+
+        const std::vector<double> pressure = {42.0, 99.0};
+        const std::vector<double> ratio = {6.0, 6.0};
+        session.predict({pressure.data(), ratio.data()}, 2);
+        EXPECT_EQ(session.extrapolation().rfind("1 of 2 points lies outside", 0), 0u);
+    }
+}
+
 TEST(SessionReport, AnObjectCanTakeOneMoreMember)
 {
     EXPECT_EQ(SessionReport::openedForMember("{\n  \"a\": 1\n}\n", "table") + "2}",
