@@ -348,13 +348,20 @@ Optimum Search::search(const std::vector<double>& start, const std::vector<doubl
 
 /**
  * Searches from start after start. Independent searches that meet in the best optimum are the
- * evidence that it is the best: three that all meet are enough; where there are several optima,
- * more have to meet in the best one than there are others.
+ * evidence that it is the best: three that all meet are enough, or later, more that meet in the
+ * best optimum than there are optima. Where correlation explains the cases badly, the likelihood
+ * has many false optima, and no fewer than ten searches are made.
  */
 void Search::compete()
 {
     constexpr int fewestStarts = 3;
+    constexpr int fewestForVagueCases = 10;
+    // In log-likelihood per case: the error is less than 1/e of what it is without correlation.
+    constexpr double tellingGain = 1.0;
 
+    const double uncorrelated =
+        objective->value(variables.uniform(KrigingSearch::smallestLength(), smoothNugget));
+    const double telling = uncorrelated + tellingGain * static_cast<double>(taken);
     int started = 0;
     for (const std::vector<double>& start : variables.starts(settings.initialLength)) {
         follow(start);
@@ -363,9 +370,11 @@ void Search::compete()
         if (started < fewestStarts || optima.empty()) {
             continue;
         }
-        const int meetings = optima.front().meetings;
-        if (meetings == started ||
-            (started > fewestStarts && meetings > static_cast<int>(optima.size()))) {
+        const Optimum& best = optima.front();
+        const int fewest = best.value > telling ? fewestStarts : fewestForVagueCases;
+        const bool doAllMeet = best.meetings == started;
+        if (started >= fewest && (doAllMeet || (started > fewestStarts &&
+                                                best.meetings > static_cast<int>(optima.size())))) {
             break;
         }
     }

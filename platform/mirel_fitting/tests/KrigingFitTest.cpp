@@ -394,10 +394,10 @@ TEST(KrigingFit, ReportsNoiseInTheUnitOfTheOutput)
 
 TEST(KrigingFit, SaysWhenThereIsNothingButNoise)
 {
-    const Columns inputs = latinHypercube(100, 2, 3);
+    const Columns inputs = latinHypercube(200, 1, 3);
     UniformNumbers numbers(5);
     std::vector<double> noise;
-    for (std::size_t i = 0; i < 100; ++i) {
+    for (std::size_t i = 0; i < 200; ++i) {
         noise.push_back(numbers.normal());
     }
 
