@@ -5,6 +5,7 @@
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingLikelihood.h>
 #include <mirel_fitting/KrigingSearch.h>
+#include <mirel_fitting/KrigingSubsetSearch.h>
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/QuadraticBasis.h>
@@ -225,7 +226,17 @@ KrigingSearch::Settings Fitter::searchSettings() const
 
 void Fitter::search()
 {
-    found = KrigingSearch::run(data, searchSettings());
+    const KrigingSizes& sizes = options.sizes;
+    if (data->cases > sizes.mostSearched) {
+        const FitProgress::Portion portion(0.0, 0.9); // the rest is measuring
+        found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
+        warnings.push_back("There are more than " + std::to_string(sizes.mostSearched) +
+                           " distinct cases: the model is the exact one of all of them, with the "
+                           "correlation lengths of " +
+                           counted(sizes.searched, "case") + " spread over all.");
+    } else {
+        found = KrigingSearch::run(data, searchSettings());
+    }
     warnOfRaisedNugget();
 }
 

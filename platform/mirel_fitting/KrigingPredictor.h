@@ -84,8 +84,8 @@ private:
 
     void addNeighbours(const std::vector<double*>& columns, std::size_t first, std::size_t count,
                        double* result) const;
-    void neighbourErrors(const std::vector<double*>& columns, std::size_t count,
-                         bool ofObservation, double* result) const;
+    void neighbourErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
+                         double* result) const;
 
     Parts parts;
     mutable std::shared_ptr<const KrigingVariance> variance; // made when first wanted

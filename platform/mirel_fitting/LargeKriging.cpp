@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingLikelihood.h>
+#include <mirel_fitting/KrigingSubsetSearch.h>
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/MaternCorrelation.h>
 #include <mirel_fitting/OrderedChunks.h>
@@ -116,12 +117,8 @@ private:
 
 void Fit::search()
 {
-    const std::size_t m = subset.indices.size();
-    auto few = subset.data;
-    if (sizes.searched < m) {
-        few = std::make_shared<KrigingData>(few->subset(randomSubset(m, sizes.searched)));
-    }
-    result.found = KrigingSearch::run(few, settings);
+    result.found = KrigingSubsetSearch::ofSubset(*subset.data, subset.trend->order(), settings,
+                                                 sizes.searched);
 }
 
 /**

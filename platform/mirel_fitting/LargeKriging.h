@@ -13,9 +13,10 @@
 /** Numbers of cases at which Kriging changes its ways. */
 struct KrigingSizes
 {
-    std::size_t mostExact = 10000; ///< more have no correlation matrix of all of them
-    std::size_t subset = 10000;    ///< of what is then modelled exactly
-    std::size_t searched = 2000;   ///< of that, for lengths and nugget
+    std::size_t mostSearched = 5000; ///< more take lengths and nugget from a subset
+    std::size_t mostExact = 10000;   ///< more have no correlation matrix of all of them
+    std::size_t subset = 10000;      ///< what is then modelled exactly
+    std::size_t searched = 2500;     ///< the subset for lengths and nugget
     std::size_t neighbours = 60;
     std::size_t measured = 5000;  ///< cases that are left out to choose by and to report
     std::size_t estimated = 1000; ///< of these, for the parameters of the neighbours' part

@@ -1,0 +1,70 @@
+#include <mirel_fitting/KrigingSubsetSearch.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingTrend.h>
+#include <mirel_fitting/SpaceFillingSubset.h>
+
+#include <algorithm>
+
+KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int trendOrder,
+                                                    const KrigingSearch::Settings& settings,
+                                                    std::size_t size)
+{
+    constexpr double choosing = 0.1; // of the work
+
+    auto few = std::make_shared<KrigingData>();
+    {
+        const FitProgress::Portion portion(0.0, choosing);
+        *few = data.subset(spaceFillingSubset(data, size));
+    }
+    const std::size_t otherParameters = few->inputs + 1;
+    const KrigingTrend trend(few->cases, few->inputs, few->coordinates, trendOrder,
+                             otherParameters);
+    few->terms = trend.size();
+    few->trend = trend.matrix();
+    const FitProgress::Portion portion(choosing, 1.0);
+    return KrigingSearch::run(few, settings);
+}
+
+KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
+                                               int trendOrder,
+                                               const KrigingSearch::Settings& settings,
+                                               std::size_t size)
+{
+    constexpr double smooth = 1e-6;
+    constexpr double searching = 0.4; // of the work
+
+    KrigingSearch::Result found;
+    {
+        const FitProgress::Portion portion(0.0, searching);
+        found = ofSubset(*data, trendOrder, settings, size);
+    }
+
+    const auto withNugget = [&](double nugget) {
+        KrigingSearch::Settings fixed = settings;
+        fixed.fixedLengths = found.parameters.lengths;
+        fixed.isNuggetFixed = true;
+        fixed.smallestNugget = nugget;
+        return KrigingSearch::run(data, fixed);
+    };
+    const double least = std::max(settings.smallestNugget, settings.soundNugget);
+    const double estimated = found.parameters.nugget;
+    KrigingSearch::Result result;
+    {
+        const FitProgress::Portion portion(searching, 0.5 + 0.5 * searching);
+        result = withNugget(estimated);
+    }
+    const FitProgress::Portion portion(0.5 + 0.5 * searching, 1.0);
+    if (!settings.isNuggetFixed && estimated > least && estimated < smooth) {
+        KrigingSearch::Result other = withNugget(least);
+        if (!other.isNuggetRaised && other.logLikelihood > result.logLikelihood) {
+            result = other;
+        }
+    }
+    result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
+    result.lengthBounds = found.lengthBounds;
+    const double share = static_cast<double>(data->cases) / static_cast<double>(size);
+    result.secondLogLikelihood =
+        result.logLikelihood - share * (found.logLikelihood - found.secondLogLikelihood);
+    return result;
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <mirel_fitting/KrigingSearch.h>
+
+#include <cstddef>
+#include <memory>
+
+/** Searches for more cases than can be searched with in about a minute. */
+class KrigingSubsetSearch
+{
+public:
+    /**
+     * The search with a space-filling subset alone. The terms of its trend are chosen anew: those
+     * of all cases need not be independent at the subset's.
+     * @param trendOrder the highest.
+     * @throw SurrogateModelInterface::Error like KrigingSearch::run().
+     */
+    static KrigingSearch::Result ofSubset(const KrigingData& data, int trendOrder,
+                                          const KrigingSearch::Settings& settings,
+                                          std::size_t size);
+
+    /**
+     * Lengths and nugget of the subset, and the likelihood of all cases with them. The nugget that
+     * suits fewer cases is too much for more of them if the output is smooth: then the least one is
+     * taken where it is likelier for all cases. Costs one or two likelihoods of all cases.
+     */
+    static KrigingSearch::Result run(const std::shared_ptr<const KrigingData>& data, int trendOrder,
+                                     const KrigingSearch::Settings& settings, std::size_t size);
+};

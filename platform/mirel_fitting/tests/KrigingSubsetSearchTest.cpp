@@ -1,0 +1,103 @@
+#include <mirel_fitting/KrigingSubsetSearch.h>
+
+#include "KrigingTestSupport.h"
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingFit.h>
+#include <mirel_fitting/KrigingLikelihood.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+double wave(const std::vector<double>& x)
+{
+    return std::sin(5.0 * x[0]) + x[1] * x[1] * x[0];
+}
+
+std::shared_ptr<KrigingData> dataOf(const Columns& inputs, const std::vector<double>& output)
+{
+    auto data = std::make_shared<KrigingData>();
+    data->cases = output.size();
+    data->inputs = inputs.size();
+    data->terms = 1;
+    for (const std::vector<double>& column : inputs) {
+        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
+    }
+    data->trend.assign(output.size(), 1.0);
+    data->output = output;
+    data->rows.assign(output.size(), 1.0);
+    data->scatter.assign(output.size(), 0.0);
+    return data;
+}
+
+} // namespace
+
+TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+
+    const KrigingSearch::Result found = KrigingSubsetSearch::run(data, 0, {}, 60);
+
+    KrigingLikelihood likelihood(data);
+    EXPECT_EQ(found.logLikelihood,
+              likelihood.evaluate(found.parameters.lengths, found.parameters.nugget));
+}
+
+TEST(KrigingSubsetSearch, ComesCloseToTheSearchWithAllCases)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const double best = KrigingSearch::run(data, {}).logLikelihood;
+
+    EXPECT_GT(KrigingSubsetSearch::run(data, 0, {}, 100).logLikelihood, best - 40.0);
+    EXPECT_NEAR(KrigingSubsetSearch::run(data, 0, {}, 200).logLikelihood, best, 1e-6);
+}
+
+TEST(KrigingSubsetSearch, SearchesWhereTheSubsetCannotSeparateTheTrend)
+{
+    // V2 differs in one case only, which a small subset has no reason to hold.
+    Columns inputs = latinHypercube(200, 1, 3);
+    inputs.emplace_back(200, 0.5);
+    inputs[1][77] = 0.5 + 1e-6;
+    std::vector<double> output;
+    for (const double x : inputs[0]) {
+        output.push_back(std::sin(5.0 * x));
+    }
+    const auto data = dataOf(inputs, output);
+
+    EXPECT_TRUE(std::isfinite(KrigingSubsetSearch::ofSubset(*data, 1, {}, 20).logLikelihood));
+}
+
+TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
+{
+    Columns inputs = latinHypercube(300, 2, 3);
+    const Columns points = latinHypercube(100, 2, 4);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingCases cases(pointersTo(inputs), 300);
+    KrigingOptions options;
+    options.sizes.mostSearched = 200;
+    options.sizes.searched = 100;
+
+    double last = 0.0;
+    bool decreases = false;
+    const KrigingFit fit = [&] {
+        FitProgress progress([&](double fraction, const std::string&) {
+            decreases = decreases || fraction < last;
+            last = fraction;
+            return true;
+        });
+        return fitKriging(cases, output, options);
+    }();
+
+    EXPECT_FALSE(decreases);
+    Columns at = points;
+    std::vector<double> values(100);
+    fit.predictor.predict(pointersTo(at), 100, values.data());
+    EXPECT_LT(relativeError(values, valuesOf(wave, points)), 1e-4);
+    EXPECT_EQ(fit.warnings,
+              std::vector<std::string>(
+                  {"There are more than 200 distinct cases: the model is the exact one of all of "
+                   "them, with the correlation lengths of 100 cases spread over all."}));
+}
