@@ -21,6 +21,8 @@
 
 namespace {
 
+const double twoPi = 2.0 * std::acos(-1.0);
+
 double rootMeanSquare(const std::vector<double>& values)
 {
     double squares = 0.0;
@@ -105,6 +107,7 @@ private:
              const NearestNeighbourKriging::Parameters& start) const;
     void use(const Layer& layer, const std::vector<double>& values);
     void addLikelihoodOfOthers(const NearestNeighbourKriging& kriging);
+    double logDensityOfScatter(const std::vector<std::size_t>& indices, double noise) const;
 
     std::shared_ptr<const KrigingData> data;
     const LargeKriging::Subset& subset;
@@ -386,6 +389,27 @@ void Fit::addLikelihoodOfOthers(const NearestNeighbourKriging& kriging)
     result.found.logLikelihood +=
         kriging.logLikelihood(order, subset.indices.size(), result.neighbourVariance,
                               reporting("Computing the likelihood"));
+    const double noise = result.neighbourVariance * kriging.parameters().nugget;
+    result.found.logLikelihood += logDensityOfScatter(outside, noise);
+}
+
+/** The rows of the same case about their mean. The noise that they show counts where it is more
+ *  than what the cases do. */
+double Fit::logDensityOfScatter(const std::vector<std::size_t>& indices, double noise) const
+{
+    double repeated = 0.0;
+    double scatter = 0.0;
+    double logRows = 0.0;
+    for (const std::size_t index : indices) {
+        repeated += data->rows[index] - 1.0;
+        scatter += data->scatter[index];
+        logRows += std::log(data->rows[index]);
+    }
+    if (repeated == 0.0) {
+        return 0.0;
+    }
+    const double variance = std::max(noise, scatter / repeated);
+    return -0.5 * (repeated * std::log(twoPi * variance) + scatter / variance + logRows);
 }
 
 LargeKriging::Result Fit::run(bool meetCases)

@@ -237,6 +237,29 @@ TEST(LargeKriging, BearsReplicatesNearDuplicatesAndConstantInputs)
     EXPECT_EQ(fit.report.correlationLengths[3], std::numeric_limits<double>::infinity());
 }
 
+TEST(LargeKriging, CountsTheRowsOfACaseInTheLikelihood)
+{
+    // In other units each row's density changes by their ratio.
+    Columns inputs = latinHypercube(400, 2, 3);
+    for (std::vector<double>& column : inputs) {
+        const std::vector<double> once = column;
+        column.insert(column.end(), once.begin(), once.end());
+    }
+    const std::vector<double> output = noisy(valuesOf(ripples, inputs), 0.1);
+    std::vector<double> doubled = output;
+    for (double& y : doubled) {
+        y *= 2.0;
+    }
+
+    const KrigingFit fit = fitOf(inputs, output, manyAreMoreThan(300));
+    const KrigingFit inOtherUnits = fitOf(inputs, doubled, manyAreMoreThan(300));
+    const KrigingFit exact = fitOf(inputs, output, manyAreMoreThan(400));
+
+    EXPECT_NEAR(inOtherUnits.report.logLikelihood, fit.report.logLikelihood - 800.0 * std::log(2.0),
+                1e-6);
+    EXPECT_NEAR(fit.report.logLikelihood, exact.report.logLikelihood, 0.25 * 800.0);
+}
+
 TEST(LargeKriging, LeavesATrendThatMeetsAllCasesAlone)
 {
     const Columns inputs = latinHypercube(700, 2, 3);
