@@ -155,7 +155,7 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
     const auto n = static_cast<double>(size);
     if (!isSplit()) {
         tell(n * n * n / 3.0);
-        inverse = matrix;
+        inverse.assign(matrix.data(), matrix.data() + size * size);
         const auto order = static_cast<lapack_int>(size);
         LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'L', order, inverse.data(), order);
         const std::unique_ptr<Visitor> visitor = makeVisitor();

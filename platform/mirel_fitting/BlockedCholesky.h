@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/LazyZeros.h>
+
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -79,6 +81,6 @@ private:
     std::size_t size;
     int threadCount;
     Report report;
-    std::vector<double> matrix;
+    LazyZeros matrix;
     std::vector<double> inverse; // only where nothing is split
 };

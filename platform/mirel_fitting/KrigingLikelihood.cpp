@@ -1,6 +1,7 @@
 #include <mirel_fitting/KrigingLikelihood.h>
 
 #include <mirel_fitting/BlockedCholesky.h>
+#include <mirel_fitting/LazyZeros.h>
 #include <mirel_fitting/MaternCorrelation.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
@@ -153,8 +154,8 @@ public:
     double scatter = 0.0;
 
     MaternCorrelation correlation;
-    std::vector<double> correlations; // lower triangle of C
-    BlockedCholesky cholesky;         // L of R = L L'
+    LazyZeros correlations;   // lower triangle of C
+    BlockedCholesky cholesky; // L of R = L L'
 
     double nugget = 0.0;
     double logDeterminant = 0.0;
@@ -174,9 +175,7 @@ bool KrigingLikelihood::Impl::factorise()
         correlation.fillLower(first, last, correlations.data());
         for (std::size_t j = first; j < last; ++j) {
             const std::size_t diagonal = j * n + j;
-            std::copy(correlations.begin() + static_cast<std::ptrdiff_t>(diagonal),
-                      correlations.begin() + static_cast<std::ptrdiff_t>((j + 1) * n),
-                      matrix + diagonal);
+            std::copy_n(correlations.data() + diagonal, n - j, matrix + diagonal);
             matrix[diagonal] += nugget / data->rows[j];
         }
     });
