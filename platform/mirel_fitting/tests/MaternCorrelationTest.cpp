@@ -197,13 +197,14 @@ TEST(MaternCorrelation, DifferentiatesWeightedSumsByThePoint)
 
 TEST(MaternCorrelation, CorrelatesPointsWithAllCases)
 {
+    constexpr std::size_t stride = 24; // the 19 cases, filled up to whole registers
     const Cases data{19, 3};
     const Cases points{5, 3};
     const std::vector<double> lengths = {0.2, 1.0, 30.0};
     const MaternCorrelation correlation = data.correlation(lengths);
-    ASSERT_EQ(correlation.correlationStride(), 24u);
-    AlignedBuffer whole(24 * 5);
-    AlignedBuffer one(24 * 5);
+    ASSERT_EQ(correlation.correlationStride(), stride);
+    AlignedBuffer whole(stride * 5);
+    AlignedBuffer one(stride * 5);
 
     const double* coordinates = points.coordinates.data();
     correlation.correlate({coordinates, coordinates + 5, coordinates + 10}, 5, whole.data());
@@ -211,10 +212,10 @@ TEST(MaternCorrelation, CorrelatesPointsWithAllCases)
 
     for (std::size_t i = 0; i < 5; ++i) {
         for (std::size_t j = 0; j < 19; ++j) {
-            EXPECT_NEAR(whole.data()[i * 24 + j],
+            EXPECT_NEAR(whole.data()[i * stride + j],
                         static_cast<double>(correlationOf(points.at(i), data.at(j), lengths)),
                         2e-15);
-            EXPECT_NEAR(one.data()[i * 24 + j],
+            EXPECT_NEAR(one.data()[i * stride + j],
                         static_cast<double>(
                             correlationOf({points.at(i)[1]}, {data.at(j)[1]}, {lengths[1]})),
                         2e-15);
@@ -224,17 +225,18 @@ TEST(MaternCorrelation, CorrelatesPointsWithAllCases)
 
 TEST(MaternCorrelation, RestrictsToSomeInputsWithTheirLengths)
 {
+    constexpr std::size_t stride = 24; // the 19 cases, filled up to whole registers
     const Cases data{19, 3};
     const Cases points{5, 3};
     const MaternCorrelation correlation = data.correlation({0.2, 1.0, 30.0});
     const double* coordinates = points.coordinates.data();
-    AlignedBuffer expected(24 * 5);
-    AlignedBuffer found(24 * 5);
+    AlignedBuffer expected(stride * 5);
+    AlignedBuffer found(stride * 5);
 
     correlation.correlateInput(2, coordinates + 10, 5, expected.data());
     correlation.restrictedTo({2}).correlate({coordinates + 10}, 5, found.data());
 
-    EXPECT_TRUE(std::equal(found.data(), found.data() + 24 * 5, expected.data()));
+    EXPECT_TRUE(std::equal(found.data(), found.data() + stride * 5, expected.data()));
 }
 
 TEST(MaternCorrelation, StaysFiniteForPointsFarAwayFromTheCases)
