@@ -308,7 +308,8 @@ Fit::estimate(const std::vector<double>& values, const NearestNeighbourKriging& 
             attempt(parameters);
         }
     }
-    for (double step = 2.0; step > 1.2; step = std::sqrt(step)) {
+    double step = 2.0;
+    while (step > 1.2) {
         for (const double factor : {step, 1.0 / step}) {
             NearestNeighbourKriging::Parameters parameters = best;
             parameters.nugget =
@@ -324,6 +325,7 @@ Fit::estimate(const std::vector<double>& values, const NearestNeighbourKriging& 
                 }
             }
         }
+        step = std::sqrt(step);
     }
     return best;
 }

@@ -60,11 +60,12 @@ public:
             return {0.0, 1.0 + share};
         }
         correlate(sources, cases, count, point, factors);
-        for (double used = nugget; used <= std::max(nugget, hopeless);
-             used = std::max(used * raise, leastRaised)) {
+        double used = nugget;
+        while (used <= std::max(nugget, hopeless)) {
             if (factorise(sources, cases, count, used)) {
                 return solve(sources, cases, count, share);
             }
+            used = std::max(used * raise, leastRaised);
         }
         return {0.0, 1.0 + share};
     }
