@@ -210,8 +210,12 @@ void SessionState::save(ProjectDocument& document) const
     document.outputs = namesOf(outputs);
     document.excluded = excluded();
     document.sweeps.clear();
-    for (const auto& [variable, sweep] : interpolation->sweeps()) {
-        document.sweeps.push_back({variable.lock()->name(), sweep.count, sweep.range});
+    for (const auto& [handle, sweep] : interpolation->sweeps()) {
+        // A variable that has another role by now keeps its sweep, which has no meaning for it.
+        const auto variable = handle.lock();
+        if (variable->nature() == Variable::Independent) {
+            document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
+        }
     }
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));

@@ -221,6 +221,17 @@ TEST_F(SessionProject, ChangedChoicesAreFittedAnew)
     EXPECT_EQ(session.fits()[0].name, "Uniformity");
 }
 
+TEST_F(SessionProject, ASweptVariableThatIsNoInputAnyMoreCanBeSaved)
+{
+    CaseSession session = chosen();
+    ASSERT_EQ(session.document().sweeps.size(), 1u);
+
+    session.chooseRoles({{1}, {3}});
+
+    EXPECT_TRUE(session.document().sweeps.empty());
+    EXPECT_NO_THROW(session.document().save(folder.path("study.surrogate.xml")));
+}
+
 TEST_F(SessionProject, EvenValuesTakeThePlaceOfTypedOnesAndOneValueThatOfBoth)
 {
     CaseSession session(table(), {{0}, {3}}, {}, CaseSession::ResponseSurface);
