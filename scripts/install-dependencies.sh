@@ -11,7 +11,10 @@ packages=(
     libboost-dev         # signals, shared pointers, formats
     libeigen3-dev libopenblas-dev liblapacke-dev libnanoflann-dev   # fitting
     libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
+    libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core     # pictures, and the letters in them
+    libxlsxwriter-dev    # workbooks
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks
+    python3 gnumeric     # tests run exported modules and evaluate exported workbooks
 )
 
 missing=()
