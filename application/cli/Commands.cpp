@@ -153,6 +153,21 @@ CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& docum
     return CaseFileReader::read(known.path, options);
 }
 
+/** The inputs of a document's model that its variables have as inputs; the others are none. */
+std::vector<std::string> independentInputs(const ProjectDocument& document)
+{
+    std::vector<std::string> inputs;
+    for (const std::string& name : document.modelInputs()) {
+        const auto& entries = document.variables;
+        const auto entry = std::find_if(entries.begin(), entries.end(),
+                                        [&](const auto& other) { return other.name == name; });
+        if (entry != entries.end() && entry->role == Variable::Independent) {
+            inputs.push_back(name);
+        }
+    }
+    return inputs;
+}
+
 /** The roles that a document gives; names that the table does not hold are left to load(). */
 CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
 {
@@ -167,7 +182,7 @@ CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
         }
         return found;
     };
-    return {positions(document.modelInputs()), positions(document.outputs)};
+    return {positions(independentInputs(document)), positions(document.outputs)};
 }
 
 /** The library passes over inputs that are none, and the numbers are others without them. */

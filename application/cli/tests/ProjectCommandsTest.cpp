@@ -305,6 +305,17 @@ TEST_F(ProjectCommands, AnInputThatIsNoneIsLeftOutWithANote)
     EXPECT_EQ(run("summary " + project + " -x Pressure").err, "");
 }
 
+TEST_F(ProjectCommands, AnInputThatIsNoneStaysLeftOutWithOtherOutputs)
+{
+    saveProject();
+    edit("</SurrogateModel>", "<Variable Name=\"Uniformity\"/></SurrogateModel>");
+
+    const Outcome table = run("evaluate " + project + " -y Stress");
+
+    EXPECT_EQ(table.exitCode, 0) << table.err;
+    EXPECT_EQ(linesOf(table.out)[0], "H2/WF6,Pressure,Stress");
+}
+
 TEST_F(ProjectCommands, AProjectOfAnotherNameIsNoTableOfCases)
 {
     saveProject();
