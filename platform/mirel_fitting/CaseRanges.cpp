@@ -29,6 +29,24 @@ CaseRanges::CaseRanges(const std::vector<double*>& columns, std::size_t rows)
     }
 }
 
+CaseRanges::CaseRanges(const std::vector<PredictorDescription::InputRange>& ranges)
+{
+    for (const PredictorDescription::InputRange& range : ranges) {
+        minima.push_back(range.minimum);
+        maxima.push_back(range.maximum);
+        isConstant.push_back(range.isConstant);
+    }
+}
+
+std::vector<PredictorDescription::InputRange> CaseRanges::ranges() const
+{
+    std::vector<PredictorDescription::InputRange> ranges;
+    for (std::size_t k = 0; k < minima.size(); ++k) {
+        ranges.push_back({minima[k], maxima[k], isConstant[k]});
+    }
+    return ranges;
+}
+
 double CaseRanges::distance(std::size_t input, double value) const
 {
     if (!std::isfinite(value)) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/PredictorDescriptionInterface.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -10,6 +12,11 @@ class CaseRanges
 public:
     /** @param columns one array of `rows` finite values per input, borrowed for the call. */
     CaseRanges(const std::vector<double*>& columns, std::size_t rows);
+
+    /** Those that ranges() gave. */
+    explicit CaseRanges(const std::vector<PredictorDescription::InputRange>& ranges);
+
+    std::vector<PredictorDescription::InputRange> ranges() const;
 
     /** See ExtrapolationInterface::extrapolations(). */
     void distances(const std::vector<double*>& points, std::size_t count, double* result) const;

@@ -39,6 +39,53 @@ double KrigingPredictor::Parts::coordinate(std::size_t k, double value) const
     return std::min(std::max((value - minimum[k]) / range[k], -farAway), farAway);
 }
 
+PredictorDescription KrigingPredictor::Parts::description() const
+{
+    PredictorDescription description;
+    description.kind = PredictorDescription::Kind::Kriging;
+    for (std::size_t k = 0; k < inputs.size(); ++k) {
+        description.coordinates.push_back({inputs[k], minimum[k], range[k]});
+    }
+    for (std::size_t t = 0; t < coefficients.size(); ++t) {
+        const QuadraticBasis::Term term = trend->keptTerms()[t];
+        description.terms.push_back({term.first, term.second, coefficients[t]});
+    }
+    description.offset = offset;
+    description.scale = scale;
+    if (correlation) {
+        description.lengths = correlation->lengths();
+        description.cases = data->coordinates;
+        description.weights = weights;
+    }
+    return description;
+}
+
+KrigingPredictor::Parts KrigingPredictor::Parts::of(const PredictorDescription& description)
+{
+    Parts parts;
+    for (const PredictorDescription::Coordinate& coordinate : description.coordinates) {
+        parts.inputs.push_back(coordinate.input);
+        parts.minimum.push_back(coordinate.origin);
+        parts.range.push_back(coordinate.unit);
+    }
+    std::vector<QuadraticBasis::Term> terms;
+    for (const PredictorDescription::Term& term : description.terms) {
+        terms.push_back({term.first, term.second});
+        parts.coefficients.push_back(term.coefficient);
+    }
+    parts.trend = std::make_shared<KrigingTrend>(parts.inputs.size(), std::move(terms));
+    parts.offset = description.offset;
+    parts.scale = description.scale;
+    if (!description.weights.empty()) {
+        auto correlation = std::make_shared<MaternCorrelation>(
+            description.weights.size(), parts.inputs.size(), description.cases.data());
+        correlation->setLengths(description.lengths);
+        parts.correlation = std::move(correlation);
+        parts.weights = description.weights;
+    }
+    return parts;
+}
+
 /** The coordinates of some points, with zeros in place of a point that is not finite. */
 class KrigingPredictor::Block
 {

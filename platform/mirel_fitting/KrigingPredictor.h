@@ -3,6 +3,7 @@
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/MaternCorrelation.h>
+#include <mirel_fitting/PredictorDescriptionInterface.h>
 #include <mirel_fitting/ProductGrid.h>
 
 #include <cstddef>
@@ -40,6 +41,12 @@ public:
         /** The coordinate, from 0 to 1 over the cases, of a finite value of `inputs[k]`. Kept so
          *  small that products of two are finite; the correlation is 0 long before. */
         double coordinate(std::size_t k, double value) const;
+
+        /** Without the ranges of the inputs, and without the neighbours. */
+        PredictorDescription description() const;
+
+        /** The same predictions again, to the last bit; no standard errors. */
+        static Parts of(const PredictorDescription& description);
     };
 
     explicit KrigingPredictor(Parts parts);

@@ -252,3 +252,16 @@ std::string KrigingSurrogateModel::extrapolationWarning(const std::vector<double
     impl->requirePoints(inputs, count);
     return impl->ranges.warning(inputs, count);
 }
+
+PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) const
+{
+    const KrigingPredictor::Parts& parts = impl->fit(offset).predictor.model();
+    if (parts.neighbours) {
+        throw Error("The output at offset " + std::to_string(offset) +
+                    " has so many cases that each prediction asks for the nearest of them: such a "
+                    "model cannot be exported.");
+    }
+    PredictorDescription description = parts.description();
+    description.inputs = impl->ranges.ranges();
+    return description;
+}

@@ -4,6 +4,7 @@
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/GradientInterface.h>
 #include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/PredictorDescriptionInterface.h>
 #include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -35,7 +36,8 @@ class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModel
                                                    public virtual KrigingReportInterface,
                                                    public virtual StandardErrorInterface,
                                                    public virtual GradientInterface,
-                                                   public virtual ExtrapolationInterface
+                                                   public virtual ExtrapolationInterface,
+                                                   public virtual PredictorDescriptionInterface
 {
 public:
     /**
@@ -90,6 +92,7 @@ public:
                         std::size_t count) const override;
     std::string extrapolationWarning(const std::vector<double*>& inputs,
                                      std::size_t count) const override;
+    PredictorDescription predictorDescription(int offset) const override;
 
 private:
     class Impl;

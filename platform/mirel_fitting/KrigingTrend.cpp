@@ -77,6 +77,16 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
     }
 }
 
+KrigingTrend::KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms)
+    : inputCount(inputs), terms(std::move(terms))
+{
+    for (const Term& term : this->terms) {
+        const int order = static_cast<int>(term.first != QuadraticBasis::noInput) +
+                          static_cast<int>(term.second != QuadraticBasis::noInput);
+        usedOrder = std::max(usedOrder, order);
+    }
+}
+
 std::string KrigingTrend::name(const Term& term, const std::vector<std::size_t>& inputNumbers)
 {
     if (term.first == QuadraticBasis::noInput) {

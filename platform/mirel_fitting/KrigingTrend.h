@@ -22,6 +22,9 @@ public:
     KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
                  int highestOrder, std::size_t otherParameters);
 
+    /** One that is only evaluated: of these terms in so many inputs, without cases. */
+    KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
+
     int order() const;
     /** Number of terms kept. */
     std::size_t size() const;

@@ -153,6 +153,7 @@ std::size_t MaternCorrelation::inputs() const
 
 void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 {
+    chosenLengths = lengths;
     for (std::size_t k = 0; k < inputCount; ++k) {
         scales[k] = rootOfFive / lengths[k];
     }

@@ -28,6 +28,7 @@ public:
     /** @param lengths one positive number per input, in the unit of its coordinates; infinity for
      *                 an input without influence. */
     void setLengths(const std::vector<double>& lengths);
+    const std::vector<double>& lengths() const { return chosenLengths; }
 
     // The following take the columns from `first` to before `last`. Threads may call them at once
     // with results of their own.
@@ -105,6 +106,7 @@ private:
     std::vector<double> columns;
     AlignedBuffer scaledColumns;    // times sqrt(5) / length
     std::vector<double> scaledRows; // the same, case by case
+    std::vector<double> chosenLengths;
     std::vector<double> scales;
     // Between these scaled coordinates, all distances of a point sum up to little; beyond the
     // second pair, they make no difference.

@@ -3,6 +3,7 @@
 #include <mirel_fitting/CaseRanges.h>
 #include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/PolynomialFit.h>
+#include <mirel_fitting/PolynomialPredictor.h>
 #include <mirel_fitting/PolynomialUnits.h>
 #include <mirel_fitting/TrainingColumns.h>
 
@@ -16,9 +17,6 @@ using Error = SurrogateModelInterface::Error;
 
 /** The triangular factor of so many terms takes 800 MB; three of them are held at a time. */
 constexpr std::size_t mostTerms = 10000;
-
-/** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
-constexpr std::size_t pointsPerBlock = 256;
 
 const char* nameOfOrder(int order)
 {
@@ -54,30 +52,17 @@ std::vector<double*> fittable(const TrainingColumns& columns,
     return result;
 }
 
-/** values = sum over i of z_i (b_i + sum over j >= i of b_ij z_j), without the intercept. */
-void evaluate(const QuadraticBasis& basis, const std::vector<double>& coefficients,
-              const double* scaledInputs, double* values)
+PolynomialPredictor predictorOf(const PolynomialFit& fit)
 {
-    double slope[pointsPerBlock];
-    std::size_t product = 1 + basis.inputs();
-    std::fill_n(values, pointsPerBlock, 0.0);
-    if (basis.order() == 0) {
-        return;
+    std::vector<PolynomialPredictor::Scale> scales;
+    for (const ColumnScale& scale : fit.inputScales()) {
+        scales.push_back({scale.centre(), scale.unit()});
     }
-    for (std::size_t i = 0; i < basis.inputs(); ++i) {
-        std::fill_n(slope, pointsPerBlock, coefficients[1 + i]);
-        for (std::size_t j = i; basis.order() == 2 && j < basis.inputs(); ++j) {
-            const double coefficient = coefficients[product++];
-            const double* z = scaledInputs + j * pointsPerBlock;
-            for (std::size_t k = 0; k < pointsPerBlock; ++k) {
-                slope[k] += coefficient * z[k];
-            }
-        }
-        const double* z = scaledInputs + i * pointsPerBlock;
-        for (std::size_t k = 0; k < pointsPerBlock; ++k) {
-            values[k] += slope[k] * z[k];
-        }
+    std::vector<PolynomialPredictor::Output> outputs;
+    for (const PolynomialFit::Output& output : fit.outputs()) {
+        outputs.push_back({output.scale.centre() + output.coefficients[0], output.coefficients});
     }
+    return {fit.basis(), std::move(scales), std::move(outputs)};
 }
 
 /** Eight digits: as many as tell two fits apart. */
@@ -105,17 +90,24 @@ public:
         : columns(independentColumns, dependentColumns, rowCount),
           ranges(independentColumns, rowCount), wantedOrder(highestOrder),
           fit(basisFor(columns, highestOrder), independentColumns,
-              fittable(columns, dependentColumns), rowCount)
+              fittable(columns, dependentColumns), rowCount),
+          predictor(predictorOf(fit))
     {}
 
     const PolynomialFit::Output& output(int offset) const
+    {
+        return fit.outputs()[position(offset)];
+    }
+
+    /** Among the outputs that can be fitted. */
+    std::size_t position(int offset) const
     {
         columns.requireOutput(offset);
         std::size_t position = 0;
         for (int earlier = 0; earlier < offset; ++earlier) {
             position += columns.isFittable(static_cast<std::size_t>(earlier)) ? 1 : 0;
         }
-        return fit.outputs()[position];
+        return position;
     }
 
     std::string droppedTerms() const
@@ -139,6 +131,7 @@ public:
     CaseRanges ranges;
     int wantedOrder;
     PolynomialFit fit;
+    PolynomialPredictor predictor;
 };
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
@@ -167,38 +160,11 @@ void SurrogateResponseSurfaceModel::interpolateDependentValues(const std::vector
                                                                std::size_t count) const
 {
     impl->columns.requireEvaluation(inputs, offsets, outputs, count);
-    const PolynomialFit& fit = impl->fit;
-    std::vector<const PolynomialFit::Output*> fits;
-    fits.reserve(offsets.size());
+    std::vector<std::size_t> wanted;
     for (const int offset : offsets) {
-        fits.push_back(&impl->output(offset));
+        wanted.push_back(impl->position(offset));
     }
-
-    // A last block that is not full is evaluated like a full one, at points that nobody sees.
-    std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
-    double notFinite[pointsPerBlock];
-    double values[pointsPerBlock];
-    for (std::size_t start = 0; start < count; start += pointsPerBlock) {
-        const std::size_t points = std::min(pointsPerBlock, count - start);
-        std::fill_n(notFinite, pointsPerBlock, 0.0);
-        for (std::size_t input = 0; input < inputs.size(); ++input) {
-            const double* column = inputs[input] + start;
-            fit.inputScales()[input].apply(column, points,
-                                           scaledInputs.data() + input * pointsPerBlock);
-            // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
-            for (std::size_t k = 0; k < points; ++k) {
-                notFinite[k] += 0.0 * column[k];
-            }
-        }
-        for (std::size_t output = 0; output < fits.size(); ++output) {
-            const PolynomialFit::Output& result = *fits[output];
-            const double constant = result.scale.centre() + result.coefficients[0];
-            evaluate(fit.basis(), result.coefficients, scaledInputs.data(), values);
-            for (std::size_t k = 0; k < points; ++k) {
-                outputs[output][start + k] = constant + values[k] + notFinite[k];
-            }
-        }
-    }
+    impl->predictor.predict(inputs, wanted, outputs, count);
 }
 
 bool SurrogateResponseSurfaceModel::surfaceCoefficientInformationAvailable() const
@@ -364,4 +330,24 @@ std::string SurrogateResponseSurfaceModel::extrapolationWarning(const std::vecto
 {
     impl->requirePoints(inputs, count);
     return impl->ranges.warning(inputs, count);
+}
+
+PredictorDescription SurrogateResponseSurfaceModel::predictorDescription(int offset) const
+{
+    const PolynomialPredictor& predictor = impl->predictor;
+    const PolynomialPredictor::Output& output = predictor.outputs()[impl->position(offset)];
+    PredictorDescription description;
+    description.inputs = impl->ranges.ranges();
+    for (const PolynomialPredictor::Scale& scale : predictor.inputScales()) {
+        description.coordinates.push_back(
+            {description.coordinates.size(), scale.centre, scale.unit});
+    }
+    description.offset = output.constant;
+    for (std::size_t t = 1; t < output.coefficients.size(); ++t) {
+        const QuadraticBasis::Term& term = predictor.basis().terms()[t];
+        if (output.coefficients[t] != 0.0) {
+            description.terms.push_back({term.first, term.second, output.coefficients[t]});
+        }
+    }
+    return description;
 }

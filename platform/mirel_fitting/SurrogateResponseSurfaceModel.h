@@ -3,6 +3,7 @@
 #include <mirel_fitting/CoefficientTableInterface.h>
 #include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/PredictorDescriptionInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <memory>
@@ -29,10 +30,12 @@
  * freedom when there are as many terms as cases; PRESS and what rests on it when a case alone
  * determines a term.
  */
-class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public virtual SurrogateModelInterface,
-                                                           public virtual FitMetricsInterface,
-                                                           public virtual CoefficientTableInterface,
-                                                           public virtual ExtrapolationInterface
+class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel
+    : public virtual SurrogateModelInterface,
+      public virtual FitMetricsInterface,
+      public virtual CoefficientTableInterface,
+      public virtual ExtrapolationInterface,
+      public virtual PredictorDescriptionInterface
 {
 public:
     /**
@@ -70,6 +73,7 @@ public:
                         std::size_t count) const override;
     std::string extrapolationWarning(const std::vector<double*>& inputs,
                                      std::size_t count) const override;
+    PredictorDescription predictorDescription(int offset) const override;
 
 private:
     class Impl;

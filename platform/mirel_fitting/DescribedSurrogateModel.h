@@ -1,0 +1,60 @@
+#pragma once
+
+#include <mirel_fitting/ExtrapolationInterface.h>
+#include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/PredictorDescriptionInterface.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/**
+ * A model made from descriptions of its outputs instead of cases: it predicts what the described
+ * models predict, to the last bit. What takes the cases themselves (standard errors, equations,
+ * quality texts) it does not offer.
+ */
+class MIREL_FITTING_EXPORT DescribedSurrogateModel : public virtual SurrogateModelInterface,
+                                                     public virtual FitMetricsInterface,
+                                                     public virtual ExtrapolationInterface,
+                                                     public virtual PredictorDescriptionInterface
+{
+public:
+    struct Output
+    {
+        PredictorDescription predictor;
+        FitMetrics metrics;                ///< what fitMetrics() answers
+        std::vector<std::string> warnings; ///< what fitWarnings() answers
+    };
+
+    /**
+     * @param outputs the first one is at offset 0. All have the same inputs, those of the first.
+     * @throw Error if there is no output, or a description contradicts itself: numbers that are not
+     *        finite, sizes that do not fit together, inputs or factors that do not exist, units and
+     *        lengths that are not positive, minima above maxima.
+     */
+    explicit DescribedSurrogateModel(const std::vector<Output>& outputs);
+    ~DescribedSurrogateModel() override;
+
+    void activateDependentVariables(const std::set<int>& offsets) override;
+    void interpolateDependentValues(const std::vector<double*>& inputs,
+                                    const std::set<int>& offsets, std::vector<double*>& outputs,
+                                    std::size_t count) const override;
+    bool surfaceCoefficientInformationAvailable() const override;
+    bool qualityMetricInformationAvailable() const override;
+    /** @throw Error always, as for qualityMetricInformation(). */
+    std::string surfaceCoefficientInformation(int offset) const override;
+    std::string qualityMetricInformation(int offset) const override;
+
+    FitMetrics fitMetrics(int offset) const override;
+    std::vector<std::string> fitWarnings(int offset) const override;
+    void extrapolations(const std::vector<double*>& inputs, double* distances,
+                        std::size_t count) const override;
+    std::string extrapolationWarning(const std::vector<double*>& inputs,
+                                     std::size_t count) const override;
+    PredictorDescription predictorDescription(int offset) const override;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

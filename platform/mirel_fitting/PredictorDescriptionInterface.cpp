@@ -1,0 +1,3 @@
+#include <mirel_fitting/PredictorDescriptionInterface.h>
+
+PredictorDescriptionInterface::~PredictorDescriptionInterface() = default;

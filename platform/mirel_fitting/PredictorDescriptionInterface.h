@@ -1,0 +1,82 @@
+#pragma once
+
+#include <mirel_fitting/Export.h>
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * Everything that predicting one output takes, as numbers: what a prediction outside of this
+ * program is made from.
+ *
+ *   polynomial: y = offset + sum of b_t t(z)
+ *   Kriging:    y = offset + scale (sum of b_t t(2 u - 1) + sum over j of w_j c(u, u_j))
+ *
+ * The coordinates z or u are (x - origin) / unit of the inputs that count, u kept within -1e150 to
+ * 1e150. The terms t are products of up to two coordinates. The correlation is
+ *
+ *   c(u, u_j) = product over the coordinates k of (1 + s + s^2 / 3) exp(-s),
+ *   s = sqrt(5) |u_k - u_jk| / length_k, at most 1000.
+ *
+ * A point with a coordinate that is not finite has no prediction: NaN.
+ */
+struct PredictorDescription
+{
+    enum class Kind
+    {
+        Polynomial,
+        Kriging
+    };
+
+    /** Stands in Term for a factor that the term does not have. */
+    static constexpr std::size_t noFactor = static_cast<std::size_t>(-1);
+
+    /** What the cases have of one input. */
+    struct InputRange
+    {
+        double minimum = 0.0;
+        double maximum = 0.0;
+        bool isConstant = false; ///< up to rounding
+    };
+
+    struct Coordinate
+    {
+        std::size_t input = 0;
+        double origin = 0.0;
+        double unit = 1.0; ///< positive; of a polynomial a power of two
+    };
+
+    /** Positions among the coordinates, first <= second; a linear term has no second. */
+    struct Term
+    {
+        std::size_t first = noFactor;
+        std::size_t second = noFactor;
+        double coefficient = 0.0;
+    };
+
+    Kind kind = Kind::Polynomial;
+    std::vector<InputRange> inputs; ///< all of the model, in the order of its columns
+    std::vector<Coordinate> coordinates;
+    std::vector<Term> terms;
+    double offset = 0.0;
+    double scale = 1.0; ///< Kriging: the standard deviation of the output over the cases
+
+    // Kriging only; the correlation is without effect where there is no case.
+    std::vector<double> lengths; ///< one per coordinate; infinite: no influence
+    std::vector<double> cases;   ///< by columns, weights.size() of each coordinate
+    std::vector<double> weights;
+};
+
+/** Ability of a model: to be taken elsewhere. */
+class MIREL_FITTING_EXPORT PredictorDescriptionInterface
+{
+public:
+    virtual ~PredictorDescriptionInterface();
+
+    /**
+     * Fits the output if that has not been done.
+     * @throw SurrogateModelInterface::Error for an offset that is none, a fit that fails, and a
+     *        model of so many cases that each prediction asks for the nearest of them.
+     */
+    virtual PredictorDescription predictorDescription(int offset) const = 0;
+};
