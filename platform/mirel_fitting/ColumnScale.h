@@ -23,6 +23,9 @@ public:
     /** Largest value minus smallest, 0 for a constant column; infinite where it overflows. */
     double spread() const { return highest - lowest; }
 
+    /** Half of it, finite; 0 for a constant column. */
+    double halfRange() const { return highest / 2.0 - lowest / 2.0; }
+
     /**
      * Whether the values differ by what computing the same number in several ways leaves, as 0.3
      * and 0.1 + 0.2 do: a few units in the last place. A model must not make an influence of it.

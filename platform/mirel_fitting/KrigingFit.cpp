@@ -73,6 +73,11 @@ private:
     void findWorstCases(KrigingFit& fit, const KrigingData& all,
                         const std::vector<std::size_t>& points,
                         const std::vector<double>& leaveOneOutResiduals) const;
+    void keepLeftOut(KrigingFit& fit, const KrigingData& all,
+                     const KrigingLeaveOneOut::Points& left) const
+    {
+        fit.leftOut = KrigingLeaveOneOut(cases, output, all, left, offset, scale);
+    }
     void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
     void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
     void writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
@@ -291,7 +296,13 @@ KrigingFit Fitter::withCorrelation()
     reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(), rows,
                       meetsCases);
     reportTrend(fit, likelihood.coefficients());
-    measure(fit, *data, allPoints(), likelihood.residuals(), likelihood.leaveOneOutResiduals());
+    std::vector<double> variances;
+    const std::vector<double> leftOut = likelihood.leaveOneOutResiduals(&variances);
+    const std::vector<std::size_t> points = allPoints();
+    measure(fit, *data, points, likelihood.residuals(), leftOut);
+    keepLeftOut(
+        fit, *data,
+        {points, leftOut, variances, likelihood.processVariance(), found.parameters.nugget});
     return fit;
 }
 
@@ -370,6 +381,10 @@ KrigingFit Fitter::ofManyCases()
     reportCorrelation(fit, large.processVariance, large.condition, rows, large.meetsCases);
     reportTrend(fit, large.coefficients);
     measure(fit, *all, large.measured, large.residuals, large.leaveOneOutResiduals);
+    keepLeftOut(fit, *all,
+                {large.measured, large.leaveOneOutResiduals, large.leaveOneOutVariances,
+                 large.neighbourVariance,
+                 large.neighbours ? large.neighbours->parameters().nugget : 0.0});
     warnings.push_back("There are more than " + std::to_string(options.sizes.mostExact) +
                        " distinct cases: " + large.description(scale));
     warnings.push_back("The figures of errors are those of a random sample of " +
@@ -405,7 +420,11 @@ KrigingFit Fitter::withTrendAlone()
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance, data->cases);
     reportTrend(fit, leastSquares.coefficients);
-    measure(fit, *data, allPoints(), leastSquares.residuals, leastSquares.leaveOneOutResiduals);
+    const std::vector<std::size_t> points = allPoints();
+    measure(fit, *data, points, leastSquares.residuals, leastSquares.leaveOneOutResiduals);
+    keepLeftOut(fit, *data,
+                {points, leastSquares.leaveOneOutResiduals, leastSquares.leaveOneOutVariances,
+                 leastSquares.variance, 0.0});
     warnings.push_back("The trend passes through all cases: there is nothing left to correlate.");
     return fit;
 }
@@ -432,6 +451,7 @@ KrigingFit Fitter::constant()
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportTrend(fit, {0.0});
     reportIndependent(fit, squares / n, output.size());
+    fit.leftOut = KrigingLeaveOneOut::ofMean(output);
     fit.metrics.cases = output.size();
     fit.metrics.terms = 1;
     fit.metrics.rmse = scale * std::sqrt(squares / n);

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/KrigingCases.h>
+#include <mirel_fitting/KrigingLeaveOneOut.h>
 #include <mirel_fitting/KrigingPredictor.h>
 #include <mirel_fitting/KrigingReportInterface.h>
 #include <mirel_fitting/LargeKriging.h>
@@ -31,6 +32,7 @@ struct KrigingFit
     std::string trendText;
     FitMetrics metrics;
     std::vector<std::string> warnings;
+    KrigingLeaveOneOut leftOut = {};
 };
 
 /**

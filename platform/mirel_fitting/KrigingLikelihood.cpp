@@ -468,7 +468,7 @@ double KrigingLikelihood::conditionEstimate() const
     return 1.0 / reciprocal;
 }
 
-std::vector<double> KrigingLikelihood::leaveOneOutResiduals()
+std::vector<double> KrigingLikelihood::leaveOneOutResiduals(std::vector<double>* variances)
 {
     // Less than this share of a diagonal element left over is its rounding error: without the case
     // the trend is not determined.
@@ -486,14 +486,21 @@ std::vector<double> KrigingLikelihood::leaveOneOutResiduals()
 
     // The diagonal of Q = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; Q y are the weights.
     std::vector<double> residuals(n);
+    if (variances) {
+        variances->assign(n, std::numeric_limits<double>::quiet_NaN());
+    }
     for (std::size_t i = 0; i < n; ++i) {
         const double diagonal = diagonals[i];
         double left = diagonal;
         for (std::size_t j = 0; j < impl->p; ++j) {
             left -= projected[j * n + i] * projected[j * n + i];
         }
-        residuals[i] = left > determined * diagonal ? impl->alpha[i] / left
-                                                    : std::numeric_limits<double>::quiet_NaN();
+        const bool isDetermined = left > determined * diagonal;
+        residuals[i] =
+            isDetermined ? impl->alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
+        if (variances && isDetermined) {
+            (*variances)[i] = 1.0 / left;
+        }
     }
     return residuals;
 }

@@ -86,8 +86,10 @@ public:
      * What each case's output lies above its prediction by all others, lengths, nugget and variance
      * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
      * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
+     * @param variances if not null, receives those of the residuals, relative to the process
+     *                  variance.
      */
-    std::vector<double> leaveOneOutResiduals();
+    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr);
 
 private:
     class Impl;

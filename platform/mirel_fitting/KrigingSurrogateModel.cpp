@@ -1,6 +1,7 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
 #include <mirel_fitting/CaseRanges.h>
+#include <mirel_fitting/Distributions.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/KrigingTexts.h>
@@ -215,6 +216,33 @@ void KrigingSurrogateModel::standardErrors(const std::vector<double*>& inputs,
         }
         ++k;
     }
+}
+
+void KrigingSurrogateModel::predictionIntervals(const std::vector<double*>& inputs,
+                                                const std::set<int>& offsets, double level,
+                                                std::vector<double*>& lower,
+                                                std::vector<double*>& upper,
+                                                std::size_t count) const
+{
+    Distributions::requireLevel(level);
+    impl->columns.requireEvaluation(inputs, offsets, upper, count);
+    interpolateDependentValues(inputs, offsets, lower, count);
+    standardErrors(inputs, offsets, Kind::Observation, upper, count);
+    const double quantile = Distributions::normalQuantile(level);
+    for (std::size_t output = 0; output < offsets.size(); ++output) {
+        for (std::size_t k = 0; k < count; ++k) {
+            const double prediction = lower[output][k];
+            const double reach = quantile * upper[output][k];
+            lower[output][k] = prediction - reach;
+            upper[output][k] = prediction + reach;
+        }
+    }
+}
+
+std::vector<LeaveOneOutPrediction> KrigingSurrogateModel::leaveOneOutPredictions(int offset) const
+{
+    const KrigingFit& fit = impl->fit(offset);
+    return fit.leftOut.predictions(impl->cases, fit.predictor);
 }
 
 void KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,

@@ -4,6 +4,8 @@
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/GradientInterface.h>
 #include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/PredictorDescriptionInterface.h>
 #include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -35,6 +37,8 @@ class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModel
                                                    public virtual FitMetricsInterface,
                                                    public virtual KrigingReportInterface,
                                                    public virtual StandardErrorInterface,
+                                                   public virtual PredictionIntervalInterface,
+                                                   public virtual LeaveOneOutInterface,
                                                    public virtual GradientInterface,
                                                    public virtual ExtrapolationInterface,
                                                    public virtual PredictorDescriptionInterface
@@ -86,6 +90,18 @@ public:
      */
     void standardErrors(const std::vector<double*>& inputs, const std::set<int>& offsets, Kind kind,
                         std::vector<double*>& errors, std::size_t count) const override;
+    /** By the normal distribution and the standard errors of an observation. */
+    void predictionIntervals(const std::vector<double*>& inputs, const std::set<int>& offsets,
+                             double level, std::vector<double*>& lower, std::vector<double*>& upper,
+                             std::size_t count) const override;
+
+    /**
+     * With the lengths, the nugget and the process variance of all cases; the trend is estimated
+     * anew. Rows with the same inputs are left out together. Of more than 10 000 distinct cases
+     * those that fitMetrics() is measured at.
+     */
+    std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
+
     void gradients(const std::vector<double*>& inputs, int offset,
                    const std::vector<double*>& gradients, std::size_t count) const override;
     void extrapolations(const std::vector<double*>& inputs, double* distances,

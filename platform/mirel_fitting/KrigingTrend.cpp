@@ -157,8 +157,9 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
         for (const std::vector<double>& direction : orthonormal) {
             left -= direction[i] * direction[i];
         }
-        result.leaveOneOutResiduals.push_back(
-            left > determined ? residuals[i] / left : std::numeric_limits<double>::quiet_NaN());
+        left = left > determined ? left : std::numeric_limits<double>::quiet_NaN();
+        result.leaveOneOutResiduals.push_back(residuals[i] / left);
+        result.leaveOneOutVariances.push_back(1.0 / left);
     }
     result.residuals = std::move(residuals);
     return result;

@@ -43,6 +43,8 @@ public:
         /** What each case's output lies above the fit to all others; NaN where those do not
          *  determine the trend. */
         std::vector<double> leaveOneOutResiduals;
+        /** Of the latter, relative to `variance`. */
+        std::vector<double> leaveOneOutVariances;
     };
     /** The trend without correlations, fitted to one output per case. */
     LeastSquares leastSquares(const std::vector<double>& output) const;

@@ -78,7 +78,8 @@ struct Layer
 {
     std::shared_ptr<NearestNeighbourKriging> kriging;
     std::vector<double> leaveOneOutResiduals; // of the measured cases
-    double error = 0.0;                       // their root mean square
+    std::vector<double> leaveOneOutVariances;
+    double error = 0.0; // their root mean square
 };
 
 class Fit
@@ -352,6 +353,7 @@ Layer Fit::neighboursOf(const std::vector<double>& values,
     const auto predictions = leftOut.predict(layer.kriging->parameters(), nullptr);
     for (std::size_t i = 0; i < result.measured.size(); ++i) {
         layer.leaveOneOutResiduals.push_back(values[result.measured[i]] - predictions[i].mean);
+        layer.leaveOneOutVariances.push_back(predictions[i].variance);
     }
     layer.error = rootMeanSquare(layer.leaveOneOutResiduals);
     return layer;
@@ -361,6 +363,7 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
 {
     result.neighbours = layer.kriging;
     result.leaveOneOutResiduals = layer.leaveOneOutResiduals;
+    result.leaveOneOutVariances = layer.leaveOneOutVariances;
 
     std::vector<std::vector<double>> columns(data->inputs);
     std::vector<const double*> points;

@@ -56,6 +56,8 @@ public:
          *  cases. */
         std::vector<double> residuals;
         std::vector<double> leaveOneOutResiduals;
+        /** Of the latter, relative to `neighbourVariance`; none where no neighbours are used. */
+        std::vector<double> leaveOneOutVariances;
         double error = 0.0;       ///< root mean square of the latter
         double subsetError = 0.0; ///< the same of the subset's model
         std::size_t subsetSize = 0;

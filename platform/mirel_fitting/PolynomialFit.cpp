@@ -8,6 +8,7 @@
 #include <cblas.h>
 
 #include <algorithm>
+#include <random>
 #include <utility>
 
 namespace {
@@ -100,13 +101,13 @@ public:
                 fit.fits[output].scale.apply(columns.dependents[output] + start, rows,
                                              scaledOutputs.data() + output * rowsPerBlock);
             }
-            addBlock(rows);
+            addBlock(start, rows);
         }
     }
 
 protected:
     virtual void begin() = 0;
-    virtual void addBlock(std::size_t rows) = 0;
+    virtual void addBlock(std::size_t start, std::size_t rows) = 0;
 
     void fillDesign(const std::vector<std::size_t>& terms, std::size_t rows)
     {
@@ -139,7 +140,7 @@ private:
 
     void begin() override { part = emptyPart(); }
 
-    void addBlock(std::size_t rows) override
+    void addBlock(std::size_t, std::size_t rows) override
     {
         fillDesign(order, rows);
         part.addRows(design.data(), scaledOutputs.data(), rows);
@@ -164,9 +165,7 @@ public:
             fit.fits[output].residualSquares += squares[output];
             fit.fits[output].press += leftOutSquares[output];
         }
-        // A case of larger leverage is fitted exactly, up to rounding, whatever its value is.
-        constexpr double enoughFreedom = 1e-9;
-        fit.pressAvailable = fit.pressAvailable && leastFreedom > enoughFreedom;
+        fit.pressAvailable = fit.pressAvailable && !isDeterminedAlone(1.0 - leastFreedom);
     }
 
 private:
@@ -177,7 +176,7 @@ private:
         leastFreedom = 1.0;
     }
 
-    void addBlock(std::size_t rows) override
+    void addBlock(std::size_t start, std::size_t rows) override
     {
         const auto m = static_cast<int>(rows);
         const auto terms = static_cast<int>(fit.keptTerms.size());
@@ -195,6 +194,27 @@ private:
                 const double leftOut = residuals[row] / freedom[row];
                 squares[output] += residuals[row] * residuals[row];
                 leftOutSquares[output] += leftOut * leftOut;
+            }
+        }
+        keepSample(start, rows);
+    }
+
+    /** Each worker writes other elements than the others. */
+    void keepSample(std::size_t start, std::size_t rows)
+    {
+        const std::vector<std::size_t>& sample = fit.sample;
+        const bool isWhole = sample.empty();
+        const auto position = [&](std::size_t row) {
+            return static_cast<std::size_t>(std::lower_bound(sample.begin(), sample.end(), row) -
+                                            sample.begin());
+        };
+        const std::size_t last = isWhole ? start + rows : position(start + rows);
+        for (std::size_t k = isWhole ? start : position(start); k < last; ++k) {
+            const std::size_t row = fit.sampledRow(k);
+            fit.leverageOfSample[k] = 1.0 - freedom[row - start];
+            for (std::size_t output = 0; output < squares.size(); ++output) {
+                fit.fits[output].values[k] = columns.dependents[output][row];
+                fit.fits[output].residuals[k] = scaledOutputs[output * rowsPerBlock + row - start];
             }
         }
     }
@@ -236,6 +256,7 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     Columns columns{independents, dependents, {}};
     const SingleThreadedBlas singleThreaded;
     factorise(columns);
+    chooseSample();
     const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
     walk(residuals, 0.7, 1.0);
     storeCoefficients(columns);
@@ -279,6 +300,31 @@ void PolynomialFit::walk(const std::function<std::unique_ptr<OrderedChunks::Work
     OrderedChunks::run(chunks, threads, makeWorker, report);
 }
 
+void PolynomialFit::chooseSample()
+{
+    // One at random of each of as many stretches: what repeats itself from case to case cannot
+    // hide.
+    std::mt19937_64 generator(caseCount);
+    const auto startOf = [&](std::size_t stretch) {
+        return stretch * (caseCount / mostSampled) +
+               stretch * (caseCount % mostSampled) / mostSampled;
+    };
+    for (std::size_t k = 0; k < mostSampled && caseCount > mostSampled; ++k) {
+        sample.push_back(startOf(k) + generator() % (startOf(k + 1) - startOf(k)));
+    }
+    leverageOfSample.resize(std::min(caseCount, mostSampled));
+    for (Output& output : fits) {
+        output.values.resize(leverageOfSample.size());
+        output.residuals.resize(leverageOfSample.size());
+    }
+}
+
+bool PolynomialFit::isDeterminedAlone(double leverage)
+{
+    constexpr double enoughFreedom = 1e-9;
+    return 1.0 - leverage <= enoughFreedom;
+}
+
 void PolynomialFit::storeCoefficients(const Columns& columns)
 {
     const std::size_t kept = keptTerms.size();
@@ -304,4 +350,42 @@ std::vector<double> PolynomialFit::coefficientDirection(std::size_t k) const
         direction[keptTerms[i]] = column[i];
     }
     return direction;
+}
+
+void PolynomialFit::variances(const std::vector<double*>& inputs, std::size_t count,
+                              double* result) const
+{
+    const auto terms = static_cast<int>(keptTerms.size());
+    const SingleThreadedBlas singleThreaded;
+    std::vector<double> scaledInputs(inputs.size() * rowsPerBlock);
+    std::vector<const double*> inputColumns;
+    for (std::size_t input = 0; input < inputs.size(); ++input) {
+        inputColumns.push_back(scaledInputs.data() + input * rowsPerBlock);
+    }
+    std::vector<double> design(keptTerms.size() * rowsPerBlock);
+    for (std::size_t start = 0; start < count; start += rowsPerBlock) {
+        const std::size_t rows = std::min(rowsPerBlock, count - start);
+        std::fill_n(result + start, rows, 0.0);
+        for (std::size_t input = 0; input < inputs.size(); ++input) {
+            scales[input].apply(inputs[input] + start, rows,
+                                scaledInputs.data() + input * rowsPerBlock);
+            // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+            for (std::size_t row = 0; row < rows; ++row) {
+                result[start + row] += 0.0 * inputs[input][start + row];
+            }
+        }
+        for (std::size_t column = 0; column < keptTerms.size(); ++column) {
+            polynomial.evaluateTerm(keptTerms[column], inputColumns.data(), rows,
+                                    design.data() + column * rowsPerBlock);
+        }
+        cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit,
+                    static_cast<int>(rows), terms, 1.0, factor.data(), terms, design.data(),
+                    static_cast<int>(rowsPerBlock));
+        for (std::size_t column = 0; column < keptTerms.size(); ++column) {
+            const double* values = design.data() + column * rowsPerBlock;
+            for (std::size_t row = 0; row < rows; ++row) {
+                result[start + row] += values[row] * values[row];
+            }
+        }
+    }
 }

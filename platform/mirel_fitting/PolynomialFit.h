@@ -28,7 +28,14 @@ public:
         double totalSquares = 0.0; ///< about the mean
         double residualSquares = 0.0;
         double press = 0.0; ///< sum of the squared residuals that leaving out each case would give
+        /** Of each of sampledRows(): the output as given, and what it lies above the polynomial,
+         *  in units of `scale`. */
+        std::vector<double> values;
+        std::vector<double> residuals;
     };
+
+    /** More cases than this are sampled: what is kept of each must not count beside the data. */
+    static constexpr std::size_t mostSampled = 100000;
 
     /**
      * @param independents one array of `cases` finite values per input of the basis, borrowed for
@@ -50,6 +57,16 @@ public:
     bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
     std::size_t keptCount() const { return keptTerms.size(); }
 
+    /** The kept terms in the order of the factor, the constant first. */
+    std::size_t keptTerm(std::size_t k) const { return keptTerms[k]; }
+
+    /** The kept terms at the cases, for scaled inputs, are an orthonormal matrix times this upper
+     *  triangular one. */
+    double factorElement(std::size_t row, std::size_t column) const
+    {
+        return factor[column * keptTerms.size() + row];
+    }
+
     /** Cases that are left to tell the error by. */
     std::size_t degreesOfFreedom() const { return caseCount - keptTerms.size(); }
 
@@ -58,6 +75,24 @@ public:
      * passes through it whatever its value, and leaving it out leaves no such fit.
      */
     bool isPressAvailable() const { return pressAvailable; }
+
+    /** The cases of which more than sums is known, ascending: all, or `mostSampled` at random,
+     *  spread evenly. */
+    std::size_t sampledCount() const { return leverageOfSample.size(); }
+    std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
+
+    /** One per sampled case: the share of its output in its own prediction, from 0 to 1. */
+    const std::vector<double>& leverages() const { return leverageOfSample; }
+
+    /** Whether a case of this leverage is fitted whatever its output is, up to rounding. */
+    static bool isDeterminedAlone(double leverage);
+
+    /**
+     * The leverages that other points would have: the variance of the prediction there for
+     * residuals of variance 1.
+     * @param inputs one array of `count` values per input, not scaled; borrowed for the call.
+     */
+    void variances(const std::vector<double*>& inputs, std::size_t count, double* result) const;
 
     /**
      * One of keptCount() vectors whose squares sum to the variances of the coefficients, for
@@ -74,6 +109,7 @@ private:
     void factorise(Columns& columns);
     void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
               double from, double to) const;
+    void chooseSample();
     void storeCoefficients(const Columns& columns);
 
     QuadraticBasis polynomial;
@@ -84,4 +120,6 @@ private:
     std::vector<char> keptFlags;        // per term of the basis
     std::vector<double> factor;
     bool pressAvailable = true;
+    std::vector<std::size_t> sample; // empty: all cases
+    std::vector<double> leverageOfSample;
 };

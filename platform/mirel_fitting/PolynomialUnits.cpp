@@ -41,6 +41,41 @@ std::vector<double> PolynomialUnits::expanded(const std::vector<double>& scaled)
     return result;
 }
 
+std::vector<double> PolynomialUnits::coded(const std::vector<double>& scaled) const
+{
+    std::vector<double> result = scaled;
+    for (std::size_t term = 0; term < result.size(); ++term) {
+        for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
+            if (input != QuadraticBasis::noInput) {
+                result[term] *= scales[input].halfRange() / scales[input].unit();
+            }
+        }
+    }
+    return result;
+}
+
+std::vector<double> PolynomialUnits::term(std::size_t index) const
+{
+    std::vector<double> result(basis.size(), 0.0);
+    const QuadraticBasis::Term& inputs = basis.terms()[index];
+    if (inputs.first == QuadraticBasis::noInput) {
+        result[0] = 1.0;
+        return result;
+    }
+    const ColumnScale& first = scales[inputs.first];
+    if (inputs.second == QuadraticBasis::noInput) {
+        result[0] = first.centre();
+        result[index] = first.unit();
+        return result;
+    }
+    const ColumnScale& second = scales[inputs.second];
+    result[0] = first.centre() * second.centre();
+    result[1 + inputs.first] += first.unit() * second.centre();
+    result[1 + inputs.second] += second.unit() * first.centre();
+    result[index] = first.unit() * second.unit();
+    return result;
+}
+
 double PolynomialUnits::expansionLoss(const std::vector<double>& scaled) const
 {
     const std::vector<double> coefficients = centred(scaled);

@@ -21,6 +21,12 @@ public:
     /** Coefficients of the terms of V. */
     std::vector<double> expanded(const std::vector<double>& scaled) const;
 
+    /** Coefficients of the terms of inputs coded to [-1, 1] over their ranges. */
+    std::vector<double> coded(const std::vector<double>& scaled) const;
+
+    /** A term of V as a polynomial of z: expanded() of it is 1 for this term and 0 for others. */
+    std::vector<double> term(std::size_t index) const;
+
     /** What the polynomial of V may lose against that of z within the range of the cases, by the
      *  rounding of its larger and partly cancelling terms: in units of the polynomial. */
     double expansionLoss(const std::vector<double>& scaled) const;

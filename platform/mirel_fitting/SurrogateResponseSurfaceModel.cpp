@@ -1,10 +1,13 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
 #include <mirel_fitting/CaseRanges.h>
+#include <mirel_fitting/Distributions.h>
 #include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/PolynomialFit.h>
 #include <mirel_fitting/PolynomialPredictor.h>
 #include <mirel_fitting/PolynomialUnits.h>
+#include <mirel_fitting/ReplicatedCases.h>
+#include <mirel_fitting/ResponseSurfaceAnalysis.h>
 #include <mirel_fitting/TrainingColumns.h>
 
 #include <algorithm>
@@ -92,22 +95,52 @@ public:
           fit(basisFor(columns, highestOrder), independentColumns,
               fittable(columns, dependentColumns), rowCount),
           predictor(predictorOf(fit))
-    {}
+    {
+        findPureErrors(independentColumns, fittable(columns, dependentColumns));
+    }
+
+    /** The position among the fits. */
+    std::size_t position(int offset) const
+    {
+        columns.requireOutput(offset);
+        std::size_t result = 0;
+        for (int earlier = 0; earlier < offset; ++earlier) {
+            result += columns.isFittable(static_cast<std::size_t>(earlier)) ? 1 : 0;
+        }
+        return result;
+    }
 
     const PolynomialFit::Output& output(int offset) const
     {
         return fit.outputs()[position(offset)];
     }
 
-    /** Among the outputs that can be fitted. */
-    std::size_t position(int offset) const
+    ResponseSurfaceAnalysis analysis(int offset) const
     {
-        columns.requireOutput(offset);
-        std::size_t position = 0;
-        for (int earlier = 0; earlier < offset; ++earlier) {
-            position += columns.isFittable(static_cast<std::size_t>(earlier)) ? 1 : 0;
+        const std::size_t k = position(offset);
+        return {fit, k, pureErrors[k]};
+    }
+
+    void findPureErrors(const std::vector<double*>& independentColumns,
+                        const std::vector<double*>& outputs)
+    {
+        pureErrors.resize(outputs.size());
+        if (fit.cases() > PolynomialFit::mostSampled) {
+            return;
         }
-        return position;
+        std::vector<const double*> varying;
+        for (std::size_t input = 0; input < independentColumns.size(); ++input) {
+            if (!fit.inputScales()[input].isConstantUpToRounding()) {
+                varying.push_back(independentColumns[input]);
+            }
+        }
+        const ReplicatedCases replicated(varying, fit.cases());
+        std::vector<double> scaled(replicated.areThere() ? fit.cases() : 0);
+        for (std::size_t k = 0; k < outputs.size() && replicated.areThere(); ++k) {
+            fit.outputs()[k].scale.apply(outputs[k], fit.cases(), scaled.data());
+            pureErrors[k].degreesOfFreedom = replicated.degreesOfFreedom();
+            pureErrors[k].squares = replicated.squaresWithin(scaled.data());
+        }
     }
 
     std::string droppedTerms() const
@@ -132,6 +165,7 @@ public:
     int wantedOrder;
     PolynomialFit fit;
     PolynomialPredictor predictor;
+    std::vector<ResponseSurfaceAnalysis::PureError> pureErrors; // one per fit
 };
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
@@ -316,6 +350,106 @@ std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTab
             table[term].isKept ? deviation * std::sqrt(variances[term]) : FitMetrics::none;
     }
     return table;
+}
+
+ResponseSurfaceStatistics
+SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double level) const
+{
+    Distributions::requireLevel(level);
+    const FitMetrics metrics = fitMetrics(offset);
+    const ResponseSurfaceAnalysis analysis = impl->analysis(offset);
+    const PolynomialFit& fit = impl->fit;
+
+    ResponseSurfaceStatistics statistics;
+    statistics.coefficients = analysis.coefficients(level);
+    statistics.codedCoefficients = analysis.codedCoefficients(level);
+    statistics.anova = analysis.anova();
+    statistics.r2 = metrics.r2;
+    statistics.adjustedR2 = metrics.adjustedR2;
+    statistics.predictedR2 = metrics.predictedR2;
+    statistics.press = metrics.press;
+    statistics.rmse = metrics.rmse;
+    statistics.aicc = analysis.aicc();
+    statistics.residualDegreesOfFreedom = fit.degreesOfFreedom();
+    if (fit.sampledCount() == fit.cases()) {
+        statistics.leverages = fit.leverages();
+    }
+    statistics.stationaryPoint = analysis.stationaryPoint();
+    for (const CoefficientStatistics& coefficient : statistics.coefficients) {
+        if (!coefficient.isKept) {
+            statistics.droppedTerms.push_back(coefficient.term);
+        }
+    }
+    return statistics;
+}
+
+void SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& inputs,
+                                                   const std::set<int>& offsets, Kind kind,
+                                                   std::vector<double*>& errors,
+                                                   std::size_t count) const
+{
+    impl->columns.requireEvaluation(inputs, offsets, errors, count);
+    const double noise = kind == Kind::Observation ? 1.0 : 0.0;
+    std::size_t k = 0;
+    for (const int offset : offsets) {
+        double* result = errors[k++];
+        const double deviation = fitMetrics(offset).rmse;
+        impl->fit.variances(inputs, count, result);
+        for (std::size_t point = 0; point < count; ++point) {
+            result[point] = deviation * std::sqrt(noise + result[point]);
+        }
+    }
+}
+
+void SurrogateResponseSurfaceModel::predictionIntervals(const std::vector<double*>& inputs,
+                                                        const std::set<int>& offsets, double level,
+                                                        std::vector<double*>& lower,
+                                                        std::vector<double*>& upper,
+                                                        std::size_t count) const
+{
+    Distributions::requireLevel(level);
+    impl->columns.requireEvaluation(inputs, offsets, upper, count);
+    const auto freedom = static_cast<double>(impl->fit.degreesOfFreedom());
+    if (freedom == 0.0 && !offsets.empty()) {
+        throw Error("There are no prediction intervals: the polynomial has as many terms as there "
+                    "are cases, and none is left to tell the error by.");
+    }
+    interpolateDependentValues(inputs, offsets, lower, count);
+    standardErrors(inputs, offsets, Kind::Observation, upper, count);
+    const double quantile = Distributions::studentQuantile(level, freedom);
+    for (std::size_t output = 0; output < offsets.size(); ++output) {
+        for (std::size_t k = 0; k < count; ++k) {
+            const double prediction = lower[output][k];
+            const double reach = quantile * upper[output][k];
+            lower[output][k] = prediction - reach;
+            upper[output][k] = prediction + reach;
+        }
+    }
+}
+
+std::vector<LeaveOneOutPrediction>
+SurrogateResponseSurfaceModel::leaveOneOutPredictions(int offset) const
+{
+    const PolynomialFit& fit = impl->fit;
+    const PolynomialFit::Output& output = impl->output(offset);
+    const double squares = impl->analysis(offset).residualSquares();
+    const double freedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
+    const double unit = output.scale.unit();
+    std::vector<LeaveOneOutPrediction> result;
+    result.reserve(fit.sampledCount());
+    for (std::size_t k = 0; k < fit.sampledCount(); ++k) {
+        const double leverage = fit.leverages()[k];
+        const double left =
+            PolynomialFit::isDeterminedAlone(leverage) ? FitMetrics::none : 1.0 - leverage;
+        const double residual = output.residuals[k] / left;
+        // The other cases' own scatter; rounding may leave less than none.
+        const double others =
+            std::max(squares - residual * output.residuals[k], 0.0 * residual) / freedom;
+        const double error = freedom > 0.0 ? std::sqrt(others / left) : FitMetrics::none;
+        result.push_back({fit.sampledRow(k), output.values[k], output.values[k] - unit * residual,
+                          unit * error});
+    }
+    return result;
 }
 
 void SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,

@@ -3,7 +3,11 @@
 #include <mirel_fitting/CoefficientTableInterface.h>
 #include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/PredictorDescriptionInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <memory>
@@ -34,6 +38,10 @@ class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel
     : public virtual SurrogateModelInterface,
       public virtual FitMetricsInterface,
       public virtual CoefficientTableInterface,
+      public virtual ResponseSurfaceStatisticsInterface,
+      public virtual StandardErrorInterface,
+      public virtual PredictionIntervalInterface,
+      public virtual LeaveOneOutInterface,
       public virtual ExtrapolationInterface,
       public virtual PredictorDescriptionInterface
 {
@@ -68,6 +76,27 @@ public:
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
     std::vector<PolynomialCoefficient> coefficientTable(int offset) const override;
+
+    /** Pure error is looked for in up to 100 000 cases: of more, the table has no lack of fit. */
+    ResponseSurfaceStatistics responseSurfaceStatistics(int offset,
+                                                        double level = 0.95) const override;
+
+    /** RMSE times the root of the leverage that the point would have, plus 1 for an observation.
+     *  NaN where there are as many terms as cases. */
+    void standardErrors(const std::vector<double*>& inputs, const std::set<int>& offsets, Kind kind,
+                        std::vector<double*>& errors, std::size_t count) const override;
+
+    /** By Student's t with the residual degrees of freedom, and the standard errors of an
+     *  observation. */
+    void predictionIntervals(const std::vector<double*>& inputs, const std::set<int>& offsets,
+                             double level, std::vector<double*>& lower, std::vector<double*>& upper,
+                             std::size_t count) const override;
+
+    /**
+     * Equal to refits without each case, RMSE included: the standard error has one degree of
+     * freedom less than the fit. Of more than 100 000 cases so many, spread evenly.
+     */
+    std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 
     void extrapolations(const std::vector<double*>& inputs, double* distances,
                         std::size_t count) const override;

@@ -282,6 +282,123 @@ TEST(KrigingUncertainty, HasTheSameBitsForAnyNumberOfThreads)
     EXPECT_EQ(one, three);
 }
 
+TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
+{
+    const KrigingSurrogateModel model = Given().model(1, 0.01);
+    Columns points = somePoints;
+    std::vector<double> lower(5, -7.0);
+    std::vector<double> upper(5, -7.0);
+    std::vector<double*> lowerOutputs = {lower.data()};
+    std::vector<double*> upperOutputs = {upper.data()};
+
+    model.predictionIntervals(pointersTo(points), {0}, 0.95, lowerOutputs, upperOutputs, 5);
+
+    const std::vector<double> middle = predictions(model, points);
+    const std::vector<double> errors = standardErrors(model, points, Kind::Observation);
+    for (std::size_t i = 0; i < middle.size(); ++i) {
+        // The 97.5 % point of the standard normal distribution.
+        EXPECT_NEAR(lower[i], middle[i] - 1.959963984540054 * errors[i], 1e-12);
+        EXPECT_NEAR(upper[i], middle[i] + 1.959963984540054 * errors[i], 1e-12);
+    }
+}
+
+TEST(KrigingIntervals, RefuseALevelThatIsNoProbability)
+{
+    const KrigingSurrogateModel model = Given().model(1, 0.01);
+    std::vector<double*> none;
+
+    try {
+        model.predictionIntervals({}, {}, 95.0, none, none, 0);
+        FAIL() << "not refused";
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "The level of an interval has to lie between 0 and 1, not at 95.");
+    }
+}
+
+TEST(KrigingLeaveOneOut, EqualsRefitsWithoutEachCaseOfTheSameLengthsAndNugget)
+{
+    for (const int order : {0, 1}) {
+        const Given given;
+        const KrigingSurrogateModel model = given.model(order, 0.01);
+        const std::vector<double> output = valuesOf(wave, given.inputs);
+
+        const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
+
+        ASSERT_EQ(left.size(), output.size());
+        for (std::size_t row = 0; row < left.size(); ++row) {
+            Given others = given;
+            Columns point;
+            for (std::vector<double>& column : others.inputs) {
+                point.push_back({column[row]});
+                column.erase(column.begin() + static_cast<long>(row));
+            }
+            const KrigingSurrogateModel refit = others.model(order, 0.01);
+            // The variance of the process is that of all cases.
+            const double variances =
+                model.krigingReport(0).processVariance / refit.krigingReport(0).processVariance;
+            const double error = standardErrors(refit, point, Kind::Observation)[0];
+            EXPECT_EQ(left[row].row, row);
+            EXPECT_EQ(left[row].output, output[row]);
+            EXPECT_NEAR(left[row].predicted, predictions(refit, point)[0], 1e-11);
+            EXPECT_NEAR(left[row].standardError, error * std::sqrt(variances), 1e-11);
+        }
+    }
+}
+
+TEST(KrigingLeaveOneOut, LeavesRowsWithTheSameInputsOutTogether)
+{
+    Columns inputs = latinHypercube(15, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    for (std::vector<double>& column : inputs) {
+        column.push_back(column[4]);
+    }
+    output.push_back(output[4] + 0.2);
+    KrigingArguments arguments;
+    arguments.nugget = 0.1;
+    const KrigingSurrogateModel model = arguments.model(inputs, {output});
+
+    const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
+
+    ASSERT_EQ(left.size(), 16u);
+    EXPECT_EQ(left[15].row, 15u);
+    EXPECT_EQ(left[15].output, output[15]);
+    EXPECT_EQ(left[4].output, output[4]);
+    EXPECT_EQ(left[15].predicted, left[4].predicted);
+    EXPECT_EQ(left[15].standardError, left[4].standardError);
+    // The sum of squares is that of the report.
+    double press = 0.0;
+    for (const LeaveOneOutPrediction& one : left) {
+        press += (one.output - one.predicted) * (one.output - one.predicted);
+    }
+    EXPECT_NEAR(press, model.fitMetrics(0).press, 1e-12 * press);
+}
+
+TEST(KrigingLeaveOneOut, OfAMeanAreTheMeansOfTheOthers)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model({{3, 3, 3}}, {{1, 2, 6}});
+
+    const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
+
+    ASSERT_EQ(left.size(), 3u);
+    EXPECT_NEAR(left[0].predicted, 4.0, 1e-14);
+    EXPECT_NEAR(left[2].predicted, 1.5, 1e-14);
+    // Of maximum likelihood, 14 / 3, times 1 + 1 / 2.
+    EXPECT_NEAR(left[0].standardError, std::sqrt(7.0), 1e-14);
+}
+
+TEST(KrigingLeaveOneOut, HasNoFigureForOneCase)
+{
+    const KrigingSurrogateModel model = KrigingArguments().model({{3}}, {{1}});
+
+    const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
+
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].output, 1.0);
+    EXPECT_TRUE(std::isnan(left[0].predicted));
+    EXPECT_TRUE(std::isnan(left[0].standardError));
+}
+
 TEST(KrigingGradients, EqualFiniteDifferencesOfThePredictions)
 {
     const Columns inputs = latinHypercube(40, 3, 11);

@@ -128,6 +128,35 @@ TEST(LargeKriging, MeasuresItsErrorByCasesLeftOut)
                               "cases."));
 }
 
+TEST(LargeKriging, KeepsTheCasesThatItMeasuresByWithTheirStandardErrors)
+{
+    Columns inputs = latinHypercube(1200, 3, 3);
+    const std::vector<double> output = noisy(valuesOf(hill, inputs), 0.3);
+    const KrigingCases cases(pointersTo(inputs), output.size());
+    for (const std::size_t neighbours : {std::size_t{30}, std::size_t{0}}) {
+        KrigingOptions options = manyAreMoreThan(300);
+        options.sizes.neighbours = neighbours;
+        const KrigingFit fit = fitKriging(cases, output, options);
+
+        const std::vector<LeaveOneOutPrediction> left =
+            fit.leftOut.predictions(cases, fit.predictor);
+
+        ASSERT_EQ(left.size(), 200u);
+        double squares = 0.0;
+        std::size_t covered = 0;
+        for (std::size_t k = 0; k < left.size(); ++k) {
+            const double error = left[k].output - left[k].predicted;
+            EXPECT_TRUE(k == 0 || left[k - 1].row < left[k].row);
+            EXPECT_EQ(left[k].output, output[left[k].row]);
+            squares += error * error;
+            covered += std::fabs(error) <= 2.0 * left[k].standardError ? 1 : 0;
+        }
+        EXPECT_NEAR(std::sqrt(squares / 200.0), fit.metrics.looRmse, 1e-9 * fit.metrics.looRmse);
+        // 95 % are expected.
+        EXPECT_GT(covered, 178u);
+    }
+}
+
 TEST(LargeKriging, SmoothsNoise)
 {
     const Columns inputs = latinHypercube(1500, 2, 3);

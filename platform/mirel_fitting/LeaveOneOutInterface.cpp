@@ -1,0 +1,3 @@
+#include <mirel_fitting/LeaveOneOutInterface.h>
+
+LeaveOneOutInterface::~LeaveOneOutInterface() = default;

@@ -1,0 +1,3 @@
+#include <mirel_fitting/PredictionIntervalInterface.h>
+
+PredictionIntervalInterface::~PredictionIntervalInterface() = default;

@@ -1,0 +1,3 @@
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+
+ResponseSurfaceStatisticsInterface::~ResponseSurfaceStatisticsInterface() = default;

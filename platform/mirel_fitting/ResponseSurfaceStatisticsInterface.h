@@ -1,0 +1,117 @@
+#pragma once
+
+#include <mirel_fitting/Export.h>
+
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+/**
+ * One term of a fitted polynomial and how well the cases determine it. All figures are NaN for a
+ * term that is not kept, but for the estimate, which is 0 then; what rests on the scatter of the
+ * cases (all but the estimate and the inflation) is NaN without residual degrees of freedom.
+ */
+struct CoefficientStatistics
+{
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+    std::string term; ///< "1", "V1", "V1^2", "V1 V2", ...
+    double estimate = 0.0;
+    double standardError = none;
+    double t = none;     ///< estimate / standardError
+    double p = none;     ///< of a |t| as large or larger if the coefficient is 0
+    double lower = none; ///< confidence limits
+    double upper = none;
+    /** 1 / (1 - R^2) of the term's column explained by the other ones: by so much the variance
+     *  exceeds that of a design in which the terms do not overlap. NaN for the constant. */
+    double varianceInflation = none;
+    bool isKept = true; ///< false: dropped, since the cases cannot separate it or it was not needed
+};
+
+/** A line of an analysis of variance; NaN where a figure does not exist. */
+struct AnovaRow
+{
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+    std::string source;
+    std::size_t degreesOfFreedom = 0;
+    double sumOfSquares = none;
+    double meanSquare = none;
+    double f = none; ///< against the residual's mean square; of the lack of fit: the pure error's
+    double p = none;
+};
+
+/** Where the derivatives of a full quadratic polynomial are 0. */
+struct StationaryPoint
+{
+    enum class Nature
+    {
+        Minimum,
+        Maximum,
+        Saddle,
+        Ridge ///< along some direction there is no curvature: it is no more than one of many
+    };
+
+    std::vector<double> coordinates; ///< one per input, in its unit
+    double value = 0.0;              ///< of the polynomial there
+    Nature nature = Nature::Saddle;
+    bool isInsideData = false; ///< inside the ranges of the inputs over the cases
+    /** Eigenvalues of the matrix of second-order coefficients in coded inputs, ascending: the
+     *  output changes by one of them, times the squared distance, along its direction. */
+    std::vector<double> curvatures;
+};
+
+/** What a response surface's fit of one output says about itself. */
+struct ResponseSurfaceStatistics
+{
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+    /** In the units of output and inputs, every term in the order of the equation. */
+    std::vector<CoefficientStatistics> coefficients;
+    /** The same for inputs coded to [-1, 1] over their ranges: comparable with each other, in the
+     *  unit of the output. */
+    std::vector<CoefficientStatistics> codedCoefficients;
+    /**
+     * "Model", then "Linear", "Interaction" and "Square" as far as the fit has them, "Residual",
+     * then "Lack of fit" and "Pure error" if cases repeat the inputs of others, "Total" about the
+     * mean. The three kinds of terms are entered in the order given (sequential, type I): each
+     * one's sum of squares is what it takes off the residual of those before it, and the three sum
+     * up to the model's.
+     */
+    std::vector<AnovaRow> anova;
+
+    double r2 = none;
+    double adjustedR2 = none;
+    double predictedR2 = none; ///< 1 - PRESS / total
+    double press = none;
+    double rmse = none; ///< sqrt(residual sum of squares / residual degrees of freedom)
+    /**
+     * n ln(SSE / n) + n (ln(2 pi) + 1) + 2 k + 2 k (k + 1) / (n - k - 1), k the terms and one more
+     * for the variance. Hurvich, Tsai: Regression and time series model selection in small samples,
+     * Biometrika 76 (1989). NaN for n - 1 <= k, minus infinity for no residual.
+     */
+    double aicc = none;
+    std::size_t residualDegreesOfFreedom = 0;
+    /** One per case: the share of its own output in its prediction. Empty for more than 100 000
+     *  cases. */
+    std::vector<double> leverages;
+    std::optional<StationaryPoint> stationaryPoint; ///< none without a term of second order
+    std::vector<std::string> droppedTerms;          ///< all that are not kept
+};
+
+/** Ability of a model: the statistics of a fitted polynomial. */
+class MIREL_FITTING_EXPORT ResponseSurfaceStatisticsInterface
+{
+public:
+    virtual ~ResponseSurfaceStatisticsInterface();
+
+    /**
+     * @param level of the confidence limits.
+     * @throw SurrogateModelInterface::Error like qualityMetricInformation(), and for a level that
+     *        is not between 0 and 1.
+     */
+    virtual ResponseSurfaceStatistics responseSurfaceStatistics(int offset,
+                                                                double level = 0.95) const = 0;
+};
