@@ -1,0 +1,33 @@
+#pragma once
+
+#include <mirel_modelexport/ModelExport.h>
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * Points by which an exported file finds out whether it still computes what the model does.
+ *
+ * What may differ is rounding: an output may be off by a few eps of the sum of the magnitudes that
+ * it is added up from, and a Kriging model by 1e-12 of its output's standard deviation.
+ */
+struct CheckPoints
+{
+    static constexpr std::size_t count = 10;
+
+    /** The same for every model with these ranges, inside of them, none at their ends. */
+    explicit CheckPoints(const ExportedModel& model);
+
+    std::vector<std::vector<double>> points;     ///< [point][input]
+    std::vector<std::vector<double>> values;     ///< [output][point]
+    std::vector<std::vector<double>> tolerances; ///< [output][point]
+};
+
+/** How far a prediction at the point may be off by rounding; see CheckPoints. */
+double roundingTolerance(const PredictorDescription& predictor, const std::vector<double>& point);
+
+/** sqrt(5) / length of each coordinate: by that coordinates are scaled before they are compared. */
+std::vector<double> correlationScales(const PredictorDescription& predictor);
+
+/** The scaled coordinates of the cases, case by case. */
+std::vector<double> scaledCases(const PredictorDescription& predictor);

@@ -1,0 +1,153 @@
+#include <mirel_modelexport/ExportText.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+/** What the text reads as. */
+double valueOf(const std::string& text)
+{
+    double value = 0.0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+std::string withDigits(double value, int digits)
+{
+    std::array<char, 64> buffer;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                   std::chars_format::general, digits);
+    return {buffer.data(), end.ptr};
+}
+
+struct Character
+{
+    std::uint32_t code;
+    std::string bytes;
+};
+
+/** The characters of UTF-8 text; a byte that is none stands for U+FFFD. */
+std::vector<Character> charactersOf(const std::string& text)
+{
+    const Character replacement = {0xFFFD, "\xEF\xBF\xBD"};
+    std::vector<Character> characters;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80   ? 1
+                                   : lead < 0xC2 ? 0
+                                   : lead < 0xE0 ? 2
+                                   : lead < 0xF0 ? 3
+                                   : lead < 0xF5 ? 4
+                                                 : 0;
+        std::uint32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
+        bool isValid = length > 0 && i + length <= text.size();
+        for (std::size_t k = 1; isValid && k < length; ++k) {
+            const auto byte = static_cast<unsigned char>(text[i + k]);
+            isValid = (byte & 0xC0u) == 0x80u;
+            code = code << 6 | (byte & 0x3Fu);
+        }
+        constexpr std::array<std::uint32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
+        isValid = isValid && code >= smallest[length] && code <= 0x10FFFF &&
+                  !(code >= 0xD800 && code <= 0xDFFF);
+        characters.push_back(isValid ? Character{code, text.substr(i, length)} : replacement);
+        i += isValid ? length : 1;
+    }
+    return characters;
+}
+
+/** Ends lines, moves the cursor, or turns the direction of reading. */
+bool isControl(std::uint32_t code)
+{
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x61C ||
+           (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
+}
+
+std::string codeText(const char* format, std::uint32_t code)
+{
+    std::array<char, 16> buffer;
+    std::snprintf(buffer.data(), buffer.size(), format, static_cast<unsigned>(code));
+    return buffer.data();
+}
+
+} // namespace
+
+std::string shortNumber(double value)
+{
+    std::array<char, 32> buffer;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    return {buffer.data(), end.ptr};
+}
+
+std::string realNumber(double value)
+{
+    const std::string text = shortNumber(value);
+    return text.find_first_of(".en") == std::string::npos ? text + ".0" : text;
+}
+
+std::string formulaNumber(double value)
+{
+    constexpr int keptDigits = 15;
+    constexpr double roundsToInfinity = 1e307;
+    const std::string leading = withDigits(value, keptDigits);
+    const double rest = std::fabs(value) < roundsToInfinity ? value - valueOf(leading) : 0.0;
+    std::string text = leading;
+    if (rest != 0.0) {
+        text = "(" + leading + (rest < 0.0 ? "-" : "+") + withDigits(std::fabs(rest), keptDigits) +
+               ")";
+    }
+    std::replace(text.begin(), text.end(), 'e', 'E');
+    return text;
+}
+
+std::string signedNumber(double value, std::string (*text)(double))
+{
+    return (std::signbit(value) ? " - " : " + ") + text(std::fabs(value));
+}
+
+std::string commentName(const std::string& name)
+{
+    std::string text = "\"";
+    for (const Character& character : charactersOf(name)) {
+        const char before = text.back();
+        if (isControl(character.code)) {
+            text += codeText("<U+%04X>", character.code);
+            continue;
+        }
+        const bool isComment =
+            (before == '*' && character.code == '/') || (before == '/' && character.code == '*');
+        const bool isTrigraph = before == '?' && character.code == '?';
+        text += (isComment || isTrigraph ? " " : "") + character.bytes;
+    }
+    return text + '"';
+}
+
+std::string pythonName(const std::string& name)
+{
+    std::string text = "\"";
+    for (const Character& character : charactersOf(name)) {
+        if (character.code == '"' || character.code == '\\') {
+            text += '\\' + character.bytes;
+        } else if (character.code >= 0x20 && character.code < 0x7F) {
+            text += character.bytes;
+        } else {
+            text += codeText(character.code < 0x10000 ? "\\u%04x" : "\\U%08x", character.code);
+        }
+    }
+    return text + '"';
+}
+
+std::string lineName(const std::string& name)
+{
+    std::string text;
+    for (const Character& character : charactersOf(name)) {
+        text += isControl(character.code) ? codeText("<U+%04X>", character.code) : character.bytes;
+    }
+    return text;
+}

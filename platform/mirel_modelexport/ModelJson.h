@@ -1,0 +1,9 @@
+#pragma once
+
+#include <mirel_modelexport/ModelExport.h>
+
+#include <string>
+
+/** The model as a document that readExportedModel() reads; numbers read back as the same doubles.
+ */
+std::string modelJson(const ExportedModel& model);
