@@ -358,6 +358,18 @@ void CaseSession::stayAt(std::size_t input, const std::string& text)
     impl->state.interpolation->stayAtEvaluationPoint(variable);
 }
 
+std::vector<std::size_t> CaseSession::sweptInputs() const
+{
+    const auto& sweeps = impl->state.interpolation->sweeps();
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < impl->inputs.size(); ++i) {
+        if (sweeps.count(impl->inputs[i]) > 0) {
+            positions.push_back(i);
+        }
+    }
+    return positions;
+}
+
 SurrogateModelInterface& CaseSession::fit()
 {
     if (impl->fitted != nullptr) {

@@ -129,6 +129,9 @@ public:
      *  @throw DistributionTextError unless the text is one number. */
     void stayAt(std::size_t input, const std::string& text);
 
+    /** The inputs that are swept, by their positions in the roles, ascending. */
+    std::vector<std::size_t> sweptInputs() const;
+
     /**
      * Fits all outputs, once.
      * @return valid as long as this object.
