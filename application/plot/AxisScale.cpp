@@ -1,0 +1,85 @@
+#include "plot/AxisScale.h"
+
+#include <qwt_scale_engine.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr int minorSteps = 5;
+
+/** From here on plain numbers are longer than those with an exponent. */
+constexpr double largestPlain = 1e6;
+constexpr int mostDecimals = 5;
+
+/** What is so close to 0 that only rounding keeps it from there. */
+constexpr double roundingOfStep = 1e-6;
+
+/** Takes zeros off the end of a fraction: "1.500" becomes "1.5". */
+QString withoutTrailingZeros(QString number)
+{
+    if (number.contains('.')) {
+        while (number.endsWith('0')) {
+            number.chop(1);
+        }
+        if (number.endsWith('.')) {
+            number.chop(1);
+        }
+    }
+    return number;
+}
+} // namespace
+
+QwtInterval AxisScale::range(const std::vector<double>& values)
+{
+    if (values.empty()) {
+        return {};
+    }
+    const auto [least, most] = std::minmax_element(values.begin(), values.end());
+    return {*least, *most};
+}
+
+QwtInterval AxisScale::united(const QwtInterval& left, const QwtInterval& right)
+{
+    return left | right;
+}
+
+QwtInterval AxisScale::padded(const QwtInterval& interval, double margin)
+{
+    if (!interval.isValid()) {
+        return {0.0, 1.0};
+    }
+    const double low = interval.minValue();
+    const double high = interval.maxValue();
+    const double size = std::max(std::abs(low), std::abs(high));
+    if (high - low <= leastRelativeSpread * size) {
+        const double half = size > 0.0 ? 0.1 * size : 1.0;
+        return {low - half, high + half};
+    }
+    const double extra = margin * (high - low);
+    return {low - extra, high + extra};
+}
+
+QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int most)
+{
+    return QwtLinearScaleEngine().divideScale(interval.minValue(), interval.maxValue(), most,
+                                              minorSteps);
+}
+
+QString AxisScale::label(double value, double step, double largest)
+{
+    const bool isZero = std::abs(value) < roundingOfStep * step;
+    const int stepExponent = static_cast<int>(std::floor(std::log10(step) + 1e-9));
+    if (largest < largestPlain && stepExponent >= -mostDecimals) {
+        return QString::number(isZero ? 0.0 : value, 'f', std::max(0, -stepExponent));
+    }
+    if (isZero) {
+        return QStringLiteral("0");
+    }
+    const int exponent = static_cast<int>(std::floor(std::log10(std::abs(value)) + 1e-15));
+    QString text = QString::number(value, 'e', std::clamp(exponent - stepExponent, 0, 16));
+    const int mark = text.indexOf('e');
+    // The exponent without its plus sign and leading zeros.
+    return withoutTrailingZeros(text.left(mark)) + 'e' +
+           QString::number(text.mid(mark + 1).toInt());
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/**
+ * One output over two inputs, all others held: filled bands between labelled lines. All numbers are
+ * finite, in the units of the variables.
+ */
+struct ContourPicture
+{
+    std::string title;
+    std::string xName;
+    std::string yName;
+    std::string outputName;
+    std::vector<double> x; ///< strictly ascending, two at least, like `y`
+    std::vector<double> y;
+    std::vector<double> values; ///< x.size() * y.size(), y varying fastest
+    std::vector<double> caseX;
+    std::vector<double> caseY; ///< as many
+    std::string caseLabel;     ///< what the legend says
+    std::string caption;       ///< what is held, which cases count as near; empty for none
+};

@@ -1,0 +1,53 @@
+#include "plot/DrawingApplication.h"
+
+#include <session/SessionErrors.h>
+
+#include <QApplication>
+#include <QRawFont>
+
+#include <clocale>
+#include <cstdlib>
+#include <iostream>
+
+namespace {
+/** The toolkit keeps a reference to these. */
+int argumentCount = 1;
+char programName[] = "surrogate";
+char* arguments[] = {programName, nullptr};
+
+constexpr int fileFailed = 5;
+
+/** A platform that cannot be started ends the process: that at least with one sentence. Warnings of
+ *  the toolkit mean nothing to the user. */
+void tellFatal(QtMsgType type, const QMessageLogContext&, const QString&)
+{
+    if (type == QtFatalMsg) {
+        const char* const platform = std::getenv("QT_QPA_PLATFORM");
+        std::cerr << "surrogate: Pictures cannot be drawn on the platform \""
+                  << (platform == nullptr ? "" : platform)
+                  << "\"; leave QT_QPA_PLATFORM unset or set it to offscreen.\n";
+        std::_Exit(fileFailed);
+    }
+}
+} // namespace
+
+DrawingApplication::DrawingApplication()
+{
+    if (QCoreApplication::instance() == nullptr) {
+        const bool isUsersChoice = std::getenv("QT_QPA_PLATFORM") != nullptr;
+        if (!isUsersChoice) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        }
+        const QtMessageHandler before = qInstallMessageHandler(tellFatal);
+        application = std::make_unique<QApplication>(argumentCount, arguments);
+        qInstallMessageHandler(before);
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    // The toolkit has names for fonts also where there is none, and draws boxes, or nothing.
+    if (QRawFont::fromFont(QFont()).familyName().isEmpty()) {
+        throw FileError("No font is installed, and pictures need one for their texts: install "
+                        "a font package such as fonts-dejavu-core.");
+    }
+}
+
+DrawingApplication::~DrawingApplication() = default;

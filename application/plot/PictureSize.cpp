@@ -1,0 +1,37 @@
+#include "plot/PictureSize.h"
+
+#include <session/QuotedText.h>
+#include <session/SessionErrors.h>
+
+#include <charconv>
+
+namespace {
+/** The number between the two ends; 0 if they hold anything else. */
+int pixels(const char* begin, const char* end)
+{
+    int number = 0;
+    const auto read = std::from_chars(begin, end, number);
+    return read.ec == std::errc() && read.ptr == end ? number : 0;
+}
+
+bool isAllowed(int pixels)
+{
+    return pixels >= PictureSize::least && pixels <= PictureSize::most;
+}
+} // namespace
+
+PictureSize PictureSize::parse(const std::string& text)
+{
+    PictureSize size;
+    const std::size_t cross = text.find('x');
+    if (cross != std::string::npos) {
+        size.width = pixels(text.data(), text.data() + cross);
+        size.height = pixels(text.data() + cross + 1, text.data() + text.size());
+    }
+    if (cross == std::string::npos || !isAllowed(size.width) || !isAllowed(size.height)) {
+        throw UsageError("--size needs width and height in pixels such as 800x600, each from " +
+                         std::to_string(least) + " to " + std::to_string(most) + ", not " +
+                         quotedText(text) + '.');
+    }
+    return size;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QColor>
+
+/*
+ * Colours that people with any colour vision tell apart.
+ *
+ * Lines and symbols: Okabe, Ito: Color Universal Design, 2008 (jfly.uni-koeln.de/color).
+ */
+namespace PlotColours {
+const QColor model(0x00, 0x72, 0xB2);     ///< blue
+const QColor band(0xCC, 0xE3, 0xF0);      ///< that blue, a fifth of it on white: no transparency
+const QColor cases(0xD5, 0x5E, 0x00);     ///< vermillion
+const QColor reference(0x00, 0x00, 0x00); ///< diagonal and zero line
+const QColor text(0x20, 0x20, 0x20);
+const QColor grid(0xE4, 0xE4, 0xE4);
+
+/**
+ * The colour map viridis, from dark blue at 0 to yellow at 1, in its tenths with straight lines
+ * between: lightness rises evenly, so that it can be read in grey too. Smith, van der Walt:
+ * A Better Default Colormap for Matplotlib, SciPy 2015 (public domain, CC0).
+ */
+QColor viridis(double fraction);
+
+/** Black or white, whichever can be read on this colour. */
+QColor readableOn(const QColor& background);
+} // namespace PlotColours

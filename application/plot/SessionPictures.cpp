@@ -1,0 +1,452 @@
+#include "plot/SessionPictures.h"
+
+#include "plot/AxisScale.h"
+
+#include <session/CaseSession.h>
+#include <session/NumberText.h>
+#include <session/QuotedText.h>
+#include <session/SessionErrors.h>
+#include <session/VariableNames.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/StandardErrorInterface.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+
+namespace {
+using Kind = SessionPictures::Kind;
+
+const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
+                                                         {"contour", Kind::Contour},
+                                                         {"actual", Kind::Actual},
+                                                         {"residuals", Kind::Residuals}};
+
+/** Of the range of an input: how far from the cut a case counts as near. */
+constexpr double nearShare = 0.1;
+
+/** 95 % of a normal distribution lie within so many standard errors. */
+constexpr double bandErrors = 1.96;
+
+/** More would fill the picture with numbers. */
+constexpr std::size_t mostHeldInputs = 6;
+constexpr std::size_t longestCaptionName = 32;
+
+std::string modelName(const CaseSession& session)
+{
+    return session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
+}
+
+std::string nameOf(const VarPtr& variable)
+{
+    return variable.lock()->name();
+}
+
+int offsetOf(const CaseSession& session, std::size_t output)
+{
+    return static_cast<int>(
+        session.manager().offsetForVariableName(nameOf(session.outputs()[output])));
+}
+
+/** The cases that the model was fitted to, as positions in the project. */
+std::vector<std::size_t> fittedCases(const CaseSession& session)
+{
+    std::vector<std::size_t> excluded;
+    if (session.counts().excluded > 0) {
+        const std::vector<RecordPtr> records = session.project().records();
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (!records[i].lock()->isIncluded()) {
+                excluded.push_back(i);
+            }
+        }
+    }
+    return validCases(session.project(), session.inputs(), session.outputs(), excluded);
+}
+
+std::vector<double> chosen(const std::vector<double>& column, const std::vector<std::size_t>& rows)
+{
+    std::vector<double> values;
+    values.reserve(rows.size());
+    for (const std::size_t row : rows) {
+        values.push_back(column[row]);
+    }
+    return values;
+}
+
+/** A drawing of infinities would be an empty frame that says nothing. */
+void requireDrawable(const std::vector<double>& values, const std::string& what)
+{
+    const QwtInterval range = AxisScale::range(values);
+    const bool isFinite = std::all_of(values.begin(), values.end(),
+                                      [](double value) { return std::isfinite(value); });
+    if (!isFinite || !std::isfinite(range.maxValue() - range.minValue())) {
+        throw SurrogateModelInterface::Error(
+            what + " holds values that are not finite, or too far apart to be drawn.");
+    }
+}
+
+/** The grid of a session's values as columns: what a cut through the model shows. */
+class Cut
+{
+public:
+    explicit Cut(CaseSession& session)
+        : session(session), swept(session.sweptInputs()), table(session.evaluate()),
+          cases(fittedCases(session))
+    {}
+
+    std::size_t count() const { return static_cast<std::size_t>(table->GetNumberOfRows()); }
+
+    double* input(std::size_t position) const { return column(position); }
+    double* output(std::size_t position) const
+    {
+        return column(session.inputs().size() + position);
+    }
+
+    std::vector<double> values(const double* column) const { return {column, column + count()}; }
+
+    /** One column per input: what the standard errors are asked at. */
+    std::vector<double*> points() const
+    {
+        std::vector<double*> columns;
+        for (std::size_t i = 0; i < session.inputs().size(); ++i) {
+            columns.push_back(input(i));
+        }
+        return columns;
+    }
+
+    bool isSwept(std::size_t position) const
+    {
+        return std::find(swept.begin(), swept.end(), position) != swept.end();
+    }
+
+    /** The positions of the cases that lie near the cut, within the swept values. */
+    std::vector<std::size_t> nearCases() const
+    {
+        std::vector<std::size_t> near = cases;
+        for (std::size_t i = 0; i < session.inputs().size(); ++i) {
+            const auto& column = session.project().numericValues(session.inputs()[i]);
+            const auto [least, most] = std::minmax_element(input(i), input(i) + count());
+            const QwtInterval all = AxisScale::range(chosen(column, cases));
+            const double slack = isSwept(i) ? 0.0 : nearShare * all.width();
+            const auto isFar = [&, least = *least, most = *most](std::size_t row) {
+                return column[row] < least - slack || column[row] > most + slack;
+            };
+            near.erase(std::remove_if(near.begin(), near.end(), isFar), near.end());
+        }
+        return near;
+    }
+
+    std::string caseLabel(std::size_t near) const
+    {
+        if (session.inputs().size() == swept.size()) {
+            return "cases";
+        }
+        return "cases near (" + std::to_string(near) + " of " + std::to_string(cases.size()) + ')';
+    }
+
+    /** "At Flow = 3, Power = 10. Near: ..."; empty if every input is swept. */
+    std::string caption() const
+    {
+        std::string held;
+        std::size_t shown = 0;
+        std::size_t others = 0;
+        for (std::size_t i = 0; i < session.inputs().size(); ++i) {
+            if (isSwept(i)) {
+                continue;
+            }
+            if (shown == mostHeldInputs) {
+                ++others;
+                continue;
+            }
+            held += (held.empty() ? "" : ", ") + shortName(nameOf(session.inputs()[i])) + " = " +
+                    numberText(count() > 0 ? *input(i) : 0.0);
+            ++shown;
+        }
+        if (held.empty()) {
+            return held;
+        }
+        if (others > 0) {
+            held += " and " + std::to_string(others) + " more held";
+        }
+        return "At " + held + ". Near: all held inputs within 10 % of their range.";
+    }
+
+private:
+    /** Characters are cut whole. */
+    static std::string shortName(const std::string& name)
+    {
+        const QString text = QString::fromStdString(oneLineText(name));
+        const int most = static_cast<int>(longestCaptionName);
+        return text.size() <= most ? text.toStdString()
+                                   : (text.left(most - 1) + QChar(0x2026)).toStdString();
+    }
+
+    double* column(std::size_t position) const
+    {
+        auto* const values =
+            vtkDoubleArray::SafeDownCast(table->GetColumn(static_cast<vtkIdType>(position)));
+        return values->GetPointer(0);
+    }
+
+    CaseSession& session;
+    std::vector<std::size_t> swept;
+    vtkSmartPointer<vtkTable> table;
+    std::vector<std::size_t> cases;
+};
+
+/** The rows in ascending order of a column, each of its values once. */
+std::vector<std::size_t> ascending(const std::vector<double>& values)
+{
+    std::vector<std::size_t> order(values.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return values[left] < values[right];
+    });
+    const auto isEqual = [&](std::size_t left, std::size_t right) {
+        return values[left] == values[right];
+    };
+    order.erase(std::unique(order.begin(), order.end(), isEqual), order.end());
+    return order;
+}
+
+void requireTwoValues(std::size_t values, const VarPtr& input)
+{
+    if (values < 2) {
+        throw UsageError("The picture needs two different values of " + quotedText(nameOf(input)) +
+                         " at least.");
+    }
+}
+
+/** Model minus and plus its standard errors; empty without them. */
+void addBand(CaseSession& session, const Cut& cut, std::size_t output,
+             const std::vector<std::size_t>& order, SweepPicture& picture)
+{
+    const auto* const model = dynamic_cast<const StandardErrorInterface*>(&session.fit());
+    if (model == nullptr) {
+        return;
+    }
+    std::vector<double> errors(cut.count());
+    std::vector<double*> columns = {errors.data()};
+    model->standardErrors(cut.points(), {offsetOf(session, output)},
+                          StandardErrorInterface::Kind::Mean, columns, errors.size());
+    errors = chosen(errors, order);
+    if (!std::all_of(errors.begin(), errors.end(),
+                     [](double error) { return std::isfinite(error); })) {
+        // As many cases as coefficients leave nothing to estimate an error from.
+        return;
+    }
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+        picture.lower.push_back(picture.model[i] - bandErrors * errors[i]);
+        picture.upper.push_back(picture.model[i] + bandErrors * errors[i]);
+    }
+    picture.bandLabel = "\302\261 1.96 standard errors of the mean";
+}
+
+std::vector<PictureData> sweeps(CaseSession& session)
+{
+    const Cut cut(session);
+    const std::size_t input = session.sweptInputs().front();
+    const std::vector<double> inputs = cut.values(cut.input(input));
+    const std::vector<std::size_t> order = ascending(inputs);
+    requireTwoValues(order.size(), session.inputs()[input]);
+    const std::vector<std::size_t> near = cut.nearCases();
+
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        SweepPicture picture;
+        picture.inputName = nameOf(session.inputs()[input]);
+        picture.outputName = nameOf(session.outputs()[output]);
+        picture.title = picture.outputName + ", " + modelName(session);
+        picture.modelLabel = modelName(session);
+        picture.inputs = chosen(inputs, order);
+        picture.model = chosen(cut.values(cut.output(output)), order);
+        addBand(session, cut, output, order, picture);
+        picture.caseInputs = chosen(session.project().numericValues(session.inputs()[input]), near);
+        picture.caseOutputs =
+            chosen(session.project().numericValues(session.outputs()[output]), near);
+        picture.caseLabel = cut.caseLabel(near.size());
+        picture.caption = cut.caption();
+        requireDrawable(picture.inputs, quotedText(picture.inputName));
+        requireDrawable(picture.model, "The model of " + quotedText(picture.outputName));
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
+}
+
+std::vector<PictureData> contours(CaseSession& session)
+{
+    const Cut cut(session);
+    const std::vector<std::size_t> swept = session.sweptInputs();
+    const std::vector<double> allX = cut.values(cut.input(swept[0]));
+    const std::vector<double> allY = cut.values(cut.input(swept[1]));
+    const std::vector<double> x = chosen(allX, ascending(allX));
+    const std::vector<double> y = chosen(allY, ascending(allY));
+    requireTwoValues(x.size(), session.inputs()[swept[0]]);
+    requireTwoValues(y.size(), session.inputs()[swept[1]]);
+    const std::vector<std::size_t> near = cut.nearCases();
+    const auto placeOf = [](const std::vector<double>& values, double value) {
+        return static_cast<std::size_t>(std::lower_bound(values.begin(), values.end(), value) -
+                                        values.begin());
+    };
+
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        ContourPicture picture;
+        picture.xName = nameOf(session.inputs()[swept[0]]);
+        picture.yName = nameOf(session.inputs()[swept[1]]);
+        picture.outputName = nameOf(session.outputs()[output]);
+        picture.title = picture.outputName + ", " + modelName(session);
+        picture.x = x;
+        picture.y = y;
+        // The typed values may come in any order, and more than once.
+        picture.values.resize(x.size() * y.size());
+        const double* const values = cut.output(output);
+        for (std::size_t row = 0; row < cut.count(); ++row) {
+            picture.values[placeOf(x, allX[row]) * y.size() + placeOf(y, allY[row])] = values[row];
+        }
+        picture.caseX = chosen(session.project().numericValues(session.inputs()[swept[0]]), near);
+        picture.caseY = chosen(session.project().numericValues(session.inputs()[swept[1]]), near);
+        picture.caseLabel = cut.caseLabel(near.size());
+        picture.caption = cut.caption();
+        requireDrawable(picture.x, quotedText(picture.xName));
+        requireDrawable(picture.y, quotedText(picture.yName));
+        requireDrawable(picture.values, "The model of " + quotedText(picture.outputName));
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
+}
+/** What the cases say of each other, where they determine it. */
+struct LeftOut
+{
+    LeftOut(CaseSession& session, std::size_t output)
+        : outputName(nameOf(session.outputs()[output])),
+          title(outputName + ", " + modelName(session) + ", leave-one-out")
+    {
+        const auto& model = dynamic_cast<const LeaveOneOutInterface&>(session.fit());
+        const std::vector<LeaveOneOutPrediction> all =
+            model.leaveOneOutPredictions(offsetOf(session, output));
+        for (const LeaveOneOutPrediction& each : all) {
+            if (std::isfinite(each.predicted)) {
+                actual.push_back(each.output);
+                predicted.push_back(each.predicted);
+            }
+        }
+        if (actual.empty()) {
+            throw SurrogateModelInterface::Error(
+                "The cases of " + quotedText(outputName) +
+                " cannot be predicted from each other: without one of them the others do not "
+                "determine the model. More cases would.");
+        }
+        caption = "Each case predicted by a fit to the other cases";
+        const std::size_t cases = session.counts().valid;
+        if (all.size() < cases) {
+            caption += ", " + std::to_string(all.size()) + " of " + std::to_string(cases) +
+                       " cases drawn at random";
+        }
+        if (actual.size() < all.size()) {
+            caption += "; " + std::to_string(all.size() - actual.size()) +
+                       " left out, which the others do not determine";
+        }
+        caption += '.';
+        requireDrawable(actual, quotedText(outputName));
+        requireDrawable(predicted, "The model of " + quotedText(outputName));
+    }
+
+    std::string outputName;
+    std::string title;
+    std::vector<double> actual;
+    std::vector<double> predicted;
+    std::string caption;
+};
+
+std::vector<PictureData> actuals(CaseSession& session)
+{
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        LeftOut leftOut(session, output);
+        ActualPicture picture;
+        picture.title = leftOut.title;
+        picture.outputName = leftOut.outputName;
+        picture.actual = std::move(leftOut.actual);
+        picture.predicted = std::move(leftOut.predicted);
+        picture.caption = leftOut.caption;
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
+}
+
+std::vector<PictureData> residuals(CaseSession& session)
+{
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        LeftOut leftOut(session, output);
+        ResidualPicture picture;
+        picture.title = leftOut.title;
+        picture.outputName = leftOut.outputName;
+        for (std::size_t i = 0; i < leftOut.actual.size(); ++i) {
+            picture.residuals.push_back(leftOut.actual[i] - leftOut.predicted[i]);
+        }
+        picture.predicted = std::move(leftOut.predicted);
+        picture.caption = leftOut.caption;
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
+}
+} // namespace
+
+SessionPictures::Kind SessionPictures::kindOf(const std::string& word)
+{
+    std::string known;
+    for (const auto& [name, kind] : kinds) {
+        if (name == word) {
+            return kind;
+        }
+        known += (known.empty() ? "" : ", ") + name;
+    }
+    throw UsageError(word.empty()
+                         ? "A picture needs a kind: --kind with one of " + known + '.'
+                         : "--kind needs one of " + known + ", not " + quotedText(word) + '.');
+}
+
+void SessionPictures::check(Kind kind, const CaseSession& session)
+{
+    const std::size_t swept = session.sweptInputs().size();
+    const std::string present = swept == 0   ? "none is"
+                                : swept == 1 ? "one is"
+                                             : std::to_string(swept) + " are";
+    if (kind == Kind::Sweep && swept != 1) {
+        throw UsageError("A picture of kind sweep needs one swept input and " + present +
+                         ": name it with --count NAME=N or --sweep NAME=TEXT, and hold others "
+                         "with --at NAME=VALUE.");
+    }
+    if (kind == Kind::Contour && swept != 2) {
+        throw UsageError("A picture of kind contour needs two swept inputs and " + present +
+                         ": name each with --count NAME=N or --sweep NAME=TEXT, and hold others "
+                         "with --at NAME=VALUE.");
+    }
+}
+
+std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
+{
+    check(kind, session);
+    switch (kind) {
+    case Kind::Sweep:
+        return sweeps(session);
+    case Kind::Contour:
+        return contours(session);
+    case Kind::Actual:
+        return actuals(session);
+    default:
+        return residuals(session);
+    }
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/**
+ * One output along one input, all others held: the model as a line, its band, and cases near it.
+ * All numbers are finite, in the units of the variables.
+ */
+struct SweepPicture
+{
+    std::string title;
+    std::string inputName;
+    std::string outputName;
+    std::vector<double> inputs; ///< ascending; the columns of the model have as many values
+    std::vector<double> model;
+    std::vector<double> lower; ///< of the band; empty, like `upper`, for none
+    std::vector<double> upper;
+    std::vector<double> caseInputs;
+    std::vector<double> caseOutputs; ///< as many
+    std::string modelLabel;          ///< what the legend says
+    std::string bandLabel;
+    std::string caseLabel;
+    std::string caption; ///< what is held, which cases count as near; empty for none
+};

@@ -1,0 +1,32 @@
+#include <plot/PictureSize.h>
+
+#include <session/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+TEST(PictureSize, ReadsWidthAndHeight)
+{
+    const PictureSize size = PictureSize::parse("1024x240");
+
+    EXPECT_EQ(size.width, 1024);
+    EXPECT_EQ(size.height, 240);
+}
+
+TEST(PictureSize, RefusesWhatIsNoSize)
+{
+    for (const char* text : {"", "x", "800", "800x", "x600", "800x600x2", "800 x 600", "-800x600",
+                             "239x600", "800x10001", "99999999999x600"}) {
+        EXPECT_THROW(PictureSize::parse(text), UsageError) << text;
+    }
+}
+
+TEST(PictureSize, SaysWhatASizeLooksLike)
+{
+    try {
+        PictureSize::parse("big");
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(), "--size needs width and height in pixels such as 800x600, each "
+                                   "from 240 to 10000, not \"big\".");
+    }
+}

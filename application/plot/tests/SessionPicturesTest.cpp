@@ -1,0 +1,229 @@
+#include <plot/SessionPictures.h>
+
+#include "../../session/tests/CvdCases.h"
+
+#include <session/CaseSession.h>
+#include <session/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+using SessionPictures::Kind;
+
+/** Pressure and ratio to uniformity and stress. */
+CaseSession cvdSession(CaseSession::Model model = CaseSession::ResponseSurface)
+{
+    return CaseSession(cvdCases(), {{0, 1}, {2, 3}}, {}, model);
+}
+
+std::string refusal(Kind kind, const CaseSession& session)
+{
+    try {
+        SessionPictures::check(kind, session);
+        return {};
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+}
+} // namespace
+
+TEST(SessionPictures, ASweepShowsEveryOutput)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "6");
+
+    const std::vector<PictureData> pictures = SessionPictures::make(Kind::Sweep, session);
+
+    ASSERT_EQ(pictures.size(), 2u);
+    const auto& stress = std::get<SweepPicture>(pictures[1]);
+    EXPECT_EQ(stress.inputName, "Pressure");
+    EXPECT_EQ(stress.outputName, "Stress");
+    EXPECT_EQ(stress.inputs, (std::vector<double>{4, 23, 42, 61, 80}));
+    // The intercept of a fit to coded inputs, whose codes are 0 here; docs in examples/cvd.
+    EXPECT_NEAR(stress.model[2], 7.79, 1e-2);
+    EXPECT_EQ(stress.caption, "At H2/WF6 = 6. Near: all held inputs within 10 % of their range.");
+}
+
+TEST(SessionPictures, ASweepShowsTheCasesNearIt)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "0 - 50 : 6");
+    session.stayAt(1, "6.7");
+
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+
+    // Of the five cases with a ratio of 6, within 0.8 of the cut, one is at a pressure of 80.
+    EXPECT_EQ(picture.caseInputs, (std::vector<double>{42, 4, 42, 42}));
+    EXPECT_EQ(picture.caseOutputs, (std::vector<double>{6.2, 7.3, 6.4, 5.0}));
+    EXPECT_EQ(picture.caseLabel, "cases near (4 of 11)");
+}
+
+TEST(SessionPictures, ExcludedCasesAreNotShown)
+{
+    CaseSession session = cvdSession();
+    session.exclude({0, 4});
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "6");
+
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+
+    EXPECT_EQ(picture.caseInputs, (std::vector<double>{42, 42, 42}));
+}
+
+TEST(SessionPictures, TypedValuesAreDrawnInOrderAndOnce)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "42, 4 - 80 : 3, 60");
+
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+
+    EXPECT_EQ(picture.inputs, (std::vector<double>{4, 42, 60, 80}));
+    EXPECT_TRUE(std::is_sorted(picture.model.rbegin(), picture.model.rend()))
+        << "uniformity falls with pressure";
+}
+
+TEST(SessionPictures, TheBandIsAsWideAsTheStandardErrors)
+{
+    CaseSession session = cvdSession(CaseSession::Kriging);
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "6");
+
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+
+    ASSERT_EQ(picture.lower.size(), 5u);
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_LT(picture.lower[i], picture.model[i]);
+        EXPECT_NEAR(picture.upper[i] - picture.model[i], picture.model[i] - picture.lower[i],
+                    1e-12);
+    }
+    EXPECT_GT(picture.upper[0] - picture.lower[0], picture.upper[2] - picture.lower[2])
+        << "wider at the border";
+    EXPECT_EQ(picture.bandLabel, "\302\261 1.96 standard errors of the mean");
+}
+
+TEST(SessionPictures, AContourHasTheGridOfTheSweptInputs)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "80, 4, 42");
+    session.sweepEvenly(1, 2);
+
+    const auto picture =
+        std::get<ContourPicture>(SessionPictures::make(Kind::Contour, session).front());
+
+    EXPECT_EQ(picture.x, (std::vector<double>{4, 42, 80}));
+    EXPECT_EQ(picture.y, (std::vector<double>{2, 10}));
+    const double corner[] = {80.0};
+    const double side[] = {10.0};
+    EXPECT_EQ(picture.values[5], session.predict({corner, side}, 1)[0][0]);
+    EXPECT_EQ(picture.caseX.size(), 11u);
+    EXPECT_EQ(picture.caseLabel, "cases");
+    EXPECT_EQ(picture.caption, "");
+}
+
+TEST(SessionPictures, ActualAndPredictedComeFromTheOtherCases)
+{
+    for (const CaseSession::Model model : {CaseSession::Kriging, CaseSession::ResponseSurface}) {
+        CaseSession session = cvdSession(model);
+
+        const auto picture =
+            std::get<ActualPicture>(SessionPictures::make(Kind::Actual, session).front());
+
+        ASSERT_EQ(picture.actual.size(), 11u);
+        EXPECT_EQ(picture.actual[0], 4.6);
+        double press = 0.0;
+        for (std::size_t i = 0; i < picture.actual.size(); ++i) {
+            press += std::pow(picture.actual[i] - picture.predicted[i], 2);
+        }
+        const FitMetrics metrics = session.fits().front().metrics;
+        EXPECT_NEAR(std::sqrt(press / 11.0), metrics.looRmse, 1e-9 * metrics.looRmse);
+        EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases.");
+    }
+}
+
+TEST(SessionPictures, ResidualsAreActualMinusPredicted)
+{
+    CaseSession session = cvdSession();
+
+    const auto actual =
+        std::get<ActualPicture>(SessionPictures::make(Kind::Actual, session).back());
+    const auto picture =
+        std::get<ResidualPicture>(SessionPictures::make(Kind::Residuals, session).back());
+
+    EXPECT_EQ(picture.outputName, "Stress");
+    EXPECT_EQ(picture.predicted, actual.predicted);
+    ASSERT_EQ(picture.residuals.size(), 11u);
+    for (std::size_t i = 0; i < 11; ++i) {
+        EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
+    }
+}
+
+TEST(SessionPictures, CasesThatTheOthersDoNotDetermineAreLeftOutAndCounted)
+{
+    // Of a line through three cases, two at one place, the third one determines the slope.
+    CaseTable table;
+    table.path = "three.csv";
+    table.cases = 3;
+    table.columns.resize(2);
+    table.columns[0].name = "x";
+    table.columns[0].numbers = {0.0, 0.0, 1.0};
+    table.columns[1].name = "y";
+    table.columns[1].numbers = {1.0, 3.0, 5.0};
+    CaseSession session(table, {{0}, {1}}, {}, CaseSession::ResponseSurface);
+
+    const auto picture =
+        std::get<ActualPicture>(SessionPictures::make(Kind::Actual, session).front());
+
+    EXPECT_EQ(picture.actual, (std::vector<double>{1.0, 3.0}));
+    EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases; 1 left out, which "
+                               "the others do not determine.");
+}
+
+TEST(SessionPictures, ASweepNeedsOneInputAndAContourTwo)
+{
+    CaseSession session = cvdSession();
+    EXPECT_EQ(refusal(Kind::Sweep, session),
+              "A picture of kind sweep needs one swept input and none is: name it with --count "
+              "NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+
+    session.sweepEvenly(0, 5);
+    EXPECT_EQ(refusal(Kind::Sweep, session), "");
+    EXPECT_EQ(refusal(Kind::Contour, session),
+              "A picture of kind contour needs two swept inputs and one is: name each with --count "
+              "NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+
+    session.sweepEvenly(1, 5);
+    EXPECT_EQ(refusal(Kind::Contour, session), "");
+    EXPECT_NE(refusal(Kind::Sweep, session), "");
+}
+
+TEST(SessionPictures, OneValueOfASweptInputIsRefused)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "42, 42");
+    try {
+        SessionPictures::make(Kind::Sweep, session);
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(),
+                     "The picture needs two different values of \"Pressure\" at least.");
+    }
+}
+
+TEST(SessionPictures, AnUnknownKindIsRefusedWithTheKnownOnes)
+{
+    try {
+        SessionPictures::kindOf("pie");
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(),
+                     "--kind needs one of sweep, contour, actual, residuals, not \"pie\".");
+    }
+}

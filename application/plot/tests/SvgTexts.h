@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+/** The texts of an SVG document in the order in which they are drawn; none if it is no XML. */
+inline std::vector<std::string> textsOf(const std::string& svg)
+{
+    std::vector<std::string> texts;
+    QXmlStreamReader reader(QByteArray::fromStdString(svg));
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == "text") {
+            texts.push_back(reader.readElementText().trimmed().toStdString());
+        }
+    }
+    return reader.hasError() ? std::vector<std::string>() : texts;
+}
+
+inline bool hasText(const std::string& svg, const std::string& text)
+{
+    const std::vector<std::string> texts = textsOf(svg);
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+inline std::size_t countOf(const std::string& text, const std::string& part)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
