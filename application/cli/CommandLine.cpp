@@ -11,11 +11,15 @@
 #include <map>
 
 namespace {
-const std::map<std::string, CommandLine::Command> commands = {
-    {"summary", CommandLine::Summary},     {"fit", CommandLine::Fit},
-    {"evaluate", CommandLine::Evaluate},   {"predict", CommandLine::Predict},
-    {"equations", CommandLine::Equations}, {"check", CommandLine::Check},
-    {"project", CommandLine::Project},     {"help", CommandLine::Help}};
+const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
+                                                              {"fit", CommandLine::Fit},
+                                                              {"evaluate", CommandLine::Evaluate},
+                                                              {"predict", CommandLine::Predict},
+                                                              {"equations", CommandLine::Equations},
+                                                              {"plot", CommandLine::Plot},
+                                                              {"check", CommandLine::Check},
+                                                              {"project", CommandLine::Project},
+                                                              {"help", CommandLine::Help}};
 
 constexpr int mostThreads = 1024;
 
@@ -25,7 +29,7 @@ CommandLine::Command commandOf(const std::string& word)
     if (found == commands.end()) {
         throw UsageError("There is no command \"" + word +
                          "\". The commands are: summary, fit, evaluate, predict, equations, "
-                         "check, project; surrogate --help describes them.");
+                         "plot, check, project; surrogate --help describes them.");
     }
     return found->second;
 }
@@ -93,6 +97,8 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--save", line.save);
     app.add_option("--points", line.points);
     app.add_option("-o,--output", line.output);
+    app.add_option("--kind", line.kind);
+    app.add_option("--size", line.size);
     app.add_option("--threads", words.threads);
     app.add_flag("--json", line.asJson);
     app.add_flag("-q,--quiet", line.isQuiet);
@@ -151,8 +157,12 @@ void checkCombination(const CommandLine& line)
             "file.");
     require(line.cases.empty() || (choosesSomething && line.startsFromProject()),
             "--cases names the case file of a project document; without one it has no meaning.");
-    require(!hasValues || line.command == CommandLine::Evaluate,
-            "--sweep, --count and --at belong to the command evaluate.");
+    const bool isPlot = line.command == CommandLine::Plot;
+    require(!hasValues || line.command == CommandLine::Evaluate || isPlot,
+            "--sweep, --count and --at belong to the commands evaluate and plot.");
+    require((line.kind.empty() && !line.size) || isPlot,
+            "--kind and --size belong to the command plot.");
+    require(!isPlot || !line.asJson, "The command plot writes a picture; leave out --json.");
     require(line.points.empty() || line.command == CommandLine::Predict,
             "--points belongs to the command predict.");
     require(!line.points.empty() || line.command != CommandLine::Predict,

@@ -18,6 +18,7 @@ struct CommandLine
         Evaluate,
         Predict,
         Equations,
+        Plot,
         Check,
         Project,
         Help,
@@ -39,6 +40,8 @@ struct CommandLine
     std::vector<std::string> values;
     std::string points;
     std::string output = "-";
+    std::string kind;                ///< of a picture
+    std::optional<std::string> size; ///< of a picture
     bool asJson = false;
     bool isQuiet = false;
     int threads = 0; ///< 0: all cores

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "HelpText.h"
+#include "PlotCommand.h"
 #include "TerminalProgress.h"
 
 #include <session/CaseFileReader.h>
@@ -458,6 +459,17 @@ void runEquations(const CommandLine& line)
     }
 }
 
+void runPlot(const CommandLine& line)
+{
+    PlotCommand::check(line);
+    OpenSession open(line);
+    chooseValues(line, open.session);
+    PlotCommand::check(line, open.session);
+    PlotCommand::run(line, open.session);
+    save(line, open.session);
+    note(line, SessionReport::notes(open.session));
+}
+
 void runProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
@@ -516,6 +528,8 @@ void run(const CommandLine& line)
         return runPredict(line);
     case CommandLine::Equations:
         return runEquations(line);
+    case CommandLine::Plot:
+        return runPlot(line);
     case CommandLine::Project:
         return runProject(line);
     default:

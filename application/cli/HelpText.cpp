@@ -14,6 +14,7 @@ Commands
   predict     the outputs at the rows of a second table (--points FILE), as that table with a
               column "NAME predicted" for each output; empty where an input is missing
   equations   the response-surface equations, with a legend of their symbols
+  plot        a picture (--kind, -o FILE.svg, FILE.png or FILE.pdf), with a panel for each output
   project     what a project document holds, and whether its case file is there
   check TEXT  the values of a distribution text, or what is wrong with it; reads no file
 
@@ -45,12 +46,21 @@ Roles
 Model
   -m, --model M    response-surface (default) or kriging
 
-Values (evaluate)
+Values (evaluate, plot)
   --sweep NAME=TEXT   the values of a distribution text, such as 4 - 80 : 20, 42 (a range of 20
                       values from 4 to 80, and 42)
   --count NAME=N      N values, evenly over the range of the variable
   --at NAME=VALUE     one value
   An input with none of them stays at its minimum.
+
+Pictures (plot)
+  --kind sweep     the model along one input (--count or --sweep), with a band of 1.96 standard
+                   errors and the cases near: those whose other inputs lie within 10 % of their
+                   range of where they are held
+  --kind contour   the model over two inputs, the first one to the right
+  --kind actual    each case as a fit to the other cases predicts it, against its actual value
+  --kind residuals the differences of the two, against the predictions
+  --size WxH       pixels of each panel, 800x600 if absent
 
 Output
   -o, --output FILE  the table or text goes there instead of the standard output ("-")

@@ -235,7 +235,7 @@ TEST_F(Program, WrongUseEndsWithTwo)
     expectFailure("", 2, "What is to be done? surrogate --help lists commands and options.");
     expectFailure("fot cvd.csv", 2,
                   "There is no command \"fot\". The commands are: summary, fit, evaluate, predict, "
-                  "equations, check, project; surrogate --help describes them.");
+                  "equations, plot, check, project; surrogate --help describes them.");
     expectFailure("fit", 2, "The command needs a case file or a project document.");
     expectFailure("fit cvd.csv", 2,
                   "The command needs an output: -y NAME. The numeric columns are: \"Pressure\", "
@@ -278,7 +278,7 @@ TEST_F(Program, WrongValuesEndWithTwo)
     expectFailure(evaluate + "--at x=5 --count x=3", 2,
                   "\"x\" has values twice: name it in one of --sweep, --count and --at.");
     expectFailure("fit plane.csv -y y --at x=5", 2,
-                  "--sweep, --count and --at belong to the command evaluate.");
+                  "--sweep, --count and --at belong to the commands evaluate and plot.");
 }
 
 TEST_F(Program, BadCaseDataEndWithThree)

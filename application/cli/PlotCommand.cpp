@@ -1,0 +1,40 @@
+#include "PlotCommand.h"
+
+#include "CommandLine.h"
+#include "PictureLibrary.h"
+#include "TerminalProgress.h"
+
+#include <plot/PictureService.h>
+#include <session/CaseSession.h>
+#include <session/SessionErrors.h>
+
+#include <utility>
+
+void PlotCommand::check(const CommandLine& line)
+{
+    if (line.output == "-") {
+        throw UsageError("The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
+                         "FILE.pdf.");
+    }
+    pictureLibrary().check(line.kind, line.size, line.output);
+    const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
+    const bool isCut = line.kind == "sweep" || line.kind == "contour";
+    if (hasValues && !isCut) {
+        throw UsageError("--sweep, --count and --at belong to pictures of kind sweep and contour.");
+    }
+}
+
+void PlotCommand::check(const CommandLine& line, const CaseSession& session)
+{
+    pictureLibrary().check(line.kind, session);
+}
+
+void PlotCommand::run(const CommandLine& line, CaseSession& session)
+{
+    std::vector<PictureData> pictures;
+    {
+        const TerminalProgress progress(line.isQuiet);
+        pictures = pictureLibrary().make(line.kind, session);
+    }
+    pictureLibrary().write(std::move(pictures), line.size, line.output);
+}

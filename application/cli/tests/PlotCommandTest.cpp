@@ -1,0 +1,126 @@
+// The command plot as users meet it.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+const std::string sweep = "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity --count Pressure=20 ";
+const std::string contour =
+    "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity --count Pressure=9 --count H2/WF6=9 ";
+} // namespace
+
+TEST_F(Program, PlotWritesAPictureAndNothingElse)
+{
+    for (const std::string name : {"picture.svg", "picture.png", "picture.pdf"}) {
+        const Outcome plot = run(sweep + "--at H2/WF6=6 --kind sweep -q -o " + name);
+
+        EXPECT_EQ(plot.exitCode, 0) << plot.err;
+        EXPECT_EQ(plot.out, "");
+        EXPECT_EQ(plot.err, "");
+        EXPECT_GT(folder.read(name).size(), 5000u);
+    }
+    EXPECT_NE(folder.read("picture.svg").find(">Pressure</text>"), std::string::npos);
+}
+
+TEST_F(Program, PlotShowsEachOutputOfBothModels)
+{
+    for (const std::string model : {"kriging", "response-surface"}) {
+        for (const std::string kind : {"actual", "residuals"}) {
+            const Outcome plot = run("plot cvd.csv -y Uniformity -y Stress -q -m " + model +
+                                     " --kind " + kind + " -o picture.svg");
+
+            EXPECT_EQ(plot.exitCode, 0) << plot.err;
+            const std::string svg = folder.read("picture.svg");
+            EXPECT_NE(svg.find(">Uniformity, predicted</text>"), std::string::npos);
+            EXPECT_NE(svg.find(">Stress, predicted</text>"), std::string::npos);
+        }
+    }
+}
+
+TEST_F(Program, PlotNeedsNoDisplay)
+{
+    EXPECT_EQ(run(contour + "--kind contour -o with.svg").exitCode, 0);
+    // env would hand the arguments of the fixture's command to itself.
+    const Outcome bare =
+        run("--version > /dev/null; env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY "
+            "-u XDG_RUNTIME_DIR '" SURROGATE_PROGRAM "' " +
+            contour + "--kind contour -q -o without.svg");
+
+    EXPECT_EQ(bare.exitCode, 0) << bare.err;
+    EXPECT_EQ(bare.err, "");
+    EXPECT_EQ(folder.read("without.svg"), folder.read("with.svg"));
+}
+
+TEST_F(Program, PlotSaysWhenThePlatformCannotDraw)
+{
+    const Outcome plot =
+        run("--version > /dev/null; QT_QPA_PLATFORM=nowhere '" SURROGATE_PROGRAM "' " + contour +
+            "--kind contour -o picture.svg");
+
+    EXPECT_EQ(plot.exitCode, 5);
+    EXPECT_EQ(plot.err, "surrogate: Pictures cannot be drawn on the platform \"nowhere\"; leave "
+                        "QT_QPA_PLATFORM unset or set it to offscreen.\n");
+}
+
+TEST_F(Program, PlotSaysWhenThereIsNoFont)
+{
+    const std::string fonts =
+        folder.write("fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM "
+                                   "\"fonts.dtd\"><fontconfig></fontconfig>");
+    const Outcome plot =
+        run("--version > /dev/null; FONTCONFIG_FILE='" + fonts + "' '" SURROGATE_PROGRAM "' " +
+            contour + "--kind contour -o picture.svg");
+
+    EXPECT_EQ(plot.exitCode, 5);
+    EXPECT_EQ(plot.err, "surrogate: No font is installed, and pictures need one for their texts: "
+                        "install a font package such as fonts-dejavu-core.\n");
+    EXPECT_EQ(folder.read("picture.svg"), "");
+}
+
+TEST_F(Program, PlotRefusesWhatItCannotDo)
+{
+    expectFailure(sweep + "-o picture.svg", 2,
+                  "A picture needs a kind: --kind with one of sweep, contour, actual, residuals.");
+    expectFailure(sweep + "--kind pie -o picture.svg", 2,
+                  "--kind needs one of sweep, contour, actual, residuals, not \"pie\".");
+    expectFailure(sweep + "--kind sweep", 2,
+                  "The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
+                  "FILE.pdf.");
+    expectFailure(sweep + "--kind sweep -o picture.gif", 2,
+                  "The name of a picture ends with .svg, .png or .pdf, which \"picture.gif\" does "
+                  "not.");
+    expectFailure(sweep + "--kind contour -o picture.svg", 2,
+                  "A picture of kind contour needs two swept inputs and one is: name each with "
+                  "--count NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+    expectFailure(sweep + "--kind actual -o picture.svg", 2,
+                  "--sweep, --count and --at belong to pictures of kind sweep and contour.");
+    expectFailure(sweep + "--kind sweep --size 3x3 -o picture.svg", 2,
+                  "--size needs width and height in pixels such as 800x600, each from 240 to "
+                  "10000, not \"3x3\".");
+    expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,
+                  "The file \"nowhere/picture.svg\" cannot be written: No such file or directory.");
+    expectFailure(sweep + "--kind sweep --json -o picture.svg", 2,
+                  "The command plot writes a picture; leave out --json.");
+    expectFailure("fit cvd.csv -y Stress --kind sweep", 2,
+                  "--kind and --size belong to the command plot.");
+}
+
+TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)
+{
+    folder.write("picture.svg", "the old one");
+
+    EXPECT_EQ(run(sweep + "--kind contour -o picture.svg").exitCode, 2);
+    EXPECT_EQ(folder.read("picture.svg"), "the old one");
+}
+
+TEST_F(Program, PlotDrawsWhatAProjectSweeps)
+{
+    ASSERT_EQ(
+        run("evaluate " + contour.substr(5) + "--save cvd.surrogate.xml -o table.csv").exitCode, 0);
+
+    EXPECT_EQ(run("plot cvd.surrogate.xml --kind contour -o picture.svg").exitCode, 0);
+    EXPECT_EQ(run("plot cvd.surrogate.xml --kind sweep --at H2/WF6=6 -o picture.svg").exitCode, 0);
+}
