@@ -133,7 +133,7 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
     const auto kept = [&](std::size_t parent) {
         return parent == Column::noParent || isKept[parent];
     };
-    const auto roundingOf = [&](std::size_t column) {
+    const auto combinationOf = [&](std::size_t column) {
         const std::size_t size = solution.kept.size();
         std::vector<double> combination(&matrix[column * columnCount],
                                         &matrix[column * columnCount] + size);
@@ -142,8 +142,12 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
                         static_cast<int>(size), factor.data(), static_cast<int>(columnCount),
                         combination.data(), 1);
         }
+        return combination;
+    };
+    const auto roundingOf = [&](std::size_t column) {
+        const std::vector<double> combination = combinationOf(column);
         double rounding = descriptions[column].rounding;
-        for (std::size_t k = 0; k < size; ++k) {
+        for (std::size_t k = 0; k < combination.size(); ++k) {
             rounding += std::fabs(combination[k]) * descriptions[solution.kept[k]].rounding;
         }
         return rounding * rootOfRows;
@@ -161,6 +165,9 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
         const double rest = length(values + row, column + 1 - row);
         if (rest <= separableFraction * whole ||
             (rest < clearlySeparable * whole && rest <= roundingMargin * roundingOf(column))) {
+            if (solution.dependences.size() < mostDependences) {
+                solution.dependences.push_back({column, combinationOf(column)});
+            }
             continue;
         }
         if (row < column) {

@@ -33,6 +33,16 @@ public:
         std::size_t parents[2] = {noParent, noParent};
     };
 
+    /** As many as a person reads. */
+    static constexpr std::size_t mostDependences = 20;
+
+    /** A column that was dropped for being a combination of those kept before it. */
+    struct Dependence
+    {
+        std::size_t column;
+        std::vector<double> combination; ///< one coefficient per entry of Solution::kept before it
+    };
+
     struct Solution
     {
         /** The columns that the rows can separate, ascending. The others have no coefficient. */
@@ -44,6 +54,9 @@ public:
         std::vector<double> coefficients;
         /** Per output the sum of squares about its mean. */
         std::vector<double> totalSquares;
+        /** Columns that are constant, or whose parents are dropped, are not among them; nor are
+         *  more than mostDependences. */
+        std::vector<Dependence> dependences;
     };
 
     BlockedLeastSquares(std::size_t columns, std::size_t outputs);

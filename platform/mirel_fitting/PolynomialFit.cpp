@@ -20,13 +20,17 @@ constexpr std::size_t rowsPerBlock = BlockedLeastSquares::rowsPerBlock;
 constexpr std::size_t rowsPerChunk = 32 * rowsPerBlock;
 
 /** Terms in the order in which they are preferred: what an earlier one explains, a later one need
- *  not. Constant and linear terms stay where the basis has them. */
-std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis)
+ *  not. */
+std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis,
+                                         const std::vector<char>& isWanted)
 {
     std::vector<std::size_t> order;
     std::vector<std::size_t> products;
     order.reserve(basis.size());
     for (std::size_t term = 0; term < basis.size(); ++term) {
+        if (!isWanted.empty() && !isWanted[term]) {
+            continue;
+        }
         const QuadraticBasis::Term& inputs = basis.terms()[term];
         const bool isProduct =
             inputs.second != QuadraticBasis::noInput && inputs.first != inputs.second;
@@ -46,6 +50,10 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
                                                   const std::vector<ColumnScale>& scales)
 {
     std::vector<BlockedLeastSquares::Column> columns(order.size());
+    std::vector<std::size_t> columnOfTerm(basis.size(), BlockedLeastSquares::Column::noParent);
+    for (std::size_t column = 0; column < order.size(); ++column) {
+        columnOfTerm[order[column]] = column;
+    }
     for (std::size_t column = 0; column < order.size(); ++column) {
         const QuadraticBasis::Term& inputs = basis.terms()[order[column]];
         if (inputs.first == QuadraticBasis::noInput) {
@@ -55,8 +63,8 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
         columns[column].isConstant = scales[inputs.first].isConstantUpToRounding();
         if (inputs.second != QuadraticBasis::noInput) {
             columns[column].rounding += scales[inputs.second].rounding();
-            columns[column].parents[0] = 1 + inputs.first;
-            columns[column].parents[1] = 1 + inputs.second;
+            columns[column].parents[0] = columnOfTerm[1 + inputs.first];
+            columns[column].parents[1] = columnOfTerm[1 + inputs.second];
         }
     }
     return columns;
@@ -243,7 +251,8 @@ private:
 };
 
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
-                             const std::vector<double*>& dependents, std::size_t cases)
+                             const std::vector<double*>& dependents, std::size_t cases,
+                             const std::vector<char>& isWanted)
     : polynomial(basis), caseCount(cases)
 {
     for (const double* column : independents) {
@@ -255,16 +264,16 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     }
     Columns columns{independents, dependents, {}};
     const SingleThreadedBlas singleThreaded;
-    factorise(columns);
+    factorise(columns, isWanted);
     chooseSample();
     const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
     walk(residuals, 0.7, 1.0);
     storeCoefficients(columns);
 }
 
-void PolynomialFit::factorise(Columns& columns)
+void PolynomialFit::factorise(Columns& columns, const std::vector<char>& isWanted)
 {
-    const std::vector<std::size_t> order = preferenceOrder(polynomial);
+    const std::vector<std::size_t> order = preferenceOrder(polynomial, isWanted);
     BlockedLeastSquares total(order.size(), columns.dependents.size());
     const auto factorisation = [&] {
         return std::make_unique<Factorisation>(*this, columns, order, total);
@@ -276,6 +285,12 @@ void PolynomialFit::factorise(Columns& columns)
     for (const std::size_t column : solution.kept) {
         keptTerms.push_back(order[column]);
         keptFlags[order[column]] = 1;
+    }
+    for (const BlockedLeastSquares::Dependence& one : solution.dependences) {
+        dependentTerms.push_back({order[one.column], std::vector<double>(polynomial.size(), 0.0)});
+        for (std::size_t k = 0; k < one.combination.size(); ++k) {
+            dependentTerms.back().combination[keptTerms[k]] = one.combination[k];
+        }
     }
     factor = solution.factor;
     columns.scaledCoefficients = solution.coefficients;

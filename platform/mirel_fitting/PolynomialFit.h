@@ -37,15 +37,26 @@ public:
     /** More cases than this are sampled: what is kept of each must not count beside the data. */
     static constexpr std::size_t mostSampled = 100000;
 
+    /** A term that is a combination of kept ones at the cases. */
+    struct Dependence
+    {
+        std::size_t term;
+        std::vector<double> combination; ///< a coefficient per term of the basis, scaled inputs
+    };
+
     /**
      * @param independents one array of `cases` finite values per input of the basis, borrowed for
      *                     the call.
      * @param dependents   one array of `cases` finite values per output, borrowed for the call.
      * @param cases        at least as many as the basis has terms.
+     * @param isWanted     one per term of the basis: false leaves it out from the start. The
+     *                     constant is wanted, and linear terms of the inputs of wanted ones. Empty:
+     *                     all are.
      * @throw SurrogateModelInterface::Error if a FitProgress cancels.
      */
     PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
-                  const std::vector<double*>& dependents, std::size_t cases);
+                  const std::vector<double*>& dependents, std::size_t cases,
+                  const std::vector<char>& isWanted = {});
 
     const QuadraticBasis& basis() const { return polynomial; }
     std::size_t cases() const { return caseCount; }
@@ -55,6 +66,10 @@ public:
     /** Whether the cases can separate the term from those before it; lower orders come before
      *  higher ones, and squares before products. The constant is always kept. */
     bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
+    /** What the terms that the cases cannot separate are made of; terms with an input that is
+     *  dropped, or constant, are not among them. The first of them, if there are many. */
+    const std::vector<Dependence>& dependences() const { return dependentTerms; }
+
     std::size_t keptCount() const { return keptTerms.size(); }
 
     /** The kept terms in the order of the factor, the constant first. */
@@ -106,7 +121,7 @@ private:
     class Factorisation;
     class Residuals;
 
-    void factorise(Columns& columns);
+    void factorise(Columns& columns, const std::vector<char>& isWanted);
     void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
               double from, double to) const;
     void chooseSample();
@@ -119,6 +134,7 @@ private:
     std::vector<std::size_t> keptTerms; // in the order of the factor
     std::vector<char> keptFlags;        // per term of the basis
     std::vector<double> factor;
+    std::vector<Dependence> dependentTerms;
     bool pressAvailable = true;
     std::vector<std::size_t> sample; // empty: all cases
     std::vector<double> leverageOfSample;

@@ -41,6 +41,23 @@ std::vector<double> PolynomialUnits::expanded(const std::vector<double>& scaled)
     return result;
 }
 
+std::vector<double> PolynomialUnits::expandedMagnitudes(const std::vector<double>& scaled) const
+{
+    std::vector<double> result = centred(scaled);
+    for (double& coefficient : result) {
+        coefficient = std::fabs(coefficient);
+    }
+    for (std::size_t term = 1 + basis.inputs(); term < result.size(); ++term) {
+        const QuadraticBasis::Term& inputs = basis.terms()[term];
+        result[1 + inputs.first] += result[term] * std::fabs(scales[inputs.second].centre());
+        result[1 + inputs.second] += result[term] * std::fabs(scales[inputs.first].centre());
+    }
+    for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
+        result[0] += result[1 + input] * std::fabs(scales[input].centre());
+    }
+    return result;
+}
+
 std::vector<double> PolynomialUnits::coded(const std::vector<double>& scaled) const
 {
     std::vector<double> result = scaled;

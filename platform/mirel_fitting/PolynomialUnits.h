@@ -21,6 +21,10 @@ public:
     /** Coefficients of the terms of V. */
     std::vector<double> expanded(const std::vector<double>& scaled) const;
 
+    /** What the coefficients of expanded() would be if nothing cancelled: the sums of the
+     * magnitudes of what they are the sum of. */
+    std::vector<double> expandedMagnitudes(const std::vector<double>& scaled) const;
+
     /** Coefficients of the terms of inputs coded to [-1, 1] over their ranges. */
     std::vector<double> coded(const std::vector<double>& scaled) const;
 

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -250,15 +253,21 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
 
 double ResponseSurfaceAnalysis::aicc() const
 {
-    const auto n = static_cast<double>(fit.cases());
-    const auto k = static_cast<double>(fit.keptCount() + 1);
-    if (n - k <= 1.0) {
-        return none;
-    }
+    const double scaled = aicc(residualSquares(), fit.cases(), fit.keptCount());
     // The logarithm of the unit by itself: its square may not be a double.
-    const double logVariance =
-        std::log(residualSquares() / n) + 2.0 * std::log(output.scale.unit());
-    return n * (logVariance + std::log(twoPi) + 1.0) + 2.0 * k +
+    return std::isinf(scaled) && scaled > 0.0
+               ? none
+               : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit());
+}
+
+double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::size_t terms)
+{
+    const auto n = static_cast<double>(cases);
+    const auto k = static_cast<double>(terms + 1);
+    if (n - k <= 1.0) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return n * (std::log(squares / n) + std::log(twoPi) + 1.0) + 2.0 * k +
            2.0 * k * (k + 1.0) / (n - k - 1.0);
 }
 

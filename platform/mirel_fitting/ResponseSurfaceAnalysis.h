@@ -36,7 +36,13 @@ public:
     std::vector<CoefficientStatistics> codedCoefficients(double level) const;
 
     std::vector<AnovaRow> anova() const;
+
     double aicc() const;
+
+    /** For `terms` coefficients and the variance, as ResponseSurfaceStatistics says; infinite, not
+     *  NaN, where the cases are too few. @param squares residual sum of squares. */
+    static double aicc(double squares, std::size_t cases, std::size_t terms);
+
     std::optional<StationaryPoint> stationaryPoint() const;
 
 private:

@@ -8,6 +8,8 @@
 #include <mirel_fitting/PolynomialUnits.h>
 #include <mirel_fitting/ReplicatedCases.h>
 #include <mirel_fitting/ResponseSurfaceAnalysis.h>
+#include <mirel_fitting/ResponseSurfaceTexts.h>
+#include <mirel_fitting/TermSelection.h>
 #include <mirel_fitting/TrainingColumns.h>
 
 #include <algorithm>
@@ -21,11 +23,6 @@ using Error = SurrogateModelInterface::Error;
 /** The triangular factor of so many terms takes 800 MB; three of them are held at a time. */
 constexpr std::size_t mostTerms = 10000;
 
-const char* nameOfOrder(int order)
-{
-    return order == 0 ? "constant" : order == 1 ? "linear" : "full quadratic";
-}
-
 QuadraticBasis basisFor(const TrainingColumns& columns, int highestOrder)
 {
     if (highestOrder < 0 || highestOrder > 2) {
@@ -35,9 +32,10 @@ QuadraticBasis basisFor(const TrainingColumns& columns, int highestOrder)
     const int order = QuadraticBasis::highestOrder(columns.inputs(), highestOrder, columns.cases());
     const std::size_t terms = QuadraticBasis::termCount(columns.inputs(), order);
     if (terms > mostTerms) {
-        throw Error("The " + std::string(nameOfOrder(order)) + " polynomial of " +
-                    std::to_string(columns.inputs()) + " inputs has " + std::to_string(terms) +
-                    " terms; at most " + std::to_string(mostTerms) + " can be fitted.");
+        throw Error("The " + std::string(ResponseSurfaceTexts::orderName(order)) +
+                    " polynomial of " + std::to_string(columns.inputs()) + " inputs has " +
+                    std::to_string(terms) + " terms; at most " + std::to_string(mostTerms) +
+                    " can be fitted.");
     }
     return {columns.inputs(), order};
 }
@@ -55,49 +53,44 @@ std::vector<double*> fittable(const TrainingColumns& columns,
     return result;
 }
 
-PolynomialPredictor predictorOf(const PolynomialFit& fit)
-{
-    std::vector<PolynomialPredictor::Scale> scales;
-    for (const ColumnScale& scale : fit.inputScales()) {
-        scales.push_back({scale.centre(), scale.unit()});
-    }
-    std::vector<PolynomialPredictor::Output> outputs;
-    for (const PolynomialFit::Output& output : fit.outputs()) {
-        outputs.push_back({output.scale.centre() + output.coefficients[0], output.coefficients});
-    }
-    return {fit.basis(), std::move(scales), std::move(outputs)};
-}
-
-/** Eight digits: as many as tell two fits apart. */
-std::string figure(double value)
-{
-    char buffer[32];
-    const std::to_chars_result end =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 8);
-    return {buffer, end.ptr};
-}
-
-std::string line(const std::string& name, double value, const std::string& reasonForNone)
-{
-    return name + ": " +
-           (std::isnan(value) ? "not available (" + reasonForNone + ")" : figure(value)) + "\n";
-}
-
 } // namespace
 
 class SurrogateResponseSurfaceModel::Impl
 {
 public:
     Impl(const std::vector<double*>& independentColumns,
-         const std::vector<double*>& dependentColumns, std::size_t rowCount, int highestOrder)
+         const std::vector<double*>& dependentColumns, std::size_t rowCount, int highestOrder,
+         Selection selection)
         : columns(independentColumns, dependentColumns, rowCount),
-          ranges(independentColumns, rowCount), wantedOrder(highestOrder),
-          fit(basisFor(columns, highestOrder), independentColumns,
-              fittable(columns, dependentColumns), rowCount),
-          predictor(predictorOf(fit))
+          ranges(independentColumns, rowCount), wantedOrder(highestOrder)
     {
-        findPureErrors(independentColumns, fittable(columns, dependentColumns));
+        const std::vector<double*> outputs = fittable(columns, dependentColumns);
+        const auto whole = std::make_shared<PolynomialFit>(basisFor(columns, highestOrder),
+                                                           independentColumns, outputs, rowCount);
+        common = whole;
+        for (std::size_t k = 0; k < outputs.size(); ++k) {
+            fits.push_back({whole, k, {}, {}});
+        }
+        if (selection == Selection::BackwardAicc) {
+            for (std::size_t k = 0; k < outputs.size(); ++k) {
+                select(fits[k], independentColumns, outputs[k]);
+            }
+        }
+        findPureErrors(independentColumns, outputs);
+        predictor = std::make_unique<PolynomialPredictor>(makePredictor());
     }
+
+    /** How one output is fitted. */
+    struct OutputFit
+    {
+        std::shared_ptr<const PolynomialFit> fit;
+        std::size_t position; ///< in its outputs
+        ResponseSurfaceAnalysis::PureError pureError;
+        std::vector<std::string> unneeded; ///< terms that were not selected
+
+        const PolynomialFit::Output& output() const { return fit->outputs()[position]; }
+        ResponseSurfaceAnalysis analysis() const { return {*fit, position, pureError}; }
+    };
 
     /** The position among the fits. */
     std::size_t position(int offset) const
@@ -110,48 +103,60 @@ public:
         return result;
     }
 
-    const PolynomialFit::Output& output(int offset) const
-    {
-        return fit.outputs()[position(offset)];
-    }
+    const OutputFit& at(int offset) const { return fits[position(offset)]; }
 
-    ResponseSurfaceAnalysis analysis(int offset) const
+    static void select(OutputFit& one, const std::vector<double*>& inputs, double* output)
     {
-        const std::size_t k = position(offset);
-        return {fit, k, pureErrors[k]};
+        const PolynomialFit& whole = *one.fit;
+        const TermSelection selection(whole, one.position);
+        if (!selection.dropsAny()) {
+            return;
+        }
+        for (std::size_t term = 0; term < whole.basis().size(); ++term) {
+            if (whole.isKept(term) && !selection.isWanted()[term]) {
+                one.unneeded.push_back(whole.basis().name(term));
+            }
+        }
+        one.fit =
+            std::make_shared<PolynomialFit>(whole.basis(), inputs, std::vector<double*>{output},
+                                            whole.cases(), selection.isWanted());
+        one.position = 0;
     }
 
     void findPureErrors(const std::vector<double*>& independentColumns,
                         const std::vector<double*>& outputs)
     {
-        pureErrors.resize(outputs.size());
-        if (fit.cases() > PolynomialFit::mostSampled) {
+        if (columns.cases() > PolynomialFit::mostSampled) {
             return;
         }
         std::vector<const double*> varying;
         for (std::size_t input = 0; input < independentColumns.size(); ++input) {
-            if (!fit.inputScales()[input].isConstantUpToRounding()) {
+            if (!common->inputScales()[input].isConstantUpToRounding()) {
                 varying.push_back(independentColumns[input]);
             }
         }
-        const ReplicatedCases replicated(varying, fit.cases());
-        std::vector<double> scaled(replicated.areThere() ? fit.cases() : 0);
+        const ReplicatedCases replicated(varying, columns.cases());
+        std::vector<double> scaled(replicated.areThere() ? columns.cases() : 0);
         for (std::size_t k = 0; k < outputs.size() && replicated.areThere(); ++k) {
-            fit.outputs()[k].scale.apply(outputs[k], fit.cases(), scaled.data());
-            pureErrors[k].degreesOfFreedom = replicated.degreesOfFreedom();
-            pureErrors[k].squares = replicated.squaresWithin(scaled.data());
+            fits[k].output().scale.apply(outputs[k], columns.cases(), scaled.data());
+            fits[k].pureError.degreesOfFreedom = replicated.degreesOfFreedom();
+            fits[k].pureError.squares = replicated.squaresWithin(scaled.data());
         }
     }
 
-    std::string droppedTerms() const
+    PolynomialPredictor makePredictor() const
     {
-        std::string names;
-        for (std::size_t term = 0; term < fit.basis().size(); ++term) {
-            if (!fit.isKept(term)) {
-                names += (names.empty() ? "" : ", ") + fit.basis().name(term);
-            }
+        std::vector<PolynomialPredictor::Scale> scales;
+        for (const ColumnScale& scale : common->inputScales()) {
+            scales.push_back({scale.centre(), scale.unit()});
         }
-        return names;
+        std::vector<PolynomialPredictor::Output> outputs;
+        for (const OutputFit& one : fits) {
+            const PolynomialFit::Output& output = one.output();
+            outputs.push_back(
+                {output.scale.centre() + output.coefficients[0], output.coefficients});
+        }
+        return {common->basis(), std::move(scales), std::move(outputs)};
     }
 
     void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
@@ -163,9 +168,9 @@ public:
     TrainingColumns columns;
     CaseRanges ranges;
     int wantedOrder;
-    PolynomialFit fit;
-    PolynomialPredictor predictor;
-    std::vector<ResponseSurfaceAnalysis::PureError> pureErrors; // one per fit
+    std::shared_ptr<const PolynomialFit> common; // of all outputs, with all terms
+    std::vector<OutputFit> fits;                 // of the outputs that can be fitted
+    std::unique_ptr<PolynomialPredictor> predictor;
 };
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
@@ -177,7 +182,15 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, int highestOrder)
-    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, highestOrder))
+    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount, highestOrder,
+                                    Selection::All)
+{}
+
+SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
+    const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
+    std::size_t rowCount, int highestOrder, Selection selection)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, highestOrder,
+                                  selection))
 {}
 
 SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;
@@ -198,7 +211,7 @@ void SurrogateResponseSurfaceModel::interpolateDependentValues(const std::vector
     for (const int offset : offsets) {
         wanted.push_back(impl->position(offset));
     }
-    impl->predictor.predict(inputs, wanted, outputs, count);
+    impl->predictor->predict(inputs, wanted, outputs, count);
 }
 
 bool SurrogateResponseSurfaceModel::surfaceCoefficientInformationAvailable() const
@@ -215,8 +228,9 @@ std::string SurrogateResponseSurfaceModel::surfaceCoefficientInformation(int off
 {
     // Beyond this fraction of the output's spread the text stays in centred inputs.
     constexpr double tolerableLoss = 1e-9;
-    const PolynomialFit& fit = impl->fit;
-    const PolynomialFit::Output& output = impl->output(offset);
+    const Impl::OutputFit& one = impl->at(offset);
+    const PolynomialFit& fit = *one.fit;
+    const PolynomialFit::Output& output = one.output();
     const PolynomialUnits units(fit.basis(), fit.inputScales());
     EquationText text(fit.basis());
     for (std::size_t term = 0; term < fit.basis().size(); ++term) {
@@ -242,27 +256,8 @@ std::string SurrogateResponseSurfaceModel::surfaceCoefficientInformation(int off
 
 std::string SurrogateResponseSurfaceModel::qualityMetricInformation(int offset) const
 {
-    const FitMetrics metrics = fitMetrics(offset);
-    const PolynomialFit& fit = impl->fit;
-    const bool isConstant = impl->output(offset).scale.spread() == 0.0;
-    const std::string noSpread = "the output is the same in every case";
-    const std::string noFreedom = "there are as many terms as cases";
-    const std::string noPress = fit.degreesOfFreedom() == 0
-                                    ? noFreedom
-                                    : "a case alone determines a term, and leaving it out leaves "
-                                      "no such fit";
-
-    std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
-    text +=
-        "Terms: " + std::to_string(metrics.terms) +
-        (metrics.terms < fit.basis().size() ? " of " + std::to_string(fit.basis().size()) : "") +
-        "\n";
-    text += std::string("Order: ") + nameOfOrder(fit.basis().order()) + "\n";
-    text += line("R2", metrics.r2, noSpread);
-    text += line("Adjusted R2", metrics.adjustedR2, isConstant ? noSpread : noFreedom);
-    text += line("RMSE", metrics.rmse, noFreedom);
-    text += line("PRESS", metrics.press, noPress);
-    text += line("Predicted R2", metrics.predictedR2, isConstant ? noSpread : noPress);
+    std::string text = ResponseSurfaceTexts::quality(*impl->at(offset).fit, fitMetrics(offset),
+                                                     responseSurfaceStatistics(offset));
     for (const std::string& warning : fitWarnings(offset)) {
         text += warning + "\n";
     }
@@ -271,8 +266,9 @@ std::string SurrogateResponseSurfaceModel::qualityMetricInformation(int offset) 
 
 FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
 {
-    const PolynomialFit& fit = impl->fit;
-    const PolynomialFit::Output& output = impl->output(offset);
+    const Impl::OutputFit& one = impl->at(offset);
+    const PolynomialFit& fit = *one.fit;
+    const PolynomialFit::Output& output = one.output();
     const auto cases = static_cast<double>(fit.cases());
     const auto freedom = static_cast<double>(fit.degreesOfFreedom());
     const double unit = output.scale.unit();
@@ -306,29 +302,32 @@ FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
 
 std::vector<std::string> SurrogateResponseSurfaceModel::fitWarnings(int offset) const
 {
-    impl->columns.requireOutput(offset);
-    const QuadraticBasis& basis = impl->fit.basis();
+    const Impl::OutputFit& one = impl->at(offset);
+    const QuadraticBasis& basis = impl->common->basis();
     std::vector<std::string> warnings;
     if (basis.inputs() > 0 && basis.order() < impl->wantedOrder) {
         const std::size_t wantedTerms =
             QuadraticBasis::termCount(basis.inputs(), impl->wantedOrder);
         warnings.push_back(std::string("The order was lowered from ") +
-                           nameOfOrder(impl->wantedOrder) + " to " + nameOfOrder(basis.order()) +
-                           ": " + std::to_string(wantedTerms) +
-                           " terms need at least as many cases.");
+                           ResponseSurfaceTexts::orderName(impl->wantedOrder) + " to " +
+                           ResponseSurfaceTexts::orderName(basis.order()) + ": " +
+                           std::to_string(wantedTerms) + " terms need at least as many cases.");
     }
-    const std::string dropped = impl->droppedTerms();
-    if (!dropped.empty()) {
-        warnings.push_back(
-            "Terms that the cases cannot separate from the others were left out: " + dropped + ".");
+    for (std::string& sentence : ResponseSurfaceTexts::dependences(*impl->common)) {
+        warnings.push_back(std::move(sentence));
+    }
+    if (!one.unneeded.empty()) {
+        warnings.push_back("AICc is lower without " + ResponseSurfaceTexts::list(one.unneeded) +
+                           (one.unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
     }
     return warnings;
 }
 
 std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTable(int offset) const
 {
-    const PolynomialFit& fit = impl->fit;
-    const PolynomialFit::Output& output = impl->output(offset);
+    const Impl::OutputFit& one = impl->at(offset);
+    const PolynomialFit& fit = *one.fit;
+    const PolynomialFit::Output& output = one.output();
     const PolynomialUnits units(fit.basis(), fit.inputScales());
     const std::vector<double> estimates = units.expanded(output.coefficients);
     const double deviation = fitMetrics(offset).rmse;
@@ -357,8 +356,8 @@ SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double leve
 {
     Distributions::requireLevel(level);
     const FitMetrics metrics = fitMetrics(offset);
-    const ResponseSurfaceAnalysis analysis = impl->analysis(offset);
-    const PolynomialFit& fit = impl->fit;
+    const PolynomialFit& fit = *impl->at(offset).fit;
+    const ResponseSurfaceAnalysis analysis = impl->at(offset).analysis();
 
     ResponseSurfaceStatistics statistics;
     statistics.coefficients = analysis.coefficients(level);
@@ -394,7 +393,7 @@ void SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& i
     for (const int offset : offsets) {
         double* result = errors[k++];
         const double deviation = fitMetrics(offset).rmse;
-        impl->fit.variances(inputs, count, result);
+        impl->at(offset).fit->variances(inputs, count, result);
         for (std::size_t point = 0; point < count; ++point) {
             result[point] = deviation * std::sqrt(noise + result[point]);
         }
@@ -409,30 +408,35 @@ void SurrogateResponseSurfaceModel::predictionIntervals(const std::vector<double
 {
     Distributions::requireLevel(level);
     impl->columns.requireEvaluation(inputs, offsets, upper, count);
-    const auto freedom = static_cast<double>(impl->fit.degreesOfFreedom());
-    if (freedom == 0.0 && !offsets.empty()) {
-        throw Error("There are no prediction intervals: the polynomial has as many terms as there "
-                    "are cases, and none is left to tell the error by.");
+    for (const int offset : offsets) {
+        if (impl->at(offset).fit->degreesOfFreedom() == 0) {
+            throw Error("There are no prediction intervals: the polynomial has as many terms as "
+                        "there are cases, and none is left to tell the error by.");
+        }
     }
     interpolateDependentValues(inputs, offsets, lower, count);
     standardErrors(inputs, offsets, Kind::Observation, upper, count);
-    const double quantile = Distributions::studentQuantile(level, freedom);
-    for (std::size_t output = 0; output < offsets.size(); ++output) {
+    std::size_t output = 0;
+    for (const int offset : offsets) {
+        const double quantile = Distributions::studentQuantile(
+            level, static_cast<double>(impl->at(offset).fit->degreesOfFreedom()));
         for (std::size_t k = 0; k < count; ++k) {
             const double prediction = lower[output][k];
             const double reach = quantile * upper[output][k];
             lower[output][k] = prediction - reach;
             upper[output][k] = prediction + reach;
         }
+        ++output;
     }
 }
 
 std::vector<LeaveOneOutPrediction>
 SurrogateResponseSurfaceModel::leaveOneOutPredictions(int offset) const
 {
-    const PolynomialFit& fit = impl->fit;
-    const PolynomialFit::Output& output = impl->output(offset);
-    const double squares = impl->analysis(offset).residualSquares();
+    const Impl::OutputFit& one = impl->at(offset);
+    const PolynomialFit& fit = *one.fit;
+    const PolynomialFit::Output& output = one.output();
+    const double squares = one.analysis().residualSquares();
     const double freedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
     const double unit = output.scale.unit();
     std::vector<LeaveOneOutPrediction> result;
@@ -468,7 +472,7 @@ std::string SurrogateResponseSurfaceModel::extrapolationWarning(const std::vecto
 
 PredictorDescription SurrogateResponseSurfaceModel::predictorDescription(int offset) const
 {
-    const PolynomialPredictor& predictor = impl->predictor;
+    const PolynomialPredictor& predictor = *impl->predictor;
     const PolynomialPredictor::Output& output = predictor.outputs()[impl->position(offset)];
     PredictorDescription description;
     description.inputs = impl->ranges.ranges();

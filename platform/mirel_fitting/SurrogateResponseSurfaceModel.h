@@ -18,7 +18,8 @@
  * Terms: intercept, V1 ... Vd, then V_i V_j with i <= j (for two inputs V1^2, V1 V2, V2^2); they
  * are fitted, stored, printed and listed in this order. With fewer cases than terms the order is
  * lowered, full quadratic to linear to constant; terms that the cases cannot separate are dropped,
- * higher orders before lower ones and products before squares. Both are said in the quality text.
+ * higher orders before lower ones and products before squares; on request, so are terms that an
+ * output does not need. All of it is said in the warnings.
  *
  * Everything is computed in the constructor, for all outputs, in a few passes over the columns and
  * on all cores that setThreadCount() allows: time grows with cases times terms squared, memory with
@@ -46,6 +47,18 @@ class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel
       public virtual PredictorDescriptionInterface
 {
 public:
+    /** Which of the terms that the cases can separate are kept. */
+    enum class Selection
+    {
+        All,
+        /**
+         * Those that lower the corrected Akaike information criterion (aicc of
+         * ResponseSurfaceStatistics), for each output by itself: terms are left out one after the
+         * other, and linear ones only when no term of second order has their input.
+         */
+        BackwardAicc
+    };
+
     /**
      * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
      *                           call; none at all gives a constant model.
@@ -61,6 +74,11 @@ public:
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder);
+
+    /** The others select Selection::All. */
+    SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
+                                  const std::vector<double*>& dependentColumns,
+                                  std::size_t rowCount, int highestOrder, Selection selection);
 
     ~SurrogateResponseSurfaceModel() override;
 

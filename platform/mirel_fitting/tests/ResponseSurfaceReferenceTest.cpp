@@ -33,7 +33,7 @@ void expectCoefficients(const SurrogateResponseSurfaceModel& model,
     const std::vector<PolynomialCoefficient> table = model.coefficientTable(0);
     ASSERT_EQ(table.size(), certified.size());
     for (std::size_t term = 0; term < table.size(); ++term) {
-        EXPECT_GE(sharedDigits(table[term].estimate, certified[term].estimate), 9.0)
+        EXPECT_GE(sharedDigits(table[term].estimate, certified[term].estimate), 10.0)
             << table[term].term << ": " << table[term].estimate;
         EXPECT_GE(sharedDigits(table[term].standardError, certified[term].standardError), 9.0)
             << table[term].term << ": " << table[term].standardError;

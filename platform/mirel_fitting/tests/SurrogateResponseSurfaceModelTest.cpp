@@ -256,7 +256,9 @@ TEST(ResponseSurface, LeavesFiguresOutThatNeedMoreCasesThanTerms)
               "Adjusted R2: not available (there are as many terms as cases)\n"
               "RMSE: not available (there are as many terms as cases)\n"
               "PRESS: not available (there are as many terms as cases)\n"
-              "Predicted R2: not available (there are as many terms as cases)\n");
+              "Predicted R2: not available (there are as many terms as cases)\n"
+              "Stationary point: minimum of 0.54939224 at V1 = 2.1520425, V2 = 0.26748548, inside "
+              "the ranges of the cases\n");
 }
 
 TEST(ResponseSurface, LowersTheOrderToLinearAndSaysSo)
@@ -333,9 +335,10 @@ TEST(ResponseSurface, DropsAConstantInputAndItsProducts)
     const Model model = fit(cases);
 
     EXPECT_EQ(termsOf(model, true), (std::vector<std::string>{"1", "V2", "V2^2"}));
-    EXPECT_EQ(model.fitWarnings(0),
-              (std::vector<std::string>{"Terms that the cases cannot separate from the others were "
-                                        "left out: V1, V1^2, V1 V2."}));
+    EXPECT_EQ(
+        model.fitWarnings(0),
+        (std::vector<std::string>{"V1 is the same in every case and was left out, and with it "
+                                  "V1^2 and V1 V2."}));
     EXPECT_NEAR(predict(model, {{-5.0}, {0.25}})[0], reference[0], 1e-12);
     EXPECT_EQ(model.coefficientTable(0)[1].estimate, 0.0);
     EXPECT_EQ(model.surfaceCoefficientInformation(0).find("V1"), std::string::npos);
@@ -352,9 +355,10 @@ TEST(ResponseSurface, DropsAnInputThatVariesByRoundingOnly)
     const Model model = fit(cases);
 
     EXPECT_LT(largestDifference(predict(model, {{2.5}, {0.4}}), without), 1e-12);
-    EXPECT_EQ(model.fitWarnings(0),
-              (std::vector<std::string>{"Terms that the cases cannot separate from the others were "
-                                        "left out: V2, V1 V2, V2^2."}));
+    EXPECT_EQ(
+        model.fitWarnings(0),
+        (std::vector<std::string>{"V2 is the same in every case and was left out, and with it "
+                                  "V1 V2 and V2^2."}));
 }
 
 TEST(ResponseSurface, IsTheMeanWhenEveryInputIsConstant)
@@ -371,7 +375,44 @@ TEST(ResponseSurface, DropsTheSquareOfAnInputOfTwoLevels)
     for (double& value : cases.inputs[0]) {
         value = value > 2.0 ? 3.7 : 1.1;
     }
-    EXPECT_EQ(termsOf(fit(cases), false), (std::vector<std::string>{"V1^2"}));
+    const Model model = fit(cases);
+
+    EXPECT_EQ(termsOf(model, false), (std::vector<std::string>{"V1^2"}));
+    EXPECT_EQ(model.fitWarnings(0),
+              (std::vector<std::string>{
+                  "V1^2 cannot be separated from V1 by these cases and was left out."}));
+}
+
+TEST(ResponseSurface, SaysFromWhichTermsASquareCannotBeSeparated)
+{
+    // On a circle about (3, -1) the squares add up to a constant and linear terms.
+    Cases cases{{{}, {}}, {{}}};
+    for (int k = 0; k < 24; ++k) {
+        cases.inputs[0].push_back(3.0 + std::cos(0.25 * k));
+        cases.inputs[1].push_back(-1.0 + std::sin(0.25 * k));
+        cases.outputs[0].push_back(k % 5);
+    }
+
+    EXPECT_EQ(fit(cases).fitWarnings(0),
+              (std::vector<std::string>{"V2^2 cannot be separated from V1, V2 and V1^2 by these "
+                                        "cases and was left out."}));
+}
+
+TEST(ResponseSurface, NamesNoLinearTermsThatCancel)
+{
+    // V3 is the product of the two other inputs as they are, far from the origin.
+    Cases cases = twoInputs(60, 1.0);
+    cases.inputs.emplace_back();
+    for (std::size_t k = 0; k < 60; ++k) {
+        cases.inputs[0][k] += 50.0;
+        cases.inputs[1][k] -= 70.0;
+        cases.inputs[2].push_back(cases.inputs[0][k] * cases.inputs[1][k]);
+    }
+
+    const std::vector<std::string> warnings = fit(cases).fitWarnings(0);
+
+    ASSERT_FALSE(warnings.empty());
+    EXPECT_EQ(warnings[0], "V1 V2 cannot be separated from V3 by these cases and was left out.");
 }
 
 TEST(ResponseSurface, KeepsSquaresRatherThanProducts)
@@ -400,6 +441,9 @@ TEST(ResponseSurface, DropsTheLastOfInputsThatAddUp)
     const Model model = fit(cases);
 
     EXPECT_EQ(termsOf(model, false), (std::vector<std::string>{"V3", "V1 V3", "V2 V3", "V3^2"}));
+    EXPECT_EQ(model.fitWarnings(0),
+              (std::vector<std::string>{"V3 cannot be separated from V1 and V2 by these cases and "
+                                        "was left out, and with it V1 V3, V2 V3 and V3^2."}));
     EXPECT_LT(largestDifference(predict(model, cases.inputs), cases.outputs[0]), 1e-9);
 }
 
@@ -443,14 +487,30 @@ TEST(ResponseSurface, TakesDuplicateCasesForReplicates)
 
 TEST(ResponseSurface, WritesItsQualityLineByLine)
 {
-    EXPECT_EQ(fit(grid()).qualityMetricInformation(0), "Cases: 10\n"
-                                                       "Terms: 6\n"
-                                                       "Order: full quadratic\n"
-                                                       "R2: 0.58279122\n"
-                                                       "Adjusted R2: 0.06128025\n"
-                                                       "RMSE: 2.392946\n"
-                                                       "PRESS: 233.92862\n"
-                                                       "Predicted R2: -3.2609948\n");
+    EXPECT_EQ(
+        fit(grid()).qualityMetricInformation(0),
+        "Cases: 10\n"
+        "Terms: 6\n"
+        "Order: full quadratic\n"
+        "R2: 0.58279122\n"
+        "Adjusted R2: 0.06128025\n"
+        "RMSE: 2.392946\n"
+        "PRESS: 233.92862\n"
+        "Predicted R2: -3.2609948\n"
+        "AICc: 106.66637\n"
+        "Model: F 1.118 on 5 and 4 degrees of freedom, p 0.47\n"
+        "Linear: F 2.459 on 2 and 4 degrees of freedom, p 0.201\n"
+        "Interaction: F 0.1746 on 1 and 4 degrees of freedom, p 0.697\n"
+        "Square: F 0.247 on 2 and 4 degrees of freedom, p 0.792\n"
+        "Lack of fit: F 3.484 on 3 and 1 degrees of freedom, p 0.371\n"
+        "Intercept: 4.2857143, standard error 1.4300587, t 2.997, p 0.0401\n"
+        "Coefficient of V1: 2, standard error 0.97691611, t 2.047, p 0.11\n"
+        "Coefficient of V2: 0.83333333, standard error 0.97691611, t 0.853, p 0.442\n"
+        "Coefficient of V1^2: 0.42857143, standard error 1.5665509, t 0.2736, p 0.798\n"
+        "Coefficient of V1 V2: 0.5, standard error 1.196473, t 0.4179, p 0.697\n"
+        "Coefficient of V2^2: -1.0714286, standard error 1.5665509, t -0.6839, p 0.532\n"
+        "Stationary point: saddle of 1.9752008 at V1 = -2.2534637, V2 = -0.13691932, outside the "
+        "ranges of the cases\n");
 }
 
 TEST(ResponseSurface, PressIsTheSumOverRefitsWithoutEachCase)
