@@ -296,6 +296,10 @@ BENCHMARK_CAPTURE(evaluateKrigingOverGrid, grid, false)
     ->Args({6, 10, 1000})
     ->Args({8, 6, 1000})
     ->Args({2, 1000, 200})
+    ->Args({2, 40, 1000})
+    ->Args({2, 100, 200})
+    ->Args({3, 20, 300})
+    ->Args({4, 12, 100})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
@@ -306,7 +310,53 @@ BENCHMARK_CAPTURE(evaluateKrigingOverGrid, scattered, true)
     ->Args({6, 10, 1000})
     ->Args({8, 6, 1000})
     ->Args({2, 1000, 200})
+    ->Args({2, 40, 1000})
+    ->Args({2, 100, 200})
+    ->Args({3, 20, 300})
+    ->Args({4, 12, 100})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+
+/** One of 8 inputs over [0, 1], the others constant: what a slider or a plot asks for. */
+void evaluateKrigingOverLine(benchmark::State& state, bool isScattered)
+{
+    const auto points = static_cast<std::size_t>(state.range(0));
+    KrigingSurrogateModel model = krigingOver(8, 1000);
+    model.activateDependentVariables({0});
+    std::vector<std::vector<double>> columns(8, std::vector<double>(points, 0.4));
+    std::vector<double*> independent;
+    for (std::vector<double>& column : columns) {
+        independent.push_back(column.data());
+    }
+    for (std::size_t i = 0; i < points; ++i) {
+        columns[3][i] = static_cast<double>(i) / static_cast<double>(points - 1);
+        columns[4][i] += isScattered ? 1e-9 * columns[3][i] : 0.0;
+    }
+    std::vector<double> values(points);
+    std::vector<double*> outputs{values.data()};
+    for (auto _ : state) {
+        model.interpolateDependentValues(independent, {0}, outputs, points);
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(evaluateKrigingOverLine, line, false)
+    ->ArgName("points")
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK_CAPTURE(evaluateKrigingOverLine, scattered, true)
+    ->ArgName("points")
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMicrosecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 

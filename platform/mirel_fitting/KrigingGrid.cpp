@@ -1,6 +1,9 @@
 #include <mirel_fitting/KrigingGrid.h>
 
 #include <mirel_fitting/AlignedBuffer.h>
+#include <mirel_fitting/AxisSums.h>
+#include <mirel_fitting/GridRows.h>
+#include <mirel_fitting/GridSide.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
@@ -10,13 +13,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr std::size_t largestTable = std::size_t{16} << 20; // bytes, of one axis
-constexpr std::size_t largestTile = std::size_t{4} << 20;   // bytes
+constexpr std::size_t largestTile = std::size_t{4} << 20; // bytes
 
 /** How many of the axes, from the fastest, form the fast group: both groups have as few
  *  combinations as possible, since each is a row of correlations to be computed. */
@@ -34,277 +37,94 @@ std::size_t bestSplit(const std::vector<ProductGrid::Axis>& axes, std::size_t ro
     return best;
 }
 
+std::vector<std::size_t> numbersFrom(std::size_t first, std::size_t last)
+{
+    std::vector<std::size_t> result(last - first);
+    std::iota(result.begin(), result.end(), first);
+    return result;
+}
+
+// Estimates of the time that ways take, in multiplications of eight pairs of numbers.
+
+/** A correlation, its exponential included, of as many cases with one value. */
+double costOfCorrelations(std::size_t cases, std::size_t inputs)
+{
+    return static_cast<double>(cases) * (18.0 + 3.0 * static_cast<double>(inputs)) / 8.0;
+}
+
+double costOfPoints(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
+{
+    return static_cast<double>(grid.rowCount()) *
+           costOfCorrelations(parts.weights.size(), parts.inputs.size());
+}
+
+/** By the matrix product of two groups of axes. */
+double costOfProduct(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
+{
+    if (grid.axes().size() < 2) {
+        return std::numeric_limits<double>::infinity();
+    }
+    const std::size_t rows = grid.rowCount();
+    const std::size_t fastSize = grid.axes()[bestSplit(grid.axes(), rows)].stride;
+    if (fastSize > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return static_cast<double>(rows) * static_cast<double>(parts.weights.size()) * 1.2 / 8.0 +
+           static_cast<double>(fastSize + rows / fastSize) *
+               costOfCorrelations(parts.weights.size(), 1);
+}
+
+/** By sums along one axis. */
+double costOfSums(const KrigingPredictor::Parts& parts, const ProductGrid& grid, std::size_t axis)
+{
+    const auto& inputs = parts.inputs;
+    const ProductGrid::Axis& summed = grid.axes()[axis];
+    const auto isInput = [&](std::size_t column) {
+        return std::find(inputs.begin(), inputs.end(), column) != inputs.end();
+    };
+    if (std::count_if(summed.columns.begin(), summed.columns.end(), isInput) != 1) {
+        return std::numeric_limits<double>::infinity();
+    }
+    const std::size_t cases = parts.weights.size();
+    const std::size_t others = grid.rowCount() / summed.size;
+    // Sorting the cases and tabulating the axis.
+    double cost = 150.0 * static_cast<double>(cases) + 20.0 * static_cast<double>(summed.size);
+    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
+        if (a != axis) {
+            cost += static_cast<double>(grid.axes()[a].size) * costOfCorrelations(cases, 1);
+        }
+    }
+    return cost + static_cast<double>(others) *
+                      (AxisSums::costPerRow(cases, summed.size) + static_cast<double>(cases) / 2.0);
+}
+
+struct Way
+{
+    double cost;
+    std::size_t summedAxis; // the number of axes: none
+};
+
+Way bestWay(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
+{
+    Way best{costOfProduct(parts, grid), grid.axes().size()};
+    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
+        const double cost = costOfSums(parts, grid, a);
+        if (cost < best.cost) {
+            best = {cost, a};
+        }
+    }
+    return best;
+}
+
 } // namespace
 
-/** The values of one axis, and their correlations with the cases. */
-class KrigingGrid::Axis
-{
-public:
-    Axis(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
-         std::size_t firstRow, const ProductGrid::Axis& axis, std::size_t strideInGroup)
-        : size(axis.size), stride(strideInGroup), isFinite(axis.size, 1)
-    {
-        for (const std::size_t column : axis.columns) {
-            for (std::size_t v = 0; v < size; ++v) {
-                const double value = columns[column][firstRow + v * axis.stride];
-                isFinite[v] = isFinite[v] && std::isfinite(value);
-            }
-        }
-        for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
-            const auto& on = axis.columns;
-            if (std::find(on.begin(), on.end(), parts.inputs[k]) == on.end()) {
-                continue;
-            }
-            inputs.push_back(k);
-            std::vector<double> values(size, 0.0);
-            for (std::size_t v = 0; v < size; ++v) {
-                if (isFinite[v]) {
-                    const std::size_t row = firstRow + v * axis.stride;
-                    values[v] = parts.coordinate(k, columns[parts.inputs[k]][row]);
-                }
-            }
-            coordinates.push_back(std::move(values));
-        }
-        const std::size_t rowSize = parts.correlation->correlationStride();
-        if (!inputs.empty() && size <= largestTable / sizeof(double) / rowSize) {
-            table = AlignedBuffer::uninitialised(size * rowSize);
-            correlate(*parts.correlation, 0, size, table.data());
-            hasTable = true;
-        }
-    }
-
-    /** Rows of correlations for `count` values from `first` on; of some kilobytes beside. */
-    void correlate(const MaternCorrelation& correlation, std::size_t first, std::size_t count,
-                   double* rows) const
-    {
-        constexpr std::size_t valuesAtATime = 64;
-        const std::size_t rowSize = correlation.correlationStride();
-        AlignedBuffer factor(inputs.size() > 1 ? valuesAtATime * rowSize : 0);
-        for (std::size_t v = 0; v < count; v += valuesAtATime) {
-            const std::size_t values = std::min(valuesAtATime, count - v);
-            double* target = rows + v * rowSize;
-            correlation.correlateInput(inputs[0], coordinates[0].data() + first + v, values,
-                                       target);
-            for (std::size_t q = 1; q < inputs.size(); ++q) {
-                correlation.correlateInput(inputs[q], coordinates[q].data() + first + v, values,
-                                           factor.data());
-                for (std::size_t i = 0; i < values * rowSize; ++i) {
-                    target[i] *= factor.data()[i];
-                }
-            }
-        }
-    }
-
-    std::size_t valueAt(std::size_t combination) const { return combination / stride % size; }
-
-    std::size_t size;
-    std::size_t stride; // in combinations of its group
-    std::vector<char> isFinite;
-    std::vector<std::size_t> inputs;              // that vary along it, as indices of the parts
-    std::vector<std::vector<double>> coordinates; // of those, one per value
-    bool hasTable = false;
-    AlignedBuffer table;
-};
-
-/**
- * One of the two groups of axes. Each of its combinations is a row: correlations with the cases,
- * then what the trend takes from the group.
- */
-class KrigingGrid::Side
-{
-public:
-    Side(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
-         const ProductGrid& grid, std::size_t firstAxis, std::size_t lastAxis)
-    {
-        for (std::size_t a = firstAxis; a < lastAxis; ++a) {
-            axes.emplace_back(parts, columns, grid.firstRow(), grid.axes()[a], size);
-            size *= grid.axes()[a].size;
-        }
-    }
-
-    struct Place
-    {
-        const Axis* axis;
-        std::size_t index; // of the input on its axis
-        double centred(std::size_t combination) const
-        {
-            return KrigingTrend::centred(axis->coordinates[index][axis->valueAt(combination)]);
-        }
-    };
-    /** Where the input varies; no axis if it does not vary on this side. */
-    Place placeOf(std::size_t input) const
-    {
-        for (const Axis& axis : axes) {
-            const auto found = std::find(axis.inputs.begin(), axis.inputs.end(), input);
-            if (found != axis.inputs.end()) {
-                return {&axis, static_cast<std::size_t>(found - axis.inputs.begin())};
-            }
-        }
-        return {nullptr, 0};
-    }
-
-    bool isFinite(std::size_t combination) const
-    {
-        return std::all_of(axes.begin(), axes.end(), [combination](const Axis& axis) {
-            return axis.isFinite[axis.valueAt(combination)];
-        });
-    }
-
-    /** The sum of some terms of the trend, of which only factors on this side remain. */
-    struct Polynomial
-    {
-        struct Term
-        {
-            double coefficient;
-            std::vector<Place> factors;
-        };
-        std::vector<Term> terms;
-
-        double at(std::size_t combination) const
-        {
-            double sum = 0.0;
-            for (const Term& term : terms) {
-                double value = term.coefficient;
-                for (const Place& place : term.factors) {
-                    value *= place.centred(combination);
-                }
-                sum += value;
-            }
-            return sum;
-        }
-    };
-
-    std::vector<Axis> axes; // from the fastest
-    std::size_t size = 1;   // number of combinations
-    /** What every row of correlations is multiplied with; empty: nothing. */
-    std::vector<double> factors;
-    /** What follows the correlations in a row. */
-    std::vector<Polynomial> trend;
-};
-
-/** Rows of some consecutive combinations of a side. */
-class KrigingGrid::Tile
-{
-public:
-    Tile(const Side& side, const MaternCorrelation& correlation, std::size_t rows)
-        : side(side), correlation(correlation), cases(correlation.cases()),
-          tableStride(correlation.correlationStride()),
-          rowStride(AlignedBuffer::padded(cases + side.trend.size())),
-          buffer(AlignedBuffer::uninitialised(rows * rowStride)), shared(cases)
-    {
-        for (const Axis& axis : side.axes) {
-            const bool isComputedHere = !axis.inputs.empty() && !axis.hasTable;
-            const std::size_t values = std::min(axis.size, rows / axis.stride + 2);
-            partialTables.push_back(
-                {AlignedBuffer::uninitialised(isComputedHere ? values * tableStride : 0), false});
-        }
-    }
-
-    void fill(std::size_t firstCombination, std::size_t count)
-    {
-        first = firstCombination;
-        for (std::size_t a = 0; a < side.axes.size(); ++a) {
-            if (!side.axes[a].inputs.empty() && !side.axes[a].hasTable) {
-                computeTable(a, count);
-            }
-        }
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t combination = first + i;
-            if (i == 0 || side.axes[0].valueAt(combination) == 0) {
-                multiplySlowerAxes(combination);
-            }
-            double* row = buffer.data() + i * rowStride;
-            const double* fastest = rowOf(0, combination);
-            for (std::size_t j = 0; j < cases; ++j) {
-                row[j] = fastest ? shared[j] * fastest[j] : shared[j];
-            }
-            for (std::size_t t = 0; t < side.trend.size(); ++t) {
-                row[cases + t] = side.trend[t].at(combination);
-            }
-            if (!side.isFinite(combination)) {
-                row[cases] = notANumber;
-            }
-        }
-    }
-
-    const double* rows() const { return buffer.data(); }
-    std::size_t stride() const { return rowStride; }
-    std::size_t columns() const { return cases + side.trend.size(); }
-
-private:
-    /** Of the values that the combinations from `first` on pass through, and no others. */
-    void computeTable(std::size_t a, std::size_t count)
-    {
-        const Axis& axis = side.axes[a];
-        double* table = partialTables[a].rows.data();
-        const std::size_t passed = (first + count - 1) / axis.stride - first / axis.stride + 1;
-        partialTables[a].isWhole = passed >= axis.size;
-        if (partialTables[a].isWhole) {
-            axis.correlate(correlation, 0, axis.size, table);
-            return;
-        }
-        const std::size_t start = axis.valueAt(first);
-        const std::size_t untilEnd = std::min(passed, axis.size - start);
-        axis.correlate(correlation, start, untilEnd, table);
-        axis.correlate(correlation, 0, passed - untilEnd, table + untilEnd * tableStride);
-    }
-
-    /** The correlations of the value that an axis has there; null if no input varies along it. */
-    const double* rowOf(std::size_t a, std::size_t combination) const
-    {
-        const Axis& axis = side.axes[a];
-        if (axis.inputs.empty()) {
-            return nullptr;
-        }
-        if (axis.hasTable) {
-            return axis.table.data() + axis.valueAt(combination) * tableStride;
-        }
-        const std::size_t row = partialTables[a].isWhole
-                                    ? axis.valueAt(combination)
-                                    : combination / axis.stride - first / axis.stride;
-        return partialTables[a].rows.data() + row * tableStride;
-    }
-
-    void multiplySlowerAxes(std::size_t combination)
-    {
-        if (side.factors.empty()) {
-            shared.assign(cases, 1.0);
-        } else {
-            shared = side.factors;
-        }
-        for (std::size_t a = side.axes.size(); a-- > 1;) {
-            const double* row = rowOf(a, combination);
-            for (std::size_t j = 0; row && j < cases; ++j) {
-                shared[j] *= row[j];
-            }
-        }
-    }
-
-    /** Of an axis that is too long for a table of all its values. */
-    struct PartialTable
-    {
-        AlignedBuffer rows;
-        bool isWhole; // nevertheless, since all its values are passed through
-    };
-
-    const Side& side;
-    const MaternCorrelation& correlation;
-    std::size_t cases;
-    std::size_t tableStride;
-    std::size_t rowStride;
-    AlignedBuffer buffer;
-    std::vector<PartialTable> partialTables;
-    std::vector<double> shared; // by the combinations that differ in the fastest axis only
-    std::size_t first = 0;
-};
-
 /** Computes the tiles of the result; a tile of the slow side serves all of the fast side. */
-class KrigingGrid::Worker : public OrderedChunks::Worker
+class KrigingGrid::ProductWorker : public OrderedChunks::Worker
 {
 public:
-    Worker(const KrigingGrid& grid, double* result)
-        : grid(grid), fastTile(*grid.fast, *grid.parts.correlation, grid.tileSize),
-          slowTile(*grid.slow, *grid.parts.correlation, grid.tileSize), result(result)
+    ProductWorker(const KrigingGrid& grid, double* result)
+        : grid(grid), fastTile(*grid.fast, grid.correlation(), grid.tileSize),
+          slowTile(*grid.slow, grid.correlation(), grid.tileSize), result(result)
     {}
 
     void compute(std::size_t chunk) override
@@ -323,7 +143,7 @@ public:
         double* corner = result + firstSlow * grid.fast->size + firstFast;
         cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, static_cast<int>(fastCount),
                     static_cast<int>(slowCount), static_cast<int>(fastTile.columns()), 1.0,
-                    fastTile.rows(), static_cast<int>(fastTile.stride()), slowTile.rows(),
+                    fastTile.data(), static_cast<int>(fastTile.stride()), slowTile.data(),
                     static_cast<int>(slowTile.stride()), 0.0, corner,
                     static_cast<int>(grid.fast->size));
         for (std::size_t s = 0; s < slowCount; ++s) {
@@ -339,39 +159,200 @@ public:
 
 private:
     const KrigingGrid& grid;
-    Tile fastTile;
-    Tile slowTile;
+    GridRows fastTile;
+    GridRows slowTile;
     std::size_t slowTileStart = std::numeric_limits<std::size_t>::max();
+    double* result;
+};
+
+/** Sums along one axis, for a tile of combinations of the others and a range of its panels. */
+class KrigingGrid::SumWorker : public OrderedChunks::Worker
+{
+public:
+    SumWorker(const KrigingGrid& grid, double* result)
+        : grid(grid), sums(*grid.sums), rows(*grid.slow, grid.correlation(), grid.tileSize),
+          states(AlignedBuffer::uninitialised(grid.tileSize * sums.stateSize())),
+          values(AlignedBuffer::uninitialised(grid.tileSize * valuesAtATime)), result(result)
+    {}
+
+    void compute(std::size_t chunk) override
+    {
+        const std::size_t ranges = grid.panelRanges();
+        const std::size_t firstRow = chunk / ranges * grid.tileSize;
+        const std::size_t rowCount = std::min(grid.tileSize, grid.slow->size - firstRow);
+        if (firstRow != tileStart) {
+            condense(firstRow, rowCount);
+            tileStart = firstRow;
+        }
+        const std::size_t firstPanel = chunk % ranges * grid.panelsPerRange;
+        if (firstPanel != tablesStart) {
+            tabulate(firstPanel);
+            tablesStart = firstPanel;
+        }
+        std::size_t firstValue = firstPanel * AxisSums::panelSize;
+        for (const AxisSums::Table& table : tables) {
+            sums.evaluate(table, rows.data(), rows.stride(), states.data(), rowCount, values.data(),
+                          valuesAtATime);
+            store(firstRow, rowCount, firstValue);
+            firstValue += valuesAtATime;
+        }
+        if (firstPanel == 0) {
+            fillWithNaN(firstRow, rowCount);
+        }
+    }
+
+    // Results are written where they belong.
+    void handOver(std::size_t) override {}
+
+private:
+    static constexpr std::size_t valuesAtATime = 8 * AxisSums::panelSize;
+
+    void condense(std::size_t firstRow, std::size_t rowCount)
+    {
+        rows.fill(firstRow, rowCount);
+        // Behind the correlations: see splitTrend().
+        const std::size_t cases = grid.correlation().cases();
+        const bool hasSlope = grid.slow->trend.size() > 2;
+        std::vector<AxisSums::Trend> trends(rowCount);
+        for (std::size_t i = 0; i < rowCount; ++i) {
+            const double* trend = rows.data() + i * rows.stride() + cases;
+            trends[i] = {trend[0], hasSlope ? trend[2] : 0.0};
+        }
+        sums.condense(rows.data(), rows.stride(), trends, states.data());
+    }
+
+    void tabulate(std::size_t firstPanel)
+    {
+        constexpr std::size_t panels = valuesAtATime / AxisSums::panelSize;
+        const std::size_t lastPanel = std::min(firstPanel + grid.panelsPerRange, sums.panels());
+        tables.clear();
+        for (std::size_t p = firstPanel; p < lastPanel; p += panels) {
+            tables.emplace_back(sums, p, std::min(panels, lastPanel - p));
+        }
+    }
+
+    /** Where the row of a combination of the other axes begins in the result. */
+    double* startOf(std::size_t row) const
+    {
+        const std::size_t stride = grid.summedStride;
+        return result + row % stride + row / stride * stride * grid.fast->size;
+    }
+
+    void store(std::size_t firstRow, std::size_t rowCount, std::size_t firstValue)
+    {
+        const std::size_t count = std::min(valuesAtATime, grid.positions.size() - firstValue);
+        const std::size_t* positions = grid.positions.data() + firstValue;
+        const double offset = grid.parts.offset;
+        const double scale = grid.parts.scale;
+        const bool isContiguous = grid.summedStride == 1 &&
+                                  positions[count - 1] - positions[0] == count - 1 &&
+                                  std::is_sorted(positions, positions + count);
+        if (isContiguous) {
+            for (std::size_t i = 0; i < rowCount; ++i) {
+                const double* row = values.data() + i * valuesAtATime;
+                double* target = startOf(firstRow + i) + positions[0];
+                for (std::size_t v = 0; v < count; ++v) {
+                    target[v] = offset + scale * row[v];
+                }
+            }
+            return;
+        }
+        // Neighbours in the result are neighbouring combinations, unless the axis is the fastest.
+        for (std::size_t v = 0; v < count; ++v) {
+            const std::size_t position = positions[v] * grid.summedStride;
+            for (std::size_t i = 0; i < rowCount; ++i) {
+                startOf(firstRow + i)[position] =
+                    offset + scale * values.data()[i * valuesAtATime + v];
+            }
+        }
+    }
+
+    void fillWithNaN(std::size_t firstRow, std::size_t rowCount)
+    {
+        const std::vector<char>& isFinite = grid.fast->axes[0].isFinite;
+        for (std::size_t v = 0; v < isFinite.size(); ++v) {
+            for (std::size_t i = 0; !isFinite[v] && i < rowCount; ++i) {
+                startOf(firstRow + i)[v * grid.summedStride] = notANumber;
+            }
+        }
+    }
+
+    const KrigingGrid& grid;
+    const AxisSums& sums;
+    GridRows rows;
+    AlignedBuffer states;
+    AlignedBuffer values;
+    std::vector<AxisSums::Table> tables;
+    std::size_t tileStart = std::numeric_limits<std::size_t>::max();
+    std::size_t tablesStart = std::numeric_limits<std::size_t>::max();
     double* result;
 };
 
 bool KrigingGrid::isWorthwhile(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
 {
-    if (!parts.correlation || grid.axes().size() < 2) {
-        return false;
-    }
-    const std::size_t rows = grid.rowCount();
-    const std::size_t fastSize = grid.axes()[bestSplit(grid.axes(), rows)].stride;
-    return fastSize <= static_cast<std::size_t>(std::numeric_limits<int>::max()) &&
-           fastSize + rows / fastSize <= rows - rows / 4;
+    return parts.correlation && bestWay(parts, grid).cost < 0.75 * costOfPoints(parts, grid);
 }
 
 KrigingGrid::KrigingGrid(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
                          const ProductGrid& grid)
     : parts(parts), rows(grid.rowCount())
 {
-    constexpr std::size_t smallestTile = 64;
-    constexpr std::size_t mostRows = 512;
+    const Way way = bestWay(parts, grid);
+    const std::size_t axes = grid.axes().size();
+    const std::size_t summedAxis = way.summedAxis;
+    cost = way.cost;
+    if (summedAxis < axes) {
+        std::vector<std::size_t> others = numbersFrom(0, axes);
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(summedAxis));
+        fast =
+            std::make_unique<GridSide>(parts, columns, grid, std::vector<std::size_t>{summedAxis});
+        slow = std::make_unique<GridSide>(parts, columns, grid, others);
+        slow->factors = parts.weights;
+        sortCases();
+    } else {
+        const std::size_t split = bestSplit(grid.axes(), rows);
+        fast = std::make_unique<GridSide>(parts, columns, grid, numbersFrom(0, split));
+        slow = std::make_unique<GridSide>(parts, columns, grid, numbersFrom(split, axes));
+        slow->factors = parts.weights;
+    }
+    splitTrend(fixInputs(columns, grid));
+    if (summedAxis < axes) {
+        summedStride = grid.axes()[summedAxis].stride;
+        prepareSums();
+    } else {
+        prepareProduct();
+    }
+}
 
-    const std::size_t split = bestSplit(grid.axes(), rows);
-    fast = std::make_unique<Side>(parts, columns, grid, 0, split);
-    slow = std::make_unique<Side>(parts, columns, grid, split, grid.axes().size());
-    tileSize = std::clamp(largestTile / sizeof(double) / parts.correlation->correlationStride(),
-                          smallestTile, mostRows);
+KrigingGrid::~KrigingGrid() = default;
 
+const MaternCorrelation& KrigingGrid::correlation() const
+{
+    return sorted ? *sorted : *parts.correlation;
+}
+
+/** By the input that varies along the fast side. */
+void KrigingGrid::sortCases()
+{
+    const std::size_t input = fast->axes[0].inputs[0];
+    const double* coordinates = parts.correlation->scaledCases(input);
+    std::vector<std::size_t> order = numbersFrom(0, parts.weights.size());
+    std::sort(order.begin(), order.end(), [coordinates](std::size_t a, std::size_t b) {
+        return coordinates[a] != coordinates[b] ? coordinates[a] < coordinates[b] : a < b;
+    });
+    sorted = std::make_unique<MaternCorrelation>(parts.correlation->reordered(order));
+    for (std::size_t j = 0; j < order.size(); ++j) {
+        slow->factors[j] = parts.weights[order[j]];
+    }
+}
+
+/** Multiplies the weights with the correlations of the inputs that do not vary, and gives the
+ *  coordinates of those. */
+std::vector<double> KrigingGrid::fixInputs(const std::vector<double*>& columns,
+                                           const ProductGrid& grid)
+{
     std::vector<double> fixed(parts.inputs.size(), 0.0);
-    slow->factors = parts.weights;
-    AlignedBuffer factor(parts.correlation->correlationStride());
+    AlignedBuffer factor(correlation().correlationStride());
     for (const std::size_t column : grid.constantColumns()) {
         const double value = columns[column][grid.firstRow()];
         isNowhereFinite = isNowhereFinite || !std::isfinite(value);
@@ -381,15 +362,81 @@ KrigingGrid::KrigingGrid(const KrigingPredictor::Parts& parts, const std::vector
         }
         const auto k = static_cast<std::size_t>(input - parts.inputs.begin());
         fixed[k] = parts.coordinate(k, value);
-        parts.correlation->correlateInput(k, &fixed[k], 1, factor.data());
+        correlation().correlateInput(k, &fixed[k], 1, factor.data());
         for (std::size_t j = 0; j < slow->factors.size(); ++j) {
             slow->factors[j] *= factor.data()[j];
         }
     }
-    splitTrend(fixed);
+    return fixed;
 }
 
-KrigingGrid::~KrigingGrid() = default;
+void KrigingGrid::prepareProduct()
+{
+    constexpr std::size_t smallestTile = 64;
+    constexpr std::size_t mostRows = 512;
+    for (GridSide* side : {fast.get(), slow.get()}) {
+        for (GridAxis& axis : side->axes) {
+            axis.tabulate(correlation());
+        }
+    }
+    tileSize = std::clamp(largestTile / sizeof(double) / correlation().correlationStride(),
+                          smallestTile, mostRows);
+}
+
+void KrigingGrid::prepareSums()
+{
+    // Weights and moments of a tile, and the tables of a range, stay in the second-level cache.
+    constexpr std::size_t tileBytes = std::size_t{512} << 10;
+    constexpr std::size_t rangeBytes = std::size_t{1} << 20;
+    constexpr std::size_t smallestTile = 8;
+    constexpr std::size_t mostRows = 64;
+
+    const GridAxis& axis = fast->axes[0];
+    const std::size_t input = axis.inputs[0];
+    AxisSums::Axis summed;
+    const double* cases = correlation().scaledCases(input);
+    summed.cases.assign(cases, cases + correlation().cases());
+
+    std::vector<double> coordinates(axis.size);
+    correlation().scale(input, axis.coordinates[0].data(), axis.size, coordinates.data());
+    for (std::size_t v = 0; v < axis.size; ++v) {
+        if (axis.isFinite[v]) {
+            positions.push_back(v);
+        }
+    }
+    const auto isBefore = [&](std::size_t a, std::size_t b) {
+        return coordinates[a] < coordinates[b];
+    };
+    if (!std::is_sorted(positions.begin(), positions.end(), isBefore)) {
+        std::stable_sort(positions.begin(), positions.end(), isBefore);
+    }
+    if (positions.empty()) {
+        isNowhereFinite = true;
+        return;
+    }
+    for (const std::size_t v : positions) {
+        summed.values.push_back(coordinates[v]);
+        summed.offsets.push_back(fast->trend[1].at(v));
+        summed.slopes.push_back(fast->trend.size() > 2 ? fast->trend[2].at(v) : 0.0);
+    }
+    sums = std::make_unique<AxisSums>(std::move(summed));
+
+    for (GridAxis& other : slow->axes) {
+        if (other.size < slow->size) { // its values come back
+            other.tabulate(correlation());
+        }
+    }
+    const std::size_t perRow =
+        (correlation().correlationStride() + sums->stateSize()) * sizeof(double);
+    tileSize = std::clamp(tileBytes / perRow / smallestTile * smallestTile, smallestTile, mostRows);
+    const std::size_t perPanel = sums->largestPanelTable() * sizeof(double);
+    panelsPerRange = std::max<std::size_t>(rangeBytes / perPanel / 8 * 8, 8);
+}
+
+std::size_t KrigingGrid::panelRanges() const
+{
+    return (sums->panels() + panelsPerRange - 1) / panelsPerRange;
+}
 
 /**
  * The trend as a sum of products of a polynomial on each side: 1 times the terms that do not vary
@@ -398,21 +445,21 @@ KrigingGrid::~KrigingGrid() = default;
  */
 void KrigingGrid::splitTrend(const std::vector<double>& fixed)
 {
-    const Side::Polynomial one{{{1.0, {}}}};
+    const GridSide::Polynomial one{{{1.0, {}}}};
     fast->trend = {one, {}};
     slow->trend = {{}, one};
     std::vector<std::size_t> columnOf(parts.inputs.size(), 0);
     for (std::size_t t = 0; t < parts.coefficients.size(); ++t) {
         const QuadraticBasis::Term term = parts.trend->keptTerms()[t];
-        Side::Polynomial::Term onFast{1.0, {}};
-        Side::Polynomial::Term onSlow{parts.coefficients[t], {}};
+        GridSide::Polynomial::Term onFast{1.0, {}};
+        GridSide::Polynomial::Term onSlow{parts.coefficients[t], {}};
         std::size_t fastInput = 0;
         for (const std::size_t input : {term.first, term.second}) {
             if (input == QuadraticBasis::noInput) {
                 continue;
             }
-            const Side::Place fastPlace = fast->placeOf(input);
-            const Side::Place slowPlace = slow->placeOf(input);
+            const GridSide::Place fastPlace = fast->placeOf(input);
+            const GridSide::Place slowPlace = slow->placeOf(input);
             if (fastPlace.axis) {
                 onFast.factors.push_back(fastPlace);
                 fastInput = input;
@@ -438,23 +485,29 @@ void KrigingGrid::splitTrend(const std::vector<double>& fixed)
     }
 }
 
-std::size_t KrigingGrid::tilesOf(const Side& side) const
+std::size_t KrigingGrid::tilesOf(const GridSide& side) const
 {
     return (side.size + tileSize - 1) / tileSize;
 }
 
 void KrigingGrid::predict(double* result) const
 {
-    // Fewer multiplications are done before another thread has started.
-    constexpr std::size_t worthAThread = 10000000;
+    // Less is done before another thread has started.
+    constexpr double worthAThread = 1.5e6;
 
     if (isNowhereFinite) {
         std::fill_n(result, rows, notANumber);
         return;
     }
+    const int threads = cost > worthAThread ? threadCount() : 1;
+    if (sums) {
+        OrderedChunks::run(
+            tilesOf(*slow) * panelRanges(), threads,
+            [&] { return std::make_unique<SumWorker>(*this, result); }, nullptr);
+        return;
+    }
     const SingleThreadedBlas singleThreaded;
-    const bool isLarge = rows > worthAThread / std::max<std::size_t>(parts.weights.size(), 1);
     OrderedChunks::run(
-        tilesOf(*fast) * tilesOf(*slow), isLarge ? threadCount() : 1,
-        [&] { return std::make_unique<Worker>(*this, result); }, nullptr);
+        tilesOf(*fast) * tilesOf(*slow), threads,
+        [&] { return std::make_unique<ProductWorker>(*this, result); }, nullptr);
 }

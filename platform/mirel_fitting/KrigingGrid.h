@@ -7,12 +7,20 @@
 #include <memory>
 #include <vector>
 
+class AxisSums;
+class GridSide;
+
 /**
- * Predictions over a product grid. The correlation is a product over the inputs, so that the axes
- * split into a fast and a slow group, and the predictions are a matrix product: correlations of the
- * fast combinations with the cases, times weighted ones of the slow combinations. The trend
- * follows as some more columns of both. Two to three operations for each point and case remain,
- * which the matrix product does near the speed limit of the machine.
+ * Predictions over a product grid. The correlation is a product over the inputs, so that a grid
+ * needs far fewer correlations than it has points. In one of two ways, whichever is faster:
+ *
+ * - For each combination of all axes but one, a long one with one input, the weighted correlations
+ *   of the cases are summed along that axis by AxisSums: a few operations per combination and case,
+ *   and some twenty per point. Lines are this with no other axis.
+ * - The axes are split into a fast and a slow group, and the predictions are a matrix product:
+ *   correlations of the fast combinations with the cases, times weighted ones of the slow
+ *   combinations. Two operations for each point and case remain, which the matrix product does near
+ *   the speed limit of the machine.
  *
  * A prediction differs from the scattered one by rounding: by 4 eps times the sum of |w_j c_j| and
  * 1e-12 of the output's standard deviation at most. Memory: the correlations of each value of each
@@ -21,7 +29,7 @@
 class KrigingGrid
 {
 public:
-    /** Whether there is enough repetition for the matrix product to pay. */
+    /** Whether there is enough repetition to be faster than point by point. */
     static bool isWorthwhile(const KrigingPredictor::Parts& parts, const ProductGrid& grid);
 
     /** @param parts are borrowed until the prediction is done. */
@@ -35,18 +43,30 @@ public:
     void predict(double* result) const;
 
 private:
-    class Axis;
-    class Side;
-    class Tile;
-    class Worker;
+    class ProductWorker;
+    class SumWorker;
 
+    const MaternCorrelation& correlation() const;
+    void sortCases();
+    std::vector<double> fixInputs(const std::vector<double*>& columns, const ProductGrid& grid);
     void splitTrend(const std::vector<double>& fixed);
-    std::size_t tilesOf(const Side& side) const;
+    void prepareProduct();
+    void prepareSums();
+    std::size_t tilesOf(const GridSide& side) const;
+    std::size_t panelRanges() const;
 
     const KrigingPredictor::Parts& parts;
     std::size_t rows;
+    double cost; // an estimate
     bool isNowhereFinite = false;
-    std::unique_ptr<Side> fast;
-    std::unique_ptr<Side> slow;
-    std::size_t tileSize;
+    std::unique_ptr<GridSide> fast; // with sums: the axis along which they run
+    std::unique_ptr<GridSide> slow;
+    std::size_t tileSize; // combinations of a side
+
+    // For sums; else empty.
+    std::unique_ptr<const MaternCorrelation> sorted; // cases by their coordinate on that axis
+    std::unique_ptr<const AxisSums> sums;
+    std::vector<std::size_t> positions; // on the axis, of the values in ascending order
+    std::size_t summedStride = 1;       // in rows of the grid
+    std::size_t panelsPerRange = 0;
 };

@@ -385,6 +385,31 @@ void MaternCorrelation::correlateInput(std::size_t input, const double* coordina
         {scaled.data(), 1, count, farthestReach}, result, correlationStride());
 }
 
+const double* MaternCorrelation::scaledCases(std::size_t input) const
+{
+    return scaledColumns.data() + input * stride;
+}
+
+void MaternCorrelation::scale(std::size_t input, const double* coordinates, std::size_t count,
+                              double* result) const
+{
+    scale(input, coordinates, count, 1, result);
+}
+
+MaternCorrelation MaternCorrelation::reordered(const std::vector<std::size_t>& order) const
+{
+    std::vector<double> coordinates(caseCount * inputCount);
+    for (std::size_t k = 0; k < inputCount; ++k) {
+        for (std::size_t j = 0; j < caseCount; ++j) {
+            coordinates[k * caseCount + j] = columns[k * stride + order[j]];
+        }
+    }
+    MaternCorrelation result(caseCount, inputCount, coordinates.data());
+    result.scales = scales;
+    result.scaleCases();
+    return result;
+}
+
 MaternCorrelation MaternCorrelation::restrictedTo(const std::vector<std::size_t>& inputs) const
 {
     std::vector<double> coordinates;

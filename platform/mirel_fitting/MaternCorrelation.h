@@ -90,6 +90,16 @@ public:
     void correlateInput(std::size_t input, const double* coordinates, std::size_t count,
                         double* result) const;
 
+    /** The coordinates of one input in units of length / sqrt(5): those of the cases, and of
+     * points, moved to where correlations are 0 if they are so far away that a square could
+     * overflow. */
+    const double* scaledCases(std::size_t input) const;
+    void scale(std::size_t input, const double* coordinates, std::size_t count,
+               double* result) const;
+
+    /** The same cases in another order: `order[j]` is the present number of case j. */
+    MaternCorrelation reordered(const std::vector<std::size_t>& order) const;
+
     /** The factors of these inputs alone, with the same lengths. */
     MaternCorrelation restrictedTo(const std::vector<std::size_t>& inputs) const;
 

@@ -58,6 +58,26 @@ struct MaternKernels
     void (*addWeightedGradients)(const Points& points, const Cases& cases, const double* weights,
                                  double* gradients, std::size_t stride);
 
+    /** A matrix product that addProducts() sums: `lanes` rows of the left matrix, by columns. */
+    struct Product
+    {
+        const double* left; ///< aligned
+        std::size_t leftStride;
+        const double* right; ///< by columns too
+        std::size_t rightStride;
+        std::size_t count; ///< columns of the left, rows of the right matrix
+    };
+
+    /**
+     * result[i * stride + r] = start[i * startStride + r] + sum over the products, over k, of
+     * left[k * leftStride + r] * right[i * rightStride + k], for r < lanes and i < columns. Each
+     * column comes out the same whatever others there are. `start` and `result` are aligned, and
+     * may be the same; all strides but those of the right matrices are multiples of `lanes`.
+     */
+    void (*addProducts)(const Product* products, std::size_t productCount, const double* start,
+                        std::size_t startStride, std::size_t columns, double* result,
+                        std::size_t stride);
+
     /** Those of instructionSet(). */
     static const MaternKernels& best();
 };

@@ -18,7 +18,7 @@ constexpr std::size_t inputsPerGroup = 32;
 
 SURROGATE_INLINE Vector all(double value)
 {
-    return Vector{} + value;
+    return value - Vector{}; // x - 0 is x for every x, which the compiler knows; x + 0 is not
 }
 
 SURROGATE_INLINE Vector load(const double* from)
@@ -290,6 +290,55 @@ void addWeightedGradients(const MaternKernels::Points& points, const MaternKerne
         return addGradientsOfBlock<Reach::Far>(points, cases, weights, gradients, stride);
     case Reach::Unlimited:
         return addGradientsOfBlock<Reach::Unlimited>(points, cases, weights, gradients, stride);
+    }
+}
+
+/** `columns` columns of addProducts(). */
+template <std::size_t columns>
+SURROGATE_INLINE void
+addProductsTo(const MaternKernels::Product* products, std::size_t productCount, const double* start,
+              std::size_t startStride, double* result, std::size_t stride, std::size_t firstColumn)
+{
+    constexpr std::size_t vectors = MaternKernels::lanes / width;
+    Vector total[columns][vectors];
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t v = 0; v < vectors; ++v) {
+            total[i][v] = load(start + (firstColumn + i) * startStride + v * width);
+        }
+    }
+    for (std::size_t p = 0; p < productCount; ++p) {
+        const MaternKernels::Product& product = products[p];
+        const double* right = product.right + firstColumn * product.rightStride;
+        for (std::size_t k = 0; k < product.count; ++k) {
+            const double* left = product.left + k * product.leftStride;
+            for (std::size_t i = 0; i < columns; ++i) {
+                const Vector factor = all(right[i * product.rightStride + k]);
+                for (std::size_t v = 0; v < vectors; ++v) {
+                    total[i][v] = multiplyAdd(load(left + v * width), factor, total[i][v]);
+                }
+            }
+        }
+    }
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t v = 0; v < vectors; ++v) {
+            store(total[i][v], result + (firstColumn + i) * stride + v * width);
+        }
+    }
+}
+
+void addProducts(const MaternKernels::Product* products, std::size_t productCount,
+                 const double* start, std::size_t startStride, std::size_t columns, double* result,
+                 std::size_t stride)
+{
+    // Eight registers of sums hide the latency of an operation.
+    constexpr std::size_t columnsAtATime = width;
+    std::size_t i = 0;
+    for (; i + columnsAtATime <= columns; i += columnsAtATime) {
+        addProductsTo<columnsAtATime>(products, productCount, start, startStride, result, stride,
+                                      i);
+    }
+    for (; i < columns; ++i) {
+        addProductsTo<1>(products, productCount, start, startStride, result, stride, i);
     }
 }
 

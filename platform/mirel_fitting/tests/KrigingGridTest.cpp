@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingGrid.h>
 
+#include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include "KrigingTestSupport.h"
@@ -253,6 +254,144 @@ TEST(KrigingGrid, GivesTheSameBitsForAnyNumberOfThreads)
     EXPECT_EQ(one, three);
 }
 
+TEST(KrigingGrid, SumsAlongALineForEveryInputAndTrend)
+{
+    for (const int order : {0, 1, 2}) {
+        const Model model(3, order, 30);
+        expectTheScatteredPredictions(model, gridOf(4, {{0, evenly(900, -1.5, 1.5)}}));
+        expectTheScatteredPredictions(model, gridOf(4, {{2, evenly(1201, -1.0, 4.0)}}));
+        expectTheScatteredPredictions(model, gridOf(4, {{3, evenly(5000, 1.0, 5.5)}}));
+    }
+}
+
+TEST(KrigingGrid, SumsOverOneInputOnly)
+{
+    expectTheScatteredPredictions(Model(1, 1, 40), gridOf(2, {{0, evenly(1000, -1.5, 1.5)}}));
+}
+
+TEST(KrigingGrid, SumsAlongALongAxisWhereverItIsNested)
+{
+    const Model model(4, 2, 25);
+    std::vector<std::pair<std::size_t, std::vector<double>>> axes = {
+        {0, evenly(3, -1.5, 1.5)}, {2, evenly(211, -1.0, 4.0)}, {4, evenly(4, 1.0, 5.5)}};
+    do {
+        expectTheScatteredPredictions(model, gridOf(5, axes));
+    } while (std::next_permutation(axes.begin(), axes.end()));
+}
+
+TEST(KrigingGrid, SumsOverValuesInAnyOrder)
+{
+    const Model model(2, 2, 25);
+    UniformNumbers numbers(4);
+    std::vector<double> shuffled = evenly(600, -1.0, 4.0);
+    for (std::size_t i = shuffled.size(); i-- > 1;) {
+        std::swap(shuffled[i], shuffled[numbers.generator() % (i + 1)]);
+    }
+    std::vector<double> repeated = shuffled;
+    for (std::size_t i = 0; i < repeated.size(); ++i) {
+        repeated[i] = repeated[i % 170];
+    }
+    for (const auto& values : {evenly(600, 4.0, -1.0), shuffled, repeated}) {
+        expectTheScatteredPredictions(model, gridOf(3, {{2, values}}));
+        expectTheScatteredPredictions(model, gridOf(3, {{0, evenly(5, -1.0, 1.0)}, {2, values}}));
+        expectTheScatteredPredictions(model, gridOf(3, {{2, values}, {0, evenly(5, -1.0, 1.0)}}));
+    }
+}
+
+TEST(KrigingGrid, SumsOverTheFiniteValuesOfALine)
+{
+    const Model model(2, 1, 25);
+    std::vector<double> values = evenly(800, -1.0, 4.0);
+    for (const std::size_t v : {0, 1, 17, 400, 799}) {
+        values[v] = v == 400 ? infinity : notANumber;
+    }
+    for (const bool isLine : {true, false}) {
+        Columns columns = isLine ? gridOf(3, {{2, values}})
+                                 : gridOf(3, {{2, values}, {0, {-1.0, notANumber, 1.0}}});
+        const std::vector<double> expected = scattered(model, columns);
+        const std::vector<double> tolerance = tolerances(model, columns);
+
+        const std::vector<double> found = overGrid(model, columns);
+
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const bool isFinite = std::isfinite(columns[0][i]) && std::isfinite(columns[2][i]);
+            ASSERT_EQ(std::isnan(found[i]), !isFinite) << i;
+            if (isFinite) {
+                ASSERT_NEAR(found[i], expected[i], tolerance[i]) << i;
+            }
+        }
+    }
+}
+
+TEST(KrigingGrid, GivesNaNAlongALineWithoutAFiniteValue)
+{
+    std::vector<double> values(700, notANumber);
+    values[3] = infinity;
+    for (const double value : overGrid(Model(2, 1, 25), gridOf(3, {{2, values}}))) {
+        ASSERT_TRUE(std::isnan(value));
+    }
+}
+
+TEST(KrigingGrid, SumsAlongALineBesideAColumnThatIsNoInput)
+{
+    const Model model(2, 1, 25);
+    Columns columns = gridOf(3, {{2, evenly(800, -1.0, 4.0)}});
+    columns[1] = columns[2];
+    expectTheScatteredPredictions(model, columns);
+
+    columns[1][5] = notANumber;
+    EXPECT_TRUE(std::isnan(overGrid(model, columns)[5]));
+}
+
+/** Weights that cancel: what sums have in common with each other is rounding of them alone. */
+TEST(KrigingGrid, KeepsTheDigitsOfIllConditionedModels)
+{
+    const auto wave = [](const std::vector<double>& x) {
+        return std::sin(3.0 * x[0]) + (x.size() > 1 ? std::cos(2.0 * x[0] + x[1]) : 0.0);
+    };
+    for (const std::size_t inputs : {1u, 2u}) {
+        const Columns cases = latinHypercube(inputs == 1 ? 60 : 250, inputs, 5);
+        Columns casesCopy = cases;
+        KrigingOptions options;
+        options.trendOrder = 1;
+        options.correlationLengths.assign(inputs, 3.0);
+        options.isNuggetFixed = true;
+        const KrigingFit fit = fitKriging(KrigingCases(pointersTo(casesCopy), cases[0].size()),
+                                          valuesOf(wave, cases), options);
+        Columns columns(inputs);
+        for (std::size_t i = 0; i < 900; ++i) {
+            columns[0].push_back(-0.1 + 1.2 * static_cast<double>(i / (inputs == 1 ? 1 : 3)) /
+                                            (inputs == 1 ? 899.0 : 299.0));
+            if (inputs > 1) {
+                columns[1].push_back(0.4 * static_cast<double>(i % 3));
+            }
+        }
+        Model model(inputs);
+        model.parts = fit.predictor.model();
+        const std::vector<double> tolerance = tolerances(model, columns);
+        EXPECT_GT(tolerance[450], 1e-11 * model.parts.scale) << "nothing cancels";
+
+        expectTheScatteredPredictions(model, columns);
+    }
+}
+
+TEST(KrigingGrid, SumsWithTheSameBitsForAnyNumberOfThreads)
+{
+    const Model model(3, 2, 200);
+    const Columns grid = gridOf(
+        4, {{0, evenly(11, -1.5, 1.5)}, {2, evenly(30, 0.0, 3.0)}, {3, evenly(1501, 1.0, 5.5)}});
+    const Columns line = gridOf(4, {{3, evenly(300000, 1.0, 5.5)}});
+    for (const Columns& columns : {grid, line}) {
+        setThreadCount(1);
+        const std::vector<double> one = overGrid(model, columns);
+        setThreadCount(3);
+        const std::vector<double> three = overGrid(model, columns);
+        setThreadCount(0);
+
+        EXPECT_EQ(one, three);
+    }
+}
+
 TEST(KrigingGrid, IsNotWorthItWithoutRepetition)
 {
     const Model model(2);
@@ -261,6 +400,9 @@ TEST(KrigingGrid, IsNotWorthItWithoutRepetition)
     KrigingPredictor::Parts trendAlone = model.parts;
     trendAlone.correlation = nullptr;
     Columns large = gridOf(3, {{0, evenly(20, -1.0, 1.0)}, {2, evenly(20, 0.0, 3.0)}});
+    Columns longLine = gridOf(3, {{0, evenly(5000, -1.0, 1.0)}});
+    Columns diagonal = longLine;
+    diagonal[2] = diagonal[0];
 
     const auto gridFor = [](Columns& columns) {
         return ProductGrid::split(pointersTo(columns), columns[0].size())[0];
@@ -268,5 +410,7 @@ TEST(KrigingGrid, IsNotWorthItWithoutRepetition)
     EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(line)));
     EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(small)));
     EXPECT_FALSE(KrigingGrid::isWorthwhile(trendAlone, gridFor(large)));
+    EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(diagonal)));
     EXPECT_TRUE(KrigingGrid::isWorthwhile(model.parts, gridFor(large)));
+    EXPECT_TRUE(KrigingGrid::isWorthwhile(model.parts, gridFor(longLine)));
 }

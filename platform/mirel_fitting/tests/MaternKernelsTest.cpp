@@ -233,6 +233,45 @@ TEST_P(MaternKernelsVariants, CorrelateACaseWithItselfToExactlyOne)
     }
 }
 
+TEST_P(MaternKernelsVariants, AddProductsOfSmallMatrices)
+{
+    // Small integers: every order of the additions gives the same.
+    constexpr std::size_t lanes = MaternKernels::lanes;
+    constexpr std::size_t columns = 13;
+    constexpr std::size_t mostRows = 5;
+    AlignedBuffer left(mostRows * 2 * lanes);
+    std::vector<double> right(columns * 7);
+    AlignedBuffer result(columns * 2 * lanes);
+    for (std::size_t i = 0; i < mostRows * 2 * lanes; ++i) {
+        left.data()[i] = static_cast<double>(i % 11) - 4.0;
+    }
+    for (std::size_t i = 0; i < right.size(); ++i) {
+        right[i] = static_cast<double>(i % 13) - 6.0;
+    }
+    const MaternKernels::Product products[] = {
+        {left.data(), 2 * lanes, right.data(), 7, 5},
+        {left.data() + lanes, lanes, right.data() + 1, 7, 2}};
+    for (std::size_t i = 0; i < columns * 2 * lanes; ++i) {
+        result.data()[i] = static_cast<double>(i);
+    }
+
+    MaternKernels::best().addProducts(products, 2, result.data(), 2 * lanes, columns, result.data(),
+                                      2 * lanes);
+
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t r = 0; r < 2 * lanes; ++r) {
+            auto expected = static_cast<double>(i * 2 * lanes + r);
+            for (std::size_t k = 0; r < lanes && k < 5; ++k) {
+                expected += left.data()[k * 2 * lanes + r] * right[i * 7 + k];
+            }
+            for (std::size_t k = 0; r < lanes && k < 2; ++k) {
+                expected += left.data()[lanes + k * lanes + r] * right[i * 7 + 1 + k];
+            }
+            EXPECT_EQ(result.data()[i * 2 * lanes + r], expected) << i << ", " << r;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(, MaternKernelsVariants, testing::ValuesIn(variants),
                          [](const auto& row) { return row.param.name; });
 
