@@ -1,359 +1,36 @@
 #include "Commands.h"
 
 #include "CommandLine.h"
+#include "CommandOutput.h"
 #include "HelpText.h"
+#include "OpenSession.h"
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
 
 #include <session/CaseFileReader.h>
-#include <session/CaseNumbers.h>
-#include <session/FileFingerprint.h>
 #include <session/NumberText.h>
 #include <session/OutputFile.h>
 #include <session/OutputTable.h>
 #include <session/PredictionPoints.h>
 #include <session/ProjectDocument.h>
 #include <session/ProjectReport.h>
-#include <session/QuotedText.h>
 #include <session/SessionErrors.h>
 #include <session/SessionReport.h>
 #include <session/VariableNames.h>
-#include <session/WholeNumber.h>
 
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
-#include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include <nlohmann/json.hpp>
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <string_view>
-#include <system_error>
-#include <utility>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace {
-std::string nameOf(const VarPtr& variable)
-{
-    return variable.lock()->name();
-}
-
-void writeText(const std::string& path, const std::string& text)
-{
-    OutputFile out(path);
-    out.write(text);
-    out.commit();
-}
-
-void note(const CommandLine& line, const std::string& text)
-{
-    if (!line.isQuiet) {
-        std::cerr << text;
-    }
-}
-
-bool isSameFile(const std::string& left, const std::string& right)
-{
-    std::error_code ignored;
-    return !left.empty() && std::filesystem::is_regular_file(left, ignored) &&
-           std::filesystem::equivalent(left, right, ignored);
-}
-
-/** Faults of the files to be written are found before the long work, not after it. */
-void checkOutput(const CommandLine& line)
-{
-    for (const std::string& input : {line.subject, line.cases, line.points}) {
-        if (isSameFile(input, line.output)) {
-            throw UsageError("The output would replace \"" + input +
-                             "\", which is read; name another file.");
-        }
-    }
-    for (const std::string& input : {line.cases, line.points}) {
-        if (isSameFile(input, line.save)) {
-            throw UsageError("The project would replace \"" + input +
-                             "\", which is read; name another file.");
-        }
-    }
-    OutputFile::check(line.output);
-    if (!line.save.empty()) {
-        if (line.save == line.output || isSameFile(line.save, line.output)) {
-            throw UsageError("The output and the project cannot both be \"" + line.save + "\".");
-        }
-        OutputFile::check(line.save, OutputFile::KeepsBackup);
-    }
-}
-
-/** Options that name cases, as positions; each mention is a list, and "none" is an empty one. */
-std::vector<std::size_t> excludedCases(const CommandLine& line, std::size_t cases)
-{
-    if (line.excluded == std::vector<std::string>{"none"}) {
-        return {};
-    }
-    std::string text;
-    for (const std::string& list : line.excluded) {
-        text += (text.empty() ? "" : ",") + list;
-    }
-    return readCaseNumbers(text, cases);
-}
-
-void requireRoles(const CommandLine& line, const CaseSession& session)
-{
-    if (line.command == CommandLine::Summary) {
-        return;
-    }
-    if (session.outputs().empty()) {
-        std::string numeric;
-        for (const VarPtr& variable : session.project().variables()) {
-            if (variable.lock()->isNumeric()) {
-                numeric += (numeric.empty() ? "\"" : ", \"") + nameOf(variable) + '"';
-            }
-        }
-        throw UsageError("The command needs an output: -y NAME. " +
-                         (numeric.empty() ? "No column is numeric."
-                                          : "The numeric columns are: " + numeric + '.'));
-    }
-    if (session.inputs().empty()) {
-        throw UsageError(line.startsFromProject() ? "The project has no input; name one: -x NAME."
-                                                  : "No numeric column is left to be an input.");
-    }
-}
-
-/** Reads the case file of a project, or the one that is to take its place. */
-CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
-{
-    const ProjectDocument::CaseFile& known = document.caseFile;
-    CaseFileReader::Options options;
-    options.separator = line.separator;
-    options.decimalMark = line.decimalMark;
-    if (!line.cases.empty()) {
-        if (FileFingerprint::of(line.cases) != known.fingerprint) {
-            note(line, "Note: \"" + line.cases +
-                           "\" holds other data than the case file that the project was saved "
-                           "with.\n");
-        }
-        return CaseFileReader::read(line.cases, options);
-    }
-
-    const std::string fault = document.checkCaseFile().sentence;
-    if (!fault.empty()) {
-        throw ProjectDocumentError(fault);
-    }
-    if (!options.separator) {
-        options.separator = known.separator;
-    }
-    if (!options.decimalMark) {
-        options.decimalMark = known.hasDecimalComma ? CellValue::Comma : CellValue::Point;
-    }
-    return CaseFileReader::read(known.path, options);
-}
-
-/** The inputs of a document's model that its variables have as inputs; the others are none. */
-std::vector<std::string> independentInputs(const ProjectDocument& document)
-{
-    std::vector<std::string> inputs;
-    for (const std::string& name : document.modelInputs()) {
-        const auto& entries = document.variables;
-        const auto entry = std::find_if(entries.begin(), entries.end(),
-                                        [&](const auto& other) { return other.name == name; });
-        if (entry != entries.end() && entry->role == Variable::Independent) {
-            inputs.push_back(name);
-        }
-    }
-    return inputs;
-}
-
-/** The roles that a document gives; names that the table does not hold are left to load(). */
-CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
-{
-    const std::vector<std::string> names = table.names();
-    const auto positions = [&](const std::vector<std::string>& wanted) {
-        std::vector<std::size_t> found;
-        for (const std::string& name : wanted) {
-            const auto at = std::find(names.begin(), names.end(), name);
-            if (at != names.end()) {
-                found.push_back(static_cast<std::size_t>(at - names.begin()));
-            }
-        }
-        return found;
-    };
-    return {positions(independentInputs(document)), positions(document.outputs)};
-}
-
-/** The library passes over inputs that are none, and the numbers are others without them. */
-void noteMissingInputs(const CommandLine& line, const ProjectDocument& document,
-                       const CaseSession& session)
-{
-    const std::vector<std::string> present = namesOf(session.inputs());
-    for (const std::string& name : document.modelInputs()) {
-        if (std::find(present.begin(), present.end(), name) == present.end()) {
-            note(line, "Note: the input " + quotedText(name) +
-                           " of the project is left out, it is no independent variable there.\n");
-        }
-    }
-}
-
-/** The library takes every type that it does not know for Kriging. */
-void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
-{
-    const std::string type = document.modelType();
-    if (!type.empty() && type != "Kriging" && type != "ResponseModel") {
-        note(line, "Note: the model " + quotedText(type) +
-                       " of the project is not known to this version, which takes kriging.\n");
-    }
-}
-
-/** The choices of a project document, and over them those of the command line. */
-CaseSession openProject(const CommandLine& line)
-{
-    const ProjectDocument document = ProjectDocument::load(line.subject);
-    if (isSameFile(document.caseFile.path, line.output)) {
-        throw UsageError("The output would replace \"" + document.caseFile.path +
-                         "\", the project's case file; name another file.");
-    }
-    CaseTable table = readProjectCases(line, document);
-    const CaseRoles roles =
-        chooseCaseRoles(table, line.inputs, line.outputs, rolesOf(document, table));
-    const std::size_t cases = table.cases;
-
-    CaseSession session(std::move(table));
-    session.load(document);
-    if (line.inputs.empty()) {
-        noteMissingInputs(line, document, session);
-    }
-    if (!line.inputs.empty() || !line.outputs.empty()) {
-        session.chooseRoles(roles);
-    }
-    if (!line.excluded.empty()) {
-        session.exclude(excludedCases(line, cases));
-    }
-    if (line.model) {
-        session.chooseModel(*line.model);
-    } else {
-        noteUnknownModel(line, document);
-    }
-    return session;
-}
-
-/** A project document of another name, such as a backup, would be read as a faulty table. */
-void refuseDocumentAsCases(const std::string& path)
-{
-    constexpr std::string_view declaration = "<?xml";
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
-        return;
-    }
-    std::array<char, declaration.size()> beginning = {};
-    std::ifstream(path, std::ios::binary).read(beginning.data(), beginning.size());
-    if (std::string_view(beginning.data(), beginning.size()) == declaration) {
-        throw CaseDataError("\"" + path +
-                            "\" is an XML document, not a table of cases; if it is a "
-                            "project, give it a name that ends with " +
-                            ProjectDocument::fileEnding + '.');
-    }
-}
-
-CaseSession openCases(const CommandLine& line)
-{
-    refuseDocumentAsCases(line.subject);
-    if (isSameFile(line.subject, line.save)) {
-        throw UsageError("The project would replace \"" + line.subject +
-                         "\", which is read; name another file.");
-    }
-    CaseFileReader::Options options;
-    options.separator = line.separator;
-    options.decimalMark = line.decimalMark;
-    CaseTable table = CaseFileReader::read(line.subject, options);
-    const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
-    const std::vector<std::size_t> excluded =
-        line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
-    return CaseSession(std::move(table), roles, excluded,
-                       line.model.value_or(CaseSession::ResponseSurface));
-}
-
-/** The cases with what was chosen, and how long it took to get there. */
-struct OpenSession
-{
-    explicit OpenSession(const CommandLine& line)
-        : start(std::chrono::steady_clock::now()),
-          session(line.startsFromProject() ? openProject(line) : openCases(line)),
-          readSeconds(
-              std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
-    {
-        requireRoles(line, session);
-    }
-
-    std::chrono::steady_clock::time_point start;
-    CaseSession session;
-    double readSeconds;
-};
-
-/** Keeps what was chosen, once the work with it has gone well. */
-void save(const CommandLine& line, const CaseSession& session)
-{
-    if (!line.save.empty()) {
-        session.document().save(line.save);
-    }
-}
-
-/** Finds the inputs that values are given for. */
-class InputFinder
-{
-public:
-    explicit InputFinder(const CaseSession& session)
-        : variables(namesOf(session.project().variables())), inputs(namesOf(session.inputs())),
-          isTaken(inputs.size())
-    {}
-
-    /** The input and the value of a text NAME=VALUE; each input may come once. */
-    std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
-    {
-        const auto [position, value] = variables.assignment(option, text);
-        const std::string& name = variables.names()[position];
-        const auto found = std::find(inputs.begin(), inputs.end(), name);
-        if (found == inputs.end()) {
-            throw UsageError('"' + name + "\" is no input, so that " + option +
-                             " has no meaning for it.");
-        }
-        const auto input = static_cast<std::size_t>(found - inputs.begin());
-        if (isTaken[input]) {
-            throw UsageError("\"" + name +
-                             "\" has values twice: name it in one of --sweep, --count and --at.");
-        }
-        isTaken[input] = true;
-        return {input, value};
-    }
-
-private:
-    VariableNames variables;
-    std::vector<std::string> inputs;
-    std::vector<bool> isTaken;
-};
-
-void chooseValues(const CommandLine& line, CaseSession& session)
-{
-    InputFinder inputs(session);
-    for (const std::string& text : line.sweeps) {
-        const auto [input, value] = inputs.find("--sweep", text);
-        session.sweep(input, value);
-    }
-    for (const std::string& text : line.counts) {
-        const auto [input, value] = inputs.find("--count", text);
-        session.sweepEvenly(input, readWholeNumber("--count " + nameOf(session.inputs()[input]),
-                                                   value, 2, CaseSession::mostSweptValues));
-    }
-    for (const std::string& text : line.values) {
-        const auto [input, value] = inputs.find("--at", text);
-        session.stayAt(input, value);
-    }
-}
-
 /** A table is the data: with --json it is a member of the object, unless it goes to a file. */
 void writeTable(const CommandLine& line, const OutputTable& table, CaseSession& session,
                 double readSeconds)
@@ -384,7 +61,7 @@ void writeTable(const CommandLine& line, const OutputTable& table, CaseSession& 
 void runSummary(const CommandLine& line)
 {
     const OpenSession open(line);
-    save(line, open.session);
+    open.save(line);
     writeText(line.output, line.asJson ? SessionReport::summaryJson(open.session)
                                        : SessionReport::summaryText(open.session));
 }
@@ -396,7 +73,7 @@ void runFit(const CommandLine& line)
         const TerminalProgress progress(line.isQuiet);
         open.session.fit();
     }
-    save(line, open.session);
+    open.save(line);
     writeText(line.output, line.asJson ? SessionReport::fitJson(open.session, open.readSeconds)
                                        : SessionReport::fitText(open.session));
 }
@@ -404,13 +81,13 @@ void runFit(const CommandLine& line)
 void runEvaluate(const CommandLine& line)
 {
     OpenSession open(line);
-    chooseValues(line, open.session);
+    open.chooseValues(line);
     vtkSmartPointer<vtkTable> values;
     {
         const TerminalProgress progress(line.isQuiet);
         values = open.session.evaluate();
     }
-    save(line, open.session);
+    open.save(line);
 
     OutputTable table;
     table.rows = static_cast<std::size_t>(values->GetNumberOfRows());
@@ -435,7 +112,7 @@ void runPredict(const CommandLine& line)
         const TerminalProgress progress(line.isQuiet);
         predictions = open.session.predict(points.inputColumns(), points.count());
     }
-    save(line, open.session);
+    open.save(line);
     writeTable(line, points.withPredictions(predictions), open.session, open.readSeconds);
 }
 
@@ -447,7 +124,7 @@ void runEquations(const CommandLine& line)
                          "kriging: add -m response-surface.");
     }
     open.session.fit();
-    save(line, open.session);
+    open.save(line);
     const bool isOnlyObject = line.asJson && line.output == "-";
     if (!isOnlyObject) {
         writeText(line.output, open.session.equationText());
@@ -463,10 +140,10 @@ void runPlot(const CommandLine& line)
 {
     PlotCommand::check(line);
     OpenSession open(line);
-    chooseValues(line, open.session);
+    open.chooseValues(line);
     PlotCommand::check(line, open.session);
     PlotCommand::run(line, open.session);
-    save(line, open.session);
+    open.save(line);
     note(line, SessionReport::notes(open.session));
 }
 

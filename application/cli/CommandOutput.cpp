@@ -1,0 +1,54 @@
+#include "CommandOutput.h"
+
+#include "CommandLine.h"
+
+#include <session/OutputFile.h>
+#include <session/SessionErrors.h>
+
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+void writeText(const std::string& path, const std::string& text)
+{
+    OutputFile out(path);
+    out.write(text);
+    out.commit();
+}
+
+void note(const CommandLine& line, const std::string& text)
+{
+    if (!line.isQuiet) {
+        std::cerr << text;
+    }
+}
+
+bool isSameFile(const std::string& left, const std::string& right)
+{
+    std::error_code ignored;
+    return !left.empty() && std::filesystem::is_regular_file(left, ignored) &&
+           std::filesystem::equivalent(left, right, ignored);
+}
+
+void checkOutput(const CommandLine& line)
+{
+    for (const std::string& input : {line.subject, line.cases, line.points}) {
+        if (isSameFile(input, line.output)) {
+            throw UsageError("The output would replace \"" + input +
+                             "\", which is read; name another file.");
+        }
+    }
+    for (const std::string& input : {line.cases, line.points}) {
+        if (isSameFile(input, line.save)) {
+            throw UsageError("The project would replace \"" + input +
+                             "\", which is read; name another file.");
+        }
+    }
+    OutputFile::check(line.output);
+    if (!line.save.empty()) {
+        if (line.save == line.output || isSameFile(line.save, line.output)) {
+            throw UsageError("The output and the project cannot both be \"" + line.save + "\".");
+        }
+        OutputFile::check(line.save, OutputFile::KeepsBackup);
+    }
+}

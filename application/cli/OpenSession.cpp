@@ -1,0 +1,287 @@
+#include "OpenSession.h"
+
+#include "CommandLine.h"
+#include "CommandOutput.h"
+
+#include <session/CaseFileReader.h>
+#include <session/CaseNumbers.h>
+#include <session/FileFingerprint.h>
+#include <session/ProjectDocument.h>
+#include <session/QuotedText.h>
+#include <session/SessionErrors.h>
+#include <session/VariableNames.h>
+#include <session/WholeNumber.h>
+
+#include <mirel_datamanagement/Project.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace {
+std::string nameOf(const VarPtr& variable)
+{
+    return variable.lock()->name();
+}
+
+/** Options that name cases, as positions; each mention is a list, and "none" is an empty one. */
+std::vector<std::size_t> excludedCases(const CommandLine& line, std::size_t cases)
+{
+    if (line.excluded == std::vector<std::string>{"none"}) {
+        return {};
+    }
+    std::string text;
+    for (const std::string& list : line.excluded) {
+        text += (text.empty() ? "" : ",") + list;
+    }
+    return readCaseNumbers(text, cases);
+}
+
+void requireRoles(const CommandLine& line, const CaseSession& session)
+{
+    if (line.command == CommandLine::Summary) {
+        return;
+    }
+    if (session.outputs().empty()) {
+        std::string numeric;
+        for (const VarPtr& variable : session.project().variables()) {
+            if (variable.lock()->isNumeric()) {
+                numeric += (numeric.empty() ? "\"" : ", \"") + nameOf(variable) + '"';
+            }
+        }
+        throw UsageError("The command needs an output: -y NAME. " +
+                         (numeric.empty() ? "No column is numeric."
+                                          : "The numeric columns are: " + numeric + '.'));
+    }
+    if (session.inputs().empty()) {
+        throw UsageError(line.startsFromProject() ? "The project has no input; name one: -x NAME."
+                                                  : "No numeric column is left to be an input.");
+    }
+}
+
+/** Reads the case file of a project, or the one that is to take its place. */
+CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
+{
+    const ProjectDocument::CaseFile& known = document.caseFile;
+    CaseFileReader::Options options;
+    options.separator = line.separator;
+    options.decimalMark = line.decimalMark;
+    if (!line.cases.empty()) {
+        if (FileFingerprint::of(line.cases) != known.fingerprint) {
+            note(line, "Note: \"" + line.cases +
+                           "\" holds other data than the case file that the project was saved "
+                           "with.\n");
+        }
+        return CaseFileReader::read(line.cases, options);
+    }
+
+    const std::string fault = document.checkCaseFile().sentence;
+    if (!fault.empty()) {
+        throw ProjectDocumentError(fault);
+    }
+    if (!options.separator) {
+        options.separator = known.separator;
+    }
+    if (!options.decimalMark) {
+        options.decimalMark = known.hasDecimalComma ? CellValue::Comma : CellValue::Point;
+    }
+    return CaseFileReader::read(known.path, options);
+}
+
+/** The inputs of a document's model that its variables have as inputs; the others are none. */
+std::vector<std::string> independentInputs(const ProjectDocument& document)
+{
+    std::vector<std::string> inputs;
+    for (const std::string& name : document.modelInputs()) {
+        const auto& entries = document.variables;
+        const auto entry = std::find_if(entries.begin(), entries.end(),
+                                        [&](const auto& other) { return other.name == name; });
+        if (entry != entries.end() && entry->role == Variable::Independent) {
+            inputs.push_back(name);
+        }
+    }
+    return inputs;
+}
+
+/** The roles that a document gives; names that the table does not hold are left to load(). */
+CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
+{
+    const std::vector<std::string> names = table.names();
+    const auto positions = [&](const std::vector<std::string>& wanted) {
+        std::vector<std::size_t> found;
+        for (const std::string& name : wanted) {
+            const auto at = std::find(names.begin(), names.end(), name);
+            if (at != names.end()) {
+                found.push_back(static_cast<std::size_t>(at - names.begin()));
+            }
+        }
+        return found;
+    };
+    return {positions(independentInputs(document)), positions(document.outputs)};
+}
+
+/** The library passes over inputs that are none, and the numbers are others without them. */
+void noteMissingInputs(const CommandLine& line, const ProjectDocument& document,
+                       const CaseSession& session)
+{
+    const std::vector<std::string> present = namesOf(session.inputs());
+    for (const std::string& name : document.modelInputs()) {
+        if (std::find(present.begin(), present.end(), name) == present.end()) {
+            note(line, "Note: the input " + quotedText(name) +
+                           " of the project is left out, it is no independent variable there.\n");
+        }
+    }
+}
+
+/** The library takes every type that it does not know for Kriging. */
+void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
+{
+    const std::string type = document.modelType();
+    if (!type.empty() && type != "Kriging" && type != "ResponseModel") {
+        note(line, "Note: the model " + quotedText(type) +
+                       " of the project is not known to this version, which takes kriging.\n");
+    }
+}
+
+/** The choices of a project document, and over them those of the command line. */
+CaseSession openProject(const CommandLine& line)
+{
+    const ProjectDocument document = ProjectDocument::load(line.subject);
+    if (isSameFile(document.caseFile.path, line.output)) {
+        throw UsageError("The output would replace \"" + document.caseFile.path +
+                         "\", the project's case file; name another file.");
+    }
+    CaseTable table = readProjectCases(line, document);
+    const CaseRoles roles =
+        chooseCaseRoles(table, line.inputs, line.outputs, rolesOf(document, table));
+    const std::size_t cases = table.cases;
+
+    CaseSession session(std::move(table));
+    session.load(document);
+    if (line.inputs.empty()) {
+        noteMissingInputs(line, document, session);
+    }
+    if (!line.inputs.empty() || !line.outputs.empty()) {
+        session.chooseRoles(roles);
+    }
+    if (!line.excluded.empty()) {
+        session.exclude(excludedCases(line, cases));
+    }
+    if (line.model) {
+        session.chooseModel(*line.model);
+    } else {
+        noteUnknownModel(line, document);
+    }
+    return session;
+}
+
+/** A project document of another name, such as a backup, would be read as a faulty table. */
+void refuseDocumentAsCases(const std::string& path)
+{
+    constexpr std::string_view declaration = "<?xml";
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        return;
+    }
+    std::array<char, declaration.size()> beginning = {};
+    std::ifstream(path, std::ios::binary).read(beginning.data(), beginning.size());
+    if (std::string_view(beginning.data(), beginning.size()) == declaration) {
+        throw CaseDataError("\"" + path +
+                            "\" is an XML document, not a table of cases; if it is a "
+                            "project, give it a name that ends with " +
+                            ProjectDocument::fileEnding + '.');
+    }
+}
+
+CaseSession openCases(const CommandLine& line)
+{
+    refuseDocumentAsCases(line.subject);
+    if (isSameFile(line.subject, line.save)) {
+        throw UsageError("The project would replace \"" + line.subject +
+                         "\", which is read; name another file.");
+    }
+    CaseFileReader::Options options;
+    options.separator = line.separator;
+    options.decimalMark = line.decimalMark;
+    CaseTable table = CaseFileReader::read(line.subject, options);
+    const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
+    const std::vector<std::size_t> excluded =
+        line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
+    return CaseSession(std::move(table), roles, excluded,
+                       line.model.value_or(CaseSession::ResponseSurface));
+}
+
+/** Finds the inputs that values are given for. */
+class InputFinder
+{
+public:
+    explicit InputFinder(const CaseSession& session)
+        : variables(namesOf(session.project().variables())), inputs(namesOf(session.inputs())),
+          isTaken(inputs.size())
+    {}
+
+    /** The input and the value of a text NAME=VALUE; each input may come once. */
+    std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
+    {
+        const auto [position, value] = variables.assignment(option, text);
+        const std::string& name = variables.names()[position];
+        const auto found = std::find(inputs.begin(), inputs.end(), name);
+        if (found == inputs.end()) {
+            throw UsageError('"' + name + "\" is no input, so that " + option +
+                             " has no meaning for it.");
+        }
+        const auto input = static_cast<std::size_t>(found - inputs.begin());
+        if (isTaken[input]) {
+            throw UsageError("\"" + name +
+                             "\" has values twice: name it in one of --sweep, --count and --at.");
+        }
+        isTaken[input] = true;
+        return {input, value};
+    }
+
+private:
+    VariableNames variables;
+    std::vector<std::string> inputs;
+    std::vector<bool> isTaken;
+};
+} // namespace
+
+OpenSession::OpenSession(const CommandLine& line)
+    : start(std::chrono::steady_clock::now()),
+      session(line.startsFromProject() ? openProject(line) : openCases(line)),
+      readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
+{
+    requireRoles(line, session);
+}
+
+void OpenSession::chooseValues(const CommandLine& line)
+{
+    InputFinder inputs(session);
+    for (const std::string& text : line.sweeps) {
+        const auto [input, value] = inputs.find("--sweep", text);
+        session.sweep(input, value);
+    }
+    for (const std::string& text : line.counts) {
+        const auto [input, value] = inputs.find("--count", text);
+        session.sweepEvenly(input, readWholeNumber("--count " + nameOf(session.inputs()[input]),
+                                                   value, 2, CaseSession::mostSweptValues));
+    }
+    for (const std::string& text : line.values) {
+        const auto [input, value] = inputs.find("--at", text);
+        session.stayAt(input, value);
+    }
+}
+
+void OpenSession::save(const CommandLine& line) const
+{
+    if (!line.save.empty()) {
+        session.document().save(line.save);
+    }
+}
