@@ -11,17 +11,15 @@
 #include <map>
 
 namespace {
-const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
-                                                              {"fit", CommandLine::Fit},
-                                                              {"evaluate", CommandLine::Evaluate},
-                                                              {"predict", CommandLine::Predict},
-                                                              {"equations", CommandLine::Equations},
-                                                              {"plot", CommandLine::Plot},
-                                                              {"check", CommandLine::Check},
-                                                              {"project", CommandLine::Project},
-                                                              {"help", CommandLine::Help}};
+const std::map<std::string, CommandLine::Command> commands = {
+    {"summary", CommandLine::Summary},     {"fit", CommandLine::Fit},
+    {"evaluate", CommandLine::Evaluate},   {"predict", CommandLine::Predict},
+    {"equations", CommandLine::Equations}, {"plot", CommandLine::Plot},
+    {"compare", CommandLine::Compare},     {"check", CommandLine::Check},
+    {"project", CommandLine::Project},     {"help", CommandLine::Help}};
 
 constexpr int mostThreads = 1024;
+constexpr std::size_t mostFolds = 1000000;
 
 CommandLine::Command commandOf(const std::string& word)
 {
@@ -29,7 +27,7 @@ CommandLine::Command commandOf(const std::string& word)
     if (found == commands.end()) {
         throw UsageError("There is no command \"" + word +
                          "\". The commands are: summary, fit, evaluate, predict, equations, "
-                         "plot, check, project; surrogate --help describes them.");
+                         "compare, plot, check, project; surrogate --help describes them.");
     }
     return found->second;
 }
@@ -71,6 +69,7 @@ struct Words
     std::string separator;
     std::string decimalMark;
     std::string threads;
+    std::string folds;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };
@@ -100,6 +99,7 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--kind", line.kind);
     app.add_option("--size", line.size);
     app.add_option("--threads", words.threads);
+    app.add_option("--folds", words.folds);
     app.add_flag("--json", line.asJson);
     app.add_flag("-q,--quiet", line.isQuiet);
     app.add_flag("-h,--help", words.wantsHelp);
@@ -170,6 +170,10 @@ void checkCombination(const CommandLine& line)
     require(!hasRoles || !isCheck, "The command check takes a text, no variables and no cases.");
     require(line.model != CaseSession::Kriging || line.command != CommandLine::Equations,
             "Only the response surface has equations: leave out -m kriging.");
+    require(!line.model || line.command != CommandLine::Compare,
+            "The command compare takes both models: leave out -m.");
+    require(!line.folds || line.command == CommandLine::Compare,
+            "--folds belongs to the command compare.");
     require(line.subject != "-" || line.points != "-",
             "The cases and the points cannot both come from the standard input.");
 }
@@ -214,6 +218,9 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     if (app.count("--threads") > 0) {
         line.threads =
             static_cast<int>(readWholeNumber("--threads", words.threads, 1, mostThreads));
+    }
+    if (app.count("--folds") > 0) {
+        line.folds = readWholeNumber("--folds", words.folds, 2, mostFolds);
     }
     checkCombination(line);
     return line;

@@ -19,6 +19,7 @@ struct CommandLine
         Predict,
         Equations,
         Plot,
+        Compare,
         Check,
         Project,
         Help,
@@ -40,8 +41,9 @@ struct CommandLine
     std::vector<std::string> values;
     std::string points;
     std::string output = "-";
-    std::string kind;                ///< of a picture
-    std::optional<std::string> size; ///< of a picture
+    std::string kind;                 ///< of a picture
+    std::optional<std::string> size;  ///< of a picture
+    std::optional<std::size_t> folds; ///< of compare
     bool asJson = false;
     bool isQuiet = false;
     int threads = 0; ///< 0: all cores

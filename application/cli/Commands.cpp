@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "CommandOutput.h"
+#include "CompareCommand.h"
 #include "HelpText.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
@@ -207,6 +208,8 @@ void run(const CommandLine& line)
         return runEquations(line);
     case CommandLine::Plot:
         return runPlot(line);
+    case CommandLine::Compare:
+        return CompareCommand::run(line);
     case CommandLine::Project:
         return runProject(line);
     default:

@@ -15,6 +15,8 @@ Commands
               column "NAME predicted" for each output; empty where an input is missing
   equations   the response-surface equations, with a legend of their symbols
   plot        a picture (--kind, -o FILE.svg, FILE.png or FILE.pdf), with a panel for each output
+  compare     response surface and Kriging by cross-validation: how well each predicts cases that
+              it has not seen, and which one to use, per output
   project     what a project document holds, and whether its case file is there
   check TEXT  the values of a distribution text, or what is wrong with it; reads no file
 
@@ -45,6 +47,11 @@ Roles
 
 Model
   -m, --model M    response-surface (default) or kriging
+
+Comparison (compare)
+  --folds K        the cases are parted into K folds, each predicted by models of the others; 10,
+                   or fewer if there are fewer cases. Copies of a case stay together, and the same
+                   cases are always parted alike
 
 Values (evaluate, plot)
   --sweep NAME=TEXT   the values of a distribution text, such as 4 - 80 : 20, 42 (a range of 20

@@ -1,6 +1,7 @@
 #include "session/CaseSession.h"
 
 #include "session/FileFingerprint.h"
+#include "session/InputSymbols.h"
 #include "session/ProjectDocument.h"
 #include "session/SessionErrors.h"
 #include "session/SessionState.h"
@@ -28,8 +29,6 @@
 #include <vtkTable.h>
 
 #include <algorithm>
-#include <cctype>
-#include <charconv>
 #include <chrono>
 #include <map>
 #include <set>
@@ -59,39 +58,6 @@ public:
     static ErrorTaker* New() { return new ErrorTaker; }
     void Execute(vtkObject*, unsigned long, void*) override {}
 };
-
-/**
- * A sentence of the fitting library with the inputs' names, in quotes, where it has its symbols for
- * them: V1, V2, ... in the order of the inputs. Two symbols side by side are a product; names may
- * hold blanks, so it gets its sign.
- */
-std::string withNames(const std::string& sentence, const std::vector<std::string>& inputs)
-{
-    const auto isWordCharacter = [](char character) {
-        return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
-    };
-    std::string result;
-    std::size_t productAt = std::string::npos; // where a symbol would be the second of a product
-    for (std::size_t i = 0; i < sentence.size();) {
-        const bool beginsWord = i == 0 || !isWordCharacter(sentence[i - 1]);
-        std::size_t symbol = 0;
-        std::size_t end = i + 1;
-        if (beginsWord && sentence[i] == 'V') {
-            const char* const last = sentence.data() + sentence.size();
-            const auto read = std::from_chars(sentence.data() + i + 1, last, symbol);
-            end = static_cast<std::size_t>(read.ptr - sentence.data());
-        }
-        const bool endsWord = end == sentence.size() || !isWordCharacter(sentence[end]);
-        if (symbol > 0 && symbol <= inputs.size() && endsWord) {
-            result += (i == productAt ? "* \"" : "\"") + inputs[symbol - 1] + '"';
-            i = end;
-            productAt = sentence.compare(end, 1, " ") == 0 ? end + 1 : std::string::npos;
-        } else {
-            result += sentence[i++];
-        }
-    }
-    return result;
-}
 
 /** The values of a text; the message names the variable and, in one sentence, the fault. */
 std::vector<double> valuesOf(const std::string& text, const std::string& name)
@@ -168,9 +134,10 @@ public:
     void lookOutside(const std::vector<double*>& points, std::size_t count)
     {
         const auto* const model = dynamic_cast<const ExtrapolationInterface*>(fitted);
-        extrapolation = model == nullptr ? std::string()
-                                         : withNames(model->extrapolationWarning(points, count),
-                                                     namesOf(inputs));
+        extrapolation =
+            model == nullptr
+                ? std::string()
+                : withInputNames(model->extrapolationWarning(points, count), namesOf(inputs));
     }
 
     /** @param table the inputs in its first columns. */
@@ -251,6 +218,11 @@ const std::vector<VarPtr>& CaseSession::outputs() const
 const CaseCounts& CaseSession::counts() const
 {
     return impl->counts();
+}
+
+std::vector<std::size_t> CaseSession::validCases() const
+{
+    return ::validCases(*impl->state.project, impl->inputs, impl->state.outputs, impl->excluded());
 }
 
 void CaseSession::chooseRoles(const CaseRoles& roles)
@@ -401,9 +373,7 @@ std::vector<OutputFit> CaseSession::fits()
 
     const std::vector<std::string> inputNames = namesOf(impl->inputs);
     const std::vector<std::size_t> cases =
-        kriging == nullptr
-            ? std::vector<std::size_t>()
-            : validCases(*impl->state.project, impl->inputs, impl->state.outputs, impl->excluded());
+        kriging == nullptr ? std::vector<std::size_t>() : validCases();
     std::vector<OutputFit> results;
     results.reserve(impl->state.outputs.size());
     for (const VarPtr& output : impl->state.outputs) {
@@ -413,7 +383,7 @@ std::vector<OutputFit> CaseSession::fits()
         if (metrics != nullptr) {
             result.metrics = metrics->fitMetrics(offset);
             for (const std::string& warning : metrics->fitWarnings(offset)) {
-                result.warnings.push_back(withNames(warning, inputNames));
+                result.warnings.push_back(withInputNames(warning, inputNames));
             }
         }
         if (kriging != nullptr) {

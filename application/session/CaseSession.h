@@ -95,6 +95,9 @@ public:
     /** Valid until the cases, their roles or the chosen inputs change. */
     const CaseCounts& counts() const;
 
+    /** The positions of the valid cases, ascending: what a model calls its rows. */
+    std::vector<std::size_t> validCases() const;
+
     /** The columns at these positions become inputs and outputs, all others neither. */
     void chooseRoles(const CaseRoles& roles);
 

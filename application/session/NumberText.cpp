@@ -27,3 +27,14 @@ std::string numberText(double number)
     appendNumber(text, number);
     return text;
 }
+
+std::string shownNumber(double number, int digits)
+{
+    if (std::isnan(number)) {
+        return "-";
+    }
+    std::array<char, 32> buffer;
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                       std::chars_format::general, digits);
+    return std::string(buffer.data(), written.ptr);
+}

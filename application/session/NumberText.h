@@ -12,3 +12,6 @@ SURROGATE_SESSION_EXPORT void appendNumber(std::string& text, double number);
 
 /** That text alone. */
 SURROGATE_SESSION_EXPORT std::string numberText(double number);
+
+/** A number for people to read, of so many digits; "-" for NaN. */
+SURROGATE_SESSION_EXPORT std::string shownNumber(double number, int digits = 6);

@@ -1,42 +1,27 @@
 #include "session/SessionReport.h"
 
 #include "session/NumberText.h"
+#include "session/SessionJson.h"
 #include "session/TextTable.h"
 #include "session/VariableNames.h"
 
 #include <mirel_datamanagement/Project.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <tuple>
 #include <vector>
 
-using Json = nlohmann::ordered_json;
+using SessionJson::casesJson;
+using SessionJson::dumped;
+using SessionJson::Json;
+using SessionJson::schemaVersion;
 
 namespace {
-constexpr int schemaVersion = 1;
-/** Digits in texts for people; programs read the JSON, which has all of them. */
-constexpr int shownDigits = 6;
-
 std::string nameOf(const VarPtr& variable)
 {
     return variable.lock()->name();
-}
-
-std::string shown(double number)
-{
-    if (std::isnan(number)) {
-        return "-";
-    }
-    std::array<char, 32> buffer;
-    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                       std::chars_format::general, shownDigits);
-    return std::string(buffer.data(), written.ptr);
 }
 
 std::string joined(const std::vector<std::string>& texts)
@@ -111,14 +96,6 @@ void forEachInvalid(const CaseSession& session, Action action)
     };
     walk(session.inputs(), counts.invalidByInput);
     walk(session.outputs(), counts.invalidByOutput);
-}
-
-Json casesJson(const CaseCounts& counts)
-{
-    return {{"read", counts.read},
-            {"valid", counts.valid},
-            {"excluded", counts.excluded},
-            {"invalid", counts.invalid}};
 }
 
 std::string modelName(const CaseSession& session)
@@ -208,34 +185,34 @@ std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs
     const FitMetrics& metrics = fit.metrics;
     if (fit.kriging) {
         const KrigingReport& report = *fit.kriging;
-        table.add({"RMSE at the cases", shown(metrics.rmse)});
-        table.add({"leave-one-out RMSE", shown(metrics.looRmse)});
-        table.add({"Q2", shown(metrics.q2)});
-        table.add({"log-likelihood", shown(report.logLikelihood)});
+        table.add({"RMSE at the cases", shownNumber(metrics.rmse)});
+        table.add({"leave-one-out RMSE", shownNumber(metrics.looRmse)});
+        table.add({"Q2", shownNumber(metrics.q2)});
+        table.add({"log-likelihood", shownNumber(report.logLikelihood)});
         if (!std::isnan(report.secondLogLikelihood)) {
-            table.add({"of the second-best maximum", shown(report.secondLogLikelihood)});
+            table.add({"of the second-best maximum", shownNumber(report.secondLogLikelihood)});
         }
-        table.add({"process variance", shown(report.processVariance)});
-        table.add({"nugget", shown(report.nugget) + " of the process variance"});
+        table.add({"process variance", shownNumber(report.processVariance)});
+        table.add({"nugget", shownNumber(report.nugget) + " of the process variance"});
         if (report.noiseDeviation > 0.0) {
-            table.add({"noise, standard deviation", shown(report.noiseDeviation)});
+            table.add({"noise, standard deviation", shownNumber(report.noiseDeviation)});
         }
-        table.add({"condition of the correlations", shown(report.condition)});
+        table.add({"condition of the correlations", shownNumber(report.condition)});
         table.add({"trend", joined(report.trendTerms)});
         for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
             table.add({"correlation length of " + inputs[i],
-                       shown(report.correlationLengths[i]) + boundText(report, i)});
+                       shownNumber(report.correlationLengths[i]) + boundText(report, i)});
         }
         for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
             table.add({"left out, case " + std::to_string(worst.row + 1),
-                       shown(worst.predicted) + " instead of " + shown(worst.output)});
+                       shownNumber(worst.predicted) + " instead of " + shownNumber(worst.output)});
         }
     } else {
-        table.add({"R2", shown(metrics.r2)});
-        table.add({"adjusted R2", shown(metrics.adjustedR2)});
-        table.add({"predicted R2", shown(metrics.predictedR2)});
-        table.add({"RMSE", shown(metrics.rmse)});
-        table.add({"PRESS", shown(metrics.press)});
+        table.add({"R2", shownNumber(metrics.r2)});
+        table.add({"adjusted R2", shownNumber(metrics.adjustedR2)});
+        table.add({"predicted R2", shownNumber(metrics.predictedR2)});
+        table.add({"RMSE", shownNumber(metrics.rmse)});
+        table.add({"PRESS", shownNumber(metrics.press)});
         table.add({"coefficients", std::to_string(metrics.terms)});
     }
 
@@ -244,11 +221,6 @@ std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs
         text += "  Warning: " + warning + '\n';
     }
     return text;
-}
-
-std::string dumped(const Json& json)
-{
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 } // namespace
 
@@ -271,8 +243,8 @@ std::string SessionReport::summaryText(const CaseSession& session)
     table.add({"Variable", "Kind", "Role", "Minimum", "Maximum", "Missing"});
     for (const VariableSummary& variable : summariesOf(session.project())) {
         table.add({variable.name, variable.isNumeric ? "numeric" : "text",
-                   variable.role == "none" ? "-" : variable.role, shown(variable.minimum),
-                   shown(variable.maximum), std::to_string(variable.missing)});
+                   variable.role == "none" ? "-" : variable.role, shownNumber(variable.minimum),
+                   shownNumber(variable.maximum), std::to_string(variable.missing)});
     }
 
     std::string text = table.text("") + "\nCases: " + caseText(session) + '\n';

@@ -1,0 +1,47 @@
+#include "CompareCommand.h"
+
+#include "CommandLine.h"
+#include "CommandOutput.h"
+#include "OpenSession.h"
+#include "TerminalProgress.h"
+
+#include <session/ComparisonReport.h>
+#include <session/ModelComparison.h>
+#include <session/SessionErrors.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+namespace {
+/** As many as asked for, or as usual, as far as there are cases for them. */
+std::size_t foldsFor(const CommandLine& line, const CaseSession& session)
+{
+    const std::size_t most = ModelComparison::mostFolds(session);
+    if (!line.folds) {
+        return std::min(ModelComparison::usualFolds, most);
+    }
+    // With less than two cases no number of folds would be right: that is told by the comparison.
+    if (most >= 2 && *line.folds > most) {
+        throw UsageError("--folds " + std::to_string(*line.folds) +
+                         " is more than there are valid cases, copies counted once: " +
+                         std::to_string(most) + ".");
+    }
+    return *line.folds;
+}
+} // namespace
+
+void CompareCommand::run(const CommandLine& line)
+{
+    const OpenSession open(line);
+    const std::size_t folds = foldsFor(line, open.session);
+    ModelComparison comparison;
+    {
+        const TerminalProgress progress(line.isQuiet);
+        comparison = ModelComparison::of(open.session, folds);
+    }
+    open.save(line);
+    writeText(line.output, line.asJson
+                               ? ComparisonReport::json(open.session, comparison, open.readSeconds)
+                               : ComparisonReport::text(open.session, comparison));
+}

@@ -1,0 +1,82 @@
+// The command compare as users meet it.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <regex>
+#include <string>
+
+namespace {
+using Json = nlohmann::json;
+
+/** The times are all that differs between two runs. */
+std::string withoutTimes(const std::string& text)
+{
+    return std::regex_replace(text, std::regex(" +\\S+\n  (Kriging|Use|There)"), "\n  $1");
+}
+} // namespace
+
+TEST_F(Program, CompareHoldsBothModelsAgainstTheSameCases)
+{
+    const Outcome outcome = run("compare cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity");
+
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    const std::vector<std::string> lines = linesOf(outcome.out);
+    ASSERT_EQ(lines.size(), 15u) << outcome.out;
+    EXPECT_EQ(lines[0], "Cases   11 read, 11 valid, 0 excluded, 0 invalid");
+    EXPECT_EQ(lines[2], "Folds   10, each predicted by models of the cases of all others");
+    EXPECT_EQ(lines[4], "Stress");
+    EXPECT_EQ(lines[6].rfind("  response surface  0.9", 0), 0u) << lines[6];
+    EXPECT_EQ(
+        lines[8].rfind("  There is no clear difference between the models of \"Stress\": ", 0), 0u);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(Program, CompareComesToTheSameOnAnyNumberOfThreads)
+{
+    const std::string one = withoutTimes(run("compare cvd.csv -y Stress --threads 1").out);
+    const std::string two = withoutTimes(run("compare cvd.csv -y Stress --threads 2").out);
+
+    EXPECT_EQ(one, two);
+    EXPECT_NE(one.find("Kriging"), std::string::npos);
+}
+
+TEST_F(Program, CompareAsJson)
+{
+    const Outcome outcome = run("compare cvd.csv -x Pressure,H2/WF6 -y Stress --folds 11 --json");
+
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    const Json json = Json::parse(outcome.out);
+    EXPECT_EQ(json["folds"], 11);
+    EXPECT_EQ(json["outputs"][0]["models"][0]["model"], "response-surface");
+    EXPECT_EQ(json["outputs"][0]["models"][1]["model"], "kriging");
+}
+
+TEST_F(Program, CompareWritesIntoAFileAndKeepsTheChoices)
+{
+    const Outcome outcome =
+        run("compare plane.csv -y y -o compared.txt --save plane.surrogate.xml");
+
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(folder.read("compared.txt").rfind("Cases   6 read", 0), 0u);
+    EXPECT_EQ(run("compare plane.surrogate.xml").exitCode, 0);
+}
+
+TEST_F(Program, CompareRefusesWhatItCannotDo)
+{
+    expectFailure("compare cvd.csv -y Stress -m kriging", 2,
+                  "The command compare takes both models: leave out -m.");
+    expectFailure("compare cvd.csv -y Stress --folds 1", 2,
+                  "--folds needs a whole number from 2 to 1000000, not \"1\".");
+    expectFailure("compare cvd.csv -y Stress --folds many", 2,
+                  "--folds needs a whole number from 2 to 1000000, not \"many\".");
+    expectFailure("compare cvd.csv -y Stress --folds 12", 2,
+                  "--folds 12 is more than there are valid cases, copies counted once: 11.");
+    expectFailure("fit cvd.csv -y Stress --folds 5", 2, "--folds belongs to the command compare.");
+    expectFailure("compare cvd.csv -y Stress --exclude 1-10", 1,
+                  "A comparison leaves cases out and needs at least two that are valid and no "
+                  "copies, but there is one.");
+}
