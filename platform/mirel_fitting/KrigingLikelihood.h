@@ -21,7 +21,7 @@
  * their mean enters s2 and the determinant. Binois, Gramacy, Ludkovski: Practical heteroscedastic
  * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
  *
- * An evaluation costs n^3 / 3 multiplications, its gradient 2 n^3 / 3 more, for any number of
+ * An evaluation costs n^3 / 6 multiplications, its gradient n^3 / 3 more, for any number of
  * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
  * change a bit.
  */
