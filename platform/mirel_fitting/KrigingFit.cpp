@@ -8,6 +8,7 @@
 #include <mirel_fitting/KrigingSubsetSearch.h>
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
+#include <mirel_fitting/MergedOutput.h>
 #include <mirel_fitting/QuadraticBasis.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -39,6 +40,12 @@ std::string counted(std::size_t count, const std::string& noun)
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+bool hasScatter(const KrigingData& merged)
+{
+    return std::any_of(merged.scatter.begin(), merged.scatter.end(),
+                       [](double squares) { return squares > 0.0; });
+}
+
 /** The steps of one fit, and what they hand to each other. */
 class Fitter
 {
@@ -53,10 +60,13 @@ public:
 private:
     void standardise();
     void mergeRows();
+    static void averageRows(KrigingData& merged);
     void chooseTrend();
     bool isExplainedByTrend() const;
     KrigingSearch::Settings searchSettings() const;
     void search();
+    KrigingSearch::Result searchedLengths() const;
+    bool isScatterNegligible(const KrigingData& merged) const;
     void warnOfRaisedNugget();
     KrigingPredictor::Parts commonParts() const;
     KrigingFit withCorrelation();
@@ -88,7 +98,7 @@ private:
     double offset = 0.0; // output = offset + scale * standardised output
     double scale = 1.0;
     std::shared_ptr<KrigingData> data;
-    std::vector<double> rowsAtPoint; // distinct in their output
+    std::vector<double> rowsAtPoint; // that count
     std::vector<double> scatterAtPoint;
     std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
     std::shared_ptr<const KrigingTrend> trend;
@@ -124,58 +134,46 @@ void Fitter::standardise()
     scale = halfRange * std::sqrt(squares / n);
 }
 
-/**
- * One case per distinct point. Rows that repeat another one in its output too say nothing new and
- * count once; different outputs at one point are averaged, their scatter is evidence for noise.
- */
+/** One case per distinct point. */
 void Fitter::mergeRows()
 {
+    std::vector<double> standardised;
+    for (const double y : output) {
+        standardised.push_back((y - offset) / scale);
+    }
+    const MergedOutput merged(cases, standardised);
     data->cases = cases.pointCount();
     data->inputs = cases.activeInputs().size();
     data->coordinates = cases.coordinates();
-    std::size_t copies = 0;
-    std::size_t conflicts = 0;
-    for (std::size_t point = 0; point < data->cases; ++point) {
-        std::vector<double> values;
-        for (const std::size_t row : cases.rowsAt(point)) {
-            values.push_back((output[row] - offset) / scale);
-        }
-        std::sort(values.begin(), values.end());
-        const std::size_t given = values.size();
-        values.erase(std::unique(values.begin(), values.end()), values.end());
-        copies += given - values.size();
-        conflicts += values.size() > 1 ? 1 : 0;
-
-        double mean = 0.0;
-        for (const double value : values) {
-            mean += value / static_cast<double>(values.size());
-        }
-        double squares = 0.0;
-        for (const double value : values) {
-            squares += (value - mean) * (value - mean);
-        }
-        data->output.push_back(mean);
-        rowsAtPoint.push_back(static_cast<double>(values.size()));
-        scatterAtPoint.push_back(squares);
-    }
-    data->rows = rowsAtPoint;
-    data->scatter = scatterAtPoint;
+    data->output = merged.means;
+    data->rows = rowsAtPoint = merged.rows;
+    data->scatter = scatterAtPoint = merged.scatter;
     if (options.isNuggetFixed) {
         // The scatter would be measured against a nugget that nobody fitted to it, and against
         // none at all be infinitely unlikely: the mean is then a case like the others.
-        data->rows.assign(data->cases, 1.0);
-        data->scatter.assign(data->cases, 0.0);
+        averageRows(*data);
     }
+    const std::size_t copies = merged.copies;
     if (copies > 0) {
         warnings.push_back(counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
                            " another case exactly and " + (copies == 1 ? "was" : "were") +
-                           " merged with it.");
+                           (merged.conflicts == 0
+                                ? " merged with it."
+                                : " counted as measured again, since other cases with the same "
+                                  "inputs have different outputs."));
     }
-    if (conflicts > 0) {
-        warnings.push_back("At " + counted(conflicts, "point") +
+    if (merged.conflicts > 0) {
+        warnings.push_back("At " + counted(merged.conflicts, "point") +
                            " several cases have the same inputs but different outputs: the model "
                            "passes through their mean or smooths them.");
     }
+}
+
+/** The mean of the rows at a point becomes a case like any other. */
+void Fitter::averageRows(KrigingData& merged)
+{
+    merged.rows.assign(merged.cases, 1.0);
+    merged.scatter.assign(merged.cases, 0.0);
 }
 
 void Fitter::chooseTrend()
@@ -203,14 +201,14 @@ void Fitter::chooseTrend()
 bool Fitter::isExplainedByTrend() const
 {
     double largest = 0.0;
+    double scatter = 0.0;
     for (std::size_t i = 0; i < data->cases; ++i) {
         largest = std::max(largest, std::fabs(offset / scale + data->output[i]));
-        if (scatterAtPoint[i] > 0.0) {
-            return false;
-        }
+        scatter = std::max(scatter, scatterAtPoint[i] / rowsAtPoint[i]);
     }
     const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
-    return std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
+    return std::sqrt(scatter) <= rounding &&
+           std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
 }
 
 KrigingSearch::Settings Fitter::searchSettings() const
@@ -229,18 +227,47 @@ KrigingSearch::Settings Fitter::searchSettings() const
     return settings;
 }
 
+KrigingSearch::Result Fitter::searchedLengths() const
+{
+    const KrigingSizes& sizes = options.sizes;
+    if (data->cases <= sizes.mostSearched) {
+        return KrigingSearch::run(data, searchSettings());
+    }
+    return KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
+}
+
+/**
+ * Whether rows at the same point differ by less than the least nugget stands for, say by rounding.
+ * The likelihood of such rows prefers an ever smaller process variance, and for its sake lengths
+ * that do not suit the points.
+ */
+bool Fitter::isScatterNegligible(const KrigingData& merged) const
+{
+    const KrigingSearch::Settings settings = searchSettings();
+    const double least = std::max(settings.smallestNugget, settings.soundNugget);
+    return hasScatter(merged) && found.parameters.nugget <= least;
+}
+
 void Fitter::search()
 {
     const KrigingSizes& sizes = options.sizes;
-    if (data->cases > sizes.mostSearched) {
-        const FitProgress::Portion portion(0.0, 0.9); // the rest is measuring
-        found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
+    const bool isSubset = data->cases > sizes.mostSearched;
+    const double searching = isSubset ? 0.9 : 1.0; // of the work; the rest is measuring
+    const double once = hasScatter(*data) ? 0.5 * searching : searching;
+    {
+        const FitProgress::Portion portion(0.0, once);
+        found = searchedLengths();
+    }
+    if (isScatterNegligible(*data)) {
+        averageRows(*data);
+        const FitProgress::Portion portion(once, searching);
+        found = searchedLengths();
+    }
+    if (isSubset) {
         warnings.push_back("There are more than " + std::to_string(sizes.mostSearched) +
                            " distinct cases: the model is the exact one of all of them, with the "
                            "correlation lengths of " +
                            counted(sizes.searched, "case") + " spread over all.");
-    } else {
-        found = KrigingSearch::run(data, searchSettings());
     }
     warnOfRaisedNugget();
 }
@@ -336,7 +363,7 @@ void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double c
  *  what near ones tell. */
 KrigingFit Fitter::ofManyCases()
 {
-    const std::shared_ptr<const KrigingData> all = data;
+    std::shared_ptr<const KrigingData> all = data;
     constexpr double choosing = 0.08; // of the work
     LargeKriging::Subset subset;
     {
@@ -353,11 +380,24 @@ KrigingFit Fitter::ofManyCases()
         chooseTrend();
         return withTrendAlone();
     }
-    subset.data = data;
     subset.trend = trend;
-    const LargeKriging::Result large =
-        LargeKriging::run(all, subset, searchSettings(), options.nugget == 0.0, options.sizes);
-    found = large.found;
+    const auto run = [&](double from, double to) {
+        const FitProgress::Portion part(from, to);
+        subset.data = data;
+        LargeKriging::Result result =
+            LargeKriging::run(all, subset, searchSettings(), options.nugget == 0.0, options.sizes);
+        found = result.found;
+        return result;
+    };
+    const double once = hasScatter(*all) ? 0.5 : 1.0;
+    LargeKriging::Result large = run(0.0, once);
+    if (isScatterNegligible(*all)) {
+        auto averaged = std::make_shared<KrigingData>(*all);
+        averageRows(*averaged);
+        averageRows(*data);
+        all = std::move(averaged);
+        large = run(once, 1.0);
+    }
     warnOfRaisedNugget();
 
     KrigingPredictor::Parts parts = commonParts();
@@ -403,7 +443,8 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
     for (std::size_t i = 0; i < all.cases; ++i) {
         const double rounding = 64.0 * std::numeric_limits<double>::epsilon() *
                                 (1.0 + std::fabs(offset / scale + all.output[i]));
-        if (scatterAtPoint[i] > 0.0 || !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
+        if (!(std::sqrt(scatterAtPoint[i] / rowsAtPoint[i]) <= rounding) ||
+            !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
             return false;
         }
     }

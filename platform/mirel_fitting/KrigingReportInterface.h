@@ -28,9 +28,9 @@ struct KrigingReport
     /**
      * -(n ln(2 pi s2) + ln det R + n) / 2 in the output's units: s2 the process variance, R the
      * correlation matrix with the nugget on its diagonal, n its order. n is the number of cases,
-     * exact copies counted once; where the nugget is fixed, cases with the same inputs are averaged
-     * and n is the number of distinct points. Infinite where s2 is 0: the output is constant, or
-     * the trend passes through all cases.
+     * exact copies counted once unless other cases with the same inputs differ; where the latter
+     * are averaged, n is the number of distinct points. Infinite where s2 is 0: the output is
+     * constant, or the trend passes through all cases.
      */
     double logLikelihood = 0.0;
     /**

@@ -17,10 +17,11 @@
  * by maximum likelihood. A dependent is fitted when it is first wanted, once.
  *
  * Exact copies of a case count once. Cases with the same inputs and different outputs are smoothed
- * by the nugget, or averaged where that is fixed. Inputs that are constant, up to a few units in
- * the last place, have no influence; a constant output, a single case or no input that varies give
- * a constant. Where the nugget is the least that keeps the factorisation sound, it is taken out of
- * the prediction again, so that the cases are met.
+ * by the nugget, copies then being measurements like the others; they are averaged where the nugget
+ * is fixed, or its lower bound stands for more than they differ by. Inputs that are constant, up to
+ * a few units in the last place, have no influence; a constant output, a single case or no input
+ * that varies give a constant. Where the nugget is the least that keeps the factorisation sound, it
+ * is taken out of the prediction again, so that the cases are met.
  *
  * Points that form a grid are predicted as matrix products, which costs a few percent of single
  * points: any Cartesian grid of the inputs, in any nesting, with constant inputs or some that vary

@@ -103,6 +103,66 @@ TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
     EXPECT_NEAR(valueAt(fit, {inputs[0][7]}), output[7] + 0.1, 1e-6);
 }
 
+TEST(KrigingFit, CountsCopiesAsMeasurementsWhereOthersContradict)
+{
+    const Columns inputs = {{0.0, 1.0, 1.0, 1.0, 1.0, 2.0, 2.0, 3.0}};
+    const std::vector<double> output = {2.0, 5.0, 5.0, 5.0, 6.0, 4.0, 4.0, 3.0};
+    KrigingOptions options;
+    options.isNuggetFixed = true;
+
+    const KrigingFit fit = fitOf(inputs, output, options);
+
+    EXPECT_NEAR(valueAt(fit, {1.0}), 5.25, 1e-9);
+    EXPECT_EQ(fit.metrics.cases, 8u);
+    EXPECT_TRUE(warns(fit, "3 cases repeat another case exactly and were counted as measured "
+                           "again, since other cases with the same inputs have different "
+                           "outputs."));
+}
+
+TEST(KrigingFit, EstimatesTheNoiseOfReadingsThatOftenAgree)
+{
+    Columns inputs(1);
+    std::vector<double> output;
+    UniformNumbers numbers(4);
+    for (int point = 0; point < 20; ++point) {
+        for (int reading = 0; reading < 4; ++reading) {
+            inputs[0].push_back(point);
+            output.push_back(std::round(8.0 * std::sin(0.3 * point) + 0.7 * numbers.normal()));
+        }
+    }
+
+    const KrigingFit fit = fitOf(inputs, output);
+
+    // Rounding to whole numbers adds a twelfth to the variance; 60 degrees of freedom estimate a
+    // deviation to about 9 %.
+    EXPECT_NEAR(fit.report.noiseDeviation, std::sqrt(0.49 + 1.0 / 12.0), 0.14);
+}
+
+TEST(KrigingFit, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
+{
+    const Columns once = latinHypercube(20, 1, 3);
+    const std::vector<double> output = valuesOf(wave, once);
+    const KrigingFit plain = fitOf(once, output, withTrend(1));
+    for (const double difference : {1e-14, 1e-10, 1e-7, 1e-6, 1e-5}) {
+        Columns inputs(1);
+        std::vector<double> repeated;
+        for (std::size_t i = 0; i < 20; ++i) {
+            for (const double step : {0.0, -difference, difference}) {
+                inputs[0].push_back(once[0][i]);
+                repeated.push_back(output[i] + step);
+            }
+        }
+
+        const KrigingFit fit = fitOf(inputs, repeated, withTrend(1));
+
+        EXPECT_NEAR(fit.report.correlationLengths[0], plain.report.correlationLengths[0],
+                    0.05 * plain.report.correlationLengths[0])
+            << difference;
+        EXPECT_NEAR(valueAt(fit, {0.37}), valueAt(plain, {0.37}), 1e-6 + 2.0 * difference)
+            << difference;
+    }
+}
+
 TEST(KrigingFit, BearsCasesThatNearlyCoincide)
 {
     Columns inputs = latinHypercube(30, 2, 3);
@@ -299,6 +359,24 @@ TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
     EXPECT_NEAR(fit.report.trendCoefficients[0], 4.0, 1e-12);
     EXPECT_NEAR(fit.report.trendCoefficients[1], 3.0, 1e-12);
     EXPECT_NEAR(fit.report.trendCoefficients[2], -2.0, 1e-12);
+}
+
+TEST(KrigingFit, IsTheTrendWhereRepeatedCasesDifferByRounding)
+{
+    const Columns once = latinHypercube(20, 1, 3);
+    Columns inputs(1);
+    std::vector<double> output;
+    for (const double x : once[0]) {
+        for (const double factor : {1.0, 1.0 + 2.0 * std::numeric_limits<double>::epsilon()}) {
+            inputs[0].push_back(x);
+            output.push_back((4.0 + 3.0 * x) * factor);
+        }
+    }
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    EXPECT_TRUE(
+        warns(fit, "The trend passes through all cases: there is nothing left to correlate."));
 }
 
 TEST(KrigingFit, MeasuresItsErrorsInTheUnitOfTheOutput)

@@ -266,6 +266,27 @@ TEST(LargeKriging, BearsReplicatesNearDuplicatesAndConstantInputs)
     EXPECT_EQ(fit.report.correlationLengths[3], std::numeric_limits<double>::infinity());
 }
 
+TEST(LargeKriging, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
+{
+    Columns inputs = latinHypercube(500, 2, 3);
+    std::vector<double> output = valuesOf(ripples, inputs);
+    const KrigingFit plain = fitOf(inputs, output, manyAreMoreThan(300));
+    for (std::size_t i = 0; i < 500; ++i) {
+        for (std::vector<double>& column : inputs) {
+            column.push_back(column[i]);
+        }
+        output.push_back(output[i] * (1.0 + 1e-14));
+    }
+
+    const KrigingFit fit = fitOf(inputs, output, manyAreMoreThan(300));
+
+    for (std::size_t k = 0; k < 2; ++k) {
+        EXPECT_NEAR(fit.report.correlationLengths[k], plain.report.correlationLengths[k],
+                    0.05 * plain.report.correlationLengths[k]);
+    }
+    EXPECT_NEAR(fit.metrics.looRmse, plain.metrics.looRmse, 0.05 * plain.metrics.looRmse);
+}
+
 TEST(LargeKriging, CountsTheRowsOfACaseInTheLikelihood)
 {
     // In other units each row's density changes by their ratio.
