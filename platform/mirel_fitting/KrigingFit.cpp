@@ -372,11 +372,12 @@ KrigingFit Fitter::ofManyCases()
     }
     const FitProgress::Portion portion(choosing, 1.0);
     data = std::make_shared<KrigingData>(all->subset(subset.indices));
+    const std::size_t warningsOfAll = warnings.size();
     chooseTrend();
     const std::vector<double> coefficients = trend->leastSquares(data->output).coefficients;
     if (isExplainedBy(coefficients, *all)) {
         data = std::make_shared<KrigingData>(*all);
-        warnings.clear(); // of the subset's trend
+        warnings.resize(warningsOfAll); // without those of the subset's trend
         chooseTrend();
         return withTrendAlone();
     }

@@ -321,6 +321,19 @@ TEST(LargeKriging, LeavesATrendThatMeetsAllCasesAlone)
     EXPECT_NEAR(predicted(fit, {{0.25}, {0.5}})[0], 3.0, 1e-12);
 }
 
+TEST(LargeKriging, SaysWhatItIgnoredWhereTheTrendMeetsAllCases)
+{
+    Columns inputs = latinHypercube(500, 2, 3);
+    const auto plane = [](const std::vector<double>& x) { return 4.0 + 3.0 * x[0] - 2.0 * x[1]; };
+    const std::vector<double> output = valuesOf(plane, inputs);
+    inputs.emplace_back(500, 7.0);
+
+    const KrigingFit fit = fitOf(inputs, output, manyAreMoreThan(300));
+
+    EXPECT_TRUE(mentions(fit, "The trend passes through all cases"));
+    EXPECT_TRUE(mentions(fit, "V3 is constant over the cases and was ignored."));
+}
+
 TEST(LargeKriging, KeepsLengthsAndNuggetThatAreFixed)
 {
     const Columns inputs = latinHypercube(700, 4, 3);
