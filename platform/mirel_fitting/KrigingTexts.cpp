@@ -104,6 +104,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     constexpr double close = 2.0;
 
     const KrigingReport& report = fit.report;
+    const bool isMostlyNoise = noiseShare > mostly;
     std::vector<std::string> result;
     for (std::size_t k = 0; k < report.lengthBounds.size(); ++k) {
         const std::string name = "V" + std::to_string(k + 1);
@@ -111,7 +112,8 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
             result.push_back("The cases show no influence of " + name +
                              " beyond the trend: its correlation length is at its upper bound.");
         }
-        if (report.lengthBounds[k] == KrigingReport::Bound::Lower) {
+        // Lengths of next to nothing are noise by another name.
+        if (report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise) {
             result.push_back("The output changes along " + name +
                              " faster than the cases can show: its correlation length is at its "
                              "lower bound.");
@@ -122,7 +124,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("The model is flat: it explains " +
                          percent(std::max(fit.metrics.r2, 0.0)) + " of the output's variance.");
     }
-    if (noiseShare > mostly) {
+    if (isMostlyNoise) {
         result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
                          " of the output's variance is taken for noise.");
     }
@@ -136,9 +138,17 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("A case alone determines a term of the trend: there are no "
                          "leave-one-out figures, since leaving it out leaves no such fit.");
     }
-    if (fit.metrics.q2 <= 0.0) {
+    if (isMoreThanTheMean && fit.metrics.q2 <= 0.0) {
         result.push_back("Left-out cases are predicted no better than by the mean of the "
                          "cases: do not rely on this model.");
+    }
+    // A model that meets its cases is not flat, but it may be between them.
+    if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {
+        result.push_back("Left-out cases are predicted hardly better than by the mean of the "
+                         "cases (" +
+                         percent(fit.metrics.q2) +
+                         " of the output's variance): noise dominates, or more cases are needed "
+                         "to show how the output changes between them.");
     }
     return result;
 }

@@ -110,12 +110,13 @@ TEST(KrigingTexts, CallsAModelFlat)
               Sentences{"The model is flat: it explains 3 % of the output's variance."});
 }
 
-TEST(KrigingTexts, DoesNotCallTheMeanFlat)
+TEST(KrigingTexts, DoesNotCompareTheMeanWithItself)
 {
     // It is said in other words that no input varies.
     KrigingFit fit = soundFit();
     fit.metrics.r2 = 0.0;
     fit.metrics.terms = 1;
+    fit.metrics.q2 = -0.1;
     fit.report.condition = FitMetrics::none;
 
     EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0), Sentences());
@@ -126,6 +127,26 @@ TEST(KrigingTexts, SaysWhenNoiseDominates)
     EXPECT_EQ(KrigingTexts::verdicts(soundFit(), 0.5), Sentences());
     EXPECT_EQ(KrigingTexts::verdicts(soundFit(), 0.62),
               Sentences{"Noise dominates: 62 % of the output's variance is taken for noise."});
+}
+
+TEST(KrigingTexts, TakesShortLengthsOfNoiseForNoChanges)
+{
+    KrigingFit fit = soundFit();
+    fit.report.lengthBounds = {Bound::Lower, Bound::None, Bound::None};
+
+    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.9),
+              Sentences{"Noise dominates: 90 % of the output's variance is taken for noise."});
+}
+
+TEST(KrigingTexts, SaysWhenItKnowsNextToNothingBetweenTheCases)
+{
+    KrigingFit fit = soundFit();
+    fit.metrics.q2 = 0.02;
+
+    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+              Sentences{"Left-out cases are predicted hardly better than by the mean of the cases "
+                        "(2 % of the output's variance): noise dominates, or more cases are needed "
+                        "to show how the output changes between them."});
 }
 
 TEST(KrigingTexts, SaysWhenAnotherOptimumIsNearlyAsLikely)
