@@ -40,6 +40,12 @@ std::string counted(std::size_t count, const std::string& noun)
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::vector<double> ascending(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values;
+}
+
 bool hasScatter(const KrigingData& merged)
 {
     return std::any_of(merged.scatter.begin(), merged.scatter.end(),
@@ -68,6 +74,8 @@ private:
     KrigingSearch::Result searchedLengths() const;
     bool isScatterNegligible(const KrigingData& merged) const;
     void warnOfRaisedNugget();
+    bool isNuggetWanted() const;
+    bool refineUntilCasesAreMet(KrigingLikelihood& likelihood) const;
     KrigingPredictor::Parts commonParts() const;
     KrigingFit withCorrelation();
     void reportCorrelation(KrigingFit& fit, double processVariance, double condition, double rows,
@@ -119,16 +127,17 @@ void Fitter::standardise()
         return;
     }
     // Sums in ascending order, so that no bit depends on the order of the cases.
-    std::vector<double> ascending;
-    for (const double y : output) {
-        ascending.push_back((y - offset) / halfRange);
-    }
-    std::sort(ascending.begin(), ascending.end());
+    const std::vector<double> sorted = ascending(output);
     const auto n = static_cast<double>(output.size());
-    const double mean = std::accumulate(ascending.begin(), ascending.end(), 0.0) / n;
+    double sum = 0.0;
+    for (const double y : sorted) {
+        sum += (y - offset) / halfRange;
+    }
+    const double mean = sum / n;
     double squares = 0.0;
-    for (const double value : ascending) {
-        squares += (value - mean) * (value - mean);
+    for (const double y : sorted) {
+        const double deviation = (y - offset) / halfRange - mean;
+        squares += deviation * deviation;
     }
     offset += mean * halfRange;
     scale = halfRange * std::sqrt(squares / n);
@@ -294,18 +303,35 @@ KrigingPredictor::Parts Fitter::commonParts() const
     return parts;
 }
 
+/** Whether the nugget stands for something; less than what keeps the factorisation sound does not.
+ */
+bool Fitter::isNuggetWanted() const
+{
+    return options.nugget > KrigingSearch::Settings().soundNugget;
+}
+
+/** @return false if the lengths are too long for what happens between the cases. */
+bool Fitter::refineUntilCasesAreMet(KrigingLikelihood& likelihood) const
+{
+    constexpr double met = 1e-3; // of the output's deviation, root mean square
+
+    likelihood.refineWithoutNugget();
+    double squares = 0.0;
+    for (const double residual : likelihood.residuals()) {
+        squares += residual * residual;
+    }
+    return std::sqrt(squares / static_cast<double>(data->cases)) <= met;
+}
+
 KrigingFit Fitter::withCorrelation()
 {
     search();
     KrigingLikelihood likelihood(data,
                                  [](double) { FitProgress::report(0.99, "Measuring the fit"); });
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
-    const bool isNuggetWanted = options.nugget > 0.0 || found.isNuggetRaised;
-    const bool meetsCases =
-        !isNuggetWanted && found.parameters.nugget <= KrigingSearch::Settings().soundNugget;
-    if (meetsCases) {
-        likelihood.refineWithoutNugget();
-    }
+    const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
+                            found.parameters.nugget <= KrigingSearch::Settings().soundNugget &&
+                            refineUntilCasesAreMet(likelihood);
 
     KrigingPredictor::Parts parts = commonParts();
     parts.processVariance = likelihood.processVariance();
@@ -386,7 +412,7 @@ KrigingFit Fitter::ofManyCases()
         const FitProgress::Portion part(from, to);
         subset.data = data;
         LargeKriging::Result result =
-            LargeKriging::run(all, subset, searchSettings(), options.nugget == 0.0, options.sizes);
+            LargeKriging::run(all, subset, searchSettings(), !isNuggetWanted(), options.sizes);
         found = result.found;
         return result;
     };
@@ -475,8 +501,8 @@ KrigingFit Fitter::withTrendAlone()
 KrigingFit Fitter::constant()
 {
     const auto n = static_cast<double>(output.size());
-    double squares = 0.0; // of the standardised output
-    for (const double y : output) {
+    double squares = 0.0; // of the standardised output; in order, like all sums
+    for (const double y : ascending(output)) {
         const double deviation = (y - offset) / scale;
         squares += deviation * deviation;
     }

@@ -470,6 +470,33 @@ TEST(KrigingFit, ReportsNoiseInTheUnitOfTheOutput)
     EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs)).report.noiseDeviation, 0.0);
 }
 
+TEST(KrigingFit, TakesLessThanTheLeastNuggetForNone)
+{
+    const Columns inputs = latinHypercube(30, 1, 3);
+    KrigingOptions options;
+    options.nugget = 1e-15;
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
+
+    EXPECT_EQ(fit.report.noiseDeviation, 0.0);
+    EXPECT_LT(fit.metrics.rmse, 1e-9);
+}
+
+TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
+{
+    // With infinite lengths all cases are one; their nugget is all that tells them apart.
+    const Columns inputs = latinHypercube(30, 1, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    KrigingOptions options;
+    options.correlationLengths = {infinity};
+    options.isNuggetFixed = true;
+
+    const KrigingFit fit = fitOf(inputs, output, options);
+
+    EXPECT_GT(fit.metrics.rmse, 0.1);
+    EXPECT_NEAR(fit.report.noiseDeviation, fit.metrics.rmse, 0.01 * fit.metrics.rmse);
+}
+
 TEST(KrigingFit, SaysWhenThereIsNothingButNoise)
 {
     const Columns inputs = latinHypercube(200, 1, 3);
@@ -535,6 +562,18 @@ TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
     EXPECT_EQ(permuted.report.correlationLengths, fit.report.correlationLengths);
     EXPECT_EQ(valueAt(permuted, {0.3, 0.6}), valueAt(fit, {0.3, 0.6}));
     EXPECT_EQ(permuted.metrics.q2, fit.metrics.q2);
+}
+
+TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
+{
+    std::vector<double> output = UniformNumbers(3).next(50);
+    const KrigingFit fit = fitOf({}, output);
+    std::sort(output.begin(), output.end());
+
+    const KrigingFit permuted = fitOf({}, output);
+
+    EXPECT_EQ(permuted.report.processVariance, fit.report.processVariance);
+    EXPECT_EQ(permuted.metrics.looRmse, fit.metrics.looRmse);
 }
 
 TEST(KrigingFit, IsTheSameInUnitsOfAPowerOfTwo)
