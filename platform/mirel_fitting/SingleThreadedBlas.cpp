@@ -2,12 +2,31 @@
 
 #include <cblas.h>
 
-SingleThreadedBlas::SingleThreadedBlas() : before(openblas_get_num_threads())
+#include <mutex>
+
+namespace {
+
+std::mutex mutex;
+int living = 0;
+int before = 1;
+
+} // namespace
+
+SingleThreadedBlas::SingleThreadedBlas()
 {
-    openblas_set_num_threads(1);
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (living == 0) {
+        before = openblas_get_num_threads();
+        openblas_set_num_threads(1);
+    }
+    ++living;
 }
 
 SingleThreadedBlas::~SingleThreadedBlas()
 {
-    openblas_set_num_threads(before);
+    const std::lock_guard<std::mutex> lock(mutex);
+    --living;
+    if (living == 0) {
+        openblas_set_num_threads(before);
+    }
 }
