@@ -225,13 +225,17 @@ AxisSums::Table::Table(const AxisSums& sums, std::size_t firstPanel, std::size_t
     constexpr std::size_t mostPanels = 64; // of a stretch: its values stay in the cache
     const std::size_t lastPanel = firstPanel + panelCount;
     std::size_t position = 0;
-    for (std::size_t b = 0; b < sums.blocks.size(); ++b) {
-        const Block& block = sums.blocks[b];
-        const std::size_t end = std::min(lastPanel, block.lastPanel);
-        for (std::size_t p = std::max(firstPanel, block.firstPanel); p < end; p += mostPanels) {
+    auto block = std::partition_point(
+        sums.blocks.begin(), sums.blocks.end(),
+        [firstPanel](const Block& candidate) { return candidate.lastPanel <= firstPanel; });
+    for (std::size_t p = firstPanel; p < lastPanel; ++block) {
+        const std::size_t end = std::min(lastPanel, block->lastPanel);
+        while (p < end) {
             const std::size_t panels = std::min(mostPanels, end - p);
-            stretches.push_back({b, p, panels, position});
-            position += sums.tableSize(block, panels);
+            stretches.push_back(
+                {static_cast<std::size_t>(block - sums.blocks.begin()), p, panels, position});
+            position += sums.tableSize(*block, panels);
+            p += panels;
         }
     }
     buffer = AlignedBuffer::uninitialised(position);

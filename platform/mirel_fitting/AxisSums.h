@@ -40,7 +40,7 @@ public:
         std::vector<double> cases;
         std::vector<double> values;
         std::vector<double> offsets; ///< a_v
-        std::vector<double> slopes;  ///< b_v
+        std::vector<double> slopes;  ///< b_v; none: 0
     };
     explicit AxisSums(Axis axis);
 

@@ -1,9 +1,9 @@
 #include <mirel_fitting/DescribedSurrogateModel.h>
 
 #include <mirel_fitting/CaseRanges.h>
+#include <mirel_fitting/GridPoints.h>
 #include <mirel_fitting/KrigingPredictor.h>
 #include <mirel_fitting/PolynomialPredictor.h>
-#include <mirel_fitting/ProductGrid.h>
 #include <mirel_fitting/TrainingColumns.h>
 
 #include <algorithm>
@@ -161,15 +161,14 @@ struct Predictor
         }
     }
 
-    void predict(const std::vector<double*>& inputs, const std::vector<ProductGrid>& grids,
-                 double* result, std::size_t count) const
+    void predict(const std::vector<double*>& inputs, const GridPoints& points, double* result) const
     {
         if (kriging) {
-            kriging->predict(inputs, grids, result);
+            kriging->predict(points, result);
             return;
         }
-        polynomial->predict(coordinatesOf(inputs), {0}, {result}, count);
-        addNotFinite(inputs, result, count);
+        polynomial->predict(coordinatesOf(inputs), {0}, {result}, points.count());
+        addNotFinite(inputs, result, points.count());
     }
 
     DescribedSurrogateModel::Output output;
@@ -259,10 +258,10 @@ void DescribedSurrogateModel::interpolateDependentValues(const std::vector<doubl
     if (count == 0) {
         return;
     }
-    const std::vector<ProductGrid> grids = ProductGrid::split(inputs, count);
+    const GridPoints points(inputs, count);
     std::size_t k = 0;
     for (const int offset : offsets) {
-        impl->predictor(offset).predict(inputs, grids, outputs[k++], count);
+        impl->predictor(offset).predict(inputs, points, outputs[k++]);
     }
 }
 

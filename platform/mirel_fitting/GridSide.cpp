@@ -46,3 +46,21 @@ double GridSide::Polynomial::at(std::size_t combination) const
     }
     return sum;
 }
+
+std::vector<double> GridSide::Polynomial::along(std::size_t values) const
+{
+    std::vector<double> sums(values, 0.0);
+    for (const Term& term : terms) {
+        const double* x = nullptr;
+        const double* y = nullptr;
+        for (const Place& place : term.factors) {
+            (x ? y : x) = place.axis->coordinates[place.index].data();
+        }
+        for (std::size_t v = 0; v < values; ++v) {
+            const double product =
+                x ? term.coefficient * KrigingTrend::centred(x[v]) : term.coefficient;
+            sums[v] += y ? product * KrigingTrend::centred(y[v]) : product;
+        }
+    }
+    return sums;
+}

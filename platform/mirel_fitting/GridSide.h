@@ -38,6 +38,8 @@ public:
         std::vector<Term> terms;
 
         double at(std::size_t combination) const;
+        /** At all `values` of the only axis of a side. */
+        std::vector<double> along(std::size_t values) const;
     };
 
     std::vector<GridAxis> axes; ///< from the fastest; never moved, as places point to them

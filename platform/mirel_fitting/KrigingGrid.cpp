@@ -414,10 +414,18 @@ void KrigingGrid::prepareSums()
         isNowhereFinite = true;
         return;
     }
-    for (const std::size_t v : positions) {
-        summed.values.push_back(coordinates[v]);
-        summed.offsets.push_back(fast->trend[1].at(v));
-        summed.slopes.push_back(fast->trend.size() > 2 ? fast->trend[2].at(v) : 0.0);
+    const auto inOrder = [this](const std::vector<double>& onAxis) {
+        std::vector<double> result;
+        result.reserve(positions.size());
+        for (const std::size_t v : positions) {
+            result.push_back(onAxis[v]);
+        }
+        return result;
+    };
+    summed.values = inOrder(coordinates);
+    summed.offsets = inOrder(fast->trend[1].along(axis.size));
+    if (fast->trend.size() > 2) {
+        summed.slopes = inOrder(fast->trend[2].along(axis.size));
     }
     sums = std::make_unique<AxisSums>(std::move(summed));
 

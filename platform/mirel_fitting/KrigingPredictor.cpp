@@ -125,10 +125,10 @@ public:
 
 KrigingPredictor::KrigingPredictor(Parts parts) : parts(std::move(parts)) {}
 
-void KrigingPredictor::predict(const std::vector<double*>& columns,
-                               const std::vector<ProductGrid>& grids, double* result) const
+void KrigingPredictor::predict(const GridPoints& points, double* result) const
 {
-    for (const ProductGrid& grid : grids) {
+    const std::vector<double*>& columns = points.columns();
+    for (const ProductGrid& grid : points.grids()) {
         if (KrigingGrid::isWorthwhile(parts, grid)) {
             KrigingGrid(parts, columns, grid).predict(result + grid.firstRow());
             addNeighbours(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
@@ -136,12 +136,13 @@ void KrigingPredictor::predict(const std::vector<double*>& columns,
             predictScattered(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
         }
     }
+    points.markFilled(result);
 }
 
 void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t count,
                                double* result) const
 {
-    predict(columns, ProductGrid::split(columns, count), result);
+    predict(GridPoints(columns, count), result);
 }
 
 void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std::size_t first,

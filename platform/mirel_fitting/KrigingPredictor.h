@@ -1,10 +1,10 @@
 #pragma once
 
+#include <mirel_fitting/GridPoints.h>
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/MaternCorrelation.h>
 #include <mirel_fitting/PredictorDescriptionInterface.h>
-#include <mirel_fitting/ProductGrid.h>
 
 #include <cstddef>
 #include <memory>
@@ -57,12 +57,10 @@ public:
      * On as many threads as setThreadCount() allows, with the same bits for any number of them. In
      * blocks: the memory does not grow with the number of points. A point with a coordinate that
      * is not finite, in any column, gets NaN.
-     * @param grids what ProductGrid::split() made of the columns.
      */
-    void predict(const std::vector<double*>& columns, const std::vector<ProductGrid>& grids,
-                 double* result) const;
+    void predict(const GridPoints& points, double* result) const;
 
-    /** The same for grids that are not known yet. */
+    /** The same for points that are not taken apart yet. */
     void predict(const std::vector<double*>& columns, std::size_t count, double* result) const;
 
     /** Every point on its own, whatever grid they form. */

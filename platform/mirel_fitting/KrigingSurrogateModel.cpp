@@ -156,10 +156,10 @@ void KrigingSurrogateModel::interpolateDependentValues(const std::vector<double*
         }
         return;
     }
-    const std::vector<ProductGrid> grids = ProductGrid::split(inputs, count);
+    const GridPoints points(inputs, count);
     std::size_t k = 0;
     for (const int offset : offsets) {
-        impl->fit(offset).predictor.predict(inputs, grids, outputs[k++]);
+        impl->fit(offset).predictor.predict(points, outputs[k++]);
     }
 }
 

@@ -117,11 +117,6 @@ const std::vector<QuadraticBasis::Term>& KrigingTrend::keptTerms() const
     return terms;
 }
 
-double KrigingTrend::centred(double coordinate)
-{
-    return 2.0 * coordinate - 1.0;
-}
-
 const std::vector<double>& KrigingTrend::matrix() const
 {
     return values;

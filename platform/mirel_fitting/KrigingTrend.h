@@ -31,7 +31,7 @@ public:
     /** Of the coordinates that centred() gives. */
     const std::vector<QuadraticBasis::Term>& keptTerms() const;
     /** From a coordinate over [0, 1] to one over [-1, 1]. */
-    static double centred(double coordinate);
+    static double centred(double coordinate) { return 2.0 * coordinate - 1.0; }
     /** The terms at the cases, by columns, cases x size(). */
     const std::vector<double>& matrix() const;
 
