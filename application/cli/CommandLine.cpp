@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include <session/ModelFile.h>
 #include <session/ProjectDocument.h>
 #include <session/SessionErrors.h>
 #include <session/VariableNames.h>
@@ -11,12 +12,17 @@
 #include <map>
 
 namespace {
-const std::map<std::string, CommandLine::Command> commands = {
-    {"summary", CommandLine::Summary},     {"fit", CommandLine::Fit},
-    {"evaluate", CommandLine::Evaluate},   {"predict", CommandLine::Predict},
-    {"equations", CommandLine::Equations}, {"plot", CommandLine::Plot},
-    {"compare", CommandLine::Compare},     {"check", CommandLine::Check},
-    {"project", CommandLine::Project},     {"help", CommandLine::Help}};
+const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
+                                                              {"fit", CommandLine::Fit},
+                                                              {"evaluate", CommandLine::Evaluate},
+                                                              {"predict", CommandLine::Predict},
+                                                              {"equations", CommandLine::Equations},
+                                                              {"plot", CommandLine::Plot},
+                                                              {"compare", CommandLine::Compare},
+                                                              {"export", CommandLine::Export},
+                                                              {"check", CommandLine::Check},
+                                                              {"project", CommandLine::Project},
+                                                              {"help", CommandLine::Help}};
 
 constexpr int mostThreads = 1024;
 constexpr std::size_t mostFolds = 1000000;
@@ -27,7 +33,7 @@ CommandLine::Command commandOf(const std::string& word)
     if (found == commands.end()) {
         throw UsageError("There is no command \"" + word +
                          "\". The commands are: summary, fit, evaluate, predict, equations, "
-                         "compare, plot, check, project; surrogate --help describes them.");
+                         "compare, plot, export, check, project; surrogate --help describes them.");
     }
     return found->second;
 }
@@ -95,6 +101,7 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--cases", line.cases);
     app.add_option("--save", line.save);
     app.add_option("--points", line.points);
+    app.add_option("--format", line.format);
     app.add_option("-o,--output", line.output);
     app.add_option("--kind", line.kind);
     app.add_option("--size", line.size);
@@ -132,6 +139,25 @@ void require(bool condition, const std::string& sentence)
     }
 }
 
+/** What is fitted already cannot be chosen any more. */
+void checkModelFile(const CommandLine& line)
+{
+    const bool isKnown = line.command == CommandLine::Evaluate ||
+                         line.command == CommandLine::Predict ||
+                         line.command == CommandLine::Export;
+    const std::string name = '"' + line.subject + '"';
+    require(isKnown, name +
+                         " is an exported model, which the commands evaluate, predict and export "
+                         "take; this one needs cases.");
+    require(line.inputs.empty() && line.outputs.empty() && line.excluded.empty() && !line.model,
+            "-x, -y, -m and --exclude choose what is fitted; " + name +
+                " is an exported model, fitted already.");
+    require(line.save.empty(), "--save keeps a choice of cases, and " + name +
+                                   " is an exported model, without cases.");
+    require((!line.separator && !line.decimalMark) || line.command == CommandLine::Predict,
+            "--separator and --decimal say how tables are read, and " + name + " is none.");
+}
+
 /** Options that would change nothing are refused: the user expects something of them. */
 void checkCombination(const CommandLine& line)
 {
@@ -157,6 +183,13 @@ void checkCombination(const CommandLine& line)
             "file.");
     require(line.cases.empty() || (choosesSomething && line.startsFromProject()),
             "--cases names the case file of a project document; without one it has no meaning.");
+    if (line.startsFromModel() && !isCheck && !isProject) {
+        checkModelFile(line);
+    }
+    const bool isExport = line.command == CommandLine::Export;
+    require(line.format.empty() || isExport, "--format belongs to the command export.");
+    require(!isExport || !line.asJson,
+            "--json has no meaning for the command export; --format json exports JSON.");
     const bool isPlot = line.command == CommandLine::Plot;
     require(!hasValues || line.command == CommandLine::Evaluate || isPlot,
             "--sweep, --count and --at belong to the commands evaluate and plot.");
@@ -224,6 +257,11 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     }
     checkCombination(line);
     return line;
+}
+
+bool CommandLine::startsFromModel() const
+{
+    return ModelFile::isModelFile(subject);
 }
 
 bool CommandLine::startsFromProject() const

@@ -18,6 +18,7 @@ struct CommandLine
         Evaluate,
         Predict,
         Equations,
+        Export,
         Plot,
         Compare,
         Check,
@@ -40,6 +41,7 @@ struct CommandLine
     std::vector<std::string> counts;
     std::vector<std::string> values;
     std::string points;
+    std::string format; ///< of an exported model
     std::string output = "-";
     std::string kind;                 ///< of a picture
     std::optional<std::string> size;  ///< of a picture
@@ -53,4 +55,7 @@ struct CommandLine
 
     /** Whether the subject is a project document: its name ends like one. */
     bool startsFromProject() const;
+
+    /** Whether it is an exported model, likewise. */
+    bool startsFromModel() const;
 };

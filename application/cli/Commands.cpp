@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "CommandOutput.h"
 #include "CompareCommand.h"
+#include "ExportCommand.h"
 #include "HelpText.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
@@ -148,6 +149,15 @@ void runPlot(const CommandLine& line)
     note(line, SessionReport::notes(open.session));
 }
 
+void runExport(const CommandLine& line)
+{
+    ExportCommand::check(line);
+    OpenSession open(line);
+    ExportCommand::run(line, open.session);
+    open.save(line);
+    note(line, SessionReport::notes(open.session));
+}
+
 void runProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
@@ -210,6 +220,8 @@ void run(const CommandLine& line)
         return runPlot(line);
     case CommandLine::Compare:
         return CompareCommand::run(line);
+    case CommandLine::Export:
+        return runExport(line);
     case CommandLine::Project:
         return runProject(line);
     default:

@@ -6,6 +6,7 @@ std::string helpText()
 
     surrogate COMMAND CASES.csv [options]
     surrogate COMMAND PROJECT.surrogate.xml [options]
+    surrogate evaluate|predict|export MODEL.json [options]
 
 Commands
   summary     the variables (kind, role, minimum, maximum, missing cells) and the cases
@@ -17,6 +18,7 @@ Commands
   plot        a picture (--kind, -o FILE.svg, FILE.png or FILE.pdf), with a panel for each output
   compare     response surface and Kriging by cross-validation: how well each predicts cases that
               it has not seen, and which one to use, per output
+  export      the model as a file that computes it elsewhere (--format)
   project     what a project document holds, and whether its case file is there
   check TEXT  the values of a distribution text, or what is wrong with it; reads no file
 
@@ -53,6 +55,14 @@ Comparison (compare)
                    or fewer if there are fewer cases. Copies of a case stay together, and the same
                    cases are always parted alike
 
+Export
+  --format F       text: formulas for a reader; c: a C99 file with surrogate_0() ... and
+                   surrogate_self_check(), a program with -DSURROGATE_MAIN; python: a module with
+                   predict() and self_check(), also a script; excel: a workbook (-o FILE);
+                   json: what evaluate, predict and export take in the place of CASES.csv, if the
+                   name ends with .json
+  All carry ten check points; all but the text check themselves by them.
+
 Values (evaluate, plot)
   --sweep NAME=TEXT   the values of a distribution text, such as 4 - 80 : 20, 42 (a range of 20
                       values from 4 to 80, and 42)
@@ -79,7 +89,7 @@ Output
 
 Exit codes
   0 done    1 the model cannot be fitted or evaluated    2 wrong use
-  3 bad case data, or a project that cannot be used
+  3 bad case data, or a project or an exported model that cannot be used
   4 bad distribution text    5 a file cannot be read or written    130 ended by Ctrl-C
 )";
 }

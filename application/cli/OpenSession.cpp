@@ -6,6 +6,7 @@
 #include <session/CaseFileReader.h>
 #include <session/CaseNumbers.h>
 #include <session/FileFingerprint.h>
+#include <session/ModelFile.h>
 #include <session/ProjectDocument.h>
 #include <session/QuotedText.h>
 #include <session/SessionErrors.h>
@@ -255,10 +256,15 @@ private:
 
 OpenSession::OpenSession(const CommandLine& line)
     : start(std::chrono::steady_clock::now()),
-      session(line.startsFromProject() ? openProject(line) : openCases(line)),
+      session(line.startsFromModel()     ? CaseSession(ModelFile::read(line.subject))
+              : line.startsFromProject() ? openProject(line)
+                                         : openCases(line)),
       readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
 {
-    requireRoles(line, session);
+    // An exported model has its roles, and may well have no input.
+    if (!line.startsFromModel()) {
+        requireRoles(line, session);
+    }
 }
 
 void OpenSession::chooseValues(const CommandLine& line)

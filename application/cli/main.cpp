@@ -49,6 +49,8 @@ int main(int argc, char* argv[])
         return failed(WrongUse, error.what());
     } catch (const CaseDataError& error) {
         return failed(BadCaseData, error.what());
+    } catch (const ModelFileError& error) {
+        return failed(BadCaseData, error.what());
     } catch (const ProjectDocumentError& error) {
         return failed(BadCaseData, error.what());
     } catch (const DistributionTextError& error) {

@@ -21,6 +21,7 @@
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
 #include <boost/make_shared.hpp>
@@ -79,9 +80,10 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
 class CaseSession::Impl
 {
 public:
-    explicit Impl(CaseTable& table)
+    explicit Impl(CaseTable& table,
+                  const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
         : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
-          state(table)
+          state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] {
             knownCounts.reset();
@@ -161,6 +163,7 @@ public:
     ProjectDocument loaded;
     SurrogateModelInterface* fitted = nullptr;
     std::string extrapolation;
+    std::string exportedReport;
     SessionTimes times;
     DeleteSignaler deleted; ///< ends the undo steps that act on the state
     SignalConnectionCollection connections;
@@ -179,6 +182,33 @@ CaseSession::CaseSession(CaseTable table, const CaseRoles& roles,
     chooseRoles(roles);
     exclude(excluded);
     chooseModel(model);
+}
+
+CaseSession::CaseSession(const ExportedModel& model)
+{
+    CaseTable table;
+    CaseRoles roles;
+    for (const ExportedModel::Input& input : model.inputs) {
+        roles.inputs.push_back(table.columns.size());
+        table.columns.emplace_back().name = input.name;
+    }
+    for (const ExportedModel::Output& output : model.outputs) {
+        roles.outputs.push_back(table.columns.size());
+        table.columns.emplace_back().name = output.name;
+    }
+    {
+        const UndoStack::SuspendUndoRecording unrecorded;
+        impl = std::make_unique<Impl>(table, model.predictor());
+    }
+    impl->exportedReport = model.report;
+    const std::vector<VarPtr> variables = impl->state.project->variables();
+    for (std::size_t k = 0; k < model.inputs.size(); ++k) {
+        impl->state.project->setRange(variables[k],
+                                      {model.inputs[k].minimum, model.inputs[k].maximum});
+    }
+    // After the ranges, whose lower ends become the evaluation point.
+    chooseRoles(roles);
+    chooseModel(model.isKriging() ? Kriging : ResponseSurface);
 }
 
 CaseSession::CaseSession(CaseSession&&) noexcept = default;
@@ -477,6 +507,11 @@ std::vector<std::string> CaseSession::equations()
         texts.push_back(model.surfaceCoefficientInformation(impl->offsetOf(output)));
     }
     return texts;
+}
+
+const std::string& CaseSession::exportedReport() const
+{
+    return impl->exportedReport;
 }
 
 const SessionTimes& CaseSession::times() const

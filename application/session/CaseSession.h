@@ -24,6 +24,7 @@ class ProjectDocument;
 class SurrogateModelInterface;
 class SurrogateModelManagerInterface;
 class vtkTable;
+struct ExportedModel;
 
 /** What fitting one output came to. */
 struct OutputFit
@@ -77,6 +78,13 @@ public:
     /** The same with choices made. @param excluded positions of cases, from 0, ascending. */
     CaseSession(CaseTable table, const CaseRoles& roles, const std::vector<std::size_t>& excluded,
                 Model model);
+
+    /**
+     * A model that is there already, without cases; its inputs have the ranges that it brings, and
+     * stay at their minima.
+     * @throw SurrogateModelInterface::Error if it cannot be used.
+     */
+    explicit CaseSession(const ExportedModel& model);
 
     /** What is moved from can only be destroyed. */
     CaseSession(CaseSession&&) noexcept;
@@ -171,6 +179,9 @@ public:
 
     /** The equation of each output alone. @throw SurrogateModelInterface::Error */
     std::vector<std::string> equations();
+
+    /** What the exporter of a model reported of it, a JSON object; empty for cases. */
+    const std::string& exportedReport() const;
 
     const SessionTimes& times() const;
 

@@ -19,6 +19,10 @@ FileError::FileError(const std::string& message) : ExceptionBase(message) {}
 
 FileError::~FileError() = default;
 
+ModelFileError::ModelFileError(const std::string& message) : ExceptionBase(message) {}
+
+ModelFileError::~ModelFileError() = default;
+
 ProjectDocumentError::ProjectDocumentError(const std::string& message) : ExceptionBase(message) {}
 
 ProjectDocumentError::~ProjectDocumentError() = default;

@@ -43,6 +43,14 @@ public:
     ~FileError() override;
 };
 
+/** An exported model that cannot be used; the message names the file and the faulty member. */
+class SURROGATE_SESSION_EXPORT ModelFileError : public veska::ExceptionBase
+{
+public:
+    explicit ModelFileError(const std::string& message);
+    ~ModelFileError() override;
+};
+
 /** A project document that cannot be understood, or a project that none can hold; the message names
  *  the document, and line and column where there is one. */
 class SURROGATE_SESSION_EXPORT ProjectDocumentError : public veska::ExceptionBase

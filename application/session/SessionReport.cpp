@@ -301,10 +301,15 @@ std::string SessionReport::fitText(CaseSession& session)
 
 std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
 {
-    const std::vector<OutputFit> fits = session.fits();
-    Json json = modelJson(session);
-    for (const OutputFit& fit : fits) {
-        json["outputs"].push_back(::fitJson(fit));
+    Json json;
+    if (!session.exportedReport().empty()) {
+        json = Json::parse(session.exportedReport());
+    } else {
+        const std::vector<OutputFit> fits = session.fits();
+        json = modelJson(session);
+        for (const OutputFit& fit : fits) {
+            json["outputs"].push_back(::fitJson(fit));
+        }
     }
     if (!session.extrapolation().empty()) {
         json["extrapolation"] = session.extrapolation();

@@ -1,6 +1,7 @@
 #include "session/SessionState.h"
 
 #include "session/ProjectDocument.h"
+#include "session/RestoredModelManager.h"
 #include "session/SessionErrors.h"
 #include "session/VariableNames.h"
 
@@ -47,6 +48,17 @@ boost::shared_ptr<Project> openProject(CaseTable& table)
     return project;
 }
 
+boost::shared_ptr<SurrogateModelManager>
+managerOf(const boost::shared_ptr<Project>& project,
+          const boost::shared_ptr<SurrogateModelInterface>& model)
+{
+    const auto pipeline = boost::make_shared<ProjectDataPipelineManager>(project);
+    if (model != nullptr) {
+        return boost::make_shared<RestoredModelManager>(pipeline, model);
+    }
+    return boost::make_shared<SurrogateModelManager>(pipeline);
+}
+
 [[noreturn]] void refuse(const std::string& sentence)
 {
     throw ProjectDocumentError("The project does not fit its cases: " + sentence);
@@ -66,9 +78,11 @@ bool SessionSettings::operator==(const SessionSettings& other) const
            userDistributions == other.userDistributions && sweeps == other.sweeps;
 }
 
-SessionState::SessionState(CaseTable& table)
-    : project(openProject(table)), manager(boost::make_shared<SurrogateModelManager>(
-                                       boost::make_shared<ProjectDataPipelineManager>(project))),
+SessionState::SessionState(CaseTable& table) : SessionState(table, nullptr) {}
+
+SessionState::SessionState(CaseTable& table,
+                           const boost::shared_ptr<SurrogateModelInterface>& model)
+    : project(openProject(table)), manager(managerOf(project, model)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),
       interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
 {}

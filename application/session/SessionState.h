@@ -19,6 +19,7 @@
 
 class Project;
 class ProjectDocument;
+class SurrogateModelInterface;
 class SurrogateModelManager;
 
 namespace veska {
@@ -62,6 +63,10 @@ public:
      * @throw CaseDataError for a name that a project cannot carry.
      */
     explicit SessionState(CaseTable& table);
+
+    /** The same for a model that is there already: of all the columns that become outputs, in their
+     *  order. */
+    SessionState(CaseTable& table, const boost::shared_ptr<SurrogateModelInterface>& model);
 
     SessionSettings settings() const;
 

@@ -285,9 +285,9 @@ PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) con
 {
     const KrigingPredictor::Parts& parts = impl->fit(offset).predictor.model();
     if (parts.neighbours) {
-        throw Error("The output at offset " + std::to_string(offset) +
-                    " has so many cases that each prediction asks for the nearest of them: such a "
-                    "model cannot be exported.");
+        throw Error("The model asks for the nearest of its many cases in each prediction, which "
+                    "no description holds. Leave out cases until no more than 10 000 are left, or "
+                    "take a response surface.");
     }
     PredictorDescription description = parts.description();
     description.inputs = impl->ranges.ranges();

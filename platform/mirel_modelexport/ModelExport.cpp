@@ -10,6 +10,20 @@
 
 using Error = SurrogateModelInterface::Error;
 
+namespace {
+
+PredictorDescription described(const PredictorDescriptionInterface& model,
+                               const ExportedModel::WantedOutput& wanted)
+{
+    try {
+        return model.predictorDescription(wanted.offset);
+    } catch (const Error& error) {
+        throw Error("\"" + wanted.name + "\" cannot be exported. " + error.what());
+    }
+}
+
+} // namespace
+
 ExportedModel ExportedModel::of(const SurrogateModelInterface& model,
                                 const std::vector<Input>& inputs,
                                 const std::vector<WantedOutput>& outputs)
@@ -24,7 +38,7 @@ ExportedModel ExportedModel::of(const SurrogateModelInterface& model,
     for (const WantedOutput& wanted : outputs) {
         Output output;
         output.name = wanted.name;
-        output.model.predictor = describer->predictorDescription(wanted.offset);
+        output.model.predictor = described(*describer, wanted);
         if (metrics != nullptr) {
             output.model.metrics = metrics->fitMetrics(wanted.offset);
             output.model.warnings = metrics->fitWarnings(wanted.offset);

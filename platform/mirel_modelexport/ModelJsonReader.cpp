@@ -10,7 +10,7 @@
 #include <limits>
 #include <utility>
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json; // the report keeps its order
 
 namespace {
 

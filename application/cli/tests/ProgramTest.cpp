@@ -235,7 +235,7 @@ TEST_F(Program, WrongUseEndsWithTwo)
     expectFailure("", 2, "What is to be done? surrogate --help lists commands and options.");
     expectFailure("fot cvd.csv", 2,
                   "There is no command \"fot\". The commands are: summary, fit, evaluate, predict, "
-                  "equations, compare, plot, check, project; surrogate --help describes them.");
+                  "equations, compare, plot, export, check, project; surrogate --help describes them.");
     expectFailure("fit", 2, "The command needs a case file or a project document.");
     expectFailure("fit cvd.csv", 2,
                   "The command needs an output: -y NAME. The numeric columns are: \"Pressure\", "

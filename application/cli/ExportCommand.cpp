@@ -1,0 +1,37 @@
+#include "ExportCommand.h"
+
+#include "CommandLine.h"
+#include "TerminalProgress.h"
+
+#include <session/CaseSession.h>
+#include <session/ModelFile.h>
+#include <session/OutputFile.h>
+#include <session/SessionErrors.h>
+
+#include <string>
+
+#include <unistd.h>
+
+void ExportCommand::check(const CommandLine& line)
+{
+    if (line.format.empty()) {
+        throw UsageError("The command export needs a format: --format text, json, c, python or "
+                         "excel.");
+    }
+    const ExportFormat format = ModelFile::formatOf(line.format);
+    if (format == ExportFormat::Excel && line.output == "-" && isatty(STDOUT_FILENO) != 0) {
+        throw UsageError("A workbook is nothing that a terminal can show; name a file: -o FILE.");
+    }
+}
+
+void ExportCommand::run(const CommandLine& line, CaseSession& session)
+{
+    std::string content;
+    {
+        const TerminalProgress progress(line.isQuiet);
+        content = exportModel(ModelFile::exported(session), ModelFile::formatOf(line.format));
+    }
+    OutputFile out(line.output);
+    out.write(content);
+    out.commit();
+}

@@ -1,0 +1,211 @@
+// Models that leave the program, and come back.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace {
+using Json = nlohmann::json;
+
+class ExportCommand : public Program
+{
+protected:
+    /** Exports both outputs of the cvd cases. */
+    void exportModel(const std::string& model, const std::string& file)
+    {
+        const Outcome done =
+            run("export cvd.csv -y Uniformity,Stress -q --format json -m " + model + " -o " + file);
+        ASSERT_EQ(done.exitCode, 0) << done.err;
+        EXPECT_EQ(done.err, "");
+    }
+
+    static Json withoutSeconds(const std::string& text)
+    {
+        Json json = Json::parse(text);
+        json.erase("seconds");
+        return json;
+    }
+};
+
+const char* const models[] = {"response-surface", "kriging"};
+} // namespace
+
+TEST_F(ExportCommand, AnExportedModelEvaluatesLikeItsCases)
+{
+    for (const char* model : models) {
+        exportModel(model, "model.json");
+        for (const char* values : {"", "--sweep 'Pressure=4 - 80 : 5, 33.3' --count H2/WF6=3",
+                                   "--at Pressure=90", "--count Pressure=70 --count H2/WF6=70"}) {
+            const Outcome cases = run("evaluate cvd.csv -y Uniformity,Stress -m " +
+                                      std::string(model) + " " + values);
+            const Outcome exported = run("evaluate model.json " + std::string(values));
+            EXPECT_EQ(exported.exitCode, 0);
+            EXPECT_EQ(exported.out, cases.out) << model << values;
+            EXPECT_EQ(exported.err, cases.err) << model << values;
+        }
+    }
+}
+
+TEST_F(ExportCommand, AnExportedModelReportsItsFitAsJson)
+{
+    for (const char* model : models) {
+        exportModel(model, "model.json");
+        const std::string values = " --json --at Pressure=90";
+        const Outcome cases =
+            run("evaluate cvd.csv -y Uniformity,Stress -m " + std::string(model) + values);
+        const Outcome exported = run("evaluate model.json" + values);
+
+        EXPECT_EQ(withoutSeconds(exported.out), withoutSeconds(cases.out));
+        EXPECT_EQ(withoutSeconds(exported.out)["model"], model);
+        EXPECT_TRUE(withoutSeconds(exported.out).contains("extrapolation"));
+    }
+}
+
+TEST_F(ExportCommand, AnExportedModelPredictsLikeItsCases)
+{
+    folder.write("points.csv", "H2/WF6;Pressure;note\n3,5;20;a\n;30;b\n6;12,25;c\n");
+    for (const char* model : models) {
+        exportModel(model, "model.json");
+        const Outcome cases = run("predict cvd.csv --points points.csv -y Uniformity,Stress -m " +
+                                  std::string(model));
+        const Outcome exported =
+            run("predict model.json --points points.csv --separator semicolon");
+
+        EXPECT_EQ(exported.out, cases.out);
+        EXPECT_EQ(exported.exitCode, 0) << exported.err;
+    }
+}
+
+TEST_F(ExportCommand, AnExportedModelIsExportedAgainWithTheSameBytes)
+{
+    for (const char* model : models) {
+        exportModel(model, "model.json");
+        for (const char* format : {"text", "json", "c", "python", "excel"}) {
+            const std::string options = " -q --format " + std::string(format);
+            const Outcome cases =
+                run("export cvd.csv -y Uniformity,Stress -m " + std::string(model) + options);
+            EXPECT_EQ(cases.exitCode, 0) << cases.err;
+            EXPECT_EQ(run("export model.json" + options).out, cases.out) << format;
+        }
+    }
+}
+
+TEST_F(ExportCommand, AnInputStaysAtTheMinimumThatUsersSee)
+{
+    folder.write("excluded.csv", "x,y\n-5,9\n1,3\n2,5\n3,7\n4,9.5\n");
+    ASSERT_EQ(run("export excluded.csv -y y --exclude 1 --format json -o model.json").exitCode, 0);
+
+    EXPECT_EQ(run("evaluate model.json -q").out,
+              run("evaluate excluded.csv -y y --exclude 1 -q").out);
+    EXPECT_EQ(linesOf(run("evaluate model.json -q").out)[1].rfind("-5,", 0), 0u);
+}
+
+TEST_F(ExportCommand, AProjectIsExported)
+{
+    ASSERT_EQ(run("fit cvd.csv -y Stress -m kriging -q --save study.surrogate.xml").exitCode, 0);
+
+    EXPECT_EQ(run("export study.surrogate.xml -q --format c").out,
+              run("export cvd.csv -y Stress -m kriging -q --format c").out);
+}
+
+TEST_F(ExportCommand, ExportKeepsAProject)
+{
+    ASSERT_EQ(run("export cvd.csv -y Stress --format c --save study.surrogate.xml").exitCode, 0);
+    EXPECT_EQ(run("fit study.surrogate.xml").exitCode, 0);
+}
+
+TEST_F(ExportCommand, WrongUseIsAnsweredByASentence)
+{
+    expectFailure("export cvd.csv -y Stress", 2,
+                  "The command export needs a format: --format text, json, c, python or excel.");
+    expectFailure("export cvd.csv -y Stress --format xml", 2,
+                  "--format needs text, json, c, python or excel, not \"xml\".");
+    expectFailure("fit cvd.csv -y Stress --format c", 2, "--format belongs to the command export.");
+    expectFailure("export cvd.csv -y Stress --format json --json", 2,
+                  "--json has no meaning for the command export; --format json exports JSON.");
+    expectFailure("export cvd.csv -y Stress --format c -o none/model.c", 5,
+                  "The file \"none/model.c\" cannot be written: No such file or directory.");
+    expectFailure("export none.csv -y Stress --format c", 5,
+                  "The file \"none.csv\" cannot be read: No such file or directory.");
+}
+
+TEST_F(ExportCommand, NothingThatNeedsCasesIsTakenWithAnExportedModel)
+{
+    exportModel("kriging", "model.json");
+    for (const char* option : {"-x Pressure", "-y Stress", "--exclude 3", "-m kriging"}) {
+        expectFailure("evaluate model.json " + std::string(option), 2,
+                      "-x, -y, -m and --exclude choose what is fitted; \"model.json\" is an "
+                      "exported model, fitted already.");
+    }
+    expectFailure(
+        "evaluate model.json --save a.surrogate.xml", 2,
+        "--save keeps a choice of cases, and \"model.json\" is an exported model, without "
+        "cases.");
+    expectFailure("evaluate model.json --cases cvd.csv", 2,
+                  "--cases names the case file of a project document; without one it has no "
+                  "meaning.");
+    expectFailure("evaluate model.json --separator comma", 2,
+                  "--separator and --decimal say how tables are read, and \"model.json\" is none.");
+    for (const char* command : {"fit", "summary", "equations"}) {
+        expectFailure(std::string(command) + " model.json", 2,
+                      "\"model.json\" is an exported model, which the commands evaluate, predict "
+                      "and export take; this one needs cases.");
+    }
+    const Outcome unknown = run("evaluate model.json --at Speed=3");
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_NE(unknown.err.find("Speed"), std::string::npos);
+}
+
+TEST_F(ExportCommand, AModelThatCannotBeUsedIsToldWithItsFaultyMember)
+{
+    exportModel("kriging", "model.json");
+    const std::string whole = folder.read("model.json");
+    expectFailure("evaluate none.json", 5,
+                  "The file \"none.json\" cannot be read: No such file or directory.");
+
+    folder.write("model.json", "Pressure,Stress\n1,2\n");
+    expectFailure("evaluate model.json", 3,
+                  "\"model.json\" cannot be used: it is no JSON document, or a damaged one: it "
+                  "cannot be read at byte 1.");
+
+    Json json = Json::parse(whole);
+    json["outputs"][1].erase("weights");
+    folder.write("model.json", json.dump());
+    expectFailure("evaluate model.json", 3,
+                  "\"model.json\" cannot be used: the member \"outputs[1].weights\" is missing.");
+
+    json = Json::parse(whole);
+    json["schema"] = 2;
+    folder.write("model.json", json.dump());
+    expectFailure("predict model.json --points cvd.csv", 3,
+                  "\"model.json\" cannot be used: its member \"schema\" is 2; this version reads "
+                  "schema 1 only.");
+
+    json = Json::parse(whole);
+    json["outputs"][0]["name"] = "Pressure";
+    folder.write("model.json", json.dump());
+    EXPECT_EQ(run("evaluate model.json").exitCode, 3);
+    EXPECT_EQ(run("evaluate model.json").err.rfind("surrogate: \"model.json\" cannot be used. ", 0),
+              0u);
+}
+
+TEST_F(ExportCommand, AFaultLeavesTheFileAsItWas)
+{
+    folder.write("model.c", "old");
+    EXPECT_EQ(run("export cvd.csv -y Stress -x Stress --format c -o model.c").exitCode, 2);
+    EXPECT_EQ(folder.read("model.c"), "old");
+    expectFailure("export cvd.csv -y Stress --format c -o cvd.csv", 2,
+                  "The output would replace \"cvd.csv\", which is read; name another file.");
+}
+
+TEST_F(ExportCommand, WarningsGoToTheStandardError)
+{
+    const Outcome done = run("export cvd.csv -y Stress -m kriging --format text");
+
+    EXPECT_EQ(done.exitCode, 0);
+    EXPECT_EQ(done.out.rfind("Kriging model\n", 0), 0u);
+    EXPECT_NE(done.err.find("Warning for Stress: "), std::string::npos);
+}

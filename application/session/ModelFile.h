@@ -1,0 +1,34 @@
+#pragma once
+
+#include <mirel_modelexport/ModelExport.h>
+
+#include <surrogate_session/Export.h>
+
+#include <string>
+
+class CaseSession;
+
+/** Exported models as a user meets them: by file, and by the session that they come from. */
+namespace ModelFile {
+
+/** What the name of a file that holds a model ends with. */
+constexpr const char* fileEnding = ".json";
+
+/** Whether a file is an exported model, by its name. */
+SURROGATE_SESSION_EXPORT bool isModelFile(const std::string& path);
+
+/** The format that a user's word stands for: text, json, c, python, excel. @throw UsageError */
+SURROGATE_SESSION_EXPORT ExportFormat formatOf(const std::string& word);
+
+/**
+ * The model of a session with the names, the ranges and the report of the fit.
+ * @throw SurrogateModelInterface::Error if it cannot be fitted or described; the sentence names the
+ *        output.
+ */
+SURROGATE_SESSION_EXPORT ExportedModel exported(CaseSession& session);
+
+/** @throw FileError if the file cannot be read; ModelFileError if it is no model that can be used.
+ */
+SURROGATE_SESSION_EXPORT ExportedModel read(const std::string& path);
+
+} // namespace ModelFile
