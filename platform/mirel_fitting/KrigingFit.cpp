@@ -441,6 +441,8 @@ KrigingFit Fitter::ofManyCases()
     }
     parts.neighbours = large.neighbours;
     parts.neighbourVariance = large.neighbourVariance;
+    parts.corrected = {found.parameters.lengths, found.parameters.nugget};
+    parts.correctedVariance = large.correctedVariance;
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     const std::shared_ptr<const KrigingData> likely = large.neighbours ? all : data;

@@ -2,7 +2,6 @@
 
 #include <mirel_fitting/KrigingGrid.h>
 #include <mirel_fitting/KrigingVariance.h>
-#include <mirel_fitting/NearestNeighbourKriging.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
@@ -263,19 +262,28 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
     OrderedChunks::run((count + blockSize - 1) / blockSize, threadCount(), makeWorker, nullptr);
 }
 
-/** The first layer is taken for exact: what the neighbours do not know of what it leaves is the
- *  variance. */
+/**
+ * What the neighbours do not know of what the first layer leaves. That is alike everywhere between
+ * the cases, and knows no bounds outside of them: there, what they do not know of the first layer's
+ * process is more.
+ */
 void KrigingPredictor::neighbourErrors(const std::vector<double*>& columns, std::size_t count,
                                        bool ofObservation, double* result) const
 {
     const double noise = ofObservation ? parts.neighbours->parameters().nugget : 0.0;
     Block block(parts);
+    std::vector<double> outer(blockSize);
     for (std::size_t first = 0; first < count; first += blockSize) {
         const std::size_t size = std::min(blockSize, count - first);
         block.read(columns, first, size);
-        parts.neighbours->variances(block.points, size, result + first);
+        const NearestNeighbourKriging& kriging = *parts.neighbours;
+        kriging.variances(block.points, size, kriging.parameters(), result + first);
+        if (parts.correctedVariance > 0.0) {
+            kriging.variances(block.points, size, parts.corrected, outer.data());
+        }
         for (std::size_t i = 0; i < size; ++i) {
-            const double squared = parts.neighbourVariance * (result[first + i] + noise);
+            const double squared = std::max(parts.neighbourVariance * (result[first + i] + noise),
+                                            parts.correctedVariance * outer[i]);
             result[first + i] = parts.scale * std::sqrt(squared) + block.notFinite[i];
         }
     }

@@ -4,6 +4,7 @@
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/MaternCorrelation.h>
+#include <mirel_fitting/NearestNeighbourKriging.h>
 #include <mirel_fitting/PredictorDescriptionInterface.h>
 
 #include <cstddef>
@@ -11,7 +12,6 @@
 #include <vector>
 
 class KrigingVariance;
-class NearestNeighbourKriging;
 
 /** Evaluates one fitted Kriging model: y(x) = offset + scale (trend(x) + sum of w_j c(x, x_j)). */
 class KrigingPredictor
@@ -29,6 +29,9 @@ public:
         /** Added to that sum; null: nothing. */
         std::shared_ptr<const NearestNeighbourKriging> neighbours;
         double neighbourVariance = 0.0; ///< of their process, for the standardised output
+        /** What they correct: the process by which errors grow where no case is near. */
+        NearestNeighbourKriging::Parameters corrected;
+        double correctedVariance = 0.0; ///< 0: nothing
         double offset = 0.0;
         double scale = 1.0;
 

@@ -85,9 +85,11 @@ public:
 
     /**
      * Of universal Kriging, the uncertainty of the trend included; with the process variance and
-     * the lengths as they were estimated. Where the cases are met, errors below a millionth of the
-     * process's standard deviation are 0. Keeps n x n numbers from the first call on, for n
-     * distinct cases and each output asked for.
+     * the lengths as they were estimated. Where neighbours correct the model of a subset, of what
+     * they leave between the cases, growing like that of near cases alone outside of them; far
+     * outside they are too small, the trend being taken for exact. Where the cases are met, errors
+     * below a millionth of the process's standard deviation are 0. Keeps n x n numbers from the
+     * first call on, for n distinct cases and each output asked for.
      */
     void standardErrors(const std::vector<double*>& inputs, const std::set<int>& offsets, Kind kind,
                         std::vector<double*>& errors, std::size_t count) const override;

@@ -107,6 +107,7 @@ private:
     estimate(const std::vector<double>& values, const NearestNeighbourKriging& kriging,
              const NearestNeighbourKriging::Parameters& start) const;
     void use(const Layer& layer, const std::vector<double>& values);
+    void estimateCorrectedVariance(const Layer& layer);
     void addLikelihoodOfOthers(const NearestNeighbourKriging& kriging);
     double logDensityOfScatter(const std::vector<std::size_t>& indices, double noise) const;
 
@@ -381,6 +382,23 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
     }
 }
 
+/** Of the first layer's process, such that the nearest cases alone would make the errors that the
+ *  measured cases have when they are left out. */
+void Fit::estimateCorrectedVariance(const Layer& layer)
+{
+    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured, nullptr);
+    double variances = 0.0;
+    for (const NearestNeighbourKriging::Prediction& prediction : leftOut.predict(
+             {result.found.parameters.lengths, result.found.parameters.nugget}, nullptr)) {
+        variances += prediction.variance;
+    }
+    double squares = 0.0;
+    for (const double residual : layer.leaveOneOutResiduals) {
+        squares += residual * residual;
+    }
+    result.correctedVariance = squares / variances;
+}
+
 /** The likelihood of the cases outside of the subset, given the subset, in random order. */
 void Fit::addLikelihoodOfOthers(const NearestNeighbourKriging& kriging)
 {
@@ -462,6 +480,7 @@ LargeKriging::Result Fit::run(bool meetCases)
     result.subsetSize = subset.indices.size();
     if (layered.error < result.subsetError && layered.error <= local.error) {
         use(layered, first.remainders);
+        estimateCorrectedVariance(layered);
     } else if (local.error < result.subsetError) {
         use(local, ofTrend);
         result.weights.clear();

@@ -50,6 +50,9 @@ public:
         std::vector<double> weights;      ///< of the subset's cases; none: the trend alone
         std::shared_ptr<const NearestNeighbourKriging> neighbours; ///< null: none
         double neighbourVariance = 0.0;                            ///< of its process
+        /** Of the subset's process as the nearest cases know it, by the errors at the measured
+         *  cases; 0 where neighbours do not correct the subset's model. */
+        double correctedVariance = 0.0;
 
         std::vector<std::size_t> measured; ///< random cases outside of the subset
         /** What their outputs lie above the prediction by the model, and by the model of all other

@@ -259,6 +259,13 @@ public:
     Prediction predict(Workplace& place, const std::vector<const double*>& points,
                        std::size_t index, std::size_t& found) const
     {
+        return predict(place, points, index, factors, parameters.nugget, found);
+    }
+
+    Prediction predict(Workplace& place, const std::vector<const double*>& points,
+                       std::size_t index, const std::vector<double>& scales, double nugget,
+                       std::size_t& found) const
+    {
         const double noise = 0.0;
         for (std::size_t k = 0; k < inputs; ++k) {
             place.point[k] = points[k][index] / metric[k];
@@ -266,7 +273,7 @@ public:
         found = search->find(place.point.data(), neighbours, place.indices.data(),
                              place.squares.data());
         return place.kriging.predict(sources(), place.indices.data(), found, place.point.data(),
-                                     factors, parameters.nugget, noise);
+                                     scales, nugget, noise);
     }
 
     const double* at(std::size_t index) const { return coordinates.data() + index * inputs; }
@@ -331,11 +338,12 @@ void NearestNeighbourKriging::addGradients(const std::vector<const double*>& poi
 }
 
 void NearestNeighbourKriging::variances(const std::vector<const double*>& points, std::size_t count,
-                                        double* result) const
+                                        const Parameters& parameters, double* result) const
 {
+    const std::vector<double> factors = impl->factorsFor(parameters);
     const PointWork work = [&](Workplace& place, std::size_t i) {
         std::size_t found;
-        result[i] = impl->predict(place, points, i, found).variance;
+        result[i] = impl->predict(place, points, i, factors, parameters.nugget, found).variance;
     };
     forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
 }

@@ -67,10 +67,10 @@ public:
     void addGradients(const std::vector<const double*>& points, std::size_t count,
                       const std::vector<double*>& gradients) const;
 
-    /** result[i] = variance of the prediction at point i, relative to that of the process, without
-     *  the noise of a new case. */
+    /** result[i] = variance of a prediction at point i with these parameters, relative to that of
+     *  the process, without the noise of a new case. */
     void variances(const std::vector<const double*>& points, std::size_t count,
-                   double* result) const;
+                   const Parameters& parameters, double* result) const;
 
     /** Each of these cases as predicted by the others. */
     class LeftOut

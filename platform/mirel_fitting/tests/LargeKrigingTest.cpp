@@ -408,6 +408,29 @@ TEST(LargeKriging, HasStandardErrorsOfTheSizeOfItsErrors)
     EXPECT_GT(within, 850);
 }
 
+TEST(LargeKriging, HasLargerStandardErrorsWhereNoCaseIsNear)
+{
+    const Columns inputs = latinHypercube(1200, 3, 3);
+    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
+    for (const double beyond : {0.05, 0.1, 0.3}) {
+        Columns points = latinHypercube(200, 3, 4);
+        for (double& x : points[0]) {
+            x = 1.0 + beyond * (0.5 + 0.5 * x);
+        }
+        const std::vector<double> values = predicted(fit, points);
+        const std::vector<double> expected = valuesOf(hill, points);
+        std::vector<double> errors(200);
+
+        fit.predictor.standardErrors(pointersTo(points), 200, false, errors.data());
+
+        int within = 0;
+        for (std::size_t i = 0; i < 200; ++i) {
+            within += std::fabs(values[i] - expected[i]) < 2.0 * errors[i] ? 1 : 0;
+        }
+        EXPECT_GT(within, 150) << beyond;
+    }
+}
+
 TEST(LargeKriging, HasTheGradientOfItsPredictions)
 {
     const Columns inputs = latinHypercube(700, 3, 3);

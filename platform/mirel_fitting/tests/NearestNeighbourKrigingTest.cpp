@@ -89,7 +89,7 @@ TEST(NearestNeighbourKriging, EqualsKrigingByItsDefinitionWhereAllCasesAreNear)
     EXPECT_NEAR(at(*kriging, 0.2), expected, 1e-14);
     const double x = 0.2;
     double variance = 0.0;
-    kriging->variances({&x}, 1, &variance);
+    kriging->variances({&x}, 1, kriging->parameters(), &variance);
     EXPECT_NEAR(variance, 1.0 - explained, 1e-14);
 }
 
@@ -194,7 +194,7 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
     double variance = 0.0;
     const std::vector<const double*> point = {&all.columns[0][left], &all.columns[1][left]};
     without.add(point, 1, &expected);
-    without.variances(point, 1, &variance);
+    without.variances(point, 1, without.parameters(), &variance);
 
     const auto found = NearestNeighbourKriging::LeftOut(*all.kriging, {left}, nullptr)
                            .predict(parameters, nullptr);
