@@ -22,10 +22,10 @@ std::string figure(double value)
 CaseRanges::CaseRanges(const std::vector<double*>& columns, std::size_t rows)
 {
     for (const double* column : columns) {
-        const auto [smallest, largest] = std::minmax_element(column, column + rows);
-        minima.push_back(*smallest);
-        maxima.push_back(*largest);
-        isConstant.push_back(ColumnScale(column, rows).isConstantUpToRounding());
+        const ColumnScale scale(column, rows);
+        minima.push_back(scale.smallestValue());
+        maxima.push_back(scale.largestValue());
+        isConstant.push_back(scale.isConstantUpToRounding());
     }
 }
 

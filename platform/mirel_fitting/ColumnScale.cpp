@@ -1,13 +1,57 @@
 #include <mirel_fitting/ColumnScale.h>
 
+#include <mirel_fitting/SimdLanes.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-ColumnScale::ColumnScale(const double* values, std::size_t count)
-    : lowest(*std::min_element(values, values + count)),
-      highest(*std::max_element(values, values + count))
+namespace {
+
+struct Extremes
 {
+    double lowest;
+    double highest;
+};
+
+/** Lane by lane, so that no comparison waits for the one before. */
+SURROGATE_SIMD Extremes extremesOf(const double* values, std::size_t count)
+{
+    constexpr std::size_t lanes = 8;
+    double low[lanes];
+    double high[lanes];
+    std::fill_n(low, lanes, values[0]);
+    std::fill_n(high, lanes, values[0]);
+    std::size_t k = 0;
+    for (; k + lanes <= count; k += lanes) {
+        for (std::size_t lane = 0; lane < lanes; ++lane) {
+            const double value = values[k + lane];
+            low[lane] = value < low[lane] ? value : low[lane];
+            high[lane] = value > high[lane] ? value : high[lane];
+        }
+    }
+    for (; k < count; ++k) {
+        low[0] = std::min(low[0], values[k]);
+        high[0] = std::max(high[0], values[k]);
+    }
+    return {*std::min_element(low, low + lanes), *std::max_element(high, high + lanes)};
+}
+
+SURROGATE_SIMD void scaleValues(const double* values, std::size_t count, double centre,
+                                double perUnit, double* scaled)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        scaled[k] = (values[k] - centre) * perUnit;
+    }
+}
+
+} // namespace
+
+ColumnScale::ColumnScale(const double* values, std::size_t count)
+{
+    const Extremes extremes = extremesOf(values, count);
+    lowest = extremes.lowest;
+    highest = extremes.highest;
     if (lowest == highest) {
         middle = lowest;
         return;
@@ -43,8 +87,5 @@ double ColumnScale::rounding() const
 
 void ColumnScale::apply(const double* values, std::size_t count, double* scaled) const
 {
-    const double perUnit = 1.0 / scale;
-    for (std::size_t k = 0; k < count; ++k) {
-        scaled[k] = (values[k] - middle) * perUnit;
-    }
+    scaleValues(values, count, middle, 1.0 / scale, scaled);
 }

@@ -20,6 +20,9 @@ public:
     /** A power of two, so that dividing by it rounds nothing; 1 for a constant column. */
     double unit() const { return scale; }
 
+    double smallestValue() const { return lowest; }
+    double largestValue() const { return highest; }
+
     /** Largest value minus smallest, 0 for a constant column; infinite where it overflows. */
     double spread() const { return highest - lowest; }
 

@@ -1,13 +1,18 @@
 #include <mirel_fitting/PolynomialFit.h>
 
+#include <mirel_fitting/AlignedBuffer.h>
 #include <mirel_fitting/BlockedLeastSquares.h>
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/NormalEquations.h>
+#include <mirel_fitting/ProductKernels.h>
+#include <mirel_fitting/QuadraticProducts.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include <cblas.h>
 
 #include <algorithm>
+#include <limits>
 #include <random>
 #include <utility>
 
@@ -72,12 +77,34 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
 
 } // namespace
 
+namespace {
+
+double squaresAbout(double mean, const double* values, std::size_t count)
+{
+    // Several sums: one would wait for itself.
+    double sums[4] = {};
+    std::size_t k = 0;
+    for (; k + 4 <= count; k += 4) {
+        for (std::size_t lane = 0; lane < 4; ++lane) {
+            const double deviation = values[k + lane] - mean;
+            sums[lane] += deviation * deviation;
+        }
+    }
+    for (; k < count; ++k) {
+        sums[0] += (values[k] - mean) * (values[k] - mean);
+    }
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
+} // namespace
+
 /** The columns during construction: borrowed values, and what the passes make of them. */
 struct PolynomialFit::Columns
 {
     const std::vector<double*>& independents;
     const std::vector<double*>& dependents;
-    std::vector<double> scaledCoefficients; // of the kept terms, per output
+    std::vector<double> scaledCoefficients;     // of the kept terms, per output
+    std::unique_ptr<NormalEquations> equations; // null: the factor was rotated
 };
 
 /** Walks over the rows of a chunk in blocks of scaled inputs and outputs. */
@@ -91,6 +118,9 @@ public:
     {
         for (std::size_t input = 0; input < columns.independents.size(); ++input) {
             inputColumns.push_back(scaledInputs.data() + input * rowsPerBlock);
+        }
+        for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
+            outputColumns.push_back(scaledOutputs.data() + output * rowsPerBlock);
         }
     }
 
@@ -125,12 +155,57 @@ protected:
         }
     }
 
+    /** All terms in the order of the basis, and the outputs, filled up with zeros to what the
+     *  kernels take; answers how many rows that is. */
+    std::size_t fillForKernels(std::size_t rows)
+    {
+        const std::size_t filled =
+            (rows + ProductKernels::step - 1) / ProductKernels::step * ProductKernels::step;
+        fit.polynomial.evaluate(inputColumns.data(), rows, design.data(), rowsPerBlock);
+        for (std::size_t term = 0; rows < filled && term < fit.polynomial.size(); ++term) {
+            std::fill_n(design.data() + term * rowsPerBlock + rows, filled - rows, 0.0);
+        }
+        for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
+            std::fill_n(scaledOutputs.data() + output * rowsPerBlock + rows, filled - rows, 0.0);
+        }
+        return filled;
+    }
+
+    ProductKernels::Columns terms() const
+    {
+        return {design.data(), rowsPerBlock, fit.polynomial.size()};
+    }
+
     PolynomialFit& fit;
     Columns& columns;
-    std::vector<double> scaledInputs;
-    std::vector<double> scaledOutputs;
-    std::vector<double> design;
+    AlignedBuffer scaledInputs;
+    AlignedBuffer scaledOutputs;
+    AlignedBuffer design;
     std::vector<const double*> inputColumns;
+    std::vector<const double*> outputColumns;
+};
+
+/** The normal equations. */
+class PolynomialFit::ProductSums : public PolynomialFit::Pass
+{
+public:
+    ProductSums(PolynomialFit& fit, Columns& columns)
+        : Pass(fit, columns), sums(columns.equations->products(), columns.dependents.size())
+    {}
+
+    void handOver(std::size_t) override { columns.equations->add(sums); }
+
+private:
+    void begin() override { sums.clear(); }
+
+    void addBlock(std::size_t, std::size_t rows) override
+    {
+        const std::size_t filled = fillForKernels(rows);
+        sums.addProducts(terms(), filled);
+        sums.addOutputs(outputColumns, terms(), filled);
+    }
+
+    NormalEquations::Sums sums;
 };
 
 class PolynomialFit::Factorisation : public PolynomialFit::Pass
@@ -164,14 +239,23 @@ class PolynomialFit::Residuals : public PolynomialFit::Pass
 public:
     Residuals(PolynomialFit& fit, Columns& columns)
         : Pass(fit, columns), freedom(rowsPerBlock), squares(columns.dependents.size()),
-          leftOutSquares(columns.dependents.size())
-    {}
+          leftOutSquares(columns.dependents.size()), totalSquares(columns.dependents.size())
+    {
+        if (columns.equations) {
+            gradients = std::make_unique<NormalEquations::Sums>(columns.equations->products(),
+                                                                columns.dependents.size());
+        }
+    }
 
     void handOver(std::size_t) override
     {
         for (std::size_t output = 0; output < squares.size(); ++output) {
             fit.fits[output].residualSquares += squares[output];
             fit.fits[output].press += leftOutSquares[output];
+            fit.fits[output].totalSquares += totalSquares[output];
+        }
+        if (gradients) {
+            columns.equations->addGradients(*gradients);
         }
         fit.pressAvailable = fit.pressAvailable && !isDeterminedAlone(1.0 - leastFreedom);
     }
@@ -181,25 +265,26 @@ private:
     {
         std::fill(squares.begin(), squares.end(), 0.0);
         std::fill(leftOutSquares.begin(), leftOutSquares.end(), 0.0);
+        std::fill(totalSquares.begin(), totalSquares.end(), 0.0);
         leastFreedom = 1.0;
+        if (gradients) {
+            gradients->clear();
+        }
     }
 
     void addBlock(std::size_t start, std::size_t rows) override
     {
-        const auto m = static_cast<int>(rows);
-        const auto terms = static_cast<int>(fit.keptTerms.size());
-        const auto ld = static_cast<int>(rowsPerBlock);
-        fillDesign(fit.keptTerms, rows);
-        if (!squares.empty()) {
-            cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m,
-                        static_cast<int>(squares.size()), terms, -1.0, design.data(), ld,
-                        columns.scaledCoefficients.data(), terms, 1.0, scaledOutputs.data(), ld);
+        if (columns.equations) {
+            subtractByKernels(rows);
+        } else {
+            subtract(rows);
         }
-        measureFreedom(m, terms, ld);
+        leastFreedom =
+            std::min(leastFreedom, *std::min_element(freedom.data(), freedom.data() + rows));
         for (std::size_t output = 0; output < squares.size(); ++output) {
             const double* residuals = scaledOutputs.data() + output * rowsPerBlock;
             for (std::size_t row = 0; row < rows; ++row) {
-                const double leftOut = residuals[row] / freedom[row];
+                const double leftOut = residuals[row] / freedom.data()[row];
                 squares[output] += residuals[row] * residuals[row];
                 leftOutSquares[output] += leftOut * leftOut;
             }
@@ -219,12 +304,27 @@ private:
         const std::size_t last = isWhole ? start + rows : position(start + rows);
         for (std::size_t k = isWhole ? start : position(start); k < last; ++k) {
             const std::size_t row = fit.sampledRow(k);
-            fit.leverageOfSample[k] = 1.0 - freedom[row - start];
+            fit.leverageOfSample[k] = 1.0 - freedom.data()[row - start];
             for (std::size_t output = 0; output < squares.size(); ++output) {
                 fit.fits[output].values[k] = columns.dependents[output][row];
-                fit.fits[output].residuals[k] = scaledOutputs[output * rowsPerBlock + row - start];
+                fit.fits[output].residuals[k] =
+                    scaledOutputs.data()[output * rowsPerBlock + row - start];
             }
         }
+    }
+
+    void subtract(std::size_t rows)
+    {
+        const auto m = static_cast<int>(rows);
+        const auto terms = static_cast<int>(fit.keptTerms.size());
+        const auto ld = static_cast<int>(rowsPerBlock);
+        fillDesign(fit.keptTerms, rows);
+        if (!squares.empty()) {
+            cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m,
+                        static_cast<int>(squares.size()), terms, -1.0, design.data(), ld,
+                        columns.scaledCoefficients.data(), terms, 1.0, scaledOutputs.data(), ld);
+        }
+        measureFreedom(m, terms, ld);
     }
 
     /** 1 minus the leverage of each case, which is the squared length of its row of the orthonormal
@@ -233,21 +333,37 @@ private:
     {
         cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, rows, terms,
                     1.0, fit.factor.data(), terms, design.data(), ld);
-        std::fill_n(freedom.begin(), rows, 1.0);
+        std::fill_n(freedom.data(), rows, 1.0);
         for (int term = 0; term < terms; ++term) {
-            const double* column = &design[static_cast<std::size_t>(term) * rowsPerBlock];
+            const double* column = design.data() + static_cast<std::size_t>(term) * rowsPerBlock;
             for (int row = 0; row < rows; ++row) {
-                freedom[static_cast<std::size_t>(row)] -= column[row] * column[row];
+                freedom.data()[row] -= column[row] * column[row];
             }
         }
-        leastFreedom =
-            std::min(leastFreedom, *std::min_element(freedom.begin(), freedom.begin() + rows));
     }
 
-    std::vector<double> freedom;
+    /** The same, and what the residuals say about the coefficients. */
+    void subtractByKernels(std::size_t rows)
+    {
+        const std::size_t filled = fillForKernels(rows);
+        const NormalEquations& equations = *columns.equations;
+        for (std::size_t output = 0; output < squares.size(); ++output) {
+            double* values = scaledOutputs.data() + output * rowsPerBlock;
+            totalSquares[output] += squaresAbout(equations.mean(output), values, rows);
+            equations.subtract(columns.scaledCoefficients.data() + output * fit.polynomial.size(),
+                               terms(), filled, values);
+        }
+        std::fill_n(freedom.data(), filled, 1.0);
+        equations.subtractLeverages(terms(), filled, freedom.data());
+        gradients->addOutputs(outputColumns, terms(), filled);
+    }
+
+    AlignedBuffer freedom;
     double leastFreedom = 1.0;
     std::vector<double> squares;
     std::vector<double> leftOutSquares;
+    std::vector<double> totalSquares; // by kernels only
+    std::unique_ptr<NormalEquations::Sums> gradients;
 };
 
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
@@ -262,13 +378,68 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
         fits.emplace_back();
         fits.back().scale = ColumnScale(column, cases);
     }
-    Columns columns{independents, dependents, {}};
+    Columns columns{independents, dependents, {}, nullptr};
     const SingleThreadedBlas singleThreaded;
-    factorise(columns, isWanted);
     chooseSample();
     const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
-    walk(residuals, 0.7, 1.0);
+    if (isWanted.empty() && solveNormalEquations(columns)) {
+        walk(residuals, 0.4, 0.7);
+        refine(columns);
+    } else {
+        factorise(columns, isWanted);
+        walk(residuals, 0.7, 1.0);
+    }
     storeCoefficients(columns);
+}
+
+bool PolynomialFit::solveNormalEquations(Columns& columns)
+{
+    // Fewer take no time whichever way.
+    constexpr std::size_t fewestCases = 4096;
+    // More terms have more sums than a second-level cache holds.
+    constexpr std::size_t mostTerms = 325;
+
+    const bool isConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& scale) {
+        return scale.isConstantUpToRounding();
+    });
+    if (caseCount < fewestCases || polynomial.size() > mostTerms || isConstant) {
+        return false;
+    }
+    columns.equations =
+        std::make_unique<NormalEquations>(polynomial, caseCount, columns.dependents.size());
+    walk([&] { return std::make_unique<ProductSums>(*this, columns); }, 0.0, 0.4);
+    if (!columns.equations->solve(factor, columns.scaledCoefficients)) {
+        columns.equations.reset();
+        return false;
+    }
+    keptFlags.assign(polynomial.size(), 1);
+    for (std::size_t term = 0; term < polynomial.size(); ++term) {
+        keptTerms.push_back(term);
+    }
+    return true;
+}
+
+/** What the sum of the residuals times the terms says that the coefficients lack. */
+void PolynomialFit::refine(Columns& columns)
+{
+    // A residual that changes by less shows the same digits.
+    constexpr double negligible = 1e-10;
+
+    const double change = columns.equations->correct(columns.scaledCoefficients);
+    double smallest = std::numeric_limits<double>::infinity();
+    for (const Output& output : fits) {
+        smallest = std::min(smallest, output.residualSquares);
+    }
+    if (!(change > negligible * negligible * smallest)) {
+        return;
+    }
+    for (Output& output : fits) {
+        output.totalSquares = 0.0;
+        output.residualSquares = 0.0;
+        output.press = 0.0;
+    }
+    pressAvailable = true;
+    walk([&] { return std::make_unique<Residuals>(*this, columns); }, 0.7, 1.0);
 }
 
 void PolynomialFit::factorise(Columns& columns, const std::vector<char>& isWanted)

@@ -14,6 +14,11 @@
  * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
  * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
  * does not depend on their number.
+ *
+ * The factor is that of the normal equations where many cases make the terms clearly separable:
+ * then the residuals' pass refines the coefficients to the digits that orthogonal factorisation
+ * gives (corrected seminormal equations: Bjorck, Linear Algebra Appl. 88/89 (1987)). Else it is
+ * rotated from the cases themselves, which can tell what is separable to the last digits.
  */
 class PolynomialFit
 {
@@ -118,9 +123,12 @@ public:
 private:
     struct Columns;
     class Pass;
+    class ProductSums;
     class Factorisation;
     class Residuals;
 
+    bool solveNormalEquations(Columns& columns);
+    void refine(Columns& columns);
     void factorise(Columns& columns, const std::vector<char>& isWanted);
     void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
               double from, double to) const;

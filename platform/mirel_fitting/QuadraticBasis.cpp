@@ -1,8 +1,22 @@
 #include <mirel_fitting/QuadraticBasis.h>
 
+#include <mirel_fitting/SimdLanes.h>
+
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
+
+namespace {
+
+SURROGATE_SIMD void multiply(const double* first, const double* second, std::size_t count,
+                             double* values)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        values[k] = first[k] * second[k];
+    }
+}
+
+} // namespace
 
 QuadraticBasis::QuadraticBasis(std::size_t inputs, int order) : inputCount(inputs), highest(order)
 {
@@ -78,9 +92,7 @@ void QuadraticBasis::evaluateTerm(std::size_t term, const double* const* columns
         return;
     }
     const double* second = columns[inputsOfTerm.second];
-    for (std::size_t k = 0; k < count; ++k) {
-        values[k] = first[k] * second[k];
-    }
+    multiply(first, second, count, values);
 }
 
 void QuadraticBasis::evaluate(const double* const* columns, std::size_t count, double* values,

@@ -1,25 +1,36 @@
 #include <mirel_fitting/ReplicatedCases.h>
 
+#include <algorithm>
 #include <cassert>
-#include <limits>
-
 #include <cstring>
+#include <limits>
+#include <utility>
 
 namespace {
 
-/** A number from which nothing of the value can be seen, as hash tables need it. */
-std::uint64_t scatter(std::uint64_t hash, double value)
+/** Rows whose hashes are computed together, column by column. */
+constexpr std::size_t rowsPerBlock = 512;
+
+/** hashes[k] += a number that depends on all bits of the value. */
+void addColumn(const double* values, std::size_t count, std::uint64_t multiplier,
+               std::uint64_t* hashes)
 {
-    // Adding 0 makes 0 of -0, which is the same input.
-    value += 0.0;
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    // The finaliser of SplitMix64. Steele, Lea, Flood: Fast splittable pseudorandom number
-    // generators, OOPSLA 2014.
-    std::uint64_t x = hash + bits + 0x9e3779b97f4a7c15ULL;
-    x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9ULL;
-    x = (x ^ (x >> 27)) * 0x94d049bb133111ebULL;
-    return x ^ (x >> 31);
+    for (std::size_t k = 0; k < count; ++k) {
+        // Adding 0 makes 0 of -0, which is the same input.
+        const double value = values[k] + 0.0;
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &value, sizeof bits);
+        // Of round numbers only the high bits differ, and a product carries them nowhere.
+        hashes[k] += (bits ^ (bits >> 32)) * multiplier;
+    }
+}
+
+/** Where in the table a row begins to look, from any of its bits. */
+std::uint64_t mixed(std::uint64_t hash)
+{
+    hash ^= hash >> 32;
+    hash *= 0xd6e8feb86659fd93ULL;
+    return hash ^ (hash >> 32);
 }
 
 } // namespace
@@ -28,42 +39,54 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
 {
     constexpr std::uint32_t nobody = std::numeric_limits<std::uint32_t>::max();
     assert(cases < nobody);
+    // The first case of a point, and a part of its hash, so that other points are seldom compared.
+    struct Slot
+    {
+        std::uint32_t row;
+        std::uint32_t tag;
+    };
 
     std::size_t slots = 16;
     while (slots < 2 * cases) {
         slots *= 2;
     }
-    // Open addressing: the first case of each point.
-    std::vector<std::uint32_t> table(slots, nobody);
-    std::vector<std::uint32_t> points(cases);
+    std::vector<Slot> table(slots, Slot{nobody, 0}); // open addressing
+    std::vector<std::uint32_t> pointsFound(cases);
     const auto isSame = [&](std::size_t a, std::size_t b) {
+        return std::all_of(columns.begin(), columns.end(),
+                           [&](const double* column) { return column[a] == column[b]; });
+    };
+    std::uint64_t hashes[rowsPerBlock];
+    for (std::size_t start = 0; start < cases; start += rowsPerBlock) {
+        const std::size_t rows = std::min(rowsPerBlock, cases - start);
+        std::fill_n(hashes, rows, 0);
+        // Odd, and unlike each other.
+        std::uint64_t multiplier = 0x9e3779b97f4a7c15ULL;
         for (const double* column : columns) {
-            if (column[a] != column[b]) {
-                return false;
+            addColumn(column + start, rows, multiplier | 1, hashes);
+            multiplier = mixed(multiplier + 0x9e3779b97f4a7c15ULL);
+        }
+        for (std::size_t k = 0; k < rows; ++k) {
+            const std::size_t row = start + k;
+            const std::uint64_t hash = mixed(hashes[k]);
+            const auto tag = static_cast<std::uint32_t>(hash >> 32);
+            std::size_t slot = hash & (slots - 1);
+            while (table[slot].row != nobody &&
+                   (table[slot].tag != tag || !isSame(table[slot].row, row))) {
+                slot = (slot + 1) & (slots - 1);
+            }
+            if (table[slot].row == nobody) {
+                table[slot] = {static_cast<std::uint32_t>(row), tag};
+                pointsFound[row] = static_cast<std::uint32_t>(points++);
+            } else {
+                pointsFound[row] = pointsFound[table[slot].row];
             }
         }
-        return true;
-    };
-    std::uint32_t found = 0;
-    for (std::size_t row = 0; row < cases; ++row) {
-        std::uint64_t hash = 0;
-        for (const double* column : columns) {
-            hash = scatter(hash, column[row]);
-        }
-        std::size_t slot = hash & (slots - 1);
-        while (table[slot] != nobody && !isSame(table[slot], row)) {
-            slot = (slot + 1) & (slots - 1);
-        }
-        if (table[slot] == nobody) {
-            table[slot] = static_cast<std::uint32_t>(row);
-            points[row] = found++;
-        } else {
-            points[row] = points[table[slot]];
-        }
     }
-    if (found < cases) {
-        this->points = found;
-        pointOfCase = std::move(points);
+    if (points < cases) {
+        pointOfCase = std::move(pointsFound);
+    } else {
+        points = 0;
     }
 }
 

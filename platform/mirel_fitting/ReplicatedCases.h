@@ -15,7 +15,8 @@ public:
     ReplicatedCases() = default;
 
     /**
-     * O(cases) time, 20 bytes per case during construction and 4 later if there are replicates.
+     * O(cases) time, 36 bytes per case at most during construction, and 4 later if there are
+     * replicates.
      * @param columns one array of `cases` finite values per input that counts, borrowed for the
      *                call. Without any, every case repeats the others.
      * @param cases   less than 2^32.
