@@ -53,6 +53,35 @@ CheckPoints::CheckPoints(const ExportedModel& model)
     }
 }
 
+double inputRounding(const ExportedModel& model, std::size_t output,
+                     const std::vector<double>& point)
+{
+    // Steep enough for a slope and short enough for a smooth function; only its size counts.
+    constexpr double step = 1e-4;
+    const auto predictor = model.predictor();
+    const auto value = [&](std::vector<double> at) {
+        std::vector<double*> inputs;
+        for (double& coordinate : at) {
+            inputs.push_back(&coordinate);
+        }
+        double result = 0.0;
+        std::vector<double*> results = {&result};
+        predictor->interpolateDependentValues(inputs, {static_cast<int>(output)}, results, 1);
+        return result;
+    };
+    const double atPoint = value(point);
+    double rounding = 0.0;
+    for (const PredictorDescription::Coordinate& coordinate :
+         model.outputs[output].model.predictor.coordinates) {
+        std::vector<double> moved = point;
+        moved[coordinate.input] += step * coordinate.unit;
+        const double slope = std::fabs(value(moved) - atPoint) / step;
+        const double size = std::fabs(point[coordinate.input]) + std::fabs(coordinate.origin);
+        rounding += slope * (epsilon * size / coordinate.unit);
+    }
+    return rounding;
+}
+
 std::vector<double> correlationScales(const PredictorDescription& predictor)
 {
     std::vector<double> scales;

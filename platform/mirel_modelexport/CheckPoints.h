@@ -26,6 +26,11 @@ struct CheckPoints
 /** How far a prediction at the point may be off by rounding; see CheckPoints. */
 double roundingTolerance(const PredictorDescription& predictor, const std::vector<double>& point);
 
+/** How far the output at the point may be off because inputs and origins are read with more digits
+ *  than a double has, or fewer: by a unit in the last place of each. */
+double inputRounding(const ExportedModel& model, std::size_t output,
+                     const std::vector<double>& point);
+
 /** sqrt(5) / length of each coordinate: by that coordinates are scaled before they are compared. */
 std::vector<double> correlationScales(const PredictorDescription& predictor);
 

@@ -223,7 +223,9 @@ void ModelSheets::writeCheck()
         writePoint(CheckSheet, row, formulas, firstStep, check.points[i], results);
         for (std::size_t k = 0; k < outputs; ++k) {
             file.number({CheckSheet, row, expected + k}, check.values[k][i]);
-            file.number({CheckSheet, row, tolerance + k}, check.tolerances[k][i]);
+            // Some spreadsheets compute with more digits than a double has.
+            file.number({CheckSheet, row, tolerance + k},
+                        check.tolerances[k][i] + inputRounding(model, k, check.points[i]));
             file.formula({CheckSheet, row, verdict + k},
                          "IFERROR(IF(ABS(" + cellName(row, computed + k) + "-" +
                              cellName(row, expected + k) + ")<=" + cellName(row, tolerance + k) +
