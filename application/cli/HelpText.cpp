@@ -77,6 +77,8 @@ Pictures (plot)
   --kind contour   the model over two inputs, the first one to the right
   --kind actual    each case as a fit to the other cases predicts it, against its actual value
   --kind residuals the differences of the two, against the predictions
+  --kind coefficients   those of a response surface for inputs coded to -1 and 1, the largest
+                   first, with their 95 % confidence limits
   --size WxH       pixels of each panel, 800x600 if absent
 
 Output

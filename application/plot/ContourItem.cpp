@@ -15,6 +15,10 @@
 #include <utility>
 
 namespace {
+/** A pen of one pixel would be drawn piece by piece where there are pixels, with a dot at each end
+ *  of a piece. */
+constexpr double lineThickness = 1.2;
+
 /** From the units of the variables to pixels. */
 QPolygonF onCanvas(const QPolygonF& line, const QwtScaleMap& xMap, const QwtScaleMap& yMap)
 {
@@ -91,7 +95,8 @@ void ContourItem::draw(QPainter* painter, const QwtScaleMap& xMap, const QwtScal
     std::size_t line = 0;
     for (std::size_t i = 0; i < levels.size(); ++i) {
         // One colour for a line and its label: both lie on this band and the one below.
-        painter->setPen(QPen(PlotColours::readableOn(bands.colour(i)), 1.0));
+        painter->setPen(QPen(PlotColours::readableOn(bands.colour(i)), lineThickness, Qt::SolidLine,
+                             Qt::FlatCap, Qt::RoundJoin));
         const QSizeF size = QFontMetricsF(font).size(Qt::TextSingleLine, levels[i].label);
         for (std::size_t part = 0; part < levels[i].lines.size(); ++part, ++line) {
             const std::optional<LineLabel> label = labels.place(line, size);

@@ -145,7 +145,8 @@ public:
         generator.setResolution(pixelsPerInch);
         generator.setSize(wholeSize());
         generator.setViewBox(QRect(QPoint(0, 0), wholeSize()));
-        generator.setTitle(plots.front()->title().text());
+        // The generator writes it as it is.
+        generator.setTitle(plots.front()->title().text().toHtmlEscaped());
         generator.setDescription(QString());
         draw(generator);
         return withoutEmptyGroups(withSizeInPixels(bytes, wholeSize()));

@@ -8,7 +8,7 @@
 struct SURROGATE_PLOT_EXPORT PictureSize
 {
     /** Below it the texts would leave no room for what they describe. */
-    static constexpr int least = 240;
+    static constexpr int least = 300;
     static constexpr int most = 10000;
 
     int width = 800;

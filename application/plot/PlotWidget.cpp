@@ -12,6 +12,7 @@
 #include <QFontMetricsF>
 #include <QResizeEvent>
 #include <qwt_legend.h>
+#include <qwt_painter.h>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_curve.h>
 #include <qwt_plot_grid.h>
@@ -29,7 +30,9 @@ constexpr int tickFontSize = 12;
 constexpr int textFontSize = 13;
 constexpr int titleFontSize = 15;
 constexpr double margin = 0.05; ///< round the data, so that no symbol is cut
-constexpr double contourMargin = 0.02;
+/** Less would do for the eye, but Qwt draws no symbol on a vector device that touches the border.
+ */
+constexpr double narrowMargin = 0.04;
 constexpr double lineThickness = 2.0;
 constexpr int symbolSize = 8;
 constexpr int mostSteps = 10;
@@ -108,6 +111,8 @@ private:
 void PlotWidget::Impl::setUp()
 {
     plot.setAutoReplot(false);
+    // Lines keep their places between pixels, on all devices: rounded to pixels curves have kinks.
+    QwtPainter::setRoundingAlignment(false);
     QPalette palette(Qt::white);
     palette.setColor(QPalette::Window, Qt::white);
     palette.setColor(QPalette::WindowText, PlotColours::text);
@@ -221,7 +226,7 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
     addCases(points(picture.caseInputs, picture.caseOutputs), picture.caseLabel, Qt::white);
     hasLegend = true;
 
-    xRange = AxisScale::padded(AxisScale::range(picture.inputs), 0.02);
+    xRange = AxisScale::padded(AxisScale::range(picture.inputs), narrowMargin);
     yRange = AxisScale::range(picture.model);
     for (const auto* column : {&picture.lower, &picture.upper, &picture.caseOutputs}) {
         yRange = AxisScale::united(yRange, AxisScale::range(*column));
@@ -241,8 +246,8 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     addCases(points(picture.caseX, picture.caseY), picture.caseLabel, Qt::white);
 
     // Cases stand at the border too.
-    xRange = AxisScale::padded({picture.x.front(), picture.x.back()}, contourMargin);
-    yRange = AxisScale::padded({picture.y.front(), picture.y.back()}, contourMargin);
+    xRange = AxisScale::padded({picture.x.front(), picture.x.back()}, narrowMargin);
+    yRange = AxisScale::padded({picture.y.front(), picture.y.back()}, narrowMargin);
     plot.enableAxis(QwtPlot::yRight);
     plot.setAxisScaleDraw(QwtPlot::yRight, new ColourBarScaleDraw(bands));
     nameAxis(QwtPlot::yRight, picture.outputName);
@@ -344,11 +349,23 @@ void PlotWidget::Impl::chooseTerms()
         delete item;
     }
     termItems.clear();
-    const QFontMetricsF metrics(plotFont(tickFontSize));
-    const double room = plot.plotLayout()->canvasRect().height() / (1.25 * metrics.height());
     const int all = static_cast<int>(picture->terms.size());
-    const int count = std::clamp(static_cast<int>(room), 1, std::max(1, all));
-    addTerms(*picture, std::min(count, all));
+    const auto fitting = [this, all] {
+        plot.updateLayout();
+        const double height = plot.plotLayout()->canvasRect().height();
+        const double row = 1.25 * QFontMetricsF(plotFont(tickFontSize)).height();
+        return std::clamp(static_cast<int>(height / row), 1, all);
+    };
+    write(picture->title, picture->caption);
+    int count = fitting();
+    // Saying so takes room too.
+    for (int before = 0; count < all && count != before;) {
+        before = count;
+        write(picture->title, picture->caption + ' ' + std::to_string(count) + " of " +
+                                  std::to_string(all) + " terms fit here.");
+        count = fitting();
+    }
+    addTerms(*picture, count);
 }
 
 void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)

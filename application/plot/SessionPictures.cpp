@@ -12,6 +12,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
 #include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -22,6 +23,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numeric>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -30,10 +32,14 @@ using Kind = SessionPictures::Kind;
 const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
                                                          {"contour", Kind::Contour},
                                                          {"actual", Kind::Actual},
-                                                         {"residuals", Kind::Residuals}};
+                                                         {"residuals", Kind::Residuals},
+                                                         {"coefficients", Kind::Coefficients}};
 
 /** Of the range of an input: how far from the cut a case counts as near. */
 constexpr double nearShare = 0.1;
+
+/** Likewise: the ends of an even sweep are the range of the input but for rounding. */
+constexpr double roundingShare = 1e-9;
 
 /** 95 % of a normal distribution lie within so many standard errors. */
 constexpr double bandErrors = 1.96;
@@ -137,7 +143,7 @@ public:
             const auto& column = session.project().numericValues(session.inputs()[i]);
             const auto [least, most] = std::minmax_element(input(i), input(i) + count());
             const QwtInterval all = AxisScale::range(chosen(column, cases));
-            const double slack = isSwept(i) ? 0.0 : nearShare * all.width();
+            const double slack = (isSwept(i) ? roundingShare : nearShare) * all.width();
             const auto isFar = [&, least = *least, most = *most](std::size_t row) {
                 return column[row] < least - slack || column[row] > most + slack;
             };
@@ -154,8 +160,8 @@ public:
         return "cases near (" + std::to_string(near) + " of " + std::to_string(cases.size()) + ')';
     }
 
-    /** "At Flow = 3, Power = 10. Near: ..."; empty if every input is swept. */
-    std::string caption() const
+    /** "At Flow = 3, Power = 10. ...", and what is near; empty if every input is swept. */
+    std::string caption(std::size_t near) const
     {
         std::string held;
         std::size_t shown = 0;
@@ -178,7 +184,9 @@ public:
         if (others > 0) {
             held += " and " + std::to_string(others) + " more held";
         }
-        return "At " + held + ". Near: all held inputs within 10 % of their range.";
+        return "At " + held +
+               (near > 0 ? ". Near: all held inputs within 10\302\240% of their range."
+                         : ". No case has all held inputs within 10\302\240% of their range.");
     }
 
 private:
@@ -249,7 +257,7 @@ void addBand(CaseSession& session, const Cut& cut, std::size_t output,
         picture.lower.push_back(picture.model[i] - bandErrors * errors[i]);
         picture.upper.push_back(picture.model[i] + bandErrors * errors[i]);
     }
-    picture.bandLabel = "\302\261 1.96 standard errors of the mean";
+    picture.bandLabel = "\302\261 1.96 standard errors";
 }
 
 std::vector<PictureData> sweeps(CaseSession& session)
@@ -275,7 +283,7 @@ std::vector<PictureData> sweeps(CaseSession& session)
         picture.caseOutputs =
             chosen(session.project().numericValues(session.outputs()[output]), near);
         picture.caseLabel = cut.caseLabel(near.size());
-        picture.caption = cut.caption();
+        picture.caption = cut.caption(near.size());
         requireDrawable(picture.inputs, quotedText(picture.inputName));
         requireDrawable(picture.model, "The model of " + quotedText(picture.outputName));
         pictures.push_back(std::move(picture));
@@ -317,7 +325,7 @@ std::vector<PictureData> contours(CaseSession& session)
         picture.caseX = chosen(session.project().numericValues(session.inputs()[swept[0]]), near);
         picture.caseY = chosen(session.project().numericValues(session.inputs()[swept[1]]), near);
         picture.caseLabel = cut.caseLabel(near.size());
-        picture.caption = cut.caption();
+        picture.caption = cut.caption(near.size());
         requireDrawable(picture.x, quotedText(picture.xName));
         requireDrawable(picture.y, quotedText(picture.yName));
         requireDrawable(picture.values, "The model of " + quotedText(picture.outputName));
@@ -402,6 +410,58 @@ std::vector<PictureData> residuals(CaseSession& session)
     }
     return pictures;
 }
+/** "V1" as "Pressure", "V1^2" as "Pressure\302\262", "V1 V2" as "Pressure \303\227 Flow". */
+std::string termName(const std::string& term, const std::vector<std::string>& inputs)
+{
+    std::istringstream factors(term);
+    std::string name;
+    for (std::string factor; factors >> factor;) {
+        const std::size_t power = factor.find('^');
+        const std::size_t input = std::stoul(factor.substr(1, power - 1)) - 1;
+        name += (name.empty() ? "" : " \303\227 ") + inputs.at(input) +
+                (power == std::string::npos ? "" : "\302\262");
+    }
+    return name;
+}
+
+std::vector<PictureData> coefficients(CaseSession& session)
+{
+    const auto& model = dynamic_cast<const ResponseSurfaceStatisticsInterface&>(session.fit());
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        CoefficientPicture picture;
+        const std::string outputName = nameOf(session.outputs()[output]);
+        picture.title = outputName + ", " + modelName(session) + ", coefficients";
+        picture.valueName = "coefficient, in the unit of " + outputName;
+        bool hasLimits = true;
+        for (const CoefficientStatistics& each :
+             model.responseSurfaceStatistics(offsetOf(session, output)).codedCoefficients) {
+            // The constant is on a scale of its own, beside which the others would look like 0.
+            if (each.isKept && each.term != "1") {
+                picture.terms.push_back(
+                    {termName(each.term, inputs), each.estimate, each.lower, each.upper});
+                hasLimits = hasLimits && std::isfinite(each.lower) && std::isfinite(each.upper);
+            }
+        }
+        if (picture.terms.empty()) {
+            throw SurrogateModelInterface::Error("The model of " + quotedText(outputName) +
+                                                 " is a constant: there are no coefficients to be "
+                                                 "drawn. More cases would give some.");
+        }
+        std::stable_sort(picture.terms.begin(), picture.terms.end(),
+                         [](const auto& left, const auto& right) {
+                             return std::abs(left.estimate) > std::abs(right.estimate);
+                         });
+        picture.caption =
+            std::string("Inputs coded to -1 and 1 at the ends of their ranges; without the "
+                        "constant. ") +
+            (hasLimits ? "The bars are 95\302\240% confidence limits."
+                       : "As many terms as cases leave nothing for confidence limits.");
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
+}
 } // namespace
 
 SessionPictures::Kind SessionPictures::kindOf(const std::string& word)
@@ -434,6 +494,10 @@ void SessionPictures::check(Kind kind, const CaseSession& session)
                          ": name each with --count NAME=N or --sweep NAME=TEXT, and hold others "
                          "with --at NAME=VALUE.");
     }
+    if (kind == Kind::Coefficients && session.modelType() == CaseSession::Kriging) {
+        throw UsageError("Only the response surface has coefficients to draw: take "
+                         "-m response-surface.");
+    }
 }
 
 std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
@@ -446,7 +510,9 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
         return contours(session);
     case Kind::Actual:
         return actuals(session);
-    default:
+    case Kind::Residuals:
         return residuals(session);
+    default:
+        return coefficients(session);
     }
 }

@@ -22,16 +22,18 @@ enum class Kind
     Sweep,
     Contour,
     Actual,
-    Residuals
+    Residuals,
+    Coefficients
 };
 
-/** @param word as users write it: sweep, contour, actual, residuals.
+/** @param word as users write it: sweep, contour, actual, residuals, coefficients.
  *  @throw UsageError for another one, naming those. */
 SURROGATE_PLOT_EXPORT Kind kindOf(const std::string& word);
 
 /**
  * Whether the session has chosen what the kind needs; asks before a long fit.
- * @throw UsageError if a sweep has not one swept input, or a contour not two.
+ * @throw UsageError if a sweep has not one swept input, a contour not two, or coefficients are
+ *        wanted of a model that has none.
  */
 SURROGATE_PLOT_EXPORT void check(Kind kind, const CaseSession& session);
 

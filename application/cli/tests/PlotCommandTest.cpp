@@ -83,9 +83,11 @@ TEST_F(Program, PlotSaysWhenThereIsNoFont)
 TEST_F(Program, PlotRefusesWhatItCannotDo)
 {
     expectFailure(sweep + "-o picture.svg", 2,
-                  "A picture needs a kind: --kind with one of sweep, contour, actual, residuals.");
-    expectFailure(sweep + "--kind pie -o picture.svg", 2,
-                  "--kind needs one of sweep, contour, actual, residuals, not \"pie\".");
+                  "A picture needs a kind: --kind with one of sweep, contour, actual, residuals, "
+                  "coefficients.");
+    expectFailure(
+        sweep + "--kind pie -o picture.svg", 2,
+        "--kind needs one of sweep, contour, actual, residuals, coefficients, not \"pie\".");
     expectFailure(sweep + "--kind sweep", 2,
                   "The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
                   "FILE.pdf.");
@@ -97,8 +99,11 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
                   "--count NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
     expectFailure(sweep + "--kind actual -o picture.svg", 2,
                   "--sweep, --count and --at belong to pictures of kind sweep and contour.");
+    expectFailure("plot cvd.csv -y Stress -m kriging --kind coefficients -o picture.svg", 2,
+                  "Only the response surface has coefficients to draw: take -m "
+                  "response-surface.");
     expectFailure(sweep + "--kind sweep --size 3x3 -o picture.svg", 2,
-                  "--size needs width and height in pixels such as 800x600, each from 240 to "
+                  "--size needs width and height in pixels such as 800x600, each from 300 to "
                   "10000, not \"3x3\".");
     expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,
                   "The file \"nowhere/picture.svg\" cannot be written: No such file or directory.");

@@ -91,9 +91,36 @@ ResidualPicture residual()
     return picture;
 }
 
+/** So many terms, named after their number. */
+CoefficientPicture coefficients(int count)
+{
+    CoefficientPicture picture;
+    picture.title = "The title";
+    picture.valueName = "coefficient";
+    picture.caption = "The caption.";
+    for (int i = 0; i < count; ++i) {
+        const double estimate = count - i;
+        picture.terms.push_back(
+            {"term " + std::to_string(i), estimate, estimate - 0.5, estimate + 0.5});
+    }
+    return picture;
+}
+
 std::string svgOf(PictureData data, PictureSize size = {})
 {
     return Picture({std::move(data)}, size).toSvg();
+}
+
+bool hasPixel(const QImage& image, const QRect& place, const QColor& colour)
+{
+    for (int x = place.left(); x <= place.right(); ++x) {
+        for (int y = place.top(); y <= place.bottom(); ++y) {
+            if (image.pixelColor(x, y) == colour) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 bool hasColour(const std::string& svg, const QColor& colour)
@@ -156,7 +183,10 @@ TEST(Picture, AContourHasLabelledLinesAndAColourBar)
 
 TEST(Picture, AContourShowsCasesAtItsCorners)
 {
-    EXPECT_EQ(countOf(svgOf(contour()), "<circle") + countOf(svgOf(contour()), "<ellipse"), 2u);
+    for (const PictureSize size :
+         {PictureSize(), PictureSize{PictureSize::least, PictureSize::least}}) {
+        EXPECT_EQ(countOf(svgOf(contour(), size), "<circle"), 2u);
+    }
 }
 
 TEST(Picture, AConstantContourHasOneColourAndNoLines)
@@ -197,6 +227,37 @@ TEST(Picture, ResidualsAlwaysShowZero)
     EXPECT_TRUE(hasText(svg, "0.0"));
 }
 
+TEST(Picture, CoefficientsStandBelowEachOtherInTheirOrder)
+{
+    const std::string svg = svgOf(coefficients(4));
+
+    const std::vector<std::string> texts = textsOf(svg);
+    EXPECT_TRUE(hasText(svg, "coefficient"));
+    EXPECT_TRUE(hasText(svg, "The caption."));
+    EXPECT_LT(svg.find(">term 0<"), svg.find(">term 3<"));
+    EXPECT_EQ(countOf(svg, "<circle"), 4u);
+    EXPECT_TRUE(hasText(svg, "0.0")) << "the axis holds the line of 0";
+}
+
+TEST(Picture, TermsThatDoNotFitAreLeftOutAndCounted)
+{
+    const std::string svg = svgOf(coefficients(300));
+
+    EXPECT_TRUE(hasText(svg, "term 0"));
+    EXPECT_FALSE(hasText(svg, "term 299"));
+    const std::string shown = std::to_string(countOf(svg, "<circle"));
+    EXPECT_TRUE(hasText(svg, "The caption. " + shown + " of 300 terms fit here."));
+}
+
+TEST(Picture, CoefficientsWithoutLimitsAreDrawnAlone)
+{
+    CoefficientPicture picture = coefficients(1);
+    picture.terms[0].lower = std::nan("");
+    picture.terms[0].upper = std::nan("");
+
+    EXPECT_EQ(countOf(svgOf(picture), "<circle"), 1u);
+}
+
 TEST(Picture, OneCaseIsEnough)
 {
     ActualPicture one = actual();
@@ -213,13 +274,15 @@ TEST(Picture, OneCaseIsEnough)
 TEST(Picture, NamesMayHoldMarkupAndAnyLetters)
 {
     SweepPicture picture = sweep();
+    picture.title = "a < b & c";
     picture.inputName = "<b>T & p</b>";
     picture.outputName = "\316\224\317\203";
 
     const std::string svg = svgOf(picture);
 
-    EXPECT_TRUE(hasText(svg, picture.inputName));
-    EXPECT_TRUE(hasText(svg, picture.outputName));
+    for (const std::string& name : {picture.title, picture.inputName, picture.outputName}) {
+        EXPECT_TRUE(hasText(svg, name)) << name;
+    }
 }
 
 TEST(Picture, ALongNameIsCutInItsMiddle)
@@ -258,8 +321,9 @@ TEST(Picture, SeveralPanelsShareAFile)
 
 TEST(Picture, NothingButShapesAndTextIsInAnSvg)
 {
-    for (const PictureData& data : {PictureData(sweep()), PictureData(contour()),
-                                    PictureData(actual()), PictureData(residual())}) {
+    for (const PictureData& data :
+         {PictureData(sweep()), PictureData(contour()), PictureData(actual()),
+          PictureData(residual()), PictureData(coefficients(3))}) {
         const std::string svg = svgOf(data);
         EXPECT_EQ(svg.find("<image"), std::string::npos);
         EXPECT_EQ(svg.find(" id="), std::string::npos);
@@ -289,8 +353,10 @@ TEST(Picture, APngHasTheColoursOfTheValues)
     const QImage image = QImage::fromData(QByteArray::fromStdString(Picture({contour()}).toPng()));
 
     // x y is 0 along the left side and largest at the upper right.
-    EXPECT_EQ(image.pixelColor(90, 250), PlotColours::viridis(0.0));
-    EXPECT_EQ(image.pixelColor(670, 55), PlotColours::viridis(1.0));
+    EXPECT_TRUE(hasPixel(image, QRect(70, 100, 100, 300), PlotColours::viridis(0.0)));
+    EXPECT_FALSE(hasPixel(image, QRect(70, 100, 100, 300), PlotColours::viridis(1.0)));
+    EXPECT_TRUE(hasPixel(image, QRect(600, 40, 75, 75), PlotColours::viridis(1.0)));
+    EXPECT_FALSE(hasPixel(image, QRect(600, 40, 75, 75), PlotColours::viridis(0.0)));
 }
 
 TEST(Picture, APdfEmbedsItsFontAndIsOnePage)
@@ -320,8 +386,9 @@ TEST(Picture, ThePlacesOfThePdfsObjectsAreRight)
 
 TEST(Picture, TheSameDataGiveTheSameBytes)
 {
-    for (const PictureData& data : {PictureData(sweep()), PictureData(contour()),
-                                    PictureData(actual()), PictureData(residual())}) {
+    for (const PictureData& data :
+         {PictureData(sweep()), PictureData(contour()), PictureData(actual()),
+          PictureData(residual()), PictureData(coefficients(3))}) {
         const Picture first({data});
         const Picture second({data});
         EXPECT_EQ(first.toSvg(), second.toSvg());

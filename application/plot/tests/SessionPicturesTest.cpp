@@ -5,6 +5,8 @@
 #include <session/CaseSession.h>
 #include <session/SessionErrors.h>
 
+#include <mirel_fitting/SurrogateModelInterface.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -45,7 +47,8 @@ TEST(SessionPictures, ASweepShowsEveryOutput)
     EXPECT_EQ(stress.inputs, (std::vector<double>{4, 23, 42, 61, 80}));
     // The intercept of a fit to coded inputs, whose codes are 0 here; docs in examples/cvd.
     EXPECT_NEAR(stress.model[2], 7.79, 1e-2);
-    EXPECT_EQ(stress.caption, "At H2/WF6 = 6. Near: all held inputs within 10 % of their range.");
+    EXPECT_EQ(stress.caption,
+              "At H2/WF6 = 6. Near: all held inputs within 10\302\240% of their range.");
 }
 
 TEST(SessionPictures, ASweepShowsTheCasesNearIt)
@@ -61,6 +64,20 @@ TEST(SessionPictures, ASweepShowsTheCasesNearIt)
     EXPECT_EQ(picture.caseInputs, (std::vector<double>{42, 4, 42, 42}));
     EXPECT_EQ(picture.caseOutputs, (std::vector<double>{6.2, 7.3, 6.4, 5.0}));
     EXPECT_EQ(picture.caseLabel, "cases near (4 of 11)");
+}
+
+TEST(SessionPictures, ASweepFarFromAllCasesSaysSo)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "4.6");
+
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+
+    EXPECT_TRUE(picture.caseInputs.empty());
+    EXPECT_EQ(picture.caption,
+              "At H2/WF6 = 4.6. No case has all held inputs within 10\302\240% of their range.");
 }
 
 TEST(SessionPictures, ExcludedCasesAreNotShown)
@@ -106,7 +123,7 @@ TEST(SessionPictures, TheBandIsAsWideAsTheStandardErrors)
     }
     EXPECT_GT(picture.upper[0] - picture.lower[0], picture.upper[2] - picture.lower[2])
         << "wider at the border";
-    EXPECT_EQ(picture.bandLabel, "\302\261 1.96 standard errors of the mean");
+    EXPECT_EQ(picture.bandLabel, "\302\261 1.96 standard errors");
 }
 
 TEST(SessionPictures, AContourHasTheGridOfTheSweptInputs)
@@ -163,6 +180,62 @@ TEST(SessionPictures, ResidualsAreActualMinusPredicted)
     for (std::size_t i = 0; i < 11; ++i) {
         EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
     }
+}
+
+TEST(SessionPictures, CoefficientsAreSortedBySizeAndHaveLimits)
+{
+    CaseSession session = cvdSession();
+
+    const auto picture =
+        std::get<CoefficientPicture>(SessionPictures::make(Kind::Coefficients, session).back());
+
+    // Ordinary least squares for Stress in codes rounded to two decimals: 0.736 for the pressure,
+    // -0.529 for its square, 0.497 for the ratio, -0.119 for its square, 0.069 for the product.
+    const std::vector<std::string> names = {"Pressure", "Pressure\302\262", "H2/WF6",
+                                            "H2/WF6\302\262", "Pressure \303\227 H2/WF6"};
+    const std::vector<double> estimates = {0.736, -0.529, 0.497, -0.119, 0.069};
+    ASSERT_EQ(picture.terms.size(), 5u);
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(picture.terms[i].name, names[i]);
+        EXPECT_NEAR(picture.terms[i].estimate, estimates[i], 3e-3);
+        EXPECT_LT(picture.terms[i].lower, picture.terms[i].estimate);
+        EXPECT_GT(picture.terms[i].upper, picture.terms[i].estimate);
+    }
+    EXPECT_EQ(picture.caption, "Inputs coded to -1 and 1 at the ends of their ranges; without the "
+                               "constant. The bars are 95\302\240% confidence limits.");
+}
+
+TEST(SessionPictures, CoefficientsWithoutResidualsHaveNoLimits)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {0, 1, 2, 3, 4, 5, 6, 7},
+                        CaseSession::ResponseSurface);
+
+    const auto picture =
+        std::get<CoefficientPicture>(SessionPictures::make(Kind::Coefficients, session).front());
+
+    ASSERT_EQ(picture.terms.size(), 2u);
+    EXPECT_TRUE(std::isnan(picture.terms[0].lower));
+    EXPECT_EQ(picture.caption,
+              "Inputs coded to -1 and 1 at the ends of their ranges; without the constant. As many "
+              "terms as cases leave nothing for confidence limits.");
+}
+
+TEST(SessionPictures, AConstantModelHasNoCoefficientsToDraw)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9},
+                        CaseSession::ResponseSurface);
+
+    EXPECT_THROW(SessionPictures::make(Kind::Coefficients, session),
+                 SurrogateModelInterface::Error);
+}
+
+TEST(SessionPictures, KrigingHasNoCoefficients)
+{
+    const CaseSession session = cvdSession(CaseSession::Kriging);
+
+    EXPECT_EQ(refusal(Kind::Coefficients, session),
+              "Only the response surface has coefficients to draw: take -m response-surface.");
+    EXPECT_EQ(refusal(Kind::Actual, session), "");
 }
 
 TEST(SessionPictures, CasesThatTheOthersDoNotDetermineAreLeftOutAndCounted)
@@ -223,7 +296,8 @@ TEST(SessionPictures, AnUnknownKindIsRefusedWithTheKnownOnes)
         SessionPictures::kindOf("pie");
         FAIL();
     } catch (const UsageError& error) {
-        EXPECT_STREQ(error.what(),
-                     "--kind needs one of sweep, contour, actual, residuals, not \"pie\".");
+        EXPECT_STREQ(
+            error.what(),
+            "--kind needs one of sweep, contour, actual, residuals, coefficients, not \"pie\".");
     }
 }
