@@ -88,7 +88,11 @@ BlockedCholesky::Visitor::~Visitor() = default;
 BlockedCholesky::BlockedCholesky(std::size_t order, int threads, Report report)
     : size(order), threadCount(order >= smallestToSplit ? threads : 1), report(std::move(report)),
       matrix(order * order)
-{}
+{
+    if (order <= SmallCholesky::largestOrder) {
+        small = std::make_unique<SmallCholesky>(order);
+    }
+}
 
 void BlockedCholesky::tell(double multiplications) const
 {
@@ -104,8 +108,22 @@ bool BlockedCholesky::factorise()
     }
     const auto n = static_cast<double>(size);
     tell(n * n * n / 6.0);
+    if (small) {
+        return small->factorise(matrix.data());
+    }
     const auto order = static_cast<lapack_int>(size);
     return LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, matrix.data(), order) == 0;
+}
+
+void BlockedCholesky::solveLower(double* columns, std::size_t count) const
+{
+    if (small) {
+        small->solveLower(columns, count);
+        return;
+    }
+    const int rows = static_cast<int>(size);
+    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, rows,
+                static_cast<int>(count), 1.0, matrix.data(), rows, columns, rows);
 }
 
 bool BlockedCholesky::factoriseBlocks()
@@ -155,6 +173,12 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
     const auto n = static_cast<double>(size);
     if (!isSplit()) {
         tell(n * n * n / 3.0);
+        if (small) {
+            const std::unique_ptr<Visitor> visitor = makeVisitor();
+            visitor->visit(0, size, small->invert(), small->stride());
+            visitor->handOver();
+            return;
+        }
         inverse.assign(matrix.data(), matrix.data() + size * size);
         const auto order = static_cast<lapack_int>(size);
         LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'L', order, inverse.data(), order);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/LazyZeros.h>
+#include <mirel_fitting/SmallCholesky.h>
 
 #include <cstddef>
 #include <functional>
@@ -38,6 +39,9 @@ public:
 
     /** @return false if the matrix is not positive definite in double precision. */
     bool factorise();
+
+    /** Columns of order() elements become the inverse of the factor times them. */
+    void solveLower(double* columns, std::size_t count) const;
 
     /** Takes the columns of the inverse, from the diagonal downwards, a block at a time. */
     class Visitor
@@ -82,5 +86,6 @@ private:
     int threadCount;
     Report report;
     LazyZeros matrix;
-    std::vector<double> inverse; // only where nothing is split
+    std::vector<double> inverse;          // only where nothing is split
+    std::unique_ptr<SmallCholesky> small; // only for few rows
 };

@@ -3,7 +3,6 @@
 #include <mirel_fitting/BlockedCholesky.h>
 #include <mirel_fitting/LazyZeros.h>
 #include <mirel_fitting/MaternCorrelation.h>
-#include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
 
@@ -20,18 +19,20 @@ namespace {
 const double twoPi = 2.0 * std::acos(-1.0);
 constexpr double impossible = -std::numeric_limits<double>::infinity();
 
-/** Sums over the columns of the inverse, as they come. */
-class GradientSums : public BlockedCholesky::Visitor
+/** What is gathered from the columns of the inverse, as they come. */
+struct DerivativeTotals
+{
+    std::vector<double> sums;     ///< one per input
+    std::vector<double> products; ///< of the derivatives of R with alpha, one column per input
+    std::vector<double> diagonal; ///< of the inverse
+};
+
+class DerivativeVisitor : public BlockedCholesky::Visitor
 {
 public:
-    struct Totals
-    {
-        std::vector<double> derivatives;
-        std::vector<double> diagonal; // of the inverse
-    };
-
-    GradientSums(const MaternCorrelation& correlation, const double* correlations,
-                 const std::vector<double>& alpha, double variance, Totals& totals)
+    /** @param alpha MaternCorrelation::productStride() elements. */
+    DerivativeVisitor(const MaternCorrelation& correlation, const double* correlations,
+                      const std::vector<double>& alpha, double variance, DerivativeTotals& totals)
         : correlation(correlation), correlations(correlations), alpha(alpha),
           factor(1.0 / variance), totals(totals)
     {}
@@ -39,31 +40,37 @@ public:
     void visit(std::size_t first, std::size_t columns, const double* block,
                std::size_t stride) override
     {
-        derivatives.assign(correlation.inputs(), 0.0);
-        correlation.addWeightedDerivatives(first, first + columns, correlations, block, stride,
-                                           alpha.data(), factor, derivatives);
-        diagonal.resize(columns);
+        part.sums.assign(totals.sums.size(), 0.0);
+        part.products.assign(totals.products.size(), 0.0);
+        correlation.addDerivatives(first, first + columns, correlations, block, stride,
+                                   alpha.data(), factor, part.sums.data(), part.products.data());
+        part.diagonal.resize(columns);
         for (std::size_t j = 0; j < columns; ++j) {
-            diagonal[j] = block[j * stride + j];
+            part.diagonal[j] = block[j * stride + j];
         }
     }
 
     void handOver() override
     {
-        for (std::size_t k = 0; k < derivatives.size(); ++k) {
-            totals.derivatives[k] += derivatives[k];
-        }
-        totals.diagonal.insert(totals.diagonal.end(), diagonal.begin(), diagonal.end());
+        add(part.sums, totals.sums);
+        add(part.products, totals.products);
+        totals.diagonal.insert(totals.diagonal.end(), part.diagonal.begin(), part.diagonal.end());
     }
 
 private:
+    static void add(const std::vector<double>& from, std::vector<double>& to)
+    {
+        for (std::size_t i = 0; i < to.size(); ++i) {
+            to[i] += from[i];
+        }
+    }
+
     const MaternCorrelation& correlation;
     const double* correlations;
     const std::vector<double>& alpha;
     double factor;
-    Totals& totals;
-    std::vector<double> derivatives;
-    std::vector<double> diagonal;
+    DerivativeTotals& totals;
+    DerivativeTotals part;
 };
 
 class DiagonalOfInverse : public BlockedCholesky::Visitor
@@ -87,41 +94,6 @@ private:
     std::vector<double> elements;
 };
 
-constexpr std::size_t columnsPerChunk = 64;
-
-/** The products of the derivatives with a vector, a chunk of columns at a time. */
-class ProductWorker : public OrderedChunks::Worker
-{
-public:
-    ProductWorker(const MaternCorrelation& correlation, const double* correlations,
-                  const std::vector<double>& vector, std::vector<double>& totals)
-        : correlation(correlation), correlations(correlations), vector(vector), totals(totals)
-    {}
-
-    void compute(std::size_t chunk) override
-    {
-        const std::size_t first = chunk * columnsPerChunk;
-        const std::size_t last = std::min(first + columnsPerChunk, correlation.cases());
-        products.assign(totals.size(), 0.0);
-        correlation.addDerivativeProducts(first, last, correlations, vector.data(),
-                                          products.data());
-    }
-
-    void handOver(std::size_t /*chunk*/) override
-    {
-        for (std::size_t i = 0; i < totals.size(); ++i) {
-            totals[i] += products[i];
-        }
-    }
-
-private:
-    const MaternCorrelation& correlation;
-    const double* correlations;
-    const std::vector<double>& vector;
-    std::vector<double>& totals;
-    std::vector<double> products;
-};
-
 } // namespace
 
 class KrigingLikelihood::Impl
@@ -141,10 +113,11 @@ public:
 
     bool factorise();
     bool estimateTrend();
+    bool orthonormalise();
     double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
     std::vector<double> residuals() const;
     double logLikelihood();
-    std::vector<double> derivativeProducts() const;
+    void differentiate();
 
     std::shared_ptr<const KrigingData> data;
     std::size_t n;
@@ -165,6 +138,8 @@ public:
     std::vector<double> beta;
     std::vector<double> alpha;
     std::vector<double> refinedAlpha;
+    bool isDifferentiated = false;
+    DerivativeTotals derivatives;
 };
 
 bool KrigingLikelihood::Impl::factorise()
@@ -191,28 +166,11 @@ bool KrigingLikelihood::Impl::factorise()
 
 bool KrigingLikelihood::Impl::estimateTrend()
 {
-    const int order = static_cast<int>(n);
-    const int terms = static_cast<int>(p);
     basis = data->trend;
-    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, terms, 1.0,
-                cholesky.values(), order, basis.data(), order);
-
-    std::vector<double> reflectors(p);
-    std::vector<double> work(std::max<std::size_t>(p, 1) * 64);
-    const auto workSize = static_cast<lapack_int>(work.size());
-    LAPACKE_dgeqrf_work(LAPACK_COL_MAJOR, order, terms, basis.data(), order, reflectors.data(),
-                        work.data(), workSize);
-    triangle.assign(p * p, 0.0);
-    for (std::size_t j = 0; j < p; ++j) {
-        for (std::size_t i = 0; i <= j; ++i) {
-            triangle[j * p + i] = basis[j * n + i];
-        }
-        if (triangle[j * p + j] == 0.0 || !std::isfinite(triangle[j * p + j])) {
-            return false;
-        }
+    cholesky.solveLower(basis.data(), p);
+    if (!orthonormalise()) {
+        return false;
     }
-    LAPACKE_dorgqr_work(LAPACK_COL_MAJOR, order, terms, terms, basis.data(), order,
-                        reflectors.data(), work.data(), workSize);
 
     alpha = data->output;
     variance = solve(alpha, beta);
@@ -225,6 +183,35 @@ bool KrigingLikelihood::Impl::estimateTrend()
 }
 
 /**
+ * L^-1 F = Q T by Gram-Schmidt, each column twice: then Q is orthogonal to the last digits. Giraud,
+ * Langou, Rozloznik: The loss of orthogonality in the Gram-Schmidt orthogonalization process,
+ * Computers and Mathematics with Applications 50 (2005).
+ */
+bool KrigingLikelihood::Impl::orthonormalise()
+{
+    const int order = static_cast<int>(n);
+    triangle.assign(p * p, 0.0);
+    for (std::size_t j = 0; j < p; ++j) {
+        double* column = basis.data() + j * n;
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = 0; i < j; ++i) {
+                const double* earlier = basis.data() + i * n;
+                const double part = cblas_ddot(order, earlier, 1, column, 1);
+                cblas_daxpy(order, -part, earlier, 1, column, 1);
+                triangle[j * p + i] += part;
+            }
+        }
+        const double length = cblas_dnrm2(order, column, 1);
+        if (!(length > 0.0) || !std::isfinite(length)) {
+            return false;
+        }
+        triangle[j * p + j] = length;
+        cblas_dscal(order, 1.0 / length, column, 1);
+    }
+    return true;
+}
+
+/**
  * Generalised least squares: `right` becomes R^-1 times what the trend leaves of it.
  * @return the weighted square of what is left.
  */
@@ -233,20 +220,17 @@ double KrigingLikelihood::Impl::solve(std::vector<double>& right,
 {
     const int order = static_cast<int>(n);
     const int terms = static_cast<int>(p);
-    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, cholesky.values(),
-                order, right.data(), 1);
+    cholesky.solveLower(right.data(), 1);
 
     // The second round removes the rounding of the first, which is large where the trend explains
     // nearly everything.
     coefficients.assign(p, 0.0);
-    std::vector<double> part(p);
     for (int round = 0; round < 2; ++round) {
-        cblas_dgemv(CblasColMajor, CblasTrans, order, terms, 1.0, basis.data(), order, right.data(),
-                    1, 0.0, part.data(), 1);
-        cblas_dgemv(CblasColMajor, CblasNoTrans, order, terms, -1.0, basis.data(), order,
-                    part.data(), 1, 1.0, right.data(), 1);
         for (std::size_t j = 0; j < p; ++j) {
-            coefficients[j] += part[j];
+            const double* direction = basis.data() + j * n;
+            const double part = cblas_ddot(order, direction, 1, right.data(), 1);
+            cblas_daxpy(order, -part, direction, 1, right.data(), 1);
+            coefficients[j] += part;
         }
     }
     cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, terms, triangle.data(),
@@ -280,27 +264,23 @@ double KrigingLikelihood::Impl::logLikelihood()
     return -0.5 * (rowCount * std::log(twoPi * variance) + determinant + rowCount);
 }
 
-/** The derivatives of R by the logarithms of the lengths, times alpha: one column per input. */
-std::vector<double> KrigingLikelihood::Impl::derivativeProducts() const
+/** Once for each evaluation: gradient and information are made of the same derivatives. */
+void KrigingLikelihood::Impl::differentiate()
 {
+    if (isDifferentiated) {
+        return;
+    }
     const std::size_t stride = correlation.productStride();
     std::vector<double> vector(stride, 0.0);
     std::copy(alpha.begin(), alpha.end(), vector.begin());
-    std::vector<double> padded(stride * data->inputs, 0.0);
-    OrderedChunks::run((n + columnsPerChunk - 1) / columnsPerChunk, cholesky.threads(),
-                       [&] {
-                           return std::make_unique<ProductWorker>(correlation, correlations.data(),
-                                                                  vector, padded);
-                       },
-                       [&](std::size_t) { cholesky.tell(0.0); });
-
-    std::vector<double> result;
-    result.reserve(n * (data->inputs + 1));
-    for (std::size_t k = 0; k < data->inputs; ++k) {
-        const auto column = padded.begin() + static_cast<std::ptrdiff_t>(k * stride);
-        result.insert(result.end(), column, column + static_cast<std::ptrdiff_t>(n));
-    }
-    return result;
+    derivatives.sums.assign(data->inputs, 0.0);
+    derivatives.products.assign(stride * data->inputs, 0.0);
+    derivatives.diagonal.clear();
+    cholesky.visitInverse([&] {
+        return std::make_unique<DerivativeVisitor>(correlation, correlations.data(), vector,
+                                                   variance, derivatives);
+    });
+    isDifferentiated = true;
 }
 
 KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report)
@@ -313,6 +293,7 @@ double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nu
 {
     const SingleThreadedBlas singleThreaded;
     impl->nugget = nugget;
+    impl->isDifferentiated = false;
     impl->correlation.setLengths(lengths);
     if (!impl->factorise() || !impl->estimateTrend()) {
         return impossible;
@@ -324,13 +305,8 @@ double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nu
 void KrigingLikelihood::gradient(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
-    GradientSums::Totals totals;
-    totals.derivatives.assign(impl->data->inputs, 0.0);
-    impl->cholesky.visitInverse([&] {
-        return std::make_unique<GradientSums>(impl->correlation, impl->correlations.data(),
-                                              impl->alpha, impl->variance, totals);
-    });
-    result = totals.derivatives;
+    impl->differentiate();
+    result = impl->derivatives.sums;
 
     // The rows that a case stands for share its nugget.
     double explained = impl->scatter > 0.0 ? impl->scatter / impl->nugget : 0.0;
@@ -338,7 +314,7 @@ void KrigingLikelihood::gradient(std::vector<double>& result)
     for (std::size_t i = 0; i < impl->n; ++i) {
         const double share = impl->nugget / impl->data->rows[i];
         explained += share * impl->alpha[i] * impl->alpha[i];
-        trace += share * totals.diagonal[i];
+        trace += share * impl->derivatives.diagonal[i];
     }
     result.push_back(0.5 * (explained / impl->variance - trace));
 }
@@ -353,7 +329,14 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
     const int terms = static_cast<int>(impl->p);
 
     // Column k: the derivative of R by parameter k, times R^-1 r.
-    std::vector<double> changes = impl->derivativeProducts();
+    impl->differentiate();
+    std::vector<double> changes;
+    changes.reserve(n * count);
+    for (std::size_t k = 0; k + 1 < count; ++k) {
+        const double* column =
+            impl->derivatives.products.data() + k * impl->correlation.productStride();
+        changes.insert(changes.end(), column, column + n);
+    }
     for (std::size_t i = 0; i < n; ++i) {
         changes.push_back(impl->nugget / impl->data->rows[i] * impl->alpha[i]);
     }
@@ -363,8 +346,7 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
     }
 
     // Made white, and what the trend takes up removed.
-    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, columns,
-                1.0, impl->cholesky.values(), order, changes.data(), order);
+    impl->cholesky.solveLower(changes.data(), count);
     std::vector<double> parts(impl->p * count);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, columns, order, 1.0,
                 impl->basis.data(), order, changes.data(), order, 0.0, parts.data(), terms);

@@ -61,64 +61,99 @@ SURROGATE_SIMD void correlationColumn(const double* columns, std::size_t stride,
     }
 }
 
-/** Adds to sums[8 k ...] what `count` <= blockSize cases of a column contribute. */
-SURROGATE_SIMD void derivativeColumn(const double* columns, std::size_t stride, std::size_t inputs,
-                                     std::size_t column, std::size_t first, std::size_t count,
-                                     const double* weights, double* sums)
+/** What the kernel of the derivatives works on: eight columns and rows at most `blockSize` long. */
+struct DerivativeBlock
 {
+    const double* columns; // scaled coordinates; those of input k begin at k stride
+    std::size_t stride;
+    std::size_t column;
+    std::size_t first; // row of the block
+    std::size_t count; // in whole lanes
+    const double* correlations;
+    const double* weights;
+    const double* a;
+};
+
+/**
+ * The rows of a block of one column, for so many inputs: sums[8 k ...] += weight dc / d ln length,
+ * products[k stride + row] += a[column] dc / d ln length, and ownProducts[8 k ...] the same with
+ * a[row]. d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2), and one division does for all of
+ * the inputs.
+ */
+template <std::size_t inputs>
+SURROGATE_LANE_OPERATION derivatives(const DerivativeBlock& block, std::size_t input,
+                                     double* products, double* sums, double* ownProducts)
+{
+    const double* x = block.columns + input * block.stride + block.first;
+    double* product = products + input * block.stride + block.first;
+    const Lanes factor = Lanes{} + block.a[block.column];
+    Lanes centers[inputs];
+    Lanes totals[inputs];
+    Lanes ownTotals[inputs];
     for (std::size_t k = 0; k < inputs; ++k) {
-        const double* x = columns + k * stride + first;
-        const Lanes center = Lanes{} + columns[k * stride + column];
-        Lanes total;
-        loadLanes(sums + laneCount * k, total);
-        for (std::size_t i = 0; i < count; i += laneCount) {
+        centers[k] = Lanes{} + block.columns[(input + k) * block.stride + block.column];
+        loadLanes(sums + laneCount * (input + k), totals[k]);
+        loadLanes(ownProducts + laneCount * (input + k), ownTotals[k]);
+    }
+    for (std::size_t i = 0; i < block.count; i += laneCount) {
+        Lanes numerators[inputs];
+        Lanes denominators[inputs];
+        Lanes before[inputs]; // the product of the denominators of earlier inputs
+        Lanes all = Lanes{} + 1.0;
+        for (std::size_t k = 0; k < inputs; ++k) {
             Lanes value;
             Lanes z;
-            Lanes weight;
-            loadLanes(x + i, value);
-            loadLanes(weights + i, weight);
-            cappedDistance(value, center, farAway, z);
-            // d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2)
-            total += weight * (z * z * (1.0 + z)) / (3.0 + z * (3.0 + z));
+            loadLanes(x + k * block.stride + i, value);
+            cappedDistance(value, centers[k], farAway, z);
+            numerators[k] = z * z * (1.0 + z);
+            denominators[k] = 3.0 + z * (3.0 + z);
+            before[k] = all;
+            all *= denominators[k];
         }
-        storeLanes(total, sums + laneCount * k);
+        Lanes correlation;
+        Lanes weight;
+        Lanes other;
+        loadLanes(block.correlations + i, correlation);
+        loadLanes(block.weights + i, weight);
+        loadLanes(block.a + block.first + i, other);
+        Lanes inverse = 1.0 / all;
+        for (std::size_t k = inputs; k-- > 0;) {
+            const Lanes ratio = numerators[k] * (inverse * before[k]);
+            inverse *= denominators[k];
+            totals[k] += weight * ratio;
+            const Lanes derivative = correlation * ratio;
+            ownTotals[k] += derivative * other;
+            Lanes sum;
+            loadLanes(product + k * block.stride + i, sum);
+            sum += derivative * factor;
+            storeLanes(sum, product + k * block.stride + i);
+        }
+    }
+    for (std::size_t k = 0; k < inputs; ++k) {
+        storeLanes(totals[k], sums + laneCount * (input + k));
+        storeLanes(ownTotals[k], ownProducts + laneCount * (input + k));
     }
 }
 
-/**
- * What `count` cases below the diagonal of a column contribute to the products of the derivatives
- * with a vector: products[k stride + i] for those cases, and sums[8 k ...] for the column's own.
- */
-SURROGATE_SIMD void derivativeProductsColumn(const double* columns, std::size_t stride,
-                                             std::size_t inputs, std::size_t column,
-                                             std::size_t first, std::size_t count,
-                                             const double* correlations, const double* a,
-                                             double* products, double* sums)
+SURROGATE_SIMD void derivativesOfColumn(const DerivativeBlock& block, std::size_t inputs,
+                                        double* products, double* sums, double* ownProducts)
 {
-    const Lanes factor = Lanes{} + a[column];
-    for (std::size_t k = 0; k < inputs; ++k) {
-        const double* x = columns + k * stride + first;
-        double* product = products + k * stride + first;
-        const Lanes center = Lanes{} + columns[k * stride + column];
-        Lanes total;
-        loadLanes(sums + laneCount * k, total);
-        for (std::size_t i = 0; i < count; i += laneCount) {
-            Lanes value;
-            Lanes z;
-            Lanes derivative;
-            Lanes other;
-            Lanes sum;
-            loadLanes(x + i, value);
-            loadLanes(correlations + i, derivative);
-            loadLanes(a + first + i, other);
-            loadLanes(product + i, sum);
-            cappedDistance(value, center, farAway, z);
-            derivative *= (z * z * (1.0 + z)) / (3.0 + z * (3.0 + z));
-            sum += derivative * factor;
-            total += derivative * other;
-            storeLanes(sum, product + i);
-        }
-        storeLanes(total, sums + laneCount * k);
+    std::size_t k = 0;
+    for (; k + 4 <= inputs; k += 4) {
+        derivatives<4>(block, k, products, sums, ownProducts);
+    }
+    switch (inputs - k) {
+    case 3:
+        derivatives<3>(block, k, products, sums, ownProducts);
+        break;
+    case 2:
+        derivatives<2>(block, k, products, sums, ownProducts);
+        break;
+    case 1:
+        derivatives<1>(block, k, products, sums, ownProducts);
+        break;
+    default:
+        break;
     }
 }
 
@@ -200,69 +235,52 @@ void MaternCorrelation::fillLower(std::size_t first, std::size_t last, double* m
     }
 }
 
-void MaternCorrelation::addWeightedDerivatives(std::size_t first, std::size_t last,
-                                               const double* correlation, const double* inverse,
-                                               std::size_t inverseStride, const double* a,
-                                               double factor, std::vector<double>& result) const
-{
-    // A block of weights stays in the first-level cache while every input passes over it.
-    constexpr std::size_t blockSize = 512;
-    double weights[blockSize];
-    std::vector<double> sums(laneCount * inputCount, 0.0);
-
-    for (std::size_t j = first; j < last; ++j) {
-        const double* correlations = correlation + j * caseCount;
-        const double* inverses = inverse + (j - first) * inverseStride;
-        for (std::size_t begin = j + 1; begin < caseCount; begin += blockSize) {
-            const std::size_t count = std::min(blockSize, caseCount - begin);
-            const double* inverseBlock = inverses + (begin - first);
-            for (std::size_t i = 0; i < count; ++i) {
-                weights[i] =
-                    (a[begin + i] * a[j] * factor - inverseBlock[i]) * correlations[begin + i];
-            }
-            // What fills the last lanes weighs nothing.
-            const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
-            std::fill(weights + count, weights + padded, 0.0);
-            derivativeColumn(scaledColumns.data(), stride, inputCount, j, begin, padded, weights,
-                             sums.data());
-        }
-    }
-
-    for (std::size_t k = 0; k < inputCount; ++k) {
-        for (std::size_t lane = 0; lane < laneCount; ++lane) {
-            result[k] += sums[laneCount * k + lane];
-        }
-    }
-}
-
 std::size_t MaternCorrelation::productStride() const
 {
     return stride;
 }
 
-void MaternCorrelation::addDerivativeProducts(std::size_t first, std::size_t last,
-                                              const double* correlation, const double* a,
-                                              double* result) const
+void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
+                                       const double* correlation, const double* inverse,
+                                       std::size_t inverseStride, const double* a, double factor,
+                                       double* sums, double* products) const
 {
+    // A block stays in the first-level cache while every input passes over it.
     constexpr std::size_t blockSize = 512;
     double correlations[blockSize];
-    std::vector<double> sums(laneCount * inputCount);
+    double weights[blockSize];
+    std::vector<double> laneSums(laneCount * inputCount, 0.0);
+    std::vector<double> ownProducts(laneCount * inputCount);
 
     for (std::size_t j = first; j < last; ++j) {
-        std::fill(sums.begin(), sums.end(), 0.0);
+        const double* column = correlation + j * caseCount;
+        const double* inverses = inverse + (j - first) * inverseStride;
+        std::fill(ownProducts.begin(), ownProducts.end(), 0.0);
         for (std::size_t begin = j + 1; begin < caseCount; begin += blockSize) {
             const std::size_t count = std::min(blockSize, caseCount - begin);
-            const double* column = correlation + j * caseCount + begin;
-            std::copy(column, column + count, correlations);
+            const double* inverseBlock = inverses + (begin - first);
+            for (std::size_t i = 0; i < count; ++i) {
+                correlations[i] = column[begin + i];
+                weights[i] = (a[begin + i] * a[j] * factor - inverseBlock[i]) * correlations[i];
+            }
+            // What fills the last lanes weighs nothing.
             const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
             std::fill(correlations + count, correlations + padded, 0.0);
-            derivativeProductsColumn(scaledColumns.data(), stride, inputCount, j, begin, padded,
-                                     correlations, a, result, sums.data());
+            std::fill(weights + count, weights + padded, 0.0);
+            derivativesOfColumn(
+                {scaledColumns.data(), stride, j, begin, padded, correlations, weights, a},
+                inputCount, products, laneSums.data(), ownProducts.data());
         }
         for (std::size_t k = 0; k < inputCount; ++k) {
             for (std::size_t lane = 0; lane < laneCount; ++lane) {
-                result[k * stride + j] += sums[laneCount * k + lane];
+                products[k * stride + j] += ownProducts[laneCount * k + lane];
             }
+        }
+    }
+
+    for (std::size_t k = 0; k < inputCount; ++k) {
+        for (std::size_t lane = 0; lane < laneCount; ++lane) {
+            sums[k] += laneSums[laneCount * k + lane];
         }
     }
 }

@@ -36,29 +36,23 @@ public:
     /** Writes the lower triangle of the correlation matrix, the ones of its diagonal included. */
     void fillLower(std::size_t first, std::size_t last, double* matrix) const;
 
-    /**
-     * result[k] += sum over i > j of weight_ij dc_ij / d ln(length_k), with
-     * weight_ij = a_i a_j factor - inverse_ij: one pass over both matrices for all the inputs.
-     * @param correlation what fillLower() wrote for the present lengths.
-     * @param inverse     columns of `inverseStride` elements; the first element is that of the
-     *                    diagonal in column `first`.
-     */
-    void addWeightedDerivatives(std::size_t first, std::size_t last, const double* correlation,
-                                const double* inverse, std::size_t inverseStride, const double* a,
-                                double factor, std::vector<double>& result) const;
-
-    /** The length of a column of addDerivativeProducts(): cases() and room behind them. */
+    /** The length of a column of products: cases() and room behind them. */
     std::size_t productStride() const;
 
     /**
-     * The products of the derivatives of the symmetric matrix with a vector, for all the inputs in
-     * one pass: adds what the elements of these columns below the diagonal, and those of the rows
-     * that mirror them, contribute to result[k productStride() + i] = sum over j of
-     * a_j dc_ij / d ln(length_k).
-     * @param a productStride() elements, zero behind the last case.
+     * All that the derivatives dc_ij / d ln(length_k) are wanted for, in one pass over them. Adds
+     * the elements of these columns below the diagonal to
+     * sums[k]: the sum over i > j of (a_i a_j factor - inverse_ij) dc_ij / d ln(length_k),
+     * and, together with those of the rows that mirror them, to
+     * products[k productStride() + i]: the sum over j of a_j dc_ij / d ln(length_k).
+     * @param correlation what fillLower() wrote for the present lengths.
+     * @param inverse     columns of `inverseStride` elements; the first element is that of the
+     *                    diagonal in column `first`.
+     * @param a           productStride() elements, zero behind the last case.
      */
-    void addDerivativeProducts(std::size_t first, std::size_t last, const double* correlation,
-                               const double* a, double* result) const;
+    void addDerivatives(std::size_t first, std::size_t last, const double* correlation,
+                        const double* inverse, std::size_t inverseStride, const double* a,
+                        double factor, double* sums, double* products) const;
 
     // What follows is computed with MaternKernels::best(). Points have finite coordinates.
 

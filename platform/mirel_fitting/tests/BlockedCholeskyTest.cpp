@@ -12,7 +12,9 @@ namespace {
 
 // Split into blocks, the last of which is not full.
 constexpr std::size_t large = BlockedCholesky::smallestToSplit + 77;
+// One for each way of computing.
 constexpr std::size_t small = 90;
+constexpr std::size_t medium = 200;
 
 /** Element of a matrix of correlations that fall off exponentially, plus a nugget. */
 double element(std::size_t i, std::size_t j)
@@ -146,7 +148,7 @@ TEST_P(BlockedCholeskyOfOrder, RefusesAnIndefiniteMatrix)
     EXPECT_FALSE(cholesky.factorise());
 }
 
-INSTANTIATE_TEST_SUITE_P(Orders, BlockedCholeskyOfOrder, testing::Values(small, large));
+INSTANTIATE_TEST_SUITE_P(Orders, BlockedCholeskyOfOrder, testing::Values(small, medium, large));
 
 TEST(BlockedCholesky, GivesTheSameBitsOnAnyNumberOfThreads)
 {

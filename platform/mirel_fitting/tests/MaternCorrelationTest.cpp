@@ -125,46 +125,66 @@ TEST(MaternCorrelation, SumsWeightedCorrelationsAtPoints)
     }
 }
 
-TEST(MaternCorrelation, DifferentiatesByTheLogarithmsOfTheLengths)
+class MaternDerivatives : public testing::TestWithParam<std::size_t>
+{};
+
+TEST_P(MaternDerivatives, AreThoseByTheLogarithmsOfTheLengths)
 {
     const std::size_t n = 21;
-    const Cases data{n, 3};
-    const std::vector<double> a = uniformNumbers(n);
+    const std::size_t inputs = GetParam();
+    const Cases data{n, inputs};
     const std::vector<double> inverse = uniformNumbers(n * n);
     const double factor = 1.7;
-    const auto weightedSum = [&](const std::vector<double>& lengths) {
-        std::vector<double> matrix(n * n);
-        data.correlation(lengths).fillLower(0, n, matrix.data());
-        double sum = 0.0;
-        for (std::size_t j = 0; j < n; ++j) {
-            for (std::size_t i = j + 1; i < n; ++i) {
-                sum += (a[i] * a[j] * factor - inverse[j * n + i]) * matrix[j * n + i];
-            }
-        }
-        return sum;
-    };
-    const std::vector<double> lengths = {0.1, 0.8, 20.0};
+    const double step = 1e-5;
+    std::vector<double> lengths;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        lengths.push_back(0.1 * std::pow(3.0, static_cast<double>((5 * k) % 7)));
+    }
     std::vector<double> matrix(n * n);
     const MaternCorrelation correlation = data.correlation(lengths);
     correlation.fillLower(0, n, matrix.data());
+    const std::size_t stride = correlation.productStride();
+    std::vector<double> a = uniformNumbers(n);
+    a.resize(stride, 0.0);
+    std::vector<double> sums(inputs, 5.0);
+    std::vector<double> products(inputs * stride, 7.0);
 
     // In two parts, as several threads do it.
-    std::vector<double> derivatives(3, 0.0);
-    correlation.addWeightedDerivatives(0, 7, matrix.data(), inverse.data(), n, a.data(), factor,
-                                       derivatives);
-    correlation.addWeightedDerivatives(7, n, matrix.data(), inverse.data() + 7 * n + 7, n, a.data(),
-                                       factor, derivatives);
+    correlation.addDerivatives(0, 7, matrix.data(), inverse.data(), n, a.data(), factor,
+                               sums.data(), products.data());
+    correlation.addDerivatives(7, n, matrix.data(), inverse.data() + 7 * n + 7, n, a.data(), factor,
+                               sums.data(), products.data());
 
-    for (std::size_t k = 0; k < 3; ++k) {
-        const double step = 1e-5;
-        std::vector<double> more = lengths;
-        std::vector<double> less = lengths;
-        more[k] *= std::exp(step);
-        less[k] *= std::exp(-step);
+    for (std::size_t k = 0; k < inputs; ++k) {
+        const auto matrixAt = [&](double logarithmMoved) {
+            std::vector<double> moved = lengths;
+            moved[k] *= std::exp(logarithmMoved);
+            std::vector<double> result(n * n);
+            data.correlation(moved).fillLower(0, n, result.data());
+            return result;
+        };
+        const std::vector<double> more = matrixAt(step);
+        const std::vector<double> less = matrixAt(-step);
+        double sum = 5.0;
+        std::vector<double> product(n, 7.0);
+        for (std::size_t j = 0; j < n; ++j) {
+            for (std::size_t i = j + 1; i < n; ++i) {
+                const double derivative = (more[j * n + i] - less[j * n + i]) / (2.0 * step);
+                sum += (a[i] * a[j] * factor - inverse[j * n + i]) * derivative;
+                product[i] += a[j] * derivative;
+                product[j] += a[i] * derivative;
+            }
+        }
         // The central difference is good to the square of the step.
-        EXPECT_NEAR(derivatives[k], (weightedSum(more) - weightedSum(less)) / (2.0 * step), 1e-7);
+        EXPECT_NEAR(sums[k], sum, 1e-7) << k;
+        for (std::size_t i = 0; i < n; ++i) {
+            EXPECT_NEAR(products[k * stride + i], product[i], 1e-8) << k << ", " << i;
+        }
     }
 }
+
+// Inputs are taken four at a time.
+INSTANTIATE_TEST_SUITE_P(Inputs, MaternDerivatives, testing::Values(1, 2, 3, 4, 5, 9));
 
 TEST(MaternCorrelation, DifferentiatesWeightedSumsByThePoint)
 {
