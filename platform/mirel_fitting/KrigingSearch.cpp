@@ -162,21 +162,26 @@ public:
         return start;
     }
 
-    std::vector<std::vector<double>> starts(double initialLength) const
+    /** Half the range suits most data; twice the range smooth functions of many inputs. */
+    std::vector<std::vector<double>> commonStarts(double initialLength) const
     {
         std::vector<std::vector<double>> result = {uniform(initialLength, smoothNugget)};
         if (hasNugget) {
             result.push_back(uniform(initialLength, noisyNugget));
         }
-        if (lengths == 0) {
-            return result;
+        if (lengths > 0) {
+            result.push_back(uniform(4.0 * initialLength, smoothNugget));
         }
-        // Half the range suits most data; twice the range smooth functions of many inputs.
-        result.push_back(uniform(4.0 * initialLength, smoothNugget));
-        // Inputs of unlike influence: lengths between a fifth of the range and ten ranges.
-        constexpr int scattered = 12;
+        return result;
+    }
+
+    /** Inputs of unlike influence: lengths between a fifth of the range and ten ranges. */
+    std::vector<std::vector<double>> scatteredStarts() const
+    {
+        constexpr int scattered = 16;
         constexpr std::uint64_t seed = 20180;
         std::mt19937_64 generator(seed);
+        std::vector<std::vector<double>> result;
         for (int start = 0; start < scattered; ++start) {
             std::vector<double> point = uniform(1.0, start % 2 == 0 ? smoothNugget : noisyNugget);
             for (std::size_t k = 0; k < lengths; ++k) {
@@ -207,7 +212,7 @@ public:
         // Inputs with hardly any influence, and nuggets that stand for nothing, move freely.
         const double longLength = std::log(10.0);
         const double slightNugget = std::log(1e-8) / nuggetUnit;
-        constexpr double apart = 0.25;
+        constexpr double apart = 0.5;
         for (std::size_t k = 0; k < size(); ++k) {
             const bool isFree = k < lengths ? std::min(a[k], b[k]) > longLength
                                             : std::max(a[k], b[k]) < slightNugget;
@@ -274,6 +279,18 @@ double expectedWork(const KrigingData& data)
     return 50.0 * m * m * m + 6.0 * n * n * n;
 }
 
+/** One of several searches that compete. */
+struct Runner
+{
+    Runner(BoundedObjective& objective, const Variables& variables,
+           const std::vector<double>& start)
+        : search(objective, variables.lower, variables.upper, start)
+    {}
+
+    BoundedSearch search;
+    int steps = 0;
+};
+
 class Search
 {
 public:
@@ -289,7 +306,11 @@ private:
     void take(std::size_t cases);
     Optimum search(const std::vector<double>& start, const std::vector<double>& upper, double gain);
     void compete();
-    void follow(const std::vector<double>& start);
+    void race();
+    bool advance(Runner& runner, int steps);
+    void add(Optimum reached);
+    double highest() const;
+    double competingGain() const;
     void shortlist();
     bool isWorthTheWay(double start, double highestStart) const;
     void climb(std::size_t cases);
@@ -337,6 +358,22 @@ double Search::smallestGain() const
     return trust * settings.tolerance * static_cast<double>(taken);
 }
 
+/** While searches compete, their ends are not worth many steps. */
+double Search::competingGain() const
+{
+    constexpr double little = 0.02;
+    return little + settings.tolerance * static_cast<double>(taken);
+}
+
+double Search::highest() const
+{
+    double result = -infinity;
+    for (const Optimum& optimum : optima) {
+        result = std::max(result, optimum.value);
+    }
+    return result;
+}
+
 Optimum Search::search(const std::vector<double>& start, const std::vector<double>& upper,
                        double gain)
 {
@@ -347,15 +384,12 @@ Optimum Search::search(const std::vector<double>& start, const std::vector<doubl
 }
 
 /**
- * Searches from start after start. Independent searches that meet in the best optimum are the
- * evidence that it is the best: three that all meet are enough, or later, more that meet in the
- * best optimum than there are optima. Where correlation explains the cases badly, the likelihood
- * has many false optima, and no fewer than ten searches are made.
+ * Independent searches that meet are the evidence that where they meet is the best optimum. Three
+ * from the middle of what is common are enough where they all meet and explain the cases well.
+ * Where they do not, the likelihood has several optima: then scattered starts race.
  */
 void Search::compete()
 {
-    constexpr int fewestStarts = 3;
-    constexpr int fewestForVagueCases = 10;
     // In log-likelihood per case: the error is less than 1/e of what it is without correlation.
     constexpr double tellingGain = 1.0;
 
@@ -363,56 +397,98 @@ void Search::compete()
         objective->value(variables.uniform(KrigingSearch::smallestLength(), smoothNugget));
     const double telling = uncorrelated + tellingGain * static_cast<double>(taken);
     int started = 0;
-    for (const std::vector<double>& start : variables.starts(settings.initialLength)) {
-        follow(start);
-        sortByValue(optima);
+    for (const std::vector<double>& start : variables.commonStarts(settings.initialLength)) {
+        Runner runner(*objective, variables, start);
+        while (!advance(runner, 1)) {
+        }
         ++started;
-        if (started < fewestStarts || optima.empty()) {
-            continue;
-        }
-        const Optimum& best = optima.front();
-        const int fewest = best.value > telling ? fewestStarts : fewestForVagueCases;
-        const bool doAllMeet = best.meetings == started;
-        if (started >= fewest && (doAllMeet || (started > fewestStarts &&
-                                                best.meetings > static_cast<int>(optima.size())))) {
-            break;
-        }
+    }
+    sortByValue(optima);
+    const bool doAllMeet = !optima.empty() && optima.front().meetings == started;
+    if (variables.lengths > 0 && !(doAllMeet && optima.front().value > telling)) {
+        race();
+        sortByValue(optima);
     }
 }
 
-/** One search, until it ends or is seen to end where another one did. */
-void Search::follow(const std::vector<double>& start)
+/**
+ * Of many starts those that begin high, a few steps of each of them, and of those only the highest
+ * to the end: searches that end low mostly are low soon.
+ */
+void Search::race()
+{
+    struct Round
+    {
+        std::size_t runners;
+        int steps;
+    };
+    constexpr Round rounds[] = {{6, 2}, {3, 3}, {2, 60}};
+
+    std::vector<Optimum> field;
+    for (const std::vector<double>& start : variables.scatteredStarts()) {
+        field.push_back({start, objective->value(start)});
+    }
+    sortByValue(field);
+    field.resize(std::min(field.size(), rounds[0].runners));
+    std::vector<std::unique_ptr<Runner>> runners;
+    for (const Optimum& start : field) {
+        runners.push_back(std::make_unique<Runner>(*objective, variables, start.point));
+    }
+    for (const Round& round : rounds) {
+        std::stable_sort(runners.begin(), runners.end(), [](const auto& a, const auto& b) {
+            return a->search.value() > b->search.value();
+        });
+        runners.resize(std::min(runners.size(), round.runners));
+        runners.erase(
+            std::remove_if(runners.begin(), runners.end(),
+                           [&](const auto& runner) { return advance(*runner, round.steps); }),
+            runners.end());
+    }
+}
+
+/**
+ * So many steps, fewer if the search ends or is seen to end where another one did.
+ * @return whether there is nothing more to do.
+ */
+bool Search::advance(Runner& runner, int steps)
 {
     constexpr int mostSteps = 60;
-    constexpr int stepsToJudge = 8;
+    constexpr int stepsToJudge = 5;
     constexpr double hopeless = 5.0;
 
-    const double gain = smallestGain();
-    BoundedSearch search(*objective, variables.lower, variables.upper, start);
-    double before = search.value();
-    for (int step = 0; step < mostSteps && !search.isDone(); ++step) {
-        search.advance(1, gain);
-        const double gained = search.value() - before;
-        before = search.value();
+    BoundedSearch& search = runner.search;
+    for (int step = 0; step < steps && !search.isDone() && runner.steps < mostSteps; ++step) {
+        const double before = search.value();
+        search.advance(1, competingGain());
+        ++runner.steps;
         if (optima.empty()) {
             continue;
         }
-        const double behind = optima.front().value - search.value();
-        if (step >= stepsToJudge && behind > hopeless + 5.0 * gained) {
-            return;
+        const double gained = search.value() - before;
+        const double behind = highest() - search.value();
+        if (runner.steps > stepsToJudge && behind > hopeless + 5.0 * gained) {
+            return true;
         }
         for (Optimum& optimum : optima) {
             const double below = optimum.value - search.value();
-            if (below >= 0.0 && below < 1.0 && variables.areClose(search.point(), optimum.point)) {
+            if (below >= 0.0 && below < 2.0 && variables.areClose(search.point(), optimum.point)) {
                 ++optimum.meetings;
-                return;
+                return true;
             }
         }
     }
-    if (!search.isFeasible()) {
-        return;
+    if (!search.isDone() && runner.steps < mostSteps) {
+        return false;
     }
-    Optimum reached{search.point(), search.value(), objective->noiseVariance()};
+    if (search.isFeasible()) {
+        add({search.point(), search.value(), objective->noiseVariance()});
+    }
+    return true;
+}
+
+/** Keeps what a search has reached, or counts it as a meeting. */
+void Search::add(Optimum reached)
+{
     for (Optimum& optimum : optima) {
         if (variables.areClose(reached.point, optimum.point)) {
             reached.meetings = optimum.meetings + 1;
@@ -541,6 +617,9 @@ KrigingSearch::Result Search::run()
     compete();
     if (optima.empty()) {
         optima.push_back({variables.uniform(settings.initialLength, noisyNugget), -infinity});
+    }
+    if (sizes.size() == 1) {
+        optima.front() = search(optima.front().point, variables.upper, smallestGain());
     }
     for (std::size_t rung = 1; rung < sizes.size(); ++rung) {
         climb(sizes[rung]);
