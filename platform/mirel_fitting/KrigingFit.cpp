@@ -8,6 +8,7 @@
 #include <mirel_fitting/KrigingSubsetSearch.h>
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
+#include <mirel_fitting/KrigingTrendChoice.h>
 #include <mirel_fitting/MergedOutput.h>
 #include <mirel_fitting/QuadraticBasis.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
@@ -19,6 +20,7 @@
 #include <map>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -68,10 +70,12 @@ private:
     void mergeRows();
     static void averageRows(KrigingData& merged);
     void chooseTrend();
+    void searchWithTrends();
+    void warnOfTrend();
     bool isExplainedByTrend() const;
     KrigingSearch::Settings searchSettings() const;
     void search();
-    KrigingSearch::Result searchedLengths() const;
+    void searchLengths();
     bool isScatterNegligible(const KrigingData& merged) const;
     void warnOfRaisedNugget();
     bool isNuggetWanted() const;
@@ -110,6 +114,13 @@ private:
     std::vector<double> scatterAtPoint;
     std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
     std::shared_ptr<const KrigingTrend> trend;
+    struct Lowered
+    {
+        int from;
+        double criterionBefore;
+        double criterion;
+    };
+    std::optional<Lowered> lowered; // the order of the trend, by the corrected Akaike criterion
     KrigingSearch::Result found;
     double noiseShare = 0.0; // of the output's variance
     std::vector<std::string> warnings;
@@ -193,7 +204,19 @@ void Fitter::chooseTrend()
                                            options.trendOrder, lengths + variance);
     data->terms = trend->size();
     data->trend = trend->matrix();
-    if (trend->order() < options.trendOrder && data->inputs > 0) {
+}
+
+void Fitter::warnOfTrend()
+{
+    if (lowered) {
+        warnings.push_back("The order of the trend was lowered from " +
+                           std::to_string(lowered->from) + " to " + std::to_string(trend->order()) +
+                           ": with " + counted(data->cases, "distinct case") +
+                           " a higher one costs more than it explains (corrected Akaike "
+                           "criterion " +
+                           KrigingTexts::figure(lowered->criterion) + " instead of " +
+                           KrigingTexts::figure(lowered->criterionBefore) + ").");
+    } else if (trend->order() < options.trendOrder && data->inputs > 0) {
         warnings.push_back(
             "The order of the trend was lowered from " + std::to_string(options.trendOrder) +
             " to " + std::to_string(trend->order()) + ": " + counted(data->cases, "distinct case") +
@@ -236,13 +259,16 @@ KrigingSearch::Settings Fitter::searchSettings() const
     return settings;
 }
 
-KrigingSearch::Result Fitter::searchedLengths() const
+void Fitter::searchLengths()
 {
     const KrigingSizes& sizes = options.sizes;
-    if (data->cases <= sizes.mostSearched) {
-        return KrigingSearch::run(data, searchSettings());
+    if (data->cases > sizes.mostSearched) {
+        found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
+    } else if (options.correlationLengths.empty() && KrigingTrendChoice::isNeeded(*trend, *data)) {
+        searchWithTrends();
+    } else {
+        found = KrigingSearch::run(data, searchSettings());
     }
-    return KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
 }
 
 /**
@@ -265,12 +291,12 @@ void Fitter::search()
     const double once = hasScatter(*data) ? 0.5 * searching : searching;
     {
         const FitProgress::Portion portion(0.0, once);
-        found = searchedLengths();
+        searchLengths();
     }
     if (isScatterNegligible(*data)) {
         averageRows(*data);
         const FitProgress::Portion portion(once, searching);
-        found = searchedLengths();
+        searchLengths();
     }
     if (isSubset) {
         warnings.push_back("There are more than " + std::to_string(sizes.mostSearched) +
@@ -278,7 +304,24 @@ void Fitter::search()
                            "correlation lengths of " +
                            counted(sizes.searched, "case") + " spread over all.");
     }
+    warnOfTrend();
     warnOfRaisedNugget();
+}
+
+void Fitter::searchWithTrends()
+{
+    const int highest = trend->order();
+    const KrigingTrendChoice::Result choice =
+        KrigingTrendChoice::run(data, trend, searchSettings());
+    trend = choice.trend;
+    data = choice.data;
+    found = choice.found;
+    if (trend->order() < highest) {
+        // Of the output in its own unit: that of the text, as of the log-likelihood.
+        const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
+        const double unit = 2.0 * rows * std::log(scale);
+        lowered = {highest, choice.criterionOfHighest + unit, choice.criterion + unit};
+    }
 }
 
 void Fitter::warnOfRaisedNugget()
@@ -400,6 +443,7 @@ KrigingFit Fitter::ofManyCases()
     data = std::make_shared<KrigingData>(all->subset(subset.indices));
     const std::size_t warningsOfAll = warnings.size();
     chooseTrend();
+    warnOfTrend();
     const std::vector<double> coefficients = trend->leastSquares(data->output).coefficients;
     if (isExplainedBy(coefficients, *all)) {
         data = std::make_shared<KrigingData>(*all);
@@ -482,6 +526,7 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
 
 KrigingFit Fitter::withTrendAlone()
 {
+    warnOfTrend();
     const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = leastSquares.coefficients;

@@ -153,6 +153,18 @@ public:
 
     std::size_t size() const { return lower.size(); }
 
+    std::vector<double> at(const KrigingParameters& parameters) const
+    {
+        std::vector<double> result;
+        for (std::size_t k = 0; k < lengths; ++k) {
+            result.push_back(std::log(parameters.lengths[k]));
+        }
+        if (hasNugget) {
+            result.push_back(std::log(parameters.nugget) / nuggetUnit);
+        }
+        return result;
+    }
+
     std::vector<double> uniform(double length, double nugget) const
     {
         std::vector<double> start(lengths, std::log(length));
@@ -200,9 +212,8 @@ public:
      */
     void recall(std::vector<double>& point) const
     {
-        const double faint = std::log(20.0);
         for (std::size_t k = 0; k < lengths; ++k) {
-            point[k] = std::min(point[k], faint);
+            point[k] = std::min(point[k], std::log(faint));
         }
     }
 
@@ -236,6 +247,8 @@ public:
         return result;
     }
 
+    static constexpr double faint = 20.0; ///< the influence of an input, beyond this length
+
     std::size_t lengths;
     bool hasNugget;
     std::vector<double> lower;
@@ -248,7 +261,8 @@ struct Optimum
     std::vector<double> point;
     double value = 0.0;
     double noiseVariance = 0.0;
-    int meetings = 1; // searches that ended here
+    int meetings = 1;       // searches that ended here
+    bool isSearched = true; // with all cases
 };
 
 void sortByValue(std::vector<Optimum>& optima)
@@ -309,11 +323,14 @@ private:
     void race();
     bool advance(Runner& runner, int steps);
     void add(Optimum reached);
+    bool areOnOneRidge(const Optimum& a, const Optimum& b);
     double highest() const;
     double competingGain() const;
     void shortlist();
     bool isWorthTheWay(double start, double highestStart) const;
     void climb(std::size_t cases);
+    void tryFarLengths();
+    void dropEndsOfTheRidge();
     void preferLeastNugget();
     double smallestGain() const;
 
@@ -355,7 +372,8 @@ double Search::smallestGain() const
 {
     // The search stops at the first gain that falls below, and what it expects is an estimate.
     constexpr double trust = 0.1;
-    return trust * settings.tolerance * static_cast<double>(taken);
+    constexpr double rough = 0.1;
+    return settings.isRough ? rough : trust * settings.tolerance * static_cast<double>(taken);
 }
 
 /** While searches compete, their ends are not worth many steps. */
@@ -490,7 +508,7 @@ bool Search::advance(Runner& runner, int steps)
 void Search::add(Optimum reached)
 {
     for (Optimum& optimum : optima) {
-        if (variables.areClose(reached.point, optimum.point)) {
+        if (variables.areClose(reached.point, optimum.point) || areOnOneRidge(reached, optimum)) {
             reached.meetings = optimum.meetings + 1;
             optimum = reached.value > optimum.value ? reached : optimum;
             optimum.meetings = reached.meetings;
@@ -498,6 +516,31 @@ void Search::add(Optimum reached)
         }
     }
     optima.push_back(std::move(reached));
+}
+
+/**
+ * Whether the likelihood hardly dips on the way from one point to the other: then they are ends of
+ * one flat ridge, where searches stop anywhere, and no different models.
+ */
+bool Search::areOnOneRidge(const Optimum& a, const Optimum& b)
+{
+    constexpr double littleDip = 0.25;
+    constexpr double alike = 2.0;
+
+    const double lower = std::min(a.value, b.value);
+    if (std::fabs(a.value - b.value) > alike) {
+        return false;
+    }
+    for (const double share : {0.5, 0.25, 0.75}) {
+        std::vector<double> between;
+        for (std::size_t k = 0; k < a.point.size(); ++k) {
+            between.push_back((1.0 - share) * a.point[k] + share * b.point[k]);
+        }
+        if (!(objective->value(between) >= lower - littleDip)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /**
@@ -551,6 +594,7 @@ void Search::climb(std::size_t cases)
             optimum = search(optimum.point, variables.upper, gain);
         } else {
             optimum.value = optima.front().value + growth * estimate;
+            optimum.isSearched = false;
         }
     }
     sortByValue(optima);
@@ -559,6 +603,53 @@ void Search::climb(std::size_t cases)
                                     return variables.areClose(optimum.point, optima[0].point);
                                 }),
                  optima.end());
+}
+
+/**
+ * Beyond some ranges a length is nearly indifferent, and the likelihood has maxima there that no
+ * slope leads away from: what is better at the end of the range, or back where the input has
+ * influence, is found by looking.
+ */
+void Search::tryFarLengths()
+{
+    constexpr double influence = 2.0;
+
+    Optimum& best = optima.front();
+    Optimum highest = best;
+    for (std::size_t k = 0; k < variables.lengths; ++k) {
+        if (best.point[k] <= std::log(Variables::faint)) {
+            continue;
+        }
+        for (const double place : {std::log(influence), variables.upper[k]}) {
+            std::vector<double> point = best.point;
+            point[k] = place;
+            const double value = point == best.point ? -infinity : objective->value(point);
+            if (value > highest.value + smallestGain()) {
+                highest.point = std::move(point);
+                highest.value = value;
+            }
+        }
+    }
+    if (highest.value > best.value) {
+        const int meetings = best.meetings;
+        best = search(highest.point, variables.upper, smallestGain());
+        best.meetings = meetings;
+    }
+}
+
+/** Other optima that are none with all cases, of those nearly as likely as the best. */
+void Search::dropEndsOfTheRidge()
+{
+    while (optima.size() > 1) {
+        Optimum second = optima[1];
+        if (!second.isSearched) {
+            second.value = std::min(second.value, objective->value(second.point));
+        }
+        if (!areOnOneRidge(optima[0], second)) {
+            return;
+        }
+        optima.erase(optima.begin() + 1);
+    }
 }
 
 /**
@@ -572,7 +663,7 @@ void Search::climb(std::size_t cases)
 void Search::preferLeastNugget()
 {
     constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
-    constexpr double significance = 2.7;
+    constexpr double significance = 0.4;
     constexpr double slightNoise = 1e-4; // its variance
     constexpr std::size_t casesPerLength = 5;
 
@@ -612,22 +703,36 @@ KrigingSearch::Result Search::run()
         return result;
     }
 
-    const std::vector<std::size_t> sizes = ladder();
+    const std::vector<std::size_t> sizes =
+        settings.starts.empty() ? ladder() : std::vector<std::size_t>{data->cases};
     take(sizes.front());
-    compete();
+    if (settings.starts.empty()) {
+        compete();
+    }
+    for (const KrigingParameters& start : settings.starts) {
+        add(search(variables.at(start), variables.upper, smallestGain()));
+    }
+    sortByValue(optima);
     if (optima.empty()) {
         optima.push_back({variables.uniform(settings.initialLength, noisyNugget), -infinity});
     }
-    if (sizes.size() == 1) {
+    if (sizes.size() == 1 && settings.starts.empty()) {
         optima.front() = search(optima.front().point, variables.upper, smallestGain());
     }
     for (std::size_t rung = 1; rung < sizes.size(); ++rung) {
         climb(sizes[rung]);
     }
+    if (!settings.isRough) {
+        tryFarLengths();
+    }
+    dropEndsOfTheRidge();
     if (optima.size() > 1) {
         result.secondLogLikelihood = optima[1].value;
+        result.secondParameters = objective->parameters(optima[1].point);
     }
-    preferLeastNugget();
+    if (!settings.isRough) {
+        preferLeastNugget();
+    }
     result.logLikelihood = optima.front().value;
     result.lengthBounds = variables.boundsOf(optima.front().point);
     result.parameters = objective->parameters(optima.front().point);

@@ -29,6 +29,10 @@ public:
          *  diagonal of some thousand cases. */
         double soundNugget = 1e-12;
         std::vector<double> fixedLengths; ///< scaled; empty: searched for
+        /** If given, the nearest optima are searched from there, with all cases. */
+        std::vector<KrigingParameters> starts;
+        /** To within some tenths of the likelihood, whatever the tolerance. */
+        bool isRough = false;
     };
 
     struct Result
@@ -37,6 +41,7 @@ public:
         double logLikelihood = 0.0; ///< of the standardised output
         /** Of the best optimum in another place; minus infinity if all starts met in one. */
         double secondLogLikelihood = -std::numeric_limits<double>::infinity();
+        KrigingParameters secondParameters; ///< if there is one
         /** One per length that was searched for. */
         std::vector<KrigingReport::Bound> lengthBounds;
         bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised

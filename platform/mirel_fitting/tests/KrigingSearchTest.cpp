@@ -181,6 +181,63 @@ TEST(KrigingSearch, KnowsTheSecondOptimumOfDeceptiveCases)
     EXPECT_LT(result.secondLogLikelihood, result.logLikelihood);
 }
 
+TEST(KrigingSearch, KnowsNoSecondOptimumAtTheEndsOfOneRidge)
+{
+    // Stress of deposited tungsten over pressure and gas ratio, three runs at the centre:
+    // NIST/SEMATECH e-Handbook of Statistical Methods, 5.4.7.3. With slopes in the trend the
+    // likelihood hardly depends on one of the lengths.
+    const Columns x = {{0.0, 0.1464, 0.1464, 0.5, 0.5, 0.5, 0.8536, 0.8536, 1.0},
+                       {0.5, 0.1464, 0.8536, 0.0, 0.5, 1.0, 0.1464, 0.8536, 0.5}};
+    const auto data = dataOf(x, {6.49, 6.66, 7.27, 7.16, 7.79, 8.19, 7.58, 8.33, 8.04});
+    data->rows[4] = 3.0;
+    data->scatter[4] = 0.0222;
+    data->terms = 3;
+    data->trend.insert(data->trend.end(), data->coordinates.begin(), data->coordinates.end());
+
+    EXPECT_EQ(KrigingSearch::run(data, {}).secondLogLikelihood,
+              -std::numeric_limits<double>::infinity());
+}
+
+TEST(KrigingSearch, SearchesFromGivenStartsAlone)
+{
+    const auto data = wave(40);
+    const KrigingSearch::Result usual = KrigingSearch::run(data, {});
+    KrigingSearch::Settings settings;
+    settings.starts = {{{0.4, 1.0}, 1e-6}};
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+    EXPECT_NEAR(result.logLikelihood, usual.logLikelihood, 40 * 1e-4);
+    EXPECT_LT(result.evaluations, usual.evaluations);
+}
+
+TEST(KrigingSearch, IsSatisfiedWithTenthsWhereItIsRough)
+{
+    const auto data = wave(40);
+    KrigingSearch::Settings settings;
+    settings.starts = {{{0.4, 1.0}, 1e-6}};
+    const KrigingSearch::Result exact = KrigingSearch::run(data, settings);
+    settings.isRough = true;
+
+    const KrigingSearch::Result rough = KrigingSearch::run(data, settings);
+
+    EXPECT_LT(rough.evaluations, exact.evaluations);
+    EXPECT_NEAR(rough.logLikelihood, exact.logLikelihood, 0.5);
+}
+
+TEST(KrigingSearch, TellsWhereTheSecondOptimumIs)
+{
+    const Columns x = latinHypercube(30, 1, 5);
+    const auto data = dataOf(
+        x, valuesOf([](const std::vector<double>& p) { return std::sin(60.0 * p[0]) + 2.0 * p[0]; },
+                    x));
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+
+    EXPECT_NEAR(likelihoodAt(data, result.secondParameters.lengths, result.secondParameters.nugget),
+                result.secondLogLikelihood, 1e-6);
+}
+
 TEST(KrigingSearch, LeavesNoInputOutThatMoreCasesShow)
 {
     // The part of the cases that the search begins with shows no influence of some inputs, of which

@@ -1,0 +1,96 @@
+#include <mirel_fitting/KrigingTrendChoice.h>
+
+#include <mirel_fitting/FitProgress.h>
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace {
+
+double correctedAkaike(const KrigingData& data, double logLikelihood)
+{
+    const double n = std::accumulate(data.rows.begin(), data.rows.end(), 0.0);
+    const auto k = static_cast<double>(data.terms + data.inputs + 1);
+    if (n - k <= 1.0) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return -2.0 * logLikelihood + 2.0 * k + 2.0 * k * (k + 1.0) / (n - k - 1.0);
+}
+
+KrigingTrendChoice::Result withOrder(int order, const std::shared_ptr<KrigingData>& data,
+                                     const std::shared_ptr<const KrigingTrend>& highest)
+{
+    KrigingTrendChoice::Result result;
+    if (order == highest->order()) {
+        result.trend = highest;
+        result.data = data;
+        return result;
+    }
+    const std::size_t otherParameters = data->inputs + 1;
+    result.trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
+                                                  order, otherParameters);
+    result.data = std::make_shared<KrigingData>(*data);
+    result.data->terms = result.trend->size();
+    result.data->trend = result.trend->matrix();
+    return result;
+}
+
+void search(KrigingTrendChoice::Result& result, const KrigingSearch::Settings& settings)
+{
+    result.found = KrigingSearch::run(result.data, settings);
+    result.criterion = correctedAkaike(*result.data, result.found.logLikelihood);
+}
+
+} // namespace
+
+bool KrigingTrendChoice::isNeeded(const KrigingTrend& trend, const KrigingData& data)
+{
+    constexpr std::size_t casesPerTerm = 20;
+    return trend.order() > 0 && data.cases < casesPerTerm * trend.size();
+}
+
+KrigingTrendChoice::Result
+KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
+                        const std::shared_ptr<const KrigingTrend>& highest,
+                        const KrigingSearch::Settings& settings)
+{
+    constexpr double first = 0.6; // of the work
+    constexpr double last = 0.8;
+
+    Result best = withOrder(0, data, highest);
+    {
+        const FitProgress::Portion portion(0.0, first);
+        search(best, settings);
+    }
+    // With another trend the second of several optima may be the best.
+    std::vector<KrigingParameters> starts = {best.found.parameters};
+    if (!best.found.secondParameters.lengths.empty()) {
+        starts.push_back(best.found.secondParameters);
+    }
+    const double step = (last - first) / highest->order();
+    double criterion = best.criterion;
+    for (int order = 1; order <= highest->order(); ++order) {
+        const FitProgress::Portion portion(first + (order - 1) * step, first + order * step);
+        Result other = withOrder(order, data, highest);
+        KrigingSearch::Settings near = settings;
+        near.starts = {starts.front()};
+        near.isRough = true;
+        search(other, near);
+        criterion = other.criterion;
+        if (other.criterion < best.criterion) {
+            starts.front() = other.found.parameters;
+            best = std::move(other);
+        }
+    }
+    if (best.trend->order() > 0) {
+        const FitProgress::Portion portion(last, 1.0);
+        KrigingSearch::Settings near = settings;
+        near.starts = starts;
+        search(best, near);
+    }
+    best.criterionOfHighest = criterion;
+    return best;
+}
