@@ -117,6 +117,7 @@ private:
     const KrigingSizes& sizes;
     mutable double subsetWork = 0.0; // multiplications done
     FirstLayer first;
+    std::vector<double> correctedVariances; // of the measured cases, by the nearest ones
     LargeKriging::Result result;
 };
 
@@ -391,6 +392,7 @@ void Fit::estimateCorrectedVariance(const Layer& layer)
     for (const NearestNeighbourKriging::Prediction& prediction : leftOut.predict(
              {result.found.parameters.lengths, result.found.parameters.nugget}, nullptr)) {
         variances += prediction.variance;
+        correctedVariances.push_back(prediction.variance);
     }
     double squares = 0.0;
     for (const double residual : layer.leaveOneOutResiduals) {
@@ -489,6 +491,12 @@ LargeKriging::Result Fit::run(bool meetCases)
     if (result.neighbours) {
         const FitProgress::Portion portion(0.8, 1.0);
         addLikelihoodOfOthers(*result.neighbours);
+    }
+    // As for standard errors: the larger of what the two layers do not know.
+    for (std::size_t i = 0; result.neighbourVariance > 0.0 && i < correctedVariances.size(); ++i) {
+        result.leaveOneOutVariances[i] =
+            std::max(result.leaveOneOutVariances[i],
+                     correctedVariances[i] * result.correctedVariance / result.neighbourVariance);
     }
     return std::move(result);
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace fittingtest;
 
 namespace {
@@ -69,4 +71,44 @@ TEST(PolynomialUnits, ForeseesTheLossOfALargeOrigin)
     EXPECT_LT(PolynomialUnits(basis, nearScale).expansionLoss({1, 1, 1}), 1e-15);
     // Squares of 2e6, rounded to 16 digits.
     EXPECT_NEAR(PolynomialUnits(basis, farScale).expansionLoss({1, 1, 1}), 4e12 * 2.2e-16, 1e-5);
+}
+
+TEST(PolynomialUnits, CodesInputsToTheirRanges)
+{
+    const QuadraticBasis basis(2, 2);
+    const std::vector<ColumnScale> inputScales = scales();
+
+    const std::vector<double> coded = PolynomialUnits(basis, inputScales).coded(scaled);
+
+    // -1 and 1 stand for 4 and 80, -10 and -2.
+    EXPECT_DOUBLE_EQ(value(coded, -1.0, 1.0), value(scaled, (4.0 - 42.0) / 64.0, 1.0));
+    EXPECT_DOUBLE_EQ(value(coded, 1.0, -1.0), value(scaled, (80.0 - 42.0) / 64.0, -1.0));
+}
+
+TEST(PolynomialUnits, WritesATermOfTheInputsInScaledOnes)
+{
+    const QuadraticBasis basis(2, 2);
+    const std::vector<ColumnScale> inputScales = scales();
+    const PolynomialUnits units(basis, inputScales);
+
+    for (std::size_t term = 0; term < basis.size(); ++term) {
+        std::vector<double> single(basis.size(), 0.0);
+        single[term] = 1.0;
+        EXPECT_EQ(units.expanded(units.term(term)), single) << basis.name(term);
+    }
+}
+
+TEST(PolynomialUnits, SumsMagnitudesOfWhatCancels)
+{
+    const QuadraticBasis basis(2, 2);
+    const std::vector<ColumnScale> inputScales = scales();
+    const PolynomialUnits units(basis, inputScales);
+
+    const std::vector<double> magnitudes = units.expandedMagnitudes(scaled);
+
+    // -V1 of its own, 42 V1 twice of V1^2 / 2, 6 V1 / 2 of V1 V2 / 2.
+    EXPECT_DOUBLE_EQ(magnitudes[1], 1.0 + 42.0 + 3.0);
+    for (std::size_t term = 0; term < basis.size(); ++term) {
+        EXPECT_GE(magnitudes[term], std::fabs(units.expanded(scaled)[term])) << basis.name(term);
+    }
 }
