@@ -9,7 +9,9 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <map>
+#include <system_error>
 
 namespace {
 const std::map<std::string, CommandLine::Command> commands = {{"summary", CommandLine::Summary},
@@ -66,6 +68,18 @@ CellValue::DecimalMark decimalMarkOf(const std::string& word)
     return word == "comma" ? CellValue::Comma : CellValue::Point;
 }
 
+double percentageOf(const std::string& word)
+{
+    double percent = 0.0;
+    const char* const end = word.data() + word.size();
+    const auto read = std::from_chars(word.data(), end, percent);
+    if (read.ec != std::errc() || read.ptr != end || !(percent > 0.0 && percent < 100.0)) {
+        throw UsageError("--interval needs a percentage above 0 and below 100, such as 95, not \"" +
+                         word + "\".");
+    }
+    return percent;
+}
+
 /** What the library reads into before it is given its meaning. */
 struct Words
 {
@@ -76,6 +90,7 @@ struct Words
     std::string decimalMark;
     std::string threads;
     std::string folds;
+    std::string interval;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };
@@ -107,6 +122,7 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--size", line.size);
     app.add_option("--threads", words.threads);
     app.add_option("--folds", words.folds);
+    app.add_option("--interval", words.interval);
     app.add_flag("--json", line.asJson);
     app.add_flag("-q,--quiet", line.isQuiet);
     app.add_flag("-h,--help", words.wantsHelp);
@@ -205,6 +221,9 @@ void checkCombination(const CommandLine& line)
             "Only the response surface has equations: leave out -m kriging.");
     require(!line.model || line.command != CommandLine::Compare,
             "The command compare takes both models: leave out -m.");
+    require(!line.interval || line.command == CommandLine::Evaluate ||
+                line.command == CommandLine::Predict,
+            "--interval belongs to the commands evaluate and predict.");
     require(!line.folds || line.command == CommandLine::Compare,
             "--folds belongs to the command compare.");
     require(line.subject != "-" || line.points != "-",
@@ -254,6 +273,9 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     }
     if (app.count("--folds") > 0) {
         line.folds = readWholeNumber("--folds", words.folds, 2, mostFolds);
+    }
+    if (app.count("--interval") > 0) {
+        line.interval = percentageOf(words.interval);
     }
     checkCombination(line);
     return line;

@@ -28,6 +28,7 @@
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -80,22 +81,53 @@ void runFit(const CommandLine& line)
                                        : SessionReport::fitText(open.session));
 }
 
+/** Limits must not look like an input that has their name. */
+void checkLimitNames(const CommandLine& line, const CaseSession& session)
+{
+    if (!line.interval) {
+        return;
+    }
+    std::vector<std::string> taken = namesOf(session.inputs());
+    const std::vector<std::string> outputs = namesOf(session.outputs());
+    taken.insert(taken.end(), outputs.begin(), outputs.end());
+    for (const std::string& output : outputs) {
+        for (const std::string& name :
+             {OutputTable::lowerName(output), OutputTable::upperName(output)}) {
+            if (std::find(taken.begin(), taken.end(), name) != taken.end()) {
+                throw UsageError("With --interval the table would have two columns \"" + name +
+                                 "\"; rename the variable.");
+            }
+        }
+    }
+}
+
 void runEvaluate(const CommandLine& line)
 {
     OpenSession open(line);
     open.chooseValues(line);
+    checkLimitNames(line, open.session);
     vtkSmartPointer<vtkTable> values;
+    std::vector<PredictionLimits> limits;
     {
         const TerminalProgress progress(line.isQuiet);
         values = open.session.evaluate();
+        if (line.interval) {
+            limits = open.session.limits(*values, *line.interval);
+        }
     }
     open.save(line);
+    const std::size_t inputs = open.session.inputs().size();
 
     OutputTable table;
     table.rows = static_cast<std::size_t>(values->GetNumberOfRows());
     for (vtkIdType i = 0; i < values->GetNumberOfColumns(); ++i) {
         auto* const column = vtkDoubleArray::SafeDownCast(values->GetColumn(i));
         table.columns.push_back({column->GetName(), column->GetPointer(0), nullptr});
+        const auto position = static_cast<std::size_t>(i);
+        if (line.interval && position >= inputs) {
+            const PredictionLimits& output = limits[position - inputs];
+            table.addLimits(column->GetName(), output.lower.data(), output.upper.data());
+        }
     }
     writeTable(line, table, open.session, open.readSeconds);
 }
@@ -108,14 +140,20 @@ void runPredict(const CommandLine& line)
     options.decimalMark = line.decimalMark;
     options.keepCells = true;
     const PredictionPoints points(CaseFileReader::read(line.points, options),
-                                  namesOf(open.session.inputs()), namesOf(open.session.outputs()));
+                                  namesOf(open.session.inputs()), namesOf(open.session.outputs()),
+                                  line.interval ? PredictionPoints::PredictionsAndLimits
+                                                : PredictionPoints::Predictions);
     std::vector<std::vector<double>> predictions;
+    std::vector<PredictionLimits> limits;
     {
         const TerminalProgress progress(line.isQuiet);
         predictions = open.session.predict(points.inputColumns(), points.count());
+        if (line.interval) {
+            limits = open.session.limits(points.inputColumns(), points.count(), *line.interval);
+        }
     }
     open.save(line);
-    writeTable(line, points.withPredictions(predictions), open.session, open.readSeconds);
+    writeTable(line, points.withPredictions(predictions, limits), open.session, open.readSeconds);
 }
 
 void runEquations(const CommandLine& line)

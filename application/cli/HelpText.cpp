@@ -70,6 +70,11 @@ Values (evaluate, plot)
   --at NAME=VALUE     one value
   An input with none of them stays at its minimum.
 
+Intervals (evaluate, predict)
+  --interval P     two columns more after the one of each output, "NAME lower" and "NAME upper":
+                   between them P percent (95, say) of further cases at the point would lie, their
+                   noise included, if the model is right. Empty where the cases are too few to tell
+
 Pictures (plot)
   --kind sweep     the model along one input (--count or --sweep), with a band of 1.96 standard
                    errors and the cases near: those whose other inputs lie within 10 % of their

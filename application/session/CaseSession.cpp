@@ -3,6 +3,7 @@
 #include "session/FileFingerprint.h"
 #include "session/InputSymbols.h"
 #include "session/ProjectDocument.h"
+#include "session/QuotedText.h"
 #include "session/SessionErrors.h"
 #include "session/SessionState.h"
 #include "session/VariableNames.h"
@@ -20,6 +21,7 @@
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ExtrapolationInterface.h>
+#include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
@@ -31,6 +33,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <map>
 #include <set>
 #include <sstream>
@@ -74,6 +77,17 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
                                     ". Write numbers and ranges like 4 - 80 : 20, 42.");
     }
     return values;
+}
+
+/** The models only read their inputs, though through pointers that are not const. */
+std::vector<double*> readOnly(const std::vector<const double*>& columns)
+{
+    std::vector<double*> pointers;
+    pointers.reserve(columns.size());
+    for (const double* const column : columns) {
+        pointers.push_back(const_cast<double*>(column));
+    }
+    return pointers;
 }
 } // namespace
 
@@ -133,6 +147,18 @@ public:
         return all;
     }
 
+    /** The inputs' values in the first columns of a table. */
+    std::vector<double*> pointsOf(vtkTable& table) const
+    {
+        std::vector<double*> points;
+        points.reserve(inputs.size());
+        for (std::size_t i = 0; i < inputs.size(); ++i) {
+            vtkAbstractArray* const column = table.GetColumn(static_cast<vtkIdType>(i));
+            points.push_back(vtkDoubleArray::SafeDownCast(column)->GetPointer(0));
+        }
+        return points;
+    }
+
     void lookOutside(const std::vector<double*>& points, std::size_t count)
     {
         const auto* const model = dynamic_cast<const ExtrapolationInterface*>(fitted);
@@ -142,15 +168,45 @@ public:
                 : withInputNames(model->extrapolationWarning(points, count), namesOf(inputs));
     }
 
-    /** @param table the inputs in its first columns. */
-    void lookOutside(vtkTable& table)
+    std::vector<PredictionLimits> limits(const SurrogateModelInterface& model,
+                                         const std::vector<double*>& points, std::size_t count,
+                                         double level)
     {
-        std::vector<double*> points;
-        for (std::size_t i = 0; i < inputs.size(); ++i) {
-            vtkAbstractArray* const column = table.GetColumn(static_cast<vtkIdType>(i));
-            points.push_back(vtkDoubleArray::SafeDownCast(column)->GetPointer(0));
+        limitFaults.clear();
+        std::vector<PredictionLimits> results;
+        for (const VarPtr& output : state.outputs) {
+            const double none = std::nan("");
+            PredictionLimits one = {std::vector<double>(count, none),
+                                    std::vector<double>(count, none)};
+            const std::string fault = findLimits(model, points, offsetOf(output), level, one);
+            if (!fault.empty()) {
+                one = {std::vector<double>(count, none), std::vector<double>(count, none)};
+                limitFaults.push_back("The limits of " + quotedText(output.lock()->name()) +
+                                      " are empty. " + fault);
+            }
+            results.push_back(std::move(one));
         }
-        lookOutside(points, static_cast<std::size_t>(table.GetNumberOfRows()));
+        return results;
+    }
+
+    /** @return why there are none; empty if there are. */
+    static std::string findLimits(const SurrogateModelInterface& model,
+                                  const std::vector<double*>& points, int offset, double level,
+                                  PredictionLimits& limits)
+    {
+        const auto* const intervals = dynamic_cast<const PredictionIntervalInterface*>(&model);
+        if (intervals == nullptr) {
+            return "The model has no prediction intervals.";
+        }
+        std::vector<double*> lower = {limits.lower.data()};
+        std::vector<double*> upper = {limits.upper.data()};
+        try {
+            intervals->predictionIntervals(points, {offset}, level, lower, upper,
+                                           limits.lower.size());
+        } catch (const SurrogateModelInterface::Error& error) {
+            return error.what();
+        }
+        return {};
     }
 
     std::string path;
@@ -164,6 +220,7 @@ public:
     SurrogateModelInterface* fitted = nullptr;
     std::string extrapolation;
     std::string exportedReport;
+    std::vector<std::string> limitFaults;
     SessionTimes times;
     DeleteSignaler deleted; ///< ends the undo steps that act on the state
     SignalConnectionCollection connections;
@@ -451,7 +508,7 @@ vtkSmartPointer<vtkTable> CaseSession::evaluate()
                 filter->GetOutput()->GetColumnByName(variable.lock()->name().c_str()));
         }
     }
-    impl->lookOutside(*result);
+    impl->lookOutside(impl->pointsOf(*result), static_cast<std::size_t>(result->GetNumberOfRows()));
     return result;
 }
 
@@ -460,13 +517,7 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
 {
     const SurrogateModelInterface& model = fit();
     const Stopwatch watch;
-    std::vector<double*> inputs;
-    inputs.reserve(points.size());
-    for (const double* column : points) {
-        // The model only reads its inputs, though through pointers that are not const.
-        inputs.push_back(const_cast<double*>(column));
-    }
-
+    const std::vector<double*> inputs = readOnly(points);
     std::vector<std::vector<double>> results(impl->state.outputs.size(),
                                              std::vector<double>(count));
     std::map<int, double*> byOffset;
@@ -482,6 +533,23 @@ std::vector<std::vector<double>> CaseSession::predict(const std::vector<const do
     impl->times.evaluate = watch.seconds();
     impl->lookOutside(inputs, count);
     return results;
+}
+
+std::vector<PredictionLimits> CaseSession::limits(const std::vector<const double*>& points,
+                                                  std::size_t count, double percent)
+{
+    return impl->limits(fit(), readOnly(points), count, percent / 100.0);
+}
+
+std::vector<PredictionLimits> CaseSession::limits(vtkTable& table, double percent)
+{
+    return impl->limits(fit(), impl->pointsOf(table),
+                        static_cast<std::size_t>(table.GetNumberOfRows()), percent / 100.0);
+}
+
+const std::vector<std::string>& CaseSession::limitFaults() const
+{
+    return impl->limitFaults;
 }
 
 const std::string& CaseSession::extrapolation() const

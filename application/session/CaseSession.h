@@ -35,6 +35,13 @@ struct OutputFit
     std::optional<KrigingReport> kriging; ///< of a Kriging model only; rows are cases, from 0
 };
 
+/** Between which values one more case at each of some points would lie, with some probability. */
+struct PredictionLimits
+{
+    std::vector<double> lower; ///< one per point; NaN where there are none, like `upper`
+    std::vector<double> upper;
+};
+
 /** Wall-clock time in seconds that the steps of a session took, 0 for those not taken. */
 struct SessionTimes
 {
@@ -169,6 +176,23 @@ public:
      */
     std::vector<std::vector<double>> predict(const std::vector<const double*>& points,
                                              std::size_t count);
+
+    /**
+     * Prediction intervals of the outputs at given points, for the noise of a case included. An
+     * output whose model has none gets NaN; limitFaults() says why.
+     * @param points  as for predict().
+     * @param percent above 0 and below 100: how many of such cases lie between the limits.
+     * @return one per output.
+     * @throw SurrogateModelInterface::Error
+     */
+    std::vector<PredictionLimits> limits(const std::vector<const double*>& points,
+                                         std::size_t count, double percent);
+
+    /** The same at the points of a table that evaluate() has made. */
+    std::vector<PredictionLimits> limits(vtkTable& table, double percent);
+
+    /** Which outputs of the last limits() have none and why, a sentence each. */
+    const std::vector<std::string>& limitFaults() const;
 
     /** What the points of the last evaluate() or predict() have outside the valid cases, a
      * sentence; empty if nothing. */

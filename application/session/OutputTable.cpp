@@ -73,6 +73,22 @@ void appendJsonCell(std::string& text, const Column& column, std::size_t row)
 }
 } // namespace
 
+std::string OutputTable::lowerName(const std::string& output)
+{
+    return output + " lower";
+}
+
+std::string OutputTable::upperName(const std::string& output)
+{
+    return output + " upper";
+}
+
+void OutputTable::addLimits(const std::string& output, const double* lower, const double* upper)
+{
+    columns.push_back({lowerName(output), lower, nullptr});
+    columns.push_back({upperName(output), upper, nullptr});
+}
+
 void writeCsv(const OutputTable& table, OutputFile& out)
 {
     std::string line;

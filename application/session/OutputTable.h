@@ -10,7 +10,7 @@ class CellTexts;
 class OutputFile;
 
 /** A table to be written, its cells borrowed. */
-struct OutputTable
+struct SURROGATE_SESSION_EXPORT OutputTable
 {
     struct Column
     {
@@ -20,6 +20,13 @@ struct OutputTable
         /** One per row, or null. Beside `numbers`: the same cells as somebody wrote them. */
         const CellTexts* texts = nullptr;
     };
+
+    /** The columns of an output's prediction interval. */
+    static std::string lowerName(const std::string& output);
+    static std::string upperName(const std::string& output);
+
+    /** Adds the two; one number per row each, borrowed. */
+    void addLimits(const std::string& output, const double* lower, const double* upper);
 
     std::vector<Column> columns;
     std::size_t rows = 0;

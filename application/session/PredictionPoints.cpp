@@ -14,7 +14,7 @@ std::string resultName(const std::string& output)
 } // namespace
 
 PredictionPoints::PredictionPoints(CaseTable points, const std::vector<std::string>& inputs,
-                                   std::vector<std::string> outputs)
+                                   std::vector<std::string> outputs, Results results)
     : table(std::move(points)), outputNames(std::move(outputs))
 {
     const std::vector<std::string> names = table.names();
@@ -34,9 +34,16 @@ PredictionPoints::PredictionPoints(CaseTable points, const std::vector<std::stri
         columns.push_back(column.numbers.data());
     }
     for (const std::string& output : outputNames) {
-        if (std::find(names.begin(), names.end(), resultName(output)) != names.end()) {
-            throw CaseDataError(table.path + ", line 1: the table has a column \"" +
-                                resultName(output) + "\" already.");
+        std::vector<std::string> added = {resultName(output)};
+        if (results == PredictionsAndLimits) {
+            added.insert(added.end(),
+                         {OutputTable::lowerName(output), OutputTable::upperName(output)});
+        }
+        for (const std::string& name : added) {
+            if (std::find(names.begin(), names.end(), name) != names.end()) {
+                throw CaseDataError(table.path + ", line 1: the table has a column \"" + name +
+                                    "\" already.");
+            }
         }
     }
 }
@@ -51,8 +58,8 @@ const std::vector<const double*>& PredictionPoints::inputColumns() const
     return columns;
 }
 
-OutputTable
-PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predictions) const
+OutputTable PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predictions,
+                                              const std::vector<PredictionLimits>& limits) const
 {
     OutputTable result;
     result.rows = table.cases;
@@ -62,7 +69,11 @@ PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predic
             {column.name, column.isNumeric ? column.numbers.data() : nullptr, &column.cells});
     }
     for (std::size_t i = 0; i < predictions.size(); ++i) {
-        result.columns.push_back({resultName(outputNames[i]), predictions[i].data(), nullptr});
+        const std::string& output = outputNames[i];
+        result.columns.push_back({resultName(output), predictions[i].data(), nullptr});
+        if (!limits.empty()) {
+            result.addLimits(output, limits[i].lower.data(), limits[i].upper.data());
+        }
     }
     return result;
 }

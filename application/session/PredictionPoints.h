@@ -1,5 +1,6 @@
 #pragma once
 
+#include <session/CaseSession.h>
 #include <session/CaseTable.h>
 #include <session/OutputTable.h>
 
@@ -16,15 +17,22 @@
 class SURROGATE_SESSION_EXPORT PredictionPoints
 {
 public:
+    enum Results
+    {
+        Predictions,
+        PredictionsAndLimits
+    };
+
     /**
      * @param table  read with its cells kept.
      * @param inputs the names of the model's inputs.
      * @param outputs the names of the outputs to be predicted.
+     * @param results what is wanted of each output.
      * @throw CaseDataError if a column of an input is missing or holds text, or a column has the
      *        name of a result already.
      */
     PredictionPoints(CaseTable table, const std::vector<std::string>& inputs,
-                     std::vector<std::string> outputs);
+                     std::vector<std::string> outputs, Results results = Predictions);
 
     std::size_t count() const;
 
@@ -32,11 +40,14 @@ public:
     const std::vector<const double*>& inputColumns() const;
 
     /**
-     * The table with a column "NAME predicted" for each output at its end.
+     * The table with a column "NAME predicted" for each output at its end, each followed by the
+     * columns "NAME lower" and "NAME upper" if there are limits.
      * @param predictions one column of count() numbers per output; borrowed, like this object, as
      *                    long as the result is used.
+     * @param limits      likewise; or none at all.
      */
-    OutputTable withPredictions(const std::vector<std::vector<double>>& predictions) const;
+    OutputTable withPredictions(const std::vector<std::vector<double>>& predictions,
+                                const std::vector<PredictionLimits>& limits = {}) const;
 
 private:
     CaseTable table;

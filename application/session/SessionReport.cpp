@@ -314,6 +314,9 @@ std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
     if (!session.extrapolation().empty()) {
         json["extrapolation"] = session.extrapolation();
     }
+    if (!session.limitFaults().empty()) {
+        json["intervalFaults"] = session.limitFaults();
+    }
     json["seconds"] = secondsJson(session, readSeconds);
     return dumped(json);
 }
@@ -343,6 +346,9 @@ std::string SessionReport::notes(CaseSession& session)
     }
     if (!session.extrapolation().empty()) {
         text += "Warning: " + session.extrapolation() + '\n';
+    }
+    for (const std::string& fault : session.limitFaults()) {
+        text += "Warning: " + fault + '\n';
     }
     return text;
 }

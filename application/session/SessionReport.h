@@ -27,7 +27,7 @@ SURROGATE_SESSION_EXPORT std::string fitJson(CaseSession& session, double readSe
 SURROGATE_SESSION_EXPORT std::string equationsJson(CaseSession& session, double readSeconds);
 
 /** What changed the results and must not go unsaid: cases left out, warnings of the fits, points
- * outside the cases. One line each; empty if there is nothing. */
+ * outside the cases, limits that do not exist. One line each; empty if there is nothing. */
 SURROGATE_SESSION_EXPORT std::string notes(CaseSession& session);
 
 /** "11 read, 9 valid, 0 excluded, 2 invalid (Pressure 1, Stress 1)". */

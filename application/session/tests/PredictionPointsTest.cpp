@@ -21,10 +21,11 @@ CaseTable tableOf(const std::string& content)
     return table;
 }
 
-std::string refusalOf(const std::string& content)
+std::string refusalOf(const std::string& content,
+                      PredictionPoints::Results results = PredictionPoints::Predictions)
 {
     try {
-        PredictionPoints(tableOf(content), {"x", "z"}, {"y"});
+        PredictionPoints(tableOf(content), {"x", "z"}, {"y"}, results);
     } catch (const CaseDataError& error) {
         return error.what();
     }
@@ -75,4 +76,33 @@ TEST(PredictionPoints, AColumnThatHasTheNameOfAResultIsRefused)
 {
     EXPECT_EQ(refusalOf("x,z,y predicted\n1,2,3\n"),
               "points.csv, line 1: the table has a column \"y predicted\" already.");
+}
+
+TEST(PredictionPoints, LimitsFollowThePredictionOfTheirOutput)
+{
+    const PredictionPoints points(tableOf("z,x\n1,2\n"), {"x", "z"}, {"y", "w"},
+                                  PredictionPoints::PredictionsAndLimits);
+    const std::vector<std::vector<double>> predictions = {{7.5}, {8.5}};
+    const std::vector<PredictionLimits> limits = {{{7}, {8}}, {{6}, {9}}};
+
+    const OutputTable table = points.withPredictions(predictions, limits);
+
+    std::vector<std::string> names;
+    for (const OutputTable::Column& column : table.columns) {
+        names.push_back(column.name);
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"z", "x", "y predicted", "y lower", "y upper",
+                                               "w predicted", "w lower", "w upper"}));
+    EXPECT_EQ(table.columns[3].numbers[0], 7.0);
+    EXPECT_EQ(table.columns[7].numbers[0], 9.0);
+}
+
+TEST(PredictionPoints, AColumnThatHasTheNameOfALimitIsRefusedWhereLimitsAreWanted)
+{
+    for (const std::string name : {"y lower", "y upper"}) {
+        const std::string content = "x,z," + name + "\n1,2,3\n";
+        EXPECT_EQ(refusalOf(content, PredictionPoints::PredictionsAndLimits),
+                  "points.csv, line 1: the table has a column \"" + name + "\" already.");
+        EXPECT_EQ(refusalOf(content), "accepted");
+    }
 }
