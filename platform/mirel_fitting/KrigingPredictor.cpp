@@ -126,16 +126,31 @@ KrigingPredictor::KrigingPredictor(Parts parts) : parts(std::move(parts)) {}
 
 void KrigingPredictor::predict(const GridPoints& points, double* result) const
 {
-    const std::vector<double*>& columns = points.columns();
+    // What is held per value of an axis stays below ten megabytes.
+    constexpr std::size_t mostValues = std::size_t{1} << 17;
+
     for (const ProductGrid& grid : points.grids()) {
-        if (KrigingGrid::isWorthwhile(parts, grid)) {
-            KrigingGrid(parts, columns, grid).predict(result + grid.firstRow());
-            addNeighbours(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
-        } else {
-            predictScattered(columns, grid.firstRow(), grid.rowCount(), result + grid.firstRow());
+        if (!KrigingGrid::isWorthwhile(parts, grid)) {
+            predictScattered(points.columns(), grid.firstRow(), grid.rowCount(),
+                             result + grid.firstRow());
+            continue;
+        }
+        for (const ProductGrid& part : grid.cut(mostValues)) {
+            predictGrid(points.columns(), part, result + part.firstRow());
         }
     }
     points.markFilled(result);
+}
+
+void KrigingPredictor::predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                                   double* result) const
+{
+    if (!KrigingGrid::isWorthwhile(parts, grid)) {
+        predictScattered(columns, grid.firstRow(), grid.rowCount(), result);
+        return;
+    }
+    KrigingGrid(parts, columns, grid).predict(result);
+    addNeighbours(columns, grid.firstRow(), grid.rowCount(), result);
 }
 
 void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t count,

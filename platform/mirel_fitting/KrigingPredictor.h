@@ -90,6 +90,8 @@ public:
 private:
     class Block;
 
+    void predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                     double* result) const;
     void addNeighbours(const std::vector<double*>& columns, std::size_t first, std::size_t count,
                        double* result) const;
     void neighbourErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,

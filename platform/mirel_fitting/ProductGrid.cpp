@@ -190,3 +190,40 @@ ProductGrid::ProductGrid(const std::vector<double*>& columns, std::size_t first,
     }
     std::sort(constants.begin(), constants.end());
 }
+
+std::vector<ProductGrid> ProductGrid::cut(std::size_t mostValues) const
+{
+    const bool isShort = std::all_of(axisList.begin(), axisList.end(),
+                                     [&](const Axis& axis) { return axis.size <= mostValues; });
+    if (isShort) {
+        return {*this};
+    }
+    // Where the slowest axis is not the long one, a faster one is, for each of its values.
+    const Axis& slowest = axisList.back();
+    const std::size_t atATime = slowest.size > mostValues ? mostValues : 1;
+    std::vector<ProductGrid> grids;
+    for (std::size_t value = 0; value < slowest.size; value += atATime) {
+        const ProductGrid part = slice(value, std::min(atATime, slowest.size - value));
+        for (ProductGrid& grid : part.cut(mostValues)) {
+            grids.push_back(std::move(grid));
+        }
+    }
+    return grids;
+}
+
+/** Some values of the slowest axis. */
+ProductGrid ProductGrid::slice(std::size_t firstValue, std::size_t values) const
+{
+    ProductGrid result = *this;
+    Axis& slowest = result.axisList.back();
+    result.first = first + firstValue * slowest.stride;
+    result.rows = values * slowest.stride;
+    slowest.size = values;
+    if (values == 1) {
+        result.constants.insert(result.constants.end(), slowest.columns.begin(),
+                                slowest.columns.end());
+        std::sort(result.constants.begin(), result.constants.end());
+        result.axisList.pop_back();
+    }
+    return result;
+}

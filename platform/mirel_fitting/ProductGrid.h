@@ -28,6 +28,9 @@ public:
      */
     static std::vector<ProductGrid> split(const std::vector<double*>& columns, std::size_t count);
 
+    /** The same rows as consecutive grids with at most so many values on each axis. */
+    std::vector<ProductGrid> cut(std::size_t mostValues) const;
+
     std::size_t firstRow() const { return first; }
     std::size_t rowCount() const { return rows; }
 
@@ -40,6 +43,8 @@ public:
 
 private:
     ProductGrid(const std::vector<double*>& columns, std::size_t first, std::size_t count);
+
+    ProductGrid slice(std::size_t firstValue, std::size_t values) const;
 
     std::size_t first;
     std::size_t rows;

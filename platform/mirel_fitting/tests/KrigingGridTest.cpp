@@ -392,6 +392,21 @@ TEST(KrigingGrid, SumsWithTheSameBitsForAnyNumberOfThreads)
     }
 }
 
+/** One value more than a part may have. */
+TEST(KrigingGrid, TakesALineThatIsCut)
+{
+    const Model model(2, 1, 3);
+    Columns columns = gridOf(3, {{2, evenly(131073, -1.0, 4.0)}});
+    const std::vector<double> expected = scattered(model, columns);
+    std::vector<double> found(131073);
+
+    KrigingPredictor(model.parts).predict(pointersTo(columns), 131073, found.data());
+
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        ASSERT_NEAR(found[i], expected[i], 1e-12) << i;
+    }
+}
+
 TEST(KrigingGrid, IsNotWorthItWithoutRepetition)
 {
     const Model model(2);
