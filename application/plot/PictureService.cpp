@@ -4,6 +4,7 @@
 #include "plot/Picture.h"
 #include "plot/SessionPictures.h"
 
+#include <memory>
 #include <utility>
 
 namespace {
@@ -36,20 +37,32 @@ public:
     void write(std::vector<PictureData> pictures, const std::optional<std::string>& size,
                const std::string& path) const override
     {
-        const DrawingApplication application;
+        start();
         Picture(std::move(pictures), sizeOf(size)).write(path);
     }
 
     std::string inlineSvg(const PictureData& picture, const PictureSize& size) const override
     {
-        const DrawingApplication application;
+        start();
         return Picture({picture}, size).toInlineSvg();
     }
+
+private:
+    void start() const
+    {
+        if (application == nullptr) {
+            application = std::make_unique<DrawingApplication>();
+        }
+    }
+
+    mutable std::unique_ptr<DrawingApplication> application;
 };
 } // namespace
 
 const PictureService* surrogatePictureService()
 {
-    static const Service service;
-    return &service;
+    // One application for all pictures of the process, and never destroyed: the toolkit keeps
+    // things that outlive it, and is not made for a second one.
+    static const Service* const service = new Service;
+    return service;
 }

@@ -10,7 +10,9 @@
 #include <session/QuotedText.h>
 
 #include <QFontMetricsF>
+#include <QPolygonF>
 #include <QResizeEvent>
+#include <QSet>
 #include <qwt_legend.h>
 #include <qwt_painter.h>
 #include <qwt_plot_canvas.h>
@@ -36,6 +38,11 @@ constexpr double narrowMargin = 0.04;
 constexpr double lineThickness = 2.0;
 constexpr int symbolSize = 8;
 constexpr int mostSteps = 10;
+
+/** Of more cases than these one is drawn where several lie closer together than a small part of a
+ *  symbol: files of a hundred thousand symbols are slow to show. */
+constexpr int casesDrawnAll = 2000;
+constexpr double placesAcross = 400.0;
 
 /** Order from the back to the front. */
 enum Layer
@@ -71,6 +78,32 @@ QVector<QPointF> points(const std::vector<double>& x, const std::vector<double>&
         result.append(QPointF(x[i], y[i]));
     }
     return result;
+}
+/** Where in its range a value lies, in places. */
+qint64 placeOf(double value, double least, double width)
+{
+    return width > 0.0 ? static_cast<qint64>((value - least) / width * placesAcross) : 0;
+}
+
+/** The first of the points at each place. */
+QVector<QPointF> thinned(const QVector<QPointF>& all)
+{
+    if (all.size() <= casesDrawnAll) {
+        return all;
+    }
+    const QRectF box = QPolygonF(all).boundingRect();
+    QSet<qint64> taken;
+    QVector<QPointF> kept;
+    for (const QPointF& point : all) {
+        const qint64 place =
+            placeOf(point.x(), box.left(), box.width()) +
+            placeOf(point.y(), box.top(), box.height()) * static_cast<qint64>(placesAcross + 1.0);
+        if (!taken.contains(place)) {
+            taken.insert(place);
+            kept.append(point);
+        }
+    }
+    return kept;
 }
 } // namespace
 
@@ -187,7 +220,7 @@ void PlotWidget::Impl::addCases(const QVector<QPointF>& places, const std::strin
     // A cached symbol is a bitmap.
     symbol->setCachePolicy(QwtSymbol::NoCache);
     auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
-    curve->setSamples(places);
+    curve->setSamples(thinned(places));
     curve->setStyle(QwtPlotCurve::NoCurve);
     curve->setSymbol(symbol);
     curve->setRenderHint(QwtPlotItem::RenderAntialiased);

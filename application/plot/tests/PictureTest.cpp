@@ -216,6 +216,28 @@ TEST(Picture, ActualAndPredictedHaveTheSameScale)
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "4.5"), 2);
 }
 
+TEST(Picture, OfManyCasesOneIsDrawnWhereTheyCoverEachOther)
+{
+    ActualPicture picture = actual();
+    picture.actual.assign(3000, 1.0);
+    picture.predicted.assign(3000, 1.0);
+    picture.actual.push_back(2.0);
+    picture.predicted.push_back(2.0);
+
+    EXPECT_EQ(countOf(svgOf(picture), "<circle"), 2u);
+}
+
+TEST(Picture, AFewCasesAreAllDrawn)
+{
+    ActualPicture picture = actual();
+    for (int i = 0; i < 97; ++i) {
+        picture.actual.push_back(2.0 + 0.001 * i);
+        picture.predicted.push_back(2.0);
+    }
+
+    EXPECT_EQ(countOf(svgOf(picture), "<circle"), 100u);
+}
+
 TEST(Picture, ResidualsAlwaysShowZero)
 {
     ResidualPicture picture = residual();
