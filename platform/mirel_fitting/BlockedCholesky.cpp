@@ -44,13 +44,87 @@ void runChunks(std::size_t chunks, int threads, const std::function<void(std::si
         chunks, threads, [&] { return std::make_unique<Independent>(work); }, report);
 }
 
+/** columns = the inverse of a lower triangle, or of its transpose, times them. */
+void solveTriangle(CBLAS_TRANSPOSE side, const double* triangle, std::size_t order,
+                   std::size_t stride, double* columns, std::size_t count, std::size_t columnStride)
+{
+    const int rows = static_cast<int>(order);
+    if (count == 1) {
+        cblas_dtrsv(CblasColMajor, CblasLower, side, CblasNonUnit, rows, triangle,
+                    static_cast<int>(stride), columns, 1);
+        return;
+    }
+    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, side, CblasNonUnit, rows,
+                static_cast<int>(count), 1.0, triangle, static_cast<int>(stride), columns,
+                static_cast<int>(columnStride));
+}
+
+/** target -= panel, or its transpose, times source. */
+void subtractProduct(CBLAS_TRANSPOSE side, const double* panel, std::size_t rows, std::size_t width,
+                     std::size_t stride, const double* source, double* target, std::size_t count,
+                     std::size_t columnStride)
+{
+    const int height = static_cast<int>(rows);
+    const int breadth = static_cast<int>(width);
+    const int lead = static_cast<int>(stride);
+    if (count == 1) {
+        cblas_dgemv(CblasColMajor, side, height, breadth, -1.0, panel, lead, source, 1, 1.0, target,
+                    1);
+        return;
+    }
+    const bool isTransposed = side == CblasTrans;
+    cblas_dgemm(CblasColMajor, side, CblasNoTrans, isTransposed ? breadth : height,
+                static_cast<int>(count), isTransposed ? height : breadth, -1.0, panel, lead, source,
+                static_cast<int>(columnStride), 1.0, target, static_cast<int>(columnStride));
+}
+
+// Of the factor at a time when solving with it: a fraction of a tenth of a second.
+constexpr std::size_t solvedRows = 512;
+
+using Pause = std::function<void()>;
+
+/** Forward substitution, with a pause now and then. */
+void substitute(const double* factor, std::size_t order, std::size_t stride, double* columns,
+                std::size_t count, std::size_t columnStride, const Pause& pause)
+{
+    for (std::size_t first = 0; first < order; first += solvedRows) {
+        const std::size_t width = std::min(solvedRows, order - first);
+        const double* corner = factor + first * stride + first;
+        solveTriangle(CblasNoTrans, corner, width, stride, columns + first, count, columnStride);
+        subtractProduct(CblasNoTrans, corner + width, order - first - width, width, stride,
+                        columns + first, columns + first + width, count, columnStride);
+        if (pause) {
+            pause();
+        }
+    }
+}
+
+/** Substitution with the transpose, from the last row. */
+void substituteBack(const double* factor, std::size_t order, std::size_t stride, double* columns,
+                    std::size_t count, std::size_t columnStride, const Pause& pause)
+{
+    for (std::size_t block = blocksIn(order, solvedRows); block-- > 0;) {
+        const std::size_t first = block * solvedRows;
+        const std::size_t width = std::min(solvedRows, order - first);
+        const double* corner = factor + first * stride + first;
+        subtractProduct(CblasTrans, corner + width, order - first - width, width, stride,
+                        columns + first + width, columns + first, count, columnStride);
+        solveTriangle(CblasTrans, corner, width, stride, columns + first, count, columnStride);
+        if (pause) {
+            pause();
+        }
+    }
+}
+
 /** Computes blocks of columns of the inverse and shows them to a visitor. */
 class InverseWorker : public OrderedChunks::Worker
 {
 public:
+    /** @param pause of the worker on the calling thread. */
     InverseWorker(const double* factor, std::size_t order,
-                  std::unique_ptr<BlockedCholesky::Visitor> visitor)
-        : factor(factor), order(order), visitor(std::move(visitor)), block(order * inverseColumns)
+                  std::unique_ptr<BlockedCholesky::Visitor> visitor, Pause pause)
+        : factor(factor), order(order), visitor(std::move(visitor)), pause(std::move(pause)),
+          block(order * inverseColumns)
     {}
 
     void compute(std::size_t chunk) override
@@ -64,11 +138,8 @@ public:
         }
         // Rows above the first column do not enter: the factor is lower triangular.
         const double* corner = factor + first * order + first;
-        for (const CBLAS_TRANSPOSE side : {CblasNoTrans, CblasTrans}) {
-            cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, side, CblasNonUnit,
-                        static_cast<int>(rows), static_cast<int>(columns), 1.0, corner,
-                        static_cast<int>(order), block.data(), static_cast<int>(rows));
-        }
+        substitute(corner, rows, order, block.data(), columns, rows, pause);
+        substituteBack(corner, rows, order, block.data(), columns, rows, pause);
         visitor->visit(first, columns, block.data(), rows);
     }
 
@@ -78,6 +149,7 @@ private:
     const double* factor;
     std::size_t order;
     std::unique_ptr<BlockedCholesky::Visitor> visitor;
+    Pause pause;
     std::vector<double> block;
 };
 
@@ -121,9 +193,20 @@ void BlockedCholesky::solveLower(double* columns, std::size_t count) const
         small->solveLower(columns, count);
         return;
     }
-    const int rows = static_cast<int>(size);
-    cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, rows,
-                static_cast<int>(count), 1.0, matrix.data(), rows, columns, rows);
+    if (!isSplit()) {
+        solveTriangle(CblasNoTrans, matrix.data(), size, size, columns, count, size);
+        return;
+    }
+    substitute(matrix.data(), size, size, columns, count, size, [this] { tell(0.0); });
+}
+
+void BlockedCholesky::solveTransposed(double* columns, std::size_t count) const
+{
+    if (!isSplit()) {
+        solveTriangle(CblasTrans, matrix.data(), size, size, columns, count, size);
+        return;
+    }
+    substituteBack(matrix.data(), size, size, columns, count, size, [this] { tell(0.0); });
 }
 
 bool BlockedCholesky::factoriseBlocks()
@@ -187,13 +270,21 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
         visitor->handOver();
         return;
     }
+    const Pause pause = [this] { tell(0.0); };
+    bool isFirst = true; // the one on the calling thread
+    const auto makeWorker = [&] {
+        Pause ofWorker = isFirst ? pause : nullptr;
+        isFirst = false;
+        return std::make_unique<InverseWorker>(matrix.data(), size, makeVisitor(),
+                                               std::move(ofWorker));
+    };
     OrderedChunks::run(
-        blocksIn(size, inverseColumns), threadCount,
-        [&] { return std::make_unique<InverseWorker>(matrix.data(), size, makeVisitor()); },
+        blocksIn(size, inverseColumns), threadCount, makeWorker,
         [&](std::size_t chunk) {
             const auto rows = static_cast<double>(size - chunk * inverseColumns);
             tell(threadCount * rows * rows * static_cast<double>(inverseColumns));
-        });
+        },
+        pause);
 }
 
 void BlockedCholesky::forColumns(double multiplications,

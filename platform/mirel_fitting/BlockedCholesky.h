@@ -40,8 +40,11 @@ public:
     /** @return false if the matrix is not positive definite in double precision. */
     bool factorise();
 
-    /** Columns of order() elements become the inverse of the factor times them. */
+    /** Columns of order() elements become the inverse of the factor times them. Reports. */
     void solveLower(double* columns, std::size_t count) const;
+
+    /** The same with the transposed factor. */
+    void solveTransposed(double* columns, std::size_t count) const;
 
     /** Takes the columns of the inverse, from the diagonal downwards, a block at a time. */
     class Visitor

@@ -1,6 +1,7 @@
 #include <mirel_fitting/OrderedChunks.h>
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
@@ -16,7 +17,8 @@ public:
     explicit Schedule(std::size_t chunks) : chunks(chunks) {}
 
     /** Takes chunks until there are none, or something failed. */
-    void work(OrderedChunks::Worker& worker, const std::function<void(std::size_t)>& report)
+    void work(OrderedChunks::Worker& worker, const std::function<void(std::size_t)>& report,
+              const std::function<void()>& pause)
     {
         try {
             for (std::size_t chunk = take(); chunk < chunks; chunk = take()) {
@@ -24,7 +26,7 @@ public:
                     report(chunk);
                 }
                 worker.compute(chunk);
-                if (!waitForTurn(chunk)) {
+                if (!waitForTurn(chunk, pause)) {
                     return;
                 }
                 worker.handOver(chunk);
@@ -50,10 +52,18 @@ private:
     }
 
     // The earliest chunk that is not handed over has been taken by a thread that does not wait.
-    bool waitForTurn(std::size_t chunk)
+    bool waitForTurn(std::size_t chunk, const std::function<void()>& pause)
     {
+        constexpr std::chrono::milliseconds patience(50);
+
         std::unique_lock<std::mutex> lock(mutex);
-        changed.wait(lock, [&] { return turn == chunk || failure; });
+        while (!changed.wait_for(lock, patience, [&] { return turn == chunk || failure; })) {
+            if (pause) {
+                lock.unlock(); // it may take its time, and throw
+                pause();
+                lock.lock();
+            }
+        }
         return !failure;
     }
 
@@ -87,7 +97,8 @@ OrderedChunks::Worker::~Worker() = default;
 
 void OrderedChunks::run(std::size_t chunks, int threads,
                         const std::function<std::unique_ptr<Worker>()>& makeWorker,
-                        const std::function<void(std::size_t chunk)>& report)
+                        const std::function<void(std::size_t chunk)>& report,
+                        const std::function<void()>& pause)
 {
     const std::size_t used =
         std::clamp<std::size_t>(chunks, 1, static_cast<std::size_t>(std::max(threads, 1)));
@@ -102,13 +113,14 @@ void OrderedChunks::run(std::size_t chunks, int threads,
     others.reserve(used);
     try {
         for (std::size_t k = 1; k < used; ++k) {
-            others.emplace_back(
-                [&schedule, worker = workers[k].get()] { schedule.work(*worker, nullptr); });
+            others.emplace_back([&schedule, worker = workers[k].get()] {
+                schedule.work(*worker, nullptr, nullptr);
+            });
         }
     } catch (const std::system_error&) {
         // The machine gives no more threads: those that there are take all chunks.
     }
-    schedule.work(*workers[0], report);
+    schedule.work(*workers[0], report, pause);
     for (std::thread& other : others) {
         other.join();
     }

@@ -30,9 +30,12 @@ public:
      * @param threads    the calling one included; no more are used than there are chunks.
      * @param makeWorker is called on the calling thread, once per thread used.
      * @param report     is called on the calling thread before each chunk that it takes; ascending.
+     * @param pause      is called on the calling thread about every 50 ms while that waits for
+     *                   the others.
      * What any of them throws ends the work, and is thrown from here.
      */
     static void run(std::size_t chunks, int threads,
                     const std::function<std::unique_ptr<Worker>()>& makeWorker,
-                    const std::function<void(std::size_t chunk)>& report);
+                    const std::function<void(std::size_t chunk)>& report,
+                    const std::function<void()>& pause = nullptr);
 };

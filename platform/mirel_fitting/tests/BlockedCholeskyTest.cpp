@@ -148,6 +148,35 @@ TEST_P(BlockedCholeskyOfOrder, RefusesAnIndefiniteMatrix)
     EXPECT_FALSE(cholesky.factorise());
 }
 
+TEST_P(BlockedCholeskyOfOrder, SolvesWithTheFactorAndItsTranspose)
+{
+    const std::size_t n = GetParam();
+    const BlockedCholesky cholesky = factorised(n, 1);
+    const SingleThreadedBlas singleThreaded;
+    for (const std::size_t count : {1, 3}) {
+        std::vector<double> expected;
+        for (std::size_t i = 0; i < n * count; ++i) {
+            expected.push_back(static_cast<double>((7 * i) % 13) - 6.0);
+        }
+        std::vector<double> columns(n * count, 0.0); // the matrix times them
+        for (std::size_t c = 0; c < count; ++c) {
+            for (std::size_t i = 0; i < n; ++i) {
+                for (std::size_t j = 0; j < n; ++j) {
+                    columns[c * n + i] += element(i, j) * expected[c * n + j];
+                }
+            }
+        }
+
+        cholesky.solveLower(columns.data(), count);
+        cholesky.solveTransposed(columns.data(), count);
+
+        for (std::size_t i = 0; i < n * count; ++i) {
+            // The condition of the matrix is about 400.
+            EXPECT_NEAR(columns[i], expected[i], 1e-10) << count << ", " << i;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Orders, BlockedCholeskyOfOrder, testing::Values(small, medium, large));
 
 TEST(BlockedCholesky, GivesTheSameBitsOnAnyNumberOfThreads)
@@ -186,6 +215,21 @@ TEST(BlockedCholesky, ReportsWhileItWorks)
 
     EXPECT_GT(reports, 5);
     EXPECT_NEAR(work / cube, 1.0 / 3.0, 0.1);
+}
+
+TEST(BlockedCholesky, ReportsWhileItSolves)
+{
+    int reports = 0;
+    const BlockedCholesky cholesky = factorised(large, 1, [&](double) { ++reports; });
+    const SingleThreadedBlas singleThreaded;
+    std::vector<double> column(large, 1.0);
+    reports = 0;
+
+    cholesky.solveLower(column.data(), 1);
+    EXPECT_GE(reports, 2);
+    reports = 0;
+    cholesky.solveTransposed(column.data(), 1);
+    EXPECT_GE(reports, 2);
 }
 
 TEST(BlockedCholesky, EndsInTheMiddleWhenTheReportThrows)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -106,4 +107,48 @@ TEST(OrderedChunks, EndsWhenTheReportThrows)
                      [](std::size_t) { throw std::logic_error("enough"); }),
                  std::logic_error);
     EXPECT_TRUE(order.empty());
+}
+
+namespace {
+
+/** Works on the calling thread until another has begun, and on others until the caller pauses. */
+class Slow : public OrderedChunks::Worker
+{
+public:
+    Slow(std::atomic<bool>& hasOtherBegun, std::atomic<bool>& hasPaused)
+        : hasOtherBegun(hasOtherBegun), hasPaused(hasPaused)
+    {}
+
+    void compute(std::size_t /*chunk*/) override
+    {
+        const bool isCaller = std::this_thread::get_id() == caller;
+        hasOtherBegun = hasOtherBegun || !isCaller;
+        while (!(isCaller ? hasOtherBegun : hasPaused)) {
+            std::this_thread::yield();
+        }
+    }
+    void handOver(std::size_t /*chunk*/) override {}
+
+private:
+    const std::thread::id caller = std::this_thread::get_id(); // makes the workers
+    std::atomic<bool>& hasOtherBegun;
+    std::atomic<bool>& hasPaused;
+};
+
+} // namespace
+
+TEST(OrderedChunks, PausesWhileItWaitsForOthers)
+{
+    std::atomic<bool> hasOtherBegun{false};
+    std::atomic<bool> hasPaused{false};
+    std::thread::id where;
+
+    OrderedChunks::run(
+        3, 2, [&] { return std::make_unique<Slow>(hasOtherBegun, hasPaused); }, nullptr,
+        [&] {
+            where = std::this_thread::get_id();
+            hasPaused = true;
+        });
+
+    EXPECT_EQ(where, std::this_thread::get_id());
 }
