@@ -33,7 +33,7 @@ public:
         double totalSquares = 0.0; ///< about the mean
         double residualSquares = 0.0;
         double press = 0.0; ///< sum of the squared residuals that leaving out each case would give
-        /** Of each of sampledRows(): the output as given, and what it lies above the polynomial,
+        /** Of each sampled case: the output as given, and what it lies above the polynomial,
          *  in units of `scale`. */
         std::vector<double> values;
         std::vector<double> residuals;
@@ -71,6 +71,7 @@ public:
     /** Whether the cases can separate the term from those before it; lower orders come before
      *  higher ones, and squares before products. The constant is always kept. */
     bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
+
     /** What the terms that the cases cannot separate are made of; terms with an input that is
      *  dropped, or constant, are not among them. The first of them, if there are many. */
     const std::vector<Dependence>& dependences() const { return dependentTerms; }
