@@ -22,6 +22,7 @@
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/PredictionIntervalInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
@@ -480,6 +481,18 @@ std::vector<OutputFit> CaseSession::fits()
             }
         }
         results.push_back(std::move(result));
+    }
+    return results;
+}
+
+std::vector<ResponseSurfaceStatistics> CaseSession::statistics()
+{
+    const auto* const model = dynamic_cast<const ResponseSurfaceStatisticsInterface*>(&fit());
+    std::vector<ResponseSurfaceStatistics> results;
+    if (model != nullptr) {
+        for (const VarPtr& output : impl->state.outputs) {
+            results.push_back(model->responseSurfaceStatistics(impl->offsetOf(output)));
+        }
     }
     return results;
 }

@@ -24,6 +24,7 @@ class ProjectDocument;
 class SurrogateModelInterface;
 class SurrogateModelManagerInterface;
 class vtkTable;
+struct ResponseSurfaceStatistics;
 struct ExportedModel;
 
 /** What fitting one output came to. */
@@ -159,6 +160,10 @@ public:
 
     /** What the fit came to, one per output. @throw SurrogateModelInterface::Error */
     std::vector<OutputFit> fits();
+
+    /** The statistics of a response surface, one per output; none at all of another model.
+     *  @throw SurrogateModelInterface::Error */
+    std::vector<ResponseSurfaceStatistics> statistics();
 
     /**
      * Every combination of the inputs' values with the outputs there: a column per input, then one

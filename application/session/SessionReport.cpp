@@ -2,6 +2,7 @@
 
 #include "session/NumberText.h"
 #include "session/SessionJson.h"
+#include "session/StatisticsTables.h"
 #include "session/TextTable.h"
 #include "session/VariableNames.h"
 
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 using SessionJson::casesJson;
@@ -179,43 +181,13 @@ Json fitJson(const OutputFit& fit)
     return json;
 }
 
-std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs)
+std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs,
+                    const ResponseSurfaceStatistics* statistics)
 {
     TextTable table({false, false});
-    const FitMetrics& metrics = fit.metrics;
-    if (fit.kriging) {
-        const KrigingReport& report = *fit.kriging;
-        table.add({"RMSE at the cases", shownNumber(metrics.rmse)});
-        table.add({"leave-one-out RMSE", shownNumber(metrics.looRmse)});
-        table.add({"Q2", shownNumber(metrics.q2)});
-        table.add({"log-likelihood", shownNumber(report.logLikelihood)});
-        if (!std::isnan(report.secondLogLikelihood)) {
-            table.add({"of the second-best maximum", shownNumber(report.secondLogLikelihood)});
-        }
-        table.add({"process variance", shownNumber(report.processVariance)});
-        table.add({"nugget", shownNumber(report.nugget) + " of the process variance"});
-        if (report.noiseDeviation > 0.0) {
-            table.add({"noise, standard deviation", shownNumber(report.noiseDeviation)});
-        }
-        table.add({"condition of the correlations", shownNumber(report.condition)});
-        table.add({"trend", joined(report.trendTerms)});
-        for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
-            table.add({"correlation length of " + inputs[i],
-                       shownNumber(report.correlationLengths[i]) + boundText(report, i)});
-        }
-        for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
-            table.add({"left out, case " + std::to_string(worst.row + 1),
-                       shownNumber(worst.predicted) + " instead of " + shownNumber(worst.output)});
-        }
-    } else {
-        table.add({"R2", shownNumber(metrics.r2)});
-        table.add({"adjusted R2", shownNumber(metrics.adjustedR2)});
-        table.add({"predicted R2", shownNumber(metrics.predictedR2)});
-        table.add({"RMSE", shownNumber(metrics.rmse)});
-        table.add({"PRESS", shownNumber(metrics.press)});
-        table.add({"coefficients", std::to_string(metrics.terms)});
+    for (const auto& [name, figure] : SessionReport::figures(fit, inputs, statistics)) {
+        table.add({name, figure});
     }
-
     std::string text = '\n' + fit.name + '\n' + table.text("  ");
     for (const std::string& warning : fit.warnings) {
         text += "  Warning: " + warning + '\n';
@@ -280,9 +252,58 @@ std::string SessionReport::summaryJson(const CaseSession& session)
     return dumped(json);
 }
 
+std::vector<std::pair<std::string, std::string>>
+SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inputs,
+                       const ResponseSurfaceStatistics* statistics)
+{
+    std::vector<std::pair<std::string, std::string>> figures;
+    const FitMetrics& metrics = fit.metrics;
+    if (fit.kriging) {
+        const KrigingReport& report = *fit.kriging;
+        figures.push_back({"RMSE at the cases", shownNumber(metrics.rmse)});
+        figures.push_back({"leave-one-out RMSE", shownNumber(metrics.looRmse)});
+        figures.push_back({"Q2", shownNumber(metrics.q2)});
+        figures.push_back({"log-likelihood", shownNumber(report.logLikelihood)});
+        if (!std::isnan(report.secondLogLikelihood)) {
+            figures.push_back(
+                {"of the second-best maximum", shownNumber(report.secondLogLikelihood)});
+        }
+        figures.push_back({"process variance", shownNumber(report.processVariance)});
+        figures.push_back({"nugget", shownNumber(report.nugget) + " of the process variance"});
+        if (report.noiseDeviation > 0.0) {
+            figures.push_back({"noise, standard deviation", shownNumber(report.noiseDeviation)});
+        }
+        figures.push_back({"condition of the correlations", shownNumber(report.condition)});
+        figures.push_back({"trend", joined(report.trendTerms)});
+        for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
+            figures.push_back({"correlation length of " + inputs[i],
+                               shownNumber(report.correlationLengths[i]) + boundText(report, i)});
+        }
+        for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
+            figures.push_back(
+                {"left out, case " + std::to_string(worst.row + 1),
+                 shownNumber(worst.predicted) + " instead of " + shownNumber(worst.output)});
+        }
+    } else {
+        figures.push_back({"R2", shownNumber(metrics.r2)});
+        figures.push_back({"adjusted R2", shownNumber(metrics.adjustedR2)});
+        figures.push_back({"predicted R2", shownNumber(metrics.predictedR2)});
+        figures.push_back({"RMSE", shownNumber(metrics.rmse)});
+        figures.push_back({"PRESS", shownNumber(metrics.press)});
+        if (statistics != nullptr) {
+            figures.push_back({"AICc", shownNumber(statistics->aicc)});
+            figures.push_back({"residual degrees of freedom",
+                               std::to_string(statistics->residualDegreesOfFreedom)});
+        }
+        figures.push_back({"coefficients", std::to_string(metrics.terms)});
+    }
+    return figures;
+}
+
 std::string SessionReport::fitText(CaseSession& session)
 {
     const std::vector<OutputFit> fits = session.fits();
+    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + caseText(session) + '\n';
     text += std::string("Model   ") +
@@ -293,8 +314,11 @@ std::string SessionReport::fitText(CaseSession& session)
         legend.push_back(input + " (V" + std::to_string(legend.size() + 1) + ')');
     }
     text += "Inputs  " + joined(legend) + '\n';
-    for (const OutputFit& fit : fits) {
-        text += ::fitText(fit, inputs);
+    for (std::size_t i = 0; i < fits.size(); ++i) {
+        text += ::fitText(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i]);
+        if (!statistics.empty()) {
+            text += StatisticsTables::text(statistics[i], inputs);
+        }
     }
     return text;
 }
@@ -306,9 +330,17 @@ std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
         json = Json::parse(session.exportedReport());
     } else {
         const std::vector<OutputFit> fits = session.fits();
+        const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+        const std::vector<std::string> inputs = namesOf(session.inputs());
         json = modelJson(session);
-        for (const OutputFit& fit : fits) {
-            json["outputs"].push_back(::fitJson(fit));
+        for (std::size_t i = 0; i < fits.size(); ++i) {
+            Json output = ::fitJson(fits[i]);
+            if (!statistics.empty()) {
+                output["metrics"]["press"] = statistics[i].press;
+                output["metrics"]["aicc"] = statistics[i].aicc;
+                output.update(StatisticsTables::json(statistics[i], inputs));
+            }
+            json["outputs"].push_back(std::move(output));
         }
     }
     if (!session.extrapolation().empty()) {

@@ -5,6 +5,8 @@
 #include <surrogate_session/Export.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 /**
  * What a session has to say, as text for people and as JSON for programs.
@@ -19,6 +21,13 @@ SURROGATE_SESSION_EXPORT std::string summaryJson(const CaseSession& session);
 
 /** The fit of each output; fits first if need be. @throw SurrogateModelInterface::Error */
 SURROGATE_SESSION_EXPORT std::string fitText(CaseSession& session);
+
+/** The figures of one output's fit, each with its name, as fitText() shows them.
+ *  @param inputs     the names of the model's inputs.
+ *  @param statistics of a response surface; null if there are none. */
+SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
+figures(const OutputFit& fit, const std::vector<std::string>& inputs,
+        const ResponseSurfaceStatistics* statistics);
 
 /** @param readSeconds the time that reading the case file took. */
 SURROGATE_SESSION_EXPORT std::string fitJson(CaseSession& session, double readSeconds);

@@ -87,9 +87,10 @@ TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
               Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
-    EXPECT_EQ(keysOf(json["outputs"][0]), (Keys{"metrics", "name", "warnings"}));
+    EXPECT_EQ(keysOf(json["outputs"][0]), (Keys{"anova", "codedCoefficients", "coefficients",
+                                                "metrics", "name", "stationaryPoint", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
-              (Keys{"adjustedR2", "predictedR2", "r2", "rmse"}));
+              (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "rmse"}));
     EXPECT_EQ(json["outputs"][1]["name"], "Stress");
     EXPECT_EQ(keysOf(json["seconds"]), (Keys{"evaluate", "fit", "read"}));
     EXPECT_EQ(json["seconds"]["read"], 0.25);
@@ -136,7 +137,10 @@ TEST(SessionReport, FitTextTellsMetricsAndModel)
                          0),
               0u)
         << text;
-    EXPECT_NE(text.find("  coefficients  6\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n  residual degrees of freedom  5\n"
+                        "  coefficients                 6\n"),
+              std::string::npos)
+        << text;
 }
 
 TEST(SessionReport, KrigingFitTextNamesTheInputOfEachLength)
