@@ -122,6 +122,7 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--size", line.size);
     app.add_option("--threads", words.threads);
     app.add_option("--folds", words.folds);
+    app.add_option("--report", line.report);
     app.add_option("--interval", words.interval);
     app.add_flag("--json", line.asJson);
     app.add_flag("-q,--quiet", line.isQuiet);
@@ -221,6 +222,9 @@ void checkCombination(const CommandLine& line)
             "Only the response surface has equations: leave out -m kriging.");
     require(!line.model || line.command != CommandLine::Compare,
             "The command compare takes both models: leave out -m.");
+    require(line.report.empty() || line.command == CommandLine::Fit,
+            "--report belongs to the command fit.");
+    require(line.report != "-", "--report needs the name of a file for the page.");
     require(!line.interval || line.command == CommandLine::Evaluate ||
                 line.command == CommandLine::Predict,
             "--interval belongs to the commands evaluate and predict.");

@@ -45,6 +45,7 @@ struct CommandLine
     std::string output = "-";
     std::string kind;                 ///< of a picture
     std::optional<std::string> size;  ///< of a picture
+    std::string report;               ///< of fit: the page to be written
     std::optional<double> interval;   ///< percent, above 0 and below 100
     std::optional<std::size_t> folds; ///< of compare
     bool asJson = false;

@@ -30,6 +30,25 @@ bool isSameFile(const std::string& left, const std::string& right)
            std::filesystem::equivalent(left, right, ignored);
 }
 
+namespace {
+/** The page of a fit must replace nothing that is read or written beside it. */
+void checkReport(const CommandLine& line)
+{
+    for (const std::string& input : {line.subject, line.cases}) {
+        if (isSameFile(input, line.report)) {
+            throw UsageError("The report would replace \"" + input +
+                             "\", which is read; name another file.");
+        }
+    }
+    for (const std::string& output : {line.output, line.save}) {
+        if (line.report == output || isSameFile(line.report, output)) {
+            throw UsageError("The report and another output cannot both be \"" + output + "\".");
+        }
+    }
+    OutputFile::check(line.report);
+}
+} // namespace
+
 void checkOutput(const CommandLine& line)
 {
     for (const std::string& input : {line.subject, line.cases, line.points}) {
@@ -45,6 +64,9 @@ void checkOutput(const CommandLine& line)
         }
     }
     OutputFile::check(line.output);
+    if (!line.report.empty()) {
+        checkReport(line);
+    }
     if (!line.save.empty()) {
         if (line.save == line.output || isSameFile(line.save, line.output)) {
             throw UsageError("The output and the project cannot both be \"" + line.save + "\".");

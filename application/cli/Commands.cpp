@@ -4,6 +4,7 @@
 #include "CommandOutput.h"
 #include "CompareCommand.h"
 #include "ExportCommand.h"
+#include "FitReport.h"
 #include "HelpText.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
@@ -75,6 +76,9 @@ void runFit(const CommandLine& line)
     {
         const TerminalProgress progress(line.isQuiet);
         open.session.fit();
+    }
+    if (!line.report.empty()) {
+        writeFitReport(open.session, line.report);
     }
     open.save(line);
     writeText(line.output, line.asJson ? SessionReport::fitJson(open.session, open.readSeconds)

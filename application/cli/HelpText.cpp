@@ -70,6 +70,10 @@ Values (evaluate, plot)
   --at NAME=VALUE     one value
   An input with none of them stays at its minimum.
 
+Report (fit)
+  --report FILE.html   also writes a page with the figures, statistics, equations and pictures of
+                   each output, which stands alone and can be printed
+
 Intervals (evaluate, predict)
   --interval P     two columns more after the one of each output, "NAME lower" and "NAME upper":
                    between them P percent (95, say) of further cases at the point would lie, their

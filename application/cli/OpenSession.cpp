@@ -155,6 +155,10 @@ void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
 CaseSession openProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
+    if (isSameFile(document.caseFile.path, line.report)) {
+        throw UsageError("The report would replace \"" + document.caseFile.path +
+                         "\", the project's case file; name another file.");
+    }
     if (isSameFile(document.caseFile.path, line.output)) {
         throw UsageError("The output would replace \"" + document.caseFile.path +
                          "\", the project's case file; name another file.");

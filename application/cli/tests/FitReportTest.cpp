@@ -1,0 +1,56 @@
+// The page of a fit as users get it.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+std::size_t occurrences(const std::string& text, const std::string& part)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+} // namespace
+
+TEST_F(Program, FitWritesAPageWithPictures)
+{
+    const Outcome outcome =
+        run("fit cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity --report fit.html");
+
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.out.rfind("Cases   11 read", 0), 0u) << "the text comes all the same";
+    const std::string html = folder.read("fit.html");
+    EXPECT_EQ(occurrences(html, "<svg "), 6u) << "actual, residuals and coefficients of each";
+    EXPECT_EQ(occurrences(html, "</svg>"), 6u);
+    EXPECT_EQ(occurrences(html, "<?xml"), 0u);
+    EXPECT_EQ(occurrences(html, "<script"), 0u);
+    EXPECT_EQ(occurrences(html, "href="), 0u);
+}
+
+TEST_F(Program, TheSameFitWritesTheSamePage)
+{
+    run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report one.html");
+    run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report two.html");
+
+    EXPECT_EQ(occurrences(folder.read("one.html"), "<svg "), 2u);
+    EXPECT_EQ(folder.read("one.html"), folder.read("two.html"));
+}
+
+TEST_F(Program, ThePageReplacesNothingThatIsNeeded)
+{
+    expectFailure("fit cvd.csv -y Stress --report cvd.csv", 2,
+                  "The report would replace \"cvd.csv\", which is read; name another file.");
+    expectFailure("fit cvd.csv -y Stress --report a.html -o a.html", 2,
+                  "The report and another output cannot both be \"a.html\".");
+    expectFailure("fit cvd.csv -y Stress --report -", 2,
+                  "--report needs the name of a file for the page.");
+    expectFailure("evaluate cvd.csv -y Stress --report a.html", 2,
+                  "--report belongs to the command fit.");
+    EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);
+}
