@@ -7,6 +7,7 @@
 #include <session/SessionErrors.h>
 
 #include <QBuffer>
+#include <QHash>
 #include <QImage>
 #include <QMarginsF>
 #include <QPageLayout>
@@ -96,6 +97,16 @@ QByteArray withSizeInPixels(QByteArray svg, const QSize& size)
                     QByteArray::number(size.height()) + "\" ");
     return svg;
 }
+/** The toolkit writes the fonts of a document in the order of a hash table, which it draws anew in
+ *  each process; while this lives it is always the same. */
+class FixedHashOrder
+{
+public:
+    FixedHashOrder() { qSetGlobalQHashSeed(0); }
+    ~FixedHashOrder() { qSetGlobalQHashSeed(-1); }
+    FixedHashOrder(const FixedHashOrder&) = delete;
+    FixedHashOrder& operator=(const FixedHashOrder&) = delete;
+};
 } // namespace
 
 class Picture::Impl
@@ -199,6 +210,7 @@ std::string Picture::toPng() const
 
 std::string Picture::toPdf() const
 {
+    const FixedHashOrder fixedOrder;
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);

@@ -7,6 +7,7 @@
 
 #include <session/SessionErrors.h>
 
+#include <QHash>
 #include <QImage>
 #include <gtest/gtest.h>
 
@@ -429,6 +430,21 @@ TEST(Picture, TheTimeZoneIsNotInAPdf)
     qunsetenv("TZ");
 
     EXPECT_EQ(there, elsewhere);
+}
+
+TEST(Picture, TheOrderOfFontsInAPdfIsAlwaysTheSame)
+{
+    // A letter of mathematics and a sign that few fonts have: where they are installed, the
+    // document holds several.
+    SweepPicture picture = sweep();
+    picture.inputName = "y \360\235\222\263 \342\214\230 \352\234\261";
+    std::vector<std::string> documents;
+    for (int i = 0; i < 8; ++i) {
+        qSetGlobalQHashSeed(-1);
+        documents.push_back(Picture({picture}).toPdf());
+    }
+
+    EXPECT_EQ(documents, std::vector<std::string>(8, documents[0]));
 }
 
 TEST(Picture, TheEndingOfTheNameDecidesTheFormat)
