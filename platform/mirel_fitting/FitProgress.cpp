@@ -9,6 +9,9 @@ class FitProgress::Impl
 public:
     Report report;
     FitProgress* outer = nullptr;
+    // The portion of the fit that the outer one hears of.
+    double outerStart = 0.0;
+    double outerSize = 1.0;
 };
 
 namespace {
@@ -25,12 +28,19 @@ FitProgress::FitProgress(Report report) : impl(std::make_unique<Impl>())
 {
     impl->report = std::move(report);
     impl->outer = newest;
+    impl->outerStart = portionStart;
+    impl->outerSize = portionSize;
     newest = this;
+    // A report may itself run a fit: that is a whole again.
+    portionStart = 0.0;
+    portionSize = 1.0;
 }
 
 FitProgress::~FitProgress()
 {
     newest = impl->outer;
+    portionStart = impl->outerStart;
+    portionSize = impl->outerSize;
 }
 
 void FitProgress::report(double fraction, const std::string& message)

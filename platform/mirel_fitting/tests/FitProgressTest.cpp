@@ -75,3 +75,26 @@ TEST(FitProgress, TellsThePortionsOfAFitAsPartsOfTheWhole)
 
     EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.875}));
 }
+
+TEST(FitProgress, HearsAFitThatAnotherReportRunsAsAWhole)
+{
+    std::vector<double> outerFractions;
+    std::vector<double> innerFractions;
+    FitProgress outer([&](double fraction, const std::string&) {
+        FitProgress inner([&](double ofInner, const std::string&) {
+            innerFractions.push_back(ofInner);
+            return true;
+        });
+        FitProgress::report(0.5, "");
+        outerFractions.push_back(fraction);
+        return true;
+    });
+    {
+        const FitProgress::Portion second(0.5, 1.0);
+        FitProgress::report(0.0, "");
+        FitProgress::report(1.0, "");
+    }
+
+    EXPECT_EQ(innerFractions, (std::vector<double>{0.5, 0.5}));
+    EXPECT_EQ(outerFractions, (std::vector<double>{0.5, 1.0}));
+}
