@@ -253,11 +253,19 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
 {
     if (parts.neighbours) {
         neighbourErrors(columns, count, ofObservation, result);
-        return;
+        raiseOutside(columns, count, ofObservation, result);
+    } else {
+        exactErrors(columns, count, ofObservation, result);
     }
+}
+
+/** Those of the exact model, of the subset if there are neighbours. */
+void KrigingPredictor::exactErrors(const std::vector<double*>& columns, std::size_t count,
+                                   bool ofObservation, double* result) const
+{
     const SingleThreadedBlas singleThreaded;
     if (!variance) {
-        variance = std::make_shared<KrigingVariance>(parts);
+        variance = std::make_shared<KrigingVariance>(partsOfProcess());
     }
     const double noise = ofObservation ? variance->noise() : 0.0;
     const auto makeWorker = [&] {
@@ -275,6 +283,19 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
         });
     };
     OrderedChunks::run((count + blockSize - 1) / blockSize, threadCount(), makeWorker, nullptr);
+}
+
+/** With the correlation of the subset's process, also where it is no part of the prediction. */
+KrigingPredictor::Parts KrigingPredictor::partsOfProcess() const
+{
+    Parts result = parts;
+    if (parts.neighbours) {
+        auto correlation = std::make_shared<MaternCorrelation>(
+            parts.data->cases, parts.inputs.size(), parts.data->coordinates.data());
+        correlation->setLengths(parts.corrected.lengths);
+        result.correlation = std::move(correlation);
+    }
+    return result;
 }
 
 /**
@@ -302,4 +323,50 @@ void KrigingPredictor::neighbourErrors(const std::vector<double*>& columns, std:
             result[first + i] = parts.scale * std::sqrt(squared) + block.notFinite[i];
         }
     }
+}
+
+/**
+ * Outside of the ranges of the cases the errors are no less than those of the subset's exact model:
+ * neighbours do not know what the trend, estimated between the cases, is worth out there.
+ */
+void KrigingPredictor::raiseOutside(const std::vector<double*>& columns, std::size_t count,
+                                    bool ofObservation, double* result) const
+{
+    constexpr std::size_t mostAtOnce = 64 * blockSize;
+
+    std::vector<std::size_t> outside;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (isOutside(columns, i)) {
+            outside.push_back(i);
+        }
+        if (outside.empty() || (outside.size() < mostAtOnce && i + 1 < count)) {
+            continue;
+        }
+        std::vector<std::vector<double>> values(columns.size());
+        std::vector<double*> points;
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            for (const std::size_t index : outside) {
+                values[k].push_back(columns[k][index]);
+            }
+            points.push_back(values[k].data());
+        }
+        std::vector<double> errors(outside.size());
+        exactErrors(points, errors.size(), ofObservation, errors.data());
+        for (std::size_t j = 0; j < errors.size(); ++j) {
+            // NaN stays.
+            result[outside[j]] = std::max(result[outside[j]], errors[j]);
+        }
+        outside.clear();
+    }
+}
+
+bool KrigingPredictor::isOutside(const std::vector<double*>& columns, std::size_t point) const
+{
+    for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
+        const double u = parts.coordinate(k, columns[parts.inputs[k]][point]);
+        if (u < 0.0 || u > 1.0) {
+            return true;
+        }
+    }
+    return false;
 }

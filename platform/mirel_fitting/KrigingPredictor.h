@@ -29,7 +29,7 @@ public:
         /** Added to that sum; null: nothing. */
         std::shared_ptr<const NearestNeighbourKriging> neighbours;
         double neighbourVariance = 0.0; ///< of their process, for the standardised output
-        /** What they correct: the process by which errors grow where no case is near. */
+        /** The subset's process, by which errors grow where no case is near. */
         NearestNeighbourKriging::Parameters corrected;
         double correctedVariance = 0.0; ///< 0: nothing
         double offset = 0.0;
@@ -80,8 +80,10 @@ public:
 
     /**
      * Standard errors in the output's unit, NaN where a prediction is NaN. The first call
-     * factorises the correlation matrix of the cases and keeps the factor: n^3 / 3 multiplications
-     * and n^2 numbers for n cases; each point costs n^2. Threads as for predict().
+     * factorises the correlation matrix of the cases and keeps the factor: n^3 / 6 multiplications
+     * and n^2 numbers for n cases; each point costs n^2. Where neighbours correct a subset or
+     * replace it, that is so for points outside of the ranges of the cases, and n is the subset's
+     * size. Threads as for predict().
      * @param ofObservation whether to include the noise of a new case.
      */
     void standardErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
@@ -94,8 +96,14 @@ private:
                      double* result) const;
     void addNeighbours(const std::vector<double*>& columns, std::size_t first, std::size_t count,
                        double* result) const;
+    void exactErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
+                     double* result) const;
+    Parts partsOfProcess() const;
     void neighbourErrors(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
                          double* result) const;
+    void raiseOutside(const std::vector<double*>& columns, std::size_t count, bool ofObservation,
+                      double* result) const;
+    bool isOutside(const std::vector<double*>& columns, std::size_t point) const;
 
     Parts parts;
     mutable std::shared_ptr<const KrigingVariance> variance; // made when first wanted

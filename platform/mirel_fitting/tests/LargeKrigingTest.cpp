@@ -431,6 +431,39 @@ TEST(LargeKriging, HasLargerStandardErrorsWhereNoCaseIsNear)
     }
 }
 
+TEST(LargeKriging, HasTheStandardErrorsOfTheSubsetFarOutside)
+{
+    const Columns inputs = latinHypercube(1200, 3, 3);
+    const std::vector<double> output = valuesOf(hill, inputs);
+    const KrigingOptions options = manyAreMoreThan(300);
+    KrigingOptions alone = options;
+    alone.sizes.neighbours = 0;
+    const KrigingFit fit = fitOf(inputs, output, options);
+    const KrigingFit ofSubset = fitOf(inputs, output, alone);
+    // Every other point lies between the cases; the others 2, 20 and 200 ranges beyond them.
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    Columns points = {{0.5, 3.0, 0.4, -20.0, 0.3, 0.5, 200.0, nan},
+                      {0.5, 0.5, 0.6, 0.5, 0.2, 0.5, 0.5, 0.5},
+                      {0.5, 0.5, 0.5, 0.5, 0.7, 0.5, 0.5, 5.0}};
+    std::vector<double> errors(8);
+    std::vector<double> errorsOfSubset(8);
+
+    fit.predictor.standardErrors(pointersTo(points), 8, false, errors.data());
+    ofSubset.predictor.standardErrors(pointersTo(points), 8, false, errorsOfSubset.data());
+
+    ASSERT_TRUE(mentions(fit, "corrected by"));
+    for (const std::size_t outside : {1u, 3u, 6u}) {
+        EXPECT_GE(errors[outside], errorsOfSubset[outside]) << outside;
+    }
+    for (const std::size_t inside : {0u, 2u, 4u, 5u}) {
+        EXPECT_LT(errors[inside], 0.01 * errors[1]) << inside;
+    }
+    // What the slopes of the trend may be wrong by grows with the distance, without bounds.
+    EXPECT_EQ(errors[6], errorsOfSubset[6]);
+    EXPECT_GT(errors[6], 5.0 * errors[3]);
+    EXPECT_TRUE(std::isnan(errors[7]));
+}
+
 TEST(LargeKriging, HasTheGradientOfItsPredictions)
 {
     const Columns inputs = latinHypercube(700, 3, 3);
