@@ -280,9 +280,11 @@ SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inp
                                shownNumber(report.correlationLengths[i]) + boundText(report, i)});
         }
         for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
-            figures.push_back(
-                {"left out, case " + std::to_string(worst.row + 1),
-                 shownNumber(worst.predicted) + " instead of " + shownNumber(worst.output)});
+            constexpr int fewestDigits = 6;
+            const int digits = worst.digits(fewestDigits);
+            figures.push_back({"left out, case " + std::to_string(worst.row + 1),
+                               shownNumber(worst.predicted, digits) + " instead of " +
+                                   shownNumber(worst.output, digits)});
         }
     } else {
         figures.push_back({"R2", shownNumber(metrics.r2)});

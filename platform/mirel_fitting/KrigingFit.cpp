@@ -48,6 +48,14 @@ std::vector<double> ascending(std::vector<double> values)
     return values;
 }
 
+/** Of an output of the value offset + scale * standardised, in that scale. */
+double roundingOf(double standardised, double offset, double scale)
+{
+    constexpr double units = 64.0; // in the last place
+    return units * std::numeric_limits<double>::epsilon() *
+           (1.0 + std::fabs(offset / scale + standardised));
+}
+
 bool hasScatter(const KrigingData& merged)
 {
     return std::any_of(merged.scatter.begin(), merged.scatter.end(),
@@ -514,8 +522,7 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
     std::vector<double> explained(all.cases, 0.0);
     trend->add(points, all.cases, coefficients, explained.data());
     for (std::size_t i = 0; i < all.cases; ++i) {
-        const double rounding = 64.0 * std::numeric_limits<double>::epsilon() *
-                                (1.0 + std::fabs(offset / scale + all.output[i]));
+        const double rounding = roundingOf(all.output[i], offset, scale);
         if (!(std::sqrt(scatterAtPoint[i] / rowsAtPoint[i]) <= rounding) ||
             !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
             return false;
@@ -737,7 +744,11 @@ void Fitter::findWorstCases(KrigingFit& fit, const KrigingData& all,
                       });
     worst.resize(shown);
     for (const std::size_t i : worst) {
-        const double value = offset + scale * all.output[points[i]];
+        const double standardised = all.output[points[i]];
+        if (std::fabs(leaveOneOutResiduals[i]) <= roundingOf(standardised, offset, scale)) {
+            continue;
+        }
+        const double value = offset + scale * standardised;
         fit.report.worstCases.push_back(
             {cases.rowsAt(points[i]).front(), value, value - scale * leaveOneOutResiduals[i]});
     }

@@ -52,9 +52,13 @@ struct KrigingReport
         std::size_t row;  ///< as given to the model, the first is 0; of copies the first one
         double output;    ///< of cases with the same inputs the mean
         double predicted; ///< by a fit to the other cases
+
+        /** So many digits show by how much the two differ, and no fewer than `fewest`: a large
+         *  offset of the output would hide it. */
+        MIREL_FITTING_EXPORT int digits(int fewest) const;
     };
     /** The cases that the others predict worst, at most five, the worst first; none where there are
-     *  no leave-one-out figures. */
+     *  no leave-one-out figures, or nothing but rounding in them. */
     std::vector<LeftOutCase> worstCases;
 };
 

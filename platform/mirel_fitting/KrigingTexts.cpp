@@ -42,22 +42,25 @@ std::string boundText(KrigingReport::Bound bound)
 
 std::string worstCasesText(const KrigingReport& report)
 {
+    constexpr int fewestDigits = 8;
+
     std::string text;
     for (const KrigingReport::LeftOutCase& one : report.worstCases) {
+        const int digits = one.digits(fewestDigits);
         text += (text.empty() ? "Worst when left out: case " : ", case ") +
-                std::to_string(one.row + 1) + " (" + KrigingTexts::figure(one.predicted) +
-                " instead of " + KrigingTexts::figure(one.output) + ")";
+                std::to_string(one.row + 1) + " (" + KrigingTexts::figure(one.predicted, digits) +
+                " instead of " + KrigingTexts::figure(one.output, digits) + ")";
     }
     return text.empty() ? text : text + "\n";
 }
 
 } // namespace
 
-std::string KrigingTexts::figure(double value)
+std::string KrigingTexts::figure(double value, int digits)
 {
     char text[32];
     const std::to_chars_result end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 8);
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits);
     return std::string(text, end.ptr);
 }
 

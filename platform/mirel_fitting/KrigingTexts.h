@@ -10,8 +10,7 @@
 class KrigingTexts
 {
 public:
-    /** Eight digits. */
-    static std::string figure(double value);
+    static std::string figure(double value, int digits = 8);
 
     /** A line per input. */
     static std::string lengths(const KrigingReport& report);

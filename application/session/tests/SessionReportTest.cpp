@@ -174,6 +174,21 @@ TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
     EXPECT_NE(SessionReport::fitText(session).find("  left out, case "), std::string::npos);
 }
 
+TEST(SessionReport, TheWorstCasesShowTheirErrorsBesideALargeOffset)
+{
+    CaseTable table = cvdCases();
+    for (double& value : table.columns[2].numbers) {
+        value += 1e9;
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+
+    const std::string text = SessionReport::fitText(session);
+
+    const std::size_t line = text.find("  left out, case ");
+    ASSERT_NE(line, std::string::npos) << text;
+    EXPECT_EQ(text.find("e+09", line), std::string::npos) << text;
+}
+
 TEST(SessionReport, ThereAreNoNotesWhereNothingWasChanged)
 {
     CaseSession clean(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);

@@ -521,6 +521,17 @@ TEST(KrigingFit, ReportsTheCasesThatTheOthersPredictWorst)
     EXPECT_NEAR(worst.predicted, output[17] - 0.5, 0.2);
 }
 
+TEST(KrigingFit, ReportsNoWorstCasesWhereTheirErrorsAreRounding)
+{
+    const Columns inputs = latinHypercube(30, 2, 3);
+    const std::vector<double> output = valuesOf(
+        [](const std::vector<double>& x) { return 1e6 + 3.0 * x[0] - x[1] / 7.0; }, inputs);
+    KrigingOptions options;
+    options.trendOrder = 1;
+
+    EXPECT_TRUE(fitOf(inputs, output, options).report.worstCases.empty());
+}
+
 TEST(KrigingFit, ReportsNoiseInTheUnitOfTheOutput)
 {
     const Columns inputs = latinHypercube(150, 1, 3);

@@ -68,6 +68,16 @@ TEST(KrigingTexts, WritesALinePerFigure)
               "Warning: V4 is constant over the cases and was ignored.\n");
 }
 
+TEST(KrigingTexts, ShowsTheErrorOfAWorstCaseBesideALargeOffset)
+{
+    KrigingFit fit = soundFit();
+    fit.report.worstCases = {{4, 1e9 + 3.5, 1e9 + 2.25}};
+
+    EXPECT_NE(KrigingTexts::quality(fit).find("case 5 (1000000002.25 instead of 1000000003.5)\n"),
+              std::string::npos)
+        << KrigingTexts::quality(fit);
+}
+
 TEST(KrigingTexts, LeavesOutWhatDoesNotExist)
 {
     KrigingFit fit = soundFit();
