@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingFit.h>
 
+#include <mirel_fitting/ContradictingCases.h>
 #include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingData.h>
@@ -76,6 +77,7 @@ public:
 private:
     void standardise();
     void mergeRows();
+    void warnOfConflicts(bool meetsCases);
     static void averageRows(KrigingData& merged);
     void chooseTrend();
     void searchWithTrends();
@@ -93,6 +95,7 @@ private:
     void reportCorrelation(KrigingFit& fit, double processVariance, double condition, double rows,
                            bool meetsCases);
     KrigingFit ofManyCases();
+    static bool areCasesMet(const LargeKriging::Result& large);
     bool isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const;
     KrigingFit withTrendAlone();
     KrigingFit constant();
@@ -120,6 +123,7 @@ private:
     std::shared_ptr<KrigingData> data;
     std::vector<double> rowsAtPoint; // that count
     std::vector<double> scatterAtPoint;
+    std::size_t conflicts = 0;             // points where rows differ
     std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
     std::shared_ptr<const KrigingTrend> trend;
     struct Lowered
@@ -190,10 +194,23 @@ void Fitter::mergeRows()
                                 : " counted as measured again, since other cases with the same "
                                   "inputs have different outputs."));
     }
-    if (merged.conflicts > 0) {
-        warnings.push_back("At " + counted(merged.conflicts, "point") +
-                           " several cases have the same inputs but different outputs: the model "
-                           "passes through their mean or smooths them.");
+    conflicts = merged.conflicts;
+    const std::size_t places = ContradictingCases::places(*data);
+    if (places > 0) {
+        warnings.push_back("At " + counted(places, "place") +
+                           " cases lie next to each other (less than " +
+                           KrigingTexts::figure(ContradictingCases::nearness()) +
+                           " of the range of every input apart) but have different outputs: the "
+                           "model smooths them.");
+    }
+}
+
+void Fitter::warnOfConflicts(bool meetsCases)
+{
+    if (conflicts > 0) {
+        warnings.push_back("At " + counted(conflicts, "point") +
+                           " several cases have the same inputs but different outputs: the model " +
+                           (meetsCases ? "passes through their mean." : "smooths them."));
     }
 }
 
@@ -383,6 +400,7 @@ KrigingFit Fitter::withCorrelation()
     const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
                             found.parameters.nugget <= KrigingSearch::Settings().soundNugget &&
                             refineUntilCasesAreMet(likelihood);
+    warnOfConflicts(meetsCases);
 
     KrigingPredictor::Parts parts = commonParts();
     parts.processVariance = likelihood.processVariance();
@@ -477,6 +495,7 @@ KrigingFit Fitter::ofManyCases()
         all = std::move(averaged);
         large = run(once, 1.0);
     }
+    warnOfConflicts(areCasesMet(large));
     warnOfRaisedNugget();
 
     KrigingPredictor::Parts parts = commonParts();
@@ -513,6 +532,13 @@ KrigingFit Fitter::ofManyCases()
     return fit;
 }
 
+bool Fitter::areCasesMet(const LargeKriging::Result& large)
+{
+    constexpr double slight = 1e-6; // a nugget that is there for the factorisation
+
+    return large.neighbours ? large.neighbours->parameters().nugget <= slight : large.meetsCases;
+}
+
 bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const
 {
     std::vector<const double*> points;
@@ -533,6 +559,7 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
 
 KrigingFit Fitter::withTrendAlone()
 {
+    warnOfConflicts(true);
     warnOfTrend();
     const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
     KrigingPredictor::Parts parts = commonParts();

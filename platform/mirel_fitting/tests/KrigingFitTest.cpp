@@ -80,7 +80,7 @@ TEST(KrigingFit, SmoothsCasesThatContradictEachOther)
     const KrigingFit fit = fitOf(inputs, output);
 
     EXPECT_TRUE(warns(fit, "At 20 points several cases have the same inputs but different outputs: "
-                           "the model passes through their mean or smooths them."));
+                           "the model smooths them."));
     EXPECT_EQ(fit.metrics.cases, 40u);
     // Pairs 0.2 apart scatter by 0.1 about their mean: the estimate without bias is 0.2 / sqrt(2).
     EXPECT_NEAR(std::sqrt(fit.report.nugget * fit.report.processVariance), 0.2 / std::sqrt(2.0),
@@ -101,6 +101,24 @@ TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
     const KrigingFit fit = fitOf(inputs, output, options);
 
     EXPECT_NEAR(valueAt(fit, {inputs[0][7]}), output[7] + 0.1, 1e-6);
+    EXPECT_TRUE(warns(fit, "At 1 point several cases have the same inputs but different outputs: "
+                           "the model passes through their mean."));
+}
+
+TEST(KrigingFit, SaysThatCasesNextToEachOtherContradict)
+{
+    Columns inputs = latinHypercube(30, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    inputs[0].push_back(inputs[0][7] + 1e-13);
+    inputs[1].push_back(inputs[1][7]);
+    output.push_back(output[7] + 0.5);
+
+    const KrigingFit fit = fitOf(inputs, output);
+
+    EXPECT_TRUE(warns(fit, "At 1 place cases lie next to each other (less than 1e-09 of the range "
+                           "of every input apart) but have different outputs: the model smooths "
+                           "them."));
+    EXPECT_NEAR(valueAt(fit, {inputs[0][7], inputs[1][7]}), output[7] + 0.25, 0.2);
 }
 
 TEST(KrigingFit, CountsCopiesAsMeasurementsWhereOthersContradict)

@@ -1,0 +1,55 @@
+#include <mirel_fitting/ContradictingCases.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/** Three cases of two inputs, the first two this far apart, with these outputs. */
+std::size_t placesWith(double apart, std::vector<double> output)
+{
+    KrigingData data;
+    data.cases = 3;
+    data.inputs = 2;
+    data.coordinates = {0.5, 0.5 + apart, 0.0, 0.25, 0.25 - apart, 1.0};
+    data.output = std::move(output);
+    return ContradictingCases::places(data);
+}
+
+} // namespace
+
+TEST(ContradictingCases, LieNextToEachOtherAndHaveDifferentOutputs)
+{
+    EXPECT_EQ(placesWith(1e-13, {1.0, -1.0, 0.0}), 1u);
+}
+
+TEST(ContradictingCases, HaveOutputsThatNoSlopeExplains)
+{
+    EXPECT_EQ(placesWith(1e-13, {1.0, 1.0 + 1e-8, 0.0}), 0u);
+}
+
+TEST(ContradictingCases, AreNoneWhereAModelTellsThemApart)
+{
+    EXPECT_EQ(placesWith(1e-6, {1.0, -1.0, 0.0}), 0u);
+}
+
+TEST(ContradictingCases, AreNearInEveryInput)
+{
+    KrigingData data;
+    data.cases = 3;
+    data.inputs = 2;
+    data.coordinates = {0.5, 0.5, 0.5, 0.0, 0.5, 1.0};
+    data.output = {1.0, -1.0, 0.0};
+
+    EXPECT_EQ(ContradictingCases::places(data), 0u);
+}
+
+TEST(ContradictingCases, CountOnceWhereSeveralLieTogether)
+{
+    KrigingData data;
+    data.cases = 5;
+    data.inputs = 1;
+    data.coordinates = {0.0, 1e-12, 2e-12, 1.0 - 1e-13, 1.0};
+    data.output = {1.0, -1.0, 0.0, 2.0, 1.0};
+
+    EXPECT_EQ(ContradictingCases::places(data), 2u);
+}
