@@ -4,6 +4,7 @@
 #include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingData.h>
+#include <mirel_fitting/KrigingFitReport.h>
 #include <mirel_fitting/KrigingLikelihood.h>
 #include <mirel_fitting/KrigingSearch.h>
 #include <mirel_fitting/KrigingSubsetSearch.h>
@@ -11,14 +12,12 @@
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/KrigingTrendChoice.h>
 #include <mirel_fitting/MergedOutput.h>
-#include <mirel_fitting/QuadraticBasis.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -47,14 +46,6 @@ std::vector<double> ascending(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values;
-}
-
-/** Of an output of the value offset + scale * standardised, in that scale. */
-double roundingOf(double standardised, double offset, double scale)
-{
-    constexpr double units = 64.0; // in the last place
-    return units * std::numeric_limits<double>::epsilon() *
-           (1.0 + std::fabs(offset / scale + standardised));
 }
 
 bool hasScatter(const KrigingData& merged)
@@ -102,18 +93,19 @@ private:
     std::vector<std::size_t> allPoints() const;
     void measure(KrigingFit& fit, const KrigingData& all, const std::vector<std::size_t>& points,
                  const std::vector<double>& residuals,
-                 const std::vector<double>& leaveOneOutResiduals) const;
-    void findWorstCases(KrigingFit& fit, const KrigingData& all,
-                        const std::vector<std::size_t>& points,
-                        const std::vector<double>& leaveOneOutResiduals) const;
+                 const std::vector<double>& leaveOneOutResiduals) const
+    {
+        fit.metrics.terms = data->terms;
+        reportOf().measure(
+            fit, {all, rowsAtPoint, scatterAtPoint, points, residuals, leaveOneOutResiduals});
+    }
     void keepLeftOut(KrigingFit& fit, const KrigingData& all,
                      const KrigingLeaveOneOut::Points& left) const
     {
         fit.leftOut = KrigingLeaveOneOut(cases, output, all, left, offset, scale);
     }
     void reportIndependent(KrigingFit& fit, double variance, std::size_t count) const;
-    void reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
-    void writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const;
+    KrigingFitReport reportOf() const { return {cases, output, offset, scale}; }
 
     const KrigingCases& cases;
     const std::vector<double>& output;
@@ -123,8 +115,7 @@ private:
     std::shared_ptr<KrigingData> data;
     std::vector<double> rowsAtPoint; // that count
     std::vector<double> scatterAtPoint;
-    std::size_t conflicts = 0;             // points where rows differ
-    std::vector<std::size_t> inputNumbers; // k of "Vk", of the inputs that vary
+    std::size_t conflicts = 0; // points where rows differ
     std::shared_ptr<const KrigingTrend> trend;
     struct Lowered
     {
@@ -247,7 +238,7 @@ void Fitter::warnOfTrend()
             " to " + std::to_string(trend->order()) + ": " + counted(data->cases, "distinct case") +
             (data->cases == 1 ? " is" : " are") + " too few for more.");
     }
-    const std::vector<std::string> dropped = trend->droppedNames(inputNumbers);
+    const std::vector<std::string> dropped = trend->droppedNames(reportOf().inputNumbers());
     if (!dropped.empty()) {
         warnings.push_back("Terms of the trend that the cases cannot separate were dropped: " +
                            join(dropped) + ".");
@@ -417,7 +408,7 @@ KrigingFit Fitter::withCorrelation()
     const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
     reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(), rows,
                       meetsCases);
-    reportTrend(fit, likelihood.coefficients());
+    reportOf().addTrend(fit, *trend, likelihood.coefficients());
     std::vector<double> variances;
     const std::vector<double> leftOut = likelihood.leaveOneOutResiduals(&variances);
     const std::vector<std::size_t> points = allPoints();
@@ -519,7 +510,7 @@ KrigingFit Fitter::ofManyCases()
     const std::shared_ptr<const KrigingData> likely = large.neighbours ? all : data;
     const double rows = std::accumulate(likely->rows.begin(), likely->rows.end(), 0.0);
     reportCorrelation(fit, large.processVariance, large.condition, rows, large.meetsCases);
-    reportTrend(fit, large.coefficients);
+    reportOf().addTrend(fit, *trend, large.coefficients);
     measure(fit, *all, large.measured, large.residuals, large.leaveOneOutResiduals);
     keepLeftOut(fit, *all,
                 {large.measured, large.leaveOneOutResiduals, large.leaveOneOutVariances,
@@ -548,7 +539,7 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
     std::vector<double> explained(all.cases, 0.0);
     trend->add(points, all.cases, coefficients, explained.data());
     for (std::size_t i = 0; i < all.cases; ++i) {
-        const double rounding = roundingOf(all.output[i], offset, scale);
+        const double rounding = reportOf().roundingOf(all.output[i]);
         if (!(std::sqrt(scatterAtPoint[i] / rowsAtPoint[i]) <= rounding) ||
             !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
             return false;
@@ -568,7 +559,7 @@ KrigingFit Fitter::withTrendAlone()
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportIndependent(fit, leastSquares.variance, data->cases);
-    reportTrend(fit, leastSquares.coefficients);
+    reportOf().addTrend(fit, *trend, leastSquares.coefficients);
     const std::vector<std::size_t> points = allPoints();
     measure(fit, *data, points, leastSquares.residuals, leastSquares.leaveOneOutResiduals);
     keepLeftOut(fit, *data,
@@ -598,7 +589,7 @@ KrigingFit Fitter::constant()
     parts.coefficients = {0.0};
     parts.processVariance = squares / n;
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    reportTrend(fit, {0.0});
+    reportOf().addTrend(fit, *trend, {0.0});
     reportIndependent(fit, squares / n, output.size());
     fit.leftOut = KrigingLeaveOneOut::ofMean(output);
     fit.metrics.cases = output.size();
@@ -636,76 +627,6 @@ void Fitter::reportIndependent(KrigingFit& fit, double variance, std::size_t cou
                        : infinity;
 }
 
-void Fitter::reportTrend(KrigingFit& fit, const std::vector<double>& coefficients) const
-{
-    fit.report.trendOrder = trend->order();
-    for (const KrigingTrend::RawTerm& term :
-         trend->inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers)) {
-        const bool isConstant = fit.report.trendTerms.empty();
-        fit.report.trendTerms.push_back(term.name);
-        fit.report.trendCoefficients.push_back(scale * term.coefficient +
-                                               (isConstant ? offset : 0.0));
-    }
-    writeTrend(fit, coefficients);
-}
-
-void Fitter::writeTrend(KrigingFit& fit, const std::vector<double>& coefficients) const
-{
-    constexpr double tolerableLoss = 1e-9; // of the output's spread
-
-    std::vector<double> centres(cases.inputCount(), 0.0);
-    std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
-    std::vector<double> minimumAboutCentre;
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        const std::size_t input = cases.activeInputs()[k];
-        const double minimum = cases.minimum()[k];
-        const double maximum = minimum + cases.range()[k];
-        const double centre = minimum + 0.5 * cases.range()[k];
-        centres[input] = centre;
-        reach[input] = std::max(std::fabs(minimum), std::fabs(maximum)) + std::fabs(centre);
-        // The centre is a rounded number, so that this is not exactly half the range.
-        minimumAboutCentre.push_back(minimum - centre);
-    }
-
-    std::map<std::string, double> expanded;
-    for (std::size_t t = 0; t < fit.report.trendTerms.size(); ++t) {
-        expanded[fit.report.trendTerms[t]] = fit.report.trendCoefficients[t];
-    }
-    std::map<std::string, double> centred;
-    for (const KrigingTrend::RawTerm& term :
-         trend->inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers)) {
-        centred[term.name] = scale * term.coefficient;
-    }
-
-    const QuadraticBasis basis(cases.inputCount(), trend->order());
-    double loss = 0.0;
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        double size = std::fabs(centred[basis.name(t)]);
-        for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
-            size *= input == QuadraticBasis::noInput ? 1.0 : reach[input];
-        }
-        loss += std::numeric_limits<double>::epsilon() * size;
-    }
-    centred["1"] += offset;
-
-    const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
-    const bool isExpanded = loss <= tolerableLoss * (*largest - *smallest);
-    EquationText text(basis);
-    if (!isExpanded) {
-        text.setCentres(centres);
-    }
-    std::vector<double> inOrder;
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        const std::string name = basis.name(t);
-        if (expanded.count(name) == 0) {
-            text.leaveOut(t);
-        }
-        inOrder.push_back(isExpanded ? expanded[name] : centred[name]);
-    }
-    fit.trendText = text.write(inOrder);
-    fit.trendText.pop_back(); // the end of the line
-}
-
 std::vector<std::size_t> Fitter::allPoints() const
 {
     std::vector<std::size_t> points(data->cases);
@@ -713,80 +634,11 @@ std::vector<std::size_t> Fitter::allPoints() const
     return points;
 }
 
-/**
- * @param points what the residuals are of: all points, or a random sample, which then stands for
- *               all.
- */
-void Fitter::measure(KrigingFit& fit, const KrigingData& all,
-                     const std::vector<std::size_t>& points, const std::vector<double>& residuals,
-                     const std::vector<double>& leaveOneOutResiduals) const
-{
-    double rows = 0.0;
-    double sum = 0.0;
-    for (std::size_t i = 0; i < all.cases; ++i) {
-        rows += rowsAtPoint[i];
-        sum += rowsAtPoint[i] * all.output[i];
-    }
-    const double mean = sum / rows;
-    double measured = 0.0;
-    double total = 0.0;
-    double errors = 0.0;
-    double press = 0.0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const std::size_t point = points[i];
-        const double deviation = all.output[point] - mean;
-        const double leftOut = leaveOneOutResiduals[i];
-        measured += rowsAtPoint[point];
-        errors += scatterAtPoint[point] + rowsAtPoint[point] * residuals[i] * residuals[i];
-        total += scatterAtPoint[point] + rowsAtPoint[point] * deviation * deviation;
-        press += scatterAtPoint[point] + rowsAtPoint[point] * leftOut * leftOut;
-    }
-    fit.metrics.cases = static_cast<std::size_t>(rows);
-    fit.metrics.terms = data->terms;
-    fit.metrics.r2 = 1.0 - errors / total;
-    fit.metrics.rmse = scale * std::sqrt(errors / measured);
-    fit.metrics.press = press * (rows / measured) * scale * scale;
-    fit.metrics.looRmse = scale * std::sqrt(press / measured);
-    fit.metrics.q2 = 1.0 - press / total;
-    findWorstCases(fit, all, points, leaveOneOutResiduals);
-}
-
-void Fitter::findWorstCases(KrigingFit& fit, const KrigingData& all,
-                            const std::vector<std::size_t>& points,
-                            const std::vector<double>& leaveOneOutResiduals) const
-{
-    constexpr std::size_t mostShown = 5;
-
-    if (std::isnan(fit.metrics.looRmse)) {
-        return;
-    }
-    std::vector<std::size_t> worst(points.size());
-    std::iota(worst.begin(), worst.end(), std::size_t{0});
-    const std::size_t shown = std::min(mostShown, worst.size());
-    std::partial_sort(worst.begin(), worst.begin() + static_cast<std::ptrdiff_t>(shown),
-                      worst.end(), [&](std::size_t a, std::size_t b) {
-                          const double errorOfA = std::fabs(leaveOneOutResiduals[a]);
-                          const double errorOfB = std::fabs(leaveOneOutResiduals[b]);
-                          return errorOfA != errorOfB ? errorOfA > errorOfB : a < b;
-                      });
-    worst.resize(shown);
-    for (const std::size_t i : worst) {
-        const double standardised = all.output[points[i]];
-        if (std::fabs(leaveOneOutResiduals[i]) <= roundingOf(standardised, offset, scale)) {
-            continue;
-        }
-        const double value = offset + scale * standardised;
-        fit.report.worstCases.push_back(
-            {cases.rowsAt(points[i]).front(), value, value - scale * leaveOneOutResiduals[i]});
-    }
-}
-
 KrigingFit Fitter::run()
 {
     FitProgress::report(0.0, "Preparing the cases");
     std::vector<bool> varies(cases.inputCount(), false);
     for (const std::size_t input : cases.activeInputs()) {
-        inputNumbers.push_back(input + 1);
         varies[input] = true;
     }
     for (std::size_t input = 0; input < varies.size(); ++input) {
