@@ -40,6 +40,16 @@ std::string boundText(KrigingReport::Bound bound)
     }
 }
 
+std::string otherLengthsText(const KrigingReport& report)
+{
+    const std::string best = KrigingTexts::figure(report.logLikelihood);
+    const std::string second = KrigingTexts::figure(report.secondLogLikelihood);
+    return "Other correlation lengths are " +
+           (best == second ? "as likely (log-likelihood " + best
+                           : "nearly as likely (log-likelihood " + second + " instead of " + best) +
+           "): more cases would decide between two different models.";
+}
+
 std::string worstCasesText(const KrigingReport& report)
 {
     constexpr int fewestDigits = 8;
@@ -131,11 +141,10 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
                          " of the output's variance is taken for noise.");
     }
-    if (report.logLikelihood - report.secondLogLikelihood < close) {
-        result.push_back("Other correlation lengths are nearly as likely (log-likelihood " +
-                         figure(report.secondLogLikelihood) + " instead of " +
-                         figure(report.logLikelihood) +
-                         "): more cases would decide between two different models.");
+    // Of noise, or of cases that tell nothing about each other, any lengths are as likely.
+    const bool isAModel = !isMostlyNoise && fit.metrics.q2 > 0.0;
+    if (isAModel && report.logLikelihood - report.secondLogLikelihood < close) {
+        result.push_back(otherLengthsText(report));
     }
     if (std::isnan(fit.metrics.looRmse) && fit.metrics.cases > 1) {
         result.push_back("A case alone determines a term of the trend: there are no "

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -169,8 +170,33 @@ TEST(KrigingTexts, SaysWhenAnotherOptimumIsNearlyAsLikely)
         Sentences{"Other correlation lengths are nearly as likely (log-likelihood -13.5 "
                   "instead of -12.5): more cases would decide between two different models."});
 
+    fit.report.secondLogLikelihood = -12.5;
+    EXPECT_EQ(
+        KrigingTexts::verdicts(fit, 0.0),
+        Sentences{"Other correlation lengths are as likely (log-likelihood -12.5): more cases "
+                  "would decide between two different models."});
+
     fit.report.secondLogLikelihood = -14.6;
     EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0), Sentences());
+}
+
+TEST(KrigingTexts, IsSilentAboutOtherLengthsWhereNoneMakesAModel)
+{
+    KrigingFit fit = soundFit();
+    fit.report.secondLogLikelihood = -12.5;
+    const auto isSaid = [&](double noiseShare) {
+        const Sentences sentences = KrigingTexts::verdicts(fit, noiseShare);
+        return std::any_of(sentences.begin(), sentences.end(), [](const std::string& sentence) {
+            return sentence.find("Other correlation lengths") != std::string::npos;
+        });
+    };
+
+    EXPECT_TRUE(isSaid(0.4));
+    EXPECT_FALSE(isSaid(0.6));
+    fit.metrics.q2 = -0.1;
+    EXPECT_FALSE(isSaid(0.0));
+    fit.metrics.q2 = FitMetrics::none;
+    EXPECT_FALSE(isSaid(0.0));
 }
 
 TEST(KrigingTexts, SaysWhenItIsWorseThanTheMean)
