@@ -26,12 +26,23 @@ KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int
     return KrigingSearch::run(few, settings);
 }
 
+std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Settings& settings,
+                                                       double estimated)
+{
+    constexpr double smooth = 1e-6;
+
+    const double least = std::max(settings.smallestNugget, settings.soundNugget);
+    if (settings.isNuggetFixed || estimated <= least || estimated >= smooth) {
+        return std::nullopt;
+    }
+    return least;
+}
+
 KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
                                                int trendOrder,
                                                const KrigingSearch::Settings& settings,
                                                std::size_t size)
 {
-    constexpr double smooth = 1e-6;
     constexpr double searching = 0.4; // of the work
 
     KrigingSearch::Result found;
@@ -47,16 +58,14 @@ KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const Krigi
         fixed.smallestNugget = nugget;
         return KrigingSearch::run(data, fixed);
     };
-    const double least = std::max(settings.smallestNugget, settings.soundNugget);
-    const double estimated = found.parameters.nugget;
     KrigingSearch::Result result;
     {
         const FitProgress::Portion portion(searching, 0.5 + 0.5 * searching);
-        result = withNugget(estimated);
+        result = withNugget(found.parameters.nugget);
     }
     const FitProgress::Portion portion(0.5 + 0.5 * searching, 1.0);
-    if (!settings.isNuggetFixed && estimated > least && estimated < smooth) {
-        KrigingSearch::Result other = withNugget(least);
+    if (const auto least = nuggetToTry(settings, found.parameters.nugget)) {
+        KrigingSearch::Result other = withNugget(*least);
         if (!other.isNuggetRaised && other.logLikelihood > result.logLikelihood) {
             result = other;
         }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 /** Searches for more cases than can be searched with in about a minute. */
 class KrigingSubsetSearch
@@ -20,9 +21,16 @@ public:
                                           std::size_t size);
 
     /**
-     * Lengths and nugget of the subset, and the likelihood of all cases with them. The nugget that
-     * suits fewer cases is too much for more of them if the output is smooth: then the least one is
-     * taken where it is likelier for all cases. Costs one or two likelihoods of all cases.
+     * The nugget that suits fewer cases is too much for more of them if the output is smooth: then
+     * the least one is worth a trial, too.
+     * @param estimated with fewer cases.
+     */
+    static std::optional<double> nuggetToTry(const KrigingSearch::Settings& settings,
+                                             double estimated);
+
+    /**
+     * Lengths and nugget of the subset, and the likelihood of all cases with them; with
+     * nuggetToTry() where that is likelier. Costs one or two likelihoods of all cases.
      */
     static KrigingSearch::Result run(const std::shared_ptr<const KrigingData>& data, int trendOrder,
                                      const KrigingSearch::Settings& settings, std::size_t size);

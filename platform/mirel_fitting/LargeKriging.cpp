@@ -127,21 +127,15 @@ void Fit::search()
                                                  sizes.searched);
 }
 
-/**
- * The exact model of the subset. The nugget that suits the fewer cases of the search is too much
- * for more of them if the output is smooth: the least one is tried too.
- */
+/** The exact model of the subset, with the nugget of the fewer cases of the search or another. */
 void Fit::fitSubset(bool meetCases)
 {
-    constexpr double smooth = 1e-6;
-
     KrigingLikelihood likelihood(subset.data,
                                  [&](double multiplications) { tellOfSubset(multiplications); });
-    const double least = std::max(settings.smallestNugget, settings.soundNugget);
     const double estimated = result.found.parameters.nugget;
     first = modelOfSubset(likelihood, estimated, meetCases);
-    if (!settings.isNuggetFixed && estimated > least && estimated < smooth) {
-        FirstLayer other = modelOfSubset(likelihood, least, meetCases);
+    if (const auto least = KrigingSubsetSearch::nuggetToTry(settings, estimated)) {
+        FirstLayer other = modelOfSubset(likelihood, *least, meetCases);
         if (other.error < first.error) {
             first = std::move(other);
         }

@@ -101,3 +101,15 @@ TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
                   {"There are more than 200 distinct cases: the model is the exact one of all of "
                    "them, with the correlation lengths of 100 cases spread over all."}));
 }
+
+TEST(KrigingSubsetSearch, TriesTheLeastNuggetWhereAFewCasesNeededLittle)
+{
+    KrigingSearch::Settings settings;
+    settings.smallestNugget = 1e-10;
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-8), 1e-10);
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-10), std::nullopt);
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-3), std::nullopt);
+
+    settings.isNuggetFixed = true;
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-8), std::nullopt);
+}
