@@ -37,6 +37,14 @@ NearestNeighbourKriging::Report reporting(const std::string& message)
     return [message](double fraction) { FitProgress::report(fraction, message); };
 }
 
+/** The same where what is done is a small part of the whole, at this place in it. */
+NearestNeighbourKriging::Report reportingAt(double place, const std::string& message)
+{
+    return [place, message](double) { FitProgress::report(place, message); };
+}
+
+const char* const leavingOut = "Leaving out cases";
+
 /** Runs work(first, last) for ranges of `count` cases, on several threads. */
 class RangeWorker : public OrderedChunks::Worker
 {
@@ -345,8 +353,9 @@ Layer Fit::neighboursOf(const std::vector<double>& values,
     }
     const FitProgress::Portion portion(0.7, 1.0);
     const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured,
-                                                   reporting("Leaving out cases"));
-    const auto predictions = leftOut.predict(layer.kriging->parameters(), nullptr);
+                                                   reporting(leavingOut));
+    const auto predictions =
+        leftOut.predict(layer.kriging->parameters(), reportingAt(1.0, leavingOut));
     for (std::size_t i = 0; i < result.measured.size(); ++i) {
         layer.leaveOneOutResiduals.push_back(values[result.measured[i]] - predictions[i].mean);
         layer.leaveOneOutVariances.push_back(predictions[i].variance);
@@ -370,7 +379,15 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
         points.push_back(columns[k].data());
     }
     std::vector<double> explained(result.measured.size(), 0.0);
-    layer.kriging->add(points, explained.size(), explained.data());
+    constexpr std::size_t atOnce = 512; // a few hundredths of a second
+    for (std::size_t first = 0; first < explained.size(); first += atOnce) {
+        FitProgress::report(0.0, leavingOut);
+        const std::size_t size = std::min(atOnce, explained.size() - first);
+        layer.kriging->add(points, size, explained.data() + first);
+        for (const double*& column : points) {
+            column += size;
+        }
+    }
     result.residuals = atMeasured(values);
     for (std::size_t i = 0; i < explained.size(); ++i) {
         result.residuals[i] -= explained[i];
@@ -381,10 +398,11 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
  *  measured cases have when they are left out. */
 void Fit::estimateCorrectedVariance(const Layer& layer)
 {
-    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured, nullptr);
+    const NearestNeighbourKriging::Report report = reportingAt(0.0, leavingOut);
+    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured, report);
     double variances = 0.0;
     for (const NearestNeighbourKriging::Prediction& prediction : leftOut.predict(
-             {result.found.parameters.lengths, result.found.parameters.nugget}, nullptr)) {
+             {result.found.parameters.lengths, result.found.parameters.nugget}, report)) {
         variances += prediction.variance;
         correctedVariances.push_back(prediction.variance);
     }
@@ -474,6 +492,7 @@ LargeKriging::Result Fit::run(bool meetCases)
     result.residuals = result.leaveOneOutResiduals;
     result.subsetError = first.error;
     result.subsetSize = subset.indices.size();
+    const FitProgress::Portion portion(0.8, 1.0);
     if (layered.error < result.subsetError && layered.error <= local.error) {
         use(layered, first.remainders);
         estimateCorrectedVariance(layered);
@@ -483,7 +502,6 @@ LargeKriging::Result Fit::run(bool meetCases)
     }
     result.error = rootMeanSquare(result.leaveOneOutResiduals);
     if (result.neighbours) {
-        const FitProgress::Portion portion(0.8, 1.0);
         addLikelihoodOfOthers(*result.neighbours);
     }
     // As for standard errors: the larger of what the two layers do not know.

@@ -382,12 +382,34 @@ TEST(LargeKriging, EndsWhereverItIsCancelled)
     const Columns inputs = latinHypercube(700, 3, 3);
     const std::vector<double> output = valuesOf(hill, inputs);
 
-    for (const char* during : {"Choosing a subset of the cases", "Fitting a subset of the cases",
-                               "Estimating what near cases tell", "Computing the likelihood"}) {
+    for (const char* during :
+         {"Choosing a subset of the cases", "Fitting a subset of the cases",
+          "Estimating what near cases tell", "Leaving out cases", "Computing the likelihood"}) {
         FitProgress progress([&](double, const std::string& message) { return message != during; });
         EXPECT_THROW(fitOf(inputs, output, manyAreMoreThan(300)), SurrogateModelInterface::Error)
             << during;
     }
+}
+
+TEST(LargeKriging, ReportsEachFewCasesThatItMeasuresBy)
+{
+    const Columns inputs = latinHypercube(1200, 3, 3);
+    KrigingOptions options = manyAreMoreThan(300);
+    options.sizes.measured = 640;
+    std::size_t reports = 0; // since what the nearest cases tell was estimated
+    std::size_t untilTheLikelihood = 0;
+    FitProgress progress([&](double, const std::string& message) {
+        reports = message == "Estimating what near cases tell" ? 0 : reports + 1;
+        untilTheLikelihood = message == "Leaving out cases" ? reports : untilTheLikelihood;
+        return true;
+    });
+
+    setThreadCount(1);
+    fitOf(inputs, valuesOf(hill, inputs), options);
+    setThreadCount(0);
+
+    // For 64 cases at a time: twice their nearest cases and twice what these predict.
+    EXPECT_GE(untilTheLikelihood, 4u * 10u);
 }
 
 TEST(LargeKriging, HasStandardErrorsOfTheSizeOfItsErrors)
