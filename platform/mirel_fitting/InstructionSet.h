@@ -3,8 +3,9 @@
 #include <mirel_fitting/Export.h>
 
 /**
- * The instruction sets that Kriging predictions are compiled for. Their results differ by rounding:
- * Avx2 and Avx512 fuse multiplications with additions, and give the same bits as each other.
+ * The instruction sets that Kriging predictions and fits of response surfaces to many cases are
+ * compiled for. Their results differ by rounding: Avx2 and Avx512 fuse multiplications with
+ * additions. Predictions have the same bits by both; the fits sum in another order.
  */
 enum class InstructionSet
 {
@@ -14,7 +15,7 @@ enum class InstructionSet
 };
 
 /**
- * Limits the instruction sets that predictions may use, for the whole process: for the same bits on
+ * Limits the instruction sets that these may use, for the whole process: for the same bits on
  * processors that differ. Avx512, the default, means no limit.
  */
 MIREL_FITTING_EXPORT void setInstructionSetLimit(InstructionSet limit);
