@@ -171,6 +171,8 @@ void checkModelFile(const CommandLine& line)
                 " is an exported model, fitted already.");
     require(line.save.empty(), "--save keeps a choice of cases, and " + name +
                                    " is an exported model, without cases.");
+    require(!line.interval, "--interval takes how the cases lie about the model, and " + name +
+                                " is an exported model, without cases.");
     require((!line.separator && !line.decimalMark) || line.command == CommandLine::Predict,
             "--separator and --decimal say how tables are read, and " + name + " is none.");
 }

@@ -147,6 +147,9 @@ TEST_F(ExportCommand, NothingThatNeedsCasesIsTakenWithAnExportedModel)
     expectFailure("evaluate model.json --cases cvd.csv", 2,
                   "--cases names the case file of a project document; without one it has no "
                   "meaning.");
+    expectFailure("evaluate model.json --interval 95", 2,
+                  "--interval takes how the cases lie about the model, and \"model.json\" is an "
+                  "exported model, without cases.");
     expectFailure("evaluate model.json --separator comma", 2,
                   "--separator and --decimal say how tables are read, and \"model.json\" is none.");
     for (const char* command : {"fit", "summary", "equations"}) {
