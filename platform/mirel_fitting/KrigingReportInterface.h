@@ -34,7 +34,8 @@ struct KrigingReport
      */
     double logLikelihood = 0.0;
     /**
-     * Of the best other maximum that the search found; NaN if there is no other. Where it was
+     * Of the best other maximum that the search found; NaN if there is no other, two ends of one
+     * flat ridge, between which it dips by less than 0.25, counting as one. Where it was
      * searched with a part of the cases only, the distance between the two is extrapolated in
      * proportion to the cases.
      */

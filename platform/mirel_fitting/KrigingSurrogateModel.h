@@ -54,8 +54,10 @@ public:
      * @param correlationLengths fixed lengths, one per input, in the input's unit, infinite for no
      *                           influence; none at all: estimated.
      * @param trendOrder         highest order of the trend: 0 constant, 1 linear, 2 full quadratic;
-     *                           lowered when cases are too few, terms that the cases cannot
-     *                           separate are dropped, both reported.
+     *                           lowered when cases are too few, or fewer than 20 per term and a
+     *                           lower order has the lesser corrected Akaike criterion (not with
+     *                           fixed lengths); terms that the cases cannot separate are
+     *                           dropped; all reported.
      * @param initialCorrelationLength where the search starts, as a fraction of each input's range.
      * @param nugget             lower bound of the nugget, relative to the process variance; 0:
      *                           only the bound that keeps the factorisation sound, 1e-12.
