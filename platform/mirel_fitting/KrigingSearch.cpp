@@ -190,7 +190,7 @@ public:
     /** Inputs of unlike influence: lengths between a fifth of the range and ten ranges. */
     std::vector<std::vector<double>> scatteredStarts() const
     {
-        constexpr int scattered = 16;
+        constexpr int scattered = 12;
         constexpr std::uint64_t seed = 20180;
         std::mt19937_64 generator(seed);
         std::vector<std::vector<double>> result;
@@ -440,7 +440,7 @@ void Search::race()
         std::size_t runners;
         int steps;
     };
-    constexpr Round rounds[] = {{6, 2}, {3, 3}, {2, 60}};
+    constexpr Round rounds[] = {{5, 2}, {3, 3}, {2, 60}};
 
     std::vector<Optimum> field;
     for (const std::vector<double>& start : variables.scatteredStarts()) {
