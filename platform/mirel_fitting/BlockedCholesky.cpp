@@ -24,26 +24,6 @@ std::size_t blocksIn(std::size_t count, std::size_t size)
     return (count + size - 1) / size;
 }
 
-/** Chunks that hand nothing over. */
-class Independent : public OrderedChunks::Worker
-{
-public:
-    explicit Independent(const std::function<void(std::size_t)>& work) : work(work) {}
-
-    void compute(std::size_t chunk) override { work(chunk); }
-    void handOver(std::size_t /*chunk*/) override {}
-
-private:
-    const std::function<void(std::size_t)>& work;
-};
-
-void runChunks(std::size_t chunks, int threads, const std::function<void(std::size_t)>& work,
-               const std::function<void(std::size_t)>& report)
-{
-    OrderedChunks::run(
-        chunks, threads, [&] { return std::make_unique<Independent>(work); }, report);
-}
-
 /** columns = the inverse of a lower triangle, or of its transpose, times them. */
 void solveTriangle(CBLAS_TRANSPOSE side, const double* triangle, std::size_t order,
                    std::size_t stride, double* columns, std::size_t count, std::size_t columnStride)
@@ -228,14 +208,15 @@ bool BlockedCholesky::factoriseBlocks()
             return static_cast<int>(std::min(blockSize, size - below - block * blockSize));
         };
         double* panel = corner + width;
-        const std::function<void(std::size_t)> solve = [&](std::size_t block) {
+        const OrderedChunks::Work solve = [&](std::size_t block) {
             cblas_dtrsm(CblasColMajor, CblasRight, CblasLower, CblasTrans, CblasNonUnit,
                         rowsOf(block), columns, 1.0, corner, stride, panel + block * blockSize,
                         stride);
         };
-        runChunks(blocks, threadCount, solve, nullptr);
+        OrderedChunks::runEach(
+            blocks, threadCount, [&] { return solve; }, nullptr);
 
-        const std::function<void(std::size_t)> subtract = [&](std::size_t block) {
+        const OrderedChunks::Work subtract = [&](std::size_t block) {
             const std::size_t column = below + block * blockSize;
             const double* rows = panel + block * blockSize;
             // Whole blocks on the diagonal too: nobody reads what is above it.
@@ -243,10 +224,12 @@ bool BlockedCholesky::factoriseBlocks()
                         rowsOf(block), columns, -1.0, rows, stride, rows, stride, 1.0,
                         matrix.data() + column * size + column, stride);
         };
-        runChunks(blocks, threadCount, subtract, [&](std::size_t block) {
-            const auto rows = static_cast<double>(size - below - block * blockSize);
-            tell(threadCount * rows * static_cast<double>(width * width));
-        });
+        OrderedChunks::runEach(
+            blocks, threadCount, [&] { return subtract; },
+            [&](std::size_t block) {
+                const auto rows = static_cast<double>(size - below - block * blockSize);
+                tell(threadCount * rows * static_cast<double>(width * width));
+            });
     }
     return true;
 }
@@ -292,7 +275,7 @@ void BlockedCholesky::forColumns(double multiplications,
 {
     const std::size_t ranges = blocksIn(size, columnsPerRange);
     const double share = multiplications / static_cast<double>(ranges);
-    const std::function<void(std::size_t)> range = [&](std::size_t chunk) {
+    const OrderedChunks::Work range = [&](std::size_t chunk) {
         const std::size_t first = chunk * columnsPerRange;
         work(first, std::min(first + columnsPerRange, size));
     };
@@ -302,5 +285,7 @@ void BlockedCholesky::forColumns(double multiplications,
         }
         return;
     }
-    runChunks(ranges, threadCount, range, [&](std::size_t) { tell(threadCount * share); });
+    OrderedChunks::runEach(
+        ranges, threadCount, [&] { return range; },
+        [&](std::size_t) { tell(threadCount * share); });
 }

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <utility>
 
 namespace {
@@ -16,19 +15,6 @@ namespace {
 constexpr std::size_t blockSize = 1024;
 // So many points are handed to a thread at once.
 constexpr std::size_t chunkSize = 8 * blockSize;
-
-/** A worker for each thread; its chunks are independent, so that none waits for another's. */
-class Piecework : public OrderedChunks::Worker
-{
-public:
-    explicit Piecework(std::function<void(std::size_t)> work) : work(std::move(work)) {}
-
-    void compute(std::size_t chunk) override { work(chunk); }
-    void handOver(std::size_t) override {}
-
-private:
-    std::function<void(std::size_t)> work;
-};
 
 } // namespace
 
@@ -165,10 +151,10 @@ void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std
     // Fewer correlations are computed before another thread has started.
     constexpr std::size_t worthAThread = 1000000;
 
-    const auto makeWorker = [&] {
+    const auto makeWork = [&]() -> OrderedChunks::Work {
         auto block = std::make_shared<Block>(parts);
         auto sums = std::make_shared<std::vector<double>>(blockSize);
-        return std::make_unique<Piecework>([&, block, sums](std::size_t chunk) {
+        return [&, block, sums](std::size_t chunk) {
             const std::size_t end = std::min(count, (chunk + 1) * chunkSize);
             for (std::size_t start = chunk * chunkSize; start < end; start += blockSize) {
                 const std::size_t size = std::min(blockSize, end - start);
@@ -184,11 +170,11 @@ void KrigingPredictor::predictScattered(const std::vector<double*>& columns, std
                         parts.offset + parts.scale * (*sums)[i] + block->notFinite[i];
                 }
             }
-        });
+        };
     };
     const bool isLarge = count > worthAThread / std::max<std::size_t>(parts.weights.size(), 1);
-    OrderedChunks::run((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1, makeWorker,
-                       nullptr);
+    OrderedChunks::runEach((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1,
+                           makeWork, nullptr);
     addNeighbours(columns, first, count, result);
 }
 
@@ -268,10 +254,10 @@ void KrigingPredictor::exactErrors(const std::vector<double*>& columns, std::siz
         variance = std::make_shared<KrigingVariance>(partsOfProcess());
     }
     const double noise = ofObservation ? variance->noise() : 0.0;
-    const auto makeWorker = [&] {
+    const auto makeWork = [&]() -> OrderedChunks::Work {
         auto block = std::make_shared<Block>(parts);
         auto workspace = std::make_shared<KrigingVariance::Workspace>(*variance, blockSize);
-        return std::make_unique<Piecework>([&, block, workspace](std::size_t chunk) {
+        return [&, block, workspace](std::size_t chunk) {
             const std::size_t first = chunk * blockSize;
             const std::size_t size = std::min(blockSize, count - first);
             block->read(columns, first, size);
@@ -280,9 +266,9 @@ void KrigingPredictor::exactErrors(const std::vector<double*>& columns, std::siz
                 const double squared = parts.processVariance * (result[first + i] + noise);
                 result[first + i] = parts.scale * std::sqrt(squared) + block->notFinite[i];
             }
-        });
+        };
     };
-    OrderedChunks::run((count + blockSize - 1) / blockSize, threadCount(), makeWorker, nullptr);
+    OrderedChunks::runEach((count + blockSize - 1) / blockSize, threadCount(), makeWork, nullptr);
 }
 
 /** With the correlation of the subset's process, also where it is no part of the prediction. */

@@ -45,27 +45,6 @@ NearestNeighbourKriging::Report reportingAt(double place, const std::string& mes
 
 const char* const leavingOut = "Leaving out cases";
 
-/** Runs work(first, last) for ranges of `count` cases, on several threads. */
-class RangeWorker : public OrderedChunks::Worker
-{
-public:
-    static constexpr std::size_t perChunk = 1024;
-
-    RangeWorker(std::size_t count, const std::function<void(std::size_t, std::size_t)>& work)
-        : count(count), work(work)
-    {}
-
-    void compute(std::size_t chunk) override
-    {
-        work(chunk * perChunk, std::min(count, (chunk + 1) * perChunk));
-    }
-    void handOver(std::size_t) override {}
-
-private:
-    std::size_t count;
-    const std::function<void(std::size_t, std::size_t)>& work;
-};
-
 /** The exact model of the subset. */
 struct FirstLayer
 {
@@ -211,26 +190,27 @@ void Fit::chooseMeasured()
 /** What the subset's model, or its trend alone, leaves of the outputs of all cases. */
 std::vector<double> Fit::remainders(const FirstLayer& layer, bool isWhole) const
 {
+    constexpr std::size_t perChunk = 1024;
+
     MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
                                   subset.data->coordinates.data());
     correlation.setLengths(result.found.parameters.lengths);
     std::vector<double> predictions(data->cases, 0.0);
-    const std::function<void(std::size_t, std::size_t)> predict = [&](std::size_t first,
-                                                                      std::size_t last) {
+    const OrderedChunks::Work predict = [&](std::size_t chunk) {
+        const std::size_t first = chunk * perChunk;
+        const std::size_t count = std::min(perChunk, data->cases - first);
         std::vector<const double*> points;
         for (std::size_t k = 0; k < data->inputs; ++k) {
             points.push_back(data->coordinates.data() + k * data->cases + first);
         }
         double* sums = predictions.data() + first;
-        subset.trend->add(points, last - first, layer.coefficients, sums);
+        subset.trend->add(points, count, layer.coefficients, sums);
         if (isWhole) {
-            correlation.addWeightedSums(points, last - first, layer.weights.data(), sums);
+            correlation.addWeightedSums(points, count, layer.weights.data(), sums);
         }
     };
-    const std::size_t chunks = (data->cases + RangeWorker::perChunk - 1) / RangeWorker::perChunk;
-    OrderedChunks::run(
-        chunks, threadCount(), [&] { return std::make_unique<RangeWorker>(data->cases, predict); },
-        [&](std::size_t) { tellOfSubset(0.0); });
+    OrderedChunks::runEach((data->cases + perChunk - 1) / perChunk, threadCount(),
+                           [&] { return predict; }, [&](std::size_t) { tellOfSubset(0.0); });
     for (std::size_t i = 0; i < data->cases; ++i) {
         predictions[i] = data->output[i] - predictions[i];
     }

@@ -172,32 +172,6 @@ struct Workplace
 
 using PointWork = std::function<void(Workplace&, std::size_t)>;
 
-class PointWorker : public OrderedChunks::Worker
-{
-public:
-    PointWorker(std::size_t count, std::size_t perChunk, std::size_t neighbours, std::size_t inputs,
-                const PointWork& work)
-        : count(count), perChunk(perChunk), workplace(neighbours, inputs), work(work)
-    {}
-
-    void compute(std::size_t chunk) override
-    {
-        const std::size_t last = std::min(count, (chunk + 1) * perChunk);
-        for (std::size_t i = chunk * perChunk; i < last; ++i) {
-            work(workplace, i);
-        }
-    }
-
-    // Each point has a place of its own in the result.
-    void handOver(std::size_t) override {}
-
-private:
-    std::size_t count;
-    std::size_t perChunk;
-    Workplace workplace;
-    const PointWork& work;
-};
-
 void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
                const NearestNeighbourKriging::Report& report, const PointWork& work)
 {
@@ -208,14 +182,20 @@ void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
     const SingleThreadedBlas singleThreaded;
     const std::size_t chunks = (count + perChunk - 1) / perChunk;
     const int threads = count < fewPoints ? 1 : threadCount();
-    OrderedChunks::run(
-        chunks, threads,
-        [&] { return std::make_unique<PointWorker>(count, perChunk, neighbours, inputs, work); },
-        [&](std::size_t chunk) {
-            if (report) {
-                report(static_cast<double>(chunk) / static_cast<double>(chunks));
+    const auto makeWork = [&]() -> OrderedChunks::Work {
+        const auto place = std::make_shared<Workplace>(neighbours, inputs);
+        return [&, place](std::size_t chunk) {
+            const std::size_t last = std::min(count, (chunk + 1) * perChunk);
+            for (std::size_t i = chunk * perChunk; i < last; ++i) {
+                work(*place, i);
             }
-        });
+        };
+    };
+    OrderedChunks::runEach(chunks, threads, makeWork, [&](std::size_t chunk) {
+        if (report) {
+            report(static_cast<double>(chunk) / static_cast<double>(chunks));
+        }
+    });
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -91,9 +92,28 @@ private:
     std::condition_variable changed;
 };
 
+class Independent : public OrderedChunks::Worker
+{
+public:
+    explicit Independent(OrderedChunks::Work work) : work(std::move(work)) {}
+
+    void compute(std::size_t chunk) override { work(chunk); }
+    void handOver(std::size_t /*chunk*/) override {}
+
+private:
+    OrderedChunks::Work work;
+};
+
 } // namespace
 
 OrderedChunks::Worker::~Worker() = default;
+
+void OrderedChunks::runEach(std::size_t chunks, int threads, const std::function<Work()>& makeWork,
+                            const Work& report)
+{
+    run(
+        chunks, threads, [&] { return std::make_unique<Independent>(makeWork()); }, report);
+}
 
 void OrderedChunks::run(std::size_t chunks, int threads,
                         const std::function<std::unique_ptr<Worker>()>& makeWorker,

@@ -38,4 +38,14 @@ public:
                     const std::function<std::unique_ptr<Worker>()>& makeWorker,
                     const std::function<void(std::size_t chunk)>& report,
                     const std::function<void()>& pause = nullptr);
+
+    using Work = std::function<void(std::size_t chunk)>;
+
+    /**
+     * The same where nothing is handed over, since what a chunk gives has a place of its own.
+     * @param makeWork is called like makeWorker; what it returns may own buffers, as it is called
+     *                 by one thread only.
+     */
+    static void runEach(std::size_t chunks, int threads, const std::function<Work()>& makeWork,
+                        const Work& report);
 };

@@ -152,3 +152,23 @@ TEST(OrderedChunks, PausesWhileItWaitsForOthers)
 
     EXPECT_EQ(where, std::this_thread::get_id());
 }
+
+TEST(OrderedChunks, DoesEachChunkOnceWithTheBuffersOfItsThread)
+{
+    for (const int threads : {1, 3}) {
+        std::vector<int> done(100, 0);
+        int made = 0;
+        const auto makeWork = [&]() -> OrderedChunks::Work {
+            ++made;
+            return [&done, buffer = std::vector<int>(1)](std::size_t chunk) mutable {
+                buffer[0] = static_cast<int>(chunk);
+                done[chunk] += buffer[0] == static_cast<int>(chunk) ? 1 : 0;
+            };
+        };
+
+        OrderedChunks::runEach(100, threads, makeWork, nullptr);
+
+        EXPECT_EQ(done, std::vector<int>(100, 1)) << threads;
+        EXPECT_EQ(made, threads);
+    }
+}
