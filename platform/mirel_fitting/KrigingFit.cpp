@@ -433,6 +433,7 @@ void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double c
         }
     }
     fit.report.nugget = found.parameters.nugget;
+    fit.report.nuggetBound = found.nuggetBound;
     fit.report.processVariance = processVariance * scale * scale;
     fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
     if (!std::isinf(found.secondLogLikelihood)) {

@@ -20,7 +20,9 @@ struct KrigingReport
     };
     /** One per input: where its estimated length ended; None for a fixed one. */
     std::vector<Bound> lengthBounds;
-    double nugget = 0.0;          ///< relative to the process variance
+    double nugget = 0.0; ///< relative to the process variance
+    /** Upper: beyond the trend the cases show no correlation. Never Lower. */
+    Bound nuggetBound = Bound::None;
     double processVariance = 0.0; ///< in squared units of the output
     /** What the nugget stands for, as a standard deviation in the output's unit; 0 where it only
      *  keeps the factorisation sound and the model meets the cases. */

@@ -3,6 +3,7 @@
 #include <mirel_fitting/BoundedSearch.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingLikelihood.h>
+#include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
@@ -234,9 +235,13 @@ public:
         return true;
     }
 
+    bool isNuggetLargest(const std::vector<double>& point) const
+    {
+        return hasNugget && point.back() > upper.back() - near;
+    }
+
     std::vector<KrigingReport::Bound> boundsOf(const std::vector<double>& point) const
     {
-        constexpr double near = 0.01;
         std::vector<KrigingReport::Bound> result;
         for (std::size_t k = 0; k < lengths; ++k) {
             using Bound = KrigingReport::Bound;
@@ -248,6 +253,8 @@ public:
     }
 
     static constexpr double faint = 20.0; ///< the influence of an input, beyond this length
+
+    static constexpr double near = 0.01; // to a bound: at it
 
     std::size_t lengths;
     bool hasNugget;
@@ -270,20 +277,6 @@ void sortByValue(std::vector<Optimum>& optima)
     // Stable: of equals the earlier one leads, run after run.
     std::stable_sort(optima.begin(), optima.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-}
-
-/** A few cases in random order: the cases come sorted, so that every part of them is lopsided. */
-std::vector<std::size_t> sample(std::size_t cases, std::size_t size)
-{
-    std::vector<std::size_t> indices(cases);
-    std::iota(indices.begin(), indices.end(), std::size_t{0});
-    std::mt19937_64 generator(cases);
-    for (std::size_t i = 0; i < size; ++i) {
-        std::swap(indices[i], indices[i + generator() % (cases - i)]);
-    }
-    indices.resize(size);
-    std::sort(indices.begin(), indices.end());
-    return indices;
 }
 
 double expectedWork(const KrigingData& data)
@@ -332,6 +325,7 @@ private:
     void tryFarLengths();
     void dropEndsOfTheRidge();
     void preferLeastNugget();
+    void preferNoiseToSpikes();
     double smallestGain() const;
 
     std::shared_ptr<const KrigingData> data;
@@ -356,14 +350,15 @@ std::vector<std::size_t> Search::ladder() const
     return sizes;
 }
 
-/** From now on the likelihood is that of so many cases. */
+/** From now on the likelihood is that of so many cases, at random: as they come sorted, every other
+ *  part of them would be lopsided. */
 void Search::take(std::size_t cases)
 {
     objective.reset(); // before the memory of the next one is taken
     const std::shared_ptr<const KrigingData> part =
         cases == data->cases
             ? data
-            : std::make_shared<KrigingData>(data->subset(sample(data->cases, cases)));
+            : std::make_shared<KrigingData>(data->subset(randomSubset(data->cases, cases)));
     objective = std::make_unique<LogLikelihood>(part, settings, progress);
     taken = cases;
 }
@@ -691,6 +686,33 @@ void Search::preferLeastNugget()
     }
 }
 
+/**
+ * With all lengths at their lower bound every case stands alone, and the likelihood hardly tells
+ * spikes at the cases from noise. Between the cases both predict the same; of a good number of
+ * cases noise is the simpler story.
+ */
+void Search::preferNoiseToSpikes()
+{
+    constexpr double evidence = 0.4;
+    constexpr std::size_t aGoodNumber = 20;
+
+    const Optimum& best = optima.front();
+    const std::vector<KrigingReport::Bound> bounds = variables.boundsOf(best.point);
+    const bool isSpikes = !bounds.empty() &&
+                          std::all_of(bounds.begin(), bounds.end(), [](KrigingReport::Bound bound) {
+                              return bound == KrigingReport::Bound::Lower;
+                          });
+    if (!variables.hasNugget || !isSpikes || data->cases <= aGoodNumber) {
+        return;
+    }
+    Optimum noise = best;
+    noise.point.back() = variables.upper.back();
+    noise.value = objective->value(noise.point);
+    if (noise.value >= best.value - evidence) {
+        optima.front() = noise;
+    }
+}
+
 KrigingSearch::Result Search::run()
 {
     KrigingSearch::Result result;
@@ -732,9 +754,13 @@ KrigingSearch::Result Search::run()
     }
     if (!settings.isRough) {
         preferLeastNugget();
+        preferNoiseToSpikes();
     }
     result.logLikelihood = optima.front().value;
     result.lengthBounds = variables.boundsOf(optima.front().point);
+    result.nuggetBound = variables.isNuggetLargest(optima.front().point)
+                             ? KrigingReport::Bound::Upper
+                             : KrigingReport::Bound::None;
     result.parameters = objective->parameters(optima.front().point);
     result.evaluations = objective->evaluations;
     return result;

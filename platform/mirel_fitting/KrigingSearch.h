@@ -44,6 +44,8 @@ public:
         KrigingParameters secondParameters; ///< if there is one
         /** One per length that was searched for. */
         std::vector<KrigingReport::Bound> lengthBounds;
+        /** Upper, or None: least nuggets are what is hoped for. */
+        KrigingReport::Bound nuggetBound = KrigingReport::Bound::None;
         bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised
         std::size_t evaluations = 0; ///< of the likelihood with all cases
     };

@@ -72,6 +72,7 @@ KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const Krigi
     }
     result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
     result.lengthBounds = found.lengthBounds;
+    result.nuggetBound = found.nuggetBound;
     const double share = static_cast<double>(data->cases) / static_cast<double>(size);
     result.secondLogLikelihood =
         result.logLikelihood - share * (found.logLikelihood - found.secondLogLikelihood);

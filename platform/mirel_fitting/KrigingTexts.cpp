@@ -96,7 +96,8 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     text += line("Log-likelihood", report.logLikelihood);
     text += line("Second-best log-likelihood", report.secondLogLikelihood);
     text += line("Process variance", report.processVariance);
-    text += line("Nugget (relative to the process variance)", report.nugget);
+    text += "Nugget (relative to the process variance): " + figure(report.nugget) +
+            boundText(report.nuggetBound) + "\n";
     if (report.noiseDeviation > 0.0) {
         text += line("Noise (standard deviation)", report.noiseDeviation);
     }
@@ -140,6 +141,11 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     if (isMostlyNoise) {
         result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
                          " of the output's variance is taken for noise.");
+    }
+    if (report.nuggetBound == KrigingReport::Bound::Upper) {
+        result.push_back("The nugget is at its upper bound, " + figure(report.nugget) +
+                         " times the process variance: beyond the trend the cases show no "
+                         "correlation.");
     }
     // Of noise, or of cases that tell nothing about each other, any lengths are as likely.
     const bool isAModel = !isMostlyNoise && fit.metrics.q2 > 0.0;

@@ -8,6 +8,8 @@
 
 namespace {
 
+using Bound = KrigingReport::Bound;
+
 const double infinity = std::numeric_limits<double>::infinity();
 
 double wave(const std::vector<double>& x)
@@ -515,7 +517,6 @@ TEST(KrigingFit, ReportsWhichLengthsAreAtABound)
     const Columns inputs = latinHypercube(40, 2, 3);
     const std::vector<double> output =
         valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
-    using Bound = KrigingReport::Bound;
 
     const KrigingFit fit = fitOf({inputs[0], std::vector<double>(40, 5.0), inputs[1]}, output);
 
@@ -612,6 +613,30 @@ TEST(KrigingFit, SaysWhenThereIsNothingButNoise)
     };
     EXPECT_TRUE(begins("The model is flat: "));
     EXPECT_TRUE(begins("Noise dominates: "));
+}
+
+TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
+{
+    int alone = 0; // fits in which no case tells anything about another
+    // Noise of which the likelihood prefers spikes by a little.
+    for (const std::uint64_t seed : {9, 15, 32}) {
+        UniformNumbers numbers(seed);
+        std::vector<double> noise;
+        for (std::size_t i = 0; i < 60; ++i) {
+            noise.push_back(numbers.normal());
+        }
+
+        const KrigingFit fit = fitOf(latinHypercube(60, 2, seed), noise);
+
+        if (fit.report.lengthBounds == std::vector<Bound>(2, Bound::Lower)) {
+            ++alone;
+            EXPECT_EQ(fit.report.nuggetBound, Bound::Upper) << seed;
+            EXPECT_TRUE(warns(fit, "The nugget is at its upper bound, 100 times the process "
+                                   "variance: beyond the trend the cases show no correlation."))
+                << seed;
+        }
+    }
+    EXPECT_GT(alone, 0);
 }
 
 TEST(KrigingFit, SaysWhyThereAreNoLeaveOneOutFigures)

@@ -208,3 +208,17 @@ TEST(KrigingTexts, SaysWhenItIsWorseThanTheMean)
               Sentences{"Left-out cases are predicted no better than by the mean of the cases: do "
                         "not rely on this model."});
 }
+
+TEST(KrigingTexts, SaysWhenTheNuggetIsAtItsUpperBound)
+{
+    KrigingFit fit = soundFit();
+    fit.report.nugget = 100.0;
+    fit.report.nuggetBound = Bound::Upper;
+
+    EXPECT_NE(KrigingTexts::quality(fit).find(
+                  "Nugget (relative to the process variance): 100 (at its upper bound)\n"),
+              std::string::npos);
+    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+              Sentences{"The nugget is at its upper bound, 100 times the process variance: beyond "
+                        "the trend the cases show no correlation."});
+}
