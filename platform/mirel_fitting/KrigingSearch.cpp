@@ -2,27 +2,22 @@
 
 #include <mirel_fitting/BoundedSearch.h>
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/KrigingLikelihood.h>
+#include <mirel_fitting/KrigingObjective.h>
+#include <mirel_fitting/KrigingSearchVariables.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <random>
 #include <string>
 
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-constexpr double largestNugget = 100.0;
-constexpr double smoothNugget = 1e-6; // where starts for smooth and for noisy data begin
-constexpr double noisyNugget = 0.05;
-
-// The logarithm of the nugget is searched in steps of a factor of 20 where those of the lengths
-// take one of 2.7: it has farther to go.
-constexpr double nuggetUnit = 3.0;
+constexpr double smoothNugget = KrigingSearchVariables::smoothNugget;
+constexpr double noisyNugget = KrigingSearchVariables::noisyNugget;
 
 // Starts compete on so many cases, or somewhat more: enough to tell the optima apart.
 constexpr std::size_t casesToCompete = 100;
@@ -52,216 +47,6 @@ private:
     double done = 0.0;
 };
 
-/** The likelihood as a function of the logarithms of what is searched for. */
-class LogLikelihood : public BoundedObjective
-{
-public:
-    LogLikelihood(const std::shared_ptr<const KrigingData>& data,
-                  const KrigingSearch::Settings& settings, Progress& progress)
-        : likelihood(data, [&progress](double work) { progress.add(work); }), settings(settings),
-          inputs(data->inputs)
-    {}
-
-    KrigingParameters parameters(const std::vector<double>& point) const
-    {
-        KrigingParameters result;
-        result.lengths = settings.fixedLengths;
-        if (result.lengths.empty()) {
-            for (std::size_t k = 0; k < inputs; ++k) {
-                result.lengths.push_back(std::exp(point[k]));
-            }
-        }
-        // At the bound exactly the bound: its logarithm does not lead back to the same number.
-        const bool isLeast = point.empty() || settings.isNuggetFixed ||
-                             point.back() <= std::log(settings.smallestNugget) / nuggetUnit;
-        result.nugget = isLeast ? settings.smallestNugget : std::exp(nuggetUnit * point.back());
-        return result;
-    }
-
-    double value(const std::vector<double>& point) override
-    {
-        ++evaluations;
-        const KrigingParameters at = parameters(point);
-        nugget = at.nugget;
-        return likelihood.evaluate(at.lengths, at.nugget);
-    }
-
-    bool curvature(std::vector<double>& result) override
-    {
-        std::vector<double> whole;
-        likelihood.averageInformation(whole);
-        const std::size_t stride = inputs + 1;
-        const std::size_t first = settings.fixedLengths.empty() ? 0 : inputs;
-        const std::size_t last = settings.isNuggetFixed ? inputs : stride;
-        const auto unit = [&](std::size_t k) { return k == inputs ? nuggetUnit : 1.0; };
-        result.clear();
-        for (std::size_t i = first; i < last; ++i) {
-            for (std::size_t j = first; j < last; ++j) {
-                result.push_back(unit(i) * unit(j) * whole[i * stride + j]);
-            }
-        }
-        return true;
-    }
-
-    void gradient(std::vector<double>& result) override
-    {
-        likelihood.gradient(result);
-        result.back() *= nuggetUnit;
-        if (settings.isNuggetFixed) {
-            result.pop_back();
-        }
-        if (!settings.fixedLengths.empty()) {
-            result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
-        }
-        noise = nugget * likelihood.processVariance();
-    }
-
-    /** What the nugget stands for at the point of the last gradient: the output is standardised. */
-    double noiseVariance() const { return noise; }
-
-    std::size_t evaluations = 0;
-
-private:
-    KrigingLikelihood likelihood;
-    const KrigingSearch::Settings& settings;
-    std::size_t inputs;
-    double nugget = 0.0;
-    double noise = 0.0;
-};
-
-/** Bounds and starts of the variables that are searched for. */
-class Variables
-{
-public:
-    Variables(const KrigingData& data, const KrigingSearch::Settings& settings)
-        : lengths(settings.fixedLengths.empty() ? data.inputs : 0),
-          hasNugget(!settings.isNuggetFixed)
-    {
-        // Cases half of this apart along an axis are correlated by a third: less cannot be told
-        // from no correlation at all.
-        const double spacing =
-            std::pow(static_cast<double>(data.cases),
-                     -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
-        const double shortest = std::min(KrigingSearch::smallestLength(), 0.5 * spacing);
-        lower.assign(lengths, std::log(shortest));
-        upper.assign(lengths, std::log(KrigingSearch::largestLength()));
-        if (hasNugget) {
-            const double largest = std::max(largestNugget, 10.0 * settings.smallestNugget);
-            lower.push_back(std::log(settings.smallestNugget) / nuggetUnit);
-            upper.push_back(std::log(largest) / nuggetUnit);
-        }
-    }
-
-    std::size_t size() const { return lower.size(); }
-
-    std::vector<double> at(const KrigingParameters& parameters) const
-    {
-        std::vector<double> result;
-        for (std::size_t k = 0; k < lengths; ++k) {
-            result.push_back(std::log(parameters.lengths[k]));
-        }
-        if (hasNugget) {
-            result.push_back(std::log(parameters.nugget) / nuggetUnit);
-        }
-        return result;
-    }
-
-    std::vector<double> uniform(double length, double nugget) const
-    {
-        std::vector<double> start(lengths, std::log(length));
-        if (hasNugget) {
-            start.push_back(std::log(nugget) / nuggetUnit);
-        }
-        return start;
-    }
-
-    /** Half the range suits most data; twice the range smooth functions of many inputs. */
-    std::vector<std::vector<double>> commonStarts(double initialLength) const
-    {
-        std::vector<std::vector<double>> result = {uniform(initialLength, smoothNugget)};
-        if (hasNugget) {
-            result.push_back(uniform(initialLength, noisyNugget));
-        }
-        if (lengths > 0) {
-            result.push_back(uniform(4.0 * initialLength, smoothNugget));
-        }
-        return result;
-    }
-
-    /** Inputs of unlike influence: lengths between a fifth of the range and ten ranges. */
-    std::vector<std::vector<double>> scatteredStarts() const
-    {
-        constexpr int scattered = 12;
-        constexpr std::uint64_t seed = 20180;
-        std::mt19937_64 generator(seed);
-        std::vector<std::vector<double>> result;
-        for (int start = 0; start < scattered; ++start) {
-            std::vector<double> point = uniform(1.0, start % 2 == 0 ? smoothNugget : noisyNugget);
-            for (std::size_t k = 0; k < lengths; ++k) {
-                const double share = static_cast<double>(generator() >> 11) * 0x1.0p-53;
-                point[k] = std::log(10.0) * (1.7 * share - 0.7);
-            }
-            result.push_back(point);
-        }
-        return result;
-    }
-
-    /**
-     * Brings lengths that have run far out back to where the input still has some influence. More
-     * cases may show it, but from far outside no slope leads back: the likelihood has a maximum
-     * there, too.
-     */
-    void recall(std::vector<double>& point) const
-    {
-        for (std::size_t k = 0; k < lengths; ++k) {
-            point[k] = std::min(point[k], std::log(faint));
-        }
-    }
-
-    /** Whether the points are the same optimum, or on their way to it. */
-    bool areClose(const std::vector<double>& a, const std::vector<double>& b) const
-    {
-        // Inputs with hardly any influence, and nuggets that stand for nothing, move freely.
-        const double longLength = std::log(10.0);
-        const double slightNugget = std::log(1e-8) / nuggetUnit;
-        constexpr double apart = 0.5;
-        for (std::size_t k = 0; k < size(); ++k) {
-            const bool isFree = k < lengths ? std::min(a[k], b[k]) > longLength
-                                            : std::max(a[k], b[k]) < slightNugget;
-            if (!isFree && std::fabs(a[k] - b[k]) > apart) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool isNuggetLargest(const std::vector<double>& point) const
-    {
-        return hasNugget && point.back() > upper.back() - near;
-    }
-
-    std::vector<KrigingReport::Bound> boundsOf(const std::vector<double>& point) const
-    {
-        std::vector<KrigingReport::Bound> result;
-        for (std::size_t k = 0; k < lengths; ++k) {
-            using Bound = KrigingReport::Bound;
-            result.push_back(point[k] > upper[k] - near   ? Bound::Upper
-                             : point[k] < lower[k] + near ? Bound::Lower
-                                                          : Bound::None);
-        }
-        return result;
-    }
-
-    static constexpr double faint = 20.0; ///< the influence of an input, beyond this length
-
-    static constexpr double near = 0.01; // to a bound: at it
-
-    std::size_t lengths;
-    bool hasNugget;
-    std::vector<double> lower;
-    std::vector<double> upper;
-};
-
 /** A local maximum of the likelihood. */
 struct Optimum
 {
@@ -289,7 +74,7 @@ double expectedWork(const KrigingData& data)
 /** One of several searches that compete. */
 struct Runner
 {
-    Runner(BoundedObjective& objective, const Variables& variables,
+    Runner(BoundedObjective& objective, const KrigingSearchVariables& variables,
            const std::vector<double>& start)
         : search(objective, variables.lower, variables.upper, start)
     {}
@@ -331,9 +116,9 @@ private:
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
     Progress& progress;
-    Variables variables;
+    KrigingSearchVariables variables;
     std::size_t taken = 0; // cases
-    std::unique_ptr<LogLikelihood> objective;
+    std::unique_ptr<KrigingObjective> objective;
     std::vector<Optimum> optima; // best first
 };
 
@@ -359,7 +144,8 @@ void Search::take(std::size_t cases)
         cases == data->cases
             ? data
             : std::make_shared<KrigingData>(data->subset(randomSubset(data->cases, cases)));
-    objective = std::make_unique<LogLikelihood>(part, settings, progress);
+    objective = std::make_unique<KrigingObjective>(part, settings,
+                                                   [this](double work) { progress.add(work); });
     taken = cases;
 }
 
@@ -612,7 +398,7 @@ void Search::tryFarLengths()
     Optimum& best = optima.front();
     Optimum highest = best;
     for (std::size_t k = 0; k < variables.lengths; ++k) {
-        if (best.point[k] <= std::log(Variables::faint)) {
+        if (best.point[k] <= std::log(KrigingSearchVariables::faint)) {
             continue;
         }
         for (const double place : {std::log(influence), variables.upper[k]}) {
@@ -721,7 +507,7 @@ KrigingSearch::Result Search::run()
         const std::vector<double> nothing;
         result.logLikelihood = objective->value(nothing);
         result.parameters = objective->parameters(nothing);
-        result.evaluations = objective->evaluations;
+        result.evaluations = objective->evaluations();
         return result;
     }
 
@@ -762,7 +548,7 @@ KrigingSearch::Result Search::run()
                              ? KrigingReport::Bound::Upper
                              : KrigingReport::Bound::None;
     result.parameters = objective->parameters(optima.front().point);
-    result.evaluations = objective->evaluations;
+    result.evaluations = objective->evaluations();
     return result;
 }
 
