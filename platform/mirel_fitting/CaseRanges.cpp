@@ -77,6 +77,19 @@ void CaseRanges::distances(const std::vector<double*>& points, std::size_t count
     }
 }
 
+/** Values are typed, shown and kept with few digits, six as a rule: the least value of an input
+ * that comes back from there lies a little outside, which is no reason for doubt. */
+bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distance) const
+{
+    if (isConstant[input]) {
+        constexpr double sixDigits = 5e-6; // relative: half a unit of the sixth digit of 1.00000
+        return distance > 0.0 &&
+               std::fabs(value - minima[input]) > sixDigits * std::fabs(minima[input]);
+    }
+    constexpr double negligible = 1e-3; // of the range
+    return distance > negligible;
+}
+
 std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count) const
 {
     std::size_t outside = 0;
@@ -86,7 +99,10 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
         bool isOutside = false;
         for (std::size_t k = 0; k < minima.size(); ++k) {
             const double beyond = distance(k, points[k][i]);
-            isOutside = isOutside || beyond > 0.0;
+            if (!isWorthAWarning(k, points[k][i], beyond)) {
+                continue;
+            }
+            isOutside = true;
             if (beyond > farthest) {
                 farthest = beyond;
                 farthestInput = k;

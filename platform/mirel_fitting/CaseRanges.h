@@ -26,6 +26,7 @@ public:
 
 private:
     double distance(std::size_t input, double value) const;
+    bool isWorthAWarning(std::size_t input, double value, double distance) const;
 
     std::vector<double> minima;
     std::vector<double> maxima;

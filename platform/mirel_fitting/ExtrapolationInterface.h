@@ -24,7 +24,11 @@ public:
     virtual void extrapolations(const std::vector<double*>& inputs, double* distances,
                                 std::size_t count) const = 0;
 
-    /** The same as a sentence for the user; empty if no point lies outside. */
+    /**
+     * The same as a sentence for the user; empty if no point lies outside by more than what few
+     * digits of a value explain: a thousandth of the range, or of an input with the same value in
+     * all cases half a unit in the sixth digit.
+     */
     virtual std::string extrapolationWarning(const std::vector<double*>& inputs,
                                              std::size_t count) const = 0;
 };

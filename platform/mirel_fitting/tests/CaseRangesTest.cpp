@@ -85,6 +85,33 @@ TEST(CaseRanges, WarnsOfAnotherValueOfAConstant)
         "1 of 2 points lies outside the cases: V3 has another value there than in all cases.");
 }
 
+TEST(CaseRanges, DoesNotWarnOfValuesThatWereWrittenWithSixDigits)
+{
+    Columns columns = {{0.015602722810412861, 0.9793}, {1.0 / 3.0, 1.0 / 3.0}};
+    const CaseRanges ranges(pointersTo(columns), 2);
+    Columns points = {{0.0156027}, {0.333333}};
+    double distance = -7.0;
+
+    ranges.distances(pointersTo(points), 1, &distance);
+
+    EXPECT_GT(distance, 0.0) << "the numbers are as they are";
+    EXPECT_EQ(ranges.warning(pointersTo(points), 1), "");
+}
+
+TEST(CaseRanges, WarnsWhereSixDigitsLoseTheRange)
+{
+    Columns columns = {{1000001.0, 1000002.0}, {1.0 / 3.0, 1.0 / 3.0}};
+    const CaseRanges ranges(pointersTo(columns), 2);
+    Columns rounded = {{1e6}, {1.0 / 3.0}};
+    Columns another = {{1000001.0}, {0.33333}};
+
+    EXPECT_EQ(ranges.warning(pointersTo(rounded), 1),
+              "1 of 1 point lies outside the cases: V1 is up to 1 of its range beyond them. Do not "
+              "rely on predictions there.");
+    EXPECT_EQ(ranges.warning(pointersTo(another), 1),
+              "1 of 1 point lies outside the cases: V2 has another value there than in all cases.");
+}
+
 TEST(CaseRanges, OfNoInputsHaveNoOutside)
 {
     double distance = -7.0;
