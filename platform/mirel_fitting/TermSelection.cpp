@@ -3,6 +3,7 @@
 #include <mirel_fitting/ResponseSurfaceAnalysis.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
@@ -47,18 +48,30 @@ TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
             }
         }
         if (best == kept) {
-            return;
+            break;
         }
         ++dropped;
         const double without = criterion(squares + least);
-        if (!(without < current)) {
+        // Infinite: the cases are too few for the terms, before and after.
+        if (!(without < current) && std::isfinite(current)) {
             --dropped;
-            return;
+            break;
         }
         squares += least;
         current = without;
         drop(best);
     }
+    if (std::isinf(current) && current > 0.0) {
+        keepAll();
+    }
+}
+
+void TermSelection::keepAll()
+{
+    for (std::size_t k = 0; k < coefficients.size(); ++k) {
+        wanted[fit.keptTerm(k)] = 1;
+    }
+    dropped = 0;
 }
 
 bool TermSelection::isNeededByOthers(std::size_t term) const

@@ -12,6 +12,9 @@
  * the origins of the inputs (the hierarchy principle: Peixoto, Am. Stat. 44 (1990)). The constant
  * stays.
  *
+ * Where the cases are hardly more than the terms the criterion is infinite: terms go until it is
+ * finite, and all of them stay if it never is.
+ *
  * O(p^3) for p terms, whatever the number of cases.
  */
 class TermSelection
@@ -29,6 +32,7 @@ public:
 private:
     bool isNeededByOthers(std::size_t term) const;
     void drop(std::size_t position);
+    void keepAll();
 
     const PolynomialFit& fit;
     std::vector<char> wanted;

@@ -474,6 +474,31 @@ TEST(ResponseSurfaceSelection, FindsTheFunctionBehindExactData)
     EXPECT_LT(largestDifference(predict(model, cases.inputs), cases.outputs[0]), 1e-13);
 }
 
+TEST(ResponseSurfaceSelection, StartsFromMoreTermsThanTheCriterionAllows)
+{
+    // Six terms: of up to eight cases the criterion is infinite.
+    for (const std::size_t count : {6u, 7u, 8u}) {
+        Cases cases = twoInputs(count, 0.0);
+        for (std::size_t k = 0; k < count; ++k) {
+            cases.outputs[0][k] = 3.0 + 2.0 * cases.inputs[1][k] + (k % 2 == 0 ? 1e-3 : -1e-3);
+        }
+
+        const ResponseSurfaceStatistics statistics = select(cases).responseSurfaceStatistics(0);
+
+        EXPECT_TRUE(std::isfinite(statistics.aicc)) << count;
+        EXPECT_TRUE(statistics.coefficients[2].isKept) << count;
+        EXPECT_GT(statistics.residualDegreesOfFreedom, 0u) << count;
+    }
+}
+
+TEST(ResponseSurfaceSelection, KeepsEverythingOfThreeCases)
+{
+    // The criterion does not even judge a constant.
+    const Cases cases{{{0.0, 1.0, 2.0}}, {{1.0, 5.0, 2.0}}};
+
+    EXPECT_TRUE(select(cases).responseSurfaceStatistics(0).droppedTerms.empty());
+}
+
 TEST(ResponseSurfaceSelection, IsThatOfEachOutputByItself)
 {
     Cases cases = vapourDeposition();
