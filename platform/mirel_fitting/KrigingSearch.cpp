@@ -444,7 +444,7 @@ void Search::dropEndsOfTheRidge()
 void Search::preferLeastNugget()
 {
     constexpr double evidence = 0.1; // less in the likelihood speaks for nothing
-    constexpr double significance = 0.4;
+    constexpr double significance = 2.7;
     constexpr double slightNoise = 1e-4; // its variance
     constexpr std::size_t casesPerLength = 5;
 

@@ -323,12 +323,10 @@ TEST(KrigingFit, MeetsAHandfulOfCasesThatCouldAsWellBeNoise)
     EXPECT_NEAR(valueAt(fit, {2.0}), 0.4, 1e-9);
 }
 
-TEST(KrigingFit, MeetsSmoothCasesUnlessTheLikelihoodSpeaksForNoise)
+TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
 {
+    // Some of these designs are most likely with a nugget near 1e-6, by less than 2.
     const auto smooth = [](const std::vector<double>& x) { return 1.0 / (1.0 + x[0] + x[1]); };
-    KrigingOptions leastNugget = withTrend(1);
-    leastNugget.isNuggetFixed = true;
-    int met = 0;
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         UniformNumbers numbers(seed);
         const Columns inputs = {numbers.next(30), numbers.next(30)};
@@ -336,17 +334,8 @@ TEST(KrigingFit, MeetsSmoothCasesUnlessTheLikelihoodSpeaksForNoise)
 
         const KrigingFit fit = fitOf(inputs, output, withTrend(1));
 
-        if (fit.metrics.rmse < 1e-6) {
-            ++met;
-            continue;
-        }
-        // Noise of a thousandth of the deviation, and likelier than none.
-        EXPECT_LT(fit.report.noiseDeviation, 1e-3) << "seed " << seed;
-        EXPECT_GT(fit.report.logLikelihood,
-                  fitOf(inputs, output, leastNugget).report.logLikelihood + 0.3)
-            << "seed " << seed;
+        EXPECT_LT(fit.metrics.rmse, 1e-6) << "seed " << seed;
     }
-    EXPECT_GE(met, 15);
 }
 
 TEST(KrigingFit, LowersTheTrendForFewCases)
