@@ -10,6 +10,7 @@
 #include <mirel_fitting/ResponseSurfaceAnalysis.h>
 #include <mirel_fitting/ResponseSurfaceTexts.h>
 #include <mirel_fitting/TermSelection.h>
+#include <mirel_fitting/TermSelectionScope.h>
 #include <mirel_fitting/TrainingColumns.h>
 
 #include <algorithm>
@@ -183,7 +184,7 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, int highestOrder)
     : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount, highestOrder,
-                                    Selection::All)
+                                    TermSelectionScope::current())
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(

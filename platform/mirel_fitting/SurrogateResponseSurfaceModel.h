@@ -75,7 +75,8 @@ public:
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder);
 
-    /** The others select Selection::All. */
+    /** The others take the selection of the TermSelectionScope of this thread, else
+     *  Selection::All. */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder, Selection selection);
