@@ -91,6 +91,8 @@ struct Words
     std::string threads;
     std::string folds;
     std::string interval;
+    bool wantsSelectedTerms = false;
+    bool wantsAllTerms = false;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };
@@ -111,6 +113,8 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     each("--count", line.counts);
     each("--at", line.values);
     app.add_option("-m,--model", words.model);
+    app.add_flag("--select-terms", words.wantsSelectedTerms);
+    app.add_flag("--all-terms", words.wantsAllTerms);
     app.add_option("--separator", words.separator);
     app.add_option("--decimal", words.decimalMark);
     app.add_option("--cases", line.cases);
@@ -156,6 +160,16 @@ void require(bool condition, const std::string& sentence)
     }
 }
 
+std::optional<CaseSession::Terms> termsOf(const Words& words)
+{
+    require(!words.wantsSelectedTerms || !words.wantsAllTerms,
+            "--select-terms and --all-terms exclude each other.");
+    if (!words.wantsSelectedTerms && !words.wantsAllTerms) {
+        return std::nullopt;
+    }
+    return words.wantsSelectedTerms ? CaseSession::SelectedTerms : CaseSession::AllTerms;
+}
+
 /** What is fitted already cannot be chosen any more. */
 void checkModelFile(const CommandLine& line)
 {
@@ -169,6 +183,8 @@ void checkModelFile(const CommandLine& line)
     require(line.inputs.empty() && line.outputs.empty() && line.excluded.empty() && !line.model,
             "-x, -y, -m and --exclude choose what is fitted; " + name +
                 " is an exported model, fitted already.");
+    require(!line.terms, "--select-terms and --all-terms choose what is fitted; " + name +
+                             " is an exported model, fitted already.");
     require(line.save.empty(), "--save keeps a choice of cases, and " + name +
                                    " is an exported model, without cases.");
     require(!line.interval, "--interval takes how the cases lie about the model, and " + name +
@@ -224,6 +240,12 @@ void checkCombination(const CommandLine& line)
             "Only the response surface has equations: leave out -m kriging.");
     require(!line.model || line.command != CommandLine::Compare,
             "The command compare takes both models: leave out -m.");
+    require(!line.terms || choosesSomething,
+            "--select-terms and --all-terms belong to the commands that choose something; this one "
+            "does not.");
+    require(!line.terms || line.model != CaseSession::Kriging,
+            "--select-terms and --all-terms choose the terms of a response surface: leave out "
+            "-m kriging.");
     require(line.report.empty() || line.command == CommandLine::Fit,
             "--report belongs to the command fit.");
     require(line.report != "-", "--report needs the name of a file for the page.");
@@ -267,6 +289,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     if (app.count("--model") > 0) {
         line.model = modelOf(words.model);
     }
+    line.terms = termsOf(words);
     if (app.count("--decimal") > 0) {
         line.decimalMark = decimalMarkOf(words.decimalMark);
     }

@@ -37,6 +37,7 @@ struct CommandLine
     std::vector<std::string> outputs;
     std::vector<std::string> excluded;
     std::optional<CaseSession::Model> model;
+    std::optional<CaseSession::Terms> terms;
     std::vector<std::string> sweeps;
     std::vector<std::string> counts;
     std::vector<std::string> values;

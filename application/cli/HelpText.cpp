@@ -32,8 +32,8 @@ Cases
 
 Projects
   --save FILE.surrogate.xml   keeps what was chosen once the command has succeeded: the case file,
-                   how it is read, roles, excluded cases, model, values. A project that is replaced
-                   stays as FILE.surrogate.xml.bak
+                   how it is read, roles, excluded cases, model, terms, values. A project that is
+                   replaced stays as FILE.surrogate.xml.bak
   A command that is given a project document starts from what it holds; options override it, name
   by name. The case file is looked for where it was, seen from the document, and must not have
   changed.
@@ -49,6 +49,12 @@ Roles
 
 Model
   -m, --model M    response-surface (default) or kriging
+  --select-terms   a response surface keeps only the terms that lower the corrected Akaike criterion
+                   (AICc), for each output by itself; a linear term stays while one of second order
+                   has its input. What was left out is said, and the statistics of the terms that
+                   stay do not know of the choice: their p values are too small. compare tells
+                   whether it helps: it selects in each fold
+  --all-terms      takes the choice back that a project holds
 
 Comparison (compare)
   --folds K        the cases are parted into K folds, each predicted by models of the others; 10,

@@ -184,6 +184,14 @@ CaseSession openProject(const CommandLine& line)
     } else {
         noteUnknownModel(line, document);
     }
+    if (line.terms) {
+        // A comparison has a response surface whatever the project chooses.
+        if (session.modelType() == CaseSession::Kriging && line.command != CommandLine::Compare) {
+            throw UsageError("--select-terms and --all-terms choose the terms of a response "
+                             "surface, and the project chooses kriging: add -m response-surface.");
+        }
+        session.chooseTerms(*line.terms);
+    }
     return session;
 }
 
@@ -219,8 +227,10 @@ CaseSession openCases(const CommandLine& line)
     const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
     const std::vector<std::size_t> excluded =
         line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
-    return CaseSession(std::move(table), roles, excluded,
-                       line.model.value_or(CaseSession::ResponseSurface));
+    CaseSession session(std::move(table), roles, excluded,
+                        line.model.value_or(CaseSession::ResponseSurface));
+    session.chooseTerms(line.terms.value_or(CaseSession::AllTerms));
+    return session;
 }
 
 /** Finds the inputs that values are given for. */

@@ -24,6 +24,7 @@
 #include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/TermSelectionScope.h>
 #include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
@@ -146,6 +147,13 @@ public:
             all.insert(offsetOf(output));
         }
         return all;
+    }
+
+    /** What is to be in force whenever the manager is asked for a model. */
+    TermSelectionScope::Selection selection() const
+    {
+        return state.selectsTerms() ? TermSelectionScope::Selection::BackwardAicc
+                                    : TermSelectionScope::Selection::All;
     }
 
     /** The inputs' values in the first columns of a table. */
@@ -337,6 +345,17 @@ void CaseSession::chooseModel(Model model)
                                                       : Manager::ResponseSurface);
 }
 
+void CaseSession::chooseTerms(Terms terms)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    impl->state.selectTerms(terms == SelectedTerms);
+}
+
+CaseSession::Terms CaseSession::terms() const
+{
+    return impl->state.selectsTerms() ? SelectedTerms : AllTerms;
+}
+
 void CaseSession::load(const ProjectDocument& document, Recording recording)
 {
     const SessionSettings before = impl->state.settings();
@@ -436,6 +455,7 @@ SurrogateModelInterface& CaseSession::fit()
         return *impl->fitted;
     }
     const Stopwatch watch;
+    const TermSelectionScope selection(impl->selection());
     try {
         SurrogateModelInterface& model = impl->state.manager->model(impl->dependents());
         model.activateDependentVariables(impl->offsets());
@@ -505,6 +525,7 @@ vtkSmartPointer<vtkTable> CaseSession::evaluate()
     const auto errorTaker = vtkSmartPointer<ErrorTaker>::Take(ErrorTaker::New());
     filter->AddObserver("ErrorEvent", errorTaker);
 
+    const TermSelectionScope selection(impl->selection());
     const Stopwatch watch;
     filter->Update();
     impl->times.evaluate = watch.seconds();
@@ -574,6 +595,7 @@ std::string CaseSession::equationText()
 {
     fit();
     std::ostringstream text;
+    const TermSelectionScope selection(impl->selection());
     const std::set<VarPtr> dependents = impl->dependents();
     SurfaceCoefficientExporter(*impl->state.manager, dependents, text).exportData();
     return text.str();

@@ -67,6 +67,13 @@ public:
         ResponseSurface
     };
 
+    /** Which terms of its polynomial a response surface has. */
+    enum Terms
+    {
+        AllTerms,
+        SelectedTerms ///< those that lower the corrected Akaike information criterion, per output
+    };
+
     /** More values of one input than these would not fit a table that anybody can use. */
     static constexpr std::size_t mostSweptValues = 100000000;
 
@@ -121,6 +128,10 @@ public:
     void exclude(const std::vector<std::size_t>& excluded);
 
     void chooseModel(Model model);
+
+    /** All terms unless chosen. The choice stays, without effect, while the model is Kriging. */
+    void chooseTerms(Terms terms);
+    Terms terms() const;
 
     /**
      * Takes the choices of a document instead of those made so far, all or none: after a failure

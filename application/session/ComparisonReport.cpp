@@ -103,6 +103,9 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     text += "Inputs  " + oneLineText(names) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
+    if (session.terms() == CaseSession::SelectedTerms) {
+        text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
+    }
     for (const OutputComparison& output : comparison.outputs) {
         text += outputText(output, comparison.folds);
     }
@@ -128,6 +131,7 @@ std::string ComparisonReport::json(const CaseSession& session, const ModelCompar
              {"recommended", nameOf(output.verdict)},
              {"recommendation", output.recommendation}});
     }
+    json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return SessionJson::dumped(json);
 }

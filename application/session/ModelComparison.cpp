@@ -10,6 +10,7 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/TermSelectionScope.h>
 
 #include <algorithm>
 #include <chrono>
@@ -129,8 +130,13 @@ std::unique_ptr<SurrogateModelInterface> makeModel(Model type, Columns& inputs,
         linearTrend, initialLength, nugget, estimatedNugget);
 }
 
+/** Those before any were selected: a selection of fewer terms is no fault of the cases. */
 std::size_t termsOf(const SurrogateModelInterface& model)
 {
+    const auto* const table = dynamic_cast<const CoefficientTableInterface*>(&model);
+    if (table != nullptr && TermSelectionScope::current() != TermSelectionScope::Selection::All) {
+        return table->coefficientTable(0).size();
+    }
     const auto* const metrics = dynamic_cast<const FitMetricsInterface*>(&model);
     return metrics == nullptr ? 0 : metrics->fitMetrics(0).terms;
 }
@@ -399,6 +405,9 @@ ModelComparison ModelComparison::of(const CaseSession& session, std::size_t fold
                                              std::string(most == 0 ? "none." : "one."));
     }
 
+    const TermSelectionScope selection(session.terms() == CaseSession::SelectedTerms
+                                           ? TermSelectionScope::Selection::BackwardAicc
+                                           : TermSelectionScope::Selection::All);
     ModelComparison comparison;
     comparison.folds = folds;
     const Validation validation(cases, folds);

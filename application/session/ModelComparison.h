@@ -57,8 +57,9 @@ struct OutputComparison
 /**
  * Response surface and Kriging by cross-validation: the valid cases are parted into folds, and each
  * fold is predicted by models of the other cases, made as a session makes them. The figures of both
- * models rest on the same cases, those in whose folds both could be fitted. The choices of the
- * session play no part but for the cases, the inputs and the outputs, and stay as they are.
+ * models rest on the same cases, those in whose folds both could be fitted. Where the session
+ * selects terms, so does each response surface, from the cases of its own. The choices of the
+ * session play no other part but for the cases, the inputs and the outputs, and stay as they are.
  *
  * The verdict is for one model if the paired difference of squared errors, over the cases, is
  * larger than the 97.5 % point of Student's t times its standard error; this takes the cases as

@@ -42,6 +42,9 @@ constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variab
                                                           {"dependent", Variable::Dependent},
                                                           {"unassigned", Variable::Unassigned}}};
 
+/** Selecting none is said by the absence of the element. */
+constexpr std::array<Word<bool>, 1> termSelections = {{{"BackwardAicc", true}}};
+
 [[noreturn]] void refuse(const XmlNode& element, const std::string& message)
 {
     throw XmlFault(element.position, message);
@@ -304,6 +307,12 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
     }
 }
 
+bool readTermSelection(const XmlNode& element)
+{
+    allowOnlyAttributes(element, {"Method"});
+    return requiredWord(element, "Method", termSelections);
+}
+
 /** Its reader takes elements of every name. */
 void checkDistributions(const XmlNode& block)
 {
@@ -381,7 +390,7 @@ const std::set<std::string>& knownTags()
 {
     static const std::set<std::string> tags = {
         "CaseFile",       "Variables",         "Outputs", "ExcludedCases",
-        "SurrogateModel", "UserDistributions", "Sweeps"};
+        "SurrogateModel", "UserDistributions", "Sweeps",  "TermSelection"};
     return tags;
 }
 
@@ -467,6 +476,14 @@ XmlNode sweepsElement(const std::vector<ProjectDocument::Sweep>& sweeps)
     }
     return list;
 }
+
+/** Versions that know no selection keep it like everything unknown, and fit all terms. */
+XmlNode termSelectionElement()
+{
+    XmlNode element = XmlNode::element("TermSelection");
+    element.setAttribute("Method", wordFor(true, termSelections));
+    return element;
+}
 } // namespace
 
 bool isModelElement(const XmlNode& node)
@@ -516,6 +533,9 @@ void readProjectElements(const XmlNode& root, ProjectDocument& document, Project
     if (const XmlNode* const sweeps = root.child("Sweeps")) {
         document.sweeps = readSweeps(*sweeps, known);
     }
+    if (const XmlNode* const selection = root.child("TermSelection")) {
+        document.selectsTerms = readTermSelection(*selection);
+    }
 }
 
 XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& settings)
@@ -533,6 +553,9 @@ XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& s
         root.children.push_back(*settings.userDistributions);
     }
     root.children.push_back(sweepsElement(document.sweeps));
+    if (document.selectsTerms) {
+        root.children.push_back(termSelectionElement());
+    }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
     return root;
 }

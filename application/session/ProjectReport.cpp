@@ -107,6 +107,9 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                (cases.hasDecimalComma ? "commas" : "points")});
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
+    if (document.selectsTerms) {
+        head.add({"Terms", "selected by AICc, if it is a response surface"});
+    }
     head.add({"Inputs", joined(document.modelInputs())});
     head.add({"Outputs", joined(document.outputs)});
 
@@ -145,6 +148,7 @@ std::string ProjectReport::json(const ProjectDocument& document)
         json["excluded"].push_back(position + 1);
     }
     json["model"] = modelName(document);
+    json["selectsTerms"] = document.selectsTerms;
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;
     json["evaluationPoint"] = distributionsJson(document.evaluationPoint());

@@ -309,7 +309,11 @@ std::string SessionReport::fitText(CaseSession& session)
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + caseText(session) + '\n';
     text += std::string("Model   ") +
-            (session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface") + '\n';
+            (session.modelType() == CaseSession::Kriging ? "Kriging"
+             : session.terms() == CaseSession::SelectedTerms
+                 ? "response surface, terms selected by AICc"
+                 : "response surface") +
+            '\n';
     std::vector<std::string> legend;
     legend.reserve(inputs.size());
     for (const std::string& input : inputs) {

@@ -20,6 +20,14 @@
 #include <set>
 #include <string>
 
+/** The pipeline can have the manager drop its model although no case has changed. */
+class SessionPipeline : public ProjectDataPipelineManager
+{
+public:
+    using ProjectDataPipelineManager::emitChanged;
+    using ProjectDataPipelineManager::ProjectDataPipelineManager;
+};
+
 namespace {
 using Collection = SurrogateModelUserDistCollection;
 
@@ -49,10 +57,9 @@ boost::shared_ptr<Project> openProject(CaseTable& table)
 }
 
 boost::shared_ptr<SurrogateModelManager>
-managerOf(const boost::shared_ptr<Project>& project,
+managerOf(const boost::shared_ptr<SessionPipeline>& pipeline,
           const boost::shared_ptr<SurrogateModelInterface>& model)
 {
-    const auto pipeline = boost::make_shared<ProjectDataPipelineManager>(project);
     if (model != nullptr) {
         return boost::make_shared<RestoredModelManager>(pipeline, model);
     }
@@ -75,14 +82,16 @@ bool SessionSettings::operator==(const SessionSettings& other) const
     return variables == other.variables && excluded == other.excluded && type == other.type &&
            inputs == other.inputs && outputs == other.outputs &&
            evaluationPoint == other.evaluationPoint &&
-           userDistributions == other.userDistributions && sweeps == other.sweeps;
+           userDistributions == other.userDistributions && sweeps == other.sweeps &&
+           selectsTerms == other.selectsTerms;
 }
 
 SessionState::SessionState(CaseTable& table) : SessionState(table, nullptr) {}
 
 SessionState::SessionState(CaseTable& table,
                            const boost::shared_ptr<SurrogateModelInterface>& model)
-    : project(openProject(table)), manager(managerOf(project, model)),
+    : project(openProject(table)), pipeline(boost::make_shared<SessionPipeline>(project)),
+      manager(managerOf(pipeline, model)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),
       interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
 {}
@@ -101,6 +110,7 @@ SessionSettings SessionState::settings() const
     settings.evaluationPoint = manager->evaluationPoint()->get();
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
+    settings.selectsTerms = isSelectionWanted;
     return settings;
 }
 
@@ -123,6 +133,7 @@ void SessionState::setSettings(const SessionSettings& settings)
     userDistributions->set(settings.userDistributions);
     interpolation->setSweeps(settings.sweeps);
     setOutputs(settings.outputs);
+    selectTerms(settings.selectsTerms);
 }
 
 void SessionState::chooseRoles(const CaseRoles& roles)
@@ -164,6 +175,18 @@ void SessionState::exclude(const std::vector<std::size_t>& excluded)
     include(excluded, false);
 }
 
+void SessionState::selectTerms(bool isWanted)
+{
+    if (isWanted == isSelectionWanted) {
+        return;
+    }
+    isSelectionWanted = isWanted;
+    // A Kriging model has no terms to select, and may have taken long.
+    if (manager->type()->get() == SurrogateModelManagerInterface::ResponseSurface) {
+        pipeline->emitChanged();
+    }
+}
+
 std::vector<std::size_t> SessionState::excluded() const
 {
     std::vector<std::size_t> positions;
@@ -196,6 +219,7 @@ void SessionState::load(const ProjectDocument& document)
     for (const ProjectDocument::Sweep& sweep : document.sweeps) {
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
+    loaded.selectsTerms = document.selectsTerms;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
@@ -231,6 +255,7 @@ void SessionState::save(ProjectDocument& document) const
             document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
         }
     }
+    document.selectsTerms = isSelectionWanted;
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }

@@ -20,6 +20,7 @@
 class Project;
 class ProjectDocument;
 class SurrogateModelInterface;
+class SessionPipeline;
 class SurrogateModelManager;
 
 namespace veska {
@@ -48,6 +49,7 @@ struct SessionSettings
     SurrogateModelUserDistCollection evaluationPoint;
     SurrogateModelUserDistCollection userDistributions;
     std::map<VarPtr, SweepInterpolationVariables::Sweep> sweeps;
+    bool selectsTerms = false;
 };
 
 /**
@@ -82,6 +84,11 @@ public:
     /** Takes these cases out, by their positions, and all others in. */
     void exclude(const std::vector<std::size_t>& excluded);
 
+    /** Whether response surfaces are to select their terms. A model with others is dropped; whoever
+     *  asks the manager for a model opens a TermSelectionScope. */
+    void selectTerms(bool isWanted);
+    bool selectsTerms() const { return isSelectionWanted; }
+
     /** Positions of the excluded cases, ascending. */
     std::vector<std::size_t> excluded() const;
 
@@ -95,6 +102,7 @@ public:
     void save(ProjectDocument& document) const;
 
     const boost::shared_ptr<Project> project;
+    const boost::shared_ptr<SessionPipeline> pipeline;
     const boost::shared_ptr<SurrogateModelManager> manager;
     const boost::shared_ptr<veska::Property<SurrogateModelUserDistCollection>> userDistributions;
     const boost::shared_ptr<SweepInterpolationVariables> interpolation;
@@ -105,4 +113,6 @@ public:
 private:
     void check(const ProjectDocument& document) const;
     void setOutputs(const std::vector<VarPtr>& wanted);
+
+    bool isSelectionWanted = false;
 };

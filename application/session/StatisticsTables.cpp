@@ -115,6 +115,15 @@ Json stationaryPointJson(const std::optional<StationaryPoint>& point)
             {"isInsideData", point->isInsideData},
             {"curvatures", point->curvatures}};
 }
+
+Json droppedTermsJson(const std::vector<std::string>& terms, const std::vector<std::string>& inputs)
+{
+    Json json = Json::array();
+    for (const std::string& term : terms) {
+        json.push_back({{"term", term}, {"name", termWithInputNames(term, inputs)}});
+    }
+    return json;
+}
 } // namespace
 
 std::vector<StatisticsTables::Table>
@@ -166,7 +175,8 @@ Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
     Json json = {{"coefficients", coefficientsJson(statistics.coefficients, inputs)},
                  {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs)},
                  {"anova", anovaJson(statistics.anova)},
-                 {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)}};
+                 {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)},
+                 {"droppedTerms", droppedTermsJson(statistics.droppedTerms, inputs)}};
     for (std::size_t i = 0; i < statistics.codedCoefficients.size(); ++i) {
         json["codedCoefficients"][i]["varianceInflation"] =
             statistics.codedCoefficients[i].varianceInflation;

@@ -238,6 +238,12 @@ const RefusedDocument refusedDocuments[] = {
      "</SurrogateModelUserDefinedVariableDistribution></UserDistributions><Sweeps>",
      "line 15, column 69: the attribute \"Unit\" of the element \"Any\" is not known to this "
      "version; remove it, or open the document with the program that wrote it."},
+    {"TermSelection", "  <Sweeps>", "  <TermSelection Method=\"Forward\"/>\n  <Sweeps>",
+     "line 15, column 3: the attribute \"Method\" of the element \"TermSelection\" must be "
+     "\"BackwardAicc\", not \"Forward\"."},
+    {"TwoTermSelections", "  <Sweeps>",
+     "  <TermSelection Method=\"BackwardAicc\"/>\n  <TermSelection/>\n  <Sweeps>",
+     "line 16, column 3: the element \"TermSelection\" comes twice."},
     {"Declaration", "<SurrogateProject", "<!DOCTYPE SurrogateProject>\n<SurrogateProject",
      "line 2, column 1: a document type declaration is not accepted; remove it."},
 };

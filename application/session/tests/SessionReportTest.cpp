@@ -87,8 +87,9 @@ TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
               Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
-    EXPECT_EQ(keysOf(json["outputs"][0]), (Keys{"anova", "codedCoefficients", "coefficients",
-                                                "metrics", "name", "stationaryPoint", "warnings"}));
+    EXPECT_EQ(keysOf(json["outputs"][0]),
+              (Keys{"anova", "codedCoefficients", "coefficients", "droppedTerms", "metrics", "name",
+                    "stationaryPoint", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "rmse"}));
     EXPECT_EQ(json["outputs"][1]["name"], "Stress");

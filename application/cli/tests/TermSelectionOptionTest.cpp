@@ -1,0 +1,133 @@
+// The options --select-terms and --all-terms as users meet them.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace {
+using Json = nlohmann::json;
+
+const std::string cases = " cvd.csv -x Pressure,H2/WF6 -y Uniformity ";
+
+const std::string warning = "AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were left "
+                            "out.";
+} // namespace
+
+TEST_F(Program, FitKeepsAllTermsUnlessAskedToSelect)
+{
+    const Json whole = Json::parse(run("fit" + cases + "--json").out)["outputs"][0];
+    EXPECT_EQ(whole["droppedTerms"], Json::array());
+
+    const Json selected =
+        Json::parse(run("fit" + cases + "--select-terms --json").out)["outputs"][0];
+    EXPECT_EQ(selected["droppedTerms"], Json::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
+                                                        {"term": "V2^2", "name": "H2/WF6^2"}])"));
+    EXPECT_EQ(selected["warnings"][0], warning);
+    EXPECT_LT(selected["metrics"]["aicc"], whole["metrics"]["aicc"]);
+}
+
+TEST_F(Program, SelectedTermsHoldForWhateverTheModelIsUsedFor)
+{
+    folder.write("points.csv", "Pressure,H2/WF6\n10,3\n");
+    const std::string named = "Warning for Uniformity: " + warning + "\n";
+
+    const Outcome equation = run("equations" + cases + "--select-terms");
+    EXPECT_EQ(equation.exitCode, 0);
+    EXPECT_EQ(equation.out.find("V1^2"), std::string::npos) << equation.out;
+    EXPECT_EQ(equation.err, named);
+
+    for (const std::string command : {"evaluate", "predict"}) {
+        const std::string values =
+            command == "evaluate" ? "--at Pressure=10 --at H2/WF6=3 " : "--points points.csv ";
+        const Outcome selected = run(command + cases + values + "--select-terms");
+        EXPECT_EQ(selected.exitCode, 0) << selected.err;
+        EXPECT_EQ(selected.err, named);
+        EXPECT_NE(selected.out, run(command + cases + values).out);
+    }
+
+    const Outcome exported = run("export" + cases + "--select-terms --format json -o m.json");
+    EXPECT_EQ(exported.exitCode, 0);
+    EXPECT_EQ(exported.err, named);
+    EXPECT_EQ(
+        linesOf(run("evaluate m.json --at Pressure=10 --at H2/WF6=3").out),
+        linesOf(run("evaluate" + cases + "--at Pressure=10 --at H2/WF6=3 -q --select-terms").out));
+
+    const Outcome plotted = run("plot" + cases + "--kind residuals --select-terms -o p.svg");
+    EXPECT_EQ(plotted.exitCode, 0);
+    EXPECT_EQ(plotted.err, named);
+}
+
+TEST_F(Program, ProjectsKeepTheSelectionUntilItIsTakenBack)
+{
+    const std::string project = "study.surrogate.xml";
+    const auto dropped = [&](const std::string& options) {
+        const Outcome outcome = run("fit " + project + " --json " + options);
+        return Json::parse(outcome.out)["outputs"][0]["droppedTerms"].size();
+    };
+    ASSERT_EQ(run("fit" + cases + "--select-terms --save " + project).exitCode, 0);
+
+    EXPECT_EQ(dropped(""), 2u);
+    EXPECT_EQ(dropped("--all-terms"), 0u);
+    EXPECT_EQ(dropped("--select-terms"), 2u);
+    EXPECT_EQ(dropped("--all-terms --save " + project), 0u);
+    EXPECT_EQ(dropped(""), 0u);
+}
+
+TEST_F(Program, ASelectionIsKeptWhileAProjectTakesKriging)
+{
+    const std::string project = "study.surrogate.xml";
+    ASSERT_EQ(run("fit" + cases + "--select-terms --save " + project).exitCode, 0);
+    ASSERT_EQ(run("fit " + project + " -m kriging --save " + project).exitCode, 0);
+
+    EXPECT_EQ(Json::parse(run("project " + project + " --json").out)["selectsTerms"], true);
+    expectFailure("fit " + project + " --select-terms", 2,
+                  "--select-terms and --all-terms choose the terms of a response surface, and the "
+                  "project chooses kriging: add -m response-surface.");
+    const Outcome again = run("fit " + project + " -m response-surface");
+    EXPECT_NE(again.out.find(warning), std::string::npos) << again.out;
+}
+
+TEST_F(Program, CompareSelectsTermsInEachFold)
+{
+    const std::string project = "study.surrogate.xml";
+    ASSERT_EQ(run("summary" + cases + "-m kriging --save " + project).exitCode, 0);
+
+    const Outcome text = run("compare " + project + " --select-terms -q");
+    EXPECT_EQ(text.exitCode, 0) << text.err;
+    EXPECT_NE(text.out.find("Terms   those of the response surface selected by AICc, anew in each "
+                            "fold\n"),
+              std::string::npos)
+        << text.out;
+    EXPECT_EQ(text.out.find("fewer terms"), std::string::npos) << text.out;
+
+    const Json selected = Json::parse(run("compare" + cases + "--select-terms --json").out);
+    const Json whole = Json::parse(run("compare" + cases + "--json").out);
+    EXPECT_EQ(selected["selectsTerms"], true);
+    EXPECT_EQ(whole["selectsTerms"], false);
+    const auto q2 = [](const Json& object, int model) {
+        return object["outputs"][0]["models"][model]["q2"].get<double>();
+    };
+    EXPECT_GT(q2(selected, 0), q2(whole, 0));
+    EXPECT_EQ(q2(selected, 1), q2(whole, 1));
+}
+
+TEST_F(Program, TermsAreChosenOfAResponseSurfaceThatIsFitted)
+{
+    expectFailure("fit" + cases + "-m kriging --select-terms", 2,
+                  "--select-terms and --all-terms choose the terms of a response surface: leave "
+                  "out -m kriging.");
+    expectFailure("fit" + cases + "--all-terms --select-terms", 2,
+                  "--select-terms and --all-terms exclude each other.");
+    for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
+        expectFailure(
+            command + "--select-terms", 2,
+            "--select-terms and --all-terms belong to the commands that choose something; "
+            "this one does not.");
+    }
+    expectFailure("evaluate m.json --all-terms", 2,
+                  "--select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
+                  "model, fitted already.");
+}
