@@ -125,7 +125,19 @@ const std::vector<double>& BoundedSearch::point() const
 
 void BoundedSearch::advance(int steps, double smallestGain)
 {
+    advance(steps, smallestGain, false);
+}
+
+void BoundedSearch::finish(int steps, double smallestGain)
+{
+    advance(steps, smallestGain, true);
+    done = true;
+}
+
+void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
+{
     constexpr int mostTries = 12;
+    constexpr int triesOfTheLast = 3;
     // Where the function is flat but for rounding, the model keeps expecting what never comes.
     constexpr int mostStalls = 2;
 
@@ -138,7 +150,9 @@ void BoundedSearch::advance(int steps, double smallestGain)
             return;
         }
         const double before = currentValue;
-        if (!tryStep(isLittle ? 1 : mostTries)) {
+        const bool isLast = isLastTime && k + 1 == steps;
+        const int tries = isLast ? triesOfTheLast : mostTries;
+        if (!tryStep(isLittle ? 1 : tries, isLast)) {
             done = true;
             return;
         }
@@ -294,7 +308,7 @@ bool BoundedSearch::learn()
     return isKnown;
 }
 
-bool BoundedSearch::tryStep(int mostTries)
+bool BoundedSearch::tryStep(int mostTries, bool isLast)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
 
@@ -314,6 +328,9 @@ bool BoundedSearch::tryStep(int mostTries)
         const double reached = objective.value(current);
         if (reached >= before + sufficientShare * length * slope) {
             currentValue = reached;
+            if (isLast) {
+                return true;
+            }
             learn();
             for (std::size_t i = 0; i < size; ++i) {
                 step[i] = current[i] - start[i];

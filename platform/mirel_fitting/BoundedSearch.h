@@ -47,6 +47,10 @@ public:
      */
     void advance(int steps, double smallestGain);
 
+    /** The same for the last time, where steps are dear: the slope where they end is not asked for,
+     *  and the last step is shortened twice at most. */
+    void finish(int steps, double smallestGain);
+
     bool isDone() const;
     double value() const;
     const std::vector<double>& point() const;
@@ -58,7 +62,8 @@ private:
                                        const std::vector<double>& lowest,
                                        const std::vector<double>& highest) const;
     bool learn();
-    bool tryStep(int mostTries);
+    void advance(int steps, double smallestGain, bool isLastTime);
+    bool tryStep(int mostTries, bool isLast);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
 

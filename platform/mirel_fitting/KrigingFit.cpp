@@ -77,6 +77,7 @@ private:
     KrigingSearch::Settings searchSettings() const;
     void search();
     void searchLengths();
+    int refinements() const;
     bool isScatterNegligible(const KrigingData& merged) const;
     void warnOfRaisedNugget();
     bool isNuggetWanted() const;
@@ -275,11 +276,23 @@ KrigingSearch::Settings Fitter::searchSettings() const
     return settings;
 }
 
+/** Steps with all cases from what a subset has found: a rule of size, not of time, so that the same
+ *  cases give the same model on every machine. */
+int Fitter::refinements() const
+{
+    const KrigingSizes& sizes = options.sizes;
+    if (data->cases > sizes.mostRefined) {
+        return 0;
+    }
+    return data->cases > sizes.mostRefinedTwice ? 1 : 2;
+}
+
 void Fitter::searchLengths()
 {
     const KrigingSizes& sizes = options.sizes;
     if (data->cases > sizes.mostSearched) {
-        found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched);
+        found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched,
+                                         refinements());
     } else if (options.correlationLengths.empty() && KrigingTrendChoice::isNeeded(*trend, *data)) {
         searchWithTrends();
     } else {
@@ -315,10 +328,12 @@ void Fitter::search()
         searchLengths();
     }
     if (isSubset) {
+        const bool isRefined = refinements() > 0 && options.correlationLengths.empty();
         warnings.push_back("There are more than " + std::to_string(sizes.mostSearched) +
                            " distinct cases: the model is the exact one of all of them, with the "
                            "correlation lengths of " +
-                           counted(sizes.searched, "case") + " spread over all.");
+                           counted(sizes.searched, "case") + " spread over all" +
+                           (isRefined ? ", refined with all." : "."));
     }
     warnOfTrend();
     warnOfRaisedNugget();

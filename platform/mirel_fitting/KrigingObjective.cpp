@@ -26,10 +26,16 @@ KrigingParameters KrigingObjective::parameters(const std::vector<double>& point)
 
 double KrigingObjective::value(const std::vector<double>& point)
 {
+    if (lastValue && point == lastPoint) {
+        return *lastValue;
+    }
     ++count;
     const KrigingParameters at = parameters(point);
     nugget = at.nugget;
-    return likelihood.evaluate(at.lengths, at.nugget);
+    lastPoint = point;
+    lastValue.reset(); // the likelihood may throw
+    lastValue = likelihood.evaluate(at.lengths, at.nugget);
+    return *lastValue;
 }
 
 bool KrigingObjective::curvature(std::vector<double>& result)
@@ -51,6 +57,7 @@ bool KrigingObjective::curvature(std::vector<double>& result)
 
 void KrigingObjective::gradient(std::vector<double>& result)
 {
+    lastValue.reset(); // one gradient per evaluation
     likelihood.gradient(result);
     result.back() *= nuggetUnit;
     if (settings.isNuggetFixed) {

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /**
@@ -31,6 +32,7 @@ public:
      *  whose logarithm does not lead back to the same number. */
     KrigingParameters parameters(const std::vector<double>& point) const;
 
+    /** Of the same point twice running, and without a gradient between, it is evaluated once. */
     double value(const std::vector<double>& point) override;
     bool curvature(std::vector<double>& result) override;
     void gradient(std::vector<double>& result) override;
@@ -45,6 +47,8 @@ private:
     const KrigingSearch::Settings& settings;
     std::size_t inputs;
     std::size_t count = 0;
+    std::vector<double> lastPoint;
+    std::optional<double> lastValue;
     double nugget = 0.0;
     double noise = 0.0;
 };

@@ -64,9 +64,12 @@ void sortByValue(std::vector<Optimum>& optima)
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
 }
 
-double expectedWork(const KrigingData& data)
+double expectedWork(const KrigingData& data, const KrigingSearch::Settings& settings)
 {
     const auto n = static_cast<double>(data.cases);
+    if (settings.mostSteps) {
+        return (0.5 + 0.5 * *settings.mostSteps) * n * n * n;
+    }
     const double m = std::min<double>(n, casesToCompete);
     return 50.0 * m * m * m + 6.0 * n * n * n;
 }
@@ -97,6 +100,7 @@ private:
     std::vector<std::size_t> ladder() const;
     void take(std::size_t cases);
     Optimum search(const std::vector<double>& start, const std::vector<double>& upper, double gain);
+    void continueTheLikeliest();
     void compete();
     void race();
     bool advance(Runner& runner, int steps);
@@ -112,6 +116,7 @@ private:
     void preferLeastNugget();
     void preferNoiseToSpikes();
     double smallestGain() const;
+    void searchFromAll();
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
@@ -180,6 +185,34 @@ Optimum Search::search(const std::vector<double>& start, const std::vector<doubl
     BoundedSearch search(*objective, variables.lower, upper, start);
     search.advance(mostSteps, gain);
     return {search.point(), search.value(), objective->noiseVariance()};
+}
+
+/**
+ * A few steps from the start that is likeliest with all cases. The least nugget stays the least:
+ * the more cases there are of a smooth function, the less of it they need.
+ */
+void Search::continueTheLikeliest()
+{
+    for (const KrigingParameters& start : settings.starts) {
+        const std::vector<double> point = variables.at(start);
+        optima.push_back({point, objective->value(point)});
+    }
+    sortByValue(optima);
+    optima.resize(1);
+    Optimum& best = optima.front();
+    if (*settings.mostSteps == 0 || !std::isfinite(best.value)) {
+        return;
+    }
+    std::vector<double> upper = variables.upper;
+    if (variables.hasNugget && best.point.back() <= variables.lower.back()) {
+        upper.back() = variables.lower.back();
+    }
+    BoundedSearch search(*objective, variables.lower, upper, best.point);
+    search.finish(*settings.mostSteps, smallestGain());
+    if (search.value() > best.value) {
+        best.point = search.point();
+        best.value = search.value();
+    }
 }
 
 /**
@@ -499,18 +532,9 @@ void Search::preferNoiseToSpikes()
     }
 }
 
-KrigingSearch::Result Search::run()
+/** From all starts, on ever more cases, to the best optimum. */
+void Search::searchFromAll()
 {
-    KrigingSearch::Result result;
-    if (variables.size() == 0) {
-        take(data->cases);
-        const std::vector<double> nothing;
-        result.logLikelihood = objective->value(nothing);
-        result.parameters = objective->parameters(nothing);
-        result.evaluations = objective->evaluations();
-        return result;
-    }
-
     const std::vector<std::size_t> sizes =
         settings.starts.empty() ? ladder() : std::vector<std::size_t>{data->cases};
     take(sizes.front());
@@ -533,14 +557,34 @@ KrigingSearch::Result Search::run()
     if (!settings.isRough) {
         tryFarLengths();
     }
-    dropEndsOfTheRidge();
-    if (optima.size() > 1) {
-        result.secondLogLikelihood = optima[1].value;
-        result.secondParameters = objective->parameters(optima[1].point);
+}
+
+KrigingSearch::Result Search::run()
+{
+    KrigingSearch::Result result;
+    if (variables.size() == 0) {
+        take(data->cases);
+        const std::vector<double> nothing;
+        result.logLikelihood = objective->value(nothing);
+        result.parameters = objective->parameters(nothing);
+        result.evaluations = objective->evaluations();
+        return result;
     }
-    if (!settings.isRough) {
-        preferLeastNugget();
-        preferNoiseToSpikes();
+
+    if (settings.mostSteps) {
+        take(data->cases);
+        continueTheLikeliest();
+    } else {
+        searchFromAll();
+        dropEndsOfTheRidge();
+        if (optima.size() > 1) {
+            result.secondLogLikelihood = optima[1].value;
+            result.secondParameters = objective->parameters(optima[1].point);
+        }
+        if (!settings.isRough) {
+            preferLeastNugget();
+            preferNoiseToSpikes();
+        }
     }
     result.logLikelihood = optima.front().value;
     result.lengthBounds = variables.boundsOf(optima.front().point);
@@ -572,7 +616,7 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
 
     Settings attempt = settings;
     attempt.smallestNugget = std::max(attempt.smallestNugget, attempt.soundNugget);
-    Progress progress(expectedWork(*data));
+    Progress progress(expectedWork(*data, attempt));
     bool isRaised = false;
     for (;;) {
         Result result = Search(data, attempt, progress).run();

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /** What the likelihood of a Kriging model is maximised over. */
@@ -31,6 +32,10 @@ public:
         std::vector<double> fixedLengths; ///< scaled; empty: searched for
         /** If given, the nearest optima are searched from there, with all cases. */
         std::vector<KrigingParameters> starts;
+        /** If given, only the likeliest of the starts is continued, by so many steps, and what
+         *  follows the search is left out: with some thousand cases each step takes seconds. 0: the
+         *  start itself. */
+        std::optional<int> mostSteps;
         /** To within some tenths of the likelihood, whatever the tolerance. */
         bool isRough = false;
     };

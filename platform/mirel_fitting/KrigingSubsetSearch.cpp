@@ -41,7 +41,7 @@ std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Sett
 KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
                                                int trendOrder,
                                                const KrigingSearch::Settings& settings,
-                                               std::size_t size)
+                                               std::size_t size, int steps)
 {
     constexpr double searching = 0.4; // of the work
 
@@ -51,28 +51,22 @@ KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const Krigi
         found = ofSubset(*data, trendOrder, settings, size);
     }
 
-    const auto withNugget = [&](double nugget) {
-        KrigingSearch::Settings fixed = settings;
-        fixed.fixedLengths = found.parameters.lengths;
-        fixed.isNuggetFixed = true;
-        fixed.smallestNugget = nugget;
-        return KrigingSearch::run(data, fixed);
-    };
-    KrigingSearch::Result result;
-    {
-        const FitProgress::Portion portion(searching, 0.5 + 0.5 * searching);
-        result = withNugget(found.parameters.nugget);
-    }
-    const FitProgress::Portion portion(0.5 + 0.5 * searching, 1.0);
+    const FitProgress::Portion portion(searching, 1.0);
+    KrigingSearch::Settings near = settings;
+    near.mostSteps = steps;
+    near.starts = {found.parameters};
     if (const auto least = nuggetToTry(settings, found.parameters.nugget)) {
-        KrigingSearch::Result other = withNugget(*least);
-        if (!other.isNuggetRaised && other.logLikelihood > result.logLikelihood) {
-            result = other;
-        }
+        near.starts.push_back({found.parameters.lengths, *least});
     }
+    if (settings.isNuggetFixed) {
+        near.smallestNugget = found.parameters.nugget; // raised, perhaps
+    }
+    KrigingSearch::Result result = KrigingSearch::run(data, near);
     result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
-    result.lengthBounds = found.lengthBounds;
     result.nuggetBound = found.nuggetBound;
+    if (steps == 0) {
+        result.lengthBounds = found.lengthBounds; // of fewer cases, that are farther apart
+    }
     const double share = static_cast<double>(data->cases) / static_cast<double>(size);
     result.secondLogLikelihood =
         result.logLikelihood - share * (found.logLikelihood - found.secondLogLikelihood);

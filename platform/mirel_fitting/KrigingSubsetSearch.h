@@ -29,9 +29,11 @@ public:
                                              double estimated);
 
     /**
-     * Lengths and nugget of the subset, and the likelihood of all cases with them; with
-     * nuggetToTry() where that is likelier. Costs one or two likelihoods of all cases.
+     * Lengths and nugget of the subset; nuggetToTry() where that is likelier with all cases. From
+     * there so many steps with all cases, each of which costs a likelihood and its gradient; one
+     * that does not gain is not taken.
      */
     static KrigingSearch::Result run(const std::shared_ptr<const KrigingData>& data, int trendOrder,
-                                     const KrigingSearch::Settings& settings, std::size_t size);
+                                     const KrigingSearch::Settings& settings, std::size_t size,
+                                     int steps);
 };

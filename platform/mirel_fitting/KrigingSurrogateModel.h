@@ -28,11 +28,12 @@
  * together.
  *
  * A fit costs some ten to thirty times n^3 multiplications and two n x n matrices for n distinct
- * cases; above 5000 the lengths are those of 2500, and a few times n^3 remain. More than 10 000 are
- * modelled in two layers: an exact model of 10 000 spread over all of them, and nearest-neighbour
- * Kriging of what it leaves, unless one of the two alone predicts left-out cases better; the memory
- * is then some 2 GiB and 500 bytes per case. fitWarnings() says what was chosen. The order of the
- * cases and the number of threads do not change a fit.
+ * cases; above 5000 the lengths are those of 2500, refined by one or two steps with all of them,
+ * and a few times n^3 remain. More than 10 000 are modelled in two layers: an exact model of 10 000
+ * spread over all of them, and nearest-neighbour Kriging of what it leaves, unless one of the two
+ * alone predicts left-out cases better; the memory is then some 2 GiB and 500 bytes per case.
+ * fitWarnings() says what was chosen. The order of the cases and the number of threads do not
+ * change a fit.
  */
 class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface,
                                                    public virtual FitMetricsInterface,

@@ -14,6 +14,9 @@
 struct KrigingSizes
 {
     std::size_t mostSearched = 5000; ///< more take lengths and nugget from a subset
+    /** Up to so many, the subset's are refined by two steps with all cases, beyond by one. */
+    std::size_t mostRefinedTwice = 7000;
+    std::size_t mostRefined = 10000; ///< more are not refined
     std::size_t mostExact = 10000;   ///< more have no correlation matrix of all of them
     std::size_t subset = 10000;      ///< what is then modelled exactly
     std::size_t searched = 2500;     ///< the subset for lengths and nugget

@@ -203,3 +203,30 @@ TEST(BoundedSearch, StopsWhenStepsGainNextToNothing)
     EXPECT_TRUE(search.isDone());
     EXPECT_LT(objective.gradients, 10);
 }
+
+TEST(BoundedSearch, AsksForNoSlopeAfterTheLastStep)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
+    const double before = search.value();
+
+    search.finish(2, 1e-9);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_GT(search.value(), before);
+    EXPECT_EQ(search.value(), objective.function(search.point()));
+    EXPECT_EQ(objective.gradients, 2);
+}
+
+TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)
+{
+    // The slope promises a rise that never comes.
+    Objective objective([](const Vector& x) { return x[0] == 0.0 ? 0.0 : -1.0; },
+                        [](const Vector&) { return Vector{1.0}; });
+    BoundedSearch search(objective, {-2.0}, {2.0}, {0.0});
+
+    search.finish(1, 1e-9);
+
+    EXPECT_EQ(search.point(), Vector{0.0});
+    EXPECT_EQ(objective.values, 1 + 3);
+}

@@ -91,3 +91,19 @@ TEST(KrigingObjective, HasTheGradientOfItsDifferences)
         EXPECT_NEAR(gradient[k], slope, 1e-5 * (1.0 + std::fabs(slope))) << k;
     }
 }
+
+TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
+{
+    KrigingSearch::Settings settings;
+    KrigingObjective objective(someCases(), settings, nullptr);
+    const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
+    const double value = objective.value(point);
+    EXPECT_EQ(objective.value(point), value);
+    EXPECT_EQ(objective.evaluations(), 1u);
+
+    std::vector<double> gradient;
+    objective.gradient(gradient);
+
+    EXPECT_EQ(objective.value(point), value);
+    EXPECT_EQ(objective.evaluations(), 2u);
+}

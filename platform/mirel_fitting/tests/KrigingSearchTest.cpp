@@ -211,6 +211,34 @@ TEST(KrigingSearch, SearchesFromGivenStartsAlone)
     EXPECT_LT(result.evaluations, usual.evaluations);
 }
 
+TEST(KrigingSearch, ContinuesTheLikeliestStartByAFewSteps)
+{
+    const auto data = wave(40);
+    KrigingSearch::Settings settings;
+    settings.starts = {{{0.2, 0.2}, 1e-3}, {{0.4, 1.0}, 1e-6}};
+    settings.mostSteps = 0;
+    const KrigingSearch::Result start = KrigingSearch::run(data, settings);
+    settings.mostSteps = 1;
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+    EXPECT_NEAR(start.parameters.lengths[1], 1.0, 1e-12);
+    EXPECT_EQ(start.evaluations, 2u);
+    EXPECT_GT(result.logLikelihood, start.logLikelihood);
+    EXPECT_EQ(result.logLikelihood,
+              likelihoodAt(data, result.parameters.lengths, result.parameters.nugget));
+}
+
+TEST(KrigingSearch, LeavesTheLeastNuggetWhereItIsInAFewSteps)
+{
+    KrigingSearch::Settings settings;
+    settings.smallestNugget = 1e-10;
+    settings.starts = {{{0.4, 1.0}, 1e-10}};
+    settings.mostSteps = 2;
+
+    EXPECT_EQ(KrigingSearch::run(wave(40), settings).parameters.nugget, 1e-10);
+}
+
 TEST(KrigingSearch, IsSatisfiedWithTenthsWhereItIsRough)
 {
     const auto data = wave(40);
