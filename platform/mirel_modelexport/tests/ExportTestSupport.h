@@ -54,6 +54,7 @@ struct Cases
     std::vector<std::string> outputNames;
     std::vector<Column> inputs;
     std::vector<Column> outputs;
+    Column correlationLengths = {}; ///< none: estimated, and the trend lowered where it costs much
 
     static std::vector<double*> pointers(std::vector<Column>& columns)
     {
@@ -73,8 +74,8 @@ struct Cases
                                                                      pointers(outputs), count());
         }
         return boost::make_shared<KrigingSurrogateModel>(pointers(inputs), pointers(outputs),
-                                                         static_cast<int>(count()), 1e-4, Column{},
-                                                         1, 0.5, 0.0, 0);
+                                                         static_cast<int>(count()), 1e-4,
+                                                         correlationLengths, 1, 0.5, 0.0, 0);
     }
 
     ExportedModel exported(Kind kind)
@@ -141,6 +142,14 @@ inline Cases cvd()
              {8.04, 7.78, 7.58, 7.27, 6.49, 7.69, 6.66, 7.16, 8.33, 8.19, 7.9}}};
 }
 
+/** The same with lengths given, so that Kriging keeps its linear trend. */
+inline Cases cvdWithTrend()
+{
+    Cases cases = cvd();
+    cases.correlationLengths = {60.0, 8.0};
+    return cases;
+}
+
 struct NamedCases
 {
     std::string name;
@@ -160,6 +169,7 @@ inline std::vector<NamedCases> varieties()
         value += 0.5 * random.next();
     }
     return {{"cvd", cvd()},
+            {"linearTrend", cvdWithTrend()},
             {"oneInput", smoothCases(9, 1, -3.0, 5.0, 10.0, 1.0)},
             {"eightInputs", smoothCases(60, 8, -1.0, 1.0, 0.0, 100.0)},
             {"noInput", smoothCases(5, 0, 0.0, 1.0, 2.0, 1.0)},

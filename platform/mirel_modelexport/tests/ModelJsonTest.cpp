@@ -31,7 +31,7 @@ std::string refusalOf(const std::string& json)
 /** The same for a Kriging model that was changed. */
 std::string refusalOf(const std::function<void(Json&)>& change, Kind kind = Kriging)
 {
-    Json json = Json::parse(jsonOf(cvd(), kind));
+    Json json = Json::parse(jsonOf(cvdWithTrend(), kind));
     change(json);
     return refusalOf(json.dump());
 }
