@@ -59,20 +59,6 @@ StatisticsTables::Table anovaTable(const std::vector<AnovaRow>& anova)
     return table;
 }
 
-const char* nameOf(StationaryPoint::Nature nature)
-{
-    switch (nature) {
-    case StationaryPoint::Nature::Minimum:
-        return "minimum";
-    case StationaryPoint::Nature::Maximum:
-        return "maximum";
-    case StationaryPoint::Nature::Saddle:
-        return "saddle";
-    default:
-        return "ridge";
-    }
-}
-
 Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
                       const std::vector<std::string>& inputs)
 {
@@ -109,7 +95,7 @@ Json stationaryPointJson(const std::optional<StationaryPoint>& point)
     if (!point) {
         return nullptr;
     }
-    return {{"nature", nameOf(point->nature)},
+    return {{"nature", natureName(point->nature)},
             {"coordinates", point->coordinates},
             {"value", point->value},
             {"isInsideData", point->isInsideData},
@@ -139,7 +125,7 @@ std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistic
                                                   const std::vector<std::string>& inputs)
 {
     if (!statistics.stationaryPoint) {
-        return "There is no stationary point: the polynomial has no term of second order.";
+        return "There is no stationary point: the polynomial is not curved.";
     }
     const StationaryPoint& point = *statistics.stationaryPoint;
     std::string place;
@@ -147,7 +133,7 @@ std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistic
         place +=
             (place.empty() ? "" : ", ") + inputs[i] + " = " + shownNumber(point.coordinates[i]);
     }
-    return std::string("The stationary point is a ") + nameOf(point.nature) + " of " +
+    return std::string("The stationary point is a ") + natureName(point.nature) + " of " +
            shownNumber(point.value) + " at " + place + ", " +
            (point.isInsideData ? "inside" : "outside") + " the ranges of the cases.";
 }

@@ -142,7 +142,7 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
         if (!one.isKept) {
             continue;
         }
-        one.estimate = estimates[term];
+        one.estimate = estimates[term] + 0.0; // a constant output leaves -0
         one.standardError = deviation() * std::sqrt(variances[term]);
         one.t = one.estimate / one.standardError;
         if (!std::isnan(one.t)) {

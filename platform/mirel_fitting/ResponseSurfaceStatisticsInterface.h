@@ -63,6 +63,9 @@ struct StationaryPoint
     std::vector<double> curvatures;
 };
 
+/** "minimum", "maximum", "saddle" or "ridge", as texts and documents call it. */
+MIREL_FITTING_EXPORT const char* natureName(StationaryPoint::Nature nature);
+
 /** What a response surface's fit of one output says about itself. */
 struct ResponseSurfaceStatistics
 {
@@ -97,7 +100,7 @@ struct ResponseSurfaceStatistics
     /** One per case: the share of its own output in its prediction. Empty for more than 100 000
      *  cases. */
     std::vector<double> leverages;
-    std::optional<StationaryPoint> stationaryPoint; ///< none without a term of second order
+    std::optional<StationaryPoint> stationaryPoint; ///< none if the polynomial is not curved
     std::vector<std::string> droppedTerms;          ///< all that are not kept
 };
 

@@ -63,20 +63,6 @@ std::string anovaLines(const std::vector<AnovaRow>& anova)
     return text;
 }
 
-const char* natureName(StationaryPoint::Nature nature)
-{
-    switch (nature) {
-    case StationaryPoint::Nature::Minimum:
-        return "minimum";
-    case StationaryPoint::Nature::Maximum:
-        return "maximum";
-    case StationaryPoint::Nature::Saddle:
-        return "saddle";
-    default:
-        return "ridge";
-    }
-}
-
 std::string stationaryLine(const StationaryPoint& point)
 {
     std::string text = std::string("Stationary point: ") + natureName(point.nature) + " of " +

@@ -329,6 +329,19 @@ TEST(ResponseSurfaceStatistics, TakesMinusZeroForZeroAmongReplicates)
     EXPECT_NEAR(statistics.anova[5].sumOfSquares, 2.0, 1e-14);
 }
 
+TEST(ResponseSurfaceStatistics, HasNoNegativeZerosForAConstantOutput)
+{
+    Cases cases = vapourDeposition();
+    cases.outputs[0].assign(cases.count(), 5.0);
+    const ResponseSurfaceStatistics found = fit(cases).responseSurfaceStatistics(0);
+
+    for (const auto* coefficients : {&found.coefficients, &found.codedCoefficients}) {
+        for (const CoefficientStatistics& one : *coefficients) {
+            EXPECT_FALSE(std::signbit(one.estimate)) << one.term;
+        }
+    }
+}
+
 TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
 {
     const ResponseSurfaceStatistics statistics = statisticsOf(twoInputs(6, 1.0));
