@@ -318,6 +318,12 @@ BENCHMARK_CAPTURE(evaluateKrigingOverGrid, scattered, true)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 
+void overPointsOfALine(benchmark::internal::Benchmark* measured)
+{
+    measured->ArgName("points")->Arg(50)->Arg(200)->Arg(1000)->Arg(1000000);
+    measured->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
 /** One of 8 inputs over [0, 1], the others constant: what a slider or a plot asks for. */
 void evaluateKrigingOverLine(benchmark::State& state, bool isScattered)
 {
@@ -341,23 +347,7 @@ void evaluateKrigingOverLine(benchmark::State& state, bool isScattered)
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK_CAPTURE(evaluateKrigingOverLine, line, false)
-    ->ArgName("points")
-    ->Arg(50)
-    ->Arg(200)
-    ->Arg(1000)
-    ->Arg(1000000)
-    ->Unit(benchmark::kMicrosecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
-BENCHMARK_CAPTURE(evaluateKrigingOverLine, scattered, true)
-    ->ArgName("points")
-    ->Arg(50)
-    ->Arg(200)
-    ->Arg(1000)
-    ->Arg(1000000)
-    ->Unit(benchmark::kMicrosecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK_CAPTURE(evaluateKrigingOverLine, line, false)->Apply(overPointsOfALine);
+BENCHMARK_CAPTURE(evaluateKrigingOverLine, scattered, true)->Apply(overPointsOfALine);
 
 } // namespace

@@ -134,6 +134,12 @@ Study& study()
     return *shared;
 }
 
+void overSweptInputs(benchmark::internal::Benchmark* measured)
+{
+    measured->ArgName("sweptInputs")->DenseRange(1, 3)->Arg(6);
+    measured->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
 void updateFilter(benchmark::State& state)
 {
     study().sweep(static_cast<std::size_t>(state.range(0)));
@@ -144,13 +150,7 @@ void updateFilter(benchmark::State& state)
         study().filter->Update();
     }
 }
-BENCHMARK(updateFilter)
-    ->ArgName("sweptInputs")
-    ->DenseRange(1, 3)
-    ->Arg(6)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(updateFilter)->Apply(overSweptInputs);
 
 /** The part of the tables. */
 void buildTables(benchmark::State& state)
@@ -161,13 +161,7 @@ void buildTables(benchmark::State& state)
         const SurrogateModelInputTableBuilder builder(*study().manager, *study().grid);
     }
 }
-BENCHMARK(buildTables)
-    ->ArgName("sweptInputs")
-    ->DenseRange(1, 3)
-    ->Arg(6)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(buildTables)->Apply(overSweptInputs);
 
 /** The part of the model: tables that are there are evaluated. */
 void interpolate(benchmark::State& state)
@@ -187,13 +181,7 @@ void interpolate(benchmark::State& state)
         model.interpolateDependentValues(columns, {0, 1}, outputs, rows);
     }
 }
-BENCHMARK(interpolate)
-    ->ArgName("sweptInputs")
-    ->DenseRange(1, 3)
-    ->Arg(6)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(interpolate)->Apply(overSweptInputs);
 
 /** First fill of fresh memory of the size of the table. */
 void fillFreshColumns(benchmark::State& state)

@@ -24,6 +24,22 @@ SURROGATE_LANE_OPERATION subtractEarlier(const double* factor, std::size_t width
     }
 }
 
+/** Forward substitution with the tile of the factor on the diagonal at `first`: eight vectors, of
+ *  which each is one unknown of eight systems. */
+SURROGATE_LANE_OPERATION solveTile(const double* factor, std::size_t width, std::size_t first,
+                                   Lanes (&unknowns)[tile])
+{
+#pragma GCC unroll 8
+    for (std::size_t c = 0; c < tile; ++c) {
+        const double* corner = factor + (first + c) * width + first;
+        unknowns[c] = unknowns[c] / corner[c];
+#pragma GCC unroll 8
+        for (std::size_t later = c + 1; later < tile; ++later) {
+            unknowns[later] -= unknowns[c] * corner[later];
+        }
+    }
+}
+
 /** The factor of a tile on the diagonal; false if that is not positive definite. */
 SURROGATE_SIMD bool factoriseDiagonal(double* factor, std::size_t width, std::size_t first)
 {
@@ -60,15 +76,7 @@ SURROGATE_SIMD void factoriseBelow(double* factor, std::size_t width, std::size_
             loadLanes(factor + (first + c) * width + row, columns[c]);
         }
         subtractEarlier(factor, width, first, row, columns);
-#pragma GCC unroll 8
-        for (std::size_t c = 0; c < tile; ++c) {
-            const double* corner = factor + (first + c) * width + first;
-            columns[c] = columns[c] / corner[c];
-#pragma GCC unroll 8
-            for (std::size_t later = c + 1; later < tile; ++later) {
-                columns[later] -= columns[c] * corner[later];
-            }
-        }
+        solveTile(factor, width, first, columns);
         for (std::size_t c = 0; c < tile; ++c) {
             storeLanes(columns[c], factor + (first + c) * width + row);
         }
@@ -144,15 +152,7 @@ SURROGATE_SIMD void invertFactor(const double* factor, std::size_t width, double
                     rows[r] -= above * left[r];
                 }
             }
-#pragma GCC unroll 8
-            for (std::size_t r = 0; r < tile; ++r) {
-                const double* corner = factor + (row + r) * width + row;
-                rows[r] = rows[r] / corner[r];
-#pragma GCC unroll 8
-                for (std::size_t later = r + 1; later < tile; ++later) {
-                    rows[later] -= rows[r] * corner[later];
-                }
-            }
+            solveTile(factor, width, row, rows);
             for (std::size_t r = 0; r < tile; ++r) {
                 storeLanes(rows[r], result + (row + r) * width + column);
             }
