@@ -18,7 +18,9 @@ endif()
 if(PROJECT_IS_TOP_LEVEL)
     find_program(SURROGATE_CCACHE ccache)
     if(SURROGATE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-        set(CMAKE_CXX_COMPILER_LAUNCHER "${SURROGATE_CCACHE}")
+        # Paths relative to the source folder: a second clone finds what the first one compiled.
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+            "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${SURROGATE_CCACHE}")
     endif()
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
     set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
