@@ -1,12 +1,137 @@
-// Parsing a typed distribution text and expanding it into its values.
+// Parsing a typed distribution text and expanding it into its values, beside what is the floor:
+// reading the same numbers with the standard library, and sorting the same values.
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
 namespace {
+
+const std::size_t megabyte = 1000000;
+
+/** `item` of 0, 1, 2, ... with commas between, until the text has a megabyte. */
+std::string listed(const std::function<std::string(int)>& item)
+{
+    std::string text = item(0);
+    for (int i = 1; text.size() < megabyte; ++i) {
+        text += "," + item(i);
+    }
+    return text;
+}
+
+std::string ascendingValues()
+{
+    return listed([](int i) { return std::to_string(i * 0.37); });
+}
+
+std::string randomValues()
+{
+    std::mt19937_64 random(1);
+    return listed(
+        [&random](int) { return std::to_string(0.37 * static_cast<double>(random() % 1000000)); });
+}
+
+std::string shortestValues()
+{
+    return listed([](int i) { return std::to_string(i % 10); });
+}
+
+std::string ranges()
+{
+    return listed([](int i) {
+        return std::to_string(i) + " - " + std::to_string(i + 1) + " : " +
+               std::to_string(2 + i % 9);
+    });
+}
+
+std::string valuesBetweenBlanks()
+{
+    return listed([](int i) { return " \t  " + std::to_string(i * 0.37) + "    \n"; });
+}
+
+std::string rangeWithLongRunsOfBlanks()
+{
+    const std::string blanks(megabyte / 4, ' ');
+    return "0" + blanks + "-" + blanks + "1" + blanks + ":" + blanks + "3";
+}
+
+std::string faultAtTheEnd()
+{
+    return ascendingValues() + ",x";
+}
+
+std::string faultAfterManyBlanks()
+{
+    return "0" + std::string(megabyte, ' ') + "x";
+}
+
+std::string numberOfAMillionDigits()
+{
+    return "0." + std::string(megabyte, '1');
+}
+
+std::string nestedJunk()
+{
+    std::string text = "0";
+    while (text.size() < megabyte) {
+        text += " - 1 : 3";
+    }
+    return text;
+}
+
+/** Time per megabyte of several shapes of text. */
+void expandMegabyte(benchmark::State& state, const std::function<std::string()>& shape)
+{
+    const std::string characters = shape();
+    for (auto _ : state) {
+        const SurrogateModelUserDist text(characters);
+        std::vector<double> values;
+        text.get(values);
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(characters.size()));
+}
+BENCHMARK_CAPTURE(expandMegabyte, ascendingValues, ascendingValues)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, randomValues, randomValues)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, shortestValues, shortestValues)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, ranges, ranges)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, valuesBetweenBlanks, valuesBetweenBlanks)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, rangeWithLongRunsOfBlanks, rangeWithLongRunsOfBlanks)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, faultAtTheEnd, faultAtTheEnd)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, faultAfterManyBlanks, faultAfterManyBlanks)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, numberOfAMillionDigits, numberOfAMillionDigits)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expandMegabyte, nestedJunk, nestedJunk)->Unit(benchmark::kMillisecond);
+
+/** Reads the single values of a megabyte in a plain loop, and sorts them if they need it. */
+void readPlainly(benchmark::State& state, const std::function<std::string()>& shape)
+{
+    const std::string characters = shape();
+    for (auto _ : state) {
+        std::vector<double> values;
+        const char* const end = characters.data() + characters.size();
+        for (const char* position = characters.data(); position < end; ++position) {
+            values.emplace_back();
+            position = std::from_chars(position, end, values.back()).ptr;
+        }
+        std::sort(values.begin(), values.end());
+        values.erase(std::unique(values.begin(), values.end()), values.end());
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(characters.size()));
+}
+BENCHMARK_CAPTURE(readPlainly, ascendingValues, ascendingValues)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readPlainly, randomValues, randomValues)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readPlainly, shortestValues, shortestValues)->Unit(benchmark::kMillisecond);
 
 void expandTypedText(benchmark::State& state)
 {
@@ -19,31 +144,45 @@ void expandTypedText(benchmark::State& state)
 }
 BENCHMARK(expandTypedText);
 
-void expandManySingleValues(benchmark::State& state)
+/** Ranges of a million values each, of which every one overlaps all others. */
+std::string overlappingRanges(std::int64_t count)
 {
-    std::string items;
-    for (int i = 0; i < state.range(0); ++i) {
-        items += (i ? "," : "") + std::to_string(i * 0.37);
+    std::string text;
+    for (std::int64_t i = 0; i < count; ++i) {
+        text += (i ? "," : "") + std::to_string(i) + " - " + std::to_string(1000 + 7 * i) +
+                " : 1000000";
     }
-    const SurrogateModelUserDist text(items);
-    std::vector<double> values;
-    for (auto _ : state) {
-        text.get(values);
-        benchmark::DoNotOptimize(values.data());
-    }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(items.size()));
+    return text;
 }
-BENCHMARK(expandManySingleValues)->ArgName("items")->Arg(100)->Arg(10000)->Arg(100000);
 
-void expandLargeRange(benchmark::State& state)
+void expandLargeRanges(benchmark::State& state)
 {
-    const SurrogateModelUserDist text("0 - 1 : 1000000");
+    const SurrogateModelUserDist text(overlappingRanges(state.range(0)));
     std::vector<double> values;
     for (auto _ : state) {
         text.get(values);
         benchmark::DoNotOptimize(values.data());
     }
 }
-BENCHMARK(expandLargeRange)->Unit(benchmark::kMillisecond);
+BENCHMARK(expandLargeRanges)->ArgName("ranges")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
+
+/** The same values sorted without knowing of runs. */
+void sortSameValues(benchmark::State& state)
+{
+    std::vector<double> expanded;
+    for (std::int64_t i = 0; i < state.range(0); ++i) {
+        const double step = static_cast<double>(1000 + 6 * i) / 999999.0;
+        for (int k = 0; k < 1000000; ++k) {
+            expanded.push_back(static_cast<double>(i) + k * step);
+        }
+    }
+    for (auto _ : state) {
+        std::vector<double> values = expanded;
+        std::sort(values.begin(), values.end());
+        values.erase(std::unique(values.begin(), values.end()), values.end());
+        benchmark::DoNotOptimize(values.data());
+    }
+}
+BENCHMARK(sortSameValues)->ArgName("ranges")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
 
 } // namespace
