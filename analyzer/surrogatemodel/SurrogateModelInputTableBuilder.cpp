@@ -1,5 +1,6 @@
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 
+#include <surrogatemodel/ColumnMemory.h>
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -83,6 +84,14 @@ vtkIdType gridPoints(const std::map<VarPtr, std::vector<double>>& values, vtkIdT
     return points;
 }
 
+void setRows(vtkTable& table, vtkIdType rows, ColumnMemory& memory)
+{
+    for (vtkIdType i = 0; i < table.GetNumberOfColumns(); ++i) {
+        memory.makeRoom(*vtkDoubleArray::SafeDownCast(table.GetColumn(i)), rows);
+    }
+    table.SetNumberOfRows(rows);
+}
+
 /**
  * Writes each of `values` into `repeat` consecutive rows, and all of them again from the start
  * until the column is full.
@@ -124,7 +133,15 @@ void fillWithNaN(vtkDoubleArray& column)
 SurrogateModelInputTableBuilder::SurrogateModelInputTableBuilder(
     const SurrogateModelManagerInterface& manager, const InterpolationVariablesInterface& variables)
 {
-    computeTable(manager, variables);
+    ColumnMemory memory;
+    computeTable(manager, variables, memory);
+}
+
+SurrogateModelInputTableBuilder::SurrogateModelInputTableBuilder(
+    const SurrogateModelManagerInterface& manager, const InterpolationVariablesInterface& variables,
+    ColumnMemory& memory)
+{
+    computeTable(manager, variables, memory);
 }
 
 SurrogateModelInputTableBuilder::~SurrogateModelInputTableBuilder() = default;
@@ -140,13 +157,15 @@ vtkSmartPointer<vtkTable> SurrogateModelInputTableBuilder::resultDependentVarVal
 }
 
 void SurrogateModelInputTableBuilder::computeTable(const SurrogateModelManagerInterface& manager,
-                                                   const InterpolationVariablesInterface& variables)
+                                                   const InterpolationVariablesInterface& variables,
+                                                   ColumnMemory& memory)
 {
     suppliedIndependent = vtkSmartPointer<vtkTable>::New();
     resultDependent = vtkSmartPointer<vtkTable>::New();
     addColumnsToIndependentVarTable(manager);
     addResultingDepenedentVariables(variables.dependentVariables());
-    populateTableArrays(manager.independentVars()->get(), *variables.inputIndependentVariables());
+    populateTableArrays(manager.independentVars()->get(), *variables.inputIndependentVariables(),
+                        memory);
 }
 
 void SurrogateModelInputTableBuilder::addColumnsToIndependentVarTable(
@@ -166,13 +185,14 @@ void SurrogateModelInputTableBuilder::addResultingDepenedentVariables(
 }
 
 void SurrogateModelInputTableBuilder::populateTableArrays(
-    const std::vector<VarPtr>& independents, const std::map<VarPtr, std::vector<double>>& values)
+    const std::vector<VarPtr>& independents, const std::map<VarPtr, std::vector<double>>& values,
+    ColumnMemory& memory)
 {
     const vtkIdType columns =
         suppliedIndependent->GetNumberOfColumns() + resultDependent->GetNumberOfColumns();
     const vtkIdType points = gridPoints(values, columns);
-    suppliedIndependent->SetNumberOfRows(points);
-    resultDependent->SetNumberOfRows(points);
+    setRows(*suppliedIndependent, points, memory);
+    setRows(*resultDependent, points, memory);
 
     // Results that no model writes are recognisable instead of random.
     for (vtkIdType i = 0; i < resultDependent->GetNumberOfColumns(); ++i) {

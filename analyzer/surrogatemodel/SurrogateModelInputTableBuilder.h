@@ -10,6 +10,7 @@
 #include <set>
 #include <vector>
 
+class ColumnMemory;
 class InterpolationVariablesInterface;
 class SurrogateModelManagerInterface;
 class vtkTable;
@@ -55,12 +56,20 @@ public:
     virtual vtkSmartPointer<vtkTable> resultDependentVarValues() const;
 
 private:
+    friend class SurrogateModelQueryToTable;
+
+    /** With columns in memory that those of an earlier table gave back; borrowed for the call. */
+    SurrogateModelInputTableBuilder(const SurrogateModelManagerInterface& manager,
+                                    const InterpolationVariablesInterface& variables,
+                                    ColumnMemory& memory);
+
     void computeTable(const SurrogateModelManagerInterface& manager,
-                      const InterpolationVariablesInterface& variables);
+                      const InterpolationVariablesInterface& variables, ColumnMemory& memory);
     void addColumnsToIndependentVarTable(const SurrogateModelManagerInterface& manager);
     void addResultingDepenedentVariables(const std::set<VarPtr>& dependents);
     void populateTableArrays(const std::vector<VarPtr>& independents,
-                             const std::map<VarPtr, std::vector<double>>& values);
+                             const std::map<VarPtr, std::vector<double>>& values,
+                             ColumnMemory& memory);
 
     vtkSmartPointer<vtkTable> suppliedIndependent;
     vtkSmartPointer<vtkTable> resultDependent;

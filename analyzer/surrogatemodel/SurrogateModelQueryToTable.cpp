@@ -1,5 +1,6 @@
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 
+#include <surrogatemodel/ColumnMemory.h>
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
@@ -27,6 +28,20 @@
 #include <stdexcept>
 
 namespace {
+
+/** Frees what is left over when an execution ends, however it does. */
+class LeftOverMemory
+{
+public:
+    explicit LeftOverMemory(ColumnMemory& memory) : memory(memory) {}
+    ~LeftOverMemory() { memory.freeSpare(); }
+
+    LeftOverMemory(const LeftOverMemory&) = delete;
+    LeftOverMemory& operator=(const LeftOverMemory&) = delete;
+
+private:
+    ColumnMemory& memory;
+};
 
 /** Silences what the executive says about a failed filter, for as long as it lives. */
 class ExecutiveSilence
@@ -132,6 +147,7 @@ public:
     boost::shared_ptr<const SurrogateModelManagerInterface> manager;
     SignalConnectionCollection connections;
     std::string lastError;
+    ColumnMemory memory; // between two executions it is all in the output
 };
 
 vtkSmartPointer<SurrogateModelQueryToTable>
@@ -185,6 +201,7 @@ int SurrogateModelQueryToTable::RequestData(vtkInformation* /*request*/,
 {
     vtkTable* const output = vtkTable::GetData(outputs, 0);
     impl->lastError.clear();
+    const LeftOverMemory leftOver(impl->memory);
     try {
         evaluate(output);
         return 1;
@@ -198,7 +215,7 @@ int SurrogateModelQueryToTable::RequestData(vtkInformation* /*request*/,
 
 void SurrogateModelQueryToTable::evaluate(vtkTable* output) const
 {
-    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars);
+    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars, impl->memory);
     const vtkSmartPointer<vtkTable> supplied = builder.suppliedIndependentVarValues();
     const vtkSmartPointer<vtkTable> results = builder.resultDependentVarValues();
 

@@ -552,6 +552,37 @@ TEST_F(SurrogateModelQueryToTableTest, LeavesTheColumnsOfEarlierResultsAlone)
     EXPECT_EQ(kept->GetValue(3), 22);
 }
 
+TEST_F(SurrogateModelQueryToTableTest, WritesALargeTableIntoTheMemoryOfTheOneBefore)
+{
+    variables->inputs[x1] = Values(200000, 3.0);
+    update();
+    const std::set<double*> before = {buffer("x1"), buffer("x2"), buffer("y1")};
+
+    variables->inputs[x2] = {5, 6};
+    filter->Modified();
+    update();
+
+    EXPECT_EQ((std::set<double*>{buffer("x1"), buffer("x2"), buffer("y1")}), before);
+    EXPECT_EQ(column("x2")[399999], 6.0);
+}
+
+TEST_F(SurrogateModelQueryToTableTest, LeavesTheColumnsOfEarlierLargeResultsAlone)
+{
+    variables->inputs[x1] = Values(200000, 3.0);
+    update();
+    vtkNew<vtkTable> kept;
+    kept->ShallowCopy(output());
+
+    variables->inputs[x1] = Values(200000, 4.0);
+    filter->Modified();
+    update();
+
+    const auto* const former = vtkArrayDownCast<vtkDoubleArray>(kept->GetColumn(0));
+    EXPECT_EQ(former->GetValue(0), 3.0);
+    EXPECT_EQ(former->GetValue(399999), 3.0);
+    EXPECT_EQ(column("x1")[0], 4.0);
+}
+
 TEST_F(SurrogateModelQueryToTableTest, EvaluatesVariablesThatWereRemovedFromTheProject)
 {
     project->removeVariable(x1);
