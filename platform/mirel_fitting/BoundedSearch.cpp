@@ -11,6 +11,7 @@ namespace {
 // often lands where all cases are uncorrelated and the function is flat.
 constexpr double firstRadius = 1.0;
 constexpr double largestRadius = 4.0;
+constexpr double smallestRadius = 0.1; // after a step that was taken
 
 /** Solves the symmetric positive definite system in place; false if it is not definite. */
 bool solveDefinite(std::vector<double>& matrix, std::vector<double>& right)
@@ -83,7 +84,7 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
                              std::vector<double> upper, std::vector<double> start)
     : objective(objective), size(start.size()), lower(std::move(lower)), upper(std::move(upper)),
       current(std::move(start)), currentValue(0.0), hessian(size * size, 0.0),
-      trustRadius(firstRadius)
+      trustRadius(firstRadius), largestRises(size, largestRadius)
 {
     for (std::size_t i = 0; i < size; ++i) {
         current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
@@ -113,6 +114,12 @@ bool BoundedSearch::isDone() const
     return done;
 }
 
+void BoundedSearch::resume()
+{
+    done = !isFeasible();
+    stalls = 0;
+}
+
 double BoundedSearch::value() const
 {
     return currentValue;
@@ -138,13 +145,16 @@ void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
 {
     constexpr int mostTries = 12;
     constexpr int triesOfTheLast = 3;
+    // A model that expects nothing so far away would have to be wrong to gain anything.
+    constexpr double farEnough = 0.3;
     // Where the function is flat but for rounding, the model keeps expecting what never comes.
     constexpr int mostStalls = 2;
 
     for (int k = 0; k < steps && !done; ++k) {
         proposeStep();
         const double expected = expectedGain();
-        const bool isLittle = !isStepLimited && expected < smallestGain;
+        const bool isFar = !isStepLimited || trustRadius >= farEnough;
+        const bool isLittle = isFar && expected < smallestGain;
         if (isLittle && isModelTrusted) {
             done = true;
             return;
@@ -185,7 +195,7 @@ void BoundedSearch::proposeStep()
     std::vector<double> highest(size);
     for (std::size_t i = 0; i < size; ++i) {
         lowest[i] = std::max(lower[i] - current[i], -trustRadius);
-        highest[i] = std::min(upper[i] - current[i], trustRadius);
+        highest[i] = std::min(upper[i] - current[i], std::min(trustRadius, largestRises[i]));
     }
 
     const auto bound = [&](std::size_t i, double direction) {
@@ -231,7 +241,8 @@ void BoundedSearch::proposeStep()
 
     isStepLimited = false;
     for (std::size_t i = 0; i < size; ++i) {
-        isStepLimited = isStepLimited || std::fabs(step[i]) >= trustRadius;
+        isStepLimited = isStepLimited || step[i] <= -trustRadius ||
+                        step[i] >= std::min(trustRadius, largestRises[i]);
     }
 }
 
@@ -308,35 +319,41 @@ bool BoundedSearch::learn()
     return isKnown;
 }
 
+/**
+ * Takes the step if the function rises by it, else a shorter one inside a smaller box.
+ * @return whether it has risen.
+ */
 bool BoundedSearch::tryStep(int mostTries, bool isLast)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
+    constexpr double good = 0.75;            // of the gain that the model expects
+    constexpr double poor = 0.25;
 
-    const double slope = dot(gradient, step);
-    if (!(slope > 0.0)) {
-        return false;
-    }
     const std::vector<double> start = current;
-    const std::vector<double> oldGradient = gradient;
     const double before = currentValue;
-    double length = 1.0;
     for (int tries = 0; tries < mostTries; ++tries) {
+        const double slope = dot(gradient, step);
+        if (!(slope > 0.0)) {
+            break;
+        }
         for (std::size_t i = 0; i < size; ++i) {
-            const double moved = start[i] + length * step[i];
-            current[i] = std::min(std::max(moved, lower[i]), upper[i]);
+            current[i] = std::min(std::max(start[i] + step[i], lower[i]), upper[i]);
         }
         const double reached = objective.value(current);
-        if (reached >= before + sufficientShare * length * slope) {
+        const double gained = reached - before;
+        if (gained >= sufficientShare * slope) {
             currentValue = reached;
             if (isLast) {
                 return true;
             }
-            learn();
-            for (std::size_t i = 0; i < size; ++i) {
-                step[i] = current[i] - start[i];
+            const double share = gained / expectedGain();
+            if (share < poor) {
+                trustRadius = std::max(0.5 * largestMagnitude(step), smallestRadius);
+            } else if (share > good && isStepLimited && tries == 0) {
+                trustRadius = std::min(2.0 * trustRadius, largestRadius);
             }
-            trustRadius = tries == 0 ? std::min(2.0 * trustRadius, largestRadius)
-                                     : std::max(largestMagnitude(step), 0.1);
+            const std::vector<double> oldGradient = gradient;
+            learn();
             // An estimate of the Hessian is corrected along the step just taken, too.
             updateCurvature(step, oldGradient);
             return true;
@@ -344,14 +361,34 @@ bool BoundedSearch::tryStep(int mostTries, bool isLast)
         // The vertex of the parabola through the value and slope at the start and this value.
         double shrink = 0.25;
         if (std::isfinite(reached)) {
-            shrink = 0.5 * length * slope / (before + length * slope - reached);
+            shrink = 0.5 * slope / (slope - gained);
         }
-        length *= std::min(std::max(shrink, 0.1), 0.5);
+        trustRadius = std::min(std::max(shrink, 0.1), 0.5) * largestMagnitude(step);
+        if (std::isfinite(reached)) {
+            bend(2.0 * (slope - gained));
+        }
+        proposeStep();
     }
     current = start;
     currentValue = before;
-    gradient = oldGradient;
     return false;
+}
+
+/** Gives the model at least this curvature along the step: a function that has fallen short of it
+ *  bends more than it knew. */
+void BoundedSearch::bend(double curvature)
+{
+    const std::vector<double> image = multiply(hessian, step);
+    const double quadratic = dot(step, image);
+    if (!(quadratic > 0.0) || !(curvature > quadratic)) {
+        return;
+    }
+    const double share = (curvature - quadratic) / (quadratic * quadratic);
+    for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t j = 0; j < size; ++j) {
+            hessian[i * size + j] += share * image[i] * image[j];
+        }
+    }
 }
 
 void BoundedSearch::updateCurvature(const std::vector<double>& taken,

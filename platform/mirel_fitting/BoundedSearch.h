@@ -24,10 +24,11 @@ public:
 
 /**
  * Maximises a function of a few variables within bounds by a quasi-Newton method: the step goes to
- * the maximum of a quadratic model inside the bounds and a trust box, is shortened until the
- * function rises. The curvature is the objective's estimate, corrected along the last step by
- * damped BFGS; without an estimate it is built up by these corrections alone. Nocedal, Wright:
- * Numerical Optimization, 2nd ed., Springer 2006, sections 3.5, 16.5 and 18.3.
+ * the maximum of a quadratic model inside the bounds and a trust box; where the function does not
+ * rise by it, the box shrinks and the model learns how much the function bends, where it rises as
+ * expected, the box grows. The curvature is the objective's estimate, corrected along the last step
+ * by damped BFGS; without an estimate it is built up by these corrections alone. Nocedal, Wright:
+ * Numerical Optimization, 2nd ed., Springer 2006, sections 4.1, 16.5 and 18.3.
  *
  * It can be advanced in portions, so that several searches can compete.
  */
@@ -37,6 +38,9 @@ public:
     /** Starts at `start`, moved into the bounds. The objective is borrowed for life. */
     BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
                   std::vector<double> start);
+
+    /** From now on a step raises this variable by no more. */
+    void limitRise(std::size_t variable, double largest) { largestRises[variable] = largest; }
 
     /** Whether the function has a value at the start. */
     bool isFeasible() const;
@@ -50,6 +54,9 @@ public:
     /** The same for the last time, where steps are dear: the slope where they end is not asked for,
      *  and the last step is shortened twice at most. */
     void finish(int steps, double smallestGain);
+
+    /** Goes on where it ended, if there is more to gain than was asked for. */
+    void resume();
 
     bool isDone() const;
     double value() const;
@@ -65,6 +72,7 @@ private:
     void advance(int steps, double smallestGain, bool isLastTime);
     bool tryStep(int mostTries, bool isLast);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
+    void bend(double curvature);
     double expectedGain() const;
 
     BoundedObjective& objective;
@@ -77,7 +85,8 @@ private:
     std::vector<double> hessian; // of minus the function, by rows
     std::vector<double> step;
     double trustRadius;
-    int stalls = 0; // steps in a row that gained next to nothing
+    std::vector<double> largestRises; // of one step
+    int stalls = 0;                   // steps in a row that gained next to nothing
     bool isStepLimited = false;
     bool isModelTrusted = true;
     bool hasCurvature = false;

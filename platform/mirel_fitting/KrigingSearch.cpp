@@ -1,8 +1,8 @@
 #include <mirel_fitting/KrigingSearch.h>
 
 #include <mirel_fitting/BoundedSearch.h>
-#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingObjective.h>
+#include <mirel_fitting/KrigingSearchProgress.h>
 #include <mirel_fitting/KrigingSearchVariables.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -27,34 +27,15 @@ constexpr std::size_t casesToCompete = 100;
 // end.
 constexpr double rung = 2.5;
 
-/** Counts the work done, in multiplications, and tells FitProgress. */
-class Progress
-{
-public:
-    explicit Progress(double expected) : expectedWork(expected) {}
-
-    void add(double work)
-    {
-        done += work;
-        // Nobody knows how many steps are left: the fraction comes close to 1 without reaching it.
-        constexpr double mostOfIt = 0.98;
-        FitProgress::report(mostOfIt * (1.0 - std::exp(-2.0 * done / expectedWork)),
-                            "Searching for the correlation lengths");
-    }
-
-private:
-    double expectedWork;
-    double done = 0.0;
-};
-
 /** A local maximum of the likelihood. */
 struct Optimum
 {
     std::vector<double> point;
     double value = 0.0;
     double noiseVariance = 0.0;
-    int meetings = 1;       // searches that ended here
-    bool isSearched = true; // with all cases
+    int meetings = 1;                                // searches that ended here
+    bool isSearched = true;                          // with all cases
+    std::shared_ptr<BoundedSearch> search = nullptr; // of the cases taken, that ended here
 };
 
 void sortByValue(std::vector<Optimum>& optima)
@@ -64,25 +45,25 @@ void sortByValue(std::vector<Optimum>& optima)
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
 }
 
-double expectedWork(const KrigingData& data, const KrigingSearch::Settings& settings)
+/** Of a race: so many of the highest take so many steps. */
+struct Round
 {
-    const auto n = static_cast<double>(data.cases);
-    if (settings.mostSteps) {
-        return (0.5 + 0.5 * *settings.mostSteps) * n * n * n;
-    }
-    const double m = std::min<double>(n, casesToCompete);
-    return 50.0 * m * m * m + 6.0 * n * n * n;
-}
+    std::size_t runners;
+    int steps;
+};
 
 /** One of several searches that compete. */
 struct Runner
 {
     Runner(BoundedObjective& objective, const KrigingSearchVariables& variables,
            const std::vector<double>& start)
-        : search(objective, variables.lower, variables.upper, start)
-    {}
+        : search(
+              std::make_shared<BoundedSearch>(objective, variables.lower, variables.upper, start))
+    {
+        variables.limitRises(*search);
+    }
 
-    BoundedSearch search;
+    std::shared_ptr<BoundedSearch> search;
     int steps = 0;
 };
 
@@ -90,7 +71,7 @@ class Search
 {
 public:
     Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearch::Settings& settings,
-           Progress& progress)
+           KrigingSearchProgress& progress)
         : data(data), settings(settings), progress(progress), variables(*data, settings)
     {}
 
@@ -100,9 +81,10 @@ private:
     std::vector<std::size_t> ladder() const;
     void take(std::size_t cases);
     Optimum search(const std::vector<double>& start, const std::vector<double>& upper, double gain);
+    void finish(Optimum& optimum);
     void continueTheLikeliest();
     void compete();
-    void race();
+    void race(const std::vector<std::vector<double>>& starts, const std::vector<Round>& rounds);
     bool advance(Runner& runner, int steps);
     void add(Optimum reached);
     bool areOnOneRidge(const Optimum& a, const Optimum& b);
@@ -111,16 +93,18 @@ private:
     void shortlist();
     bool isWorthTheWay(double start, double highestStart) const;
     void climb(std::size_t cases);
-    void tryFarLengths();
+    void tryFarLengths(const std::vector<double>& upper);
     void dropEndsOfTheRidge();
     void preferLeastNugget();
+    Optimum searchFor(double enough, const std::vector<double>& start,
+                      const std::vector<double>& upper);
     void preferNoiseToSpikes();
     double smallestGain() const;
     void searchFromAll();
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
-    Progress& progress;
+    KrigingSearchProgress& progress;
     KrigingSearchVariables variables;
     std::size_t taken = 0; // cases
     std::unique_ptr<KrigingObjective> objective;
@@ -152,6 +136,9 @@ void Search::take(std::size_t cases)
     objective = std::make_unique<KrigingObjective>(part, settings,
                                                    [this](double work) { progress.add(work); });
     taken = cases;
+    for (Optimum& optimum : optima) {
+        optimum.search.reset(); // it was that of fewer cases
+    }
 }
 
 double Search::smallestGain() const
@@ -183,8 +170,26 @@ Optimum Search::search(const std::vector<double>& start, const std::vector<doubl
 {
     constexpr int mostSteps = 100;
     BoundedSearch search(*objective, variables.lower, upper, start);
+    variables.limitRises(search);
     search.advance(mostSteps, gain);
     return {search.point(), search.value(), objective->noiseVariance()};
+}
+
+/** Carries a search that has competed on to the end. */
+void Search::finish(Optimum& optimum)
+{
+    constexpr int mostSteps = 100;
+    if (!optimum.search) {
+        optimum = search(optimum.point, variables.upper, smallestGain());
+        return;
+    }
+    optimum.search->resume();
+    optimum.search->advance(mostSteps, smallestGain());
+    if (optimum.search->value() > optimum.value) {
+        optimum.point = optimum.search->point();
+        optimum.value = optimum.search->value();
+        optimum.noiseVariance = objective->noiseVariance();
+    }
 }
 
 /**
@@ -218,46 +223,54 @@ void Search::continueTheLikeliest()
 /**
  * Independent searches that meet are the evidence that where they meet is the best optimum. Three
  * from the middle of what is common are enough where they all meet and explain the cases well.
- * Where they do not, the likelihood has several optima: then scattered starts race.
+ * Where they do not meet, a few more compete. Where the first one hardly explains the cases, the
+ * likelihood has many optima: then all others race with scattered starts.
  */
 void Search::compete()
 {
     // In log-likelihood per case: the error is less than 1/e of what it is without correlation.
     constexpr double tellingGain = 1.0;
+    constexpr std::size_t aFew = 6;
 
     const double uncorrelated =
         objective->value(variables.uniform(KrigingSearch::smallestLength(), smoothNugget));
     const double telling = uncorrelated + tellingGain * static_cast<double>(taken);
-    int started = 0;
-    for (const std::vector<double>& start : variables.commonStarts(settings.initialLength)) {
-        Runner runner(*objective, variables, start);
+    std::vector<std::vector<double>> starts = variables.commonStarts(settings.initialLength);
+    std::size_t started = 0;
+    bool isTelling = true;
+    for (; started < starts.size() && isTelling; ++started) {
+        Runner runner(*objective, variables, starts[started]);
         while (!advance(runner, 1)) {
         }
-        ++started;
+        isTelling = variables.lengths == 0 || highest() > telling;
     }
     sortByValue(optima);
-    const bool doAllMeet = !optima.empty() && optima.front().meetings == started;
-    if (variables.lengths > 0 && !(doAllMeet && optima.front().value > telling)) {
-        race();
-        sortByValue(optima);
+    const bool doAllMeet =
+        !optima.empty() && static_cast<std::size_t>(optima.front().meetings) == started;
+    if (variables.lengths == 0 || (doAllMeet && isTelling)) {
+        return;
     }
+    starts.erase(starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(started));
+    for (std::vector<double>& start : variables.scatteredStarts()) {
+        starts.push_back(std::move(start));
+    }
+    if (isTelling) {
+        starts.resize(aFew);
+        race(starts, {{2, 3}, {1, 60}});
+    } else {
+        race(starts, {{5, 2}, {3, 3}, {2, 60}});
+    }
+    sortByValue(optima);
 }
 
 /**
  * Of many starts those that begin high, a few steps of each of them, and of those only the highest
  * to the end: searches that end low mostly are low soon.
  */
-void Search::race()
+void Search::race(const std::vector<std::vector<double>>& starts, const std::vector<Round>& rounds)
 {
-    struct Round
-    {
-        std::size_t runners;
-        int steps;
-    };
-    constexpr Round rounds[] = {{5, 2}, {3, 3}, {2, 60}};
-
     std::vector<Optimum> field;
-    for (const std::vector<double>& start : variables.scatteredStarts()) {
+    for (const std::vector<double>& start : starts) {
         field.push_back({start, objective->value(start)});
     }
     sortByValue(field);
@@ -268,7 +281,7 @@ void Search::race()
     }
     for (const Round& round : rounds) {
         std::stable_sort(runners.begin(), runners.end(), [](const auto& a, const auto& b) {
-            return a->search.value() > b->search.value();
+            return a->search->value() > b->search->value();
         });
         runners.resize(std::min(runners.size(), round.runners));
         runners.erase(
@@ -288,7 +301,7 @@ bool Search::advance(Runner& runner, int steps)
     constexpr int stepsToJudge = 5;
     constexpr double hopeless = 5.0;
 
-    BoundedSearch& search = runner.search;
+    BoundedSearch& search = *runner.search;
     for (int step = 0; step < steps && !search.isDone() && runner.steps < mostSteps; ++step) {
         const double before = search.value();
         search.advance(1, competingGain());
@@ -313,7 +326,7 @@ bool Search::advance(Runner& runner, int steps)
         return false;
     }
     if (search.isFeasible()) {
-        add({search.point(), search.value(), objective->noiseVariance()});
+        add({search.point(), search.value(), objective->noiseVariance(), 1, true, runner.search});
     }
     return true;
 }
@@ -421,12 +434,14 @@ void Search::climb(std::size_t cases)
 
 /**
  * Beyond some ranges a length is nearly indifferent, and the likelihood has maxima there that no
- * slope leads away from: what is better at the end of the range, or back where the input has
- * influence, is found by looking.
+ * slope leads away from: what is better at the end of the range, or back where the input has some
+ * influence or a little, is found by looking.
  */
-void Search::tryFarLengths()
+void Search::tryFarLengths(const std::vector<double>& upper)
 {
-    constexpr double influence = 2.0;
+    constexpr double some = 10.0;   // influence
+    constexpr double little = 60.0; // where a length that has run farther hardly leads back
+    constexpr double near = 0.4;
 
     Optimum& best = optima.front();
     Optimum highest = best;
@@ -434,10 +449,13 @@ void Search::tryFarLengths()
         if (best.point[k] <= std::log(KrigingSearchVariables::faint)) {
             continue;
         }
-        for (const double place : {std::log(influence), variables.upper[k]}) {
+        for (const double place : {std::log(some), std::log(little), variables.upper[k]}) {
+            if (std::fabs(place - best.point[k]) < near) {
+                continue;
+            }
             std::vector<double> point = best.point;
             point[k] = place;
-            const double value = point == best.point ? -infinity : objective->value(point);
+            const double value = objective->value(point);
             if (value > highest.value + smallestGain()) {
                 highest.point = std::move(point);
                 highest.value = value;
@@ -446,7 +464,7 @@ void Search::tryFarLengths()
     }
     if (highest.value > best.value) {
         const int meetings = best.meetings;
-        best = search(highest.point, variables.upper, smallestGain());
+        best = search(highest.point, upper, smallestGain());
         best.meetings = meetings;
     }
 }
@@ -480,6 +498,7 @@ void Search::preferLeastNugget()
     constexpr double significance = 2.7;
     constexpr double slightNoise = 1e-4; // its variance
     constexpr std::size_t casesPerLength = 5;
+    constexpr double littleGain = 0.05;
 
     const Optimum& best = optima.front();
     if (!variables.hasNugget || best.point.back() <= variables.lower.back()) {
@@ -490,19 +509,50 @@ void Search::preferLeastNugget()
     Optimum smooth = best;
     smooth.point.back() = variables.lower.back();
     smooth.value = objective->value(smooth.point);
+    std::vector<double> upper = variables.upper;
+    upper.back() = variables.lower.back();
     if (smooth.value < enough && data->cases <= casesPerLength * (data->inputs + 1)) {
         // So few cases hardly tell noise from short lengths: other lengths may do as well.
-        std::vector<double> upper = variables.upper;
-        upper.back() = variables.lower.back();
+        std::vector<std::vector<double>> starts = {smooth.point};
         for (const double length : {settings.initialLength, std::exp(variables.lower.front())}) {
-            const Optimum other =
-                search(variables.uniform(length, settings.smallestNugget), upper, smallestGain());
+            starts.push_back(variables.uniform(length, settings.smallestNugget));
+        }
+        for (std::size_t i = 0; i < starts.size() && smooth.value < enough; ++i) {
+            const Optimum other = searchFor(enough, starts[i], upper);
             smooth = other.value > smooth.value ? other : smooth;
         }
     }
-    if (smooth.value >= enough) {
-        optima.front() = smooth;
+    if (smooth.value < enough) {
+        return;
     }
+    const bool isLess = smooth.value < best.value - evidence;
+    optima.front() = smooth;
+    if (isLess) {
+        // Without the nugget other lengths are likelier.
+        optima.front() = search(smooth.point, upper, std::max(littleGain, smallestGain()));
+    }
+    tryFarLengths(upper);
+}
+
+/** A search for a value of so much, given up when it will hardly get there. */
+Optimum Search::searchFor(double enough, const std::vector<double>& start,
+                          const std::vector<double>& upper)
+{
+    constexpr int mostSteps = 60;
+    constexpr int stepsToJudge = 3;
+    constexpr double hopeless = 0.5;
+    constexpr double stepsLike = 3.0; // the last one are hoped for
+
+    BoundedSearch search(*objective, variables.lower, upper, start);
+    for (int step = 1; step <= mostSteps && !search.isDone(); ++step) {
+        const double before = search.value();
+        search.advance(1, smallestGain());
+        const double hoped = search.value() + stepsLike * (search.value() - before) + hopeless;
+        if (step >= stepsToJudge && hoped < enough) {
+            break;
+        }
+    }
+    return {search.point(), search.value(), objective->noiseVariance()};
 }
 
 /**
@@ -549,13 +599,13 @@ void Search::searchFromAll()
         optima.push_back({variables.uniform(settings.initialLength, noisyNugget), -infinity});
     }
     if (sizes.size() == 1 && settings.starts.empty()) {
-        optima.front() = search(optima.front().point, variables.upper, smallestGain());
+        finish(optima.front());
     }
     for (std::size_t rung = 1; rung < sizes.size(); ++rung) {
         climb(sizes[rung]);
     }
     if (!settings.isRough) {
-        tryFarLengths();
+        tryFarLengths(variables.upper);
     }
 }
 
@@ -616,7 +666,7 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
 
     Settings attempt = settings;
     attempt.smallestNugget = std::max(attempt.smallestNugget, attempt.soundNugget);
-    Progress progress(expectedWork(*data, attempt));
+    KrigingSearchProgress progress(casesToCompete, *data, attempt);
     bool isRaised = false;
     for (;;) {
         Result result = Search(data, attempt, progress).run();

@@ -89,6 +89,15 @@ void KrigingSearchVariables::recall(std::vector<double>& point) const
     }
 }
 
+void KrigingSearchVariables::limitRises(BoundedSearch& search) const
+{
+    constexpr double most = 1.0; // in its unit: a factor of 20
+
+    if (hasNugget) {
+        search.limitRise(size() - 1, most);
+    }
+}
+
 bool KrigingSearchVariables::areClose(const std::vector<double>& a,
                                       const std::vector<double>& b) const
 {

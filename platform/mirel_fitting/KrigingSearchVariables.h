@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/BoundedSearch.h>
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingReportInterface.h>
 #include <mirel_fitting/KrigingSearch.h>
@@ -39,6 +40,10 @@ public:
      * there, too.
      */
     void recall(std::vector<double>& point) const;
+
+    /** Where the nugget is too small to be felt, the likelihood says that it may rise without end:
+     *  a search raises it by little at a time. */
+    void limitRises(BoundedSearch& search) const;
 
     /** Whether the points are the same optimum, or on their way to it. */
     bool areClose(const std::vector<double>& a, const std::vector<double>& b) const;

@@ -291,6 +291,36 @@ TEST(KrigingSearch, LeavesNoInputOutThatMoreCasesShow)
     }
 }
 
+TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
+{
+    // A nugget of a millionth is a little likelier here, but not by enough; without it other
+    // lengths are likeliest.
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        const Columns x = latinHypercube(50, 6, seed);
+        const auto data = dataOf(x, valuesOf(circuit, x));
+        const KrigingSearch::Result result = KrigingSearch::run(data, {});
+        if (result.parameters.nugget > KrigingSearch::Settings().soundNugget) {
+            continue;
+        }
+        KrigingSearch::Settings fixed;
+        fixed.isNuggetFixed = true;
+
+        EXPECT_GT(result.logLikelihood, KrigingSearch::run(data, fixed).logLikelihood - 0.15)
+            << seed;
+    }
+}
+
+TEST(KrigingSearch, NeedsFewEvaluationsWhereTheLikelihoodHasManyOptima)
+{
+    std::size_t evaluations = 0;
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        const Columns x = latinHypercube(50, 6, seed);
+        evaluations += KrigingSearch::run(dataOf(x, valuesOf(hartmann6, x)), {}).evaluations;
+    }
+
+    EXPECT_LT(evaluations, 10u * 85u);
+}
+
 TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)
 {
     double last = 0.0;

@@ -96,3 +96,26 @@ TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)
     EXPECT_TRUE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 100.0})));
     EXPECT_FALSE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 50.0})));
 }
+
+TEST(KrigingSearchVariables, RaiseTheNuggetByAFactorOfTwentyAtATime)
+{
+    struct Slope : BoundedObjective
+    {
+        double value(const std::vector<double>& point) override { return point[0] + point[1]; }
+        bool curvature(std::vector<double>& result) override
+        {
+            result = {1e-9, 0.0, 0.0, 1e-9};
+            return true;
+        }
+        void gradient(std::vector<double>& result) override { result = {1.0, 1.0}; }
+    };
+    const KrigingSearchVariables all = variables(50, 1);
+    Slope slope;
+    BoundedSearch search(slope, all.lower, all.upper, all.at({{0.5}, 1e-12}));
+    all.limitRises(search);
+
+    search.advance(2, 0.0);
+
+    EXPECT_NEAR(search.point()[0], std::log(0.5) + 3.0, 1e-12);
+    EXPECT_NEAR(search.point()[1], std::log(1e-12) / 3.0 + 2.0, 1e-12);
+}
