@@ -1,56 +1,100 @@
 #include <mirel_fitting/KrigingCases.h>
 
 #include <mirel_fitting/ColumnScale.h>
+#include <mirel_fitting/ReportingSort.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
-#include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <string>
 
-KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows)
-    : rows(rows), inputs(columns.size()), order(rows)
+void KrigingCases::requireRanges(const std::vector<double*>& columns, std::size_t rows)
 {
-    for (std::size_t k = 0; k < inputs; ++k) {
-        const auto [smallest, largest] = std::minmax_element(columns[k], columns[k] + rows);
-        if (std::isinf(*largest - *smallest)) {
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        const ColumnScale scale(columns[k], rows);
+        if (std::isinf(scale.largestValue() - scale.smallestValue())) {
             throw SurrogateModelInterface::Error("The values of the input V" +
                                                  std::to_string(k + 1) +
                                                  " lie too far apart: their range is no number.");
         }
-        if (!ColumnScale(columns[k], rows).isConstantUpToRounding()) {
+    }
+}
+
+KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows,
+                           const Report& report)
+    : rows(rows), inputs(columns.size())
+{
+    requireRanges(columns, rows);
+    for (std::size_t k = 0; k < inputs; ++k) {
+        const ColumnScale scale(columns[k], rows);
+        if (!scale.isConstantUpToRounding()) {
             active.push_back(k);
-            minima.push_back(*smallest);
-            ranges.push_back(*largest - *smallest);
+            minima.push_back(scale.smallestValue());
+            ranges.push_back(scale.largestValue() - scale.smallestValue());
         }
     }
 
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    const auto compare = [&](std::size_t a, std::size_t b) {
-        for (const std::size_t k : active) {
-            if (columns[k][a] != columns[k][b]) {
-                return columns[k][a] < columns[k][b] ? -1 : 1;
-            }
+    sortRows(columns, report);
+    findPoints(columns);
+    for (std::size_t k = 0; k < active.size(); ++k) {
+        if (report) {
+            report();
         }
-        return 0;
+        scaleInput(columns[active[k]], minima[k], ranges[k]);
+    }
+}
+
+int KrigingCases::compare(const std::vector<double*>& columns, std::size_t a, std::size_t b) const
+{
+    for (const std::size_t k : active) {
+        if (columns[k][a] != columns[k][b]) {
+            return columns[k][a] < columns[k][b] ? -1 : 1;
+        }
+    }
+    return 0;
+}
+
+void KrigingCases::sortRows(const std::vector<double*>& columns, const Report& report)
+{
+    // The first input decides nearly always, so it lies beside the row.
+    struct Entry
+    {
+        double first;
+        std::size_t row;
     };
-    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        const int sign = compare(a, b);
-        return sign != 0 ? sign < 0 : a < b;
-    });
+    std::vector<Entry> entries;
+    entries.reserve(rows);
+    for (std::size_t row = 0; row < rows; ++row) {
+        entries.push_back({active.empty() ? 0.0 : columns[active.front()][row], row});
+    }
+    const auto isBefore = [&](const Entry& a, const Entry& b) {
+        if (a.first != b.first) {
+            return a.first < b.first;
+        }
+        const int sign = compare(columns, a.row, b.row);
+        return sign != 0 ? sign < 0 : a.row < b.row;
+    };
+    sortReporting(entries.begin(), entries.end(), isBefore, report);
+    order.reserve(rows);
+    for (const Entry& entry : entries) {
+        order.push_back(entry.row);
+    }
+}
+
+void KrigingCases::findPoints(const std::vector<double*>& columns)
+{
     for (std::size_t i = 0; i < rows; ++i) {
-        if (i == 0 || compare(order[i - 1], order[i]) != 0) {
+        if (i == 0 || compare(columns, order[i - 1], order[i]) != 0) {
             starts.push_back(i);
         }
     }
     starts.push_back(rows);
+}
 
+void KrigingCases::scaleInput(const double* values, double minimum, double range)
+{
     scaled.reserve(pointCount() * active.size());
-    for (std::size_t k = 0; k < active.size(); ++k) {
-        for (std::size_t point = 0; point < pointCount(); ++point) {
-            const double x = columns[active[k]][order[starts[point]]];
-            scaled.push_back((x - minima[k]) / ranges[k]);
-        }
+    for (std::size_t point = 0; point < pointCount(); ++point) {
+        scaled.push_back((values[order[starts[point]]] - minimum) / range);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /**
@@ -11,11 +12,19 @@
 class KrigingCases
 {
 public:
+    /** Told now and then that there is more to do; what it throws passes through. */
+    using Report = std::function<void()>;
+
+    /** @throw SurrogateModelInterface::Error if the range of an input is not finite. */
+    static void requireRanges(const std::vector<double*>& columns, std::size_t rows);
+
     /**
+     * O(rows log rows) time.
      * @param columns one array of `rows` finite values per input, borrowed for the call.
-     * @throw SurrogateModelInterface::Error if the range of an input is not finite.
+     * @throw SurrogateModelInterface::Error as requireRanges().
      */
-    KrigingCases(const std::vector<double*>& columns, std::size_t rows);
+    KrigingCases(const std::vector<double*>& columns, std::size_t rows,
+                 const Report& report = nullptr);
 
     std::size_t rowCount() const;
     std::size_t inputCount() const;
@@ -34,6 +43,11 @@ public:
     const std::vector<double>& coordinates() const;
 
 private:
+    int compare(const std::vector<double*>& columns, std::size_t a, std::size_t b) const;
+    void sortRows(const std::vector<double*>& columns, const Report& report);
+    void findPoints(const std::vector<double*>& columns);
+    void scaleInput(const double* values, double minimum, double range);
+
     std::size_t rows;
     std::size_t inputs;
     std::vector<std::size_t> active;

@@ -12,11 +12,13 @@
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/KrigingTrendChoice.h>
 #include <mirel_fitting/MergedOutput.h>
+#include <mirel_fitting/ReportingSort.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <numeric>
@@ -42,9 +44,14 @@ std::string counted(std::size_t count, const std::string& noun)
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+void tellOfPreparing()
+{
+    FitProgress::report(0.0, "Preparing the cases");
+}
+
 std::vector<double> ascending(std::vector<double> values)
 {
-    std::sort(values.begin(), values.end());
+    sortReporting(values.begin(), values.end(), std::less<>(), tellOfPreparing);
     return values;
 }
 
@@ -162,10 +169,11 @@ void Fitter::standardise()
 void Fitter::mergeRows()
 {
     std::vector<double> standardised;
+    standardised.reserve(output.size());
     for (const double y : output) {
         standardised.push_back((y - offset) / scale);
     }
-    const MergedOutput merged(cases, standardised);
+    const MergedOutput merged(cases, standardised, tellOfPreparing);
     data->cases = cases.pointCount();
     data->inputs = cases.activeInputs().size();
     data->coordinates = cases.coordinates();
@@ -187,7 +195,7 @@ void Fitter::mergeRows()
                                   "inputs have different outputs."));
     }
     conflicts = merged.conflicts;
-    const std::size_t places = ContradictingCases::places(*data);
+    const std::size_t places = ContradictingCases::places(*data, tellOfPreparing);
     if (places > 0) {
         warnings.push_back("At " + counted(places, "place") +
                            " cases lie next to each other (less than " +
@@ -652,7 +660,7 @@ std::vector<std::size_t> Fitter::allPoints() const
 
 KrigingFit Fitter::run()
 {
-    FitProgress::report(0.0, "Preparing the cases");
+    tellOfPreparing();
     std::vector<bool> varies(cases.inputCount(), false);
     for (const std::size_t input : cases.activeInputs()) {
         varies[input] = true;

@@ -4,6 +4,7 @@
 #include <mirel_fitting/KrigingVariance.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/ThreadCount.h>
 
 #include <algorithm>
@@ -26,6 +27,12 @@ double KrigingPredictor::Parts::coordinate(std::size_t k, double value) const
 
 PredictorDescription KrigingPredictor::Parts::description() const
 {
+    if (neighbours) {
+        throw SurrogateModelInterface::Error(
+            "Each prediction of the model asks for the nearest of its many cases, which no "
+            "exported model holds: leave out cases until no more than 10 000 are left, or take a "
+            "response surface.");
+    }
     PredictorDescription description;
     description.kind = PredictorDescription::Kind::Kriging;
     for (std::size_t k = 0; k < inputs.size(); ++k) {

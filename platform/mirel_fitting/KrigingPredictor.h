@@ -45,7 +45,8 @@ public:
          *  small that products of two are finite; the correlation is 0 long before. */
         double coordinate(std::size_t k, double value) const;
 
-        /** Without the ranges of the inputs, and without the neighbours. */
+        /** Without the ranges of the inputs.
+         *  @throw SurrogateModelInterface::Error where neighbours are asked. */
         PredictorDescription description() const;
 
         /** The same predictions again, to the last bit; no standard errors. */

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/CaseRanges.h>
 #include <mirel_fitting/Distributions.h>
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingCases.h>
 #include <mirel_fitting/KrigingFit.h>
 #include <mirel_fitting/KrigingTexts.h>
@@ -87,8 +88,12 @@ public:
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount)
         : columns(independentColumns, dependentColumns, rowCount),
-          ranges(independentColumns, rowCount), cases(independentColumns, rowCount)
+          ranges(independentColumns, rowCount)
     {
+        KrigingCases::requireRanges(independentColumns, rowCount);
+        for (const double* column : independentColumns) {
+            inputs.emplace_back(column, column + rowCount);
+        }
         for (const double* column : dependentColumns) {
             outputs.emplace_back(column, column + rowCount);
         }
@@ -109,13 +114,32 @@ public:
         }
         // A fit that throws leaves no entry, so that it is tried again.
         return fits
-            .emplace(offset, fitKriging(cases, outputs[static_cast<std::size_t>(offset)], options))
+            .emplace(offset, fitKriging(preparedCases(), outputs[static_cast<std::size_t>(offset)],
+                                        options))
             .first->second;
+    }
+
+    /** Sorting many cases takes its time: it is a part of the first fit, which reports and can be
+     *  cancelled, and not of construction. */
+    const KrigingCases& preparedCases()
+    {
+        if (!cases) {
+            std::vector<double*> columnsOfInputs;
+            for (std::vector<double>& input : inputs) {
+                columnsOfInputs.push_back(input.data());
+            }
+            cases = std::make_unique<const KrigingCases>(columnsOfInputs, columns.cases(), [] {
+                FitProgress::report(0.0, "Preparing the cases");
+            });
+            inputs = {};
+        }
+        return *cases;
     }
 
     TrainingColumns columns;
     CaseRanges ranges;
-    KrigingCases cases;
+    std::vector<std::vector<double>> inputs; // until the cases are prepared
+    std::unique_ptr<const KrigingCases> cases;
     std::vector<std::vector<double>> outputs;
     KrigingOptions options;
     std::map<int, KrigingFit> fits;
@@ -242,7 +266,7 @@ void KrigingSurrogateModel::predictionIntervals(const std::vector<double*>& inpu
 std::vector<LeaveOneOutPrediction> KrigingSurrogateModel::leaveOneOutPredictions(int offset) const
 {
     const KrigingFit& fit = impl->fit(offset);
-    return fit.leftOut.predictions(impl->cases, fit.predictor);
+    return fit.leftOut.predictions(impl->preparedCases(), fit.predictor);
 }
 
 void KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
@@ -283,13 +307,7 @@ std::string KrigingSurrogateModel::extrapolationWarning(const std::vector<double
 
 PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) const
 {
-    const KrigingPredictor::Parts& parts = impl->fit(offset).predictor.model();
-    if (parts.neighbours) {
-        throw Error("The model asks for the nearest of its many cases in each prediction, which "
-                    "no description holds. Leave out cases until no more than 10 000 are left, or "
-                    "take a response surface.");
-    }
-    PredictorDescription description = parts.description();
+    PredictorDescription description = impl->fit(offset).predictor.model().description();
     description.inputs = impl->ranges.ranges();
     return description;
 }

@@ -44,6 +44,7 @@ NearestNeighbourKriging::Report reportingAt(double place, const std::string& mes
 }
 
 const char* const leavingOut = "Leaving out cases";
+const char* const estimating = "Estimating what near cases tell";
 
 /** The exact model of the subset. */
 struct FirstLayer
@@ -258,13 +259,12 @@ Fit::estimate(const std::vector<double>& values, const NearestNeighbourKriging& 
         sample.push_back(result.measured[position]);
         expected.push_back(values[sample.back()]);
     }
-    const std::string message = "Estimating what near cases tell";
     const NearestNeighbourKriging::LeftOut leftOut(kriging, sample, nullptr);
     double done = 0.0;
     const auto density = [&](const NearestNeighbourKriging::Parameters& parameters) {
         constexpr double expectedTrials = 100.0;
         done += 1.0 / expectedTrials;
-        FitProgress::report(1.0 - std::exp(-done), message);
+        FitProgress::report(1.0 - std::exp(-done), estimating);
         const double found = logDensity(expected, leftOut.predict(parameters, nullptr));
         return std::isfinite(found) ? found : -std::numeric_limits<double>::infinity();
     };
@@ -325,10 +325,10 @@ Layer Fit::neighboursOf(const std::vector<double>& values,
     cases.values = values;
     cases.rows = data->rows;
     Layer layer;
-    layer.kriging = std::make_shared<NearestNeighbourKriging>(std::move(cases), start.lengths,
-                                                              sizes.neighbours);
     {
         const FitProgress::Portion portion(0.0, 0.7);
+        layer.kriging = std::make_shared<NearestNeighbourKriging>(
+            std::move(cases), start.lengths, sizes.neighbours, reporting(estimating));
         layer.kriging->setParameters(estimate(values, *layer.kriging, start));
     }
     const FitProgress::Portion portion(0.7, 1.0);
@@ -359,7 +359,7 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
         points.push_back(columns[k].data());
     }
     std::vector<double> explained(result.measured.size(), 0.0);
-    constexpr std::size_t atOnce = 512; // a few hundredths of a second
+    constexpr std::size_t atOnce = 256; // some hundredths of a second
     for (std::size_t first = 0; first < explained.size(); first += atOnce) {
         FitProgress::report(0.0, leavingOut);
         const std::size_t size = std::min(atOnce, explained.size() - first);

@@ -16,39 +16,53 @@ std::size_t countDistinct(const std::vector<double>& ascending)
 
 } // namespace
 
-MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output)
+MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output,
+                           const Report& report)
 {
-    std::vector<std::vector<double>> valuesAt(cases.pointCount());
-    for (std::size_t point = 0; point < valuesAt.size(); ++point) {
-        std::vector<double>& values = valuesAt[point];
+    constexpr std::size_t pointsPerReport = 65536;
+
+    std::vector<double> values; // of the rows at a point, ascending
+    const auto gather = [&](std::size_t point) {
+        if (report && point % pointsPerReport == 0) {
+            report();
+        }
+        values.clear();
         for (const std::size_t row : cases.rowsAt(point)) {
             values.push_back(output[row]);
         }
         std::sort(values.begin(), values.end());
+    };
+    for (std::size_t point = 0; point < cases.pointCount(); ++point) {
+        gather(point);
         const std::size_t distinct = countDistinct(values);
         copies += values.size() - distinct;
         conflicts += distinct > 1 ? 1 : 0;
     }
-
-    for (std::vector<double>& values : valuesAt) {
+    for (std::size_t point = 0; point < cases.pointCount(); ++point) {
+        gather(point);
         if (conflicts == 0) {
             values.resize(1);
         }
-        const auto count = static_cast<double>(values.size());
-        double mean = values.front();
-        double squares = 0.0;
-        // Of equal values the sum would round the mean, and its rounding pass for scatter.
-        if (values.front() != values.back()) {
-            mean = 0.0;
-            for (const double value : values) {
-                mean += value / count;
-            }
-            for (const double value : values) {
-                squares += (value - mean) * (value - mean);
-            }
-        }
-        means.push_back(mean);
-        rows.push_back(count);
-        scatter.push_back(squares);
+        add(values);
     }
+}
+
+void MergedOutput::add(const std::vector<double>& ascending)
+{
+    const auto count = static_cast<double>(ascending.size());
+    double mean = ascending.front();
+    double squares = 0.0;
+    // Of equal values the sum would round the mean, and its rounding pass for scatter.
+    if (ascending.front() != ascending.back()) {
+        mean = 0.0;
+        for (const double value : ascending) {
+            mean += value / count;
+        }
+        for (const double value : ascending) {
+            squares += (value - mean) * (value - mean);
+        }
+    }
+    means.push_back(mean);
+    rows.push_back(count);
+    scatter.push_back(squares);
 }

@@ -3,6 +3,7 @@
 #include <mirel_fitting/KrigingCases.h>
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /**
@@ -15,12 +16,19 @@
 class MergedOutput
 {
 public:
+    /** Told now and then that there is more to do; what it throws passes through. */
+    using Report = std::function<void()>;
+
     /** @param output one value per row. */
-    MergedOutput(const KrigingCases& cases, const std::vector<double>& output);
+    MergedOutput(const KrigingCases& cases, const std::vector<double>& output,
+                 const Report& report = nullptr);
 
     std::vector<double> means;   ///< one per point
     std::vector<double> rows;    ///< one per point: how many are counted
     std::vector<double> scatter; ///< one per point: sum of squares about the mean
     std::size_t copies = 0;      ///< rows that repeat another one, merged or counted
     std::size_t conflicts = 0;   ///< points whose rows differ
+
+private:
+    void add(const std::vector<double>& ascending);
 };

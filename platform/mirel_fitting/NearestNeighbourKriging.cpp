@@ -203,18 +203,25 @@ void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
 class NearestNeighbourKriging::Impl
 {
 public:
-    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours)
+    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours,
+         const Report& report)
         : count(cases.count), inputs(cases.inputs), neighbours(std::min(neighbours, cases.count)),
           metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
           rows(std::move(cases.rows))
     {
+        const NearestNeighbours::Report begun = [&report] {
+            if (report) {
+                report(0.0);
+            }
+        };
         for (std::size_t k = 0; k < inputs; ++k) {
+            begun();
             metric[k] = std::min(metric[k], longestInMetric);
             for (std::size_t i = 0; i < count; ++i) {
                 coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
             }
         }
-        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs);
+        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs, begun);
         setParameters({lengths, 0.0});
     }
 
@@ -271,8 +278,8 @@ public:
 };
 
 NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& metric,
-                                                 std::size_t neighbours)
-    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours))
+                                                 std::size_t neighbours, const Report& report)
+    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours, report))
 {}
 
 NearestNeighbourKriging::~NearestNeighbourKriging() = default;
@@ -386,6 +393,9 @@ double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& or
                                               const Report& report) const
 {
     const Impl& all = *impl;
+    if (report) {
+        report(0.0);
+    }
     std::vector<double> coordinates;
     std::vector<double> values;
     std::vector<double> rows;
@@ -400,7 +410,15 @@ double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& or
     std::vector<Prediction> predictions(order.size());
     for (std::size_t first = given, last; first < order.size(); first = last) {
         last = std::min(order.size(), std::max<std::size_t>(2 * first, 1));
-        const NearestNeighbours before(coordinates.data(), first, all.inputs);
+        const Report partly = [&](double fraction) {
+            if (report) {
+                const auto done = static_cast<double>(first - given);
+                report((done + fraction * static_cast<double>(last - first)) /
+                       static_cast<double>(order.size() - given));
+            }
+        };
+        const NearestNeighbours before(coordinates.data(), first, all.inputs,
+                                       [&partly] { partly(0.0); });
         const std::size_t wanted = std::min(all.neighbours, first);
         const PointWork work = [&](Workplace& place, std::size_t i) {
             const double* point = coordinates.data() + (first + i) * all.inputs;
@@ -409,13 +427,6 @@ double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& or
             predictions[first + i] = place.kriging.predict(
                 sources, place.indices.data(), found, point, all.factors, all.parameters.nugget,
                 all.parameters.nugget / rows[first + i]);
-        };
-        const Report partly = [&](double fraction) {
-            if (report) {
-                const auto done = static_cast<double>(first - given);
-                report((done + fraction * static_cast<double>(last - first)) /
-                       static_cast<double>(order.size() - given));
-            }
         };
         forPoints(last - first, all.neighbours, all.inputs, partly, work);
     }

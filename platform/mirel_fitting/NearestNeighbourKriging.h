@@ -48,8 +48,10 @@ public:
     /**
      * @param metric correlation lengths that decide which cases are near.
      * @param neighbours at most so many are used.
+     * @param report told 0: nobody knows how far a tree is.
      */
-    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
+    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours,
+                            const Report& report = nullptr);
     ~NearestNeighbourKriging();
 
     std::size_t neighbours() const;

@@ -4,12 +4,34 @@
 
 namespace {
 
+/** Counts what is read while a tree is built: the tree itself tells nothing. */
+class Readings
+{
+public:
+    explicit Readings(const NearestNeighbours::Report& report) : report(report) {}
+
+    void count()
+    {
+        constexpr std::size_t perReport = std::size_t{1} << 20; // some thousandths of a second
+        if (++done % perReport == 0) {
+            report();
+        }
+    }
+
+private:
+    const NearestNeighbours::Report& report;
+    std::size_t done = 0;
+};
+
 /** What the tree reads its points from, in the words that it asks by. */
 struct PointCloud
 {
     std::size_t kdtree_get_point_count() const { return count; }
     double kdtree_get_pt(std::size_t index, std::size_t input) const
     {
+        if (readings != nullptr) {
+            readings->count();
+        }
         return coordinates[index * inputs + input];
     }
     template <class Box>
@@ -21,6 +43,7 @@ struct PointCloud
     const double* coordinates;
     std::size_t count;
     std::size_t inputs;
+    Readings* readings; // null once the tree is there, which several threads then read
 };
 
 using Distance = nanoflann::L2_Simple_Adaptor<double, PointCloud>;
@@ -35,20 +58,24 @@ constexpr std::size_t pointsPerLeaf = 20;
 class NearestNeighbours::Impl
 {
 public:
-    Impl(const double* coordinates, std::size_t count, std::size_t inputs)
-        : cloud{coordinates, count, inputs},
+    Impl(const double* coordinates, std::size_t count, std::size_t inputs, Readings* readings)
+        : cloud{coordinates, count, inputs, readings},
           tree(static_cast<int>(inputs), cloud,
                nanoflann::KDTreeSingleIndexAdaptorParams(pointsPerLeaf))
-    {}
+    {
+        cloud.readings = nullptr;
+    }
 
     PointCloud cloud;
     Tree tree;
 };
 
 NearestNeighbours::NearestNeighbours(const double* coordinates, std::size_t count,
-                                     std::size_t inputs)
-    : impl(std::make_unique<Impl>(coordinates, count, inputs))
-{}
+                                     std::size_t inputs, const Report& report)
+{
+    Readings readings(report);
+    impl = std::make_unique<Impl>(coordinates, count, inputs, report ? &readings : nullptr);
+}
 
 NearestNeighbours::~NearestNeighbours() = default;
 

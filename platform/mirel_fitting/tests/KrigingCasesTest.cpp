@@ -76,3 +76,25 @@ TEST(KrigingCases, DoesNotDependOnTheOrderOfTheRows)
 
     EXPECT_EQ(cases.coordinates(), others.coordinates());
 }
+
+TEST(KrigingCases, RefusesARangeBeforeAnythingIsSorted)
+{
+    Columns columns = {{-1.5e308, 1.5e308}};
+
+    EXPECT_THROW(KrigingCases::requireRanges(pointersTo(columns), 2),
+                 SurrogateModelInterface::Error);
+    EXPECT_NO_THROW(KrigingCases::requireRanges(pointersTo(columns), 1));
+}
+
+TEST(KrigingCases, ReportsWhileItSortsAndScales)
+{
+    constexpr std::size_t rows = 100000;
+    Columns columns = {UniformNumbers(1).next(rows), UniformNumbers(2).next(rows)};
+    int reports = 0;
+
+    const KrigingCases cases(pointersTo(columns), rows, [&] { ++reports; });
+
+    EXPECT_EQ(cases.pointCount(), rows);
+    // Four parts to sort, three pairs of them to merge, two inputs to scale.
+    EXPECT_EQ(reports, 4 + 3 + 2);
+}

@@ -309,6 +309,25 @@ TEST(KrigingSurrogateModel, FitsACancelledOutputWhenItIsWantedAgain)
     EXPECT_EQ(predictions(model, {{0.3}, {0.4}}, 1), before);
 }
 
+TEST(KrigingSurrogateModel, PreparesItsCasesInTheFirstFitWhichCanBeCancelledThere)
+{
+    std::vector<std::string> messages;
+    {
+        FitProgress progress([&](double, const std::string& message) {
+            messages.push_back(message);
+            return false;
+        });
+        KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
+        EXPECT_TRUE(messages.empty());
+
+        EXPECT_EQ(refusal([&] { model.activateDependentVariables({0}); }),
+                  "The fit was cancelled.");
+        EXPECT_EQ(refusal([&] { model.activateDependentVariables({0}); }),
+                  "The fit was cancelled.");
+    }
+    EXPECT_EQ(messages, std::vector<std::string>(2, "Preparing the cases"));
+}
+
 TEST(KrigingSurrogateModel, FitsAnOutputWhoseReportThrewWhenItIsWantedAgain)
 {
     KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());

@@ -348,6 +348,23 @@ TEST(LargeKriging, KeepsLengthsAndNuggetThatAreFixed)
     EXPECT_EQ(fit.report.nugget, 1e-5);
 }
 
+TEST(LargeKriging, CannotBeDescribedWhereNearCasesAreAsked)
+{
+    const Columns inputs = latinHypercube(700, 3, 3);
+    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
+    ASSERT_TRUE(fit.predictor.model().neighbours);
+
+    try {
+        fit.predictor.model().description();
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "Each prediction of the model asks for the nearest of its many cases, which "
+                     "no exported model holds: leave out cases until no more than 10 000 are left, "
+                     "or take a response surface.");
+    }
+}
+
 TEST(LargeKriging, ReportsEveryPartOfTheWork)
 {
     const Columns inputs = latinHypercube(700, 3, 3);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace {
 
 MergedOutput merged(std::vector<double> input, const std::vector<double>& output)
@@ -50,4 +52,18 @@ TEST(MergedOutput, TakesNoRoundingOfAMeanForScatter)
 
     EXPECT_EQ(output.means[1], 0.1);
     EXPECT_EQ(output.scatter[1], 0.0);
+}
+
+TEST(MergedOutput, ReportsWhileItMerges)
+{
+    constexpr std::size_t rows = 100000;
+    std::vector<double> input(rows);
+    std::iota(input.begin(), input.end(), 0.0);
+    int reports = 0;
+
+    const MergedOutput output(KrigingCases({input.data()}, rows), input, [&] { ++reports; });
+
+    EXPECT_EQ(output.means, input);
+    // Twice over all points, each 65 536 of them.
+    EXPECT_EQ(reports, 4);
 }
