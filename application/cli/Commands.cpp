@@ -73,10 +73,7 @@ void runSummary(const CommandLine& line)
 void runFit(const CommandLine& line)
 {
     OpenSession open(line);
-    {
-        const TerminalProgress progress(line.isQuiet);
-        open.session.fit();
-    }
+    fitWithProgress(line, open.session);
     if (!line.report.empty()) {
         writeFitReport(open.session, line.report);
     }
@@ -110,14 +107,11 @@ void runEvaluate(const CommandLine& line)
     OpenSession open(line);
     open.chooseValues(line);
     checkLimitNames(line, open.session);
-    vtkSmartPointer<vtkTable> values;
+    fitWithProgress(line, open.session);
+    const vtkSmartPointer<vtkTable> values = open.session.evaluate();
     std::vector<PredictionLimits> limits;
-    {
-        const TerminalProgress progress(line.isQuiet);
-        values = open.session.evaluate();
-        if (line.interval) {
-            limits = open.session.limits(*values, *line.interval);
-        }
+    if (line.interval) {
+        limits = open.session.limits(*values, *line.interval);
     }
     open.save(line);
     const std::size_t inputs = open.session.inputs().size();
@@ -147,14 +141,12 @@ void runPredict(const CommandLine& line)
                                   namesOf(open.session.inputs()), namesOf(open.session.outputs()),
                                   line.interval ? PredictionPoints::PredictionsAndLimits
                                                 : PredictionPoints::Predictions);
-    std::vector<std::vector<double>> predictions;
+    fitWithProgress(line, open.session);
+    const std::vector<std::vector<double>> predictions =
+        open.session.predict(points.inputColumns(), points.count());
     std::vector<PredictionLimits> limits;
-    {
-        const TerminalProgress progress(line.isQuiet);
-        predictions = open.session.predict(points.inputColumns(), points.count());
-        if (line.interval) {
-            limits = open.session.limits(points.inputColumns(), points.count(), *line.interval);
-        }
+    if (line.interval) {
+        limits = open.session.limits(points.inputColumns(), points.count(), *line.interval);
     }
     open.save(line);
     writeTable(line, points.withPredictions(predictions, limits), open.session, open.readSeconds);

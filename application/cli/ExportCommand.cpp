@@ -26,11 +26,9 @@ void ExportCommand::check(const CommandLine& line)
 
 void ExportCommand::run(const CommandLine& line, CaseSession& session)
 {
-    std::string content;
-    {
-        const TerminalProgress progress(line.isQuiet);
-        content = exportModel(ModelFile::exported(session), ModelFile::formatOf(line.format));
-    }
+    fitWithProgress(line, session);
+    const std::string content =
+        exportModel(ModelFile::exported(session), ModelFile::formatOf(line.format));
     OutputFile out(line.output);
     out.write(content);
     out.commit();

@@ -8,8 +8,6 @@
 #include <session/CaseSession.h>
 #include <session/SessionErrors.h>
 
-#include <utility>
-
 void PlotCommand::check(const CommandLine& line)
 {
     if (line.output == "-") {
@@ -31,10 +29,6 @@ void PlotCommand::check(const CommandLine& line, const CaseSession& session)
 
 void PlotCommand::run(const CommandLine& line, CaseSession& session)
 {
-    std::vector<PictureData> pictures;
-    {
-        const TerminalProgress progress(line.isQuiet);
-        pictures = pictureLibrary().make(line.kind, session);
-    }
-    pictureLibrary().write(std::move(pictures), line.size, line.output);
+    fitWithProgress(line, session);
+    pictureLibrary().write(pictureLibrary().make(line.kind, session), line.size, line.output);
 }

@@ -1,5 +1,9 @@
 #include "TerminalProgress.h"
 
+#include "CommandLine.h"
+
+#include <session/CaseSession.h>
+
 #include <mirel_fitting/FitProgress.h>
 
 #include <chrono>
@@ -65,4 +69,10 @@ TerminalProgress::~TerminalProgress()
     if (line) {
         line->clear();
     }
+}
+
+void fitWithProgress(const CommandLine& line, CaseSession& session)
+{
+    const TerminalProgress progress(line.isQuiet);
+    session.fit();
 }

@@ -4,7 +4,9 @@
 
 #include <memory>
 
+class CaseSession;
 class FitProgress;
+struct CommandLine;
 
 /**
  * While it lives, fits show how far they are as a bar on one line of the terminal, which it clears
@@ -26,3 +28,7 @@ private:
     std::unique_ptr<Line> line;
     std::unique_ptr<FitProgress> progress;
 };
+
+/** Fits the session's model beneath a TerminalProgress. What uses the model comes after it: there
+ *  Ctrl-C ends the program at once. */
+void fitWithProgress(const CommandLine& line, CaseSession& session);

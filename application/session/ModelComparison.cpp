@@ -170,17 +170,38 @@ struct Predictions
     double seconds = 0.0;
 };
 
+/** In parts: what a model of many cases predicts takes long enough to be cancelled. */
+std::vector<double> predicted(const SurrogateModelInterface& model, Columns& points,
+                              std::size_t count, const std::string& message)
+{
+    constexpr std::size_t atOnce = 1024;
+
+    std::vector<double> values(count);
+    for (std::size_t first = 0; first < count; first += atOnce) {
+        if (first > 0) {
+            FitProgress::report(1.0, message);
+        }
+        std::vector<double*> inputs = pointersTo(points);
+        for (double*& column : inputs) {
+            column += first;
+        }
+        std::vector<double*> results = {values.data() + first};
+        model.interpolateDependentValues(inputs, {0}, results, std::min(atOnce, count - first));
+    }
+    return values;
+}
+
 /** @throw SurrogateModelInterface::Error */
-void predict(Model type, Parted& parted, std::vector<double>& output, Predictions& predictions)
+void predict(Model type, Parted& parted, std::vector<double>& output, Predictions& predictions,
+             const std::string& message)
 {
     const Stopwatch watch;
     const std::unique_ptr<SurrogateModelInterface> model = makeModel(type, parted.inputs, output);
     model->activateDependentVariables({0});
     const double seconds = watch.seconds();
 
-    std::vector<double> values(parted.leftOut.size());
-    std::vector<double*> results = {values.data()};
-    model->interpolateDependentValues(pointersTo(parted.points), {0}, results, values.size());
+    const std::vector<double> values =
+        predicted(*model, parted.points, parted.leftOut.size(), message);
     if (!std::all_of(values.begin(), values.end(),
                      [](double value) { return std::isfinite(value); })) {
         throw SurrogateModelInterface::Error("A prediction is no finite number.");
@@ -248,7 +269,7 @@ private:
                                     std::to_string(fold + 1) + " of " + std::to_string(folds);
         FitProgress::report(0.0, message);
         try {
-            predict(type, parted, output, predictions);
+            predict(type, parted, output, predictions, message);
         } catch (const SurrogateModelInterface::Error& error) {
             predictions.failures.push_back({fold, withInputNames(error.what(), cases.inputNames)});
         }

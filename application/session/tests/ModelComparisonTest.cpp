@@ -264,6 +264,22 @@ TEST(ModelComparison, CanBeCancelledInsideAFitAndBetweenThem)
     }
 }
 
+TEST(ModelComparison, ReportsBetweenThePartsOfAPrediction)
+{
+    // In two folds, 1500 cases are predicted by the others, in two parts.
+    const CaseSession session(madeCases(3000), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    std::size_t reports = 0;
+    const FitProgress progress([&](double, const std::string& message) {
+        reports += message == "response surface, fold 1 of 2" ? 1 : 0;
+        return message.find("Kriging") == std::string::npos;
+    });
+
+    EXPECT_THROW(ModelComparison::of(session, 2), SurrogateModelInterface::Error);
+
+    // Before, between the parts and after.
+    EXPECT_EQ(reports, 3u);
+}
+
 TEST(ModelComparison, ProgressNeverGoesBack)
 {
     const CaseSession session(madeCases(40), {{0, 1}, {2, 3}}, {}, CaseSession::ResponseSurface);

@@ -1,0 +1,86 @@
+// Ctrl-C, whatever the program is about to do.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+
+namespace {
+struct Interrupted
+{
+    const char* name;
+    const char* arguments;
+};
+
+class InterruptedProgram : public Program, public ::testing::WithParamInterface<Interrupted>
+{
+protected:
+    InterruptedProgram()
+    {
+        // Thousands of cases: the fit takes seconds, and the signal comes in its middle.
+        std::mt19937_64 random(7);
+        const auto uniform = [&] { return static_cast<double>(random() >> 11) * 0x1p-53; };
+        std::string cases = "a,b,c,y\n";
+        for (int i = 0; i < 3000; ++i) {
+            const double a = uniform();
+            const double b = uniform();
+            const double c = uniform();
+            for (const double cell : {a, b, c}) {
+                cases += std::to_string(cell) + ',';
+            }
+            cases += std::to_string(std::sin(9.0 * a) * std::cos(7.0 * b) + c * c) + '\n';
+        }
+        folder.write("many.csv", cases);
+    }
+};
+} // namespace
+
+TEST_P(InterruptedProgram, LeavesNothingBehind)
+{
+    folder.write("old.txt", "old");
+    const std::size_t before = (run("--version"), folder.fileCount());
+
+    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT 1 '" +
+                              std::string(SURROGATE_PROGRAM) + "' " + GetParam().arguments);
+
+    EXPECT_EQ(ended.exitCode, 130);
+    EXPECT_EQ(ended.out, "");
+    EXPECT_EQ(ended.err, "");
+    EXPECT_EQ(folder.fileCount(), before);
+    EXPECT_EQ(folder.read("old.txt"), "old");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, InterruptedProgram,
+    ::testing::Values(
+        Interrupted{"Fit", "fit many.csv -y y -m kriging -o old.txt --save many.surrogate.xml"},
+        Interrupted{"FitToTheStandardOutput", "fit many.csv -y y -m kriging --json"},
+        Interrupted{"Evaluate", "evaluate many.csv -y y -m kriging --count a=10 -o old.txt"},
+        Interrupted{"Predict", "predict many.csv -y y -m kriging --points many.csv -o old.txt"},
+        Interrupted{"Compare", "compare many.csv -y y -o old.txt"},
+        Interrupted{"Plot", "plot many.csv -y y -m kriging --kind actual -o picture.svg"},
+        Interrupted{"Export", "export many.csv -y y -m kriging --format json -o old.txt"}),
+    [](const auto& interrupted) { return std::string(interrupted.param.name); });
+
+TEST_F(Program, CtrlCEndsAPredictionAtOnce)
+{
+    // A quick fit, and standard errors at so many points that they take minutes: who waits for
+    // them is killed.
+    std::string cases = "a,y\n";
+    for (int i = 0; i < 400; ++i) {
+        cases += std::to_string(i) + ',' + std::to_string(std::sin(0.1 * i)) + '\n';
+    }
+    folder.write("waves.csv", cases);
+    const std::size_t before = (run("--version"), folder.fileCount());
+
+    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT -k 20 3 '" +
+                              std::string(SURROGATE_PROGRAM) +
+                              "' evaluate waves.csv -y y -m kriging --interval 95 "
+                              "--count a=10000000 -o table.csv");
+
+    EXPECT_EQ(ended.exitCode, 130);
+    EXPECT_EQ(folder.fileCount(), before);
+}
