@@ -1,5 +1,7 @@
 #include "Interruption.h"
 
+#include <session/UnfinishedFile.h>
+
 #include <csignal>
 
 #include <unistd.h>
@@ -8,10 +10,16 @@ namespace {
 volatile std::sig_atomic_t isPostponed = 0;
 volatile std::sig_atomic_t isWanted = 0;
 
+[[noreturn]] void end()
+{
+    UnfinishedFile::removeAll();
+    _exit(Interruption::exitCode);
+}
+
 void handle(int)
 {
     if (isPostponed == 0 || isWanted != 0) {
-        _exit(Interruption::exitCode);
+        end();
     }
     isWanted = 1;
 }
@@ -41,7 +49,7 @@ Interruption::Postponed::~Postponed()
     isPostponed = 0;
     if (isWanted != 0) {
         // The fit was done before it could look.
-        _exit(exitCode);
+        end();
     }
 }
 

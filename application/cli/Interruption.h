@@ -5,8 +5,8 @@ class Interrupted
 {};
 
 /**
- * What Ctrl-C does to the program: outside of a fit it ends at once with the exit code 130, where
- * files that are being written have no name yet; a fit is asked to end first, so that the terminal
+ * What Ctrl-C does to the program: outside of a fit it ends at once with the exit code 130, and
+ * files that are not yet whole go with it; a fit is asked to end first, so that the terminal
  * is left in order. A second Ctrl-C does not wait for it.
  */
 namespace Interruption {

@@ -1,6 +1,7 @@
 #include "session/OutputFile.h"
 
 #include "session/SessionErrors.h"
+#include "session/UnfinishedFile.h"
 
 #include <array>
 #include <cerrno>
@@ -52,19 +53,20 @@ bool flushed(int descriptor)
 /**
  * Makes a file of a new name beside another one.
  * @param make tries a name; where that fails because the name is taken, errno is EEXIST.
- * @return the name; empty if it failed otherwise, with the reason in errno.
+ * @return null if it failed otherwise, with the reason in errno.
  */
-std::string makeBeside(const std::string& path, const std::function<bool(const std::string&)>& make)
+std::unique_ptr<UnfinishedFile> makeBeside(const std::string& path,
+                                           const std::function<bool(const std::string&)>& make)
 {
     // The process number keeps programs that write the same file at the same time apart.
     for (int attempt = 0;; ++attempt) {
-        std::string name =
-            path + ".part" + std::to_string(getpid()) + '-' + std::to_string(attempt);
-        if (make(name)) {
-            return name;
+        auto file = std::make_unique<UnfinishedFile>(path + ".part" + std::to_string(getpid()) +
+                                                     '-' + std::to_string(attempt));
+        if (make(file->path())) {
+            return file;
         }
         if (errno != EEXIST) {
-            return std::string();
+            return nullptr;
         }
     }
 }
@@ -167,8 +169,8 @@ OutputFile::~OutputFile()
     if (descriptor >= 0 && descriptor != STDOUT_FILENO) {
         close(descriptor);
     }
-    if (!temporary.empty()) {
-        unlink(temporary.c_str());
+    if (temporary) {
+        unlink(temporary->path().c_str());
     }
 }
 
@@ -189,7 +191,7 @@ void OutputFile::commit()
     flushToDisk();
     keepBackup();
     // As late as can be: a program that is killed before leaves nothing behind.
-    if (temporary.empty()) {
+    if (!temporary) {
         nameTemporary();
     }
     const int closed = close(descriptor);
@@ -197,10 +199,10 @@ void OutputFile::commit()
     if (closed != 0) {
         fail(errno);
     }
-    if (rename(temporary.c_str(), target.c_str()) != 0) {
+    if (rename(temporary->path().c_str(), target.c_str()) != 0) {
         fail(errno);
     }
-    temporary.clear();
+    temporary.reset();
     flushFolder();
 }
 
@@ -230,7 +232,7 @@ void OutputFile::openNamed()
         return descriptor >= 0;
     };
     temporary = makeBeside(target, make);
-    if (temporary.empty()) {
+    if (!temporary) {
         fail(errno);
     }
 }
@@ -242,7 +244,7 @@ void OutputFile::nameTemporary()
         return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
     };
     temporary = makeBeside(target, make);
-    if (temporary.empty()) {
+    if (!temporary) {
         fail(errno);
     }
 }
@@ -264,17 +266,17 @@ void OutputFile::keepBackup() const
         return ::link(target.c_str(), name.c_str()) == 0;
     };
     const auto copy = [this](const std::string& name) { return copyFile(target, name); };
-    std::string copied = makeBeside(backup, link);
-    if (copied.empty()) {
+    std::unique_ptr<UnfinishedFile> copied = makeBeside(backup, link);
+    if (!copied) {
         // A file system without hard links.
         copied = makeBeside(backup, copy);
     }
-    const bool isKept = !copied.empty() && rename(copied.c_str(), backup.c_str()) == 0;
+    const bool isKept = copied && rename(copied->path().c_str(), backup.c_str()) == 0;
     const int error = errno;
-    if (!copied.empty()) {
+    if (copied) {
         // Renaming does nothing where both names are of one file: after a save that was killed
         // between the backup and the new file.
-        unlink(copied.c_str());
+        unlink(copied->path().c_str());
     }
     if (!isKept) {
         fail(error);

@@ -2,15 +2,19 @@
 
 #include <surrogate_session/Export.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
+
+class UnfinishedFile;
 
 /**
  * Writes a file whole or not at all: what is written goes to a temporary file in the target's
  * folder, which takes the target's place at commit() and has no name before, where the file system
- * can do that: a program that is killed leaves nothing behind. A link is followed, the permissions
- * of a file that is replaced are kept. What is no regular file (a device, a pipe) and the standard
- * output, "-", are written to directly.
+ * can do that: a program that is killed leaves nothing behind. Where it cannot, and for the
+ * moment in which it takes the place of another file, the temporary file is an UnfinishedFile. A
+ * link is followed, the permissions of a file that is replaced are kept. What is no regular file (a
+ * device, a pipe) and the standard output, "-", are written to directly.
  *
  * A backup, if wanted, is the file that is replaced, beside it as NAME.bak; an older backup goes.
  * At every moment NAME is either the old file or the new one.
@@ -60,9 +64,9 @@ private:
     [[noreturn]] void fail(int error) const;
 
     std::string path;
-    std::string target;    ///< empty where it is written to directly
-    std::string temporary; ///< empty as long as it has no name
-    std::string backup;    ///< empty if none is wanted
+    std::string target;                        ///< empty where it is written to directly
+    std::unique_ptr<UnfinishedFile> temporary; ///< null as long as it has no name
+    std::string backup;                        ///< empty if none is wanted
     std::string buffer;
     int descriptor = -1;
 };
