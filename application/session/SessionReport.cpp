@@ -134,18 +134,27 @@ Json metricsJson(const OutputFit& fit)
             {"predictedR2", metrics.predictedR2}};
 }
 
-const char* boundName(const KrigingReport& report, std::size_t input)
+const char* boundName(KrigingReport::Bound bound)
 {
-    if (input >= report.lengthBounds.size() ||
-        report.lengthBounds[input] == KrigingReport::Bound::None) {
+    switch (bound) {
+    case KrigingReport::Bound::Lower:
+        return "lower";
+    case KrigingReport::Bound::Upper:
+        return "upper";
+    default:
         return "none";
     }
-    return report.lengthBounds[input] == KrigingReport::Bound::Lower ? "lower" : "upper";
 }
 
-std::string boundText(const KrigingReport& report, std::size_t input)
+KrigingReport::Bound lengthBound(const KrigingReport& report, std::size_t input)
 {
-    const std::string name = boundName(report, input);
+    return input < report.lengthBounds.size() ? report.lengthBounds[input]
+                                              : KrigingReport::Bound::None;
+}
+
+std::string boundText(KrigingReport::Bound bound)
+{
+    const std::string name = boundName(bound);
     return name == "none" ? "" : " (at its " + name + " bound)";
 }
 
@@ -153,7 +162,7 @@ Json krigingJson(const KrigingReport& report)
 {
     Json bounds = Json::array();
     for (std::size_t i = 0; i < report.correlationLengths.size(); ++i) {
-        bounds.push_back(boundName(report, i));
+        bounds.push_back(boundName(lengthBound(report, i)));
     }
     Json worst = Json::array();
     for (const KrigingReport::LeftOutCase& one : report.worstCases) {
@@ -163,6 +172,7 @@ Json krigingJson(const KrigingReport& report)
     return {{"correlationLengths", report.correlationLengths},
             {"lengthBounds", bounds},
             {"nugget", report.nugget},
+            {"nuggetBound", boundName(report.nuggetBound)},
             {"noiseDeviation", report.noiseDeviation},
             {"processVariance", report.processVariance},
             {"logLikelihood", report.logLikelihood},
@@ -269,15 +279,17 @@ SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inp
                 {"of the second-best maximum", shownNumber(report.secondLogLikelihood)});
         }
         figures.push_back({"process variance", shownNumber(report.processVariance)});
-        figures.push_back({"nugget", shownNumber(report.nugget) + " of the process variance"});
+        figures.push_back({"nugget", shownNumber(report.nugget) + " of the process variance" +
+                                         boundText(report.nuggetBound)});
         if (report.noiseDeviation > 0.0) {
             figures.push_back({"noise, standard deviation", shownNumber(report.noiseDeviation)});
         }
         figures.push_back({"condition of the correlations", shownNumber(report.condition)});
         figures.push_back({"trend", joined(report.trendTerms)});
         for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
-            figures.push_back({"correlation length of " + inputs[i],
-                               shownNumber(report.correlationLengths[i]) + boundText(report, i)});
+            figures.push_back(
+                {"correlation length of " + inputs[i],
+                 shownNumber(report.correlationLengths[i]) + boundText(lengthBound(report, i))});
         }
         for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
             constexpr int fewestDigits = 6;

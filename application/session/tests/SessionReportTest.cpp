@@ -108,9 +108,10 @@ TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
     const Json& output = json["outputs"][0];
     EXPECT_EQ(keysOf(output),
               (Keys{"condition", "correlationLengths", "lengthBounds", "logLikelihood", "metrics",
-                    "name", "noiseDeviation", "nugget", "processVariance", "secondLogLikelihood",
-                    "trend", "warnings", "worstCases"}));
+                    "name", "noiseDeviation", "nugget", "nuggetBound", "processVariance",
+                    "secondLogLikelihood", "trend", "warnings", "worstCases"}));
     EXPECT_EQ(output["lengthBounds"].size(), 2u);
+    EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
 }
