@@ -116,6 +116,30 @@ TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
 }
 
+TEST(SessionReport, ANuggetAtItsBoundIsTold)
+{
+    // Cases that jump up and down tell nothing about each other.
+    CaseTable table;
+    table.path = "jumps.csv";
+    table.cases = 30;
+    table.columns.resize(2);
+    table.columns[0].name = "x";
+    table.columns[1].name = "y";
+    for (int i = 0; i < 30; ++i) {
+        table.columns[0].numbers.push_back(i);
+        table.columns[1].numbers.push_back(i % 2 == 0 ? 1.0 : -1.0);
+    }
+    CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+
+    EXPECT_EQ(json["outputs"][0]["nuggetBound"], "upper");
+    EXPECT_NE(SessionReport::fitText(session).find("  100 of the process variance (at its upper "
+                                                   "bound)\n"),
+              std::string::npos)
+        << SessionReport::fitText(session);
+}
+
 TEST(SessionReport, FiguresThatDoNotExistAreNull)
 {
     CaseTable table = smallTable();
