@@ -128,10 +128,10 @@ private:
     struct Lowered
     {
         int from;
-        double criterionBefore;
-        double criterion;
+        KrigingTrendChoice::Quality before; // in the output's units
+        KrigingTrendChoice::Quality after;
     };
-    std::optional<Lowered> lowered; // the order of the trend, by the corrected Akaike criterion
+    std::optional<Lowered> lowered; // the order of the trend, where cases are few
     KrigingSearch::Result found;
     double noiseShare = 0.0; // of the output's variance
     std::vector<std::string> warnings;
@@ -237,10 +237,12 @@ void Fitter::warnOfTrend()
         warnings.push_back("The order of the trend was lowered from " +
                            std::to_string(lowered->from) + " to " + std::to_string(trend->order()) +
                            ": with " + counted(data->cases, "distinct case") +
-                           " a higher one costs more than it explains (corrected Akaike "
+                           " a higher one is not seen to predict better (corrected Akaike "
                            "criterion " +
-                           KrigingTexts::figure(lowered->criterion) + " instead of " +
-                           KrigingTexts::figure(lowered->criterionBefore) + ").");
+                           KrigingTexts::figure(lowered->after.akaike) + " instead of " +
+                           KrigingTexts::figure(lowered->before.akaike) + ", leave-one-out error " +
+                           KrigingTexts::figure(lowered->after.leaveOneOutError) + " instead of " +
+                           KrigingTexts::figure(lowered->before.leaveOneOutError) + ").");
     } else if (trend->order() < options.trendOrder && data->inputs > 0) {
         warnings.push_back(
             "The order of the trend was lowered from " + std::to_string(options.trendOrder) +
@@ -356,10 +358,13 @@ void Fitter::searchWithTrends()
     data = choice.data;
     found = choice.found;
     if (trend->order() < highest) {
-        // Of the output in its own unit: that of the text, as of the log-likelihood.
         const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
-        const double unit = 2.0 * rows * std::log(scale);
-        lowered = {highest, choice.criterionOfHighest + unit, choice.criterion + unit};
+        const auto inUnits = [&](KrigingTrendChoice::Quality quality) {
+            quality.akaike += 2.0 * rows * std::log(scale);
+            quality.leaveOneOutError *= scale;
+            return quality;
+        };
+        lowered = {highest, inUnits(choice.qualityOfHighest), inUnits(choice.quality)};
     }
 }
 

@@ -55,8 +55,9 @@ public:
      * @param correlationLengths fixed lengths, one per input, in the input's unit, infinite for no
      *                           influence; none at all: estimated.
      * @param trendOrder         highest order of the trend: 0 constant, 1 linear, 2 full quadratic;
-     *                           lowered when cases are too few, or fewer than 20 per term and a
-     *                           lower order has the lesser corrected Akaike criterion (not with
+     *                           lowered when cases are too few, or fewer than 20 per term and
+     *                           leave-one-out errors and the corrected Akaike criterion do not
+     *                           show that the higher order predicts better (not with
      *                           fixed lengths); terms that the cases cannot separate are
      *                           dropped; all reported.
      * @param initialCorrelationLength where the search starts, as a fraction of each input's range.

@@ -1,7 +1,9 @@
 #include <mirel_fitting/KrigingTrendChoice.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingLikelihood.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -18,6 +20,20 @@ double correctedAkaike(const KrigingData& data, double logLikelihood)
         return std::numeric_limits<double>::infinity();
     }
     return -2.0 * logLikelihood + 2.0 * k + 2.0 * k * (k + 1.0) / (n - k - 1.0);
+}
+
+double leaveOneOutError(const std::shared_ptr<const KrigingData>& data,
+                        const KrigingParameters& parameters)
+{
+    KrigingLikelihood likelihood(data,
+                                 [](double) { FitProgress::report(0.99, "Choosing the trend"); });
+    likelihood.evaluate(parameters.lengths, parameters.nugget);
+    double squares = 0.0;
+    for (const double residual : likelihood.leaveOneOutResiduals()) {
+        squares += residual * residual;
+    }
+    const double error = std::sqrt(squares / static_cast<double>(data->cases));
+    return std::isnan(error) ? std::numeric_limits<double>::infinity() : error;
 }
 
 KrigingTrendChoice::Result withOrder(int order, const std::shared_ptr<KrigingData>& data,
@@ -41,7 +57,8 @@ KrigingTrendChoice::Result withOrder(int order, const std::shared_ptr<KrigingDat
 void search(KrigingTrendChoice::Result& result, const KrigingSearch::Settings& settings)
 {
     result.found = KrigingSearch::run(result.data, settings);
-    result.criterion = correctedAkaike(*result.data, result.found.logLikelihood);
+    result.quality = {correctedAkaike(*result.data, result.found.logLikelihood),
+                      leaveOneOutError(result.data, result.found.parameters)};
 }
 
 } // namespace
@@ -50,6 +67,19 @@ bool KrigingTrendChoice::isNeeded(const KrigingTrend& trend, const KrigingData& 
 {
     constexpr std::size_t casesPerTerm = 20;
     return trend.order() > 0 && data.cases < casesPerTerm * trend.size();
+}
+
+bool KrigingTrendChoice::isBetter(const Quality& higher, const Quality& lower, std::size_t points)
+{
+    constexpr double worthIt = 1.0;
+    // Of the output's deviation: less is rounding.
+    constexpr double exact = 1e-12;
+
+    const double ratio =
+        std::max(lower.leaveOneOutError, exact) / std::max(higher.leaveOneOutError, exact);
+    // Not where both are infinite, as their difference is no number.
+    return 0.5 * (lower.akaike - higher.akaike) + static_cast<double>(points) * std::log(ratio) >
+           worthIt;
 }
 
 KrigingTrendChoice::Result
@@ -71,7 +101,7 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
         starts.push_back(best.found.secondParameters);
     }
     const double step = (last - first) / highest->order();
-    double criterion = best.criterion;
+    Quality ofHighest = best.quality;
     for (int order = 1; order <= highest->order(); ++order) {
         const FitProgress::Portion portion(first + (order - 1) * step, first + order * step);
         Result other = withOrder(order, data, highest);
@@ -79,8 +109,8 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
         near.starts = {starts.front()};
         near.isRough = true;
         search(other, near);
-        criterion = other.criterion;
-        if (other.criterion < best.criterion) {
+        ofHighest = other.quality;
+        if (isBetter(other.quality, best.quality, data->cases)) {
             starts.front() = other.found.parameters;
             best = std::move(other);
         }
@@ -91,6 +121,6 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
         near.starts = starts;
         search(best, near);
     }
-    best.criterionOfHighest = criterion;
+    best.qualityOfHighest = best.trend == highest ? best.quality : ofHighest;
     return best;
 }

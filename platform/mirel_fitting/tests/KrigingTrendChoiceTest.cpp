@@ -1,8 +1,14 @@
 #include <mirel_fitting/KrigingTrendChoice.h>
 
+#include <mirel_fitting/KrigingLikelihood.h>
+
 #include "KrigingTestSupport.h"
+#include "TestFunctions.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -66,7 +72,8 @@ TEST(KrigingTrendChoice, TakesTheConstantWhereSlopesExplainLittle)
 
     EXPECT_EQ(result.trend->order(), 0);
     EXPECT_EQ(result.data->terms, 1u);
-    EXPECT_LT(result.criterion, result.criterionOfHighest);
+    EXPECT_FALSE(
+        KrigingTrendChoice::isBetter(result.qualityOfHighest, result.quality, result.data->cases));
 }
 
 TEST(KrigingTrendChoice, TakesTheTrendAskedForWhereItExplainsMuch)
@@ -88,10 +95,64 @@ TEST(KrigingTrendChoice, TakesTheOrderBetween)
     EXPECT_EQ(Problem(bowl, 25, 2, 2).choose().trend->order(), 2);
 }
 
-TEST(KrigingTrendChoice, ComparesByTheCorrectedAkaikeCriterion)
+TEST(KrigingTrendChoice, MeasuresTheCorrectedAkaikeCriterionAndTheLeaveOneOutError)
 {
     const KrigingTrendChoice::Result result = Problem(waves, 20, 2, 1).choose();
 
     // One term, two lengths and the variance: k = 4, n = 20.
-    EXPECT_DOUBLE_EQ(result.criterion, -2.0 * result.found.logLikelihood + 8.0 + 40.0 / 15.0);
+    EXPECT_DOUBLE_EQ(result.quality.akaike, -2.0 * result.found.logLikelihood + 8.0 + 40.0 / 15.0);
+    KrigingLikelihood likelihood(result.data);
+    likelihood.evaluate(result.found.parameters.lengths, result.found.parameters.nugget);
+    double squares = 0.0;
+    for (const double residual : likelihood.leaveOneOutResiduals()) {
+        squares += residual * residual;
+    }
+    EXPECT_DOUBLE_EQ(result.quality.leaveOneOutError, std::sqrt(squares / 20.0));
+}
+
+TEST(KrigingTrendChoice, AddsUpWhatBothSayOfTheError)
+{
+    const KrigingTrendChoice::Quality lower = {10.0, 0.2};
+
+    // The errors say 50 ln(ratio), the criterion half of its difference; together 1 is enough.
+    EXPECT_TRUE(KrigingTrendChoice::isBetter({7.9, 0.2}, lower, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({8.1, 0.2}, lower, 50));
+    EXPECT_TRUE(KrigingTrendChoice::isBetter({10.0, 0.2 * std::exp(-0.021)}, lower, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({10.0, 0.2 * std::exp(-0.019)}, lower, 50));
+    EXPECT_TRUE(KrigingTrendChoice::isBetter({14.0, 0.2 * std::exp(-0.07)}, lower, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({4.0, 0.2 * std::exp(0.05)}, lower, 50));
+}
+
+TEST(KrigingTrendChoice, KeepsTheLowerOrderWhereNothingIsKnownOfTheHigher)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const KrigingTrendChoice::Quality known = {10.0, 0.2};
+
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({infinity, 0.1}, known, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({5.0, infinity}, known, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({infinity, infinity}, {infinity, infinity}, 50));
+    EXPECT_FALSE(KrigingTrendChoice::isBetter({10.0, 0.0}, {10.0, 0.0}, 50));
+}
+
+TEST(KrigingTrendChoice, IsSeldomMuchWorseThanTheBetterOrder)
+{
+    // Of 24 designs each of four functions, half of which a slope suits.
+    int worse = 0;
+    for (std::uint64_t seed = 1; seed <= 24; ++seed) {
+        for (const auto& function : {borehole, circuit}) {
+            const std::size_t inputs = function == &borehole ? 8 : 6;
+            const Columns x = latinHypercube(50, inputs, seed);
+            const Columns points = latinHypercube(500, inputs, seed + 1000);
+            const std::vector<double> truth = valuesOf(function, points);
+            const auto errorWith = [&](int order) {
+                KrigingArguments arguments;
+                arguments.trendOrder = order;
+                const KrigingSurrogateModel model = arguments.model(x, {valuesOf(function, x)});
+                return relativeError(predictions(model, points), truth);
+            };
+            worse += errorWith(1) > 1.1 * errorWith(0) ? 1 : 0;
+        }
+    }
+
+    EXPECT_LE(worse, 1);
 }
