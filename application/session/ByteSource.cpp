@@ -2,7 +2,6 @@
 
 #include "session/SessionErrors.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -59,10 +58,12 @@ ByteSource::~ByteSource()
 std::size_t ByteSource::read(char* buffer, std::size_t capacity)
 {
     if (isKept) {
-        const std::size_t count = std::min(capacity, kept.size() - position);
-        std::memcpy(buffer, kept.data() + position, count);
-        position += count;
-        return count;
+        const std::ptrdiff_t count = kept.read(position, buffer, capacity);
+        if (count < 0) {
+            fail(path, errno);
+        }
+        position += static_cast<std::size_t>(count);
+        return static_cast<std::size_t>(count);
     }
     const std::size_t count = std::fread(buffer, 1, capacity, file);
     if (count < capacity && std::ferror(file) != 0) {

@@ -1,14 +1,16 @@
 #pragma once
 
+#include "session/KeptBytes.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <string>
 
 /**
  * The bytes of an input file, in blocks, from the beginning as often as wanted. A regular file is
- * read anew each time; anything else (a pipe, a terminal) is read once, whole, and kept.
+ * read anew each time; anything else (a pipe, a terminal) is read once, whole, and kept, in a
+ * temporary file if there is much of it.
  */
 class ByteSource
 {
@@ -25,7 +27,7 @@ public:
     ByteSource(const ByteSource&) = delete;
     ByteSource& operator=(const ByteSource&) = delete;
 
-    /** Fills the buffer unless the end comes first; answers the bytes read, 0 at the end.
+    /** Reads what there is, at most `capacity` bytes; answers how many, 0 at the end.
      *  @throw FileError */
     std::size_t read(char* buffer, std::size_t capacity);
 
@@ -37,7 +39,7 @@ public:
 private:
     std::string path;
     std::FILE* file = nullptr;
-    std::string kept;
+    KeptBytes kept;
     bool isKept = false;
     std::size_t position = 0;
     std::size_t bytes = 0;

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "ChildProcess.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include <malloc.h>
+#include <sys/resource.h>
+
+/** Whether the memory that a process holds says anything of what it asked for. */
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool memoryCanBeMeasured = false;
+#else
+constexpr bool memoryCanBeMeasured = true;
+#endif
+
+/** The most memory that this process has held so far. */
+inline std::size_t mostBytesHeld()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+}
+
+/** By how many megabytes (at most 254, -1 after a crash) a function makes a process grow. */
+template <class Function>
+int megabytesGrownBy(const Function& run)
+{
+    // What was freed would be there for the function without any growth.
+    malloc_trim(0);
+    return exitCodeOf([&] {
+        const std::size_t before = mostBytesHeld();
+        run();
+        return static_cast<int>(std::min<std::size_t>((mostBytesHeld() - before) >> 20, 254));
+    });
+}
