@@ -2,8 +2,7 @@
 
 #include "session/ByteSource.h"
 #include "session/SessionErrors.h"
-
-#include <QCryptographicHash>
+#include "session/Sha256.h"
 
 #include <vector>
 
@@ -24,14 +23,14 @@ FileFingerprint FileFingerprint::of(const std::string& path)
     }
 
     ByteSource source(path);
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Sha256 hash;
     FileFingerprint fingerprint;
     std::vector<char> block(blockSize);
     while (const std::size_t count = source.read(block.data(), block.size())) {
-        hash.addData(block.data(), static_cast<int>(count));
+        hash.add(block.data(), count);
         fingerprint.bytes += count;
     }
-    fingerprint.sha256 = hash.result().toHex().toStdString();
+    fingerprint.sha256 = hash.digest();
     return fingerprint;
 }
 
