@@ -4,14 +4,19 @@
 #include "session/CaseSeparator.h"
 #include "session/CellValue.h"
 #include "session/CsvSplitter.h"
+#include "session/PlainCells.h"
 #include "session/SessionErrors.h"
 #include "session/Utf8.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <numeric>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -77,6 +82,46 @@ private:
     bool isPeeked = false;
 };
 
+bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+/**
+ * Reads a number that needs no second look: it begins with a digit, perhaps behind a minus.
+ * CellValue reads such a text as the same number.
+ * @return the end of its text; null if the text begins with anything else.
+ */
+const char* readPlainNumber(const char* begin, const char* end, double& number)
+{
+    const char* const digits = begin + (begin != end && *begin == '-' ? 1 : 0);
+    if (digits == end || !isDigit(*digits)) {
+        return nullptr;
+    }
+    const auto read = std::from_chars(begin, end, number);
+    return read.ec == std::errc() ? read.ptr : nullptr;
+}
+
+/**
+ * The same for a number with a decimal comma.
+ * @param comma what readPlainNumber() found behind the digits before it.
+ */
+const char* readPlainDecimals(const char* begin, const char* comma, const char* end, double& number)
+{
+    std::array<char, 40> withPoint; // longer numbers go the long way
+    const bool hasOnlyDigits = std::all_of(begin + (*begin == '-' ? 1 : 0), comma, isDigit);
+    if (!hasOnlyDigits || comma - begin >= static_cast<std::ptrdiff_t>(withPoint.size())) {
+        return nullptr;
+    }
+    const std::size_t count = std::min(static_cast<std::size_t>(end - begin), withPoint.size());
+    std::memcpy(withPoint.data(), begin, count);
+    withPoint[static_cast<std::size_t>(comma - begin)] = '.';
+    const char* const last = withPoint.data() + count;
+    const auto read = std::from_chars(withPoint.data(), last, number);
+    const bool mayGoOn = read.ptr == last && count == withPoint.size();
+    return read.ec == std::errc() && !mayGoOn ? begin + (read.ptr - withPoint.data()) : nullptr;
+}
+
 /** Checks the records and turns them into columns. */
 class ColumnBuilder : public CsvSplitter::Sink
 {
@@ -84,7 +129,9 @@ public:
     ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
         : table(result), keepCells(options.keepCells),
           decimalComma(result.separator != ',' && options.decimalMark != CellValue::Point),
-          needsComma(options.decimalMark == CellValue::Comma)
+          needsComma(options.decimalMark == CellValue::Comma),
+          takesPlainNumbers(std::string_view(",;\t").find(result.separator) !=
+                            std::string_view::npos)
     {}
 
     void cell(std::string_view text, std::size_t line) override
@@ -112,6 +159,23 @@ public:
                      std::to_string(table.columns.size()) + '.');
         }
         ++table.cases;
+    }
+
+    /** Numbers, of which most files consist, are read where they stand. */
+    void plainRecord(std::string_view text, char separator, std::size_t line) override
+    {
+        PlainCells cells(text, separator);
+        while (cells) {
+            const bool isTaken = takesPlainNumbers && cellInRecord < states.size() &&
+                                 table.columns[cellInRecord].isNumeric &&
+                                 takePlainNumber(cells, line);
+            if (isTaken) {
+                ++cellInRecord;
+            } else {
+                cell(cells.next(), line);
+            }
+        }
+        endRecord(line);
     }
 
     bool sawHeading() const { return hasHeading; }
@@ -192,6 +256,37 @@ private:
         }
     }
 
+    /** @return whether the next cell is a number of the plainest kind; if not, it is still next. */
+    bool takePlainNumber(PlainCells& cells, std::size_t line)
+    {
+        double number = 0.0;
+        const char* const begin = cells.begin();
+        const char* end = readPlainNumber(begin, cells.recordEnd(), number);
+        const bool hasComma =
+            decimalComma && end != nullptr && end != cells.recordEnd() && *end == ',';
+        if (hasComma) {
+            end = readPlainDecimals(begin, end, cells.recordEnd(), number);
+        }
+        if (end == nullptr || !cells.isCellEnd(end)) {
+            return false;
+        }
+        cells.skipTo(end);
+
+        CaseColumn& column = table.columns[cellInRecord];
+        State& state = states[cellInRecord];
+        column.numbers.push_back(number);
+        state.hasNumber = true;
+        if (hasComma) {
+            state.firstCommaLine = state.firstCommaLine == 0 ? line : state.firstCommaLine;
+        } else if (decimalComma && state.firstPointLine == 0 && std::find(begin, end, '.') != end) {
+            state.firstPointLine = line;
+        }
+        if (keepCells) {
+            column.cells.append({begin, static_cast<std::size_t>(end - begin)});
+        }
+        return true;
+    }
+
     void takeNumber(CaseColumn& column, State& state, const CellValue& value, std::size_t line)
     {
         if (value.kind == CellValue::Missing) {
@@ -225,8 +320,9 @@ private:
     CaseTable& table;
     std::vector<State> states;
     bool keepCells;
-    bool decimalComma; ///< whether numbers may have one
-    bool needsComma;   ///< whether they must not have a point
+    bool decimalComma;      ///< whether numbers may have one
+    bool needsComma;        ///< whether they must not have a point
+    bool takesPlainNumbers; ///< whether the separator cannot be a part of one
     bool hasHeading = false;
     std::size_t cellInRecord = 0;
 };

@@ -1,5 +1,7 @@
 #include "session/CsvSplitter.h"
 
+#include "session/PlainCells.h"
+
 #include <csv.h>
 
 #include <cstring>
@@ -21,12 +23,74 @@ std::size_t lineEndsIn(std::string_view text)
     }
     return lines;
 }
+
+/** Where a character comes next in a block; each byte is looked at once. */
+class CharacterFinder
+{
+public:
+    CharacterFinder(char wanted, const char* begin, const char* end)
+        : character(wanted), blockEnd(end), found(begin)
+    {
+        find(begin);
+    }
+
+    /** @param begin not before that of the last call. */
+    bool isBetween(const char* begin, const char* end)
+    {
+        if (found < begin) {
+            find(begin);
+        }
+        return found < end;
+    }
+
+private:
+    void find(const char* begin)
+    {
+        const void* const next =
+            std::memchr(begin, character, static_cast<std::size_t>(blockEnd - begin));
+        found = next == nullptr ? blockEnd : static_cast<const char*>(next);
+    }
+
+    char character;
+    const char* blockEnd;
+    const char* found;
+};
+
+/** What is left to be read of a block. */
+struct Block
+{
+    Block(const char* bytes, std::size_t count)
+        : begin(bytes), end(bytes + count), quotes('"', begin, end), returns('\r', begin, end)
+    {}
+
+    /** The end of the first line, before its LF; null if the line goes on in the next block. */
+    const char* lineEnd() const
+    {
+        return static_cast<const char*>(
+            std::memchr(begin, '\n', static_cast<std::size_t>(end - begin)));
+    }
+
+    const char* begin;
+    const char* end;
+    CharacterFinder quotes;
+    CharacterFinder returns;
+};
 } // namespace
+
+void CsvSplitter::Sink::plainRecord(std::string_view text, char separator, std::size_t line)
+{
+    for (PlainCells cells(text, separator); cells;) {
+        cell(cells.next(), line);
+    }
+    endRecord(line);
+}
 
 class CsvSplitter::Impl
 {
 public:
-    Impl(char separator, Sink& receiver) : sink(receiver)
+    Impl(char cellSeparator, Sink& receiver)
+        : sink(receiver), separator(cellSeparator),
+          splitsLines(separator != '"' && separator != '\r' && separator != '\n')
     {
         // Line ends are reported one by one, those of empty lines too: they are what the lines
         // are counted by.
@@ -88,6 +152,69 @@ public:
         line += secondOfPair ? 0 : 1;
         afterCarriageReturn = character == CSV_CR;
         recordLine = line;
+        isAtLineStart = true;
+    }
+
+    /** Splits the whole lines at the beginning of the block that are plain. */
+    void takePlainLines(Block& block)
+    {
+        while (block.begin != block.end) {
+            const char* const lineEnd = block.lineEnd();
+            if (lineEnd == nullptr) {
+                return;
+            }
+            const bool isPair = lineEnd != block.begin && lineEnd[-1] == '\r';
+            const char* const textEnd = lineEnd - (isPair ? 1 : 0);
+            const std::string_view text(block.begin,
+                                        static_cast<std::size_t>(textEnd - block.begin));
+            const bool isPlain = !block.returns.isBetween(block.begin, textEnd) &&
+                                 (!block.quotes.isBetween(block.begin, textEnd) ||
+                                  PlainCells(text, separator).isPlain());
+            if (!isPlain) {
+                return;
+            }
+            takePlainLine(text, isPair);
+            block.begin = lineEnd + 1;
+        }
+    }
+
+    void takePlainLine(std::string_view text, bool isPair)
+    {
+        PlainCells cells(text, separator);
+        if (cells.begin() != cells.recordEnd()) {
+            afterCarriageReturn = false;
+            sink.plainRecord(text, separator, line);
+        }
+        const bool secondOfPair = !isPair && afterCarriageReturn;
+        line += secondOfPair ? 0 : 1;
+        afterCarriageReturn = false;
+        recordLine = line;
+    }
+
+    /** Has libcsv read one line, or what the block has of it. */
+    void takeLine(Block& block)
+    {
+        const char* const lineEnd = block.lineEnd();
+        const char* const textEnd = lineEnd == nullptr ? block.end : lineEnd;
+        feed(block.begin, textEnd);
+        block.begin = textEnd;
+        isAtLineStart = false;
+        if (lineEnd != nullptr) {
+            // Apart from the text: only what comes of this byte tells whether it ends the record
+            // or is a character of a quoted cell.
+            feed(lineEnd, lineEnd + 1);
+            block.begin = lineEnd + 1;
+        }
+    }
+
+    void feed(const char* begin, const char* end)
+    {
+        const auto count = static_cast<std::size_t>(end - begin);
+        const std::size_t taken = csv_parse(&parser, begin, count, &onCell, &onLineEnd, this);
+        rethrow();
+        if (taken != count) {
+            throw std::bad_alloc();
+        }
     }
 
     void rethrow()
@@ -98,6 +225,9 @@ public:
     }
 
     Sink& sink;
+    char separator;
+    bool splitsLines;          ///< whether lines are what they look like
+    bool isAtLineStart = true; ///< whether libcsv has nothing that it has not handed on
     csv_parser parser = {};
     std::size_t line = 1;
     std::size_t recordLine = 1;
@@ -113,11 +243,17 @@ CsvSplitter::~CsvSplitter() = default;
 
 void CsvSplitter::parse(const char* bytes, std::size_t count)
 {
-    const std::size_t taken =
-        csv_parse(&impl->parser, bytes, count, &Impl::onCell, &Impl::onLineEnd, impl.get());
-    impl->rethrow();
-    if (taken != count) {
-        throw std::bad_alloc();
+    if (count == 0) {
+        return;
+    }
+    Block block(bytes, count);
+    while (block.begin != block.end) {
+        if (impl->isAtLineStart && impl->splitsLines) {
+            impl->takePlainLines(block);
+        }
+        if (block.begin != block.end) {
+            impl->takeLine(block);
+        }
     }
 }
 

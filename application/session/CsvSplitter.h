@@ -11,6 +11,9 @@
  * single again; a quoted cell may hold separators and line ends. Records end with LF, CRLF or CR;
  * lines without a cell are skipped. A quote inside a cell that does not begin with one is a
  * character like any other (5" pipe).
+ *
+ * Lines that are plain records (PlainCells), which are most, are split where they stand in the
+ * block; libcsv reads the others byte by byte.
  */
 class CsvSplitter
 {
@@ -24,6 +27,13 @@ public:
         /** @param line the physical line, from 1, in which the record of this cell begins. */
         virtual void cell(std::string_view text, std::size_t line) = 0;
         virtual void endRecord(std::size_t line) = 0;
+
+        /**
+         * A record that is one plain line (PlainCells), as it stands in the file. The base class
+         * splits it into calls of cell() and endRecord(); others may know a shorter way to the same
+         * end.
+         */
+        virtual void plainRecord(std::string_view text, char separator, std::size_t line);
     };
 
     /** @param sink borrowed as long as this object lives. */

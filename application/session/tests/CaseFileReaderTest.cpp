@@ -1,13 +1,20 @@
 #include <session/CaseFileReader.h>
 
+#include "MemoryGrowth.h"
 #include "TemporaryFolder.h"
 
 #include <session/SessionErrors.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -49,6 +56,73 @@ std::vector<std::string> namesOf(const CaseTable& table)
     }
     return names;
 }
+
+/** Everything that was understood of a file, numbers to the bit. */
+std::string contentsOf(const CaseTable& table)
+{
+    std::string text =
+        std::to_string(table.cases) + table.separator + (table.hasDecimalComma ? "comma" : "point");
+    for (const CaseColumn& column : table.columns) {
+        text += '\n' + column.name + ':' + (column.isNumeric ? "numbers" : "texts") + '"' +
+                column.firstText + '"' + std::to_string(column.firstTextLine);
+        for (const double number : column.numbers) {
+            unsigned long long bits = 0;
+            std::memcpy(&bits, &number, sizeof bits);
+            text += ' ' + (std::isnan(number) ? "missing" : std::to_string(bits));
+        }
+        for (const std::string& cell : column.texts) {
+            text += '[' + cell + ']';
+        }
+        for (std::size_t i = 0; i < column.cells.size(); ++i) {
+            text += '{' + std::string(column.cells[i]) + '}';
+        }
+    }
+    return text;
+}
+
+/** Small files of cells that are numbers in one way or another, or nearly. */
+class OddFiles
+{
+public:
+    OddFiles()
+    {
+        const std::string all =
+            "1|-2.5|1,5|42|+3|1e5|1E-5|1e400|-1e-400|.5|-.5|5.|-1,25|-|NA|nan|-nan|inf|-inf|| 7 |"
+            "\t8|0x10|1 2|abc|12ab|-0|1_0|1.5e|--1|-+1|1.5.5|00012|1e+5|\xE4|?|12 |1,|1,5.5|12,5e3|"
+            "1,5,5|\"3\"|\"a b\"|\"x\"\"y\"|\" 4 \"|\"1,5\"|5\" pipe|\"\"|"
+            "123456789012345678901234567890,5|1,23456789012345678901234567890123456789|"
+            "12345678901234567890123456789012345678901,5|0.1|4|5|6";
+        std::istringstream list(all);
+        for (std::string cell; std::getline(list, cell, '|');) {
+            cells.push_back(cell);
+        }
+    }
+
+    std::string next(char separator)
+    {
+        // Many of the commonest cells, so that columns stay numeric for some cases.
+        const std::size_t kinds = generator() % 3 == 0 ? cells.size() : 4;
+        const std::size_t columns = 1 + generator() % 4;
+        std::string text;
+        for (std::size_t i = 0; i < columns; ++i) {
+            text += (i == 0 ? "" : std::string(1, separator)) + 'c' + std::to_string(i);
+        }
+        text += '\n';
+        for (std::size_t rows = generator() % 8; rows > 0; --rows) {
+            const std::size_t count = columns + (generator() % 40 == 0 ? 1 : 0);
+            for (std::size_t i = 0; i < count; ++i) {
+                text += i == 0 ? "" : std::string(1, separator);
+                text += cells[generator() % kinds];
+            }
+            text += generator() % 9 == 0 ? "\n\n" : "\n";
+        }
+        return text;
+    }
+
+private:
+    std::vector<std::string> cells;
+    std::mt19937_64 generator{20261121};
+};
 
 using Names = std::vector<std::string>;
 using Numbers = std::vector<double>;
@@ -390,4 +464,68 @@ TEST_F(CaseFileReaderTest, BlocksThatEndAnywhereMakeNoDifference)
         ASSERT_EQ(table.columns[0].numbers[i], static_cast<double>(i));
         ASSERT_EQ(table.columns[1].texts[i], "\xC3\xA4, \"" + std::string(i % 13, 'q') + "\"\r\n");
     }
+}
+
+TEST_F(CaseFileReaderTest, NumbersReadWhereTheyStandAreThoseOfTheLongWay)
+{
+    const auto outcomeOf = [&](const std::string& content, char separator, bool keepCells) {
+        CaseFileReader::Options options;
+        options.separator = separator;
+        options.keepCells = keepCells;
+        try {
+            return contentsOf(readWith(content, options));
+        } catch (const CaseDataError& error) {
+            return std::string(error.what());
+        }
+    };
+    OddFiles files;
+    std::size_t accepted = 0;
+    for (int i = 0; i < 150; ++i) {
+        for (const char separator : {',', ';', '\t'}) {
+            const std::string content = files.next(separator);
+            // Lines that end with a lone carriage return are always read byte by byte.
+            std::string longWay = content;
+            std::replace(longWay.begin(), longWay.end(), '\n', '\r');
+            const bool keepCells = i % 2 == 0;
+
+            const std::string outcome = outcomeOf(content, separator, keepCells);
+
+            ASSERT_EQ(outcome, outcomeOf(longWay, separator, keepCells)) << content;
+            accepted += outcome.find("line") == std::string::npos ? 1 : 0;
+        }
+    }
+    // Files that are refused end early: many must not be.
+    EXPECT_GT(accepted, 100u);
+}
+
+TEST_F(CaseFileReaderTest, ReadingTakesLittleMoreMemoryThanTheNumbers)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    const std::size_t cases = 400000;
+    std::string content = "a,b,c,d,e,f,g,h,i,j\n";
+    for (std::size_t i = 0; i < cases; ++i) {
+        content += "0.1234567,0.2345678,0.3456789,0.4567891,0.5678912,"
+                   "0.6789123,0.7891234,0.8912345,0.9123456,0.1234567\n";
+    }
+    const std::string file = folder.write("cases.csv", content);
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+
+    const auto readIt = [&](const std::string& path) {
+        if (CaseFileReader::read(path, {}).cases != cases) {
+            std::abort();
+        }
+    };
+    const int growthFromFile = megabytesGrownBy([&] { readIt(file); });
+    std::thread writer([&] { folder.write("pipe", content); });
+    const int growthFromPipe = megabytesGrownBy([&] { readIt(pipe); });
+    writer.join();
+
+    const int numbers = 32; // megabytes, as is the file
+    EXPECT_GT(growthFromFile, numbers / 2);
+    EXPECT_LT(growthFromFile, 2.2 * numbers);
+    EXPECT_GT(growthFromPipe, numbers / 2);
+    EXPECT_LT(growthFromPipe, 2.2 * numbers);
 }
