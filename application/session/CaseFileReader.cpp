@@ -189,6 +189,9 @@ public:
             } else if (!keepCells) {
                 column.texts.reserve(cases);
             }
+            if (keepCells) {
+                column.cells.reserve(cases);
+            }
         }
     }
 

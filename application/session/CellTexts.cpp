@@ -1,18 +1,12 @@
 #include "session/CellTexts.h"
 
-void CellTexts::append(std::string_view text)
+void CellTexts::reserve(std::size_t cells)
 {
-    characters.append(text);
-    ends.push_back(characters.size());
-}
-
-std::size_t CellTexts::size() const
-{
-    return ends.size();
-}
-
-std::string_view CellTexts::operator[](std::size_t cell) const
-{
-    const std::size_t begin = cell == 0 ? 0 : ends[cell - 1];
-    return std::string_view(characters).substr(begin, ends[cell] - begin);
+    const std::size_t known = size();
+    if (known == 0 || cells <= known) {
+        return;
+    }
+    const double perCell = static_cast<double>(characters.size()) / static_cast<double>(known);
+    characters.reserve(static_cast<std::size_t>(perCell * static_cast<double>(cells)));
+    ends.reserve(cells);
 }

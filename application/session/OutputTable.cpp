@@ -14,12 +14,27 @@
 namespace {
 using Column = OutputTable::Column;
 
+/** Whether a character makes a reader look at the quotes of a cell. Semicolons and tabs do too, so
+ *  that a reader that guesses the separator from the heading sees commas only. */
+bool wantsQuotes(char character)
+{
+    switch (character) {
+    case ',':
+    case ';':
+    case '\t':
+    case '"':
+    case '\r':
+    case '\n':
+        return true;
+    default:
+        return false;
+    }
+}
+
 void appendCell(std::string& line, std::string_view text)
 {
-    // Semicolons and tabs are quoted too, so that a reader that guesses the separator from the
-    // heading sees commas only.
     const bool hasOuterBlank = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-    if (!hasOuterBlank && text.find_first_of(",;\t\"\r\n") == std::string_view::npos) {
+    if (!hasOuterBlank && std::none_of(text.begin(), text.end(), wantsQuotes)) {
         line += text;
         return;
     }
@@ -32,14 +47,20 @@ void appendCell(std::string& line, std::string_view text)
 
 void appendCell(std::string& line, const Column& column, std::size_t row)
 {
-    if (column.texts != nullptr) {
-        std::string text((*column.texts)[row]);
-        if (column.numbers != nullptr && !std::isnan(column.numbers[row])) {
-            std::replace(text.begin(), text.end(), ',', '.');
+    if (column.texts == nullptr) {
+        if (!std::isnan(column.numbers[row])) {
+            appendNumber(line, column.numbers[row]);
         }
+        return;
+    }
+    const std::string_view text = (*column.texts)[row];
+    const bool isNumber = column.numbers != nullptr && !std::isnan(column.numbers[row]);
+    if (isNumber && std::find(text.begin(), text.end(), ',') != text.end()) {
+        std::string withPoint(text);
+        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+        appendCell(line, withPoint);
+    } else {
         appendCell(line, text);
-    } else if (!std::isnan(column.numbers[row])) {
-        appendNumber(line, column.numbers[row]);
     }
 }
 

@@ -23,3 +23,16 @@ TEST(CellTexts, IsEmptyAtFirst)
 {
     EXPECT_EQ(CellTexts().size(), 0u);
 }
+
+TEST(CellTexts, KeepsItsTextsWhenRoomIsMade)
+{
+    CellTexts texts;
+    texts.reserve(5);
+    texts.append("ab");
+    texts.reserve(1000);
+    texts.append("c");
+
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0], "ab");
+    EXPECT_EQ(texts[1], "c");
+}
