@@ -4,17 +4,21 @@
 #include <mirel_datamanagement/NumericVariableProvider.h>
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datamanagement/Record.h>
+#include <mirel_datapipeline/SharedColumnArray.h>
 #include <mirel_datapipeline/isInvalidValue.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
 #include <vtkTable.h>
+#include <vtkUnsignedLongArray.h>
 #include <vtkVariant.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <string>
+#include <typeinfo>
 
 namespace {
 
@@ -38,9 +42,24 @@ NatureSpecificVariableProvider numericVariables(const std::vector<VarPtr>& varia
 }
 
 /**
+ * The array as one of these if its values stand in memory as it answers them: a class that is
+ * derived from a VTK array may answer others.
+ */
+template <class Array>
+Array* viewed(vtkAbstractArray* array)
+{
+    const bool isPlain = array != nullptr && (typeid(*array) == typeid(Array) ||
+                                              typeid(*array) == typeid(SharedColumnArray<Array>));
+    return isPlain ? static_cast<Array*>(array) : nullptr;
+}
+
+/**
  * One column of the pipeline's table, looked up by name once per rebuild: a look-up per cell would
  * cost more than the value. A column that the table lacks answers the invalid value everywhere, and
  * so does one of vectors, which holds no value of a variable.
+ *
+ * The usual column of numbers is read where it stands, asked for its place and length cell by cell:
+ * a record's or a column's answer may change the table.
  */
 class CaseColumn
 {
@@ -48,7 +67,8 @@ public:
     CaseColumn(vtkTable* table, const char* name) : CaseColumn(table->GetColumnByName(name)) {}
 
     explicit CaseColumn(vtkAbstractArray* column)
-        : array(column != nullptr && column->GetNumberOfComponents() == 1 ? column : nullptr)
+        : array(column != nullptr && column->GetNumberOfComponents() == 1 ? column : nullptr),
+          doubles(viewed<vtkDoubleArray>(array))
     {}
 
     vtkVariant value(vtkIdType row) const
@@ -57,17 +77,20 @@ public:
                                                                     : vtkVariant();
     }
 
-    bool isInvalid(vtkIdType row) const { return isInvalidValue(value(row)); }
+    /** For a number isInvalidValue() asks no more than whether it is finite. */
+    bool isInvalid(vtkIdType row) const
+    {
+        const bool isViewed = doubles != nullptr && row < doubles->GetNumberOfValues();
+        return isViewed ? !std::isfinite(doubles->GetValue(row)) : isInvalidValue(value(row));
+    }
 
     /** Writes the numbers of `rows` to `numbers`, NaN for a cell that holds none. */
     void copy(const std::vector<vtkIdType>& rows, double* numbers) const
     {
         // The usual column, at memory speed; one that ends before the table does is read by cell.
-        auto* const doubles = vtkArrayDownCast<vtkDoubleArray>(array.GetPointer());
-        if (doubles != nullptr && !rows.empty() && rows.back() < doubles->GetNumberOfTuples()) {
-            const double* const values = doubles->GetPointer(0);
-            std::transform(rows.begin(), rows.end(), numbers,
-                           [values](vtkIdType row) { return values[row]; });
+        auto* const dense = vtkArrayDownCast<vtkDoubleArray>(array.GetPointer());
+        if (dense != nullptr && !rows.empty() && rows.back() < dense->GetNumberOfTuples()) {
+            copy(rows, dense->GetPointer(0), numbers);
             return;
         }
         std::transform(rows.begin(), rows.end(), numbers, [this](vtkIdType row) {
@@ -78,7 +101,39 @@ public:
     }
 
 private:
+    static void copy(const std::vector<vtkIdType>& rows, const double* values, double* numbers)
+    {
+        const bool isOneRun = rows.back() - rows.front() == static_cast<vtkIdType>(rows.size()) - 1;
+        if (isOneRun) {
+            std::copy_n(values + rows.front(), rows.size(), numbers);
+        } else {
+            std::transform(rows.begin(), rows.end(), numbers,
+                           [values](vtkIdType row) { return values[row]; });
+        }
+    }
+
     vtkSmartPointer<vtkAbstractArray> array;
+    vtkDoubleArray* doubles; ///< the same array; null if it is not viewed
+};
+
+/** The column of the record identities. */
+class IdentityColumn
+{
+public:
+    explicit IdentityColumn(vtkTable* table)
+        : cells(table->GetColumn(0)), identities(viewed<vtkUnsignedLongArray>(table->GetColumn(0)))
+    {}
+
+    unsigned long identity(vtkIdType row) const
+    {
+        const bool isViewed = identities != nullptr && identities->GetNumberOfComponents() == 1 &&
+                              row < identities->GetNumberOfValues();
+        return isViewed ? identities->GetValue(row) : cells.value(row).ToUnsignedLong();
+    }
+
+private:
+    CaseColumn cells; ///< keeps the array alive
+    vtkUnsignedLongArray* identities;
 };
 
 /** A column for each variable, in the order of the handles. */
@@ -100,10 +155,10 @@ bool anyInvalid(const std::vector<CaseColumn>& columns, vtkIdType row)
 }
 
 /** A row whose record the project does not know is no case of the project. */
-bool takesPart(const Project& project, const vtkVariant& recordId)
+bool takesPart(const Project& project, unsigned long identity)
 {
-    const RecordPtr record = project.record(recordId.ToUnsignedLong());
-    return record.valid() && record.lock()->isIncluded();
+    const boost::shared_ptr<Record> record = project.record(identity).tryLock();
+    return record && record->isInProject() && record->isIncluded();
 }
 
 void addColumn(vtkTable* table, const VarPtr& variable)
@@ -176,7 +231,7 @@ SurrogateModelSourcePoints::Impl::validRows(const std::set<VarPtr>& independentV
         badIndependentRows.clear();
     }
     const boost::shared_ptr<Project> project = Project::project();
-    const CaseColumn recordIds(pipelineTable->GetColumn(0));
+    const IdentityColumn identities(pipelineTable);
     const std::vector<CaseColumn> independentColumns = columnsOf(independentVars, pipelineTable);
     const std::vector<CaseColumn> dependentColumns = columnsOf(dependents, pipelineTable);
 
@@ -190,7 +245,7 @@ SurrogateModelSourcePoints::Impl::validRows(const std::set<VarPtr>& independentV
     // change the table.
     for (vtkIdType row = 0; row < pipelineTable->GetNumberOfRows(); ++row) {
         const auto number = static_cast<std::size_t>(row);
-        if (!takesPart(*project, recordIds.value(row))) {
+        if (!takesPart(*project, identities.identity(row))) {
             continue;
         }
         if (fullRebuild) {

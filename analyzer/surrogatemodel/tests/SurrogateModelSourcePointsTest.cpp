@@ -511,3 +511,99 @@ TEST_F(SurrogateModelSourcePointsTest, StopReadingARowAtItsFirstInvalidIndepende
     const int rowsWhoseFirstValueIsValid = 2;
     EXPECT_EQ(watched->reads, rowsWhoseFirstValueIsValid);
 }
+
+namespace {
+
+/** Numbers in memory, and the same cells as whatever a test wants them to be. */
+class AnsweringColumn : public vtkDoubleArray
+{
+public:
+    static AnsweringColumn* New();
+    vtkTypeMacro(AnsweringColumn, vtkDoubleArray)
+
+    vtkVariant GetVariantValue(vtkIdType row) override
+    {
+        return answers.at(static_cast<std::size_t>(row));
+    }
+
+    std::vector<vtkVariant> answers;
+
+protected:
+    AnsweringColumn() = default;
+};
+
+vtkStandardNewMacro(AnsweringColumn);
+
+} // namespace
+
+TEST_F(SurrogateModelSourcePointsTest, JudgeNumbersInMemoryAsTheirVariantsAreJudged)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Values values = {0.0,
+                           -0.0,
+                           1e308,
+                           -1e308,
+                           std::numeric_limits<double>::denorm_min(),
+                           missing,
+                           std::copysign(missing, -1.0),
+                           infinity,
+                           -infinity,
+                           42.0};
+    addRecords(static_cast<int>(values.size()) - 3);
+    vtkNew<AnsweringColumn> boxed;
+    for (const double value : values) {
+        boxed->InsertNextValue(value);
+        boxed->answers.emplace_back(value);
+    }
+    const auto casesOf = [&](vtkAbstractArray* x1Column) {
+        CaseTable cases(static_cast<int>(values.size()));
+        cases.add("x1", x1Column);
+        for (const char* const name : {"x2", "y1", "y2"}) {
+            cases.addNumbers(name, Values(values.size(), 1.0));
+        }
+        return cases;
+    };
+    vtkNew<vtkDoubleArray> inMemory;
+    for (const double value : values) {
+        inMemory->InsertNextValue(value);
+    }
+
+    rebuildFully(casesOf(boxed), {y1});
+    const Values valid = column("x1");
+    rebuildFully(casesOf(inMemory), {y1});
+
+    EXPECT_EQ(valid, (Values{0.0, -0.0, 1e308, -1e308, values[4], 42.0}));
+    EXPECT_EQ(column("x1"), valid);
+}
+
+TEST_F(SurrogateModelSourcePointsTest, JudgeAColumnByItsAnswersAndNotByItsMemory)
+{
+    CaseTable cases = threeCases();
+    vtkNew<AnsweringColumn> answering;
+    for (int row = 0; row < 3; ++row) {
+        answering->InsertNextValue(row);
+    }
+    answering->answers = {vtkVariant(1.0), vtkVariant(missing), vtkVariant("none")};
+    cases.add("x2", answering);
+
+    rebuildFully(cases, {y1});
+
+    EXPECT_EQ(column("x1"), (Values{1}));
+}
+
+TEST_F(SurrogateModelSourcePointsTest, TakeCasesInRunsAndWithGapsAsTheyAre)
+{
+    addRecords(2);
+    CaseTable cases(5);
+    cases.addNumbers("x1", {1, 2, 3, 4, 5}).addNumbers("x2", {missing, 1, 1, 1, missing});
+    cases.addNumbers("y1", {1, 1, 1, 1, 1}).addNumbers("y2", {10, 20, 30, 40, 50});
+
+    rebuildFully(cases, {y1});
+    EXPECT_EQ(column("x1"), (Values{2, 3, 4}));
+    EXPECT_EQ(column("y2"), (Values{20, 30, 40}));
+
+    project->setIncluded(project->record(3), false);
+    rebuildFully(cases, {y1});
+    EXPECT_EQ(column("x1"), (Values{2, 4}));
+    EXPECT_EQ(column("y2"), (Values{20, 40}));
+}
