@@ -1,9 +1,12 @@
 #include <mirel_fitting/KrigingGrid.h>
 
 #include <mirel_fitting/AlignedBuffer.h>
+#include <mirel_fitting/AxisFactors.h>
 #include <mirel_fitting/AxisSums.h>
+#include <mirel_fitting/CondensedProduct.h>
 #include <mirel_fitting/GridRows.h>
 #include <mirel_fitting/GridSide.h>
+#include <mirel_fitting/KrigingLine.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
 #include <mirel_fitting/ThreadCount.h>
@@ -74,15 +77,48 @@ double costOfProduct(const KrigingPredictor::Parts& parts, const ProductGrid& gr
                costOfCorrelations(parts.weights.size(), 1);
 }
 
+bool hasOneInput(const KrigingPredictor::Parts& parts, const ProductGrid::Axis& axis)
+{
+    const auto& inputs = parts.inputs;
+    return std::count_if(axis.columns.begin(), axis.columns.end(), [&](std::size_t column) {
+               return std::find(inputs.begin(), inputs.end(), column) != inputs.end();
+           }) == 1;
+}
+
+/** By the matrix product of the axes before one of them, condensed by that one, and those after. */
+double costOfCondensing(const KrigingPredictor::Parts& parts, const ProductGrid& grid,
+                        std::size_t axis)
+{
+    // Products of narrower matrices are slow, and the fast combinations are copied for each factor.
+    constexpr std::size_t fewest = 8;
+    constexpr double mostNumbers = 2e6;
+
+    const ProductGrid::Axis& condensed = grid.axes()[axis];
+    const std::size_t slowSize = grid.rowCount() / condensed.stride / condensed.size;
+    const auto cases = static_cast<double>(parts.weights.size());
+    const auto fastSize = static_cast<double>(condensed.stride);
+    const double columns = AxisFactors::columnsFor(condensed.size);
+    const double factors = AxisFactors::factorsPerCase(condensed.size) * cases;
+    if (condensed.stride < fewest || slowSize < fewest || !hasOneInput(parts, condensed) ||
+        factors * fastSize > mostNumbers || columns * fastSize > mostNumbers) {
+        return std::numeric_limits<double>::infinity();
+    }
+    const double combinations = fastSize * static_cast<double>(slowSize);
+    double cost = 150.0 * cases + combinations * factors * 1.4 / 8.0 +
+                  static_cast<double>(grid.rowCount()) * columns * 1.4 / 8.0 +
+                  (fastSize * factors + static_cast<double>(slowSize) * cases) / 2.0;
+    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
+        cost +=
+            static_cast<double>(grid.axes()[a].size) * costOfCorrelations(parts.weights.size(), 1);
+    }
+    return cost;
+}
+
 /** By sums along one axis. */
 double costOfSums(const KrigingPredictor::Parts& parts, const ProductGrid& grid, std::size_t axis)
 {
-    const auto& inputs = parts.inputs;
     const ProductGrid::Axis& summed = grid.axes()[axis];
-    const auto isInput = [&](std::size_t column) {
-        return std::find(inputs.begin(), inputs.end(), column) != inputs.end();
-    };
-    if (std::count_if(summed.columns.begin(), summed.columns.end(), isInput) != 1) {
+    if (!hasOneInput(parts, summed)) {
         return std::numeric_limits<double>::infinity();
     }
     const std::size_t cases = parts.weights.size();
@@ -98,20 +134,41 @@ double costOfSums(const KrigingPredictor::Parts& parts, const ProductGrid& grid,
                       (AxisSums::costPerRow(cases, summed.size) + static_cast<double>(cases) / 2.0);
 }
 
+/** Along a line. */
+double costOfLine(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
+{
+    if (grid.axes().size() != 1 || !hasOneInput(parts, grid.axes()[0])) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return 300.0 * static_cast<double>(parts.weights.size()) +
+           8.0 * static_cast<double>(grid.rowCount());
+}
+
+enum class Method
+{
+    Line,
+    Product,
+    Sums,
+    Condensing
+};
+
 struct Way
 {
     double cost;
-    std::size_t summedAxis; // the number of axes: none
+    Method method;
+    std::size_t axis; // that is summed along, or condensed
 };
 
 Way bestWay(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
 {
-    Way best{costOfProduct(parts, grid), grid.axes().size()};
+    if (grid.axes().size() == 1) {
+        return {costOfLine(parts, grid), Method::Line, 0};
+    }
+    Way best{costOfProduct(parts, grid), Method::Product, 0};
+    const auto consider = [&best](const Way& way) { best = way.cost < best.cost ? way : best; };
     for (std::size_t a = 0; a < grid.axes().size(); ++a) {
-        const double cost = costOfSums(parts, grid, a);
-        if (cost < best.cost) {
-            best = {cost, a};
-        }
+        consider({costOfSums(parts, grid, a), Method::Sums, a});
+        consider({costOfCondensing(parts, grid, a), Method::Condensing, a});
     }
     return best;
 }
@@ -162,6 +219,62 @@ private:
     GridRows fastTile;
     GridRows slowTile;
     std::size_t slowTileStart = std::numeric_limits<std::size_t>::max();
+    double* result;
+};
+
+/** Computes the results of a tile of slow combinations. */
+class KrigingGrid::CondensingWorker : public OrderedChunks::Worker
+{
+public:
+    CondensingWorker(const KrigingGrid& grid, double* result)
+        : grid(grid), slowTile(*grid.slow, grid.correlation(), grid.tileSize),
+          workspace(
+              AlignedBuffer::uninitialised(grid.tileSize * grid.condensed->workspacePerRow())),
+          result(result)
+    {}
+
+    void compute(std::size_t chunk) override
+    {
+        const std::size_t firstSlow = chunk * grid.tileSize;
+        const std::size_t slowCount = std::min(grid.tileSize, grid.slow->size - firstSlow);
+        slowTile.fill(firstSlow, slowCount);
+
+        const std::size_t fastSize = grid.fast->size;
+        double* target = result + firstSlow * fastSize;
+        for (std::size_t s = 0; s < slowCount; ++s) {
+            const double* slowTrend =
+                slowTile.data() + s * slowTile.stride() + grid.correlation().cases();
+            setTrend(slowTrend, target + s * fastSize);
+        }
+        grid.condensed->add(slowTile.data(), slowTile.stride(), slowCount, workspace.data(),
+                            target);
+        for (std::size_t i = 0; i < slowCount * fastSize; ++i) {
+            target[i] = grid.parts.offset + grid.parts.scale * target[i];
+        }
+    }
+
+    // A tile is written where it belongs.
+    void handOver(std::size_t) override {}
+
+private:
+    void setTrend(const double* slowTrend, double* target) const
+    {
+        const std::size_t fastSize = grid.fast->size;
+        const double* fastTrend = grid.fastTrend.data();
+        for (std::size_t f = 0; f < fastSize; ++f) {
+            target[f] = fastTrend[f] * slowTrend[0];
+        }
+        for (std::size_t t = 1; t < grid.fast->trend.size(); ++t) {
+            fastTrend += fastSize;
+            for (std::size_t f = 0; f < fastSize; ++f) {
+                target[f] += fastTrend[f] * slowTrend[t];
+            }
+        }
+    }
+
+    const KrigingGrid& grid;
+    GridRows slowTile;
+    AlignedBuffer workspace;
     double* result;
 };
 
@@ -299,28 +412,40 @@ KrigingGrid::KrigingGrid(const KrigingPredictor::Parts& parts, const std::vector
 {
     const Way way = bestWay(parts, grid);
     const std::size_t axes = grid.axes().size();
-    const std::size_t summedAxis = way.summedAxis;
     cost = way.cost;
-    if (summedAxis < axes) {
-        std::vector<std::size_t> others = numbersFrom(0, axes);
-        others.erase(others.begin() + static_cast<std::ptrdiff_t>(summedAxis));
-        fast =
-            std::make_unique<GridSide>(parts, columns, grid, std::vector<std::size_t>{summedAxis});
-        slow = std::make_unique<GridSide>(parts, columns, grid, others);
+    const auto makeSides = [&](const std::vector<std::size_t>& onFast,
+                               const std::vector<std::size_t>& onSlow) {
+        fast = std::make_unique<GridSide>(parts, columns, grid, onFast);
+        slow = std::make_unique<GridSide>(parts, columns, grid, onSlow);
         slow->factors = parts.weights;
-        sortCases();
-    } else {
+    };
+    switch (way.method) {
+    case Method::Line:
+        line = std::make_unique<KrigingLine>(parts, columns, grid);
+        return;
+    case Method::Product: {
         const std::size_t split = bestSplit(grid.axes(), rows);
-        fast = std::make_unique<GridSide>(parts, columns, grid, numbersFrom(0, split));
-        slow = std::make_unique<GridSide>(parts, columns, grid, numbersFrom(split, axes));
-        slow->factors = parts.weights;
-    }
-    splitTrend(fixInputs(columns, grid));
-    if (summedAxis < axes) {
-        summedStride = grid.axes()[summedAxis].stride;
-        prepareSums();
-    } else {
+        makeSides(numbersFrom(0, split), numbersFrom(split, axes));
+        splitTrend(fixInputs(columns, grid));
         prepareProduct();
+        return;
+    }
+    case Method::Sums: {
+        std::vector<std::size_t> others = numbersFrom(0, axes);
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(way.axis));
+        makeSides({way.axis}, others);
+        sortCases(fast->axes[0]);
+        splitTrend(fixInputs(columns, grid));
+        summedStride = grid.axes()[way.axis].stride;
+        prepareSums();
+        return;
+    }
+    case Method::Condensing:
+        makeSides(numbersFrom(0, way.axis + 1), numbersFrom(way.axis + 1, axes));
+        sortCases(fast->axes.back());
+        splitTrend(fixInputs(columns, grid));
+        prepareCondensing(GridSide(parts, columns, grid, numbersFrom(0, way.axis)));
+        return;
     }
 }
 
@@ -331,10 +456,10 @@ const MaternCorrelation& KrigingGrid::correlation() const
     return sorted ? *sorted : *parts.correlation;
 }
 
-/** By the input that varies along the fast side. */
-void KrigingGrid::sortCases()
+/** By the one input that varies along the axis. */
+void KrigingGrid::sortCases(const GridAxis& axis)
 {
-    const std::size_t input = fast->axes[0].inputs[0];
+    const std::size_t input = axis.inputs[0];
     const double* coordinates = parts.correlation->scaledCases(input);
     std::vector<std::size_t> order = numbersFrom(0, parts.weights.size());
     std::sort(order.begin(), order.end(), [coordinates](std::size_t a, std::size_t b) {
@@ -441,6 +566,47 @@ void KrigingGrid::prepareSums()
     panelsPerRange = std::max<std::size_t>(rangeBytes / perPanel / 8 * 8, 8);
 }
 
+/** @param others the axes that are faster than the condensed one. */
+void KrigingGrid::prepareCondensing(GridSide others)
+{
+    // What a tile works with stays in the second-level cache.
+    constexpr std::size_t tileBytes = std::size_t{5} << 17;
+    constexpr std::size_t smallestTile = CondensedProduct::rowsAtATime;
+    constexpr std::size_t mostRows = 64;
+
+    const GridAxis& axis = fast->axes.back();
+    const std::size_t input = axis.inputs[0];
+    std::vector<double> values(axis.size);
+    correlation().scale(input, axis.coordinates[0].data(), axis.size, values.data());
+    const double* const cases = correlation().scaledCases(input);
+    const AxisFactors factors(values, axis.isFinite, {cases, cases + correlation().cases()});
+    if (factors.columns() == 0) {
+        isNowhereFinite = true;
+        return;
+    }
+
+    for (GridSide* side : {&others, slow.get()}) {
+        for (GridAxis& other : side->axes) {
+            other.tabulate(correlation());
+        }
+    }
+    others.trend = {GridSide::Polynomial{}}; // unused
+    GridRows rowsOfOthers(others, correlation(), others.size);
+    rowsOfOthers.fill(0, others.size);
+    condensed = std::make_unique<CondensedProduct>(factors, rowsOfOthers.data(),
+                                                   rowsOfOthers.stride(), others.size);
+
+    for (const GridSide::Polynomial& polynomial : fast->trend) {
+        for (std::size_t f = 0; f < fast->size; ++f) {
+            fastTrend.push_back(fast->isFinite(f) ? polynomial.at(f) : notANumber);
+        }
+    }
+    const std::size_t perRow =
+        (condensed->workspacePerRow() + fast->size + correlation().correlationStride()) *
+        sizeof(double);
+    tileSize = std::clamp(tileBytes / perRow / smallestTile * smallestTile, smallestTile, mostRows);
+}
+
 std::size_t KrigingGrid::panelRanges() const
 {
     return (sums->panels() + panelsPerRange - 1) / panelsPerRange;
@@ -508,6 +674,10 @@ void KrigingGrid::predict(double* result) const
         return;
     }
     const int threads = cost > worthAThread ? threadCount() : 1;
+    if (line) {
+        line->predict(threads, result);
+        return;
+    }
     if (sums) {
         OrderedChunks::run(
             tilesOf(*slow) * panelRanges(), threads,
@@ -515,6 +685,12 @@ void KrigingGrid::predict(double* result) const
         return;
     }
     const SingleThreadedBlas singleThreaded;
+    if (condensed) {
+        OrderedChunks::run(
+            tilesOf(*slow), threads,
+            [&] { return std::make_unique<CondensingWorker>(*this, result); }, nullptr);
+        return;
+    }
     OrderedChunks::run(
         tilesOf(*fast) * tilesOf(*slow), threads,
         [&] { return std::make_unique<ProductWorker>(*this, result); }, nullptr);

@@ -21,5 +21,5 @@ inline Vector larger(Vector a, Vector b)
 
 #include <mirel_fitting/MaternKernelsTemplate.h>
 
-const MaternKernels maternKernelsAvx512 = {&addWeightedSums, &correlate, &addWeightedGradients,
-                                           &addProducts};
+const MaternKernels maternKernelsAvx512 = {&addWeightedSums, &correlate,      &addWeightedGradients,
+                                           &addProducts,     &multiplyPacked, &sumGaps};

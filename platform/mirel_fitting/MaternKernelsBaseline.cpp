@@ -19,5 +19,5 @@ inline Vector larger(Vector a, Vector b)
 
 #include <mirel_fitting/MaternKernelsTemplate.h>
 
-const MaternKernels maternKernelsBaseline = {&addWeightedSums, &correlate, &addWeightedGradients,
-                                             &addProducts};
+const MaternKernels maternKernelsBaseline = {
+    &addWeightedSums, &correlate, &addWeightedGradients, &addProducts, &multiplyPacked, &sumGaps};

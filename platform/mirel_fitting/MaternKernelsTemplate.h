@@ -342,6 +342,86 @@ void addProducts(const MaternKernels::Product* products, std::size_t productCoun
     }
 }
 
+/** As many columns as there are registers for their sums. */
+template <std::size_t columns>
+SURROGATE_INLINE void multiplyPackedColumns(const double* left, const double* right,
+                                            std::size_t count, double* result, std::size_t stride)
+{
+    constexpr std::size_t vectors = MaternKernels::lanes / width;
+    Vector total[columns][vectors];
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t v = 0; v < vectors; ++v) {
+            total[i][v] = Vector{};
+        }
+    }
+    for (std::size_t k = 0; k < count; ++k) {
+        for (std::size_t v = 0; v < vectors; ++v) {
+            const Vector factor = load(left + k * MaternKernels::lanes + v * width);
+            for (std::size_t i = 0; i < columns; ++i) {
+                total[i][v] = multiplyAdd(factor, all(right[k * MaternKernels::packedColumns + i]),
+                                          total[i][v]);
+            }
+        }
+    }
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t v = 0; v < vectors; ++v) {
+            store(total[i][v], result + i * stride + v * width);
+        }
+    }
+}
+
+void multiplyPacked(const double* left, const double* right, std::size_t count, double* result,
+                    std::size_t stride)
+{
+    constexpr std::size_t columns = width == MaternKernels::lanes ? 16 : width;
+    for (std::size_t i = 0; i < MaternKernels::packedColumns; i += columns) {
+        multiplyPackedColumns<columns>(left, right + i, count, result + i * stride, stride);
+    }
+}
+
+/** One side of gaps for `count` vectors of points, `lanes` apart. */
+template <std::size_t count>
+SURROGATE_INLINE void addSide(const double* x, const double* side, Vector* sums)
+{
+    const Vector anchor = load(side);
+    const Vector constant = load(side + MaternKernels::lanes);
+    const Vector slope = load(side + 2 * MaternKernels::lanes);
+    const Vector curvature = load(side + 3 * MaternKernels::lanes);
+    for (std::size_t u = 0; u < count; ++u) {
+        const Vector z = distance<Reach::Unlimited>(load(x + u * MaternKernels::lanes) - anchor);
+        const Vector polynomial = multiplyAdd(z, multiplyAdd(z, curvature, slope), constant);
+        sums[u] = multiplyAdd(polynomial, expOfNegative<Reach::Unlimited>(-z), sums[u]);
+    }
+}
+
+template <std::size_t count>
+SURROGATE_INLINE void sumBothSides(const double* x, const double* gaps, double* result)
+{
+    constexpr std::size_t right = MaternKernels::gapNumbers / 2 * MaternKernels::lanes;
+    for (std::size_t v = 0; v < MaternKernels::lanes; v += width) {
+        Vector sums[count];
+        for (std::size_t u = 0; u < count; ++u) {
+            sums[u] = Vector{};
+        }
+        addSide<count>(x + v, gaps + v, sums);
+        addSide<count>(x + v, gaps + right + v, sums);
+        for (std::size_t u = 0; u < count; ++u) {
+            store(sums[u], result + u * MaternKernels::lanes + v);
+        }
+    }
+}
+
+void sumGaps(const double* x, std::size_t count, const double* gaps, double* result)
+{
+    std::size_t i = 0;
+    for (; i + atATime * MaternKernels::lanes <= count; i += atATime * MaternKernels::lanes) {
+        sumBothSides<atATime>(x + i, gaps, result + i);
+    }
+    for (; i < count; i += MaternKernels::lanes) {
+        sumBothSides<1>(x + i, gaps, result + i);
+    }
+}
+
 } // namespace
 
 #undef SURROGATE_INLINE

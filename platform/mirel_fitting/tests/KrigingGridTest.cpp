@@ -260,6 +260,59 @@ TEST(KrigingGrid, GivesTheSameBitsForAnyNumberOfThreads)
     EXPECT_EQ(one, three);
 }
 
+TEST(KrigingGrid, CondensesMediumAxesForEveryTrend)
+{
+    for (const int trendOrder : {0, 1, 2}) {
+        const Model model(4, trendOrder, 200);
+        expectTheScatteredPredictions(model, gridOf(5, {{0, evenly(10, -1.0, 1.0)},
+                                                        {3, evenly(9, 0.5, 5.0)},
+                                                        {2, evenly(11, -0.5, 3.5)},
+                                                        {4, evenly(8, 2.0, 9.0)}}));
+    }
+}
+
+TEST(KrigingGrid, CondensesAxesBetweenInputsThatDoNotVary)
+{
+    const Model model(6, 2, 300);
+    expectTheScatteredPredictions(model, gridOf(7, {{6, evenly(16, 4.0, 11.0)},
+                                                    {2, evenly(16, -0.5, 3.5)},
+                                                    {0, evenly(16, -1.0, 1.0)}}));
+}
+
+TEST(KrigingGrid, CondensesValuesInAnyOrderAndThoseThatAreNotFinite)
+{
+    const Model model(3, 2, 300);
+    const std::vector<double> few = {notANumber, 0.3,  -0.9, 0.0, infinity,
+                                     0.7,        -0.2, 0.9,  0.1, 0.4};
+    const std::vector<double> mixed = {3.0, 0.2, 1.4, 2.2, 0.9, 1.4, 4.4, 2.9, 0.6, 5.1};
+    for (const std::size_t first : {0u, 2u}) {
+        // Not finite on the slow side, then on the condensed axis, then on the fast side.
+        expectPredictionsWhereFinite(model,
+                                     gridOf(4, {{first, few}, {3, mixed}, {2 - first, mixed}}));
+        expectPredictionsWhereFinite(model,
+                                     gridOf(4, {{3, mixed}, {first, few}, {2 - first, mixed}}));
+        expectPredictionsWhereFinite(model,
+                                     gridOf(4, {{3, mixed}, {2 - first, mixed}, {first, few}}));
+    }
+}
+
+TEST(KrigingGrid, CondensesWithTheSameBitsForAnyNumberOfThreads)
+{
+    const Model model(6, 1, 300);
+    const Columns columns = gridOf(7, {{6, evenly(16, 4.0, 11.0)},
+                                       {2, evenly(16, -0.5, 3.5)},
+                                       {3, evenly(16, 1.0, 5.0)},
+                                       {0, evenly(16, -1.0, 1.0)}});
+
+    setThreadCount(1);
+    const std::vector<double> byOne = overGrid(model, columns);
+    setThreadCount(3);
+    const std::vector<double> byThree = overGrid(model, columns);
+    setThreadCount(0);
+
+    EXPECT_EQ(byOne, byThree);
+}
+
 TEST(KrigingGrid, SumsAlongALineForEveryInputAndTrend)
 {
     for (const int order : {0, 1, 2}) {

@@ -272,6 +272,80 @@ TEST_P(MaternKernelsVariants, AddProductsOfSmallMatrices)
     }
 }
 
+TEST_P(MaternKernelsVariants, MultiplyPackedMatrices)
+{
+    // Small integers: every order of the additions gives the same.
+    constexpr std::size_t lanes = MaternKernels::lanes;
+    constexpr std::size_t columns = MaternKernels::packedColumns;
+    constexpr std::size_t count = 7;
+    AlignedBuffer left(count * lanes);
+    AlignedBuffer right(count * columns);
+    AlignedBuffer result(columns * 2 * lanes);
+    std::fill_n(result.data(), columns * 2 * lanes, 77.0);
+    for (std::size_t i = 0; i < count * lanes; ++i) {
+        left.data()[i] = static_cast<double>(i % 11) - 4.0;
+    }
+    for (std::size_t i = 0; i < count * columns; ++i) {
+        right.data()[i] = static_cast<double>(i % 13) - 6.0;
+    }
+
+    MaternKernels::best().multiplyPacked(left.data(), right.data(), count, result.data(),
+                                         2 * lanes);
+
+    for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t r = 0; r < lanes; ++r) {
+            double expected = 0.0;
+            for (std::size_t k = 0; k < count; ++k) {
+                expected += left.data()[k * lanes + r] * right.data()[k * columns + i];
+            }
+            EXPECT_EQ(result.data()[i * 2 * lanes + r], expected) << i << ", " << r;
+            EXPECT_EQ(result.data()[(i * 2 + 1) * lanes + r], 77.0) << "not a result";
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, SumBothSidesOfAGap)
+{
+    // One case of weight 2 at 0.25 on the left, one of weight -3 at 1.5 on the right.
+    constexpr std::size_t lanes = MaternKernels::lanes;
+    const std::vector<double> gap = {0.25, 2.0, 2.0, 2.0 / 3.0, 1.5, -3.0, -3.0, -1.0};
+    AlignedBuffer gaps(MaternKernels::gapNumbers * lanes);
+    for (std::size_t q = 0; q < gap.size(); ++q) {
+        std::fill_n(gaps.data() + q * lanes, lanes, gap[q]);
+    }
+    gaps.data()[lanes + 3] = 5.0; // the fourth of each eight points has a gap of its own
+    const auto correlation = [](double z) { return (1.0 + z + z * z / 3.0) * std::exp(-z); };
+    for (const std::size_t count : {1u, 2u, 4u, 5u, 9u}) {
+        AlignedBuffer x(count * lanes);
+        AlignedBuffer result(count * lanes);
+        for (std::size_t i = 0; i < count * lanes; ++i) {
+            x.data()[i] = 0.25 + 1.25 * static_cast<double>(i) / static_cast<double>(count * lanes);
+        }
+
+        MaternKernels::best().sumGaps(x.data(), count * lanes, gaps.data(), result.data());
+
+        for (std::size_t i = 0; i < count * lanes; ++i) {
+            const double left = x.data()[i] - 0.25;
+            const double expected = 2.0 * correlation(left) - 3.0 * correlation(1.5 - x.data()[i]) +
+                                    (i % lanes == 3 ? 3.0 * std::exp(-left) : 0.0);
+            EXPECT_NEAR(result.data()[i], expected, 1e-14) << count << ", " << i;
+        }
+    }
+}
+
+TEST_P(MaternKernelsVariants, SumNothingFromAGapThatIsFarAway)
+{
+    AlignedBuffer gaps(MaternKernels::gapNumbers * MaternKernels::lanes);
+    std::fill_n(gaps.data(), MaternKernels::gapNumbers * MaternKernels::lanes, 1.0);
+    AlignedBuffer x(MaternKernels::lanes);
+    std::fill_n(x.data(), MaternKernels::lanes, 1e150);
+    AlignedBuffer result(MaternKernels::lanes);
+
+    MaternKernels::best().sumGaps(x.data(), MaternKernels::lanes, gaps.data(), result.data());
+
+    EXPECT_LT(std::fabs(result.data()[0]), 1e-290);
+}
+
 INSTANTIATE_TEST_SUITE_P(, MaternKernelsVariants, testing::ValuesIn(variants),
                          [](const auto& row) { return row.param.name; });
 
