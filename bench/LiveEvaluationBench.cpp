@@ -136,7 +136,7 @@ Study& study()
 
 void overSweptInputs(benchmark::internal::Benchmark* measured)
 {
-    measured->ArgName("sweptInputs")->DenseRange(1, 3)->Arg(6);
+    measured->ArgName("sweptInputs")->DenseRange(1, 8);
     measured->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 }
 
