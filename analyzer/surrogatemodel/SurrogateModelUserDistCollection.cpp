@@ -5,6 +5,7 @@
 #include <boost/make_shared.hpp>
 
 #include <map>
+#include <memory>
 
 class SURROGATEMODEL_NO_EXPORT SurrogateModelUserDistCollection::Impl
 {
@@ -23,11 +24,23 @@ public:
     /** The entry of `name`, or one with the defaults. */
     Entry entry(const std::string& name) const
     {
-        const auto held = entries.find(name);
-        return held == entries.end() ? Entry() : held->second;
+        const auto held = entries->find(name);
+        return held == entries->end() ? Entry() : held->second;
     }
 
-    std::map<std::string, Entry> entries;
+    void set(const std::string& name, const Entry& entry)
+    {
+        if (entries.use_count() > 1) {
+            entries = std::make_shared<Entries>(*entries);
+        }
+        (*entries)[name] = entry;
+    }
+
+    using Entries = std::map<std::string, Entry>;
+
+    // Of all copies until one of them changes, which then has its own: each reader of a property
+    // gets a copy, once per variable, and each undo step keeps two.
+    std::shared_ptr<Entries> entries = std::make_shared<Entries>();
 };
 
 SurrogateModelUserDistCollection::SurrogateModelUserDistCollection()
@@ -58,7 +71,7 @@ std::string SurrogateModelUserDistCollection::getUserDistString(const std::strin
 void SurrogateModelUserDistCollection::setUserDistString(const std::string& name,
                                                          const std::string& text)
 {
-    impl->entries[name] = {getMode(name), text};
+    impl->set(name, {getMode(name), text});
 }
 
 SurrogateModelUserDistCollection::VariableMode
@@ -69,13 +82,13 @@ SurrogateModelUserDistCollection::getMode(const std::string& name) const
 
 void SurrogateModelUserDistCollection::setMode(const std::string& name, VariableMode mode)
 {
-    impl->entries[name] = {mode, getUserDistString(name)};
+    impl->set(name, {mode, getUserDistString(name)});
 }
 
 std::set<std::string> SurrogateModelUserDistCollection::getVarNameSet() const
 {
     std::set<std::string> names;
-    for (const auto& [name, entry] : impl->entries) {
+    for (const auto& [name, entry] : *impl->entries) {
         names.insert(names.end(), name);
     }
     return names;
@@ -90,7 +103,7 @@ SurrogateModelUserDistCollection::getUserDistributionPoints(const std::string& n
 bool SurrogateModelUserDistCollection::operator==(
     const SurrogateModelUserDistCollection& other) const
 {
-    return impl->entries == other.impl->entries;
+    return impl->entries == other.impl->entries || *impl->entries == *other.impl->entries;
 }
 
 bool SurrogateModelUserDistCollection::operator!=(
