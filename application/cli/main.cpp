@@ -1,67 +1,60 @@
-#include "CommandLine.h"
-#include "Commands.h"
-#include "Interruption.h"
+// Little is linked to the program itself. The toolkits and numerical libraries that its commands
+// need take the loader tens of milliseconds, which asking for the version or for help does not.
+#include "HelpText.h"
+#include "Program.h"
 
-#include <session/OutputFile.h>
-#include <session/SessionErrors.h>
-
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <dlfcn.h>
 
 #include <csignal>
-#include <exception>
-#include <iostream>
-#include <new>
+#include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace {
-enum ExitCode
-{
-    Done = 0,
-    ModelFailed = 1,
-    WrongUse = 2,
-    BadCaseData = 3,
-    BadDistributionText = 4,
-    FileFailed = 5
-};
 
-int failed(ExitCode code, const std::string& message)
+/** False also if the text cannot be written: whoever finds out the reason tries again. */
+bool answersByItself(int argc, char** argv)
 {
-    std::cerr << "surrogate: " << message << '\n';
-    return code;
+    const std::string argument = argc == 2 ? argv[1] : "";
+    const bool isVersion = argument == "--version";
+    if (!isVersion && argument != "--help" && argument != "-h") {
+        return false;
+    }
+    // A reader that has gone is no reason to be killed.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    const std::string text = isVersion ? versionText() : helpText();
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
 }
+
+/** Where the program's own libraries are; what stands between the program and the loader, as
+ *  sanitizers do, may hide that folder from it. */
+void* openCommands()
+{
+    const std::string name = SURROGATE_COMMANDS_LIBRARY;
+    if (void* const library = dlopen(name.c_str(), RTLD_LAZY | RTLD_GLOBAL)) {
+        return library;
+    }
+    std::error_code ignored;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    const auto besides = program.parent_path().parent_path() / "lib" / name;
+    return dlopen(besides.c_str(), RTLD_LAZY | RTLD_GLOBAL);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    // A reader that has seen enough (head) is no failure: writing reports it, nothing kills us.
-    std::signal(SIGPIPE, SIG_IGN);
-    // Likewise a file that grows longer than a limit set for it.
-    std::signal(SIGXFSZ, SIG_IGN);
-    Interruption::listen();
-    try {
-        run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));
-        return Done;
-    } catch (const OutputFile::ReaderGone&) {
-        return Done;
-    } catch (const Interrupted&) {
-        return Interruption::exitCode;
-    } catch (const UsageError& error) {
-        return failed(WrongUse, error.what());
-    } catch (const CaseDataError& error) {
-        return failed(BadCaseData, error.what());
-    } catch (const ModelFileError& error) {
-        return failed(BadCaseData, error.what());
-    } catch (const ProjectDocumentError& error) {
-        return failed(BadCaseData, error.what());
-    } catch (const DistributionTextError& error) {
-        return failed(BadDistributionText, error.what());
-    } catch (const FileError& error) {
-        return failed(FileFailed, error.what());
-    } catch (const SurrogateModelInterface::Error& error) {
-        return failed(ModelFailed, error.what());
-    } catch (const std::bad_alloc&) {
-        return failed(ModelFailed, "There is not enough memory for this.");
-    } catch (const std::exception& error) {
-        return failed(ModelFailed, error.what());
+    if (answersByItself(argc, argv)) {
+        return 0;
     }
+    void* const library = openCommands();
+    void* const entry = library == nullptr ? nullptr : dlsym(library, "surrogateProgram");
+    if (entry == nullptr) {
+        std::fprintf(stderr, "surrogate: The library of the commands cannot be loaded: %s.\n",
+                     dlerror());
+        return 5;
+    }
+    return reinterpret_cast<decltype(&surrogateProgram)>(entry)(argc, argv);
 }

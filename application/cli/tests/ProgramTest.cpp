@@ -24,6 +24,42 @@ TEST_F(Program, HelpAndVersionGoToTheStandardOutput)
     EXPECT_EQ(run("--version").out.rfind("surrogate ", 0), 0u);
 }
 
+TEST_F(Program, IsNotLinkedToTheLibrariesOfItsCommands)
+{
+    // What the loader would load for any command line, the version included.
+    const std::string command = "LD_TRACE_LOADED_OBJECTS=1 '" SURROGATE_PROGRAM "' > '" +
+                                folder.path("libraries.txt") + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+
+    const std::string libraries = folder.read("libraries.txt");
+
+    EXPECT_NE(libraries.find("libc.so"), std::string::npos);
+    for (const char* heavy : {"libQt5", "libvtk", "libopenblas", "libsurrogate"}) {
+        EXPECT_EQ(libraries.find(heavy), std::string::npos) << libraries;
+    }
+}
+
+TEST_F(Program, SaysWhyItsVersionCannotBeWritten)
+{
+    const Outcome version = run("--version > /dev/full");
+
+    EXPECT_EQ(version.exitCode, 5);
+    EXPECT_EQ(version.err, "surrogate: The standard output cannot be written: No space left on "
+                           "device.\n");
+    EXPECT_EQ(run("--version | true").exitCode, 0);
+}
+
+TEST_F(Program, FindsItsCommandsThroughALinkFromElsewhere)
+{
+    const std::string command = "ln -s '" SURROGATE_PROGRAM "' '" + folder.path("linked") + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+
+    const Outcome summary = run("--version > /dev/null && ./linked summary cvd.csv");
+
+    EXPECT_EQ(summary.exitCode, 0) << summary.err;
+    EXPECT_NE(summary.out.find("Cases: 11 read"), std::string::npos);
+}
+
 TEST_F(Program, SummaryShowsVariablesAndCases)
 {
     const Outcome summary = run("summary cvd.csv -y Stress");

@@ -1,0 +1,69 @@
+#include "Program.h"
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Interruption.h"
+
+#include <session/OutputFile.h>
+#include <session/SessionErrors.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+
+namespace {
+enum ExitCode
+{
+    Done = 0,
+    ModelFailed = 1,
+    WrongUse = 2,
+    BadCaseData = 3,
+    BadDistributionText = 4,
+    FileFailed = 5
+};
+
+int failed(ExitCode code, const std::string& message)
+{
+    std::cerr << "surrogate: " << message << '\n';
+    return code;
+}
+} // namespace
+
+int surrogateProgram(int argc, char** argv)
+{
+    // A reader that has seen enough (head) is no failure: writing reports it, nothing kills us.
+    std::signal(SIGPIPE, SIG_IGN);
+    // Likewise a file that grows longer than a limit set for it.
+    std::signal(SIGXFSZ, SIG_IGN);
+    Interruption::listen();
+    try {
+        run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));
+        return Done;
+    } catch (const OutputFile::ReaderGone&) {
+        return Done;
+    } catch (const Interrupted&) {
+        return Interruption::exitCode;
+    } catch (const UsageError& error) {
+        return failed(WrongUse, error.what());
+    } catch (const CaseDataError& error) {
+        return failed(BadCaseData, error.what());
+    } catch (const ModelFileError& error) {
+        return failed(BadCaseData, error.what());
+    } catch (const ProjectDocumentError& error) {
+        return failed(BadCaseData, error.what());
+    } catch (const DistributionTextError& error) {
+        return failed(BadDistributionText, error.what());
+    } catch (const FileError& error) {
+        return failed(FileFailed, error.what());
+    } catch (const SurrogateModelInterface::Error& error) {
+        return failed(ModelFailed, error.what());
+    } catch (const std::bad_alloc&) {
+        return failed(ModelFailed, "There is not enough memory for this.");
+    } catch (const std::exception& error) {
+        return failed(ModelFailed, error.what());
+    }
+}
