@@ -35,6 +35,7 @@ struct Optimum
     double noiseVariance = 0.0;
     int meetings = 1;                                // searches that ended here
     bool isSearched = true;                          // with all cases
+    bool isMaximum = true;                           // not given up
     std::shared_ptr<BoundedSearch> search = nullptr; // of the cases taken, that ended here
 };
 
@@ -222,9 +223,9 @@ void Search::continueTheLikeliest()
 
 /**
  * Independent searches that meet are the evidence that where they meet is the best optimum. Three
- * from the middle of what is common are enough where they all meet and explain the cases well.
- * Where they do not meet, a few more compete. Where the first one hardly explains the cases, the
- * likelihood has many optima: then all others race with scattered starts.
+ * from the middle of what is common are enough where two of them meet in the highest and explain
+ * the cases well. Where they do not meet, a few more compete. Where the first one hardly explains
+ * the cases, the likelihood has many optima: then all others race with scattered starts.
  */
 void Search::compete()
 {
@@ -245,9 +246,9 @@ void Search::compete()
         isTelling = variables.lengths == 0 || highest() > telling;
     }
     sortByValue(optima);
-    const bool doAllMeet =
-        !optima.empty() && static_cast<std::size_t>(optima.front().meetings) == started;
-    if (variables.lengths == 0 || (doAllMeet && isTelling)) {
+    constexpr int enoughMeetings = 2;
+    const bool doMeet = !optima.empty() && optima.front().meetings >= enoughMeetings;
+    if (variables.lengths == 0 || (doMeet && isTelling)) {
         return;
     }
     starts.erase(starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(started));
@@ -326,7 +327,8 @@ bool Search::advance(Runner& runner, int steps)
         return false;
     }
     if (search.isFeasible()) {
-        add({search.point(), search.value(), objective->noiseVariance(), 1, true, runner.search});
+        add({search.point(), search.value(), objective->noiseVariance(), 1, true, true,
+             runner.search});
     }
     return true;
 }
@@ -434,13 +436,12 @@ void Search::climb(std::size_t cases)
 
 /**
  * Beyond some ranges a length is nearly indifferent, and the likelihood has maxima there that no
- * slope leads away from: what is better at the end of the range, or back where the input has some
- * influence or a little, is found by looking.
+ * slope leads away from: what is better at the end of the range, or back where the input has a
+ * little influence, is found by looking.
  */
 void Search::tryFarLengths(const std::vector<double>& upper)
 {
-    constexpr double some = 10.0;   // influence
-    constexpr double little = 60.0; // where a length that has run farther hardly leads back
+    constexpr double little = 60.0; // influence, but enough for a slope that leads back
     constexpr double near = 0.4;
 
     Optimum& best = optima.front();
@@ -449,7 +450,7 @@ void Search::tryFarLengths(const std::vector<double>& upper)
         if (best.point[k] <= std::log(KrigingSearchVariables::faint)) {
             continue;
         }
-        for (const double place : {std::log(some), std::log(little), variables.upper[k]}) {
+        for (const double place : {std::log(little), variables.upper[k]}) {
             if (std::fabs(place - best.point[k]) < near) {
                 continue;
             }
@@ -512,15 +513,8 @@ void Search::preferLeastNugget()
     std::vector<double> upper = variables.upper;
     upper.back() = variables.lower.back();
     if (smooth.value < enough && data->cases <= casesPerLength * (data->inputs + 1)) {
-        // So few cases hardly tell noise from short lengths: other lengths may do as well.
-        std::vector<std::vector<double>> starts = {smooth.point};
-        for (const double length : {settings.initialLength, std::exp(variables.lower.front())}) {
-            starts.push_back(variables.uniform(length, settings.smallestNugget));
-        }
-        for (std::size_t i = 0; i < starts.size() && smooth.value < enough; ++i) {
-            const Optimum other = searchFor(enough, starts[i], upper);
-            smooth = other.value > smooth.value ? other : smooth;
-        }
+        // So few cases hardly tell noise from shorter lengths.
+        smooth = searchFor(enough, smooth.point, upper);
     }
     if (smooth.value < enough) {
         return;
@@ -534,25 +528,26 @@ void Search::preferLeastNugget()
     tryFarLengths(upper);
 }
 
-/** A search for a value of so much, given up when it will hardly get there. */
+/** A search from near an optimum for a value of so much, given up when it will hardly get there. */
 Optimum Search::searchFor(double enough, const std::vector<double>& start,
                           const std::vector<double>& upper)
 {
-    constexpr int mostSteps = 60;
-    constexpr int stepsToJudge = 3;
+    constexpr int mostSteps = 100;
     constexpr double hopeless = 0.5;
     constexpr double stepsLike = 3.0; // the last one are hoped for
 
     BoundedSearch search(*objective, variables.lower, upper, start);
-    for (int step = 1; step <= mostSteps && !search.isDone(); ++step) {
+    variables.limitRises(search);
+    bool isHopeful = true;
+    for (int step = 0; step < mostSteps && isHopeful && !search.isDone(); ++step) {
         const double before = search.value();
         search.advance(1, smallestGain());
-        const double hoped = search.value() + stepsLike * (search.value() - before) + hopeless;
-        if (step >= stepsToJudge && hoped < enough) {
-            break;
-        }
+        const double gained = search.value() - before;
+        isHopeful = search.isDone() || search.value() + stepsLike * gained + hopeless >= enough;
     }
-    return {search.point(), search.value(), objective->noiseVariance()};
+    Optimum result = {search.point(), search.value(), objective->noiseVariance()};
+    result.isMaximum = isHopeful;
+    return result;
 }
 
 /**
@@ -592,7 +587,11 @@ void Search::searchFromAll()
         compete();
     }
     for (const KrigingParameters& start : settings.starts) {
-        add(search(variables.at(start), variables.upper, smallestGain()));
+        const double enough = std::max(settings.enough, highest());
+        Optimum reached = searchFor(enough, variables.at(start), variables.upper);
+        if (optima.empty() || reached.isMaximum) {
+            add(std::move(reached));
+        }
     }
     sortByValue(optima);
     if (optima.empty()) {

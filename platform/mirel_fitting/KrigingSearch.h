@@ -36,6 +36,8 @@ public:
          *  follows the search is left out: with some thousand cases each step takes seconds. 0: the
          *  start itself. */
         std::optional<int> mostSteps;
+        /** Searches from given starts are given up when they will hardly get to this likelihood. */
+        double enough = -std::numeric_limits<double>::infinity();
         /** To within some tenths of the likelihood, whatever the tolerance. */
         bool isRough = false;
     };
