@@ -1,5 +1,7 @@
 #include <mirel_fitting/BoundedSearch.h>
 
+#include <mirel_fitting/BoxedQuadratic.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,41 +14,6 @@ namespace {
 constexpr double firstRadius = 1.0;
 constexpr double largestRadius = 4.0;
 constexpr double smallestRadius = 0.1; // after a step that was taken
-
-/** Solves the symmetric positive definite system in place; false if it is not definite. */
-bool solveDefinite(std::vector<double>& matrix, std::vector<double>& right)
-{
-    const std::size_t m = right.size();
-    for (std::size_t j = 0; j < m; ++j) {
-        for (std::size_t i = j; i < m; ++i) {
-            double value = matrix[i * m + j];
-            for (std::size_t k = 0; k < j; ++k) {
-                value -= matrix[i * m + k] * matrix[j * m + k];
-            }
-            if (i == j) {
-                if (!(value > 0.0)) {
-                    return false;
-                }
-                matrix[j * m + j] = std::sqrt(value);
-            } else {
-                matrix[i * m + j] = value / matrix[j * m + j];
-            }
-        }
-    }
-    for (std::size_t i = 0; i < m; ++i) {
-        for (std::size_t k = 0; k < i; ++k) {
-            right[i] -= matrix[i * m + k] * right[k];
-        }
-        right[i] /= matrix[i * m + i];
-    }
-    for (std::size_t i = m; i-- > 0;) {
-        for (std::size_t k = i + 1; k < m; ++k) {
-            right[i] -= matrix[k * m + i] * right[k];
-        }
-        right[i] /= matrix[i * m + i];
-    }
-    return true;
-}
 
 double dot(const std::vector<double>& a, const std::vector<double>& b)
 {
@@ -183,112 +150,22 @@ double BoundedSearch::expectedGain() const
     return dot(gradient, step) - 0.5 * dot(step, multiply(hessian, step));
 }
 
-/**
- * The maximum of the quadratic model inside the bounds and the trust box, by a primal active-set
- * method: the model rises with every round, so that the step leads uphill wherever it ends.
- */
+/** The maximum of the quadratic model inside the bounds and the trust box. */
 void BoundedSearch::proposeStep()
 {
-    constexpr double relativeRest = 1e-10; // of the slope: then the model is at its maximum
-
     std::vector<double> lowest(size);
     std::vector<double> highest(size);
     for (std::size_t i = 0; i < size; ++i) {
         lowest[i] = std::max(lower[i] - current[i], -trustRadius);
         highest[i] = std::min(upper[i] - current[i], std::min(trustRadius, largestRises[i]));
     }
-
-    const auto bound = [&](std::size_t i, double direction) {
-        return direction < 0.0 ? lowest[i] : highest[i];
-    };
-
-    step.assign(size, 0.0);
-    const std::size_t mostRounds = 5 * size + 5;
-    for (std::size_t round = 0; round < mostRounds; ++round) {
-        std::vector<double> slope = multiply(hessian, step);
-        std::vector<std::size_t> unknowns;
-        double steepest = 0.0;
-        for (std::size_t i = 0; i < size; ++i) {
-            slope[i] = gradient[i] - slope[i];
-            const bool isStopped = (step[i] <= lowest[i] && slope[i] <= 0.0) ||
-                                   (step[i] >= highest[i] && slope[i] >= 0.0);
-            if (!isStopped) {
-                unknowns.push_back(i);
-                steepest = std::max(steepest, std::fabs(slope[i]));
-            }
-        }
-        if (steepest <= relativeRest * largestMagnitude(gradient)) {
-            break;
-        }
-        const std::vector<double> direction = towardsMaximum(slope, unknowns, lowest, highest);
-
-        double length = 1.0;
-        std::size_t stopping = size;
-        for (std::size_t i = 0; i < size; ++i) {
-            const double room = bound(i, direction[i]) - step[i];
-            if (std::fabs(direction[i]) * length > std::fabs(room)) {
-                length = std::fabs(room) / std::fabs(direction[i]);
-                stopping = i;
-            }
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            step[i] = std::min(std::max(step[i] + length * direction[i], lowest[i]), highest[i]);
-        }
-        if (stopping < size) {
-            step[stopping] = bound(stopping, direction[stopping]);
-        }
-    }
+    step = BoxedQuadratic(hessian, gradient).maximum(lowest, highest);
 
     isStepLimited = false;
     for (std::size_t i = 0; i < size; ++i) {
         isStepLimited = isStepLimited || step[i] <= -trustRadius ||
                         step[i] >= std::min(trustRadius, largestRises[i]);
     }
-}
-
-/**
- * From the present step to where the model is greatest in the unknowns. An unknown that is on a
- * bound and would leave it to the outside is left out.
- */
-std::vector<double> BoundedSearch::towardsMaximum(const std::vector<double>& slope,
-                                                  std::vector<std::size_t> unknowns,
-                                                  const std::vector<double>& lowest,
-                                                  const std::vector<double>& highest) const
-{
-    std::vector<double> direction(size, 0.0);
-    while (!unknowns.empty()) {
-        const std::size_t m = unknowns.size();
-        std::vector<double> matrix(m * m);
-        std::vector<double> right(m);
-        for (std::size_t a = 0; a < m; ++a) {
-            right[a] = slope[unknowns[a]];
-            for (std::size_t b = 0; b < m; ++b) {
-                matrix[a * m + b] = hessian[unknowns[a] * size + unknowns[b]];
-            }
-        }
-        if (!solveDefinite(matrix, right)) {
-            // Rounding has spoilt the curvature: straight up.
-            for (std::size_t a = 0; a < m; ++a) {
-                right[a] = slope[unknowns[a]] / std::max(largestMagnitude(gradient), 1e-300);
-            }
-        }
-        std::vector<std::size_t> inside;
-        for (std::size_t a = 0; a < m; ++a) {
-            const std::size_t i = unknowns[a];
-            if (!(step[i] <= lowest[i] && right[a] < 0.0) &&
-                !(step[i] >= highest[i] && right[a] > 0.0)) {
-                inside.push_back(i);
-            }
-        }
-        if (inside.size() == m) {
-            for (std::size_t a = 0; a < m; ++a) {
-                direction[unknowns[a]] = right[a];
-            }
-            break;
-        }
-        unknowns = inside;
-    }
-    return direction;
 }
 
 /**

@@ -64,10 +64,6 @@ public:
 
 private:
     void proposeStep();
-    std::vector<double> towardsMaximum(const std::vector<double>& slope,
-                                       std::vector<std::size_t> unknowns,
-                                       const std::vector<double>& lowest,
-                                       const std::vector<double>& highest) const;
     bool learn();
     void advance(int steps, double smallestGain, bool isLastTime);
     bool tryStep(int mostTries, bool isLast);
