@@ -332,6 +332,7 @@ void evaluateKrigingOverLine(benchmark::State& state, bool isScattered)
     model.activateDependentVariables({0});
     std::vector<std::vector<double>> columns(8, std::vector<double>(points, 0.4));
     std::vector<double*> independent;
+    independent.reserve(columns.size());
     for (std::vector<double>& column : columns) {
         independent.push_back(column.data());
     }

@@ -52,8 +52,8 @@ void drawText(QPainter& painter, const LineLabel& label, const QSizeF& size, con
 }
 } // namespace
 
-ContourItem::ContourItem(const ContourPicture& picture, ContourBands wanted, QFont font)
-    : bands(std::move(wanted)), font(std::move(font)),
+ContourItem::ContourItem(const ContourPicture& picture, ContourBands wanted, const QFont& font)
+    : bands(std::move(wanted)), font(font),
       corners(QVector<QPointF>{{picture.x.front(), picture.y.front()},
                                {picture.x.back(), picture.y.back()}})
 {

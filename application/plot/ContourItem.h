@@ -16,7 +16,7 @@
 class ContourItem : public QwtPlotItem
 {
 public:
-    ContourItem(const ContourPicture& picture, ContourBands bands, QFont font);
+    ContourItem(const ContourPicture& picture, ContourBands bands, const QFont& font);
 
     void draw(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
               const QRectF& canvas) const override;

@@ -36,8 +36,7 @@ void requireNames(const ExportedModel& model, const std::string& path)
             scratch.addNumericVariable(output.name, Variable::Dependent);
         }
     } catch (const veska::ExceptionBase& refusal) {
-        throw ModelFileError(quotedText(path) + " cannot be used. " +
-                             refusal.what());
+        throw ModelFileError(quotedText(path) + " cannot be used. " + refusal.what());
     }
 }
 
