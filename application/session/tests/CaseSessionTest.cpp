@@ -8,6 +8,7 @@
 
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <QUndoStack>
@@ -301,4 +302,22 @@ TEST(CaseSession, WarningsNameTheInputs)
     EXPECT_NE(all.find("\"fixed V9\""), std::string::npos) << all;
     EXPECT_EQ(all.find("V2"), std::string::npos) << all;
     EXPECT_NE(all.find("\"x\" * \"fixed V9\""), std::string::npos) << all;
+}
+
+TEST(CaseSession, MakesACancelledFitWhenItIsNextWanted)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        const double undisturbed =
+            cell(*CaseSession(cvdCases(), {{0, 1}, {2}}, {}, model).evaluate(), 0, 2);
+        CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
+        session.fit();
+        session.chooseRoles({{0, 1}, {2}});
+        {
+            const FitProgress progress([](double, const std::string&) { return false; });
+            EXPECT_THROW(session.fit(), SurrogateModelInterface::Error);
+            EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
+        }
+
+        EXPECT_EQ(cell(*session.evaluate(), 0, 2), undisturbed);
+    }
 }
