@@ -10,9 +10,9 @@
  * by sqrt(5) / length.
  *
  * A correlation has a relative error of a few units in the last place: at most 3, 1.5 per input,
- * and 0.15 per unit of the summed distance, beside what the rounding of the scaled coordinates
- * makes. Of each pair of coordinates at most `farthest` apart counts: further away the correlation
- * is 0 to every digit.
+ * and 0.15 per unit of the summed distance, 0.65 where operations are not fused, beside what the
+ * rounding of the scaled coordinates makes. Of each pair of coordinates at most `farthest` apart
+ * counts: further away the correlation is 0 to every digit.
  */
 struct MaternKernels
 {

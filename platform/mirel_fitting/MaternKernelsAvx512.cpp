@@ -6,6 +6,10 @@ namespace {
 
 using Vector = double __attribute__((vector_size(64), may_alias));
 using VectorBits = long long __attribute__((vector_size(64), may_alias));
+using VectorWords = unsigned short __attribute__((vector_size(64), may_alias));
+
+constexpr bool isFused = true;
+constexpr std::size_t casesAtOnce = 1; // the registers hold one case, and its exponentials
 
 inline Vector multiplyAdd(Vector a, Vector b, Vector c)
 {

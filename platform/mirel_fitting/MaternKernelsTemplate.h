@@ -1,9 +1,11 @@
 // No include guard: what MaternKernels promises, for the vectors of the file that includes it. That
 // file defines, in its unnamed namespace, Vector (so many doubles), VectorBits (as many 64-bit
-// integers), multiplyAdd(a, b, c) and larger(a, b). It includes nothing with inline functions of
-// external linkage: a copy of such a function for a newer processor must not be the one that the
-// linker keeps for all.
+// integers), VectorWords (the same in 16-bit integers), multiplyAdd(a, b, c), larger(a, b), isFused
+// (whether multiplyAdd is one operation) and casesAtOnce (see addSums). It includes nothing with
+// inline functions of external linkage: a copy of such a function for a newer processor must not be
+// the one that the linker keeps for all.
 #include <mirel_fitting/MaternKernels.h>
+#include <mirel_fitting/PowersOfTwo.h>
 
 #define SURROGATE_INLINE __attribute__((always_inline)) static inline
 
@@ -36,22 +38,16 @@ SURROGATE_INLINE Vector magnitude(Vector a)
     return reinterpret_cast<Vector>(reinterpret_cast<VectorBits>(a) & 0x7fffffffffffffffLL);
 }
 
-/** exp(x) for x <= 0, within 2 units in the last place and 0.15 more per unit of x; exp(-708)
- * below, so that it never underflows. */
-template <Reach reach>
-SURROGATE_INLINE Vector expOfNegative(Vector x)
-{
-    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2.
-    constexpr double log2OfE = 1.44269504088896340736;
-    constexpr double ln2 = 0.693147180559945309417;
-    // Adding it rounds to an integer, which then stands in the low bits of the sum.
-    constexpr double rounder = 6755399441055744.0;
-    constexpr double smallest = -708.0;
-    constexpr int mantissaBits = 52;
+// exp(x) = 2^k exp(r), k an integer in what it is counted by, r at most half of that.
+constexpr double log2OfE = 1.44269504088896340736;
+constexpr double ln2 = 0.693147180559945309417;
+// Adding it rounds to an integer, which then stands in the low bits of the sum.
+constexpr double rounder = 6755399441055744.0;
+constexpr int mantissaBits = 52;
 
-    if (reach != Reach::Near) {
-        x = larger(x, all(smallest));
-    }
+/** exp(x) for -708 <= x <= 0 by a polynomial, which costs little where operations are fused. */
+SURROGATE_INLINE Vector expByPolynomial(Vector x)
+{
     const Vector shifted = multiplyAdd(x, all(log2OfE), all(rounder));
     // The constant is off by 2e-17, and so is the exponent by k times that: less than the rounding
     // of the sum of distances that it is.
@@ -72,6 +68,47 @@ SURROGATE_INLINE Vector expOfNegative(Vector x)
     p = multiplyAdd(p, r, all(1.0));
     return reinterpret_cast<Vector>(reinterpret_cast<VectorBits>(p) +
                                     (reinterpret_cast<VectorBits>(shifted) << mantissaBits));
+}
+
+/**
+ * The same where each operation counts: with k in steps of 1/1024, whose fractions are looked up,
+ * r is so small that a cubic is good to 1e-16. Tang: Table-driven implementation of the exponential
+ * function in IEEE floating-point arithmetic, ACM Trans. Math. Softw. 15 (1989).
+ */
+SURROGATE_INLINE Vector expByTable(Vector x)
+{
+    constexpr auto steps = static_cast<double>(PowersOfTwo::count);
+    constexpr long long fractionMask = PowersOfTwo::count - 1;
+    constexpr std::size_t wordsPerLane = 4; // the first holds the low bits
+
+    const Vector shifted = multiplyAdd(x, all(log2OfE * steps), all(rounder));
+    const Vector r = multiplyAdd(shifted - rounder, all(-ln2 / steps), x);
+    const auto words = reinterpret_cast<VectorWords>(shifted);
+    Vector power;
+    for (std::size_t lane = 0; lane < width; ++lane) {
+        power[lane] = PowersOfTwo::table.values[words[lane * wordsPerLane] & fractionMask];
+    }
+
+    // exp(r) = 1 + r + r^2 (a + r / 6), where a - 1/2 halves the largest error, that of r^4 / 24.
+    Vector p = multiplyAdd(r, all(1.0 / 6.0), all(0.500000003953977));
+    p = multiplyAdd(p, r * r, r);
+    p = multiplyAdd(p, power, power);
+    const VectorBits whole = reinterpret_cast<VectorBits>(shifted) & ~fractionMask;
+    constexpr int toExponent = mantissaBits - static_cast<int>(PowersOfTwo::bits);
+    return reinterpret_cast<Vector>(reinterpret_cast<VectorBits>(p) + (whole << toExponent));
+}
+
+/** exp(x) for x <= 0, within 2 units in the last place and 0.15 more per unit of x, 0.65 where
+ * multiplyAdd rounds twice; exp(-708) below, so that it never underflows. */
+template <Reach reach>
+SURROGATE_INLINE Vector expOfNegative(Vector x)
+{
+    constexpr double smallest = -708.0;
+
+    if (reach != Reach::Near) {
+        x = larger(x, all(smallest));
+    }
+    return isFused ? expByPolynomial(x) : expByTable(x);
 }
 
 template <Reach reach>
@@ -132,6 +169,8 @@ SURROGATE_INLINE void correlations(const double* points, std::size_t stride, con
     }
 }
 
+/** The exponentials of several cases follow each other, where the processor works on many at a
+ * time: each alone it would have to wait for. */
 template <std::size_t count, Reach reach>
 SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
                               const MaternKernels::Cases& cases, const double* weights,
@@ -142,13 +181,22 @@ SURROGATE_INLINE void addSums(const double* points, std::size_t stride,
         total[u] = Vector{};
     }
     if (cases.inputs <= inputsPerGroup) {
-        for (std::size_t j = 0; j < cases.count; ++j) {
-            Vector product[count];
-            Vector exponent[count];
-            factors<count, reach>(points, stride, cases.coordinates + j * cases.inputs,
-                                  cases.inputs, weights[j], product, exponent);
-            for (std::size_t u = 0; u < count; ++u) {
-                total[u] = multiplyAdd(product[u], expOfNegative<reach>(exponent[u]), total[u]);
+        for (std::size_t first = 0; first < cases.count; first += casesAtOnce) {
+            const std::size_t left = cases.count - first;
+            const std::size_t size = left < casesAtOnce ? left : casesAtOnce;
+            Vector product[casesAtOnce * count];
+            Vector exponent[casesAtOnce * count];
+            for (std::size_t j = 0; j < size; ++j) {
+                factors<count, reach>(
+                    points, stride, cases.coordinates + (first + j) * cases.inputs, cases.inputs,
+                    weights[first + j], product + j * count, exponent + j * count);
+            }
+            for (std::size_t j = 0; j < size; ++j) {
+                for (std::size_t u = 0; u < count; ++u) {
+                    const std::size_t one = j * count + u;
+                    total[u] =
+                        multiplyAdd(product[one], expOfNegative<reach>(exponent[one]), total[u]);
+                }
             }
         }
         double divisor = 1.0;

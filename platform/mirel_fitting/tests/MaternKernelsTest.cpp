@@ -161,6 +161,29 @@ TEST_P(MaternKernelsVariants, CorrelateWithinAFewUnitsInTheLastPlace)
     }
 }
 
+TEST_P(MaternKernelsVariants, CorrelateWithinAFewUnitsInTheLastPlaceHoweverFarApart)
+{
+    // Of one input, in short numbers: the distance is exact, and all of the error that of the
+    // correlation.
+    Problem problem(971, 3, 1, 699.0);
+    const auto shorten = [](double x) { return std::ldexp(std::round(std::ldexp(x, 20)), -20); };
+    std::transform(problem.points.data(), problem.points.data() + problem.stride,
+                   problem.points.data(), shorten);
+    std::transform(problem.cases.begin(), problem.cases.end(), problem.cases.begin(), shorten);
+    const std::vector<double> found = problem.correlations();
+    const double perUnit = GetParam().set == InstructionSet::Baseline ? 0.65 : 0.15;
+
+    for (std::size_t j = 0; j < problem.weights.size(); ++j) {
+        for (std::size_t i = 0; i < problem.pointCount; ++i) {
+            const auto expected = static_cast<double>(problem.correlation(i, j));
+            const auto distance = static_cast<double>(std::fabs(problem.distance(i, j, 0)));
+            ASSERT_NEAR(found[j * problem.stride + i], expected,
+                        (4.5 + perUnit * distance) * epsilon * expected)
+                << distance;
+        }
+    }
+}
+
 TEST_P(MaternKernelsVariants, SumWithinAFewUnitsInTheLastPlaceOfTheTerms)
 {
     for (const std::size_t inputs : {1u, 3u, 8u, 40u}) {
