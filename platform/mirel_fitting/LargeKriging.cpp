@@ -259,7 +259,7 @@ Fit::estimate(const std::vector<double>& values, const NearestNeighbourKriging& 
         sample.push_back(result.measured[position]);
         expected.push_back(values[sample.back()]);
     }
-    const NearestNeighbourKriging::LeftOut leftOut(kriging, sample, nullptr);
+    const NearestNeighbourKriging::LeftOut leftOut(kriging, sample, reportingAt(0.0, estimating));
     double done = 0.0;
     const auto density = [&](const NearestNeighbourKriging::Parameters& parameters) {
         constexpr double expectedTrials = 100.0;
