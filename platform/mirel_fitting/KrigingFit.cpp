@@ -29,6 +29,8 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const double twoPi = 2.0 * std::acos(-1.0);
+// Where in the whole a fit is when its parameters are found: what then follows is the least of it.
+constexpr double measuring = 0.99;
 
 std::string join(const std::vector<std::string>& texts)
 {
@@ -326,7 +328,7 @@ void Fitter::search()
 {
     const KrigingSizes& sizes = options.sizes;
     const bool isSubset = data->cases > sizes.mostSearched;
-    const double searching = isSubset ? 0.9 : 1.0; // of the work; the rest is measuring
+    const double searching = isSubset ? 0.9 : measuring; // of the work
     const double once = hasScatter(*data) ? 0.5 * searching : searching;
     {
         const FitProgress::Portion portion(0.0, once);
@@ -413,8 +415,8 @@ bool Fitter::refineUntilCasesAreMet(KrigingLikelihood& likelihood) const
 KrigingFit Fitter::withCorrelation()
 {
     search();
-    KrigingLikelihood likelihood(data,
-                                 [](double) { FitProgress::report(0.99, "Measuring the fit"); });
+    KrigingLikelihood likelihood(
+        data, [](double) { FitProgress::report(measuring, "Measuring the fit"); });
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
                             found.parameters.nugget <= KrigingSearch::Settings().soundNugget &&

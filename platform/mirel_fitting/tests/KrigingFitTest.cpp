@@ -2,6 +2,8 @@
 
 #include "KrigingFitTestSupport.h"
 
+#include <mirel_fitting/FitProgress.h>
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -310,6 +312,31 @@ TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
         }
     }
     EXPECT_GT(alone, 0);
+}
+
+TEST(KrigingFit, ReportsAFractionThatNeverDecreases)
+{
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        // A plane with noise: of the trends that are tried the linear one is searched to the end.
+        const Columns inputs = latinHypercube(30, 2, seed);
+        UniformNumbers numbers(seed);
+        const std::vector<double> output = valuesOf(
+            [&](const std::vector<double>& x) { return 9.0 * x[0] - x[1] + numbers.normal(); },
+            inputs);
+        double last = 0.0;
+        bool decreases = false;
+        {
+            const FitProgress progress([&](double fraction, const std::string&) {
+                decreases = decreases || fraction < last;
+                last = fraction;
+                return true;
+            });
+            fitOf(inputs, output, withTrend(1));
+        }
+
+        EXPECT_FALSE(decreases) << seed;
+        EXPECT_EQ(last, 1.0);
+    }
 }
 
 TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
