@@ -509,9 +509,14 @@ std::vector<ResponseSurfaceStatistics> CaseSession::statistics()
 {
     const auto* const model = dynamic_cast<const ResponseSurfaceStatisticsInterface*>(&fit());
     std::vector<ResponseSurfaceStatistics> results;
-    if (model != nullptr) {
-        for (const VarPtr& output : impl->state.outputs) {
-            results.push_back(model->responseSurfaceStatistics(impl->offsetOf(output)));
+    if (model == nullptr) {
+        return results;
+    }
+    const std::vector<std::size_t> cases = validCases();
+    for (const VarPtr& output : impl->state.outputs) {
+        results.push_back(model->responseSurfaceStatistics(impl->offsetOf(output)));
+        for (CaseLeverage& one : results.back().largestLeverages) {
+            one.row = cases.at(one.row);
         }
     }
     return results;

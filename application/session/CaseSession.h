@@ -172,7 +172,8 @@ public:
     /** What the fit came to, one per output. @throw SurrogateModelInterface::Error */
     std::vector<OutputFit> fits();
 
-    /** The statistics of a response surface, one per output; none at all of another model.
+    /** The statistics of a response surface, one per output; none at all of another model. The rows
+     *  of the largest leverages are positions of cases, from 0.
      *  @throw SurrogateModelInterface::Error */
     std::vector<ResponseSurfaceStatistics> statistics();
 

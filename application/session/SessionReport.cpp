@@ -191,6 +191,16 @@ Json fitJson(const OutputFit& fit)
     return json;
 }
 
+std::string leverageText(const ResponseSurfaceStatistics& statistics)
+{
+    std::string text;
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        text += (text.empty() ? "" : ", ") + shownNumber(one.leverage, 3) + " of case " +
+                std::to_string(one.row + 1);
+    }
+    return text;
+}
+
 std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs,
                     const ResponseSurfaceStatistics* statistics)
 {
@@ -310,6 +320,10 @@ SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inp
                                std::to_string(statistics->residualDegreesOfFreedom)});
         }
         figures.push_back({"coefficients", std::to_string(metrics.terms)});
+        if (statistics != nullptr) {
+            figures.push_back({"mean leverage", shownNumber(statistics->meanLeverage)});
+            figures.push_back({"largest leverages", leverageText(*statistics)});
+        }
     }
     return figures;
 }
@@ -356,6 +370,9 @@ std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
             if (!statistics.empty()) {
                 output["metrics"]["press"] = statistics[i].press;
                 output["metrics"]["aicc"] = statistics[i].aicc;
+                output["metrics"]["terms"] = fits[i].metrics.terms;
+                output["metrics"]["residualDegreesOfFreedom"] =
+                    statistics[i].residualDegreesOfFreedom;
                 output.update(StatisticsTables::json(statistics[i], inputs));
             }
             json["outputs"].push_back(std::move(output));

@@ -5,7 +5,9 @@
 #include "session/QuotedText.h"
 #include "session/TextTable.h"
 
+#include <cmath>
 #include <cstddef>
+#include <utility>
 
 using SessionJson::Json;
 
@@ -59,11 +61,15 @@ StatisticsTables::Table anovaTable(const std::vector<AnovaRow>& anova)
     return table;
 }
 
+/** Of the terms that the model has: what is not kept is no part of its formula. */
 Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
-                      const std::vector<std::string>& inputs)
+                      const std::vector<std::string>& inputs, bool isCoded)
 {
     Json json = Json::array();
     for (const CoefficientStatistics& one : coefficients) {
+        if (!one.isKept) {
+            continue;
+        }
         json.push_back({{"term", one.term},
                         {"name", nameOf(one, inputs)},
                         {"estimate", one.estimate},
@@ -72,6 +78,9 @@ Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
                         {"p", one.p},
                         {"lower", one.lower},
                         {"upper", one.upper}});
+        if (isCoded) {
+            json.back()["varianceInflation"] = one.varianceInflation;
+        }
     }
     return json;
 }
@@ -88,6 +97,15 @@ Json anovaJson(const std::vector<AnovaRow>& anova)
                         {"p", row.p}});
     }
     return json;
+}
+
+Json leverageJson(const ResponseSurfaceStatistics& statistics)
+{
+    Json largest = Json::array();
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        largest.push_back({{"case", one.row + 1}, {"leverage", one.leverage}});
+    }
+    return {{"mean", statistics.meanLeverage}, {"largest", std::move(largest)}};
 }
 
 Json stationaryPointJson(const std::optional<StationaryPoint>& point)
@@ -125,14 +143,22 @@ std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistic
                                                   const std::vector<std::string>& inputs)
 {
     if (!statistics.stationaryPoint) {
-        return "There is no stationary point: the polynomial is not curved.";
+        return statistics.isCurved ? "There is no stationary point: the polynomial rises along a "
+                                     "direction in which it is not curved."
+                                   : "There is no stationary point: the polynomial is not curved.";
     }
     const StationaryPoint& point = *statistics.stationaryPoint;
     std::string place;
+    std::string anywhere;
     for (std::size_t i = 0; i < point.coordinates.size() && i < inputs.size(); ++i) {
-        place +=
-            (place.empty() ? "" : ", ") + inputs[i] + " = " + shownNumber(point.coordinates[i]);
+        if (std::isnan(point.coordinates[i])) {
+            anywhere += ", any " + inputs[i];
+        } else {
+            place +=
+                (place.empty() ? "" : ", ") + inputs[i] + " = " + shownNumber(point.coordinates[i]);
+        }
     }
+    place += anywhere;
     return std::string("The stationary point is a ") + natureName(point.nature) + " of " +
            shownNumber(point.value) + " at " + place + ", " +
            (point.isInsideData ? "inside" : "outside") + " the ranges of the cases.";
@@ -158,14 +184,10 @@ std::string StatisticsTables::text(const ResponseSurfaceStatistics& statistics,
 Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
                             const std::vector<std::string>& inputs)
 {
-    Json json = {{"coefficients", coefficientsJson(statistics.coefficients, inputs)},
-                 {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs)},
-                 {"anova", anovaJson(statistics.anova)},
-                 {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)},
-                 {"droppedTerms", droppedTermsJson(statistics.droppedTerms, inputs)}};
-    for (std::size_t i = 0; i < statistics.codedCoefficients.size(); ++i) {
-        json["codedCoefficients"][i]["varianceInflation"] =
-            statistics.codedCoefficients[i].varianceInflation;
-    }
-    return json;
+    return {{"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
+            {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
+            {"anova", anovaJson(statistics.anova)},
+            {"leverage", leverageJson(statistics)},
+            {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)},
+            {"droppedTerms", droppedTermsJson(statistics.droppedTerms, inputs)}};
 }

@@ -29,8 +29,8 @@ std::string stationaryPointText(const ResponseSurfaceStatistics& statistics,
 std::string text(const ResponseSurfaceStatistics& statistics,
                  const std::vector<std::string>& inputs);
 
-/** The members "coefficients", "codedCoefficients", "anova", "stationaryPoint" and
- *  "droppedTerms". */
+/** The members "coefficients" and "codedCoefficients" of the terms that are kept, "anova",
+ *  "leverage", "stationaryPoint" and "droppedTerms". */
 SessionJson::Json json(const ResponseSurfaceStatistics& statistics,
                        const std::vector<std::string>& inputs);
 } // namespace StatisticsTables

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -42,8 +43,9 @@ AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squ
     AnovaRow result;
     result.source = source;
     result.degreesOfFreedom = degreesOfFreedom;
-    result.sumOfSquares = squares;
+    // Without a degree of freedom the sum is 0, and what is left of it rounding.
     if (degreesOfFreedom > 0) {
+        result.sumOfSquares = squares;
         result.meanSquare = squares / static_cast<double>(degreesOfFreedom);
     }
     return result;
@@ -78,7 +80,11 @@ struct ResponseSurfaceAnalysis::Curvature
     std::vector<std::size_t> inputs;
     std::vector<double> eigenvalues; // ascending
     std::vector<double> directions;  // a column per eigenvalue
-    std::vector<double> slopes;      // in the middle, one per input that takes part
+    std::vector<double> slopes;      // in the middle, one per eigenvalue
+    double rounding = 0.0;           // eigenvalues and slopes up to this are none
+
+    bool isFlat(std::size_t k) const { return std::fabs(eigenvalues[k]) <= rounding; }
+    bool isAllFlat() const { return isFlat(0) && isFlat(eigenvalues.size() - 1); }
 };
 
 ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
@@ -271,8 +277,46 @@ double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::siz
            2.0 * k * (k + 1.0) / (n - k - 1.0);
 }
 
+std::vector<CaseLeverage> ResponseSurfaceAnalysis::largestLeverages() const
+{
+    constexpr std::size_t most = 5;
+    // Leverages that differ by less are equal but for rounding.
+    constexpr double step = 1e-9;
+
+    const std::vector<double>& leverages = fit.leverages();
+    std::vector<std::size_t> order(leverages.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    const auto isBefore = [&](std::size_t left, std::size_t right) {
+        const double difference =
+            std::round(leverages[left] / step) - std::round(leverages[right] / step);
+        return difference > 0.0 || (difference == 0.0 && left < right);
+    };
+    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(most, order.size()));
+    std::partial_sort(order.begin(), end, order.end(), isBefore);
+    std::vector<CaseLeverage> largest;
+    for (auto position = order.begin(); position != end; ++position) {
+        largest.push_back({fit.sampledRow(*position), leverages[*position]});
+    }
+    return largest;
+}
+
+bool ResponseSurfaceAnalysis::isSecondOrder() const
+{
+    const QuadraticBasis& basis = fit.basis();
+    for (std::size_t term = 1 + basis.inputs(); basis.order() == 2 && term < basis.size(); ++term) {
+        if (fit.isKept(term)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 ResponseSurfaceAnalysis::Curvature ResponseSurfaceAnalysis::curvature() const
 {
+    // What is below either is rounding: of the largest one, and of the output's range.
+    constexpr double ofLargest = 1e-10;
+    constexpr double ofOutput = 1e-12;
+
     const PolynomialUnits units(fit.basis(), fit.inputScales());
     const Vector coded = units.coded(output.coefficients);
     Curvature result;
@@ -281,7 +325,6 @@ ResponseSurfaceAnalysis::Curvature ResponseSurfaceAnalysis::curvature() const
         if (fit.isKept(1 + input)) {
             position[input] = result.inputs.size();
             result.inputs.push_back(input);
-            result.slopes.push_back(coded[1 + input]);
         }
     }
     const std::size_t size = result.inputs.size();
@@ -299,49 +342,53 @@ ResponseSurfaceAnalysis::Curvature ResponseSurfaceAnalysis::curvature() const
     LAPACKE_dsyev(LAPACK_COL_MAJOR, 'V', 'U', static_cast<lapack_int>(size),
                   result.directions.data(), static_cast<lapack_int>(size),
                   result.eigenvalues.data());
+
+    double largest = 0.0;
+    for (std::size_t k = 0; k < size; ++k) {
+        double slope = 0.0;
+        for (std::size_t i = 0; i < size; ++i) {
+            slope += result.directions[k * size + i] * coded[1 + result.inputs[i]];
+        }
+        result.slopes.push_back(slope);
+        largest = std::max({largest, std::fabs(slope), std::fabs(result.eigenvalues[k])});
+    }
+    result.rounding = std::max(ofLargest * largest, ofOutput * output.scale.halfRange());
     return result;
 }
 
-std::optional<StationaryPoint> ResponseSurfaceAnalysis::stationaryPoint() const
+void ResponseSurfaceAnalysis::findStationaryPoint(ResponseSurfaceStatistics& statistics) const
 {
-    // A curvature below either is rounding: of the largest one, and of the output's range.
-    constexpr double ofLargest = 1e-10;
-    constexpr double ofOutput = 1e-12;
-
-    const QuadraticBasis& basis = fit.basis();
-    bool isCurved = false;
-    for (std::size_t term = 1 + basis.inputs(); term < basis.size(); ++term) {
-        isCurved = isCurved || fit.isKept(term);
-    }
-    if (basis.order() < 2 || !isCurved) {
-        return std::nullopt;
+    if (!isSecondOrder()) {
+        return;
     }
     const Curvature curved = curvature();
-    const std::size_t size = curved.inputs.size();
-    const double largest =
-        std::max(std::fabs(curved.eigenvalues.front()), std::fabs(curved.eigenvalues.back()));
-    const double rounding = std::max(ofLargest * largest, ofOutput * output.scale.halfRange());
-    if (largest <= rounding) {
-        return std::nullopt;
+    statistics.isCurved = !curved.isAllFlat();
+    if (statistics.isCurved) {
+        statistics.stationaryPoint = stationaryPoint(curved);
     }
+}
 
+std::optional<StationaryPoint>
+ResponseSurfaceAnalysis::stationaryPoint(const Curvature& curved) const
+{
+    const QuadraticBasis& basis = fit.basis();
+    const std::size_t size = curved.inputs.size();
     StationaryPoint point;
     point.curvatures = curved.eigenvalues;
     Vector coded(basis.inputs(), 0.0);
     bool isFlat = false;
     for (std::size_t k = 0; k < size; ++k) {
-        const double* direction = curved.directions.data() + k * size;
-        if (std::fabs(curved.eigenvalues[k]) <= rounding) {
+        if (curved.isFlat(k)) {
+            if (std::fabs(curved.slopes[k]) > curved.rounding) {
+                return std::nullopt;
+            }
             isFlat = true;
             point.curvatures[k] = 0.0;
             continue;
         }
-        double slope = 0.0;
         for (std::size_t i = 0; i < size; ++i) {
-            slope += direction[i] * curved.slopes[i];
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            coded[curved.inputs[i]] -= slope / (2.0 * curved.eigenvalues[k]) * direction[i];
+            coded[curved.inputs[i]] -=
+                curved.slopes[k] / (2.0 * curved.eigenvalues[k]) * curved.directions[k * size + i];
         }
     }
     using Nature = StationaryPoint::Nature;
@@ -353,19 +400,28 @@ std::optional<StationaryPoint> ResponseSurfaceAnalysis::stationaryPoint() const
     // The coordinate of a bound of the range is 1 up to rounding.
     constexpr double bound = 1.0 + 1e-12;
     point.isInsideData = true;
-    for (std::size_t input = 0; input < basis.inputs(); ++input) {
+    point.coordinates.assign(basis.inputs(), none);
+    for (const std::size_t input : curved.inputs) {
         const ColumnScale& scale = fit.inputScales()[input];
-        point.coordinates.push_back(scale.centre() + coded[input] * scale.halfRange());
+        point.coordinates[input] = scale.centre() + coded[input] * scale.halfRange();
         point.isInsideData = point.isInsideData && std::fabs(coded[input]) <= bound;
     }
+    point.value = output.scale.centre() + valueAt(coded);
+    return point;
+}
+
+/** The polynomial about the middle of the output's range. */
+double ResponseSurfaceAnalysis::valueAt(const Vector& coded) const
+{
+    const QuadraticBasis& basis = fit.basis();
     const Vector estimates = PolynomialUnits(basis, fit.inputScales()).coded(output.coefficients);
+    double sum = 0.0;
     for (std::size_t term = 0; term < basis.size(); ++term) {
         double value = estimates[term];
         for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
             value *= input == QuadraticBasis::noInput ? 1.0 : coded[input];
         }
-        point.value += value;
+        sum += value;
     }
-    point.value += output.scale.centre();
-    return point;
+    return sum;
 }

@@ -43,7 +43,11 @@ public:
      *  NaN, where the cases are too few. @param squares residual sum of squares. */
     static double aicc(double squares, std::size_t cases, std::size_t terms);
 
-    std::optional<StationaryPoint> stationaryPoint() const;
+    /** The largest leverages of all cases, or of the sampled ones. */
+    std::vector<CaseLeverage> largestLeverages() const;
+
+    /** Sets isCurved and stationaryPoint. */
+    void findStationaryPoint(ResponseSurfaceStatistics& statistics) const;
 
 private:
     using Vector = std::vector<double>; // one number per term of the basis
@@ -56,6 +60,9 @@ private:
     double squaresAboutMean(const Vector& combination) const;
     std::vector<double> sequentialSquares() const;
     Curvature curvature() const;
+    bool isSecondOrder() const;
+    std::optional<StationaryPoint> stationaryPoint(const Curvature& curved) const;
+    double valueAt(const Vector& coded) const;
 
     const PolynomialFit& fit;
     const PolynomialFit::Output& output;

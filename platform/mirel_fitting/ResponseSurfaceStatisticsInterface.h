@@ -54,13 +54,22 @@ struct StationaryPoint
         Ridge ///< along some direction there is no curvature: it is no more than one of many
     };
 
-    std::vector<double> coordinates; ///< one per input, in its unit
-    double value = 0.0;              ///< of the polynomial there
+    /** One per input, in its unit; NaN for an input that the polynomial does not have, which may be
+     *  anywhere. */
+    std::vector<double> coordinates;
+    double value = 0.0; ///< of the polynomial there
     Nature nature = Nature::Saddle;
     bool isInsideData = false; ///< inside the ranges of the inputs over the cases
     /** Eigenvalues of the matrix of second-order coefficients in coded inputs, ascending: the
      *  output changes by one of them, times the squared distance, along its direction. */
     std::vector<double> curvatures;
+};
+
+/** How far a fit follows one of its cases. */
+struct CaseLeverage
+{
+    std::size_t row = 0; ///< as given to the model, the first is 0
+    double leverage = 0.0;
 };
 
 /** "minimum", "maximum", "saddle" or "ridge", as texts and documents call it. */
@@ -100,8 +109,16 @@ struct ResponseSurfaceStatistics
     /** One per case: the share of its own output in its prediction. Empty for more than 100 000
      *  cases. */
     std::vector<double> leverages;
-    std::optional<StationaryPoint> stationaryPoint; ///< none if the polynomial is not curved
-    std::vector<std::string> droppedTerms;          ///< all that are not kept
+    double meanLeverage = none; ///< terms / cases
+    /** The five largest at most, the largest first; equal ones in the order of their rows. Of more
+     *  than 100 000 cases those of a random sample. */
+    std::vector<CaseLeverage> largestLeverages;
+    /** Whether the second-order terms count beside rounding. */
+    bool isCurved = false;
+    /** None if the polynomial is not curved, nor if it rises along a direction in which it is not
+     *  curved. */
+    std::optional<StationaryPoint> stationaryPoint;
+    std::vector<std::string> droppedTerms; ///< all that are not kept
 };
 
 /** Ability of a model: the statistics of a fitted polynomial. */

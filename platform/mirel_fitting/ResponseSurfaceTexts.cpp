@@ -30,16 +30,23 @@ std::string probability(double p)
     return p < smallest ? "p < 0.0001" : "p " + figure(p, 3);
 }
 
-std::string coefficientLines(const std::vector<CoefficientStatistics>& coefficients)
+std::string coefficientLines(const std::vector<CoefficientStatistics>& coefficients, bool isCoded)
 {
     std::string text;
     for (const CoefficientStatistics& one : coefficients) {
-        if (!std::isnan(one.p)) {
-            const bool isConstant = one.term == "1";
-            text += (isConstant ? "Intercept" : "Coefficient of " + one.term) + ": " +
-                    figure(one.estimate) + ", standard error " + figure(one.standardError) +
-                    ", t " + figure(one.t, 4) + ", " + probability(one.p) + "\n";
+        if (std::isnan(one.p)) {
+            continue;
         }
+        const bool isConstant = one.term == "1";
+        const std::string name = isConstant ? "Intercept" : "Coefficient of " + one.term;
+        text += name + (isCoded ? ", inputs coded" : "") + ": " + figure(one.estimate) +
+                ", standard error " + figure(one.standardError) + ", t " + figure(one.t, 4) + ", " +
+                probability(one.p) + ", 95 % limits " + figure(one.lower) + " and " +
+                figure(one.upper);
+        if (isCoded && !isConstant) {
+            text += ", variance inflation " + figure(one.varianceInflation, 4);
+        }
+        text += "\n";
     }
     return text;
 }
@@ -48,30 +55,53 @@ std::string anovaLines(const std::vector<AnovaRow>& anova)
 {
     std::string text;
     for (const AnovaRow& row : anova) {
-        if (std::isnan(row.p)) {
+        if (row.degreesOfFreedom == 0) {
             continue;
         }
-        const std::string error = row.source == "Lack of fit" ? "Pure error" : "Residual";
-        const auto against = std::find_if(anova.begin(), anova.end(), [&](const AnovaRow& other) {
-            return other.source == error;
-        });
-        text += row.source + ": F " + figure(row.f, 4) + " on " +
-                std::to_string(row.degreesOfFreedom) + " and " +
-                std::to_string(against->degreesOfFreedom) + " degrees of freedom, " +
-                probability(row.p) + "\n";
+        text += row.source + ": sum of squares " + figure(row.sumOfSquares) + " on " +
+                std::to_string(row.degreesOfFreedom) +
+                (row.degreesOfFreedom == 1 ? " degree of freedom" : " degrees of freedom");
+        if (!std::isnan(row.p)) {
+            text += ", F " + figure(row.f, 4) + ", " + probability(row.p);
+        }
+        text += "\n";
     }
     return text;
 }
 
-std::string stationaryLine(const StationaryPoint& point)
+/** Cases are counted from 1. */
+std::string leverageLine(const ResponseSurfaceStatistics& statistics)
 {
-    std::string text = std::string("Stationary point: ") + natureName(point.nature) + " of " +
-                       figure(point.value) + " at ";
-    for (std::size_t input = 0; input < point.coordinates.size(); ++input) {
-        text += (input == 0 ? "V" : ", V") + std::to_string(input + 1) + " = " +
-                figure(point.coordinates[input]);
+    std::string text = "Leverage: mean " + figure(statistics.meanLeverage, 4);
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        text += (&one == &statistics.largestLeverages.front() ? ", largest " : ", ") +
+                figure(one.leverage, 4) + " of case " + std::to_string(one.row + 1);
     }
-    return text + (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
+    return text + "\n";
+}
+
+std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
+{
+    if (!statistics.stationaryPoint) {
+        return statistics.isCurved ? "Stationary point: none, the polynomial rises along a "
+                                     "direction in which it is not curved\n"
+                                   : "Stationary point: none, the polynomial is not curved\n";
+    }
+    const StationaryPoint& point = *statistics.stationaryPoint;
+    std::string place;
+    std::vector<std::string> anywhere;
+    for (std::size_t input = 0; input < point.coordinates.size(); ++input) {
+        const std::string name = "V" + std::to_string(input + 1);
+        if (std::isnan(point.coordinates[input])) {
+            anywhere.push_back(name);
+        } else {
+            place += (place.empty() ? "" : ", ") + name + " = " + figure(point.coordinates[input]);
+        }
+    }
+    return std::string("Stationary point: ") + natureName(point.nature) + " of " +
+           figure(point.value) + " at " + place +
+           (anywhere.empty() ? "" : ", any " + ResponseSurfaceTexts::list(anywhere)) +
+           (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
 }
 
 /** How much a term of the inputs as they are varies over the cases. */
@@ -233,9 +263,9 @@ std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const FitMet
         text += line("AICc", statistics.aicc, "");
     }
     text += anovaLines(statistics.anova);
-    text += coefficientLines(statistics.coefficients);
-    if (statistics.stationaryPoint) {
-        text += stationaryLine(*statistics.stationaryPoint);
-    }
+    text += coefficientLines(statistics.coefficients, false);
+    text += coefficientLines(statistics.codedCoefficients, true);
+    text += leverageLine(statistics);
+    text += stationaryLine(statistics);
     return text;
 }

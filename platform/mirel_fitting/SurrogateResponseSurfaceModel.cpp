@@ -374,7 +374,10 @@ SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double leve
     if (fit.sampledCount() == fit.cases()) {
         statistics.leverages = fit.leverages();
     }
-    statistics.stationaryPoint = analysis.stationaryPoint();
+    statistics.meanLeverage =
+        static_cast<double>(fit.keptCount()) / static_cast<double>(fit.cases());
+    statistics.largestLeverages = analysis.largestLeverages();
+    analysis.findStationaryPoint(statistics);
     for (const CoefficientStatistics& coefficient : statistics.coefficients) {
         if (!coefficient.isKept) {
             statistics.droppedTerms.push_back(coefficient.term);

@@ -88,10 +88,13 @@ TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
     EXPECT_EQ(keysOf(json["outputs"][0]),
-              (Keys{"anova", "codedCoefficients", "coefficients", "droppedTerms", "metrics", "name",
-                    "stationaryPoint", "warnings"}));
+              (Keys{"anova", "codedCoefficients", "coefficients", "droppedTerms", "leverage",
+                    "metrics", "name", "stationaryPoint", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
-              (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "rmse"}));
+              (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
+                    "rmse", "terms"}));
+    EXPECT_EQ(json["outputs"][0]["metrics"]["terms"], 6);
+    EXPECT_EQ(json["outputs"][0]["metrics"]["residualDegreesOfFreedom"], 5);
     EXPECT_EQ(json["outputs"][1]["name"], "Stress");
     EXPECT_EQ(keysOf(json["seconds"]), (Keys{"evaluate", "fit", "read"}));
     EXPECT_EQ(json["seconds"]["read"], 0.25);
@@ -164,7 +167,9 @@ TEST(SessionReport, FitTextTellsMetricsAndModel)
               0u)
         << text;
     EXPECT_NE(text.find("\n  residual degrees of freedom  5\n"
-                        "  coefficients                 6\n"),
+                        "  coefficients                 6\n"
+                        "  mean leverage                0.545455\n"
+                        "  largest leverages            0.625 of case 3, 0.625 of case 4, "),
               std::string::npos)
         << text;
 }

@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -58,6 +59,54 @@ TEST(StatisticsTables, JsonListsTheCoefficientsInTheOrderOfTheEquation)
                                                "Pressure * H2/WF6", "H2/WF6^2"}));
     EXPECT_EQ(output["codedCoefficients"].size(), 6u);
     EXPECT_TRUE(output["codedCoefficients"][1].contains("varianceInflation"));
+}
+
+TEST(StatisticsTables, JsonHasDroppedTermsInAListOfTheirOwn)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    const Json output =
+        outputOf(CaseSession(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface));
+
+    for (const char* list : {"coefficients", "codedCoefficients"}) {
+        std::vector<std::string> terms;
+        for (const Json& one : output[list]) {
+            terms.push_back(one["term"]);
+        }
+        EXPECT_EQ(terms, (std::vector<std::string>{"1", "V1", "V1^2"})) << list;
+    }
+    EXPECT_EQ(output["droppedTerms"], Json::parse(R"([
+        {"term": "V2", "name": "H2/WF6"},
+        {"term": "V1 V2", "name": "Pressure * H2/WF6"},
+        {"term": "V2^2", "name": "H2/WF6^2"}])"));
+    EXPECT_EQ(output["metrics"]["terms"], 3);
+}
+
+TEST(StatisticsTables, LeveragesAreThoseOfTheCasesOfTheFile)
+{
+    const Json all = outputOf(cvdSession(CaseSession::ResponseSurface))["leverage"];
+    const Json others = outputOf(cvdSession(CaseSession::ResponseSurface, {0, 1, 2}))["leverage"];
+
+    EXPECT_DOUBLE_EQ(all["mean"].get<double>(), 6.0 / 11.0);
+    ASSERT_EQ(all["largest"].size(), 5u);
+    EXPECT_EQ(all["largest"][0]["case"], 3);
+    for (const Json& one : others["largest"]) {
+        EXPECT_GT(one["case"], 3);
+    }
+}
+
+TEST(StatisticsTables, AnInputThatIsLeftOutMayBeAnywhereAtTheStationaryPoint)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const Json point =
+        Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["stationaryPoint"];
+    EXPECT_TRUE(point["coordinates"][0].is_number());
+    EXPECT_TRUE(point["coordinates"][1].is_null());
+    EXPECT_NE(SessionReport::fitText(session).find(", any H2/WF6, "), std::string::npos)
+        << SessionReport::fitText(session);
 }
 
 TEST(StatisticsTables, JsonHasTheAnalysisOfVariance)

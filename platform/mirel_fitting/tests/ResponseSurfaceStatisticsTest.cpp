@@ -367,6 +367,36 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
               "cases, and none is left to tell the error by.");
 }
 
+TEST(ResponseSurfaceStatistics, HasNoSumOfSquaresWithoutDegreesOfFreedom)
+{
+    const ResponseSurfaceStatistics statistics = statisticsOf(twoInputs(6, 1.0));
+
+    const AnovaRow& residual = statistics.anova[4];
+    ASSERT_EQ(residual.source, "Residual");
+    EXPECT_EQ(residual.degreesOfFreedom, 0u);
+    EXPECT_TRUE(std::isnan(residual.sumOfSquares));
+    EXPECT_TRUE(std::isnan(residual.meanSquare));
+}
+
+TEST(ResponseSurfaceStatistics, TellsWhichCasesHaveTheLargestLeverages)
+{
+    // About their mean of 2 the cases are -2, -2, -1, -1, 6 apart, squares 46: 1 / 5 + square / 46.
+    const ResponseSurfaceStatistics statistics =
+        statisticsOf({{{0, 0, 1, 1, 8}}, {{3, 1, 2, 5, 4}}}, 1);
+
+    EXPECT_DOUBLE_EQ(statistics.meanLeverage, 0.4);
+    ASSERT_EQ(statistics.largestLeverages.size(), 5u);
+    const std::size_t rows[] = {4, 0, 1, 2, 3};
+    const double leverages[] = {0.2 + 36.0 / 46.0, 0.2 + 4.0 / 46.0, 0.2 + 4.0 / 46.0,
+                                0.2 + 1.0 / 46.0, 0.2 + 1.0 / 46.0};
+    for (std::size_t k = 0; k < 5; ++k) {
+        EXPECT_EQ(statistics.largestLeverages[k].row, rows[k]);
+        EXPECT_NEAR(statistics.largestLeverages[k].leverage, leverages[k], 1e-14);
+    }
+    EXPECT_EQ(statisticsOf(twoInputs(40, 1.0)).largestLeverages.size(), 5u);
+    EXPECT_EQ(statisticsOf(twoInputs(3, 1.0)).largestLeverages.size(), 3u);
+}
+
 TEST(ResponseSurfaceStatistics, ListsTermsThatAreNotKeptWithoutFigures)
 {
     Cases cases = twoInputs(40, 1.0);
@@ -378,8 +408,6 @@ TEST(ResponseSurfaceStatistics, ListsTermsThatAreNotKeptWithoutFigures)
     EXPECT_FALSE(statistics.coefficients[1].isKept);
     EXPECT_EQ(statistics.coefficients[1].estimate, 0.0);
     EXPECT_TRUE(std::isnan(statistics.coefficients[1].standardError));
-    ASSERT_TRUE(statistics.stationaryPoint.has_value());
-    EXPECT_EQ(statistics.stationaryPoint->coordinates[0], 5.0);
 }
 
 TEST(ResponseSurfaceStationaryPoint, IsAMinimumInsideTheData)
@@ -430,6 +458,25 @@ TEST(ResponseSurfaceStationaryPoint, IsARidgeWhereADirectionHasNoCurvature)
     // The point of the ridge that is nearest to the middle.
     EXPECT_NEAR(point->coordinates[0], 4.0, 1e-11);
     EXPECT_NEAR(point->coordinates[1], 4.0, 1e-11);
+}
+
+TEST(ResponseSurfaceStationaryPoint, LeavesOutAnInputThatThePolynomialDoesNotHave)
+{
+    Cases cases = twoInputs(40, 1.0);
+    std::fill(cases.inputs[0].begin(), cases.inputs[0].end(), 5.0);
+    const ResponseSurfaceStatistics statistics = statisticsOf(cases);
+
+    ASSERT_TRUE(statistics.stationaryPoint.has_value());
+    EXPECT_TRUE(std::isnan(statistics.stationaryPoint->coordinates[0]));
+    EXPECT_TRUE(std::isfinite(statistics.stationaryPoint->coordinates[1]));
+    EXPECT_TRUE(std::isfinite(statistics.stationaryPoint->value));
+}
+
+TEST(ResponseSurfaceStationaryPoint, IsNoneWhereTheFunctionRisesWithoutCurvature)
+{
+    EXPECT_FALSE(stationaryPointOf([](double x, double y) {
+                     return (x - 4.0) * (x - 4.0) + y;
+                 }).has_value());
 }
 
 TEST(ResponseSurfaceStationaryPoint, IsNoneOfALinearFunction)
