@@ -133,11 +133,9 @@ PolynomialPredictor polynomialOf(const Description& description)
     output.constant = description.offset;
     output.coefficients.assign(basis.size(), 0.0);
     for (const Description::Term& term : description.terms) {
-        // The squares and products of the inputs before `first` take inputs - i places each.
         std::size_t position = 0;
         if (term.second != noFactor) {
-            const std::size_t i = term.first;
-            position = 1 + inputs + i * inputs - i * (i + 1) / 2 + term.second;
+            position = basis.productOf(term.first, term.second);
         } else if (term.first != noFactor) {
             position = 1 + term.first;
         } else {

@@ -1,5 +1,9 @@
 #include <mirel_fitting/PolynomialPredictor.h>
 
+#include <mirel_fitting/GridPoints.h>
+#include <mirel_fitting/PolynomialGrid.h>
+#include <mirel_fitting/SimdLanes.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -8,26 +12,22 @@ namespace {
 /** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
 constexpr std::size_t pointsPerBlock = 256;
 
-} // namespace
-
-PolynomialPredictor::PolynomialPredictor(const QuadraticBasis& basis, std::vector<Scale> scales,
-                                         std::vector<Output> outputs)
-    : polynomial(basis), scales(std::move(scales)), fits(std::move(outputs))
-{}
+/** Fewer points are evaluated before a grid among them has been looked for. */
+constexpr std::size_t fewestOfGrid = 1024;
 
 /** values = sum over i of z_i (b_i + sum over j >= i of b_ij z_j), without the constant. */
-void PolynomialPredictor::evaluate(const std::vector<double>& coefficients,
-                                   const double* scaledInputs, double* values) const
+SURROGATE_SIMD void evaluate(const QuadraticBasis& basis, const std::vector<double>& coefficients,
+                             const double* scaledInputs, double* values)
 {
     double slope[pointsPerBlock];
-    std::size_t product = 1 + polynomial.inputs();
+    std::size_t product = 1 + basis.inputs();
     std::fill_n(values, pointsPerBlock, 0.0);
-    if (polynomial.order() == 0) {
+    if (basis.order() == 0) {
         return;
     }
-    for (std::size_t i = 0; i < polynomial.inputs(); ++i) {
+    for (std::size_t i = 0; i < basis.inputs(); ++i) {
         std::fill_n(slope, pointsPerBlock, coefficients[1 + i]);
-        for (std::size_t j = i; polynomial.order() == 2 && j < polynomial.inputs(); ++j) {
+        for (std::size_t j = i; basis.order() == 2 && j < basis.inputs(); ++j) {
             const double coefficient = coefficients[product++];
             const double* z = scaledInputs + j * pointsPerBlock;
             for (std::size_t k = 0; k < pointsPerBlock; ++k) {
@@ -41,16 +41,61 @@ void PolynomialPredictor::evaluate(const std::vector<double>& coefficients,
     }
 }
 
+} // namespace
+
+PolynomialPredictor::PolynomialPredictor(const QuadraticBasis& basis, std::vector<Scale> scales,
+                                         std::vector<Output> outputs)
+    : polynomial(basis), scales(std::move(scales)), fits(std::move(outputs))
+{}
+
 void PolynomialPredictor::predict(const std::vector<double*>& inputs,
                                   const std::vector<std::size_t>& wanted,
                                   const std::vector<double*>& results, std::size_t count) const
+{
+    if (count < fewestOfGrid) {
+        predictScattered(inputs, 0, count, wanted, results);
+        return;
+    }
+    const GridPoints points(inputs, count);
+    for (const ProductGrid& grid : points.grids()) {
+        if (PolynomialGrid::isWorthwhile(grid, inputs.size())) {
+            predictGrid(points.columns(), grid, wanted, results);
+        } else {
+            predictScattered(points.columns(), grid.firstRow(), grid.rowCount(), wanted, results);
+        }
+    }
+    for (double* result : results) {
+        points.markFilled(result);
+    }
+}
+
+void PolynomialPredictor::predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                                      const std::vector<std::size_t>& wanted,
+                                      const std::vector<double*>& results) const
+{
+    // What is held per value of an axis stays below ten megabytes.
+    constexpr std::size_t mostValues = std::size_t{1} << 17;
+
+    for (const ProductGrid& part : grid.cut(mostValues)) {
+        const PolynomialGrid polynomials(*this, columns, part);
+        for (std::size_t w = 0; w < wanted.size(); ++w) {
+            polynomials.predict(fits[wanted[w]], results[w] + part.firstRow());
+        }
+    }
+}
+
+void PolynomialPredictor::predictScattered(const std::vector<double*>& inputs, std::size_t first,
+                                           std::size_t count,
+                                           const std::vector<std::size_t>& wanted,
+                                           const std::vector<double*>& results) const
 {
     // A last block that is not full is evaluated like a full one, at points that nobody sees.
     std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
     double notFinite[pointsPerBlock];
     double values[pointsPerBlock];
-    for (std::size_t start = 0; start < count; start += pointsPerBlock) {
-        const std::size_t points = std::min(pointsPerBlock, count - start);
+    const std::size_t last = first + count;
+    for (std::size_t start = first; start < last; start += pointsPerBlock) {
+        const std::size_t points = std::min(pointsPerBlock, last - start);
         std::fill_n(notFinite, pointsPerBlock, 0.0);
         for (std::size_t input = 0; input < inputs.size(); ++input) {
             const double* column = inputs[input] + start;
@@ -65,7 +110,7 @@ void PolynomialPredictor::predict(const std::vector<double*>& inputs,
         }
         for (std::size_t w = 0; w < wanted.size(); ++w) {
             const Output& output = fits[wanted[w]];
-            evaluate(output.coefficients, scaledInputs.data(), values);
+            evaluate(polynomial, output.coefficients, scaledInputs.data(), values);
             for (std::size_t k = 0; k < points; ++k) {
                 results[w][start + k] = output.constant + values[k] + notFinite[k];
             }

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+class ProductGrid;
+
 /** Evaluates fitted polynomials of the same terms: y(x) = constant + sum of b_t t(z). */
 class PolynomialPredictor
 {
@@ -33,7 +35,8 @@ public:
     const std::vector<Output>& outputs() const { return fits; }
 
     /**
-     * A point with a coordinate that is not finite gets NaN.
+     * Grids among the points are recognised and evaluated as such (PolynomialGrid). A point with a
+     * coordinate that is not finite gets NaN.
      * @param inputs  one array of `count` values per input, borrowed for the call.
      * @param wanted  positions in outputs().
      * @param results one array of `count` values for each of them.
@@ -42,8 +45,12 @@ public:
                  const std::vector<double*>& results, std::size_t count) const;
 
 private:
-    void evaluate(const std::vector<double>& coefficients, const double* scaledInputs,
-                  double* values) const;
+    void predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                     const std::vector<std::size_t>& wanted,
+                     const std::vector<double*>& results) const;
+    void predictScattered(const std::vector<double*>& inputs, std::size_t first, std::size_t count,
+                          const std::vector<std::size_t>& wanted,
+                          const std::vector<double*>& results) const;
 
     QuadraticBasis polynomial;
     std::vector<Scale> scales;

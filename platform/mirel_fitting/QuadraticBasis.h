@@ -46,6 +46,13 @@ public:
     std::size_t size() const { return termList.size(); }
     const std::vector<Term>& terms() const { return termList; }
 
+    /** The position of the product of two inputs, first <= second, in a basis of order 2. */
+    std::size_t productOf(std::size_t first, std::size_t second) const
+    {
+        // The products of the inputs before `first` take inputs - i places each.
+        return 1 + inputCount + first * inputCount - first * (first + 1) / 2 + second;
+    }
+
     /** "1", "V1", "V1^2", "V1 V2". */
     std::string name(std::size_t term) const;
 
