@@ -176,8 +176,7 @@ void runPlot(const CommandLine& line)
 {
     PlotCommand::check(line);
     OpenSession open(line);
-    open.chooseValues(line);
-    PlotCommand::check(line, open.session);
+    PlotCommand::chooseValues(line, open);
     PlotCommand::run(line, open.session);
     open.save(line);
     note(line, SessionReport::notes(open.session));

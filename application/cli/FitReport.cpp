@@ -31,6 +31,16 @@ void addPictures(const std::string& kind, CaseSession& session, Pictures& pictur
         }
     }
 }
+
+void addSweeps(CaseSession& session, Pictures& pictures)
+{
+    const std::vector<std::vector<PictureData>> made = pictureLibrary().reportSweeps(session);
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        for (const PictureData& picture : made[i]) {
+            pictures[i].push_back(pictureLibrary().inlineSvg(picture, PictureSize()));
+        }
+    }
+}
 } // namespace
 
 void writeFitReport(CaseSession& session, const std::string& path)
@@ -41,5 +51,6 @@ void writeFitReport(CaseSession& session, const std::string& path)
     if (session.modelType() == CaseSession::ResponseSurface) {
         addPictures("coefficients", session, pictures);
     }
+    addSweeps(session, pictures);
     writeText(path, HtmlReport::text(session, pictures));
 }

@@ -78,7 +78,8 @@ Values (evaluate, plot)
 
 Report (fit)
   --report FILE.html   also writes a page with the figures, statistics, equations and pictures of
-                   each output, which stands alone and can be printed
+                   each output, sweeps of its six most important inputs among them, which stands
+                   alone and can be printed
 
 Intervals (evaluate, predict)
   --interval P     two columns more after the one of each output, "NAME lower" and "NAME upper":
@@ -86,10 +87,12 @@ Intervals (evaluate, predict)
                    noise included, if the model is right. Empty where the cases are too few to tell
 
 Pictures (plot)
-  --kind sweep     the model along one input (--count or --sweep), with a band of 1.96 standard
-                   errors and the cases near: those whose other inputs lie within 10 % of their
-                   range of where they are held
+  --kind sweep     the model along one input, with the band in which it lies with 95 percent
+                   probability by its standard errors, and the cases near: those whose other
+                   inputs lie within 10 % of their range of where they are held
   --kind contour   the model over two inputs, the first one to the right
+                   Here --sweep NAME alone sweeps over the range; inputs that nothing is said
+                   about are swept by themselves if no other ones are left
   --kind actual    each case as a fit to the other cases predicts it, against its actual value
   --kind residuals the differences of the two, against the predictions
   --kind coefficients   those of a response surface for inputs coded to -1 and 1, the largest

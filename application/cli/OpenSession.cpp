@@ -242,6 +242,11 @@ public:
           isTaken(inputs.size())
     {}
 
+    bool isInput(const std::string& name) const
+    {
+        return std::find(inputs.begin(), inputs.end(), name) != inputs.end();
+    }
+
     /** The input and the value of a text NAME=VALUE; each input may come once. */
     std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
     {
@@ -281,10 +286,14 @@ OpenSession::OpenSession(const CommandLine& line)
     }
 }
 
-void OpenSession::chooseValues(const CommandLine& line)
+void OpenSession::chooseValues(const CommandLine& line, std::size_t usualCount)
 {
     InputFinder inputs(session);
     for (const std::string& text : line.sweeps) {
+        if (usualCount > 0 && inputs.isInput(text)) {
+            session.sweepEvenly(inputs.find("--sweep", text + '=').first, usualCount);
+            continue;
+        }
         const auto [input, value] = inputs.find("--sweep", text);
         session.sweep(input, value);
     }
@@ -296,6 +305,7 @@ void OpenSession::chooseValues(const CommandLine& line)
     for (const std::string& text : line.values) {
         const auto [input, value] = inputs.find("--at", text);
         session.stayAt(input, value);
+        held.push_back(input);
     }
 }
 

@@ -16,9 +16,12 @@ struct OpenSession
      */
     explicit OpenSession(const CommandLine& line);
 
-    /** Gives the inputs the values of --sweep, --count and --at.
-     *  @throw UsageError, DistributionTextError */
-    void chooseValues(const CommandLine& line);
+    /**
+     * Gives the inputs the values of --sweep, --count and --at.
+     * @param usualCount values that --sweep NAME stands for; 0: the option needs them.
+     * @throw UsageError, DistributionTextError
+     */
+    void chooseValues(const CommandLine& line, std::size_t usualCount = 0);
 
     /** Keeps what was chosen, if --save asks for it: once the work with it has gone well. */
     void save(const CommandLine& line) const;
@@ -26,4 +29,5 @@ struct OpenSession
     std::chrono::steady_clock::time_point start; ///< of reading
     CaseSession session;
     double readSeconds;
+    std::vector<std::size_t> held; ///< the inputs that --at names, by their positions
 };

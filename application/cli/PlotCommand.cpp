@@ -1,6 +1,7 @@
 #include "PlotCommand.h"
 
 #include "CommandLine.h"
+#include "OpenSession.h"
 #include "PictureLibrary.h"
 #include "TerminalProgress.h"
 
@@ -22,9 +23,12 @@ void PlotCommand::check(const CommandLine& line)
     }
 }
 
-void PlotCommand::check(const CommandLine& line, const CaseSession& session)
+void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
 {
-    pictureLibrary().check(line.kind, session);
+    const PictureService& pictures = pictureLibrary();
+    open.chooseValues(line, pictures.usualValues(line.kind));
+    pictures.sweepWhatIsLeft(line.kind, open.session, open.held);
+    pictures.check(line.kind, open.session);
 }
 
 void PlotCommand::run(const CommandLine& line, CaseSession& session)

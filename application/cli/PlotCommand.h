@@ -1,6 +1,7 @@
 #pragma once
 
 struct CommandLine;
+struct OpenSession;
 class CaseSession;
 
 /** The command plot: what there is to do beside opening the cases and choosing values. */
@@ -8,8 +9,10 @@ namespace PlotCommand {
 /** Finds faults of the command line before anything is read. @throw UsageError */
 void check(const CommandLine& line);
 
-/** Finds faults that only the cases show, before the fit. @throw UsageError */
-void check(const CommandLine& line, const CaseSession& session);
+/** Gives the inputs the values asked for and, where they are all that is left, the usual ones.
+ *  Finds faults that only the cases show, before the fit.
+ *  @throw UsageError, DistributionTextError */
+void chooseValues(const CommandLine& line, OpenSession& open);
 
 /** Draws the picture and writes its file. @throw UsageError, FileError,
  *  SurrogateModelInterface::Error */

@@ -24,6 +24,17 @@ public:
         sizeOf(size);
     }
 
+    void sweepWhatIsLeft(const std::string& kind, CaseSession& session,
+                         const std::vector<std::size_t>& held) const override
+    {
+        SessionPictures::sweepWhatIsLeft(SessionPictures::kindOf(kind), session, held);
+    }
+
+    std::size_t usualValues(const std::string& kind) const override
+    {
+        return SessionPictures::usualValues(SessionPictures::kindOf(kind));
+    }
+
     void check(const std::string& kind, const CaseSession& session) const override
     {
         SessionPictures::check(SessionPictures::kindOf(kind), session);
@@ -32,6 +43,11 @@ public:
     std::vector<PictureData> make(const std::string& kind, CaseSession& session) const override
     {
         return SessionPictures::make(SessionPictures::kindOf(kind), session);
+    }
+
+    std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session) const override
+    {
+        return SessionPictures::reportSweeps(session);
     }
 
     void write(std::vector<PictureData> pictures, const std::optional<std::string>& size,

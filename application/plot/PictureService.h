@@ -5,6 +5,7 @@
 
 #include <surrogate_plot/Export.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,11 +27,19 @@ public:
     virtual void check(const std::string& kind, const std::optional<std::string>& size,
                        const std::string& path) const = 0;
 
+    /** As SessionPictures::sweepWhatIsLeft() and usualValues(). */
+    virtual void sweepWhatIsLeft(const std::string& kind, CaseSession& session,
+                                 const std::vector<std::size_t>& held) const = 0;
+    virtual std::size_t usualValues(const std::string& kind) const = 0;
+
     /** As SessionPictures::check(). */
     virtual void check(const std::string& kind, const CaseSession& session) const = 0;
 
     /** As SessionPictures::make(). */
     virtual std::vector<PictureData> make(const std::string& kind, CaseSession& session) const = 0;
+
+    /** As SessionPictures::reportSweeps(). */
+    virtual std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session) const = 0;
 
     /** One file of all pictures, as Picture::write(). */
     virtual void write(std::vector<PictureData> pictures, const std::optional<std::string>& size,

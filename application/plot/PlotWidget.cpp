@@ -79,6 +79,33 @@ QVector<QPointF> points(const std::vector<double>& x, const std::vector<double>&
     }
     return result;
 }
+
+/** Of a product each factor is cut for itself, so that both can be told; a square keeps its power.
+ */
+QString elidedTerm(const QString& name, const QFontMetricsF& metrics, double room)
+{
+    const QString times = QStringLiteral(" \u00d7 ");
+    const QString squared = QStringLiteral("\u00b2");
+    const auto width = [&](const QString& text) {
+        return metrics.size(Qt::TextSingleLine, text).width();
+    };
+    const auto elided = [&](const QString& text, double most) {
+        return metrics.elidedText(text, Qt::ElideMiddle, most);
+    };
+    const QStringList factors = name.split(times);
+    if (width(name) <= room || factors.size() > 2) {
+        return elided(name, room);
+    }
+    if (factors.size() == 1) {
+        return name.endsWith(squared) ? elided(name.chopped(1), room - width(squared)) + squared
+                                      : elided(name, room);
+    }
+    const double both = room - width(times);
+    const double least = std::min(width(factors[0]), width(factors[1]));
+    const double larger = std::max(both / 2.0, both - least);
+    return elided(factors[0], larger) + times + elided(factors[1], larger);
+}
+
 /** Where in its range a value lies, in places. */
 qint64 placeOf(double value, double least, double width)
 {
@@ -418,7 +445,7 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
     };
     for (int i = 0; i < count; ++i) {
         const CoefficientPicture::Term& term = picture.terms[static_cast<std::size_t>(i)];
-        names.append(metrics.elidedText(shown(term.name), Qt::ElideMiddle, nameRoom));
+        names.append(elidedTerm(shown(term.name), metrics, nameRoom));
         ticks.append(i);
         estimates.append(QPointF(term.estimate, i));
         xRange |= term.estimate;

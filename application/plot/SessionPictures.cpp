@@ -12,6 +12,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
 #include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -41,8 +42,17 @@ constexpr double nearShare = 0.1;
 /** Likewise: the ends of an even sweep are the range of the input but for rounding. */
 constexpr double roundingShare = 1e-9;
 
-/** 95 % of a normal distribution lie within so many standard errors. */
-constexpr double bandErrors = 1.96;
+/** The probability with which the model lies in the band of a sweep. */
+constexpr double bandLevel = 0.95;
+
+/** Of an even sweep that nobody has said a number for: enough for a smooth line. */
+constexpr std::size_t sweepValues = 101;
+
+/** Likewise of each input of a contour. */
+constexpr std::size_t contourValues = 61;
+
+/** So many inputs are swept for a report: those that matter most. */
+constexpr std::size_t mostReportSweeps = 6;
 
 /** More would fill the picture with numbers. */
 constexpr std::size_t mostHeldInputs = 6;
@@ -105,10 +115,19 @@ void requireDrawable(const std::vector<double>& values, const std::string& what)
 class Cut
 {
 public:
+    /** Over the values that the session chooses. */
     explicit Cut(CaseSession& session)
         : session(session), swept(session.sweptInputs()), table(session.evaluate()),
           cases(fittedCases(session))
     {}
+
+    /** Over the range of one input, the others in the middle of theirs. */
+    Cut(CaseSession& session, std::size_t input)
+        : session(session), swept({input}), table(sweepThroughTheMiddle(session, input)),
+          cases(fittedCases(session))
+    {}
+
+    const std::vector<std::size_t>& sweptInputs() const { return swept; }
 
     std::size_t count() const { return static_cast<std::size_t>(table->GetNumberOfRows()); }
 
@@ -175,7 +194,7 @@ public:
                 continue;
             }
             held += (held.empty() ? "" : ", ") + shortName(nameOf(session.inputs()[i])) + " = " +
-                    numberText(count() > 0 ? *input(i) : 0.0);
+                    shortNumber(count() > 0 ? *input(i) : 0.0);
             ++shown;
         }
         if (held.empty()) {
@@ -197,6 +216,43 @@ private:
         const int most = static_cast<int>(longestCaptionName);
         return text.size() <= most ? text.toStdString()
                                    : (text.left(most - 1) + QChar(0x2026)).toStdString();
+    }
+
+    /** As it was typed, unless nobody would type so many digits. */
+    static std::string shortNumber(double number)
+    {
+        constexpr std::size_t longest = 10;
+        const std::string text = numberText(number);
+        return text.size() <= longest ? text : shownNumber(number);
+    }
+
+    /** As evaluate() makes it. What the session evaluated last stays what it is. */
+    static vtkSmartPointer<vtkTable> sweepThroughTheMiddle(CaseSession& session, std::size_t input)
+    {
+        const auto table = vtkSmartPointer<vtkTable>::New();
+        const auto add = [&] {
+            const auto column = vtkSmartPointer<vtkDoubleArray>::New();
+            column->SetNumberOfValues(sweepValues);
+            table->AddColumn(column);
+            return column->GetPointer(0);
+        };
+        std::vector<double*> points;
+        for (std::size_t i = 0; i < session.inputs().size(); ++i) {
+            const auto [least, most] = session.inputs()[i].lock()->range();
+            points.push_back(add());
+            for (std::size_t row = 0; row < sweepValues; ++row) {
+                const double share =
+                    i == input ? static_cast<double>(row) / (sweepValues - 1.0) : 0.5;
+                points.back()[row] = (1.0 - share) * least + share * most;
+            }
+        }
+        const SurrogateModelInterface& model = session.fit();
+        for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+            std::vector<double*> values = {add()};
+            model.interpolateDependentValues(points, {offsetOf(session, output)}, values,
+                                             sweepValues);
+        }
+        return table;
     }
 
     double* column(std::size_t position) const
@@ -235,58 +291,70 @@ void requireTwoValues(std::size_t values, const VarPtr& input)
     }
 }
 
-/** Model minus and plus its standard errors; empty without them. */
+/**
+ * Between which values the model lies, by its standard errors: by Student's t for a response
+ * surface, as its confidence limits are. Empty without them.
+ */
 void addBand(CaseSession& session, const Cut& cut, std::size_t output,
              const std::vector<std::size_t>& order, SweepPicture& picture)
 {
     const auto* const model = dynamic_cast<const StandardErrorInterface*>(&session.fit());
-    if (model == nullptr) {
+    const auto* const intervals = dynamic_cast<const PredictionIntervalInterface*>(&session.fit());
+    if (model == nullptr || intervals == nullptr) {
         return;
     }
+    const int offset = offsetOf(session, output);
     std::vector<double> errors(cut.count());
     std::vector<double*> columns = {errors.data()};
-    model->standardErrors(cut.points(), {offsetOf(session, output)},
-                          StandardErrorInterface::Kind::Mean, columns, errors.size());
+    model->standardErrors(cut.points(), {offset}, StandardErrorInterface::Kind::Mean, columns,
+                          errors.size());
     errors = chosen(errors, order);
     if (!std::all_of(errors.begin(), errors.end(),
                      [](double error) { return std::isfinite(error); })) {
         // As many cases as coefficients leave nothing to estimate an error from.
         return;
     }
+    const double quantile = intervals->intervalQuantile(offset, bandLevel);
     for (std::size_t i = 0; i < errors.size(); ++i) {
-        picture.lower.push_back(picture.model[i] - bandErrors * errors[i]);
-        picture.upper.push_back(picture.model[i] + bandErrors * errors[i]);
+        picture.lower.push_back(picture.model[i] - quantile * errors[i]);
+        picture.upper.push_back(picture.model[i] + quantile * errors[i]);
     }
-    picture.bandLabel = "\302\261 1.96 standard errors";
+    constexpr int digits = 3;
+    picture.bandLabel =
+        "\302\261 " + shownNumber(quantile, digits) + " standard errors (95\302\240%)";
 }
 
-std::vector<PictureData> sweeps(CaseSession& session)
+SweepPicture sweepOf(CaseSession& session, const Cut& cut, std::size_t output)
 {
-    const Cut cut(session);
-    const std::size_t input = session.sweptInputs().front();
+    const std::size_t input = cut.sweptInputs().front();
     const std::vector<double> inputs = cut.values(cut.input(input));
     const std::vector<std::size_t> order = ascending(inputs);
     requireTwoValues(order.size(), session.inputs()[input]);
     const std::vector<std::size_t> near = cut.nearCases();
 
+    SweepPicture picture;
+    picture.inputName = nameOf(session.inputs()[input]);
+    picture.outputName = nameOf(session.outputs()[output]);
+    picture.title = picture.outputName + ", " + modelName(session);
+    picture.modelLabel = modelName(session);
+    picture.inputs = chosen(inputs, order);
+    picture.model = chosen(cut.values(cut.output(output)), order);
+    addBand(session, cut, output, order, picture);
+    picture.caseInputs = chosen(session.project().numericValues(session.inputs()[input]), near);
+    picture.caseOutputs = chosen(session.project().numericValues(session.outputs()[output]), near);
+    picture.caseLabel = cut.caseLabel(near.size());
+    picture.caption = cut.caption(near.size());
+    requireDrawable(picture.inputs, quotedText(picture.inputName));
+    requireDrawable(picture.model, "The model of " + quotedText(picture.outputName));
+    return picture;
+}
+
+std::vector<PictureData> sweeps(CaseSession& session)
+{
+    const Cut cut(session);
     std::vector<PictureData> pictures;
     for (std::size_t output = 0; output < session.outputs().size(); ++output) {
-        SweepPicture picture;
-        picture.inputName = nameOf(session.inputs()[input]);
-        picture.outputName = nameOf(session.outputs()[output]);
-        picture.title = picture.outputName + ", " + modelName(session);
-        picture.modelLabel = modelName(session);
-        picture.inputs = chosen(inputs, order);
-        picture.model = chosen(cut.values(cut.output(output)), order);
-        addBand(session, cut, output, order, picture);
-        picture.caseInputs = chosen(session.project().numericValues(session.inputs()[input]), near);
-        picture.caseOutputs =
-            chosen(session.project().numericValues(session.outputs()[output]), near);
-        picture.caseLabel = cut.caseLabel(near.size());
-        picture.caption = cut.caption(near.size());
-        requireDrawable(picture.inputs, quotedText(picture.inputName));
-        requireDrawable(picture.model, "The model of " + quotedText(picture.outputName));
-        pictures.push_back(std::move(picture));
+        pictures.push_back(sweepOf(session, cut, output));
     }
     return pictures;
 }
@@ -515,4 +583,63 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
     default:
         return coefficients(session);
     }
+}
+
+void SessionPictures::sweepWhatIsLeft(Kind kind, CaseSession& session,
+                                      const std::vector<std::size_t>& held)
+{
+    if (kind != Kind::Sweep && kind != Kind::Contour) {
+        return;
+    }
+    std::vector<std::size_t> left;
+    const std::vector<std::size_t> swept = session.sweptInputs();
+    for (std::size_t input = 0; input < session.inputs().size(); ++input) {
+        const auto isAmong = [input](const std::vector<std::size_t>& positions) {
+            return std::find(positions.begin(), positions.end(), input) != positions.end();
+        };
+        if (!isAmong(swept) && !isAmong(held)) {
+            left.push_back(input);
+        }
+    }
+    const std::size_t needed = kind == Kind::Sweep ? 1 : 2;
+    if (swept.size() < needed && swept.size() + left.size() == needed) {
+        for (const std::size_t input : left) {
+            session.sweepEvenly(input, usualValues(kind));
+        }
+    }
+}
+
+std::size_t SessionPictures::usualValues(Kind kind)
+{
+    return kind == Kind::Contour ? contourValues : sweepValues;
+}
+
+std::vector<std::vector<PictureData>> SessionPictures::reportSweeps(CaseSession& session)
+{
+    std::vector<Cut> cuts;
+    for (std::size_t input = 0; input < session.inputs().size(); ++input) {
+        const auto [least, most] = session.inputs()[input].lock()->range();
+        if (least < most) {
+            cuts.emplace_back(session, input);
+        }
+    }
+    std::vector<std::vector<PictureData>> all;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        const auto influence = [output](const Cut& cut) {
+            return AxisScale::range(cut.values(cut.output(output))).width();
+        };
+        std::vector<const Cut*> order;
+        for (const Cut& cut : cuts) {
+            order.push_back(&cut);
+        }
+        std::stable_sort(order.begin(), order.end(), [&](const Cut* left, const Cut* right) {
+            return influence(*left) > influence(*right);
+        });
+        order.resize(std::min(order.size(), mostReportSweeps));
+        std::vector<PictureData>& pictures = all.emplace_back();
+        for (const Cut* const cut : order) {
+            pictures.push_back(sweepOf(session, *cut, output));
+        }
+    }
+    return all;
 }

@@ -4,6 +4,7 @@
 
 #include <surrogate_plot/Export.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,24 @@ enum class Kind
 /** @param word as users write it: sweep, contour, actual, residuals, coefficients.
  *  @throw UsageError for another one, naming those. */
 SURROGATE_PLOT_EXPORT Kind kindOf(const std::string& word);
+
+/**
+ * Sweeps evenly, in pictures of a sweep and of a contour, the inputs that nothing is said about: if
+ * they are exactly those that the kind needs beside the swept ones.
+ * @param held positions of inputs that are to stay where they are.
+ */
+SURROGATE_PLOT_EXPORT void sweepWhatIsLeft(Kind kind, CaseSession& session,
+                                           const std::vector<std::size_t>& held);
+
+/** How many values of an input a picture takes if nobody has said. */
+SURROGATE_PLOT_EXPORT std::size_t usualValues(Kind kind);
+
+/**
+ * What a page about the model shows: per output a sweep of each input over its range with the
+ * others in the middle of theirs, the input that the output follows most first; at most six.
+ * @throw SurrogateModelInterface::Error
+ */
+SURROGATE_PLOT_EXPORT std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session);
 
 /**
  * Whether the session has chosen what the kind needs; asks before a long fit.

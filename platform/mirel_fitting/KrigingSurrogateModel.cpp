@@ -263,6 +263,12 @@ void KrigingSurrogateModel::predictionIntervals(const std::vector<double*>& inpu
     }
 }
 
+double KrigingSurrogateModel::intervalQuantile(int offset, double level) const
+{
+    impl->columns.requireOutput(offset);
+    return Distributions::normalQuantile(level);
+}
+
 std::vector<LeaveOneOutPrediction> KrigingSurrogateModel::leaveOneOutPredictions(int offset) const
 {
     const KrigingFit& fit = impl->fit(offset);

@@ -101,6 +101,7 @@ public:
     void predictionIntervals(const std::vector<double*>& inputs, const std::set<int>& offsets,
                              double level, std::vector<double*>& lower, std::vector<double*>& upper,
                              std::size_t count) const override;
+    double intervalQuantile(int offset, double level) const override;
 
     /**
      * With the lengths, the nugget and the process variance of all cases; the trend is estimated

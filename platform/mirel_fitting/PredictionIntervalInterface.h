@@ -28,4 +28,11 @@ public:
                                      const std::set<int>& offsets, double level,
                                      std::vector<double*>& lower, std::vector<double*>& upper,
                                      std::size_t count) const = 0;
+
+    /**
+     * That quantile: so many standard errors lie between a prediction and its limits, and with
+     * those of a mean the model itself lies between them with this probability.
+     * @throw SurrogateModelInterface::Error as above.
+     */
+    virtual double intervalQuantile(int offset, double level) const = 0;
 };

@@ -412,26 +412,31 @@ void SurrogateResponseSurfaceModel::predictionIntervals(const std::vector<double
 {
     Distributions::requireLevel(level);
     impl->columns.requireEvaluation(inputs, offsets, upper, count);
+    std::vector<double> quantiles;
     for (const int offset : offsets) {
-        if (impl->at(offset).fit->degreesOfFreedom() == 0) {
-            throw Error("There are no prediction intervals: the polynomial has as many terms as "
-                        "there are cases, and none is left to tell the error by.");
-        }
+        quantiles.push_back(intervalQuantile(offset, level));
     }
     interpolateDependentValues(inputs, offsets, lower, count);
     standardErrors(inputs, offsets, Kind::Observation, upper, count);
-    std::size_t output = 0;
-    for (const int offset : offsets) {
-        const double quantile = Distributions::studentQuantile(
-            level, static_cast<double>(impl->at(offset).fit->degreesOfFreedom()));
+    for (std::size_t output = 0; output < quantiles.size(); ++output) {
         for (std::size_t k = 0; k < count; ++k) {
             const double prediction = lower[output][k];
-            const double reach = quantile * upper[output][k];
+            const double reach = quantiles[output] * upper[output][k];
             lower[output][k] = prediction - reach;
             upper[output][k] = prediction + reach;
         }
-        ++output;
     }
+}
+
+double SurrogateResponseSurfaceModel::intervalQuantile(int offset, double level) const
+{
+    Distributions::requireLevel(level);
+    const std::size_t freedom = impl->at(offset).fit->degreesOfFreedom();
+    if (freedom == 0) {
+        throw Error("There are no prediction intervals: the polynomial has as many terms as there "
+                    "are cases, and none is left to tell the error by.");
+    }
+    return Distributions::studentQuantile(level, static_cast<double>(freedom));
 }
 
 std::vector<LeaveOneOutPrediction>

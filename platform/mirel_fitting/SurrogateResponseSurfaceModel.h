@@ -111,6 +111,8 @@ public:
                              double level, std::vector<double*>& lower, std::vector<double*>& upper,
                              std::size_t count) const override;
 
+    double intervalQuantile(int offset, double level) const override;
+
     /**
      * Equal to refits without each case, RMSE included: the standard error has one degree of
      * freedom less than the fit. Of more than 100 000 cases so many, spread evenly.

@@ -26,8 +26,9 @@ TEST_F(Program, FitWritesAPageWithPictures)
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.out.rfind("Cases   11 read", 0), 0u) << "the text comes all the same";
     const std::string html = folder.read("fit.html");
-    EXPECT_EQ(occurrences(html, "<svg "), 6u) << "actual, residuals and coefficients of each";
-    EXPECT_EQ(occurrences(html, "</svg>"), 6u);
+    EXPECT_EQ(occurrences(html, "<svg "), 10u)
+        << "actual, residuals, coefficients and two sweeps of each";
+    EXPECT_EQ(occurrences(html, "</svg>"), 10u);
     EXPECT_EQ(occurrences(html, "<?xml"), 0u);
     EXPECT_EQ(occurrences(html, "<script"), 0u);
     EXPECT_EQ(occurrences(html, "href="), 0u);
@@ -38,7 +39,7 @@ TEST_F(Program, TheSameFitWritesTheSamePage)
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report one.html");
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report two.html");
 
-    EXPECT_EQ(occurrences(folder.read("one.html"), "<svg "), 2u);
+    EXPECT_EQ(occurrences(folder.read("one.html"), "<svg "), 4u);
     EXPECT_EQ(folder.read("one.html"), folder.read("two.html"));
 }
 

@@ -94,7 +94,7 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
     expectFailure(sweep + "--kind sweep -o picture.gif", 2,
                   "The name of a picture ends with .svg, .png or .pdf, which \"picture.gif\" does "
                   "not.");
-    expectFailure(sweep + "--kind contour -o picture.svg", 2,
+    expectFailure(sweep + "--at H2/WF6=6 --kind contour -o picture.svg", 2,
                   "A picture of kind contour needs two swept inputs and one is: name each with "
                   "--count NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
     expectFailure(sweep + "--kind actual -o picture.svg", 2,
@@ -113,11 +113,26 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
                   "--kind and --size belong to the command plot.");
 }
 
+TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
+{
+    const std::string plot = "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity -o picture.svg -q ";
+    const auto named = [&] { return folder.read("picture.svg"); };
+
+    EXPECT_EQ(run(plot + "--kind contour").exitCode, 0);
+    EXPECT_NE(named().find(">H2/WF6</text>"), std::string::npos);
+    EXPECT_EQ(run(plot + "--kind sweep --at Pressure=42").exitCode, 0);
+    EXPECT_NE(named().find("At Pressure = 42."), std::string::npos);
+    EXPECT_EQ(run(plot + "--kind sweep --sweep Pressure").exitCode, 0);
+    EXPECT_NE(named().find("At H2/WF6 = 2. "), std::string::npos);
+    expectFailure("plot cvd.csv -y Uniformity -o picture.svg --kind contour --at Pressure", 2,
+                  "--at needs NAME=VALUE, not \"Pressure\".");
+}
+
 TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)
 {
     folder.write("picture.svg", "the old one");
 
-    EXPECT_EQ(run(sweep + "--kind contour -o picture.svg").exitCode, 2);
+    EXPECT_EQ(run(sweep + "--at H2/WF6=6 --kind contour -o picture.svg").exitCode, 2);
     EXPECT_EQ(folder.read("picture.svg"), "the old one");
 }
 

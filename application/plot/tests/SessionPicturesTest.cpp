@@ -5,12 +5,14 @@
 #include <session/CaseSession.h>
 #include <session/SessionErrors.h>
 
+#include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 using SessionPictures::Kind;
@@ -123,7 +125,96 @@ TEST(SessionPictures, TheBandIsAsWideAsTheStandardErrors)
     }
     EXPECT_GT(picture.upper[0] - picture.lower[0], picture.upper[2] - picture.lower[2])
         << "wider at the border";
-    EXPECT_EQ(picture.bandLabel, "\302\261 1.96 standard errors");
+    EXPECT_EQ(picture.bandLabel, "\302\261 1.96 standard errors (95\302\240%)");
+}
+
+TEST(SessionPictures, TheBandOfAResponseSurfaceIsThatOfStudentsT)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "5");
+    const auto picture =
+        std::get<SweepPicture>(SessionPictures::make(Kind::Sweep, session).front());
+    ASSERT_EQ(picture.lower.size(), 5u);
+
+    // qt(0.975, 5), for 11 cases and 6 terms.
+    const double quantile = 2.570581835636314;
+    double error = 0.0;
+    double pressure = picture.inputs[2];
+    double ratio = 5.0;
+    std::vector<double*> errors = {&error};
+    dynamic_cast<const StandardErrorInterface&>(session.fit())
+        .standardErrors({&pressure, &ratio}, {0}, StandardErrorInterface::Kind::Mean, errors, 1);
+    EXPECT_NEAR(picture.upper[2], picture.model[2] + quantile * error, 1e-12);
+    EXPECT_NEAR(picture.lower[2], picture.model[2] - quantile * error, 1e-12);
+    EXPECT_EQ(picture.bandLabel, "\302\261 2.57 standard errors (95\302\240%)");
+}
+
+TEST(SessionPictures, WhatIsLeftIsSweptWhereItIsAllThatThePictureNeeds)
+{
+    CaseSession both = cvdSession();
+    SessionPictures::sweepWhatIsLeft(Kind::Contour, both, {});
+    EXPECT_EQ(both.sweptInputs(), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(std::get<ContourPicture>(SessionPictures::make(Kind::Contour, both)[0]).x.size(),
+              SessionPictures::usualValues(Kind::Contour));
+
+    CaseSession held = cvdSession();
+    SessionPictures::sweepWhatIsLeft(Kind::Sweep, held, {0});
+    EXPECT_EQ(held.sweptInputs(), std::vector<std::size_t>{1});
+
+    CaseSession second = cvdSession();
+    second.sweepEvenly(1, 7);
+    SessionPictures::sweepWhatIsLeft(Kind::Contour, second, {});
+    EXPECT_EQ(std::get<ContourPicture>(SessionPictures::make(Kind::Contour, second)[0]).y.size(),
+              7u);
+}
+
+TEST(SessionPictures, WhatIsLeftStaysWhereItIsNotClearWhatToSweep)
+{
+    CaseSession session = cvdSession();
+    SessionPictures::sweepWhatIsLeft(Kind::Sweep, session, {});
+    SessionPictures::sweepWhatIsLeft(Kind::Contour, session, {0});
+    SessionPictures::sweepWhatIsLeft(Kind::Residuals, session, {});
+    EXPECT_TRUE(session.sweptInputs().empty());
+
+    session.sweepEvenly(0, 5);
+    SessionPictures::sweepWhatIsLeft(Kind::Sweep, session, {});
+    EXPECT_EQ(session.sweptInputs(), std::vector<std::size_t>{0});
+}
+
+TEST(SessionPictures, AReportSweepsEveryInputThroughTheMiddleOfTheOthers)
+{
+    CaseSession session = cvdSession();
+
+    const auto all = SessionPictures::reportSweeps(session);
+
+    ASSERT_EQ(all.size(), 2u);
+    for (const std::vector<PictureData>& ofOutput : all) {
+        ASSERT_EQ(ofOutput.size(), 2u);
+        const auto& first = std::get<SweepPicture>(ofOutput[0]);
+        const auto& second = std::get<SweepPicture>(ofOutput[1]);
+        EXPECT_EQ(first.inputName, "Pressure") << "has the larger influence";
+        EXPECT_EQ(first.inputs.front(), 4.0);
+        EXPECT_EQ(first.inputs.back(), 80.0);
+        EXPECT_EQ(first.caption.rfind("At H2/WF6 = 6. ", 0), 0u) << first.caption;
+        EXPECT_EQ(second.caption.rfind("At Pressure = 42. ", 0), 0u) << second.caption;
+        EXPECT_FALSE(first.lower.empty());
+        // Both pass through the point in the middle.
+        EXPECT_NEAR(first.model[50], second.model[50], 1e-12);
+    }
+    EXPECT_EQ(session.extrapolation(), "");
+    EXPECT_TRUE(session.sweptInputs().empty());
+}
+
+TEST(SessionPictures, AReportSweepsNoInputThatDoesNotVary)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    ASSERT_EQ(SessionPictures::reportSweeps(session)[0].size(), 1u);
+    EXPECT_EQ(std::get<SweepPicture>(SessionPictures::reportSweeps(session)[0][0]).inputName,
+              "Pressure");
 }
 
 TEST(SessionPictures, AContourHasTheGridOfTheSweptInputs)

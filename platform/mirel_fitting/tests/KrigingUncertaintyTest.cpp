@@ -300,6 +300,7 @@ TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
         EXPECT_NEAR(lower[i], middle[i] - 1.959963984540054 * errors[i], 1e-12);
         EXPECT_NEAR(upper[i], middle[i] + 1.959963984540054 * errors[i], 1e-12);
     }
+    EXPECT_NEAR(model.intervalQuantile(0, 0.95), 1.959963984540054, 1e-14);
 }
 
 TEST(KrigingIntervals, RefuseALevelThatIsNoProbability)

@@ -251,6 +251,8 @@ TEST(ResponseSurfaceIntervals, AreThoseOfR)
     expectFigure(upper[0], 8.79102351364129, "upper inside");
     expectFigure(lower[1], -5.67775230381846, "lower outside");
     expectFigure(upper[1], 6.37766390539257, "upper outside");
+    // qt(0.975, 5)
+    EXPECT_NEAR(model.intervalQuantile(0, 0.95), 2.570581835636314, 1e-13);
     expectFigure(standardError(model, {{30}, {5}}, StandardErrorInterface::Kind::Mean),
                  0.387107042865106, "standard error inside");
     expectFigure(standardError(model, {{100}, {1}}, StandardErrorInterface::Kind::Mean),
