@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <session/ModelFile.h>
+#include <session/PolynomialWords.h>
 #include <session/ProjectDocument.h>
 #include <session/SessionErrors.h>
 #include <session/VariableNames.h>
@@ -48,6 +49,15 @@ CaseSession::Model modelOf(const std::string& word)
     return word == "kriging" ? CaseSession::Kriging : CaseSession::ResponseSurface;
 }
 
+PolynomialTerms polynomialOf(const std::string& word)
+{
+    const std::optional<PolynomialTerms> terms = termsOfWord(word);
+    if (!terms) {
+        throw UsageError("--terms needs linear, interactions or quadratic, not \"" + word + "\".");
+    }
+    return *terms;
+}
+
 char separatorOf(const std::string& word)
 {
     const std::map<std::string, char> separators = {
@@ -86,6 +96,7 @@ struct Words
     std::string command;
     std::string subject;
     std::string model;
+    std::string terms;
     std::string separator;
     std::string decimalMark;
     std::string threads;
@@ -113,6 +124,7 @@ void describe(CLI::App& app, Words& words, CommandLine& line)
     each("--count", line.counts);
     each("--at", line.values);
     app.add_option("-m,--model", words.model);
+    app.add_option("--terms", words.terms);
     app.add_flag("--select-terms", words.wantsSelectedTerms);
     app.add_flag("--all-terms", words.wantsAllTerms);
     app.add_option("--separator", words.separator);
@@ -183,8 +195,9 @@ void checkModelFile(const CommandLine& line)
     require(line.inputs.empty() && line.outputs.empty() && line.excluded.empty() && !line.model,
             "-x, -y, -m and --exclude choose what is fitted; " + name +
                 " is an exported model, fitted already.");
-    require(!line.terms, "--select-terms and --all-terms choose what is fitted; " + name +
-                             " is an exported model, fitted already.");
+    require(!line.choosesTerms(),
+            "--terms, --select-terms and --all-terms choose what is fitted; " + name +
+                " is an exported model, fitted already.");
     require(line.save.empty(), "--save keeps a choice of cases, and " + name +
                                    " is an exported model, without cases.");
     require(!line.interval, "--interval takes how the cases lie about the model, and " + name +
@@ -240,12 +253,12 @@ void checkCombination(const CommandLine& line)
             "Only the response surface has equations: leave out -m kriging.");
     require(!line.model || line.command != CommandLine::Compare,
             "The command compare takes both models: leave out -m.");
-    require(!line.terms || choosesSomething,
-            "--select-terms and --all-terms belong to the commands that choose something; this one "
-            "does not.");
-    require(!line.terms || line.model != CaseSession::Kriging,
-            "--select-terms and --all-terms choose the terms of a response surface: leave out "
-            "-m kriging.");
+    require(!line.choosesTerms() || choosesSomething,
+            "--terms, --select-terms and --all-terms belong to the commands that choose something; "
+            "this one does not.");
+    require(!line.choosesTerms() || line.model != CaseSession::Kriging,
+            "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
+            "out -m kriging.");
     require(line.report.empty() || line.command == CommandLine::Fit,
             "--report belongs to the command fit.");
     require(line.report != "-", "--report needs the name of a file for the page.");
@@ -288,6 +301,9 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     line.subject = words.subject;
     if (app.count("--model") > 0) {
         line.model = modelOf(words.model);
+    }
+    if (app.count("--terms") > 0) {
+        line.polynomial = polynomialOf(words.terms);
     }
     line.terms = termsOf(words);
     if (app.count("--decimal") > 0) {

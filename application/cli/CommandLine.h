@@ -38,6 +38,7 @@ struct CommandLine
     std::vector<std::string> excluded;
     std::optional<CaseSession::Model> model;
     std::optional<CaseSession::Terms> terms;
+    std::optional<PolynomialTerms> polynomial;
     std::vector<std::string> sweeps;
     std::vector<std::string> counts;
     std::vector<std::string> values;
@@ -58,6 +59,9 @@ struct CommandLine
 
     /** Whether the subject is a project document: its name ends like one. */
     bool startsFromProject() const;
+
+    /** Whether it says anything about the terms of a response surface. */
+    bool choosesTerms() const { return terms || polynomial; }
 
     /** Whether it is an exported model, likewise. */
     bool startsFromModel() const;

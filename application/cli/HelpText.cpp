@@ -49,7 +49,9 @@ Roles
 
 Model
   -m, --model M    response-surface (default) or kriging
-  --select-terms   a response surface keeps only the terms that lower the corrected Akaike criterion
+  --terms T        the polynomial of a response surface: linear, interactions (these and the
+                   products of two inputs) or quadratic (these and the squares, the default)
+  --select-terms   of these it keeps only the terms that lower the corrected Akaike criterion
                    (AICc), for each output by itself; a linear term stays while one of second order
                    has its input. What was left out is said, and the statistics of the terms that
                    stay do not know of the choice: their p values are too small. compare tells

@@ -151,6 +151,16 @@ void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
     }
 }
 
+void chooseTerms(const CommandLine& line, CaseSession& session)
+{
+    if (line.terms) {
+        session.chooseTerms(*line.terms);
+    }
+    if (line.polynomial) {
+        session.choosePolynomial(*line.polynomial);
+    }
+}
+
 /** The choices of a project document, and over them those of the command line. */
 CaseSession openProject(const CommandLine& line)
 {
@@ -184,14 +194,13 @@ CaseSession openProject(const CommandLine& line)
     } else {
         noteUnknownModel(line, document);
     }
-    if (line.terms) {
-        // A comparison has a response surface whatever the project chooses.
-        if (session.modelType() == CaseSession::Kriging && line.command != CommandLine::Compare) {
-            throw UsageError("--select-terms and --all-terms choose the terms of a response "
-                             "surface, and the project chooses kriging: add -m response-surface.");
-        }
-        session.chooseTerms(*line.terms);
+    // A comparison has a response surface whatever the project chooses.
+    if (line.choosesTerms() && session.modelType() == CaseSession::Kriging &&
+        line.command != CommandLine::Compare) {
+        throw UsageError("--terms, --select-terms and --all-terms choose the terms of a response "
+                         "surface, and the project chooses kriging: add -m response-surface.");
     }
+    chooseTerms(line, session);
     return session;
 }
 
@@ -229,7 +238,7 @@ CaseSession openCases(const CommandLine& line)
         line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
     CaseSession session(std::move(table), roles, excluded,
                         line.model.value_or(CaseSession::ResponseSurface));
-    session.chooseTerms(line.terms.value_or(CaseSession::AllTerms));
+    chooseTerms(line, session);
     return session;
 }
 

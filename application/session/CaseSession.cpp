@@ -150,10 +150,12 @@ public:
     }
 
     /** What is to be in force whenever the manager is asked for a model. */
-    TermSelectionScope::Selection selection() const
+    TermSelectionScope termScope() const
     {
-        return state.selectsTerms() ? TermSelectionScope::Selection::BackwardAicc
-                                    : TermSelectionScope::Selection::All;
+        return TermSelectionScope(state.terms().areSelected
+                                      ? TermSelectionScope::Selection::BackwardAicc
+                                      : TermSelectionScope::Selection::All,
+                                  state.terms().polynomial);
     }
 
     /** The inputs' values in the first columns of a table. */
@@ -348,12 +350,27 @@ void CaseSession::chooseModel(Model model)
 void CaseSession::chooseTerms(Terms terms)
 {
     const UndoStack::SuspendUndoRecording unrecorded;
-    impl->state.selectTerms(terms == SelectedTerms);
+    TermSettings settings = impl->state.terms();
+    settings.areSelected = terms == SelectedTerms;
+    impl->state.chooseTerms(settings);
 }
 
 CaseSession::Terms CaseSession::terms() const
 {
-    return impl->state.selectsTerms() ? SelectedTerms : AllTerms;
+    return impl->state.terms().areSelected ? SelectedTerms : AllTerms;
+}
+
+void CaseSession::choosePolynomial(PolynomialTerms terms)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    TermSettings settings = impl->state.terms();
+    settings.polynomial = terms;
+    impl->state.chooseTerms(settings);
+}
+
+PolynomialTerms CaseSession::polynomial() const
+{
+    return impl->state.terms().polynomial;
 }
 
 void CaseSession::load(const ProjectDocument& document, Recording recording)
@@ -455,7 +472,7 @@ SurrogateModelInterface& CaseSession::fit()
         return *impl->fitted;
     }
     const Stopwatch watch;
-    const TermSelectionScope selection(impl->selection());
+    const TermSelectionScope scope = impl->termScope();
     try {
         SurrogateModelInterface& model = impl->state.manager->model(impl->dependents());
         model.activateDependentVariables(impl->offsets());
@@ -530,7 +547,7 @@ vtkSmartPointer<vtkTable> CaseSession::evaluate()
     const auto errorTaker = vtkSmartPointer<ErrorTaker>::Take(ErrorTaker::New());
     filter->AddObserver("ErrorEvent", errorTaker);
 
-    const TermSelectionScope selection(impl->selection());
+    const TermSelectionScope scope = impl->termScope();
     const Stopwatch watch;
     filter->Update();
     impl->times.evaluate = watch.seconds();
@@ -600,7 +617,7 @@ std::string CaseSession::equationText()
 {
     fit();
     std::ostringstream text;
-    const TermSelectionScope selection(impl->selection());
+    const TermSelectionScope scope = impl->termScope();
     const std::set<VarPtr> dependents = impl->dependents();
     SurfaceCoefficientExporter(*impl->state.manager, dependents, text).exportData();
     return text.str();

@@ -7,6 +7,7 @@
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/PolynomialTerms.h>
 
 #include <surrogate_session/Export.h>
 
@@ -67,7 +68,7 @@ public:
         ResponseSurface
     };
 
-    /** Which terms of its polynomial a response surface has. */
+    /** Which terms of its polynomial a response surface keeps. */
     enum Terms
     {
         AllTerms,
@@ -132,6 +133,11 @@ public:
     /** All terms unless chosen. The choice stays, without effect, while the model is Kriging. */
     void chooseTerms(Terms terms);
     Terms terms() const;
+
+    /** The polynomial of a response surface, the full quadratic one unless chosen. It stays like
+     *  the choice of terms, which is made among those that it has. */
+    void choosePolynomial(PolynomialTerms terms);
+    PolynomialTerms polynomial() const;
 
     /**
      * Takes the choices of a document instead of those made so far, all or none: after a failure

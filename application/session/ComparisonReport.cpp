@@ -3,6 +3,7 @@
 #include "session/CaseSession.h"
 #include "session/ModelComparison.h"
 #include "session/NumberText.h"
+#include "session/PolynomialWords.h"
 #include "session/QuotedText.h"
 #include "session/SessionJson.h"
 #include "session/SessionReport.h"
@@ -103,6 +104,10 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     text += "Inputs  " + oneLineText(names) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
+    if (session.polynomial() != PolynomialTerms::Quadratic) {
+        text += "Order   the response surface has terms of the kind " +
+                std::string(termsWord(session.polynomial())) + '\n';
+    }
     if (session.terms() == CaseSession::SelectedTerms) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
@@ -131,6 +136,7 @@ std::string ComparisonReport::json(const CaseSession& session, const ModelCompar
              {"recommended", nameOf(output.verdict)},
              {"recommendation", output.recommendation}});
     }
+    json["terms"] = termsWord(session.polynomial());
     json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return SessionJson::dumped(json);

@@ -428,7 +428,8 @@ ModelComparison ModelComparison::of(const CaseSession& session, std::size_t fold
 
     const TermSelectionScope selection(session.terms() == CaseSession::SelectedTerms
                                            ? TermSelectionScope::Selection::BackwardAicc
-                                           : TermSelectionScope::Selection::All);
+                                           : TermSelectionScope::Selection::All,
+                                       session.polynomial());
     ModelComparison comparison;
     comparison.folds = folds;
     const Validation validation(cases, folds);

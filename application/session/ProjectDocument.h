@@ -1,6 +1,7 @@
 #pragma once
 
 #include <session/FileFingerprint.h>
+#include <session/TermSettings.h>
 
 #include <mirel_datamanagement/Variable.h>
 
@@ -133,7 +134,7 @@ public:
     std::vector<std::string> outputs;     ///< dependent variables in the order wanted, each once
     std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
     std::vector<Sweep> sweeps;
-    bool selectsTerms = false; ///< whether a response surface selects its terms by AICc
+    TermSettings terms; ///< of a response surface
 
 private:
     friend SURROGATE_SESSION_EXPORT bool operator==(const ProjectDocument& left,

@@ -45,6 +45,11 @@ constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variab
 /** Selecting none is said by the absence of the element. */
 constexpr std::array<Word<bool>, 1> termSelections = {{{"BackwardAicc", true}}};
 
+constexpr std::array<Word<PolynomialTerms>, 3> polynomials = {
+    {{"Linear", PolynomialTerms::Linear},
+     {"Interactions", PolynomialTerms::Interactions},
+     {"Quadratic", PolynomialTerms::Quadratic}}};
+
 [[noreturn]] void refuse(const XmlNode& element, const std::string& message)
 {
     throw XmlFault(element.position, message);
@@ -313,6 +318,12 @@ bool readTermSelection(const XmlNode& element)
     return requiredWord(element, "Method", termSelections);
 }
 
+PolynomialTerms readPolynomial(const XmlNode& element)
+{
+    allowOnlyAttributes(element, {"Terms"});
+    return requiredWord(element, "Terms", polynomials);
+}
+
 /** Its reader takes elements of every name. */
 void checkDistributions(const XmlNode& block)
 {
@@ -389,8 +400,8 @@ const XmlNode& requiredChild(const XmlNode& root, const std::string& tag)
 const std::set<std::string>& knownTags()
 {
     static const std::set<std::string> tags = {
-        "CaseFile",       "Variables",         "Outputs", "ExcludedCases",
-        "SurrogateModel", "UserDistributions", "Sweeps",  "TermSelection"};
+        "CaseFile",          "Variables", "Outputs",       "ExcludedCases", "SurrogateModel",
+        "UserDistributions", "Sweeps",    "TermSelection", "Polynomial"};
     return tags;
 }
 
@@ -484,6 +495,14 @@ XmlNode termSelectionElement()
     element.setAttribute("Method", wordFor(true, termSelections));
     return element;
 }
+
+/** Versions that know no choice keep it likewise, and fit the full quadratic polynomial. */
+XmlNode polynomialElement(PolynomialTerms terms)
+{
+    XmlNode element = XmlNode::element("Polynomial");
+    element.setAttribute("Terms", wordFor(terms, polynomials));
+    return element;
+}
 } // namespace
 
 bool isModelElement(const XmlNode& node)
@@ -534,7 +553,10 @@ void readProjectElements(const XmlNode& root, ProjectDocument& document, Project
         document.sweeps = readSweeps(*sweeps, known);
     }
     if (const XmlNode* const selection = root.child("TermSelection")) {
-        document.selectsTerms = readTermSelection(*selection);
+        document.terms.areSelected = readTermSelection(*selection);
+    }
+    if (const XmlNode* const polynomial = root.child("Polynomial")) {
+        document.terms.polynomial = readPolynomial(*polynomial);
     }
 }
 
@@ -553,7 +575,10 @@ XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& s
         root.children.push_back(*settings.userDistributions);
     }
     root.children.push_back(sweepsElement(document.sweeps));
-    if (document.selectsTerms) {
+    if (document.terms.polynomial != PolynomialTerms::Quadratic) {
+        root.children.push_back(polynomialElement(document.terms.polynomial));
+    }
+    if (document.terms.areSelected) {
         root.children.push_back(termSelectionElement());
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());

@@ -2,6 +2,7 @@
 
 #include "session/CaseNumbers.h"
 #include "session/NumberText.h"
+#include "session/PolynomialWords.h"
 #include "session/ProjectDocument.h"
 #include "session/TextTable.h"
 
@@ -107,8 +108,10 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                (cases.hasDecimalComma ? "commas" : "points")});
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
-    if (document.selectsTerms) {
-        head.add({"Terms", "selected by AICc, if it is a response surface"});
+    if (!(document.terms == TermSettings())) {
+        head.add({"Terms", std::string(termsWord(document.terms.polynomial)) +
+                               (document.terms.areSelected ? ", selected by AICc" : "") +
+                               ", if it is a response surface"});
     }
     head.add({"Inputs", joined(document.modelInputs())});
     head.add({"Outputs", joined(document.outputs)});
@@ -148,7 +151,8 @@ std::string ProjectReport::json(const ProjectDocument& document)
         json["excluded"].push_back(position + 1);
     }
     json["model"] = modelName(document);
-    json["selectsTerms"] = document.selectsTerms;
+    json["terms"] = termsWord(document.terms.polynomial);
+    json["selectsTerms"] = document.terms.areSelected;
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;
     json["evaluationPoint"] = distributionsJson(document.evaluationPoint());

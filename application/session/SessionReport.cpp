@@ -1,6 +1,7 @@
 #include "session/SessionReport.h"
 
 #include "session/NumberText.h"
+#include "session/PolynomialWords.h"
 #include "session/SessionJson.h"
 #include "session/StatisticsTables.h"
 #include "session/TextTable.h"
@@ -105,14 +106,30 @@ std::string modelName(const CaseSession& session)
     return session.modelType() == CaseSession::Kriging ? "kriging" : "response-surface";
 }
 
+/** "response surface", and which terms if they are not the usual ones. */
+std::string surfaceName(const CaseSession& session)
+{
+    const char* const polynomial = session.polynomial() == PolynomialTerms::Linear ? ", linear"
+                                   : session.polynomial() == PolynomialTerms::Interactions
+                                       ? ", linear with interactions"
+                                       : "";
+    return std::string("response surface") + polynomial +
+           (session.terms() == CaseSession::SelectedTerms ? ", terms selected by AICc" : "");
+}
+
 /** The members that all objects about a model begin with. */
 Json modelJson(const CaseSession& session)
 {
-    return {{"schema", schemaVersion},
-            {"cases", casesJson(session.counts())},
-            {"model", modelName(session)},
-            {"inputs", namesOf(session.inputs())},
-            {"outputs", Json::array()}};
+    Json json = {{"schema", schemaVersion},
+                 {"cases", casesJson(session.counts())},
+                 {"model", modelName(session)}};
+    if (session.modelType() == CaseSession::ResponseSurface) {
+        json["terms"] = termsWord(session.polynomial());
+        json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
+    }
+    json["inputs"] = namesOf(session.inputs());
+    json["outputs"] = Json::array();
+    return json;
 }
 
 Json secondsJson(const CaseSession& session, double readSeconds)
@@ -335,11 +352,7 @@ std::string SessionReport::fitText(CaseSession& session)
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + caseText(session) + '\n';
     text += std::string("Model   ") +
-            (session.modelType() == CaseSession::Kriging ? "Kriging"
-             : session.terms() == CaseSession::SelectedTerms
-                 ? "response surface, terms selected by AICc"
-                 : "response surface") +
-            '\n';
+            (session.modelType() == CaseSession::Kriging ? "Kriging" : surfaceName(session)) + '\n';
     std::vector<std::string> legend;
     legend.reserve(inputs.size());
     for (const std::string& input : inputs) {

@@ -83,7 +83,7 @@ bool SessionSettings::operator==(const SessionSettings& other) const
            inputs == other.inputs && outputs == other.outputs &&
            evaluationPoint == other.evaluationPoint &&
            userDistributions == other.userDistributions && sweeps == other.sweeps &&
-           selectsTerms == other.selectsTerms;
+           terms == other.terms;
 }
 
 SessionState::SessionState(CaseTable& table) : SessionState(table, nullptr) {}
@@ -110,7 +110,7 @@ SessionSettings SessionState::settings() const
     settings.evaluationPoint = manager->evaluationPoint()->get();
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
-    settings.selectsTerms = isSelectionWanted;
+    settings.terms = chosenTerms;
     return settings;
 }
 
@@ -133,7 +133,7 @@ void SessionState::setSettings(const SessionSettings& settings)
     userDistributions->set(settings.userDistributions);
     interpolation->setSweeps(settings.sweeps);
     setOutputs(settings.outputs);
-    selectTerms(settings.selectsTerms);
+    chooseTerms(settings.terms);
 }
 
 void SessionState::chooseRoles(const CaseRoles& roles)
@@ -175,12 +175,12 @@ void SessionState::exclude(const std::vector<std::size_t>& excluded)
     include(excluded, false);
 }
 
-void SessionState::selectTerms(bool isWanted)
+void SessionState::chooseTerms(const TermSettings& wanted)
 {
-    if (isWanted == isSelectionWanted) {
+    if (wanted == chosenTerms) {
         return;
     }
-    isSelectionWanted = isWanted;
+    chosenTerms = wanted;
     // A Kriging model has no terms to select, and may have taken long.
     if (manager->type()->get() == SurrogateModelManagerInterface::ResponseSurface) {
         pipeline->emitChanged();
@@ -219,7 +219,7 @@ void SessionState::load(const ProjectDocument& document)
     for (const ProjectDocument::Sweep& sweep : document.sweeps) {
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
-    loaded.selectsTerms = document.selectsTerms;
+    loaded.terms = document.terms;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
@@ -255,7 +255,7 @@ void SessionState::save(ProjectDocument& document) const
             document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
         }
     }
-    document.selectsTerms = isSelectionWanted;
+    document.terms = chosenTerms;
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }

@@ -3,6 +3,7 @@
 #include <session/CaseRoles.h>
 #include <session/CaseTable.h>
 #include <session/SweepInterpolationVariables.h>
+#include <session/TermSettings.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -49,7 +50,7 @@ struct SessionSettings
     SurrogateModelUserDistCollection evaluationPoint;
     SurrogateModelUserDistCollection userDistributions;
     std::map<VarPtr, SweepInterpolationVariables::Sweep> sweeps;
-    bool selectsTerms = false;
+    TermSettings terms;
 };
 
 /**
@@ -84,10 +85,10 @@ public:
     /** Takes these cases out, by their positions, and all others in. */
     void exclude(const std::vector<std::size_t>& excluded);
 
-    /** Whether response surfaces are to select their terms. A model with others is dropped; whoever
-     *  asks the manager for a model opens a TermSelectionScope. */
-    void selectTerms(bool isWanted);
-    bool selectsTerms() const { return isSelectionWanted; }
+    /** The terms of response surfaces. A model with others is dropped; whoever asks the manager for
+     *  a model opens a TermSelectionScope. */
+    void chooseTerms(const TermSettings& wanted);
+    const TermSettings& terms() const { return chosenTerms; }
 
     /** Positions of the excluded cases, ascending. */
     std::vector<std::size_t> excluded() const;
@@ -114,5 +115,5 @@ private:
     void check(const ProjectDocument& document) const;
     void setOutputs(const std::vector<VarPtr>& wanted);
 
-    bool isSelectionWanted = false;
+    TermSettings chosenTerms;
 };

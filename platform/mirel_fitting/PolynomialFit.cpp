@@ -369,7 +369,7 @@ private:
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                              const std::vector<double*>& dependents, std::size_t cases,
                              const std::vector<char>& isWanted)
-    : polynomial(basis), caseCount(cases)
+    : polynomial(basis), caseCount(cases), wanted(isWanted)
 {
     for (const double* column : independents) {
         scales.emplace_back(column, cases);
@@ -382,11 +382,11 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     const SingleThreadedBlas singleThreaded;
     chooseSample();
     const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
-    if (isWanted.empty() && solveNormalEquations(columns)) {
+    if (wanted.empty() && solveNormalEquations(columns)) {
         walk(residuals, 0.4, 0.7);
         refine(columns);
     } else {
-        factorise(columns, isWanted);
+        factorise(columns);
         walk(residuals, 0.7, 1.0);
     }
     storeCoefficients(columns);
@@ -442,9 +442,9 @@ void PolynomialFit::refine(Columns& columns)
     walk([&] { return std::make_unique<Residuals>(*this, columns); }, 0.7, 1.0);
 }
 
-void PolynomialFit::factorise(Columns& columns, const std::vector<char>& isWanted)
+void PolynomialFit::factorise(Columns& columns)
 {
-    const std::vector<std::size_t> order = preferenceOrder(polynomial, isWanted);
+    const std::vector<std::size_t> order = preferenceOrder(polynomial, wanted);
     BlockedLeastSquares total(order.size(), columns.dependents.size());
     const auto factorisation = [&] {
         return std::make_unique<Factorisation>(*this, columns, order, total);

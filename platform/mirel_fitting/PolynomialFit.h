@@ -53,7 +53,7 @@ public:
      * @param independents one array of `cases` finite values per input of the basis, borrowed for
      *                     the call.
      * @param dependents   one array of `cases` finite values per output, borrowed for the call.
-     * @param cases        at least as many as the basis has terms.
+     * @param cases        at least as many as there are wanted terms.
      * @param isWanted     one per term of the basis: false leaves it out from the start. The
      *                     constant is wanted, and linear terms of the inputs of wanted ones. Empty:
      *                     all are.
@@ -71,6 +71,9 @@ public:
     /** Whether the cases can separate the term from those before it; lower orders come before
      *  higher ones, and squares before products. The constant is always kept. */
     bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
+
+    /** Whether the term was wanted in the first place. */
+    bool isWanted(std::size_t term) const { return wanted.empty() || wanted[term] != 0; }
 
     /** What the terms that the cases cannot separate are made of; terms with an input that is
      *  dropped, or constant, are not among them. The first of them, if there are many. */
@@ -130,7 +133,7 @@ private:
 
     bool solveNormalEquations(Columns& columns);
     void refine(Columns& columns);
-    void factorise(Columns& columns, const std::vector<char>& isWanted);
+    void factorise(Columns& columns);
     void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
               double from, double to) const;
     void chooseSample();
@@ -140,6 +143,7 @@ private:
     std::size_t caseCount;
     std::vector<ColumnScale> scales;
     std::vector<Output> fits;
+    std::vector<char> wanted;           // empty: all terms
     std::vector<std::size_t> keptTerms; // in the order of the factor
     std::vector<char> keptFlags;        // per term of the basis
     std::vector<double> factor;

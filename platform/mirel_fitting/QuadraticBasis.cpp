@@ -51,17 +51,6 @@ std::size_t QuadraticBasis::termCount(std::size_t inputs, int order)
     return order == 1 ? inputs + 1 : (inputs + 1) * (inputs + 2) / 2;
 }
 
-int QuadraticBasis::highestOrder(std::size_t inputs, int order, std::size_t cases)
-{
-    if (inputs == 0) {
-        return 0;
-    }
-    while (order > 0 && termCount(inputs, order) > cases) {
-        --order;
-    }
-    return order;
-}
-
 std::string QuadraticBasis::name(std::size_t term) const
 {
     const Term& inputsOfTerm = termList.at(term);

@@ -37,10 +37,6 @@ public:
      *  determine a fit. The largest std::size_t where that is no std::size_t. */
     static std::size_t termCount(std::size_t inputs, int order);
 
-    /** The highest order up to `order` that has no more terms than there are cases; 0 if there
-     *  is no input. */
-    static int highestOrder(std::size_t inputs, int order, std::size_t cases);
-
     std::size_t inputs() const { return inputCount; }
     int order() const { return highest; }
     std::size_t size() const { return termList.size(); }

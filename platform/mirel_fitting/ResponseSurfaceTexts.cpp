@@ -156,7 +156,8 @@ std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input)
     std::vector<std::string> names;
     for (std::size_t term = 1 + fit.basis().inputs(); term < fit.basis().size(); ++term) {
         const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
-        if ((inputs.first == input || inputs.second == input)) {
+        const bool hasInput = inputs.first == input || inputs.second == input;
+        if (hasInput && fit.isWanted(term)) {
             names.push_back(fit.basis().name(term));
         }
     }
@@ -181,7 +182,7 @@ std::vector<std::string> notSaidOf(const PolynomialFit& fit)
         const QuadraticBasis::Term& inputs = basis.terms()[term];
         const bool isSaidWithInput = inputs.second != QuadraticBasis::noInput &&
                                      (isSaid[1 + inputs.first] || isSaid[1 + inputs.second]);
-        if (!fit.isKept(term) && !isSaid[term] && !isSaidWithInput) {
+        if (fit.isWanted(term) && !fit.isKept(term) && !isSaid[term] && !isSaidWithInput) {
             names.push_back(basis.name(term));
         }
     }
@@ -196,9 +197,12 @@ std::string leftOut(const std::vector<std::string>& with)
 
 } // namespace
 
-const char* ResponseSurfaceTexts::orderName(int order)
+const char* ResponseSurfaceTexts::orderName(int order, bool hasSquares)
 {
-    return order == 0 ? "constant" : order == 1 ? "linear" : "full quadratic";
+    return order == 0   ? "constant"
+           : order == 1 ? "linear"
+           : hasSquares ? "full quadratic"
+                        : "linear with interactions";
 }
 
 std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
@@ -237,7 +241,8 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
     return sentences;
 }
 
-std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const FitMetrics& metrics,
+std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const std::string& order,
+                                          const FitMetrics& metrics,
                                           const ResponseSurfaceStatistics& statistics)
 {
     const bool isConstant = std::isnan(metrics.r2);
@@ -249,11 +254,10 @@ std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const FitMet
                                       "no such fit";
 
     std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
-    text +=
-        "Terms: " + std::to_string(metrics.terms) +
-        (metrics.terms < fit.basis().size() ? " of " + std::to_string(fit.basis().size()) : "") +
-        "\n";
-    text += std::string("Order: ") + orderName(fit.basis().order()) + "\n";
+    const std::size_t wanted = statistics.coefficients.size();
+    text += "Terms: " + std::to_string(metrics.terms) +
+            (metrics.terms < wanted ? " of " + std::to_string(wanted) : "") + "\n";
+    text += "Order: " + order + "\n";
     text += line("R2", metrics.r2, noSpread);
     text += line("Adjusted R2", metrics.adjustedR2, isConstant ? noSpread : noFreedom);
     text += line("RMSE", metrics.rmse, noFreedom);

@@ -12,16 +12,17 @@
 class ResponseSurfaceTexts
 {
 public:
-    /** "constant", "linear", "full quadratic". */
-    static const char* orderName(int order);
+    /** "constant", "linear", "linear with interactions", "full quadratic". */
+    static const char* orderName(int order, bool hasSquares);
 
     /** What the cases cannot separate, a sentence for each input or term that is left out for it:
      *  from which others.
      *  @param fit of all terms that are wanted. */
     static std::vector<std::string> dependences(const PolynomialFit& fit);
 
-    /** A line per figure, without the warnings. */
-    static std::string quality(const PolynomialFit& fit, const FitMetrics& metrics,
+    /** A line per figure, without the warnings. @param order its name. */
+    static std::string quality(const PolynomialFit& fit, const std::string& order,
+                               const FitMetrics& metrics,
                                const ResponseSurfaceStatistics& statistics);
 
     /** "V1, V2 and V3" */

@@ -24,21 +24,58 @@ using Error = SurrogateModelInterface::Error;
 /** The triangular factor of so many terms takes 800 MB; three of them are held at a time. */
 constexpr std::size_t mostTerms = 10000;
 
-QuadraticBasis basisFor(const TrainingColumns& columns, int highestOrder)
+/** What a polynomial is to be made of. */
+struct Wanted
 {
-    if (highestOrder < 0 || highestOrder > 2) {
+    int order = 2;
+    bool hasSquares = true; ///< if the order is 2
+
+    static Wanted of(PolynomialTerms terms)
+    {
+        return {terms == PolynomialTerms::Linear ? 1 : 2, terms != PolynomialTerms::Interactions};
+    }
+
+    std::size_t terms(std::size_t inputs) const
+    {
+        return QuadraticBasis::termCount(inputs, order) - (order == 2 && !hasSquares ? inputs : 0);
+    }
+
+    std::string name() const { return ResponseSurfaceTexts::orderName(order, hasSquares); }
+};
+
+/** What the cases are enough for. */
+Wanted lowered(Wanted wanted, const TrainingColumns& columns)
+{
+    if (wanted.order < 0 || wanted.order > 2) {
         throw Error("The highest order of a response surface is 0, 1 or 2, not " +
-                    std::to_string(highestOrder) + ".");
+                    std::to_string(wanted.order) + ".");
     }
-    const int order = QuadraticBasis::highestOrder(columns.inputs(), highestOrder, columns.cases());
-    const std::size_t terms = QuadraticBasis::termCount(columns.inputs(), order);
+    // One input has no interactions.
+    const bool isLinear = wanted.order == 2 && !wanted.hasSquares && columns.inputs() < 2;
+    if (isLinear || columns.inputs() == 0) {
+        wanted.order = columns.inputs() == 0 ? 0 : 1;
+    }
+    while (wanted.order > 0 && wanted.terms(columns.inputs()) > columns.cases()) {
+        --wanted.order;
+    }
+    const std::size_t terms = wanted.terms(columns.inputs());
     if (terms > mostTerms) {
-        throw Error("The " + std::string(ResponseSurfaceTexts::orderName(order)) +
-                    " polynomial of " + std::to_string(columns.inputs()) + " inputs has " +
-                    std::to_string(terms) + " terms; at most " + std::to_string(mostTerms) +
-                    " can be fitted.");
+        throw Error("The " + wanted.name() + " polynomial of " + std::to_string(columns.inputs()) +
+                    " inputs has " + std::to_string(terms) + " terms; at most " +
+                    std::to_string(mostTerms) + " can be fitted.");
     }
-    return {columns.inputs(), order};
+    return wanted;
+}
+
+/** One per term of the basis; empty if all are wanted. */
+std::vector<char> wantedTerms(const QuadraticBasis& basis, bool hasSquares)
+{
+    std::vector<char> isWanted;
+    for (const QuadraticBasis::Term& term : basis.terms()) {
+        const bool isSquare = term.second != QuadraticBasis::noInput && term.first == term.second;
+        isWanted.push_back(isSquare ? 0 : 1);
+    }
+    return hasSquares || basis.order() < 2 ? std::vector<char>() : isWanted;
 }
 
 /** The columns of the outputs that can be fitted. */
@@ -60,14 +97,15 @@ class SurrogateResponseSurfaceModel::Impl
 {
 public:
     Impl(const std::vector<double*>& independentColumns,
-         const std::vector<double*>& dependentColumns, std::size_t rowCount, int highestOrder,
+         const std::vector<double*>& dependentColumns, std::size_t rowCount, const Wanted& wanted,
          Selection selection)
         : columns(independentColumns, dependentColumns, rowCount),
-          ranges(independentColumns, rowCount), wantedOrder(highestOrder)
+          ranges(independentColumns, rowCount), wanted(wanted), fitted(lowered(wanted, columns))
     {
         const std::vector<double*> outputs = fittable(columns, dependentColumns);
-        const auto whole = std::make_shared<PolynomialFit>(basisFor(columns, highestOrder),
-                                                           independentColumns, outputs, rowCount);
+        const QuadraticBasis basis(columns.inputs(), fitted.order);
+        const auto whole = std::make_shared<PolynomialFit>(
+            basis, independentColumns, outputs, rowCount, wantedTerms(basis, fitted.hasSquares));
         common = whole;
         for (std::size_t k = 0; k < outputs.size(); ++k) {
             fits.push_back({whole, k, {}, {}});
@@ -160,6 +198,19 @@ public:
         return {common->basis(), std::move(scales), std::move(outputs)};
     }
 
+    /** Without the terms that were not asked for; one per term of the basis is given. */
+    template <class Coefficient>
+    std::vector<Coefficient> onlyWanted(const std::vector<Coefficient>& ofBasis) const
+    {
+        std::vector<Coefficient> result;
+        for (std::size_t term = 0; term < ofBasis.size(); ++term) {
+            if (common->isWanted(term)) {
+                result.push_back(ofBasis[term]);
+            }
+        }
+        return result;
+    }
+
     void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
     {
         std::vector<double*> noOutputs;
@@ -168,7 +219,8 @@ public:
 
     TrainingColumns columns;
     CaseRanges ranges;
-    int wantedOrder;
+    Wanted wanted;
+    Wanted fitted;                               // what the cases are enough for
     std::shared_ptr<const PolynomialFit> common; // of all outputs, with all terms
     std::vector<OutputFit> fits;                 // of the outputs that can be fitted
     std::unique_ptr<PolynomialPredictor> predictor;
@@ -177,7 +229,16 @@ public:
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount)
-    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount, 2)
+    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount,
+                                    TermSelectionScope::currentTerms(),
+                                    TermSelectionScope::current())
+{}
+
+SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
+    const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
+    std::size_t rowCount, PolynomialTerms terms, Selection selection)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, Wanted::of(terms),
+                                  selection))
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
@@ -190,8 +251,8 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, int highestOrder, Selection selection)
-    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, highestOrder,
-                                  selection))
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
+                                  Wanted{highestOrder, true}, selection))
 {}
 
 SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;
@@ -257,8 +318,9 @@ std::string SurrogateResponseSurfaceModel::surfaceCoefficientInformation(int off
 
 std::string SurrogateResponseSurfaceModel::qualityMetricInformation(int offset) const
 {
-    std::string text = ResponseSurfaceTexts::quality(*impl->at(offset).fit, fitMetrics(offset),
-                                                     responseSurfaceStatistics(offset));
+    std::string text =
+        ResponseSurfaceTexts::quality(*impl->at(offset).fit, impl->fitted.name(),
+                                      fitMetrics(offset), responseSurfaceStatistics(offset));
     for (const std::string& warning : fitWarnings(offset)) {
         text += warning + "\n";
     }
@@ -304,15 +366,12 @@ FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
 std::vector<std::string> SurrogateResponseSurfaceModel::fitWarnings(int offset) const
 {
     const Impl::OutputFit& one = impl->at(offset);
-    const QuadraticBasis& basis = impl->common->basis();
+    const std::size_t inputs = impl->columns.inputs();
     std::vector<std::string> warnings;
-    if (basis.inputs() > 0 && basis.order() < impl->wantedOrder) {
-        const std::size_t wantedTerms =
-            QuadraticBasis::termCount(basis.inputs(), impl->wantedOrder);
-        warnings.push_back(std::string("The order was lowered from ") +
-                           ResponseSurfaceTexts::orderName(impl->wantedOrder) + " to " +
-                           ResponseSurfaceTexts::orderName(basis.order()) + ": " +
-                           std::to_string(wantedTerms) + " terms need at least as many cases.");
+    if (impl->fitted.terms(inputs) < impl->wanted.terms(inputs)) {
+        warnings.push_back("The order was lowered from " + impl->wanted.name() + " to " +
+                           impl->fitted.name() + ": " + std::to_string(impl->wanted.terms(inputs)) +
+                           " terms need at least as many cases.");
     }
     for (std::string& sentence : ResponseSurfaceTexts::dependences(*impl->common)) {
         warnings.push_back(std::move(sentence));
@@ -349,7 +408,7 @@ std::vector<PolynomialCoefficient> SurrogateResponseSurfaceModel::coefficientTab
         table[term].standardError =
             table[term].isKept ? deviation * std::sqrt(variances[term]) : FitMetrics::none;
     }
-    return table;
+    return impl->onlyWanted(table);
 }
 
 ResponseSurfaceStatistics
@@ -361,8 +420,8 @@ SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double leve
     const ResponseSurfaceAnalysis analysis = impl->at(offset).analysis();
 
     ResponseSurfaceStatistics statistics;
-    statistics.coefficients = analysis.coefficients(level);
-    statistics.codedCoefficients = analysis.codedCoefficients(level);
+    statistics.coefficients = impl->onlyWanted(analysis.coefficients(level));
+    statistics.codedCoefficients = impl->onlyWanted(analysis.codedCoefficients(level));
     statistics.anova = analysis.anova();
     statistics.r2 = metrics.r2;
     statistics.adjustedR2 = metrics.adjustedR2;

@@ -4,6 +4,7 @@
 #include <mirel_fitting/ExtrapolationInterface.h>
 #include <mirel_fitting/FitMetricsInterface.h>
 #include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/PolynomialTerms.h>
 #include <mirel_fitting/PredictionIntervalInterface.h>
 #include <mirel_fitting/PredictorDescriptionInterface.h>
 #include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
@@ -16,10 +17,10 @@
  * Response surface: a full quadratic polynomial of the inputs, fitted by least squares.
  *
  * Terms: intercept, V1 ... Vd, then V_i V_j with i <= j (for two inputs V1^2, V1 V2, V2^2); they
- * are fitted, stored, printed and listed in this order. With fewer cases than terms the order is
- * lowered, full quadratic to linear to constant; terms that the cases cannot separate are dropped,
- * higher orders before lower ones and products before squares; on request, so are terms that an
- * output does not need. All of it is said in the warnings.
+ * are fitted, stored, printed and listed in this order; on request only some of them. With fewer
+ * cases than terms the order is lowered, to linear, then to constant; terms that the cases cannot
+ * separate are dropped, higher orders before lower ones and products before squares; on request, so
+ * are terms that an output does not need. All of it is said in the warnings.
  *
  * Everything is computed in the constructor, for all outputs, in a few passes over the columns and
  * on all cores that setThreadCount() allows: time grows with cases times terms squared, memory with
@@ -75,8 +76,12 @@ public:
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder);
 
-    /** The others take the selection of the TermSelectionScope of this thread, else
-     *  Selection::All. */
+    SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
+                                  const std::vector<double*>& dependentColumns,
+                                  std::size_t rowCount, PolynomialTerms terms, Selection selection);
+
+    /** Those that are not told terms or a selection take what the TermSelectionScope of this thread
+     *  says, else the full quadratic polynomial and Selection::All. */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder, Selection selection);

@@ -5,10 +5,10 @@
 #include <mirel_fitting/Export.h>
 
 /**
- * While one lives, the constructors of SurrogateResponseSurfaceModel that are not told a selection
- * take this one, on this thread: for models that somebody else constructs, such as a
+ * While one lives, the constructors of SurrogateResponseSurfaceModel that are not told terms or a
+ * selection take these, on this thread: for models that somebody else constructs, such as a
  * SurrogateModelManager. A model keeps the terms it was constructed with, so whoever caches it
- * must be made to drop it when the selection changes.
+ * must be made to drop it when they change.
  *
  * They nest; the newest one on a thread counts. Destroy them in reverse order of creation.
  */
@@ -17,7 +17,8 @@ class MIREL_FITTING_EXPORT TermSelectionScope
 public:
     using Selection = SurrogateResponseSurfaceModel::Selection;
 
-    explicit TermSelectionScope(Selection selection);
+    explicit TermSelectionScope(Selection selection,
+                                PolynomialTerms terms = PolynomialTerms::Quadratic);
     ~TermSelectionScope();
 
     TermSelectionScope(const TermSelectionScope&) = delete;
@@ -26,6 +27,10 @@ public:
     /** For the fitting code: that of the newest one on this thread, Selection::All without any. */
     static Selection current();
 
+    /** Likewise, PolynomialTerms::Quadratic without any. */
+    static PolynomialTerms currentTerms();
+
 private:
     Selection outer;
+    PolynomialTerms outerTerms;
 };

@@ -83,9 +83,10 @@ TEST_F(Program, ASelectionIsKeptWhileAProjectTakesKriging)
     ASSERT_EQ(run("fit " + project + " -m kriging --save " + project).exitCode, 0);
 
     EXPECT_EQ(Json::parse(run("project " + project + " --json").out)["selectsTerms"], true);
-    expectFailure("fit " + project + " --select-terms", 2,
-                  "--select-terms and --all-terms choose the terms of a response surface, and the "
-                  "project chooses kriging: add -m response-surface.");
+    expectFailure(
+        "fit " + project + " --select-terms", 2,
+        "--terms, --select-terms and --all-terms choose the terms of a response surface, and the "
+        "project chooses kriging: add -m response-surface.");
     const Outcome again = run("fit " + project + " -m response-surface");
     EXPECT_NE(again.out.find(warning), std::string::npos) << again.out;
 }
@@ -116,18 +117,71 @@ TEST_F(Program, CompareSelectsTermsInEachFold)
 
 TEST_F(Program, TermsAreChosenOfAResponseSurfaceThatIsFitted)
 {
-    expectFailure("fit" + cases + "-m kriging --select-terms", 2,
-                  "--select-terms and --all-terms choose the terms of a response surface: leave "
-                  "out -m kriging.");
+    expectFailure(
+        "fit" + cases + "-m kriging --select-terms", 2,
+        "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
+        "out -m kriging.");
     expectFailure("fit" + cases + "--all-terms --select-terms", 2,
                   "--select-terms and --all-terms exclude each other.");
     for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
         expectFailure(
             command + "--select-terms", 2,
-            "--select-terms and --all-terms belong to the commands that choose something; "
+            "--terms, --select-terms and --all-terms belong to the commands that choose something; "
             "this one does not.");
     }
-    expectFailure("evaluate m.json --all-terms", 2,
-                  "--select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
-                  "model, fitted already.");
+    expectFailure(
+        "evaluate m.json --all-terms", 2,
+        "--terms, --select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
+        "model, fitted already.");
+}
+
+TEST_F(Program, ThePolynomialIsOfTheTermsThatAreAskedFor)
+{
+    const auto terms = [&](const std::string& options) {
+        const Json fit = Json::parse(run("fit" + cases + "--json " + options).out);
+        return fit["outputs"][0]["metrics"]["terms"].get<int>();
+    };
+
+    EXPECT_EQ(terms(""), 6);
+    EXPECT_EQ(terms("--terms linear"), 3);
+    EXPECT_EQ(terms("--terms interactions"), 4);
+    EXPECT_EQ(terms("--terms quadratic"), 6);
+    EXPECT_EQ(terms("--terms linear --select-terms"), 2);
+    // With the square of an input or two the six cases would leave nothing to tell the error by.
+    const Json plane = Json::parse(run("fit plane.csv -y y --terms linear --json").out);
+    const double expected[] = {1.0, 2.0, -1.0};
+    ASSERT_EQ(plane["outputs"][0]["coefficients"].size(), 3u);
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_NEAR(plane["outputs"][0]["coefficients"][k]["estimate"].get<double>(), expected[k],
+                    1e-14);
+    }
+    expectFailure("fit" + cases + "--terms cubic", 2,
+                  "--terms needs linear, interactions or quadratic, not \"cubic\".");
+    expectFailure("fit" + cases + "-m kriging --terms linear", 2,
+                  "--terms, --select-terms and --all-terms choose the terms of a response surface: "
+                  "leave out -m kriging.");
+}
+
+TEST_F(Program, ProjectsKeepThePolynomialUntilAnotherIsAskedFor)
+{
+    const std::string project = "study.surrogate.xml";
+    const auto terms = [&](const std::string& options) {
+        const Json fit = Json::parse(run("fit " + project + " --json " + options).out);
+        return fit["outputs"][0]["metrics"]["terms"].get<int>();
+    };
+    ASSERT_EQ(run("fit" + cases + "--terms linear --save " + project).exitCode, 0);
+
+    EXPECT_EQ(terms(""), 3);
+    EXPECT_EQ(terms("--terms quadratic --save " + project), 6);
+    EXPECT_EQ(terms(""), 6);
+}
+
+TEST_F(Program, CompareTakesThePolynomialThatIsAskedFor)
+{
+    const Json linear = Json::parse(run("compare plane.csv -y y --terms linear --json").out);
+
+    EXPECT_EQ(linear["terms"], "linear");
+    EXPECT_GT(linear["outputs"][0]["models"][0]["q2"].get<double>(), 1.0 - 1e-12);
+    EXPECT_NE(run("compare plane.csv -y y --terms linear -q").out.find("of the kind linear\n"),
+              std::string::npos);
 }

@@ -96,7 +96,7 @@ TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
               R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
               R"("difference":{"meanSquaredError":-0.125,"standardError":0.25},)"
               R"("recommended":"either","recommendation":"Take either."}],)"
-              R"("selectsTerms":false,)"
+              R"("terms":"quadratic","selectsTerms":false,)"
               R"("seconds":{"read":0.25,"compare":0.5}})");
 }
 

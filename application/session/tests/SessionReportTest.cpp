@@ -81,8 +81,10 @@ TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
 
     const Json json = Json::parse(SessionReport::fitJson(session, 0.25));
 
-    EXPECT_EQ(keysOf(json), (Keys{"cases", "inputs", "model", "outputs", "schema", "seconds"}));
+    EXPECT_EQ(keysOf(json), (Keys{"cases", "inputs", "model", "outputs", "schema", "seconds",
+                                  "selectsTerms", "terms"}));
     EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["terms"], "quadratic");
     EXPECT_EQ(json["cases"],
               Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
     EXPECT_EQ(json["model"], "response-surface");

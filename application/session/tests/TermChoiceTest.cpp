@@ -3,6 +3,7 @@
 #include <session/CaseSession.h>
 #include <session/ProjectDocument.h>
 #include <session/ProjectReport.h>
+#include <session/SessionErrors.h>
 #include <session/SessionReport.h>
 
 #include "CvdCases.h"
@@ -224,4 +225,81 @@ TEST_F(TermChoiceInProject, IsShownOfADocument)
     EXPECT_EQ(ProjectReport::text(session().document()).find("selected"), std::string::npos);
     EXPECT_EQ(Json::parse(ProjectReport::json(selecting()))["selectsTerms"], true);
     EXPECT_EQ(Json::parse(ProjectReport::json(session().document()))["selectsTerms"], false);
+}
+
+TEST(PolynomialChoice, IsThatOfTheFitAndOfWhatIsSaidAboutIt)
+{
+    CaseSession chosen = session();
+    EXPECT_EQ(chosen.polynomial(), PolynomialTerms::Quadratic);
+    chosen.fit();
+
+    chosen.choosePolynomial(PolynomialTerms::Interactions);
+
+    const Json json = Json::parse(SessionReport::fitJson(chosen, 0.0));
+    EXPECT_EQ(json["terms"], "interactions");
+    EXPECT_EQ(json["selectsTerms"], false);
+    EXPECT_EQ(json["outputs"][0]["coefficients"].size(), 4u);
+    EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
+    EXPECT_NE(SessionReport::fitText(chosen).find(
+                  "\nModel   response surface, linear with interactions\n"),
+              std::string::npos);
+    EXPECT_EQ(chosen.equationText().find("^2"), std::string::npos);
+    EXPECT_EQ(TermSelectionScope::currentTerms(), PolynomialTerms::Quadratic);
+}
+
+TEST(PolynomialChoice, GoesTogetherWithTheSelectionOfTerms)
+{
+    CaseSession chosen = session();
+    chosen.chooseTerms(CaseSession::SelectedTerms);
+    chosen.choosePolynomial(PolynomialTerms::Linear);
+
+    EXPECT_EQ(chosen.terms(), CaseSession::SelectedTerms);
+    EXPECT_EQ(droppedBy(chosen), Texts{"V2"});
+    EXPECT_NE(SessionReport::fitText(chosen).find(
+                  "\nModel   response surface, linear, terms selected by AICc\n"),
+              std::string::npos);
+}
+
+TEST_F(TermChoiceInProject, TheTermsOfThePolynomialComeBackFromADocument)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    CaseSession chosen = session();
+    chosen.choosePolynomial(PolynomialTerms::Linear);
+    const ProjectDocument saved = chosen.document();
+    saved.save(path);
+    EXPECT_NE(folder.read("p.surrogate.xml").find("  <Polynomial Terms=\"Linear\"/>\n"),
+              std::string::npos);
+    EXPECT_EQ(Json::parse(ProjectReport::json(saved))["terms"], "linear");
+    EXPECT_NE(ProjectReport::text(saved).find("linear, if it is a response surface\n"),
+              std::string::npos);
+
+    CaseSession loaded = session();
+    loaded.load(ProjectDocument::load(path));
+
+    EXPECT_EQ(loaded.polynomial(), PolynomialTerms::Linear);
+    EXPECT_TRUE(loaded.document() == saved);
+    loaded.load(session().document());
+    EXPECT_EQ(loaded.polynomial(), PolynomialTerms::Quadratic);
+}
+
+TEST_F(TermChoiceInProject, UnknownTermsOfAPolynomialAreRefused)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    CaseSession chosen = session();
+    chosen.choosePolynomial(PolynomialTerms::Linear);
+    chosen.document().save(path);
+    std::string text = folder.read("p.surrogate.xml");
+    text.replace(text.find("\"Linear\""), 8, "\"Cubic\"");
+    folder.write("p.surrogate.xml", text);
+
+    try {
+        ProjectDocument::load(path);
+        FAIL();
+    } catch (const ProjectDocumentError& error) {
+        EXPECT_NE(std::string(error.what())
+                      .find("the attribute \"Terms\" of the element \"Polynomial\" must be "
+                            "\"Linear\", \"Interactions\" or \"Quadratic\", not \"Cubic\"."),
+                  std::string::npos)
+            << error.what();
+    }
 }

@@ -58,14 +58,12 @@ TEST(QuadraticBasis, CountsItsTermsWithoutBeingMade)
               std::numeric_limits<std::size_t>::max());
 }
 
-TEST(QuadraticBasis, TakesTheHighestOrderThatTheCasesDetermine)
+TEST(QuadraticBasis, FindsTheProductOfTwoInputs)
 {
-    EXPECT_EQ(QuadraticBasis::highestOrder(2, 2, 6), 2);
-    EXPECT_EQ(QuadraticBasis::highestOrder(2, 2, 5), 1);
-    EXPECT_EQ(QuadraticBasis::highestOrder(2, 2, 3), 1);
-    EXPECT_EQ(QuadraticBasis::highestOrder(2, 2, 2), 0);
-    EXPECT_EQ(QuadraticBasis::highestOrder(2, 1, 100), 1);
-    EXPECT_EQ(QuadraticBasis::highestOrder(0, 2, 9), 0);
+    const QuadraticBasis basis(4, 2);
+    for (std::size_t term = 5; term < basis.size(); ++term) {
+        EXPECT_EQ(basis.productOf(basis.terms()[term].first, basis.terms()[term].second), term);
+    }
 }
 
 TEST(QuadraticBasis, EvaluatesColumnByColumn)
