@@ -16,13 +16,16 @@
 namespace {
 using Pictures = std::vector<std::vector<std::string>>;
 
+/** Two pictures stand side by side: larger ones would be shrunk until nobody could read them. */
+const PictureSize sizeOnPage = {540, 420};
+
 /** A picture that cannot be made is no reason to do without the others. */
 void addPictures(const std::string& kind, CaseSession& session, Pictures& pictures)
 {
     try {
         const std::vector<PictureData> made = pictureLibrary().make(kind, session);
         for (std::size_t i = 0; i < pictures.size() && i < made.size(); ++i) {
-            pictures[i].push_back(pictureLibrary().inlineSvg(made[i], PictureSize()));
+            pictures[i].push_back(pictureLibrary().inlineSvg(made[i], sizeOnPage));
         }
     } catch (const SurrogateModelInterface::Error& error) {
         for (std::vector<std::string>& ofOutput : pictures) {
@@ -37,7 +40,7 @@ void addSweeps(CaseSession& session, Pictures& pictures)
     const std::vector<std::vector<PictureData>> made = pictureLibrary().reportSweeps(session);
     for (std::size_t i = 0; i < pictures.size(); ++i) {
         for (const PictureData& picture : made[i]) {
-            pictures[i].push_back(pictureLibrary().inlineSvg(picture, PictureSize()));
+            pictures[i].push_back(pictureLibrary().inlineSvg(picture, sizeOnPage));
         }
     }
 }

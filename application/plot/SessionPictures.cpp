@@ -554,13 +554,13 @@ void SessionPictures::check(Kind kind, const CaseSession& session)
                                              : std::to_string(swept) + " are";
     if (kind == Kind::Sweep && swept != 1) {
         throw UsageError("A picture of kind sweep needs one swept input and " + present +
-                         ": name it with --count NAME=N or --sweep NAME=TEXT, and hold others "
-                         "with --at NAME=VALUE.");
+                         ": name it with --sweep NAME, --sweep NAME=TEXT or --count NAME=N, and "
+                         "hold others with --at NAME=VALUE.");
     }
     if (kind == Kind::Contour && swept != 2) {
         throw UsageError("A picture of kind contour needs two swept inputs and " + present +
-                         ": name each with --count NAME=N or --sweep NAME=TEXT, and hold others "
-                         "with --at NAME=VALUE.");
+                         ": name each with --sweep NAME, --sweep NAME=TEXT or --count NAME=N, and "
+                         "hold others with --at NAME=VALUE.");
     }
     if (kind == Kind::Coefficients && session.modelType() == CaseSession::Kriging) {
         throw UsageError("Only the response surface has coefficients to draw: take "
@@ -597,7 +597,8 @@ void SessionPictures::sweepWhatIsLeft(Kind kind, CaseSession& session,
         const auto isAmong = [input](const std::vector<std::size_t>& positions) {
             return std::find(positions.begin(), positions.end(), input) != positions.end();
         };
-        if (!isAmong(swept) && !isAmong(held)) {
+        const auto [least, most] = session.inputs()[input].lock()->range();
+        if (least < most && !isAmong(swept) && !isAmong(held)) {
             left.push_back(input);
         }
     }

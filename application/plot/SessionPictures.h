@@ -33,7 +33,8 @@ SURROGATE_PLOT_EXPORT Kind kindOf(const std::string& word);
 
 /**
  * Sweeps evenly, in pictures of a sweep and of a contour, the inputs that nothing is said about: if
- * they are exactly those that the kind needs beside the swept ones.
+ * they are exactly those that the kind needs beside the swept ones, not counting inputs without a
+ * range.
  * @param held positions of inputs that are to stay where they are.
  */
 SURROGATE_PLOT_EXPORT void sweepWhatIsLeft(Kind kind, CaseSession& session,

@@ -20,7 +20,7 @@ h3 { font-size: 1em; margin-bottom: 0.3em; }
 table { border-collapse: collapse; font-variant-numeric: tabular-nums; margin: 0.3em 0 1em; }
 th, td { padding: 0.15em 0.8em; text-align: right; border-bottom: 1px solid #ddd; }
 th { border-bottom: 1px solid #999; } th:first-child, td:first-child { text-align: left; }
-table.figures td { text-align: left; }
+table.figures td { text-align: left; } table.figures td:first-child { white-space: nowrap; }
 .wide { overflow-x: auto; } .warning { border-left: 4px solid #d55e00; padding-left: 0.6em; }
 pre { white-space: pre-wrap; overflow-wrap: anywhere; }
 .pictures { display: flex; flex-wrap: wrap; gap: 1em; }

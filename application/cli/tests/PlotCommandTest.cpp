@@ -96,7 +96,8 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
                   "not.");
     expectFailure(sweep + "--at H2/WF6=6 --kind contour -o picture.svg", 2,
                   "A picture of kind contour needs two swept inputs and one is: name each with "
-                  "--count NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+                  "--sweep NAME, --sweep NAME=TEXT or --count NAME=N, and hold others with --at "
+                  "NAME=VALUE.");
     expectFailure(sweep + "--kind actual -o picture.svg", 2,
                   "--sweep, --count and --at belong to pictures of kind sweep and contour.");
     expectFailure("plot cvd.csv -y Stress -m kriging --kind coefficients -o picture.svg", 2,

@@ -169,6 +169,17 @@ TEST(SessionPictures, WhatIsLeftIsSweptWhereItIsAllThatThePictureNeeds)
               7u);
 }
 
+TEST(SessionPictures, AnInputThatDoesNotVaryIsNotLeftToBeSwept)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    SessionPictures::sweepWhatIsLeft(Kind::Sweep, session, {});
+
+    EXPECT_EQ(session.sweptInputs(), std::vector<std::size_t>{0});
+}
+
 TEST(SessionPictures, WhatIsLeftStaysWhereItIsNotClearWhatToSweep)
 {
     CaseSession session = cvdSession();
@@ -354,14 +365,14 @@ TEST(SessionPictures, ASweepNeedsOneInputAndAContourTwo)
 {
     CaseSession session = cvdSession();
     EXPECT_EQ(refusal(Kind::Sweep, session),
-              "A picture of kind sweep needs one swept input and none is: name it with --count "
-              "NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+              "A picture of kind sweep needs one swept input and none is: name it with --sweep "
+              "NAME, --sweep NAME=TEXT or --count NAME=N, and hold others with --at NAME=VALUE.");
 
     session.sweepEvenly(0, 5);
     EXPECT_EQ(refusal(Kind::Sweep, session), "");
     EXPECT_EQ(refusal(Kind::Contour, session),
-              "A picture of kind contour needs two swept inputs and one is: name each with --count "
-              "NAME=N or --sweep NAME=TEXT, and hold others with --at NAME=VALUE.");
+              "A picture of kind contour needs two swept inputs and one is: name each with --sweep "
+              "NAME, --sweep NAME=TEXT or --count NAME=N, and hold others with --at NAME=VALUE.");
 
     session.sweepEvenly(1, 5);
     EXPECT_EQ(refusal(Kind::Contour, session), "");

@@ -149,12 +149,17 @@ TEST(PolynomialGrid, IsThePolynomialOfEachPoint)
 
 TEST(PolynomialGrid, TakesShortAxesTogether)
 {
-    const PolynomialPredictor predictor = predictorOf(5);
     const Columns columns = gridOf(
         5, {{{4}, valuesOf(6)}, {{1}, valuesOf(5)}, {{3}, valuesOf(7)}, {{0}, valuesOf(11)}});
+    EXPECT_TRUE(isRecognised(predictorOf(5), columns));
+    expectPolynomial(predictorOf(5), columns);
 
-    EXPECT_TRUE(isRecognised(predictor, columns));
-    expectPolynomial(predictor, columns);
+    std::vector<std::pair<std::vector<std::size_t>, Columns>> axes;
+    for (std::size_t input = 0; input < 8; ++input) {
+        axes.push_back({{input}, valuesOf(3)});
+    }
+    EXPECT_TRUE(isRecognised(predictorOf(8), gridOf(8, axes)));
+    expectPolynomial(predictorOf(8), gridOf(8, axes));
 }
 
 TEST(PolynomialGrid, MayHaveSeveralInputsOnAnAxis)
