@@ -443,13 +443,20 @@ void Search::tryFarLengths(const std::vector<double>& upper)
 {
     constexpr double little = 60.0; // influence, but enough for a slope that leads back
     constexpr double near = 0.4;
+    constexpr std::size_t most = 20; // inputs, those with the shortest of these lengths
 
     Optimum& best = optima.front();
-    Optimum highest = best;
+    std::vector<std::size_t> far;
     for (std::size_t k = 0; k < variables.lengths; ++k) {
-        if (best.point[k] <= std::log(KrigingSearchVariables::faint)) {
-            continue;
+        if (best.point[k] > std::log(KrigingSearchVariables::faint)) {
+            far.push_back(k);
         }
+    }
+    std::stable_sort(far.begin(), far.end(),
+                     [&](std::size_t a, std::size_t b) { return best.point[a] < best.point[b]; });
+    far.resize(std::min(far.size(), most));
+    Optimum highest = best;
+    for (const std::size_t k : far) {
         for (const double place : {std::log(little), variables.upper[k]}) {
             if (std::fabs(place - best.point[k]) < near) {
                 continue;

@@ -321,6 +321,32 @@ TEST(KrigingSearch, NeedsFewEvaluationsWhereTheLikelihoodHasManyOptima)
     EXPECT_LT(evaluations, 10u * 85u);
 }
 
+TEST(KrigingSearch, LooksAtFewOfManyInputsWithoutInfluence)
+{
+    const Columns x = latinHypercube(80, 60, 5);
+    const auto data =
+        dataOf(x, valuesOf([](const std::vector<double>& p) { return std::sin(5.0 * p[0]); }, x));
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+
+    EXPECT_LT(result.evaluations, 100u);
+    EXPECT_LT(result.parameters.lengths[0], 3.0);
+}
+
+TEST(KrigingSearch, GivesUpWhatWillHardlyBeEnough)
+{
+    const auto data = wave(40);
+    KrigingSearch::Settings settings;
+    settings.starts = {{{0.1, 0.1}, 1e-6}};
+    const KrigingSearch::Result usual = KrigingSearch::run(data, settings);
+    settings.enough = usual.logLikelihood + 1000.0;
+
+    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
+
+    EXPECT_LT(result.evaluations, usual.evaluations);
+    EXPECT_LT(result.logLikelihood, usual.logLikelihood);
+}
+
 TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)
 {
     double last = 0.0;
