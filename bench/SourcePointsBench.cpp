@@ -85,4 +85,52 @@ void buildPipelineTable(benchmark::State& state)
 }
 BENCHMARK(buildPipelineTable)->ArgName("cases")->Arg(1000000)->Unit(benchmark::kMillisecond);
 
+/** Every second case out and in again, looking each time at which are out. */
+void excludeHalfOfTheCases(benchmark::State& state)
+{
+    const boost::shared_ptr<Project> project =
+        openProject(static_cast<std::size_t>(state.range(0)));
+    std::vector<std::size_t> half;
+    for (std::size_t row = 0; row < project->recordCount(); row += 2) {
+        half.push_back(row);
+    }
+    for (auto _ : state) {
+        project->setRowsIncluded(half, false);
+        benchmark::DoNotOptimize(project->excludedRows().data());
+        project->setRowsIncluded(half, true);
+        benchmark::DoNotOptimize(project->excludedRows().data());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    Project::setProject(nullptr);
+}
+BENCHMARK(excludeHalfOfTheCases)->ArgName("cases")->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+/** The floor: the same with a plain column of flags. */
+void flagHalfOfTheCases(benchmark::State& state)
+{
+    std::vector<char> isExcluded(static_cast<std::size_t>(state.range(0)));
+    std::vector<std::size_t> half;
+    for (std::size_t row = 0; row < isExcluded.size(); row += 2) {
+        half.push_back(row);
+    }
+    const auto flag = [&](char value) {
+        for (const std::size_t row : half) {
+            isExcluded[row] = value;
+        }
+        std::vector<std::size_t> rows;
+        for (std::size_t row = 0; row < isExcluded.size(); ++row) {
+            if (isExcluded[row] != 0) {
+                rows.push_back(row);
+            }
+        }
+        benchmark::DoNotOptimize(rows.data());
+    };
+    for (auto _ : state) {
+        flag(1);
+        flag(0);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(flagHalfOfTheCases)->ArgName("cases")->Arg(1000000)->Unit(benchmark::kMillisecond);
+
 } // namespace

@@ -161,18 +161,12 @@ void SessionState::chooseRoles(const CaseRoles& roles)
 void SessionState::exclude(const std::vector<std::size_t>& excluded)
 {
     const Project::ChangeGroup oneChange(*project);
-    const auto ids = project->sharedRecordIds();
-    const auto include = [&](const std::vector<std::size_t>& positions, bool isIncluded) {
-        for (const std::size_t position : positions) {
-            project->setIncluded(project->record((*ids)[position]), isIncluded);
-        }
-    };
     std::vector<std::size_t> takenInAgain;
     const std::vector<std::size_t> before = this->excluded();
     std::set_difference(before.begin(), before.end(), excluded.begin(), excluded.end(),
                         std::back_inserter(takenInAgain));
-    include(takenInAgain, true);
-    include(excluded, false);
+    project->setRowsIncluded(takenInAgain, true);
+    project->setRowsIncluded(excluded, false);
 }
 
 void SessionState::chooseTerms(const TermSettings& wanted)
@@ -189,14 +183,7 @@ void SessionState::chooseTerms(const TermSettings& wanted)
 
 std::vector<std::size_t> SessionState::excluded() const
 {
-    std::vector<std::size_t> positions;
-    const auto ids = project->sharedRecordIds();
-    for (std::size_t i = 0; i < ids->size(); ++i) {
-        if (!project->record((*ids)[i]).lock()->isIncluded()) {
-            positions.push_back(i);
-        }
-    }
-    return positions;
+    return project->excludedRows();
 }
 
 void SessionState::load(const ProjectDocument& document)

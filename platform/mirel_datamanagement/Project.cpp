@@ -431,6 +431,24 @@ void Project::setIncluded(const RecordPtr& handle, bool isIncluded)
     }
 }
 
+void Project::setRowsIncluded(const std::vector<std::size_t>& rows, bool isIncluded)
+{
+    const auto last = std::max_element(rows.begin(), rows.end());
+    if (last != rows.end() && *last >= recordCount()) {
+        throw ProjectError("There is no record at position " + std::to_string(*last) +
+                           "; the project has " + std::to_string(recordCount()) +
+                           " records, counted from 0.");
+    }
+    if (impl->records.setIncluded(rows, isIncluded)) {
+        Changes::report(impl->changes);
+    }
+}
+
+std::vector<std::size_t> Project::excludedRows() const
+{
+    return impl->records.excludedRows();
+}
+
 const std::vector<double>& Project::numericValues(const VarPtr& handle) const
 {
     return impl->ownedOfKind(handle, true).numbers.get();

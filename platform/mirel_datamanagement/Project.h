@@ -118,6 +118,15 @@ public:
     void setIncluded(const RecordPtr& record, bool isIncluded);
 
     /**
+     * The same for many records at once, by their positions in record order, as one change.
+     * @throw ProjectError for a position at which there is no record; nothing is changed then.
+     */
+    void setRowsIncluded(const std::vector<std::size_t>& rows, bool isIncluded);
+
+    /** The positions of the records that are not included, ascending. */
+    std::vector<std::size_t> excludedRows() const;
+
+    /**
      * The cells of a variable, one per record in record order; also of a removed variable. The
      * reference is good until the next change of the project; the shared form keeps these values
      * for as long as it is held, since the project changes a copy then.

@@ -45,6 +45,12 @@ public:
     /** @return whether that changed anything. */
     bool setIncluded(Record& record, bool isIncluded);
 
+    /** The same for the records of rows that are there. */
+    bool setIncluded(const std::vector<std::size_t>& rows, bool isIncluded);
+
+    /** Ascending. */
+    std::vector<std::size_t> excludedRows() const;
+
 private:
     struct Block;
 
@@ -56,6 +62,7 @@ private:
     };
 
     Block& block(unsigned long id) const;
+    std::size_t rowOf(unsigned long id, std::size_t from) const;
     std::size_t identityOf(unsigned long id) const;
 
     CopyOnWriteColumn<unsigned long> idColumn;

@@ -23,6 +23,7 @@ std::vector<unsigned long> idsOf(const std::vector<RecordPtr>& records)
 }
 
 using Ids = std::vector<unsigned long>;
+using Rows = std::vector<std::size_t>;
 
 struct ProjectRecords : testing::Test
 {
@@ -132,6 +133,71 @@ TEST_F(ProjectRecords, StayExcludedWhenOthersComeAndGo)
     project.addRecord();
     EXPECT_FALSE(project.record(300).lock()->isIncluded());
     EXPECT_TRUE(project.record(301).lock()->isIncluded());
+}
+
+TEST_F(ProjectRecords, AreExcludedAndIncludedTogether)
+{
+    addMany();
+    project.record(3);
+    int changes = 0;
+    project.connectSignalChanged([&changes] { ++changes; });
+
+    project.setRowsIncluded({999, 2, 2, 500}, false);
+    EXPECT_EQ(project.excludedRows(), (Rows{2, 500, 999}));
+    EXPECT_FALSE(project.record(3).lock()->isIncluded());
+    EXPECT_FALSE(project.record(1000).lock()->isIncluded());
+    EXPECT_TRUE(project.record(4).lock()->isIncluded());
+    EXPECT_EQ(changes, 1);
+
+    project.setRowsIncluded({2, 500, 7}, true);
+    EXPECT_EQ(project.excludedRows(), (Rows{999}));
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(ProjectRecords, ThatAreExcludedAlreadyChangeNothing)
+{
+    addMany();
+    project.setRowsIncluded({5}, false);
+    int changes = 0;
+    project.connectSignalChanged([&changes] { ++changes; });
+
+    project.setRowsIncluded({5}, false);
+    project.setRowsIncluded({}, true);
+    project.setRowsIncluded({6}, true);
+
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ProjectRecords, AreExcludedByTheirPositionsAfterARemoval)
+{
+    addMany();
+    for (const unsigned long id : {1UL, 2UL, 300UL, 999UL}) {
+        project.removeRecord(project.record(id));
+    }
+    // Excluded before it was removed: it is in no position now.
+    project.setIncluded(project.record(700), false);
+    project.removeRecord(project.record(700));
+
+    project.setRowsIncluded({0, 297, 995 - 1}, false);
+
+    EXPECT_EQ(project.excludedRows(), (Rows{0, 297, 994}));
+    EXPECT_FALSE(project.record(3).lock()->isIncluded());
+    EXPECT_FALSE(project.record(301).lock()->isIncluded());
+    EXPECT_FALSE(project.record(1000).lock()->isIncluded());
+    EXPECT_EQ(project.recordCount(), 995u);
+}
+
+TEST_F(ProjectRecords, ThatAreNotThereCannotBeExcludedTogetherWithOthers)
+{
+    project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0});
+    try {
+        project.setRowsIncluded({0, 2}, false);
+        FAIL();
+    } catch (const ProjectError& error) {
+        EXPECT_STREQ(error.what(), "There is no record at position 2; the project has 2 records, "
+                                   "counted from 0.");
+    }
+    EXPECT_TRUE(project.excludedRows().empty());
 }
 
 TEST_F(ProjectRecords, AreTheSameObjectsEveryTime)
