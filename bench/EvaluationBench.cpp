@@ -10,6 +10,7 @@
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datapipeline/ProjectDataPipelineManager.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
 #include <property/Property.h>
 
 #include <vtkTable.h>
@@ -18,6 +19,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -54,26 +57,27 @@ struct Study
     explicit Study(std::size_t valuesPerInput)
     {
         std::vector<std::vector<double>> columns = uniformColumns(inputCount, 200);
-        std::vector<double> output(200);
-        for (std::size_t r = 0; r < output.size(); ++r) {
-            output[r] = std::sin(3 * columns[0][r]) * columns[1][r] + columns[2][r];
+        std::vector<double> results(200);
+        for (std::size_t r = 0; r < results.size(); ++r) {
+            results[r] = std::sin(3 * columns[0][r]) * columns[1][r] + columns[2][r];
         }
         for (std::size_t i = 0; i < inputCount; ++i) {
             inputs.push_back(project->addNumericVariable(
                 "x" + std::to_string(i), Variable::Independent, std::move(columns[i])));
         }
-        const VarPtr y = project->addNumericVariable("y", Variable::Dependent, std::move(output));
+        output = project->addNumericVariable("y", Variable::Dependent, std::move(results));
         Project::setProject(project);
         const UndoStack::SuspendUndoRecording suspension;
         manager = boost::make_shared<SurrogateModelManager>(
             boost::make_shared<ProjectDataPipelineManager>(project));
         manager->independentVars()->set(inputs);
-        grid = boost::make_shared<EvenGrid>(manager, distributions, valuesPerInput, y);
+        grid = boost::make_shared<EvenGrid>(manager, distributions, valuesPerInput, output);
     }
     ~Study() { Project::setProject(nullptr); }
 
     boost::shared_ptr<Project> project = boost::make_shared<Project>();
     std::vector<VarPtr> inputs;
+    VarPtr output;
     veska::Property<SurrogateModelUserDistCollection> distributions;
     boost::shared_ptr<SurrogateModelManager> manager;
     boost::shared_ptr<EvenGrid> grid;
@@ -97,6 +101,20 @@ BENCHMARK(fillGrid)
     ->Arg(215) // 10 million rows
     ->Unit(benchmark::kMillisecond);
 
+/** Another floor of the grid: memory of its size, fresh from the system, set to one byte. */
+void setFreshMemory(benchmark::State& state)
+{
+    const std::int64_t rows = state.range(0) * state.range(0) * state.range(0);
+    const auto bytes = static_cast<std::size_t>(rows) * (inputCount + 1) * sizeof(double);
+    for (auto _ : state) {
+        void* const memory = std::malloc(bytes);
+        benchmark::DoNotOptimize(std::memset(memory, 1, bytes));
+        std::free(memory);
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
+}
+BENCHMARK(setFreshMemory)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
+
 /** The floor: first fill of fresh columns of the same size. */
 void fillFreshColumns(benchmark::State& state)
 {
@@ -111,6 +129,53 @@ void fillFreshColumns(benchmark::State& state)
                             static_cast<std::int64_t>(inputCount + 1));
 }
 BENCHMARK(fillFreshColumns)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
+
+/** What the filter costs beside the model: the model writes one value. */
+class IdleModel : public SurrogateModelInterface
+{
+public:
+    void activateDependentVariables(const std::set<int>&) override {}
+    void interpolateDependentValues(const std::vector<double*>&, const std::set<int>&,
+                                    std::vector<double*>& outputs, std::size_t) const override
+    {
+        *outputs.front() = 1.0;
+    }
+    bool surfaceCoefficientInformationAvailable() const override { return false; }
+    bool qualityMetricInformationAvailable() const override { return false; }
+    std::string surfaceCoefficientInformation(int) const override { return {}; }
+    std::string qualityMetricInformation(int) const override { return {}; }
+};
+
+class IdleManager : public SurrogateModelManager
+{
+public:
+    using SurrogateModelManager::SurrogateModelManager;
+    SurrogateModelInterface& model(const std::set<VarPtr>&) const override { return idle; }
+    SurrogateModelInterface& model(const std::set<int>&) const override { return idle; }
+
+private:
+    mutable IdleModel idle;
+};
+
+void runFilterOverIdleModel(benchmark::State& state)
+{
+    const Study study(static_cast<std::size_t>(state.range(0)));
+    const UndoStack::SuspendUndoRecording suspension;
+    const auto manager = boost::make_shared<IdleManager>(
+        boost::make_shared<ProjectDataPipelineManager>(study.project));
+    manager->independentVars()->set(study.inputs);
+    for (auto _ : state) {
+        // A filter of its own each time: one that is updated again has its columns' memory.
+        const auto grid = boost::make_shared<EvenGrid>(
+            manager, study.distributions, static_cast<std::size_t>(state.range(0)), study.output);
+        SurrogateModelQueryToTable::New(manager, grid)->Update();
+    }
+}
+BENCHMARK(runFilterOverIdleModel)
+    ->ArgName("valuesPerInput")
+    ->Arg(100)
+    ->Arg(215)
+    ->Unit(benchmark::kMillisecond);
 
 void runFilter(benchmark::State& state)
 {

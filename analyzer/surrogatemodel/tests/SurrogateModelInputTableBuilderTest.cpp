@@ -4,6 +4,7 @@
 #include "FixedVariables.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
 #include <mirel_property/tests/VirtualSlot.h>
 
 #include <vtkDoubleArray.h>
@@ -364,3 +365,27 @@ TEST_F(SurrogateModelInputTableBuilderTest, KeepsTheOrderOfItsVirtualOperations)
 }
 
 } // namespace
+
+TEST_F(SurrogateModelInputTableBuilderTest, TakesTheMemoryOfItsColumnsAndAFixedAmount)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    independent("A", Values(100, 1.0));
+    independent("B", Values(100, 2.0));
+    const VarPtr last = independent("C", Values());
+    dependent("Y");
+    const auto growthOver = [&](std::size_t lastValues) {
+        variables.inputs[last] = Values(lastValues, 3.0);
+        return megabytesGrownBy([&] { builder(); });
+    };
+
+    const int small = growthOver(100);
+    const int large = growthOver(400);
+
+    const int smallColumns = 4 * 8; // megabytes, as are these
+    const int fixed = 8;
+    EXPECT_GE(small, smallColumns - 2);
+    EXPECT_LE(small, smallColumns + fixed);
+    EXPECT_LE(large, 4 * smallColumns + fixed);
+}

@@ -3,6 +3,8 @@
 
 #include "QueryTest.h"
 
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
+
 #include <QCoreApplication>
 
 #include <vtkDataObject.h>
@@ -593,4 +595,25 @@ TEST_F(SurrogateModelQueryToTableTest, EvaluatesVariablesThatWereRemovedFromTheP
 
     EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1"}));
     EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
+}
+
+TEST_F(SurrogateModelQueryToTableTest, TakesTheMemoryOfOneTableHoweverOftenItRuns)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    variables->inputs = {{x1, std::vector<double>(1000, 1.0)},
+                         {x2, std::vector<double>(1000, 2.0)}};
+
+    const int growth = megabytesGrownBy([&] {
+        for (int run = 0; run < 3; ++run) {
+            filter->Modified();
+            update();
+        }
+    });
+
+    const int columns = 3 * 8; // megabytes
+    const int fixed = 8;
+    EXPECT_GE(growth, columns - 2);
+    EXPECT_LE(growth, columns + fixed);
 }

@@ -1,9 +1,10 @@
 #include <session/CaseFileReader.h>
 
-#include "MemoryGrowth.h"
 #include "TemporaryFolder.h"
 
 #include <session/SessionErrors.h>
+
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
 
 #include <gtest/gtest.h>
 

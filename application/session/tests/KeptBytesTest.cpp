@@ -1,7 +1,8 @@
 #include <session/KeptBytes.h>
 
 #include "ChildProcess.h"
-#include "MemoryGrowth.h"
+
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "ChildProcess.h"
-
 #include <algorithm>
 #include <cstddef>
 
 #include <malloc.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 /** Whether the memory that a process holds says anything of what it asked for. */
 #ifdef __SANITIZE_ADDRESS__
@@ -29,9 +29,13 @@ int megabytesGrownBy(const Function& run)
 {
     // What was freed would be there for the function without any growth.
     malloc_trim(0);
-    return exitCodeOf([&] {
+    const pid_t child = fork();
+    if (child == 0) {
         const std::size_t before = mostBytesHeld();
         run();
-        return static_cast<int>(std::min<std::size_t>((mostBytesHeld() - before) >> 20, 254));
-    });
+        _exit(static_cast<int>(std::min<std::size_t>((mostBytesHeld() - before) >> 20, 254)));
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
