@@ -601,9 +601,7 @@ void KrigingGrid::prepareCondensing(GridSide others)
             fastTrend.push_back(fast->isFinite(f) ? polynomial.at(f) : notANumber);
         }
     }
-    const std::size_t perRow =
-        (condensed->workspacePerRow() + fast->size + correlation().correlationStride()) *
-        sizeof(double);
+    const std::size_t perRow = condensed->workspacePerRow() * sizeof(double);
     tileSize = std::clamp(tileBytes / perRow / smallestTile * smallestTile, smallestTile, mostRows);
 }
 
