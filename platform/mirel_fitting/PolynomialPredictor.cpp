@@ -15,6 +15,19 @@ constexpr std::size_t pointsPerBlock = 256;
 /** Fewer points are evaluated before a grid among them has been looked for. */
 constexpr std::size_t fewestOfGrid = 1024;
 
+/** @param notFinite becomes NaN where the column is not finite. */
+SURROGATE_SIMD void scale(const double* column, const PolynomialPredictor::Scale& scale,
+                          std::size_t points, double* z, double* notFinite)
+{
+    const double centre = scale.centre;
+    const double perUnit = 1.0 / scale.unit;
+    // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+    for (std::size_t k = 0; k < points; ++k) {
+        z[k] = (column[k] - centre) * perUnit;
+        notFinite[k] += 0.0 * column[k];
+    }
+}
+
 /** values = sum over i of z_i (b_i + sum over j >= i of b_ij z_j), without the constant. */
 SURROGATE_SIMD void evaluate(const QuadraticBasis& basis, const std::vector<double>& coefficients,
                              const double* scaledInputs, double* values)
@@ -98,15 +111,8 @@ void PolynomialPredictor::predictScattered(const std::vector<double*>& inputs, s
         const std::size_t points = std::min(pointsPerBlock, last - start);
         std::fill_n(notFinite, pointsPerBlock, 0.0);
         for (std::size_t input = 0; input < inputs.size(); ++input) {
-            const double* column = inputs[input] + start;
-            const double centre = scales[input].centre;
-            const double perUnit = 1.0 / scales[input].unit;
-            double* z = scaledInputs.data() + input * pointsPerBlock;
-            // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
-            for (std::size_t k = 0; k < points; ++k) {
-                z[k] = (column[k] - centre) * perUnit;
-                notFinite[k] += 0.0 * column[k];
-            }
+            scale(inputs[input] + start, scales[input], points,
+                  scaledInputs.data() + input * pointsPerBlock, notFinite);
         }
         for (std::size_t w = 0; w < wanted.size(); ++w) {
             const Output& output = fits[wanted[w]];
