@@ -105,8 +105,8 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
     if (session.polynomial() != PolynomialTerms::Quadratic) {
-        text += "Order   the response surface has terms of the kind " +
-                std::string(termsWord(session.polynomial())) + '\n';
+        text += std::string("Order   the response surface is linear") +
+                (session.polynomial() == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
     if (session.terms() == CaseSession::SelectedTerms) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";

@@ -20,6 +20,7 @@ h3 { font-size: 1em; margin-bottom: 0.3em; }
 table { border-collapse: collapse; font-variant-numeric: tabular-nums; margin: 0.3em 0 1em; }
 th, td { padding: 0.15em 0.8em; text-align: right; border-bottom: 1px solid #ddd; }
 th { border-bottom: 1px solid #999; } th:first-child, td:first-child { text-align: left; }
+td + td { white-space: nowrap; } table.figures td + td { white-space: normal; }
 table.figures td { text-align: left; } table.figures td:first-child { white-space: nowrap; }
 .wide { overflow-x: auto; } .warning { border-left: 4px solid #d55e00; padding-left: 0.6em; }
 pre { white-space: pre-wrap; overflow-wrap: anywhere; }
@@ -163,6 +164,7 @@ std::string HtmlReport::text(CaseSession& session,
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n" +
                        element("title", escaped(title)) + "<style>" + style + "</style>\n" +
                        "</head>\n<body>\n" + element("h1", escaped(title));
+    html += element("p", "Model: " + SessionReport::modelText(session) + '.');
     html += element("p", "Cases: " + escaped(SessionReport::caseText(session)) + '.');
     html += tableText(inputTable(session));
     for (std::size_t i = 0; i < fits.size(); ++i) {

@@ -106,17 +106,6 @@ std::string modelName(const CaseSession& session)
     return session.modelType() == CaseSession::Kriging ? "kriging" : "response-surface";
 }
 
-/** "response surface", and which terms if they are not the usual ones. */
-std::string surfaceName(const CaseSession& session)
-{
-    const char* const polynomial = session.polynomial() == PolynomialTerms::Linear ? ", linear"
-                                   : session.polynomial() == PolynomialTerms::Interactions
-                                       ? ", linear with interactions"
-                                       : "";
-    return std::string("response surface") + polynomial +
-           (session.terms() == CaseSession::SelectedTerms ? ", terms selected by AICc" : "");
-}
-
 /** The members that all objects about a model begin with. */
 Json modelJson(const CaseSession& session)
 {
@@ -232,6 +221,19 @@ std::string fitText(const OutputFit& fit, const std::vector<std::string>& inputs
     return text;
 }
 } // namespace
+
+std::string SessionReport::modelText(const CaseSession& session)
+{
+    if (session.modelType() == CaseSession::Kriging) {
+        return "Kriging";
+    }
+    const char* const polynomial = session.polynomial() == PolynomialTerms::Linear ? ", linear"
+                                   : session.polynomial() == PolynomialTerms::Interactions
+                                       ? ", linear with interactions"
+                                       : "";
+    return std::string("response surface") + polynomial +
+           (session.terms() == CaseSession::SelectedTerms ? ", terms selected by AICc" : "");
+}
 
 std::string SessionReport::caseText(const CaseSession& session)
 {
@@ -351,8 +353,7 @@ std::string SessionReport::fitText(CaseSession& session)
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + caseText(session) + '\n';
-    text += std::string("Model   ") +
-            (session.modelType() == CaseSession::Kriging ? "Kriging" : surfaceName(session)) + '\n';
+    text += "Model   " + modelText(session) + '\n';
     std::vector<std::string> legend;
     legend.reserve(inputs.size());
     for (const std::string& input : inputs) {

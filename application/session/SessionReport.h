@@ -39,6 +39,10 @@ SURROGATE_SESSION_EXPORT std::string equationsJson(CaseSession& session, double 
  * outside the cases, limits that do not exist. One line each; empty if there is nothing. */
 SURROGATE_SESSION_EXPORT std::string notes(CaseSession& session);
 
+/** "Kriging", "response surface", "response surface, linear, terms selected by AICc": the usual
+ * terms go without saying. */
+SURROGATE_SESSION_EXPORT std::string modelText(const CaseSession& session);
+
 /** "11 read, 9 valid, 0 excluded, 2 invalid (Pressure 1, Stress 1)". */
 SURROGATE_SESSION_EXPORT std::string caseText(const CaseSession& session);
 

@@ -55,6 +55,14 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
     EXPECT_EQ(faultOf(html), "");
 }
 
+TEST(HtmlReport, SaysWhichTermsThereAre)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    session.choosePolynomial(PolynomialTerms::Linear);
+
+    EXPECT_TRUE(has(HtmlReport::text(session, {}), "<p>Model: response surface, linear.</p>"));
+}
+
 TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
 {
     CaseSession session = cvdSession(CaseSession::Kriging);
