@@ -251,15 +251,30 @@ public:
           isTaken(inputs.size())
     {}
 
-    bool isInput(const std::string& name) const
+    /** Whether a text is a name without a value, though perhaps of no variable. */
+    bool isName(const std::string& text) const
     {
-        return std::find(inputs.begin(), inputs.end(), name) != inputs.end();
+        const std::vector<std::string>& names = variables.names();
+        return text.find('=') == std::string::npos ||
+               std::find(names.begin(), names.end(), text) != names.end();
+    }
+
+    /** The input of this name; each may come once. */
+    std::size_t take(const std::string& option, const std::string& name)
+    {
+        return take(option, variables.position(name));
     }
 
     /** The input and the value of a text NAME=VALUE; each input may come once. */
     std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
     {
         const auto [position, value] = variables.assignment(option, text);
+        return {take(option, position), value};
+    }
+
+private:
+    std::size_t take(const std::string& option, std::size_t position)
+    {
         const std::string& name = variables.names()[position];
         const auto found = std::find(inputs.begin(), inputs.end(), name);
         if (found == inputs.end()) {
@@ -272,10 +287,9 @@ public:
                              "\" has values twice: name it in one of --sweep, --count and --at.");
         }
         isTaken[input] = true;
-        return {input, value};
+        return input;
     }
 
-private:
     VariableNames variables;
     std::vector<std::string> inputs;
     std::vector<bool> isTaken;
@@ -299,8 +313,8 @@ void OpenSession::chooseValues(const CommandLine& line, std::size_t usualCount)
 {
     InputFinder inputs(session);
     for (const std::string& text : line.sweeps) {
-        if (usualCount > 0 && inputs.isInput(text)) {
-            session.sweepEvenly(inputs.find("--sweep", text + '=').first, usualCount);
+        if (usualCount > 0 && inputs.isName(text)) {
+            session.sweepEvenly(inputs.take("--sweep", text), usualCount);
             continue;
         }
         const auto [input, value] = inputs.find("--sweep", text);

@@ -127,6 +127,13 @@ TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
     EXPECT_NE(named().find("At H2/WF6 = 2. "), std::string::npos);
     expectFailure("plot cvd.csv -y Uniformity -o picture.svg --kind contour --at Pressure", 2,
                   "--at needs NAME=VALUE, not \"Pressure\".");
+    EXPECT_EQ(run(plot + "--kind sweep --sweep Presure")
+                  .err.rfind("surrogate: There is no variable \"Presure\"; the nearest name is "
+                             "\"Pressure\". ",
+                             0),
+              0u);
+    expectFailure(plot + "--kind sweep --sweep Stress", 2,
+                  "\"Stress\" is no input, so that --sweep has no meaning for it.");
 }
 
 TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)
