@@ -121,6 +121,9 @@ void ColumnMemory::makeRoom(vtkDoubleArray& column, vtkIdType rows)
         }
     }
     if (block.memory == nullptr) {
+        // The columns of a table have one size: what is spare fits none of those to come, and must
+        // not add to the memory that they take.
+        freeSpare();
         block.memory = allocate(bytes);
     }
     InUse::instance().add(block, spare);

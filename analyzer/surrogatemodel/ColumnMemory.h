@@ -25,7 +25,8 @@ public:
 
     /**
      * Gives a column without values room for `rows` values, which are whatever the memory held.
-     * Columns below a megabyte are left to themselves: they cost little.
+     * Columns below a megabyte are left to themselves: they cost little. If nothing that is spare
+     * has that size, all of it goes back to the system first.
      * @throw std::bad_alloc
      */
     void makeRoom(vtkDoubleArray& column, vtkIdType rows);
