@@ -2,6 +2,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datamanagement/ProjectError.h>
+#include <mirel_datapipeline/SharedColumnArray.h>
 #include <mirel_datapipeline/isInvalidValue.h>
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -11,6 +12,7 @@
 #include <vtkStringArray.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
+#include <vtkUnsignedLongArray.h>
 #include <vtkVariant.h>
 
 #include <gtest/gtest.h>
@@ -20,6 +22,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -256,6 +259,15 @@ TEST_F(ProjectDataPipelineManagerTest, SharesTheColumnsOfNumbersWithTheProject)
 {
     auto* const column = vtkDoubleArray::SafeDownCast(table()->GetColumnByName("x"));
     EXPECT_EQ(column->GetPointer(0), project->numericValues(x).data());
+}
+
+TEST_F(ProjectDataPipelineManagerTest, DeliversArraysThatAnswerWhatStandsInMemory)
+{
+    // Readers that view numbers instead of asking for each know these types by name.
+    const vtkAbstractArray& ids = *table()->GetColumn(0);
+    const vtkAbstractArray& numbers = *table()->GetColumnByName("x");
+    EXPECT_TRUE(typeid(ids) == typeid(SharedColumnArray<vtkUnsignedLongArray>));
+    EXPECT_TRUE(typeid(numbers) == typeid(SharedColumnArray<vtkDoubleArray>));
 }
 
 TEST_F(ProjectDataPipelineManagerTest, LeavesPublishedColumnsAsTheyWere)
