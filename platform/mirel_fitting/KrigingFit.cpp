@@ -228,7 +228,7 @@ void Fitter::chooseTrend()
     const std::size_t lengths = options.correlationLengths.empty() ? data->inputs : 0;
     const std::size_t variance = 1;
     trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
-                                           options.trendOrder, lengths + variance);
+                                           options.trendOrder, lengths + variance, tellOfPreparing);
     data->terms = trend->size();
     data->trend = trend->matrix();
 }
@@ -269,7 +269,7 @@ bool Fitter::isExplainedByTrend() const
     }
     const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
     return std::sqrt(scatter) <= rounding &&
-           std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
+           std::sqrt(trend->leastSquares(data->output, tellOfPreparing).variance) <= rounding;
 }
 
 KrigingSearch::Settings Fitter::searchSettings() const
@@ -492,7 +492,8 @@ KrigingFit Fitter::ofManyCases()
     const std::size_t warningsOfAll = warnings.size();
     chooseTrend();
     warnOfTrend();
-    const std::vector<double> coefficients = trend->leastSquares(data->output).coefficients;
+    const std::vector<double> coefficients =
+        trend->leastSquares(data->output, tellOfPreparing).coefficients;
     if (isExplainedBy(coefficients, *all)) {
         data = std::make_shared<KrigingData>(*all);
         warnings.resize(warningsOfAll); // without those of the subset's trend
@@ -583,7 +584,8 @@ KrigingFit Fitter::withTrendAlone()
 {
     warnOfConflicts(true);
     warnOfTrend();
-    const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
+    const KrigingTrend::LeastSquares leastSquares =
+        trend->leastSquares(data->output, tellOfPreparing);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = leastSquares.coefficients;
     parts.processVariance = leastSquares.variance;

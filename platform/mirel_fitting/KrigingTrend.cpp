@@ -41,7 +41,7 @@ void orthogonalise(std::vector<double>& column, const std::vector<std::vector<do
 
 KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            const std::vector<double>& coordinates, int highestOrder,
-                           std::size_t otherParameters)
+                           std::size_t otherParameters, const Report& report)
     : inputCount(inputs)
 {
     // What is left of a column whose terms differ only by rounding, relative to the column.
@@ -55,6 +55,9 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
 
     const QuadraticBasis allTerms(inputs, usedOrder);
     for (const Term& term : allTerms.terms()) {
+        if (report) {
+            report();
+        }
         std::vector<double> column(cases, 1.0);
         for (const std::size_t factor : {term.first, term.second}) {
             for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < cases; ++i) {
@@ -122,7 +125,8 @@ const std::vector<double>& KrigingTrend::matrix() const
     return values;
 }
 
-KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output) const
+KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output,
+                                                      const Report& report) const
 {
     // Less than this left of a case is rounding: without it the trend is not determined.
     constexpr double determined = 1e-10;
@@ -136,6 +140,9 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
     }
     // The matrix is the orthonormal basis times a triangle, whose elements are recomputed here.
     for (std::size_t t = p; t-- > 0;) {
+        if (report) {
+            report();
+        }
         const double* column = values.data() + t * cases;
         result.coefficients[t] /= dot(orthonormal[t].data(), column, cases);
         for (std::size_t row = 0; row < t; ++row) {

@@ -3,6 +3,7 @@
 #include <mirel_fitting/QuadraticBasis.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@
 class KrigingTrend
 {
 public:
+    /** Told now and then that there is more to do; what it throws passes through. */
+    using Report = std::function<void()>;
+
     /**
      * The order is the highest up to `highestOrder` for which the cases are at least as many as
      * what is estimated: the terms and `otherParameters`. Terms that are a linear combination of
@@ -20,7 +24,7 @@ public:
      * @param coordinates by columns, cases x inputs, each input over [0, 1].
      */
     KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
-                 int highestOrder, std::size_t otherParameters);
+                 int highestOrder, std::size_t otherParameters, const Report& report = nullptr);
 
     /** One that is only evaluated: of these terms in so many inputs, without cases. */
     KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
@@ -47,7 +51,8 @@ public:
         std::vector<double> leaveOneOutVariances;
     };
     /** The trend without correlations, fitted to one output per case. */
-    LeastSquares leastSquares(const std::vector<double>& output) const;
+    LeastSquares leastSquares(const std::vector<double>& output,
+                              const Report& report = nullptr) const;
 
     /** @param inputNumbers the number k in "Vk" of each input. */
     std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;

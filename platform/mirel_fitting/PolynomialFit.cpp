@@ -105,6 +105,7 @@ struct PolynomialFit::Columns
     const std::vector<double*>& dependents;
     std::vector<double> scaledCoefficients;     // of the kept terms, per output
     std::unique_ptr<NormalEquations> equations; // null: the factor was rotated
+    double told = 0.0;                          // of the work, whether or not it came to anything
 };
 
 /** Walks over the rows of a chunk in blocks of scaled inputs and outputs. */
@@ -124,12 +125,18 @@ public:
         }
     }
 
+    /** @param told of the first row of each block; on the calling thread. */
+    void reportTo(std::function<void(std::size_t row)> told) { report = std::move(told); }
+
     void compute(std::size_t chunk) override
     {
         begin();
         const std::size_t first = chunk * rowsPerChunk;
         const std::size_t last = std::min(first + rowsPerChunk, fit.caseCount);
         for (std::size_t start = first; start < last; start += rowsPerBlock) {
+            if (report) {
+                report(start);
+            }
             const std::size_t rows = std::min(rowsPerBlock, last - start);
             for (std::size_t input = 0; input < columns.independents.size(); ++input) {
                 fit.scales[input].apply(columns.independents[input] + start, rows,
@@ -183,6 +190,9 @@ protected:
     AlignedBuffer design;
     std::vector<const double*> inputColumns;
     std::vector<const double*> outputColumns;
+
+private:
+    std::function<void(std::size_t row)> report; // null on other threads
 };
 
 /** The normal equations. */
@@ -408,6 +418,7 @@ bool PolynomialFit::solveNormalEquations(Columns& columns)
     columns.equations =
         std::make_unique<NormalEquations>(polynomial, caseCount, columns.dependents.size());
     walk([&] { return std::make_unique<ProductSums>(*this, columns); }, 0.0, 0.4);
+    columns.told = 0.4;
     if (!columns.equations->solve(factor, columns.scaledCoefficients)) {
         columns.equations.reset();
         return false;
@@ -449,7 +460,7 @@ void PolynomialFit::factorise(Columns& columns)
     const auto factorisation = [&] {
         return std::make_unique<Factorisation>(*this, columns, order, total);
     };
-    walk(factorisation, 0.0, 0.7);
+    walk(factorisation, columns.told, 0.7);
 
     const BlockedLeastSquares::Solution solution = total.solve(describe(polynomial, order, scales));
     keptFlags.assign(polynomial.size(), 0);
@@ -470,20 +481,31 @@ void PolynomialFit::factorise(Columns& columns)
     }
 }
 
-void PolynomialFit::walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
-                         double from, double to) const
+void PolynomialFit::walk(const std::function<std::unique_ptr<Pass>()>& makePass, double from,
+                         double to) const
 {
     const std::size_t chunks = (caseCount + rowsPerChunk - 1) / rowsPerChunk;
     // With more terms, a factor for each thread takes too much memory: 32 MB here.
     constexpr std::size_t mostTermsPerThread = 2000;
     const int threads = polynomial.size() < mostTermsPerThread ? threadCount() : 1;
-    const auto report = [&](std::size_t chunk) {
-        const double done = static_cast<double>(chunk) / static_cast<double>(chunks);
-        FitProgress::report(from + (to - from) * done, "Fitting the response surface");
+    double told = from;
+    const auto tell = [&] { FitProgress::report(told, "Fitting the response surface"); };
+    const auto tellOfRow = [&](std::size_t row) {
+        told = from + (to - from) * (static_cast<double>(row) / static_cast<double>(caseCount));
+        tell();
     };
     // Other threads may take all chunks, and leave this one nothing to report before.
-    report(0);
-    OrderedChunks::run(chunks, threads, makeWorker, report);
+    tell();
+    bool isFirst = true; // the one on the calling thread
+    const auto makeWorker = [&]() -> std::unique_ptr<OrderedChunks::Worker> {
+        std::unique_ptr<Pass> pass = makePass();
+        if (isFirst) {
+            pass->reportTo(tellOfRow);
+        }
+        isFirst = false;
+        return pass;
+    };
+    OrderedChunks::run(chunks, threads, makeWorker, nullptr, tell);
 }
 
 void PolynomialFit::chooseSample()

@@ -134,8 +134,7 @@ private:
     bool solveNormalEquations(Columns& columns);
     void refine(Columns& columns);
     void factorise(Columns& columns);
-    void walk(const std::function<std::unique_ptr<OrderedChunks::Worker>()>& makeWorker,
-              double from, double to) const;
+    void walk(const std::function<std::unique_ptr<Pass>()>& makePass, double from, double to) const;
     void chooseSample();
     void storeCoefficients(const Columns& columns);
 

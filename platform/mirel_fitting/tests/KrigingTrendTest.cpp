@@ -129,3 +129,15 @@ TEST(KrigingTrend, ListsTheLowerTermsThatRawInputsBringInForDroppedOnes)
     EXPECT_DOUBLE_EQ(raw[1].coefficient, -2.0);
     EXPECT_DOUBLE_EQ(raw[2].coefficient, 1.0);
 }
+
+TEST(KrigingTrend, ReportsEachTerm)
+{
+    int reports = 0;
+    const auto count = [&] { ++reports; };
+
+    const KrigingTrend trend(20, 2, scattered(20), 2, 1, count);
+    EXPECT_EQ(reports, 6);
+
+    trend.leastSquares(UniformNumbers(4).next(20), count);
+    EXPECT_EQ(reports, 12);
+}

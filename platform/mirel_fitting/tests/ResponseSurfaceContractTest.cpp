@@ -1,6 +1,7 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/ThreadCount.h>
 
 #include "FittingTestSupport.h"
 
@@ -198,6 +199,37 @@ TEST(ResponseSurfaceContract, ReportsHowFarTheFitIs)
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     EXPECT_GE(fractions.front(), 0.0);
     EXPECT_LE(fractions.back(), 1.0);
+}
+
+TEST(ResponseSurfaceContract, ReportsEachBlockOfCases)
+{
+    std::size_t reports = 0;
+    const FitProgress progress([&](double, const std::string&) { return ++reports > 0; });
+
+    setThreadCount(1);
+    fit(twoInputs(100000, 1.0));
+    setThreadCount(0);
+
+    // Two passes over blocks of 512 cases.
+    EXPECT_GE(reports, 2u * 195u);
+}
+
+TEST(ResponseSurfaceContract, DoesNotGoBackWhereCasesAreRotatedAfterAll)
+{
+    // Inputs that differ by little are too much for normal equations.
+    Cases cases = twoInputs(20000, 1.0);
+    for (std::size_t row = 0; row < 20000; ++row) {
+        cases.inputs[1][row] = cases.inputs[0][row] + 1e-4 * cases.inputs[1][row];
+    }
+    std::vector<double> fractions;
+    const FitProgress progress([&](double fraction, const std::string&) {
+        fractions.push_back(fraction);
+        return true;
+    });
+
+    fit(cases);
+
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
 }
 
 TEST(ResponseSurfaceContract, EndsWithAnErrorWhenItIsCancelled)
