@@ -72,9 +72,9 @@ double costOfProduct(const KrigingPredictor::Parts& parts, const ProductGrid& gr
     if (fastSize > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         return std::numeric_limits<double>::infinity();
     }
+    const std::size_t slowSize = rows / fastSize;
     return static_cast<double>(rows) * static_cast<double>(parts.weights.size()) * 1.2 / 8.0 +
-           static_cast<double>(fastSize + rows / fastSize) *
-               costOfCorrelations(parts.weights.size(), 1);
+           static_cast<double>(fastSize + slowSize) * costOfCorrelations(parts.weights.size(), 1);
 }
 
 bool hasOneInput(const KrigingPredictor::Parts& parts, const ProductGrid::Axis& axis)
