@@ -627,8 +627,9 @@ TEST(ResponseSurfaceLeaveOneOut, HasNoFigureForACaseThatAloneDeterminesATerm)
 TEST(ResponseSurfaceLeaveOneOut, SpreadsASampleOverManyCases)
 {
     const Cases cases = twoInputs(250000, 1.0);
+    const Model model = fit(cases);
 
-    const std::vector<LeaveOneOutPrediction> left = fit(cases).leaveOneOutPredictions(0);
+    const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
 
     ASSERT_EQ(left.size(), 100000u);
     std::set<std::size_t> rows;
@@ -638,6 +639,15 @@ TEST(ResponseSurfaceLeaveOneOut, SpreadsASampleOverManyCases)
         rows.insert(left[k].row);
     }
     EXPECT_EQ(rows.size(), left.size());
+
+    // The largest leverages are those of the same cases.
+    const ResponseSurfaceStatistics statistics = model.responseSurfaceStatistics(0);
+    EXPECT_TRUE(statistics.leverages.empty());
+    ASSERT_EQ(statistics.largestLeverages.size(), 5u);
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        EXPECT_EQ(rows.count(one.row), 1u);
+        EXPECT_GT(one.leverage, statistics.meanLeverage);
+    }
 }
 
 // Standard errors and prediction intervals
