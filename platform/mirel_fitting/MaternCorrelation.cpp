@@ -17,8 +17,20 @@ constexpr std::size_t inputsPerGroup = 32;
 
 const double rootOfFive = std::sqrt(5.0);
 
+/** |a - b|, capped where some cases are farther apart. */
+template <bool isCapped>
+SURROGATE_LANE_OPERATION distanceOf(const Lanes& a, const Lanes& b, Lanes& result)
+{
+    if (isCapped) {
+        cappedDistance(a, b, farAway, result);
+    } else {
+        distance(a, b, result);
+    }
+}
+
 /** result = correlation of eight cases, whose scaled coordinates begin at `column`, with a point.
  */
+template <bool isCapped>
 SURROGATE_LANE_OPERATION correlateLanes(const double* column, std::size_t stride,
                                         const double* point, std::size_t pointStride,
                                         std::size_t inputs, Lanes& result)
@@ -31,7 +43,7 @@ SURROGATE_LANE_OPERATION correlateLanes(const double* column, std::size_t stride
             Lanes x;
             Lanes z;
             loadLanes(column + k * stride, x);
-            cappedDistance(x, Lanes{} + point[k * pointStride], farAway, z);
+            distanceOf<isCapped>(x, Lanes{} + point[k * pointStride], z);
             sum += z;
             result *= 1.0 + z * (1.0 + z * (1.0 / 3.0));
         }
@@ -41,23 +53,35 @@ SURROGATE_LANE_OPERATION correlateLanes(const double* column, std::size_t stride
     }
 }
 
-/** One column of the lower triangle, in whole lanes from `first` on: out[i - first]. */
-SURROGATE_SIMD void correlationColumn(const double* columns, std::size_t stride, std::size_t inputs,
-                                      std::size_t column, std::size_t first, std::size_t cases,
-                                      double* out)
+template <bool isCapped>
+SURROGATE_LANE_OPERATION correlateColumn(const double* columns, std::size_t stride,
+                                         std::size_t inputs, std::size_t column, std::size_t first,
+                                         std::size_t cases, double* out)
 {
     std::size_t i = first;
     for (; i + laneCount <= cases; i += laneCount) {
         Lanes value;
-        correlateLanes(columns + i, stride, columns + column, stride, inputs, value);
+        correlateLanes<isCapped>(columns + i, stride, columns + column, stride, inputs, value);
         storeLanes(value, out + (i - first));
     }
     if (i < cases) {
         Lanes value;
         double rest[laneCount];
-        correlateLanes(columns + i, stride, columns + column, stride, inputs, value);
+        correlateLanes<isCapped>(columns + i, stride, columns + column, stride, inputs, value);
         storeLanes(value, rest);
         std::copy(rest, rest + (cases - i), out + (i - first));
+    }
+}
+
+/** One column of the lower triangle, in whole lanes from `first` on: out[i - first]. */
+SURROGATE_SIMD void correlationColumn(bool isCapped, const double* columns, std::size_t stride,
+                                      std::size_t inputs, std::size_t column, std::size_t first,
+                                      std::size_t cases, double* out)
+{
+    if (isCapped) {
+        correlateColumn<true>(columns, stride, inputs, column, first, cases, out);
+    } else {
+        correlateColumn<false>(columns, stride, inputs, column, first, cases, out);
     }
 }
 
@@ -72,6 +96,7 @@ struct DerivativeBlock
     const double* correlations;
     const double* weights;
     const double* a;
+    bool isCapped;
 };
 
 /**
@@ -80,7 +105,7 @@ struct DerivativeBlock
  * a[row]. d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2), and one division does for all of
  * the inputs.
  */
-template <std::size_t inputs>
+template <bool isCapped, std::size_t inputs>
 SURROGATE_LANE_OPERATION derivatives(const DerivativeBlock& block, std::size_t input,
                                      double* products, double* sums, double* ownProducts)
 {
@@ -104,7 +129,7 @@ SURROGATE_LANE_OPERATION derivatives(const DerivativeBlock& block, std::size_t i
             Lanes value;
             Lanes z;
             loadLanes(x + k * block.stride + i, value);
-            cappedDistance(value, centers[k], farAway, z);
+            distanceOf<isCapped>(value, centers[k], z);
             numerators[k] = z * z * (1.0 + z);
             denominators[k] = 3.0 + z * (3.0 + z);
             before[k] = all;
@@ -135,25 +160,36 @@ SURROGATE_LANE_OPERATION derivatives(const DerivativeBlock& block, std::size_t i
     }
 }
 
-SURROGATE_SIMD void derivativesOfColumn(const DerivativeBlock& block, std::size_t inputs,
-                                        double* products, double* sums, double* ownProducts)
+template <bool isCapped>
+SURROGATE_LANE_OPERATION derivativesOfInputs(const DerivativeBlock& block, std::size_t inputs,
+                                             double* products, double* sums, double* ownProducts)
 {
     std::size_t k = 0;
     for (; k + 4 <= inputs; k += 4) {
-        derivatives<4>(block, k, products, sums, ownProducts);
+        derivatives<isCapped, 4>(block, k, products, sums, ownProducts);
     }
     switch (inputs - k) {
     case 3:
-        derivatives<3>(block, k, products, sums, ownProducts);
+        derivatives<isCapped, 3>(block, k, products, sums, ownProducts);
         break;
     case 2:
-        derivatives<2>(block, k, products, sums, ownProducts);
+        derivatives<isCapped, 2>(block, k, products, sums, ownProducts);
         break;
     case 1:
-        derivatives<1>(block, k, products, sums, ownProducts);
+        derivatives<isCapped, 1>(block, k, products, sums, ownProducts);
         break;
     default:
         break;
+    }
+}
+
+SURROGATE_SIMD void derivativesOfColumn(const DerivativeBlock& block, std::size_t inputs,
+                                        double* products, double* sums, double* ownProducts)
+{
+    if (block.isCapped) {
+        derivativesOfInputs<true>(block, inputs, products, sums, ownProducts);
+    } else {
+        derivativesOfInputs<false>(block, inputs, products, sums, ownProducts);
     }
 }
 
@@ -171,8 +207,12 @@ MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
       highest(inputs, 0.0)
 {
     for (std::size_t k = 0; k < inputs; ++k) {
-        std::copy(coordinates + k * cases, coordinates + (k + 1) * cases,
+        const double* column = coordinates + k * cases;
+        std::copy(column, column + cases,
                   columns.begin() + static_cast<std::ptrdiff_t>(k * stride));
+        const auto [smallest, largest] = std::minmax_element(column, column + cases);
+        smallestCoordinates.push_back(*smallest);
+        largestCoordinates.push_back(*largest);
     }
 }
 
@@ -207,13 +247,15 @@ void MaternCorrelation::scaleCases()
         for (std::size_t i = 0; i < caseCount; ++i) {
             scaledRows[i * inputCount + k] = scaled[i];
         }
-        const auto [smallest, largest] = std::minmax_element(scaled, scaled + caseCount);
-        nearLowest[k] = *smallest;
-        nearHighest[k] = *largest;
-        lowest[k] = *smallest - farAway;
-        highest[k] = *largest + farAway;
-        extent += *largest - *smallest;
-        if (*largest - *smallest > farAway) {
+        // Rounding keeps the order: these are the extremes of the scaled ones.
+        const double smallest = smallestCoordinates[k] * scales[k];
+        const double largest = largestCoordinates[k] * scales[k];
+        nearLowest[k] = smallest;
+        nearHighest[k] = largest;
+        lowest[k] = smallest - farAway;
+        highest[k] = largest + farAway;
+        extent += largest - smallest;
+        if (largest - smallest > farAway) {
             farthestReach = MaternKernels::Reach::Unlimited;
         }
     }
@@ -227,10 +269,11 @@ void MaternCorrelation::scaleCases()
 
 void MaternCorrelation::fillLower(std::size_t first, std::size_t last, double* matrix) const
 {
+    const bool isCapped = farthestReach == MaternKernels::Reach::Unlimited;
     for (std::size_t j = first; j < last; ++j) {
         double* column = matrix + j * caseCount;
         column[j] = 1.0;
-        correlationColumn(scaledColumns.data(), stride, inputCount, j, j + 1, caseCount,
+        correlationColumn(isCapped, scaledColumns.data(), stride, inputCount, j, j + 1, caseCount,
                           column + j + 1);
     }
 }
@@ -267,9 +310,9 @@ void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
             const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
             std::fill(correlations + count, correlations + padded, 0.0);
             std::fill(weights + count, weights + padded, 0.0);
-            derivativesOfColumn(
-                {scaledColumns.data(), stride, j, begin, padded, correlations, weights, a},
-                inputCount, products, laneSums.data(), ownProducts.data());
+            derivativesOfColumn({scaledColumns.data(), stride, j, begin, padded, correlations,
+                                 weights, a, farthestReach == MaternKernels::Reach::Unlimited},
+                                inputCount, products, laneSums.data(), ownProducts.data());
         }
         for (std::size_t k = 0; k < inputCount; ++k) {
             for (std::size_t lane = 0; lane < laneCount; ++lane) {

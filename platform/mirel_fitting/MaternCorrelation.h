@@ -108,6 +108,8 @@ private:
     std::size_t inputCount;
     std::size_t stride; // of a column: room for reading whole lanes behind the last case
     std::vector<double> columns;
+    std::vector<double> smallestCoordinates; // of each input
+    std::vector<double> largestCoordinates;
     AlignedBuffer scaledColumns;    // times sqrt(5) / length
     std::vector<double> scaledRows; // the same, case by case
     std::vector<double> chosenLengths;

@@ -37,8 +37,8 @@ SURROGATE_LANE_OPERATION storeLanes(const Lanes& value, double* to)
     std::memcpy(to, &value, sizeof(Lanes));
 }
 
-/** |a - b|, at most `cap`. */
-SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double cap, Lanes& result)
+/** |a - b| */
+SURROGATE_LANE_OPERATION distance(const Lanes& a, const Lanes& b, Lanes& result)
 {
     constexpr long long allButTheSign = 0x7fffffffffffffff;
 
@@ -46,9 +46,15 @@ SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double c
     LaneBits bits;
     std::memcpy(&bits, &difference, sizeof(bits));
     bits &= allButTheSign;
-    Lanes distance;
-    std::memcpy(&distance, &bits, sizeof(distance));
-    result = (distance < cap) ? distance : (Lanes{} + cap);
+    std::memcpy(&result, &bits, sizeof(result));
+}
+
+/** |a - b|, at most `cap`. */
+SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double cap, Lanes& result)
+{
+    Lanes uncapped;
+    distance(a, b, uncapped);
+    result = (uncapped < cap) ? uncapped : (Lanes{} + cap);
 }
 
 /**
