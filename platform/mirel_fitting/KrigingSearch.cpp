@@ -299,8 +299,9 @@ void Search::race(const std::vector<std::vector<double>>& starts, const std::vec
 bool Search::advance(Runner& runner, int steps)
 {
     constexpr int mostSteps = 60;
-    constexpr int stepsToJudge = 5;
-    constexpr double hopeless = 5.0;
+    constexpr int stepsToJudge = 4;
+    constexpr double hopeless = 1.0;
+    constexpr double stepsLike = 3.0; // the last one are hoped for
 
     BoundedSearch& search = *runner.search;
     for (int step = 0; step < steps && !search.isDone() && runner.steps < mostSteps; ++step) {
@@ -312,7 +313,7 @@ bool Search::advance(Runner& runner, int steps)
         }
         const double gained = search.value() - before;
         const double behind = highest() - search.value();
-        if (runner.steps > stepsToJudge && behind > hopeless + 5.0 * gained) {
+        if (runner.steps > stepsToJudge && behind > hopeless + stepsLike * gained) {
             return true;
         }
         for (Optimum& optimum : optima) {
