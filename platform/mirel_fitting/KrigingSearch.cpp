@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/BoundedSearch.h>
 #include <mirel_fitting/KrigingObjective.h>
+#include <mirel_fitting/KrigingRunner.h>
 #include <mirel_fitting/KrigingSearchProgress.h>
 #include <mirel_fitting/KrigingSearchVariables.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
@@ -53,21 +54,6 @@ struct Round
     int steps;
 };
 
-/** One of several searches that compete. */
-struct Runner
-{
-    Runner(BoundedObjective& objective, const KrigingSearchVariables& variables,
-           const std::vector<double>& start)
-        : search(
-              std::make_shared<BoundedSearch>(objective, variables.lower, variables.upper, start))
-    {
-        variables.limitRises(*search);
-    }
-
-    std::shared_ptr<BoundedSearch> search;
-    int steps = 0;
-};
-
 class Search
 {
 public:
@@ -86,7 +72,7 @@ private:
     void continueTheLikeliest();
     void compete();
     void race(const std::vector<std::vector<double>>& starts, const std::vector<Round>& rounds);
-    bool advance(Runner& runner, int steps);
+    bool advance(KrigingRunner& runner, int steps);
     void add(Optimum reached);
     bool areOnOneRidge(const Optimum& a, const Optimum& b);
     double highest() const;
@@ -240,7 +226,7 @@ void Search::compete()
     std::size_t started = 0;
     bool isTelling = true;
     for (; started < starts.size() && isTelling; ++started) {
-        Runner runner(*objective, variables, starts[started]);
+        KrigingRunner runner(*objective, variables, starts[started]);
         while (!advance(runner, 1)) {
         }
         isTelling = variables.lengths == 0 || highest() > telling;
@@ -276,13 +262,13 @@ void Search::race(const std::vector<std::vector<double>>& starts, const std::vec
     }
     sortByValue(field);
     field.resize(std::min(field.size(), rounds[0].runners));
-    std::vector<std::unique_ptr<Runner>> runners;
+    std::vector<std::unique_ptr<KrigingRunner>> runners;
     for (const Optimum& start : field) {
-        runners.push_back(std::make_unique<Runner>(*objective, variables, start.point));
+        runners.push_back(std::make_unique<KrigingRunner>(*objective, variables, start.point));
     }
     for (const Round& round : rounds) {
         std::stable_sort(runners.begin(), runners.end(), [](const auto& a, const auto& b) {
-            return a->search->value() > b->search->value();
+            return a->search()->value() > b->search()->value();
         });
         runners.resize(std::min(runners.size(), round.runners));
         runners.erase(
@@ -296,24 +282,21 @@ void Search::race(const std::vector<std::vector<double>>& starts, const std::vec
  * So many steps, fewer if the search ends or is seen to end where another one did.
  * @return whether there is nothing more to do.
  */
-bool Search::advance(Runner& runner, int steps)
+bool Search::advance(KrigingRunner& runner, int steps)
 {
     constexpr int mostSteps = 60;
     constexpr int stepsToJudge = 4;
     constexpr double hopeless = 1.0;
     constexpr double stepsLike = 3.0; // the last one are hoped for
 
-    BoundedSearch& search = *runner.search;
-    for (int step = 0; step < steps && !search.isDone() && runner.steps < mostSteps; ++step) {
-        const double before = search.value();
-        search.advance(1, competingGain());
-        ++runner.steps;
+    const BoundedSearch& search = *runner.search();
+    for (int step = 0; step < steps && !search.isDone() && runner.steps() < mostSteps; ++step) {
+        const double gained = runner.step(competingGain());
         if (optima.empty()) {
             continue;
         }
-        const double gained = search.value() - before;
         const double behind = highest() - search.value();
-        if (runner.steps > stepsToJudge && behind > hopeless + stepsLike * gained) {
+        if (runner.steps() > stepsToJudge && behind > hopeless + stepsLike * gained) {
             return true;
         }
         for (Optimum& optimum : optima) {
@@ -324,12 +307,12 @@ bool Search::advance(Runner& runner, int steps)
             }
         }
     }
-    if (!search.isDone() && runner.steps < mostSteps) {
+    if (!search.isDone() && runner.steps() < mostSteps) {
         return false;
     }
     if (search.isFeasible()) {
-        add({search.point(), search.value(), objective->noiseVariance(), 1, true, true,
-             runner.search});
+        add({search.point(), search.value(), runner.noiseVariance(), 1, true, true,
+             runner.search()});
     }
     return true;
 }
