@@ -130,7 +130,7 @@ private:
     struct Lowered
     {
         int from;
-        KrigingTrendChoice::Quality before; // in the output's units
+        std::optional<KrigingTrendChoice::Quality> before; // in the output's units, if known
         KrigingTrendChoice::Quality after;
     };
     std::optional<Lowered> lowered; // the order of the trend, where cases are few
@@ -236,15 +236,19 @@ void Fitter::chooseTrend()
 void Fitter::warnOfTrend()
 {
     if (lowered) {
+        // A search that was given up has no maximum whose figures could be compared.
+        const std::string figures =
+            !lowered->before
+                ? ""
+                : ", both measures together (corrected Akaike criterion " +
+                      KrigingTexts::figure(lowered->after.akaike) + " instead of " +
+                      KrigingTexts::figure(lowered->before->akaike) + ", leave-one-out error " +
+                      KrigingTexts::figure(lowered->after.leaveOneOutError) + " instead of " +
+                      KrigingTexts::figure(lowered->before->leaveOneOutError) + ")";
         warnings.push_back("The order of the trend was lowered from " +
                            std::to_string(lowered->from) + " to " + std::to_string(trend->order()) +
                            ": with " + counted(data->cases, "distinct case") +
-                           " a higher one is not seen to predict better (corrected Akaike "
-                           "criterion " +
-                           KrigingTexts::figure(lowered->after.akaike) + " instead of " +
-                           KrigingTexts::figure(lowered->before.akaike) + ", leave-one-out error " +
-                           KrigingTexts::figure(lowered->after.leaveOneOutError) + " instead of " +
-                           KrigingTexts::figure(lowered->before.leaveOneOutError) + ").");
+                           " a higher one is not seen to predict better" + figures + ".");
     } else if (trend->order() < options.trendOrder && data->inputs > 0) {
         warnings.push_back(
             "The order of the trend was lowered from " + std::to_string(options.trendOrder) +
@@ -366,7 +370,10 @@ void Fitter::searchWithTrends()
             quality.leaveOneOutError *= scale;
             return quality;
         };
-        lowered = {highest, inUnits(choice.qualityOfHighest), inUnits(choice.quality)};
+        lowered = {highest, {}, inUnits(choice.quality)};
+        if (choice.qualityOfHighest) {
+            lowered->before = inUnits(*choice.qualityOfHighest);
+        }
     }
 }
 

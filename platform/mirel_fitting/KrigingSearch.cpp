@@ -627,6 +627,7 @@ KrigingSearch::Result Search::run()
         }
     }
     result.logLikelihood = optima.front().value;
+    result.isGivenUp = !optima.front().isMaximum;
     result.lengthBounds = variables.boundsOf(optima.front().point);
     result.nuggetBound = variables.isNuggetLargest(optima.front().point)
                              ? KrigingReport::Bound::Upper

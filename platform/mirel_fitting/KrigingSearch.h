@@ -53,6 +53,8 @@ public:
         std::vector<KrigingReport::Bound> lengthBounds;
         /** Upper, or None: least nuggets are what is hoped for. */
         KrigingReport::Bound nuggetBound = KrigingReport::Bound::None;
+        /** For want of what Settings::enough asks for: this is not the nearest maximum. */
+        bool isGivenUp = false;
         bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised
         std::size_t evaluations = 0; ///< of the likelihood with all cases
     };

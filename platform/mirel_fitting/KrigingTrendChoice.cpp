@@ -93,6 +93,8 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
     // By so much for each case the errors may make up for a criterion that is worse; they seldom
     // do.
     constexpr double madeUp = 0.1;
+    // With fewer a search to the end takes no time worth mentioning, and there is more to tell.
+    constexpr std::size_t casesToGiveUp = 30;
 
     Result best = withOrder(0, data, highest);
     {
@@ -105,17 +107,22 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
         starts.push_back(best.found.secondParameters);
     }
     const double step = (last - first) / highest->order();
-    Quality ofHighest = best.quality;
+    std::optional<Quality> ofHighest;
     for (int order = 1; order <= highest->order(); ++order) {
         const FitProgress::Portion portion(first + (order - 1) * step, first + order * step);
         Result other = withOrder(order, data, highest);
         KrigingSearch::Settings near = settings;
         near.starts = {starts.front()};
         near.isRough = true;
-        near.enough = 0.5 * (akaikePenalty(*other.data) - best.quality.akaike) -
-                      madeUp * static_cast<double>(data->cases);
+        if (data->cases >= casesToGiveUp) {
+            near.enough = 0.5 * (akaikePenalty(*other.data) - best.quality.akaike) -
+                          madeUp * static_cast<double>(data->cases);
+        }
         search(other, near);
-        ofHighest = other.quality;
+        ofHighest.reset();
+        if (!other.found.isGivenUp) {
+            ofHighest = other.quality;
+        }
         if (isBetter(other.quality, best.quality, data->cases)) {
             starts.front() = other.found.parameters;
             best = std::move(other);
@@ -127,6 +134,9 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
         near.starts = starts;
         search(best, near);
     }
-    best.qualityOfHighest = best.trend == highest ? best.quality : ofHighest;
+    if (best.trend == highest) {
+        ofHighest = best.quality;
+    }
+    best.qualityOfHighest = ofHighest;
     return best;
 }

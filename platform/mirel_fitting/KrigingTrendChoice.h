@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <optional>
 
 /**
  * The order of the trend where cases are few. Each term of a trend takes a case away from what the
@@ -39,7 +40,8 @@ public:
         std::shared_ptr<KrigingData> data; ///< with the terms of that trend
         KrigingSearch::Result found;
         Quality quality;
-        Quality qualityOfHighest; ///< with the trend that was asked for
+        /** With the trend that was asked for; nothing if its search was given up. */
+        std::optional<Quality> qualityOfHighest;
     };
 
     /** Whether the order matters: a trend with slopes and fewer than twenty cases per term. */

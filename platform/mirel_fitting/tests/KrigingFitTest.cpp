@@ -181,8 +181,8 @@ TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
     EXPECT_EQ(fit.report.trendOrder, 0);
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1"}));
     const std::string start = "The order of the trend was lowered from 1 to 0: with 20 distinct "
-                              "cases a higher one is not seen to predict better (corrected Akaike "
-                              "criterion ";
+                              "cases a higher one is not seen to predict better, both measures "
+                              "together (corrected Akaike criterion ";
     ASSERT_EQ(std::count_if(fit.warnings.begin(), fit.warnings.end(),
                             [&](const std::string& text) {
                                 return text.compare(0, start.size(), start) == 0;
@@ -200,6 +200,19 @@ TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
     ASSERT_NE(errors, std::string::npos) << *sentence;
     EXPECT_NEAR(std::stod(sentence->substr(errors + middle.size())), fit.metrics.looRmse,
                 1e-5 * fit.metrics.looRmse);
+}
+
+TEST(KrigingFit, QuotesNoFiguresOfATrendWhoseSearchWasGivenUp)
+{
+    const Columns inputs = latinHypercube(40, 5, 5);
+    const std::vector<double> output = valuesOf(
+        [](const std::vector<double>& x) { return std::sin(5.0 * x[0]) + std::cos(4.0 * x[1]); },
+        inputs);
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(2)); // 21 terms
+
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 0: with 40 distinct cases "
+                           "a higher one is not seen to predict better."));
 }
 
 TEST(KrigingFit, KeepsATrendThatPredictsBetter)

@@ -295,6 +295,7 @@ TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
 {
     // A nugget of a millionth is a little likelier here, but not by enough; without it other
     // lengths are likeliest.
+    int preferred = 0;
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const Columns x = latinHypercube(50, 6, seed);
         const auto data = dataOf(x, valuesOf(circuit, x));
@@ -302,12 +303,15 @@ TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
         if (result.parameters.nugget > KrigingSearch::Settings().soundNugget) {
             continue;
         }
+        ++preferred;
         KrigingSearch::Settings fixed;
         fixed.isNuggetFixed = true;
 
         EXPECT_GT(result.logLikelihood, KrigingSearch::run(data, fixed).logLikelihood - 0.15)
             << seed;
     }
+
+    EXPECT_GE(preferred, 15);
 }
 
 TEST(KrigingSearch, NeedsFewEvaluationsWhereTheLikelihoodHasManyOptima)
@@ -345,6 +349,8 @@ TEST(KrigingSearch, GivesUpWhatWillHardlyBeEnough)
 
     EXPECT_LT(result.evaluations, usual.evaluations);
     EXPECT_LT(result.logLikelihood, usual.logLikelihood);
+    EXPECT_TRUE(result.isGivenUp);
+    EXPECT_FALSE(usual.isGivenUp);
 }
 
 TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)
