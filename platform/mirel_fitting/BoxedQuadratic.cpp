@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -60,22 +62,68 @@ double largestMagnitude(const std::vector<double>& values)
 
 } // namespace
 
-BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope)
-    : hessian(hessian), slope(slope), size(slope.size())
+BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope,
+                               std::function<void()> beforeFactor)
+    : hessian(hessian), slope(slope), beforeFactor(std::move(beforeFactor)), size(slope.size()),
+      areMany(size > mostFewVariables), factorsLeft(0)
 {}
 
-std::vector<double> BoxedQuadratic::maximum(const std::vector<double>& lowest,
-                                            const std::vector<double>& highest) const
+std::size_t BoxedQuadratic::mostFactors(std::size_t variables)
 {
-    std::vector<double> point;
-    return guess(lowest, highest, point) ? point : climb(lowest, highest);
+    constexpr double multiplications = 1e8;
+    constexpr double fewest = 8.0;
+    if (variables <= mostFewVariables) {
+        return std::numeric_limits<std::size_t>::max();
+    }
+    const auto m = static_cast<double>(variables);
+    return static_cast<std::size_t>(std::max(fewest, multiplications / (m * m * m / 6.0)));
 }
 
-/** @return whether the guess has settled: then the point is the maximum. */
-bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<double>& highest,
+std::vector<double> BoxedQuadratic::maximum(const std::vector<double>& lowest,
+                                            const std::vector<double>& highest)
+{
+    factorsLeft = mostFactors(size);
+    std::vector<double> start(size, 0.0);
+    if (areMany) {
+        sweep(lowest, highest, start);
+    }
+    std::vector<double> point = start;
+    if (guess(lowest, highest, point)) {
+        return point;
+    }
+    climb(lowest, highest, start);
+    return start;
+}
+
+/** The model rises with every variable that is moved. */
+void BoxedQuadratic::sweep(const std::vector<double>& lowest, const std::vector<double>& highest,
                            std::vector<double>& point) const
 {
-    constexpr int mostRounds = 10;
+    constexpr int sweeps = 20; // together cheaper than one factor
+
+    std::vector<double> rest = slopeAt(point);
+    for (int k = 0; k < sweeps; ++k) {
+        for (std::size_t i = 0; i < size; ++i) {
+            const double* column = hessian.data() + i * size;
+            if (!(column[i] > 0.0)) {
+                continue; // rounding has spoilt the curvature
+            }
+            const double before = point[i];
+            point[i] = std::min(std::max(before + rest[i] / column[i], lowest[i]), highest[i]);
+            const double change = point[i] - before;
+            for (std::size_t j = 0; j < size && change != 0.0; ++j) {
+                rest[j] -= change * column[j];
+            }
+        }
+    }
+}
+
+/** @param point in: the first guess is the part of the box that it is on.
+ *  @return whether the guess has settled: then the point is the maximum. */
+bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<double>& highest,
+                           std::vector<double>& point)
+{
+    const int mostRounds = areMany ? 5 : 10;
     enum class Place
     {
         Lowest,
@@ -84,6 +132,11 @@ bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<
     };
 
     std::vector<Place> places(size, Place::Inside);
+    for (std::size_t i = 0; i < size && areMany; ++i) {
+        places[i] = point[i] >= highest[i]  ? Place::Highest
+                    : point[i] <= lowest[i] ? Place::Lowest
+                                            : Place::Inside;
+    }
     for (int round = 0; round < mostRounds; ++round) {
         point.assign(size, 0.0);
         std::vector<std::size_t> unknowns;
@@ -128,8 +181,8 @@ bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<
     return false;
 }
 
-std::vector<double> BoxedQuadratic::climb(const std::vector<double>& lowest,
-                                          const std::vector<double>& highest) const
+void BoxedQuadratic::climb(const std::vector<double>& lowest, const std::vector<double>& highest,
+                           std::vector<double>& point)
 {
     constexpr double relativeRest = 1e-10; // of the slope: then the model is at its maximum
 
@@ -137,9 +190,8 @@ std::vector<double> BoxedQuadratic::climb(const std::vector<double>& lowest,
         return direction < 0.0 ? lowest[i] : highest[i];
     };
 
-    std::vector<double> point(size, 0.0);
     const std::size_t mostRounds = 5 * size + 5;
-    for (std::size_t round = 0; round < mostRounds; ++round) {
+    for (std::size_t round = 0; round < mostRounds && factorsLeft > 0; ++round) {
         const std::vector<double> rest = slopeAt(point);
         std::vector<std::size_t> unknowns;
         double steepest = 0.0;
@@ -173,7 +225,6 @@ std::vector<double> BoxedQuadratic::climb(const std::vector<double>& lowest,
             point[stopping] = bound(stopping, direction[stopping]);
         }
     }
-    return point;
 }
 
 /**
@@ -184,7 +235,7 @@ std::vector<double> BoxedQuadratic::towardsMaximum(const std::vector<double>& re
                                                    std::vector<std::size_t> unknowns,
                                                    const std::vector<double>& point,
                                                    const std::vector<double>& lowest,
-                                                   const std::vector<double>& highest) const
+                                                   const std::vector<double>& highest)
 {
     std::vector<double> direction(size, 0.0);
     while (!unknowns.empty()) {
@@ -194,7 +245,7 @@ std::vector<double> BoxedQuadratic::towardsMaximum(const std::vector<double>& re
             right[a] = rest[unknowns[a]];
         }
         if (!solve(unknowns, right)) {
-            // Rounding has spoilt the curvature: straight up.
+            // Rounding has spoilt the curvature, or there have been enough factors: straight up.
             for (std::size_t a = 0; a < m; ++a) {
                 right[a] = rest[unknowns[a]] / std::max(largestMagnitude(slope), 1e-300);
             }
@@ -232,11 +283,17 @@ std::vector<double> BoxedQuadratic::slopeAt(const std::vector<double>& point) co
     return result;
 }
 
-/** The Newton step of the unknowns, the others kept; false if rounding has spoilt the curvature,
- * and `right` is what it was. */
-bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns,
-                           std::vector<double>& right) const
+/** The Newton step of the unknowns, the others kept; false if rounding has spoilt the curvature or
+ *  there have been enough factors, and `right` is what it was. */
+bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right)
 {
+    if (factorsLeft == 0) {
+        return false;
+    }
+    --factorsLeft;
+    if (areMany && beforeFactor) {
+        beforeFactor();
+    }
     const std::size_t order = unknowns.size();
     std::vector<double> matrix(order * order);
     for (std::size_t a = 0; a < order; ++a) {

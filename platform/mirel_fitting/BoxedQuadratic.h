@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /**
@@ -14,34 +15,52 @@
  * wherever it ends. Hintermueller, Ito, Kunisch: The primal-dual active set strategy as a
  * semismooth Newton method, SIAM J. Optim. 13 (2002); Nocedal, Wright: Numerical Optimization, 2nd
  * ed., Springer 2006, section 16.5.
+ *
+ * Of more than `mostFewVariables` both begin where sweeps over the variables lead, one variable at
+ * a time to its maximum, which needs no factor; and after mostFactors() the point reached is taken:
+ * it leads uphill, too, and a step of a search is not worth minutes.
  */
 class BoxedQuadratic
 {
 public:
+    static constexpr std::size_t mostFewVariables = 64;
+
+    /** As many as take about 1e8 multiplications, and 8 at least: of so many variables as make
+     * these take longer, the sweeps have placed most. Unlimited for few variables. */
+    static std::size_t mostFactors(std::size_t variables);
+
     /**
-     * @param hessian positive definite, by rows; borrowed for life.
-     * @param slope   g, borrowed for life.
+     * @param hessian      positive definite, by rows; borrowed for life.
+     * @param slope        g, borrowed for life.
+     * @param beforeFactor is called before each factor of many variables; what it throws passes
+     *                     through.
      */
-    BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope);
+    BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope,
+                   std::function<void()> beforeFactor = nullptr);
 
     /** @param lowest, highest the box: at most and at least 0. */
     std::vector<double> maximum(const std::vector<double>& lowest,
-                                const std::vector<double>& highest) const;
+                                const std::vector<double>& highest);
 
 private:
-    bool guess(const std::vector<double>& lowest, const std::vector<double>& highest,
+    void sweep(const std::vector<double>& lowest, const std::vector<double>& highest,
                std::vector<double>& point) const;
-    std::vector<double> climb(const std::vector<double>& lowest,
-                              const std::vector<double>& highest) const;
+    bool guess(const std::vector<double>& lowest, const std::vector<double>& highest,
+               std::vector<double>& point);
+    void climb(const std::vector<double>& lowest, const std::vector<double>& highest,
+               std::vector<double>& point);
     std::vector<double> towardsMaximum(const std::vector<double>& rest,
                                        std::vector<std::size_t> unknowns,
                                        const std::vector<double>& point,
                                        const std::vector<double>& lowest,
-                                       const std::vector<double>& highest) const;
+                                       const std::vector<double>& highest);
     std::vector<double> slopeAt(const std::vector<double>& point) const;
-    bool solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right) const;
+    bool solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right);
 
     const std::vector<double>& hessian;
     const std::vector<double>& slope;
+    std::function<void()> beforeFactor;
     std::size_t size;
+    bool areMany;
+    std::size_t factorsLeft;
 };

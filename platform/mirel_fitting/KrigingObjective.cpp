@@ -6,7 +6,8 @@
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
                                    const KrigingSearch::Settings& settings,
                                    KrigingLikelihood::Report report)
-    : likelihood(data, std::move(report)), settings(settings), inputs(data->inputs)
+    : report(std::move(report)), likelihood(data, this->report), settings(settings),
+      inputs(data->inputs)
 {}
 
 KrigingParameters KrigingObjective::parameters(const std::vector<double>& point) const
@@ -67,4 +68,11 @@ void KrigingObjective::gradient(std::vector<double>& result)
         result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
     }
     noise = nugget * likelihood.processVariance();
+}
+
+void KrigingObjective::reportStill()
+{
+    if (report) {
+        report(0.0);
+    }
 }

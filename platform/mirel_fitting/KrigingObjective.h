@@ -36,6 +36,7 @@ public:
     double value(const std::vector<double>& point) override;
     bool curvature(std::vector<double>& result) override;
     void gradient(std::vector<double>& result) override;
+    void reportStill() override;
 
     /** What the nugget stands for at the point of the last gradient: the output is standardised. */
     double noiseVariance() const { return noise; }
@@ -43,6 +44,7 @@ public:
     std::size_t evaluations() const { return count; }
 
 private:
+    KrigingLikelihood::Report report;
     KrigingLikelihood likelihood;
     const KrigingSearch::Settings& settings;
     std::size_t inputs;

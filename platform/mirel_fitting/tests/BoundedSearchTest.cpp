@@ -38,12 +38,15 @@ public:
         return !hessian.empty();
     }
 
+    void reportStill() override { ++reports; }
+
     std::function<double(const Vector&)> function;
     std::function<Vector(const Vector&)> slope;
     Vector hessian; // of minus the function, if it is known
     Vector last;
     int values = 0;
     int gradients = 0;
+    int reports = 0;
 };
 
 /** Minus the banana of Rosenbrock, Comput. J. 3 (1960): its maximum 0 is at (1, 1). */
@@ -319,4 +322,28 @@ TEST(BoundedSearch, LearnsFromAStepThatFailedHowMuchTheFunctionBends)
 
     EXPECT_EQ(objective.values, 3);
     EXPECT_NEAR(search.point()[0], 0.0, 1e-3);
+}
+
+TEST(BoundedSearch, ReportsBetweenTheFactorsOfManyVariables)
+{
+    const auto bowl = [](const Vector& x) {
+        double value = 0.0;
+        for (const double each : x) {
+            value -= each * each;
+        }
+        return value;
+    };
+    const auto slope = [](const Vector& x) {
+        Vector result;
+        for (const double each : x) {
+            result.push_back(-2.0 * each);
+        }
+        return result;
+    };
+    Objective objective(bowl, slope);
+
+    BoundedSearch search(objective, Vector(100, -1.0), Vector(100, 1.0), Vector(100, 0.5));
+    search.advance(3, 1e-9);
+
+    EXPECT_GT(objective.reports, 0);
 }

@@ -107,3 +107,16 @@ TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
     EXPECT_EQ(objective.value(point), value);
     EXPECT_EQ(objective.evaluations(), 2u);
 }
+
+TEST(KrigingObjective, ReportsWithoutHavingWorked)
+{
+    KrigingSearch::Settings settings;
+    std::vector<double> reported;
+    KrigingObjective objective(someCases(), settings,
+                               [&reported](double work) { reported.push_back(work); });
+
+    objective.reportStill();
+
+    EXPECT_EQ(reported, std::vector<double>{0.0});
+    EXPECT_NO_THROW(KrigingObjective(someCases(), settings, nullptr).reportStill());
+}
