@@ -1,7 +1,6 @@
 #include <mirel_fitting/KrigingFit.h>
 
 #include <mirel_fitting/ContradictingCases.h>
-#include <mirel_fitting/EquationText.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingFitReport.h>
@@ -11,6 +10,7 @@
 #include <mirel_fitting/KrigingTexts.h>
 #include <mirel_fitting/KrigingTrend.h>
 #include <mirel_fitting/KrigingTrendChoice.h>
+#include <mirel_fitting/KrigingWarnings.h>
 #include <mirel_fitting/MergedOutput.h>
 #include <mirel_fitting/ReportingSort.h>
 #include <mirel_fitting/SpaceFillingSubset.h>
@@ -31,20 +31,6 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 const double twoPi = 2.0 * std::acos(-1.0);
 // Where in the whole a fit is when its parameters are found: what then follows is the least of it.
 constexpr double measuring = 0.99;
-
-std::string join(const std::vector<std::string>& texts)
-{
-    std::string result;
-    for (const std::string& text : texts) {
-        result += (result.empty() ? "" : ", ") + text;
-    }
-    return result;
-}
-
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
 
 void tellOfPreparing()
 {
@@ -127,13 +113,7 @@ private:
     std::vector<double> scatterAtPoint;
     std::size_t conflicts = 0; // points where rows differ
     std::shared_ptr<const KrigingTrend> trend;
-    struct Lowered
-    {
-        int from;
-        std::optional<KrigingTrendChoice::Quality> before; // in the output's units, if known
-        KrigingTrendChoice::Quality after;
-    };
-    std::optional<Lowered> lowered; // the order of the trend, where cases are few
+    std::optional<KrigingWarnings::Lowered> lowered; // the trend, where cases are few
     KrigingSearch::Result found;
     double noiseShare = 0.0; // of the output's variance
     std::vector<std::string> warnings;
@@ -189,30 +169,19 @@ void Fitter::mergeRows()
     }
     const std::size_t copies = merged.copies;
     if (copies > 0) {
-        warnings.push_back(counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
-                           " another case exactly and " + (copies == 1 ? "was" : "were") +
-                           (merged.conflicts == 0
-                                ? " merged with it."
-                                : " counted as measured again, since other cases with the same "
-                                  "inputs have different outputs."));
+        warnings.push_back(KrigingWarnings::ofCopies(copies, merged.conflicts == 0));
     }
     conflicts = merged.conflicts;
     const std::size_t places = ContradictingCases::places(*data, tellOfPreparing);
     if (places > 0) {
-        warnings.push_back("At " + counted(places, "place") +
-                           " cases lie next to each other (less than " +
-                           KrigingTexts::figure(ContradictingCases::nearness()) +
-                           " of the range of every input apart) but have different outputs: the "
-                           "model smooths them.");
+        warnings.push_back(KrigingWarnings::ofNearCases(places));
     }
 }
 
 void Fitter::warnOfConflicts(bool meetsCases)
 {
     if (conflicts > 0) {
-        warnings.push_back("At " + counted(conflicts, "point") +
-                           " several cases have the same inputs but different outputs: the model " +
-                           (meetsCases ? "passes through their mean." : "smooths them."));
+        warnings.push_back(KrigingWarnings::ofConflicts(conflicts, meetsCases));
     }
 }
 
@@ -236,29 +205,14 @@ void Fitter::chooseTrend()
 void Fitter::warnOfTrend()
 {
     if (lowered) {
-        // A search that was given up has no maximum whose figures could be compared.
-        const std::string figures =
-            !lowered->before
-                ? ""
-                : ", both measures together (corrected Akaike criterion " +
-                      KrigingTexts::figure(lowered->after.akaike) + " instead of " +
-                      KrigingTexts::figure(lowered->before->akaike) + ", leave-one-out error " +
-                      KrigingTexts::figure(lowered->after.leaveOneOutError) + " instead of " +
-                      KrigingTexts::figure(lowered->before->leaveOneOutError) + ")";
-        warnings.push_back("The order of the trend was lowered from " +
-                           std::to_string(lowered->from) + " to " + std::to_string(trend->order()) +
-                           ": with " + counted(data->cases, "distinct case") +
-                           " a higher one is not seen to predict better" + figures + ".");
+        warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, data->cases));
     } else if (trend->order() < options.trendOrder && data->inputs > 0) {
         warnings.push_back(
-            "The order of the trend was lowered from " + std::to_string(options.trendOrder) +
-            " to " + std::to_string(trend->order()) + ": " + counted(data->cases, "distinct case") +
-            (data->cases == 1 ? " is" : " are") + " too few for more.");
+            KrigingWarnings::ofTooFewCases(options.trendOrder, trend->order(), data->cases));
     }
     const std::vector<std::string> dropped = trend->droppedNames(reportOf().inputNumbers());
     if (!dropped.empty()) {
-        warnings.push_back("Terms of the trend that the cases cannot separate were dropped: " +
-                           join(dropped) + ".");
+        warnings.push_back(KrigingWarnings::ofDroppedTerms(dropped));
     }
 }
 
@@ -345,11 +299,8 @@ void Fitter::search()
     }
     if (isSubset) {
         const bool isRefined = refinements() > 0 && options.correlationLengths.empty();
-        warnings.push_back("There are more than " + std::to_string(sizes.mostSearched) +
-                           " distinct cases: the model is the exact one of all of them, with the "
-                           "correlation lengths of " +
-                           counted(sizes.searched, "case") + " spread over all" +
-                           (isRefined ? ", refined with all." : "."));
+        warnings.push_back(
+            KrigingWarnings::ofSubset(sizes.mostSearched, sizes.searched, isRefined));
     }
     warnOfTrend();
     warnOfRaisedNugget();
@@ -370,7 +321,7 @@ void Fitter::searchWithTrends()
             quality.leaveOneOutError *= scale;
             return quality;
         };
-        lowered = {highest, {}, inUnits(choice.quality)};
+        lowered = {highest, trend->order(), inUnits(choice.quality), {}};
         if (choice.qualityOfHighest) {
             lowered->before = inUnits(*choice.qualityOfHighest);
         }
@@ -380,9 +331,7 @@ void Fitter::searchWithTrends()
 void Fitter::warnOfRaisedNugget()
 {
     if (found.isNuggetRaised) {
-        warnings.push_back("The nugget was raised to " +
-                           EquationText::number(found.parameters.nugget) +
-                           ": with less the correlation matrix cannot be factorised.");
+        warnings.push_back(KrigingWarnings::ofRaisedNugget(found.parameters.nugget));
     }
 }
 
@@ -557,8 +506,7 @@ KrigingFit Fitter::ofManyCases()
                  large.neighbours ? large.neighbours->parameters().nugget : 0.0});
     warnings.push_back("There are more than " + std::to_string(options.sizes.mostExact) +
                        " distinct cases: " + large.description(scale));
-    warnings.push_back("The figures of errors are those of a random sample of " +
-                       counted(large.measured.size(), "distinct case") + ".");
+    warnings.push_back(KrigingWarnings::ofSample(large.measured.size()));
     return fit;
 }
 
@@ -683,8 +631,7 @@ KrigingFit Fitter::run()
     }
     for (std::size_t input = 0; input < varies.size(); ++input) {
         if (!varies[input] && cases.rowCount() > 1) {
-            warnings.push_back("V" + std::to_string(input + 1) +
-                               " is constant over the cases and was ignored.");
+            warnings.push_back(KrigingWarnings::ofConstantInput(input));
         }
     }
 
