@@ -47,8 +47,25 @@ struct ColumnMemory::Spare
         }
     }
 
+    void keep(bool isWanted)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isKeeping = isWanted;
+    }
+
+    /** Whether it takes the block. */
+    bool take(const Block& block)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (isKeeping) {
+            blocks.push_back(block);
+        }
+        return isKeeping;
+    }
+
     mutable std::mutex mutex;
     std::vector<Block> blocks;
+    bool isKeeping = false;
 };
 
 /**
@@ -85,10 +102,8 @@ struct ColumnMemory::InUse
     static void giveBack(void* memory)
     {
         const auto [bytes, owner] = instance().take(memory);
-        if (const std::shared_ptr<Spare> home = owner.lock()) {
-            const std::lock_guard<std::mutex> lock(home->mutex);
-            home->blocks.push_back({memory, bytes});
-        } else {
+        const std::shared_ptr<Spare> home = owner.lock();
+        if (home == nullptr || !home->take({memory, bytes})) {
             std::free(memory);
         }
     }
@@ -97,6 +112,17 @@ private:
     std::mutex mutex;
     std::map<void*, std::pair<std::size_t, std::weak_ptr<Spare>>> owners;
 };
+
+ColumnMemory::Reuse::Reuse(ColumnMemory& memory) : memory(memory)
+{
+    memory.spare->keep(true);
+}
+
+ColumnMemory::Reuse::~Reuse()
+{
+    memory.spare->keep(false);
+    memory.freeSpare();
+}
 
 ColumnMemory::ColumnMemory() : spare(std::make_shared<Spare>()) {}
 

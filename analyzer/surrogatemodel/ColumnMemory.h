@@ -11,12 +11,31 @@ class vtkDoubleArray;
  * The memory of large columns, to be used again. The system hands out pages at a fifth of the speed
  * at which columns are filled, and most columns of an update have the size of those of the update
  * before. A column's memory comes back here when the last array that shares it has gone; whoever
- * keeps an earlier table keeps its values. What came back stays until freeSpare(). Columns may
- * outlive this object; then their memory goes back to the system. Arrays may go in any thread.
+ * keeps an earlier table keeps its values. What comes back is kept only where a Reuse wants it,
+ * else it goes to the system at once: between two updates nothing is spare. Columns may outlive
+ * this object. Arrays may go in any thread.
  */
 class ColumnMemory
 {
 public:
+    /**
+     * For as long as it lives, which is one update, what comes back is kept and handed out again.
+     * What is spare at its end goes back to the system. One at a time.
+     */
+    class Reuse
+    {
+    public:
+        /** Borrows the memory for its life. */
+        explicit Reuse(ColumnMemory& memory);
+        ~Reuse();
+
+        Reuse(const Reuse&) = delete;
+        Reuse& operator=(const Reuse&) = delete;
+
+    private:
+        ColumnMemory& memory;
+    };
+
     ColumnMemory();
     ~ColumnMemory();
 
@@ -31,9 +50,6 @@ public:
      */
     void makeRoom(vtkDoubleArray& column, vtkIdType rows);
 
-    /** Returns to the system what came back and was not taken again. */
-    void freeSpare();
-
     /** Bytes that came back and were not taken again. */
     std::size_t spareBytes() const;
 
@@ -41,6 +57,8 @@ private:
     struct Block;
     struct Spare;
     struct InUse;
+
+    void freeSpare();
 
     std::shared_ptr<Spare> spare;
 };

@@ -24,24 +24,11 @@
 
 #include <locale>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 
 namespace {
-
-/** Frees what is left over when an execution ends, however it does. */
-class LeftOverMemory
-{
-public:
-    explicit LeftOverMemory(ColumnMemory& memory) : memory(memory) {}
-    ~LeftOverMemory() { memory.freeSpare(); }
-
-    LeftOverMemory(const LeftOverMemory&) = delete;
-    LeftOverMemory& operator=(const LeftOverMemory&) = delete;
-
-private:
-    ColumnMemory& memory;
-};
 
 /** Silences what the executive says about a failed filter, for as long as it lives. */
 class ExecutiveSilence
@@ -65,7 +52,8 @@ private:
 /**
  * VTK's own executive stays locked for ever when an exception passes through the algorithm, and
  * writes a report of its own into the output window when the algorithm fails, also where an
- * observer has taken the filter's report.
+ * observer has taken the filter's report. The memory of columns is used again here and not in the
+ * algorithm, because the executive empties the output before it calls the algorithm.
  */
 class QueryExecutive : public vtkCompositeDataPipeline
 {
@@ -73,7 +61,16 @@ public:
     static QueryExecutive* New();
     vtkTypeMacro(QueryExecutive, vtkCompositeDataPipeline)
 
+    std::shared_ptr<ColumnMemory> memory = std::make_shared<ColumnMemory>(); ///< the filter's
+
 protected:
+    int ExecuteData(vtkInformation* request, vtkInformationVector** inputs,
+                    vtkInformationVector* outputs) override
+    {
+        const ColumnMemory::Reuse reuse(*memory);
+        return Superclass::ExecuteData(request, inputs, outputs);
+    }
+
     int CallAlgorithm(vtkInformation* request, int direction, vtkInformationVector** inputs,
                       vtkInformationVector* outputs) override
     {
@@ -147,7 +144,8 @@ public:
     boost::shared_ptr<const SurrogateModelManagerInterface> manager;
     SignalConnectionCollection connections;
     std::string lastError;
-    ColumnMemory memory; // between two executions it is all in the output
+    /// Shared with the executive, which knows when what came back is wanted.
+    std::shared_ptr<ColumnMemory> memory = std::make_shared<ColumnMemory>();
 };
 
 vtkSmartPointer<SurrogateModelQueryToTable>
@@ -187,7 +185,9 @@ vtkObjectBase* SurrogateModelQueryToTable::NewInstanceInternal() const
 
 vtkExecutive* SurrogateModelQueryToTable::CreateDefaultExecutive()
 {
-    return QueryExecutive::New();
+    auto* const executive = QueryExecutive::New();
+    executive->memory = impl->memory;
+    return executive;
 }
 
 std::string SurrogateModelQueryToTable::getLastError()
@@ -201,7 +201,6 @@ int SurrogateModelQueryToTable::RequestData(vtkInformation* /*request*/,
 {
     vtkTable* const output = vtkTable::GetData(outputs, 0);
     impl->lastError.clear();
-    const LeftOverMemory leftOver(impl->memory);
     try {
         evaluate(output);
         return 1;
@@ -215,7 +214,7 @@ int SurrogateModelQueryToTable::RequestData(vtkInformation* /*request*/,
 
 void SurrogateModelQueryToTable::evaluate(vtkTable* output) const
 {
-    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars, impl->memory);
+    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars, *impl->memory);
     const vtkSmartPointer<vtkTable> supplied = builder.suppliedIndependentVarValues();
     const vtkSmartPointer<vtkTable> results = builder.resultDependentVarValues();
 

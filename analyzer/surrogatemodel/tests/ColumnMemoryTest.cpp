@@ -46,20 +46,43 @@ TEST(ColumnMemory, LeavesSmallColumnsToThemselves)
 TEST(ColumnMemory, GivesTheMemoryOfAColumnThatHasGoneToTheNextOfItsSize)
 {
     ColumnMemory memory;
+    const ColumnMemory::Reuse reuse(memory);
     vtkSmartPointer<vtkDoubleArray> first = columnIn(memory);
     const double* const values = first->GetPointer(0);
 
     first = nullptr;
     EXPECT_EQ(memory.spareBytes(), manyBytes);
+    // Takes the place if the system has it back.
+    ColumnMemory others;
+    const vtkSmartPointer<vtkDoubleArray> decoy = columnIn(others);
     const vtkSmartPointer<vtkDoubleArray> next = columnIn(memory);
 
     EXPECT_EQ(next->GetPointer(0), values);
+    EXPECT_NE(decoy->GetPointer(0), values);
+    EXPECT_EQ(memory.spareBytes(), 0u);
+}
+
+TEST(ColumnMemory, KeepsNothingThatComesBackWhereItIsNotWanted)
+{
+    ColumnMemory memory;
+    columnIn(memory);
+    EXPECT_EQ(memory.spareBytes(), 0u);
+    vtkSmartPointer<vtkDoubleArray> later = columnIn(memory);
+    {
+        const ColumnMemory::Reuse reuse(memory);
+        columnIn(memory);
+        EXPECT_EQ(memory.spareBytes(), manyBytes);
+    }
+
+    later = nullptr;
+
     EXPECT_EQ(memory.spareBytes(), 0u);
 }
 
 TEST(ColumnMemory, ReturnsWhatIsSpareBeforeItTakesMemoryOfAnotherSize)
 {
     ColumnMemory memory;
+    const ColumnMemory::Reuse reuse(memory);
     columnIn(memory);
 
     const vtkSmartPointer<vtkDoubleArray> other = columnIn(memory, manyRows + 1);
@@ -70,6 +93,7 @@ TEST(ColumnMemory, ReturnsWhatIsSpareBeforeItTakesMemoryOfAnotherSize)
 TEST(ColumnMemory, KeepsTheValuesOfWhoeverSharesThem)
 {
     ColumnMemory memory;
+    const ColumnMemory::Reuse reuse(memory);
     vtkSmartPointer<vtkDoubleArray> column = columnIn(memory);
     std::fill_n(column->GetPointer(0), manyRows, 3.0);
     vtkNew<vtkDoubleArray> sharing;
@@ -82,15 +106,16 @@ TEST(ColumnMemory, KeepsTheValuesOfWhoeverSharesThem)
     EXPECT_EQ(sharing->GetValue(manyRows - 1), 3.0);
 }
 
-TEST(ColumnMemory, FreesWhatIsSpareAndNothingElse)
+TEST(ColumnMemory, FreesWhatIsSpareAtLastAndNothingElse)
 {
     ColumnMemory memory;
+    std::optional<ColumnMemory::Reuse> reuse(memory);
     const vtkSmartPointer<vtkDoubleArray> kept = columnIn(memory);
     kept->SetValue(7, 3.0);
     columnIn(memory);
     ASSERT_EQ(memory.spareBytes(), manyBytes);
 
-    memory.freeSpare();
+    reuse.reset();
 
     EXPECT_EQ(memory.spareBytes(), 0u);
     EXPECT_EQ(kept->GetValue(7), 3.0);
@@ -112,6 +137,7 @@ TEST(ColumnMemory, IsOutlivedByItsColumns)
 TEST(ColumnMemory, HasColumnsThatGrowAndShrinkLikeOthers)
 {
     ColumnMemory memory;
+    const ColumnMemory::Reuse reuse(memory);
     const vtkSmartPointer<vtkDoubleArray> grown = columnIn(memory);
     const vtkSmartPointer<vtkDoubleArray> emptied = columnIn(memory);
     grown->SetValue(7, 3.0);

@@ -4,17 +4,21 @@
 
 #include <boost/make_shared.hpp>
 
+#include <functional>
 #include <map>
 #include <set>
 #include <vector>
 
-/** Interpolation variables that answer what a test puts in. */
+/** Interpolation variables that answer what a test puts in, and run `onValues` before. */
 class FixedVariables : public InterpolationVariablesInterface
 {
 public:
     boost::shared_ptr<std::map<VarPtr, std::vector<double>>>
     inputIndependentVariables() const override
     {
+        if (onValues) {
+            onValues();
+        }
         return boost::make_shared<std::map<VarPtr, std::vector<double>>>(inputs);
     }
     std::set<VarPtr> dependentVariables() const override { return dependents; }
@@ -24,4 +28,5 @@ public:
 
     std::map<VarPtr, std::vector<double>> inputs;
     std::set<VarPtr> dependents;
+    std::function<void()> onValues;
 };

@@ -23,6 +23,13 @@ inline std::size_t mostBytesHeld()
     return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
 }
 
+/** The memory that this process has asked for and not given back, large blocks included. */
+inline std::size_t bytesInUse()
+{
+    const struct mallinfo2 all = mallinfo2();
+    return all.uordblks + all.hblkhd;
+}
+
 /** By how many megabytes (at most 254, -1 after a crash) a function makes a process grow. */
 template <class Function>
 int megabytesGrownBy(const Function& run)
