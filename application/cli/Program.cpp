@@ -65,5 +65,7 @@ int surrogateProgram(int argc, char** argv)
         return failed(ModelFailed, "There is not enough memory for this.");
     } catch (const std::exception& error) {
         return failed(ModelFailed, error.what());
+    } catch (...) {
+        return failed(ModelFailed, "The command failed for an unknown reason.");
     }
 }

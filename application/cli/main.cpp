@@ -28,18 +28,29 @@ bool answersByItself(int argc, char** argv)
     return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
 }
 
+/** Null with the reason if it cannot be loaded. Whole: a call does not fail halfway. */
+void* openLibrary(const std::string& name, std::string& reason)
+{
+    void* const library = dlopen(name.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    if (library == nullptr) {
+        reason = dlerror();
+    }
+    return library;
+}
+
 /** Where the program's own libraries are; what stands between the program and the loader, as
  *  sanitizers do, may hide that folder from it. */
-void* openCommands()
+void* openCommands(std::string& reason)
 {
     const std::string name = SURROGATE_COMMANDS_LIBRARY;
-    if (void* const library = dlopen(name.c_str(), RTLD_LAZY | RTLD_GLOBAL)) {
+    if (void* const library = openLibrary(name, reason)) {
         return library;
     }
     std::error_code ignored;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
     const auto besides = program.parent_path().parent_path() / "lib" / name;
-    return dlopen(besides.c_str(), RTLD_LAZY | RTLD_GLOBAL);
+    // That it is not there, either, would hide what the one that was found lacks.
+    return std::filesystem::exists(besides, ignored) ? openLibrary(besides, reason) : nullptr;
 }
 
 } // namespace
@@ -49,11 +60,15 @@ int main(int argc, char* argv[])
     if (answersByItself(argc, argv)) {
         return 0;
     }
-    void* const library = openCommands();
+    std::string reason;
+    void* const library = openCommands(reason);
     void* const entry = library == nullptr ? nullptr : dlsym(library, "surrogateProgram");
+    if (library != nullptr && entry == nullptr) {
+        reason = dlerror();
+    }
     if (entry == nullptr) {
         std::fprintf(stderr, "surrogate: The library of the commands cannot be loaded: %s.\n",
-                     dlerror());
+                     reason.c_str());
         return 5;
     }
     return reinterpret_cast<decltype(&surrogateProgram)>(entry)(argc, argv);

@@ -42,7 +42,12 @@ protected:
     /** Runs it through the shell in the test's folder; `arguments` may redirect and pipe. */
     Outcome run(const std::string& arguments)
     {
-        const std::string command = "cd '" + folder.path("") + "' && { '" SURROGATE_PROGRAM "' " +
+        return runAs("'" SURROGATE_PROGRAM "'", arguments);
+    }
+
+    Outcome runAs(const std::string& program, const std::string& arguments)
+    {
+        const std::string command = "cd '" + folder.path("") + "' && { " + program + ' ' +
                                     arguments + "; } > out.txt 2> err.txt";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out.txt"),

@@ -6,11 +6,42 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
 using Json = nlohmann::json;
+
+const std::string libraryOfCommands = SURROGATE_COMMANDS_LIBRARY;
+
+/** A copy of the program, in the folder "bin", that does not know where it was built. */
+class CopiedProgram : public Program
+{
+protected:
+    CopiedProgram()
+    {
+        std::ifstream original(SURROGATE_PROGRAM, std::ios::binary);
+        std::string bytes{std::istreambuf_iterator<char>(original), {}};
+        const std::string built = SURROGATE_LIBRARY_FOLDER;
+        for (auto at = bytes.find(built); at != std::string::npos; at = bytes.find(built, at)) {
+            bytes.replace(at, built.size(), built.size(), '-');
+        }
+        for (const char* name : {"bin", "lib", "found"}) {
+            std::filesystem::create_directory(folder.path(name));
+        }
+        folder.write("bin/surrogate", bytes);
+        std::filesystem::permissions(folder.path("bin/surrogate"),
+                                     std::filesystem::perms::owner_all);
+    }
+
+    Outcome runCopy(const std::string& arguments, const std::string& environment = "")
+    {
+        return runAs(environment + " bin/surrogate", arguments);
+    }
+};
 } // namespace
 
 TEST_F(Program, HelpAndVersionGoToTheStandardOutput)
@@ -46,7 +77,53 @@ TEST_F(Program, SaysWhyItsVersionCannotBeWritten)
     EXPECT_EQ(version.exitCode, 5);
     EXPECT_EQ(version.err, "surrogate: The standard output cannot be written: No space left on "
                            "device.\n");
-    EXPECT_EQ(run("--version | true").exitCode, 0);
+}
+
+TEST_F(Program, IsNotKilledByAReaderOfItsVersionThatHasGone)
+{
+    // Not a pipe of the shell, whose exit code would be that of the reader.
+    const Outcome version =
+        runAs("mkfifo gone; (exec 3< gone) & exec 4> gone; wait; '" SURROGATE_PROGRAM "'",
+              "--version >&4");
+
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_EQ(version.err, "");
+}
+
+TEST_F(CopiedProgram, SaysThatTheLibraryOfItsCommandsIsMissing)
+{
+    const Outcome fit = runCopy("fit cvd.csv -y Stress");
+
+    EXPECT_EQ(fit.exitCode, 5);
+    EXPECT_EQ(fit.out, "");
+    EXPECT_EQ(fit.err,
+              "surrogate: The library of the commands cannot be loaded: " + libraryOfCommands +
+                  ": cannot open shared object file: No such file or directory.\n");
+    EXPECT_EQ(runCopy("--version").exitCode, 0) << "what needs no library is answered";
+}
+
+TEST_F(CopiedProgram, SaysWhatTheLibraryOfItsCommandsLacks)
+{
+    folder.write("found/" + libraryOfCommands, "no library");
+
+    // Whatever is wrong with the one that is found is the reason, and not that there is none
+    // where else it might have been.
+    const Outcome fit = runCopy("fit cvd.csv -y Stress", "LD_LIBRARY_PATH=found");
+
+    EXPECT_EQ(fit.exitCode, 5);
+    EXPECT_EQ(fit.err, "surrogate: The library of the commands cannot be loaded: found/" +
+                           libraryOfCommands + ": file too short.\n");
+}
+
+TEST_F(CopiedProgram, TakesTheLibraryOfItsCommandsBesideIt)
+{
+    folder.write("lib/" + libraryOfCommands, "no library");
+
+    const Outcome fit = runCopy("fit cvd.csv -y Stress");
+
+    EXPECT_EQ(fit.exitCode, 5);
+    EXPECT_NE(fit.err.find("/lib/" + libraryOfCommands + ": file too short.\n"), std::string::npos)
+        << fit.err;
 }
 
 TEST_F(Program, FindsItsCommandsThroughALinkFromElsewhere)
