@@ -145,6 +145,7 @@ class CompareRuns(unittest.TestCase):
         result = self.compare(REFERENCE + entries("fit", [5, 5, 5]) + entries("grid", [5, 5, 5]),
                               REFERENCE + entries("fit", [5, 5, 5]))
         self.assertIn("Missing in the second run: grid\n", result.stdout)
+        self.assertEqual(result.returncode, 1)
 
     def test_folders_are_compared_file_by_file(self):
         for folder, time in (("a", 500), ("b", 1500)):
@@ -153,6 +154,32 @@ class CompareRuns(unittest.TestCase):
         result = self.run_program(self.folder / "a", self.folder / "b")
         self.assertEqual(result.returncode, 1)
         self.assertIn("2 compared, 1 slower", result.stdout)
+
+    def test_a_file_that_the_second_folder_lacks_is_named_and_no_success(self):
+        for folder in ("a", "b"):
+            self.write(f"{folder}/OneBench.json", REFERENCE + entries("fit", [500] * 3))
+        self.write("a/TwoBench.json", REFERENCE + entries("grid", [7, 7, 7]))
+        self.write("b/ThreeBench.json", REFERENCE + entries("read", [7, 7, 7]))
+        result = self.run_program(self.folder / "a", self.folder / "b")
+        self.assertEqual(result.stdout, "Missing in the second run: TwoBench.json\n"
+                                        "1 compared, 0 slower, 0 faster.\n")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(self.run_program(self.folder / "b", self.folder / "a").returncode, 1)
+
+    def test_refuses_options_without_meaning_in_one_sentence(self):
+        run = self.write("run.json", REFERENCE + entries("fit", [5, 5, 5]))
+        for option, value, message in (
+                ("--only", "(", "--only needs a regular expression, not \"(\""),
+                ("--tolerance", "nan", "--tolerance needs a fraction from 0 on, not \"nan\""),
+                ("--tolerance", "-0.1", "--tolerance needs a fraction from 0 on, not \"-0.1\""),
+                ("--tolerance", "inf", "--tolerance needs a fraction from 0 on, not \"inf\""),
+                ("--tolerance", "much", "--tolerance needs a fraction from 0 on, not \"much\"")):
+            with self.subTest(value):
+                result = self.run_program(run, run, f"{option}={value}")
+                self.assertEqual(result.returncode, 2)
+                self.assertEqual(result.stdout, "")
+                self.assertIn(message, result.stderr)
+                self.assertEqual(result.stderr.count("\n"), 1)
 
     def test_refuses_what_is_no_run_in_one_sentence(self):
         run = self.write("run.json", REFERENCE + entries("fit", [5, 5, 5]))
