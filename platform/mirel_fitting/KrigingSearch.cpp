@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/BoundedSearch.h>
 #include <mirel_fitting/KrigingObjective.h>
+#include <mirel_fitting/KrigingOptima.h>
 #include <mirel_fitting/KrigingRunner.h>
 #include <mirel_fitting/KrigingSearchProgress.h>
 #include <mirel_fitting/KrigingSearchVariables.h>
@@ -15,6 +16,8 @@
 
 namespace {
 
+using Optimum = KrigingOptima::Optimum;
+
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 constexpr double smoothNugget = KrigingSearchVariables::smoothNugget;
@@ -27,25 +30,6 @@ constexpr std::size_t casesToCompete = 100;
 // before is a few steps from the next, and all of them together cost less than two steps at the
 // end.
 constexpr double rung = 2.5;
-
-/** A local maximum of the likelihood. */
-struct Optimum
-{
-    std::vector<double> point;
-    double value = 0.0;
-    double noiseVariance = 0.0;
-    int meetings = 1;                                // searches that ended here
-    bool isSearched = true;                          // with all cases
-    bool isMaximum = true;                           // not given up
-    std::shared_ptr<BoundedSearch> search = nullptr; // of the cases taken, that ended here
-};
-
-void sortByValue(std::vector<Optimum>& optima)
-{
-    // Stable: of equals the earlier one leads, run after run.
-    std::stable_sort(optima.begin(), optima.end(),
-                     [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-}
 
 /** Of a race: so many of the highest take so many steps. */
 struct Round
@@ -73,15 +57,10 @@ private:
     void compete();
     void race(const std::vector<std::vector<double>>& starts, const std::vector<Round>& rounds);
     bool advance(KrigingRunner& runner, int steps);
-    void add(Optimum reached);
-    bool areOnOneRidge(const Optimum& a, const Optimum& b);
-    double highest() const;
     double competingGain() const;
-    void shortlist();
     bool isWorthTheWay(double start, double highestStart) const;
     void climb(std::size_t cases);
     void tryFarLengths(const std::vector<double>& upper);
-    void dropEndsOfTheRidge();
     void preferLeastNugget();
     Optimum searchFor(double enough, const std::vector<double>& start,
                       const std::vector<double>& upper);
@@ -95,7 +74,7 @@ private:
     KrigingSearchVariables variables;
     std::size_t taken = 0; // cases
     std::unique_ptr<KrigingObjective> objective;
-    std::vector<Optimum> optima; // best first
+    KrigingOptima optima{variables};
 };
 
 /** The numbers of cases that are searched with, ending with all. */
@@ -143,15 +122,6 @@ double Search::competingGain() const
     return little + settings.tolerance * static_cast<double>(taken);
 }
 
-double Search::highest() const
-{
-    double result = -infinity;
-    for (const Optimum& optimum : optima) {
-        result = std::max(result, optimum.value);
-    }
-    return result;
-}
-
 Optimum Search::search(const std::vector<double>& start, const std::vector<double>& upper,
                        double gain)
 {
@@ -185,13 +155,14 @@ void Search::finish(Optimum& optimum)
  */
 void Search::continueTheLikeliest()
 {
+    std::vector<Optimum> starts;
     for (const KrigingParameters& start : settings.starts) {
         const std::vector<double> point = variables.at(start);
-        optima.push_back({point, objective->value(point)});
+        starts.push_back({point, objective->value(point)});
     }
-    sortByValue(optima);
-    optima.resize(1);
-    Optimum& best = optima.front();
+    KrigingOptima::sort(starts);
+    optima.add(starts.front(), *objective);
+    Optimum& best = optima.best();
     if (*settings.mostSteps == 0 || !std::isfinite(best.value)) {
         return;
     }
@@ -229,11 +200,11 @@ void Search::compete()
         KrigingRunner runner(*objective, variables, starts[started]);
         while (!advance(runner, 1)) {
         }
-        isTelling = variables.lengths == 0 || highest() > telling;
+        isTelling = variables.lengths == 0 || optima.highestValue() > telling;
     }
-    sortByValue(optima);
+    optima.sort();
     constexpr int enoughMeetings = 2;
-    const bool doMeet = !optima.empty() && optima.front().meetings >= enoughMeetings;
+    const bool doMeet = !optima.isEmpty() && optima.best().meetings >= enoughMeetings;
     if (variables.lengths == 0 || (doMeet && isTelling)) {
         return;
     }
@@ -247,7 +218,7 @@ void Search::compete()
     } else {
         race(starts, {{5, 2}, {3, 3}, {2, 60}});
     }
-    sortByValue(optima);
+    optima.sort();
 }
 
 /**
@@ -260,7 +231,7 @@ void Search::race(const std::vector<std::vector<double>>& starts, const std::vec
     for (const std::vector<double>& start : starts) {
         field.push_back({start, objective->value(start)});
     }
-    sortByValue(field);
+    KrigingOptima::sort(field);
     field.resize(std::min(field.size(), rounds[0].runners));
     std::vector<std::unique_ptr<KrigingRunner>> runners;
     for (const Optimum& start : field) {
@@ -292,10 +263,10 @@ bool Search::advance(KrigingRunner& runner, int steps)
     const BoundedSearch& search = *runner.search();
     for (int step = 0; step < steps && !search.isDone() && runner.steps() < mostSteps; ++step) {
         const double gained = runner.step(competingGain());
-        if (optima.empty()) {
+        if (optima.isEmpty()) {
             continue;
         }
-        const double behind = highest() - search.value();
+        const double behind = optima.highestValue() - search.value();
         if (runner.steps() > stepsToJudge && behind > hopeless + stepsLike * gained) {
             return true;
         }
@@ -311,73 +282,11 @@ bool Search::advance(KrigingRunner& runner, int steps)
         return false;
     }
     if (search.isFeasible()) {
-        add({search.point(), search.value(), runner.noiseVariance(), 1, true, true,
-             runner.search()});
+        optima.add({search.point(), search.value(), runner.noiseVariance(), 1, true, true,
+                    runner.search()},
+                   *objective);
     }
     return true;
-}
-
-/** Keeps what a search has reached, or counts it as a meeting. */
-void Search::add(Optimum reached)
-{
-    for (Optimum& optimum : optima) {
-        if (variables.areClose(reached.point, optimum.point) || areOnOneRidge(reached, optimum)) {
-            reached.meetings = optimum.meetings + 1;
-            optimum = reached.value > optimum.value ? reached : optimum;
-            optimum.meetings = reached.meetings;
-            return;
-        }
-    }
-    optima.push_back(std::move(reached));
-}
-
-/**
- * Whether the likelihood hardly dips on the way from one point to the other: then they are ends of
- * one flat ridge, where searches stop anywhere, and no different models.
- */
-bool Search::areOnOneRidge(const Optimum& a, const Optimum& b)
-{
-    constexpr double littleDip = 0.25;
-    constexpr double alike = 2.0;
-
-    const double lower = std::min(a.value, b.value);
-    if (std::fabs(a.value - b.value) > alike) {
-        return false;
-    }
-    for (const double share : {0.5, 0.25, 0.75}) {
-        std::vector<double> between;
-        for (std::size_t k = 0; k < a.point.size(); ++k) {
-            between.push_back((1.0 - share) * a.point[k] + share * b.point[k]);
-        }
-        if (!(objective->value(between) >= lower - littleDip)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/**
- * The optima that may be the best with more cases, too: the two best ones, and the best one that
- * takes the scatter of the cases for noise if those do not, or the other way about.
- */
-void Search::shortlist()
-{
-    // Whoever is farther behind than this, for each case, stays behind.
-    constexpr double closeEnough = 0.03;
-    constexpr double noisy = 1e-3;
-
-    const double least = optima.front().value - 1.0 - closeEnough * static_cast<double>(taken);
-    std::vector<Optimum> kept;
-    bool areAlike = true;
-    for (const Optimum& optimum : optima) {
-        const bool isLike =
-            (optimum.noiseVariance > noisy) == (optima.front().noiseVariance > noisy);
-        if (optimum.value >= least && (kept.size() < 2 || (areAlike && !isLike))) {
-            kept.push_back(optimum);
-            areAlike = areAlike && isLike;
-        }
-    }
-    optima = std::move(kept);
 }
 
 /** With all cases a search is dear: runners-up that begin lower are left out. */
@@ -390,13 +299,13 @@ bool Search::isWorthTheWay(double start, double highestStart) const
 /** Continues with more cases what was found with fewer. */
 void Search::climb(std::size_t cases)
 {
-    shortlist();
+    optima.shortlist(taken);
     const auto growth = static_cast<double>(cases) / static_cast<double>(taken);
     take(cases);
     const bool areAll = cases == data->cases;
     const double gain = areAll ? smallestGain() : settings.tolerance * static_cast<double>(cases);
 
-    const double before = optima.front().value;
+    const double before = optima.best().value;
     double highestStart = -infinity;
     for (Optimum& optimum : optima) {
         const double estimate = optimum.value - before; // of what lies between the optima
@@ -406,16 +315,12 @@ void Search::climb(std::size_t cases)
         if (isWorthTheWay(start, highestStart)) {
             optimum = search(optimum.point, variables.upper, gain);
         } else {
-            optimum.value = optima.front().value + growth * estimate;
+            optimum.value = optima.best().value + growth * estimate;
             optimum.isSearched = false;
         }
     }
-    sortByValue(optima);
-    optima.erase(std::remove_if(optima.begin() + 1, optima.end(),
-                                [&](const Optimum& optimum) {
-                                    return variables.areClose(optimum.point, optima[0].point);
-                                }),
-                 optima.end());
+    optima.sort();
+    optima.dropCopiesOfTheBest();
 }
 
 /**
@@ -429,7 +334,7 @@ void Search::tryFarLengths(const std::vector<double>& upper)
     constexpr double near = 0.4;
     constexpr std::size_t most = 20; // inputs, those with the shortest of these lengths
 
-    Optimum& best = optima.front();
+    Optimum& best = optima.best();
     std::vector<std::size_t> far;
     for (std::size_t k = 0; k < variables.lengths; ++k) {
         if (best.point[k] > std::log(KrigingSearchVariables::faint)) {
@@ -461,21 +366,6 @@ void Search::tryFarLengths(const std::vector<double>& upper)
     }
 }
 
-/** Other optima that are none with all cases, of those nearly as likely as the best. */
-void Search::dropEndsOfTheRidge()
-{
-    while (optima.size() > 1) {
-        Optimum second = optima[1];
-        if (!second.isSearched) {
-            second.value = std::min(second.value, objective->value(second.point));
-        }
-        if (!areOnOneRidge(optima[0], second)) {
-            return;
-        }
-        optima.erase(optima.begin() + 1);
-    }
-}
-
 /**
  * The likelihood of smooth data does not feel a nugget of, say, a millionth, and the search leaves
  * it where it is. Users expect such data to be met at the cases: where the likelihood is
@@ -492,7 +382,7 @@ void Search::preferLeastNugget()
     constexpr std::size_t casesPerLength = 5;
     constexpr double littleGain = 0.05;
 
-    const Optimum& best = optima.front();
+    const Optimum& best = optima.best();
     if (!variables.hasNugget || best.point.back() <= variables.lower.back()) {
         return;
     }
@@ -511,10 +401,10 @@ void Search::preferLeastNugget()
         return;
     }
     const bool isLess = smooth.value < best.value - evidence;
-    optima.front() = smooth;
+    optima.best() = smooth;
     if (isLess) {
         // Without the nugget other lengths are likelier.
-        optima.front() = search(smooth.point, upper, std::max(littleGain, smallestGain()));
+        optima.best() = search(smooth.point, upper, std::max(littleGain, smallestGain()));
     }
     tryFarLengths(upper);
 }
@@ -551,7 +441,7 @@ void Search::preferNoiseToSpikes()
     constexpr double evidence = 0.4;
     constexpr std::size_t aGoodNumber = 20;
 
-    const Optimum& best = optima.front();
+    const Optimum& best = optima.best();
     const std::vector<KrigingReport::Bound> bounds = variables.boundsOf(best.point);
     const bool isSpikes = !bounds.empty() &&
                           std::all_of(bounds.begin(), bounds.end(), [](KrigingReport::Bound bound) {
@@ -564,7 +454,7 @@ void Search::preferNoiseToSpikes()
     noise.point.back() = variables.upper.back();
     noise.value = objective->value(noise.point);
     if (noise.value >= best.value - evidence) {
-        optima.front() = noise;
+        optima.best() = noise;
     }
 }
 
@@ -578,18 +468,18 @@ void Search::searchFromAll()
         compete();
     }
     for (const KrigingParameters& start : settings.starts) {
-        const double enough = std::max(settings.enough, highest());
+        const double enough = std::max(settings.enough, optima.highestValue());
         Optimum reached = searchFor(enough, variables.at(start), variables.upper);
-        if (optima.empty() || reached.isMaximum) {
-            add(std::move(reached));
+        if (optima.isEmpty() || reached.isMaximum) {
+            optima.add(std::move(reached), *objective);
         }
     }
-    sortByValue(optima);
-    if (optima.empty()) {
-        optima.push_back({variables.uniform(settings.initialLength, noisyNugget), -infinity});
+    optima.sort();
+    if (optima.isEmpty()) {
+        optima.add({variables.uniform(settings.initialLength, noisyNugget), -infinity}, *objective);
     }
     if (sizes.size() == 1 && settings.starts.empty()) {
-        finish(optima.front());
+        finish(optima.best());
     }
     for (std::size_t rung = 1; rung < sizes.size(); ++rung) {
         climb(sizes[rung]);
@@ -616,23 +506,23 @@ KrigingSearch::Result Search::run()
         continueTheLikeliest();
     } else {
         searchFromAll();
-        dropEndsOfTheRidge();
+        optima.dropEndsOfTheRidge(*objective);
         if (optima.size() > 1) {
-            result.secondLogLikelihood = optima[1].value;
-            result.secondParameters = objective->parameters(optima[1].point);
+            result.secondLogLikelihood = optima.second().value;
+            result.secondParameters = objective->parameters(optima.second().point);
         }
         if (!settings.isRough) {
             preferLeastNugget();
             preferNoiseToSpikes();
         }
     }
-    result.logLikelihood = optima.front().value;
-    result.isGivenUp = !optima.front().isMaximum;
-    result.lengthBounds = variables.boundsOf(optima.front().point);
-    result.nuggetBound = variables.isNuggetLargest(optima.front().point)
+    result.logLikelihood = optima.best().value;
+    result.isGivenUp = !optima.best().isMaximum;
+    result.lengthBounds = variables.boundsOf(optima.best().point);
+    result.nuggetBound = variables.isNuggetLargest(optima.best().point)
                              ? KrigingReport::Bound::Upper
                              : KrigingReport::Bound::None;
-    result.parameters = objective->parameters(optima.front().point);
+    result.parameters = objective->parameters(optima.best().point);
     result.evaluations = objective->evaluations();
     return result;
 }
