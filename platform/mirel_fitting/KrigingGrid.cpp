@@ -6,6 +6,7 @@
 #include <mirel_fitting/CondensedProduct.h>
 #include <mirel_fitting/GridRows.h>
 #include <mirel_fitting/GridSide.h>
+#include <mirel_fitting/KrigingGridWay.h>
 #include <mirel_fitting/KrigingLine.h>
 #include <mirel_fitting/OrderedChunks.h>
 #include <mirel_fitting/SingleThreadedBlas.h>
@@ -24,153 +25,11 @@ namespace {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t largestTile = std::size_t{4} << 20; // bytes
 
-/** How many of the axes, from the fastest, form the fast group: both groups have as few
- *  combinations as possible, since each is a row of correlations to be computed. */
-std::size_t bestSplit(const std::vector<ProductGrid::Axis>& axes, std::size_t rows)
-{
-    std::size_t best = 1;
-    std::size_t fewest = std::numeric_limits<std::size_t>::max();
-    for (std::size_t split = 1; split < axes.size(); ++split) {
-        const std::size_t combinations = axes[split].stride + rows / axes[split].stride;
-        if (combinations < fewest) {
-            fewest = combinations;
-            best = split;
-        }
-    }
-    return best;
-}
-
 std::vector<std::size_t> numbersFrom(std::size_t first, std::size_t last)
 {
     std::vector<std::size_t> result(last - first);
     std::iota(result.begin(), result.end(), first);
     return result;
-}
-
-// Estimates of the time that ways take, in multiplications of eight pairs of numbers.
-
-/** A correlation, its exponential included, of as many cases with one value. */
-double costOfCorrelations(std::size_t cases, std::size_t inputs)
-{
-    return static_cast<double>(cases) * (18.0 + 3.0 * static_cast<double>(inputs)) / 8.0;
-}
-
-double costOfPoints(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
-{
-    return static_cast<double>(grid.rowCount()) *
-           costOfCorrelations(parts.weights.size(), parts.inputs.size());
-}
-
-/** By the matrix product of two groups of axes. */
-double costOfProduct(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
-{
-    if (grid.axes().size() < 2) {
-        return std::numeric_limits<double>::infinity();
-    }
-    const std::size_t rows = grid.rowCount();
-    const std::size_t fastSize = grid.axes()[bestSplit(grid.axes(), rows)].stride;
-    if (fastSize > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-        return std::numeric_limits<double>::infinity();
-    }
-    const std::size_t slowSize = rows / fastSize;
-    return static_cast<double>(rows) * static_cast<double>(parts.weights.size()) * 1.2 / 8.0 +
-           static_cast<double>(fastSize + slowSize) * costOfCorrelations(parts.weights.size(), 1);
-}
-
-bool hasOneInput(const KrigingPredictor::Parts& parts, const ProductGrid::Axis& axis)
-{
-    const auto& inputs = parts.inputs;
-    return std::count_if(axis.columns.begin(), axis.columns.end(), [&](std::size_t column) {
-               return std::find(inputs.begin(), inputs.end(), column) != inputs.end();
-           }) == 1;
-}
-
-/** By the matrix product of the axes before one of them, condensed by that one, and those after. */
-double costOfCondensing(const KrigingPredictor::Parts& parts, const ProductGrid& grid,
-                        std::size_t axis)
-{
-    // Products of narrower matrices are slow, and the fast combinations are copied for each factor.
-    constexpr std::size_t fewest = 8;
-    constexpr double mostNumbers = 2e6;
-
-    const ProductGrid::Axis& condensed = grid.axes()[axis];
-    const std::size_t slowSize = grid.rowCount() / condensed.stride / condensed.size;
-    const auto cases = static_cast<double>(parts.weights.size());
-    const auto fastSize = static_cast<double>(condensed.stride);
-    const double columns = AxisFactors::columnsFor(condensed.size);
-    const double factors = AxisFactors::factorsPerCase(condensed.size) * cases;
-    if (condensed.stride < fewest || slowSize < fewest || !hasOneInput(parts, condensed) ||
-        factors * fastSize > mostNumbers || columns * fastSize > mostNumbers) {
-        return std::numeric_limits<double>::infinity();
-    }
-    const double combinations = fastSize * static_cast<double>(slowSize);
-    double cost = 150.0 * cases + combinations * factors * 1.4 / 8.0 +
-                  static_cast<double>(grid.rowCount()) * columns * 1.4 / 8.0 +
-                  (fastSize * factors + static_cast<double>(slowSize) * cases) / 2.0;
-    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
-        cost +=
-            static_cast<double>(grid.axes()[a].size) * costOfCorrelations(parts.weights.size(), 1);
-    }
-    return cost;
-}
-
-/** By sums along one axis. */
-double costOfSums(const KrigingPredictor::Parts& parts, const ProductGrid& grid, std::size_t axis)
-{
-    const ProductGrid::Axis& summed = grid.axes()[axis];
-    if (!hasOneInput(parts, summed)) {
-        return std::numeric_limits<double>::infinity();
-    }
-    const std::size_t cases = parts.weights.size();
-    const std::size_t others = grid.rowCount() / summed.size;
-    // Sorting the cases and tabulating the axis.
-    double cost = 150.0 * static_cast<double>(cases) + 20.0 * static_cast<double>(summed.size);
-    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
-        if (a != axis) {
-            cost += static_cast<double>(grid.axes()[a].size) * costOfCorrelations(cases, 1);
-        }
-    }
-    return cost + static_cast<double>(others) *
-                      (AxisSums::costPerRow(cases, summed.size) + static_cast<double>(cases) / 2.0);
-}
-
-/** Along a line. */
-double costOfLine(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
-{
-    if (grid.axes().size() != 1 || !hasOneInput(parts, grid.axes()[0])) {
-        return std::numeric_limits<double>::infinity();
-    }
-    return 300.0 * static_cast<double>(parts.weights.size()) +
-           8.0 * static_cast<double>(grid.rowCount());
-}
-
-enum class Method
-{
-    Line,
-    Product,
-    Sums,
-    Condensing
-};
-
-struct Way
-{
-    double cost;
-    Method method;
-    std::size_t axis; // that is summed along, or condensed
-};
-
-Way bestWay(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
-{
-    if (grid.axes().size() == 1) {
-        return {costOfLine(parts, grid), Method::Line, 0};
-    }
-    Way best{costOfProduct(parts, grid), Method::Product, 0};
-    const auto consider = [&best](const Way& way) { best = way.cost < best.cost ? way : best; };
-    for (std::size_t a = 0; a < grid.axes().size(); ++a) {
-        consider({costOfSums(parts, grid, a), Method::Sums, a});
-        consider({costOfCondensing(parts, grid, a), Method::Condensing, a});
-    }
-    return best;
 }
 
 } // namespace
@@ -403,14 +262,16 @@ private:
 
 bool KrigingGrid::isWorthwhile(const KrigingPredictor::Parts& parts, const ProductGrid& grid)
 {
-    return parts.correlation && bestWay(parts, grid).cost < 0.75 * costOfPoints(parts, grid);
+    return parts.correlation && KrigingGridWay::best(parts, grid).cost <
+                                    0.75 * KrigingGridWay::costOfPoints(parts, grid);
 }
 
 KrigingGrid::KrigingGrid(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
                          const ProductGrid& grid)
     : parts(parts), rows(grid.rowCount())
 {
-    const Way way = bestWay(parts, grid);
+    using Method = KrigingGridWay::Method;
+    const KrigingGridWay way = KrigingGridWay::best(parts, grid);
     const std::size_t axes = grid.axes().size();
     cost = way.cost;
     const auto makeSides = [&](const std::vector<std::size_t>& onFast,
@@ -424,7 +285,7 @@ KrigingGrid::KrigingGrid(const KrigingPredictor::Parts& parts, const std::vector
         line = std::make_unique<KrigingLine>(parts, columns, grid);
         return;
     case Method::Product: {
-        const std::size_t split = bestSplit(grid.axes(), rows);
+        const std::size_t split = KrigingGridWay::bestSplit(grid.axes(), rows);
         makeSides(numbersFrom(0, split), numbersFrom(split, axes));
         splitTrend(fixInputs(columns, grid));
         prepareProduct();
