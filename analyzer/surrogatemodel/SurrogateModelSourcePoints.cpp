@@ -154,11 +154,11 @@ bool anyInvalid(const std::vector<CaseColumn>& columns, vtkIdType row)
                        [row](const CaseColumn& column) { return column.isInvalid(row); });
 }
 
-/** A row whose record the project does not know is no case of the project. */
+/** A row whose record the project does not know, or no longer has, is no case of the project. */
 bool takesPart(const Project& project, unsigned long identity)
 {
     const boost::shared_ptr<Record> record = project.record(identity).tryLock();
-    return record && record->isInProject() && record->isIncluded();
+    return record && record->isIncluded();
 }
 
 void addColumn(vtkTable* table, const VarPtr& variable)

@@ -7,6 +7,7 @@
 #include <vtkFloatArray.h>
 #include <vtkIntArray.h>
 #include <vtkObjectFactory.h>
+#include <vtkUnsignedLongArray.h>
 
 #include <cmath>
 #include <functional>
@@ -495,6 +496,41 @@ TEST_F(SurrogateModelSourcePointsTest, FollowATableThatGrowsWhileItIsWalked)
     rebuildFully(cases, {y1});
 
     EXPECT_EQ(column("x1"), (Values{1, 2, 3, 4}));
+}
+
+TEST_F(SurrogateModelSourcePointsTest, TakeRowsBeyondTheEndOfTheIdentitiesForNoCases)
+{
+    CaseTable cases = threeCases();
+    std::vector<unsigned long> memory = {1, 2, 3, 1}; // the fourth is none of the column's
+    vtkNew<vtkUnsignedLongArray> identities;
+    identities->SetArray(memory.data(), 3, 1);
+    vtkNew<WatchedColumn> watched;
+    watched->SetNumberOfValues(3);
+    watched->FillValue(1.0);
+    cases.add("Record", identities).add("x2", watched);
+    watched->onRead = [&cases] {
+        cases.get()->RemoveColumnByName("Record");
+        cases.get()->InsertNextBlankRow(1.0);
+    };
+
+    rebuildFully(cases, {y1});
+
+    EXPECT_EQ(cases.get()->GetNumberOfRows(), 4);
+    EXPECT_EQ(rowCount(), 3);
+}
+
+TEST_F(SurrogateModelSourcePointsTest, TakeVectorsOfIdentitiesForNoCases)
+{
+    CaseTable cases = threeCases();
+    vtkNew<vtkUnsignedLongArray> vectors;
+    vectors->SetNumberOfComponents(2);
+    vectors->SetNumberOfTuples(3);
+    vectors->FillValue(1);
+    cases.add("Record", vectors);
+
+    rebuildFully(cases, {y1});
+
+    EXPECT_EQ(rowCount(), 0);
 }
 
 TEST_F(SurrogateModelSourcePointsTest, StopReadingARowAtItsFirstInvalidIndependentValue)

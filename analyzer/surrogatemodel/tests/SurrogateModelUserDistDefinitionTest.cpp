@@ -208,4 +208,25 @@ TEST(SurrogateModelUserDistDefinition, KeepsTheZeroThatTheTextNamesFirst)
     EXPECT_TRUE(std::signbit(valuesOf("-0 - 100 : 200, 0 - 100 : 300").front()));
 }
 
+TEST(SurrogateModelUserDistDefinition, KeepsTheZeroThatALongListNamesFirst)
+{
+    // Every value is a run of its own: so many are sorted otherwise than a few.
+    std::string before;
+    std::string after;
+    for (int value = 40; value > 0; --value) {
+        before += std::to_string(value) + ", ";
+        after += ", " + std::to_string(-value);
+    }
+    const auto zeroOf = [&](const std::string& zeros) {
+        const std::vector<double> values = valuesOf(before + zeros + after);
+        EXPECT_EQ(values.size(), 81u);
+        return values[40];
+    };
+
+    EXPECT_FALSE(std::signbit(zeroOf("0, -0")));
+    EXPECT_TRUE(std::signbit(zeroOf("-0, 0")));
+    EXPECT_FALSE(std::signbit(zeroOf("0, 40, -40, 40, -40, -0")));
+    EXPECT_TRUE(std::signbit(zeroOf("-0, 40, -40, 40, -40, 0")));
+}
+
 } // namespace
