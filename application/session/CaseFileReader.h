@@ -18,8 +18,8 @@
  * CellValue's affair, how they are quoted CsvSplitter's.
  *
  * The file is read in blocks and held as columns only; what cannot be read twice (a pipe) is held
- * whole meanwhile. A column that turns out to be text after its first filled cell makes the reader
- * go back to the beginning for the texts before.
+ * whole meanwhile, in a temporary file if there is much of it. A column that turns out to be text
+ * after its first filled cell makes the reader go back to the beginning for the texts before.
  */
 class SURROGATE_SESSION_EXPORT CaseFileReader
 {

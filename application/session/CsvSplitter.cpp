@@ -173,21 +173,19 @@ public:
             if (!isPlain) {
                 return;
             }
-            takePlainLine(text, isPair);
+            takePlainLine(text);
             block.begin = lineEnd + 1;
         }
     }
 
-    void takePlainLine(std::string_view text, bool isPair)
+    /** The line's end counts by itself: what is before the line ended with LF, if with anything. */
+    void takePlainLine(std::string_view text)
     {
         PlainCells cells(text, separator);
         if (cells.begin() != cells.recordEnd()) {
-            afterCarriageReturn = false;
             sink.plainRecord(text, separator, line);
         }
-        const bool secondOfPair = !isPair && afterCarriageReturn;
-        line += secondOfPair ? 0 : 1;
-        afterCarriageReturn = false;
+        ++line;
         recordLine = line;
     }
 

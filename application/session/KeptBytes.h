@@ -5,8 +5,9 @@
 
 /**
  * Bytes that cannot be read from their source again. Many of them go into a temporary file without
- * a name, so that what a pipe delivers does not stand in memory beside what is made of it; where
- * there is no room for such a file, they stay in memory.
+ * a name, so that what a pipe delivers does not stand in memory beside what is made of it. The file
+ * may fill the folder for temporary files for as long as this lives; what finds no room there stays
+ * in memory.
  */
 class KeptBytes
 {
