@@ -19,30 +19,47 @@ using Pictures = std::vector<std::vector<std::string>>;
 /** Two pictures stand side by side: larger ones would be shrunk until nobody could read them. */
 const PictureSize sizeOnPage = {540, 420};
 
-/** A picture that cannot be made is no reason to do without the others. */
-void addPictures(const std::string& kind, CaseSession& session, Pictures& pictures)
+std::string excuse(const std::string& kind, const std::string& reason)
+{
+    return "<p>There is no picture of kind " + kind + ". " + HtmlReport::escaped(reason) + "</p>";
+}
+
+/** @param add puts the pictures of one kind on the page. One that cannot be made is no reason to do
+ *             without the others. */
+template <typename Add>
+void addOrExcuse(const std::string& kind, Pictures& pictures, Add add)
 {
     try {
-        const std::vector<PictureData> made = pictureLibrary().make(kind, session);
-        for (std::size_t i = 0; i < pictures.size() && i < made.size(); ++i) {
-            pictures[i].push_back(pictureLibrary().inlineSvg(made[i], sizeOnPage));
-        }
+        add();
     } catch (const SurrogateModelInterface::Error& error) {
         for (std::vector<std::string>& ofOutput : pictures) {
-            ofOutput.push_back("<p>There is no picture of kind " + kind + ". " +
-                               HtmlReport::escaped(error.what()) + "</p>");
+            ofOutput.push_back(excuse(kind, error.what()));
         }
     }
 }
 
+void addPictures(const std::string& kind, CaseSession& session, Pictures& pictures)
+{
+    addOrExcuse(kind, pictures, [&] {
+        const std::vector<PictureData> made = pictureLibrary().make(kind, session);
+        for (std::size_t i = 0; i < pictures.size() && i < made.size(); ++i) {
+            pictures[i].push_back(pictureLibrary().inlineSvg(made[i], sizeOnPage));
+        }
+    });
+}
+
 void addSweeps(CaseSession& session, Pictures& pictures)
 {
-    const std::vector<std::vector<PictureData>> made = pictureLibrary().reportSweeps(session);
-    for (std::size_t i = 0; i < pictures.size(); ++i) {
-        for (const PictureData& picture : made[i]) {
-            pictures[i].push_back(pictureLibrary().inlineSvg(picture, sizeOnPage));
+    addOrExcuse("sweep", pictures, [&] {
+        const std::vector<std::vector<ReportSweep>> made = pictureLibrary().reportSweeps(session);
+        for (std::size_t i = 0; i < pictures.size(); ++i) {
+            for (const ReportSweep& sweep : made[i]) {
+                pictures[i].push_back(sweep.picture
+                                          ? pictureLibrary().inlineSvg(*sweep.picture, sizeOnPage)
+                                          : excuse("sweep", sweep.reason));
+            }
         }
-    }
+    });
 }
 } // namespace
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 constexpr int minorSteps = 5;
@@ -42,6 +43,16 @@ QwtInterval AxisScale::range(const std::vector<double>& values)
 QwtInterval AxisScale::united(const QwtInterval& left, const QwtInterval& right)
 {
     return left | right;
+}
+
+bool AxisScale::isDrawable(const QwtInterval& interval)
+{
+    // Two such numbers are half as far apart again when margins are added, and up to twice that
+    // when the ends are rounded to whole steps.
+    constexpr double largest = std::numeric_limits<double>::max() / 16.0;
+    const double low = interval.minValue();
+    const double high = interval.maxValue();
+    return std::abs(low) <= largest && std::abs(high) <= largest;
 }
 
 QwtInterval AxisScale::padded(const QwtInterval& interval, double margin)

@@ -20,6 +20,10 @@ QwtInterval range(const std::vector<double>& values);
 /** Both together. */
 QwtInterval united(const QwtInterval& left, const QwtInterval& right);
 
+/** Whether an axis can show the interval: margins and rounding up to whole steps must not leave the
+ *  finite numbers. */
+bool isDrawable(const QwtInterval& interval);
+
 /** The interval with `margin` of its width at both ends; an interval of one value is widened so
  *  that the value stands in the middle, one that is not valid becomes 0 to 1. */
 QwtInterval padded(const QwtInterval& interval, double margin);

@@ -45,7 +45,7 @@ public:
         return SessionPictures::make(SessionPictures::kindOf(kind), session);
     }
 
-    std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session) const override
+    std::vector<std::vector<ReportSweep>> reportSweeps(CaseSession& session) const override
     {
         return SessionPictures::reportSweeps(session);
     }

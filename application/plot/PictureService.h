@@ -2,6 +2,7 @@
 
 #include <plot/PictureData.h>
 #include <plot/PictureSize.h>
+#include <plot/ReportSweep.h>
 
 #include <surrogate_plot/Export.h>
 
@@ -39,7 +40,7 @@ public:
     virtual std::vector<PictureData> make(const std::string& kind, CaseSession& session) const = 0;
 
     /** As SessionPictures::reportSweeps(). */
-    virtual std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session) const = 0;
+    virtual std::vector<std::vector<ReportSweep>> reportSweeps(CaseSession& session) const = 0;
 
     /** One file of all pictures, as Picture::write(). */
     virtual void write(std::vector<PictureData> pictures, const std::optional<std::string>& size,

@@ -102,12 +102,13 @@ std::vector<double> chosen(const std::vector<double>& column, const std::vector<
 /** A drawing of infinities would be an empty frame that says nothing. */
 void requireDrawable(const std::vector<double>& values, const std::string& what)
 {
-    const QwtInterval range = AxisScale::range(values);
-    const bool isFinite = std::all_of(values.begin(), values.end(),
-                                      [](double value) { return std::isfinite(value); });
-    if (!isFinite || !std::isfinite(range.maxValue() - range.minValue())) {
+    // Of each value by itself: the extremes do not tell of what is not a number.
+    const bool isDrawable = std::all_of(values.begin(), values.end(), [](double value) {
+        return AxisScale::isDrawable({value, value});
+    });
+    if (!isDrawable) {
         throw SurrogateModelInterface::Error(
-            what + " holds values that are not finite, or too far apart to be drawn.");
+            what + " holds values that are not finite, or too large to be drawn.");
     }
 }
 
@@ -345,7 +346,10 @@ SweepPicture sweepOf(CaseSession& session, const Cut& cut, std::size_t output)
     picture.caseLabel = cut.caseLabel(near.size());
     picture.caption = cut.caption(near.size());
     requireDrawable(picture.inputs, quotedText(picture.inputName));
-    requireDrawable(picture.model, "The model of " + quotedText(picture.outputName));
+    requireDrawable(picture.caseOutputs, quotedText(picture.outputName));
+    for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {
+        requireDrawable(*column, "The model of " + quotedText(picture.outputName));
+    }
     return picture;
 }
 
@@ -472,6 +476,7 @@ std::vector<PictureData> residuals(CaseSession& session)
         for (std::size_t i = 0; i < leftOut.actual.size(); ++i) {
             picture.residuals.push_back(leftOut.actual[i] - leftOut.predicted[i]);
         }
+        requireDrawable(picture.residuals, "The model of " + quotedText(leftOut.outputName));
         picture.predicted = std::move(leftOut.predicted);
         picture.caption = leftOut.caption;
         pictures.push_back(std::move(picture));
@@ -509,7 +514,13 @@ std::vector<PictureData> coefficients(CaseSession& session)
             if (each.isKept && each.term != "1") {
                 picture.terms.push_back(
                     {termName(each.term, inputs), each.estimate, each.lower, each.upper});
-                hasLimits = hasLimits && std::isfinite(each.lower) && std::isfinite(each.upper);
+                requireDrawable({each.estimate}, "The model of " + quotedText(outputName));
+                if (std::isfinite(each.lower) && std::isfinite(each.upper)) {
+                    requireDrawable({each.lower, each.upper},
+                                    "The model of " + quotedText(outputName));
+                } else {
+                    hasLimits = false;
+                }
             }
         }
         if (picture.terms.empty()) {
@@ -615,7 +626,7 @@ std::size_t SessionPictures::usualValues(Kind kind)
     return kind == Kind::Contour ? contourValues : sweepValues;
 }
 
-std::vector<std::vector<PictureData>> SessionPictures::reportSweeps(CaseSession& session)
+std::vector<std::vector<ReportSweep>> SessionPictures::reportSweeps(CaseSession& session)
 {
     std::vector<Cut> cuts;
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
@@ -624,10 +635,11 @@ std::vector<std::vector<PictureData>> SessionPictures::reportSweeps(CaseSession&
             cuts.emplace_back(session, input);
         }
     }
-    std::vector<std::vector<PictureData>> all;
+    std::vector<std::vector<ReportSweep>> all;
     for (std::size_t output = 0; output < session.outputs().size(); ++output) {
         const auto influence = [output](const Cut& cut) {
-            return AxisScale::range(cut.values(cut.output(output))).width();
+            const double width = AxisScale::range(cut.values(cut.output(output))).width();
+            return std::isnan(width) ? 0.0 : width; // has to have a place in the order
         };
         std::vector<const Cut*> order;
         for (const Cut& cut : cuts) {
@@ -637,9 +649,13 @@ std::vector<std::vector<PictureData>> SessionPictures::reportSweeps(CaseSession&
             return influence(*left) > influence(*right);
         });
         order.resize(std::min(order.size(), mostReportSweeps));
-        std::vector<PictureData>& pictures = all.emplace_back();
+        std::vector<ReportSweep>& made = all.emplace_back();
         for (const Cut* const cut : order) {
-            pictures.push_back(sweepOf(session, *cut, output));
+            try {
+                made.push_back({sweepOf(session, *cut, output), {}});
+            } catch (const SurrogateModelInterface::Error& error) {
+                made.push_back({{}, error.what()});
+            }
         }
     }
     return all;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <plot/PictureData.h>
+#include <plot/ReportSweep.h>
 
 #include <surrogate_plot/Export.h>
 
@@ -46,9 +47,9 @@ SURROGATE_PLOT_EXPORT std::size_t usualValues(Kind kind);
 /**
  * What a page about the model shows: per output a sweep of each input over its range with the
  * others in the middle of theirs, the input that the output follows most first; at most six.
- * @throw SurrogateModelInterface::Error
+ * @throw SurrogateModelInterface::Error where the model cannot be evaluated.
  */
-SURROGATE_PLOT_EXPORT std::vector<std::vector<PictureData>> reportSweeps(CaseSession& session);
+SURROGATE_PLOT_EXPORT std::vector<std::vector<ReportSweep>> reportSweeps(CaseSession& session);
 
 /**
  * Whether the session has chosen what the kind needs; asks before a long fit.

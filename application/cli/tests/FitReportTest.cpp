@@ -55,3 +55,33 @@ TEST_F(Program, ThePageReplacesNothingThatIsNeeded)
                   "--report belongs to the command fit.");
     EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);
 }
+
+TEST_F(Program, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
+{
+    folder.write("huge.csv", "x,z,y\n0,0,1e308\n1,0,-1.5e308\n0,1,1.2e308\n2,1,4e307\n1,2,1e308\n"
+                             "3,3,-1e308\n");
+
+    const Outcome outcome = run("fit huge.csv -x x,z -y y --report huge.html");
+
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    const std::string html = folder.read("huge.html");
+    EXPECT_NE(html.find("<p>There is no picture of kind actual. "), std::string::npos);
+    EXPECT_NE(html.find("<p>There is no picture of kind sweep. "), std::string::npos);
+    EXPECT_EQ(occurrences(html, "<svg "), 0u);
+}
+
+TEST_F(Program, AHugeInputIsNotSweptOnThePageButTheOthersAre)
+{
+    folder.write("far.csv", "x,z,y\n0,0,1\n1e308,0,3\n0,1,0\n1.7e308,1,4\n1e308,2,1\n"
+                            "0.5e308,3,4\n");
+
+    const Outcome outcome = run("fit far.csv -x x,z -y y --report far.html");
+
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.err.find("overflow"), std::string::npos) << outcome.err;
+    EXPECT_EQ(occurrences(folder.read("far.html"),
+                          "<p>There is no picture of kind sweep. "
+                          "&quot;x&quot; holds values that are not finite, or too large to be "
+                          "drawn.</p>"),
+              1u);
+}

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -72,4 +74,28 @@ TEST(AxisScale, PutsTheOnlyValueInTheMiddle)
 TEST(AxisScale, GoesFromZeroToOneWithoutValues)
 {
     EXPECT_EQ(AxisScale::padded(AxisScale::range({}), 0.05), QwtInterval(0.0, 1.0));
+}
+
+TEST(AxisScale, ShowsWhatStaysFiniteWithItsMarginsAndSteps)
+{
+    const double largest = std::numeric_limits<double>::max() / 16.0;
+    const QwtInterval widest(-largest, largest);
+
+    EXPECT_TRUE(AxisScale::isDrawable(widest));
+    const QwtScaleDiv ticks = AxisScale::ticks(AxisScale::padded(widest, 0.05), 8);
+    EXPECT_GE(ticks.ticks(QwtScaleDiv::MajorTick).size(), 2);
+    for (const double tick : ticks.ticks(QwtScaleDiv::MajorTick)) {
+        EXPECT_TRUE(std::isfinite(tick));
+    }
+    EXPECT_TRUE(AxisScale::isDrawable({0.0, 0.0}));
+}
+
+TEST(AxisScale, DoesNotShowWhatLeavesTheFiniteNumbers)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+
+    EXPECT_FALSE(AxisScale::isDrawable({0.0, 1.5e308}));
+    EXPECT_FALSE(AxisScale::isDrawable({-1.5e308, 0.0}));
+    EXPECT_FALSE(AxisScale::isDrawable({0.0, infinity}));
+    EXPECT_FALSE(AxisScale::isDrawable({std::nan(""), 1.0}));
 }

@@ -200,10 +200,10 @@ TEST(SessionPictures, AReportSweepsEveryInputThroughTheMiddleOfTheOthers)
     const auto all = SessionPictures::reportSweeps(session);
 
     ASSERT_EQ(all.size(), 2u);
-    for (const std::vector<PictureData>& ofOutput : all) {
+    for (const std::vector<ReportSweep>& ofOutput : all) {
         ASSERT_EQ(ofOutput.size(), 2u);
-        const auto& first = std::get<SweepPicture>(ofOutput[0]);
-        const auto& second = std::get<SweepPicture>(ofOutput[1]);
+        const auto& first = std::get<SweepPicture>(*ofOutput[0].picture);
+        const auto& second = std::get<SweepPicture>(*ofOutput[1].picture);
         EXPECT_EQ(first.inputName, "Pressure") << "has the larger influence";
         EXPECT_EQ(first.inputs.front(), 4.0);
         EXPECT_EQ(first.inputs.back(), 80.0);
@@ -223,9 +223,45 @@ TEST(SessionPictures, AReportSweepsNoInputThatDoesNotVary)
     table.columns[1].numbers.assign(11, 6.0);
     CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
-    ASSERT_EQ(SessionPictures::reportSweeps(session)[0].size(), 1u);
-    EXPECT_EQ(std::get<SweepPicture>(SessionPictures::reportSweeps(session)[0][0]).inputName,
-              "Pressure");
+    const std::vector<ReportSweep> sweeps = SessionPictures::reportSweeps(session)[0];
+
+    ASSERT_EQ(sweeps.size(), 1u);
+    EXPECT_EQ(std::get<SweepPicture>(*sweeps[0].picture).inputName, "Pressure");
+}
+
+TEST(SessionPictures, AReportTellsOfEachSweepThatCannotBeDrawn)
+{
+    CaseTable table = cvdCases();
+    for (double& value : table.columns[0].numbers) {
+        value *= 2e306; // up to 1.6e308
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const std::vector<ReportSweep> sweeps = SessionPictures::reportSweeps(session)[0];
+
+    ASSERT_EQ(sweeps.size(), 2u);
+    const auto isRefused = [](const ReportSweep& sweep) { return !sweep.picture; };
+    ASSERT_EQ(std::count_if(sweeps.begin(), sweeps.end(), isRefused), 1);
+    EXPECT_EQ(std::find_if(sweeps.begin(), sweeps.end(), isRefused)->reason,
+              "\"Pressure\" holds values that are not finite, or too large to be drawn.");
+}
+
+TEST(SessionPictures, ValuesThatNoAxisCanShowAreRefused)
+{
+    CaseTable table = cvdCases();
+    double largest = 0.0;
+    for (const double value : table.columns[2].numbers) {
+        largest = std::max(largest, std::abs(value));
+    }
+    for (double& value : table.columns[2].numbers) {
+        value *= 1.5e308 / largest;
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    session.sweepEvenly(0, 11);
+
+    for (const Kind kind : {Kind::Sweep, Kind::Actual, Kind::Residuals, Kind::Coefficients}) {
+        EXPECT_THROW(SessionPictures::make(kind, session), SurrogateModelInterface::Error);
+    }
 }
 
 TEST(SessionPictures, AContourHasTheGridOfTheSweptInputs)
