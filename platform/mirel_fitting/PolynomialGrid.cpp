@@ -82,6 +82,20 @@ bool PolynomialGrid::isWorthwhile(const ProductGrid& grid, std::size_t inputs)
     return length >= longEnough && fastInputs < inputs;
 }
 
+std::vector<ProductGrid> PolynomialGrid::cut(const ProductGrid& grid, std::size_t most)
+{
+    std::vector<ProductGrid> result;
+    for (const ProductGrid& part : grid.cut(most)) {
+        // A short axis and a long one make a run that is too long: it is cut as well.
+        const std::size_t length = runLength(part);
+        const std::size_t mostRows = length <= most ? most * length : most;
+        for (const ProductGrid& piece : part.cutRows(mostRows)) {
+            result.push_back(piece);
+        }
+    }
+    return result;
+}
+
 /** @param step rows from one point of the side to the next. */
 void PolynomialGrid::read(const std::vector<double*>& columns, std::size_t first, std::size_t step,
                           Side& side) const

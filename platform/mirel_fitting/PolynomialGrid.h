@@ -30,6 +30,10 @@ public:
     /** Whether it costs less than the same points one by one. */
     static bool isWorthwhile(const ProductGrid& grid, std::size_t inputs);
 
+    /** The same rows as consecutive grids of at most so many runs, each of at most so many points:
+     *  what is held grows with both. */
+    static std::vector<ProductGrid> cut(const ProductGrid& grid, std::size_t most);
+
     /**
      * A point with a coordinate that is not finite gets NaN. From the polynomial of single points
      * it differs by rounding: both are within 4 epsilon of the sum of the magnitudes of the terms.

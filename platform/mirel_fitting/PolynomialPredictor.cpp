@@ -86,10 +86,11 @@ void PolynomialPredictor::predictGrid(const std::vector<double*>& columns, const
                                       const std::vector<std::size_t>& wanted,
                                       const std::vector<double*>& results) const
 {
-    // What is held per value of an axis stays below ten megabytes.
+    // What is held of each input stays at one megabyte for the points of a run, and as much for
+    // the runs.
     constexpr std::size_t mostValues = std::size_t{1} << 17;
 
-    for (const ProductGrid& part : grid.cut(mostValues)) {
+    for (const ProductGrid& part : PolynomialGrid::cut(grid, mostValues)) {
         const PolynomialGrid polynomials(*this, columns, part);
         for (std::size_t w = 0; w < wanted.size(); ++w) {
             polynomials.predict(fits[wanted[w]], results[w] + part.firstRow());

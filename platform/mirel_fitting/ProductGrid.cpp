@@ -211,6 +211,23 @@ std::vector<ProductGrid> ProductGrid::cut(std::size_t mostValues) const
     return grids;
 }
 
+std::vector<ProductGrid> ProductGrid::cutRows(std::size_t mostRows) const
+{
+    if (rows <= mostRows || axisList.empty()) {
+        return {*this};
+    }
+    const Axis& slowest = axisList.back();
+    const std::size_t atATime = std::max<std::size_t>(mostRows / slowest.stride, 1);
+    std::vector<ProductGrid> grids;
+    for (std::size_t value = 0; value < slowest.size; value += atATime) {
+        const ProductGrid part = slice(value, std::min(atATime, slowest.size - value));
+        for (ProductGrid& grid : part.cutRows(mostRows)) {
+            grids.push_back(std::move(grid));
+        }
+    }
+    return grids;
+}
+
 /** Some values of the slowest axis. */
 ProductGrid ProductGrid::slice(std::size_t firstValue, std::size_t values) const
 {

@@ -31,6 +31,9 @@ public:
     /** The same rows as consecutive grids with at most so many values on each axis. */
     std::vector<ProductGrid> cut(std::size_t mostValues) const;
 
+    /** The same rows as consecutive grids with at most so many rows each, 1 at least. */
+    std::vector<ProductGrid> cutRows(std::size_t mostRows) const;
+
     std::size_t firstRow() const { return first; }
     std::size_t rowCount() const { return rows; }
 

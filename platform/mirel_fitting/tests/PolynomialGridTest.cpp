@@ -126,6 +126,22 @@ void expectPolynomial(const PolynomialPredictor& predictor, const Columns& colum
     EXPECT_LE(largestDifference, 8.0);
 }
 
+/** The numbers of rows of the parts, which have to follow one another. */
+std::vector<std::size_t> rowsOfParts(Columns columns, std::size_t most)
+{
+    const std::vector<ProductGrid> grids =
+        ProductGrid::split(Cases::pointers(columns), columns[0].size());
+    std::vector<std::size_t> rows;
+    std::size_t next = 0;
+    for (const ProductGrid& part : PolynomialGrid::cut(grids[0], most)) {
+        EXPECT_EQ(part.firstRow(), next);
+        next += part.rowCount();
+        rows.push_back(part.rowCount());
+    }
+    EXPECT_EQ(next, columns[0].size());
+    return rows;
+}
+
 bool isRecognised(const PolynomialPredictor& predictor, Columns columns)
 {
     const std::vector<ProductGrid> grids =
@@ -189,6 +205,46 @@ TEST(PolynomialGrid, HoldsForAnAxisThatIsTakenInParts)
 
     expectPolynomial(predictor, gridOf(2, {{{1}, valuesOf(2)}, {{0}, valuesOf(131073)}}));
     expectPolynomial(predictor, gridOf(2, {{{0}, valuesOf(131073)}, {{1}, valuesOf(2)}}));
+}
+
+TEST(PolynomialGrid, IsCutWhereItHasManyRuns)
+{
+    const Columns columns = gridOf(
+        4, {{{3}, valuesOf(20)}, {{2}, valuesOf(10)}, {{1}, valuesOf(16)}, {{0}, valuesOf(8)}});
+
+    EXPECT_EQ(rowsOfParts(columns, 200), std::vector<std::size_t>{200 * 128});
+    EXPECT_EQ(rowsOfParts(columns, 130), (std::vector<std::size_t>{130 * 128, 70 * 128}));
+}
+
+TEST(PolynomialGrid, IsCutWhereARunIsLong)
+{
+    const Columns columns =
+        gridOf(3, {{{2}, valuesOf(2)}, {{1}, valuesOf(100)}, {{0}, valuesOf(8)}});
+
+    EXPECT_EQ(rowsOfParts(columns, 800), std::vector<std::size_t>{1600});
+    EXPECT_EQ(rowsOfParts(columns, 400), (std::vector<std::size_t>{400, 400, 400, 400}));
+}
+
+TEST(PolynomialGrid, HoldsForEachOfItsParts)
+{
+    const PolynomialPredictor predictor = predictorOf(4);
+    Columns columns = gridOf(
+        4, {{{3}, valuesOf(7)}, {{2}, valuesOf(10)}, {{1}, valuesOf(16)}, {{0}, valuesOf(8)}});
+    const std::vector<double*> pointers = Cases::pointers(columns);
+    const Column single = predictOneByOne(predictor, columns);
+    Column found(single.size(), -99.0);
+    const ProductGrid whole = ProductGrid::split(pointers, found.size())[0];
+
+    for (const std::size_t most : {20, 33, 200}) {
+        for (const ProductGrid& part : PolynomialGrid::cut(whole, most)) {
+            PolynomialGrid(predictor, pointers, part)
+                .predict(predictor.outputs()[0], found.data() + part.firstRow());
+        }
+        for (std::size_t row = 0; row < found.size(); ++row) {
+            const double magnitude = exact(predictor, columns, row).magnitude;
+            ASSERT_NEAR(found[row], single[row], 8.0 * epsilon * magnitude);
+        }
+    }
 }
 
 TEST(PolynomialGrid, LeavesPointsAloneThatAreNoGrid)
