@@ -314,7 +314,8 @@ private:
         const std::size_t last = isWhole ? start + rows : position(start + rows);
         for (std::size_t k = isWhole ? start : position(start); k < last; ++k) {
             const std::size_t row = fit.sampledRow(k);
-            fit.leverageOfSample[k] = 1.0 - freedom.data()[row - start];
+            // Rounding takes the leverage of a case that stands alone beyond 1.
+            fit.leverageOfSample[k] = std::clamp(1.0 - freedom.data()[row - start], 0.0, 1.0);
             for (std::size_t output = 0; output < squares.size(); ++output) {
                 fit.fits[output].values[k] = columns.dependents[output][row];
                 fit.fits[output].residuals[k] =

@@ -100,8 +100,8 @@ public:
      */
     bool isPressAvailable() const { return pressAvailable; }
 
-    /** The cases of which more than sums is known, ascending: all, or `mostSampled` at random,
-     *  spread evenly. */
+    /** The cases of which more than sums is known, ascending: all, or one at random of each of
+     *  `mostSampled` stretches of equal length. */
     std::size_t sampledCount() const { return leverageOfSample.size(); }
     std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
 

@@ -111,7 +111,8 @@ struct ResponseSurfaceStatistics
     std::vector<double> leverages;
     double meanLeverage = none; ///< terms / cases
     /** The five largest at most, the largest first; equal ones in the order of their rows. Of more
-     *  than 100 000 cases those of a random sample. */
+     *  than 100 000 cases so many are looked at: one at random of each of as many stretches of
+     *  equal length. */
     std::vector<CaseLeverage> largestLeverages;
     /** Whether the second-order terms count beside rounding. */
     bool isCurved = false;

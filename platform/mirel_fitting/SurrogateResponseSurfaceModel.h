@@ -120,7 +120,8 @@ public:
 
     /**
      * Equal to refits without each case, RMSE included: the standard error has one degree of
-     * freedom less than the fit. Of more than 100 000 cases so many, spread evenly.
+     * freedom less than the fit. Of more than 100 000 cases so many, one at random of each of as
+     * many stretches of equal length.
      */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 

@@ -63,6 +63,23 @@ TEST(PolynomialFit, DirectionsGiveTheVarianceOfAMean)
     EXPECT_NEAR(direction[0] * direction[0], 0.25, 1e-15);
 }
 
+TEST(PolynomialFit, HasLeveragesOfAtMostOne)
+{
+    // As many cases as terms: each determines itself, and rounding goes both ways.
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        Random random(seed);
+        Cases cases;
+        cases.inputs = {random.column(6, 0.0, 1.0), random.column(6, 0.0, 1.0)};
+        cases.outputs = {random.column(6, 0.0, 1.0)};
+        const PolynomialFit result = fit(cases);
+
+        for (const double leverage : result.leverages()) {
+            EXPECT_LE(leverage, 1.0);
+            EXPECT_NEAR(leverage, 1.0, 1e-9);
+        }
+    }
+}
+
 TEST(PolynomialFit, FitsNoOutputsToo)
 {
     Cases cases = twoInputs(30, 1.0);
