@@ -1,0 +1,169 @@
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
+
+#include "QueryTest.h"
+
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
+
+#include <functional>
+#include <set>
+#include <stdexcept>
+
+namespace {
+
+using Values = std::vector<double>;
+
+/** Bytes of a column of a large table, which has 200000 values of x1 and 2 of x2. */
+const std::size_t largeColumn = 2 * 200000 * sizeof(double);
+
+/** Where a filter's tables have their memory, and for how long. */
+class SurrogateModelQueryToTableMemoryTest : public QueryTest
+{
+protected:
+    double* buffer(const std::string& name) const
+    {
+        return vtkArrayDownCast<vtkDoubleArray>(output()->GetColumnByName(name.c_str()))
+            ->GetPointer(0);
+    }
+};
+
+} // namespace
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, WritesALargeTableIntoTheMemoryOfTheOneBefore)
+{
+    variables->inputs[x1] = Values(200000, 3.0);
+    update();
+    const std::set<double*> before = {buffer("x1"), buffer("x2"), buffer("y1")};
+
+    variables->inputs[x2] = {5, 6};
+    filter->Modified();
+    // Memory that the system has back when the new columns are made would go into these.
+    std::vector<std::vector<double>> decoys;
+    variables->onValues = [&decoys] { decoys.assign(6, std::vector<double>(400000)); };
+    update();
+
+    EXPECT_EQ((std::set<double*>{buffer("x1"), buffer("x2"), buffer("y1")}), before);
+    EXPECT_EQ(column("x2")[399999], 6.0);
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, LeavesTheColumnsOfEarlierLargeResultsAlone)
+{
+    variables->inputs[x1] = Values(200000, 3.0);
+    update();
+    vtkNew<vtkTable> kept;
+    kept->ShallowCopy(output());
+
+    variables->inputs[x1] = Values(200000, 4.0);
+    filter->Modified();
+    update();
+
+    const auto* const former = vtkArrayDownCast<vtkDoubleArray>(kept->GetColumn(0));
+    EXPECT_EQ(former->GetValue(0), 3.0);
+    EXPECT_EQ(former->GetValue(399999), 3.0);
+    EXPECT_EQ(column("x1")[0], 4.0);
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfTablesThatNobodyHasAnyMore)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    variables->inputs[x1] = Values(200000, 3.0);
+    const std::size_t withoutTable = bytesInUse();
+    update();
+    const std::size_t withOneTable = bytesInUse();
+
+    std::vector<vtkSmartPointer<vtkTable>> kept;
+    for (int run = 0; run < 4; ++run) {
+        kept.push_back(vtkSmartPointer<vtkTable>::New());
+        kept.back()->ShallowCopy(output());
+        filter->Modified();
+        update();
+    }
+    EXPECT_GE(bytesInUse(), withoutTable + 5 * 3 * largeColumn);
+
+    kept.clear();
+    EXPECT_LE(bytesInUse(), withOneTable + largeColumn / 4);
+    output()->Initialize();
+    EXPECT_LE(bytesInUse(), withoutTable + largeColumn / 4);
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfALargeTableBesideASmallOne)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    update();
+    const std::size_t before = bytesInUse();
+    variables->inputs[x1] = Values(200000, 3.0);
+    filter->Modified();
+    update();
+    EXPECT_GE(bytesInUse(), before + 3 * largeColumn);
+
+    variables->inputs[x1] = Values{3.0};
+    filter->Modified();
+    update();
+
+    EXPECT_LE(bytesInUse(), before + largeColumn / 4);
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfALargeTableAfterAnError)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    const RecordingOutputWindow window;
+    update();
+    const std::size_t before = bytesInUse();
+    const std::vector<std::function<void()>> failures = {
+        [] { throw SurrogateModelInterface::Error("no luck"); },
+        [] { throw std::domain_error("foreign"); }};
+    for (const auto& failure : failures) {
+        variables->inputs[x1] = Values(200000, 3.0);
+        manager->onModel = nullptr;
+        filter->Modified();
+        update();
+
+        variables->inputs[x1] = Values{3.0};
+        manager->onModel = failure;
+        filter->Modified();
+        try {
+            update();
+        } catch (const std::domain_error&) {
+            // Other errors than the model's pass through.
+        }
+
+        EXPECT_LE(bytesInUse(), before + largeColumn / 4);
+    }
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, MayGoBeforeItsLargeTable)
+{
+    variables->inputs[x1] = Values(200000, 3.0);
+    update();
+    const vtkSmartPointer<vtkTable> kept = output();
+
+    filter = nullptr;
+
+    EXPECT_EQ(kept->GetValue(399999, 0).ToDouble(), 3.0);
+}
+
+TEST_F(SurrogateModelQueryToTableMemoryTest, TakesTheMemoryOfOneTableHoweverOftenItRuns)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    variables->inputs = {{x1, std::vector<double>(1000, 1.0)},
+                         {x2, std::vector<double>(1000, 2.0)}};
+
+    const int growth = megabytesGrownBy([&] {
+        for (int run = 0; run < 3; ++run) {
+            filter->Modified();
+            update();
+        }
+    });
+
+    const int columns = 3 * 8; // megabytes
+    const int fixed = 8;
+    EXPECT_GE(growth, columns - 2);
+    EXPECT_LE(growth, columns + fixed);
+}
