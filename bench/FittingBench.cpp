@@ -1,10 +1,10 @@
 // Fitting and evaluating both models on the borehole function.
 #include "TestFunctions.h"
 
-#include <mirel_fitting/InstructionSet.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/machine/InstructionSet.h>
 
 #include <benchmark/benchmark.h>
 #include <cblas.h>

@@ -1,11 +1,11 @@
 // Reading a case file of a million cases, and writing as many predictions beside their points.
 #include "TestFunctions.h"
 
-#include <session/CaseFileReader.h>
-#include <session/CellTexts.h>
-#include <session/NumberText.h>
-#include <session/OutputFile.h>
-#include <session/OutputTable.h>
+#include <session/cases/CaseFileReader.h>
+#include <session/files/OutputFile.h>
+#include <session/files/OutputTable.h>
+#include <session/text/CellTexts.h>
+#include <session/text/NumberText.h>
 
 #include <benchmark/benchmark.h>
 

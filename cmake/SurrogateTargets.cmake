@@ -63,6 +63,8 @@ function(surrogate_add_test name)
     target_compile_options(${name} PRIVATE $<$<OR:$<CONFIG:Release>,$<CONFIG:Asan>>:-O0>)
     target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} mirel::warnings GTest::gtest)
+    # What tests of several rooms share stands in tests/ of their component.
+    target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
     if(NOT arg_OWN_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()

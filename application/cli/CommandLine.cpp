@@ -1,11 +1,11 @@
 #include "CommandLine.h"
 
-#include <session/ModelFile.h>
-#include <session/PolynomialWords.h>
-#include <session/ProjectDocument.h>
-#include <session/SessionErrors.h>
-#include <session/VariableNames.h>
-#include <session/WholeNumber.h>
+#include <session/cases/VariableNames.h>
+#include <session/model/ModelFile.h>
+#include <session/model/PolynomialWords.h>
+#include <session/project/ProjectDocument.h>
+#include <session/text/SessionErrors.h>
+#include <session/text/WholeNumber.h>
 
 #include <CLI/CLI.hpp>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <session/CaseSession.h>
-#include <session/CellValue.h>
+#include <session/model/CaseSession.h>
+#include <session/text/CellValue.h>
 
 #include <cstddef>
 #include <optional>

@@ -2,8 +2,8 @@
 
 #include "CommandLine.h"
 
-#include <session/OutputFile.h>
-#include <session/SessionErrors.h>
+#include <session/files/OutputFile.h>
+#include <session/text/SessionErrors.h>
 
 #include <filesystem>
 #include <iostream>

@@ -10,16 +10,16 @@
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
 
-#include <session/CaseFileReader.h>
-#include <session/NumberText.h>
-#include <session/OutputFile.h>
-#include <session/OutputTable.h>
-#include <session/PredictionPoints.h>
-#include <session/ProjectDocument.h>
-#include <session/ProjectReport.h>
-#include <session/SessionErrors.h>
-#include <session/SessionReport.h>
-#include <session/VariableNames.h>
+#include <session/cases/CaseFileReader.h>
+#include <session/cases/VariableNames.h>
+#include <session/files/OutputFile.h>
+#include <session/files/OutputTable.h>
+#include <session/model/PredictionPoints.h>
+#include <session/project/ProjectDocument.h>
+#include <session/report/ProjectReport.h>
+#include <session/report/SessionReport.h>
+#include <session/text/NumberText.h>
+#include <session/text/SessionErrors.h>
 
 #include <surrogatemodel/SurrogateModelUserDist.h>
 

@@ -5,9 +5,9 @@
 #include "OpenSession.h"
 #include "TerminalProgress.h"
 
-#include <session/ComparisonReport.h>
-#include <session/ModelComparison.h>
-#include <session/SessionErrors.h>
+#include <session/model/ModelComparison.h>
+#include <session/report/ComparisonReport.h>
+#include <session/text/SessionErrors.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -3,10 +3,10 @@
 #include "CommandLine.h"
 #include "TerminalProgress.h"
 
-#include <session/CaseSession.h>
-#include <session/ModelFile.h>
-#include <session/OutputFile.h>
-#include <session/SessionErrors.h>
+#include <session/files/OutputFile.h>
+#include <session/model/CaseSession.h>
+#include <session/model/ModelFile.h>
+#include <session/text/SessionErrors.h>
 
 #include <string>
 

@@ -4,8 +4,8 @@
 #include "PictureLibrary.h"
 
 #include <plot/PictureService.h>
-#include <session/CaseSession.h>
-#include <session/HtmlReport.h>
+#include <session/model/CaseSession.h>
+#include <session/report/HtmlReport.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 

@@ -1,6 +1,6 @@
 #include "Interruption.h"
 
-#include <session/UnfinishedFile.h>
+#include <session/files/UnfinishedFile.h>
 
 #include <csignal>
 

@@ -3,15 +3,15 @@
 #include "CommandLine.h"
 #include "CommandOutput.h"
 
-#include <session/CaseFileReader.h>
-#include <session/CaseNumbers.h>
-#include <session/FileFingerprint.h>
-#include <session/ModelFile.h>
-#include <session/ProjectDocument.h>
-#include <session/QuotedText.h>
-#include <session/SessionErrors.h>
-#include <session/VariableNames.h>
-#include <session/WholeNumber.h>
+#include <session/cases/CaseFileReader.h>
+#include <session/cases/CaseNumbers.h>
+#include <session/cases/VariableNames.h>
+#include <session/files/FileFingerprint.h>
+#include <session/model/ModelFile.h>
+#include <session/project/ProjectDocument.h>
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
+#include <session/text/WholeNumber.h>
 
 #include <mirel_datamanagement/Project.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <session/CaseSession.h>
+#include <session/model/CaseSession.h>
 
 #include <chrono>
 

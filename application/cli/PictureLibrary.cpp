@@ -1,8 +1,8 @@
 #include "PictureLibrary.h"
 
 #include <plot/PictureService.h>
-#include <session/SessionErrors.h>
-#include <session/SessionReport.h>
+#include <session/report/SessionReport.h>
+#include <session/text/SessionErrors.h>
 
 #include <dlfcn.h>
 

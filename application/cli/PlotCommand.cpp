@@ -6,8 +6,8 @@
 #include "TerminalProgress.h"
 
 #include <plot/PictureService.h>
-#include <session/CaseSession.h>
-#include <session/SessionErrors.h>
+#include <session/model/CaseSession.h>
+#include <session/text/SessionErrors.h>
 
 void PlotCommand::check(const CommandLine& line)
 {

@@ -4,8 +4,8 @@
 #include "Commands.h"
 #include "Interruption.h"
 
-#include <session/OutputFile.h>
-#include <session/SessionErrors.h>
+#include <session/files/OutputFile.h>
+#include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 

@@ -2,7 +2,7 @@
 
 #include "CommandLine.h"
 
-#include <session/CaseSession.h>
+#include <session/model/CaseSession.h>
 
 #include <mirel_fitting/FitProgress.h>
 

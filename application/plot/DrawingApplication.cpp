@@ -1,6 +1,6 @@
 #include "plot/DrawingApplication.h"
 
-#include <session/SessionErrors.h>
+#include <session/text/SessionErrors.h>
 
 #include <QApplication>
 #include <QRawFont>

@@ -2,9 +2,9 @@
 
 #include "plot/PlotWidget.h"
 
-#include <session/OutputFile.h>
-#include <session/QuotedText.h>
-#include <session/SessionErrors.h>
+#include <session/files/OutputFile.h>
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
 
 #include <QBuffer>
 #include <QHash>

@@ -1,7 +1,7 @@
 #include "plot/PictureSize.h"
 
-#include <session/QuotedText.h>
-#include <session/SessionErrors.h>
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
 
 #include <charconv>
 

@@ -7,7 +7,7 @@
 #include "plot/NameScaleDraw.h"
 #include "plot/PlotColours.h"
 
-#include <session/QuotedText.h>
+#include <session/text/QuotedText.h>
 
 #include <QFontMetricsF>
 #include <QPolygonF>

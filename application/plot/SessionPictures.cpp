@@ -2,11 +2,11 @@
 
 #include "plot/AxisScale.h"
 
-#include <session/CaseSession.h>
-#include <session/NumberText.h>
-#include <session/QuotedText.h>
-#include <session/SessionErrors.h>
-#include <session/VariableNames.h>
+#include <session/cases/VariableNames.h>
+#include <session/model/CaseSession.h>
+#include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 

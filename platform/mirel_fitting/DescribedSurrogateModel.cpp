@@ -1,10 +1,10 @@
 #include <mirel_fitting/DescribedSurrogateModel.h>
 
-#include <mirel_fitting/CaseRanges.h>
-#include <mirel_fitting/GridPoints.h>
-#include <mirel_fitting/KrigingPredictor.h>
-#include <mirel_fitting/PolynomialPredictor.h>
-#include <mirel_fitting/TrainingColumns.h>
+#include <mirel_fitting/cases/CaseRanges.h>
+#include <mirel_fitting/cases/TrainingColumns.h>
+#include <mirel_fitting/grid/GridPoints.h>
+#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/polynomial/PolynomialPredictor.h>
 
 #include <algorithm>
 #include <cmath>

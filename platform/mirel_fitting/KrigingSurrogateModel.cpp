@@ -1,12 +1,12 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
-#include <mirel_fitting/CaseRanges.h>
-#include <mirel_fitting/Distributions.h>
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/KrigingCases.h>
-#include <mirel_fitting/KrigingFit.h>
-#include <mirel_fitting/KrigingTexts.h>
-#include <mirel_fitting/TrainingColumns.h>
+#include <mirel_fitting/cases/CaseRanges.h>
+#include <mirel_fitting/cases/KrigingCases.h>
+#include <mirel_fitting/cases/TrainingColumns.h>
+#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingTexts.h>
+#include <mirel_fitting/numerics/Distributions.h>
 
 #include <algorithm>
 #include <cmath>

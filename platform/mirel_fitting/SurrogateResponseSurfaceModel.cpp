@@ -1,17 +1,17 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
-#include <mirel_fitting/CaseRanges.h>
-#include <mirel_fitting/Distributions.h>
-#include <mirel_fitting/EquationText.h>
-#include <mirel_fitting/PolynomialFit.h>
-#include <mirel_fitting/PolynomialPredictor.h>
-#include <mirel_fitting/PolynomialUnits.h>
-#include <mirel_fitting/ReplicatedCases.h>
-#include <mirel_fitting/ResponseSurfaceAnalysis.h>
-#include <mirel_fitting/ResponseSurfaceTexts.h>
-#include <mirel_fitting/TermSelection.h>
 #include <mirel_fitting/TermSelectionScope.h>
-#include <mirel_fitting/TrainingColumns.h>
+#include <mirel_fitting/cases/CaseRanges.h>
+#include <mirel_fitting/cases/ReplicatedCases.h>
+#include <mirel_fitting/cases/TrainingColumns.h>
+#include <mirel_fitting/numerics/Distributions.h>
+#include <mirel_fitting/polynomial/EquationText.h>
+#include <mirel_fitting/polynomial/PolynomialFit.h>
+#include <mirel_fitting/polynomial/PolynomialPredictor.h>
+#include <mirel_fitting/polynomial/PolynomialUnits.h>
+#include <mirel_fitting/responsesurface/ResponseSurfaceAnalysis.h>
+#include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
+#include <mirel_fitting/responsesurface/TermSelection.h>
 
 #include <algorithm>
 #include <charconv>

@@ -4,8 +4,8 @@
 #include "../../session/tests/TemporaryFolder.h"
 #include "SvgTexts.h"
 
-#include <session/CaseSession.h>
-#include <session/SessionErrors.h>
+#include <session/model/CaseSession.h>
+#include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
 

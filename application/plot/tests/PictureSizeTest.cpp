@@ -1,6 +1,6 @@
 #include <plot/PictureSize.h>
 
-#include <session/SessionErrors.h>
+#include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 
 #include "../../session/tests/TemporaryFolder.h"
 
-#include <session/SessionErrors.h>
+#include <session/text/SessionErrors.h>
 
 #include <QHash>
 #include <QImage>

@@ -2,8 +2,8 @@
 
 #include "../../session/tests/CvdCases.h"
 
-#include <session/CaseSession.h>
-#include <session/SessionErrors.h>
+#include <session/model/CaseSession.h>
+#include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/StandardErrorInterface.h>
 #include <mirel_fitting/SurrogateModelInterface.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <session/CaseTable.h>
+#include <session/cases/CaseTable.h>
 
 #include <utility>
 #include <vector>

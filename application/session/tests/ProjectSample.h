@@ -1,6 +1,6 @@
 #pragma once
 
-#include <session/ProjectDocument.h>
+#include <session/project/ProjectDocument.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "KrigingTestSupport.h"
 
-#include <mirel_fitting/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFit.h>
 
 #include <algorithm>
 #include <cmath>

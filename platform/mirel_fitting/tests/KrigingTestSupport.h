@@ -1,7 +1,7 @@
 #pragma once
 
-#include <mirel_fitting/KrigingData.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/cases/KrigingData.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,172 @@
+#include "session/cases/VariableNames.h"
+
+#include "session/text/SessionErrors.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
+namespace {
+/** A message that lists more names than these is not read any more. */
+constexpr std::size_t namesInMessage = 40;
+
+/** Single characters to insert, delete or replace to turn one text into the other.
+ *  Wagner, Fischer: The String-to-String Correction Problem, J. ACM 21 (1974). */
+std::size_t editDistance(const std::string& left, const std::string& right)
+{
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t(0));
+    for (std::size_t i = 1; i <= left.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= right.size(); ++j) {
+            const std::size_t replaced = diagonal + (left[i - 1] == right[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+std::string quoted(const std::string& name)
+{
+    return '"' + name + '"';
+}
+
+std::string trimmed(const std::string& text)
+{
+    const std::size_t begin = text.find_first_not_of(" \t");
+    return begin == std::string::npos
+               ? std::string()
+               : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
+}
+
+/** Finds names in a comma list, with a way back where the longest name leads nowhere. */
+class ListReader
+{
+public:
+    ListReader(const std::vector<std::string>& known, const std::string& list)
+        : names(known), text(list), isDeadEnd(list.size() + 2, false)
+    {}
+
+    /** Reads from a position on; past the end means that everything has been read. */
+    bool read(std::size_t begin)
+    {
+        if (begin > text.size()) {
+            return true;
+        }
+        if (isDeadEnd[begin]) {
+            return false;
+        }
+        for (std::size_t end = text.size();; end = text.rfind(',', end - 1)) {
+            if (end == std::string::npos || end < begin) {
+                break;
+            }
+            if (const auto position = find(trimmed(text.substr(begin, end - begin)))) {
+                found.push_back(*position);
+                if (read(end + 1)) {
+                    return true;
+                }
+                found.pop_back();
+            }
+            if (end == 0) {
+                break;
+            }
+        }
+        isDeadEnd[begin] = true;
+        return false;
+    }
+
+    std::vector<std::size_t> found;
+
+private:
+    std::optional<std::size_t> find(const std::string& name) const
+    {
+        const auto at = std::find(names.begin(), names.end(), name);
+        return at == names.end() ? std::nullopt : std::optional<std::size_t>(at - names.begin());
+    }
+
+    const std::vector<std::string>& names;
+    const std::string& text;
+    std::vector<bool> isDeadEnd;
+};
+} // namespace
+
+VariableNames::VariableNames(std::vector<std::string> names) : nameList(std::move(names)) {}
+
+const std::vector<std::string>& VariableNames::names() const
+{
+    return nameList;
+}
+
+std::size_t VariableNames::position(const std::string& name) const
+{
+    const auto found = std::find(nameList.begin(), nameList.end(), name);
+    if (found == nameList.end()) {
+        throw UsageError(unknownMessage(name));
+    }
+    return static_cast<std::size_t>(found - nameList.begin());
+}
+
+std::vector<std::size_t> VariableNames::listed(const std::string& text) const
+{
+    ListReader reader(nameList, text);
+    if (reader.read(0)) {
+        return reader.found;
+    }
+
+    // The first part that is no name by itself is what the user is told about.
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find(',', begin), text.size());
+        position(trimmed(text.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+    return reader.found;
+}
+
+std::pair<std::size_t, std::string> VariableNames::assignment(const std::string& option,
+                                                              const std::string& text) const
+{
+    if (text.find('=') == std::string::npos) {
+        throw UsageError(option + " needs NAME=VALUE, not \"" + text + "\".");
+    }
+    for (std::size_t equals = text.rfind('='); equals != std::string::npos;
+         equals = equals == 0 ? std::string::npos : text.rfind('=', equals - 1)) {
+        const auto found =
+            std::find(nameList.begin(), nameList.end(), trimmed(text.substr(0, equals)));
+        if (found != nameList.end()) {
+            return {static_cast<std::size_t>(found - nameList.begin()), text.substr(equals + 1)};
+        }
+    }
+    throw UsageError(unknownMessage(trimmed(text.substr(0, text.find('=')))));
+}
+
+std::string VariableNames::unknownMessage(const std::string& name) const
+{
+    std::string message = "There is no variable " + quoted(name);
+    if (nameList.empty()) {
+        return message + '.';
+    }
+    const auto nearest = std::min_element(
+        nameList.begin(), nameList.end(), [&](const std::string& left, const std::string& right) {
+            return editDistance(name, left) < editDistance(name, right);
+        });
+    message += "; the nearest name is " + quoted(*nearest) + ". The variables are: ";
+    const std::size_t shown = std::min(nameList.size(), namesInMessage);
+    for (std::size_t i = 0; i < shown; ++i) {
+        message += (i == 0 ? "" : ", ") + quoted(nameList[i]);
+    }
+    if (shown < nameList.size()) {
+        message += " and " + std::to_string(nameList.size() - shown) + " more";
+    }
+    return message + '.';
+}
+
+std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
+{
+    std::vector<std::string> names;
+    names.reserve(variables.size());
+    for (const VarPtr& variable : variables) {
+        names.push_back(variable.lock()->name());
+    }
+    return names;
+}

@@ -1,0 +1,532 @@
+#include <session/cases/CaseFileReader.h>
+
+#include "TemporaryFolder.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <mirel_datamanagement/tests/MemoryGrowth.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace {
+class CaseFileReaderTest : public ::testing::Test
+{
+protected:
+    CaseTable read(const std::string& content) { return readWith(content, {}); }
+
+    CaseTable readWith(const std::string& content, const CaseFileReader::Options& options)
+    {
+        return CaseFileReader::read(folder.write("cases.csv", content), options);
+    }
+
+    /** The message without the folder's name. */
+    std::string refusalOf(const std::string& content, const CaseFileReader::Options& options = {})
+    {
+        try {
+            readWith(content, options);
+        } catch (const CaseDataError& error) {
+            const std::string message = error.what();
+            const std::string prefix = folder.path("");
+            EXPECT_EQ(message.substr(0, prefix.size()), prefix);
+            return message.substr(prefix.size());
+        }
+        return "accepted";
+    }
+
+    TemporaryFolder folder;
+};
+
+std::vector<std::string> namesOf(const CaseTable& table)
+{
+    std::vector<std::string> names;
+    for (const CaseColumn& column : table.columns) {
+        names.push_back(column.name);
+    }
+    return names;
+}
+
+/** Everything that was understood of a file, numbers to the bit. */
+std::string contentsOf(const CaseTable& table)
+{
+    std::string text =
+        std::to_string(table.cases) + table.separator + (table.hasDecimalComma ? "comma" : "point");
+    for (const CaseColumn& column : table.columns) {
+        text += '\n' + column.name + ':' + (column.isNumeric ? "numbers" : "texts") + '"' +
+                column.firstText + '"' + std::to_string(column.firstTextLine);
+        for (const double number : column.numbers) {
+            unsigned long long bits = 0;
+            std::memcpy(&bits, &number, sizeof bits);
+            text += ' ' + (std::isnan(number) ? "missing" : std::to_string(bits));
+        }
+        for (const std::string& cell : column.texts) {
+            text += '[' + cell + ']';
+        }
+        for (std::size_t i = 0; i < column.cells.size(); ++i) {
+            text += '{' + std::string(column.cells[i]) + '}';
+        }
+    }
+    return text;
+}
+
+/** Small files of cells that are numbers in one way or another, or nearly. */
+class OddFiles
+{
+public:
+    OddFiles()
+    {
+        const std::string all =
+            "1|-2.5|1,5|42|+3|1e5|1E-5|1e400|-1e-400|.5|-.5|5.|-1,25|-|NA|nan|-nan|inf|-inf|| 7 |"
+            "\t8|0x10|1 2|abc|12ab|-0|1_0|1.5e|--1|-+1|1.5.5|00012|1e+5|\xE4|?|12 |1,|1,5.5|12,5e3|"
+            "1,5,5|\"3\"|\"a b\"|\"x\"\"y\"|\" 4 \"|\"1,5\"|5\" pipe|\"\"|"
+            "123456789012345678901234567890,5|1,23456789012345678901234567890123456789|"
+            "12345678901234567890123456789012345678901,5|0.1|4|5|6";
+        std::istringstream list(all);
+        for (std::string cell; std::getline(list, cell, '|');) {
+            cells.push_back(cell);
+        }
+    }
+
+    std::string next(char separator)
+    {
+        // Many of the commonest cells, so that columns stay numeric for some cases.
+        const std::size_t kinds = generator() % 3 == 0 ? cells.size() : 4;
+        const std::size_t columns = 1 + generator() % 4;
+        std::string text;
+        for (std::size_t i = 0; i < columns; ++i) {
+            text += (i == 0 ? "" : std::string(1, separator)) + 'c' + std::to_string(i);
+        }
+        text += '\n';
+        for (std::size_t rows = generator() % 8; rows > 0; --rows) {
+            const std::size_t count = columns + (generator() % 40 == 0 ? 1 : 0);
+            for (std::size_t i = 0; i < count; ++i) {
+                text += i == 0 ? "" : std::string(1, separator);
+                text += cells[generator() % kinds];
+            }
+            text += generator() % 9 == 0 ? "\n\n" : "\n";
+        }
+        return text;
+    }
+
+private:
+    std::vector<std::string> cells;
+    std::mt19937_64 generator{20261121};
+};
+
+using Names = std::vector<std::string>;
+using Numbers = std::vector<double>;
+using Texts = std::vector<std::string>;
+} // namespace
+
+TEST_F(CaseFileReaderTest, ReadsColumnsOfNumbersAndOfTexts)
+{
+    const CaseTable table = read("x,site,y\n1,north,2.5\n-3,south,4e2\n");
+
+    EXPECT_EQ(table.cases, 2u);
+    EXPECT_EQ(namesOf(table), (Names{"x", "site", "y"}));
+    EXPECT_TRUE(table.columns[0].isNumeric);
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, -3.0}));
+    EXPECT_FALSE(table.columns[1].isNumeric);
+    EXPECT_EQ(table.columns[1].texts, (Texts{"north", "south"}));
+    EXPECT_EQ(table.columns[2].numbers, (Numbers{2.5, 400.0}));
+}
+
+TEST_F(CaseFileReaderTest, RecognisesCommaSemicolonAndTab)
+{
+    EXPECT_EQ(read("a,b\n1,2\n").separator, ',');
+    EXPECT_EQ(read("a;b\n1;2\n").separator, ';');
+    EXPECT_EQ(read("a\tb\n1\t2\n").separator, '\t');
+}
+
+TEST_F(CaseFileReaderTest, ASeparatorInsideANameIsNoSeparator)
+{
+    EXPECT_EQ(namesOf(read("Temp; inner,Stress\n1,2\n3,4\n")), (Names{"Temp; inner", "Stress"}));
+    EXPECT_EQ(namesOf(read("\"a;b;c\",d\n1,2\n")), (Names{"a;b;c", "d"}));
+    EXPECT_EQ(namesOf(read("p, q\tr\n1\t2\n")), (Names{"p, q", "r"}));
+}
+
+TEST_F(CaseFileReaderTest, DecimalCommasDoNotMakeACommaTheSeparator)
+{
+    const CaseTable table = read("x;y\n1,5;2,5\n3,5;4\n");
+
+    EXPECT_EQ(table.separator, ';');
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.5, 3.5}));
+    EXPECT_EQ(table.columns[1].numbers, (Numbers{2.5, 4.0}));
+}
+
+TEST_F(CaseFileReaderTest, DecimalCommasAreReadBetweenTabs)
+{
+    EXPECT_EQ(read("x\ty\n1,5\t2\n").columns[0].numbers, (Numbers{1.5}));
+}
+
+TEST_F(CaseFileReaderTest, ARaggedRowDoesNotMisleadTheRecognition)
+{
+    EXPECT_EQ(refusalOf("a,b,c\n1,2,3\n4,5\n6,7,8\n"),
+              "cases.csv, line 3: the row has 2 cells, the heading has 3.");
+}
+
+TEST_F(CaseFileReaderTest, AGivenSeparatorIsTaken)
+{
+    CaseFileReader::Options options;
+    options.separator = ';';
+
+    const CaseTable table = readWith("x\n1,5\n", options);
+
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.5}));
+}
+
+TEST_F(CaseFileReaderTest, ReadsFilesOfOneColumn)
+{
+    const CaseTable table = read("x\n1\n2.5\n");
+
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.5}));
+    EXPECT_EQ(refusalOf("x\n1,5\n"), "cases.csv, line 2: the row has 2 cells, the heading has 1.");
+}
+
+TEST_F(CaseFileReaderTest, AHeadingAloneGivesNumericColumnsWithoutCases)
+{
+    const CaseTable table = read("a,b");
+
+    EXPECT_EQ(table.cases, 0u);
+    EXPECT_EQ(namesOf(table), (Names{"a", "b"}));
+    EXPECT_TRUE(table.columns[1].isNumeric);
+}
+
+TEST_F(CaseFileReaderTest, MissingCellsAreNaNInNumericAndEmptyInTextColumns)
+{
+    const CaseTable table = read("x,s\n1,a\nNA,?\n,-\n2,null\n");
+
+    ASSERT_EQ(table.columns[0].numbers.size(), 4u);
+    EXPECT_TRUE(std::isnan(table.columns[0].numbers[1]));
+    EXPECT_TRUE(std::isnan(table.columns[0].numbers[2]));
+    EXPECT_EQ(table.columns[1].texts, (Texts{"a", "", "", ""}));
+}
+
+TEST_F(CaseFileReaderTest, AColumnWithoutAFilledCellIsNumeric)
+{
+    const CaseTable table = read("x,empty\n1,\n2,NA\n");
+
+    EXPECT_TRUE(table.columns[1].isNumeric);
+    EXPECT_TRUE(std::isnan(table.columns[1].numbers[0]));
+}
+
+TEST_F(CaseFileReaderTest, OneTextMakesTheColumnTextWithEveryCellAsWritten)
+{
+    const CaseTable table = read("id,x\n007,1\n1e2,2\nNA,3\nA-4,4\n8.50,5\n");
+
+    EXPECT_FALSE(table.columns[0].isNumeric);
+    EXPECT_EQ(table.columns[0].texts, (Texts{"007", "1e2", "", "A-4", "8.50"}));
+    EXPECT_EQ(table.columns[0].firstText, "A-4");
+    EXPECT_EQ(table.columns[0].firstTextLine, 5u);
+    EXPECT_EQ(table.columns[1].numbers, (Numbers{1, 2, 3, 4, 5}));
+}
+
+TEST_F(CaseFileReaderTest, TextsBeforeTheFirstTextAreFoundInLargeFilesToo)
+{
+    std::string content = "id,x\n";
+    for (int i = 0; i < 100000; ++i) {
+        content += "0" + std::to_string(i) + ",1.25\n";
+    }
+    content += "last,2\n";
+
+    const CaseTable table = read(content);
+
+    ASSERT_EQ(table.cases, 100001u);
+    ASSERT_EQ(table.columns[0].texts.size(), 100001u);
+    EXPECT_EQ(table.columns[0].texts[0], "00");
+    EXPECT_EQ(table.columns[0].texts[99999], "099999");
+    EXPECT_EQ(table.columns[0].texts[100000], "last");
+}
+
+TEST_F(CaseFileReaderTest, ANoteFarDownAnEmptyColumnIsText)
+{
+    const CaseTable table = read("x,note\n1,\n2,\n3,broken\n");
+
+    EXPECT_EQ(table.columns[1].texts, (Texts{"", "", "broken"}));
+}
+
+TEST_F(CaseFileReaderTest, QuotedCellsHoldSeparatorsQuotesAndLineEnds)
+{
+    const CaseTable table = read("\"a, \"\"b\"\"\",c\n\"1\",\"two\nlines, one cell\"\n");
+
+    EXPECT_EQ(namesOf(table), (Names{"a, \"b\"", "c"}));
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0}));
+    EXPECT_EQ(table.columns[1].texts, (Texts{"two\nlines, one cell"}));
+}
+
+TEST_F(CaseFileReaderTest, AQuoteInsideAnUnquotedCellIsACharacter)
+{
+    EXPECT_EQ(read("part,x\n5\" pipe,1\n").columns[0].texts, (Texts{"5\" pipe"}));
+}
+
+TEST_F(CaseFileReaderTest, BlanksAroundCellsAreTakenOff)
+{
+    const CaseTable table = read(" a b , \"c\" \n  1 , x y\t\n\" 2 \",\" kept \"\n");
+
+    EXPECT_EQ(namesOf(table), (Names{"a b", "c"}));
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.0}));
+    EXPECT_EQ(table.columns[1].texts, (Texts{"x y", " kept "}));
+}
+
+TEST_F(CaseFileReaderTest, LinesEndAsOnAnySystem)
+{
+    for (const char* end : {"\n", "\r\n", "\r"}) {
+        const std::string lineEnd = end;
+        const CaseTable table = read("x,y" + lineEnd + "1,2" + lineEnd + "3,4");
+
+        EXPECT_EQ(table.cases, 2u);
+        EXPECT_EQ(table.columns[1].numbers, (Numbers{2.0, 4.0}));
+        EXPECT_EQ(refusalOf("x,y" + lineEnd + lineEnd + "1,2" + lineEnd + "3" + lineEnd),
+                  "cases.csv, line 4: the row has 1 cell, the heading has 2.");
+    }
+}
+
+TEST_F(CaseFileReaderTest, BlankLinesAreSkippedAndCounted)
+{
+    EXPECT_EQ(read("x,y\n\n1,2\n   \n3,4\n\n\n").cases, 2u);
+    EXPECT_EQ(refusalOf("\n\nx,y\n\n1,2,3\n"),
+              "cases.csv, line 5: the row has 3 cells, the heading has 2.");
+}
+
+TEST_F(CaseFileReaderTest, ARefusedRowIsNamedByTheLineInWhichItBegins)
+{
+    EXPECT_EQ(refusalOf("x,y\n\"two\nlines\",1\n\"three\n\nlines\",1,2\n"),
+              "cases.csv, line 4: the row has 3 cells, the heading has 2.");
+}
+
+TEST_F(CaseFileReaderTest, AByteOrderMarkIsNoPartOfTheFirstName)
+{
+    EXPECT_EQ(namesOf(read("\xEF\xBB\xBFx,y\n1,2\n")), (Names{"x", "y"}));
+    EXPECT_EQ(namesOf(read("\xEF\xBB\xBF\"x\",y\n1,2\n")), (Names{"x", "y"}));
+}
+
+TEST_F(CaseFileReaderTest, NamesAndTextsAreUtf8)
+{
+    const CaseTable table = read("T \xC2\xB0"
+                                 "C,Ort\n1,K\xC3\xB6ln\n");
+
+    EXPECT_EQ(table.columns[0].name, "T \xC2\xB0"
+                                     "C");
+    EXPECT_EQ(table.columns[1].texts, (Texts{"K\xC3\xB6ln"}));
+}
+
+TEST_F(CaseFileReaderTest, RefusesBytesThatAreNotUtf8Text)
+{
+    const std::string sentence = "the file is not UTF-8 text; save it as UTF-8.";
+
+    EXPECT_EQ(refusalOf("x,Ort\n1,a\n2,K\xF6ln\n"), "cases.csv, line 3: " + sentence);
+    EXPECT_EQ(refusalOf("\xB0"
+                        "C,y\n1,2\n"),
+              "cases.csv, line 1: " + sentence);
+    EXPECT_EQ(refusalOf(std::string("\xFF\xFEx\0\n\0", 6)), "cases.csv, line 1: " + sentence);
+    EXPECT_EQ(refusalOf(std::string("x,y\n1,2\n3,\0\n", 12)), "cases.csv, line 3: " + sentence);
+    EXPECT_EQ(refusalOf("x,y\n1,\xED\xA0\x80\n"), "cases.csv, line 2: " + sentence);
+    EXPECT_EQ(refusalOf("x,y\n1,\xC0\xAF\n"), "cases.csv, line 2: " + sentence);
+}
+
+TEST_F(CaseFileReaderTest, RefusesAnEmptyFile)
+{
+    const std::string sentence =
+        "cases.csv, line 1: the file is empty; its first line must name the variables.";
+
+    EXPECT_EQ(refusalOf(""), sentence);
+    EXPECT_EQ(refusalOf("\n  \n"), sentence);
+    EXPECT_EQ(refusalOf("\xEF\xBB\xBF"), sentence);
+}
+
+TEST_F(CaseFileReaderTest, RefusesEmptyAndRepeatedHeadings)
+{
+    EXPECT_EQ(refusalOf("a,,c\n1,2,3\n"), "cases.csv, line 1: column 2 has no name.");
+    EXPECT_EQ(refusalOf("a,b,\n1,2,\n"), "cases.csv, line 1: column 3 has no name.");
+    EXPECT_EQ(refusalOf("a,\" \"\n1,2\n"), "cases.csv, line 1: column 2 has no name.");
+    EXPECT_EQ(refusalOf("\na,b,c,b\n1,2,3,4\n"),
+              "cases.csv, line 2: columns 2 and 4 are both named \"b\".");
+}
+
+TEST_F(CaseFileReaderTest, RefusesAQuoteThatIsNeverClosed)
+{
+    EXPECT_EQ(refusalOf("x,y\n1,2\n3,\"four\n5,6\n"),
+              "cases.csv, line 3: a quoted cell that begins in this row is never closed.");
+}
+
+TEST_F(CaseFileReaderTest, RefusesDecimalCommasBesideDecimalPoints)
+{
+    EXPECT_EQ(refusalOf("a;b\n1;0.5\n1,234;1\n"),
+              "cases.csv, line 3: column \"a\" has a number with a decimal comma, but column \"b\" "
+              "has one with a decimal point in line 2; write all numbers in one way.");
+    EXPECT_EQ(read("a;s\n1,5;0.5\n2;x\n").cases, 2u) << "a text column has no decimal marks";
+}
+
+TEST_F(CaseFileReaderTest, TellsWhichDecimalMarkTheNumbersHave)
+{
+    EXPECT_TRUE(read("a;b\n1,5;2\n").hasDecimalComma);
+    EXPECT_FALSE(read("a;b\n1.5;2\n").hasDecimalComma);
+    EXPECT_FALSE(read("a,b\n1,5\n").hasDecimalComma);
+}
+
+TEST_F(CaseFileReaderTest, AGivenDecimalMarkIsTheOnlyOne)
+{
+    CaseFileReader::Options options;
+    options.separator = ';';
+    options.decimalMark = CellValue::Point;
+    EXPECT_FALSE(readWith("a;b\n1,5;2.5\n", options).columns[0].isNumeric);
+
+    options.decimalMark = CellValue::Comma;
+    EXPECT_EQ(readWith("a;b\n1,5;2\n", options).columns[0].numbers, Numbers{1.5});
+    EXPECT_EQ(refusalOf("a;b\n1;2\n2;2.5\n", options),
+              "cases.csv, line 3: column \"b\" has a number with a decimal point, where decimal "
+              "commas were asked for.");
+
+    options.separator = ',';
+    EXPECT_EQ(refusalOf("a,b\n1,2\n", options),
+              "cases.csv, line 1: commas separate the cells, so that numbers cannot have decimal "
+              "commas.");
+}
+
+TEST_F(CaseFileReaderTest, ANumberTooLargeLeavesTheColumnNumeric)
+{
+    const CaseTable table = read("x\n1e999\n2\n");
+
+    EXPECT_TRUE(table.columns[0].isNumeric);
+    EXPECT_TRUE(std::isinf(table.columns[0].numbers[0]));
+}
+
+TEST_F(CaseFileReaderTest, KeepsTheTextsOfAllCellsWhenAsked)
+{
+    CaseFileReader::Options options;
+    options.keepCells = true;
+
+    const CaseTable table = readWith("x,s\n1.50,a\nNA,\"b,c\"\n", options);
+
+    EXPECT_TRUE(table.columns[0].isNumeric);
+    EXPECT_EQ(table.columns[0].cells[0], "1.50");
+    EXPECT_EQ(table.columns[0].cells[1], "NA");
+    EXPECT_EQ(table.columns[1].cells[1], "b,c");
+    EXPECT_EQ(table.columns[1].cells.size(), 2u);
+}
+
+TEST_F(CaseFileReaderTest, ReadsAPipeLikeAFile)
+{
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { folder.write("pipe", "id,x\n007,1\nb,2\n"); });
+
+    const CaseTable table = CaseFileReader::read(pipe, {});
+
+    writer.join();
+    EXPECT_EQ(table.columns[0].texts, (Texts{"007", "b"}));
+}
+
+TEST_F(CaseFileReaderTest, AFileThatCannotBeReadIsNamedWithTheReason)
+{
+    const auto messageOf = [](const std::string& path) -> std::string {
+        try {
+            CaseFileReader::read(path, {});
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "read";
+    };
+
+    const std::string missing = folder.path("none.csv");
+    EXPECT_EQ(messageOf(missing),
+              "The file \"" + missing + "\" cannot be read: No such file or directory.");
+    EXPECT_EQ(messageOf(folder.path("")),
+              "The file \"" + folder.path("") + "\" cannot be read: Is a directory.");
+}
+
+TEST_F(CaseFileReaderTest, BlocksThatEndAnywhereMakeNoDifference)
+{
+    // Longer than several blocks of the reader, with cells, quotes, line ends and multi-byte
+    // characters at every position relative to their borders.
+    std::string content = "n,text\r\n";
+    const std::size_t cases = 60000;
+    for (std::size_t i = 0; i < cases; ++i) {
+        content +=
+            std::to_string(i) + ",\"\xC3\xA4, \"\"" + std::string(i % 13, 'q') + "\"\"\r\n\"\r\n";
+    }
+
+    const CaseTable table = read(content);
+
+    ASSERT_EQ(table.cases, cases);
+    for (std::size_t i = 0; i < cases; ++i) {
+        ASSERT_EQ(table.columns[0].numbers[i], static_cast<double>(i));
+        ASSERT_EQ(table.columns[1].texts[i], "\xC3\xA4, \"" + std::string(i % 13, 'q') + "\"\r\n");
+    }
+}
+
+TEST_F(CaseFileReaderTest, NumbersReadWhereTheyStandAreThoseOfTheLongWay)
+{
+    const auto outcomeOf = [&](const std::string& content, char separator, bool keepCells) {
+        CaseFileReader::Options options;
+        options.separator = separator;
+        options.keepCells = keepCells;
+        try {
+            return contentsOf(readWith(content, options));
+        } catch (const CaseDataError& error) {
+            return std::string(error.what());
+        }
+    };
+    OddFiles files;
+    std::size_t accepted = 0;
+    for (int i = 0; i < 150; ++i) {
+        for (const char separator : {',', ';', '\t'}) {
+            const std::string content = files.next(separator);
+            // Lines that end with a lone carriage return are always read byte by byte.
+            std::string longWay = content;
+            std::replace(longWay.begin(), longWay.end(), '\n', '\r');
+            const bool keepCells = i % 2 == 0;
+
+            const std::string outcome = outcomeOf(content, separator, keepCells);
+
+            ASSERT_EQ(outcome, outcomeOf(longWay, separator, keepCells)) << content;
+            accepted += outcome.find("line") == std::string::npos ? 1 : 0;
+        }
+    }
+    // Files that are refused end early: many must not be.
+    EXPECT_GT(accepted, 100u);
+}
+
+TEST_F(CaseFileReaderTest, ReadingTakesLittleMoreMemoryThanTheNumbers)
+{
+    if (!memoryCanBeMeasured) {
+        GTEST_SKIP();
+    }
+    const std::size_t cases = 400000;
+    std::string content = "a,b,c,d,e,f,g,h,i,j\n";
+    for (std::size_t i = 0; i < cases; ++i) {
+        content += "0.1234567,0.2345678,0.3456789,0.4567891,0.5678912,"
+                   "0.6789123,0.7891234,0.8912345,0.9123456,0.1234567\n";
+    }
+    const std::string file = folder.write("cases.csv", content);
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+
+    const auto readIt = [&](const std::string& path) {
+        if (CaseFileReader::read(path, {}).cases != cases) {
+            std::abort();
+        }
+    };
+    const int growthFromFile = megabytesGrownBy([&] { readIt(file); });
+    std::thread writer([&] { folder.write("pipe", content); });
+    const int growthFromPipe = megabytesGrownBy([&] { readIt(pipe); });
+    writer.join();
+
+    const int numbers = 32; // megabytes, as is the file
+    EXPECT_GT(growthFromFile, numbers / 2);
+    EXPECT_LT(growthFromFile, 2.2 * numbers);
+    EXPECT_GT(growthFromPipe, numbers / 2);
+    EXPECT_LT(growthFromPipe, 2.2 * numbers);
+}

@@ -1,0 +1,101 @@
+#include <session/cases/VariableNames.h>
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+using Positions = std::vector<std::size_t>;
+
+template <class Action>
+std::string messageOf(Action action)
+{
+    try {
+        action();
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(VariableNames, AListNamesVariablesInItsOrder)
+{
+    const VariableNames names({"a", "b", "c"});
+
+    EXPECT_EQ(names.listed("c"), (Positions{2}));
+    EXPECT_EQ(names.listed("c,a"), (Positions{2, 0}));
+    EXPECT_EQ(names.listed(" b , c "), (Positions{1, 2}));
+}
+
+TEST(VariableNames, ANameThatHoldsACommaIsMatchedWholeFirst)
+{
+    const VariableNames names({"x", "y", "x,y", "T, inner"});
+
+    EXPECT_EQ(names.listed("x,y"), (Positions{2}));
+    EXPECT_EQ(names.listed("T, inner"), (Positions{3}));
+    EXPECT_EQ(names.listed("T, inner,x"), (Positions{3, 0}));
+    EXPECT_EQ(names.listed("y,T, inner"), (Positions{1, 3}));
+    EXPECT_EQ(names.listed("y,x"), (Positions{1, 0}));
+}
+
+TEST(VariableNames, AListIsReadAnotherWayWhereTheLongestNameLeadsNowhere)
+{
+    const VariableNames names({"a", "a,b", "b,c"});
+
+    EXPECT_EQ(names.listed("a,b,c"), (Positions{0, 2}));
+}
+
+TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
+{
+    const VariableNames names({"Pressure", "H2/WF6", "Stress"});
+
+    EXPECT_EQ(messageOf([&] { names.listed("Stress,Presure"); }),
+              "There is no variable \"Presure\"; the nearest name is \"Pressure\". The variables "
+              "are: \"Pressure\", \"H2/WF6\", \"Stress\".");
+    EXPECT_EQ(messageOf([&] { names.position("stress"); }),
+              "There is no variable \"stress\"; the nearest name is \"Stress\". The variables are: "
+              "\"Pressure\", \"H2/WF6\", \"Stress\".");
+    EXPECT_EQ(messageOf([&] { names.listed("Stress,"); }).substr(0, 25),
+              "There is no variable \"\"; ");
+}
+
+TEST(VariableNames, ALongListOfNamesIsCutShort)
+{
+    std::vector<std::string> many(45);
+    for (std::size_t i = 0; i < many.size(); ++i) {
+        many[i] = 'v' + std::to_string(i);
+    }
+
+    const std::string message = VariableNames(many).unknownMessage("w44");
+
+    EXPECT_NE(message.find("the nearest name is \"v44\""), std::string::npos);
+    EXPECT_NE(message.find("\"v39\" and 5 more."), std::string::npos);
+}
+
+TEST(VariableNames, AnAssignmentHasANameAndAValue)
+{
+    const VariableNames names({"a", "a=b", "c"});
+
+    EXPECT_EQ(names.assignment("--at", "c=5"), std::make_pair(std::size_t(2), std::string("5")));
+    EXPECT_EQ(names.assignment("--at", "a=5"), std::make_pair(std::size_t(0), std::string("5")));
+    EXPECT_EQ(names.assignment("--at", "a=b=5"), std::make_pair(std::size_t(1), std::string("5")));
+    EXPECT_EQ(names.assignment("--at", "c=a=b"),
+              std::make_pair(std::size_t(2), std::string("a=b")));
+    EXPECT_EQ(names.assignment("--at", "c="), std::make_pair(std::size_t(2), std::string()));
+}
+
+TEST(VariableNames, AnAssignmentWithoutAKnownNameIsRefused)
+{
+    const VariableNames names({"a"});
+
+    EXPECT_EQ(messageOf([&] { names.assignment("--at", "a5"); }),
+              "--at needs NAME=VALUE, not \"a5\".");
+    EXPECT_EQ(messageOf([&] { names.assignment("--at", "b=5"); }),
+              "There is no variable \"b\"; the nearest name is \"a\". The variables are: \"a\".");
+    EXPECT_EQ(messageOf([&] { names.assignment("--at", "=5"); }).substr(0, 24),
+              "There is no variable \"\";");
+}

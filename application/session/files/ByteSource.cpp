@@ -1,0 +1,86 @@
+#include "session/files/ByteSource.h"
+
+#include "session/text/SessionErrors.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include <sys/stat.h>
+
+namespace {
+[[noreturn]] void fail(const std::string& path, int error)
+{
+    throw FileError((path == "-" ? "The standard input" : "The file \"" + path + "\"") +
+                    " cannot be read: " + std::strerror(error) + '.');
+}
+} // namespace
+
+ByteSource::ByteSource(const std::string& path, std::size_t mostKept) : path(path)
+{
+    file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+    if (file == nullptr) {
+        fail(path, errno);
+    }
+    // Every reader brings its own block; a second buffer in between would be copied for nothing.
+    std::setvbuf(file, nullptr, _IONBF, 0);
+
+    struct stat status = {};
+    const bool isRegular = fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode);
+    if (isRegular && path != "-") {
+        bytes = static_cast<std::size_t>(status.st_size);
+        return;
+    }
+    try {
+        std::array<char, 1 << 16> block;
+        std::size_t count = block.size();
+        while (count > 0 && kept.size() <= mostKept) {
+            count = read(block.data(), block.size());
+            kept.append(block.data(), count);
+        }
+    } catch (...) {
+        if (file != stdin) {
+            std::fclose(file);
+        }
+        throw;
+    }
+    bytes = kept.size();
+    isKept = true;
+}
+
+ByteSource::~ByteSource()
+{
+    if (file != stdin) {
+        std::fclose(file);
+    }
+}
+
+std::size_t ByteSource::read(char* buffer, std::size_t capacity)
+{
+    if (isKept) {
+        const std::ptrdiff_t count = kept.read(position, buffer, capacity);
+        if (count < 0) {
+            fail(path, errno);
+        }
+        position += static_cast<std::size_t>(count);
+        return static_cast<std::size_t>(count);
+    }
+    const std::size_t count = std::fread(buffer, 1, capacity, file);
+    if (count < capacity && std::ferror(file) != 0) {
+        fail(path, errno);
+    }
+    return count;
+}
+
+void ByteSource::rewind()
+{
+    position = 0;
+    if (!isKept) {
+        std::rewind(file);
+    }
+}
+
+std::size_t ByteSource::size() const
+{
+    return bytes;
+}

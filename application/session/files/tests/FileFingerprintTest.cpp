@@ -1,0 +1,79 @@
+#include <session/files/FileFingerprint.h>
+
+#include "TemporaryFolder.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <sys/stat.h>
+
+namespace {
+std::string refusalOf(const std::string& path)
+{
+    try {
+        FileFingerprint::of(path);
+    } catch (const FileError& error) {
+        return error.what();
+    }
+    return "read";
+}
+} // namespace
+
+TEST(FileFingerprint, IsSizeAndSha256)
+{
+    const TemporaryFolder folder;
+
+    const FileFingerprint fingerprint = FileFingerprint::of(folder.write("a", "abc"));
+
+    EXPECT_EQ(fingerprint.bytes, 3u);
+    // NIST, FIPS 180-4 example "SHA-256, one block message sample".
+    EXPECT_EQ(fingerprint.sha256,
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+}
+
+TEST(FileFingerprint, CoversFilesOfManyBlocks)
+{
+    const TemporaryFolder folder;
+
+    const FileFingerprint fingerprint =
+        FileFingerprint::of(folder.write("a", std::string(1000000, 'a')));
+
+    EXPECT_EQ(fingerprint.bytes, 1000000u);
+    // NIST, FIPS 180-4 example "SHA-256, long message sample".
+    EXPECT_EQ(fingerprint.sha256,
+              "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+TEST(FileFingerprint, TellsFilesOfTheSameSizeApart)
+{
+    const TemporaryFolder folder;
+    const FileFingerprint first = FileFingerprint::of(folder.write("a", "1"));
+
+    EXPECT_TRUE(first == FileFingerprint::of(folder.write("b", "1")));
+    EXPECT_TRUE(first != FileFingerprint::of(folder.write("c", "2")));
+    EXPECT_TRUE(first != FileFingerprint::of(folder.write("d", "")));
+}
+
+TEST(FileFingerprint, ReportsAFileThatCannotBeRead)
+{
+    const TemporaryFolder folder;
+
+    EXPECT_EQ(refusalOf(folder.path("none")), "The file \"" + folder.path("none") +
+                                                  "\" cannot be read: No such file or directory.");
+}
+
+TEST(FileFingerprint, RefusesWhatCanBeReadOnlyOnce)
+{
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+
+    EXPECT_EQ(refusalOf(folder.path("pipe")),
+              "The file \"" + folder.path("pipe") +
+                  "\" cannot be part of a project: it is no regular file, and its bytes could not "
+                  "be read again.");
+    EXPECT_EQ(refusalOf("-"), "The standard input cannot be part of a project: it is no regular "
+                              "file, and its bytes could not be read again.");
+}

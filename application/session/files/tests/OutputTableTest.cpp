@@ -1,0 +1,106 @@
+#include <session/files/OutputTable.h>
+
+#include "TemporaryFolder.h"
+
+#include <session/cases/CaseFileReader.h>
+#include <session/files/OutputFile.h>
+#include <session/text/CellTexts.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+class OutputTableTest : public ::testing::Test
+{
+protected:
+    std::string csvOf(const OutputTable& table)
+    {
+        OutputFile out(folder.path("table.csv"));
+        writeCsv(table, out);
+        out.commit();
+        return folder.read("table.csv");
+    }
+
+    std::string jsonOf(const OutputTable& table)
+    {
+        OutputFile out(folder.path("table.json"));
+        writeJson(table, out);
+        out.commit();
+        return folder.read("table.json");
+    }
+
+    TemporaryFolder folder;
+};
+
+CellTexts textsOf(const std::vector<std::string>& values)
+{
+    CellTexts texts;
+    for (const std::string& value : values) {
+        texts.append(value);
+    }
+    return texts;
+}
+} // namespace
+
+TEST_F(OutputTableTest, NumbersAreShortestAndNaNIsAnEmptyCell)
+{
+    const std::vector<double> a = {0.1, 1e6};
+    const std::vector<double> b = {std::nan(""), 1.0 / 3.0};
+
+    EXPECT_EQ(csvOf({{{"a", a.data()}, {"b", b.data()}}, 2}),
+              "a,b\n0.1,\n1000000,0.3333333333333333\n");
+}
+
+TEST_F(OutputTableTest, NamesAndTextsAreQuotedWhereNeeded)
+{
+    const CellTexts texts = textsOf({"plain", "a,b", "say \"x\"", "two\nlines", " outer", "a;b"});
+    OutputTable table;
+    table.columns = {{"x, \"y\"", nullptr, &texts}, {"z", nullptr, &texts}};
+    table.rows = 3;
+
+    EXPECT_EQ(csvOf(table), "\"x, \"\"y\"\"\",z\nplain,plain\n\"a,b\",\"a,b\"\n"
+                            "\"say \"\"x\"\"\",\"say \"\"x\"\"\"\n");
+    table.rows = 6;
+    const CaseTable back =
+        CaseFileReader::read((csvOf(table), folder.path("table.csv")), CaseFileReader::Options());
+    EXPECT_EQ(back.columns[0].name, "x, \"y\"");
+    EXPECT_EQ(back.columns[0].texts, (std::vector<std::string>{"plain", "a,b", "say \"x\"",
+                                                               "two\nlines", " outer", "a;b"}));
+}
+
+TEST_F(OutputTableTest, TheOnlyCellOfARowIsNeverAnEmptyLine)
+{
+    const std::vector<double> numbers = {1.0, std::nan(""), 3.0};
+
+    EXPECT_EQ(csvOf({{{"x", numbers.data()}}, 3}), "x\n1\n\"\"\n3\n");
+    EXPECT_EQ(CaseFileReader::read(folder.path("table.csv"), {}).cases, 3u);
+}
+
+TEST_F(OutputTableTest, NumbersThatSomebodyWroteStayAsTheyAre)
+{
+    const std::vector<double> numbers = {1.5, std::nan(""), 2.25};
+    const CellTexts texts = textsOf({"1.50", "NA", "2,25"});
+
+    EXPECT_EQ(csvOf({{{"x", numbers.data(), &texts}}, 3}), "x\n1.50\nNA\n2.25\n");
+}
+
+TEST_F(OutputTableTest, AsJsonItHasNamesAndRows)
+{
+    const std::vector<double> numbers = {0.1, std::nan(""),
+                                         std::numeric_limits<double>::infinity()};
+    const CellTexts texts = textsOf({"a\"b", "NA", "\xC3\xA4"});
+
+    EXPECT_EQ(jsonOf({{{"x", numbers.data()}, {"s \"t\"", nullptr, &texts}}, 3}),
+              "{\"columns\":[\"x\",\"s \\\"t\\\"\"],\"rows\":[\n[0.1,\"a\\\"b\"],\n[null,null],\n"
+              "[null,\"\xC3\xA4\"]]}");
+}
+
+TEST_F(OutputTableTest, WithoutRowsThereIsStillTheHeading)
+{
+    EXPECT_EQ(csvOf({{{"a"}, {"b"}}, 0}), "a,b\n");
+    EXPECT_EQ(jsonOf({{{"a"}}, 0}), "{\"columns\":[\"a\"],\"rows\":[]}");
+}

@@ -1,0 +1,68 @@
+#include "session/model/InputSymbols.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstddef>
+
+namespace {
+bool isWordCharacter(char character)
+{
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
+/** A factor of a term: "V1" or "V1^2". */
+std::string factorWithName(const std::string& factor, const std::vector<std::string>& inputs)
+{
+    std::size_t symbol = 0;
+    const char* const last = factor.data() + factor.size();
+    if (factor.empty() || factor[0] != 'V') {
+        return factor;
+    }
+    const auto read = std::from_chars(factor.data() + 1, last, symbol);
+    if (symbol == 0 || symbol > inputs.size()) {
+        return factor;
+    }
+    return inputs[symbol - 1] + std::string(read.ptr, last);
+}
+} // namespace
+
+std::string withInputNames(const std::string& sentence, const std::vector<std::string>& inputs)
+{
+    std::string result;
+    std::size_t productAt = std::string::npos; // where a symbol would be the second of a product
+    for (std::size_t i = 0; i < sentence.size();) {
+        const bool beginsWord = i == 0 || !isWordCharacter(sentence[i - 1]);
+        std::size_t symbol = 0;
+        std::size_t end = i + 1;
+        if (beginsWord && sentence[i] == 'V') {
+            const char* const last = sentence.data() + sentence.size();
+            const auto read = std::from_chars(sentence.data() + i + 1, last, symbol);
+            end = static_cast<std::size_t>(read.ptr - sentence.data());
+        }
+        const bool endsWord = end == sentence.size() || !isWordCharacter(sentence[end]);
+        if (symbol > 0 && symbol <= inputs.size() && endsWord) {
+            result += (i == productAt ? "* \"" : "\"") + inputs[symbol - 1] + '"';
+            i = end;
+            productAt = sentence.compare(end, 1, " ") == 0 ? end + 1 : std::string::npos;
+        } else {
+            result += sentence[i++];
+        }
+    }
+    return result;
+}
+
+std::string termWithInputNames(const std::string& term, const std::vector<std::string>& inputs)
+{
+    if (term == "1") {
+        return "intercept";
+    }
+    std::string result;
+    for (std::size_t begin = 0; begin < term.size();) {
+        const std::size_t end = std::min(term.find(' ', begin), term.size());
+        result +=
+            (begin == 0 ? "" : " * ") + factorWithName(term.substr(begin, end - begin), inputs);
+        begin = end + 1;
+    }
+    return result;
+}

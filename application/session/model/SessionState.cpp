@@ -1,0 +1,287 @@
+#include "session/model/SessionState.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/model/RestoredModelManager.h"
+#include "session/project/ProjectDocument.h"
+#include "session/text/SessionErrors.h"
+
+#include <surrogatemodel/SurrogateModelManager.h>
+#include <surrogatemodel/SurrogateModelManagerSerializer.h>
+#include <surrogatemodel/SurrogateModelUserDistCollectionSerializer.h>
+
+#include <property/Property.h>
+
+#include <mirel_datamanagement/Project.h>
+#include <mirel_datapipeline/ProjectDataPipelineManager.h>
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+/** The pipeline can have the manager drop its model although no case has changed. */
+class SessionPipeline : public ProjectDataPipelineManager
+{
+public:
+    using ProjectDataPipelineManager::emitChanged;
+    using ProjectDataPipelineManager::ProjectDataPipelineManager;
+};
+
+namespace {
+using Collection = SurrogateModelUserDistCollection;
+
+/** The project of a table, opened: the library asks for the open project, from the manager's
+ *  construction on. */
+boost::shared_ptr<Project> openProject(CaseTable& table)
+{
+    auto project = boost::make_shared<Project>();
+    {
+        const Project::ChangeGroup oneChange(*project);
+        for (CaseColumn& column : table.columns) {
+            try {
+                if (column.isNumeric) {
+                    project->addNumericVariable(column.name, Variable::Unassigned,
+                                                std::move(column.numbers));
+                } else {
+                    project->addTextVariable(column.name, Variable::Unassigned,
+                                             std::move(column.texts));
+                }
+            } catch (const veska::ExceptionBase& refusal) {
+                throw CaseDataError(table.path + ", line 1: " + refusal.what());
+            }
+        }
+    }
+    Project::setProject(project);
+    return project;
+}
+
+boost::shared_ptr<SurrogateModelManager>
+managerOf(const boost::shared_ptr<SessionPipeline>& pipeline,
+          const boost::shared_ptr<SurrogateModelInterface>& model)
+{
+    if (model != nullptr) {
+        return boost::make_shared<RestoredModelManager>(pipeline, model);
+    }
+    return boost::make_shared<SurrogateModelManager>(pipeline);
+}
+
+[[noreturn]] void refuse(const std::string& sentence)
+{
+    throw ProjectDocumentError("The project does not fit its cases: " + sentence);
+}
+} // namespace
+
+bool SessionSettings::VariableSettings::operator==(const VariableSettings& other) const
+{
+    return nature == other.nature && range == other.range;
+}
+
+bool SessionSettings::operator==(const SessionSettings& other) const
+{
+    return variables == other.variables && excluded == other.excluded && type == other.type &&
+           inputs == other.inputs && outputs == other.outputs &&
+           evaluationPoint == other.evaluationPoint &&
+           userDistributions == other.userDistributions && sweeps == other.sweeps &&
+           terms == other.terms;
+}
+
+SessionState::SessionState(CaseTable& table) : SessionState(table, nullptr) {}
+
+SessionState::SessionState(CaseTable& table,
+                           const boost::shared_ptr<SurrogateModelInterface>& model)
+    : project(openProject(table)), pipeline(boost::make_shared<SessionPipeline>(project)),
+      manager(managerOf(pipeline, model)),
+      userDistributions(boost::make_shared<veska::Property<Collection>>()),
+      interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
+{}
+
+SessionSettings SessionState::settings() const
+{
+    SessionSettings settings;
+    for (const VarPtr& handle : project->variables()) {
+        const auto variable = handle.lock();
+        settings.variables[handle] = {variable->nature(), variable->chosenRange()};
+    }
+    settings.excluded = excluded();
+    settings.type = manager->type()->get();
+    settings.inputs = manager->independentVars()->get();
+    settings.outputs = outputs;
+    settings.evaluationPoint = manager->evaluationPoint()->get();
+    settings.userDistributions = userDistributions->get();
+    settings.sweeps = interpolation->sweeps();
+    settings.terms = chosenTerms;
+    return settings;
+}
+
+void SessionState::setSettings(const SessionSettings& settings)
+{
+    const Project::ChangeGroup oneChange(*project);
+    for (const auto& [variable, values] : settings.variables) {
+        project->setNature(variable, values.nature);
+        if (values.range) {
+            project->setRange(variable, *values.range);
+        } else {
+            project->resetRange(variable);
+        }
+    }
+    exclude(settings.excluded);
+    manager->type()->set(settings.type);
+    manager->independentVars()->set(settings.inputs);
+    // After the list, which gives its new entries values of their own.
+    manager->evaluationPoint()->set(settings.evaluationPoint);
+    userDistributions->set(settings.userDistributions);
+    interpolation->setSweeps(settings.sweeps);
+    setOutputs(settings.outputs);
+    chooseTerms(settings.terms);
+}
+
+void SessionState::chooseRoles(const CaseRoles& roles)
+{
+    const Project::ChangeGroup oneChange(*project);
+    const std::vector<VarPtr> variables = project->variables();
+    std::vector<Variable::Nature> natures(variables.size(), Variable::Unassigned);
+    std::vector<VarPtr> inputs;
+    std::vector<VarPtr> chosenOutputs;
+    for (const std::size_t position : roles.inputs) {
+        natures[position] = Variable::Independent;
+        inputs.push_back(variables[position]);
+    }
+    for (const std::size_t position : roles.outputs) {
+        natures[position] = Variable::Dependent;
+        chosenOutputs.push_back(variables[position]);
+    }
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        project->setNature(variables[i], natures[i]);
+    }
+    manager->independentVars()->set(inputs);
+    setOutputs(chosenOutputs);
+}
+
+void SessionState::exclude(const std::vector<std::size_t>& excluded)
+{
+    const Project::ChangeGroup oneChange(*project);
+    std::vector<std::size_t> takenInAgain;
+    const std::vector<std::size_t> before = this->excluded();
+    std::set_difference(before.begin(), before.end(), excluded.begin(), excluded.end(),
+                        std::back_inserter(takenInAgain));
+    project->setRowsIncluded(takenInAgain, true);
+    project->setRowsIncluded(excluded, false);
+}
+
+void SessionState::chooseTerms(const TermSettings& wanted)
+{
+    if (wanted == chosenTerms) {
+        return;
+    }
+    chosenTerms = wanted;
+    // A Kriging model has no terms to select, and may have taken long.
+    if (manager->type()->get() == SurrogateModelManagerInterface::ResponseSurface) {
+        pipeline->emitChanged();
+    }
+}
+
+std::vector<std::size_t> SessionState::excluded() const
+{
+    return project->excludedRows();
+}
+
+void SessionState::load(const ProjectDocument& document)
+{
+    check(document);
+    const SessionSettings before = settings();
+    SessionSettings loaded = before;
+    for (auto& [variable, values] : loaded.variables) {
+        values = {};
+    }
+    for (const ProjectDocument::VariableEntry& entry : document.variables) {
+        loaded.variables[project->variable(entry.name)] = {entry.role, entry.range};
+    }
+    loaded.excluded = document.excluded;
+    loaded.outputs.clear();
+    for (const std::string& name : document.outputs) {
+        loaded.outputs.push_back(project->variable(name));
+    }
+    loaded.sweeps.clear();
+    for (const ProjectDocument::Sweep& sweep : document.sweeps) {
+        loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
+    }
+    loaded.terms = document.terms;
+    loaded.inputs.clear();
+    loaded.evaluationPoint = Collection();
+    loaded.userDistributions = Collection();
+
+    // One change for those who look at the data, also when it is taken back.
+    const Project::ChangeGroup oneChange(*project);
+    try {
+        // The manager's settings refer to variables by their natures, which come first.
+        setSettings(loaded);
+        document.giveSettings(SurrogateModelManagerSerializer(manager),
+                              SurrogateModelUserDistCollectionSerializer(userDistributions));
+    } catch (...) {
+        setSettings(before);
+        throw;
+    }
+}
+
+void SessionState::save(ProjectDocument& document) const
+{
+    document.variables.clear();
+    for (const VarPtr& handle : project->variables()) {
+        const auto variable = handle.lock();
+        document.variables.push_back(
+            {variable->name(), variable->nature(), variable->chosenRange()});
+    }
+    document.outputs = namesOf(outputs);
+    document.excluded = excluded();
+    document.sweeps.clear();
+    for (const auto& [handle, sweep] : interpolation->sweeps()) {
+        // A variable that has another role by now keeps its sweep, which has no meaning for it.
+        const auto variable = handle.lock();
+        if (variable->nature() == Variable::Independent) {
+            document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
+        }
+    }
+    document.terms = chosenTerms;
+    document.takeSettings(SurrogateModelManagerSerializer(manager),
+                          SurrogateModelUserDistCollectionSerializer(userDistributions));
+}
+
+void SessionState::check(const ProjectDocument& document) const
+{
+    const auto present = [&](const std::string& name) {
+        const VarPtr variable = project->variable(name);
+        if (variable.isNull()) {
+            refuse(VariableNames(namesOf(project->variables())).unknownMessage(name));
+        }
+        return variable.lock();
+    };
+    for (const ProjectDocument::VariableEntry& entry : document.variables) {
+        if (!present(entry.name)->isNumeric() && entry.role != Variable::Unassigned) {
+            refuse('"' + entry.name +
+                   "\" is a column of texts, which can be neither an input nor an output.");
+        }
+    }
+    for (const ProjectDocument::Sweep& sweep : document.sweeps) {
+        present(sweep.name);
+    }
+    for (const std::string& output : document.outputs) {
+        present(output);
+    }
+    std::set<std::string> inputs;
+    for (const std::string& name : document.modelInputs()) {
+        if (!inputs.insert(name).second) {
+            refuse("the input \"" + name + "\" is there twice.");
+        }
+    }
+    if (!document.excluded.empty() && document.excluded.back() >= project->recordCount()) {
+        refuse("There is no case " + std::to_string(document.excluded.back() + 1) +
+               " to exclude: the cases are 1 to " + std::to_string(project->recordCount()) + '.');
+    }
+}
+
+void SessionState::setOutputs(const std::vector<VarPtr>& wanted)
+{
+    outputs = wanted;
+    interpolation->setDependentVariables({wanted.begin(), wanted.end()});
+}

@@ -1,0 +1,94 @@
+#include "session/model/SweepInterpolationVariables.h"
+
+#include <boost/make_shared.hpp>
+
+SweepInterpolationVariables::SweepInterpolationVariables(
+    boost::shared_ptr<const SurrogateModelManagerInterface> manager,
+    const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions)
+    : InterpolationVariablesAbstract(std::move(manager), userDistributions)
+{}
+
+SweepInterpolationVariables::~SweepInterpolationVariables() = default;
+
+void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count)
+{
+    choose(variable, {count, std::nullopt});
+}
+
+void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count,
+                                        const Range& range)
+{
+    choose(variable, {count, range});
+}
+
+void SweepInterpolationVariables::stayAtEvaluationPoint(const VarPtr& variable)
+{
+    if (chosenSweeps.erase(variable) > 0) {
+        emitChanged();
+    }
+}
+
+const std::map<VarPtr, SweepInterpolationVariables::Sweep>&
+SweepInterpolationVariables::sweeps() const
+{
+    return chosenSweeps;
+}
+
+void SweepInterpolationVariables::setSweeps(const std::map<VarPtr, Sweep>& sweeps)
+{
+    if (sweeps != chosenSweeps) {
+        chosenSweeps = sweeps;
+        emitChanged();
+    }
+}
+
+void SweepInterpolationVariables::setDependentVariables(const std::set<VarPtr>& variables)
+{
+    if (variables != dependents) {
+        dependents = variables;
+        emitChanged();
+    }
+}
+
+std::set<VarPtr> SweepInterpolationVariables::dependentVariables() const
+{
+    return dependents;
+}
+
+void SweepInterpolationVariables::suspend()
+{
+    isSuspended = true;
+    InterpolationVariablesAbstract::suspend();
+}
+
+void SweepInterpolationVariables::resume()
+{
+    isSuspended = false;
+    InterpolationVariablesAbstract::resume();
+}
+
+boost::shared_ptr<InterpolationPointsInterface>
+SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
+{
+    const auto found = chosenSweeps.find(variable);
+    if (found == chosenSweeps.end()) {
+        return nullptr;
+    }
+    const Sweep& sweep = found->second;
+    return boost::make_shared<DistributedPoints>(
+        sweep.range ? *sweep.range : variable.lock()->range(), sweep.count);
+}
+
+void SweepInterpolationVariables::choose(const VarPtr& variable, const Sweep& sweep)
+{
+    std::map<VarPtr, Sweep> changed = chosenSweeps;
+    changed.insert_or_assign(variable, sweep);
+    setSweeps(changed);
+}
+
+void SweepInterpolationVariables::emitChanged() const
+{
+    if (!isSuspended) {
+        signalInterpolationVariablesChanged();
+    }
+}

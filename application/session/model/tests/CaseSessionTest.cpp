@@ -1,0 +1,323 @@
+#include <session/model/CaseSession.h>
+
+#include "CvdCases.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <QUndoStack>
+#include <gtest/gtest.h>
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <cmath>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace {
+const double missing = std::nan("");
+using Numbers = std::vector<double>;
+
+/** Inputs Pressure and H2/WF6, outputs Stress and Uniformity: not the order of the table. */
+const CaseRoles cvdRoles = {{0, 1}, {3, 2}};
+
+/** y = 1 + 2 x and z = 10 - x: straight lines, which a response surface meets exactly. */
+CaseTable lines(Numbers x)
+{
+    CaseTable table;
+    table.path = "lines.csv";
+    table.cases = x.size();
+    table.columns.resize(3);
+    table.columns[0].name = "x";
+    table.columns[1].name = "y";
+    table.columns[2].name = "z";
+    for (const double value : x) {
+        table.columns[1].numbers.push_back(1.0 + 2.0 * value);
+        table.columns[2].numbers.push_back(10.0 - value);
+    }
+    table.columns[0].numbers = std::move(x);
+    return table;
+}
+
+const CaseRoles lineRoles = {{0}, {1, 2}};
+
+double cell(vtkTable& table, vtkIdType row, vtkIdType column)
+{
+    return vtkDoubleArray::SafeDownCast(table.GetColumn(column))->GetValue(row);
+}
+
+template <class Exception, class Action>
+std::string messageOf(Action action)
+{
+    try {
+        action();
+    } catch (const Exception& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(CaseSession, OpensAProjectWithTheRolesAsNatures)
+{
+    const CaseSession session(cvdCases(), {{1}, {3}}, {}, CaseSession::ResponseSurface);
+
+    const std::vector<VarPtr> variables = Project::project()->variables();
+    ASSERT_EQ(variables.size(), 4u);
+    EXPECT_EQ(variables[0].lock()->nature(), Variable::Unassigned);
+    EXPECT_EQ(variables[1].lock()->nature(), Variable::Independent);
+    EXPECT_EQ(variables[3].lock()->nature(), Variable::Dependent);
+    EXPECT_EQ(session.manager().independentVars()->get(), session.inputs());
+}
+
+TEST(CaseSession, ClosesItsProjectAtTheEnd)
+{
+    {
+        const CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+    }
+
+    EXPECT_TRUE(Project::project()->variables().empty());
+}
+
+TEST(CaseSession, RecordsNothingForUndoing)
+{
+    const int before = UndoStack().stack().count();
+
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::Kriging);
+    session.sweep(0, "4, 80");
+    session.stayAt(1, "5");
+
+    EXPECT_EQ(UndoStack().stack().count(), before);
+}
+
+TEST(CaseSession, RefusesANameThatAProjectCannotCarry)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].name = "a\x01z";
+
+    const std::string message = messageOf<CaseDataError>(
+        [&] { CaseSession(table, cvdRoles, {}, CaseSession::ResponseSurface); });
+
+    EXPECT_EQ(message.substr(0, 17), "cvd.csv, line 1: ");
+}
+
+TEST(CaseSession, FitsThePublishedResponseSurface)
+{
+    // The handbook codes the inputs and rounds the codes to two decimals.
+    CaseTable table = cvdCases();
+    for (std::size_t i = 0; i < table.cases; ++i) {
+        double& pressure = table.columns[0].numbers[i];
+        double& ratio = table.columns[1].numbers[i];
+        pressure = std::round((pressure - 42.0) / 38.0 * 100.0) / 100.0;
+        ratio = std::round((ratio - 6.0) / 4.0 * 100.0) / 100.0;
+    }
+    CaseSession session(std::move(table), cvdRoles, {}, CaseSession::ResponseSurface);
+
+    const std::vector<OutputFit> fits = session.fits();
+
+    // R2 and residual standard error as published (NIST/SEMATECH e-Handbook, 5.4.7.3) and, for
+    // Stress, by least squares on the same table; half of the last digit given.
+    ASSERT_EQ(fits.size(), 2u);
+    EXPECT_EQ(fits[0].name, "Stress");
+    EXPECT_NEAR(fits[0].metrics.r2, 0.99175, 5e-6);
+    EXPECT_NEAR(fits[0].metrics.rmse, 0.07707, 5e-6);
+    EXPECT_EQ(fits[1].name, "Uniformity");
+    EXPECT_NEAR(fits[1].metrics.r2, 0.8716, 5e-5);
+    EXPECT_NEAR(fits[1].metrics.adjustedR2, 0.7431, 5e-5);
+    EXPECT_NEAR(fits[1].metrics.rmse, 0.7235, 5e-5);
+    EXPECT_FALSE(fits[1].kriging.has_value());
+}
+
+TEST(CaseSession, FitsKrigingWithItsParameters)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::Kriging);
+
+    const std::vector<OutputFit> fits = session.fits();
+
+    ASSERT_TRUE(fits[0].kriging.has_value());
+    EXPECT_EQ(fits[0].kriging->correlationLengths.size(), 2u);
+    EXPECT_GT(session.times().fit, 0.0);
+}
+
+TEST(CaseSession, EvaluatesEveryCombinationInTheOrderOfTheRoles)
+{
+    CaseSession session(lines({0, 1, 2, 3}), {{0}, {2, 1}}, {}, CaseSession::ResponseSurface);
+    session.sweepEvenly(0, 4);
+
+    const auto table = session.evaluate();
+
+    ASSERT_EQ(table->GetNumberOfColumns(), 3);
+    ASSERT_EQ(table->GetNumberOfRows(), 4);
+    EXPECT_STREQ(table->GetColumnName(0), "x");
+    EXPECT_STREQ(table->GetColumnName(1), "z");
+    EXPECT_STREQ(table->GetColumnName(2), "y");
+    for (vtkIdType row = 0; row < 4; ++row) {
+        const double x = cell(*table, row, 0);
+        EXPECT_EQ(x, static_cast<double>(row));
+        EXPECT_NEAR(cell(*table, row, 1), 10.0 - x, 1e-9);
+        EXPECT_NEAR(cell(*table, row, 2), 1.0 + 2.0 * x, 1e-9);
+    }
+}
+
+TEST(CaseSession, AnInputStaysAtItsMinimumUnlessMoved)
+{
+    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
+    EXPECT_EQ(cell(*session.evaluate(), 0, 0), 2.0);
+
+    session.stayAt(0, "2.5");
+    const auto table = session.evaluate();
+    ASSERT_EQ(table->GetNumberOfRows(), 1);
+    EXPECT_EQ(cell(*table, 0, 0), 2.5);
+    EXPECT_NEAR(cell(*table, 0, 1), 6.0, 1e-9);
+}
+
+TEST(CaseSession, TypedValuesAreSweptOver)
+{
+    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
+    session.sweep(0, "4 - 8 : 3, 1");
+
+    const auto table = session.evaluate();
+
+    ASSERT_EQ(table->GetNumberOfRows(), 4);
+    EXPECT_EQ(cell(*table, 0, 0), 1.0);
+    EXPECT_EQ(cell(*table, 3, 0), 8.0);
+}
+
+TEST(CaseSession, AFaultyTextIsRefusedInOneSentenceWithTheItem)
+{
+    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(messageOf<DistributionTextError>([&] { session.sweep(0, "1, 2 - x : 3"); }),
+              "The text \"1, 2 - x : 3\" for \"x\" cannot be read. Expression: 2 - x : 3: Invalid "
+              "floating point number. Write numbers and ranges like 4 - 80 : 20, 42.");
+    EXPECT_THROW(session.stayAt(0, "five"), DistributionTextError);
+    EXPECT_THROW(session.stayAt(0, ""), DistributionTextError);
+    EXPECT_EQ(messageOf<DistributionTextError>([&] { session.stayAt(0, "1, 2"); }),
+              "The text \"1, 2\" for \"x\" has several values where one is wanted.");
+}
+
+TEST(CaseSession, ASweepNeedsTwoValuesAtLeast)
+{
+    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(messageOf<UsageError>([&] { session.sweepEvenly(0, 1); }),
+              "\"x\" can be swept evenly over 2 to 100000000 values, not 1.");
+}
+
+TEST(CaseSession, OutputsAreFittedToTheCasesThatAreValidForAll)
+{
+    CaseTable table = lines({0, 1, 2, 3, missing, 5});
+    table.columns[1].numbers[0] = missing;
+    table.columns[2].numbers[1] = missing;
+    CaseSession session(std::move(table), lineRoles, {3}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(session.counts().valid, 2u);
+    EXPECT_EQ(session.fits()[0].metrics.cases, 2u);
+}
+
+TEST(CaseSession, AnExcludedCaseDoesNotCount)
+{
+    CaseTable table = lines({0, 1, 2, 3, 4});
+    table.columns[1].numbers[2] = 1000.0;
+    CaseSession session(std::move(table), {{0}, {1}}, {2}, CaseSession::ResponseSurface);
+
+    EXPECT_NEAR(session.fits()[0].metrics.rmse, 0.0, 1e-9);
+}
+
+TEST(CaseSession, WithoutAValidCaseTheErrorSaysWhereTheyWent)
+{
+    CaseSession session(lines({0, missing, 2}), lineRoles, {0, 2}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] { session.fit(); }),
+              "There are not enough valid cases to create the surrogate model. Cases: 3 read, "
+              "2 excluded, 1 with missing or infinite values.");
+    EXPECT_THROW(session.fit(), SurrogateModelInterface::Error) << "asked again, it fails again";
+    EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
+}
+
+TEST(CaseSession, AGridThatIsTooLargeIsAnErrorOfTheModel)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+    session.sweep(0, "0 - 1 : 1000000");
+    session.sweep(1, "0 - 1 : 1000000");
+
+    EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
+}
+
+TEST(CaseSession, PredictsInTheOrderOfTheOutputs)
+{
+    CaseSession session(lines({0, 1, 2, 3}), {{0}, {2, 1}}, {}, CaseSession::ResponseSurface);
+    const Numbers points = {5.0, missing};
+
+    const std::vector<Numbers> results = session.predict({points.data()}, points.size());
+
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_NEAR(results[0][0], 5.0, 1e-9);
+    EXPECT_NEAR(results[1][0], 11.0, 1e-9);
+    EXPECT_TRUE(std::isnan(results[0][1]));
+}
+
+TEST(CaseSession, PredictsAtNoPoints)
+{
+    CaseSession session(lines({0, 1, 2, 3}), lineRoles, {}, CaseSession::ResponseSurface);
+
+    const std::vector<Numbers> results = session.predict({nullptr}, 0);
+
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_TRUE(results[0].empty());
+}
+
+TEST(CaseSession, WritesTheEquationsWithTheirLegend)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+
+    const std::string text = session.equationText();
+
+    EXPECT_EQ(text.rfind("Independent Variables\nV1 = Pressure\nV2 = H2/WF6\n", 0), 0u) << text;
+    EXPECT_NE(
+        text.find("\nEquation for dependent variable: Stress\nResult = " + session.equations()[0]),
+        std::string::npos);
+    EXPECT_NE(text.find("\nEquation for dependent variable: Uniformity\nResult = " +
+                        session.equations()[1]),
+              std::string::npos);
+}
+
+TEST(CaseSession, WarningsNameTheInputs)
+{
+    CaseTable table = lines({0, 1, 2, 3, 4, 5});
+    table.columns[2].name = "fixed V9";
+    table.columns[2].numbers.assign(6, 1.0);
+    CaseSession session(std::move(table), {{0, 2}, {1}}, {}, CaseSession::ResponseSurface);
+
+    const std::vector<std::string> warnings = session.fits()[0].warnings;
+
+    const std::string all = std::accumulate(warnings.begin(), warnings.end(), std::string());
+    EXPECT_NE(all.find("\"fixed V9\""), std::string::npos) << all;
+    EXPECT_EQ(all.find("V2"), std::string::npos) << all;
+    EXPECT_NE(all.find("\"x\" * \"fixed V9\""), std::string::npos) << all;
+}
+
+TEST(CaseSession, MakesACancelledFitWhenItIsNextWanted)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        const double undisturbed =
+            cell(*CaseSession(cvdCases(), {{0, 1}, {2}}, {}, model).evaluate(), 0, 2);
+        CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
+        session.fit();
+        session.chooseRoles({{0, 1}, {2}});
+        {
+            const FitProgress progress([](double, const std::string&) { return false; });
+            EXPECT_THROW(session.fit(), SurrogateModelInterface::Error);
+            EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
+        }
+
+        EXPECT_EQ(cell(*session.evaluate(), 0, 2), undisturbed);
+    }
+}

@@ -1,0 +1,138 @@
+#include <session/model/ModelFile.h>
+
+#include "CvdCases.h"
+#include "TemporaryFolder.h"
+
+#include <session/cases/VariableNames.h>
+#include <session/model/CaseSession.h>
+#include <session/report/SessionReport.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_datamanagement/Project.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+/** Inputs Pressure and H2/WF6, outputs Stress and Uniformity: not the order of the table. */
+const CaseRoles cvdRoles = {{0, 1}, {3, 2}};
+
+ExportedModel cvdModel(CaseSession::Model type)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, type);
+    return ModelFile::exported(session);
+}
+
+std::vector<double> columnOf(vtkTable& table, vtkIdType column)
+{
+    auto* const array = vtkDoubleArray::SafeDownCast(table.GetColumn(column));
+    return {array->GetPointer(0), array->GetPointer(0) + array->GetNumberOfTuples()};
+}
+
+/** The last column of a small grid. */
+std::vector<double> evaluated(CaseSession& session)
+{
+    session.sweep(0, "10 - 70 : 4");
+    session.sweepEvenly(1, 3);
+    return columnOf(*session.evaluate(), 3);
+}
+} // namespace
+
+TEST(ModelFile, IsKnownByItsName)
+{
+    EXPECT_TRUE(ModelFile::isModelFile("a.json"));
+    EXPECT_FALSE(ModelFile::isModelFile(".json"));
+    EXPECT_FALSE(ModelFile::isModelFile("a.json.csv"));
+    EXPECT_FALSE(ModelFile::isModelFile("json"));
+}
+
+TEST(ModelFile, FormatsHaveNames)
+{
+    EXPECT_EQ(ModelFile::formatOf("python"), ExportFormat::Python);
+    EXPECT_THROW(ModelFile::formatOf("Python"), UsageError);
+}
+
+TEST(ModelFile, AnExportedModelHasTheRolesAndRangesOfItsSession)
+{
+    const ExportedModel model = cvdModel(CaseSession::Kriging);
+
+    EXPECT_TRUE(model.isKriging());
+    ASSERT_EQ(model.inputs.size(), 2u);
+    EXPECT_EQ(model.inputs[1].name, "H2/WF6");
+    EXPECT_EQ(model.inputs[1].minimum, 2.0);
+    EXPECT_EQ(model.inputs[1].maximum, 10.0);
+    ASSERT_EQ(model.outputs.size(), 2u);
+    EXPECT_EQ(model.outputs[0].name, "Stress");
+}
+
+TEST(ModelFile, TheReportIsThatOfTheFitWithoutItsTimes)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+    const ExportedModel model = ModelFile::exported(session);
+    auto fit = nlohmann::json::parse(SessionReport::fitJson(session, 1.0));
+    fit.erase("seconds");
+
+    EXPECT_EQ(nlohmann::json::parse(model.report), fit);
+}
+
+TEST(ModelFile, ASessionOfAnExportedModelEvaluatesToTheLastBit)
+{
+    for (const CaseSession::Model type : {CaseSession::Kriging, CaseSession::ResponseSurface}) {
+        std::vector<double> expected;
+        ExportedModel model;
+        {
+            CaseSession cases(cvdCases(), cvdRoles, {}, type);
+            expected = evaluated(cases);
+            model = ModelFile::exported(cases);
+        }
+        CaseSession session(model);
+
+        EXPECT_EQ(session.modelType(), type);
+        EXPECT_EQ(namesOf(session.outputs()), (std::vector<std::string>{"Stress", "Uniformity"}));
+        EXPECT_EQ(evaluated(session), expected);
+    }
+}
+
+TEST(ModelFile, ASessionOfAnExportedModelPredictsAndWarnsOfPointsOutside)
+{
+    CaseSession session(cvdModel(CaseSession::ResponseSurface));
+    const std::vector<double> pressure = {500.0};
+    const std::vector<double> ratio = {6.0};
+    session.predict({pressure.data(), ratio.data()}, 1);
+
+    EXPECT_EQ(session.extrapolation().rfind("1 of 1 point lies outside the cases: \"Pressure\"", 0),
+              0u)
+        << session.extrapolation();
+}
+
+TEST(ModelFile, ReadsWhatWasWritten)
+{
+    const TemporaryFolder folder;
+    const ExportedModel model = cvdModel(CaseSession::Kriging);
+    const std::string path = folder.write("model.json", exportModel(model, ExportFormat::Json));
+
+    EXPECT_EQ(exportModel(ModelFile::read(path), ExportFormat::Json),
+              exportModel(model, ExportFormat::Json));
+}
+
+TEST(ModelFile, WhatCannotBeUsedIsAModelFileError)
+{
+    const TemporaryFolder folder;
+    EXPECT_THROW(ModelFile::read(folder.path("none.json")), FileError);
+    EXPECT_THROW(ModelFile::read(folder.write("model.json", "{}")), ModelFileError);
+
+    ExportedModel twice = cvdModel(CaseSession::Kriging);
+    twice.outputs[1].name = "Pressure";
+    const std::string path = folder.write("model.json", exportModel(twice, ExportFormat::Json));
+    try {
+        ModelFile::read(path);
+        FAIL();
+    } catch (const ModelFileError& error) {
+        EXPECT_NE(std::string(error.what()).find("\"Pressure\""), std::string::npos);
+    }
+}

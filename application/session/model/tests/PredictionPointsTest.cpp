@@ -1,0 +1,108 @@
+#include <session/model/PredictionPoints.h>
+
+#include "TemporaryFolder.h"
+
+#include <session/cases/CaseFileReader.h>
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+CaseTable tableOf(const std::string& content)
+{
+    const TemporaryFolder folder;
+    CaseFileReader::Options options;
+    options.keepCells = true;
+    CaseTable table = CaseFileReader::read(folder.write("points.csv", content), options);
+    table.path = "points.csv";
+    return table;
+}
+
+std::string refusalOf(const std::string& content,
+                      PredictionPoints::Results results = PredictionPoints::Predictions)
+{
+    try {
+        PredictionPoints(tableOf(content), {"x", "z"}, {"y"}, results);
+    } catch (const CaseDataError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(PredictionPoints, FindTheInputsByNameInWhateverOrder)
+{
+    const PredictionPoints points(tableOf("z,note,x\n1,a,2\n3,b,4\n"), {"x", "z"}, {"y"});
+
+    EXPECT_EQ(points.count(), 2u);
+    ASSERT_EQ(points.inputColumns().size(), 2u);
+    EXPECT_EQ(points.inputColumns()[0][1], 4.0);
+    EXPECT_EQ(points.inputColumns()[1][0], 1.0);
+}
+
+TEST(PredictionPoints, AddTheResultsToTheTableAsItWas)
+{
+    const PredictionPoints points(tableOf("z,note,x\n1,a,2\n"), {"x", "z"}, {"y"});
+    const std::vector<std::vector<double>> predictions = {{7.5}};
+
+    const OutputTable table = points.withPredictions(predictions);
+
+    ASSERT_EQ(table.columns.size(), 4u);
+    EXPECT_EQ(table.rows, 1u);
+    EXPECT_EQ(table.columns[1].name, "note");
+    EXPECT_EQ(table.columns[1].numbers, nullptr);
+    EXPECT_EQ(table.columns[3].name, "y predicted");
+    EXPECT_EQ(table.columns[3].numbers[0], 7.5);
+}
+
+TEST(PredictionPoints, AMissingInputIsRefusedWithTheNearestName)
+{
+    EXPECT_EQ(
+        refusalOf("Z,x\n1,2\n"),
+        "points.csv, line 1: the model needs the input \"z\". There is no variable \"z\"; the "
+        "nearest name is \"Z\". The variables are: \"Z\", \"x\".");
+}
+
+TEST(PredictionPoints, ATextInAnInputIsRefusedWithItsLine)
+{
+    EXPECT_EQ(refusalOf("x,z\n1,2\n1,2..5\n"),
+              "points.csv, line 3: the input \"z\" must be a number, not \"2..5\".");
+}
+
+TEST(PredictionPoints, AColumnThatHasTheNameOfAResultIsRefused)
+{
+    EXPECT_EQ(refusalOf("x,z,y predicted\n1,2,3\n"),
+              "points.csv, line 1: the table has a column \"y predicted\" already.");
+}
+
+TEST(PredictionPoints, LimitsFollowThePredictionOfTheirOutput)
+{
+    const PredictionPoints points(tableOf("z,x\n1,2\n"), {"x", "z"}, {"y", "w"},
+                                  PredictionPoints::PredictionsAndLimits);
+    const std::vector<std::vector<double>> predictions = {{7.5}, {8.5}};
+    const std::vector<PredictionLimits> limits = {{{7}, {8}}, {{6}, {9}}};
+
+    const OutputTable table = points.withPredictions(predictions, limits);
+
+    std::vector<std::string> names;
+    for (const OutputTable::Column& column : table.columns) {
+        names.push_back(column.name);
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"z", "x", "y predicted", "y lower", "y upper",
+                                               "w predicted", "w lower", "w upper"}));
+    EXPECT_EQ(table.columns[3].numbers[0], 7.0);
+    EXPECT_EQ(table.columns[7].numbers[0], 9.0);
+}
+
+TEST(PredictionPoints, AColumnThatHasTheNameOfALimitIsRefusedWhereLimitsAreWanted)
+{
+    for (const std::string name : {"y lower", "y upper"}) {
+        const std::string content = "x,z," + name + "\n1,2,3\n";
+        EXPECT_EQ(refusalOf(content, PredictionPoints::PredictionsAndLimits),
+                  "points.csv, line 1: the table has a column \"" + name + "\" already.");
+        EXPECT_EQ(refusalOf(content), "accepted");
+    }
+}

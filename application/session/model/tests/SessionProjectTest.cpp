@@ -1,0 +1,246 @@
+// What a session gives to a project document and takes from one.
+
+#include <session/model/CaseSession.h>
+#include <session/project/ProjectDocument.h>
+#include <session/text/SessionErrors.h>
+
+#include "CvdCases.h"
+#include "TemporaryFolder.h"
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_datamanagement/Project.h>
+
+#include <QUndoStack>
+#include <gtest/gtest.h>
+#include <vtkTable.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+class SessionProject : public ::testing::Test
+{
+protected:
+    SessionProject() { UndoStack().stack().clear(); }
+
+    /** The document needs a file, whose bytes do not matter here. */
+    CaseTable table() const
+    {
+        CaseTable cases = cvdCases();
+        cases.path = folder.write("cvd.csv", "cases");
+        return cases;
+    }
+
+    /** A session in which everything has been chosen. */
+    CaseSession chosen() const
+    {
+        CaseSession session(table(), {{1, 0}, {3, 2}}, {1, 9}, CaseSession::ResponseSurface);
+        session.sweep(1, "4 - 80 : 3, 42");
+        session.stayAt(0, "5");
+        return session;
+    }
+
+    ProjectDocument document() const { return chosen().document(); }
+
+    static std::string refusalOf(CaseSession& session, const ProjectDocument& document)
+    {
+        try {
+            session.load(document);
+        } catch (const ProjectDocumentError& error) {
+            return error.what();
+        }
+        return "accepted";
+    }
+
+    TemporaryFolder folder;
+};
+
+std::vector<std::string> names(const std::vector<VarPtr>& variables)
+{
+    std::vector<std::string> result;
+    for (const VarPtr& variable : variables) {
+        result.push_back(variable.lock()->name());
+    }
+    return result;
+}
+
+using Names = std::vector<std::string>;
+} // namespace
+
+TEST_F(SessionProject, LoadingGivesTheSameChoices)
+{
+    const ProjectDocument saved = document();
+    CaseSession session(table());
+
+    session.load(saved);
+
+    EXPECT_EQ(names(session.inputs()), (Names{"H2/WF6", "Pressure"}));
+    EXPECT_EQ(names(session.outputs()), (Names{"Stress", "Uniformity"}));
+    EXPECT_EQ(session.modelType(), CaseSession::ResponseSurface);
+    EXPECT_EQ(session.counts().excluded, 2u);
+    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+    EXPECT_TRUE(session.document() == saved);
+}
+
+TEST_F(SessionProject, ARangeThatWasChosenIsKept)
+{
+    CaseSession session = chosen();
+    const VarPtr pressure = session.inputs()[1];
+    Project::project()->setRange(pressure, {10.0, 20.0});
+    const ProjectDocument saved = session.document();
+    Project::project()->resetRange(pressure);
+
+    session.load(saved);
+
+    EXPECT_EQ(pressure.lock()->chosenRange(), std::make_pair(10.0, 20.0));
+}
+
+TEST_F(SessionProject, LoadingReplacesWhatWasChosenBefore)
+{
+    CaseSession plain(table(), {{0}, {3}}, {}, CaseSession::Kriging);
+    const ProjectDocument saved = plain.document();
+    CaseSession session = chosen();
+    Project::project()->setRange(session.inputs()[0], {1.0, 2.0});
+
+    session.load(saved);
+
+    EXPECT_TRUE(session.document() == saved);
+}
+
+TEST_F(SessionProject, LoadingLeavesNoUndoStepUnlessAsked)
+{
+    CaseSession session(table());
+
+    session.load(document());
+
+    EXPECT_EQ(UndoStack().stack().count(), 0);
+}
+
+TEST_F(SessionProject, LoadingIsOneUndoStepWhenAsked)
+{
+    const ProjectDocument saved = document();
+    CaseSession session(table(), {{0}, {3}}, {4}, CaseSession::Kriging);
+    const ProjectDocument before = session.document();
+
+    session.load(saved, CaseSession::OneUndoStep);
+    ASSERT_EQ(UndoStack().stack().count(), 1);
+
+    UndoStack().stack().undo();
+    EXPECT_TRUE(session.document() == before);
+    EXPECT_EQ(names(session.inputs()), (Names{"Pressure"}));
+
+    UndoStack().stack().redo();
+    EXPECT_TRUE(session.document() == saved);
+    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+}
+
+TEST_F(SessionProject, LoadingWhatIsThereAlreadyLeavesNoUndoStep)
+{
+    const ProjectDocument saved = document();
+    CaseSession session(table());
+    session.load(saved);
+
+    session.load(saved, CaseSession::OneUndoStep);
+
+    EXPECT_EQ(UndoStack().stack().count(), 0);
+}
+
+TEST_F(SessionProject, AnUndoStepOutlivesTheSessionWithoutEffect)
+{
+    {
+        const ProjectDocument saved = document();
+        CaseSession session(table());
+        session.load(saved, CaseSession::OneUndoStep);
+    }
+
+    EXPECT_NO_THROW(UndoStack().stack().undo());
+}
+
+TEST_F(SessionProject, ADocumentThatDoesNotFitChangesNothing)
+{
+    CaseSession session = chosen();
+    const ProjectDocument before = session.document();
+
+    ProjectDocument unknown = before;
+    unknown.variables.push_back({"Stres", Variable::Independent, std::nullopt});
+    EXPECT_EQ(refusalOf(session, unknown),
+              "The project does not fit its cases: There is no variable \"Stres\"; the nearest "
+              "name is \"Stress\". The variables are: \"Pressure\", \"H2/WF6\", "
+              "\"Uniformity\", \"Stress\".");
+    ProjectDocument beyond = before;
+    beyond.excluded = {11};
+    EXPECT_EQ(refusalOf(session, beyond), "The project does not fit its cases: There is no case 12 "
+                                          "to exclude: the cases are 1 to 11.");
+
+    EXPECT_TRUE(session.document() == before);
+}
+
+TEST_F(SessionProject, ATextColumnHasNoRole)
+{
+    const ProjectDocument saved = document();
+    CaseTable withText = table();
+    withText.columns[2].isNumeric = false;
+    withText.columns[2].numbers.clear();
+    withText.columns[2].texts.assign(11, "high");
+    CaseSession session(std::move(withText));
+
+    EXPECT_EQ(refusalOf(session, saved),
+              "The project does not fit its cases: \"Uniformity\" is a column of texts, which can "
+              "be neither an input nor an output.");
+}
+
+TEST_F(SessionProject, CasesFromTheStandardInputMakeNoProject)
+{
+    CaseTable cases = cvdCases();
+    cases.path = "-";
+
+    EXPECT_THROW(CaseSession(std::move(cases)).document(), UsageError);
+}
+
+TEST_F(SessionProject, ChangedChoicesAreFittedAnew)
+{
+    CaseSession session(table(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    const double r2 = session.fits()[0].metrics.r2;
+
+    session.exclude({0});
+    EXPECT_NE(session.fits()[0].metrics.r2, r2);
+    EXPECT_EQ(session.counts().valid, 10u);
+
+    session.exclude({});
+    EXPECT_EQ(session.fits()[0].metrics.r2, r2);
+
+    session.chooseModel(CaseSession::Kriging);
+    EXPECT_TRUE(session.fits()[0].kriging.has_value());
+
+    session.chooseRoles({{1}, {2, 3}});
+    EXPECT_EQ(session.fits().size(), 2u);
+    EXPECT_EQ(session.fits()[0].name, "Uniformity");
+}
+
+TEST_F(SessionProject, ASweptVariableThatIsNoInputAnyMoreCanBeSaved)
+{
+    CaseSession session = chosen();
+    ASSERT_EQ(session.document().sweeps.size(), 1u);
+
+    session.chooseRoles({{1}, {3}});
+
+    EXPECT_TRUE(session.document().sweeps.empty());
+    EXPECT_NO_THROW(session.document().save(folder.path("study.surrogate.xml")));
+}
+
+TEST_F(SessionProject, EvenValuesTakeThePlaceOfTypedOnesAndOneValueThatOfBoth)
+{
+    CaseSession session(table(), {{0}, {3}}, {}, CaseSession::ResponseSurface);
+    session.sweep(0, "4, 80, 42");
+    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+
+    session.sweepEvenly(0, 5);
+    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 5);
+
+    session.stayAt(0, "7");
+    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 1);
+}

@@ -1,0 +1,270 @@
+#include "session/project/ProjectDocument.h"
+
+#include "session/files/ByteSource.h"
+#include "session/files/OutputFile.h"
+#include "session/project/ProjectElements.h"
+#include "session/project/ProjectPaths.h"
+#include "session/text/QuotedText.h"
+#include "session/text/SessionErrors.h"
+#include "session/xml/XmlDom.h"
+#include "session/xml/XmlText.h"
+
+#include <mirel_serialization/SerializerInterface.h>
+
+#include <QDomDocument>
+#include <QDomElement>
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+
+#include <sys/stat.h>
+
+class ProjectDocument::Impl
+{
+public:
+    ProjectSettings settings;
+    std::string source; ///< the file that the elements come from, for messages
+};
+
+namespace {
+/** In bytes: no project comes near it, and a device that never ends is no project. */
+constexpr std::size_t longestDocument = std::size_t(1) << 26;
+
+std::string placeOf(const std::string& path, const XmlPosition& position)
+{
+    return path + ", line " + std::to_string(position.line) + ", column " +
+           std::to_string(position.column) + ": ";
+}
+
+std::string bytesOf(const std::string& path)
+{
+    ByteSource source(path, longestDocument);
+    std::string bytes;
+    std::array<char, 1 << 16> block;
+    while (const std::size_t count = source.read(block.data(), block.size())) {
+        bytes.append(block.data(), count);
+        if (bytes.size() > longestDocument) {
+            throw ProjectDocumentError(path + ": a project document has at most " +
+                                       std::to_string(longestDocument) +
+                                       " bytes; this is another kind of file.");
+        }
+    }
+    return bytes;
+}
+
+/** What the elements of a block say, those that its reader would skip included. */
+std::vector<ProjectDocument::Distribution> distributionsIn(const XmlNode* block)
+{
+    std::vector<ProjectDocument::Distribution> distributions;
+    if (block == nullptr) {
+        return distributions;
+    }
+    for (const XmlNode* const element : elementsIn(*block)) {
+        const auto text = [&](const char* attribute, const char* otherwise) {
+            const std::string* const value = element->attribute(attribute);
+            return value == nullptr ? std::string(otherwise) : *value;
+        };
+        distributions.push_back(
+            {text("Name", ""), text("Mode", "UserDefined"), text("Distribution", "")});
+    }
+    return distributions;
+}
+
+const XmlNode* blockIn(const std::optional<XmlNode>& parent)
+{
+    return parent ? parent->child(distributionBlock) : nullptr;
+}
+
+XmlNode elementOf(const SerializerInterface& serializer)
+{
+    QDomDocument document;
+    try {
+        return nodeOf(serializer.serialize(document));
+    } catch (const XmlFault& fault) {
+        throw ProjectDocumentError("The settings " + quotedText(serializer.name()) +
+                                   " cannot be part of a project document: " + fault.what());
+    }
+}
+
+/** What another version has put into the element that is replaced. */
+void keepUnknown(const std::optional<XmlNode>& old, XmlNode& element)
+{
+    if (!old) {
+        return;
+    }
+    for (const XmlNode::Attribute& attribute : old->attributes) {
+        if (element.attribute(attribute.first) == nullptr) {
+            element.setAttribute(attribute.first, attribute.second);
+        }
+    }
+    for (const XmlNode& node : old->children) {
+        const bool isKnown = isModelElement(node) || node.kind == XmlNode::Text;
+        if (!isKnown && (node.kind != XmlNode::Element || element.child(node.name) == nullptr)) {
+            element.children.push_back(node);
+        }
+    }
+}
+
+void give(const std::optional<XmlNode>& element, const SerializerInterface& serializer)
+{
+    if (element) {
+        QDomDocument document;
+        QDomElement root = makeDomRoot(document, *element);
+        serializer.deserialize(root);
+    }
+}
+
+/** Reading stops at a mode that does not exist, when other settings have been read already. */
+void checkModes(const XmlNode* block, const std::string& source)
+{
+    if (block == nullptr) {
+        return;
+    }
+    for (const XmlNode* const element : elementsIn(*block)) {
+        const std::string* const mode = element->attribute("Mode");
+        if (mode != nullptr && *mode != "Auto" && *mode != "UserDefined") {
+            const std::string* const name = element->attribute("Name");
+            throw ProjectDocumentError(placeOf(source, element->position) + "the mode " +
+                                       quotedText(*mode) + " of the variable " +
+                                       quotedText(name == nullptr ? "" : *name) +
+                                       " must be \"Auto\" or \"UserDefined\".");
+        }
+    }
+}
+} // namespace
+
+ProjectDocument::ProjectDocument() : impl(std::make_shared<Impl>()) {}
+
+bool ProjectDocument::isProjectFile(const std::string& path)
+{
+    const std::string_view ending = fileEnding;
+    return path.size() > ending.size() &&
+           path.compare(path.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+ProjectDocument ProjectDocument::load(const std::string& path)
+{
+    const std::string bytes = bytesOf(path);
+    ProjectDocument document;
+    const auto elements = std::make_shared<Impl>();
+    try {
+        readProjectElements(readXml(bytes), document, elements->settings);
+    } catch (const XmlFault& fault) {
+        throw ProjectDocumentError(placeOf(path, fault.position()) + fault.what());
+    }
+    elements->source = path;
+    document.impl = elements;
+    document.caseFile.path = pathFromDocument(path, document.caseFile.path);
+    return document;
+}
+
+void ProjectDocument::save(const std::string& path) const
+{
+    std::string bytes;
+    try {
+        if (caseFile.path.empty() || caseFile.path == "-") {
+            throw XmlFault(XmlPosition(),
+                           "a project needs its cases in a file, not from the standard input.");
+        }
+        ProjectDocument document = *this;
+        document.caseFile.path = pathInDocument(path, caseFile.path);
+        bytes = writeXml(projectElement(document, impl->settings));
+        // What load() would refuse must not replace a document that it accepts.
+        ProjectSettings settings;
+        readProjectElements(readXml(bytes), document, settings);
+    } catch (const XmlFault& fault) {
+        throw ProjectDocumentError("The project document \"" + path +
+                                   "\" cannot be written: " + fault.what());
+    }
+    OutputFile file(path, OutputFile::KeepsBackup);
+    file.write(bytes);
+    file.commit();
+}
+
+ProjectDocument::CaseFileCheck ProjectDocument::checkCaseFile() const
+{
+    const std::string quotedPath = '"' + caseFile.path + '"';
+    struct stat status = {};
+    if (stat(caseFile.path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
+        return {Missing, "The case file " + quotedPath +
+                             " of the project is missing: it has been moved, renamed or deleted. "
+                             "Put it back there, or name it with --cases FILE."};
+    }
+
+    std::string change;
+    const auto bytes = static_cast<std::uint64_t>(status.st_size);
+    if (S_ISREG(status.st_mode) && bytes != caseFile.fingerprint.bytes) {
+        change = "it has " + std::to_string(bytes) + " bytes and had " +
+                 std::to_string(caseFile.fingerprint.bytes);
+    } else if (FileFingerprint::of(caseFile.path) != caseFile.fingerprint) {
+        change = "its size is the same, its contents are not";
+    } else {
+        return {};
+    }
+    return {Changed, "The case file " + quotedPath +
+                         " has changed since the project was saved: " + change +
+                         ". Name it with --cases FILE to work with it as it is now, and save the "
+                         "project again."};
+}
+
+void ProjectDocument::takeSettings(const SerializerInterface& model,
+                                   const SerializerInterface& userDistributions)
+{
+    const auto taken = std::make_shared<Impl>(*impl);
+    XmlNode element = elementOf(model);
+    keepUnknown(impl->settings.model, element);
+    taken->settings.model = std::move(element);
+
+    XmlNode parent = XmlNode::element("UserDistributions");
+    parent.children.push_back(elementOf(userDistributions));
+    taken->settings.userDistributions = std::move(parent);
+    impl = taken;
+}
+
+void ProjectDocument::giveSettings(const SerializerInterface& model,
+                                   const SerializerInterface& userDistributions) const
+{
+    const ProjectSettings& settings = impl->settings;
+    checkModes(blockIn(settings.model), impl->source);
+    checkModes(blockIn(settings.userDistributions), impl->source);
+    give(settings.model, model);
+    give(settings.userDistributions, userDistributions);
+}
+
+std::string ProjectDocument::modelType() const
+{
+    const XmlNode* const type =
+        impl->settings.model ? impl->settings.model->child("Type") : nullptr;
+    return type == nullptr ? std::string() : type->content();
+}
+
+std::vector<std::string> ProjectDocument::modelInputs() const
+{
+    std::vector<std::string> names;
+    if (!impl->settings.model) {
+        return names;
+    }
+    for (const XmlNode* const element : elementsIn(*impl->settings.model)) {
+        if (element->name == "Variable") {
+            const std::string* const name = element->attribute("Name");
+            names.push_back(name == nullptr ? std::string() : *name);
+        }
+    }
+    return names;
+}
+
+std::vector<ProjectDocument::Distribution> ProjectDocument::evaluationPoint() const
+{
+    return distributionsIn(blockIn(impl->settings.model));
+}
+
+std::vector<ProjectDocument::Distribution> ProjectDocument::userDistributions() const
+{
+    return distributionsIn(blockIn(impl->settings.userDistributions));
+}
+
+bool operator==(const ProjectDocument& left, const ProjectDocument& right)
+{
+    return projectElement(left, left.impl->settings) == projectElement(right, right.impl->settings);
+}

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <session/files/FileFingerprint.h>
+#include <session/project/TermSettings.h>
+
+#include <mirel_datamanagement/Variable.h>
+
+#include <surrogate_session/Export.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+class SerializerInterface;
+
+/**
+ * What a project file (NAME.surrogate.xml) says, a plain value: where the cases are and how they
+ * are read, what is made of them, and the settings of the library as the XML elements that its
+ * serializers write. Nothing here touches the open project.
+ *
+ * What a newer version may add beside the elements known here (children of the root and of
+ * "SurrogateModel") is kept and written back after them; anything else that is unknown is refused,
+ * so that nothing is lost unsaid. Comments outside of such elements are not kept.
+ */
+class SURROGATE_SESSION_EXPORT ProjectDocument
+{
+public:
+    /** What the names of project files end with, so that they can be told from case files. */
+    static constexpr const char* fileEnding = ".surrogate.xml";
+
+    /** Lower and upper bound, or first and last value, in the variable's units. */
+    using Range = std::pair<double, double>;
+
+    struct CaseFile
+    {
+        /** Usable from the current folder. In the document it is relative to the document's folder,
+         *  so that both can be moved together. UTF-8. */
+        std::string path;
+        FileFingerprint fingerprint;
+        char separator = ','; ///< comma, semicolon or tab
+        bool hasDecimalComma = false;
+    };
+
+    struct VariableEntry
+    {
+        std::string name; ///< each once, not empty
+        Variable::Nature role = Variable::Unassigned;
+        std::optional<Range> range; ///< where one was set: finite, not reversed
+    };
+
+    struct Sweep
+    {
+        std::string name;           ///< of an independent variable, each once
+        std::size_t count = 2;      ///< from 2 to CaseSession::mostSweptValues
+        std::optional<Range> range; ///< where it is not the variable's own: finite, may fall
+    };
+
+    /** What a distribution element says of one variable. */
+    struct Distribution
+    {
+        std::string name;
+        std::string mode; ///< "Auto" or "UserDefined", as the element says, or something else
+        std::string text;
+    };
+
+    enum CaseFileState
+    {
+        Unchanged,
+        Changed,
+        Missing
+    };
+
+    struct CaseFileCheck
+    {
+        CaseFileState state = Unchanged;
+        std::string sentence; ///< what happened and what to do; empty for Unchanged
+    };
+
+    /** Whether a path names a project file. */
+    static bool isProjectFile(const std::string& path);
+
+    /** An empty project. */
+    ProjectDocument();
+
+    /**
+     * Reads a project file.
+     * @throw ProjectDocumentError for a document that is not accepted as a whole, with file, line
+     *        and column; @throw FileError if it cannot be read.
+     */
+    static ProjectDocument load(const std::string& path);
+
+    /**
+     * Writes it whole or not at all, as OutputFile does; the file that it replaces stays as
+     * NAME.bak. The same project gives the same bytes.
+     * @throw ProjectDocumentError for what load() would not accept, before anything is written;
+     * @throw FileError if it cannot be written.
+     */
+    void save(const std::string& path) const;
+
+    /** Compares the case file with what is known of it; its bytes are read only if their number is
+     *  the same. @throw FileError if it is there and cannot be read. */
+    CaseFileCheck checkCaseFile() const;
+
+    /**
+     * Takes over the settings that two serializers write.
+     * @param model             writes an element "SurrogateModel".
+     * @param userDistributions writes the block of the user distributions.
+     */
+    void takeSettings(const SerializerInterface& model,
+                      const SerializerInterface& userDistributions);
+
+    /**
+     * Has the serializers read the settings; what the document does not hold stays as it is.
+     * @throw ProjectDocumentError for a mode that does not exist, before anything is read; and what
+     *        the serializers throw.
+     */
+    void giveSettings(const SerializerInterface& model,
+                      const SerializerInterface& userDistributions) const;
+
+    /** The text of the model's type, as it stands in the document; empty if there is none. */
+    std::string modelType() const;
+
+    /** The model's inputs, as they stand in the document. */
+    std::vector<std::string> modelInputs() const;
+
+    std::vector<Distribution> evaluationPoint() const;
+    std::vector<Distribution> userDistributions() const;
+
+    CaseFile caseFile;
+    std::vector<VariableEntry> variables; ///< in the order of the case file
+    std::vector<std::string> outputs;     ///< dependent variables in the order wanted, each once
+    std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
+    std::vector<Sweep> sweeps;
+    TermSettings terms; ///< of a response surface
+
+private:
+    friend SURROGATE_SESSION_EXPORT bool operator==(const ProjectDocument& left,
+                                                    const ProjectDocument& right);
+    class Impl;
+
+    // Never changed once it is made, so that copies can share it.
+    std::shared_ptr<const Impl> impl;
+};
+
+/** Whether they would be saved as the same bytes. */
+SURROGATE_SESSION_EXPORT bool operator==(const ProjectDocument& left, const ProjectDocument& right);

@@ -1,0 +1,586 @@
+#include "session/project/ProjectElements.h"
+
+#include "session/cases/CaseNumbers.h"
+#include "session/model/CaseSession.h"
+#include "session/text/NumberText.h"
+#include "session/text/QuotedText.h"
+#include "session/text/SessionErrors.h"
+#include "session/text/WholeNumber.h"
+#include "session/xml/XmlText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <initializer_list>
+#include <limits>
+#include <map>
+#include <set>
+
+namespace {
+constexpr std::size_t version = 1;
+
+/** More cases than anybody fits a model to: what a text like 1-99999999999 may ask for. */
+constexpr std::size_t mostCases = 20000000;
+
+constexpr std::size_t sha256Digits = 64;
+
+/** A value that a document spells as a word. */
+template <class Value>
+struct Word
+{
+    const char* text;
+    Value value;
+};
+
+constexpr std::array<Word<char>, 3> separators = {
+    {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}}};
+
+constexpr std::array<Word<bool>, 2> decimalMarks = {{{"point", false}, {"comma", true}}};
+
+constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variable::Independent},
+                                                          {"dependent", Variable::Dependent},
+                                                          {"unassigned", Variable::Unassigned}}};
+
+/** Selecting none is said by the absence of the element. */
+constexpr std::array<Word<bool>, 1> termSelections = {{{"BackwardAicc", true}}};
+
+constexpr std::array<Word<PolynomialTerms>, 3> polynomials = {
+    {{"Linear", PolynomialTerms::Linear},
+     {"Interactions", PolynomialTerms::Interactions},
+     {"Quadratic", PolynomialTerms::Quadratic}}};
+
+[[noreturn]] void refuse(const XmlNode& element, const std::string& message)
+{
+    throw XmlFault(element.position, message);
+}
+
+std::string described(const XmlNode& element, const std::string& attribute)
+{
+    return "the attribute " + quotedText(attribute) + " of the element " + quotedText(element.name);
+}
+
+/** Of an element that no other program may have anything to say about. */
+void allowAttributes(const XmlNode& element, std::initializer_list<const char*> known)
+{
+    for (const XmlNode::Attribute& attribute : element.attributes) {
+        if (std::find(known.begin(), known.end(), attribute.first) == known.end()) {
+            refuse(element, described(element, attribute.first) +
+                                " is not known to this version; remove it, or open the document "
+                                "with the program that wrote it.");
+        }
+    }
+}
+
+void refuseText(const XmlNode& element)
+{
+    const std::string text = element.content();
+    if (text.find_first_not_of(" \t\r\n") != std::string::npos) {
+        refuse(element, "the element " + quotedText(element.name) + " holds the text " +
+                            quotedText(text) + ", where there is none to be.");
+    }
+}
+
+[[noreturn]] void refuseElement(const XmlNode& element, const XmlNode& parent)
+{
+    refuse(element, "the element " + quotedText(element.name) + " inside " +
+                        quotedText(parent.name) +
+                        " is not known to this version; remove it, or open the document with the "
+                        "program that wrote it.");
+}
+
+/** An element that holds these attributes and nothing else. */
+void allowOnlyAttributes(const XmlNode& element, std::initializer_list<const char*> known)
+{
+    allowAttributes(element, known);
+    refuseText(element);
+    for (const XmlNode* const inner : elementsIn(element)) {
+        refuseElement(*inner, element);
+    }
+}
+
+/** The elements of a list, all of one name. */
+std::vector<const XmlNode*> entriesOf(const XmlNode& list, const std::string& tag)
+{
+    allowAttributes(list, {});
+    refuseText(list);
+    std::vector<const XmlNode*> entries = elementsIn(list);
+    for (const XmlNode* const entry : entries) {
+        if (entry->name != tag) {
+            refuseElement(*entry, list);
+        }
+        refuseText(*entry);
+        for (const XmlNode* const inner : elementsIn(*entry)) {
+            refuseElement(*inner, *entry);
+        }
+    }
+    return entries;
+}
+
+const std::string& required(const XmlNode& element, const std::string& name)
+{
+    const std::string* const value = element.attribute(name);
+    if (value == nullptr) {
+        refuse(element, "the element " + quotedText(element.name) + " lacks the attribute " +
+                            quotedText(name) + '.');
+    }
+    return *value;
+}
+
+const std::string& requiredText(const XmlNode& element, const std::string& name)
+{
+    const std::string& value = required(element, name);
+    if (value.empty()) {
+        refuse(element, described(element, name) + " must not be empty.");
+    }
+    return value;
+}
+
+std::size_t requiredNumber(const XmlNode& element, const std::string& name, std::size_t least,
+                           std::size_t most)
+{
+    const std::string& text = required(element, name);
+    try {
+        return readWholeNumber(name, text, least, most);
+    } catch (const UsageError&) {
+        refuse(element, described(element, name) + " needs a whole number from " +
+                            std::to_string(least) + " to " + std::to_string(most) + ", not " +
+                            quotedText(text) + '.');
+    }
+}
+
+double finiteNumber(const XmlNode& element, const std::string& name)
+{
+    const std::string& text = required(element, name);
+    double number = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    if (read.ec != std::errc() || read.ptr != end || !std::isfinite(number)) {
+        refuse(element, described(element, name) + " needs a finite number with a decimal point, " +
+                            "not " + quotedText(text) + '.');
+    }
+    return number;
+}
+
+template <class Value, std::size_t count>
+Value requiredWord(const XmlNode& element, const std::string& name,
+                   const std::array<Word<Value>, count>& words)
+{
+    const std::string& text = required(element, name);
+    std::string allowed;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (text == words[i].text) {
+            return words[i].value;
+        }
+        allowed += (i == 0 ? "" : i + 1 == count ? " or " : ", ") + quotedText(words[i].text);
+    }
+    refuse(element,
+           described(element, name) + " must be " + allowed + ", not " + quotedText(text) + '.');
+}
+
+template <class Value, std::size_t count>
+std::string wordFor(Value value, const std::array<Word<Value>, count>& words)
+{
+    for (const Word<Value>& word : words) {
+        if (word.value == value) {
+            return word.text;
+        }
+    }
+    // No reader accepts it, so that nothing is written.
+    return std::string();
+}
+
+/** Both ends or none. */
+std::optional<ProjectDocument::Range> optionalRange(const XmlNode& element, const std::string& from,
+                                                    const std::string& to)
+{
+    if (element.attribute(from) == nullptr && element.attribute(to) == nullptr) {
+        return std::nullopt;
+    }
+    return ProjectDocument::Range(finiteNumber(element, from), finiteNumber(element, to));
+}
+
+ProjectDocument::CaseFile readCaseFile(const XmlNode& element)
+{
+    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark"});
+
+    ProjectDocument::CaseFile file;
+    file.path = requiredText(element, "Path");
+    file.fingerprint.bytes =
+        requiredNumber(element, "Bytes", 0, std::numeric_limits<std::size_t>::max());
+    file.fingerprint.sha256 = required(element, "Sha256");
+    const bool hasDigits =
+        file.fingerprint.sha256.find_first_not_of("0123456789abcdef") == std::string::npos;
+    if (!hasDigits || file.fingerprint.sha256.size() != sha256Digits) {
+        refuse(element, described(element, "Sha256") + " needs " + std::to_string(sha256Digits) +
+                            " hexadecimal digits in lower case, not " +
+                            quotedText(file.fingerprint.sha256) + '.');
+    }
+    file.separator = requiredWord(element, "Separator", separators);
+    file.hasDecimalComma = requiredWord(element, "DecimalMark", decimalMarks);
+    return file;
+}
+
+std::vector<ProjectDocument::VariableEntry> readVariables(const XmlNode& list)
+{
+    std::vector<ProjectDocument::VariableEntry> variables;
+    std::set<std::string> names;
+    for (const XmlNode* const element : entriesOf(list, "Variable")) {
+        allowAttributes(*element, {"Name", "Role", "Lower", "Upper"});
+        ProjectDocument::VariableEntry variable;
+        variable.name = requiredText(*element, "Name");
+        if (!names.insert(variable.name).second) {
+            refuse(*element, "the variable " + quotedText(variable.name) + " comes twice.");
+        }
+        variable.role = requiredWord(*element, "Role", roles);
+        variable.range = optionalRange(*element, "Lower", "Upper");
+        if (variable.range && variable.range->second < variable.range->first) {
+            refuse(*element, "the range of the variable " + quotedText(variable.name) +
+                                 " is reversed: its lower end " +
+                                 numberText(variable.range->first) + " is above its upper end " +
+                                 numberText(variable.range->second) + '.');
+        }
+        variables.push_back(std::move(variable));
+    }
+    return variables;
+}
+
+using Roles = std::map<std::string, Variable::Nature>;
+
+/** The name of an entry, which is a variable's of the right role and comes once. */
+std::string entryName(const XmlNode& element, const std::string& what, const Roles& known,
+                      Variable::Nature role, std::set<std::string>& seen)
+{
+    const std::string& name = requiredText(element, "Name");
+    const auto found = known.find(name);
+    if (found == known.end() || found->second != role) {
+        refuse(element, "the " + what + ' ' + quotedText(name) + " must be " +
+                            (role == Variable::Dependent ? "a dependent" : "an independent") +
+                            " variable, and " +
+                            (found == known.end()
+                                 ? "there is no variable of that name."
+                                 : "that variable is " + wordFor(found->second, roles) + '.'));
+    }
+    if (!seen.insert(name).second) {
+        refuse(element, "the " + what + ' ' + quotedText(name) + " comes twice.");
+    }
+    return name;
+}
+
+std::vector<std::string> readOutputs(const XmlNode& list, const Roles& known)
+{
+    std::vector<std::string> outputs;
+    std::set<std::string> seen;
+    for (const XmlNode* const element : entriesOf(list, "Output")) {
+        allowAttributes(*element, {"Name"});
+        outputs.push_back(entryName(*element, "output", known, Variable::Dependent, seen));
+    }
+    return outputs;
+}
+
+std::vector<ProjectDocument::Sweep> readSweeps(const XmlNode& list, const Roles& known)
+{
+    std::vector<ProjectDocument::Sweep> sweeps;
+    std::set<std::string> seen;
+    for (const XmlNode* const element : entriesOf(list, "Sweep")) {
+        allowAttributes(*element, {"Name", "Count", "From", "To"});
+        ProjectDocument::Sweep sweep;
+        sweep.name = entryName(*element, "swept input", known, Variable::Independent, seen);
+        sweep.count = requiredNumber(*element, "Count", 2, CaseSession::mostSweptValues);
+        sweep.range = optionalRange(*element, "From", "To");
+        sweeps.push_back(std::move(sweep));
+    }
+    return sweeps;
+}
+
+std::vector<std::size_t> readExcluded(const XmlNode& element)
+{
+    allowAttributes(element, {});
+    for (const XmlNode* const inner : elementsIn(element)) {
+        refuseElement(*inner, element);
+    }
+    const std::string text = element.content();
+    if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
+        return {};
+    }
+    try {
+        return readCaseNumbers(text, mostCases);
+    } catch (const UsageError&) {
+        refuse(element, "the excluded cases " + quotedText(text) +
+                            " are no case numbers or ranges of them, from 1 to " +
+                            std::to_string(mostCases) + "; write them like 3,7-9.");
+    }
+}
+
+bool readTermSelection(const XmlNode& element)
+{
+    allowOnlyAttributes(element, {"Method"});
+    return requiredWord(element, "Method", termSelections);
+}
+
+PolynomialTerms readPolynomial(const XmlNode& element)
+{
+    allowOnlyAttributes(element, {"Terms"});
+    return requiredWord(element, "Terms", polynomials);
+}
+
+/** Its reader takes elements of every name. */
+void checkDistributions(const XmlNode& block)
+{
+    allowAttributes(block, {});
+    refuseText(block);
+    for (const XmlNode* const entry : elementsIn(block)) {
+        allowOnlyAttributes(*entry, {"Name", "Mode", "Distribution"});
+    }
+}
+
+/** The library's serializers pass over what they do not know, and the next save would drop it. */
+void checkModel(const XmlNode& model)
+{
+    refuseText(model);
+    std::set<std::string> seen;
+    for (const XmlNode* const child : elementsIn(model)) {
+        if (child->name == "Variable") {
+            allowOnlyAttributes(*child, {"Name"});
+        } else if (isModelElement(*child) && !seen.insert(child->name).second) {
+            refuse(*child, "the element " + quotedText(child->name) + " comes twice.");
+        } else if (child->name == distributionBlock) {
+            checkDistributions(*child);
+        } else if (child->name == "Type") {
+            allowAttributes(*child, {});
+            for (const XmlNode* const inner : elementsIn(*child)) {
+                refuseElement(*inner, *child);
+            }
+        }
+    }
+}
+
+void readUserDistributions(const XmlNode& element)
+{
+    allowAttributes(element, {});
+    refuseText(element);
+    const std::vector<const XmlNode*> blocks = elementsIn(element);
+    for (const XmlNode* const block : blocks) {
+        if (block->name != distributionBlock) {
+            refuseElement(*block, element);
+        }
+        checkDistributions(*block);
+    }
+    if (blocks.size() > 1) {
+        refuse(*blocks[1], "the element " + quotedText(distributionBlock) + " comes twice.");
+    }
+}
+
+void checkRoot(const XmlNode& root)
+{
+    if (root.name != "SurrogateProject") {
+        refuse(root, "a project document begins with the element \"SurrogateProject\", not with " +
+                         quotedText(root.name) + "; this is another kind of file.");
+    }
+    const std::size_t written =
+        requiredNumber(root, "Version", 1, std::numeric_limits<std::size_t>::max());
+    if (written > version) {
+        refuse(root, "the document was written by a newer version of the program (format " +
+                         std::to_string(written) + "; this one reads format " +
+                         std::to_string(version) + "); open it with that one.");
+    }
+    allowAttributes(root, {"Version"});
+    refuseText(root);
+}
+
+const XmlNode& requiredChild(const XmlNode& root, const std::string& tag)
+{
+    const XmlNode* const child = root.child(tag);
+    if (child == nullptr) {
+        refuse(root, "the document lacks the element " + quotedText(tag) + '.');
+    }
+    return *child;
+}
+
+const std::set<std::string>& knownTags()
+{
+    static const std::set<std::string> tags = {
+        "CaseFile",          "Variables", "Outputs",       "ExcludedCases", "SurrogateModel",
+        "UserDistributions", "Sweeps",    "TermSelection", "Polynomial"};
+    return tags;
+}
+
+/** What is not known is kept for the program that wrote it. */
+std::vector<XmlNode> unknownChildren(const XmlNode& root)
+{
+    std::vector<XmlNode> unknown;
+    std::set<std::string> seen;
+    for (const XmlNode* const child : elementsIn(root)) {
+        if (knownTags().count(child->name) == 0) {
+            unknown.push_back(*child);
+        } else if (!seen.insert(child->name).second) {
+            refuse(*child, "the element " + quotedText(child->name) + " comes twice.");
+        }
+    }
+    return unknown;
+}
+
+void setRange(XmlNode& element, const std::string& from, const std::string& to,
+              const std::optional<ProjectDocument::Range>& range)
+{
+    if (range) {
+        element.setAttribute(from, numberText(range->first));
+        element.setAttribute(to, numberText(range->second));
+    }
+}
+
+XmlNode caseFileElement(const ProjectDocument::CaseFile& file)
+{
+    XmlNode element = XmlNode::element("CaseFile");
+    element.setAttribute("Path", file.path);
+    element.setAttribute("Bytes", std::to_string(file.fingerprint.bytes));
+    element.setAttribute("Sha256", file.fingerprint.sha256);
+    element.setAttribute("Separator", wordFor(file.separator, separators));
+    element.setAttribute("DecimalMark", wordFor(file.hasDecimalComma, decimalMarks));
+    return element;
+}
+
+XmlNode variablesElement(const std::vector<ProjectDocument::VariableEntry>& variables)
+{
+    XmlNode list = XmlNode::element("Variables");
+    for (const ProjectDocument::VariableEntry& variable : variables) {
+        XmlNode element = XmlNode::element("Variable");
+        element.setAttribute("Name", variable.name);
+        element.setAttribute("Role", wordFor(variable.role, roles));
+        setRange(element, "Lower", "Upper", variable.range);
+        list.children.push_back(std::move(element));
+    }
+    return list;
+}
+
+XmlNode outputsElement(const std::vector<std::string>& outputs)
+{
+    XmlNode list = XmlNode::element("Outputs");
+    for (const std::string& output : outputs) {
+        XmlNode element = XmlNode::element("Output");
+        element.setAttribute("Name", output);
+        list.children.push_back(std::move(element));
+    }
+    return list;
+}
+
+XmlNode excludedElement(std::vector<std::size_t> excluded)
+{
+    std::sort(excluded.begin(), excluded.end());
+    excluded.erase(std::unique(excluded.begin(), excluded.end()), excluded.end());
+    XmlNode element = XmlNode::element("ExcludedCases");
+    if (!excluded.empty()) {
+        element.children.push_back(XmlNode::textNode(caseNumbersText(excluded)));
+    }
+    return element;
+}
+
+XmlNode sweepsElement(const std::vector<ProjectDocument::Sweep>& sweeps)
+{
+    XmlNode list = XmlNode::element("Sweeps");
+    for (const ProjectDocument::Sweep& sweep : sweeps) {
+        XmlNode element = XmlNode::element("Sweep");
+        element.setAttribute("Name", sweep.name);
+        element.setAttribute("Count", std::to_string(sweep.count));
+        setRange(element, "From", "To", sweep.range);
+        list.children.push_back(std::move(element));
+    }
+    return list;
+}
+
+/** Versions that know no selection keep it like everything unknown, and fit all terms. */
+XmlNode termSelectionElement()
+{
+    XmlNode element = XmlNode::element("TermSelection");
+    element.setAttribute("Method", wordFor(true, termSelections));
+    return element;
+}
+
+/** Versions that know no choice keep it likewise, and fit the full quadratic polynomial. */
+XmlNode polynomialElement(PolynomialTerms terms)
+{
+    XmlNode element = XmlNode::element("Polynomial");
+    element.setAttribute("Terms", wordFor(terms, polynomials));
+    return element;
+}
+} // namespace
+
+bool isModelElement(const XmlNode& node)
+{
+    return node.kind == XmlNode::Element &&
+           (node.name == "Type" || node.name == "Variable" || node.name == distributionBlock);
+}
+
+std::vector<const XmlNode*> elementsIn(const XmlNode& parent)
+{
+    std::vector<const XmlNode*> elements;
+    for (const XmlNode& node : parent.children) {
+        if (node.kind == XmlNode::Element) {
+            elements.push_back(&node);
+        }
+    }
+    return elements;
+}
+
+void readProjectElements(const XmlNode& root, ProjectDocument& document, ProjectSettings& settings)
+{
+    checkRoot(root);
+    settings.unknown = unknownChildren(root);
+
+    document.caseFile = readCaseFile(requiredChild(root, "CaseFile"));
+    document.variables = readVariables(requiredChild(root, "Variables"));
+    Roles known;
+    for (const ProjectDocument::VariableEntry& variable : document.variables) {
+        known.emplace(variable.name, variable.role);
+    }
+    if (const XmlNode* const outputs = root.child("Outputs")) {
+        document.outputs = readOutputs(*outputs, known);
+    }
+    if (const XmlNode* const excluded = root.child("ExcludedCases")) {
+        document.excluded = readExcluded(*excluded);
+    }
+    if (const XmlNode* const model = root.child("SurrogateModel")) {
+        checkModel(*model);
+        settings.model = *model;
+        std::stable_partition(settings.model->children.begin(), settings.model->children.end(),
+                              isModelElement);
+    }
+    if (const XmlNode* const distributions = root.child("UserDistributions")) {
+        readUserDistributions(*distributions);
+        settings.userDistributions = *distributions;
+    }
+    if (const XmlNode* const sweeps = root.child("Sweeps")) {
+        document.sweeps = readSweeps(*sweeps, known);
+    }
+    if (const XmlNode* const selection = root.child("TermSelection")) {
+        document.terms.areSelected = readTermSelection(*selection);
+    }
+    if (const XmlNode* const polynomial = root.child("Polynomial")) {
+        document.terms.polynomial = readPolynomial(*polynomial);
+    }
+}
+
+XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& settings)
+{
+    XmlNode root = XmlNode::element("SurrogateProject");
+    root.setAttribute("Version", std::to_string(version));
+    root.children.push_back(caseFileElement(document.caseFile));
+    root.children.push_back(variablesElement(document.variables));
+    root.children.push_back(outputsElement(document.outputs));
+    root.children.push_back(excludedElement(document.excluded));
+    if (settings.model) {
+        root.children.push_back(*settings.model);
+    }
+    if (settings.userDistributions) {
+        root.children.push_back(*settings.userDistributions);
+    }
+    root.children.push_back(sweepsElement(document.sweeps));
+    if (document.terms.polynomial != PolynomialTerms::Quadratic) {
+        root.children.push_back(polynomialElement(document.terms.polynomial));
+    }
+    if (document.terms.areSelected) {
+        root.children.push_back(termSelectionElement());
+    }
+    root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
+    return root;
+}

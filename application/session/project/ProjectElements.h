@@ -1,0 +1,35 @@
+#pragma once
+
+#include <session/project/ProjectDocument.h>
+#include <session/xml/XmlNode.h>
+
+#include <optional>
+#include <vector>
+
+/** The elements of a project document that its public fields do not hold. */
+struct ProjectSettings
+{
+    std::optional<XmlNode> model;             ///< "SurrogateModel"
+    std::optional<XmlNode> userDistributions; ///< "UserDistributions", the parent of their block
+    std::vector<XmlNode> unknown;             ///< other children of the root
+};
+
+/** The block of distributions inside the model's element and inside "UserDistributions". */
+constexpr const char* distributionBlock = "SurrogateModelUserDefinedVariableDistribution";
+
+/** Whether the library's serializers know a child of "SurrogateModel". */
+bool isModelElement(const XmlNode& node);
+
+/** The children of an element that are elements, in their order; valid until it changes. */
+std::vector<const XmlNode*> elementsIn(const XmlNode& parent);
+
+/**
+ * Reads the root of a project document.
+ * @param document  receives the fields; the path of the case file as it stands in the document.
+ * @param settings  receives the other elements.
+ * @throw XmlFault
+ */
+void readProjectElements(const XmlNode& root, ProjectDocument& document, ProjectSettings& settings);
+
+/** Makes the root of a project document from them. */
+XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& settings);

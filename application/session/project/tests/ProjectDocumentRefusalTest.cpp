@@ -1,0 +1,296 @@
+#include <session/project/ProjectDocument.h>
+
+#include "ElementSerializer.h"
+#include "ProjectSample.h"
+#include "TemporaryFolder.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+/** The sentence that refuses a document, without the file's name. */
+std::string refusalOf(const std::string& text)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("p.surrogate.xml", text);
+    try {
+        ProjectDocument::load(path);
+    } catch (const ProjectDocumentError& error) {
+        const std::string message = error.what();
+        EXPECT_EQ(message.rfind(path + ", ", 0), 0u) << message;
+        return message.substr(path.size() + 2);
+    }
+    return "loaded";
+}
+
+/** The sentence that refuses to save a project over "old", which stays; without the beginning. */
+std::string saveRefusalOf(const ProjectDocument& project)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("p.surrogate.xml", "old");
+    const std::string beginning = "The project document \"" + path + "\" cannot be written: ";
+    try {
+        project.save(path);
+    } catch (const ProjectDocumentError& error) {
+        EXPECT_EQ(folder.read("p.surrogate.xml"), "old");
+        EXPECT_EQ(folder.fileCount(), 1u);
+        EXPECT_EQ(std::string(error.what()).substr(0, beginning.size()), beginning);
+        return std::string(error.what()).substr(beginning.size());
+    }
+    return "saved";
+}
+
+struct RefusedDocument
+{
+    const char* name;
+    const char* part;
+    const char* replacement;
+    const char* sentence;
+};
+
+class RefusedProjectDocument : public ::testing::TestWithParam<RefusedDocument>
+{};
+
+const RefusedDocument refusedDocuments[] = {
+    {"OtherRoot", "<SurrogateProject Version=\"1\">", "<SurrogateProject2 Version=\"1\">",
+     "line 18, column 19: the document is damaged or no XML: Opening and ending tag mismatch."},
+    {"NoVersion", " Version=\"1\"", "",
+     "line 2, column 1: the element \"SurrogateProject\" lacks the attribute \"Version\"."},
+    {"NewerVersion", "Version=\"1\"", "Version=\"2\"",
+     "line 2, column 1: the document was written by a newer version of the program (format 2; this "
+     "one reads format 1); open it with that one."},
+    {"NoNumberAsVersion", "Version=\"1\"", "Version=\"1.0\"",
+     "line 2, column 1: the attribute \"Version\" of the element \"SurrogateProject\" needs a "
+     "whole number from 1 to 18446744073709551615, not \"1.0\"."},
+    {"UnknownAttributeOfTheRoot", "Version=\"1\"", "Version=\"1\" A=\"\"",
+     "line 2, column 1: the attribute \"A\" of the element \"SurrogateProject\" is not known to "
+     "this version; remove it, or open the document with the program that wrote it."},
+    {"TextInTheRoot", "<Outputs>", "x<Outputs>",
+     "line 2, column 1: the element \"SurrogateProject\" holds the text \"\\x0A  \\x0A  "
+     "\\x0A  x\\x0A  \\x0A  \\x0A\", where there is none to be."},
+    {"ElementTwice", "<Outputs>", "<Sweeps/><Outputs>",
+     "line 15, column 3: the element \"Sweeps\" comes twice."},
+    {"NoCaseFile", "<CaseFile ", "<Other ",
+     "line 2, column 1: the document lacks the element \"CaseFile\"."},
+    {"NoPath", " Path=\"cases.csv\"", "",
+     "line 3, column 3: the element \"CaseFile\" lacks the attribute \"Path\"."},
+    {"EmptyPath", "\"cases.csv\"", "\"\"",
+     "line 3, column 3: the attribute \"Path\" of the element \"CaseFile\" must not be empty."},
+    {"NegativeSize", "\"120\"", "\"-120\"",
+     "line 3, column 3: the attribute \"Bytes\" of the element \"CaseFile\" needs a whole number "
+     "from 0 to 18446744073709551615, not \"-120\"."},
+    {"HashWithAnotherLetter", "\"aaaaaaaaaa", "\"Aaaaaaaaaa",
+     "line 3, column 3: the attribute \"Sha256\" of the element \"CaseFile\" needs 64 "
+     "hexadecimal digits in lower case, not "
+     "\"Aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\"."},
+    {"UnknownSeparator", "\"semicolon\"", "\";\"",
+     "line 3, column 3: the attribute \"Separator\" of the element \"CaseFile\" must be "
+     "\"comma\", \"semicolon\" or \"tab\", not \";\"."},
+    {"UnknownDecimalMark", "DecimalMark=\"comma\"", "DecimalMark=\"Comma\"",
+     "line 3, column 3: the attribute \"DecimalMark\" of the element \"CaseFile\" must be "
+     "\"point\" or \"comma\", not \"Comma\"."},
+    {"ElementInTheCaseFile", "a\"/>", "a\"><Zip/></CaseFile>",
+     "line 3, column 158: the element \"Zip\" inside \"CaseFile\" is not known to this version; "
+     "remove it, or open the document with the program that wrote it."},
+    {"NoVariables", "Variables>", "Others>",
+     "line 9, column 14: the document is damaged or no XML: Opening and ending tag mismatch."},
+    {"UnknownElementAmongVariables", "<Variable Name=\"y\"", "<Varible Name=\"y\"",
+     "line 6, column 5: the element \"Varible\" inside \"Variables\" is not known to this "
+     "version; remove it, or open the document with the program that wrote it."},
+    {"UnknownAttributeOfAVariable", "<Variable Name=\"y\"", "<Variable Unit=\"m\" Name=\"y\"",
+     "line 6, column 5: the attribute \"Unit\" of the element \"Variable\" is not known to this "
+     "version; remove it, or open the document with the program that wrote it."},
+    {"VariableTwice", "Name=\"y\"", "Name=\"x\"",
+     "line 6, column 5: the variable \"x\" comes twice."},
+    {"VariableWithoutName", "Name=\"y\" ", "",
+     "line 6, column 5: the element \"Variable\" lacks the attribute \"Name\"."},
+    {"EmptyVariableName", "Name=\"y\"", "Name=\"\"",
+     "line 6, column 5: the attribute \"Name\" of the element \"Variable\" must not be empty."},
+    {"UnknownRole", "\"unassigned\"", "\"ignored\"",
+     "line 8, column 5: the attribute \"Role\" of the element \"Variable\" must be "
+     "\"independent\", \"dependent\" or \"unassigned\", not \"ignored\"."},
+    {"ReversedRange", "Lower=\"2\"", "Lower=\"2.5\"",
+     "line 7, column 5: the range of the variable \"z\" is reversed: its lower end 2.5 is above "
+     "its upper end 2."},
+    {"RangeWithoutUpperEnd", " Upper=\"2\"", "",
+     "line 7, column 5: the element \"Variable\" lacks the attribute \"Upper\"."},
+    {"RangeThatIsNotFinite", "Lower=\"2\"", "Lower=\"nan\"",
+     "line 7, column 5: the attribute \"Lower\" of the element \"Variable\" needs a finite "
+     "number with a decimal point, not \"nan\"."},
+    {"RangeThatOverflows", "\"1e+300\"", "\"1e+400\"",
+     "line 5, column 5: the attribute \"Upper\" of the element \"Variable\" needs a finite "
+     "number with a decimal point, not \"1e+400\"."},
+    {"RangeWithAComma", "\"-0.5\"", "\"-0,5\"",
+     "line 5, column 5: the attribute \"Lower\" of the element \"Variable\" needs a finite "
+     "number with a decimal point, not \"-0,5\"."},
+    {"UnknownOutput", "Output Name=\"y\"", "Output Name=\"u\"",
+     "line 12, column 5: the output \"u\" must be a dependent variable, and there is no variable "
+     "of that name."},
+    {"OutputThatIsNoDependent", "Output Name=\"y\"", "Output Name=\"x\"",
+     "line 12, column 5: the output \"x\" must be a dependent variable, and that variable is "
+     "independent."},
+    {"OutputTwice", "Output Name=\"y\"", "Output Name=\"z\"",
+     "line 12, column 5: the output \"z\" comes twice."},
+    {"ExcludedCasesThatAreNone", "1,3-5,12", "1;3",
+     "line 14, column 3: the excluded cases \"1;3\" are no case numbers or ranges of them, from 1 "
+     "to 20000000; write them like 3,7-9."},
+    {"CaseZero", "1,3-5,12", "0",
+     "line 14, column 3: the excluded cases \"0\" are no case numbers or ranges of them, from 1 "
+     "to 20000000; write them like 3,7-9."},
+    {"MoreCasesThanFitIntoMemory", "1,3-5,12", "1-18446744073709551615",
+     "line 14, column 3: the excluded cases \"1-18446744073709551615\" are no case numbers or "
+     "ranges of them, from 1 to 20000000; write them like 3,7-9."},
+    {"ElementAmongExcludedCases", "1,3-5,12", "<Case/>",
+     "line 14, column 18: the element \"Case\" inside \"ExcludedCases\" is not known to this "
+     "version; remove it, or open the document with the program that wrote it."},
+    {"NegativeCount", "\"11\"", "\"-11\"",
+     "line 16, column 5: the attribute \"Count\" of the element \"Sweep\" needs a whole number "
+     "from 2 to 100000000, not \"-11\"."},
+    {"CountOfOne", "\"11\"", "\"1\"",
+     "line 16, column 5: the attribute \"Count\" of the element \"Sweep\" needs a whole number "
+     "from 2 to 100000000, not \"1\"."},
+    {"SweepOfAnOutput", "Name=\"x\" To", "Name=\"y\" To",
+     "line 16, column 5: the swept input \"y\" must be an independent variable, and that variable "
+     "is dependent."},
+    {"SweepWithoutEnd", " To=\"0.1\"", "",
+     "line 16, column 5: the element \"Sweep\" lacks the attribute \"To\"."},
+    {"SweepTwice", "</Sweeps>", "<Sweep Name=\"x\" Count=\"2\"/></Sweeps>",
+     "line 17, column 3: the swept input \"x\" comes twice."},
+    {"OtherParentOfUserDistributions", "<Sweeps>",
+     "<UserDistributions><Variable/>"
+     "</UserDistributions><Sweeps>",
+     "line 15, column 22: the element \"Variable\" inside \"UserDistributions\" is not known to "
+     "this version; remove it, or open the document with the program that wrote it."},
+    {"AttributeOfAnInput", "<Sweeps>",
+     "<SurrogateModel><Variable Name=\"x\" Weight=\"2\"/></SurrogateModel><Sweeps>",
+     "line 15, column 19: the attribute \"Weight\" of the element \"Variable\" is not known to "
+     "this version; remove it, or open the document with the program that wrote it."},
+    {"ElementInTheType", "<Sweeps>", "<SurrogateModel><Type><New/></Type></SurrogateModel><Sweeps>",
+     "line 15, column 25: the element \"New\" inside \"Type\" is not known to this version; remove "
+     "it, or open the document with the program that wrote it."},
+    {"TypeTwice", "<Sweeps>", "<SurrogateModel><Type/><Type/></SurrogateModel><Sweeps>",
+     "line 15, column 26: the element \"Type\" comes twice."},
+    {"TextInTheModel", "<Sweeps>", "<SurrogateModel>x</SurrogateModel><Sweeps>",
+     "line 15, column 3: the element \"SurrogateModel\" holds the text \"x\", where there is none "
+     "to be."},
+    {"AttributeOfADistribution", "<Sweeps>",
+     "<UserDistributions><SurrogateModelUserDefinedVariableDistribution><Any Unit=\"m\"/>"
+     "</SurrogateModelUserDefinedVariableDistribution></UserDistributions><Sweeps>",
+     "line 15, column 69: the attribute \"Unit\" of the element \"Any\" is not known to this "
+     "version; remove it, or open the document with the program that wrote it."},
+    {"TermSelection", "  <Sweeps>", "  <TermSelection Method=\"Forward\"/>\n  <Sweeps>",
+     "line 15, column 3: the attribute \"Method\" of the element \"TermSelection\" must be "
+     "\"BackwardAicc\", not \"Forward\"."},
+    {"TwoTermSelections", "  <Sweeps>",
+     "  <TermSelection Method=\"BackwardAicc\"/>\n  <TermSelection/>\n  <Sweeps>",
+     "line 16, column 3: the element \"TermSelection\" comes twice."},
+    {"Declaration", "<SurrogateProject", "<!DOCTYPE SurrogateProject>\n<SurrogateProject",
+     "line 2, column 1: a document type declaration is not accepted; remove it."},
+};
+
+std::string caseName(const ::testing::TestParamInfo<RefusedDocument>& info)
+{
+    return info.param.name;
+}
+} // namespace
+
+TEST_P(RefusedProjectDocument, IsRefusedWithLineAndColumn)
+{
+    EXPECT_EQ(refusalOf(with(GetParam().part, GetParam().replacement)), GetParam().sentence);
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, RefusedProjectDocument, ::testing::ValuesIn(refusedDocuments),
+                         caseName);
+
+TEST(ProjectDocument, AnotherKindOfFileIsRefused)
+{
+    EXPECT_EQ(refusalOf("<svg/>"),
+              "line 1, column 1: a project document begins with the element \"SurrogateProject\", "
+              "not with \"svg\"; this is another kind of file.");
+    EXPECT_EQ(refusalOf("x,y\n1,2\n"), "line 1, column 1: the document is damaged or no XML: "
+                                       "Start tag expected.");
+    EXPECT_EQ(refusalOf(""), "line 1, column 1: the document is damaged or no XML: Premature end "
+                             "of document.");
+}
+
+TEST(ProjectDocument, IsRefusedWithOneLineHoweverLongTheFaultyText)
+{
+    const std::string text(1000000, '\n');
+
+    for (const char* part : {"\"120\"", "\"semicolon\"", "\"2\"", "\"11\"", "\"dependent\""}) {
+        const std::string refusal = refusalOf(with(part, "\"x&#10;" + text + '"'));
+        EXPECT_NE(refusal.find("x\\x0A"), std::string::npos) << refusal.substr(0, 1000);
+        EXPECT_LT(refusal.size(), 1000u);
+    }
+}
+
+TEST(ProjectDocument, AnEndlessFileIsRefused)
+{
+    try {
+        ProjectDocument::load("/dev/zero");
+        FAIL() << "loaded";
+    } catch (const ProjectDocumentError& error) {
+        EXPECT_STREQ(error.what(), "/dev/zero: a project document has at most 67108864 bytes; this "
+                                   "is another kind of file.");
+    }
+}
+
+TEST(ProjectDocument, AFileThatIsNotThereIsAFileError)
+{
+    const TemporaryFolder folder;
+
+    EXPECT_THROW(ProjectDocument::load(folder.path("p.surrogate.xml")), FileError);
+    EXPECT_THROW(ProjectDocument::load(folder.path(".")), FileError);
+}
+
+TEST(ProjectDocument, SettingsThatXmlCannotCarryAreRefused)
+{
+    const ElementSerializer sound("SurrogateModelUserDefinedVariableDistribution", {});
+    ProjectDocument project = sampleProject("cases.csv");
+
+    project.takeSettings(ElementSerializer("SurrogateModel", {{"Type", "\x01", {}}}), sound);
+    EXPECT_EQ(saveRefusalOf(project), "XML cannot carry the text \"\\x01\": it holds a control "
+                                      "character, or bytes that are no UTF-8.");
+
+    ElementSerializer half("SurrogateModel", {});
+    half.addText(QString(QChar(0xD83D)));
+    EXPECT_THROW(project.takeSettings(half, sound), ProjectDocumentError);
+}
+
+TEST(ProjectDocument, RefusesToSaveWhatItWouldNotLoad)
+{
+    const ProjectDocument sound = sampleProject("cases.csv");
+    EXPECT_EQ(saveRefusalOf(sound), "saved");
+
+    ProjectDocument project = sound;
+    project.variables[1].name = std::string("a\0b", 3);
+    EXPECT_EQ(saveRefusalOf(project), "XML cannot carry the text \"a\\x00b\": it holds a control "
+                                      "character, or bytes that are no UTF-8.");
+    project = sound;
+    project.outputs.push_back("x");
+    EXPECT_EQ(saveRefusalOf(project),
+              "the output \"x\" must be a dependent variable, and that variable is independent.");
+    project = sound;
+    project.variables[1].range = ProjectDocument::Range(2, 1);
+    EXPECT_EQ(saveRefusalOf(project), "the range of the variable \"y\" is reversed: its lower end "
+                                      "2 is above its upper end 1.");
+    project = sound;
+    project.caseFile.separator = '|';
+    EXPECT_EQ(saveRefusalOf(project),
+              "the attribute \"Separator\" of the element \"CaseFile\" must "
+              "be \"comma\", \"semicolon\" or \"tab\", not \"\".");
+    project = sound;
+    project.excluded = {20000000};
+    EXPECT_EQ(saveRefusalOf(project).substr(0, 33), "the excluded cases \"20000001\" are");
+}
+
+TEST(ProjectDocument, RefusesCaseFilesThatCannotBeNamed)
+{
+    EXPECT_EQ(saveRefusalOf(sampleProject("-")),
+              "a project needs its cases in a file, not from the standard input.");
+    EXPECT_NE(saveRefusalOf(sampleProject("c\xFF.csv")).find("\\xFF.csv\": it holds a control"),
+              std::string::npos);
+}

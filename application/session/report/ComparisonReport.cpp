@@ -1,0 +1,143 @@
+#include "session/report/ComparisonReport.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/model/CaseSession.h"
+#include "session/model/ModelComparison.h"
+#include "session/model/PolynomialWords.h"
+#include "session/report/SessionJson.h"
+#include "session/report/SessionReport.h"
+#include "session/text/NumberText.h"
+#include "session/text/QuotedText.h"
+#include "session/text/TextTable.h"
+
+#include <cstddef>
+#include <vector>
+
+using SessionJson::Json;
+
+namespace {
+std::string shownSeconds(double seconds)
+{
+    constexpr int digits = 3;
+    return shownNumber(seconds, digits);
+}
+
+void addRow(TextTable& table, const std::string& model, const LeftOutFigures& figures)
+{
+    const std::string place =
+        figures.cases == 0 ? "-" : std::to_string(figures.largestErrorCase + 1);
+    table.add({model, shownNumber(figures.q2), shownNumber(figures.rmse),
+               shownNumber(figures.largestError), place, shownSeconds(figures.fitSeconds)});
+}
+
+std::string notesOf(const std::string& model, const LeftOutFigures& figures, std::size_t folds)
+{
+    std::string text;
+    if (!figures.failures.empty()) {
+        const LeftOutFigures::Failure& first = figures.failures.front();
+        text += "  Warning: " + model + " cannot be fitted in " +
+                std::to_string(figures.failures.size()) + " of " + std::to_string(folds) +
+                " folds, whose cases are left out of all figures; in fold " +
+                std::to_string(first.fold + 1) + ": " + oneLineText(first.sentence) + '\n';
+    }
+    for (const std::string& remark : figures.remarks) {
+        text += "  Warning: " + model + ": " + oneLineText(remark) + '\n';
+    }
+    return text;
+}
+
+std::string outputText(const OutputComparison& output, std::size_t folds)
+{
+    TextTable table({false, true, true, true, true, true});
+    table.add({"Model", "Q2", "RMSE", "Largest error", "At case", "Seconds a fit"});
+    addRow(table, "response surface", output.responseSurface);
+    addRow(table, "Kriging", output.kriging);
+    return '\n' + oneLineText(output.name) + '\n' + table.text("  ") + "  " +
+           output.recommendation + '\n' +
+           notesOf("The response surface", output.responseSurface, folds) +
+           notesOf("Kriging", output.kriging, folds);
+}
+
+Json modelJson(const char* name, const LeftOutFigures& figures)
+{
+    Json failures = Json::array();
+    for (const LeftOutFigures::Failure& failure : figures.failures) {
+        failures.push_back({{"fold", failure.fold + 1}, {"message", failure.sentence}});
+    }
+    Json json = {{"model", name},
+                 {"cases", figures.cases},
+                 {"q2", figures.q2},
+                 {"rmse", figures.rmse},
+                 {"largestError", figures.largestError},
+                 {"largestErrorCase", nullptr},
+                 {"fitSeconds", figures.fitSeconds},
+                 {"failures", failures},
+                 {"warnings", figures.remarks}};
+    if (figures.cases > 0) {
+        json["largestErrorCase"] = figures.largestErrorCase + 1;
+    }
+    return json;
+}
+
+const char* nameOf(OutputComparison::Verdict verdict)
+{
+    switch (verdict) {
+    case OutputComparison::ResponseSurface:
+        return "response-surface";
+    case OutputComparison::Kriging:
+        return "kriging";
+    case OutputComparison::Either:
+        return "either";
+    default:
+        return "neither";
+    }
+}
+} // namespace
+
+std::string ComparisonReport::text(const CaseSession& session, const ModelComparison& comparison)
+{
+    std::string names;
+    for (const std::string& name : namesOf(session.inputs())) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    std::string text = "Cases   " + SessionReport::caseText(session) + '\n';
+    text += "Inputs  " + oneLineText(names) + '\n';
+    text += "Folds   " + std::to_string(comparison.folds) +
+            ", each predicted by models of the cases of all others\n";
+    if (session.polynomial() != PolynomialTerms::Quadratic) {
+        text += std::string("Order   the response surface is linear") +
+                (session.polynomial() == PolynomialTerms::Linear ? "\n" : " with interactions\n");
+    }
+    if (session.terms() == CaseSession::SelectedTerms) {
+        text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
+    }
+    for (const OutputComparison& output : comparison.outputs) {
+        text += outputText(output, comparison.folds);
+    }
+    return text;
+}
+
+std::string ComparisonReport::json(const CaseSession& session, const ModelComparison& comparison,
+                                   double readSeconds)
+{
+    Json json = {{"schema", SessionJson::schemaVersion},
+                 {"cases", SessionJson::casesJson(session.counts())},
+                 {"inputs", namesOf(session.inputs())},
+                 {"folds", comparison.folds},
+                 {"outputs", Json::array()}};
+    for (const OutputComparison& output : comparison.outputs) {
+        json["outputs"].push_back(
+            {{"name", output.name},
+             {"models",
+              {modelJson("response-surface", output.responseSurface),
+               modelJson("kriging", output.kriging)}},
+             {"difference",
+              {{"meanSquaredError", output.difference}, {"standardError", output.differenceError}}},
+             {"recommended", nameOf(output.verdict)},
+             {"recommendation", output.recommendation}});
+    }
+    json["terms"] = termsWord(session.polynomial());
+    json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
+    json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
+    return SessionJson::dumped(json);
+}

@@ -1,0 +1,116 @@
+#include <session/report/ComparisonReport.h>
+
+#include "CvdCases.h"
+
+#include <session/model/CaseSession.h>
+#include <session/model/ModelComparison.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace {
+using Json = nlohmann::ordered_json;
+
+CaseSession cvdSession()
+{
+    return CaseSession(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+}
+
+/** As it could have come out, with a fit that failed. */
+ModelComparison sampleComparison()
+{
+    ModelComparison comparison;
+    comparison.folds = 5;
+    comparison.seconds = 0.5;
+    comparison.outputs.resize(1);
+    OutputComparison& output = comparison.outputs[0];
+    output.name = "Stress";
+    output.responseSurface.cases = 9;
+    output.responseSurface.q2 = 0.75;
+    output.responseSurface.rmse = 0.5;
+    output.responseSurface.largestError = 1.25;
+    output.responseSurface.largestErrorCase = 4;
+    output.responseSurface.fitSeconds = 0.0001;
+    output.responseSurface.remarks = {"It has fewer terms."};
+    output.kriging = output.responseSurface;
+    output.kriging.remarks.clear();
+    output.kriging.q2 = 0.5;
+    output.kriging.failures = {{2, "There is a fault."}, {3, "There is another."}};
+    output.difference = -0.125;
+    output.differenceError = 0.25;
+    output.verdict = OutputComparison::Either;
+    output.recommendation = "Take either.";
+    return comparison;
+}
+} // namespace
+
+TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
+{
+    EXPECT_EQ(
+        ComparisonReport::text(cvdSession(), sampleComparison()),
+        "Cases   11 read, 11 valid, 0 excluded, 0 invalid\n"
+        "Inputs  Pressure, H2/WF6\n"
+        "Folds   5, each predicted by models of the cases of all others\n"
+        "\n"
+        "Stress\n"
+        "  Model               Q2  RMSE  Largest error  At case  Seconds a fit\n"
+        "  response surface  0.75   0.5           1.25        5         0.0001\n"
+        "  Kriging            0.5   0.5           1.25        5         0.0001\n"
+        "  Take either.\n"
+        "  Warning: The response surface: It has fewer terms.\n"
+        "  Warning: Kriging cannot be fitted in 2 of 5 folds, whose cases are left out of all "
+        "figures; in fold 3: There is a fault.\n");
+}
+
+TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
+{
+    ModelComparison comparison = sampleComparison();
+    comparison.outputs[0].kriging = LeftOutFigures();
+
+    const std::string text = ComparisonReport::text(cvdSession(), comparison);
+    EXPECT_NE(
+        text.find("\n  Kriging              -     -              -        -              -\n"),
+        std::string::npos)
+        << text;
+    const Json json = Json::parse(ComparisonReport::json(cvdSession(), comparison, 0.0));
+    EXPECT_EQ(json["outputs"][0]["models"][1].dump(),
+              R"({"model":"kriging","cases":0,"q2":null,"rmse":null,"largestError":null,)"
+              R"("largestErrorCase":null,"fitSeconds":null,"failures":[],"warnings":[]})");
+}
+
+TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
+{
+    const Json json = Json::parse(ComparisonReport::json(cvdSession(), sampleComparison(), 0.25));
+
+    EXPECT_EQ(json.dump(),
+              R"({"schema":1,"cases":{"read":11,"valid":11,"excluded":0,"invalid":0},)"
+              R"("inputs":["Pressure","H2/WF6"],"folds":5,"outputs":[{"name":"Stress","models":[)"
+              R"({"model":"response-surface","cases":9,"q2":0.75,"rmse":0.5,"largestError":1.25,)"
+              R"("largestErrorCase":5,"fitSeconds":0.0001,"failures":[],)"
+              R"("warnings":["It has fewer terms."]},)"
+              R"({"model":"kriging","cases":9,"q2":0.5,"rmse":0.5,"largestError":1.25,)"
+              R"("largestErrorCase":5,"fitSeconds":0.0001,"failures":[)"
+              R"({"fold":3,"message":"There is a fault."},)"
+              R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
+              R"("difference":{"meanSquaredError":-0.125,"standardError":0.25},)"
+              R"("recommended":"either","recommendation":"Take either."}],)"
+              R"("terms":"quadratic","selectsTerms":false,)"
+              R"("seconds":{"read":0.25,"compare":0.5}})");
+}
+
+TEST(ComparisonReport, NamesEachVerdict)
+{
+    ModelComparison comparison = sampleComparison();
+    const auto recommended = [&](OutputComparison::Verdict verdict) {
+        comparison.outputs[0].verdict = verdict;
+        const std::string text = ComparisonReport::json(cvdSession(), comparison, 0.0);
+        return Json::parse(text)["outputs"][0]["recommended"];
+    };
+
+    EXPECT_EQ(recommended(OutputComparison::ResponseSurface), "response-surface");
+    EXPECT_EQ(recommended(OutputComparison::Kriging), "kriging");
+    EXPECT_EQ(recommended(OutputComparison::Either), "either");
+    EXPECT_EQ(recommended(OutputComparison::Neither), "neither");
+}

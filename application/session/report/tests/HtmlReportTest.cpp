@@ -1,0 +1,128 @@
+#include <session/report/HtmlReport.h>
+
+#include "CvdCases.h"
+
+#include <session/model/CaseSession.h>
+
+#include <QXmlStreamReader>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+CaseSession cvdSession(CaseSession::Model model)
+{
+    return CaseSession(cvdCases(), {{0, 1}, {2, 3}}, {}, model);
+}
+
+bool has(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/** What a reader of XML finds wrong; the page is written so that it is well-formed but for the
+ *  declaration of its character set, which HTML leaves open. */
+std::string faultOf(std::string html)
+{
+    const std::string meta = "<meta charset=\"utf-8\">";
+    html.replace(html.find(meta), meta.size(), "<meta charset=\"utf-8\"/>");
+    QXmlStreamReader reader(QByteArray::fromStdString(html));
+    while (!reader.atEnd()) {
+        reader.readNext();
+    }
+    return reader.errorString().toStdString();
+}
+} // namespace
+
+TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+
+    const std::string html = HtmlReport::text(session, {});
+
+    EXPECT_EQ(html.rfind("<!DOCTYPE html>\n<html lang=\"en\">\n", 0), 0u);
+    EXPECT_TRUE(has(html, "<h1>Response surface of Uniformity, Stress</h1>"));
+    EXPECT_TRUE(has(html, "<p>Cases: 11 read, 11 valid, 0 excluded, 0 invalid.</p>"));
+    EXPECT_TRUE(has(html, "<tr><td>H2/WF6</td><td>V2</td><td>2</td><td>10</td></tr>"));
+    EXPECT_TRUE(has(html, "<h2>Stress</h2>"));
+    EXPECT_TRUE(has(html, "<h3>Coefficients</h3>"));
+    EXPECT_TRUE(has(html, "<td>Pressure * H2/WF6</td>"));
+    EXPECT_TRUE(has(html, "<h3>Analysis of variance</h3>"));
+    EXPECT_TRUE(has(html, "<td>Lack of fit</td>"));
+    EXPECT_TRUE(has(html, "The stationary point is a "));
+    EXPECT_TRUE(has(html, "<h3>Equation</h3>\n<pre>"));
+    EXPECT_EQ(faultOf(html), "");
+}
+
+TEST(HtmlReport, SaysWhichTermsThereAre)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    session.choosePolynomial(PolynomialTerms::Linear);
+
+    EXPECT_TRUE(has(HtmlReport::text(session, {}), "<p>Model: response surface, linear.</p>"));
+}
+
+TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
+{
+    CaseSession session = cvdSession(CaseSession::Kriging);
+
+    const std::string html = HtmlReport::text(session, {});
+
+    EXPECT_TRUE(has(html, "<h1>Kriging of Uniformity, Stress</h1>"));
+    EXPECT_TRUE(has(html, "<td>correlation length of Pressure</td>"));
+    EXPECT_TRUE(has(html, "<p class=\"warning\">Warning: "));
+    EXPECT_FALSE(has(html, "Equation"));
+    EXPECT_EQ(faultOf(html), "");
+}
+
+TEST(HtmlReport, PicturesStandWithTheirOutputAsTheyAre)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+
+    const std::string html = HtmlReport::text(session, {{"<svg id=\"a\"/>"}, {"<svg id=\"b\"/>"}});
+
+    const std::size_t stress = html.find("<h2>Stress</h2>");
+    EXPECT_LT(html.find("<div><svg id=\"a\"/></div>"), stress);
+    EXPECT_GT(html.find("<div><svg id=\"b\"/></div>"), stress);
+}
+
+TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].name = "<script>alert('p')</script>";
+    table.columns[2].name = "a & b < \"c\"";
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const std::string html = HtmlReport::text(session, {});
+
+    EXPECT_FALSE(has(html, "<script"));
+    EXPECT_TRUE(has(html, "&lt;script&gt;alert(&#39;p&#39;)&lt;/script&gt;"));
+    EXPECT_TRUE(has(html, "<h2>a &amp; b &lt; &quot;c&quot;</h2>"));
+    EXPECT_EQ(faultOf(html), "");
+}
+
+TEST(HtmlReport, StandsAlone)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    const std::string html = HtmlReport::text(session, {});
+
+    for (const char* part : {"<script", "http", "src=", "href=", "url(", "@import"}) {
+        EXPECT_FALSE(has(html, part)) << part;
+    }
+}
+
+TEST(HtmlReport, OfTheSameSessionIsTheSame)
+{
+    CaseSession session = cvdSession(CaseSession::Kriging);
+    const std::string first = HtmlReport::text(session, {});
+
+    EXPECT_EQ(HtmlReport::text(session, {}), first);
+}
+
+TEST(HtmlReport, CharactersThatNoDocumentCarriesAreShown)
+{
+    EXPECT_EQ(HtmlReport::escaped("a\nb\x01"), "a\\x0Ab\\x01");
+    EXPECT_EQ(HtmlReport::escaped("\xFF"), "\\xFF");
+    EXPECT_EQ(HtmlReport::escaped("\xC3\xA4"), "\xC3\xA4");
+}

@@ -1,0 +1,270 @@
+#include <session/report/SessionReport.h>
+
+#include "CvdCases.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+using Json = nlohmann::json;
+
+CaseTable smallTable()
+{
+    const double missing = std::nan("");
+    CaseTable table;
+    table.path = "small.csv";
+    table.cases = 5;
+    table.columns.resize(4);
+    table.columns[0].name = "\xC3\xA4";
+    table.columns[0].numbers = {0.5, 1, 2, 3, missing};
+    table.columns[1].name = "site";
+    table.columns[1].isNumeric = false;
+    table.columns[1].texts = {"n", "", "s", "", "n"};
+    table.columns[2].name = "y";
+    table.columns[2].numbers = {1, 2, 3, std::numeric_limits<double>::infinity(), 5};
+    table.columns[3].name = "empty";
+    table.columns[3].numbers = std::vector<double>(5, missing);
+    return table;
+}
+
+std::vector<std::string> keysOf(const Json& object)
+{
+    std::vector<std::string> keys;
+    for (const auto& item : object.items()) {
+        keys.push_back(item.key());
+    }
+    return keys;
+}
+
+using Keys = std::vector<std::string>;
+} // namespace
+
+TEST(SessionReport, SummaryListsVariablesAndCases)
+{
+    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(SessionReport::summaryText(session),
+              "Variable  Kind     Role    Minimum  Maximum  Missing\n"
+              "\xC3\xA4         numeric  input       0.5        3        1\n"
+              "site      text     -             -        -        2\n"
+              "y         numeric  output        1        5        0\n"
+              "empty     numeric  -             -        -        5\n"
+              "\n"
+              "Cases: 5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)\n"
+              "y alone would have 2 valid cases.\n");
+}
+
+TEST(SessionReport, SummaryAsJsonHasTheSame)
+{
+    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
+
+    const Json json = Json::parse(SessionReport::summaryJson(session));
+
+    EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["cases"], Json::parse(R"({"read": 5, "valid": 2, "excluded": 1, "invalid": 2,
+        "invalidBy": [{"name": "\u00e4", "cases": 1}, {"name": "y", "cases": 1}]})"));
+    EXPECT_EQ(json["variables"][0], Json::parse(R"({"name": "\u00e4", "kind": "numeric",
+        "role": "input", "minimum": 0.5, "maximum": 3.0, "missing": 1})"));
+    EXPECT_EQ(json["variables"][1], Json::parse(R"({"name": "site", "kind": "text",
+        "role": "none", "minimum": null, "maximum": null, "missing": 2})"));
+    EXPECT_EQ(json["outputs"], Json::parse(R"([{"name": "y", "validAlone": 2}])"));
+}
+
+TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2, 3}}, {}, CaseSession::ResponseSurface);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.25));
+
+    EXPECT_EQ(keysOf(json), (Keys{"cases", "inputs", "model", "outputs", "schema", "seconds",
+                                  "selectsTerms", "terms"}));
+    EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["terms"], "quadratic");
+    EXPECT_EQ(json["cases"],
+              Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
+    EXPECT_EQ(json["model"], "response-surface");
+    EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
+    EXPECT_EQ(keysOf(json["outputs"][0]),
+              (Keys{"anova", "codedCoefficients", "coefficients", "droppedTerms", "leverage",
+                    "metrics", "name", "stationaryPoint", "warnings"}));
+    EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
+              (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
+                    "rmse", "terms"}));
+    EXPECT_EQ(json["outputs"][0]["metrics"]["terms"], 6);
+    EXPECT_EQ(json["outputs"][0]["metrics"]["residualDegreesOfFreedom"], 5);
+    EXPECT_EQ(json["outputs"][1]["name"], "Stress");
+    EXPECT_EQ(keysOf(json["seconds"]), (Keys{"evaluate", "fit", "read"}));
+    EXPECT_EQ(json["seconds"]["read"], 0.25);
+    EXPECT_EQ(json["seconds"]["evaluate"], 0.0);
+}
+
+TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+
+    EXPECT_EQ(json["model"], "kriging");
+    const Json& output = json["outputs"][0];
+    EXPECT_EQ(keysOf(output),
+              (Keys{"condition", "correlationLengths", "lengthBounds", "logLikelihood", "metrics",
+                    "name", "noiseDeviation", "nugget", "nuggetBound", "processVariance",
+                    "secondLogLikelihood", "trend", "warnings", "worstCases"}));
+    EXPECT_EQ(output["lengthBounds"].size(), 2u);
+    EXPECT_EQ(output["nuggetBound"], "none");
+    EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
+    EXPECT_EQ(output["correlationLengths"].size(), 2u);
+}
+
+TEST(SessionReport, ANuggetAtItsBoundIsTold)
+{
+    // Cases that jump up and down tell nothing about each other.
+    CaseTable table;
+    table.path = "jumps.csv";
+    table.cases = 30;
+    table.columns.resize(2);
+    table.columns[0].name = "x";
+    table.columns[1].name = "y";
+    for (int i = 0; i < 30; ++i) {
+        table.columns[0].numbers.push_back(i);
+        table.columns[1].numbers.push_back(i % 2 == 0 ? 1.0 : -1.0);
+    }
+    CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+
+    EXPECT_EQ(json["outputs"][0]["nuggetBound"], "upper");
+    EXPECT_NE(SessionReport::fitText(session).find("  100 of the process variance (at its upper "
+                                                   "bound)\n"),
+              std::string::npos)
+        << SessionReport::fitText(session);
+}
+
+TEST(SessionReport, FiguresThatDoNotExistAreNull)
+{
+    CaseTable table = smallTable();
+    table.columns[0].numbers = {1, 1, 1, 1, 1};
+    CaseSession session(std::move(table), {{0}, {2}}, {1, 2, 3, 4}, CaseSession::ResponseSurface);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+
+    EXPECT_TRUE(json["outputs"][0]["metrics"]["adjustedR2"].is_null());
+}
+
+TEST(SessionReport, FitTextTellsMetricsAndModel)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const std::string text = SessionReport::fitText(session);
+
+    EXPECT_EQ(text.rfind("Cases   11 read, 11 valid, 0 excluded, 0 invalid\n"
+                         "Model   response surface\n"
+                         "Inputs  Pressure (V1), H2/WF6 (V2)\n\nUniformity\n  R2 ",
+                         0),
+              0u)
+        << text;
+    EXPECT_NE(text.find("\n  residual degrees of freedom  5\n"
+                        "  coefficients                 6\n"
+                        "  mean leverage                0.545455\n"
+                        "  largest leverages            0.625 of case 3, 0.625 of case 4, "),
+              std::string::npos)
+        << text;
+}
+
+TEST(SessionReport, KrigingFitTextNamesTheInputOfEachLength)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+
+    const std::string text = SessionReport::fitText(session);
+
+    EXPECT_NE(text.find("  correlation length of Pressure  "), std::string::npos) << text;
+    EXPECT_NE(text.find("  correlation length of H2/WF6    "), std::string::npos) << text;
+    EXPECT_NE(text.find(" of the process variance\n"), std::string::npos) << text;
+}
+
+TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
+{
+    CaseTable table = cvdCases();
+    const std::vector<double> stress = table.columns[3].numbers;
+    // These two take no part, so that the model's rows are not the numbers of the file.
+    table.columns[3].numbers[0] = std::nan("");
+    CaseSession session(std::move(table), {{0, 1}, {3}}, {4}, CaseSession::Kriging);
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json& worst = json["outputs"][0]["worstCases"];
+
+    ASSERT_FALSE(worst.empty());
+    for (const Json& one : worst) {
+        const std::size_t position = one["case"].get<std::size_t>() - 1;
+        const bool isRepeated = position == 1 || position == 5 || position == 10;
+        EXPECT_TRUE(isRepeated || one["output"] == stress[position]) << one;
+    }
+    EXPECT_NE(SessionReport::fitText(session).find("  left out, case "), std::string::npos);
+}
+
+TEST(SessionReport, TheWorstCasesShowTheirErrorsBesideALargeOffset)
+{
+    CaseTable table = cvdCases();
+    for (double& value : table.columns[2].numbers) {
+        value += 1e9;
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+
+    const std::string text = SessionReport::fitText(session);
+
+    const std::size_t line = text.find("  left out, case ");
+    ASSERT_NE(line, std::string::npos) << text;
+    EXPECT_EQ(text.find("e+09", line), std::string::npos) << text;
+}
+
+TEST(SessionReport, ThereAreNoNotesWhereNothingWasChanged)
+{
+    CaseSession clean(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    EXPECT_EQ(SessionReport::notes(clean), "");
+}
+
+TEST(SessionReport, NotesNameTheVariablesThatLackValues)
+{
+    CaseSession session(smallTable(), {{0}, {2}}, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(SessionReport::notes(session).rfind(
+                  "Cases: 5 read, 3 valid, 0 excluded, 2 invalid (\xC3\xA4 1, y 1).\n", 0),
+              0u);
+}
+
+TEST(SessionReport, PointsOutsideTheCasesAreTold)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
+        session.stayAt(0, "99");
+        session.evaluate();
+        const std::string sentence = "1 of 1 point lies outside the cases: \"Pressure\" is up to "
+                                     "0.25 of its range beyond them. Do not rely on predictions "
+                                     "there.";
+
+        EXPECT_NE(SessionReport::notes(session).find("Warning: " + sentence + '\n'),
+                  std::string::npos)
+            << SessionReport::notes(session);
+        EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["extrapolation"], sentence);
+
+        session.stayAt(0, "42");
+        session.evaluate();
+        EXPECT_EQ(session.extrapolation(), "");
+
+        const std::vector<double> pressure = {42.0, 99.0};
+        const std::vector<double> ratio = {6.0, 6.0};
+        session.predict({pressure.data(), ratio.data()}, 2);
+        EXPECT_EQ(session.extrapolation().rfind("1 of 2 points lies outside", 0), 0u);
+    }
+}
+
+TEST(SessionReport, AnObjectCanTakeOneMoreMember)
+{
+    EXPECT_EQ(SessionReport::openedForMember("{\n  \"a\": 1\n}\n", "table") + "2}",
+              "{\n  \"a\": 1,\n  \"table\": 2}");
+}

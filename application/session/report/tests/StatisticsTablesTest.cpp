@@ -1,0 +1,175 @@
+// The statistics of a fit as a session tells them.
+
+#include "CvdCases.h"
+
+#include <session/model/CaseSession.h>
+#include <session/report/SessionReport.h>
+
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+using Json = nlohmann::ordered_json;
+
+CaseSession cvdSession(CaseSession::Model model, const std::vector<std::size_t>& excluded = {})
+{
+    return CaseSession(cvdCases(), {{0, 1}, {2}}, excluded, model);
+}
+
+std::vector<std::string> keysOf(const Json& object)
+{
+    std::vector<std::string> keys;
+    for (const auto& item : object.items()) {
+        keys.push_back(item.key());
+    }
+    return keys;
+}
+
+Json outputOf(CaseSession session)
+{
+    return Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0];
+}
+} // namespace
+
+TEST(StatisticsTables, JsonListsTheCoefficientsInTheOrderOfTheEquation)
+{
+    const Json output = outputOf(cvdSession(CaseSession::ResponseSurface));
+
+    const Json& coefficients = output["coefficients"];
+    ASSERT_EQ(coefficients.size(), 6u);
+    std::vector<std::string> terms;
+    std::vector<std::string> names;
+    for (const Json& one : coefficients) {
+        EXPECT_EQ(keysOf(one),
+                  (std::vector<std::string>{"term", "name", "estimate", "standardError", "t", "p",
+                                            "lower", "upper"}));
+        EXPECT_LT(one["lower"], one["estimate"]);
+        EXPECT_GT(one["upper"], one["estimate"]);
+        terms.push_back(one["term"]);
+        names.push_back(one["name"]);
+    }
+    EXPECT_EQ(terms, (std::vector<std::string>{"1", "V1", "V2", "V1^2", "V1 V2", "V2^2"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"intercept", "Pressure", "H2/WF6", "Pressure^2",
+                                               "Pressure * H2/WF6", "H2/WF6^2"}));
+    EXPECT_EQ(output["codedCoefficients"].size(), 6u);
+    EXPECT_TRUE(output["codedCoefficients"][1].contains("varianceInflation"));
+}
+
+TEST(StatisticsTables, JsonHasDroppedTermsInAListOfTheirOwn)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    const Json output =
+        outputOf(CaseSession(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface));
+
+    for (const char* list : {"coefficients", "codedCoefficients"}) {
+        std::vector<std::string> terms;
+        for (const Json& one : output[list]) {
+            terms.push_back(one["term"]);
+        }
+        EXPECT_EQ(terms, (std::vector<std::string>{"1", "V1", "V1^2"})) << list;
+    }
+    EXPECT_EQ(output["droppedTerms"], Json::parse(R"([
+        {"term": "V2", "name": "H2/WF6"},
+        {"term": "V1 V2", "name": "Pressure * H2/WF6"},
+        {"term": "V2^2", "name": "H2/WF6^2"}])"));
+    EXPECT_EQ(output["metrics"]["terms"], 3);
+}
+
+TEST(StatisticsTables, LeveragesAreThoseOfTheCasesOfTheFile)
+{
+    const Json all = outputOf(cvdSession(CaseSession::ResponseSurface))["leverage"];
+    const Json others = outputOf(cvdSession(CaseSession::ResponseSurface, {0, 1, 2}))["leverage"];
+
+    EXPECT_DOUBLE_EQ(all["mean"].get<double>(), 6.0 / 11.0);
+    ASSERT_EQ(all["largest"].size(), 5u);
+    EXPECT_EQ(all["largest"][0]["case"], 3);
+    for (const Json& one : others["largest"]) {
+        EXPECT_GT(one["case"], 3);
+    }
+}
+
+TEST(StatisticsTables, AnInputThatIsLeftOutMayBeAnywhereAtTheStationaryPoint)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const Json point =
+        Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["stationaryPoint"];
+    EXPECT_TRUE(point["coordinates"][0].is_number());
+    EXPECT_TRUE(point["coordinates"][1].is_null());
+    EXPECT_NE(SessionReport::fitText(session).find(", any H2/WF6, "), std::string::npos)
+        << SessionReport::fitText(session);
+}
+
+TEST(StatisticsTables, JsonHasTheAnalysisOfVariance)
+{
+    const Json anova = outputOf(cvdSession(CaseSession::ResponseSurface))["anova"];
+
+    std::vector<std::string> sources;
+    for (const Json& row : anova) {
+        EXPECT_EQ(keysOf(row), (std::vector<std::string>{"source", "degreesOfFreedom",
+                                                         "sumOfSquares", "meanSquare", "f", "p"}));
+        sources.push_back(row["source"]);
+    }
+    EXPECT_EQ(sources,
+              (std::vector<std::string>{"Model", "Linear", "Interaction", "Square", "Residual",
+                                        "Lack of fit", "Pure error", "Total"}));
+    // The three centre runs: 2 degrees of freedom of pure error, their scatter computed by hand:
+    // mean 5.8667, sum of squares 1.1467 (6.2, 6.4 and 5.0).
+    EXPECT_EQ(anova[6]["degreesOfFreedom"], 2);
+    EXPECT_NEAR(anova[6]["sumOfSquares"].get<double>(), 1.146666667, 1e-9);
+}
+
+TEST(StatisticsTables, JsonHasTheStationaryPointOrNull)
+{
+    const Json point = outputOf(cvdSession(CaseSession::ResponseSurface))["stationaryPoint"];
+
+    EXPECT_EQ(keysOf(point), (std::vector<std::string>{"nature", "coordinates", "value",
+                                                       "isInsideData", "curvatures"}));
+    EXPECT_EQ(point["coordinates"].size(), 2u);
+
+    // Five cases are too few for a quadratic polynomial.
+    const Json linear = outputOf(cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 8, 9, 10}));
+    EXPECT_TRUE(linear.contains("stationaryPoint"));
+    EXPECT_TRUE(linear["stationaryPoint"].is_null());
+}
+
+TEST(StatisticsTables, AreThoseOfAResponseSurfaceOnly)
+{
+    const Json output = outputOf(cvdSession(CaseSession::Kriging));
+
+    EXPECT_FALSE(output.contains("coefficients"));
+    EXPECT_FALSE(output.contains("anova"));
+    EXPECT_FALSE(output.contains("stationaryPoint"));
+}
+
+TEST(StatisticsTables, TextAlignsThem)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    const std::string text = SessionReport::fitText(session);
+
+    for (const char* part :
+         {"\n  Coefficients\n    Term                  Estimate   Std. error ",
+          "\n    Pressure * H2/WF6 ", "\n  Coefficients, inputs coded to [-1, 1]\n", "  VIF\n",
+          "\n  Analysis of variance\n    Source       DF  Sum of squares  Mean square        F ",
+          "\n    Lack of fit   3 ", "\n  The stationary point is a "}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    }
+}
+
+TEST(StatisticsTables, TextSaysThatThereIsNoStationaryPoint)
+{
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 8, 9, 10});
+
+    EXPECT_NE(SessionReport::fitText(session).find(
+                  "\n  There is no stationary point: the polynomial is not curved.\n"),
+              std::string::npos);
+}

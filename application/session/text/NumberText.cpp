@@ -1,0 +1,40 @@
+#include "session/text/NumberText.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace {
+/** Whole numbers below it are written in full: "1e+06" is shorter, but harder to read. */
+constexpr double firstWithExponent = 1e15;
+} // namespace
+
+void appendNumber(std::string& text, double number)
+{
+    // The longest shortest text has 24 characters (-2.2250738585072014e-308).
+    std::array<char, 32> buffer;
+    const bool whole = std::abs(number) < firstWithExponent && number == std::trunc(number);
+    const auto written = whole
+                             ? std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                             std::chars_format::fixed)
+                             : std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
+    text.append(buffer.data(), written.ptr);
+}
+
+std::string numberText(double number)
+{
+    std::string text;
+    appendNumber(text, number);
+    return text;
+}
+
+std::string shownNumber(double number, int digits)
+{
+    if (std::isnan(number)) {
+        return "-";
+    }
+    std::array<char, 32> buffer;
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                       std::chars_format::general, digits);
+    return std::string(buffer.data(), written.ptr);
+}

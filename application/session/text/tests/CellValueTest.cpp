@@ -1,0 +1,130 @@
+#include <session/text/CellValue.h>
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+double numberOf(const std::string& text, bool decimalComma = false)
+{
+    const CellValue value = CellValue::read(text, decimalComma);
+    EXPECT_EQ(value.kind, CellValue::Number) << '"' << text << '"';
+    return value.number;
+}
+
+CellValue::Kind kindOf(const std::string& text, bool decimalComma = false)
+{
+    return CellValue::read(text, decimalComma).kind;
+}
+} // namespace
+
+TEST(CellValue, MissingCellsAreTheUsualWordsInAnyCase)
+{
+    for (const char* text : {"", "  ", "NA", "na", "N/A", "n/a", "NaN", "nan", "NAN", "null",
+                             "NULL", "?", "-", " - ", "-nan", "nan(ind)"}) {
+        EXPECT_EQ(kindOf(text), CellValue::Missing) << '"' << text << '"';
+    }
+}
+
+TEST(CellValue, WordsThatOnlyLookLikeMissingOnesAreText)
+{
+    for (const char* text : {"n.a.", "none", "--", "??", "nana", "N / A", "nil"}) {
+        EXPECT_EQ(kindOf(text), CellValue::Text) << '"' << text << '"';
+    }
+}
+
+TEST(CellValue, NumbersAreReadInFullPrecision)
+{
+    EXPECT_EQ(numberOf("5"), 5.0);
+    EXPECT_EQ(numberOf("-0.1"), -0.1);
+    EXPECT_EQ(numberOf("1e3"), 1000.0);
+    EXPECT_EQ(numberOf("2.E-3"), 0.002);
+    EXPECT_EQ(numberOf(".5"), 0.5);
+    EXPECT_EQ(numberOf("5."), 5.0);
+    EXPECT_EQ(numberOf("0.1000000000000000055511151231257827"), 0.1);
+    EXPECT_EQ(numberOf("007"), 7.0);
+}
+
+TEST(CellValue, ALeadingPlusSignIsAccepted)
+{
+    EXPECT_EQ(numberOf("+5"), 5.0);
+    EXPECT_EQ(numberOf("+.5"), 0.5);
+    EXPECT_EQ(kindOf("+-5"), CellValue::Text);
+    EXPECT_EQ(kindOf("++5"), CellValue::Text);
+    EXPECT_EQ(kindOf("+"), CellValue::Text);
+}
+
+TEST(CellValue, BlanksAtTheEndsDoNotMatter)
+{
+    EXPECT_EQ(numberOf("  5\t"), 5.0);
+}
+
+TEST(CellValue, WhatIsNoNumberAsAWholeIsText)
+{
+    const char* const typographicMinus = u8"\u22125";
+    for (const char* text : {"abc", "5 mm", "5x", "0x10", "1e", "1e1.5", "1,5", "1_000", "1 000",
+                             "2026-11-21", "5-", typographicMinus, "e5", "."}) {
+        EXPECT_EQ(kindOf(text), CellValue::Text) << '"' << text << '"';
+    }
+}
+
+TEST(CellValue, NumbersTooLargeForADoubleAreInfinite)
+{
+    EXPECT_EQ(numberOf("1e999"), infinity);
+    EXPECT_EQ(numberOf("-1e999"), -infinity);
+    EXPECT_EQ(numberOf("+1e99999999999999999999"), infinity);
+    EXPECT_EQ(numberOf("0.001e400"), infinity);
+    EXPECT_EQ(numberOf('1' + std::string(400, '0')), infinity);
+}
+
+TEST(CellValue, NumbersTooSmallForADoubleAreZero)
+{
+    EXPECT_EQ(numberOf("1e-999"), 0.0);
+    EXPECT_EQ(numberOf("-123e-999"), 0.0);
+    EXPECT_EQ(numberOf("1e-99999999999999999999"), 0.0);
+    EXPECT_EQ(numberOf("0." + std::string(400, '0') + "1"), 0.0);
+    EXPECT_EQ(numberOf("5e-324"), std::numeric_limits<double>::denorm_min());
+}
+
+TEST(CellValue, InfinityByNameIsANumber)
+{
+    EXPECT_EQ(numberOf("inf"), infinity);
+    EXPECT_EQ(numberOf("-Infinity"), -infinity);
+}
+
+TEST(CellValue, DecimalCommaIsReadOnlyWhereItIsAllowed)
+{
+    EXPECT_EQ(numberOf("1,5", true), 1.5);
+    EXPECT_EQ(numberOf("-0,25e1", true), -2.5);
+    EXPECT_EQ(numberOf("+,5", true), 0.5);
+    EXPECT_EQ(kindOf("1,5", false), CellValue::Text);
+}
+
+TEST(CellValue, SeparatorsOfThousandsMakeAText)
+{
+    for (const char* text : {"1.234,5", "1,234.5", "1,234,567", ",", "1,,5", "a,5"}) {
+        EXPECT_EQ(kindOf(text, true), CellValue::Text) << '"' << text << '"';
+    }
+}
+
+TEST(CellValue, TheDecimalMarkIsToldWhereBothArePossible)
+{
+    EXPECT_EQ(CellValue::read("1,5", true).mark, CellValue::Comma);
+    EXPECT_EQ(CellValue::read("1.5", true).mark, CellValue::Point);
+    EXPECT_EQ(CellValue::read("15", true).mark, CellValue::NoMark);
+}
+
+TEST(CellValue, TheLocaleOfTheProcessDoesNotMatter)
+{
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    std::setlocale(LC_ALL, "de_DE.UTF-8");
+
+    EXPECT_EQ(numberOf("1.5"), 1.5);
+
+    std::setlocale(LC_ALL, before.c_str());
+}

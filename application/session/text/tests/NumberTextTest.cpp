@@ -1,0 +1,53 @@
+#include <session/text/NumberText.h>
+
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+
+TEST(NumberText, IsTheShortestThatReadsBackAsTheSameDouble)
+{
+    EXPECT_EQ(numberText(0.1), "0.1");
+    EXPECT_EQ(numberText(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(numberText(1.0 / 3.0), "0.3333333333333333");
+    EXPECT_EQ(numberText(-2.5e-8), "-2.5e-08");
+}
+
+TEST(NumberText, WholeNumbersHaveNoExponent)
+{
+    EXPECT_EQ(numberText(1000000.0), "1000000");
+    EXPECT_EQ(numberText(-100000.0), "-100000");
+    EXPECT_EQ(numberText(999999999999999.0), "999999999999999");
+    EXPECT_EQ(numberText(1e15), "1e+15");
+}
+
+TEST(NumberText, KeepsTheSignOfZeroAndNamesWhatIsNotFinite)
+{
+    EXPECT_EQ(numberText(0.0), "0");
+    EXPECT_EQ(numberText(-0.0), "-0");
+    EXPECT_EQ(numberText(std::numeric_limits<double>::infinity()), "inf");
+    EXPECT_EQ(numberText(std::nan("")), "nan");
+}
+
+TEST(NumberText, RandomBitPatternsReadBackTheSame)
+{
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        const std::uint64_t bits = random();
+        double number = 0.0;
+        std::memcpy(&number, &bits, sizeof number);
+        if (!std::isfinite(number)) {
+            continue;
+        }
+        const std::string text = numberText(number);
+        double back = 0.0;
+        std::from_chars(text.data(), text.data() + text.size(), back);
+        std::uint64_t backBits = 0;
+        std::memcpy(&backBits, &back, sizeof back);
+        ASSERT_EQ(backBits, bits) << text;
+    }
+}

@@ -1,0 +1,34 @@
+#include <session/text/WholeNumber.h>
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+std::string refusalOf(const std::string& text)
+{
+    try {
+        readWholeNumber("--count", text, 2, 100);
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(WholeNumber, LiesWithinItsBounds)
+{
+    EXPECT_EQ(readWholeNumber("--count", "2", 2, 100), 2u);
+    EXPECT_EQ(readWholeNumber("--count", "100", 2, 100), 100u);
+}
+
+TEST(WholeNumber, EverythingElseIsRefused)
+{
+    for (const char* text :
+         {"", "1", "101", "-5", "5.0", "5 ", "five", "99999999999999999999999"}) {
+        EXPECT_EQ(refusalOf(text),
+                  "--count needs a whole number from 2 to 100, not \"" + std::string(text) + "\".");
+    }
+}

@@ -1,0 +1,91 @@
+#include "session/xml/XmlDom.h"
+
+#include "session/text/QuotedText.h"
+#include "session/xml/XmlString.h"
+#include "session/xml/XmlText.h"
+
+#include <QDomDocument>
+#include <QDomElement>
+
+namespace {
+QDomElement makeElement(QDomDocument& document, const XmlNode& node);
+
+QDomNode makeNode(QDomDocument& document, const XmlNode& node)
+{
+    switch (node.kind) {
+    case XmlNode::Text:
+        return document.createTextNode(toQString(node.text));
+    case XmlNode::Comment:
+        return document.createComment(toQString(node.text));
+    case XmlNode::Instruction:
+        return document.createProcessingInstruction(toQString(node.name), toQString(node.text));
+    default:
+        return makeElement(document, node);
+    }
+}
+
+QDomElement makeElement(QDomDocument& document, const XmlNode& node)
+{
+    QDomElement element = document.createElement(toQString(node.name));
+    for (const XmlNode::Attribute& attribute : node.attributes) {
+        element.setAttribute(toQString(attribute.first), toQString(attribute.second));
+    }
+    for (const XmlNode& child : node.children) {
+        element.appendChild(makeNode(document, child));
+    }
+    return element;
+}
+
+void appendText(XmlNode& parent, const std::string& text)
+{
+    if (text.empty()) {
+        return;
+    }
+    if (!parent.children.empty() && parent.children.back().kind == XmlNode::Text) {
+        parent.children.back().text += text;
+    } else {
+        parent.children.push_back(XmlNode::textNode(text));
+    }
+}
+
+XmlNode nodeOf(const QDomElement& element, std::size_t depth)
+{
+    XmlNode node = XmlNode::element(toUtf8Text(element.tagName()));
+    if (depth > deepestXmlNesting) {
+        throw XmlFault(XmlPosition(),
+                       "the element " + quotedText(node.name) + " is nested too deep.");
+    }
+    const QDomNamedNodeMap attributes = element.attributes();
+    for (int i = 0; i < attributes.size(); ++i) {
+        const QDomAttr attribute = attributes.item(i).toAttr();
+        node.setAttribute(toUtf8Text(attribute.name()), toUtf8Text(attribute.value()));
+    }
+    for (QDomNode child = element.firstChild(); !child.isNull(); child = child.nextSibling()) {
+        if (child.isElement()) {
+            node.children.push_back(nodeOf(child.toElement(), depth + 1));
+        } else if (child.isText() || child.isCDATASection()) {
+            appendText(node, toUtf8Text(child.nodeValue()));
+        } else if (child.isComment()) {
+            XmlNode comment = XmlNode::textNode(toUtf8Text(child.nodeValue()));
+            comment.kind = XmlNode::Comment;
+            node.children.push_back(std::move(comment));
+        } else {
+            throw XmlFault(XmlPosition(), "the element " + quotedText(node.name) +
+                                              " holds something that is neither element nor text.");
+        }
+    }
+    return node;
+}
+} // namespace
+
+QDomElement makeDomRoot(QDomDocument& document, const XmlNode& element)
+{
+    QDomElement root = makeElement(document, element);
+    document.appendChild(root);
+    return root;
+}
+
+XmlNode nodeOf(const QDomElement& element)
+{
+    return nodeOf(element, 1);
+}

@@ -1,0 +1,462 @@
+#include "session/xml/XmlText.h"
+
+#include "session/text/QuotedText.h"
+#include "session/text/Utf8.h"
+#include "session/xml/XmlString.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace {
+constexpr std::string_view malformed = "the document is damaged or no XML: ";
+
+bool isBlank(const std::string& text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string::npos;
+}
+
+bool startsWith(std::string_view text, std::string_view beginning)
+{
+    return text.substr(0, beginning.size()) == beginning;
+}
+
+/** How many bytes at the start are UTF-8 of characters that XML can carry. */
+std::size_t xmlPrefixLength(std::string_view bytes)
+{
+    const std::size_t length = utf8PrefixLength(bytes);
+    for (std::size_t i = 0; i < length; ++i) {
+        const char byte = bytes[i];
+        const bool isControl =
+            static_cast<unsigned char>(byte) < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
+        // U+FFFE and U+FFFF.
+        const bool isNoCharacter = byte == '\xEF' && bytes[i + 1] == '\xBF' &&
+                                   static_cast<unsigned char>(bytes[i + 2]) >= 0xBE;
+        if (isControl || isNoCharacter) {
+            return i;
+        }
+    }
+    return length;
+}
+
+/** Of the character that begins at a byte. */
+XmlPosition positionOfByte(std::string_view bytes, std::size_t byte)
+{
+    XmlPosition position = {1, 1};
+    for (const char character : bytes.substr(0, byte)) {
+        const bool isContinuation = (static_cast<unsigned char>(character) & 0xC0) == 0x80;
+        position.column += isContinuation ? 0 : 1;
+        if (character == '\n') {
+            ++position.line;
+            position.column = 1;
+        }
+    }
+    return position;
+}
+
+/**
+ * Looks at the bytes before the parser does, and only for what must not reach it: bytes that are
+ * no text, declarations that can define entities, elements with very many attributes. Whether the
+ * rest is well-formed is left to the parser.
+ */
+class ByteScan
+{
+public:
+    explicit ByteScan(std::string_view bytes) : bytes(bytes) {}
+
+    void run()
+    {
+        const std::size_t sound = xmlPrefixLength(bytes);
+        if (sound < bytes.size()) {
+            fail(sound, "a project document is UTF-8 text, and the byte " +
+                            quotedText(bytes.substr(sound, 1)) + " here cannot be part of it.");
+        }
+        while ((at = bytes.find('<', at)) != std::string_view::npos) {
+            const std::string_view rest = bytes.substr(at);
+            if (startsWith(rest, "<!--")) {
+                skipPast("-->", 4);
+            } else if (startsWith(rest, "<![CDATA[")) {
+                skipPast("]]>", 9);
+            } else if (startsWith(rest, "<?")) {
+                skipPast("?>", 2);
+            } else if (startsWith(rest, "<!")) {
+                fail(at, "a document type declaration is not accepted; remove it.");
+            } else {
+                skipTag();
+            }
+        }
+    }
+
+private:
+    void skipPast(std::string_view end, std::size_t beginning)
+    {
+        const std::size_t found = bytes.find(end, at + beginning);
+        at = found == std::string_view::npos ? bytes.size() : found + end.size();
+    }
+
+    void skipTag()
+    {
+        const std::size_t begin = at;
+        std::size_t attributes = 0;
+        for (char quote = 0; at < bytes.size(); ++at) {
+            const char character = bytes[at];
+            if (quote != 0) {
+                quote = character == quote ? '\0' : quote;
+            } else if (character == '"' || character == '\'') {
+                quote = character;
+            } else if (character == '>') {
+                return;
+            } else if (character == '=' && ++attributes > mostXmlAttributes) {
+                fail(begin, "an element has more than " + std::to_string(mostXmlAttributes) +
+                                " attributes.");
+            }
+        }
+    }
+
+    [[noreturn]] void fail(std::size_t byte, const std::string& message) const
+    {
+        throw XmlFault(positionOfByte(bytes, byte), message);
+    }
+
+    std::string_view bytes;
+    std::size_t at = 0;
+};
+
+/** Turns offsets into positions; they are asked for in rising order. */
+class PositionCursor
+{
+public:
+    explicit PositionCursor(const QString& text) : text(text) {}
+
+    XmlPosition at(qint64 target)
+    {
+        for (; offset < target && offset < text.size(); ++offset) {
+            const QChar character = text.at(static_cast<int>(offset));
+            position.column += character.isLowSurrogate() ? 0 : 1;
+            if (character == QLatin1Char('\n')) {
+                ++position.line;
+                position.column = 1;
+            }
+        }
+        return position;
+    }
+
+private:
+    const QString& text;
+    qint64 offset = 0;
+    XmlPosition position = {1, 1};
+};
+
+std::string bytesOf(const QStringRef& text)
+{
+    return text.toUtf8().toStdString();
+}
+
+/** Builds the nodes from the parser's tokens. */
+class TreeReader
+{
+public:
+    explicit TreeReader(const QString& text) : text(text), parser(text), cursor(text)
+    {
+        // Prefixes are part of the names: what has one is kept and written as it came.
+        parser.setNamespaceProcessing(false);
+    }
+
+    XmlNode read()
+    {
+        while (!parser.atEnd()) {
+            const qint64 begin = parser.characterOffset();
+            accept(parser.readNext(), begin);
+        }
+        if (parser.hasError()) {
+            const XmlPosition position = cursor.at(parser.characterOffset() - 1);
+            std::string reason = shownText(parser.errorString().toStdString());
+            if (!reason.empty() && reason.back() == '.') {
+                reason.pop_back();
+            }
+            throw XmlFault(position, std::string(malformed) + reason + '.');
+        }
+        return std::move(root);
+    }
+
+private:
+    void accept(QXmlStreamReader::TokenType token, qint64 begin)
+    {
+        switch (token) {
+        case QXmlStreamReader::StartDocument:
+            checkEncoding();
+            break;
+        case QXmlStreamReader::DTD:
+        case QXmlStreamReader::EntityReference:
+            throw XmlFault(cursor.at(begin), "declarations of entities are not accepted.");
+        case QXmlStreamReader::StartElement:
+            open(begin);
+            break;
+        case QXmlStreamReader::EndElement:
+            close();
+            break;
+        case QXmlStreamReader::Characters:
+            addText(bytesOf(parser.text()));
+            break;
+        case QXmlStreamReader::Comment:
+            addOther(XmlNode::Comment, std::string(), bytesOf(parser.text()));
+            break;
+        case QXmlStreamReader::ProcessingInstruction:
+            addOther(XmlNode::Instruction, bytesOf(parser.processingInstructionTarget()),
+                     bytesOf(parser.processingInstructionData()));
+            break;
+        default:
+            break;
+        }
+    }
+
+    void checkEncoding()
+    {
+        const QStringRef encoding = parser.documentEncoding();
+        if (!encoding.isEmpty() && encoding.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive)) {
+            throw XmlFault({1, 1}, "the encoding must be UTF-8, not " +
+                                       quotedText(bytesOf(encoding)) + '.');
+        }
+    }
+
+    void open(qint64 begin)
+    {
+        const XmlPosition position = cursor.at(bracketOf(begin));
+        if (openNodes.size() == deepestXmlNesting) {
+            throw XmlFault(position, "elements are nested deeper than " +
+                                         std::to_string(deepestXmlNesting) + " levels.");
+        }
+        XmlNode node = XmlNode::element(bytesOf(parser.qualifiedName()));
+        node.position = position;
+        for (const QXmlStreamAttribute& attribute : parser.attributes()) {
+            node.attributes.emplace_back(bytesOf(attribute.qualifiedName()),
+                                         bytesOf(attribute.value()));
+        }
+        std::sort(node.attributes.begin(), node.attributes.end());
+        openNodes.push_back(std::move(node));
+    }
+
+    /** Where a tag begins whose token does: before the root a token takes in the blanks; elsewhere
+     *  the parser may have taken the bracket, and part of the tag, already. */
+    qint64 bracketOf(qint64 begin) const
+    {
+        while (text.at(static_cast<int>(begin)).isSpace()) {
+            ++begin;
+        }
+        return text.lastIndexOf(QLatin1Char('<'), static_cast<int>(begin));
+    }
+
+    void close()
+    {
+        XmlNode node = std::move(openNodes.back());
+        openNodes.pop_back();
+        removeLayout(node);
+        if (openNodes.empty()) {
+            root = std::move(node);
+        } else {
+            openNodes.back().children.push_back(std::move(node));
+        }
+    }
+
+    /** Blanks are layout where an element holds other elements and no text. */
+    static void removeLayout(XmlNode& node)
+    {
+        const auto isText = [](const XmlNode& child) { return child.kind == XmlNode::Text; };
+        std::vector<XmlNode>& children = node.children;
+        const bool holdsOthers = !std::all_of(children.begin(), children.end(), isText);
+        if (holdsOthers && isBlank(node.content())) {
+            children.erase(std::remove_if(children.begin(), children.end(), isText),
+                           children.end());
+        }
+    }
+
+    void addText(std::string content)
+    {
+        if (openNodes.empty()) {
+            return;
+        }
+        // CDATA sections and references come as tokens of their own.
+        std::vector<XmlNode>& children = openNodes.back().children;
+        if (!children.empty() && children.back().kind == XmlNode::Text) {
+            children.back().text += content;
+        } else {
+            children.push_back(XmlNode::textNode(std::move(content)));
+        }
+    }
+
+    void addOther(XmlNode::Kind kind, std::string name, std::string content)
+    {
+        if (openNodes.empty()) {
+            return;
+        }
+        XmlNode node = XmlNode::textNode(std::move(content));
+        node.kind = kind;
+        node.name = std::move(name);
+        openNodes.back().children.push_back(std::move(node));
+    }
+
+    const QString& text;
+    QXmlStreamReader parser;
+    PositionCursor cursor;
+    std::vector<XmlNode> openNodes;
+    XmlNode root;
+};
+
+void checkText(std::string_view text)
+{
+    if (!isXmlText(text)) {
+        throw XmlFault(XmlPosition(), "XML cannot carry the text " + quotedText(text) +
+                                          ": it holds a control character, or bytes that are no "
+                                          "UTF-8.");
+    }
+}
+
+void checkTexts(const XmlNode& node, std::size_t depth)
+{
+    if (depth > deepestXmlNesting) {
+        throw XmlFault(XmlPosition(), "the element " + quotedText(node.name) +
+                                          " is nested deeper than " +
+                                          std::to_string(deepestXmlNesting) + " levels.");
+    }
+    checkText(node.name);
+    checkText(node.text);
+    for (const XmlNode::Attribute& attribute : node.attributes) {
+        checkText(attribute.first);
+        checkText(attribute.second);
+    }
+    for (const XmlNode& child : node.children) {
+        checkTexts(child, depth + 1);
+    }
+}
+
+/** Writes nodes whose texts have been checked. */
+class TreeWriter
+{
+public:
+    std::string write(const XmlNode& root)
+    {
+        writer.writeStartDocument();
+        breakLine(0);
+        writeElement(root, 0);
+        breakLine(0);
+        return bytes.toStdString();
+    }
+
+private:
+    void writeElement(const XmlNode& node, int depth)
+    {
+        const QString tag = toQString(node.name);
+        if (node.children.empty()) {
+            writer.writeEmptyElement(tag);
+            writeAttributes(node);
+            return;
+        }
+        writer.writeStartElement(tag);
+        writeAttributes(node);
+        // Blanks beside a text would become part of it.
+        const bool isIndented =
+            std::none_of(node.children.begin(), node.children.end(),
+                         [](const XmlNode& child) { return child.kind == XmlNode::Text; });
+        for (const XmlNode& child : node.children) {
+            if (isIndented) {
+                breakLine(depth + 1);
+            }
+            writeChild(child, depth + 1);
+        }
+        if (isIndented) {
+            breakLine(depth);
+        }
+        writer.writeEndElement();
+    }
+
+    void writeAttributes(const XmlNode& node)
+    {
+        for (const XmlNode::Attribute& attribute : node.attributes) {
+            writer.writeAttribute(toQString(attribute.first), toQString(attribute.second));
+        }
+    }
+
+    void writeChild(const XmlNode& node, int depth)
+    {
+        switch (node.kind) {
+        case XmlNode::Element:
+            writeElement(node, depth);
+            break;
+        case XmlNode::Text:
+            writeText(toQString(node.text));
+            break;
+        case XmlNode::Comment:
+            writer.writeComment(toQString(node.text));
+            break;
+        case XmlNode::Instruction:
+            writer.writeProcessingInstruction(toQString(node.name), toQString(node.text));
+            break;
+        }
+    }
+
+    /** A carriage return as a reference: as a character, it is read as a newline. */
+    void writeText(const QString& text)
+    {
+        const QStringList parts = text.split(QLatin1Char('\r'));
+        for (int i = 0; i < parts.size(); ++i) {
+            if (i > 0) {
+                writer.writeEntityReference(QStringLiteral("#13"));
+            }
+            writer.writeCharacters(parts.at(i));
+        }
+    }
+
+    void breakLine(int depth)
+    {
+        writer.writeCharacters(QLatin1Char('\n') + QString(2 * depth, QLatin1Char(' ')));
+    }
+
+    QByteArray bytes;
+    QXmlStreamWriter writer{&bytes};
+};
+} // namespace
+
+// The destructor stands here so that the type information exists once, in this library.
+
+XmlFault::XmlFault(const XmlPosition& position, const std::string& message)
+    : ExceptionBase(message), place(position)
+{}
+
+XmlFault::~XmlFault() = default;
+
+const XmlPosition& XmlFault::position() const
+{
+    return place;
+}
+
+bool isXmlText(std::string_view bytes)
+{
+    return xmlPrefixLength(bytes) == bytes.size();
+}
+
+XmlNode readXml(std::string_view bytes)
+{
+    ByteScan(bytes).run();
+    const QString text = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+    return TreeReader(text).read();
+}
+
+std::string writeXml(const XmlNode& root)
+{
+    checkTexts(root, 1);
+    std::string bytes = TreeWriter().write(root);
+    // Names that are none, a comment that ends too early: what a reader would not accept.
+    try {
+        if (!(readXml(bytes) == root)) {
+            throw XmlFault(XmlPosition(), "XML cannot carry this document as it is.");
+        }
+    } catch (const XmlFault& fault) {
+        throw XmlFault(XmlPosition(), fault.what());
+    }
+    return bytes;
+}

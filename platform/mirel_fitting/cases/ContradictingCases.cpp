@@ -1,0 +1,98 @@
+#include <mirel_fitting/cases/ContradictingCases.h>
+
+#include <mirel_fitting/numerics/ReportingSort.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using Report = ContradictingCases::Report;
+
+/** A number for each case: that of its group of values of which each is near the next. */
+std::vector<std::uint32_t> groupsOf(const double* values, std::size_t count, const Report& report)
+{
+    struct Entry
+    {
+        double value;
+        std::size_t index;
+    };
+    std::vector<Entry> order;
+    order.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        order.push_back({values[i], i});
+    }
+    sortReporting(
+        order.begin(), order.end(),
+        [](const Entry& a, const Entry& b) { return a.value < b.value; }, report);
+    std::vector<std::uint32_t> groups(count);
+    std::uint32_t group = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+        const double gap = order[i].value - order[i - 1].value;
+        group += gap > ContradictingCases::nearness() ? 1 : 0;
+        groups[order[i].index] = group;
+    }
+    return groups;
+}
+
+/** Those of the cases that are not alone in their group. */
+std::vector<std::size_t> notAlone(const std::vector<std::size_t>& cases,
+                                  const std::vector<std::uint32_t>& groups)
+{
+    std::vector<std::uint32_t> sizes(groups.size());
+    for (const std::size_t index : cases) {
+        ++sizes[groups[index]];
+    }
+    std::vector<std::size_t> result;
+    std::copy_if(cases.begin(), cases.end(), std::back_inserter(result),
+                 [&](std::size_t index) { return sizes[groups[index]] > 1; });
+    return result;
+}
+
+} // namespace
+
+double ContradictingCases::nearness()
+{
+    return 1e-9;
+}
+
+std::size_t ContradictingCases::places(const KrigingData& data, const Report& report)
+{
+    constexpr double steepest = 1e-6; // of the output's deviation, over such a distance
+
+    // Cases that are alone in one input are so in all: mostly there are soon none left.
+    std::vector<std::size_t> order(data.cases);
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::vector<std::vector<std::uint32_t>> groups;
+    for (std::size_t k = 0; k < data.inputs && !order.empty(); ++k) {
+        groups.push_back(groupsOf(data.coordinates.data() + k * data.cases, data.cases, report));
+        order = notAlone(order, groups.back());
+    }
+    const auto compare = [&](std::size_t a, std::size_t b) {
+        for (const std::vector<std::uint32_t>& group : groups) {
+            if (group[a] != group[b]) {
+                return group[a] < group[b] ? -1 : 1;
+            }
+        }
+        return 0;
+    };
+    sortReporting(
+        order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return compare(a, b) < 0; },
+        report);
+
+    std::size_t count = 0;
+    for (std::size_t first = 0, last; first < order.size(); first = last) {
+        double smallest = data.output[order[first]];
+        double largest = smallest;
+        for (last = first + 1; last < order.size() && compare(order[first], order[last]) == 0;
+             ++last) {
+            smallest = std::min(smallest, data.output[order[last]]);
+            largest = std::max(largest, data.output[order[last]]);
+        }
+        count += largest - smallest > steepest ? 1 : 0;
+    }
+    return count;
+}

@@ -1,0 +1,68 @@
+#include <mirel_fitting/cases/MergedOutput.h>
+
+#include <algorithm>
+
+namespace {
+
+/** @param ascending is not empty. */
+std::size_t countDistinct(const std::vector<double>& ascending)
+{
+    std::size_t count = 1;
+    for (std::size_t i = 1; i < ascending.size(); ++i) {
+        count += ascending[i] != ascending[i - 1] ? 1 : 0;
+    }
+    return count;
+}
+
+} // namespace
+
+MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output,
+                           const Report& report)
+{
+    constexpr std::size_t pointsPerReport = 65536;
+
+    std::vector<double> values; // of the rows at a point, ascending
+    const auto gather = [&](std::size_t point) {
+        if (report && point % pointsPerReport == 0) {
+            report();
+        }
+        values.clear();
+        for (const std::size_t row : cases.rowsAt(point)) {
+            values.push_back(output[row]);
+        }
+        std::sort(values.begin(), values.end());
+    };
+    for (std::size_t point = 0; point < cases.pointCount(); ++point) {
+        gather(point);
+        const std::size_t distinct = countDistinct(values);
+        copies += values.size() - distinct;
+        conflicts += distinct > 1 ? 1 : 0;
+    }
+    for (std::size_t point = 0; point < cases.pointCount(); ++point) {
+        gather(point);
+        if (conflicts == 0) {
+            values.resize(1);
+        }
+        add(values);
+    }
+}
+
+void MergedOutput::add(const std::vector<double>& ascending)
+{
+    const auto count = static_cast<double>(ascending.size());
+    double mean = ascending.front();
+    double squares = 0.0;
+    // Of equal values the sum would round the mean, and its rounding pass for scatter.
+    if (ascending.front() != ascending.back()) {
+        mean = 0.0;
+        for (const double value : ascending) {
+            mean += value / count;
+        }
+        for (const double value : ascending) {
+            squares += (value - mean) * (value - mean);
+        }
+    }
+    means.push_back(mean);
+    rows.push_back(count);
+    scatter.push_back(squares);
+}

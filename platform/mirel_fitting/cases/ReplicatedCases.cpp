@@ -1,0 +1,114 @@
+#include <mirel_fitting/cases/ReplicatedCases.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace {
+
+/** Rows whose hashes are computed together, column by column. */
+constexpr std::size_t rowsPerBlock = 512;
+
+/** hashes[k] += a number that depends on all bits of the value. */
+void addColumn(const double* values, std::size_t count, std::uint64_t multiplier,
+               std::uint64_t* hashes)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        // Adding 0 makes 0 of -0, which is the same input.
+        const double value = values[k] + 0.0;
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &value, sizeof bits);
+        // Of round numbers only the high bits differ, and a product carries them nowhere.
+        hashes[k] += (bits ^ (bits >> 32)) * multiplier;
+    }
+}
+
+/** Where in the table a row begins to look, from any of its bits. */
+std::uint64_t mixed(std::uint64_t hash)
+{
+    hash ^= hash >> 32;
+    hash *= 0xd6e8feb86659fd93ULL;
+    return hash ^ (hash >> 32);
+}
+
+} // namespace
+
+ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std::size_t cases)
+{
+    constexpr std::uint32_t nobody = std::numeric_limits<std::uint32_t>::max();
+    assert(cases < nobody);
+    // The first case of a point, and a part of its hash, so that other points are seldom compared.
+    struct Slot
+    {
+        std::uint32_t row;
+        std::uint32_t tag;
+    };
+
+    std::size_t slots = 16;
+    while (slots < 2 * cases) {
+        slots *= 2;
+    }
+    std::vector<Slot> table(slots, Slot{nobody, 0}); // open addressing
+    std::vector<std::uint32_t> pointsFound(cases);
+    const auto isSame = [&](std::size_t a, std::size_t b) {
+        return std::all_of(columns.begin(), columns.end(),
+                           [&](const double* column) { return column[a] == column[b]; });
+    };
+    std::uint64_t hashes[rowsPerBlock];
+    for (std::size_t start = 0; start < cases; start += rowsPerBlock) {
+        const std::size_t rows = std::min(rowsPerBlock, cases - start);
+        std::fill_n(hashes, rows, 0);
+        // Odd, and unlike each other.
+        std::uint64_t multiplier = 0x9e3779b97f4a7c15ULL;
+        for (const double* column : columns) {
+            addColumn(column + start, rows, multiplier | 1, hashes);
+            multiplier = mixed(multiplier + 0x9e3779b97f4a7c15ULL);
+        }
+        for (std::size_t k = 0; k < rows; ++k) {
+            const std::size_t row = start + k;
+            const std::uint64_t hash = mixed(hashes[k]);
+            const auto tag = static_cast<std::uint32_t>(hash >> 32);
+            std::size_t slot = hash & (slots - 1);
+            while (table[slot].row != nobody &&
+                   (table[slot].tag != tag || !isSame(table[slot].row, row))) {
+                slot = (slot + 1) & (slots - 1);
+            }
+            if (table[slot].row == nobody) {
+                table[slot] = {static_cast<std::uint32_t>(row), tag};
+                pointsFound[row] = static_cast<std::uint32_t>(points++);
+            } else {
+                pointsFound[row] = pointsFound[table[slot].row];
+            }
+        }
+    }
+    if (points < cases) {
+        pointOfCase = std::move(pointsFound);
+    } else {
+        points = 0;
+    }
+}
+
+double ReplicatedCases::squaresWithin(const double* values) const
+{
+    std::vector<double> first(points);
+    std::vector<double> means(points, 0.0);
+    std::vector<double> counts(points, 0.0);
+    for (std::size_t row = 0; row < pointOfCase.size(); ++row) {
+        const std::size_t point = pointOfCase[row];
+        if (counts[point] == 0.0) {
+            first[point] = values[row];
+        }
+        // About the point's first value: what all have in common rounds nothing.
+        counts[point] += 1.0;
+        means[point] += values[row] - first[point];
+    }
+    double squares = 0.0;
+    for (std::size_t row = 0; row < pointOfCase.size(); ++row) {
+        const std::size_t point = pointOfCase[row];
+        const double deviation = values[row] - first[point] - means[point] / counts[point];
+        squares += deviation * deviation;
+    }
+    return squares;
+}

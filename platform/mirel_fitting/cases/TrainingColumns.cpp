@@ -1,0 +1,140 @@
+#include <mirel_fitting/cases/TrainingColumns.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+
+using Error = SurrogateModelInterface::Error;
+
+std::string inputName(std::size_t input)
+{
+    return "The input V" + std::to_string(input + 1);
+}
+
+std::string outputName(std::size_t offset)
+{
+    return "The output at offset " + std::to_string(offset);
+}
+
+std::string counted(std::size_t number, const std::string& noun)
+{
+    return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
+[[noreturn]] void refuseValue(const std::string& column, std::size_t row)
+{
+    throw Error(column + " holds a value that is not finite in case " + std::to_string(row + 1) +
+                ".");
+}
+
+} // namespace
+
+TrainingColumns::TrainingColumns(const std::vector<double*>& independentColumns,
+                                 const std::vector<double*>& dependentColumns, std::size_t rowCount)
+    : inputCount(independentColumns.size()), caseCount(rowCount)
+{
+    if (rowCount == 0) {
+        throw Error("There is no case to fit the model to.");
+    }
+    // A negative number of rows that was widened on its way here is a number that no array has.
+    if (rowCount > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double)) {
+        throw Error("The model cannot be fitted to " + std::to_string(rowCount) +
+                    " cases: no column can hold so many.");
+    }
+    for (std::size_t input = 0; input < inputCount; ++input) {
+        if (!independentColumns[input]) {
+            throw Error(inputName(input) + " has no column of values.");
+        }
+        const std::size_t row = findNotFinite(independentColumns[input], rowCount);
+        if (row < rowCount) {
+            refuseValue(inputName(input), row);
+        }
+    }
+    firstBadCases.reserve(dependentColumns.size());
+    for (const double* column : dependentColumns) {
+        if (!column) {
+            throw Error(outputName(firstBadCases.size()) + " has no column of values.");
+        }
+        firstBadCases.push_back(findNotFinite(column, rowCount));
+    }
+}
+
+void TrainingColumns::requireOutput(int offset) const
+{
+    if (offset < 0 || static_cast<std::size_t>(offset) >= outputs()) {
+        throw Error("There is no output at offset " + std::to_string(offset) + ": the model has " +
+                    counted(outputs(), "output") + ", counted from 0.");
+    }
+    const auto output = static_cast<std::size_t>(offset);
+    if (!isFittable(output)) {
+        refuseValue(outputName(output), firstBadCases[output]);
+    }
+}
+
+void TrainingColumns::requireOutputs(const std::set<int>& offsets) const
+{
+    for (const int offset : offsets) {
+        requireOutput(offset);
+    }
+}
+
+void TrainingColumns::requireEvaluation(const std::vector<double*>& inputs,
+                                        const std::set<int>& offsets,
+                                        const std::vector<double*>& outputs,
+                                        std::size_t count) const
+{
+    if (inputs.size() != inputCount) {
+        throw Error("The model has " + counted(inputCount, "input") +
+                    ", but values are given for " + std::to_string(inputs.size()) + ".");
+    }
+    if (outputs.size() != offsets.size()) {
+        throw Error("The model is asked for " + counted(offsets.size(), "output") +
+                    ", but there is room for " + std::to_string(outputs.size()) + ".");
+    }
+    requireOutputs(offsets);
+    if (count == 0) {
+        return;
+    }
+    for (std::size_t input = 0; input < inputCount; ++input) {
+        if (!inputs[input]) {
+            throw Error(inputName(input) + " has no values to evaluate the model at.");
+        }
+    }
+    std::size_t k = 0;
+    for (const int offset : offsets) {
+        if (!outputs[k++]) {
+            throw Error(outputName(static_cast<std::size_t>(offset)) +
+                        " has no room for its values.");
+        }
+    }
+}
+
+std::size_t TrainingColumns::findNotFinite(const double* values, std::size_t count)
+{
+    // 0 times a finite number is 0, and NaN otherwise: a block is tested without a branch a value.
+    constexpr std::size_t valuesPerBlock = 1024;
+    for (std::size_t start = 0; start < count; start += valuesPerBlock) {
+        const std::size_t end = std::min(start + valuesPerBlock, count);
+        double zero[2] = {0.0, 0.0};
+        std::size_t k = start;
+        for (; k + 1 < end; k += 2) {
+            zero[0] += 0.0 * values[k];
+            zero[1] += 0.0 * values[k + 1];
+        }
+        if (k < end) {
+            zero[0] += 0.0 * values[k];
+        }
+        if (zero[0] + zero[1] == 0.0) {
+            continue;
+        }
+        return static_cast<std::size_t>(
+            std::find_if(values + start, values + end, [](double v) { return !std::isfinite(v); }) -
+            values);
+    }
+    return count;
+}

@@ -1,0 +1,124 @@
+#include <mirel_fitting/cases/CaseRanges.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
+const double infinity = std::numeric_limits<double>::infinity();
+
+/** V1 from 10 to 14, V2 from -1 to 1, V3 always 0.3. */
+CaseRanges ranges()
+{
+    Columns columns = {{10.0, 14.0, 12.0}, {1.0, 0.0, -1.0}, {0.3, 0.3, 0.3}};
+    return {pointersTo(columns), 3};
+}
+
+std::vector<double> distances(Columns points)
+{
+    std::vector<double> result(points[0].size(), -7.0);
+    ranges().distances(pointersTo(points), result.size(), result.data());
+    return result;
+}
+
+std::string warning(Columns points)
+{
+    return ranges().warning(pointersTo(points), points[0].size());
+}
+
+} // namespace
+
+TEST(CaseRanges, GivesNoDistanceInsideAndOnTheEdge)
+{
+    EXPECT_EQ(distances({{11.0, 10.0, 14.0}, {0.5, -1.0, 1.0}, {0.3, 0.3, 0.3}}),
+              (std::vector<double>{0.0, 0.0, 0.0}));
+}
+
+TEST(CaseRanges, MeasuresTheFarthestInputInItsRange)
+{
+    EXPECT_EQ(distances({{15.0, 8.0, 15.0}, {0.0, 2.0, -4.0}, {0.3, 0.3, 0.3}}),
+              (std::vector<double>{0.25, 0.5, 1.5}));
+}
+
+TEST(CaseRanges, IsInfiniteForAnotherValueOfAConstant)
+{
+    const double computed = 0.1 + 0.2; // 0.3 in the last digit but one
+    ASSERT_NE(computed, 0.3);
+
+    EXPECT_EQ(distances({{11.0, 11.0}, {0.0, 0.0}, {0.31, computed}}),
+              (std::vector<double>{infinity, 0.0}));
+}
+
+TEST(CaseRanges, IsNotANumberForPointsThatAreNotFinite)
+{
+    const std::vector<double> found =
+        distances({{notANumber, 11.0, infinity}, {9.0, -infinity, 0.0}, {0.3, 0.3, 7.0}});
+
+    for (const double distance : found) {
+        EXPECT_TRUE(std::isnan(distance));
+    }
+}
+
+TEST(CaseRanges, WarnsOfNothingInside)
+{
+    EXPECT_EQ(warning({{11.0, notANumber}, {0.0, 0.0}, {0.3, 0.3}}), "");
+}
+
+TEST(CaseRanges, WarnsOfTheFarthestInput)
+{
+    EXPECT_EQ(warning({{15.0, 11.0, 11.0}, {0.0, 2.0, 0.0}, {0.3, 0.3, 0.3}}),
+              "2 of 3 points lie outside the cases: V2 is up to 0.5 of its range beyond them. Do "
+              "not rely on predictions there.");
+    EXPECT_EQ(warning({{15.0}, {0.0}, {0.3}}),
+              "1 of 1 point lies outside the cases: V1 is up to 0.25 of its range beyond them. Do "
+              "not rely on predictions there.");
+}
+
+TEST(CaseRanges, WarnsOfAnotherValueOfAConstant)
+{
+    EXPECT_EQ(
+        warning({{15.0, 11.0}, {0.0, 0.0}, {0.4, 0.3}}),
+        "1 of 2 points lies outside the cases: V3 has another value there than in all cases.");
+}
+
+TEST(CaseRanges, DoesNotWarnOfValuesThatWereWrittenWithSixDigits)
+{
+    Columns columns = {{0.015602722810412861, 0.9793}, {1.0 / 3.0, 1.0 / 3.0}};
+    const CaseRanges ranges(pointersTo(columns), 2);
+    Columns points = {{0.0156027}, {0.333333}};
+    double distance = -7.0;
+
+    ranges.distances(pointersTo(points), 1, &distance);
+
+    EXPECT_GT(distance, 0.0) << "the numbers are as they are";
+    EXPECT_EQ(ranges.warning(pointersTo(points), 1), "");
+}
+
+TEST(CaseRanges, WarnsWhereSixDigitsLoseTheRange)
+{
+    Columns columns = {{1000001.0, 1000002.0}, {1.0 / 3.0, 1.0 / 3.0}};
+    const CaseRanges ranges(pointersTo(columns), 2);
+    Columns rounded = {{1e6}, {1.0 / 3.0}};
+    Columns another = {{1000001.0}, {0.33333}};
+
+    EXPECT_EQ(ranges.warning(pointersTo(rounded), 1),
+              "1 of 1 point lies outside the cases: V1 is up to 1 of its range beyond them. Do not "
+              "rely on predictions there.");
+    EXPECT_EQ(ranges.warning(pointersTo(another), 1),
+              "1 of 1 point lies outside the cases: V2 has another value there than in all cases.");
+}
+
+TEST(CaseRanges, OfNoInputsHaveNoOutside)
+{
+    double distance = -7.0;
+    const CaseRanges none({}, 3);
+
+    none.distances({}, 1, &distance);
+
+    EXPECT_EQ(distance, 0.0);
+    EXPECT_EQ(none.warning({}, 1), "");
+}

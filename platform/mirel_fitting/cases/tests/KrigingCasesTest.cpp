@@ -1,0 +1,100 @@
+#include <mirel_fitting/cases/KrigingCases.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+KrigingCases casesOf(Columns columns)
+{
+    const std::size_t rows = columns.front().size();
+    return KrigingCases(pointersTo(columns), rows);
+}
+
+} // namespace
+
+TEST(KrigingCases, ScalesInputsToTheirRange)
+{
+    const KrigingCases cases = casesOf({{-10.0, 10.0, 0.0}});
+
+    EXPECT_EQ(cases.coordinates(), (std::vector<double>{0.0, 0.5, 1.0}));
+    EXPECT_EQ(cases.minimum(), std::vector<double>{-10.0});
+    EXPECT_EQ(cases.range(), std::vector<double>{20.0});
+}
+
+TEST(KrigingCases, RefusesAnInputWhoseRangeIsNoNumber)
+{
+    try {
+        casesOf({{1.0, 2.0}, {-1.5e308, 1.5e308}});
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "The values of the input V2 lie too far apart: their range is no number.");
+    }
+}
+
+TEST(KrigingCases, LeavesOutConstantInputs)
+{
+    const KrigingCases cases = casesOf({{1.0, 2.0}, {5.0, 5.0}, {4.0, 3.0}});
+
+    EXPECT_EQ(cases.inputCount(), 3u);
+    EXPECT_EQ(cases.activeInputs(), (std::vector<std::size_t>{0, 2}));
+    EXPECT_EQ(cases.coordinates(), (std::vector<double>{0.0, 1.0, 1.0, 0.0}));
+}
+
+TEST(KrigingCases, GathersRowsWithTheSameInputs)
+{
+    const KrigingCases cases = casesOf({{2.0, 1.0, 2.0, 2.0}, {0.0, 0.0, 0.0, 9.0}});
+
+    EXPECT_EQ(cases.rowCount(), 4u);
+    ASSERT_EQ(cases.pointCount(), 3u);
+    EXPECT_EQ(cases.rowsAt(0), (std::vector<std::size_t>{1}));
+    EXPECT_EQ(cases.rowsAt(1), (std::vector<std::size_t>{0, 2}));
+    EXPECT_EQ(cases.rowsAt(2), (std::vector<std::size_t>{3}));
+}
+
+TEST(KrigingCases, TakesZeroAndMinusZeroForTheSame)
+{
+    EXPECT_EQ(casesOf({{0.0, -0.0, 1.0}}).pointCount(), 2u);
+}
+
+TEST(KrigingCases, HasOnePointWithoutInputs)
+{
+    std::vector<double*> none;
+
+    const KrigingCases cases(none, 3);
+
+    EXPECT_EQ(cases.pointCount(), 1u);
+    EXPECT_EQ(cases.rowsAt(0), (std::vector<std::size_t>{0, 1, 2}));
+}
+
+TEST(KrigingCases, DoesNotDependOnTheOrderOfTheRows)
+{
+    const KrigingCases cases = casesOf({{3.0, 1.0, 2.0}, {0.1, 0.2, 0.3}});
+    const KrigingCases others = casesOf({{1.0, 2.0, 3.0}, {0.2, 0.3, 0.1}});
+
+    EXPECT_EQ(cases.coordinates(), others.coordinates());
+}
+
+TEST(KrigingCases, RefusesARangeBeforeAnythingIsSorted)
+{
+    Columns columns = {{-1.5e308, 1.5e308}};
+
+    EXPECT_THROW(KrigingCases::requireRanges(pointersTo(columns), 2),
+                 SurrogateModelInterface::Error);
+    EXPECT_NO_THROW(KrigingCases::requireRanges(pointersTo(columns), 1));
+}
+
+TEST(KrigingCases, ReportsWhileItSortsAndScales)
+{
+    constexpr std::size_t rows = 100000;
+    Columns columns = {UniformNumbers(1).next(rows), UniformNumbers(2).next(rows)};
+    int reports = 0;
+
+    const KrigingCases cases(pointersTo(columns), rows, [&] { ++reports; });
+
+    EXPECT_EQ(cases.pointCount(), rows);
+    // Four parts to sort, three pairs of them to merge, two inputs to scale.
+    EXPECT_EQ(reports, 4 + 3 + 2);
+}

@@ -1,0 +1,69 @@
+#include <mirel_fitting/cases/MergedOutput.h>
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+namespace {
+
+MergedOutput merged(std::vector<double> input, const std::vector<double>& output)
+{
+    return MergedOutput(KrigingCases({input.data()}, input.size()), output);
+}
+
+} // namespace
+
+TEST(MergedOutput, CountsCopiesOnce)
+{
+    const MergedOutput output = merged({1.0, 0.0, 1.0, 1.0}, {5.0, 2.0, 5.0, 5.0});
+
+    EXPECT_EQ(output.means, (std::vector<double>{2.0, 5.0}));
+    EXPECT_EQ(output.rows, (std::vector<double>{1.0, 1.0}));
+    EXPECT_EQ(output.scatter, (std::vector<double>{0.0, 0.0}));
+    EXPECT_EQ(output.copies, 2u);
+    EXPECT_EQ(output.conflicts, 0u);
+}
+
+TEST(MergedOutput, GathersTheScatterOfRowsThatDiffer)
+{
+    const MergedOutput output = merged({0.0, 0.0, 1.0}, {1.0, 3.0, 7.0});
+
+    EXPECT_EQ(output.means, (std::vector<double>{2.0, 7.0}));
+    EXPECT_EQ(output.rows, (std::vector<double>{2.0, 1.0}));
+    EXPECT_EQ(output.scatter, (std::vector<double>{2.0, 0.0}));
+    EXPECT_EQ(output.conflicts, 1u);
+}
+
+TEST(MergedOutput, CountsCopiesAsMeasurementsWhereOtherRowsDiffer)
+{
+    const MergedOutput output =
+        merged({0.0, 0.0, 0.0, 0.0, 1.0, 1.0}, {5.0, 5.0, 6.0, 5.0, 7.0, 7.0});
+
+    EXPECT_EQ(output.means, (std::vector<double>{5.25, 7.0}));
+    EXPECT_EQ(output.rows, (std::vector<double>{4.0, 2.0}));
+    EXPECT_EQ(output.scatter, (std::vector<double>{0.75, 0.0}));
+    EXPECT_EQ(output.copies, 3u);
+}
+
+TEST(MergedOutput, TakesNoRoundingOfAMeanForScatter)
+{
+    // Three tenths, divided by three and added up, are not a tenth.
+    const MergedOutput output = merged({0.0, 0.0, 1.0, 1.0, 1.0}, {1.0, 2.0, 0.1, 0.1, 0.1});
+
+    EXPECT_EQ(output.means[1], 0.1);
+    EXPECT_EQ(output.scatter[1], 0.0);
+}
+
+TEST(MergedOutput, ReportsWhileItMerges)
+{
+    constexpr std::size_t rows = 100000;
+    std::vector<double> input(rows);
+    std::iota(input.begin(), input.end(), 0.0);
+    int reports = 0;
+
+    const MergedOutput output(KrigingCases({input.data()}, rows), input, [&] { ++reports; });
+
+    EXPECT_EQ(output.means, input);
+    // Twice over all points, each 65 536 of them.
+    EXPECT_EQ(reports, 4);
+}

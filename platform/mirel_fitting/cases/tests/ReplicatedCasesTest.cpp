@@ -1,0 +1,70 @@
+#include <mirel_fitting/cases/ReplicatedCases.h>
+
+#include "FittingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+using namespace fittingtest;
+
+namespace {
+
+ReplicatedCases replicated(const std::vector<Column>& columns, std::size_t cases)
+{
+    std::vector<const double*> pointers;
+    for (const Column& column : columns) {
+        pointers.push_back(column.data());
+    }
+    return {pointers, cases};
+}
+
+} // namespace
+
+TEST(ReplicatedCases, AreNoneWhereEveryCaseDiffers)
+{
+    const ReplicatedCases cases = replicated({{1, 1, 2}, {1, 2, 1}}, 3);
+
+    EXPECT_FALSE(cases.areThere());
+    EXPECT_EQ(cases.degreesOfFreedom(), 0u);
+    EXPECT_EQ(cases.squaresWithin(Column{1, 2, 3}.data()), 0.0);
+}
+
+TEST(ReplicatedCases, SumSquaresAboutTheMeanOfEachPoint)
+{
+    // Points a b a c b a.
+    const ReplicatedCases cases = replicated({{0, 1, 0, 2, 1, 0}, {5, 5, 5, 5, 5, 5}}, 6);
+
+    EXPECT_EQ(cases.degreesOfFreedom(), 3u);
+    // a: 1, 2, 6 about 3; b: 10, 14 about 12.
+    EXPECT_EQ(cases.squaresWithin(Column{1, 10, 2, 7, 14, 6}.data()), 14.0 + 8.0);
+}
+
+TEST(ReplicatedCases, LoseNoDigitsOfOutputsFarFromZero)
+{
+    const ReplicatedCases cases = replicated({{0, 0, 0}}, 3);
+
+    EXPECT_EQ(cases.squaresWithin(Column{1e15, 1e15 + 1, 1e15 + 2}.data()), 2.0);
+}
+
+TEST(ReplicatedCases, RepeatEachOtherWithoutInputs)
+{
+    EXPECT_EQ(replicated({}, 4).degreesOfFreedom(), 3u);
+}
+
+TEST(ReplicatedCases, TakeZeroAndMinusZeroForTheSame)
+{
+    EXPECT_EQ(replicated({{0.0, -0.0}}, 2).degreesOfFreedom(), 1u);
+}
+
+TEST(ReplicatedCases, AreFoundAmongManyRoundNumbers)
+{
+    // A grid of small whole numbers, twice: only the high bits of the values differ.
+    std::vector<Column> columns(3);
+    for (int copy = 0; copy < 2; ++copy) {
+        for (int k = 0; k < 20 * 20 * 20; ++k) {
+            columns[0].push_back(k % 20);
+            columns[1].push_back(k / 20 % 20);
+            columns[2].push_back(static_cast<double>(k / 400));
+        }
+    }
+    EXPECT_EQ(replicated(columns, 16000).degreesOfFreedom(), 8000u);
+}

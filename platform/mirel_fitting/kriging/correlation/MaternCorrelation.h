@@ -1,0 +1,124 @@
+#pragma once
+
+#include <mirel_fitting/kriging/correlation/MaternKernels.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * Tensor-product Matern 5/2 correlation of n fixed cases:
+ *
+ *   c(x, x') = product over the inputs k of (1 + z + z^2 / 3) exp(-z),
+ *   z = sqrt(5) |x_k - x'_k| / length_k.
+ *
+ * Rasmussen, Williams: Gaussian Processes for Machine Learning, MIT Press 2006, section 4.2.1. The
+ * product form is separable over grids. Matrices are n x n, stored by columns, and only their lower
+ * triangle is used.
+ */
+class MaternCorrelation
+{
+public:
+    /** @param coordinates by columns, `cases` values for each of the inputs; copied. */
+    MaternCorrelation(std::size_t cases, std::size_t inputs, const double* coordinates);
+
+    std::size_t cases() const;
+    std::size_t inputs() const;
+
+    /** @param lengths one positive number per input, in the unit of its coordinates; infinity for
+     *                 an input without influence. */
+    void setLengths(const std::vector<double>& lengths);
+    const std::vector<double>& lengths() const { return chosenLengths; }
+
+    // The following take the columns from `first` to before `last`. Threads may call them at once
+    // with results of their own.
+
+    /** Writes the lower triangle of the correlation matrix, the ones of its diagonal included. */
+    void fillLower(std::size_t first, std::size_t last, double* matrix) const;
+
+    /** The length of a column of products: cases() and room behind them. */
+    std::size_t productStride() const;
+
+    /**
+     * All that the derivatives dc_ij / d ln(length_k) are wanted for, in one pass over them. Adds
+     * the elements of these columns below the diagonal to
+     * sums[k]: the sum over i > j of (a_i a_j factor - inverse_ij) dc_ij / d ln(length_k),
+     * and, together with those of the rows that mirror them, to
+     * products[k productStride() + i]: the sum over j of a_j dc_ij / d ln(length_k).
+     * @param correlation what fillLower() wrote for the present lengths.
+     * @param inverse     columns of `inverseStride` elements; the first element is that of the
+     *                    diagonal in column `first`.
+     * @param a           productStride() elements, zero behind the last case.
+     */
+    void addDerivatives(std::size_t first, std::size_t last, const double* correlation,
+                        const double* inverse, std::size_t inverseStride, const double* a,
+                        double factor, double* sums, double* products) const;
+
+    // What follows is computed with MaternKernels::best(). Points have finite coordinates.
+
+    /**
+     * result[i] += sum over the cases j of weights[j] c(point i, case j). Each point comes out the
+     * same whatever others there are.
+     * @param points one array of `count` coordinates per input.
+     * @param weights one per case.
+     */
+    void addWeightedSums(const std::vector<const double*>& points, std::size_t count,
+                         const double* weights, double* result) const;
+
+    /**
+     * gradients[k][i] += derivative of that sum at point i by the coordinate of input k.
+     * @param gradients one array of `count` numbers per input.
+     */
+    void addWeightedGradients(const std::vector<const double*>& points, std::size_t count,
+                              const double* weights, const std::vector<double*>& gradients) const;
+
+    /** From one point to the next in what follows: the cases, and room for whole registers. */
+    std::size_t correlationStride() const;
+
+    /** result[i * correlationStride() + j] = c(point i, case j); `result` is aligned like
+     *  AlignedBuffer. */
+    void correlate(const std::vector<const double*>& points, std::size_t count,
+                   double* result) const;
+
+    /** The same for the factor of one input. */
+    void correlateInput(std::size_t input, const double* coordinates, std::size_t count,
+                        double* result) const;
+
+    /** The coordinates of one input in units of length / sqrt(5): those of the cases, and of
+     * points, moved to where correlations are 0 if they are so far away that a square could
+     * overflow. */
+    const double* scaledCases(std::size_t input) const;
+    void scale(std::size_t input, const double* coordinates, std::size_t count,
+               double* result) const;
+
+    /** The same cases in another order: `order[j]` is the present number of case j. */
+    MaternCorrelation reordered(const std::vector<std::size_t>& order) const;
+
+    /** The factors of these inputs alone, with the same lengths. */
+    MaternCorrelation restrictedTo(const std::vector<std::size_t>& inputs) const;
+
+private:
+    class PointBlock;
+
+    void scaleCases();
+    void scale(std::size_t input, const double* coordinates, std::size_t count,
+               std::size_t resultStep, double* result) const;
+
+    std::size_t caseCount;
+    std::size_t inputCount;
+    std::size_t stride; // of a column: room for reading whole lanes behind the last case
+    std::vector<double> columns;
+    std::vector<double> smallestCoordinates; // of each input
+    std::vector<double> largestCoordinates;
+    AlignedBuffer scaledColumns;    // times sqrt(5) / length
+    std::vector<double> scaledRows; // the same, case by case
+    std::vector<double> chosenLengths;
+    std::vector<double> scales;
+    // Between these scaled coordinates, all distances of a point sum up to little; beyond the
+    // second pair, they make no difference.
+    std::vector<double> nearLowest;
+    std::vector<double> nearHighest;
+    std::vector<double> lowest;
+    std::vector<double> highest;
+    MaternKernels::Reach farthestReach = MaternKernels::Reach::Far;
+};

@@ -1,0 +1,164 @@
+#include <mirel_fitting/kriging/fit/KrigingFitReport.h>
+
+#include <mirel_fitting/polynomial/EquationText.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <string>
+
+KrigingFitReport::KrigingFitReport(const KrigingCases& cases, const std::vector<double>& output,
+                                   double offset, double scale)
+    : cases(cases), output(output), offset(offset), scale(scale)
+{}
+
+std::vector<std::size_t> KrigingFitReport::inputNumbers() const
+{
+    std::vector<std::size_t> numbers = cases.activeInputs();
+    for (std::size_t& number : numbers) {
+        ++number;
+    }
+    return numbers;
+}
+
+double KrigingFitReport::roundingOf(double standardised) const
+{
+    constexpr double units = 64.0; // in the last place
+    return units * std::numeric_limits<double>::epsilon() *
+           (1.0 + std::fabs(offset / scale + standardised));
+}
+
+void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
+                                const std::vector<double>& coefficients) const
+{
+    fit.report.trendOrder = trend.order();
+    for (const KrigingTrend::RawTerm& term :
+         trend.inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers())) {
+        const bool isConstant = fit.report.trendTerms.empty();
+        fit.report.trendTerms.push_back(term.name);
+        fit.report.trendCoefficients.push_back(scale * term.coefficient +
+                                               (isConstant ? offset : 0.0));
+    }
+    writeTrend(fit, trend, coefficients);
+}
+
+void KrigingFitReport::writeTrend(KrigingFit& fit, const KrigingTrend& trend,
+                                  const std::vector<double>& coefficients) const
+{
+    constexpr double tolerableLoss = 1e-9; // of the output's spread
+
+    std::vector<double> centres(cases.inputCount(), 0.0);
+    std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
+    std::vector<double> minimumAboutCentre;
+    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
+        const std::size_t input = cases.activeInputs()[k];
+        const double minimum = cases.minimum()[k];
+        const double maximum = minimum + cases.range()[k];
+        const double centre = minimum + 0.5 * cases.range()[k];
+        centres[input] = centre;
+        reach[input] = std::max(std::fabs(minimum), std::fabs(maximum)) + std::fabs(centre);
+        // The centre is a rounded number, so that this is not exactly half the range.
+        minimumAboutCentre.push_back(minimum - centre);
+    }
+
+    std::map<std::string, double> expanded;
+    for (std::size_t t = 0; t < fit.report.trendTerms.size(); ++t) {
+        expanded[fit.report.trendTerms[t]] = fit.report.trendCoefficients[t];
+    }
+    std::map<std::string, double> centred;
+    for (const KrigingTrend::RawTerm& term :
+         trend.inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers())) {
+        centred[term.name] = scale * term.coefficient;
+    }
+
+    const QuadraticBasis basis(cases.inputCount(), trend.order());
+    double loss = 0.0;
+    for (std::size_t t = 0; t < basis.size(); ++t) {
+        double size = std::fabs(centred[basis.name(t)]);
+        for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
+            size *= input == QuadraticBasis::noInput ? 1.0 : reach[input];
+        }
+        loss += std::numeric_limits<double>::epsilon() * size;
+    }
+    centred["1"] += offset;
+
+    const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
+    const bool isExpanded = loss <= tolerableLoss * (*largest - *smallest);
+    EquationText text(basis);
+    if (!isExpanded) {
+        text.setCentres(centres);
+    }
+    std::vector<double> inOrder;
+    for (std::size_t t = 0; t < basis.size(); ++t) {
+        const std::string name = basis.name(t);
+        if (expanded.count(name) == 0) {
+            text.leaveOut(t);
+        }
+        inOrder.push_back(isExpanded ? expanded[name] : centred[name]);
+    }
+    fit.trendText = text.write(inOrder);
+    fit.trendText.pop_back(); // the end of the line
+}
+
+void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const
+{
+    double rows = 0.0;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < errors.all.cases; ++i) {
+        rows += errors.rows[i];
+        sum += errors.rows[i] * errors.all.output[i];
+    }
+    const double mean = sum / rows;
+    double measured = 0.0;
+    double total = 0.0;
+    double squares = 0.0;
+    double press = 0.0;
+    for (std::size_t i = 0; i < errors.points.size(); ++i) {
+        const std::size_t point = errors.points[i];
+        const double deviation = errors.all.output[point] - mean;
+        const double leftOut = errors.leftOut[i];
+        measured += errors.rows[point];
+        squares +=
+            errors.scatter[point] + errors.rows[point] * errors.residuals[i] * errors.residuals[i];
+        total += errors.scatter[point] + errors.rows[point] * deviation * deviation;
+        press += errors.scatter[point] + errors.rows[point] * leftOut * leftOut;
+    }
+    fit.metrics.cases = static_cast<std::size_t>(rows);
+    fit.metrics.r2 = 1.0 - squares / total;
+    fit.metrics.rmse = scale * std::sqrt(squares / measured);
+    fit.metrics.press = press * (rows / measured) * scale * scale;
+    fit.metrics.looRmse = scale * std::sqrt(press / measured);
+    fit.metrics.q2 = 1.0 - press / total;
+    findWorstCases(fit, errors);
+}
+
+void KrigingFitReport::findWorstCases(KrigingFit& fit, const Errors& errors) const
+{
+    constexpr std::size_t mostShown = 5;
+
+    if (std::isnan(fit.metrics.looRmse)) {
+        return;
+    }
+    std::vector<std::size_t> worst(errors.points.size());
+    std::iota(worst.begin(), worst.end(), std::size_t{0});
+    const std::size_t shown = std::min(mostShown, worst.size());
+    std::partial_sort(worst.begin(), worst.begin() + static_cast<std::ptrdiff_t>(shown),
+                      worst.end(), [&](std::size_t a, std::size_t b) {
+                          const double errorOfA = std::fabs(errors.leftOut[a]);
+                          const double errorOfB = std::fabs(errors.leftOut[b]);
+                          return errorOfA != errorOfB ? errorOfA > errorOfB : a < b;
+                      });
+    worst.resize(shown);
+    for (const std::size_t i : worst) {
+        const double standardised = errors.all.output[errors.points[i]];
+        if (std::fabs(errors.leftOut[i]) <= roundingOf(standardised)) {
+            continue;
+        }
+        const double value = offset + scale * standardised;
+        fit.report.worstCases.push_back(
+            {cases.rowsAt(errors.points[i]).front(), value, value - scale * errors.leftOut[i]});
+    }
+}

@@ -1,0 +1,172 @@
+#include <mirel_fitting/kriging/fit/KrigingTexts.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+const char* orderName(int order)
+{
+    switch (order) {
+    case 0:
+        return "constant";
+    case 1:
+        return "linear";
+    default:
+        return "full quadratic";
+    }
+}
+
+std::string line(const std::string& name, double value)
+{
+    return std::isnan(value) ? std::string() : name + ": " + KrigingTexts::figure(value) + "\n";
+}
+
+std::string percent(double share)
+{
+    return std::to_string(std::lround(100.0 * share)) + " %";
+}
+
+std::string boundText(KrigingReport::Bound bound)
+{
+    switch (bound) {
+    case KrigingReport::Bound::Lower:
+        return " (at its lower bound)";
+    case KrigingReport::Bound::Upper:
+        return " (at its upper bound)";
+    default:
+        return "";
+    }
+}
+
+std::string otherLengthsText(const KrigingReport& report)
+{
+    const std::string best = KrigingTexts::figure(report.logLikelihood);
+    const std::string second = KrigingTexts::figure(report.secondLogLikelihood);
+    return "Other correlation lengths are " +
+           (best == second ? "as likely (log-likelihood " + best
+                           : "nearly as likely (log-likelihood " + second + " instead of " + best) +
+           "): more cases would decide between two different models.";
+}
+
+std::string worstCasesText(const KrigingReport& report)
+{
+    constexpr int fewestDigits = 8;
+
+    std::string text;
+    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
+        const int digits = one.digits(fewestDigits);
+        text += (text.empty() ? "Worst when left out: case " : ", case ") +
+                std::to_string(one.row + 1) + " (" + KrigingTexts::figure(one.predicted, digits) +
+                " instead of " + KrigingTexts::figure(one.output, digits) + ")";
+    }
+    return text.empty() ? text : text + "\n";
+}
+
+} // namespace
+
+std::string KrigingTexts::figure(double value, int digits)
+{
+    char text[32];
+    const std::to_chars_result end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits);
+    return std::string(text, end.ptr);
+}
+
+std::string KrigingTexts::lengths(const KrigingReport& report)
+{
+    std::string text;
+    for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
+        text += "Correlation length of V" + std::to_string(k + 1) + ": " +
+                figure(report.correlationLengths[k]) +
+                (k < report.lengthBounds.size() ? boundText(report.lengthBounds[k]) : "") + "\n";
+    }
+    return text;
+}
+
+std::string KrigingTexts::quality(const KrigingFit& fit)
+{
+    const KrigingReport& report = fit.report;
+    std::string text = "Cases: " + std::to_string(fit.metrics.cases) + "\n";
+    text += line("RMSE", fit.metrics.rmse);
+    text += line("Leave-one-out RMSE", fit.metrics.looRmse);
+    text += line("Q2", fit.metrics.q2);
+    text += worstCasesText(report);
+    text += line("Log-likelihood", report.logLikelihood);
+    text += line("Second-best log-likelihood", report.secondLogLikelihood);
+    text += line("Process variance", report.processVariance);
+    text += "Nugget (relative to the process variance): " + figure(report.nugget) +
+            boundText(report.nuggetBound) + "\n";
+    if (report.noiseDeviation > 0.0) {
+        text += line("Noise (standard deviation)", report.noiseDeviation);
+    }
+    text += line("Condition of the correlation matrix", report.condition);
+    text += std::string("Trend: ") + orderName(report.trendOrder) + ", " + fit.trendText + "\n";
+    text += lengths(report);
+    for (const std::string& warning : fit.warnings) {
+        text += "Warning: " + warning + "\n";
+    }
+    return text;
+}
+
+std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
+{
+    constexpr double flat = 0.1;
+    constexpr double mostly = 0.5;
+    // A ratio of likelihoods of 7: no evidence for either.
+    constexpr double close = 2.0;
+
+    const KrigingReport& report = fit.report;
+    const bool isMostlyNoise = noiseShare > mostly;
+    std::vector<std::string> result;
+    for (std::size_t k = 0; k < report.lengthBounds.size(); ++k) {
+        const std::string name = "V" + std::to_string(k + 1);
+        if (report.lengthBounds[k] == KrigingReport::Bound::Upper) {
+            result.push_back("The cases show no influence of " + name +
+                             " beyond the trend: its correlation length is at its upper bound.");
+        }
+        // Lengths of next to nothing are noise by another name.
+        if (report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise) {
+            result.push_back("The output changes along " + name +
+                             " faster than the cases can show: its correlation length is at its "
+                             "lower bound.");
+        }
+    }
+    const bool isMoreThanTheMean = fit.metrics.terms > 1 || !std::isnan(report.condition);
+    if (isMoreThanTheMean && fit.metrics.r2 < flat) {
+        result.push_back("The model is flat: it explains " +
+                         percent(std::max(fit.metrics.r2, 0.0)) + " of the output's variance.");
+    }
+    if (isMostlyNoise) {
+        result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
+                         " of the output's variance is taken for noise.");
+    }
+    if (report.nuggetBound == KrigingReport::Bound::Upper) {
+        result.push_back("The nugget is at its upper bound, " + figure(report.nugget) +
+                         " times the process variance: beyond the trend the cases show no "
+                         "correlation.");
+    }
+    // Of noise, or of cases that tell nothing about each other, any lengths are as likely.
+    const bool isAModel = !isMostlyNoise && fit.metrics.q2 > 0.0;
+    if (isAModel && report.logLikelihood - report.secondLogLikelihood < close) {
+        result.push_back(otherLengthsText(report));
+    }
+    if (std::isnan(fit.metrics.looRmse) && fit.metrics.cases > 1) {
+        result.push_back("A case alone determines a term of the trend: there are no "
+                         "leave-one-out figures, since leaving it out leaves no such fit.");
+    }
+    if (isMoreThanTheMean && fit.metrics.q2 <= 0.0) {
+        result.push_back("Left-out cases are predicted no better than by the mean of the "
+                         "cases: do not rely on this model.");
+    }
+    // A model that meets its cases is not flat, but it may be between them.
+    if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {
+        result.push_back("Left-out cases are predicted hardly better than by the mean of the "
+                         "cases (" +
+                         percent(fit.metrics.q2) +
+                         " of the output's variance): noise dominates, or more cases are needed "
+                         "to show how the output changes between them.");
+    }
+    return result;
+}

@@ -1,0 +1,106 @@
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+
+#include <mirel_fitting/cases/ContradictingCases.h>
+#include <mirel_fitting/kriging/fit/KrigingTexts.h>
+#include <mirel_fitting/polynomial/EquationText.h>
+
+namespace {
+
+std::string join(const std::vector<std::string>& texts)
+{
+    std::string result;
+    for (const std::string& text : texts) {
+        result += (result.empty() ? "" : ", ") + text;
+    }
+    return result;
+}
+
+std::string counted(std::size_t count, const std::string& noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string orderLowered(int from, int to)
+{
+    return "The order of the trend was lowered from " + std::to_string(from) + " to " +
+           std::to_string(to) + ": ";
+}
+
+} // namespace
+
+std::string KrigingWarnings::ofConstantInput(std::size_t input)
+{
+    return "V" + std::to_string(input + 1) + " is constant over the cases and was ignored.";
+}
+
+std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
+{
+    return counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
+           " another case exactly and " + (copies == 1 ? "was" : "were") +
+           (areMerged ? " merged with it."
+                      : " counted as measured again, since other cases with the same inputs have "
+                        "different outputs.");
+}
+
+std::string KrigingWarnings::ofNearCases(std::size_t places)
+{
+    return "At " + counted(places, "place") + " cases lie next to each other (less than " +
+           KrigingTexts::figure(ContradictingCases::nearness()) +
+           " of the range of every input apart) but have different outputs: the model smooths "
+           "them.";
+}
+
+std::string KrigingWarnings::ofConflicts(std::size_t points, bool meetsCases)
+{
+    return "At " + counted(points, "point") +
+           " several cases have the same inputs but different outputs: the model " +
+           (meetsCases ? "passes through their mean." : "smooths them.");
+}
+
+std::string KrigingWarnings::ofLoweredTrend(const Lowered& lowered, std::size_t cases)
+{
+    std::string text = orderLowered(lowered.from, lowered.to) + "with " +
+                       counted(cases, "distinct case") +
+                       " a higher one is not seen to predict better";
+    // A search that was given up has no maximum whose figures could be compared.
+    if (lowered.before) {
+        text += ", both measures together (corrected Akaike criterion " +
+                KrigingTexts::figure(lowered.after.akaike) + " instead of " +
+                KrigingTexts::figure(lowered.before->akaike) + ", leave-one-out error " +
+                KrigingTexts::figure(lowered.after.leaveOneOutError) + " instead of " +
+                KrigingTexts::figure(lowered.before->leaveOneOutError) + ")";
+    }
+    return text + ".";
+}
+
+std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
+{
+    return orderLowered(from, to) + counted(cases, "distinct case") +
+           (cases == 1 ? " is" : " are") + " too few for more.";
+}
+
+std::string KrigingWarnings::ofDroppedTerms(const std::vector<std::string>& names)
+{
+    return "Terms of the trend that the cases cannot separate were dropped: " + join(names) + ".";
+}
+
+std::string KrigingWarnings::ofRaisedNugget(double nugget)
+{
+    return "The nugget was raised to " + EquationText::number(nugget) +
+           ": with less the correlation matrix cannot be factorised.";
+}
+
+std::string KrigingWarnings::ofSubset(std::size_t most, std::size_t searched, bool isRefined)
+{
+    return "There are more than " + std::to_string(most) +
+           " distinct cases: the model is the exact one of all of them, with the correlation "
+           "lengths of " +
+           counted(searched, "case") + " spread over all" +
+           (isRefined ? ", refined with all." : ".");
+}
+
+std::string KrigingWarnings::ofSample(std::size_t cases)
+{
+    return "The figures of errors are those of a random sample of " +
+           counted(cases, "distinct case") + ".";
+}

@@ -1,0 +1,455 @@
+#include <mirel_fitting/kriging/fit/KrigingFit.h>
+
+#include "KrigingFitTestSupport.h"
+
+#include <mirel_fitting/FitProgress.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+using Bound = KrigingReport::Bound;
+
+const double infinity = std::numeric_limits<double>::infinity();
+
+} // namespace
+
+TEST(KrigingFit, IgnoresAConstantInput)
+{
+    const Columns inputs = latinHypercube(20, 1, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingFit without = fitOf(inputs, output);
+
+    const KrigingFit with = fitOf({std::vector<double>(20, 5.0), inputs[0]}, output);
+
+    EXPECT_TRUE(warns(with, "V1 is constant over the cases and was ignored."));
+    EXPECT_EQ(with.report.correlationLengths[0], infinity);
+    EXPECT_EQ(with.report.correlationLengths[1], without.report.correlationLengths[0]);
+    EXPECT_EQ(valueAt(with, {123.0, 0.4}), valueAt(without, {0.4}));
+}
+
+TEST(KrigingFit, IgnoresAnInputThatVariesByRoundingOnly)
+{
+    const std::vector<double> output = {1.0, 3.0, 2.0, 5.0, 4.0, 6.0, 3.0};
+    Columns inputs = {{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0}};
+    const double without = valueAt(fitOf(inputs, output, withTrend(1)), {2.5});
+    inputs.push_back({0.3, 0.1 + 0.2, 0.3, 0.3, 0.1 + 0.2, 0.3, 0.3});
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    EXPECT_EQ(valueAt(fit, {2.5, 0.4}), without);
+    EXPECT_TRUE(warns(fit, "V2 is constant over the cases and was ignored."));
+}
+
+TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    KrigingOptions options = withTrend(1);
+    options.correlationLengths = {0.5, 1.0, 0.5};
+
+    const KrigingFit fit = fitOf({inputs[0], std::vector<double>(20, 5.0), inputs[1]},
+                                 valuesOf(wave, inputs), options);
+
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V3"}));
+}
+
+TEST(KrigingFit, PredictsAConstantOutputExactly)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit = fitOf(inputs, std::vector<double>(20, 0.1), withTrend(1));
+
+    EXPECT_EQ(valueAt(fit, {0.3, 0.4}), 0.1);
+    EXPECT_EQ(valueAt(fit, {99.0, -99.0}), 0.1);
+    EXPECT_EQ(fit.metrics.rmse, 0.0);
+    EXPECT_EQ(fit.metrics.looRmse, 0.0);
+    EXPECT_TRUE(std::isnan(fit.metrics.r2));
+    EXPECT_TRUE(std::isnan(fit.metrics.q2));
+    EXPECT_EQ(fit.report.trendTerms, std::vector<std::string>{"1"});
+    EXPECT_EQ(fit.report.trendCoefficients, std::vector<double>{0.1});
+    EXPECT_EQ(fit.report.logLikelihood, infinity);
+    EXPECT_TRUE(warns(fit, "The output is the same in all cases: the prediction is constant."));
+}
+
+TEST(KrigingFit, IsConstantForASingleCase)
+{
+    const KrigingFit fit = fitOf({{2.0}, {3.0}}, {7.5}, withTrend(2));
+
+    EXPECT_EQ(valueAt(fit, {2.0, 3.0}), 7.5);
+    EXPECT_EQ(valueAt(fit, {0.0, 0.0}), 7.5);
+    EXPECT_EQ(fit.metrics.cases, 1u);
+    EXPECT_TRUE(std::isnan(fit.metrics.looRmse));
+    EXPECT_TRUE(warns(fit, "There is only one case: the prediction is constant."));
+}
+
+TEST(KrigingFit, IsTheMeanWithoutInputs)
+{
+    const KrigingFit fit = fitOf({}, {1.0, 2.0, 6.0});
+
+    EXPECT_DOUBLE_EQ(valueAt(fit, {}), 3.0);
+    EXPECT_DOUBLE_EQ(fit.metrics.rmse, std::sqrt(14.0 / 3.0));
+    // Without itself a case is predicted by the mean of the two others: -3, -1.5 and 4.5 off.
+    EXPECT_DOUBLE_EQ(fit.metrics.press, 31.5);
+    EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
+    EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 3.0);
+}
+
+TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
+{
+    for (const double unit : {1e-200, 1e200}) {
+        const KrigingFit fit = fitOf({}, {1.0 * unit, 2.0 * unit, 6.0 * unit});
+
+        EXPECT_DOUBLE_EQ(fit.metrics.rmse / unit, std::sqrt(14.0 / 3.0));
+        EXPECT_DOUBLE_EQ(fit.metrics.looRmse / unit, std::sqrt(31.5 / 3.0));
+        EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
+        EXPECT_NEAR(fit.report.logLikelihood,
+                    fitOf({}, {1.0, 2.0, 6.0}).report.logLikelihood - 3.0 * std::log(unit), 1e-9);
+    }
+}
+
+TEST(KrigingFit, MeetsTheCasesWithAFixedLengthNextToNothing)
+{
+    KrigingOptions options;
+    options.correlationLengths = {1e-320};
+
+    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0, 3.0}}, {1.0, -1.0, 4.0, 2.0}, options);
+
+    EXPECT_NEAR(valueAt(fit, {2.0}), 4.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {2.5}), 1.5, 1e-9);
+}
+
+TEST(KrigingFit, ManagesWithTwoCases)
+{
+    const KrigingFit fit = fitOf({{0.0, 1.0}}, {3.0, 5.0}, withTrend(1));
+
+    EXPECT_NEAR(valueAt(fit, {0.0}), 3.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {1.0}), 5.0, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {0.5}), 4.0, 1e-9);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: 2 distinct cases are "
+                           "too few for more."));
+}
+
+TEST(KrigingFit, MeetsAHandfulOfCasesThatCouldAsWellBeNoise)
+{
+    // No order in three values: a nugget of any size is as likely as short lengths.
+    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0}}, {0.3, 0.5, 0.4});
+
+    EXPECT_NEAR(valueAt(fit, {0.0}), 0.3, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {1.0}), 0.5, 1e-9);
+    EXPECT_NEAR(valueAt(fit, {2.0}), 0.4, 1e-9);
+}
+
+TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
+{
+    // Some of these designs are most likely with a nugget near 1e-6, by less than 2.
+    const auto smooth = [](const std::vector<double>& x) { return 1.0 / (1.0 + x[0] + x[1]); };
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        UniformNumbers numbers(seed);
+        const Columns inputs = {numbers.next(30), numbers.next(30)};
+        const std::vector<double> output = valuesOf(smooth, inputs);
+
+        const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+        EXPECT_LT(fit.metrics.rmse, 1e-6) << "seed " << seed;
+    }
+}
+
+TEST(KrigingFit, LowersTheTrendForFewCases)
+{
+    // Six parameters of a quadratic and a variance: seven cases.
+    const Columns inputs = latinHypercube(6, 2, 3);
+    KrigingOptions options = withTrend(2);
+    options.correlationLengths = {0.5, 0.5};
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
+
+    EXPECT_EQ(fit.report.trendOrder, 1);
+    EXPECT_EQ(fit.metrics.terms, 3u);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 1: 6 distinct cases are "
+                           "too few for more."));
+}
+
+TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), withTrend(1));
+
+    EXPECT_EQ(fit.report.trendOrder, 0);
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1"}));
+    const std::string start = "The order of the trend was lowered from 1 to 0: with 20 distinct "
+                              "cases a higher one is not seen to predict better, both measures "
+                              "together (corrected Akaike criterion ";
+    ASSERT_EQ(std::count_if(fit.warnings.begin(), fit.warnings.end(),
+                            [&](const std::string& text) {
+                                return text.compare(0, start.size(), start) == 0;
+                            }),
+              1);
+    // 2 ln L less of the likelihood that is reported, k = 1 term, 2 lengths and the variance.
+    const double criterion = -2.0 * fit.report.logLikelihood + 8.0 + 40.0 / 15.0;
+    const auto sentence =
+        std::find_if(fit.warnings.begin(), fit.warnings.end(), [&](const std::string& text) {
+            return text.compare(0, start.size(), start) == 0;
+        });
+    EXPECT_NEAR(std::stod(sentence->substr(start.size())), criterion, 1e-5);
+    const std::string middle = ", leave-one-out error ";
+    const std::size_t errors = sentence->find(middle);
+    ASSERT_NE(errors, std::string::npos) << *sentence;
+    EXPECT_NEAR(std::stod(sentence->substr(errors + middle.size())), fit.metrics.looRmse,
+                1e-5 * fit.metrics.looRmse);
+}
+
+TEST(KrigingFit, QuotesNoFiguresOfATrendWhoseSearchWasGivenUp)
+{
+    const Columns inputs = latinHypercube(40, 5, 5);
+    const std::vector<double> output = valuesOf(
+        [](const std::vector<double>& x) { return std::sin(5.0 * x[0]) + std::cos(4.0 * x[1]); },
+        inputs);
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(2)); // 21 terms
+
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 0: with 40 distinct cases "
+                           "a higher one is not seen to predict better."));
+}
+
+TEST(KrigingFit, KeepsATrendThatPredictsBetter)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+    const std::vector<double> output = valuesOf(
+        [](const std::vector<double>& x) {
+            return 5.0 * x[0] - 3.0 * x[1] + 0.1 * std::sin(7.0 * x[0] + 9.0 * x[1]);
+        },
+        inputs);
+
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    EXPECT_EQ(fit.report.trendOrder, 1);
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V2"}));
+}
+
+TEST(KrigingFit, KeepsTheTrendWhereLengthsAreFixed)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+    KrigingOptions options = withTrend(1);
+    options.correlationLengths = {0.5, 0.5};
+
+    EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
+}
+
+TEST(KrigingFit, SaysWhichTermsOfTheTrendWereDropped)
+{
+    // V2 is V1 upside down.
+    Columns inputs = latinHypercube(20, 1, 3);
+    inputs.push_back(inputs[0]);
+    for (double& x : inputs[1]) {
+        x = 3.0 - x;
+    }
+
+    KrigingOptions options = withTrend(1);
+    options.correlationLengths = {0.5, 0.5};
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
+
+    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1"}));
+    EXPECT_TRUE(warns(fit, "Terms of the trend that the cases cannot separate were dropped: V2."));
+}
+
+TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+
+    const KrigingFit fit =
+        fitOf(inputs,
+              valuesOf([](const std::vector<double>& x) { return 4.0 + 3.0 * x[0] - 2.0 * x[1]; },
+                       inputs),
+              withTrend(1));
+
+    EXPECT_NEAR(valueAt(fit, {10.0, 20.0}), -6.0, 1e-12);
+    EXPECT_TRUE(
+        warns(fit, "The trend passes through all cases: there is nothing left to correlate."));
+    ASSERT_EQ(fit.report.trendTerms.size(), 3u);
+    EXPECT_NEAR(fit.report.trendCoefficients[0], 4.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[1], 3.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[2], -2.0, 1e-12);
+}
+
+TEST(KrigingFit, TakesLessThanTheLeastNuggetForNone)
+{
+    const Columns inputs = latinHypercube(30, 1, 3);
+    KrigingOptions options;
+    options.nugget = 1e-15;
+
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
+
+    EXPECT_EQ(fit.report.noiseDeviation, 0.0);
+    EXPECT_LT(fit.metrics.rmse, 1e-9);
+}
+
+TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
+{
+    // With infinite lengths all cases are one; their nugget is all that tells them apart.
+    const Columns inputs = latinHypercube(30, 1, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    KrigingOptions options;
+    options.correlationLengths = {infinity};
+    options.isNuggetFixed = true;
+
+    const KrigingFit fit = fitOf(inputs, output, options);
+
+    EXPECT_GT(fit.metrics.rmse, 0.1);
+    EXPECT_NEAR(fit.report.noiseDeviation, fit.metrics.rmse, 0.01 * fit.metrics.rmse);
+}
+
+TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
+{
+    int alone = 0; // fits in which no case tells anything about another
+    // Noise of which the likelihood prefers spikes by a little.
+    for (const std::uint64_t seed : {9, 15, 32}) {
+        UniformNumbers numbers(seed);
+        std::vector<double> noise;
+        for (std::size_t i = 0; i < 60; ++i) {
+            noise.push_back(numbers.normal());
+        }
+
+        const KrigingFit fit = fitOf(latinHypercube(60, 2, seed), noise);
+
+        if (fit.report.lengthBounds == std::vector<Bound>(2, Bound::Lower)) {
+            ++alone;
+            EXPECT_EQ(fit.report.nuggetBound, Bound::Upper) << seed;
+            EXPECT_TRUE(warns(fit, "The nugget is at its upper bound, 100 times the process "
+                                   "variance: beyond the trend the cases show no correlation."))
+                << seed;
+        }
+    }
+    EXPECT_GT(alone, 0);
+}
+
+TEST(KrigingFit, ReportsAFractionThatNeverDecreases)
+{
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        // A plane with noise: of the trends that are tried the linear one is searched to the end.
+        const Columns inputs = latinHypercube(30, 2, seed);
+        UniformNumbers numbers(seed);
+        const std::vector<double> output = valuesOf(
+            [&](const std::vector<double>& x) { return 9.0 * x[0] - x[1] + numbers.normal(); },
+            inputs);
+        double last = 0.0;
+        bool decreases = false;
+        {
+            const FitProgress progress([&](double fraction, const std::string&) {
+                decreases = decreases || fraction < last;
+                last = fraction;
+                return true;
+            });
+            fitOf(inputs, output, withTrend(1));
+        }
+
+        EXPECT_FALSE(decreases) << seed;
+        EXPECT_EQ(last, 1.0);
+    }
+}
+
+TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
+{
+    Columns inputs = latinHypercube(25, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingFit fit = fitOf(inputs, output);
+    for (std::vector<double>* column : {&inputs[0], &inputs[1], &output}) {
+        std::rotate(column->begin(), column->begin() + 9, column->end());
+        std::swap(column->front(), column->back());
+    }
+
+    const KrigingFit permuted = fitOf(inputs, output);
+
+    EXPECT_EQ(permuted.report.logLikelihood, fit.report.logLikelihood);
+    EXPECT_EQ(permuted.report.correlationLengths, fit.report.correlationLengths);
+    EXPECT_EQ(valueAt(permuted, {0.3, 0.6}), valueAt(fit, {0.3, 0.6}));
+    EXPECT_EQ(permuted.metrics.q2, fit.metrics.q2);
+}
+
+TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
+{
+    std::vector<double> output = UniformNumbers(3).next(50);
+    const KrigingFit fit = fitOf({}, output);
+    std::sort(output.begin(), output.end());
+
+    const KrigingFit permuted = fitOf({}, output);
+
+    EXPECT_EQ(permuted.report.processVariance, fit.report.processVariance);
+    EXPECT_EQ(permuted.metrics.looRmse, fit.metrics.looRmse);
+}
+
+TEST(KrigingFit, IsTheSameInUnitsOfAPowerOfTwo)
+{
+    // Nothing is rounded in going from one to the other, so every digit is kept.
+    const Columns inputs = latinHypercube(25, 2, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const double inputUnit = std::ldexp(1.0, 40);
+    const double outputUnit = std::ldexp(1.0, -40);
+    Columns otherInputs = inputs;
+    std::vector<double> otherOutput = output;
+    for (double& x : otherInputs[0]) {
+        x *= inputUnit;
+    }
+    for (double& y : otherOutput) {
+        y *= outputUnit;
+    }
+    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
+
+    const KrigingFit other = fitOf(otherInputs, otherOutput, withTrend(1));
+
+    EXPECT_EQ(valueAt(other, {0.3 * inputUnit, 0.6}) / outputUnit, valueAt(fit, {0.3, 0.6}));
+    EXPECT_EQ(other.report.correlationLengths[0] / inputUnit, fit.report.correlationLengths[0]);
+    EXPECT_EQ(other.metrics.q2, fit.metrics.q2);
+}
+
+struct Unit
+{
+    double inputScale;
+    double inputShift;
+    double outputScale;
+    double outputShift;
+};
+
+class KrigingFitInUnits : public testing::TestWithParam<Unit>
+{};
+
+TEST_P(KrigingFitInUnits, IsTheSameFit)
+{
+    const Unit unit = GetParam();
+    const Columns inputs = latinHypercube(25, 2, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    KrigingOptions options = withTrend(1);
+    options.nugget = 1e-6; // so that rounding of the shifted numbers counts for little
+    const KrigingFit fit = fitOf(inputs, output, options);
+    Columns otherInputs = inputs;
+    std::vector<double> otherOutput = output;
+    for (double& x : otherInputs[0]) {
+        x = unit.inputShift + unit.inputScale * x;
+    }
+    for (double& y : otherOutput) {
+        y = unit.outputShift + unit.outputScale * y;
+    }
+
+    const KrigingFit other = fitOf(otherInputs, otherOutput, options);
+
+    const double x = unit.inputShift + unit.inputScale * 0.3;
+    EXPECT_NEAR((valueAt(other, {x, 0.6}) - unit.outputShift) / unit.outputScale,
+                valueAt(fit, {0.3, 0.6}), 1e-5);
+    EXPECT_NEAR(other.report.correlationLengths[0] / unit.inputScale,
+                fit.report.correlationLengths[0], 1e-3 * fit.report.correlationLengths[0]);
+    EXPECT_NEAR(other.report.logLikelihood + 25.0 * std::log(unit.outputScale),
+                fit.report.logLikelihood, 25 * 1e-4);
+    EXPECT_NEAR(other.metrics.q2, fit.metrics.q2, 1e-6);
+}
+
+// Shifts of at most 1e6 scales: a double has 16 digits, so that ten of the data are left.
+INSTANTIATE_TEST_SUITE_P(RawUnits, KrigingFitInUnits,
+                         testing::Values(Unit{1e-12, 0.0, 1.0, 0.0}, Unit{1e12, 0.0, 1.0, 0.0},
+                                         Unit{1.0, 0.0, 1e-12, 0.0}, Unit{1.0, 0.0, 1e12, 0.0},
+                                         Unit{1e12, 1e15, 1e-12, 1e-9},
+                                         Unit{1e-12, -1e-7, 1e12, -1e17},
+                                         Unit{1e6, 1e12, 1e6, 1e12}));

@@ -1,0 +1,271 @@
+#include <mirel_fitting/kriging/grid/AxisSums.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t lanes = MaternKernels::lanes;
+
+// A state: the moments of the cases on the right, of those on the left, and the trend.
+constexpr std::size_t onRight = 0;
+constexpr std::size_t onLeft = 3;
+constexpr std::size_t trend = 6;
+constexpr std::size_t momentCount = 3;
+constexpr std::size_t leftAndTrend = 5;
+
+/** Correlations beyond are 0 to every digit. */
+double capped(double distance)
+{
+    return std::min(distance, MaternKernels::farthest);
+}
+
+std::size_t panelsFor(std::size_t values)
+{
+    return (values + AxisSums::panelSize - 1) / AxisSums::panelSize;
+}
+
+/** Balances the states, two steps with `lanes` columns each per block, against the cases of a block
+ *  that each of its panels meets one by one. Few cases per block gain nothing any more. */
+std::size_t blockCountFor(std::size_t cases, std::size_t panels)
+{
+    const double best = std::sqrt(static_cast<double>(panels) * static_cast<double>(cases) /
+                                  static_cast<double>(lanes));
+    const std::size_t most = std::min(panels, std::max<std::size_t>(cases / 2, 1));
+    return std::clamp<std::size_t>(static_cast<std::size_t>(best), 1, most);
+}
+
+} // namespace
+
+AxisSums::AxisSums(Axis givenAxis)
+    : axis(std::move(givenAxis)), panelCount(panelsFor(axis.values.size())),
+      values(panelCount * panelSize), offsets(panelCount * panelSize)
+{
+    axis.slopes.resize(panelCount * panelSize, 0.0);
+    std::copy(axis.values.begin(), axis.values.end(), values.data());
+    std::fill(values.data() + axis.values.size(), values.data() + panelCount * panelSize,
+              axis.values.back());
+    std::copy(axis.offsets.begin(), axis.offsets.end(), offsets.data());
+    placeBlocks();
+    computeMoments();
+    computeShifts();
+}
+
+double AxisSums::costPerRow(std::size_t cases, std::size_t values)
+{
+    const std::size_t panels = panelsFor(values);
+    const std::size_t blockCount = blockCountFor(cases, panels);
+    const double perPanel =
+        static_cast<double>(cases) / static_cast<double>(blockCount) + lanes + 4;
+    return static_cast<double>(cases) + 12.0 * static_cast<double>(blockCount) +
+           static_cast<double>(panels) * perPanel;
+}
+
+void AxisSums::placeBlocks()
+{
+    const std::size_t count = blockCountFor(axis.cases.size(), panelCount);
+    const auto boundAt = [this](double anchor) {
+        return static_cast<std::size_t>(
+            std::upper_bound(axis.cases.begin(), axis.cases.end(), anchor) - axis.cases.begin());
+    };
+    bounds.push_back(0);
+    for (std::size_t b = 0; b < count; ++b) {
+        const std::size_t firstPanel = b * panelCount / count;
+        anchors.push_back(values.data()[firstPanel * panelSize]);
+        bounds.push_back(boundAt(anchors.back()));
+        blocks.push_back({firstPanel, (b + 1) * panelCount / count, 0, 0});
+    }
+    anchors.push_back(axis.values.back());
+    bounds.push_back(boundAt(anchors.back()));
+    bounds.push_back(axis.cases.size());
+    for (std::size_t b = 0; b < count; ++b) {
+        blocks[b].firstCase = bounds[b + 1];
+        blocks[b].lastCase = bounds[b + 2];
+    }
+}
+
+/** Of each case about the next anchor, for what is right of it, and about the one before. */
+void AxisSums::computeMoments()
+{
+    moments = AlignedBuffer(axis.cases.size() * lanes);
+    for (std::size_t h = 0; h + 1 < bounds.size(); ++h) {
+        for (std::size_t j = bounds[h]; j < bounds[h + 1]; ++j) {
+            double* moment = moments.data() + j * lanes;
+            const auto add = [&](std::size_t lane, double distance) {
+                const double t = capped(distance);
+                const double decay = std::exp(-t);
+                moment[lane] = decay;
+                moment[lane + 1] = t * decay;
+                moment[lane + 2] = t * t * decay;
+            };
+            if (h < anchors.size()) {
+                add(onLeft, anchors[h] - axis.cases[j]);
+            }
+            if (h > 0) {
+                add(onRight, axis.cases[j] - anchors[h - 1]);
+            }
+        }
+    }
+}
+
+/**
+ * Moments about an anchor that is d further away: m_q becomes the sum of the binomials times
+ * d^(q - p) m_p, times exp(-d). Five columns, for the moments on the left and the trend, then three
+ * for those on the right, of the step from each location to the next.
+ */
+void AxisSums::computeShifts()
+{
+    constexpr std::size_t columns = leftAndTrend + momentCount;
+    const std::size_t steps = bounds.size() - 1;
+    shifts = AlignedBuffer(steps * columns * lanes);
+    // The rounding of the factors must not add up: each makes good what those before it are off.
+    long double missing = 0.0L;
+    for (std::size_t h = 0; h < steps; ++h) {
+        double* shift = shifts.data() + h * columns * lanes;
+        for (std::size_t q = 0; q < 2; ++q) {
+            shift[(momentCount + q) * lanes + trend + q] = 1.0;
+        }
+        if (h == 0 || h >= anchors.size()) {
+            continue; // nothing lies beyond
+        }
+        const double d = capped(anchors[h] - anchors[h - 1]);
+        const double decay = static_cast<double>(std::exp(missing - d));
+        missing = decay > 0.0 ? missing - d - std::log(static_cast<long double>(decay)) : 0.0L;
+        const double columnsOfMoments[momentCount][momentCount] = {
+            {decay, d * decay, d * d * decay}, {0.0, decay, 2.0 * d * decay}, {0.0, 0.0, decay}};
+        for (std::size_t q = 0; q < momentCount; ++q) {
+            std::copy_n(columnsOfMoments[q], momentCount, shift + q * lanes + onLeft);
+            std::copy_n(columnsOfMoments[q], momentCount,
+                        shift + (leftAndTrend + q) * lanes + onRight);
+        }
+    }
+}
+
+void AxisSums::condense(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
+                        double* states) const
+{
+    constexpr std::size_t shiftSize = (leftAndTrend + momentCount) * lanes;
+    const MaternKernels& kernels = MaternKernels::best();
+    const std::size_t rows = trends.size();
+    const AlignedBuffer zeros(lanes);
+    for (std::size_t i = 0; i < rows; ++i) {
+        double* state = states + i * stateSize();
+        std::fill_n(state, lanes, 0.0);
+        state[trend] = trends[i].constant;
+        state[trend + 1] = trends[i].slope;
+    }
+
+    // Location h + 1: moments on the left about anchor h, of all cases up to it; on the right about
+    // anchor h - 1, first of the cases up to anchor h, then of all beyond.
+    const std::size_t locations = bounds.size() - 1;
+    for (std::size_t h = 0; h < locations; ++h) {
+        double* state = states + h * lanes;
+        const MaternKernels::Product products[] = {
+            {shifts.data() + h * shiftSize, lanes, state + onLeft, stateSize(), leftAndTrend},
+            {moments.data() + bounds[h] * lanes, lanes, weights + bounds[h], stride,
+             bounds[h + 1] - bounds[h]}};
+        kernels.addProducts(products, 2, zeros.data(), 0, rows, state + lanes, stateSize());
+    }
+    for (std::size_t h = anchors.size() - 1; h >= 2; --h) {
+        double* state = states + (h + 1) * lanes;
+        const MaternKernels::Product product = {
+            shifts.data() + h * shiftSize + leftAndTrend * lanes, lanes, state + lanes + onRight,
+            stateSize(), momentCount};
+        kernels.addProducts(&product, 1, state, stateSize(), rows, state, stateSize());
+    }
+}
+
+std::size_t AxisSums::tableSize(const Block& block, std::size_t panels) const
+{
+    return (lanes + block.lastCase - block.firstCase) * panels * panelSize;
+}
+
+std::size_t AxisSums::largestPanelTable() const
+{
+    std::size_t largest = 0;
+    for (const Block& block : blocks) {
+        largest = std::max(largest, tableSize(block, 1));
+    }
+    return largest;
+}
+
+/** By rows of as many numbers as there are values: moments on the right, moments on the left,
+ * trend, cases. */
+void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t panels,
+                        double* table) const
+{
+    const auto number = static_cast<std::size_t>(&block - blocks.data());
+    const std::size_t count = panels * panelSize;
+    const double* x = values.data() + firstPanel * panelSize;
+    const MaternKernels::Points points{x, count, count};
+    const MaternKernels& kernels = MaternKernels::best();
+    constexpr auto reach = MaternKernels::Reach::Unlimited;
+
+    const auto tabulateAnchor = [&](double anchor, double* rows) {
+        kernels.correlate(points, {&anchor, 1, 1, reach}, rows, count);
+        for (std::size_t v = 0; v < count; ++v) {
+            const double u = capped(std::fabs(x[v] - anchor));
+            const double unit = rows[v] / (3.0 + u * (3.0 + u));
+            rows[count + v] = unit * (3.0 + 2.0 * u);
+            rows[2 * count + v] = unit;
+        }
+    };
+    tabulateAnchor(anchors[number + 1], table + onRight * count);
+    tabulateAnchor(anchors[number], table + onLeft * count);
+    std::fill_n(table + trend * count, count, 1.0);
+    std::copy_n(axis.slopes.data() + firstPanel * panelSize, count, table + (trend + 1) * count);
+    kernels.correlate(
+        points, {axis.cases.data() + block.firstCase, 1, block.lastCase - block.firstCase, reach},
+        table + lanes * count, count);
+}
+
+AxisSums::Table::Table(const AxisSums& sums, std::size_t firstPanel, std::size_t panelCount)
+{
+    constexpr std::size_t mostPanels = 64; // of a stretch: its values stay in the cache
+    const std::size_t lastPanel = firstPanel + panelCount;
+    std::size_t position = 0;
+    auto block = std::partition_point(
+        sums.blocks.begin(), sums.blocks.end(),
+        [firstPanel](const Block& candidate) { return candidate.lastPanel <= firstPanel; });
+    for (std::size_t p = firstPanel; p < lastPanel; ++block) {
+        const std::size_t end = std::min(lastPanel, block->lastPanel);
+        while (p < end) {
+            const std::size_t panels = std::min(mostPanels, end - p);
+            stretches.push_back(
+                {static_cast<std::size_t>(block - sums.blocks.begin()), p, panels, position});
+            position += sums.tableSize(*block, panels);
+            p += panels;
+        }
+    }
+    buffer = AlignedBuffer::uninitialised(position);
+    for (const Stretch& stretch : stretches) {
+        sums.tabulate(sums.blocks[stretch.block], stretch.firstPanel, stretch.panels,
+                      buffer.data() + stretch.position);
+    }
+}
+
+void AxisSums::evaluate(const Table& table, const double* weights, std::size_t stride,
+                        const double* states, std::size_t rows, double* result,
+                        std::size_t resultStride) const
+{
+    const MaternKernels& kernels = MaternKernels::best();
+    const std::size_t first = table.stretches.front().firstPanel;
+    for (const Table::Stretch& stretch : table.stretches) {
+        const Block& block = blocks[stretch.block];
+        const std::size_t leftStride = stretch.panels * panelSize;
+        const double* state = states + (stretch.block + 1) * lanes;
+        for (std::size_t p = 0; p < stretch.panels; ++p) {
+            const double* left = table.buffer.data() + stretch.position + p * panelSize;
+            const MaternKernels::Product products[] = {
+                {left + onRight * leftStride, leftStride, state + 2 * lanes + onRight, stateSize(),
+                 momentCount},
+                {left + onLeft * leftStride, leftStride, state + onLeft, stateSize(), leftAndTrend},
+                {left + lanes * leftStride, leftStride, weights + block.firstCase, stride,
+                 block.lastCase - block.firstCase}};
+            const std::size_t panel = stretch.firstPanel + p;
+            kernels.addProducts(products, 3, offsets.data() + panel * panelSize, 0, rows,
+                                result + (panel - first) * panelSize, resultStride);
+        }
+    }
+}

@@ -1,0 +1,526 @@
+#include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
+
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
+#include <mirel_fitting/numerics/BlockedCholesky.h>
+#include <mirel_fitting/numerics/LazyZeros.h>
+
+#include <cblas.h>
+#include <lapacke.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+const double twoPi = 2.0 * std::acos(-1.0);
+// Of a large matrix, in what takes a fraction of a tenth of a second.
+constexpr std::size_t columnsAtOnce = 512;
+
+constexpr double impossible = -std::numeric_limits<double>::infinity();
+
+/** What is gathered from the columns of the inverse, as they come. */
+struct DerivativeTotals
+{
+    std::vector<double> sums;     ///< one per input
+    std::vector<double> products; ///< of the derivatives of R with alpha, one column per input
+    std::vector<double> diagonal; ///< of the inverse
+};
+
+class DerivativeVisitor : public BlockedCholesky::Visitor
+{
+public:
+    /** @param alpha MaternCorrelation::productStride() elements. */
+    DerivativeVisitor(const MaternCorrelation& correlation, const double* correlations,
+                      const std::vector<double>& alpha, double variance, DerivativeTotals& totals)
+        : correlation(correlation), correlations(correlations), alpha(alpha),
+          factor(1.0 / variance), totals(totals)
+    {}
+
+    void visit(std::size_t first, std::size_t columns, const double* block,
+               std::size_t stride) override
+    {
+        part.sums.assign(totals.sums.size(), 0.0);
+        part.products.assign(totals.products.size(), 0.0);
+        correlation.addDerivatives(first, first + columns, correlations, block, stride,
+                                   alpha.data(), factor, part.sums.data(), part.products.data());
+        part.diagonal.resize(columns);
+        for (std::size_t j = 0; j < columns; ++j) {
+            part.diagonal[j] = block[j * stride + j];
+        }
+    }
+
+    void handOver() override
+    {
+        add(part.sums, totals.sums);
+        add(part.products, totals.products);
+        totals.diagonal.insert(totals.diagonal.end(), part.diagonal.begin(), part.diagonal.end());
+    }
+
+private:
+    static void add(const std::vector<double>& from, std::vector<double>& to)
+    {
+        for (std::size_t i = 0; i < to.size(); ++i) {
+            to[i] += from[i];
+        }
+    }
+
+    const MaternCorrelation& correlation;
+    const double* correlations;
+    const std::vector<double>& alpha;
+    double factor;
+    DerivativeTotals& totals;
+    DerivativeTotals part;
+};
+
+class DiagonalOfInverse : public BlockedCholesky::Visitor
+{
+public:
+    explicit DiagonalOfInverse(std::vector<double>& diagonal) : diagonal(diagonal) {}
+
+    void visit(std::size_t /*first*/, std::size_t columns, const double* block,
+               std::size_t stride) override
+    {
+        elements.resize(columns);
+        for (std::size_t j = 0; j < columns; ++j) {
+            elements[j] = block[j * stride + j];
+        }
+    }
+
+    void handOver() override { diagonal.insert(diagonal.end(), elements.begin(), elements.end()); }
+
+private:
+    std::vector<double>& diagonal;
+    std::vector<double> elements;
+};
+
+} // namespace
+
+class KrigingLikelihood::Impl
+{
+public:
+    Impl(std::shared_ptr<const KrigingData> source, KrigingLikelihood::Report report)
+        : data(std::move(source)), n(data->cases), p(data->terms),
+          correlation(n, data->inputs, data->coordinates.data()), correlations(n * n),
+          cholesky(n, threadCount(), std::move(report))
+    {
+        for (std::size_t i = 0; i < n; ++i) {
+            rowCount += data->rows[i];
+            logRows += std::log(data->rows[i]);
+            scatter += data->scatter[i];
+        }
+    }
+
+    bool factorise();
+    bool estimateTrend();
+    bool orthonormalise();
+    double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
+    std::vector<double> residuals() const;
+    void subtractCorrelated(std::vector<double>& outputs) const;
+    double normOfInverse() const;
+    double logLikelihood();
+    void differentiate();
+
+    std::shared_ptr<const KrigingData> data;
+    std::size_t n;
+    std::size_t p;
+    double rowCount = 0.0;
+    double logRows = 0.0;
+    double scatter = 0.0;
+
+    MaternCorrelation correlation;
+    LazyZeros correlations;   // lower triangle of C
+    BlockedCholesky cholesky; // L of R = L L'
+
+    double nugget = 0.0;
+    double logDeterminant = 0.0;
+    double variance = 0.0;
+    std::vector<double> basis;    // orthonormal: Q of L^-1 F = Q T
+    std::vector<double> triangle; // T, p x p
+    std::vector<double> beta;
+    std::vector<double> alpha;
+    std::vector<double> refinedAlpha;
+    bool isDifferentiated = false;
+    DerivativeTotals derivatives;
+};
+
+bool KrigingLikelihood::Impl::factorise()
+{
+    double* matrix = cholesky.values();
+    const auto order = static_cast<double>(n);
+    cholesky.forColumns(order * order, [&](std::size_t first, std::size_t last) {
+        correlation.fillLower(first, last, correlations.data());
+        for (std::size_t j = first; j < last; ++j) {
+            const std::size_t diagonal = j * n + j;
+            std::copy_n(correlations.data() + diagonal, n - j, matrix + diagonal);
+            matrix[diagonal] += nugget / data->rows[j];
+        }
+    });
+    if (!cholesky.factorise()) {
+        return false;
+    }
+    logDeterminant = 0.0;
+    for (std::size_t j = 0; j < n; ++j) {
+        logDeterminant += 2.0 * std::log(matrix[j * n + j]);
+    }
+    return std::isfinite(logDeterminant);
+}
+
+bool KrigingLikelihood::Impl::estimateTrend()
+{
+    basis = data->trend;
+    cholesky.solveLower(basis.data(), p);
+    if (!orthonormalise()) {
+        return false;
+    }
+
+    alpha = data->output;
+    variance = solve(alpha, beta);
+    if (scatter > 0.0) {
+        variance += scatter / nugget;
+    }
+    variance /= rowCount;
+    refinedAlpha = alpha;
+    return variance > 0.0 && std::isfinite(variance);
+}
+
+/**
+ * L^-1 F = Q T by Gram-Schmidt, each column twice: then Q is orthogonal to the last digits. Giraud,
+ * Langou, Rozloznik: The loss of orthogonality in the Gram-Schmidt orthogonalization process,
+ * Computers and Mathematics with Applications 50 (2005).
+ */
+bool KrigingLikelihood::Impl::orthonormalise()
+{
+    const int order = static_cast<int>(n);
+    triangle.assign(p * p, 0.0);
+    for (std::size_t j = 0; j < p; ++j) {
+        double* column = basis.data() + j * n;
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = 0; i < j; ++i) {
+                const double* earlier = basis.data() + i * n;
+                const double part = cblas_ddot(order, earlier, 1, column, 1);
+                cblas_daxpy(order, -part, earlier, 1, column, 1);
+                triangle[j * p + i] += part;
+            }
+        }
+        const double length = cblas_dnrm2(order, column, 1);
+        if (!(length > 0.0) || !std::isfinite(length)) {
+            return false;
+        }
+        triangle[j * p + j] = length;
+        cblas_dscal(order, 1.0 / length, column, 1);
+    }
+    return true;
+}
+
+/**
+ * Generalised least squares: `right` becomes R^-1 times what the trend leaves of it.
+ * @return the weighted square of what is left.
+ */
+double KrigingLikelihood::Impl::solve(std::vector<double>& right,
+                                      std::vector<double>& coefficients) const
+{
+    const int order = static_cast<int>(n);
+    const int terms = static_cast<int>(p);
+    cholesky.solveLower(right.data(), 1);
+
+    // The second round removes the rounding of the first, which is large where the trend explains
+    // nearly everything.
+    coefficients.assign(p, 0.0);
+    for (int round = 0; round < 2; ++round) {
+        for (std::size_t j = 0; j < p; ++j) {
+            const double* direction = basis.data() + j * n;
+            const double part = cblas_ddot(order, direction, 1, right.data(), 1);
+            cblas_daxpy(order, -part, direction, 1, right.data(), 1);
+            coefficients[j] += part;
+        }
+    }
+    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, terms, triangle.data(),
+                terms, coefficients.data(), 1);
+
+    const double squares = cblas_ddot(order, right.data(), 1, right.data(), 1);
+    cholesky.solveTransposed(right.data(), 1);
+    return squares;
+}
+
+/** The outputs minus trend and correlated part, without nugget. */
+std::vector<double> KrigingLikelihood::Impl::residuals() const
+{
+    const int order = static_cast<int>(n);
+    std::vector<double> result = data->output;
+    cblas_dgemv(CblasColMajor, CblasNoTrans, order, static_cast<int>(p), -1.0, data->trend.data(),
+                order, beta.data(), 1, 1.0, result.data(), 1);
+    subtractCorrelated(result);
+    return result;
+}
+
+/** What the correlations and the weights predict, a part of the matrix at a time. */
+void KrigingLikelihood::Impl::subtractCorrelated(std::vector<double>& outputs) const
+{
+    const int stride = static_cast<int>(n);
+    for (std::size_t first = 0; first < n; first += columnsAtOnce) {
+        const std::size_t width = std::min(columnsAtOnce, n - first);
+        const std::size_t last = first + width;
+        const int columns = static_cast<int>(width);
+        const int below = static_cast<int>(n - last);
+        const double* corner = correlations.data() + first * n + first;
+        cblas_dsymv(CblasColMajor, CblasLower, columns, -1.0, corner, stride,
+                    refinedAlpha.data() + first, 1, 1.0, outputs.data() + first, 1);
+        if (below > 0) {
+            cblas_dgemv(CblasColMajor, CblasNoTrans, below, columns, -1.0, corner + width, stride,
+                        refinedAlpha.data() + first, 1, 1.0, outputs.data() + last, 1);
+            cblas_dgemv(CblasColMajor, CblasTrans, below, columns, -1.0, corner + width, stride,
+                        refinedAlpha.data() + last, 1, 1.0, outputs.data() + first, 1);
+        }
+        cholesky.tell(0.0);
+    }
+}
+
+/** Higham's estimate in the 1-norm. */
+double KrigingLikelihood::Impl::normOfInverse() const
+{
+    std::vector<double> probe(n);
+    std::vector<double> work(n);
+    std::vector<lapack_int> signs(n);
+    std::array<lapack_int, 3> memory{};
+    double estimate = 0.0;
+    lapack_int request = 0; // for R^-1 or its transpose, which is the same, times the probe
+    const auto ask = [&] {
+        LAPACKE_dlacn2_work(static_cast<lapack_int>(n), work.data(), probe.data(), signs.data(),
+                            &estimate, &request, memory.data());
+    };
+    for (ask(); request != 0; ask()) {
+        cholesky.solveLower(probe.data(), 1);
+        cholesky.solveTransposed(probe.data(), 1);
+    }
+    return estimate;
+}
+
+double KrigingLikelihood::Impl::logLikelihood()
+{
+    double determinant = logDeterminant;
+    const double repeated = rowCount - static_cast<double>(n);
+    if (repeated > 0.0) {
+        determinant += repeated * std::log(nugget) + logRows;
+    }
+    return -0.5 * (rowCount * std::log(twoPi * variance) + determinant + rowCount);
+}
+
+/** Once for each evaluation: gradient and information are made of the same derivatives. */
+void KrigingLikelihood::Impl::differentiate()
+{
+    if (isDifferentiated) {
+        return;
+    }
+    const std::size_t stride = correlation.productStride();
+    std::vector<double> vector(stride, 0.0);
+    std::copy(alpha.begin(), alpha.end(), vector.begin());
+    derivatives.sums.assign(data->inputs, 0.0);
+    derivatives.products.assign(stride * data->inputs, 0.0);
+    derivatives.diagonal.clear();
+    cholesky.visitInverse([&] {
+        return std::make_unique<DerivativeVisitor>(correlation, correlations.data(), vector,
+                                                   variance, derivatives);
+    });
+    isDifferentiated = true;
+}
+
+KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report)
+    : impl(std::make_unique<Impl>(std::move(data), std::move(report)))
+{}
+
+KrigingLikelihood::~KrigingLikelihood() = default;
+
+double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nugget)
+{
+    const SingleThreadedBlas singleThreaded;
+    impl->nugget = nugget;
+    impl->isDifferentiated = false;
+    impl->correlation.setLengths(lengths);
+    if (!impl->factorise() || !impl->estimateTrend()) {
+        return impossible;
+    }
+    const double value = impl->logLikelihood();
+    return std::isfinite(value) ? value : impossible;
+}
+
+void KrigingLikelihood::gradient(std::vector<double>& result)
+{
+    const SingleThreadedBlas singleThreaded;
+    impl->differentiate();
+    result = impl->derivatives.sums;
+
+    // The rows that a case stands for share its nugget.
+    double explained = impl->scatter > 0.0 ? impl->scatter / impl->nugget : 0.0;
+    double trace = impl->rowCount - static_cast<double>(impl->n);
+    for (std::size_t i = 0; i < impl->n; ++i) {
+        const double share = impl->nugget / impl->data->rows[i];
+        explained += share * impl->alpha[i] * impl->alpha[i];
+        trace += share * impl->derivatives.diagonal[i];
+    }
+    result.push_back(0.5 * (explained / impl->variance - trace));
+}
+
+void KrigingLikelihood::averageInformation(std::vector<double>& result)
+{
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t n = impl->n;
+    const std::size_t count = impl->data->inputs + 1;
+    const int order = static_cast<int>(n);
+    const int columns = static_cast<int>(count);
+    const int terms = static_cast<int>(impl->p);
+
+    // Column k: the derivative of R by parameter k, times R^-1 r.
+    impl->differentiate();
+    std::vector<double> changes;
+    changes.reserve(n * count);
+    for (std::size_t k = 0; k + 1 < count; ++k) {
+        const double* column =
+            impl->derivatives.products.data() + k * impl->correlation.productStride();
+        changes.insert(changes.end(), column, column + n);
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        changes.push_back(impl->nugget / impl->data->rows[i] * impl->alpha[i]);
+    }
+    std::vector<double> slopes(count);
+    for (std::size_t k = 0; k < count; ++k) {
+        slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * n, 1);
+    }
+
+    // Made white, and what the trend takes up removed.
+    impl->cholesky.solveLower(changes.data(), count);
+    std::vector<double> parts(impl->p * count);
+    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, columns, order, 1.0,
+                impl->basis.data(), order, changes.data(), order, 0.0, parts.data(), terms);
+    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, columns, terms, -1.0,
+                impl->basis.data(), order, parts.data(), terms, 1.0, changes.data(), order);
+    result.assign(count * count, 0.0);
+    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
+                changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
+    if (impl->scatter > 0.0) {
+        slopes.back() += impl->scatter / impl->nugget;
+        result.back() += impl->scatter / impl->nugget;
+    }
+
+    // The variance is profiled out.
+    const double squares = impl->variance * impl->rowCount;
+    for (std::size_t k = 0; k < count; ++k) {
+        for (std::size_t l = 0; l < count; ++l) {
+            double& element = result[k * count + l];
+            element = 0.5 * (element - slopes[k] * slopes[l] / squares) / impl->variance;
+        }
+    }
+}
+
+double KrigingLikelihood::processVariance() const
+{
+    return impl->variance;
+}
+
+const std::vector<double>& KrigingLikelihood::coefficients() const
+{
+    return impl->beta;
+}
+
+const std::vector<double>& KrigingLikelihood::weights() const
+{
+    return impl->refinedAlpha;
+}
+
+void KrigingLikelihood::refineWithoutNugget()
+{
+    constexpr int mostRounds = 20;
+    constexpr double worthARound = 0.7; // of the residual must be left at most
+
+    const SingleThreadedBlas singleThreaded;
+    const int order = static_cast<int>(impl->n);
+    std::vector<double> residuals = impl->residuals();
+    double left = cblas_dnrm2(order, residuals.data(), 1);
+    std::vector<double> correction;
+    for (int round = 0; round < mostRounds; ++round) {
+        impl->cholesky.tell(0.0);
+        const std::vector<double> beta = impl->beta;
+        const std::vector<double> alpha = impl->refinedAlpha;
+        impl->solve(residuals, correction);
+        for (std::size_t t = 0; t < impl->p; ++t) {
+            impl->beta[t] += correction[t];
+        }
+        for (std::size_t i = 0; i < impl->n; ++i) {
+            impl->refinedAlpha[i] += residuals[i];
+        }
+        residuals = impl->residuals();
+        const double now = cblas_dnrm2(order, residuals.data(), 1);
+        if (!(now < left)) {
+            impl->beta = beta;
+            impl->refinedAlpha = alpha;
+            return;
+        }
+        if (now > worthARound * left) {
+            return;
+        }
+        left = now;
+    }
+}
+
+std::vector<double> KrigingLikelihood::residuals() const
+{
+    const SingleThreadedBlas singleThreaded;
+    return impl->residuals();
+}
+
+double KrigingLikelihood::conditionEstimate() const
+{
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t n = impl->n;
+    std::vector<double> sums(n); // of the magnitudes of each column; correlations are positive
+    for (std::size_t j = 0; j < n; ++j) {
+        if (j % columnsAtOnce == 0) {
+            impl->cholesky.tell(0.0);
+        }
+        const double* column = impl->correlations.data() + j * n;
+        sums[j] += 1.0 + impl->nugget / impl->data->rows[j];
+        for (std::size_t i = j + 1; i < n; ++i) {
+            sums[j] += column[i];
+            sums[i] += column[i];
+        }
+    }
+    return *std::max_element(sums.begin(), sums.end()) * impl->normOfInverse();
+}
+
+std::vector<double> KrigingLikelihood::leaveOneOutResiduals(std::vector<double>* variances)
+{
+    // Less than this share of a diagonal element left over is its rounding error: without the case
+    // the trend is not determined.
+    constexpr double determined = 1e-10;
+
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t n = impl->n;
+    std::vector<double> projected = impl->basis;
+    impl->cholesky.solveTransposed(projected.data(), impl->p);
+    std::vector<double> diagonals;
+    impl->cholesky.visitInverse([&] { return std::make_unique<DiagonalOfInverse>(diagonals); });
+
+    // The diagonal of Q = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; Q y are the weights.
+    std::vector<double> residuals(n);
+    if (variances) {
+        variances->assign(n, std::numeric_limits<double>::quiet_NaN());
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        const double diagonal = diagonals[i];
+        double left = diagonal;
+        for (std::size_t j = 0; j < impl->p; ++j) {
+            left -= projected[j * n + i] * projected[j * n + i];
+        }
+        const bool isDetermined = left > determined * diagonal;
+        residuals[i] =
+            isDetermined ? impl->alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
+        if (variances && isDetermined) {
+            (*variances)[i] = 1.0 / left;
+        }
+    }
+    return residuals;
+}

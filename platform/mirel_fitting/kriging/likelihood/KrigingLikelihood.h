@@ -1,0 +1,97 @@
+#pragma once
+
+#include <mirel_fitting/cases/KrigingData.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * Profile likelihood of universal Kriging as a function of the correlation lengths and the nugget.
+ *
+ * Covariance of the rows: s2 R, R = C + nugget I, C the correlation of their inputs. The trend
+ * coefficients are their generalised least-squares estimate, s2 = r' R^-1 r / n with the residual
+ * r of the trend; both are profiled out:
+ *
+ *   ln L = -(n ln(2 pi s2) + ln det R + n) / 2,   n the number of rows.
+ *
+ * Rows with the same inputs are summed up in one case without loss: R is then never larger than the
+ * number of distinct cases, with nugget / rows on its diagonal, and the scatter of the rows about
+ * their mean enters s2 and the determinant. Binois, Gramacy, Ludkovski: Practical heteroscedastic
+ * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
+ *
+ * An evaluation costs n^3 / 6 multiplications, its gradient n^3 / 3 more, for any number of
+ * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
+ * change a bit.
+ */
+class KrigingLikelihood
+{
+public:
+    /** Told how many multiplications have just been done, at least every tenth of a second for
+     *  some thousand cases; what it throws ends the evaluation and passes through. */
+    using Report = std::function<void(double multiplications)>;
+
+    /** @param data is shared: it has to stay as it is. */
+    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report = nullptr);
+    ~KrigingLikelihood();
+
+    /**
+     * @param lengths one per input, in units of the scaled coordinates; may be infinite.
+     * @return ln L in the units of the standardised output; minus infinity where R cannot be
+     *         factorised in double precision.
+     */
+    double evaluate(const std::vector<double>& lengths, double nugget);
+
+    /**
+     * Derivatives of the last evaluation, which must have been finite, by the logarithms of the
+     * lengths and, last, of the nugget.
+     */
+    void gradient(std::vector<double>& result);
+
+    /**
+     * The average information at the last evaluation, which must have been finite: the mean of the
+     * observed and the expected Hessian of -ln L by the logarithms of the lengths and the nugget,
+     * without the terms whose expectation is zero. Positive semidefinite, by rows; costs O(n^2) for
+     * each input. Gilmour, Thompson, Cullis: Average information REML, Biometrics 51 (1995).
+     */
+    void averageInformation(std::vector<double>& result);
+
+    // The following describe the last evaluation, which must have been finite.
+
+    double processVariance() const;
+    /** Of the trend terms. */
+    const std::vector<double>& coefficients() const;
+    /** R^-1 (y - trend): the prediction is the trend plus the correlations times these. */
+    const std::vector<double>& weights() const;
+
+    /**
+     * Coefficients and weights as they would be without nugget, as far as double precision allows:
+     * for a nugget that only keeps the factorisation sound, so that the prediction meets the cases.
+     * By iterative refinement, which each round takes out more of the nugget's smoothing. Riley:
+     * Solving systems of linear equations with a positive definite, symmetric, but possibly
+     * ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
+     */
+    void refineWithoutNugget();
+
+    /** What each case's output lies above the prediction there by coefficients() and weights(). */
+    std::vector<double> residuals() const;
+
+    /** The 1-norm of R times an estimate of that of its inverse: so many times larger than the
+     *  rounding of the outputs can that of the weights be. Higham: FORTRAN codes for estimating the
+     *  one-norm of a real or complex matrix, ACM Trans. Math. Softw. 14 (1988). */
+    double conditionEstimate() const;
+
+    /**
+     * What each case's output lies above its prediction by all others, lengths, nugget and variance
+     * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
+     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
+     * @param variances if not null, receives those of the residuals, relative to the process
+     *                  variance.
+     */
+    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr);
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

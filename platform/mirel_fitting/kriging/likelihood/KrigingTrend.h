@@ -1,0 +1,99 @@
+#pragma once
+
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+/**
+ * The trend of universal Kriging: a polynomial of order 0, 1 or 2 in coordinates that run from -1
+ * to 1 over the cases; terms in the order 1, V1, V2, ..., V1^2, V1 V2, ....
+ */
+class KrigingTrend
+{
+public:
+    /** Told now and then that there is more to do; what it throws passes through. */
+    using Report = std::function<void()>;
+
+    /**
+     * The order is the highest up to `highestOrder` for which the cases are at least as many as
+     * what is estimated: the terms and `otherParameters`. Terms that are a linear combination of
+     * earlier ones at the cases are dropped.
+     * @param coordinates by columns, cases x inputs, each input over [0, 1].
+     */
+    KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
+                 int highestOrder, std::size_t otherParameters, const Report& report = nullptr);
+
+    /** One that is only evaluated: of these terms in so many inputs, without cases. */
+    KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
+
+    int order() const;
+    /** Number of terms kept. */
+    std::size_t size() const;
+    /** Of the coordinates that centred() gives. */
+    const std::vector<QuadraticBasis::Term>& keptTerms() const;
+    /** From a coordinate over [0, 1] to one over [-1, 1]. */
+    static double centred(double coordinate) { return 2.0 * coordinate - 1.0; }
+    /** The terms at the cases, by columns, cases x size(). */
+    const std::vector<double>& matrix() const;
+
+    struct LeastSquares
+    {
+        std::vector<double> coefficients;
+        std::vector<double> residuals;
+        double variance; ///< mean square of the residuals
+        /** What each case's output lies above the fit to all others; NaN where those do not
+         *  determine the trend. */
+        std::vector<double> leaveOneOutResiduals;
+        /** Of the latter, relative to `variance`. */
+        std::vector<double> leaveOneOutVariances;
+    };
+    /** The trend without correlations, fitted to one output per case. */
+    LeastSquares leastSquares(const std::vector<double>& output,
+                              const Report& report = nullptr) const;
+
+    /** @param inputNumbers the number k in "Vk" of each input. */
+    std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;
+    std::vector<std::string> droppedNames(const std::vector<std::size_t>& inputNumbers) const;
+
+    /** result[i] += value of the polynomial at point i; `points` as scaled coordinates. */
+    void add(const std::vector<const double*>& points, std::size_t count,
+             const std::vector<double>& coefficients, double* result) const;
+
+    /** result[t * stride + i] = kept term t at point i. */
+    void evaluate(const std::vector<const double*>& points, std::size_t count, double* result,
+                  std::size_t stride) const;
+
+    /** gradients[k][i] += derivative of the polynomial by coordinate k of point i. */
+    void addGradients(const std::vector<const double*>& points, std::size_t count,
+                      const std::vector<double>& coefficients,
+                      const std::vector<double*>& gradients) const;
+
+    struct RawTerm
+    {
+        std::string name;
+        double coefficient;
+    };
+    /**
+     * The same polynomial in the inputs x = minimum + range * coordinate: the terms kept, and those
+     * of lower order that the change of coordinates brings in.
+     */
+    std::vector<RawTerm> inRawInputs(const std::vector<double>& coefficients,
+                                     const std::vector<double>& minimum,
+                                     const std::vector<double>& range,
+                                     const std::vector<std::size_t>& inputNumbers) const;
+
+private:
+    using Term = QuadraticBasis::Term;
+
+    static std::string name(const Term& term, const std::vector<std::size_t>& inputNumbers);
+
+    int usedOrder = 0;
+    std::size_t inputCount;
+    std::vector<Term> terms;
+    std::vector<Term> dropped;
+    std::vector<double> values;
+    std::vector<std::vector<double>> orthonormal; // spans the columns of the matrix, in their order
+};

@@ -1,0 +1,443 @@
+#include <mirel_fitting/kriging/neighbours/NearestNeighbourKriging.h>
+
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/kriging/correlation/MaternKernels.h>
+#include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
+#include <mirel_fitting/machine/OrderedChunks.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
+
+#include <cblas.h>
+#include <lapacke.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+const double twoPi = 2.0 * std::acos(-1.0);
+const double rootOfFive = std::sqrt(5.0);
+
+// For the tree an input without influence keeps a little of it, so that its coordinates are not
+// lost to lengths that are tried later.
+constexpr double longestInMetric = 1e4;
+
+/** A few cases, case by case, and what is known at them. */
+struct Sources
+{
+    std::size_t inputs;
+    const double* coordinates; // in lengths of the metric
+    const double* values;
+    const double* rows;
+};
+
+/** Kriging from a handful of cases; one for each thread. */
+class LocalKriging
+{
+public:
+    LocalKriging(std::size_t mostCases, std::size_t inputs)
+        : stride(AlignedBuffer::padded(mostCases)), columns(stride * inputs),
+          points((mostCases + 1) * inputs), correlations(stride * (mostCases + 1)),
+          factor(mostCases * mostCases), right(mostCases), values(mostCases)
+    {}
+
+    /**
+     * @param factors turn coordinates of the metric into those of the kernels.
+     * @param share   of the nugget in what is predicted.
+     */
+    NearestNeighbourKriging::Prediction predict(const Sources& sources, const std::uint32_t* cases,
+                                                std::size_t count, const double* point,
+                                                const std::vector<double>& factors, double nugget,
+                                                double share)
+    {
+        // Of coinciding cases the factor exists only with a nugget.
+        constexpr double raise = 10.0;
+        constexpr double leastRaised = 1e-12;
+        constexpr double hopeless = 1.0;
+
+        if (count == 0) {
+            return {0.0, 1.0 + share};
+        }
+        correlate(sources, cases, count, point, factors);
+        double used = nugget;
+        while (used <= std::max(nugget, hopeless)) {
+            if (factorise(sources, cases, count, used)) {
+                return solve(sources, cases, count, share);
+            }
+            used = std::max(used * raise, leastRaised);
+        }
+        return {0.0, 1.0 + share};
+    }
+
+    /** slopes[k] = derivative of the mean of the last prediction by coordinate k of the kernels. */
+    void differentiate(std::size_t inputs, std::size_t count, double* slopes)
+    {
+        std::fill(slopes, slopes + inputs, 0.0);
+        if (count == 0) {
+            return;
+        }
+        const int order = static_cast<int>(count);
+        cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, order, factor.data(),
+                    order, values.data(), 1);
+        const double* correlation = correlations.data() + count * stride;
+        const double* point = points.data() + count * inputs;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double weight = values[i] * correlation[i];
+            for (std::size_t k = 0; k < inputs && weight != 0.0; ++k) {
+                // d ln c / dx = -(x - x') (1 + z) / (3 + 3 z + z^2)
+                const double difference = point[k] - points[i * inputs + k];
+                const double z = std::fabs(difference);
+                slopes[k] -= weight * difference * (1.0 + z) / (3.0 + z * (3.0 + z));
+            }
+        }
+    }
+
+private:
+    void correlate(const Sources& sources, const std::uint32_t* cases, std::size_t count,
+                   const double* point, const std::vector<double>& factors)
+    {
+        const std::size_t inputs = sources.inputs;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double* from = sources.coordinates + cases[i] * inputs;
+            for (std::size_t k = 0; k < inputs; ++k) {
+                const double x = from[k] * factors[k];
+                columns.data()[k * stride + i] = x;
+                points[i * inputs + k] = x;
+            }
+        }
+        for (std::size_t k = 0; k < inputs; ++k) {
+            points[count * inputs + k] = point[k] * factors[k];
+        }
+        MaternKernels::best().correlate(
+            {columns.data(), stride, AlignedBuffer::padded(count)},
+            {points.data(), inputs, count + 1, MaternKernels::Reach::Unlimited},
+            correlations.data(), stride);
+    }
+
+    bool factorise(const Sources& sources, const std::uint32_t* cases, std::size_t count,
+                   double nugget)
+    {
+        for (std::size_t j = 0; j < count; ++j) {
+            const double* from = correlations.data() + j * stride;
+            std::copy(from + j, from + count, factor.data() + j * count + j);
+            factor[j * count + j] = 1.0 + nugget / sources.rows[cases[j]];
+        }
+        const auto order = static_cast<lapack_int>(count);
+        return LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order) == 0;
+    }
+
+    NearestNeighbourKriging::Prediction solve(const Sources& sources, const std::uint32_t* cases,
+                                              std::size_t count, double share)
+    {
+        const double* correlation = correlations.data() + count * stride;
+        std::copy(correlation, correlation + count, right.begin());
+        for (std::size_t i = 0; i < count; ++i) {
+            values[i] = sources.values[cases[i]];
+        }
+        const int order = static_cast<int>(count);
+        for (double* column : {right.data(), values.data()}) {
+            cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(),
+                        order, column, 1);
+        }
+        // What is left of the variance can be less than its rounding error.
+        const double smallest = 1e-15;
+        const double explained = cblas_ddot(order, right.data(), 1, right.data(), 1);
+        return {cblas_ddot(order, right.data(), 1, values.data(), 1),
+                std::max(1.0 + share - explained, smallest)};
+    }
+
+    std::size_t stride;
+    AlignedBuffer columns;      // of the cases, scaled
+    std::vector<double> points; // the same case by case, and the point
+    AlignedBuffer correlations; // of the cases and, last, of the point
+    std::vector<double> factor;
+    std::vector<double> right;
+    std::vector<double> values;
+};
+
+/** What a thread needs for a point. */
+struct Workplace
+{
+    Workplace(std::size_t neighbours, std::size_t inputs)
+        : kriging(neighbours, inputs), indices(neighbours + 1), squares(neighbours + 1),
+          point(inputs)
+    {}
+
+    LocalKriging kriging;
+    std::vector<std::uint32_t> indices; // one more than used: a case finds itself
+    std::vector<double> squares;
+    std::vector<double> point;
+};
+
+using PointWork = std::function<void(Workplace&, std::size_t)>;
+
+void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
+               const NearestNeighbourKriging::Report& report, const PointWork& work)
+{
+    constexpr std::size_t perChunk = 64;
+    // A thread takes longer to start than some points.
+    constexpr std::size_t fewPoints = 256;
+
+    const SingleThreadedBlas singleThreaded;
+    const std::size_t chunks = (count + perChunk - 1) / perChunk;
+    const int threads = count < fewPoints ? 1 : threadCount();
+    const auto makeWork = [&]() -> OrderedChunks::Work {
+        const auto place = std::make_shared<Workplace>(neighbours, inputs);
+        return [&, place](std::size_t chunk) {
+            const std::size_t last = std::min(count, (chunk + 1) * perChunk);
+            for (std::size_t i = chunk * perChunk; i < last; ++i) {
+                work(*place, i);
+            }
+        };
+    };
+    OrderedChunks::runEach(chunks, threads, makeWork, [&](std::size_t chunk) {
+        if (report) {
+            report(static_cast<double>(chunk) / static_cast<double>(chunks));
+        }
+    });
+}
+
+} // namespace
+
+class NearestNeighbourKriging::Impl
+{
+public:
+    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours,
+         const Report& report)
+        : count(cases.count), inputs(cases.inputs), neighbours(std::min(neighbours, cases.count)),
+          metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
+          rows(std::move(cases.rows))
+    {
+        const NearestNeighbours::Report begun = [&report] {
+            if (report) {
+                report(0.0);
+            }
+        };
+        for (std::size_t k = 0; k < inputs; ++k) {
+            begun();
+            metric[k] = std::min(metric[k], longestInMetric);
+            for (std::size_t i = 0; i < count; ++i) {
+                coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
+            }
+        }
+        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs, begun);
+        setParameters({lengths, 0.0});
+    }
+
+    void setParameters(const Parameters& wanted)
+    {
+        parameters = wanted;
+        factors = factorsFor(wanted);
+    }
+
+    std::vector<double> factorsFor(const Parameters& wanted) const
+    {
+        std::vector<double> result;
+        for (std::size_t k = 0; k < inputs; ++k) {
+            result.push_back(rootOfFive * metric[k] / wanted.lengths[k]);
+        }
+        return result;
+    }
+
+    Sources sources() const { return {inputs, coordinates.data(), values.data(), rows.data()}; }
+
+    /** @param found receives how many cases were used. */
+    Prediction predict(Workplace& place, const std::vector<const double*>& points,
+                       std::size_t index, std::size_t& found) const
+    {
+        return predict(place, points, index, factors, parameters.nugget, found);
+    }
+
+    Prediction predict(Workplace& place, const std::vector<const double*>& points,
+                       std::size_t index, const std::vector<double>& scales, double nugget,
+                       std::size_t& found) const
+    {
+        const double noise = 0.0;
+        for (std::size_t k = 0; k < inputs; ++k) {
+            place.point[k] = points[k][index] / metric[k];
+        }
+        found = search->find(place.point.data(), neighbours, place.indices.data(),
+                             place.squares.data());
+        return place.kriging.predict(sources(), place.indices.data(), found, place.point.data(),
+                                     scales, nugget, noise);
+    }
+
+    const double* at(std::size_t index) const { return coordinates.data() + index * inputs; }
+
+    std::size_t count;
+    std::size_t inputs;
+    std::size_t neighbours;
+    std::vector<double> metric;
+    std::vector<double> coordinates; // case by case, in lengths of the metric
+    std::vector<double> values;
+    std::vector<double> rows;
+    std::unique_ptr<NearestNeighbours> search;
+    Parameters parameters;
+    std::vector<double> factors;
+};
+
+NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& metric,
+                                                 std::size_t neighbours, const Report& report)
+    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours, report))
+{}
+
+NearestNeighbourKriging::~NearestNeighbourKriging() = default;
+
+std::size_t NearestNeighbourKriging::neighbours() const
+{
+    return impl->neighbours;
+}
+
+void NearestNeighbourKriging::setParameters(const Parameters& parameters)
+{
+    impl->setParameters(parameters);
+}
+
+const NearestNeighbourKriging::Parameters& NearestNeighbourKriging::parameters() const
+{
+    return impl->parameters;
+}
+
+void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t count,
+                                  double* result) const
+{
+    const PointWork work = [&](Workplace& place, std::size_t i) {
+        std::size_t found;
+        result[i] += impl->predict(place, points, i, found).mean;
+    };
+    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+}
+
+void NearestNeighbourKriging::addGradients(const std::vector<const double*>& points,
+                                           std::size_t count,
+                                           const std::vector<double*>& gradients) const
+{
+    const PointWork work = [&](Workplace& place, std::size_t i) {
+        std::size_t found;
+        impl->predict(place, points, i, found);
+        place.kriging.differentiate(impl->inputs, found, place.point.data());
+        for (std::size_t k = 0; k < impl->inputs; ++k) {
+            gradients[k][i] += place.point[k] * impl->factors[k] / impl->metric[k];
+        }
+    };
+    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+}
+
+void NearestNeighbourKriging::variances(const std::vector<const double*>& points, std::size_t count,
+                                        const Parameters& parameters, double* result) const
+{
+    const std::vector<double> factors = impl->factorsFor(parameters);
+    const PointWork work = [&](Workplace& place, std::size_t i) {
+        std::size_t found;
+        result[i] = impl->predict(place, points, i, factors, parameters.nugget, found).variance;
+    };
+    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+}
+
+class NearestNeighbourKriging::LeftOut::Impl
+{
+public:
+    const NearestNeighbourKriging::Impl* kriging;
+    std::vector<std::size_t> cases;
+    std::size_t stride;
+    std::vector<std::uint32_t> neighbours; // `stride` for each case
+    std::vector<std::size_t> found;
+};
+
+NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& kriging,
+                                          std::vector<std::size_t> cases, const Report& report)
+    : impl(std::make_unique<Impl>())
+{
+    const NearestNeighbourKriging::Impl& all = *kriging.impl;
+    impl->kriging = &all;
+    impl->cases = std::move(cases);
+    impl->stride = all.neighbours;
+    impl->neighbours.resize(impl->cases.size() * impl->stride);
+    impl->found.resize(impl->cases.size());
+
+    const PointWork work = [&](Workplace& place, std::size_t i) {
+        const std::size_t index = impl->cases[i];
+        const std::size_t near = all.search->find(all.at(index), all.neighbours + 1,
+                                                  place.indices.data(), place.squares.data());
+        std::uint32_t* kept = impl->neighbours.data() + i * impl->stride;
+        for (std::size_t j = 0; j < near && impl->found[i] < impl->stride; ++j) {
+            if (place.indices[j] != index) {
+                kept[impl->found[i]++] = place.indices[j];
+            }
+        }
+    };
+    forPoints(impl->cases.size(), all.neighbours, all.inputs, report, work);
+}
+
+NearestNeighbourKriging::LeftOut::~LeftOut() = default;
+
+std::vector<NearestNeighbourKriging::Prediction>
+NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters, const Report& report) const
+{
+    const NearestNeighbourKriging::Impl& all = *impl->kriging;
+    const std::vector<double> factors = all.factorsFor(parameters);
+    std::vector<Prediction> result(impl->cases.size());
+    const PointWork work = [&](Workplace& place, std::size_t i) {
+        const std::size_t index = impl->cases[i];
+        result[i] = place.kriging.predict(all.sources(), impl->neighbours.data() + i * impl->stride,
+                                          impl->found[i], all.at(index), factors, parameters.nugget,
+                                          parameters.nugget / all.rows[index]);
+    };
+    forPoints(result.size(), all.neighbours, all.inputs, report, work);
+    return result;
+}
+
+double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& order,
+                                              std::size_t given, double& variance,
+                                              const Report& report) const
+{
+    const Impl& all = *impl;
+    if (report) {
+        report(0.0);
+    }
+    std::vector<double> coordinates;
+    std::vector<double> values;
+    std::vector<double> rows;
+    coordinates.reserve(order.size() * all.inputs);
+    for (const std::size_t index : order) {
+        coordinates.insert(coordinates.end(), all.at(index), all.at(index) + all.inputs);
+        values.push_back(all.values[index]);
+        rows.push_back(all.rows[index]);
+    }
+    const Sources sources{all.inputs, coordinates.data(), values.data(), rows.data()};
+
+    std::vector<Prediction> predictions(order.size());
+    for (std::size_t first = given, last; first < order.size(); first = last) {
+        last = std::min(order.size(), std::max<std::size_t>(2 * first, 1));
+        const Report partly = [&](double fraction) {
+            if (report) {
+                const auto done = static_cast<double>(first - given);
+                report((done + fraction * static_cast<double>(last - first)) /
+                       static_cast<double>(order.size() - given));
+            }
+        };
+        const NearestNeighbours before(coordinates.data(), first, all.inputs,
+                                       [&partly] { partly(0.0); });
+        const std::size_t wanted = std::min(all.neighbours, first);
+        const PointWork work = [&](Workplace& place, std::size_t i) {
+            const double* point = coordinates.data() + (first + i) * all.inputs;
+            const std::size_t found =
+                before.find(point, wanted, place.indices.data(), place.squares.data());
+            predictions[first + i] = place.kriging.predict(
+                sources, place.indices.data(), found, point, all.factors, all.parameters.nugget,
+                all.parameters.nugget / rows[first + i]);
+        };
+        forPoints(last - first, all.neighbours, all.inputs, partly, work);
+    }
+
+    const auto n = static_cast<double>(order.size() - given);
+    variance = 0.0;
+    double logarithms = 0.0;
+    for (std::size_t i = given; i < order.size(); ++i) {
+        const double deviation = values[i] - predictions[i].mean;
+        variance += deviation * deviation / predictions[i].variance / n;
+        logarithms += std::log(predictions[i].variance);
+    }
+    return -0.5 * (n * std::log(twoPi * variance) + logarithms + n);
+}

@@ -1,0 +1,113 @@
+#include <mirel_fitting/kriging/prediction/KrigingVariance.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
+
+#include <cblas.h>
+#include <lapacke.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+KrigingVariance::KrigingVariance(const KrigingPredictor::Parts& parts)
+    : parts(parts), cases(parts.data->cases), terms(parts.data->terms), basis(parts.data->trend),
+      triangle(terms * terms, 0.0)
+{
+    const int order = static_cast<int>(cases);
+    const int columns = static_cast<int>(terms);
+    if (parts.correlation) {
+        factorise();
+        cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order,
+                    columns, 1.0, factor->values(), order, basis.data(), order);
+    } else {
+        for (std::size_t t = 0; t < terms; ++t) {
+            for (std::size_t i = 0; i < cases; ++i) {
+                basis[t * cases + i] *= std::sqrt(parts.data->rows[i]);
+            }
+        }
+    }
+
+    std::vector<double> reflectors(terms);
+    LAPACKE_dgeqrf(LAPACK_COL_MAJOR, order, columns, basis.data(), order, reflectors.data());
+    for (std::size_t t = 0; t < terms; ++t) {
+        const double* column = basis.data() + t * cases;
+        std::copy(column, column + t + 1, triangle.data() + t * terms);
+    }
+    LAPACKE_dorgqr(LAPACK_COL_MAJOR, order, columns, columns, basis.data(), order,
+                   reflectors.data());
+}
+
+void KrigingVariance::factorise()
+{
+    const SingleThreadedBlas singleThreaded;
+    // As the fit did it, block by block: what it could factorise is not refused here.
+    factor = std::make_unique<BlockedCholesky>(cases, threadCount(), nullptr);
+    factor->forColumns(0.0, [&](std::size_t first, std::size_t last) {
+        parts.correlation->fillLower(first, last, factor->values());
+        for (std::size_t j = first; j < last; ++j) {
+            factor->values()[j * cases + j] += parts.nugget / parts.data->rows[j];
+        }
+    });
+    if (!factor->factorise()) {
+        throw SurrogateModelInterface::Error("There are no standard errors: the correlation matrix "
+                                             "of the cases cannot be factorised.");
+    }
+}
+
+double KrigingVariance::noise() const
+{
+    if (!parts.correlation) {
+        return 1.0;
+    }
+    // What only keeps the factorisation sound is no noise.
+    return parts.meetsCases ? 0.0 : parts.nugget;
+}
+
+KrigingVariance::Workspace::Workspace(const KrigingVariance& variance, std::size_t mostPoints)
+    : correlations(variance.parts.correlation
+                       ? mostPoints * variance.parts.correlation->correlationStride()
+                       : 0),
+      trend(mostPoints * variance.terms)
+{}
+
+void KrigingVariance::evaluate(const std::vector<const double*>& points, std::size_t count,
+                               Workspace& workspace, double* result) const
+{
+    // The rounding of the difference from 1.
+    constexpr double rounding = 100.0 * std::numeric_limits<double>::epsilon();
+
+    const int order = static_cast<int>(cases);
+    const int columns = static_cast<int>(terms);
+    const int size = static_cast<int>(count);
+    double* trend = workspace.trend.data(); // by columns, points x terms
+    parts.trend->evaluate(points, count, trend, count);
+    cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, size, columns,
+                1.0, triangle.data(), columns, trend, size);
+
+    std::fill_n(result, count, 0.0);
+    if (parts.correlation) {
+        const std::size_t stride = parts.correlation->correlationStride();
+        double* correlations = workspace.correlations.data();
+        parts.correlation->correlate(points, count, correlations);
+        cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, size,
+                    1.0, factor->values(), order, correlations, static_cast<int>(stride));
+        cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, size, columns, order, -1.0,
+                    correlations, static_cast<int>(stride), basis.data(), order, 1.0, trend, size);
+        for (std::size_t i = 0; i < count; ++i) {
+            const double* explained = correlations + i * stride;
+            result[i] = 1.0 - cblas_ddot(order, explained, 1, explained, 1);
+        }
+    }
+    for (std::size_t t = 0; t < terms; ++t) {
+        for (std::size_t i = 0; i < count; ++i) {
+            result[i] += trend[t * count + i] * trend[t * count + i];
+        }
+    }
+    // At a case the nugget is left, and less: the model that meets the cases has none.
+    const double nugget = parts.meetsCases ? parts.nugget : 0.0;
+    for (std::size_t i = 0; parts.correlation && i < count; ++i) {
+        result[i] = result[i] - nugget > rounding ? result[i] - nugget : 0.0;
+    }
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
+#include <mirel_fitting/numerics/BlockedCholesky.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+/**
+ * The variance of universal Kriging's mean at a point, relative to the process variance:
+ *
+ *   1 - r' R^-1 r + u' (F' R^-1 F)^-1 u,   u = f - F' R^-1 r,
+ *
+ * r the correlations of the point with the cases, f its trend terms, F those of the cases, R the
+ * correlation matrix with the nugget on its diagonal. The last term is what estimating the trend
+ * costs. Cressie: Statistics for Spatial Data, revised ed., Wiley 1993, section 3.4. Where nothing
+ * is correlated, it is that of a regression: R the identity and the first two terms 0.
+ *
+ * Holds the factor of R, n x n numbers for n cases.
+ */
+class KrigingVariance
+{
+public:
+    /** @throw SurrogateModelInterface::Error if R cannot be factorised. */
+    explicit KrigingVariance(const KrigingPredictor::Parts& parts);
+
+    /** Relative to the process variance: of the difference between a new case and the mean there.
+     */
+    double noise() const;
+
+    /** What one thread works with. */
+    class Workspace
+    {
+    public:
+        Workspace(const KrigingVariance& variance, std::size_t mostPoints);
+
+    private:
+        friend class KrigingVariance;
+        AlignedBuffer correlations;
+        std::vector<double> trend;
+    };
+
+    /** Not negative; 0 at a case that the model meets, and where less than rounding is left.
+     *  @param points coordinates, one array per input that varies. */
+    void evaluate(const std::vector<const double*>& points, std::size_t count, Workspace& workspace,
+                  double* result) const;
+
+private:
+    void factorise();
+
+    KrigingPredictor::Parts parts;
+    std::size_t cases;
+    std::size_t terms;
+    std::unique_ptr<BlockedCholesky> factor; // L of R = L L'; null without correlation
+    std::vector<double> basis;               // orthonormal: Q of L^-1 F = Q T
+    std::vector<double> triangle;            // T, terms x terms
+};

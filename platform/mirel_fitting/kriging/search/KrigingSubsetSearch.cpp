@@ -1,0 +1,75 @@
+#include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/cases/SpaceFillingSubset.h>
+#include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+
+#include <algorithm>
+
+KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int trendOrder,
+                                                    const KrigingSearch::Settings& settings,
+                                                    std::size_t size)
+{
+    constexpr double choosing = 0.1; // of the work
+
+    auto few = std::make_shared<KrigingData>();
+    {
+        const FitProgress::Portion portion(0.0, choosing);
+        *few = data.subset(spaceFillingSubset(data, size));
+        const std::size_t otherParameters = few->inputs + 1;
+        const KrigingTrend trend(
+            few->cases, few->inputs, few->coordinates, trendOrder, otherParameters,
+            [] { FitProgress::report(1.0, "Choosing a subset of the cases"); });
+        few->terms = trend.size();
+        few->trend = trend.matrix();
+    }
+    const FitProgress::Portion portion(choosing, 1.0);
+    return KrigingSearch::run(few, settings);
+}
+
+std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Settings& settings,
+                                                       double estimated)
+{
+    constexpr double smooth = 1e-6;
+
+    const double least = std::max(settings.smallestNugget, settings.soundNugget);
+    if (settings.isNuggetFixed || estimated <= least || estimated >= smooth) {
+        return std::nullopt;
+    }
+    return least;
+}
+
+KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
+                                               int trendOrder,
+                                               const KrigingSearch::Settings& settings,
+                                               std::size_t size, int steps)
+{
+    constexpr double searching = 0.4; // of the work
+
+    KrigingSearch::Result found;
+    {
+        const FitProgress::Portion portion(0.0, searching);
+        found = ofSubset(*data, trendOrder, settings, size);
+    }
+
+    const FitProgress::Portion portion(searching, 1.0);
+    KrigingSearch::Settings near = settings;
+    near.mostSteps = steps;
+    near.starts = {found.parameters};
+    if (const auto least = nuggetToTry(settings, found.parameters.nugget)) {
+        near.starts.push_back({found.parameters.lengths, *least});
+    }
+    if (settings.isNuggetFixed) {
+        near.smallestNugget = found.parameters.nugget; // raised, perhaps
+    }
+    KrigingSearch::Result result = KrigingSearch::run(data, near);
+    result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
+    result.nuggetBound = found.nuggetBound;
+    if (steps == 0) {
+        result.lengthBounds = found.lengthBounds; // of fewer cases, that are farther apart
+    }
+    const double share = static_cast<double>(data->cases) / static_cast<double>(size);
+    result.secondLogLikelihood =
+        result.logLikelihood - share * (found.logLikelihood - found.secondLogLikelihood);
+    return result;
+}

@@ -1,0 +1,122 @@
+#include <mirel_fitting/kriging/search/KrigingObjective.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::shared_ptr<KrigingData> someCases()
+{
+    const Columns x = latinHypercube(30, 2, 5);
+    auto data = std::make_shared<KrigingData>();
+    data->cases = 30;
+    data->inputs = 2;
+    data->terms = 1;
+    for (const std::vector<double>& column : x) {
+        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
+    }
+    data->trend.assign(30, 1.0);
+    data->output =
+        valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; }, x);
+    data->rows.assign(30, 1.0);
+    data->scatter.assign(30, 0.0);
+    return data;
+}
+
+std::vector<double> logarithms(const KrigingParameters& parameters)
+{
+    return {std::log(parameters.lengths[0]), std::log(parameters.lengths[1]),
+            std::log(parameters.nugget) / KrigingObjective::nuggetUnit};
+}
+
+} // namespace
+
+TEST(KrigingObjective, IsTheLikelihoodOfLogarithms)
+{
+    const auto data = someCases();
+    KrigingSearch::Settings settings;
+    KrigingObjective objective(data, settings, nullptr);
+
+    EXPECT_NEAR(objective.value(logarithms({{0.3, 2.0}, 1e-3})),
+                KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3), 1e-9);
+    EXPECT_EQ(objective.evaluations(), 1u);
+}
+
+TEST(KrigingObjective, TakesTheNuggetsBoundExactly)
+{
+    KrigingSearch::Settings settings;
+    settings.smallestNugget = 1e-7;
+    const KrigingObjective objective(someCases(), settings, nullptr);
+
+    EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-7})).nugget, 1e-7);
+    EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-9})).nugget, 1e-7);
+}
+
+TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
+{
+    KrigingSearch::Settings settings;
+    settings.fixedLengths = {0.3, 2.0};
+    KrigingObjective objective(someCases(), settings, nullptr);
+    const std::vector<double> point = {std::log(1e-3) / KrigingObjective::nuggetUnit};
+    std::vector<double> gradient;
+    std::vector<double> curvature;
+
+    objective.value(point);
+    objective.curvature(curvature);
+    objective.gradient(gradient);
+
+    EXPECT_EQ(objective.parameters(point).lengths, settings.fixedLengths);
+    EXPECT_EQ(gradient.size(), 1u);
+    EXPECT_EQ(curvature.size(), 1u);
+}
+
+TEST(KrigingObjective, HasTheGradientOfItsDifferences)
+{
+    KrigingSearch::Settings settings;
+    KrigingObjective objective(someCases(), settings, nullptr);
+    const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
+    std::vector<double> gradient;
+    objective.value(point);
+    objective.gradient(gradient);
+
+    for (std::size_t k = 0; k < 3; ++k) {
+        constexpr double step = 1e-4;
+        std::vector<double> up = point;
+        std::vector<double> down = point;
+        up[k] += step;
+        down[k] -= step;
+        const double slope = (objective.value(up) - objective.value(down)) / (2.0 * step);
+        // The truncation is of the order of the squared step.
+        EXPECT_NEAR(gradient[k], slope, 1e-5 * (1.0 + std::fabs(slope))) << k;
+    }
+}
+
+TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
+{
+    KrigingSearch::Settings settings;
+    KrigingObjective objective(someCases(), settings, nullptr);
+    const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
+    const double value = objective.value(point);
+    EXPECT_EQ(objective.value(point), value);
+    EXPECT_EQ(objective.evaluations(), 1u);
+
+    std::vector<double> gradient;
+    objective.gradient(gradient);
+
+    EXPECT_EQ(objective.value(point), value);
+    EXPECT_EQ(objective.evaluations(), 2u);
+}
+
+TEST(KrigingObjective, ReportsWithoutHavingWorked)
+{
+    KrigingSearch::Settings settings;
+    std::vector<double> reported;
+    KrigingObjective objective(someCases(), settings,
+                               [&reported](double work) { reported.push_back(work); });
+
+    objective.reportStill();
+
+    EXPECT_EQ(reported, std::vector<double>{0.0});
+    EXPECT_NO_THROW(KrigingObjective(someCases(), settings, nullptr).reportStill());
+}

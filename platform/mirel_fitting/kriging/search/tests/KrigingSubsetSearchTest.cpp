@@ -1,0 +1,224 @@
+#include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
+
+#include "KrigingTestSupport.h"
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+double wave(const std::vector<double>& x)
+{
+    return std::sin(5.0 * x[0]) + x[1] * x[1] * x[0];
+}
+
+std::shared_ptr<KrigingData> dataOf(const Columns& inputs, const std::vector<double>& output)
+{
+    auto data = std::make_shared<KrigingData>();
+    data->cases = output.size();
+    data->inputs = inputs.size();
+    data->terms = 1;
+    for (const std::vector<double>& column : inputs) {
+        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
+    }
+    data->trend.assign(output.size(), 1.0);
+    data->output = output;
+    data->rows.assign(output.size(), 1.0);
+    data->scatter.assign(output.size(), 0.0);
+    return data;
+}
+
+} // namespace
+
+TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+
+    const KrigingSearch::Result found = KrigingSubsetSearch::run(data, 0, {}, 60, 0);
+
+    KrigingLikelihood likelihood(data);
+    EXPECT_EQ(found.logLikelihood,
+              likelihood.evaluate(found.parameters.lengths, found.parameters.nugget));
+}
+
+TEST(KrigingSubsetSearch, ComesCloseToTheSearchWithAllCases)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const double best = KrigingSearch::run(data, {}).logLikelihood;
+
+    EXPECT_GT(KrigingSubsetSearch::run(data, 0, {}, 100, 0).logLikelihood, best - 40.0);
+    EXPECT_NEAR(KrigingSubsetSearch::run(data, 0, {}, 200, 0).logLikelihood, best, 1e-6);
+}
+
+TEST(KrigingSubsetSearch, SearchesWhereTheSubsetCannotSeparateTheTrend)
+{
+    // V2 differs in one case only, which a small subset has no reason to hold.
+    Columns inputs = latinHypercube(200, 1, 3);
+    inputs.emplace_back(200, 0.5);
+    inputs[1][77] = 0.5 + 1e-6;
+    std::vector<double> output;
+    for (const double x : inputs[0]) {
+        output.push_back(std::sin(5.0 * x));
+    }
+    const auto data = dataOf(inputs, output);
+
+    EXPECT_TRUE(std::isfinite(KrigingSubsetSearch::ofSubset(*data, 1, {}, 20).logLikelihood));
+}
+
+TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
+{
+    Columns inputs = latinHypercube(300, 2, 3);
+    const Columns points = latinHypercube(100, 2, 4);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingCases cases(pointersTo(inputs), 300);
+    KrigingOptions options;
+    options.sizes.mostSearched = 200;
+    options.sizes.searched = 100;
+
+    double last = 0.0;
+    bool decreases = false;
+    const KrigingFit fit = [&] {
+        FitProgress progress([&](double fraction, const std::string&) {
+            decreases = decreases || fraction < last;
+            last = fraction;
+            return true;
+        });
+        return fitKriging(cases, output, options);
+    }();
+
+    EXPECT_FALSE(decreases);
+    Columns at = points;
+    std::vector<double> values(100);
+    fit.predictor.predict(pointersTo(at), 100, values.data());
+    EXPECT_LT(relativeError(values, valuesOf(wave, points)), 1e-4);
+    EXPECT_EQ(fit.warnings,
+              std::vector<std::string>(
+                  {"There are more than 200 distinct cases: the model is the exact one of all of "
+                   "them, with the correlation lengths of 100 cases spread over all, refined with "
+                   "all."}));
+}
+
+TEST(KrigingSubsetSearch, GainsLikelihoodByEachStepWithAllCases)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto after = [&](int steps) { return KrigingSubsetSearch::run(data, 0, {}, 60, steps); };
+
+    const KrigingSearch::Result two = after(2);
+
+    EXPECT_GT(after(1).logLikelihood, after(0).logLikelihood + 1.0);
+    EXPECT_GE(two.logLikelihood, after(1).logLikelihood);
+    KrigingLikelihood likelihood(data);
+    EXPECT_EQ(two.logLikelihood,
+              likelihood.evaluate(two.parameters.lengths, two.parameters.nugget));
+}
+
+TEST(KrigingSubsetSearch, NeverLosesLikelihoodByAStep)
+{
+    // Noise, smooth and rough outputs, from subsets that tell little: steps may lead astray.
+    for (const std::uint64_t seed : {3, 4, 5, 6}) {
+        const Columns inputs = latinHypercube(150, 3, seed);
+        std::vector<double> output = valuesOf(
+            [](const std::vector<double>& x) { return std::sin(9.0 * x[0] * x[1]) + x[2]; },
+            inputs);
+        UniformNumbers numbers(seed);
+        for (double& y : output) {
+            y += (seed % 2 == 0 ? 0.1 : 0.0) * numbers.normal();
+        }
+        const auto data = dataOf(inputs, output);
+        for (const std::size_t size : {20, 60}) {
+            double before = KrigingSubsetSearch::run(data, 0, {}, size, 0).logLikelihood;
+            for (const int steps : {1, 2}) {
+                const double after =
+                    KrigingSubsetSearch::run(data, 0, {}, size, steps).logLikelihood;
+                EXPECT_GE(after, before) << "seed " << seed << ", " << size << " cases";
+                before = after;
+            }
+        }
+    }
+}
+
+TEST(KrigingSubsetSearch, EvaluatesAllCasesAFewTimesOnly)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+
+    // The two nuggets, the better of them once more unless it was the last, and the steps, the last
+    // of which is shortened twice at most.
+    EXPECT_LE(KrigingSubsetSearch::run(data, 0, {}, 60, 0).evaluations, 2u);
+    EXPECT_LE(KrigingSubsetSearch::run(data, 0, {}, 60, 1).evaluations, 6u);
+}
+
+TEST(KrigingSubsetSearch, RefinesToTheSameBitsOnAnyNumberOfThreads)
+{
+    // Enough cases for the factorisation to be shared out.
+    const Columns inputs = latinHypercube(700, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const int before = threadCount();
+    const auto onThreads = [&](int threads) {
+        setThreadCount(threads);
+        return KrigingSubsetSearch::run(data, 0, {}, 60, 2);
+    };
+
+    const KrigingSearch::Result one = onThreads(1);
+    const KrigingSearch::Result three = onThreads(3);
+    setThreadCount(before);
+
+    EXPECT_EQ(three.logLikelihood, one.logLikelihood);
+    EXPECT_EQ(three.parameters.lengths, one.parameters.lengths);
+    EXPECT_EQ(three.parameters.nugget, one.parameters.nugget);
+}
+
+TEST(KrigingSubsetSearch, RefinesByARuleOfSize)
+{
+    Columns inputs = latinHypercube(300, 2, 3);
+    const std::vector<double> output = valuesOf(wave, inputs);
+    const KrigingCases cases(pointersTo(inputs), 300);
+    const auto likelihoodWith = [&](std::size_t refinedTwice, std::size_t refined) {
+        KrigingOptions options;
+        options.sizes.mostSearched = 200;
+        options.sizes.searched = 60;
+        options.sizes.mostRefinedTwice = refinedTwice;
+        options.sizes.mostRefined = refined;
+        return fitKriging(cases, output, options);
+    };
+
+    const KrigingFit never = likelihoodWith(299, 299);
+    const KrigingFit once = likelihoodWith(299, 300);
+    const KrigingFit twice = likelihoodWith(300, 300);
+
+    EXPECT_GT(once.report.logLikelihood, never.report.logLikelihood);
+    EXPECT_GT(twice.report.logLikelihood, once.report.logLikelihood);
+    EXPECT_EQ(never.warnings.front(),
+              "There are more than 200 distinct cases: the model is the exact one of all of them, "
+              "with the correlation lengths of 60 cases spread over all.");
+}
+
+TEST(KrigingSubsetSearch, LeavesFixedLengthsAsTheyAre)
+{
+    const Columns inputs = latinHypercube(200, 2, 3);
+    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    KrigingSearch::Settings settings;
+    settings.fixedLengths = {0.4, 1.0};
+
+    EXPECT_EQ(KrigingSubsetSearch::run(data, 0, settings, 60, 2).parameters.lengths,
+              settings.fixedLengths);
+}
+
+TEST(KrigingSubsetSearch, TriesTheLeastNuggetWhereAFewCasesNeededLittle)
+{
+    KrigingSearch::Settings settings;
+    settings.smallestNugget = 1e-10;
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-8), 1e-10);
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-10), std::nullopt);
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-3), std::nullopt);
+
+    settings.isNuggetFixed = true;
+    EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-8), std::nullopt);
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <mirel_fitting/numerics/LazyZeros.h>
+#include <mirel_fitting/numerics/SmallCholesky.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * Cholesky factor of a symmetric positive definite matrix, and the columns of its inverse, for
+ * orders up to some ten thousand: in blocks of fixed size, which several threads share and between
+ * which the work can be reported and stopped. The blocks are the same whatever the number of
+ * threads, and so is every bit of the result. Golub, Van Loan: Matrix Computations, 4th ed., Johns
+ * Hopkins 2013, 4.2.9.
+ *
+ * OpenBLAS has to work with one thread meanwhile (SingleThreadedBlas).
+ */
+class BlockedCholesky
+{
+public:
+    /** Told how many multiplications have just been done, on the calling thread, at least every
+     *  tenth of a second; what it throws ends the work and passes through. */
+    using Report = std::function<void(double multiplications)>;
+
+    /** Below this order nothing is split: starting a thread would take longer than it saves. */
+    static constexpr std::size_t smallestToSplit = 500;
+
+    BlockedCholesky(std::size_t order, int threads, Report report);
+
+    std::size_t order() const { return size; }
+    /** 1 where the order is too small to split. */
+    int threads() const { return threadCount; }
+
+    /** By columns; the caller writes the lower triangle, factorise() turns it into the factor. */
+    double* values() { return matrix.data(); }
+    const double* values() const { return matrix.data(); }
+
+    /** @return false if the matrix is not positive definite in double precision. */
+    bool factorise();
+
+    /** Columns of order() elements become the inverse of the factor times them. Reports. */
+    void solveLower(double* columns, std::size_t count) const;
+
+    /** The same with the transposed factor. */
+    void solveTransposed(double* columns, std::size_t count) const;
+
+    /** Takes the columns of the inverse, from the diagonal downwards, a block at a time. */
+    class Visitor
+    {
+    public:
+        virtual ~Visitor();
+
+        /**
+         * @param block the element of row first + i and column first + j, i >= j, is
+         *              block[j * stride + i]. Called at the same time as other visitors.
+         */
+        virtual void visit(std::size_t first, std::size_t columns, const double* block,
+                           std::size_t stride) = 0;
+
+        /** Gives away what the last visit() made; in the order of the columns, never while another
+         *  visitor does. */
+        virtual void handOver() = 0;
+    };
+
+    /**
+     * The inverse by the factor, which is kept.
+     * @param makeVisitor is called on the calling thread, once per thread used.
+     */
+    void visitInverse(const std::function<std::unique_ptr<Visitor>()>& makeVisitor);
+
+    /**
+     * Calls work(first, last) for ranges of columns that together are all of them, on several
+     * threads at once.
+     * @param multiplications of all the ranges together.
+     */
+    void forColumns(double multiplications,
+                    const std::function<void(std::size_t first, std::size_t last)>& work);
+
+    /** Reports work that was done elsewhere. */
+    void tell(double multiplications) const;
+
+private:
+    bool isSplit() const { return size >= smallestToSplit; }
+    bool factoriseBlocks();
+
+    std::size_t size;
+    int threadCount;
+    Report report;
+    LazyZeros matrix;
+    std::vector<double> inverse;          // only where nothing is split
+    std::unique_ptr<SmallCholesky> small; // only for few rows
+};

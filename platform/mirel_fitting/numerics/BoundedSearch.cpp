@@ -1,0 +1,312 @@
+#include <mirel_fitting/numerics/BoundedSearch.h>
+
+#include <mirel_fitting/numerics/BoxedQuadratic.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+// In logarithms of lengths: a factor of 2.7 at first, because a longer first step of a likelihood
+// often lands where all cases are uncorrelated and the function is flat.
+constexpr double firstRadius = 1.0;
+constexpr double largestRadius = 4.0;
+constexpr double smallestRadius = 0.1; // after a step that was taken
+
+double dot(const std::vector<double>& a, const std::vector<double>& b)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        sum += a[i] * b[i];
+    }
+    return sum;
+}
+
+double largestMagnitude(const std::vector<double>& values)
+{
+    double largest = 0.0;
+    for (const double value : values) {
+        largest = std::max(largest, std::fabs(value));
+    }
+    return largest;
+}
+
+std::vector<double> multiply(const std::vector<double>& matrix, const std::vector<double>& vector)
+{
+    const std::size_t m = vector.size();
+    std::vector<double> result(m, 0.0);
+    for (std::size_t i = 0; i < m; ++i) {
+        for (std::size_t j = 0; j < m; ++j) {
+            result[i] += matrix[i * m + j] * vector[j];
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lower,
+                             std::vector<double> upper, std::vector<double> start)
+    : objective(objective), size(start.size()), lower(std::move(lower)), upper(std::move(upper)),
+      current(std::move(start)), currentValue(0.0), hessian(size * size, 0.0),
+      trustRadius(firstRadius), largestRises(size, largestRadius)
+{
+    for (std::size_t i = 0; i < size; ++i) {
+        current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
+    }
+    currentValue = objective.value(current);
+    if (!isFeasible()) {
+        done = true;
+        return;
+    }
+    if (learn()) {
+        return;
+    }
+    // Steepest ascent whose longest component is the trust radius.
+    const double slope = std::max(largestMagnitude(gradient), 1e-300);
+    for (std::size_t i = 0; i < size; ++i) {
+        hessian[i * size + i] = slope / trustRadius;
+    }
+}
+
+bool BoundedSearch::isFeasible() const
+{
+    return std::isfinite(currentValue);
+}
+
+bool BoundedSearch::isDone() const
+{
+    return done;
+}
+
+void BoundedSearch::resume()
+{
+    done = !isFeasible();
+    stalls = 0;
+}
+
+double BoundedSearch::value() const
+{
+    return currentValue;
+}
+
+const std::vector<double>& BoundedSearch::point() const
+{
+    return current;
+}
+
+void BoundedSearch::advance(int steps, double smallestGain)
+{
+    advance(steps, smallestGain, false);
+}
+
+void BoundedSearch::finish(int steps, double smallestGain)
+{
+    advance(steps, smallestGain, true);
+    done = true;
+}
+
+void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
+{
+    constexpr int mostTries = 12;
+    constexpr int triesOfTheLast = 3;
+    // A model that expects nothing so far away would have to be wrong to gain anything.
+    constexpr double farEnough = 0.3;
+    // Where the function is flat but for rounding, the model keeps expecting what never comes.
+    constexpr int mostStalls = 2;
+
+    for (int k = 0; k < steps && !done; ++k) {
+        proposeStep();
+        const double expected = expectedGain();
+        const bool isFar = !isStepLimited || trustRadius >= farEnough;
+        const bool isLittle = isFar && expected < smallestGain;
+        if (isLittle && isModelTrusted) {
+            done = true;
+            return;
+        }
+        const double before = currentValue;
+        const bool isLast = isLastTime && k + 1 == steps;
+        const int tries = isLast ? triesOfTheLast : mostTries;
+        if (!tryStep(isLittle ? 1 : tries, isLast)) {
+            done = true;
+            return;
+        }
+        // A model that has just been wrong is not believed when it expects nothing more.
+        const double gained = currentValue - before;
+        stalls = gained < smallestGain ? stalls + 1 : 0;
+        if (stalls == mostStalls) {
+            done = true;
+            return;
+        }
+        isModelTrusted =
+            gained < 10.0 * smallestGain || std::fabs(gained - expected) < 0.5 * gained;
+    }
+}
+
+double BoundedSearch::expectedGain() const
+{
+    return dot(gradient, step) - 0.5 * dot(step, multiply(hessian, step));
+}
+
+/** The maximum of the quadratic model inside the bounds and the trust box. */
+void BoundedSearch::proposeStep()
+{
+    std::vector<double> lowest(size);
+    std::vector<double> highest(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        lowest[i] = std::max(lower[i] - current[i], -trustRadius);
+        highest[i] = std::min(upper[i] - current[i], std::min(trustRadius, largestRises[i]));
+    }
+    step = BoxedQuadratic(hessian, gradient, [this] {
+               objective.reportStill();
+           }).maximum(lowest, highest);
+
+    isStepLimited = false;
+    for (std::size_t i = 0; i < size; ++i) {
+        isStepLimited = isStepLimited || step[i] <= -trustRadius ||
+                        step[i] >= std::min(trustRadius, largestRises[i]);
+    }
+}
+
+/**
+ * Asks for the gradient, and for the curvature where the objective knows it.
+ * @return whether it does.
+ */
+bool BoundedSearch::learn()
+{
+    // Of each diagonal element: keeps the matrix definite, and the variables in their own scales.
+    // Where the function is nearly flat in one, the trust box decides how far that moves.
+    constexpr double share = 1e-6;
+    constexpr double nothing = 1e-30;
+
+    std::vector<double> estimate;
+    const bool isKnown = objective.curvature(estimate);
+    objective.gradient(gradient);
+    if (isKnown) {
+        double largest = std::numeric_limits<double>::min();
+        for (std::size_t i = 0; i < size; ++i) {
+            largest = std::max(largest, estimate[i * size + i]);
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            estimate[i * size + i] += share * estimate[i * size + i] + nothing * largest;
+        }
+        hessian = std::move(estimate);
+        hasCurvature = true;
+    }
+    return isKnown;
+}
+
+/**
+ * Takes the step if the function rises by it, else a shorter one inside a smaller box.
+ * @return whether it has risen.
+ */
+bool BoundedSearch::tryStep(int mostTries, bool isLast)
+{
+    constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
+    constexpr double good = 0.75;            // of the gain that the model expects
+    constexpr double poor = 0.25;
+
+    const std::vector<double> start = current;
+    const double before = currentValue;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        const double slope = dot(gradient, step);
+        if (!(slope > 0.0)) {
+            break;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            current[i] = std::min(std::max(start[i] + step[i], lower[i]), upper[i]);
+        }
+        const double reached = objective.value(current);
+        const double gained = reached - before;
+        if (gained >= sufficientShare * slope) {
+            currentValue = reached;
+            if (isLast) {
+                return true;
+            }
+            const double share = gained / expectedGain();
+            if (share < poor) {
+                trustRadius = std::max(0.5 * largestMagnitude(step), smallestRadius);
+            } else if (share > good && isStepLimited && tries == 0) {
+                trustRadius = std::min(2.0 * trustRadius, largestRadius);
+            }
+            const std::vector<double> oldGradient = gradient;
+            learn();
+            // An estimate of the Hessian is corrected along the step just taken, too.
+            updateCurvature(step, oldGradient);
+            return true;
+        }
+        // The vertex of the parabola through the value and slope at the start and this value.
+        double shrink = 0.25;
+        if (std::isfinite(reached)) {
+            shrink = 0.5 * slope / (slope - gained);
+        }
+        trustRadius = std::min(std::max(shrink, 0.1), 0.5) * largestMagnitude(step);
+        if (std::isfinite(reached)) {
+            bend(2.0 * (slope - gained));
+        }
+        proposeStep();
+    }
+    current = start;
+    currentValue = before;
+    return false;
+}
+
+/** Gives the model at least this curvature along the step: a function that has fallen short of it
+ *  bends more than it knew. */
+void BoundedSearch::bend(double curvature)
+{
+    const std::vector<double> image = multiply(hessian, step);
+    const double quadratic = dot(step, image);
+    if (!(quadratic > 0.0) || !(curvature > quadratic)) {
+        return;
+    }
+    const double share = (curvature - quadratic) / (quadratic * quadratic);
+    for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t j = 0; j < size; ++j) {
+            hessian[i * size + j] += share * image[i] * image[j];
+        }
+    }
+}
+
+void BoundedSearch::updateCurvature(const std::vector<double>& taken,
+                                    const std::vector<double>& oldGradient)
+{
+    std::vector<double> change(size); // of the gradient of minus the function
+    for (std::size_t i = 0; i < size; ++i) {
+        change[i] = oldGradient[i] - gradient[i];
+    }
+    const double along = dot(taken, change);
+    if (!hasCurvature && along > 0.0) {
+        // The first step shows the scale, which the start could only guess.
+        const double scale = dot(change, change) / along;
+        std::fill(hessian.begin(), hessian.end(), 0.0);
+        for (std::size_t i = 0; i < size; ++i) {
+            hessian[i * size + i] = scale;
+        }
+    }
+    hasCurvature = true;
+
+    const std::vector<double> image = multiply(hessian, taken);
+    const double quadratic = dot(taken, image);
+    if (!(quadratic > 0.0)) {
+        return;
+    }
+    // Powell's damping keeps the matrix positive definite where the function is not concave.
+    double share = 1.0;
+    if (along < 0.2 * quadratic) {
+        share = 0.8 * quadratic / (quadratic - along);
+    }
+    std::vector<double> damped(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        damped[i] = share * change[i] + (1.0 - share) * image[i];
+    }
+    const double dampedAlong = dot(taken, damped);
+    for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t j = 0; j < size; ++j) {
+            hessian[i * size + j] +=
+                damped[i] * damped[j] / dampedAlong - image[i] * image[j] / quadratic;
+        }
+    }
+}

@@ -1,0 +1,310 @@
+#include <mirel_fitting/numerics/BoxedQuadratic.h>
+
+#include <mirel_fitting/machine/SimdLanes.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+/** The upper Cholesky factor by rows, in place; false if the matrix is not definite. Row by row, as
+ *  the sums of the usual order could not be computed several at a time. */
+SURROGATE_SIMD bool factorise(double* matrix, std::size_t order)
+{
+    for (std::size_t j = 0; j < order; ++j) {
+        double* row = matrix + j * order;
+        const double pivot = row[j];
+        if (!(pivot > 0.0)) {
+            return false;
+        }
+        const double root = std::sqrt(pivot);
+        for (std::size_t k = j; k < order; ++k) {
+            row[k] /= root;
+        }
+        for (std::size_t i = j + 1; i < order; ++i) {
+            double* other = matrix + i * order;
+            const double factor = row[i];
+            for (std::size_t k = i; k < order; ++k) {
+                other[k] -= factor * row[k];
+            }
+        }
+    }
+    return true;
+}
+
+void substitute(const double* factor, std::vector<double>& right)
+{
+    const std::size_t order = right.size();
+    for (std::size_t i = 0; i < order; ++i) {
+        right[i] /= factor[i * order + i];
+        for (std::size_t k = i + 1; k < order; ++k) {
+            right[k] -= factor[i * order + k] * right[i];
+        }
+    }
+    for (std::size_t i = order; i-- > 0;) {
+        for (std::size_t k = i + 1; k < order; ++k) {
+            right[i] -= factor[i * order + k] * right[k];
+        }
+        right[i] /= factor[i * order + i];
+    }
+}
+
+double largestMagnitude(const std::vector<double>& values)
+{
+    double largest = 0.0;
+    for (const double value : values) {
+        largest = std::max(largest, std::fabs(value));
+    }
+    return largest;
+}
+
+} // namespace
+
+BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope,
+                               std::function<void()> beforeFactor)
+    : hessian(hessian), slope(slope), beforeFactor(std::move(beforeFactor)), size(slope.size()),
+      areMany(size > mostFewVariables), factorsLeft(0)
+{}
+
+std::size_t BoxedQuadratic::mostFactors(std::size_t variables)
+{
+    constexpr double multiplications = 1e8;
+    constexpr double fewest = 8.0;
+    if (variables <= mostFewVariables) {
+        return std::numeric_limits<std::size_t>::max();
+    }
+    const auto m = static_cast<double>(variables);
+    return static_cast<std::size_t>(std::max(fewest, multiplications / (m * m * m / 6.0)));
+}
+
+std::vector<double> BoxedQuadratic::maximum(const std::vector<double>& lowest,
+                                            const std::vector<double>& highest)
+{
+    factorsLeft = mostFactors(size);
+    std::vector<double> start(size, 0.0);
+    if (areMany) {
+        sweep(lowest, highest, start);
+    }
+    std::vector<double> point = start;
+    if (guess(lowest, highest, point)) {
+        return point;
+    }
+    climb(lowest, highest, start);
+    return start;
+}
+
+/** The model rises with every variable that is moved. */
+void BoxedQuadratic::sweep(const std::vector<double>& lowest, const std::vector<double>& highest,
+                           std::vector<double>& point) const
+{
+    constexpr int sweeps = 20; // together cheaper than one factor
+
+    std::vector<double> rest = slopeAt(point);
+    for (int k = 0; k < sweeps; ++k) {
+        for (std::size_t i = 0; i < size; ++i) {
+            const double* column = hessian.data() + i * size;
+            if (!(column[i] > 0.0)) {
+                continue; // rounding has spoilt the curvature
+            }
+            const double before = point[i];
+            point[i] = std::min(std::max(before + rest[i] / column[i], lowest[i]), highest[i]);
+            const double change = point[i] - before;
+            for (std::size_t j = 0; j < size && change != 0.0; ++j) {
+                rest[j] -= change * column[j];
+            }
+        }
+    }
+}
+
+/** @param point in: the first guess is the part of the box that it is on.
+ *  @return whether the guess has settled: then the point is the maximum. */
+bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<double>& highest,
+                           std::vector<double>& point)
+{
+    const int mostRounds = areMany ? 5 : 10;
+    enum class Place
+    {
+        Lowest,
+        Inside,
+        Highest
+    };
+
+    std::vector<Place> places(size, Place::Inside);
+    for (std::size_t i = 0; i < size && areMany; ++i) {
+        places[i] = point[i] >= highest[i]  ? Place::Highest
+                    : point[i] <= lowest[i] ? Place::Lowest
+                                            : Place::Inside;
+    }
+    for (int round = 0; round < mostRounds; ++round) {
+        point.assign(size, 0.0);
+        std::vector<std::size_t> unknowns;
+        for (std::size_t i = 0; i < size; ++i) {
+            if (places[i] == Place::Inside) {
+                unknowns.push_back(i);
+            } else {
+                point[i] = places[i] == Place::Lowest ? lowest[i] : highest[i];
+            }
+        }
+        std::vector<double> rest = slopeAt(point);
+        std::vector<double> solution;
+        solution.reserve(unknowns.size());
+        for (const std::size_t i : unknowns) {
+            solution.push_back(rest[i]);
+        }
+        if (!solve(unknowns, solution)) {
+            return false;
+        }
+        for (std::size_t a = 0; a < unknowns.size(); ++a) {
+            point[unknowns[a]] = solution[a];
+        }
+
+        rest = slopeAt(point);
+        bool isSettled = true;
+        for (std::size_t i = 0; i < size; ++i) {
+            Place place = Place::Inside;
+            if (places[i] == Place::Inside) {
+                place = point[i] > highest[i]  ? Place::Highest
+                        : point[i] < lowest[i] ? Place::Lowest
+                                               : Place::Inside;
+            } else if (places[i] == Place::Highest ? rest[i] >= 0.0 : rest[i] <= 0.0) {
+                place = places[i];
+            }
+            isSettled = isSettled && place == places[i];
+            places[i] = place;
+        }
+        if (isSettled) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void BoxedQuadratic::climb(const std::vector<double>& lowest, const std::vector<double>& highest,
+                           std::vector<double>& point)
+{
+    constexpr double relativeRest = 1e-10; // of the slope: then the model is at its maximum
+
+    const auto bound = [&](std::size_t i, double direction) {
+        return direction < 0.0 ? lowest[i] : highest[i];
+    };
+
+    const std::size_t mostRounds = 5 * size + 5;
+    for (std::size_t round = 0; round < mostRounds && factorsLeft > 0; ++round) {
+        const std::vector<double> rest = slopeAt(point);
+        std::vector<std::size_t> unknowns;
+        double steepest = 0.0;
+        for (std::size_t i = 0; i < size; ++i) {
+            const bool isStopped = (point[i] <= lowest[i] && rest[i] <= 0.0) ||
+                                   (point[i] >= highest[i] && rest[i] >= 0.0);
+            if (!isStopped) {
+                unknowns.push_back(i);
+                steepest = std::max(steepest, std::fabs(rest[i]));
+            }
+        }
+        if (steepest <= relativeRest * largestMagnitude(slope)) {
+            break;
+        }
+        const std::vector<double> direction =
+            towardsMaximum(rest, unknowns, point, lowest, highest);
+
+        double length = 1.0;
+        std::size_t stopping = size;
+        for (std::size_t i = 0; i < size; ++i) {
+            const double room = bound(i, direction[i]) - point[i];
+            if (std::fabs(direction[i]) * length > std::fabs(room)) {
+                length = std::fabs(room) / std::fabs(direction[i]);
+                stopping = i;
+            }
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            point[i] = std::min(std::max(point[i] + length * direction[i], lowest[i]), highest[i]);
+        }
+        if (stopping < size) {
+            point[stopping] = bound(stopping, direction[stopping]);
+        }
+    }
+}
+
+/**
+ * From the point to where the model is greatest in the unknowns. An unknown that is on the box and
+ * would leave it is left out.
+ */
+std::vector<double> BoxedQuadratic::towardsMaximum(const std::vector<double>& rest,
+                                                   std::vector<std::size_t> unknowns,
+                                                   const std::vector<double>& point,
+                                                   const std::vector<double>& lowest,
+                                                   const std::vector<double>& highest)
+{
+    std::vector<double> direction(size, 0.0);
+    while (!unknowns.empty()) {
+        const std::size_t m = unknowns.size();
+        std::vector<double> right(m);
+        for (std::size_t a = 0; a < m; ++a) {
+            right[a] = rest[unknowns[a]];
+        }
+        if (!solve(unknowns, right)) {
+            // Rounding has spoilt the curvature, or there have been enough factors: straight up.
+            for (std::size_t a = 0; a < m; ++a) {
+                right[a] = rest[unknowns[a]] / std::max(largestMagnitude(slope), 1e-300);
+            }
+        }
+        std::vector<std::size_t> inside;
+        for (std::size_t a = 0; a < m; ++a) {
+            const std::size_t i = unknowns[a];
+            if (!(point[i] <= lowest[i] && right[a] < 0.0) &&
+                !(point[i] >= highest[i] && right[a] > 0.0)) {
+                inside.push_back(i);
+            }
+        }
+        if (inside.size() == m) {
+            for (std::size_t a = 0; a < m; ++a) {
+                direction[unknowns[a]] = right[a];
+            }
+            break;
+        }
+        unknowns = inside;
+    }
+    return direction;
+}
+
+/** g - H x */
+std::vector<double> BoxedQuadratic::slopeAt(const std::vector<double>& point) const
+{
+    std::vector<double> result = slope;
+    for (std::size_t k = 0; k < size; ++k) {
+        // The matrix is symmetric: its rows are its columns.
+        const double* column = hessian.data() + k * size;
+        for (std::size_t i = 0; i < size && point[k] != 0.0; ++i) {
+            result[i] -= column[i] * point[k];
+        }
+    }
+    return result;
+}
+
+/** The Newton step of the unknowns, the others kept; false if rounding has spoilt the curvature or
+ *  there have been enough factors, and `right` is what it was. */
+bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right)
+{
+    if (factorsLeft == 0) {
+        return false;
+    }
+    --factorsLeft;
+    if (areMany && beforeFactor) {
+        beforeFactor();
+    }
+    const std::size_t order = unknowns.size();
+    std::vector<double> matrix(order * order);
+    for (std::size_t a = 0; a < order; ++a) {
+        const double* row = hessian.data() + unknowns[a] * size;
+        for (std::size_t b = a; b < order; ++b) {
+            matrix[a * order + b] = row[unknowns[b]];
+        }
+    }
+    if (!factorise(matrix.data(), order)) {
+        return false;
+    }
+    substitute(matrix.data(), right);
+    return true;
+}

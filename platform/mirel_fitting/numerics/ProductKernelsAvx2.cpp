@@ -1,0 +1,20 @@
+#include <mirel_fitting/numerics/ProductKernels.h>
+
+#include <immintrin.h>
+
+namespace {
+
+using Vector = double __attribute__((vector_size(32), may_alias));
+
+constexpr std::size_t tileRows = 2;
+
+inline Vector multiplyAdd(Vector a, Vector b, Vector c)
+{
+    return _mm256_fmadd_pd(a, b, c);
+}
+
+} // namespace
+
+#include <mirel_fitting/numerics/ProductKernelsTemplate.h>
+
+const ProductKernels productKernelsAvx2 = {&addProducts, &addForm};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <mirel_fitting/machine/AlignedBuffer.h>
+
+#include <cstddef>
+
+/**
+ * Cholesky factor and inverse of a symmetric positive definite matrix of up to some hundred rows.
+ * There a general library spends more time on finding out what to do than on doing it: this does
+ * one thing, on tiles of eight by eight that stay in the registers, in the order of the textbook
+ * (Golub, Van Loan: Matrix Computations, 4th ed., Johns Hopkins 2013, 4.2.5 and 4.2.9). All
+ * processors give the same bits.
+ */
+class SmallCholesky
+{
+public:
+    /** Above this order a general library is faster. */
+    static constexpr std::size_t largestOrder = 128;
+
+    explicit SmallCholesky(std::size_t order);
+
+    /**
+     * @param matrix by columns; its lower triangle is replaced by the factor.
+     * @return false if it is not positive definite in double precision; the matrix is as before
+     *         then.
+     */
+    bool factorise(double* matrix);
+
+    /** The lower triangle of the inverse of what was last factorised: that of row i and column j is
+     *  result[j * stride() + i]. Valid until the next call. */
+    const double* invert();
+
+    std::size_t stride() const { return width; }
+
+    /** Columns of as many elements as rows become the inverse of the factor times them. */
+    void solveLower(double* columns, std::size_t count);
+
+private:
+    std::size_t order;
+    std::size_t width; // the order, filled up to whole tiles with ones on the diagonal
+    AlignedBuffer factor;
+    AlignedBuffer factorInverse; // by rows
+    AlignedBuffer inverse;
+    AlignedBuffer right;
+};

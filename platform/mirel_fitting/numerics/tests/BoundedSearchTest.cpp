@@ -1,0 +1,349 @@
+#include <mirel_fitting/numerics/BoundedSearch.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+using Vector = std::vector<double>;
+
+class Objective : public BoundedObjective
+{
+public:
+    Objective(std::function<double(const Vector&)> function,
+              std::function<Vector(const Vector&)> slope)
+        : function(std::move(function)), slope(std::move(slope))
+    {}
+
+    double value(const Vector& point) override
+    {
+        ++values;
+        last = point;
+        return function(point);
+    }
+    void gradient(Vector& result) override
+    {
+        ++gradients;
+        result = slope(last);
+    }
+
+    bool curvature(Vector& result) override
+    {
+        result = hessian;
+        return !hessian.empty();
+    }
+
+    void reportStill() override { ++reports; }
+
+    std::function<double(const Vector&)> function;
+    std::function<Vector(const Vector&)> slope;
+    Vector hessian; // of minus the function, if it is known
+    Vector last;
+    int values = 0;
+    int gradients = 0;
+    int reports = 0;
+};
+
+/** Minus the banana of Rosenbrock, Comput. J. 3 (1960): its maximum 0 is at (1, 1). */
+Objective rosenbrock()
+{
+    return Objective(
+        [](const Vector& x) {
+            const double a = x[1] - x[0] * x[0];
+            return -100.0 * a * a - (1.0 - x[0]) * (1.0 - x[0]);
+        },
+        [](const Vector& x) {
+            const double a = x[1] - x[0] * x[0];
+            return Vector{400.0 * a * x[0] + 2.0 * (1.0 - x[0]), -200.0 * a};
+        });
+}
+
+/** -(x - 3)^2 - 10 (y + 1)^2 - x y, no value beyond x = `end`. */
+Objective bowl(double end = infinity)
+{
+    return Objective(
+        [end](const Vector& x) {
+            return x[0] > end ? -infinity
+                              : -(x[0] - 3.0) * (x[0] - 3.0) - 10.0 * (x[1] + 1.0) * (x[1] + 1.0) -
+                                    x[0] * x[1];
+        },
+        [](const Vector& x) {
+            return Vector{-2.0 * (x[0] - 3.0) - x[1], -20.0 * (x[1] + 1.0) - x[0]};
+        });
+}
+
+} // namespace
+
+TEST(BoundedSearch, FindsTheMaximumOfACurvedValley)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+
+    search.advance(200, 1e-12);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_NEAR(search.point()[0], 1.0, 1e-5);
+    EXPECT_NEAR(search.point()[1], 1.0, 1e-5);
+    EXPECT_LT(objective.values, 100);
+}
+
+TEST(BoundedSearch, StopsAtABoundWhereTheFunctionStillRises)
+{
+    Objective objective = bowl();
+    BoundedSearch search(objective, {-2.0, -0.5}, {2.0, 4.0}, {0.0, 3.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_EQ(search.point()[0], 2.0);
+    EXPECT_EQ(search.point()[1], -0.5);
+}
+
+TEST(BoundedSearch, LeavesABoundThatItStartedAt)
+{
+    Objective objective = bowl();
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {-10.0, 10.0});
+
+    search.advance(100, 1e-12);
+
+    // Where both derivatives vanish: 2 (x - 3) + y = 0, 20 (y + 1) + x = 0.
+    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 1e-5);
+    EXPECT_NEAR(search.point()[1], -46.0 / 39.0, 1e-5);
+}
+
+TEST(BoundedSearch, MovesTheStartIntoTheBounds)
+{
+    Objective objective = bowl();
+
+    const BoundedSearch search(objective, {0.0, 0.0}, {1.0, 1.0}, {-7.0, 7.0});
+
+    EXPECT_EQ(search.point(), (Vector{0.0, 1.0}));
+}
+
+TEST(BoundedSearch, TurnsBackWhereTheFunctionHasNoValue)
+{
+    Objective objective = bowl(1.5);
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {-5.0, 5.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_LE(search.point()[0], 1.5);
+    EXPECT_GT(search.value(), -5.0);
+}
+
+TEST(BoundedSearch, IsDoneAtOnceWhereTheStartHasNoValue)
+{
+    Objective objective = bowl(1.5);
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {5.0, 5.0});
+
+    search.advance(100, 1e-12);
+
+    EXPECT_FALSE(search.isFeasible());
+    EXPECT_TRUE(search.isDone());
+    EXPECT_EQ(objective.values, 1);
+    EXPECT_EQ(objective.gradients, 0);
+}
+
+TEST(BoundedSearch, AdvancesInPortions)
+{
+    Objective whole = rosenbrock();
+    Objective parts = rosenbrock();
+    BoundedSearch once(whole, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+    BoundedSearch often(parts, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+
+    once.advance(10, 0.0);
+    for (int k = 0; k < 10; ++k) {
+        often.advance(1, 0.0);
+    }
+
+    EXPECT_EQ(once.point(), often.point());
+    EXPECT_EQ(once.value(), often.value());
+}
+
+TEST(BoundedSearch, NeedsFewStepsWhenTheCurvatureIsKnown)
+{
+    Objective objective = bowl();
+    objective.hessian = {2.0, 1.0, 1.0, 20.0};
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -1.0});
+
+    search.advance(100, 1e-9);
+
+    // A millionth is added to the curvature.
+    EXPECT_NEAR(search.point()[0], 140.0 / 39.0, 3e-6);
+    EXPECT_LE(objective.values, 3);
+}
+
+TEST(BoundedSearch, MovesFarWhereTheCurvatureIsNearlyZero)
+{
+    // The second variable is next to flat, but not level: steps grow to what the trust box allows.
+    Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
+                        [](const Vector& x) {
+                            return Vector{-2.0 * x[0], 1e-9};
+                        });
+    objective.hessian = {2.0, 0.0, 0.0, 1e-20};
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -5.0});
+
+    search.advance(100, 0.0);
+
+    EXPECT_NEAR(search.point()[0], 0.0, 1e-6);
+    EXPECT_EQ(search.point()[1], 10.0);
+}
+
+TEST(BoundedSearch, StopsWhenStepsGainNextToNothing)
+{
+    // The slope promises a gain that never comes.
+    Objective objective([](const Vector& x) { return 1e-6 * x[0]; },
+                        [](const Vector&) { return Vector{1.0}; });
+    BoundedSearch search(objective, {-1e9}, {1e9}, {0.0});
+
+    search.advance(100, 1e-2);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_LT(objective.gradients, 10);
+}
+
+TEST(BoundedSearch, AsksForNoSlopeAfterTheLastStep)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
+    const double before = search.value();
+
+    search.finish(2, 1e-9);
+
+    EXPECT_TRUE(search.isDone());
+    EXPECT_GT(search.value(), before);
+    EXPECT_EQ(search.value(), objective.function(search.point()));
+    EXPECT_EQ(objective.gradients, 2);
+}
+
+TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)
+{
+    // The slope promises a rise that never comes.
+    Objective objective([](const Vector& x) { return x[0] == 0.0 ? 0.0 : -1.0; },
+                        [](const Vector&) { return Vector{1.0}; });
+    BoundedSearch search(objective, {-2.0}, {2.0}, {0.0});
+
+    search.finish(1, 1e-9);
+
+    EXPECT_EQ(search.point(), Vector{0.0});
+    EXPECT_EQ(objective.values, 1 + 3);
+}
+
+TEST(BoundedSearch, RaisesAVariableByNoMoreThanIsAllowed)
+{
+    // Nothing but the limit keeps the second variable from its bound.
+    Objective objective([](const Vector& x) { return x[0] + x[1]; },
+                        [](const Vector&) {
+                            return Vector{1.0, 1.0};
+                        });
+    objective.hessian = {1e-9, 0.0, 0.0, 1e-9};
+    BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.0, 0.0});
+    search.limitRise(1, 0.25);
+
+    search.advance(2, 0.0);
+
+    EXPECT_EQ(search.point(), (Vector{3.0, 0.5})); // 1 and, as expected, twice as much
+}
+
+TEST(BoundedSearch, LowersThatVariableFreely)
+{
+    Objective objective([](const Vector& x) { return -x[0]; },
+                        [](const Vector&) { return Vector{-1.0}; });
+    objective.hessian = {1e-9};
+    BoundedSearch search(objective, {-9.0}, {9.0}, {0.0});
+    search.limitRise(0, 0.25);
+
+    search.advance(1, 0.0);
+
+    EXPECT_EQ(search.point(), Vector{-1.0});
+}
+
+TEST(BoundedSearch, GoesOnForLesserGainsWhenItIsResumed)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+    search.advance(200, 0.5);
+    EXPECT_TRUE(search.isDone());
+    const double before = search.value();
+    const int values = objective.values;
+
+    search.resume();
+    EXPECT_FALSE(search.isDone());
+    EXPECT_EQ(objective.values, values);
+    search.advance(200, 1e-12);
+
+    EXPECT_LT(before, -1e-4);
+    EXPECT_NEAR(search.value(), 0.0, 1e-9);
+}
+
+TEST(BoundedSearch, HasNothingToResumeWhereTheStartHasNoValue)
+{
+    Objective objective = bowl(1.5);
+    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {5.0, 5.0});
+
+    search.resume();
+
+    EXPECT_TRUE(search.isDone());
+}
+
+TEST(BoundedSearch, EndsWhereItExpectsNothingOfAFarStep)
+{
+    // The second variable is next to flat all the way to its bound.
+    Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
+                        [](const Vector& x) {
+                            return Vector{-2.0 * x[0], 1e-9};
+                        });
+    objective.hessian = {2.0, 0.0, 0.0, 1e-20};
+    BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.5, 0.0});
+
+    search.advance(100, 1e-4);
+
+    EXPECT_NEAR(search.point()[0], 0.0, 1e-6);
+    EXPECT_LE(objective.values, 2);
+}
+
+TEST(BoundedSearch, LearnsFromAStepThatFailedHowMuchTheFunctionBends)
+{
+    // Ten times as bent along the first variable as the curvature says: one failure tells, and what
+    // the second one needs is not shortened with it.
+    Objective objective([](const Vector& x) { return -10.0 * x[0] * x[0] - x[1] * x[1]; },
+                        [](const Vector& x) {
+                            return Vector{-20.0 * x[0], -2.0 * x[1]};
+                        });
+    objective.hessian = {2.0, 0.0, 0.0, 2.0};
+    BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.09, 0.001});
+
+    search.advance(1, 1e-12);
+
+    EXPECT_EQ(objective.values, 3);
+    EXPECT_NEAR(search.point()[0], 0.0, 1e-3);
+}
+
+TEST(BoundedSearch, ReportsBetweenTheFactorsOfManyVariables)
+{
+    const auto bowl = [](const Vector& x) {
+        double value = 0.0;
+        for (const double each : x) {
+            value -= each * each;
+        }
+        return value;
+    };
+    const auto slope = [](const Vector& x) {
+        Vector result;
+        for (const double each : x) {
+            result.push_back(-2.0 * each);
+        }
+        return result;
+    };
+    Objective objective(bowl, slope);
+
+    BoundedSearch search(objective, Vector(100, -1.0), Vector(100, 1.0), Vector(100, 0.5));
+    search.advance(3, 1e-9);
+
+    EXPECT_GT(objective.reports, 0);
+}

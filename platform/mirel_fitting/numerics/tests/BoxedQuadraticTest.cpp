@@ -1,0 +1,218 @@
+#include <mirel_fitting/numerics/BoxedQuadratic.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+using Vector = std::vector<double>;
+
+class Uniform
+{
+public:
+    explicit Uniform(std::uint64_t seed) : generator(seed) {}
+
+    double next(double from, double to)
+    {
+        const double share = static_cast<double>(generator() >> 11) * 0x1.0p-53;
+        return from + (to - from) * share;
+    }
+
+private:
+    std::mt19937_64 generator;
+};
+
+struct Problem
+{
+    Vector hessian;
+    Vector slope;
+    Vector lowest;
+    Vector highest;
+
+    /** @param coupling the condition of the matrix grows with it. */
+    Problem(std::size_t size, double coupling, std::uint64_t seed)
+        : hessian(size * size), slope(size), lowest(size), highest(size)
+    {
+        Uniform numbers(seed);
+        Vector root(size * size);
+        for (double& value : root) {
+            value = coupling * numbers.next(-1.0, 1.0);
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            for (std::size_t j = 0; j < size; ++j) {
+                for (std::size_t k = 0; k < size; ++k) {
+                    hessian[i * size + j] += root[i * size + k] * root[j * size + k];
+                }
+            }
+            hessian[i * size + i] += 1e-3;
+            slope[i] = numbers.next(-5.0, 5.0);
+            lowest[i] = numbers.next(-2.0, 0.0);
+            highest[i] = numbers.next(0.0, 2.0);
+        }
+    }
+};
+
+/** As a likelihood of few cases sees many lengths: the matrix is of low rank but for a millionth of
+ *  its diagonal. */
+Problem oneOfFewCases(std::size_t size, std::size_t rank, std::uint64_t seed)
+{
+    Problem problem(size, 0.0, seed);
+    Uniform numbers(seed);
+    Vector root(rank * size);
+    for (double& value : root) {
+        value = numbers.next(-1.0, 1.0);
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t j = 0; j < size; ++j) {
+            double& element = problem.hessian[i * size + j];
+            element = 0.0;
+            for (std::size_t k = 0; k < rank; ++k) {
+                element += root[k * size + i] * root[k * size + j];
+            }
+        }
+        problem.hessian[i * size + i] *= 1.0 + 1e-6;
+    }
+    return problem;
+}
+
+double valueAt(const Problem& problem, const Vector& point)
+{
+    double value = 0.0;
+    for (std::size_t i = 0; i < point.size(); ++i) {
+        value += problem.slope[i] * point[i];
+        for (std::size_t k = 0; k < point.size(); ++k) {
+            value -= 0.5 * point[i] * problem.hessian[i * point.size() + k] * point[k];
+        }
+    }
+    return value;
+}
+
+/** Where the point is inside, the slope has to vanish; on the box it has to point outside. */
+void expectMaximum(const Problem& problem, const Vector& point, double tolerance)
+{
+    const std::size_t size = point.size();
+    for (std::size_t i = 0; i < size; ++i) {
+        double rest = problem.slope[i];
+        for (std::size_t k = 0; k < size; ++k) {
+            rest -= problem.hessian[i * size + k] * point[k];
+        }
+        EXPECT_GE(point[i], problem.lowest[i]);
+        EXPECT_LE(point[i], problem.highest[i]);
+        if (point[i] < problem.highest[i]) {
+            EXPECT_LT(rest, tolerance);
+        }
+        if (point[i] > problem.lowest[i]) {
+            EXPECT_GT(rest, -tolerance);
+        }
+    }
+}
+
+} // namespace
+
+TEST(BoxedQuadratic, IsGreatestWhereTheSlopeVanishes)
+{
+    const Vector hessian = {2.0, 1.0, 1.0, 20.0};
+    const Vector slope = {6.0, -20.0};
+
+    const Vector point = BoxedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {9.0, 9.0});
+
+    EXPECT_NEAR(point[0], 140.0 / 39.0, 1e-14);
+    EXPECT_NEAR(point[1], -46.0 / 39.0, 1e-14);
+}
+
+TEST(BoxedQuadratic, IsGreatestOnTheBoxWhereTheSlopePointsOutside)
+{
+    const Vector hessian = {2.0, 1.0, 1.0, 20.0};
+    const Vector slope = {6.0, -20.0};
+
+    const Vector point = BoxedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {1.0, 9.0});
+
+    EXPECT_EQ(point[0], 1.0);
+    EXPECT_NEAR(point[1], -21.0 / 20.0, 1e-14);
+}
+
+TEST(BoxedQuadratic, FindsTheMaximumOfManyVariables)
+{
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        for (const std::size_t size : {1, 3, 12, 60, 90}) {
+            for (const double coupling : {0.01, 0.3, 3.0}) {
+                const Problem problem(size, coupling, seed);
+                BoxedQuadratic model(problem.hessian, problem.slope);
+
+                expectMaximum(problem, model.maximum(problem.lowest, problem.highest), 1e-8);
+            }
+        }
+    }
+}
+
+TEST(BoxedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
+{
+    for (const std::size_t rank : {5, 30, 300}) {
+        const Problem problem = oneOfFewCases(600, rank, rank);
+        std::size_t factors = 0;
+        BoxedQuadratic model(problem.hessian, problem.slope, [&factors] { ++factors; });
+
+        const Vector point = model.maximum(problem.lowest, problem.highest);
+
+        EXPECT_GE(factors, 1u);
+        EXPECT_LE(factors, 8u);
+        EXPECT_GT(valueAt(problem, point), 0.0);
+        for (std::size_t i = 0; i < point.size(); ++i) {
+            EXPECT_GE(point[i], problem.lowest[i]);
+            EXPECT_LE(point[i], problem.highest[i]);
+        }
+    }
+}
+
+TEST(BoxedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
+{
+    EXPECT_EQ(BoxedQuadratic::mostFactors(64), std::numeric_limits<std::size_t>::max());
+    EXPECT_EQ(BoxedQuadratic::mostFactors(100), 600u);
+    EXPECT_EQ(BoxedQuadratic::mostFactors(400), 9u);
+    EXPECT_EQ(BoxedQuadratic::mostFactors(800), 8u);
+}
+
+TEST(BoxedQuadratic, EndsBeforeAnyFactorOfManyVariables)
+{
+    struct Cancelled
+    {};
+    const Problem problem = oneOfFewCases(100, 10, 3);
+    BoxedQuadratic model(problem.hessian, problem.slope, [] { throw Cancelled(); });
+
+    EXPECT_THROW(model.maximum(problem.lowest, problem.highest), Cancelled);
+}
+
+TEST(BoxedQuadratic, AsksNobodyBeforeTheFactorsOfFewVariables)
+{
+    const Problem problem(BoxedQuadratic::mostFewVariables, 0.3, 3);
+    bool isAsked = false;
+    BoxedQuadratic model(problem.hessian, problem.slope, [&isAsked] { isAsked = true; });
+
+    expectMaximum(problem, model.maximum(problem.lowest, problem.highest), 1e-8);
+
+    EXPECT_FALSE(isAsked);
+}
+
+TEST(BoxedQuadratic, StaysWhereTheBoxLeavesNoRoom)
+{
+    const Problem problem(5, 1.0, 7);
+    const Vector origin(5, 0.0);
+
+    EXPECT_EQ(BoxedQuadratic(problem.hessian, problem.slope).maximum(origin, origin), origin);
+}
+
+TEST(BoxedQuadratic, LeadsUphillWhereTheCurvatureIsSpoilt)
+{
+    // Rounding has made the matrix indefinite.
+    const Vector hessian = {1.0, 2.0, 2.0, 1.0};
+    const Vector slope = {1.0, 0.5};
+
+    const Vector point = BoxedQuadratic(hessian, slope).maximum({-1.0, -1.0}, {1.0, 1.0});
+
+    EXPECT_GT(slope[0] * point[0] + slope[1] * point[1], 0.0);
+    EXPECT_LE(std::fabs(point[0]), 1.0);
+    EXPECT_LE(std::fabs(point[1]), 1.0);
+}

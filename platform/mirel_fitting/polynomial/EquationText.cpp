@@ -1,0 +1,69 @@
+#include <mirel_fitting/polynomial/EquationText.h>
+
+#include <charconv>
+#include <cmath>
+
+EquationText::EquationText(const QuadraticBasis& basis) : basis(basis), isLeftOut(basis.size(), 0)
+{
+    for (std::size_t input = 0; input < basis.inputs(); ++input) {
+        symbols.push_back("V" + std::to_string(input + 1));
+    }
+}
+
+void EquationText::leaveOut(std::size_t term)
+{
+    isLeftOut[term] = 1;
+}
+
+void EquationText::setCentres(const std::vector<double>& centres)
+{
+    for (std::size_t input = 0; input < symbols.size(); ++input) {
+        const double centre = centres[input];
+        if (centre != 0.0) {
+            symbols[input] = "(V" + std::to_string(input + 1) + (centre < 0.0 ? " + " : " - ") +
+                             number(std::fabs(centre)) + ")";
+        }
+    }
+}
+
+std::string EquationText::write(const std::vector<double>& coefficients) const
+{
+    std::string text;
+    for (std::size_t term = 0; term < basis.size(); ++term) {
+        if (isLeftOut[term]) {
+            continue;
+        }
+        // Adding 0 turns -0 into 0.
+        const double coefficient = coefficients[term] + 0.0;
+        const bool isNegative = std::signbit(coefficient);
+        if (text.empty()) {
+            text += isNegative ? "-" : "";
+        } else {
+            text += isNegative ? " - " : " + ";
+        }
+        text += number(std::fabs(coefficient)) + factors(term);
+    }
+    return text + "\n";
+}
+
+std::string EquationText::number(double value)
+{
+    char buffer[32];
+    const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return {buffer, end.ptr};
+}
+
+std::string EquationText::factors(std::size_t term) const
+{
+    const QuadraticBasis::Term& inputs = basis.terms()[term];
+    if (inputs.first == QuadraticBasis::noInput) {
+        return "";
+    }
+    std::string text = " * " + symbols[inputs.first];
+    if (inputs.second == inputs.first) {
+        text += "^2";
+    } else if (inputs.second != QuadraticBasis::noInput) {
+        text += " * " + symbols[inputs.second];
+    }
+    return text;
+}

@@ -1,0 +1,153 @@
+#pragma once
+
+#include <mirel_fitting/cases/ColumnScale.h>
+#include <mirel_fitting/machine/OrderedChunks.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * A polynomial fitted by least squares to several outputs at once, in three passes over the
+ * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
+ * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
+ * does not depend on their number.
+ *
+ * The factor is that of the normal equations where many cases make the terms clearly separable:
+ * then the residuals' pass refines the coefficients to the digits that orthogonal factorisation
+ * gives (corrected seminormal equations: Bjorck, Linear Algebra Appl. 88/89 (1987)). Else it is
+ * rotated from the cases themselves, which can tell what is separable to the last digits.
+ */
+class PolynomialFit
+{
+public:
+    /** The fit of one output. Sums of squares are those of the scaled output. */
+    struct Output
+    {
+        ColumnScale scale;
+        /** One per term of the basis, for scaled inputs, in the output's units about
+         *  scale.centre(); 0 for a dropped term. */
+        std::vector<double> coefficients;
+        double totalSquares = 0.0; ///< about the mean
+        double residualSquares = 0.0;
+        double press = 0.0; ///< sum of the squared residuals that leaving out each case would give
+        /** Of each sampled case: the output as given, and what it lies above the polynomial,
+         *  in units of `scale`. */
+        std::vector<double> values;
+        std::vector<double> residuals;
+    };
+
+    /** More cases than this are sampled: what is kept of each must not count beside the data. */
+    static constexpr std::size_t mostSampled = 100000;
+
+    /** A term that is a combination of kept ones at the cases. */
+    struct Dependence
+    {
+        std::size_t term;
+        std::vector<double> combination; ///< a coefficient per term of the basis, scaled inputs
+    };
+
+    /**
+     * @param independents one array of `cases` finite values per input of the basis, borrowed for
+     *                     the call.
+     * @param dependents   one array of `cases` finite values per output, borrowed for the call.
+     * @param cases        at least as many as there are wanted terms.
+     * @param isWanted     one per term of the basis: false leaves it out from the start. The
+     *                     constant is wanted, and linear terms of the inputs of wanted ones. Empty:
+     *                     all are.
+     * @throw SurrogateModelInterface::Error if a FitProgress cancels.
+     */
+    PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
+                  const std::vector<double*>& dependents, std::size_t cases,
+                  const std::vector<char>& isWanted = {});
+
+    const QuadraticBasis& basis() const { return polynomial; }
+    std::size_t cases() const { return caseCount; }
+    const std::vector<ColumnScale>& inputScales() const { return scales; }
+    const std::vector<Output>& outputs() const { return fits; }
+
+    /** Whether the cases can separate the term from those before it; lower orders come before
+     *  higher ones, and squares before products. The constant is always kept. */
+    bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
+
+    /** Whether the term was wanted in the first place. */
+    bool isWanted(std::size_t term) const { return wanted.empty() || wanted[term] != 0; }
+
+    /** What the terms that the cases cannot separate are made of; terms with an input that is
+     *  dropped, or constant, are not among them. The first of them, if there are many. */
+    const std::vector<Dependence>& dependences() const { return dependentTerms; }
+
+    std::size_t keptCount() const { return keptTerms.size(); }
+
+    /** The kept terms in the order of the factor, the constant first. */
+    std::size_t keptTerm(std::size_t k) const { return keptTerms[k]; }
+
+    /** The kept terms at the cases, for scaled inputs, are an orthonormal matrix times this upper
+     *  triangular one. */
+    double factorElement(std::size_t row, std::size_t column) const
+    {
+        return factor[column * keptTerms.size() + row];
+    }
+
+    /** Cases that are left to tell the error by. */
+    std::size_t degreesOfFreedom() const { return caseCount - keptTerms.size(); }
+
+    /**
+     * False if a case stands alone in the direction of some term (leverage 1): the polynomial
+     * passes through it whatever its value, and leaving it out leaves no such fit.
+     */
+    bool isPressAvailable() const { return pressAvailable; }
+
+    /** The cases of which more than sums is known, ascending: all, or one at random of each of
+     *  `mostSampled` stretches of equal length. */
+    std::size_t sampledCount() const { return leverageOfSample.size(); }
+    std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
+
+    /** One per sampled case: the share of its output in its own prediction, from 0 to 1. */
+    const std::vector<double>& leverages() const { return leverageOfSample; }
+
+    /** Whether a case of this leverage is fitted whatever its output is, up to rounding. */
+    static bool isDeterminedAlone(double leverage);
+
+    /**
+     * The leverages that other points would have: the variance of the prediction there for
+     * residuals of variance 1.
+     * @param inputs one array of `count` values per input, not scaled; borrowed for the call.
+     */
+    void variances(const std::vector<double*>& inputs, std::size_t count, double* result) const;
+
+    /**
+     * One of keptCount() vectors whose squares sum to the variances of the coefficients, for
+     * residuals of variance 1: a column of the inverse factor, one entry per term of the basis.
+     */
+    std::vector<double> coefficientDirection(std::size_t k) const;
+
+private:
+    struct Columns;
+    class Pass;
+    class ProductSums;
+    class Factorisation;
+    class Residuals;
+
+    bool solveNormalEquations(Columns& columns);
+    void refine(Columns& columns);
+    void factorise(Columns& columns);
+    void walk(const std::function<std::unique_ptr<Pass>()>& makePass, double from, double to) const;
+    void chooseSample();
+    void storeCoefficients(const Columns& columns);
+
+    QuadraticBasis polynomial;
+    std::size_t caseCount;
+    std::vector<ColumnScale> scales;
+    std::vector<Output> fits;
+    std::vector<char> wanted;           // empty: all terms
+    std::vector<std::size_t> keptTerms; // in the order of the factor
+    std::vector<char> keptFlags;        // per term of the basis
+    std::vector<double> factor;
+    std::vector<Dependence> dependentTerms;
+    bool pressAvailable = true;
+    std::vector<std::size_t> sample; // empty: all cases
+    std::vector<double> leverageOfSample;
+};

@@ -1,0 +1,126 @@
+#include <mirel_fitting/polynomial/PolynomialPredictor.h>
+
+#include <mirel_fitting/grid/GridPoints.h>
+#include <mirel_fitting/machine/SimdLanes.h>
+#include <mirel_fitting/polynomial/PolynomialGrid.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
+constexpr std::size_t pointsPerBlock = 256;
+
+/** Fewer points are evaluated before a grid among them has been looked for. */
+constexpr std::size_t fewestOfGrid = 1024;
+
+/** @param notFinite becomes NaN where the column is not finite. */
+SURROGATE_SIMD void scale(const double* column, const PolynomialPredictor::Scale& scale,
+                          std::size_t points, double* z, double* notFinite)
+{
+    const double centre = scale.centre;
+    const double perUnit = 1.0 / scale.unit;
+    // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+    for (std::size_t k = 0; k < points; ++k) {
+        z[k] = (column[k] - centre) * perUnit;
+        notFinite[k] += 0.0 * column[k];
+    }
+}
+
+/** values = sum over i of z_i (b_i + sum over j >= i of b_ij z_j), without the constant. */
+SURROGATE_SIMD void evaluate(const QuadraticBasis& basis, const std::vector<double>& coefficients,
+                             const double* scaledInputs, double* values)
+{
+    double slope[pointsPerBlock];
+    std::size_t product = 1 + basis.inputs();
+    std::fill_n(values, pointsPerBlock, 0.0);
+    if (basis.order() == 0) {
+        return;
+    }
+    for (std::size_t i = 0; i < basis.inputs(); ++i) {
+        std::fill_n(slope, pointsPerBlock, coefficients[1 + i]);
+        for (std::size_t j = i; basis.order() == 2 && j < basis.inputs(); ++j) {
+            const double coefficient = coefficients[product++];
+            const double* z = scaledInputs + j * pointsPerBlock;
+            for (std::size_t k = 0; k < pointsPerBlock; ++k) {
+                slope[k] += coefficient * z[k];
+            }
+        }
+        const double* z = scaledInputs + i * pointsPerBlock;
+        for (std::size_t k = 0; k < pointsPerBlock; ++k) {
+            values[k] += slope[k] * z[k];
+        }
+    }
+}
+
+} // namespace
+
+PolynomialPredictor::PolynomialPredictor(const QuadraticBasis& basis, std::vector<Scale> scales,
+                                         std::vector<Output> outputs)
+    : polynomial(basis), scales(std::move(scales)), fits(std::move(outputs))
+{}
+
+void PolynomialPredictor::predict(const std::vector<double*>& inputs,
+                                  const std::vector<std::size_t>& wanted,
+                                  const std::vector<double*>& results, std::size_t count) const
+{
+    if (count < fewestOfGrid) {
+        predictScattered(inputs, 0, count, wanted, results);
+        return;
+    }
+    const GridPoints points(inputs, count);
+    for (const ProductGrid& grid : points.grids()) {
+        if (PolynomialGrid::isWorthwhile(grid, inputs.size())) {
+            predictGrid(points.columns(), grid, wanted, results);
+        } else {
+            predictScattered(points.columns(), grid.firstRow(), grid.rowCount(), wanted, results);
+        }
+    }
+    for (double* result : results) {
+        points.markFilled(result);
+    }
+}
+
+void PolynomialPredictor::predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                                      const std::vector<std::size_t>& wanted,
+                                      const std::vector<double*>& results) const
+{
+    // What is held of each input stays at one megabyte for the points of a run, and as much for
+    // the runs.
+    constexpr std::size_t mostValues = std::size_t{1} << 17;
+
+    for (const ProductGrid& part : PolynomialGrid::cut(grid, mostValues)) {
+        const PolynomialGrid polynomials(*this, columns, part);
+        for (std::size_t w = 0; w < wanted.size(); ++w) {
+            polynomials.predict(fits[wanted[w]], results[w] + part.firstRow());
+        }
+    }
+}
+
+void PolynomialPredictor::predictScattered(const std::vector<double*>& inputs, std::size_t first,
+                                           std::size_t count,
+                                           const std::vector<std::size_t>& wanted,
+                                           const std::vector<double*>& results) const
+{
+    // A last block that is not full is evaluated like a full one, at points that nobody sees.
+    std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
+    double notFinite[pointsPerBlock];
+    double values[pointsPerBlock];
+    const std::size_t last = first + count;
+    for (std::size_t start = first; start < last; start += pointsPerBlock) {
+        const std::size_t points = std::min(pointsPerBlock, last - start);
+        std::fill_n(notFinite, pointsPerBlock, 0.0);
+        for (std::size_t input = 0; input < inputs.size(); ++input) {
+            scale(inputs[input] + start, scales[input], points,
+                  scaledInputs.data() + input * pointsPerBlock, notFinite);
+        }
+        for (std::size_t w = 0; w < wanted.size(); ++w) {
+            const Output& output = fits[wanted[w]];
+            evaluate(polynomial, output.coefficients, scaledInputs.data(), values);
+            for (std::size_t k = 0; k < points; ++k) {
+                results[w][start + k] = output.constant + values[k] + notFinite[k];
+            }
+        }
+    }
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <cstddef>
+#include <vector>
+
+class ProductGrid;
+
+/** Evaluates fitted polynomials of the same terms: y(x) = constant + sum of b_t t(z). */
+class PolynomialPredictor
+{
+public:
+    /** z = (x - centre) / unit of one input; the unit is a power of two, so that only the
+     *  difference is rounded. */
+    struct Scale
+    {
+        double centre = 0.0;
+        double unit = 1.0;
+    };
+
+    struct Output
+    {
+        double constant = 0.0;
+        /** One per term of the basis; that of the constant term does not count. */
+        std::vector<double> coefficients;
+    };
+
+    /** @param scales one per input of the basis. */
+    PolynomialPredictor(const QuadraticBasis& basis, std::vector<Scale> scales,
+                        std::vector<Output> outputs);
+
+    const QuadraticBasis& basis() const { return polynomial; }
+    const std::vector<Scale>& inputScales() const { return scales; }
+    const std::vector<Output>& outputs() const { return fits; }
+
+    /**
+     * Grids among the points are recognised and evaluated as such (PolynomialGrid). A point with a
+     * coordinate that is not finite gets NaN.
+     * @param inputs  one array of `count` values per input, borrowed for the call.
+     * @param wanted  positions in outputs().
+     * @param results one array of `count` values for each of them.
+     */
+    void predict(const std::vector<double*>& inputs, const std::vector<std::size_t>& wanted,
+                 const std::vector<double*>& results, std::size_t count) const;
+
+private:
+    void predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
+                     const std::vector<std::size_t>& wanted,
+                     const std::vector<double*>& results) const;
+    void predictScattered(const std::vector<double*>& inputs, std::size_t first, std::size_t count,
+                          const std::vector<std::size_t>& wanted,
+                          const std::vector<double*>& results) const;
+
+    QuadraticBasis polynomial;
+    std::vector<Scale> scales;
+    std::vector<Output> fits;
+};

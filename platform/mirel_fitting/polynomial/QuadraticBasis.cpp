@@ -1,0 +1,93 @@
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <mirel_fitting/machine/SimdLanes.h>
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+namespace {
+
+SURROGATE_SIMD void multiply(const double* first, const double* second, std::size_t count,
+                             double* values)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        values[k] = first[k] * second[k];
+    }
+}
+
+} // namespace
+
+QuadraticBasis::QuadraticBasis(std::size_t inputs, int order) : inputCount(inputs), highest(order)
+{
+    if (order < 0 || order > 2) {
+        throw std::invalid_argument("A polynomial has order 0, 1 or 2, not " +
+                                    std::to_string(order) + ".");
+    }
+    termList.reserve(termCount(inputs, order));
+    termList.push_back({});
+    for (std::size_t i = 0; order >= 1 && i < inputs; ++i) {
+        termList.push_back({i, noInput});
+    }
+    // j starts at i: V_i V_j and V_j V_i are one column, and keeping both would leave the design
+    // matrix rank deficient.
+    for (std::size_t i = 0; order == 2 && i < inputs; ++i) {
+        for (std::size_t j = i; j < inputs; ++j) {
+            termList.push_back({i, j});
+        }
+    }
+}
+
+std::size_t QuadraticBasis::termCount(std::size_t inputs, int order)
+{
+    // Beyond 2^31 inputs the product below would wrap.
+    constexpr std::size_t mostInputs = std::size_t{1} << 31;
+    if (order <= 0) {
+        return 1;
+    }
+    if (inputs >= mostInputs) {
+        return std::numeric_limits<std::size_t>::max();
+    }
+    return order == 1 ? inputs + 1 : (inputs + 1) * (inputs + 2) / 2;
+}
+
+std::string QuadraticBasis::name(std::size_t term) const
+{
+    const Term& inputsOfTerm = termList.at(term);
+    if (inputsOfTerm.first == noInput) {
+        return "1";
+    }
+    const std::string first = "V" + std::to_string(inputsOfTerm.first + 1);
+    if (inputsOfTerm.second == noInput) {
+        return first;
+    }
+    if (inputsOfTerm.second == inputsOfTerm.first) {
+        return first + "^2";
+    }
+    return first + " V" + std::to_string(inputsOfTerm.second + 1);
+}
+
+void QuadraticBasis::evaluateTerm(std::size_t term, const double* const* columns, std::size_t count,
+                                  double* values) const
+{
+    const Term& inputsOfTerm = termList[term];
+    if (inputsOfTerm.first == noInput) {
+        std::fill_n(values, count, 1.0);
+        return;
+    }
+    const double* first = columns[inputsOfTerm.first];
+    if (inputsOfTerm.second == noInput) {
+        std::copy_n(first, count, values);
+        return;
+    }
+    const double* second = columns[inputsOfTerm.second];
+    multiply(first, second, count, values);
+}
+
+void QuadraticBasis::evaluate(const double* const* columns, std::size_t count, double* values,
+                              std::size_t stride) const
+{
+    for (std::size_t term = 0; term < size(); ++term) {
+        evaluateTerm(term, columns, count, values + term * stride);
+    }
+}

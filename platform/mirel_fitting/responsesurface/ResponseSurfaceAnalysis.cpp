@@ -1,0 +1,427 @@
+#include <mirel_fitting/responsesurface/ResponseSurfaceAnalysis.h>
+
+#include <mirel_fitting/numerics/Distributions.h>
+#include <mirel_fitting/polynomial/PolynomialUnits.h>
+
+#include <lapacke.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr double none = CoefficientStatistics::none;
+const double twoPi = 2.0 * std::acos(-1.0);
+
+/** The kinds of terms, in the order in which the analysis of variance enters them. */
+enum class Kind
+{
+    Constant,
+    Linear,
+    Interaction,
+    Square
+};
+
+Kind kindOf(const QuadraticBasis::Term& term)
+{
+    if (term.first == QuadraticBasis::noInput) {
+        return Kind::Constant;
+    }
+    if (term.second == QuadraticBasis::noInput) {
+        return Kind::Linear;
+    }
+    return term.first == term.second ? Kind::Square : Kind::Interaction;
+}
+
+AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squares)
+{
+    AnovaRow result;
+    result.source = source;
+    result.degreesOfFreedom = degreesOfFreedom;
+    // Without a degree of freedom the sum is 0, and what is left of it rounding.
+    if (degreesOfFreedom > 0) {
+        result.sumOfSquares = squares;
+        result.meanSquare = squares / static_cast<double>(degreesOfFreedom);
+    }
+    return result;
+}
+
+void compare(AnovaRow& effect, const AnovaRow& error)
+{
+    if (effect.degreesOfFreedom == 0 || error.degreesOfFreedom == 0) {
+        return;
+    }
+    effect.f = effect.meanSquare / error.meanSquare;
+    if (!std::isnan(effect.f)) {
+        effect.p = Distributions::fisherTail(effect.f, static_cast<double>(effect.degreesOfFreedom),
+                                             static_cast<double>(error.degreesOfFreedom));
+    }
+}
+
+} // namespace
+
+/** One way of writing the polynomial: its inputs may be shifted and scaled. */
+struct ResponseSurfaceAnalysis::Coding
+{
+    /** From coefficients for scaled inputs to those of this coding. */
+    std::function<Vector(const Vector&)> coefficients;
+    /** A term of this coding as a combination of those of scaled inputs. */
+    std::function<Vector(std::size_t)> term;
+};
+
+/** The inputs that take part, and the eigenvectors of their second-order coefficients. */
+struct ResponseSurfaceAnalysis::Curvature
+{
+    std::vector<std::size_t> inputs;
+    std::vector<double> eigenvalues; // ascending
+    std::vector<double> directions;  // a column per eigenvalue
+    std::vector<double> slopes;      // in the middle, one per eigenvalue
+    double rounding = 0.0;           // eigenvalues and slopes up to this are none
+
+    bool isFlat(std::size_t k) const { return std::fabs(eigenvalues[k]) <= rounding; }
+    bool isAllFlat() const { return isFlat(0) && isFlat(eigenvalues.size() - 1); }
+};
+
+ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
+                                                 const PureError& pureError)
+    : fit(fit), output(fit.outputs()[output]), pureError(pureError)
+{}
+
+double ResponseSurfaceAnalysis::residualSquares() const
+{
+    // What the mean leaves is the spread: computed in another way it differs by rounding.
+    return fit.keptCount() == 1 ? output.totalSquares : output.residualSquares;
+}
+
+/** NaN where no case is left to tell it by. */
+double ResponseSurfaceAnalysis::deviation() const
+{
+    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    return freedom > 0.0 ? output.scale.unit() * std::sqrt(residualSquares() / freedom) : none;
+}
+
+std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::coefficients(double level) const
+{
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    return statistics({[&](const Vector& scaled) { return units.expanded(scaled); },
+                       [&](std::size_t term) { return units.term(term); }},
+                      level);
+}
+
+std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::codedCoefficients(double level) const
+{
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    return statistics({[&](const Vector& scaled) { return units.coded(scaled); },
+                       [&](std::size_t term) {
+                           Vector single(fit.basis().size(), 0.0);
+                           single[term] = 1.0;
+                           return single;
+                       }},
+                      level);
+}
+
+std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Coding& coding,
+                                                                       double level) const
+{
+    Vector estimates = coding.coefficients(output.coefficients);
+    estimates[0] += output.scale.centre();
+    Vector variances(estimates.size(), 0.0); // for residuals of variance 1
+    for (std::size_t k = 0; k < fit.keptCount(); ++k) {
+        const Vector direction = coding.coefficients(fit.coefficientDirection(k));
+        for (std::size_t term = 0; term < variances.size(); ++term) {
+            variances[term] += direction[term] * direction[term];
+        }
+    }
+
+    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    const double quantile = freedom > 0.0 ? Distributions::studentQuantile(level, freedom) : none;
+    std::vector<CoefficientStatistics> result(estimates.size());
+    for (std::size_t term = 0; term < result.size(); ++term) {
+        CoefficientStatistics& one = result[term];
+        one.term = fit.basis().name(term);
+        one.isKept = fit.isKept(term);
+        if (!one.isKept) {
+            continue;
+        }
+        one.estimate = estimates[term] + 0.0; // a constant output leaves -0
+        one.standardError = deviation() * std::sqrt(variances[term]);
+        one.t = one.estimate / one.standardError;
+        if (!std::isnan(one.t)) {
+            one.p = Distributions::studentTails(one.t, freedom);
+        }
+        one.lower = one.estimate - quantile * one.standardError;
+        one.upper = one.estimate + quantile * one.standardError;
+        if (term > 0) {
+            // The column may be a multiple of the term: so much less varies its coefficient.
+            const Vector column = coding.term(term);
+            const double multiple = coding.coefficients(column)[term];
+            one.varianceInflation =
+                variances[term] / (multiple * multiple) * squaresAboutMean(column);
+        }
+    }
+    return result;
+}
+
+/** The sum of squares about its mean, over the cases, of a combination of terms of scaled inputs.
+ */
+double ResponseSurfaceAnalysis::squaresAboutMean(const Vector& combination) const
+{
+    // The first kept term is the constant, so the first row of the factor holds the means.
+    const std::size_t kept = fit.keptCount();
+    double squares = 0.0;
+    for (std::size_t i = 1; i < kept; ++i) {
+        double value = 0.0;
+        for (std::size_t j = i; j < kept; ++j) {
+            value += fit.factorElement(i, j) * combination[fit.keptTerm(j)];
+        }
+        squares += value * value;
+    }
+    return squares;
+}
+
+/** By kind of term: what entering it takes off the residual sum of squares of the scaled output. */
+std::vector<double> ResponseSurfaceAnalysis::sequentialSquares() const
+{
+    const std::size_t kept = fit.keptCount();
+    std::vector<std::size_t> order(kept);
+    for (std::size_t k = 0; k < kept; ++k) {
+        order[k] = k;
+    }
+    const auto kind = [&](std::size_t k) { return kindOf(fit.basis().terms()[fit.keptTerm(k)]); };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return kind(a) < kind(b); });
+
+    // The factor with its columns in this order, made triangular again, and the outputs with it.
+    const auto n = static_cast<lapack_int>(kept);
+    std::vector<double> matrix(kept * kept, 0.0);
+    std::vector<double> rotated(kept, 0.0);
+    for (std::size_t column = 0; column < kept; ++column) {
+        const std::size_t k = order[column];
+        const double coefficient = output.coefficients[fit.keptTerm(k)] / output.scale.unit();
+        for (std::size_t i = 0; i <= k; ++i) {
+            matrix[column * kept + i] = fit.factorElement(i, k);
+            rotated[i] += fit.factorElement(i, k) * coefficient;
+        }
+    }
+    std::vector<double> reflections(kept);
+    LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, matrix.data(), n, reflections.data());
+    LAPACKE_dormqr(LAPACK_COL_MAJOR, 'L', 'T', n, 1, n, matrix.data(), n, reflections.data(),
+                   rotated.data(), n);
+    std::vector<double> squares(4, 0.0);
+    for (std::size_t column = 0; column < kept; ++column) {
+        squares[static_cast<std::size_t>(kind(order[column]))] += rotated[column] * rotated[column];
+    }
+    return squares;
+}
+
+std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
+{
+    const double unit = output.scale.unit() * output.scale.unit();
+    const std::vector<double> squares = sequentialSquares();
+    std::vector<std::size_t> counts(squares.size(), 0);
+    for (std::size_t k = 0; k < fit.keptCount(); ++k) {
+        ++counts[static_cast<std::size_t>(kindOf(fit.basis().terms()[fit.keptTerm(k)]))];
+    }
+
+    const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
+    std::vector<AnovaRow> table;
+    table.push_back(row("Model", fit.keptCount() - 1,
+                        unit * std::max(output.totalSquares - residualSquares(), 0.0)));
+    const std::pair<Kind, const char*> kinds[] = {
+        {Kind::Linear, "Linear"}, {Kind::Interaction, "Interaction"}, {Kind::Square, "Square"}};
+    for (const auto& [kind, name] : kinds) {
+        const auto k = static_cast<std::size_t>(kind);
+        if (counts[k] > 0) {
+            table.push_back(row(name, counts[k], unit * squares[k]));
+        }
+    }
+    for (AnovaRow& effect : table) {
+        compare(effect, residual);
+    }
+    table.push_back(residual);
+    if (pureError.degreesOfFreedom > 0) {
+        const AnovaRow error =
+            row("Pure error", pureError.degreesOfFreedom, unit * pureError.squares);
+        AnovaRow lack = row("Lack of fit", fit.degreesOfFreedom() - pureError.degreesOfFreedom,
+                            unit * std::max(residualSquares() - pureError.squares, 0.0));
+        compare(lack, error);
+        table.push_back(lack);
+        table.push_back(error);
+    }
+    table.push_back(row("Total", fit.cases() - 1, unit * output.totalSquares));
+    return table;
+}
+
+double ResponseSurfaceAnalysis::aicc() const
+{
+    const double scaled = aicc(residualSquares(), fit.cases(), fit.keptCount());
+    // The logarithm of the unit by itself: its square may not be a double.
+    return std::isinf(scaled) && scaled > 0.0
+               ? none
+               : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit());
+}
+
+double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::size_t terms)
+{
+    const auto n = static_cast<double>(cases);
+    const auto k = static_cast<double>(terms + 1);
+    if (n - k <= 1.0) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return n * (std::log(squares / n) + std::log(twoPi) + 1.0) + 2.0 * k +
+           2.0 * k * (k + 1.0) / (n - k - 1.0);
+}
+
+std::vector<CaseLeverage> ResponseSurfaceAnalysis::largestLeverages() const
+{
+    constexpr std::size_t most = 5;
+    // Leverages that differ by less are equal but for rounding.
+    constexpr double step = 1e-9;
+
+    const std::vector<double>& leverages = fit.leverages();
+    std::vector<std::size_t> order(leverages.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    const auto isBefore = [&](std::size_t left, std::size_t right) {
+        const double difference =
+            std::round(leverages[left] / step) - std::round(leverages[right] / step);
+        return difference > 0.0 || (difference == 0.0 && left < right);
+    };
+    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(most, order.size()));
+    std::partial_sort(order.begin(), end, order.end(), isBefore);
+    std::vector<CaseLeverage> largest;
+    for (auto position = order.begin(); position != end; ++position) {
+        largest.push_back({fit.sampledRow(*position), leverages[*position]});
+    }
+    return largest;
+}
+
+bool ResponseSurfaceAnalysis::isSecondOrder() const
+{
+    const QuadraticBasis& basis = fit.basis();
+    for (std::size_t term = 1 + basis.inputs(); basis.order() == 2 && term < basis.size(); ++term) {
+        if (fit.isKept(term)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+ResponseSurfaceAnalysis::Curvature ResponseSurfaceAnalysis::curvature() const
+{
+    // What is below either is rounding: of the largest one, and of the output's range.
+    constexpr double ofLargest = 1e-10;
+    constexpr double ofOutput = 1e-12;
+
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    const Vector coded = units.coded(output.coefficients);
+    Curvature result;
+    std::vector<std::size_t> position(fit.basis().inputs(), 0);
+    for (std::size_t input = 0; input < fit.basis().inputs(); ++input) {
+        if (fit.isKept(1 + input)) {
+            position[input] = result.inputs.size();
+            result.inputs.push_back(input);
+        }
+    }
+    const std::size_t size = result.inputs.size();
+    result.directions.assign(size * size, 0.0);
+    for (std::size_t term = 1 + fit.basis().inputs(); term < coded.size(); ++term) {
+        if (!fit.isKept(term)) {
+            continue;
+        }
+        const std::size_t i = position[fit.basis().terms()[term].first];
+        const std::size_t j = position[fit.basis().terms()[term].second];
+        result.directions[i * size + j] += coded[term] / 2.0;
+        result.directions[j * size + i] += coded[term] / 2.0;
+    }
+    result.eigenvalues.resize(size);
+    LAPACKE_dsyev(LAPACK_COL_MAJOR, 'V', 'U', static_cast<lapack_int>(size),
+                  result.directions.data(), static_cast<lapack_int>(size),
+                  result.eigenvalues.data());
+
+    double largest = 0.0;
+    for (std::size_t k = 0; k < size; ++k) {
+        double slope = 0.0;
+        for (std::size_t i = 0; i < size; ++i) {
+            slope += result.directions[k * size + i] * coded[1 + result.inputs[i]];
+        }
+        result.slopes.push_back(slope);
+        largest = std::max({largest, std::fabs(slope), std::fabs(result.eigenvalues[k])});
+    }
+    result.rounding = std::max(ofLargest * largest, ofOutput * output.scale.halfRange());
+    return result;
+}
+
+void ResponseSurfaceAnalysis::findStationaryPoint(ResponseSurfaceStatistics& statistics) const
+{
+    if (!isSecondOrder()) {
+        return;
+    }
+    const Curvature curved = curvature();
+    statistics.isCurved = !curved.isAllFlat();
+    if (statistics.isCurved) {
+        statistics.stationaryPoint = stationaryPoint(curved);
+    }
+}
+
+std::optional<StationaryPoint>
+ResponseSurfaceAnalysis::stationaryPoint(const Curvature& curved) const
+{
+    const QuadraticBasis& basis = fit.basis();
+    const std::size_t size = curved.inputs.size();
+    StationaryPoint point;
+    point.curvatures = curved.eigenvalues;
+    Vector coded(basis.inputs(), 0.0);
+    bool isFlat = false;
+    for (std::size_t k = 0; k < size; ++k) {
+        if (curved.isFlat(k)) {
+            if (std::fabs(curved.slopes[k]) > curved.rounding) {
+                return std::nullopt;
+            }
+            isFlat = true;
+            point.curvatures[k] = 0.0;
+            continue;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            coded[curved.inputs[i]] -=
+                curved.slopes[k] / (2.0 * curved.eigenvalues[k]) * curved.directions[k * size + i];
+        }
+    }
+    using Nature = StationaryPoint::Nature;
+    point.nature = isFlat                             ? Nature::Ridge
+                   : curved.eigenvalues.front() > 0.0 ? Nature::Minimum
+                   : curved.eigenvalues.back() < 0.0  ? Nature::Maximum
+                                                      : Nature::Saddle;
+
+    // The coordinate of a bound of the range is 1 up to rounding.
+    constexpr double bound = 1.0 + 1e-12;
+    point.isInsideData = true;
+    point.coordinates.assign(basis.inputs(), none);
+    for (const std::size_t input : curved.inputs) {
+        const ColumnScale& scale = fit.inputScales()[input];
+        point.coordinates[input] = scale.centre() + coded[input] * scale.halfRange();
+        point.isInsideData = point.isInsideData && std::fabs(coded[input]) <= bound;
+    }
+    point.value = output.scale.centre() + valueAt(coded);
+    return point;
+}
+
+/** The polynomial about the middle of the output's range. */
+double ResponseSurfaceAnalysis::valueAt(const Vector& coded) const
+{
+    const QuadraticBasis& basis = fit.basis();
+    const Vector estimates = PolynomialUnits(basis, fit.inputScales()).coded(output.coefficients);
+    double sum = 0.0;
+    for (std::size_t term = 0; term < basis.size(); ++term) {
+        double value = estimates[term];
+        for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
+            value *= input == QuadraticBasis::noInput ? 1.0 : coded[input];
+        }
+        sum += value;
+    }
+    return sum;
+}

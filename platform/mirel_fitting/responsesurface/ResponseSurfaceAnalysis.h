@@ -1,0 +1,70 @@
+#pragma once
+
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/polynomial/PolynomialFit.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+/**
+ * What a fitted polynomial says about itself: everything follows from the triangular factor of the
+ * design and a few sums, so that its cost does not depend on the number of cases.
+ * Myers, Montgomery, Anderson-Cook: Response Surface Methodology, 4th ed., Wiley 2016, ch. 2 and 6.
+ */
+class ResponseSurfaceAnalysis
+{
+public:
+    /** The error among cases with the same inputs. */
+    struct PureError
+    {
+        std::size_t degreesOfFreedom = 0;
+        double squares = 0.0; ///< of the scaled output
+    };
+
+    /** @param fit is borrowed; it must outlive this object. `output` is a position in outputs(). */
+    ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
+                            const PureError& pureError);
+
+    /** The residual sum of squares of the scaled output. */
+    double residualSquares() const;
+
+    /** One per term of the basis, for the inputs as they are. */
+    std::vector<CoefficientStatistics> coefficients(double level) const;
+
+    /** The same for inputs coded to [-1, 1]. */
+    std::vector<CoefficientStatistics> codedCoefficients(double level) const;
+
+    std::vector<AnovaRow> anova() const;
+
+    double aicc() const;
+
+    /** For `terms` coefficients and the variance, as ResponseSurfaceStatistics says; infinite, not
+     *  NaN, where the cases are too few. @param squares residual sum of squares. */
+    static double aicc(double squares, std::size_t cases, std::size_t terms);
+
+    /** The largest leverages of all cases, or of the sampled ones. */
+    std::vector<CaseLeverage> largestLeverages() const;
+
+    /** Sets isCurved and stationaryPoint. */
+    void findStationaryPoint(ResponseSurfaceStatistics& statistics) const;
+
+private:
+    using Vector = std::vector<double>; // one number per term of the basis
+
+    struct Coding;
+    struct Curvature;
+
+    double deviation() const;
+    std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
+    double squaresAboutMean(const Vector& combination) const;
+    std::vector<double> sequentialSquares() const;
+    Curvature curvature() const;
+    bool isSecondOrder() const;
+    std::optional<StationaryPoint> stationaryPoint(const Curvature& curved) const;
+    double valueAt(const Vector& coded) const;
+
+    const PolynomialFit& fit;
+    const PolynomialFit::Output& output;
+    PureError pureError;
+};

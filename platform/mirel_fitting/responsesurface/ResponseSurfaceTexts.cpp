@@ -1,0 +1,275 @@
+#include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
+
+#include <mirel_fitting/polynomial/PolynomialUnits.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+/** Eight digits: as many as tell two fits apart. */
+std::string figure(double value, int digits = 8)
+{
+    char buffer[32];
+    const std::to_chars_result end =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
+    return {buffer, end.ptr};
+}
+
+std::string line(const std::string& name, double value, const std::string& reasonForNone)
+{
+    return name + ": " +
+           (std::isnan(value) ? "not available (" + reasonForNone + ")" : figure(value)) + "\n";
+}
+
+/** The probability as people read it. */
+std::string probability(double p)
+{
+    constexpr double smallest = 1e-4;
+    return p < smallest ? "p < 0.0001" : "p " + figure(p, 3);
+}
+
+std::string coefficientLines(const std::vector<CoefficientStatistics>& coefficients, bool isCoded)
+{
+    std::string text;
+    for (const CoefficientStatistics& one : coefficients) {
+        if (std::isnan(one.p)) {
+            continue;
+        }
+        const bool isConstant = one.term == "1";
+        const std::string name = isConstant ? "Intercept" : "Coefficient of " + one.term;
+        text += name + (isCoded ? ", inputs coded" : "") + ": " + figure(one.estimate) +
+                ", standard error " + figure(one.standardError) + ", t " + figure(one.t, 4) + ", " +
+                probability(one.p) + ", 95 % limits " + figure(one.lower) + " and " +
+                figure(one.upper);
+        if (isCoded && !isConstant) {
+            text += ", variance inflation " + figure(one.varianceInflation, 4);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+std::string anovaLines(const std::vector<AnovaRow>& anova)
+{
+    std::string text;
+    for (const AnovaRow& row : anova) {
+        if (row.degreesOfFreedom == 0) {
+            continue;
+        }
+        text += row.source + ": sum of squares " + figure(row.sumOfSquares) + " on " +
+                std::to_string(row.degreesOfFreedom) +
+                (row.degreesOfFreedom == 1 ? " degree of freedom" : " degrees of freedom");
+        if (!std::isnan(row.p)) {
+            text += ", F " + figure(row.f, 4) + ", " + probability(row.p);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+/** Cases are counted from 1. */
+std::string leverageLine(const ResponseSurfaceStatistics& statistics)
+{
+    std::string text = "Leverage: mean " + figure(statistics.meanLeverage, 4);
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        text += (&one == &statistics.largestLeverages.front() ? ", largest " : ", ") +
+                figure(one.leverage, 4) + " of case " + std::to_string(one.row + 1);
+    }
+    return text + "\n";
+}
+
+std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
+{
+    if (!statistics.stationaryPoint) {
+        return statistics.isCurved ? "Stationary point: none, the polynomial rises along a "
+                                     "direction in which it is not curved\n"
+                                   : "Stationary point: none, the polynomial is not curved\n";
+    }
+    const StationaryPoint& point = *statistics.stationaryPoint;
+    std::string place;
+    std::vector<std::string> anywhere;
+    for (std::size_t input = 0; input < point.coordinates.size(); ++input) {
+        const std::string name = "V" + std::to_string(input + 1);
+        if (std::isnan(point.coordinates[input])) {
+            anywhere.push_back(name);
+        } else {
+            place += (place.empty() ? "" : ", ") + name + " = " + figure(point.coordinates[input]);
+        }
+    }
+    return std::string("Stationary point: ") + natureName(point.nature) + " of " +
+           figure(point.value) + " at " + place +
+           (anywhere.empty() ? "" : ", any " + ResponseSurfaceTexts::list(anywhere)) +
+           (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
+}
+
+/** How much a term of the inputs as they are varies over the cases. */
+double variation(const PolynomialFit& fit, std::size_t term)
+{
+    const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
+    if (inputs.first == QuadraticBasis::noInput) {
+        return 0.0;
+    }
+    const ColumnScale& first = fit.inputScales()[inputs.first];
+    if (inputs.second == QuadraticBasis::noInput) {
+        return first.halfRange();
+    }
+    const ColumnScale& second = fit.inputScales()[inputs.second];
+    return first.halfRange() * second.largest() + second.halfRange() * first.largest();
+}
+
+/** The terms of the inputs as they are that a dependent one is made of; the constant goes without
+ *  saying. */
+std::vector<std::string> partsOf(const PolynomialFit& fit,
+                                 const PolynomialFit::Dependence& dependence)
+{
+    // What the rounding of the combination leaves of a term that is not in it.
+    constexpr double rounding = 1e-7;
+
+    // Term minus combination is 0 at the cases, and so it is when multiplied out.
+    const QuadraticBasis& basis = fit.basis();
+    const PolynomialUnits units(basis, fit.inputScales());
+    std::vector<double> relation = dependence.combination;
+    relation[dependence.term] -= 1.0;
+    const std::vector<double> expanded = units.expanded(relation);
+    std::vector<double> shares(basis.size(), 0.0);
+    const std::vector<double> cancelled = units.expandedMagnitudes(relation);
+    double largest = 0.0;
+    for (std::size_t term = 1; term < basis.size(); ++term) {
+        const bool isRounding = std::fabs(expanded[term]) <= rounding * cancelled[term];
+        shares[term] = isRounding ? 0.0 : std::fabs(expanded[term]) * variation(fit, term);
+        largest = std::max(largest, shares[term]);
+    }
+    std::vector<std::string> names;
+    for (std::size_t term = 1; term < basis.size(); ++term) {
+        if (term != dependence.term && shares[term] > rounding * largest) {
+            names.push_back(basis.name(term));
+        }
+    }
+    return names;
+}
+
+/** The terms of second order that are dropped with an input. */
+std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input)
+{
+    std::vector<std::string> names;
+    for (std::size_t term = 1 + fit.basis().inputs(); term < fit.basis().size(); ++term) {
+        const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
+        const bool hasInput = inputs.first == input || inputs.second == input;
+        if (hasInput && fit.isWanted(term)) {
+            names.push_back(fit.basis().name(term));
+        }
+    }
+    return names;
+}
+
+/** The terms that are dropped without a sentence of their own. */
+std::vector<std::string> notSaidOf(const PolynomialFit& fit)
+{
+    const QuadraticBasis& basis = fit.basis();
+    std::vector<char> isSaid(basis.size(), 0);
+    for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
+        isSaid[dependence.term] = 1;
+    }
+    for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
+        if (fit.inputScales()[input].isConstantUpToRounding()) {
+            isSaid[1 + input] = 1;
+        }
+    }
+    std::vector<std::string> names;
+    for (std::size_t term = 1; term < basis.size(); ++term) {
+        const QuadraticBasis::Term& inputs = basis.terms()[term];
+        const bool isSaidWithInput = inputs.second != QuadraticBasis::noInput &&
+                                     (isSaid[1 + inputs.first] || isSaid[1 + inputs.second]);
+        if (fit.isWanted(term) && !fit.isKept(term) && !isSaid[term] && !isSaidWithInput) {
+            names.push_back(basis.name(term));
+        }
+    }
+    return names;
+}
+
+std::string leftOut(const std::vector<std::string>& with)
+{
+    return " and was left out" +
+           (with.empty() ? "" : ", and with it " + ResponseSurfaceTexts::list(with)) + ".";
+}
+
+} // namespace
+
+const char* ResponseSurfaceTexts::orderName(int order, bool hasSquares)
+{
+    return order == 0   ? "constant"
+           : order == 1 ? "linear"
+           : hasSquares ? "full quadratic"
+                        : "linear with interactions";
+}
+
+std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (std::size_t k = 0; k < names.size(); ++k) {
+        text += (k == 0 ? "" : k + 1 == names.size() ? " and " : ", ") + names[k];
+    }
+    return text;
+}
+
+std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit)
+{
+    std::vector<std::string> sentences;
+    const QuadraticBasis& basis = fit.basis();
+    for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
+        if (fit.inputScales()[input].isConstantUpToRounding()) {
+            sentences.push_back(basis.name(1 + input) + " is the same in every case" +
+                                leftOut(termsWith(fit, input)));
+        }
+    }
+    for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
+        const std::vector<std::string> parts = partsOf(fit, dependence);
+        const bool isLinear = dependence.term <= basis.inputs();
+        sentences.push_back(
+            basis.name(dependence.term) + " cannot be separated from " +
+            (parts.empty() ? "the constant" : list(parts)) + " by these cases" +
+            leftOut(isLinear ? termsWith(fit, dependence.term - 1) : std::vector<std::string>()));
+    }
+    const std::vector<std::string> others = notSaidOf(fit);
+    if (!others.empty()) {
+        sentences.push_back(
+            "Terms that these cases cannot separate from the others were left out: " +
+            list(others) + ".");
+    }
+    return sentences;
+}
+
+std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const std::string& order,
+                                          const FitMetrics& metrics,
+                                          const ResponseSurfaceStatistics& statistics)
+{
+    const bool isConstant = std::isnan(metrics.r2);
+    const std::string noSpread = "the output is the same in every case";
+    const std::string noFreedom = "there are as many terms as cases";
+    const std::string noPress = fit.degreesOfFreedom() == 0
+                                    ? noFreedom
+                                    : "a case alone determines a term, and leaving it out leaves "
+                                      "no such fit";
+
+    std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
+    const std::size_t wanted = statistics.coefficients.size();
+    text += "Terms: " + std::to_string(metrics.terms) +
+            (metrics.terms < wanted ? " of " + std::to_string(wanted) : "") + "\n";
+    text += "Order: " + order + "\n";
+    text += line("R2", metrics.r2, noSpread);
+    text += line("Adjusted R2", metrics.adjustedR2, isConstant ? noSpread : noFreedom);
+    text += line("RMSE", metrics.rmse, noFreedom);
+    text += line("PRESS", metrics.press, noPress);
+    text += line("Predicted R2", metrics.predictedR2, isConstant ? noSpread : noPress);
+    if (std::isfinite(statistics.aicc)) {
+        text += line("AICc", statistics.aicc, "");
+    }
+    text += anovaLines(statistics.anova);
+    text += coefficientLines(statistics.coefficients, false);
+    text += coefficientLines(statistics.codedCoefficients, true);
+    text += leverageLine(statistics);
+    text += stationaryLine(statistics);
+    return text;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/polynomial/PolynomialFit.h>
+
+#include <string>
+#include <vector>
+
+/** What users read about the fit of a response surface, in the symbols V1, V2, .... Numbers in the
+ * C locale, whatever the application has set. */
+class ResponseSurfaceTexts
+{
+public:
+    /** "constant", "linear", "linear with interactions", "full quadratic". */
+    static const char* orderName(int order, bool hasSquares);
+
+    /** What the cases cannot separate, a sentence for each input or term that is left out for it:
+     *  from which others.
+     *  @param fit of all terms that are wanted. */
+    static std::vector<std::string> dependences(const PolynomialFit& fit);
+
+    /** A line per figure, without the warnings. @param order its name. */
+    static std::string quality(const PolynomialFit& fit, const std::string& order,
+                               const FitMetrics& metrics,
+                               const ResponseSurfaceStatistics& statistics);
+
+    /** "V1, V2 and V3" */
+    static std::string list(const std::vector<std::string>& names);
+};
