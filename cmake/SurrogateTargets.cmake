@@ -16,6 +16,11 @@ if(NOT TARGET surrogate_warnings)
 endif()
 
 if(PROJECT_IS_TOP_LEVEL)
+    # Half a hundred programs and libraries are linked; any linker does, a fast one saves a minute.
+    find_program(SURROGATE_MOLD mold)
+    if(SURROGATE_MOLD)
+        add_link_options(-fuse-ld=mold)
+    endif()
     find_program(SURROGATE_CCACHE ccache)
     if(SURROGATE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         # Paths relative to the source folder: a second clone finds what the first one compiled.
@@ -48,8 +53,8 @@ function(surrogate_add_library target alias include_root)
 endfunction()
 
 # surrogate_add_test(NAME SOURCES source... LIBRARIES library... [LABEL label] [OWN_MAIN]): a test
-# program NAME; each of its tests becomes a CTest test "NAME.Suite.Behaviour". OWN_MAIN: one of the
-# sources brings main().
+# program NAME; each of its suites becomes a CTest test "NAME.Suite". OWN_MAIN: one of the sources
+# brings main().
 function(surrogate_add_test name)
     if(NOT BUILD_TESTING)
         return()
@@ -71,21 +76,23 @@ function(surrogate_add_test name)
     if(NOT arg_LABEL)
         set(arg_LABEL ${name})
     endif()
-    gtest_discover_tests(${name}
-        TEST_PREFIX "${SURROGATE_TEST_PREFIX}${name}."
-        TEST_LIST ${name}_discovered
-        DISCOVERY_TIMEOUT 60
-        # The rows of a table bear names; printed values would follow as the bytes of an object.
-        NO_PRETTY_VALUES
-        PROPERTIES LABELS "${arg_LABEL}" TIMEOUT 300)
-    # Not among the PROPERTIES above: of a list they pass on the first element only.
     surrogate_test_environment(environment ${arg_ENVIRONMENT})
-    set(environment_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake")
-    file(WRITE "${environment_file}" "if(${name}_discovered)
-    set_tests_properties(\${${name}_discovered} PROPERTIES ENVIRONMENT \"${environment}\")
+    set(suites "${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake")
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND "${CMAKE_COMMAND}" -E env ${environment} "${CMAKE_COMMAND}"
+            -D "PROGRAM=$<TARGET_FILE:${name}>" -D "PREFIX=${SURROGATE_TEST_PREFIX}${name}."
+            -D "OUTPUT=${suites}" -P "${PROJECT_SOURCE_DIR}/cmake/ListSuites.cmake"
+        BYPRODUCTS "${suites}" VERBATIM)
+    set(registered "${CMAKE_CURRENT_BINARY_DIR}/${name}_registered.cmake")
+    file(WRITE "${registered}" "if(EXISTS [=[${suites}]=])
+    include([=[${suites}]=])
+    set_tests_properties(\${SUITES} PROPERTIES TIMEOUT 300 LABELS [=[${arg_LABEL}]=]
+        ENVIRONMENT [=[${environment}]=])
+else()
+    add_test([=[${SURROGATE_TEST_PREFIX}${name}_NOT_BUILT]=] ${name}_NOT_BUILT)
 endif()
 ")
-    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${environment_file}")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${registered}")
 endfunction()
 
 # What every test runs with: no display, the suppressions of leaks that are not ours.
@@ -97,6 +104,3 @@ function(surrogate_test_environment result)
         ${ARGN}
         PARENT_SCOPE)
 endfunction()
-if(BUILD_TESTING)
-    include(GoogleTest)
-endif()

@@ -5,7 +5,7 @@ set -euo pipefail
 export LC_ALL=C
 
 packages=(
-    g++ cmake ninja-build
+    g++ cmake ninja-build mold
     qtbase5-dev          # undo stack, cursor, text handling, XML
     libvtk9-dev          # tables and the table pipeline
     libboost-dev         # signals, shared pointers, formats
