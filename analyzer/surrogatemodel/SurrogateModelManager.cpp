@@ -1,5 +1,6 @@
 #include <surrogatemodel/SurrogateModelManager.h>
 
+#include <surrogatemodel/SurrogateModelFactory.h>
 #include <surrogatemodel/SurrogateModelSourcePoints.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
@@ -7,8 +8,6 @@
 #include <mirel_datamanagement/NumericVariableProvider.h>
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datapipeline/DataPipelineManagerInterface.h>
-#include <mirel_fitting/KrigingSurrogateModel.h>
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_signals/EmitSignal.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 #include <property/Property.h>
@@ -45,7 +44,7 @@ public:
     class DefaultEvaluationPointAssigningIndependentVariablesProperty;
 
     Impl(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
-         SurrogateModelManager* owner);
+         boost::shared_ptr<const SurrogateModelFactory> factory, SurrogateModelManager* owner);
     ~Impl();
 
     Impl(const Impl&) = delete;
@@ -56,13 +55,14 @@ public:
     void emitModelChanged() const;
 
     boost::shared_ptr<const DataPipelineManagerInterface> pipeline;
+    boost::shared_ptr<const SurrogateModelFactory> factory;
     SurrogateModelManager* owner;
 
     /** Points to null once this object is gone. Listeners may destroy the manager from any signal,
      *  and the properties may outlive it: whoever comes back from a signal looks here first. */
     std::shared_ptr<Impl*> self;
 
-    std::unique_ptr<SurrogateModelInterface> model;
+    boost::shared_ptr<SurrogateModelInterface> model;
     boost::shared_ptr<veska::UndoablePropertyProxy<std::vector<VarPtr>>> independentVars;
     boost::shared_ptr<veska::UndoablePropertyProxy<ModelType>> type;
     boost::shared_ptr<veska::UndoablePropertyProxy<SurrogateModelUserDistCollection>>
@@ -73,6 +73,7 @@ public:
 
 private:
     void onPipelineChanged();
+    void onFactoryChanged(ModelType changedType);
     void invalidateModel();
     void pruneIndependentVariables();
     void buildModel(ModelType modelType);
@@ -163,8 +164,10 @@ void SurrogateModelManager::Impl::DefaultEvaluationPointAssigningIndependentVari
 }
 
 SurrogateModelManager::Impl::Impl(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                                  boost::shared_ptr<const SurrogateModelFactory> factory,
                                   SurrogateModelManager* owner)
-    : pipeline(std::move(pipeline)), owner(owner), self(std::make_shared<Impl*>(this)),
+    : pipeline(std::move(pipeline)), factory(std::move(factory)), owner(owner),
+      self(std::make_shared<Impl*>(this)),
       independentVars(boost::make_shared<veska::UndoablePropertyProxy<std::vector<VarPtr>>>(
           "Surrogate Model Variables",
           boost::make_shared<DefaultEvaluationPointAssigningIndependentVariablesProperty>(self))),
@@ -179,13 +182,16 @@ SurrogateModelManager::Impl::Impl(boost::shared_ptr<const DataPipelineManagerInt
     // road may go through owner->impl.
     type->set(ResponseSurface);
     connections.add(this->pipeline->connectSignalChanged([this] { onPipelineChanged(); }));
+    connections.add(this->factory->connectSignalChanged(
+        [this](ModelType changedType) { onFactoryChanged(changedType); }));
     onPipelineChanged();
 }
 
 SurrogateModelManager::Impl::~Impl()
 {
     *self = nullptr;
-    // The pipeline outlives this object, and its slot must find all of it or none.
+    // The pipeline and the factory may outlive this object; their slots must find all of it or
+    // none.
     connections.block();
 }
 
@@ -203,7 +209,7 @@ SurrogateModelInterface& SurrogateModelManager::Impl::modelFor(const std::set<Va
     // the verdicts about the rows are out of date with it.
     const bool fullRebuild = model == nullptr;
     sourcePoints.rebuild(independentVars->get(), dependents, table, fullRebuild);
-    if (sourcePoints.sourceTable()->GetNumberOfRows() == 0) {
+    if (sourcePoints.sourceTable()->GetNumberOfRows() == 0 && factory->needsCases()) {
         throw SurrogateModelInterface::Error(
             "There are not enough valid cases to create the surrogate model.");
     }
@@ -224,25 +230,10 @@ vtkSmartPointer<vtkTable> SurrogateModelManager::Impl::updatedPipelineTable() co
 
 void SurrogateModelManager::Impl::buildModel(ModelType modelType)
 {
-    const std::vector<double*> independents = sourcePoints.independentColumns();
-    const std::vector<double*> dependents = sourcePoints.dependentColumns();
-    const int rowCount = static_cast<int>(sourcePoints.sourceTable()->GetNumberOfRows());
-
     // The new model is complete before the old one goes: a constructor that throws costs nothing.
-    if (modelType == Kriging) {
-        const double tolerance = 0.0001;
-        const std::vector<double> estimatedCorrelationLengths;
-        const int linearTrend = 1;
-        const double initialCorrelationLength = 0.5;
-        const double nugget = 0.0;
-        const int estimatedNugget = 0;
-        model = std::make_unique<KrigingSurrogateModel>(
-            independents, dependents, rowCount, tolerance, estimatedCorrelationLengths, linearTrend,
-            initialCorrelationLength, nugget, estimatedNugget);
-    } else {
-        model = std::make_unique<SurrogateResponseSurfaceModel>(independents, dependents,
-                                                                static_cast<std::size_t>(rowCount));
-    }
+    model = factory->makeModel(modelType, sourcePoints.independentColumns(),
+                               sourcePoints.dependentColumns(),
+                               static_cast<int>(sourcePoints.sourceTable()->GetNumberOfRows()));
 }
 
 void SurrogateModelManager::Impl::emitModelChanged() const
@@ -273,6 +264,14 @@ void SurrogateModelManager::Impl::onPipelineChanged()
     }
 }
 
+void SurrogateModelManager::Impl::onFactoryChanged(ModelType changedType)
+{
+    // Every type but Kriging is the response surface.
+    if ((changedType == Kriging) == (type->get() == Kriging)) {
+        invalidateModel();
+    }
+}
+
 void SurrogateModelManager::Impl::pruneIndependentVariables()
 {
     const std::vector<VarPtr> projectVariables = Project::project()->variables();
@@ -292,12 +291,22 @@ void SurrogateModelManager::Impl::pruneIndependentVariables()
 
 SurrogateModelManager::SurrogateModelManager(
     boost::shared_ptr<const DataPipelineManagerInterface> pipeline)
+    : SurrogateModelManager(std::move(pipeline), boost::make_shared<SurrogateModelFactory>())
+{}
+
+SurrogateModelManager::SurrogateModelManager(
+    boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
+    boost::shared_ptr<const SurrogateModelFactory> factory)
 {
     if (pipeline == nullptr) {
         throw std::invalid_argument("A surrogate-model manager needs the data pipeline that holds "
                                     "the cases, but was given none.");
     }
-    impl = std::make_unique<Impl>(std::move(pipeline), this);
+    if (factory == nullptr) {
+        throw std::invalid_argument("A surrogate-model manager needs the factory that makes its "
+                                    "models, but was given none.");
+    }
+    impl = std::make_unique<Impl>(std::move(pipeline), std::move(factory), this);
 }
 
 SurrogateModelManager::~SurrogateModelManager() = default;

@@ -5,12 +5,14 @@
 #include <memory>
 
 class DataPipelineManagerInterface;
+class SurrogateModelFactory;
 
 /**
  * The one implementation of SurrogateModelManagerInterface: fits on demand from the valid cases of
  * the data pipeline and keeps one fitted model.
  *
- * A change of the data, of the list of independent variables or of the type discards the model;
+ * A change of the data, of the list of independent variables, of the type or of how the factory
+ * makes models of that type discards the model;
  * asking for another set of dependents replaces it without a signal. The set asked for counts as
  * the one that the model is for from the start of a request: when a request fails while a model of
  * an earlier set is held, repeating it answers that earlier model. A view therefore stops at the
@@ -32,11 +34,21 @@ public:
      * @throw std::invalid_argument if `pipeline` is null.
      */
     explicit SurrogateModelManager(boost::shared_ptr<const DataPipelineManagerInterface> pipeline);
+
+    /**
+     * The same with a factory of one's own; the other constructor takes the default one.
+     * @param factory kept as long as the manager lives. When it reports that it makes models of the
+     *        chosen type differently, the model is dropped and signalModelChanged emitted once; a
+     *        report about the other type changes nothing.
+     * @throw std::invalid_argument if `pipeline` or `factory` is null.
+     */
+    SurrogateModelManager(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                          boost::shared_ptr<const SurrogateModelFactory> factory);
     ~SurrogateModelManager() override;
 
     /**
-     * @throw SurrogateModelInterface::Error if there is no valid case, or what the constructor of
-     *        the model throws; the model held so far is kept.
+     * @throw SurrogateModelInterface::Error if there is no valid case, or what the factory throws;
+     *        the model held so far is kept.
      */
     SurrogateModelInterface& model(const std::set<VarPtr>& dependents) const override;
     SurrogateModelInterface& model(const std::set<int>& dependentOffsets) const override;

@@ -11,6 +11,7 @@ foreach(class IN ITEMS
         InterpolationVariablesAbstract
         InterpolationVariablesAbstract::DistributedPoints
         InterpolationVariablesInterface
+        SurrogateModelFactory
         SurrogateModelInputTableBuilder
         SurrogateModelManager
         SurrogateModelManagerInterface
