@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
+#include <cmath>
 #include <utility>
 
 class FitProgress::Impl
@@ -9,18 +10,13 @@ class FitProgress::Impl
 public:
     Report report;
     FitProgress* outer = nullptr;
-    // The portion of the fit that the outer one hears of.
-    double outerStart = 0.0;
-    double outerSize = 1.0;
+    Portion* outerPortion = nullptr;
 };
 
 namespace {
 
 thread_local FitProgress* newest = nullptr;
-
-// Where the present portion lies in the whole.
-thread_local double portionStart = 0.0;
-thread_local double portionSize = 1.0;
+thread_local FitProgress::Portion* innermost = nullptr;
 
 } // namespace
 
@@ -28,38 +24,51 @@ FitProgress::FitProgress(Report report) : impl(std::make_unique<Impl>())
 {
     impl->report = std::move(report);
     impl->outer = newest;
-    impl->outerStart = portionStart;
-    impl->outerSize = portionSize;
+    impl->outerPortion = innermost;
     newest = this;
     // A report may itself run a fit: that is a whole again.
-    portionStart = 0.0;
-    portionSize = 1.0;
+    innermost = nullptr;
 }
 
 FitProgress::~FitProgress()
 {
     newest = impl->outer;
-    portionStart = impl->outerStart;
-    portionSize = impl->outerSize;
+    innermost = impl->outerPortion;
 }
 
 void FitProgress::report(double fraction, const std::string& message)
 {
-    const double ofTheWhole = portionStart + portionSize * fraction;
+    const double ofTheWhole = innermost ? innermost->start + innermost->size * fraction : fraction;
     if (newest && newest->impl->report && !newest->impl->report(ofTheWhole, message)) {
         throw SurrogateModelInterface::Error("The fit was cancelled.");
     }
 }
 
-FitProgress::Portion::Portion(double from, double to)
-    : outerStart(portionStart), outerSize(portionSize)
+void FitProgress::advance(double work)
 {
-    portionStart = outerStart + outerSize * from;
-    portionSize = outerSize * (to - from);
+    constexpr double largestFraction = 0.98;
+
+    if (!innermost || innermost->message.empty()) {
+        return;
+    }
+    innermost->done += work;
+    const bool isExpected = innermost->expectedWork > 0.0;
+    const double share = isExpected ? innermost->done / innermost->expectedWork : 0.0;
+    report(largestFraction * (1.0 - std::exp(-2.0 * share)), innermost->message);
+}
+
+FitProgress::Portion::Portion(double from, double to, std::string message, double expectedWork)
+    : start(innermost ? innermost->start + innermost->size * from : from),
+      size((innermost ? innermost->size : 1.0) * (to - from)), message(std::move(message)),
+      expectedWork(expectedWork), outer(innermost)
+{
+    if (this->message.empty() && outer) {
+        this->message = outer->message;
+    }
+    innermost = this;
 }
 
 FitProgress::Portion::~Portion()
 {
-    portionStart = outerStart;
-    portionSize = outerSize;
+    innermost = outer;
 }

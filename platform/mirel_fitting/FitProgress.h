@@ -35,22 +35,40 @@ public:
     static void report(double fraction, const std::string& message);
 
     /**
-     * For the fitting code: while one lives, what this thread reports is a part of the whole, and
-     * its fractions 0 to 1 are told as `from` to `to`. They nest.
+     * For the fitting code: a part of the whole. While one lives, the fractions 0 to 1 that this
+     * thread reports are passed on as `from` to `to`. They nest.
      */
     class MIREL_FITTING_EXPORT Portion
     {
     public:
-        Portion(double from, double to);
+        /**
+         * @param message      with which advance() reports; none: that of the outer portion.
+         * @param expectedWork in any unit, that of advance(); 0: unknown, the fraction stays 0.
+         */
+        Portion(double from, double to, std::string message = {}, double expectedWork = 0.0);
         ~Portion();
 
         Portion(const Portion&) = delete;
         Portion& operator=(const Portion&) = delete;
 
     private:
-        double outerStart;
-        double outerSize;
+        friend class FitProgress;
+        double start;
+        double size;
+        std::string message;
+        double expectedWork;
+        double done = 0.0;
+        Portion* outer;
     };
+
+    /**
+     * For algorithms that do not know which fit they are a part of: reports so much more work in
+     * the innermost portion of this thread. The fraction comes close to 1 without reaching it, as
+     * nobody knows how many iterations are left. Does nothing outside of portions with a message,
+     * for example in a prediction.
+     * @throw SurrogateModelInterface::Error like report().
+     */
+    static void advance(double work = 0.0);
 
 private:
     class Impl;

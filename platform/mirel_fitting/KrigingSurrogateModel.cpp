@@ -128,9 +128,8 @@ public:
             for (std::vector<double>& input : inputs) {
                 columnsOfInputs.push_back(input.data());
             }
-            cases = std::make_unique<const KrigingCases>(columnsOfInputs, columns.cases(), [] {
-                FitProgress::report(0.0, "Preparing the cases");
-            });
+            const FitProgress::Portion progress(0.0, 0.0, "Preparing the cases");
+            cases = std::make_unique<const KrigingCases>(columnsOfInputs, columns.cases());
             inputs = {};
         }
         return *cases;

@@ -1,6 +1,6 @@
 #include <mirel_fitting/cases/ContradictingCases.h>
 
-#include <mirel_fitting/numerics/ReportingSort.h>
+#include <mirel_fitting/FitProgress.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -10,10 +10,8 @@
 
 namespace {
 
-using Report = ContradictingCases::Report;
-
 /** A number for each case: that of its group of values of which each is near the next. */
-std::vector<std::uint32_t> groupsOf(const double* values, std::size_t count, const Report& report)
+std::vector<std::uint32_t> groupsOf(const double* values, std::size_t count)
 {
     struct Entry
     {
@@ -25,9 +23,8 @@ std::vector<std::uint32_t> groupsOf(const double* values, std::size_t count, con
     for (std::size_t i = 0; i < count; ++i) {
         order.push_back({values[i], i});
     }
-    sortReporting(
-        order.begin(), order.end(),
-        [](const Entry& a, const Entry& b) { return a.value < b.value; }, report);
+    std::sort(order.begin(), order.end(),
+              [](const Entry& a, const Entry& b) { return a.value < b.value; });
     std::vector<std::uint32_t> groups(count);
     std::uint32_t group = 0;
     for (std::size_t i = 1; i < count; ++i) {
@@ -59,7 +56,7 @@ double ContradictingCases::nearness()
     return 1e-9;
 }
 
-std::size_t ContradictingCases::places(const KrigingData& data, const Report& report)
+std::size_t ContradictingCases::places(const KrigingData& data)
 {
     constexpr double steepest = 1e-6; // of the output's deviation, over such a distance
 
@@ -68,7 +65,8 @@ std::size_t ContradictingCases::places(const KrigingData& data, const Report& re
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::vector<std::vector<std::uint32_t>> groups;
     for (std::size_t k = 0; k < data.inputs && !order.empty(); ++k) {
-        groups.push_back(groupsOf(data.coordinates.data() + k * data.cases, data.cases, report));
+        FitProgress::advance();
+        groups.push_back(groupsOf(data.coordinates.data() + k * data.cases, data.cases));
         order = notAlone(order, groups.back());
     }
     const auto compare = [&](std::size_t a, std::size_t b) {
@@ -79,9 +77,9 @@ std::size_t ContradictingCases::places(const KrigingData& data, const Report& re
         }
         return 0;
     };
-    sortReporting(
-        order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return compare(a, b) < 0; },
-        report);
+    FitProgress::advance();
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return compare(a, b) < 0; });
 
     std::size_t count = 0;
     for (std::size_t first = 0, last; first < order.size(); first = last) {

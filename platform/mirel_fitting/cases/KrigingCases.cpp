@@ -1,9 +1,10 @@
 #include <mirel_fitting/cases/KrigingCases.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/cases/ColumnScale.h>
-#include <mirel_fitting/numerics/ReportingSort.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -19,8 +20,7 @@ void KrigingCases::requireRanges(const std::vector<double*>& columns, std::size_
     }
 }
 
-KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows,
-                           const Report& report)
+KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows)
     : rows(rows), inputs(columns.size())
 {
     requireRanges(columns, rows);
@@ -33,12 +33,10 @@ KrigingCases::KrigingCases(const std::vector<double*>& columns, std::size_t rows
         }
     }
 
-    sortRows(columns, report);
+    sortRows(columns);
     findPoints(columns);
     for (std::size_t k = 0; k < active.size(); ++k) {
-        if (report) {
-            report();
-        }
+        FitProgress::advance();
         scaleInput(columns[active[k]], minima[k], ranges[k]);
     }
 }
@@ -53,7 +51,7 @@ int KrigingCases::compare(const std::vector<double*>& columns, std::size_t a, st
     return 0;
 }
 
-void KrigingCases::sortRows(const std::vector<double*>& columns, const Report& report)
+void KrigingCases::sortRows(const std::vector<double*>& columns)
 {
     // The first input decides nearly always, so it lies beside the row.
     struct Entry
@@ -73,7 +71,9 @@ void KrigingCases::sortRows(const std::vector<double*>& columns, const Report& r
         const int sign = compare(columns, a.row, b.row);
         return sign != 0 ? sign < 0 : a.row < b.row;
     };
-    sortReporting(entries.begin(), entries.end(), isBefore, report);
+    FitProgress::advance();
+    std::sort(entries.begin(), entries.end(), isBefore);
+    FitProgress::advance();
     order.reserve(rows);
     for (const Entry& entry : entries) {
         order.push_back(entry.row);

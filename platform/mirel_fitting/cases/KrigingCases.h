@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <vector>
 
 /**
@@ -12,19 +11,15 @@
 class KrigingCases
 {
 public:
-    /** Told now and then that there is more to do; what it throws passes through. */
-    using Report = std::function<void()>;
-
     /** @throw SurrogateModelInterface::Error if the range of an input is not finite. */
     static void requireRanges(const std::vector<double*>& columns, std::size_t rows);
 
     /**
-     * O(rows log rows) time.
+     * O(rows log rows) time, with FitProgress::advance() between its steps.
      * @param columns one array of `rows` finite values per input, borrowed for the call.
      * @throw SurrogateModelInterface::Error as requireRanges().
      */
-    KrigingCases(const std::vector<double*>& columns, std::size_t rows,
-                 const Report& report = nullptr);
+    KrigingCases(const std::vector<double*>& columns, std::size_t rows);
 
     std::size_t rowCount() const;
     std::size_t inputCount() const;
@@ -44,7 +39,7 @@ public:
 
 private:
     int compare(const std::vector<double*>& columns, std::size_t a, std::size_t b) const;
-    void sortRows(const std::vector<double*>& columns, const Report& report);
+    void sortRows(const std::vector<double*>& columns);
     void findPoints(const std::vector<double*>& columns);
     void scaleInput(const double* values, double minimum, double range);
 

@@ -1,5 +1,7 @@
 #include <mirel_fitting/cases/MergedOutput.h>
 
+#include <mirel_fitting/FitProgress.h>
+
 #include <algorithm>
 
 namespace {
@@ -16,15 +18,14 @@ std::size_t countDistinct(const std::vector<double>& ascending)
 
 } // namespace
 
-MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output,
-                           const Report& report)
+MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output)
 {
     constexpr std::size_t pointsPerReport = 65536;
 
     std::vector<double> values; // of the rows at a point, ascending
     const auto gather = [&](std::size_t point) {
-        if (report && point % pointsPerReport == 0) {
-            report();
+        if (point % pointsPerReport == 0) {
+            FitProgress::advance();
         }
         values.clear();
         for (const std::size_t row : cases.rowsAt(point)) {

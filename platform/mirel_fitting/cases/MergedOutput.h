@@ -3,7 +3,6 @@
 #include <mirel_fitting/cases/KrigingCases.h>
 
 #include <cstddef>
-#include <functional>
 #include <vector>
 
 /**
@@ -16,12 +15,8 @@
 class MergedOutput
 {
 public:
-    /** Told now and then that there is more to do; what it throws passes through. */
-    using Report = std::function<void()>;
-
-    /** @param output one value per row. */
-    MergedOutput(const KrigingCases& cases, const std::vector<double>& output,
-                 const Report& report = nullptr);
+    /** With FitProgress::advance() now and then. @param output one value per row. */
+    MergedOutput(const KrigingCases& cases, const std::vector<double>& output);
 
     std::vector<double> means;   ///< one per point
     std::vector<double> rows;    ///< one per point: how many are counted

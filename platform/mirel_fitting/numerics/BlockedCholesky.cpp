@@ -1,5 +1,6 @@
 #include <mirel_fitting/numerics/BlockedCholesky.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
 
 #include <cblas.h>
@@ -61,11 +62,9 @@ void subtractProduct(CBLAS_TRANSPOSE side, const double* panel, std::size_t rows
 // Of the factor at a time when solving with it: a fraction of a tenth of a second.
 constexpr std::size_t solvedRows = 512;
 
-using Pause = std::function<void()>;
-
-/** Forward substitution, with a pause now and then. */
+/** Forward substitution. */
 void substitute(const double* factor, std::size_t order, std::size_t stride, double* columns,
-                std::size_t count, std::size_t columnStride, const Pause& pause)
+                std::size_t count, std::size_t columnStride)
 {
     for (std::size_t first = 0; first < order; first += solvedRows) {
         const std::size_t width = std::min(solvedRows, order - first);
@@ -73,15 +72,13 @@ void substitute(const double* factor, std::size_t order, std::size_t stride, dou
         solveTriangle(CblasNoTrans, corner, width, stride, columns + first, count, columnStride);
         subtractProduct(CblasNoTrans, corner + width, order - first - width, width, stride,
                         columns + first, columns + first + width, count, columnStride);
-        if (pause) {
-            pause();
-        }
+        FitProgress::advance();
     }
 }
 
 /** Substitution with the transpose, from the last row. */
 void substituteBack(const double* factor, std::size_t order, std::size_t stride, double* columns,
-                    std::size_t count, std::size_t columnStride, const Pause& pause)
+                    std::size_t count, std::size_t columnStride)
 {
     for (std::size_t block = blocksIn(order, solvedRows); block-- > 0;) {
         const std::size_t first = block * solvedRows;
@@ -90,9 +87,7 @@ void substituteBack(const double* factor, std::size_t order, std::size_t stride,
         subtractProduct(CblasTrans, corner + width, order - first - width, width, stride,
                         columns + first + width, columns + first, count, columnStride);
         solveTriangle(CblasTrans, corner, width, stride, columns + first, count, columnStride);
-        if (pause) {
-            pause();
-        }
+        FitProgress::advance();
     }
 }
 
@@ -100,11 +95,9 @@ void substituteBack(const double* factor, std::size_t order, std::size_t stride,
 class InverseWorker : public OrderedChunks::Worker
 {
 public:
-    /** @param pause of the worker on the calling thread. */
     InverseWorker(const double* factor, std::size_t order,
-                  std::unique_ptr<BlockedCholesky::Visitor> visitor, Pause pause)
-        : factor(factor), order(order), visitor(std::move(visitor)), pause(std::move(pause)),
-          block(order * inverseColumns)
+                  std::unique_ptr<BlockedCholesky::Visitor> visitor)
+        : factor(factor), order(order), visitor(std::move(visitor)), block(order * inverseColumns)
     {}
 
     void compute(std::size_t chunk) override
@@ -118,8 +111,8 @@ public:
         }
         // Rows above the first column do not enter: the factor is lower triangular.
         const double* corner = factor + first * order + first;
-        substitute(corner, rows, order, block.data(), columns, rows, pause);
-        substituteBack(corner, rows, order, block.data(), columns, rows, pause);
+        substitute(corner, rows, order, block.data(), columns, rows);
+        substituteBack(corner, rows, order, block.data(), columns, rows);
         visitor->visit(first, columns, block.data(), rows);
     }
 
@@ -129,7 +122,6 @@ private:
     const double* factor;
     std::size_t order;
     std::unique_ptr<BlockedCholesky::Visitor> visitor;
-    Pause pause;
     std::vector<double> block;
 };
 
@@ -137,19 +129,11 @@ private:
 
 BlockedCholesky::Visitor::~Visitor() = default;
 
-BlockedCholesky::BlockedCholesky(std::size_t order, int threads, Report report)
-    : size(order), threadCount(order >= smallestToSplit ? threads : 1), report(std::move(report)),
-      matrix(order * order)
+BlockedCholesky::BlockedCholesky(std::size_t order, int threads)
+    : size(order), threadCount(order >= smallestToSplit ? threads : 1), matrix(order * order)
 {
     if (order <= SmallCholesky::largestOrder) {
         small = std::make_unique<SmallCholesky>(order);
-    }
-}
-
-void BlockedCholesky::tell(double multiplications) const
-{
-    if (report) {
-        report(multiplications);
     }
 }
 
@@ -159,7 +143,7 @@ bool BlockedCholesky::factorise()
         return factoriseBlocks();
     }
     const auto n = static_cast<double>(size);
-    tell(n * n * n / 6.0);
+    FitProgress::advance(n * n * n / 6.0);
     if (small) {
         return small->factorise(matrix.data());
     }
@@ -177,7 +161,7 @@ void BlockedCholesky::solveLower(double* columns, std::size_t count) const
         solveTriangle(CblasNoTrans, matrix.data(), size, size, columns, count, size);
         return;
     }
-    substitute(matrix.data(), size, size, columns, count, size, [this] { tell(0.0); });
+    substitute(matrix.data(), size, size, columns, count, size);
 }
 
 void BlockedCholesky::solveTransposed(double* columns, std::size_t count) const
@@ -186,7 +170,7 @@ void BlockedCholesky::solveTransposed(double* columns, std::size_t count) const
         solveTriangle(CblasTrans, matrix.data(), size, size, columns, count, size);
         return;
     }
-    substituteBack(matrix.data(), size, size, columns, count, size, [this] { tell(0.0); });
+    substituteBack(matrix.data(), size, size, columns, count, size);
 }
 
 bool BlockedCholesky::factoriseBlocks()
@@ -195,7 +179,8 @@ bool BlockedCholesky::factoriseBlocks()
     for (std::size_t first = 0; first < size; first += blockSize) {
         const std::size_t width = std::min(blockSize, size - first);
         const int columns = static_cast<int>(width);
-        tell(static_cast<double>(width * width) * static_cast<double>(size - first) / 2.0);
+        FitProgress::advance(static_cast<double>(width * width) *
+                             static_cast<double>(size - first) / 2.0);
         double* corner = matrix.data() + first * size + first;
         if (LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', columns, corner, stride) != 0) {
             return false;
@@ -228,7 +213,7 @@ bool BlockedCholesky::factoriseBlocks()
             blocks, threadCount, [&] { return subtract; },
             [&](std::size_t block) {
                 const auto rows = static_cast<double>(size - below - block * blockSize);
-                tell(threadCount * rows * static_cast<double>(width * width));
+                FitProgress::advance(threadCount * rows * static_cast<double>(width * width));
             });
     }
     return true;
@@ -238,7 +223,7 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
 {
     const auto n = static_cast<double>(size);
     if (!isSplit()) {
-        tell(n * n * n / 3.0);
+        FitProgress::advance(n * n * n / 3.0);
         if (small) {
             const std::unique_ptr<Visitor> visitor = makeVisitor();
             visitor->visit(0, size, small->invert(), small->stride());
@@ -253,21 +238,16 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
         visitor->handOver();
         return;
     }
-    const Pause pause = [this] { tell(0.0); };
-    bool isFirst = true; // the one on the calling thread
     const auto makeWorker = [&] {
-        Pause ofWorker = isFirst ? pause : nullptr;
-        isFirst = false;
-        return std::make_unique<InverseWorker>(matrix.data(), size, makeVisitor(),
-                                               std::move(ofWorker));
+        return std::make_unique<InverseWorker>(matrix.data(), size, makeVisitor());
     };
     OrderedChunks::run(
         blocksIn(size, inverseColumns), threadCount, makeWorker,
         [&](std::size_t chunk) {
             const auto rows = static_cast<double>(size - chunk * inverseColumns);
-            tell(threadCount * rows * rows * static_cast<double>(inverseColumns));
+            FitProgress::advance(threadCount * rows * rows * static_cast<double>(inverseColumns));
         },
-        pause);
+        [] { FitProgress::advance(); });
 }
 
 void BlockedCholesky::forColumns(double multiplications,
@@ -287,5 +267,5 @@ void BlockedCholesky::forColumns(double multiplications,
     }
     OrderedChunks::runEach(
         ranges, threadCount, [&] { return range; },
-        [&](std::size_t) { tell(threadCount * share); });
+        [&](std::size_t) { FitProgress::advance(threadCount * share); });
 }

@@ -11,23 +11,20 @@
 /**
  * Cholesky factor of a symmetric positive definite matrix, and the columns of its inverse, for
  * orders up to some ten thousand: in blocks of fixed size, which several threads share and between
- * which the work can be reported and stopped. The blocks are the same whatever the number of
- * threads, and so is every bit of the result. Golub, Van Loan: Matrix Computations, 4th ed., Johns
- * Hopkins 2013, 4.2.9.
+ * which the work is reported by FitProgress::advance(), in multiplications, at least every tenth of
+ * a second; what that throws ends the work and passes through. The blocks are the same whatever the
+ * number of threads, and so is every bit of the result. Golub, Van Loan: Matrix Computations, 4th
+ * ed., Johns Hopkins 2013, 4.2.9.
  *
  * OpenBLAS has to work with one thread meanwhile (SingleThreadedBlas).
  */
 class BlockedCholesky
 {
 public:
-    /** Told how many multiplications have just been done, on the calling thread, at least every
-     *  tenth of a second; what it throws ends the work and passes through. */
-    using Report = std::function<void(double multiplications)>;
-
     /** Below this order nothing is split: starting a thread would take longer than it saves. */
     static constexpr std::size_t smallestToSplit = 500;
 
-    BlockedCholesky(std::size_t order, int threads, Report report);
+    BlockedCholesky(std::size_t order, int threads);
 
     std::size_t order() const { return size; }
     /** 1 where the order is too small to split. */
@@ -40,7 +37,7 @@ public:
     /** @return false if the matrix is not positive definite in double precision. */
     bool factorise();
 
-    /** Columns of order() elements become the inverse of the factor times them. Reports. */
+    /** Columns of order() elements become the inverse of the factor times them. */
     void solveLower(double* columns, std::size_t count) const;
 
     /** The same with the transposed factor. */
@@ -78,16 +75,12 @@ public:
     void forColumns(double multiplications,
                     const std::function<void(std::size_t first, std::size_t last)>& work);
 
-    /** Reports work that was done elsewhere. */
-    void tell(double multiplications) const;
-
 private:
     bool isSplit() const { return size >= smallestToSplit; }
     bool factoriseBlocks();
 
     std::size_t size;
     int threadCount;
-    Report report;
     LazyZeros matrix;
     std::vector<double> inverse;          // only where nothing is split
     std::unique_ptr<SmallCholesky> small; // only for few rows

@@ -159,9 +159,7 @@ void BoundedSearch::proposeStep()
         lowest[i] = std::max(lower[i] - current[i], -trustRadius);
         highest[i] = std::min(upper[i] - current[i], std::min(trustRadius, largestRises[i]));
     }
-    step = BoxedQuadratic(hessian, gradient, [this] {
-               objective.reportStill();
-           }).maximum(lowest, highest);
+    step = BoxedQuadratic(hessian, gradient).maximum(lowest, highest);
 
     isStepLimited = false;
     for (std::size_t i = 0; i < size; ++i) {

@@ -20,9 +20,6 @@ public:
 
     /** At the point of the last value, which was finite; called at most once per value. */
     virtual void gradient(std::vector<double>& result) = 0;
-
-    /** Called where much time would pass otherwise; what it throws ends the search. */
-    virtual void reportStill() {}
 };
 
 /**

@@ -1,5 +1,6 @@
 #include <mirel_fitting/numerics/BoxedQuadratic.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/machine/SimdLanes.h>
 
 #include <algorithm>
@@ -62,10 +63,9 @@ double largestMagnitude(const std::vector<double>& values)
 
 } // namespace
 
-BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope,
-                               std::function<void()> beforeFactor)
-    : hessian(hessian), slope(slope), beforeFactor(std::move(beforeFactor)), size(slope.size()),
-      areMany(size > mostFewVariables), factorsLeft(0)
+BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope)
+    : hessian(hessian), slope(slope), size(slope.size()), areMany(size > mostFewVariables),
+      factorsLeft(0)
 {}
 
 std::size_t BoxedQuadratic::mostFactors(std::size_t variables)
@@ -291,8 +291,8 @@ bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns, std::vector
         return false;
     }
     --factorsLeft;
-    if (areMany && beforeFactor) {
-        beforeFactor();
+    if (areMany) {
+        FitProgress::advance();
     }
     const std::size_t order = unknowns.size();
     std::vector<double> matrix(order * order);

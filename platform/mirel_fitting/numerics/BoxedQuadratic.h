@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <vector>
 
 /**
@@ -30,15 +29,13 @@ public:
     static std::size_t mostFactors(std::size_t variables);
 
     /**
-     * @param hessian      positive definite, by rows; borrowed for life.
-     * @param slope        g, borrowed for life.
-     * @param beforeFactor is called before each factor of many variables; what it throws passes
-     *                     through.
+     * @param hessian positive definite, by rows; borrowed for life.
+     * @param slope   g, borrowed for life.
      */
-    BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope,
-                   std::function<void()> beforeFactor = nullptr);
+    BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope);
 
-    /** @param lowest, highest the box: at most and at least 0. */
+    /** With FitProgress::advance() before each factor of many variables.
+     *  @param lowest, highest the box: at most and at least 0. */
     std::vector<double> maximum(const std::vector<double>& lowest,
                                 const std::vector<double>& highest);
 
@@ -59,7 +56,6 @@ private:
 
     const std::vector<double>& hessian;
     const std::vector<double>& slope;
-    std::function<void()> beforeFactor;
     std::size_t size;
     bool areMany;
     std::size_t factorsLeft;

@@ -58,7 +58,66 @@ TEST(FitProgress, HearsOnlyFitsOfItsOwnThread)
     EXPECT_EQ(calls, 0);
 }
 
-TEST(FitProgress, TellsThePortionsOfAFitAsPartsOfTheWhole)
+TEST(FitProgress, CountsTheWorkOfAPortionWithoutReachingItsEnd)
+{
+    std::vector<double> fractions;
+    std::vector<std::string> messages;
+    FitProgress progress([&](double fraction, const std::string& message) {
+        fractions.push_back(fraction);
+        messages.push_back(message);
+        return true;
+    });
+    const FitProgress::Portion second(0.5, 1.0, "searching", 100.0);
+    FitProgress::advance();
+    FitProgress::advance(50.0);
+    FitProgress::advance(1e30);
+
+    ASSERT_EQ(fractions.size(), 3u);
+    EXPECT_EQ(fractions[0], 0.5);
+    EXPECT_GT(fractions[1], 0.75);
+    EXPECT_LT(fractions[1], 0.9);
+    EXPECT_GT(fractions[2], 0.95);
+    EXPECT_LT(fractions[2], 1.0);
+    EXPECT_EQ(messages, std::vector<std::string>(3, "searching"));
+}
+
+TEST(FitProgress, ReportsWorkInPartsOfANamedPortionAtTheirBeginning)
+{
+    double seen = -1.0;
+    std::string text;
+    FitProgress progress([&](double fraction, const std::string& message) {
+        seen = fraction;
+        text = message;
+        return true;
+    });
+    const FitProgress::Portion named(0.0, 0.5, "searching");
+    const FitProgress::Portion part(0.5, 1.0);
+
+    FitProgress::advance(10.0);
+
+    EXPECT_EQ(seen, 0.25);
+    EXPECT_EQ(text, "searching");
+}
+
+TEST(FitProgress, IsSilentAboutWorkThatBelongsToNoFit)
+{
+    int calls = 0;
+    FitProgress progress([&](double, const std::string&) { return ++calls > 0; });
+
+    FitProgress::advance(1.0);
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(FitProgress, CancelsAmidTheWorkOfAPortion)
+{
+    FitProgress progress([](double, const std::string&) { return false; });
+    const FitProgress::Portion portion(0.0, 1.0, "searching");
+
+    EXPECT_THROW(FitProgress::advance(1.0), SurrogateModelInterface::Error);
+}
+
+TEST(FitProgress, ReportsThePortionsOfAFitAsPartsOfTheWhole)
 {
     std::vector<double> fractions;
     FitProgress progress([&](double fraction, const std::string&) {

@@ -1,5 +1,7 @@
 #include <mirel_fitting/cases/MergedOutput.h>
 
+#include "RecordedWork.h"
+
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -59,11 +61,12 @@ TEST(MergedOutput, ReportsWhileItMerges)
     constexpr std::size_t rows = 100000;
     std::vector<double> input(rows);
     std::iota(input.begin(), input.end(), 0.0);
-    int reports = 0;
+    const KrigingCases cases({input.data()}, rows);
+    const RecordedWork recorded;
 
-    const MergedOutput output(KrigingCases({input.data()}, rows), input, [&] { ++reports; });
+    const MergedOutput output(cases, input);
 
     EXPECT_EQ(output.means, input);
     // Twice over all points, each 65 536 of them.
-    EXPECT_EQ(reports, 4);
+    EXPECT_EQ(recorded.reports(), 4);
 }

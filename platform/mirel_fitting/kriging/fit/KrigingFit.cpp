@@ -14,7 +14,6 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
 #include <mirel_fitting/kriging/search/KrigingTrendChoice.h>
-#include <mirel_fitting/numerics/ReportingSort.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,14 +31,10 @@ const double twoPi = 2.0 * std::acos(-1.0);
 // Where in the whole a fit is when its parameters are found: what then follows is the least of it.
 constexpr double measuring = 0.99;
 
-void tellOfPreparing()
-{
-    FitProgress::report(0.0, "Preparing the cases");
-}
-
 std::vector<double> ascending(std::vector<double> values)
 {
-    sortReporting(values.begin(), values.end(), std::less<>(), tellOfPreparing);
+    FitProgress::advance();
+    std::sort(values.begin(), values.end());
     return values;
 }
 
@@ -155,7 +150,7 @@ void Fitter::mergeRows()
     for (const double y : output) {
         standardised.push_back((y - offset) / scale);
     }
-    const MergedOutput merged(cases, standardised, tellOfPreparing);
+    const MergedOutput merged(cases, standardised);
     data->cases = cases.pointCount();
     data->inputs = cases.activeInputs().size();
     data->coordinates = cases.coordinates();
@@ -172,7 +167,7 @@ void Fitter::mergeRows()
         warnings.push_back(KrigingWarnings::ofCopies(copies, merged.conflicts == 0));
     }
     conflicts = merged.conflicts;
-    const std::size_t places = ContradictingCases::places(*data, tellOfPreparing);
+    const std::size_t places = ContradictingCases::places(*data);
     if (places > 0) {
         warnings.push_back(KrigingWarnings::ofNearCases(places));
     }
@@ -197,7 +192,7 @@ void Fitter::chooseTrend()
     const std::size_t lengths = options.correlationLengths.empty() ? data->inputs : 0;
     const std::size_t variance = 1;
     trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
-                                           options.trendOrder, lengths + variance, tellOfPreparing);
+                                           options.trendOrder, lengths + variance);
     data->terms = trend->size();
     data->trend = trend->matrix();
 }
@@ -227,7 +222,7 @@ bool Fitter::isExplainedByTrend() const
     }
     const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
     return std::sqrt(scatter) <= rounding &&
-           std::sqrt(trend->leastSquares(data->output, tellOfPreparing).variance) <= rounding;
+           std::sqrt(trend->leastSquares(data->output).variance) <= rounding;
 }
 
 KrigingSearch::Settings Fitter::searchSettings() const
@@ -371,8 +366,8 @@ bool Fitter::refineUntilCasesAreMet(KrigingLikelihood& likelihood) const
 KrigingFit Fitter::withCorrelation()
 {
     search();
-    KrigingLikelihood likelihood(
-        data, [](double) { FitProgress::report(measuring, "Measuring the fit"); });
+    const FitProgress::Portion progress(measuring, 1.0, "Measuring the fit");
+    KrigingLikelihood likelihood(data);
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
                             found.parameters.nugget <= KrigingSearch::Settings().soundNugget &&
@@ -448,8 +443,7 @@ KrigingFit Fitter::ofManyCases()
     const std::size_t warningsOfAll = warnings.size();
     chooseTrend();
     warnOfTrend();
-    const std::vector<double> coefficients =
-        trend->leastSquares(data->output, tellOfPreparing).coefficients;
+    const std::vector<double> coefficients = trend->leastSquares(data->output).coefficients;
     if (isExplainedBy(coefficients, *all)) {
         data = std::make_shared<KrigingData>(*all);
         warnings.resize(warningsOfAll); // without those of the subset's trend
@@ -539,8 +533,7 @@ KrigingFit Fitter::withTrendAlone()
 {
     warnOfConflicts(true);
     warnOfTrend();
-    const KrigingTrend::LeastSquares leastSquares =
-        trend->leastSquares(data->output, tellOfPreparing);
+    const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
     KrigingPredictor::Parts parts = commonParts();
     parts.coefficients = leastSquares.coefficients;
     parts.processVariance = leastSquares.variance;
@@ -624,7 +617,8 @@ std::vector<std::size_t> Fitter::allPoints() const
 
 KrigingFit Fitter::run()
 {
-    tellOfPreparing();
+    const FitProgress::Portion preparing(0.0, 1.0, "Preparing the cases");
+    FitProgress::advance();
     std::vector<bool> varies(cases.inputCount(), false);
     for (const std::size_t input : cases.activeInputs()) {
         varies[input] = true;

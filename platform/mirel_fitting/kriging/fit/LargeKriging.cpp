@@ -32,20 +32,6 @@ double rootMeanSquare(const std::vector<double>& values)
     return std::sqrt(squares / static_cast<double>(std::max<std::size_t>(values.size(), 1)));
 }
 
-NearestNeighbourKriging::Report reporting(const std::string& message)
-{
-    return [message](double fraction) { FitProgress::report(fraction, message); };
-}
-
-/** The same where what is done is a small part of the whole, at this place in it. */
-NearestNeighbourKriging::Report reportingAt(double place, const std::string& message)
-{
-    return [place, message](double) { FitProgress::report(place, message); };
-}
-
-const char* const leavingOut = "Leaving out cases";
-const char* const estimating = "Estimating what near cases tell";
-
 /** The exact model of the subset. */
 struct FirstLayer
 {
@@ -83,7 +69,6 @@ public:
 private:
     void search();
     void fitSubset(bool meetCases);
-    void tellOfSubset(double multiplications) const;
     std::vector<std::size_t> others() const;
     void chooseMeasured();
     FirstLayer modelOfSubset(KrigingLikelihood& likelihood, double nugget, bool meetCases) const;
@@ -103,7 +88,6 @@ private:
     const LargeKriging::Subset& subset;
     const KrigingSearch::Settings& settings;
     const KrigingSizes& sizes;
-    mutable double subsetWork = 0.0; // multiplications done
     FirstLayer first;
     std::vector<double> correctedVariances; // of the measured cases, by the nearest ones
     LargeKriging::Result result;
@@ -118,8 +102,7 @@ void Fit::search()
 /** The exact model of the subset, with the nugget of the fewer cases of the search or another. */
 void Fit::fitSubset(bool meetCases)
 {
-    KrigingLikelihood likelihood(subset.data,
-                                 [&](double multiplications) { tellOfSubset(multiplications); });
+    KrigingLikelihood likelihood(subset.data);
     const double estimated = result.found.parameters.nugget;
     first = modelOfSubset(likelihood, estimated, meetCases);
     if (const auto least = KrigingSubsetSearch::nuggetToTry(settings, estimated)) {
@@ -128,14 +111,6 @@ void Fit::fitSubset(bool meetCases)
             first = std::move(other);
         }
     }
-}
-
-void Fit::tellOfSubset(double multiplications) const
-{
-    subsetWork += multiplications;
-    const auto n = static_cast<double>(subset.indices.size());
-    const double expected = 2.0 * n * n * n / 3.0; // of two models
-    FitProgress::report(std::min(subsetWork / expected, 1.0), "Fitting a subset of the cases");
 }
 
 FirstLayer Fit::modelOfSubset(KrigingLikelihood& likelihood, double nugget, bool meetCases) const
@@ -211,7 +186,7 @@ std::vector<double> Fit::remainders(const FirstLayer& layer, bool isWhole) const
         }
     };
     OrderedChunks::runEach((data->cases + perChunk - 1) / perChunk, threadCount(),
-                           [&] { return predict; }, [&](std::size_t) { tellOfSubset(0.0); });
+                           [&] { return predict; }, [](std::size_t) { FitProgress::advance(); });
     for (std::size_t i = 0; i < data->cases; ++i) {
         predictions[i] = data->output[i] - predictions[i];
     }
@@ -259,13 +234,9 @@ Fit::estimate(const std::vector<double>& values, const NearestNeighbourKriging& 
         sample.push_back(result.measured[position]);
         expected.push_back(values[sample.back()]);
     }
-    const NearestNeighbourKriging::LeftOut leftOut(kriging, sample, reportingAt(0.0, estimating));
-    double done = 0.0;
+    const NearestNeighbourKriging::LeftOut leftOut(kriging, sample);
     const auto density = [&](const NearestNeighbourKriging::Parameters& parameters) {
-        constexpr double expectedTrials = 100.0;
-        done += 1.0 / expectedTrials;
-        FitProgress::report(1.0 - std::exp(-done), estimating);
-        const double found = logDensity(expected, leftOut.predict(parameters, nullptr));
+        const double found = logDensity(expected, leftOut.predict(parameters));
         return std::isfinite(found) ? found : -std::numeric_limits<double>::infinity();
     };
 
@@ -326,16 +297,17 @@ Layer Fit::neighboursOf(const std::vector<double>& values,
     cases.rows = data->rows;
     Layer layer;
     {
-        const FitProgress::Portion portion(0.0, 0.7);
-        layer.kriging = std::make_shared<NearestNeighbourKriging>(
-            std::move(cases), start.lengths, sizes.neighbours, reporting(estimating));
+        constexpr double expectedTrials = 200.0;
+        const FitProgress::Portion portion(0.0, 0.7, "Estimating what near cases tell",
+                                           expectedTrials * static_cast<double>(sizes.estimated));
+        layer.kriging = std::make_shared<NearestNeighbourKriging>(std::move(cases), start.lengths,
+                                                                  sizes.neighbours);
         layer.kriging->setParameters(estimate(values, *layer.kriging, start));
     }
-    const FitProgress::Portion portion(0.7, 1.0);
-    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured,
-                                                   reporting(leavingOut));
-    const auto predictions =
-        leftOut.predict(layer.kriging->parameters(), reportingAt(1.0, leavingOut));
+    const FitProgress::Portion portion(0.7, 1.0, "Leaving out cases",
+                                       2.0 * static_cast<double>(result.measured.size()));
+    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured);
+    const auto predictions = leftOut.predict(layer.kriging->parameters());
     for (std::size_t i = 0; i < result.measured.size(); ++i) {
         layer.leaveOneOutResiduals.push_back(values[result.measured[i]] - predictions[i].mean);
         layer.leaveOneOutVariances.push_back(predictions[i].variance);
@@ -359,15 +331,7 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
         points.push_back(columns[k].data());
     }
     std::vector<double> explained(result.measured.size(), 0.0);
-    constexpr std::size_t atOnce = 256; // some hundredths of a second
-    for (std::size_t first = 0; first < explained.size(); first += atOnce) {
-        FitProgress::report(0.0, leavingOut);
-        const std::size_t size = std::min(atOnce, explained.size() - first);
-        layer.kriging->add(points, size, explained.data() + first);
-        for (const double*& column : points) {
-            column += size;
-        }
-    }
+    layer.kriging->add(points, explained.size(), explained.data());
     result.residuals = atMeasured(values);
     for (std::size_t i = 0; i < explained.size(); ++i) {
         result.residuals[i] -= explained[i];
@@ -378,11 +342,10 @@ void Fit::use(const Layer& layer, const std::vector<double>& values)
  *  measured cases have when they are left out. */
 void Fit::estimateCorrectedVariance(const Layer& layer)
 {
-    const NearestNeighbourKriging::Report report = reportingAt(0.0, leavingOut);
-    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured, report);
+    const NearestNeighbourKriging::LeftOut leftOut(*layer.kriging, result.measured);
     double variances = 0.0;
-    for (const NearestNeighbourKriging::Prediction& prediction : leftOut.predict(
-             {result.found.parameters.lengths, result.found.parameters.nugget}, report)) {
+    for (const NearestNeighbourKriging::Prediction& prediction :
+         leftOut.predict({result.found.parameters.lengths, result.found.parameters.nugget})) {
         variances += prediction.variance;
         correctedVariances.push_back(prediction.variance);
     }
@@ -404,8 +367,7 @@ void Fit::addLikelihoodOfOthers(const NearestNeighbourKriging& kriging)
     std::vector<std::size_t> order = subset.indices;
     order.insert(order.end(), outside.begin(), outside.end());
     result.found.logLikelihood +=
-        kriging.logLikelihood(order, subset.indices.size(), result.neighbourVariance,
-                              reporting("Computing the likelihood"));
+        kriging.logLikelihood(order, subset.indices.size(), result.neighbourVariance);
     const double noise = result.neighbourVariance * kriging.parameters().nugget;
     result.found.logLikelihood += logDensityOfScatter(outside, noise);
 }
@@ -437,7 +399,9 @@ LargeKriging::Result Fit::run(bool meetCases)
     }
     chooseMeasured();
     {
-        const FitProgress::Portion portion(0.25, 0.5);
+        const auto n = static_cast<double>(subset.indices.size());
+        const FitProgress::Portion portion(0.25, 0.5, "Fitting a subset of the cases",
+                                           n * n * n / 3.0);
         fitSubset(meetCases);
     }
     result.found.parameters.nugget = first.nugget;
@@ -450,7 +414,7 @@ LargeKriging::Result Fit::run(bool meetCases)
     result.weights = first.weights;
     std::vector<double> ofTrend;
     {
-        const FitProgress::Portion portion(0.5, 0.5);
+        const FitProgress::Portion portion(0.5, 0.5, "Fitting a subset of the cases");
         ofTrend = remainders(first, false);
     }
 
@@ -472,7 +436,8 @@ LargeKriging::Result Fit::run(bool meetCases)
     result.residuals = result.leaveOneOutResiduals;
     result.subsetError = first.error;
     result.subsetSize = subset.indices.size();
-    const FitProgress::Portion portion(0.8, 1.0);
+    const FitProgress::Portion portion(0.8, 1.0, "Leaving out cases",
+                                       2.0 * static_cast<double>(result.measured.size()));
     if (layered.error < result.subsetError && layered.error <= local.error) {
         use(layered, first.remainders);
         estimateCorrectedVariance(layered);

@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
@@ -103,10 +104,10 @@ private:
 class KrigingLikelihood::Impl
 {
 public:
-    Impl(std::shared_ptr<const KrigingData> source, KrigingLikelihood::Report report)
+    explicit Impl(std::shared_ptr<const KrigingData> source)
         : data(std::move(source)), n(data->cases), p(data->terms),
           correlation(n, data->inputs, data->coordinates.data()), correlations(n * n),
-          cholesky(n, threadCount(), std::move(report))
+          cholesky(n, threadCount())
     {
         for (std::size_t i = 0; i < n; ++i) {
             rowCount += data->rows[i];
@@ -276,7 +277,7 @@ void KrigingLikelihood::Impl::subtractCorrelated(std::vector<double>& outputs) c
             cblas_dgemv(CblasColMajor, CblasTrans, below, columns, -1.0, corner + width, stride,
                         refinedAlpha.data() + last, 1, 1.0, outputs.data() + first, 1);
         }
-        cholesky.tell(0.0);
+        FitProgress::advance();
     }
 }
 
@@ -329,8 +330,8 @@ void KrigingLikelihood::Impl::differentiate()
     isDifferentiated = true;
 }
 
-KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report)
-    : impl(std::make_unique<Impl>(std::move(data), std::move(report)))
+KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data)
+    : impl(std::make_unique<Impl>(std::move(data)))
 {}
 
 KrigingLikelihood::~KrigingLikelihood() = default;
@@ -442,7 +443,7 @@ void KrigingLikelihood::refineWithoutNugget()
     double left = cblas_dnrm2(order, residuals.data(), 1);
     std::vector<double> correction;
     for (int round = 0; round < mostRounds; ++round) {
-        impl->cholesky.tell(0.0);
+        FitProgress::advance();
         const std::vector<double> beta = impl->beta;
         const std::vector<double> alpha = impl->refinedAlpha;
         impl->solve(residuals, correction);
@@ -479,7 +480,7 @@ double KrigingLikelihood::conditionEstimate() const
     std::vector<double> sums(n); // of the magnitudes of each column; correlations are positive
     for (std::size_t j = 0; j < n; ++j) {
         if (j % columnsAtOnce == 0) {
-            impl->cholesky.tell(0.0);
+            FitProgress::advance();
         }
         const double* column = impl->correlations.data() + j * n;
         sums[j] += 1.0 + impl->nugget / impl->data->rows[j];

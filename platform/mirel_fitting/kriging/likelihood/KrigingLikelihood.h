@@ -3,7 +3,6 @@
 #include <mirel_fitting/cases/KrigingData.h>
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -23,17 +22,14 @@
  *
  * An evaluation costs n^3 / 6 multiplications, its gradient n^3 / 3 more, for any number of
  * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
- * change a bit.
+ * change a bit, and call FitProgress::advance() with their multiplications at least every tenth of
+ * a second; what that throws ends the evaluation and passes through.
  */
 class KrigingLikelihood
 {
 public:
-    /** Told how many multiplications have just been done, at least every tenth of a second for
-     *  some thousand cases; what it throws ends the evaluation and passes through. */
-    using Report = std::function<void(double multiplications)>;
-
     /** @param data is shared: it has to stay as it is. */
-    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data, Report report = nullptr);
+    explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
     ~KrigingLikelihood();
 
     /**

@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 
+#include <mirel_fitting/FitProgress.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -41,7 +43,7 @@ void orthogonalise(std::vector<double>& column, const std::vector<std::vector<do
 
 KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            const std::vector<double>& coordinates, int highestOrder,
-                           std::size_t otherParameters, const Report& report)
+                           std::size_t otherParameters)
     : inputCount(inputs)
 {
     // What is left of a column whose terms differ only by rounding, relative to the column.
@@ -55,9 +57,7 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
 
     const QuadraticBasis allTerms(inputs, usedOrder);
     for (const Term& term : allTerms.terms()) {
-        if (report) {
-            report();
-        }
+        FitProgress::advance();
         std::vector<double> column(cases, 1.0);
         for (const std::size_t factor : {term.first, term.second}) {
             for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < cases; ++i) {
@@ -125,8 +125,7 @@ const std::vector<double>& KrigingTrend::matrix() const
     return values;
 }
 
-KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output,
-                                                      const Report& report) const
+KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output) const
 {
     // Less than this left of a case is rounding: without it the trend is not determined.
     constexpr double determined = 1e-10;
@@ -140,9 +139,7 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
     }
     // The matrix is the orthonormal basis times a triangle, whose elements are recomputed here.
     for (std::size_t t = p; t-- > 0;) {
-        if (report) {
-            report();
-        }
+        FitProgress::advance();
         const double* column = values.data() + t * cases;
         result.coefficients[t] /= dot(orthonormal[t].data(), column, cases);
         for (std::size_t row = 0; row < t; ++row) {

@@ -3,7 +3,6 @@
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,17 +13,14 @@
 class KrigingTrend
 {
 public:
-    /** Told now and then that there is more to do; what it throws passes through. */
-    using Report = std::function<void()>;
-
     /**
      * The order is the highest up to `highestOrder` for which the cases are at least as many as
      * what is estimated: the terms and `otherParameters`. Terms that are a linear combination of
-     * earlier ones at the cases are dropped.
+     * earlier ones at the cases are dropped. Calls FitProgress::advance() for each term.
      * @param coordinates by columns, cases x inputs, each input over [0, 1].
      */
     KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
-                 int highestOrder, std::size_t otherParameters, const Report& report = nullptr);
+                 int highestOrder, std::size_t otherParameters);
 
     /** One that is only evaluated: of these terms in so many inputs, without cases. */
     KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
@@ -50,9 +46,9 @@ public:
         /** Of the latter, relative to `variance`. */
         std::vector<double> leaveOneOutVariances;
     };
-    /** The trend without correlations, fitted to one output per case. */
-    LeastSquares leastSquares(const std::vector<double>& output,
-                              const Report& report = nullptr) const;
+    /** The trend without correlations, fitted to one output per case. Reports like the constructor.
+     */
+    LeastSquares leastSquares(const std::vector<double>& output) const;
 
     /** @param inputNumbers the number k in "Vk" of each input. */
     std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;

@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/neighbours/NearestNeighbourKriging.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternKernels.h>
 #include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
@@ -172,8 +173,7 @@ struct Workplace
 
 using PointWork = std::function<void(Workplace&, std::size_t)>;
 
-void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
-               const NearestNeighbourKriging::Report& report, const PointWork& work)
+void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs, const PointWork& work)
 {
     constexpr std::size_t perChunk = 64;
     // A thread takes longer to start than some points.
@@ -191,10 +191,10 @@ void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
             }
         };
     };
+    std::size_t reported = 0; // chunks
     OrderedChunks::runEach(chunks, threads, makeWork, [&](std::size_t chunk) {
-        if (report) {
-            report(static_cast<double>(chunk) / static_cast<double>(chunks));
-        }
+        FitProgress::advance(static_cast<double>((chunk - reported) * perChunk));
+        reported = chunk;
     });
 }
 
@@ -203,25 +203,19 @@ void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs,
 class NearestNeighbourKriging::Impl
 {
 public:
-    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours,
-         const Report& report)
+    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours)
         : count(cases.count), inputs(cases.inputs), neighbours(std::min(neighbours, cases.count)),
           metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
           rows(std::move(cases.rows))
     {
-        const NearestNeighbours::Report begun = [&report] {
-            if (report) {
-                report(0.0);
-            }
-        };
         for (std::size_t k = 0; k < inputs; ++k) {
-            begun();
+            FitProgress::advance();
             metric[k] = std::min(metric[k], longestInMetric);
             for (std::size_t i = 0; i < count; ++i) {
                 coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
             }
         }
-        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs, begun);
+        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs);
         setParameters({lengths, 0.0});
     }
 
@@ -278,8 +272,8 @@ public:
 };
 
 NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& metric,
-                                                 std::size_t neighbours, const Report& report)
-    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours, report))
+                                                 std::size_t neighbours)
+    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours))
 {}
 
 NearestNeighbourKriging::~NearestNeighbourKriging() = default;
@@ -306,7 +300,7 @@ void NearestNeighbourKriging::add(const std::vector<const double*>& points, std:
         std::size_t found;
         result[i] += impl->predict(place, points, i, found).mean;
     };
-    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+    forPoints(count, impl->neighbours, impl->inputs, work);
 }
 
 void NearestNeighbourKriging::addGradients(const std::vector<const double*>& points,
@@ -321,7 +315,7 @@ void NearestNeighbourKriging::addGradients(const std::vector<const double*>& poi
             gradients[k][i] += place.point[k] * impl->factors[k] / impl->metric[k];
         }
     };
-    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+    forPoints(count, impl->neighbours, impl->inputs, work);
 }
 
 void NearestNeighbourKriging::variances(const std::vector<const double*>& points, std::size_t count,
@@ -332,7 +326,7 @@ void NearestNeighbourKriging::variances(const std::vector<const double*>& points
         std::size_t found;
         result[i] = impl->predict(place, points, i, factors, parameters.nugget, found).variance;
     };
-    forPoints(count, impl->neighbours, impl->inputs, nullptr, work);
+    forPoints(count, impl->neighbours, impl->inputs, work);
 }
 
 class NearestNeighbourKriging::LeftOut::Impl
@@ -346,7 +340,7 @@ public:
 };
 
 NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& kriging,
-                                          std::vector<std::size_t> cases, const Report& report)
+                                          std::vector<std::size_t> cases)
     : impl(std::make_unique<Impl>())
 {
     const NearestNeighbourKriging::Impl& all = *kriging.impl;
@@ -367,13 +361,13 @@ NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& kriging
             }
         }
     };
-    forPoints(impl->cases.size(), all.neighbours, all.inputs, report, work);
+    forPoints(impl->cases.size(), all.neighbours, all.inputs, work);
 }
 
 NearestNeighbourKriging::LeftOut::~LeftOut() = default;
 
 std::vector<NearestNeighbourKriging::Prediction>
-NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters, const Report& report) const
+NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
 {
     const NearestNeighbourKriging::Impl& all = *impl->kriging;
     const std::vector<double> factors = all.factorsFor(parameters);
@@ -384,18 +378,15 @@ NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters, const Re
                                           impl->found[i], all.at(index), factors, parameters.nugget,
                                           parameters.nugget / all.rows[index]);
     };
-    forPoints(result.size(), all.neighbours, all.inputs, report, work);
+    forPoints(result.size(), all.neighbours, all.inputs, work);
     return result;
 }
 
 double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& order,
-                                              std::size_t given, double& variance,
-                                              const Report& report) const
+                                              std::size_t given, double& variance) const
 {
     const Impl& all = *impl;
-    if (report) {
-        report(0.0);
-    }
+    FitProgress::advance();
     std::vector<double> coordinates;
     std::vector<double> values;
     std::vector<double> rows;
@@ -410,15 +401,7 @@ double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& or
     std::vector<Prediction> predictions(order.size());
     for (std::size_t first = given, last; first < order.size(); first = last) {
         last = std::min(order.size(), std::max<std::size_t>(2 * first, 1));
-        const Report partly = [&](double fraction) {
-            if (report) {
-                const auto done = static_cast<double>(first - given);
-                report((done + fraction * static_cast<double>(last - first)) /
-                       static_cast<double>(order.size() - given));
-            }
-        };
-        const NearestNeighbours before(coordinates.data(), first, all.inputs,
-                                       [&partly] { partly(0.0); });
+        const NearestNeighbours before(coordinates.data(), first, all.inputs);
         const std::size_t wanted = std::min(all.neighbours, first);
         const PointWork work = [&](Workplace& place, std::size_t i) {
             const double* point = coordinates.data() + (first + i) * all.inputs;
@@ -428,7 +411,7 @@ double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& or
                 sources, place.indices.data(), found, point, all.factors, all.parameters.nugget,
                 all.parameters.nugget / rows[first + i]);
         };
-        forPoints(last - first, all.neighbours, all.inputs, partly, work);
+        forPoints(last - first, all.neighbours, all.inputs, work);
     }
 
     const auto n = static_cast<double>(order.size() - given);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -14,7 +13,8 @@
  * the nearest of those before it. Katzfuss, Guinness: A general framework for Vecchia
  * approximations of Gaussian processes, Statistical Science 36 (2021).
  *
- * Work is shared by threads point by point: their number does not change a bit of the results.
+ * Work is shared by threads point by point: their number does not change a bit of the results. It
+ * is reported by FitProgress::advance(), in points.
  */
 class NearestNeighbourKriging
 {
@@ -42,16 +42,11 @@ public:
         double variance;
     };
 
-    /** Called on the calling thread while work goes on, with the part that is done, 0 to 1. */
-    using Report = std::function<void(double fraction)>;
-
     /**
      * @param metric correlation lengths that decide which cases are near.
      * @param neighbours at most so many are used.
-     * @param report told 0: nobody knows how far a tree is.
      */
-    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours,
-                            const Report& report = nullptr);
+    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
     ~NearestNeighbourKriging();
 
     std::size_t neighbours() const;
@@ -78,12 +73,11 @@ public:
     class LeftOut
     {
     public:
-        LeftOut(const NearestNeighbourKriging& kriging, std::vector<std::size_t> cases,
-                const Report& report);
+        LeftOut(const NearestNeighbourKriging& kriging, std::vector<std::size_t> cases);
         ~LeftOut();
 
         /** With the parameters of the call; the neighbours were found once for all calls. */
-        std::vector<Prediction> predict(const Parameters& parameters, const Report& report) const;
+        std::vector<Prediction> predict(const Parameters& parameters) const;
 
     private:
         friend class NearestNeighbourKriging;
@@ -98,8 +92,8 @@ public:
      * @param order all cases, each once.
      * @param variance receives the estimate.
      */
-    double logLikelihood(const std::vector<std::size_t>& order, std::size_t given, double& variance,
-                         const Report& report) const;
+    double logLikelihood(const std::vector<std::size_t>& order, std::size_t given,
+                         double& variance) const;
 
 private:
     class Impl;

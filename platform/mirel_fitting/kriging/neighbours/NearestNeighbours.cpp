@@ -1,36 +1,21 @@
 #include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
 
+#include <mirel_fitting/FitProgress.h>
+
 #include <nanoflann.hpp>
 
 namespace {
 
-/** Counts what is read while a tree is built: the tree itself tells nothing. */
-class Readings
-{
-public:
-    explicit Readings(const NearestNeighbours::Report& report) : report(report) {}
-
-    void count()
-    {
-        constexpr std::size_t perReport = std::size_t{1} << 20; // some thousandths of a second
-        if (++done % perReport == 0) {
-            report();
-        }
-    }
-
-private:
-    const NearestNeighbours::Report& report;
-    std::size_t done = 0;
-};
-
-/** What the tree reads its points from, in the words that it asks by. */
+/** The interface by which nanoflann reads its points. */
 struct PointCloud
 {
     std::size_t kdtree_get_point_count() const { return count; }
     double kdtree_get_pt(std::size_t index, std::size_t input) const
     {
-        if (readings != nullptr) {
-            readings->count();
+        // The library has no progress report: its reads are counted, while it builds the tree.
+        constexpr std::size_t readsPerReport = std::size_t{1} << 20; // some milliseconds
+        if (isBuilding && ++reads % readsPerReport == 0) {
+            FitProgress::advance();
         }
         return coordinates[index * inputs + input];
     }
@@ -43,7 +28,8 @@ struct PointCloud
     const double* coordinates;
     std::size_t count;
     std::size_t inputs;
-    Readings* readings; // null once the tree is there, which several threads then read
+    bool isBuilding; // on one thread; later several threads read
+    mutable std::size_t reads = 0;
 };
 
 using Distance = nanoflann::L2_Simple_Adaptor<double, PointCloud>;
@@ -58,12 +44,12 @@ constexpr std::size_t pointsPerLeaf = 20;
 class NearestNeighbours::Impl
 {
 public:
-    Impl(const double* coordinates, std::size_t count, std::size_t inputs, Readings* readings)
-        : cloud{coordinates, count, inputs, readings},
+    Impl(const double* coordinates, std::size_t count, std::size_t inputs)
+        : cloud{coordinates, count, inputs, true},
           tree(static_cast<int>(inputs), cloud,
                nanoflann::KDTreeSingleIndexAdaptorParams(pointsPerLeaf))
     {
-        cloud.readings = nullptr;
+        cloud.isBuilding = false;
     }
 
     PointCloud cloud;
@@ -71,11 +57,9 @@ public:
 };
 
 NearestNeighbours::NearestNeighbours(const double* coordinates, std::size_t count,
-                                     std::size_t inputs, const Report& report)
-{
-    Readings readings(report);
-    impl = std::make_unique<Impl>(coordinates, count, inputs, report ? &readings : nullptr);
-}
+                                     std::size_t inputs)
+    : impl(std::make_unique<Impl>(coordinates, count, inputs))
+{}
 
 NearestNeighbours::~NearestNeighbours() = default;
 

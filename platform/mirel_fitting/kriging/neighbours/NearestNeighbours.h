@@ -2,22 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 
 /** Finds the nearest of many points by a tree of their coordinates (nanoflann). */
 class NearestNeighbours
 {
 public:
-    /** Told now and then that there is more to do; what it throws passes through. */
-    using Report = std::function<void()>;
-
     /**
-     * Takes O(count log count) time and some 20 bytes per point.
+     * Takes O(count log count) time and some 20 bytes per point. Calls FitProgress::advance() every
+     * few milliseconds.
      * @param coordinates point by point, `count` x `inputs`; borrowed for life.
      */
-    NearestNeighbours(const double* coordinates, std::size_t count, std::size_t inputs,
-                      const Report& report = nullptr);
+    NearestNeighbours(const double* coordinates, std::size_t count, std::size_t inputs);
     ~NearestNeighbours();
 
     std::size_t size() const;

@@ -43,7 +43,7 @@ void KrigingVariance::factorise()
 {
     const SingleThreadedBlas singleThreaded;
     // As the fit did it, block by block: what it could factorise is not refused here.
-    factor = std::make_unique<BlockedCholesky>(cases, threadCount(), nullptr);
+    factor = std::make_unique<BlockedCholesky>(cases, threadCount());
     factor->forColumns(0.0, [&](std::size_t first, std::size_t last) {
         parts.correlation->fillLower(first, last, factor->values());
         for (std::size_t j = first; j < last; ++j) {

@@ -1,13 +1,10 @@
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 
 #include <cmath>
-#include <utility>
 
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
-                                   const KrigingSearch::Settings& settings,
-                                   KrigingLikelihood::Report report)
-    : report(std::move(report)), likelihood(data, this->report), settings(settings),
-      inputs(data->inputs)
+                                   const KrigingSearch::Settings& settings)
+    : likelihood(data), settings(settings), inputs(data->inputs)
 {}
 
 KrigingParameters KrigingObjective::parameters(const std::vector<double>& point) const
@@ -68,11 +65,4 @@ void KrigingObjective::gradient(std::vector<double>& result)
         result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
     }
     noise = nugget * likelihood.processVariance();
-}
-
-void KrigingObjective::reportStill()
-{
-    if (report) {
-        report(0.0);
-    }
 }

@@ -21,12 +21,9 @@ public:
      *  lengths take one of 2.7: it has farther to go. */
     static constexpr double nuggetUnit = 3.0;
 
-    /**
-     * @param settings is borrowed for life.
-     * @param report   as of KrigingLikelihood.
-     */
+    /** @param settings is borrowed for life. */
     KrigingObjective(const std::shared_ptr<const KrigingData>& data,
-                     const KrigingSearch::Settings& settings, KrigingLikelihood::Report report);
+                     const KrigingSearch::Settings& settings);
 
     /** What a point stands for. At the nugget's lower bound and below it is the bound exactly,
      *  whose logarithm does not lead back to the same number. */
@@ -36,7 +33,6 @@ public:
     double value(const std::vector<double>& point) override;
     bool curvature(std::vector<double>& result) override;
     void gradient(std::vector<double>& result) override;
-    void reportStill() override;
 
     /** What the nugget stands for at the point of the last gradient: the output is standardised. */
     double noiseVariance() const { return noise; }
@@ -44,7 +40,6 @@ public:
     std::size_t evaluations() const { return count; }
 
 private:
-    KrigingLikelihood::Report report;
     KrigingLikelihood likelihood;
     const KrigingSearch::Settings& settings;
     std::size_t inputs;

@@ -1,11 +1,11 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 #include <mirel_fitting/kriging/search/KrigingOptima.h>
 #include <mirel_fitting/kriging/search/KrigingRunner.h>
-#include <mirel_fitting/kriging/search/KrigingSearchProgress.h>
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
@@ -41,9 +41,8 @@ struct Round
 class Search
 {
 public:
-    Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearch::Settings& settings,
-           KrigingSearchProgress& progress)
-        : data(data), settings(settings), progress(progress), variables(*data, settings)
+    Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearch::Settings& settings)
+        : data(data), settings(settings), variables(*data, settings)
     {}
 
     KrigingSearch::Result run();
@@ -70,7 +69,6 @@ private:
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearch::Settings& settings;
-    KrigingSearchProgress& progress;
     KrigingSearchVariables variables;
     std::size_t taken = 0; // cases
     std::unique_ptr<KrigingObjective> objective;
@@ -99,8 +97,7 @@ void Search::take(std::size_t cases)
         cases == data->cases
             ? data
             : std::make_shared<KrigingData>(data->subset(randomSubset(data->cases, cases)));
-    objective = std::make_unique<KrigingObjective>(part, settings,
-                                                   [this](double work) { progress.add(work); });
+    objective = std::make_unique<KrigingObjective>(part, settings);
     taken = cases;
     for (Optimum& optimum : optima) {
         optimum.search.reset(); // it was that of fewer cases
@@ -527,6 +524,17 @@ KrigingSearch::Result Search::run()
     return result;
 }
 
+/** In multiplications. */
+double expectedWork(std::size_t cases, const std::optional<int>& steps)
+{
+    const auto n = static_cast<double>(cases);
+    if (steps) {
+        return (0.5 + 0.5 * *steps) * n * n * n; // each a likelihood and its gradient
+    }
+    const auto m = static_cast<double>(std::min(cases, casesToCompete));
+    return 50.0 * m * m * m + 6.0 * n * n * n;
+}
+
 } // namespace
 
 double KrigingSearch::smallestLength()
@@ -547,10 +555,11 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
 
     Settings attempt = settings;
     attempt.smallestNugget = std::max(attempt.smallestNugget, attempt.soundNugget);
-    KrigingSearchProgress progress(casesToCompete, *data, attempt);
+    const FitProgress::Portion progress(0.0, 1.0, "Searching for the correlation lengths",
+                                        expectedWork(data->cases, settings.mostSteps));
     bool isRaised = false;
     for (;;) {
-        Result result = Search(data, attempt, progress).run();
+        Result result = Search(data, attempt).run();
         if (std::isfinite(result.logLikelihood)) {
             result.isNuggetRaised = isRaised;
             return result;

@@ -16,14 +16,13 @@ KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int
     {
         const FitProgress::Portion portion(0.0, choosing);
         *few = data.subset(spaceFillingSubset(data, size));
-        const std::size_t otherParameters = few->inputs + 1;
-        const KrigingTrend trend(
-            few->cases, few->inputs, few->coordinates, trendOrder, otherParameters,
-            [] { FitProgress::report(1.0, "Choosing a subset of the cases"); });
-        few->terms = trend.size();
-        few->trend = trend.matrix();
     }
     const FitProgress::Portion portion(choosing, 1.0);
+    const std::size_t otherParameters = few->inputs + 1;
+    const KrigingTrend trend(few->cases, few->inputs, few->coordinates, trendOrder,
+                             otherParameters);
+    few->terms = trend.size();
+    few->trend = trend.matrix();
     return KrigingSearch::run(few, settings);
 }
 

@@ -26,8 +26,8 @@ double akaikePenalty(const KrigingData& data)
 double leaveOneOutError(const std::shared_ptr<const KrigingData>& data,
                         const KrigingParameters& parameters)
 {
-    KrigingLikelihood likelihood(data,
-                                 [](double) { FitProgress::report(0.99, "Choosing the trend"); });
+    const FitProgress::Portion progress(0.99, 1.0, "Choosing the trend");
+    KrigingLikelihood likelihood(data);
     likelihood.evaluate(parameters.lengths, parameters.nugget);
     double squares = 0.0;
     for (const double residual : likelihood.leaveOneOutResiduals()) {

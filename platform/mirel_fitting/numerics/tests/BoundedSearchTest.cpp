@@ -1,5 +1,7 @@
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
+#include "RecordedWork.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -38,15 +40,12 @@ public:
         return !hessian.empty();
     }
 
-    void reportStill() override { ++reports; }
-
     std::function<double(const Vector&)> function;
     std::function<Vector(const Vector&)> slope;
     Vector hessian; // of minus the function, if it is known
     Vector last;
     int values = 0;
     int gradients = 0;
-    int reports = 0;
 };
 
 /** Minus the banana of Rosenbrock, Comput. J. 3 (1960): its maximum 0 is at (1, 1). */
@@ -342,8 +341,9 @@ TEST(BoundedSearch, ReportsBetweenTheFactorsOfManyVariables)
     };
     Objective objective(bowl, slope);
 
+    const RecordedWork recorded;
     BoundedSearch search(objective, Vector(100, -1.0), Vector(100, 1.0), Vector(100, 0.5));
     search.advance(3, 1e-9);
 
-    EXPECT_GT(objective.reports, 0);
+    EXPECT_GT(recorded.reports(), 0);
 }

@@ -1,5 +1,7 @@
 #include <mirel_fitting/numerics/BoxedQuadratic.h>
 
+#include "RecordedWork.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -152,13 +154,13 @@ TEST(BoxedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
 {
     for (const std::size_t rank : {5, 30, 300}) {
         const Problem problem = oneOfFewCases(600, rank, rank);
-        std::size_t factors = 0;
-        BoxedQuadratic model(problem.hessian, problem.slope, [&factors] { ++factors; });
+        const RecordedWork recorded;
+        BoxedQuadratic model(problem.hessian, problem.slope);
 
         const Vector point = model.maximum(problem.lowest, problem.highest);
 
-        EXPECT_GE(factors, 1u);
-        EXPECT_LE(factors, 8u);
+        EXPECT_GE(recorded.reports(), 1);
+        EXPECT_LE(recorded.reports(), 8);
         EXPECT_GT(valueAt(problem, point), 0.0);
         for (std::size_t i = 0; i < point.size(); ++i) {
             EXPECT_GE(point[i], problem.lowest[i]);
@@ -177,23 +179,22 @@ TEST(BoxedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
 
 TEST(BoxedQuadratic, EndsBeforeAnyFactorOfManyVariables)
 {
-    struct Cancelled
-    {};
     const Problem problem = oneOfFewCases(100, 10, 3);
-    BoxedQuadratic model(problem.hessian, problem.slope, [] { throw Cancelled(); });
+    BoxedQuadratic model(problem.hessian, problem.slope);
+    const RecordedWork recorded(1.0, 1);
 
-    EXPECT_THROW(model.maximum(problem.lowest, problem.highest), Cancelled);
+    EXPECT_THROW(model.maximum(problem.lowest, problem.highest), std::runtime_error);
 }
 
-TEST(BoxedQuadratic, AsksNobodyBeforeTheFactorsOfFewVariables)
+TEST(BoxedQuadratic, ReportsNothingForFewVariables)
 {
     const Problem problem(BoxedQuadratic::mostFewVariables, 0.3, 3);
-    bool isAsked = false;
-    BoxedQuadratic model(problem.hessian, problem.slope, [&isAsked] { isAsked = true; });
+    BoxedQuadratic model(problem.hessian, problem.slope);
+    const RecordedWork recorded;
 
     expectMaximum(problem, model.maximum(problem.lowest, problem.highest), 1e-8);
 
-    EXPECT_FALSE(isAsked);
+    EXPECT_EQ(recorded.reports(), 0);
 }
 
 TEST(BoxedQuadratic, StaysWhereTheBoxLeavesNoRoom)

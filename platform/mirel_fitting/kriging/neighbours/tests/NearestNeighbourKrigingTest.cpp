@@ -196,8 +196,7 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
     without.add(point, 1, &expected);
     without.variances(point, 1, without.parameters(), &variance);
 
-    const auto found = NearestNeighbourKriging::LeftOut(*all.kriging, {left}, nullptr)
-                           .predict(parameters, nullptr);
+    const auto found = NearestNeighbourKriging::LeftOut(*all.kriging, {left}).predict(parameters);
 
     ASSERT_EQ(found.size(), 1u);
     EXPECT_NEAR(found[0].mean, expected, 1e-8);
@@ -216,7 +215,7 @@ TEST(NearestNeighbourKriging, MultipliesTheDensitiesOfCasesGivenThoseBefore)
     const double twoPi = 2.0 * std::acos(-1.0);
     double variance = 0.0;
 
-    const double logLikelihood = pair(nugget)->logLikelihood({0, 1}, 1, variance, nullptr);
+    const double logLikelihood = pair(nugget)->logLikelihood({0, 1}, 1, variance);
 
     EXPECT_NEAR(variance, expectedVariance, 1e-12);
     EXPECT_NEAR(logLikelihood, -0.5 * (std::log(twoPi * expectedVariance * relative) + 1.0), 1e-12);

@@ -36,7 +36,7 @@ TEST(KrigingObjective, IsTheLikelihoodOfLogarithms)
 {
     const auto data = someCases();
     KrigingSearch::Settings settings;
-    KrigingObjective objective(data, settings, nullptr);
+    KrigingObjective objective(data, settings);
 
     EXPECT_NEAR(objective.value(logarithms({{0.3, 2.0}, 1e-3})),
                 KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3), 1e-9);
@@ -47,7 +47,7 @@ TEST(KrigingObjective, TakesTheNuggetsBoundExactly)
 {
     KrigingSearch::Settings settings;
     settings.smallestNugget = 1e-7;
-    const KrigingObjective objective(someCases(), settings, nullptr);
+    const KrigingObjective objective(someCases(), settings);
 
     EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-7})).nugget, 1e-7);
     EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-9})).nugget, 1e-7);
@@ -57,7 +57,7 @@ TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
 {
     KrigingSearch::Settings settings;
     settings.fixedLengths = {0.3, 2.0};
-    KrigingObjective objective(someCases(), settings, nullptr);
+    KrigingObjective objective(someCases(), settings);
     const std::vector<double> point = {std::log(1e-3) / KrigingObjective::nuggetUnit};
     std::vector<double> gradient;
     std::vector<double> curvature;
@@ -74,7 +74,7 @@ TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
 TEST(KrigingObjective, HasTheGradientOfItsDifferences)
 {
     KrigingSearch::Settings settings;
-    KrigingObjective objective(someCases(), settings, nullptr);
+    KrigingObjective objective(someCases(), settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     std::vector<double> gradient;
     objective.value(point);
@@ -95,7 +95,7 @@ TEST(KrigingObjective, HasTheGradientOfItsDifferences)
 TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
 {
     KrigingSearch::Settings settings;
-    KrigingObjective objective(someCases(), settings, nullptr);
+    KrigingObjective objective(someCases(), settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     const double value = objective.value(point);
     EXPECT_EQ(objective.value(point), value);
@@ -106,17 +106,4 @@ TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
 
     EXPECT_EQ(objective.value(point), value);
     EXPECT_EQ(objective.evaluations(), 2u);
-}
-
-TEST(KrigingObjective, ReportsWithoutHavingWorked)
-{
-    KrigingSearch::Settings settings;
-    std::vector<double> reported;
-    KrigingObjective objective(someCases(), settings,
-                               [&reported](double work) { reported.push_back(work); });
-
-    objective.reportStill();
-
-    EXPECT_EQ(reported, std::vector<double>{0.0});
-    EXPECT_NO_THROW(KrigingObjective(someCases(), settings, nullptr).reportStill());
 }

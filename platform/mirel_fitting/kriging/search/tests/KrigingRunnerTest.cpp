@@ -50,7 +50,7 @@ protected:
     std::shared_ptr<KrigingData> data = noisyWave();
     KrigingSearch::Settings settings;
     KrigingSearchVariables variables{*data, settings};
-    KrigingObjective objective{data, settings, nullptr};
+    KrigingObjective objective{data, settings};
 };
 
 } // namespace
