@@ -4,12 +4,12 @@
 #include "CommandOutput.h"
 #include "CompareCommand.h"
 #include "ExportCommand.h"
-#include "FitReport.h"
 #include "HelpText.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
 
+#include <plot/ReportPage.h>
 #include <session/cases/CaseFileReader.h>
 #include <session/cases/VariableNames.h>
 #include <session/files/OutputFile.h>
@@ -75,7 +75,7 @@ void runFit(const CommandLine& line)
     OpenSession open(line);
     fitWithProgress(line, open.session);
     if (!line.report.empty()) {
-        writeFitReport(open.session, line.report);
+        writeText(line.report, ReportPage::html(open.session));
     }
     open.save(line);
     writeText(line.output, line.asJson ? SessionReport::fitJson(open.session, open.readSeconds)

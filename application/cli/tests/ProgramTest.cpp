@@ -6,42 +6,11 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
 using Json = nlohmann::json;
-
-const std::string libraryOfCommands = SURROGATE_COMMANDS_LIBRARY;
-
-/** A copy of the program, in the folder "bin", that does not know where it was built. */
-class CopiedProgram : public Program
-{
-protected:
-    CopiedProgram()
-    {
-        std::ifstream original(SURROGATE_PROGRAM, std::ios::binary);
-        std::string bytes{std::istreambuf_iterator<char>(original), {}};
-        const std::string built = SURROGATE_LIBRARY_FOLDER;
-        for (auto at = bytes.find(built); at != std::string::npos; at = bytes.find(built, at)) {
-            bytes.replace(at, built.size(), built.size(), '-');
-        }
-        for (const char* name : {"bin", "lib", "found"}) {
-            std::filesystem::create_directory(folder.path(name));
-        }
-        folder.write("bin/surrogate", bytes);
-        std::filesystem::permissions(folder.path("bin/surrogate"),
-                                     std::filesystem::perms::owner_all);
-    }
-
-    Outcome runCopy(const std::string& arguments, const std::string& environment = "")
-    {
-        return runAs(environment + " bin/surrogate", arguments);
-    }
-};
 } // namespace
 
 TEST_F(Program, HelpAndVersionGoToTheStandardOutput)
@@ -53,21 +22,6 @@ TEST_F(Program, HelpAndVersionGoToTheStandardOutput)
         EXPECT_EQ(help.err, "");
     }
     EXPECT_EQ(run("--version").out.rfind("surrogate ", 0), 0u);
-}
-
-TEST_F(Program, IsNotLinkedToTheLibrariesOfItsCommands)
-{
-    // What the loader would load for any command line, the version included.
-    const std::string command = "LD_TRACE_LOADED_OBJECTS=1 '" SURROGATE_PROGRAM "' > '" +
-                                folder.path("libraries.txt") + "'";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-
-    const std::string libraries = folder.read("libraries.txt");
-
-    EXPECT_NE(libraries.find("libc.so"), std::string::npos);
-    for (const char* heavy : {"libQt5", "libvtk", "libopenblas", "libsurrogate"}) {
-        EXPECT_EQ(libraries.find(heavy), std::string::npos) << libraries;
-    }
 }
 
 TEST_F(Program, SaysWhyItsVersionCannotBeWritten)
@@ -90,43 +44,7 @@ TEST_F(Program, IsNotKilledByAReaderOfItsVersionThatHasGone)
     EXPECT_EQ(version.err, "");
 }
 
-TEST_F(CopiedProgram, SaysThatTheLibraryOfItsCommandsIsMissing)
-{
-    const Outcome fit = runCopy("fit cvd.csv -y Stress");
-
-    EXPECT_EQ(fit.exitCode, 5);
-    EXPECT_EQ(fit.out, "");
-    EXPECT_EQ(fit.err,
-              "surrogate: The library of the commands cannot be loaded: " + libraryOfCommands +
-                  ": cannot open shared object file: No such file or directory.\n");
-    EXPECT_EQ(runCopy("--version").exitCode, 0) << "what needs no library is answered";
-}
-
-TEST_F(CopiedProgram, SaysWhatTheLibraryOfItsCommandsLacks)
-{
-    folder.write("found/" + libraryOfCommands, "no library");
-
-    // Whatever is wrong with the one that is found is the reason, and not that there is none
-    // where else it might have been.
-    const Outcome fit = runCopy("fit cvd.csv -y Stress", "LD_LIBRARY_PATH=found");
-
-    EXPECT_EQ(fit.exitCode, 5);
-    EXPECT_EQ(fit.err, "surrogate: The library of the commands cannot be loaded: found/" +
-                           libraryOfCommands + ": file too short.\n");
-}
-
-TEST_F(CopiedProgram, TakesTheLibraryOfItsCommandsBesideIt)
-{
-    folder.write("lib/" + libraryOfCommands, "no library");
-
-    const Outcome fit = runCopy("fit cvd.csv -y Stress");
-
-    EXPECT_EQ(fit.exitCode, 5);
-    EXPECT_NE(fit.err.find("/lib/" + libraryOfCommands + ": file too short.\n"), std::string::npos)
-        << fit.err;
-}
-
-TEST_F(Program, FindsItsCommandsThroughALinkFromElsewhere)
+TEST_F(Program, RunsThroughALinkFromElsewhere)
 {
     const std::string command = "ln -s '" SURROGATE_PROGRAM "' '" + folder.path("linked") + "'";
     ASSERT_EQ(std::system(command.c_str()), 0);

@@ -1,16 +1,15 @@
-#include "FitReport.h"
+#include "plot/ReportPage.h"
 
-#include "CommandOutput.h"
-#include "PictureLibrary.h"
+#include "plot/DrawingApplication.h"
+#include "plot/Picture.h"
+#include "plot/SessionPictures.h"
 
-#include <plot/PictureService.h>
 #include <session/model/CaseSession.h>
 #include <session/report/HtmlReport.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 namespace {
@@ -41,9 +40,10 @@ void addOrExcuse(const std::string& kind, Pictures& pictures, Add add)
 void addPictures(const std::string& kind, CaseSession& session, Pictures& pictures)
 {
     addOrExcuse(kind, pictures, [&] {
-        const std::vector<PictureData> made = pictureLibrary().make(kind, session);
+        const std::vector<PictureData> made =
+            SessionPictures::make(SessionPictures::kindOf(kind), session);
         for (std::size_t i = 0; i < pictures.size() && i < made.size(); ++i) {
-            pictures[i].push_back(pictureLibrary().inlineSvg(made[i], sizeOnPage));
+            pictures[i].push_back(Picture({made[i]}, sizeOnPage).toInlineSvg());
         }
     });
 }
@@ -51,11 +51,11 @@ void addPictures(const std::string& kind, CaseSession& session, Pictures& pictur
 void addSweeps(CaseSession& session, Pictures& pictures)
 {
     addOrExcuse("sweep", pictures, [&] {
-        const std::vector<std::vector<ReportSweep>> made = pictureLibrary().reportSweeps(session);
+        const std::vector<std::vector<ReportSweep>> made = SessionPictures::reportSweeps(session);
         for (std::size_t i = 0; i < pictures.size(); ++i) {
             for (const ReportSweep& sweep : made[i]) {
                 pictures[i].push_back(sweep.picture
-                                          ? pictureLibrary().inlineSvg(*sweep.picture, sizeOnPage)
+                                          ? Picture({*sweep.picture}, sizeOnPage).toInlineSvg()
                                           : excuse("sweep", sweep.reason));
             }
         }
@@ -63,8 +63,9 @@ void addSweeps(CaseSession& session, Pictures& pictures)
 }
 } // namespace
 
-void writeFitReport(CaseSession& session, const std::string& path)
+std::string ReportPage::html(CaseSession& session)
 {
+    const DrawingApplication application;
     Pictures pictures(session.outputs().size());
     addPictures("actual", session, pictures);
     addPictures("residuals", session, pictures);
@@ -72,5 +73,5 @@ void writeFitReport(CaseSession& session, const std::string& path)
         addPictures("coefficients", session, pictures);
     }
     addSweeps(session, pictures);
-    writeText(path, HtmlReport::text(session, pictures));
+    return HtmlReport::text(session, pictures);
 }
