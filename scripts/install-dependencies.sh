@@ -9,7 +9,7 @@ packages=(
     qtbase5-dev          # undo stack, cursor, text handling, XML
     libvtk9-dev          # tables and the table pipeline
     libboost-dev         # signals, shared pointers, formats
-    libeigen3-dev libopenblas-dev liblapacke-dev libnanoflann-dev   # fitting
+    libopenblas-dev liblapacke-dev libnanoflann-dev   # fitting
     libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
     libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core     # pictures, and the letters in them
     libxlsxwriter-dev    # workbooks
