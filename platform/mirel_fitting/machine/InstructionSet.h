@@ -3,9 +3,8 @@
 #include <mirel_fitting/Export.h>
 
 /**
- * The instruction sets that Kriging predictions and fits of response surfaces to many cases are
- * compiled for. Their results differ by rounding: Avx2 and Avx512 fuse multiplications with
- * additions. Predictions have the same bits by both; the fits sum in another order.
+ * The instruction sets that Kriging predictions are compiled for. Their results differ by rounding:
+ * Avx2 and Avx512 fuse multiplications with additions; both give the same bits.
  */
 enum class InstructionSet
 {
@@ -15,8 +14,8 @@ enum class InstructionSet
 };
 
 /**
- * Limits the instruction sets that these may use, for the whole process: for the same bits on
- * processors that differ. Avx512, the default, means no limit.
+ * Limits the instruction sets that predictions may use, for the whole process. Avx512, the default,
+ * means no limit. Fits use BLAS, which chooses for itself: their last digits depend on the processor.
  */
 MIREL_FITTING_EXPORT void setInstructionSetLimit(InstructionSet limit);
 

@@ -59,7 +59,7 @@ void reflect(std::vector<double>& matrix, std::size_t columns, std::vector<doubl
 
 BlockedLeastSquares::BlockedLeastSquares(std::size_t columns, std::size_t outputs)
     : columnCount(columns), outputCount(outputs), triangle(columns * columns, 0.0),
-      rotatedOutputs(columns * outputs, 0.0), remainingSquares(outputs, 0.0),
+      rotatedOutputs(columns * outputs, 0.0),
       reflectorBlock(reflectionsPerPanel(columns) * columns),
       workspace(reflectionsPerPanel(columns) * std::max(columns, outputs))
 {}
@@ -81,10 +81,6 @@ void BlockedLeastSquares::addRows(double* design, double* outputs, std::size_t r
     LAPACKE_dtpmqrt_work(LAPACK_COL_MAJOR, 'L', 'T', m, static_cast<lapack_int>(outputCount), n, 0,
                          panel, design, ld, reflectorBlock.data(), panel, rotatedOutputs.data(), n,
                          outputs, ld, workspace.data());
-    for (std::size_t output = 0; output < outputCount; ++output) {
-        const double rest = length(outputs + output * rowsPerBlock, rows);
-        remainingSquares[output] += rest * rest;
-    }
 }
 
 void BlockedLeastSquares::merge(BlockedLeastSquares&& other)
@@ -106,10 +102,6 @@ void BlockedLeastSquares::merge(BlockedLeastSquares&& other)
                          panel, other.triangle.data(), n, reflectorBlock.data(), panel,
                          rotatedOutputs.data(), n, other.rotatedOutputs.data(), n,
                          workspace.data());
-    for (std::size_t output = 0; output < outputCount; ++output) {
-        const double rest = length(&other.rotatedOutputs[output * columnCount], columnCount);
-        remainingSquares[output] += other.remainingSquares[output] + rest * rest;
-    }
 }
 
 BlockedLeastSquares::Solution
@@ -185,8 +177,6 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
     factor.resize(size * size);
     for (std::size_t output = 0; output < outputCount; ++output) {
         const double* values = rotated.data() + output * columnCount;
-        const double aboutMean = length(values + 1, columnCount - 1);
-        solution.totalSquares.push_back(aboutMean * aboutMean + remainingSquares[output]);
         solution.coefficients.insert(solution.coefficients.end(), values, values + size);
     }
     if (outputCount > 0) {

@@ -52,8 +52,6 @@ public:
         std::vector<double> factor;
         /** kept.size() coefficients per output, in the order of `kept`. */
         std::vector<double> coefficients;
-        /** Per output the sum of squares about its mean. */
-        std::vector<double> totalSquares;
         /** Columns that are constant, or whose parents are dropped, are not among them; nor are
          *  more than mostDependences. */
         std::vector<Dependence> dependences;
@@ -88,7 +86,6 @@ private:
     std::size_t rowCount = 0;
     std::vector<double> triangle;         // columnCount squared
     std::vector<double> rotatedOutputs;   // columnCount rows of all outputs
-    std::vector<double> remainingSquares; // per output: what lies outside the columns' span
     std::vector<double> reflectorBlock;
     std::vector<double> workspace;
 };

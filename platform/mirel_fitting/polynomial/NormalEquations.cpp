@@ -1,164 +1,124 @@
 #include <mirel_fitting/polynomial/NormalEquations.h>
 
+#include <mirel_fitting/numerics/BlockedLeastSquares.h>
+
 #include <cblas.h>
 #include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 namespace {
 
-constexpr std::size_t lanes = ProductKernels::lanes;
-
-void addLanes(const double* sums, std::vector<double>& totals)
+/** Scales the rows and columns of a symmetric matrix, upper triangle: a_ij s_i s_j. */
+void scaleSymmetric(std::vector<double>& matrix, const std::vector<double>& scales)
 {
-    for (std::size_t k = 0; k < totals.size(); ++k) {
-        const double* lane = sums + k * lanes;
-        totals[k] += ((lane[0] + lane[1]) + (lane[2] + lane[3])) +
-                     ((lane[4] + lane[5]) + (lane[6] + lane[7]));
+    const std::size_t order = scales.size();
+    for (std::size_t column = 0; column < order; ++column) {
+        for (std::size_t row = 0; row <= column; ++row) {
+            matrix[column * order + row] *= scales[row] * scales[column];
+        }
     }
+}
+
+/** The reciprocal condition number, in the 1-norm, of a matrix of this norm and Cholesky factor. */
+double reciprocalCondition(const std::vector<double>& factor, std::size_t order, double norm)
+{
+    const auto n = static_cast<lapack_int>(order);
+    double result = 0.0;
+    std::vector<double> work(3 * order);
+    std::vector<lapack_int> integers(order);
+    LAPACKE_dpocon_work(LAPACK_COL_MAJOR, 'U', n, factor.data(), n, norm, &result, work.data(),
+                        integers.data());
+    return result;
 }
 
 } // namespace
 
-NormalEquations::Sums::Sums(const QuadraticProducts& products, std::size_t outputs)
-    : products(products), outputCount(outputs), ofTerms(products.size() * lanes),
-      ofOutputs(outputs * products.terms() * lanes), sizeOfTerms(products.size() * lanes),
-      sizeOfOutputs(outputs * products.terms() * lanes)
+NormalEquations::NormalEquations(std::size_t terms, std::size_t outputs)
+    : termCount(terms), outputCount(outputs), ofTerms(terms * terms, 0.0),
+      ofOutputs(terms * outputs, 0.0)
 {}
 
-void NormalEquations::Sums::clear()
+void NormalEquations::addRows(const double* design, const double* outputs, std::size_t rows)
 {
-    std::fill_n(ofTerms.data(), sizeOfTerms, 0.0);
-    std::fill_n(ofOutputs.data(), sizeOfOutputs, 0.0);
+    const auto terms = static_cast<int>(termCount);
+    const auto count = static_cast<int>(rows);
+    constexpr auto leading = static_cast<int>(BlockedLeastSquares::rowsPerBlock);
+    cblas_dsyrk(CblasColMajor, CblasUpper, CblasTrans, terms, count, 1.0, design, leading, 1.0,
+                ofTerms.data(), terms);
+    if (outputCount > 0) {
+        cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, static_cast<int>(outputCount),
+                    count, 1.0, design, leading, outputs, leading, 1.0, ofOutputs.data(), terms);
+    }
 }
 
-void NormalEquations::Sums::addProducts(const ProductKernels::Columns& terms, std::size_t cases)
+void NormalEquations::merge(const NormalEquations& other)
 {
-    products.addSums(terms, cases, ofTerms.data());
+    const auto add = [](std::vector<double>& sums, const std::vector<double>& more) {
+        std::transform(sums.begin(), sums.end(), more.begin(), sums.begin(), std::plus<>());
+    };
+    add(ofTerms, other.ofTerms);
+    add(ofOutputs, other.ofOutputs);
 }
 
-void NormalEquations::Sums::addOutputs(const std::vector<const double*>& outputs,
-                                       const ProductKernels::Columns& terms, std::size_t cases)
+bool NormalEquations::solve(Solution& solution) const
 {
-    ProductKernels::best().addProducts(outputs.data(), outputs.size(), terms, cases,
-                                       ofOutputs.data());
-}
-
-NormalEquations::NormalEquations(const QuadraticBasis& basis, std::size_t cases,
-                                 std::size_t outputs)
-    : basis(basis), pairs(basis), cases(cases), outputs(outputs), sumsOfTerms(pairs.size(), 0.0),
-      sumsOfOutputs(basis.size() * outputs, 0.0), gradients(basis.size() * outputs, 0.0)
-{}
-
-void NormalEquations::add(const Sums& sums)
-{
-    addLanes(sums.ofTerms.data(), sumsOfTerms);
-    addLanes(sums.ofOutputs.data(), sumsOfOutputs);
-}
-
-void NormalEquations::addGradients(const Sums& sums)
-{
-    addLanes(sums.ofOutputs.data(), gradients);
-}
-
-bool NormalEquations::solve(std::vector<double>& factor, std::vector<double>& coefficients)
-{
-    // For columns of length 1. What the others leave of a term is then at least 3e-3 of it, and the
-    // squared condition takes at most five digits of the factor.
+    // Of X'X with columns of length 1. What the other terms leave of one is then at least 3e-3 of
+    // it, and the squared condition number costs the factor at most five digits.
     constexpr double leastReciprocalCondition = 1e-5;
 
-    const std::size_t p = basis.size();
-    const auto order = static_cast<lapack_int>(p);
-    std::vector<double> lengths(p);
-    for (std::size_t term = 0; term < p; ++term) {
-        lengths[term] = std::sqrt(sumsOfTerms[pairs.index(term, term)]);
-        if (!(lengths[term] > 0.0)) {
+    const auto order = static_cast<lapack_int>(termCount);
+    std::vector<double> perLength(termCount);
+    for (std::size_t term = 0; term < termCount; ++term) {
+        const double squares = ofTerms[term * termCount + term];
+        if (!(squares > 0.0)) {
             return false;
         }
+        perLength[term] = 1.0 / std::sqrt(squares);
     }
-    std::vector<double> matrix(p * p, 0.0);
-    double norm = 0.0;
-    for (std::size_t column = 0; column < p; ++column) {
-        double sum = 0.0;
-        for (std::size_t row = 0; row < p; ++row) {
-            const double cosine =
-                sumsOfTerms[pairs.index(row, column)] / (lengths[row] * lengths[column]);
-            sum += std::fabs(cosine);
-            if (row <= column) {
-                matrix[column * p + row] = cosine;
-            }
-        }
-        norm = std::max(norm, sum);
-    }
-    if (LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'U', order, matrix.data(), order) != 0) {
-        return false;
-    }
-    double reciprocal = 0.0;
-    std::vector<double> work(3 * p);
-    std::vector<lapack_int> integers(p);
-    LAPACKE_dpocon_work(LAPACK_COL_MAJOR, 'U', order, matrix.data(), order, norm, &reciprocal,
-                        work.data(), integers.data());
-    if (!(reciprocal >= leastReciprocalCondition)) {
+    std::vector<double> factor = ofTerms;
+    scaleSymmetric(factor, perLength);
+    const double norm = LAPACKE_dlansy(LAPACK_COL_MAJOR, '1', 'U', order, factor.data(), order);
+    if (LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'U', order, factor.data(), order) != 0 ||
+        !(reciprocalCondition(factor, termCount, norm) >= leastReciprocalCondition)) {
         return false;
     }
 
-    for (std::size_t column = 0; column < p; ++column) {
+    for (std::size_t column = 0; column < termCount; ++column) {
         for (std::size_t row = 0; row <= column; ++row) {
-            matrix[column * p + row] *= lengths[column];
+            factor[column * termCount + row] /= perLength[column];
         }
     }
-    triangle = matrix;
-    factor = triangle;
-    coefficients = sumsOfOutputs;
-    LAPACKE_dpotrs_work(LAPACK_COL_MAJOR, 'U', order, static_cast<lapack_int>(outputs),
-                        triangle.data(), order, coefficients.data(), order);
-    for (std::size_t output = 0; output < outputs; ++output) {
-        means.push_back(sumsOfOutputs[output * p] / static_cast<double>(cases));
-    }
-
-    LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'U', order, matrix.data(), order);
-    weights = pairs.weightsOf(matrix);
-    for (double& weight : weights) {
-        weight = -weight;
-    }
+    solution.factor = std::move(factor);
+    solution.coefficients = ofOutputs;
+    LAPACKE_dpotrs_work(LAPACK_COL_MAJOR, 'U', order, static_cast<lapack_int>(outputCount),
+                        solution.factor.data(), order, solution.coefficients.data(), order);
     return true;
 }
 
-void NormalEquations::subtract(const double* coefficients, const ProductKernels::Columns& terms,
-                               std::size_t count, double* values) const
+double NormalEquations::refine(Solution& solution, std::vector<double> gradients)
 {
-    // The constant term times the polynomial.
-    std::vector<double> negative(coefficients, coefficients + basis.size());
-    for (double& coefficient : negative) {
-        coefficient = -coefficient;
+    if (gradients.empty()) {
+        return 0.0;
     }
-    ProductKernels::best().addForm(&terms.values, 1, terms, negative.data(), count, values);
-}
-
-void NormalEquations::subtractLeverages(const ProductKernels::Columns& terms, std::size_t count,
-                                        double* values) const
-{
-    pairs.addForm(terms, weights, count, values);
-}
-
-double NormalEquations::correct(std::vector<double>& coefficients)
-{
-    const std::size_t p = basis.size();
-    const auto order = static_cast<lapack_int>(p);
-    // The change at the cases has the length of the solution with the transposed factor.
-    cblas_dtrsm(CblasColMajor, CblasLeft, CblasUpper, CblasTrans, CblasNonUnit, order,
-                static_cast<int>(outputs), 1.0, triangle.data(), order, gradients.data(), order);
+    const auto order = static_cast<int>(std::sqrt(static_cast<double>(solution.factor.size())));
+    const int outputs = static_cast<int>(gradients.size()) / order;
+    const auto solveTriangle = [&](CBLAS_TRANSPOSE side) {
+        cblas_dtrsm(CblasColMajor, CblasLeft, CblasUpper, side, CblasNonUnit, order, outputs, 1.0,
+                    solution.factor.data(), order, gradients.data(), order);
+    };
+    // |X d| = |R d|, as the columns of X R^-1 are orthonormal; and R d solves R' (R d) = X'r.
+    solveTriangle(CblasTrans);
     double largest = 0.0;
-    for (std::size_t output = 0; output < outputs; ++output) {
-        const double* change = gradients.data() + output * p;
+    for (int output = 0; output < outputs; ++output) {
+        const double* change = gradients.data() + output * order;
         largest = std::max(largest, cblas_ddot(order, change, 1, change, 1));
     }
-    cblas_dtrsm(CblasColMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, order,
-                static_cast<int>(outputs), 1.0, triangle.data(), order, gradients.data(), order);
-    for (std::size_t k = 0; k < coefficients.size(); ++k) {
-        coefficients[k] += gradients[k];
-        gradients[k] = 0.0;
-    }
+    solveTriangle(CblasNoTrans);
+    std::transform(solution.coefficients.begin(), solution.coefficients.end(), gradients.begin(),
+                   solution.coefficients.begin(), std::plus<>());
     return largest;
 }

@@ -1,92 +1,50 @@
 #pragma once
 
-#include <mirel_fitting/machine/AlignedBuffer.h>
-#include <mirel_fitting/numerics/ProductKernels.h>
-#include <mirel_fitting/polynomial/QuadraticProducts.h>
-
 #include <cstddef>
 #include <vector>
 
 /**
- * The normal equations of a polynomial of several outputs. They square the condition of the terms,
- * so that solve() refuses terms that are not clearly separable, and correct() regains the digits
- * from residuals.
+ * Least squares by the normal equations X'X b = X'y, X the terms at the cases and y the outputs,
+ * scaled both. They square the condition number of X: solve() refuses terms that are not clearly
+ * separable, and refine() regains the digits from the residuals (corrected seminormal equations:
+ * Bjorck, Linear Algebra Appl. 88/89 (1987)).
  *
- * Terms and outputs are scaled; coefficients are listed output by output, in the order of the
- * basis.
+ * Matrices are column-major. Rows arrive in blocks, O(p^2) per row for p terms.
  */
 class NormalEquations
 {
 public:
-    /** What a thread sums over its cases. */
-    class Sums
+    struct Solution
     {
-    public:
-        Sums(const QuadraticProducts& products, std::size_t outputs);
-
-        void clear();
-
-        /** Of the terms with each other. @param cases of which the last may be filled with zeros,
-         *  like everywhere here. */
-        void addProducts(const ProductKernels::Columns& terms, std::size_t cases);
-
-        /** Of outputs, or their residuals, with the terms. */
-        void addOutputs(const std::vector<const double*>& outputs,
-                        const ProductKernels::Columns& terms, std::size_t cases);
-
-    private:
-        friend class NormalEquations;
-        const QuadraticProducts& products;
-        std::size_t outputCount;
-        AlignedBuffer ofTerms;
-        AlignedBuffer ofOutputs;
-        std::size_t sizeOfTerms;
-        std::size_t sizeOfOutputs;
+        /** The upper triangular Cholesky factor R of X'X, terms x terms. */
+        std::vector<double> factor;
+        /** One per term, output by output. */
+        std::vector<double> coefficients;
     };
 
-    /** @param basis is borrowed; it must outlive this object. */
-    NormalEquations(const QuadraticBasis& basis, std::size_t cases, std::size_t outputs);
+    NormalEquations(std::size_t terms, std::size_t outputs);
 
-    const QuadraticProducts& products() const { return pairs; }
+    /** @param design, outputs `rows` rows of all columns, at most
+     *         BlockedLeastSquares::rowsPerBlock; column c starts at c times that. */
+    void addRows(const double* design, const double* outputs, std::size_t rows);
 
-    /** Not at the same time from several threads; nor addGradients(). */
-    void add(const Sums& sums);
+    /** Adds the rows that `other` has been given, with as many terms and outputs. */
+    void merge(const NormalEquations& other);
+
+    /** Answers false, and leaves the solution as it is, if the terms are not clearly separable. */
+    bool solve(Solution& solution) const;
 
     /**
-     * Answers false if the terms are not clearly separable.
-     * @param factor       receives the upper triangular factor of the terms, terms x terms.
-     * @param coefficients receives the solution.
+     * One step of iterative refinement: adds the solution d of R'R d = X'r to the coefficients.
+     * @param gradients X'r, r the residuals that the coefficients leave: one per term, output by
+     *                  output.
+     * @return the largest |X d|^2 of all outputs: by how much the predictions at the cases change.
      */
-    bool solve(std::vector<double>& factor, std::vector<double>& coefficients);
-
-    // After solve().
-
-    double mean(std::size_t output) const { return means[output]; }
-
-    /** values[k] -= the polynomial at case k. */
-    void subtract(const double* coefficients, const ProductKernels::Columns& terms,
-                  std::size_t cases, double* values) const;
-
-    /** values[k] -= the leverage of case k. */
-    void subtractLeverages(const ProductKernels::Columns& terms, std::size_t cases,
-                           double* values) const;
-
-    /** The sums of the residuals that the coefficients leave. */
-    void addGradients(const Sums& sums);
-
-    /** Corrects the coefficients by them, and forgets them; answers the largest sum of squares,
-     * over the outputs, by which the polynomial changes at the cases. */
-    double correct(std::vector<double>& coefficients);
+    static double refine(Solution& solution, std::vector<double> gradients);
 
 private:
-    const QuadraticBasis& basis;
-    QuadraticProducts pairs;
-    std::size_t cases;
-    std::size_t outputs;
-    std::vector<double> sumsOfTerms;   // one per product
-    std::vector<double> sumsOfOutputs; // one per term and output
-    std::vector<double> gradients;
-    std::vector<double> triangle; // the factor
-    std::vector<double> weights;  // of the leverage, negative
-    std::vector<double> means;
+    std::size_t termCount;
+    std::size_t outputCount;
+    std::vector<double> ofTerms;   // X'X, upper triangle
+    std::vector<double> ofOutputs; // X'y
 };

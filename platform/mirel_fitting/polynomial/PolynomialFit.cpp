@@ -1,28 +1,21 @@
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
-#include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/BlockedLeastSquares.h>
-#include <mirel_fitting/numerics/ProductKernels.h>
 #include <mirel_fitting/polynomial/NormalEquations.h>
-#include <mirel_fitting/polynomial/QuadraticProducts.h>
+#include <mirel_fitting/polynomial/ResidualPass.h>
 
 #include <cblas.h>
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t rowsPerBlock = BlockedLeastSquares::rowsPerBlock;
-
-/** What a thread takes at a time. Fixed, so that the results do not depend on the machine; enough
- *  rows that merging the factors of two chunks does not count. */
-constexpr std::size_t rowsPerChunk = 32 * rowsPerBlock;
+constexpr std::size_t rowsPerBlock = DesignPass::rowsPerBlock;
 
 /** Terms in the order in which they are preferred: what an earlier one explains, a later one need
  *  not. */
@@ -75,307 +68,66 @@ std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
     return columns;
 }
 
-} // namespace
-
-namespace {
-
-double squaresAbout(double mean, const double* values, std::size_t count)
+/** Sums the rows of each chunk by itself, then the chunks in their order.
+ *  @tparam LeastSquares has addRows(design, outputs, rows) and merge(). */
+template <class LeastSquares>
+class AccumulatingPass : public DesignPass
 {
-    // Several sums: one would wait for itself.
-    double sums[4] = {};
-    std::size_t k = 0;
-    for (; k + 4 <= count; k += 4) {
-        for (std::size_t lane = 0; lane < 4; ++lane) {
-            const double deviation = values[k + lane] - mean;
-            sums[lane] += deviation * deviation;
+public:
+    AccumulatingPass(const FitColumns& columns, const std::vector<std::size_t>& terms,
+                     LeastSquares& total)
+        : DesignPass(columns, terms), total(total), part(empty())
+    {}
+
+    void handOver(std::size_t /*chunk*/) override { total.merge(std::move(part)); }
+
+private:
+    LeastSquares empty() const { return {terms.size(), columns.outputs.size()}; }
+
+    void begin() override { part = empty(); }
+
+    void addBlock(std::size_t /*firstRow*/, std::size_t rows) override
+    {
+        part.addRows(design.data(), outputs.data(), rows);
+    }
+
+    LeastSquares& total;
+    LeastSquares part;
+};
+
+template <class LeastSquares>
+LeastSquares accumulate(const FitColumns& columns, const std::vector<std::size_t>& terms,
+                        double progressFrom, double progressTo)
+{
+    LeastSquares total(terms.size(), columns.outputs.size());
+    const auto makePass = [&] {
+        return std::make_unique<AccumulatingPass<LeastSquares>>(columns, terms, total);
+    };
+    DesignPass::run(columns, makePass, progressFrom, progressTo);
+    return total;
+}
+
+/** The sum of squares of a column about its mean, both scaled. */
+double squaresAboutMean(const double* values, std::size_t count, const ColumnScale& scale)
+{
+    constexpr std::size_t lanes = 4; // independent sums hide the latency of the addition
+    double scaled[rowsPerBlock];
+    const auto sum = [&](const auto& term) {
+        double sums[lanes] = {};
+        for (std::size_t start = 0; start < count; start += rowsPerBlock) {
+            const std::size_t rows = std::min(rowsPerBlock, count - start);
+            scale.apply(values + start, rows, scaled);
+            for (std::size_t k = 0; k < rows; ++k) {
+                sums[k % lanes] += term(scaled[k]);
+            }
         }
-    }
-    for (; k < count; ++k) {
-        sums[0] += (values[k] - mean) * (values[k] - mean);
-    }
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+        return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    };
+    const double mean = sum([](double value) { return value; }) / static_cast<double>(count);
+    return sum([mean](double value) { return (value - mean) * (value - mean); });
 }
 
 } // namespace
-
-/** The columns during construction: borrowed values, and what the passes make of them. */
-struct PolynomialFit::Columns
-{
-    const std::vector<double*>& independents;
-    const std::vector<double*>& dependents;
-    std::vector<double> scaledCoefficients;     // of the kept terms, per output
-    std::unique_ptr<NormalEquations> equations; // null: the factor was rotated
-    double told = 0.0;                          // of the work, whether or not it came to anything
-};
-
-/** Walks over the rows of a chunk in blocks of scaled inputs and outputs. */
-class PolynomialFit::Pass : public OrderedChunks::Worker
-{
-public:
-    Pass(PolynomialFit& fit, Columns& columns)
-        : fit(fit), columns(columns), scaledInputs(columns.independents.size() * rowsPerBlock),
-          scaledOutputs(columns.dependents.size() * rowsPerBlock),
-          design(fit.polynomial.size() * rowsPerBlock)
-    {
-        for (std::size_t input = 0; input < columns.independents.size(); ++input) {
-            inputColumns.push_back(scaledInputs.data() + input * rowsPerBlock);
-        }
-        for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
-            outputColumns.push_back(scaledOutputs.data() + output * rowsPerBlock);
-        }
-    }
-
-    /** @param told of the first row of each block; on the calling thread. */
-    void reportTo(std::function<void(std::size_t row)> told) { report = std::move(told); }
-
-    void compute(std::size_t chunk) override
-    {
-        begin();
-        const std::size_t first = chunk * rowsPerChunk;
-        const std::size_t last = std::min(first + rowsPerChunk, fit.caseCount);
-        for (std::size_t start = first; start < last; start += rowsPerBlock) {
-            if (report) {
-                report(start);
-            }
-            const std::size_t rows = std::min(rowsPerBlock, last - start);
-            for (std::size_t input = 0; input < columns.independents.size(); ++input) {
-                fit.scales[input].apply(columns.independents[input] + start, rows,
-                                        scaledInputs.data() + input * rowsPerBlock);
-            }
-            for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
-                fit.fits[output].scale.apply(columns.dependents[output] + start, rows,
-                                             scaledOutputs.data() + output * rowsPerBlock);
-            }
-            addBlock(start, rows);
-        }
-    }
-
-protected:
-    virtual void begin() = 0;
-    virtual void addBlock(std::size_t start, std::size_t rows) = 0;
-
-    void fillDesign(const std::vector<std::size_t>& terms, std::size_t rows)
-    {
-        for (std::size_t column = 0; column < terms.size(); ++column) {
-            fit.polynomial.evaluateTerm(terms[column], inputColumns.data(), rows,
-                                        design.data() + column * rowsPerBlock);
-        }
-    }
-
-    /** All terms in the order of the basis, and the outputs, filled up with zeros to what the
-     *  kernels take; answers how many rows that is. */
-    std::size_t fillForKernels(std::size_t rows)
-    {
-        const std::size_t filled =
-            (rows + ProductKernels::step - 1) / ProductKernels::step * ProductKernels::step;
-        fit.polynomial.evaluate(inputColumns.data(), rows, design.data(), rowsPerBlock);
-        for (std::size_t term = 0; rows < filled && term < fit.polynomial.size(); ++term) {
-            std::fill_n(design.data() + term * rowsPerBlock + rows, filled - rows, 0.0);
-        }
-        for (std::size_t output = 0; output < columns.dependents.size(); ++output) {
-            std::fill_n(scaledOutputs.data() + output * rowsPerBlock + rows, filled - rows, 0.0);
-        }
-        return filled;
-    }
-
-    ProductKernels::Columns terms() const
-    {
-        return {design.data(), rowsPerBlock, fit.polynomial.size()};
-    }
-
-    PolynomialFit& fit;
-    Columns& columns;
-    AlignedBuffer scaledInputs;
-    AlignedBuffer scaledOutputs;
-    AlignedBuffer design;
-    std::vector<const double*> inputColumns;
-    std::vector<const double*> outputColumns;
-
-private:
-    std::function<void(std::size_t row)> report; // null on other threads
-};
-
-/** The normal equations. */
-class PolynomialFit::ProductSums : public PolynomialFit::Pass
-{
-public:
-    ProductSums(PolynomialFit& fit, Columns& columns)
-        : Pass(fit, columns), sums(columns.equations->products(), columns.dependents.size())
-    {}
-
-    void handOver(std::size_t) override { columns.equations->add(sums); }
-
-private:
-    void begin() override { sums.clear(); }
-
-    void addBlock(std::size_t, std::size_t rows) override
-    {
-        const std::size_t filled = fillForKernels(rows);
-        sums.addProducts(terms(), filled);
-        sums.addOutputs(outputColumns, terms(), filled);
-    }
-
-    NormalEquations::Sums sums;
-};
-
-class PolynomialFit::Factorisation : public PolynomialFit::Pass
-{
-public:
-    Factorisation(PolynomialFit& fit, Columns& columns, const std::vector<std::size_t>& order,
-                  BlockedLeastSquares& total)
-        : Pass(fit, columns), order(order), total(total), part(emptyPart())
-    {}
-
-    void handOver(std::size_t) override { total.merge(std::move(part)); }
-
-private:
-    BlockedLeastSquares emptyPart() const { return {order.size(), columns.dependents.size()}; }
-
-    void begin() override { part = emptyPart(); }
-
-    void addBlock(std::size_t, std::size_t rows) override
-    {
-        fillDesign(order, rows);
-        part.addRows(design.data(), scaledOutputs.data(), rows);
-    }
-
-    const std::vector<std::size_t>& order;
-    BlockedLeastSquares& total;
-    BlockedLeastSquares part;
-};
-
-class PolynomialFit::Residuals : public PolynomialFit::Pass
-{
-public:
-    Residuals(PolynomialFit& fit, Columns& columns)
-        : Pass(fit, columns), freedom(rowsPerBlock), squares(columns.dependents.size()),
-          leftOutSquares(columns.dependents.size()), totalSquares(columns.dependents.size())
-    {
-        if (columns.equations) {
-            gradients = std::make_unique<NormalEquations::Sums>(columns.equations->products(),
-                                                                columns.dependents.size());
-        }
-    }
-
-    void handOver(std::size_t) override
-    {
-        for (std::size_t output = 0; output < squares.size(); ++output) {
-            fit.fits[output].residualSquares += squares[output];
-            fit.fits[output].press += leftOutSquares[output];
-            fit.fits[output].totalSquares += totalSquares[output];
-        }
-        if (gradients) {
-            columns.equations->addGradients(*gradients);
-        }
-        fit.pressAvailable = fit.pressAvailable && !isDeterminedAlone(1.0 - leastFreedom);
-    }
-
-private:
-    void begin() override
-    {
-        std::fill(squares.begin(), squares.end(), 0.0);
-        std::fill(leftOutSquares.begin(), leftOutSquares.end(), 0.0);
-        std::fill(totalSquares.begin(), totalSquares.end(), 0.0);
-        leastFreedom = 1.0;
-        if (gradients) {
-            gradients->clear();
-        }
-    }
-
-    void addBlock(std::size_t start, std::size_t rows) override
-    {
-        if (columns.equations) {
-            subtractByKernels(rows);
-        } else {
-            subtract(rows);
-        }
-        leastFreedom =
-            std::min(leastFreedom, *std::min_element(freedom.data(), freedom.data() + rows));
-        for (std::size_t output = 0; output < squares.size(); ++output) {
-            const double* residuals = scaledOutputs.data() + output * rowsPerBlock;
-            for (std::size_t row = 0; row < rows; ++row) {
-                const double leftOut = residuals[row] / freedom.data()[row];
-                squares[output] += residuals[row] * residuals[row];
-                leftOutSquares[output] += leftOut * leftOut;
-            }
-        }
-        keepSample(start, rows);
-    }
-
-    /** Each worker writes other elements than the others. */
-    void keepSample(std::size_t start, std::size_t rows)
-    {
-        const std::vector<std::size_t>& sample = fit.sample;
-        const bool isWhole = sample.empty();
-        const auto position = [&](std::size_t row) {
-            return static_cast<std::size_t>(std::lower_bound(sample.begin(), sample.end(), row) -
-                                            sample.begin());
-        };
-        const std::size_t last = isWhole ? start + rows : position(start + rows);
-        for (std::size_t k = isWhole ? start : position(start); k < last; ++k) {
-            const std::size_t row = fit.sampledRow(k);
-            // Rounding takes the leverage of a case that stands alone beyond 1.
-            fit.leverageOfSample[k] = std::clamp(1.0 - freedom.data()[row - start], 0.0, 1.0);
-            for (std::size_t output = 0; output < squares.size(); ++output) {
-                fit.fits[output].values[k] = columns.dependents[output][row];
-                fit.fits[output].residuals[k] =
-                    scaledOutputs.data()[output * rowsPerBlock + row - start];
-            }
-        }
-    }
-
-    void subtract(std::size_t rows)
-    {
-        const auto m = static_cast<int>(rows);
-        const auto terms = static_cast<int>(fit.keptTerms.size());
-        const auto ld = static_cast<int>(rowsPerBlock);
-        fillDesign(fit.keptTerms, rows);
-        if (!squares.empty()) {
-            cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m,
-                        static_cast<int>(squares.size()), terms, -1.0, design.data(), ld,
-                        columns.scaledCoefficients.data(), terms, 1.0, scaledOutputs.data(), ld);
-        }
-        measureFreedom(m, terms, ld);
-    }
-
-    /** 1 minus the leverage of each case, which is the squared length of its row of the orthonormal
-     *  factor: leaving the case out divides its residual by it. */
-    void measureFreedom(int rows, int terms, int ld)
-    {
-        cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, rows, terms,
-                    1.0, fit.factor.data(), terms, design.data(), ld);
-        std::fill_n(freedom.data(), rows, 1.0);
-        for (int term = 0; term < terms; ++term) {
-            const double* column = design.data() + static_cast<std::size_t>(term) * rowsPerBlock;
-            for (int row = 0; row < rows; ++row) {
-                freedom.data()[row] -= column[row] * column[row];
-            }
-        }
-    }
-
-    /** The same, and what the residuals say about the coefficients. */
-    void subtractByKernels(std::size_t rows)
-    {
-        const std::size_t filled = fillForKernels(rows);
-        const NormalEquations& equations = *columns.equations;
-        for (std::size_t output = 0; output < squares.size(); ++output) {
-            double* values = scaledOutputs.data() + output * rowsPerBlock;
-            totalSquares[output] += squaresAbout(equations.mean(output), values, rows);
-            equations.subtract(columns.scaledCoefficients.data() + output * fit.polynomial.size(),
-                               terms(), filled, values);
-        }
-        std::fill_n(freedom.data(), filled, 1.0);
-        equations.subtractLeverages(terms(), filled, freedom.data());
-        gradients->addOutputs(outputColumns, terms(), filled);
-    }
-
-    AlignedBuffer freedom;
-    double leastFreedom = 1.0;
-    std::vector<double> squares;
-    std::vector<double> leftOutSquares;
-    std::vector<double> totalSquares; // by kernels only
-    std::unique_ptr<NormalEquations::Sums> gradients;
-};
 
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                              const std::vector<double*>& dependents, std::size_t cases,
@@ -385,134 +137,133 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     for (const double* column : independents) {
         scales.emplace_back(column, cases);
     }
+    std::vector<ColumnScale> outputScales;
     for (const double* column : dependents) {
         fits.emplace_back();
         fits.back().scale = ColumnScale(column, cases);
+        fits.back().totalSquares = squaresAboutMean(column, cases, fits.back().scale);
+        outputScales.push_back(fits.back().scale);
     }
-    Columns columns{independents, dependents, {}, nullptr};
+    chooseSample(dependents);
+
+    const FitColumns columns{polynomial, independents, dependents, cases, scales, outputScales};
     const SingleThreadedBlas singleThreaded;
-    chooseSample();
-    const auto residuals = [&] { return std::make_unique<Residuals>(*this, columns); };
-    if (wanted.empty() && solveNormalEquations(columns)) {
-        walk(residuals, 0.4, 0.7);
-        refine(columns);
-    } else {
-        factorise(columns);
-        walk(residuals, 0.7, 1.0);
+    double progress = 0.0;
+    if (!solveNormalEquations(columns, progress)) {
+        solveByRotations(columns, progress);
     }
-    storeCoefficients(columns);
 }
 
-bool PolynomialFit::solveNormalEquations(Columns& columns)
+bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& progress)
 {
-    // Fewer take no time whichever way.
+    // Fewer take no time whichever way, and rotations keep all digits.
     constexpr std::size_t fewestCases = 4096;
-    // More terms have more sums than a second-level cache holds.
-    constexpr std::size_t mostTerms = 325;
+    // A residual that changes by less, relatively, shows the same digits.
+    constexpr double negligible = 1e-10;
 
-    const bool isConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& scale) {
-        return scale.isConstantUpToRounding();
+    const bool hasConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& s) {
+        return s.isConstantUpToRounding();
     });
-    if (caseCount < fewestCases || polynomial.size() > mostTerms || isConstant) {
+    if (!wanted.empty() || caseCount < fewestCases || hasConstant) {
         return false;
     }
-    columns.equations =
-        std::make_unique<NormalEquations>(polynomial, caseCount, columns.dependents.size());
-    walk([&] { return std::make_unique<ProductSums>(*this, columns); }, 0.0, 0.4);
-    columns.told = 0.4;
-    if (!columns.equations->solve(factor, columns.scaledCoefficients)) {
-        columns.equations.reset();
+    std::vector<std::size_t> terms(polynomial.size());
+    std::iota(terms.begin(), terms.end(), std::size_t(0));
+    progress = 0.4;
+    NormalEquations::Solution solution;
+    if (!accumulate<NormalEquations>(columns, terms, 0.0, progress).solve(solution)) {
         return false;
     }
-    keptFlags.assign(polynomial.size(), 1);
-    for (std::size_t term = 0; term < polynomial.size(); ++term) {
-        keptTerms.push_back(term);
+    keep(std::move(terms), solution.factor);
+    const FitResiduals residuals = computeResiduals(columns, solution.coefficients, progress, 0.7);
+
+    double smallest = std::numeric_limits<double>::infinity();
+    for (const FitResiduals::Output& output : residuals.outputs) {
+        smallest = std::min(smallest, output.squares);
     }
+    const double change = NormalEquations::refine(solution, residuals.gradients);
+    const bool isRefined = change > negligible * negligible * smallest;
+    store(solution.coefficients,
+          isRefined ? computeResiduals(columns, solution.coefficients, 0.7, 1.0) : residuals);
     return true;
 }
 
-/** What the sum of the residuals times the terms says that the coefficients lack. */
-void PolynomialFit::refine(Columns& columns)
-{
-    // A residual that changes by less shows the same digits.
-    constexpr double negligible = 1e-10;
-
-    const double change = columns.equations->correct(columns.scaledCoefficients);
-    double smallest = std::numeric_limits<double>::infinity();
-    for (const Output& output : fits) {
-        smallest = std::min(smallest, output.residualSquares);
-    }
-    if (!(change > negligible * negligible * smallest)) {
-        return;
-    }
-    for (Output& output : fits) {
-        output.totalSquares = 0.0;
-        output.residualSquares = 0.0;
-        output.press = 0.0;
-    }
-    pressAvailable = true;
-    walk([&] { return std::make_unique<Residuals>(*this, columns); }, 0.7, 1.0);
-}
-
-void PolynomialFit::factorise(Columns& columns)
+void PolynomialFit::solveByRotations(const FitColumns& columns, double progress)
 {
     const std::vector<std::size_t> order = preferenceOrder(polynomial, wanted);
-    BlockedLeastSquares total(order.size(), columns.dependents.size());
-    const auto factorisation = [&] {
-        return std::make_unique<Factorisation>(*this, columns, order, total);
-    };
-    walk(factorisation, columns.told, 0.7);
+    BlockedLeastSquares::Solution solution =
+        accumulate<BlockedLeastSquares>(columns, order, progress, 0.7)
+            .solve(describe(polynomial, order, scales));
 
-    const BlockedLeastSquares::Solution solution = total.solve(describe(polynomial, order, scales));
-    keptFlags.assign(polynomial.size(), 0);
+    std::vector<std::size_t> terms;
     for (const std::size_t column : solution.kept) {
-        keptTerms.push_back(order[column]);
-        keptFlags[order[column]] = 1;
+        terms.push_back(order[column]);
     }
+    keep(std::move(terms), std::move(solution.factor));
     for (const BlockedLeastSquares::Dependence& one : solution.dependences) {
         dependentTerms.push_back({order[one.column], std::vector<double>(polynomial.size(), 0.0)});
         for (std::size_t k = 0; k < one.combination.size(); ++k) {
             dependentTerms.back().combination[keptTerms[k]] = one.combination[k];
         }
     }
-    factor = solution.factor;
-    columns.scaledCoefficients = solution.coefficients;
-    for (std::size_t output = 0; output < fits.size(); ++output) {
-        fits[output].totalSquares = solution.totalSquares[output];
+    store(solution.coefficients, computeResiduals(columns, solution.coefficients, 0.7, 1.0));
+}
+
+void PolynomialFit::keep(std::vector<std::size_t> terms, std::vector<double> newFactor)
+{
+    keptTerms = std::move(terms);
+    factor = std::move(newFactor);
+    // By columns, R (R^-1)_j = e_j: with this inverse, products are as accurate as substitution
+    // (Higham: Accuracy and Stability of Numerical Algorithms, 2nd ed., SIAM 2002, 14.2), and BLAS
+    // multiplies a block three times as fast as it substitutes.
+    const auto order = static_cast<int>(keptTerms.size());
+    inverseFactor.assign(factor.size(), 0.0);
+    for (std::size_t k = 0; k < keptTerms.size(); ++k) {
+        inverseFactor[k * keptTerms.size() + k] = 1.0;
+    }
+    cblas_dtrsm(CblasColMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, order, order, 1.0,
+                factor.data(), order, inverseFactor.data(), order);
+    keptFlags.assign(polynomial.size(), 0);
+    for (const std::size_t term : keptTerms) {
+        keptFlags[term] = 1;
     }
 }
 
-void PolynomialFit::walk(const std::function<std::unique_ptr<Pass>()>& makePass, double from,
-                         double to) const
+FitResiduals PolynomialFit::computeResiduals(const FitColumns& columns,
+                                             const std::vector<double>& scaledCoefficients,
+                                             double progressFrom, double progressTo) const
 {
-    const std::size_t chunks = (caseCount + rowsPerChunk - 1) / rowsPerChunk;
-    // With more terms, a factor for each thread takes too much memory: 32 MB here.
-    constexpr std::size_t mostTermsPerThread = 2000;
-    const int threads = polynomial.size() < mostTermsPerThread ? threadCount() : 1;
-    double told = from;
-    const auto tell = [&] { FitProgress::report(told, "Fitting the response surface"); };
-    const auto tellOfRow = [&](std::size_t row) {
-        told = from + (to - from) * (static_cast<double>(row) / static_cast<double>(caseCount));
-        tell();
+    const FactoredFit fit{keptTerms, inverseFactor, scaledCoefficients};
+    FitResiduals residuals;
+    const auto makePass = [&] {
+        return std::make_unique<ResidualPass>(columns, fit, sample, residuals);
     };
-    // Other threads may take all chunks, and leave this one nothing to report before.
-    tell();
-    bool isFirst = true; // the one on the calling thread
-    const auto makeWorker = [&]() -> std::unique_ptr<OrderedChunks::Worker> {
-        std::unique_ptr<Pass> pass = makePass();
-        if (isFirst) {
-            pass->reportTo(tellOfRow);
-        }
-        isFirst = false;
-        return pass;
-    };
-    OrderedChunks::run(chunks, threads, makeWorker, nullptr, tell);
+    DesignPass::run(columns, makePass, progressFrom, progressTo);
+    return residuals;
 }
 
-void PolynomialFit::chooseSample()
+void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResiduals residuals)
 {
-    // One at random of each of as many stretches: what repeats itself from case to case cannot
-    // hide.
+    const std::size_t kept = keptTerms.size();
+    for (std::size_t output = 0; output < fits.size(); ++output) {
+        Output& result = fits[output];
+        result.coefficients.assign(polynomial.size(), 0.0);
+        for (std::size_t k = 0; k < kept; ++k) {
+            result.coefficients[keptTerms[k]] =
+                scaledCoefficients[output * kept + k] * result.scale.unit();
+        }
+        result.residualSquares = residuals.outputs[output].squares;
+        result.press = residuals.outputs[output].press;
+        result.residuals = std::move(residuals.outputs[output].ofSampled);
+    }
+    leverageOfSample = std::move(residuals.leveragesOfSampled);
+    pressAvailable = !isDeterminedAlone(residuals.largestLeverage);
+}
+
+void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
+{
+    // One at random of each of as many stretches: a pattern that repeats from case to case cannot
+    // hide between them.
     std::mt19937_64 generator(caseCount);
     const auto startOf = [&](std::size_t stretch) {
         return stretch * (caseCount / mostSampled) +
@@ -521,42 +272,25 @@ void PolynomialFit::chooseSample()
     for (std::size_t k = 0; k < mostSampled && caseCount > mostSampled; ++k) {
         sample.push_back(startOf(k) + generator() % (startOf(k + 1) - startOf(k)));
     }
-    leverageOfSample.resize(std::min(caseCount, mostSampled));
-    for (Output& output : fits) {
-        output.values.resize(leverageOfSample.size());
-        output.residuals.resize(leverageOfSample.size());
+    for (std::size_t output = 0; output < fits.size(); ++output) {
+        for (std::size_t k = 0; k < std::min(caseCount, mostSampled); ++k) {
+            fits[output].values.push_back(dependents[output][sampledRow(k)]);
+        }
     }
 }
 
 bool PolynomialFit::isDeterminedAlone(double leverage)
 {
-    constexpr double enoughFreedom = 1e-9;
-    return 1.0 - leverage <= enoughFreedom;
-}
-
-void PolynomialFit::storeCoefficients(const Columns& columns)
-{
-    const std::size_t kept = keptTerms.size();
-    for (std::size_t output = 0; output < fits.size(); ++output) {
-        Output& result = fits[output];
-        result.coefficients.assign(polynomial.size(), 0.0);
-        for (std::size_t k = 0; k < kept; ++k) {
-            result.coefficients[keptTerms[k]] =
-                columns.scaledCoefficients[output * kept + k] * result.scale.unit();
-        }
-    }
+    constexpr double leastOneMinusLeverage = 1e-9;
+    return 1.0 - leverage <= leastOneMinusLeverage;
 }
 
 std::vector<double> PolynomialFit::coefficientDirection(std::size_t k) const
 {
     const std::size_t kept = keptTerms.size();
-    std::vector<double> column(k + 1, 0.0);
-    column[k] = 1.0;
-    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, static_cast<int>(k + 1),
-                factor.data(), static_cast<int>(kept), column.data(), 1);
     std::vector<double> direction(polynomial.size(), 0.0);
     for (std::size_t i = 0; i <= k; ++i) {
-        direction[keptTerms[i]] = column[i];
+        direction[keptTerms[i]] = inverseFactor[k * kept + i];
     }
     return direction;
 }
@@ -587,8 +321,8 @@ void PolynomialFit::variances(const std::vector<double*>& inputs, std::size_t co
             polynomial.evaluateTerm(keptTerms[column], inputColumns.data(), rows,
                                     design.data() + column * rowsPerBlock);
         }
-        cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit,
-                    static_cast<int>(rows), terms, 1.0, factor.data(), terms, design.data(),
+        cblas_dtrmm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit,
+                    static_cast<int>(rows), terms, 1.0, inverseFactor.data(), terms, design.data(),
                     static_cast<int>(rowsPerBlock));
         for (std::size_t column = 0; column < keptTerms.size(); ++column) {
             const double* values = design.data() + column * rowsPerBlock;

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <mirel_fitting/cases/ColumnScale.h>
-#include <mirel_fitting/machine/OrderedChunks.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
-#include <functional>
-#include <memory>
 #include <vector>
+
+struct FitColumns;
+struct FitResiduals;
 
 /**
  * A polynomial fitted by least squares to several outputs at once, in three passes over the
@@ -125,18 +125,14 @@ public:
     std::vector<double> coefficientDirection(std::size_t k) const;
 
 private:
-    struct Columns;
-    class Pass;
-    class ProductSums;
-    class Factorisation;
-    class Residuals;
-
-    bool solveNormalEquations(Columns& columns);
-    void refine(Columns& columns);
-    void factorise(Columns& columns);
-    void walk(const std::function<std::unique_ptr<Pass>()>& makePass, double from, double to) const;
-    void chooseSample();
-    void storeCoefficients(const Columns& columns);
+    bool solveNormalEquations(const FitColumns& columns, double& progress);
+    void solveByRotations(const FitColumns& columns, double progress);
+    void keep(std::vector<std::size_t> terms, std::vector<double> newFactor);
+    FitResiduals computeResiduals(const FitColumns& columns,
+                                  const std::vector<double>& scaledCoefficients,
+                                  double progressFrom, double progressTo) const;
+    void store(const std::vector<double>& scaledCoefficients, FitResiduals residuals);
+    void chooseSample(const std::vector<double*>& dependents);
 
     QuadraticBasis polynomial;
     std::size_t caseCount;
@@ -145,7 +141,8 @@ private:
     std::vector<char> wanted;           // empty: all terms
     std::vector<std::size_t> keptTerms; // in the order of the factor
     std::vector<char> keptFlags;        // per term of the basis
-    std::vector<double> factor;
+    std::vector<double> factor;         // R, upper triangular
+    std::vector<double> inverseFactor;  // R^-1
     std::vector<Dependence> dependentTerms;
     bool pressAvailable = true;
     std::vector<std::size_t> sample; // empty: all cases

@@ -43,6 +43,28 @@ TEST(PolynomialFit, SumsSquaresInTheUnitsOfTheOutput)
     EXPECT_NEAR(output.press * unit * unit, 14.0 * 2.25, 1e-13);
 }
 
+TEST(PolynomialFit, SumsSquaresAboutAMeanFarFromTheMiddle)
+{
+    // One value stands far off: almost all scaled outputs are -1.
+    for (const std::size_t count : {1000, 5000}) {
+        Cases cases{{Random(3).column(count, 0.0, 1.0)}, {Random(4).column(count, 5.0, 6.0)}};
+        cases.outputs[0][77] = 1e7;
+        double mean = 0.0;
+        for (const double value : cases.outputs[0]) {
+            mean += value / static_cast<double>(count);
+        }
+        double squares = 0.0;
+        for (const double value : cases.outputs[0]) {
+            squares += (value - mean) * (value - mean);
+        }
+
+        const PolynomialFit result = fit(cases);
+        const double unit = result.outputs()[0].scale.unit();
+
+        EXPECT_NEAR(result.outputs()[0].totalSquares * unit * unit, squares, 1e-12 * squares);
+    }
+}
+
 TEST(PolynomialFit, CountsWhatIsLeftToTellTheErrorBy)
 {
     Cases cases = twoInputs(30, 1.0);

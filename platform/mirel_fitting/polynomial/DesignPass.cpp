@@ -1,0 +1,85 @@
+#include <mirel_fitting/polynomial/DesignPass.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/ThreadCount.h>
+
+#include <algorithm>
+
+namespace {
+
+/** What a thread takes at a time. Fixed, so that the results do not depend on the number of
+ *  threads; enough rows for the cost of merging two chunks not to count. */
+constexpr std::size_t rowsPerChunk = 32 * DesignPass::rowsPerBlock;
+
+/** With more terms, a triangular factor per thread takes too much memory: 32 MB here. */
+constexpr std::size_t mostTermsPerThread = 2000;
+
+} // namespace
+
+void DesignPass::run(const FitColumns& columns,
+                     const std::function<std::unique_ptr<DesignPass>()>& makePass, double from,
+                     double to)
+{
+    double reached = from;
+    const auto report = [&] { FitProgress::report(reached, "Fitting the response surface"); };
+    const auto reportRow = [&](std::size_t row) {
+        reached =
+            from + (to - from) * (static_cast<double>(row) / static_cast<double>(columns.cases));
+        report();
+    };
+    // Other threads may take all chunks, and leave the calling one nothing to report.
+    report();
+    bool isCallingThread = true; // the first worker is its
+    const auto makeWorker = [&]() -> std::unique_ptr<OrderedChunks::Worker> {
+        std::unique_ptr<DesignPass> pass = makePass();
+        if (isCallingThread) {
+            pass->reportRow = reportRow;
+        }
+        isCallingThread = false;
+        return pass;
+    };
+    const std::size_t chunks = (columns.cases + rowsPerChunk - 1) / rowsPerChunk;
+    const int threads = columns.basis.size() < mostTermsPerThread ? threadCount() : 1;
+    OrderedChunks::run(chunks, threads, makeWorker, nullptr, report);
+}
+
+DesignPass::DesignPass(const FitColumns& columns, const std::vector<std::size_t>& terms)
+    : columns(columns), terms(terms), design(terms.size() * rowsPerBlock),
+      outputs(columns.outputs.size() * rowsPerBlock),
+      scaledInputs(columns.inputs.size() * rowsPerBlock)
+{
+    for (std::size_t input = 0; input < columns.inputs.size(); ++input) {
+        scaledInputColumns.push_back(scaledInputs.data() + input * rowsPerBlock);
+    }
+}
+
+void DesignPass::compute(std::size_t chunk)
+{
+    begin();
+    const std::size_t first = chunk * rowsPerChunk;
+    const std::size_t last = std::min(first + rowsPerChunk, columns.cases);
+    for (std::size_t start = first; start < last; start += rowsPerBlock) {
+        if (reportRow) {
+            reportRow(start);
+        }
+        const std::size_t rows = std::min(rowsPerBlock, last - start);
+        evaluate(start, rows);
+        addBlock(start, rows);
+    }
+}
+
+void DesignPass::evaluate(std::size_t firstRow, std::size_t rows)
+{
+    for (std::size_t input = 0; input < columns.inputs.size(); ++input) {
+        columns.inputScales[input].apply(columns.inputs[input] + firstRow, rows,
+                                         scaledInputs.data() + input * rowsPerBlock);
+    }
+    for (std::size_t output = 0; output < columns.outputs.size(); ++output) {
+        columns.outputScales[output].apply(columns.outputs[output] + firstRow, rows,
+                                           outputs.data() + output * rowsPerBlock);
+    }
+    for (std::size_t column = 0; column < terms.size(); ++column) {
+        columns.basis.evaluateTerm(terms[column], scaledInputColumns.data(), rows,
+                                   design.data() + column * rowsPerBlock);
+    }
+}
