@@ -15,7 +15,8 @@ enum class InstructionSet
 
 /**
  * Limits the instruction sets that predictions may use, for the whole process. Avx512, the default,
- * means no limit. Fits use BLAS, which chooses for itself: their last digits depend on the processor.
+ * means no limit. Fits use BLAS, which chooses for itself: their last digits depend on the
+ * processor.
  */
 MIREL_FITTING_EXPORT void setInstructionSetLimit(InstructionSet limit);
 

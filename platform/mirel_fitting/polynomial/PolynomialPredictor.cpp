@@ -1,8 +1,6 @@
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
 
-#include <mirel_fitting/grid/GridPoints.h>
 #include <mirel_fitting/machine/SimdLanes.h>
-#include <mirel_fitting/polynomial/PolynomialGrid.h>
 
 #include <algorithm>
 #include <utility>
@@ -11,9 +9,6 @@ namespace {
 
 /** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
 constexpr std::size_t pointsPerBlock = 256;
-
-/** Fewer points are evaluated before a grid among them has been looked for. */
-constexpr std::size_t fewestOfGrid = 1024;
 
 /** @param notFinite becomes NaN where the column is not finite. */
 SURROGATE_SIMD void scale(const double* column, const PolynomialPredictor::Scale& scale,
@@ -65,51 +60,12 @@ void PolynomialPredictor::predict(const std::vector<double*>& inputs,
                                   const std::vector<std::size_t>& wanted,
                                   const std::vector<double*>& results, std::size_t count) const
 {
-    if (count < fewestOfGrid) {
-        predictScattered(inputs, 0, count, wanted, results);
-        return;
-    }
-    const GridPoints points(inputs, count);
-    for (const ProductGrid& grid : points.grids()) {
-        if (PolynomialGrid::isWorthwhile(grid, inputs.size())) {
-            predictGrid(points.columns(), grid, wanted, results);
-        } else {
-            predictScattered(points.columns(), grid.firstRow(), grid.rowCount(), wanted, results);
-        }
-    }
-    for (double* result : results) {
-        points.markFilled(result);
-    }
-}
-
-void PolynomialPredictor::predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
-                                      const std::vector<std::size_t>& wanted,
-                                      const std::vector<double*>& results) const
-{
-    // What is held of each input stays at one megabyte for the points of a run, and as much for
-    // the runs.
-    constexpr std::size_t mostValues = std::size_t{1} << 17;
-
-    for (const ProductGrid& part : PolynomialGrid::cut(grid, mostValues)) {
-        const PolynomialGrid polynomials(*this, columns, part);
-        for (std::size_t w = 0; w < wanted.size(); ++w) {
-            polynomials.predict(fits[wanted[w]], results[w] + part.firstRow());
-        }
-    }
-}
-
-void PolynomialPredictor::predictScattered(const std::vector<double*>& inputs, std::size_t first,
-                                           std::size_t count,
-                                           const std::vector<std::size_t>& wanted,
-                                           const std::vector<double*>& results) const
-{
     // A last block that is not full is evaluated like a full one, at points that nobody sees.
     std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
     double notFinite[pointsPerBlock];
     double values[pointsPerBlock];
-    const std::size_t last = first + count;
-    for (std::size_t start = first; start < last; start += pointsPerBlock) {
-        const std::size_t points = std::min(pointsPerBlock, last - start);
+    for (std::size_t start = 0; start < count; start += pointsPerBlock) {
+        const std::size_t points = std::min(pointsPerBlock, count - start);
         std::fill_n(notFinite, pointsPerBlock, 0.0);
         for (std::size_t input = 0; input < inputs.size(); ++input) {
             scale(inputs[input] + start, scales[input], points,

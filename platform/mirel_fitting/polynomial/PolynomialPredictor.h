@@ -5,8 +5,6 @@
 #include <cstddef>
 #include <vector>
 
-class ProductGrid;
-
 /** Evaluates fitted polynomials of the same terms: y(x) = constant + sum of b_t t(z). */
 class PolynomialPredictor
 {
@@ -35,8 +33,9 @@ public:
     const std::vector<Output>& outputs() const { return fits; }
 
     /**
-     * Grids among the points are recognised and evaluated as such (PolynomialGrid). A point with a
-     * coordinate that is not finite gets NaN.
+     * A value depends on nothing but its point, to the last bit, and is within 4 epsilon of the sum
+     * of the magnitudes of the terms. A point with a coordinate that is not finite gets NaN, also
+     * where that input has no influence.
      * @param inputs  one array of `count` values per input, borrowed for the call.
      * @param wanted  positions in outputs().
      * @param results one array of `count` values for each of them.
@@ -45,13 +44,6 @@ public:
                  const std::vector<double*>& results, std::size_t count) const;
 
 private:
-    void predictGrid(const std::vector<double*>& columns, const ProductGrid& grid,
-                     const std::vector<std::size_t>& wanted,
-                     const std::vector<double*>& results) const;
-    void predictScattered(const std::vector<double*>& inputs, std::size_t first, std::size_t count,
-                          const std::vector<std::size_t>& wanted,
-                          const std::vector<double*>& results) const;
-
     QuadraticBasis polynomial;
     std::vector<Scale> scales;
     std::vector<Output> fits;
