@@ -11,11 +11,9 @@
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
 #include <mirel_datamanagement/Project.h>
-#include <mirel_fitting/LeaveOneOutInterface.h>
-#include <mirel_fitting/PredictionIntervalInterface.h>
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
-#include <mirel_fitting/StandardErrorInterface.h>
+#include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
@@ -299,23 +297,20 @@ void requireTwoValues(std::size_t values, const VarPtr& input)
 void addBand(CaseSession& session, const Cut& cut, std::size_t output,
              const std::vector<std::size_t>& order, SweepPicture& picture)
 {
-    const auto* const model = dynamic_cast<const StandardErrorInterface*>(&session.fit());
-    const auto* const intervals = dynamic_cast<const PredictionIntervalInterface*>(&session.fit());
-    if (model == nullptr || intervals == nullptr) {
+    const auto* const model = dynamic_cast<const FittedModel*>(&session.fit());
+    if (model == nullptr) {
         return;
     }
     const int offset = offsetOf(session, output);
-    std::vector<double> errors(cut.count());
-    std::vector<double*> columns = {errors.data()};
-    model->standardErrors(cut.points(), {offset}, StandardErrorInterface::Kind::Mean, columns,
-                          errors.size());
-    errors = chosen(errors, order);
+    const std::vector<double> errors = chosen(
+        model->standardErrors(cut.points(), offset, FittedModel::ErrorKind::Mean, cut.count()),
+        order);
     if (!std::all_of(errors.begin(), errors.end(),
                      [](double error) { return std::isfinite(error); })) {
         // As many cases as coefficients leave nothing to estimate an error from.
         return;
     }
-    const double quantile = intervals->intervalQuantile(offset, bandLevel);
+    const double quantile = model->intervalQuantile(offset, bandLevel);
     for (std::size_t i = 0; i < errors.size(); ++i) {
         picture.lower.push_back(picture.model[i] - quantile * errors[i]);
         picture.upper.push_back(picture.model[i] + quantile * errors[i]);
@@ -412,7 +407,7 @@ struct LeftOut
         : outputName(nameOf(session.outputs()[output])),
           title(outputName + ", " + modelName(session) + ", leave-one-out")
     {
-        const auto& model = dynamic_cast<const LeaveOneOutInterface&>(session.fit());
+        const auto& model = dynamic_cast<const FittedModel&>(session.fit());
         const std::vector<LeaveOneOutPrediction> all =
             model.leaveOneOutPredictions(offsetOf(session, output));
         for (const LeaveOneOutPrediction& each : all) {
@@ -499,7 +494,7 @@ std::string termName(const std::string& term, const std::vector<std::string>& in
 
 std::vector<PictureData> coefficients(CaseSession& session)
 {
-    const auto& model = dynamic_cast<const ResponseSurfaceStatisticsInterface&>(session.fit());
+    const auto& model = dynamic_cast<const SurrogateResponseSurfaceModel&>(session.fit());
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::vector<PictureData> pictures;
     for (std::size_t output = 0; output < session.outputs().size(); ++output) {

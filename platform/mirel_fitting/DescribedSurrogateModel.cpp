@@ -295,11 +295,13 @@ std::vector<std::string> DescribedSurrogateModel::fitWarnings(int offset) const
     return impl->predictor(offset).output.warnings;
 }
 
-void DescribedSurrogateModel::extrapolations(const std::vector<double*>& inputs, double* distances,
-                                             std::size_t count) const
+std::vector<double> DescribedSurrogateModel::extrapolations(const std::vector<double*>& inputs,
+                                                            std::size_t count) const
 {
     impl->requirePoints(inputs, count);
-    impl->ranges.distances(inputs, count, distances);
+    std::vector<double> distances(count);
+    impl->ranges.distances(inputs, count, distances.data());
+    return distances;
 }
 
 std::string DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs,

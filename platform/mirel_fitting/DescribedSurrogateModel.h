@@ -1,9 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/ExtrapolationInterface.h>
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/PredictorDescriptionInterface.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/PredictiveModel.h>
 
 #include <memory>
 #include <string>
@@ -14,10 +11,7 @@
  * models predict, to the last bit. What takes the cases themselves (standard errors, equations,
  * quality texts) it does not offer.
  */
-class MIREL_FITTING_EXPORT DescribedSurrogateModel : public virtual SurrogateModelInterface,
-                                                     public virtual FitMetricsInterface,
-                                                     public virtual ExtrapolationInterface,
-                                                     public virtual PredictorDescriptionInterface
+class MIREL_FITTING_EXPORT DescribedSurrogateModel : public PredictiveModel
 {
 public:
     struct Output
@@ -48,8 +42,8 @@ public:
 
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
-    void extrapolations(const std::vector<double*>& inputs, double* distances,
-                        std::size_t count) const override;
+    std::vector<double> extrapolations(const std::vector<double*>& inputs,
+                                       std::size_t count) const override;
     std::string extrapolationWarning(const std::vector<double*>& inputs,
                                      std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;

@@ -32,46 +32,36 @@ void requirePositive(double value, const std::string& name)
     }
 }
 
-KrigingOptions checkedOptions(double tolerance, const std::vector<double>& correlationLengths,
-                              int trendOrder, double initialCorrelationLength, double nugget,
-                              int nuggetMode, std::size_t inputs)
+void check(const KrigingOptions& options, std::size_t inputs)
 {
-    requirePositive(tolerance, "The tolerance");
-    requirePositive(initialCorrelationLength, "The initial correlation length");
-    if (!correlationLengths.empty() && correlationLengths.size() != inputs) {
+    const std::vector<double>& lengths = options.correlationLengths;
+    requirePositive(options.tolerance, "The tolerance");
+    requirePositive(options.initialCorrelationLength, "The initial correlation length");
+    if (!lengths.empty() && lengths.size() != inputs) {
         throw Error("There have to be as many correlation lengths as inputs, " +
-                    std::to_string(inputs) + ", or none, not " +
-                    std::to_string(correlationLengths.size()) + ".");
+                    std::to_string(inputs) + ", or none, not " + std::to_string(lengths.size()) +
+                    ".");
     }
-    for (std::size_t k = 0; k < correlationLengths.size(); ++k) {
+    for (std::size_t k = 0; k < lengths.size(); ++k) {
         // Infinity is a length too: an input without influence.
-        if (!(correlationLengths[k] > 0.0)) {
+        if (!(lengths[k] > 0.0)) {
             throw Error("The correlation length of V" + std::to_string(k + 1) +
-                        " has to be positive, not " + KrigingTexts::figure(correlationLengths[k]) +
-                        ".");
+                        " has to be positive, not " + KrigingTexts::figure(lengths[k]) + ".");
         }
     }
-    if (trendOrder < 0 || trendOrder > 2) {
+    if (options.trendOrder < 0 || options.trendOrder > 2) {
         throw Error("The order of the trend has to be 0, 1 or 2, not " +
-                    std::to_string(trendOrder) + ".");
+                    std::to_string(options.trendOrder) + ".");
     }
-    if (!(nugget >= 0.0) || !std::isfinite(nugget)) {
+    if (!(options.nugget >= 0.0) || !std::isfinite(options.nugget)) {
         throw Error("The nugget has to be a number that is not negative, not " +
-                    KrigingTexts::figure(nugget) + ".");
+                    KrigingTexts::figure(options.nugget) + ".");
     }
+    const int nuggetMode = static_cast<int>(options.nuggetMode);
     if (nuggetMode != 0 && nuggetMode != 1) {
         throw Error("The nugget mode has to be 0 (estimated) or 1 (fixed), not " +
                     std::to_string(nuggetMode) + ".");
     }
-
-    KrigingOptions options;
-    options.tolerance = tolerance;
-    options.correlationLengths = correlationLengths;
-    options.trendOrder = trendOrder;
-    options.initialCorrelationLength = initialCorrelationLength;
-    options.nugget = nugget;
-    options.isNuggetFixed = nuggetMode == 1;
-    return options;
 }
 
 bool isCorrelated(const KrigingReport& report)
@@ -86,9 +76,10 @@ class KrigingSurrogateModel::Impl
 {
 public:
     Impl(const std::vector<double*>& independentColumns,
-         const std::vector<double*>& dependentColumns, std::size_t rowCount)
+         const std::vector<double*>& dependentColumns, std::size_t rowCount,
+         const KrigingOptions& options)
         : columns(independentColumns, dependentColumns, rowCount),
-          ranges(independentColumns, rowCount)
+          ranges(independentColumns, rowCount), options{options, {}}
     {
         KrigingCases::requireRanges(independentColumns, rowCount);
         for (const double* column : independentColumns) {
@@ -140,9 +131,18 @@ public:
     std::vector<std::vector<double>> inputs; // until the cases are prepared
     std::unique_ptr<const KrigingCases> cases;
     std::vector<std::vector<double>> outputs;
-    KrigingOptions options;
+    KrigingFitOptions options;
     std::map<int, KrigingFit> fits;
 };
+
+KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& independentColumns,
+                                             const std::vector<double*>& dependentColumns,
+                                             int rowCount, const KrigingOptions& options)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, checkedCount(rowCount),
+                                  options))
+{
+    check(options, independentColumns.size());
+}
 
 KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                                              const std::vector<double*>& dependentColumns,
@@ -150,12 +150,10 @@ KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& indepen
                                              const std::vector<double>& correlationLengths,
                                              int trendOrder, double initialCorrelationLength,
                                              double nugget, int nuggetMode)
-    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, checkedCount(rowCount)))
-{
-    impl->options =
-        checkedOptions(tolerance, correlationLengths, trendOrder, initialCorrelationLength, nugget,
-                       nuggetMode, independentColumns.size());
-}
+    : KrigingSurrogateModel(independentColumns, dependentColumns, rowCount,
+                            {tolerance, correlationLengths, trendOrder, initialCorrelationLength,
+                             nugget, static_cast<KrigingOptions::NuggetMode>(nuggetMode)})
+{}
 
 KrigingSurrogateModel::~KrigingSurrogateModel() = default;
 
@@ -226,44 +224,22 @@ KrigingReport KrigingSurrogateModel::krigingReport(int offset) const
     return impl->fit(offset).report;
 }
 
-void KrigingSurrogateModel::standardErrors(const std::vector<double*>& inputs,
-                                           const std::set<int>& offsets, Kind kind,
-                                           std::vector<double*>& errors, std::size_t count) const
+std::vector<double> KrigingSurrogateModel::standardErrors(const std::vector<double*>& inputs,
+                                                          int offset, ErrorKind kind,
+                                                          std::size_t count) const
 {
-    impl->columns.requireEvaluation(inputs, offsets, errors, count);
-    std::size_t k = 0;
-    for (const int offset : offsets) {
-        const KrigingFit& fit = impl->fit(offset);
-        if (count > 0) {
-            fit.predictor.standardErrors(inputs, count, kind == Kind::Observation, errors[k]);
-        }
-        ++k;
+    impl->requirePoints(inputs, count);
+    const KrigingFit& fit = impl->fit(offset);
+    std::vector<double> errors(count);
+    if (count > 0) {
+        fit.predictor.standardErrors(inputs, count, kind == ErrorKind::Observation, errors.data());
     }
-}
-
-void KrigingSurrogateModel::predictionIntervals(const std::vector<double*>& inputs,
-                                                const std::set<int>& offsets, double level,
-                                                std::vector<double*>& lower,
-                                                std::vector<double*>& upper,
-                                                std::size_t count) const
-{
-    Distributions::requireLevel(level);
-    impl->columns.requireEvaluation(inputs, offsets, upper, count);
-    interpolateDependentValues(inputs, offsets, lower, count);
-    standardErrors(inputs, offsets, Kind::Observation, upper, count);
-    const double quantile = Distributions::normalQuantile(level);
-    for (std::size_t output = 0; output < offsets.size(); ++output) {
-        for (std::size_t k = 0; k < count; ++k) {
-            const double prediction = lower[output][k];
-            const double reach = quantile * upper[output][k];
-            lower[output][k] = prediction - reach;
-            upper[output][k] = prediction + reach;
-        }
-    }
+    return errors;
 }
 
 double KrigingSurrogateModel::intervalQuantile(int offset, double level) const
 {
+    Distributions::requireLevel(level);
     impl->columns.requireOutput(offset);
     return Distributions::normalQuantile(level);
 }
@@ -274,33 +250,30 @@ std::vector<LeaveOneOutPrediction> KrigingSurrogateModel::leaveOneOutPredictions
     return fit.leftOut.predictions(impl->preparedCases(), fit.predictor);
 }
 
-void KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
-                                      const std::vector<double*>& gradients,
-                                      std::size_t count) const
+std::vector<std::vector<double>>
+KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
+                                 std::size_t count) const
 {
     impl->requirePoints(inputs, count);
-    if (gradients.size() != inputs.size()) {
-        throw Error("There have to be as many columns for derivatives as inputs, " +
-                    std::to_string(inputs.size()) + ", not " + std::to_string(gradients.size()) +
-                    ".");
-    }
-    for (std::size_t k = 0; k < gradients.size(); ++k) {
-        if (count > 0 && !gradients[k]) {
-            throw Error("There is no column for the derivatives by V" + std::to_string(k + 1) +
-                        ".");
-        }
-    }
     const KrigingFit& fit = impl->fit(offset);
+    std::vector<std::vector<double>> gradients(inputs.size(), std::vector<double>(count));
     if (count > 0) {
-        fit.predictor.differentiate(inputs, count, gradients);
+        std::vector<double*> columns;
+        for (std::vector<double>& column : gradients) {
+            columns.push_back(column.data());
+        }
+        fit.predictor.differentiate(inputs, count, columns);
     }
+    return gradients;
 }
 
-void KrigingSurrogateModel::extrapolations(const std::vector<double*>& inputs, double* distances,
-                                           std::size_t count) const
+std::vector<double> KrigingSurrogateModel::extrapolations(const std::vector<double*>& inputs,
+                                                          std::size_t count) const
 {
     impl->requirePoints(inputs, count);
-    impl->ranges.distances(inputs, count, distances);
+    std::vector<double> distances(count);
+    impl->ranges.distances(inputs, count, distances.data());
+    return distances;
 }
 
 std::string KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs,

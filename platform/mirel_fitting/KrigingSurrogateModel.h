@@ -1,14 +1,8 @@
 #pragma once
 
-#include <mirel_fitting/ExtrapolationInterface.h>
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/GradientInterface.h>
-#include <mirel_fitting/KrigingReportInterface.h>
-#include <mirel_fitting/LeaveOneOutInterface.h>
-#include <mirel_fitting/PredictionIntervalInterface.h>
-#include <mirel_fitting/PredictorDescriptionInterface.h>
-#include <mirel_fitting/StandardErrorInterface.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/FittedModel.h>
+#include <mirel_fitting/KrigingOptions.h>
+#include <mirel_fitting/KrigingReport.h>
 
 #include <memory>
 
@@ -35,38 +29,21 @@
  * fitWarnings() says what was chosen. The order of the cases and the number of threads do not
  * change a fit.
  */
-class MIREL_FITTING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface,
-                                                   public virtual FitMetricsInterface,
-                                                   public virtual KrigingReportInterface,
-                                                   public virtual StandardErrorInterface,
-                                                   public virtual PredictionIntervalInterface,
-                                                   public virtual LeaveOneOutInterface,
-                                                   public virtual GradientInterface,
-                                                   public virtual ExtrapolationInterface,
-                                                   public virtual PredictorDescriptionInterface
+class MIREL_FITTING_EXPORT KrigingSurrogateModel : public FittedModel
 {
 public:
     /**
      * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
      *                           call; none at all gives a constant model.
      * @param dependentColumns   one array of `rowCount` values per output, borrowed for the call.
-     * @param tolerance          the search stops when the gain in log-likelihood per case that it
-     *                           still expects falls below this.
-     * @param correlationLengths fixed lengths, one per input, in the input's unit, infinite for no
-     *                           influence; none at all: estimated.
-     * @param trendOrder         highest order of the trend: 0 constant, 1 linear, 2 full quadratic;
-     *                           lowered when cases are too few, or fewer than 20 per term and
-     *                           leave-one-out errors and the corrected Akaike criterion do not
-     *                           show that the higher order predicts better (not with
-     *                           fixed lengths); terms that the cases cannot separate are
-     *                           dropped; all reported.
-     * @param initialCorrelationLength where the search starts, as a fraction of each input's range.
-     * @param nugget             lower bound of the nugget, relative to the process variance; 0:
-     *                           only the bound that keeps the factorisation sound, 1e-12.
-     * @param nuggetMode         0: estimated above that bound; 1: fixed at `nugget`.
      * @throw Error if there is no case, a column is null, an input is not finite or its range is
-     *        not, or an argument is out of its range.
+     *        not, or an option is out of its range.
      */
+    KrigingSurrogateModel(const std::vector<double*>& independentColumns,
+                          const std::vector<double*>& dependentColumns, int rowCount,
+                          const KrigingOptions& options);
+
+    /** The same with the options one by one. @param nuggetMode 0: estimated; 1: fixed. */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,
                           double tolerance, const std::vector<double>& correlationLengths,
@@ -85,22 +62,22 @@ public:
 
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
-    KrigingReport krigingReport(int offset) const override;
+    std::vector<double> extrapolations(const std::vector<double*>& inputs,
+                                       std::size_t count) const override;
+    std::string extrapolationWarning(const std::vector<double*>& inputs,
+                                     std::size_t count) const override;
+    PredictorDescription predictorDescription(int offset) const override;
 
     /**
      * Of universal Kriging, the uncertainty of the trend included; with the process variance and
      * the lengths as they were estimated. Where neighbours correct the model of a subset, of what
      * they leave between the cases, growing like that of near cases alone outside of them; far
-     * outside they are too small, the trend being taken for exact. Where the cases are met, errors
-     * below a millionth of the process's standard deviation are 0. Keeps n x n numbers from the
-     * first call on, for n distinct cases and each output asked for.
+     * outside they are too small, the trend being taken for exact. Where the model interpolates,
+     * errors below a millionth of the process's standard deviation are 0. Keeps n x n numbers from
+     * the first call on, for n distinct cases and each output asked for.
      */
-    void standardErrors(const std::vector<double*>& inputs, const std::set<int>& offsets, Kind kind,
-                        std::vector<double*>& errors, std::size_t count) const override;
-    /** By the normal distribution and the standard errors of an observation. */
-    void predictionIntervals(const std::vector<double*>& inputs, const std::set<int>& offsets,
-                             double level, std::vector<double*>& lower, std::vector<double*>& upper,
-                             std::size_t count) const override;
+    std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
+                                       ErrorKind kind, std::size_t count) const override;
     double intervalQuantile(int offset, double level) const override;
 
     /**
@@ -110,13 +87,13 @@ public:
      */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 
-    void gradients(const std::vector<double*>& inputs, int offset,
-                   const std::vector<double*>& gradients, std::size_t count) const override;
-    void extrapolations(const std::vector<double*>& inputs, double* distances,
-                        std::size_t count) const override;
-    std::string extrapolationWarning(const std::vector<double*>& inputs,
-                                     std::size_t count) const override;
-    PredictorDescription predictorDescription(int offset) const override;
+    /** The estimated parameters. */
+    KrigingReport krigingReport(int offset) const;
+
+    /** The derivatives of the predictions by the inputs, in the unit of the output per unit of the
+     *  input: one vector of `count` values per input. */
+    std::vector<std::vector<double>> gradients(const std::vector<double*>& inputs, int offset,
+                                               std::size_t count) const;
 
 private:
     class Impl;

@@ -229,30 +229,23 @@ public:
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount)
-    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount,
-                                    TermSelectionScope::currentTerms(),
-                                    TermSelectionScope::current())
+    : SurrogateResponseSurfaceModel(
+          independentColumns, dependentColumns, rowCount,
+          ResponseSurfaceOptions{TermSelectionScope::currentTerms(), TermSelectionScope::current()})
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
-    std::size_t rowCount, PolynomialTerms terms, Selection selection)
-    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, Wanted::of(terms),
-                                  selection))
+    std::size_t rowCount, const ResponseSurfaceOptions& options)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
+                                  Wanted::of(options.terms), options.selection))
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, int highestOrder)
-    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount, highestOrder,
-                                    TermSelectionScope::current())
-{}
-
-SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
-    const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
-    std::size_t rowCount, int highestOrder, Selection selection)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
-                                  Wanted{highestOrder, true}, selection))
+                                  Wanted{highestOrder, true}, TermSelectionScope::current()))
 {}
 
 SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;
@@ -445,46 +438,19 @@ SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double leve
     return statistics;
 }
 
-void SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& inputs,
-                                                   const std::set<int>& offsets, Kind kind,
-                                                   std::vector<double*>& errors,
-                                                   std::size_t count) const
+std::vector<double>
+SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& inputs, int offset,
+                                              ErrorKind kind, std::size_t count) const
 {
-    impl->columns.requireEvaluation(inputs, offsets, errors, count);
-    const double noise = kind == Kind::Observation ? 1.0 : 0.0;
-    std::size_t k = 0;
-    for (const int offset : offsets) {
-        double* result = errors[k++];
-        const double deviation = fitMetrics(offset).rmse;
-        impl->at(offset).fit->variances(inputs, count, result);
-        for (std::size_t point = 0; point < count; ++point) {
-            result[point] = deviation * std::sqrt(noise + result[point]);
-        }
+    impl->requirePoints(inputs, count);
+    const double noise = kind == ErrorKind::Observation ? 1.0 : 0.0;
+    const double deviation = fitMetrics(offset).rmse;
+    std::vector<double> errors(count);
+    impl->at(offset).fit->variances(inputs, count, errors.data());
+    for (double& error : errors) {
+        error = deviation * std::sqrt(noise + error);
     }
-}
-
-void SurrogateResponseSurfaceModel::predictionIntervals(const std::vector<double*>& inputs,
-                                                        const std::set<int>& offsets, double level,
-                                                        std::vector<double*>& lower,
-                                                        std::vector<double*>& upper,
-                                                        std::size_t count) const
-{
-    Distributions::requireLevel(level);
-    impl->columns.requireEvaluation(inputs, offsets, upper, count);
-    std::vector<double> quantiles;
-    for (const int offset : offsets) {
-        quantiles.push_back(intervalQuantile(offset, level));
-    }
-    interpolateDependentValues(inputs, offsets, lower, count);
-    standardErrors(inputs, offsets, Kind::Observation, upper, count);
-    for (std::size_t output = 0; output < quantiles.size(); ++output) {
-        for (std::size_t k = 0; k < count; ++k) {
-            const double prediction = lower[output][k];
-            const double reach = quantiles[output] * upper[output][k];
-            lower[output][k] = prediction - reach;
-            upper[output][k] = prediction + reach;
-        }
-    }
+    return errors;
 }
 
 double SurrogateResponseSurfaceModel::intervalQuantile(int offset, double level) const
@@ -524,11 +490,14 @@ SurrogateResponseSurfaceModel::leaveOneOutPredictions(int offset) const
     return result;
 }
 
-void SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,
-                                                   double* distances, std::size_t count) const
+std::vector<double>
+SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,
+                                              std::size_t count) const
 {
     impl->requirePoints(inputs, count);
-    impl->ranges.distances(inputs, count, distances);
+    std::vector<double> distances(count);
+    impl->ranges.distances(inputs, count, distances.data());
+    return distances;
 }
 
 std::string SurrogateResponseSurfaceModel::extrapolationWarning(const std::vector<double*>& inputs,

@@ -1,15 +1,9 @@
 #pragma once
 
-#include <mirel_fitting/CoefficientTableInterface.h>
-#include <mirel_fitting/ExtrapolationInterface.h>
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/LeaveOneOutInterface.h>
-#include <mirel_fitting/PolynomialTerms.h>
-#include <mirel_fitting/PredictionIntervalInterface.h>
-#include <mirel_fitting/PredictorDescriptionInterface.h>
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
-#include <mirel_fitting/StandardErrorInterface.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/FittedModel.h>
+#include <mirel_fitting/PolynomialCoefficient.h>
+#include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <memory>
 
@@ -36,29 +30,10 @@
  * freedom when there are as many terms as cases; PRESS and what rests on it when a case alone
  * determines a term.
  */
-class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel
-    : public virtual SurrogateModelInterface,
-      public virtual FitMetricsInterface,
-      public virtual CoefficientTableInterface,
-      public virtual ResponseSurfaceStatisticsInterface,
-      public virtual StandardErrorInterface,
-      public virtual PredictionIntervalInterface,
-      public virtual LeaveOneOutInterface,
-      public virtual ExtrapolationInterface,
-      public virtual PredictorDescriptionInterface
+class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 {
 public:
-    /** Which of the terms that the cases can separate are kept. */
-    enum class Selection
-    {
-        All,
-        /**
-         * Those that lower the corrected Akaike information criterion (aicc of
-         * ResponseSurfaceStatistics), for each output by itself: terms are left out one after the
-         * other, and linear ones only when no term of second order has their input.
-         */
-        BackwardAicc
-    };
+    using Selection = ResponseSurfaceOptions::Selection;
 
     /**
      * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
@@ -78,13 +53,7 @@ public:
 
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
-                                  std::size_t rowCount, PolynomialTerms terms, Selection selection);
-
-    /** Those that are not told terms or a selection take what the TermSelectionScope of this thread
-     *  says, else the full quadratic polynomial and Selection::All. */
-    SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
-                                  const std::vector<double*>& dependentColumns,
-                                  std::size_t rowCount, int highestOrder, Selection selection);
+                                  std::size_t rowCount, const ResponseSurfaceOptions& options);
 
     ~SurrogateResponseSurfaceModel() override;
 
@@ -99,23 +68,16 @@ public:
 
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string> fitWarnings(int offset) const override;
-    std::vector<PolynomialCoefficient> coefficientTable(int offset) const override;
-
-    /** Pure error is looked for in up to 100 000 cases: of more, the table has no lack of fit. */
-    ResponseSurfaceStatistics responseSurfaceStatistics(int offset,
-                                                        double level = 0.95) const override;
+    std::vector<double> extrapolations(const std::vector<double*>& inputs,
+                                       std::size_t count) const override;
+    std::string extrapolationWarning(const std::vector<double*>& inputs,
+                                     std::size_t count) const override;
+    PredictorDescription predictorDescription(int offset) const override;
 
     /** RMSE times the root of the leverage that the point would have, plus 1 for an observation.
      *  NaN where there are as many terms as cases. */
-    void standardErrors(const std::vector<double*>& inputs, const std::set<int>& offsets, Kind kind,
-                        std::vector<double*>& errors, std::size_t count) const override;
-
-    /** By Student's t with the residual degrees of freedom, and the standard errors of an
-     *  observation. */
-    void predictionIntervals(const std::vector<double*>& inputs, const std::set<int>& offsets,
-                             double level, std::vector<double*>& lower, std::vector<double*>& upper,
-                             std::size_t count) const override;
-
+    std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
+                                       ErrorKind kind, std::size_t count) const override;
     double intervalQuantile(int offset, double level) const override;
 
     /**
@@ -125,11 +87,16 @@ public:
      */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 
-    void extrapolations(const std::vector<double*>& inputs, double* distances,
-                        std::size_t count) const override;
-    std::string extrapolationWarning(const std::vector<double*>& inputs,
-                                     std::size_t count) const override;
-    PredictorDescription predictorDescription(int offset) const override;
+    /** Every term of the fitted order, in the order of the equation text, for the inputs as they
+     *  are: multiplied out, also where the text is written in centred inputs. */
+    std::vector<PolynomialCoefficient> coefficientTable(int offset) const;
+
+    /**
+     * Pure error is looked for in up to 100 000 cases: of more, the table has no lack of fit.
+     * @param level of the confidence limits.
+     * @throw Error also for a level that is not between 0 and 1.
+     */
+    ResponseSurfaceStatistics responseSurfaceStatistics(int offset, double level = 0.95) const;
 
 private:
     class Impl;

@@ -12,7 +12,7 @@ using Error = SurrogateModelInterface::Error;
 
 namespace {
 
-PredictorDescription described(const PredictorDescriptionInterface& model,
+PredictorDescription described(const PredictiveModel& model,
                                const ExportedModel::WantedOutput& wanted)
 {
     try {
@@ -28,21 +28,18 @@ ExportedModel ExportedModel::of(const SurrogateModelInterface& model,
                                 const std::vector<Input>& inputs,
                                 const std::vector<WantedOutput>& outputs)
 {
-    const auto* describer = dynamic_cast<const PredictorDescriptionInterface*>(&model);
+    const auto* describer = dynamic_cast<const PredictiveModel*>(&model);
     if (describer == nullptr) {
         throw Error("This kind of model cannot be exported: it does not describe itself.");
     }
-    const auto* metrics = dynamic_cast<const FitMetricsInterface*>(&model);
     ExportedModel exported;
     exported.inputs = inputs;
     for (const WantedOutput& wanted : outputs) {
         Output output;
         output.name = wanted.name;
         output.model.predictor = described(*describer, wanted);
-        if (metrics != nullptr) {
-            output.model.metrics = metrics->fitMetrics(wanted.offset);
-            output.model.warnings = metrics->fitWarnings(wanted.offset);
-        }
+        output.model.metrics = describer->fitMetrics(wanted.offset);
+        output.model.warnings = describer->fitWarnings(wanted.offset);
         exported.outputs.push_back(std::move(output));
     }
     exported.predictor(); // for what it refuses

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/FitMetricsInterface.h>
+#include <mirel_fitting/FitMetrics.h>
 
 #include <array>
 

@@ -5,7 +5,7 @@
 #include <session/model/CaseSession.h>
 #include <session/text/SessionErrors.h>
 
-#include <mirel_fitting/StandardErrorInterface.h>
+#include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <gtest/gtest.h>
@@ -139,12 +139,11 @@ TEST(SessionPictures, TheBandOfAResponseSurfaceIsThatOfStudentsT)
 
     // qt(0.975, 5), for 11 cases and 6 terms.
     const double quantile = 2.570581835636314;
-    double error = 0.0;
     double pressure = picture.inputs[2];
     double ratio = 5.0;
-    std::vector<double*> errors = {&error};
-    dynamic_cast<const StandardErrorInterface&>(session.fit())
-        .standardErrors({&pressure, &ratio}, {0}, StandardErrorInterface::Kind::Mean, errors, 1);
+    const double error =
+        dynamic_cast<const FittedModel&>(session.fit())
+            .standardErrors({&pressure, &ratio}, 0, FittedModel::ErrorKind::Mean, 1)[0];
     EXPECT_NEAR(picture.upper[2], picture.model[2] + quantile * error, 1e-12);
     EXPECT_NEAR(picture.lower[2], picture.model[2] - quantile * error, 1e-12);
     EXPECT_EQ(picture.bandLabel, "\302\261 2.57 standard errors (95\302\240%)");

@@ -20,10 +20,10 @@
 #include <mirel_analyzercommon/GenericUndoCommand.h>
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_datamanagement/Project.h>
-#include <mirel_fitting/ExtrapolationInterface.h>
-#include <mirel_fitting/PredictionIntervalInterface.h>
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/FittedModel.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TermSelectionScope.h>
 #include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
@@ -172,7 +172,7 @@ public:
 
     void lookOutside(const std::vector<double*>& points, std::size_t count)
     {
-        const auto* const model = dynamic_cast<const ExtrapolationInterface*>(fitted);
+        const auto* const model = dynamic_cast<const PredictiveModel*>(fitted);
         extrapolation =
             model == nullptr
                 ? std::string()
@@ -205,15 +205,14 @@ public:
                                   const std::vector<double*>& points, int offset, double level,
                                   PredictionLimits& limits)
     {
-        const auto* const intervals = dynamic_cast<const PredictionIntervalInterface*>(&model);
+        const auto* const intervals = dynamic_cast<const FittedModel*>(&model);
         if (intervals == nullptr) {
             return "The model has no prediction intervals.";
         }
-        std::vector<double*> lower = {limits.lower.data()};
-        std::vector<double*> upper = {limits.upper.data()};
         try {
-            intervals->predictionIntervals(points, {offset}, level, lower, upper,
-                                           limits.lower.size());
+            PredictionIntervals found =
+                intervals->predictionIntervals(points, offset, level, limits.lower.size());
+            limits = {std::move(found.lower), std::move(found.upper)};
         } catch (const SurrogateModelInterface::Error& error) {
             return error.what();
         }
@@ -493,8 +492,8 @@ SurrogateModelInterface& CaseSession::fit()
 std::vector<OutputFit> CaseSession::fits()
 {
     const SurrogateModelInterface& model = fit();
-    const auto* metrics = dynamic_cast<const FitMetricsInterface*>(&model);
-    const auto* kriging = dynamic_cast<const KrigingReportInterface*>(&model);
+    const auto* metrics = dynamic_cast<const PredictiveModel*>(&model);
+    const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(&model);
 
     const std::vector<std::string> inputNames = namesOf(impl->inputs);
     const std::vector<std::size_t> cases =
@@ -524,7 +523,7 @@ std::vector<OutputFit> CaseSession::fits()
 
 std::vector<ResponseSurfaceStatistics> CaseSession::statistics()
 {
-    const auto* const model = dynamic_cast<const ResponseSurfaceStatisticsInterface*>(&fit());
+    const auto* const model = dynamic_cast<const SurrogateResponseSurfaceModel*>(&fit());
     std::vector<ResponseSurfaceStatistics> results;
     if (model == nullptr) {
         return results;

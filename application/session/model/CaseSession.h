@@ -5,8 +5,8 @@
 #include <session/cases/CaseTable.h>
 
 #include <mirel_datamanagement/Variable.h>
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/PolynomialTerms.h>
 
 #include <surrogate_session/Export.h>

@@ -133,11 +133,11 @@ std::unique_ptr<SurrogateModelInterface> makeModel(Model type, Columns& inputs,
 /** Those before any were selected: a selection of fewer terms is no fault of the cases. */
 std::size_t termsOf(const SurrogateModelInterface& model)
 {
-    const auto* const table = dynamic_cast<const CoefficientTableInterface*>(&model);
+    const auto* const table = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
     if (table != nullptr && TermSelectionScope::current() != TermSelectionScope::Selection::All) {
         return table->coefficientTable(0).size();
     }
-    const auto* const metrics = dynamic_cast<const FitMetricsInterface*>(&model);
+    const auto* const metrics = dynamic_cast<const PredictiveModel*>(&model);
     return metrics == nullptr ? 0 : metrics->fitMetrics(0).terms;
 }
 

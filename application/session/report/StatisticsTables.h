@@ -2,7 +2,7 @@
 
 #include "session/report/SessionJson.h"
 
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <string>
 #include <vector>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <mirel_fitting/PredictorDescriptionInterface.h>
+#include <mirel_fitting/PredictorDescription.h>
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-/** The ranges of the inputs over the cases: what is behind ExtrapolationInterface. */
+/** The ranges of the inputs over the cases: what is behind PredictiveModel. */
 class CaseRanges
 {
 public:
@@ -18,10 +18,10 @@ public:
 
     std::vector<PredictorDescription::InputRange> ranges() const;
 
-    /** See ExtrapolationInterface::extrapolations(). */
+    /** See PredictiveModel::extrapolations(). */
     void distances(const std::vector<double*>& points, std::size_t count, double* result) const;
 
-    /** See ExtrapolationInterface::extrapolationWarning(). */
+    /** See PredictiveModel::extrapolationWarning(). */
     std::string warning(const std::vector<double*>& points, std::size_t count) const;
 
 private:

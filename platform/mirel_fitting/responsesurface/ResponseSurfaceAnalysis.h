@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
 #include <cstddef>

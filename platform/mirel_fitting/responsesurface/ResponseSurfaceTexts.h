@@ -1,7 +1,7 @@
 #pragma once
 
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
 #include <string>

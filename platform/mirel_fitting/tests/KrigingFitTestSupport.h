@@ -14,8 +14,15 @@ inline double wave(const std::vector<double>& x)
     return std::sin(6.0 * x[0]) + (x.size() > 1 ? x[1] * x[1] : 0.0);
 }
 
+inline KrigingFitOptions withTrend(int order)
+{
+    KrigingFitOptions options;
+    options.trendOrder = order;
+    return options;
+}
+
 inline KrigingFit fitOf(Columns inputs, const std::vector<double>& output,
-                        const KrigingOptions& options = {})
+                        const KrigingFitOptions& options = withTrend(0))
 {
     const KrigingCases cases(pointersTo(inputs), output.size());
     return fitKriging(cases, output, options);
@@ -36,11 +43,4 @@ inline double valueAt(const KrigingFit& fit, std::vector<double> point)
 inline bool warns(const KrigingFit& fit, const std::string& sentence)
 {
     return std::find(fit.warnings.begin(), fit.warnings.end(), sentence) != fit.warnings.end();
-}
-
-inline KrigingOptions withTrend(int order)
-{
-    KrigingOptions options;
-    options.trendOrder = order;
-    return options;
 }

@@ -8,24 +8,19 @@
 
 namespace {
 
-using Kind = StandardErrorInterface::Kind;
+using Kind = FittedModel::ErrorKind;
 
 const double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<double> standardErrors(const KrigingSurrogateModel& model, Columns points,
                                    Kind kind = Kind::Mean)
 {
-    std::vector<double> errors(points.empty() ? 1 : points[0].size(), -7.0);
-    std::vector<double*> outputs = {errors.data()};
-    model.standardErrors(pointersTo(points), {0}, kind, outputs, errors.size());
-    return errors;
+    return model.standardErrors(pointersTo(points), 0, kind, points.empty() ? 1 : points[0].size());
 }
 
 Columns gradients(const KrigingSurrogateModel& model, Columns points)
 {
-    Columns result(points.size(), std::vector<double>(points[0].size(), -7.0));
-    model.gradients(pointersTo(points), 0, pointersTo(result), points[0].size());
-    return result;
+    return model.gradients(pointersTo(points), 0, points[0].size());
 }
 
 double wave(const std::vector<double>& x)
@@ -286,19 +281,15 @@ TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
 {
     const KrigingSurrogateModel model = Given().model(1, 0.01);
     Columns points = somePoints;
-    std::vector<double> lower(5, -7.0);
-    std::vector<double> upper(5, -7.0);
-    std::vector<double*> lowerOutputs = {lower.data()};
-    std::vector<double*> upperOutputs = {upper.data()};
 
-    model.predictionIntervals(pointersTo(points), {0}, 0.95, lowerOutputs, upperOutputs, 5);
+    const PredictionIntervals found = model.predictionIntervals(pointersTo(points), 0, 0.95, 5);
 
     const std::vector<double> middle = predictions(model, points);
     const std::vector<double> errors = standardErrors(model, points, Kind::Observation);
     for (std::size_t i = 0; i < middle.size(); ++i) {
         // The 97.5 % point of the standard normal distribution.
-        EXPECT_NEAR(lower[i], middle[i] - 1.959963984540054 * errors[i], 1e-12);
-        EXPECT_NEAR(upper[i], middle[i] + 1.959963984540054 * errors[i], 1e-12);
+        EXPECT_NEAR(found.lower[i], middle[i] - 1.959963984540054 * errors[i], 1e-12);
+        EXPECT_NEAR(found.upper[i], middle[i] + 1.959963984540054 * errors[i], 1e-12);
     }
     EXPECT_NEAR(model.intervalQuantile(0, 0.95), 1.959963984540054, 1e-14);
 }
@@ -306,10 +297,9 @@ TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
 TEST(KrigingIntervals, RefuseALevelThatIsNoProbability)
 {
     const KrigingSurrogateModel model = Given().model(1, 0.01);
-    std::vector<double*> none;
 
     try {
-        model.predictionIntervals({}, {}, 95.0, none, none, 0);
+        model.predictionIntervals({}, 0, 95.0, 0);
         FAIL() << "not refused";
     } catch (const SurrogateModelInterface::Error& error) {
         EXPECT_STREQ(error.what(),
@@ -478,23 +468,19 @@ TEST(KrigingUncertainty, RefusesWhatDoesNotFitTheModel)
         return "";
     };
 
-    EXPECT_EQ(errorOf([&] { model.standardErrors(one, {0}, Kind::Mean, one, 1); }),
+    EXPECT_EQ(errorOf([&] { model.standardErrors(one, 0, Kind::Mean, 1); }),
               "The model has 2 inputs, but values are given for 1.");
-    EXPECT_EQ(errorOf([&] {
-                  model.standardErrors(two, {0, 1}, Kind::Mean, one, 1);
-              }),
-              "The model is asked for 2 outputs, but there is room for 1.");
-    EXPECT_EQ(errorOf([&] { model.gradients(two, 0, one, 1); }),
-              "There have to be as many columns for derivatives as inputs, 2, not 1.");
-    EXPECT_EQ(errorOf([&] {
-                  model.gradients(two, 0, {&value, nullptr}, 1);
-              }),
-              "There is no column for the derivatives by V2.");
-    EXPECT_EQ(errorOf([&] { model.gradients(two, 1, two, 1); }),
+    EXPECT_EQ(errorOf([&] { model.predictionIntervals(one, 0, 0.95, 1); }),
+              "The model has 2 inputs, but values are given for 1.");
+    EXPECT_EQ(errorOf([&] { model.gradients(one, 0, 1); }),
+              "The model has 2 inputs, but values are given for 1.");
+    EXPECT_EQ(errorOf([&] { model.standardErrors(two, 1, Kind::Mean, 1); }),
               "There is no output at offset 1: the model has 1 output, counted from 0.");
-    EXPECT_EQ(errorOf([&] { model.extrapolations(one, &value, 1); }),
+    EXPECT_EQ(errorOf([&] { model.gradients(two, 1, 1); }),
+              "There is no output at offset 1: the model has 1 output, counted from 0.");
+    EXPECT_EQ(errorOf([&] { model.extrapolations(one, 1); }),
               "The model has 2 inputs, but values are given for 1.");
-    EXPECT_EQ(errorOf([&] { model.gradients({nullptr, nullptr}, 0, {nullptr, nullptr}, 0); }), "");
+    EXPECT_EQ(errorOf([&] { model.gradients({nullptr, nullptr}, 0, 0); }), "");
 }
 
 TEST(KrigingExtrapolation, IsSaidByTheModel)
@@ -502,11 +488,8 @@ TEST(KrigingExtrapolation, IsSaidByTheModel)
     const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
     const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});
     Columns points = {{11.0, 16.0}, {0.0, 0.0}};
-    std::vector<double> distances(2);
 
-    model.extrapolations(pointersTo(points), distances.data(), 2);
-
-    EXPECT_EQ(distances, (std::vector<double>{0.0, 0.5}));
+    EXPECT_EQ(model.extrapolations(pointersTo(points), 2), (std::vector<double>{0.0, 0.5}));
     EXPECT_EQ(model.extrapolationWarning(pointersTo(points), 2),
               "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
               "not rely on predictions there.");

@@ -42,13 +42,9 @@ Cases withoutCase(Cases cases, std::size_t row)
     return cases;
 }
 
-double standardError(const Model& model, std::vector<Column> points,
-                     StandardErrorInterface::Kind kind)
+double standardError(const Model& model, std::vector<Column> points, FittedModel::ErrorKind kind)
 {
-    double error = -99.0;
-    std::vector<double*> errors{&error};
-    model.standardErrors(Cases::pointers(points), {0}, kind, errors, 1);
-    return error;
+    return model.standardErrors(Cases::pointers(points), 0, kind, 1)[0];
 }
 
 /**
@@ -121,10 +117,10 @@ std::vector<std::string> sourcesOf(const ResponseSurfaceStatistics& statistics)
     return sources;
 }
 
-Model select(Cases cases, int highestOrder = 2)
+Model select(Cases cases, PolynomialTerms terms = PolynomialTerms::Quadratic)
 {
-    return {cases.inputPointers(), cases.outputPointers(), cases.count(), highestOrder,
-            Model::Selection::BackwardAicc};
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(),
+            ResponseSurfaceOptions{terms, Model::Selection::BackwardAicc}};
 }
 
 using Nature = StationaryPoint::Nature;
@@ -240,22 +236,19 @@ TEST(ResponseSurfaceIntervals, AreThoseOfR)
 {
     const Model model = fit(vapourDeposition());
     std::vector<Column> points = {{30, 100}, {5, 1}};
-    Column lower(2, -99.0);
-    Column upper(2, -99.0);
-    std::vector<double*> lowerOutputs{lower.data()};
-    std::vector<double*> upperOutputs{upper.data()};
 
-    model.predictionIntervals(Cases::pointers(points), {0}, 0.95, lowerOutputs, upperOutputs, 2);
+    const PredictionIntervals found =
+        model.predictionIntervals(Cases::pointers(points), 0, 0.95, 2);
 
-    expectFigure(lower[0], 4.56157254346861, "lower inside");
-    expectFigure(upper[0], 8.79102351364129, "upper inside");
-    expectFigure(lower[1], -5.67775230381846, "lower outside");
-    expectFigure(upper[1], 6.37766390539257, "upper outside");
+    expectFigure(found.lower[0], 4.56157254346861, "lower inside");
+    expectFigure(found.upper[0], 8.79102351364129, "upper inside");
+    expectFigure(found.lower[1], -5.67775230381846, "lower outside");
+    expectFigure(found.upper[1], 6.37766390539257, "upper outside");
     // qt(0.975, 5)
     EXPECT_NEAR(model.intervalQuantile(0, 0.95), 2.570581835636314, 1e-13);
-    expectFigure(standardError(model, {{30}, {5}}, StandardErrorInterface::Kind::Mean),
-                 0.387107042865106, "standard error inside");
-    expectFigure(standardError(model, {{100}, {1}}, StandardErrorInterface::Kind::Mean),
+    expectFigure(standardError(model, {{30}, {5}}, FittedModel::ErrorKind::Mean), 0.387107042865106,
+                 "standard error inside");
+    expectFigure(standardError(model, {{100}, {1}}, FittedModel::ErrorKind::Mean),
                  2.229695439941187, "standard error outside");
 }
 
@@ -361,9 +354,8 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
 
     const Model model = fit(twoInputs(6, 1.0));
     double value = 0.0;
-    std::vector<double*> room{&value};
     EXPECT_EQ(errorOf([&] {
-                  model.predictionIntervals({&value, &value}, {0}, 0.95, room, room, 1);
+                  model.predictionIntervals({&value, &value}, 0, 0.95, 1);
               }),
               "There are no prediction intervals: the polynomial has as many terms as there are "
               "cases, and none is left to tell the error by.");
@@ -604,10 +596,9 @@ TEST(ResponseSurfaceLeaveOneOut, EqualsRefitsWithoutEachCase)
         EXPECT_EQ(left[row].row, row);
         EXPECT_EQ(left[row].output, cases.outputs[0][row]);
         EXPECT_NEAR(left[row].predicted, predict(refit, caseAt(cases, row))[0], 1e-10);
-        EXPECT_NEAR(
-            left[row].standardError,
-            standardError(refit, caseAt(cases, row), StandardErrorInterface::Kind::Observation),
-            1e-10);
+        EXPECT_NEAR(left[row].standardError,
+                    standardError(refit, caseAt(cases, row), FittedModel::ErrorKind::Observation),
+                    1e-10);
     }
 }
 
@@ -657,21 +648,18 @@ TEST(ResponseSurfaceStandardErrors, OfAMeanAreThoseOfTheMean)
     // Deviation sqrt(10 / 4), n = 5.
     const Model model = fit(Cases{{}, {{1, 2, 3, 4, 5}}});
 
-    EXPECT_NEAR(standardError(model, {}, StandardErrorInterface::Kind::Mean), std::sqrt(0.5),
+    EXPECT_NEAR(standardError(model, {}, FittedModel::ErrorKind::Mean), std::sqrt(0.5), 1e-15);
+    EXPECT_NEAR(standardError(model, {}, FittedModel::ErrorKind::Observation), std::sqrt(2.5 + 0.5),
                 1e-15);
-    EXPECT_NEAR(standardError(model, {}, StandardErrorInterface::Kind::Observation),
-                std::sqrt(2.5 + 0.5), 1e-15);
 }
 
 TEST(ResponseSurfaceStandardErrors, AreNanAtPointsThatAreNotFiniteOnly)
 {
     const Model model = fit(twoInputs(40, 1.0));
     std::vector<Column> points = {{1.0, notANumber, 1.0}, {0.5, 0.5, infinity}};
-    Column errors(3, -99.0);
-    std::vector<double*> results{errors.data()};
 
-    model.standardErrors(Cases::pointers(points), {0}, StandardErrorInterface::Kind::Mean, results,
-                         3);
+    const Column errors =
+        model.standardErrors(Cases::pointers(points), 0, FittedModel::ErrorKind::Mean, 3);
 
     EXPECT_GT(errors[0], 0.0);
     EXPECT_TRUE(std::isnan(errors[1]));
@@ -681,11 +669,10 @@ TEST(ResponseSurfaceStandardErrors, AreNanAtPointsThatAreNotFiniteOnly)
 TEST(ResponseSurfaceIntervals, RefuseALevelThatIsNoProbability)
 {
     const Model model = fit(twoInputs(40, 1.0));
-    std::vector<double*> none;
     for (const double level : {0.0, 1.0, 95.0, -0.5}) {
-        EXPECT_NE(errorOf([&] { model.predictionIntervals({}, {}, level, none, none, 0); }), "");
+        EXPECT_NE(errorOf([&] { model.predictionIntervals({}, 0, level, 0); }), "");
     }
-    EXPECT_EQ(errorOf([&] { model.predictionIntervals({}, {}, 95.0, none, none, 0); }),
+    EXPECT_EQ(errorOf([&] { model.predictionIntervals({}, 0, 95.0, 0); }),
               "The level of an interval has to lie between 0 and 1, not at 95.");
     EXPECT_EQ(errorOf([&] { model.responseSurfaceStatistics(0, notANumber); }),
               "The level of an interval has to lie between 0 and 1, not at nan.");

@@ -22,7 +22,8 @@ const Texts noTexts;
 
 Model fit(Cases cases, PolynomialTerms terms, Selection selection = Selection::All)
 {
-    return {cases.inputPointers(), cases.outputPointers(), cases.count(), terms, selection};
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(),
+            ResponseSurfaceOptions{terms, selection}};
 }
 
 Texts termsOf(const Model& model)

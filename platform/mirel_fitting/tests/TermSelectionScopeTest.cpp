@@ -65,8 +65,9 @@ TEST(TermSelectionScope, GivesWayToTheSelectionThatAConstructorIsTold)
     NoisyLine line;
     const TermSelectionScope scope(Selection::BackwardAicc);
 
-    EXPECT_EQ(droppedBy({line.inputs(), line.outputs(), line.input.size(), 2, Selection::All}),
-              none);
+    EXPECT_EQ(
+        droppedBy({line.inputs(), line.outputs(), line.input.size(), ResponseSurfaceOptions{}}),
+        none);
 }
 
 TEST(TermSelectionScope, IsReplacedByANewerOneUntilThatGoes)

@@ -10,7 +10,7 @@
 #include "TemporaryFolder.h"
 
 #include <mirel_analyzercommon/UndoStack.h>
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TermSelectionScope.h>
 
 #include <QUndoStack>

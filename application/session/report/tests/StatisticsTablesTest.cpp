@@ -5,7 +5,7 @@
 #include <session/model/CaseSession.h>
 #include <session/report/SessionReport.h>
 
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

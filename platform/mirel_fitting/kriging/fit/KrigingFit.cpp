@@ -49,7 +49,7 @@ class Fitter
 {
 public:
     Fitter(const KrigingCases& cases, const std::vector<double>& output,
-           const KrigingOptions& options)
+           const KrigingFitOptions& options)
         : cases(cases), output(output), options(options), data(std::make_shared<KrigingData>())
     {}
 
@@ -100,7 +100,7 @@ private:
 
     const KrigingCases& cases;
     const std::vector<double>& output;
-    const KrigingOptions& options;
+    const KrigingFitOptions& options;
     double offset = 0.0; // output = offset + scale * standardised output
     double scale = 1.0;
     std::shared_ptr<KrigingData> data;
@@ -157,7 +157,7 @@ void Fitter::mergeRows()
     data->output = merged.means;
     data->rows = rowsAtPoint = merged.rows;
     data->scatter = scatterAtPoint = merged.scatter;
-    if (options.isNuggetFixed) {
+    if (options.isNuggetFixed()) {
         // The scatter would be measured against a nugget that nobody fitted to it, and against
         // none at all be infinitely unlikely: the mean is then a case like the others.
         averageRows(*data);
@@ -231,7 +231,7 @@ KrigingSearch::Settings Fitter::searchSettings() const
     settings.tolerance = options.tolerance;
     settings.initialLength = options.initialCorrelationLength;
     settings.smallestNugget = options.nugget;
-    settings.isNuggetFixed = options.isNuggetFixed;
+    settings.isNuggetFixed = options.isNuggetFixed();
     for (std::size_t k = 0; k < data->inputs && !options.correlationLengths.empty(); ++k) {
         const double length = options.correlationLengths[cases.activeInputs()[k]];
         // So short, every case stands alone; in shorter units the coordinates would overflow.
@@ -654,7 +654,7 @@ KrigingFit Fitter::run()
 } // namespace
 
 KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& output,
-                      const KrigingOptions& options)
+                      const KrigingFitOptions& options)
 {
     return Fitter(cases, output, options).run();
 }

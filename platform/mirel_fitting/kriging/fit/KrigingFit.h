@@ -1,7 +1,8 @@
 #pragma once
 
-#include <mirel_fitting/FitMetricsInterface.h>
-#include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/KrigingOptions.h>
+#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/kriging/fit/LargeKriging.h>
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
@@ -10,16 +11,12 @@
 #include <string>
 #include <vector>
 
-/** What the user of a Kriging model chose about its fits. */
-struct KrigingOptions
+/** The user's options, and the numbers of cases that tests make smaller. */
+struct KrigingFitOptions : KrigingOptions
 {
-    double tolerance = 1e-4;
-    std::vector<double> correlationLengths; ///< one per input, in its unit; empty: estimated
-    int trendOrder = 0;
-    double initialCorrelationLength = 0.5; ///< as a fraction of each input's range
-    double nugget = 0.0;
-    bool isNuggetFixed = false;
     KrigingSizes sizes;
+
+    bool isNuggetFixed() const { return nuggetMode == NuggetMode::Fixed; }
 };
 
 /** The result of fitting one output. */
@@ -41,4 +38,4 @@ struct KrigingFit
  * @throw SurrogateModelInterface::Error if the fit is cancelled or impossible.
  */
 KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& output,
-                      const KrigingOptions& options);
+                      const KrigingFitOptions& options);

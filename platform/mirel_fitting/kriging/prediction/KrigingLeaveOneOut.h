@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/LeaveOneOutInterface.h>
+#include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/PredictorDescriptionInterface.h>
+#include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/grid/GridPoints.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/cases/KrigingData.h>
 
 #include <cstddef>

@@ -53,8 +53,8 @@ TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
     std::vector<double> output = valuesOf(wave, inputs);
     inputs[0].push_back(inputs[0][7]);
     output.push_back(output[7] + 0.2);
-    KrigingOptions options;
-    options.isNuggetFixed = true;
+    KrigingFitOptions options = withTrend(0);
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
     const KrigingFit fit = fitOf(inputs, output, options);
 
@@ -83,8 +83,8 @@ TEST(KrigingFit, CountsCopiesAsMeasurementsWhereOthersContradict)
 {
     const Columns inputs = {{0.0, 1.0, 1.0, 1.0, 1.0, 2.0, 2.0, 3.0}};
     const std::vector<double> output = {2.0, 5.0, 5.0, 5.0, 6.0, 4.0, 4.0, 3.0};
-    KrigingOptions options;
-    options.isNuggetFixed = true;
+    KrigingFitOptions options = withTrend(0);
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
     const KrigingFit fit = fitOf(inputs, output, options);
 

@@ -12,10 +12,10 @@ TEST(KrigingFitReport, MeasuresItsErrorsInTheUnitOfTheOutput)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
-    KrigingOptions options;
+    KrigingFitOptions options = withTrend(0);
     options.correlationLengths = {0.5, 0.5};
     options.nugget = 0.1;
-    options.isNuggetFixed = true;
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
     const KrigingFit fit = fitOf(inputs, output, options);
     double errors = 0.0;
     double total = 0.0;
@@ -87,7 +87,7 @@ TEST(KrigingFitReport, ReportsNoWorstCasesWhereTheirErrorsAreRounding)
     const Columns inputs = latinHypercube(30, 2, 3);
     const std::vector<double> output = valuesOf(
         [](const std::vector<double>& x) { return 1e6 + 3.0 * x[0] - x[1] / 7.0; }, inputs);
-    KrigingOptions options;
+    KrigingFitOptions options;
     options.trendOrder = 1;
 
     EXPECT_TRUE(fitOf(inputs, output, options).report.worstCases.empty());
@@ -133,7 +133,7 @@ TEST(KrigingFitReport, SaysWhenThereIsNothingButNoise)
 TEST(KrigingFitReport, SaysWhyThereAreNoLeaveOneOutFigures)
 {
     // Without the last case nothing determines the slope along V2.
-    KrigingOptions options = withTrend(1);
+    KrigingFitOptions options = withTrend(1);
     options.correlationLengths = {2.0, 2.0};
     const KrigingFit fit =
         fitOf({{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0}, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 1.0}},

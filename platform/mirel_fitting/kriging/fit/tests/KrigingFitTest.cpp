@@ -47,7 +47,7 @@ TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
-    KrigingOptions options = withTrend(1);
+    KrigingFitOptions options = withTrend(1);
     options.correlationLengths = {0.5, 1.0, 0.5};
 
     const KrigingFit fit = fitOf({inputs[0], std::vector<double>(20, 5.0), inputs[1]},
@@ -112,7 +112,7 @@ TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
 
 TEST(KrigingFit, MeetsTheCasesWithAFixedLengthNextToNothing)
 {
-    KrigingOptions options;
+    KrigingFitOptions options = withTrend(0);
     options.correlationLengths = {1e-320};
 
     const KrigingFit fit = fitOf({{0.0, 1.0, 2.0, 3.0}}, {1.0, -1.0, 4.0, 2.0}, options);
@@ -161,7 +161,7 @@ TEST(KrigingFit, LowersTheTrendForFewCases)
 {
     // Six parameters of a quadratic and a variance: seven cases.
     const Columns inputs = latinHypercube(6, 2, 3);
-    KrigingOptions options = withTrend(2);
+    KrigingFitOptions options = withTrend(2);
     options.correlationLengths = {0.5, 0.5};
 
     const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
@@ -233,7 +233,7 @@ TEST(KrigingFit, KeepsATrendThatPredictsBetter)
 TEST(KrigingFit, KeepsTheTrendWhereLengthsAreFixed)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
-    KrigingOptions options = withTrend(1);
+    KrigingFitOptions options = withTrend(1);
     options.correlationLengths = {0.5, 0.5};
 
     EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
@@ -248,7 +248,7 @@ TEST(KrigingFit, SaysWhichTermsOfTheTrendWereDropped)
         x = 3.0 - x;
     }
 
-    KrigingOptions options = withTrend(1);
+    KrigingFitOptions options = withTrend(1);
     options.correlationLengths = {0.5, 0.5};
 
     const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
@@ -279,7 +279,7 @@ TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
 TEST(KrigingFit, TakesLessThanTheLeastNuggetForNone)
 {
     const Columns inputs = latinHypercube(30, 1, 3);
-    KrigingOptions options;
+    KrigingFitOptions options = withTrend(0);
     options.nugget = 1e-15;
 
     const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
@@ -293,9 +293,9 @@ TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
     // With infinite lengths all cases are one; their nugget is all that tells them apart.
     const Columns inputs = latinHypercube(30, 1, 3);
     const std::vector<double> output = valuesOf(wave, inputs);
-    KrigingOptions options;
+    KrigingFitOptions options = withTrend(0);
     options.correlationLengths = {infinity};
-    options.isNuggetFixed = true;
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
     const KrigingFit fit = fitOf(inputs, output, options);
 
@@ -422,7 +422,7 @@ TEST_P(KrigingFitInUnits, IsTheSameFit)
     const Unit unit = GetParam();
     const Columns inputs = latinHypercube(25, 2, 3);
     const std::vector<double> output = valuesOf(wave, inputs);
-    KrigingOptions options = withTrend(1);
+    KrigingFitOptions options = withTrend(1);
     options.nugget = 1e-6; // so that rounding of the shifted numbers counts for little
     const KrigingFit fit = fitOf(inputs, output, options);
     Columns otherInputs = inputs;

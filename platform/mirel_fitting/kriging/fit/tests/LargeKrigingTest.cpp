@@ -11,9 +11,9 @@
 
 namespace {
 
-KrigingOptions manyAreMoreThan(std::size_t mostExact)
+KrigingFitOptions manyAreMoreThan(std::size_t mostExact)
 {
-    KrigingOptions options;
+    KrigingFitOptions options;
     options.trendOrder = 1;
     options.sizes.mostExact = mostExact;
     options.sizes.subset = 150;
@@ -24,7 +24,8 @@ KrigingOptions manyAreMoreThan(std::size_t mostExact)
     return options;
 }
 
-KrigingFit fitOf(Columns inputs, const std::vector<double>& output, const KrigingOptions& options)
+KrigingFit fitOf(Columns inputs, const std::vector<double>& output,
+                 const KrigingFitOptions& options)
 {
     const KrigingCases cases(pointersTo(inputs), output.size());
     return fitKriging(cases, output, options);
@@ -78,8 +79,8 @@ TEST(LargeKriging, PredictsBetterThanTheSubsetAlone)
     const Columns inputs = latinHypercube(1200, 4, 3);
     const Columns points = latinHypercube(500, 4, 4);
     const std::vector<double> expected = valuesOf(bowl, points);
-    const KrigingOptions options = manyAreMoreThan(300);
-    KrigingOptions alone = options;
+    const KrigingFitOptions options = manyAreMoreThan(300);
+    KrigingFitOptions alone = options;
     alone.sizes.neighbours = 0;
 
     const KrigingFit fit = fitOf(inputs, valuesOf(bowl, inputs), options);
@@ -134,7 +135,7 @@ TEST(LargeKriging, KeepsTheCasesThatItMeasuresByWithTheirStandardErrors)
     const std::vector<double> output = noisy(valuesOf(hill, inputs), 0.3);
     const KrigingCases cases(pointersTo(inputs), output.size());
     for (const std::size_t neighbours : {std::size_t{30}, std::size_t{0}}) {
-        KrigingOptions options = manyAreMoreThan(300);
+        KrigingFitOptions options = manyAreMoreThan(300);
         options.sizes.neighbours = neighbours;
         const KrigingFit fit = fitKriging(cases, output, options);
 
@@ -337,10 +338,10 @@ TEST(LargeKriging, SaysWhatItIgnoredWhereTheTrendMeetsAllCases)
 TEST(LargeKriging, KeepsLengthsAndNuggetThatAreFixed)
 {
     const Columns inputs = latinHypercube(700, 4, 3);
-    KrigingOptions options = manyAreMoreThan(300);
+    KrigingFitOptions options = manyAreMoreThan(300);
     options.correlationLengths = {0.7, 0.9, 0.6, 0.8};
     options.nugget = 1e-5;
-    options.isNuggetFixed = true;
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
     const KrigingFit fit = fitOf(inputs, valuesOf(bowl, inputs), options);
 
@@ -410,7 +411,7 @@ TEST(LargeKriging, EndsWhereverItIsCancelled)
 TEST(LargeKriging, ReportsEachFewCasesThatItMeasuresBy)
 {
     const Columns inputs = latinHypercube(1200, 3, 3);
-    KrigingOptions options = manyAreMoreThan(300);
+    KrigingFitOptions options = manyAreMoreThan(300);
     options.sizes.measured = 640;
     std::size_t reports = 0;
     FitProgress progress([&](double, const std::string& message) {
@@ -471,8 +472,8 @@ TEST(LargeKriging, HasTheStandardErrorsOfTheSubsetFarOutside)
 {
     const Columns inputs = latinHypercube(1200, 3, 3);
     const std::vector<double> output = valuesOf(hill, inputs);
-    const KrigingOptions options = manyAreMoreThan(300);
-    KrigingOptions alone = options;
+    const KrigingFitOptions options = manyAreMoreThan(300);
+    KrigingFitOptions alone = options;
     alone.sizes.neighbours = 0;
     const KrigingFit fit = fitOf(inputs, output, options);
     const KrigingFit ofSubset = fitOf(inputs, output, alone);

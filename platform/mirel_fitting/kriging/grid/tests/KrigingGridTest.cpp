@@ -400,10 +400,10 @@ TEST(KrigingGrid, KeepsTheDigitsOfIllConditionedModels)
     for (const std::size_t inputs : {1u, 2u}) {
         const Columns cases = latinHypercube(inputs == 1 ? 60 : 250, inputs, 5);
         Columns casesCopy = cases;
-        KrigingOptions options;
+        KrigingFitOptions options;
         options.trendOrder = 1;
         options.correlationLengths.assign(inputs, 3.0);
-        options.isNuggetFixed = true;
+        options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
         const KrigingFit fit = fitKriging(KrigingCases(pointersTo(casesCopy), cases[0].size()),
                                           valuesOf(wave, cases), options);
         Columns columns(inputs);

@@ -77,7 +77,8 @@ TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
     const Columns points = latinHypercube(100, 2, 4);
     const std::vector<double> output = valuesOf(wave, inputs);
     const KrigingCases cases(pointersTo(inputs), 300);
-    KrigingOptions options;
+    KrigingFitOptions options;
+    options.trendOrder = 0;
     options.sizes.mostSearched = 200;
     options.sizes.searched = 100;
 
@@ -181,7 +182,8 @@ TEST(KrigingSubsetSearch, RefinesByARuleOfSize)
     const std::vector<double> output = valuesOf(wave, inputs);
     const KrigingCases cases(pointersTo(inputs), 300);
     const auto likelihoodWith = [&](std::size_t refinedTwice, std::size_t refined) {
-        KrigingOptions options;
+        KrigingFitOptions options;
+        options.trendOrder = 0;
         options.sizes.mostSearched = 200;
         options.sizes.searched = 60;
         options.sizes.mostRefinedTwice = refinedTwice;

@@ -1,9 +1,7 @@
-#include <mirel_fitting/KrigingReportInterface.h>
+#include <mirel_fitting/KrigingReport.h>
 
 #include <algorithm>
 #include <cmath>
-
-KrigingReportInterface::~KrigingReportInterface() = default;
 
 int KrigingReport::LeftOutCase::digits(int fewest) const
 {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <mirel_fitting/Export.h>
-
 #include <cstddef>
 #include <vector>
 
@@ -65,18 +63,4 @@ struct PredictorDescription
     std::vector<double> lengths; ///< one per coordinate; infinite: no influence
     std::vector<double> cases;   ///< by columns, weights.size() of each coordinate
     std::vector<double> weights;
-};
-
-/** Ability of a model: to be taken elsewhere. */
-class MIREL_FITTING_EXPORT PredictorDescriptionInterface
-{
-public:
-    virtual ~PredictorDescriptionInterface();
-
-    /**
-     * Fits the output if that has not been done.
-     * @throw SurrogateModelInterface::Error for an offset that is none, a fit that fails, and a
-     *        model of so many cases that each prediction asks for the nearest of them.
-     */
-    virtual PredictorDescription predictorDescription(int offset) const = 0;
 };

@@ -64,13 +64,3 @@ struct KrigingReport
      *  no leave-one-out figures, or nothing but rounding in them. */
     std::vector<LeftOutCase> worstCases;
 };
-
-/** Ability of a model: the parameters of its Kriging fits. */
-class MIREL_FITTING_EXPORT KrigingReportInterface
-{
-public:
-    virtual ~KrigingReportInterface();
-
-    /** Fits the dependent if it is not fitted yet; @throw SurrogateModelInterface::Error. */
-    virtual KrigingReport krigingReport(int offset) const = 0;
-};

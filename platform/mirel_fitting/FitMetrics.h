@@ -1,11 +1,7 @@
 #pragma once
 
-#include <mirel_fitting/Export.h>
-
 #include <cstddef>
 #include <limits>
-#include <string>
-#include <vector>
 
 /** How well a fit describes its cases; NaN where a figure does not exist for the model. */
 struct FitMetrics
@@ -21,17 +17,4 @@ struct FitMetrics
     double predictedR2 = none; ///< 1 - PRESS / SST
     double looRmse = none;     ///< sqrt(PRESS / n)
     double q2 = none;          ///< 1 - PRESS / SST, Kriging
-};
-
-/** Ability of a model: its quality as numbers. */
-class MIREL_FITTING_EXPORT FitMetricsInterface
-{
-public:
-    virtual ~FitMetricsInterface();
-
-    /** @throw SurrogateModelInterface::Error like qualityMetricInformation(). */
-    virtual FitMetrics fitMetrics(int offset) const = 0;
-
-    /** What changed the result (terms or cases dropped, nugget raised, ...), a sentence each. */
-    virtual std::vector<std::string> fitWarnings(int offset) const = 0;
 };

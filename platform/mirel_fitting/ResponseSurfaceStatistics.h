@@ -121,18 +121,3 @@ struct ResponseSurfaceStatistics
     std::optional<StationaryPoint> stationaryPoint;
     std::vector<std::string> droppedTerms; ///< all that are not kept
 };
-
-/** Ability of a model: the statistics of a fitted polynomial. */
-class MIREL_FITTING_EXPORT ResponseSurfaceStatisticsInterface
-{
-public:
-    virtual ~ResponseSurfaceStatisticsInterface();
-
-    /**
-     * @param level of the confidence limits.
-     * @throw SurrogateModelInterface::Error like qualityMetricInformation(), and for a level that
-     *        is not between 0 and 1.
-     */
-    virtual ResponseSurfaceStatistics responseSurfaceStatistics(int offset,
-                                                                double level = 0.95) const = 0;
-};

@@ -1,6 +1,4 @@
-#include <mirel_fitting/ResponseSurfaceStatisticsInterface.h>
-
-ResponseSurfaceStatisticsInterface::~ResponseSurfaceStatisticsInterface() = default;
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 const char* natureName(StationaryPoint::Nature nature)
 {

@@ -1,3 +1,0 @@
-#include <mirel_fitting/CoefficientTableInterface.h>
-
-CoefficientTableInterface::~CoefficientTableInterface() = default;

@@ -1,3 +1,0 @@
-#include <mirel_fitting/ExtrapolationInterface.h>
-
-ExtrapolationInterface::~ExtrapolationInterface() = default;

@@ -1,3 +1,0 @@
-#include <mirel_fitting/FitMetricsInterface.h>
-
-FitMetricsInterface::~FitMetricsInterface() = default;

@@ -1,0 +1,21 @@
+#include <mirel_fitting/FittedModel.h>
+
+FittedModel::~FittedModel() = default;
+
+PredictionIntervals FittedModel::predictionIntervals(const std::vector<double*>& inputs, int offset,
+                                                     double level, std::size_t count) const
+{
+    const double quantile = intervalQuantile(offset, level);
+    PredictionIntervals intervals;
+    intervals.upper = standardErrors(inputs, offset, ErrorKind::Observation, count);
+    intervals.lower.resize(count);
+    std::vector<double*> predictions = {intervals.lower.data()};
+    interpolateDependentValues(inputs, {offset}, predictions, count);
+    for (std::size_t point = 0; point < count; ++point) {
+        const double prediction = intervals.lower[point];
+        const double reach = quantile * intervals.upper[point];
+        intervals.lower[point] = prediction - reach;
+        intervals.upper[point] = prediction + reach;
+    }
+    return intervals;
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <mirel_fitting/LeaveOneOutPrediction.h>
+#include <mirel_fitting/PredictiveModel.h>
+
+#include <cstddef>
+#include <vector>
+
+/** Limits between which an observation lies with a given probability, one pair per point. */
+struct PredictionIntervals
+{
+    std::vector<double> lower;
+    std::vector<double> upper;
+};
+
+/**
+ * A model that was fitted to cases, and can tell the uncertainty of its predictions. Arguments,
+ * results and errors are those of PredictiveModel.
+ */
+class MIREL_FITTING_EXPORT FittedModel : public PredictiveModel
+{
+public:
+    enum class ErrorKind
+    {
+        Mean,       ///< of what interpolateDependentValues() predicts
+        Observation ///< of one more case at the point, with the estimated noise
+    };
+
+    ~FittedModel() override;
+
+    /**
+     * Standard errors of the predictions, in the unit of the output, never negative; of a mean 0 at
+     * a case that the model interpolates. They assume that the model is right, and contain the
+     * uncertainty of the trend's (polynomial's) coefficients, not that of the other parameters.
+     */
+    virtual std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
+                                               ErrorKind kind, std::size_t count) const = 0;
+
+    /**
+     * Pointwise prediction intervals: the prediction minus and plus intervalQuantile() standard
+     * errors of an observation.
+     * @param level probability that one more case at the point lies inside, such as 0.95.
+     * @throw Error also for a level that is not between 0 and 1, and for a response surface with as
+     *        many terms as cases.
+     */
+    PredictionIntervals predictionIntervals(const std::vector<double*>& inputs, int offset,
+                                            double level, std::size_t count) const;
+
+    /**
+     * Half the width of an interval in standard errors: a two-sided quantile of Student's t with
+     * the residual degrees of freedom for a response surface, of the normal distribution for
+     * Kriging. With standard errors of the mean it gives confidence intervals.
+     * @throw Error as predictionIntervals().
+     */
+    virtual double intervalQuantile(int offset, double level) const = 0;
+
+    /** Rows ascending: all of them, or a random sample where a model of many cases keeps no more
+     *  (at most 100 000). */
+    virtual std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const = 0;
+};

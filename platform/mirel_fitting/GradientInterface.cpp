@@ -1,3 +1,0 @@
-#include <mirel_fitting/GradientInterface.h>
-
-GradientInterface::~GradientInterface() = default;

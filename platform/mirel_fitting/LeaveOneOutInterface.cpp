@@ -1,3 +1,0 @@
-#include <mirel_fitting/LeaveOneOutInterface.h>
-
-LeaveOneOutInterface::~LeaveOneOutInterface() = default;

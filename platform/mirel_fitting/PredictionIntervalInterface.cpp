@@ -1,3 +1,0 @@
-#include <mirel_fitting/PredictionIntervalInterface.h>
-
-PredictionIntervalInterface::~PredictionIntervalInterface() = default;

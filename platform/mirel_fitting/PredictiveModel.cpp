@@ -1,0 +1,3 @@
+#include <mirel_fitting/PredictiveModel.h>
+
+PredictiveModel::~PredictiveModel() = default;

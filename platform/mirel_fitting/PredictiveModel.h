@@ -1,0 +1,58 @@
+#pragma once
+
+#include <mirel_fitting/Export.h>
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/PredictorDescription.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/**
+ * A model that knows how well it was fitted, where its cases lie, and what its predictions are
+ * computed from.
+ *
+ * Arguments and results of this class and of those derived from it:
+ * - points come as for interpolateDependentValues(): one array of `count` values per input,
+ * borrowed for the call, null allowed when `count` is 0;
+ * - one output at a time, addressed by its offset; it is fitted first if that has not been done;
+ * - results are returned by value, one number per point in a vector of `count`. Only
+ *   interpolateDependentValues() writes into arrays of the caller;
+ * - a point with a coordinate that is not finite gives NaN;
+ * - Error, like interpolateDependentValues(): another number of inputs, a null array, an offset out
+ *   of range, an output that cannot be fitted.
+ */
+class MIREL_FITTING_EXPORT PredictiveModel : public virtual SurrogateModelInterface
+{
+public:
+    ~PredictiveModel() override;
+
+    virtual FitMetrics fitMetrics(int offset) const = 0;
+
+    /** What changed the result (terms or cases dropped, nugget raised, ...), a sentence each. */
+    virtual std::vector<std::string> fitWarnings(int offset) const = 0;
+
+    /**
+     * How far each point lies outside the cases: the largest distance beyond an input's smallest or
+     * largest value among them, as a fraction of the range between these two. 0 inside; infinity
+     * where an input that is the same in all cases has another value.
+     */
+    virtual std::vector<double> extrapolations(const std::vector<double*>& inputs,
+                                               std::size_t count) const = 0;
+
+    /**
+     * The same as a sentence for the user. Empty if no point lies outside by more than rounded
+     * values explain: a thousandth of the range, or, for an input that is the same in all cases,
+     * half a unit in the sixth digit.
+     */
+    virtual std::string extrapolationWarning(const std::vector<double*>& inputs,
+                                             std::size_t count) const = 0;
+
+    /**
+     * Everything that a prediction is computed from.
+     * @throw Error also for a Kriging model of so many cases that each prediction searches for its
+     *        nearest neighbours among them.
+     */
+    virtual PredictorDescription predictorDescription(int offset) const = 0;
+};

@@ -1,3 +1,0 @@
-#include <mirel_fitting/PredictorDescriptionInterface.h>
-
-PredictorDescriptionInterface::~PredictorDescriptionInterface() = default;

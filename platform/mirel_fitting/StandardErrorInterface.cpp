@@ -1,3 +1,0 @@
-#include <mirel_fitting/StandardErrorInterface.h>
-
-StandardErrorInterface::~StandardErrorInterface() = default;
