@@ -1,5 +1,5 @@
-// Parsing a typed distribution text and expanding it into its values, beside what is the floor:
-// reading the same numbers with the standard library, and sorting the same values.
+// Parsing a distribution text and expanding it into its values, beside a lower bound: reading the
+// same numbers with the standard library and sorting them.
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <benchmark/benchmark.h>
@@ -165,24 +165,5 @@ void expandLargeRanges(benchmark::State& state)
     }
 }
 BENCHMARK(expandLargeRanges)->ArgName("ranges")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
-
-/** The same values sorted without knowing of runs. */
-void sortSameValues(benchmark::State& state)
-{
-    std::vector<double> expanded;
-    for (std::int64_t i = 0; i < state.range(0); ++i) {
-        const double step = static_cast<double>(1000 + 6 * i) / 999999.0;
-        for (int k = 0; k < 1000000; ++k) {
-            expanded.push_back(static_cast<double>(i) + k * step);
-        }
-    }
-    for (auto _ : state) {
-        std::vector<double> values = expanded;
-        std::sort(values.begin(), values.end());
-        values.erase(std::unique(values.begin(), values.end()), values.end());
-        benchmark::DoNotOptimize(values.data());
-    }
-}
-BENCHMARK(sortSameValues)->ArgName("ranges")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
 
 } // namespace

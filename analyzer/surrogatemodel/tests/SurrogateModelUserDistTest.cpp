@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <locale>
@@ -371,6 +372,55 @@ TEST(SurrogateModelUserDist, StepsTooSmallForTheNumbersVanishAsDuplicates)
 {
     // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
     EXPECT_EQ(valuesOf("1e16 - 10000000000000002 : 5"), (Values{1e16, 10000000000000002.0}));
+}
+
+TEST(SurrogateModelUserDist, MergesOverlappingRangesAndSingleValues)
+{
+    Values expected;
+    std::string text = "5.25";
+    for (int start = 0; start < 40; ++start) {
+        text += ", " + std::to_string(start) + " - " + std::to_string(start + 10) + " : 41";
+    }
+    for (int i = 0; i <= 4 * 49; ++i) {
+        expected.push_back(i / 4.0);
+    }
+
+    EXPECT_EQ(valuesOf(text), expected);
+}
+
+TEST(SurrogateModelUserDist, SortsARangeWhoseSumOvershootsItsMaximum)
+{
+    // Neighbours are 2 apart here: a step of 1.5 counts as 2, and the sum ends beyond the maximum.
+    const Values values = valuesOf("9007199254740992 - 9007199254741004 : 9");
+
+    EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+    EXPECT_EQ(values.back(), 9007199254741006.0);
+    EXPECT_EQ(values.size(), 8u) << "the maximum is one of the values before";
+}
+
+TEST(SurrogateModelUserDist, KeepsTheZeroThatTheTextNamesFirst)
+{
+    EXPECT_FALSE(std::signbit(valuesOf("0, -0").front()));
+    EXPECT_TRUE(std::signbit(valuesOf("-0, 0").front()));
+    EXPECT_TRUE(std::signbit(valuesOf("-0 - 100 : 200, 0 - 100 : 300").front()));
+}
+
+TEST(SurrogateModelUserDist, KeepsTheZeroThatALongListNamesFirst)
+{
+    std::string before;
+    std::string after;
+    for (int value = 40; value > 0; --value) {
+        before += std::to_string(value) + ", ";
+        after += ", " + std::to_string(-value);
+    }
+    const auto zeroOf = [&](const std::string& zeros) {
+        const Values values = valuesOf(before + zeros + after);
+        EXPECT_EQ(values.size(), 81u);
+        return values[40];
+    };
+
+    EXPECT_FALSE(std::signbit(zeroOf("0, 40, -40, 40, -40, -0")));
+    EXPECT_TRUE(std::signbit(zeroOf("-0, 40, -40, 40, -40, 0")));
 }
 
 TEST(SurrogateModelUserDist, AcceptsAMillionValuesPerRange)
