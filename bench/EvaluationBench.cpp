@@ -165,7 +165,6 @@ void runFilterOverIdleModel(benchmark::State& state)
         boost::make_shared<ProjectDataPipelineManager>(study.project));
     manager->independentVars()->set(study.inputs);
     for (auto _ : state) {
-        // A filter of its own each time: one that is updated again has its columns' memory.
         const auto grid = boost::make_shared<EvenGrid>(
             manager, study.distributions, static_cast<std::size_t>(state.range(0)), study.output);
         SurrogateModelQueryToTable::New(manager, grid)->Update();

@@ -10,7 +10,6 @@
 #include <set>
 #include <vector>
 
-class ColumnMemory;
 class InterpolationVariablesInterface;
 class SurrogateModelManagerInterface;
 class vtkTable;
@@ -56,20 +55,12 @@ public:
     virtual vtkSmartPointer<vtkTable> resultDependentVarValues() const;
 
 private:
-    friend class SurrogateModelQueryToTable;
-
-    /** With columns in memory that those of an earlier table gave back; borrowed for the call. */
-    SurrogateModelInputTableBuilder(const SurrogateModelManagerInterface& manager,
-                                    const InterpolationVariablesInterface& variables,
-                                    ColumnMemory& memory);
-
     void computeTable(const SurrogateModelManagerInterface& manager,
-                      const InterpolationVariablesInterface& variables, ColumnMemory& memory);
+                      const InterpolationVariablesInterface& variables);
     void addColumnsToIndependentVarTable(const SurrogateModelManagerInterface& manager);
     void addResultingDepenedentVariables(const std::set<VarPtr>& dependents);
     void populateTableArrays(const std::vector<VarPtr>& independents,
-                             const std::map<VarPtr, std::vector<double>>& values,
-                             ColumnMemory& memory);
+                             const std::map<VarPtr, std::vector<double>>& values);
 
     vtkSmartPointer<vtkTable> suppliedIndependent;
     vtkSmartPointer<vtkTable> resultDependent;

@@ -1,6 +1,5 @@
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 
-#include <surrogatemodel/ColumnMemory.h>
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 #include <surrogatemodel/SurrogateModelInputTableBuilder.h>
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
@@ -52,8 +51,7 @@ private:
 /**
  * VTK's own executive stays locked for ever when an exception passes through the algorithm, and
  * writes a report of its own into the output window when the algorithm fails, also where an
- * observer has taken the filter's report. The memory of columns is used again here and not in the
- * algorithm, because the executive empties the output before it calls the algorithm.
+ * observer has taken the filter's report.
  */
 class QueryExecutive : public vtkCompositeDataPipeline
 {
@@ -61,16 +59,7 @@ public:
     static QueryExecutive* New();
     vtkTypeMacro(QueryExecutive, vtkCompositeDataPipeline)
 
-    std::shared_ptr<ColumnMemory> memory = std::make_shared<ColumnMemory>(); ///< the filter's
-
 protected:
-    int ExecuteData(vtkInformation* request, vtkInformationVector** inputs,
-                    vtkInformationVector* outputs) override
-    {
-        const ColumnMemory::Reuse reuse(*memory);
-        return Superclass::ExecuteData(request, inputs, outputs);
-    }
-
     int CallAlgorithm(vtkInformation* request, int direction, vtkInformationVector** inputs,
                       vtkInformationVector* outputs) override
     {
@@ -144,8 +133,6 @@ public:
     boost::shared_ptr<const SurrogateModelManagerInterface> manager;
     SignalConnectionCollection connections;
     std::string lastError;
-    /// Shared with the executive, which knows when what came back is wanted.
-    std::shared_ptr<ColumnMemory> memory = std::make_shared<ColumnMemory>();
 };
 
 vtkSmartPointer<SurrogateModelQueryToTable>
@@ -185,9 +172,7 @@ vtkObjectBase* SurrogateModelQueryToTable::NewInstanceInternal() const
 
 vtkExecutive* SurrogateModelQueryToTable::CreateDefaultExecutive()
 {
-    auto* const executive = QueryExecutive::New();
-    executive->memory = impl->memory;
-    return executive;
+    return QueryExecutive::New();
 }
 
 std::string SurrogateModelQueryToTable::getLastError()
@@ -214,7 +199,7 @@ int SurrogateModelQueryToTable::RequestData(vtkInformation* /*request*/,
 
 void SurrogateModelQueryToTable::evaluate(vtkTable* output) const
 {
-    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars, *impl->memory);
+    const SurrogateModelInputTableBuilder builder(*impl->manager, *impl->ivars);
     const vtkSmartPointer<vtkTable> supplied = builder.suppliedIndependentVarValues();
     const vtkSmartPointer<vtkTable> results = builder.resultDependentVarValues();
 

@@ -28,7 +28,7 @@ if(NOT symbols MATCHES "SurfaceCoefficientExporter::SurfaceCoefficientExporter")
     message(SEND_ERROR "SurfaceCoefficientExporter is to be exported, but is not.")
 endif()
 
-string(JOIN "|" internal_names "ColumnMemory::" "SourcePoints" "::Impl" "QueryExecutive" "anonymous namespace"
+string(JOIN "|" internal_names "SourcePoints" "::Impl" "QueryExecutive" "anonymous namespace"
     "GenericSerializer" "NamedValueTranslator" "boost::bimaps")
 string(REGEX MATCHALL "[^\n]*(${internal_names})[^\n]*" internal "${symbols}")
 foreach(symbol IN LISTS internal)

@@ -5,7 +5,6 @@
 #include <mirel_datamanagement/tests/MemoryGrowth.h>
 
 #include <functional>
-#include <set>
 #include <stdexcept>
 
 namespace {
@@ -15,35 +14,9 @@ using Values = std::vector<double>;
 /** Bytes of a column of a large table, which has 200000 values of x1 and 2 of x2. */
 const std::size_t largeColumn = 2 * 200000 * sizeof(double);
 
-/** Where a filter's tables have their memory, and for how long. */
-class SurrogateModelQueryToTableMemoryTest : public QueryTest
-{
-protected:
-    double* buffer(const std::string& name) const
-    {
-        return vtkArrayDownCast<vtkDoubleArray>(output()->GetColumnByName(name.c_str()))
-            ->GetPointer(0);
-    }
-};
+using SurrogateModelQueryToTableMemoryTest = QueryTest;
 
 } // namespace
-
-TEST_F(SurrogateModelQueryToTableMemoryTest, WritesALargeTableIntoTheMemoryOfTheOneBefore)
-{
-    variables->inputs[x1] = Values(200000, 3.0);
-    update();
-    const std::set<double*> before = {buffer("x1"), buffer("x2"), buffer("y1")};
-
-    variables->inputs[x2] = {5, 6};
-    filter->Modified();
-    // Memory that the system has back when the new columns are made would go into these.
-    std::vector<std::vector<double>> decoys;
-    variables->onValues = [&decoys] { decoys.assign(6, std::vector<double>(400000)); };
-    update();
-
-    EXPECT_EQ((std::set<double*>{buffer("x1"), buffer("x2"), buffer("y1")}), before);
-    EXPECT_EQ(column("x2")[399999], 6.0);
-}
 
 TEST_F(SurrogateModelQueryToTableMemoryTest, LeavesTheColumnsOfEarlierLargeResultsAlone)
 {
