@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_modelexport/ModelExport.h>
+#include <mirel_modelexport/ExportedModel.h>
 
 #include <string>
 

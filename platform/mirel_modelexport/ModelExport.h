@@ -1,60 +1,11 @@
 #pragma once
 
-#include <mirel_fitting/DescribedSurrogateModel.h>
+#include <mirel_modelexport/ExportedModel.h>
 #include <mirel_property/ExceptionBase.h>
 
 #include <mirel_modelexport/Export.h>
 
-#include <boost/shared_ptr.hpp>
-
 #include <string>
-#include <vector>
-
-/** A fitted model with what its users call its variables: ready to leave the program. */
-struct MIREL_MODELEXPORT_EXPORT ExportedModel
-{
-    struct Input
-    {
-        std::string name;
-        double minimum = 0.0; ///< of the range that users see; finite
-        double maximum = 0.0;
-    };
-
-    struct Output
-    {
-        std::string name;
-        DescribedSurrogateModel::Output model;
-    };
-
-    /** Names an output of a model. */
-    struct WantedOutput
-    {
-        std::string name;
-        int offset = 0;
-    };
-
-    /**
-     * Describes outputs of a model, which are fitted if that has not been done.
-     * @param inputs  one per input of the model, in its order.
-     * @param outputs at least one, in the order wanted.
-     * @throw SurrogateModelInterface::Error if the model cannot be described, or has another number
-     *        of inputs.
-     */
-    static ExportedModel of(const SurrogateModelInterface& model, const std::vector<Input>& inputs,
-                            const std::vector<WantedOutput>& outputs);
-
-    /** A model that predicts the outputs, at the offsets 0, 1, ... in their order, to the last bit.
-     *  @throw SurrogateModelInterface::Error */
-    boost::shared_ptr<DescribedSurrogateModel> predictor() const;
-
-    bool isKriging() const;
-
-    std::vector<Input> inputs;
-    std::vector<Output> outputs;
-    /** A JSON object that goes with the model unread: what the exporter knows beyond it. Empty:
-     *  nothing. */
-    std::string report;
-};
 
 enum class ExportFormat
 {
