@@ -2,8 +2,7 @@
 
 #include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/cases/TrainingColumns.h>
-#include <mirel_fitting/grid/GridPoints.h>
-#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
 
 #include <algorithm>
@@ -153,20 +152,21 @@ struct Predictor
     {
         check(output.predictor);
         if (output.predictor.kind == Description::Kind::Kriging) {
-            kriging.emplace(KrigingPredictor::Parts::of(output.predictor));
+            kriging.emplace(FittedKriging::of(output.predictor));
         } else {
             polynomial.emplace(polynomialOf(output.predictor));
         }
     }
 
-    void predict(const std::vector<double*>& inputs, const GridPoints& points, double* result) const
+    void predict(const std::vector<double*>& inputs, const std::vector<ProductGrid>& grids,
+                 std::size_t count, double* result) const
     {
         if (kriging) {
-            kriging->predict(points, result);
+            predictGrids(*kriging, inputs, grids, result);
             return;
         }
-        polynomial->predict(coordinatesOf(inputs), {0}, {result}, points.count());
-        addNotFinite(inputs, result, points.count());
+        polynomial->predict(coordinatesOf(inputs), {0}, {result}, count);
+        addNotFinite(inputs, result, count);
     }
 
     DescribedSurrogateModel::Output output;
@@ -256,10 +256,10 @@ void DescribedSurrogateModel::interpolateDependentValues(const std::vector<doubl
     if (count == 0) {
         return;
     }
-    const GridPoints points(inputs, count);
+    const std::vector<ProductGrid> grids = ProductGrid::split(inputs, count);
     std::size_t k = 0;
     for (const int offset : offsets) {
-        impl->predictor(offset).predict(inputs, points, outputs[k++]);
+        impl->predictor(offset).predict(inputs, grids, count, outputs[k++]);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <mirel_fitting/cases/TrainingColumns.h>
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
+#include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/numerics/Distributions.h>
 
 #include <algorithm>
@@ -177,10 +178,10 @@ void KrigingSurrogateModel::interpolateDependentValues(const std::vector<double*
         }
         return;
     }
-    const GridPoints points(inputs, count);
+    const std::vector<ProductGrid> grids = ProductGrid::split(inputs, count);
     std::size_t k = 0;
     for (const int offset : offsets) {
-        impl->fit(offset).predictor.predict(points, outputs[k++]);
+        predictGrids(impl->fit(offset).predictor, inputs, grids, outputs[k++]);
     }
 }
 

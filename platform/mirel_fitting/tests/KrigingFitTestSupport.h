@@ -36,7 +36,7 @@ inline double valueAt(const KrigingFit& fit, std::vector<double> point)
         columns.push_back(&coordinate);
     }
     double value = 0.0;
-    fit.predictor.predict(columns, 1, &value);
+    fit.predictor.predict(columns, 0, 1, &value);
     return value;
 }
 

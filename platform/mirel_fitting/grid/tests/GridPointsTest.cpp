@@ -164,27 +164,3 @@ TEST(GridPoints, OfNoRowsHaveNoGrids)
 {
     EXPECT_TRUE(GridPoints({nullptr, nullptr}, 0).grids().empty());
 }
-
-TEST(GridPoints, ArePredictedAsTheGridTheyAreButForTheMissingCell)
-{
-    const Columns cases = latinHypercube(40, 3, 2);
-    KrigingArguments arguments;
-    arguments.correlationLengths = {0.5, 0.7, 0.9};
-    const KrigingSurrogateModel model =
-        arguments.model(cases, {valuesOf([](const auto& x) { return x[0] * x[1] + x[2]; }, cases)});
-    Columns columns(3);
-    for (int i = 0; i < 3000; ++i) {
-        columns[0].push_back(0.1 * (i / 300));
-        columns[1].push_back(0.2 * (i / 60 % 5));
-        columns[2].push_back(i % 60 / 59.0);
-    }
-    const std::vector<double> whole = predictions(model, columns);
-    columns[1][1234] = notANumber;
-
-    const std::vector<double> found = predictions(model, columns);
-
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        // The same bits only where the same way was taken.
-        ASSERT_TRUE(i == 1234 ? std::isnan(found[i]) : found[i] == whole[i]) << i;
-    }
-}

@@ -470,19 +470,3 @@ MaternCorrelation MaternCorrelation::reordered(const std::vector<std::size_t>& o
     result.scaleCases();
     return result;
 }
-
-MaternCorrelation MaternCorrelation::restrictedTo(const std::vector<std::size_t>& inputs) const
-{
-    std::vector<double> coordinates;
-    for (const std::size_t k : inputs) {
-        const auto column = columns.begin() + static_cast<std::ptrdiff_t>(k * stride);
-        coordinates.insert(coordinates.end(), column,
-                           column + static_cast<std::ptrdiff_t>(caseCount));
-    }
-    MaternCorrelation result(caseCount, inputs.size(), coordinates.data());
-    for (std::size_t q = 0; q < inputs.size(); ++q) {
-        result.scales[q] = scales[inputs[q]];
-    }
-    result.scaleCases();
-    return result;
-}

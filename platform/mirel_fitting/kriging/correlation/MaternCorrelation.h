@@ -94,9 +94,6 @@ public:
     /** The same cases in another order: `order[j]` is the present number of case j. */
     MaternCorrelation reordered(const std::vector<std::size_t>& order) const;
 
-    /** The factors of these inputs alone, with the same lengths. */
-    MaternCorrelation restrictedTo(const std::vector<std::size_t>& inputs) const;
-
 private:
     class PointBlock;
 

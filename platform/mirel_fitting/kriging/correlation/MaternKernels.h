@@ -78,28 +78,6 @@ struct MaternKernels
                         std::size_t startStride, std::size_t columns, double* result,
                         std::size_t stride);
 
-    /** Columns of the right matrix of multiplyPacked(). */
-    static constexpr std::size_t packedColumns = 16;
-
-    /**
-     * result[i * stride + r] = sum over k of left[k * lanes + r] * right[k * packedColumns + i],
-     * for k < count, r < lanes and i < packedColumns. All are aligned, `stride` a multiple of
-     * `lanes`.
-     */
-    void (*multiplyPacked)(const double* left, const double* right, std::size_t count,
-                           double* result, std::size_t stride);
-
-    /** What sumGaps() takes of each gap between two cases: the anchor on its left and three
-     *  coefficients, then those on its right. */
-    static constexpr std::size_t gapNumbers = 8;
-
-    /**
-     * result[i] = exp(-u) (a_0 + a_1 u + a_2 u^2) on the left + the same on the right, with u the
-     * distance of x[i] from the anchor. Number q of the gap of point i is gaps[q * lanes + i %
-     * lanes]. All are aligned, `count` a multiple of `lanes`.
-     */
-    void (*sumGaps)(const double* x, std::size_t count, const double* gaps, double* result);
-
     /** Those of instructionSet(). */
     static const MaternKernels& best();
 };

@@ -25,5 +25,5 @@ inline Vector larger(Vector a, Vector b)
 
 #include <mirel_fitting/kriging/correlation/MaternKernelsTemplate.h>
 
-const MaternKernels maternKernelsAvx512 = {&addWeightedSums, &correlate,      &addWeightedGradients,
-                                           &addProducts,     &multiplyPacked, &sumGaps};
+const MaternKernels maternKernelsAvx512 = {&addWeightedSums, &correlate, &addWeightedGradients,
+                                           &addProducts};

@@ -23,5 +23,5 @@ inline Vector larger(Vector a, Vector b)
 
 #include <mirel_fitting/kriging/correlation/MaternKernelsTemplate.h>
 
-const MaternKernels maternKernelsBaseline = {
-    &addWeightedSums, &correlate, &addWeightedGradients, &addProducts, &multiplyPacked, &sumGaps};
+const MaternKernels maternKernelsBaseline = {&addWeightedSums, &correlate, &addWeightedGradients,
+                                             &addProducts};

@@ -72,7 +72,7 @@ private:
     void warnOfRaisedNugget();
     bool isNuggetWanted() const;
     bool refineUntilCasesAreMet(KrigingLikelihood& likelihood) const;
-    KrigingPredictor::Parts commonParts() const;
+    FittedKriging commonParts() const;
     KrigingFit withCorrelation();
     void reportCorrelation(KrigingFit& fit, double processVariance, double condition, double rows,
                            bool meetsCases);
@@ -330,9 +330,9 @@ void Fitter::warnOfRaisedNugget()
     }
 }
 
-KrigingPredictor::Parts Fitter::commonParts() const
+FittedKriging Fitter::commonParts() const
 {
-    KrigingPredictor::Parts parts;
+    FittedKriging parts;
     parts.inputs = cases.activeInputs();
     parts.minimum = cases.minimum();
     parts.range = cases.range();
@@ -374,10 +374,10 @@ KrigingFit Fitter::withCorrelation()
                             refineUntilCasesAreMet(likelihood);
     warnOfConflicts(meetsCases);
 
-    KrigingPredictor::Parts parts = commonParts();
+    FittedKriging parts = commonParts();
     parts.processVariance = likelihood.processVariance();
     parts.nugget = found.parameters.nugget;
-    parts.meetsCases = meetsCases;
+    parts.interpolates = meetsCases;
     auto correlation =
         std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
     correlation->setLengths(found.parameters.lengths);
@@ -471,10 +471,10 @@ KrigingFit Fitter::ofManyCases()
     warnOfConflicts(areCasesMet(large));
     warnOfRaisedNugget();
 
-    KrigingPredictor::Parts parts = commonParts();
+    FittedKriging parts = commonParts();
     parts.processVariance = large.processVariance;
     parts.nugget = found.parameters.nugget;
-    parts.meetsCases = large.meetsCases;
+    parts.interpolates = large.meetsCases;
     parts.coefficients = large.coefficients;
     parts.weights = large.weights;
     if (!large.weights.empty()) {
@@ -534,7 +534,7 @@ KrigingFit Fitter::withTrendAlone()
     warnOfConflicts(true);
     warnOfTrend();
     const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
-    KrigingPredictor::Parts parts = commonParts();
+    FittedKriging parts = commonParts();
     parts.coefficients = leastSquares.coefficients;
     parts.processVariance = leastSquares.variance;
 
@@ -566,7 +566,7 @@ KrigingFit Fitter::constant()
     data->trend = {1.0};
     data->rows = {n};
     trend = std::make_shared<KrigingTrend>(data->cases, 0, data->coordinates, 0, 0);
-    KrigingPredictor::Parts parts = commonParts();
+    FittedKriging parts = commonParts();
     parts.coefficients = {0.0};
     parts.processVariance = squares / n;
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-GridAxis::GridAxis(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
+GridAxis::GridAxis(const FittedKriging& model, const std::vector<double*>& columns,
                    std::size_t firstRow, const ProductGrid::Axis& axis, std::size_t strideInGroup)
     : size(axis.size), stride(strideInGroup), isFinite(axis.size, 1)
 {
@@ -14,9 +14,9 @@ GridAxis::GridAxis(const KrigingPredictor::Parts& parts, const std::vector<doubl
             isFinite[v] = isFinite[v] && std::isfinite(value);
         }
     }
-    for (std::size_t k = 0; k < parts.inputs.size(); ++k) {
+    for (std::size_t k = 0; k < model.inputs.size(); ++k) {
         const auto& on = axis.columns;
-        if (std::find(on.begin(), on.end(), parts.inputs[k]) == on.end()) {
+        if (std::find(on.begin(), on.end(), model.inputs[k]) == on.end()) {
             continue;
         }
         inputs.push_back(k);
@@ -24,7 +24,7 @@ GridAxis::GridAxis(const KrigingPredictor::Parts& parts, const std::vector<doubl
         for (std::size_t v = 0; v < size; ++v) {
             if (isFinite[v]) {
                 const std::size_t row = firstRow + v * axis.stride;
-                values[v] = parts.coordinate(k, columns[parts.inputs[k]][row]);
+                values[v] = model.coordinate(k, columns[model.inputs[k]][row]);
             }
         }
         coordinates.push_back(std::move(values));

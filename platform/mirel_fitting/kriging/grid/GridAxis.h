@@ -1,7 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/grid/ProductGrid.h>
-#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/kriging/prediction/FittedKriging.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 
 #include <cstddef>
@@ -11,25 +11,26 @@
 class GridAxis
 {
 public:
-    /** @param strideInGroup number of combinations of the faster axes of its side. */
-    GridAxis(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
-             std::size_t firstRow, const ProductGrid::Axis& axis, std::size_t strideInGroup);
+    /** @param strideInGroup number of combinations of the faster axes of its group. */
+    GridAxis(const FittedKriging& model, const std::vector<double*>& columns, std::size_t firstRow,
+             const ProductGrid::Axis& axis, std::size_t strideInGroup);
 
     std::size_t valueAt(std::size_t combination) const { return combination / stride % size; }
 
-    /** Computes the correlations of all its values, unless they take more than 16 MiB. */
+    /** Computes `table`, unless it takes more than 16 MiB. */
     void tabulate(const MaternCorrelation& correlation);
 
-    /** Rows of correlations for `count` values from `first` on; of some kilobytes beside. */
+    /** Rows of correlations with the cases for `count` values from `first` on, each
+     *  correlationStride() long. */
     void correlate(const MaternCorrelation& correlation, std::size_t first, std::size_t count,
                    double* rows) const;
 
     std::size_t size;
-    std::size_t stride; ///< in combinations of its side
+    std::size_t stride; ///< in combinations of its group
     std::vector<char> isFinite;
-    std::vector<std::size_t> inputs; ///< that vary along it, as indices of the parts
+    std::vector<std::size_t> inputs; ///< that vary along it, as indices of the model's inputs
     /** Of those, one per value; 0 for a value that is not finite. */
     std::vector<std::vector<double>> coordinates;
     bool hasTable = false;
-    AlignedBuffer table; ///< correlations, value by value
+    AlignedBuffer table; ///< rows of correlations of all values, if hasTable
 };

@@ -11,20 +11,20 @@
 #include <cmath>
 #include <limits>
 
-KrigingVariance::KrigingVariance(const KrigingPredictor::Parts& parts)
-    : parts(parts), cases(parts.data->cases), terms(parts.data->terms), basis(parts.data->trend),
+KrigingVariance::KrigingVariance(const FittedKriging& model)
+    : model(model), cases(model.data->cases), terms(model.data->terms), basis(model.data->trend),
       triangle(terms * terms, 0.0)
 {
     const int order = static_cast<int>(cases);
     const int columns = static_cast<int>(terms);
-    if (parts.correlation) {
+    if (model.correlation) {
         factorise();
         cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order,
                     columns, 1.0, factor->values(), order, basis.data(), order);
     } else {
         for (std::size_t t = 0; t < terms; ++t) {
             for (std::size_t i = 0; i < cases; ++i) {
-                basis[t * cases + i] *= std::sqrt(parts.data->rows[i]);
+                basis[t * cases + i] *= std::sqrt(model.data->rows[i]);
             }
         }
     }
@@ -45,9 +45,9 @@ void KrigingVariance::factorise()
     // As the fit did it, block by block: what it could factorise is not refused here.
     factor = std::make_unique<BlockedCholesky>(cases, threadCount());
     factor->forColumns(0.0, [&](std::size_t first, std::size_t last) {
-        parts.correlation->fillLower(first, last, factor->values());
+        model.correlation->fillLower(first, last, factor->values());
         for (std::size_t j = first; j < last; ++j) {
-            factor->values()[j * cases + j] += parts.nugget / parts.data->rows[j];
+            factor->values()[j * cases + j] += model.nugget / model.data->rows[j];
         }
     });
     if (!factor->factorise()) {
@@ -58,16 +58,16 @@ void KrigingVariance::factorise()
 
 double KrigingVariance::noise() const
 {
-    if (!parts.correlation) {
+    if (!model.correlation) {
         return 1.0;
     }
     // What only keeps the factorisation sound is no noise.
-    return parts.meetsCases ? 0.0 : parts.nugget;
+    return model.interpolates ? 0.0 : model.nugget;
 }
 
 KrigingVariance::Workspace::Workspace(const KrigingVariance& variance, std::size_t mostPoints)
-    : correlations(variance.parts.correlation
-                       ? mostPoints * variance.parts.correlation->correlationStride()
+    : correlations(variance.model.correlation
+                       ? mostPoints * variance.model.correlation->correlationStride()
                        : 0),
       trend(mostPoints * variance.terms)
 {}
@@ -82,15 +82,15 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
     const int columns = static_cast<int>(terms);
     const int size = static_cast<int>(count);
     double* trend = workspace.trend.data(); // by columns, points x terms
-    parts.trend->evaluate(points, count, trend, count);
+    model.trend->evaluate(points, count, trend, count);
     cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, size, columns,
                 1.0, triangle.data(), columns, trend, size);
 
     std::fill_n(result, count, 0.0);
-    if (parts.correlation) {
-        const std::size_t stride = parts.correlation->correlationStride();
+    if (model.correlation) {
+        const std::size_t stride = model.correlation->correlationStride();
         double* correlations = workspace.correlations.data();
-        parts.correlation->correlate(points, count, correlations);
+        model.correlation->correlate(points, count, correlations);
         cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, size,
                     1.0, factor->values(), order, correlations, static_cast<int>(stride));
         cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, size, columns, order, -1.0,
@@ -106,8 +106,8 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
         }
     }
     // At a case the nugget is left, and less: the model that meets the cases has none.
-    const double nugget = parts.meetsCases ? parts.nugget : 0.0;
-    for (std::size_t i = 0; parts.correlation && i < count; ++i) {
+    const double nugget = model.interpolates ? model.nugget : 0.0;
+    for (std::size_t i = 0; model.correlation && i < count; ++i) {
         result[i] = result[i] - nugget > rounding ? result[i] - nugget : 0.0;
     }
 }

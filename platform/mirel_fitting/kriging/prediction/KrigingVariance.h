@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/kriging/prediction/FittedKriging.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/numerics/BlockedCholesky.h>
 
@@ -24,7 +24,7 @@ class KrigingVariance
 {
 public:
     /** @throw SurrogateModelInterface::Error if R cannot be factorised. */
-    explicit KrigingVariance(const KrigingPredictor::Parts& parts);
+    explicit KrigingVariance(const FittedKriging& model);
 
     /** Relative to the process variance: of the difference between a new case and the mean there.
      */
@@ -50,7 +50,7 @@ public:
 private:
     void factorise();
 
-    KrigingPredictor::Parts parts;
+    FittedKriging model;
     std::size_t cases;
     std::size_t terms;
     std::unique_ptr<BlockedCholesky> factor; // L of R = L L'; null without correlation

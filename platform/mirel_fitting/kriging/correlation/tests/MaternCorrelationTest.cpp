@@ -243,22 +243,6 @@ TEST(MaternCorrelation, CorrelatesPointsWithAllCases)
     }
 }
 
-TEST(MaternCorrelation, RestrictsToSomeInputsWithTheirLengths)
-{
-    constexpr std::size_t stride = 24; // the 19 cases, filled up to whole registers
-    const Cases data{19, 3};
-    const Cases points{5, 3};
-    const MaternCorrelation correlation = data.correlation({0.2, 1.0, 30.0});
-    const double* coordinates = points.coordinates.data();
-    AlignedBuffer expected(stride * 5);
-    AlignedBuffer found(stride * 5);
-
-    correlation.correlateInput(2, coordinates + 10, 5, expected.data());
-    correlation.restrictedTo({2}).correlate({coordinates + 10}, 5, found.data());
-
-    EXPECT_TRUE(std::equal(found.data(), found.data() + stride * 5, expected.data()));
-}
-
 TEST(MaternCorrelation, StaysFiniteForPointsFarAwayFromTheCases)
 {
     const Cases data{9, 2};

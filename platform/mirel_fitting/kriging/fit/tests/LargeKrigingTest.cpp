@@ -1,5 +1,6 @@
 // Fits of more cases than the exact model takes, with sizes that make a few hundred cases many.
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/grid/KrigingGrid.h>
 
 #include "KrigingTestSupport.h"
 
@@ -34,7 +35,7 @@ KrigingFit fitOf(Columns inputs, const std::vector<double>& output,
 std::vector<double> predicted(const KrigingFit& fit, Columns points)
 {
     std::vector<double> values(points.front().size());
-    fit.predictor.predict(pointersTo(points), values.size(), values.data());
+    fit.predictor.predict(pointersTo(points), 0, values.size(), values.data());
     return values;
 }
 
@@ -527,8 +528,9 @@ TEST(LargeKriging, PredictsGridsLikeScatteredPoints)
         grid[1].push_back(0.1 * (i / 10 % 10));
         grid[2].push_back(0.1 * (i % 10));
     }
-    std::vector<double> scattered(1000);
-    fit.predictor.predictScattered(pointersTo(grid), 0, 1000, scattered.data());
+    const std::vector<double*> columns = pointersTo(grid);
+    std::vector<double> values(1000);
+    predictGrids(fit.predictor, columns, ProductGrid::split(columns, 1000), values.data());
 
-    EXPECT_LT(relativeError(predicted(fit, grid), scattered), 1e-9);
+    EXPECT_LT(relativeError(values, predicted(fit, grid)), 1e-9);
 }

@@ -7,7 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <limits>
+#include <string>
 #include <utility>
 
 namespace {
@@ -24,9 +27,9 @@ struct Model
         const std::vector<double> coordinates = UniformNumbers(1).next(cases * inputs);
         std::vector<double> lengths;
         for (std::size_t k = 0; k < inputs; ++k) {
-            parts.inputs.push_back(k == 0 ? 0 : k + 1);
-            parts.minimum.push_back(static_cast<double>(k) - 1.0);
-            parts.range.push_back(2.0 + static_cast<double>(k));
+            fitted.inputs.push_back(k == 0 ? 0 : k + 1);
+            fitted.minimum.push_back(static_cast<double>(k) - 1.0);
+            fitted.range.push_back(2.0 + static_cast<double>(k));
             lengths.push_back(0.3 + 0.4 * static_cast<double>(k));
         }
         columnCount = inputs + 1;
@@ -34,20 +37,20 @@ struct Model
             std::make_shared<KrigingTrend>(cases, inputs, coordinates, trendOrder, 0);
         UniformNumbers numbers(2);
         for (std::size_t t = 0; t < trend->size(); ++t) {
-            parts.coefficients.push_back(numbers.next() - 0.5);
+            fitted.coefficients.push_back(numbers.next() - 0.5);
         }
         for (std::size_t j = 0; j < cases; ++j) {
-            parts.weights.push_back(100.0 * (numbers.next() - 0.5));
+            fitted.weights.push_back(100.0 * (numbers.next() - 0.5));
         }
-        parts.trend = trend;
+        fitted.trend = trend;
         auto correlation = std::make_shared<MaternCorrelation>(cases, inputs, coordinates.data());
         correlation->setLengths(lengths);
-        parts.correlation = correlation;
-        parts.offset = 10.0;
-        parts.scale = 3.0;
+        fitted.correlation = correlation;
+        fitted.offset = 10.0;
+        fitted.scale = 3.0;
     }
 
-    KrigingPredictor::Parts parts;
+    FittedKriging fitted;
     std::size_t columnCount;
 };
 
@@ -83,63 +86,96 @@ std::vector<double> evenly(std::size_t count, double from, double to)
 std::vector<double> scattered(const Model& model, Columns columns)
 {
     std::vector<double> result(columns[0].size());
-    KrigingPredictor(model.parts)
-        .predictScattered(pointersTo(columns), 0, result.size(), result.data());
+    KrigingPredictor(model.fitted).predict(pointersTo(columns), 0, result.size(), result.data());
     return result;
 }
 
-/** Through the grid, which has to be recognised. */
-std::vector<double> overGrid(const Model& model, Columns columns)
+ProductGrid wholeGrid(const std::vector<double*>& columns, std::size_t count)
 {
-    std::vector<double> result(columns[0].size(), -77.0);
-    const std::vector<double*> pointers = pointersTo(columns);
-    const std::vector<ProductGrid> grids = ProductGrid::split(pointers, result.size());
+    const std::vector<ProductGrid> grids = ProductGrid::split(columns, count);
     EXPECT_EQ(grids.size(), 1u);
-    EXPECT_TRUE(KrigingGrid::isWorthwhile(model.parts, grids[0]));
-    KrigingGrid(model.parts, pointers, grids[0]).predict(result.data());
-    return result;
+    return grids.front();
+}
+
+/** The matrix product, and the sums along each axis that they can run along. */
+std::vector<GridMethod> possibleMethods(const Model& model, const ProductGrid& grid)
+{
+    std::vector<GridMethod> methods = {GridMethod::matrixProduct(model.fitted, grid)};
+    for (std::size_t axis = 0; axis < grid.axes().size(); ++axis) {
+        methods.push_back(GridMethod::axisSums(model.fitted, grid, axis));
+    }
+    methods.erase(
+        std::remove_if(methods.begin(), methods.end(),
+                       [](const GridMethod& method) { return !std::isfinite(method.cost); }),
+        methods.end());
+    return methods;
+}
+
+using Check = std::function<void(const std::vector<double>& predictions)>;
+
+/** Predictions over the grid by each method that is possible for it. */
+void forEachMethod(const Model& model, Columns columns, const Check& check)
+{
+    const std::vector<double*> pointers = pointersTo(columns);
+    const ProductGrid grid = wholeGrid(pointers, columns[0].size());
+    const std::vector<GridMethod> methods = possibleMethods(model, grid);
+    ASSERT_FALSE(methods.empty());
+    const KrigingPredictor predictor(model.fitted);
+    for (const GridMethod& method : methods) {
+        SCOPED_TRACE(method.kind == GridMethod::Kind::MatrixProduct
+                         ? "matrix product"
+                         : "sums along axis " + std::to_string(method.axis));
+        std::vector<double> result(columns[0].size(), -77.0);
+        predictGrid(predictor, pointers, grid, method, result.data());
+        check(result);
+    }
 }
 
 /** 4 eps sum |w_j c_j| and 1e-12 of the standard deviation. */
 std::vector<double> tolerances(Model model, const Columns& columns)
 {
-    model.parts.coefficients.assign(model.parts.coefficients.size(), 0.0);
-    model.parts.offset = 0.0;
-    for (double& weight : model.parts.weights) {
+    model.fitted.coefficients.assign(model.fitted.coefficients.size(), 0.0);
+    model.fitted.offset = 0.0;
+    for (double& weight : model.fitted.weights) {
         weight = std::fabs(weight);
     }
     std::vector<double> result = scattered(model, columns);
     for (double& value : result) {
-        value = 4.0 * epsilon * value + 1e-12 * model.parts.scale;
+        value = 4.0 * epsilon * value + 1e-12 * model.fitted.scale;
     }
     return result;
 }
 
-/** Of three inputs, the first and the last of which may not be finite: NaN there only. */
-void expectPredictionsWhereFinite(const Model& model, const Columns& columns)
-{
-    const std::vector<double> expected = scattered(model, columns);
-    const std::vector<double> tolerance = tolerances(model, columns);
-
-    const std::vector<double> found = overGrid(model, columns);
-
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const bool isFinite = std::isfinite(columns[0][i]) && std::isfinite(columns[2][i]);
-        ASSERT_EQ(std::isnan(found[i]), !isFinite) << i;
-        if (isFinite) {
-            ASSERT_NEAR(found[i], expected[i], tolerance[i]) << i;
-        }
-    }
-}
-
+/** By each method: the scattered predictions, and NaN where a column is not finite. */
 void expectTheScatteredPredictions(const Model& model, const Columns& columns)
 {
     const std::vector<double> expected = scattered(model, columns);
     const std::vector<double> tolerance = tolerances(model, columns);
-    const std::vector<double> found = overGrid(model, columns);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        ASSERT_NEAR(found[i], expected[i], tolerance[i]) << "row " << i;
-    }
+    forEachMethod(model, columns, [&](const std::vector<double>& found) {
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const bool isFinite =
+                std::all_of(columns.begin(), columns.end(),
+                            [i](const auto& column) { return std::isfinite(column[i]); });
+            ASSERT_EQ(std::isnan(found[i]), !isFinite) << "row " << i;
+            if (isFinite) {
+                ASSERT_NEAR(found[i], expected[i], tolerance[i]) << "row " << i;
+            }
+        }
+    });
+}
+
+/** By each method. */
+void expectTheSameBitsForAnyNumberOfThreads(const Model& model, const Columns& columns)
+{
+    std::vector<std::vector<double>> byOne;
+    std::vector<std::vector<double>> byThree;
+    setThreadCount(1);
+    forEachMethod(model, columns, [&](const auto& found) { byOne.push_back(found); });
+    setThreadCount(3);
+    forEachMethod(model, columns, [&](const auto& found) { byThree.push_back(found); });
+    setThreadCount(0);
+
+    EXPECT_EQ(byOne, byThree);
 }
 
 } // namespace
@@ -225,42 +261,35 @@ TEST(KrigingGrid, GivesNaNForTheValuesThatAreNotFiniteOnly)
     const Model model(2);
     Columns columns =
         gridOf(3, {{0, {-1.0, notANumber, 0.0, 1.0}}, {2, {0.0, 1.0, 2.0, infinity, 3.0}}});
-    expectPredictionsWhereFinite(model, columns);
+    expectTheScatteredPredictions(model, columns);
 }
 
-TEST(KrigingGrid, CountsAColumnThatIsNoInput)
+TEST(KrigingGrid, GivesNaNWhereAColumnThatIsNoInputIsNotFinite)
 {
-    Columns axis =
+    const Columns axis =
         gridOf(3, {{1, {1.0, notANumber, 2.0}}, {0, evenly(5, -1, 1)}, {2, evenly(4, 0, 3)}});
     Columns constant = gridOf(3, {{0, evenly(5, -1, 1)}, {2, evenly(4, 0, 3)}});
     constant[1].assign(20, infinity);
 
-    const std::vector<double> some = overGrid(Model(2), axis);
-    const std::vector<double> none = overGrid(Model(2), constant);
-
-    for (std::size_t i = 0; i < 60; ++i) {
-        EXPECT_EQ(std::isnan(some[i]), i / 20 == 1) << i;
-    }
-    for (const double value : none) {
-        EXPECT_TRUE(std::isnan(value));
-    }
+    expectTheScatteredPredictions(Model(2), axis);
+    expectTheScatteredPredictions(Model(2), constant);
 }
 
 TEST(KrigingGrid, GivesTheSameBitsForAnyNumberOfThreads)
 {
     const Model model(3, 2, 200);
-    const Columns columns = gridOf(
+    const Columns even = gridOf(
         4, {{0, evenly(40, -1.5, 1.5)}, {2, evenly(60, 0.0, 3.0)}, {3, evenly(50, 1.0, 5.5)}});
-    setThreadCount(1);
-    const std::vector<double> one = overGrid(model, columns);
-    setThreadCount(3);
-    const std::vector<double> three = overGrid(model, columns);
-    setThreadCount(0);
+    const Columns oneLongAxis = gridOf(
+        4, {{0, evenly(11, -1.5, 1.5)}, {2, evenly(30, 0.0, 3.0)}, {3, evenly(1501, 1.0, 5.5)}});
+    const Columns line = gridOf(4, {{3, evenly(300000, 1.0, 5.5)}});
 
-    EXPECT_EQ(one, three);
+    expectTheSameBitsForAnyNumberOfThreads(model, even);
+    expectTheSameBitsForAnyNumberOfThreads(model, oneLongAxis);
+    expectTheSameBitsForAnyNumberOfThreads(model, line);
 }
 
-TEST(KrigingGrid, CondensesMediumAxesForEveryTrend)
+TEST(KrigingGrid, TakesFourAxesForEveryTrend)
 {
     for (const int trendOrder : {0, 1, 2}) {
         const Model model(4, trendOrder, 200);
@@ -271,7 +300,7 @@ TEST(KrigingGrid, CondensesMediumAxesForEveryTrend)
     }
 }
 
-TEST(KrigingGrid, CondensesAxesBetweenInputsThatDoNotVary)
+TEST(KrigingGrid, TakesAxesBetweenInputsThatDoNotVary)
 {
     const Model model(6, 2, 300);
     expectTheScatteredPredictions(model, gridOf(7, {{6, evenly(16, 4.0, 11.0)},
@@ -279,38 +308,20 @@ TEST(KrigingGrid, CondensesAxesBetweenInputsThatDoNotVary)
                                                     {0, evenly(16, -1.0, 1.0)}}));
 }
 
-TEST(KrigingGrid, CondensesValuesInAnyOrderAndThoseThatAreNotFinite)
+TEST(KrigingGrid, TakesUnsortedValuesAndThoseThatAreNotFinite)
 {
     const Model model(3, 2, 300);
     const std::vector<double> few = {notANumber, 0.3,  -0.9, 0.0, infinity,
                                      0.7,        -0.2, 0.9,  0.1, 0.4};
     const std::vector<double> mixed = {3.0, 0.2, 1.4, 2.2, 0.9, 1.4, 4.4, 2.9, 0.6, 5.1};
     for (const std::size_t first : {0u, 2u}) {
-        // Not finite on the slow side, then on the condensed axis, then on the fast side.
-        expectPredictionsWhereFinite(model,
-                                     gridOf(4, {{first, few}, {3, mixed}, {2 - first, mixed}}));
-        expectPredictionsWhereFinite(model,
-                                     gridOf(4, {{3, mixed}, {first, few}, {2 - first, mixed}}));
-        expectPredictionsWhereFinite(model,
-                                     gridOf(4, {{3, mixed}, {2 - first, mixed}, {first, few}}));
+        expectTheScatteredPredictions(model,
+                                      gridOf(4, {{first, few}, {3, mixed}, {2 - first, mixed}}));
+        expectTheScatteredPredictions(model,
+                                      gridOf(4, {{3, mixed}, {first, few}, {2 - first, mixed}}));
+        expectTheScatteredPredictions(model,
+                                      gridOf(4, {{3, mixed}, {2 - first, mixed}, {first, few}}));
     }
-}
-
-TEST(KrigingGrid, CondensesWithTheSameBitsForAnyNumberOfThreads)
-{
-    const Model model(6, 1, 300);
-    const Columns columns = gridOf(7, {{6, evenly(16, 4.0, 11.0)},
-                                       {2, evenly(16, -0.5, 3.5)},
-                                       {3, evenly(16, 1.0, 5.0)},
-                                       {0, evenly(16, -1.0, 1.0)}});
-
-    setThreadCount(1);
-    const std::vector<double> byOne = overGrid(model, columns);
-    setThreadCount(3);
-    const std::vector<double> byThree = overGrid(model, columns);
-    setThreadCount(0);
-
-    EXPECT_EQ(byOne, byThree);
 }
 
 TEST(KrigingGrid, SumsAlongALineForEveryInputAndTrend)
@@ -367,7 +378,7 @@ TEST(KrigingGrid, SumsOverTheFiniteValuesOfALine)
     for (const bool isLine : {true, false}) {
         Columns columns = isLine ? gridOf(3, {{2, values}})
                                  : gridOf(3, {{2, values}, {0, {-1.0, notANumber, 1.0}}});
-        expectPredictionsWhereFinite(model, columns);
+        expectTheScatteredPredictions(model, columns);
     }
 }
 
@@ -375,9 +386,7 @@ TEST(KrigingGrid, GivesNaNAlongALineWithoutAFiniteValue)
 {
     std::vector<double> values(700, notANumber);
     values[3] = infinity;
-    for (const double value : overGrid(Model(2, 1, 25), gridOf(3, {{2, values}}))) {
-        ASSERT_TRUE(std::isnan(value));
-    }
+    expectTheScatteredPredictions(Model(2, 1, 25), gridOf(3, {{2, values}}));
 }
 
 TEST(KrigingGrid, SumsAlongALineBesideAColumnThatIsNoInput)
@@ -388,10 +397,10 @@ TEST(KrigingGrid, SumsAlongALineBesideAColumnThatIsNoInput)
     expectTheScatteredPredictions(model, columns);
 
     columns[1][5] = notANumber;
-    EXPECT_TRUE(std::isnan(overGrid(model, columns)[5]));
+    expectTheScatteredPredictions(model, columns);
 }
 
-/** Weights that cancel: what sums have in common with each other is rounding of them alone. */
+/** Weights of both signs that nearly cancel: the sum is much smaller than its terms. */
 TEST(KrigingGrid, KeepsTheDigitsOfIllConditionedModels)
 {
     const auto wave = [](const std::vector<double>& x) {
@@ -415,65 +424,52 @@ TEST(KrigingGrid, KeepsTheDigitsOfIllConditionedModels)
             }
         }
         Model model(inputs);
-        model.parts = fit.predictor.model();
+        model.fitted = fit.predictor.model();
         const std::vector<double> tolerance = tolerances(model, columns);
-        EXPECT_GT(tolerance[450], 1e-11 * model.parts.scale) << "nothing cancels";
+        EXPECT_GT(tolerance[450], 1e-11 * model.fitted.scale) << "nothing cancels";
 
         expectTheScatteredPredictions(model, columns);
     }
 }
 
-TEST(KrigingGrid, SumsWithTheSameBitsForAnyNumberOfThreads)
+TEST(KrigingGrid, GivesNaNForThePointOfAMissingCellOnly)
 {
-    const Model model(3, 2, 200);
-    const Columns grid = gridOf(
-        4, {{0, evenly(11, -1.5, 1.5)}, {2, evenly(30, 0.0, 3.0)}, {3, evenly(1501, 1.0, 5.5)}});
-    const Columns line = gridOf(4, {{3, evenly(300000, 1.0, 5.5)}});
-    for (const Columns& columns : {grid, line}) {
-        setThreadCount(1);
-        const std::vector<double> one = overGrid(model, columns);
-        setThreadCount(3);
-        const std::vector<double> three = overGrid(model, columns);
-        setThreadCount(0);
+    const Model model(3, 1, 40);
+    Columns columns = gridOf(
+        4, {{0, evenly(10, -1.0, 1.0)}, {2, evenly(5, 0.0, 3.0)}, {3, evenly(60, 1.0, 5.5)}});
+    const std::vector<double> whole = scattered(model, columns);
+    const std::vector<double> tolerance = tolerances(model, columns);
+    columns[2][1234] = notANumber;
+    const std::vector<double*> pointers = pointersTo(columns);
+    std::vector<double> found(3000);
 
-        EXPECT_EQ(one, three);
-    }
-}
-
-/** One value more than a part may have. */
-TEST(KrigingGrid, TakesALineThatIsCut)
-{
-    const Model model(2, 1, 3);
-    Columns columns = gridOf(3, {{2, evenly(131073, -1.0, 4.0)}});
-    const std::vector<double> expected = scattered(model, columns);
-    std::vector<double> found(131073);
-
-    KrigingPredictor(model.parts).predict(pointersTo(columns), 131073, found.data());
+    predictGrids(KrigingPredictor(model.fitted), pointers, ProductGrid::split(pointers, 3000),
+                 found.data());
 
     for (std::size_t i = 0; i < found.size(); ++i) {
-        ASSERT_NEAR(found[i], expected[i], 1e-12) << i;
+        ASSERT_EQ(std::isnan(found[i]), i == 1234) << i;
+        ASSERT_TRUE(i == 1234 || std::fabs(found[i] - whole[i]) <= tolerance[i]) << i;
     }
 }
 
-TEST(KrigingGrid, IsNotWorthItWithoutRepetition)
+TEST(KrigingGrid, CutsLongLinesAndTakesSeveralGrids)
 {
-    const Model model(2);
-    Columns line = gridOf(3, {{0, evenly(50, -1.0, 1.0)}});
-    Columns small = gridOf(3, {{0, evenly(2, -1.0, 1.0)}, {2, evenly(2, 0.0, 3.0)}});
-    KrigingPredictor::Parts trendAlone = model.parts;
-    trendAlone.correlation = nullptr;
-    Columns large = gridOf(3, {{0, evenly(20, -1.0, 1.0)}, {2, evenly(20, 0.0, 3.0)}});
-    Columns longLine = gridOf(3, {{0, evenly(5000, -1.0, 1.0)}});
-    Columns diagonal = longLine;
-    diagonal[2] = diagonal[0];
+    const Model model(2, 1, 3);
+    // One value more than a part may have, then another grid.
+    Columns columns = gridOf(3, {{2, evenly(131073, -1.0, 4.0)}});
+    const Columns second = gridOf(3, {{0, evenly(20, -1.0, 1.0)}, {2, evenly(30, 0.0, 3.0)}});
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        columns[k].insert(columns[k].end(), second[k].begin(), second[k].end());
+    }
+    const std::vector<double> expected = scattered(model, columns);
+    const std::vector<double*> pointers = pointersTo(columns);
+    const std::size_t count = columns[0].size();
+    std::vector<double> found(count);
 
-    const auto gridFor = [](Columns& columns) {
-        return ProductGrid::split(pointersTo(columns), columns[0].size())[0];
-    };
-    EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(line)));
-    EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(small)));
-    EXPECT_FALSE(KrigingGrid::isWorthwhile(trendAlone, gridFor(large)));
-    EXPECT_FALSE(KrigingGrid::isWorthwhile(model.parts, gridFor(diagonal)));
-    EXPECT_TRUE(KrigingGrid::isWorthwhile(model.parts, gridFor(large)));
-    EXPECT_TRUE(KrigingGrid::isWorthwhile(model.parts, gridFor(longLine)));
+    predictGrids(KrigingPredictor(model.fitted), pointers, ProductGrid::split(pointers, count),
+                 found.data());
+
+    for (std::size_t i = 0; i < count; ++i) {
+        ASSERT_NEAR(found[i], expected[i], 1e-12) << i;
+    }
 }

@@ -22,21 +22,21 @@ struct Model
 
     KrigingPredictor predictor(bool isCorrelated = true) const
     {
-        KrigingPredictor::Parts parts;
-        parts.inputs = {0, 2};
-        parts.minimum = {10.0, 0.0};
-        parts.range = {4.0, 1.0};
-        parts.trend = std::make_shared<KrigingTrend>(12, 2, coordinates, 1, 3);
-        parts.coefficients = coefficients;
+        FittedKriging model;
+        model.inputs = {0, 2};
+        model.minimum = {10.0, 0.0};
+        model.range = {4.0, 1.0};
+        model.trend = std::make_shared<KrigingTrend>(12, 2, coordinates, 1, 3);
+        model.coefficients = coefficients;
         auto correlation = std::make_shared<MaternCorrelation>(12, 2, coordinates.data());
         correlation->setLengths(lengths);
         if (isCorrelated) {
-            parts.correlation = correlation;
-            parts.weights = weights;
+            model.correlation = correlation;
+            model.weights = weights;
         }
-        parts.offset = 100.0;
-        parts.scale = 3.0;
-        return KrigingPredictor(std::move(parts));
+        model.offset = 100.0;
+        model.scale = 3.0;
+        return KrigingPredictor(std::move(model));
     }
 
     double directly(double x, double z) const
@@ -59,7 +59,7 @@ struct Model
 std::vector<double> predict(const KrigingPredictor& predictor, Columns points)
 {
     std::vector<double> result(points.front().size());
-    predictor.predict(pointersTo(points), result.size(), result.data());
+    predictor.predict(pointersTo(points), 0, result.size(), result.data());
     return result;
 }
 

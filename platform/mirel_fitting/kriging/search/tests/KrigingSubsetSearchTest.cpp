@@ -96,7 +96,7 @@ TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
     EXPECT_FALSE(decreases);
     Columns at = points;
     std::vector<double> values(100);
-    fit.predictor.predict(pointersTo(at), 100, values.data());
+    fit.predictor.predict(pointersTo(at), 0, 100, values.data());
     EXPECT_LT(relativeError(values, valuesOf(wave, points)), 1e-4);
     EXPECT_EQ(fit.warnings,
               std::vector<std::string>(

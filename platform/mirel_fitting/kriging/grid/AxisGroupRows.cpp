@@ -1,4 +1,4 @@
-#include <mirel_fitting/kriging/grid/GridRows.h>
+#include <mirel_fitting/kriging/grid/AxisGroupRows.h>
 
 #include <mirel_fitting/machine/SimdLanes.h>
 
@@ -17,53 +17,54 @@ SURROGATE_SIMD void multiply(const double* a, const double* b, std::size_t count
 
 } // namespace
 
-GridRows::GridRows(const GridSide& side, const MaternCorrelation& correlation, std::size_t rows)
-    : side(side), correlation(correlation), cases(correlation.cases()),
+AxisGroupRows::AxisGroupRows(const AxisGroup& group, const MaternCorrelation& correlation,
+                             std::size_t maxRows)
+    : group(group), correlation(correlation), cases(correlation.cases()),
       tableStride(correlation.correlationStride()),
-      rowStride(AlignedBuffer::padded(cases + side.trend.size())),
-      buffer(AlignedBuffer::uninitialised(rows * rowStride)), shared(cases)
+      rowStride(AlignedBuffer::padded(cases + group.trend.size())),
+      buffer(AlignedBuffer::uninitialised(maxRows * rowStride)), shared(cases)
 {
-    for (const GridAxis& axis : side.axes) {
+    for (const GridAxis& axis : group.axes) {
         const bool isComputedHere = !axis.inputs.empty() && !axis.hasTable;
-        const std::size_t values = std::min(axis.size, rows / axis.stride + 2);
+        const std::size_t values = std::min(axis.size, maxRows / axis.stride + 2);
         partialTables.push_back(
             {AlignedBuffer::uninitialised(isComputedHere ? values * tableStride : 0), false});
     }
 }
 
-void GridRows::fill(std::size_t firstCombination, std::size_t count)
+void AxisGroupRows::fill(std::size_t firstCombination, std::size_t count)
 {
     first = firstCombination;
-    for (std::size_t a = 0; a < side.axes.size(); ++a) {
-        if (!side.axes[a].inputs.empty() && !side.axes[a].hasTable) {
+    for (std::size_t a = 0; a < group.axes.size(); ++a) {
+        if (!group.axes[a].inputs.empty() && !group.axes[a].hasTable) {
             computeTable(a, count);
         }
     }
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t combination = first + i;
-        if (i == 0 || side.axes.empty() || side.axes[0].valueAt(combination) == 0) {
+        if (i == 0 || group.axes.empty() || group.axes[0].valueAt(combination) == 0) {
             multiplySlowerAxes(combination);
         }
         double* row = buffer.data() + i * rowStride;
-        const double* fastest = side.axes.empty() ? nullptr : correlationsOf(0, combination);
+        const double* fastest = group.axes.empty() ? nullptr : correlationsOf(0, combination);
         if (fastest) {
             multiply(shared.data(), fastest, cases, row);
         } else {
             std::copy_n(shared.data(), cases, row);
         }
-        for (std::size_t t = 0; t < side.trend.size(); ++t) {
-            row[cases + t] = side.trend[t].at(combination);
+        for (std::size_t t = 0; t < group.trend.size(); ++t) {
+            row[cases + t] = group.trend[t].at(combination);
         }
-        if (!side.isFinite(combination)) {
+        if (!group.isFinite(combination)) {
             row[cases] = std::numeric_limits<double>::quiet_NaN();
         }
     }
 }
 
-/** Of the values that the combinations from `first` on pass through, and no others. */
-void GridRows::computeTable(std::size_t a, std::size_t count)
+/** Of the values that `count` combinations from `first` on pass through. */
+void AxisGroupRows::computeTable(std::size_t a, std::size_t count)
 {
-    const GridAxis& axis = side.axes[a];
+    const GridAxis& axis = group.axes[a];
     double* table = partialTables[a].rows.data();
     const std::size_t passed = (first + count - 1) / axis.stride - first / axis.stride + 1;
     partialTables[a].isWhole = passed >= axis.size;
@@ -77,10 +78,10 @@ void GridRows::computeTable(std::size_t a, std::size_t count)
     axis.correlate(correlation, 0, passed - untilEnd, table + untilEnd * tableStride);
 }
 
-/** The correlations of the value that an axis has there; null if no input varies along it. */
-const double* GridRows::correlationsOf(std::size_t a, std::size_t combination) const
+/** The correlations of the axis' value in that combination; null if no input varies along it. */
+const double* AxisGroupRows::correlationsOf(std::size_t a, std::size_t combination) const
 {
-    const GridAxis& axis = side.axes[a];
+    const GridAxis& axis = group.axes[a];
     if (axis.inputs.empty()) {
         return nullptr;
     }
@@ -93,14 +94,14 @@ const double* GridRows::correlationsOf(std::size_t a, std::size_t combination) c
     return partialTables[a].rows.data() + row * tableStride;
 }
 
-void GridRows::multiplySlowerAxes(std::size_t combination)
+void AxisGroupRows::multiplySlowerAxes(std::size_t combination)
 {
-    if (side.factors.empty()) {
+    if (group.factors.empty()) {
         std::fill_n(shared.data(), cases, 1.0);
     } else {
-        std::copy_n(side.factors.data(), cases, shared.data());
+        std::copy_n(group.factors.data(), cases, shared.data());
     }
-    for (std::size_t a = side.axes.size(); a-- > 1;) {
+    for (std::size_t a = group.axes.size(); a-- > 1;) {
         if (const double* row = correlationsOf(a, combination)) {
             multiply(shared.data(), row, cases, shared.data());
         }

@@ -1,22 +1,22 @@
-#include <mirel_fitting/kriging/grid/GridSide.h>
+#include <mirel_fitting/kriging/grid/AxisGroup.h>
 
 #include <algorithm>
 
-GridSide::GridSide(const KrigingPredictor::Parts& parts, const std::vector<double*>& columns,
-                   const ProductGrid& grid, const std::vector<std::size_t>& chosen)
+AxisGroup::AxisGroup(const FittedKriging& model, const std::vector<double*>& columns,
+                     const ProductGrid& grid, const std::vector<std::size_t>& chosen)
 {
     for (const std::size_t a : chosen) {
-        axes.emplace_back(parts, columns, grid.firstRow(), grid.axes()[a], size);
+        axes.emplace_back(model, columns, grid.firstRow(), grid.axes()[a], size);
         size *= grid.axes()[a].size;
     }
 }
 
-double GridSide::Place::centred(std::size_t combination) const
+double AxisGroup::Input::centred(std::size_t combination) const
 {
     return KrigingTrend::centred(axis->coordinates[index][axis->valueAt(combination)]);
 }
 
-GridSide::Place GridSide::placeOf(std::size_t input) const
+AxisGroup::Input AxisGroup::find(std::size_t input) const
 {
     for (const GridAxis& axis : axes) {
         const auto found = std::find(axis.inputs.begin(), axis.inputs.end(), input);
@@ -27,34 +27,34 @@ GridSide::Place GridSide::placeOf(std::size_t input) const
     return {nullptr, 0};
 }
 
-bool GridSide::isFinite(std::size_t combination) const
+bool AxisGroup::isFinite(std::size_t combination) const
 {
     return std::all_of(axes.begin(), axes.end(), [combination](const GridAxis& axis) {
         return axis.isFinite[axis.valueAt(combination)];
     });
 }
 
-double GridSide::Polynomial::at(std::size_t combination) const
+double AxisGroup::Polynomial::at(std::size_t combination) const
 {
     double sum = 0.0;
     for (const Term& term : terms) {
         double value = term.coefficient;
-        for (const Place& place : term.factors) {
-            value *= place.centred(combination);
+        for (const Input& input : term.factors) {
+            value *= input.centred(combination);
         }
         sum += value;
     }
     return sum;
 }
 
-std::vector<double> GridSide::Polynomial::along(std::size_t values) const
+std::vector<double> AxisGroup::Polynomial::along(std::size_t values) const
 {
     std::vector<double> sums(values, 0.0);
     for (const Term& term : terms) {
         const double* x = nullptr;
         const double* y = nullptr;
-        for (const Place& place : term.factors) {
-            (x ? y : x) = place.axis->coordinates[place.index].data();
+        for (const Input& input : term.factors) {
+            (x ? y : x) = input.axis->coordinates[input.index].data();
         }
         for (std::size_t v = 0; v < values; ++v) {
             const double product =

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <mirel_fitting/kriging/grid/AxisGroup.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
+
+#include <cstddef>
+#include <vector>
+
+/** The rows of consecutive combinations of an axis group: per combination the correlations with all
+ *  cases, then the values of the trend polynomials. */
+class AxisGroupRows
+{
+public:
+    /** @param maxRows of one fill(). Group and correlation are borrowed. */
+    AxisGroupRows(const AxisGroup& group, const MaternCorrelation& correlation,
+                  std::size_t maxRows);
+
+    /** Computes the rows of `count` combinations. The first trend value of a combination that is
+     * not finite is NaN. */
+    void fill(std::size_t firstCombination, std::size_t count);
+
+    const double* data() const { return buffer.data(); }
+    std::size_t stride() const { return rowStride; }
+    std::size_t columns() const { return cases + group.trend.size(); }
+
+private:
+    void computeTable(std::size_t axis, std::size_t count);
+    const double* correlationsOf(std::size_t axis, std::size_t combination) const;
+    void multiplySlowerAxes(std::size_t combination);
+
+    /** Correlations of an axis that is too long for a table of its own: of the values that the
+     *  present combinations pass through. */
+    struct PartialTable
+    {
+        AlignedBuffer rows;
+        bool isWhole; ///< all values of the axis, from the first
+    };
+
+    const AxisGroup& group;
+    const MaternCorrelation& correlation;
+    std::size_t cases;
+    std::size_t tableStride;
+    std::size_t rowStride;
+    AlignedBuffer buffer;
+    std::vector<PartialTable> partialTables;
+    AlignedBuffer shared; // product of all axes but the fastest
+    std::size_t first = 0;
+};
