@@ -191,37 +191,20 @@ ProductGrid::ProductGrid(const std::vector<double*>& columns, std::size_t first,
     std::sort(constants.begin(), constants.end());
 }
 
-std::vector<ProductGrid> ProductGrid::cut(std::size_t mostValues) const
+std::vector<ProductGrid> ProductGrid::cut(std::size_t maxValues) const
 {
     const bool isShort = std::all_of(axisList.begin(), axisList.end(),
-                                     [&](const Axis& axis) { return axis.size <= mostValues; });
+                                     [&](const Axis& axis) { return axis.size <= maxValues; });
     if (isShort) {
         return {*this};
     }
     // Where the slowest axis is not the long one, a faster one is, for each of its values.
     const Axis& slowest = axisList.back();
-    const std::size_t atATime = slowest.size > mostValues ? mostValues : 1;
+    const std::size_t atATime = slowest.size > maxValues ? maxValues : 1;
     std::vector<ProductGrid> grids;
     for (std::size_t value = 0; value < slowest.size; value += atATime) {
         const ProductGrid part = slice(value, std::min(atATime, slowest.size - value));
-        for (ProductGrid& grid : part.cut(mostValues)) {
-            grids.push_back(std::move(grid));
-        }
-    }
-    return grids;
-}
-
-std::vector<ProductGrid> ProductGrid::cutRows(std::size_t mostRows) const
-{
-    if (rows <= mostRows || axisList.empty()) {
-        return {*this};
-    }
-    const Axis& slowest = axisList.back();
-    const std::size_t atATime = std::max<std::size_t>(mostRows / slowest.stride, 1);
-    std::vector<ProductGrid> grids;
-    for (std::size_t value = 0; value < slowest.size; value += atATime) {
-        const ProductGrid part = slice(value, std::min(atATime, slowest.size - value));
-        for (ProductGrid& grid : part.cutRows(mostRows)) {
+        for (ProductGrid& grid : part.cut(maxValues)) {
             grids.push_back(std::move(grid));
         }
     }

@@ -29,10 +29,7 @@ public:
     static std::vector<ProductGrid> split(const std::vector<double*>& columns, std::size_t count);
 
     /** The same rows as consecutive grids with at most so many values on each axis. */
-    std::vector<ProductGrid> cut(std::size_t mostValues) const;
-
-    /** The same rows as consecutive grids with at most so many rows each, 1 at least. */
-    std::vector<ProductGrid> cutRows(std::size_t mostRows) const;
+    std::vector<ProductGrid> cut(std::size_t maxValues) const;
 
     std::size_t firstRow() const { return first; }
     std::size_t rowCount() const { return rows; }
