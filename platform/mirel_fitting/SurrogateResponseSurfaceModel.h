@@ -1,7 +1,6 @@
 #pragma once
 
 #include <mirel_fitting/FittedModel.h>
-#include <mirel_fitting/PolynomialCoefficient.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -86,10 +85,6 @@ public:
      * many stretches of equal length.
      */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
-
-    /** Every term of the fitted order, in the order of the equation text, for the inputs as they
-     *  are: multiplied out, also where the text is written in centred inputs. */
-    std::vector<PolynomialCoefficient> coefficientTable(int offset) const;
 
     /**
      * Pure error is looked for in up to 100 000 cases: of more, the table has no lack of fit.

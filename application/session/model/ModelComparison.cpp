@@ -135,7 +135,7 @@ std::size_t termsOf(const SurrogateModelInterface& model)
 {
     const auto* const table = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
     if (table != nullptr && TermSelectionScope::current() != TermSelectionScope::Selection::All) {
-        return table->coefficientTable(0).size();
+        return table->responseSurfaceStatistics(0).coefficients.size();
     }
     const auto* const metrics = dynamic_cast<const PredictiveModel*>(&model);
     return metrics == nullptr ? 0 : metrics->fitMetrics(0).terms;

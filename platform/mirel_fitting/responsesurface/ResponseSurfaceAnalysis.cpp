@@ -92,6 +92,62 @@ ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::
     : fit(fit), output(fit.outputs()[output]), pureError(pureError)
 {}
 
+FitMetrics ResponseSurfaceAnalysis::metrics() const
+{
+    const auto cases = static_cast<double>(fit.cases());
+    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    const double unit = output.scale.unit();
+    const bool hasSpread = output.scale.spread() > 0.0;
+
+    FitMetrics metrics;
+    metrics.cases = fit.cases();
+    metrics.terms = fit.keptCount();
+    metrics.rmse = deviation();
+    if (hasSpread) {
+        metrics.r2 = 1.0 - residualSquares() / output.totalSquares;
+    }
+    if (hasSpread && freedom > 0.0) {
+        metrics.adjustedR2 =
+            1.0 - residualSquares() / freedom / (output.totalSquares / (cases - 1.0));
+    }
+    if (fit.isPressAvailable()) {
+        metrics.press = unit * unit * output.press;
+        metrics.looRmse = unit * std::sqrt(output.press / cases);
+    }
+    if (hasSpread && fit.isPressAvailable()) {
+        metrics.predictedR2 = 1.0 - output.press / output.totalSquares;
+    }
+    return metrics;
+}
+
+/**
+ * By the leverage h of each case, e its residual: the prediction without it is off by
+ * d = e / (1 - h), and the residual sum of squares without it smaller by d e.
+ */
+std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictions() const
+{
+    const double squares = residualSquares();
+    const double freedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
+    const double unit = output.scale.unit();
+    std::vector<LeaveOneOutPrediction> result;
+    result.reserve(fit.sampledCount());
+    for (std::size_t k = 0; k < fit.sampledCount(); ++k) {
+        const double leverage = fit.leverages()[k];
+        const double oneMinusLeverage =
+            PolynomialFit::isDeterminedAlone(leverage) ? none : 1.0 - leverage;
+        const double difference = output.residuals[k] / oneMinusLeverage;
+        // Rounding may leave less than nothing; NaN stays NaN.
+        const double squaresOfOthers =
+            std::max(squares - difference * output.residuals[k], 0.0 * difference);
+        const double error =
+            freedom > 0.0 ? std::sqrt(squaresOfOthers / freedom / oneMinusLeverage) : none;
+        result.push_back({fit.sampledRow(k), output.values[k], output.values[k] - unit * difference,
+                          unit * error});
+    }
+    return result;
+}
+
+/** The residual sum of squares of the scaled output. */
 double ResponseSurfaceAnalysis::residualSquares() const
 {
     // What the mean leaves is the spread: computed in another way it differs by rounding.

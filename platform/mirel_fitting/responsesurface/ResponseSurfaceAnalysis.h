@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
@@ -26,8 +28,10 @@ public:
     ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
                             const PureError& pureError);
 
-    /** The residual sum of squares of the scaled output. */
-    double residualSquares() const;
+    FitMetrics metrics() const;
+
+    /** Of all cases, or of the sampled ones; rows ascending. */
+    std::vector<LeaveOneOutPrediction> leaveOneOutPredictions() const;
 
     /** One per term of the basis, for the inputs as they are. */
     std::vector<CoefficientStatistics> coefficients(double level) const;
@@ -55,6 +59,7 @@ private:
     struct Coding;
     struct Curvature;
 
+    double residualSquares() const;
     double deviation() const;
     std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
     double squaresAboutMean(const Vector& combination) const;

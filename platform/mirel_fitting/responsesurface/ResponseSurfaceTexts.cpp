@@ -1,5 +1,6 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 
+#include <mirel_fitting/polynomial/EquationText.h>
 #include <mirel_fitting/polynomial/PolynomialUnits.h>
 
 #include <algorithm>
@@ -197,12 +198,32 @@ std::string leftOut(const std::vector<std::string>& with)
 
 } // namespace
 
-const char* ResponseSurfaceTexts::orderName(int order, bool hasSquares)
+std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
+                                           const PolynomialFit::Output& output)
 {
-    return order == 0   ? "constant"
-           : order == 1 ? "linear"
-           : hasSquares ? "full quadratic"
-                        : "linear with interactions";
+    // Beyond this fraction of the output's spread the text stays in centred inputs.
+    constexpr double tolerableLoss = 1e-9;
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    EquationText text(fit.basis());
+    for (std::size_t term = 0; term < fit.basis().size(); ++term) {
+        if (!fit.isKept(term)) {
+            text.leaveOut(term);
+        }
+    }
+
+    std::vector<double> coefficients;
+    if (units.expansionLoss(output.coefficients) <= tolerableLoss * output.scale.spread()) {
+        coefficients = units.expanded(output.coefficients);
+    } else {
+        std::vector<double> centres;
+        for (const ColumnScale& scale : fit.inputScales()) {
+            centres.push_back(scale.centre());
+        }
+        text.setCentres(centres);
+        coefficients = units.centred(output.coefficients);
+    }
+    coefficients[0] += output.scale.centre();
+    return text.write(coefficients);
 }
 
 std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)

@@ -12,8 +12,9 @@
 class ResponseSurfaceTexts
 {
 public:
-    /** "constant", "linear", "linear with interactions", "full quadratic". */
-    static const char* orderName(int order, bool hasSquares);
+    /** The polynomial as one line, as EquationText writes it: multiplied out, or in centred inputs
+     *  where multiplying out would lose more than 1e-9 of the output's spread. */
+    static std::string equation(const PolynomialFit& fit, const PolynomialFit::Output& output);
 
     /** What the cases cannot separate, a sentence for each input or term that is left out for it:
      *  from which others.

@@ -42,8 +42,8 @@ TEST(ResponseSurfaceContract, OwnsWhatItNeeds)
     EXPECT_EQ(predict(model, points), predict(reference, points));
     EXPECT_EQ(model.surfaceCoefficientInformation(0), reference.surfaceCoefficientInformation(0));
     EXPECT_EQ(model.qualityMetricInformation(0), reference.qualityMetricInformation(0));
-    EXPECT_EQ(model.coefficientTable(0)[3].standardError,
-              reference.coefficientTable(0)[3].standardError);
+    EXPECT_EQ(model.responseSurfaceStatistics(0).coefficients[3].standardError,
+              reference.responseSurfaceStatistics(0).coefficients[3].standardError);
 }
 
 TEST(ResponseSurfaceContract, IsNotSpoiledByAnOutputThatNobodyAskedFor)
@@ -76,7 +76,7 @@ TEST(ResponseSurfaceContract, NamesAnOutputThatIsNotFiniteWheneverItIsWanted)
     EXPECT_EQ(errorOf([&] { model.qualityMetricInformation(1); }), message);
     EXPECT_EQ(errorOf([&] { model.fitMetrics(1); }), message);
     EXPECT_EQ(errorOf([&] { model.fitWarnings(1); }), message);
-    EXPECT_EQ(errorOf([&] { model.coefficientTable(1); }), message);
+    EXPECT_EQ(errorOf([&] { model.responseSurfaceStatistics(1).coefficients; }), message);
 }
 
 TEST(ResponseSurfaceContract, RefusesColumnsThatCannotBeFitted)

@@ -22,7 +22,7 @@ TEST(ResponseSurface, DropsAConstantInputAndItsProducts)
         (std::vector<std::string>{"V1 is the same in every case and was left out, and with it "
                                   "V1^2 and V1 V2."}));
     EXPECT_NEAR(predict(model, {{-5.0}, {0.25}})[0], reference[0], 1e-12);
-    EXPECT_EQ(model.coefficientTable(0)[1].estimate, 0.0);
+    EXPECT_EQ(model.responseSurfaceStatistics(0).coefficients[1].estimate, 0.0);
     EXPECT_EQ(model.surfaceCoefficientInformation(0).find("V1"), std::string::npos);
     EXPECT_NE(model.qualityMetricInformation(0).find("Terms: 3 of 6\n"), std::string::npos);
 }
@@ -152,7 +152,7 @@ TEST(ResponseSurface, KeepsInputsThatAreAlmostDependent)
     const Model model = fit(cases, 1);
 
     EXPECT_TRUE(model.fitWarnings(0).empty());
-    EXPECT_NEAR(model.coefficientTable(0)[2].estimate, -2.0, 1e-8);
+    EXPECT_NEAR(model.responseSurfaceStatistics(0).coefficients[2].estimate, -2.0, 1e-8);
 }
 
 TEST(ResponseSurface, TakesDuplicateCasesForReplicates)

@@ -16,7 +16,7 @@ TEST(ResponseSurface, PassesThroughAsManyCasesAsItHasTerms)
     EXPECT_EQ(termsOf(model, true).size(), 6u);
     EXPECT_LT(largestDifference(predict(model, cases.inputs), cases.outputs[0]), 1e-10);
     EXPECT_TRUE(model.fitWarnings(0).empty());
-    EXPECT_TRUE(std::isnan(model.coefficientTable(0)[1].standardError));
+    EXPECT_TRUE(std::isnan(model.responseSurfaceStatistics(0).coefficients[1].standardError));
 }
 
 TEST(ResponseSurface, LeavesFiguresOutThatNeedMoreCasesThanTerms)

@@ -30,7 +30,8 @@ double sharedDigits(double value, double reference)
 void expectCoefficients(const SurrogateResponseSurfaceModel& model,
                         const std::vector<Certified>& certified)
 {
-    const std::vector<PolynomialCoefficient> table = model.coefficientTable(0);
+    const std::vector<CoefficientStatistics> table =
+        model.responseSurfaceStatistics(0).coefficients;
     ASSERT_EQ(table.size(), certified.size());
     for (std::size_t term = 0; term < table.size(); ++term) {
         EXPECT_GE(sharedDigits(table[term].estimate, certified[term].estimate), 10.0)
@@ -105,7 +106,8 @@ Cases vapourDeposition()
 void expectPublished(const SurrogateResponseSurfaceModel& model, int offset,
                      const std::vector<Certified>& published)
 {
-    const std::vector<PolynomialCoefficient> table = model.coefficientTable(offset);
+    const std::vector<CoefficientStatistics> table =
+        model.responseSurfaceStatistics(offset).coefficients;
     ASSERT_EQ(table.size(), published.size());
     for (std::size_t term = 0; term < table.size(); ++term) {
         EXPECT_DOUBLE_EQ(rounded(table[term].estimate, 5), published[term].estimate)

@@ -565,7 +565,7 @@ TEST(ResponseSurfaceSelection, IsThatOfEachOutputByItself)
 
     EXPECT_EQ(both.responseSurfaceStatistics(0).droppedTerms,
               (std::vector<std::string>{"V1^2", "V2^2"}));
-    EXPECT_TRUE(both.coefficientTable(1)[3].isKept);
+    EXPECT_TRUE(both.responseSurfaceStatistics(1).coefficients[3].isKept);
     EXPECT_LT(largestDifference(predict(both, cases.inputs, 0), reference), 1e-12);
 }
 

@@ -65,7 +65,8 @@ TEST(ResponseSurfaceTerms, WithInteractionsReproduceATwistedPlane)
     const Model model = fit(twisted(5), PolynomialTerms::Interactions);
 
     const double expected[] = {1.0, 2.0, -3.0, 4.0};
-    const std::vector<PolynomialCoefficient> table = model.coefficientTable(0);
+    const std::vector<CoefficientStatistics> table =
+        model.responseSurfaceStatistics(0).coefficients;
     ASSERT_EQ(table.size(), 4u);
     for (std::size_t k = 0; k < 4; ++k) {
         EXPECT_NEAR(table[k].estimate, expected[k], 1e-12) << table[k].term;

@@ -27,7 +27,8 @@ inline Cases grid()
 inline std::vector<std::string> termsOf(const Model& model, bool kept)
 {
     std::vector<std::string> terms;
-    for (const PolynomialCoefficient& coefficient : model.coefficientTable(0)) {
+    for (const CoefficientStatistics& coefficient :
+         model.responseSurfaceStatistics(0).coefficients) {
         if (coefficient.isKept == kept) {
             terms.push_back(coefficient.term);
         }

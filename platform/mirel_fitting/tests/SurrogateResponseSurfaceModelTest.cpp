@@ -22,7 +22,8 @@ TEST(ResponseSurface, ReproducesAQuadraticFunction)
 
 TEST(ResponseSurface, ListsTheCoefficientsInTheOrderOfTheTerms)
 {
-    const std::vector<PolynomialCoefficient> table = fit(twoInputs(40, 0.0)).coefficientTable(0);
+    const std::vector<CoefficientStatistics> table =
+        fit(twoInputs(40, 0.0)).responseSurfaceStatistics(0).coefficients;
 
     const std::vector<std::pair<std::string, double>> expected = {
         {"1", 3.0}, {"V1", -2.0}, {"V2", 1.0}, {"V1^2", 0.5}, {"V1 V2", -1.0}, {"V2^2", 2.0}};
@@ -73,9 +74,10 @@ TEST(ResponseSurface, TakesCasesInBlocksAndLosesNone)
         // The last case alone moves the constant by its share.
         cases.outputs[0].back() += static_cast<double>(count);
         const Model moved = fit(cases, 0);
-        EXPECT_NEAR(moved.coefficientTable(0)[0].estimate -
-                        fit(twoInputs(count, 0.0), 0).coefficientTable(0)[0].estimate,
-                    1.0, 1e-10);
+        EXPECT_NEAR(
+            moved.responseSurfaceStatistics(0).coefficients[0].estimate -
+                fit(twoInputs(count, 0.0), 0).responseSurfaceStatistics(0).coefficients[0].estimate,
+            1.0, 1e-10);
     }
 }
 
@@ -121,8 +123,8 @@ TEST(ResponseSurface, DoesNotDependOnTheUnitsOfTheInputs)
         }
         const Model model = fit(scaled);
         EXPECT_LT(largestDifference(predict(model, scaled.inputs), reference), 1e-11) << factor;
-        EXPECT_NEAR(model.coefficientTable(0)[4].estimate,
-                    fit(cases).coefficientTable(0)[4].estimate, 1e-11);
+        EXPECT_NEAR(model.responseSurfaceStatistics(0).coefficients[4].estimate,
+                    fit(cases).responseSurfaceStatistics(0).coefficients[4].estimate, 1e-11);
     }
 }
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <mirel_fitting/PolynomialTerms.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** Which terms a polynomial has: all up to an order, on request without the squares. */
+struct PolynomialForm
+{
+    int order = 2;          ///< 0 constant, 1 linear, 2 of second order
+    bool hasSquares = true; ///< has an effect with order 2 only
+
+    static PolynomialForm of(PolynomialTerms terms);
+
+    std::size_t termCount(std::size_t inputs) const;
+
+    /** "constant", "linear", "linear with interactions", "full quadratic". */
+    std::string name() const;
+
+    /**
+     * The same, or the highest lower order that has no more terms than there are cases, and none
+     * without inputs to make them of.
+     * @throw SurrogateModelInterface::Error if the order is none of the three, or 10 000 terms do
+     *        not suffice.
+     */
+    PolynomialForm lowered(std::size_t inputs, std::size_t cases) const;
+
+    /** One flag per term of the basis, which is of this order; empty if it has all of them. */
+    std::vector<char> wantedTerms(const QuadraticBasis& basis) const;
+};

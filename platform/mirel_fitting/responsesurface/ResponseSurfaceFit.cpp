@@ -1,0 +1,210 @@
+#include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
+
+#include <mirel_fitting/cases/ReplicatedCases.h>
+#include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
+#include <mirel_fitting/responsesurface/TermSelection.h>
+
+#include <cmath>
+#include <utility>
+
+ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
+                                       const std::vector<double*>& outputs, std::size_t cases,
+                                       const PolynomialForm& wanted,
+                                       ResponseSurfaceOptions::Selection selection)
+    : inputCount(inputs.size()), wantedForm(wanted), fittedForm(wanted.lowered(inputCount, cases))
+{
+    const QuadraticBasis basis(inputCount, fittedForm.order);
+    common = std::make_shared<PolynomialFit>(basis, inputs, outputs, cases,
+                                             fittedForm.wantedTerms(basis));
+    for (std::size_t k = 0; k < outputs.size(); ++k) {
+        fits.push_back({common, k, {}, {}});
+        if (selection == ResponseSurfaceOptions::Selection::BackwardAicc) {
+            selectTerms(fits.back(), inputs, outputs[k]);
+        }
+    }
+    findPureErrors(inputs, outputs);
+    polynomials = std::make_unique<const PolynomialPredictor>(makePredictor());
+}
+
+void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>& inputs,
+                                     double* output)
+{
+    const std::shared_ptr<const PolynomialFit> whole = one.fit;
+    const TermSelection selection(*whole, one.position);
+    if (!selection.dropsAny()) {
+        return;
+    }
+    for (std::size_t term = 0; term < whole->basis().size(); ++term) {
+        if (whole->isKept(term) && !selection.isWanted()[term]) {
+            one.unneeded.push_back(whole->basis().name(term));
+        }
+    }
+    one.fit = std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
+                                              whole->cases(), selection.isWanted());
+    one.position = 0;
+}
+
+void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
+                                        const std::vector<double*>& outputs)
+{
+    const std::size_t cases = common->cases();
+    if (cases > PolynomialFit::mostSampled) {
+        return;
+    }
+    std::vector<const double*> varying;
+    for (std::size_t input = 0; input < inputs.size(); ++input) {
+        if (!common->inputScales()[input].isConstantUpToRounding()) {
+            varying.push_back(inputs[input]);
+        }
+    }
+    const ReplicatedCases replicated(varying, cases);
+    std::vector<double> scaled(replicated.areThere() ? cases : 0);
+    for (std::size_t k = 0; k < outputs.size() && replicated.areThere(); ++k) {
+        fits[k].output().scale.apply(outputs[k], cases, scaled.data());
+        fits[k].pureError.degreesOfFreedom = replicated.degreesOfFreedom();
+        fits[k].pureError.squares = replicated.squaresWithin(scaled.data());
+    }
+}
+
+PolynomialPredictor ResponseSurfaceFit::makePredictor() const
+{
+    std::vector<PolynomialPredictor::Scale> scales;
+    for (const ColumnScale& scale : common->inputScales()) {
+        scales.push_back({scale.centre(), scale.unit()});
+    }
+    std::vector<PolynomialPredictor::Output> outputs;
+    for (const OutputFit& one : fits) {
+        const PolynomialFit::Output& output = one.output();
+        outputs.push_back({output.scale.centre() + output.coefficients[0], output.coefficients});
+    }
+    return {common->basis(), std::move(scales), std::move(outputs)};
+}
+
+PredictorDescription ResponseSurfaceFit::description(std::size_t output) const
+{
+    const PolynomialPredictor::Output& polynomial = polynomials->outputs()[output];
+    PredictorDescription description;
+    for (const PolynomialPredictor::Scale& scale : polynomials->inputScales()) {
+        description.coordinates.push_back(
+            {description.coordinates.size(), scale.centre, scale.unit});
+    }
+    description.offset = polynomial.constant;
+    for (std::size_t t = 1; t < polynomial.coefficients.size(); ++t) {
+        const QuadraticBasis::Term& term = polynomials->basis().terms()[t];
+        if (polynomial.coefficients[t] != 0.0) {
+            description.terms.push_back({term.first, term.second, polynomial.coefficients[t]});
+        }
+    }
+    return description;
+}
+
+std::string ResponseSurfaceFit::equationText(std::size_t output) const
+{
+    return ResponseSurfaceTexts::equation(*fits[output].fit, fits[output].output());
+}
+
+std::string ResponseSurfaceFit::qualityText(std::size_t output) const
+{
+    constexpr double level = 0.95;
+    std::string text = ResponseSurfaceTexts::quality(*fits[output].fit, fittedForm.name(),
+                                                     metrics(output), statistics(output, level));
+    for (const std::string& warning : warnings(output)) {
+        text += warning + "\n";
+    }
+    return text;
+}
+
+FitMetrics ResponseSurfaceFit::metrics(std::size_t output) const
+{
+    return fits[output].analysis().metrics();
+}
+
+std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output) const
+{
+    std::vector<std::string> warnings;
+    const std::size_t wanted = wantedForm.termCount(inputCount);
+    if (fittedForm.termCount(inputCount) < wanted) {
+        warnings.push_back("The order was lowered from " + wantedForm.name() + " to " +
+                           fittedForm.name() + ": " + std::to_string(wanted) +
+                           " terms need at least as many cases.");
+    }
+    for (std::string& sentence : ResponseSurfaceTexts::dependences(*common)) {
+        warnings.push_back(std::move(sentence));
+    }
+    const std::vector<std::string>& unneeded = fits[output].unneeded;
+    if (!unneeded.empty()) {
+        warnings.push_back("AICc is lower without " + ResponseSurfaceTexts::list(unneeded) +
+                           (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
+    }
+    return warnings;
+}
+
+/** Without the terms that were not asked for; one per term of the basis is given. */
+std::vector<CoefficientStatistics>
+ResponseSurfaceFit::onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const
+{
+    std::vector<CoefficientStatistics> result;
+    for (std::size_t term = 0; term < ofBasis.size(); ++term) {
+        if (common->isWanted(term)) {
+            result.push_back(ofBasis[term]);
+        }
+    }
+    return result;
+}
+
+ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, double level) const
+{
+    const PolynomialFit& fit = *fits[output].fit;
+    const ResponseSurfaceAnalysis analysis = fits[output].analysis();
+    const FitMetrics metrics = analysis.metrics();
+
+    ResponseSurfaceStatistics statistics;
+    statistics.coefficients = onlyWanted(analysis.coefficients(level));
+    statistics.codedCoefficients = onlyWanted(analysis.codedCoefficients(level));
+    statistics.anova = analysis.anova();
+    statistics.r2 = metrics.r2;
+    statistics.adjustedR2 = metrics.adjustedR2;
+    statistics.predictedR2 = metrics.predictedR2;
+    statistics.press = metrics.press;
+    statistics.rmse = metrics.rmse;
+    statistics.aicc = analysis.aicc();
+    statistics.residualDegreesOfFreedom = fit.degreesOfFreedom();
+    if (fit.sampledCount() == fit.cases()) {
+        statistics.leverages = fit.leverages();
+    }
+    statistics.meanLeverage =
+        static_cast<double>(fit.keptCount()) / static_cast<double>(fit.cases());
+    statistics.largestLeverages = analysis.largestLeverages();
+    analysis.findStationaryPoint(statistics);
+    for (const CoefficientStatistics& coefficient : statistics.coefficients) {
+        if (!coefficient.isKept) {
+            statistics.droppedTerms.push_back(coefficient.term);
+        }
+    }
+    return statistics;
+}
+
+std::vector<LeaveOneOutPrediction>
+ResponseSurfaceFit::leaveOneOutPredictions(std::size_t output) const
+{
+    return fits[output].analysis().leaveOneOutPredictions();
+}
+
+std::size_t ResponseSurfaceFit::degreesOfFreedom(std::size_t output) const
+{
+    return fits[output].fit->degreesOfFreedom();
+}
+
+std::vector<double> ResponseSurfaceFit::standardErrors(std::size_t output,
+                                                       const std::vector<double*>& points,
+                                                       bool ofObservation, std::size_t count) const
+{
+    const double noise = ofObservation ? 1.0 : 0.0;
+    const double rmse = metrics(output).rmse;
+    std::vector<double> errors(count);
+    fits[output].fit->variances(points, count, errors.data());
+    for (double& error : errors) {
+        error = rmse * std::sqrt(noise + error);
+    }
+    return errors;
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <mirel_fitting/FitMetrics.h>
+#include <mirel_fitting/LeaveOneOutPrediction.h>
+#include <mirel_fitting/PredictorDescription.h>
+#include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/polynomial/PolynomialFit.h>
+#include <mirel_fitting/polynomial/PolynomialPredictor.h>
+#include <mirel_fitting/responsesurface/PolynomialForm.h>
+#include <mirel_fitting/responsesurface/ResponseSurfaceAnalysis.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+/**
+ * The polynomials fitted to several outputs over the same inputs, and what users are told about
+ * them. Outputs are addressed by their position among the columns given.
+ */
+class ResponseSurfaceFit
+{
+public:
+    /**
+     * @param inputs  one array of `cases` finite values per input, borrowed for the call.
+     * @param outputs one array of `cases` finite values per output, borrowed for the call.
+     * @throw SurrogateModelInterface::Error as PolynomialForm::lowered(), or if a FitProgress
+     *        cancels.
+     */
+    ResponseSurfaceFit(const std::vector<double*>& inputs, const std::vector<double*>& outputs,
+                       std::size_t cases, const PolynomialForm& wanted,
+                       ResponseSurfaceOptions::Selection selection);
+
+    const PolynomialPredictor& predictor() const { return *polynomials; }
+
+    /** What predictor() is made of, without the ranges of the inputs. */
+    PredictorDescription description(std::size_t output) const;
+
+    std::string equationText(std::size_t output) const;
+    std::string qualityText(std::size_t output) const;
+    FitMetrics metrics(std::size_t output) const;
+    std::vector<std::string> warnings(std::size_t output) const;
+    ResponseSurfaceStatistics statistics(std::size_t output, double level) const;
+    std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(std::size_t output) const;
+    std::size_t degreesOfFreedom(std::size_t output) const;
+
+    /** @param points one array of `count` values per input, borrowed for the call. */
+    std::vector<double> standardErrors(std::size_t output, const std::vector<double*>& points,
+                                       bool ofObservation, std::size_t count) const;
+
+private:
+    struct OutputFit
+    {
+        std::shared_ptr<const PolynomialFit> fit;
+        std::size_t position; ///< of the output in it
+        ResponseSurfaceAnalysis::PureError pureError;
+        std::vector<std::string> unneeded; ///< terms that were not selected
+
+        const PolynomialFit::Output& output() const { return fit->outputs()[position]; }
+        ResponseSurfaceAnalysis analysis() const { return {*fit, position, pureError}; }
+    };
+
+    static void selectTerms(OutputFit& one, const std::vector<double*>& inputs, double* output);
+    void findPureErrors(const std::vector<double*>& inputs, const std::vector<double*>& outputs);
+    PolynomialPredictor makePredictor() const;
+    std::vector<CoefficientStatistics>
+    onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const;
+
+    std::size_t inputCount;
+    PolynomialForm wantedForm;
+    PolynomialForm fittedForm;                   // what the cases are enough for
+    std::shared_ptr<const PolynomialFit> common; // of all outputs, before any selection of terms
+    std::vector<OutputFit> fits;
+    std::unique_ptr<const PolynomialPredictor> polynomials;
+};

@@ -1,0 +1,81 @@
+#include <mirel_fitting/responsesurface/PolynomialForm.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+const PolynomialForm quadratic = PolynomialForm::of(PolynomialTerms::Quadratic);
+const PolynomialForm interactions = PolynomialForm::of(PolynomialTerms::Interactions);
+const PolynomialForm linear = PolynomialForm::of(PolynomialTerms::Linear);
+
+std::string refusal(const PolynomialForm& form, std::size_t inputs, std::size_t cases)
+{
+    try {
+        form.lowered(inputs, cases);
+    } catch (const SurrogateModelInterface::Error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(PolynomialForm, CountsItsTerms)
+{
+    EXPECT_EQ(linear.termCount(3), 4u);
+    EXPECT_EQ(interactions.termCount(3), 7u);
+    EXPECT_EQ(quadratic.termCount(3), 10u);
+    EXPECT_EQ((PolynomialForm{0, true}).termCount(3), 1u);
+}
+
+TEST(PolynomialForm, HasANameThatUsersRead)
+{
+    EXPECT_EQ(linear.name(), "linear");
+    EXPECT_EQ(interactions.name(), "linear with interactions");
+    EXPECT_EQ(quadratic.name(), "full quadratic");
+    EXPECT_EQ((PolynomialForm{0, true}).name(), "constant");
+}
+
+TEST(PolynomialForm, IsLoweredUntilTheCasesSuffice)
+{
+    EXPECT_EQ(quadratic.lowered(2, 6).name(), "full quadratic");
+    EXPECT_EQ(quadratic.lowered(2, 5).name(), "linear");
+    EXPECT_EQ(interactions.lowered(2, 4).name(), "linear with interactions");
+    EXPECT_EQ(interactions.lowered(2, 3).name(), "linear");
+    EXPECT_EQ(quadratic.lowered(2, 2).name(), "constant");
+}
+
+TEST(PolynomialForm, HasNoTermsThatItsInputsCannotMake)
+{
+    EXPECT_EQ(interactions.lowered(1, 100).name(), "linear");
+    EXPECT_EQ(quadratic.lowered(1, 100).name(), "full quadratic");
+    EXPECT_EQ(quadratic.lowered(0, 100).name(), "constant");
+}
+
+TEST(PolynomialForm, IsRefusedForAnOrderThatThereIsNone)
+{
+    EXPECT_EQ(refusal({3, true}, 2, 100),
+              "The highest order of a response surface is 0, 1 or 2, not 3.");
+}
+
+TEST(PolynomialForm, IsRefusedWithMoreTermsThanCanBeFitted)
+{
+    EXPECT_EQ(refusal(quadratic, 139, 9870), "");
+    EXPECT_EQ(refusal(quadratic, 141, 1000000),
+              "The full quadratic polynomial of 141 inputs has 10153 terms; at most 10000 can be "
+              "fitted.");
+}
+
+TEST(PolynomialForm, WantsAllTermsOfTheBasisButSquaresThatWereNotAskedFor)
+{
+    const QuadraticBasis basis(2, 2); // 1, V1, V2, V1^2, V1 V2, V2^2
+
+    EXPECT_EQ(interactions.wantedTerms(basis), (std::vector<char>{1, 1, 1, 0, 1, 0}));
+    EXPECT_TRUE(quadratic.wantedTerms(basis).empty());
+    EXPECT_TRUE(linear.wantedTerms(QuadraticBasis(2, 1)).empty());
+}
