@@ -32,19 +32,15 @@ public:
 
     /**
      * Emitted with the new value after every change; get() already answers it. Listeners of the
-     * untyped signal are told of the same change; the order among the two is not promised.
-     * Connecting here directly does not run hook().
+     * untyped signal are called for the same change; which of the two come first is not promised.
      */
     mutable ChangedSignal signalChanged;
 
-    /** Connects `slot` to signalChanged, runs hook(), returns the connection. */
+    /** Connects `slot` to signalChanged. */
     boost::signals2::connection
     connectSignalChanged(const typename ChangedSignal::slot_type& slot) const
     {
-        boost::signals2::connection connection = signalChanged.connect(slot);
-        // No property is a constant object: the const is that of the listener's view of it.
-        const_cast<PropertyAbstract*>(this)->hook();
-        return connection;
+        return signalChanged.connect(slot);
     }
 
     /**
@@ -80,7 +76,7 @@ protected:
 
     // The virtual operations keep this order, the destructor last: it is the order of their slots.
 
-    /** Runs after a listener has been connected to signalChanged. Empty here. */
+    /** Nobody calls it: it keeps the first slot, and a subclass may give it a meaning. */
     virtual void hook() {}
 
     /** Stores `value`, without check or notification. */
@@ -102,7 +98,7 @@ public:
     virtual T get() const = 0;
 
 protected:
-    /** Tells the listeners of `value`. */
+    /** Emits signalChanged. */
     virtual void emitChanged(const T& value) { emitSignal(signalChanged, value); }
 
 public:

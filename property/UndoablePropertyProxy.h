@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace veska {
@@ -31,11 +32,12 @@ class UndoablePropertyProxy : public PropertyAbstract<T>, public DeleteSignaler
 public:
     /**
      * @param displayName what users call the property, in UTF-8.
-     * @param target      not null.
+     * @param target      shared from now on.
+     * @throw std::invalid_argument if `target` is null.
      */
     UndoablePropertyProxy(const std::string& displayName,
                           boost::shared_ptr<PropertyAbstract<T>> target)
-        : PropertyAbstract<T>(target->validator()),
+        : PropertyAbstract<T>(checked(target).validator()),
           undoText(QStringLiteral("Change ") + QString::fromStdString(displayName)), target(target)
     {
         // The signal itself, not emitChanged(): that one is empty here.
@@ -83,6 +85,15 @@ protected:
     }
 
 private:
+    static const PropertyAbstract<T>& checked(const boost::shared_ptr<PropertyAbstract<T>>& target)
+    {
+        if (!target) {
+            throw std::invalid_argument("An undoable property needs a target, but got a null "
+                                        "pointer.");
+        }
+        return *target;
+    }
+
     // Counts, since a listener may set the proxy again while it is being set.
     class ApplyingBlock
     {

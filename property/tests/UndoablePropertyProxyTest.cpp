@@ -654,3 +654,7 @@ TEST_F(UndoablePropertyProxyTest, MayBeDroppedByItsListenerWhenItsTargetChanges)
     EXPECT_EQ(proxy, nullptr);
     EXPECT_EQ(laterCalls, 0);
 }
+TEST(UndoablePropertyProxy, RefusesAMissingTarget)
+{
+    EXPECT_THROW(veska::UndoablePropertyProxy<int>("Numbers", nullptr), std::invalid_argument);
+}
