@@ -9,6 +9,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <stdexcept>
+
 InterpolationVariablesAbstract::DistributedPoints::DistributedPoints(
     const std::pair<double, double>& range, std::size_t count)
     : range(range), count(count)
@@ -36,6 +38,10 @@ InterpolationVariablesAbstract::InterpolationVariablesAbstract(
     : manager(std::move(modelManager)), connections(std::make_unique<SignalConnectionCollection>()),
       userDistributions(distributions)
 {
+    if (!manager) {
+        throw std::invalid_argument(
+            "Interpolation variables need a surrogate-model manager, but got a null pointer.");
+    }
     const auto forward = [this](const SurrogateModelUserDistCollection&) {
         emitSignal(signalInterpolationVariablesChanged);
     };
@@ -49,14 +55,17 @@ boost::shared_ptr<std::map<VarPtr, std::vector<double>>>
 InterpolationVariablesAbstract::inputIndependentVariables() const
 {
     const auto inputs = boost::make_shared<std::map<VarPtr, std::vector<double>>>();
+    const SurrogateModelUserDistCollection distributions = userDistributions.get();
+    const SurrogateModelUserDistCollection evaluationPoint = manager->evaluationPoint()->get();
     const std::vector<VarPtr> independents = manager->independentVars()->get();
     for (const VarPtr& variable : independents) {
-        if (const auto points = sweptPoints(variable)) {
+        if (const auto points = sweptPoints(variable, distributions)) {
             // In place: a variable that is listed twice has its distributed points appended twice.
             points->get((*inputs)[variable]);
         } else {
+            // A text of the evaluation point gives its values whatever its mode.
             std::vector<double> values;
-            evaluationPoints(variable)->get(values);
+            evaluationPoint.getUserDistributionPoints(variable.lock()->name())->get(values);
             inputs->emplace(variable, std::move(values));
         }
     }
@@ -79,26 +88,17 @@ void InterpolationVariablesAbstract::resume()
 }
 
 /** The points over which `variable` is swept, the user's if there are; null if it is not swept. */
-boost::shared_ptr<const InterpolationPointsInterface>
-InterpolationVariablesAbstract::sweptPoints(const VarPtr& variable) const
+boost::shared_ptr<const InterpolationPointsInterface> InterpolationVariablesAbstract::sweptPoints(
+    const VarPtr& variable, const SurrogateModelUserDistCollection& distributions) const
 {
     const boost::shared_ptr<const InterpolationPointsInterface> points =
         interpolationPoints(variable);
     if (!points) {
         return points;
     }
-    const SurrogateModelUserDistCollection distributions = userDistributions.get();
     const std::string name = variable.lock()->name();
     if (distributions.getMode(name) != SurrogateModelUserDistCollection::UserDefined) {
         return points;
     }
     return distributions.getUserDistributionPoints(name);
-}
-
-/** The values of the evaluation point. A text gives them whatever its mode. */
-boost::shared_ptr<const InterpolationPointsInterface>
-InterpolationVariablesAbstract::evaluationPoints(const VarPtr& variable) const
-{
-    const SurrogateModelUserDistCollection evaluationPoint = manager->evaluationPoint()->get();
-    return evaluationPoint.getUserDistributionPoints(variable.lock()->name());
 }

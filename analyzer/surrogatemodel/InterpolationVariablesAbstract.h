@@ -60,9 +60,10 @@ public:
     };
 
     /**
-     * @param manager           not null; kept.
+     * @param manager           shared from now on.
      * @param userDistributions mode and text by variable name; borrowed:
-     * inputIndependentVariables() reads it, the destructor does not touch it.
+     *                          inputIndependentVariables() reads it, the destructor does not.
+     * @throw std::invalid_argument if `manager` is null.
      */
     InterpolationVariablesAbstract(
         boost::shared_ptr<const SurrogateModelManagerInterface> manager,
@@ -93,9 +94,9 @@ protected:
     interpolationPoints(VarPtr variable) const = 0;
 
 private:
-    boost::shared_ptr<const InterpolationPointsInterface> sweptPoints(const VarPtr& variable) const;
     boost::shared_ptr<const InterpolationPointsInterface>
-    evaluationPoints(const VarPtr& variable) const;
+    sweptPoints(const VarPtr& variable,
+                const SurrogateModelUserDistCollection& distributions) const;
 
     boost::shared_ptr<const SurrogateModelManagerInterface> manager;
     std::unique_ptr<SignalConnectionCollection> connections;

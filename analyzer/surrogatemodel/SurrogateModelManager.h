@@ -27,7 +27,9 @@ public:
     /**
      * Sets the type to ResponseSurface as an undoable change: this leaves one step on the undo
      * stack, unless the caller has suspended recording. The pipeline is not asked for its table.
-     * @param pipeline kept as long as the manager lives. Whenever it reports a change, entries
+     * @param pipeline kept as long as the manager lives. Its cases are those of the open project
+     *        (Project::project()), which is opened before: that is where the manager looks up
+     *        variables and records. Whenever it reports a change, entries
      *        that are no variable of the project or not of nature Variable::Independent leave the
      *        list (an undo step, if there are any), the model is dropped and signalModelChanged
      *        emitted.

@@ -24,23 +24,11 @@ public:
     /** The entry of `name`, or one with the defaults. */
     Entry entry(const std::string& name) const
     {
-        const auto held = entries->find(name);
-        return held == entries->end() ? Entry() : held->second;
+        const auto held = entries.find(name);
+        return held == entries.end() ? Entry() : held->second;
     }
 
-    void set(const std::string& name, const Entry& entry)
-    {
-        if (entries.use_count() > 1) {
-            entries = std::make_shared<Entries>(*entries);
-        }
-        (*entries)[name] = entry;
-    }
-
-    using Entries = std::map<std::string, Entry>;
-
-    // Of all copies until one of them changes, which then has its own: each reader of a property
-    // gets a copy, once per variable, and each undo step keeps two.
-    std::shared_ptr<Entries> entries = std::make_shared<Entries>();
+    std::map<std::string, Entry> entries;
 };
 
 SurrogateModelUserDistCollection::SurrogateModelUserDistCollection()
@@ -71,7 +59,7 @@ std::string SurrogateModelUserDistCollection::getUserDistString(const std::strin
 void SurrogateModelUserDistCollection::setUserDistString(const std::string& name,
                                                          const std::string& text)
 {
-    impl->set(name, {getMode(name), text});
+    impl->entries[name].text = text;
 }
 
 SurrogateModelUserDistCollection::VariableMode
@@ -82,13 +70,13 @@ SurrogateModelUserDistCollection::getMode(const std::string& name) const
 
 void SurrogateModelUserDistCollection::setMode(const std::string& name, VariableMode mode)
 {
-    impl->set(name, {mode, getUserDistString(name)});
+    impl->entries[name].mode = mode;
 }
 
 std::set<std::string> SurrogateModelUserDistCollection::getVarNameSet() const
 {
     std::set<std::string> names;
-    for (const auto& [name, entry] : *impl->entries) {
+    for (const auto& [name, entry] : impl->entries) {
         names.insert(names.end(), name);
     }
     return names;
@@ -103,7 +91,7 @@ SurrogateModelUserDistCollection::getUserDistributionPoints(const std::string& n
 bool SurrogateModelUserDistCollection::operator==(
     const SurrogateModelUserDistCollection& other) const
 {
-    return impl->entries == other.impl->entries || *impl->entries == *other.impl->entries;
+    return impl->entries == other.impl->entries;
 }
 
 bool SurrogateModelUserDistCollection::operator!=(

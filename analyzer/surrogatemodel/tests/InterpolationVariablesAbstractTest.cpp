@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
@@ -185,6 +186,11 @@ protected:
     CollectionProperty distributions;
     int emissions = 0;
 };
+
+TEST_F(InterpolationVariablesAbstractTest, RefusesAMissingManager)
+{
+    EXPECT_THROW(ChosenPoints(nullptr, distributions), std::invalid_argument);
+}
 
 TEST_F(InterpolationVariablesAbstractTest, AnswersOneEntryPerDistinctVariableOfTheList)
 {
