@@ -9,7 +9,7 @@
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
 
-#include <plot/ReportPage.h>
+#include <plot/model/ReportPage.h>
 #include <session/cases/CaseFileReader.h>
 #include <session/cases/VariableNames.h>
 #include <session/files/OutputFile.h>

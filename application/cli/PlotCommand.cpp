@@ -6,19 +6,43 @@
 
 #include <plot/DrawingApplication.h>
 #include <plot/Picture.h>
-#include <plot/SessionPictures.h>
+#include <plot/model/SessionPictures.h>
 #include <session/model/CaseSession.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace {
 using SessionPictures::Kind;
 
+Kind kindOf(const CommandLine& line)
+{
+    const std::optional<Kind> kind = SessionPictures::kindOf(line.kind);
+    if (kind) {
+        return *kind;
+    }
+    const std::string known = SessionPictures::kindWords();
+    throw UsageError(line.kind.empty()
+                         ? "A picture needs a kind: --kind with one of " + known + '.'
+                         : "--kind needs one of " + known + ", not " + quotedText(line.kind) + '.');
+}
+
 PictureSize sizeOf(const CommandLine& line)
 {
     return line.size ? PictureSize::parse(*line.size) : PictureSize();
+}
+
+/** The options that mend what SessionPictures::check() refuses. */
+std::string hint(Kind kind)
+{
+    return SessionPictures::sweptInputs(kind) == 0
+               ? " Take -m response-surface."
+               : std::string(kind == Kind::Sweep ? " Name it" : " Name each") +
+                     " with --sweep NAME, --sweep NAME=TEXT or --count NAME=N, and hold others "
+                     "with --at NAME=VALUE.";
 }
 } // namespace
 
@@ -28,28 +52,31 @@ void PlotCommand::check(const CommandLine& line)
         throw UsageError("The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
                          "FILE.pdf.");
     }
-    const Kind kind = SessionPictures::kindOf(line.kind);
+    const Kind kind = kindOf(line);
     Picture::formatOf(line.output);
     sizeOf(line);
     const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
-    if (hasValues && kind != Kind::Sweep && kind != Kind::Contour) {
+    if (hasValues && SessionPictures::sweptInputs(kind) == 0) {
         throw UsageError("--sweep, --count and --at belong to pictures of kind sweep and contour.");
     }
 }
 
 void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
 {
-    const Kind kind = SessionPictures::kindOf(line.kind);
-    open.chooseValues(line, SessionPictures::usualValues(kind));
-    SessionPictures::sweepWhatIsLeft(kind, open.session, open.held);
-    SessionPictures::check(kind, open.session);
+    const Kind kind = kindOf(line);
+    open.chooseValues(line, SessionPictures::defaultValues(kind));
+    SessionPictures::sweepRemaining(kind, open.session, open.held);
+    try {
+        SessionPictures::check(kind, open.session);
+    } catch (const UsageError& error) {
+        throw UsageError(error.what() + hint(kind));
+    }
 }
 
 void PlotCommand::run(const CommandLine& line, CaseSession& session)
 {
     fitWithProgress(line, session);
-    std::vector<PictureData> panels =
-        SessionPictures::make(SessionPictures::kindOf(line.kind), session);
+    std::vector<PictureData> panels = SessionPictures::make(kindOf(line), session);
     const DrawingApplication application;
     Picture(std::move(panels), sizeOf(line)).write(line.output);
 }

@@ -29,7 +29,7 @@ PictureSize PictureSize::parse(const std::string& text)
         size.height = pixels(text.data() + cross + 1, text.data() + text.size());
     }
     if (cross == std::string::npos || !isAllowed(size.width) || !isAllowed(size.height)) {
-        throw UsageError("--size needs width and height in pixels such as 800x600, each from " +
+        throw UsageError("The size of a picture needs width and height in pixels such as 800x600, each from " +
                          std::to_string(least) + " to " + std::to_string(most) + ", not " +
                          quotedText(text) + '.');
     }

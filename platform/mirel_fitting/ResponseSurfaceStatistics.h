@@ -18,6 +18,8 @@ struct CoefficientStatistics
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
     std::string term; ///< "1", "V1", "V1^2", "V1 V2", ...
+    /** The same as positions of inputs, which are multiplied: {}, {0}, {0, 0}, {0, 1}, ... */
+    std::vector<std::size_t> factors;
     double estimate = 0.0;
     double standardError = none;
     double t = none;     ///< estimate / standardError

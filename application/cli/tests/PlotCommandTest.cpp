@@ -95,17 +95,18 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
                   "The name of a picture ends with .svg, .png or .pdf, which \"picture.gif\" does "
                   "not.");
     expectFailure(sweep + "--at H2/WF6=6 --kind contour -o picture.svg", 2,
-                  "A picture of kind contour needs two swept inputs and one is: name each with "
+                  "A picture of kind contour needs two swept inputs and one is. Name each with "
                   "--sweep NAME, --sweep NAME=TEXT or --count NAME=N, and hold others with --at "
                   "NAME=VALUE.");
     expectFailure(sweep + "--kind actual -o picture.svg", 2,
                   "--sweep, --count and --at belong to pictures of kind sweep and contour.");
     expectFailure("plot cvd.csv -y Stress -m kriging --kind coefficients -o picture.svg", 2,
-                  "Only the response surface has coefficients to draw: take -m "
+                  "Only the response surface has coefficients to draw. Take -m "
                   "response-surface.");
-    expectFailure(sweep + "--kind sweep --size 3x3 -o picture.svg", 2,
-                  "--size needs width and height in pixels such as 800x600, each from 300 to "
-                  "10000, not \"3x3\".");
+    expectFailure(
+        sweep + "--kind sweep --size 3x3 -o picture.svg", 2,
+        "The size of a picture needs width and height in pixels such as 800x600, each from 300 to "
+        "10000, not \"3x3\".");
     expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,
                   "The file \"nowhere/picture.svg\" cannot be written: No such file or directory.");
     expectFailure(sweep + "--kind sweep --json -o picture.svg", 2,

@@ -26,7 +26,8 @@ TEST(PictureSize, SaysWhatASizeLooksLike)
         PictureSize::parse("big");
         FAIL();
     } catch (const UsageError& error) {
-        EXPECT_STREQ(error.what(), "--size needs width and height in pixels such as 800x600, each "
-                                   "from 300 to 10000, not \"big\".");
+        EXPECT_STREQ(error.what(),
+                     "The size of a picture needs width and height in pixels such as 800x600, each "
+                     "from 300 to 10000, not \"big\".");
     }
 }

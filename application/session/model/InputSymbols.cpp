@@ -10,21 +10,6 @@ bool isWordCharacter(char character)
 {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
 }
-
-/** A factor of a term: "V1" or "V1^2". */
-std::string factorWithName(const std::string& factor, const std::vector<std::string>& inputs)
-{
-    std::size_t symbol = 0;
-    const char* const last = factor.data() + factor.size();
-    if (factor.empty() || factor[0] != 'V') {
-        return factor;
-    }
-    const auto read = std::from_chars(factor.data() + 1, last, symbol);
-    if (symbol == 0 || symbol > inputs.size()) {
-        return factor;
-    }
-    return inputs[symbol - 1] + std::string(read.ptr, last);
-}
 } // namespace
 
 std::string withInputNames(const std::string& sentence, const std::vector<std::string>& inputs)
@@ -48,21 +33,6 @@ std::string withInputNames(const std::string& sentence, const std::vector<std::s
         } else {
             result += sentence[i++];
         }
-    }
-    return result;
-}
-
-std::string termWithInputNames(const std::string& term, const std::vector<std::string>& inputs)
-{
-    if (term == "1") {
-        return "intercept";
-    }
-    std::string result;
-    for (std::size_t begin = 0; begin < term.size();) {
-        const std::size_t end = std::min(term.find(' ', begin), term.size());
-        result +=
-            (begin == 0 ? "" : " * ") + factorWithName(term.substr(begin, end - begin), inputs);
-        begin = end + 1;
     }
     return result;
 }

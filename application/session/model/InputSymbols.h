@@ -12,10 +12,3 @@
  */
 SURROGATE_SESSION_EXPORT std::string withInputNames(const std::string& sentence,
                                                     const std::vector<std::string>& inputs);
-
-/**
- * A term of a polynomial with the inputs' names: "V1^2" becomes "Pressure^2", "V1 V2" "Pressure *
- * H2/WF6", and "1" "intercept".
- */
-SURROGATE_SESSION_EXPORT std::string termWithInputNames(const std::string& term,
-                                                        const std::vector<std::string>& inputs);

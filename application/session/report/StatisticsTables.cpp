@@ -1,6 +1,6 @@
 #include "session/report/StatisticsTables.h"
 
-#include "session/model/InputSymbols.h"
+#include "session/report/TermName.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
@@ -15,11 +15,6 @@ namespace {
 /** Of a probability, or a factor that nobody reads closer. */
 constexpr int fewDigits = 4;
 
-std::string nameOf(const CoefficientStatistics& one, const std::vector<std::string>& inputs)
-{
-    return termWithInputNames(one.term, inputs);
-}
-
 /** @param isCoded has the inflation of the variance, which is the same in all units. */
 StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics>& coefficients,
                                          const std::vector<std::string>& inputs, bool isCoded)
@@ -31,7 +26,7 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
         table.heading.push_back("VIF");
     }
     for (const CoefficientStatistics& one : coefficients) {
-        std::vector<std::string> row = {nameOf(one, inputs)};
+        std::vector<std::string> row = {termName(one.factors, inputs)};
         if (one.isKept) {
             row.insert(row.end(), {shownNumber(one.estimate), shownNumber(one.standardError),
                                    shownNumber(one.t, fewDigits), shownNumber(one.p, fewDigits),
@@ -71,7 +66,7 @@ Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
             continue;
         }
         json.push_back({{"term", one.term},
-                        {"name", nameOf(one, inputs)},
+                        {"name", termName(one.factors, inputs)},
                         {"estimate", one.estimate},
                         {"standardError", one.standardError},
                         {"t", one.t},
@@ -120,11 +115,14 @@ Json stationaryPointJson(const std::optional<StationaryPoint>& point)
             {"curvatures", point->curvatures}};
 }
 
-Json droppedTermsJson(const std::vector<std::string>& terms, const std::vector<std::string>& inputs)
+Json droppedTermsJson(const std::vector<CoefficientStatistics>& coefficients,
+                      const std::vector<std::string>& inputs)
 {
     Json json = Json::array();
-    for (const std::string& term : terms) {
-        json.push_back({{"term", term}, {"name", termWithInputNames(term, inputs)}});
+    for (const CoefficientStatistics& one : coefficients) {
+        if (!one.isKept) {
+            json.push_back({{"term", one.term}, {"name", termName(one.factors, inputs)}});
+        }
     }
     return json;
 }
@@ -189,5 +187,5 @@ Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
             {"anova", anovaJson(statistics.anova)},
             {"leverage", leverageJson(statistics)},
             {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)},
-            {"droppedTerms", droppedTermsJson(statistics.droppedTerms, inputs)}};
+            {"droppedTerms", droppedTermsJson(statistics.coefficients, inputs)}};
 }

@@ -200,6 +200,12 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
     for (std::size_t term = 0; term < result.size(); ++term) {
         CoefficientStatistics& one = result[term];
         one.term = fit.basis().name(term);
+        for (const std::size_t input :
+             {fit.basis().terms()[term].first, fit.basis().terms()[term].second}) {
+            if (input != QuadraticBasis::noInput) {
+                one.factors.push_back(input);
+            }
+        }
         one.isKept = fit.isKept(term);
         if (!one.isKept) {
             continue;

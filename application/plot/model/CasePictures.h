@@ -1,0 +1,33 @@
+#pragma once
+
+#include <plot/ActualPicture.h>
+#include <plot/ResidualPicture.h>
+
+#include <mirel_fitting/LeaveOneOutPrediction.h>
+
+#include <surrogate_plot/Export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+class CaseSession;
+
+/** The cases of one output, each predicted from the others. */
+struct SURROGATE_PLOT_EXPORT LeaveOneOutCases
+{
+    std::string outputName;
+    std::string modelName; ///< "Kriging" or "response surface"
+    std::vector<LeaveOneOutPrediction> predictions;
+    std::size_t fittedCases = 0; ///< more than the predictions if these are a sample
+
+    /** @throw SurrogateModelInterface::Error */
+    static LeaveOneOutCases of(CaseSession& session, std::size_t output);
+};
+
+/** Cases that the others do not determine are left out and counted in the caption.
+ *  @throw SurrogateModelInterface::Error if that leaves none, or they cannot be drawn. */
+SURROGATE_PLOT_EXPORT ActualPicture actualPicture(const LeaveOneOutCases& cases);
+
+/** Likewise, with actual minus predicted values. */
+SURROGATE_PLOT_EXPORT ResidualPicture residualPicture(const LeaveOneOutCases& cases);

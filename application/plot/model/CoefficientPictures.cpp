@@ -1,0 +1,51 @@
+#include "plot/model/CoefficientPictures.h"
+
+#include "plot/model/DrawableValues.h"
+
+#include <session/report/TermName.h>
+#include <session/text/QuotedText.h>
+
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <algorithm>
+#include <cmath>
+
+CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistics,
+                                      const std::vector<std::string>& inputs,
+                                      const std::string& output)
+{
+    const std::string owner = "The model of " + quotedText(output);
+    CoefficientPicture picture;
+    picture.title = output + ", response surface, coefficients";
+    picture.valueName = "coefficient, in the unit of " + output;
+    bool hasLimits = true;
+    for (const CoefficientStatistics& each : statistics.codedCoefficients) {
+        // The constant is on a scale of its own, beside which the others would look like 0.
+        if (!each.isKept || each.factors.empty()) {
+            continue;
+        }
+        picture.terms.push_back({termName(each.factors, inputs, " \303\227 ", "\302\262"),
+                                 each.estimate, each.lower, each.upper});
+        requireDrawable({each.estimate}, owner);
+        if (std::isfinite(each.lower) && std::isfinite(each.upper)) {
+            requireDrawable({each.lower, each.upper}, owner);
+        } else {
+            hasLimits = false;
+        }
+    }
+    if (picture.terms.empty()) {
+        throw SurrogateModelInterface::Error(owner +
+                                             " is a constant: there are no coefficients to be "
+                                             "drawn. More cases would give some.");
+    }
+    std::stable_sort(picture.terms.begin(), picture.terms.end(),
+                     [](const auto& left, const auto& right) {
+                         return std::abs(left.estimate) > std::abs(right.estimate);
+                     });
+    picture.caption = std::string("Inputs coded to -1 and 1 at the ends of their ranges; without "
+                                  "the constant. ") +
+                      (hasLimits ? "The bars are 95\302\240% confidence limits."
+                                 : "As many terms as cases leave nothing for confidence limits.");
+    return picture;
+}

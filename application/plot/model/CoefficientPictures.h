@@ -1,0 +1,19 @@
+#pragma once
+
+#include <plot/CoefficientPicture.h>
+
+#include <surrogate_plot/Export.h>
+
+#include <string>
+#include <vector>
+
+struct ResponseSurfaceStatistics;
+
+/**
+ * The coefficients of an output for inputs coded to [-1, 1], the largest first.
+ * @param inputs their names.
+ * @throw SurrogateModelInterface::Error if there is none but the constant, or they cannot be drawn.
+ */
+SURROGATE_PLOT_EXPORT CoefficientPicture
+coefficientPicture(const ResponseSurfaceStatistics& statistics,
+                   const std::vector<std::string>& inputs, const std::string& output);

@@ -1,0 +1,35 @@
+#include "plot/model/ConfidenceBand.h"
+
+#include "plot/model/ModelCut.h"
+
+#include <session/model/CaseSession.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <mirel_fitting/FittedModel.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
+{
+    constexpr double level = 0.95;
+    const auto* const model = dynamic_cast<const FittedModel*>(&session.fit());
+    if (model == nullptr) {
+        return {};
+    }
+    const auto offset =
+        static_cast<int>(session.manager().offsetForVariableName(cut.outputs[output].name));
+    std::vector<double*> points;
+    for (const ModelCut::Column& input : cut.inputs) {
+        points.push_back(const_cast<double*>(input.values.data())); // only read
+    }
+    std::vector<double> errors =
+        model->standardErrors(points, offset, FittedModel::ErrorKind::Mean, cut.points());
+    if (!std::all_of(errors.begin(), errors.end(),
+                     [](double error) { return std::isfinite(error); })) {
+        return {};
+    }
+    return {model->intervalQuantile(offset, level), std::move(errors)};
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <surrogate_plot/Export.h>
+
+#include <cstddef>
+#include <vector>
+
+class CaseSession;
+struct ModelCut;
+
+/** Where the mean of an output lies with a probability of 95 %: within `quantile` standard errors
+ * of the prediction; by Student's t for a response surface. */
+struct SURROGATE_PLOT_EXPORT ConfidenceBand
+{
+    double quantile = 0.0;
+    /** One per point of a cut; empty if the model has none, or as many terms as cases leave nothing
+     *  to estimate them from. */
+    std::vector<double> standardErrors;
+
+    /** @throw SurrogateModelInterface::Error */
+    static ConfidenceBand of(CaseSession& session, const ModelCut& cut, std::size_t output);
+};

@@ -1,0 +1,183 @@
+#include "plot/model/ModelCut.h"
+
+#include "plot/AxisScale.h"
+
+#include <session/cases/VariableNames.h>
+#include <session/model/CaseSession.h>
+#include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <QString>
+
+#include <algorithm>
+
+namespace {
+/** How far from a held value a case counts as near, as a share of the range of the input. */
+constexpr double nearShare = 0.1;
+
+/** Likewise for a swept input: the ends of an even sweep are its range but for rounding. */
+constexpr double roundingShare = 1e-9;
+
+/** More held inputs, or longer names, would fill the picture with text. */
+constexpr std::size_t maxHeldInputs = 6;
+constexpr int maxNameCharacters = 32;
+
+bool isSwept(const ModelCut& cut, std::size_t input)
+{
+    return std::find(cut.swept.begin(), cut.swept.end(), input) != cut.swept.end();
+}
+
+/** The names and the model, no points yet. */
+ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
+{
+    ModelCut cut;
+    cut.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
+    cut.swept = std::move(swept);
+    for (const std::string& name : namesOf(session.inputs())) {
+        cut.inputs.push_back({name, {}, {}});
+    }
+    for (const std::string& name : namesOf(session.outputs())) {
+        cut.outputs.push_back({name, {}, {}});
+    }
+    return cut;
+}
+
+std::vector<double> chosen(const std::vector<double>& column, const std::vector<std::size_t>& rows)
+{
+    std::vector<double> values;
+    values.reserve(rows.size());
+    for (const std::size_t row : rows) {
+        values.push_back(column[row]);
+    }
+    return values;
+}
+
+void addNearCases(const CaseSession& session, ModelCut& cut)
+{
+    const std::vector<std::size_t> fitted = session.validCases();
+    std::vector<std::size_t> near = fitted;
+    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
+        const std::vector<double>& points = cut.inputs[i].values;
+        const auto& column = session.project().numericValues(session.inputs()[i]);
+        const auto [least, most] = std::minmax_element(points.begin(), points.end());
+        const double slack = (isSwept(cut, i) ? roundingShare : nearShare) *
+                             AxisScale::range(chosen(column, fitted)).width();
+        const auto isFar = [&, least = *least, most = *most](std::size_t row) {
+            return column[row] < least - slack || column[row] > most + slack;
+        };
+        near.erase(std::remove_if(near.begin(), near.end(), isFar), near.end());
+    }
+    cut.fittedCases = fitted.size();
+    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
+        cut.inputs[i].caseValues =
+            chosen(session.project().numericValues(session.inputs()[i]), near);
+    }
+    for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
+        cut.outputs[i].caseValues =
+            chosen(session.project().numericValues(session.outputs()[i]), near);
+    }
+}
+
+/** Cut between characters. */
+std::string shortName(const std::string& name)
+{
+    const QString text = QString::fromStdString(oneLineText(name));
+    const QChar ellipsis(0x2026);
+    return text.size() <= maxNameCharacters
+               ? text.toStdString()
+               : (text.left(maxNameCharacters - 1) + ellipsis).toStdString();
+}
+
+/** As it was typed, unless nobody would type so many digits. */
+std::string shortNumber(double number)
+{
+    constexpr std::size_t longest = 10;
+    const std::string text = numberText(number);
+    return text.size() <= longest ? text : shownNumber(number);
+}
+} // namespace
+
+ModelCut ModelCut::throughChosenValues(CaseSession& session)
+{
+    ModelCut cut = emptyCut(session, session.sweptInputs());
+    const vtkSmartPointer<vtkTable> table = session.evaluate();
+    vtkIdType position = 0;
+    for (auto* const columns : {&cut.inputs, &cut.outputs}) {
+        for (Column& column : *columns) {
+            auto* const values = vtkDoubleArray::SafeDownCast(table->GetColumn(position++));
+            column.values.assign(values->GetPointer(0),
+                                 values->GetPointer(0) + values->GetNumberOfTuples());
+        }
+    }
+    addNearCases(session, cut);
+    return cut;
+}
+
+ModelCut ModelCut::throughTheMiddle(CaseSession& session, std::size_t input)
+{
+    ModelCut cut = emptyCut(session, {input});
+    std::vector<double*> points;
+    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
+        const auto [least, most] = session.inputs()[i].lock()->range();
+        std::vector<double>& values = cut.inputs[i].values;
+        for (std::size_t row = 0; row < sweepValues; ++row) {
+            const double share = i == input ? static_cast<double>(row) / (sweepValues - 1.0) : 0.5;
+            values.push_back((1.0 - share) * least + share * most);
+        }
+        points.push_back(values.data());
+    }
+    const SurrogateModelInterface& model = session.fit();
+    for (Column& output : cut.outputs) {
+        output.values.resize(sweepValues);
+        std::vector<double*> values = {output.values.data()};
+        const auto offset = static_cast<int>(session.manager().offsetForVariableName(output.name));
+        model.interpolateDependentValues(points, {offset}, values, sweepValues);
+    }
+    addNearCases(session, cut);
+    return cut;
+}
+
+std::string ModelCut::caseLabel() const
+{
+    if (inputs.size() == swept.size()) {
+        return "cases";
+    }
+    return "cases near (" + std::to_string(nearCases()) + " of " + std::to_string(fittedCases) +
+           ')';
+}
+
+std::string ModelCut::caption() const
+{
+    std::string held;
+    std::size_t shown = 0;
+    std::size_t others = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        if (isSwept(*this, i)) {
+            continue;
+        }
+        if (shown == maxHeldInputs) {
+            ++others;
+            continue;
+        }
+        held += (held.empty() ? "" : ", ") + shortName(inputs[i].name) + " = " +
+                shortNumber(points() > 0 ? inputs[i].values.front() : 0.0);
+        ++shown;
+    }
+    if (held.empty()) {
+        return held;
+    }
+    if (others > 0) {
+        held += " and " + std::to_string(others) + " more held";
+    }
+    return "At " + held +
+           (nearCases() > 0 ? ". Near: all held inputs within 10\302\240% of their range."
+                            : ". No case has all held inputs within 10\302\240% of their range.");
+}

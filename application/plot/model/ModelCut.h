@@ -1,0 +1,49 @@
+#pragma once
+
+#include <surrogate_plot/Export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+class CaseSession;
+
+/**
+ * The predictions of a model where some inputs are swept and all others held, with the fitted cases
+ * near these points: each held input within a tenth of its range of the held value, each swept one
+ * within the swept values.
+ */
+struct SURROGATE_PLOT_EXPORT ModelCut
+{
+    struct Column
+    {
+        std::string name;
+        std::vector<double> values;     ///< one per point
+        std::vector<double> caseValues; ///< one per case near the cut
+    };
+
+    std::string modelName; ///< "Kriging" or "response surface"
+    std::vector<Column> inputs;
+    std::vector<Column> outputs;    ///< their values are predictions
+    std::vector<std::size_t> swept; ///< positions of inputs, ascending
+    std::size_t fittedCases = 0;
+
+    /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */
+    static ModelCut throughChosenValues(CaseSession& session);
+
+    /** Through the middle of all ranges, with one input swept over its own.
+     *  @throw SurrogateModelInterface::Error */
+    static ModelCut throughTheMiddle(CaseSession& session, std::size_t input);
+
+    /** Points of a sweep over a range: enough for a smooth line. */
+    static constexpr std::size_t sweepValues = 101;
+
+    std::size_t points() const { return inputs.front().values.size(); }
+    std::size_t nearCases() const { return inputs.front().caseValues.size(); }
+
+    /** "cases near (4 of 11)", what the legend says. */
+    std::string caseLabel() const;
+
+    /** "At Flow = 3, Power = 10. ...", and which cases are near; empty if every input is swept. */
+    std::string caption() const;
+};

@@ -1,0 +1,133 @@
+#include "plot/model/SessionPictures.h"
+
+#include "plot/model/CasePictures.h"
+#include "plot/model/CoefficientPictures.h"
+#include "plot/model/ConfidenceBand.h"
+#include "plot/model/ContourPictures.h"
+#include "plot/model/ModelCut.h"
+#include "plot/model/SweepPictures.h"
+
+#include <session/cases/VariableNames.h>
+#include <session/model/CaseSession.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+using SessionPictures::Kind;
+
+const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
+                                                         {"contour", Kind::Contour},
+                                                         {"actual", Kind::Actual},
+                                                         {"residuals", Kind::Residuals},
+                                                         {"coefficients", Kind::Coefficients}};
+
+bool contains(const std::vector<std::size_t>& positions, std::size_t position)
+{
+    return std::find(positions.begin(), positions.end(), position) != positions.end();
+}
+} // namespace
+
+std::string SessionPictures::kindWords()
+{
+    std::string words;
+    for (const auto& [word, kind] : kinds) {
+        words += (words.empty() ? "" : ", ") + word;
+    }
+    return words;
+}
+
+std::optional<SessionPictures::Kind> SessionPictures::kindOf(const std::string& word)
+{
+    const auto found = std::find_if(kinds.begin(), kinds.end(),
+                                    [&](const auto& known) { return known.first == word; });
+    return found == kinds.end() ? std::nullopt : std::make_optional(found->second);
+}
+
+std::size_t SessionPictures::sweptInputs(Kind kind)
+{
+    return kind == Kind::Sweep ? 1 : kind == Kind::Contour ? 2 : 0;
+}
+
+std::size_t SessionPictures::defaultValues(Kind kind)
+{
+    constexpr std::size_t contourValues = 61; // of each input: lines are smooth, 3721 points quick
+    return kind == Kind::Contour ? contourValues : ModelCut::sweepValues;
+}
+
+void SessionPictures::sweepRemaining(Kind kind, CaseSession& session,
+                                     const std::vector<std::size_t>& held)
+{
+    const std::vector<std::size_t> swept = session.sweptInputs();
+    if (swept.size() >= sweptInputs(kind)) {
+        return;
+    }
+    std::vector<std::size_t> remaining;
+    for (std::size_t input = 0; input < session.inputs().size(); ++input) {
+        const auto [least, most] = session.inputs()[input].lock()->range();
+        if (least < most && !contains(swept, input) && !contains(held, input)) {
+            remaining.push_back(input);
+        }
+    }
+    if (swept.size() + remaining.size() == sweptInputs(kind)) {
+        for (const std::size_t input : remaining) {
+            session.sweepEvenly(input, defaultValues(kind));
+        }
+    }
+}
+
+void SessionPictures::check(Kind kind, const CaseSession& session)
+{
+    const std::size_t needed = sweptInputs(kind);
+    const std::size_t swept = session.sweptInputs().size();
+    if (needed > 0 && swept != needed) {
+        const std::string present = swept == 0   ? "none is"
+                                    : swept == 1 ? "one is"
+                                                 : std::to_string(swept) + " are";
+        throw UsageError((needed == 1 ? "A picture of kind sweep needs one swept input and "
+                                      : "A picture of kind contour needs two swept inputs and ") +
+                         present + '.');
+    }
+    if (kind == Kind::Coefficients && session.modelType() == CaseSession::Kriging) {
+        throw UsageError("Only the response surface has coefficients to draw.");
+    }
+}
+
+std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
+{
+    check(kind, session);
+    std::optional<ModelCut> cut;
+    if (sweptInputs(kind) > 0) {
+        cut = ModelCut::throughChosenValues(session);
+    }
+    const std::vector<ResponseSurfaceStatistics> statistics =
+        kind == Kind::Coefficients ? session.statistics()
+                                   : std::vector<ResponseSurfaceStatistics>();
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    const std::vector<std::string> outputs = namesOf(session.outputs());
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < outputs.size(); ++output) {
+        switch (kind) {
+        case Kind::Sweep:
+            pictures.emplace_back(
+                sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+            break;
+        case Kind::Contour:
+            pictures.emplace_back(contourPicture(*cut, output));
+            break;
+        case Kind::Actual:
+            pictures.emplace_back(actualPicture(LeaveOneOutCases::of(session, output)));
+            break;
+        case Kind::Residuals:
+            pictures.emplace_back(residualPicture(LeaveOneOutCases::of(session, output)));
+            break;
+        case Kind::Coefficients:
+            pictures.emplace_back(coefficientPicture(statistics[output], inputs, outputs[output]));
+            break;
+        }
+    }
+    return pictures;
+}

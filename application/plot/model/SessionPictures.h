@@ -1,0 +1,56 @@
+#pragma once
+
+#include <plot/PictureData.h>
+
+#include <surrogate_plot/Export.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+class CaseSession;
+
+/** The kinds of pictures of a session's model: what each needs, and one panel of it per output, in
+ *  the order of the roles. */
+namespace SessionPictures {
+enum class Kind
+{
+    Sweep,
+    Contour,
+    Actual,
+    Residuals,
+    Coefficients
+};
+
+/** The words that users write for them, separated by commas. */
+SURROGATE_PLOT_EXPORT std::string kindWords();
+
+/** None if it is not among kindWords(). */
+SURROGATE_PLOT_EXPORT std::optional<Kind> kindOf(const std::string& word);
+
+/** Inputs that a picture sweeps: 1, 2 or, of kinds that show the cases, 0. */
+SURROGATE_PLOT_EXPORT std::size_t sweptInputs(Kind kind);
+
+/** Values of each swept input unless the user gives a number. */
+SURROGATE_PLOT_EXPORT std::size_t defaultValues(Kind kind);
+
+/**
+ * Sweeps the remaining inputs evenly if they are exactly those that the kind needs beside the swept
+ * ones; inputs without a range do not count.
+ * @param held positions of inputs that are to stay where they are.
+ */
+SURROGATE_PLOT_EXPORT void sweepRemaining(Kind kind, CaseSession& session,
+                                          const std::vector<std::size_t>& held);
+
+/**
+ * Needs no fit.
+ * @throw UsageError if the session sweeps another number of inputs than the kind needs, or
+ *        coefficients are wanted of a model that has none.
+ */
+SURROGATE_PLOT_EXPORT void check(Kind kind, const CaseSession& session);
+
+/** Fits first if need be. @throw UsageError as check(), and where the swept values are all the
+ * same; SurrogateModelInterface::Error */
+SURROGATE_PLOT_EXPORT std::vector<PictureData> make(Kind kind, CaseSession& session);
+} // namespace SessionPictures

@@ -1,0 +1,75 @@
+#include "plot/model/SweepPictures.h"
+
+#include "plot/model/ConfidenceBand.h"
+#include "plot/model/DrawableValues.h"
+#include "plot/model/ModelCut.h"
+
+#include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+/** The points in ascending order of the input, each of its values once. */
+std::vector<std::size_t> ascending(const std::vector<double>& values)
+{
+    std::vector<std::size_t> order(values.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return values[left] < values[right];
+    });
+    const auto isEqual = [&](std::size_t left, std::size_t right) {
+        return values[left] == values[right];
+    };
+    order.erase(std::unique(order.begin(), order.end(), isEqual), order.end());
+    return order;
+}
+
+void addBand(const ConfidenceBand& band, const std::vector<std::size_t>& order,
+             SweepPicture& picture)
+{
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const double halfWidth = band.quantile * band.standardErrors[order[i]];
+        picture.lower.push_back(picture.model[i] - halfWidth);
+        picture.upper.push_back(picture.model[i] + halfWidth);
+    }
+    constexpr int digits = 3;
+    picture.bandLabel =
+        "\302\261 " + shownNumber(band.quantile, digits) + " standard errors (95\302\240%)";
+}
+} // namespace
+
+SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const ConfidenceBand& band)
+{
+    const ModelCut::Column& input = cut.inputs[cut.swept.front()];
+    const ModelCut::Column& model = cut.outputs[output];
+    const std::vector<std::size_t> order = ascending(input.values);
+    if (order.size() < 2) {
+        throw UsageError("The picture needs two different values of " + quotedText(input.name) +
+                         " at least.");
+    }
+    SweepPicture picture;
+    picture.inputName = input.name;
+    picture.outputName = model.name;
+    picture.title = model.name + ", " + cut.modelName;
+    picture.modelLabel = cut.modelName;
+    for (const std::size_t point : order) {
+        picture.inputs.push_back(input.values[point]);
+        picture.model.push_back(model.values[point]);
+    }
+    if (!band.standardErrors.empty()) {
+        addBand(band, order, picture);
+    }
+    picture.caseInputs = input.caseValues;
+    picture.caseOutputs = model.caseValues;
+    picture.caseLabel = cut.caseLabel();
+    picture.caption = cut.caption();
+    requireDrawable(picture.inputs, quotedText(input.name));
+    requireDrawable(picture.caseOutputs, quotedText(model.name));
+    for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {
+        requireDrawable(*column, "The model of " + quotedText(model.name));
+    }
+    return picture;
+}

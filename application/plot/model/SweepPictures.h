@@ -1,0 +1,17 @@
+#pragma once
+
+#include <plot/SweepPicture.h>
+
+#include <surrogate_plot/Export.h>
+
+#include <cstddef>
+
+struct ConfidenceBand;
+struct ModelCut;
+
+/**
+ * An output along the swept input of a cut, each of its values once and ascending.
+ * @throw UsageError for less than two values; SurrogateModelInterface::Error if it cannot be drawn.
+ */
+SURROGATE_PLOT_EXPORT SweepPicture sweepPicture(const ModelCut& cut, std::size_t output,
+                                                const ConfidenceBand& band);

@@ -1,0 +1,92 @@
+#include <plot/model/CasePictures.h>
+
+#include "CvdSession.h"
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+TEST(CasePictures, ActualAndPredictedComeFromTheOtherCases)
+{
+    for (const CaseSession::Model model : {CaseSession::Kriging, CaseSession::ResponseSurface}) {
+        CaseSession session = cvdSession(model);
+
+        const ActualPicture picture = actualPicture(LeaveOneOutCases::of(session, 0));
+
+        ASSERT_EQ(picture.actual.size(), 11u);
+        EXPECT_EQ(picture.actual[0], 4.6);
+        double press = 0.0;
+        for (std::size_t i = 0; i < picture.actual.size(); ++i) {
+            press += std::pow(picture.actual[i] - picture.predicted[i], 2);
+        }
+        const FitMetrics metrics = session.fits().front().metrics;
+        EXPECT_NEAR(std::sqrt(press / 11.0), metrics.looRmse, 1e-9 * metrics.looRmse);
+        EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases.");
+    }
+}
+
+TEST(CasePictures, ResidualsAreActualMinusPredicted)
+{
+    CaseSession session = cvdSession();
+    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 1);
+
+    const ActualPicture actual = actualPicture(cases);
+    const ResidualPicture picture = residualPicture(cases);
+
+    EXPECT_EQ(picture.title, "Stress, response surface, leave-one-out");
+    EXPECT_EQ(picture.outputName, "Stress");
+    EXPECT_EQ(picture.predicted, actual.predicted);
+    EXPECT_EQ(picture.caption, actual.caption);
+    ASSERT_EQ(picture.residuals.size(), 11u);
+    for (std::size_t i = 0; i < 11; ++i) {
+        EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
+    }
+}
+
+TEST(CasePictures, LeaveOutAndCountCasesThatTheOthersDoNotDetermine)
+{
+    const double none = std::nan("");
+    const LeaveOneOutCases cases = {
+        "y", "Kriging", {{0, 1.0, 1.5, none}, {1, 3.0, 2.5, none}, {2, 5.0, none, none}}, 3};
+
+    const ActualPicture picture = actualPicture(cases);
+
+    EXPECT_EQ(picture.actual, (std::vector<double>{1.0, 3.0}));
+    EXPECT_EQ(picture.predicted, (std::vector<double>{1.5, 2.5}));
+    EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases; 1 left out, which "
+                               "the others do not determine.");
+}
+
+TEST(CasePictures, SayThatTheyShowASample)
+{
+    const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, 1.5, 0.1}, {1, 3.0, 2.5, 0.1}}, 9};
+
+    EXPECT_EQ(actualPicture(cases).caption,
+              "Each case predicted by a fit to the other cases, 2 of 9 cases drawn at random.");
+}
+
+TEST(CasePictures, AreRefusedIfNoCaseIsDeterminedByTheOthers)
+{
+    const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, std::nan(""), 0.1}}, 1};
+
+    try {
+        actualPicture(cases);
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "The cases of \"y\" cannot be predicted from each other: without one of them "
+                     "the others do not determine the model. More cases would.");
+    }
+    EXPECT_THROW(residualPicture(cases), SurrogateModelInterface::Error);
+}
+
+TEST(CasePictures, AreRefusedForValuesThatNoAxisCanShow)
+{
+    EXPECT_THROW(actualPicture({"y", "Kriging", {{0, 1.6e308, 1.0, 0.1}}, 1}),
+                 SurrogateModelInterface::Error);
+    EXPECT_THROW(residualPicture({"y", "Kriging", {{0, 8e307, -8e307, 0.1}}, 1}),
+                 SurrogateModelInterface::Error);
+}

@@ -1,0 +1,60 @@
+#include <plot/model/ContourPictures.h>
+
+#include <plot/model/ModelCut.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+/** Typed in no order; a value says where it belongs. */
+ModelCut grid()
+{
+    ModelCut cut;
+    cut.modelName = "response surface";
+    cut.inputs = {{"Pressure", {80, 80, 4, 4, 42, 42}, {50}},
+                  {"Power", {7, 7, 7, 7, 7, 7}, {7}},
+                  {"Ratio", {2, 10, 2, 10, 2, 10}, {5}}};
+    cut.outputs = {{"Stress", {802, 8010, 42, 410, 422, 4210}, {6}}};
+    cut.swept = {0, 2};
+    cut.fittedCases = 11;
+    return cut;
+}
+} // namespace
+
+TEST(ContourPictures, HaveTheGridOfTheSweptInputs)
+{
+    const ContourPicture picture = contourPicture(grid(), 0);
+
+    EXPECT_EQ(picture.title, "Stress, response surface");
+    EXPECT_EQ(picture.xName, "Pressure");
+    EXPECT_EQ(picture.yName, "Ratio");
+    EXPECT_EQ(picture.x, (std::vector<double>{4, 42, 80}));
+    EXPECT_EQ(picture.y, (std::vector<double>{2, 10}));
+    EXPECT_EQ(picture.values, (std::vector<double>{42, 410, 422, 4210, 802, 8010}));
+    EXPECT_EQ(picture.caseX, std::vector<double>{50});
+    EXPECT_EQ(picture.caseY, std::vector<double>{5});
+    EXPECT_EQ(picture.caseLabel, "cases near (1 of 11)");
+    EXPECT_EQ(picture.caption,
+              "At Power = 7. Near: all held inputs within 10\302\240% of their range.");
+}
+
+TEST(ContourPictures, RefuseOneValueOfASweptInput)
+{
+    ModelCut cut = grid();
+    cut.inputs[2].values.assign(6, 2.0);
+
+    EXPECT_THROW(contourPicture(cut, 0), UsageError);
+}
+
+TEST(ContourPictures, RefuseValuesThatNoAxisCanShow)
+{
+    ModelCut cut = grid();
+    cut.outputs[0].values[3] = std::nan("");
+
+    EXPECT_THROW(contourPicture(cut, 0), SurrogateModelInterface::Error);
+}

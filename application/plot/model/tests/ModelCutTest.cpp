@@ -1,0 +1,111 @@
+#include <plot/model/ModelCut.h>
+
+#include "CvdSession.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+TEST(ModelCut, HoldsInputsAndSweepsOthersAsTheSessionChooses)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "6");
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    EXPECT_EQ(cut.modelName, "response surface");
+    EXPECT_EQ(cut.swept, std::vector<std::size_t>{0});
+    EXPECT_EQ(cut.inputs[0].name, "Pressure");
+    EXPECT_EQ(cut.inputs[0].values, (std::vector<double>{4, 23, 42, 61, 80}));
+    EXPECT_EQ(cut.inputs[1].values, std::vector<double>(5, 6.0));
+    ASSERT_EQ(cut.outputs.size(), 2u);
+    EXPECT_EQ(cut.outputs[1].name, "Stress");
+    // The intercept of a fit to coded inputs, whose codes are 0 here; docs in examples/cvd.
+    EXPECT_NEAR(cut.outputs[1].values[2], 7.79, 1e-2);
+    EXPECT_EQ(cut.caption(),
+              "At H2/WF6 = 6. Near: all held inputs within 10\302\240% of their range.");
+}
+
+TEST(ModelCut, HasTheCasesNearIt)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "0 - 50 : 6");
+    session.stayAt(1, "6.7");
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    // Of the five cases with a ratio of 6, within 0.8 of the cut, one is at a pressure of 80.
+    EXPECT_EQ(cut.inputs[0].caseValues, (std::vector<double>{42, 4, 42, 42}));
+    EXPECT_EQ(cut.outputs[0].caseValues, (std::vector<double>{6.2, 7.3, 6.4, 5.0}));
+    EXPECT_EQ(cut.caseLabel(), "cases near (4 of 11)");
+}
+
+TEST(ModelCut, SaysThatItIsFarFromAllCases)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "4.6");
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    EXPECT_TRUE(cut.inputs[0].caseValues.empty());
+    EXPECT_EQ(cut.caption(),
+              "At H2/WF6 = 4.6. No case has all held inputs within 10\302\240% of their range.");
+}
+
+TEST(ModelCut, LeavesOutExcludedCases)
+{
+    CaseSession session = cvdSession();
+    session.exclude({0, 4});
+    session.sweepEvenly(0, 5);
+    session.stayAt(1, "6");
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    EXPECT_EQ(cut.inputs[0].caseValues, (std::vector<double>{42, 42, 42}));
+}
+
+TEST(ModelCut, HasNoCaptionWhereAllInputsAreSwept)
+{
+    CaseSession session = cvdSession();
+    session.sweepEvenly(0, 2);
+    session.sweepEvenly(1, 2);
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    EXPECT_EQ(cut.caption(), "");
+    EXPECT_EQ(cut.caseLabel(), "cases");
+    EXPECT_EQ(cut.nearCases(), 11u);
+}
+
+TEST(ModelCut, NamesAFewHeldInputsAndCountsTheOthers)
+{
+    ModelCut cut;
+    cut.swept = {0};
+    for (int i = 0; i < 9; ++i) {
+        cut.inputs.push_back({"x" + std::to_string(i), {1.0}, {}});
+    }
+    cut.inputs[1].name = "the temperature of the inner wall, upstream";
+    cut.inputs[2].values = {0.1234567890123};
+
+    EXPECT_EQ(cut.caption(),
+              "At the temperature of the inner wa\342\200\246 = 1, x2 = 0.123457, x3 = 1, "
+              "x4 = 1, x5 = 1, x6 = 1 and 2 more held. No case has all held inputs "
+              "within 10\302\240% of their range.");
+}
+
+TEST(ModelCut, ThroughTheMiddleLeavesTheSessionAsItIs)
+{
+    CaseSession session = cvdSession();
+
+    const ModelCut cut = ModelCut::throughTheMiddle(session, 0);
+
+    EXPECT_EQ(cut.points(), ModelCut::sweepValues);
+    EXPECT_EQ(cut.inputs[0].values.front(), 4.0);
+    EXPECT_EQ(cut.inputs[0].values.back(), 80.0);
+    EXPECT_EQ(cut.inputs[1].values, std::vector<double>(cut.points(), 6.0));
+    EXPECT_EQ(cut.caption().rfind("At H2/WF6 = 6. ", 0), 0u) << cut.caption();
+    EXPECT_TRUE(session.sweptInputs().empty());
+}

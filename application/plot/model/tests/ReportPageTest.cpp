@@ -1,0 +1,60 @@
+#include <plot/model/ReportPage.h>
+
+#include "CvdSession.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+namespace {
+std::size_t occurrences(const std::string& text, const std::string& part)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+} // namespace
+
+TEST(ReportPage, HasThePicturesOfEachOutput)
+{
+    CaseSession surface = cvdSession();
+    CaseSession kriging = cvdSession(CaseSession::Kriging);
+
+    // Actual, residuals, coefficients and two sweeps of two outputs.
+    EXPECT_EQ(occurrences(ReportPage::html(surface), "<svg "), 10u);
+    EXPECT_EQ(occurrences(ReportPage::html(kriging), "<svg "), 8u) << "without coefficients";
+}
+
+TEST(ReportPage, SaysWhyASweepCannotBeDrawnAndShowsTheOthers)
+{
+    CaseTable table = cvdCases();
+    for (double& value : table.columns[0].numbers) {
+        value *= 2e306; // up to 1.6e308
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const std::string html = ReportPage::html(session);
+
+    EXPECT_EQ(occurrences(html, "<p>There is no picture of kind sweep. &quot;Pressure&quot; holds "
+                                "values that are not finite, or too large to be drawn.</p>"),
+              1u);
+    EXPECT_EQ(occurrences(html, "<svg "), 4u);
+}
+
+TEST(ReportPage, AnOutputThatCannotBeDrawnDoesNotCostTheOthers)
+{
+    CaseTable table = cvdCases();
+    for (double& value : table.columns[2].numbers) {
+        value *= 1e307; // the largest is 7.4e307: a picture needs margins
+    }
+    table.columns[2].numbers[0] = -1.5e308;
+    CaseSession session(std::move(table), {{0, 1}, {2, 3}}, {}, CaseSession::ResponseSurface);
+
+    const std::string html = ReportPage::html(session);
+
+    EXPECT_EQ(occurrences(html, "<svg "), 5u);
+    EXPECT_EQ(occurrences(html, "<p>There is no picture of kind actual. "), 1u);
+}

@@ -1,0 +1,56 @@
+#include <plot/model/ReportSweeps.h>
+
+#include "CvdSession.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+TEST(ReportSweeps, SweepEveryInputThroughTheMiddleOfTheOthers)
+{
+    CaseSession session = cvdSession();
+
+    const ReportSweeps sweeps(session);
+
+    for (std::size_t output = 0; output < 2; ++output) {
+        const std::vector<const ModelCut*> cuts = sweeps.mostInfluential(output);
+        ASSERT_EQ(cuts.size(), 2u);
+        EXPECT_EQ(cuts[0]->swept, std::vector<std::size_t>{0})
+            << "pressure has the larger influence";
+        EXPECT_EQ(cuts[1]->swept, std::vector<std::size_t>{1});
+        // Both pass through the point in the middle.
+        EXPECT_NEAR(cuts[0]->outputs[output].values[50], cuts[1]->outputs[output].values[50],
+                    1e-12);
+    }
+}
+
+TEST(ReportSweeps, LeaveOutInputsThatDoNotVary)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    const ReportSweeps sweeps(session);
+
+    ASSERT_EQ(sweeps.mostInfluential(0).size(), 1u);
+    EXPECT_EQ(sweeps.mostInfluential(0)[0]->swept, std::vector<std::size_t>{0});
+}
+
+TEST(ReportSweeps, AreSixOfManyInputs)
+{
+    CaseTable table = cvdCases();
+    const auto output = table.columns[3];
+    table.columns.resize(1);
+    for (int i = 1; i < 8; ++i) {
+        table.columns.push_back(table.columns[0]);
+        table.columns.back().name = "x" + std::to_string(i);
+        table.columns.back().numbers[static_cast<std::size_t>(i)] += i;
+    }
+    table.columns.push_back(output);
+    CaseSession session(std::move(table), {{0, 1, 2, 3, 4, 5, 6, 7}, {8}}, {},
+                        CaseSession::ResponseSurface);
+
+    EXPECT_EQ(ReportSweeps(session).mostInfluential(0).size(), 6u);
+}

@@ -1,0 +1,125 @@
+#include <plot/model/SessionPictures.h>
+
+#include "CvdSession.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace {
+using SessionPictures::Kind;
+
+std::string refusal(Kind kind, const CaseSession& session)
+{
+    try {
+        SessionPictures::check(kind, session);
+        return {};
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+}
+} // namespace
+
+TEST(SessionPictures, HaveAPanelForEachOutput)
+{
+    for (const Kind kind :
+         {Kind::Sweep, Kind::Contour, Kind::Actual, Kind::Residuals, Kind::Coefficients}) {
+        CaseSession session = cvdSession();
+        session.sweepEvenly(0, 5);
+        if (kind == Kind::Contour) {
+            session.sweepEvenly(1, 5);
+        }
+
+        const std::vector<PictureData> pictures = SessionPictures::make(kind, session);
+
+        ASSERT_EQ(pictures.size(), 2u);
+        const auto title = [](const auto& picture) { return picture.title; };
+        EXPECT_EQ(std::visit(title, pictures[0]).rfind("Uniformity, response surface", 0), 0u);
+        EXPECT_EQ(std::visit(title, pictures[1]).rfind("Stress, response surface", 0), 0u);
+        EXPECT_EQ(pictures[0].index(), pictures[1].index());
+    }
+}
+
+TEST(SessionPictures, SweepRemainingInputsIfThePictureNeedsThemAll)
+{
+    CaseSession both = cvdSession();
+    SessionPictures::sweepRemaining(Kind::Contour, both, {});
+    EXPECT_EQ(both.sweptInputs(), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(std::get<ContourPicture>(SessionPictures::make(Kind::Contour, both)[0]).x.size(),
+              SessionPictures::defaultValues(Kind::Contour));
+
+    CaseSession held = cvdSession();
+    SessionPictures::sweepRemaining(Kind::Sweep, held, {0});
+    EXPECT_EQ(held.sweptInputs(), std::vector<std::size_t>{1});
+
+    CaseSession second = cvdSession();
+    second.sweepEvenly(1, 7);
+    SessionPictures::sweepRemaining(Kind::Contour, second, {});
+    EXPECT_EQ(std::get<ContourPicture>(SessionPictures::make(Kind::Contour, second)[0]).y.size(),
+              7u);
+}
+
+TEST(SessionPictures, DoNotSweepAnInputThatDoesNotVary)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].numbers.assign(11, 6.0);
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    SessionPictures::sweepRemaining(Kind::Sweep, session, {});
+
+    EXPECT_EQ(session.sweptInputs(), std::vector<std::size_t>{0});
+}
+
+TEST(SessionPictures, DoNotSweepWhereTheChoiceIsNotClear)
+{
+    CaseSession session = cvdSession();
+    SessionPictures::sweepRemaining(Kind::Sweep, session, {});
+    SessionPictures::sweepRemaining(Kind::Contour, session, {0});
+    SessionPictures::sweepRemaining(Kind::Residuals, session, {});
+    EXPECT_TRUE(session.sweptInputs().empty());
+
+    session.sweepEvenly(0, 5);
+    SessionPictures::sweepRemaining(Kind::Sweep, session, {});
+    EXPECT_EQ(session.sweptInputs(), std::vector<std::size_t>{0});
+}
+
+TEST(SessionPictures, OfCoefficientsNeedAResponseSurface)
+{
+    const CaseSession session = cvdSession(CaseSession::Kriging);
+
+    EXPECT_EQ(refusal(Kind::Coefficients, session),
+              "Only the response surface has coefficients to draw.");
+    EXPECT_EQ(refusal(Kind::Actual, session), "");
+}
+
+TEST(SessionPictures, NeedOneSweptInputOrTwo)
+{
+    CaseSession session = cvdSession();
+    EXPECT_EQ(refusal(Kind::Sweep, session),
+              "A picture of kind sweep needs one swept input and none is.");
+
+    session.sweepEvenly(0, 5);
+    EXPECT_EQ(refusal(Kind::Sweep, session), "");
+    EXPECT_EQ(refusal(Kind::Contour, session),
+              "A picture of kind contour needs two swept inputs and one is.");
+
+    session.sweepEvenly(1, 5);
+    EXPECT_EQ(refusal(Kind::Contour, session), "");
+    EXPECT_EQ(refusal(Kind::Sweep, session),
+              "A picture of kind sweep needs one swept input and 2 are.");
+    EXPECT_THROW(SessionPictures::make(Kind::Sweep, session), UsageError);
+}
+
+TEST(SessionPictures, AreKnownByTheirWords)
+{
+    EXPECT_EQ(SessionPictures::kindWords(), "sweep, contour, actual, residuals, coefficients");
+    EXPECT_EQ(SessionPictures::kindOf("contour"), Kind::Contour);
+    EXPECT_EQ(SessionPictures::kindOf("pie"), std::nullopt);
+    EXPECT_EQ(SessionPictures::kindOf(""), std::nullopt);
+}

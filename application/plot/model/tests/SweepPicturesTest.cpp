@@ -1,0 +1,96 @@
+#include <plot/model/SweepPictures.h>
+
+#include <plot/model/ConfidenceBand.h>
+#include <plot/model/ModelCut.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace {
+ModelCut cut(std::vector<double> pressures, std::vector<double> stresses)
+{
+    ModelCut cut;
+    cut.modelName = "Kriging";
+    cut.inputs = {{"Pressure", std::move(pressures), {}}};
+    cut.outputs = {{"Stress", std::move(stresses), {}}};
+    cut.swept = {0};
+    return cut;
+}
+} // namespace
+
+TEST(SweepPictures, ShowsEachValueOnceInAscendingOrder)
+{
+    const SweepPicture picture = sweepPicture(cut({42, 4, 80, 42}, {5, 7, 4, 5}), 0, {});
+
+    EXPECT_EQ(picture.inputs, (std::vector<double>{4, 42, 80}));
+    EXPECT_EQ(picture.model, (std::vector<double>{7, 5, 4}));
+    EXPECT_EQ(picture.title, "Stress, Kriging");
+    EXPECT_EQ(picture.inputName, "Pressure");
+    EXPECT_EQ(picture.outputName, "Stress");
+    EXPECT_EQ(picture.modelLabel, "Kriging");
+}
+
+TEST(SweepPictures, HasABandOfSoManyStandardErrorsOnBothSides)
+{
+    const ConfidenceBand band = {2.0, {0.5, 0.25, 1.0}};
+
+    const SweepPicture picture = sweepPicture(cut({42, 4, 80}, {5, 7, 4}), 0, band);
+
+    EXPECT_EQ(picture.lower, (std::vector<double>{6.5, 4, 2}));
+    EXPECT_EQ(picture.upper, (std::vector<double>{7.5, 6, 6}));
+    EXPECT_EQ(picture.bandLabel, "\302\261 2 standard errors (95\302\240%)");
+}
+
+TEST(SweepPictures, HasNoBandWithoutStandardErrors)
+{
+    const SweepPicture picture = sweepPicture(cut({4, 80}, {7, 4}), 0, {});
+
+    EXPECT_TRUE(picture.lower.empty());
+    EXPECT_TRUE(picture.upper.empty());
+    EXPECT_EQ(picture.bandLabel, "");
+}
+
+TEST(SweepPictures, ShowsTheCasesNearTheCut)
+{
+    ModelCut sweep = cut({4, 80}, {7, 4});
+    sweep.inputs[0].caseValues = {50};
+    sweep.outputs[0].caseValues = {6};
+    sweep.fittedCases = 9;
+
+    const SweepPicture picture = sweepPicture(sweep, 0, {});
+
+    EXPECT_EQ(picture.caseInputs, std::vector<double>{50});
+    EXPECT_EQ(picture.caseOutputs, std::vector<double>{6});
+    EXPECT_EQ(picture.caseLabel, "cases");
+}
+
+TEST(SweepPictures, RefusesOneValueOfTheSweptInput)
+{
+    try {
+        sweepPicture(cut({42, 42}, {5, 5}), 0, {});
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(),
+                     "The picture needs two different values of \"Pressure\" at least.");
+    }
+}
+
+TEST(SweepPictures, RefusesValuesThatNoAxisCanShow)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+
+    try {
+        sweepPicture(cut({4, 80}, {7, infinity}), 0, {});
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(), "The model of \"Stress\" holds values that are not finite, or "
+                                   "too large to be drawn.");
+    }
+    EXPECT_THROW(sweepPicture(cut({4, 1.6e308}, {7, 4}), 0, {}), SurrogateModelInterface::Error);
+}

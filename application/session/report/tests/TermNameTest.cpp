@@ -1,0 +1,15 @@
+#include <session/report/TermName.h>
+
+#include <gtest/gtest.h>
+
+TEST(TermName, HasTheNamesOfTheInputs)
+{
+    const std::vector<std::string> inputs = {"Pressure", "H2/WF6"};
+
+    EXPECT_EQ(termName({}, inputs), "intercept");
+    EXPECT_EQ(termName({1}, inputs), "H2/WF6");
+    EXPECT_EQ(termName({0, 0}, inputs), "Pressure^2");
+    EXPECT_EQ(termName({0, 1}, inputs), "Pressure * H2/WF6");
+    EXPECT_EQ(termName({0, 1}, inputs, " x ", "2"), "Pressure x H2/WF6");
+    EXPECT_EQ(termName({1, 1}, inputs, " x ", "2"), "H2/WF62");
+}
