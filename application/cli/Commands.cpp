@@ -4,7 +4,6 @@
 #include "CommandOutput.h"
 #include "CompareCommand.h"
 #include "ExportCommand.h"
-#include "HelpText.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
@@ -233,7 +232,7 @@ void runCheck(const CommandLine& line)
 void run(const CommandLine& line)
 {
     if (line.command == CommandLine::Help || line.command == CommandLine::Version) {
-        writeText("-", line.command == CommandLine::Help ? helpText() : versionText());
+        writeText("-", line.text);
         return;
     }
     setThreadCount(line.threads);

@@ -1,4 +1,6 @@
 #include "CommandLine.h"
+#include "CommandOptions.h"
+#include "CommandOutput.h"
 #include "Commands.h"
 #include "Interruption.h"
 
@@ -40,6 +42,10 @@ int main(int argc, char* argv[])
     std::signal(SIGXFSZ, SIG_IGN);
     Interruption::listen();
     try {
+        if (argc == 1) {
+            writeText("-", CommandOptions::shortHelp());
+            return WrongUse;
+        }
         run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));
         return Done;
     } catch (const OutputFile::ReaderGone&) {

@@ -68,7 +68,8 @@ TEST_F(Program, CompareWritesIntoAFileAndKeepsTheChoices)
 TEST_F(Program, CompareRefusesWhatItCannotDo)
 {
     expectFailure("compare cvd.csv -y Stress -m kriging", 2,
-                  "The command compare takes both models: leave out -m.");
+                  "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
+                  "export.");
     expectFailure("compare cvd.csv -y Stress --folds 1", 2,
                   "--folds needs a whole number from 2 to 1000000, not \"1\".");
     expectFailure("compare cvd.csv -y Stress --folds many", 2,

@@ -125,7 +125,8 @@ TEST_F(ExportCommand, WrongUseIsAnsweredByASentence)
                   "--format needs text, json, c, python or excel, not \"xml\".");
     expectFailure("fit cvd.csv -y Stress --format c", 2, "--format belongs to the command export.");
     expectFailure("export cvd.csv -y Stress --format json --json", 2,
-                  "--json has no meaning for the command export; --format json exports JSON.");
+                  "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
+                  "project and check.");
     expectFailure("export cvd.csv -y Stress --format c -o none/model.c", 5,
                   "The file \"none/model.c\" cannot be written: No such file or directory.");
     expectFailure("export none.csv -y Stress --format c", 5,

@@ -110,9 +110,10 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
     expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,
                   "The file \"nowhere/picture.svg\" cannot be written: No such file or directory.");
     expectFailure(sweep + "--kind sweep --json -o picture.svg", 2,
-                  "The command plot writes a picture; leave out --json.");
+                  "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
+                  "project and check.");
     expectFailure("fit cvd.csv -y Stress --kind sweep", 2,
-                  "--kind and --size belong to the command plot.");
+                  "--kind belongs to the command plot.");
 }
 
 TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)

@@ -373,7 +373,8 @@ TEST_F(ProjectCommands, WrongUseIsRefused)
                   "The name of a project document ends with .surrogate.xml, which \"plane.xml\" "
                   "does not.");
     expectFailure("check 1 --save a.surrogate.xml", 2,
-                  "--save belongs to the commands that choose something; this one does not.");
+                  "--save belongs to the commands summary, fit, evaluate, predict, equations, "
+                  "compare, plot and export.");
     expectFailure("fit - -y y --save a.surrogate.xml < plane.csv", 2,
                   "A project cannot find cases again that came from the standard input; put them "
                   "into a file.");
@@ -382,8 +383,8 @@ TEST_F(ProjectCommands, WrongUseIsRefused)
                   "meaning.");
     expectFailure("project", 2, "The command project needs a project document.");
     expectFailure("project " + project + " -m kriging", 2,
-                  "The command project shows what a document holds; it takes no roles, no cases "
-                  "and no model.");
+                  "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
+                  "export.");
     expectFailure("evaluate " + project + " -o cvd.csv", 2,
                   "The output would replace \"cvd.csv\", the project's case file; name another "
                   "file.");

@@ -1,31 +1,15 @@
 #include "session/cases/VariableNames.h"
 
+#include "session/text/NearestText.h"
 #include "session/text/SessionErrors.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
+#include <utility>
 
 namespace {
 /** A message that lists more names than these is not read any more. */
 constexpr std::size_t namesInMessage = 40;
-
-/** Single characters to insert, delete or replace to turn one text into the other.
- *  Wagner, Fischer: The String-to-String Correction Problem, J. ACM 21 (1974). */
-std::size_t editDistance(const std::string& left, const std::string& right)
-{
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t(0));
-    for (std::size_t i = 1; i <= left.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i);
-        for (std::size_t j = 1; j <= right.size(); ++j) {
-            const std::size_t replaced = diagonal + (left[i - 1] == right[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
 
 std::string quoted(const std::string& name)
 {
@@ -146,11 +130,8 @@ std::string VariableNames::unknownMessage(const std::string& name) const
     if (nameList.empty()) {
         return message + '.';
     }
-    const auto nearest = std::min_element(
-        nameList.begin(), nameList.end(), [&](const std::string& left, const std::string& right) {
-            return editDistance(name, left) < editDistance(name, right);
-        });
-    message += "; the nearest name is " + quoted(*nearest) + ". The variables are: ";
+    message += "; the nearest name is " + quoted(nameList[nearestText(name, nameList)]) +
+               ". The variables are: ";
     const std::size_t shown = std::min(nameList.size(), namesInMessage);
     for (std::size_t i = 0; i < shown; ++i) {
         message += (i == 0 ? "" : ", ") + quoted(nameList[i]);

@@ -1,0 +1,540 @@
+#include "CommandOptions.h"
+
+#include "CommandLine.h"
+
+#include <session/model/PolynomialWords.h>
+#include <session/text/NearestText.h>
+#include <session/text/SessionErrors.h>
+#include <session/text/WholeNumber.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <functional>
+#include <map>
+#include <system_error>
+#include <utility>
+
+namespace {
+constexpr std::size_t maxThreads = 1024;
+constexpr std::size_t maxFolds = 1000000;
+constexpr std::size_t helpColumn = 30; ///< where the descriptions of options begin
+
+const char* const about =
+    "Fits surrogate models (response surfaces, Kriging) to tables of cases and evaluates them.";
+
+const char* const exitCodes = R"(Exit codes:
+  0 done    1 the model cannot be fitted or evaluated    2 wrong use
+  3 bad case data, or a project or an exported model that cannot be used
+  4 bad distribution text    5 a file cannot be read or written    130 ended by Ctrl-C)";
+
+const char* const tables = R"(Tables:
+  CASES.csv is separated by commas, semicolons or tabs, with the names in the first line; "-" is the
+  standard input. A column is numeric if every filled cell is a number, else text. Missing cells are
+  empty, NA, N/A, NaN, null, ? or -.)";
+
+const char* const projects = R"(Projects:
+  A command that is given a project document starts from what it holds; options override it, name by
+  name. The case file is looked for where it was, relative to the document, and must not have changed.)";
+
+/** A value that is checked and given its meaning in one step; what is wrong is our own sentence. */
+void addValue(CLI::App& command, const std::string& name, const std::string& description,
+              const std::string& type, std::function<void(const std::string&)> take)
+{
+    command.add_option_function<std::string>(name, std::move(take), description)->type_name(type);
+}
+
+void addText(CLI::App& command, const std::string& name, const std::string& description,
+             const std::string& type, std::string& text)
+{
+    command.add_option(name, text, description)->type_name(type);
+}
+
+/** May be repeated. One value per mention: "-x A B" must not take B. */
+void addList(CLI::App& command, const std::string& name, const std::string& description,
+             const std::string& type, std::vector<std::string>& values)
+{
+    command.add_option(name, values, description)->type_name(type)->allow_extra_args(false);
+}
+
+template <typename T>
+T oneOf(const std::string& option, const std::string& word, const std::string& wanted,
+        const std::map<std::string, T>& meanings)
+{
+    const auto found = meanings.find(word);
+    if (found == meanings.end()) {
+        throw UsageError(option + " needs " + wanted + ", not \"" + word + "\".");
+    }
+    return found->second;
+}
+
+double percentageOf(const std::string& word)
+{
+    double percent = 0.0;
+    const char* const end = word.data() + word.size();
+    const auto read = std::from_chars(word.data(), end, percent);
+    if (read.ec != std::errc() || read.ptr != end || !(percent > 0.0 && percent < 100.0)) {
+        throw UsageError("--interval needs a percentage above 0 and below 100, such as 95, not \"" +
+                         word + "\".");
+    }
+    return percent;
+}
+
+void addReading(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Cases");
+    addValue(command, "--separator",
+             "comma, semicolon or tab, for all tables read;\nrecognised if absent", "S",
+             [&line](const std::string& word) {
+                 line.separator = oneOf<char>("--separator", word, "comma, semicolon or tab",
+                                              {{"comma", ','},
+                                               {",", ','},
+                                               {"semicolon", ';'},
+                                               {";", ';'},
+                                               {"tab", '\t'},
+                                               {"\t", '\t'},
+                                               {"\\t", '\t'}});
+             });
+    addValue(command, "--decimal",
+             "point or comma, for all tables read; recognised if absent.\n"
+             "Numbers can have decimal commas only where semicolons or\ntabs separate",
+             "M", [&line](const std::string& word) {
+                 line.decimalMark = oneOf<CellValue::DecimalMark>(
+                     "--decimal", word, "point or comma",
+                     {{"point", CellValue::Point}, {"comma", CellValue::Comma}});
+             });
+}
+
+void addChoices(CLI::App& command, CommandLine& line)
+{
+    const std::string& name = command.get_name();
+    const bool takesModels = name == "evaluate" || name == "predict" || name == "export";
+    addText(command, "CASES",
+            takesModels
+                ? "a case file, a project (NAME.surrogate.xml) or an\nexported model (NAME.json)"
+                : "a case file or a project (NAME.surrogate.xml)",
+            "", line.subject);
+    addReading(command, line);
+    command.option_defaults()->group("Cases");
+    addText(command, "--cases",
+            "the case file to take instead of the project's: when it has\n"
+            "moved, or has changed on purpose",
+            "FILE", line.cases);
+    addList(command, "-x,--inputs",
+            "inputs, a list separated by commas; may be repeated.\n"
+            "Without it every numeric column that is no output",
+            "NAMES", line.inputs);
+    addList(command, "-y,--outputs",
+            "outputs, likewise. Outputs that are asked for together are\n"
+            "fitted to the cases that are valid for all of them",
+            "NAMES", line.outputs);
+    addList(command, "--exclude", "case numbers, from 1, such as 3,7-9; none includes all again",
+            "CASES", line.excluded);
+    addText(command, "--save",
+            "keeps what was chosen once the command has succeeded: the\n"
+            "case file, how it is read, roles, excluded cases, model,\n"
+            "terms, values. A project that is replaced stays as FILE.bak",
+            "FILE", line.save);
+}
+
+void addModel(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Model");
+    addValue(command, "-m,--model", "response-surface (default) or kriging", "M",
+             [&line](const std::string& word) {
+                 line.model =
+                     oneOf<CaseSession::Model>("-m", word, "response-surface or kriging",
+                                               {{"response-surface", CaseSession::ResponseSurface},
+                                                {"kriging", CaseSession::Kriging}});
+             });
+}
+
+void addTerms(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Model");
+    addValue(command, "--terms",
+             "the polynomial of a response surface: linear, interactions\n"
+             "(these and the products of two inputs) or quadratic (these\n"
+             "and the squares, the default)",
+             "T", [&line](const std::string& word) {
+                 line.polynomial = termsOfWord(word);
+                 if (!line.polynomial) {
+                     throw UsageError("--terms needs linear, interactions or quadratic, not \"" +
+                                      word + "\".");
+                 }
+             });
+    const auto flag = [&](const char* name, CaseSession::Terms terms, const char* description) {
+        return command.add_flag_function(
+            name, [&line, terms](std::int64_t) { line.terms = terms; }, description);
+    };
+    CLI::Option* const selected =
+        flag("--select-terms", CaseSession::SelectedTerms,
+             "keeps only the terms that lower the corrected Akaike\n"
+             "criterion (AICc), for each output by itself; a linear term\n"
+             "stays while one of second order has its input. The\n"
+             "statistics do not account for the choice: their p values\n"
+             "are too small. compare tells whether it helps");
+    flag("--all-terms", CaseSession::AllTerms, "takes back the selection that a project holds")
+        ->excludes(selected);
+}
+
+void addValues(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Values");
+    addList(command, "--sweep",
+            "the values of a distribution text, such as 4 - 80 : 20, 42\n"
+            "(a range of 20 values from 4 to 80, and 42)",
+            "NAME=TEXT", line.sweeps);
+    addList(command, "--count", "N values, evenly over the range of the variable", "NAME=N",
+            line.counts);
+    addList(command, "--at", "one value. An input without values stays at its minimum",
+            "NAME=VALUE", line.values);
+}
+
+void addInterval(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Values");
+    addValue(command, "--interval",
+             "two columns more after each output, \"NAME lower\" and\n"
+             "\"NAME upper\": prediction limits, between which P percent\n"
+             "(95, say) of further cases would lie, their noise included.\n"
+             "Empty where the cases are too few to tell",
+             "P", [&line](const std::string& word) { line.interval = percentageOf(word); });
+}
+
+void addOutput(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Output");
+    addText(command, "-o,--output", "the file to write instead of the standard output (\"-\")",
+            "FILE", line.output);
+    command.add_flag("-q,--quiet", line.isQuiet, "no notes, no progress");
+    addValue(command, "--threads", "threads to use, all cores if absent", "N",
+             [&line](const std::string& word) {
+                 line.threads = static_cast<int>(readWholeNumber("--threads", word, 1, maxThreads));
+             });
+}
+
+void addJson(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Output");
+    command.add_flag("--json", line.asJson,
+                     "a JSON object instead of text. A table is its member\n"
+                     "\"table\", unless -o FILE names a file for the table; the\n"
+                     "object is printed then");
+}
+
+void describeSummary(CLI::App& command, CommandLine& line)
+{
+    addChoices(command, line);
+    addModel(command, line);
+    addTerms(command, line);
+    addJson(command, line);
+    addOutput(command, line);
+    command.footer(std::string(tables) + "\n\n" + projects);
+}
+
+void describeFit(CLI::App& command, CommandLine& line)
+{
+    describeSummary(command, line);
+    command.option_defaults()->group("Output");
+    addText(command, "--report",
+            "also writes a page with the figures, statistics, equations\n"
+            "and pictures of each output; it stands alone",
+            "FILE.html", line.report);
+}
+
+void describeEvaluate(CLI::App& command, CommandLine& line)
+{
+    describeSummary(command, line);
+    addValues(command, line);
+    addInterval(command, line);
+}
+
+void describePredict(CLI::App& command, CommandLine& line)
+{
+    describeSummary(command, line);
+    command.option_defaults()->group("Values");
+    addText(command, "--points",
+            "the table of points; it comes out with a column\n"
+            "\"NAME predicted\" for each output, empty where an input is\nmissing",
+            "FILE", line.points);
+    addInterval(command, line);
+}
+
+void describePlot(CLI::App& command, CommandLine& line)
+{
+    addChoices(command, line);
+    addModel(command, line);
+    addTerms(command, line);
+    command.option_defaults()->group("Picture");
+    addText(command, "--kind", "sweep, contour, actual, residuals or coefficients", "K", line.kind);
+    addValues(command, line);
+    command.option_defaults()->group("Picture");
+    addValue(command, "--size", "pixels of each panel, 800x600 if absent", "WxH",
+             [&line](const std::string& word) { line.size = word; });
+    addOutput(command, line);
+    command.footer(R"(Kinds:
+  sweep         the model along one input, with the band in which it lies with 95 percent probability
+                by its standard errors, and the cases near: those whose other inputs lie within 10 %
+                of their range of where they are held
+  contour       the model over two inputs, the first one to the right
+  actual        each case as a fit to the other cases predicts it, against its actual value
+  residuals     the differences of the two, against the predictions
+  coefficients  those of a response surface for inputs coded to -1 and 1, the largest first, with
+                their 95 % confidence limits
+
+  --sweep NAME alone sweeps over the range; inputs that nothing is said about are swept by themselves
+  if no other ones are left. -o FILE.svg, FILE.png or FILE.pdf has a panel for each output.)");
+}
+
+void describeCompare(CLI::App& command, CommandLine& line)
+{
+    addChoices(command, line);
+    addTerms(command, line);
+    command.option_defaults()->group("Comparison");
+    addValue(command, "--folds",
+             "folds of the cross-validation, each predicted by models of\n"
+             "the others; 10, or fewer if there are fewer cases. Copies of\n"
+             "a case stay together, and the split is always the same",
+             "K", [&line](const std::string& word) {
+                 line.folds = readWholeNumber("--folds", word, 2, maxFolds);
+             });
+    addJson(command, line);
+    addOutput(command, line);
+}
+
+void describeExport(CLI::App& command, CommandLine& line)
+{
+    addChoices(command, line);
+    addModel(command, line);
+    addTerms(command, line);
+    command.option_defaults()->group("Output");
+    addText(command, "--format", "text, json, c, python or excel", "F", line.format);
+    addOutput(command, line);
+    command.footer(R"(Formats:
+  text    formulas for a reader
+  c       a C99 file with surrogate_0() ... and surrogate_self_check(), a program with
+          -DSURROGATE_MAIN
+  python  a module with predict() and self_check(), also a script
+  excel   a workbook (-o FILE)
+  json    what evaluate, predict and export take in the place of CASES, if its name ends with .json
+  All carry ten check points; all but the text check themselves by them.)");
+}
+
+void describeCheck(CLI::App& command, CommandLine& line)
+{
+    addText(command, "TEXT", "such as \"0 - 10 : 11, 12.5\"", "", line.subject);
+    addJson(command, line);
+    addOutput(command, line);
+}
+
+void describeProject(CLI::App& command, CommandLine& line)
+{
+    addText(command, "PROJECT", "NAME.surrogate.xml", "", line.subject);
+    addJson(command, line);
+    addOutput(command, line);
+}
+
+struct Command
+{
+    CommandLine::Command value;
+    const char* name;
+    const char* description;
+    void (*describe)(CLI::App&, CommandLine&);
+};
+
+const Command commands[] = {
+    {CommandLine::Summary, "summary", "the variables and the cases of a table", describeSummary},
+    {CommandLine::Fit, "fit", "fits a model and reports how good it is, per output", describeFit},
+    {CommandLine::Evaluate, "evaluate", "the outputs over a grid of the inputs' values, as a table",
+     describeEvaluate},
+    {CommandLine::Predict, "predict", "the outputs at the rows of a second table", describePredict},
+    {CommandLine::Equations, "equations",
+     "the response-surface equations, with a legend of their symbols", describeSummary},
+    {CommandLine::Compare, "compare",
+     "response surface and Kriging by cross-validation, and which one to use", describeCompare},
+    {CommandLine::Plot, "plot", "a picture, with a panel for each output", describePlot},
+    {CommandLine::Export, "export", "the model as a file that computes it elsewhere",
+     describeExport},
+    {CommandLine::Project, "project", "what a project document holds", describeProject},
+    {CommandLine::Check, "check", "the values of a distribution text, or what is wrong with it",
+     describeCheck}};
+
+/** The description, with one subcommand for each command. */
+class Parser
+{
+public:
+    explicit Parser(CommandLine& line) : app(about, "surrogate")
+    {
+        app.set_version_flag("--version", "surrogate " SURROGATE_VERSION);
+        app.footer("surrogate COMMAND --help describes a command and its options.\n\n" +
+                   std::string(exitCodes));
+        app.allow_extras();
+        // A file may be called like a command.
+        app.require_subcommand(0, 1);
+        app.get_formatter()->column_width(helpColumn);
+        for (const Command& command : commands) {
+            CLI::App* const described =
+                app.add_subcommand(command.name, command.description)->allow_extras();
+            command.describe(*described, line);
+        }
+        help = app.add_subcommand("help", "describes a command");
+        help->add_option("COMMAND", helpTopic)->type_name("");
+    }
+
+    /** @throw CLI::ParseError, UsageError */
+    void parse(std::vector<std::string> arguments, CommandLine& line)
+    {
+        std::reverse(arguments.begin(), arguments.end());
+        app.parse(arguments);
+        if (help->parsed()) {
+            // help() of the whole would describe the command help.
+            line.text = helpTopic.empty() ? app.get_formatter()->make_help(
+                                                &app, app.get_name(), CLI::AppFormatMode::Normal)
+                                          : find(helpTopic).help(app.get_name());
+            return;
+        }
+        refuseExtras(app, "");
+        for (const Command& command : commands) {
+            CLI::App* const parsed = app.get_subcommand(command.name);
+            if (parsed->parsed()) {
+                refuseExtras(*parsed, command.name);
+                if (command.value == CommandLine::Check && parsed->count("TEXT") == 0) {
+                    throw UsageError("The command check needs the text to check.");
+                }
+                line.command = command.value;
+            }
+        }
+    }
+
+    std::string helpText() const { return app.help(); }
+
+private:
+    CLI::App& find(const std::string& name)
+    {
+        for (CLI::App* const command : app.get_subcommands(nullptr)) {
+            if (command->get_name() == name) {
+                return *command;
+            }
+        }
+        throw unknownCommand(name);
+    }
+
+    UsageError unknownCommand(const std::string& name) const
+    {
+        std::vector<std::string> names;
+        std::string list;
+        for (const Command& command : commands) {
+            names.emplace_back(command.name);
+            list += (list.empty() ? "" : ", ") + names.back();
+        }
+        return UsageError("There is no command \"" + name + "\"; the nearest is " +
+                          names[nearestText(name, names)] + ". The commands are: " + list +
+                          "; surrogate --help describes them.");
+    }
+
+    /** What no command or option of the description has taken. */
+    void refuseExtras(const CLI::App& parsed, const std::string& command)
+    {
+        for (const std::string& argument : parsed.remaining()) {
+            if (argument == "--") {
+                continue;
+            }
+            const bool isOption = argument.size() > 1 && argument[0] == '-';
+            if (!isOption && command.empty()) {
+                throw unknownCommand(argument);
+            }
+            if (!isOption) {
+                throw UsageError("\"" + argument + "\" is one argument too many for " + command +
+                                 "; texts with blanks are to be quoted.");
+            }
+            throw unknownOption(argument.substr(0, argument.find('=')), command);
+        }
+    }
+
+    UsageError unknownOption(const std::string& option, const std::string& command)
+    {
+        if (command.empty()) {
+            return UsageError("Options stand behind the command: surrogate COMMAND " + option +
+                              " ...");
+        }
+        std::string owners;
+        int count = 0;
+        std::vector<std::string> known;
+        for (const Command& other : commands) {
+            if (find(other.name).get_option_no_throw(option) != nullptr) {
+                owners += (count++ == 0 ? "" : ", ") + std::string(other.name);
+            }
+        }
+        if (count > 0) {
+            const std::size_t comma = owners.rfind(", ");
+            if (comma != std::string::npos) {
+                owners.replace(comma, 2, " and ");
+            }
+            return UsageError(
+                option + (count == 1 ? " belongs to the command " : " belongs to the commands ") +
+                owners + ".");
+        }
+        for (const CLI::Option* const own : find(command).get_options()) {
+            if (!own->get_lnames().empty()) {
+                known.push_back("--" + own->get_lnames().front());
+            }
+        }
+        return UsageError("There is no option \"" + option + "\"; the nearest is " +
+                          known[nearestText(option, known)] + ". surrogate " + command +
+                          " --help lists the options.");
+    }
+
+    CLI::App app;
+    CLI::App* help = nullptr;
+    std::string helpTopic;
+};
+
+/** A text to check may begin with a minus sign: it is moved behind the mark that ends the options.
+ */
+std::vector<std::string> withTextAsArgument(std::vector<std::string> arguments)
+{
+    const auto isNegative = [](const std::string& text) {
+        return text.size() > 1 && text[0] == '-' && (std::isdigit(text[1]) != 0 || text[1] == '.');
+    };
+    if (arguments.empty() || arguments.front() != "check") {
+        return arguments;
+    }
+    const auto text = std::find_if(arguments.begin(), arguments.end(), isNegative);
+    if (text != arguments.end() && std::find(arguments.begin(), text, std::string("--")) == text) {
+        std::rotate(text, text + 1, arguments.end());
+        arguments.insert(arguments.end() - 1, "--");
+    }
+    return arguments;
+}
+} // namespace
+
+void CommandOptions::read(const std::vector<std::string>& arguments, CommandLine& line)
+{
+    Parser parser(line);
+    try {
+        parser.parse(withTextAsArgument(arguments), line);
+    } catch (const CLI::CallForHelp&) {
+        line.command = CommandLine::Help;
+        line.text = parser.helpText();
+    } catch (const CLI::CallForVersion& version) {
+        line.command = CommandLine::Version;
+        line.text = std::string(version.what()) + '\n';
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(std::string(error.what()) +
+                         "; surrogate COMMAND --help lists the options.");
+    }
+}
+
+std::string CommandOptions::shortHelp()
+{
+    std::string text = std::string(about) + "\n\n    surrogate COMMAND CASES.csv [options]\n\n";
+    for (const Command& command : commands) {
+        std::string name = command.name;
+        name.resize(12, ' ');
+        text += "  " + name + command.description + '\n';
+    }
+    return text + "\nsurrogate COMMAND --help describes a command, surrogate --help all.\n";
+}
