@@ -9,12 +9,6 @@
 
 namespace {
 
-// In logarithms of lengths: a factor of 2.7 at first, because a longer first step of a likelihood
-// often lands where all cases are uncorrelated and the function is flat.
-constexpr double firstRadius = 1.0;
-constexpr double largestRadius = 4.0;
-constexpr double smallestRadius = 0.1; // after a step that was taken
-
 double dot(const std::vector<double>& a, const std::vector<double>& b)
 {
     double sum = 0.0;
@@ -48,10 +42,11 @@ std::vector<double> multiply(const std::vector<double>& matrix, const std::vecto
 } // namespace
 
 BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lower,
-                             std::vector<double> upper, std::vector<double> start)
-    : objective(objective), size(start.size()), lower(std::move(lower)), upper(std::move(upper)),
-      current(std::move(start)), currentValue(0.0), hessian(size * size, 0.0),
-      trustRadius(firstRadius), largestRises(size, largestRadius)
+                             std::vector<double> upper, std::vector<double> start,
+                             const StepRule& rule)
+    : objective(objective), rule(rule), size(start.size()), lower(std::move(lower)),
+      upper(std::move(upper)), current(std::move(start)), currentValue(0.0),
+      hessian(size * size, 0.0), trustRadius(rule.firstRadius)
 {
     for (std::size_t i = 0; i < size; ++i) {
         current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
@@ -81,12 +76,6 @@ bool BoundedSearch::isDone() const
     return done;
 }
 
-void BoundedSearch::resume()
-{
-    done = !isFeasible();
-    stalls = 0;
-}
-
 double BoundedSearch::value() const
 {
     return currentValue;
@@ -110,38 +99,17 @@ void BoundedSearch::finish(int steps, double smallestGain)
 
 void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
 {
-    constexpr int mostTries = 12;
-    constexpr int triesOfTheLast = 3;
-    // A model that expects nothing so far away would have to be wrong to gain anything.
-    constexpr double farEnough = 0.3;
-    // Where the function is flat but for rounding, the model keeps expecting what never comes.
-    constexpr int mostStalls = 2;
-
     for (int k = 0; k < steps && !done; ++k) {
         proposeStep();
-        const double expected = expectedGain();
-        const bool isFar = !isStepLimited || trustRadius >= farEnough;
-        const bool isLittle = isFar && expected < smallestGain;
-        if (isLittle && isModelTrusted) {
-            done = true;
-            return;
-        }
         const double before = currentValue;
         const bool isLast = isLastTime && k + 1 == steps;
-        const int tries = isLast ? triesOfTheLast : mostTries;
-        if (!tryStep(isLittle ? 1 : tries, isLast)) {
+        if (expectedGain() < smallestGain ||
+            !tryStep(isLast ? rule.maxTriesOfLast : rule.maxTries, isLast)) {
             done = true;
             return;
         }
-        // A model that has just been wrong is not believed when it expects nothing more.
-        const double gained = currentValue - before;
-        stalls = gained < smallestGain ? stalls + 1 : 0;
-        if (stalls == mostStalls) {
-            done = true;
-            return;
-        }
-        isModelTrusted =
-            gained < 10.0 * smallestGain || std::fabs(gained - expected) < 0.5 * gained;
+        stalls = currentValue - before < smallestGain ? stalls + 1 : 0;
+        done = stalls == rule.maxStalls;
     }
 }
 
@@ -157,14 +125,13 @@ void BoundedSearch::proposeStep()
     std::vector<double> highest(size);
     for (std::size_t i = 0; i < size; ++i) {
         lowest[i] = std::max(lower[i] - current[i], -trustRadius);
-        highest[i] = std::min(upper[i] - current[i], std::min(trustRadius, largestRises[i]));
+        highest[i] = std::min(upper[i] - current[i], trustRadius);
     }
     step = BoxedQuadratic(hessian, gradient).maximum(lowest, highest);
 
     isStepLimited = false;
     for (std::size_t i = 0; i < size; ++i) {
-        isStepLimited = isStepLimited || step[i] <= -trustRadius ||
-                        step[i] >= std::min(trustRadius, largestRises[i]);
+        isStepLimited = isStepLimited || std::fabs(step[i]) >= trustRadius;
     }
 }
 
@@ -200,7 +167,7 @@ bool BoundedSearch::learn()
  * Takes the step if the function rises by it, else a shorter one inside a smaller box.
  * @return whether it has risen.
  */
-bool BoundedSearch::tryStep(int mostTries, bool isLast)
+bool BoundedSearch::tryStep(int maxTries, bool isLast)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
     constexpr double good = 0.75;            // of the gain that the model expects
@@ -208,7 +175,7 @@ bool BoundedSearch::tryStep(int mostTries, bool isLast)
 
     const std::vector<double> start = current;
     const double before = currentValue;
-    for (int tries = 0; tries < mostTries; ++tries) {
+    for (int tries = 0; tries < maxTries; ++tries) {
         const double slope = dot(gradient, step);
         if (!(slope > 0.0)) {
             break;
@@ -225,9 +192,9 @@ bool BoundedSearch::tryStep(int mostTries, bool isLast)
             }
             const double share = gained / expectedGain();
             if (share < poor) {
-                trustRadius = std::max(0.5 * largestMagnitude(step), smallestRadius);
+                trustRadius = std::max(0.5 * largestMagnitude(step), rule.smallestRadius);
             } else if (share > good && isStepLimited && tries == 0) {
-                trustRadius = std::min(2.0 * trustRadius, largestRadius);
+                trustRadius = std::min(2.0 * trustRadius, rule.largestRadius);
             }
             const std::vector<double> oldGradient = gradient;
             learn();
@@ -241,31 +208,11 @@ bool BoundedSearch::tryStep(int mostTries, bool isLast)
             shrink = 0.5 * slope / (slope - gained);
         }
         trustRadius = std::min(std::max(shrink, 0.1), 0.5) * largestMagnitude(step);
-        if (std::isfinite(reached)) {
-            bend(2.0 * (slope - gained));
-        }
         proposeStep();
     }
     current = start;
     currentValue = before;
     return false;
-}
-
-/** Gives the model at least this curvature along the step: a function that has fallen short of it
- *  bends more than it knew. */
-void BoundedSearch::bend(double curvature)
-{
-    const std::vector<double> image = multiply(hessian, step);
-    const double quadratic = dot(step, image);
-    if (!(quadratic > 0.0) || !(curvature > quadratic)) {
-        return;
-    }
-    const double share = (curvature - quadratic) / (quadratic * quadratic);
-    for (std::size_t i = 0; i < size; ++i) {
-        for (std::size_t j = 0; j < size; ++j) {
-            hessian[i * size + j] += share * image[i] * image[j];
-        }
-    }
 }
 
 void BoundedSearch::updateCurvature(const std::vector<double>& taken,

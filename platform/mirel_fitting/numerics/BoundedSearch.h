@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 /** A smooth function to be maximised; its gradient is cheaper after its value. */
@@ -25,7 +26,7 @@ public:
 /**
  * Maximises a function of a few variables within bounds by a quasi-Newton method: the step goes to
  * the maximum of a quadratic model inside the bounds and a trust box; where the function does not
- * rise by it, the box shrinks and the model learns how much the function bends, where it rises as
+ * rise by it, the box shrinks, where it rises as
  * expected, the box grows. The curvature is the objective's estimate, corrected along the last step
  * by damped BFGS; without an estimate it is built up by these corrections alone. Nocedal, Wright:
  * Numerical Optimization, 2nd ed., Springer 2006, sections 4.1, 16.5 and 18.3.
@@ -35,12 +36,30 @@ public:
 class BoundedSearch
 {
 public:
+    /** Radii of the trust box are in units of the variables. */
+    struct StepRule
+    {
+        /** In logarithms of lengths a factor of e: a longer first step of a likelihood often lands
+         *  where all cases are uncorrelated and the function is flat. */
+        double firstRadius = 1.0;
+        double largestRadius = 4.0;
+        double smallestRadius = 0.1; ///< after a step that was taken
+        /** The box shrinks so often before a step is given up. */
+        int maxTries = 12;
+        int maxTriesOfLast = 3; ///< of finish()
+        /** Steps in a row that gain next to nothing: where the function is flat but for rounding,
+         *  the quadratic model keeps expecting a gain. Without this limit likelihoods of few cases
+         *  take a quarter more evaluations. */
+        int maxStalls = 2;
+    };
+
     /** Starts at `start`, moved into the bounds. The objective is borrowed for life. */
     BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
-                  std::vector<double> start);
-
-    /** From now on a step raises this variable by no more. */
-    void limitRise(std::size_t variable, double largest) { largestRises[variable] = largest; }
+                  std::vector<double> start, const StepRule& rule);
+    BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
+                  std::vector<double> start)
+        : BoundedSearch(objective, std::move(lower), std::move(upper), std::move(start), StepRule())
+    {}
 
     /** Whether the function has a value at the start. */
     bool isFeasible() const;
@@ -55,9 +74,6 @@ public:
      *  and the last step is shortened twice at most. */
     void finish(int steps, double smallestGain);
 
-    /** Goes on where it ended, if there is more to gain than was asked for. */
-    void resume();
-
     bool isDone() const;
     double value() const;
     const std::vector<double>& point() const;
@@ -66,12 +82,12 @@ private:
     void proposeStep();
     bool learn();
     void advance(int steps, double smallestGain, bool isLastTime);
-    bool tryStep(int mostTries, bool isLast);
+    bool tryStep(int maxTries, bool isLast);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
-    void bend(double curvature);
     double expectedGain() const;
 
     BoundedObjective& objective;
+    StepRule rule;
     std::size_t size;
     std::vector<double> lower;
     std::vector<double> upper;
@@ -81,10 +97,8 @@ private:
     std::vector<double> hessian; // of minus the function, by rows
     std::vector<double> step;
     double trustRadius;
-    std::vector<double> largestRises; // of one step
-    int stalls = 0;                   // steps in a row that gained next to nothing
+    int stalls = 0; // steps in a row that gained next to nothing
     bool isStepLimited = false;
-    bool isModelTrusted = true;
     bool hasCurvature = false;
     bool done = false;
 };

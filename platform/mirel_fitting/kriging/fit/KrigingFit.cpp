@@ -272,9 +272,7 @@ void Fitter::searchLengths()
  */
 bool Fitter::isScatterNegligible(const KrigingData& merged) const
 {
-    const KrigingSearch::Settings settings = searchSettings();
-    const double least = std::max(settings.smallestNugget, settings.soundNugget);
-    return hasScatter(merged) && found.parameters.nugget <= least;
+    return hasScatter(merged) && found.parameters.nugget <= searchSettings().leastNugget();
 }
 
 void Fitter::search()
@@ -316,10 +314,8 @@ void Fitter::searchWithTrends()
             quality.leaveOneOutError *= scale;
             return quality;
         };
-        lowered = {highest, trend->order(), inUnits(choice.quality), {}};
-        if (choice.qualityOfHighest) {
-            lowered->before = inUnits(*choice.qualityOfHighest);
-        }
+        lowered = {highest, trend->order(), inUnits(choice.quality),
+                   inUnits(choice.qualityOfHighest)};
     }
 }
 
@@ -347,7 +343,7 @@ FittedKriging Fitter::commonParts() const
  */
 bool Fitter::isNuggetWanted() const
 {
-    return options.nugget > KrigingSearch::Settings().soundNugget;
+    return options.nugget > SearchPolicy().soundNugget;
 }
 
 /** @return false if the lengths are too long for what happens between the cases. */
@@ -370,7 +366,7 @@ KrigingFit Fitter::withCorrelation()
     KrigingLikelihood likelihood(data);
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
-                            found.parameters.nugget <= KrigingSearch::Settings().soundNugget &&
+                            found.parameters.nugget <= SearchPolicy().soundNugget &&
                             refineUntilCasesAreMet(likelihood);
     warnOfConflicts(meetsCases);
 

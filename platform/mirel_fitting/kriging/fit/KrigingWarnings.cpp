@@ -59,18 +59,13 @@ std::string KrigingWarnings::ofConflicts(std::size_t points, bool meetsCases)
 
 std::string KrigingWarnings::ofLoweredTrend(const Lowered& lowered, std::size_t cases)
 {
-    std::string text = orderLowered(lowered.from, lowered.to) + "with " +
-                       counted(cases, "distinct case") +
-                       " a higher one is not seen to predict better";
-    // A search that was given up has no maximum whose figures could be compared.
-    if (lowered.before) {
-        text += ", both measures together (corrected Akaike criterion " +
-                KrigingTexts::figure(lowered.after.akaike) + " instead of " +
-                KrigingTexts::figure(lowered.before->akaike) + ", leave-one-out error " +
-                KrigingTexts::figure(lowered.after.leaveOneOutError) + " instead of " +
-                KrigingTexts::figure(lowered.before->leaveOneOutError) + ")";
-    }
-    return text + ".";
+    return orderLowered(lowered.from, lowered.to) + "with " + counted(cases, "distinct case") +
+           " a higher one is not seen to predict better, both measures together (corrected Akaike "
+           "criterion " +
+           KrigingTexts::figure(lowered.after.akaike) + " instead of " +
+           KrigingTexts::figure(lowered.before.akaike) + ", leave-one-out error " +
+           KrigingTexts::figure(lowered.after.leaveOneOutError) + " instead of " +
+           KrigingTexts::figure(lowered.before.leaveOneOutError) + ").";
 }
 
 std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)

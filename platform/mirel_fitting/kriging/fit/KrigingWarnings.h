@@ -3,7 +3,6 @@
 #include <mirel_fitting/kriging/search/KrigingTrendChoice.h>
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +16,8 @@ public:
     {
         int from = 0;
         int to = 0;
-        KrigingTrendChoice::Quality after;                 ///< in the output's units
-        std::optional<KrigingTrendChoice::Quality> before; ///< if its search came to a maximum
+        KrigingTrendChoice::Quality after;  ///< in the output's units
+        KrigingTrendChoice::Quality before; ///< with the trend asked for
     };
 
     /** @param input counted from 0. */

@@ -132,7 +132,8 @@ FirstLayer Fit::modelOfSubset(KrigingLikelihood& likelihood, double nugget, bool
         layer.nugget *= raise;
         layer.isNuggetRaised = true;
     }
-    layer.meetsCases = meetCases && !layer.isNuggetRaised && layer.nugget <= settings.soundNugget;
+    layer.meetsCases =
+        meetCases && !layer.isNuggetRaised && layer.nugget <= settings.policy.soundNugget;
     if (layer.meetsCases) {
         likelihood.refineWithoutNugget();
     }

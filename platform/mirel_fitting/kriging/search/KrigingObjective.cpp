@@ -1,26 +1,11 @@
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 
-#include <cmath>
-
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
-                                   const KrigingSearch::Settings& settings)
-    : likelihood(data), settings(settings), inputs(data->inputs)
+                                   const KrigingSearchVariables& variables,
+                                   const KrigingSearchSettings& settings)
+    : likelihood(data), variables(variables), nuggetUnit(settings.policy.nuggetUnit),
+      inputs(data->inputs)
 {}
-
-KrigingParameters KrigingObjective::parameters(const std::vector<double>& point) const
-{
-    KrigingParameters result;
-    result.lengths = settings.fixedLengths;
-    if (result.lengths.empty()) {
-        for (std::size_t k = 0; k < inputs; ++k) {
-            result.lengths.push_back(std::exp(point[k]));
-        }
-    }
-    const bool isLeast = point.empty() || settings.isNuggetFixed ||
-                         point.back() <= std::log(settings.smallestNugget) / nuggetUnit;
-    result.nugget = isLeast ? settings.smallestNugget : std::exp(nuggetUnit * point.back());
-    return result;
-}
 
 double KrigingObjective::value(const std::vector<double>& point)
 {
@@ -28,8 +13,7 @@ double KrigingObjective::value(const std::vector<double>& point)
         return *lastValue;
     }
     ++count;
-    const KrigingParameters at = parameters(point);
-    nugget = at.nugget;
+    const KrigingParameters at = variables.parameters(point);
     lastPoint = point;
     lastValue.reset(); // the likelihood may throw
     lastValue = likelihood.evaluate(at.lengths, at.nugget);
@@ -38,11 +22,11 @@ double KrigingObjective::value(const std::vector<double>& point)
 
 bool KrigingObjective::curvature(std::vector<double>& result)
 {
-    std::vector<double> whole;
+    std::vector<double> whole; // of all lengths and the nugget
     likelihood.averageInformation(whole);
     const std::size_t stride = inputs + 1;
-    const std::size_t first = settings.fixedLengths.empty() ? 0 : inputs;
-    const std::size_t last = settings.isNuggetFixed ? inputs : stride;
+    const std::size_t first = inputs - variables.lengths;
+    const std::size_t last = variables.hasNugget ? stride : inputs;
     const auto unit = [&](std::size_t k) { return k == inputs ? nuggetUnit : 1.0; };
     result.clear();
     for (std::size_t i = first; i < last; ++i) {
@@ -58,11 +42,16 @@ void KrigingObjective::gradient(std::vector<double>& result)
     lastValue.reset(); // one gradient per evaluation
     likelihood.gradient(result);
     result.back() *= nuggetUnit;
-    if (settings.isNuggetFixed) {
+    if (!variables.hasNugget) {
         result.pop_back();
     }
-    if (!settings.fixedLengths.empty()) {
+    if (variables.lengths == 0) {
         result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
     }
-    noise = nugget * likelihood.processVariance();
+}
+
+double KrigingObjective::noiseVariance(const std::vector<double>& point)
+{
+    value(point);
+    return variables.parameters(point).nugget * likelihood.processVariance();
 }

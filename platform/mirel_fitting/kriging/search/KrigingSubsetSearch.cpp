@@ -29,10 +29,9 @@ KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int
 std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Settings& settings,
                                                        double estimated)
 {
-    constexpr double smooth = 1e-6;
-
-    const double least = std::max(settings.smallestNugget, settings.soundNugget);
-    if (settings.isNuggetFixed || estimated <= least || estimated >= smooth) {
+    const double least = settings.leastNugget();
+    if (settings.isNuggetFixed || estimated <= least ||
+        estimated >= settings.policy.smoothSubsetNugget) {
         return std::nullopt;
     }
     return least;
@@ -52,16 +51,16 @@ KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const Krigi
     }
 
     const FitProgress::Portion portion(searching, 1.0);
-    KrigingSearch::Settings near = settings;
-    near.mostSteps = steps;
-    near.starts = {found.parameters};
+    KrigingSearch::Settings nearby = settings;
+    nearby.maxSteps = steps;
+    nearby.starts = {found.parameters};
     if (const auto least = nuggetToTry(settings, found.parameters.nugget)) {
-        near.starts.push_back({found.parameters.lengths, *least});
+        nearby.starts.push_back({found.parameters.lengths, *least});
     }
     if (settings.isNuggetFixed) {
-        near.smallestNugget = found.parameters.nugget; // raised, perhaps
+        nearby.smallestNugget = found.parameters.nugget; // it may have been raised
     }
-    KrigingSearch::Result result = KrigingSearch::run(data, near);
+    KrigingSearch::Result result = KrigingSearch::run(data, nearby);
     result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
     result.nuggetBound = found.nuggetBound;
     if (steps == 0) {

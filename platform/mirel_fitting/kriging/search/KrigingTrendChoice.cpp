@@ -64,15 +64,15 @@ void search(KrigingTrendChoice::Result& result, const KrigingSearch::Settings& s
 
 } // namespace
 
-bool KrigingTrendChoice::isNeeded(const KrigingTrend& trend, const KrigingData& data)
+bool KrigingTrendChoice::isNeeded(const KrigingTrend& trend, const KrigingData& data,
+                                  const SearchPolicy& policy)
 {
-    constexpr std::size_t casesPerTerm = 20;
-    return trend.order() > 0 && data.cases < casesPerTerm * trend.size();
+    return trend.order() > 0 && data.cases < policy.casesPerTerm * trend.size();
 }
 
-bool KrigingTrendChoice::isBetter(const Quality& higher, const Quality& lower, std::size_t points)
+bool KrigingTrendChoice::isBetter(const Quality& higher, const Quality& lower, std::size_t points,
+                                  const SearchPolicy& policy)
 {
-    constexpr double worthIt = 1.0;
     // Of the output's deviation: less is rounding.
     constexpr double exact = 1e-12;
 
@@ -80,7 +80,7 @@ bool KrigingTrendChoice::isBetter(const Quality& higher, const Quality& lower, s
         std::max(lower.leaveOneOutError, exact) / std::max(higher.leaveOneOutError, exact);
     // Not where both are infinite, as their difference is no number.
     return 0.5 * (lower.akaike - higher.akaike) + static_cast<double>(points) * std::log(ratio) >
-           worthIt;
+           policy.trendGain;
 }
 
 KrigingTrendChoice::Result
@@ -88,55 +88,29 @@ KrigingTrendChoice::run(const std::shared_ptr<KrigingData>& data,
                         const std::shared_ptr<const KrigingTrend>& highest,
                         const KrigingSearch::Settings& settings)
 {
-    constexpr double first = 0.6; // of the work
-    constexpr double last = 0.8;
-    // By so much for each case the errors may make up for a criterion that is worse; they seldom
-    // do.
-    constexpr double madeUp = 0.1;
-    // With fewer a search to the end takes no time worth mentioning, and there is more to tell.
-    constexpr std::size_t casesToGiveUp = 30;
+    constexpr double first = 0.6; // of the work: the other searches have a start nearby
 
     Result best = withOrder(0, data, highest);
     {
         const FitProgress::Portion portion(0.0, first);
         search(best, settings);
     }
-    // With another trend the second of several optima may be the best.
-    std::vector<KrigingParameters> starts = {best.found.parameters};
-    if (!best.found.secondParameters.lengths.empty()) {
-        starts.push_back(best.found.secondParameters);
-    }
-    const double step = (last - first) / highest->order();
-    std::optional<Quality> ofHighest;
+    const double step = (1.0 - first) / highest->order();
     for (int order = 1; order <= highest->order(); ++order) {
         const FitProgress::Portion portion(first + (order - 1) * step, first + order * step);
         Result other = withOrder(order, data, highest);
-        KrigingSearch::Settings near = settings;
-        near.starts = {starts.front()};
-        near.isRough = true;
-        if (data->cases >= casesToGiveUp) {
-            near.enough = 0.5 * (akaikePenalty(*other.data) - best.quality.akaike) -
-                          madeUp * static_cast<double>(data->cases);
+        KrigingSearch::Settings nearby = settings;
+        nearby.starts = {best.found.parameters};
+        if (!best.found.secondParameters.lengths.empty()) {
+            // With another trend the second of several optima may be the best.
+            nearby.starts.push_back(best.found.secondParameters);
         }
-        search(other, near);
-        ofHighest.reset();
-        if (!other.found.isGivenUp) {
-            ofHighest = other.quality;
-        }
-        if (isBetter(other.quality, best.quality, data->cases)) {
-            starts.front() = other.found.parameters;
+        search(other, nearby);
+        const Quality quality = other.quality;
+        if (isBetter(other.quality, best.quality, data->cases, settings.policy)) {
             best = std::move(other);
         }
+        best.qualityOfHighest = quality;
     }
-    if (best.trend->order() > 0) {
-        const FitProgress::Portion portion(last, 1.0);
-        KrigingSearch::Settings near = settings;
-        near.starts = starts;
-        search(best, near);
-    }
-    if (best.trend == highest) {
-        ofHighest = best.quality;
-    }
-    best.qualityOfHighest = ofHighest;
     return best;
 }

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
-#include <optional>
 
 /**
  * The order of the trend where cases are few. Each term of a trend takes a case away from what the
@@ -17,11 +16,11 @@
  *
  *   AICc = -2 ln L + 2 k + 2 k (k + 1) / (n - k - 1),
  *
- * n the number of rows, k that of the terms, lengths and the variance, and n times the logarithm of
- * the leave-one-out error, n the number of points. One alone is wrong more often than both. A
- * higher order has to gain 1. Hurvich, Tsai: Regression and time series model selection in small
- * samples, Biometrika 76 (1989); Stone: An asymptotic equivalence of choice of model by
- * cross-validation and Akaike's criterion, J. R. Stat. Soc. B 39 (1977).
+ * n the number of replicates, k that of the terms, lengths and the variance, and n times the
+ * logarithm of the leave-one-out error, n the number of points. One alone is wrong more often than
+ * both. A higher order has to gain SearchPolicy::trendGain. Hurvich, Tsai: Regression and time
+ * series model selection in small samples, Biometrika 76 (1989); Stone: An asymptotic equivalence
+ * of choice of model by cross-validation and Akaike's criterion, J. R. Stat. Soc. B 39 (1977).
  */
 class KrigingTrendChoice
 {
@@ -40,15 +39,16 @@ public:
         std::shared_ptr<KrigingData> data; ///< with the terms of that trend
         KrigingSearch::Result found;
         Quality quality;
-        /** With the trend that was asked for; nothing if its search was given up. */
-        std::optional<Quality> qualityOfHighest;
+        Quality qualityOfHighest; ///< with the trend that was asked for
     };
 
-    /** Whether the order matters: a trend with slopes and fewer than twenty cases per term. */
-    static bool isNeeded(const KrigingTrend& trend, const KrigingData& data);
+    /** Whether the order matters: a trend with slopes and few cases per term. */
+    static bool isNeeded(const KrigingTrend& trend, const KrigingData& data,
+                         const SearchPolicy& policy = {});
 
     /** Whether a model of higher order is worth it. @param points that are left out in turn. */
-    static bool isBetter(const Quality& higher, const Quality& lower, std::size_t points);
+    static bool isBetter(const Quality& higher, const Quality& lower, std::size_t points,
+                         const SearchPolicy& policy = {});
 
     /**
      * Searches with a constant trend, and from there with those of higher order.

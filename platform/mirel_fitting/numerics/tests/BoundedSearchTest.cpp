@@ -233,63 +233,6 @@ TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)
     EXPECT_EQ(objective.values, 1 + 3);
 }
 
-TEST(BoundedSearch, RaisesAVariableByNoMoreThanIsAllowed)
-{
-    // Nothing but the limit keeps the second variable from its bound.
-    Objective objective([](const Vector& x) { return x[0] + x[1]; },
-                        [](const Vector&) {
-                            return Vector{1.0, 1.0};
-                        });
-    objective.hessian = {1e-9, 0.0, 0.0, 1e-9};
-    BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.0, 0.0});
-    search.limitRise(1, 0.25);
-
-    search.advance(2, 0.0);
-
-    EXPECT_EQ(search.point(), (Vector{3.0, 0.5})); // 1 and, as expected, twice as much
-}
-
-TEST(BoundedSearch, LowersThatVariableFreely)
-{
-    Objective objective([](const Vector& x) { return -x[0]; },
-                        [](const Vector&) { return Vector{-1.0}; });
-    objective.hessian = {1e-9};
-    BoundedSearch search(objective, {-9.0}, {9.0}, {0.0});
-    search.limitRise(0, 0.25);
-
-    search.advance(1, 0.0);
-
-    EXPECT_EQ(search.point(), Vector{-1.0});
-}
-
-TEST(BoundedSearch, GoesOnForLesserGainsWhenItIsResumed)
-{
-    Objective objective = rosenbrock();
-    BoundedSearch search(objective, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
-    search.advance(200, 0.5);
-    EXPECT_TRUE(search.isDone());
-    const double before = search.value();
-    const int values = objective.values;
-
-    search.resume();
-    EXPECT_FALSE(search.isDone());
-    EXPECT_EQ(objective.values, values);
-    search.advance(200, 1e-12);
-
-    EXPECT_LT(before, -1e-4);
-    EXPECT_NEAR(search.value(), 0.0, 1e-9);
-}
-
-TEST(BoundedSearch, HasNothingToResumeWhereTheStartHasNoValue)
-{
-    Objective objective = bowl(1.5);
-    BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {5.0, 5.0});
-
-    search.resume();
-
-    EXPECT_TRUE(search.isDone());
-}
-
 TEST(BoundedSearch, EndsWhereItExpectsNothingOfAFarStep)
 {
     // The second variable is next to flat all the way to its bound.
@@ -304,23 +247,6 @@ TEST(BoundedSearch, EndsWhereItExpectsNothingOfAFarStep)
 
     EXPECT_NEAR(search.point()[0], 0.0, 1e-6);
     EXPECT_LE(objective.values, 2);
-}
-
-TEST(BoundedSearch, LearnsFromAStepThatFailedHowMuchTheFunctionBends)
-{
-    // Ten times as bent along the first variable as the curvature says: one failure tells, and what
-    // the second one needs is not shortened with it.
-    Objective objective([](const Vector& x) { return -10.0 * x[0] * x[0] - x[1] * x[1]; },
-                        [](const Vector& x) {
-                            return Vector{-20.0 * x[0], -2.0 * x[1]};
-                        });
-    objective.hessian = {2.0, 0.0, 0.0, 2.0};
-    BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.09, 0.001});
-
-    search.advance(1, 1e-12);
-
-    EXPECT_EQ(objective.values, 3);
-    EXPECT_NEAR(search.point()[0], 0.0, 1e-3);
 }
 
 TEST(BoundedSearch, ReportsBetweenTheFactorsOfManyVariables)

@@ -202,19 +202,6 @@ TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
                 1e-5 * fit.metrics.looRmse);
 }
 
-TEST(KrigingFit, QuotesNoFiguresOfATrendWhoseSearchWasGivenUp)
-{
-    const Columns inputs = latinHypercube(40, 5, 5);
-    const std::vector<double> output = valuesOf(
-        [](const std::vector<double>& x) { return std::sin(5.0 * x[0]) + std::cos(4.0 * x[1]); },
-        inputs);
-
-    const KrigingFit fit = fitOf(inputs, output, withTrend(2)); // 21 terms
-
-    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 0: with 40 distinct cases "
-                           "a higher one is not seen to predict better."));
-}
-
 TEST(KrigingFit, KeepsATrendThatPredictsBetter)
 {
     const Columns inputs = latinHypercube(20, 2, 3);

@@ -27,7 +27,7 @@ std::shared_ptr<KrigingData> someCases()
 std::vector<double> logarithms(const KrigingParameters& parameters)
 {
     return {std::log(parameters.lengths[0]), std::log(parameters.lengths[1]),
-            std::log(parameters.nugget) / KrigingObjective::nuggetUnit};
+            std::log(parameters.nugget) / SearchPolicy().nuggetUnit};
 }
 
 } // namespace
@@ -35,30 +35,23 @@ std::vector<double> logarithms(const KrigingParameters& parameters)
 TEST(KrigingObjective, IsTheLikelihoodOfLogarithms)
 {
     const auto data = someCases();
-    KrigingSearch::Settings settings;
-    KrigingObjective objective(data, settings);
+    KrigingSearchSettings settings;
+    const KrigingSearchVariables variables(*data, settings);
+    KrigingObjective objective(data, variables, settings);
 
     EXPECT_NEAR(objective.value(logarithms({{0.3, 2.0}, 1e-3})),
                 KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3), 1e-9);
     EXPECT_EQ(objective.evaluations(), 1u);
 }
 
-TEST(KrigingObjective, TakesTheNuggetsBoundExactly)
-{
-    KrigingSearch::Settings settings;
-    settings.smallestNugget = 1e-7;
-    const KrigingObjective objective(someCases(), settings);
-
-    EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-7})).nugget, 1e-7);
-    EXPECT_EQ(objective.parameters(logarithms({{0.3, 2.0}, 1e-9})).nugget, 1e-7);
-}
-
 TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
 {
-    KrigingSearch::Settings settings;
+    KrigingSearchSettings settings;
     settings.fixedLengths = {0.3, 2.0};
-    KrigingObjective objective(someCases(), settings);
-    const std::vector<double> point = {std::log(1e-3) / KrigingObjective::nuggetUnit};
+    const auto data = someCases();
+    const KrigingSearchVariables variables(*data, settings);
+    KrigingObjective objective(data, variables, settings);
+    const std::vector<double> point = {std::log(1e-3) / SearchPolicy().nuggetUnit};
     std::vector<double> gradient;
     std::vector<double> curvature;
 
@@ -66,15 +59,17 @@ TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
     objective.curvature(curvature);
     objective.gradient(gradient);
 
-    EXPECT_EQ(objective.parameters(point).lengths, settings.fixedLengths);
+    EXPECT_EQ(variables.parameters(point).lengths, settings.fixedLengths);
     EXPECT_EQ(gradient.size(), 1u);
     EXPECT_EQ(curvature.size(), 1u);
 }
 
 TEST(KrigingObjective, HasTheGradientOfItsDifferences)
 {
-    KrigingSearch::Settings settings;
-    KrigingObjective objective(someCases(), settings);
+    KrigingSearchSettings settings;
+    const auto data = someCases();
+    const KrigingSearchVariables variables(*data, settings);
+    KrigingObjective objective(data, variables, settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     std::vector<double> gradient;
     objective.value(point);
@@ -94,8 +89,10 @@ TEST(KrigingObjective, HasTheGradientOfItsDifferences)
 
 TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
 {
-    KrigingSearch::Settings settings;
-    KrigingObjective objective(someCases(), settings);
+    KrigingSearchSettings settings;
+    const auto data = someCases();
+    const KrigingSearchVariables variables(*data, settings);
+    KrigingObjective objective(data, variables, settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     const double value = objective.value(point);
     EXPECT_EQ(objective.value(point), value);
@@ -106,4 +103,18 @@ TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
 
     EXPECT_EQ(objective.value(point), value);
     EXPECT_EQ(objective.evaluations(), 2u);
+}
+
+TEST(KrigingObjective, KnowsTheNoiseOfAnyPoint)
+{
+    KrigingSearchSettings settings;
+    const auto data = someCases();
+    const KrigingSearchVariables variables(*data, settings);
+    KrigingObjective objective(data, variables, settings);
+    objective.value(logarithms({{1.0, 1.0}, 1e-6}));
+
+    KrigingLikelihood likelihood(data);
+    likelihood.evaluate({0.3, 2.0}, 1e-3);
+    EXPECT_NEAR(objective.noiseVariance(logarithms({{0.3, 2.0}, 1e-3})),
+                1e-3 * likelihood.processVariance(), 1e-12);
 }

@@ -87,8 +87,7 @@ TEST(KrigingSearch, ReachesLengthsOfAHundredRangesForAnInputWithoutInfluence)
 
 TEST(KrigingSearch, TakesTheLeastNuggetForSmoothData)
 {
-    EXPECT_EQ(KrigingSearch::run(wave(40), {}).parameters.nugget,
-              KrigingSearch::Settings().soundNugget);
+    EXPECT_EQ(KrigingSearch::run(wave(40), {}).parameters.nugget, SearchPolicy().soundNugget);
 }
 
 TEST(KrigingSearch, FindsTheNuggetOfNoise)
@@ -138,7 +137,7 @@ TEST(KrigingSearch, RaisesTheNuggetOnlyWhereTheMatrixCannotBeFactorised)
 {
     // Lengths of a million ranges: all correlations are 1 to the last digit.
     KrigingSearch::Settings settings;
-    settings.soundNugget = 1e-18;
+    settings.policy.soundNugget = 1e-18;
     settings.fixedLengths = {1e6, 1e6};
     settings.isNuggetFixed = true;
 
@@ -216,9 +215,9 @@ TEST(KrigingSearch, ContinuesTheLikeliestStartByAFewSteps)
     const auto data = wave(40);
     KrigingSearch::Settings settings;
     settings.starts = {{{0.2, 0.2}, 1e-3}, {{0.4, 1.0}, 1e-6}};
-    settings.mostSteps = 0;
+    settings.maxSteps = 0;
     const KrigingSearch::Result start = KrigingSearch::run(data, settings);
-    settings.mostSteps = 1;
+    settings.maxSteps = 1;
 
     const KrigingSearch::Result result = KrigingSearch::run(data, settings);
 
@@ -234,26 +233,12 @@ TEST(KrigingSearch, LeavesTheLeastNuggetWhereItIsInAFewSteps)
     KrigingSearch::Settings settings;
     settings.smallestNugget = 1e-10;
     settings.starts = {{{0.4, 1.0}, 1e-10}};
-    settings.mostSteps = 2;
+    settings.maxSteps = 2;
 
     EXPECT_EQ(KrigingSearch::run(wave(40), settings).parameters.nugget, 1e-10);
 }
 
-TEST(KrigingSearch, IsSatisfiedWithTenthsWhereItIsRough)
-{
-    const auto data = wave(40);
-    KrigingSearch::Settings settings;
-    settings.starts = {{{0.4, 1.0}, 1e-6}};
-    const KrigingSearch::Result exact = KrigingSearch::run(data, settings);
-    settings.isRough = true;
-
-    const KrigingSearch::Result rough = KrigingSearch::run(data, settings);
-
-    EXPECT_LT(rough.evaluations, exact.evaluations);
-    EXPECT_NEAR(rough.logLikelihood, exact.logLikelihood, 0.5);
-}
-
-TEST(KrigingSearch, TellsWhereTheSecondOptimumIs)
+TEST(KrigingSearch, ReportsWhereTheSecondOptimumIs)
 {
     const Columns x = latinHypercube(30, 1, 5);
     const auto data = dataOf(
@@ -300,7 +285,7 @@ TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
         const Columns x = latinHypercube(50, 6, seed);
         const auto data = dataOf(x, valuesOf(circuit, x));
         const KrigingSearch::Result result = KrigingSearch::run(data, {});
-        if (result.parameters.nugget > KrigingSearch::Settings().soundNugget) {
+        if (result.parameters.nugget > SearchPolicy().soundNugget) {
             continue;
         }
         ++preferred;
@@ -335,22 +320,6 @@ TEST(KrigingSearch, LooksAtFewOfManyInputsWithoutInfluence)
 
     EXPECT_LT(result.evaluations, 100u);
     EXPECT_LT(result.parameters.lengths[0], 3.0);
-}
-
-TEST(KrigingSearch, GivesUpWhatWillHardlyBeEnough)
-{
-    const auto data = wave(40);
-    KrigingSearch::Settings settings;
-    settings.starts = {{{0.1, 0.1}, 1e-6}};
-    const KrigingSearch::Result usual = KrigingSearch::run(data, settings);
-    settings.enough = usual.logLikelihood + 1000.0;
-
-    const KrigingSearch::Result result = KrigingSearch::run(data, settings);
-
-    EXPECT_LT(result.evaluations, usual.evaluations);
-    EXPECT_LT(result.logLikelihood, usual.logLikelihood);
-    EXPECT_TRUE(result.isGivenUp);
-    EXPECT_FALSE(usual.isGivenUp);
 }
 
 TEST(KrigingSearch, ReportsAFractionThatNeverDecreases)

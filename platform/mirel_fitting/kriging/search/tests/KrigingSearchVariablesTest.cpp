@@ -11,7 +11,7 @@ KrigingSearchVariables variables(std::size_t cases, std::size_t inputs)
     KrigingData data;
     data.cases = cases;
     data.inputs = inputs;
-    KrigingSearch::Settings settings;
+    KrigingSearchSettings settings;
     settings.smallestNugget = 1e-12;
     return {data, settings};
 }
@@ -33,7 +33,7 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
     KrigingData data;
     data.cases = 50;
     data.inputs = 2;
-    KrigingSearch::Settings settings;
+    KrigingSearchSettings settings;
     settings.smallestNugget = 1e-12;
     settings.fixedLengths = {0.5, 4.0};
     EXPECT_EQ(KrigingSearchVariables(data, settings).size(), 1u);
@@ -42,18 +42,27 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
     EXPECT_EQ(KrigingSearchVariables(data, settings).size(), 0u);
 }
 
+TEST(KrigingSearchVariables, TakeTheNuggetsBoundExactly)
+{
+    const KrigingSearchVariables all = variables(50, 2);
+
+    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-12})).nugget, 1e-12);
+    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-14})).nugget, 1e-12);
+    EXPECT_NEAR(all.parameters(all.at({{0.3, 2.0}, 1e-3})).nugget, 1e-3, 1e-15);
+}
+
 TEST(KrigingSearchVariables, ReachHalfTheSpacingOfManyCasesOfOneInput)
 {
     EXPECT_DOUBLE_EQ(variables(1000, 1).lower[0], std::log(0.5 / 1000.0));
-    EXPECT_DOUBLE_EQ(variables(1000, 8).lower[0], std::log(KrigingSearch::smallestLength()));
+    EXPECT_DOUBLE_EQ(variables(1000, 8).lower[0], std::log(SearchPolicy().shortestLength));
 }
 
 TEST(KrigingSearchVariables, StartInsideTheBounds)
 {
     const KrigingSearchVariables all = variables(50, 2);
-    std::vector<std::vector<double>> starts = all.commonStarts(0.5);
-    EXPECT_EQ(starts.size(), 3u);
-    for (const std::vector<double>& start : all.scatteredStarts()) {
+    std::vector<std::vector<double>> starts = all.standardStarts();
+    EXPECT_EQ(starts.size(), 2u);
+    for (const std::vector<double>& start : all.randomStarts()) {
         starts.push_back(start);
     }
 
@@ -83,7 +92,7 @@ TEST(KrigingSearchVariables, RecallLengthsFromFarOut)
 
     all.recall(point);
 
-    EXPECT_EQ(point, all.at({{0.5, KrigingSearchVariables::faint}, 1e-12}));
+    EXPECT_EQ(point, all.at({{0.5, SearchPolicy().recalledLength}, 1e-12}));
 }
 
 TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)
@@ -95,27 +104,4 @@ TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)
               (std::vector<Bound>{Bound::Lower, Bound::None, Bound::Upper}));
     EXPECT_TRUE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 100.0})));
     EXPECT_FALSE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 50.0})));
-}
-
-TEST(KrigingSearchVariables, RaiseTheNuggetByAFactorOfTwentyAtATime)
-{
-    struct Slope : BoundedObjective
-    {
-        double value(const std::vector<double>& point) override { return point[0] + point[1]; }
-        bool curvature(std::vector<double>& result) override
-        {
-            result = {1e-9, 0.0, 0.0, 1e-9};
-            return true;
-        }
-        void gradient(std::vector<double>& result) override { result = {1.0, 1.0}; }
-    };
-    const KrigingSearchVariables all = variables(50, 1);
-    Slope slope;
-    BoundedSearch search(slope, all.lower, all.upper, all.at({{0.5}, 1e-12}));
-    all.limitRises(search);
-
-    search.advance(2, 0.0);
-
-    EXPECT_NEAR(search.point()[0], std::log(0.5) + 3.0, 1e-12);
-    EXPECT_NEAR(search.point()[1], std::log(1e-12) / 3.0 + 2.0, 1e-12);
 }
