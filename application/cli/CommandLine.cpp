@@ -1,7 +1,5 @@
 #include "CommandLine.h"
 
-#include "CommandOptions.h"
-
 #include <session/model/ModelFile.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/SessionErrors.h>
@@ -38,46 +36,39 @@ void checkModelFile(const CommandLine& line)
             "--separator and --decimal say how tables are read, and " + name + " is none.");
 }
 
-/** What depends on the kind of file that is read, and on other options. */
-void checkCombination(const CommandLine& line)
-{
-    const bool isCheck = line.command == CommandLine::Check;
-    const bool isProject = line.command == CommandLine::Project;
-    require(!line.subject.empty() || isCheck,
-            isProject ? "The command project needs a project document."
-                      : "The command needs a case file or a project document.");
-    require(line.save.empty() || ProjectDocument::isProjectFile(line.save),
-            "The name of a project document ends with " + std::string(ProjectDocument::fileEnding) +
-                ", which \"" + line.save + "\" does not.");
-    require(line.save.empty() || line.subject != "-",
-            "A project cannot find cases again that came from the standard input; put them into a "
-            "file.");
-    require(line.cases.empty() || line.startsFromProject(),
-            "--cases names the case file of a project document; without one it has no meaning.");
-    if (line.startsFromModel() && !isCheck && !isProject) {
-        checkModelFile(line);
-    }
-    require(!line.points.empty() || line.command != CommandLine::Predict,
-            "The command predict needs the file with the points: --points FILE.");
-    require(line.model != CaseSession::Kriging || line.command != CommandLine::Equations,
-            "Only the response surface has equations: leave out -m kriging.");
-    require(!line.choosesTerms() || line.model != CaseSession::Kriging,
-            "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
-            "out -m kriging.");
-    require(line.report != "-", "--report needs the name of a file for the page.");
-    require(line.subject != "-" || line.points != "-",
-            "The cases and the points cannot both come from the standard input.");
-}
 } // namespace
 
-CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
+void CommandLine::check() const
 {
-    CommandLine line;
-    CommandOptions::read(arguments, line);
-    if (line.command != Help && line.command != Version) {
-        checkCombination(line);
+    if (command == Help || command == Version) {
+        return;
     }
-    return line;
+    const bool isCheck = command == Check;
+    const bool isProject = command == Project;
+    require(!subject.empty() || isCheck,
+            isProject ? "The command project needs a project document."
+                      : "The command needs a case file or a project document.");
+    require(save.empty() || ProjectDocument::isProjectFile(save),
+            "The name of a project document ends with " + std::string(ProjectDocument::fileEnding) +
+                ", which \"" + save + "\" does not.");
+    require(save.empty() || subject != "-",
+            "A project cannot find cases again that came from the standard input; put them into a "
+            "file.");
+    require(cases.empty() || startsFromProject(),
+            "--cases names the case file of a project document; without one it has no meaning.");
+    if (startsFromModel() && !isCheck && !isProject) {
+        checkModelFile(*this);
+    }
+    require(!points.empty() || command != Predict,
+            "The command predict needs the file with the points: --points FILE.");
+    require(model != CaseSession::Kriging || command != Equations,
+            "Only the response surface has equations: leave out -m kriging.");
+    require(!choosesTerms() || model != CaseSession::Kriging,
+            "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
+            "out -m kriging.");
+    require(report != "-", "--report needs the name of a file for the page.");
+    require(subject != "-" || points != "-",
+            "The cases and the points cannot both come from the standard input.");
 }
 
 bool CommandLine::startsFromModel() const

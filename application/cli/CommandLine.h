@@ -55,8 +55,8 @@ struct CommandLine
     bool isQuiet = false;
     int threads = 0; ///< 0: all cores
 
-    /** @param arguments without the program's name. @throw UsageError */
-    static CommandLine parse(const std::vector<std::string>& arguments);
+    /** What depends on the kind of file that is read, and on other options. @throw UsageError */
+    void check() const;
 
     /** Whether the subject is a project document: its name ends like one. */
     bool startsFromProject() const;

@@ -511,8 +511,9 @@ std::vector<std::string> withTextAsArgument(std::vector<std::string> arguments)
 }
 } // namespace
 
-void CommandOptions::read(const std::vector<std::string>& arguments, CommandLine& line)
+CommandLine CommandOptions::parse(const std::vector<std::string>& arguments)
 {
+    CommandLine line;
     Parser parser(line);
     try {
         parser.parse(withTextAsArgument(arguments), line);
@@ -526,6 +527,8 @@ void CommandOptions::read(const std::vector<std::string>& arguments, CommandLine
         throw UsageError(std::string(error.what()) +
                          "; surrogate COMMAND --help lists the options.");
     }
+    line.check();
+    return line;
 }
 
 std::string CommandOptions::shortHelp()

@@ -14,12 +14,12 @@ class CommandOptions
 {
 public:
     /**
-     * Reads the arguments, without the program's name, into `line`. A request for help or the
-     * version becomes a command of its own, with the text to print.
+     * Reads the arguments, without the program's name. A request for help or the version becomes a
+     * command of its own, with the text to print.
      * @throw UsageError that names the argument, with the nearest command or option where one is
      *        misspelt.
      */
-    static void read(const std::vector<std::string>& arguments, CommandLine& line);
+    static CommandLine parse(const std::vector<std::string>& arguments);
 
     /** The commands in one screen: what `surrogate` alone prints. */
     static std::string shortHelp();

@@ -46,7 +46,7 @@ int main(int argc, char* argv[])
             writeText("-", CommandOptions::shortHelp());
             return WrongUse;
         }
-        run(CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc)));
+        run(CommandOptions::parse(std::vector<std::string>(argv + 1, argv + argc)));
         return Done;
     } catch (const OutputFile::ReaderGone&) {
         return Done;
