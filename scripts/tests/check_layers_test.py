@@ -49,6 +49,10 @@ class CheckLayers(unittest.TestCase):
         self.assert_refused({"lib/high/A.cpp": '#include "high/B.h"', "lib/high/A.h": "", "lib/high/B.h": "#include <high/A.h>"},
                             "A cycle: lib/high/A -> lib/high/B -> lib/high/A")
 
+    def test_the_private_state_of_a_class_belongs_to_its_unit(self):
+        self.assertEqual(self.check({"lib/high/A.cpp": '#include "high/AImpl.h"', "lib/high/A.h": "",
+                                     "lib/high/AImpl.h": "#include <high/A.h>"}).returncode, 0)
+
     def test_a_folder_that_is_not_listed_belongs_to_the_one_around_it(self):
         self.assert_refused({"lib/low/new/E.h": "", "lib/low/inner/H.h": "#include <low/new/E.h>"},
                             "lib/low/inner/H.h (lib/low/inner) includes lib/low/new/E.h (lib/low)")
