@@ -1,7 +1,7 @@
 // CostPictures RUN.json FOLDER: draws what CostBench measured into FOLDER/cost-by-ARGUMENT.svg, one
 // panel for each benchmark with that argument, in logarithms of the argument and of the time.
-#include <plot/DrawingApplication.h>
-#include <plot/Picture.h>
+#include <plot/drawing/DrawingApplication.h>
+#include <plot/drawing/Picture.h>
 
 #include <nlohmann/json.hpp>
 

@@ -4,8 +4,8 @@
 #include "OpenSession.h"
 #include "TerminalProgress.h"
 
-#include <plot/DrawingApplication.h>
-#include <plot/Picture.h>
+#include <plot/drawing/DrawingApplication.h>
+#include <plot/drawing/Picture.h>
 #include <plot/model/SessionPictures.h>
 #include <session/model/CaseSession.h>
 #include <session/text/QuotedText.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <plot/ActualPicture.h>
-#include <plot/ResidualPicture.h>
+#include <plot/data/ActualPicture.h>
+#include <plot/data/ResidualPicture.h>
 
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 

@@ -2,7 +2,6 @@
 
 #include "plot/model/DrawableValues.h"
 
-#include <session/report/TermName.h>
 #include <session/text/QuotedText.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -10,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistics,
                                       const std::vector<std::string>& inputs,
@@ -25,8 +25,11 @@ CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistic
         if (!each.isKept || each.factors.empty()) {
             continue;
         }
-        picture.terms.push_back({termName(each.factors, inputs, " \303\227 ", "\302\262"),
-                                 each.estimate, each.lower, each.upper});
+        CoefficientPicture::Term term = {{}, each.estimate, each.lower, each.upper};
+        for (const std::size_t input : each.factors) {
+            term.factors.push_back(inputs.at(input));
+        }
+        picture.terms.push_back(std::move(term));
         requireDrawable({each.estimate}, owner);
         if (std::isfinite(each.lower) && std::isfinite(each.upper)) {
             requireDrawable({each.lower, each.upper}, owner);

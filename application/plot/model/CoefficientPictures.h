@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/CoefficientPicture.h>
+#include <plot/data/CoefficientPicture.h>
 
 #include <surrogate_plot/Export.h>
 

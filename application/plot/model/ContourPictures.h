@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/ContourPicture.h>
+#include <plot/data/ContourPicture.h>
 
 #include <surrogate_plot/Export.h>
 

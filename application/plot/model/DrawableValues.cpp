@@ -1,6 +1,6 @@
 #include "plot/model/DrawableValues.h"
 
-#include "plot/AxisScale.h"
+#include "plot/drawing/AxisScale.h"
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 

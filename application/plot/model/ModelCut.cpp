@@ -1,6 +1,6 @@
 #include "plot/model/ModelCut.h"
 
-#include "plot/AxisScale.h"
+#include "plot/drawing/AxisScale.h"
 
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>

@@ -1,7 +1,7 @@
 #include "plot/model/ReportPage.h"
 
-#include "plot/DrawingApplication.h"
-#include "plot/Picture.h"
+#include "plot/drawing/DrawingApplication.h"
+#include "plot/drawing/Picture.h"
 #include "plot/model/CasePictures.h"
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"

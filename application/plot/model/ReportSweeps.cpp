@@ -1,6 +1,6 @@
 #include "plot/model/ReportSweeps.h"
 
-#include "plot/AxisScale.h"
+#include "plot/drawing/AxisScale.h"
 
 #include <session/model/CaseSession.h>
 

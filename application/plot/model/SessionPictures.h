@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/PictureData.h>
+#include <plot/data/PictureData.h>
 
 #include <surrogate_plot/Export.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/SweepPicture.h>
+#include <plot/data/SweepPicture.h>
 
 #include <surrogate_plot/Export.h>
 

@@ -1,6 +1,6 @@
 // Widgets need an application around all tests.
 
-#include <plot/DrawingApplication.h>
+#include <plot/drawing/DrawingApplication.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 #include "session/report/TermName.h"
 
 std::string termName(const std::vector<std::size_t>& factors,
-                     const std::vector<std::string>& inputs, const std::string& product,
-                     const std::string& square)
+                     const std::vector<std::string>& inputs)
 {
     if (factors.empty()) {
         return "intercept";
@@ -11,5 +10,5 @@ std::string termName(const std::vector<std::size_t>& factors,
     if (factors.size() == 1) {
         return first;
     }
-    return factors[0] == factors[1] ? first + square : first + product + inputs.at(factors[1]);
+    return factors[0] == factors[1] ? first + "^2" : first + " * " + inputs.at(factors[1]);
 }

@@ -10,9 +10,6 @@
  * A term of a polynomial with the names of its inputs: "Pressure^2", "Pressure * H2/WF6", and
  * "intercept" without factors.
  * @param factors positions of inputs, two at most.
- * @param square  stands for the second of two equal factors.
  */
 SURROGATE_SESSION_EXPORT std::string termName(const std::vector<std::size_t>& factors,
-                                              const std::vector<std::string>& inputs,
-                                              const std::string& product = " * ",
-                                              const std::string& square = "^2");
+                                              const std::vector<std::string>& inputs);

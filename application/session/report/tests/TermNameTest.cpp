@@ -10,6 +10,4 @@ TEST(TermName, HasTheNamesOfTheInputs)
     EXPECT_EQ(termName({1}, inputs), "H2/WF6");
     EXPECT_EQ(termName({0, 0}, inputs), "Pressure^2");
     EXPECT_EQ(termName({0, 1}, inputs), "Pressure * H2/WF6");
-    EXPECT_EQ(termName({0, 1}, inputs, " x ", "2"), "Pressure x H2/WF6");
-    EXPECT_EQ(termName({1, 1}, inputs, " x ", "2"), "H2/WF62");
 }

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QColor>
+
+/*
+ * Colours that can be distinguished with any colour vision.
+ *
+ * Lines and symbols: Okabe, Ito: Color Universal Design, 2008 (jfly.uni-koeln.de/color).
+ */
+namespace PlotColours {
+const QColor model(0x00, 0x72, 0xB2); ///< blue
+const QColor
+    band(0xCC, 0xE3,
+         0xF0); ///< a fifth of that blue on white, opaque: not all formats have transparency
+const QColor cases(0xD5, 0x5E, 0x00);     ///< vermillion
+const QColor reference(0x00, 0x00, 0x00); ///< diagonal and zero line
+const QColor text(0x20, 0x20, 0x20);
+const QColor grid(0xE4, 0xE4, 0xE4);
+
+/**
+ * The colour map viridis, from dark blue at 0 to yellow at 1, interpolated between ten of its
+ * colours: lightness rises evenly, so that it can be read in grey too. Smith, van der Walt:
+ * A Better Default Colormap for Matplotlib, SciPy 2015 (public domain, CC0).
+ */
+QColor viridis(double fraction);
+
+/** Black or white, whichever has more contrast to this colour. */
+QColor readableOn(const QColor& background);
+} // namespace PlotColours

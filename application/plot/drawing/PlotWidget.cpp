@@ -1,0 +1,514 @@
+#include "plot/drawing/PlotWidget.h"
+
+#include "plot/drawing/AxisScale.h"
+#include "plot/drawing/ColourBarScaleDraw.h"
+#include "plot/drawing/ContourItem.h"
+#include "plot/drawing/ElidedText.h"
+#include "plot/drawing/NameScaleDraw.h"
+#include "plot/drawing/PlotColours.h"
+
+#include <session/text/QuotedText.h>
+
+#include <QFontMetricsF>
+#include <QPolygonF>
+#include <QResizeEvent>
+#include <QSet>
+#include <qwt_legend.h>
+#include <qwt_painter.h>
+#include <qwt_plot_canvas.h>
+#include <qwt_plot_curve.h>
+#include <qwt_plot_grid.h>
+#include <qwt_plot_intervalcurve.h>
+#include <qwt_plot_layout.h>
+#include <qwt_scale_widget.h>
+#include <qwt_symbol.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+constexpr int tickFontSize = 12;
+constexpr int textFontSize = 13;
+constexpr int titleFontSize = 15;
+/** Margins around the data as shares of their range, so that no symbol is clipped. On a vector
+ * device Qwt draws no symbol that touches the border, which the narrow one just avoids. */
+constexpr double margin = 0.05;
+constexpr double narrowMargin = 0.04;
+constexpr double lineThickness = 2.0;
+constexpr int symbolSize = 8;
+constexpr int maxSteps = 10; ///< between the major ticks of an axis
+
+/** More cases are thinned to one per cell of a grid that is much finer than a symbol: viewers are
+ * slow with a hundred thousand symbols. */
+constexpr int maxUnthinnedCases = 2000;
+constexpr double cellsAcross = 400.0;
+
+/** From back to front. */
+enum Layer
+{
+    GridLayer = 1,
+    BandLayer,
+    ReferenceLayer,
+    ModelLayer,
+    CaseLayer
+};
+
+/**
+ * In pixels of the picture, whatever it is drawn on. The second family has the widths of the first:
+ * texts keep their places in a viewer without the first.
+ */
+QFont plotFont(int pixels)
+{
+    QFont font(QStringLiteral("DejaVu Sans, Verdana, sans-serif"));
+    font.setPixelSize(pixels);
+    return font;
+}
+
+QString shown(const std::string& text)
+{
+    return QString::fromStdString(oneLineText(text));
+}
+
+QVector<QPointF> points(const std::vector<double>& x, const std::vector<double>& y)
+{
+    QVector<QPointF> result;
+    result.reserve(static_cast<int>(x.size()));
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        result.append(QPointF(x[i], y[i]));
+    }
+    return result;
+}
+
+/** Shortens each factor of a product by itself, so that both can be recognised. */
+QString elidedTerm(const std::vector<std::string>& factors, const QFontMetricsF& metrics,
+                   double room)
+{
+    const QString times = QStringLiteral(" \u00d7 ");
+    const QString squared = QStringLiteral("\u00b2");
+    const auto width = [&](const QString& text) {
+        return metrics.size(Qt::TextSingleLine, text).width();
+    };
+    const auto elided = [&](const QString& text, double maxWidth) {
+        return width(text) <= maxWidth ? text : metrics.elidedText(text, Qt::ElideMiddle, maxWidth);
+    };
+    const QString first = shown(factors.front());
+    if (factors.size() == 1) {
+        return elided(first, room);
+    }
+    const QString second = shown(factors[1]);
+    if (first == second) {
+        return elided(first, room - width(squared)) + squared;
+    }
+    // What a short factor leaves of its half is the other one's.
+    const double both = room - width(times);
+    const double larger = std::max(both / 2.0, both - std::min(width(first), width(second)));
+    return elided(first, larger) + times + elided(second, larger);
+}
+
+/** The cell of a value in its range, of cellsAcross. */
+qint64 cellOf(double value, double minimum, double width)
+{
+    return width > 0.0 ? static_cast<qint64>((value - minimum) / width * cellsAcross) : 0;
+}
+
+/** Of many points the first one in each cell. */
+QVector<QPointF> thinned(const QVector<QPointF>& all)
+{
+    if (all.size() <= maxUnthinnedCases) {
+        return all;
+    }
+    const QRectF box = QPolygonF(all).boundingRect();
+    QSet<qint64> occupied;
+    QVector<QPointF> kept;
+    for (const QPointF& point : all) {
+        const qint64 cell =
+            cellOf(point.x(), box.left(), box.width()) +
+            cellOf(point.y(), box.top(), box.height()) * static_cast<qint64>(cellsAcross + 1.0);
+        if (!occupied.contains(cell)) {
+            occupied.insert(cell);
+            kept.append(point);
+        }
+    }
+    return kept;
+}
+} // namespace
+
+class PlotWidget::Impl
+{
+public:
+    explicit Impl(PlotWidget& plot) : plot(plot) {}
+
+    void show(const SweepPicture& picture);
+    void show(const ContourPicture& picture);
+    void show(const ActualPicture& picture);
+    void show(const ResidualPicture& picture);
+    void show(const CoefficientPicture& picture);
+
+    void setUp();
+    void chooseTicks();
+    void chooseTerms();
+
+    PlotWidget& plot;
+    PictureData data;
+    QwtInterval xRange;
+    QwtInterval yRange;
+    bool hasLegend = false;
+    bool hasColourBar = false;
+    std::vector<QwtPlotItem*> termItems;
+
+private:
+    void nameAxis(int axis, const std::string& name);
+    void write(const std::string& title, const std::string& caption);
+    void addLine(const QVector<QPointF>& line, const QPen& pen, Layer layer,
+                 const std::string& label = std::string());
+    void addCases(const QVector<QPointF>& positions, const std::string& label, const QColor& edge);
+    void addGrid();
+    int fittingSteps(int axis, const QwtInterval& range, double room) const;
+    void addTerms(const CoefficientPicture& picture, int count);
+};
+
+void PlotWidget::Impl::setUp()
+{
+    plot.setAutoReplot(false);
+    // Curves have kinks if their points are rounded to pixels.
+    QwtPainter::setRoundingAlignment(false);
+    QPalette palette(Qt::white);
+    palette.setColor(QPalette::Window, Qt::white);
+    palette.setColor(QPalette::WindowText, PlotColours::text);
+    palette.setColor(QPalette::Text, PlotColours::text);
+    plot.setPalette(palette);
+    plot.setAutoFillBackground(true);
+    plot.setCanvasBackground(Qt::white);
+    auto* const canvas = new QwtPlotCanvas(&plot);
+    canvas->setFrameStyle(QFrame::NoFrame);
+    canvas->setPalette(palette);
+    plot.setCanvas(canvas);
+    plot.plotLayout()->setAlignCanvasToScales(true);
+    plot.setContentsMargins(10, 10, 14, 8);
+    for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft, QwtPlot::yRight}) {
+        plot.setAxisFont(axis, plotFont(tickFontSize));
+        plot.axisWidget(axis)->setMargin(0);
+        plot.axisWidget(axis)->setSpacing(6);
+        plot.axisWidget(axis)->setPalette(palette);
+    }
+    plot.setAxisScaleDraw(QwtPlot::xBottom, new NumberScaleDraw);
+    plot.setAxisScaleDraw(QwtPlot::yLeft, new NumberScaleDraw);
+}
+
+void PlotWidget::Impl::nameAxis(int axis, const std::string& name)
+{
+    plot.setAxisTitle(axis, elidedText(shown(name), plotFont(textFontSize)));
+}
+
+void PlotWidget::Impl::write(const std::string& title, const std::string& caption)
+{
+    plot.setTitle(elidedText(shown(title), plotFont(titleFontSize)));
+    if (!caption.empty()) {
+        QwtText footer(shown(caption), QwtText::PlainText);
+        footer.setFont(plotFont(tickFontSize));
+        footer.setColor(PlotColours::text);
+        footer.setRenderFlags(Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap);
+        plot.setFooter(footer);
+    }
+}
+
+void PlotWidget::Impl::addGrid()
+{
+    auto* const grid = new QwtPlotGrid;
+    grid->setPen(PlotColours::grid, 1.0);
+    grid->setZ(GridLayer);
+    grid->attach(&plot);
+}
+
+void PlotWidget::Impl::addLine(const QVector<QPointF>& line, const QPen& pen, Layer layer,
+                               const std::string& label)
+{
+    auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
+    curve->setSamples(line);
+    curve->setPen(pen);
+    curve->setRenderHint(QwtPlotItem::RenderAntialiased);
+    curve->setItemAttribute(QwtPlotItem::Legend, !label.empty());
+    curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+    curve->setLegendIconSize(QSize(28, 12));
+    curve->setZ(layer);
+    curve->attach(&plot);
+    hasLegend = hasLegend || !label.empty();
+}
+
+void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::string& label,
+                                const QColor& edge)
+{
+    if (positions.isEmpty()) {
+        return;
+    }
+    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, PlotColours::cases, QPen(edge, 1.0),
+                                       QSize(symbolSize, symbolSize));
+    // A cached symbol is a bitmap.
+    symbol->setCachePolicy(QwtSymbol::NoCache);
+    auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
+    curve->setSamples(thinned(positions));
+    curve->setStyle(QwtPlotCurve::NoCurve);
+    curve->setSymbol(symbol);
+    curve->setRenderHint(QwtPlotItem::RenderAntialiased);
+    curve->setItemAttribute(QwtPlotItem::Legend, !label.empty());
+    curve->setLegendAttribute(QwtPlotCurve::LegendShowSymbol);
+    curve->setLegendIconSize(QSize(12, 12));
+    curve->setZ(CaseLayer);
+    curve->attach(&plot);
+    hasLegend = hasLegend || !label.empty();
+}
+
+void PlotWidget::Impl::show(const SweepPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, picture.inputName);
+    nameAxis(QwtPlot::yLeft, picture.outputName);
+    addGrid();
+    if (!picture.lower.empty()) {
+        QVector<QwtIntervalSample> samples;
+        for (std::size_t i = 0; i < picture.inputs.size(); ++i) {
+            samples.append(
+                QwtIntervalSample(picture.inputs[i], picture.lower[i], picture.upper[i]));
+        }
+        auto* const band =
+            new QwtPlotIntervalCurve(elidedText(shown(picture.bandLabel), plotFont(tickFontSize)));
+        band->setSamples(samples);
+        band->setPen(QPen(Qt::NoPen));
+        band->setBrush(PlotColours::band);
+        band->setRenderHint(QwtPlotItem::RenderAntialiased);
+        band->setLegendIconSize(QSize(28, 12));
+        band->setZ(BandLayer);
+        band->attach(&plot);
+    }
+    addLine(points(picture.inputs, picture.model), QPen(PlotColours::model, lineThickness),
+            ModelLayer, picture.modelLabel);
+    addCases(points(picture.caseInputs, picture.caseOutputs), picture.caseLabel, Qt::white);
+    hasLegend = true;
+
+    xRange = AxisScale::padded(AxisScale::range(picture.inputs), narrowMargin);
+    yRange = AxisScale::range(picture.model);
+    for (const auto* column : {&picture.lower, &picture.upper, &picture.caseOutputs}) {
+        yRange = AxisScale::united(yRange, AxisScale::range(*column));
+    }
+    yRange = AxisScale::padded(yRange, margin);
+}
+
+void PlotWidget::Impl::show(const ContourPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, picture.xName);
+    nameAxis(QwtPlot::yLeft, picture.yName);
+    const ContourBands bands(picture.values);
+    auto* const item = new ContourItem(picture, bands, plotFont(tickFontSize));
+    item->setZ(BandLayer);
+    item->attach(&plot);
+    addCases(points(picture.caseX, picture.caseY), picture.caseLabel, Qt::white);
+
+    // Symbols of cases lie on the border too.
+    xRange = AxisScale::padded({picture.x.front(), picture.x.back()}, narrowMargin);
+    yRange = AxisScale::padded({picture.y.front(), picture.y.back()}, narrowMargin);
+    plot.enableAxis(QwtPlot::yRight);
+    plot.setAxisScaleDraw(QwtPlot::yRight, new ColourBarScaleDraw(bands));
+    nameAxis(QwtPlot::yRight, picture.outputName);
+    hasColourBar = true;
+}
+
+void PlotWidget::Impl::show(const ActualPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, picture.outputName + ", actual");
+    nameAxis(QwtPlot::yLeft, picture.outputName + ", predicted");
+    addGrid();
+    xRange =
+        AxisScale::united(AxisScale::range(picture.actual), AxisScale::range(picture.predicted));
+    xRange = AxisScale::padded(xRange, margin);
+    yRange = xRange;
+    addLine({{xRange.minValue(), xRange.minValue()}, {xRange.maxValue(), xRange.maxValue()}},
+            QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer, "predicted = actual");
+    addCases(points(picture.actual, picture.predicted), "cases", Qt::white);
+}
+
+void PlotWidget::Impl::show(const ResidualPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, picture.outputName + ", predicted");
+    nameAxis(QwtPlot::yLeft, "actual - predicted");
+    addGrid();
+    xRange = AxisScale::padded(AxisScale::range(picture.predicted), margin);
+    yRange = AxisScale::united(AxisScale::range(picture.residuals), QwtInterval(0.0, 0.0));
+    yRange = AxisScale::padded(yRange, margin);
+    addLine({{xRange.minValue(), 0.0}, {xRange.maxValue(), 0.0}},
+            QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer);
+    addCases(points(picture.predicted, picture.residuals), std::string(), Qt::white);
+}
+
+void PlotWidget::Impl::show(const CoefficientPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, picture.valueName);
+    addGrid();
+}
+
+/** As many steps between ticks as leave their labels apart. */
+int PlotWidget::Impl::fittingSteps(int axis, const QwtInterval& range, double room) const
+{
+    const QFontMetricsF metrics(plotFont(tickFontSize));
+    const bool isVertical = axis != QwtPlot::xBottom;
+    const double gap = isVertical ? metrics.height() : 2.0 * metrics.averageCharWidth();
+    const double largest = std::max(std::abs(range.minValue()), std::abs(range.maxValue()));
+    const int most = axis == QwtPlot::yRight ? ContourBands::maxSteps : maxSteps;
+    for (int steps = most; steps > 1; --steps) {
+        const QList<double> ticks = AxisScale::ticks(range, steps).ticks(QwtScaleDiv::MajorTick);
+        if (ticks.size() < 2) {
+            continue;
+        }
+        const double step = ticks[1] - ticks[0];
+        double widest = metrics.height();
+        for (const double tick : ticks) {
+            if (!isVertical) {
+                const QString text = AxisScale::label(tick, step, largest);
+                widest = std::max(widest, metrics.size(Qt::TextSingleLine, text).width());
+            }
+        }
+        if (widest + gap <= room * step / range.width()) {
+            return steps;
+        }
+    }
+    return 1;
+}
+
+void PlotWidget::Impl::chooseTicks()
+{
+    const auto choose = [this](int axis, const QwtInterval& range, double room) {
+        plot.setAxisScaleDiv(axis, AxisScale::ticks(range, fittingSteps(axis, range, room)));
+    };
+    const bool hasTerms = std::holds_alternative<CoefficientPicture>(data);
+    // The widths of the labels at the sides decide the width of the canvas.
+    const double height = plot.plotLayout()->canvasRect().height();
+    if (!hasTerms) {
+        choose(QwtPlot::yLeft, yRange, height);
+    }
+    if (hasColourBar) {
+        choose(QwtPlot::yRight, ContourBands(std::get<ContourPicture>(data).values).range(),
+               height);
+    }
+    plot.updateLayout();
+    choose(QwtPlot::xBottom, xRange, plot.plotLayout()->canvasRect().width());
+    plot.updateLayout();
+}
+
+/** The first terms, as many as there is room for. */
+void PlotWidget::Impl::chooseTerms()
+{
+    const auto* const picture = std::get_if<CoefficientPicture>(&data);
+    if (picture == nullptr) {
+        return;
+    }
+    for (QwtPlotItem* const item : termItems) {
+        delete item;
+    }
+    termItems.clear();
+    const int all = static_cast<int>(picture->terms.size());
+    const auto fitting = [this, all] {
+        plot.updateLayout();
+        const double height = plot.plotLayout()->canvasRect().height();
+        const double row = 1.25 * QFontMetricsF(plotFont(tickFontSize)).height();
+        return std::clamp(static_cast<int>(height / row), 1, all);
+    };
+    write(picture->title, picture->caption);
+    int count = fitting();
+    // The sentence takes room too.
+    for (int before = 0; count < all && count != before;) {
+        before = count;
+        write(picture->title, picture->caption + ' ' + std::to_string(count) + " of " +
+                                  std::to_string(all) + " terms fit here.");
+        count = fitting();
+    }
+    addTerms(*picture, count);
+}
+
+void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
+{
+    const QFontMetricsF metrics(plotFont(tickFontSize));
+    const double nameRoom = 0.4 * plot.width();
+    QStringList names;
+    QList<double> ticks;
+    QVector<QPointF> estimates;
+    xRange = QwtInterval(0.0, 0.0);
+    const auto keep = [this](QwtPlotItem* item, Layer layer) {
+        item->setItemAttribute(QwtPlotItem::Legend, false);
+        item->setRenderHint(QwtPlotItem::RenderAntialiased);
+        item->setZ(layer);
+        item->attach(&plot);
+        termItems.push_back(item);
+    };
+    for (int i = 0; i < count; ++i) {
+        const CoefficientPicture::Term& term = picture.terms[static_cast<std::size_t>(i)];
+        names.append(elidedTerm(term.factors, metrics, nameRoom));
+        ticks.append(i);
+        estimates.append(QPointF(term.estimate, i));
+        xRange |= term.estimate;
+        if (std::isfinite(term.lower) && std::isfinite(term.upper)) {
+            xRange |= term.lower;
+            xRange |= term.upper;
+            auto* const limits = new QwtPlotCurve;
+            limits->setSamples(
+                {{term.lower, static_cast<double>(i)}, {term.upper, static_cast<double>(i)}});
+            limits->setPen(PlotColours::model, lineThickness);
+            keep(limits, ModelLayer);
+        }
+    }
+    xRange = AxisScale::padded(xRange, margin);
+    auto* const zero = new QwtPlotCurve;
+    zero->setSamples({{0.0, -0.5}, {0.0, count - 0.5}});
+    zero->setPen(QPen(PlotColours::reference, 1.0, Qt::DashLine));
+    keep(zero, ReferenceLayer);
+    auto* const marks = new QwtPlotCurve;
+    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, PlotColours::model, QPen(Qt::white, 1.0),
+                                       QSize(symbolSize, symbolSize));
+    symbol->setCachePolicy(QwtSymbol::NoCache);
+    marks->setSamples(estimates);
+    marks->setStyle(QwtPlotCurve::NoCurve);
+    marks->setSymbol(symbol);
+    keep(marks, CaseLayer);
+
+    // The first term at the top.
+    QwtScaleDiv scale(count - 0.5, -0.5);
+    scale.setTicks(QwtScaleDiv::MajorTick, ticks);
+    plot.setAxisScaleDraw(QwtPlot::yLeft, new NameScaleDraw(names));
+    plot.setAxisScaleDiv(QwtPlot::yLeft, scale);
+}
+
+PlotWidget::PlotWidget(PictureData data, QWidget* parent)
+    : QwtPlot(parent), impl(std::make_unique<Impl>(*this))
+{
+    impl->data = std::move(data);
+    impl->setUp();
+    std::visit([this](const auto& picture) { impl->show(picture); }, impl->data);
+    if (impl->hasLegend) {
+        auto* const legend = new QwtLegend;
+        legend->setPalette(palette());
+        insertLegend(legend, QwtPlot::BottomLegend);
+    }
+    arrange(QSize(800, 600));
+}
+
+PlotWidget::~PlotWidget() = default;
+
+void PlotWidget::arrange(const QSize& size)
+{
+    if (this->size() != size) {
+        resize(size);
+    }
+    updateLayout();
+    impl->chooseTerms();
+    impl->chooseTicks();
+    replot();
+}
+
+void PlotWidget::resizeEvent(QResizeEvent* event)
+{
+    QwtPlot::resizeEvent(event);
+    arrange(event->size());
+}
