@@ -8,18 +8,21 @@
 
 /**
  * Universal Kriging with a tensor-product Matern 5/2 correlation, one length per input, estimated
- * by maximum likelihood. A dependent is fitted when it is first wanted, once.
+ * by maximum likelihood. Each output is fitted once, when it is first used.
+ * Stein: Interpolation of Spatial Data, Springer 1999; Santner, Williams, Notz: The Design and
+ * Analysis of Computer Experiments, 2nd ed., Springer 2018, ch. 3.
  *
- * Exact copies of a case count once. Cases with the same inputs and different outputs are smoothed
- * by the nugget, copies then being measurements like the others; they are averaged where the nugget
- * is fixed, or its lower bound stands for more than they differ by. Inputs that are constant, up to
- * a few units in the last place, have no influence; a constant output, a single case or no input
- * that varies give a constant. Where the nugget is the least that keeps the factorisation sound, it
- * is taken out of the prediction again, so that the cases are met.
+ * Exact copies of a case count once. Replicates, cases with the same inputs and different outputs,
+ * are smoothed by the nugget, and exact copies then count as measurements like the others; they are
+ * averaged where the nugget is fixed, or its lower bound is larger than their variance explains.
+ * Inputs that are constant, up to a few units in the last place, have no influence; a constant
+ * output, a single case or no input that varies give a constant. Where the nugget is the smallest
+ * that keeps the factorisation sound, the prediction is corrected for it, so that the model
+ * interpolates the cases.
  *
- * Points that form a grid are predicted as matrix products, which costs a few percent of single
- * points: any Cartesian grid of the inputs, in any nesting, with constant inputs or some that vary
- * together.
+ * Points that form a Cartesian grid of the inputs, in any nesting, with constant inputs or some
+ * that vary together, are predicted by matrix products, at a few percent of the cost of scattered
+ * points.
  *
  * A fit costs some ten to thirty times n^3 multiplications and two n x n matrices for n distinct
  * cases; above 5000 the lengths are those of 2500, refined by one or two steps with all of them,

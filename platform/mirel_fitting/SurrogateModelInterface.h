@@ -17,7 +17,10 @@
  * the model was made from, from 0. Models own what they need: the columns given to a constructor
  * are read during construction only. A dependent column may hold NaN or infinity; that is an Error
  * naming the offset when that dependent is activated, interpolated or described, and harmless to
- * the others. One thread at a time.
+ * the others.
+ *
+ * One thread at a time per model object, const members included: they may fit. Different models may
+ * be used by different threads at the same time.
  */
 class MIREL_FITTING_EXPORT SurrogateModelInterface
 {

@@ -100,6 +100,39 @@ TEST(KrigingSurrogateModel, EqualsADirectComputationWithItsParameters)
     }
 }
 
+TEST(KrigingSurrogateModel, TakesItsOptionsByNameOrOneByOne)
+{
+    Columns inputs = someInputs();
+    Columns outputs = someOutputs();
+    KrigingOptions options;
+    options.tolerance = 1e-3;
+    options.correlationLengths = {0.7, 0.4};
+    options.trendOrder = 2;
+    options.initialCorrelationLength = 0.3;
+    options.nugget = 1e-5;
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
+
+    const KrigingSurrogateModel byName(pointersTo(inputs), pointersTo(outputs), 30, options);
+    const KrigingSurrogateModel oneByOne(pointersTo(inputs), pointersTo(outputs), 30, 1e-3,
+                                         {0.7, 0.4}, 2, 0.3, 1e-5, 1);
+
+    EXPECT_EQ(byName.qualityMetricInformation(0), oneByOne.qualityMetricInformation(0));
+    EXPECT_EQ(byName.krigingReport(0).nugget, 1e-5);
+}
+
+TEST(KrigingSurrogateModel, EstimatesEverythingWithALinearTrendByDefault)
+{
+    Columns inputs = someInputs();
+    Columns outputs = someOutputs();
+
+    const KrigingSurrogateModel byDefault(pointersTo(inputs), pointersTo(outputs), 30,
+                                          KrigingOptions());
+    const KrigingSurrogateModel oneByOne(pointersTo(inputs), pointersTo(outputs), 30, 1e-4, {}, 1,
+                                         0.5, 0.0, 0);
+
+    EXPECT_EQ(byDefault.qualityMetricInformation(0), oneByOne.qualityMetricInformation(0));
+}
+
 TEST(KrigingSurrogateModel, OwnsWhatItNeeds)
 {
     auto inputs = std::make_unique<Columns>(someInputs());

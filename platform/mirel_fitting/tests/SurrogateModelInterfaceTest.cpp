@@ -9,6 +9,7 @@
 
 #include <locale>
 #include <memory>
+#include <thread>
 #include <type_traits>
 
 namespace {
@@ -147,4 +148,19 @@ TEST(SurrogateModelInterface, TextsOfBothModelsAreTheSameInEveryLocale)
     std::locale::global(before);
 
     EXPECT_EQ(found, expected);
+}
+
+TEST(SurrogateModelInterface, LetsThreadsUseModelsOfTheirOwn)
+{
+    const std::string expected = textsOf(bothModels(twoInputs(40, 1.0)));
+    std::vector<std::string> found(4);
+    std::vector<std::thread> threads;
+    for (std::string& texts : found) {
+        threads.emplace_back([&texts] { texts = textsOf(bothModels(twoInputs(40, 1.0))); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+
+    EXPECT_EQ(found, std::vector<std::string>(4, expected));
 }
