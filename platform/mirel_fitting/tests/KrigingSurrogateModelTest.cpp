@@ -516,3 +516,15 @@ TEST(KrigingSurrogateModel, PredictsGridsLikeTheirPointsOneByOne)
         }
     }
 }
+
+TEST(KrigingSurrogateModel, TellsWhichPointsLieOutsideTheCases)
+{
+    const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
+    const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});
+    Columns points = {{11.0, 16.0}, {0.0, 0.0}};
+
+    EXPECT_EQ(model.extrapolations(pointersTo(points), 2), (std::vector<double>{0.0, 0.5}));
+    EXPECT_EQ(model.extrapolationWarning(pointersTo(points), 2),
+              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
+              "not rely on predictions there.");
+}

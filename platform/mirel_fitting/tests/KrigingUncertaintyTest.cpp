@@ -1,4 +1,4 @@
-#include "KrigingTestSupport.h"
+#include "KrigingWaveTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -6,44 +6,17 @@
 #include <set>
 #include <string>
 
+using namespace wavetest;
+
 namespace {
 
 using Kind = FittedModel::ErrorKind;
-
-const double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<double> standardErrors(const KrigingSurrogateModel& model, Columns points,
                                    Kind kind = Kind::Mean)
 {
     return model.standardErrors(pointersTo(points), 0, kind, points.empty() ? 1 : points[0].size());
 }
-
-Columns gradients(const KrigingSurrogateModel& model, Columns points)
-{
-    return model.gradients(pointersTo(points), 0, points[0].size());
-}
-
-double wave(const std::vector<double>& x)
-{
-    return std::sin(4.0 * x[0]) + x[0] * x[1] + 0.3 * std::cos(6.0 * x[1]);
-}
-
-/** Twelve cases of `wave`, with given lengths and nugget. */
-struct Given
-{
-    KrigingSurrogateModel model(int trendOrder, double nugget) const
-    {
-        KrigingArguments arguments;
-        arguments.correlationLengths = lengths;
-        arguments.trendOrder = trendOrder;
-        arguments.nugget = nugget;
-        arguments.nuggetMode = 1;
-        return arguments.model(inputs, {valuesOf(wave, inputs)});
-    }
-
-    Columns inputs = latinHypercube(12, 2, 3);
-    std::vector<double> lengths = {0.4, 0.9};
-};
 
 /** The squared standard error over the process variance, from the Kriging system with Lagrange
  *  multipliers in extended precision. */
@@ -117,8 +90,6 @@ long double relativeVariance(const Given& given, int trendOrder, double nugget,
     }
     return variance;
 }
-
-const Columns somePoints = {{0.1, 0.5, 0.93, 1.7, -3.0}, {0.2, 0.6, 0.01, 0.5, 9.0}};
 
 } // namespace
 
@@ -277,7 +248,7 @@ TEST(KrigingUncertainty, HasTheSameBitsForAnyNumberOfThreads)
     EXPECT_EQ(one, three);
 }
 
-TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
+TEST(KrigingUncertainty, GivesIntervalsThatAreTwoTailsOfANormalDistribution)
 {
     const KrigingSurrogateModel model = Given().model(1, 0.01);
     Columns points = somePoints;
@@ -294,7 +265,7 @@ TEST(KrigingIntervals, AreThePredictionAndTwoTailsOfANormalDistribution)
     EXPECT_NEAR(model.intervalQuantile(0, 0.95), 1.959963984540054, 1e-14);
 }
 
-TEST(KrigingIntervals, RefuseALevelThatIsNoProbability)
+TEST(KrigingUncertainty, RefusesALevelThatIsNoProbability)
 {
     const KrigingSurrogateModel model = Given().model(1, 0.01);
 
@@ -307,7 +278,7 @@ TEST(KrigingIntervals, RefuseALevelThatIsNoProbability)
     }
 }
 
-TEST(KrigingLeaveOneOut, EqualsRefitsWithoutEachCaseOfTheSameLengthsAndNugget)
+TEST(KrigingUncertainty, OfLeaveOneOutEqualsRefitsOfTheSameLengthsAndNugget)
 {
     for (const int order : {0, 1}) {
         const Given given;
@@ -337,7 +308,7 @@ TEST(KrigingLeaveOneOut, EqualsRefitsWithoutEachCaseOfTheSameLengthsAndNugget)
     }
 }
 
-TEST(KrigingLeaveOneOut, LeavesRowsWithTheSameInputsOutTogether)
+TEST(KrigingUncertainty, LeavesRowsWithTheSameInputsOutTogether)
 {
     Columns inputs = latinHypercube(15, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -365,7 +336,7 @@ TEST(KrigingLeaveOneOut, LeavesRowsWithTheSameInputsOutTogether)
     EXPECT_NEAR(press, model.fitMetrics(0).press, 1e-12 * press);
 }
 
-TEST(KrigingLeaveOneOut, OfAMeanAreTheMeansOfTheOthers)
+TEST(KrigingUncertainty, OfLeaveOneOutIsThatOfTheMeanOfTheOthers)
 {
     const KrigingSurrogateModel model = KrigingArguments().model({{3, 3, 3}}, {{1, 2, 6}});
 
@@ -378,7 +349,7 @@ TEST(KrigingLeaveOneOut, OfAMeanAreTheMeansOfTheOthers)
     EXPECT_NEAR(left[0].standardError, std::sqrt(7.0), 1e-14);
 }
 
-TEST(KrigingLeaveOneOut, HasNoFigureForOneCase)
+TEST(KrigingUncertainty, HasNoLeaveOneOutFigureForOneCase)
 {
     const KrigingSurrogateModel model = KrigingArguments().model({{3}}, {{1}});
 
@@ -388,69 +359,6 @@ TEST(KrigingLeaveOneOut, HasNoFigureForOneCase)
     EXPECT_EQ(left[0].output, 1.0);
     EXPECT_TRUE(std::isnan(left[0].predicted));
     EXPECT_TRUE(std::isnan(left[0].standardError));
-}
-
-TEST(KrigingGradients, EqualFiniteDifferencesOfThePredictions)
-{
-    const Columns inputs = latinHypercube(40, 3, 11);
-    const auto function = [](const std::vector<double>& x) { return wave(x) + x[2] * x[2] * x[0]; };
-    for (const int order : {0, 1, 2}) {
-        KrigingArguments arguments;
-        arguments.trendOrder = order;
-        const KrigingSurrogateModel model = arguments.model(inputs, {valuesOf(function, inputs)});
-        const Columns points = latinHypercube(1100, 3, 12); // more than a block
-        const Columns slopes = gradients(model, points);
-
-        const double step = 1e-5;
-        for (std::size_t k = 0; k < 3; ++k) {
-            Columns more = points;
-            Columns less = points;
-            for (std::size_t i = 0; i < 1100; ++i) {
-                more[k][i] += step;
-                less[k][i] -= step;
-            }
-            const std::vector<double> above = predictions(model, more);
-            const std::vector<double> below = predictions(model, less);
-            for (std::size_t i = 0; i < 1100; ++i) {
-                // The difference is good to the square of the step, and to the rounding of the
-                // predictions over it.
-                ASSERT_NEAR(slopes[k][i], (above[i] - below[i]) / (2.0 * step), 2e-6)
-                    << order << ", input " << k << ", point " << i;
-            }
-        }
-    }
-}
-
-TEST(KrigingGradients, AreInTheUnitsOfTheColumns)
-{
-    const Given given;
-    Columns inputs = given.inputs;
-    std::vector<double> output = valuesOf(wave, inputs);
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        inputs[0][i] = 1e6 * inputs[0][i] + 3e6;
-        output[i] *= 1e-9;
-    }
-    const KrigingArguments arguments{1e-4, {0.4e6, 0.9}, 1, 0.5, 0.01, 1};
-
-    const Columns expected = gradients(given.model(1, 0.01), {{0.25}, {0.5}});
-    const Columns found = gradients(arguments.model(inputs, {output}), {{1e6 * 0.25 + 3e6}, {0.5}});
-
-    EXPECT_NEAR(found[0][0], 1e-15 * expected[0][0], 1e-24);
-    EXPECT_NEAR(found[1][0], 1e-9 * expected[1][0], 1e-18);
-}
-
-TEST(KrigingGradients, AreZeroForAConstantInput)
-{
-    Columns inputs = latinHypercube(20, 3, 11);
-    inputs[1].assign(20, 4.0);
-    const KrigingSurrogateModel model = KrigingArguments().model(
-        inputs, {valuesOf([](const auto& x) { return std::sin(5.0 * x[0]) * x[2]; }, inputs)});
-
-    const Columns slopes = gradients(model, {{0.5}, {4.5}, {0.5}});
-
-    EXPECT_NE(slopes[0][0], 0.0);
-    EXPECT_EQ(slopes[1][0], 0.0);
-    EXPECT_NE(slopes[2][0], 0.0);
 }
 
 TEST(KrigingUncertainty, RefusesWhatDoesNotFitTheModel)
@@ -481,16 +389,4 @@ TEST(KrigingUncertainty, RefusesWhatDoesNotFitTheModel)
     EXPECT_EQ(errorOf([&] { model.extrapolations(one, 1); }),
               "The model has 2 inputs, but values are given for 1.");
     EXPECT_EQ(errorOf([&] { model.gradients({nullptr, nullptr}, 0, 0); }), "");
-}
-
-TEST(KrigingExtrapolation, IsSaidByTheModel)
-{
-    const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
-    const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});
-    Columns points = {{11.0, 16.0}, {0.0, 0.0}};
-
-    EXPECT_EQ(model.extrapolations(pointersTo(points), 2), (std::vector<double>{0.0, 0.5}));
-    EXPECT_EQ(model.extrapolationWarning(pointersTo(points), 2),
-              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
-              "not rely on predictions there.");
 }

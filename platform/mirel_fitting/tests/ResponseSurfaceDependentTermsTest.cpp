@@ -9,7 +9,7 @@ using namespace fittingtest;
 
 // Terms that the cases cannot separate
 
-TEST(ResponseSurface, DropsAConstantInputAndItsProducts)
+TEST(ResponseSurfaceDependentTerms, DropsAConstantInputAndItsProducts)
 {
     Cases cases = twoInputs(40, 0.0);
     const Column reference = predict(fit({{cases.inputs[1]}, cases.outputs}), {{0.25}});
@@ -27,7 +27,7 @@ TEST(ResponseSurface, DropsAConstantInputAndItsProducts)
     EXPECT_NE(model.qualityMetricInformation(0).find("Terms: 3 of 6\n"), std::string::npos);
 }
 
-TEST(ResponseSurface, DropsAnInputThatVariesByRoundingOnly)
+TEST(ResponseSurfaceDependentTerms, DropsAnInputThatVariesByRoundingOnly)
 {
     Cases cases = twoInputs(12, 1.0);
     cases.inputs[1].assign(12, 0.3);
@@ -43,7 +43,7 @@ TEST(ResponseSurface, DropsAnInputThatVariesByRoundingOnly)
                                   "V1 V2 and V2^2."}));
 }
 
-TEST(ResponseSurface, IsTheMeanWhenEveryInputIsConstant)
+TEST(ResponseSurfaceDependentTerms, IsTheMeanWhenEveryInputIsConstant)
 {
     const Model model = fit({{{5, 5, 5}, {6, 6, 6}}, {{1, 2, 6}}});
 
@@ -51,7 +51,7 @@ TEST(ResponseSurface, IsTheMeanWhenEveryInputIsConstant)
     EXPECT_EQ(model.fitMetrics(0).terms, 1u);
 }
 
-TEST(ResponseSurface, DropsTheSquareOfAnInputOfTwoLevels)
+TEST(ResponseSurfaceDependentTerms, DropsTheSquareOfAnInputOfTwoLevels)
 {
     Cases cases = twoInputs(40, 0.0);
     for (double& value : cases.inputs[0]) {
@@ -65,7 +65,7 @@ TEST(ResponseSurface, DropsTheSquareOfAnInputOfTwoLevels)
                   "V1^2 cannot be separated from V1 by these cases and was left out."}));
 }
 
-TEST(ResponseSurface, SaysFromWhichTermsASquareCannotBeSeparated)
+TEST(ResponseSurfaceDependentTerms, SaysFromWhichTermsASquareCannotBeSeparated)
 {
     // On a circle about (3, -1) the squares add up to a constant and linear terms.
     Cases cases{{{}, {}}, {{}}};
@@ -80,7 +80,7 @@ TEST(ResponseSurface, SaysFromWhichTermsASquareCannotBeSeparated)
                                         "cases and was left out."}));
 }
 
-TEST(ResponseSurface, NamesNoLinearTermsThatCancel)
+TEST(ResponseSurfaceDependentTerms, NamesNoLinearTermsThatCancel)
 {
     // V3 is the product of the two other inputs as they are, far from the origin.
     Cases cases = twoInputs(60, 1.0);
@@ -97,7 +97,7 @@ TEST(ResponseSurface, NamesNoLinearTermsThatCancel)
     EXPECT_EQ(warnings[0], "V1 V2 cannot be separated from V3 by these cases and was left out.");
 }
 
-TEST(ResponseSurface, KeepsSquaresRatherThanProducts)
+TEST(ResponseSurfaceDependentTerms, KeepsSquaresRatherThanProducts)
 {
     // On the diagonals of a square V1^2 and V2^2 are the same, and V1 V2 is that up to the sign.
     const Model model =
@@ -109,7 +109,7 @@ TEST(ResponseSurface, KeepsSquaresRatherThanProducts)
     EXPECT_EQ(termsOf(cross, false), (std::vector<std::string>{"V2^2"}));
 }
 
-TEST(ResponseSurface, DropsTheLastOfInputsThatAddUp)
+TEST(ResponseSurfaceDependentTerms, DropsTheLastOfInputsThatAddUp)
 {
     // Parts of a mixture, in percent.
     Random random(5);
@@ -129,7 +129,7 @@ TEST(ResponseSurface, DropsTheLastOfInputsThatAddUp)
     EXPECT_LT(largestDifference(predict(model, cases.inputs), cases.outputs[0]), 1e-9);
 }
 
-TEST(ResponseSurface, SeesDependenceThroughTheRoundingOfLargeNumbers)
+TEST(ResponseSurfaceDependentTerms, SeesDependenceThroughTheRoundingOfLargeNumbers)
 {
     // Seconds since 1970: the end is start and duration up to 1.2e-7 s, a relative error of the
     // duration that is far above rounding.
@@ -142,7 +142,7 @@ TEST(ResponseSurface, SeesDependenceThroughTheRoundingOfLargeNumbers)
     EXPECT_EQ(termsOf(fit(cases, 1), false), (std::vector<std::string>{"V3"}));
 }
 
-TEST(ResponseSurface, KeepsInputsThatAreAlmostDependent)
+TEST(ResponseSurfaceDependentTerms, KeepsInputsThatAreAlmostDependent)
 {
     Cases cases = twoInputs(60, 0.0);
     for (std::size_t k = 0; k < 60; ++k) {
@@ -155,7 +155,7 @@ TEST(ResponseSurface, KeepsInputsThatAreAlmostDependent)
     EXPECT_NEAR(model.responseSurfaceStatistics(0).coefficients[2].estimate, -2.0, 1e-8);
 }
 
-TEST(ResponseSurface, TakesDuplicateCasesForReplicates)
+TEST(ResponseSurfaceDependentTerms, TakesDuplicateCasesForReplicates)
 {
     const Model model = fit({{{0, 0, 1, 1, 2, 2}}, {{1, 3, 5, 5, 9, 7}}});
 

@@ -8,7 +8,7 @@ using namespace fittingtest;
 
 // The equation
 
-TEST(ResponseSurface, WritesTheTermsOfTheEquationInTheirOrder)
+TEST(ResponseSurfaceEquation, WritesTheTermsOfTheEquationInTheirOrder)
 {
     const std::string text = fit(twoInputs(40, 1.0)).surfaceCoefficientInformation(0);
     const std::string number = "[0-9]+[.][0-9]+";
@@ -20,7 +20,7 @@ TEST(ResponseSurface, WritesTheTermsOfTheEquationInTheirOrder)
         << text;
 }
 
-TEST(ResponseSurface, EquationGivesTheValuesOfTheModel)
+TEST(ResponseSurfaceEquation, EquationGivesTheValuesOfTheModel)
 {
     const Cases cases = twoInputs(40, 1.0);
     const Model model = fit(cases);
@@ -32,7 +32,7 @@ TEST(ResponseSurface, EquationGivesTheValuesOfTheModel)
     EXPECT_EQ(model.surfaceCoefficientInformation(0).find('('), std::string::npos);
 }
 
-TEST(ResponseSurface, EquationStaysInCentredInputsWhereMultiplyingOutLosesDigits)
+TEST(ResponseSurfaceEquation, EquationStaysInCentredInputsWhereMultiplyingOutLosesDigits)
 {
     Cases cases = twoInputs(40, 1.0);
     for (double& value : cases.inputs[0]) {
@@ -50,7 +50,7 @@ TEST(ResponseSurface, EquationStaysInCentredInputsWhereMultiplyingOutLosesDigits
               1e-12);
 }
 
-TEST(ResponseSurface, EquationKeepsItsPromiseForEveryShift)
+TEST(ResponseSurfaceEquation, EquationKeepsItsPromiseForEveryShift)
 {
     for (double shift = 1.0; shift < 1e13; shift *= 10.0) {
         Cases cases = twoInputs(40, 1.0);

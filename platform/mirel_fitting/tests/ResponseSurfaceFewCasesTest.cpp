@@ -8,7 +8,7 @@ using namespace fittingtest;
 
 // Fewer cases than terms
 
-TEST(ResponseSurface, PassesThroughAsManyCasesAsItHasTerms)
+TEST(ResponseSurfaceFewCases, PassesThroughAsManyCasesAsItHasTerms)
 {
     const Cases cases = twoInputs(6, 1.0);
     const Model model = fit(cases);
@@ -19,7 +19,7 @@ TEST(ResponseSurface, PassesThroughAsManyCasesAsItHasTerms)
     EXPECT_TRUE(std::isnan(model.responseSurfaceStatistics(0).coefficients[1].standardError));
 }
 
-TEST(ResponseSurface, LeavesFiguresOutThatNeedMoreCasesThanTerms)
+TEST(ResponseSurfaceFewCases, LeavesFiguresOutThatNeedMoreCasesThanTerms)
 {
     const Model model = fit(twoInputs(6, 1.0));
     const FitMetrics metrics = model.fitMetrics(0);
@@ -46,7 +46,7 @@ TEST(ResponseSurface, LeavesFiguresOutThatNeedMoreCasesThanTerms)
               "the ranges of the cases\n");
 }
 
-TEST(ResponseSurface, LowersTheOrderToLinearAndSaysSo)
+TEST(ResponseSurfaceFewCases, LowersTheOrderToLinearAndSaysSo)
 {
     for (const std::size_t count : {5u, 4u, 3u}) {
         const Model model = fit(twoInputs(count, 1.0));
@@ -59,7 +59,7 @@ TEST(ResponseSurface, LowersTheOrderToLinearAndSaysSo)
     }
 }
 
-TEST(ResponseSurface, LowersTheOrderToConstantAndSaysSo)
+TEST(ResponseSurfaceFewCases, LowersTheOrderToConstantAndSaysSo)
 {
     Cases cases = twoInputs(2, 1.0);
     const Model model = fit(cases);
@@ -71,7 +71,7 @@ TEST(ResponseSurface, LowersTheOrderToConstantAndSaysSo)
                                         "6 terms need at least as many cases."}));
 }
 
-TEST(ResponseSurface, IsTheValueOfASingleCase)
+TEST(ResponseSurfaceFewCases, IsTheValueOfASingleCase)
 {
     const Model model = fit({{{2.0}, {3.0}}, {{7.5}}});
 
@@ -81,7 +81,7 @@ TEST(ResponseSurface, IsTheValueOfASingleCase)
     EXPECT_TRUE(std::isnan(model.fitMetrics(0).r2));
 }
 
-TEST(ResponseSurface, IsTheMeanWithoutInputs)
+TEST(ResponseSurfaceFewCases, IsTheMeanWithoutInputs)
 {
     const Model model = fit({{}, {{1.0, 2.0, 6.0}}});
 
@@ -91,7 +91,7 @@ TEST(ResponseSurface, IsTheMeanWithoutInputs)
     EXPECT_TRUE(model.fitWarnings(0).empty());
 }
 
-TEST(ResponseSurface, ExplainsNothingOfTheSpreadByAMean)
+TEST(ResponseSurfaceFewCases, ExplainsNothingOfTheSpreadByAMean)
 {
     for (std::size_t count = 2; count < 12; ++count) {
         Cases cases = twoInputs(count, 1.0);
@@ -101,7 +101,7 @@ TEST(ResponseSurface, ExplainsNothingOfTheSpreadByAMean)
     }
 }
 
-TEST(ResponseSurface, RefusesAPolynomialOfTooManyTerms)
+TEST(ResponseSurfaceFewCases, RefusesAPolynomialOfTooManyTerms)
 {
     Column column(11476, 0.0);
     const std::vector<double*> inputs(150, column.data());

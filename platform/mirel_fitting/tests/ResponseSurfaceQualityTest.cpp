@@ -9,7 +9,7 @@ using namespace fittingtest;
 
 // Metrics
 
-TEST(ResponseSurface, WritesItsQualityLineByLine)
+TEST(ResponseSurfaceQuality, WritesItsQualityLineByLine)
 {
     EXPECT_EQ(
         fit(grid()).qualityMetricInformation(0),
@@ -60,7 +60,7 @@ TEST(ResponseSurface, WritesItsQualityLineByLine)
         "ranges of the cases\n");
 }
 
-TEST(ResponseSurface, PressIsTheSumOverRefitsWithoutEachCase)
+TEST(ResponseSurfaceQuality, PressIsTheSumOverRefitsWithoutEachCase)
 {
     const Cases cases = twoInputs(25, 1.5);
     double press = 0.0;
@@ -76,7 +76,7 @@ TEST(ResponseSurface, PressIsTheSumOverRefitsWithoutEachCase)
     EXPECT_NEAR(metrics.looRmse, std::sqrt(press / 25.0), 1e-10);
 }
 
-TEST(ResponseSurface, FiguresFollowFromResidualsAndSpread)
+TEST(ResponseSurfaceQuality, FiguresFollowFromResidualsAndSpread)
 {
     const Cases cases = twoInputs(25, 1.5);
     const Model model = fit(cases);
@@ -102,7 +102,7 @@ TEST(ResponseSurface, FiguresFollowFromResidualsAndSpread)
     EXPECT_TRUE(std::isnan(metrics.q2));
 }
 
-TEST(ResponseSurface, HasNoPressWhenACaseAloneDeterminesATerm)
+TEST(ResponseSurfaceQuality, HasNoPressWhenACaseAloneDeterminesATerm)
 {
     // Without the last case V2 is constant.
     const Model model = fit({{{1, 2, 3, 4, 5}, {0, 0, 0, 0, 1}}, {{1, 3, 2, 5, 4}}}, 1);
@@ -118,7 +118,7 @@ TEST(ResponseSurface, HasNoPressWhenACaseAloneDeterminesATerm)
               std::string::npos);
 }
 
-TEST(ResponseSurface, PredictsAConstantOutputWithoutR2)
+TEST(ResponseSurfaceQuality, PredictsAConstantOutputWithoutR2)
 {
     Cases cases = twoInputs(30, 0.0);
     std::fill(cases.outputs[0].begin(), cases.outputs[0].end(), 0.1);

@@ -5,6 +5,10 @@
 #include "EquationEvaluator.h"
 #include "FittingTestSupport.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -65,6 +69,54 @@ inline Cases withoutCase(Cases cases, std::size_t row)
         }
     }
     return cases;
+}
+
+/** Columns of one point: what models are evaluated at and what they write to. */
+inline std::vector<Column> caseAt(const Cases& cases, std::size_t row)
+{
+    std::vector<Column> point;
+    for (const Column& column : cases.inputs) {
+        point.push_back({column[row]});
+    }
+    return point;
+}
+
+inline Model select(Cases cases, PolynomialTerms terms = PolynomialTerms::Quadratic)
+{
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(),
+            ResponseSurfaceOptions{terms, Model::Selection::BackwardAicc}};
+}
+
+inline ResponseSurfaceStatistics statisticsOf(const Cases& cases, int highestOrder = 2)
+{
+    return fit(cases, highestOrder).responseSurfaceStatistics(0);
+}
+
+/**
+ * Eleven runs of a chemical vapour deposition process: pressure and gas ratio; uniformity. The case
+ * in the middle is there three times. NIST/SEMATECH e-Handbook of Statistical Methods, 5.4.7.3.
+ * The figures about it below are what response_surface_statistics.R prints.
+ */
+inline Cases vapourDeposition()
+{
+    return {{{80, 42, 68.87, 15.13, 4, 42, 15.13, 42, 68.87, 42, 42},
+             {6, 6, 3.17, 8.83, 6, 6, 3.17, 2, 8.83, 10, 6}},
+            {{4.6, 6.2, 3.4, 6.9, 7.3, 6.4, 8.6, 6.3, 5.1, 5.4, 5.0}}};
+}
+
+/** Relative to its size, or to 1e-3 for less. R prints 15 digits. */
+inline void expectFigure(double value, double expected, const std::string& what)
+{
+    EXPECT_NEAR(value, expected, 1e-10 * std::max(std::fabs(expected), 1e-3)) << what;
+}
+
+inline std::vector<std::string> sourcesOf(const ResponseSurfaceStatistics& statistics)
+{
+    std::vector<std::string> sources;
+    for (const AnovaRow& row : statistics.anova) {
+        sources.push_back(row.source);
+    }
+    return sources;
 }
 
 } // namespace fittingtest

@@ -70,12 +70,12 @@ private:
 
 } // namespace
 
-TEST(SurrogateModelError, CarriesItsMessage)
+TEST(SurrogateModelInterface, CarriesItsMessage)
 {
     EXPECT_STREQ(Error("There are 100% too few cases.").what(), "There are 100% too few cases.");
 }
 
-TEST(SurrogateModelError, IsCaughtAsExceptionOfTheApplicationAndOfTheLanguage)
+TEST(SurrogateModelInterface, IsCaughtAsExceptionOfTheApplicationAndOfTheLanguage)
 {
     EXPECT_THROW(throw Error("refused"), veska::ExceptionBase);
     try {
@@ -85,7 +85,7 @@ TEST(SurrogateModelError, IsCaughtAsExceptionOfTheApplicationAndOfTheLanguage)
     }
 }
 
-TEST(SurrogateModelError, CopiesKeepTheMessage)
+TEST(SurrogateModelInterface, CopiesKeepTheMessage)
 {
     auto original = std::make_unique<Error>("refused");
     const Error copy = *original;

@@ -8,7 +8,7 @@ using namespace fittingtest;
 
 // What is fitted
 
-TEST(ResponseSurface, ReproducesAQuadraticFunction)
+TEST(SurrogateResponseSurfaceModel, ReproducesAQuadraticFunction)
 {
     const Cases cases = twoInputs(40, 0.0);
     const Model model = fit(cases);
@@ -20,7 +20,7 @@ TEST(ResponseSurface, ReproducesAQuadraticFunction)
     EXPECT_NEAR(values[2], surface(10.0, -7.0), 1e-10);
 }
 
-TEST(ResponseSurface, ListsTheCoefficientsInTheOrderOfTheTerms)
+TEST(SurrogateResponseSurfaceModel, ListsTheCoefficientsInTheOrderOfTheTerms)
 {
     const std::vector<CoefficientStatistics> table =
         fit(twoInputs(40, 0.0)).responseSurfaceStatistics(0).coefficients;
@@ -35,7 +35,7 @@ TEST(ResponseSurface, ListsTheCoefficientsInTheOrderOfTheTerms)
     }
 }
 
-TEST(ResponseSurface, GoesNoHigherThanTheOrderWanted)
+TEST(SurrogateResponseSurfaceModel, GoesNoHigherThanTheOrderWanted)
 {
     EXPECT_EQ(termsOf(fit(twoInputs(40, 1.0), 1), true),
               (std::vector<std::string>{"1", "V1", "V2"}));
@@ -43,7 +43,7 @@ TEST(ResponseSurface, GoesNoHigherThanTheOrderWanted)
     EXPECT_TRUE(fit(twoInputs(40, 1.0), 1).fitWarnings(0).empty());
 }
 
-TEST(ResponseSurface, RefusesAnotherOrder)
+TEST(SurrogateResponseSurfaceModel, RefusesAnotherOrder)
 {
     EXPECT_EQ(errorOf([] { fit(twoInputs(9, 0.0), 3); }),
               "The highest order of a response surface is 0, 1 or 2, not 3.");
@@ -51,7 +51,7 @@ TEST(ResponseSurface, RefusesAnotherOrder)
               "The highest order of a response surface is 0, 1 or 2, not -1.");
 }
 
-TEST(ResponseSurface, FitsEveryOutputByItself)
+TEST(SurrogateResponseSurfaceModel, FitsEveryOutputByItself)
 {
     Cases cases = twoInputs(40, 0.3);
     cases.outputs.push_back(cases.inputs[0]);
@@ -63,7 +63,7 @@ TEST(ResponseSurface, FitsEveryOutputByItself)
     EXPECT_LT(largestDifference(predict(both, cases.inputs, 1), cases.inputs[0]), 1e-13);
 }
 
-TEST(ResponseSurface, TakesCasesInBlocksAndLosesNone)
+TEST(SurrogateResponseSurfaceModel, TakesCasesInBlocksAndLosesNone)
 {
     // One less and one more than a block, several blocks, and a last block of one case.
     for (const std::size_t count : {511u, 512u, 513u, 20481u}) {
@@ -81,7 +81,7 @@ TEST(ResponseSurface, TakesCasesInBlocksAndLosesNone)
     }
 }
 
-TEST(ResponseSurface, GivesTheSameBitsRunAfterRun)
+TEST(SurrogateResponseSurfaceModel, GivesTheSameBitsRunAfterRun)
 {
     const Cases cases = twoInputs(3000, 1.0);
     const Model first = fit(cases);
@@ -92,7 +92,7 @@ TEST(ResponseSurface, GivesTheSameBitsRunAfterRun)
     EXPECT_EQ(first.fitMetrics(0).press, second.fitMetrics(0).press);
 }
 
-TEST(ResponseSurface, GivesTheSameBitsForEveryNumberOfThreads)
+TEST(SurrogateResponseSurfaceModel, GivesTheSameBitsForEveryNumberOfThreads)
 {
     const Cases cases = twoInputs(100000, 1.0);
     std::vector<std::string> equations;
@@ -109,7 +109,7 @@ TEST(ResponseSurface, GivesTheSameBitsForEveryNumberOfThreads)
     EXPECT_EQ(press, std::vector<double>(3, press[0]));
 }
 
-TEST(ResponseSurface, DoesNotDependOnTheUnitsOfTheInputs)
+TEST(SurrogateResponseSurfaceModel, DoesNotDependOnTheUnitsOfTheInputs)
 {
     const Cases cases = twoInputs(40, 1.0);
     const Column reference = predict(fit(cases), cases.inputs);
@@ -128,7 +128,7 @@ TEST(ResponseSurface, DoesNotDependOnTheUnitsOfTheInputs)
     }
 }
 
-TEST(ResponseSurface, DoesNotDependOnTheOriginsOfTheInputs)
+TEST(SurrogateResponseSurfaceModel, DoesNotDependOnTheOriginsOfTheInputs)
 {
     // Values that stay exact when they are shifted, so that only the fit can lose digits.
     Cases cases = twoInputs(40, 1.0);
@@ -149,7 +149,7 @@ TEST(ResponseSurface, DoesNotDependOnTheOriginsOfTheInputs)
     }
 }
 
-TEST(ResponseSurface, DoesNotDependOnTheUnitOfTheOutput)
+TEST(SurrogateResponseSurfaceModel, DoesNotDependOnTheUnitOfTheOutput)
 {
     const Cases cases = twoInputs(40, 1.0);
     const FitMetrics reference = fit(cases).fitMetrics(0);
@@ -165,14 +165,14 @@ TEST(ResponseSurface, DoesNotDependOnTheUnitOfTheOutput)
     }
 }
 
-TEST(ResponseSurface, HasEquationAndQuality)
+TEST(SurrogateResponseSurfaceModel, HasEquationAndQuality)
 {
     const Model model = fit(twoInputs(9, 0.0));
     EXPECT_TRUE(model.surfaceCoefficientInformationAvailable());
     EXPECT_TRUE(model.qualityMetricInformationAvailable());
 }
 
-TEST(ResponseSurface, TellsWhichPointsLieOutsideTheCases)
+TEST(SurrogateResponseSurfaceModel, TellsWhichPointsLieOutsideTheCases)
 {
     const Model model = fit(grid());
     Column first = {0.0, 2.0};

@@ -1,0 +1,73 @@
+#include "ResponseSurfaceTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+using namespace fittingtest;
+
+namespace {
+
+double standardError(const Model& model, std::vector<Column> points, FittedModel::ErrorKind kind)
+{
+    return model.standardErrors(Cases::pointers(points), 0, kind, 1)[0];
+}
+
+} // namespace
+
+TEST(ResponseSurfaceUncertainty, GivesTheStandardErrorOfTheMean)
+{
+    // Deviation sqrt(10 / 4), n = 5.
+    const Model model = fit(Cases{{}, {{1, 2, 3, 4, 5}}});
+
+    EXPECT_NEAR(standardError(model, {}, FittedModel::ErrorKind::Mean), std::sqrt(0.5), 1e-15);
+    EXPECT_NEAR(standardError(model, {}, FittedModel::ErrorKind::Observation), std::sqrt(2.5 + 0.5),
+                1e-15);
+}
+
+TEST(ResponseSurfaceUncertainty, IsNanAtPointsThatAreNotFiniteOnly)
+{
+    const Model model = fit(twoInputs(40, 1.0));
+    std::vector<Column> points = {{1.0, notANumber, 1.0}, {0.5, 0.5, infinity}};
+
+    const Column errors =
+        model.standardErrors(Cases::pointers(points), 0, FittedModel::ErrorKind::Mean, 3);
+
+    EXPECT_GT(errors[0], 0.0);
+    EXPECT_TRUE(std::isnan(errors[1]));
+    EXPECT_TRUE(std::isnan(errors[2]));
+}
+
+TEST(ResponseSurfaceUncertainty, GivesTheIntervalsOfR)
+{
+    const Model model = fit(vapourDeposition());
+    std::vector<Column> points = {{30, 100}, {5, 1}};
+
+    const PredictionIntervals found =
+        model.predictionIntervals(Cases::pointers(points), 0, 0.95, 2);
+
+    expectFigure(found.lower[0], 4.56157254346861, "lower inside");
+    expectFigure(found.upper[0], 8.79102351364129, "upper inside");
+    expectFigure(found.lower[1], -5.67775230381846, "lower outside");
+    expectFigure(found.upper[1], 6.37766390539257, "upper outside");
+    // qt(0.975, 5)
+    EXPECT_NEAR(model.intervalQuantile(0, 0.95), 2.570581835636314, 1e-13);
+    expectFigure(standardError(model, {{30}, {5}}, FittedModel::ErrorKind::Mean), 0.387107042865106,
+                 "standard error inside");
+    expectFigure(standardError(model, {{100}, {1}}, FittedModel::ErrorKind::Mean),
+                 2.229695439941187, "standard error outside");
+}
+
+TEST(ResponseSurfaceUncertainty, RefusesALevelThatIsNoProbability)
+{
+    const Model model = fit(twoInputs(40, 1.0));
+    for (const double level : {0.0, 1.0, 95.0, -0.5}) {
+        EXPECT_NE(errorOf([&] { model.predictionIntervals({}, 0, level, 0); }), "");
+    }
+    EXPECT_EQ(errorOf([&] { model.predictionIntervals({}, 0, 95.0, 0); }),
+              "The level of an interval has to lie between 0 and 1, not at 95.");
+    EXPECT_EQ(errorOf([&] { model.responseSurfaceStatistics(0, notANumber); }),
+              "The level of an interval has to lie between 0 and 1, not at nan.");
+}
