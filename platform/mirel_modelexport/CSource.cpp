@@ -2,6 +2,7 @@
 
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
+#include <mirel_modelexport/SourceTerms.h>
 #include <mirel_modelexport/TableSum.h>
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 namespace {
 
 using Description = PredictorDescription;
-
-constexpr std::size_t noFactor = Description::noFactor;
 
 std::string plural(std::size_t count, const std::string& noun)
 {
@@ -94,12 +93,6 @@ static int surrogate_all_finite(const double *inputs)
     return text;
 }
 
-bool hasCorrelation(const ExportedModel& model)
-{
-    return std::any_of(model.outputs.begin(), model.outputs.end(),
-                       [](const auto& output) { return !output.model.predictor.weights.empty(); });
-}
-
 const char* const krigingFunctions = R"(
 /* Kept so small that products of two are finite. */
 static double surrogate_coordinate(double value, double origin, double unit)
@@ -133,46 +126,13 @@ static double surrogate_correlation(const double *a, const double *b, int coordi
 }
 )";
 
-/** The polynomial sum, grouped by first factors, as statements that add to `sum`. */
-std::string addedTerms(const Description& predictor, const std::string& sum,
-                       const std::string& factor)
-{
-    const auto times = [&](std::size_t k) { return factor + "[" + std::to_string(k) + "]"; };
-    std::string text;
-    for (std::size_t t = 0; t < predictor.terms.size(); ++t) {
-        const Description::Term& term = predictor.terms[t];
-        text += "    " + sum + " += " + realNumber(term.coefficient);
-        text += term.first == noFactor ? "" : " * " + times(term.first);
-        text += term.second == noFactor ? "" : " * " + times(term.second);
-        text += ";\n";
-    }
-    return text;
-}
-
-/** sum += x_i * (b_i + b_ii * x_i + ...): the order in which the model itself adds. */
-std::string nestedTerms(const Description& predictor)
-{
-    std::string text;
-    for (std::size_t i = 0; i < predictor.coordinates.size(); ++i) {
-        const std::string x = "x[" + std::to_string(i) + "]";
-        std::string slope;
-        for (const Description::Term& term : predictor.terms) {
-            if (term.first != i) {
-                continue;
-            }
-            slope += slope.empty() ? realNumber(term.coefficient)
-                                   : signedNumber(term.coefficient, realNumber);
-            slope += term.second == noFactor ? "" : " * x[" + std::to_string(term.second) + "]";
-        }
-        text += slope.empty() ? "" : "    sum += " + x + " * (" + slope + ");\n";
-    }
-    return text;
-}
-
 std::string polynomial(const Description& predictor, std::size_t output)
 {
     const std::size_t coordinates = predictor.coordinates.size();
-    const std::string terms = nestedTerms(predictor);
+    std::string terms;
+    for (const std::string& group : nestedTerms(predictor)) {
+        terms += "    sum += " + group + ";\n";
+    }
     std::string text =
         "\ndouble surrogate_" + std::to_string(output) + "(const double *inputs)\n{\n";
     if (!terms.empty()) {
@@ -197,8 +157,7 @@ std::string kriging(const Description& predictor, std::size_t output)
     const std::string name = "surrogate_" + std::to_string(output);
     const std::size_t coordinates = predictor.coordinates.size();
     const std::size_t cases = predictor.weights.size();
-    const bool hasSlopes = std::any_of(predictor.terms.begin(), predictor.terms.end(),
-                                       [](const auto& term) { return term.first != noFactor; });
+    const bool hasSlopes = hasFactors(predictor);
     const bool needsCoordinates = cases > 0 || hasSlopes;
     std::string text;
     if (cases > 0) {
@@ -235,7 +194,9 @@ std::string kriging(const Description& predictor, std::size_t output)
             text += "    scaled" + at + " = u" + at + " * " + realNumber(scales[k]) + ";\n";
         }
     }
-    text += addedTerms(predictor, "sum", "x");
+    for (const std::string& term : productTerms(predictor)) {
+        text += "    sum += " + term + ";\n";
+    }
     if (cases > 0) {
         text += "    for (j = 0; j < " + std::to_string(cases) + "; ++j) {\n";
         text += "        correlated += " + name + "_weights[j] * surrogate_correlation(scaled, " +
@@ -372,9 +333,7 @@ std::string cSource(const ExportedModel& model)
         const bool hasCoordinates =
             std::any_of(model.outputs.begin(), model.outputs.end(), [](const auto& output) {
                 const Description& predictor = output.model.predictor;
-                return !predictor.weights.empty() ||
-                       std::any_of(predictor.terms.begin(), predictor.terms.end(),
-                                   [](const auto& term) { return term.first != noFactor; });
+                return !predictor.weights.empty() || hasFactors(predictor);
             });
         text += hasCoordinates ? krigingFunctions : "";
         text += hasCorrelation(model) ? correlationFunctions : "";

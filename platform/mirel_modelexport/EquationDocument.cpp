@@ -2,8 +2,8 @@
 
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
+#include <mirel_modelexport/SourceTerms.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -52,12 +52,6 @@ std::string scaledInput(const Description::Coordinate& coordinate)
             ? input
             : "(" + input + signedNumber(-coordinate.origin, shortNumber) + ")";
     return coordinate.unit == 1.0 ? difference : difference + " / " + shortNumber(coordinate.unit);
-}
-
-bool hasFactors(const Description& predictor)
-{
-    return std::any_of(predictor.terms.begin(), predictor.terms.end(),
-                       [](const auto& term) { return term.first != noFactor; });
 }
 
 std::string polynomial(const Description& predictor, const std::string& output)

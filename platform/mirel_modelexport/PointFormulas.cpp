@@ -2,6 +2,7 @@
 
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
+#include <mirel_modelexport/SourceTerms.h>
 #include <mirel_modelexport/WorkbookFile.h>
 
 #include <algorithm>
@@ -142,8 +143,7 @@ std::string PointFormulas::polynomial(const Description& predictor)
 std::string PointFormulas::kriging(const Description& predictor, std::size_t output)
 {
     const bool hasCases = !predictor.weights.empty();
-    const bool hasSlopes = std::any_of(predictor.terms.begin(), predictor.terms.end(),
-                                       [](const auto& term) { return term.first != noFactor; });
+    const bool hasSlopes = hasFactors(predictor);
     std::vector<std::size_t> u;
     for (const Description::Coordinate& coordinate : predictor.coordinates) {
         u.push_back(hasCases || hasSlopes ? addCoordinate(coordinate, true) : 0);

@@ -2,6 +2,7 @@
 
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
+#include <mirel_modelexport/SourceTerms.h>
 #include <mirel_modelexport/TableSum.h>
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 namespace {
 
 using Description = PredictorDescription;
-
-constexpr std::size_t noFactor = Description::noFactor;
 
 /** (a, b): one element keeps a comma. */
 std::string tuple(const std::vector<std::string>& items)
@@ -133,17 +132,8 @@ std::string polynomial(const Description& predictor, std::size_t output)
 {
     std::string text = "\n\ndef _output_" + std::to_string(output) + "(inputs):\n";
     std::string terms;
-    for (std::size_t i = 0; i < predictor.coordinates.size(); ++i) {
-        std::string slope;
-        for (const Description::Term& term : predictor.terms) {
-            if (term.first != i) {
-                continue;
-            }
-            slope += slope.empty() ? realNumber(term.coefficient)
-                                   : signedNumber(term.coefficient, realNumber);
-            slope += term.second == noFactor ? "" : " * " + subscript("x", term.second);
-        }
-        terms += slope.empty() ? "" : "    total += " + subscript("x", i) + " * (" + slope + ")\n";
+    for (const std::string& group : nestedTerms(predictor)) {
+        terms += "    total += " + group + "\n";
     }
     if (terms.empty()) {
         return text + "    return " + realNumber(predictor.offset) + "\n";
@@ -164,7 +154,6 @@ std::string kriging(const Description& predictor, std::size_t output)
             const auto first = scaled.begin() + static_cast<std::ptrdiff_t>(j * coordinates);
             cases.emplace_back(first, first + static_cast<std::ptrdiff_t>(coordinates));
         }
-        std::vector<std::vector<double>> weights;
         constexpr std::size_t perLine = 4;
         text += "\n# The scaled coordinates of the cases.\n_CASES_" + number + " = " +
                 table(cases) + "\n_WEIGHTS_" + number + " = (";
@@ -175,20 +164,15 @@ std::string kriging(const Description& predictor, std::size_t output)
     }
 
     text += "\n\ndef _output_" + number + "(inputs):\n";
-    std::string terms;
-    bool hasSlopes = false;
-    for (const Description::Term& term : predictor.terms) {
-        terms += "    total += " + realNumber(term.coefficient);
-        terms += term.first == noFactor ? "" : " * " + subscript("x", term.first);
-        terms += term.second == noFactor ? "" : " * " + subscript("x", term.second);
-        terms += "\n";
-        hasSlopes = hasSlopes || term.first != noFactor;
-    }
+    const bool hasSlopes = hasFactors(predictor);
     if (hasSlopes || !predictor.weights.empty()) {
         text += "    u = " + coordinateTuple(predictor) + "\n";
     }
     text += hasSlopes ? "    x = [2.0 * value - 1.0 for value in u]\n" : "";
-    text += "    total = 0.0\n" + terms;
+    text += "    total = 0.0\n";
+    for (const std::string& term : productTerms(predictor)) {
+        text += "    total += " + term + "\n";
+    }
     if (!predictor.weights.empty()) {
         std::vector<std::string> scaled;
         const std::vector<double> scales = correlationScales(predictor);

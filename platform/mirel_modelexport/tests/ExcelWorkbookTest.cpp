@@ -166,13 +166,3 @@ TEST_F(ExcelWorkbook, WhatNoSheetHoldsIsRefused)
             << error.what();
     }
 }
-
-TEST(WorkbookFile, NamesColumnsAsSpreadsheetsDo)
-{
-    EXPECT_EQ(WorkbookFile::columnName(0), "A");
-    EXPECT_EQ(WorkbookFile::columnName(25), "Z");
-    EXPECT_EQ(WorkbookFile::columnName(26), "AA");
-    EXPECT_EQ(WorkbookFile::columnName(701), "ZZ");
-    EXPECT_EQ(WorkbookFile::columnName(702), "AAA");
-    EXPECT_EQ(WorkbookFile::columnName(16383), "XFD");
-}

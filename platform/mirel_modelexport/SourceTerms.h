@@ -1,0 +1,21 @@
+#pragma once
+
+#include <mirel_modelexport/ExportedModel.h>
+
+#include <string>
+#include <vector>
+
+/* What C and Python write alike: the terms of a polynomial, with the factors x[0], x[1], ... */
+
+/** Each term as a product, "2.0 * x[0] * x[1]", in the order of the description. */
+std::vector<std::string> productTerms(const PredictorDescription& predictor);
+
+/** The terms grouped by their first factor, "x[0] * (1.5 + 2.0 * x[1])", without the constant: the
+ *  order in which the model itself adds. */
+std::vector<std::string> nestedTerms(const PredictorDescription& predictor);
+
+/** Whether any term has a factor, so that the coordinates are needed for the polynomial. */
+bool hasFactors(const PredictorDescription& predictor);
+
+/** Whether any output is predicted by correlations with the cases. */
+bool hasCorrelation(const ExportedModel& model);
