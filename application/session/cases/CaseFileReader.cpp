@@ -2,26 +2,20 @@
 
 #include "session/cases/CaseSeparator.h"
 #include "session/cases/CsvSplitter.h"
-#include "session/cases/PlainCells.h"
 #include "session/files/ByteSource.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/Utf8.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 #include <numeric>
 #include <string_view>
-#include <system_error>
-#include <utility>
 
 namespace {
-constexpr std::size_t blockSize = 1 << 18;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+/** How much of a file the separator is recognised from, and the number of its cases estimated. */
+constexpr std::size_t sampleSize = 1 << 18;
 
 [[noreturn]] void fail(const std::string& path, std::size_t line, const std::string& sentence)
 {
@@ -34,151 +28,31 @@ std::string counted(std::size_t count, const std::string& noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-/** Feeds a source to a splitter, block by block and without the byte order mark. */
-class BlockFeeder
-{
-public:
-    explicit BlockFeeder(ByteSource& bytes) : source(bytes), block(blockSize, '\0') {}
-
-    /** The first block; the first call of next() gives it again. */
-    std::string_view peek()
-    {
-        source.rewind();
-        const std::size_t count = source.read(block.data(), block.size());
-        current = std::string_view(block).substr(0, count);
-        if (current.substr(0, byteOrderMark.size()) == byteOrderMark) {
-            current.remove_prefix(byteOrderMark.size());
-        }
-        consumed = count;
-        isPeeked = true;
-        return current;
-    }
-
-    std::string_view next()
-    {
-        if (!std::exchange(isPeeked, false)) {
-            const std::size_t count = source.read(block.data(), block.size());
-            current = std::string_view(block).substr(0, count);
-            consumed += count;
-        }
-        return current;
-    }
-
-    bool isAtEnd() const { return consumed >= source.size(); }
-
-    /** The share of the source that has been read; 1 for an empty one. */
-    double fraction() const
-    {
-        return source.size() == 0
-                   ? 1.0
-                   : static_cast<double>(consumed) / static_cast<double>(source.size());
-    }
-
-private:
-    ByteSource& source;
-    std::string block;
-    std::string_view current;
-    std::size_t consumed = 0;
-    bool isPeeked = false;
-};
-
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
-
-/**
- * Reads a number that needs no second look: it begins with a digit, perhaps behind a minus.
- * CellValue reads such a text as the same number.
- * @return the end of its text; null if the text begins with anything else.
- */
-const char* readPlainNumber(const char* begin, const char* end, double& number)
-{
-    const char* const digits = begin + (begin != end && *begin == '-' ? 1 : 0);
-    if (digits == end || !isDigit(*digits)) {
-        return nullptr;
-    }
-    const auto read = std::from_chars(begin, end, number);
-    return read.ec == std::errc() ? read.ptr : nullptr;
-}
-
-/**
- * The same for a number with a decimal comma.
- * @param comma what readPlainNumber() found behind the digits before it.
- */
-const char* readPlainDecimals(const char* begin, const char* comma, const char* end, double& number)
-{
-    std::array<char, 40> withPoint; // longer numbers go the long way
-    const bool hasOnlyDigits = std::all_of(begin + (*begin == '-' ? 1 : 0), comma, isDigit);
-    if (!hasOnlyDigits || comma - begin >= static_cast<std::ptrdiff_t>(withPoint.size())) {
-        return nullptr;
-    }
-    const std::size_t count = std::min(static_cast<std::size_t>(end - begin), withPoint.size());
-    std::memcpy(withPoint.data(), begin, count);
-    withPoint[static_cast<std::size_t>(comma - begin)] = '.';
-    const char* const last = withPoint.data() + count;
-    const auto read = std::from_chars(withPoint.data(), last, number);
-    const bool mayGoOn = read.ptr == last && count == withPoint.size();
-    return read.ec == std::errc() && !mayGoOn ? begin + (read.ptr - withPoint.data()) : nullptr;
-}
-
 /** Checks the records and turns them into columns. */
-class ColumnBuilder : public CsvSplitter::Sink
+class ColumnBuilder
 {
 public:
     ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
         : table(result), keepCells(options.keepCells),
           decimalComma(result.separator != ',' && options.decimalMark != CellValue::Point),
-          needsComma(options.decimalMark == CellValue::Comma),
-          takesPlainNumbers(std::string_view(",;\t").find(result.separator) !=
-                            std::string_view::npos)
+          needsComma(options.decimalMark == CellValue::Comma)
     {}
 
-    void cell(std::string_view text, std::size_t line) override
-    {
-        if (!hasHeading) {
-            takeName(text, line);
-        } else if (cellInRecord < table.columns.size()) {
-            takeCell(text, line);
-        }
-        ++cellInRecord;
-    }
+    void takeHeading(const std::vector<std::string_view>& names, std::size_t line);
 
-    void endRecord(std::size_t line) override
+    void takeCase(const std::vector<std::string_view>& cells, std::size_t line)
     {
-        const std::size_t cells = std::exchange(cellInRecord, 0);
-        if (!hasHeading) {
-            checkHeading(line);
-            states.resize(table.columns.size());
-            hasHeading = true;
-            return;
+        const std::size_t known = std::min(cells.size(), table.columns.size());
+        for (std::size_t i = 0; i < known; ++i) {
+            takeCell(table.columns[i], states[i], cells[i], line);
         }
-        if (cells != table.columns.size()) {
+        if (cells.size() != table.columns.size()) {
             fail(table.path, line,
-                 "the row has " + counted(cells, "cell") + ", the heading has " +
+                 "the row has " + counted(cells.size(), "cell") + ", the heading has " +
                      std::to_string(table.columns.size()) + '.');
         }
         ++table.cases;
     }
-
-    /** Numbers, of which most files consist, are read where they stand. */
-    void plainRecord(std::string_view text, char separator, std::size_t line) override
-    {
-        PlainCells cells(text, separator);
-        while (cells) {
-            const bool isTaken = takesPlainNumbers && cellInRecord < states.size() &&
-                                 table.columns[cellInRecord].isNumeric &&
-                                 takePlainNumber(cells, line);
-            if (isTaken) {
-                ++cellInRecord;
-            } else {
-                cell(cells.next(), line);
-            }
-        }
-        endRecord(line);
-    }
-
-    bool sawHeading() const { return hasHeading; }
 
     /** Makes room for so many cases at once: growing by doubling would hold every column twice. */
     void reserve(std::size_t cases)
@@ -227,67 +101,25 @@ private:
         }
     }
 
-    void takeName(std::string_view text, std::size_t line)
-    {
-        checkText(text, line);
-        const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-        const std::size_t end = text.find_last_not_of(" \t") + 1;
-        table.columns.emplace_back();
-        table.columns.back().name = text.substr(begin, end - std::min(begin, end));
-    }
+    void checkNames(std::size_t line) const;
 
-    void checkHeading(std::size_t line) const;
-
-    void takeCell(std::string_view text, std::size_t line)
+    void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
     {
-        CaseColumn& column = table.columns[cellInRecord];
         const CellValue value = CellValue::read(text, decimalComma);
         if (value.kind == CellValue::Text) {
             checkText(text, line);
+            if (column.isNumeric) {
+                turnIntoText(column, state, text, line);
+            }
         }
-        if (column.isNumeric && value.kind == CellValue::Text) {
-            turnIntoText(column, states[cellInRecord], text, line);
-        }
-
         if (column.isNumeric) {
-            takeNumber(column, states[cellInRecord], value, line);
+            takeNumber(column, state, value, line);
         } else if (!keepCells) {
             column.texts.emplace_back(value.kind == CellValue::Missing ? std::string_view() : text);
         }
         if (keepCells) {
             column.cells.append(text);
         }
-    }
-
-    /** @return whether the next cell is a number of the plainest kind; if not, it is still next. */
-    bool takePlainNumber(PlainCells& cells, std::size_t line)
-    {
-        double number = 0.0;
-        const char* const begin = cells.begin();
-        const char* end = readPlainNumber(begin, cells.recordEnd(), number);
-        const bool hasComma =
-            decimalComma && end != nullptr && end != cells.recordEnd() && *end == ',';
-        if (hasComma) {
-            end = readPlainDecimals(begin, end, cells.recordEnd(), number);
-        }
-        if (end == nullptr || !cells.isCellEnd(end)) {
-            return false;
-        }
-        cells.skipTo(end);
-
-        CaseColumn& column = table.columns[cellInRecord];
-        State& state = states[cellInRecord];
-        column.numbers.push_back(number);
-        state.hasNumber = true;
-        if (hasComma) {
-            state.firstCommaLine = state.firstCommaLine == 0 ? line : state.firstCommaLine;
-        } else if (decimalComma && state.firstPointLine == 0 && std::find(begin, end, '.') != end) {
-            state.firstPointLine = line;
-        }
-        if (keepCells) {
-            column.cells.append({begin, static_cast<std::size_t>(end - begin)});
-        }
-        return true;
     }
 
     void takeNumber(CaseColumn& column, State& state, const CellValue& value, std::size_t line)
@@ -323,14 +155,24 @@ private:
     CaseTable& table;
     std::vector<State> states;
     bool keepCells;
-    bool decimalComma;      ///< whether numbers may have one
-    bool needsComma;        ///< whether they must not have a point
-    bool takesPlainNumbers; ///< whether the separator cannot be a part of one
-    bool hasHeading = false;
-    std::size_t cellInRecord = 0;
+    bool decimalComma; ///< whether numbers may have one
+    bool needsComma;   ///< whether they must not have a point
 };
 
-void ColumnBuilder::checkHeading(std::size_t line) const
+void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std::size_t line)
+{
+    for (const std::string_view text : names) {
+        checkText(text, line);
+        const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+        const std::size_t end = text.find_last_not_of(" \t") + 1;
+        table.columns.emplace_back();
+        table.columns.back().name = text.substr(begin, end - std::min(begin, end));
+    }
+    states.resize(names.size());
+    checkNames(line);
+}
+
+void ColumnBuilder::checkNames(std::size_t line) const
 {
     std::vector<std::size_t> byName(table.columns.size());
     std::iota(byName.begin(), byName.end(), std::size_t(0));
@@ -382,66 +224,67 @@ void ColumnBuilder::takeDecimalMark()
     }
 }
 
-/** Puts the texts of early cells in their place, in columns that turned out to be text later. */
-class EarlyTextFiller : public CsvSplitter::Sink
+CsvSplitter splitterOf(ByteSource& source, char separator)
 {
-public:
-    EarlyTextFiller(CaseTable& result, std::vector<std::size_t> casesToFill)
-        : table(result), casesWithoutText(std::move(casesToFill)),
-          last(*std::max_element(casesWithoutText.begin(), casesWithoutText.end()))
-    {}
+    source.rewind();
+    const auto read = [&source](char* buffer, std::size_t capacity) {
+        return source.read(buffer, capacity);
+    };
+    return CsvSplitter(read, separator);
+}
 
-    void cell(std::string_view text, std::size_t) override
-    {
-        // Record 0 is the heading.
-        if (record > 0 && column < casesWithoutText.size() && record <= casesWithoutText[column] &&
-            CellValue::read(text, false).kind != CellValue::Missing) {
-            table.columns[column].texts[record - 1] = text;
-        }
-        ++column;
-    }
-
-    void endRecord(std::size_t) override
-    {
-        ++record;
-        column = 0;
-    }
-
-    bool isDone() const { return record > last; }
-
-private:
-    CaseTable& table;
-    std::vector<std::size_t> casesWithoutText;
-    std::size_t last;
-    std::size_t record = 0;
-    std::size_t column = 0;
-};
-
-void readColumns(BlockFeeder& feeder, ColumnBuilder& builder, CaseTable& table)
+char separatorOf(ByteSource& source)
 {
-    /** The first block says how many cases to expect; lines differ in length a little. */
-    constexpr double surplus = 1.02;
+    source.rewind();
+    std::string sample(sampleSize, '\0');
+    sample.resize(source.read(sample.data(), sample.size()));
+    return recogniseSeparator(sample, sample.size() == source.size());
+}
 
-    CsvSplitter splitter(table.separator, builder);
-    for (bool isFirst = true;; isFirst = false) {
-        const std::string_view block = feeder.next();
-        if (block.empty()) {
-            break;
-        }
-        splitter.parse(block.data(), block.size());
-        if (isFirst) {
-            const double expected =
-                static_cast<double>(table.cases + 1) / feeder.fraction() * surplus;
-            builder.reserve(feeder.isAtEnd() ? table.cases + 1
-                                             : static_cast<std::size_t>(expected));
+void readColumns(ByteSource& source, ColumnBuilder& builder, CaseTable& table)
+{
+    CsvSplitter splitter = splitterOf(source, table.separator);
+    bool hasRoom = false;
+    if (splitter.next()) {
+        builder.takeHeading(splitter.cells(), splitter.line());
+    }
+    while (splitter.next()) {
+        builder.takeCase(splitter.cells(), splitter.line());
+        if (!hasRoom && splitter.bytesSplit() > sampleSize / 2) {
+            constexpr double surplus = 1.02; // lines differ in length a little
+            const double share =
+                static_cast<double>(splitter.bytesSplit()) / static_cast<double>(source.size());
+            builder.reserve(
+                static_cast<std::size_t>(surplus * static_cast<double>(table.cases) / share));
+            hasRoom = true;
         }
     }
-    if (!splitter.finish()) {
-        fail(table.path, splitter.recordLine(),
-             "a quoted cell that begins in this row is never closed.");
+    if (splitter.hasUnclosedQuote()) {
+        fail(table.path, splitter.line(), "a quoted cell that begins in this row is never closed.");
     }
-    if (!builder.sawHeading()) {
+    if (table.columns.empty()) {
         fail(table.path, 1, "the file is empty; its first line must name the variables.");
+    }
+}
+
+/**
+ * Reads again the texts at the beginning of columns that turned out to be text later.
+ * @param casesToFill one per column.
+ */
+void fillEarlyTexts(ByteSource& source, CaseTable& table,
+                    const std::vector<std::size_t>& casesToFill)
+{
+    const std::size_t last = *std::max_element(casesToFill.begin(), casesToFill.end());
+    CsvSplitter splitter = splitterOf(source, table.separator);
+    splitter.next(); // the heading
+    for (std::size_t i = 0; i < last && splitter.next(); ++i) {
+        for (std::size_t column = 0; column < casesToFill.size(); ++column) {
+            const std::string_view text = splitter.cells()[column];
+            if (i < casesToFill[column] &&
+                CellValue::read(text, false).kind != CellValue::Missing) {
+                table.columns[column].texts[i] = text;
+            }
+        }
     }
 }
 } // namespace
@@ -449,37 +292,19 @@ void readColumns(BlockFeeder& feeder, ColumnBuilder& builder, CaseTable& table)
 CaseTable CaseFileReader::read(const std::string& path, const Options& options)
 {
     ByteSource source(path);
-    BlockFeeder feeder(source);
     CaseTable table;
     table.path = path;
-
-    const std::string_view sample = feeder.peek();
-    table.separator =
-        options.separator ? *options.separator : recogniseSeparator(sample, feeder.isAtEnd());
-
+    table.separator = options.separator ? *options.separator : separatorOf(source);
     if (table.separator == ',' && options.decimalMark == CellValue::Comma) {
         fail(path, 1, "commas separate the cells, so that numbers cannot have decimal commas.");
     }
 
     ColumnBuilder builder(table, options);
-    readColumns(feeder, builder, table);
+    readColumns(source, builder, table);
     builder.takeDecimalMark();
 
-    const std::vector<std::size_t> early = builder.casesWithoutText();
-    const bool lacksTexts =
-        !options.keepCells &&
-        std::any_of(early.begin(), early.end(), [](std::size_t count) { return count > 0; });
-    if (lacksTexts) {
-        EarlyTextFiller filler(table, early);
-        CsvSplitter splitter(table.separator, filler);
-        feeder.peek();
-        for (std::string_view block = feeder.next(); !block.empty() && !filler.isDone();
-             block = feeder.next()) {
-            splitter.parse(block.data(), block.size());
-        }
-        if (!filler.isDone()) {
-            splitter.finish();
-        }
+    if (!options.keepCells) {
+        fillEarlyTexts(source, table, builder.casesWithoutText());
     }
     return table;
 }

@@ -2,33 +2,30 @@
 
 #include "session/cases/CsvSplitter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <utility>
 #include <vector>
 
 namespace {
-class CellCounter : public CsvSplitter::Sink
-{
-public:
-    void cell(std::string_view, std::size_t) override { ++cells; }
-    void endRecord(std::size_t) override { counts.push_back(std::exchange(cells, 0)); }
-
-    std::vector<std::size_t> counts;
-
-private:
-    std::size_t cells = 0;
-};
-
 std::vector<std::size_t> cellsPerRecord(std::string_view sample, bool isWholeFile, char separator)
 {
-    CellCounter counter;
-    CsvSplitter splitter(separator, counter);
-    splitter.parse(sample.data(), sample.size());
-    if (isWholeFile || counter.counts.empty()) {
-        splitter.finish();
+    std::string_view rest = sample;
+    const auto read = [&rest](char* buffer, std::size_t capacity) {
+        const std::size_t count = rest.copy(buffer, capacity);
+        rest.remove_prefix(count);
+        return count;
+    };
+    CsvSplitter splitter(read, separator, sample.size() + 1);
+    std::vector<std::size_t> counts;
+    while (splitter.next()) {
+        counts.push_back(splitter.cells().size());
     }
-    return std::move(counter.counts);
+    if (!isWholeFile && counts.size() > 1) {
+        counts.pop_back(); // The sample may end inside the last record.
+    }
+    return counts;
 }
 } // namespace
 
@@ -41,10 +38,8 @@ char recogniseSeparator(std::string_view sample, bool isWholeFile)
         if (counts.empty() || counts.front() < 2) {
             continue;
         }
-        std::pair<std::size_t, std::size_t> score(0, counts.front());
-        for (const std::size_t count : counts) {
-            score.first += count == counts.front() ? 1 : 0;
-        }
+        const auto like = std::count(counts.begin(), counts.end(), counts.front());
+        const std::pair<std::size_t, std::size_t> score(like, counts.front());
         if (score > bestScore) {
             best = candidate;
             bestScore = score;

@@ -1,57 +1,76 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <memory>
+#include <functional>
 #include <string_view>
+#include <vector>
 
 /**
- * Splits the bytes of a separated-values file into records and cells, block by block.
+ * Splits separated values into records of cells, one record at a time.
  *
- * Blanks around a cell and the quotes around a quoted one are taken off, doubled quotes inside are
- * single again; a quoted cell may hold separators and line ends. Records end with LF, CRLF or CR;
- * lines without a cell are skipped. A quote inside a cell that does not begin with one is a
- * character like any other (5" pipe).
- *
- * Lines that are plain records (PlainCells), which are most, are split where they stand in the
- * block; libcsv reads the others byte by byte.
+ * Blanks around a cell and the quotes around a quoted one are removed, doubled quotes inside become
+ * single; a quoted cell may hold separators and line ends. A quoted cell ends at the quote that is
+ * followed, perhaps after blanks, by a separator or a line end; every other quote is a character
+ * (5" pipe). Records end with LF, CRLF or CR; lines without a cell are skipped. A byte order mark
+ * at the beginning is not part of the first cell.
  */
 class CsvSplitter
 {
 public:
-    /** Receives the cells; what it throws comes out of parse() or finish(). */
-    class Sink
-    {
-    public:
-        virtual ~Sink() = default;
-
-        /** @param line the physical line, from 1, in which the record of this cell begins. */
-        virtual void cell(std::string_view text, std::size_t line) = 0;
-        virtual void endRecord(std::size_t line) = 0;
-
-        /**
-         * A record that is one plain line (PlainCells), as it stands in the file. The base class
-         * splits it into calls of cell() and endRecord(); others may know a shorter way to the same
-         * end.
-         */
-        virtual void plainRecord(std::string_view text, char separator, std::size_t line);
-    };
-
-    /** @param sink borrowed as long as this object lives. */
-    CsvSplitter(char separator, Sink& sink);
-    ~CsvSplitter();
-
-    void parse(const char* bytes, std::size_t count);
+    /** Fills a buffer with the next bytes, at most `capacity`; returns how many, 0 at the end. */
+    using Read = std::function<std::size_t(char* buffer, std::size_t capacity)>;
 
     /**
-     * Ends the last record, with or without a line end.
-     * @return whether the last quoted cell was closed; if not, the sink has not got it.
+     * @param read       what it throws comes out of next().
+     * @param separator  neither a quote nor a line end.
+     * @param bufferSize in bytes; the buffer grows for a record that does not fit.
      */
-    bool finish();
+    CsvSplitter(Read read, char separator, std::size_t bufferSize = 1 << 18);
 
-    /** The line in which the record that is being read begins. */
-    std::size_t recordLine() const;
+    /** Reads the next record. @return false at the end, and for an unclosed quote. */
+    bool next();
+
+    /** The cells of the record, at least one; valid until the next call of next(). */
+    const std::vector<std::string_view>& cells() const { return cellTexts; }
+
+    /** The physical line, from 1, in which the record begins. */
+    std::size_t line() const { return recordLine; }
+
+    /** Whether next() met a quoted cell that is never closed; its record begins in line(). */
+    bool hasUnclosedQuote() const { return isUnclosed; }
+
+    /** The size of the input up to the end of the record, in bytes. */
+    std::size_t bytesSplit() const { return bytesRead - (end - begin); }
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
+    const char* splitRecord();
+    const char* splitQuotedCell(const char* quote);
+    const char* splitPlainCell(const char* first);
+    const char* behindLineEnd(const char* lineEnd) const;
+    const char* skipBlanks(const char* at) const;
+    bool isBlank(char character) const;
+    bool endsCell(char character) const;
+    const char* bytesEnd() const { return buffer.data() + end; }
+    void refill();
+    void joinDoubledQuotes();
+
+    Read read;
+    char separator;
+    std::array<bool, 256> isCellEnd{}; ///< by character: the separator and line ends
+
+    // The bytes from `begin` to `end` are still to be split. A line feed behind them stops the
+    // search for the end of a cell.
+    std::vector<char> buffer;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    std::size_t bytesRead = 0;
+    bool isInputRead = false; ///< whether the buffer holds the end of the input
+
+    std::vector<std::string_view> cellTexts;
+    std::vector<std::size_t> cellsWithDoubledQuotes;
+    std::size_t lineEndsInCells = 0;
+    std::size_t recordLine = 1;
+    std::size_t nextLine = 1;
+    bool isUnclosed = false;
 };

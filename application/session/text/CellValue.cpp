@@ -37,9 +37,8 @@ bool equalsLowerCase(std::string_view text, std::string_view lowerCase)
 bool isMissing(std::string_view text)
 {
     constexpr std::array<std::string_view, 6> words = {"na", "n/a", "nan", "null", "?", "-"};
-    return text.empty() || std::any_of(words.begin(), words.end(), [&](std::string_view word) {
-               return equalsLowerCase(text, word);
-           });
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return equalsLowerCase(text, word); });
 }
 
 bool isDigit(char character)
@@ -112,8 +111,7 @@ CellValue CellValue::read(std::string_view text, bool decimalComma)
 {
     CellValue value;
     text = trimmed(text);
-    const bool beginsWithDigit = !text.empty() && isDigit(text.front());
-    if (!beginsWithDigit && isMissing(text)) {
+    if (text.empty()) {
         return value;
     }
 
@@ -135,7 +133,7 @@ CellValue CellValue::read(std::string_view text, bool decimalComma)
         value.mark = Comma;
         return value;
     }
-    value.kind = Text;
+    value.kind = isMissing(text) ? Missing : Text;
     value.number = 0.0;
     return value;
 }
