@@ -10,7 +10,7 @@ packages=(
     libvtk9-dev          # tables and the table pipeline
     libboost-dev         # signals, shared pointers, formats
     libopenblas-dev liblapacke-dev libnanoflann-dev   # fitting
-    libcsv-dev libcli11-dev nlohmann-json3-dev     # the program
+    libcli11-dev nlohmann-json3-dev libssl-dev     # the program
     libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core     # pictures, and the letters in them
     libxlsxwriter-dev    # workbooks
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks

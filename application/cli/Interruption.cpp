@@ -1,7 +1,5 @@
 #include "Interruption.h"
 
-#include <session/files/UnfinishedFile.h>
-
 #include <csignal>
 
 #include <unistd.h>
@@ -12,7 +10,6 @@ volatile std::sig_atomic_t isWanted = 0;
 
 [[noreturn]] void end()
 {
-    UnfinishedFile::removeAll();
     _exit(Interruption::exitCode);
 }
 

@@ -6,7 +6,7 @@ class Interrupted
 
 /**
  * What Ctrl-C does to the program: outside of a fit it ends at once with the exit code 130, and
- * files that are not yet whole go with it; a fit is asked to end first, so that the terminal
+ * a file that is not yet whole does not appear; a fit is asked to end first, so that the terminal
  * is left in order. A second Ctrl-C does not wait for it.
  */
 namespace Interruption {

@@ -48,7 +48,7 @@ int main(int argc, char* argv[])
         }
         run(CommandOptions::parse(std::vector<std::string>(argv + 1, argv + argc)));
         return Done;
-    } catch (const OutputFile::ReaderGone&) {
+    } catch (const OutputFile::BrokenPipe&) {
         return Done;
     } catch (const Interrupted&) {
         return Interruption::exitCode;

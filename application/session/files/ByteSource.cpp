@@ -16,7 +16,7 @@ namespace {
 }
 } // namespace
 
-ByteSource::ByteSource(const std::string& path, std::size_t mostKept) : path(path)
+ByteSource::ByteSource(const std::string& path, std::size_t spooledSize) : path(path)
 {
     file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
     if (file == nullptr) {
@@ -34,9 +34,9 @@ ByteSource::ByteSource(const std::string& path, std::size_t mostKept) : path(pat
     try {
         std::array<char, 1 << 16> block;
         std::size_t count = block.size();
-        while (count > 0 && kept.size() <= mostKept) {
+        while (count > 0 && spooled.size() <= spooledSize) {
             count = read(block.data(), block.size());
-            kept.append(block.data(), count);
+            spooled.append(block.data(), count);
         }
     } catch (...) {
         if (file != stdin) {
@@ -44,8 +44,8 @@ ByteSource::ByteSource(const std::string& path, std::size_t mostKept) : path(pat
         }
         throw;
     }
-    bytes = kept.size();
-    isKept = true;
+    bytes = spooled.size();
+    isSpooled = true;
 }
 
 ByteSource::~ByteSource()
@@ -57,8 +57,8 @@ ByteSource::~ByteSource()
 
 std::size_t ByteSource::read(char* buffer, std::size_t capacity)
 {
-    if (isKept) {
-        const std::ptrdiff_t count = kept.read(position, buffer, capacity);
+    if (isSpooled) {
+        const std::ptrdiff_t count = spooled.read(position, buffer, capacity);
         if (count < 0) {
             fail(path, errno);
         }
@@ -75,7 +75,7 @@ std::size_t ByteSource::read(char* buffer, std::size_t capacity)
 void ByteSource::rewind()
 {
     position = 0;
-    if (!isKept) {
+    if (!isSpooled) {
         std::rewind(file);
     }
 }

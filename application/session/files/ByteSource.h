@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/files/KeptBytes.h"
+#include "session/files/SpooledInput.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -9,19 +9,19 @@
 
 /**
  * The bytes of an input file, in blocks, from the beginning as often as wanted. A regular file is
- * read anew each time; anything else (a pipe, a terminal) is read once, whole, and kept, in a
- * temporary file if there is much of it.
+ * read again each time; anything else (a pipe, a terminal) is read once, whole, into a
+ * SpooledInput.
  */
 class ByteSource
 {
 public:
     /**
-     * @param path     "-" is the standard input.
-     * @param mostKept what is kept ends soon after so many bytes: a device may never end.
+     * @param path        "-" is the standard input.
+     * @param spooledSize spooling stops soon after so many bytes: a device may never end.
      * @throw FileError if it cannot be opened.
      */
     explicit ByteSource(const std::string& path,
-                        std::size_t mostKept = std::numeric_limits<std::size_t>::max());
+                        std::size_t spooledSize = std::numeric_limits<std::size_t>::max());
     ~ByteSource();
 
     ByteSource(const ByteSource&) = delete;
@@ -39,8 +39,8 @@ public:
 private:
     std::string path;
     std::FILE* file = nullptr;
-    KeptBytes kept;
-    bool isKept = false;
+    SpooledInput spooled;
+    bool isSpooled = false;
     std::size_t position = 0;
     std::size_t bytes = 0;
 };

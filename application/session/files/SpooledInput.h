@@ -1,23 +1,18 @@
 #pragma once
 
+#include <QTemporaryFile>
+
 #include <cstddef>
 #include <string>
 
 /**
- * Bytes that cannot be read from their source again. Many of them go into a temporary file without
- * a name, so that what a pipe delivers does not stand in memory beside what is made of it. The file
- * may fill the folder for temporary files for as long as this lives; what finds no room there stays
- * in memory.
+ * Bytes of an input that cannot be read twice, kept in a temporary file so that they do not take
+ * memory beside what is made of them. The file has no name where the file system allows that, and
+ * is gone with this object; bytes that it has no room for stay in memory.
  */
-class KeptBytes
+class SpooledInput
 {
 public:
-    KeptBytes() = default;
-    ~KeptBytes();
-
-    KeptBytes(const KeptBytes&) = delete;
-    KeptBytes& operator=(const KeptBytes&) = delete;
-
     void append(const char* bytes, std::size_t count);
 
     std::size_t size() const;
@@ -29,11 +24,7 @@ public:
     std::ptrdiff_t read(std::size_t position, char* buffer, std::size_t capacity) const;
 
 private:
-    std::size_t writeToFile(const char* bytes, std::size_t count);
-
-    std::string head; ///< the first bytes
+    QTemporaryFile file;
     std::size_t bytesInFile = 0;
-    std::string tail; ///< what there was no room for in the file
-    int descriptor = -1;
-    bool isFileFull = false;
+    std::string rest; ///< the bytes behind those in the file
 };

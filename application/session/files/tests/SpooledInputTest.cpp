@@ -1,4 +1,4 @@
-#include <session/files/KeptBytes.h>
+#include <session/files/SpooledInput.h>
 
 #include "ChildProcess.h"
 
@@ -28,14 +28,14 @@ std::string numberedText(std::size_t size)
     return text;
 }
 
-void appendInBlocks(KeptBytes& kept, const std::string& text, std::size_t blockSize)
+void appendInBlocks(SpooledInput& kept, const std::string& text, std::size_t blockSize)
 {
     for (std::size_t i = 0; i < text.size(); i += blockSize) {
         kept.append(text.data() + i, std::min(blockSize, text.size() - i));
     }
 }
 
-std::string readBack(const KeptBytes& kept)
+std::string readBack(const SpooledInput& kept)
 {
     std::string text;
     std::string block(100000, '\0');
@@ -49,20 +49,20 @@ std::string readBack(const KeptBytes& kept)
 }
 } // namespace
 
-TEST(KeptBytes, AreEmptyAtFirst)
+TEST(SpooledInput, AreEmptyAtFirst)
 {
-    const KeptBytes kept;
+    const SpooledInput kept;
     char buffer = 'x';
 
     EXPECT_EQ(kept.size(), 0u);
     EXPECT_EQ(kept.read(0, &buffer, 1), 0);
 }
 
-TEST(KeptBytes, GiveBackFewAndManyBytesInTheirOrder)
+TEST(SpooledInput, GiveBackFewAndManyBytesInTheirOrder)
 {
     for (const std::size_t size : {std::size_t(5), 8 * megabyte, 10 * megabyte + 3}) {
         const std::string text = numberedText(size);
-        KeptBytes kept;
+        SpooledInput kept;
 
         // A short last block would find room in front of those that have gone to the file.
         appendInBlocks(kept, text, 70001);
@@ -72,7 +72,7 @@ TEST(KeptBytes, GiveBackFewAndManyBytesInTheirOrder)
     }
 }
 
-TEST(KeptBytes, TakeLittleMemoryHoweverManyTheyAre)
+TEST(SpooledInput, TakeLittleMemoryHoweverManyTheyAre)
 {
     if (!memoryCanBeMeasured) {
         GTEST_SKIP();
@@ -80,7 +80,7 @@ TEST(KeptBytes, TakeLittleMemoryHoweverManyTheyAre)
     const std::string text = numberedText(megabyte);
 
     const int growth = megabytesGrownBy([&] {
-        KeptBytes kept;
+        SpooledInput kept;
         for (int i = 0; i < 64; ++i) {
             kept.append(text.data(), text.size());
         }
@@ -90,12 +90,12 @@ TEST(KeptBytes, TakeLittleMemoryHoweverManyTheyAre)
     EXPECT_LT(growth, 20);
 }
 
-TEST(KeptBytes, StayInMemoryWhereThereIsNoTemporaryFolder)
+TEST(SpooledInput, StayInMemoryWhereThereIsNoTemporaryFolder)
 {
     const std::string text = numberedText(10 * megabyte);
     const int exitCode = exitCodeOf([&] {
         setenv("TMPDIR", "/no such folder", 1);
-        KeptBytes kept;
+        SpooledInput kept;
         appendInBlocks(kept, text, 70001);
         return readBack(kept) == text ? 0 : 1;
     });
@@ -103,14 +103,14 @@ TEST(KeptBytes, StayInMemoryWhereThereIsNoTemporaryFolder)
     EXPECT_EQ(exitCode, 0);
 }
 
-TEST(KeptBytes, StayInMemoryWhereTheTemporaryFileIsFull)
+TEST(SpooledInput, StayInMemoryWhereTheTemporaryFileIsFull)
 {
     const std::string text = numberedText(10 * megabyte);
     const int exitCode = exitCodeOf([&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit = {megabyte + 1234, megabyte + 1234};
         setrlimit(RLIMIT_FSIZE, &limit);
-        KeptBytes kept;
+        SpooledInput kept;
         appendInBlocks(kept, text, 70001);
         return readBack(kept) == text ? 0 : 1;
     });
