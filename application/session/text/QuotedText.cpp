@@ -5,18 +5,14 @@
 #include <cstddef>
 
 namespace {
-/** In bytes; enough for every name that somebody types. */
+/** In bytes; longer than any name that is typed. */
 constexpr std::size_t longestShown = 200;
 
-/** Of whole characters; what a terminal would act upon or XML not carry. */
-bool isReadable(std::string_view character)
+/** Whether a terminal shows the character and XML can carry it. */
+bool isReadable(char32_t code)
 {
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(character[i]); };
-    const bool isControl = byteAt(0) < 0x20 || byteAt(0) == 0x7F ||
-                           (byteAt(0) == 0xC2 && byteAt(1) < 0xA0); // U+0080 to U+009F
-    const bool isNoCharacter =
-        byteAt(0) == 0xEF && byteAt(1) == 0xBF && byteAt(2) >= 0xBE; // U+FFFE, U+FFFF
-    return !isControl && !isNoCharacter;
+    const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
+    return !isControl && code != 0xFFFE && code != 0xFFFF;
 }
 
 void appendEscaped(std::string& shown, char character)
@@ -33,18 +29,14 @@ std::string readable(std::string_view text, std::size_t most)
 {
     std::string shown;
     while (!text.empty() && shown.size() < most) {
-        // A character at a time: the first that is complete within four bytes.
-        std::size_t length = 1;
-        while (length < 4 && length < text.size() && !isUtf8Text(text.substr(0, length))) {
-            ++length;
-        }
-        if (isUtf8Text(text.substr(0, length)) && isReadable(text.substr(0, length))) {
-            shown += text.substr(0, length);
+        const Utf8Character character = firstCharacter(text);
+        if (character.length > 0 && isReadable(character.code)) {
+            shown += text.substr(0, character.length);
+            text.remove_prefix(character.length);
         } else {
-            length = 1;
             appendEscaped(shown, text.front());
+            text.remove_prefix(1);
         }
-        text.remove_prefix(length);
     }
     return text.empty() ? shown : shown + "...";
 }

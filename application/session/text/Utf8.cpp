@@ -1,41 +1,42 @@
 #include "session/text/Utf8.h"
 
-namespace {
-/** Length of the well-formed sequence at the start of `bytes`, 0 if there is none.
- *  The Unicode Standard, version 15.0, table 3-7. */
-std::size_t sequenceLength(std::string_view bytes)
+Utf8Character firstCharacter(std::string_view bytes)
 {
-    const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const auto within = [&](std::size_t i, unsigned low, unsigned high) {
-        return i < bytes.size() && at(i) >= low && at(i) <= high;
+    // The Unicode Standard, version 15.0, tables 3-6 and 3-7.
+    struct Form
+    {
+        unsigned char leadMask; // of the bits that tell the length
+        unsigned char lead;
+        char32_t least; // smaller codes have shorter forms
     };
+    constexpr Form forms[] = {
+        {0x80, 0x00, 0x0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
 
-    const unsigned lead = at(0);
-    if (lead < 0x80) {
-        return lead == 0 ? 0 : 1;
+    for (std::size_t length = 1; length <= 4 && length <= bytes.size(); ++length) {
+        const Form& form = forms[length - 1];
+        const auto lead = static_cast<unsigned char>(bytes[0]);
+        if ((lead & form.leadMask) != form.lead) {
+            continue;
+        }
+        char32_t code = lead & static_cast<unsigned char>(~form.leadMask);
+        for (const char byte : bytes.substr(1, length - 1)) {
+            if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80) {
+                return {};
+            }
+            code = (code << 6) | (static_cast<unsigned char>(byte) & 0x3F);
+        }
+        const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+        return code < form.least || code > 0x10FFFF || isSurrogate ? Utf8Character()
+                                                                   : Utf8Character{code, length};
     }
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        return within(1, 0x80, 0xBF) ? 2 : 0;
-    }
-    if (lead >= 0xE0 && lead <= 0xEF) {
-        const unsigned low = lead == 0xE0 ? 0xA0 : 0x80;
-        const unsigned high = lead == 0xED ? 0x9F : 0xBF;
-        return within(1, low, high) && within(2, 0x80, 0xBF) ? 3 : 0;
-    }
-    if (lead >= 0xF0 && lead <= 0xF4) {
-        const unsigned low = lead == 0xF0 ? 0x90 : 0x80;
-        const unsigned high = lead == 0xF4 ? 0x8F : 0xBF;
-        return within(1, low, high) && within(2, 0x80, 0xBF) && within(3, 0x80, 0xBF) ? 4 : 0;
-    }
-    return 0;
+    return {};
 }
-} // namespace
 
 std::size_t utf8PrefixLength(std::string_view bytes)
 {
     std::size_t position = 0;
-    while (position < bytes.size()) {
-        const std::size_t length = sequenceLength(bytes.substr(position));
+    while (position < bytes.size() && bytes[position] != '\0') {
+        const std::size_t length = firstCharacter(bytes.substr(position)).length;
         if (length == 0) {
             break;
         }

@@ -5,8 +5,17 @@
 #include <cstddef>
 #include <string_view>
 
-/** How many bytes at the start are UTF-8 text: well-formed, no surrogates, no overlong forms, no
- *  NUL. */
+/** The first character of a UTF-8 text. */
+struct Utf8Character
+{
+    char32_t code = 0;
+    std::size_t length = 0; ///< in bytes; 0 where the text is empty or not well-formed
+};
+
+/** Decodes the first character; surrogates and overlong forms are not well-formed. */
+SURROGATE_SESSION_EXPORT Utf8Character firstCharacter(std::string_view bytes);
+
+/** How many bytes at the start are UTF-8 text: well-formed and without NUL. */
 SURROGATE_SESSION_EXPORT std::size_t utf8PrefixLength(std::string_view bytes);
 
 /** Whether that is all of them. */

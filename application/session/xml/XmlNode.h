@@ -45,7 +45,7 @@ struct SURROGATE_SESSION_EXPORT XmlNode
     /** The texts among the children, one after the other. */
     std::string content() const;
 
-    /** Whether they say the same, wherever they stand. */
+    /** Equal in everything but position. */
     friend SURROGATE_SESSION_EXPORT bool operator==(const XmlNode& left, const XmlNode& right);
 
     Kind kind = Element;

@@ -10,8 +10,8 @@
 #include <string_view>
 
 /**
- * What is wrong with a document, as a sentence that begins in lower case, and where. Whoever knows
- * the file puts its name before it.
+ * A fault of a document and its position. The message is a sentence that begins in lower case; the
+ * caller puts the name of the file before it.
  */
 class SURROGATE_SESSION_EXPORT XmlFault : public veska::ExceptionBase
 {
@@ -19,22 +19,19 @@ public:
     XmlFault(const XmlPosition& position, const std::string& message);
     ~XmlFault() override;
 
-    /** Line 0: nowhere in particular. */
+    /** Line 0 if the fault has no position. */
     const XmlPosition& position() const;
 
 private:
     XmlPosition place;
 };
 
-/** Elements are nested no deeper than this, so that whoever walks a document may recurse. */
+/** Deepest nesting of elements that is accepted, so that functions may recurse over a document. */
 constexpr std::size_t deepestXmlNesting = 200;
 
-/** More attributes of one element than these are refused: checking that their names differ takes a
- *  time that grows with the square of their number. */
+/** More attributes of one element are refused: the parser compares their names in pairs, a time
+ * that grows with the square of their number. */
 constexpr std::size_t mostXmlAttributes = 200;
-
-/** Whether the bytes are UTF-8 of characters that an XML 1.0 document can carry. */
-SURROGATE_SESSION_EXPORT bool isXmlText(std::string_view bytes);
 
 /**
  * Reads a document: UTF-8, well-formed to its last byte, without a document type declaration, and
@@ -48,7 +45,8 @@ SURROGATE_SESSION_EXPORT XmlNode readXml(std::string_view bytes);
 /**
  * Writes a document that readXml() reads back as the same: UTF-8, indented, a newline at the end.
  * The same elements give the same bytes in every process.
- * @throw XmlFault without a place for what XML cannot carry: control characters, U+FFFE, bytes that
- *        are no UTF-8, names that are none.
+ * @param root its names are XML names, its comments and instructions such as readXml() delivers.
+ * @throw XmlFault without a place for texts that XML cannot carry (control characters, U+FFFE,
+ * bytes that are no UTF-8) and for elements nested too deep.
  */
 SURROGATE_SESSION_EXPORT std::string writeXml(const XmlNode& root);
