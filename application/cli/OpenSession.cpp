@@ -8,6 +8,7 @@
 #include <session/cases/VariableNames.h>
 #include <session/files/FileFingerprint.h>
 #include <session/model/ModelFile.h>
+#include <session/project/ProjectCases.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
@@ -16,13 +17,8 @@
 #include <mirel_datamanagement/Project.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -83,49 +79,17 @@ CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& docum
         return CaseFileReader::read(line.cases, options);
     }
 
-    const std::string fault = document.checkCaseFile().sentence;
-    if (!fault.empty()) {
-        throw ProjectDocumentError(fault);
+    const ProjectDocument::CaseFileCheck check = document.checkCaseFile();
+    if (check.state == ProjectDocument::Missing) {
+        throw ProjectDocumentError(check.sentence +
+                                   " Put it back there, or name it with --cases FILE.");
     }
-    if (!options.separator) {
-        options.separator = known.separator;
+    if (check.state == ProjectDocument::Changed) {
+        throw ProjectDocumentError(check.sentence +
+                                   " Name it with --cases FILE to work with it as it is now, and "
+                                   "save the project again.");
     }
-    if (!options.decimalMark) {
-        options.decimalMark = known.hasDecimalComma ? CellValue::Comma : CellValue::Point;
-    }
-    return CaseFileReader::read(known.path, options);
-}
-
-/** The inputs of a document's model that its variables have as inputs; the others are none. */
-std::vector<std::string> independentInputs(const ProjectDocument& document)
-{
-    std::vector<std::string> inputs;
-    for (const std::string& name : document.modelInputs()) {
-        const auto& entries = document.variables;
-        const auto entry = std::find_if(entries.begin(), entries.end(),
-                                        [&](const auto& other) { return other.name == name; });
-        if (entry != entries.end() && entry->role == Variable::Independent) {
-            inputs.push_back(name);
-        }
-    }
-    return inputs;
-}
-
-/** The roles that a document gives; names that the table does not hold are left to load(). */
-CaseRoles rolesOf(const ProjectDocument& document, const CaseTable& table)
-{
-    const std::vector<std::string> names = table.names();
-    const auto positions = [&](const std::vector<std::string>& wanted) {
-        std::vector<std::size_t> found;
-        for (const std::string& name : wanted) {
-            const auto at = std::find(names.begin(), names.end(), name);
-            if (at != names.end()) {
-                found.push_back(static_cast<std::size_t>(at - names.begin()));
-            }
-        }
-        return found;
-    };
-    return {positions(independentInputs(document)), positions(document.outputs)};
+    return CaseFileReader::read(known.path, readingOptions(document, options));
 }
 
 /** The library passes over inputs that are none, and the numbers are others without them. */
@@ -175,7 +139,7 @@ CaseSession openProject(const CommandLine& line)
     }
     CaseTable table = readProjectCases(line, document);
     const CaseRoles roles =
-        chooseCaseRoles(table, line.inputs, line.outputs, rolesOf(document, table));
+        chooseCaseRoles(table, line.inputs, line.outputs, rolesIn(document, table));
     const std::size_t cases = table.cases;
 
     CaseSession session(std::move(table));
@@ -204,27 +168,8 @@ CaseSession openProject(const CommandLine& line)
     return session;
 }
 
-/** A project document of another name, such as a backup, would be read as a faulty table. */
-void refuseDocumentAsCases(const std::string& path)
-{
-    constexpr std::string_view declaration = "<?xml";
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
-        return;
-    }
-    std::array<char, declaration.size()> beginning = {};
-    std::ifstream(path, std::ios::binary).read(beginning.data(), beginning.size());
-    if (std::string_view(beginning.data(), beginning.size()) == declaration) {
-        throw CaseDataError("\"" + path +
-                            "\" is an XML document, not a table of cases; if it is a "
-                            "project, give it a name that ends with " +
-                            ProjectDocument::fileEnding + '.');
-    }
-}
-
 CaseSession openCases(const CommandLine& line)
 {
-    refuseDocumentAsCases(line.subject);
     if (isSameFile(line.subject, line.save)) {
         throw UsageError("The project would replace \"" + line.subject +
                          "\", which is read; name another file.");
@@ -232,7 +177,7 @@ CaseSession openCases(const CommandLine& line)
     CaseFileReader::Options options;
     options.separator = line.separator;
     options.decimalMark = line.decimalMark;
-    CaseTable table = CaseFileReader::read(line.subject, options);
+    CaseTable table = readCaseTable(line.subject, options);
     const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
     const std::vector<std::size_t> excluded =
         line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);

@@ -169,10 +169,11 @@ void ProjectDocument::save(const std::string& path) const
         }
         ProjectDocument document = *this;
         document.caseFile.path = pathInDocument(path, caseFile.path);
-        bytes = writeXml(projectElement(document, impl->settings));
+        const XmlNode root = projectElement(document, impl->settings);
+        bytes = writeXml(root);
         // What load() would refuse must not replace a document that it accepts.
         ProjectSettings settings;
-        readProjectElements(readXml(bytes), document, settings);
+        readProjectElements(root, document, settings);
     } catch (const XmlFault& fault) {
         throw ProjectDocumentError("The project document \"" + path +
                                    "\" cannot be written: " + fault.what());
@@ -188,8 +189,7 @@ ProjectDocument::CaseFileCheck ProjectDocument::checkCaseFile() const
     struct stat status = {};
     if (stat(caseFile.path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         return {Missing, "The case file " + quotedPath +
-                             " of the project is missing: it has been moved, renamed or deleted. "
-                             "Put it back there, or name it with --cases FILE."};
+                             " of the project is missing: it has been moved, renamed or deleted."};
     }
 
     std::string change;
@@ -203,9 +203,7 @@ ProjectDocument::CaseFileCheck ProjectDocument::checkCaseFile() const
         return {};
     }
     return {Changed, "The case file " + quotedPath +
-                         " has changed since the project was saved: " + change +
-                         ". Name it with --cases FILE to work with it as it is now, and save the "
-                         "project again."};
+                         " has changed since the project was saved: " + change + '.'};
 }
 
 void ProjectDocument::takeSettings(const SerializerInterface& model,

@@ -17,13 +17,13 @@
 class SerializerInterface;
 
 /**
- * What a project file (NAME.surrogate.xml) says, a plain value: where the cases are and how they
- * are read, what is made of them, and the settings of the library as the XML elements that its
- * serializers write. Nothing here touches the open project.
+ * The contents of a project file (NAME.surrogate.xml), a plain value: where the cases are and how
+ * they are read, the roles of the variables and other settings, and the settings of the library as
+ * the XML elements that its serializers write. The open project is not changed.
  *
- * What a newer version may add beside the elements known here (children of the root and of
- * "SurrogateModel") is kept and written back after them; anything else that is unknown is refused,
- * so that nothing is lost unsaid. Comments outside of such elements are not kept.
+ * Unknown children of the root and of "SurrogateModel", which a newer version may have written, are
+ * kept and written back after the known ones. Everything else that is unknown is refused, so that
+ * saving never drops anything silently; only comments outside of unknown elements are not kept.
  */
 class SURROGATE_SESSION_EXPORT ProjectDocument
 {
@@ -58,7 +58,7 @@ public:
         std::optional<Range> range; ///< where it is not the variable's own: finite, may fall
     };
 
-    /** What a distribution element says of one variable. */
+    /** A distribution element: the distribution of one variable. */
     struct Distribution
     {
         std::string name;
@@ -76,7 +76,7 @@ public:
     struct CaseFileCheck
     {
         CaseFileState state = Unchanged;
-        std::string sentence; ///< what happened and what to do; empty for Unchanged
+        std::string sentence; ///< what happened; empty for Unchanged
     };
 
     /** Whether a path names a project file. */
@@ -141,7 +141,7 @@ private:
                                                     const ProjectDocument& right);
     class Impl;
 
-    // Never changed once it is made, so that copies can share it.
+    // Immutable, so that copies can share it.
     std::shared_ptr<const Impl> impl;
 };
 

@@ -14,6 +14,6 @@
 SURROGATE_SESSION_EXPORT std::string pathInDocument(const std::string& documentPath,
                                                     const std::string& path);
 
-/** The way back: a path that is usable from the current folder, as short as it can be. */
+/** The inverse: the shortest path that is usable from the current folder. */
 SURROGATE_SESSION_EXPORT std::string pathFromDocument(const std::string& documentPath,
                                                       const std::string& path);

@@ -314,29 +314,23 @@ TEST(ProjectDocument, KnowsWhetherItsCaseFileIsStillTheSame)
     ProjectDocument project = sampleProject(folder.write("c.csv", "x\n1\n"));
     project.caseFile.fingerprint = FileFingerprint::of(project.caseFile.path);
     const std::string file = "The case file \"" + folder.path("c.csv") + "\" ";
-    const std::string advice = " Name it with --cases FILE to work with it as it is now, and save "
-                               "the project again.";
     EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Unchanged);
     EXPECT_EQ(project.checkCaseFile().sentence, "");
 
     folder.write("c.csv", "x\n2\n");
     EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Changed);
     EXPECT_EQ(project.checkCaseFile().sentence,
-              file +
-                  "has changed since the project was saved: its size is the same, its contents "
-                  "are not." +
-                  advice);
+              file + "has changed since the project was saved: its size is the same, its contents "
+                     "are not.");
     folder.write("c.csv", "x\n10\n");
     EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Changed);
     EXPECT_EQ(project.checkCaseFile().sentence,
-              file + "has changed since the project was saved: it has 5 bytes and had 4." + advice);
+              file + "has changed since the project was saved: it has 5 bytes and had 4.");
 
     std::filesystem::remove(project.caseFile.path);
     EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Missing);
     EXPECT_EQ(project.checkCaseFile().sentence,
-              file +
-                  "of the project is missing: it has been moved, renamed or deleted. Put it back "
-                  "there, or name it with --cases FILE.");
+              file + "of the project is missing: it has been moved, renamed or deleted.");
 
     std::filesystem::create_directory(project.caseFile.path);
     EXPECT_THROW(project.checkCaseFile(), FileError);

@@ -1,0 +1,81 @@
+#include <session/project/ProjectCases.h>
+
+#include "ElementSerializer.h"
+#include "ProjectSample.h"
+#include "TemporaryFolder.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+using Positions = std::vector<std::size_t>;
+
+CaseTable tableOf(const std::vector<std::string>& names)
+{
+    CaseTable table;
+    for (const std::string& name : names) {
+        table.columns.emplace_back();
+        table.columns.back().name = name;
+    }
+    return table;
+}
+} // namespace
+
+TEST(ProjectCases, AreReadAsTheDocumentSays)
+{
+    const CaseFileReader::Options options = readingOptions(sampleProject("cases.csv"), {});
+
+    EXPECT_EQ(options.separator, ';');
+    EXPECT_EQ(options.decimalMark, CellValue::Comma);
+}
+
+TEST(ProjectCases, AreReadAsTheOptionsSayFirst)
+{
+    CaseFileReader::Options wanted;
+    wanted.separator = '\t';
+    wanted.decimalMark = CellValue::Point;
+
+    const CaseFileReader::Options options = readingOptions(sampleProject("cases.csv"), wanted);
+
+    EXPECT_EQ(options.separator, '\t');
+    EXPECT_EQ(options.decimalMark, CellValue::Point);
+}
+
+TEST(ProjectCases, RolesAreThoseOfTheColumnsThatAreThere)
+{
+    ProjectDocument project = sampleProject("cases.csv");
+    // "y" is dependent and "w" unknown: neither can be an input.
+    const ElementSerializer model("SurrogateModel", {{"Variable", "", {{"Name", "y"}}},
+                                                     {"Variable", "", {{"Name", "x"}}},
+                                                     {"Variable", "", {{"Name", "w"}}}});
+    project.takeSettings(model,
+                         ElementSerializer("SurrogateModelUserDefinedVariableDistribution", {}));
+
+    const CaseRoles all = rolesIn(project, tableOf({"w", "x", "y", "z"}));
+    EXPECT_EQ(all.inputs, (Positions{1}));
+    EXPECT_EQ(all.outputs, (Positions{3, 2}));
+
+    const CaseRoles some = rolesIn(project, tableOf({"y", "w"}));
+    EXPECT_EQ(some.inputs, Positions());
+    EXPECT_EQ(some.outputs, (Positions{0}));
+}
+
+TEST(ProjectCases, AProjectUnderAnotherNameIsNoTable)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("p.surrogate.xml.bak", sampleProjectText);
+
+    try {
+        readCaseTable(path, {});
+        FAIL() << "read";
+    } catch (const CaseDataError& error) {
+        EXPECT_EQ(error.what(), "\"" + path +
+                                    "\" is an XML document, not a table of cases; if it is a "
+                                    "project, give it a name that ends with .surrogate.xml.");
+    }
+    EXPECT_EQ(readCaseTable(folder.write("c.csv", "x\n1\n"), {}).cases, 1u);
+}
