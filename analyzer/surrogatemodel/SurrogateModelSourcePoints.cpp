@@ -14,7 +14,6 @@
 #include <vtkVariant.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 #include <string>
@@ -77,11 +76,10 @@ public:
                                                                     : vtkVariant();
     }
 
-    /** For a number isInvalidValue() asks no more than whether it is finite. */
     bool isInvalid(vtkIdType row) const
     {
         const bool isViewed = doubles != nullptr && row < doubles->GetNumberOfValues();
-        return isViewed ? !std::isfinite(doubles->GetValue(row)) : isInvalidValue(value(row));
+        return isViewed ? isInvalidValue(doubles->GetValue(row)) : isInvalidValue(value(row));
     }
 
     /** Writes the numbers of `rows` to `numbers`, NaN for a cell that holds none. */

@@ -2,8 +2,6 @@
 
 #include <vtkVariant.h>
 
-#include <cmath>
-
 bool isInvalidValue(const vtkVariant& value)
 {
     // An array or another object in a cell would answer ToDouble() with its first value.
@@ -12,5 +10,5 @@ bool isInvalidValue(const vtkVariant& value)
     }
     bool isNumber = false;
     const double number = value.ToDouble(&isNumber);
-    return !isNumber || !std::isfinite(number);
+    return !isNumber || isInvalidValue(number);
 }

@@ -2,6 +2,8 @@
 
 #include <mirel_datapipeline/Export.h>
 
+#include <cmath>
+
 class vtkVariant;
 
 /**
@@ -10,3 +12,9 @@ class vtkVariant;
  * invalid gives a finite number with vtkVariant::ToDouble().
  */
 MIREL_DATAPIPELINE_EXPORT bool isInvalidValue(const vtkVariant& value);
+
+/** The same for a cell that is a number: NaN and infinity are invalid. */
+inline bool isInvalidValue(double number)
+{
+    return !std::isfinite(number);
+}

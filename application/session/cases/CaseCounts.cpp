@@ -1,25 +1,37 @@
 #include "session/cases/CaseCounts.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_datapipeline/isInvalidValue.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
-/** What is known of one case. */
+/** What is known of one case; an excluded one lacks nothing. */
 struct CaseState
 {
+    bool isValid() const { return !isExcluded && !lacksInput && !lacksOutput; }
+
     bool isExcluded = false;
     bool lacksInput = false;
     bool lacksOutput = false;
 };
 
+std::vector<CaseState> statesOf(const Project& project, const std::vector<std::size_t>& excluded)
+{
+    std::vector<CaseState> states(project.recordCount());
+    for (const std::size_t position : excluded) {
+        states[position].isExcluded = true;
+    }
+    return states;
+}
+
+/** Marks the included cases that lack a value; returns how many there are. */
 std::size_t markInvalid(const std::vector<double>& values, std::vector<CaseState>& states,
                         bool CaseState::*lack)
 {
     std::size_t marked = 0;
     for (std::size_t i = 0; i < states.size(); ++i) {
-        if (!states[i].isExcluded && !std::isfinite(values[i])) {
+        if (!states[i].isExcluded && isInvalidValue(values[i])) {
             states[i].*lack = true;
             ++marked;
         }
@@ -31,8 +43,8 @@ std::size_t countValidAlone(const std::vector<double>& values, const std::vector
 {
     std::size_t valid = 0;
     for (std::size_t i = 0; i < states.size(); ++i) {
-        const bool usable = !states[i].isExcluded && !states[i].lacksInput;
-        valid += usable && std::isfinite(values[i]) ? 1 : 0;
+        const bool isUsable = !states[i].isExcluded && !states[i].lacksInput;
+        valid += isUsable && !isInvalidValue(values[i]) ? 1 : 0;
     }
     return valid;
 }
@@ -42,13 +54,7 @@ CaseCounts countCases(const Project& project, const std::vector<VarPtr>& inputs,
                       const std::vector<VarPtr>& outputs, const std::vector<std::size_t>& excluded)
 {
     CaseCounts counts;
-    counts.read = project.recordCount();
-    counts.excluded = excluded.size();
-
-    std::vector<CaseState> states(counts.read);
-    for (const std::size_t position : excluded) {
-        states[position].isExcluded = true;
-    }
+    std::vector<CaseState> states = statesOf(project, excluded);
     for (const VarPtr& input : inputs) {
         counts.invalidByInput.push_back(
             markInvalid(project.numericValues(input), states, &CaseState::lacksInput));
@@ -58,12 +64,11 @@ CaseCounts countCases(const Project& project, const std::vector<VarPtr>& inputs,
         counts.validAlone.push_back(countValidAlone(values, states));
         counts.invalidByOutput.push_back(markInvalid(values, states, &CaseState::lacksOutput));
     }
-
-    counts.invalid = static_cast<std::size_t>(
-        std::count_if(states.begin(), states.end(), [](const CaseState& state) {
-            return !state.isExcluded && (state.lacksInput || state.lacksOutput);
-        }));
-    counts.valid = counts.read - counts.excluded - counts.invalid;
+    counts.read = states.size();
+    counts.excluded = excluded.size();
+    counts.valid = static_cast<std::size_t>(std::count_if(
+        states.begin(), states.end(), [](const CaseState& state) { return state.isValid(); }));
+    counts.invalid = counts.read - counts.excluded - counts.valid;
     return counts;
 }
 
@@ -71,21 +76,16 @@ std::vector<std::size_t> validCases(const Project& project, const std::vector<Va
                                     const std::vector<VarPtr>& outputs,
                                     const std::vector<std::size_t>& excluded)
 {
-    std::vector<bool> isValid(project.recordCount(), true);
-    for (const std::size_t position : excluded) {
-        isValid[position] = false;
+    std::vector<CaseState> states = statesOf(project, excluded);
+    for (const VarPtr& input : inputs) {
+        markInvalid(project.numericValues(input), states, &CaseState::lacksInput);
     }
-    for (const std::vector<VarPtr>* const variables : {&inputs, &outputs}) {
-        for (const VarPtr& variable : *variables) {
-            const std::vector<double>& values = project.numericValues(variable);
-            for (std::size_t i = 0; i < values.size(); ++i) {
-                isValid[i] = isValid[i] && std::isfinite(values[i]);
-            }
-        }
+    for (const VarPtr& output : outputs) {
+        markInvalid(project.numericValues(output), states, &CaseState::lacksOutput);
     }
     std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < isValid.size(); ++i) {
-        if (isValid[i]) {
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        if (states[i].isValid()) {
             positions.push_back(i);
         }
     }
