@@ -69,8 +69,8 @@ public:
         }
     }
 
-    /** For each text column, the cases at its beginning whose texts were not kept: they were
-     *  numbers. 0 for all others. */
+    /** One per column: how many cases at the beginning of a text column were read as numbers, so
+     *  that their texts are missing. */
     std::vector<std::size_t> casesWithoutText() const
     {
         std::vector<std::size_t> counts;
@@ -81,11 +81,11 @@ public:
         return counts;
     }
 
-    /** Finds out which mark the numbers have and that they agree. */
+    /** Finds out which decimal mark the numbers have, and checks that all have the same. */
     void takeDecimalMark();
 
 private:
-    /** What is remembered of a column while it is read. */
+    /** What is known of a column while it is read. */
     struct State
     {
         bool hasNumber = false;
@@ -142,7 +142,7 @@ private:
         column.isNumeric = false;
         column.firstText = text;
         column.firstTextLine = line;
-        // Where every cell so far was missing, the empty texts are the right ones already.
+        // Where every cell so far was missing, the empty texts are correct already.
         state.casesWithoutText = state.hasNumber ? table.cases : 0;
         const std::size_t room = column.numbers.capacity();
         std::vector<double>().swap(column.numbers);
@@ -198,8 +198,8 @@ void ColumnBuilder::checkNames(std::size_t line) const
 
 void ColumnBuilder::takeDecimalMark()
 {
-    // One of "1,234" and "1.234" is a thousand times what the other would be read as: a file that
-    // has both is not guessed at.
+    // In a file with both marks one of them may separate thousands, which would make the numbers
+    // wrong by a factor of 1000.
     std::size_t pointColumn = table.columns.size();
     std::size_t commaColumn = table.columns.size();
     for (std::size_t i = table.columns.size(); i-- > 0;) {

@@ -15,11 +15,11 @@
  * The separator is comma, semicolon or tab; where it is a semicolon or a tab, numbers may be
  * written with a decimal comma, all of them or none. Text is UTF-8, with or without a byte order
  * mark; lines end with LF, CRLF or CR, and lines without a cell are skipped. What cells say is
- * CellValue's affair, how they are quoted CsvSplitter's.
+ * defined by CellValue, how they are quoted by CsvSplitter.
  *
- * The file is read in blocks and held as columns only; what cannot be read twice (a pipe) is held
- * whole meanwhile, in a temporary file if there is much of it. A column that turns out to be text
- * after its first filled cell makes the reader go back to the beginning for the texts before.
+ * The file is read in blocks, and only its columns stay in memory. A column in which a text follows
+ * numbers is a text column: the file is read a second time for the texts of those numbers. A pipe
+ * is kept in a temporary file for that.
  */
 class SURROGATE_SESSION_EXPORT CaseFileReader
 {

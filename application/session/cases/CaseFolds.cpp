@@ -22,12 +22,13 @@ int compared(const std::vector<const double*>& columns, std::size_t left, std::s
     return 0;
 }
 
-/** The distributions of the standard library differ between its makers; the generator does not. */
+/** Fisher-Yates. std::shuffle gives another order with every standard library; the generator gives
+ *  the same numbers with all of them. */
 void shuffle(std::vector<std::size_t>& values)
 {
     std::mt19937_64 generator(seed);
     for (std::size_t i = values.size(); i > 1; --i) {
-        // Of a number of 64 bits the remainder is as good as uniform.
+        // The remainder of a 64-bit number is uniform up to 1 in 2^64 / i.
         std::swap(values[i - 1], values[static_cast<std::size_t>(generator() % i)]);
     }
 }
@@ -41,7 +42,7 @@ CaseFolds::CaseFolds(const std::vector<const double*>& columns, std::size_t case
         const int difference = compared(columns, left, right);
         return difference != 0 ? difference < 0 : left < right;
     });
-    // The first case of a group stands for it: the numbers follow the order of the cases.
+    // Groups are numbered in the order of their first cases.
     std::vector<std::size_t> firsts(cases);
     for (std::size_t i = 0; i < cases; ++i) {
         const bool isNew = i == 0 || compared(columns, order[i - 1], order[i]) != 0;
@@ -69,7 +70,7 @@ std::vector<std::size_t> CaseFolds::split(std::size_t folds) const
     std::iota(order.begin(), order.end(), std::size_t(0));
     shuffle(order);
 
-    // The next group goes to the smallest fold, of several to the first.
+    // Each group goes to the smallest fold, the first of several.
     using Fold = std::pair<std::size_t, std::size_t>;
     std::priority_queue<Fold, std::vector<Fold>, std::greater<>> smallest;
     for (std::size_t i = 0; i < folds; ++i) {

@@ -6,9 +6,10 @@
 #include <vector>
 
 /**
- * How cases are parted for cross-validation. Copies of a case stay together: one of them among the
- * cases of a fit would give the others away. Repeated measurements are no copies. The parts depend
- * on the cases and their order alone, and are the same on every machine.
+ * Splits cases into folds for cross-validation. Exact copies of a case (equal in all inputs and
+ * outputs) stay in one fold, since a model fitted to one of them would know the others; replicates
+ * with other outputs are not copies. The folds depend on nothing but the cases and their order, and
+ * are the same on every machine.
  */
 class SURROGATE_SESSION_EXPORT CaseFolds
 {
@@ -17,7 +18,7 @@ public:
      *  call. */
     CaseFolds(const std::vector<const double*>& columns, std::size_t cases);
 
-    /** How many folds there can be: the cases without copies. */
+    /** The largest number of folds: that of the distinct cases. */
     std::size_t most() const;
 
     /**
@@ -28,6 +29,6 @@ public:
     std::vector<std::size_t> split(std::size_t folds) const;
 
 private:
-    std::vector<std::size_t> groups;     ///< one per case: that of its copies, from 0
-    std::vector<std::size_t> groupSizes; ///< one per group: its cases
+    std::vector<std::size_t> groups;     ///< one per case: the group of its copies, from 0
+    std::vector<std::size_t> groupSizes; ///< one per group: the number of its cases
 };

@@ -4,9 +4,9 @@
 
 /**
  * The separator of a file whose first bytes are `sample`: of tab, semicolon and comma the one under
- * which most records have as many cells as the heading, and more than one; among equals the one
- * with more cells, then in this order, so that a comma which may be a decimal one yields. A heading
- * without any of them is one column, and the answer is the comma.
+ * which most records have as many cells as the heading, and more than one. Ties go to the one with
+ * more cells, then to the first in this order, since a comma may be a decimal one. The comma if the
+ * heading holds none of the three, and so is one column.
  * @param isWholeFile whether the sample's last record is complete.
  */
 char recogniseSeparator(std::string_view sample, bool isWholeFile);

@@ -14,9 +14,9 @@
 namespace {
 using Column = OutputTable::Column;
 
-/** Whether a character makes a reader look at the quotes of a cell. Semicolons and tabs do too, so
- *  that a reader that guesses the separator from the heading sees commas only. */
-bool wantsQuotes(char character)
+/** Whether a cell with this character is quoted. Semicolons and tabs are too, so that a reader that
+ *  recognises the separator from the heading sees commas only. */
+bool needsQuotes(char character)
 {
     switch (character) {
     case ',':
@@ -34,7 +34,7 @@ bool wantsQuotes(char character)
 void appendCell(std::string& line, std::string_view text)
 {
     const bool hasOuterBlank = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-    if (!hasOuterBlank && std::none_of(text.begin(), text.end(), wantsQuotes)) {
+    if (!hasOuterBlank && std::none_of(text.begin(), text.end(), needsQuotes)) {
         line += text;
         return;
     }
@@ -64,7 +64,7 @@ void appendCell(std::string& line, const Column& column, std::size_t row)
     }
 }
 
-/** A line that is empty would be skipped by readers: the only cell of a row is quoted then. */
+/** Readers skip empty lines: where the only cell of a row is empty, it is quoted. */
 void endLine(std::string& line)
 {
     line += line.empty() ? "\"\"\n" : "\n";

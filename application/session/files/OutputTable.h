@@ -17,7 +17,7 @@ struct SURROGATE_SESSION_EXPORT OutputTable
         std::string name;
         /** One per row; null for a text column. */
         const double* numbers = nullptr;
-        /** One per row, or null. Beside `numbers`: the same cells as somebody wrote them. */
+        /** One per row, or null. Beside `numbers`: the same cells as the input file spells them. */
         const CellTexts* texts = nullptr;
     };
 
@@ -34,8 +34,8 @@ struct SURROGATE_SESSION_EXPORT OutputTable
 
 /**
  * Writes comma-separated values that CaseFileReader reads back as they were: numbers as
- * appendNumber() writes them, NaN as an empty cell. Cells that somebody wrote stay as they are
- * but for a decimal comma, which becomes a point.
+ * appendNumber() writes them, NaN as an empty cell. Cells of an input file keep their spelling, but
+ * a decimal comma becomes a point.
  */
 SURROGATE_SESSION_EXPORT void writeCsv(const OutputTable& table, OutputFile& out);
 

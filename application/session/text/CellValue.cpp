@@ -47,9 +47,9 @@ bool isDigit(char character)
 }
 
 /**
- * What a number outside the range of a double stands for: std::from_chars does not say on which
- * side. The decimal exponent of the first digit that is not 0 decides; one that does not fit an
- * int is far beyond any number of digits that a cell can hold.
+ * The value of a number outside the range of a double: infinity or 0, which std::from_chars does
+ * not distinguish. The decimal exponent of the first digit that is not 0 decides; an exponent that
+ * does not fit an int outweighs any number of digits that a cell can hold.
  */
 double outOfRangeValue(std::string_view text)
 {
@@ -77,7 +77,7 @@ double outOfRangeValue(std::string_view text)
 /** Reads a number with a decimal point; answers how many characters belong to it. */
 std::size_t readNumber(std::string_view text, double& number)
 {
-    // A plus sign is a user's habit that std::from_chars does not know.
+    // std::from_chars does not accept a plus sign.
     const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+';
     const std::string_view unsignedText = text.substr(plus ? 1 : 0);
     const auto read =
@@ -119,8 +119,7 @@ CellValue CellValue::read(std::string_view text, bool decimalComma)
     const std::size_t used = readNumber(text, value.number);
     if (used == text.size()) {
         if (std::isnan(value.number)) {
-            // Programs that print the sign or payload of a NaN ("-nan", "nan(ind)") mean the
-            // same by it.
+            // Also with a sign or a payload, "-nan" or "nan(ind)".
             value.kind = Missing;
         } else if (decimalComma && text.find('.') != std::string_view::npos) {
             value.mark = Point;

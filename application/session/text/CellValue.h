@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-/** What the text of one cell of a case file says. */
+/** The value that the text of one cell of a case file stands for. */
 struct SURROGATE_SESSION_EXPORT CellValue
 {
     enum Kind
@@ -25,12 +25,12 @@ struct SURROGATE_SESSION_EXPORT CellValue
     DecimalMark mark = NoMark;
 
     /**
-     * Reads a cell; blanks at its ends are not looked at.
+     * Reads a cell; blanks around it are ignored.
      *
-     * Missing: nothing, NA, N/A, NaN, null (in any case), ? and -. A number is written as C
-     * programs write it in the C locale, whatever the locale of the process, with an optional sign;
-     * "inf" is an infinite one, and so is a number too large for a double: its case is invalid, its
-     * column still numeric. A number too small for a double is 0. Everything else is text.
+     * Missing: the empty cell, NA, N/A, NaN, null (in any case), ? and -. A number is written as in
+     * the C locale, whatever the locale of the process, with an optional sign; "inf" is infinite,
+     * and so is a number too large for a double: its case is invalid, its column still numeric. A
+     * number too small for a double is 0. Everything else is text.
      * @param decimalComma whether a comma may stand for the decimal point.
      */
     static CellValue read(std::string_view text, bool decimalComma);

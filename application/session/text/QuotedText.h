@@ -7,11 +7,11 @@
 
 /**
  * A text as a message can show it: one line of UTF-8 whatever the bytes (control characters and
- * bytes that are no UTF-8 are shown as \xHH), cut where nobody would read on.
+ * bytes that are not UTF-8 are shown as \xHH), cut after 200 bytes.
  */
 SURROGATE_SESSION_EXPORT std::string shownText(std::string_view text);
 
-/** The same uncut: a line however long. */
+/** The same in full length. */
 SURROGATE_SESSION_EXPORT std::string oneLineText(std::string_view text);
 
 /** As shownText(), in quotes. */

@@ -7,8 +7,8 @@
 #include <string>
 
 /*
- * What can be wrong with what a user asks for or hands over: one class for each answer that a
- * program gives to it. Messages are whole sentences that name the thing.
+ * Faults in what a user asks for or provides: one class for each exit code of the program. Messages
+ * are whole sentences that name the thing.
  */
 
 /** A name that does not exist, a role or a value that does not fit. */
