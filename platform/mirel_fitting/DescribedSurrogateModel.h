@@ -7,9 +7,9 @@
 #include <vector>
 
 /**
- * A model made from descriptions of its outputs instead of cases: it predicts what the described
- * models predict, to the last bit. What takes the cases themselves (standard errors, equations,
- * quality texts) it does not offer.
+ * A model made from descriptions of its outputs instead of cases, such as one read back from a
+ * file. It predicts the same bits as the described models. It has no standard errors, equations and
+ * quality texts, which are computed from the cases.
  */
 class MIREL_FITTING_EXPORT DescribedSurrogateModel : public PredictiveModel
 {

@@ -24,8 +24,8 @@ struct KrigingReport
     /** Upper: beyond the trend the cases show no correlation. Never Lower. */
     Bound nuggetBound = Bound::None;
     double processVariance = 0.0; ///< in squared units of the output
-    /** What the nugget stands for, as a standard deviation in the output's unit; 0 where it only
-     *  keeps the factorisation sound and the model meets the cases. */
+    /** Standard deviation of the noise that the nugget stands for, in the output's unit; 0 where
+     * the nugget only keeps the factorisation sound and the model interpolates. */
     double noiseDeviation = 0.0;
     /**
      * -(n ln(2 pi s2) + ln det R + n) / 2 in the output's units: s2 the process variance, R the
@@ -36,13 +36,14 @@ struct KrigingReport
      */
     double logLikelihood = 0.0;
     /**
-     * Of the best other maximum that the search found; NaN if there is no other, two ends of one
-     * flat ridge, between which it dips by less than 0.25, counting as one. Where it was
-     * searched with a part of the cases only, the distance between the two is extrapolated in
-     * proportion to the cases.
+     * Log-likelihood of the second best maximum that the search found; NaN if there is none. Two
+     * ends of a flat ridge, between which the log-likelihood dips by less than 0.25, count as one
+     * maximum. Where a subset of the cases was searched, the difference of the two is extrapolated
+     * in proportion to the number of cases.
      */
     double secondLogLikelihood = std::numeric_limits<double>::quiet_NaN();
-    /** Of the correlation matrix with its nugget, estimated in the 1-norm; NaN without one. */
+    /** Condition number of the correlation matrix with its nugget, estimated in the 1-norm; NaN for
+     *  a model without correlation. */
     double condition = std::numeric_limits<double>::quiet_NaN();
     int trendOrder = 0; ///< 0 constant, 1 linear, 2 full quadratic, as used
     /** "1", "V1", "V1^2", "V1 V2", ...: the terms of the trend that were kept, and beside each its
@@ -56,11 +57,11 @@ struct KrigingReport
         double output;    ///< of cases with the same inputs the mean
         double predicted; ///< by a fit to the other cases
 
-        /** So many digits show by how much the two differ, and no fewer than `fewest`: a large
-         *  offset of the output would hide it. */
+        /** Significant digits with which the two are written so that three digits of their
+         *  difference show; at least `fewest`, at most 17. */
         MIREL_FITTING_EXPORT int digits(int fewest) const;
     };
-    /** The cases that the others predict worst, at most five, the worst first; none where there are
-     *  no leave-one-out figures, or nothing but rounding in them. */
+    /** The cases with the largest leave-one-out errors, at most five, the largest first; none where
+     *  there are no leave-one-out figures, or nothing but rounding in them. */
     std::vector<LeftOutCase> worstCases;
 };

@@ -4,14 +4,14 @@
 #include <vector>
 
 /**
- * Everything that predicting one output takes, as numbers: what a prediction outside of this
- * program is made from.
+ * Everything that the prediction of one output is computed from, as numbers: what an exported model
+ * consists of.
  *
  *   polynomial: y = offset + sum of b_t t(z)
  *   Kriging:    y = offset + scale (sum of b_t t(2 u - 1) + sum over j of w_j c(u, u_j))
  *
- * The coordinates z or u are (x - origin) / unit of the inputs that count, u kept within -1e150 to
- * 1e150. The terms t are products of up to two coordinates. The correlation is
+ * The coordinates z or u are (x - origin) / unit of the inputs that have an influence, u clamped to
+ * -1e150 ... 1e150. The terms t are products of up to two coordinates. The correlation is
  *
  *   c(u, u_j) = product over the coordinates k of (1 + s + s^2 / 3) exp(-s),
  *   s = sqrt(5) |u_k - u_jk| / length_k, at most 1000.
@@ -26,10 +26,10 @@ struct PredictorDescription
         Kriging
     };
 
-    /** Stands in Term for a factor that the term does not have. */
+    /** In a Term: no such factor. */
     static constexpr std::size_t noFactor = static_cast<std::size_t>(-1);
 
-    /** What the cases have of one input. */
+    /** The range of one input over the cases. */
     struct InputRange
     {
         double minimum = 0.0;

@@ -10,8 +10,8 @@
 
 /**
  * One term of a fitted polynomial and how well the cases determine it. All figures are NaN for a
- * term that is not kept, but for the estimate, which is 0 then; what rests on the scatter of the
- * cases (all but the estimate and the inflation) is NaN without residual degrees of freedom.
+ * term that is not kept, but for the estimate, which is 0 then; all
+ * but the estimate and the variance inflation is NaN without residual degrees of freedom.
  */
 struct CoefficientStatistics
 {
@@ -26,8 +26,8 @@ struct CoefficientStatistics
     double p = none;     ///< of a |t| as large or larger if the coefficient is 0
     double lower = none; ///< confidence limits
     double upper = none;
-    /** 1 / (1 - R^2) of the term's column explained by the other ones: by so much the variance
-     *  exceeds that of a design in which the terms do not overlap. NaN for the constant. */
+    /** Variance inflation factor: 1 / (1 - R^2), R^2 that of the term's column regressed on the
+     *  others. NaN for the constant. */
     double varianceInflation = none;
     bool isKept = true; ///< false: dropped, since the cases cannot separate it or it was not needed
 };
@@ -53,7 +53,7 @@ struct StationaryPoint
         Minimum,
         Maximum,
         Saddle,
-        Ridge ///< along some direction there is no curvature: it is no more than one of many
+        Ridge ///< without curvature along some direction: one of many stationary points
     };
 
     /** One per input, in its unit; NaN for an input that the polynomial does not have, which may be
@@ -67,7 +67,7 @@ struct StationaryPoint
     std::vector<double> curvatures;
 };
 
-/** How far a fit follows one of its cases. */
+/** The leverage of a case: the derivative of its prediction by its own output, from 0 to 1. */
 struct CaseLeverage
 {
     std::size_t row = 0; ///< as given to the model, the first is 0
@@ -108,15 +108,14 @@ struct ResponseSurfaceStatistics
      */
     double aicc = none;
     std::size_t residualDegreesOfFreedom = 0;
-    /** One per case: the share of its own output in its prediction. Empty for more than 100 000
-     *  cases. */
+    /** One per case. Empty for more than 100 000 cases. */
     std::vector<double> leverages;
     double meanLeverage = none; ///< terms / cases
-    /** The five largest at most, the largest first; equal ones in the order of their rows. Of more
-     *  than 100 000 cases so many are looked at: one at random of each of as many stretches of
-     *  equal length. */
+    /** At most five, the largest first; equal ones in the order of their rows. Of more than 100 000
+     *  cases a stratified sample of 100 000 is considered, one at random of each stratum of rows.
+     */
     std::vector<CaseLeverage> largestLeverages;
-    /** Whether the second-order terms count beside rounding. */
+    /** Whether the second-order terms are more than rounding. */
     bool isCurved = false;
     /** None if the polynomial is not curved, nor if it rises along a direction in which it is not
      *  curved. */

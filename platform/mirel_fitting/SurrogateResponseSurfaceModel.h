@@ -13,7 +13,7 @@
  * are fitted, stored, printed and listed in this order; on request only some of them. With fewer
  * cases than terms the order is lowered, to linear, then to constant; terms that the cases cannot
  * separate are dropped, higher orders before lower ones and products before squares; on request, so
- * are terms that an output does not need. All of it is said in the warnings.
+ * are terms that an output does not need. fitWarnings() names them.
  *
  * Everything is computed in the constructor, for all outputs, in a few passes over the columns and
  * on all cores that setThreadCount() allows: time grows with cases times terms squared, memory with
@@ -26,8 +26,8 @@
  *
  * Figures that do not exist are NaN in fitMetrics() and "not available" in the text: R2, adjusted
  * and predicted R2 of an output that is the same in every case; what needs residual degrees of
- * freedom when there are as many terms as cases; PRESS and what rests on it when a case alone
- * determines a term.
+ * freedom when there are as many terms as cases; PRESS and what is computed from it when a case has
+ * leverage 1.
  */
 class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 {
@@ -81,13 +81,13 @@ public:
 
     /**
      * Equal to refits without each case, RMSE included: the standard error has one degree of
-     * freedom less than the fit. Of more than 100 000 cases so many, one at random of each of as
-     * many stretches of equal length.
+     * freedom less than the fit. Of more than 100 000 cases a stratified sample of 100 000, one at
+     * random of each stratum of rows.
      */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 
     /**
-     * Pure error is looked for in up to 100 000 cases: of more, the table has no lack of fit.
+     * With more than 100 000 cases the analysis of variance has no pure error and lack of fit.
      * @param level of the confidence limits.
      * @throw Error also for a level that is not between 0 and 1.
      */
