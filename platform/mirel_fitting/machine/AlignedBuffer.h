@@ -15,7 +15,8 @@ public:
         std::fill_n(data(), padded(count), 0.0);
     }
 
-    /** For megabytes that are written before they are read. */
+    /** Of large arrays the system provides each page when it is first touched: what is never
+     *  used, as one triangle of a symmetric matrix, takes no memory. */
     static AlignedBuffer uninitialised(std::size_t count)
     {
         return AlignedBuffer(std::unique_ptr<Line[]>(new Line[padded(count) / perLine]));

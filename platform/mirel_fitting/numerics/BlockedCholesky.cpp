@@ -130,7 +130,8 @@ private:
 BlockedCholesky::Visitor::~Visitor() = default;
 
 BlockedCholesky::BlockedCholesky(std::size_t order, int threads)
-    : size(order), threadCount(order >= smallestToSplit ? threads : 1), matrix(order * order)
+    : size(order), threadCount(order >= smallestToSplit ? threads : 1),
+      matrix(AlignedBuffer::uninitialised(order * order))
 {
     if (order <= SmallCholesky::largestOrder) {
         small = std::make_unique<SmallCholesky>(order);

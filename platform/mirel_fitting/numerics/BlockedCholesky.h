@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/numerics/LazyZeros.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/numerics/SmallCholesky.h>
 
 #include <cstddef>
@@ -81,7 +81,7 @@ private:
 
     std::size_t size;
     int threadCount;
-    LazyZeros matrix;
+    AlignedBuffer matrix;
     std::vector<double> inverse;          // only where nothing is split
     std::unique_ptr<SmallCholesky> small; // only for few rows
 };

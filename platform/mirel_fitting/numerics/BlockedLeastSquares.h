@@ -84,8 +84,8 @@ private:
     std::size_t columnCount;
     std::size_t outputCount;
     std::size_t rowCount = 0;
-    std::vector<double> triangle;         // columnCount squared
-    std::vector<double> rotatedOutputs;   // columnCount rows of all outputs
+    std::vector<double> triangle;       // columnCount squared
+    std::vector<double> rotatedOutputs; // columnCount rows of all outputs
     std::vector<double> reflectorBlock;
     std::vector<double> workspace;
 };

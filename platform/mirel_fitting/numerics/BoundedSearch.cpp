@@ -1,6 +1,6 @@
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
-#include <mirel_fitting/numerics/BoxedQuadratic.h>
+#include <mirel_fitting/numerics/BoxConstrainedQuadratic.h>
 
 #include <algorithm>
 #include <cmath>
@@ -127,7 +127,7 @@ void BoundedSearch::proposeStep()
         lowest[i] = std::max(lower[i] - current[i], -trustRadius);
         highest[i] = std::min(upper[i] - current[i], trustRadius);
     }
-    step = BoxedQuadratic(hessian, gradient).maximum(lowest, highest);
+    step = BoxConstrainedQuadratic(hessian, gradient).maximum(lowest, highest);
 
     isStepLimited = false;
     for (std::size_t i = 0; i < size; ++i) {

@@ -3,9 +3,9 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
+#include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/BlockedCholesky.h>
-#include <mirel_fitting/numerics/LazyZeros.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -106,8 +106,8 @@ class KrigingLikelihood::Impl
 public:
     explicit Impl(std::shared_ptr<const KrigingData> source)
         : data(std::move(source)), n(data->cases), p(data->terms),
-          correlation(n, data->inputs, data->coordinates.data()), correlations(n * n),
-          cholesky(n, threadCount())
+          correlation(n, data->inputs, data->coordinates.data()),
+          correlations(AlignedBuffer::uninitialised(n * n)), cholesky(n, threadCount())
     {
         for (std::size_t i = 0; i < n; ++i) {
             rowCount += data->rows[i];
@@ -134,8 +134,8 @@ public:
     double scatter = 0.0;
 
     MaternCorrelation correlation;
-    LazyZeros correlations;   // lower triangle of C
-    BlockedCholesky cholesky; // L of R = L L'
+    AlignedBuffer correlations; // lower triangle of C
+    BlockedCholesky cholesky;   // L of R = L L'
 
     double nugget = 0.0;
     double logDeterminant = 0.0;

@@ -1,7 +1,9 @@
-#include <mirel_fitting/numerics/BoxedQuadratic.h>
+#include <mirel_fitting/numerics/BoxConstrainedQuadratic.h>
 
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/machine/SimdLanes.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
+
+#include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,48 +11,6 @@
 #include <utility>
 
 namespace {
-
-/** The upper Cholesky factor by rows, in place; false if the matrix is not definite. Row by row, as
- *  the sums of the usual order could not be computed several at a time. */
-SURROGATE_SIMD bool factorise(double* matrix, std::size_t order)
-{
-    for (std::size_t j = 0; j < order; ++j) {
-        double* row = matrix + j * order;
-        const double pivot = row[j];
-        if (!(pivot > 0.0)) {
-            return false;
-        }
-        const double root = std::sqrt(pivot);
-        for (std::size_t k = j; k < order; ++k) {
-            row[k] /= root;
-        }
-        for (std::size_t i = j + 1; i < order; ++i) {
-            double* other = matrix + i * order;
-            const double factor = row[i];
-            for (std::size_t k = i; k < order; ++k) {
-                other[k] -= factor * row[k];
-            }
-        }
-    }
-    return true;
-}
-
-void substitute(const double* factor, std::vector<double>& right)
-{
-    const std::size_t order = right.size();
-    for (std::size_t i = 0; i < order; ++i) {
-        right[i] /= factor[i * order + i];
-        for (std::size_t k = i + 1; k < order; ++k) {
-            right[k] -= factor[i * order + k] * right[i];
-        }
-    }
-    for (std::size_t i = order; i-- > 0;) {
-        for (std::size_t k = i + 1; k < order; ++k) {
-            right[i] -= factor[i * order + k] * right[k];
-        }
-        right[i] /= factor[i * order + i];
-    }
-}
 
 double largestMagnitude(const std::vector<double>& values)
 {
@@ -63,12 +23,13 @@ double largestMagnitude(const std::vector<double>& values)
 
 } // namespace
 
-BoxedQuadratic::BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope)
+BoxConstrainedQuadratic::BoxConstrainedQuadratic(const std::vector<double>& hessian,
+                                                 const std::vector<double>& slope)
     : hessian(hessian), slope(slope), size(slope.size()), areMany(size > mostFewVariables),
       factorsLeft(0)
 {}
 
-std::size_t BoxedQuadratic::mostFactors(std::size_t variables)
+std::size_t BoxConstrainedQuadratic::mostFactors(std::size_t variables)
 {
     constexpr double multiplications = 1e8;
     constexpr double fewest = 8.0;
@@ -79,9 +40,10 @@ std::size_t BoxedQuadratic::mostFactors(std::size_t variables)
     return static_cast<std::size_t>(std::max(fewest, multiplications / (m * m * m / 6.0)));
 }
 
-std::vector<double> BoxedQuadratic::maximum(const std::vector<double>& lowest,
-                                            const std::vector<double>& highest)
+std::vector<double> BoxConstrainedQuadratic::maximum(const std::vector<double>& lowest,
+                                                     const std::vector<double>& highest)
 {
+    const SingleThreadedBlas singleThreaded;
     factorsLeft = mostFactors(size);
     std::vector<double> start(size, 0.0);
     if (areMany) {
@@ -96,8 +58,9 @@ std::vector<double> BoxedQuadratic::maximum(const std::vector<double>& lowest,
 }
 
 /** The model rises with every variable that is moved. */
-void BoxedQuadratic::sweep(const std::vector<double>& lowest, const std::vector<double>& highest,
-                           std::vector<double>& point) const
+void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
+                                    const std::vector<double>& highest,
+                                    std::vector<double>& point) const
 {
     constexpr int sweeps = 20; // together cheaper than one factor
 
@@ -120,8 +83,8 @@ void BoxedQuadratic::sweep(const std::vector<double>& lowest, const std::vector<
 
 /** @param point in: the first guess is the part of the box that it is on.
  *  @return whether the guess has settled: then the point is the maximum. */
-bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<double>& highest,
-                           std::vector<double>& point)
+bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
+                                    const std::vector<double>& highest, std::vector<double>& point)
 {
     const int mostRounds = areMany ? 5 : 10;
     enum class Place
@@ -181,8 +144,8 @@ bool BoxedQuadratic::guess(const std::vector<double>& lowest, const std::vector<
     return false;
 }
 
-void BoxedQuadratic::climb(const std::vector<double>& lowest, const std::vector<double>& highest,
-                           std::vector<double>& point)
+void BoxConstrainedQuadratic::climb(const std::vector<double>& lowest,
+                                    const std::vector<double>& highest, std::vector<double>& point)
 {
     constexpr double relativeRest = 1e-10; // of the slope: then the model is at its maximum
 
@@ -231,11 +194,11 @@ void BoxedQuadratic::climb(const std::vector<double>& lowest, const std::vector<
  * From the point to where the model is greatest in the unknowns. An unknown that is on the box and
  * would leave it is left out.
  */
-std::vector<double> BoxedQuadratic::towardsMaximum(const std::vector<double>& rest,
-                                                   std::vector<std::size_t> unknowns,
-                                                   const std::vector<double>& point,
-                                                   const std::vector<double>& lowest,
-                                                   const std::vector<double>& highest)
+std::vector<double> BoxConstrainedQuadratic::towardsMaximum(const std::vector<double>& rest,
+                                                            std::vector<std::size_t> unknowns,
+                                                            const std::vector<double>& point,
+                                                            const std::vector<double>& lowest,
+                                                            const std::vector<double>& highest)
 {
     std::vector<double> direction(size, 0.0);
     while (!unknowns.empty()) {
@@ -270,7 +233,7 @@ std::vector<double> BoxedQuadratic::towardsMaximum(const std::vector<double>& re
 }
 
 /** g - H x */
-std::vector<double> BoxedQuadratic::slopeAt(const std::vector<double>& point) const
+std::vector<double> BoxConstrainedQuadratic::slopeAt(const std::vector<double>& point) const
 {
     std::vector<double> result = slope;
     for (std::size_t k = 0; k < size; ++k) {
@@ -285,8 +248,12 @@ std::vector<double> BoxedQuadratic::slopeAt(const std::vector<double>& point) co
 
 /** The Newton step of the unknowns, the others kept; false if rounding has spoilt the curvature or
  *  there have been enough factors, and `right` is what it was. */
-bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right)
+bool BoxConstrainedQuadratic::solve(const std::vector<std::size_t>& unknowns,
+                                    std::vector<double>& right)
 {
+    if (unknowns.empty()) {
+        return true;
+    }
     if (factorsLeft == 0) {
         return false;
     }
@@ -295,16 +262,13 @@ bool BoxedQuadratic::solve(const std::vector<std::size_t>& unknowns, std::vector
         FitProgress::advance();
     }
     const std::size_t order = unknowns.size();
-    std::vector<double> matrix(order * order);
+    std::vector<double> matrix(order * order); // lower triangle by columns
     for (std::size_t a = 0; a < order; ++a) {
-        const double* row = hessian.data() + unknowns[a] * size;
+        const double* column = hessian.data() + unknowns[a] * size;
         for (std::size_t b = a; b < order; ++b) {
-            matrix[a * order + b] = row[unknowns[b]];
+            matrix[a * order + b] = column[unknowns[b]];
         }
     }
-    if (!factorise(matrix.data(), order)) {
-        return false;
-    }
-    substitute(matrix.data(), right);
-    return true;
+    const auto n = static_cast<lapack_int>(order);
+    return LAPACKE_dposv_work(LAPACK_COL_MAJOR, 'L', n, 1, matrix.data(), n, right.data(), n) == 0;
 }

@@ -1,4 +1,4 @@
-#include <mirel_fitting/numerics/BoxedQuadratic.h>
+#include <mirel_fitting/numerics/BoxConstrainedQuadratic.h>
 
 #include "RecordedWork.h"
 
@@ -114,35 +114,35 @@ void expectMaximum(const Problem& problem, const Vector& point, double tolerance
 
 } // namespace
 
-TEST(BoxedQuadratic, IsGreatestWhereTheSlopeVanishes)
+TEST(BoxConstrainedQuadratic, IsGreatestWhereTheSlopeVanishes)
 {
     const Vector hessian = {2.0, 1.0, 1.0, 20.0};
     const Vector slope = {6.0, -20.0};
 
-    const Vector point = BoxedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {9.0, 9.0});
+    const Vector point = BoxConstrainedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {9.0, 9.0});
 
     EXPECT_NEAR(point[0], 140.0 / 39.0, 1e-14);
     EXPECT_NEAR(point[1], -46.0 / 39.0, 1e-14);
 }
 
-TEST(BoxedQuadratic, IsGreatestOnTheBoxWhereTheSlopePointsOutside)
+TEST(BoxConstrainedQuadratic, IsGreatestOnTheBoxWhereTheSlopePointsOutside)
 {
     const Vector hessian = {2.0, 1.0, 1.0, 20.0};
     const Vector slope = {6.0, -20.0};
 
-    const Vector point = BoxedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {1.0, 9.0});
+    const Vector point = BoxConstrainedQuadratic(hessian, slope).maximum({-9.0, -9.0}, {1.0, 9.0});
 
     EXPECT_EQ(point[0], 1.0);
     EXPECT_NEAR(point[1], -21.0 / 20.0, 1e-14);
 }
 
-TEST(BoxedQuadratic, FindsTheMaximumOfManyVariables)
+TEST(BoxConstrainedQuadratic, FindsTheMaximumOfManyVariables)
 {
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         for (const std::size_t size : {1, 3, 12, 60, 90}) {
             for (const double coupling : {0.01, 0.3, 3.0}) {
                 const Problem problem(size, coupling, seed);
-                BoxedQuadratic model(problem.hessian, problem.slope);
+                BoxConstrainedQuadratic model(problem.hessian, problem.slope);
 
                 expectMaximum(problem, model.maximum(problem.lowest, problem.highest), 1e-8);
             }
@@ -150,12 +150,12 @@ TEST(BoxedQuadratic, FindsTheMaximumOfManyVariables)
     }
 }
 
-TEST(BoxedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
+TEST(BoxConstrainedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
 {
     for (const std::size_t rank : {5, 30, 300}) {
         const Problem problem = oneOfFewCases(600, rank, rank);
         const RecordedWork recorded;
-        BoxedQuadratic model(problem.hessian, problem.slope);
+        BoxConstrainedQuadratic model(problem.hessian, problem.slope);
 
         const Vector point = model.maximum(problem.lowest, problem.highest);
 
@@ -169,27 +169,27 @@ TEST(BoxedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
     }
 }
 
-TEST(BoxedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
+TEST(BoxConstrainedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
 {
-    EXPECT_EQ(BoxedQuadratic::mostFactors(64), std::numeric_limits<std::size_t>::max());
-    EXPECT_EQ(BoxedQuadratic::mostFactors(100), 600u);
-    EXPECT_EQ(BoxedQuadratic::mostFactors(400), 9u);
-    EXPECT_EQ(BoxedQuadratic::mostFactors(800), 8u);
+    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(64), std::numeric_limits<std::size_t>::max());
+    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(100), 600u);
+    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(400), 9u);
+    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(800), 8u);
 }
 
-TEST(BoxedQuadratic, EndsBeforeAnyFactorOfManyVariables)
+TEST(BoxConstrainedQuadratic, EndsBeforeAnyFactorOfManyVariables)
 {
     const Problem problem = oneOfFewCases(100, 10, 3);
-    BoxedQuadratic model(problem.hessian, problem.slope);
+    BoxConstrainedQuadratic model(problem.hessian, problem.slope);
     const RecordedWork recorded(1.0, 1);
 
     EXPECT_THROW(model.maximum(problem.lowest, problem.highest), std::runtime_error);
 }
 
-TEST(BoxedQuadratic, ReportsNothingForFewVariables)
+TEST(BoxConstrainedQuadratic, ReportsNothingForFewVariables)
 {
-    const Problem problem(BoxedQuadratic::mostFewVariables, 0.3, 3);
-    BoxedQuadratic model(problem.hessian, problem.slope);
+    const Problem problem(BoxConstrainedQuadratic::mostFewVariables, 0.3, 3);
+    BoxConstrainedQuadratic model(problem.hessian, problem.slope);
     const RecordedWork recorded;
 
     expectMaximum(problem, model.maximum(problem.lowest, problem.highest), 1e-8);
@@ -197,21 +197,22 @@ TEST(BoxedQuadratic, ReportsNothingForFewVariables)
     EXPECT_EQ(recorded.reports(), 0);
 }
 
-TEST(BoxedQuadratic, StaysWhereTheBoxLeavesNoRoom)
+TEST(BoxConstrainedQuadratic, StaysWhereTheBoxLeavesNoRoom)
 {
     const Problem problem(5, 1.0, 7);
     const Vector origin(5, 0.0);
 
-    EXPECT_EQ(BoxedQuadratic(problem.hessian, problem.slope).maximum(origin, origin), origin);
+    EXPECT_EQ(BoxConstrainedQuadratic(problem.hessian, problem.slope).maximum(origin, origin),
+              origin);
 }
 
-TEST(BoxedQuadratic, LeadsUphillWhereTheCurvatureIsSpoilt)
+TEST(BoxConstrainedQuadratic, LeadsUphillWhereTheCurvatureIsSpoilt)
 {
     // Rounding has made the matrix indefinite.
     const Vector hessian = {1.0, 2.0, 2.0, 1.0};
     const Vector slope = {1.0, 0.5};
 
-    const Vector point = BoxedQuadratic(hessian, slope).maximum({-1.0, -1.0}, {1.0, 1.0});
+    const Vector point = BoxConstrainedQuadratic(hessian, slope).maximum({-1.0, -1.0}, {1.0, 1.0});
 
     EXPECT_GT(slope[0] * point[0] + slope[1] * point[1], 0.0);
     EXPECT_LE(std::fabs(point[0]), 1.0);

@@ -19,7 +19,7 @@
  * a time to its maximum, which needs no factor; and after mostFactors() the point reached is taken:
  * it leads uphill, too, and a step of a search is not worth minutes.
  */
-class BoxedQuadratic
+class BoxConstrainedQuadratic
 {
 public:
     static constexpr std::size_t mostFewVariables = 64;
@@ -32,7 +32,7 @@ public:
      * @param hessian positive definite, by rows; borrowed for life.
      * @param slope   g, borrowed for life.
      */
-    BoxedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope);
+    BoxConstrainedQuadratic(const std::vector<double>& hessian, const std::vector<double>& slope);
 
     /** With FitProgress::advance() before each factor of many variables.
      *  @param lowest, highest the box: at most and at least 0. */
