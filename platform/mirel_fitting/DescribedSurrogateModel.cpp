@@ -1,7 +1,7 @@
 #include <mirel_fitting/DescribedSurrogateModel.h>
 
+#include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
-#include <mirel_fitting/cases/TrainingColumns.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
 
@@ -233,7 +233,7 @@ public:
 
     CaseRanges ranges;
     std::vector<Predictor> predictors;
-    std::optional<TrainingColumns> columns;
+    std::optional<ArgumentCheck> columns;
 };
 
 DescribedSurrogateModel::DescribedSurrogateModel(const std::vector<Output>& outputs)

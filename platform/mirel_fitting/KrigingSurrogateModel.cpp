@@ -1,9 +1,9 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/cases/KrigingCases.h>
-#include <mirel_fitting/cases/TrainingColumns.h>
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
@@ -127,7 +127,7 @@ public:
         return *cases;
     }
 
-    TrainingColumns columns;
+    ArgumentCheck columns;
     CaseRanges ranges;
     std::vector<std::vector<double>> inputs; // until the cases are prepared
     std::unique_ptr<const KrigingCases> cases;

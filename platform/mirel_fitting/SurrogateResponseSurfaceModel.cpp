@@ -1,8 +1,8 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
 #include <mirel_fitting/TermSelectionScope.h>
+#include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
-#include <mirel_fitting/cases/TrainingColumns.h>
 #include <mirel_fitting/numerics/Distributions.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
@@ -34,7 +34,7 @@ public:
         columns.requireEvaluation(inputs, {}, noOutputs, count);
     }
 
-    TrainingColumns columns;
+    ArgumentCheck columns;
     CaseRanges ranges;
     ResponseSurfaceFit fit; // of the outputs that are finite
 

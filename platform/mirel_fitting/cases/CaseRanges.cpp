@@ -1,23 +1,11 @@
 #include <mirel_fitting/cases/CaseRanges.h>
 
 #include <mirel_fitting/cases/ColumnScale.h>
+#include <mirel_fitting/numerics/NumberText.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
-
-namespace {
-
-std::string figure(double value)
-{
-    char text[32];
-    const std::to_chars_result end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 2);
-    return std::string(text, end.ptr);
-}
-
-} // namespace
 
 CaseRanges::CaseRanges(const std::vector<double*>& columns, std::size_t rows)
 {
@@ -56,7 +44,7 @@ double CaseRanges::distance(std::size_t input, double value) const
     if (!isConstant[input]) {
         return std::max(outside / (maxima[input] - minima[input]), 0.0);
     }
-    // A constant that was computed in another way differs by rounding.
+    // The same constant, computed in another way, may differ by rounding.
     constexpr double rounding = 4.0 * std::numeric_limits<double>::epsilon();
     const double magnitude = std::max(std::fabs(minima[input]), std::fabs(maxima[input]));
     return outside > rounding * magnitude ? std::numeric_limits<double>::infinity() : 0.0;
@@ -69,7 +57,7 @@ void CaseRanges::distances(const std::vector<double*>& points, std::size_t count
     for (std::size_t k = 0; k < minima.size(); ++k) {
         for (std::size_t i = 0; i < count; ++i) {
             const double beyond = distance(k, points[k][i]);
-            // NaN once is NaN for good.
+            // A NaN is kept: no comparison with it is true.
             if (beyond > result[i] || std::isnan(beyond)) {
                 result[i] = beyond;
             }
@@ -77,8 +65,8 @@ void CaseRanges::distances(const std::vector<double*>& points, std::size_t count
     }
 }
 
-/** Values are typed, shown and kept with few digits, six as a rule: the least value of an input
- * that comes back from there lies a little outside, which is no reason for doubt. */
+/** Values that were typed or printed have six digits as a rule: rounded so, the smallest value of
+ * an input may lie a little outside its range, which is no extrapolation. */
 bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distance) const
 {
     if (isConstant[input]) {
@@ -120,6 +108,6 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
     if (std::isinf(farthest)) {
         return start + name + " has another value there than in all cases.";
     }
-    return start + name + " is up to " + figure(farthest) +
+    return start + name + " is up to " + NumberText::rounded(farthest, 2) +
            " of its range beyond them. Do not rely on predictions there.";
 }

@@ -13,7 +13,7 @@ public:
     /** @param columns one array of `rows` finite values per input, borrowed for the call. */
     CaseRanges(const std::vector<double*>& columns, std::size_t rows);
 
-    /** Those that ranges() gave. */
+    /** From what ranges() returned. */
     explicit CaseRanges(const std::vector<PredictorDescription::InputRange>& ranges);
 
     std::vector<PredictorDescription::InputRange> ranges() const;

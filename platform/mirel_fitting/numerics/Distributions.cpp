@@ -1,7 +1,7 @@
 #include <mirel_fitting/numerics/Distributions.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
-#include <mirel_fitting/polynomial/EquationText.h>
+#include <mirel_fitting/numerics/NumberText.h>
 
 #include <boost/math/distributions/fisher_f.hpp>
 #include <boost/math/distributions/normal.hpp>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/** The probability that is left above the upper limit. */
+/** The probability above the upper limit of a two-sided interval. */
 double upperTail(double level)
 {
     return (1.0 - level) / 2.0;
@@ -54,6 +54,6 @@ void Distributions::requireLevel(double level)
     if (!(level > 0.0 && level < 1.0)) {
         throw SurrogateModelInterface::Error(
             "The level of an interval has to lie between 0 and 1, not at " +
-            EquationText::number(level) + ".");
+            NumberText::shortest(level) + ".");
     }
 }

@@ -1,23 +1,20 @@
 #pragma once
 
-/**
- * The probabilities and quantiles that statements about fits need. Nothing is NaN;
- * degrees of freedom are positive.
- */
+/** Probabilities and quantiles of the statistics of fits. Arguments are no NaN, degrees of freedom
+ *  positive. */
 class Distributions
 {
 public:
-    /** q such that a value of Student's t lies between -q and q with the probability `level`. */
+    /** The two-sided quantile q of Student's t: P(|T| <= q) = level. */
     static double studentQuantile(double level, double degreesOfFreedom);
 
-    /** The same for the standard normal distribution. */
+    /** The two-sided quantile of the standard normal distribution. */
     static double normalQuantile(double level);
 
-    /** The probability of a |t| as large as this or larger. */
+    /** The two-sided tail probability P(|T| >= |t|). */
     static double studentTails(double t, double degreesOfFreedom);
 
-    /** The probability of an F as large as this or larger; 1 for a negative one, which rounding
-     *  makes of 0. */
+    /** The upper tail probability P(F >= f); 1 for a negative f, which is 0 but for rounding. */
     static double fisherTail(double f, double numeratorDegrees, double denominatorDegrees);
 
     /** @throw SurrogateModelInterface::Error for a level that is not between 0 and 1. */

@@ -1,6 +1,7 @@
 #include <mirel_fitting/polynomial/EquationText.h>
 
-#include <charconv>
+#include <mirel_fitting/numerics/NumberText.h>
+
 #include <cmath>
 
 EquationText::EquationText(const QuadraticBasis& basis) : basis(basis), isLeftOut(basis.size(), 0)
@@ -21,7 +22,7 @@ void EquationText::setCentres(const std::vector<double>& centres)
         const double centre = centres[input];
         if (centre != 0.0) {
             symbols[input] = "(V" + std::to_string(input + 1) + (centre < 0.0 ? " + " : " - ") +
-                             number(std::fabs(centre)) + ")";
+                             NumberText::shortest(std::fabs(centre)) + ")";
         }
     }
 }
@@ -41,16 +42,9 @@ std::string EquationText::write(const std::vector<double>& coefficients) const
         } else {
             text += isNegative ? " - " : " + ";
         }
-        text += number(std::fabs(coefficient)) + factors(term);
+        text += NumberText::shortest(std::fabs(coefficient)) + factors(term);
     }
     return text + "\n";
-}
-
-std::string EquationText::number(double value)
-{
-    char buffer[32];
-    const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, value);
-    return {buffer, end.ptr};
 }
 
 std::string EquationText::factors(std::size_t term) const

@@ -1,21 +1,18 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 
+#include <mirel_fitting/numerics/NumberText.h>
 #include <mirel_fitting/polynomial/EquationText.h>
 #include <mirel_fitting/polynomial/PolynomialUnits.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace {
 
-/** Eight digits: as many as tell two fits apart. */
+/** Eight digits distinguish the fits of almost any two tables of cases. */
 std::string figure(double value, int digits = 8)
 {
-    char buffer[32];
-    const std::to_chars_result end =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
-    return {buffer, end.ptr};
+    return NumberText::rounded(value, digits);
 }
 
 std::string line(const std::string& name, double value, const std::string& reasonForNone)
@@ -24,7 +21,7 @@ std::string line(const std::string& name, double value, const std::string& reaso
            (std::isnan(value) ? "not available (" + reasonForNone + ")" : figure(value)) + "\n";
 }
 
-/** The probability as people read it. */
+/** A p-value, as tables print it. */
 std::string probability(double p)
 {
     constexpr double smallest = 1e-4;
@@ -105,7 +102,7 @@ std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
            (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
 }
 
-/** How much a term of the inputs as they are varies over the cases. */
+/** A bound on half the range of a term of unscaled inputs over the cases. */
 double variation(const PolynomialFit& fit, std::size_t term)
 {
     const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
@@ -120,15 +117,15 @@ double variation(const PolynomialFit& fit, std::size_t term)
     return first.halfRange() * second.largest() + second.halfRange() * first.largest();
 }
 
-/** The terms of the inputs as they are that a dependent one is made of; the constant goes without
- *  saying. */
+/** The terms of unscaled inputs in the combination that equals a dependent one, without the
+ *  constant. */
 std::vector<std::string> partsOf(const PolynomialFit& fit,
                                  const PolynomialFit::Dependence& dependence)
 {
-    // What the rounding of the combination leaves of a term that is not in it.
+    // Relative to the largest share: smaller ones are rounding errors of the combination.
     constexpr double rounding = 1e-7;
 
-    // Term minus combination is 0 at the cases, and so it is when multiplied out.
+    // Term minus combination is 0 at all cases, also when expanded to unscaled inputs.
     const QuadraticBasis& basis = fit.basis();
     const PolynomialUnits units(basis, fit.inputScales());
     std::vector<double> relation = dependence.combination;
@@ -165,25 +162,25 @@ std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input)
     return names;
 }
 
-/** The terms that are dropped without a sentence of their own. */
-std::vector<std::string> notSaidOf(const PolynomialFit& fit)
+/** Dropped terms that no other sentence names. */
+std::vector<std::string> unnamedTerms(const PolynomialFit& fit)
 {
     const QuadraticBasis& basis = fit.basis();
-    std::vector<char> isSaid(basis.size(), 0);
+    std::vector<char> isNamed(basis.size(), 0);
     for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
-        isSaid[dependence.term] = 1;
+        isNamed[dependence.term] = 1;
     }
     for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
         if (fit.inputScales()[input].isConstantUpToRounding()) {
-            isSaid[1 + input] = 1;
+            isNamed[1 + input] = 1;
         }
     }
     std::vector<std::string> names;
     for (std::size_t term = 1; term < basis.size(); ++term) {
         const QuadraticBasis::Term& inputs = basis.terms()[term];
-        const bool isSaidWithInput = inputs.second != QuadraticBasis::noInput &&
-                                     (isSaid[1 + inputs.first] || isSaid[1 + inputs.second]);
-        if (fit.isWanted(term) && !fit.isKept(term) && !isSaid[term] && !isSaidWithInput) {
+        const bool isNamedWithInput = inputs.second != QuadraticBasis::noInput &&
+                                      (isNamed[1 + inputs.first] || isNamed[1 + inputs.second]);
+        if (fit.isWanted(term) && !fit.isKept(term) && !isNamed[term] && !isNamedWithInput) {
             names.push_back(basis.name(term));
         }
     }
@@ -253,7 +250,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
             (parts.empty() ? "the constant" : list(parts)) + " by these cases" +
             leftOut(isLinear ? termsWith(fit, dependence.term - 1) : std::vector<std::string>()));
     }
-    const std::vector<std::string> others = notSaidOf(fit);
+    const std::vector<std::string> others = unnamedTerms(fit);
     if (!others.empty()) {
         sentences.push_back(
             "Terms that these cases cannot separate from the others were left out: " +

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-/** What users read about the fit of a response surface, in the symbols V1, V2, .... Numbers in the
- * C locale, whatever the application has set. */
+/** The texts about the fit of a response surface, in the symbols V1, V2, .... */
 class ResponseSurfaceTexts
 {
 public:
@@ -16,9 +15,8 @@ public:
      *  where multiplying out would lose more than 1e-9 of the output's spread. */
     static std::string equation(const PolynomialFit& fit, const PolynomialFit::Output& output);
 
-    /** What the cases cannot separate, a sentence for each input or term that is left out for it:
-     *  from which others.
-     *  @param fit of all terms that are wanted. */
+    /** A sentence for each input or term that is left out, naming the terms from which the cases
+     *  cannot separate it. @param fit with all terms that are wanted. */
     static std::vector<std::string> dependences(const PolynomialFit& fit);
 
     /** A line per figure, without the warnings. @param order its name. */

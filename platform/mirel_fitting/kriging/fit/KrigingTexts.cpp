@@ -1,7 +1,8 @@
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 
+#include <mirel_fitting/numerics/NumberText.h>
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace {
@@ -68,10 +69,7 @@ std::string worstCasesText(const KrigingReport& report)
 
 std::string KrigingTexts::figure(double value, int digits)
 {
-    char text[32];
-    const std::to_chars_result end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits);
-    return std::string(text, end.ptr);
+    return NumberText::rounded(value, digits);
 }
 
 std::string KrigingTexts::lengths(const KrigingReport& report)

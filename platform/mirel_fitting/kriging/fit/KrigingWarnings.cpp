@@ -2,7 +2,7 @@
 
 #include <mirel_fitting/cases/ContradictingCases.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
-#include <mirel_fitting/polynomial/EquationText.h>
+#include <mirel_fitting/numerics/NumberText.h>
 
 namespace {
 
@@ -81,7 +81,7 @@ std::string KrigingWarnings::ofDroppedTerms(const std::vector<std::string>& name
 
 std::string KrigingWarnings::ofRaisedNugget(double nugget)
 {
-    return "The nugget was raised to " + EquationText::number(nugget) +
+    return "The nugget was raised to " + NumberText::shortest(nugget) +
            ": with less the correlation matrix cannot be factorised.";
 }
 

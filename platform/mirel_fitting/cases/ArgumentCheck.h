@@ -5,22 +5,20 @@
 #include <vector>
 
 /**
- * What a model knows of the columns it was made from: how many there are, how long, and which
- * outputs cannot be fitted. Checks the arguments of a model's constructor and, later, of its other
- * operations, so that every model refuses the same things in the same sentences. Inputs are named
- * V1, V2, ... and outputs by their offset, since a model does not know the variables' names.
- *
- * Keeps no pointer.
+ * Checks the arguments of a model's constructor and later of its other operations, so that every
+ * model refuses the same arguments with the same messages. Remembers the numbers of columns and
+ * cases and which outputs cannot be fitted, but no pointer. Inputs are named V1, V2, ... and
+ * outputs by their offset, since a model does not know the variables' names.
  */
-class TrainingColumns
+class ArgumentCheck
 {
 public:
     /**
      * @throw SurrogateModelInterface::Error if there is no case, a column is null, or an input
      *        holds a value that is not finite. Such a value in an output is no error yet.
      */
-    TrainingColumns(const std::vector<double*>& independentColumns,
-                    const std::vector<double*>& dependentColumns, std::size_t rowCount);
+    ArgumentCheck(const std::vector<double*>& independentColumns,
+                  const std::vector<double*>& dependentColumns, std::size_t rowCount);
 
     std::size_t inputs() const { return inputCount; }
     std::size_t outputs() const { return firstBadCases.size(); }

@@ -1,4 +1,4 @@
-#include <mirel_fitting/cases/TrainingColumns.h>
+#include <mirel_fitting/cases/ArgumentCheck.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -34,14 +34,14 @@ std::string counted(std::size_t number, const std::string& noun)
 
 } // namespace
 
-TrainingColumns::TrainingColumns(const std::vector<double*>& independentColumns,
-                                 const std::vector<double*>& dependentColumns, std::size_t rowCount)
+ArgumentCheck::ArgumentCheck(const std::vector<double*>& independentColumns,
+                             const std::vector<double*>& dependentColumns, std::size_t rowCount)
     : inputCount(independentColumns.size()), caseCount(rowCount)
 {
     if (rowCount == 0) {
         throw Error("There is no case to fit the model to.");
     }
-    // A negative number of rows that was widened on its way here is a number that no array has.
+    // A negative int converted to std::size_t.
     if (rowCount > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double)) {
         throw Error("The model cannot be fitted to " + std::to_string(rowCount) +
                     " cases: no column can hold so many.");
@@ -64,7 +64,7 @@ TrainingColumns::TrainingColumns(const std::vector<double*>& independentColumns,
     }
 }
 
-void TrainingColumns::requireOutput(int offset) const
+void ArgumentCheck::requireOutput(int offset) const
 {
     if (offset < 0 || static_cast<std::size_t>(offset) >= outputs()) {
         throw Error("There is no output at offset " + std::to_string(offset) + ": the model has " +
@@ -76,17 +76,16 @@ void TrainingColumns::requireOutput(int offset) const
     }
 }
 
-void TrainingColumns::requireOutputs(const std::set<int>& offsets) const
+void ArgumentCheck::requireOutputs(const std::set<int>& offsets) const
 {
     for (const int offset : offsets) {
         requireOutput(offset);
     }
 }
 
-void TrainingColumns::requireEvaluation(const std::vector<double*>& inputs,
-                                        const std::set<int>& offsets,
-                                        const std::vector<double*>& outputs,
-                                        std::size_t count) const
+void ArgumentCheck::requireEvaluation(const std::vector<double*>& inputs,
+                                      const std::set<int>& offsets,
+                                      const std::vector<double*>& outputs, std::size_t count) const
 {
     if (inputs.size() != inputCount) {
         throw Error("The model has " + counted(inputCount, "input") +
@@ -114,9 +113,9 @@ void TrainingColumns::requireEvaluation(const std::vector<double*>& inputs,
     }
 }
 
-std::size_t TrainingColumns::findNotFinite(const double* values, std::size_t count)
+std::size_t ArgumentCheck::findNotFinite(const double* values, std::size_t count)
 {
-    // 0 times a finite number is 0, and NaN otherwise: a block is tested without a branch a value.
+    // 0 * x is 0 for a finite x, else NaN: the sum tests a block without branches.
     constexpr std::size_t valuesPerBlock = 1024;
     for (std::size_t start = 0; start < count; start += valuesPerBlock) {
         const std::size_t end = std::min(start + valuesPerBlock, count);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+/** Numbers as text, in the C locale whatever the application has set. */
+class NumberText
+{
+public:
+    /** The shortest text that reads back as the same double. */
+    static std::string shortest(double value);
+
+    /** At most `digits` significant digits, without trailing zeros. */
+    static std::string rounded(double value, int digits);
+};
