@@ -16,16 +16,16 @@ void addColumn(const double* values, std::size_t count, std::uint64_t multiplier
                std::uint64_t* hashes)
 {
     for (std::size_t k = 0; k < count; ++k) {
-        // Adding 0 makes 0 of -0, which is the same input.
+        // Adding 0 turns -0 into 0: they are the same input.
         const double value = values[k] + 0.0;
         std::uint64_t bits = 0;
         std::memcpy(&bits, &value, sizeof bits);
-        // Of round numbers only the high bits differ, and a product carries them nowhere.
+        // Round numbers differ in their high bits only, which a product would shift out.
         hashes[k] += (bits ^ (bits >> 32)) * multiplier;
     }
 }
 
-/** Where in the table a row begins to look, from any of its bits. */
+/** Spreads every bit of a hash over all bits: its low ones are the first slot looked at. */
 std::uint64_t mixed(std::uint64_t hash)
 {
     hash ^= hash >> 32;
@@ -37,8 +37,8 @@ std::uint64_t mixed(std::uint64_t hash)
 
 ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std::size_t cases)
 {
-    constexpr std::uint32_t nobody = std::numeric_limits<std::uint32_t>::max();
-    assert(cases < nobody);
+    constexpr std::uint32_t emptySlot = std::numeric_limits<std::uint32_t>::max();
+    assert(cases < emptySlot);
     // The first case of a point, and a part of its hash, so that other points are seldom compared.
     struct Slot
     {
@@ -50,7 +50,7 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
     while (slots < 2 * cases) {
         slots *= 2;
     }
-    std::vector<Slot> table(slots, Slot{nobody, 0}); // open addressing
+    std::vector<Slot> table(slots, Slot{emptySlot, 0}); // open addressing
     std::vector<std::uint32_t> pointsFound(cases);
     const auto isSame = [&](std::size_t a, std::size_t b) {
         return std::all_of(columns.begin(), columns.end(),
@@ -60,7 +60,7 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
     for (std::size_t start = 0; start < cases; start += rowsPerBlock) {
         const std::size_t rows = std::min(rowsPerBlock, cases - start);
         std::fill_n(hashes, rows, 0);
-        // Odd, and unlike each other.
+        // A different odd multiplier for each column.
         std::uint64_t multiplier = 0x9e3779b97f4a7c15ULL;
         for (const double* column : columns) {
             addColumn(column + start, rows, multiplier | 1, hashes);
@@ -71,11 +71,11 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
             const std::uint64_t hash = mixed(hashes[k]);
             const auto tag = static_cast<std::uint32_t>(hash >> 32);
             std::size_t slot = hash & (slots - 1);
-            while (table[slot].row != nobody &&
+            while (table[slot].row != emptySlot &&
                    (table[slot].tag != tag || !isSame(table[slot].row, row))) {
                 slot = (slot + 1) & (slots - 1);
             }
-            if (table[slot].row == nobody) {
+            if (table[slot].row == emptySlot) {
                 table[slot] = {static_cast<std::uint32_t>(row), tag};
                 pointsFound[row] = static_cast<std::uint32_t>(points++);
             } else {
@@ -100,7 +100,7 @@ double ReplicatedCases::squaresWithin(const double* values) const
         if (counts[point] == 0.0) {
             first[point] = values[row];
         }
-        // About the point's first value: what all have in common rounds nothing.
+        // Relative to the point's first value, so that a large mean costs no digits.
         counts[point] += 1.0;
         means[point] += values[row] - first[point];
     }

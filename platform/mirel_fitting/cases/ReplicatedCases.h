@@ -4,29 +4,27 @@
 #include <cstdint>
 #include <vector>
 
-/**
- * Which cases repeat the inputs of others exactly: how their outputs differ is error that no model
- * of these inputs explains.
- */
+/** Replicates, cases with exactly the same inputs: their outputs differ by pure error, which no
+ * model of these inputs explains. */
 class ReplicatedCases
 {
 public:
-    /** Nothing is repeated. */
+    /** No replicates. */
     ReplicatedCases() = default;
 
     /**
      * O(cases) time, 36 bytes per case at most during construction, and 4 later if there are
      * replicates.
-     * @param columns one array of `cases` finite values per input that counts, borrowed for the
-     *                call. Without any, every case repeats the others.
+     * @param columns one array of `cases` finite values per input, borrowed for the call. Without
+     *                inputs, all cases are replicates of each other.
      * @param cases   less than 2^32.
      */
     ReplicatedCases(const std::vector<const double*>& columns, std::size_t cases);
 
-    /** Whether there is any replicate. */
-    bool areThere() const { return !pointOfCase.empty(); }
+    /** Whether there are replicates. */
+    bool any() const { return !pointOfCase.empty(); }
 
-    /** The cases less the distinct points among them. */
+    /** Cases minus distinct points. */
     std::size_t degreesOfFreedom() const { return pointOfCase.size() - points; }
 
     /** The sum of squares of an output about its means at the points; 0 without replicates.

@@ -65,26 +65,13 @@ void compare(AnovaRow& effect, const AnovaRow& error)
 
 } // namespace
 
-/** One way of writing the polynomial: its inputs may be shifted and scaled. */
+/** A way of writing the polynomial, with other inputs than the scaled ones: shifted, or coded. */
 struct ResponseSurfaceAnalysis::Coding
 {
-    /** From coefficients for scaled inputs to those of this coding. */
+    /** From the coefficients for scaled inputs to those of this coding. */
     std::function<Vector(const Vector&)> coefficients;
-    /** A term of this coding as a combination of those of scaled inputs. */
+    /** A term of this coding as a combination of the terms of scaled inputs. */
     std::function<Vector(std::size_t)> term;
-};
-
-/** The inputs that take part, and the eigenvectors of their second-order coefficients. */
-struct ResponseSurfaceAnalysis::Curvature
-{
-    std::vector<std::size_t> inputs;
-    std::vector<double> eigenvalues; // ascending
-    std::vector<double> directions;  // a column per eigenvalue
-    std::vector<double> slopes;      // in the middle, one per eigenvalue
-    double rounding = 0.0;           // eigenvalues and slopes up to this are none
-
-    bool isFlat(std::size_t k) const { return std::fabs(eigenvalues[k]) <= rounding; }
-    bool isAllFlat() const { return isFlat(0) && isFlat(eigenvalues.size() - 1); }
 };
 
 ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
@@ -150,15 +137,15 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
 /** The residual sum of squares of the scaled output. */
 double ResponseSurfaceAnalysis::residualSquares() const
 {
-    // What the mean leaves is the spread: computed in another way it differs by rounding.
+    // The mean leaves the squares about the mean; summed in another way they differ by rounding.
     return fit.keptCount() == 1 ? output.totalSquares : output.residualSquares;
 }
 
-/** NaN where no case is left to tell it by. */
+/** The residual standard deviation in the output's unit; NaN without degrees of freedom. */
 double ResponseSurfaceAnalysis::deviation() const
 {
-    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
-    return freedom > 0.0 ? output.scale.unit() * std::sqrt(residualSquares() / freedom) : none;
+    const auto degrees = static_cast<double>(fit.degreesOfFreedom());
+    return degrees > 0.0 ? output.scale.unit() * std::sqrt(residualSquares() / degrees) : none;
 }
 
 std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::coefficients(double level) const
@@ -186,16 +173,10 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
 {
     Vector estimates = coding.coefficients(output.coefficients);
     estimates[0] += output.scale.centre();
-    Vector variances(estimates.size(), 0.0); // for residuals of variance 1
-    for (std::size_t k = 0; k < fit.keptCount(); ++k) {
-        const Vector direction = coding.coefficients(fit.coefficientDirection(k));
-        for (std::size_t term = 0; term < variances.size(); ++term) {
-            variances[term] += direction[term] * direction[term];
-        }
-    }
+    const Vector variances = coefficientVariances(coding);
+    const auto degrees = static_cast<double>(fit.degreesOfFreedom());
+    const double quantile = degrees > 0.0 ? Distributions::studentQuantile(level, degrees) : none;
 
-    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
-    const double quantile = freedom > 0.0 ? Distributions::studentQuantile(level, freedom) : none;
     std::vector<CoefficientStatistics> result(estimates.size());
     for (std::size_t term = 0; term < result.size(); ++term) {
         CoefficientStatistics& one = result[term];
@@ -210,23 +191,45 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
         if (!one.isKept) {
             continue;
         }
-        one.estimate = estimates[term] + 0.0; // a constant output leaves -0
+        one.estimate = estimates[term] + 0.0; // -0, of a constant output, becomes 0
         one.standardError = deviation() * std::sqrt(variances[term]);
         one.t = one.estimate / one.standardError;
         if (!std::isnan(one.t)) {
-            one.p = Distributions::studentTails(one.t, freedom);
+            one.p = Distributions::studentTails(one.t, degrees);
         }
         one.lower = one.estimate - quantile * one.standardError;
         one.upper = one.estimate + quantile * one.standardError;
         if (term > 0) {
-            // The column may be a multiple of the term: so much less varies its coefficient.
-            const Vector column = coding.term(term);
-            const double multiple = coding.coefficients(column)[term];
-            one.varianceInflation =
-                variances[term] / (multiple * multiple) * squaresAboutMean(column);
+            one.varianceInflation = varianceInflation(coding, term, variances[term]);
         }
     }
     return result;
+}
+
+/** The diagonal of (X'X)^-1 in this coding: variances for residuals of variance 1. */
+ResponseSurfaceAnalysis::Vector
+ResponseSurfaceAnalysis::coefficientVariances(const Coding& coding) const
+{
+    Vector variances(fit.basis().size(), 0.0);
+    for (std::size_t k = 0; k < fit.keptCount(); ++k) {
+        const Vector direction = coding.coefficients(fit.coefficientDirection(k));
+        for (std::size_t term = 0; term < variances.size(); ++term) {
+            variances[term] += direction[term] * direction[term];
+        }
+    }
+    return variances;
+}
+
+/** The coefficient's variance over the one that it would have alone, 1 / (sum of the squares of
+ *  the term's column about its mean). */
+double ResponseSurfaceAnalysis::varianceInflation(const Coding& coding, std::size_t term,
+                                                  double variance) const
+{
+    const Vector column = coding.term(term);
+    // The column may be a multiple m of the term, whose coefficient then has the variance times
+    // m^-2.
+    const double multiple = coding.coefficients(column)[term];
+    return variance / (multiple * multiple) * squaresAboutMean(column);
 }
 
 /** The sum of squares about its mean, over the cases, of a combination of terms of scaled inputs.
@@ -246,7 +249,8 @@ double ResponseSurfaceAnalysis::squaresAboutMean(const Vector& combination) cons
     return squares;
 }
 
-/** By kind of term: what entering it takes off the residual sum of squares of the scaled output. */
+/** Sequential (type I) sums of squares by kind of term, of the scaled output: how much entering the
+ *  terms of a kind reduces the residual sum of squares. */
 std::vector<double> ResponseSurfaceAnalysis::sequentialSquares() const
 {
     const std::size_t kept = fit.keptCount();
@@ -258,7 +262,8 @@ std::vector<double> ResponseSurfaceAnalysis::sequentialSquares() const
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return kind(a) < kind(b); });
 
-    // The factor with its columns in this order, made triangular again, and the outputs with it.
+    // Permute the columns of R to this order and rotate it back to triangular form; Q' applied to
+    // R b gives the effects, whose squares are the sums.
     const auto n = static_cast<lapack_int>(kept);
     std::vector<double> matrix(kept * kept, 0.0);
     std::vector<double> rotated(kept, 0.0);
@@ -322,7 +327,7 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
 double ResponseSurfaceAnalysis::aicc() const
 {
     const double scaled = aicc(residualSquares(), fit.cases(), fit.keptCount());
-    // The logarithm of the unit by itself: its square may not be a double.
+    // log(u^2) as 2 log(u): the square of the unit may overflow.
     return std::isinf(scaled) && scaled > 0.0
                ? none
                : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit());
@@ -341,8 +346,8 @@ double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::siz
 
 std::vector<CaseLeverage> ResponseSurfaceAnalysis::largestLeverages() const
 {
-    constexpr std::size_t most = 5;
-    // Leverages that differ by less are equal but for rounding.
+    constexpr std::size_t most = 5; // as many as the quality text lists
+    // Leverages that differ by less count as equal: rounding must not decide their order.
     constexpr double step = 1e-9;
 
     const std::vector<double>& leverages = fit.leverages();
@@ -360,130 +365,4 @@ std::vector<CaseLeverage> ResponseSurfaceAnalysis::largestLeverages() const
         largest.push_back({fit.sampledRow(*position), leverages[*position]});
     }
     return largest;
-}
-
-bool ResponseSurfaceAnalysis::isSecondOrder() const
-{
-    const QuadraticBasis& basis = fit.basis();
-    for (std::size_t term = 1 + basis.inputs(); basis.order() == 2 && term < basis.size(); ++term) {
-        if (fit.isKept(term)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-ResponseSurfaceAnalysis::Curvature ResponseSurfaceAnalysis::curvature() const
-{
-    // What is below either is rounding: of the largest one, and of the output's range.
-    constexpr double ofLargest = 1e-10;
-    constexpr double ofOutput = 1e-12;
-
-    const PolynomialUnits units(fit.basis(), fit.inputScales());
-    const Vector coded = units.coded(output.coefficients);
-    Curvature result;
-    std::vector<std::size_t> position(fit.basis().inputs(), 0);
-    for (std::size_t input = 0; input < fit.basis().inputs(); ++input) {
-        if (fit.isKept(1 + input)) {
-            position[input] = result.inputs.size();
-            result.inputs.push_back(input);
-        }
-    }
-    const std::size_t size = result.inputs.size();
-    result.directions.assign(size * size, 0.0);
-    for (std::size_t term = 1 + fit.basis().inputs(); term < coded.size(); ++term) {
-        if (!fit.isKept(term)) {
-            continue;
-        }
-        const std::size_t i = position[fit.basis().terms()[term].first];
-        const std::size_t j = position[fit.basis().terms()[term].second];
-        result.directions[i * size + j] += coded[term] / 2.0;
-        result.directions[j * size + i] += coded[term] / 2.0;
-    }
-    result.eigenvalues.resize(size);
-    LAPACKE_dsyev(LAPACK_COL_MAJOR, 'V', 'U', static_cast<lapack_int>(size),
-                  result.directions.data(), static_cast<lapack_int>(size),
-                  result.eigenvalues.data());
-
-    double largest = 0.0;
-    for (std::size_t k = 0; k < size; ++k) {
-        double slope = 0.0;
-        for (std::size_t i = 0; i < size; ++i) {
-            slope += result.directions[k * size + i] * coded[1 + result.inputs[i]];
-        }
-        result.slopes.push_back(slope);
-        largest = std::max({largest, std::fabs(slope), std::fabs(result.eigenvalues[k])});
-    }
-    result.rounding = std::max(ofLargest * largest, ofOutput * output.scale.halfRange());
-    return result;
-}
-
-void ResponseSurfaceAnalysis::findStationaryPoint(ResponseSurfaceStatistics& statistics) const
-{
-    if (!isSecondOrder()) {
-        return;
-    }
-    const Curvature curved = curvature();
-    statistics.isCurved = !curved.isAllFlat();
-    if (statistics.isCurved) {
-        statistics.stationaryPoint = stationaryPoint(curved);
-    }
-}
-
-std::optional<StationaryPoint>
-ResponseSurfaceAnalysis::stationaryPoint(const Curvature& curved) const
-{
-    const QuadraticBasis& basis = fit.basis();
-    const std::size_t size = curved.inputs.size();
-    StationaryPoint point;
-    point.curvatures = curved.eigenvalues;
-    Vector coded(basis.inputs(), 0.0);
-    bool isFlat = false;
-    for (std::size_t k = 0; k < size; ++k) {
-        if (curved.isFlat(k)) {
-            if (std::fabs(curved.slopes[k]) > curved.rounding) {
-                return std::nullopt;
-            }
-            isFlat = true;
-            point.curvatures[k] = 0.0;
-            continue;
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            coded[curved.inputs[i]] -=
-                curved.slopes[k] / (2.0 * curved.eigenvalues[k]) * curved.directions[k * size + i];
-        }
-    }
-    using Nature = StationaryPoint::Nature;
-    point.nature = isFlat                             ? Nature::Ridge
-                   : curved.eigenvalues.front() > 0.0 ? Nature::Minimum
-                   : curved.eigenvalues.back() < 0.0  ? Nature::Maximum
-                                                      : Nature::Saddle;
-
-    // The coordinate of a bound of the range is 1 up to rounding.
-    constexpr double bound = 1.0 + 1e-12;
-    point.isInsideData = true;
-    point.coordinates.assign(basis.inputs(), none);
-    for (const std::size_t input : curved.inputs) {
-        const ColumnScale& scale = fit.inputScales()[input];
-        point.coordinates[input] = scale.centre() + coded[input] * scale.halfRange();
-        point.isInsideData = point.isInsideData && std::fabs(coded[input]) <= bound;
-    }
-    point.value = output.scale.centre() + valueAt(coded);
-    return point;
-}
-
-/** The polynomial about the middle of the output's range. */
-double ResponseSurfaceAnalysis::valueAt(const Vector& coded) const
-{
-    const QuadraticBasis& basis = fit.basis();
-    const Vector estimates = PolynomialUnits(basis, fit.inputScales()).coded(output.coefficients);
-    double sum = 0.0;
-    for (std::size_t term = 0; term < basis.size(); ++term) {
-        double value = estimates[term];
-        for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
-            value *= input == QuadraticBasis::noInput ? 1.0 : coded[input];
-        }
-        sum += value;
-    }
-    return sum;
 }

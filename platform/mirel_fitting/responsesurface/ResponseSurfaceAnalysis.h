@@ -6,12 +6,12 @@
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
 #include <cstddef>
-#include <optional>
 #include <vector>
 
 /**
- * What a fitted polynomial says about itself: everything follows from the triangular factor of the
- * design and a few sums, so that its cost does not depend on the number of cases.
+ * Statistics of a fitted polynomial: coefficients with their errors, analysis of variance, AICc,
+ * leverages. All follows from the triangular factor R of the design and a few sums, so that the
+ * cost does not depend on the number of cases.
  * Myers, Montgomery, Anderson-Cook: Response Surface Methodology, 4th ed., Wiley 2016, ch. 2 and 6.
  */
 class ResponseSurfaceAnalysis
@@ -50,24 +50,18 @@ public:
     /** The largest leverages of all cases, or of the sampled ones. */
     std::vector<CaseLeverage> largestLeverages() const;
 
-    /** Sets isCurved and stationaryPoint. */
-    void findStationaryPoint(ResponseSurfaceStatistics& statistics) const;
-
 private:
     using Vector = std::vector<double>; // one number per term of the basis
 
     struct Coding;
-    struct Curvature;
 
     double residualSquares() const;
     double deviation() const;
     std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
+    Vector coefficientVariances(const Coding& coding) const;
+    double varianceInflation(const Coding& coding, std::size_t term, double variance) const;
     double squaresAboutMean(const Vector& combination) const;
     std::vector<double> sequentialSquares() const;
-    Curvature curvature() const;
-    bool isSecondOrder() const;
-    std::optional<StationaryPoint> stationaryPoint(const Curvature& curved) const;
-    double valueAt(const Vector& coded) const;
 
     const PolynomialFit& fit;
     const PolynomialFit::Output& output;

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
+#include <mirel_fitting/responsesurface/StationaryPointFinder.h>
 #include <mirel_fitting/responsesurface/TermSelection.h>
 
 #include <cmath>
@@ -58,8 +59,8 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
         }
     }
     const ReplicatedCases replicated(varying, cases);
-    std::vector<double> scaled(replicated.areThere() ? cases : 0);
-    for (std::size_t k = 0; k < outputs.size() && replicated.areThere(); ++k) {
+    std::vector<double> scaled(replicated.any() ? cases : 0);
+    for (std::size_t k = 0; k < outputs.size() && replicated.any(); ++k) {
         fits[k].output().scale.apply(outputs[k], cases, scaled.data());
         fits[k].pureError.degreesOfFreedom = replicated.degreesOfFreedom();
         fits[k].pureError.squares = replicated.squaresWithin(scaled.data());
@@ -175,7 +176,9 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     statistics.meanLeverage =
         static_cast<double>(fit.keptCount()) / static_cast<double>(fit.cases());
     statistics.largestLeverages = analysis.largestLeverages();
-    analysis.findStationaryPoint(statistics);
+    const StationaryPointFinder stationary(fit, fits[output].position);
+    statistics.isCurved = stationary.isCurved();
+    statistics.stationaryPoint = stationary.find();
     for (const CoefficientStatistics& coefficient : statistics.coefficients) {
         if (!coefficient.isKept) {
             statistics.droppedTerms.push_back(coefficient.term);

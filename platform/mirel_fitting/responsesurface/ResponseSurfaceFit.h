@@ -16,8 +16,8 @@
 #include <vector>
 
 /**
- * The polynomials fitted to several outputs over the same inputs, and what users are told about
- * them. Outputs are addressed by their position among the columns given.
+ * The polynomials fitted to several outputs over the same inputs, with their statistics and texts.
+ * Outputs are addressed by their position among the columns given.
  */
 class ResponseSurfaceFit
 {

@@ -9,7 +9,7 @@
 TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
     : fit(fit), wanted(fit.basis().size(), 0)
 {
-    // Less than this share of the output's spread is rounding: no reason to keep a term.
+    // Relative to the squares about the mean: a residual below is rounding and keeps no term.
     constexpr double rounding = 1e-28;
 
     const std::size_t kept = fit.keptCount();
@@ -52,7 +52,7 @@ TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
         }
         ++dropped;
         const double without = criterion(squares + least);
-        // Infinite: the cases are too few for the terms, before and after.
+        // While AICc is infinite, terms are dropped whether or not it falls.
         if (!(without < current) && std::isfinite(current)) {
             --dropped;
             break;
@@ -90,7 +90,7 @@ bool TermSelection::isNeededByOthers(std::size_t term) const
     return false;
 }
 
-/** The coefficients of the others and their inverse follow without a new factorisation. */
+/** Updates the other coefficients and (X'X)^-1 by a sweep, without a new factorisation. */
 void TermSelection::drop(std::size_t position)
 {
     const std::size_t kept = coefficients.size();

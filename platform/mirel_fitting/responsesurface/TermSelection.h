@@ -6,14 +6,13 @@
 #include <vector>
 
 /**
- * Chooses the terms that an output needs: backward, one after the other, each time the one without
- * which the corrected Akaike information criterion is lowest, as long as that lowers it. A linear
- * term stays while a kept term of second order has its input, so that the choice does not depend on
- * the origins of the inputs (the hierarchy principle: Peixoto, Am. Stat. 44 (1990)). The constant
- * stays.
+ * Backward elimination of the terms of one output: drops the term whose loss gives the lowest
+ * corrected Akaike information criterion (AICc), as long as that falls. The constant is kept, and
+ * each linear term while a second-order term of its input is kept, so that the choice does not
+ * depend on the origins of the inputs (the hierarchy principle: Peixoto, Am. Stat. 44 (1990)).
  *
- * Where the cases are hardly more than the terms the criterion is infinite: terms go until it is
- * finite, and all of them stay if it never is.
+ * With hardly more cases than terms AICc is infinite: terms are dropped until it is finite, or all
+ * are kept if it never is.
  *
  * O(p^3) for p terms, whatever the number of cases.
  */
@@ -37,7 +36,7 @@ private:
     const PolynomialFit& fit;
     std::vector<char> wanted;
     std::size_t dropped = 0;
-    // Of the terms left, in the order of the factor; zeros in the rows and columns of the others.
-    std::vector<double> inverse; // of the normal equations, by columns
+    // In the order of the factor; 0 for dropped terms.
+    std::vector<double> inverse; // (X'X)^-1, by columns
     std::vector<double> coefficients;
 };

@@ -23,7 +23,7 @@ TEST(ReplicatedCases, AreNoneWhereEveryCaseDiffers)
 {
     const ReplicatedCases cases = replicated({{1, 1, 2}, {1, 2, 1}}, 3);
 
-    EXPECT_FALSE(cases.areThere());
+    EXPECT_FALSE(cases.any());
     EXPECT_EQ(cases.degreesOfFreedom(), 0u);
     EXPECT_EQ(cases.squaresWithin(Column{1, 2, 3}.data()), 0.0);
 }

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/polynomial/PolynomialFit.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+/**
+ * The canonical analysis of a fitted quadratic polynomial: with inputs x coded to [-1, 1],
+ * y = b0 + b'x + x'Bx is stationary at x = -B^-1 b / 2, and the eigenvalues of B say whether that
+ * is a minimum, a maximum, a saddle or a ridge. Along a direction whose eigenvalue is 0 up to
+ * rounding, the point nearest to the middle of the ranges is taken.
+ * Myers, Montgomery, Anderson-Cook: Response Surface Methodology, 4th ed., Wiley 2016, 6.3.
+ */
+class StationaryPointFinder
+{
+public:
+    /** @param fit is borrowed; it must outlive this object. `output` is a position in outputs(). */
+    StationaryPointFinder(const PolynomialFit& fit, std::size_t output);
+
+    /** Whether any eigenvalue of B exceeds rounding. */
+    bool isCurved() const;
+
+    /** None without curvature, or if the polynomial rises along a direction without. */
+    std::optional<StationaryPoint> find() const;
+
+private:
+    bool hasSecondOrderTerms() const;
+    void decompose();
+    bool isFlat(std::size_t k) const;
+    StationaryPoint::Nature nature() const;
+    double valueAt(const std::vector<double>& coded) const;
+
+    const PolynomialFit& fit;
+    const PolynomialFit::Output& output;
+    std::vector<double> coefficients; // for coded inputs, one per term of the basis
+    std::vector<std::size_t> inputs;  // those that the polynomial has
+    std::vector<double> eigenvalues;  // of B, ascending; empty without second-order terms
+    std::vector<double> directions;   // eigenvectors, a column per eigenvalue
+    std::vector<double> slopes;       // b along each direction
+    double rounding = 0.0;            // eigenvalues and slopes up to this count as 0
+};
