@@ -14,7 +14,7 @@ struct Extremes
     double highest;
 };
 
-/** Lane by lane, so that no comparison waits for the one before. */
+/** Eight independent lanes hide the latency of a comparison. */
 SURROGATE_SIMD Extremes extremesOf(const double* values, std::size_t count)
 {
     constexpr std::size_t lanes = 8;

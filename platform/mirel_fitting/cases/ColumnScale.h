@@ -29,17 +29,15 @@ public:
     /** Half of it, finite; 0 for a constant column. */
     double halfRange() const { return highest / 2.0 - lowest / 2.0; }
 
-    /**
-     * Whether the values differ by what computing the same number in several ways leaves, as 0.3
-     * and 0.1 + 0.2 do: a few units in the last place. A model must not make an influence of it.
-     */
+    /** Whether the values differ by rounding only, at most four epsilon, as 0.3 and 0.1 + 0.2 do: a
+     *  model must not take that for an influence. */
     bool isConstantUpToRounding() const;
 
     /** The largest magnitude among the values. */
     double largest() const;
 
-    /** How far a scaled value may be off because the column holds rounded numbers: half a unit in
-     *  the last place of the largest one, in scaled units. */
+    /** The rounding error of the values, in scaled units: half a unit in the last place of the
+     *  largest one. */
     double rounding() const;
 
     /** @param scaled receives `count` values; may be `values` itself. */

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-/** Doubles, aligned for the registers and cache lines that they are read through. */
+/** An array of doubles aligned to cache lines, as SIMD registers load them fastest. */
 class AlignedBuffer
 {
 public:

@@ -52,15 +52,15 @@ private:
         return failure ? chunks : next++;
     }
 
-    // The earliest chunk that is not handed over has been taken by a thread that does not wait.
+    // No deadlock: the thread that has the earliest chunk not yet handed over never waits.
     bool waitForTurn(std::size_t chunk, const std::function<void()>& pause)
     {
-        constexpr std::chrono::milliseconds patience(50);
+        constexpr std::chrono::milliseconds interval(50); // often enough for progress bars
 
         std::unique_lock<std::mutex> lock(mutex);
-        while (!changed.wait_for(lock, patience, [&] { return turn == chunk || failure; })) {
+        while (!changed.wait_for(lock, interval, [&] { return turn == chunk || failure; })) {
             if (pause) {
-                lock.unlock(); // it may take its time, and throw
+                lock.unlock(); // pause() may take long, or throw
                 pause();
                 lock.lock();
             }
@@ -138,7 +138,7 @@ void OrderedChunks::run(std::size_t chunks, int threads,
             });
         }
     } catch (const std::system_error&) {
-        // The machine gives no more threads: those that there are take all chunks.
+        // The system refuses more threads: those already started take all chunks.
     }
     schedule.work(*workers[0], report, pause);
     for (std::thread& other : others) {

@@ -4,9 +4,9 @@
 #include <cstring>
 
 /**
- * Eight doubles that are computed with together: the compiler maps them to the registers of the
- * instruction set that a function is compiled for. All operations are those of IEEE arithmetic lane
- * by lane, so the results are the same bits on every processor.
+ * A vector of eight doubles, which the compiler maps to the registers of the instruction set that a
+ * function is compiled for. Operations are IEEE arithmetic lane by lane, without fused
+ * multiply-add, so that results have the same bits on every processor.
  */
 using Lanes = double __attribute__((vector_size(64)));
 using LaneBits = long long __attribute__((vector_size(64)));
@@ -63,11 +63,12 @@ SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double c
  */
 SURROGATE_LANE_OPERATION expOfNegative(const Lanes& a, Lanes& result)
 {
-    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2; ln 2 in two parts so that k ln 2 is exact enough.
+    // exp(x) = 2^k exp(r), |r| <= ln 2 / 2; ln 2 is split into two parts so that k ln2High is
+    // exact.
     constexpr double log2OfE = 1.44269504088896340736;
     constexpr double ln2High = 6.93147180369123816490e-01;
     constexpr double ln2Low = 1.90821492927058770002e-10;
-    // Adding it rounds to an integer, which then stands in the low bits of the sum.
+    // 1.5 * 2^52: adding it rounds to an integer, which is in the low bits of the sum.
     constexpr double rounder = 6755399441055744.0;
     constexpr double largest = 708.0;
     constexpr int mantissaBits = 52;
@@ -77,8 +78,8 @@ SURROGATE_LANE_OPERATION expOfNegative(const Lanes& a, Lanes& result)
     const Lanes k = shifted - rounder;
     const Lanes r = (x - k * ln2High) - k * ln2Low;
 
-    // The Taylor series to the 13th power: its remainder is below 1e-17. Even and odd powers apart,
-    // as one sum after the other would take twice as long.
+    // The Taylor series to the 13th power: its remainder is below 1e-17. Even and odd powers are
+    // two independent sums, which halves the latency.
     const Lanes square = r * r;
     Lanes even = Lanes{} + 1.0 / 479001600.0;
     Lanes odd = Lanes{} + 1.0 / 6227020800.0;

@@ -7,26 +7,26 @@
 namespace {
 
 std::mutex mutex;
-int living = 0;
-int before = 1;
+int objects = 0;
+int previousThreads = 1;
 
 } // namespace
 
 SingleThreadedBlas::SingleThreadedBlas()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (living == 0) {
-        before = openblas_get_num_threads();
+    if (objects == 0) {
+        previousThreads = openblas_get_num_threads();
         openblas_set_num_threads(1);
     }
-    ++living;
+    ++objects;
 }
 
 SingleThreadedBlas::~SingleThreadedBlas()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    --living;
-    if (living == 0) {
-        openblas_set_num_threads(before);
+    --objects;
+    if (objects == 0) {
+        openblas_set_num_threads(previousThreads);
     }
 }

@@ -1,11 +1,10 @@
 #pragma once
 
 /**
- * While one lives, OpenBLAS works with one thread; what was set before is restored. How its threads
- * share the work decides about the rounding, and where cases lie so close that the matrix is nearly
- * singular, rounding decides about more digits of a fit than users would accept to depend on the
- * number of threads. The setting is one of the whole process: of several that live at a time, in
- * whatever threads, the first one makes it and the last one restores it.
+ * Sets OpenBLAS to one thread while an object of this class exists, then restores the previous
+ * number. OpenBLAS rounds differently with each number of threads, and nearly singular matrices
+ * amplify that to digits that users see. The setting is global to the process: of several objects,
+ * in whatever threads, the first one changes it and the last one restores it.
  */
 class SingleThreadedBlas
 {

@@ -11,13 +11,14 @@
 
 namespace {
 
-// Wide enough for the matrix products to run at full speed, narrow enough for the diagonal blocks,
-// which one thread works on alone, to be a small part of the whole.
+// Columns. Wide enough for the matrix products to run at full speed; narrow enough for the diagonal
+// blocks, which one thread factorises alone, to be a small part of the work.
 constexpr std::size_t blockSize = 128;
 
-// Columns of the inverse at a time: more would compute more of what lies above the diagonal.
+// Columns of the inverse at a time: more would compute more elements above the diagonal in vain.
 constexpr std::size_t inverseColumns = 64;
 
+// Columns that a thread takes at a time in forColumns(): enough ranges to balance the load.
 constexpr std::size_t columnsPerRange = 32;
 
 std::size_t blocksIn(std::size_t count, std::size_t size)
@@ -59,7 +60,7 @@ void subtractProduct(CBLAS_TRANSPOSE side, const double* panel, std::size_t rows
                 static_cast<int>(columnStride), 1.0, target, static_cast<int>(columnStride));
 }
 
-// Of the factor at a time when solving with it: a fraction of a tenth of a second.
+// Rows of the factor between two reports of a substitution: less than a tenth of a second.
 constexpr std::size_t solvedRows = 512;
 
 /** Forward substitution. */
@@ -91,7 +92,7 @@ void substituteBack(const double* factor, std::size_t order, std::size_t stride,
     }
 }
 
-/** Computes blocks of columns of the inverse and shows them to a visitor. */
+/** Computes blocks of columns of the inverse and passes them to a visitor. */
 class InverseWorker : public OrderedChunks::Worker
 {
 public:
@@ -109,7 +110,7 @@ public:
         for (std::size_t j = 0; j < columns; ++j) {
             block[j * rows + j] = 1.0;
         }
-        // Rows above the first column do not enter: the factor is lower triangular.
+        // The factor is lower triangular: rows above the first column stay 0.
         const double* corner = factor + first * order + first;
         substitute(corner, rows, order, block.data(), columns, rows);
         substituteBack(corner, rows, order, block.data(), columns, rows);
@@ -187,7 +188,7 @@ bool BlockedCholesky::factoriseBlocks()
             return false;
         }
 
-        // The rows below the block, and then what they take off the columns to their right.
+        // Right-looking: solve for the panel below the block, then update the columns to its right.
         const std::size_t below = first + width;
         const std::size_t blocks = blocksIn(size - below, blockSize);
         const auto rowsOf = [&](std::size_t block) {
@@ -205,7 +206,7 @@ bool BlockedCholesky::factoriseBlocks()
         const OrderedChunks::Work subtract = [&](std::size_t block) {
             const std::size_t column = below + block * blockSize;
             const double* rows = panel + block * blockSize;
-            // Whole blocks on the diagonal too: nobody reads what is above it.
+            // Diagonal blocks as a whole: what is above the diagonal is never used.
             cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(size - column),
                         rowsOf(block), columns, -1.0, rows, stride, rows, stride, 1.0,
                         matrix.data() + column * size + column, stride);

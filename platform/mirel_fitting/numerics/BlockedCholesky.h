@@ -10,18 +10,18 @@
 
 /**
  * Cholesky factor of a symmetric positive definite matrix, and the columns of its inverse, for
- * orders up to some ten thousand: in blocks of fixed size, which several threads share and between
- * which the work is reported by FitProgress::advance(), in multiplications, at least every tenth of
- * a second; what that throws ends the work and passes through. The blocks are the same whatever the
- * number of threads, and so is every bit of the result. Golub, Van Loan: Matrix Computations, 4th
- * ed., Johns Hopkins 2013, 4.2.9.
+ * orders up to some ten thousand. Several threads share blocks of fixed size, which do not depend
+ * on the number of threads, so that neither do the bits of the result. Between blocks, at least
+ * every tenth of a second, FitProgress::advance() gets the multiplications done; an exception of it
+ * ends the work and passes through. Golub, Van Loan: Matrix Computations, 4th ed., Johns Hopkins
+ * 2013, 4.2.9.
  *
  * OpenBLAS has to work with one thread meanwhile (SingleThreadedBlas).
  */
 class BlockedCholesky
 {
 public:
-    /** Below this order nothing is split: starting a thread would take longer than it saves. */
+    /** Below this order, starting threads takes longer than they save. */
     static constexpr std::size_t smallestToSplit = 500;
 
     BlockedCholesky(std::size_t order, int threads);
@@ -30,7 +30,8 @@ public:
     /** 1 where the order is too small to split. */
     int threads() const { return threadCount; }
 
-    /** By columns; the caller writes the lower triangle, factorise() turns it into the factor. */
+    /** By columns; the caller writes the lower triangle, which factorise() replaces by the factor.
+     *  What is above the diagonal is undefined. */
     double* values() { return matrix.data(); }
     const double* values() const { return matrix.data(); }
 
@@ -43,7 +44,7 @@ public:
     /** The same with the transposed factor. */
     void solveTransposed(double* columns, std::size_t count) const;
 
-    /** Takes the columns of the inverse, from the diagonal downwards, a block at a time. */
+    /** Receives the lower triangle of the inverse, a block of columns at a time. */
     class Visitor
     {
     public:
@@ -56,13 +57,13 @@ public:
         virtual void visit(std::size_t first, std::size_t columns, const double* block,
                            std::size_t stride) = 0;
 
-        /** Gives away what the last visit() made; in the order of the columns, never while another
-         *  visitor does. */
+        /** Adds the result of the last visit() to the whole: in the order of the columns, never
+         *  concurrently. */
         virtual void handOver() = 0;
     };
 
     /**
-     * The inverse by the factor, which is kept.
+     * Computes the inverse from the factor, which is kept.
      * @param makeVisitor is called on the calling thread, once per thread used.
      */
     void visitInverse(const std::function<std::unique_ptr<Visitor>()>& makeVisitor);

@@ -10,7 +10,7 @@
 
 namespace {
 
-/** Reflections that are applied together: few, as a block has few columns. */
+/** Reflections that LAPACK applies together (its nb): few, as a block has few columns. */
 std::size_t reflectionsPerPanel(std::size_t columns)
 {
     return std::min(columns, std::clamp<std::size_t>(columns / 6, 8, 32));
@@ -22,8 +22,8 @@ double length(const double* begin, std::size_t count)
 }
 
 /**
- * Turns column `pivot` of `matrix` into one that ends at row `first`, by a reflection of the rows
- * `first` to `last` that is applied to the columns from `pivot` on and to all of `outputs`.
+ * One Householder reflection of the rows `first` to `last`, which zeros column `pivot` below row
+ * `first`; applied to the columns from `pivot` on and to all of `outputs`.
  */
 void reflect(std::vector<double>& matrix, std::size_t columns, std::vector<double>& outputs,
              std::size_t outputCount, std::size_t pivot, std::size_t first, std::size_t last)
@@ -108,10 +108,10 @@ BlockedLeastSquares::Solution
 BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
 {
     assert(descriptions.size() == columnCount);
-    // What the kept columns must leave of a column for it to be kept without looking at the
-    // rounding of the data.
+    // A column with at least this share orthogonal to the kept ones is kept whatever the rounding
+    // of the data is.
     constexpr double clearlySeparable = 1e-3;
-    // The rounding errors of single values do not all point the same way.
+    // A factor of safety on the estimate of the rounding errors.
     constexpr double roundingMargin = 2.0;
 
     const double rootOfRows = std::sqrt(static_cast<double>(rowCount));
@@ -119,7 +119,7 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
     std::vector<double> rotated = rotatedOutputs;
     std::vector<char> isKept(columnCount, 0);
     Solution solution;
-    std::vector<double>& factor = solution.factor; // kept columns of columnCount rows, for now
+    std::vector<double>& factor = solution.factor; // until the end with columnCount rows
     factor.reserve(columnCount * columnCount);
 
     const auto kept = [&](std::size_t parent) {

@@ -16,8 +16,8 @@
 class BlockedLeastSquares
 {
 public:
-    /** The part of a block's size that does not depend on the machine, so that neither do the
-     *  results: a block of 45 columns stays in a second-level cache. */
+    /** Fixed, so that results do not depend on the machine. A block of 45 columns takes 184 KB and
+     *  stays in a second-level cache. */
     static constexpr std::size_t rowsPerBlock = 512;
 
     /** What decides whether a column of the design is worth keeping. */
@@ -25,15 +25,15 @@ public:
     {
         static constexpr std::size_t noParent = static_cast<std::size_t>(-1);
 
-        /** Whether the column says nothing that the constant does not: it is dropped. */
+        /** Constant up to rounding: the column is dropped. */
         bool isConstant = false;
-        /** Error of the column's values by the rounding of the data they come from. */
+        /** Rounding error of the column's values, from the data they are computed from. */
         double rounding = 0.0;
         /** Earlier columns without which this one is dropped, too. */
         std::size_t parents[2] = {noParent, noParent};
     };
 
-    /** As many as a person reads. */
+    /** Dependences that are listed: as many as a person reads. */
     static constexpr std::size_t mostDependences = 20;
 
     /** A column that was dropped for being a combination of those kept before it. */
@@ -52,8 +52,8 @@ public:
         std::vector<double> factor;
         /** kept.size() coefficients per output, in the order of `kept`. */
         std::vector<double> coefficients;
-        /** Columns that are constant, or whose parents are dropped, are not among them; nor are
-         *  more than mostDependences. */
+        /** The first mostDependences; without columns that are constant or whose parents are
+         *  dropped. */
         std::vector<Dependence> dependences;
     };
 
@@ -71,13 +71,13 @@ public:
 
     /**
      * Decides, from the first column to the last, which columns to keep, and solves for those. A
-     * column is dropped if what the kept ones do not explain of it is below separableFraction of
-     * its length, or no more than the rounding of the data can make.
+     * column is dropped if its part orthogonal to the kept ones is shorter than separableFraction
+     * of the column, or than the rounding of the data may make it.
      */
     Solution solve(const std::vector<Column>& descriptions) const;
 
-    /** Far above what the factorisation's own rounding leaves of a dependent column (about 1e-14),
-     *  and small enough that no column is lost which still gets six digits. */
+    /** Far above the rounding of the factorisation, which leaves about 1e-14 of a dependent column;
+     *  small enough to keep every column whose coefficient still has six digits. */
     static constexpr double separableFraction = 1e-10;
 
 private:

@@ -4,28 +4,26 @@
 #include <vector>
 
 /**
- * A concave quadratic model of a function, g'x - x'Hx / 2, and its maximum within a box that
- * contains the origin.
+ * Maximises a concave quadratic model g'x - x'Hx / 2 within a box that contains the origin.
  *
- * Which variables end on the box is guessed, and the guess corrected by all variables whose slope
- * or place contradicts it; that nearly always settles in a few rounds, each of which costs one
- * Cholesky factor, however many variables there are. Where it does not, a primal active-set method
- * goes on from the origin: the model rises with every round, so that the point leads uphill
- * wherever it ends. Hintermueller, Ito, Kunisch: The primal-dual active set strategy as a
- * semismooth Newton method, SIAM J. Optim. 13 (2002); Nocedal, Wright: Numerical Optimization, 2nd
- * ed., Springer 2006, section 16.5.
+ * A primal-dual active-set method guesses which variables end on a bound, solves for the others,
+ * and corrects the guess where the sign of a slope or a bound contradicts it. That nearly always
+ * converges in a few iterations of one Cholesky factor each, whatever the number of variables.
+ * Where it does not, a primal active-set method starts from the origin; its value rises with every
+ * iteration, so that it may be stopped anywhere. Hintermueller, Ito, Kunisch: The primal-dual
+ * active set strategy as a semismooth Newton method, SIAM J. Optim. 13 (2002); Nocedal, Wright:
+ * Numerical Optimization, 2nd ed., Springer 2006, section 16.5.
  *
- * Of more than `mostFewVariables` both begin where sweeps over the variables lead, one variable at
- * a time to its maximum, which needs no factor; and after mostFactors() the point reached is taken:
- * it leads uphill, too, and a step of a search is not worth minutes.
+ * For more than `mostFewVariables` both methods start from the result of coordinate ascent, which
+ * needs no factor, and stop after mostFactors() factors.
  */
 class BoxConstrainedQuadratic
 {
 public:
     static constexpr std::size_t mostFewVariables = 64;
 
-    /** As many as take about 1e8 multiplications, and 8 at least: of so many variables as make
-     * these take longer, the sweeps have placed most. Unlimited for few variables. */
+    /** As many factors as take about 1e8 multiplications (some hundredths of a second), 8 at least;
+     *  unlimited for few variables. */
     static std::size_t mostFactors(std::size_t variables);
 
     /**

@@ -24,8 +24,8 @@ SURROGATE_LANE_OPERATION subtractEarlier(const double* factor, std::size_t width
     }
 }
 
-/** Forward substitution with the tile of the factor on the diagonal at `first`: eight vectors, of
- *  which each is one unknown of eight systems. */
+/** Forward substitution with the tile of the factor on the diagonal at `first`, for eight right
+ *  sides at once: each vector is one unknown of the eight systems. */
 SURROGATE_LANE_OPERATION solveTile(const double* factor, std::size_t width, std::size_t first,
                                    Lanes (&unknowns)[tile])
 {
@@ -83,7 +83,8 @@ SURROGATE_SIMD void factoriseBelow(double* factor, std::size_t width, std::size_
     }
 }
 
-/** Forward substitution of so many columns at once, in place: each alone would wait for itself. */
+/** Forward substitution of `count` columns, in place: together they hide the latency of a single
+ *  chain of operations. */
 template <std::size_t count>
 SURROGATE_LANE_OPERATION substitute(const double* factor, std::size_t width, double* columns)
 {
@@ -107,7 +108,7 @@ SURROGATE_LANE_OPERATION substitute(const double* factor, std::size_t width, dou
             loadLanes(corner, rows);
 #pragma GCC unroll 8
             for (std::size_t c = 0; c < count; ++c) {
-                // Above the diagonal the factor is zero, so that what is solved stays as it is.
+                // Above the diagonal the factor is zero: unknowns already solved do not change.
                 const double solved = rest[c][k] / corner[k];
                 rest[c] -= rows * solved;
                 rest[c][k] = solved;
@@ -192,7 +193,7 @@ SmallCholesky::SmallCholesky(std::size_t order)
 bool SmallCholesky::factorise(double* matrix)
 {
     for (std::size_t j = 0; j < order; ++j) {
-        // What is above the diagonal of a tile enters nothing that is read, but has to be a number.
+        // Tiles are processed whole: above the diagonal, where nothing is read, zeros keep NaN out.
         double* column = factor.data() + j * width;
         std::fill(column + j / tile * tile, column + j, 0.0);
         std::copy(matrix + j * order + j, matrix + (j + 1) * order, column + j);

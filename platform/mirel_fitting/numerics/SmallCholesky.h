@@ -5,16 +5,16 @@
 #include <cstddef>
 
 /**
- * Cholesky factor and inverse of a symmetric positive definite matrix of up to some hundred rows.
- * There a general library spends more time on finding out what to do than on doing it: this does
- * one thing, on tiles of eight by eight that stay in the registers, in the order of the textbook
- * (Golub, Van Loan: Matrix Computations, 4th ed., Johns Hopkins 2013, 4.2.5 and 4.2.9). All
- * processors give the same bits.
+ * Cholesky factor and inverse of a symmetric positive definite matrix of up to some hundred rows,
+ * where LAPACK's overhead per call exceeds the arithmetic: Kriging fits of 50 to 100 cases take up
+ * to twice as long with LAPACK (docs/performance.md). Works on tiles of eight by eight, which stay
+ * in registers, in the order of Golub, Van Loan: Matrix Computations, 4th ed., Johns Hopkins 2013,
+ * 4.2.5 and 4.2.9. All processors give the same bits.
  */
 class SmallCholesky
 {
 public:
-    /** Above this order a general library is faster. */
+    /** Above this order LAPACK is as fast. */
     static constexpr std::size_t largestOrder = 128;
 
     explicit SmallCholesky(std::size_t order);
@@ -26,8 +26,8 @@ public:
      */
     bool factorise(double* matrix);
 
-    /** The lower triangle of the inverse of what was last factorised: that of row i and column j is
-     *  result[j * stride() + i]. Valid until the next call. */
+    /** The lower triangle of the inverse of the last matrix factorised; the element of row i and
+     *  column j is result[j * stride() + i]. Valid until the next call. */
     const double* invert();
 
     std::size_t stride() const { return width; }
@@ -37,7 +37,7 @@ public:
 
 private:
     std::size_t order;
-    std::size_t width; // the order, filled up to whole tiles with ones on the diagonal
+    std::size_t width; // the order, padded to whole tiles by an identity matrix
     AlignedBuffer factor;
     AlignedBuffer factorInverse; // by rows
     AlignedBuffer inverse;

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t rowsPerBlock = DesignPass::rowsPerBlock;
 
-/** Terms in the order in which they are preferred: what an earlier one explains, a later one need
- *  not. */
+/** The wanted terms, squares before products: of terms that cannot be separated, the first ones are
+ *  kept. */
 std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis,
                                          const std::vector<char>& isWanted)
 {
@@ -39,13 +39,13 @@ std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis,
 }
 
 /**
- * A term of second order is worth keeping only beside the linear terms of its inputs: where one of
- * those is dropped, the input is a combination of others, and so is every product with it. Besides,
- * only such a set of terms stays the same when an input is shifted.
+ * The linear terms of its inputs are the parents of a second-order term: an input whose linear term
+ * is dropped is a combination of others, and so is every product with it. Such hierarchical models
+ * are also the only ones that do not depend on the origins of the inputs.
  */
-std::vector<BlockedLeastSquares::Column> describe(const QuadraticBasis& basis,
-                                                  const std::vector<std::size_t>& order,
-                                                  const std::vector<ColumnScale>& scales)
+std::vector<BlockedLeastSquares::Column> describeColumns(const QuadraticBasis& basis,
+                                                         const std::vector<std::size_t>& order,
+                                                         const std::vector<ColumnScale>& scales)
 {
     std::vector<BlockedLeastSquares::Column> columns(order.size());
     std::vector<std::size_t> columnOfTerm(basis.size(), BlockedLeastSquares::Column::noParent);
@@ -156,7 +156,7 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
 
 bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& progress)
 {
-    // Fewer take no time whichever way, and rotations keep all digits.
+    // Fewer cases take milliseconds in either way, and the rotations keep all digits.
     constexpr std::size_t fewestCases = 4096;
     // A residual that changes by less, relatively, shows the same digits.
     constexpr double negligible = 1e-10;
@@ -193,7 +193,7 @@ void PolynomialFit::solveByRotations(const FitColumns& columns, double progress)
     const std::vector<std::size_t> order = preferenceOrder(polynomial, wanted);
     BlockedLeastSquares::Solution solution =
         accumulate<BlockedLeastSquares>(columns, order, progress, 0.7)
-            .solve(describe(polynomial, order, scales));
+            .solve(describeColumns(polynomial, order, scales));
 
     std::vector<std::size_t> terms;
     for (const std::size_t column : solution.kept) {
@@ -262,12 +262,12 @@ void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResi
 
 void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
 {
-    // One at random of each of as many stretches: a pattern that repeats from case to case cannot
-    // hide between them.
+    // A random case of each interval: at regular steps, a periodic pattern in the cases could be
+    // missed.
     std::mt19937_64 generator(caseCount);
-    const auto startOf = [&](std::size_t stretch) {
-        return stretch * (caseCount / mostSampled) +
-               stretch * (caseCount % mostSampled) / mostSampled;
+    const auto startOf = [&](std::size_t interval) {
+        return interval * (caseCount / mostSampled) +
+               interval * (caseCount % mostSampled) / mostSampled;
     };
     for (std::size_t k = 0; k < mostSampled && caseCount > mostSampled; ++k) {
         sample.push_back(startOf(k) + generator() % (startOf(k + 1) - startOf(k)));
@@ -312,7 +312,7 @@ void PolynomialFit::variances(const std::vector<double*>& inputs, std::size_t co
         for (std::size_t input = 0; input < inputs.size(); ++input) {
             scales[input].apply(inputs[input] + start, rows,
                                 scaledInputs.data() + input * rowsPerBlock);
-            // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+            // 0 * x is 0 for a finite x, else NaN: also for an input without influence.
             for (std::size_t row = 0; row < rows; ++row) {
                 result[start + row] += 0.0 * inputs[input][start + row];
             }

@@ -15,10 +15,9 @@ struct FitResiduals;
  * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
  * does not depend on their number.
  *
- * The factor is that of the normal equations where many cases make the terms clearly separable:
- * then the residuals' pass refines the coefficients to the digits that orthogonal factorisation
- * gives (corrected seminormal equations: Bjorck, Linear Algebra Appl. 88/89 (1987)). Else it is
- * rotated from the cases themselves, which can tell what is separable to the last digits.
+ * Many cases with clearly separable terms are fitted by NormalEquations, refined by the residuals
+ * to the digits of an orthogonal factorisation. All others are fitted by such a factorisation
+ * (BlockedLeastSquares), which also decides which terms the cases can separate.
  */
 class PolynomialFit
 {
@@ -32,17 +31,17 @@ public:
         std::vector<double> coefficients;
         double totalSquares = 0.0; ///< about the mean
         double residualSquares = 0.0;
-        double press = 0.0; ///< sum of the squared residuals that leaving out each case would give
-        /** Of each sampled case: the output as given, and what it lies above the polynomial,
-         *  in units of `scale`. */
+        double press = 0.0; ///< sum of the squared deleted residuals (of fits without the case)
+        /** Of each sampled case: the output y as given, and the residual y - yhat in units of
+         *  `scale`. */
         std::vector<double> values;
         std::vector<double> residuals;
     };
 
-    /** More cases than this are sampled: what is kept of each must not count beside the data. */
+    /** Of more cases, a sample of so many is kept: its memory must be small beside the data. */
     static constexpr std::size_t mostSampled = 100000;
 
-    /** A term that is a combination of kept ones at the cases. */
+    /** A term that equals a linear combination of kept terms at all cases. */
     struct Dependence
     {
         std::size_t term;
@@ -68,15 +67,15 @@ public:
     const std::vector<ColumnScale>& inputScales() const { return scales; }
     const std::vector<Output>& outputs() const { return fits; }
 
-    /** Whether the cases can separate the term from those before it; lower orders come before
-     *  higher ones, and squares before products. The constant is always kept. */
+    /** Whether the cases can separate the term from those before it in the order constant, linear,
+     *  squares, products. The constant is always kept. */
     bool isKept(std::size_t term) const { return keptFlags[term] != 0; }
 
     /** Whether the term was wanted in the first place. */
     bool isWanted(std::size_t term) const { return wanted.empty() || wanted[term] != 0; }
 
-    /** What the terms that the cases cannot separate are made of; terms with an input that is
-     *  dropped, or constant, are not among them. The first of them, if there are many. */
+    /** The terms that the cases cannot separate, without those of an input that is dropped or
+     *  constant; at most BlockedLeastSquares::mostDependences. */
     const std::vector<Dependence>& dependences() const { return dependentTerms; }
 
     std::size_t keptCount() const { return keptTerms.size(); }
@@ -91,37 +90,32 @@ public:
         return factor[column * keptTerms.size() + row];
     }
 
-    /** Cases that are left to tell the error by. */
+    /** Residual degrees of freedom, n - p. */
     std::size_t degreesOfFreedom() const { return caseCount - keptTerms.size(); }
 
-    /**
-     * False if a case stands alone in the direction of some term (leverage 1): the polynomial
-     * passes through it whatever its value, and leaving it out leaves no such fit.
-     */
+    /** False if a case has leverage 1: the polynomial passes through it whatever its value, and
+     *  without it the terms cannot be fitted. */
     bool isPressAvailable() const { return pressAvailable; }
 
-    /** The cases of which more than sums is known, ascending: all, or one at random of each of
-     *  `mostSampled` stretches of equal length. */
+    /** The cases whose single residuals and leverages are kept, ascending: all, or a random one of
+     *  each of `mostSampled` intervals of equal length. */
     std::size_t sampledCount() const { return leverageOfSample.size(); }
     std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
 
-    /** One per sampled case: the share of its output in its own prediction, from 0 to 1. */
+    /** One per sampled case: d yhat / d y, from 0 to 1. */
     const std::vector<double>& leverages() const { return leverageOfSample; }
 
-    /** Whether a case of this leverage is fitted whatever its output is, up to rounding. */
+    /** Whether this leverage is 1 up to rounding. */
     static bool isDeterminedAlone(double leverage);
 
     /**
-     * The leverages that other points would have: the variance of the prediction there for
-     * residuals of variance 1.
+     * The variances x'(X'X)^-1 x of the prediction at other points, for residuals of variance 1.
      * @param inputs one array of `count` values per input, not scaled; borrowed for the call.
      */
     void variances(const std::vector<double*>& inputs, std::size_t count, double* result) const;
 
-    /**
-     * One of keptCount() vectors whose squares sum to the variances of the coefficients, for
-     * residuals of variance 1: a column of the inverse factor, one entry per term of the basis.
-     */
+    /** Column k of R^-1, one entry per term of the basis. The squares of these columns sum to the
+     *  variances of the coefficients, for residuals of variance 1. */
     std::vector<double> coefficientDirection(std::size_t k) const;
 
 private:

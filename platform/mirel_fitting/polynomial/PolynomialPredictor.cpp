@@ -7,7 +7,7 @@
 
 namespace {
 
-/** Points that are evaluated together: 16 KB for eight inputs stay in a first-level cache. */
+/** Points of a block: with eight inputs it takes 16 KB and stays in a first-level cache. */
 constexpr std::size_t pointsPerBlock = 256;
 
 /** @param notFinite becomes NaN where the column is not finite. */
@@ -16,7 +16,7 @@ SURROGATE_SIMD void scale(const double* column, const PolynomialPredictor::Scale
 {
     const double centre = scale.centre;
     const double perUnit = 1.0 / scale.unit;
-    // 0 times a finite number is 0, and NaN otherwise. An input without influence counts.
+    // 0 * x is 0 for a finite x, else NaN: also for an input without influence.
     for (std::size_t k = 0; k < points; ++k) {
         z[k] = (column[k] - centre) * perUnit;
         notFinite[k] += 0.0 * column[k];
@@ -60,7 +60,7 @@ void PolynomialPredictor::predict(const std::vector<double*>& inputs,
                                   const std::vector<std::size_t>& wanted,
                                   const std::vector<double*>& results, std::size_t count) const
 {
-    // A last block that is not full is evaluated like a full one, at points that nobody sees.
+    // The last block is evaluated as a whole; the surplus values are not copied.
     std::vector<double> scaledInputs(inputs.size() * pointsPerBlock, 0.0);
     double notFinite[pointsPerBlock];
     double values[pointsPerBlock];

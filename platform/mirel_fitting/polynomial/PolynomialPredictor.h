@@ -20,7 +20,7 @@ public:
     struct Output
     {
         double constant = 0.0;
-        /** One per term of the basis; that of the constant term does not count. */
+        /** One per term of the basis; that of the constant term is ignored. */
         std::vector<double> coefficients;
     };
 

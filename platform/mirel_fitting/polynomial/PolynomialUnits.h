@@ -21,18 +21,18 @@ public:
     /** Coefficients of the terms of V. */
     std::vector<double> expanded(const std::vector<double>& scaled) const;
 
-    /** What the coefficients of expanded() would be if nothing cancelled: the sums of the
-     * magnitudes of what they are the sum of. */
+    /** As expanded(), but with the magnitudes of all summands: how large its coefficients would be
+     *  without cancellation. */
     std::vector<double> expandedMagnitudes(const std::vector<double>& scaled) const;
 
     /** Coefficients of the terms of inputs coded to [-1, 1] over their ranges. */
     std::vector<double> coded(const std::vector<double>& scaled) const;
 
-    /** A term of V as a polynomial of z: expanded() of it is 1 for this term and 0 for others. */
+    /** A term of V as a polynomial of z, the inverse of expanded(). */
     std::vector<double> term(std::size_t index) const;
 
-    /** What the polynomial of V may lose against that of z within the range of the cases, by the
-     *  rounding of its larger and partly cancelling terms: in units of the polynomial. */
+    /** A bound on the rounding error of the polynomial of V over the range of the cases, in units
+     * of its value: its terms are larger than those of z, and partly cancel. */
     double expansionLoss(const std::vector<double>& scaled) const;
 
 private:

@@ -34,7 +34,7 @@ public:
     QuadraticBasis(std::size_t inputs, int order);
 
     /** Number of terms of such a basis, 1, d + 1 or (d + 1)(d + 2) / 2: the fewest cases that
-     *  determine a fit. The largest std::size_t where that is no std::size_t. */
+     *  determine a fit. The largest std::size_t if that overflows. */
     static std::size_t termCount(std::size_t inputs, int order);
 
     std::size_t inputs() const { return inputCount; }

@@ -116,7 +116,7 @@ void ResidualPass::keepSampled(std::size_t firstRow, std::size_t rows)
     const std::size_t last = position(firstRow + rows);
     for (std::size_t k = position(firstRow); k < last; ++k) {
         const std::size_t row = (sample.empty() ? k : sample[k]) - firstRow;
-        // Rounding takes the leverage of a case that stands alone beyond 1.
+        // Rounding may take a leverage of 1 beyond it.
         result.leveragesOfSampled[k] = std::clamp(1.0 - oneMinusLeverage[row], 0.0, 1.0);
         for (std::size_t output = 0; output < result.outputs.size(); ++output) {
             result.outputs[output].ofSampled[k] = outputs.data()[output * rowsPerBlock + row];
