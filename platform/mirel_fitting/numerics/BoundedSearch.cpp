@@ -39,6 +39,18 @@ std::vector<double> multiply(const std::vector<double>& matrix, const std::vecto
     return result;
 }
 
+/** After a step that failed: where the next one ends, as a share of it. The vertex of the parabola
+ *  through value and slope at its start and the value at its end, if that is finite. */
+double shorterShare(double slope, double gained)
+{
+    constexpr double withoutValue = 0.25;
+    constexpr double shortest = 0.1;
+    constexpr double longest = 0.5;
+
+    const double vertex = std::isfinite(gained) ? 0.5 * slope / (slope - gained) : withoutValue;
+    return std::min(std::max(vertex, shortest), longest);
+}
+
 } // namespace
 
 BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lower,
@@ -59,8 +71,9 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
     if (learn()) {
         return;
     }
-    // Steepest ascent whose longest component is the trust radius.
-    const double slope = std::max(largestMagnitude(gradient), 1e-300);
+    // The first step is then steepest ascent with the trust radius as its largest component.
+    constexpr double smallestSlope = 1e-300; // in the place of 0
+    const double slope = std::max(largestMagnitude(gradient), smallestSlope);
     for (std::size_t i = 0; i < size; ++i) {
         hessian[i * size + i] = slope / trustRadius;
     }
@@ -136,15 +149,16 @@ void BoundedSearch::proposeStep()
 }
 
 /**
- * Asks for the gradient, and for the curvature where the objective knows it.
- * @return whether it does.
+ * Asks the objective for the gradient, and for the curvature if it has an estimate.
+ * @return whether it has.
  */
 bool BoundedSearch::learn()
 {
-    // Of each diagonal element: keeps the matrix definite, and the variables in their own scales.
-    // Where the function is nearly flat in one, the trust box decides how far that moves.
-    constexpr double share = 1e-6;
-    constexpr double nothing = 1e-30;
+    // Added to the diagonal to make the matrix definite: relative to each element, which keeps the
+    // scales of the variables, and relative to the largest, for variables without curvature; the
+    // trust box limits how far those move.
+    constexpr double relativeRidge = 1e-6;
+    constexpr double ridgeOfLargest = 1e-30;
 
     std::vector<double> estimate;
     const bool isKnown = objective.curvature(estimate);
@@ -155,7 +169,8 @@ bool BoundedSearch::learn()
             largest = std::max(largest, estimate[i * size + i]);
         }
         for (std::size_t i = 0; i < size; ++i) {
-            estimate[i * size + i] += share * estimate[i * size + i] + nothing * largest;
+            estimate[i * size + i] +=
+                relativeRidge * estimate[i * size + i] + ridgeOfLargest * largest;
         }
         hessian = std::move(estimate);
         hasCurvature = true;
@@ -164,14 +179,12 @@ bool BoundedSearch::learn()
 }
 
 /**
- * Takes the step if the function rises by it, else a shorter one inside a smaller box.
- * @return whether it has risen.
+ * Takes the step if it raises the function enough, else a shorter one in a smaller trust box.
+ * @return whether the function has risen.
  */
 bool BoundedSearch::tryStep(int maxTries, bool isLast)
 {
-    constexpr double sufficientShare = 1e-4; // of the rise that the slope promises
-    constexpr double good = 0.75;            // of the gain that the model expects
-    constexpr double poor = 0.25;
+    constexpr double sufficientShare = 1e-4; // of the rise that the slope promises (Armijo)
 
     const std::vector<double> start = current;
     const double before = currentValue;
@@ -190,24 +203,13 @@ bool BoundedSearch::tryStep(int maxTries, bool isLast)
             if (isLast) {
                 return true;
             }
-            const double share = gained / expectedGain();
-            if (share < poor) {
-                trustRadius = std::max(0.5 * largestMagnitude(step), rule.smallestRadius);
-            } else if (share > good && isStepLimited && tries == 0) {
-                trustRadius = std::min(2.0 * trustRadius, rule.largestRadius);
-            }
+            adaptRadius(gained / expectedGain(), tries == 0);
             const std::vector<double> oldGradient = gradient;
             learn();
-            // An estimate of the Hessian is corrected along the step just taken, too.
             updateCurvature(step, oldGradient);
             return true;
         }
-        // The vertex of the parabola through the value and slope at the start and this value.
-        double shrink = 0.25;
-        if (std::isfinite(reached)) {
-            shrink = 0.5 * slope / (slope - gained);
-        }
-        trustRadius = std::min(std::max(shrink, 0.1), 0.5) * largestMagnitude(step);
+        trustRadius = shorterShare(slope, gained) * largestMagnitude(step);
         proposeStep();
     }
     current = start;
@@ -215,6 +217,20 @@ bool BoundedSearch::tryStep(int maxTries, bool isLast)
     return false;
 }
 
+/** After a successful step. @param share gain over expected gain. */
+void BoundedSearch::adaptRadius(double share, bool isFirstTry)
+{
+    constexpr double good = 0.75;
+    constexpr double poor = 0.25;
+
+    if (share < poor) {
+        trustRadius = std::max(0.5 * largestMagnitude(step), rule.smallestRadius);
+    } else if (share > good && isStepLimited && isFirstTry) {
+        trustRadius = std::min(2.0 * trustRadius, rule.largestRadius);
+    }
+}
+
+/** A damped BFGS update, also of the objective's estimate. */
 void BoundedSearch::updateCurvature(const std::vector<double>& taken,
                                     const std::vector<double>& oldGradient)
 {
@@ -224,7 +240,7 @@ void BoundedSearch::updateCurvature(const std::vector<double>& taken,
     }
     const double along = dot(taken, change);
     if (!hasCurvature && along > 0.0) {
-        // The first step shows the scale, which the start could only guess.
+        // The first step shows the scale of the curvature, which was a guess.
         const double scale = dot(change, change) / along;
         std::fill(hessian.begin(), hessian.end(), 0.0);
         for (std::size_t i = 0; i < size; ++i) {

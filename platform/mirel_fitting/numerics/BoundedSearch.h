@@ -24,14 +24,14 @@ public:
 };
 
 /**
- * Maximises a function of a few variables within bounds by a quasi-Newton method: the step goes to
- * the maximum of a quadratic model inside the bounds and a trust box; where the function does not
- * rise by it, the box shrinks, where it rises as
- * expected, the box grows. The curvature is the objective's estimate, corrected along the last step
- * by damped BFGS; without an estimate it is built up by these corrections alone. Nocedal, Wright:
- * Numerical Optimization, 2nd ed., Springer 2006, sections 4.1, 16.5 and 18.3.
+ * Maximises a function of a few variables within bounds by a trust-region quasi-Newton method: each
+ * step goes to the maximum of a quadratic model inside the bounds and a trust box, which shrinks
+ * where the function does not rise and grows where it rises as expected. The model's curvature is
+ * the objective's estimate, with a damped BFGS update along the last step; without an estimate,
+ * BFGS updates alone. Nocedal, Wright: Numerical Optimization, 2nd ed., Springer 2006,
+ * sections 4.1, 16.5 and 18.3.
  *
- * It can be advanced in portions, so that several searches can compete.
+ * It can be advanced a few steps at a time, so that several searches can race.
  */
 class BoundedSearch
 {
@@ -43,17 +43,17 @@ public:
          *  where all cases are uncorrelated and the function is flat. */
         double firstRadius = 1.0;
         double largestRadius = 4.0;
-        double smallestRadius = 0.1; ///< after a step that was taken
+        double smallestRadius = 0.1; ///< after a successful step
         /** The box shrinks so often before a step is given up. */
         int maxTries = 12;
         int maxTriesOfLast = 3; ///< of finish()
-        /** Steps in a row that gain next to nothing: where the function is flat but for rounding,
-         *  the quadratic model keeps expecting a gain. Without this limit likelihoods of few cases
-         *  take a quarter more evaluations. */
+        /** Stop after so many steps in a row of less than the smallest gain: where the function is
+         *  flat but for rounding, the quadratic model keeps expecting more. Without this limit
+         *  likelihoods of few cases take a quarter more evaluations. */
         int maxStalls = 2;
     };
 
-    /** Starts at `start`, moved into the bounds. The objective is borrowed for life. */
+    /** @param objective is borrowed for life. @param start is moved into the bounds. */
     BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
                   std::vector<double> start, const StepRule& rule);
     BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
@@ -64,14 +64,12 @@ public:
     /** Whether the function has a value at the start. */
     bool isFeasible() const;
 
-    /**
-     * At most so many steps; stops earlier when the gain that the quadratic model still expects is
-     * below `smallestGain`, or steps do not raise the function by that any more.
-     */
+    /** At most `steps` steps. Converged when the gain that the quadratic model expects, or that
+     *  steps achieve, is below `smallestGain`. */
     void advance(int steps, double smallestGain);
 
-    /** The same for the last time, where steps are dear: the slope where they end is not asked for,
-     *  and the last step is shortened twice at most. */
+    /** advance() for the last time: saves the gradient at the end point, and tries the last step
+     *  StepRule::maxTriesOfLast times at most. */
     void finish(int steps, double smallestGain);
 
     bool isDone() const;
@@ -83,6 +81,7 @@ private:
     bool learn();
     void advance(int steps, double smallestGain, bool isLastTime);
     bool tryStep(int maxTries, bool isLast);
+    void adaptRadius(double share, bool isFirstTry);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
 
@@ -97,7 +96,7 @@ private:
     std::vector<double> hessian; // of minus the function, by rows
     std::vector<double> step;
     double trustRadius;
-    int stalls = 0; // steps in a row that gained next to nothing
+    int stalls = 0; // steps in a row below the smallest gain
     bool isStepLimited = false;
     bool hasCurvature = false;
     bool done = false;
