@@ -18,7 +18,7 @@ namespace veska {
 /**
  * One observable value of type T, which is copyable and has ==. A candidate value is validated,
  * compared, stored, announced, in this order; equal values are validated but neither stored nor
- * announced. Where the value lies is the subclass's affair.
+ * announced. The subclass decides where the value is stored.
  *
  * Held by boost::shared_ptr: a listener may drop the last one during set(), which then keeps the
  * property until it is done. Main thread only.
@@ -59,7 +59,7 @@ public:
         emitChanged(value);
     }
 
-    /** What decides over candidate values; never null, and shared with whoever else holds it. */
+    /** Checks candidate values; never null, shared. */
     boost::shared_ptr<const ValidatorInterface<T>> validator() const { return valueValidator; }
 
 protected:
@@ -76,7 +76,7 @@ protected:
 
     // The virtual operations keep this order, the destructor last: it is the order of their slots.
 
-    /** Nobody calls it: it keeps the first slot, and a subclass may give it a meaning. */
+    /** Not called by this class. It keeps the first slot; a subclass may give it a meaning. */
     virtual void hook() {}
 
     /** Stores `value`, without check or notification. */

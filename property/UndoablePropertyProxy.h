@@ -16,13 +16,13 @@
 namespace veska {
 
 /**
- * Stands before a property, its target: a change made through the proxy is a step on the
- * application's undo stack, titled "Change " and the display name. What listeners push while they
- * react joins that step. Changes that reach the target by other means are passed on to the proxy's
- * listeners and recorded nowhere.
+ * Sets another property, its target, and records the change as a step on the application's undo
+ * stack, titled "Change " and the display name. Commands that listeners push while they react join
+ * that step. Changes that reach the target by other means are passed on to the proxy's listeners
+ * and are not recorded.
  *
- * Listeners hear of a set() once, but of an undo or redo twice, each time with the same value: once
- * from the target and once from the proxy itself.
+ * Listeners are called once for a set(), but twice for an undo or redo, both times with the same
+ * value: once through the target and once by the proxy itself.
  *
  * Shares ownership of the target and of its validator. Commands that outlive the proxy do nothing.
  */
@@ -65,7 +65,7 @@ protected:
         }
     }
 
-    /** Empty: the target's signal and applyValue() tell the listeners. */
+    /** Empty: the target's signal and applyValue() call the listeners. */
     void emitChanged(const T&) override {}
 
     /** The body of undo and redo: puts `value` into the target without recording anything. */

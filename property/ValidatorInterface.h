@@ -4,7 +4,7 @@
 
 namespace veska {
 
-/** Says of a candidate value whether a property may take it. */
+/** Decides whether a property may take a candidate value. */
 template <class T>
 class ValidatorInterface
 {

@@ -28,7 +28,7 @@ struct SerializedText<std::string>
  * An element that holds one value as its text, or one to three values as attributes. Values come
  * from getters when it is written and go to setters when it is read, in their order.
  *
- * XML readers drop the text of an element that is nothing but blanks; attributes keep theirs.
+ * XML readers drop a text of blanks only between the tags of an element; attributes keep it.
  */
 template <class T>
 class GenericSerializer : public Serializer

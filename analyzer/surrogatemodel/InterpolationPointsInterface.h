@@ -5,8 +5,8 @@
 #include <vector>
 
 /**
- * A source of the values at which one variable is evaluated, in the variable's units. Evenly
- * distributed points and distributions typed by the user stand behind it alike.
+ * A source of the values at which one variable is evaluated, in the variable's units:
+ * evenly distributed points, or a distribution that the user types.
  *
  * Inherited virtually, so that a class may reach it along several paths. It has no state: copying
  * copies nothing.
@@ -19,8 +19,8 @@ public:
     InterpolationPointsInterface& operator=(const InterpolationPointsInterface&);
 
     /**
-     * Hands the source's values to `values`. Whether they come after what `values` held or instead
-     * of it is said by the implementation; an empty vector gets the same from both kinds.
+     * Writes the source's values to `values`. Each implementation documents whether they are
+     * appended or replace the former contents; for an empty vector both are the same.
      */
     virtual void get(std::vector<double>& values) const = 0;
 

@@ -26,9 +26,9 @@ class SurrogateModelUserDistCollection;
  *   that distribution. A faulty or empty text gives none, so that the grid is empty.
  * - It gives points otherwise: those.
  *
- * Nothing is cached: the settings are read whenever values are asked for. Changes of the user
- * distributions and of the evaluation point are told; a change of the list of independent
- * variables or of the model's type is not, the manager's own signal tells of them.
+ * Nothing is cached: the settings are read on every call. A change of the user distributions or of
+ * the evaluation point emits signalInterpolationVariablesChanged; a change of the list of
+ * independent variables or of the model's type does not, it emits the manager's signal.
  */
 class SURROGATEMODEL_EXPORT InterpolationVariablesAbstract
     : public virtual InterpolationVariablesInterface
@@ -79,10 +79,10 @@ public:
     /** Whether the subclass gives points for `variable`; the user's mode does not matter. */
     bool isVariableEmployed(VarPtr variable) const override;
 
-    /** Silences signalInterpolationVariablesChanged. Not counted. */
+    /** Blocks signalInterpolationVariablesChanged. Calls are not counted. */
     void suspend() override;
 
-    /** Ends the silence; changes missed are not told later. */
+    /** Unblocks the signal; changes made meanwhile are not emitted later. */
     void resume() override;
 
 protected:

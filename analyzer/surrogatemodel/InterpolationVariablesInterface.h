@@ -16,8 +16,8 @@
  * Where a surrogate model is evaluated and what is wanted there: for each independent variable a
  * list of values, whose combinations are the points of a grid, and a set of dependent variables.
  *
- * Shared between the view that made it and the evaluation filter. While suspended it does not tell
- * of changes. One thread; signals arrive before the call that caused them returns.
+ * Shared between the view that made it and the evaluation filter. While suspended it emits no
+ * signal. One thread; signals are delivered before the call that caused them returns.
  */
 class SURROGATEMODEL_EXPORT InterpolationVariablesInterface : public virtual SuspendableInterface
 {

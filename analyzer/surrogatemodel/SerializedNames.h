@@ -1,8 +1,8 @@
 #pragma once
 
 /**
- * Names and texts of the XML of the settings: they are in the project documents of users. Constants
- * of the compiler, so that a serializer made during static initialisation finds them too.
+ * Names and texts of the XML of the settings, as the project documents of users contain them.
+ * Compile-time constants: a serializer made during static initialisation can use them.
  */
 namespace SerializedNames {
 

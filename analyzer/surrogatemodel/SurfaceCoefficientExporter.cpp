@@ -19,7 +19,7 @@ public:
     std::ostream& out;
 
 private:
-    /** Unformatted: the stream's width, fill and number format are the caller's affair. */
+    /** Unformatted: independent of the width, fill and number format of the stream. */
     void write(const std::string& text) const
     {
         out.write(text.data(), static_cast<std::streamsize>(text.size()));
@@ -43,7 +43,7 @@ void SurfaceCoefficientExporter::Impl::writeEquations() const
         write("\nEquation for dependent variable: " + name + "\n");
         const int offset = static_cast<int>(manager.offsetForVariableName(name));
         write("Result = ");
-        // No line end: the model's text brings its own.
+        // No line end: the model's text has its own.
         write(model.surfaceCoefficientInformation(offset));
     }
 }

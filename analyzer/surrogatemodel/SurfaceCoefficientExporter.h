@@ -12,8 +12,8 @@ class SurrogateModelManagerInterface;
 
 /**
  * Writes the fitted equations as text: a legend of the symbols V1, V2, ... that stand for the
- * independent variables, then one equation per dependent variable, in the words of the model.
- * Meant for response surfaces; what another model says instead is written all the same.
+ * independent variables, then one equation per dependent variable, as the model writes it.
+ * Meant for response surfaces; the text of another model is written too.
  */
 class SURROGATEMODEL_EXPORT SurfaceCoefficientExporter
 {
@@ -33,7 +33,7 @@ public:
      *
      * The legend numbers every variable of the manager's list, in its order. The model has columns
      * only for those of nature Variable::Independent, so that the numbers differ while the list
-     * holds others.
+     * contains others.
      *
      * An exception of the model passes; what was written before stays written.
      * @throw HandleError for a null handle or one whose variable is destroyed.

@@ -5,9 +5,9 @@
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 /**
- * Makes the models of a SurrogateModelManager, and of whoever wants models like the manager's.
- * This class makes the default ones; a derived class overrides makeModel() and calls this one for
- * the types that it makes no differently. One thread.
+ * Makes the models of a SurrogateModelManager; a program can call it directly for models like the
+ * manager's. This class makes the default models; a derived class overrides makeModel() and calls
+ * the base for the types that it leaves as they are. One thread.
  *
  * A derived class that has settings keeps each in a property and calls emitChanged() when it
  * changes; the manager then discards the cached model. To hand out a finished model, override

@@ -23,7 +23,7 @@
 
 namespace {
 
-/** Values that stay in the processor's cache while they are copied over and over: 32 KB. */
+/** Number of values that are copied at a time: 32 KB, the size of a first-level cache. */
 const vtkIdType CopiedBlock = 4096;
 
 void addColumn(vtkTable& table, const VarPtr& variable)
@@ -45,7 +45,7 @@ vtkIdType affordableDoubles()
     const vtkIdType pages = sysconf(_SC_PHYS_PAGES);
     const vtkIdType pageSize = sysconf(_SC_PAGESIZE);
     if (pages <= 0 || pageSize <= 0) {
-        return std::numeric_limits<vtkIdType>::max(); // the system does not tell
+        return std::numeric_limits<vtkIdType>::max(); // unknown to the system
     }
     return pages / 4 * 3 * (pageSize / static_cast<vtkIdType>(sizeof(double)));
 }
@@ -64,7 +64,7 @@ vtkIdType affordableDoubles()
  */
 vtkIdType gridPoints(const std::map<VarPtr, std::vector<double>>& values, vtkIdType columns)
 {
-    // First of all: a variable without values empties the grid, however many the others have.
+    // First: a variable without values empties the grid, even if the product would overflow.
     const bool isEmpty = std::any_of(values.begin(), values.end(),
                                      [](const auto& entry) { return entry.second.empty(); });
     if (isEmpty) {
@@ -87,8 +87,8 @@ vtkIdType gridPoints(const std::map<VarPtr, std::vector<double>>& values, vtkIdT
 }
 
 /**
- * Gives a column room in large pages, where the system has them for those who ask: it hands out
- * small ones at a fifth of the speed at which columns are filled. Smaller columns cost little.
+ * Allocates a large column in pages of 2 MB where the system offers them on request. In pages of
+ * 4 KB the first touch of fresh memory takes five times as long as filling the column.
  */
 void useLargePages(vtkDoubleArray& column, vtkIdType rows)
 {
@@ -101,7 +101,7 @@ void useLargePages(vtkDoubleArray& column, vtkIdType rows)
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    // Not the last one if it is filled in part only: the whole of it would be taken.
+    // A last page that is filled in part would be taken whole: it stays one of small pages.
     madvise(memory, bytes / page * page, MADV_HUGEPAGE);
     column.SetArray(static_cast<double*>(memory), rows, 0, vtkDoubleArray::VTK_DATA_ARRAY_FREE);
 }
@@ -123,8 +123,8 @@ void fillColumn(vtkDoubleArray& column, const std::vector<double>& values, vtkId
     const vtkIdType rows = column.GetNumberOfTuples();
     double* const first = column.GetPointer(0);
 
-    // Every store is bounded by the rows: a variable that is listed twice repeats its values more
-    // often than the grid has room for.
+    // Every write is bounded by the number of rows: for a variable that is listed twice `repeat`
+    // times the number of values exceeds it.
     vtkIdType filled = 0;
     for (auto value = values.begin(); value != values.end() && filled < rows; ++value) {
         const vtkIdType count = std::min(repeat, rows - filled);
@@ -132,7 +132,7 @@ void fillColumn(vtkDoubleArray& column, const std::vector<double>& values, vtkId
         filled += count;
     }
 
-    // What has been written is a whole number of periods, so that its copies go on seamlessly.
+    // The rows written so far are a whole number of periods, so that copies continue the pattern.
     vtkIdType block = filled;
     while (filled < rows) {
         const vtkIdType count = std::min(block, rows - filled);
@@ -205,7 +205,7 @@ void SurrogateModelInputTableBuilder::populateTableArrays(
     setRows(*suppliedIndependent, points);
     setRows(*resultDependent, points);
 
-    // Results that no model writes are recognisable instead of random.
+    // Results that the model does not write are NaN.
     for (vtkIdType i = 0; i < resultDependent->GetNumberOfColumns(); ++i) {
         fillWithNaN(*vtkDoubleArray::SafeDownCast(resultDependent->GetColumn(i)));
     }
@@ -220,7 +220,7 @@ void SurrogateModelInputTableBuilder::populateTableArrays(
         } else if (rows > 0) {
             fillColumn(column, entry->second, repeat);
             const auto count = static_cast<vtkIdType>(entry->second.size());
-            // Beyond the grid only by a variable that is listed twice, which must not overflow.
+            // Only a variable that is listed twice would exceed the rows; no overflow then.
             repeat = repeat > rows / count ? rows : repeat * count;
         }
     }

@@ -43,7 +43,7 @@ public:
      * listed twice, like one that shares its name with another, has one column, and a variable
      * without values in the map has NaN in every row.
      *
-     * The table is shared with the caller, who may keep it after the builder has gone.
+     * The table is shared with the caller, who may keep it after the builder is destroyed.
      */
     virtual vtkSmartPointer<vtkTable> suppliedIndependentVarValues() const;
 

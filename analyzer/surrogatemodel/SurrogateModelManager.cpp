@@ -58,8 +58,8 @@ public:
     boost::shared_ptr<const SurrogateModelFactory> factory;
     SurrogateModelManager* owner;
 
-    /** Points to null once this object is gone. Listeners may destroy the manager from any signal,
-     *  and the properties may outlive it: whoever comes back from a signal looks here first. */
+    /** Points to null once this object is destroyed. A listener may destroy the manager from any
+     *  signal, and the properties may outlive it: check this after every emission. */
     std::shared_ptr<Impl*> self;
 
     boost::shared_ptr<SurrogateModelInterface> model;
@@ -80,8 +80,8 @@ private:
     vtkSmartPointer<vtkTable> updatedPipelineTable() const;
 };
 
-/** A setting on which the fitted model depends: storing a value drops the model, and listeners are
- *  told of the setting first, of the model then. */
+/** A setting on which the fitted model depends: storing a value drops the model, and the signals of
+ *  the setting are emitted before signalModelChanged. */
 template <class T>
 class SURROGATEMODEL_NO_EXPORT SurrogateModelManager::Impl::ModelInvalidatingProperty
     : public veska::Property<T>
@@ -91,7 +91,7 @@ public:
     {}
 
 protected:
-    /** Null when the manager is gone. */
+    /** Null when the manager is destroyed. */
     Impl* impl() const { return *manager; }
 
     void setValue(const T& value) override
@@ -178,8 +178,8 @@ SurrogateModelManager::Impl::Impl(boost::shared_ptr<const DataPipelineManagerInt
               "Surrogate Model Evaluation Point",
               boost::make_shared<veska::Property<SurrogateModelUserDistCollection>>()))
 {
-    // Listeners of the undo stack run in here, while the owner has no Impl yet: nothing on this
-    // road may go through owner->impl.
+    // Listeners of the undo stack run during these calls, when the owner has no Impl yet: nothing
+    // they reach may use owner->impl.
     type->set(ResponseSurface);
     connections.add(this->pipeline->connectSignalChanged([this] { onPipelineChanged(); }));
     connections.add(this->factory->connectSignalChanged(
@@ -205,8 +205,8 @@ SurrogateModelInterface& SurrogateModelManager::Impl::modelFor(const std::set<Va
 
     const vtkSmartPointer<vtkTable> table = updatedPipelineTable();
 
-    // After the update: a pipeline that finds a change while it updates has dropped the model, and
-    // the verdicts about the rows are out of date with it.
+    // After the update: a pipeline that reports a change while it updates has dropped the model,
+    // and the list of rows with invalid inputs is out of date with it.
     const bool fullRebuild = model == nullptr;
     sourcePoints.rebuild(independentVars->get(), dependents, table, fullRebuild);
     if (sourcePoints.sourceTable()->GetNumberOfRows() == 0 && factory->needsCases()) {
@@ -230,7 +230,7 @@ vtkSmartPointer<vtkTable> SurrogateModelManager::Impl::updatedPipelineTable() co
 
 void SurrogateModelManager::Impl::buildModel(ModelType modelType)
 {
-    // The new model is complete before the old one goes: a constructor that throws costs nothing.
+    // The new model is complete before the old one is destroyed: a failed fit changes nothing.
     model = factory->makeModel(modelType, sourcePoints.independentColumns(),
                                sourcePoints.dependentColumns(),
                                static_cast<int>(sourcePoints.sourceTable()->GetNumberOfRows()));
@@ -253,7 +253,7 @@ void SurrogateModelManager::Impl::onPipelineChanged()
     try {
         pruneIndependentVariables();
     } catch (...) {
-        // A listener of the list has thrown. A model of data that are no more must not stay.
+        // A listener of the list has thrown. The model of the former data must not stay.
         if (*manager != nullptr) {
             dropModel();
         }

@@ -18,8 +18,8 @@ class SurrogateModelFactory;
  * an earlier set is held, repeating it answers that earlier model. A view therefore stops at the
  * first error until something changes.
  *
- * Every change made through the properties handed out is an undo step. They may outlive the
- * manager: they then only hold their values.
+ * Every change made through the manager's properties is an undo step. The properties may outlive
+ * the manager: they then only keep their values.
  */
 class SURROGATEMODEL_EXPORT SurrogateModelManager : public virtual SurrogateModelManagerInterface
 {

@@ -4,7 +4,7 @@ SurrogateModelManagerInterface::SurrogateModelManagerInterface() = default;
 
 SurrogateModelManagerInterface::~SurrogateModelManagerInterface()
 {
-    // A slot may destroy the manager: the slots behind it must not run for an object that is gone.
+    // A slot may destroy the manager: later slots of the same emission must not run then.
     signalModelChanged.disconnect_all_slots();
 }
 

@@ -19,12 +19,13 @@ class SurrogateModelUserDistCollection;
 
 /**
  * The surrogate models of a project: the three settings that decide which model is fitted, the
- * fitted model itself, and the signal that it has become worthless.
+ * fitted model itself, and the signal that it is invalidated.
  *
  * The dependent variables of a model are the project's numeric variables of nature
  * Variable::Dependent, in project order; the offset of a dependent is its position among them,
  * from 0. The independent ones are the entries of independentVars() whose nature is
- * Variable::Independent. One thread; signals arrive before the call that caused them returns.
+ * Variable::Independent. One thread; signals are delivered before the call that caused them
+ * returns.
  */
 class SURROGATEMODEL_EXPORT SurrogateModelManagerInterface
 {
@@ -89,7 +90,7 @@ public:
     /**
      * Connects `slot` to signalModelChanged, runs the hook, returns the connection. A listener
      * drops what it derived from the model; it does not ask for a model before it has returned,
-     * and tolerates being told twice in a row.
+     * and tolerates two calls in a row.
      */
     boost::signals2::connection
     connectSignalModelChanged(const ModelChangedSignal::slot_type& slot) const;

@@ -41,7 +41,7 @@ SurrogateModelManagerSerializer::SurrogateModelManagerSerializer(
     : Serializer(SerializedNames::manager), impl(std::make_unique<Impl>(std::move(manager)))
 {
     initTypeMap();
-    // The plain pointer: this serializer owns the sub-element, and a shared one would keep itself.
+    // By plain pointer: this serializer owns the sub-element; a shared pointer would be a cycle.
     addSubElement(boost::make_shared<GenericSerializer<std::string>>(
         SerializedNames::type, [this] { return getType(); },
         [this](const std::string& name) { setType(name); }));

@@ -27,7 +27,7 @@
  *
  * Variables are found by name in the open project. The manager's other user distributions are not
  * part of this: a second SurrogateModelUserDistCollectionSerializer writes them, under a parent of
- * their own, as two elements of one tag in one parent cannot be told apart.
+ * their own, since two elements of one tag in one parent cannot be distinguished.
  */
 class SURROGATEMODEL_EXPORT SurrogateModelManagerSerializer : public Serializer
 {
@@ -60,7 +60,7 @@ private:
 
     /**
      * Sets the list to the independent variables that the "Variable" children name, in document
-     * order; an element without any clears the list. Names that the project does not hold or whose
+     * order; an element without any clears the list. Names that the project does not have or whose
      * variable is of another nature are passed over without a message.
      */
     void deserializeSelf(QDomElement& element) const override;

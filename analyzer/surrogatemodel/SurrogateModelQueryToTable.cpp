@@ -29,19 +29,19 @@
 
 namespace {
 
-/** Silences what the executive says about a failed filter, for as long as it lives. */
-class ExecutiveSilence
+/** Suppresses the executive's own report of a failed filter for as long as it lives. */
+class ExecutiveErrorSilencer
 {
 public:
-    explicit ExecutiveSilence(vtkExecutive* executive)
+    explicit ExecutiveErrorSilencer(vtkExecutive* executive)
         : executive(executive),
           tag(executive->AddObserver(vtkCommand::ErrorEvent, vtkNew<vtkCallbackCommand>()))
     {}
 
-    ~ExecutiveSilence() { executive->RemoveObserver(tag); }
+    ~ExecutiveErrorSilencer() { executive->RemoveObserver(tag); }
 
-    ExecutiveSilence(const ExecutiveSilence&) = delete;
-    ExecutiveSilence& operator=(const ExecutiveSilence&) = delete;
+    ExecutiveErrorSilencer(const ExecutiveErrorSilencer&) = delete;
+    ExecutiveErrorSilencer& operator=(const ExecutiveErrorSilencer&) = delete;
 
 private:
     vtkExecutive* executive;
@@ -49,9 +49,9 @@ private:
 };
 
 /**
- * VTK's own executive stays locked for ever when an exception passes through the algorithm, and
- * writes a report of its own into the output window when the algorithm fails, also where an
- * observer has taken the filter's report.
+ * VTK's own executive stays locked after an exception has passed through the algorithm, and writes
+ * a second report into the output window when the algorithm fails, also where an observer has
+ * received the filter's report.
  */
 class QueryExecutive : public vtkCompositeDataPipeline
 {
@@ -63,9 +63,9 @@ protected:
     int CallAlgorithm(vtkInformation* request, int direction, vtkInformationVector** inputs,
                       vtkInformationVector* outputs) override
     {
-        std::unique_ptr<ExecutiveSilence> silence;
+        std::unique_ptr<ExecutiveErrorSilencer> silence;
         if (Algorithm->HasObserver(vtkCommand::ErrorEvent)) {
-            silence = std::make_unique<ExecutiveSilence>(this);
+            silence = std::make_unique<ExecutiveErrorSilencer>(this);
         }
         try {
             return Superclass::CallAlgorithm(request, direction, inputs, outputs);
@@ -79,9 +79,9 @@ protected:
 vtkStandardNewMacro(QueryExecutive);
 
 /**
- * The wait cursor while the model computes. The mouse is asked anew for the end: a button released
- * meanwhile makes one restore too many, which does nothing, and one pressed meanwhile leaves the
- * cursor to whoever drags.
+ * The wait cursor while the model computes. The mouse buttons are read again at the end: a button
+ * released meanwhile makes one restore too many, which does nothing; with one pressed meanwhile the
+ * cursor is not restored.
  */
 class WaitCursor
 {
@@ -149,8 +149,8 @@ SurrogateModelQueryToTable::New(boost::shared_ptr<const SurrogateModelManagerInt
     filter->impl->manager = std::move(manager);
     filter->impl->ivars = std::move(ivars);
 
-    // By raw pointer: a slot that shared the filter would keep it alive through the manager that
-    // the filter keeps alive. The connections end with the filter.
+    // By raw pointer: a slot that shared the filter would make a cycle with the manager, which the
+    // filter shares. The connections end with the filter.
     const auto markModified = [created] { created->Modified(); };
     filter->impl->connections.add(
         filter->impl->ivars->connectSignalInterpolationVariablesChanged(markModified));
@@ -244,8 +244,8 @@ void SurrogateModelQueryToTable::reportLastError()
     address.imbue(std::locale::classic());
     address << static_cast<const void*>(this);
 
-    // Word for word the form that error logs are searched for, place included: it names the report
-    // and does not move with the lines of this file.
+    // Error logs are searched for exactly this form. The line number is part of it and does not
+    // follow the lines of this file.
     const std::string text =
         boost::str(boost::format("ERROR: In analyzer/surrogatemodel/SurrogateModelQueryToTable.cpp,"
                                  " line 209\n%1% (%2%): %3%\n\n\n") %

@@ -21,8 +21,8 @@ class SurrogateModelManagerInterface;
  * It is marked modified, and so executes on the next update, whenever the interpolation variables
  * or the model change. A model that cannot be fitted or evaluated is an error of the pipeline: it
  * is reported as VTK reports errors (to the filter's ErrorEvent observers, else to VTK's output
- * window), the output has no rows, getLastError() tells. Other exceptions pass through Update();
- * the next update executes again.
+ * window), the output has no rows, getLastError() has the message. Other exceptions pass through
+ * Update(); the next update executes again.
  *
  * While the model computes and no mouse button is held, a program with a GUI application shows the
  * wait cursor. Main thread only.

@@ -21,7 +21,7 @@
 
 namespace {
 
-/** The name of a variable that can still be reached. */
+/** The name of a variable; none for a null handle or a destroyed variable. */
 std::optional<std::string> nameOf(const VarPtr& variable)
 {
     if (variable.isNull()) {
@@ -41,8 +41,8 @@ NatureSpecificVariableProvider numericVariables(const std::vector<VarPtr>& varia
 }
 
 /**
- * The array as one of these if its values stand in memory as it answers them: a class that is
- * derived from a VTK array may answer others.
+ * The array as an Array whose memory may be read directly; null for other classes: one derived from
+ * a VTK array may compute its values.
  */
 template <class Array>
 Array* viewed(vtkAbstractArray* array)
@@ -54,11 +54,11 @@ Array* viewed(vtkAbstractArray* array)
 
 /**
  * One column of the pipeline's table, looked up by name once per rebuild: a look-up per cell would
- * cost more than the value. A column that the table lacks answers the invalid value everywhere, and
- * so does one of vectors, which holds no value of a variable.
+ * cost more than the value. A column that is missing has invalid values only, and so
+ * has one with several components.
  *
- * The usual column of numbers is read where it stands, asked for its place and length cell by cell:
- * a record's or a column's answer may change the table.
+ * The usual column of numbers is read in place. Its pointer and length are read again for every
+ * cell, since a call to a record or a column may change the table.
  */
 class CaseColumn
 {
@@ -82,10 +82,10 @@ public:
         return isViewed ? isInvalidValue(doubles->GetValue(row)) : isInvalidValue(value(row));
     }
 
-    /** Writes the numbers of `rows` to `numbers`, NaN for a cell that holds none. */
+    /** Writes the numbers of `rows` to `numbers`, NaN for a cell that is no number. */
     void copy(const std::vector<vtkIdType>& rows, double* numbers) const
     {
-        // The usual column, at memory speed; one that ends before the table does is read by cell.
+        // The usual column; one that is shorter than the table is read cell by cell.
         auto* const dense = vtkArrayDownCast<vtkDoubleArray>(array.GetPointer());
         if (dense != nullptr && !rows.empty() && rows.back() < dense->GetNumberOfTuples()) {
             copy(rows, dense->GetPointer(0), numbers);
@@ -111,7 +111,7 @@ private:
     }
 
     vtkSmartPointer<vtkAbstractArray> array;
-    vtkDoubleArray* doubles; ///< the same array; null if it is not viewed
+    vtkDoubleArray* doubles; ///< the same array; null if it is not read in place
 };
 
 /** The column of the record identities. */
@@ -152,7 +152,7 @@ bool anyInvalid(const std::vector<CaseColumn>& columns, vtkIdType row)
                        [row](const CaseColumn& column) { return column.isInvalid(row); });
 }
 
-/** A row whose record the project does not know, or no longer has, is no case of the project. */
+/** False for a row whose record is unknown to the project or removed. */
 bool takesPart(const Project& project, unsigned long identity)
 {
     const boost::shared_ptr<Record> record = project.record(identity).tryLock();
@@ -184,7 +184,7 @@ vtkSmartPointer<vtkTable> copyCases(const std::vector<VarPtr>& independentVars,
     }
     table->SetNumberOfRows(static_cast<vtkIdType>(rows.size()));
 
-    // By the columns that are there: of two variables of one name the table has a single column.
+    // By column, not by variable: two variables of one name share a column.
     for (vtkIdType j = 0; j < table->GetNumberOfColumns(); ++j) {
         vtkAbstractArray* const column = table->GetColumn(j);
         const CaseColumn source(pipelineTable, column->GetName());
@@ -238,9 +238,9 @@ SurrogateModelSourcePoints::Impl::validRows(const std::set<VarPtr>& independentV
     // Rows come in increasing order, so the next bad row is the only one to compare with.
     auto nextBadRow = badIndependentRows.begin();
 
-    // The record comes first: the values of a row that takes no part are not judged, so the row is
-    // not remembered as bad either. The number of rows is asked for anew, as a record's answer may
-    // change the table.
+    // The record comes first: the values of an excluded row are not checked, so that the row is not
+    // listed as bad either. The number of rows is read again, since a call to a record may change
+    // the table.
     for (vtkIdType row = 0; row < pipelineTable->GetNumberOfRows(); ++row) {
         const auto number = static_cast<std::size_t>(row);
         if (!takesPart(*project, identities.identity(row))) {

@@ -14,9 +14,9 @@ class vtkTable;
  * The training data of a model: the valid cases of the pipeline's table, copied into dense columns
  * of doubles.
  *
- * A case is valid when its record takes part and its values of the independent variables and of
- * the dependent variables asked for are valid (isInvalidValue()). Dependents that nobody asked for
- * are not looked at: what is no number in them is NaN in the copy.
+ * A case is valid when its record is included and its values of the independent variables and of
+ * the requested dependent variables are valid (isInvalidValue()). Other dependents are not checked:
+ * a cell of theirs that is no number is NaN in the copy.
  */
 class SurrogateModelSourcePoints
 {
@@ -29,16 +29,15 @@ public:
     SurrogateModelSourcePoints& operator=(const SurrogateModelSourcePoints&) = delete;
 
     /**
-     * Gathers the valid cases anew; O(rows x columns).
-     * @param independentVars the chosen variables, in list order, of whatever nature.
-     * @param dependents      the dependents asked for.
+     * Collects the valid cases again; O(rows x columns).
+     * @param independentVars the chosen variables, in list order, of any nature.
+     * @param dependents      the requested dependents.
      * @param pipelineTable   column 0 holds the record's identity, every variable has a column of
      *                        its name; borrowed for the call. The cells of a variable that has no
      *                        column, of a null handle or of a destroyed variable are invalid.
-     * @param fullRebuild     false: the verdicts of the last full rebuild about the independent
-     *                        values are used again, row number by row number, and these values are
-     *                        not read. The state of the records and the dependents asked for are
-     *                        examined in any case.
+     * @param fullRebuild     false: the independent values are not read; the rows in which the
+     *                        last full rebuild found invalid ones stay excluded, by row number. The
+     *                        state of the records and the requested dependents are always checked.
      */
     void rebuild(const std::vector<VarPtr>& independentVars, const std::set<VarPtr>& dependents,
                  vtkTable* pipelineTable, bool fullRebuild);
@@ -51,11 +50,11 @@ public:
     std::vector<double*> independentColumns() const;
 
     /** The same for the project's numeric variables of nature Variable::Dependent, in project
-     *  order, whether asked for or not. */
+     *  order, whether requested or not. */
     std::vector<double*> dependentColumns() const;
 
     /** The valid cases: a column per chosen variable, then one per dependent variable of the
-     *  project, of one name only one. The next rebuild makes a new table. */
+     *  project; one column per name. The next rebuild makes a new table. */
     vtkSmartPointer<vtkTable> sourceTable() const;
 
 private:

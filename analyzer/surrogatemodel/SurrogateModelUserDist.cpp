@@ -18,7 +18,7 @@ using ParseErrorCode = SurrogateModelUserDist::ParseErrorCode;
 /** The largest count that one range may ask for. */
 const int MaxValuesPerItem = 1000000;
 
-/** The first fault of an item, on its way from the item to the loop over the items. */
+/** The first fault of an item; caught in the loop over the items. */
 class ParseError : public veska::ExceptionBase
 {
 public:
@@ -40,12 +40,12 @@ struct DistributionSegment
     std::int32_t count;
 };
 
-/** A number; a few texts match that are none, such as "..5". */
+/** A number; a few matches are not convertible, such as "..5". */
 const std::string numberPattern = R"([-+]?[\.]?[0-9]*\.?[0-9]+(?:[eE][-+]?[0-9]+)?)";
 
 /**
- * The grammar of an item. A blank and a digit of the count are those of any script. The compiled
- * expressions keep what they matched last, so that each parse has its own.
+ * The grammar of an item. Blanks and the digits of the count may be of any script. A QRegExp stores
+ * its last match, so that each parse has its own.
  */
 class ItemPatterns
 {
@@ -77,7 +77,7 @@ double toDouble(const QString& text, ParseErrorCode fault)
     return value;
 }
 
-/** Digits of other scripts than 0 to 9 make no number. */
+/** Only the digits 0 to 9 are converted, those of other scripts are not. */
 std::int32_t toCount(const QString& text)
 {
     bool converted = false;
@@ -218,7 +218,7 @@ void SurrogateModelUserDist::Impl::expandInto(std::vector<double>& values) const
     for (const DistributionSegment& segment : segments) {
         position = expand(segment, position);
     }
-    // Stable: of zeros with both signs the one stays that the text names first.
+    // Stable: of 0 and -0, which are equal, the first one in the text is kept.
     std::stable_sort(values.begin(), values.end());
     values.erase(std::unique(values.begin(), values.end()), values.end());
 }

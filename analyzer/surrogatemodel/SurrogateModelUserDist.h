@@ -17,8 +17,8 @@
  * included. Numbers are written in the C locale whatever the locale of the program; the text is
  * UTF-8. The text is parsed when an answer is first needed and, in get(), each time.
  *
- * A fault of the text never throws. Only the want of memory (std::bad_alloc, std::length_error)
- * escapes: a range is limited to 1000000 values, the number of ranges is not. One thread.
+ * A fault of the text never throws. Only lack of memory (std::bad_alloc, std::length_error) does: a
+ * range is limited to 1000000 values, the number of ranges is not. One thread.
  */
 class SURROGATEMODEL_EXPORT SurrogateModelUserDist : public virtual InterpolationPointsInterface
 {
@@ -38,7 +38,7 @@ public:
         EqualBoundsNeedOnePoint = 8,
         TooFewValues = 9,  ///< The number of values must be greater than 1
         NoValueRange = 10, ///< No value range specified
-        NotYetParsed = 12  ///< Nobody has asked yet; no message
+        NotYetParsed = 12  ///< before the first parse; no message
     };
 
     /** Keeps a copy of `text`; nothing is parsed yet. */

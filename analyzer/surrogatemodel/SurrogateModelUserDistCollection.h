@@ -30,7 +30,7 @@ public:
 
     /** An empty collection. */
     SurrogateModelUserDistCollection();
-    // Copies only, no moves: an object that was moved from would hold nothing to answer from.
+    // No moves: a moved-from object would have no state and could not be used.
     SurrogateModelUserDistCollection(const SurrogateModelUserDistCollection&);
     SurrogateModelUserDistCollection& operator=(const SurrogateModelUserDistCollection&);
     virtual ~SurrogateModelUserDistCollection();

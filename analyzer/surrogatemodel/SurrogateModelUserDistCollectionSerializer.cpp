@@ -45,7 +45,7 @@ void warnAbout(const std::string& name)
     }
     QMessageBox box(QMessageBox::Warning, QStringLiteral("Format Error"),
                     QString::fromStdString(warning), QMessageBox::Ok);
-    // Names with markup are to be shown, not obeyed.
+    // Names may contain markup, which is not to be interpreted.
     box.setTextFormat(Qt::PlainText);
     box.exec();
 }
@@ -65,12 +65,12 @@ public:
         modes.add(SurrogateModelUserDistCollection::UserDefined, SerializedNames::userDefinedMode);
     }
 
-    /** Puts what `variable` says into `collection`, or warns. */
+    /** Adds the entry of the element `variable` to `collection`, or warns of its text. */
     void read(const QDomElement& variable, SurrogateModelUserDistCollection& collection) const
     {
         const std::string name = variable.attribute(SerializedNames::name).toStdString();
         const std::string text = variable.attribute(SerializedNames::distribution).toStdString();
-        // Translated before the name is looked at: an unknown mode ends every read.
+        // Translated before the name is checked: an unknown mode ends every read.
         const SurrogateModelUserDistCollection::VariableMode mode = modes.toValue(
             variable.attribute(SerializedNames::mode, SerializedNames::userDefinedMode)
                 .toStdString());
@@ -116,7 +116,7 @@ void SurrogateModelUserDistCollectionSerializer::serializeSelf(QDomElement& bloc
 
 void SurrogateModelUserDistCollectionSerializer::deserializeSelf(QDomElement& block) const
 {
-    // The box of a warning lets everything else in the program run meanwhile.
+    // The message box of a warning runs an event loop, in which anything may happen.
     const boost::shared_ptr<CollectionProperty> property = impl->property;
     SurrogateModelUserDistCollection collection = property->get();
     for (QDomElement variable = block.firstChildElement(); !variable.isNull();

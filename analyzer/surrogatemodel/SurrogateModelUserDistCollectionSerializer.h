@@ -17,19 +17,20 @@
  *
  *     <Variable Mode="UserDefined" Distribution="0 - 1 : 3" Name="x"/>    or Mode="Auto"
  *
- * Written as they are held, faulty texts too, except for names that the open project does not hold.
+ * Texts are written unchanged, faulty ones too. Names that the open project does not have are left
+ * out.
  *
  * Reading sets the property at most once, at the end: entries that the element does not mention
  * stay, of several children for one name the last valid one counts, and a tag other than "Variable"
  * is read like it. A child without "Mode" means UserDefined. Any other mode ends the read with
  * std::out_of_range, with the text "bimap<>: invalid key", and leaves the property as it was; so
- * does one for a variable that the project does not hold, since the mode is read first. A child
+ * does one for a variable that the project does not have, since the mode is read first. A child
  * without "Name", or for an unknown variable, is passed over.
  *
- * A text with a fault (the empty one is one) is passed over as well, and the entry that is held
- * stays; the user is warned, once for each such child, by a modal message box where the program
- * has a QApplication, by the same text on standard error where not. The box runs an event loop
- * within deserialize(): this serializer must outlive it, the property is kept.
+ * A text with a fault (the empty one is one) is passed over as well and the former entry stays; the
+ * user is warned, once for each such child, by a modal message box if the program has a
+ * QApplication, else by the same text on standard error. The box runs an event loop within
+ * deserialize(): this serializer must outlive it; the property is kept alive.
  */
 class SURROGATEMODEL_EXPORT SurrogateModelUserDistCollectionSerializer : public Serializer
 {

@@ -15,7 +15,7 @@ public:
             try {
                 *slot;
             } catch (...) {
-                // A destructor has nobody to hand it to.
+                // A destructor must not throw.
             }
         }
     }

@@ -7,8 +7,8 @@
 #include <memory>
 
 /**
- * Base of an object that others refer to without owning it: it says when it goes. Undo commands
- * rely on it, since they stay on the stack longer than the objects they change.
+ * Base of an object that others refer to without owning it: emits a signal when it is destroyed.
+ * Undo commands rely on it, since they can stay on the stack longer than the objects they change.
  */
 class MIREL_ANALYZERCOMMON_EXPORT DeleteSignaler
 {
@@ -16,8 +16,8 @@ public:
     DeleteSignaler();
 
     /**
-     * Calls every connected slot. What derives from this class is already destroyed then. A slot
-     * that throws is passed over: the others must learn of the deletion all the same.
+     * Calls every connected slot. The derived parts of the object are already destroyed then. An
+     * exception from a slot is swallowed, so that the other slots are called all the same.
      */
     virtual ~DeleteSignaler();
 

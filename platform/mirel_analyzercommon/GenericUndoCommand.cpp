@@ -26,7 +26,7 @@ public:
     boost::function<void()> undo;
     const DeleteSignaler* deleteSignaler = nullptr;
     int id = -1;
-    bool isObjectGone = false;
+    bool isObjectDestroyed = false;
     boost::signals2::scoped_connection deletedConnection;
 };
 
@@ -41,7 +41,7 @@ GenericUndoCommand::GenericUndoCommand(boost::function<void()> redo, boost::func
     impl->id = id;
     if (deleteSignaler) {
         impl->deletedConnection = deleteSignaler->connectSignalDeleted([this] {
-            impl->isObjectGone = true;
+            impl->isObjectDestroyed = true;
             impl->redo.clear();
             impl->undo.clear();
             setObsolete(true);
@@ -62,8 +62,8 @@ bool GenericUndoCommand::mergeWith(const QUndoCommand* other)
     if (!newer || impl->id < 0 || newer->impl->id != impl->id) {
         return false;
     }
-    // The address of an object that has gone may be that of a new one.
-    if (impl->isObjectGone || newer->impl->isObjectGone ||
+    // A new object may have the address of a destroyed one.
+    if (impl->isObjectDestroyed || newer->impl->isObjectDestroyed ||
         newer->impl->deleteSignaler != impl->deleteSignaler) {
         return false;
     }
@@ -76,7 +76,7 @@ bool GenericUndoCommand::mergeWith(const QUndoCommand* other)
 
 void GenericUndoCommand::redo()
 {
-    if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectGone) {
+    if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectDestroyed) {
         return;
     }
     const UndoStackState::Suspension suspension;
@@ -86,7 +86,7 @@ void GenericUndoCommand::redo()
 
 void GenericUndoCommand::undo()
 {
-    if (impl->isObjectGone) {
+    if (impl->isObjectDestroyed) {
         return;
     }
     const UndoStackState::Suspension suspension;

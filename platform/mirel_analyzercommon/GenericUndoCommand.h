@@ -16,9 +16,9 @@ class DeleteSignaler;
  * they may destroy the command's object.
  *
  * When the object that the functions act on has been destroyed, the command is inert: redo() and
- * undo() do nothing, what the functions held is released, and it is obsolete, so that the stack
- * drops it when it comes by.
- * An exception out of a function passes; the command can be tried again.
+ * undo() do nothing, both functions are released, and it is obsolete, so that the stack deletes it
+ * when it is next reached.
+ * An exception from a function passes; the command can be tried again.
  */
 class MIREL_ANALYZERCOMMON_EXPORT GenericUndoCommand : public QUndoCommand
 {
@@ -26,8 +26,8 @@ public:
     /**
      * @param redo           makes the change; an empty function does nothing.
      * @param undo           takes it back; an empty function does nothing.
-     * @param deleteSignaler the object that the functions act on, borrowed until it says that it
-     *                       goes; null: none, the functions are always called.
+     * @param deleteSignaler the object that the functions act on, borrowed until it emits its
+     *                       signal; null: none, the functions are always called.
      * @param text           what the user reads in menus and lists.
      * @param id             commands of the same non-negative id and the same object merge.
      * @param parent         the command that this one is a part of, and that owns it then.
@@ -42,7 +42,7 @@ public:
     /**
      * Takes over the redo function of `other`, a newer command of the same non-negative id and the
      * same object, and keeps the own undo function; anything else is refused with false. Commands
-     * that have parts do not merge, nor does one whose object has gone.
+     * that have parts do not merge, nor does one whose object is destroyed.
      */
     bool mergeWith(const QUndoCommand* other) override;
 

@@ -3,8 +3,8 @@
 #include <mirel_analyzercommon/Export.h>
 
 /**
- * An object that can be told to stop reacting for a while, as long as nobody looks at it. Inherited
- * virtually, since an object may get it from several of its interfaces.
+ * An object that can stop reacting to changes for a while, for example while its view is hidden.
+ * Inherited virtually, since an object may get it from several of its interfaces.
  */
 class MIREL_ANALYZERCOMMON_EXPORT SuspendableInterface
 {

@@ -21,7 +21,7 @@ public:
      * open macro if there is one, else as a step of its own that discards the steps that could be
      * redone. Runs redo() while recording is suspended, like every later undo and redo.
      *
-     * A command that is not a GenericUndoCommand is wrapped, so that this holds for it too; its
+     * A command that is not a GenericUndoCommand is wrapped, so that the same applies to it; its
      * text, id, merging and obsolescence are kept. A command that is obsolete, before its redo()
      * or after it, is deleted and leaves no trace.
      *
@@ -39,9 +39,9 @@ public:
 
 /**
  * While one lives, pushed commands are parts of one step titled `text`. Macros nest: inner ones
- * join the outermost, whose text holds. The step is opened by the first push only: a macro in
- * which nothing was pushed leaves no step behind and keeps the steps that could be redone. One
- * that is made while recording is suspended does nothing at all.
+ * join the outermost and take its text. The step is opened by the first push only: a macro in
+ * which nothing was pushed leaves no step behind and keeps the steps that could be redone. A macro
+ * opened while recording is suspended does nothing.
  */
 class MIREL_ANALYZERCOMMON_EXPORT UndoStack::Macro
 {
@@ -49,8 +49,8 @@ public:
     explicit Macro(const QString& text);
 
     /**
-     * Closes the step, which tells the stack's listeners. What they throw passes, unless another
-     * exception is on its way; the step is closed either way.
+     * Closes the step, which emits the stack's signals. What their slots throw passes, unless
+     * another exception is propagating; the step is closed either way.
      */
     ~Macro() noexcept(false);
 

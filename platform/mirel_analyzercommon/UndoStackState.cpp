@@ -24,7 +24,7 @@ void UndoStackState::closeMacro()
     try {
         undoStack.endMacro();
     } catch (...) {
-        // Out of a listener: Qt has closed the step before it tells them.
+        // From a slot: Qt has closed the step before it emits.
         dropStepWithoutParts();
         throw;
     }

@@ -9,8 +9,8 @@
 #include <vector>
 
 /**
- * The values of one column, which readers may share: what they hold never changes, because the
- * first change after a share() is made in a copy. One thread.
+ * The values of one column, which readers may share: shared values never change, because the first
+ * change after a share() is made in a copy. One thread.
  */
 template <class T>
 class CopyOnWriteColumn
@@ -23,13 +23,13 @@ public:
     CopyOnWriteColumn(const CopyOnWriteColumn&) = delete;
     CopyOnWriteColumn& operator=(const CopyOnWriteColumn&) = delete;
 
-    /** The values now; the reference is good until the next change. */
+    /** The present values; the reference is valid until the next change. */
     const std::vector<T>& get() const { return *values; }
 
-    /** The values now, for as long as the pointer is held. */
+    /** The present values, for as long as the pointer is kept. */
     boost::shared_ptr<const std::vector<T>> share() const { return values; }
 
-    /** The values for a change: a copy of them if somebody shares them. */
+    /** The values to change: a copy if they are shared. */
     std::vector<T>& writable()
     {
         if (isShared()) {

@@ -63,7 +63,7 @@ boost::shared_ptr<Project>& openProject()
 } // namespace
 
 /**
- * The change signal and what holds it back. Shared with every emission and every group, so that a
+ * The change signal and the groups that delay it. Shared with every emission and group, so that a
  * listener may close the project.
  */
 struct MIREL_DATAMANAGEMENT_NO_EXPORT Project::Changes
@@ -119,7 +119,7 @@ public:
 
 Project::Impl::~Impl()
 {
-    // A running emission holds its slots: nobody is to be told of a project that has gone.
+    // A running emission keeps its slots: none may be called after the project is destroyed.
     changes->signal.disconnect_all_slots();
     for (const boost::shared_ptr<Variable>& variable : allVariables) {
         variable->impl->inProject = false;
@@ -250,7 +250,7 @@ void Project::setProject(boost::shared_ptr<Project> next)
     if (!next) {
         next = boost::make_shared<Project>();
     }
-    // The one that was open goes with the argument, when the new one is in place already.
+    // The former project is destroyed with the argument, when the new one is in place already.
     openProject().swap(next);
 }
 
@@ -524,8 +524,8 @@ Project::ChangeGroup::~ChangeGroup() noexcept(false)
         changes->signal();
         return;
     }
-    // What was changed before the exception stays changed: listeners have to hear of it, and what
-    // they throw gives way to the exception that is under way.
+    // Changes made before the exception stand, so that listeners are called; what they throw is
+    // dropped in favour of the exception that is propagating.
     try {
         changes->signal();
     } catch (...) {

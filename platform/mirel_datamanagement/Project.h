@@ -15,7 +15,7 @@
 
 /**
  * The data of one study: variables (columns), records (rows) and one cell for each pair, kept
- * column by column. It owns all of them; everybody else holds handles.
+ * column by column. It owns all of them; other objects hold handles.
  *
  * Every change that really changes something is followed by one emission of the change signal; a
  * call that sets what is there already emits nothing. When a listener throws, its exception
@@ -36,7 +36,7 @@ public:
 
     /**
      * Disconnects every listener, also those that a running emission has yet to reach. Handles of
-     * the project are no longer valid; objects that somebody locked live on.
+     * the project are no longer valid; objects that are locked live on.
      */
     ~Project();
 
@@ -47,8 +47,8 @@ public:
     static boost::shared_ptr<Project> project();
 
     /**
-     * Opens another project; null closes the present one and opens an empty one. Nobody is told:
-     * whoever opens a project also sets up what looks at it.
+     * Opens another project; null closes the present one and opens an empty one. No signal is
+     * emitted: the caller sets up the objects that use the new project.
      */
     static void setProject(boost::shared_ptr<Project>);
 
@@ -90,7 +90,7 @@ public:
     /**
      * Puts a removed variable back to `position` in project order (past the end: last), with the
      * cells it had; records added meanwhile have missing cells, records removed are gone. Refused
-     * while another variable bears its name; changes nothing for a variable that is there.
+     * while another variable has its name; changes nothing for a variable that is there.
      */
     void restoreVariable(const VarPtr& variable, std::size_t position);
 

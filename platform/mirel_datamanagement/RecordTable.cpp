@@ -148,7 +148,7 @@ std::vector<std::size_t> RecordTable::excludedRows() const
 {
     std::vector<std::size_t> rows;
     std::size_t row = 0;
-    // Records that nobody has asked for are included.
+    // Records without an object have never been excluded.
     for (const boost::shared_ptr<Block>& made : blocks) {
         if (!made) {
             continue;
@@ -183,7 +183,7 @@ RecordTable::Block& RecordTable::block(unsigned long id) const
     const std::size_t index = blockIndex(id);
     boost::shared_ptr<Block>& made = blocks[index];
     if (!made) {
-        // Nobody has had a handle of these records, so that none of them can have been removed or
+        // No handle of these records exists yet, so that none of them can have been removed or
         // excluded: every id up to the last one is in the project.
         made = boost::make_shared<Block>();
         const unsigned long firstId = index * recordsPerBlock + 1;

@@ -9,9 +9,9 @@
 
 /**
  * The records of one project, in project order, which is the order of their ids: records are only
- * appended. A record costs the eight bytes of its id until somebody asks for it; the objects are
- * then made a block at a time, because whoever asks for one record of a large project is walking
- * over all of them.
+ * appended. A record costs the eight bytes of its id until it is asked for; the objects are then
+ * made a block at a time, because a caller that asks for one record of a large project is usually
+ * iterating over all of them.
  */
 class RecordTable
 {

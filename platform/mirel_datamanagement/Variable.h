@@ -40,7 +40,7 @@ public:
 
     /**
      * The range in the variable's units: as it was set (finite, first <= second), else minimum and
-     * maximum of the finite values, else (0, 0). The walk over the values is made once per change
+     * maximum of the finite values, else (0, 0). Computed once per change
      * of the values.
      */
     std::pair<double, double> range() const;

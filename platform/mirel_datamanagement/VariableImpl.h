@@ -34,11 +34,11 @@ public:
     Nature natureValue;
     const bool holdsNumbers;
 
-    /** The project, while it is open; only compared, never followed. */
+    /** The project, while it is open; only compared, never dereferenced. */
     const void* owner = nullptr;
     bool inProject = false;
 
-    /** As set by the user; unset: the values tell it. */
+    /** As set by the user; unset: minimum and maximum of the values. */
     std::optional<std::pair<double, double>> chosenRange;
     mutable std::optional<std::pair<double, double>> knownRangeOfValues;
 

@@ -3,7 +3,7 @@
 #include <mirel_datamanagement/Export.h>
 #include <mirel_datamanagement/VariableProviderIterator.h>
 
-/** A range of variables: what the lists below can be narrowed from. */
+/** A range of variable handles, from which other providers select. */
 class MIREL_DATAMANAGEMENT_EXPORT VariableProvider
 {
 public:

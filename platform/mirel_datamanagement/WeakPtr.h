@@ -25,7 +25,7 @@ public:
 
 /**
  * A handle: identity plus weak reference. A small value that keeps nothing alive and that can be
- * compared, sorted and kept in sets and maps also after its object has gone.
+ * compared, sorted and kept in sets and maps also after its object is destroyed.
  *
  * T offers `bool isInProject() const`; Id is a value type with == and <, default constructible.
  */
@@ -70,15 +70,16 @@ public:
         return object;
     }
 
-    /** The object, or null for a null handle or a destroyed object: for walks over many handles. */
+    /** The object, or null for a null handle or a destroyed object; does not throw. */
     boost::shared_ptr<T> tryLock() const { return reference.lock(); }
 
     /** The identity; Id() for the null handle. */
     Id id() const { return identity; }
 
     /**
-     * By identity alone, so that the order in a container stays the same after objects have gone.
-     * The null handle sorts first and equals only null handles, also where Id() is an identity.
+     * By identity alone, so that the order in a container stays the same when objects are
+     * destroyed. The null handle sorts first and equals only null handles, also where Id() is an
+     * identity.
      */
     friend bool operator==(const WeakPtr& left, const WeakPtr& right)
     {

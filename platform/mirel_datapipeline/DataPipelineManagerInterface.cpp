@@ -6,8 +6,8 @@ DataPipelineManagerInterface::DataPipelineManagerInterface() = default;
 
 DataPipelineManagerInterface::~DataPipelineManagerInterface()
 {
-    // A running emission holds its slots: without this it would go on calling them for a pipeline
-    // that one of them has destroyed.
+    // A running emission keeps its slots: without this it would go on calling them after one of
+    // them has destroyed the pipeline.
     changedSignal.disconnect_all_slots();
 }
 

@@ -7,7 +7,7 @@
 
 class vtkTableAlgorithm;
 
-/** Where the cases of the project come from, as one table, and the news that they have changed. */
+/** Delivers the cases of the project as one table, and a signal when they change. */
 class MIREL_DATAPIPELINE_EXPORT DataPipelineManagerInterface
 {
 public:

@@ -31,8 +31,7 @@ public:
     explicit ProjectDataPipelineManager(boost::shared_ptr<Project> project);
     ~ProjectDataPipelineManager() override;
 
-    /** Always the same algorithm; it may be kept longer than the manager, but hears no news then.
-     */
+    /** Always the same algorithm; after the manager it is no longer marked modified by changes. */
     vtkSmartPointer<vtkTableAlgorithm> outputAlgorithm() const override;
 
 private:

@@ -8,8 +8,8 @@
 
 /**
  * A VTK array (Array: vtkDoubleArray, ...) that shows a vector without copying it and keeps it
- * alive. VTK arrays own their memory or point to somebody else's; this is the object in between.
- * The values are for reading only: they belong to others too.
+ * alive, which VTK's own arrays cannot: they own their memory or point to memory of others. The
+ * values are for reading only, since they are shared.
  */
 template <class Array>
 class SharedColumnArray : public Array

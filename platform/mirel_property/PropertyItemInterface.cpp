@@ -6,8 +6,8 @@ PropertyItemInterface::PropertyItemInterface() = default;
 
 PropertyItemInterface::~PropertyItemInterface()
 {
-    // A running emission holds its slots: without this it would go on calling them for an item that
-    // one of them has destroyed.
+    // A running emission keeps its slots: without this it would go on calling them after one of
+    // them has destroyed the item.
     changedSignal.disconnect_all_slots();
 }
 

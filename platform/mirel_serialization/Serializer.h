@@ -17,7 +17,7 @@
  * looked at, so that an element deeper in the document is never taken for one of these.
  *
  * A serializer outlives its running serialize() and deserialize(). Sub-elements may be added and
- * replaced meanwhile, by a listener for example: the run goes on with those that it started with.
+ * replaced meanwhile, by a listener for example: a running call continues with those it began with.
  * What a sub-element or a subclass throws passes; what was read before it stays set.
  */
 class MIREL_SERIALIZATION_EXPORT Serializer : public virtual SerializerInterface
@@ -25,11 +25,11 @@ class MIREL_SERIALIZATION_EXPORT Serializer : public virtual SerializerInterface
     // The virtual operations that this class adds stay the first of its declarations, in this
     // order: it is the order of their slots.
 
-    /** Adds the own content to `element`, which bears name() and holds the sub-elements. Empty
+    /** Adds the own content to `element`, which is named name() and holds the sub-elements. Empty
      *  here. New nodes come from the owner document of `element`. */
     virtual void serializeSelf(QDomElement& element) const;
 
-    /** Reads the own content of `element`, which bears name(). Empty here. */
+    /** Reads the own content of `element`, which is named name(). Empty here. */
     virtual void deserializeSelf(QDomElement& element) const;
 
 public:
@@ -50,7 +50,7 @@ public:
     QDomElement serialize(QDomDocument& document) const override;
 
     /**
-     * Reads `element` if it bears name(), else its first direct child that does; without either
+     * Reads `element` if it is named name(), else its first direct child that is; without either
      * nothing happens, as for a null element. A sub-element is handed its own element, the first
      * direct child with its name, and is left alone when there is none.
      */
@@ -69,7 +69,7 @@ public:
     /**
      * Puts `serializer` in place of the sub-element with its name: in the same position, and read
      * only if that one was.
-     * @throw std::invalid_argument also if no sub-element bears that name.
+     * @throw std::invalid_argument also if no sub-element has that name.
      */
     void replaceSubElement(boost::shared_ptr<SerializerInterface> serializer);
 

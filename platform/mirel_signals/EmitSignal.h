@@ -3,10 +3,10 @@
 #include <boost/shared_ptr.hpp>
 
 /**
- * Calls `signal` so that a slot may destroy the signal and its owner: what the emission works on
- * is kept until the last slot has returned. A plain `signal(...)` would tidy up its list of slots
- * afterwards in memory that is gone.
- * An exception out of a slot passes; the slots after it are not called.
+ * Calls `signal` so that a slot may destroy the signal and its owner: the state of the emission is
+ * kept until the last slot has returned. A plain `signal(...)` would clean up its list of slots
+ * afterwards in memory that has been freed.
+ * An exception from a slot passes; later slots are not called.
  */
 template <class Signal, class... Arguments>
 void emitSignal(const Signal& signal, const Arguments&... arguments)

@@ -7,7 +7,7 @@
 #include <memory>
 
 /**
- * The connections that an object has made, so that they end with it and can be silenced together.
+ * The connections that an object has made, so that they end with it and can be blocked together.
  * Not copyable; one thread.
  */
 class MIREL_SIGNALS_EXPORT SignalConnectionCollection
@@ -24,10 +24,10 @@ public:
     /** Takes `connection` over; while the collection is blocked, it is blocked too. */
     void add(boost::signals2::connection connection);
 
-    /** Silences every connection. Not counted: a second call changes nothing. */
+    /** Blocks every connection. Not counted: a second call changes nothing. */
     void block();
 
-    /** Ends the silence, however often block() was called; nothing missed is delivered later. */
+    /** Unblocks, however often block() was called; missed signals are not delivered later. */
     void unblock();
 
 private:

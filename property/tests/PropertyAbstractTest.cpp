@@ -262,7 +262,7 @@ TEST(PropertyAbstract, MayBeDestroyedByATypedListener)
     property->set(1);
 
     EXPECT_EQ(property, nullptr);
-    EXPECT_EQ(laterCalls, 0) << "told of a property that is gone";
+    EXPECT_EQ(laterCalls, 0) << "called for a destroyed property";
 }
 
 TEST(PropertyAbstract, MayBeDestroyedByAnUntypedListener)
@@ -276,7 +276,7 @@ TEST(PropertyAbstract, MayBeDestroyedByAnUntypedListener)
     property->set(1);
 
     EXPECT_EQ(property, nullptr);
-    EXPECT_EQ(laterCalls, 0) << "told of a property that is gone";
+    EXPECT_EQ(laterCalls, 0) << "called for a destroyed property";
 }
 
 namespace {

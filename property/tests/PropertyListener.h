@@ -4,7 +4,8 @@
 
 #include <vector>
 
-/** For tests: what the listeners of a property were told. Must outlive the property's changes. */
+/** For tests: the values that listeners of a property received. Must outlive the property's
+ * changes. */
 template <class T>
 class PropertyListener
 {

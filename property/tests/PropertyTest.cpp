@@ -46,7 +46,7 @@ TYPED_TEST(PropertyTest, AnswersTheValueThatWasSet)
     EXPECT_EQ(this->property.get(), Samples<TypeParam>::second());
 }
 
-TYPED_TEST(PropertyTest, HasToldBothKindsOfListenersOnceWhenSetReturns)
+TYPED_TEST(PropertyTest, HasCalledBothKindsOfListenersOnceWhenSetReturns)
 {
     this->property.set(Samples<TypeParam>::first());
 
@@ -112,7 +112,7 @@ TEST(PropertyOfAVector, TakesAnotherLengthAsAChange)
     EXPECT_EQ(listener.values, (std::vector<std::vector<int>>{{1, 2, 3}, {1, 2}}));
 }
 
-TEST(PropertyOfAVector, HandsOutACopy)
+TEST(PropertyOfAVector, ReturnsACopy)
 {
     veska::Property<std::vector<int>> property;
     property.set({1, 2});

@@ -80,7 +80,7 @@ TYPED_TEST(UndoablePropertyProxyOfTypeTest, IsSilentWhenSetToTheValueItHolds)
     EXPECT_EQ(this->listener.untypedCalls, 0);
 }
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, TellsItsListenersOnceOfASet)
+TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsItsListenersOnceForASet)
 {
     this->proxy->set(Samples<TypeParam>::first());
 
@@ -88,7 +88,7 @@ TYPED_TEST(UndoablePropertyProxyOfTypeTest, TellsItsListenersOnceOfASet)
     EXPECT_EQ(this->listener.untypedCalls, 1);
 }
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, TellsItsListenersTwiceOfAnUndoAndOfARedo)
+TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsItsListenersTwiceForAnUndoAndForARedo)
 {
     this->proxy->set(Samples<TypeParam>::first());
     const std::vector<TypeParam> twiceFresh(2, Samples<TypeParam>::fresh());
@@ -105,7 +105,7 @@ TYPED_TEST(UndoablePropertyProxyOfTypeTest, TellsItsListenersTwiceOfAnUndoAndOfA
     EXPECT_EQ(redoListener.untypedCalls, 2);
 }
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, TellsListenersOfItsTargetOnceOfAnUndo)
+TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsListenersOfItsTargetOnceForAnUndo)
 {
     const PropertyListener<TypeParam> targetListener(*this->target);
     this->proxy->set(Samples<TypeParam>::first());
@@ -210,12 +210,12 @@ TEST_F(UndoablePropertyProxyTest, TakesItsDisplayNameAsUtf8)
           target)
         .set(1);
 
-    // The proxy has gone, its step is still listed.
+    // The proxy is destroyed, its step is still listed.
     EXPECT_EQ(stack.text(0), QString::fromUtf8("Change Gr\xc3\xb6\xc3\x9f"
                                                "e %1%"));
 }
 
-TEST_F(UndoablePropertyProxyTest, ListsApplyValueBehindTheOperationsOfAProperty)
+TEST_F(UndoablePropertyProxyTest, ListsApplyValueAfterTheOperationsOfAProperty)
 {
     // And behind the two forms of the destructor, which are theirs too.
     EXPECT_TRUE(isVirtualSlot(&ApplyingProxy::applyValue, 8));
@@ -562,7 +562,7 @@ TEST_F(UndoablePropertyProxyTest, OpensNoMacroWhenItsChangesMerge)
 
 // Destruction
 
-TEST_F(UndoablePropertyProxyTest, LeavesCommandsThatDoNothingWhenItHasGone)
+TEST_F(UndoablePropertyProxyTest, LeavesCommandsWithoutEffectWhenDestroyed)
 {
     proxy->set(1);
     proxy->set(2);
@@ -586,7 +586,7 @@ TEST_F(UndoablePropertyProxyTest, MayGoAfterItsCommands)
     EXPECT_EQ(target->get(), 1);
 }
 
-TEST_F(UndoablePropertyProxyTest, HearsNothingOfItsTargetOnceItHasGone)
+TEST_F(UndoablePropertyProxyTest, IgnoresItsTargetOnceDestroyed)
 {
     int calls = 0;
     const auto connection = proxy->connectSignalChanged([&](const int&) { ++calls; });

@@ -64,7 +64,7 @@ public:
         return *this;
     }
 
-    /** Changes a cell in place; nobody is told. */
+    /** Changes a cell in place, without a signal. */
     void set(int row, const std::string& name, const vtkVariant& value)
     {
         table->SetValueByName(row, name.c_str(), value);

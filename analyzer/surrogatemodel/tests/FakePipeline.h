@@ -36,7 +36,7 @@ protected:
     }
 };
 
-/** A pipeline over a table of the test's own, which says that it has changed only when told to. */
+/** A pipeline over a table of the test's own; it emits its signal only on request. */
 class FakePipeline : public DataPipelineManagerInterface
 {
 public:

@@ -48,7 +48,7 @@ TEST_F(GenericSerializerTest, ReadsItsValueFromTheTextOfItsElement)
     EXPECT_EQ(values[0], "new");
 }
 
-TEST_F(GenericSerializerTest, HandsTheEmptyTextOfAnElementToItsSetter)
+TEST_F(GenericSerializerTest, PassesTheEmptyTextOfAnElementToItsSetter)
 {
     read(textSerializer(), "<Type/>");
 

@@ -123,7 +123,7 @@ TEST(DistributedPoints, GiveWhatNonFiniteRangesCompute)
     EXPECT_TRUE(std::isnan(noNumber[1]));
 }
 
-TEST(DistributedPoints, StandBehindTheInterface)
+TEST(DistributedPoints, ImplementTheInterface)
 {
     const std::unique_ptr<InterpolationPointsInterface> points =
         std::make_unique<DistributedPoints>(std::pair<double, double>{0, 1}, 2);
@@ -357,7 +357,7 @@ TEST_F(InterpolationVariablesAbstractTest, EmploysWhatTheSubclassSweepsListedOrN
     EXPECT_TRUE(interpolation.isVariableEmployed(unlisted));
 }
 
-TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheUserDistributions)
+TEST_F(InterpolationVariablesAbstractTest, SignalsAChangeOfTheUserDistributionsOnce)
 {
     const ChosenPoints interpolation(manager, distributions);
     listen(interpolation);
@@ -368,7 +368,7 @@ TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheUserDistributi
     EXPECT_EQ(emissions, 1) << "equal values are no change";
 }
 
-TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheEvaluationPoint)
+TEST_F(InterpolationVariablesAbstractTest, SignalsAChangeOfTheEvaluationPointOnce)
 {
     const ChosenPoints interpolation(manager, distributions);
     listen(interpolation);
@@ -378,7 +378,7 @@ TEST_F(InterpolationVariablesAbstractTest, TellsOnceOfAChangeOfTheEvaluationPoin
     EXPECT_EQ(emissions, 1);
 }
 
-TEST_F(InterpolationVariablesAbstractTest, DoesNotTellOfTheListAndTheType)
+TEST_F(InterpolationVariablesAbstractTest, DoesNotSignalChangesOfTheListAndTheType)
 {
     const ChosenPoints interpolation(manager, distributions);
     listen(interpolation);
@@ -389,7 +389,7 @@ TEST_F(InterpolationVariablesAbstractTest, DoesNotTellOfTheListAndTheType)
     EXPECT_EQ(emissions, 0);
 }
 
-TEST_F(InterpolationVariablesAbstractTest, TellsOfAProxyOnceOnSetAndTwiceOnUndoAndRedo)
+TEST_F(InterpolationVariablesAbstractTest, SignalsOnceForASetOfAProxyAndTwiceForUndoAndRedo)
 {
     const CleanUndoStack cleanUndoStack;
     const auto proxy = boost::make_shared<CollectionProxy>("Point", manager->point);
@@ -419,7 +419,7 @@ TEST_F(InterpolationVariablesAbstractTest, AcceptsAProxyAsUserDistributions)
     EXPECT_EQ(interpolation.inputIndependentVariables()->at(x), (Values{7}));
 }
 
-TEST_F(InterpolationVariablesAbstractTest, IsSilentWhileSuspendedAndTellsNothingLater)
+TEST_F(InterpolationVariablesAbstractTest, IsSilentWhileSuspendedAndSignalsNothingLater)
 {
     ChosenPoints interpolation(manager, distributions);
     listen(interpolation);

@@ -38,7 +38,7 @@ class Suspendable : public virtual SuspendableInterface
 class SuspendableAlongTwoPaths : public NoVariables, public Suspendable
 {};
 
-TEST(InterpolationVariablesInterface, TellsListenersOfAChange)
+TEST(InterpolationVariablesInterface, SignalsAChange)
 {
     const NoVariables variables;
     int calls = 0;

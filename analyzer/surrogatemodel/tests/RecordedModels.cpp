@@ -23,7 +23,7 @@ std::vector<std::vector<double>> copies(const std::vector<double*>& columns, std
     return result;
 }
 
-/** Counts itself; the number of constructions is found in the texts, to tell models apart. */
+/** Counts itself; the number of constructions is part of the texts and identifies a model. */
 class LiveModel
 {
 public:

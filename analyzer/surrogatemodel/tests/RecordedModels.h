@@ -21,7 +21,7 @@ struct RecordedFit
 };
 
 /**
- * The two models of this test program: bodies for the real headers that fit nothing but tell what
+ * The two models of this test program: bodies for the real headers that fit nothing but record what
  * the manager asks of them. The program's definitions precede those of the fitting library.
  */
 struct RecordedModels

@@ -116,7 +116,7 @@ TEST_F(SurfaceCoefficientExporterTest, HasWrittenWhatCameBeforeWhenAnEquationFai
                          "\nEquation for dependent variable: strain\nResult = ");
 }
 
-TEST_F(SurfaceCoefficientExporterTest, WritesTheTextOfAModelThatSaysItHasNone)
+TEST_F(SurfaceCoefficientExporterTest, WritesTheTextOfAModelThatReportsNone)
 {
     dependents = {stress};
     manager.fakeModel.available = false;

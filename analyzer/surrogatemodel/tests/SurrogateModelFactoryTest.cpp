@@ -71,7 +71,7 @@ TEST_F(SurrogateModelFactoryTest, NeedsCases)
     EXPECT_TRUE(SurrogateModelFactory().needsCases());
 }
 
-TEST_F(SurrogateModelFactoryTest, TellsItsListenersTheTypeThatChanges)
+TEST_F(SurrogateModelFactoryTest, SignalsTheTypeThatChanges)
 {
     const ChoosingFactory factory;
     std::vector<Interface::ModelType> types;

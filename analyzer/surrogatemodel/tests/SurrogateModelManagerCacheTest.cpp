@@ -103,7 +103,7 @@ TEST_F(SurrogateModelManagerCacheTest, ReportsTooFewCasesForColumnsWithoutNumber
     EXPECT_EQ(errorOf([&] { model({y2}); }), "");
 }
 
-TEST_F(SurrogateModelManagerCacheTest, LeavesTheVerdictAboutASingleCaseToTheModel)
+TEST_F(SurrogateModelManagerCacheTest, LetsTheModelDecideAboutASingleCase)
 {
     includeAll(false);
     project->setIncluded(project->record(2), true);
@@ -197,7 +197,7 @@ TEST_F(SurrogateModelManagerCacheTest, ExecutesAFilterOnceWhenThePipelineFindsAC
     EXPECT_EQ(fitCount(), 1U);
 }
 
-TEST_F(SurrogateModelManagerCacheTest, UsesTheLastFullRebuildsVerdictsWhileAModelIsHeld)
+TEST_F(SurrogateModelManagerCacheTest, ExcludesTheBadRowsOfTheLastFullRebuildWhileAModelIsCached)
 {
     cases.set(1, "x1", vtkVariant(missing));
     model({y1});
@@ -209,7 +209,7 @@ TEST_F(SurrogateModelManagerCacheTest, UsesTheLastFullRebuildsVerdictsWhileAMode
     EXPECT_EQ(lastFit().outputs[1], (Values{40, 60}));
 }
 
-TEST_F(SurrogateModelManagerCacheTest, UsesTheSameVerdictsAfterARequestThatFailed)
+TEST_F(SurrogateModelManagerCacheTest, ExcludesTheSameBadRowsAfterAFailedRequest)
 {
     cases.set(1, "x1", vtkVariant(missing));
     model({y1});
@@ -324,7 +324,7 @@ TEST_F(SurrogateModelManagerCacheTest, DropsAModelThatAListenerAskedForDuringThe
     EXPECT_EQ(lastFit().inputs.size(), 1U);
 }
 
-TEST_F(SurrogateModelManagerCacheTest, KeepsTheModelWhileNobodySaysThatTheDataChanged)
+TEST_F(SurrogateModelManagerCacheTest, KeepsTheModelUntilAChangeOfTheDataIsSignalled)
 {
     SurrogateModelInterface& first = model({y1});
     project->moveVariable(y2, 0);

@@ -43,18 +43,18 @@ protected:
 
 } // namespace
 
-TEST_F(SurrogateModelManagerFactoryTest, DropsTheModelAndSaysSoOnceWhenTheChoiceChanges)
+TEST_F(SurrogateModelManagerFactoryTest, DropsTheModelAndSignalsOnceWhenTheChoiceChanges)
 {
     model({y1});
     Counter changes;
     manager->connectSignalModelChanged(changes.slot());
-    int aliveWhenTold = -1;
-    manager->connectSignalModelChanged([&] { aliveWhenTold = recordedModels().alive; });
+    int aliveWhenSignalled = -1;
+    manager->connectSignalModelChanged([&] { aliveWhenSignalled = recordedModels().alive; });
 
     factory->choice->set(1);
 
     EXPECT_EQ(changes.calls, 1);
-    EXPECT_EQ(aliveWhenTold, 0);
+    EXPECT_EQ(aliveWhenSignalled, 0);
     model({y1});
     EXPECT_EQ(fitCount(), 2U);
 }

@@ -1,4 +1,4 @@
-// The whole road with fitted models: project, pipeline, manager, filter.
+// Fitted models from project to table: project, pipeline, manager, filter.
 #include <surrogatemodel/SurrogateModelManager.h>
 
 #include "ProjectTest.h"
@@ -168,12 +168,12 @@ TEST_P(BothModels, AnswerForCleanOutputsBesideDirtyOnes)
     EXPECT_NEAR(valueAt(dirty, 1, 2.5), 102.5, rounding);
 }
 
-TEST_P(BothModels, KeepAnsweringWhenTheCasesOfARefitAreGone)
+TEST_P(BothModels, StayUsableWhenARefitHasNoCases)
 {
     SurrogateModelInterface& held = manager->model(std::set<VarPtr>{y1});
     const double before = valueAt(held, 0, 2.5);
     const std::string textBefore = held.qualityMetricInformation(0);
-    // While the group lives nobody hears of a change.
+    // No signal is emitted while the group lives.
     const Project::ChangeGroup silence(*project);
     for (const RecordPtr& record : project->records()) {
         project->setIncluded(record, false);
@@ -187,7 +187,7 @@ TEST_P(BothModels, KeepAnsweringWhenTheCasesOfARefitAreGone)
     EXPECT_EQ(stale.qualityMetricInformation(0), textBefore);
 }
 
-TEST_P(BothModels, TellOfModelsThatCannotBeFittedAlsoWithoutDependents)
+TEST_P(BothModels, ReportAModelThatCannotBeFittedAlsoWithoutDependents)
 {
     variables->dependents.clear();
     includeAll(false);
@@ -289,7 +289,7 @@ TEST_F(SurrogateModelManagerFittedTest, EvaluatesAtTheRoundedMinimum)
     EXPECT_EQ(filter->GetOutput()->GetValueByName(0, "large").ToDouble(), 1234570.0);
 }
 
-TEST_F(SurrogateModelManagerFittedTest, TellsTheFilterTwiceOfAnUndoneEvaluationPoint)
+TEST_F(SurrogateModelManagerFittedTest, MarksTheFilterModifiedTwiceWhenAnEvaluationPointIsUndone)
 {
     setPoint("x", "2.5");
     int modifications = 0;

@@ -88,7 +88,7 @@ TEST(SurrogateModelManagerInterface, StartsWithoutListeners)
     EXPECT_EQ(FakeManager().signalModelChanged.num_slots(), 0U);
 }
 
-TEST(SurrogateModelManagerInterface, TellsItsListenersThatTheModelChanged)
+TEST(SurrogateModelManagerInterface, SignalsThatTheModelChanged)
 {
     const FakeManager manager;
     int calls = 0;
@@ -99,7 +99,7 @@ TEST(SurrogateModelManagerInterface, TellsItsListenersThatTheModelChanged)
     EXPECT_EQ(calls, 1);
 }
 
-TEST(SurrogateModelManagerInterface, HandsExtendedListenersTheirConnection)
+TEST(SurrogateModelManagerInterface, PassesExtendedListenersTheirConnection)
 {
     const FakeManager manager;
     int calls = 0;

@@ -97,7 +97,8 @@ TEST_F(SurrogateModelManagerPropertiesTest, LeaveEvaluationPointsAloneThatAreHel
     EXPECT_EQ(manager->evaluationPoint()->get(), points);
 }
 
-TEST_F(SurrogateModelManagerPropertiesTest, KeepTheEvaluationPointOfAVariableThatLeavesAndReturns)
+TEST_F(SurrogateModelManagerPropertiesTest,
+       KeepTheEvaluationPointOfAVariableThatIsRemovedAndAddedAgain)
 {
     setPoint("x1", "2.25");
 
@@ -186,7 +187,7 @@ TEST_F(SurrogateModelManagerPropertiesTest, UndoTheListFirstAndRedoTheEvaluation
     EXPECT_EQ(log, (std::vector<std::string>{"point", "list"}));
 }
 
-TEST_F(SurrogateModelManagerPropertiesTest, TellOfTheEvaluationPointThenOfTheListThenOfTheModel)
+TEST_F(SurrogateModelManagerPropertiesTest, SignalTheEvaluationPointThenTheListThenTheModel)
 {
     std::vector<std::string> log;
     manager->connectSignalModelChanged([&] { log.emplace_back("model"); });
@@ -200,34 +201,34 @@ TEST_F(SurrogateModelManagerPropertiesTest, TellOfTheEvaluationPointThenOfTheLis
     EXPECT_EQ(log, (std::vector<std::string>{"point", "list", "model"}));
 }
 
-TEST_F(SurrogateModelManagerPropertiesTest, HaveDroppedTheModelWhenTheyTellOfTheList)
+TEST_F(SurrogateModelManagerPropertiesTest, HaveDroppedTheModelWhenTheySignalTheList)
 {
     model({y1});
-    int aliveWhenTold = -1;
+    int aliveWhenSignalled = -1;
     manager->independentVars()->connectSignalChanged(
-        [&](const Variables&) { aliveWhenTold = recordedModels().alive; });
+        [&](const Variables&) { aliveWhenSignalled = recordedModels().alive; });
 
     choose({x2});
 
-    EXPECT_EQ(aliveWhenTold, 0);
+    EXPECT_EQ(aliveWhenSignalled, 0);
 }
 
-TEST_F(SurrogateModelManagerPropertiesTest, TellOfTheTypeThenOfTheModelOnce)
+TEST_F(SurrogateModelManagerPropertiesTest, SignalTheTypeThenTheModelOnce)
 {
     model({y1});
     std::vector<std::string> log;
-    int aliveWhenTold = -1;
+    int aliveWhenSignalled = -1;
     manager->connectSignalModelChanged([&] { log.emplace_back("model"); });
     manager->type()->connectSignalChanged([&](Interface::ModelType) {
         log.emplace_back("type");
-        aliveWhenTold = recordedModels().alive;
+        aliveWhenSignalled = recordedModels().alive;
     });
     manager->type()->connectSignalPropertyChanged([&] { log.emplace_back("type"); });
 
     manager->type()->set(Interface::Kriging);
 
     EXPECT_EQ(log, (std::vector<std::string>{"type", "type", "model"}));
-    EXPECT_EQ(aliveWhenTold, 0);
+    EXPECT_EQ(aliveWhenSignalled, 0);
 }
 
 TEST_F(SurrogateModelManagerPropertiesTest, KeepTheModelWhenOnlyTheEvaluationPointChanges)

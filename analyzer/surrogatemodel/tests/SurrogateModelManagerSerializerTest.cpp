@@ -401,7 +401,7 @@ TEST_F(SurrogateModelManagerSerializerTest, BringsNamesWithMarkupBackByteForByte
     EXPECT_EQ(writtenVariables(), names);
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, TellsNobodyWhenItLoadsThePresentSettings)
+TEST_F(SurrogateModelManagerSerializerTest, EmitsNothingWhenItLoadsThePresentSettings)
 {
     manager->independents->set({x, y});
     manager->point->set(with({}, "x", Collection::UserDefined, "1"));
@@ -426,7 +426,7 @@ TEST_F(SurrogateModelManagerSerializerTest, SetsTheListOnce)
     EXPECT_EQ(listener.values, (std::vector<Variables>{{x, y}}));
 }
 
-// Type and evaluation point come before the list, so that a mode nobody knows ends the load there.
+// Type and evaluation point come before the list, so that an unknown mode ends the load there.
 TEST_F(SurrogateModelManagerSerializerTest, KeepsTheListWhenTheEvaluationPointCannotBeRead)
 {
     manager->independents->set({x});
@@ -488,7 +488,7 @@ TEST_F(SurrogateModelManagerSerializerTest, MayFillItsTableOfTypesAgain)
     EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, SharesOwnershipOfItsManagerAndKeepsNothingBehind)
+TEST_F(SurrogateModelManagerSerializerTest, SharesOwnershipOfItsManagerUntilItIsDestroyed)
 {
     const long owners = manager.use_count();
     const boost::weak_ptr<Interface> watched = manager;

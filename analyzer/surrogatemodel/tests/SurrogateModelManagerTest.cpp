@@ -119,7 +119,7 @@ TEST_F(SurrogateModelManagerTest, RefusesAMissingPipeline)
     EXPECT_EQ(undoStack().count(), 0);
 }
 
-TEST_F(SurrogateModelManagerTest, HandsOutTheSamePropertiesEveryTime)
+TEST_F(SurrogateModelManagerTest, ReturnsTheSamePropertiesEveryTime)
 {
     const Interface& face = *manager;
 
@@ -236,18 +236,18 @@ TEST_F(SurrogateModelManagerTest, KnowsWhichVariablesAreInputsOfTheModel)
     EXPECT_THROW(manager->isVariableInSurrogateModel(VarPtr()), HandleError);
 }
 
-TEST_F(SurrogateModelManagerTest, DropsTheModelAndSaysSoOnceWhenThePipelineChanges)
+TEST_F(SurrogateModelManagerTest, DropsTheModelAndSignalsOnceWhenThePipelineChanges)
 {
     model({y1});
     Counter changes;
     manager->connectSignalModelChanged(changes.slot());
-    int aliveWhenTold = -1;
-    manager->connectSignalModelChanged([&] { aliveWhenTold = recordedModels().alive; });
+    int aliveWhenSignalled = -1;
+    manager->connectSignalModelChanged([&] { aliveWhenSignalled = recordedModels().alive; });
 
     pipeline->emitChange();
 
     EXPECT_EQ(changes.calls, 1);
-    EXPECT_EQ(aliveWhenTold, 0);
+    EXPECT_EQ(aliveWhenSignalled, 0);
     EXPECT_EQ(recordedModels().alive, 0);
     EXPECT_EQ(undoStack().count(), 0);
     EXPECT_EQ(pipeline->source->executions, 1);
@@ -338,7 +338,7 @@ TEST_F(SurrogateModelManagerTest, SurvivesTheUndoOfAPruneUntilTheNextChangePrune
     EXPECT_EQ(manager->independentVars()->get(), (Variables{x2}));
 }
 
-TEST_F(SurrogateModelManagerTest, PrunesWithinSomebodysUndoWithoutDisturbingTheStack)
+TEST_F(SurrogateModelManagerTest, PrunesDuringAnUndoWithoutDisturbingTheStack)
 {
     UndoStack().push(new GenericUndoCommand([] {},
                                             [this] {
@@ -366,7 +366,7 @@ TEST_F(SurrogateModelManagerTest, DropsTheModelAlsoWhenAListenerOfThePruneThrows
     EXPECT_EQ(recordedModels().alive, 0);
 }
 
-TEST_F(SurrogateModelManagerTest, HearsNothingOfThePipelineAnyMoreWhenDestroyed)
+TEST_F(SurrogateModelManagerTest, IgnoresThePipelineOnceDestroyed)
 {
     const auto list = manager->independentVars();
     manager.reset();
@@ -498,7 +498,7 @@ TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerDuringUndo)
     EXPECT_EQ(manager, nullptr);
 }
 
-TEST_F(SurrogateModelManagerTest, TellsItsListenersBeforeTheCauseReturns)
+TEST_F(SurrogateModelManagerTest, SignalsBeforeTheCallThatCausesItReturns)
 {
     Counter changes;
     manager->connectSignalModelChanged(changes.slot());

@@ -35,7 +35,7 @@ TEST_F(SurrogateModelQueryToTableMemoryTest, LeavesTheColumnsOfEarlierLargeResul
     EXPECT_EQ(column("x1")[0], 4.0);
 }
 
-TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfTablesThatNobodyHasAnyMore)
+TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfTablesThatAreReleased)
 {
     if (!memoryCanBeMeasured) {
         GTEST_SKIP();

@@ -250,7 +250,7 @@ TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroForAModelError
     EXPECT_EQ(requestData(), 0);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndSaysWhyAfterAModelError)
+TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndAMessageAfterAModelError)
 {
     const RecordingOutputWindow window;
     manager->failure = "The model cannot be fitted: 100% of %1% are missing.";
@@ -306,7 +306,7 @@ TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorBeforeAnExecutionThatDoesN
     EXPECT_EQ(filter->getLastError(), "");
 }
 
-TEST_F(SurrogateModelQueryToTableTest, HandsErrorsToItsObserversWordForWord)
+TEST_F(SurrogateModelQueryToTableTest, PassesErrorsToItsObserversWordForWord)
 {
     const RecordingOutputWindow window;
     const EventRecorder errors(filter, vtkCommand::ErrorEvent);
@@ -380,7 +380,7 @@ TEST_F(SurrogateModelQueryToTableTest, ReportsAnErrorOfTheEvaluationLikeOneOfThe
     EXPECT_EQ(output()->GetNumberOfRows(), 0);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, LeavesTheExecutivesReportAloneWithoutObservers)
+TEST_F(SurrogateModelQueryToTableTest, KeepsTheExecutivesReportWithoutObservers)
 {
     const RecordingOutputWindow window;
     manager->failure = "no luck";

@@ -188,7 +188,7 @@ TEST_F(SurrogateModelSourcePointsTest, ExamineTheRequestedDependentsOnEveryRebui
     EXPECT_EQ(column("y1"), (Values{20, 30}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeInvalidValuesOfDependentsThatNobodyAskedFor)
+TEST_F(SurrogateModelSourcePointsTest, AcceptInvalidValuesOfDependentsThatAreNotRequested)
 {
     CaseTable cases = threeCases();
     cases.set(1, "y2", vtkVariant(missing));

@@ -94,12 +94,12 @@ TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsAModalWarningWith
     const SeenBox& box = closer.boxes.front();
     EXPECT_EQ(box.title, "Format Error");
     EXPECT_EQ(box.text, userDistWarning("x"));
-    EXPECT_EQ(box.informativeText, "") << "the fault itself is not told";
+    EXPECT_EQ(box.informativeText, "") << "the fault itself is not shown";
     EXPECT_EQ(box.icon, QMessageBox::Warning);
     EXPECT_EQ(box.buttons, QMessageBox::Ok);
     EXPECT_TRUE(box.isModal);
     EXPECT_FALSE(box.hasParent);
-    EXPECT_EQ(errors.text(), "") << "told once";
+    EXPECT_EQ(errors.text(), "") << "warned once";
 }
 
 TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsMarkupInNamesAsItIsWritten)

@@ -295,7 +295,8 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfEmptyAndAbsentText
     EXPECT_TRUE(property->get() == Collection());
 }
 
-// Setting a mode alone stores an empty text, which is faulty: whoever sets a mode sets a text too.
+// Setting a mode alone stores an empty text, which is faulty: a caller that sets a mode sets a text
+// too.
 TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOnLoadingAnEntryThatWasGivenOnlyAMode)
 {
     Collection collection;
@@ -375,7 +376,7 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesThePropertyOnceFor
     EXPECT_EQ(listener.untypedCalls, 1);
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesNothingWhenTheBlockSaysWhatIsHeld)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesNothingWhenTheBlockEqualsTheValue)
 {
     hold("x", Collection::UserDefined, "0 - 1 : 3");
     hold("y", Collection::Auto, "2");

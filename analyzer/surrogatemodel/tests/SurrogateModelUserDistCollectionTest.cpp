@@ -104,7 +104,7 @@ TEST(SurrogateModelUserDistCollection, ListsNamesInByteOrder)
               (std::vector<std::string>{"", "B", "a", "a b", "\xc3\xa9"}));
 }
 
-TEST(SurrogateModelUserDistCollection, TellsNamesApartByCase)
+TEST(SurrogateModelUserDistCollection, DistinguishesNamesByCase)
 {
     const Collection collection = collectionOf("x", Collection::UserDefined, "1");
 

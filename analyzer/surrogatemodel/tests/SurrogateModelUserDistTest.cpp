@@ -289,7 +289,7 @@ TEST(SurrogateModelUserDist, HasNoErrorTextBeforeItIsParsed)
     EXPECT_EQ(Dist("abc").errorString(), "");
 }
 
-TEST(SurrogateModelUserDist, KeepsItsVerdictAndErrorText)
+TEST(SurrogateModelUserDist, KeepsItsErrorCodeAndText)
 {
     Dist distribution("abc");
     Values values;
@@ -309,7 +309,7 @@ TEST(SurrogateModelUserDist, IsCheckedThroughAConstObjectToo)
     EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
 }
 
-TEST(SurrogateModelUserDist, GetParsesAnObjectThatNobodyHasValidated)
+TEST(SurrogateModelUserDist, GetParsesAnObjectThatIsNotValidated)
 {
     Dist valid("1, 2");
     Dist faulty("abc");
@@ -526,7 +526,7 @@ TEST(SurrogateModelUserDist, ReadsNumbersAlikeInEveryLocale)
               "Expression: 12345 - 0 : 3\nRange minimum is larger than range maximum");
 }
 
-TEST(SurrogateModelUserDist, StandsBehindTheInterfaceAndIsDeletedThroughIt)
+TEST(SurrogateModelUserDist, ImplementsTheInterfaceAndIsDeletedThroughIt)
 {
     const boost::shared_ptr<InterpolationPointsInterface> points = boost::make_shared<Dist>("1, 2");
 

@@ -11,7 +11,7 @@ inline std::string userDistBlock(const std::string& children)
     return "<" + tag + ">" + children + "</" + tag + ">";
 }
 
-/** What the user is told about a faulty text. */
+/** The warning about a faulty text. */
 inline std::string userDistWarning(const std::string& name)
 {
     return "Warning: The Surrogate Model User Defined Variable Distribution Syntax for variable "

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-TEST(DeleteSignaler, TellsEveryListenerOnceWhenItGoes)
+TEST(DeleteSignaler, CallsEveryListenerOnceWhenDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     int calls = 0;
@@ -19,7 +19,7 @@ TEST(DeleteSignaler, TellsEveryListenerOnceWhenItGoes)
     EXPECT_EQ(calls, 2);
 }
 
-TEST(DeleteSignaler, TellsThroughItsBase)
+TEST(DeleteSignaler, SignalsThroughItsBase)
 {
     class Derived : public DeleteSignaler
     {};
@@ -43,7 +43,7 @@ TEST(DeleteSignaler, ForgetsAListenerThatDisconnected)
     EXPECT_EQ(calls, 0);
 }
 
-TEST(DeleteSignaler, TellsTheOthersWhenAListenerThrows)
+TEST(DeleteSignaler, CallsTheOtherListenersWhenOneThrows)
 {
     auto object = std::make_unique<DeleteSignaler>();
     int calls = 0;

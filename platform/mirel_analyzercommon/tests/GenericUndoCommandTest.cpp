@@ -85,7 +85,7 @@ TEST_F(GenericUndoCommandTest, EndsTheSuspensionWhenAFunctionThrows)
     EXPECT_EQ(UndoStack().stack().count(), 1);
 }
 
-TEST_F(GenericUndoCommandTest, IsInertAndObsoleteOnceItsObjectHasGone)
+TEST_F(GenericUndoCommandTest, IsInertAndObsoleteOnceItsObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     const auto subject = command("A", -1, object.get());
@@ -99,7 +99,7 @@ TEST_F(GenericUndoCommandTest, IsInertAndObsoleteOnceItsObjectHasGone)
     EXPECT_TRUE(subject->isObsolete());
 }
 
-TEST_F(GenericUndoCommandTest, ReleasesWhatItsFunctionsHoldOnceItsObjectHasGone)
+TEST_F(GenericUndoCommandTest, ReleasesItsFunctionsOnceItsObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     auto held = std::make_shared<int>(1);
@@ -178,7 +178,7 @@ TEST_F(GenericUndoCommandTest, DoesNotMergeCommandsOfDifferentObjects)
     EXPECT_FALSE(command("A", 3, &one)->mergeWith(command("B", 3).get()));
 }
 
-TEST_F(GenericUndoCommandTest, DoesNotMergeOnceItsObjectHasGone)
+TEST_F(GenericUndoCommandTest, DoesNotMergeOnceItsObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     const auto older = command("A", 3, object.get());

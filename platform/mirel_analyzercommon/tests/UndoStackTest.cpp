@@ -69,7 +69,7 @@ TEST_F(UndoStackTest, MergesWithThePreviousCommandOfTheSameId)
     EXPECT_EQ(log, "uA rB ");
 }
 
-TEST_F(UndoStackTest, DropsACommandWhoseObjectGoesDuringItsFirstRedo)
+TEST_F(UndoStackTest, DropsACommandWhoseObjectIsDestroyedDuringItsFirstRedo)
 {
     push("A");
     stack.undo();
@@ -84,7 +84,7 @@ TEST_F(UndoStackTest, DropsACommandWhoseObjectGoesDuringItsFirstRedo)
     EXPECT_TRUE(stack.canRedo());
 }
 
-TEST_F(UndoStackTest, PassesOverCommandsWhoseObjectHasGone)
+TEST_F(UndoStackTest, SkipsCommandsWhoseObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     UndoStack().push(new GenericUndoCommand(logging("rA "), logging("uA "), object.get(), "A", -1));
@@ -98,7 +98,7 @@ TEST_F(UndoStackTest, PassesOverCommandsWhoseObjectHasGone)
     EXPECT_FALSE(stack.canUndo());
 }
 
-TEST_F(UndoStackTest, PassesOverPartsOfAMacroWhoseObjectHasGone)
+TEST_F(UndoStackTest, SkipsPartsOfAMacroWhoseObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     {
@@ -116,7 +116,7 @@ TEST_F(UndoStackTest, PassesOverPartsOfAMacroWhoseObjectHasGone)
     EXPECT_EQ(log, "uA rA ");
 }
 
-TEST_F(UndoStackTest, MayBeClearedAfterTheObjectsOfItsCommandsHaveGone)
+TEST_F(UndoStackTest, MayBeClearedAfterTheObjectsOfItsCommandsAreDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
     UndoStack().push(new GenericUndoCommand(nothing, nothing, object.get(), "A", -1));

@@ -10,7 +10,7 @@ using Values = std::vector<int>;
 
 } // namespace
 
-TEST(CopyOnWriteColumn, ChangesInPlaceWhatNobodyShares)
+TEST(CopyOnWriteColumn, ChangesValuesInPlaceThatAreNotShared)
 {
     CopyOnWriteColumn<int> column({1, 2});
     const int* before = column.get().data();
@@ -36,7 +36,7 @@ TEST(CopyOnWriteColumn, CopiesOnlyOncePerShare)
     EXPECT_EQ(column.writable().data(), copied);
 }
 
-TEST(CopyOnWriteColumn, CopiesNothingOnceTheReaderHasGone)
+TEST(CopyOnWriteColumn, CopiesNothingOnceTheReaderIsDestroyed)
 {
     CopyOnWriteColumn<int> column({1, 2});
     const int* before = column.get().data();
@@ -60,7 +60,7 @@ TEST(CopyOnWriteColumn, AppendsWithinTheRoomThatWasPrepared)
     EXPECT_EQ(column.get().data(), before);
 }
 
-TEST(CopyOnWriteColumn, LeavesWhatIsSharedAloneWhenItMakesRoom)
+TEST(CopyOnWriteColumn, DoesNotChangeSharedValuesWhenItMakesRoom)
 {
     CopyOnWriteColumn<int> column({1, 2});
     const auto shared = column.share();

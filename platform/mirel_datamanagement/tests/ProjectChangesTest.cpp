@@ -79,7 +79,7 @@ TEST_F(ProjectChanges, AreSilentWhenNothingChanges)
     EXPECT_EQ(changesOf([&] { project.restoreVariable(x, 1); }), 0);
 }
 
-TEST_F(ProjectChanges, AreSilentWhenWhatIsGoneIsRemovedAgain)
+TEST_F(ProjectChanges, AreSilentWhenARemovedVariableIsRemovedAgain)
 {
     project.removeVariable(x);
     project.removeRecord(first);
@@ -101,7 +101,7 @@ TEST_F(ProjectChanges, CopyNoColumnWhenNothingChanges)
     EXPECT_EQ(project.sharedNumericValues(x), shared);
 }
 
-TEST_F(ProjectChanges, AreThereWhenTheListenerHearsOfThem)
+TEST_F(ProjectChanges, AreMadeBeforeTheListenerIsCalled)
 {
     double seen = 0.0;
     const boost::signals2::scoped_connection reading =
@@ -126,7 +126,7 @@ TEST_F(ProjectChanges, MayBeMadeByAListener)
     EXPECT_EQ(project.numericValues(x)[1], 8.0);
 }
 
-TEST(ProjectChangesOfAClosedProject, AreToldToNobodyElseWhenAListenerClosesIt)
+TEST(ProjectChangesOfAClosedProject, ReachNoOtherListenerWhenOneClosesTheProject)
 {
     auto project = std::make_unique<Project>();
     int later = 0;
@@ -138,17 +138,17 @@ TEST(ProjectChangesOfAClosedProject, AreToldToNobodyElseWhenAListenerClosesIt)
     EXPECT_EQ(later, 0);
 }
 
-TEST(ProjectChangesOfAClosedProject, AreToldToNobodyWhenItsGroupEnds)
+TEST(ProjectChangesOfAClosedProject, ReachNoListenerWhenTheGroupEnds)
 {
     auto project = std::make_unique<Project>();
-    int told = 0;
-    project->connectSignalChanged([&told] { ++told; });
+    int emissions = 0;
+    project->connectSignalChanged([&emissions] { ++emissions; });
     {
         Project::ChangeGroup group(*project);
         project->addRecord();
         project.reset();
     }
-    EXPECT_EQ(told, 0);
+    EXPECT_EQ(emissions, 0);
 }
 
 TEST_F(ProjectChanges, OfOneGroupAreAnnouncedOnceAtItsEnd)

@@ -86,7 +86,7 @@ TEST(OpenProject, IsAnEmptyOneAfterClosing)
     EXPECT_TRUE(Project::project()->variables().empty());
 }
 
-TEST(OpenProject, TakesItsHandlesWithItWhenAnotherIsOpened)
+TEST(OpenProject, InvalidatesItsHandlesWhenAnotherIsOpened)
 {
     Project::setProject(boost::make_shared<Project>());
     const VarPtr variable = Project::project()->addNumericVariable("x", Variable::Independent);
@@ -111,7 +111,7 @@ TEST_F(ProjectTest, FindsVariablesByName)
     EXPECT_EQ(project.variable("t"), t);
 }
 
-TEST_F(ProjectTest, AnswersANullHandleForANameThatNobodyHas)
+TEST_F(ProjectTest, ReturnsANullHandleForAnUnknownName)
 {
     EXPECT_TRUE(project.variable("z").isNull());
     EXPECT_TRUE(project.variable("X").isNull());
@@ -314,7 +314,7 @@ TEST_F(ProjectTest, RefusesANatureThatDoesNotExist)
     EXPECT_EQ(project.variables().size(), 3u);
 }
 
-TEST_F(ProjectTest, TellsAChosenRangeUntilItIsReset)
+TEST_F(ProjectTest, KeepsAChosenRangeUntilItIsReset)
 {
     EXPECT_EQ(x.lock()->chosenRange(), std::nullopt);
     project.setRange(x, {-2.0, 2.0});

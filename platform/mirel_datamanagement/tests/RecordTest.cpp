@@ -25,7 +25,7 @@ TEST(Record, IsIncludedWhenItIsNew)
     EXPECT_TRUE(project.addRecord().lock()->isIncluded());
 }
 
-TEST(Record, TellsItsId)
+TEST(Record, HasAnId)
 {
     Project project;
     EXPECT_EQ(project.addRecord().lock()->id(), 1u);
@@ -41,7 +41,7 @@ TEST(Record, IsInItsProjectUntilItIsRemoved)
     EXPECT_FALSE(handle.lock()->isInProject());
 }
 
-TEST(Record, OutlivesItsProjectInTheHandsOfItsReader)
+TEST(Record, OutlivesItsProjectWhileLocked)
 {
     boost::shared_ptr<Record> record;
     RecordPtr handle;

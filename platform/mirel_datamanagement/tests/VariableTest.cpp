@@ -34,7 +34,7 @@ TEST_F(VariableTest, NumbersItsNatures)
     EXPECT_EQ(static_cast<int>(Variable::Independent), 2);
 }
 
-TEST_F(VariableTest, TellsNameNatureAndKind)
+TEST_F(VariableTest, HasANameANatureAndAKind)
 {
     const auto number = project.addNumericVariable("Pressure", Variable::Independent).lock();
     const auto text = project.addTextVariable("Operator", Variable::Unassigned).lock();
@@ -124,7 +124,7 @@ TEST_F(VariableTest, KeepsCreationOrderInSetsWhenProjectOrderDiffers)
     EXPECT_EQ(std::vector<VarPtr>(set.begin(), set.end()), (std::vector<VarPtr>{a, b}));
 }
 
-TEST_F(VariableTest, OutlivesItsProjectInTheHandsOfItsReader)
+TEST_F(VariableTest, OutlivesItsProjectWhileLocked)
 {
     boost::shared_ptr<Variable> variable;
     VarPtr handle;
@@ -140,7 +140,7 @@ TEST_F(VariableTest, OutlivesItsProjectInTheHandsOfItsReader)
     EXPECT_EQ(variable->range(), Range(1.0, 4.0));
 }
 
-TEST_F(VariableTest, GoesWithItsProjectOtherwise)
+TEST_F(VariableTest, IsDestroyedWithItsProjectOtherwise)
 {
     auto shortLived = std::make_unique<Project>();
     const VarPtr handle = shortLived->addNumericVariable("x", Variable::Independent);

@@ -47,7 +47,7 @@ TEST(WeakPtr, OfANullObjectIsTheNullHandleWhateverTheIdentity)
     EXPECT_EQ(handle, ThingPtr());
 }
 
-TEST(WeakPtr, TellsItsIdentityAndLocksItsObject)
+TEST(WeakPtr, HasAnIdentityAndLocksItsObject)
 {
     const auto thing = boost::make_shared<Thing>();
     const ThingPtr handle(thing, 7);
@@ -134,7 +134,7 @@ TEST(WeakPtr, SortsNullFirstAndEqualOnlyToNull)
     EXPECT_FALSE((negative < WeakPtr<Thing, int>()));
 }
 
-TEST(WeakPtr, KeepsItsPlaceInASetAfterItsObjectHasGone)
+TEST(WeakPtr, KeepsItsPlaceInASetAfterItsObjectIsDestroyed)
 {
     std::vector<boost::shared_ptr<Thing>> things;
     things.reserve(3);

@@ -33,7 +33,7 @@ TEST(DataPipelineManagerInterface, CallsItsListenersOnEveryChange)
     EXPECT_EQ(second, 2);
 }
 
-TEST(DataPipelineManagerInterface, CallsNobodyWhoseConnectionHasEnded)
+TEST(DataPipelineManagerInterface, CallsNoListenerThatIsDisconnected)
 {
     AnnouncingPipeline pipeline;
     int calls = 0;
@@ -71,7 +71,7 @@ TEST(DataPipelineManagerInterface, MayBeDestroyedByAListener)
     pipeline->connectSignalChanged([&later] { ++later; });
     pipeline->announce();
     EXPECT_EQ(pipeline, nullptr);
-    EXPECT_EQ(later, 0) << "nobody else is told of a pipeline that has gone";
+    EXPECT_EQ(later, 0) << "no listener is called for a destroyed pipeline";
 }
 
 TEST(DataPipelineManagerInterface, LetsTheExceptionOfAListenerPass)

@@ -250,7 +250,7 @@ TEST_F(ProjectDataPipelineManagerTest, BuildsTheTableOnlyWhenItIsUpdatedAfterACh
     EXPECT_NE(table()->GetColumnByName("x"), built);
 }
 
-TEST_F(ProjectDataPipelineManagerTest, HandsOutTheSameAlgorithmEveryTime)
+TEST_F(ProjectDataPipelineManagerTest, ReturnsTheSameAlgorithmEveryTime)
 {
     EXPECT_EQ(pipeline->outputAlgorithm(), pipeline->outputAlgorithm());
 }
@@ -261,7 +261,7 @@ TEST_F(ProjectDataPipelineManagerTest, SharesTheColumnsOfNumbersWithTheProject)
     EXPECT_EQ(column->GetPointer(0), project->numericValues(x).data());
 }
 
-TEST_F(ProjectDataPipelineManagerTest, DeliversArraysThatAnswerWhatStandsInMemory)
+TEST_F(ProjectDataPipelineManagerTest, DeliversArraysWhoseValuesStandInMemory)
 {
     // Readers that view numbers instead of asking for each know these types by name.
     const vtkAbstractArray& ids = *table()->GetColumn(0);
@@ -270,7 +270,7 @@ TEST_F(ProjectDataPipelineManagerTest, DeliversArraysThatAnswerWhatStandsInMemor
     EXPECT_TRUE(typeid(numbers) == typeid(SharedColumnArray<vtkDoubleArray>));
 }
 
-TEST_F(ProjectDataPipelineManagerTest, LeavesPublishedColumnsAsTheyWere)
+TEST_F(ProjectDataPipelineManagerTest, DoesNotChangePublishedColumns)
 {
     const vtkSmartPointer<vtkAbstractArray> ids = table()->GetColumn(0);
     const vtkSmartPointer<vtkAbstractArray> numbers = table()->GetColumnByName("x");
@@ -294,7 +294,7 @@ TEST_F(ProjectDataPipelineManagerTest, LeavesPublishedColumnsAsTheyWere)
     EXPECT_EQ(table()->GetValueByName(0, "t2").ToString(), "z");
 }
 
-TEST_F(ProjectDataPipelineManagerTest, LeavesPublishedColumnsAsTheyWereAfterTheProjectHasGone)
+TEST_F(ProjectDataPipelineManagerTest, DoesNotChangePublishedColumnsAfterTheProjectIsDestroyed)
 {
     const vtkSmartPointer<vtkAbstractArray> numbers = table()->GetColumnByName("x");
     pipeline.reset();
@@ -326,14 +326,14 @@ TEST_F(ProjectDataPipelineManagerTest, SharesTheProjectAndLetsItGo)
     EXPECT_TRUE(observed.expired());
 }
 
-TEST_F(ProjectDataPipelineManagerTest, HearsNothingOfTheProjectOnceItHasGone)
+TEST_F(ProjectDataPipelineManagerTest, IgnoresTheProjectOnceDestroyed)
 {
     pipeline.reset();
     project->addRecord();
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(ProjectDataPipelineManagerTest, LeavesItsAlgorithmToWhoeverKeepsIt)
+TEST_F(ProjectDataPipelineManagerTest, IsOutlivedByItsAlgorithm)
 {
     const vtkSmartPointer<vtkTableAlgorithm> algorithm = pipeline->outputAlgorithm();
     pipeline.reset();

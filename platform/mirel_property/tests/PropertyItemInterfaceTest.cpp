@@ -25,7 +25,7 @@ private:
 
 } // namespace
 
-TEST(PropertyItemInterface, TellsConnectedListenersOfAChange)
+TEST(PropertyItemInterface, CallsConnectedListenersForAChange)
 {
     Item item;
     int calls = 0;

@@ -24,7 +24,7 @@ std::ptrdiff_t virtualSlot(Member member)
 #endif
 }
 
-/** Whether `member` has that position, or nobody can tell. */
+/** Whether `member` has that position, or it cannot be determined. */
 template <class Member>
 bool isVirtualSlot(Member member, std::ptrdiff_t slot)
 {

@@ -165,7 +165,7 @@ TEST(Serializer, TakesTheOutermostOfNestedElementsOfItsName)
     EXPECT_EQ(serializer.readValues, Values{""});
 }
 
-TEST(Serializer, HandsASubElementTheFirstDirectChildWithItsName)
+TEST(Serializer, PassesASubElementTheFirstDirectChildWithItsName)
 {
     Serializer serializer("Settings");
     const auto type = makeValue("Type");
@@ -301,7 +301,7 @@ TEST(Serializer, RefusesToBeASubElementOfItself)
     EXPECT_EQ(serializer.use_count(), 1);
 }
 
-TEST(Serializer, LeavesOutASubElementThatAnswersANullElement)
+TEST(Serializer, LeavesOutASubElementThatReturnsANullElement)
 {
     class Silent : public SerializerInterface
     {
