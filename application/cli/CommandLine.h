@@ -37,8 +37,8 @@ struct CommandLine
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
     std::vector<std::string> excluded;
-    std::optional<CaseSession::Model> model;
-    std::optional<CaseSession::Terms> terms;
+    std::optional<CaseSession::ModelType> model;
+    std::optional<ResponseSurfaceOptions::Selection> terms;
     std::optional<PolynomialTerms> polynomial;
     std::vector<std::string> sweeps;
     std::vector<std::string> counts;

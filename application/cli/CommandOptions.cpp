@@ -144,10 +144,10 @@ void addModel(CLI::App& command, CommandLine& line)
     command.option_defaults()->group("Model");
     addValue(command, "-m,--model", "response-surface (default) or kriging", "M",
              [&line](const std::string& word) {
-                 line.model =
-                     oneOf<CaseSession::Model>("-m", word, "response-surface or kriging",
-                                               {{"response-surface", CaseSession::ResponseSurface},
-                                                {"kriging", CaseSession::Kriging}});
+                 line.model = oneOf<CaseSession::ModelType>(
+                     "-m", word, "response-surface or kriging",
+                     {{"response-surface", CaseSession::ResponseSurface},
+                      {"kriging", CaseSession::Kriging}});
              });
 }
 
@@ -165,18 +165,20 @@ void addTerms(CLI::App& command, CommandLine& line)
                                       word + "\".");
                  }
              });
-    const auto flag = [&](const char* name, CaseSession::Terms terms, const char* description) {
+    const auto flag = [&](const char* name, ResponseSurfaceOptions::Selection terms,
+                          const char* description) {
         return command.add_flag_function(
             name, [&line, terms](std::int64_t) { line.terms = terms; }, description);
     };
     CLI::Option* const selected =
-        flag("--select-terms", CaseSession::SelectedTerms,
+        flag("--select-terms", ResponseSurfaceOptions::Selection::BackwardAicc,
              "keeps only the terms that lower the corrected Akaike\n"
              "criterion (AICc), for each output by itself; a linear term\n"
              "stays while one of second order has its input. The\n"
              "statistics do not account for the choice: their p values\n"
              "are too small. compare tells whether it helps");
-    flag("--all-terms", CaseSession::AllTerms, "takes back the selection that a project holds")
+    flag("--all-terms", ResponseSurfaceOptions::Selection::All,
+         "takes back the selection that a project holds")
         ->excludes(selected);
 }
 

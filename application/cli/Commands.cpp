@@ -35,8 +35,8 @@
 
 namespace {
 /** A table is the data: with --json it is a member of the object, unless it goes to a file. */
-void writeTable(const CommandLine& line, const OutputTable& table, CaseSession& session,
-                double readSeconds)
+void writeTable(const CommandLine& line, const OutputTable& table, OpenSession& open,
+                const Evaluation& evaluation)
 {
     const bool goesIntoObject = line.asJson && line.output == "-";
     if (!goesIntoObject) {
@@ -45,11 +45,11 @@ void writeTable(const CommandLine& line, const OutputTable& table, CaseSession& 
         out.commit();
     }
     if (!line.asJson) {
-        note(line, SessionReport::notes(session));
+        note(line, SessionReport::notes(open.session, &evaluation));
         return;
     }
 
-    const std::string object = SessionReport::fitJson(session, readSeconds);
+    const std::string object = SessionReport::fitJson(open.session, open.readSeconds, &evaluation);
     OutputFile out("-");
     if (goesIntoObject) {
         out.write(SessionReport::openedForMember(object, "table"));
@@ -107,11 +107,8 @@ void runEvaluate(const CommandLine& line)
     open.chooseValues(line);
     checkLimitNames(line, open.session);
     fitWithProgress(line, open.session);
-    const vtkSmartPointer<vtkTable> values = open.session.evaluate();
-    std::vector<PredictionLimits> limits;
-    if (line.interval) {
-        limits = open.session.limits(*values, *line.interval);
-    }
+    const GridEvaluation evaluation = open.session.evaluate(line.interval);
+    vtkTable* const values = evaluation.table;
     open.save(line);
     const std::size_t inputs = open.session.inputs().size();
 
@@ -122,11 +119,11 @@ void runEvaluate(const CommandLine& line)
         table.columns.push_back({column->GetName(), column->GetPointer(0), nullptr});
         const auto position = static_cast<std::size_t>(i);
         if (line.interval && position >= inputs) {
-            const PredictionLimits& output = limits[position - inputs];
+            const PredictionIntervals& output = evaluation.intervals[position - inputs];
             table.addLimits(column->GetName(), output.lower.data(), output.upper.data());
         }
     }
-    writeTable(line, table, open.session, open.readSeconds);
+    writeTable(line, table, open, evaluation);
 }
 
 void runPredict(const CommandLine& line)
@@ -141,14 +138,11 @@ void runPredict(const CommandLine& line)
                                   line.interval ? PredictionPoints::PredictionsAndLimits
                                                 : PredictionPoints::Predictions);
     fitWithProgress(line, open.session);
-    const std::vector<std::vector<double>> predictions =
-        open.session.predict(points.inputColumns(), points.count());
-    std::vector<PredictionLimits> limits;
-    if (line.interval) {
-        limits = open.session.limits(points.inputColumns(), points.count(), *line.interval);
-    }
+    const PointEvaluation evaluation =
+        open.session.predict(points.inputColumns(), points.count(), line.interval);
     open.save(line);
-    writeTable(line, points.withPredictions(predictions, limits), open.session, open.readSeconds);
+    writeTable(line, points.withPredictions(evaluation.outputs, evaluation.intervals), open,
+               evaluation);
 }
 
 void runEquations(const CommandLine& line)
@@ -158,7 +152,7 @@ void runEquations(const CommandLine& line)
         throw UsageError("Only the response surface has equations, and the project chooses "
                          "kriging: add -m response-surface.");
     }
-    open.session.fit();
+    open.session.model();
     open.save(line);
     const bool isOnlyObject = line.asJson && line.output == "-";
     if (!isOnlyObject) {
@@ -176,9 +170,9 @@ void runPlot(const CommandLine& line)
     PlotCommand::check(line);
     OpenSession open(line);
     PlotCommand::chooseValues(line, open);
-    PlotCommand::run(line, open.session);
+    const Evaluation evaluation = PlotCommand::run(line, open.session);
     open.save(line);
-    note(line, SessionReport::notes(open.session));
+    note(line, SessionReport::notes(open.session, &evaluation));
 }
 
 void runExport(const CommandLine& line)

@@ -17,9 +17,9 @@ namespace {
 /** As many as asked for, or as usual, as far as there are cases for them. */
 std::size_t foldsFor(const CommandLine& line, const CaseSession& session)
 {
-    const std::size_t most = ModelComparison::mostFolds(session);
+    const std::size_t most = ModelComparison::maxFolds(session);
     if (!line.folds) {
-        return std::min(ModelComparison::usualFolds, most);
+        return std::min(ModelComparison::defaultFolds, most);
     }
     // With less than two cases no number of folds would be right: that is told by the comparison.
     if (most >= 2 && *line.folds > most) {

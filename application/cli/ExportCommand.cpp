@@ -6,6 +6,7 @@
 #include <session/files/OutputFile.h>
 #include <session/model/CaseSession.h>
 #include <session/model/ModelFile.h>
+#include <session/report/SessionReport.h>
 #include <session/text/SessionErrors.h>
 
 #include <string>
@@ -28,7 +29,8 @@ void ExportCommand::run(const CommandLine& line, CaseSession& session)
 {
     fitWithProgress(line, session);
     const std::string content =
-        exportModel(ModelFile::exported(session), ModelFile::formatOf(line.format));
+        exportModel(ModelFile::exported(session, SessionReport::exportJson(session)),
+                    ModelFile::formatOf(line.format));
     OutputFile out(line.output);
     out.write(content);
     out.commit();

@@ -117,16 +117,14 @@ void noteUnknownModel(const CommandLine& line, const ProjectDocument& document)
 
 void chooseTerms(const CommandLine& line, CaseSession& session)
 {
-    if (line.terms) {
-        session.chooseTerms(*line.terms);
-    }
-    if (line.polynomial) {
-        session.choosePolynomial(*line.polynomial);
-    }
+    ResponseSurfaceOptions options = session.responseSurface();
+    options.selection = line.terms.value_or(options.selection);
+    options.terms = line.polynomial.value_or(options.terms);
+    session.chooseResponseSurface(options);
 }
 
 /** The choices of a project document, and over them those of the command line. */
-CaseSession openProject(const CommandLine& line)
+std::unique_ptr<CaseSession> openProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
     if (isSameFile(document.caseFile.path, line.report)) {
@@ -142,7 +140,8 @@ CaseSession openProject(const CommandLine& line)
         chooseCaseRoles(table, line.inputs, line.outputs, rolesIn(document, table));
     const std::size_t cases = table.cases;
 
-    CaseSession session(std::move(table));
+    auto opened = std::make_unique<CaseSession>(std::move(table));
+    CaseSession& session = *opened;
     session.load(document);
     if (line.inputs.empty()) {
         noteMissingInputs(line, document, session);
@@ -165,10 +164,10 @@ CaseSession openProject(const CommandLine& line)
                          "surface, and the project chooses kriging: add -m response-surface.");
     }
     chooseTerms(line, session);
-    return session;
+    return opened;
 }
 
-CaseSession openCases(const CommandLine& line)
+std::unique_ptr<CaseSession> openCases(const CommandLine& line)
 {
     if (isSameFile(line.subject, line.save)) {
         throw UsageError("The project would replace \"" + line.subject +
@@ -181,9 +180,9 @@ CaseSession openCases(const CommandLine& line)
     const CaseRoles roles = chooseCaseRoles(table, line.inputs, line.outputs);
     const std::vector<std::size_t> excluded =
         line.excluded.empty() ? std::vector<std::size_t>() : excludedCases(line, table.cases);
-    CaseSession session(std::move(table), roles, excluded,
-                        line.model.value_or(CaseSession::ResponseSurface));
-    chooseTerms(line, session);
+    auto session = std::make_unique<CaseSession>(std::move(table), roles, excluded,
+                                                 line.model.value_or(CaseSession::ResponseSurface));
+    chooseTerms(line, *session);
     return session;
 }
 
@@ -243,9 +242,9 @@ private:
 
 OpenSession::OpenSession(const CommandLine& line)
     : start(std::chrono::steady_clock::now()),
-      session(line.startsFromModel()     ? CaseSession(ModelFile::read(line.subject))
-              : line.startsFromProject() ? openProject(line)
-                                         : openCases(line)),
+      opened(line.startsFromModel() ? std::make_unique<CaseSession>(ModelFile::read(line.subject))
+             : line.startsFromProject() ? openProject(line)
+                                        : openCases(line)),
       readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
 {
     // An exported model has its roles, and may well have no input.
@@ -268,7 +267,7 @@ void OpenSession::chooseValues(const CommandLine& line, std::size_t usualCount)
     for (const std::string& text : line.counts) {
         const auto [input, value] = inputs.find("--count", text);
         session.sweepEvenly(input, readWholeNumber("--count " + nameOf(session.inputs()[input]),
-                                                   value, 2, CaseSession::mostSweptValues));
+                                                   value, 2, ProjectDocument::maxSweptValues));
     }
     for (const std::string& text : line.values) {
         const auto [input, value] = inputs.find("--at", text);

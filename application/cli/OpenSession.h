@@ -2,7 +2,10 @@
 
 #include <session/model/CaseSession.h>
 
+#include <mirel_analyzercommon/UndoStack.h>
+
 #include <chrono>
+#include <memory>
 
 struct CommandLine;
 
@@ -26,8 +29,10 @@ struct OpenSession
     /** Keeps what was chosen, if --save asks for it: once the work with it has gone well. */
     void save(const CommandLine& line) const;
 
+    UndoStack::SuspendUndoRecording unrecorded;  ///< nobody can undo what a command does
     std::chrono::steady_clock::time_point start; ///< of reading
-    CaseSession session;
+    std::unique_ptr<CaseSession> opened;
+    CaseSession& session = *opened;
     double readSeconds;
     std::vector<std::size_t> held; ///< the inputs that --at names, by their positions
 };

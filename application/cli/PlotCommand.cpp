@@ -13,6 +13,7 @@
 
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace {
@@ -33,6 +34,16 @@ Kind kindOf(const CommandLine& line)
 PictureSize sizeOf(const CommandLine& line)
 {
     return line.size ? PictureSize::parse(*line.size) : PictureSize();
+}
+
+/** All outputs are evaluated at the same points, so that the first picture speaks for all. */
+std::string extrapolationOf(const PictureData& picture)
+{
+    if (const auto* const sweep = std::get_if<SweepPicture>(&picture)) {
+        return sweep->extrapolation;
+    }
+    const auto* const contour = std::get_if<ContourPicture>(&picture);
+    return contour == nullptr ? std::string() : contour->extrapolation;
 }
 
 /** The options that mend what SessionPictures::check() refuses. */
@@ -73,10 +84,13 @@ void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
     }
 }
 
-void PlotCommand::run(const CommandLine& line, CaseSession& session)
+Evaluation PlotCommand::run(const CommandLine& line, CaseSession& session)
 {
     fitWithProgress(line, session);
     std::vector<PictureData> panels = SessionPictures::make(kindOf(line), session);
+    Evaluation evaluation;
+    evaluation.extrapolation = extrapolationOf(panels.front());
     const DrawingApplication application;
     Picture(std::move(panels), sizeOf(line)).write(line.output);
+    return evaluation;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 struct CommandLine;
+struct Evaluation;
 struct OpenSession;
 class CaseSession;
 
@@ -14,7 +15,7 @@ void check(const CommandLine& line);
  *  @throw UsageError, DistributionTextError */
 void chooseValues(const CommandLine& line, OpenSession& open);
 
-/** Draws the picture and writes its file. @throw UsageError, FileError,
- *  SurrogateModelInterface::Error */
-void run(const CommandLine& line, CaseSession& session);
+/** Draws the picture and writes its file. @return what is to be said about the points shown.
+ *  @throw UsageError, FileError, SurrogateModelInterface::Error */
+Evaluation run(const CommandLine& line, CaseSession& session);
 } // namespace PlotCommand

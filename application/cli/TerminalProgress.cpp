@@ -74,5 +74,5 @@ TerminalProgress::~TerminalProgress()
 void fitWithProgress(const CommandLine& line, CaseSession& session)
 {
     const TerminalProgress progress(line.isQuiet);
-    session.fit();
+    session.model();
 }

@@ -19,4 +19,9 @@ struct ResponseSurfaceOptions
 
     PolynomialTerms terms = PolynomialTerms::Quadratic;
     Selection selection = Selection::All;
+
+    bool operator==(const ResponseSurfaceOptions& other) const
+    {
+        return terms == other.terms && selection == other.selection;
+    }
 };

@@ -20,4 +20,6 @@ struct ContourPicture
     std::vector<double> caseY; ///< as many
     std::string caseLabel;     ///< what the legend says
     std::string caption;       ///< what is held, which cases count as near; empty for none
+    /** Which points lie outside the cases, a sentence; empty if none does. */
+    std::string extrapolation;
 };

@@ -22,4 +22,6 @@ struct SweepPicture
     std::string bandLabel;
     std::string caseLabel;
     std::string caption; ///< what is held, which cases count as near; empty for none
+    /** Which points lie outside the cases, a sentence; empty if none does. */
+    std::string extrapolation;
 };

@@ -5,8 +5,6 @@
 #include <session/model/CaseSession.h>
 #include <session/text/QuotedText.h>
 
-#include <surrogatemodel/SurrogateModelManagerInterface.h>
-
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/FittedModel.h>
 
@@ -16,10 +14,9 @@
 LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
 {
     const std::string name = session.outputs()[output].lock()->name();
-    const auto& model = dynamic_cast<const FittedModel&>(session.fit());
-    const auto offset = static_cast<int>(session.manager().offsetForVariableName(name));
+    const auto& model = dynamic_cast<const FittedModel&>(session.model());
     return {name, session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
-            model.leaveOneOutPredictions(offset), session.counts().valid};
+            model.leaveOneOutPredictions(session.outputOffsets()[output]), session.counts().valid};
 }
 
 ActualPicture actualPicture(const LeaveOneOutCases& cases)

@@ -4,8 +4,6 @@
 
 #include <session/model/CaseSession.h>
 
-#include <surrogatemodel/SurrogateModelManagerInterface.h>
-
 #include <mirel_fitting/FittedModel.h>
 
 #include <algorithm>
@@ -15,12 +13,11 @@
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
 {
     constexpr double level = 0.95;
-    const auto* const model = dynamic_cast<const FittedModel*>(&session.fit());
+    const auto* const model = dynamic_cast<const FittedModel*>(&session.model());
     if (model == nullptr) {
         return {};
     }
-    const auto offset =
-        static_cast<int>(session.manager().offsetForVariableName(cut.outputs[output].name));
+    const int offset = session.outputOffsets()[output];
     std::vector<double*> points;
     for (const ModelCut::Column& input : cut.inputs) {
         points.push_back(const_cast<double*>(input.values.data())); // only read

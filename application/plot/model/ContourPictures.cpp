@@ -50,6 +50,7 @@ ContourPicture contourPicture(const ModelCut& cut, std::size_t output)
     picture.caseY = y.caseValues;
     picture.caseLabel = cut.caseLabel();
     picture.caption = cut.caption();
+    picture.extrapolation = cut.extrapolation;
     requireDrawable(picture.x, quotedText(x.name));
     requireDrawable(picture.y, quotedText(y.name));
     requireDrawable(picture.values, "The model of " + quotedText(model.name));

@@ -7,8 +7,6 @@
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
 
-#include <surrogatemodel/SurrogateModelManagerInterface.h>
-
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -108,15 +106,17 @@ std::string shortNumber(double number)
 ModelCut ModelCut::throughChosenValues(CaseSession& session)
 {
     ModelCut cut = emptyCut(session, session.sweptInputs());
-    const vtkSmartPointer<vtkTable> table = session.evaluate();
+    const GridEvaluation evaluation = session.evaluate();
     vtkIdType position = 0;
     for (auto* const columns : {&cut.inputs, &cut.outputs}) {
         for (Column& column : *columns) {
-            auto* const values = vtkDoubleArray::SafeDownCast(table->GetColumn(position++));
+            auto* const values =
+                vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(position++));
             column.values.assign(values->GetPointer(0),
                                  values->GetPointer(0) + values->GetNumberOfTuples());
         }
     }
+    cut.extrapolation = evaluation.extrapolation;
     addNearCases(session, cut);
     return cut;
 }
@@ -134,12 +134,11 @@ ModelCut ModelCut::throughTheMiddle(CaseSession& session, std::size_t input)
         }
         points.push_back(values.data());
     }
-    const SurrogateModelInterface& model = session.fit();
-    for (Column& output : cut.outputs) {
-        output.values.resize(sweepValues);
-        std::vector<double*> values = {output.values.data()};
-        const auto offset = static_cast<int>(session.manager().offsetForVariableName(output.name));
-        model.interpolateDependentValues(points, {offset}, values, sweepValues);
+    const SurrogateModelInterface& model = session.model();
+    for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
+        cut.outputs[i].values.resize(sweepValues);
+        std::vector<double*> values = {cut.outputs[i].values.data()};
+        model.interpolateDependentValues(points, {session.outputOffsets()[i]}, values, sweepValues);
     }
     addNearCases(session, cut);
     return cut;

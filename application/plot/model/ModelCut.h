@@ -27,6 +27,7 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     std::vector<Column> outputs;    ///< their values are predictions
     std::vector<std::size_t> swept; ///< positions of inputs, ascending
     std::size_t fittedCases = 0;
+    std::string extrapolation; ///< which points lie outside the cases, a sentence; empty if none
 
     /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */
     static ModelCut throughChosenValues(CaseSession& session);

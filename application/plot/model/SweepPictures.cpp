@@ -66,6 +66,7 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
     picture.caseOutputs = model.caseValues;
     picture.caseLabel = cut.caseLabel();
     picture.caption = cut.caption();
+    picture.extrapolation = cut.extrapolation;
     requireDrawable(picture.inputs, quotedText(input.name));
     requireDrawable(picture.caseOutputs, quotedText(model.name));
     for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {

@@ -10,13 +10,13 @@
 #include <string>
 
 namespace {
-/** Of the standard deviation of an output: errors below it make no difference to anybody. */
+/** In standard deviations of the output: smaller errors make no practical difference. */
 constexpr double negligibleError = 1e-6;
 
-/** Of Student's t, on one side: the two sides together leave 5 %. */
+/** Quantile of Student's t, for a two-sided test at 5 %. */
 constexpr double confidence = 0.975;
 
-bool isClear(const OutputComparison& comparison)
+bool isSignificant(const OutputComparison& comparison)
 {
     if (std::isnan(comparison.difference)) {
         return false;
@@ -48,9 +48,9 @@ OutputComparison::Verdict verdictOf(const OutputComparison& comparison)
     }
     // 1 - Q2 is the mean squared error in units of the variance.
     const double negligible = negligibleError * negligibleError;
-    const bool areExact = 1.0 - comparison.responseSurface.q2 < negligible &&
-                          1.0 - comparison.kriging.q2 < negligible;
-    if (areExact || !isClear(comparison)) {
+    const bool areBothExact = 1.0 - comparison.responseSurface.q2 < negligible &&
+                              1.0 - comparison.kriging.q2 < negligible;
+    if (areBothExact || !isSignificant(comparison)) {
         return OutputComparison::Either;
     }
     return comparison.difference > 0.0 ? OutputComparison::Kriging
@@ -59,8 +59,8 @@ OutputComparison::Verdict verdictOf(const OutputComparison& comparison)
 
 std::string neitherSentence(const OutputComparison& comparison)
 {
-    const LeftOutFigures& responseSurface = comparison.responseSurface;
-    const LeftOutFigures& kriging = comparison.kriging;
+    const CrossValidationMetrics& responseSurface = comparison.responseSurface;
+    const CrossValidationMetrics& kriging = comparison.kriging;
     const std::string begin = "Use neither model for " + quotedText(comparison.name) + ": ";
     if (responseSurface.cases == 0 && kriging.cases == 0) {
         return begin + "neither can be fitted in any fold.";
@@ -91,11 +91,11 @@ std::string eitherSentence(const OutputComparison& comparison)
         return "The models of " + quotedText(comparison.name) +
                " cannot be compared: less than two cases left out are predicted by both.";
     }
-    const LeftOutFigures& responseSurface = comparison.responseSurface;
-    const LeftOutFigures& kriging = comparison.kriging;
+    const CrossValidationMetrics& responseSurface = comparison.responseSurface;
+    const CrossValidationMetrics& kriging = comparison.kriging;
     const std::string begin =
         "There is no clear difference between the models of " + quotedText(comparison.name) + ": ";
-    if (isClear(comparison)) {
+    if (isSignificant(comparison)) {
         return begin + "both predict cases left out to less than a millionth of its standard "
                        "deviation.";
     }
@@ -119,8 +119,10 @@ std::string sentenceOf(const OutputComparison& comparison)
         return eitherSentence(comparison);
     }
     const bool isKriging = comparison.verdict == OutputComparison::Kriging;
-    const LeftOutFigures& better = isKriging ? comparison.kriging : comparison.responseSurface;
-    const LeftOutFigures& other = isKriging ? comparison.responseSurface : comparison.kriging;
+    const CrossValidationMetrics& better =
+        isKriging ? comparison.kriging : comparison.responseSurface;
+    const CrossValidationMetrics& other =
+        isKriging ? comparison.responseSurface : comparison.kriging;
     const std::string otherName = isKriging ? "the response surface" : "Kriging";
     const std::string begin = std::string("Use ") +
                               (isKriging ? "Kriging" : "the response surface") + " for " +

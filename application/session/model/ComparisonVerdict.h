@@ -4,5 +4,5 @@
 
 struct OutputComparison;
 
-/** Sets verdict and recommendation from the figures and the difference of a comparison. */
+/** Sets verdict and recommendation from the metrics and the difference of a comparison. */
 SURROGATE_SESSION_EXPORT void judge(OutputComparison& comparison);

@@ -2,43 +2,30 @@
 
 #include "session/cases/CaseFolds.h"
 #include "session/cases/VariableNames.h"
-#include "session/model/CaseSession.h"
 #include "session/model/ComparisonVerdict.h"
 #include "session/model/InputSymbols.h"
+#include "session/model/Stopwatch.h"
+#include "session/model/Workspace.h"
+
+#include <surrogatemodel/SurrogateModelFactory.h>
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
-#include <mirel_fitting/TermSelectionScope.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <memory>
 #include <numeric>
 
 namespace {
-using Model = CaseSession::Model;
+using ModelType = SurrogateModelFactory::ModelType;
 using Columns = std::vector<std::vector<double>>;
 
-/** Of the progress of one fold; a response surface is done before one can look. */
+/** Of the progress of one fold: response surfaces take little of its time. */
 constexpr double shareOfResponseSurface = 0.05;
 
-/** Of the progress of all. */
+/** Of the whole progress: the rest are the metrics and one fit to all cases. */
 constexpr double shareOfFolds = 0.99;
-
-class Stopwatch
-{
-public:
-    double seconds() const
-    {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-};
 
 std::vector<double> picked(const std::vector<double>& values,
                            const std::vector<std::size_t>& positions)
@@ -79,17 +66,17 @@ std::vector<const double*> pointersTo(const Columns& columns)
     return pointers;
 }
 
-/** The valid cases of a session. */
+/** The valid cases of a workspace. */
 struct Cases
 {
-    explicit Cases(const CaseSession& session)
-        : inputNames(namesOf(session.inputs())), positions(session.validCases())
+    explicit Cases(const Workspace& workspace)
+        : inputNames(namesOf(workspace.inputs())), positions(workspace.validCases())
     {
-        for (const VarPtr& input : session.inputs()) {
-            inputs.push_back(picked(session.project().numericValues(input), positions));
+        for (const VarPtr& input : workspace.inputs()) {
+            inputs.push_back(picked(workspace.project().numericValues(input), positions));
         }
-        for (const VarPtr& output : session.outputs()) {
-            outputs.push_back(picked(session.project().numericValues(output), positions));
+        for (const VarPtr& output : workspace.outputs()) {
+            outputs.push_back(picked(workspace.project().numericValues(output), positions));
         }
     }
 
@@ -109,75 +96,55 @@ struct Cases
     Columns outputs;
 };
 
-/** A model of one output as the manager makes it. */
-std::unique_ptr<SurrogateModelInterface> makeModel(Model type, Columns& inputs,
-                                                   std::vector<double>& output)
-{
-    const std::vector<double*> independents = pointersTo(inputs);
-    const std::vector<double*> dependents = {output.data()};
-    if (type == CaseSession::ResponseSurface) {
-        return std::make_unique<SurrogateResponseSurfaceModel>(independents, dependents,
-                                                               output.size());
-    }
-    const double tolerance = 0.0001;
-    const std::vector<double> estimatedLengths;
-    const int linearTrend = 1;
-    const double initialLength = 0.5;
-    const double nugget = 0.0;
-    const int estimatedNugget = 0;
-    return std::make_unique<KrigingSurrogateModel>(
-        independents, dependents, static_cast<int>(output.size()), tolerance, estimatedLengths,
-        linearTrend, initialLength, nugget, estimatedNugget);
-}
-
-/** Those before any were selected: a selection of fewer terms is no fault of the cases. */
-std::size_t termsOf(const SurrogateModelInterface& model)
+/** Of a response surface before terms are selected: a selection of fewer terms is no sign of too
+ * few cases. */
+std::size_t termCount(const SurrogateModelInterface& model, const ResponseSurfaceOptions& settings)
 {
     const auto* const table = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
-    if (table != nullptr && TermSelectionScope::current() != TermSelectionScope::Selection::All) {
+    if (table != nullptr && settings.selection != ResponseSurfaceOptions::Selection::All) {
         return table->responseSurfaceStatistics(0).coefficients.size();
     }
     const auto* const metrics = dynamic_cast<const PredictiveModel*>(&model);
     return metrics == nullptr ? 0 : metrics->fitMetrics(0).terms;
 }
 
-/** The cases of the fold that is left out, and the others. */
-struct Parted
+/** The cases of one fold, which test the models, and the others, which train them. */
+struct TrainTestSplit
 {
-    Parted(const Cases& cases, const std::vector<std::size_t>& folds, std::size_t fold)
+    TrainTestSplit(const Cases& cases, const std::vector<std::size_t>& foldOfCase, std::size_t fold)
     {
-        for (std::size_t i = 0; i < folds.size(); ++i) {
-            (folds[i] == fold ? leftOut : others).push_back(i);
+        for (std::size_t i = 0; i < foldOfCase.size(); ++i) {
+            (foldOfCase[i] == fold ? testCases : trainingCases).push_back(i);
         }
-        inputs = picked(cases.inputs, others);
-        points = picked(cases.inputs, leftOut);
+        trainingInputs = picked(cases.inputs, trainingCases);
+        testInputs = picked(cases.inputs, testCases);
     }
 
-    std::vector<std::size_t> leftOut;
-    std::vector<std::size_t> others;
-    Columns inputs; ///< of the others
-    Columns points; ///< of those left out
+    std::vector<std::size_t> trainingCases;
+    std::vector<std::size_t> testCases;
+    Columns trainingInputs;
+    Columns testInputs;
 };
 
-/** What one model makes of one output, fold by fold. */
+/** The cross-validated predictions of one output by one type of model. */
 struct Predictions
 {
-    explicit Predictions(std::size_t cases) : values(cases, LeftOutFigures::none) {}
+    explicit Predictions(std::size_t cases) : values(cases, CrossValidationMetrics::none) {}
 
     std::vector<double> values; ///< one per case, NaN where the fit of its fold has failed
-    std::vector<LeftOutFigures::Failure> failures;
+    std::vector<CrossValidationMetrics::Failure> failures;
     std::vector<std::size_t> terms; ///< of each fit
     double seconds = 0.0;
 };
 
-/** In parts: what a model of many cases predicts takes long enough to be cancelled. */
+/** Predicts in blocks, between which it can be cancelled. */
 std::vector<double> predicted(const SurrogateModelInterface& model, Columns& points,
                               std::size_t count, const std::string& message)
 {
-    constexpr std::size_t atOnce = 1024;
+    constexpr std::size_t blockSize = 1024;
 
     std::vector<double> values(count);
-    for (std::size_t first = 0; first < count; first += atOnce) {
+    for (std::size_t first = 0; first < count; first += blockSize) {
         if (first > 0) {
             FitProgress::report(1.0, message);
         }
@@ -186,31 +153,9 @@ std::vector<double> predicted(const SurrogateModelInterface& model, Columns& poi
             column += first;
         }
         std::vector<double*> results = {values.data() + first};
-        model.interpolateDependentValues(inputs, {0}, results, std::min(atOnce, count - first));
+        model.interpolateDependentValues(inputs, {0}, results, std::min(blockSize, count - first));
     }
     return values;
-}
-
-/** @throw SurrogateModelInterface::Error */
-void predict(Model type, Parted& parted, std::vector<double>& output, Predictions& predictions,
-             const std::string& message)
-{
-    const Stopwatch watch;
-    const std::unique_ptr<SurrogateModelInterface> model = makeModel(type, parted.inputs, output);
-    model->activateDependentVariables({0});
-    const double seconds = watch.seconds();
-
-    const std::vector<double> values =
-        predicted(*model, parted.points, parted.leftOut.size(), message);
-    if (!std::all_of(values.begin(), values.end(),
-                     [](double value) { return std::isfinite(value); })) {
-        throw SurrogateModelInterface::Error("A prediction is no finite number.");
-    }
-    predictions.terms.push_back(termsOf(*model));
-    predictions.seconds += seconds;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        predictions.values[parted.leftOut[i]] = values[i];
-    }
 }
 
 /** The progress of one of `count` equal steps. */
@@ -220,18 +165,18 @@ FitProgress::Portion partOf(std::size_t step, std::size_t count)
     return {static_cast<double>(step) / steps, static_cast<double>(step + 1) / steps};
 }
 
-const char* nameOf(Model type)
+const char* nameOf(ModelType type)
 {
-    return type == CaseSession::Kriging ? "Kriging" : "response surface";
+    return type == Workspace::Kriging ? "Kriging" : "response surface";
 }
 
-/** What is predicted of all outputs by both models. */
-class Validation
+/** Cross-validates both models of all outputs. */
+class CrossValidation
 {
 public:
-    Validation(const Cases& cases, std::size_t folds)
+    CrossValidation(const Workspace& workspace, const Cases& cases, std::size_t folds)
         : responseSurface(cases.outputs.size(), Predictions(cases.count())),
-          kriging(responseSurface), cases(cases), folds(folds),
+          kriging(responseSurface), workspace(workspace), cases(cases), folds(folds),
           foldOfCase(cases.folds().split(folds))
     {
         const FitProgress::Portion most(0.0, shareOfFolds);
@@ -248,48 +193,73 @@ public:
 private:
     void runFold(std::size_t fold)
     {
-        Parted parted(cases, foldOfCase, fold);
+        TrainTestSplit split(cases, foldOfCase, fold);
         for (std::size_t i = 0; i < cases.outputs.size(); ++i) {
-            std::vector<double> output = picked(cases.outputs[i], parted.others);
+            std::vector<double> output = picked(cases.outputs[i], split.trainingCases);
             const FitProgress::Portion portion = partOf(i, cases.outputs.size());
-            const auto run = [&](Model type, Predictions& predictions, double from, double to) {
+            const auto run = [&](ModelType type, Predictions& predictions, double from, double to) {
                 const FitProgress::Portion fit(from, to);
-                runFit(type, fold, parted, output, predictions);
+                runFit(type, fold, split, output, predictions);
             };
-            run(CaseSession::ResponseSurface, responseSurface[i], 0.0, shareOfResponseSurface);
-            run(CaseSession::Kriging, kriging[i], shareOfResponseSurface, 1.0);
+            run(Workspace::ResponseSurface, responseSurface[i], 0.0, shareOfResponseSurface);
+            run(Workspace::Kriging, kriging[i], shareOfResponseSurface, 1.0);
         }
     }
 
-    void runFit(Model type, std::size_t fold, Parted& parted, std::vector<double>& output,
-                Predictions& predictions)
+    void runFit(ModelType type, std::size_t fold, TrainTestSplit& split,
+                std::vector<double>& output, Predictions& predictions)
     {
         // Before and after the fit, so that the error that cancels is not taken for the fit's own.
         const std::string message = std::string(nameOf(type)) + ", fold " +
                                     std::to_string(fold + 1) + " of " + std::to_string(folds);
         FitProgress::report(0.0, message);
         try {
-            predict(type, parted, output, predictions, message);
+            predict(type, split, output, predictions, message);
         } catch (const SurrogateModelInterface::Error& error) {
             predictions.failures.push_back({fold, withInputNames(error.what(), cases.inputNames)});
         }
         FitProgress::report(1.0, message);
     }
 
+    /** @throw SurrogateModelInterface::Error */
+    void predict(ModelType type, TrainTestSplit& split, std::vector<double>& output,
+                 Predictions& predictions, const std::string& message) const
+    {
+        const Stopwatch watch;
+        const auto model =
+            workspace.modelFactory().makeModel(type, pointersTo(split.trainingInputs),
+                                               {output.data()}, static_cast<int>(output.size()));
+        model->activateDependentVariables({0});
+        const double seconds = watch.seconds();
+
+        const std::vector<double> values =
+            predicted(*model, split.testInputs, split.testCases.size(), message);
+        if (!std::all_of(values.begin(), values.end(),
+                         [](double value) { return std::isfinite(value); })) {
+            throw SurrogateModelInterface::Error("A prediction is no finite number.");
+        }
+        predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
+        predictions.seconds += seconds;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            predictions.values[split.testCases[i]] = values[i];
+        }
+    }
+
+    const Workspace& workspace;
     const Cases& cases;
     std::size_t folds;
     std::vector<std::size_t> foldOfCase;
 };
 
-/** Of the cases that are predicted, sums over the output. */
-LeftOutFigures figuresOf(const Predictions& predictions, const std::vector<bool>& isUsed,
-                         const std::vector<double>& output,
-                         const std::vector<std::size_t>& positions)
+/** The metrics over the cases that are used. */
+CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vector<bool>& isUsed,
+                                 const std::vector<double>& output,
+                                 const std::vector<std::size_t>& positions)
 {
-    LeftOutFigures figures;
-    figures.failures = predictions.failures;
+    CrossValidationMetrics metrics;
+    metrics.failures = predictions.failures;
     if (!predictions.terms.empty()) {
-        figures.fitSeconds = predictions.seconds / static_cast<double>(predictions.terms.size());
+        metrics.fitSeconds = predictions.seconds / static_cast<double>(predictions.terms.size());
     }
     std::vector<std::size_t> used;
     for (std::size_t i = 0; i < output.size(); ++i) {
@@ -297,9 +267,9 @@ LeftOutFigures figuresOf(const Predictions& predictions, const std::vector<bool>
             used.push_back(i);
         }
     }
-    figures.cases = used.size();
+    metrics.cases = used.size();
     if (used.empty()) {
-        return figures;
+        return metrics;
     }
 
     const auto count = static_cast<double>(used.size());
@@ -308,34 +278,34 @@ LeftOutFigures figuresOf(const Predictions& predictions, const std::vector<bool>
         mean += output[i] / count;
     }
     double squares = 0.0;
-    double spread = 0.0;
-    figures.largestError = -1.0;
+    double squaresAboutMean = 0.0;
+    metrics.largestError = -1.0;
     for (const std::size_t i : used) {
         const double error = std::abs(predictions.values[i] - output[i]);
         squares += error * error;
-        spread += (output[i] - mean) * (output[i] - mean);
-        if (error > figures.largestError) {
-            figures.largestError = error;
-            figures.largestErrorCase = positions[i];
+        squaresAboutMean += (output[i] - mean) * (output[i] - mean);
+        if (error > metrics.largestError) {
+            metrics.largestError = error;
+            metrics.largestErrorCase = positions[i];
         }
     }
-    figures.rmse = std::sqrt(squares / count);
+    metrics.rmse = std::sqrt(squares / count);
     const auto [least, greatest] = std::minmax_element(output.begin(), output.end());
-    if (*least < *greatest && spread > 0.0) {
-        figures.q2 = 1.0 - squares / spread;
+    if (*least < *greatest && squaresAboutMean > 0.0) {
+        metrics.q2 = 1.0 - squares / squaresAboutMean;
     }
-    return figures;
+    return metrics;
 }
 
 /** Where the folds leave too few cases, the model is of a lower order than that of all cases. */
-void remarkOrder(const Predictions& predictions, std::size_t terms, LeftOutFigures& figures)
+void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidationMetrics& metrics)
 {
     const auto lowered = std::count_if(predictions.terms.begin(), predictions.terms.end(),
                                        [&](std::size_t fitted) { return fitted < terms; });
     if (lowered > 0) {
         const std::size_t fewest =
             *std::min_element(predictions.terms.begin(), predictions.terms.end());
-        figures.remarks.push_back("In " + std::to_string(lowered) + " of " +
+        metrics.remarks.push_back("In " + std::to_string(lowered) + " of " +
                                   std::to_string(predictions.terms.size()) +
                                   " fits it has fewer terms than with all cases, down to " +
                                   std::to_string(fewest) + " instead of " + std::to_string(terms) +
@@ -389,35 +359,38 @@ OutputComparison compared(const std::string& name, const std::vector<double>& ou
     OutputComparison comparison;
     comparison.name = name;
     comparison.responseSurface =
-        figuresOf(responseSurface, haveCommonCases ? both : left, output, positions);
-    comparison.kriging = figuresOf(kriging, haveCommonCases ? both : right, output, positions);
+        metricsOf(responseSurface, haveCommonCases ? both : left, output, positions);
+    comparison.kriging = metricsOf(kriging, haveCommonCases ? both : right, output, positions);
     setDifference(responseSurface, kriging, output, comparison);
     judge(comparison);
     return comparison;
 }
 
-/** The terms that the response surface of all cases has; 0 if there is none. */
-std::size_t termsOfAll(const Cases& cases, std::size_t output)
+/** The terms of the response surface of all cases; 0 if there is none. */
+std::size_t termsOfAll(const Workspace& workspace, const Cases& cases, std::size_t output)
 {
     try {
         Columns inputs = cases.inputs;
         std::vector<double> values = cases.outputs[output];
-        return termsOf(*makeModel(CaseSession::ResponseSurface, inputs, values));
+        const auto model =
+            workspace.modelFactory().makeModel(Workspace::ResponseSurface, pointersTo(inputs),
+                                               {values.data()}, static_cast<int>(values.size()));
+        return termCount(*model, workspace.responseSurface());
     } catch (const SurrogateModelInterface::Error&) {
         return 0;
     }
 }
 } // namespace
 
-std::size_t ModelComparison::mostFolds(const CaseSession& session)
+std::size_t ModelComparison::maxFolds(const Workspace& workspace)
 {
-    return Cases(session).folds().most();
+    return Cases(workspace).folds().most();
 }
 
-ModelComparison ModelComparison::of(const CaseSession& session, std::size_t folds)
+ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t folds)
 {
     const Stopwatch watch;
-    const Cases cases(session);
+    const Cases cases(workspace);
     const std::size_t most = cases.folds().most();
     if (most < 2) {
         throw SurrogateModelInterface::Error("A comparison leaves cases out and needs at least two "
@@ -426,21 +399,17 @@ ModelComparison ModelComparison::of(const CaseSession& session, std::size_t fold
                                              std::string(most == 0 ? "none." : "one."));
     }
 
-    const TermSelectionScope selection(session.terms() == CaseSession::SelectedTerms
-                                           ? TermSelectionScope::Selection::BackwardAicc
-                                           : TermSelectionScope::Selection::All,
-                                       session.polynomial());
     ModelComparison comparison;
     comparison.folds = folds;
-    const Validation validation(cases, folds);
+    const CrossValidation validation(workspace, cases, folds);
     const FitProgress::Portion rest(shareOfFolds, 1.0);
-    const std::vector<std::string> names = namesOf(session.outputs());
+    const std::vector<std::string> names = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < names.size(); ++i) {
         const FitProgress::Portion portion = partOf(i, names.size());
         comparison.outputs.push_back(compared(names[i], cases.outputs[i], cases.positions,
                                               validation.responseSurface[i],
                                               validation.kriging[i]));
-        remarkOrder(validation.responseSurface[i], termsOfAll(cases, i),
+        remarkOrder(validation.responseSurface[i], termsOfAll(workspace, cases, i),
                     comparison.outputs.back().responseSurface);
     }
     comparison.seconds = watch.seconds();

@@ -2,28 +2,15 @@
 
 #include "session/files/ByteSource.h"
 #include "session/model/CaseSession.h"
-#include "session/report/SessionReport.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 
-#include <surrogatemodel/SurrogateModelManagerInterface.h>
-
 #include <mirel_datamanagement/Project.h>
 
-#include <nlohmann/json.hpp>
-
 #include <map>
+#include <utility>
 
 namespace {
-/** What a fit says about itself, without how long it took and where it was last evaluated. */
-std::string reportOf(CaseSession& session)
-{
-    auto report = nlohmann::ordered_json::parse(SessionReport::fitJson(session, 0.0));
-    report.erase("seconds");
-    report.erase("extrapolation");
-    return report.dump();
-}
-
 /** A project takes the names, in the roles of the model. */
 void requireNames(const ExportedModel& model, const std::string& path)
 {
@@ -74,21 +61,20 @@ ExportFormat ModelFile::formatOf(const std::string& word)
     return found->second;
 }
 
-ExportedModel ModelFile::exported(CaseSession& session)
+ExportedModel ModelFile::exported(CaseSession& session, std::string report)
 {
-    const SurrogateModelInterface& model = session.fit();
+    const SurrogateModelInterface& model = session.model();
     std::vector<ExportedModel::Input> inputs;
     for (const VarPtr& input : session.inputs()) {
         const auto variable = input.lock();
         inputs.push_back({variable->name(), variable->range().first, variable->range().second});
     }
     std::vector<ExportedModel::WantedOutput> outputs;
-    for (const VarPtr& output : session.outputs()) {
-        const std::string name = output.lock()->name();
-        outputs.push_back({name, static_cast<int>(session.manager().offsetForVariableName(name))});
+    for (std::size_t i = 0; i < session.outputs().size(); ++i) {
+        outputs.push_back({session.outputs()[i].lock()->name(), session.outputOffsets()[i]});
     }
     ExportedModel exported = ExportedModel::of(model, inputs, outputs);
-    exported.report = reportOf(session);
+    exported.report = std::move(report);
     return exported;
 }
 

@@ -21,11 +21,12 @@ SURROGATE_SESSION_EXPORT bool isModelFile(const std::string& path);
 SURROGATE_SESSION_EXPORT ExportFormat formatOf(const std::string& word);
 
 /**
- * The model of a session with the names, the ranges and the report of the fit.
+ * The model of a session with the names and the ranges.
+ * @param report a JSON object that goes with the model.
  * @throw SurrogateModelInterface::Error if it cannot be fitted or described; the sentence names the
  *        output.
  */
-SURROGATE_SESSION_EXPORT ExportedModel exported(CaseSession& session);
+SURROGATE_SESSION_EXPORT ExportedModel exported(CaseSession& session, std::string report);
 
 /** @throw FileError if the file cannot be read; ModelFileError if it is no model that can be used.
  */

@@ -59,7 +59,7 @@ const std::vector<const double*>& PredictionPoints::inputColumns() const
 }
 
 OutputTable PredictionPoints::withPredictions(const std::vector<std::vector<double>>& predictions,
-                                              const std::vector<PredictionLimits>& limits) const
+                                              const std::vector<PredictionIntervals>& limits) const
 {
     OutputTable result;
     result.rows = table.cases;

@@ -2,7 +2,7 @@
 
 #include <session/cases/CaseTable.h>
 #include <session/files/OutputTable.h>
-#include <session/model/CaseSession.h>
+#include <session/model/Evaluator.h>
 
 #include <surrogate_session/Export.h>
 
@@ -47,7 +47,7 @@ public:
      * @param limits      likewise; or none at all.
      */
     OutputTable withPredictions(const std::vector<std::vector<double>>& predictions,
-                                const std::vector<PredictionLimits>& limits = {}) const;
+                                const std::vector<PredictionIntervals>& limits = {}) const;
 
 private:
     CaseTable table;

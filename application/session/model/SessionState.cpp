@@ -1,7 +1,6 @@
 #include "session/model/SessionState.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/RestoredModelManager.h"
 #include "session/project/ProjectDocument.h"
 #include "session/text/SessionErrors.h"
 
@@ -19,14 +18,6 @@
 #include <algorithm>
 #include <set>
 #include <string>
-
-/** The pipeline can have the manager drop its model although no case has changed. */
-class SessionPipeline : public ProjectDataPipelineManager
-{
-public:
-    using ProjectDataPipelineManager::emitChanged;
-    using ProjectDataPipelineManager::ProjectDataPipelineManager;
-};
 
 namespace {
 using Collection = SurrogateModelUserDistCollection;
@@ -56,42 +47,17 @@ boost::shared_ptr<Project> openProject(CaseTable& table)
     return project;
 }
 
-boost::shared_ptr<SurrogateModelManager>
-managerOf(const boost::shared_ptr<SessionPipeline>& pipeline,
-          const boost::shared_ptr<SurrogateModelInterface>& model)
-{
-    if (model != nullptr) {
-        return boost::make_shared<RestoredModelManager>(pipeline, model);
-    }
-    return boost::make_shared<SurrogateModelManager>(pipeline);
-}
-
 [[noreturn]] void refuse(const std::string& sentence)
 {
     throw ProjectDocumentError("The project does not fit its cases: " + sentence);
 }
 } // namespace
 
-bool SessionSettings::VariableSettings::operator==(const VariableSettings& other) const
-{
-    return nature == other.nature && range == other.range;
-}
-
-bool SessionSettings::operator==(const SessionSettings& other) const
-{
-    return variables == other.variables && excluded == other.excluded && type == other.type &&
-           inputs == other.inputs && outputs == other.outputs &&
-           evaluationPoint == other.evaluationPoint &&
-           userDistributions == other.userDistributions && sweeps == other.sweeps &&
-           terms == other.terms;
-}
-
-SessionState::SessionState(CaseTable& table) : SessionState(table, nullptr) {}
-
 SessionState::SessionState(CaseTable& table,
                            const boost::shared_ptr<SurrogateModelInterface>& model)
-    : project(openProject(table)), pipeline(boost::make_shared<SessionPipeline>(project)),
-      manager(managerOf(pipeline, model)),
+    : project(openProject(table)), factory(boost::make_shared<SessionModelFactory>(model)),
+      manager(boost::make_shared<SurrogateModelManager>(
+          boost::make_shared<ProjectDataPipelineManager>(project), factory)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),
       interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
 {}
@@ -103,14 +69,14 @@ SessionSettings SessionState::settings() const
         const auto variable = handle.lock();
         settings.variables[handle] = {variable->nature(), variable->chosenRange()};
     }
-    settings.excluded = excluded();
+    settings.excluded = project->excludedRows();
     settings.type = manager->type()->get();
     settings.inputs = manager->independentVars()->get();
-    settings.outputs = outputs;
+    settings.outputs = interpolation->outputs();
     settings.evaluationPoint = manager->evaluationPoint()->get();
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
-    settings.terms = chosenTerms;
+    settings.responseSurface = factory->responseSurface()->get();
     return settings;
 }
 
@@ -126,14 +92,14 @@ void SessionState::setSettings(const SessionSettings& settings)
         }
     }
     exclude(settings.excluded);
+    factory->responseSurface()->set(settings.responseSurface);
     manager->type()->set(settings.type);
     manager->independentVars()->set(settings.inputs);
     // After the list, which gives its new entries values of their own.
     manager->evaluationPoint()->set(settings.evaluationPoint);
     userDistributions->set(settings.userDistributions);
     interpolation->setSweeps(settings.sweeps);
-    setOutputs(settings.outputs);
-    chooseTerms(settings.terms);
+    interpolation->setOutputs(settings.outputs);
 }
 
 void SessionState::chooseRoles(const CaseRoles& roles)
@@ -142,48 +108,31 @@ void SessionState::chooseRoles(const CaseRoles& roles)
     const std::vector<VarPtr> variables = project->variables();
     std::vector<Variable::Nature> natures(variables.size(), Variable::Unassigned);
     std::vector<VarPtr> inputs;
-    std::vector<VarPtr> chosenOutputs;
+    std::vector<VarPtr> outputs;
     for (const std::size_t position : roles.inputs) {
         natures[position] = Variable::Independent;
         inputs.push_back(variables[position]);
     }
     for (const std::size_t position : roles.outputs) {
         natures[position] = Variable::Dependent;
-        chosenOutputs.push_back(variables[position]);
+        outputs.push_back(variables[position]);
     }
     for (std::size_t i = 0; i < variables.size(); ++i) {
         project->setNature(variables[i], natures[i]);
     }
     manager->independentVars()->set(inputs);
-    setOutputs(chosenOutputs);
+    interpolation->setOutputs(outputs);
 }
 
 void SessionState::exclude(const std::vector<std::size_t>& excluded)
 {
     const Project::ChangeGroup oneChange(*project);
-    std::vector<std::size_t> takenInAgain;
-    const std::vector<std::size_t> before = this->excluded();
+    std::vector<std::size_t> included;
+    const std::vector<std::size_t> before = project->excludedRows();
     std::set_difference(before.begin(), before.end(), excluded.begin(), excluded.end(),
-                        std::back_inserter(takenInAgain));
-    project->setRowsIncluded(takenInAgain, true);
+                        std::back_inserter(included));
+    project->setRowsIncluded(included, true);
     project->setRowsIncluded(excluded, false);
-}
-
-void SessionState::chooseTerms(const TermSettings& wanted)
-{
-    if (wanted == chosenTerms) {
-        return;
-    }
-    chosenTerms = wanted;
-    // A Kriging model has no terms to select, and may have taken long.
-    if (manager->type()->get() == SurrogateModelManagerInterface::ResponseSurface) {
-        pipeline->emitChanged();
-    }
-}
-
-std::vector<std::size_t> SessionState::excluded() const
-{
-    return project->excludedRows();
 }
 
 void SessionState::load(const ProjectDocument& document)
@@ -206,12 +155,12 @@ void SessionState::load(const ProjectDocument& document)
     for (const ProjectDocument::Sweep& sweep : document.sweeps) {
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
-    loaded.terms = document.terms;
+    loaded.responseSurface = document.responseSurface;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
 
-    // One change for those who look at the data, also when it is taken back.
+    // The project reports one change, also when the settings are restored.
     const Project::ChangeGroup oneChange(*project);
     try {
         // The manager's settings refer to variables by their natures, which come first.
@@ -232,17 +181,17 @@ void SessionState::save(ProjectDocument& document) const
         document.variables.push_back(
             {variable->name(), variable->nature(), variable->chosenRange()});
     }
-    document.outputs = namesOf(outputs);
-    document.excluded = excluded();
+    document.outputs = namesOf(interpolation->outputs());
+    document.excluded = project->excludedRows();
     document.sweeps.clear();
     for (const auto& [handle, sweep] : interpolation->sweeps()) {
-        // A variable that has another role by now keeps its sweep, which has no meaning for it.
+        // A variable that is no input any more keeps its sweep, without effect.
         const auto variable = handle.lock();
         if (variable->nature() == Variable::Independent) {
             document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
         }
     }
-    document.terms = chosenTerms;
+    document.responseSurface = factory->responseSurface()->get();
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }
@@ -278,10 +227,4 @@ void SessionState::check(const ProjectDocument& document) const
         refuse("There is no case " + std::to_string(document.excluded.back() + 1) +
                " to exclude: the cases are 1 to " + std::to_string(project->recordCount()) + '.');
     }
-}
-
-void SessionState::setOutputs(const std::vector<VarPtr>& wanted)
-{
-    outputs = wanted;
-    interpolation->setDependentVariables({wanted.begin(), wanted.end()});
 }

@@ -42,17 +42,17 @@ void SweepInterpolationVariables::setSweeps(const std::map<VarPtr, Sweep>& sweep
     }
 }
 
-void SweepInterpolationVariables::setDependentVariables(const std::set<VarPtr>& variables)
+void SweepInterpolationVariables::setOutputs(const std::vector<VarPtr>& outputs)
 {
-    if (variables != dependents) {
-        dependents = variables;
+    if (outputs != chosenOutputs) {
+        chosenOutputs = outputs;
         emitChanged();
     }
 }
 
 std::set<VarPtr> SweepInterpolationVariables::dependentVariables() const
 {
-    return dependents;
+    return {chosenOutputs.begin(), chosenOutputs.end()};
 }
 
 void SweepInterpolationVariables::suspend()

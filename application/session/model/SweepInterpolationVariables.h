@@ -9,13 +9,14 @@
 #include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
 /**
  * Interpolation variables by choice: some inputs are swept, evenly over their range or a given one,
- * all others stay at the manager's evaluation point; a set of dependents is wanted. A swept input
- * whose user distribution has mode UserDefined takes the values typed there instead.
+ * all others stay at the manager's evaluation point; some outputs are wanted, in an order. A swept
+ * input whose user distribution has mode UserDefined takes the values typed there instead.
  *
- * A choice that changes something is told by signalInterpolationVariablesChanged, unless suspended.
+ * signalInterpolationVariablesChanged reports each choice that changes something, unless suspended.
  */
 class SURROGATE_SESSION_EXPORT SweepInterpolationVariables : public InterpolationVariablesAbstract
 {
@@ -55,7 +56,11 @@ public:
     /** Chooses all at once, with one signal at most. */
     void setSweeps(const std::map<VarPtr, Sweep>& sweeps);
 
-    void setDependentVariables(const std::set<VarPtr>& variables);
+    /** @param outputs each once. */
+    void setOutputs(const std::vector<VarPtr>& outputs);
+    const std::vector<VarPtr>& outputs() const { return chosenOutputs; }
+
+    /** The outputs as a set. */
     std::set<VarPtr> dependentVariables() const override;
 
     void suspend() override;
@@ -70,6 +75,6 @@ private:
     void emitChanged() const;
 
     std::map<VarPtr, Sweep> chosenSweeps;
-    std::set<VarPtr> dependents;
+    std::vector<VarPtr> chosenOutputs;
     bool isSuspended = false;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <session/files/FileFingerprint.h>
-#include <session/project/TermSettings.h>
 
 #include <mirel_datamanagement/Variable.h>
 
@@ -31,6 +31,9 @@ public:
     /** What the names of project files end with, so that they can be told from case files. */
     static constexpr const char* fileEnding = ".surrogate.xml";
 
+    /** More values of one input than these would not fit a table that anybody can use. */
+    static constexpr std::size_t maxSweptValues = 100000000;
+
     /** Lower and upper bound, or first and last value, in the variable's units. */
     using Range = std::pair<double, double>;
 
@@ -54,7 +57,7 @@ public:
     struct Sweep
     {
         std::string name;           ///< of an independent variable, each once
-        std::size_t count = 2;      ///< from 2 to CaseSession::mostSweptValues
+        std::size_t count = 2;      ///< from 2 to maxSweptValues
         std::optional<Range> range; ///< where it is not the variable's own: finite, may fall
     };
 
@@ -134,7 +137,7 @@ public:
     std::vector<std::string> outputs;     ///< dependent variables in the order wanted, each once
     std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
     std::vector<Sweep> sweeps;
-    TermSettings terms; ///< of a response surface
+    ResponseSurfaceOptions responseSurface;
 
 private:
     friend SURROGATE_SESSION_EXPORT bool operator==(const ProjectDocument& left,

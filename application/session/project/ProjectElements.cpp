@@ -1,7 +1,6 @@
 #include "session/project/ProjectElements.h"
 
 #include "session/cases/CaseNumbers.h"
-#include "session/model/CaseSession.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
@@ -43,7 +42,8 @@ constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variab
                                                           {"unassigned", Variable::Unassigned}}};
 
 /** Selecting none is said by the absence of the element. */
-constexpr std::array<Word<bool>, 1> termSelections = {{{"BackwardAicc", true}}};
+constexpr std::array<Word<ResponseSurfaceOptions::Selection>, 1> termSelections = {
+    {{"BackwardAicc", ResponseSurfaceOptions::Selection::BackwardAicc}}};
 
 constexpr std::array<Word<PolynomialTerms>, 3> polynomials = {
     {{"Linear", PolynomialTerms::Linear},
@@ -286,7 +286,7 @@ std::vector<ProjectDocument::Sweep> readSweeps(const XmlNode& list, const Roles&
         allowAttributes(*element, {"Name", "Count", "From", "To"});
         ProjectDocument::Sweep sweep;
         sweep.name = entryName(*element, "swept input", known, Variable::Independent, seen);
-        sweep.count = requiredNumber(*element, "Count", 2, CaseSession::mostSweptValues);
+        sweep.count = requiredNumber(*element, "Count", 2, ProjectDocument::maxSweptValues);
         sweep.range = optionalRange(*element, "From", "To");
         sweeps.push_back(std::move(sweep));
     }
@@ -312,7 +312,7 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
     }
 }
 
-bool readTermSelection(const XmlNode& element)
+ResponseSurfaceOptions::Selection readTermSelection(const XmlNode& element)
 {
     allowOnlyAttributes(element, {"Method"});
     return requiredWord(element, "Method", termSelections);
@@ -492,7 +492,8 @@ XmlNode sweepsElement(const std::vector<ProjectDocument::Sweep>& sweeps)
 XmlNode termSelectionElement()
 {
     XmlNode element = XmlNode::element("TermSelection");
-    element.setAttribute("Method", wordFor(true, termSelections));
+    element.setAttribute("Method",
+                         wordFor(ResponseSurfaceOptions::Selection::BackwardAicc, termSelections));
     return element;
 }
 
@@ -553,10 +554,10 @@ void readProjectElements(const XmlNode& root, ProjectDocument& document, Project
         document.sweeps = readSweeps(*sweeps, known);
     }
     if (const XmlNode* const selection = root.child("TermSelection")) {
-        document.terms.areSelected = readTermSelection(*selection);
+        document.responseSurface.selection = readTermSelection(*selection);
     }
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
-        document.terms.polynomial = readPolynomial(*polynomial);
+        document.responseSurface.terms = readPolynomial(*polynomial);
     }
 }
 
@@ -575,10 +576,10 @@ XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& s
         root.children.push_back(*settings.userDistributions);
     }
     root.children.push_back(sweepsElement(document.sweeps));
-    if (document.terms.polynomial != PolynomialTerms::Quadratic) {
-        root.children.push_back(polynomialElement(document.terms.polynomial));
+    if (document.responseSurface.terms != PolynomialTerms::Quadratic) {
+        root.children.push_back(polynomialElement(document.responseSurface.terms));
     }
-    if (document.terms.areSelected) {
+    if (document.responseSurface.selection != ResponseSurfaceOptions::Selection::All) {
         root.children.push_back(termSelectionElement());
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());

@@ -22,7 +22,7 @@ std::string shownSeconds(double seconds)
     return shownNumber(seconds, digits);
 }
 
-void addRow(TextTable& table, const std::string& model, const LeftOutFigures& figures)
+void addRow(TextTable& table, const std::string& model, const CrossValidationMetrics& figures)
 {
     const std::string place =
         figures.cases == 0 ? "-" : std::to_string(figures.largestErrorCase + 1);
@@ -30,11 +30,12 @@ void addRow(TextTable& table, const std::string& model, const LeftOutFigures& fi
                shownNumber(figures.largestError), place, shownSeconds(figures.fitSeconds)});
 }
 
-std::string notesOf(const std::string& model, const LeftOutFigures& figures, std::size_t folds)
+std::string notesOf(const std::string& model, const CrossValidationMetrics& figures,
+                    std::size_t folds)
 {
     std::string text;
     if (!figures.failures.empty()) {
-        const LeftOutFigures::Failure& first = figures.failures.front();
+        const CrossValidationMetrics::Failure& first = figures.failures.front();
         text += "  Warning: " + model + " cannot be fitted in " +
                 std::to_string(figures.failures.size()) + " of " + std::to_string(folds) +
                 " folds, whose cases are left out of all figures; in fold " +
@@ -58,10 +59,10 @@ std::string outputText(const OutputComparison& output, std::size_t folds)
            notesOf("Kriging", output.kriging, folds);
 }
 
-Json modelJson(const char* name, const LeftOutFigures& figures)
+Json modelJson(const char* name, const CrossValidationMetrics& figures)
 {
     Json failures = Json::array();
-    for (const LeftOutFigures::Failure& failure : figures.failures) {
+    for (const CrossValidationMetrics::Failure& failure : figures.failures) {
         failures.push_back({{"fold", failure.fold + 1}, {"message", failure.sentence}});
     }
     Json json = {{"model", name},
@@ -104,11 +105,12 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     text += "Inputs  " + oneLineText(names) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
-    if (session.polynomial() != PolynomialTerms::Quadratic) {
+    const ResponseSurfaceOptions options = session.responseSurface();
+    if (options.terms != PolynomialTerms::Quadratic) {
         text += std::string("Order   the response surface is linear") +
-                (session.polynomial() == PolynomialTerms::Linear ? "\n" : " with interactions\n");
+                (options.terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
-    if (session.terms() == CaseSession::SelectedTerms) {
+    if (options.selection == ResponseSurfaceOptions::Selection::BackwardAicc) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
     for (const OutputComparison& output : comparison.outputs) {
@@ -136,8 +138,9 @@ std::string ComparisonReport::json(const CaseSession& session, const ModelCompar
              {"recommended", nameOf(output.verdict)},
              {"recommendation", output.recommendation}});
     }
-    json["terms"] = termsWord(session.polynomial());
-    json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
+    json["terms"] = termsWord(session.responseSurface().terms);
+    json["selectsTerms"] =
+        session.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return SessionJson::dumped(json);
 }

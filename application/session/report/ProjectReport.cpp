@@ -108,9 +108,12 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                (cases.hasDecimalComma ? "commas" : "points")});
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
-    if (!(document.terms == TermSettings())) {
-        head.add({"Terms", std::string(termsWord(document.terms.polynomial)) +
-                               (document.terms.areSelected ? ", selected by AICc" : "") +
+    if (!(document.responseSurface == ResponseSurfaceOptions())) {
+        head.add({"Terms", std::string(termsWord(document.responseSurface.terms)) +
+                               (document.responseSurface.selection ==
+                                        ResponseSurfaceOptions::Selection::BackwardAicc
+                                    ? ", selected by AICc"
+                                    : "") +
                                ", if it is a response surface"});
     }
     head.add({"Inputs", joined(document.modelInputs())});
@@ -151,8 +154,9 @@ std::string ProjectReport::json(const ProjectDocument& document)
         json["excluded"].push_back(position + 1);
     }
     json["model"] = modelName(document);
-    json["terms"] = termsWord(document.terms.polynomial);
-    json["selectsTerms"] = document.terms.areSelected;
+    json["terms"] = termsWord(document.responseSurface.terms);
+    json["selectsTerms"] =
+        document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;
     json["evaluationPoint"] = distributionsJson(document.evaluationPoint());

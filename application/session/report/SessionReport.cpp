@@ -106,6 +106,11 @@ std::string modelName(const CaseSession& session)
     return session.modelType() == CaseSession::Kriging ? "kriging" : "response-surface";
 }
 
+bool selectsTerms(const CaseSession& session)
+{
+    return session.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+}
+
 /** The members that all objects about a model begin with. */
 Json modelJson(const CaseSession& session)
 {
@@ -113,19 +118,19 @@ Json modelJson(const CaseSession& session)
                  {"cases", casesJson(session.counts())},
                  {"model", modelName(session)}};
     if (session.modelType() == CaseSession::ResponseSurface) {
-        json["terms"] = termsWord(session.polynomial());
-        json["selectsTerms"] = session.terms() == CaseSession::SelectedTerms;
+        json["terms"] = termsWord(session.responseSurface().terms);
+        json["selectsTerms"] = selectsTerms(session);
     }
     json["inputs"] = namesOf(session.inputs());
     json["outputs"] = Json::array();
     return json;
 }
 
-Json secondsJson(const CaseSession& session, double readSeconds)
+Json secondsJson(double readSeconds, double fitSeconds, const Evaluation* evaluation = nullptr)
 {
     return {{"read", readSeconds},
-            {"fit", session.times().fit},
-            {"evaluate", session.times().evaluate}};
+            {"fit", fitSeconds},
+            {"evaluate", evaluation == nullptr ? 0.0 : evaluation->seconds}};
 }
 
 Json metricsJson(const OutputFit& fit)
@@ -197,6 +202,30 @@ Json fitJson(const OutputFit& fit)
     return json;
 }
 
+/** All about the fit but the times that it took. */
+Json fitObject(CaseSession& session)
+{
+    if (!session.exportedReport().empty()) {
+        return Json::parse(session.exportedReport());
+    }
+    const std::vector<OutputFit>& fits = session.fit().outputs;
+    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    Json json = modelJson(session);
+    for (std::size_t i = 0; i < fits.size(); ++i) {
+        Json output = fitJson(fits[i]);
+        if (!statistics.empty()) {
+            output["metrics"]["press"] = statistics[i].press;
+            output["metrics"]["aicc"] = statistics[i].aicc;
+            output["metrics"]["terms"] = fits[i].metrics.terms;
+            output["metrics"]["residualDegreesOfFreedom"] = statistics[i].residualDegreesOfFreedom;
+            output.update(StatisticsTables::json(statistics[i], inputs));
+        }
+        json["outputs"].push_back(std::move(output));
+    }
+    return json;
+}
+
 std::string leverageText(const ResponseSurfaceStatistics& statistics)
 {
     std::string text;
@@ -227,12 +256,13 @@ std::string SessionReport::modelText(const CaseSession& session)
     if (session.modelType() == CaseSession::Kriging) {
         return "Kriging";
     }
-    const char* const polynomial = session.polynomial() == PolynomialTerms::Linear ? ", linear"
-                                   : session.polynomial() == PolynomialTerms::Interactions
+    const PolynomialTerms terms = session.responseSurface().terms;
+    const char* const polynomial = terms == PolynomialTerms::Linear ? ", linear"
+                                   : terms == PolynomialTerms::Interactions
                                        ? ", linear with interactions"
                                        : "";
     return std::string("response surface") + polynomial +
-           (session.terms() == CaseSession::SelectedTerms ? ", terms selected by AICc" : "");
+           (selectsTerms(session) ? ", terms selected by AICc" : "");
 }
 
 std::string SessionReport::caseText(const CaseSession& session)
@@ -349,7 +379,7 @@ SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inp
 
 std::string SessionReport::fitText(CaseSession& session)
 {
-    const std::vector<OutputFit> fits = session.fits();
+    const std::vector<OutputFit> fits = session.fit().outputs;
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + caseText(session) + '\n';
@@ -369,37 +399,23 @@ std::string SessionReport::fitText(CaseSession& session)
     return text;
 }
 
-std::string SessionReport::fitJson(CaseSession& session, double readSeconds)
+std::string SessionReport::fitJson(CaseSession& session, double readSeconds,
+                                   const Evaluation* evaluation)
 {
-    Json json;
-    if (!session.exportedReport().empty()) {
-        json = Json::parse(session.exportedReport());
-    } else {
-        const std::vector<OutputFit> fits = session.fits();
-        const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
-        const std::vector<std::string> inputs = namesOf(session.inputs());
-        json = modelJson(session);
-        for (std::size_t i = 0; i < fits.size(); ++i) {
-            Json output = ::fitJson(fits[i]);
-            if (!statistics.empty()) {
-                output["metrics"]["press"] = statistics[i].press;
-                output["metrics"]["aicc"] = statistics[i].aicc;
-                output["metrics"]["terms"] = fits[i].metrics.terms;
-                output["metrics"]["residualDegreesOfFreedom"] =
-                    statistics[i].residualDegreesOfFreedom;
-                output.update(StatisticsTables::json(statistics[i], inputs));
-            }
-            json["outputs"].push_back(std::move(output));
-        }
+    Json json = fitObject(session);
+    if (evaluation != nullptr && !evaluation->extrapolation.empty()) {
+        json["extrapolation"] = evaluation->extrapolation;
     }
-    if (!session.extrapolation().empty()) {
-        json["extrapolation"] = session.extrapolation();
+    if (evaluation != nullptr && !evaluation->intervalFaults.empty()) {
+        json["intervalFaults"] = evaluation->intervalFaults;
     }
-    if (!session.limitFaults().empty()) {
-        json["intervalFaults"] = session.limitFaults();
-    }
-    json["seconds"] = secondsJson(session, readSeconds);
+    json["seconds"] = secondsJson(readSeconds, session.fit().seconds, evaluation);
     return dumped(json);
+}
+
+std::string SessionReport::exportJson(CaseSession& session)
+{
+    return fitObject(session).dump();
 }
 
 std::string SessionReport::equationsJson(CaseSession& session, double readSeconds)
@@ -410,25 +426,28 @@ std::string SessionReport::equationsJson(CaseSession& session, double readSecond
         json["outputs"].push_back(
             {{"name", nameOf(session.outputs()[i])}, {"equation", equations[i]}});
     }
-    json["seconds"] = secondsJson(session, readSeconds);
+    json["seconds"] = secondsJson(readSeconds, session.fit().seconds);
     return dumped(json);
 }
 
-std::string SessionReport::notes(CaseSession& session)
+std::string SessionReport::notes(CaseSession& session, const Evaluation* evaluation)
 {
     std::string text;
     if (session.counts().invalid > 0) {
         text += "Cases: " + caseText(session) + ".\n";
     }
-    for (const OutputFit& fit : session.fits()) {
+    for (const OutputFit& fit : session.fit().outputs) {
         for (const std::string& warning : fit.warnings) {
             text += "Warning for " + fit.name + ": " + warning + '\n';
         }
     }
-    if (!session.extrapolation().empty()) {
-        text += "Warning: " + session.extrapolation() + '\n';
+    if (evaluation == nullptr) {
+        return text;
     }
-    for (const std::string& fault : session.limitFaults()) {
+    if (!evaluation->extrapolation.empty()) {
+        text += "Warning: " + evaluation->extrapolation + '\n';
+    }
+    for (const std::string& fault : evaluation->intervalFaults) {
         text += "Warning: " + fault + '\n';
     }
     return text;

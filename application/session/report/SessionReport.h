@@ -29,15 +29,23 @@ SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
 figures(const OutputFit& fit, const std::vector<std::string>& inputs,
         const ResponseSurfaceStatistics* statistics);
 
-/** @param readSeconds the time that reading the case file took. */
-SURROGATE_SESSION_EXPORT std::string fitJson(CaseSession& session, double readSeconds);
+/** @param readSeconds the time that reading the case file took.
+ *  @param evaluation  of the model, if there is one; null: none. */
+SURROGATE_SESSION_EXPORT std::string fitJson(CaseSession& session, double readSeconds,
+                                             const Evaluation* evaluation = nullptr);
+
+/** The fit's object without what concerns this run alone: what an exported model says about itself.
+ */
+SURROGATE_SESSION_EXPORT std::string exportJson(CaseSession& session);
 
 /** The fit's object, with the equation of each output instead of its metrics. */
 SURROGATE_SESSION_EXPORT std::string equationsJson(CaseSession& session, double readSeconds);
 
 /** What changed the results and must not go unsaid: cases left out, warnings of the fits, points
- * outside the cases, limits that do not exist. One line each; empty if there is nothing. */
-SURROGATE_SESSION_EXPORT std::string notes(CaseSession& session);
+ * outside the cases, limits that do not exist. One line each; empty if there is nothing.
+ * @param evaluation of the model, if there is one; null: none. */
+SURROGATE_SESSION_EXPORT std::string notes(CaseSession& session,
+                                           const Evaluation* evaluation = nullptr);
 
 /** "Kriging", "response surface", "response surface, linear, terms selected by AICc": the usual
  * terms go without saying. */

@@ -11,7 +11,8 @@
 
 TEST(CasePictures, ActualAndPredictedComeFromTheOtherCases)
 {
-    for (const CaseSession::Model model : {CaseSession::Kriging, CaseSession::ResponseSurface}) {
+    for (const CaseSession::ModelType model :
+         {CaseSession::Kriging, CaseSession::ResponseSurface}) {
         CaseSession session = cvdSession(model);
 
         const ActualPicture picture = actualPicture(LeaveOneOutCases::of(session, 0));
@@ -22,7 +23,7 @@ TEST(CasePictures, ActualAndPredictedComeFromTheOtherCases)
         for (std::size_t i = 0; i < picture.actual.size(); ++i) {
             press += std::pow(picture.actual[i] - picture.predicted[i], 2);
         }
-        const FitMetrics metrics = session.fits().front().metrics;
+        const FitMetrics metrics = session.fit().outputs.front().metrics;
         EXPECT_NEAR(std::sqrt(press / 11.0), metrics.looRmse, 1e-9 * metrics.looRmse);
         EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases.");
     }

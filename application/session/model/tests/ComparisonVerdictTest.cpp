@@ -9,9 +9,9 @@
 
 namespace {
 /** Of an output of variance 1. */
-LeftOutFigures figures(double rmse)
+CrossValidationMetrics figures(double rmse)
 {
-    LeftOutFigures figures;
+    CrossValidationMetrics figures;
     figures.cases = 20;
     figures.rmse = rmse;
     figures.q2 = 1.0 - rmse * rmse;
@@ -19,7 +19,8 @@ LeftOutFigures figures(double rmse)
 }
 
 /** @param difference of squared errors, in units of its standard error. */
-OutputComparison judged(LeftOutFigures responseSurface, LeftOutFigures kriging, double difference)
+OutputComparison judged(CrossValidationMetrics responseSurface, CrossValidationMetrics kriging,
+                        double difference)
 {
     OutputComparison comparison;
     comparison.name = "Stress";
@@ -88,32 +89,35 @@ TEST(ComparisonVerdict, CallsDifferencesOfRoundingNone)
 
 TEST(ComparisonVerdict, IsForTheOnlyModelThatCanBeFitted)
 {
-    expectVerdict(judged(LeftOutFigures(), figures(0.5), std::nan("")), OutputComparison::Kriging,
+    expectVerdict(judged(CrossValidationMetrics(), figures(0.5), std::nan("")),
+                  OutputComparison::Kriging,
                   "Use Kriging for \"Stress\": the response surface can be fitted in no fold.");
-    expectVerdict(judged(figures(0.5), LeftOutFigures(), std::nan("")),
+    expectVerdict(judged(figures(0.5), CrossValidationMetrics(), std::nan("")),
                   OutputComparison::ResponseSurface,
                   "Use the response surface for \"Stress\": Kriging can be fitted in no fold.");
 }
 
 TEST(ComparisonVerdict, IsAgainstTheOnlyModelIfTheMeanIsAsGood)
 {
-    expectVerdict(judged(LeftOutFigures(), figures(2.0), std::nan("")), OutputComparison::Neither,
+    expectVerdict(judged(CrossValidationMetrics(), figures(2.0), std::nan("")),
+                  OutputComparison::Neither,
                   "Use neither model for \"Stress\": the response surface can be fitted in no "
                   "fold, and Kriging predicts cases left out no better than the mean of the cases "
                   "does (Q2 -3).");
-    expectVerdict(judged(figures(2.0), LeftOutFigures(), std::nan("")), OutputComparison::Neither,
+    expectVerdict(judged(figures(2.0), CrossValidationMetrics(), std::nan("")),
+                  OutputComparison::Neither,
                   "Use neither model for \"Stress\": Kriging can be fitted in no fold, and the "
                   "response surface predicts cases left out no better than the mean of the cases "
                   "does (Q2 -3).");
-    expectVerdict(judged(LeftOutFigures(), LeftOutFigures(), std::nan("")),
+    expectVerdict(judged(CrossValidationMetrics(), CrossValidationMetrics(), std::nan("")),
                   OutputComparison::Neither,
                   "Use neither model for \"Stress\": neither can be fitted in any fold.");
 }
 
 TEST(ComparisonVerdict, AConstantOutputNeedsNoModel)
 {
-    LeftOutFigures constant = figures(0.0);
-    constant.q2 = LeftOutFigures::none;
+    CrossValidationMetrics constant = figures(0.0);
+    constant.q2 = CrossValidationMetrics::none;
 
     expectVerdict(judged(constant, constant, 0.0), OutputComparison::Neither,
                   "Use neither model for \"Stress\": it is the same in all cases, so that there is "

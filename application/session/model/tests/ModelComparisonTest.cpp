@@ -78,9 +78,9 @@ TEST(ModelComparison, LeavingOneOutGivesTheFitsOwnPredictedR2)
     const ModelComparison comparison = ModelComparison::of(session, 11);
 
     // PRESS in closed form, of the one fit to all cases.
-    const std::vector<OutputFit> fits = session.fits();
+    const std::vector<OutputFit> fits = session.fit().outputs;
     for (std::size_t i = 0; i < 2; ++i) {
-        const LeftOutFigures& figures = comparison.outputs[i].responseSurface;
+        const CrossValidationMetrics& figures = comparison.outputs[i].responseSurface;
         EXPECT_EQ(comparison.outputs[i].name, fits[i].name);
         EXPECT_NEAR(figures.q2, fits[i].metrics.predictedR2, 1e-10);
         EXPECT_NEAR(figures.rmse, fits[i].metrics.looRmse, 1e-10);
@@ -93,13 +93,14 @@ TEST(ModelComparison, MakesTheModelsThatASessionMakes)
     // Case 5 has a fold of its own if there are as many folds as cases.
     CaseSession whole(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::Kriging);
     const ModelComparison comparison = ModelComparison::of(whole, 11);
-    const LeftOutFigures& figures = comparison.outputs[0].kriging;
+    const CrossValidationMetrics& figures = comparison.outputs[0].kriging;
 
     const std::size_t leftOut = figures.largestErrorCase;
     whole.exclude({leftOut});
     const CaseTable table = cvdCases();
-    const double predicted = whole.predict(
-        {&table.columns[0].numbers[leftOut], &table.columns[1].numbers[leftOut]}, 1)[0][0];
+    const double predicted =
+        whole.predict({&table.columns[0].numbers[leftOut], &table.columns[1].numbers[leftOut]}, 1)
+            .outputs[0][0];
 
     EXPECT_EQ(std::abs(predicted - table.columns[3].numbers[leftOut]), figures.largestError);
 }
@@ -144,7 +145,7 @@ TEST(ModelComparison, TakesTheValidCasesAndNamesThemAsTheFileDoes)
 
     EXPECT_EQ(comparison.outputs[0].kriging.cases, 9u);
     EXPECT_EQ(comparison.outputs[0].responseSurface.largestErrorCase, 7u);
-    EXPECT_EQ(ModelComparison::mostFolds(session), 9u);
+    EXPECT_EQ(ModelComparison::maxFolds(session), 9u);
 }
 
 TEST(ModelComparison, LeavesTheSessionAsItIs)
@@ -152,13 +153,13 @@ TEST(ModelComparison, LeavesTheSessionAsItIs)
     CaseSession session = sessionOf({0, 1, 4, 9, 16, 25}, {1});
     int changes = 0;
     const auto connection = session.project().connectSignalChanged([&changes] { ++changes; });
-    SurrogateModelInterface* const fitted = &session.fit();
+    SurrogateModelInterface* const fitted = &session.model();
 
     ModelComparison::of(session, 3);
 
     EXPECT_EQ(changes, 0);
     EXPECT_EQ(session.counts().excluded, 1u);
-    EXPECT_EQ(&session.fit(), fitted);
+    EXPECT_EQ(&session.model(), fitted);
     connection.disconnect();
 }
 
@@ -166,7 +167,8 @@ TEST(ModelComparison, TheLargestErrorIsOfTheCaseThatDeviates)
 {
     const CaseSession session = sessionOf({0, 1, 2, 3, 4, 5, 6, 50, 8, 9, 10, 11, 12, 13, 14});
 
-    const LeftOutFigures figures = ModelComparison::of(session, 15).outputs[0].responseSurface;
+    const CrossValidationMetrics figures =
+        ModelComparison::of(session, 15).outputs[0].responseSurface;
 
     EXPECT_EQ(figures.largestErrorCase, 7u);
     EXPECT_GT(figures.largestError, 40.0);

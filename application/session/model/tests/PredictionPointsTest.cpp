@@ -83,7 +83,7 @@ TEST(PredictionPoints, LimitsFollowThePredictionOfTheirOutput)
     const PredictionPoints points(tableOf("z,x\n1,2\n"), {"x", "z"}, {"y", "w"},
                                   PredictionPoints::PredictionsAndLimits);
     const std::vector<std::vector<double>> predictions = {{7.5}, {8.5}};
-    const std::vector<PredictionLimits> limits = {{{7}, {8}}, {{6}, {9}}};
+    const std::vector<PredictionIntervals> limits = {{{7}, {8}}, {{6}, {9}}};
 
     const OutputTable table = points.withPredictions(predictions, limits);
 

@@ -114,7 +114,7 @@ TEST_F(SweepInterpolationVariablesTest, ASweptVariableGoesBackToTheEvaluationPoi
 
 TEST_F(SweepInterpolationVariablesTest, TheDependentsAreThoseThatWereSet)
 {
-    variables->setDependentVariables({y});
+    variables->setOutputs({y});
 
     EXPECT_EQ(variables->dependentVariables(), (std::set<VarPtr>{y}));
 }
@@ -127,8 +127,8 @@ TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsToldOnce)
 
     variables->sweep(a, 4);
     variables->sweep(a, 4, {0.0, 1.0});
-    variables->setDependentVariables({y});
-    variables->setDependentVariables({y});
+    variables->setOutputs({y});
+    variables->setOutputs({y});
     variables->stayAtEvaluationPoint(a);
     variables->stayAtEvaluationPoint(a);
     EXPECT_EQ(signals, 5);

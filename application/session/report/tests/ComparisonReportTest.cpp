@@ -67,7 +67,7 @@ TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
 TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
 {
     ModelComparison comparison = sampleComparison();
-    comparison.outputs[0].kriging = LeftOutFigures();
+    comparison.outputs[0].kriging = CrossValidationMetrics();
 
     const std::string text = ComparisonReport::text(cvdSession(), comparison);
     EXPECT_NE(

@@ -11,7 +11,7 @@
 #include <vector>
 
 namespace {
-CaseSession cvdSession(CaseSession::Model model)
+CaseSession cvdSession(CaseSession::ModelType model)
 {
     return CaseSession(cvdCases(), {{0, 1}, {2, 3}}, {}, model);
 }
@@ -58,7 +58,7 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 TEST(HtmlReport, SaysWhichTermsThereAre)
 {
     CaseSession session = cvdSession(CaseSession::ResponseSurface);
-    session.choosePolynomial(PolynomialTerms::Linear);
+    session.chooseResponseSurface({PolynomialTerms::Linear});
 
     EXPECT_TRUE(has(HtmlReport::text(session, {}), "<p>Model: response surface, linear.</p>"));
 }

@@ -237,29 +237,20 @@ TEST(SessionReport, NotesNameTheVariablesThatLackValues)
               0u);
 }
 
-TEST(SessionReport, PointsOutsideTheCasesAreTold)
+TEST(SessionReport, PointsOutsideTheCasesAreReported)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
         CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
         session.stayAt(0, "99");
-        session.evaluate();
+        const GridEvaluation outside = session.evaluate();
         const std::string sentence = "1 of 1 point lies outside the cases: \"Pressure\" is up to "
                                      "0.25 of its range beyond them. Do not rely on predictions "
                                      "there.";
 
-        EXPECT_NE(SessionReport::notes(session).find("Warning: " + sentence + '\n'),
-                  std::string::npos)
-            << SessionReport::notes(session);
-        EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["extrapolation"], sentence);
-
-        session.stayAt(0, "42");
-        session.evaluate();
-        EXPECT_EQ(session.extrapolation(), "");
-
-        const std::vector<double> pressure = {42.0, 99.0};
-        const std::vector<double> ratio = {6.0, 6.0};
-        session.predict({pressure.data(), ratio.data()}, 2);
-        EXPECT_EQ(session.extrapolation().rfind("1 of 2 points lies outside", 0), 0u);
+        const std::string notes = SessionReport::notes(session, &outside);
+        EXPECT_NE(notes.find("Warning: " + sentence + '\n'), std::string::npos) << notes;
+        EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0, &outside))["extrapolation"],
+                  sentence);
     }
 }
 
@@ -267,4 +258,76 @@ TEST(SessionReport, AnObjectCanTakeOneMoreMember)
 {
     EXPECT_EQ(SessionReport::openedForMember("{\n  \"a\": 1\n}\n", "table") + "2}",
               "{\n  \"a\": 1,\n  \"table\": 2}");
+}
+
+TEST(SessionReport, NamesTheSelectionOfTermsAndWhatItDropped)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    session.chooseResponseSurface(
+        {PolynomialTerms::Quadratic, ResponseSurfaceOptions::Selection::BackwardAicc});
+
+    const std::string text = SessionReport::fitText(session);
+
+    EXPECT_NE(text.find("Model   response surface, terms selected by AICc\n"), std::string::npos)
+        << text;
+    EXPECT_NE(text.find("Warning: AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were "
+                        "left out.\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["droppedTerms"],
+              Json::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
+                              {"term": "V2^2", "name": "H2/WF6^2"}])"));
+
+    session.chooseResponseSurface(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc});
+    EXPECT_NE(SessionReport::fitText(session).find(
+                  "\nModel   response surface, linear, terms selected by AICc\n"),
+              std::string::npos);
+}
+
+TEST(SessionReport, HasAnEmptyListOfDroppedTermsWhereAllAreKept)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["droppedTerms"],
+              Json::array());
+}
+
+TEST(SessionReport, NamesThePolynomial)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    session.chooseResponseSurface(
+        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All});
+
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    EXPECT_EQ(json["terms"], "interactions");
+    EXPECT_EQ(json["selectsTerms"], false);
+    EXPECT_EQ(json["outputs"][0]["coefficients"].size(), 4u);
+    EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
+    EXPECT_NE(SessionReport::fitText(session).find(
+                  "\nModel   response surface, linear with interactions\n"),
+              std::string::npos);
+}
+
+TEST(SessionReport, SaysWhyThereAreNoLimits)
+{
+    // Six cases for six terms.
+    CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {3, 4, 5, 9, 10},
+                        CaseSession::ResponseSurface);
+    const GridEvaluation evaluation = session.evaluate(95.0);
+
+    EXPECT_NE(SessionReport::notes(session, &evaluation)
+                  .find("Warning: " + evaluation.intervalFaults[0] + '\n'),
+              std::string::npos);
+    const Json json = Json::parse(SessionReport::fitJson(session, 0.0, &evaluation));
+    EXPECT_EQ(json["intervalFaults"].size(), 2u);
+}
+
+TEST(SessionReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {}, CaseSession::ResponseSurface);
+    Json fit = Json::parse(SessionReport::fitJson(session, 1.0));
+    fit.erase("seconds");
+
+    EXPECT_EQ(Json::parse(SessionReport::exportJson(session)), fit);
 }

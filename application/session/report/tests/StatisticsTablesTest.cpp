@@ -17,7 +17,7 @@
 namespace {
 using Json = nlohmann::ordered_json;
 
-CaseSession cvdSession(CaseSession::Model model, const std::vector<std::size_t>& excluded = {})
+CaseSession cvdSession(CaseSession::ModelType model, const std::vector<std::size_t>& excluded = {})
 {
     return CaseSession(cvdCases(), {{0, 1}, {2}}, excluded, model);
 }

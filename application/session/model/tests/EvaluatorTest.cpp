@@ -1,17 +1,12 @@
-#include <session/model/CaseSession.h>
+#include <session/model/Evaluator.h>
 
 #include "CvdCases.h"
 
-#include <session/text/SessionErrors.h>
+#include <session/model/CaseSession.h>
 
-#include <surrogatemodel/SurrogateModelManagerInterface.h>
-
-#include <mirel_analyzercommon/UndoStack.h>
-#include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
-#include <QUndoStack>
 #include <gtest/gtest.h>
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
@@ -65,50 +60,7 @@ std::string messageOf(Action action)
 }
 } // namespace
 
-TEST(CaseSession, OpensAProjectWithTheRolesAsNatures)
-{
-    const CaseSession session(cvdCases(), {{1}, {3}}, {}, CaseSession::ResponseSurface);
-
-    const std::vector<VarPtr> variables = Project::project()->variables();
-    ASSERT_EQ(variables.size(), 4u);
-    EXPECT_EQ(variables[0].lock()->nature(), Variable::Unassigned);
-    EXPECT_EQ(variables[1].lock()->nature(), Variable::Independent);
-    EXPECT_EQ(variables[3].lock()->nature(), Variable::Dependent);
-    EXPECT_EQ(session.manager().independentVars()->get(), session.inputs());
-}
-
-TEST(CaseSession, ClosesItsProjectAtTheEnd)
-{
-    {
-        const CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
-    }
-
-    EXPECT_TRUE(Project::project()->variables().empty());
-}
-
-TEST(CaseSession, RecordsNothingForUndoing)
-{
-    const int before = UndoStack().stack().count();
-
-    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::Kriging);
-    session.sweep(0, "4, 80");
-    session.stayAt(1, "5");
-
-    EXPECT_EQ(UndoStack().stack().count(), before);
-}
-
-TEST(CaseSession, RefusesANameThatAProjectCannotCarry)
-{
-    CaseTable table = cvdCases();
-    table.columns[1].name = "a\x01z";
-
-    const std::string message = messageOf<CaseDataError>(
-        [&] { CaseSession(table, cvdRoles, {}, CaseSession::ResponseSurface); });
-
-    EXPECT_EQ(message.substr(0, 17), "cvd.csv, line 1: ");
-}
-
-TEST(CaseSession, FitsThePublishedResponseSurface)
+TEST(Evaluator, FitsThePublishedResponseSurface)
 {
     // The handbook codes the inputs and rounds the codes to two decimals.
     CaseTable table = cvdCases();
@@ -120,7 +72,7 @@ TEST(CaseSession, FitsThePublishedResponseSurface)
     }
     CaseSession session(std::move(table), cvdRoles, {}, CaseSession::ResponseSurface);
 
-    const std::vector<OutputFit> fits = session.fits();
+    const std::vector<OutputFit> fits = session.fit().outputs;
 
     // R2 and residual standard error as published (NIST/SEMATECH e-Handbook, 5.4.7.3) and, for
     // Stress, by least squares on the same table; half of the last digit given.
@@ -135,23 +87,23 @@ TEST(CaseSession, FitsThePublishedResponseSurface)
     EXPECT_FALSE(fits[1].kriging.has_value());
 }
 
-TEST(CaseSession, FitsKrigingWithItsParameters)
+TEST(Evaluator, FitsKrigingWithItsParameters)
 {
     CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::Kriging);
 
-    const std::vector<OutputFit> fits = session.fits();
+    const std::vector<OutputFit> fits = session.fit().outputs;
 
     ASSERT_TRUE(fits[0].kriging.has_value());
     EXPECT_EQ(fits[0].kriging->correlationLengths.size(), 2u);
-    EXPECT_GT(session.times().fit, 0.0);
+    EXPECT_GT(session.fit().seconds, 0.0);
 }
 
-TEST(CaseSession, EvaluatesEveryCombinationInTheOrderOfTheRoles)
+TEST(Evaluator, EvaluatesEveryCombinationInTheOrderOfTheRoles)
 {
     CaseSession session(lines({0, 1, 2, 3}), {{0}, {2, 1}}, {}, CaseSession::ResponseSurface);
     session.sweepEvenly(0, 4);
 
-    const auto table = session.evaluate();
+    const auto table = session.evaluate().table;
 
     ASSERT_EQ(table->GetNumberOfColumns(), 3);
     ASSERT_EQ(table->GetNumberOfRows(), 4);
@@ -166,52 +118,31 @@ TEST(CaseSession, EvaluatesEveryCombinationInTheOrderOfTheRoles)
     }
 }
 
-TEST(CaseSession, AnInputStaysAtItsMinimumUnlessMoved)
+TEST(Evaluator, AnInputStaysAtItsMinimumUnlessMoved)
 {
     CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
-    EXPECT_EQ(cell(*session.evaluate(), 0, 0), 2.0);
+    EXPECT_EQ(cell(*session.evaluate().table, 0, 0), 2.0);
 
     session.stayAt(0, "2.5");
-    const auto table = session.evaluate();
+    const auto table = session.evaluate().table;
     ASSERT_EQ(table->GetNumberOfRows(), 1);
     EXPECT_EQ(cell(*table, 0, 0), 2.5);
     EXPECT_NEAR(cell(*table, 0, 1), 6.0, 1e-9);
 }
 
-TEST(CaseSession, TypedValuesAreSweptOver)
+TEST(Evaluator, TypedValuesAreSweptOver)
 {
     CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
     session.sweep(0, "4 - 8 : 3, 1");
 
-    const auto table = session.evaluate();
+    const auto table = session.evaluate().table;
 
     ASSERT_EQ(table->GetNumberOfRows(), 4);
     EXPECT_EQ(cell(*table, 0, 0), 1.0);
     EXPECT_EQ(cell(*table, 3, 0), 8.0);
 }
 
-TEST(CaseSession, AFaultyTextIsRefusedInOneSentenceWithTheItem)
-{
-    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
-
-    EXPECT_EQ(messageOf<DistributionTextError>([&] { session.sweep(0, "1, 2 - x : 3"); }),
-              "The text \"1, 2 - x : 3\" for \"x\" cannot be read. Expression: 2 - x : 3: Invalid "
-              "floating point number. Write numbers and ranges like 4 - 80 : 20, 42.");
-    EXPECT_THROW(session.stayAt(0, "five"), DistributionTextError);
-    EXPECT_THROW(session.stayAt(0, ""), DistributionTextError);
-    EXPECT_EQ(messageOf<DistributionTextError>([&] { session.stayAt(0, "1, 2"); }),
-              "The text \"1, 2\" for \"x\" has several values where one is wanted.");
-}
-
-TEST(CaseSession, ASweepNeedsTwoValuesAtLeast)
-{
-    CaseSession session(lines({2, 3, 4, 5}), lineRoles, {}, CaseSession::ResponseSurface);
-
-    EXPECT_EQ(messageOf<UsageError>([&] { session.sweepEvenly(0, 1); }),
-              "\"x\" can be swept evenly over 2 to 100000000 values, not 1.");
-}
-
-TEST(CaseSession, OutputsAreFittedToTheCasesThatAreValidForAll)
+TEST(Evaluator, OutputsAreFittedToTheCasesThatAreValidForAll)
 {
     CaseTable table = lines({0, 1, 2, 3, missing, 5});
     table.columns[1].numbers[0] = missing;
@@ -219,19 +150,19 @@ TEST(CaseSession, OutputsAreFittedToTheCasesThatAreValidForAll)
     CaseSession session(std::move(table), lineRoles, {3}, CaseSession::ResponseSurface);
 
     EXPECT_EQ(session.counts().valid, 2u);
-    EXPECT_EQ(session.fits()[0].metrics.cases, 2u);
+    EXPECT_EQ(session.fit().outputs[0].metrics.cases, 2u);
 }
 
-TEST(CaseSession, AnExcludedCaseDoesNotCount)
+TEST(Evaluator, AnExcludedCaseDoesNotCount)
 {
     CaseTable table = lines({0, 1, 2, 3, 4});
     table.columns[1].numbers[2] = 1000.0;
     CaseSession session(std::move(table), {{0}, {1}}, {2}, CaseSession::ResponseSurface);
 
-    EXPECT_NEAR(session.fits()[0].metrics.rmse, 0.0, 1e-9);
+    EXPECT_NEAR(session.fit().outputs[0].metrics.rmse, 0.0, 1e-9);
 }
 
-TEST(CaseSession, WithoutAValidCaseTheErrorSaysWhereTheyWent)
+TEST(Evaluator, WithoutAValidCaseTheErrorSaysWhereTheyWent)
 {
     CaseSession session(lines({0, missing, 2}), lineRoles, {0, 2}, CaseSession::ResponseSurface);
 
@@ -242,7 +173,7 @@ TEST(CaseSession, WithoutAValidCaseTheErrorSaysWhereTheyWent)
     EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
 }
 
-TEST(CaseSession, AGridThatIsTooLargeIsAnErrorOfTheModel)
+TEST(Evaluator, AGridThatIsTooLargeIsAnErrorOfTheModel)
 {
     CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
     session.sweep(0, "0 - 1 : 1000000");
@@ -251,12 +182,12 @@ TEST(CaseSession, AGridThatIsTooLargeIsAnErrorOfTheModel)
     EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
 }
 
-TEST(CaseSession, PredictsInTheOrderOfTheOutputs)
+TEST(Evaluator, PredictsInTheOrderOfTheOutputs)
 {
     CaseSession session(lines({0, 1, 2, 3}), {{0}, {2, 1}}, {}, CaseSession::ResponseSurface);
     const Numbers points = {5.0, missing};
 
-    const std::vector<Numbers> results = session.predict({points.data()}, points.size());
+    const std::vector<Numbers> results = session.predict({points.data()}, points.size()).outputs;
 
     ASSERT_EQ(results.size(), 2u);
     EXPECT_NEAR(results[0][0], 5.0, 1e-9);
@@ -264,17 +195,17 @@ TEST(CaseSession, PredictsInTheOrderOfTheOutputs)
     EXPECT_TRUE(std::isnan(results[0][1]));
 }
 
-TEST(CaseSession, PredictsAtNoPoints)
+TEST(Evaluator, PredictsAtNoPoints)
 {
     CaseSession session(lines({0, 1, 2, 3}), lineRoles, {}, CaseSession::ResponseSurface);
 
-    const std::vector<Numbers> results = session.predict({nullptr}, 0);
+    const std::vector<Numbers> results = session.predict({nullptr}, 0).outputs;
 
     ASSERT_EQ(results.size(), 2u);
     EXPECT_TRUE(results[0].empty());
 }
 
-TEST(CaseSession, WritesTheEquationsWithTheirLegend)
+TEST(Evaluator, WritesTheEquationsWithTheirLegend)
 {
     CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
 
@@ -289,14 +220,14 @@ TEST(CaseSession, WritesTheEquationsWithTheirLegend)
               std::string::npos);
 }
 
-TEST(CaseSession, WarningsNameTheInputs)
+TEST(Evaluator, WarningsNameTheInputs)
 {
     CaseTable table = lines({0, 1, 2, 3, 4, 5});
     table.columns[2].name = "fixed V9";
     table.columns[2].numbers.assign(6, 1.0);
     CaseSession session(std::move(table), {{0, 2}, {1}}, {}, CaseSession::ResponseSurface);
 
-    const std::vector<std::string> warnings = session.fits()[0].warnings;
+    const std::vector<std::string> warnings = session.fit().outputs[0].warnings;
 
     const std::string all = std::accumulate(warnings.begin(), warnings.end(), std::string());
     EXPECT_NE(all.find("\"fixed V9\""), std::string::npos) << all;
@@ -304,11 +235,11 @@ TEST(CaseSession, WarningsNameTheInputs)
     EXPECT_NE(all.find("\"x\" * \"fixed V9\""), std::string::npos) << all;
 }
 
-TEST(CaseSession, MakesACancelledFitWhenItIsNextWanted)
+TEST(Evaluator, MakesACancelledFitWhenItIsNextWanted)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
         const double undisturbed =
-            cell(*CaseSession(cvdCases(), {{0, 1}, {2}}, {}, model).evaluate(), 0, 2);
+            cell(*CaseSession(cvdCases(), {{0, 1}, {2}}, {}, model).evaluate().table, 0, 2);
         CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
         session.fit();
         session.chooseRoles({{0, 1}, {2}});
@@ -318,6 +249,37 @@ TEST(CaseSession, MakesACancelledFitWhenItIsNextWanted)
             EXPECT_THROW(session.evaluate(), SurrogateModelInterface::Error);
         }
 
-        EXPECT_EQ(cell(*session.evaluate(), 0, 2), undisturbed);
+        EXPECT_EQ(cell(*session.evaluate().table, 0, 2), undisturbed);
     }
+}
+
+TEST(Evaluator, ReportsThePointsOutsideTheCases)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
+        session.stayAt(0, "99");
+        EXPECT_EQ(session.evaluate().extrapolation,
+                  "1 of 1 point lies outside the cases: \"Pressure\" is up to 0.25 of its range "
+                  "beyond them. Do not rely on predictions there.");
+
+        session.stayAt(0, "42");
+        EXPECT_EQ(session.evaluate().extrapolation, "");
+
+        const Numbers pressure = {42.0, 99.0};
+        const Numbers ratio = {6.0, 6.0};
+        const PointEvaluation evaluation = session.predict({pressure.data(), ratio.data()}, 2);
+        EXPECT_EQ(evaluation.extrapolation.rfind("1 of 2 points lies outside", 0), 0u);
+    }
+}
+
+TEST(Evaluator, KeepsTheFitUntilAChoiceChangesTheModel)
+{
+    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+    const FitResult* const first = &session.fit();
+    const double seconds = first->seconds;
+    session.sweepEvenly(0, 3);
+    EXPECT_EQ(session.fit().seconds, seconds);
+
+    session.chooseRoles({{0, 1}, {2, 3}});
+    EXPECT_EQ(session.fit().outputs[0].name, "Uniformity");
 }

@@ -1,11 +1,9 @@
-// What a session gives to a project document and takes from one.
+#include "CvdCases.h"
+#include "TemporaryFolder.h"
 
 #include <session/model/CaseSession.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/SessionErrors.h>
-
-#include "CvdCases.h"
-#include "TemporaryFolder.h"
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -17,15 +15,16 @@
 #include <gtest/gtest.h>
 #include <vtkTable.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
-class SessionProject : public ::testing::Test
+class WorkspaceDocument : public ::testing::Test
 {
 protected:
-    SessionProject() { UndoStack().stack().clear(); }
+    WorkspaceDocument() { UndoStack().stack().clear(); }
 
     /** The document needs a file, whose bytes do not matter here. */
     CaseTable table() const
@@ -35,16 +34,30 @@ protected:
         return cases;
     }
 
-    /** A session in which everything has been chosen. */
-    CaseSession chosen() const
+    /** A session in which everything has been chosen, without undo steps. */
+    std::unique_ptr<CaseSession> chosen() const
     {
-        CaseSession session(table(), {{1, 0}, {3, 2}}, {1, 9}, CaseSession::ResponseSurface);
-        session.sweep(1, "4 - 80 : 3, 42");
-        session.stayAt(0, "5");
+        const UndoStack::SuspendUndoRecording unrecorded;
+        const CaseRoles roles = {{1, 0}, {3, 2}};
+        const std::vector<std::size_t> excluded = {1, 9};
+        auto session =
+            std::make_unique<CaseSession>(table(), roles, excluded, CaseSession::ResponseSurface);
+        session->sweep(1, "4 - 80 : 3, 42");
+        session->stayAt(0, "5");
         return session;
     }
 
-    ProjectDocument document() const { return chosen().document(); }
+    ProjectDocument document() const { return chosen()->document(); }
+
+    /** A document with an element of a newer version. */
+    ProjectDocument documentOfNewerVersion() const
+    {
+        const std::string name = "newer.surrogate.xml";
+        document().save(folder.path(name));
+        std::string text = folder.read(name);
+        text.insert(text.find("</SurrogateProject>"), "  <Goals Count=\"2\"/>\n");
+        return ProjectDocument::load(folder.write(name, text));
+    }
 
     static std::string refusalOf(CaseSession& session, const ProjectDocument& document)
     {
@@ -71,7 +84,7 @@ std::vector<std::string> names(const std::vector<VarPtr>& variables)
 using Names = std::vector<std::string>;
 } // namespace
 
-TEST_F(SessionProject, LoadingGivesTheSameChoices)
+TEST_F(WorkspaceDocument, LoadingGivesTheSameChoices)
 {
     const ProjectDocument saved = document();
     CaseSession session(table());
@@ -82,13 +95,14 @@ TEST_F(SessionProject, LoadingGivesTheSameChoices)
     EXPECT_EQ(names(session.outputs()), (Names{"Stress", "Uniformity"}));
     EXPECT_EQ(session.modelType(), CaseSession::ResponseSurface);
     EXPECT_EQ(session.counts().excluded, 2u);
-    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+    EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 3);
     EXPECT_TRUE(session.document() == saved);
 }
 
-TEST_F(SessionProject, ARangeThatWasChosenIsKept)
+TEST_F(WorkspaceDocument, ARangeThatWasChosenIsKept)
 {
-    CaseSession session = chosen();
+    const auto owner = chosen();
+    CaseSession& session = *owner;
     const VarPtr pressure = session.inputs()[1];
     Project::project()->setRange(pressure, {10.0, 20.0});
     const ProjectDocument saved = session.document();
@@ -99,11 +113,12 @@ TEST_F(SessionProject, ARangeThatWasChosenIsKept)
     EXPECT_EQ(pressure.lock()->chosenRange(), std::make_pair(10.0, 20.0));
 }
 
-TEST_F(SessionProject, LoadingReplacesWhatWasChosenBefore)
+TEST_F(WorkspaceDocument, LoadingReplacesWhatWasChosenBefore)
 {
     CaseSession plain(table(), {{0}, {3}}, {}, CaseSession::Kriging);
     const ProjectDocument saved = plain.document();
-    CaseSession session = chosen();
+    const auto owner = chosen();
+    CaseSession& session = *owner;
     Project::project()->setRange(session.inputs()[0], {1.0, 2.0});
 
     session.load(saved);
@@ -111,22 +126,24 @@ TEST_F(SessionProject, LoadingReplacesWhatWasChosenBefore)
     EXPECT_TRUE(session.document() == saved);
 }
 
-TEST_F(SessionProject, LoadingLeavesNoUndoStepUnlessAsked)
+TEST_F(WorkspaceDocument, LoadingLeavesNoUndoStepWhileRecordingIsSuspended)
 {
+    const ProjectDocument saved = document();
     CaseSession session(table());
 
-    session.load(document());
+    const UndoStack::SuspendUndoRecording unrecorded;
+    session.load(saved);
 
     EXPECT_EQ(UndoStack().stack().count(), 0);
 }
 
-TEST_F(SessionProject, LoadingIsOneUndoStepWhenAsked)
+TEST_F(WorkspaceDocument, LoadingIsOneUndoStep)
 {
     const ProjectDocument saved = document();
     CaseSession session(table(), {{0}, {3}}, {4}, CaseSession::Kriging);
     const ProjectDocument before = session.document();
 
-    session.load(saved, CaseSession::OneUndoStep);
+    session.load(saved);
     ASSERT_EQ(UndoStack().stack().count(), 1);
 
     UndoStack().stack().undo();
@@ -135,34 +152,66 @@ TEST_F(SessionProject, LoadingIsOneUndoStepWhenAsked)
 
     UndoStack().stack().redo();
     EXPECT_TRUE(session.document() == saved);
-    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+    EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 3);
 }
 
-TEST_F(SessionProject, LoadingWhatIsThereAlreadyLeavesNoUndoStep)
+TEST_F(WorkspaceDocument, UndoingALoadForgetsWhatTheDocumentContainsBeyondTheChoices)
+{
+    const ProjectDocument newer = documentOfNewerVersion();
+    CaseSession session(table(), {{0}, {3}}, {4}, CaseSession::Kriging);
+    const ProjectDocument before = session.document();
+
+    session.load(newer);
+    EXPECT_TRUE(session.document() == newer);
+
+    UndoStack().stack().undo();
+    EXPECT_TRUE(session.document() == before);
+
+    UndoStack().stack().redo();
+    EXPECT_TRUE(session.document() == newer);
+}
+
+TEST_F(WorkspaceDocument, LoadingOnlyWhatIsKeptBesideTheChoicesIsAnUndoStepToo)
+{
+    const ProjectDocument saved = document();
+    const ProjectDocument newer = documentOfNewerVersion();
+    CaseSession session(table());
+    session.load(saved);
+
+    session.load(newer);
+    ASSERT_EQ(UndoStack().stack().count(), 2);
+
+    UndoStack().stack().undo();
+    EXPECT_TRUE(session.document() == saved);
+}
+
+TEST_F(WorkspaceDocument, LoadingWhatIsThereAlreadyLeavesNoUndoStep)
 {
     const ProjectDocument saved = document();
     CaseSession session(table());
     session.load(saved);
+    UndoStack().stack().clear();
 
-    session.load(saved, CaseSession::OneUndoStep);
+    session.load(saved);
 
     EXPECT_EQ(UndoStack().stack().count(), 0);
 }
 
-TEST_F(SessionProject, AnUndoStepOutlivesTheSessionWithoutEffect)
+TEST_F(WorkspaceDocument, AnUndoStepOutlivesTheWorkspaceWithoutEffect)
 {
     {
         const ProjectDocument saved = document();
         CaseSession session(table());
-        session.load(saved, CaseSession::OneUndoStep);
+        session.load(saved);
     }
 
     EXPECT_NO_THROW(UndoStack().stack().undo());
 }
 
-TEST_F(SessionProject, ADocumentThatDoesNotFitChangesNothing)
+TEST_F(WorkspaceDocument, ADocumentThatDoesNotFitChangesNothing)
 {
-    CaseSession session = chosen();
+    const auto owner = chosen();
+    CaseSession& session = *owner;
     const ProjectDocument before = session.document();
 
     ProjectDocument unknown = before;
@@ -179,7 +228,7 @@ TEST_F(SessionProject, ADocumentThatDoesNotFitChangesNothing)
     EXPECT_TRUE(session.document() == before);
 }
 
-TEST_F(SessionProject, ATextColumnHasNoRole)
+TEST_F(WorkspaceDocument, ATextColumnHasNoRole)
 {
     const ProjectDocument saved = document();
     CaseTable withText = table();
@@ -193,7 +242,7 @@ TEST_F(SessionProject, ATextColumnHasNoRole)
               "be neither an input nor an output.");
 }
 
-TEST_F(SessionProject, CasesFromTheStandardInputMakeNoProject)
+TEST_F(WorkspaceDocument, CasesFromTheStandardInputMakeNoProject)
 {
     CaseTable cases = cvdCases();
     cases.path = "-";
@@ -201,29 +250,30 @@ TEST_F(SessionProject, CasesFromTheStandardInputMakeNoProject)
     EXPECT_THROW(CaseSession(std::move(cases)).document(), UsageError);
 }
 
-TEST_F(SessionProject, ChangedChoicesAreFittedAnew)
+TEST_F(WorkspaceDocument, ChangedChoicesAreFittedAnew)
 {
     CaseSession session(table(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
-    const double r2 = session.fits()[0].metrics.r2;
+    const double r2 = session.fit().outputs[0].metrics.r2;
 
     session.exclude({0});
-    EXPECT_NE(session.fits()[0].metrics.r2, r2);
+    EXPECT_NE(session.fit().outputs[0].metrics.r2, r2);
     EXPECT_EQ(session.counts().valid, 10u);
 
     session.exclude({});
-    EXPECT_EQ(session.fits()[0].metrics.r2, r2);
+    EXPECT_EQ(session.fit().outputs[0].metrics.r2, r2);
 
     session.chooseModel(CaseSession::Kriging);
-    EXPECT_TRUE(session.fits()[0].kriging.has_value());
+    EXPECT_TRUE(session.fit().outputs[0].kriging.has_value());
 
     session.chooseRoles({{1}, {2, 3}});
-    EXPECT_EQ(session.fits().size(), 2u);
-    EXPECT_EQ(session.fits()[0].name, "Uniformity");
+    EXPECT_EQ(session.fit().outputs.size(), 2u);
+    EXPECT_EQ(session.fit().outputs[0].name, "Uniformity");
 }
 
-TEST_F(SessionProject, ASweptVariableThatIsNoInputAnyMoreCanBeSaved)
+TEST_F(WorkspaceDocument, ASweptVariableThatIsNoInputAnyMoreCanBeSaved)
 {
-    CaseSession session = chosen();
+    const auto owner = chosen();
+    CaseSession& session = *owner;
     ASSERT_EQ(session.document().sweeps.size(), 1u);
 
     session.chooseRoles({{1}, {3}});
@@ -232,15 +282,15 @@ TEST_F(SessionProject, ASweptVariableThatIsNoInputAnyMoreCanBeSaved)
     EXPECT_NO_THROW(session.document().save(folder.path("study.surrogate.xml")));
 }
 
-TEST_F(SessionProject, EvenValuesTakeThePlaceOfTypedOnesAndOneValueThatOfBoth)
+TEST_F(WorkspaceDocument, EvenValuesTakeThePlaceOfTypedOnesAndOneValueThatOfBoth)
 {
     CaseSession session(table(), {{0}, {3}}, {}, CaseSession::ResponseSurface);
     session.sweep(0, "4, 80, 42");
-    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 3);
+    EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 3);
 
     session.sweepEvenly(0, 5);
-    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 5);
+    EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 5);
 
     session.stayAt(0, "7");
-    EXPECT_EQ(session.evaluate()->GetNumberOfRows(), 1);
+    EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 1);
 }

@@ -1,0 +1,281 @@
+#include "session/model/Evaluator.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/model/InputSymbols.h"
+#include "session/model/Stopwatch.h"
+#include "session/model/Workspace.h"
+#include "session/text/QuotedText.h"
+
+#include <surrogatemodel/SurfaceCoefficientExporter.h>
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
+
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_signals/SignalConnectionCollection.h>
+
+#include <vtkCommand.h>
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <cmath>
+#include <map>
+#include <set>
+#include <sstream>
+#include <utility>
+
+namespace {
+/** Keeps the filter's errors out of VTK's output window: they are thrown instead. */
+class ErrorSilencer : public vtkCommand
+{
+public:
+    static ErrorSilencer* New() { return new ErrorSilencer; }
+    void Execute(vtkObject*, unsigned long, void*) override {}
+};
+
+/** The models only read their inputs, though through pointers that are not const. */
+std::vector<double*> readOnly(const std::vector<const double*>& columns)
+{
+    std::vector<double*> pointers;
+    pointers.reserve(columns.size());
+    for (const double* const column : columns) {
+        pointers.push_back(const_cast<double*>(column));
+    }
+    return pointers;
+}
+
+/** The first columns of a table, which holds double arrays. */
+std::vector<double*> firstColumns(vtkTable& table, std::size_t count)
+{
+    std::vector<double*> columns;
+    for (std::size_t i = 0; i < count; ++i) {
+        vtkAbstractArray* const column = table.GetColumn(static_cast<vtkIdType>(i));
+        columns.push_back(vtkDoubleArray::SafeDownCast(column)->GetPointer(0));
+    }
+    return columns;
+}
+
+} // namespace
+
+class Evaluator::Impl
+{
+public:
+    explicit Impl(const Workspace& workspace) : workspace(workspace)
+    {
+        connections.add(
+            workspace.manager()->connectSignalModelChanged([this] { model = nullptr; }));
+    }
+
+    std::set<VarPtr> dependents() const
+    {
+        return {workspace.outputs().begin(), workspace.outputs().end()};
+    }
+
+    SurrogateModelInterface& fittedModel()
+    {
+        if (model == nullptr || fittedOutputs != workspace.outputs()) {
+            const Stopwatch watch;
+            SurrogateModelInterface& fitted = workspace.manager()->model(dependents());
+            const std::vector<int>& offsets = workspace.outputOffsets();
+            fitted.activateDependentVariables({offsets.begin(), offsets.end()});
+            model = &fitted;
+            fittedOutputs = workspace.outputs();
+            result.reset();
+            fitSeconds = watch.seconds();
+        }
+        return *model;
+    }
+
+    /** Adds what comes with the values at these points. The model is fitted. */
+    void describe(const std::vector<double*>& points, std::size_t count,
+                  const std::optional<double>& percent, Evaluation& evaluation) const
+    {
+        evaluation.extrapolation = checkExtrapolation(points, count);
+        if (percent) {
+            addIntervals(points, count, *percent / 100.0, evaluation);
+        }
+    }
+
+    const Workspace& workspace;
+    SurrogateModelInterface* model = nullptr;
+    std::vector<VarPtr> fittedOutputs;
+    std::optional<FitResult> result;
+    double fitSeconds = 0.0;
+
+private:
+    std::string checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
+    {
+        const auto* const cases = dynamic_cast<const PredictiveModel*>(model);
+        return cases == nullptr ? std::string()
+                                : withInputNames(cases->extrapolationWarning(points, count),
+                                                 namesOf(workspace.inputs()));
+    }
+
+    void addIntervals(const std::vector<double*>& points, std::size_t count, double level,
+                      Evaluation& evaluation) const
+    {
+        const auto* const fitted = dynamic_cast<const FittedModel*>(model);
+        for (std::size_t i = 0; i < workspace.outputs().size(); ++i) {
+            try {
+                if (fitted == nullptr) {
+                    throw SurrogateModelInterface::Error("The model has no prediction intervals.");
+                }
+                evaluation.intervals.push_back(fitted->predictionIntervals(
+                    points, workspace.outputOffsets()[i], level, count));
+            } catch (const SurrogateModelInterface::Error& error) {
+                const std::vector<double> none(count, std::nan(""));
+                evaluation.intervals.push_back({none, none});
+                evaluation.intervalFaults.push_back(
+                    "The limits of " + quotedText(workspace.outputs()[i].lock()->name()) +
+                    " are empty. " + error.what());
+            }
+        }
+    }
+
+    SignalConnectionCollection connections;
+};
+
+Evaluator::Evaluator(const Workspace& workspace) : impl(std::make_unique<Impl>(workspace)) {}
+
+Evaluator::~Evaluator() = default;
+
+SurrogateModelInterface& Evaluator::model()
+{
+    try {
+        return impl->fittedModel();
+    } catch (const SurrogateModelInterface::Error& error) {
+        const CaseCounts& counts = impl->workspace.counts();
+        if (counts.valid > 0) {
+            throw;
+        }
+        throw SurrogateModelInterface::Error(
+            std::string(error.what()) + " Cases: " + std::to_string(counts.read) + " read, " +
+            std::to_string(counts.excluded) + " excluded, " + std::to_string(counts.invalid) +
+            " with missing or infinite values.");
+    }
+}
+
+const FitResult& Evaluator::fit()
+{
+    const SurrogateModelInterface& fitted = model();
+    if (impl->result) {
+        return *impl->result;
+    }
+    const auto* const metrics = dynamic_cast<const PredictiveModel*>(&fitted);
+    const auto* const kriging = dynamic_cast<const KrigingSurrogateModel*>(&fitted);
+    const std::vector<std::string> inputNames = namesOf(impl->workspace.inputs());
+    const std::vector<std::size_t> cases =
+        kriging == nullptr ? std::vector<std::size_t>() : impl->workspace.validCases();
+
+    FitResult result;
+    result.seconds = impl->fitSeconds;
+    for (std::size_t i = 0; i < impl->workspace.outputs().size(); ++i) {
+        const int offset = impl->workspace.outputOffsets()[i];
+        OutputFit& output = result.outputs.emplace_back();
+        output.name = impl->workspace.outputs()[i].lock()->name();
+        if (metrics != nullptr) {
+            output.metrics = metrics->fitMetrics(offset);
+            for (const std::string& warning : metrics->fitWarnings(offset)) {
+                output.warnings.push_back(withInputNames(warning, inputNames));
+            }
+        }
+        if (kriging != nullptr) {
+            output.kriging = kriging->krigingReport(offset);
+            for (KrigingReport::LeftOutCase& worst : output.kriging->worstCases) {
+                worst.row = cases.at(worst.row);
+            }
+        }
+    }
+    impl->result = std::move(result);
+    return *impl->result;
+}
+
+std::vector<ResponseSurfaceStatistics> Evaluator::statistics()
+{
+    const auto* const fitted = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model());
+    std::vector<ResponseSurfaceStatistics> results;
+    if (fitted == nullptr) {
+        return results;
+    }
+    const std::vector<std::size_t> cases = impl->workspace.validCases();
+    for (const int offset : impl->workspace.outputOffsets()) {
+        results.push_back(fitted->responseSurfaceStatistics(offset));
+        for (CaseLeverage& one : results.back().largestLeverages) {
+            one.row = cases.at(one.row);
+        }
+    }
+    return results;
+}
+
+GridEvaluation Evaluator::evaluate(const std::optional<double>& percent)
+{
+    model();
+    const auto filter =
+        SurrogateModelQueryToTable::New(impl->workspace.manager(), impl->workspace.interpolation());
+    const auto errorSilencer = vtkSmartPointer<ErrorSilencer>::Take(ErrorSilencer::New());
+    filter->AddObserver("ErrorEvent", errorSilencer);
+
+    GridEvaluation evaluation;
+    const Stopwatch watch;
+    filter->Update();
+    evaluation.seconds = watch.seconds();
+    const std::string error = filter->getLastError();
+    if (!error.empty()) {
+        throw SurrogateModelInterface::Error(error);
+    }
+
+    // The filter has the outputs in the order of their creation.
+    evaluation.table = vtkSmartPointer<vtkTable>::New();
+    for (const auto* variables : {&impl->workspace.inputs(), &impl->workspace.outputs()}) {
+        for (const VarPtr& variable : *variables) {
+            evaluation.table->AddColumn(
+                filter->GetOutput()->GetColumnByName(variable.lock()->name().c_str()));
+        }
+    }
+    impl->describe(firstColumns(*evaluation.table, impl->workspace.inputs().size()),
+                   static_cast<std::size_t>(evaluation.table->GetNumberOfRows()), percent,
+                   evaluation);
+    return evaluation;
+}
+
+PointEvaluation Evaluator::predict(const std::vector<const double*>& points, std::size_t count,
+                                   const std::optional<double>& percent)
+{
+    const SurrogateModelInterface& fitted = model();
+    const std::vector<double*> inputs = readOnly(points);
+    const std::vector<int>& offsets = impl->workspace.outputOffsets();
+    PointEvaluation evaluation;
+    const Stopwatch watch;
+    evaluation.outputs.assign(offsets.size(), std::vector<double>(count));
+    // The model writes its outputs in the order of their offsets.
+    std::map<int, double*> byOffset;
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        byOffset[offsets[i]] = evaluation.outputs[i].data();
+    }
+    std::vector<double*> outputs;
+    for (const auto& [offset, column] : byOffset) {
+        outputs.push_back(column);
+    }
+    fitted.interpolateDependentValues(inputs, {offsets.begin(), offsets.end()}, outputs, count);
+    evaluation.seconds = watch.seconds();
+    impl->describe(inputs, count, percent, evaluation);
+    return evaluation;
+}
+
+std::string Evaluator::equationText()
+{
+    model();
+    std::ostringstream text;
+    const std::set<VarPtr> dependents = impl->dependents();
+    SurfaceCoefficientExporter(*impl->workspace.manager(), dependents, text).exportData();
+    return text.str();
+}
+
+std::vector<std::string> Evaluator::equations()
+{
+    const SurrogateModelInterface& fitted = model();
+    std::vector<std::string> texts;
+    for (const int offset : impl->workspace.outputOffsets()) {
+        texts.push_back(fitted.surfaceCoefficientInformation(offset));
+    }
+    return texts;
+}

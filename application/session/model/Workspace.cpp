@@ -1,0 +1,330 @@
+#include "session/model/Workspace.h"
+
+#include "session/files/FileFingerprint.h"
+#include "session/model/SessionState.h"
+#include "session/project/ProjectDocument.h"
+#include "session/text/SessionErrors.h"
+
+#include <surrogatemodel/SurrogateModelManager.h>
+#include <surrogatemodel/SurrogateModelUserDist.h>
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_analyzercommon/DeleteSignaler.h>
+#include <mirel_analyzercommon/GenericUndoCommand.h>
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_datamanagement/Project.h>
+#include <mirel_modelexport/ModelExport.h>
+#include <mirel_signals/SignalConnectionCollection.h>
+
+#include <optional>
+#include <utility>
+
+namespace {
+using Collection = SurrogateModelUserDistCollection;
+
+/** The values of a text; the message names the variable and, in one sentence, the fault. */
+std::vector<double> valuesOf(const std::string& text, const std::string& name)
+{
+    SurrogateModelUserDist distribution(text);
+    std::vector<double> values;
+    distribution.get(values);
+    if (!distribution.isValid()) {
+        std::string fault = distribution.errorString();
+        fault.replace(fault.find('\n'), 1, ": ");
+        throw DistributionTextError("The text \"" + text + "\" for \"" + name +
+                                    "\" cannot be read. " + fault +
+                                    ". Write numbers and ranges like 4 - 80 : 20, 42.");
+    }
+    return values;
+}
+
+/** A column without cases for each variable of an exported model, inputs first. */
+CaseTable emptyTable(const ExportedModel& model)
+{
+    CaseTable table;
+    for (const ExportedModel::Input& input : model.inputs) {
+        table.columns.emplace_back().name = input.name;
+    }
+    for (const ExportedModel::Output& output : model.outputs) {
+        table.columns.emplace_back().name = output.name;
+    }
+    return table;
+}
+
+CaseRoles rolesOf(const ExportedModel& model)
+{
+    CaseRoles roles;
+    for (std::size_t i = 0; i < model.inputs.size(); ++i) {
+        roles.inputs.push_back(i);
+    }
+    for (std::size_t i = 0; i < model.outputs.size(); ++i) {
+        roles.outputs.push_back(model.inputs.size() + i);
+    }
+    return roles;
+}
+} // namespace
+
+class Workspace::Impl
+{
+public:
+    explicit Impl(CaseTable& table,
+                  const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
+        : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
+          state(table, model)
+    {
+        connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
+        connections.add(state.manager->independentVars()->connectSignalChanged(
+            [this](const std::vector<VarPtr>& variables) {
+                inputs = variables;
+                forgetCases();
+            }));
+        connections.add(state.interpolation->connectSignalInterpolationVariablesChanged(
+            [this] { forgetCases(); }));
+    }
+
+    void restore(const SessionSettings& settings, const ProjectDocument& document)
+    {
+        state.setSettings(settings);
+        loaded = document;
+    }
+
+    std::string path;
+    char separator;
+    bool hasDecimalComma;
+    SessionState state;
+    std::vector<VarPtr> inputs;
+    std::optional<CaseCounts> knownCounts;
+    std::optional<std::vector<int>> knownOffsets;
+    ProjectDocument loaded;
+    std::string exportedReport;
+    DeleteSignaler deleted; ///< makes the undo steps that act on this object inert
+    SignalConnectionCollection connections;
+
+private:
+    void forgetCases()
+    {
+        knownCounts.reset();
+        knownOffsets.reset();
+    }
+};
+
+Workspace::Workspace(CaseTable table)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    impl = std::make_unique<Impl>(table);
+}
+
+Workspace::Workspace(CaseTable table, const CaseRoles& roles,
+                     const std::vector<std::size_t>& excluded, ModelType type)
+    : Workspace(std::move(table))
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    chooseRoles(roles);
+    exclude(excluded);
+    chooseModel(type);
+}
+
+Workspace::Workspace(const ExportedModel& model)
+{
+    const UndoStack::SuspendUndoRecording unrecorded;
+    CaseTable table = emptyTable(model);
+    impl = std::make_unique<Impl>(table, model.predictor());
+    impl->exportedReport = model.report;
+    const std::vector<VarPtr> variables = impl->state.project->variables();
+    for (std::size_t k = 0; k < model.inputs.size(); ++k) {
+        impl->state.project->setRange(variables[k],
+                                      {model.inputs[k].minimum, model.inputs[k].maximum});
+    }
+    // After the ranges, whose lower ends become the evaluation point.
+    chooseRoles(rolesOf(model));
+    chooseModel(model.isKriging() ? Kriging : ResponseSurface);
+}
+
+Workspace::~Workspace()
+{
+    if (Project::project() == impl->state.project) {
+        Project::setProject(nullptr);
+    }
+}
+
+const Project& Workspace::project() const
+{
+    return *impl->state.project;
+}
+
+boost::shared_ptr<const SurrogateModelManagerInterface> Workspace::manager() const
+{
+    return impl->state.manager;
+}
+
+boost::shared_ptr<const SweepInterpolationVariables> Workspace::interpolation() const
+{
+    return impl->state.interpolation;
+}
+
+const SurrogateModelFactory& Workspace::modelFactory() const
+{
+    return *impl->state.factory;
+}
+
+const std::vector<VarPtr>& Workspace::inputs() const
+{
+    return impl->inputs;
+}
+
+const std::vector<VarPtr>& Workspace::outputs() const
+{
+    return impl->state.interpolation->outputs();
+}
+
+const std::vector<int>& Workspace::outputOffsets() const
+{
+    if (!impl->knownOffsets) {
+        std::vector<int> offsets;
+        for (const VarPtr& output : outputs()) {
+            offsets.push_back(static_cast<int>(
+                impl->state.manager->offsetForVariableName(output.lock()->name())));
+        }
+        impl->knownOffsets = std::move(offsets);
+    }
+    return *impl->knownOffsets;
+}
+
+const CaseCounts& Workspace::counts() const
+{
+    if (!impl->knownCounts) {
+        impl->knownCounts =
+            countCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
+    }
+    return *impl->knownCounts;
+}
+
+std::vector<std::size_t> Workspace::validCases() const
+{
+    return ::validCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
+}
+
+void Workspace::chooseRoles(const CaseRoles& roles)
+{
+    impl->state.chooseRoles(roles);
+}
+
+void Workspace::exclude(const std::vector<std::size_t>& excluded)
+{
+    impl->state.exclude(excluded);
+}
+
+void Workspace::chooseModel(ModelType type)
+{
+    impl->state.manager->type()->set(type);
+}
+
+Workspace::ModelType Workspace::modelType() const
+{
+    return impl->state.manager->type()->get();
+}
+
+void Workspace::chooseResponseSurface(const ResponseSurfaceOptions& options)
+{
+    impl->state.factory->responseSurface()->set(options);
+}
+
+ResponseSurfaceOptions Workspace::responseSurface() const
+{
+    return impl->state.factory->responseSurface()->get();
+}
+
+void Workspace::load(const ProjectDocument& document)
+{
+    const SessionSettings before = impl->state.settings();
+    const ProjectDocument loadedBefore = impl->loaded;
+    {
+        const UndoStack::SuspendUndoRecording asOneStep;
+        impl->state.load(document);
+    }
+    impl->loaded = document;
+    const SessionSettings after = impl->state.settings();
+    if (after == before && document == loadedBefore) {
+        return;
+    }
+    Impl* const target = impl.get();
+    UndoStack().push(new GenericUndoCommand(
+        [target, after, document] { target->restore(after, document); },
+        [target, before, loadedBefore] { target->restore(before, loadedBefore); }, &impl->deleted,
+        "Load Project", -1));
+}
+
+ProjectDocument Workspace::document() const
+{
+    if (impl->path == "-") {
+        throw UsageError("A project cannot find cases again that came from the standard input; "
+                         "put them into a file.");
+    }
+    ProjectDocument document = impl->loaded;
+    impl->state.save(document);
+    document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->separator,
+                         impl->hasDecimalComma};
+    return document;
+}
+
+void Workspace::sweep(std::size_t input, const std::string& text)
+{
+    const VarPtr variable = impl->inputs.at(input);
+    const std::string name = variable.lock()->name();
+    valuesOf(text, name);
+
+    Collection distributions = impl->state.userDistributions->get();
+    distributions.setUserDistString(name, text);
+    distributions.setMode(name, Collection::UserDefined);
+    impl->state.userDistributions->set(distributions);
+    // The typed values take precedence; any count marks the input as swept.
+    impl->state.interpolation->sweep(variable, 2);
+}
+
+void Workspace::sweepEvenly(std::size_t input, std::size_t count)
+{
+    const VarPtr variable = impl->inputs.at(input);
+    const std::string name = variable.lock()->name();
+    if (count < 2 || count > ProjectDocument::maxSweptValues) {
+        throw UsageError("\"" + name + "\" can be swept evenly over 2 to " +
+                         std::to_string(ProjectDocument::maxSweptValues) + " values, not " +
+                         std::to_string(count) + '.');
+    }
+    Collection distributions = impl->state.userDistributions->get();
+    if (distributions.getMode(name) == Collection::UserDefined) {
+        distributions.setMode(name, Collection::Auto);
+        impl->state.userDistributions->set(distributions);
+    }
+    impl->state.interpolation->sweep(variable, count);
+}
+
+void Workspace::stayAt(std::size_t input, const std::string& text)
+{
+    const VarPtr variable = impl->inputs.at(input);
+    const std::string name = variable.lock()->name();
+    if (valuesOf(text, name).size() != 1) {
+        throw DistributionTextError("The text \"" + text + "\" for \"" + name +
+                                    "\" has several values where one is wanted.");
+    }
+    Collection point = impl->state.manager->evaluationPoint()->get();
+    point.setUserDistString(name, text);
+    impl->state.manager->evaluationPoint()->set(point);
+    impl->state.interpolation->stayAtEvaluationPoint(variable);
+}
+
+std::vector<std::size_t> Workspace::sweptInputs() const
+{
+    const auto& sweeps = impl->state.interpolation->sweeps();
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < impl->inputs.size(); ++i) {
+        if (sweeps.count(impl->inputs[i]) > 0) {
+            positions.push_back(i);
+        }
+    }
+    return positions;
+}
+
+const std::string& Workspace::exportedReport() const
+{
+    return impl->exportedReport;
+}

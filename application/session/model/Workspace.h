@@ -1,0 +1,136 @@
+#pragma once
+
+#include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <session/cases/CaseCounts.h>
+#include <session/cases/CaseRoles.h>
+#include <session/cases/CaseTable.h>
+#include <session/model/SweepInterpolationVariables.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
+#include <mirel_datamanagement/Variable.h>
+
+#include <surrogate_session/Export.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+class Project;
+class ProjectDocument;
+class SurrogateModelFactory;
+struct ExportedModel;
+
+/**
+ * The cases of one table and all that is chosen about them: roles, exclusions, the model and its
+ * terms, the values at which it is evaluated. Its project is the open one, so that one workspace
+ * lives at a time.
+ *
+ * Inputs and outputs are addressed by their position in the roles. project(), manager() and
+ * interpolation() report the changes. The undo stack records a loaded document as one step, and
+ * each change of the model's settings (type, terms, inputs, evaluation point), unless the caller
+ * suspends recording; it records no other changes.
+ */
+class SURROGATE_SESSION_EXPORT Workspace
+{
+public:
+    using ModelType = SurrogateModelManagerInterface::ModelType;
+    static constexpr ModelType Kriging = SurrogateModelManagerInterface::Kriging;
+    static constexpr ModelType ResponseSurface = SurrogateModelManagerInterface::ResponseSurface;
+
+    /**
+     * All cases included, without roles, for a response surface of all terms. Opening is no step
+     * on the undo stack.
+     * @param table moved in: the columns are not copied.
+     * @throw CaseDataError for a name that a project cannot carry.
+     */
+    explicit Workspace(CaseTable table);
+
+    /** The same with choices made. @param excluded positions of cases, from 0, ascending. */
+    Workspace(CaseTable table, const CaseRoles& roles, const std::vector<std::size_t>& excluded,
+              ModelType type);
+
+    /**
+     * A finished model without cases. The inputs have the ranges of the export, and stay at their
+     * minima.
+     * @throw SurrogateModelInterface::Error if the model cannot be used.
+     */
+    explicit Workspace(const ExportedModel& model);
+
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+
+    /** Closes the project. */
+    ~Workspace();
+
+    const Project& project() const;
+    boost::shared_ptr<const SurrogateModelManagerInterface> manager() const;
+    boost::shared_ptr<const SweepInterpolationVariables> interpolation() const;
+
+    /** Makes the models of the manager. */
+    const SurrogateModelFactory& modelFactory() const;
+
+    /** In the order of the roles. */
+    const std::vector<VarPtr>& inputs() const;
+    const std::vector<VarPtr>& outputs() const;
+
+    /** What the models call the outputs. Valid until the roles change. */
+    const std::vector<int>& outputOffsets() const;
+
+    /** Valid until the cases or their roles change. */
+    const CaseCounts& counts() const;
+
+    /** The positions of the valid cases, ascending: what a model calls its rows. */
+    std::vector<std::size_t> validCases() const;
+
+    /** The columns at these positions become inputs and outputs, all others neither. */
+    void chooseRoles(const CaseRoles& roles);
+
+    /** Excludes these cases, by their positions from 0, ascending, and includes all others. */
+    void exclude(const std::vector<std::size_t>& excluded);
+
+    void chooseModel(ModelType type);
+    ModelType modelType() const;
+
+    /** The terms of response surfaces; kept without effect while the model is Kriging. */
+    void chooseResponseSurface(const ResponseSurfaceOptions& options);
+    ResponseSurfaceOptions responseSurface() const;
+
+    /**
+     * Replaces the choices by those of a document, all or none: after a failure everything is as
+     * before. The library reports a distribution text that cannot be read, and leaves it out.
+     * @throw ProjectDocumentError if the document does not fit the cases.
+     */
+    void load(const ProjectDocument& document);
+
+    /**
+     * The choices as a document, with what the document loaded last contains beyond them.
+     * @throw FileError if the case file cannot be read any more; UsageError if the cases came from
+     *        the standard input.
+     */
+    ProjectDocument document() const;
+
+    /** Sweeps an input over the values of a distribution text. @throw DistributionTextError */
+    void sweep(std::size_t input, const std::string& text);
+
+    /** Sweeps an input evenly over its range.
+     *  @param count from 2 to ProjectDocument::maxSweptValues, else UsageError. */
+    void sweepEvenly(std::size_t input, std::size_t count);
+
+    /** Moves the evaluation point, which is each input's minimum at first.
+     *  @throw DistributionTextError unless the text is one number. */
+    void stayAt(std::size_t input, const std::string& text);
+
+    /** The inputs that are swept, by their positions in the roles, ascending. */
+    std::vector<std::size_t> sweptInputs() const;
+
+    /** The report of an exported model, a JSON object; empty for cases. */
+    const std::string& exportedReport() const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};

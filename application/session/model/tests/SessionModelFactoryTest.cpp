@@ -1,0 +1,82 @@
+#include <session/model/SessionModelFactory.h>
+
+#include <mirel_fitting/KrigingSurrogateModel.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+using ModelType = SurrogateModelFactory::ModelType;
+
+class SessionModelFactoryTest : public ::testing::Test
+{
+protected:
+    boost::shared_ptr<SurrogateModelInterface> make(ModelType type)
+    {
+        return factory.makeModel(type, {x.data()}, {y.data()}, static_cast<int>(x.size()));
+    }
+
+    std::size_t termsOf(const SurrogateModelInterface& model) const
+    {
+        return dynamic_cast<const PredictiveModel&>(model).fitMetrics(0).terms;
+    }
+
+    SessionModelFactory factory;
+    std::vector<double> x = {0, 1, 2, 3, 4, 5};
+    std::vector<double> y = {0, 2, 3, 7, 8, 9};
+};
+} // namespace
+
+TEST_F(SessionModelFactoryTest, MakesResponseSurfacesWithTheChosenTerms)
+{
+    EXPECT_EQ(termsOf(*make(SurrogateModelManagerInterface::ResponseSurface)), 3u);
+
+    factory.responseSurface()->set(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+
+    EXPECT_EQ(termsOf(*make(SurrogateModelManagerInterface::ResponseSurface)), 2u);
+}
+
+TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibrary)
+{
+    EXPECT_NE(
+        dynamic_cast<KrigingSurrogateModel*>(make(SurrogateModelManagerInterface::Kriging).get()),
+        nullptr);
+    EXPECT_TRUE(factory.needsCases());
+}
+
+TEST_F(SessionModelFactoryTest, ReportsChangedTermsForResponseSurfacesAlone)
+{
+    std::vector<ModelType> changed;
+    factory.connectSignalChanged([&](ModelType type) { changed.push_back(type); });
+
+    factory.responseSurface()->set(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+    factory.responseSurface()->set(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+
+    EXPECT_EQ(changed, (std::vector<ModelType>{SurrogateModelManagerInterface::ResponseSurface}));
+}
+
+TEST_F(SessionModelFactoryTest, HandsOutAFinishedModelWhateverIsAskedFor)
+{
+    const auto finished = make(SurrogateModelManagerInterface::ResponseSurface);
+    const SessionModelFactory restoring(finished);
+
+    EXPECT_FALSE(restoring.needsCases());
+    EXPECT_EQ(restoring.makeModel(SurrogateModelManagerInterface::Kriging, {}, {}, 0), finished);
+}
+
+TEST_F(SessionModelFactoryTest, ItsTermsMayOutliveIt)
+{
+    boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> terms;
+    {
+        const SessionModelFactory other;
+        terms = other.responseSurface();
+    }
+
+    terms->set({PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+
+    EXPECT_EQ(terms->get().terms, PolynomialTerms::Linear);
+}

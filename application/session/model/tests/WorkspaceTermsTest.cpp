@@ -1,0 +1,249 @@
+// The choice of terms on its way from a workspace to the models, and into project documents.
+
+#include "CvdCases.h"
+#include "TemporaryFolder.h"
+
+#include <session/model/CaseSession.h>
+#include <session/project/ProjectDocument.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+
+#include <QUndoStack>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+using Texts = std::vector<std::string>;
+
+const Texts none;
+// By the same criterion as R's step() with an AICc that has one parameter more, for the variance.
+const Texts squares = {"V1^2", "V2^2"};
+
+const ResponseSurfaceOptions selected = {PolynomialTerms::Quadratic,
+                                         ResponseSurfaceOptions::Selection::BackwardAicc};
+const ResponseSurfaceOptions linear = {PolynomialTerms::Linear,
+                                       ResponseSurfaceOptions::Selection::All};
+
+Texts droppedBy(CaseSession& session)
+{
+    return session.statistics()[0].droppedTerms;
+}
+
+class WorkspaceTerms : public ::testing::Test
+{
+protected:
+    WorkspaceTerms() { UndoStack().stack().clear(); }
+
+    CaseSession session(CaseSession::ModelType model = CaseSession::ResponseSurface) const
+    {
+        CaseTable cases = cvdCases();
+        cases.path = folder.write("cvd.csv", "cases");
+        return CaseSession(std::move(cases), {{0, 1}, {2}}, {}, model);
+    }
+
+    ProjectDocument selecting() const
+    {
+        const UndoStack::SuspendUndoRecording unrecorded;
+        CaseSession chosen = session();
+        chosen.chooseResponseSurface(selected);
+        return chosen.document();
+    }
+
+    TemporaryFolder folder;
+};
+} // namespace
+
+TEST_F(WorkspaceTerms, IsAllTermsAtFirst)
+{
+    CaseSession chosen = session();
+
+    EXPECT_TRUE(chosen.responseSurface() == ResponseSurfaceOptions());
+    EXPECT_EQ(droppedBy(chosen), none);
+}
+
+TEST_F(WorkspaceTerms, FitsAnewWheneverItChanges)
+{
+    CaseSession chosen = session();
+    chosen.fit();
+
+    chosen.chooseResponseSurface(selected);
+    EXPECT_EQ(droppedBy(chosen), squares);
+
+    chosen.chooseResponseSurface(ResponseSurfaceOptions());
+    EXPECT_EQ(droppedBy(chosen), none);
+}
+
+TEST_F(WorkspaceTerms, KeepsTheModelWhenItStaysTheSame)
+{
+    CaseSession chosen = session();
+    chosen.chooseResponseSurface(selected);
+    const SurrogateModelInterface* const model = &chosen.model();
+
+    chosen.chooseResponseSurface(selected);
+
+    EXPECT_EQ(&chosen.model(), model);
+}
+
+TEST_F(WorkspaceTerms, KeepsAKrigingModelAndCountsForTheNextResponseSurface)
+{
+    CaseSession chosen = session(CaseSession::Kriging);
+    const SurrogateModelInterface* const model = &chosen.model();
+
+    chosen.chooseResponseSurface(selected);
+    EXPECT_EQ(&chosen.model(), model);
+
+    chosen.chooseModel(CaseSession::ResponseSurface);
+    EXPECT_EQ(droppedBy(chosen), squares);
+}
+
+TEST_F(WorkspaceTerms, HoldsForTheGridAndTheEquation)
+{
+    CaseSession whole = session();
+    const std::string before = whole.equationText();
+    EXPECT_NE(before.find("V1^2"), std::string::npos) << before;
+
+    whole.chooseResponseSurface(selected);
+
+    const std::string after = whole.equationText();
+    EXPECT_EQ(after.find("V1^2"), std::string::npos) << after;
+    EXPECT_NE(after.find("V1 * V2"), std::string::npos) << after;
+}
+
+TEST_F(WorkspaceTerms, IsAnUndoStepUnlessRecordingIsSuspended)
+{
+    UndoStack().stack().clear();
+    CaseSession chosen = session();
+    {
+        const UndoStack::SuspendUndoRecording unrecorded;
+        chosen.chooseResponseSurface(linear);
+    }
+    EXPECT_EQ(UndoStack().stack().count(), 0);
+
+    chosen.chooseResponseSurface(selected);
+    EXPECT_EQ(droppedBy(chosen), squares);
+    EXPECT_EQ(UndoStack().stack().undoText(), "Change Surrogate Model Terms");
+
+    UndoStack().stack().undo();
+    EXPECT_EQ(droppedBy(chosen), none);
+    EXPECT_TRUE(chosen.responseSurface() == linear);
+}
+
+TEST_F(WorkspaceTerms, IsThePolynomialToo)
+{
+    CaseSession chosen = session();
+    chosen.fit();
+
+    chosen.chooseResponseSurface(
+        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All});
+    EXPECT_EQ(chosen.fit().outputs[0].metrics.terms, 4u);
+    EXPECT_EQ(chosen.equationText().find("^2"), std::string::npos);
+
+    chosen.chooseResponseSurface(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc});
+    EXPECT_EQ(droppedBy(chosen), Texts{"V2"});
+}
+
+TEST_F(WorkspaceTerms, ComesBackFromADocument)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    const ProjectDocument saved = selecting();
+    saved.save(path);
+    CaseSession loaded = session();
+
+    loaded.load(ProjectDocument::load(path));
+
+    EXPECT_TRUE(loaded.responseSurface() == selected);
+    EXPECT_EQ(droppedBy(loaded), squares);
+    EXPECT_TRUE(loaded.document() == saved);
+}
+
+TEST_F(WorkspaceTerms, IsAnElementThatIsThereOnlyWhenTermsAreSelected)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    const std::string element = "  <TermSelection Method=\"BackwardAicc\"/>\n</SurrogateProject>\n";
+
+    selecting().save(path);
+    EXPECT_NE(folder.read("p.surrogate.xml").find(element), std::string::npos);
+
+    session().document().save(path);
+    EXPECT_EQ(folder.read("p.surrogate.xml").find("TermSelection"), std::string::npos);
+}
+
+TEST_F(WorkspaceTerms, IsTakenBackByADocumentWithoutIt)
+{
+    const ProjectDocument without = session().document();
+    CaseSession chosen = session();
+    chosen.chooseResponseSurface(selected);
+    chosen.fit();
+
+    chosen.load(without);
+
+    EXPECT_TRUE(chosen.responseSurface() == ResponseSurfaceOptions());
+    EXPECT_EQ(droppedBy(chosen), none);
+}
+
+TEST_F(WorkspaceTerms, IsPartOfTheUndoStepOfLoading)
+{
+    const ProjectDocument document = selecting();
+    CaseSession chosen = session();
+
+    chosen.load(document);
+    ASSERT_EQ(UndoStack().stack().count(), 1);
+    EXPECT_EQ(droppedBy(chosen), squares);
+
+    UndoStack().stack().undo();
+    EXPECT_EQ(droppedBy(chosen), none);
+
+    UndoStack().stack().redo();
+    EXPECT_EQ(droppedBy(chosen), squares);
+}
+
+TEST_F(WorkspaceTerms, UnknownTermsOfAPolynomialAreRefused)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    CaseSession chosen = session();
+    chosen.chooseResponseSurface(linear);
+    chosen.document().save(path);
+    std::string text = folder.read("p.surrogate.xml");
+    text.replace(text.find("\"Linear\""), 8, "\"Cubic\"");
+    folder.write("p.surrogate.xml", text);
+
+    try {
+        ProjectDocument::load(path);
+        FAIL();
+    } catch (const ProjectDocumentError& error) {
+        EXPECT_NE(std::string(error.what())
+                      .find("the attribute \"Terms\" of the element \"Polynomial\" must be "
+                            "\"Linear\", \"Interactions\" or \"Quadratic\", not \"Cubic\"."),
+                  std::string::npos)
+            << error.what();
+    }
+}
+
+TEST_F(WorkspaceTerms, ThePolynomialComesBackFromADocument)
+{
+    const std::string path = folder.path("p.surrogate.xml");
+    const ProjectDocument quadratic = session().document();
+    ProjectDocument saved;
+    {
+        CaseSession chosen = session();
+        chosen.chooseResponseSurface(linear);
+        saved = chosen.document();
+    }
+    saved.save(path);
+    EXPECT_NE(folder.read("p.surrogate.xml").find("  <Polynomial Terms=\"Linear\"/>\n"),
+              std::string::npos);
+
+    CaseSession loaded = session();
+    loaded.load(ProjectDocument::load(path));
+
+    EXPECT_TRUE(loaded.responseSurface() == linear);
+    EXPECT_TRUE(loaded.document() == saved);
+    loaded.load(quadratic);
+    EXPECT_TRUE(loaded.responseSurface() == ResponseSurfaceOptions());
+}

@@ -1,0 +1,137 @@
+#include <session/model/Workspace.h>
+
+#include "CvdCases.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
+
+#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_datamanagement/Project.h>
+
+#include <QUndoStack>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+/** Inputs Pressure and H2/WF6, outputs Stress and Uniformity: not the order of the table. */
+const CaseRoles cvdRoles = {{0, 1}, {3, 2}};
+
+template <class Exception, class Action>
+std::string messageOf(Action action)
+{
+    try {
+        action();
+    } catch (const Exception& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(Workspace, OpensAProjectWithTheRolesAsNatures)
+{
+    const Workspace workspace(cvdCases(), {{1}, {3}}, {}, Workspace::ResponseSurface);
+
+    const std::vector<VarPtr> variables = Project::project()->variables();
+    ASSERT_EQ(variables.size(), 4u);
+    EXPECT_EQ(variables[0].lock()->nature(), Variable::Unassigned);
+    EXPECT_EQ(variables[1].lock()->nature(), Variable::Independent);
+    EXPECT_EQ(variables[3].lock()->nature(), Variable::Dependent);
+    EXPECT_EQ(workspace.manager()->independentVars()->get(), workspace.inputs());
+}
+
+TEST(Workspace, ClosesItsProjectAtTheEnd)
+{
+    {
+        const Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
+    }
+
+    EXPECT_TRUE(Project::project()->variables().empty());
+}
+
+TEST(Workspace, StartsWithAResponseSurfaceOfAllTerms)
+{
+    const Workspace workspace(cvdCases());
+
+    EXPECT_EQ(workspace.modelType(), Workspace::ResponseSurface);
+    EXPECT_TRUE(workspace.responseSurface() == ResponseSurfaceOptions());
+    EXPECT_TRUE(workspace.inputs().empty());
+    EXPECT_TRUE(workspace.outputs().empty());
+}
+
+TEST(Workspace, OpeningIsNoUndoStep)
+{
+    const int before = UndoStack().stack().count();
+
+    const Workspace workspace(cvdCases(), cvdRoles, {3}, Workspace::Kriging);
+
+    EXPECT_EQ(UndoStack().stack().count(), before);
+}
+
+TEST(Workspace, LeavesItToTheCallerWhetherAChoiceIsAnUndoStep)
+{
+    UndoStack().stack().clear();
+    Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
+    {
+        const UndoStack::SuspendUndoRecording unrecorded;
+        workspace.chooseModel(Workspace::Kriging);
+        workspace.stayAt(0, "42");
+    }
+    EXPECT_EQ(UndoStack().stack().count(), 0);
+
+    workspace.stayAt(1, "5");
+    workspace.chooseModel(Workspace::ResponseSurface);
+    EXPECT_EQ(UndoStack().stack().count(), 2);
+
+    UndoStack().stack().undo();
+    EXPECT_EQ(workspace.modelType(), Workspace::Kriging);
+    UndoStack().stack().undo();
+    const auto point = workspace.manager()->evaluationPoint()->get();
+    EXPECT_EQ(point.getUserDistString("Pressure"), "42");
+    EXPECT_EQ(point.getUserDistString("H2/WF6"), "2");
+}
+
+TEST(Workspace, OutputsHaveTheOffsetsOfTheirColumns)
+{
+    Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
+    EXPECT_EQ(workspace.outputOffsets(), (std::vector<int>{1, 0}));
+
+    workspace.chooseRoles({{0, 1}, {3}});
+    EXPECT_EQ(workspace.outputOffsets(), (std::vector<int>{0}));
+}
+
+TEST(Workspace, RefusesANameThatAProjectCannotCarry)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].name = "a\x01z";
+
+    const std::string message = messageOf<CaseDataError>(
+        [&] { Workspace(table, cvdRoles, {}, Workspace::ResponseSurface); });
+
+    EXPECT_EQ(message.substr(0, 17), "cvd.csv, line 1: ");
+}
+
+TEST(Workspace, AFaultyTextIsRefusedInOneSentenceWithTheItem)
+{
+    Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
+
+    EXPECT_EQ(
+        messageOf<DistributionTextError>([&] { workspace.sweep(0, "1, 2 - x : 3"); }),
+        "The text \"1, 2 - x : 3\" for \"Pressure\" cannot be read. Expression: 2 - x : 3: Invalid "
+        "floating point number. Write numbers and ranges like 4 - 80 : 20, 42.");
+    EXPECT_THROW(workspace.stayAt(0, "five"), DistributionTextError);
+    EXPECT_THROW(workspace.stayAt(0, ""), DistributionTextError);
+    EXPECT_EQ(messageOf<DistributionTextError>([&] { workspace.stayAt(0, "1, 2"); }),
+              "The text \"1, 2\" for \"Pressure\" has several values where one is wanted.");
+}
+
+TEST(Workspace, ASweepNeedsTwoValuesAtLeast)
+{
+    Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
+
+    EXPECT_EQ(messageOf<UsageError>([&] { workspace.sweepEvenly(0, 1); }),
+              "\"Pressure\" can be swept evenly over 2 to 100000000 values, not 1.");
+}
