@@ -32,9 +32,10 @@ struct KrigingReport
      * correlation matrix with the nugget on its diagonal, n its order. n is the number of cases,
      * exact copies counted once unless other cases with the same inputs differ; where the latter
      * are averaged, n is the number of distinct points. Infinite where s2 is 0: the output is
-     * constant, or the trend passes through all cases.
+     * constant, or the trend passes through all cases. NaN for more than 10 000 distinct cases,
+     * whose likelihood is not computed.
      */
-    double logLikelihood = 0.0;
+    double logLikelihood = std::numeric_limits<double>::quiet_NaN();
     /**
      * Log-likelihood of the second best maximum that the search found; NaN if there is none. Two
      * ends of a flat ridge, between which the log-likelihood dips by less than 0.25, count as one

@@ -4,7 +4,7 @@
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/cases/KrigingCases.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/numerics/Distributions.h>

@@ -332,7 +332,9 @@ SessionReport::figures(const OutputFit& fit, const std::vector<std::string>& inp
         figures.push_back({"RMSE at the cases", shownNumber(metrics.rmse)});
         figures.push_back({"leave-one-out RMSE", shownNumber(metrics.looRmse)});
         figures.push_back({"Q2", shownNumber(metrics.q2)});
-        figures.push_back({"log-likelihood", shownNumber(report.logLikelihood)});
+        if (!std::isnan(report.logLikelihood)) {
+            figures.push_back({"log-likelihood", shownNumber(report.logLikelihood)});
+        }
         if (!std::isnan(report.secondLogLikelihood)) {
             figures.push_back(
                 {"of the second-best maximum", shownNumber(report.secondLogLikelihood)});

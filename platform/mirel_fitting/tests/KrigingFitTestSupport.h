@@ -2,7 +2,7 @@
 
 #include "KrigingTestSupport.h"
 
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
 #include <algorithm>
 #include <cmath>

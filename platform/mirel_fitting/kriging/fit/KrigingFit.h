@@ -3,8 +3,7 @@
 #include <mirel_fitting/FitMetrics.h>
 #include <mirel_fitting/KrigingOptions.h>
 #include <mirel_fitting/KrigingReport.h>
-#include <mirel_fitting/cases/KrigingCases.h>
-#include <mirel_fitting/kriging/fit/LargeKriging.h>
+#include <mirel_fitting/kriging/fit/KrigingSizes.h>
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
 
@@ -31,11 +30,3 @@ struct KrigingFit
     std::vector<std::string> warnings;
     KrigingLeaveOneOut leftOut = {};
 };
-
-/**
- * Fits one output.
- * @param output one finite value per row of the cases.
- * @throw SurrogateModelInterface::Error if the fit is cancelled or impossible.
- */
-KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& output,
-                      const KrigingFitOptions& options);

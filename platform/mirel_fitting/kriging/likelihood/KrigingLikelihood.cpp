@@ -6,6 +6,7 @@
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/BlockedCholesky.h>
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -118,7 +119,6 @@ public:
 
     bool factorise();
     bool estimateTrend();
-    bool orthonormalise();
     double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
     std::vector<double> residuals() const;
     void subtractCorrelated(std::vector<double>& outputs) const;
@@ -140,8 +140,7 @@ public:
     double nugget = 0.0;
     double logDeterminant = 0.0;
     double variance = 0.0;
-    std::vector<double> basis;    // orthonormal: Q of L^-1 F = Q T
-    std::vector<double> triangle; // T, p x p
+    OrthonormalColumns whitenedTrend{n, p}; // L^-1 F = Q T
     std::vector<double> beta;
     std::vector<double> alpha;
     std::vector<double> refinedAlpha;
@@ -173,10 +172,13 @@ bool KrigingLikelihood::Impl::factorise()
 
 bool KrigingLikelihood::Impl::estimateTrend()
 {
-    basis = data->trend;
-    cholesky.solveLower(basis.data(), p);
-    if (!orthonormalise()) {
-        return false;
+    std::vector<double> columns = data->trend;
+    cholesky.solveLower(columns.data(), p);
+    whitenedTrend = OrthonormalColumns(n, p);
+    for (std::size_t j = 0; j < p; ++j) {
+        if (!whitenedTrend.append(columns.data() + j * n)) {
+            return false;
+        }
     }
 
     alpha = data->output;
@@ -190,35 +192,6 @@ bool KrigingLikelihood::Impl::estimateTrend()
 }
 
 /**
- * L^-1 F = Q T by Gram-Schmidt, each column twice: then Q is orthogonal to the last digits. Giraud,
- * Langou, Rozloznik: The loss of orthogonality in the Gram-Schmidt orthogonalization process,
- * Computers and Mathematics with Applications 50 (2005).
- */
-bool KrigingLikelihood::Impl::orthonormalise()
-{
-    const int order = static_cast<int>(n);
-    triangle.assign(p * p, 0.0);
-    for (std::size_t j = 0; j < p; ++j) {
-        double* column = basis.data() + j * n;
-        for (int round = 0; round < 2; ++round) {
-            for (std::size_t i = 0; i < j; ++i) {
-                const double* earlier = basis.data() + i * n;
-                const double part = cblas_ddot(order, earlier, 1, column, 1);
-                cblas_daxpy(order, -part, earlier, 1, column, 1);
-                triangle[j * p + i] += part;
-            }
-        }
-        const double length = cblas_dnrm2(order, column, 1);
-        if (!(length > 0.0) || !std::isfinite(length)) {
-            return false;
-        }
-        triangle[j * p + j] = length;
-        cblas_dscal(order, 1.0 / length, column, 1);
-    }
-    return true;
-}
-
-/**
  * Generalised least squares: `right` becomes R^-1 times what the trend leaves of it.
  * @return the weighted square of what is left.
  */
@@ -226,23 +199,8 @@ double KrigingLikelihood::Impl::solve(std::vector<double>& right,
                                       std::vector<double>& coefficients) const
 {
     const int order = static_cast<int>(n);
-    const int terms = static_cast<int>(p);
     cholesky.solveLower(right.data(), 1);
-
-    // The second round removes the rounding of the first, which is large where the trend explains
-    // nearly everything.
-    coefficients.assign(p, 0.0);
-    for (int round = 0; round < 2; ++round) {
-        for (std::size_t j = 0; j < p; ++j) {
-            const double* direction = basis.data() + j * n;
-            const double part = cblas_ddot(order, direction, 1, right.data(), 1);
-            cblas_daxpy(order, -part, direction, 1, right.data(), 1);
-            coefficients[j] += part;
-        }
-    }
-    cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, terms, triangle.data(),
-                terms, coefficients.data(), 1);
-
+    coefficients = whitenedTrend.solve(right.data());
     const double squares = cblas_ddot(order, right.data(), 1, right.data(), 1);
     cholesky.solveTransposed(right.data(), 1);
     return squares;
@@ -392,13 +350,15 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
         slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * n, 1);
     }
 
-    // Made white, and what the trend takes up removed.
+    // Whiten by L^-1, then project out the trend.
     impl->cholesky.solveLower(changes.data(), count);
     std::vector<double> parts(impl->p * count);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, columns, order, 1.0,
-                impl->basis.data(), order, changes.data(), order, 0.0, parts.data(), terms);
+                impl->whitenedTrend.values().data(), order, changes.data(), order, 0.0,
+                parts.data(), terms);
     cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, columns, terms, -1.0,
-                impl->basis.data(), order, parts.data(), terms, 1.0, changes.data(), order);
+                impl->whitenedTrend.values().data(), order, parts.data(), terms, 1.0,
+                changes.data(), order);
     result.assign(count * count, 0.0);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
                 changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
@@ -500,7 +460,7 @@ std::vector<double> KrigingLikelihood::leaveOneOutResiduals(std::vector<double>*
 
     const SingleThreadedBlas singleThreaded;
     const std::size_t n = impl->n;
-    std::vector<double> projected = impl->basis;
+    std::vector<double> projected = impl->whitenedTrend.values();
     impl->cholesky.solveTransposed(projected.data(), impl->p);
     std::vector<double> diagonals;
     impl->cholesky.visitInverse([&] { return std::make_unique<DiagonalOfInverse>(diagonals); });

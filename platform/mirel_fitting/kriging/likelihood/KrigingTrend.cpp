@@ -1,6 +1,7 @@
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,44 +10,12 @@
 #include <tuple>
 #include <utility>
 
-namespace {
-
-double dot(const double* a, const double* b, std::size_t count)
-{
-    double sum = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        sum += a[i] * b[i];
-    }
-    return sum;
-}
-
-double norm(const std::vector<double>& column)
-{
-    return std::sqrt(dot(column.data(), column.data(), column.size()));
-}
-
-/** Takes out of `column` what lies in the span of the orthonormal `basis`. */
-void orthogonalise(std::vector<double>& column, const std::vector<std::vector<double>>& basis)
-{
-    // Twice is enough: Giraud, Langou, Rozloznik, Comput. Math. Appl. 50 (2005).
-    for (int round = 0; round < 2; ++round) {
-        for (const std::vector<double>& direction : basis) {
-            const double part = dot(direction.data(), column.data(), column.size());
-            for (std::size_t i = 0; i < column.size(); ++i) {
-                column[i] -= part * direction[i];
-            }
-        }
-    }
-}
-
-} // namespace
-
 KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            const std::vector<double>& coordinates, int highestOrder,
                            std::size_t otherParameters)
     : inputCount(inputs)
 {
-    // What is left of a column whose terms differ only by rounding, relative to the column.
+    // A smaller share of a column that is orthogonal to the earlier ones is rounding.
     constexpr double independent = 1e-9;
 
     usedOrder = inputs == 0 ? 0 : highestOrder;
@@ -55,7 +24,9 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
         --usedOrder;
     }
 
+    const SingleThreadedBlas singleThreaded;
     const QuadraticBasis allTerms(inputs, usedOrder);
+    orthonormal = OrthonormalColumns(cases, allTerms.size());
     for (const Term& term : allTerms.terms()) {
         FitProgress::advance();
         std::vector<double> column(cases, 1.0);
@@ -64,17 +35,10 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                 column[i] *= centred(coordinates[factor * cases + i]);
             }
         }
-        std::vector<double> rest = column;
-        orthogonalise(rest, orthonormal);
-        const double length = norm(rest);
-        if (length <= independent * norm(column)) {
+        if (!orthonormal.append(column.data(), independent)) {
             dropped.push_back(term);
             continue;
         }
-        for (double& value : rest) {
-            value /= length;
-        }
-        orthonormal.push_back(std::move(rest));
         terms.push_back(term);
         values.insert(values.end(), column.begin(), column.end());
     }
@@ -127,40 +91,30 @@ const std::vector<double>& KrigingTrend::matrix() const
 
 KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output) const
 {
-    // Less than this left of a case is rounding: without it the trend is not determined.
+    // A smaller 1 - leverage is rounding: without the case the trend is not determined.
     constexpr double determined = 1e-10;
 
+    const SingleThreadedBlas singleThreaded;
+    FitProgress::advance();
     const std::size_t cases = output.size();
-    const std::size_t p = terms.size();
     LeastSquares result;
-    result.coefficients.resize(p);
-    for (std::size_t t = 0; t < p; ++t) {
-        result.coefficients[t] = dot(orthonormal[t].data(), output.data(), cases);
-    }
-    // The matrix is the orthonormal basis times a triangle, whose elements are recomputed here.
-    for (std::size_t t = p; t-- > 0;) {
-        FitProgress::advance();
-        const double* column = values.data() + t * cases;
-        result.coefficients[t] /= dot(orthonormal[t].data(), column, cases);
-        for (std::size_t row = 0; row < t; ++row) {
-            result.coefficients[row] -=
-                result.coefficients[t] * dot(orthonormal[row].data(), column, cases);
-        }
-    }
-
-    std::vector<double> residuals = output;
-    orthogonalise(residuals, orthonormal);
-    result.variance = dot(residuals.data(), residuals.data(), cases) / static_cast<double>(cases);
+    result.residuals = output;
+    result.coefficients = orthonormal.solve(result.residuals.data());
+    double squares = 0.0;
     for (std::size_t i = 0; i < cases; ++i) {
-        double left = 1.0;
-        for (const std::vector<double>& direction : orthonormal) {
-            left -= direction[i] * direction[i];
+        squares += result.residuals[i] * result.residuals[i];
+        double oneMinusLeverage = 1.0;
+        for (std::size_t t = 0; t < terms.size(); ++t) {
+            const double element = orthonormal.values()[t * cases + i];
+            oneMinusLeverage -= element * element;
         }
-        left = left > determined ? left : std::numeric_limits<double>::quiet_NaN();
-        result.leaveOneOutResiduals.push_back(residuals[i] / left);
-        result.leaveOneOutVariances.push_back(1.0 / left);
+        if (oneMinusLeverage <= determined) {
+            oneMinusLeverage = std::numeric_limits<double>::quiet_NaN();
+        }
+        result.leaveOneOutResiduals.push_back(result.residuals[i] / oneMinusLeverage);
+        result.leaveOneOutVariances.push_back(1.0 / oneMinusLeverage);
     }
-    result.residuals = std::move(residuals);
+    result.variance = squares / static_cast<double>(cases);
     return result;
 }
 

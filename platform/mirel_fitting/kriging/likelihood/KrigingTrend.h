@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
@@ -40,14 +41,12 @@ public:
         std::vector<double> coefficients;
         std::vector<double> residuals;
         double variance; ///< mean square of the residuals
-        /** What each case's output lies above the fit to all others; NaN where those do not
-         *  determine the trend. */
+        /** By the fit to all other cases; NaN where those do not determine the trend. */
         std::vector<double> leaveOneOutResiduals;
         /** Of the latter, relative to `variance`. */
         std::vector<double> leaveOneOutVariances;
     };
-    /** The trend without correlations, fitted to one output per case. Reports like the constructor.
-     */
+    /** The trend without correlations, fitted to one output per case. */
     LeastSquares leastSquares(const std::vector<double>& output) const;
 
     /** @param inputNumbers the number k in "Vk" of each input. */
@@ -91,5 +90,5 @@ private:
     std::vector<Term> terms;
     std::vector<Term> dropped;
     std::vector<double> values;
-    std::vector<std::vector<double>> orthonormal; // spans the columns of the matrix, in their order
+    OrthonormalColumns orthonormal{0, 0}; // of the matrix
 };

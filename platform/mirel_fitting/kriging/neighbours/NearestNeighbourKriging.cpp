@@ -17,7 +17,6 @@
 
 namespace {
 
-const double twoPi = 2.0 * std::acos(-1.0);
 const double rootOfFive = std::sqrt(5.0);
 
 // For the tree an input without influence keeps a little of it, so that its coordinates are not
@@ -380,47 +379,4 @@ NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
     };
     forPoints(result.size(), all.neighbours, all.inputs, work);
     return result;
-}
-
-double NearestNeighbourKriging::logLikelihood(const std::vector<std::size_t>& order,
-                                              std::size_t given, double& variance) const
-{
-    const Impl& all = *impl;
-    FitProgress::advance();
-    std::vector<double> coordinates;
-    std::vector<double> values;
-    std::vector<double> rows;
-    coordinates.reserve(order.size() * all.inputs);
-    for (const std::size_t index : order) {
-        coordinates.insert(coordinates.end(), all.at(index), all.at(index) + all.inputs);
-        values.push_back(all.values[index]);
-        rows.push_back(all.rows[index]);
-    }
-    const Sources sources{all.inputs, coordinates.data(), values.data(), rows.data()};
-
-    std::vector<Prediction> predictions(order.size());
-    for (std::size_t first = given, last; first < order.size(); first = last) {
-        last = std::min(order.size(), std::max<std::size_t>(2 * first, 1));
-        const NearestNeighbours before(coordinates.data(), first, all.inputs);
-        const std::size_t wanted = std::min(all.neighbours, first);
-        const PointWork work = [&](Workplace& place, std::size_t i) {
-            const double* point = coordinates.data() + (first + i) * all.inputs;
-            const std::size_t found =
-                before.find(point, wanted, place.indices.data(), place.squares.data());
-            predictions[first + i] = place.kriging.predict(
-                sources, place.indices.data(), found, point, all.factors, all.parameters.nugget,
-                all.parameters.nugget / rows[first + i]);
-        };
-        forPoints(last - first, all.neighbours, all.inputs, work);
-    }
-
-    const auto n = static_cast<double>(order.size() - given);
-    variance = 0.0;
-    double logarithms = 0.0;
-    for (std::size_t i = given; i < order.size(); ++i) {
-        const double deviation = values[i] - predictions[i].mean;
-        variance += deviation * deviation / predictions[i].variance / n;
-        logarithms += std::log(predictions[i].variance);
-    }
-    return -0.5 * (n * std::log(twoPi * variance) + logarithms + n);
 }

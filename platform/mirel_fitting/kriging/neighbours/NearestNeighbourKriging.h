@@ -9,10 +9,6 @@
  * that its cost does not grow with their number. Distances are measured in correlation lengths,
  * the correlation is that of MaternCorrelation.
  *
- * The likelihood is Vecchia's: the cases are put in order, and each one's density is conditioned on
- * the nearest of those before it. Katzfuss, Guinness: A general framework for Vecchia
- * approximations of Gaussian processes, Statistical Science 36 (2021).
- *
  * Work is shared by threads point by point: their number does not change a bit of the results. It
  * is reported by FitProgress::advance(), in points.
  */
@@ -84,16 +80,6 @@ public:
         class Impl;
         std::unique_ptr<Impl> impl;
     };
-
-    /**
-     * Logarithm of the density of all cases behind the first `given` of `order`, given those; the
-     * variance is estimated with it. The order is cut into levels, each as long as all before it:
-     * cases are conditioned on the nearest of the levels before their own.
-     * @param order all cases, each once.
-     * @param variance receives the estimate.
-     */
-    double logLikelihood(const std::vector<std::size_t>& order, std::size_t given,
-                         double& variance) const;
 
 private:
     class Impl;

@@ -5,38 +5,31 @@
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <cblas.h>
-#include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 KrigingVariance::KrigingVariance(const FittedKriging& model)
-    : model(model), cases(model.data->cases), terms(model.data->terms), basis(model.data->trend),
-      triangle(terms * terms, 0.0)
+    : model(model), cases(model.data->cases), terms(model.data->terms), basis(cases, terms)
 {
-    const int order = static_cast<int>(cases);
-    const int columns = static_cast<int>(terms);
+    std::vector<double> columns = model.data->trend;
     if (model.correlation) {
+        const SingleThreadedBlas singleThreaded;
         factorise();
-        cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order,
-                    columns, 1.0, factor->values(), order, basis.data(), order);
+        factor->solveLower(columns.data(), terms);
     } else {
         for (std::size_t t = 0; t < terms; ++t) {
             for (std::size_t i = 0; i < cases; ++i) {
-                basis[t * cases + i] *= std::sqrt(model.data->rows[i]);
+                columns[t * cases + i] *= std::sqrt(model.data->rows[i]);
             }
         }
     }
 
-    std::vector<double> reflectors(terms);
-    LAPACKE_dgeqrf(LAPACK_COL_MAJOR, order, columns, basis.data(), order, reflectors.data());
+    const SingleThreadedBlas singleThreaded;
     for (std::size_t t = 0; t < terms; ++t) {
-        const double* column = basis.data() + t * cases;
-        std::copy(column, column + t + 1, triangle.data() + t * terms);
+        basis.append(columns.data() + t * cases);
     }
-    LAPACKE_dorgqr(LAPACK_COL_MAJOR, order, columns, columns, basis.data(), order,
-                   reflectors.data());
 }
 
 void KrigingVariance::factorise()
@@ -84,7 +77,7 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
     double* trend = workspace.trend.data(); // by columns, points x terms
     model.trend->evaluate(points, count, trend, count);
     cblas_dtrsm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit, size, columns,
-                1.0, triangle.data(), columns, trend, size);
+                1.0, basis.triangle().data(), columns, trend, size);
 
     std::fill_n(result, count, 0.0);
     if (model.correlation) {
@@ -94,7 +87,8 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
         cblas_dtrsm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, order, size,
                     1.0, factor->values(), order, correlations, static_cast<int>(stride));
         cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, size, columns, order, -1.0,
-                    correlations, static_cast<int>(stride), basis.data(), order, 1.0, trend, size);
+                    correlations, static_cast<int>(stride), basis.values().data(), order, 1.0,
+                    trend, size);
         for (std::size_t i = 0; i < count; ++i) {
             const double* explained = correlations + i * stride;
             result[i] = 1.0 - cblas_ddot(order, explained, 1, explained, 1);

@@ -3,6 +3,7 @@
 #include <mirel_fitting/kriging/prediction/FittedKriging.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/numerics/BlockedCholesky.h>
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
 
 #include <cstddef>
 #include <memory>
@@ -54,6 +55,5 @@ private:
     std::size_t cases;
     std::size_t terms;
     std::unique_ptr<BlockedCholesky> factor; // L of R = L L'; null without correlation
-    std::vector<double> basis;               // orthonormal: Q of L^-1 F = Q T
-    std::vector<double> triangle;            // T, terms x terms
+    OrthonormalColumns basis;                // L^-1 F = Q T
 };

@@ -1,7 +1,7 @@
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 
 #include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
 #include "KrigingTestSupport.h"
 

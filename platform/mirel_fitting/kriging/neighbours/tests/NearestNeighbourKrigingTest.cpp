@@ -204,23 +204,6 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
     EXPECT_NEAR(found[0].variance, variance + 1e-6, 1e-9);
 }
 
-TEST(NearestNeighbourKriging, MultipliesTheDensitiesOfCasesGivenThoseBefore)
-{
-    const double nugget = 0.1;
-    const double c = correlation(0.3, 0.5);
-    const double d = 1.0 + nugget;
-    const double mean = c / d * 1.0;
-    const double relative = d - c * c / d;
-    const double expectedVariance = (2.0 - mean) * (2.0 - mean) / relative;
-    const double twoPi = 2.0 * std::acos(-1.0);
-    double variance = 0.0;
-
-    const double logLikelihood = pair(nugget)->logLikelihood({0, 1}, 1, variance);
-
-    EXPECT_NEAR(variance, expectedVariance, 1e-12);
-    EXPECT_NEAR(logLikelihood, -0.5 * (std::log(twoPi * expectedVariance * relative) + 1.0), 1e-12);
-}
-
 TEST(NearestNeighbourKriging, TakesTheSameBitsFromAnyNumberOfThreads)
 {
     const Example example(600, 20);

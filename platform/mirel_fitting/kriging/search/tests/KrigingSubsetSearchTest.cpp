@@ -4,7 +4,7 @@
 
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 
 #include <gtest/gtest.h>
@@ -79,7 +79,7 @@ TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
     const KrigingCases cases(pointersTo(inputs), 300);
     KrigingFitOptions options;
     options.trendOrder = 0;
-    options.sizes.mostSearched = 200;
+    options.sizes.maxSearched = 200;
     options.sizes.searched = 100;
 
     double last = 0.0;
@@ -184,10 +184,10 @@ TEST(KrigingSubsetSearch, RefinesByARuleOfSize)
     const auto likelihoodWith = [&](std::size_t refinedTwice, std::size_t refined) {
         KrigingFitOptions options;
         options.trendOrder = 0;
-        options.sizes.mostSearched = 200;
+        options.sizes.maxSearched = 200;
         options.sizes.searched = 60;
-        options.sizes.mostRefinedTwice = refinedTwice;
-        options.sizes.mostRefined = refined;
+        options.sizes.maxRefinedTwice = refinedTwice;
+        options.sizes.maxRefined = refined;
         return fitKriging(cases, output, options);
     };
 

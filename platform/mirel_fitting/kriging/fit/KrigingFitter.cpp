@@ -1,4 +1,4 @@
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -9,6 +9,7 @@
 #include <mirel_fitting/kriging/fit/KrigingFitReport.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/fit/LargeKriging.h>
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
@@ -74,8 +75,9 @@ private:
     bool refineUntilCasesAreMet(KrigingLikelihood& likelihood) const;
     FittedKriging commonParts() const;
     KrigingFit withCorrelation();
-    void reportCorrelation(KrigingFit& fit, double processVariance, double condition, double rows,
+    void reportCorrelation(KrigingFit& fit, double processVariance, double condition,
                            bool meetsCases);
+    void reportLikelihood(KrigingFit& fit) const;
     KrigingFit ofManyCases();
     static bool areCasesMet(const LargeKriging::Result& large);
     bool isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const;
@@ -246,16 +248,16 @@ KrigingSearch::Settings Fitter::searchSettings() const
 int Fitter::refinements() const
 {
     const KrigingSizes& sizes = options.sizes;
-    if (data->cases > sizes.mostRefined) {
+    if (data->cases > sizes.maxRefined) {
         return 0;
     }
-    return data->cases > sizes.mostRefinedTwice ? 1 : 2;
+    return data->cases > sizes.maxRefinedTwice ? 1 : 2;
 }
 
 void Fitter::searchLengths()
 {
     const KrigingSizes& sizes = options.sizes;
-    if (data->cases > sizes.mostSearched) {
+    if (data->cases > sizes.maxSearched) {
         found = KrigingSubsetSearch::run(data, trend->order(), searchSettings(), sizes.searched,
                                          refinements());
     } else if (options.correlationLengths.empty() && KrigingTrendChoice::isNeeded(*trend, *data)) {
@@ -278,7 +280,7 @@ bool Fitter::isScatterNegligible(const KrigingData& merged) const
 void Fitter::search()
 {
     const KrigingSizes& sizes = options.sizes;
-    const bool isSubset = data->cases > sizes.mostSearched;
+    const bool isSubset = data->cases > sizes.maxSearched;
     const double searching = isSubset ? 0.9 : measuring; // of the work
     const double once = hasScatter(*data) ? 0.5 * searching : searching;
     {
@@ -292,8 +294,7 @@ void Fitter::search()
     }
     if (isSubset) {
         const bool isRefined = refinements() > 0 && options.correlationLengths.empty();
-        warnings.push_back(
-            KrigingWarnings::ofSubset(sizes.mostSearched, sizes.searched, isRefined));
+        warnings.push_back(KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
     warnOfTrend();
     warnOfRaisedNugget();
@@ -382,9 +383,9 @@ KrigingFit Fitter::withCorrelation()
     parts.weights = likelihood.weights();
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
-    reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(), rows,
+    reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(),
                       meetsCases);
+    reportLikelihood(fit);
     reportOf().addTrend(fit, *trend, likelihood.coefficients());
     std::vector<double> variances;
     const std::vector<double> leftOut = likelihood.leaveOneOutResiduals(&variances);
@@ -396,9 +397,8 @@ KrigingFit Fitter::withCorrelation()
     return fit;
 }
 
-/** @param rows of the likelihood. */
 void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double condition,
-                               double rows, bool meetsCases)
+                               bool meetsCases)
 {
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     fit.report.lengthBounds.assign(cases.inputCount(), KrigingReport::Bound::None);
@@ -412,15 +412,20 @@ void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double c
     fit.report.nugget = found.parameters.nugget;
     fit.report.nuggetBound = found.nuggetBound;
     fit.report.processVariance = processVariance * scale * scale;
-    fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
-    if (!std::isinf(found.secondLogLikelihood)) {
-        fit.report.secondLogLikelihood = found.secondLogLikelihood - rows * std::log(scale);
-    }
     if (!meetsCases) {
         noiseShare = found.parameters.nugget * processVariance;
         fit.report.noiseDeviation = scale * std::sqrt(noiseShare);
     }
     fit.report.condition = condition;
+}
+
+void Fitter::reportLikelihood(KrigingFit& fit) const
+{
+    const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
+    fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
+    if (!std::isinf(found.secondLogLikelihood)) {
+        fit.report.secondLogLikelihood = found.secondLogLikelihood - rows * std::log(scale);
+    }
 }
 
 /** More cases than one correlation matrix can hold: an exact model of a subset, and of the others
@@ -468,12 +473,12 @@ KrigingFit Fitter::ofManyCases()
     warnOfRaisedNugget();
 
     FittedKriging parts = commonParts();
-    parts.processVariance = large.processVariance;
+    parts.processVariance = large.subset.processVariance;
     parts.nugget = found.parameters.nugget;
-    parts.interpolates = large.meetsCases;
-    parts.coefficients = large.coefficients;
-    parts.weights = large.weights;
-    if (!large.weights.empty()) {
+    parts.interpolates = large.subset.interpolates;
+    parts.coefficients = large.subset.coefficients;
+    parts.weights = large.subset.weights;
+    if (!large.subset.weights.empty()) {
         auto correlation = std::make_shared<MaternCorrelation>(data->cases, data->inputs,
                                                                data->coordinates.data());
         correlation->setLengths(found.parameters.lengths);
@@ -485,16 +490,15 @@ KrigingFit Fitter::ofManyCases()
     parts.correctedVariance = large.correctedVariance;
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
-    const std::shared_ptr<const KrigingData> likely = large.neighbours ? all : data;
-    const double rows = std::accumulate(likely->rows.begin(), likely->rows.end(), 0.0);
-    reportCorrelation(fit, large.processVariance, large.condition, rows, large.meetsCases);
-    reportOf().addTrend(fit, *trend, large.coefficients);
+    reportCorrelation(fit, large.subset.processVariance, large.subset.condition,
+                      large.subset.interpolates);
+    reportOf().addTrend(fit, *trend, large.subset.coefficients);
     measure(fit, *all, large.measured, large.residuals, large.leaveOneOutResiduals);
     keepLeftOut(fit, *all,
                 {large.measured, large.leaveOneOutResiduals, large.leaveOneOutVariances,
                  large.neighbourVariance,
                  large.neighbours ? large.neighbours->parameters().nugget : 0.0});
-    warnings.push_back("There are more than " + std::to_string(options.sizes.mostExact) +
+    warnings.push_back("There are more than " + std::to_string(options.sizes.maxExact) +
                        " distinct cases: " + large.description(scale));
     warnings.push_back(KrigingWarnings::ofSample(large.measured.size()));
     return fit;
@@ -504,7 +508,8 @@ bool Fitter::areCasesMet(const LargeKriging::Result& large)
 {
     constexpr double slight = 1e-6; // a nugget that is there for the factorisation
 
-    return large.neighbours ? large.neighbours->parameters().nugget <= slight : large.meetsCases;
+    return large.neighbours ? large.neighbours->parameters().nugget <= slight
+                            : large.subset.interpolates;
 }
 
 bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const KrigingData& all) const
@@ -633,7 +638,7 @@ KrigingFit Fitter::run()
             return constant();
         }
         mergeRows();
-        if (data->cases > options.sizes.mostExact) {
+        if (data->cases > options.sizes.maxExact) {
             return ofManyCases();
         }
         chooseTrend();

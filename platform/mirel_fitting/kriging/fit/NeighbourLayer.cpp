@@ -1,0 +1,180 @@
+#include <mirel_fitting/kriging/fit/NeighbourLayer.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/cases/SpaceFillingSubset.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+using Parameters = NearestNeighbourKriging::Parameters;
+using Prediction = NearestNeighbourKriging::Prediction;
+
+std::vector<double> at(const std::vector<std::size_t>& indices, const std::vector<double>& values)
+{
+    std::vector<double> result;
+    result.reserve(indices.size());
+    for (const std::size_t index : indices) {
+        result.push_back(values[index]);
+    }
+    return result;
+}
+
+/** Logarithm of the density of some values, each predicted by all others; the variance of the
+ *  process is profiled out. */
+double logDensity(const std::vector<double>& values, const std::vector<Prediction>& predictions)
+{
+    double squares = 0.0;
+    double logarithms = 0.0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double deviation = values[i] - predictions[i].mean;
+        squares += deviation * deviation / predictions[i].variance;
+        logarithms += std::log(predictions[i].variance);
+    }
+    const auto n = static_cast<double>(values.size());
+    return -0.5 * (n * std::log(squares / n) + logarithms);
+}
+
+} // namespace
+
+NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double>& residuals,
+                               const std::vector<std::size_t>& leftOut, const Parameters& start,
+                               double smallestNugget, const Sizes& sizes)
+    : data(data), residuals(residuals), leftOut(leftOut), smallestNugget(smallestNugget),
+      sizes(sizes)
+{
+    constexpr double expectedTrials = 200.0;
+    constexpr double estimating = 0.7; // of the work
+
+    {
+        const FitProgress::Portion portion(0.0, estimating, "Estimating what near cases tell",
+                                           expectedTrials * static_cast<double>(sizes.estimated));
+        neighbours = std::make_shared<NearestNeighbourKriging>(
+            NearestNeighbourKriging::Cases{data.cases, data.inputs, data.coordinates.data(),
+                                           residuals, data.rows},
+            start.lengths, sizes.neighbours);
+        neighbours->setParameters(estimate(start));
+    }
+    const FitProgress::Portion portion(estimating, 1.0, "Leaving out cases",
+                                       2.0 * static_cast<double>(leftOut.size()));
+    const std::vector<Prediction> predictions =
+        NearestNeighbourKriging::LeftOut(*neighbours, leftOut).predict(neighbours->parameters());
+    for (std::size_t i = 0; i < leftOut.size(); ++i) {
+        errors.push_back(residuals[leftOut[i]] - predictions[i].mean);
+        relativeVariances.push_back(predictions[i].variance);
+    }
+}
+
+/**
+ * First a common factor of all lengths and the nugget on a grid, then each of them in turn in
+ * smaller and smaller steps. Sundararajan, Keerthi: Predictive approaches for choosing
+ * hyperparameters in Gaussian processes, Neural Computation 13 (2001).
+ */
+Parameters NeighbourLayer::estimate(const Parameters& start) const
+{
+    constexpr double firstStep = 2.0;
+    constexpr double lastStep = 1.2;
+
+    std::vector<std::size_t> sample;
+    for (const std::size_t position : randomSubset(leftOut.size(), sizes.estimated)) {
+        sample.push_back(leftOut[position]);
+    }
+    const std::vector<double> values = at(sample, residuals);
+    const NearestNeighbourKriging::LeftOut leaveOneOut(*neighbours, sample);
+    const auto density = [&](const Parameters& parameters) {
+        const double found = logDensity(values, leaveOneOut.predict(parameters));
+        return std::isfinite(found) ? found : -std::numeric_limits<double>::infinity();
+    };
+
+    Parameters best = start;
+    double highest = density(best);
+    const auto isBetter = [&](Parameters parameters) {
+        parameters.nugget = std::max(parameters.nugget, smallestNugget);
+        const double found = density(parameters);
+        if (!(found > highest)) {
+            return false;
+        }
+        highest = found;
+        best = std::move(parameters);
+        return true;
+    };
+
+    for (const double factor : {0.05, 0.1, 0.2, 0.5, 1.0}) {
+        for (const double nugget : {1e-10, 1e-6, 1e-4, 1e-2, 0.1, 1.0}) {
+            Parameters parameters = start;
+            for (double& length : parameters.lengths) {
+                length *= factor;
+            }
+            parameters.nugget = nugget;
+            isBetter(parameters);
+        }
+    }
+    for (double step = firstStep; step > lastStep; step = std::sqrt(step)) {
+        for (const double factor : {step, 1.0 / step}) {
+            Parameters parameters = best;
+            parameters.nugget *= factor * factor;
+            isBetter(parameters);
+        }
+        for (std::size_t k = 0; k < data.inputs; ++k) {
+            Parameters longer = best;
+            longer.lengths[k] *= step;
+            Parameters shorter = best;
+            shorter.lengths[k] /= step;
+            if (!isBetter(longer)) {
+                isBetter(shorter);
+            }
+        }
+    }
+    return best;
+}
+
+double NeighbourLayer::error() const
+{
+    double squares = 0.0;
+    for (const double error : errors) {
+        squares += error * error;
+    }
+    return std::sqrt(squares / static_cast<double>(std::max<std::size_t>(errors.size(), 1)));
+}
+
+double NeighbourLayer::variance() const
+{
+    double ratios = 0.0;
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+        ratios += errors[i] * errors[i] / relativeVariances[i];
+    }
+    return ratios / static_cast<double>(std::max<std::size_t>(errors.size(), 1));
+}
+
+std::vector<double> NeighbourLayer::leaveOneOutVariances(const Parameters& parameters) const
+{
+    std::vector<double> result;
+    for (const Prediction& prediction :
+         NearestNeighbourKriging::LeftOut(*neighbours, leftOut).predict(parameters)) {
+        result.push_back(prediction.variance);
+    }
+    return result;
+}
+
+std::vector<double> NeighbourLayer::residualsAtCases() const
+{
+    std::vector<std::vector<double>> columns;
+    std::vector<const double*> points;
+    for (std::size_t k = 0; k < data.inputs; ++k) {
+        const auto first = data.coordinates.begin() + static_cast<std::ptrdiff_t>(k * data.cases);
+        columns.push_back(at(leftOut, {first, first + static_cast<std::ptrdiff_t>(data.cases)}));
+    }
+    for (const std::vector<double>& column : columns) {
+        points.push_back(column.data());
+    }
+    std::vector<double> predictions(leftOut.size(), 0.0);
+    neighbours->add(points, predictions.size(), predictions.data());
+    std::vector<double> result = at(leftOut, residuals);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        result[i] -= predictions[i];
+    }
+    return result;
+}

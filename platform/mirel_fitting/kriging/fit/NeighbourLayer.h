@@ -1,0 +1,68 @@
+#pragma once
+
+#include <mirel_fitting/cases/KrigingData.h>
+#include <mirel_fitting/kriging/neighbours/NearestNeighbourKriging.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+/**
+ * Nearest-neighbour Kriging of what another model leaves at all cases, and how well it predicts
+ * cases that are left out: the second layer of LargeKriging. Reports to FitProgress.
+ */
+class NeighbourLayer
+{
+public:
+    struct Sizes
+    {
+        std::size_t neighbours; ///< that a prediction uses at most
+        /** Random cases of those left out, for the estimate of the parameters. */
+        std::size_t estimated;
+    };
+
+    /**
+     * Lengths and nugget are those of greatest leave-one-out density of a sample of the cases that
+     * are left out; the search begins at `start`, whose lengths also measure which cases are near.
+     * @param data, residuals, leftOut are borrowed for life; residuals: one per case.
+     */
+    NeighbourLayer(const KrigingData& data, const std::vector<double>& residuals,
+                   const std::vector<std::size_t>& leftOut,
+                   const NearestNeighbourKriging::Parameters& start, double smallestNugget,
+                   const Sizes& sizes);
+
+    const std::shared_ptr<const NearestNeighbourKriging> kriging() const { return neighbours; }
+
+    /** One per case left out: its residual minus the prediction by all other cases. */
+    const std::vector<double>& leaveOneOutResiduals() const { return errors; }
+
+    /** Of the former, relative to variance(). */
+    const std::vector<double>& leaveOneOutVariances() const { return relativeVariances; }
+
+    /** Root mean square of the leave-one-out residuals. */
+    double error() const;
+
+    /** The variance of the process by which the leave-one-out residuals are on average as large as
+     *  their variances say. */
+    double variance() const;
+
+    /** The variances of cases left out by the nearest ones, with other parameters. */
+    std::vector<double>
+    leaveOneOutVariances(const NearestNeighbourKriging::Parameters& parameters) const;
+
+    /** What remains of the residuals at the cases left out when none is left out. */
+    std::vector<double> residualsAtCases() const;
+
+private:
+    NearestNeighbourKriging::Parameters
+    estimate(const NearestNeighbourKriging::Parameters& start) const;
+
+    const KrigingData& data;
+    const std::vector<double>& residuals;
+    const std::vector<std::size_t>& leftOut;
+    double smallestNugget;
+    Sizes sizes;
+    std::shared_ptr<NearestNeighbourKriging> neighbours;
+    std::vector<double> errors;
+    std::vector<double> relativeVariances;
+};

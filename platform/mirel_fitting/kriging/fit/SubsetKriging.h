@@ -1,0 +1,56 @@
+#pragma once
+
+#include <mirel_fitting/cases/KrigingData.h>
+#include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
+#include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+/** The exact model of some of many cases: the first layer of LargeKriging. */
+class SubsetKriging
+{
+public:
+    struct Subset
+    {
+        std::vector<std::size_t> indices; ///< ascending
+        std::shared_ptr<const KrigingData> data;
+        std::shared_ptr<const KrigingTrend> trend; ///< of `data`
+    };
+
+    struct Model
+    {
+        double nugget = 0.0;
+        bool isNuggetRaised = false; ///< above the one wanted: R could not be factorised
+        bool interpolates = false;   ///< the nugget was taken out of the weights again
+        double processVariance = 0.0;
+        double condition = 0.0;
+        std::vector<double> coefficients; ///< of the trend
+        std::vector<double> weights;
+    };
+
+    /** @param all, subset are borrowed for life. @param lengths scaled. */
+    SubsetKriging(const KrigingData& all, const Subset& subset, std::vector<double> lengths);
+
+    /**
+     * @param soundNugget up to it the nugget only keeps the factorisation sound.
+     * @param interpolate whether such a nugget is to be taken out of the prediction.
+     * @throw SurrogateModelInterface::Error if no nugget makes R positive definite.
+     */
+    Model fit(double nugget, double soundNugget, bool interpolate);
+
+    /** Output minus the model, at all cases. */
+    std::vector<double> residuals(const Model& model) const;
+
+    /** Output minus the model's trend, at all cases. */
+    std::vector<double> trendResiduals(const Model& model) const;
+
+private:
+    std::vector<double> residuals(const Model& model, bool isWhole) const;
+
+    const KrigingData& all;
+    const Subset& subset;
+    std::vector<double> lengths;
+    KrigingLikelihood likelihood;
+};
