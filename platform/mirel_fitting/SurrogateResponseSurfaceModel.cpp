@@ -1,6 +1,5 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
-#include <mirel_fitting/TermSelectionScope.h>
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/numerics/Distributions.h>
@@ -54,9 +53,8 @@ private:
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount)
-    : SurrogateResponseSurfaceModel(
-          independentColumns, dependentColumns, rowCount,
-          ResponseSurfaceOptions{TermSelectionScope::currentTerms(), TermSelectionScope::current()})
+    : SurrogateResponseSurfaceModel(independentColumns, dependentColumns, rowCount,
+                                    ResponseSurfaceOptions())
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
@@ -70,8 +68,7 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, int highestOrder)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
-                                  PolynomialForm{highestOrder, true},
-                                  TermSelectionScope::current()))
+                                  PolynomialForm{highestOrder, true}, Selection::All))
 {}
 
 SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;

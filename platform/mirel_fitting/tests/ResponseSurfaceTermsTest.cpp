@@ -1,7 +1,6 @@
 // Response surfaces of which terms were chosen.
 
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
-#include <mirel_fitting/TermSelectionScope.h>
 
 #include "FittingTestSupport.h"
 
@@ -161,26 +160,4 @@ TEST(ResponseSurfaceTerms, HaveNoStationaryPointButASaddleWithInteractions)
     EXPECT_EQ(point(PolynomialTerms::Interactions)->nature, StationaryPoint::Nature::Saddle);
     EXPECT_NEAR(point(PolynomialTerms::Interactions)->coordinates[0], 0.75, 1e-11);
     EXPECT_NEAR(point(PolynomialTerms::Interactions)->coordinates[1], -0.5, 1e-11);
-}
-
-TEST(ResponseSurfaceTerms, AreThoseOfTheScopeForWhoIsNotTold)
-{
-    Cases cases = twoInputs(40, 1.0);
-    const auto made = [&] {
-        return termsOf({cases.inputPointers(), cases.outputPointers(), cases.count()}).size();
-    };
-    {
-        const TermSelectionScope outer(Selection::All, PolynomialTerms::Linear);
-        EXPECT_EQ(made(), 3u);
-        {
-            const TermSelectionScope inner(Selection::All, PolynomialTerms::Interactions);
-            EXPECT_EQ(made(), 4u);
-        }
-        EXPECT_EQ(made(), 3u);
-        // Who names an order or terms means it.
-        EXPECT_EQ(termsOf(fit(cases, PolynomialTerms::Quadratic)).size(), 6u);
-        EXPECT_EQ(termsOf({cases.inputPointers(), cases.outputPointers(), cases.count(), 2}).size(),
-                  6u);
-    }
-    EXPECT_EQ(made(), 6u);
 }
