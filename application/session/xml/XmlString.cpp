@@ -1,6 +1,6 @@
 #include "session/xml/XmlString.h"
 
-#include "session/xml/XmlText.h"
+#include "session/xml/XmlFault.h"
 
 #include <mirel_serialization/storableText.h>
 

@@ -397,17 +397,6 @@ private:
 
 // The destructor stands here so that the type information exists once, in this library.
 
-XmlFault::XmlFault(const XmlPosition& position, const std::string& message)
-    : ExceptionBase(message), place(position)
-{}
-
-XmlFault::~XmlFault() = default;
-
-const XmlPosition& XmlFault::position() const
-{
-    return place;
-}
-
 XmlNode readXml(std::string_view bytes)
 {
     const std::size_t length = xmlPrefixLength(bytes);
