@@ -4,7 +4,6 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/machine/InstructionSet.h>
 
 #include <benchmark/benchmark.h>
 #include <cblas.h>
@@ -189,26 +188,14 @@ struct Evaluation
     std::vector<double*> independent;
 };
 
-void predictScattered(benchmark::State& state, InstructionSet set)
+void predictScattered(benchmark::State& state)
 {
     Evaluation evaluation(static_cast<std::size_t>(state.range(0)));
-    setInstructionSetLimit(set);
     for (auto _ : state) {
         evaluation.predict();
     }
-    setInstructionSetLimit(InstructionSet::Avx512);
 }
-BENCHMARK_CAPTURE(predictScattered, baseline, InstructionSet::Baseline)
-    ->ArgName("points")
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime();
-BENCHMARK_CAPTURE(predictScattered, avx2, InstructionSet::Avx2)
-    ->ArgName("points")
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime();
-BENCHMARK_CAPTURE(predictScattered, avx512, InstructionSet::Avx512)
+BENCHMARK(predictScattered)
     ->ArgName("points")
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)

@@ -37,24 +37,15 @@ SURROGATE_LANE_OPERATION storeLanes(const Lanes& value, double* to)
     std::memcpy(to, &value, sizeof(Lanes));
 }
 
-/** |a - b| */
-SURROGATE_LANE_OPERATION distance(const Lanes& a, const Lanes& b, Lanes& result)
+/** |a| */
+SURROGATE_LANE_OPERATION magnitude(const Lanes& a, Lanes& result)
 {
     constexpr long long allButTheSign = 0x7fffffffffffffff;
 
-    const Lanes difference = a - b;
     LaneBits bits;
-    std::memcpy(&bits, &difference, sizeof(bits));
+    std::memcpy(&bits, &a, sizeof(bits));
     bits &= allButTheSign;
     std::memcpy(&result, &bits, sizeof(result));
-}
-
-/** |a - b|, at most `cap`. */
-SURROGATE_LANE_OPERATION cappedDistance(const Lanes& a, const Lanes& b, double cap, Lanes& result)
-{
-    Lanes uncapped;
-    distance(a, b, uncapped);
-    result = (uncapped < cap) ? uncapped : (Lanes{} + cap);
 }
 
 /**
@@ -78,23 +69,20 @@ SURROGATE_LANE_OPERATION expOfNegative(const Lanes& a, Lanes& result)
     const Lanes k = shifted - rounder;
     const Lanes r = (x - k * ln2High) - k * ln2Low;
 
-    // The Taylor series to the 13th power: its remainder is below 1e-17. Even and odd powers are
-    // two independent sums, which halves the latency.
+    // exp(r) = 1 + r q(r). q interpolates at the Chebyshev points: exp(r) is good to 1e-17. Even and
+    // odd powers are two independent sums, which halves the latency.
     const Lanes square = r * r;
-    Lanes even = Lanes{} + 1.0 / 479001600.0;
-    Lanes odd = Lanes{} + 1.0 / 6227020800.0;
-    even = even * square + 1.0 / 3628800.0;
-    odd = odd * square + 1.0 / 39916800.0;
-    even = even * square + 1.0 / 40320.0;
-    odd = odd * square + 1.0 / 362880.0;
-    even = even * square + 1.0 / 720.0;
-    odd = odd * square + 1.0 / 5040.0;
-    even = even * square + 1.0 / 24.0;
-    odd = odd * square + 1.0 / 120.0;
-    even = even * square + 0.5;
-    odd = odd * square + 1.0 / 6.0;
-    odd = odd * (square * r) + r;
-    const Lanes p = 1.0 + (even * square + odd);
+    Lanes even = Lanes{} + 2.7626357255270770e-07;
+    Lanes odd = Lanes{} + 2.5105206384587240e-08;
+    even = even * square + 2.480150434696448e-05;
+    odd = odd * square + 2.7557255425720897e-06;
+    even = even * square + 0.0013888888932488625;
+    odd = odd * square + 0.00019841269874800512;
+    even = even * square + 0.04166666666657314;
+    odd = odd * square + 0.008333333333326141;
+    even = even * square + 0.5000000000000006;
+    odd = odd * square + 0.1666666666666667;
+    const Lanes p = 1.0 + (even * square + (odd * (square * r) + r));
 
     LaneBits exponent;
     LaneBits bits;

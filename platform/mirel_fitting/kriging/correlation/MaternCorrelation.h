@@ -54,7 +54,7 @@ public:
                         const double* inverse, std::size_t inverseStride, const double* a,
                         double factor, double* sums, double* products) const;
 
-    // What follows is computed with MaternKernels::best(). Points have finite coordinates.
+    // In what follows points have finite coordinates.
 
     /**
      * result[i] += sum over the cases j of weights[j] c(point i, case j). Each point comes out the
@@ -98,6 +98,7 @@ private:
     class PointBlock;
 
     void scaleCases();
+    MaternKernels::Cases casesFrom(std::size_t first, std::size_t count) const;
     void scale(std::size_t input, const double* coordinates, std::size_t count,
                std::size_t resultStep, double* result) const;
 
@@ -111,11 +112,8 @@ private:
     std::vector<double> scaledRows; // the same, case by case
     std::vector<double> chosenLengths;
     std::vector<double> scales;
-    // Between these scaled coordinates, all distances of a point sum up to little; beyond the
-    // second pair, they make no difference.
-    std::vector<double> nearLowest;
-    std::vector<double> nearHighest;
+    // Points are moved to between these scaled coordinates; beyond, all correlations are 0 anyway.
     std::vector<double> lowest;
     std::vector<double> highest;
-    MaternKernels::Reach farthestReach = MaternKernels::Reach::Far;
+    bool isCapped = false; // see MaternKernels::Cases
 };

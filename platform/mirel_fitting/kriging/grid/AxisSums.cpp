@@ -1,12 +1,13 @@
 #include <mirel_fitting/kriging/grid/AxisSums.h>
 
+#include <mirel_fitting/kriging/correlation/MaternKernels.h>
+#include <mirel_fitting/numerics/PanelProducts.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace {
-
-constexpr std::size_t lanes = MaternKernels::lanes;
 
 // A state: the moments of the cases on the right, of those on the left, and the trend.
 constexpr std::size_t onRight = 0;
@@ -26,12 +27,12 @@ std::size_t panelsFor(std::size_t values)
     return (values + AxisSums::panelSize - 1) / AxisSums::panelSize;
 }
 
-/** Balances the states, two steps with `lanes` columns each per block, against the cases of a block
- *  that each of its panels meets one by one. Few cases per block gain nothing any more. */
+/** Balances the states, two steps with laneCount columns each per block, against the cases of a
+ * block that each of its panels meets one by one. Few cases per block gain nothing any more. */
 std::size_t blockCountFor(std::size_t cases, std::size_t panels)
 {
     const double best = std::sqrt(static_cast<double>(panels) * static_cast<double>(cases) /
-                                  static_cast<double>(lanes));
+                                  static_cast<double>(laneCount));
     const std::size_t most = std::min(panels, std::max<std::size_t>(cases / 2, 1));
     return std::clamp<std::size_t>(static_cast<std::size_t>(best), 1, most);
 }
@@ -57,7 +58,7 @@ double AxisSums::costPerRow(std::size_t cases, std::size_t values)
     const std::size_t panels = panelsFor(values);
     const std::size_t blockCount = blockCountFor(cases, panels);
     const double perPanel =
-        static_cast<double>(cases) / static_cast<double>(blockCount) + lanes + 4;
+        static_cast<double>(cases) / static_cast<double>(blockCount) + laneCount + 4;
     return static_cast<double>(cases) + 12.0 * static_cast<double>(blockCount) +
            static_cast<double>(panels) * perPanel;
 }
@@ -88,10 +89,10 @@ void AxisSums::placeBlocks()
 /** Of each case about the next anchor, for what is right of it, and about the one before. */
 void AxisSums::computeMoments()
 {
-    moments = AlignedBuffer(axis.cases.size() * lanes);
+    moments = AlignedBuffer(axis.cases.size() * laneCount);
     for (std::size_t h = 0; h + 1 < bounds.size(); ++h) {
         for (std::size_t j = bounds[h]; j < bounds[h + 1]; ++j) {
-            double* moment = moments.data() + j * lanes;
+            double* moment = moments.data() + j * laneCount;
             const auto add = [&](std::size_t lane, double distance) {
                 const double t = capped(distance);
                 const double decay = std::exp(-t);
@@ -118,13 +119,13 @@ void AxisSums::computeShifts()
 {
     constexpr std::size_t columns = leftAndTrend + momentCount;
     const std::size_t steps = bounds.size() - 1;
-    shifts = AlignedBuffer(steps * columns * lanes);
+    shifts = AlignedBuffer(steps * columns * laneCount);
     // The rounding of the factors must not add up: each makes good what those before it are off.
     long double missing = 0.0L;
     for (std::size_t h = 0; h < steps; ++h) {
-        double* shift = shifts.data() + h * columns * lanes;
+        double* shift = shifts.data() + h * columns * laneCount;
         for (std::size_t q = 0; q < 2; ++q) {
-            shift[(momentCount + q) * lanes + trend + q] = 1.0;
+            shift[(momentCount + q) * laneCount + trend + q] = 1.0;
         }
         if (h == 0 || h >= anchors.size()) {
             continue; // nothing lies beyond
@@ -135,9 +136,9 @@ void AxisSums::computeShifts()
         const double columnsOfMoments[momentCount][momentCount] = {
             {decay, d * decay, d * d * decay}, {0.0, decay, 2.0 * d * decay}, {0.0, 0.0, decay}};
         for (std::size_t q = 0; q < momentCount; ++q) {
-            std::copy_n(columnsOfMoments[q], momentCount, shift + q * lanes + onLeft);
+            std::copy_n(columnsOfMoments[q], momentCount, shift + q * laneCount + onLeft);
             std::copy_n(columnsOfMoments[q], momentCount,
-                        shift + (leftAndTrend + q) * lanes + onRight);
+                        shift + (leftAndTrend + q) * laneCount + onRight);
         }
     }
 }
@@ -145,13 +146,12 @@ void AxisSums::computeShifts()
 void AxisSums::condense(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
                         double* states) const
 {
-    constexpr std::size_t shiftSize = (leftAndTrend + momentCount) * lanes;
-    const MaternKernels& kernels = MaternKernels::best();
+    constexpr std::size_t shiftSize = (leftAndTrend + momentCount) * laneCount;
     const std::size_t rows = trends.size();
-    const AlignedBuffer zeros(lanes);
+    const AlignedBuffer zeros(laneCount);
     for (std::size_t i = 0; i < rows; ++i) {
         double* state = states + i * stateSize();
-        std::fill_n(state, lanes, 0.0);
+        std::fill_n(state, laneCount, 0.0);
         state[trend] = trends[i].constant;
         state[trend + 1] = trends[i].slope;
     }
@@ -160,25 +160,25 @@ void AxisSums::condense(const double* weights, std::size_t stride, const std::ve
     // anchor h - 1, first of the cases up to anchor h, then of all beyond.
     const std::size_t locations = bounds.size() - 1;
     for (std::size_t h = 0; h < locations; ++h) {
-        double* state = states + h * lanes;
-        const MaternKernels::Product products[] = {
-            {shifts.data() + h * shiftSize, lanes, state + onLeft, stateSize(), leftAndTrend},
-            {moments.data() + bounds[h] * lanes, lanes, weights + bounds[h], stride,
+        double* state = states + h * laneCount;
+        const PanelProduct products[] = {
+            {shifts.data() + h * shiftSize, laneCount, state + onLeft, stateSize(), leftAndTrend},
+            {moments.data() + bounds[h] * laneCount, laneCount, weights + bounds[h], stride,
              bounds[h + 1] - bounds[h]}};
-        kernels.addProducts(products, 2, zeros.data(), 0, rows, state + lanes, stateSize());
+        addPanelProducts(products, 2, zeros.data(), 0, rows, state + laneCount, stateSize());
     }
     for (std::size_t h = anchors.size() - 1; h >= 2; --h) {
-        double* state = states + (h + 1) * lanes;
-        const MaternKernels::Product product = {
-            shifts.data() + h * shiftSize + leftAndTrend * lanes, lanes, state + lanes + onRight,
-            stateSize(), momentCount};
-        kernels.addProducts(&product, 1, state, stateSize(), rows, state, stateSize());
+        double* state = states + (h + 1) * laneCount;
+        const PanelProduct product = {shifts.data() + h * shiftSize + leftAndTrend * laneCount,
+                                      laneCount, state + laneCount + onRight, stateSize(),
+                                      momentCount};
+        addPanelProducts(&product, 1, state, stateSize(), rows, state, stateSize());
     }
 }
 
 std::size_t AxisSums::tableSize(const Block& block, std::size_t panels) const
 {
-    return (lanes + block.lastCase - block.firstCase) * panels * panelSize;
+    return (laneCount + block.lastCase - block.firstCase) * panels * panelSize;
 }
 
 std::size_t AxisSums::largestPanelTable() const
@@ -199,11 +199,9 @@ void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t 
     const std::size_t count = panels * panelSize;
     const double* x = values.data() + firstPanel * panelSize;
     const MaternKernels::Points points{x, count, count};
-    const MaternKernels& kernels = MaternKernels::best();
-    constexpr auto reach = MaternKernels::Reach::Unlimited;
 
     const auto tabulateAnchor = [&](double anchor, double* rows) {
-        kernels.correlate(points, {&anchor, 1, 1, reach}, rows, count);
+        MaternKernels::correlate(points, {&anchor, 1, 1, true}, rows, count);
         for (std::size_t v = 0; v < count; ++v) {
             const double u = capped(std::fabs(x[v] - anchor));
             const double unit = rows[v] / (3.0 + u * (3.0 + u));
@@ -215,9 +213,9 @@ void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t 
     tabulateAnchor(anchors[number], table + onLeft * count);
     std::fill_n(table + trend * count, count, 1.0);
     std::copy_n(axis.slopes.data() + firstPanel * panelSize, count, table + (trend + 1) * count);
-    kernels.correlate(
-        points, {axis.cases.data() + block.firstCase, 1, block.lastCase - block.firstCase, reach},
-        table + lanes * count, count);
+    MaternKernels::correlate(
+        points, {axis.cases.data() + block.firstCase, 1, block.lastCase - block.firstCase, true},
+        table + laneCount * count, count);
 }
 
 AxisSums::Table::Table(const AxisSums& sums, std::size_t firstPanel, std::size_t panelCount)
@@ -249,23 +247,22 @@ void AxisSums::evaluate(const Table& table, const double* weights, std::size_t s
                         const double* states, std::size_t rows, double* result,
                         std::size_t resultStride) const
 {
-    const MaternKernels& kernels = MaternKernels::best();
     const std::size_t first = table.stretches.front().firstPanel;
     for (const Table::Stretch& stretch : table.stretches) {
         const Block& block = blocks[stretch.block];
         const std::size_t leftStride = stretch.panels * panelSize;
-        const double* state = states + (stretch.block + 1) * lanes;
+        const double* state = states + (stretch.block + 1) * laneCount;
         for (std::size_t p = 0; p < stretch.panels; ++p) {
             const double* left = table.buffer.data() + stretch.position + p * panelSize;
-            const MaternKernels::Product products[] = {
-                {left + onRight * leftStride, leftStride, state + 2 * lanes + onRight, stateSize(),
-                 momentCount},
+            const PanelProduct products[] = {
+                {left + onRight * leftStride, leftStride, state + 2 * laneCount + onRight,
+                 stateSize(), momentCount},
                 {left + onLeft * leftStride, leftStride, state + onLeft, stateSize(), leftAndTrend},
-                {left + lanes * leftStride, leftStride, weights + block.firstCase, stride,
+                {left + laneCount * leftStride, leftStride, weights + block.firstCase, stride,
                  block.lastCase - block.firstCase}};
             const std::size_t panel = stretch.firstPanel + p;
-            kernels.addProducts(products, 3, offsets.data() + panel * panelSize, 0, rows,
-                                result + (panel - first) * panelSize, resultStride);
+            addPanelProducts(products, 3, offsets.data() + panel * panelSize, 0, rows,
+                             result + (panel - first) * panelSize, resultStride);
         }
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <mirel_fitting/kriging/correlation/MaternKernels.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
+#include <mirel_fitting/machine/SimdLanes.h>
 
 #include <cstddef>
 #include <vector>
@@ -31,7 +31,7 @@ class AxisSums
 {
 public:
     /** Values are computed in panels of so many. */
-    static constexpr std::size_t panelSize = MaternKernels::lanes;
+    static constexpr std::size_t panelSize = laneCount;
 
     /** All numbers finite, cases and values ascending, in units of length / sqrt(5); at least one
      *  value. */
@@ -51,8 +51,8 @@ public:
     /** Panels of values, the last one filled up. */
     std::size_t panels() const { return panelCount; }
 
-    /** Numbers per row that condense() writes; a multiple of `lanes`. */
-    std::size_t stateSize() const { return (blocks.size() + 3) * MaternKernels::lanes; }
+    /** Numbers per row that condense() writes; a multiple of laneCount. */
+    std::size_t stateSize() const { return (blocks.size() + 3) * laneCount; }
 
     /** What is known of a row beside its weights: q_0 and q_1. */
     struct Trend
@@ -95,7 +95,7 @@ public:
     /**
      * result[i * resultStride + v] = y_v of row i, for all values v of the panels of the table, the
      * first of which is value 0 here.
-     * @param result aligned, its stride a multiple of `lanes`.
+     * @param result aligned, its stride a multiple of laneCount.
      */
     void evaluate(const Table& table, const double* weights, std::size_t stride,
                   const double* states, std::size_t rows, double* result,

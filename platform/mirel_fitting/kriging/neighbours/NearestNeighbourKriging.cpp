@@ -109,10 +109,9 @@ private:
         for (std::size_t k = 0; k < inputs; ++k) {
             points[count * inputs + k] = point[k] * factors[k];
         }
-        MaternKernels::best().correlate(
-            {columns.data(), stride, AlignedBuffer::padded(count)},
-            {points.data(), inputs, count + 1, MaternKernels::Reach::Unlimited},
-            correlations.data(), stride);
+        MaternKernels::correlate({columns.data(), stride, AlignedBuffer::padded(count)},
+                                 {points.data(), inputs, count + 1, true}, correlations.data(),
+                                 stride);
     }
 
     bool factorise(const Sources& sources, const std::uint32_t* cases, std::size_t count,
