@@ -9,22 +9,22 @@
 #include <vector>
 
 /**
- * The rows of a Kriging model as the other points predict them: rows with the same inputs are one
- * case, and left out together. Lengths, nugget and variance are those of all cases.
+ * Leave-one-out predictions of the rows of a Kriging model. Replicates, rows with the same inputs,
+ * are left out together. Lengths, nugget and process variance are those of the fit to all rows.
  */
 class KrigingLeaveOneOut
 {
 public:
-    /** What leaving out some points gave. */
+    /** Some points, each left out in turn. */
     struct Points
     {
-        const std::vector<std::size_t>& points; ///< of the cases
+        const std::vector<std::size_t>& points; ///< their numbers in KrigingCases
         const std::vector<double>& residuals;   ///< one per point, of the standardised output
-        /** Of the residuals, relative to `variance`. Empty: the model was not made from these
-         *  points, and predicts them like any other ones. */
+        /** Of the residuals, relative to `variance`. Empty: the model was not fitted to these
+         *  points, and its own standard errors apply. */
         const std::vector<double>& variances;
-        double variance; ///< of the process that they are relative to
-        double nugget;   ///< relative to it
+        double variance; ///< of the process
+        double nugget;   ///< relative to `variance`
     };
 
     KrigingLeaveOneOut() = default;
@@ -33,11 +33,11 @@ public:
     KrigingLeaveOneOut(const KrigingCases& cases, const std::vector<double>& output,
                        const KrigingData& data, const Points& left, double offset, double scale);
 
-    /** Of a model that is the mean of the rows. */
+    /** Of the model that predicts the mean of the rows. */
     static KrigingLeaveOneOut ofMean(const std::vector<double>& output);
 
-    /** Rows ascending. The predictor is that of the model; it is asked for what is not known yet.
-     */
+    /** Rows ascending. @param predictor of the same model; asked for standard errors that are not
+     *  known yet. */
     std::vector<LeaveOneOutPrediction> predictions(const KrigingCases& cases,
                                                    const KrigingPredictor& predictor) const;
 

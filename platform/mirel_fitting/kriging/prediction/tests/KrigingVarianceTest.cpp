@@ -1,0 +1,207 @@
+#include <mirel_fitting/kriging/prediction/KrigingVariance.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using Real = long double;
+using Matrix = std::vector<std::vector<Real>>;
+
+constexpr std::size_t cases = 12;
+const std::vector<double> lengths = {0.4, 0.9};
+
+/** Twelve cases over two inputs; the third stands for three rows, the last one for two. */
+FittedKriging modelOf(int trendOrder, double nugget)
+{
+    auto data = std::make_shared<KrigingData>();
+    data->cases = cases;
+    data->inputs = 2;
+    data->coordinates = UniformNumbers(6).next(2 * cases);
+    data->rows.assign(cases, 1.0);
+    data->rows[2] = 3.0;
+    data->rows[cases - 1] = 2.0;
+    const auto trend = std::make_shared<KrigingTrend>(cases, 2, data->coordinates, trendOrder, 0);
+    data->terms = trend->size();
+    data->trend = trend->matrix();
+    const auto correlation =
+        std::make_shared<MaternCorrelation>(cases, 2, data->coordinates.data());
+    correlation->setLengths(lengths);
+
+    FittedKriging model;
+    model.inputs = {0, 1};
+    model.trend = trend;
+    model.correlation = correlation;
+    model.data = data;
+    model.nugget = nugget;
+    return model;
+}
+
+std::vector<Real> caseOf(const FittedKriging& model, std::size_t i)
+{
+    return {model.data->coordinates[i], model.data->coordinates[cases + i]};
+}
+
+Real correlation(const std::vector<Real>& a, const std::vector<Real>& b)
+{
+    Real product = 1.0L;
+    for (std::size_t k = 0; k < 2; ++k) {
+        const Real z = std::sqrt(5.0L) * std::fabs(a[k] - b[k]) / lengths[k];
+        product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
+    }
+    return product;
+}
+
+/** Of order 0 or 1. */
+std::vector<Real> terms(const FittedKriging& model, const std::vector<Real>& x)
+{
+    std::vector<Real> values = {1.0L, 2.0L * x[0] - 1.0L, 2.0L * x[1] - 1.0L};
+    values.resize(model.data->terms);
+    return values;
+}
+
+/** right' matrix^-1 right by Gauss-Jordan elimination with pivoting. */
+Real quadraticForm(Matrix matrix, const std::vector<Real>& right)
+{
+    const std::size_t n = right.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        matrix[i].push_back(right[i]);
+    }
+    for (std::size_t j = 0; j < n; ++j) {
+        std::size_t pivot = j;
+        for (std::size_t i = j + 1; i < n; ++i) {
+            pivot = std::fabs(matrix[i][j]) > std::fabs(matrix[pivot][j]) ? i : pivot;
+        }
+        std::swap(matrix[j], matrix[pivot]);
+        for (std::size_t i = 0; i < n; ++i) {
+            const Real factor = i == j ? 0.0L : matrix[i][j] / matrix[j][j];
+            for (std::size_t k = j; k <= n && factor != 0.0L; ++k) {
+                matrix[i][k] -= factor * matrix[j][k];
+            }
+        }
+    }
+    Real sum = 0.0L;
+    for (std::size_t i = 0; i < n; ++i) {
+        sum += right[i] * matrix[i][n] / matrix[i][i];
+    }
+    return sum;
+}
+
+/** 1 - (r, f)' [R F; F' 0]^-1 (r, f): the Kriging system with Lagrange multipliers. */
+double directly(const FittedKriging& model, const std::vector<Real>& point)
+{
+    const std::size_t size = cases + model.data->terms;
+    Matrix matrix(size, std::vector<Real>(size, 0.0L));
+    std::vector<Real> right;
+    for (std::size_t i = 0; i < cases; ++i) {
+        const std::vector<Real> trend = terms(model, caseOf(model, i));
+        for (std::size_t j = 0; j < cases; ++j) {
+            matrix[i][j] = correlation(caseOf(model, i), caseOf(model, j));
+        }
+        matrix[i][i] += model.nugget / static_cast<Real>(model.data->rows[i]);
+        for (std::size_t t = 0; t < trend.size(); ++t) {
+            matrix[i][cases + t] = matrix[cases + t][i] = trend[t];
+        }
+        right.push_back(correlation(caseOf(model, i), point));
+    }
+    for (const Real term : terms(model, point)) {
+        right.push_back(term);
+    }
+    return static_cast<double>(1.0L - quadraticForm(matrix, right));
+}
+
+std::vector<double> variances(const KrigingVariance& variance, Columns points)
+{
+    const std::size_t count = points[0].size();
+    KrigingVariance::Workspace workspace(variance, count);
+    std::vector<double> result(count);
+    variance.evaluate({points[0].data(), points[1].data()}, count, workspace, result.data());
+    return result;
+}
+
+const Columns somePoints = {{0.1, 0.5, 0.93, 1.7, -3.0}, {0.2, 0.6, 0.01, 0.5, 9.0}};
+
+} // namespace
+
+TEST(KrigingVariance, SolvesTheKrigingSystem)
+{
+    for (const int order : {0, 1}) {
+        for (const double nugget : {1e-6, 0.05}) {
+            const FittedKriging model = modelOf(order, nugget);
+
+            const std::vector<double> found = variances(KrigingVariance(model), somePoints);
+
+            for (std::size_t i = 0; i < found.size(); ++i) {
+                const double expected = directly(model, {somePoints[0][i], somePoints[1][i]});
+                EXPECT_NEAR(found[i], expected, 1e-10 * (1.0 + expected))
+                    << order << ", " << nugget << ", point " << i;
+            }
+        }
+    }
+}
+
+TEST(KrigingVariance, CountsTheReplicatesOfACase)
+{
+    const FittedKriging model = modelOf(1, 0.5);
+    const Columns atCases = {
+        {model.data->coordinates[1], model.data->coordinates[2]},
+        {model.data->coordinates[cases + 1], model.data->coordinates[cases + 2]}};
+
+    const std::vector<double> found = variances(KrigingVariance(model), atCases);
+
+    EXPECT_NEAR(found[0], directly(model, caseOf(model, 1)), 1e-12);
+    EXPECT_NEAR(found[1], directly(model, caseOf(model, 2)), 1e-12);
+    EXPECT_LT(found[1], 0.5 / 3.0) << "three rows have a third of the noise";
+}
+
+TEST(KrigingVariance, IsZeroAtInterpolatedCasesAndPositiveBetween)
+{
+    FittedKriging model = modelOf(1, 1e-9);
+    model.interpolates = true;
+    const std::vector<double>& x = model.data->coordinates;
+    const Columns atCases = {{x.begin(), x.begin() + cases}, {x.begin() + cases, x.end()}};
+    const KrigingVariance variance(model);
+
+    for (const double value : variances(variance, atCases)) {
+        EXPECT_EQ(value, 0.0);
+    }
+    for (const double value : variances(variance, somePoints)) {
+        EXPECT_GT(value, 1e-6);
+    }
+    EXPECT_EQ(variance.noise(), 0.0);
+}
+
+TEST(KrigingVariance, HasTheNuggetAsNoiseOfANewCase)
+{
+    EXPECT_EQ(KrigingVariance(modelOf(0, 0.25)).noise(), 0.25);
+}
+
+TEST(KrigingVariance, IsThatOfAWeightedRegressionWithoutCorrelation)
+{
+    FittedKriging model = modelOf(1, 0.0);
+    model.correlation = nullptr;
+    Matrix normal(3, std::vector<Real>(3, 0.0L));
+    for (std::size_t i = 0; i < cases; ++i) {
+        const std::vector<Real> row = terms(model, caseOf(model, i));
+        for (std::size_t a = 0; a < 3; ++a) {
+            for (std::size_t b = 0; b < 3; ++b) {
+                normal[a][b] += static_cast<Real>(model.data->rows[i]) * row[a] * row[b];
+            }
+        }
+    }
+    const KrigingVariance variance(model);
+
+    const std::vector<double> found = variances(variance, somePoints);
+
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const auto expected = static_cast<double>(
+            quadraticForm(normal, terms(model, {somePoints[0][i], somePoints[1][i]})));
+        EXPECT_NEAR(found[i], expected, 1e-12 * (1.0 + expected)) << i;
+    }
+    EXPECT_EQ(variance.noise(), 1.0);
+}
