@@ -56,7 +56,8 @@ endfunction()
 # that take seconds each. In the sanitizer build only: the release build finds out a file of ours that
 # lacks an include.
 function(surrogate_precompile target)
-    list(TRANSFORM ARGN REPLACE "(.+)" "$<$<CONFIG:Asan>:\\1>")
+    # A plain > would end the generator expression.
+    list(TRANSFORM ARGN REPLACE "<(.+)>" "$<$<CONFIG:Asan>:<\\1$<ANGLE-R>>")
     target_precompile_headers(${target} PRIVATE ${ARGN})
 endfunction()
 
