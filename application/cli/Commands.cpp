@@ -15,8 +15,10 @@
 #include <session/files/OutputTable.h>
 #include <session/model/PredictionPoints.h>
 #include <session/project/ProjectDocument.h>
+#include <session/report/FitReport.h>
 #include <session/report/ProjectReport.h>
-#include <session/report/SessionReport.h>
+#include <session/report/ReportJson.h>
+#include <session/report/SummaryReport.h>
 #include <session/text/NumberText.h>
 #include <session/text/SessionErrors.h>
 
@@ -24,7 +26,6 @@
 
 #include <mirel_fitting/ThreadCount.h>
 
-#include <nlohmann/json.hpp>
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
@@ -45,18 +46,16 @@ void writeTable(const CommandLine& line, const OutputTable& table, OpenSession& 
         out.commit();
     }
     if (!line.asJson) {
-        note(line, SessionReport::notes(open.session, &evaluation));
+        note(line, FitReport::notes(open.session, &evaluation));
         return;
     }
 
-    const std::string object = SessionReport::fitJson(open.session, open.readSeconds, &evaluation);
+    const ReportJson::Json report = FitReport::runJson(open.session, open.readSeconds, &evaluation);
     OutputFile out("-");
     if (goesIntoObject) {
-        out.write(SessionReport::openedForMember(object, "table"));
-        writeJson(table, out);
-        out.write("\n}\n");
+        ReportJson::write(report, table, out);
     } else {
-        out.write(object);
+        out.write(ReportJson::text(report));
     }
     out.commit();
 }
@@ -65,8 +64,8 @@ void runSummary(const CommandLine& line)
 {
     const OpenSession open(line);
     open.save(line);
-    writeText(line.output, line.asJson ? SessionReport::summaryJson(open.session)
-                                       : SessionReport::summaryText(open.session));
+    writeText(line.output, line.asJson ? ReportJson::text(SummaryReport::json(open.session))
+                                       : SummaryReport::text(open.session));
 }
 
 void runFit(const CommandLine& line)
@@ -77,8 +76,9 @@ void runFit(const CommandLine& line)
         writeText(line.report, ReportPage::html(open.session));
     }
     open.save(line);
-    writeText(line.output, line.asJson ? SessionReport::fitJson(open.session, open.readSeconds)
-                                       : SessionReport::fitText(open.session));
+    writeText(line.output,
+              line.asJson ? ReportJson::text(FitReport::runJson(open.session, open.readSeconds))
+                          : FitReport::text(open.session));
 }
 
 /** Limits must not look like an input that has their name. */
@@ -159,9 +159,9 @@ void runEquations(const CommandLine& line)
         writeText(line.output, open.session.equationText());
     }
     if (line.asJson) {
-        writeText("-", SessionReport::equationsJson(open.session, open.readSeconds));
+        writeText("-", ReportJson::text(FitReport::equationsJson(open.session, open.readSeconds)));
     } else {
-        note(line, SessionReport::notes(open.session));
+        note(line, FitReport::notes(open.session));
     }
 }
 
@@ -172,7 +172,7 @@ void runPlot(const CommandLine& line)
     PlotCommand::chooseValues(line, open);
     const Evaluation evaluation = PlotCommand::run(line, open.session);
     open.save(line);
-    note(line, SessionReport::notes(open.session, &evaluation));
+    note(line, FitReport::notes(open.session, &evaluation));
 }
 
 void runExport(const CommandLine& line)
@@ -181,14 +181,14 @@ void runExport(const CommandLine& line)
     OpenSession open(line);
     ExportCommand::run(line, open.session);
     open.save(line);
-    note(line, SessionReport::notes(open.session));
+    note(line, FitReport::notes(open.session));
 }
 
 void runProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
-    writeText(line.output,
-              line.asJson ? ProjectReport::json(document) : ProjectReport::text(document));
+    writeText(line.output, line.asJson ? ReportJson::text(ProjectReport::json(document))
+                                       : ProjectReport::text(document));
 }
 
 void runCheck(const CommandLine& line)
@@ -198,7 +198,7 @@ void runCheck(const CommandLine& line)
     distribution.get(values);
     const bool isValid = distribution.isValid();
 
-    nlohmann::ordered_json object = {{"schema", 1}, {"text", line.subject}};
+    ReportJson::Json object = {{"schema", ReportJson::schemaVersion}, {"text", line.subject}};
     std::string text;
     if (isValid) {
         object["values"] = values;
@@ -215,7 +215,7 @@ void runCheck(const CommandLine& line)
         writeText(line.output, text);
     }
     if (line.asJson) {
-        writeText("-", object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n');
+        writeText("-", ReportJson::text(object));
     }
     if (!isValid) {
         throw DistributionTextError(distribution.errorString());

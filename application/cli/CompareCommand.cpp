@@ -41,7 +41,7 @@ void CompareCommand::run(const CommandLine& line)
         comparison = ModelComparison::of(open.session, folds);
     }
     open.save(line);
-    writeText(line.output, line.asJson
-                               ? ComparisonReport::json(open.session, comparison, open.readSeconds)
-                               : ComparisonReport::text(open.session, comparison));
+    writeText(line.output, line.asJson ? ReportJson::text(ComparisonReport::json(
+                                             open.session, comparison, open.readSeconds))
+                                       : ComparisonReport::text(open.session, comparison));
 }

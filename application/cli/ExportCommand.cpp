@@ -6,7 +6,7 @@
 #include <session/files/OutputFile.h>
 #include <session/model/CaseSession.h>
 #include <session/model/ModelFile.h>
-#include <session/report/SessionReport.h>
+#include <session/report/FitReport.h>
 #include <session/text/SessionErrors.h>
 
 #include <string>
@@ -29,7 +29,7 @@ void ExportCommand::run(const CommandLine& line, CaseSession& session)
 {
     fitWithProgress(line, session);
     const std::string content =
-        exportModel(ModelFile::exported(session, SessionReport::exportJson(session)),
+        exportModel(ModelFile::exported(session, ReportJson::compactText(FitReport::json(session))),
                     ModelFile::formatOf(line.format));
     OutputFile out(line.output);
     out.write(content);

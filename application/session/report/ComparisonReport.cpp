@@ -4,8 +4,8 @@
 #include "session/model/CaseSession.h"
 #include "session/model/ModelComparison.h"
 #include "session/model/PolynomialWords.h"
-#include "session/report/SessionJson.h"
-#include "session/report/SessionReport.h"
+#include "session/report/ReportHeading.h"
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <vector>
 
-using SessionJson::Json;
+using ReportJson::Json;
 
 namespace {
 std::string shownSeconds(double seconds)
@@ -97,20 +97,16 @@ const char* nameOf(OutputComparison::Verdict verdict)
 
 std::string ComparisonReport::text(const CaseSession& session, const ModelComparison& comparison)
 {
-    std::string names;
-    for (const std::string& name : namesOf(session.inputs())) {
-        names += (names.empty() ? "" : ", ") + name;
-    }
-    std::string text = "Cases   " + SessionReport::caseText(session) + '\n';
-    text += "Inputs  " + oneLineText(names) + '\n';
+    std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
+    text += "Inputs  " + oneLineText(joinedText(namesOf(session.inputs()))) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
-    const ResponseSurfaceOptions options = session.responseSurface();
-    if (options.terms != PolynomialTerms::Quadratic) {
+    const PolynomialTerms terms = session.responseSurface().terms;
+    if (terms != PolynomialTerms::Quadratic) {
         text += std::string("Order   the response surface is linear") +
-                (options.terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
+                (terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
-    if (options.selection == ResponseSurfaceOptions::Selection::BackwardAicc) {
+    if (ReportHeading::selectsTerms(session)) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
     for (const OutputComparison& output : comparison.outputs) {
@@ -119,11 +115,11 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     return text;
 }
 
-std::string ComparisonReport::json(const CaseSession& session, const ModelComparison& comparison,
-                                   double readSeconds)
+ReportJson::Json ComparisonReport::json(const CaseSession& session,
+                                        const ModelComparison& comparison, double readSeconds)
 {
-    Json json = {{"schema", SessionJson::schemaVersion},
-                 {"cases", SessionJson::casesJson(session.counts())},
+    Json json = {{"schema", ReportJson::schemaVersion},
+                 {"cases", ReportJson::cases(session.counts())},
                  {"inputs", namesOf(session.inputs())},
                  {"folds", comparison.folds},
                  {"outputs", Json::array()}};
@@ -139,8 +135,7 @@ std::string ComparisonReport::json(const CaseSession& session, const ModelCompar
              {"recommendation", output.recommendation}});
     }
     json["terms"] = termsWord(session.responseSurface().terms);
-    json["selectsTerms"] =
-        session.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+    json["selectsTerms"] = ReportHeading::selectsTerms(session);
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
-    return SessionJson::dumped(json);
+    return json;
 }

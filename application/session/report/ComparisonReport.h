@@ -1,5 +1,7 @@
 #pragma once
 
+#include <session/report/ReportJson.h>
+
 #include <surrogate_session/Export.h>
 
 #include <string>
@@ -7,12 +9,12 @@
 class CaseSession;
 struct ModelComparison;
 
-/** What a comparison of the models has to say, as text for people and as JSON for programs. */
+/** A comparison of the models, as text for people and as JSON for programs. */
 namespace ComparisonReport {
 SURROGATE_SESSION_EXPORT std::string text(const CaseSession& session,
                                           const ModelComparison& comparison);
 
 /** @param readSeconds the time that reading the case file took. */
-SURROGATE_SESSION_EXPORT std::string json(const CaseSession& session,
-                                          const ModelComparison& comparison, double readSeconds);
+SURROGATE_SESSION_EXPORT ReportJson::Json
+json(const CaseSession& session, const ModelComparison& comparison, double readSeconds);
 } // namespace ComparisonReport

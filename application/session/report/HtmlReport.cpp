@@ -2,8 +2,10 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/model/CaseSession.h"
-#include "session/report/SessionReport.h"
+#include "session/report/FitReport.h"
+#include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
@@ -75,7 +77,7 @@ std::string figureTable(const OutputFit& fit, const std::vector<std::string>& in
                         const ResponseSurfaceStatistics* statistics)
 {
     std::string text = "<table class=\"figures\"><tbody>\n";
-    for (const auto& [name, figure] : SessionReport::figures(fit, inputs, statistics)) {
+    for (const auto& [name, figure] : FitReport::figures(fit, inputs, statistics)) {
         text += row({name, figure}, "td");
     }
     return text + "</tbody></table>\n";
@@ -110,15 +112,6 @@ std::string statisticsSection(const ResponseSurfaceStatistics& statistics,
     text += element("p", escaped(StatisticsTables::stationaryPointText(statistics, inputs)));
     text += element("h3", "Equation");
     return text + "<pre>" + escaped(equation) + "</pre>\n";
-}
-
-std::string joined(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += (text.empty() ? "" : ", ") + name;
-    }
-    return text;
 }
 } // namespace
 
@@ -159,13 +152,13 @@ std::string HtmlReport::text(CaseSession& session,
         statistics.empty() ? std::vector<std::string>() : session.equations();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     const std::string title = std::string(isKriging ? "Kriging" : "Response surface") + " of " +
-                              joined(namesOf(session.outputs()));
+                              joinedText(namesOf(session.outputs()));
 
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n" +
                        element("title", escaped(title)) + "<style>" + style + "</style>\n" +
                        "</head>\n<body>\n" + element("h1", escaped(title));
-    html += element("p", "Model: " + SessionReport::modelText(session) + '.');
-    html += element("p", "Cases: " + escaped(SessionReport::caseText(session)) + '.');
+    html += element("p", "Model: " + ReportHeading::modelText(session) + '.');
+    html += element("p", "Cases: " + escaped(ReportHeading::caseText(session)) + '.');
     html += tableText(inputTable(session));
     for (std::size_t i = 0; i < fits.size(); ++i) {
         html += outputSection(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i],

@@ -3,10 +3,9 @@
 #include "session/cases/CaseNumbers.h"
 #include "session/model/PolynomialWords.h"
 #include "session/project/ProjectDocument.h"
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/TextTable.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,11 +13,9 @@
 #include <optional>
 #include <vector>
 
-using Json = nlohmann::ordered_json;
+using ReportJson::Json;
 
 namespace {
-constexpr int schemaVersion = 1;
-
 const char* separatorName(char separator)
 {
     return separator == ',' ? "comma" : separator == ';' ? "semicolon" : "tab";
@@ -44,13 +41,9 @@ const char* modelName(const ProjectDocument& document)
     return document.modelType() == "ResponseModel" ? "response-surface" : "kriging";
 }
 
-std::string joined(const std::vector<std::string>& texts)
+std::string listText(const std::vector<std::string>& names)
 {
-    std::string all;
-    for (const std::string& text : texts) {
-        all += (all.empty() ? "" : ", ") + text;
-    }
-    return all.empty() ? "none" : all;
+    return names.empty() ? "none" : joinedText(names);
 }
 
 std::string rangeText(const std::optional<ProjectDocument::Range>& range)
@@ -116,8 +109,8 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                     : "") +
                                ", if it is a response surface"});
     }
-    head.add({"Inputs", joined(document.modelInputs())});
-    head.add({"Outputs", joined(document.outputs)});
+    head.add({"Inputs", listText(document.modelInputs())});
+    head.add({"Outputs", listText(document.outputs)});
 
     TextTable table({false, false, false, false});
     table.add({"Variable", "Role", "Range", "Values"});
@@ -132,10 +125,10 @@ std::string ProjectReport::text(const ProjectDocument& document)
     return head.text("") + '\n' + table.text("");
 }
 
-std::string ProjectReport::json(const ProjectDocument& document)
+ReportJson::Json ProjectReport::json(const ProjectDocument& document)
 {
     const ProjectDocument::CaseFile& cases = document.caseFile;
-    Json json = {{"schema", schemaVersion},
+    Json json = {{"schema", ReportJson::schemaVersion},
                  {"caseFile",
                   {{"path", cases.path},
                    {"state", stateName(document.checkCaseFile().state)},
@@ -166,5 +159,5 @@ std::string ProjectReport::json(const ProjectDocument& document)
         json["sweeps"].push_back(
             {{"name", sweep.name}, {"count", sweep.count}, {"range", rangeJson(sweep.range)}});
     }
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return json;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <session/report/ReportJson.h>
+
 #include <surrogate_session/Export.h>
 
 #include <string>
@@ -13,5 +15,5 @@ class ProjectDocument;
 namespace ProjectReport {
 /** @throw FileError if the case file is there but cannot be read. */
 SURROGATE_SESSION_EXPORT std::string text(const ProjectDocument& document);
-SURROGATE_SESSION_EXPORT std::string json(const ProjectDocument& document);
+SURROGATE_SESSION_EXPORT ReportJson::Json json(const ProjectDocument& document);
 } // namespace ProjectReport

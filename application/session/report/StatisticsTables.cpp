@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <utility>
 
-using SessionJson::Json;
+using ReportJson::Json;
 
 namespace {
 /** Of a probability, or a factor that nobody reads closer. */

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/report/SessionJson.h"
+#include "session/report/ReportJson.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -31,6 +31,6 @@ std::string text(const ResponseSurfaceStatistics& statistics,
 
 /** The members "coefficients" and "codedCoefficients" of the terms that are kept, "anova",
  *  "leverage", "stationaryPoint" and "droppedTerms". */
-SessionJson::Json json(const ResponseSurfaceStatistics& statistics,
-                       const std::vector<std::string>& inputs);
+ReportJson::Json json(const ResponseSurfaceStatistics& statistics,
+                      const std::vector<std::string>& inputs);
 } // namespace StatisticsTables

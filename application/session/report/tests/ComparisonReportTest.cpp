@@ -74,7 +74,8 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
         text.find("\n  Kriging              -     -              -        -              -\n"),
         std::string::npos)
         << text;
-    const Json json = Json::parse(ComparisonReport::json(cvdSession(), comparison, 0.0));
+    const Json json =
+        Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0)));
     EXPECT_EQ(json["outputs"][0]["models"][1].dump(),
               R"({"model":"kriging","cases":0,"q2":null,"rmse":null,"largestError":null,)"
               R"("largestErrorCase":null,"fitSeconds":null,"failures":[],"warnings":[]})");
@@ -82,7 +83,8 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
 
 TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
 {
-    const Json json = Json::parse(ComparisonReport::json(cvdSession(), sampleComparison(), 0.25));
+    const Json json = Json::parse(
+        ReportJson::text(ComparisonReport::json(cvdSession(), sampleComparison(), 0.25)));
 
     EXPECT_EQ(json.dump(),
               R"({"schema":1,"cases":{"read":11,"valid":11,"excluded":0,"invalid":0},)"
@@ -105,7 +107,8 @@ TEST(ComparisonReport, NamesEachVerdict)
     ModelComparison comparison = sampleComparison();
     const auto recommended = [&](OutputComparison::Verdict verdict) {
         comparison.outputs[0].verdict = verdict;
-        const std::string text = ComparisonReport::json(cvdSession(), comparison, 0.0);
+        const std::string text =
+            ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0));
         return Json::parse(text)["outputs"][0]["recommended"];
     };
 

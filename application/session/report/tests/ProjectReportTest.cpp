@@ -34,8 +34,8 @@ TEST(ProjectReport, SaysWhetherTermsAreSelected)
 
     EXPECT_NE(ProjectReport::text(selecting).find("selected by AICc"), std::string::npos);
     EXPECT_EQ(ProjectReport::text(all).find("selected"), std::string::npos);
-    EXPECT_EQ(Json::parse(ProjectReport::json(selecting))["selectsTerms"], true);
-    EXPECT_EQ(Json::parse(ProjectReport::json(all))["selectsTerms"], false);
+    EXPECT_EQ(ProjectReport::json(selecting)["selectsTerms"], true);
+    EXPECT_EQ(ProjectReport::json(all)["selectsTerms"], false);
 }
 
 TEST(ProjectReport, NamesThePolynomial)
@@ -43,7 +43,7 @@ TEST(ProjectReport, NamesThePolynomial)
     const ProjectDocument linear =
         documentWith({PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
 
-    EXPECT_EQ(Json::parse(ProjectReport::json(linear))["terms"], "linear");
+    EXPECT_EQ(ProjectReport::json(linear)["terms"], "linear");
     EXPECT_NE(ProjectReport::text(linear).find("linear, if it is a response surface\n"),
               std::string::npos);
 }

@@ -3,7 +3,7 @@
 #include "CvdCases.h"
 
 #include <session/model/CaseSession.h>
-#include <session/report/SessionReport.h>
+#include <session/report/FitReport.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -33,7 +33,7 @@ std::vector<std::string> keysOf(const Json& object)
 
 Json outputOf(CaseSession session)
 {
-    return Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0];
+    return Json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0];
 }
 } // namespace
 
@@ -102,11 +102,11 @@ TEST(StatisticsTables, AnInputThatIsLeftOutMayBeAnywhereAtTheStationaryPoint)
     CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
     const Json point =
-        Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["stationaryPoint"];
+        Json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0]["stationaryPoint"];
     EXPECT_TRUE(point["coordinates"][0].is_number());
     EXPECT_TRUE(point["coordinates"][1].is_null());
-    EXPECT_NE(SessionReport::fitText(session).find(", any H2/WF6, "), std::string::npos)
-        << SessionReport::fitText(session);
+    EXPECT_NE(FitReport::text(session).find(", any H2/WF6, "), std::string::npos)
+        << FitReport::text(session);
 }
 
 TEST(StatisticsTables, JsonHasTheAnalysisOfVariance)
@@ -154,7 +154,7 @@ TEST(StatisticsTables, AreThoseOfAResponseSurfaceOnly)
 TEST(StatisticsTables, TextAlignsThem)
 {
     CaseSession session = cvdSession(CaseSession::ResponseSurface);
-    const std::string text = SessionReport::fitText(session);
+    const std::string text = FitReport::text(session);
 
     for (const char* part :
          {"\n  Coefficients\n    Term                  Estimate   Std. error ",
@@ -169,7 +169,7 @@ TEST(StatisticsTables, TextSaysThatThereIsNoStationaryPoint)
 {
     CaseSession session = cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 8, 9, 10});
 
-    EXPECT_NE(SessionReport::fitText(session).find(
+    EXPECT_NE(FitReport::text(session).find(
                   "\n  There is no stationary point: the polynomial is not curved.\n"),
               std::string::npos);
 }

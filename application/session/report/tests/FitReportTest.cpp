@@ -1,35 +1,24 @@
-#include <session/report/SessionReport.h>
+#include <session/report/FitReport.h>
 
 #include "CvdCases.h"
+#include "SmallTable.h"
+
+#include <session/model/CaseSession.h>
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 using Json = nlohmann::json;
 
-CaseTable smallTable()
+/** As a reader gets it. */
+Json printed(const ReportJson::Json& report)
 {
-    const double missing = std::nan("");
-    CaseTable table;
-    table.path = "small.csv";
-    table.cases = 5;
-    table.columns.resize(4);
-    table.columns[0].name = "\xC3\xA4";
-    table.columns[0].numbers = {0.5, 1, 2, 3, missing};
-    table.columns[1].name = "site";
-    table.columns[1].isNumeric = false;
-    table.columns[1].texts = {"n", "", "s", "", "n"};
-    table.columns[2].name = "y";
-    table.columns[2].numbers = {1, 2, 3, std::numeric_limits<double>::infinity(), 5};
-    table.columns[3].name = "empty";
-    table.columns[3].numbers = std::vector<double>(5, missing);
-    return table;
+    return Json::parse(ReportJson::text(report));
 }
 
 std::vector<std::string> keysOf(const Json& object)
@@ -44,42 +33,11 @@ std::vector<std::string> keysOf(const Json& object)
 using Keys = std::vector<std::string>;
 } // namespace
 
-TEST(SessionReport, SummaryListsVariablesAndCases)
-{
-    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
-
-    EXPECT_EQ(SessionReport::summaryText(session),
-              "Variable  Kind     Role    Minimum  Maximum  Missing\n"
-              "\xC3\xA4         numeric  input       0.5        3        1\n"
-              "site      text     -             -        -        2\n"
-              "y         numeric  output        1        5        0\n"
-              "empty     numeric  -             -        -        5\n"
-              "\n"
-              "Cases: 5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)\n"
-              "y alone would have 2 valid cases.\n");
-}
-
-TEST(SessionReport, SummaryAsJsonHasTheSame)
-{
-    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
-
-    const Json json = Json::parse(SessionReport::summaryJson(session));
-
-    EXPECT_EQ(json["schema"], 1);
-    EXPECT_EQ(json["cases"], Json::parse(R"({"read": 5, "valid": 2, "excluded": 1, "invalid": 2,
-        "invalidBy": [{"name": "\u00e4", "cases": 1}, {"name": "y", "cases": 1}]})"));
-    EXPECT_EQ(json["variables"][0], Json::parse(R"({"name": "\u00e4", "kind": "numeric",
-        "role": "input", "minimum": 0.5, "maximum": 3.0, "missing": 1})"));
-    EXPECT_EQ(json["variables"][1], Json::parse(R"({"name": "site", "kind": "text",
-        "role": "none", "minimum": null, "maximum": null, "missing": 2})"));
-    EXPECT_EQ(json["outputs"], Json::parse(R"([{"name": "y", "validAlone": 2}])"));
-}
-
-TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
+TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2, 3}}, {}, CaseSession::ResponseSurface);
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.25));
+    const Json json = printed(FitReport::runJson(session, 0.25));
 
     EXPECT_EQ(keysOf(json), (Keys{"cases", "inputs", "model", "outputs", "schema", "seconds",
                                   "selectsTerms", "terms"}));
@@ -103,11 +61,11 @@ TEST(SessionReport, FitAsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["seconds"]["evaluate"], 0.0);
 }
 
-TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
+TEST(FitReport, OfKrigingAsJsonHasItsParameters)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_EQ(json["model"], "kriging");
     const Json& output = json["outputs"][0];
@@ -121,7 +79,7 @@ TEST(SessionReport, KrigingFitAsJsonHasItsParameters)
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
 }
 
-TEST(SessionReport, ANuggetAtItsBoundIsTold)
+TEST(FitReport, SaysThatTheNuggetIsAtItsBound)
 {
     // Cases that jump up and down tell nothing about each other.
     CaseTable table;
@@ -136,31 +94,31 @@ TEST(SessionReport, ANuggetAtItsBoundIsTold)
     }
     CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_EQ(json["outputs"][0]["nuggetBound"], "upper");
-    EXPECT_NE(SessionReport::fitText(session).find("  100 of the process variance (at its upper "
-                                                   "bound)\n"),
+    EXPECT_NE(FitReport::text(session).find("  100 of the process variance (at its upper "
+                                            "bound)\n"),
               std::string::npos)
-        << SessionReport::fitText(session);
+        << FitReport::text(session);
 }
 
-TEST(SessionReport, FiguresThatDoNotExistAreNull)
+TEST(FitReport, FiguresThatDoNotExistAreNull)
 {
     CaseTable table = smallTable();
     table.columns[0].numbers = {1, 1, 1, 1, 1};
     CaseSession session(std::move(table), {{0}, {2}}, {1, 2, 3, 4}, CaseSession::ResponseSurface);
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_TRUE(json["outputs"][0]["metrics"]["adjustedR2"].is_null());
 }
 
-TEST(SessionReport, FitTextTellsMetricsAndModel)
+TEST(FitReport, TextHasMetricsAndModel)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
-    const std::string text = SessionReport::fitText(session);
+    const std::string text = FitReport::text(session);
 
     EXPECT_EQ(text.rfind("Cases   11 read, 11 valid, 0 excluded, 0 invalid\n"
                          "Model   response surface\n"
@@ -176,18 +134,18 @@ TEST(SessionReport, FitTextTellsMetricsAndModel)
         << text;
 }
 
-TEST(SessionReport, KrigingFitTextNamesTheInputOfEachLength)
+TEST(FitReport, OfKrigingNamesTheInputOfEachLength)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
 
-    const std::string text = SessionReport::fitText(session);
+    const std::string text = FitReport::text(session);
 
     EXPECT_NE(text.find("  correlation length of Pressure  "), std::string::npos) << text;
     EXPECT_NE(text.find("  correlation length of H2/WF6    "), std::string::npos) << text;
     EXPECT_NE(text.find(" of the process variance\n"), std::string::npos) << text;
 }
 
-TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
+TEST(FitReport, NumbersTheWorstCasesAsTheFileDoes)
 {
     CaseTable table = cvdCases();
     const std::vector<double> stress = table.columns[3].numbers;
@@ -195,7 +153,7 @@ TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
     table.columns[3].numbers[0] = std::nan("");
     CaseSession session(std::move(table), {{0, 1}, {3}}, {4}, CaseSession::Kriging);
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json json = printed(FitReport::runJson(session, 0.0));
     const Json& worst = json["outputs"][0]["worstCases"];
 
     ASSERT_FALSE(worst.empty());
@@ -204,10 +162,10 @@ TEST(SessionReport, TheWorstCasesHaveTheNumbersThatTheFileGivesThem)
         const bool isRepeated = position == 1 || position == 5 || position == 10;
         EXPECT_TRUE(isRepeated || one["output"] == stress[position]) << one;
     }
-    EXPECT_NE(SessionReport::fitText(session).find("  left out, case "), std::string::npos);
+    EXPECT_NE(FitReport::text(session).find("  left out, case "), std::string::npos);
 }
 
-TEST(SessionReport, TheWorstCasesShowTheirErrorsBesideALargeOffset)
+TEST(FitReport, ShowsTheErrorsOfTheWorstCasesBesideALargeOffset)
 {
     CaseTable table = cvdCases();
     for (double& value : table.columns[2].numbers) {
@@ -215,29 +173,29 @@ TEST(SessionReport, TheWorstCasesShowTheirErrorsBesideALargeOffset)
     }
     CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::Kriging);
 
-    const std::string text = SessionReport::fitText(session);
+    const std::string text = FitReport::text(session);
 
     const std::size_t line = text.find("  left out, case ");
     ASSERT_NE(line, std::string::npos) << text;
     EXPECT_EQ(text.find("e+09", line), std::string::npos) << text;
 }
 
-TEST(SessionReport, ThereAreNoNotesWhereNothingWasChanged)
+TEST(FitReport, HasNoNotesIfNothingWasChanged)
 {
     CaseSession clean(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
-    EXPECT_EQ(SessionReport::notes(clean), "");
+    EXPECT_EQ(FitReport::notes(clean), "");
 }
 
-TEST(SessionReport, NotesNameTheVariablesThatLackValues)
+TEST(FitReport, NotesNameTheVariablesThatLackValues)
 {
     CaseSession session(smallTable(), {{0}, {2}}, {}, CaseSession::ResponseSurface);
 
-    EXPECT_EQ(SessionReport::notes(session).rfind(
+    EXPECT_EQ(FitReport::notes(session).rfind(
                   "Cases: 5 read, 3 valid, 0 excluded, 2 invalid (\xC3\xA4 1, y 1).\n", 0),
               0u);
 }
 
-TEST(SessionReport, PointsOutsideTheCasesAreReported)
+TEST(FitReport, WarnsOfPointsOutsideTheCases)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
         CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
@@ -247,26 +205,19 @@ TEST(SessionReport, PointsOutsideTheCasesAreReported)
                                      "0.25 of its range beyond them. Do not rely on predictions "
                                      "there.";
 
-        const std::string notes = SessionReport::notes(session, &outside);
+        const std::string notes = FitReport::notes(session, &outside);
         EXPECT_NE(notes.find("Warning: " + sentence + '\n'), std::string::npos) << notes;
-        EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0, &outside))["extrapolation"],
-                  sentence);
+        EXPECT_EQ(printed(FitReport::runJson(session, 0.0, &outside))["extrapolation"], sentence);
     }
 }
 
-TEST(SessionReport, AnObjectCanTakeOneMoreMember)
-{
-    EXPECT_EQ(SessionReport::openedForMember("{\n  \"a\": 1\n}\n", "table") + "2}",
-              "{\n  \"a\": 1,\n  \"table\": 2}");
-}
-
-TEST(SessionReport, NamesTheSelectionOfTermsAndWhatItDropped)
+TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
     session.chooseResponseSurface(
         {PolynomialTerms::Quadratic, ResponseSurfaceOptions::Selection::BackwardAicc});
 
-    const std::string text = SessionReport::fitText(session);
+    const std::string text = FitReport::text(session);
 
     EXPECT_NE(text.find("Model   response surface, terms selected by AICc\n"), std::string::npos)
         << text;
@@ -274,60 +225,60 @@ TEST(SessionReport, NamesTheSelectionOfTermsAndWhatItDropped)
                         "left out.\n"),
               std::string::npos)
         << text;
-    EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["droppedTerms"],
+    EXPECT_EQ(printed(FitReport::runJson(session, 0.0))["outputs"][0]["droppedTerms"],
               Json::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
                               {"term": "V2^2", "name": "H2/WF6^2"}])"));
 
     session.chooseResponseSurface(
         {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc});
-    EXPECT_NE(SessionReport::fitText(session).find(
+    EXPECT_NE(FitReport::text(session).find(
                   "\nModel   response surface, linear, terms selected by AICc\n"),
               std::string::npos);
 }
 
-TEST(SessionReport, HasAnEmptyListOfDroppedTermsWhereAllAreKept)
+TEST(FitReport, HasAnEmptyListOfDroppedTermsWhereAllAreKept)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
-    EXPECT_EQ(Json::parse(SessionReport::fitJson(session, 0.0))["outputs"][0]["droppedTerms"],
+    EXPECT_EQ(printed(FitReport::runJson(session, 0.0))["outputs"][0]["droppedTerms"],
               Json::array());
 }
 
-TEST(SessionReport, NamesThePolynomial)
+TEST(FitReport, NamesThePolynomial)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
     session.chooseResponseSurface(
         {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All});
 
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0));
+    const Json json = printed(FitReport::runJson(session, 0.0));
     EXPECT_EQ(json["terms"], "interactions");
     EXPECT_EQ(json["selectsTerms"], false);
     EXPECT_EQ(json["outputs"][0]["coefficients"].size(), 4u);
     EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
-    EXPECT_NE(SessionReport::fitText(session).find(
-                  "\nModel   response surface, linear with interactions\n"),
-              std::string::npos);
+    EXPECT_NE(
+        FitReport::text(session).find("\nModel   response surface, linear with interactions\n"),
+        std::string::npos);
 }
 
-TEST(SessionReport, SaysWhyThereAreNoLimits)
+TEST(FitReport, SaysWhyThereAreNoLimits)
 {
     // Six cases for six terms.
     CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {3, 4, 5, 9, 10},
                         CaseSession::ResponseSurface);
     const GridEvaluation evaluation = session.evaluate(95.0);
 
-    EXPECT_NE(SessionReport::notes(session, &evaluation)
+    EXPECT_NE(FitReport::notes(session, &evaluation)
                   .find("Warning: " + evaluation.intervalFaults[0] + '\n'),
               std::string::npos);
-    const Json json = Json::parse(SessionReport::fitJson(session, 0.0, &evaluation));
+    const Json json = printed(FitReport::runJson(session, 0.0, &evaluation));
     EXPECT_EQ(json["intervalFaults"].size(), 2u);
 }
 
-TEST(SessionReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
+TEST(FitReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
 {
     CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {}, CaseSession::ResponseSurface);
-    Json fit = Json::parse(SessionReport::fitJson(session, 1.0));
+    Json fit = printed(FitReport::runJson(session, 1.0));
     fit.erase("seconds");
 
-    EXPECT_EQ(Json::parse(SessionReport::exportJson(session)), fit);
+    EXPECT_EQ(printed(FitReport::json(session)), fit);
 }

@@ -1,0 +1,275 @@
+#include "session/report/FitReport.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/model/CaseSession.h"
+#include "session/report/ReportHeading.h"
+#include "session/report/StatisticsTables.h"
+#include "session/text/JoinedText.h"
+#include "session/text/NumberText.h"
+#include "session/text/TextTable.h"
+
+#include <cmath>
+#include <cstddef>
+
+using ReportJson::Json;
+
+namespace {
+Json secondsJson(double readSeconds, double fitSeconds, const Evaluation* evaluation = nullptr)
+{
+    return {{"read", readSeconds},
+            {"fit", fitSeconds},
+            {"evaluate", evaluation == nullptr ? 0.0 : evaluation->seconds}};
+}
+
+Json metricsJson(const OutputFit& fit)
+{
+    const FitMetrics& metrics = fit.metrics;
+    if (fit.kriging) {
+        return {{"rmse", metrics.rmse}, {"looRmse", metrics.looRmse}, {"q2", metrics.q2}};
+    }
+    return {{"r2", metrics.r2},
+            {"adjustedR2", metrics.adjustedR2},
+            {"rmse", metrics.rmse},
+            {"predictedR2", metrics.predictedR2}};
+}
+
+const char* boundName(KrigingReport::Bound bound)
+{
+    switch (bound) {
+    case KrigingReport::Bound::Lower:
+        return "lower";
+    case KrigingReport::Bound::Upper:
+        return "upper";
+    default:
+        return "none";
+    }
+}
+
+KrigingReport::Bound lengthBound(const KrigingReport& report, std::size_t input)
+{
+    return input < report.lengthBounds.size() ? report.lengthBounds[input]
+                                              : KrigingReport::Bound::None;
+}
+
+std::string boundText(KrigingReport::Bound bound)
+{
+    const std::string name = boundName(bound);
+    return name == "none" ? "" : " (at its " + name + " bound)";
+}
+
+Json krigingJson(const KrigingReport& report)
+{
+    Json bounds = Json::array();
+    for (std::size_t i = 0; i < report.correlationLengths.size(); ++i) {
+        bounds.push_back(boundName(lengthBound(report, i)));
+    }
+    Json worst = Json::array();
+    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
+        worst.push_back(
+            {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}});
+    }
+    return {{"correlationLengths", report.correlationLengths},
+            {"lengthBounds", bounds},
+            {"nugget", report.nugget},
+            {"nuggetBound", boundName(report.nuggetBound)},
+            {"noiseDeviation", report.noiseDeviation},
+            {"processVariance", report.processVariance},
+            {"logLikelihood", report.logLikelihood},
+            {"secondLogLikelihood", report.secondLogLikelihood},
+            {"condition", report.condition},
+            {"trend", report.trendTerms},
+            {"worstCases", worst}};
+}
+
+Json outputJson(const OutputFit& fit)
+{
+    Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
+    if (fit.kriging) {
+        json.update(krigingJson(*fit.kriging));
+    }
+    return json;
+}
+
+std::string leverageText(const ResponseSurfaceStatistics& statistics)
+{
+    constexpr int digits = 3;
+    std::vector<std::string> texts;
+    for (const CaseLeverage& one : statistics.largestLeverages) {
+        texts.push_back(shownNumber(one.leverage, digits) + " of case " +
+                        std::to_string(one.row + 1));
+    }
+    return joinedText(texts);
+}
+
+std::string outputText(const OutputFit& fit, const std::vector<std::string>& inputs,
+                       const ResponseSurfaceStatistics* statistics)
+{
+    TextTable table({false, false});
+    for (const auto& [name, figure] : FitReport::figures(fit, inputs, statistics)) {
+        table.add({name, figure});
+    }
+    std::string text = '\n' + fit.name + '\n' + table.text("  ");
+    for (const std::string& warning : fit.warnings) {
+        text += "  Warning: " + warning + '\n';
+    }
+    return text;
+}
+using Figures = std::vector<std::pair<std::string, std::string>>;
+
+Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
+                       const std::vector<std::string>& inputs)
+{
+    Figures figures = {{"RMSE at the cases", shownNumber(metrics.rmse)},
+                       {"leave-one-out RMSE", shownNumber(metrics.looRmse)},
+                       {"Q2", shownNumber(metrics.q2)}};
+    if (!std::isnan(report.logLikelihood)) {
+        figures.emplace_back("log-likelihood", shownNumber(report.logLikelihood));
+    }
+    if (!std::isnan(report.secondLogLikelihood)) {
+        figures.emplace_back("of the second-best maximum", shownNumber(report.secondLogLikelihood));
+    }
+    figures.emplace_back("process variance", shownNumber(report.processVariance));
+    figures.emplace_back("nugget", shownNumber(report.nugget) + " of the process variance" +
+                                       boundText(report.nuggetBound));
+    if (report.noiseDeviation > 0.0) {
+        figures.emplace_back("noise, standard deviation", shownNumber(report.noiseDeviation));
+    }
+    figures.emplace_back("condition of the correlations", shownNumber(report.condition));
+    figures.emplace_back("trend", joinedText(report.trendTerms));
+    for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
+        figures.emplace_back("correlation length of " + inputs[i],
+                             shownNumber(report.correlationLengths[i]) +
+                                 boundText(lengthBound(report, i)));
+    }
+    for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
+        constexpr int fewestDigits = 6;
+        const int digits = worst.digits(fewestDigits);
+        figures.emplace_back("left out, case " + std::to_string(worst.row + 1),
+                             shownNumber(worst.predicted, digits) + " instead of " +
+                                 shownNumber(worst.output, digits));
+    }
+    return figures;
+}
+
+Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistics* statistics)
+{
+    Figures figures = {{"R2", shownNumber(metrics.r2)},
+                       {"adjusted R2", shownNumber(metrics.adjustedR2)},
+                       {"predicted R2", shownNumber(metrics.predictedR2)},
+                       {"RMSE", shownNumber(metrics.rmse)},
+                       {"PRESS", shownNumber(metrics.press)}};
+    if (statistics != nullptr) {
+        figures.emplace_back("AICc", shownNumber(statistics->aicc));
+        figures.emplace_back("residual degrees of freedom",
+                             std::to_string(statistics->residualDegreesOfFreedom));
+    }
+    figures.emplace_back("coefficients", std::to_string(metrics.terms));
+    if (statistics != nullptr) {
+        figures.emplace_back("mean leverage", shownNumber(statistics->meanLeverage));
+        figures.emplace_back("largest leverages", leverageText(*statistics));
+    }
+    return figures;
+}
+} // namespace
+
+std::vector<std::pair<std::string, std::string>>
+FitReport::figures(const OutputFit& fit, const std::vector<std::string>& inputs,
+                   const ResponseSurfaceStatistics* statistics)
+{
+    return fit.kriging ? krigingFigures(fit.metrics, *fit.kriging, inputs)
+                       : surfaceFigures(fit.metrics, statistics);
+}
+
+std::string FitReport::text(CaseSession& session)
+{
+    const std::vector<OutputFit>& fits = session.fit().outputs;
+    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
+    text += "Model   " + ReportHeading::modelText(session) + '\n';
+    std::vector<std::string> legend;
+    legend.reserve(inputs.size());
+    for (const std::string& input : inputs) {
+        legend.push_back(input + " (V" + std::to_string(legend.size() + 1) + ')');
+    }
+    text += "Inputs  " + joinedText(legend) + '\n';
+    for (std::size_t i = 0; i < fits.size(); ++i) {
+        text += outputText(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i]);
+        if (!statistics.empty()) {
+            text += StatisticsTables::text(statistics[i], inputs);
+        }
+    }
+    return text;
+}
+
+ReportJson::Json FitReport::json(CaseSession& session)
+{
+    if (!session.exportedReport().empty()) {
+        return Json::parse(session.exportedReport());
+    }
+    const std::vector<OutputFit>& fits = session.fit().outputs;
+    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    Json json = ReportHeading::modelJson(session);
+    for (std::size_t i = 0; i < fits.size(); ++i) {
+        Json output = outputJson(fits[i]);
+        if (!statistics.empty()) {
+            output["metrics"]["press"] = statistics[i].press;
+            output["metrics"]["aicc"] = statistics[i].aicc;
+            output["metrics"]["terms"] = fits[i].metrics.terms;
+            output["metrics"]["residualDegreesOfFreedom"] = statistics[i].residualDegreesOfFreedom;
+            output.update(StatisticsTables::json(statistics[i], inputs));
+        }
+        json["outputs"].push_back(std::move(output));
+    }
+    return json;
+}
+
+ReportJson::Json FitReport::runJson(CaseSession& session, double readSeconds,
+                                    const Evaluation* evaluation)
+{
+    Json json = FitReport::json(session);
+    if (evaluation != nullptr && !evaluation->extrapolation.empty()) {
+        json["extrapolation"] = evaluation->extrapolation;
+    }
+    if (evaluation != nullptr && !evaluation->intervalFaults.empty()) {
+        json["intervalFaults"] = evaluation->intervalFaults;
+    }
+    json["seconds"] = secondsJson(readSeconds, session.fit().seconds, evaluation);
+    return json;
+}
+
+ReportJson::Json FitReport::equationsJson(CaseSession& session, double readSeconds)
+{
+    const std::vector<std::string> equations = session.equations();
+    const std::vector<std::string> outputs = namesOf(session.outputs());
+    Json json = ReportHeading::modelJson(session);
+    for (std::size_t i = 0; i < equations.size(); ++i) {
+        json["outputs"].push_back({{"name", outputs[i]}, {"equation", equations[i]}});
+    }
+    json["seconds"] = secondsJson(readSeconds, session.fit().seconds);
+    return json;
+}
+
+std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
+{
+    std::string text;
+    if (session.counts().invalid > 0) {
+        text += "Cases: " + ReportHeading::caseText(session) + ".\n";
+    }
+    for (const OutputFit& fit : session.fit().outputs) {
+        for (const std::string& warning : fit.warnings) {
+            text += "Warning for " + fit.name + ": " + warning + '\n';
+        }
+    }
+    if (evaluation == nullptr) {
+        return text;
+    }
+    if (!evaluation->extrapolation.empty()) {
+        text += "Warning: " + evaluation->extrapolation + '\n';
+    }
+    for (const std::string& fault : evaluation->intervalFaults) {
+        text += "Warning: " + fault + '\n';
+    }
+    return text;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <session/report/ReportJson.h>
+
+#include <surrogate_session/Export.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+class CaseSession;
+struct Evaluation;
+struct OutputFit;
+struct ResponseSurfaceStatistics;
+
+/** How good the model of each output is, and its parameters. Fits first if need be.
+ *  All throw SurrogateModelInterface::Error. */
+namespace FitReport {
+/** The figures of one output, each with its name.
+ *  @param inputs     the names of the model's inputs.
+ *  @param statistics of a response surface; null if there are none. */
+SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
+figures(const OutputFit& fit, const std::vector<std::string>& inputs,
+        const ResponseSurfaceStatistics* statistics);
+
+SURROGATE_SESSION_EXPORT std::string text(CaseSession& session);
+
+/** The report that an exported model carries. */
+SURROGATE_SESSION_EXPORT ReportJson::Json json(CaseSession& session);
+
+/** The same with what concerns this run alone.
+ *  @param readSeconds the time that reading the case file took.
+ *  @param evaluation  of the model; null: none. */
+SURROGATE_SESSION_EXPORT ReportJson::Json runJson(CaseSession& session, double readSeconds,
+                                                  const Evaluation* evaluation = nullptr);
+
+/** Like runJson(), with the equation of each output instead of its figures. */
+SURROGATE_SESSION_EXPORT ReportJson::Json equationsJson(CaseSession& session, double readSeconds);
+
+/** What changed the results: invalid cases, warnings of the fits, points outside the cases,
+ *  intervals that do not exist. One line each; empty if there is nothing.
+ *  @param evaluation of the model; null: none. */
+SURROGATE_SESSION_EXPORT std::string notes(CaseSession& session,
+                                           const Evaluation* evaluation = nullptr);
+} // namespace FitReport
