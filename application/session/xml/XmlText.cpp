@@ -395,8 +395,6 @@ private:
 };
 } // namespace
 
-// The destructor stands here so that the type information exists once, in this library.
-
 XmlNode readXml(std::string_view bytes)
 {
     const std::size_t length = xmlPrefixLength(bytes);
