@@ -1,6 +1,6 @@
 #include "session/model/ComparisonVerdict.h"
 
-#include "session/model/ModelComparison.h"
+#include "session/model/OutputComparison.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 

@@ -1,17 +1,11 @@
 #pragma once
 
-#include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <session/files/FileFingerprint.h>
-
-#include <mirel_datamanagement/Variable.h>
+#include <session/project/ProjectContents.h>
 
 #include <surrogate_session/Export.h>
 
-#include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 class SerializerInterface;
@@ -25,41 +19,11 @@ class SerializerInterface;
  * kept and written back after the known ones. Everything else that is unknown is refused, so that
  * saving never drops anything silently; only comments outside of unknown elements are not kept.
  */
-class SURROGATE_SESSION_EXPORT ProjectDocument
+class SURROGATE_SESSION_EXPORT ProjectDocument : public ProjectContents
 {
 public:
     /** What the names of project files end with, so that they can be told from case files. */
     static constexpr const char* fileEnding = ".surrogate.xml";
-
-    /** More values of one input than these would not fit a table that anybody can use. */
-    static constexpr std::size_t maxSweptValues = 100000000;
-
-    /** Lower and upper bound, or first and last value, in the variable's units. */
-    using Range = std::pair<double, double>;
-
-    struct CaseFile
-    {
-        /** Usable from the current folder. In the document it is relative to the document's folder,
-         *  so that both can be moved together. UTF-8. */
-        std::string path;
-        FileFingerprint fingerprint;
-        char separator = ','; ///< comma, semicolon or tab
-        bool hasDecimalComma = false;
-    };
-
-    struct VariableEntry
-    {
-        std::string name; ///< each once, not empty
-        Variable::Nature role = Variable::Unassigned;
-        std::optional<Range> range; ///< where one was set: finite, not reversed
-    };
-
-    struct Sweep
-    {
-        std::string name;           ///< of an independent variable, each once
-        std::size_t count = 2;      ///< from 2 to maxSweptValues
-        std::optional<Range> range; ///< where it is not the variable's own: finite, may fall
-    };
 
     /** A distribution element: the distribution of one variable. */
     struct Distribution
@@ -131,13 +95,6 @@ public:
 
     std::vector<Distribution> evaluationPoint() const;
     std::vector<Distribution> userDistributions() const;
-
-    CaseFile caseFile;
-    std::vector<VariableEntry> variables; ///< in the order of the case file
-    std::vector<std::string> outputs;     ///< dependent variables in the order wanted, each once
-    std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
-    std::vector<Sweep> sweeps;
-    ResponseSurfaceOptions responseSurface;
 
 private:
     friend SURROGATE_SESSION_EXPORT bool operator==(const ProjectDocument& left,

@@ -191,20 +191,20 @@ std::string wordFor(Value value, const std::array<Word<Value>, count>& words)
 }
 
 /** Both ends or none. */
-std::optional<ProjectDocument::Range> optionalRange(const XmlNode& element, const std::string& from,
+std::optional<ProjectContents::Range> optionalRange(const XmlNode& element, const std::string& from,
                                                     const std::string& to)
 {
     if (element.attribute(from) == nullptr && element.attribute(to) == nullptr) {
         return std::nullopt;
     }
-    return ProjectDocument::Range(finiteNumber(element, from), finiteNumber(element, to));
+    return ProjectContents::Range(finiteNumber(element, from), finiteNumber(element, to));
 }
 
-ProjectDocument::CaseFile readCaseFile(const XmlNode& element)
+ProjectContents::CaseFile readCaseFile(const XmlNode& element)
 {
     allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark"});
 
-    ProjectDocument::CaseFile file;
+    ProjectContents::CaseFile file;
     file.path = requiredText(element, "Path");
     file.fingerprint.bytes =
         requiredNumber(element, "Bytes", 0, std::numeric_limits<std::size_t>::max());
@@ -221,13 +221,13 @@ ProjectDocument::CaseFile readCaseFile(const XmlNode& element)
     return file;
 }
 
-std::vector<ProjectDocument::VariableEntry> readVariables(const XmlNode& list)
+std::vector<ProjectContents::VariableEntry> readVariables(const XmlNode& list)
 {
-    std::vector<ProjectDocument::VariableEntry> variables;
+    std::vector<ProjectContents::VariableEntry> variables;
     std::set<std::string> names;
     for (const XmlNode* const element : entriesOf(list, "Variable")) {
         allowAttributes(*element, {"Name", "Role", "Lower", "Upper"});
-        ProjectDocument::VariableEntry variable;
+        ProjectContents::VariableEntry variable;
         variable.name = requiredText(*element, "Name");
         if (!names.insert(variable.name).second) {
             refuse(*element, "the variable " + quotedText(variable.name) + " comes twice.");
@@ -278,15 +278,15 @@ std::vector<std::string> readOutputs(const XmlNode& list, const Roles& known)
     return outputs;
 }
 
-std::vector<ProjectDocument::Sweep> readSweeps(const XmlNode& list, const Roles& known)
+std::vector<ProjectContents::Sweep> readSweeps(const XmlNode& list, const Roles& known)
 {
-    std::vector<ProjectDocument::Sweep> sweeps;
+    std::vector<ProjectContents::Sweep> sweeps;
     std::set<std::string> seen;
     for (const XmlNode* const element : entriesOf(list, "Sweep")) {
         allowAttributes(*element, {"Name", "Count", "From", "To"});
-        ProjectDocument::Sweep sweep;
+        ProjectContents::Sweep sweep;
         sweep.name = entryName(*element, "swept input", known, Variable::Independent, seen);
-        sweep.count = requiredNumber(*element, "Count", 2, ProjectDocument::maxSweptValues);
+        sweep.count = requiredNumber(*element, "Count", 2, ProjectContents::maxSweptValues);
         sweep.range = optionalRange(*element, "From", "To");
         sweeps.push_back(std::move(sweep));
     }
@@ -421,7 +421,7 @@ std::vector<XmlNode> unknownChildren(const XmlNode& root)
 }
 
 void setRange(XmlNode& element, const std::string& from, const std::string& to,
-              const std::optional<ProjectDocument::Range>& range)
+              const std::optional<ProjectContents::Range>& range)
 {
     if (range) {
         element.setAttribute(from, numberText(range->first));
@@ -429,7 +429,7 @@ void setRange(XmlNode& element, const std::string& from, const std::string& to,
     }
 }
 
-XmlNode caseFileElement(const ProjectDocument::CaseFile& file)
+XmlNode caseFileElement(const ProjectContents::CaseFile& file)
 {
     XmlNode element = XmlNode::element("CaseFile");
     element.setAttribute("Path", file.path);
@@ -440,10 +440,10 @@ XmlNode caseFileElement(const ProjectDocument::CaseFile& file)
     return element;
 }
 
-XmlNode variablesElement(const std::vector<ProjectDocument::VariableEntry>& variables)
+XmlNode variablesElement(const std::vector<ProjectContents::VariableEntry>& variables)
 {
     XmlNode list = XmlNode::element("Variables");
-    for (const ProjectDocument::VariableEntry& variable : variables) {
+    for (const ProjectContents::VariableEntry& variable : variables) {
         XmlNode element = XmlNode::element("Variable");
         element.setAttribute("Name", variable.name);
         element.setAttribute("Role", wordFor(variable.role, roles));
@@ -475,10 +475,10 @@ XmlNode excludedElement(std::vector<std::size_t> excluded)
     return element;
 }
 
-XmlNode sweepsElement(const std::vector<ProjectDocument::Sweep>& sweeps)
+XmlNode sweepsElement(const std::vector<ProjectContents::Sweep>& sweeps)
 {
     XmlNode list = XmlNode::element("Sweeps");
-    for (const ProjectDocument::Sweep& sweep : sweeps) {
+    for (const ProjectContents::Sweep& sweep : sweeps) {
         XmlNode element = XmlNode::element("Sweep");
         element.setAttribute("Name", sweep.name);
         element.setAttribute("Count", std::to_string(sweep.count));
@@ -523,22 +523,22 @@ std::vector<const XmlNode*> elementsIn(const XmlNode& parent)
     return elements;
 }
 
-void readProjectElements(const XmlNode& root, ProjectDocument& document, ProjectSettings& settings)
+void readProjectElements(const XmlNode& root, ProjectContents& contents, ProjectSettings& settings)
 {
     checkRoot(root);
     settings.unknown = unknownChildren(root);
 
-    document.caseFile = readCaseFile(requiredChild(root, "CaseFile"));
-    document.variables = readVariables(requiredChild(root, "Variables"));
+    contents.caseFile = readCaseFile(requiredChild(root, "CaseFile"));
+    contents.variables = readVariables(requiredChild(root, "Variables"));
     Roles known;
-    for (const ProjectDocument::VariableEntry& variable : document.variables) {
+    for (const ProjectContents::VariableEntry& variable : contents.variables) {
         known.emplace(variable.name, variable.role);
     }
     if (const XmlNode* const outputs = root.child("Outputs")) {
-        document.outputs = readOutputs(*outputs, known);
+        contents.outputs = readOutputs(*outputs, known);
     }
     if (const XmlNode* const excluded = root.child("ExcludedCases")) {
-        document.excluded = readExcluded(*excluded);
+        contents.excluded = readExcluded(*excluded);
     }
     if (const XmlNode* const model = root.child("SurrogateModel")) {
         checkModel(*model);
@@ -551,35 +551,35 @@ void readProjectElements(const XmlNode& root, ProjectDocument& document, Project
         settings.userDistributions = *distributions;
     }
     if (const XmlNode* const sweeps = root.child("Sweeps")) {
-        document.sweeps = readSweeps(*sweeps, known);
+        contents.sweeps = readSweeps(*sweeps, known);
     }
     if (const XmlNode* const selection = root.child("TermSelection")) {
-        document.responseSurface.selection = readTermSelection(*selection);
+        contents.responseSurface.selection = readTermSelection(*selection);
     }
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
-        document.responseSurface.terms = readPolynomial(*polynomial);
+        contents.responseSurface.terms = readPolynomial(*polynomial);
     }
 }
 
-XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& settings)
+XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings)
 {
     XmlNode root = XmlNode::element("SurrogateProject");
     root.setAttribute("Version", std::to_string(version));
-    root.children.push_back(caseFileElement(document.caseFile));
-    root.children.push_back(variablesElement(document.variables));
-    root.children.push_back(outputsElement(document.outputs));
-    root.children.push_back(excludedElement(document.excluded));
+    root.children.push_back(caseFileElement(contents.caseFile));
+    root.children.push_back(variablesElement(contents.variables));
+    root.children.push_back(outputsElement(contents.outputs));
+    root.children.push_back(excludedElement(contents.excluded));
     if (settings.model) {
         root.children.push_back(*settings.model);
     }
     if (settings.userDistributions) {
         root.children.push_back(*settings.userDistributions);
     }
-    root.children.push_back(sweepsElement(document.sweeps));
-    if (document.responseSurface.terms != PolynomialTerms::Quadratic) {
-        root.children.push_back(polynomialElement(document.responseSurface.terms));
+    root.children.push_back(sweepsElement(contents.sweeps));
+    if (contents.responseSurface.terms != PolynomialTerms::Quadratic) {
+        root.children.push_back(polynomialElement(contents.responseSurface.terms));
     }
-    if (document.responseSurface.selection != ResponseSurfaceOptions::Selection::All) {
+    if (contents.responseSurface.selection != ResponseSurfaceOptions::Selection::All) {
         root.children.push_back(termSelectionElement());
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <session/project/ProjectDocument.h>
+#include <session/project/ProjectContents.h>
 #include <session/xml/XmlNode.h>
 
 #include <optional>
@@ -25,11 +25,11 @@ std::vector<const XmlNode*> elementsIn(const XmlNode& parent);
 
 /**
  * Reads the root of a project document.
- * @param document  receives the fields; the path of the case file as it stands in the document.
+ * @param contents  receives the fields; the path of the case file as it stands in the document.
  * @param settings  receives the other elements.
  * @throw XmlFault
  */
-void readProjectElements(const XmlNode& root, ProjectDocument& document, ProjectSettings& settings);
+void readProjectElements(const XmlNode& root, ProjectContents& contents, ProjectSettings& settings);
 
 /** Makes the root of a project document from them. */
-XmlNode projectElement(const ProjectDocument& document, const ProjectSettings& settings);
+XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings);
