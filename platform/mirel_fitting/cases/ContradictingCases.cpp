@@ -10,7 +10,8 @@
 
 namespace {
 
-/** A number for each case: that of its group of values of which each is near the next. */
+/** One group number per case. The sorted values are split into groups at every gap that is wider
+ *  than nearness(). */
 std::vector<std::uint32_t> groupsOf(const double* values, std::size_t count)
 {
     struct Entry
@@ -58,9 +59,9 @@ double ContradictingCases::nearness()
 
 std::size_t ContradictingCases::places(const KrigingData& data)
 {
-    constexpr double steepest = 1e-6; // of the output's deviation, over such a distance
+    constexpr double largestChange = 1e-6; // in standard deviations of the output
 
-    // Cases that are alone in one input are so in all: mostly there are soon none left.
+    // A case that has no neighbour along one input has none at all: most drop out soon.
     std::vector<std::size_t> order(data.cases);
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::vector<std::vector<std::uint32_t>> groups;
@@ -90,7 +91,7 @@ std::size_t ContradictingCases::places(const KrigingData& data)
             smallest = std::min(smallest, data.output[order[last]]);
             largest = std::max(largest, data.output[order[last]]);
         }
-        count += largest - smallest > steepest ? 1 : 0;
+        count += largest - smallest > largestChange ? 1 : 0;
     }
     return count;
 }

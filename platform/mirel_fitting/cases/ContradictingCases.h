@@ -8,12 +8,13 @@
 class ContradictingCases
 {
 public:
-    /** The share of the range of every input that they are apart at most. */
+    /** The largest distance of such cases along each input, relative to its range. */
     static double nearness();
 
     /**
-     * The places where the outputs of such cases differ by more than a slope between them could
-     * explain. O(inputs n log n) time for n cases, with FitProgress::advance() for each input.
+     * The number of groups of such cases whose outputs differ by more than a smooth function could
+     * change over so small a distance. O(inputs n log n) time for n cases, with
+     * FitProgress::advance() for each input.
      * @param data coordinates and standardised outputs are used.
      */
     static std::size_t places(const KrigingData& data);

@@ -53,7 +53,8 @@ int KrigingCases::compare(const std::vector<double*>& columns, std::size_t a, st
 
 void KrigingCases::sortRows(const std::vector<double*>& columns)
 {
-    // The first input decides nearly always, so it lies beside the row.
+    // The first input nearly always decides the order: its values are stored beside the row
+    // numbers.
     struct Entry
     {
         double first;

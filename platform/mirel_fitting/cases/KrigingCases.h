@@ -31,7 +31,7 @@ public:
 
     /** The inputs that vary, ascending. */
     const std::vector<std::size_t>& activeInputs() const;
-    /** Of the inputs that vary. */
+    /** One per input that varies, as range(). */
     const std::vector<double>& minimum() const;
     const std::vector<double>& range() const;
     /** By columns, points x inputs that vary: (x - minimum) / range. */
@@ -50,5 +50,5 @@ private:
     std::vector<double> ranges;
     std::vector<double> scaled;
     std::vector<std::size_t> order;  // rows, sorted by their inputs
-    std::vector<std::size_t> starts; // of each point in `order`, and one behind the last
+    std::vector<std::size_t> starts; // of each point in `order`, and the end of the last
 };

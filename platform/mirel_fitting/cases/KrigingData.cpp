@@ -26,7 +26,7 @@ KrigingData KrigingData::subset(const std::vector<std::size_t>& indices) const
     result.coordinates = pick(coordinates, cases, inputs, indices);
     result.trend = pick(trend, cases, terms, indices);
     result.output = pick(output, cases, 1, indices);
-    result.rows = pick(rows, cases, 1, indices);
-    result.scatter = pick(scatter, cases, 1, indices);
+    result.replicates = pick(replicates, cases, 1, indices);
+    result.withinSquares = pick(withinSquares, cases, 1, indices);
     return result;
 }

@@ -4,9 +4,8 @@
 #include <vector>
 
 /**
- * What a likelihood is computed from: distinct cases with scaled inputs and standardised output.
- * A case may stand for several rows with the same inputs and different outputs; its output is then
- * their mean.
+ * The data of a likelihood: distinct cases with scaled inputs and standardised output. A case may
+ * stand for replicates, rows with the same inputs and different outputs; its output is their mean.
  */
 struct KrigingData
 {
@@ -16,8 +15,9 @@ struct KrigingData
     std::vector<double> coordinates; ///< by columns, cases x inputs, each input over [0, 1]
     std::vector<double> trend;       ///< by columns, cases x terms, linearly independent
     std::vector<double> output;      ///< one per case
-    std::vector<double> rows;        ///< one per case: how many rows it stands for
-    std::vector<double> scatter;     ///< one per case: sum of squares of its rows about their mean
+    std::vector<double> replicates;  ///< one per case: the number of its replicates, at least 1
+    /** One per case: sum of squares of its replicates about their mean. */
+    std::vector<double> withinSquares;
 
     /** The cases of these indices, in this order. */
     KrigingData subset(const std::vector<std::size_t>& indices) const;

@@ -53,7 +53,7 @@ void MergedOutput::add(const std::vector<double>& ascending)
     const auto count = static_cast<double>(ascending.size());
     double mean = ascending.front();
     double squares = 0.0;
-    // Of equal values the sum would round the mean, and its rounding pass for scatter.
+    // The computed mean of equal values would be rounded, which would look like noise.
     if (ascending.front() != ascending.back()) {
         mean = 0.0;
         for (const double value : ascending) {
@@ -64,6 +64,6 @@ void MergedOutput::add(const std::vector<double>& ascending)
         }
     }
     means.push_back(mean);
-    rows.push_back(count);
-    scatter.push_back(squares);
+    replicates.push_back(count);
+    withinSquares.push_back(squares);
 }

@@ -7,22 +7,22 @@
 
 /**
  * One output, the rows with the same inputs merged: for each point the mean of its rows, their
- * number, and their scatter, which is evidence for noise.
+ * number, and their sum of squares about the mean, from which noise is estimated.
  *
- * Rows that repeat another one in its output too say nothing new and count once, unless rows at
- * some point differ: then all are measurements, of which those that agree tell of the noise, too.
+ * A row that repeats another one, output included, counts once, unless rows at some point differ:
+ * then all rows are replicates, and those that agree are evidence about the noise, too.
  */
 class MergedOutput
 {
 public:
-    /** With FitProgress::advance() now and then. @param output one value per row. */
+    /** Calls FitProgress::advance() every 65536 points. @param output one value per row. */
     MergedOutput(const KrigingCases& cases, const std::vector<double>& output);
 
-    std::vector<double> means;   ///< one per point
-    std::vector<double> rows;    ///< one per point: how many are counted
-    std::vector<double> scatter; ///< one per point: sum of squares about the mean
-    std::size_t copies = 0;      ///< rows that repeat another one, merged or counted
-    std::size_t conflicts = 0;   ///< points whose rows differ
+    std::vector<double> means;         ///< one per point
+    std::vector<double> replicates;    ///< one per point: number of rows that count
+    std::vector<double> withinSquares; ///< one per point: sum of squares about the mean
+    std::size_t copies = 0;            ///< rows that repeat another one, merged or counted
+    std::size_t conflicts = 0;         ///< points whose rows differ
 
 private:
     void add(const std::vector<double>& ascending);

@@ -90,7 +90,7 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
     }
 }
 
-double ReplicatedCases::squaresWithin(const double* values) const
+double ReplicatedCases::withinSquares(const double* values) const
 {
     std::vector<double> first(points);
     std::vector<double> means(points, 0.0);

@@ -29,7 +29,7 @@ public:
 
     /** The sum of squares of an output about its means at the points; 0 without replicates.
      *  @param values one finite value per case, borrowed for the call. */
-    double squaresWithin(const double* values) const;
+    double withinSquares(const double* values) const;
 
 private:
     std::vector<std::uint32_t> pointOfCase;

@@ -25,11 +25,11 @@ std::vector<std::size_t> randomSubset(std::size_t cases, std::size_t size)
 
 std::vector<std::size_t> spaceFillingSubset(const KrigingData& data, std::size_t size)
 {
-    constexpr std::size_t poolShare = 5;
+    constexpr std::size_t poolFactor = 5;
     constexpr std::size_t casesPerReport = 64;
 
     const std::vector<std::size_t> pool =
-        randomSubset(data.cases, size >= data.cases ? data.cases : poolShare * size);
+        randomSubset(data.cases, size >= data.cases ? data.cases : poolFactor * size);
     if (size >= pool.size()) {
         return pool;
     }
@@ -62,8 +62,7 @@ std::vector<std::size_t> spaceFillingSubset(const KrigingData& data, std::size_t
         for (std::size_t i = 0; i < pool.size(); ++i) {
             nearest[i] = std::min(nearest[i], squares[i]);
         }
-        // Distinct cases: those that are taken, at distance 0, are never the farthest again unless
-        // the scaled coordinates of all others coincide with theirs.
+        // A case that is taken is never chosen again, even if all others coincide with it.
         nearest[newest] = -1.0;
         newest = static_cast<std::size_t>(std::max_element(nearest.begin(), nearest.end()) -
                                           nearest.begin());

@@ -6,10 +6,10 @@
 #include <vector>
 
 /**
- * So many cases, spread over all of them: each new one is the farthest from those that there are,
- * among a random pool of five times as many. Choosing from all cases would take the corners of
- * their cloud only. Gonzalez: Clustering to minimize the maximum intercluster distance, Theor.
- * Comput. Sci. 38 (1985).
+ * `size` cases spread over all: each new one is that of a random pool of 5 size cases which is
+ * farthest from those chosen before. From a larger pool mostly cases on the boundary are chosen.
+ * Gonzalez: Clustering to minimize the maximum intercluster distance, Theor. Comput. Sci. 38
+ * (1985).
  *
  * Costs 5 size^2 distances, whatever the number of cases. Reports to FitProgress.
  * @param data the coordinates are used; distances count each input's range as 1.
@@ -17,5 +17,5 @@
  */
 std::vector<std::size_t> spaceFillingSubset(const KrigingData& data, std::size_t size);
 
-/** So many cases at random, ascending; the same for the same arguments. */
+/** `size` indices of `cases` at random, ascending; the same for the same arguments. */
 std::vector<std::size_t> randomSubset(std::size_t cases, std::size_t size);

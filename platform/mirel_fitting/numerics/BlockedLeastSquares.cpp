@@ -157,7 +157,7 @@ BlockedLeastSquares::solve(const std::vector<Column>& descriptions) const
         const double rest = length(values + row, column + 1 - row);
         if (rest <= separableFraction * whole ||
             (rest < clearlySeparable * whole && rest <= roundingMargin * roundingOf(column))) {
-            if (solution.dependences.size() < mostDependences) {
+            if (solution.dependences.size() < maxDependences) {
                 solution.dependences.push_back({column, combinationOf(column)});
             }
             continue;

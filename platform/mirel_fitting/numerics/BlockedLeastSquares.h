@@ -34,7 +34,7 @@ public:
     };
 
     /** Dependences that are listed: as many as a person reads. */
-    static constexpr std::size_t mostDependences = 20;
+    static constexpr std::size_t maxDependences = 20;
 
     /** A column that was dropped for being a combination of those kept before it. */
     struct Dependence
@@ -52,7 +52,7 @@ public:
         std::vector<double> factor;
         /** kept.size() coefficients per output, in the order of `kept`. */
         std::vector<double> coefficients;
-        /** The first mostDependences; without columns that are constant or whose parents are
+        /** The first maxDependences; without columns that are constant or whose parents are
          *  dropped. */
         std::vector<Dependence> dependences;
     };

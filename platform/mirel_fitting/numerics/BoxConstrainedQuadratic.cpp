@@ -25,15 +25,15 @@ double largestMagnitude(const std::vector<double>& values)
 
 BoxConstrainedQuadratic::BoxConstrainedQuadratic(const std::vector<double>& hessian,
                                                  const std::vector<double>& slope)
-    : hessian(hessian), slope(slope), size(slope.size()), areMany(size > mostFewVariables),
+    : hessian(hessian), slope(slope), size(slope.size()), areMany(size > maxFewVariables),
       factorsLeft(0)
 {}
 
-std::size_t BoxConstrainedQuadratic::mostFactors(std::size_t variables)
+std::size_t BoxConstrainedQuadratic::maxFactors(std::size_t variables)
 {
     constexpr double multiplications = 1e8; // some hundredths of a second
     constexpr double fewest = 8.0;          // coordinate ascent has placed most variables by then
-    if (variables <= mostFewVariables) {
+    if (variables <= maxFewVariables) {
         return std::numeric_limits<std::size_t>::max();
     }
     const auto m = static_cast<double>(variables);
@@ -44,7 +44,7 @@ std::vector<double> BoxConstrainedQuadratic::maximum(const std::vector<double>& 
                                                      const std::vector<double>& highest)
 {
     const SingleThreadedBlas singleThreaded;
-    factorsLeft = mostFactors(size);
+    factorsLeft = maxFactors(size);
     std::vector<double> start(size, 0.0);
     if (areMany) {
         sweep(lowest, highest, start);
@@ -87,7 +87,7 @@ void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
 bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
                                     const std::vector<double>& highest, std::vector<double>& point)
 {
-    const int mostRounds = areMany ? 5 : 10; // nearly always enough
+    const int maxRounds = areMany ? 5 : 10; // nearly always enough
     enum class Place
     {
         Lowest,
@@ -101,7 +101,7 @@ bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
                     : point[i] <= lowest[i] ? Place::Lowest
                                             : Place::Inside;
     }
-    for (int round = 0; round < mostRounds; ++round) {
+    for (int round = 0; round < maxRounds; ++round) {
         point.assign(size, 0.0);
         std::vector<std::size_t> unknowns;
         for (std::size_t i = 0; i < size; ++i) {
@@ -154,8 +154,8 @@ void BoxConstrainedQuadratic::climb(const std::vector<double>& lowest,
         return direction < 0.0 ? lowest[i] : highest[i];
     };
 
-    const std::size_t mostRounds = 5 * size + 5;
-    for (std::size_t round = 0; round < mostRounds && factorsLeft > 0; ++round) {
+    const std::size_t maxRounds = 5 * size + 5;
+    for (std::size_t round = 0; round < maxRounds && factorsLeft > 0; ++round) {
         const std::vector<double> rest = slopeAt(point);
         std::vector<std::size_t> unknowns;
         double steepest = 0.0;

@@ -14,17 +14,17 @@
  * active set strategy as a semismooth Newton method, SIAM J. Optim. 13 (2002); Nocedal, Wright:
  * Numerical Optimization, 2nd ed., Springer 2006, section 16.5.
  *
- * For more than `mostFewVariables` both methods start from the result of coordinate ascent, which
- * needs no factor, and stop after mostFactors() factors.
+ * For more than `maxFewVariables` both methods start from the result of coordinate ascent, which
+ * needs no factor, and stop after maxFactors() factors.
  */
 class BoxConstrainedQuadratic
 {
 public:
-    static constexpr std::size_t mostFewVariables = 64;
+    static constexpr std::size_t maxFewVariables = 64;
 
     /** As many factors as take about 1e8 multiplications (some hundredths of a second), 8 at least;
      *  unlimited for few variables. */
-    static std::size_t mostFactors(std::size_t variables);
+    static std::size_t maxFactors(std::size_t variables);
 
     /**
      * @param hessian positive definite, by rows; borrowed for life.

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t rowsPerChunk = 32 * DesignPass::rowsPerBlock;
 
 /** With more terms, a triangular factor per thread takes too much memory: 32 MB here. */
-constexpr std::size_t mostTermsPerThread = 2000;
+constexpr std::size_t maxTermsPerThread = 2000;
 
 } // namespace
 
@@ -39,7 +39,7 @@ void DesignPass::run(const FitColumns& columns,
         return pass;
     };
     const std::size_t chunks = (columns.cases + rowsPerChunk - 1) / rowsPerChunk;
-    const int threads = columns.basis.size() < mostTermsPerThread ? threadCount() : 1;
+    const int threads = columns.basis.size() < maxTermsPerThread ? threadCount() : 1;
     OrderedChunks::run(chunks, threads, makeWorker, nullptr, report);
 }
 

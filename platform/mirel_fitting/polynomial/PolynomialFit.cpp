@@ -266,14 +266,14 @@ void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
     // missed.
     std::mt19937_64 generator(caseCount);
     const auto startOf = [&](std::size_t interval) {
-        return interval * (caseCount / mostSampled) +
-               interval * (caseCount % mostSampled) / mostSampled;
+        return interval * (caseCount / maxSampled) +
+               interval * (caseCount % maxSampled) / maxSampled;
     };
-    for (std::size_t k = 0; k < mostSampled && caseCount > mostSampled; ++k) {
+    for (std::size_t k = 0; k < maxSampled && caseCount > maxSampled; ++k) {
         sample.push_back(startOf(k) + generator() % (startOf(k + 1) - startOf(k)));
     }
     for (std::size_t output = 0; output < fits.size(); ++output) {
-        for (std::size_t k = 0; k < std::min(caseCount, mostSampled); ++k) {
+        for (std::size_t k = 0; k < std::min(caseCount, maxSampled); ++k) {
             fits[output].values.push_back(dependents[output][sampledRow(k)]);
         }
     }

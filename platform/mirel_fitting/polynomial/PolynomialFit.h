@@ -39,7 +39,7 @@ public:
     };
 
     /** Of more cases, a sample of so many is kept: its memory must be small beside the data. */
-    static constexpr std::size_t mostSampled = 100000;
+    static constexpr std::size_t maxSampled = 100000;
 
     /** A term that equals a linear combination of kept terms at all cases. */
     struct Dependence
@@ -75,7 +75,7 @@ public:
     bool isWanted(std::size_t term) const { return wanted.empty() || wanted[term] != 0; }
 
     /** The terms that the cases cannot separate, without those of an input that is dropped or
-     *  constant; at most BlockedLeastSquares::mostDependences. */
+     *  constant; at most BlockedLeastSquares::maxDependences. */
     const std::vector<Dependence>& dependences() const { return dependentTerms; }
 
     std::size_t keptCount() const { return keptTerms.size(); }
@@ -98,7 +98,7 @@ public:
     bool isPressAvailable() const { return pressAvailable; }
 
     /** The cases whose single residuals and leverages are kept, ascending: all, or a random one of
-     *  each of `mostSampled` intervals of equal length. */
+     *  each of `maxSampled` intervals of equal length. */
     std::size_t sampledCount() const { return leverageOfSample.size(); }
     std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
 

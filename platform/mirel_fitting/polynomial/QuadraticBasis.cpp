@@ -41,11 +41,11 @@ QuadraticBasis::QuadraticBasis(std::size_t inputs, int order) : inputCount(input
 std::size_t QuadraticBasis::termCount(std::size_t inputs, int order)
 {
     // Beyond 2^31 inputs the product below would wrap.
-    constexpr std::size_t mostInputs = std::size_t{1} << 31;
+    constexpr std::size_t maxInputs = std::size_t{1} << 31;
     if (order <= 0) {
         return 1;
     }
-    if (inputs >= mostInputs) {
+    if (inputs >= maxInputs) {
         return std::numeric_limits<std::size_t>::max();
     }
     return order == 1 ? inputs + 1 : (inputs + 1) * (inputs + 2) / 2;

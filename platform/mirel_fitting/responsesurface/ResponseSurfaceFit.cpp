@@ -49,7 +49,7 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
                                         const std::vector<double*>& outputs)
 {
     const std::size_t cases = common->cases();
-    if (cases > PolynomialFit::mostSampled) {
+    if (cases > PolynomialFit::maxSampled) {
         return;
     }
     std::vector<const double*> varying;
@@ -63,7 +63,7 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
     for (std::size_t k = 0; k < outputs.size() && replicated.any(); ++k) {
         fits[k].output().scale.apply(outputs[k], cases, scaled.data());
         fits[k].pureError.degreesOfFreedom = replicated.degreesOfFreedom();
-        fits[k].pureError.squares = replicated.squaresWithin(scaled.data());
+        fits[k].pureError.squares = replicated.withinSquares(scaled.data());
     }
 }
 

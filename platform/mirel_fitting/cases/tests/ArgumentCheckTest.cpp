@@ -11,7 +11,7 @@ using namespace fittingtest;
 namespace {
 
 /** Two inputs and two outputs of three cases; a test spoils what it is about. */
-class ArgumentCheckTest : public testing::Test
+class ArgumentCheck : public testing::Test
 {
 protected:
     std::vector<double> v1{1, 2, 3}, v2{4, 5, 6}, y0{7, 8, 9}, y1{10, 11, 12};
@@ -19,50 +19,48 @@ protected:
     std::vector<double*> dependents{y0.data(), y1.data()};
     std::vector<double> out{0, 0, 0};
 
-    ArgumentCheck make(std::size_t rows = 3) const { return {independents, dependents, rows}; }
+    ::ArgumentCheck make(std::size_t rows = 3) const { return {independents, dependents, rows}; }
     std::string refusal() const
     {
         return errorOf([this] { make(); });
     }
 };
 
-} // namespace
-
-TEST_F(ArgumentCheckTest, CountsInputsOutputsAndCases)
+TEST_F(ArgumentCheck, CountsInputsOutputsAndCases)
 {
-    const ArgumentCheck columns = make();
+    const ::ArgumentCheck columns = make();
 
     EXPECT_EQ(columns.inputs(), 2u);
     EXPECT_EQ(columns.outputs(), 2u);
     EXPECT_EQ(columns.cases(), 3u);
 }
 
-TEST_F(ArgumentCheckTest, RefusesToBeWithoutCases)
+TEST_F(ArgumentCheck, RefusesToBeWithoutCases)
 {
     independents = {nullptr};
     EXPECT_EQ(errorOf([this] { make(0); }), "There is no case to fit the model to.");
 }
 
-TEST_F(ArgumentCheckTest, RefusesANegativeNumberOfCasesThatWasWidened)
+TEST_F(ArgumentCheck, RefusesANegativeNumberOfCasesThatWasWidened)
 {
     EXPECT_EQ(errorOf([this] { make(static_cast<std::size_t>(-1)); }),
               "The model cannot be fitted to 18446744073709551615 cases: no column can hold so "
               "many.");
 }
 
-TEST_F(ArgumentCheckTest, NamesANullInputByItsNumber)
+TEST_F(ArgumentCheck, NamesANullInputByItsNumber)
 {
     independents[1] = nullptr;
     EXPECT_EQ(refusal(), "The input V2 has no column of values.");
 }
 
-TEST_F(ArgumentCheckTest, NamesANullOutputByItsOffset)
+TEST_F(ArgumentCheck, NamesANullOutputByItsOffset)
 {
     dependents[1] = nullptr;
     EXPECT_EQ(refusal(), "The output at offset 1 has no column of values.");
 }
 
-TEST_F(ArgumentCheckTest, NamesTheCaseInWhichAnInputIsNotFinite)
+TEST_F(ArgumentCheck, NamesTheCaseInWhichAnInputIsNotFinite)
 {
     v2[2] = notANumber;
     EXPECT_EQ(refusal(), "The input V2 holds a value that is not finite in case 3.");
@@ -71,10 +69,10 @@ TEST_F(ArgumentCheckTest, NamesTheCaseInWhichAnInputIsNotFinite)
     EXPECT_EQ(refusal(), "The input V1 holds a value that is not finite in case 1.");
 }
 
-TEST_F(ArgumentCheckTest, RefusesAnOutputThatIsNotFiniteOnlyWhenItIsWanted)
+TEST_F(ArgumentCheck, RefusesAnOutputThatIsNotFiniteOnlyWhenItIsWanted)
 {
     y1[1] = infinity;
-    const ArgumentCheck columns = make();
+    const ::ArgumentCheck columns = make();
 
     EXPECT_TRUE(columns.isFittable(0));
     EXPECT_FALSE(columns.isFittable(1));
@@ -85,9 +83,9 @@ TEST_F(ArgumentCheckTest, RefusesAnOutputThatIsNotFiniteOnlyWhenItIsWanted)
               "The output at offset 1 holds a value that is not finite in case 2.");
 }
 
-TEST_F(ArgumentCheckTest, RefusesAnOffsetOutOfRange)
+TEST_F(ArgumentCheck, RefusesAnOffsetOutOfRange)
 {
-    const ArgumentCheck columns = make();
+    const ::ArgumentCheck columns = make();
 
     EXPECT_EQ(errorOf([&] { columns.requireOutput(2); }),
               "There is no output at offset 2: the model has 2 outputs, counted from 0.");
@@ -95,19 +93,19 @@ TEST_F(ArgumentCheckTest, RefusesAnOffsetOutOfRange)
               "There is no output at offset -1: the model has 2 outputs, counted from 0.");
 }
 
-TEST_F(ArgumentCheckTest, AcceptsNoOffsetsAtAll)
+TEST_F(ArgumentCheck, AcceptsNoOffsetsAtAll)
 {
     EXPECT_NO_THROW(make().requireOutputs({}));
     EXPECT_NO_THROW(make().requireEvaluation({v1.data(), v2.data()}, {}, {}, 3));
 }
 
-TEST_F(ArgumentCheckTest, RefusesAnotherNumberOfInputs)
+TEST_F(ArgumentCheck, RefusesAnotherNumberOfInputs)
 {
     EXPECT_EQ(errorOf([&] { make().requireEvaluation({v1.data()}, {0}, {out.data()}, 3); }),
               "The model has 2 inputs, but values are given for 1.");
 }
 
-TEST_F(ArgumentCheckTest, RefusesAnotherNumberOfOutputs)
+TEST_F(ArgumentCheck, RefusesAnotherNumberOfOutputs)
 {
     EXPECT_EQ(errorOf([&] {
                   make().requireEvaluation({v1.data(), v2.data()}, {0, 1}, {out.data()}, 3);
@@ -115,9 +113,9 @@ TEST_F(ArgumentCheckTest, RefusesAnotherNumberOfOutputs)
               "The model is asked for 2 outputs, but there is room for 1.");
 }
 
-TEST_F(ArgumentCheckTest, RefusesNullArraysOnlyWhenThereArePoints)
+TEST_F(ArgumentCheck, RefusesNullArraysOnlyWhenThereArePoints)
 {
-    const ArgumentCheck columns = make();
+    const ::ArgumentCheck columns = make();
 
     EXPECT_NO_THROW(columns.requireEvaluation({nullptr, nullptr}, {1}, {nullptr}, 0));
     EXPECT_EQ(errorOf([&] {
@@ -130,16 +128,18 @@ TEST_F(ArgumentCheckTest, RefusesNullArraysOnlyWhenThereArePoints)
               "The output at offset 1 has no room for its values.");
 }
 
-TEST(FindNotFinite, FindsTheFirstWhereverItIs)
+TEST_F(ArgumentCheck, FindsTheFirstNotFiniteValueWhereverItIs)
 {
     for (const std::size_t count : {1u, 2u, 7u, 1024u, 1025u, 5000u}) {
         std::vector<double> values(count, 1e308);
-        EXPECT_EQ(ArgumentCheck::findNotFinite(values.data(), count), count);
+        EXPECT_EQ(::ArgumentCheck::findNotFinite(values.data(), count), count);
         for (std::size_t position = 0; position < count; position += 1 + count / 7) {
             values.assign(count, -1e308);
             values[position] = notANumber;
             values[count - 1] = infinity;
-            EXPECT_EQ(ArgumentCheck::findNotFinite(values.data(), count), position);
+            EXPECT_EQ(::ArgumentCheck::findNotFinite(values.data(), count), position);
         }
     }
 }
+
+} // namespace

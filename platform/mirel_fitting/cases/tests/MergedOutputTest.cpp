@@ -20,8 +20,8 @@ TEST(MergedOutput, CountsCopiesOnce)
     const MergedOutput output = merged({1.0, 0.0, 1.0, 1.0}, {5.0, 2.0, 5.0, 5.0});
 
     EXPECT_EQ(output.means, (std::vector<double>{2.0, 5.0}));
-    EXPECT_EQ(output.rows, (std::vector<double>{1.0, 1.0}));
-    EXPECT_EQ(output.scatter, (std::vector<double>{0.0, 0.0}));
+    EXPECT_EQ(output.replicates, (std::vector<double>{1.0, 1.0}));
+    EXPECT_EQ(output.withinSquares, (std::vector<double>{0.0, 0.0}));
     EXPECT_EQ(output.copies, 2u);
     EXPECT_EQ(output.conflicts, 0u);
 }
@@ -31,8 +31,8 @@ TEST(MergedOutput, GathersTheScatterOfRowsThatDiffer)
     const MergedOutput output = merged({0.0, 0.0, 1.0}, {1.0, 3.0, 7.0});
 
     EXPECT_EQ(output.means, (std::vector<double>{2.0, 7.0}));
-    EXPECT_EQ(output.rows, (std::vector<double>{2.0, 1.0}));
-    EXPECT_EQ(output.scatter, (std::vector<double>{2.0, 0.0}));
+    EXPECT_EQ(output.replicates, (std::vector<double>{2.0, 1.0}));
+    EXPECT_EQ(output.withinSquares, (std::vector<double>{2.0, 0.0}));
     EXPECT_EQ(output.conflicts, 1u);
 }
 
@@ -42,8 +42,8 @@ TEST(MergedOutput, CountsCopiesAsMeasurementsWhereOtherRowsDiffer)
         merged({0.0, 0.0, 0.0, 0.0, 1.0, 1.0}, {5.0, 5.0, 6.0, 5.0, 7.0, 7.0});
 
     EXPECT_EQ(output.means, (std::vector<double>{5.25, 7.0}));
-    EXPECT_EQ(output.rows, (std::vector<double>{4.0, 2.0}));
-    EXPECT_EQ(output.scatter, (std::vector<double>{0.75, 0.0}));
+    EXPECT_EQ(output.replicates, (std::vector<double>{4.0, 2.0}));
+    EXPECT_EQ(output.withinSquares, (std::vector<double>{0.75, 0.0}));
     EXPECT_EQ(output.copies, 3u);
 }
 
@@ -53,7 +53,7 @@ TEST(MergedOutput, TakesNoRoundingOfAMeanForScatter)
     const MergedOutput output = merged({0.0, 0.0, 1.0, 1.0, 1.0}, {1.0, 2.0, 0.1, 0.1, 0.1});
 
     EXPECT_EQ(output.means[1], 0.1);
-    EXPECT_EQ(output.scatter[1], 0.0);
+    EXPECT_EQ(output.withinSquares[1], 0.0);
 }
 
 TEST(MergedOutput, ReportsWhileItMerges)

@@ -25,7 +25,7 @@ TEST(ReplicatedCases, AreNoneWhereEveryCaseDiffers)
 
     EXPECT_FALSE(cases.any());
     EXPECT_EQ(cases.degreesOfFreedom(), 0u);
-    EXPECT_EQ(cases.squaresWithin(Column{1, 2, 3}.data()), 0.0);
+    EXPECT_EQ(cases.withinSquares(Column{1, 2, 3}.data()), 0.0);
 }
 
 TEST(ReplicatedCases, SumSquaresAboutTheMeanOfEachPoint)
@@ -35,14 +35,14 @@ TEST(ReplicatedCases, SumSquaresAboutTheMeanOfEachPoint)
 
     EXPECT_EQ(cases.degreesOfFreedom(), 3u);
     // a: 1, 2, 6 about 3; b: 10, 14 about 12.
-    EXPECT_EQ(cases.squaresWithin(Column{1, 10, 2, 7, 14, 6}.data()), 14.0 + 8.0);
+    EXPECT_EQ(cases.withinSquares(Column{1, 10, 2, 7, 14, 6}.data()), 14.0 + 8.0);
 }
 
 TEST(ReplicatedCases, LoseNoDigitsOfOutputsFarFromZero)
 {
     const ReplicatedCases cases = replicated({{0, 0, 0}}, 3);
 
-    EXPECT_EQ(cases.squaresWithin(Column{1e15, 1e15 + 1, 1e15 + 2}.data()), 2.0);
+    EXPECT_EQ(cases.withinSquares(Column{1e15, 1e15 + 1, 1e15 + 2}.data()), 2.0);
 }
 
 TEST(ReplicatedCases, RepeatEachOtherWithoutInputs)

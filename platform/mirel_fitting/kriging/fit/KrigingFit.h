@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/** The user's options, and the numbers of cases that tests make smaller. */
+/** The user's options, and the limits on numbers of cases, which tests make smaller. */
 struct KrigingFitOptions : KrigingOptions
 {
     KrigingSizes sizes;
@@ -23,8 +23,8 @@ struct KrigingFit
 {
     KrigingPredictor predictor;
     KrigingReport report;
-    /** The trend as an equation in V1, V2, ..., or in V1 - c where multiplying out would lose more
-     *  than 1e-9 of the output's spread. */
+    /** The trend as an equation in V1, V2, ..., or in V1 - c where cancellation in the expanded
+     *  equation would cost more than 1e-9 of the output's range. */
     std::string trendText;
     FitMetrics metrics;
     std::vector<std::string> warnings;

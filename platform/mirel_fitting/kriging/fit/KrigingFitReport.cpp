@@ -48,7 +48,7 @@ void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
 void KrigingFitReport::writeTrend(KrigingFit& fit, const KrigingTrend& trend,
                                   const std::vector<double>& coefficients) const
 {
-    constexpr double tolerableLoss = 1e-9; // of the output's spread
+    constexpr double tolerableLoss = 1e-9; // of the output's range
 
     std::vector<double> centres(cases.inputCount(), 0.0);
     std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
@@ -108,8 +108,8 @@ void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const
     double rows = 0.0;
     double sum = 0.0;
     for (std::size_t i = 0; i < errors.all.cases; ++i) {
-        rows += errors.rows[i];
-        sum += errors.rows[i] * errors.all.output[i];
+        rows += errors.replicates[i];
+        sum += errors.replicates[i] * errors.all.output[i];
     }
     const double mean = sum / rows;
     double measured = 0.0;
@@ -120,11 +120,11 @@ void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const
         const std::size_t point = errors.points[i];
         const double deviation = errors.all.output[point] - mean;
         const double leftOut = errors.leftOut[i];
-        measured += errors.rows[point];
-        squares +=
-            errors.scatter[point] + errors.rows[point] * errors.residuals[i] * errors.residuals[i];
-        total += errors.scatter[point] + errors.rows[point] * deviation * deviation;
-        press += errors.scatter[point] + errors.rows[point] * leftOut * leftOut;
+        measured += errors.replicates[point];
+        squares += errors.withinSquares[point] +
+                   errors.replicates[point] * errors.residuals[i] * errors.residuals[i];
+        total += errors.withinSquares[point] + errors.replicates[point] * deviation * deviation;
+        press += errors.withinSquares[point] + errors.replicates[point] * leftOut * leftOut;
     }
     fit.metrics.cases = static_cast<std::size_t>(rows);
     fit.metrics.r2 = 1.0 - squares / total;
@@ -137,14 +137,14 @@ void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const
 
 void KrigingFitReport::findWorstCases(KrigingFit& fit, const Errors& errors) const
 {
-    constexpr std::size_t mostShown = 5;
+    constexpr std::size_t maxShown = 5;
 
     if (std::isnan(fit.metrics.looRmse)) {
         return;
     }
     std::vector<std::size_t> worst(errors.points.size());
     std::iota(worst.begin(), worst.end(), std::size_t{0});
-    const std::size_t shown = std::min(mostShown, worst.size());
+    const std::size_t shown = std::min(maxShown, worst.size());
     std::partial_sort(worst.begin(), worst.begin() + static_cast<std::ptrdiff_t>(shown),
                       worst.end(), [&](std::size_t a, std::size_t b) {
                           const double errorOfA = std::fabs(errors.leftOut[a]);

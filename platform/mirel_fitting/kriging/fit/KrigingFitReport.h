@@ -23,7 +23,8 @@ public:
     /** k of "Vk", of the inputs that vary. */
     std::vector<std::size_t> inputNumbers() const;
 
-    /** What a standardised value may be off by because its output has so many digits only. */
+    /** The rounding error of a standardised value, which the number of digits of its output sets.
+     */
     double roundingOf(double standardised) const;
 
     /** The terms with their coefficients, and the equation as text. */
@@ -32,16 +33,17 @@ public:
 
     struct Errors
     {
-        const KrigingData& all;             ///< the cases; their outputs are used
-        const std::vector<double>& rows;    ///< of each of them that count
-        const std::vector<double>& scatter; ///< sum of squares of these about their mean
-        /** What the residuals are of: all cases, or a random sample, which then stands for all. */
+        const KrigingData& all;                   ///< the cases; their outputs are used
+        const std::vector<double>& replicates;    ///< one per case
+        const std::vector<double>& withinSquares; ///< one per case
+        /** The cases with residuals: all, or a random sample that represents all. */
         const std::vector<std::size_t>& points;
-        const std::vector<double>& residuals;
-        const std::vector<double>& leftOut; ///< the same of fits to the other cases; NaN: no such
+        const std::vector<double>& residuals; ///< one per element of `points`
+        /** Leave-one-out residuals; NaN where the other cases do not determine a fit. */
+        const std::vector<double>& leftOut;
     };
 
-    /** The figures of errors, and the worst cases. */
+    /** The error metrics, and the cases with the largest leave-one-out residuals. */
     void measure(KrigingFit& fit, const Errors& errors) const;
 
 private:

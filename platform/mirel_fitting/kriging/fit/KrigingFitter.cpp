@@ -29,7 +29,7 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const double twoPi = 2.0 * std::acos(-1.0);
-// Where in the whole a fit is when its parameters are found: what then follows is the least of it.
+// Fraction of the work that is done when the parameters are found.
 constexpr double measuring = 0.99;
 
 std::vector<double> ascending(std::vector<double> values)
@@ -41,7 +41,7 @@ std::vector<double> ascending(std::vector<double> values)
 
 bool hasScatter(const KrigingData& merged)
 {
-    return std::any_of(merged.scatter.begin(), merged.scatter.end(),
+    return std::any_of(merged.withinSquares.begin(), merged.withinSquares.end(),
                        [](double squares) { return squares > 0.0; });
 }
 
@@ -59,7 +59,7 @@ public:
 private:
     void standardise();
     void mergeRows();
-    void warnOfConflicts(bool meetsCases);
+    void warnOfConflicts(bool interpolates);
     static void averageRows(KrigingData& merged);
     void chooseTrend();
     void searchWithTrends();
@@ -76,7 +76,7 @@ private:
     FittedKriging commonParts() const;
     KrigingFit withCorrelation();
     void reportCorrelation(KrigingFit& fit, double processVariance, double condition,
-                           bool meetsCases);
+                           bool interpolates);
     void reportLikelihood(KrigingFit& fit) const;
     KrigingFit ofManyCases();
     static bool areCasesMet(const LargeKriging::Result& large);
@@ -89,8 +89,8 @@ private:
                  const std::vector<double>& leaveOneOutResiduals) const
     {
         fit.metrics.terms = data->terms;
-        reportOf().measure(
-            fit, {all, rowsAtPoint, scatterAtPoint, points, residuals, leaveOneOutResiduals});
+        reportOf().measure(fit, {all, replicatesAtPoint, withinSquaresAtPoint, points, residuals,
+                                 leaveOneOutResiduals});
     }
     void keepLeftOut(KrigingFit& fit, const KrigingData& all,
                      const KrigingLeaveOneOut::Points& left) const
@@ -106,8 +106,8 @@ private:
     double offset = 0.0; // output = offset + scale * standardised output
     double scale = 1.0;
     std::shared_ptr<KrigingData> data;
-    std::vector<double> rowsAtPoint; // that count
-    std::vector<double> scatterAtPoint;
+    std::vector<double> replicatesAtPoint; // that count
+    std::vector<double> withinSquaresAtPoint;
     std::size_t conflicts = 0; // points where rows differ
     std::shared_ptr<const KrigingTrend> trend;
     std::optional<KrigingWarnings::Lowered> lowered; // the trend, where cases are few
@@ -157,11 +157,11 @@ void Fitter::mergeRows()
     data->inputs = cases.activeInputs().size();
     data->coordinates = cases.coordinates();
     data->output = merged.means;
-    data->rows = rowsAtPoint = merged.rows;
-    data->scatter = scatterAtPoint = merged.scatter;
+    data->replicates = replicatesAtPoint = merged.replicates;
+    data->withinSquares = withinSquaresAtPoint = merged.withinSquares;
     if (options.isNuggetFixed()) {
-        // The scatter would be measured against a nugget that nobody fitted to it, and against
-        // none at all be infinitely unlikely: the mean is then a case like the others.
+        // Replicates that differ are unlikely under a nugget that was not fitted to them, and
+        // infinitely so under none: their mean is then a case like the others.
         averageRows(*data);
     }
     const std::size_t copies = merged.copies;
@@ -175,18 +175,18 @@ void Fitter::mergeRows()
     }
 }
 
-void Fitter::warnOfConflicts(bool meetsCases)
+void Fitter::warnOfConflicts(bool interpolates)
 {
     if (conflicts > 0) {
-        warnings.push_back(KrigingWarnings::ofConflicts(conflicts, meetsCases));
+        warnings.push_back(KrigingWarnings::ofConflicts(conflicts, interpolates));
     }
 }
 
 /** The mean of the rows at a point becomes a case like any other. */
 void Fitter::averageRows(KrigingData& merged)
 {
-    merged.rows.assign(merged.cases, 1.0);
-    merged.scatter.assign(merged.cases, 0.0);
+    merged.replicates.assign(merged.cases, 1.0);
+    merged.withinSquares.assign(merged.cases, 0.0);
 }
 
 void Fitter::chooseTrend()
@@ -213,14 +213,14 @@ void Fitter::warnOfTrend()
     }
 }
 
-/** Whether least squares leave nothing but rounding: then there is nothing to correlate. */
+/** Whether the residuals of least squares are rounding: then there is nothing to correlate. */
 bool Fitter::isExplainedByTrend() const
 {
     double largest = 0.0;
     double scatter = 0.0;
     for (std::size_t i = 0; i < data->cases; ++i) {
         largest = std::max(largest, std::fabs(offset / scale + data->output[i]));
-        scatter = std::max(scatter, scatterAtPoint[i] / rowsAtPoint[i]);
+        scatter = std::max(scatter, withinSquaresAtPoint[i] / replicatesAtPoint[i]);
     }
     const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
     return std::sqrt(scatter) <= rounding &&
@@ -243,8 +243,8 @@ KrigingSearch::Settings Fitter::searchSettings() const
     return settings;
 }
 
-/** Steps with all cases from what a subset has found: a rule of size, not of time, so that the same
- *  cases give the same model on every machine. */
+/** Number of steps with all cases after the search with a subset: by size, not by time, so that the
+ *  same cases give the same model on every machine. */
 int Fitter::refinements() const
 {
     const KrigingSizes& sizes = options.sizes;
@@ -309,7 +309,7 @@ void Fitter::searchWithTrends()
     data = choice.data;
     found = choice.found;
     if (trend->order() < highest) {
-        const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
+        const double rows = std::accumulate(data->replicates.begin(), data->replicates.end(), 0.0);
         const auto inUnits = [&](KrigingTrendChoice::Quality quality) {
             quality.akaike += 2.0 * rows * std::log(scale);
             quality.leaveOneOutError *= scale;
@@ -340,8 +340,7 @@ FittedKriging Fitter::commonParts() const
     return parts;
 }
 
-/** Whether the nugget stands for something; less than what keeps the factorisation sound does not.
- */
+/** Whether the user's lower bound stands for noise; up to the least nugget it does not. */
 bool Fitter::isNuggetWanted() const
 {
     return options.nugget > SearchPolicy().soundNugget;
@@ -366,15 +365,15 @@ KrigingFit Fitter::withCorrelation()
     const FitProgress::Portion progress(measuring, 1.0, "Measuring the fit");
     KrigingLikelihood likelihood(data);
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
-    const bool meetsCases = !isNuggetWanted() && !found.isNuggetRaised &&
-                            found.parameters.nugget <= SearchPolicy().soundNugget &&
-                            refineUntilCasesAreMet(likelihood);
-    warnOfConflicts(meetsCases);
+    const bool interpolates = !isNuggetWanted() && !found.isNuggetRaised &&
+                              found.parameters.nugget <= SearchPolicy().soundNugget &&
+                              refineUntilCasesAreMet(likelihood);
+    warnOfConflicts(interpolates);
 
     FittedKriging parts = commonParts();
     parts.processVariance = likelihood.processVariance();
     parts.nugget = found.parameters.nugget;
-    parts.interpolates = meetsCases;
+    parts.interpolates = interpolates;
     auto correlation =
         std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
     correlation->setLengths(found.parameters.lengths);
@@ -384,7 +383,7 @@ KrigingFit Fitter::withCorrelation()
 
     KrigingFit fit{KrigingPredictor(std::move(parts)), {}, {}, {}, {}};
     reportCorrelation(fit, likelihood.processVariance(), likelihood.conditionEstimate(),
-                      meetsCases);
+                      interpolates);
     reportLikelihood(fit);
     reportOf().addTrend(fit, *trend, likelihood.coefficients());
     std::vector<double> variances;
@@ -398,7 +397,7 @@ KrigingFit Fitter::withCorrelation()
 }
 
 void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double condition,
-                               bool meetsCases)
+                               bool interpolates)
 {
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     fit.report.lengthBounds.assign(cases.inputCount(), KrigingReport::Bound::None);
@@ -412,7 +411,7 @@ void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double c
     fit.report.nugget = found.parameters.nugget;
     fit.report.nuggetBound = found.nuggetBound;
     fit.report.processVariance = processVariance * scale * scale;
-    if (!meetsCases) {
+    if (!interpolates) {
         noiseShare = found.parameters.nugget * processVariance;
         fit.report.noiseDeviation = scale * std::sqrt(noiseShare);
     }
@@ -421,15 +420,14 @@ void Fitter::reportCorrelation(KrigingFit& fit, double processVariance, double c
 
 void Fitter::reportLikelihood(KrigingFit& fit) const
 {
-    const double rows = std::accumulate(data->rows.begin(), data->rows.end(), 0.0);
+    const double rows = std::accumulate(data->replicates.begin(), data->replicates.end(), 0.0);
     fit.report.logLikelihood = found.logLikelihood - rows * std::log(scale);
     if (!std::isinf(found.secondLogLikelihood)) {
         fit.report.secondLogLikelihood = found.secondLogLikelihood - rows * std::log(scale);
     }
 }
 
-/** More cases than one correlation matrix can hold: an exact model of a subset, and of the others
- *  what near ones tell. */
+/** More cases than one correlation matrix can hold, by LargeKriging. */
 KrigingFit Fitter::ofManyCases()
 {
     std::shared_ptr<const KrigingData> all = data;
@@ -522,7 +520,7 @@ bool Fitter::isExplainedBy(const std::vector<double>& coefficients, const Krigin
     trend->add(points, all.cases, coefficients, explained.data());
     for (std::size_t i = 0; i < all.cases; ++i) {
         const double rounding = reportOf().roundingOf(all.output[i]);
-        if (!(std::sqrt(scatterAtPoint[i] / rowsAtPoint[i]) <= rounding) ||
+        if (!(std::sqrt(withinSquaresAtPoint[i] / replicatesAtPoint[i]) <= rounding) ||
             !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
             return false;
         }
@@ -565,7 +563,7 @@ KrigingFit Fitter::constant()
     data->cases = 1;
     data->terms = 1;
     data->trend = {1.0};
-    data->rows = {n};
+    data->replicates = {n};
     trend = std::make_shared<KrigingTrend>(data->cases, 0, data->coordinates, 0, 0);
     FittedKriging parts = commonParts();
     parts.coefficients = {0.0};
@@ -597,8 +595,8 @@ KrigingFit Fitter::constant()
     return fit;
 }
 
-/** The parameters where nothing is correlated: R is the identity. The variance is that of the
- *  standardised output; its logarithm exists where the square of the output's unit does not. */
+/** The report where nothing is correlated: R is the identity. The variance is that of the
+ *  standardised output, whose logarithm exists where the squared unit of the output overflows. */
 void Fitter::reportIndependent(KrigingFit& fit, double variance, std::size_t count) const
 {
     const auto n = static_cast<double>(count);

@@ -110,9 +110,9 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
 
 std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
 {
-    constexpr double flat = 0.1;
-    constexpr double mostly = 0.5;
-    // A ratio of likelihoods of 7: no evidence for either.
+    constexpr double flat = 0.1;   // R2 or Q2
+    constexpr double mostly = 0.5; // of the output's variance
+    // A likelihood ratio of 7 is no evidence for either model.
     constexpr double close = 2.0;
 
     const KrigingReport& report = fit.report;
@@ -124,7 +124,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
             result.push_back("The cases show no influence of " + name +
                              " beyond the trend: its correlation length is at its upper bound.");
         }
-        // Lengths of next to nothing are noise by another name.
+        // Lengths this short mean noise.
         if (report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise) {
             result.push_back("The output changes along " + name +
                              " faster than the cases can show: its correlation length is at its "
@@ -145,7 +145,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
                          " times the process variance: beyond the trend the cases show no "
                          "correlation.");
     }
-    // Of noise, or of cases that tell nothing about each other, any lengths are as likely.
+    // For noise, or uncorrelated cases, all lengths are equally likely.
     const bool isAModel = !isMostlyNoise && fit.metrics.q2 > 0.0;
     if (isAModel && report.logLikelihood - report.secondLogLikelihood < close) {
         result.push_back(otherLengthsText(report));
@@ -158,7 +158,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("Left-out cases are predicted no better than by the mean of the "
                          "cases: do not rely on this model.");
     }
-    // A model that meets its cases is not flat, but it may be between them.
+    // A model that interpolates its cases has R2 = 1, but may be flat between them.
     if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {
         result.push_back("Left-out cases are predicted hardly better than by the mean of the "
                          "cases (" +

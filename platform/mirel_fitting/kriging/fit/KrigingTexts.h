@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-/** What users read about a Kriging fit. Numbers in the C locale, whatever the application has set.
- */
+/** Texts about a Kriging fit for users. Numbers are written in the C locale. */
 class KrigingTexts
 {
 public:
@@ -19,8 +18,8 @@ public:
     static std::string quality(const KrigingFit& fit);
 
     /**
-     * What a user has to know before trusting the fit, a sentence each.
-     * @param noiseShare of the output's variance that is taken for noise, 0 to 1.
+     * Warnings about the result of a fit, one sentence each.
+     * @param noiseShare fraction of the output's variance that the model attributes to noise.
      */
     static std::vector<std::string> verdicts(const KrigingFit& fit, double noiseShare);
 };

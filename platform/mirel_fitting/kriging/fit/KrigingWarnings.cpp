@@ -50,11 +50,11 @@ std::string KrigingWarnings::ofNearCases(std::size_t places)
            "them.";
 }
 
-std::string KrigingWarnings::ofConflicts(std::size_t points, bool meetsCases)
+std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
 {
     return "At " + counted(points, "point") +
            " several cases have the same inputs but different outputs: the model " +
-           (meetsCases ? "passes through their mean." : "smooths them.");
+           (interpolates ? "passes through their mean." : "smooths them.");
 }
 
 std::string KrigingWarnings::ofLoweredTrend(const Lowered& lowered, std::size_t cases)
@@ -85,9 +85,9 @@ std::string KrigingWarnings::ofRaisedNugget(double nugget)
            ": with less the correlation matrix cannot be factorised.";
 }
 
-std::string KrigingWarnings::ofSubset(std::size_t most, std::size_t searched, bool isRefined)
+std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, bool isRefined)
 {
-    return "There are more than " + std::to_string(most) +
+    return "There are more than " + std::to_string(max) +
            " distinct cases: the model is the exact one of all of them, with the correlation "
            "lengths of " +
            counted(searched, "case") + " spread over all" +

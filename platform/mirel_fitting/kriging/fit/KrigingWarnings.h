@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/** Sentences on what a fit makes of its cases and options. What its result looks like is judged by
- *  KrigingTexts. */
+/** Warnings about the cases and options of a fit. Those about its result are
+ *  KrigingTexts::verdicts(). */
 class KrigingWarnings
 {
 public:
@@ -23,14 +23,14 @@ public:
     /** @param input counted from 0. */
     static std::string ofConstantInput(std::size_t input);
 
-    /** @param areMerged into one case each, or else count as measured again. */
+    /** @param areMerged whether repeated cases count once, not as replicates. */
     static std::string ofCopies(std::size_t copies, bool areMerged);
 
     /** Cases next to each other that contradict each other. */
     static std::string ofNearCases(std::size_t places);
 
     /** Cases at the same point with different outputs. */
-    static std::string ofConflicts(std::size_t points, bool meetsCases);
+    static std::string ofConflicts(std::size_t points, bool interpolates);
 
     static std::string ofLoweredTrend(const Lowered& lowered, std::size_t cases);
     static std::string ofTooFewCases(int from, int to, std::size_t cases);
@@ -38,12 +38,13 @@ public:
     static std::string ofRaisedNugget(double nugget);
 
     /**
-     * Lengths of a part of the cases, which are too many.
-     * @param most      cases that all are searched with.
-     * @param isRefined by steps with all of them.
+     * Lengths and nugget were estimated from a subset.
+     * @param max       cases up to which all are used.
+     * @param searched  cases of the subset.
+     * @param isRefined whether steps with all cases followed.
      */
-    static std::string ofSubset(std::size_t most, std::size_t searched, bool isRefined);
+    static std::string ofSubset(std::size_t max, std::size_t searched, bool isRefined);
 
-    /** Errors at a part of the cases. */
+    /** The error metrics are those of a random sample. */
     static std::string ofSample(std::size_t cases);
 };

@@ -86,9 +86,9 @@ void use(Result& result, const NeighbourLayer& layer)
 }
 
 /**
- * What the subset's process leaves unknown: its variance is such that the nearest cases alone, with
- * its parameters, would make the errors of the cases left out. As for standard errors, the larger
- * of what the two layers do not know counts.
+ * The uncertainty of the subset's process. Its variance is estimated so that the leave-one-out
+ * variances by nearest neighbours with its parameters match the leave-one-out errors. As for
+ * standard errors, the larger of the variances of the two layers counts.
  */
 void addUncertaintyOfSubset(Result& result, const NeighbourLayer& layer)
 {

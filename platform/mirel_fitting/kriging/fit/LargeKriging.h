@@ -17,8 +17,8 @@
  * model alone and nearest-neighbour Kriging of the residuals of the trend alone are tried, too; the
  * one that predicts cases outside of the subset best, each left out in turn, is chosen.
  *
- * There is no likelihood of all cases: an approximation of it took four fifths of the time of a fit
- * and decided nothing.
+ * The likelihood of all cases is not computed: nothing is chosen by it, and an approximation takes
+ * four times as long as the rest of the fit.
  */
 class LargeKriging
 {
@@ -28,15 +28,15 @@ public:
     struct Result
     {
         KrigingSearch::Result found; ///< of the subset
-        SubsetKriging::Model subset; ///< without weights where only its trend is used
-        std::shared_ptr<const NearestNeighbourKriging> neighbours; ///< null: none
+        SubsetKriging::Model subset; ///< without weights if only its trend is used
+        std::shared_ptr<const NearestNeighbourKriging> neighbours; ///< null: not used
         double neighbourVariance = 0.0;                            ///< of its process
-        /** Of the subset's process as the nearest cases know it, by the errors at the measured
-         *  cases; 0 where neighbours do not correct the subset's model. */
+        /** The process variance for standard errors with the subset's parameters, estimated from
+         *  the errors at the measured cases; 0 if neighbours do not correct the subset's model. */
         double correctedVariance = 0.0;
 
         std::vector<std::size_t> measured; ///< random cases outside of the subset
-        /** Their residuals, by the model and by the model of all other cases. */
+        /** Their residuals, and those of the fits to all other cases. */
         std::vector<double> residuals;
         std::vector<double> leaveOneOutResiduals;
         /** Of the latter, relative to `neighbourVariance`; none where no neighbours are used. */
@@ -45,14 +45,14 @@ public:
         double subsetError = 0.0; ///< the same of the subset's model
         std::size_t subsetSize = 0;
 
-        /** A clause that says what was chosen and why. @param scale of errors. */
+        /** The chosen model and its errors, as a clause. @param scale of the output. */
         std::string description(double scale) const;
     };
 
     /**
      * Reports to FitProgress.
      * @param data all cases; their trend is not used.
-     * @param interpolate whether a nugget at its least bound is to be taken out of the prediction.
+     * @param interpolate whether the model is to interpolate if the nugget is at its least bound.
      * @throw SurrogateModelInterface::Error like KrigingSearch::run().
      */
     static Result run(const std::shared_ptr<const KrigingData>& data, const Subset& subset,

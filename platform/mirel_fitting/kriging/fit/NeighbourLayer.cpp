@@ -23,8 +23,7 @@ std::vector<double> at(const std::vector<std::size_t>& indices, const std::vecto
     return result;
 }
 
-/** Logarithm of the density of some values, each predicted by all others; the variance of the
- *  process is profiled out. */
+/** Logarithm of the leave-one-out density of some values; the process variance is profiled out. */
 double logDensity(const std::vector<double>& values, const std::vector<Prediction>& predictions)
 {
     double squares = 0.0;
@@ -54,7 +53,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
                                            expectedTrials * static_cast<double>(sizes.estimated));
         neighbours = std::make_shared<NearestNeighbourKriging>(
             NearestNeighbourKriging::Cases{data.cases, data.inputs, data.coordinates.data(),
-                                           residuals, data.rows},
+                                           residuals, data.replicates},
             start.lengths, sizes.neighbours);
         neighbours->setParameters(estimate(start));
     }
@@ -69,8 +68,8 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
 }
 
 /**
- * First a common factor of all lengths and the nugget on a grid, then each of them in turn in
- * smaller and smaller steps. Sundararajan, Keerthi: Predictive approaches for choosing
+ * First a grid search over the nugget and a common factor of all lengths, then a coordinate search
+ * with decreasing steps. Sundararajan, Keerthi: Predictive approaches for choosing
  * hyperparameters in Gaussian processes, Neural Computation 13 (2001).
  */
 Parameters NeighbourLayer::estimate(const Parameters& start) const

@@ -8,8 +8,8 @@
 #include <vector>
 
 /**
- * Nearest-neighbour Kriging of what another model leaves at all cases, and how well it predicts
- * cases that are left out: the second layer of LargeKriging. Reports to FitProgress.
+ * Nearest-neighbour Kriging of the residuals of another model, with its leave-one-out errors: the
+ * second layer of LargeKriging. Reports to FitProgress.
  */
 class NeighbourLayer
 {
@@ -31,7 +31,7 @@ public:
                    const NearestNeighbourKriging::Parameters& start, double smallestNugget,
                    const Sizes& sizes);
 
-    const std::shared_ptr<const NearestNeighbourKriging> kriging() const { return neighbours; }
+    std::shared_ptr<const NearestNeighbourKriging> kriging() const { return neighbours; }
 
     /** One per case left out: its residual minus the prediction by all other cases. */
     const std::vector<double>& leaveOneOutResiduals() const { return errors; }
@@ -42,15 +42,15 @@ public:
     /** Root mean square of the leave-one-out residuals. */
     double error() const;
 
-    /** The variance of the process by which the leave-one-out residuals are on average as large as
-     *  their variances say. */
+    /** The process variance: the mean of squared leave-one-out residuals over their relative
+     *  variances. */
     double variance() const;
 
-    /** The variances of cases left out by the nearest ones, with other parameters. */
+    /** leaveOneOutVariances() with other parameters. */
     std::vector<double>
     leaveOneOutVariances(const NearestNeighbourKriging::Parameters& parameters) const;
 
-    /** What remains of the residuals at the cases left out when none is left out. */
+    /** Residuals minus predictions at the cases `leftOut`, from all cases, themselves included. */
     std::vector<double> residualsAtCases() const;
 
 private:

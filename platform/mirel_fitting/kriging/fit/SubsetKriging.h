@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-/** The exact model of some of many cases: the first layer of LargeKriging. */
+/** The exact model of a subset of the cases: the first layer of LargeKriging. */
 class SubsetKriging
 {
 public:
@@ -22,8 +22,8 @@ public:
     struct Model
     {
         double nugget = 0.0;
-        bool isNuggetRaised = false; ///< above the one wanted: R could not be factorised
-        bool interpolates = false;   ///< the nugget was taken out of the weights again
+        bool isNuggetRaised = false; ///< since R could not be factorised
+        bool interpolates = false;   ///< whether the weights are those without nugget
         double processVariance = 0.0;
         double condition = 0.0;
         std::vector<double> coefficients; ///< of the trend
@@ -35,7 +35,7 @@ public:
 
     /**
      * @param soundNugget up to it the nugget only keeps the factorisation sound.
-     * @param interpolate whether such a nugget is to be taken out of the prediction.
+     * @param interpolate whether the model is to interpolate if the nugget is no larger.
      * @throw SurrogateModelInterface::Error if no nugget makes R positive definite.
      */
     Model fit(double nugget, double soundNugget, bool interpolate);

@@ -20,12 +20,12 @@
 namespace {
 
 const double twoPi = 2.0 * std::acos(-1.0);
-// Of a large matrix, in what takes a fraction of a tenth of a second.
+// Columns of a large matrix between two reports of progress: a fraction of a tenth of a second.
 constexpr std::size_t columnsAtOnce = 512;
 
-constexpr double impossible = -std::numeric_limits<double>::infinity();
+constexpr double notFactorised = -std::numeric_limits<double>::infinity();
 
-/** What is gathered from the columns of the inverse, as they come. */
+/** Sums over the columns of the inverse, which are visited block by block. */
 struct DerivativeTotals
 {
     std::vector<double> sums;     ///< one per input
@@ -111,9 +111,9 @@ public:
           correlations(AlignedBuffer::uninitialised(n * n)), cholesky(n, threadCount())
     {
         for (std::size_t i = 0; i < n; ++i) {
-            rowCount += data->rows[i];
-            logRows += std::log(data->rows[i]);
-            scatter += data->scatter[i];
+            rowCount += data->replicates[i];
+            logReplicates += std::log(data->replicates[i]);
+            withinSquares += data->withinSquares[i];
         }
     }
 
@@ -130,8 +130,8 @@ public:
     std::size_t n;
     std::size_t p;
     double rowCount = 0.0;
-    double logRows = 0.0;
-    double scatter = 0.0;
+    double logReplicates = 0.0;
+    double withinSquares = 0.0;
 
     MaternCorrelation correlation;
     AlignedBuffer correlations; // lower triangle of C
@@ -157,7 +157,7 @@ bool KrigingLikelihood::Impl::factorise()
         for (std::size_t j = first; j < last; ++j) {
             const std::size_t diagonal = j * n + j;
             std::copy_n(correlations.data() + diagonal, n - j, matrix + diagonal);
-            matrix[diagonal] += nugget / data->rows[j];
+            matrix[diagonal] += nugget / data->replicates[j];
         }
     });
     if (!cholesky.factorise()) {
@@ -183,8 +183,8 @@ bool KrigingLikelihood::Impl::estimateTrend()
 
     alpha = data->output;
     variance = solve(alpha, beta);
-    if (scatter > 0.0) {
-        variance += scatter / nugget;
+    if (withinSquares > 0.0) {
+        variance += withinSquares / nugget;
     }
     variance /= rowCount;
     refinedAlpha = alpha;
@@ -192,8 +192,8 @@ bool KrigingLikelihood::Impl::estimateTrend()
 }
 
 /**
- * Generalised least squares: `right` becomes R^-1 times what the trend leaves of it.
- * @return the weighted square of what is left.
+ * Generalised least squares: `right` becomes R^-1 r, with the residual r of the trend.
+ * @return r' R^-1 r.
  */
 double KrigingLikelihood::Impl::solve(std::vector<double>& right,
                                       std::vector<double>& coefficients) const
@@ -217,7 +217,7 @@ std::vector<double> KrigingLikelihood::Impl::residuals() const
     return result;
 }
 
-/** What the correlations and the weights predict, a part of the matrix at a time. */
+/** outputs -= C refinedAlpha, a block of columns at a time. */
 void KrigingLikelihood::Impl::subtractCorrelated(std::vector<double>& outputs) const
 {
     const int stride = static_cast<int>(n);
@@ -247,7 +247,7 @@ double KrigingLikelihood::Impl::normOfInverse() const
     std::vector<lapack_int> signs(n);
     std::array<lapack_int, 3> memory{};
     double estimate = 0.0;
-    lapack_int request = 0; // for R^-1 or its transpose, which is the same, times the probe
+    lapack_int request = 0; // not 0: multiply the probe by R^-1, or its transpose, the same
     const auto ask = [&] {
         LAPACKE_dlacn2_work(static_cast<lapack_int>(n), work.data(), probe.data(), signs.data(),
                             &estimate, &request, memory.data());
@@ -264,12 +264,12 @@ double KrigingLikelihood::Impl::logLikelihood()
     double determinant = logDeterminant;
     const double repeated = rowCount - static_cast<double>(n);
     if (repeated > 0.0) {
-        determinant += repeated * std::log(nugget) + logRows;
+        determinant += repeated * std::log(nugget) + logReplicates;
     }
     return -0.5 * (rowCount * std::log(twoPi * variance) + determinant + rowCount);
 }
 
-/** Once for each evaluation: gradient and information are made of the same derivatives. */
+/** Once for each evaluation: gradient and average information use the same derivatives. */
 void KrigingLikelihood::Impl::differentiate()
 {
     if (isDifferentiated) {
@@ -301,10 +301,10 @@ double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nu
     impl->isDifferentiated = false;
     impl->correlation.setLengths(lengths);
     if (!impl->factorise() || !impl->estimateTrend()) {
-        return impossible;
+        return notFactorised;
     }
     const double value = impl->logLikelihood();
-    return std::isfinite(value) ? value : impossible;
+    return std::isfinite(value) ? value : notFactorised;
 }
 
 void KrigingLikelihood::gradient(std::vector<double>& result)
@@ -313,11 +313,11 @@ void KrigingLikelihood::gradient(std::vector<double>& result)
     impl->differentiate();
     result = impl->derivatives.sums;
 
-    // The rows that a case stands for share its nugget.
-    double explained = impl->scatter > 0.0 ? impl->scatter / impl->nugget : 0.0;
+    // The mean of r replicates has the nugget / r.
+    double explained = impl->withinSquares > 0.0 ? impl->withinSquares / impl->nugget : 0.0;
     double trace = impl->rowCount - static_cast<double>(impl->n);
     for (std::size_t i = 0; i < impl->n; ++i) {
-        const double share = impl->nugget / impl->data->rows[i];
+        const double share = impl->nugget / impl->data->replicates[i];
         explained += share * impl->alpha[i] * impl->alpha[i];
         trace += share * impl->derivatives.diagonal[i];
     }
@@ -343,7 +343,7 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
         changes.insert(changes.end(), column, column + n);
     }
     for (std::size_t i = 0; i < n; ++i) {
-        changes.push_back(impl->nugget / impl->data->rows[i] * impl->alpha[i]);
+        changes.push_back(impl->nugget / impl->data->replicates[i] * impl->alpha[i]);
     }
     std::vector<double> slopes(count);
     for (std::size_t k = 0; k < count; ++k) {
@@ -362,9 +362,9 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
     result.assign(count * count, 0.0);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
                 changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
-    if (impl->scatter > 0.0) {
-        slopes.back() += impl->scatter / impl->nugget;
-        result.back() += impl->scatter / impl->nugget;
+    if (impl->withinSquares > 0.0) {
+        slopes.back() += impl->withinSquares / impl->nugget;
+        result.back() += impl->withinSquares / impl->nugget;
     }
 
     // The variance is profiled out.
@@ -394,15 +394,16 @@ const std::vector<double>& KrigingLikelihood::weights() const
 
 void KrigingLikelihood::refineWithoutNugget()
 {
-    constexpr int mostRounds = 20;
-    constexpr double worthARound = 0.7; // of the residual must be left at most
+    constexpr int maxRounds = 20;
+    constexpr double worthwhileReduction =
+        0.7; // of the residual norm; a round that leaves more is the last
 
     const SingleThreadedBlas singleThreaded;
     const int order = static_cast<int>(impl->n);
     std::vector<double> residuals = impl->residuals();
     double left = cblas_dnrm2(order, residuals.data(), 1);
     std::vector<double> correction;
-    for (int round = 0; round < mostRounds; ++round) {
+    for (int round = 0; round < maxRounds; ++round) {
         FitProgress::advance();
         const std::vector<double> beta = impl->beta;
         const std::vector<double> alpha = impl->refinedAlpha;
@@ -420,7 +421,7 @@ void KrigingLikelihood::refineWithoutNugget()
             impl->refinedAlpha = alpha;
             return;
         }
-        if (now > worthARound * left) {
+        if (now > worthwhileReduction * left) {
             return;
         }
         left = now;
@@ -443,7 +444,7 @@ double KrigingLikelihood::conditionEstimate() const
             FitProgress::advance();
         }
         const double* column = impl->correlations.data() + j * n;
-        sums[j] += 1.0 + impl->nugget / impl->data->rows[j];
+        sums[j] += 1.0 + impl->nugget / impl->data->replicates[j];
         for (std::size_t i = j + 1; i < n; ++i) {
             sums[j] += column[i];
             sums[i] += column[i];
@@ -454,8 +455,8 @@ double KrigingLikelihood::conditionEstimate() const
 
 std::vector<double> KrigingLikelihood::leaveOneOutResiduals(std::vector<double>* variances)
 {
-    // Less than this share of a diagonal element left over is its rounding error: without the case
-    // the trend is not determined.
+    // A smaller fraction of a diagonal element is its rounding error: without the case the trend is
+    // not determined.
     constexpr double determined = 1e-10;
 
     const SingleThreadedBlas singleThreaded;

@@ -15,20 +15,20 @@
  *
  *   ln L = -(n ln(2 pi s2) + ln det R + n) / 2,   n the number of rows.
  *
- * Rows with the same inputs are summed up in one case without loss: R is then never larger than the
- * number of distinct cases, with nugget / rows on its diagonal, and the scatter of the rows about
- * their mean enters s2 and the determinant. Binois, Gramacy, Ludkovski: Practical heteroscedastic
+ * Replicates, rows with the same inputs, are one case without loss: R is then never larger than the
+ * number of distinct cases, with nugget / replicates on its diagonal; the sum of squares of the
+ * replicates about their mean enters s2. Binois, Gramacy, Ludkovski: Practical heteroscedastic
  * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
  *
  * An evaluation costs n^3 / 6 multiplications, its gradient n^3 / 3 more, for any number of
  * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
  * change a bit, and call FitProgress::advance() with their multiplications at least every tenth of
- * a second; what that throws ends the evaluation and passes through.
+ * a second; an exception thrown there ends the evaluation and passes through.
  */
 class KrigingLikelihood
 {
 public:
-    /** @param data is shared: it has to stay as it is. */
+    /** @param data is shared and must not change. */
     explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
     ~KrigingLikelihood();
 
@@ -63,24 +63,24 @@ public:
 
     /**
      * Coefficients and weights as they would be without nugget, as far as double precision allows:
-     * for a nugget that only keeps the factorisation sound, so that the prediction meets the cases.
-     * By iterative refinement, which each round takes out more of the nugget's smoothing. Riley:
+     * for a nugget that only keeps the factorisation sound, so that the model interpolates the
+     * cases. By iterative refinement, of which each round reduces the nugget's smoothing. Riley:
      * Solving systems of linear equations with a positive definite, symmetric, but possibly
      * ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
      */
     void refineWithoutNugget();
 
-    /** What each case's output lies above the prediction there by coefficients() and weights(). */
+    /** Outputs minus predictions by coefficients() and weights(). */
     std::vector<double> residuals() const;
 
-    /** The 1-norm of R times an estimate of that of its inverse: so many times larger than the
-     *  rounding of the outputs can that of the weights be. Higham: FORTRAN codes for estimating the
+    /** The 1-norm of R times an estimate of that of its inverse: a bound on the relative error of
+     *  the weights, as a multiple of that of the outputs. Higham: FORTRAN codes for estimating the
      *  one-norm of a real or complex matrix, ACM Trans. Math. Softw. 14 (1988). */
     double conditionEstimate() const;
 
     /**
-     * What each case's output lies above its prediction by all others, lengths, nugget and variance
-     * being kept and the trend estimated anew: Dubrule, Cross validation of kriging in a unique
+     * Outputs minus predictions by all other cases, with the same lengths, nugget and variance and
+     * the trend estimated anew: Dubrule, Cross validation of kriging in a unique
      * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
      * @param variances if not null, receives those of the residuals, relative to the process
      *                  variance.

@@ -15,7 +15,8 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            std::size_t otherParameters)
     : inputCount(inputs)
 {
-    // A smaller share of a column that is orthogonal to the earlier ones is rounding.
+    // Relative to the column's norm; a smaller component orthogonal to the earlier ones is
+    // rounding.
     constexpr double independent = 1e-9;
 
     usedOrder = inputs == 0 ? 0 : highestOrder;

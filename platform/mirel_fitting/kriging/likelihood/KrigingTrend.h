@@ -15,15 +15,15 @@ class KrigingTrend
 {
 public:
     /**
-     * The order is the highest up to `highestOrder` for which the cases are at least as many as
-     * what is estimated: the terms and `otherParameters`. Terms that are a linear combination of
+     * The order is the highest up to `highestOrder` with no more parameters than cases, which are
+     * the terms and `otherParameters`. Terms that are a linear combination of
      * earlier ones at the cases are dropped. Calls FitProgress::advance() for each term.
      * @param coordinates by columns, cases x inputs, each input over [0, 1].
      */
     KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
                  int highestOrder, std::size_t otherParameters);
 
-    /** One that is only evaluated: of these terms in so many inputs, without cases. */
+    /** A trend of these terms, to be evaluated only: it has no cases. */
     KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
 
     int order() const;
@@ -72,8 +72,8 @@ public:
         double coefficient;
     };
     /**
-     * The same polynomial in the inputs x = minimum + range * coordinate: the terms kept, and those
-     * of lower order that the change of coordinates brings in.
+     * The same polynomial in the inputs x = minimum + range * coordinate: the terms kept, and the
+     * terms of lower order that result from the change of coordinates.
      */
     std::vector<RawTerm> inRawInputs(const std::vector<double>& coefficients,
                                      const std::vector<double>& minimum,

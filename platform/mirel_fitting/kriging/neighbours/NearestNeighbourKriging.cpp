@@ -19,39 +19,39 @@ namespace {
 
 const double rootOfFive = std::sqrt(5.0);
 
-// For the tree an input without influence keeps a little of it, so that its coordinates are not
-// lost to lengths that are tried later.
+// Lengths are limited in the metric of the tree: coordinates divided by an infinite length would be
+// lost, and shorter lengths are tried later.
 constexpr double longestInMetric = 1e4;
 
-/** A few cases, case by case, and what is known at them. */
+/** All cases: their coordinates case by case, values and numbers of replicates. */
 struct Sources
 {
     std::size_t inputs;
     const double* coordinates; // in lengths of the metric
     const double* values;
-    const double* rows;
+    const double* replicates;
 };
 
 /** Kriging from a handful of cases; one for each thread. */
 class LocalKriging
 {
 public:
-    LocalKriging(std::size_t mostCases, std::size_t inputs)
-        : stride(AlignedBuffer::padded(mostCases)), columns(stride * inputs),
-          points((mostCases + 1) * inputs), correlations(stride * (mostCases + 1)),
-          factor(mostCases * mostCases), right(mostCases), values(mostCases)
+    LocalKriging(std::size_t maxCases, std::size_t inputs)
+        : stride(AlignedBuffer::padded(maxCases)), columns(stride * inputs),
+          points((maxCases + 1) * inputs), correlations(stride * (maxCases + 1)),
+          factor(maxCases * maxCases), right(maxCases), values(maxCases)
     {}
 
     /**
      * @param factors turn coordinates of the metric into those of the kernels.
-     * @param share   of the nugget in what is predicted.
+     * @param share   the noise of the predicted value, relative to the process variance.
      */
     NearestNeighbourKriging::Prediction predict(const Sources& sources, const std::uint32_t* cases,
                                                 std::size_t count, const double* point,
                                                 const std::vector<double>& factors, double nugget,
                                                 double share)
     {
-        // Of coinciding cases the factor exists only with a nugget.
+        // The correlation matrix of coinciding cases is singular without a nugget.
         constexpr double raise = 10.0;
         constexpr double leastRaised = 1e-12;
         constexpr double hopeless = 1.0;
@@ -120,7 +120,7 @@ private:
         for (std::size_t j = 0; j < count; ++j) {
             const double* from = correlations.data() + j * stride;
             std::copy(from + j, from + count, factor.data() + j * count + j);
-            factor[j * count + j] = 1.0 + nugget / sources.rows[cases[j]];
+            factor[j * count + j] = 1.0 + nugget / sources.replicates[cases[j]];
         }
         const auto order = static_cast<lapack_int>(count);
         return LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order) == 0;
@@ -139,7 +139,7 @@ private:
             cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(),
                         order, column, 1);
         }
-        // What is left of the variance can be less than its rounding error.
+        // Cancellation can make the variance 0 or negative.
         const double smallest = 1e-15;
         const double explained = cblas_ddot(order, right.data(), 1, right.data(), 1);
         return {cblas_ddot(order, right.data(), 1, values.data(), 1),
@@ -155,37 +155,37 @@ private:
     std::vector<double> values;
 };
 
-/** What a thread needs for a point. */
-struct Workplace
+/** The memory of one thread. */
+struct Workspace
 {
-    Workplace(std::size_t neighbours, std::size_t inputs)
+    Workspace(std::size_t neighbours, std::size_t inputs)
         : kriging(neighbours, inputs), indices(neighbours + 1), squares(neighbours + 1),
           point(inputs)
     {}
 
     LocalKriging kriging;
-    std::vector<std::uint32_t> indices; // one more than used: a case finds itself
+    std::vector<std::uint32_t> indices; // one more than used: a case is its own neighbour
     std::vector<double> squares;
     std::vector<double> point;
 };
 
-using PointWork = std::function<void(Workplace&, std::size_t)>;
+using PointWork = std::function<void(Workspace&, std::size_t)>;
 
 void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs, const PointWork& work)
 {
     constexpr std::size_t perChunk = 64;
-    // A thread takes longer to start than some points.
+    // Starting a thread costs more than predicting this many points.
     constexpr std::size_t fewPoints = 256;
 
     const SingleThreadedBlas singleThreaded;
     const std::size_t chunks = (count + perChunk - 1) / perChunk;
     const int threads = count < fewPoints ? 1 : threadCount();
     const auto makeWork = [&]() -> OrderedChunks::Work {
-        const auto place = std::make_shared<Workplace>(neighbours, inputs);
-        return [&, place](std::size_t chunk) {
+        const auto workspace = std::make_shared<Workspace>(neighbours, inputs);
+        return [&, workspace](std::size_t chunk) {
             const std::size_t last = std::min(count, (chunk + 1) * perChunk);
             for (std::size_t i = chunk * perChunk; i < last; ++i) {
-                work(*place, i);
+                work(*workspace, i);
             }
         };
     };
@@ -204,7 +204,7 @@ public:
     Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours)
         : count(cases.count), inputs(cases.inputs), neighbours(std::min(neighbours, cases.count)),
           metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
-          rows(std::move(cases.rows))
+          replicates(std::move(cases.replicates))
     {
         for (std::size_t k = 0; k < inputs; ++k) {
             FitProgress::advance();
@@ -232,27 +232,30 @@ public:
         return result;
     }
 
-    Sources sources() const { return {inputs, coordinates.data(), values.data(), rows.data()}; }
-
-    /** @param found receives how many cases were used. */
-    Prediction predict(Workplace& place, const std::vector<const double*>& points,
-                       std::size_t index, std::size_t& found) const
+    Sources sources() const
     {
-        return predict(place, points, index, factors, parameters.nugget, found);
+        return {inputs, coordinates.data(), values.data(), replicates.data()};
     }
 
-    Prediction predict(Workplace& place, const std::vector<const double*>& points,
+    /** @param found receives how many cases were used. */
+    Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
+                       std::size_t index, std::size_t& found) const
+    {
+        return predict(workspace, points, index, factors, parameters.nugget, found);
+    }
+
+    Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
                        std::size_t index, const std::vector<double>& scales, double nugget,
                        std::size_t& found) const
     {
         const double noise = 0.0;
         for (std::size_t k = 0; k < inputs; ++k) {
-            place.point[k] = points[k][index] / metric[k];
+            workspace.point[k] = points[k][index] / metric[k];
         }
-        found = search->find(place.point.data(), neighbours, place.indices.data(),
-                             place.squares.data());
-        return place.kriging.predict(sources(), place.indices.data(), found, place.point.data(),
-                                     scales, nugget, noise);
+        found = search->find(workspace.point.data(), neighbours, workspace.indices.data(),
+                             workspace.squares.data());
+        return workspace.kriging.predict(sources(), workspace.indices.data(), found,
+                                         workspace.point.data(), scales, nugget, noise);
     }
 
     const double* at(std::size_t index) const { return coordinates.data() + index * inputs; }
@@ -263,7 +266,7 @@ public:
     std::vector<double> metric;
     std::vector<double> coordinates; // case by case, in lengths of the metric
     std::vector<double> values;
-    std::vector<double> rows;
+    std::vector<double> replicates;
     std::unique_ptr<NearestNeighbours> search;
     Parameters parameters;
     std::vector<double> factors;
@@ -294,9 +297,9 @@ const NearestNeighbourKriging::Parameters& NearestNeighbourKriging::parameters()
 void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t count,
                                   double* result) const
 {
-    const PointWork work = [&](Workplace& place, std::size_t i) {
+    const PointWork work = [&](Workspace& workspace, std::size_t i) {
         std::size_t found;
-        result[i] += impl->predict(place, points, i, found).mean;
+        result[i] += impl->predict(workspace, points, i, found).mean;
     };
     forPoints(count, impl->neighbours, impl->inputs, work);
 }
@@ -305,12 +308,12 @@ void NearestNeighbourKriging::addGradients(const std::vector<const double*>& poi
                                            std::size_t count,
                                            const std::vector<double*>& gradients) const
 {
-    const PointWork work = [&](Workplace& place, std::size_t i) {
+    const PointWork work = [&](Workspace& workspace, std::size_t i) {
         std::size_t found;
-        impl->predict(place, points, i, found);
-        place.kriging.differentiate(impl->inputs, found, place.point.data());
+        impl->predict(workspace, points, i, found);
+        workspace.kriging.differentiate(impl->inputs, found, workspace.point.data());
         for (std::size_t k = 0; k < impl->inputs; ++k) {
-            gradients[k][i] += place.point[k] * impl->factors[k] / impl->metric[k];
+            gradients[k][i] += workspace.point[k] * impl->factors[k] / impl->metric[k];
         }
     };
     forPoints(count, impl->neighbours, impl->inputs, work);
@@ -320,9 +323,9 @@ void NearestNeighbourKriging::variances(const std::vector<const double*>& points
                                         const Parameters& parameters, double* result) const
 {
     const std::vector<double> factors = impl->factorsFor(parameters);
-    const PointWork work = [&](Workplace& place, std::size_t i) {
+    const PointWork work = [&](Workspace& workspace, std::size_t i) {
         std::size_t found;
-        result[i] = impl->predict(place, points, i, factors, parameters.nugget, found).variance;
+        result[i] = impl->predict(workspace, points, i, factors, parameters.nugget, found).variance;
     };
     forPoints(count, impl->neighbours, impl->inputs, work);
 }
@@ -348,14 +351,14 @@ NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& kriging
     impl->neighbours.resize(impl->cases.size() * impl->stride);
     impl->found.resize(impl->cases.size());
 
-    const PointWork work = [&](Workplace& place, std::size_t i) {
+    const PointWork work = [&](Workspace& workspace, std::size_t i) {
         const std::size_t index = impl->cases[i];
-        const std::size_t near = all.search->find(all.at(index), all.neighbours + 1,
-                                                  place.indices.data(), place.squares.data());
+        const std::size_t near = all.search->find(
+            all.at(index), all.neighbours + 1, workspace.indices.data(), workspace.squares.data());
         std::uint32_t* kept = impl->neighbours.data() + i * impl->stride;
         for (std::size_t j = 0; j < near && impl->found[i] < impl->stride; ++j) {
-            if (place.indices[j] != index) {
-                kept[impl->found[i]++] = place.indices[j];
+            if (workspace.indices[j] != index) {
+                kept[impl->found[i]++] = workspace.indices[j];
             }
         }
     };
@@ -370,11 +373,11 @@ NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
     const NearestNeighbourKriging::Impl& all = *impl->kriging;
     const std::vector<double> factors = all.factorsFor(parameters);
     std::vector<Prediction> result(impl->cases.size());
-    const PointWork work = [&](Workplace& place, std::size_t i) {
+    const PointWork work = [&](Workspace& workspace, std::size_t i) {
         const std::size_t index = impl->cases[i];
-        result[i] = place.kriging.predict(all.sources(), impl->neighbours.data() + i * impl->stride,
-                                          impl->found[i], all.at(index), factors, parameters.nugget,
-                                          parameters.nugget / all.rows[index]);
+        result[i] = workspace.kriging.predict(
+            all.sources(), impl->neighbours.data() + i * impl->stride, impl->found[i],
+            all.at(index), factors, parameters.nugget, parameters.nugget / all.replicates[index]);
     };
     forPoints(result.size(), all.neighbours, all.inputs, work);
     return result;

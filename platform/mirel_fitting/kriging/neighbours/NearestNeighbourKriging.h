@@ -5,7 +5,7 @@
 #include <vector>
 
 /**
- * Kriging without trend of any number of cases: each prediction uses the nearest of them alone, so
+ * Kriging without trend of any number of cases: each prediction uses only the nearest of them, so
  * that its cost does not grow with their number. Distances are measured in correlation lengths,
  * the correlation is that of MaternCorrelation.
  *
@@ -21,7 +21,7 @@ public:
         std::size_t inputs = 0;
         const double* coordinates = nullptr; ///< by columns, count x inputs; copied
         std::vector<double> values;          ///< one per case
-        std::vector<double> rows;            ///< one per case: what the nugget is divided by
+        std::vector<double> replicates;      ///< one per case: the nugget is divided by it
     };
 
     struct Parameters
@@ -30,8 +30,8 @@ public:
         double nugget = 0.0;         ///< relative to the variance
     };
 
-    /** What all other cases say of one: its value has this mean and variance, the latter relative
-     *  to that of the process. */
+    /** Of one case by others: mean and variance of its value, the latter relative to that of the
+     *  process. */
     struct Prediction
     {
         double mean;
@@ -65,14 +65,14 @@ public:
     void variances(const std::vector<const double*>& points, std::size_t count,
                    const Parameters& parameters, double* result) const;
 
-    /** Each of these cases as predicted by the others. */
+    /** Leave-one-out predictions of some cases by their nearest neighbours. */
     class LeftOut
     {
     public:
         LeftOut(const NearestNeighbourKriging& kriging, std::vector<std::size_t> cases);
         ~LeftOut();
 
-        /** With the parameters of the call; the neighbours were found once for all calls. */
+        /** With these parameters. The neighbours are those found by the constructor. */
         std::vector<Prediction> predict(const Parameters& parameters) const;
 
     private:

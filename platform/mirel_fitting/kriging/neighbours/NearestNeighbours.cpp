@@ -12,7 +12,7 @@ struct PointCloud
     std::size_t kdtree_get_point_count() const { return count; }
     double kdtree_get_pt(std::size_t index, std::size_t input) const
     {
-        // The library has no progress report: its reads are counted, while it builds the tree.
+        // nanoflann does not report progress: while it builds the tree, its reads are counted.
         constexpr std::size_t readsPerReport = std::size_t{1} << 20; // some milliseconds
         if (isBuilding && ++reads % readsPerReport == 0) {
             FitProgress::advance();
@@ -36,7 +36,7 @@ using Distance = nanoflann::L2_Simple_Adaptor<double, PointCloud>;
 constexpr int anyDimension = -1;
 using Tree = nanoflann::KDTreeSingleIndexAdaptor<Distance, PointCloud, anyDimension, std::uint32_t>;
 
-// Among ten and forty the time of a search hardly changes.
+// Between 10 and 40 the time of a search hardly changes.
 constexpr std::size_t pointsPerLeaf = 20;
 
 } // namespace

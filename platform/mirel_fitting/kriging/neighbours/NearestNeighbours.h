@@ -22,8 +22,8 @@ public:
      * May be called by several threads at once.
      * @param indices receives at most `wanted` of them, the nearest first.
      * @param squares receives their squared distances.
-     * @return how many were found: all points, if there are no more, and none where the distances
-     *         are no numbers.
+     * @return how many were found: `wanted`, or all points if there are fewer; 0 where the
+     *         distances are NaN.
      */
     std::size_t find(const double* point, std::size_t wanted, std::uint32_t* indices,
                      double* squares) const;

@@ -31,7 +31,7 @@ KrigingLeaveOneOut::KrigingLeaveOneOut(const KrigingCases& cases, const std::vec
             points.push_back(point);
         } else {
             // That of the mean of the point's rows has less of the noise than one row has.
-            const double noise = left.nugget * (1.0 - 1.0 / data.rows[point]);
+            const double noise = left.nugget * (1.0 - 1.0 / data.replicates[point]);
             error = scale * std::sqrt(left.variance * (left.variances[k] + noise));
         }
         const double predicted = offset + scale * (data.output[point] - left.residuals[k]);

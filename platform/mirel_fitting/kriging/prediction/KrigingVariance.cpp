@@ -21,7 +21,7 @@ KrigingVariance::KrigingVariance(const FittedKriging& model)
     } else {
         for (std::size_t t = 0; t < terms; ++t) {
             for (std::size_t i = 0; i < cases; ++i) {
-                columns[t * cases + i] *= std::sqrt(model.data->rows[i]);
+                columns[t * cases + i] *= std::sqrt(model.data->replicates[i]);
             }
         }
     }
@@ -40,7 +40,7 @@ void KrigingVariance::factorise()
     factor->forColumns(0.0, [&](std::size_t first, std::size_t last) {
         model.correlation->fillLower(first, last, factor->values());
         for (std::size_t j = first; j < last; ++j) {
-            factor->values()[j * cases + j] += model.nugget / model.data->rows[j];
+            factor->values()[j * cases + j] += model.nugget / model.data->replicates[j];
         }
     });
     if (!factor->factorise()) {
@@ -58,11 +58,11 @@ double KrigingVariance::noise() const
     return model.interpolates ? 0.0 : model.nugget;
 }
 
-KrigingVariance::Workspace::Workspace(const KrigingVariance& variance, std::size_t mostPoints)
+KrigingVariance::Workspace::Workspace(const KrigingVariance& variance, std::size_t maxPoints)
     : correlations(variance.model.correlation
-                       ? mostPoints * variance.model.correlation->correlationStride()
+                       ? maxPoints * variance.model.correlation->correlationStride()
                        : 0),
-      trend(mostPoints * variance.terms)
+      trend(maxPoints * variance.terms)
 {}
 
 void KrigingVariance::evaluate(const std::vector<const double*>& points, std::size_t count,

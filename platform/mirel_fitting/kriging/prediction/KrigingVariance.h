@@ -35,7 +35,7 @@ public:
     class Workspace
     {
     public:
-        Workspace(const KrigingVariance& variance, std::size_t mostPoints);
+        Workspace(const KrigingVariance& variance, std::size_t maxPoints);
 
     private:
         friend class KrigingVariance;

@@ -12,10 +12,10 @@
 
 namespace {
 
-/** What the terms cost: AICc + 2 ln L. */
+/** The penalty for terms and parameters: AICc + 2 ln L. */
 double akaikePenalty(const KrigingData& data)
 {
-    const double n = std::accumulate(data.rows.begin(), data.rows.end(), 0.0);
+    const double n = std::accumulate(data.replicates.begin(), data.replicates.end(), 0.0);
     const auto k = static_cast<double>(data.terms + data.inputs + 1);
     if (n - k <= 1.0) {
         return std::numeric_limits<double>::infinity();

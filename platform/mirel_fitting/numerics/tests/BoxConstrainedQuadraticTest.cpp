@@ -171,10 +171,10 @@ TEST(BoxConstrainedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
 
 TEST(BoxConstrainedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
 {
-    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(64), std::numeric_limits<std::size_t>::max());
-    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(100), 600u);
-    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(400), 9u);
-    EXPECT_EQ(BoxConstrainedQuadratic::mostFactors(800), 8u);
+    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(64), std::numeric_limits<std::size_t>::max());
+    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(100), 600u);
+    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(400), 9u);
+    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(800), 8u);
 }
 
 TEST(BoxConstrainedQuadratic, EndsBeforeAnyFactorOfManyVariables)
@@ -188,7 +188,7 @@ TEST(BoxConstrainedQuadratic, EndsBeforeAnyFactorOfManyVariables)
 
 TEST(BoxConstrainedQuadratic, ReportsNothingForFewVariables)
 {
-    const Problem problem(BoxConstrainedQuadratic::mostFewVariables, 0.3, 3);
+    const Problem problem(BoxConstrainedQuadratic::maxFewVariables, 0.3, 3);
     BoxConstrainedQuadratic model(problem.hessian, problem.slope);
     const RecordedWork recorded;
 

@@ -10,11 +10,11 @@ TEST(PanelProducts, AddProductsOfSmallMatrices)
 {
     // Small integers: every order of the additions gives the same.
     constexpr std::size_t columns = 13;
-    constexpr std::size_t mostRows = 5;
-    AlignedBuffer left(mostRows * 2 * laneCount);
+    constexpr std::size_t maxRows = 5;
+    AlignedBuffer left(maxRows * 2 * laneCount);
     std::vector<double> right(columns * 7);
     AlignedBuffer result(columns * 2 * laneCount);
-    for (std::size_t i = 0; i < mostRows * 2 * laneCount; ++i) {
+    for (std::size_t i = 0; i < maxRows * 2 * laneCount; ++i) {
         left.data()[i] = static_cast<double>(i % 11) - 4.0;
     }
     for (std::size_t i = 0; i < right.size(); ++i) {

@@ -27,8 +27,8 @@ KrigingData allCases()
         data.coordinates.insert(data.coordinates.end(), column.begin(), column.end());
     }
     data.output = valuesOf(bump, x);
-    data.rows.assign(cases, 1.0);
-    data.scatter.assign(cases, 0.0);
+    data.replicates.assign(cases, 1.0);
+    data.withinSquares.assign(cases, 0.0);
     return data;
 }
 

@@ -32,8 +32,8 @@ std::shared_ptr<KrigingData> someData(std::size_t cases)
         const double x = data->coordinates[i];
         data->output.push_back(std::sin(7.0 * x) + data->coordinates[cases + i]);
     }
-    data->rows.assign(cases, 1.0);
-    data->scatter.assign(cases, 0.0);
+    data->replicates.assign(cases, 1.0);
+    data->withinSquares.assign(cases, 0.0);
     return data;
 }
 
@@ -82,8 +82,8 @@ std::shared_ptr<KrigingData> repeatedData(KrigingData& all)
             squares += (value - mean) * (value - mean);
         }
         data->output[i] = mean;
-        data->rows[i] = static_cast<double>(rows);
-        data->scatter[i] = squares;
+        data->replicates[i] = static_cast<double>(rows);
+        data->withinSquares[i] = squares;
     }
     all = data->subset(indices);
     all.output = outputs;
@@ -274,8 +274,8 @@ TEST(KrigingLikelihood, KnowsTheSameInformationOfRowsSummedUp)
     std::vector<double> ofRows;
     summed.evaluate(someLengths, someNugget);
     summed.averageInformation(ofSums);
-    std::fill(all.rows.begin(), all.rows.end(), 1.0);
-    std::fill(all.scatter.begin(), all.scatter.end(), 0.0);
+    std::fill(all.replicates.begin(), all.replicates.end(), 1.0);
+    std::fill(all.withinSquares.begin(), all.withinSquares.end(), 0.0);
     KrigingLikelihood rows(std::make_shared<KrigingData>(all));
     rows.evaluate(someLengths, someNugget);
     rows.averageInformation(ofRows);

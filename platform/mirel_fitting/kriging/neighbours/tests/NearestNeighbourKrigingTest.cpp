@@ -27,7 +27,7 @@ public:
         given.inputs = 2;
         given.coordinates = coordinates.data();
         given.values = values;
-        given.rows.assign(cases, 1.0);
+        given.replicates.assign(cases, 1.0);
         kriging = std::make_unique<NearestNeighbourKriging>(given, lengths, neighbours);
     }
 
@@ -186,7 +186,7 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
     others.coordinates = coordinates.data();
     others.values = all.values;
     others.values.erase(others.values.begin() + left);
-    others.rows.assign(59, 1.0);
+    others.replicates.assign(59, 1.0);
     NearestNeighbourKriging without(others, Example::lengths, 60);
     const NearestNeighbourKriging::Parameters parameters{{0.4, 0.7}, 1e-6};
     without.setParameters(parameters);

@@ -23,9 +23,9 @@ FittedKriging modelOf(int trendOrder, double nugget)
     data->cases = cases;
     data->inputs = 2;
     data->coordinates = UniformNumbers(6).next(2 * cases);
-    data->rows.assign(cases, 1.0);
-    data->rows[2] = 3.0;
-    data->rows[cases - 1] = 2.0;
+    data->replicates.assign(cases, 1.0);
+    data->replicates[2] = 3.0;
+    data->replicates[cases - 1] = 2.0;
     const auto trend = std::make_shared<KrigingTrend>(cases, 2, data->coordinates, trendOrder, 0);
     data->terms = trend->size();
     data->trend = trend->matrix();
@@ -103,7 +103,7 @@ double directly(const FittedKriging& model, const std::vector<Real>& point)
         for (std::size_t j = 0; j < cases; ++j) {
             matrix[i][j] = correlation(caseOf(model, i), caseOf(model, j));
         }
-        matrix[i][i] += model.nugget / static_cast<Real>(model.data->rows[i]);
+        matrix[i][i] += model.nugget / static_cast<Real>(model.data->replicates[i]);
         for (std::size_t t = 0; t < trend.size(); ++t) {
             matrix[i][cases + t] = matrix[cases + t][i] = trend[t];
         }
@@ -190,7 +190,7 @@ TEST(KrigingVariance, IsThatOfAWeightedRegressionWithoutCorrelation)
         const std::vector<Real> row = terms(model, caseOf(model, i));
         for (std::size_t a = 0; a < 3; ++a) {
             for (std::size_t b = 0; b < 3; ++b) {
-                normal[a][b] += static_cast<Real>(model.data->rows[i]) * row[a] * row[b];
+                normal[a][b] += static_cast<Real>(model.data->replicates[i]) * row[a] * row[b];
             }
         }
     }

@@ -19,8 +19,8 @@ std::shared_ptr<KrigingData> someCases()
     data->trend.assign(30, 1.0);
     data->output =
         valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; }, x);
-    data->rows.assign(30, 1.0);
-    data->scatter.assign(30, 0.0);
+    data->replicates.assign(30, 1.0);
+    data->withinSquares.assign(30, 0.0);
     return data;
 }
 

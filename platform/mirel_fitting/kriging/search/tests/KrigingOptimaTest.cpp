@@ -19,7 +19,7 @@ private:
     std::function<double(double)> function;
 };
 
-class KrigingOptimaTest : public testing::Test
+class KrigingOptima : public testing::Test
 {
 protected:
     static KrigingData twoCases()
@@ -31,12 +31,15 @@ protected:
         return data;
     }
 
-    static KrigingOptima::Optimum at(double place, double value) { return {{place, -4.0}, value}; }
+    static ::KrigingOptima::Optimum at(double place, double value)
+    {
+        return {{place, -4.0}, value};
+    }
 
     std::vector<double> values()
     {
         std::vector<double> result;
-        for (const KrigingOptima::Optimum& optimum : optima.all()) {
+        for (const ::KrigingOptima::Optimum& optimum : optima.all()) {
             result.push_back(optimum.value);
         }
         return result;
@@ -45,14 +48,12 @@ protected:
     KrigingData data = twoCases();
     KrigingSearchSettings settings;
     KrigingSearchVariables variables{data, settings};
-    KrigingOptima optima{variables, settings.policy};
+    ::KrigingOptima optima{variables, settings.policy};
     Profile valley{[](double) { return -100.0; }};
     Profile ridge{[](double) { return 5.0; }};
 };
 
-} // namespace
-
-TEST_F(KrigingOptimaTest, KeepsTheBetterOfSearchesThatConvergeToTheSameOptimum)
+TEST_F(KrigingOptima, KeepsTheBetterOfSearchesThatConvergeToTheSameOptimum)
 {
     optima.add(at(0.0, 5.0), valley);
     optima.add(at(0.1, 5.5), valley); // a tenth: nearly the same length
@@ -61,7 +62,7 @@ TEST_F(KrigingOptimaTest, KeepsTheBetterOfSearchesThatConvergeToTheSameOptimum)
     EXPECT_EQ(values(), std::vector<double>{5.5});
 }
 
-TEST_F(KrigingOptimaTest, KeepsWhatLiesBeyondADip)
+TEST_F(KrigingOptima, KeepsWhatLiesBeyondADip)
 {
     optima.add(at(-2.0, 5.0), valley);
     optima.add(at(2.0, 5.5), valley);
@@ -71,7 +72,7 @@ TEST_F(KrigingOptimaTest, KeepsWhatLiesBeyondADip)
     EXPECT_EQ(values(), (std::vector<double>{5.5, 5.0}));
 }
 
-TEST_F(KrigingOptimaTest, KeepsTheBestFirstAndEqualsAsTheyCame)
+TEST_F(KrigingOptima, KeepsTheBestFirstAndEqualsAsTheyCame)
 {
     optima.add(at(-3.0, 1.0), valley);
     optima.add(at(0.0, 2.0), valley);
@@ -81,7 +82,7 @@ TEST_F(KrigingOptimaTest, KeepsTheBestFirstAndEqualsAsTheyCame)
     EXPECT_EQ(optima.best().point[0], 0.0);
 }
 
-TEST_F(KrigingOptimaTest, ShortensTheListToTheBest)
+TEST_F(KrigingOptima, ShortensTheListToTheBest)
 {
     optima.add(at(-4.0, 9.0), valley);
     optima.add(at(0.0, 8.0), valley);
@@ -92,7 +93,7 @@ TEST_F(KrigingOptimaTest, ShortensTheListToTheBest)
     EXPECT_EQ(values(), (std::vector<double>{9.0, 8.5}));
 }
 
-TEST_F(KrigingOptimaTest, ForgetsOptimaThatMoreCasesHaveMadeTheSame)
+TEST_F(KrigingOptima, ForgetsOptimaThatMoreCasesHaveMadeTheSame)
 {
     optima.add(at(-2.0, 9.0), valley);
     optima.add(at(2.0, 8.0), valley);
@@ -101,3 +102,5 @@ TEST_F(KrigingOptimaTest, ForgetsOptimaThatMoreCasesHaveMadeTheSame)
 
     EXPECT_EQ(values(), std::vector<double>{7.5});
 }
+
+} // namespace

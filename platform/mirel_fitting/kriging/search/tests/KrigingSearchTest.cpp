@@ -22,8 +22,8 @@ std::shared_ptr<KrigingData> dataOf(const Columns& columns, const std::vector<do
     }
     data->trend.assign(data->cases, 1.0);
     data->output = output;
-    data->rows.assign(data->cases, 1.0);
-    data->scatter.assign(data->cases, 0.0);
+    data->replicates.assign(data->cases, 1.0);
+    data->withinSquares.assign(data->cases, 0.0);
     return data;
 }
 
@@ -188,8 +188,8 @@ TEST(KrigingSearch, KnowsNoSecondOptimumAtTheEndsOfOneRidge)
     const Columns x = {{0.0, 0.1464, 0.1464, 0.5, 0.5, 0.5, 0.8536, 0.8536, 1.0},
                        {0.5, 0.1464, 0.8536, 0.0, 0.5, 1.0, 0.1464, 0.8536, 0.5}};
     const auto data = dataOf(x, {6.49, 6.66, 7.27, 7.16, 7.79, 8.19, 7.58, 8.33, 8.04});
-    data->rows[4] = 3.0;
-    data->scatter[4] = 0.0222;
+    data->replicates[4] = 3.0;
+    data->withinSquares[4] = 0.0222;
     data->terms = 3;
     data->trend.insert(data->trend.end(), data->coordinates.begin(), data->coordinates.end());
 

@@ -27,8 +27,8 @@ std::shared_ptr<KrigingData> dataOf(const Columns& inputs, const std::vector<dou
     }
     data->trend.assign(output.size(), 1.0);
     data->output = output;
-    data->rows.assign(output.size(), 1.0);
-    data->scatter.assign(output.size(), 0.0);
+    data->replicates.assign(output.size(), 1.0);
+    data->withinSquares.assign(output.size(), 0.0);
     return data;
 }
 

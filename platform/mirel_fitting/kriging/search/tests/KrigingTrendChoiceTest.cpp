@@ -28,8 +28,8 @@ struct Problem
             data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
         }
         data->output = valuesOf(function, columns);
-        data->rows.assign(cases, 1.0);
-        data->scatter.assign(cases, 0.0);
+        data->replicates.assign(cases, 1.0);
+        data->withinSquares.assign(cases, 0.0);
         trend = std::make_shared<KrigingTrend>(cases, inputs, data->coordinates, order, inputs + 1);
         data->terms = trend->size();
         data->trend = trend->matrix();
