@@ -7,11 +7,23 @@
 #include <session/model/CaseSession.h>
 #include <session/model/ModelFile.h>
 #include <session/report/FitReport.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <string>
 
 #include <unistd.h>
+
+namespace {
+ExportFormat formatOf(const CommandLine& line)
+{
+    if (const auto format = ModelFile::formatOf(line.format)) {
+        return *format;
+    }
+    throw UsageError("--format needs text, json, c, python or excel, not " +
+                     quotedText(line.format) + '.');
+}
+} // namespace
 
 void ExportCommand::check(const CommandLine& line)
 {
@@ -19,8 +31,7 @@ void ExportCommand::check(const CommandLine& line)
         throw UsageError("The command export needs a format: --format text, json, c, python or "
                          "excel.");
     }
-    const ExportFormat format = ModelFile::formatOf(line.format);
-    if (format == ExportFormat::Excel && line.output == "-" && isatty(STDOUT_FILENO) != 0) {
+    if (formatOf(line) == ExportFormat::Excel && line.output == "-" && isatty(STDOUT_FILENO) != 0) {
         throw UsageError("A workbook is nothing that a terminal can show; name a file: -o FILE.");
     }
 }
@@ -30,7 +41,7 @@ void ExportCommand::run(const CommandLine& line, CaseSession& session)
     fitWithProgress(line, session);
     const std::string content =
         exportModel(ModelFile::exported(session, ReportJson::compactText(FitReport::json(session))),
-                    ModelFile::formatOf(line.format));
+                    formatOf(line));
     OutputFile out(line.output);
     out.write(content);
     out.commit();

@@ -7,12 +7,12 @@
 #include <session/cases/CaseNumbers.h>
 #include <session/cases/VariableNames.h>
 #include <session/files/FileFingerprint.h>
+#include <session/model/InputValues.h>
 #include <session/model/ModelFile.h>
 #include <session/project/ProjectCases.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
-#include <session/text/WholeNumber.h>
 
 #include <mirel_datamanagement/Project.h>
 
@@ -186,58 +186,14 @@ std::unique_ptr<CaseSession> openCases(const CommandLine& line)
     return session;
 }
 
-/** Finds the inputs that values are given for. */
-class InputFinder
+/** A text NAME=VALUE of an option. */
+const std::string& assignment(const std::string& option, const std::string& text)
 {
-public:
-    explicit InputFinder(const CaseSession& session)
-        : variables(namesOf(session.project().variables())), inputs(namesOf(session.inputs())),
-          isTaken(inputs.size())
-    {}
-
-    /** Whether a text is a name without a value, though perhaps of no variable. */
-    bool isName(const std::string& text) const
-    {
-        const std::vector<std::string>& names = variables.names();
-        return text.find('=') == std::string::npos ||
-               std::find(names.begin(), names.end(), text) != names.end();
+    if (text.find('=') == std::string::npos) {
+        throw UsageError(option + " needs NAME=VALUE, not \"" + text + "\".");
     }
-
-    /** The input of this name; each may come once. */
-    std::size_t take(const std::string& option, const std::string& name)
-    {
-        return take(option, variables.position(name));
-    }
-
-    /** The input and the value of a text NAME=VALUE; each input may come once. */
-    std::pair<std::size_t, std::string> find(const std::string& option, const std::string& text)
-    {
-        const auto [position, value] = variables.assignment(option, text);
-        return {take(option, position), value};
-    }
-
-private:
-    std::size_t take(const std::string& option, std::size_t position)
-    {
-        const std::string& name = variables.names()[position];
-        const auto found = std::find(inputs.begin(), inputs.end(), name);
-        if (found == inputs.end()) {
-            throw UsageError('"' + name + "\" is no input, so that " + option +
-                             " has no meaning for it.");
-        }
-        const auto input = static_cast<std::size_t>(found - inputs.begin());
-        if (isTaken[input]) {
-            throw UsageError("\"" + name +
-                             "\" has values twice: name it in one of --sweep, --count and --at.");
-        }
-        isTaken[input] = true;
-        return input;
-    }
-
-    VariableNames variables;
-    std::vector<std::string> inputs;
-    std::vector<bool> isTaken;
-};
+    return text;
+}
 } // namespace
 
 OpenSession::OpenSession(const CommandLine& line)
@@ -255,25 +211,21 @@ OpenSession::OpenSession(const CommandLine& line)
 
 void OpenSession::chooseValues(const CommandLine& line, std::size_t usualCount)
 {
-    InputFinder inputs(session);
+    InputValues values(session);
     for (const std::string& text : line.sweeps) {
-        if (usualCount > 0 && inputs.isName(text)) {
-            session.sweepEvenly(inputs.take("--sweep", text), usualCount);
-            continue;
+        if (usualCount > 0 && values.isName(text)) {
+            values.sweepEvenly(text, usualCount);
+        } else {
+            values.sweep(assignment("--sweep", text));
         }
-        const auto [input, value] = inputs.find("--sweep", text);
-        session.sweep(input, value);
     }
     for (const std::string& text : line.counts) {
-        const auto [input, value] = inputs.find("--count", text);
-        session.sweepEvenly(input, readWholeNumber("--count " + nameOf(session.inputs()[input]),
-                                                   value, 2, ProjectDocument::maxSweptValues));
+        values.sweepEvenly(assignment("--count", text));
     }
     for (const std::string& text : line.values) {
-        const auto [input, value] = inputs.find("--at", text);
-        session.stayAt(input, value);
-        held.push_back(input);
+        values.hold(assignment("--at", text));
     }
+    held = values.held();
 }
 
 void OpenSession::save(const CommandLine& line) const

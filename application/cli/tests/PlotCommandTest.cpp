@@ -109,11 +109,11 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
         "10000, not \"3x3\".");
     expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,
                   "The file \"nowhere/picture.svg\" cannot be written: No such file or directory.");
-    expectFailure(sweep + "--kind sweep --json -o picture.svg", 2,
-                  "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
-                  "project and check.");
-    expectFailure("fit cvd.csv -y Stress --kind sweep", 2,
-                  "--kind belongs to the command plot.");
+    expectFailure(
+        sweep + "--kind sweep --json -o picture.svg", 2,
+        "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
+        "project and check.");
+    expectFailure("fit cvd.csv -y Stress --kind sweep", 2, "--kind belongs to the command plot.");
 }
 
 TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
@@ -135,7 +135,7 @@ TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
                              0),
               0u);
     expectFailure(plot + "--kind sweep --sweep Stress", 2,
-                  "\"Stress\" is no input, so that --sweep has no meaning for it.");
+                  "\"Stress\" is no input, so that it takes no values.");
 }
 
 TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)

@@ -345,18 +345,16 @@ TEST_F(Program, WrongValuesEndWithTwo)
     const std::string evaluate = "evaluate plane.csv -x x,z -y y ";
 
     expectFailure(evaluate + "--count x=1", 2,
-                  "--count x needs a whole number from 2 to 100000000, not \"1\".");
+                  "The count of \"x\" needs a whole number from 2 to 100000000, not \"1\".");
     expectFailure(evaluate + "--count x=many", 2,
-                  "--count x needs a whole number from 2 to 100000000, not \"many\".");
+                  "The count of \"x\" needs a whole number from 2 to 100000000, not \"many\".");
     expectFailure(evaluate + "--at x5", 2, "--at needs NAME=VALUE, not \"x5\".");
-    expectFailure(evaluate + "--at y=5", 2,
-                  "\"y\" is no input, so that --at has no meaning for it.");
+    expectFailure(evaluate + "--at y=5", 2, "\"y\" is no input, so that it takes no values.");
     expectFailure(
         evaluate + "--at w=5", 2,
         "There is no variable \"w\"; the nearest name is \"x\". The variables are: \"x\", "
         "\"z\", \"y\".");
-    expectFailure(evaluate + "--at x=5 --count x=3", 2,
-                  "\"x\" has values twice: name it in one of --sweep, --count and --at.");
+    expectFailure(evaluate + "--at x=5 --count x=3", 2, "\"x\" has values twice; name it once.");
     expectFailure("fit plane.csv -y y --at x=5", 2,
                   "--at belongs to the commands evaluate and plot.");
 }

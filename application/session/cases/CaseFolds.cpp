@@ -59,7 +59,7 @@ CaseFolds::CaseFolds(const std::vector<const double*>& columns, std::size_t case
     }
 }
 
-std::size_t CaseFolds::most() const
+std::size_t CaseFolds::max() const
 {
     return groupSizes.size();
 }

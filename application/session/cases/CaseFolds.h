@@ -19,12 +19,12 @@ public:
     CaseFolds(const std::vector<const double*>& columns, std::size_t cases);
 
     /** The largest number of folds: that of the distinct cases. */
-    std::size_t most() const;
+    std::size_t max() const;
 
     /**
      * The fold of each case, from 0. Every fold has a case; their sizes differ by no more than the
      * largest number of copies.
-     * @param folds from 1 to most().
+     * @param folds from 1 to max().
      */
     std::vector<std::size_t> split(std::size_t folds) const;
 

@@ -107,11 +107,10 @@ std::vector<std::size_t> VariableNames::listed(const std::string& text) const
     return reader.found;
 }
 
-std::pair<std::size_t, std::string> VariableNames::assignment(const std::string& option,
-                                                              const std::string& text) const
+std::pair<std::size_t, std::string> VariableNames::assignment(const std::string& text) const
 {
     if (text.find('=') == std::string::npos) {
-        throw UsageError(option + " needs NAME=VALUE, not \"" + text + "\".");
+        throw UsageError("A value needs the name before it: NAME=VALUE, not \"" + text + "\".");
     }
     for (std::size_t equals = text.rfind('='); equals != std::string::npos;
          equals = equals == 0 ? std::string::npos : text.rfind('=', equals - 1)) {

@@ -34,11 +34,9 @@ public:
 
     /**
      * Splits NAME=VALUE: the longest name that fits, so that both may hold an equals sign.
-     * @param option what the user calls the text, for the message ("--sweep").
      * @throw UsageError if there is no equals sign, or no name before one.
      */
-    std::pair<std::size_t, std::string> assignment(const std::string& option,
-                                                   const std::string& text) const;
+    std::pair<std::size_t, std::string> assignment(const std::string& text) const;
 
     /** The sentences that say that `name` is not among the names. */
     std::string unknownMessage(const std::string& name) const;

@@ -179,7 +179,7 @@ public:
           kriging(responseSurface), workspace(workspace), cases(cases), folds(folds),
           foldOfCase(cases.folds().split(folds))
     {
-        const FitProgress::Portion most(0.0, shareOfFolds);
+        const FitProgress::Portion portionOfFolds(0.0, shareOfFolds);
         for (std::size_t fold = 0; fold < folds; ++fold) {
             const FitProgress::Portion portion = partOf(fold, folds);
             runFold(fold);
@@ -384,19 +384,19 @@ std::size_t termsOfAll(const Workspace& workspace, const Cases& cases, std::size
 
 std::size_t ModelComparison::maxFolds(const Workspace& workspace)
 {
-    return Cases(workspace).folds().most();
+    return Cases(workspace).folds().max();
 }
 
 ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t folds)
 {
     const Stopwatch watch;
     const Cases cases(workspace);
-    const std::size_t most = cases.folds().most();
-    if (most < 2) {
+    const std::size_t maxFolds = cases.folds().max();
+    if (maxFolds < 2) {
         throw SurrogateModelInterface::Error("A comparison leaves cases out and needs at least two "
                                              "that are valid and no copies, but "
                                              "there is " +
-                                             std::string(most == 0 ? "none." : "one."));
+                                             std::string(maxFolds == 0 ? "none." : "one."));
     }
 
     ModelComparison comparison;

@@ -46,7 +46,7 @@ bool ModelFile::isModelFile(const std::string& path)
            path.compare(path.size() - ending.size(), ending.size(), ending) == 0;
 }
 
-ExportFormat ModelFile::formatOf(const std::string& word)
+std::optional<ExportFormat> ModelFile::formatOf(const std::string& word)
 {
     const std::map<std::string, ExportFormat> formats = {{"text", ExportFormat::Text},
                                                          {"json", ExportFormat::Json},
@@ -54,11 +54,7 @@ ExportFormat ModelFile::formatOf(const std::string& word)
                                                          {"python", ExportFormat::Python},
                                                          {"excel", ExportFormat::Excel}};
     const auto found = formats.find(word);
-    if (found == formats.end()) {
-        throw UsageError("--format needs text, json, c, python or excel, not " + quotedText(word) +
-                         '.');
-    }
-    return found->second;
+    return found == formats.end() ? std::nullopt : std::make_optional(found->second);
 }
 
 ExportedModel ModelFile::exported(CaseSession& session, std::string report)

@@ -4,6 +4,7 @@
 
 #include <surrogate_session/Export.h>
 
+#include <optional>
 #include <string>
 
 class CaseSession;
@@ -17,8 +18,8 @@ constexpr const char* fileEnding = ".json";
 /** Whether a file is an exported model, by its name. */
 SURROGATE_SESSION_EXPORT bool isModelFile(const std::string& path);
 
-/** The format that a user's word stands for: text, json, c, python, excel. @throw UsageError */
-SURROGATE_SESSION_EXPORT ExportFormat formatOf(const std::string& word);
+/** The format that a user's word stands for; none unless it is text, json, c, python or excel. */
+SURROGATE_SESSION_EXPORT std::optional<ExportFormat> formatOf(const std::string& word);
 
 /**
  * The model of a session with the names and the ranges.

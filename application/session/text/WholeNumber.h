@@ -7,7 +7,7 @@
 
 /**
  * Reads a whole number within bounds, both included.
- * @param what names the text for the message ("--count").
+ * @param what names the text at the beginning of the message ("The count").
  * @throw UsageError for anything else.
  */
 SURROGATE_SESSION_EXPORT std::size_t readWholeNumber(const std::string& what,

@@ -71,7 +71,7 @@ TEST(CaseFolds, KeepsCopiesTogetherButNotRepeatedMeasurements)
     const Column output = {5, 6, 5, 7, 8};
     const CaseFolds cases({input.data(), output.data()}, 5);
 
-    EXPECT_EQ(cases.most(), 4u);
+    EXPECT_EQ(cases.max(), 4u);
     const std::vector<std::size_t> folds = cases.split(4);
     EXPECT_EQ(folds[0], folds[2]);
     EXPECT_NE(folds[1], folds[3]);
@@ -79,17 +79,17 @@ TEST(CaseFolds, KeepsCopiesTogetherButNotRepeatedMeasurements)
 
 TEST(CaseFolds, OfNoCasesThereAreNone)
 {
-    EXPECT_EQ(CaseFolds({nullptr}, 0).most(), 0u);
+    EXPECT_EQ(CaseFolds({nullptr}, 0).max(), 0u);
 }
 
 RC_GTEST_PROP(CaseFolds, EveryFoldHasACaseAndTheirSizesAreAlike, ())
 {
     const std::vector<Column> columns = anyColumns();
     const std::size_t cases = columns[0].size();
-    const CaseFolds parted({columns[0].data(), columns[1].data()}, cases);
-    const std::size_t count = *rc::gen::inRange<std::size_t>(1, parted.most() + 1);
+    const CaseFolds splitter({columns[0].data(), columns[1].data()}, cases);
+    const std::size_t count = *rc::gen::inRange<std::size_t>(1, splitter.max() + 1);
 
-    const std::vector<std::size_t> folds = parted.split(count);
+    const std::vector<std::size_t> folds = splitter.split(count);
 
     std::map<std::pair<double, double>, std::size_t> copies;
     std::map<std::pair<double, double>, std::size_t> foldOf;
@@ -98,7 +98,7 @@ RC_GTEST_PROP(CaseFolds, EveryFoldHasACaseAndTheirSizesAreAlike, ())
         ++copies[key];
         RC_ASSERT(foldOf.emplace(key, folds[i]).first->second == folds[i]);
     }
-    RC_ASSERT(parted.most() == copies.size());
+    RC_ASSERT(splitter.max() == copies.size());
     std::size_t mostCopies = 0;
     for (const auto& [key, number] : copies) {
         mostCopies = std::max(mostCopies, number);
@@ -109,13 +109,13 @@ RC_GTEST_PROP(CaseFolds, EveryFoldHasACaseAndTheirSizesAreAlike, ())
     RC_ASSERT(*greatest - *least <= mostCopies);
 }
 
-RC_GTEST_PROP(CaseFolds, PartsAgainAsBefore, ())
+RC_GTEST_PROP(CaseFolds, SplitsAgainAsBefore, ())
 {
     const std::vector<Column> columns = anyColumns();
     const std::vector<const double*> pointers = {columns[0].data(), columns[1].data()};
     const CaseFolds first(pointers, columns[0].size());
     const CaseFolds second(pointers, columns[0].size());
-    const std::size_t count = *rc::gen::inRange<std::size_t>(1, first.most() + 1);
+    const std::size_t count = *rc::gen::inRange<std::size_t>(1, first.max() + 1);
 
     RC_ASSERT(first.split(count) == second.split(count));
 }

@@ -80,22 +80,21 @@ TEST(VariableNames, AnAssignmentHasANameAndAValue)
 {
     const VariableNames names({"a", "a=b", "c"});
 
-    EXPECT_EQ(names.assignment("--at", "c=5"), std::make_pair(std::size_t(2), std::string("5")));
-    EXPECT_EQ(names.assignment("--at", "a=5"), std::make_pair(std::size_t(0), std::string("5")));
-    EXPECT_EQ(names.assignment("--at", "a=b=5"), std::make_pair(std::size_t(1), std::string("5")));
-    EXPECT_EQ(names.assignment("--at", "c=a=b"),
-              std::make_pair(std::size_t(2), std::string("a=b")));
-    EXPECT_EQ(names.assignment("--at", "c="), std::make_pair(std::size_t(2), std::string()));
+    EXPECT_EQ(names.assignment("c=5"), std::make_pair(std::size_t(2), std::string("5")));
+    EXPECT_EQ(names.assignment("a=5"), std::make_pair(std::size_t(0), std::string("5")));
+    EXPECT_EQ(names.assignment("a=b=5"), std::make_pair(std::size_t(1), std::string("5")));
+    EXPECT_EQ(names.assignment("c=a=b"), std::make_pair(std::size_t(2), std::string("a=b")));
+    EXPECT_EQ(names.assignment("c="), std::make_pair(std::size_t(2), std::string()));
 }
 
 TEST(VariableNames, AnAssignmentWithoutAKnownNameIsRefused)
 {
     const VariableNames names({"a"});
 
-    EXPECT_EQ(messageOf([&] { names.assignment("--at", "a5"); }),
-              "--at needs NAME=VALUE, not \"a5\".");
-    EXPECT_EQ(messageOf([&] { names.assignment("--at", "b=5"); }),
+    EXPECT_EQ(messageOf([&] { names.assignment("a5"); }),
+              "A value needs the name before it: NAME=VALUE, not \"a5\".");
+    EXPECT_EQ(messageOf([&] { names.assignment("b=5"); }),
               "There is no variable \"b\"; the nearest name is \"a\". The variables are: \"a\".");
-    EXPECT_EQ(messageOf([&] { names.assignment("--at", "=5"); }).substr(0, 24),
+    EXPECT_EQ(messageOf([&] { names.assignment("=5"); }).substr(0, 24),
               "There is no variable \"\";");
 }

@@ -10,7 +10,7 @@ namespace {
 std::string refusalOf(const std::string& text)
 {
     try {
-        readWholeNumber("--count", text, 2, 100);
+        readWholeNumber("The count", text, 2, 100);
     } catch (const UsageError& error) {
         return error.what();
     }
@@ -20,15 +20,15 @@ std::string refusalOf(const std::string& text)
 
 TEST(WholeNumber, LiesWithinItsBounds)
 {
-    EXPECT_EQ(readWholeNumber("--count", "2", 2, 100), 2u);
-    EXPECT_EQ(readWholeNumber("--count", "100", 2, 100), 100u);
+    EXPECT_EQ(readWholeNumber("The count", "2", 2, 100), 2u);
+    EXPECT_EQ(readWholeNumber("The count", "100", 2, 100), 100u);
 }
 
 TEST(WholeNumber, EverythingElseIsRefused)
 {
     for (const char* text :
          {"", "1", "101", "-5", "5.0", "5 ", "five", "99999999999999999999999"}) {
-        EXPECT_EQ(refusalOf(text),
-                  "--count needs a whole number from 2 to 100, not \"" + std::string(text) + "\".");
+        EXPECT_EQ(refusalOf(text), "The count needs a whole number from 2 to 100, not \"" +
+                                       std::string(text) + "\".");
     }
 }

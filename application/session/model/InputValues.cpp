@@ -1,0 +1,70 @@
+#include "session/model/InputValues.h"
+
+#include "session/model/Workspace.h"
+#include "session/project/ProjectDocument.h"
+#include "session/text/SessionErrors.h"
+#include "session/text/WholeNumber.h"
+
+#include <mirel_datamanagement/Project.h>
+
+#include <algorithm>
+
+InputValues::InputValues(Workspace& workspace)
+    : workspace(workspace), variables(namesOf(workspace.project().variables())),
+      inputs(namesOf(workspace.inputs())), isTaken(inputs.size())
+{}
+
+bool InputValues::isName(const std::string& text) const
+{
+    const std::vector<std::string>& names = variables.names();
+    return text.find('=') == std::string::npos ||
+           std::find(names.begin(), names.end(), text) != names.end();
+}
+
+void InputValues::sweep(const std::string& assignment)
+{
+    const auto [variable, text] = variables.assignment(assignment);
+    workspace.sweep(take(variable), text);
+}
+
+void InputValues::sweepEvenly(const std::string& name, std::size_t count)
+{
+    workspace.sweepEvenly(take(variables.position(name)), count);
+}
+
+void InputValues::sweepEvenly(const std::string& assignment)
+{
+    const auto [variable, text] = variables.assignment(assignment);
+    const std::size_t input = take(variable);
+    const std::size_t count = readWholeNumber("The count of \"" + inputs[input] + '"', text, 2,
+                                              ProjectDocument::maxSweptValues);
+    workspace.sweepEvenly(input, count);
+}
+
+void InputValues::hold(const std::string& assignment)
+{
+    const auto [variable, text] = variables.assignment(assignment);
+    const std::size_t input = take(variable);
+    workspace.stayAt(input, text);
+    heldInputs.push_back(input);
+}
+
+const std::vector<std::size_t>& InputValues::held() const
+{
+    return heldInputs;
+}
+
+std::size_t InputValues::take(std::size_t variable)
+{
+    const std::string& name = variables.names()[variable];
+    const auto found = std::find(inputs.begin(), inputs.end(), name);
+    if (found == inputs.end()) {
+        throw UsageError('"' + name + "\" is no input, so that it takes no values.");
+    }
+    const auto input = static_cast<std::size_t>(found - inputs.begin());
+    if (isTaken[input]) {
+        throw UsageError('"' + name + "\" has values twice; name it once.");
+    }
+    isTaken[input] = true;
+    return input;
+}

@@ -1,0 +1,127 @@
+#include <session/model/InputValues.h>
+
+#include "CvdCases.h"
+
+#include <session/model/CaseSession.h>
+#include <session/text/SessionErrors.h>
+
+#include <vtkDoubleArray.h>
+#include <vtkTable.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+CaseSession cvdSession()
+{
+    return {cvdCases(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface};
+}
+
+/** The values of an input at the points of the evaluation. */
+std::vector<double> pointsOf(CaseSession& session, vtkIdType input)
+{
+    const GridEvaluation evaluation = session.evaluate();
+    auto* const column = vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(input));
+    return {column->GetPointer(0), column->GetPointer(0) + column->GetNumberOfTuples()};
+}
+
+template <class Action>
+std::string refusal(Action action)
+{
+    try {
+        action();
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+} // namespace
+
+TEST(InputValues, SweepsTypedValues)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    values.sweep("Pressure=10, 20");
+
+    EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{0}));
+    EXPECT_EQ(pointsOf(session, 0), (std::vector<double>{10.0, 20.0}));
+}
+
+TEST(InputValues, SweepsEvenlyOverTheRange)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    values.sweepEvenly("H2/WF6=3");
+
+    EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{1}));
+    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{2.0, 6.0, 10.0}));
+}
+
+TEST(InputValues, SweepsAnInputOfThisNameEvenly)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    values.sweepEvenly("H2/WF6", 2);
+
+    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{2.0, 10.0}));
+}
+
+TEST(InputValues, HoldsAnInputAtItsValue)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    values.hold("H2/WF6=5");
+
+    EXPECT_EQ(values.held(), (std::vector<std::size_t>{1}));
+    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{5.0}));
+}
+
+TEST(InputValues, TellNamesFromNamesWithValues)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    EXPECT_TRUE(values.isName("Pressure"));
+    EXPECT_TRUE(values.isName("Presure"));
+    EXPECT_FALSE(values.isName("Pressure=5"));
+}
+
+TEST(InputValues, RefuseWhatIsNoInput)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    EXPECT_EQ(refusal([&] { values.sweep("Stress=5"); }),
+              "\"Stress\" is no input, so that it takes no values.");
+    EXPECT_EQ(refusal([&] { values.sweepEvenly("Uniformity", 5); }),
+              "\"Uniformity\" is no input, so that it takes no values.");
+    EXPECT_EQ(refusal([&] { values.hold("Presure=5"); }),
+              "There is no variable \"Presure\"; the nearest name is \"Pressure\". The variables "
+              "are: \"Pressure\", \"H2/WF6\", \"Uniformity\", \"Stress\".");
+}
+
+TEST(InputValues, RefuseAnInputThatIsNamedTwice)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    values.hold("Pressure=5");
+
+    EXPECT_EQ(refusal([&] { values.sweepEvenly("Pressure=3"); }),
+              "\"Pressure\" has values twice; name it once.");
+}
+
+TEST(InputValues, RefuseWhatIsNoCount)
+{
+    CaseSession session = cvdSession();
+    InputValues values(session);
+
+    EXPECT_EQ(refusal([&] { values.sweepEvenly("Pressure=1"); }),
+              "The count of \"Pressure\" needs a whole number from 2 to 100000000, not \"1\".");
+}
