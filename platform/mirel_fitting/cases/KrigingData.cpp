@@ -1,5 +1,8 @@
 #include <mirel_fitting/cases/KrigingData.h>
 
+#include <algorithm>
+#include <numeric>
+
 namespace {
 
 std::vector<double> pick(const std::vector<double>& columns, std::size_t cases,
@@ -16,6 +19,23 @@ std::vector<double> pick(const std::vector<double>& columns, std::size_t cases,
 }
 
 } // namespace
+
+double KrigingData::rowCount() const
+{
+    return std::accumulate(replicates.begin(), replicates.end(), 0.0);
+}
+
+bool KrigingData::hasPureError() const
+{
+    return std::any_of(withinSquares.begin(), withinSquares.end(),
+                       [](double squares) { return squares > 0.0; });
+}
+
+void KrigingData::averageReplicates()
+{
+    replicates.assign(cases, 1.0);
+    withinSquares.assign(cases, 0.0);
+}
 
 KrigingData KrigingData::subset(const std::vector<std::size_t>& indices) const
 {

@@ -19,6 +19,15 @@ struct KrigingData
     /** One per case: sum of squares of its replicates about their mean. */
     std::vector<double> withinSquares;
 
+    /** Number of rows that the cases stand for. */
+    double rowCount() const;
+
+    /** Whether some replicates differ. */
+    bool hasPureError() const;
+
+    /** The mean of replicates becomes a single case like any other. */
+    void averageReplicates();
+
     /** The cases of these indices, in this order. */
     KrigingData subset(const std::vector<std::size_t>& indices) const;
 };

@@ -10,10 +10,22 @@
 #include <numeric>
 #include <string>
 
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+const double twoPi = 2.0 * std::acos(-1.0);
+
+} // namespace
+
 KrigingFitReport::KrigingFitReport(const KrigingCases& cases, const std::vector<double>& output,
-                                   double offset, double scale)
-    : cases(cases), output(output), offset(offset), scale(scale)
+                                   const OutputScale& scale)
+    : cases(cases), output(output), outputScale(scale)
 {}
+
+double KrigingFitReport::noiseShare(const FittedKriging& model)
+{
+    return model.interpolates ? 0.0 : model.nugget * model.processVariance;
+}
 
 std::vector<std::size_t> KrigingFitReport::inputNumbers() const
 {
@@ -28,19 +40,60 @@ double KrigingFitReport::roundingOf(double standardised) const
 {
     constexpr double units = 64.0; // in the last place
     return units * std::numeric_limits<double>::epsilon() *
-           (1.0 + std::fabs(offset / scale + standardised));
+           (1.0 + std::fabs(outputScale.offset / outputScale.scale + standardised));
+}
+
+void KrigingFitReport::addCorrelation(KrigingFit& fit, const KrigingSearchResult& found,
+                                      double condition) const
+{
+    const FittedKriging& model = fit.predictor.model();
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
+    fit.report.lengthBounds.assign(cases.inputCount(), KrigingReport::Bound::None);
+    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
+        const std::size_t input = cases.activeInputs()[k];
+        fit.report.correlationLengths[input] = found.parameters.lengths[k] * cases.range()[k];
+        if (!found.lengthBounds.empty()) {
+            fit.report.lengthBounds[input] = found.lengthBounds[k];
+        }
+    }
+    fit.report.nugget = found.parameters.nugget;
+    fit.report.nuggetBound = found.nuggetBound;
+    fit.report.processVariance = model.processVariance * outputScale.scale * outputScale.scale;
+    fit.report.noiseDeviation = outputScale.scale * std::sqrt(noiseShare(model));
+    fit.report.condition = condition;
+}
+
+void KrigingFitReport::addLikelihood(KrigingFit& fit, const KrigingSearchResult& found,
+                                     double rows) const
+{
+    const double ofUnit = rows * std::log(outputScale.scale);
+    fit.report.logLikelihood = found.logLikelihood - ofUnit;
+    if (!std::isinf(found.secondLogLikelihood)) {
+        fit.report.secondLogLikelihood = found.secondLogLikelihood - ofUnit;
+    }
+}
+
+void KrigingFitReport::addIndependence(KrigingFit& fit, double variance, std::size_t cases) const
+{
+    const auto n = static_cast<double>(cases);
+    fit.report.correlationLengths.assign(this->cases.inputCount(), infinity);
+    fit.report.processVariance = variance * outputScale.scale * outputScale.scale;
+    fit.report.logLikelihood = variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) -
+                                                    n * std::log(outputScale.scale)
+                                              : infinity;
 }
 
 void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
                                 const std::vector<double>& coefficients) const
 {
+    fit.metrics.terms = trend.size();
     fit.report.trendOrder = trend.order();
     for (const KrigingTrend::RawTerm& term :
          trend.inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers())) {
         const bool isConstant = fit.report.trendTerms.empty();
         fit.report.trendTerms.push_back(term.name);
-        fit.report.trendCoefficients.push_back(scale * term.coefficient +
-                                               (isConstant ? offset : 0.0));
+        fit.report.trendCoefficients.push_back(outputScale.scale * term.coefficient +
+                                               (isConstant ? outputScale.offset : 0.0));
     }
     writeTrend(fit, trend, coefficients);
 }
@@ -71,7 +124,7 @@ void KrigingFitReport::writeTrend(KrigingFit& fit, const KrigingTrend& trend,
     std::map<std::string, double> centred;
     for (const KrigingTrend::RawTerm& term :
          trend.inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers())) {
-        centred[term.name] = scale * term.coefficient;
+        centred[term.name] = outputScale.scale * term.coefficient;
     }
 
     const QuadraticBasis basis(cases.inputCount(), trend.order());
@@ -83,7 +136,7 @@ void KrigingFitReport::writeTrend(KrigingFit& fit, const KrigingTrend& trend,
         }
         loss += std::numeric_limits<double>::epsilon() * size;
     }
-    centred["1"] += offset;
+    centred["1"] += outputScale.offset;
 
     const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
     const bool isExpanded = loss <= tolerableLoss * (*largest - *smallest);
@@ -128,9 +181,9 @@ void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const
     }
     fit.metrics.cases = static_cast<std::size_t>(rows);
     fit.metrics.r2 = 1.0 - squares / total;
-    fit.metrics.rmse = scale * std::sqrt(squares / measured);
-    fit.metrics.press = press * (rows / measured) * scale * scale;
-    fit.metrics.looRmse = scale * std::sqrt(press / measured);
+    fit.metrics.rmse = outputScale.scale * std::sqrt(squares / measured);
+    fit.metrics.press = press * (rows / measured) * outputScale.scale * outputScale.scale;
+    fit.metrics.looRmse = outputScale.scale * std::sqrt(press / measured);
     fit.metrics.q2 = 1.0 - press / total;
     findWorstCases(fit, errors);
 }
@@ -157,8 +210,8 @@ void KrigingFitReport::findWorstCases(KrigingFit& fit, const Errors& errors) con
         if (std::fabs(errors.leftOut[i]) <= roundingOf(standardised)) {
             continue;
         }
-        const double value = offset + scale * standardised;
-        fit.report.worstCases.push_back(
-            {cases.rowsAt(errors.points[i]).front(), value, value - scale * errors.leftOut[i]});
+        const double value = outputScale.offset + outputScale.scale * standardised;
+        fit.report.worstCases.push_back({cases.rowsAt(errors.points[i]).front(), value,
+                                         value - outputScale.scale * errors.leftOut[i]});
     }
 }

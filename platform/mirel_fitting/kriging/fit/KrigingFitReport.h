@@ -3,22 +3,25 @@
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/OutputScale.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+#include <mirel_fitting/kriging/prediction/FittedKriging.h>
+#include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
 
 #include <cstddef>
 #include <vector>
 
-/** Writes trend and errors of a fit, computed with scaled inputs and the standardised output, into
- *  its report, in the units of the data. */
+/** Writes what a fit has computed with scaled inputs and the standardised output into its report
+ * and metrics, in the units of the data. */
 class KrigingFitReport
 {
 public:
-    /**
-     * output = offset + scale * standardised output.
-     * @param cases, output are borrowed.
-     */
-    KrigingFitReport(const KrigingCases& cases, const std::vector<double>& output, double offset,
-                     double scale);
+    /** @param cases, output are borrowed for life. */
+    KrigingFitReport(const KrigingCases& cases, const std::vector<double>& output,
+                     const OutputScale& scale);
+
+    /** The fraction of the output's variance that a model attributes to noise. */
+    static double noiseShare(const FittedKriging& model);
 
     /** k of "Vk", of the inputs that vary. */
     std::vector<std::size_t> inputNumbers() const;
@@ -26,6 +29,19 @@ public:
     /** The rounding error of a standardised value, which the number of digits of its output sets.
      */
     double roundingOf(double standardised) const;
+
+    /** Lengths, nugget, process variance and noise of the fit's model. */
+    void addCorrelation(KrigingFit& fit, const KrigingSearchResult& found, double condition) const;
+
+    /** @param rows number of rows that count. */
+    void addLikelihood(KrigingFit& fit, const KrigingSearchResult& found, double rows) const;
+
+    /**
+     * Process variance and likelihood where nothing is correlated: R is the identity.
+     * @param variance of the standardised output, whose logarithm exists where the squared unit of
+     *                 the output overflows.
+     */
+    void addIndependence(KrigingFit& fit, double variance, std::size_t cases) const;
 
     /** The terms with their coefficients, and the equation as text. */
     void addTrend(KrigingFit& fit, const KrigingTrend& trend,
@@ -53,6 +69,5 @@ private:
 
     const KrigingCases& cases;
     const std::vector<double>& output;
-    double offset;
-    double scale;
+    OutputScale outputScale;
 };

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -15,7 +14,7 @@ namespace {
 /** The penalty for terms and parameters: AICc + 2 ln L. */
 double akaikePenalty(const KrigingData& data)
 {
-    const double n = std::accumulate(data.replicates.begin(), data.replicates.end(), 0.0);
+    const double n = data.rowCount();
     const auto k = static_cast<double>(data.terms + data.inputs + 1);
     if (n - k <= 1.0) {
         return std::numeric_limits<double>::infinity();

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <mirel_fitting/cases/KrigingData.h>
+#include <mirel_fitting/kriging/fit/KrigingFitInput.h>
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+#include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/**
+ * Trend, correlation lengths and nugget of greatest likelihood, for cases that one correlation
+ * matrix can hold. Of many of these, lengths and nugget come from a subset.
+ */
+class KrigingEstimate
+{
+public:
+    /**
+     * Reports to FitProgress.
+     * @param input is borrowed for life.
+     * @param trend of the highest order; one of a lower order is chosen where that predicts better.
+     * @param data  all cases, with the terms of `trend`; may be changed.
+     * @throw SurrogateModelInterface::Error like KrigingSearch::run().
+     */
+    KrigingEstimate(const KrigingFitInput& input, std::shared_ptr<const KrigingTrend> trend,
+                    std::shared_ptr<KrigingData> data);
+
+    const std::shared_ptr<const KrigingTrend>& trend() const { return chosenTrend; }
+
+    /** All cases, with the terms of trend(); replicates are averaged if they differ by less than
+     *  the least nugget explains. */
+    std::shared_ptr<const KrigingData> data() const { return allCases; }
+
+    const KrigingSearchResult& result() const { return found; }
+
+    /** Warnings about subset, trend and nugget are appended. */
+    void warn(std::vector<std::string>& warnings) const;
+
+    /**
+     * Whether replicates differ by less than the least nugget explains, say by rounding. Their
+     * likelihood prefers an ever smaller process variance, and for its sake lengths that do not
+     * suit the points: their mean is then to be used as a single case.
+     */
+    static bool isPureErrorNegligible(const KrigingFitInput& input, const KrigingData& data,
+                                      const KrigingSearchResult& found);
+
+    /** Whether lengths and nugget are estimated from a subset of so many cases. */
+    static bool usesSubset(const KrigingSizes& sizes, std::size_t cases);
+
+private:
+    void search();
+    void searchWithTrends();
+    int refinements() const;
+
+    const KrigingFitInput& input;
+    std::shared_ptr<const KrigingTrend> chosenTrend;
+    std::shared_ptr<KrigingData> allCases;
+    std::optional<KrigingWarnings::Lowered> lowered;
+    KrigingSearchResult found;
+};

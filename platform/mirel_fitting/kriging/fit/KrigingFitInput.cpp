@@ -1,0 +1,69 @@
+#include <mirel_fitting/kriging/fit/KrigingFitInput.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+KrigingSearchSettings KrigingFitInput::searchSettings() const
+{
+    // So short a length makes every case uncorrelated; in shorter units coordinates would overflow.
+    constexpr double shortest = 1e-100;
+
+    KrigingSearchSettings settings;
+    settings.tolerance = options.tolerance;
+    settings.initialLength = options.initialCorrelationLength;
+    settings.smallestNugget = options.nugget;
+    settings.isNuggetFixed = options.isNuggetFixed();
+    const std::size_t inputs = cases.activeInputs().size();
+    for (std::size_t k = 0; k < inputs && !options.correlationLengths.empty(); ++k) {
+        const double length = options.correlationLengths[cases.activeInputs()[k]];
+        settings.fixedLengths.push_back(std::max(length / cases.range()[k], shortest));
+    }
+    return settings;
+}
+
+bool KrigingFitInput::isNuggetWanted() const
+{
+    return options.nugget > SearchPolicy().soundNugget;
+}
+
+std::shared_ptr<const KrigingTrend> KrigingFitInput::addTrend(KrigingData& data) const
+{
+    const std::size_t lengths = options.correlationLengths.empty() ? data.inputs : 0;
+    const std::size_t variance = 1;
+    auto trend = std::make_shared<KrigingTrend>(data.cases, data.inputs, data.coordinates,
+                                                options.trendOrder, lengths + variance);
+    data.terms = trend->size();
+    data.trend = trend->matrix();
+    return trend;
+}
+
+void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t cases,
+                                  std::vector<std::string>& warnings,
+                                  const std::optional<KrigingWarnings::Lowered>& lowered) const
+{
+    if (lowered) {
+        warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, cases));
+    } else if (trend.order() < options.trendOrder) {
+        warnings.push_back(
+            KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), cases));
+    }
+    const std::vector<std::string> dropped = trend.droppedNames(report().inputNumbers());
+    if (!dropped.empty()) {
+        warnings.push_back(KrigingWarnings::ofDroppedTerms(dropped));
+    }
+}
+
+FittedKriging KrigingFitInput::emptyModel(std::shared_ptr<const KrigingTrend> trend,
+                                          std::shared_ptr<const KrigingData> data) const
+{
+    FittedKriging model;
+    model.inputs = cases.activeInputs();
+    model.minimum = cases.minimum();
+    model.range = cases.range();
+    model.trend = std::move(trend);
+    model.offset = scale.offset;
+    model.scale = scale.scale;
+    model.data = std::move(data);
+    return model;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <mirel_fitting/cases/KrigingCases.h>
+#include <mirel_fitting/cases/KrigingData.h>
+#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitReport.h>
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/fit/OutputScale.h>
+#include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+#include <mirel_fitting/kriging/prediction/FittedKriging.h>
+#include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/** The arguments of a fit of one output, borrowed for life, and what every way of fitting takes
+ *  from them. */
+struct KrigingFitInput
+{
+    const KrigingCases& cases;
+    const std::vector<double>& output;
+    const KrigingFitOptions& options;
+    OutputScale scale;
+
+    KrigingFitReport report() const { return {cases, output, scale}; }
+
+    KrigingSearchSettings searchSettings() const;
+
+    /** Whether the lower bound of the nugget stands for noise. Up to the least nugget that keeps
+     *  the factorisation stable it does not. */
+    bool isNuggetWanted() const;
+
+    /** The trend of the highest order that the cases of `data` allow; `data` receives its terms. */
+    std::shared_ptr<const KrigingTrend> addTrend(KrigingData& data) const;
+
+    /** Appends why the trend has a lower order or fewer terms than the options ask for.
+     *  @param cases   distinct ones that the trend was chosen for.
+     *  @param lowered if the order was lowered since a higher one does not predict better. */
+    void warnOfTrend(const KrigingTrend& trend, std::size_t cases,
+                     std::vector<std::string>& warnings,
+                     const std::optional<KrigingWarnings::Lowered>& lowered = {}) const;
+
+    /** A model without coefficients, weights and variance. */
+    FittedKriging emptyModel(std::shared_ptr<const KrigingTrend> trend,
+                             std::shared_ptr<const KrigingData> data) const;
+};

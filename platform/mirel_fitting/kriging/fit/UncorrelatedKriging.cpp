@@ -1,0 +1,126 @@
+#include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <utility>
+
+namespace {
+
+/** @param squares of the standardised outputs about their mean. */
+void addErrorsOfMean(KrigingFit& fit, const KrigingFitInput& input, double squares)
+{
+    const double scale = input.scale.scale;
+    const auto n = static_cast<double>(input.output.size());
+    fit.metrics.cases = input.output.size();
+    fit.metrics.rmse = scale * std::sqrt(squares / n);
+    double press = 0.0;
+    if (input.output.size() > 1) {
+        // The leverage of each case is 1 / n.
+        const double inflation = n / (n - 1.0);
+        press = squares * inflation * inflation;
+        fit.metrics.press = press * scale * scale;
+        fit.metrics.looRmse = scale * std::sqrt(press / n);
+    }
+    if (squares > 0.0) {
+        fit.metrics.r2 = 0.0;
+        fit.metrics.q2 = 1.0 - press / squares;
+    }
+}
+
+std::string warningOfMean(std::size_t cases, double squares)
+{
+    if (squares > 0.0) {
+        return "No input varies over the cases: the prediction is the mean output.";
+    }
+    return cases > 1 ? "The output is the same in all cases: the prediction is constant."
+                     : "There is only one case: the prediction is constant.";
+}
+
+} // namespace
+
+KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
+{
+    const auto n = static_cast<double>(input.output.size());
+    const double squares = input.scale.sumOfSquares(input.output);
+
+    auto data = std::make_shared<KrigingData>(); // one case, of which all rows are replicates
+    data->cases = 1;
+    data->terms = 1;
+    data->trend = {1.0};
+    data->replicates = {n};
+    const auto trend = std::make_shared<KrigingTrend>(data->cases, 0, data->coordinates, 0, 0);
+    FittedKriging model = input.emptyModel(trend, std::move(data));
+    model.coefficients = {0.0};
+    model.processVariance = squares / n;
+
+    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}};
+    input.report().addTrend(fit, *trend, {0.0});
+    input.report().addIndependence(fit, squares / n, input.output.size());
+    addErrorsOfMean(fit, input, squares);
+    fit.leftOut = KrigingLeaveOneOut::ofMean(input.output);
+    fit.warnings.push_back(warningOfMean(input.output.size(), squares));
+    return fit;
+}
+
+bool UncorrelatedKriging::isExplained(const KrigingFitInput& input, const DistinctCases& distinct,
+                                      const KrigingTrend& trend, const KrigingData& data)
+{
+    double largest = 0.0;
+    double within = 0.0;
+    for (std::size_t i = 0; i < data.cases; ++i) {
+        largest =
+            std::max(largest, std::fabs(input.scale.offset / input.scale.scale + data.output[i]));
+        within = std::max(within, distinct.withinDeviation(i));
+    }
+    const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
+    return within <= rounding && std::sqrt(trend.leastSquares(data.output).variance) <= rounding;
+}
+
+bool UncorrelatedKriging::isExplained(const KrigingFitInput& input, const DistinctCases& distinct,
+                                      const KrigingTrend& trend,
+                                      const std::vector<double>& coefficients)
+{
+    const KrigingData& all = distinct.data();
+    std::vector<const double*> points;
+    for (std::size_t k = 0; k < all.inputs; ++k) {
+        points.push_back(all.coordinates.data() + k * all.cases);
+    }
+    std::vector<double> explained(all.cases, 0.0);
+    trend.add(points, all.cases, coefficients, explained.data());
+    for (std::size_t i = 0; i < all.cases; ++i) {
+        const double rounding = input.report().roundingOf(all.output[i]);
+        if (!(distinct.withinDeviation(i) <= rounding) ||
+            !(std::fabs(all.output[i] - explained[i]) <= rounding)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const DistinctCases& distinct,
+                                        const std::shared_ptr<const KrigingTrend>& trend,
+                                        const std::shared_ptr<const KrigingData>& data)
+{
+    const KrigingTrend::LeastSquares leastSquares = trend->leastSquares(data->output);
+    FittedKriging model = input.emptyModel(trend, data);
+    model.coefficients = leastSquares.coefficients;
+    model.processVariance = leastSquares.variance;
+
+    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}};
+    input.report().addIndependence(fit, leastSquares.variance, data->cases);
+    input.report().addTrend(fit, *trend, leastSquares.coefficients);
+    std::vector<std::size_t> points(data->cases);
+    std::iota(points.begin(), points.end(), std::size_t{0});
+    distinct.addErrors(fit, *data, leastSquares.residuals,
+                       {points, leastSquares.leaveOneOutResiduals,
+                        leastSquares.leaveOneOutVariances, leastSquares.variance, 0.0});
+    distinct.warnOfConflicts(true, fit.warnings);
+    input.warnOfTrend(*trend, data->cases, fit.warnings);
+    fit.warnings.push_back(
+        "The trend passes through all cases: there is nothing left to correlate.");
+    return fit;
+}
