@@ -1,8 +1,5 @@
 #include "session/project/ProjectCases.h"
 
-#include "session/project/ProjectDocument.h"
-#include "session/text/SessionErrors.h"
-
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -54,6 +51,17 @@ std::vector<std::size_t> positionsOf(const std::vector<std::string>& wanted,
 }
 } // namespace
 
+CaseFileStateError::CaseFileStateError(const ProjectDocument::CaseFileCheck& check)
+    : ProjectDocumentError(check.sentence), foundState(check.state)
+{}
+
+CaseFileStateError::~CaseFileStateError() = default;
+
+ProjectDocument::CaseFileState CaseFileStateError::state() const
+{
+    return foundState;
+}
+
 CaseTable readCaseTable(const std::string& path, const CaseFileReader::Options& options)
 {
     if (isXmlDocument(path)) {
@@ -76,6 +84,15 @@ CaseFileReader::Options readingOptions(const ProjectDocument& document,
             document.caseFile.hasDecimalComma ? CellValue::Comma : CellValue::Point;
     }
     return options;
+}
+
+CaseTable readProjectCases(const ProjectDocument& document, const CaseFileReader::Options& options)
+{
+    const ProjectDocument::CaseFileCheck check = document.checkCaseFile();
+    if (check.state != ProjectDocument::Unchanged) {
+        throw CaseFileStateError(check);
+    }
+    return CaseFileReader::read(document.caseFile.path, readingOptions(document, options));
 }
 
 CaseRoles rolesIn(const ProjectDocument& document, const CaseTable& table)

@@ -4,11 +4,26 @@
 #include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 
+#include <session/project/ProjectDocument.h>
+#include <session/text/SessionErrors.h>
+
 #include <surrogate_session/Export.h>
 
 #include <string>
 
-class ProjectDocument;
+/** The case file of a project is missing, or has changed since the project was saved. */
+class SURROGATE_SESSION_EXPORT CaseFileStateError : public ProjectDocumentError
+{
+public:
+    explicit CaseFileStateError(const ProjectDocument::CaseFileCheck& check);
+    ~CaseFileStateError() override;
+
+    /** Missing or Changed. */
+    ProjectDocument::CaseFileState state() const;
+
+private:
+    ProjectDocument::CaseFileState foundState;
+};
 
 /**
  * Reads a table of cases that a user names.
@@ -21,6 +36,10 @@ SURROGATE_SESSION_EXPORT CaseTable readCaseTable(const std::string& path,
 /** How a project's case file is read: as the document says where `options` do not. */
 SURROGATE_SESSION_EXPORT CaseFileReader::Options readingOptions(const ProjectDocument& document,
                                                                 CaseFileReader::Options options);
+
+/** Reads the case file of a project. @throw CaseFileStateError; @throw as CaseFileReader::read() */
+SURROGATE_SESSION_EXPORT CaseTable readProjectCases(const ProjectDocument& document,
+                                                    const CaseFileReader::Options& options);
 
 /** The columns of a table that are inputs and outputs of a project; names that the table does not
  *  hold are left out. */

@@ -79,3 +79,34 @@ TEST(ProjectCases, AProjectUnderAnotherNameIsNoTable)
     }
     EXPECT_EQ(readCaseTable(folder.write("c.csv", "x\n1\n"), {}).cases, 1u);
 }
+
+TEST(ProjectCases, AreThoseThatTheProjectWasSavedWith)
+{
+    const TemporaryFolder folder;
+    ProjectDocument project = sampleProject(folder.write("cases.csv", "x;y\n0,5;1\n"));
+    project.caseFile.fingerprint = FileFingerprint::of(project.caseFile.path);
+
+    EXPECT_EQ(readProjectCases(project, {}).columns[0].numbers, (std::vector<double>{0.5}));
+
+    folder.write("cases.csv", "x;y\n0,5;1\n2;3\n");
+    try {
+        readProjectCases(project, {});
+        FAIL() << "read";
+    } catch (const CaseFileStateError& error) {
+        EXPECT_EQ(error.state(), ProjectDocument::Changed);
+        EXPECT_EQ(error.what(), "The case file \"" + project.caseFile.path +
+                                    "\" has changed since the project was saved: it has 14 bytes "
+                                    "and had 10.");
+    }
+
+    project.caseFile.path = folder.path("moved.csv");
+    try {
+        readProjectCases(project, {});
+        FAIL() << "read";
+    } catch (const CaseFileStateError& error) {
+        EXPECT_EQ(error.state(), ProjectDocument::Missing);
+        EXPECT_EQ(error.what(), "The case file \"" + project.caseFile.path +
+                                    "\" of the project is missing: it has been moved, renamed or "
+                                    "deleted.");
+    }
+}

@@ -1,0 +1,91 @@
+#include "session/model/SessionChoices.h"
+
+#include "session/cases/CaseNumbers.h"
+#include "session/cases/CaseRoles.h"
+#include "session/cases/VariableNames.h"
+#include "session/project/ProjectCases.h"
+#include "session/project/ProjectDocument.h"
+#include "session/text/QuotedText.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace {
+std::vector<std::size_t> excludedCases(const std::string& text, std::size_t cases)
+{
+    return text == "none" ? std::vector<std::size_t>() : readCaseNumbers(text, cases);
+}
+
+void chooseTerms(const SessionChoices& choices, CaseSession& session)
+{
+    ResponseSurfaceOptions options = session.responseSurface();
+    options.selection = choices.selection.value_or(options.selection);
+    options.terms = choices.terms.value_or(options.terms);
+    session.chooseResponseSurface(options);
+}
+
+/** The library passes over inputs that are none, and the predictions are others without them. */
+void noteMissingInputs(const ProjectDocument& document, OpenedProject& opened)
+{
+    const std::vector<std::string> present = namesOf(opened.session->inputs());
+    for (const std::string& name : document.modelInputs()) {
+        if (std::find(present.begin(), present.end(), name) == present.end()) {
+            opened.notes.push_back("the input " + quotedText(name) +
+                                   " of the project is left out, it is no independent variable "
+                                   "there.");
+        }
+    }
+}
+
+/** The library takes every type that it does not know for Kriging. */
+void noteUnknownModel(const ProjectDocument& document, OpenedProject& opened)
+{
+    const std::string type = document.modelType();
+    if (!type.empty() && type != "Kriging" && type != "ResponseModel") {
+        opened.notes.push_back("the model " + quotedText(type) +
+                               " of the project is not known to this version, which takes "
+                               "kriging.");
+    }
+}
+} // namespace
+
+std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& choices)
+{
+    const CaseRoles roles = chooseCaseRoles(table, choices.inputs, choices.outputs);
+    const std::vector<std::size_t> excluded =
+        excludedCases(choices.excluded.value_or("none"), table.cases);
+    auto session = std::make_unique<CaseSession>(
+        std::move(table), roles, excluded, choices.model.value_or(CaseSession::ResponseSurface));
+    chooseTerms(choices, *session);
+    return session;
+}
+
+OpenedProject openProject(CaseTable table, const ProjectDocument& document,
+                          const SessionChoices& choices)
+{
+    const CaseRoles roles =
+        chooseCaseRoles(table, choices.inputs, choices.outputs, rolesIn(document, table));
+    const std::size_t cases = table.cases;
+
+    OpenedProject opened;
+    opened.session = std::make_unique<CaseSession>(std::move(table));
+    CaseSession& session = *opened.session;
+    session.load(document);
+    if (choices.inputs.empty()) {
+        noteMissingInputs(document, opened);
+    }
+    if (!choices.inputs.empty() || !choices.outputs.empty()) {
+        session.chooseRoles(roles);
+    }
+    if (choices.excluded) {
+        session.exclude(excludedCases(*choices.excluded, cases));
+    }
+    if (choices.model) {
+        session.chooseModel(*choices.model);
+    } else {
+        noteUnknownModel(document, opened);
+    }
+    chooseTerms(choices, session);
+    return opened;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <session/cases/CaseTable.h>
+#include <session/model/CaseSession.h>
+
+#include <surrogate_session/Export.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class ProjectDocument;
+
+/** What a user chooses about cases as they are opened. */
+struct SessionChoices
+{
+    std::vector<std::string> inputs;     ///< as chooseCaseRoles() takes them
+    std::vector<std::string> outputs;    ///< likewise
+    std::optional<std::string> excluded; ///< as readCaseNumbers() reads it, or "none"
+    std::optional<CaseSession::ModelType> model;
+    std::optional<ResponseSurfaceOptions::Selection> selection;
+    std::optional<PolynomialTerms> terms;
+};
+
+struct OpenedProject
+{
+    std::unique_ptr<CaseSession> session;
+    std::vector<std::string> notes; ///< sentences on what of the document was not taken over
+};
+
+/**
+ * Opens cases with these choices. Without a choice every numeric column that is no output is an
+ * input, no case is excluded, and the model is a response surface of all terms.
+ * @throw UsageError for names and case numbers that do not exist; CaseDataError
+ */
+SURROGATE_SESSION_EXPORT std::unique_ptr<CaseSession> openCases(CaseTable table,
+                                                                const SessionChoices& choices);
+
+/**
+ * Opens the cases of a project with the choices of its document; `choices` take precedence.
+ * @throw UsageError for names and case numbers that do not exist; CaseDataError;
+ *        ProjectDocumentError if the document does not fit the cases.
+ */
+SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const ProjectDocument& document,
+                                                   const SessionChoices& choices);

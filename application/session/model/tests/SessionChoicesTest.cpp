@@ -1,0 +1,151 @@
+#include <session/model/SessionChoices.h>
+
+#include "CvdCases.h"
+#include "TemporaryFolder.h"
+
+#include <session/cases/VariableNames.h>
+#include <session/project/ProjectDocument.h>
+#include <session/text/SessionErrors.h>
+
+#include <mirel_datamanagement/Project.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+using Names = std::vector<std::string>;
+
+/** The cases of a file, whose bytes do not matter here. */
+CaseTable tableIn(const TemporaryFolder& folder)
+{
+    CaseTable table = cvdCases();
+    table.path = folder.write("cvd.csv", "cases");
+    return table;
+}
+
+/** A project of a Kriging model of two outputs, without the cases 2 and 3. */
+ProjectDocument documentIn(const TemporaryFolder& folder)
+{
+    return CaseSession(tableIn(folder), {{0, 1}, {3, 2}}, {1, 2}, CaseSession::Kriging).document();
+}
+
+/** The document with a part of its text replaced. */
+ProjectDocument edited(const TemporaryFolder& folder, const std::string& part,
+                       const std::string& replacement)
+{
+    documentIn(folder).save(folder.path("p.surrogate.xml"));
+    std::string text = folder.read("p.surrogate.xml");
+    text.replace(text.find(part), part.size(), replacement);
+    return ProjectDocument::load(folder.write("p.surrogate.xml", text));
+}
+} // namespace
+
+TEST(SessionChoices, CasesWithoutAChoiceGetAResponseSurfaceOfAllNumericColumns)
+{
+    const auto session = openCases(cvdCases(), {});
+
+    EXPECT_EQ(namesOf(session->inputs()), (Names{"Pressure", "H2/WF6", "Uniformity", "Stress"}));
+    EXPECT_TRUE(session->outputs().empty());
+    EXPECT_EQ(session->counts().excluded, 0u);
+    EXPECT_EQ(session->modelType(), CaseSession::ResponseSurface);
+    EXPECT_TRUE(session->responseSurface() == ResponseSurfaceOptions());
+}
+
+TEST(SessionChoices, CasesGetWhatIsChosen)
+{
+    SessionChoices choices;
+    choices.inputs = {"H2/WF6, Pressure"};
+    choices.outputs = {"Stress"};
+    choices.excluded = "1,4-5";
+    choices.model = CaseSession::Kriging;
+    choices.terms = PolynomialTerms::Linear;
+
+    const auto session = openCases(cvdCases(), choices);
+
+    EXPECT_EQ(namesOf(session->inputs()), (Names{"H2/WF6", "Pressure"}));
+    EXPECT_EQ(namesOf(session->outputs()), (Names{"Stress"}));
+    EXPECT_EQ(session->counts().excluded, 3u);
+    EXPECT_EQ(session->modelType(), CaseSession::Kriging);
+    EXPECT_EQ(session->responseSurface().terms, PolynomialTerms::Linear);
+}
+
+TEST(SessionChoices, AProjectWithoutAChoiceIsAsItsDocumentSays)
+{
+    const TemporaryFolder folder;
+    const ProjectDocument document = documentIn(folder);
+
+    const OpenedProject opened = openProject(tableIn(folder), document, {});
+
+    EXPECT_EQ(opened.notes, Names());
+    EXPECT_EQ(namesOf(opened.session->inputs()), (Names{"Pressure", "H2/WF6"}));
+    EXPECT_EQ(namesOf(opened.session->outputs()), (Names{"Stress", "Uniformity"}));
+    EXPECT_EQ(opened.session->counts().excluded, 2u);
+    EXPECT_EQ(opened.session->modelType(), CaseSession::Kriging);
+}
+
+TEST(SessionChoices, ChoicesTakePrecedenceOverTheDocument)
+{
+    const TemporaryFolder folder;
+    const ProjectDocument document = documentIn(folder);
+    SessionChoices choices;
+    choices.outputs = {"Uniformity"};
+    choices.excluded = "none";
+    choices.model = CaseSession::ResponseSurface;
+    choices.selection = ResponseSurfaceOptions::Selection::BackwardAicc;
+
+    const OpenedProject opened = openProject(tableIn(folder), document, choices);
+
+    EXPECT_EQ(namesOf(opened.session->inputs()), (Names{"Pressure", "H2/WF6"}));
+    EXPECT_EQ(namesOf(opened.session->outputs()), (Names{"Uniformity"}));
+    EXPECT_EQ(opened.session->counts().excluded, 0u);
+    EXPECT_EQ(opened.session->modelType(), CaseSession::ResponseSurface);
+    EXPECT_EQ(opened.session->responseSurface().selection,
+              ResponseSurfaceOptions::Selection::BackwardAicc);
+}
+
+TEST(SessionChoices, AnInputThatIsNoVariableIsLeftOutWithANote)
+{
+    const TemporaryFolder folder;
+    const ProjectDocument document =
+        edited(folder, "</SurrogateModel>", "<Variable Name=\"H2\"/></SurrogateModel>");
+
+    EXPECT_EQ(openProject(tableIn(folder), document, {}).notes,
+              (Names{"the input \"H2\" of the project is left out, it is no independent variable "
+                     "there."}));
+    SessionChoices choices;
+    choices.inputs = {"Pressure"};
+    EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
+}
+
+TEST(SessionChoices, AnUnknownModelIsKrigingWithANote)
+{
+    const TemporaryFolder folder;
+    const ProjectDocument document = edited(folder, "<Type>Kriging</Type>", "<Type>spline</Type>");
+
+    const OpenedProject opened = openProject(tableIn(folder), document, {});
+
+    EXPECT_EQ(opened.session->modelType(), CaseSession::Kriging);
+    EXPECT_EQ(opened.notes, (Names{"the model \"spline\" of the project is not known to this "
+                                   "version, which takes kriging."}));
+}
+
+TEST(SessionChoices, AnUnknownModelThatIsNotTakenIsNotNoted)
+{
+    const TemporaryFolder folder;
+    const ProjectDocument document = edited(folder, "<Type>Kriging</Type>", "<Type>spline</Type>");
+    SessionChoices choices;
+    choices.model = CaseSession::ResponseSurface;
+
+    EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
+}
+
+TEST(SessionChoices, ACaseThatDoesNotExistIsRefused)
+{
+    SessionChoices choices;
+    choices.excluded = "12";
+
+    EXPECT_THROW(openCases(cvdCases(), choices), UsageError);
+}
