@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 
+#include <mirel_fitting/kriging/fit/RawTrend.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -38,17 +40,17 @@ std::shared_ptr<const KrigingTrend> KrigingFitInput::addTrend(KrigingData& data)
     return trend;
 }
 
-void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t cases,
+void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct,
                                   std::vector<std::string>& warnings,
                                   const std::optional<KrigingWarnings::Lowered>& lowered) const
 {
     if (lowered) {
-        warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, cases));
+        warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, distinct));
     } else if (trend.order() < options.trendOrder) {
         warnings.push_back(
-            KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), cases));
+            KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
     }
-    const std::vector<std::string> dropped = trend.droppedNames(report().inputNumbers());
+    const std::vector<std::string> dropped = trend.droppedNames(RawTrend::inputNumbers(cases));
     if (!dropped.empty()) {
         warnings.push_back(KrigingWarnings::ofDroppedTerms(dropped));
     }

@@ -37,9 +37,9 @@ struct KrigingFitInput
     std::shared_ptr<const KrigingTrend> addTrend(KrigingData& data) const;
 
     /** Appends why the trend has a lower order or fewer terms than the options ask for.
-     *  @param cases   distinct ones that the trend was chosen for.
-     *  @param lowered if the order was lowered since a higher one does not predict better. */
-    void warnOfTrend(const KrigingTrend& trend, std::size_t cases,
+     *  @param distinct number of cases that the trend was chosen for.
+     *  @param lowered  if the order was lowered since a higher one does not predict better. */
+    void warnOfTrend(const KrigingTrend& trend, std::size_t distinct,
                      std::vector<std::string>& warnings,
                      const std::optional<KrigingWarnings::Lowered>& lowered = {}) const;
 

@@ -1,14 +1,11 @@
 #include <mirel_fitting/kriging/fit/KrigingFitReport.h>
 
-#include <mirel_fitting/polynomial/EquationText.h>
-#include <mirel_fitting/polynomial/QuadraticBasis.h>
+#include <mirel_fitting/kriging/fit/RawTrend.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <numeric>
-#include <string>
 
 namespace {
 
@@ -25,15 +22,6 @@ KrigingFitReport::KrigingFitReport(const KrigingCases& cases, const std::vector<
 double KrigingFitReport::noiseShare(const FittedKriging& model)
 {
     return model.interpolates ? 0.0 : model.nugget * model.processVariance;
-}
-
-std::vector<std::size_t> KrigingFitReport::inputNumbers() const
-{
-    std::vector<std::size_t> numbers = cases.activeInputs();
-    for (std::size_t& number : numbers) {
-        ++number;
-    }
-    return numbers;
 }
 
 double KrigingFitReport::roundingOf(double standardised) const
@@ -86,74 +74,15 @@ void KrigingFitReport::addIndependence(KrigingFit& fit, double variance, std::si
 void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
                                 const std::vector<double>& coefficients) const
 {
+    const RawTrend rawTrend(cases, outputScale, trend, coefficients);
     fit.metrics.terms = trend.size();
     fit.report.trendOrder = trend.order();
-    for (const KrigingTrend::RawTerm& term :
-         trend.inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers())) {
-        const bool isConstant = fit.report.trendTerms.empty();
+    for (const KrigingTrend::RawTerm& term : rawTrend.terms()) {
         fit.report.trendTerms.push_back(term.name);
-        fit.report.trendCoefficients.push_back(outputScale.scale * term.coefficient +
-                                               (isConstant ? outputScale.offset : 0.0));
+        fit.report.trendCoefficients.push_back(term.coefficient);
     }
-    writeTrend(fit, trend, coefficients);
-}
-
-void KrigingFitReport::writeTrend(KrigingFit& fit, const KrigingTrend& trend,
-                                  const std::vector<double>& coefficients) const
-{
-    constexpr double tolerableLoss = 1e-9; // of the output's range
-
-    std::vector<double> centres(cases.inputCount(), 0.0);
-    std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
-    std::vector<double> minimumAboutCentre;
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        const std::size_t input = cases.activeInputs()[k];
-        const double minimum = cases.minimum()[k];
-        const double maximum = minimum + cases.range()[k];
-        const double centre = minimum + 0.5 * cases.range()[k];
-        centres[input] = centre;
-        reach[input] = std::max(std::fabs(minimum), std::fabs(maximum)) + std::fabs(centre);
-        // The centre is a rounded number, so that this is not exactly half the range.
-        minimumAboutCentre.push_back(minimum - centre);
-    }
-
-    std::map<std::string, double> expanded;
-    for (std::size_t t = 0; t < fit.report.trendTerms.size(); ++t) {
-        expanded[fit.report.trendTerms[t]] = fit.report.trendCoefficients[t];
-    }
-    std::map<std::string, double> centred;
-    for (const KrigingTrend::RawTerm& term :
-         trend.inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers())) {
-        centred[term.name] = outputScale.scale * term.coefficient;
-    }
-
-    const QuadraticBasis basis(cases.inputCount(), trend.order());
-    double loss = 0.0;
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        double size = std::fabs(centred[basis.name(t)]);
-        for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
-            size *= input == QuadraticBasis::noInput ? 1.0 : reach[input];
-        }
-        loss += std::numeric_limits<double>::epsilon() * size;
-    }
-    centred["1"] += outputScale.offset;
-
     const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
-    const bool isExpanded = loss <= tolerableLoss * (*largest - *smallest);
-    EquationText text(basis);
-    if (!isExpanded) {
-        text.setCentres(centres);
-    }
-    std::vector<double> inOrder;
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        const std::string name = basis.name(t);
-        if (expanded.count(name) == 0) {
-            text.leaveOut(t);
-        }
-        inOrder.push_back(isExpanded ? expanded[name] : centred[name]);
-    }
-    fit.trendText = text.write(inOrder);
-    fit.trendText.pop_back(); // the end of the line
+    fit.trendText = rawTrend.text(*largest - *smallest);
 }
 
 void KrigingFitReport::measure(KrigingFit& fit, const Errors& errors) const

@@ -23,9 +23,6 @@ public:
     /** The fraction of the output's variance that a model attributes to noise. */
     static double noiseShare(const FittedKriging& model);
 
-    /** k of "Vk", of the inputs that vary. */
-    std::vector<std::size_t> inputNumbers() const;
-
     /** The rounding error of a standardised value, which the number of digits of its output sets.
      */
     double roundingOf(double standardised) const;
@@ -63,8 +60,6 @@ public:
     void measure(KrigingFit& fit, const Errors& errors) const;
 
 private:
-    void writeTrend(KrigingFit& fit, const KrigingTrend& trend,
-                    const std::vector<double>& coefficients) const;
     void findWorstCases(KrigingFit& fit, const Errors& errors) const;
 
     const KrigingCases& cases;
