@@ -37,6 +37,83 @@ double logDensity(const std::vector<double>& values, const std::vector<Predictio
     return -0.5 * (n * std::log(squares / n) + logarithms);
 }
 
+/**
+ * First a grid search over the nugget and a common factor of all lengths, then a coordinate search
+ * with decreasing steps. Sundararajan, Keerthi: Predictive approaches for choosing
+ * hyperparameters in Gaussian processes, Neural Computation 13 (2001).
+ */
+class DensitySearch
+{
+public:
+    DensitySearch(const NearestNeighbourKriging& kriging, const std::vector<std::size_t>& cases,
+                  const std::vector<double>& residuals, const Parameters& start,
+                  double smallestNugget)
+        : sample(kriging, cases), values(at(cases, residuals)), smallestNugget(smallestNugget),
+          bestParameters(start), highest(density(start))
+    {}
+
+    const Parameters& best() const { return bestParameters; }
+
+    void tryGrid(const Parameters& start)
+    {
+        for (const double factor : {0.05, 0.1, 0.2, 0.5, 1.0}) {
+            for (const double nugget : {1e-10, 1e-6, 1e-4, 1e-2, 0.1, 1.0}) {
+                Parameters parameters = start;
+                for (double& length : parameters.lengths) {
+                    length *= factor;
+                }
+                parameters.nugget = nugget;
+                keepIfBetter(parameters);
+            }
+        }
+    }
+
+    /** The nugget times and divided by step^2, then each length times or divided by it. */
+    void tryStep(double step)
+    {
+        for (const double factor : {step, 1.0 / step}) {
+            Parameters parameters = bestParameters;
+            parameters.nugget *= factor * factor;
+            keepIfBetter(parameters);
+        }
+        for (std::size_t k = 0; k < bestParameters.lengths.size(); ++k) {
+            Parameters longer = bestParameters;
+            longer.lengths[k] *= step;
+            Parameters shorter = bestParameters;
+            shorter.lengths[k] /= step;
+            if (!keepIfBetter(longer)) {
+                keepIfBetter(shorter);
+            }
+        }
+    }
+
+private:
+    double density(const Parameters& parameters) const
+    {
+        const double found = logDensity(values, sample.predict(parameters));
+        return std::isfinite(found) ? found : -std::numeric_limits<double>::infinity();
+    }
+
+    /** @return whether the parameters are better than the best ones, which they replace then. */
+    bool keepIfBetter(Parameters parameters)
+    {
+        parameters.nugget = std::max(parameters.nugget, smallestNugget);
+        const double found = density(parameters);
+        if (!(found > highest)) {
+            return false;
+        }
+        highest = found;
+        bestParameters = std::move(parameters);
+        return true;
+    }
+
+    NearestNeighbourKriging::LeftOut sample;
+    std::vector<double> values;
+    double smallestNugget;
+    Parameters bestParameters;
+    double highest;
+};
+
 } // namespace
 
 NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double>& residuals,
@@ -67,11 +144,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
     }
 }
 
-/**
- * First a grid search over the nugget and a common factor of all lengths, then a coordinate search
- * with decreasing steps. Sundararajan, Keerthi: Predictive approaches for choosing
- * hyperparameters in Gaussian processes, Neural Computation 13 (2001).
- */
+/** Lengths and nugget of greatest leave-one-out density of the residuals of a sample. */
 Parameters NeighbourLayer::estimate(const Parameters& start) const
 {
     constexpr double firstStep = 2.0;
@@ -81,53 +154,12 @@ Parameters NeighbourLayer::estimate(const Parameters& start) const
     for (const std::size_t position : randomSubset(leftOut.size(), sizes.estimated)) {
         sample.push_back(leftOut[position]);
     }
-    const std::vector<double> values = at(sample, residuals);
-    const NearestNeighbourKriging::LeftOut leaveOneOut(*neighbours, sample);
-    const auto density = [&](const Parameters& parameters) {
-        const double found = logDensity(values, leaveOneOut.predict(parameters));
-        return std::isfinite(found) ? found : -std::numeric_limits<double>::infinity();
-    };
-
-    Parameters best = start;
-    double highest = density(best);
-    const auto isBetter = [&](Parameters parameters) {
-        parameters.nugget = std::max(parameters.nugget, smallestNugget);
-        const double found = density(parameters);
-        if (!(found > highest)) {
-            return false;
-        }
-        highest = found;
-        best = std::move(parameters);
-        return true;
-    };
-
-    for (const double factor : {0.05, 0.1, 0.2, 0.5, 1.0}) {
-        for (const double nugget : {1e-10, 1e-6, 1e-4, 1e-2, 0.1, 1.0}) {
-            Parameters parameters = start;
-            for (double& length : parameters.lengths) {
-                length *= factor;
-            }
-            parameters.nugget = nugget;
-            isBetter(parameters);
-        }
-    }
+    DensitySearch search(*neighbours, sample, residuals, start, smallestNugget);
+    search.tryGrid(start);
     for (double step = firstStep; step > lastStep; step = std::sqrt(step)) {
-        for (const double factor : {step, 1.0 / step}) {
-            Parameters parameters = best;
-            parameters.nugget *= factor * factor;
-            isBetter(parameters);
-        }
-        for (std::size_t k = 0; k < data.inputs; ++k) {
-            Parameters longer = best;
-            longer.lengths[k] *= step;
-            Parameters shorter = best;
-            shorter.lengths[k] /= step;
-            if (!isBetter(longer)) {
-                isBetter(shorter);
-            }
-        }
+        search.tryStep(step);
     }
-    return best;
+    return search.best();
 }
 
 double NeighbourLayer::error() const

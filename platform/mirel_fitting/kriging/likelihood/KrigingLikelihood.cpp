@@ -125,6 +125,8 @@ public:
     double normOfInverse() const;
     double logLikelihood();
     void differentiate();
+    std::vector<double> derivativesTimesAlpha();
+    void whitenAndProject(std::vector<double>& columns, std::size_t count) const;
 
     std::shared_ptr<const KrigingData> data;
     std::size_t n;
@@ -288,6 +290,39 @@ void KrigingLikelihood::Impl::differentiate()
     isDifferentiated = true;
 }
 
+/** Column k: the derivative of R by parameter k, lengths and last the nugget, times R^-1 r. */
+std::vector<double> KrigingLikelihood::Impl::derivativesTimesAlpha()
+{
+    differentiate();
+    std::vector<double> columns;
+    columns.reserve(n * (data->inputs + 1));
+    for (std::size_t k = 0; k < data->inputs; ++k) {
+        const double* column = derivatives.products.data() + k * correlation.productStride();
+        columns.insert(columns.end(), column, column + n);
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        columns.push_back(nugget / data->replicates[i] * alpha[i]);
+    }
+    return columns;
+}
+
+/** Whitens columns by L^-1, then projects out the trend. */
+void KrigingLikelihood::Impl::whitenAndProject(std::vector<double>& columns,
+                                               std::size_t count) const
+{
+    const int order = static_cast<int>(n);
+    const int width = static_cast<int>(count);
+    const int terms = static_cast<int>(p);
+    cholesky.solveLower(columns.data(), count);
+    std::vector<double> parts(p * count);
+    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, width, order, 1.0,
+                whitenedTrend.values().data(), order, columns.data(), order, 0.0, parts.data(),
+                terms);
+    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, width, terms, -1.0,
+                whitenedTrend.values().data(), order, parts.data(), terms, 1.0, columns.data(),
+                order);
+}
+
 KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data)
     : impl(std::make_unique<Impl>(std::move(data)))
 {}
@@ -327,38 +362,16 @@ void KrigingLikelihood::gradient(std::vector<double>& result)
 void KrigingLikelihood::averageInformation(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
-    const std::size_t n = impl->n;
     const std::size_t count = impl->data->inputs + 1;
-    const int order = static_cast<int>(n);
+    const int order = static_cast<int>(impl->n);
     const int columns = static_cast<int>(count);
-    const int terms = static_cast<int>(impl->p);
 
-    // Column k: the derivative of R by parameter k, times R^-1 r.
-    impl->differentiate();
-    std::vector<double> changes;
-    changes.reserve(n * count);
-    for (std::size_t k = 0; k + 1 < count; ++k) {
-        const double* column =
-            impl->derivatives.products.data() + k * impl->correlation.productStride();
-        changes.insert(changes.end(), column, column + n);
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        changes.push_back(impl->nugget / impl->data->replicates[i] * impl->alpha[i]);
-    }
+    std::vector<double> changes = impl->derivativesTimesAlpha();
     std::vector<double> slopes(count);
     for (std::size_t k = 0; k < count; ++k) {
-        slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * n, 1);
+        slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * impl->n, 1);
     }
-
-    // Whiten by L^-1, then project out the trend.
-    impl->cholesky.solveLower(changes.data(), count);
-    std::vector<double> parts(impl->p * count);
-    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, columns, order, 1.0,
-                impl->whitenedTrend.values().data(), order, changes.data(), order, 0.0,
-                parts.data(), terms);
-    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, columns, terms, -1.0,
-                impl->whitenedTrend.values().data(), order, parts.data(), terms, 1.0,
-                changes.data(), order);
+    impl->whitenAndProject(changes, count);
     result.assign(count * count, 0.0);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
                 changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
