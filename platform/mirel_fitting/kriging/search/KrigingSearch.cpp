@@ -136,15 +136,22 @@ void Search::searchFromAllStarts()
     }
 }
 
-/** If the standard starts converge to the same optimum, stop; otherwise race random ones. */
+/** If the standard starts converge to the same optimum of many cases, stop; otherwise take random
+ *  ones, too. */
 void Search::multiStart()
 {
     const std::vector<std::vector<double>> starts = variables.standardStarts();
     for (const std::vector<double>& start : starts) {
         optima.add(converged(start, variables.upper), *objective);
     }
-    const bool isOne = starts.size() > 1 && optima.size() == 1;
-    if (variables.lengths > 0 && !isOne) {
+    if (variables.lengths == 0) {
+        return;
+    }
+    if (taken <= policy.followedCases) {
+        for (const std::vector<double>& start : variables.randomStarts()) {
+            optima.add(converged(start, variables.upper), *objective);
+        }
+    } else if (starts.size() == 1 || optima.size() > 1) {
         race(variables.randomStarts());
     }
 }

@@ -193,8 +193,9 @@ TEST(KrigingSearch, KnowsNoSecondOptimumAtTheEndsOfOneRidge)
     data->terms = 3;
     data->trend.insert(data->trend.end(), data->coordinates.begin(), data->coordinates.end());
 
-    EXPECT_EQ(KrigingSearch::run(data, {}).secondLogLikelihood,
-              -std::numeric_limits<double>::infinity());
+    // The ends of the ridge are within 2 of each other; the optimum where all is noise is not.
+    const KrigingSearch::Result result = KrigingSearch::run(data, {});
+    EXPECT_LT(result.secondLogLikelihood, result.logLikelihood - 4.0);
 }
 
 TEST(KrigingSearch, SearchesFromGivenStartsAlone)
