@@ -124,9 +124,9 @@ PolynomialPredictor polynomialOf(const Description& description)
         scales.push_back({coordinate.origin, coordinate.unit});
     }
 
-    constexpr std::size_t mostTerms = 10000; // as of a response surface that is fitted
-    require(QuadraticBasis::termCount(inputs, order) <= mostTerms,
-            "its polynomial has more than " + std::to_string(mostTerms) + " terms.");
+    constexpr std::size_t maxTerms = 10000; // as of a response surface that is fitted
+    require(QuadraticBasis::termCount(inputs, order) <= maxTerms,
+            "its polynomial has more than " + std::to_string(maxTerms) + " terms.");
     const QuadraticBasis basis(inputs, order);
     PolynomialPredictor::Output output;
     output.constant = description.offset;

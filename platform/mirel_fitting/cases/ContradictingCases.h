@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-/** Cases that are distinct, but so near each other that no correlation tells them apart. */
+/** Distinct cases so near each other that their correlation is 1 up to rounding. */
 class ContradictingCases
 {
 public:

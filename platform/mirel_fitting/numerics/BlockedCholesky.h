@@ -31,7 +31,7 @@ public:
     int threads() const { return threadCount; }
 
     /** By columns; the caller writes the lower triangle, which factorise() replaces by the factor.
-     *  What is above the diagonal is undefined. */
+     *  The elements above the diagonal are undefined. */
     double* values() { return matrix.data(); }
     const double* values() const { return matrix.data(); }
 

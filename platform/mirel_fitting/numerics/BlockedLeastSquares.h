@@ -20,7 +20,7 @@ public:
      *  stays in a second-level cache. */
     static constexpr std::size_t rowsPerBlock = 512;
 
-    /** What decides whether a column of the design is worth keeping. */
+    /** The properties of a column of the design that decide whether it is kept. */
     struct Column
     {
         static constexpr std::size_t noParent = static_cast<std::size_t>(-1);

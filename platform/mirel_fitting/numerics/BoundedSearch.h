@@ -44,12 +44,12 @@ public:
         double firstRadius = 1.0;
         double largestRadius = 4.0;
         double smallestRadius = 0.1; ///< after a successful step
-        /** The box shrinks so often before a step is given up. */
+        /** Number of times that the box shrinks before a step is given up. */
         int maxTries = 12;
         int maxTriesOfLast = 3; ///< of finish()
-        /** Stop after so many steps in a row of less than the smallest gain: where the function is
-         *  flat but for rounding, the quadratic model keeps expecting more. Without this limit
-         *  likelihoods of few cases take a quarter more evaluations. */
+        /** Number of steps in a row with less than the smallest gain that stop the search: where
+         *  the function is flat but for rounding, the quadratic model keeps expecting more. Without
+         *  this limit likelihoods of few cases take a quarter more evaluations. */
         int maxStalls = 2;
     };
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** What a thread takes at a time. Fixed, so that the results do not depend on the number of
+/** Rows that a thread takes at a time. Fixed, so that the results do not depend on the number of
  *  threads; enough rows for the cost of merging two chunks not to count. */
 constexpr std::size_t rowsPerChunk = 32 * DesignPass::rowsPerBlock;
 

@@ -24,8 +24,8 @@ struct FitColumns
 
 /**
  * One thread's part of a pass over the cases: evaluates terms of the scaled inputs at one block of
- * rows after the other, so that the design matrix is never held as a whole. What is done with a
- * block is the derived class's.
+ * rows after the other, so that the design matrix is never held as a whole. Derived classes process
+ * the blocks.
  */
 class DesignPass : public OrderedChunks::Worker
 {

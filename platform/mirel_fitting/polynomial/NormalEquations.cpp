@@ -66,8 +66,8 @@ void NormalEquations::merge(const NormalEquations& other)
 
 bool NormalEquations::solve(Solution& solution) const
 {
-    // Of X'X with columns of length 1. What the other terms leave of one is then at least 3e-3 of
-    // it, and the squared condition number costs the factor at most five digits.
+    // Of X'X with columns of length 1. The component of a column orthogonal to the others is then
+    // at least 3e-3, and the squared condition number costs the factor at most five digits.
     constexpr double leastReciprocalCondition = 1e-5;
 
     const auto order = static_cast<lapack_int>(termCount);

@@ -38,7 +38,8 @@ public:
         std::vector<double> residuals;
     };
 
-    /** Of more cases, a sample of so many is kept: its memory must be small beside the data. */
+    /** The largest number of cases whose residuals and leverages are kept; of more cases, a sample
+     *  of this size, whose memory is small beside the data. */
     static constexpr std::size_t maxSampled = 100000;
 
     /** A term that equals a linear combination of kept terms at all cases. */

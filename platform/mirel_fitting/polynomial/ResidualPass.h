@@ -13,7 +13,7 @@ struct FactoredFit
     const std::vector<double>& coefficients;  ///< scaled; one per term, output by output
 };
 
-/** What a fit leaves at the cases, in units of the output's scale. */
+/** Residuals and leverages of a fit at its cases, in units of the output's scale. */
 struct FitResiduals
 {
     struct Output
@@ -35,7 +35,7 @@ class ResidualPass : public DesignPass
 public:
     /**
      * Everything is borrowed for life.
-     * @param sample ascending rows of which single values are wanted; empty: all rows.
+     * @param sample ascending rows whose single values are kept; empty: all rows.
      * @param result sized by the first pass constructed; the sums of all chunks are added to it.
      */
     ResidualPass(const FitColumns& columns, const FactoredFit& fit,

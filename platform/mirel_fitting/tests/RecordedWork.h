@@ -13,12 +13,12 @@ class RecordedWork
 public:
     /**
      * @param unit       of work(); at most a few of them can be counted.
-     * @param mostReports the report with this number throws std::runtime_error.
+     * @param maxReports the report with this number throws std::runtime_error.
      */
-    explicit RecordedWork(double unit = 1.0, int mostReports = std::numeric_limits<int>::max())
-        : progress([this, mostReports](double fraction, const std::string&) {
+    explicit RecordedWork(double unit = 1.0, int maxReports = std::numeric_limits<int>::max())
+        : progress([this, maxReports](double fraction, const std::string&) {
               lastFraction = fraction;
-              if (++count == mostReports) {
+              if (++count == maxReports) {
                   throw std::runtime_error("enough");
               }
               return true;

@@ -47,7 +47,7 @@ public:
     static bool isPureErrorNegligible(const KrigingFitInput& input, const KrigingData& data,
                                       const KrigingSearchResult& found);
 
-    /** Whether lengths and nugget are estimated from a subset of so many cases. */
+    /** Whether lengths and nugget of this number of cases are estimated from a subset. */
     static bool usesSubset(const KrigingSizes& sizes, std::size_t cases);
 
 private:

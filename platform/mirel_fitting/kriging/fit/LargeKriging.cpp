@@ -105,6 +105,27 @@ void addUncertaintyOfSubset(Result& result, const NeighbourLayer& layer)
     }
 }
 
+/**
+ * Of the subset's model with its residuals corrected, the trend with its residuals corrected, and
+ * the subset's model alone, the one with the smallest errors at the measured cases.
+ * @param residuals of the subset's model, at all cases.
+ */
+void chooseLayers(Result& result, const NeighbourLayer& ofModel, const NeighbourLayer& ofTrend,
+                  const std::vector<double>& residuals)
+{
+    if (ofModel.error() < result.subsetError && ofModel.error() <= ofTrend.error()) {
+        use(result, ofModel);
+        addUncertaintyOfSubset(result, ofModel);
+    } else if (ofTrend.error() < result.subsetError) {
+        use(result, ofTrend);
+        result.subset.weights.clear();
+    } else {
+        result.leaveOneOutResiduals = at(result.measured, residuals);
+        result.residuals = result.leaveOneOutResiduals;
+        result.error = result.subsetError;
+    }
+}
+
 } // namespace
 
 LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>& data,
@@ -138,22 +159,12 @@ LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>&
         return NeighbourLayer(*data, values, result.measured, start, settings.smallestNugget,
                               {sizes.neighbours, sizes.estimated});
     };
-    const NeighbourLayer second = layerOf(residuals, 0.5, 0.75);
-    const NeighbourLayer local = layerOf(trendResiduals, 0.75, 0.95);
+    const NeighbourLayer ofModel = layerOf(residuals, 0.5, 0.75);
+    const NeighbourLayer ofTrend = layerOf(trendResiduals, 0.75, 0.95);
 
     const FitProgress::Portion portion(0.95, 1.0, "Leaving out cases",
                                        2.0 * static_cast<double>(result.measured.size()));
-    if (second.error() < result.subsetError && second.error() <= local.error()) {
-        use(result, second);
-        addUncertaintyOfSubset(result, second);
-    } else if (local.error() < result.subsetError) {
-        use(result, local);
-        result.subset.weights.clear();
-    } else {
-        result.leaveOneOutResiduals = at(result.measured, residuals);
-        result.residuals = result.leaveOneOutResiduals;
-        result.error = result.subsetError;
-    }
+    chooseLayers(result, ofModel, ofTrend, residuals);
     return result;
 }
 

@@ -31,7 +31,8 @@ std::vector<std::size_t> chooseSubset(const KrigingFitInput& input, const Krigin
     return spaceFillingSubset(all, input.options.sizes.subset);
 }
 
-/** Again with averaged replicates, if they turn out to differ by next to nothing. */
+/** Runs a second time with averaged replicates, if the first shows that their pure error is
+ *  negligible. */
 LargeFit runLargeKriging(const KrigingFitInput& input, std::shared_ptr<const KrigingData> all,
                          const std::vector<std::size_t>& indices,
                          const std::shared_ptr<KrigingData>& subset,

@@ -40,7 +40,7 @@ public:
 
     /**
      * @param metric correlation lengths that decide which cases are near.
-     * @param neighbours at most so many are used.
+     * @param neighbours number of cases that a prediction uses at most.
      */
     NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
     ~NearestNeighbourKriging();
