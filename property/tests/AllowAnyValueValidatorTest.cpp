@@ -43,7 +43,7 @@ TEST(AllowAnyValueValidator, SharesItsInterfaceWithOtherBases)
     EXPECT_TRUE(interface.validate(7).isValid());
 }
 
-TEST(ValidatorInterface, ListsValidateBeforeTheDestructor)
+TEST(AllowAnyValueValidatorInterface, ListsValidateBeforeTheDestructor)
 {
     EXPECT_TRUE(isVirtualSlot(&veska::ValidatorInterface<int>::validate, 0));
 }

@@ -28,22 +28,22 @@ Values distributed(std::pair<double, double> range, std::size_t count)
     return values;
 }
 
-TEST(DistributedPoints, AreEvenlySpacedWithBothEnds)
+TEST(InterpolationVariablesAbstractPoints, AreEvenlySpacedWithBothEnds)
 {
     EXPECT_EQ(distributed({0, 10}, 5), (Values{0, 2.5, 5, 7.5, 10}));
 }
 
-TEST(DistributedPoints, MayDescend)
+TEST(InterpolationVariablesAbstractPoints, MayDescend)
 {
     EXPECT_EQ(distributed({10, 0}, 3), (Values{10, 5, 0}));
 }
 
-TEST(DistributedPoints, GiveNothingForNoPoint)
+TEST(InterpolationVariablesAbstractPoints, GiveNothingForNoPoint)
 {
     EXPECT_TRUE(distributed({0, 10}, 0).empty());
 }
 
-TEST(DistributedPoints, GiveNaNForOnePoint)
+TEST(InterpolationVariablesAbstractPoints, GiveNaNForOnePoint)
 {
     for (const std::pair<double, double>& range : {std::pair<double, double>{0, 10}, {5, 5}}) {
         const Values values = distributed(range, 1);
@@ -52,12 +52,12 @@ TEST(DistributedPoints, GiveNaNForOnePoint)
     }
 }
 
-TEST(DistributedPoints, RepeatTheValueOfARangeWithoutWidth)
+TEST(InterpolationVariablesAbstractPoints, RepeatTheValueOfARangeWithoutWidth)
 {
     EXPECT_EQ(distributed({5, 5}, 3), (Values{5, 5, 5}));
 }
 
-TEST(DistributedPoints, AreTheLowEndPlusIStepsTheLastOneToo)
+TEST(InterpolationVariablesAbstractPoints, AreTheLowEndPlusIStepsTheLastOneToo)
 {
     const double step = 0.3 / 3.0;
     EXPECT_EQ(distributed({0, 0.3}, 4), (Values{0.0, step, 2.0 * step, 3.0 * step}));
@@ -66,7 +66,7 @@ TEST(DistributedPoints, AreTheLowEndPlusIStepsTheLastOneToo)
     EXPECT_EQ(distributed({0, 1}, 11)[6], 0.6000000000000001);
 }
 
-TEST(DistributedPoints, CanMissTheHighEndByRounding)
+TEST(InterpolationVariablesAbstractPoints, CanMissTheHighEndByRounding)
 {
     // 49 steps of 1/49 are not 1 in double: the last value is computed like the others.
     const Values values = distributed({0, 1}, 50);
@@ -77,7 +77,7 @@ TEST(DistributedPoints, CanMissTheHighEndByRounding)
     EXPECT_NEAR(values.back(), 1.0, std::numeric_limits<double>::epsilon());
 }
 
-TEST(DistributedPoints, ComeAfterWhatTheVectorHolds)
+TEST(InterpolationVariablesAbstractPoints, ComeAfterWhatTheVectorHolds)
 {
     Values values = {9};
 
@@ -86,7 +86,7 @@ TEST(DistributedPoints, ComeAfterWhatTheVectorHolds)
     EXPECT_EQ(values, (Values{9, 0, 1}));
 }
 
-TEST(DistributedPoints, ReserveTheirCountWhereTheVectorHasLess)
+TEST(InterpolationVariablesAbstractPoints, ReserveTheirCountWhereTheVectorHasLess)
 {
     Values empty;
     DistributedPoints({0, 1}, 100).get(empty);
@@ -98,7 +98,7 @@ TEST(DistributedPoints, ReserveTheirCountWhereTheVectorHasLess)
     EXPECT_EQ(roomy.capacity(), 1000u);
 }
 
-TEST(DistributedPoints, ReserveNothingForWhatTheVectorHoldsAlready)
+TEST(InterpolationVariablesAbstractPoints, ReserveNothingForWhatTheVectorHoldsAlready)
 {
     Values values;
     values.reserve(50);
@@ -111,7 +111,7 @@ TEST(DistributedPoints, ReserveNothingForWhatTheVectorHoldsAlready)
     EXPECT_GT(values.capacity(), 150u);
 }
 
-TEST(DistributedPoints, GiveWhatNonFiniteRangesCompute)
+TEST(InterpolationVariablesAbstractPoints, GiveWhatNonFiniteRangesCompute)
 {
     const double infinity = std::numeric_limits<double>::infinity();
 
@@ -123,7 +123,7 @@ TEST(DistributedPoints, GiveWhatNonFiniteRangesCompute)
     EXPECT_TRUE(std::isnan(noNumber[1]));
 }
 
-TEST(DistributedPoints, ImplementTheInterface)
+TEST(InterpolationVariablesAbstractPoints, ImplementTheInterface)
 {
     const std::unique_ptr<InterpolationPointsInterface> points =
         std::make_unique<DistributedPoints>(std::pair<double, double>{0, 1}, 2);

@@ -123,14 +123,15 @@ constexpr double rounding = 1e-6;
 
 } // namespace
 
-class BothModels : public SurrogateModelManagerFittedTest,
-                   public ::testing::WithParamInterface<SurrogateModelManagerInterface::ModelType>
+class SurrogateModelManagerFittedByBoth
+    : public SurrogateModelManagerFittedTest,
+      public ::testing::WithParamInterface<SurrogateModelManagerInterface::ModelType>
 {
 protected:
-    BothModels() { manager->type()->set(GetParam()); }
+    SurrogateModelManagerFittedByBoth() { manager->type()->set(GetParam()); }
 };
 
-TEST_P(BothModels, PredictTheOutputsOverTheSweptValues)
+TEST_P(SurrogateModelManagerFittedByBoth, PredictTheOutputsOverTheSweptValues)
 {
     sweep(x, 0, 7, 3);
 
@@ -142,7 +143,8 @@ TEST_P(BothModels, PredictTheOutputsOverTheSweptValues)
     EXPECT_NEAR(values[2], 7.0, rounding);
 }
 
-TEST_P(BothModels, PutOutputsUnderTheirNamesWhenProjectOrderIsNotCreationOrder)
+TEST_P(SurrogateModelManagerFittedByBoth,
+       PutOutputsUnderTheirNamesWhenProjectOrderIsNotCreationOrder)
 {
     project->moveVariable(y2, 0);
     variables->dependents = {y1, y2};
@@ -157,7 +159,7 @@ TEST_P(BothModels, PutOutputsUnderTheirNamesWhenProjectOrderIsNotCreationOrder)
     EXPECT_NEAR(second[1], 104.0, rounding);
 }
 
-TEST_P(BothModels, AnswerForCleanOutputsBesideDirtyOnes)
+TEST_P(SurrogateModelManagerFittedByBoth, AnswerForCleanOutputsBesideDirtyOnes)
 {
     project->setValue(project->record(1), y2, missing);
     SurrogateModelInterface& clean = manager->model(std::set<VarPtr>{y1});
@@ -168,7 +170,7 @@ TEST_P(BothModels, AnswerForCleanOutputsBesideDirtyOnes)
     EXPECT_NEAR(valueAt(dirty, 1, 2.5), 102.5, rounding);
 }
 
-TEST_P(BothModels, StayUsableWhenARefitHasNoCases)
+TEST_P(SurrogateModelManagerFittedByBoth, StayUsableWhenARefitHasNoCases)
 {
     SurrogateModelInterface& held = manager->model(std::set<VarPtr>{y1});
     const double before = valueAt(held, 0, 2.5);
@@ -187,7 +189,7 @@ TEST_P(BothModels, StayUsableWhenARefitHasNoCases)
     EXPECT_EQ(stale.qualityMetricInformation(0), textBefore);
 }
 
-TEST_P(BothModels, ReportAModelThatCannotBeFittedAlsoWithoutDependents)
+TEST_P(SurrogateModelManagerFittedByBoth, ReportAModelThatCannotBeFittedAlsoWithoutDependents)
 {
     variables->dependents.clear();
     includeAll(false);
@@ -195,7 +197,7 @@ TEST_P(BothModels, ReportAModelThatCannotBeFittedAlsoWithoutDependents)
     EXPECT_EQ(errorAfterUpdate(), notEnoughCases);
 }
 
-TEST_P(BothModels, LeaveTheOnlyRowUnsetWithoutIndependentVariables)
+TEST_P(SurrogateModelManagerFittedByBoth, LeaveTheOnlyRowUnsetWithoutIndependentVariables)
 {
     manager->independentVars()->set({});
 
@@ -205,7 +207,7 @@ TEST_P(BothModels, LeaveTheOnlyRowUnsetWithoutIndependentVariables)
     EXPECT_TRUE(std::isnan(values[0]));
 }
 
-TEST_P(BothModels, RefuseAListWithEntriesThatAreNoInputs)
+TEST_P(SurrogateModelManagerFittedByBoth, RefuseAListWithEntriesThatAreNoInputs)
 {
     manager->independentVars()->set({y2, x});
 
@@ -213,7 +215,7 @@ TEST_P(BothModels, RefuseAListWithEntriesThatAreNoInputs)
     EXPECT_EQ(filter->GetOutput()->GetNumberOfRows(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Types, BothModels,
+INSTANTIATE_TEST_SUITE_P(Types, SurrogateModelManagerFittedByBoth,
                          ::testing::Values(SurrogateModelManagerInterface::Kriging,
                                            SurrogateModelManagerInterface::ResponseSurface));
 

@@ -58,11 +58,11 @@ struct MinimumAndText
     const char* text;
 };
 
-class DefaultEvaluationPoint : public SurrogateModelManagerPropertiesTest,
-                               public ::testing::WithParamInterface<MinimumAndText>
+class SurrogateModelManagerPropertiesPoint : public SurrogateModelManagerPropertiesTest,
+                                             public ::testing::WithParamInterface<MinimumAndText>
 {};
 
-TEST_P(DefaultEvaluationPoint, IsTheMinimumWithSixSignificantDigits)
+TEST_P(SurrogateModelManagerPropertiesPoint, IsTheMinimumWithSixSignificantDigits)
 {
     const VarPtr variable = addInputWithRange("x3", GetParam().minimum, 1e300);
 
@@ -73,7 +73,7 @@ TEST_P(DefaultEvaluationPoint, IsTheMinimumWithSixSignificantDigits)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Minima, DefaultEvaluationPoint,
+    Minima, SurrogateModelManagerPropertiesPoint,
     ::testing::Values(MinimumAndText{-3.5, "-3.5"}, MinimumAndText{1234567.0, "1.23457e+06"},
                       MinimumAndText{0.0001, "0.0001"}, MinimumAndText{0.00001, "1e-05"},
                       MinimumAndText{-0.0, "0"}, MinimumAndText{100000.0, "100000"}));

@@ -16,9 +16,12 @@ std::string withoutTimes(const std::string& text)
 {
     return std::regex_replace(text, std::regex(" +\\S+\n  (Kriging|Use|There)"), "\n  $1");
 }
+
+class CompareCommand : public Program
+{};
 } // namespace
 
-TEST_F(Program, CompareHoldsBothModelsAgainstTheSameCases)
+TEST_F(CompareCommand, CompareHoldsBothModelsAgainstTheSameCases)
 {
     const Outcome outcome = run("compare cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity");
 
@@ -34,7 +37,7 @@ TEST_F(Program, CompareHoldsBothModelsAgainstTheSameCases)
     EXPECT_EQ(outcome.err, "");
 }
 
-TEST_F(Program, CompareComesToTheSameOnAnyNumberOfThreads)
+TEST_F(CompareCommand, CompareComesToTheSameOnAnyNumberOfThreads)
 {
     const std::string one = withoutTimes(run("compare cvd.csv -y Stress --threads 1").out);
     const std::string two = withoutTimes(run("compare cvd.csv -y Stress --threads 2").out);
@@ -43,7 +46,7 @@ TEST_F(Program, CompareComesToTheSameOnAnyNumberOfThreads)
     EXPECT_NE(one.find("Kriging"), std::string::npos);
 }
 
-TEST_F(Program, CompareAsJson)
+TEST_F(CompareCommand, CompareAsJson)
 {
     const Outcome outcome = run("compare cvd.csv -x Pressure,H2/WF6 -y Stress --folds 11 --json");
 
@@ -54,7 +57,7 @@ TEST_F(Program, CompareAsJson)
     EXPECT_EQ(json["outputs"][0]["models"][1]["model"], "kriging");
 }
 
-TEST_F(Program, CompareWritesIntoAFileAndKeepsTheChoices)
+TEST_F(CompareCommand, CompareWritesIntoAFileAndKeepsTheChoices)
 {
     const Outcome outcome =
         run("compare plane.csv -y y -o compared.txt --save plane.surrogate.xml");
@@ -65,7 +68,7 @@ TEST_F(Program, CompareWritesIntoAFileAndKeepsTheChoices)
     EXPECT_EQ(run("compare plane.surrogate.xml").exitCode, 0);
 }
 
-TEST_F(Program, CompareRefusesWhatItCannotDo)
+TEST_F(CompareCommand, CompareRefusesWhatItCannotDo)
 {
     expectFailure("compare cvd.csv -y Stress -m kriging", 2,
                   "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "

@@ -16,9 +16,12 @@ std::size_t occurrences(const std::string& text, const std::string& part)
     }
     return count;
 }
+
+class FitReport : public Program
+{};
 } // namespace
 
-TEST_F(Program, FitWritesAPageWithPictures)
+TEST_F(FitReport, FitWritesAPageWithPictures)
 {
     const Outcome outcome =
         run("fit cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity --report fit.html");
@@ -34,7 +37,7 @@ TEST_F(Program, FitWritesAPageWithPictures)
     EXPECT_EQ(occurrences(html, "href="), 0u);
 }
 
-TEST_F(Program, TheSameFitWritesTheSamePage)
+TEST_F(FitReport, TheSameFitWritesTheSamePage)
 {
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report one.html");
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report two.html");
@@ -43,7 +46,7 @@ TEST_F(Program, TheSameFitWritesTheSamePage)
     EXPECT_EQ(folder.read("one.html"), folder.read("two.html"));
 }
 
-TEST_F(Program, ThePageReplacesNothingThatIsNeeded)
+TEST_F(FitReport, ThePageReplacesNothingThatIsNeeded)
 {
     expectFailure("fit cvd.csv -y Stress --report cvd.csv", 2,
                   "The report would replace \"cvd.csv\", which is read; name another file.");
@@ -56,7 +59,7 @@ TEST_F(Program, ThePageReplacesNothingThatIsNeeded)
     EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);
 }
 
-TEST_F(Program, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
+TEST_F(FitReport, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
 {
     folder.write("huge.csv", "x,z,y\n0,0,1e308\n1,0,-1.5e308\n0,1,1.2e308\n2,1,4e307\n1,2,1e308\n"
                              "3,3,-1e308\n");
@@ -70,7 +73,7 @@ TEST_F(Program, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
     EXPECT_EQ(occurrences(html, "<svg "), 0u);
 }
 
-TEST_F(Program, AHugeInputIsNotSweptOnThePageButTheOthersAre)
+TEST_F(FitReport, AHugeInputIsNotSweptOnThePageButTheOthersAre)
 {
     folder.write("far.csv", "x,z,y\n0,0,1\n1e308,0,3\n0,1,0\n1.7e308,1,4\n1e308,2,1\n"
                             "0.5e308,3,4\n");

@@ -15,10 +15,10 @@ struct Interrupted
     const char* arguments;
 };
 
-class InterruptedProgram : public Program, public ::testing::WithParamInterface<Interrupted>
+class InterruptionOfCommands : public Program, public ::testing::WithParamInterface<Interrupted>
 {
 protected:
-    InterruptedProgram()
+    InterruptionOfCommands()
     {
         // Thousands of cases: the fit takes seconds, and the signal comes in its middle.
         std::mt19937_64 random(7);
@@ -36,9 +36,12 @@ protected:
         folder.write("many.csv", cases);
     }
 };
+
+class Interruption : public Program
+{};
 } // namespace
 
-TEST_P(InterruptedProgram, LeavesNothingBehind)
+TEST_P(InterruptionOfCommands, LeavesNothingBehind)
 {
     folder.write("old.txt", "old");
     const std::size_t before = (run("--version"), folder.fileCount());
@@ -54,7 +57,7 @@ TEST_P(InterruptedProgram, LeavesNothingBehind)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Commands, InterruptedProgram,
+    Commands, InterruptionOfCommands,
     ::testing::Values(
         Interrupted{"Fit", "fit many.csv -y y -m kriging -o old.txt --save many.surrogate.xml"},
         Interrupted{"FitToTheStandardOutput", "fit many.csv -y y -m kriging --json"},
@@ -65,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
         Interrupted{"Export", "export many.csv -y y -m kriging --format json -o old.txt"}),
     [](const auto& interrupted) { return std::string(interrupted.param.name); });
 
-TEST_F(Program, CtrlCEndsAPredictionAtOnce)
+TEST_F(Interruption, CtrlCEndsAPredictionAtOnce)
 {
     // A quick fit, and standard errors at so many points that they take minutes: who waits for
     // them is killed.

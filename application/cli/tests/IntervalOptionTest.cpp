@@ -9,9 +9,12 @@
 
 namespace {
 using Json = nlohmann::json;
+
+class IntervalOption : public Program
+{};
 } // namespace
 
-TEST_F(Program, EvaluateAddsLimitsBehindEachOutput)
+TEST_F(IntervalOption, EvaluateAddsLimitsBehindEachOutput)
 {
     for (const std::string model : {"response-surface", "kriging"}) {
         const Outcome outcome = run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity "
@@ -31,7 +34,7 @@ TEST_F(Program, EvaluateAddsLimitsBehindEachOutput)
     }
 }
 
-TEST_F(Program, PredictAddsLimitsBehindEachPrediction)
+TEST_F(IntervalOption, PredictAddsLimitsBehindEachPrediction)
 {
     folder.write("points.csv", "H2/WF6,Pressure,note\n6,42,middle\n6,,none\n");
 
@@ -45,7 +48,7 @@ TEST_F(Program, PredictAddsLimitsBehindEachPrediction)
     EXPECT_EQ(lines[2], "6,,none,,,") << "empty where an input is missing";
 }
 
-TEST_F(Program, LimitsThatDoNotExistAreEmptyAndSaidToBe)
+TEST_F(IntervalOption, LimitsThatDoNotExistAreEmptyAndSaidToBe)
 {
     const Outcome outcome = run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress "
                                 "--exclude 4-6,10,11 --interval 95");
@@ -59,7 +62,7 @@ TEST_F(Program, LimitsThatDoNotExistAreEmptyAndSaidToBe)
         << outcome.err;
 }
 
-TEST_F(Program, IntervalNeedsAPercentage)
+TEST_F(IntervalOption, IntervalNeedsAPercentage)
 {
     for (const std::string text : {"0", "100", "-5", "nan", "95%", "1e3"}) {
         expectFailure("evaluate cvd.csv -y Stress --interval='" + text + "'", 2,
@@ -68,13 +71,13 @@ TEST_F(Program, IntervalNeedsAPercentage)
     }
 }
 
-TEST_F(Program, IntervalBelongsToTables)
+TEST_F(IntervalOption, IntervalBelongsToTables)
 {
     expectFailure("fit cvd.csv -y Stress --interval 95", 2,
                   "--interval belongs to the commands evaluate and predict.");
 }
 
-TEST_F(Program, LimitsDoNotTakeTheNamesOfOtherColumns)
+TEST_F(IntervalOption, LimitsDoNotTakeTheNamesOfOtherColumns)
 {
     folder.write("names.csv", "x,y lower,y\n1,2,3\n2,3,5\n3,5,6\n4,4,4\n");
     expectFailure("evaluate names.csv -y y --interval 95", 2,

@@ -10,9 +10,12 @@ namespace {
 const std::string sweep = "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity --count Pressure=20 ";
 const std::string contour =
     "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity --count Pressure=9 --count H2/WF6=9 ";
+
+class PlotCommand : public Program
+{};
 } // namespace
 
-TEST_F(Program, PlotWritesAPictureAndNothingElse)
+TEST_F(PlotCommand, PlotWritesAPictureAndNothingElse)
 {
     for (const std::string name : {"picture.svg", "picture.png", "picture.pdf"}) {
         const Outcome plot = run(sweep + "--at H2/WF6=6 --kind sweep -q -o " + name);
@@ -25,7 +28,7 @@ TEST_F(Program, PlotWritesAPictureAndNothingElse)
     EXPECT_NE(folder.read("picture.svg").find(">Pressure</text>"), std::string::npos);
 }
 
-TEST_F(Program, PlotShowsEachOutputOfBothModels)
+TEST_F(PlotCommand, PlotShowsEachOutputOfBothModels)
 {
     for (const std::string model : {"kriging", "response-surface"}) {
         for (const std::string kind : {"actual", "residuals"}) {
@@ -40,7 +43,7 @@ TEST_F(Program, PlotShowsEachOutputOfBothModels)
     }
 }
 
-TEST_F(Program, PlotNeedsNoDisplay)
+TEST_F(PlotCommand, PlotNeedsNoDisplay)
 {
     EXPECT_EQ(run(contour + "--kind contour -o with.svg").exitCode, 0);
     // env would hand the arguments of the fixture's command to itself.
@@ -54,7 +57,7 @@ TEST_F(Program, PlotNeedsNoDisplay)
     EXPECT_EQ(folder.read("without.svg"), folder.read("with.svg"));
 }
 
-TEST_F(Program, PlotSaysWhenThePlatformCannotDraw)
+TEST_F(PlotCommand, PlotSaysWhenThePlatformCannotDraw)
 {
     const Outcome plot =
         run("--version > /dev/null; QT_QPA_PLATFORM=nowhere '" SURROGATE_PROGRAM "' " + contour +
@@ -65,7 +68,7 @@ TEST_F(Program, PlotSaysWhenThePlatformCannotDraw)
                         "QT_QPA_PLATFORM unset or set it to offscreen.\n");
 }
 
-TEST_F(Program, PlotSaysWhenThereIsNoFont)
+TEST_F(PlotCommand, PlotSaysWhenThereIsNoFont)
 {
     const std::string fonts =
         folder.write("fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM "
@@ -80,7 +83,7 @@ TEST_F(Program, PlotSaysWhenThereIsNoFont)
     EXPECT_EQ(folder.read("picture.svg"), "");
 }
 
-TEST_F(Program, PlotRefusesWhatItCannotDo)
+TEST_F(PlotCommand, PlotRefusesWhatItCannotDo)
 {
     expectFailure(sweep + "-o picture.svg", 2,
                   "A picture needs a kind: --kind with one of sweep, contour, actual, residuals, "
@@ -116,7 +119,7 @@ TEST_F(Program, PlotRefusesWhatItCannotDo)
     expectFailure("fit cvd.csv -y Stress --kind sweep", 2, "--kind belongs to the command plot.");
 }
 
-TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
+TEST_F(PlotCommand, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
 {
     const std::string plot = "plot cvd.csv -x Pressure,H2/WF6 -y Uniformity -o picture.svg -q ";
     const auto named = [&] { return folder.read("picture.svg"); };
@@ -138,7 +141,7 @@ TEST_F(Program, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
                   "\"Stress\" is no input, so that it takes no values.");
 }
 
-TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)
+TEST_F(PlotCommand, PlotKeepsTheOldPictureWhenItFails)
 {
     folder.write("picture.svg", "the old one");
 
@@ -146,7 +149,7 @@ TEST_F(Program, PlotKeepsTheOldPictureWhenItFails)
     EXPECT_EQ(folder.read("picture.svg"), "the old one");
 }
 
-TEST_F(Program, PlotDrawsWhatAProjectSweeps)
+TEST_F(PlotCommand, PlotDrawsWhatAProjectSweeps)
 {
     ASSERT_EQ(
         run("evaluate " + contour.substr(5) + "--save cvd.surrogate.xml -o table.csv").exitCode, 0);

@@ -14,9 +14,12 @@ const std::string cases = " cvd.csv -x Pressure,H2/WF6 -y Uniformity ";
 
 const std::string warning = "AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were left "
                             "out.";
+
+class TermSelectionOption : public Program
+{};
 } // namespace
 
-TEST_F(Program, FitKeepsAllTermsUnlessAskedToSelect)
+TEST_F(TermSelectionOption, FitKeepsAllTermsUnlessAskedToSelect)
 {
     const Json whole = Json::parse(run("fit" + cases + "--json").out)["outputs"][0];
     EXPECT_EQ(whole["droppedTerms"], Json::array());
@@ -29,7 +32,7 @@ TEST_F(Program, FitKeepsAllTermsUnlessAskedToSelect)
     EXPECT_LT(selected["metrics"]["aicc"], whole["metrics"]["aicc"]);
 }
 
-TEST_F(Program, SelectedTermsHoldForWhateverTheModelIsUsedFor)
+TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 {
     folder.write("points.csv", "Pressure,H2/WF6\n10,3\n");
     const std::string named = "Warning for Uniformity: " + warning + "\n";
@@ -60,7 +63,7 @@ TEST_F(Program, SelectedTermsHoldForWhateverTheModelIsUsedFor)
     EXPECT_EQ(plotted.err, named);
 }
 
-TEST_F(Program, ProjectsKeepTheSelectionUntilItIsTakenBack)
+TEST_F(TermSelectionOption, ProjectsKeepTheSelectionUntilItIsTakenBack)
 {
     const std::string project = "study.surrogate.xml";
     const auto dropped = [&](const std::string& options) {
@@ -76,7 +79,7 @@ TEST_F(Program, ProjectsKeepTheSelectionUntilItIsTakenBack)
     EXPECT_EQ(dropped(""), 0u);
 }
 
-TEST_F(Program, ASelectionIsKeptWhileAProjectTakesKriging)
+TEST_F(TermSelectionOption, ASelectionIsKeptWhileAProjectTakesKriging)
 {
     const std::string project = "study.surrogate.xml";
     ASSERT_EQ(run("fit" + cases + "--select-terms --save " + project).exitCode, 0);
@@ -91,7 +94,7 @@ TEST_F(Program, ASelectionIsKeptWhileAProjectTakesKriging)
     EXPECT_NE(again.out.find(warning), std::string::npos) << again.out;
 }
 
-TEST_F(Program, CompareSelectsTermsInEachFold)
+TEST_F(TermSelectionOption, CompareSelectsTermsInEachFold)
 {
     const std::string project = "study.surrogate.xml";
     ASSERT_EQ(run("summary" + cases + "-m kriging --save " + project).exitCode, 0);
@@ -115,14 +118,15 @@ TEST_F(Program, CompareSelectsTermsInEachFold)
     EXPECT_EQ(q2(selected, 1), q2(whole, 1));
 }
 
-TEST_F(Program, TermsAreChosenOfAResponseSurfaceThatIsFitted)
+TEST_F(TermSelectionOption, TermsAreChosenOfAResponseSurfaceThatIsFitted)
 {
     expectFailure(
         "fit" + cases + "-m kriging --select-terms", 2,
         "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
         "out -m kriging.");
-    expectFailure("fit" + cases + "--all-terms --select-terms", 2,
-                  "--select-terms excludes --all-terms; surrogate COMMAND --help lists the options.");
+    expectFailure(
+        "fit" + cases + "--all-terms --select-terms", 2,
+        "--select-terms excludes --all-terms; surrogate COMMAND --help lists the options.");
     for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
         expectFailure(command + "--select-terms", 2,
                       "--select-terms belongs to the commands summary, fit, evaluate, predict, "
@@ -134,7 +138,7 @@ TEST_F(Program, TermsAreChosenOfAResponseSurfaceThatIsFitted)
         "model, fitted already.");
 }
 
-TEST_F(Program, ThePolynomialIsOfTheTermsThatAreAskedFor)
+TEST_F(TermSelectionOption, ThePolynomialIsOfTheTermsThatAreAskedFor)
 {
     const auto terms = [&](const std::string& options) {
         const Json fit = Json::parse(run("fit" + cases + "--json " + options).out);
@@ -161,7 +165,7 @@ TEST_F(Program, ThePolynomialIsOfTheTermsThatAreAskedFor)
                   "leave out -m kriging.");
 }
 
-TEST_F(Program, ProjectsKeepThePolynomialUntilAnotherIsAskedFor)
+TEST_F(TermSelectionOption, ProjectsKeepThePolynomialUntilAnotherIsAskedFor)
 {
     const std::string project = "study.surrogate.xml";
     const auto terms = [&](const std::string& options) {
@@ -175,7 +179,7 @@ TEST_F(Program, ProjectsKeepThePolynomialUntilAnotherIsAskedFor)
     EXPECT_EQ(terms(""), 6);
 }
 
-TEST_F(Program, CompareTakesThePolynomialThatIsAskedFor)
+TEST_F(TermSelectionOption, CompareTakesThePolynomialThatIsAskedFor)
 {
     const Json linear = Json::parse(run("compare plane.csv -y y --terms linear --json").out);
 

@@ -28,10 +28,10 @@ std::string descriptionOf(const testing::TestParamInfo<NamedText>& info)
     return info.param.description;
 }
 
-struct AcceptedName : testing::TestWithParam<NamedText>
+struct ProjectNamesAccepted : testing::TestWithParam<NamedText>
 {};
 
-struct RefusedName : testing::TestWithParam<NamedText>
+struct ProjectNamesRefused : testing::TestWithParam<NamedText>
 {};
 
 /** What the refusal says; the project must stay as it was. */
@@ -55,7 +55,7 @@ std::string refusalOf(Project& project, const std::string& name)
 
 } // namespace
 
-TEST_P(AcceptedName, IsKeptByteForByte)
+TEST_P(ProjectNamesAccepted, IsKeptByteForByte)
 {
     Project project;
     const VarPtr variable = project.addTextVariable(GetParam().name, Variable::Unassigned);
@@ -63,7 +63,7 @@ TEST_P(AcceptedName, IsKeptByteForByte)
     EXPECT_EQ(project.variable(GetParam().name), variable);
 }
 
-INSTANTIATE_TEST_SUITE_P(ProjectNames, AcceptedName,
+INSTANTIATE_TEST_SUITE_P(ProjectNames, ProjectNamesAccepted,
                          testing::Values(NamedText{"PlainText", "Pressure", ""},
                                          NamedText{"OneBlank", " ", ""},
                                          NamedText{"MarkupCharacters", "<a href=\"x\">&'</a>", ""},
@@ -82,14 +82,14 @@ INSTANTIATE_TEST_SUITE_P(ProjectNames, AcceptedName,
                                          NamedText{"LastCharacter", "\xF4\x8F\xBF\xBD", ""}),
                          descriptionOf);
 
-TEST_P(RefusedName, IsNamedInTheMessageAndLeavesNoTrace)
+TEST_P(ProjectNamesRefused, IsNamedInTheMessageAndLeavesNoTrace)
 {
     Project project;
     EXPECT_EQ(refusalOf(project, GetParam().name), GetParam().message);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    ProjectNames, RefusedName,
+    ProjectNames, ProjectNamesRefused,
     testing::Values(
         NamedText{"Empty", "", "A variable needs a name, but the name given is empty."},
         NamedText{"StrayByte",

@@ -61,13 +61,13 @@ TEST(Project, IsNotCopyable)
     EXPECT_FALSE(std::is_copy_assignable<Project>::value);
 }
 
-TEST(OpenProject, IsThereFromTheStartAndEmpty)
+TEST(ProjectOpen, IsThereFromTheStartAndEmpty)
 {
     ASSERT_NE(Project::project(), nullptr);
     EXPECT_TRUE(Project::project()->variables().empty());
 }
 
-TEST(OpenProject, IsTheOneThatWasOpenedLast)
+TEST(ProjectOpen, IsTheOneThatWasOpenedLast)
 {
     const auto project = boost::make_shared<Project>();
     Project::setProject(project);
@@ -75,7 +75,7 @@ TEST(OpenProject, IsTheOneThatWasOpenedLast)
     Project::setProject(nullptr);
 }
 
-TEST(OpenProject, IsAnEmptyOneAfterClosing)
+TEST(ProjectOpen, IsAnEmptyOneAfterClosing)
 {
     const auto project = boost::make_shared<Project>();
     project->addNumericVariable("x", Variable::Independent);
@@ -86,7 +86,7 @@ TEST(OpenProject, IsAnEmptyOneAfterClosing)
     EXPECT_TRUE(Project::project()->variables().empty());
 }
 
-TEST(OpenProject, InvalidatesItsHandlesWhenAnotherIsOpened)
+TEST(ProjectOpen, InvalidatesItsHandlesWhenAnotherIsOpened)
 {
     Project::setProject(boost::make_shared<Project>());
     const VarPtr variable = Project::project()->addNumericVariable("x", Variable::Independent);

@@ -40,15 +40,15 @@ Cell text(const std::string& description, const std::string& value)
     return {description, vtkVariant(value)};
 }
 
-struct ValidValue : testing::TestWithParam<Cell>
+struct isInvalidValueOfNumbers : testing::TestWithParam<Cell>
 {};
 
-struct InvalidValue : testing::TestWithParam<Cell>
+struct isInvalidValueOfOthers : testing::TestWithParam<Cell>
 {};
 
 } // namespace
 
-TEST_P(ValidValue, IsAFiniteNumberToEveryReader)
+TEST_P(isInvalidValueOfNumbers, IsAFiniteNumberToEveryReader)
 {
     EXPECT_FALSE(isInvalidValue(GetParam().value));
     bool isNumber = false;
@@ -57,7 +57,7 @@ TEST_P(ValidValue, IsAFiniteNumberToEveryReader)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Cells, ValidValue,
+    Cells, isInvalidValueOfNumbers,
     testing::Values(number("Number", 1.5), number("Zero", 0.0), number("NegativeZero", -0.0),
                     number("Largest", std::numeric_limits<double>::max()),
                     number("Smallest", std::numeric_limits<double>::denorm_min()),
@@ -67,13 +67,13 @@ INSTANTIATE_TEST_SUITE_P(
                     text("TextWithBlanksAround", " 7 ")),
     descriptionOf);
 
-TEST_P(InvalidValue, IsNone)
+TEST_P(isInvalidValueOfOthers, IsNone)
 {
     EXPECT_TRUE(isInvalidValue(GetParam().value));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Cells, InvalidValue,
+    Cells, isInvalidValueOfOthers,
     testing::Values(Cell{"InvalidVariant", vtkVariant()},
                     number("NotANumber", std::numeric_limits<double>::quiet_NaN()),
                     number("Infinity", std::numeric_limits<double>::infinity()),
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
                     text("InfinityText", "inf"), text("OverflowingText", "1e999")),
     descriptionOf);
 
-TEST(IsInvalidValue, HoldsForObjects)
+TEST(isInvalidValue, HoldsForObjects)
 {
     vtkNew<vtkDoubleArray> numbers;
     EXPECT_TRUE(isInvalidValue(vtkVariant(numbers.Get())));

@@ -17,7 +17,7 @@ struct LabelCase
     std::string text;
 };
 
-class AxisLabel : public ::testing::TestWithParam<LabelCase>
+class AxisScaleLabel : public ::testing::TestWithParam<LabelCase>
 {};
 
 std::string nameOf(const testing::TestParamInfo<LabelCase>& info)
@@ -26,14 +26,14 @@ std::string nameOf(const testing::TestParamInfo<LabelCase>& info)
 }
 } // namespace
 
-TEST_P(AxisLabel, HasTheDigitsThatTellItFromItsNeighbours)
+TEST_P(AxisScaleLabel, HasTheDigitsThatTellItFromItsNeighbours)
 {
     const LabelCase& label = GetParam();
     EXPECT_EQ(AxisScale::label(label.value, label.step, label.largest).toStdString(), label.text);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Numbers, AxisLabel,
+    Numbers, AxisScaleLabel,
     testing::Values(LabelCase{"Whole", 20, 10, 80, "20"}, LabelCase{"Half", 2.5, 0.5, 3, "2.5"},
                     LabelCase{"WholeAmongHalves", 3, 0.5, 3, "3.0"},
                     LabelCase{"Negative", -0.02, 0.01, 0.03, "-0.02"},

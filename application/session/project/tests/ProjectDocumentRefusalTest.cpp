@@ -51,7 +51,7 @@ struct RefusedDocument
     const char* sentence;
 };
 
-class RefusedProjectDocument : public ::testing::TestWithParam<RefusedDocument>
+class ProjectDocumentRefusalTable : public ::testing::TestWithParam<RefusedDocument>
 {};
 
 const RefusedDocument refusedDocuments[] = {
@@ -197,15 +197,15 @@ std::string caseName(const ::testing::TestParamInfo<RefusedDocument>& info)
 }
 } // namespace
 
-TEST_P(RefusedProjectDocument, IsRefusedWithLineAndColumn)
+TEST_P(ProjectDocumentRefusalTable, IsRefusedWithLineAndColumn)
 {
     EXPECT_EQ(refusalOf(with(GetParam().part, GetParam().replacement)), GetParam().sentence);
 }
 
-INSTANTIATE_TEST_SUITE_P(Documents, RefusedProjectDocument, ::testing::ValuesIn(refusedDocuments),
-                         caseName);
+INSTANTIATE_TEST_SUITE_P(Documents, ProjectDocumentRefusalTable,
+                         ::testing::ValuesIn(refusedDocuments), caseName);
 
-TEST(ProjectDocument, AnotherKindOfFileIsRefused)
+TEST(ProjectDocumentRefusal, AnotherKindOfFileIsRefused)
 {
     EXPECT_EQ(refusalOf("<svg/>"),
               "line 1, column 1: a project document begins with the element \"SurrogateProject\", "
@@ -216,7 +216,7 @@ TEST(ProjectDocument, AnotherKindOfFileIsRefused)
                              "of document.");
 }
 
-TEST(ProjectDocument, IsRefusedWithOneLineHoweverLongTheFaultyText)
+TEST(ProjectDocumentRefusal, IsRefusedWithOneLineHoweverLongTheFaultyText)
 {
     const std::string text(1000000, '\n');
 
@@ -227,7 +227,7 @@ TEST(ProjectDocument, IsRefusedWithOneLineHoweverLongTheFaultyText)
     }
 }
 
-TEST(ProjectDocument, AnEndlessFileIsRefused)
+TEST(ProjectDocumentRefusal, AnEndlessFileIsRefused)
 {
     try {
         ProjectDocument::load("/dev/zero");
@@ -238,7 +238,7 @@ TEST(ProjectDocument, AnEndlessFileIsRefused)
     }
 }
 
-TEST(ProjectDocument, AFileThatIsNotThereIsAFileError)
+TEST(ProjectDocumentRefusal, AFileThatIsNotThereIsAFileError)
 {
     const TemporaryFolder folder;
 
@@ -246,7 +246,7 @@ TEST(ProjectDocument, AFileThatIsNotThereIsAFileError)
     EXPECT_THROW(ProjectDocument::load(folder.path(".")), FileError);
 }
 
-TEST(ProjectDocument, SettingsThatXmlCannotCarryAreRefused)
+TEST(ProjectDocumentRefusal, SettingsThatXmlCannotCarryAreRefused)
 {
     const ElementSerializer sound("SurrogateModelUserDefinedVariableDistribution", {});
     ProjectDocument project = sampleProject("cases.csv");
@@ -260,7 +260,7 @@ TEST(ProjectDocument, SettingsThatXmlCannotCarryAreRefused)
     EXPECT_THROW(project.takeSettings(half, sound), ProjectDocumentError);
 }
 
-TEST(ProjectDocument, RefusesToSaveWhatItWouldNotLoad)
+TEST(ProjectDocumentRefusal, RefusesToSaveWhatItWouldNotLoad)
 {
     const ProjectDocument sound = sampleProject("cases.csv");
     EXPECT_EQ(saveRefusalOf(sound), "saved");
@@ -287,7 +287,7 @@ TEST(ProjectDocument, RefusesToSaveWhatItWouldNotLoad)
     EXPECT_EQ(saveRefusalOf(project).substr(0, 33), "the excluded cases \"20000001\" are");
 }
 
-TEST(ProjectDocument, RefusesCaseFilesThatCannotBeNamed)
+TEST(ProjectDocumentRefusal, RefusesCaseFilesThatCannotBeNamed)
 {
     EXPECT_EQ(saveRefusalOf(sampleProject("-")),
               "a project needs its cases in a file, not from the standard input.");

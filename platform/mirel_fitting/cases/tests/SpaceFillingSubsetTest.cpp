@@ -74,7 +74,7 @@ TEST(SpaceFillingSubset, TakesEveryCaseOnceEvenWhereCoordinatesCoincide)
     EXPECT_TRUE(ascends(spread));
 }
 
-TEST(RandomSubset, IsTheSameForTheSameNumbers)
+TEST(SpaceFillingSubsetRandom, IsTheSameForTheSameNumbers)
 {
     EXPECT_EQ(randomSubset(1000, 30), randomSubset(1000, 30));
     EXPECT_TRUE(ascends(randomSubset(1000, 30)));

@@ -53,7 +53,7 @@ TEST(EquationText, CoefficientsReadBackAsTheSameDouble)
     }
 }
 
-TEST(EquationEvaluator, KnowsThePrecedenceOfOperations)
+TEST(EquationTextEvaluator, KnowsThePrecedenceOfOperations)
 {
     EXPECT_EQ(EquationEvaluator("-2 - 3 * V1^2 + 4 * (V2 - 1.5) * V1\n", {2.0, 2.5}).value(), -6.0);
     EXPECT_THROW(EquationEvaluator("1 + V1", {2.0}).value(), std::runtime_error);

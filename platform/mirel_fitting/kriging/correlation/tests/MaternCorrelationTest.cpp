@@ -125,10 +125,10 @@ TEST(MaternCorrelation, SumsWeightedCorrelationsAtPoints)
     }
 }
 
-class MaternDerivatives : public testing::TestWithParam<std::size_t>
+class MaternCorrelationDerivatives : public testing::TestWithParam<std::size_t>
 {};
 
-TEST_P(MaternDerivatives, AreThoseByTheLogarithmsOfTheLengths)
+TEST_P(MaternCorrelationDerivatives, AreThoseByTheLogarithmsOfTheLengths)
 {
     const std::size_t n = 21;
     const std::size_t inputs = GetParam();
@@ -184,7 +184,7 @@ TEST_P(MaternDerivatives, AreThoseByTheLogarithmsOfTheLengths)
 }
 
 // Inputs are taken four at a time.
-INSTANTIATE_TEST_SUITE_P(Inputs, MaternDerivatives, testing::Values(1, 2, 3, 4, 5, 9));
+INSTANTIATE_TEST_SUITE_P(Inputs, MaternCorrelationDerivatives, testing::Values(1, 2, 3, 4, 5, 9));
 
 TEST(MaternCorrelation, DifferentiatesWeightedSumsByThePoint)
 {

@@ -6,7 +6,7 @@
 
 #include <limits>
 
-TEST(KrigingFit, CountsExactCopiesOfACaseOnce)
+TEST(KrigingFitRepeatedCases, CountsExactCopiesOfACaseOnce)
 {
     Columns inputs = latinHypercube(20, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -26,7 +26,7 @@ TEST(KrigingFit, CountsExactCopiesOfACaseOnce)
     EXPECT_NEAR(valueAt(copies, {0.3, 0.6}), valueAt(once, {0.3, 0.6}), 1e-4);
 }
 
-TEST(KrigingFit, SmoothsCasesThatContradictEachOther)
+TEST(KrigingFitRepeatedCases, SmoothsCasesThatContradictEachOther)
 {
     Columns inputs = latinHypercube(20, 1, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -47,7 +47,7 @@ TEST(KrigingFit, SmoothsCasesThatContradictEachOther)
     EXPECT_GT(fit.metrics.rmse, 0.099);
 }
 
-TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
+TEST(KrigingFitRepeatedCases, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
 {
     Columns inputs = latinHypercube(20, 1, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -63,7 +63,7 @@ TEST(KrigingFit, PassesThroughTheMeanOfContradictingCasesWhereTheNuggetIsFixed)
                            "the model passes through their mean."));
 }
 
-TEST(KrigingFit, SaysThatCasesNextToEachOtherContradict)
+TEST(KrigingFitRepeatedCases, SaysThatCasesNextToEachOtherContradict)
 {
     Columns inputs = latinHypercube(30, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -79,7 +79,7 @@ TEST(KrigingFit, SaysThatCasesNextToEachOtherContradict)
     EXPECT_NEAR(valueAt(fit, {inputs[0][7], inputs[1][7]}), output[7] + 0.25, 0.2);
 }
 
-TEST(KrigingFit, CountsCopiesAsMeasurementsWhereOthersContradict)
+TEST(KrigingFitRepeatedCases, CountsCopiesAsMeasurementsWhereOthersContradict)
 {
     const Columns inputs = {{0.0, 1.0, 1.0, 1.0, 1.0, 2.0, 2.0, 3.0}};
     const std::vector<double> output = {2.0, 5.0, 5.0, 5.0, 6.0, 4.0, 4.0, 3.0};
@@ -95,7 +95,7 @@ TEST(KrigingFit, CountsCopiesAsMeasurementsWhereOthersContradict)
                            "outputs."));
 }
 
-TEST(KrigingFit, EstimatesTheNoiseOfReadingsThatOftenAgree)
+TEST(KrigingFitRepeatedCases, EstimatesTheNoiseOfReadingsThatOftenAgree)
 {
     Columns inputs(1);
     std::vector<double> output;
@@ -114,7 +114,7 @@ TEST(KrigingFit, EstimatesTheNoiseOfReadingsThatOftenAgree)
     EXPECT_NEAR(fit.report.noiseDeviation, std::sqrt(0.49 + 1.0 / 12.0), 0.14);
 }
 
-TEST(KrigingFit, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
+TEST(KrigingFitRepeatedCases, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
 {
     const Columns once = latinHypercube(20, 1, 3);
     const std::vector<double> output = valuesOf(wave, once);
@@ -140,7 +140,7 @@ TEST(KrigingFit, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
     }
 }
 
-TEST(KrigingFit, BearsCasesThatNearlyCoincide)
+TEST(KrigingFitRepeatedCases, BearsCasesThatNearlyCoincide)
 {
     Columns inputs = latinHypercube(30, 2, 3);
     for (std::size_t i = 0; i < 30; ++i) {
@@ -153,7 +153,7 @@ TEST(KrigingFit, BearsCasesThatNearlyCoincide)
     EXPECT_NEAR(valueAt(fit, {0.4, 0.4}), wave({0.4, 0.4}), 1e-2);
 }
 
-TEST(KrigingFit, IsTheTrendWhereRepeatedCasesDifferByRounding)
+TEST(KrigingFitRepeatedCases, IsTheTrendWhereRepeatedCasesDifferByRounding)
 {
     const Columns once = latinHypercube(20, 1, 3);
     Columns inputs(1);
