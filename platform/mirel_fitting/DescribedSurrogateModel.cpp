@@ -290,7 +290,9 @@ FitMetrics DescribedSurrogateModel::fitMetrics(int offset) const
     return impl->predictor(offset).output.metrics;
 }
 
-std::vector<std::string> DescribedSurrogateModel::fitWarnings(int offset) const
+std::vector<std::string>
+DescribedSurrogateModel::fitWarnings(int offset,
+                                     const std::vector<std::string>& /*inputNames*/) const
 {
     return impl->predictor(offset).output.warnings;
 }
@@ -304,11 +306,12 @@ std::vector<double> DescribedSurrogateModel::extrapolations(const std::vector<do
     return distances;
 }
 
-std::string DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs,
-                                                          std::size_t count) const
+std::string
+DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                                              const std::vector<std::string>& inputNames) const
 {
     impl->requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count);
+    return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 
 PredictorDescription DescribedSurrogateModel::predictorDescription(int offset) const

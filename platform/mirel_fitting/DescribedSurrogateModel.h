@@ -18,7 +18,7 @@ public:
     {
         PredictorDescription predictor;
         FitMetrics metrics;                ///< what fitMetrics() answers
-        std::vector<std::string> warnings; ///< what fitWarnings() answers
+        std::vector<std::string> warnings; ///< what fitWarnings() answers, whatever the names
     };
 
     /**
@@ -41,11 +41,13 @@ public:
     std::string qualityMetricInformation(int offset) const override;
 
     FitMetrics fitMetrics(int offset) const override;
-    std::vector<std::string> fitWarnings(int offset) const override;
+    std::vector<std::string>
+    fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
-    std::string extrapolationWarning(const std::vector<double*>& inputs,
-                                     std::size_t count) const override;
+    std::string
+    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                         const std::vector<std::string>& inputNames = {}) const override;
     PredictorDescription predictorDescription(int offset) const override;
 
 private:

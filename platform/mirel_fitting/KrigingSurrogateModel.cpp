@@ -215,9 +215,10 @@ FitMetrics KrigingSurrogateModel::fitMetrics(int offset) const
     return impl->fit(offset).metrics;
 }
 
-std::vector<std::string> KrigingSurrogateModel::fitWarnings(int offset) const
+std::vector<std::string>
+KrigingSurrogateModel::fitWarnings(int offset, const std::vector<std::string>& inputNames) const
 {
-    return impl->fit(offset).warnings;
+    return KrigingTexts::warnings(impl->fit(offset), InputNames(inputNames));
 }
 
 KrigingReport KrigingSurrogateModel::krigingReport(int offset) const
@@ -277,11 +278,12 @@ std::vector<double> KrigingSurrogateModel::extrapolations(const std::vector<doub
     return distances;
 }
 
-std::string KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs,
-                                                        std::size_t count) const
+std::string
+KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                                            const std::vector<std::string>& inputNames) const
 {
     impl->requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count);
+    return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 
 PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) const

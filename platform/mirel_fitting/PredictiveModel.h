@@ -30,8 +30,13 @@ public:
 
     virtual FitMetrics fitMetrics(int offset) const = 0;
 
-    /** What changed the result (terms or cases dropped, nugget raised, ...), a sentence each. */
-    virtual std::vector<std::string> fitWarnings(int offset) const = 0;
+    /**
+     * What changed the result (terms or cases dropped, nugget raised, ...), a sentence each.
+     * @param inputNames what the sentences call the inputs, in quotes: one name per input, or none
+     *                   for V1, V2, ....
+     */
+    virtual std::vector<std::string>
+    fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const = 0;
 
     /**
      * How far each point lies outside the cases: the largest distance beyond an input's smallest or
@@ -45,9 +50,11 @@ public:
      * The same as a sentence for the user. Empty if no point lies outside by more than rounded
      * values explain: a thousandth of the range, or, for an input that is the same in all cases,
      * half a unit in the sixth digit.
+     * @param inputNames as for fitWarnings().
      */
-    virtual std::string extrapolationWarning(const std::vector<double*>& inputs,
-                                             std::size_t count) const = 0;
+    virtual std::string
+    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                         const std::vector<std::string>& inputNames = {}) const = 0;
 
     /**
      * Everything that a prediction is computed from.

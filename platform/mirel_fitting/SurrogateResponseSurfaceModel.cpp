@@ -117,9 +117,11 @@ FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int offset) const
     return impl->fit.metrics(impl->position(offset));
 }
 
-std::vector<std::string> SurrogateResponseSurfaceModel::fitWarnings(int offset) const
+std::vector<std::string>
+SurrogateResponseSurfaceModel::fitWarnings(int offset,
+                                           const std::vector<std::string>& inputNames) const
 {
-    return impl->fit.warnings(impl->position(offset));
+    return impl->fit.warnings(impl->position(offset), InputNames(inputNames));
 }
 
 std::vector<double>
@@ -132,11 +134,12 @@ SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs
     return distances;
 }
 
-std::string SurrogateResponseSurfaceModel::extrapolationWarning(const std::vector<double*>& inputs,
-                                                                std::size_t count) const
+std::string SurrogateResponseSurfaceModel::extrapolationWarning(
+    const std::vector<double*>& inputs, std::size_t count,
+    const std::vector<std::string>& inputNames) const
 {
     impl->requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count);
+    return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 
 PredictorDescription SurrogateResponseSurfaceModel::predictorDescription(int offset) const

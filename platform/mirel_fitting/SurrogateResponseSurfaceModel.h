@@ -66,11 +66,13 @@ public:
     std::string qualityMetricInformation(int offset) const override;
 
     FitMetrics fitMetrics(int offset) const override;
-    std::vector<std::string> fitWarnings(int offset) const override;
+    std::vector<std::string>
+    fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
-    std::string extrapolationWarning(const std::vector<double*>& inputs,
-                                     std::size_t count) const override;
+    std::string
+    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                         const std::vector<std::string>& inputNames = {}) const override;
     PredictorDescription predictorDescription(int offset) const override;
 
     /** RMSE times the root of the leverage that the point would have, plus 1 for an observation.

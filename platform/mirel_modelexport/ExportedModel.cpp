@@ -28,12 +28,16 @@ ExportedModel ExportedModel::of(const SurrogateModelInterface& model,
     }
     ExportedModel exported;
     exported.inputs = inputs;
+    std::vector<std::string> inputNames;
+    for (const Input& input : inputs) {
+        inputNames.push_back(input.name);
+    }
     for (const WantedOutput& wanted : outputs) {
         Output output;
         output.name = wanted.name;
         output.model.predictor = described(*describer, wanted);
         output.model.metrics = describer->fitMetrics(wanted.offset);
-        output.model.warnings = describer->fitWarnings(wanted.offset);
+        output.model.warnings = describer->fitWarnings(wanted.offset, inputNames);
         exported.outputs.push_back(std::move(output));
     }
     exported.predictor(); // for what it refuses

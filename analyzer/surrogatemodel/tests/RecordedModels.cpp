@@ -106,7 +106,8 @@ FitMetrics KrigingSurrogateModel::fitMetrics(int) const
     return {};
 }
 
-std::vector<std::string> KrigingSurrogateModel::fitWarnings(int) const
+std::vector<std::string> KrigingSurrogateModel::fitWarnings(int,
+                                                            const std::vector<std::string>&) const
 {
     return {};
 }
@@ -158,7 +159,8 @@ FitMetrics SurrogateResponseSurfaceModel::fitMetrics(int) const
     return {};
 }
 
-std::vector<std::string> SurrogateResponseSurfaceModel::fitWarnings(int) const
+std::vector<std::string>
+SurrogateResponseSurfaceModel::fitWarnings(int, const std::vector<std::string>&) const
 {
     return {};
 }

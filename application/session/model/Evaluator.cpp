@@ -1,7 +1,6 @@
 #include "session/model/Evaluator.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/InputSymbols.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
 #include "session/text/QuotedText.h"
@@ -105,9 +104,9 @@ private:
     std::string checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
     {
         const auto* const cases = dynamic_cast<const PredictiveModel*>(model);
-        return cases == nullptr ? std::string()
-                                : withInputNames(cases->extrapolationWarning(points, count),
-                                                 namesOf(workspace.inputs()));
+        return cases == nullptr
+                   ? std::string()
+                   : cases->extrapolationWarning(points, count, namesOf(workspace.inputs()));
     }
 
     void addIntervals(const std::vector<double*>& points, std::size_t count, double level,
@@ -174,9 +173,7 @@ const FitResult& Evaluator::fit()
         output.name = impl->workspace.outputs()[i].lock()->name();
         if (metrics != nullptr) {
             output.metrics = metrics->fitMetrics(offset);
-            for (const std::string& warning : metrics->fitWarnings(offset)) {
-                output.warnings.push_back(withInputNames(warning, inputNames));
-            }
+            output.warnings = metrics->fitWarnings(offset, inputNames);
         }
         if (kriging != nullptr) {
             output.kriging = kriging->krigingReport(offset);

@@ -3,7 +3,6 @@
 #include "session/cases/CaseFolds.h"
 #include "session/cases/VariableNames.h"
 #include "session/model/ComparisonVerdict.h"
-#include "session/model/InputSymbols.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
 
@@ -69,8 +68,7 @@ std::vector<const double*> pointersTo(const Columns& columns)
 /** The valid cases of a workspace. */
 struct Cases
 {
-    explicit Cases(const Workspace& workspace)
-        : inputNames(namesOf(workspace.inputs())), positions(workspace.validCases())
+    explicit Cases(const Workspace& workspace) : positions(workspace.validCases())
     {
         for (const VarPtr& input : workspace.inputs()) {
             inputs.push_back(picked(workspace.project().numericValues(input), positions));
@@ -90,7 +88,6 @@ struct Cases
         return CaseFolds(columns, count());
     }
 
-    std::vector<std::string> inputNames;
     std::vector<std::size_t> positions; ///< in the case file
     Columns inputs;
     Columns outputs;
@@ -216,7 +213,7 @@ private:
         try {
             predict(type, split, output, predictions, message);
         } catch (const SurrogateModelInterface::Error& error) {
-            predictions.failures.push_back({fold, withInputNames(error.what(), cases.inputNames)});
+            predictions.failures.push_back({fold, error.what()});
         }
         FitProgress::report(1.0, message);
     }

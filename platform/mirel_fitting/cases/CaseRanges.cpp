@@ -78,7 +78,8 @@ bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distanc
     return distance > negligible;
 }
 
-std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count) const
+std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count,
+                                const InputNames& names) const
 {
     std::size_t outside = 0;
     double farthest = 0.0;
@@ -101,7 +102,7 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
     if (outside == 0) {
         return "";
     }
-    const std::string name = "V" + std::to_string(farthestInput + 1);
+    const std::string name = names.input(farthestInput);
     const std::string start = std::to_string(outside) + " of " + std::to_string(count) +
                               (count == 1 ? " point" : " points") +
                               (outside == 1 ? " lies" : " lie") + " outside the cases: ";

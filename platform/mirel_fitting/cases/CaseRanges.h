@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/PredictorDescription.h>
+#include <mirel_fitting/numerics/InputNames.h>
 
 #include <cstddef>
 #include <string>
@@ -22,7 +23,8 @@ public:
     void distances(const std::vector<double*>& points, std::size_t count, double* result) const;
 
     /** See PredictiveModel::extrapolationWarning(). */
-    std::string warning(const std::vector<double*>& points, std::size_t count) const;
+    std::string warning(const std::vector<double*>& points, std::size_t count,
+                        const InputNames& names = InputNames()) const;
 
 private:
     double distance(std::size_t input, double value) const;

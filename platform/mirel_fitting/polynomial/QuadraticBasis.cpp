@@ -51,20 +51,18 @@ std::size_t QuadraticBasis::termCount(std::size_t inputs, int order)
     return order == 1 ? inputs + 1 : (inputs + 1) * (inputs + 2) / 2;
 }
 
-std::string QuadraticBasis::name(std::size_t term) const
+std::string QuadraticBasis::name(const Term& term, const InputNames& names)
 {
-    const Term& inputsOfTerm = termList.at(term);
-    if (inputsOfTerm.first == noInput) {
+    if (term.first == noInput) {
         return "1";
     }
-    const std::string first = "V" + std::to_string(inputsOfTerm.first + 1);
-    if (inputsOfTerm.second == noInput) {
-        return first;
-    }
-    if (inputsOfTerm.second == inputsOfTerm.first) {
-        return first + "^2";
-    }
-    return first + " V" + std::to_string(inputsOfTerm.second + 1);
+    return term.second == noInput ? names.input(term.first)
+                                  : names.product(term.first, term.second);
+}
+
+std::string QuadraticBasis::name(std::size_t term, const InputNames& names) const
+{
+    return name(termList.at(term), names);
 }
 
 void QuadraticBasis::evaluateTerm(std::size_t term, const double* const* columns, std::size_t count,

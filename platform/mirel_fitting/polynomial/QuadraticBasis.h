@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/numerics/InputNames.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -49,8 +51,9 @@ public:
         return 1 + inputCount + first * inputCount - first * (first + 1) / 2 + second;
     }
 
-    /** "1", "V1", "V1^2", "V1 V2". */
-    std::string name(std::size_t term) const;
+    /** "1", "V1", "V1^2", "V1 V2", or with the names of the inputs. */
+    static std::string name(const Term& term, const InputNames& names = InputNames());
+    std::string name(std::size_t term, const InputNames& names = InputNames()) const;
 
     /**
      * One term at several points.

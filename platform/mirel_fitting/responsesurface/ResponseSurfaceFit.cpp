@@ -37,7 +37,7 @@ void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>&
     }
     for (std::size_t term = 0; term < whole->basis().size(); ++term) {
         if (whole->isKept(term) && !selection.isWanted()[term]) {
-            one.unneeded.push_back(whole->basis().name(term));
+            one.unneeded.push_back(term);
         }
     }
     one.fit = std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
@@ -120,7 +120,8 @@ FitMetrics ResponseSurfaceFit::metrics(std::size_t output) const
     return fits[output].analysis().metrics();
 }
 
-std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output) const
+std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
+                                                      const InputNames& names) const
 {
     std::vector<std::string> warnings;
     const std::size_t wanted = wantedForm.termCount(inputCount);
@@ -129,10 +130,13 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output) const
                            fittedForm.name() + ": " + std::to_string(wanted) +
                            " terms need at least as many cases.");
     }
-    for (std::string& sentence : ResponseSurfaceTexts::dependences(*common)) {
+    for (std::string& sentence : ResponseSurfaceTexts::dependences(*common, names)) {
         warnings.push_back(std::move(sentence));
     }
-    const std::vector<std::string>& unneeded = fits[output].unneeded;
+    std::vector<std::string> unneeded;
+    for (const std::size_t term : fits[output].unneeded) {
+        unneeded.push_back(common->basis().name(term, names));
+    }
     if (!unneeded.empty()) {
         warnings.push_back("AICc is lower without " + ResponseSurfaceTexts::list(unneeded) +
                            (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");

@@ -5,6 +5,7 @@
 #include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/numerics/InputNames.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
 #include <mirel_fitting/responsesurface/PolynomialForm.h>
@@ -40,7 +41,8 @@ public:
     std::string equationText(std::size_t output) const;
     std::string qualityText(std::size_t output) const;
     FitMetrics metrics(std::size_t output) const;
-    std::vector<std::string> warnings(std::size_t output) const;
+    std::vector<std::string> warnings(std::size_t output,
+                                      const InputNames& names = InputNames()) const;
     ResponseSurfaceStatistics statistics(std::size_t output, double level) const;
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(std::size_t output) const;
     std::size_t degreesOfFreedom(std::size_t output) const;
@@ -55,7 +57,7 @@ private:
         std::shared_ptr<const PolynomialFit> fit;
         std::size_t position; ///< of the output in it
         ResponseSurfaceAnalysis::PureError pureError;
-        std::vector<std::string> unneeded; ///< terms that were not selected
+        std::vector<std::size_t> unneeded; ///< terms of the basis that were not selected
 
         const PolynomialFit::Output& output() const { return fit->outputs()[position]; }
         ResponseSurfaceAnalysis analysis() const { return {*fit, position, pureError}; }

@@ -120,7 +120,8 @@ double variation(const PolynomialFit& fit, std::size_t term)
 /** The terms of unscaled inputs in the combination that equals a dependent one, without the
  *  constant. */
 std::vector<std::string> partsOf(const PolynomialFit& fit,
-                                 const PolynomialFit::Dependence& dependence)
+                                 const PolynomialFit::Dependence& dependence,
+                                 const InputNames& inputNames)
 {
     // Relative to the largest share: smaller ones are rounding errors of the combination.
     constexpr double rounding = 1e-7;
@@ -142,28 +143,29 @@ std::vector<std::string> partsOf(const PolynomialFit& fit,
     std::vector<std::string> names;
     for (std::size_t term = 1; term < basis.size(); ++term) {
         if (term != dependence.term && shares[term] > rounding * largest) {
-            names.push_back(basis.name(term));
+            names.push_back(basis.name(term, inputNames));
         }
     }
     return names;
 }
 
 /** The terms of second order that are dropped with an input. */
-std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input)
+std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input,
+                                   const InputNames& inputNames)
 {
     std::vector<std::string> names;
     for (std::size_t term = 1 + fit.basis().inputs(); term < fit.basis().size(); ++term) {
         const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
         const bool hasInput = inputs.first == input || inputs.second == input;
         if (hasInput && fit.isWanted(term)) {
-            names.push_back(fit.basis().name(term));
+            names.push_back(fit.basis().name(term, inputNames));
         }
     }
     return names;
 }
 
 /** Dropped terms that no other sentence names. */
-std::vector<std::string> unnamedTerms(const PolynomialFit& fit)
+std::vector<std::string> unnamedTerms(const PolynomialFit& fit, const InputNames& inputNames)
 {
     const QuadraticBasis& basis = fit.basis();
     std::vector<char> isNamed(basis.size(), 0);
@@ -181,7 +183,7 @@ std::vector<std::string> unnamedTerms(const PolynomialFit& fit)
         const bool isNamedWithInput = inputs.second != QuadraticBasis::noInput &&
                                       (isNamed[1 + inputs.first] || isNamed[1 + inputs.second]);
         if (fit.isWanted(term) && !fit.isKept(term) && !isNamed[term] && !isNamedWithInput) {
-            names.push_back(basis.name(term));
+            names.push_back(basis.name(term, inputNames));
         }
     }
     return names;
@@ -232,25 +234,26 @@ std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
     return text;
 }
 
-std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit)
+std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,
+                                                           const InputNames& names)
 {
     std::vector<std::string> sentences;
     const QuadraticBasis& basis = fit.basis();
     for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
         if (fit.inputScales()[input].isConstantUpToRounding()) {
-            sentences.push_back(basis.name(1 + input) + " is the same in every case" +
-                                leftOut(termsWith(fit, input)));
+            sentences.push_back(basis.name(1 + input, names) + " is the same in every case" +
+                                leftOut(termsWith(fit, input, names)));
         }
     }
     for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
-        const std::vector<std::string> parts = partsOf(fit, dependence);
+        const std::vector<std::string> parts = partsOf(fit, dependence, names);
         const bool isLinear = dependence.term <= basis.inputs();
-        sentences.push_back(
-            basis.name(dependence.term) + " cannot be separated from " +
-            (parts.empty() ? "the constant" : list(parts)) + " by these cases" +
-            leftOut(isLinear ? termsWith(fit, dependence.term - 1) : std::vector<std::string>()));
+        sentences.push_back(basis.name(dependence.term, names) + " cannot be separated from " +
+                            (parts.empty() ? "the constant" : list(parts)) + " by these cases" +
+                            leftOut(isLinear ? termsWith(fit, dependence.term - 1, names)
+                                             : std::vector<std::string>()));
     }
-    const std::vector<std::string> others = unnamedTerms(fit);
+    const std::vector<std::string> others = unnamedTerms(fit, names);
     if (!others.empty()) {
         sentences.push_back(
             "Terms that these cases cannot separate from the others were left out: " +

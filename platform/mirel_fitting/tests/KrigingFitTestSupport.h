@@ -3,6 +3,7 @@
 #include "KrigingTestSupport.h"
 
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
+#include <mirel_fitting/kriging/fit/KrigingTexts.h>
 
 #include <algorithm>
 #include <cmath>
@@ -42,5 +43,6 @@ inline double valueAt(const KrigingFit& fit, std::vector<double> point)
 
 inline bool warns(const KrigingFit& fit, const std::string& sentence)
 {
-    return std::find(fit.warnings.begin(), fit.warnings.end(), sentence) != fit.warnings.end();
+    const std::vector<std::string> warnings = KrigingTexts::warnings(fit);
+    return std::find(warnings.begin(), warnings.end(), sentence) != warnings.end();
 }

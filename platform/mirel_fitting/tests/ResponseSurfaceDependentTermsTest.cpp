@@ -21,6 +21,10 @@ TEST(ResponseSurfaceDependentTerms, DropsAConstantInputAndItsProducts)
         model.fitWarnings(0),
         (std::vector<std::string>{"V1 is the same in every case and was left out, and with it "
                                   "V1^2 and V1 V2."}));
+    EXPECT_EQ(model.fitWarnings(0, {"Pressure", "Ratio"}),
+              (std::vector<std::string>{
+                  "\"Pressure\" is the same in every case and was left out, and with it "
+                  "\"Pressure\"^2 and \"Pressure\" * \"Ratio\"."}));
     EXPECT_NEAR(predict(model, {{-5.0}, {0.25}})[0], reference[0], 1e-12);
     EXPECT_EQ(model.responseSurfaceStatistics(0).coefficients[1].estimate, 0.0);
     EXPECT_EQ(model.surfaceCoefficientInformation(0).find("V1"), std::string::npos);

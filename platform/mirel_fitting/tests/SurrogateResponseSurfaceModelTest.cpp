@@ -182,5 +182,8 @@ TEST(SurrogateResponseSurfaceModel, TellsWhichPointsLieOutsideTheCases)
     EXPECT_EQ(model.extrapolations(points, 2), (Column{0.0, 0.5}));
     EXPECT_EQ(model.extrapolationWarning(points, 1), "");
     EXPECT_NE(model.extrapolationWarning(points, 2).find("V1 is up to 0.5"), std::string::npos);
+    EXPECT_NE(model.extrapolationWarning(points, 2, {"Pressure", "Ratio"})
+                  .find("\"Pressure\" is up to 0.5"),
+              std::string::npos);
     EXPECT_THROW(model.extrapolations({first.data()}, 1), Model::Error);
 }

@@ -12,6 +12,7 @@
 #include <vtkTable.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -64,6 +65,19 @@ TEST(ModelFile, AnExportedModelHasTheRolesAndRangesOfItsSession)
     EXPECT_EQ(model.inputs[1].maximum, 10.0);
     ASSERT_EQ(model.outputs.size(), 2u);
     EXPECT_EQ(model.outputs[0].name, "Stress");
+}
+
+TEST(ModelFile, WarningsNameTheInputs)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].numbers.assign(table.cases, 42.0);
+    CaseSession cases(std::move(table), cvdRoles, {}, CaseSession::Kriging);
+
+    const ExportedModel model = ModelFile::exported(cases, "{}");
+
+    EXPECT_EQ(model.outputs[0].model.warnings.front(),
+              "\"Pressure\" is constant over the cases and was ignored.");
+    EXPECT_EQ(model.outputs[0].model.warnings, cases.fit().outputs[0].warnings);
 }
 
 TEST(ModelFile, ASessionOfAnExportedModelHasItsReport)

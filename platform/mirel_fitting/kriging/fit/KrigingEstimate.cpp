@@ -76,16 +76,17 @@ void KrigingEstimate::searchWithTrends()
     }
 }
 
-void KrigingEstimate::warn(std::vector<std::string>& warnings) const
+void KrigingEstimate::warn(KrigingFit& fit) const
 {
     const KrigingSizes& sizes = input.options.sizes;
     if (usesSubset(sizes, allCases->cases)) {
         const bool isRefined = refinements() > 0 && input.options.correlationLengths.empty();
-        warnings.push_back(KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
+        fit.warnings.push_back(
+            KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
-    input.warnOfTrend(*chosenTrend, allCases->cases, warnings, lowered);
+    input.warnOfTrend(*chosenTrend, allCases->cases, fit, lowered);
     if (found.isNuggetRaised) {
-        warnings.push_back(KrigingWarnings::ofRaisedNugget(found.parameters.nugget));
+        fit.warnings.push_back(KrigingWarnings::ofRaisedNugget(found.parameters.nugget));
     }
 }
 

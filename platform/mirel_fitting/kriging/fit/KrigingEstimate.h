@@ -36,8 +36,8 @@ public:
 
     const KrigingSearchResult& result() const { return found; }
 
-    /** Warnings about subset, trend and nugget are appended. */
-    void warn(std::vector<std::string>& warnings) const;
+    /** Adds warnings about subset, trend and nugget. */
+    void warn(KrigingFit& fit) const;
 
     /**
      * Whether replicates differ by less than the least nugget explains, say by rounding. Their

@@ -6,7 +6,9 @@
 #include <mirel_fitting/kriging/fit/KrigingSizes.h>
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,8 @@ struct KrigingFit
      *  equation would cost more than 1e-9 of the output's range. */
     std::string trendText;
     FitMetrics metrics;
-    std::vector<std::string> warnings;
+    std::vector<std::size_t> constantInputs;
+    std::vector<QuadraticBasis::Term> droppedTerms; ///< of the trend, in all inputs
+    std::vector<std::string> warnings;              ///< others, which name no input
     KrigingLeaveOneOut leftOut = {};
 };

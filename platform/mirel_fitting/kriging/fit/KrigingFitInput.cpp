@@ -1,7 +1,5 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 
-#include <mirel_fitting/kriging/fit/RawTrend.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -40,19 +38,22 @@ std::shared_ptr<const KrigingTrend> KrigingFitInput::addTrend(KrigingData& data)
     return trend;
 }
 
-void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct,
-                                  std::vector<std::string>& warnings,
+void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct, KrigingFit& fit,
                                   const std::optional<KrigingWarnings::Lowered>& lowered) const
 {
     if (lowered) {
-        warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, distinct));
+        fit.warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, distinct));
     } else if (trend.order() < options.trendOrder) {
-        warnings.push_back(
+        fit.warnings.push_back(
             KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
     }
-    const std::vector<std::string> dropped = trend.droppedNames(RawTrend::inputNumbers(cases));
-    if (!dropped.empty()) {
-        warnings.push_back(KrigingWarnings::ofDroppedTerms(dropped));
+    for (QuadraticBasis::Term term : trend.droppedTerms()) {
+        for (std::size_t* const input : {&term.first, &term.second}) {
+            if (*input != QuadraticBasis::noInput) {
+                *input = cases.activeInputs()[*input];
+            }
+        }
+        fit.droppedTerms.push_back(term);
     }
 }
 

@@ -36,11 +36,10 @@ struct KrigingFitInput
     /** The trend of the highest order that the cases of `data` allow; `data` receives its terms. */
     std::shared_ptr<const KrigingTrend> addTrend(KrigingData& data) const;
 
-    /** Appends why the trend has a lower order or fewer terms than the options ask for.
+    /** Adds to `fit` why the trend has a lower order, and which terms it lacks.
      *  @param distinct number of cases that the trend was chosen for.
      *  @param lowered  if the order was lowered since a higher one does not predict better. */
-    void warnOfTrend(const KrigingTrend& trend, std::size_t distinct,
-                     std::vector<std::string>& warnings,
+    void warnOfTrend(const KrigingTrend& trend, std::size_t distinct, KrigingFit& fit,
                      const std::optional<KrigingWarnings::Lowered>& lowered = {}) const;
 
     /** A model without coefficients, weights and variance. */

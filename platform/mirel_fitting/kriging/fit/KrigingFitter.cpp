@@ -6,7 +6,6 @@
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/fit/LargeKrigingFit.h>
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
@@ -98,28 +97,34 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
     const bool interpolates = removeNugget(input, found, likelihood);
 
-    KrigingFit fit{
-        KrigingPredictor(modelOf(input, estimated, likelihood, interpolates)), {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(modelOf(input, estimated, likelihood, interpolates)),
+                   {},
+                   {},
+                   {},
+                   {},
+                   {},
+                   {}};
     const KrigingFitReport report = input.report();
     report.addCorrelation(fit, found, likelihood.conditionEstimate());
     report.addLikelihood(fit, found, data->rowCount());
     report.addTrend(fit, *estimated.trend(), likelihood.coefficients());
     addErrors(fit, distinct, *data, likelihood, found.parameters.nugget);
-    estimated.warn(fit.warnings);
+    estimated.warn(fit);
     distinct.warnOfConflicts(interpolates, fit.warnings);
     return fit;
 }
 
-std::vector<std::string> warningsOfConstantInputs(const KrigingCases& cases)
+/** With a single case nothing is known of what varies. */
+std::vector<std::size_t> constantInputs(const KrigingCases& cases)
 {
     const std::vector<std::size_t>& active = cases.activeInputs();
-    std::vector<std::string> warnings;
+    std::vector<std::size_t> constant;
     for (std::size_t input = 0; input < cases.inputCount() && cases.rowCount() > 1; ++input) {
         if (!std::binary_search(active.begin(), active.end(), input)) {
-            warnings.push_back(KrigingWarnings::ofConstantInput(input));
+            constant.push_back(input);
         }
     }
-    return warnings;
+    return constant;
 }
 
 /** @param warnings about the cases are appended. */
@@ -143,7 +148,7 @@ KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& outp
 {
     const FitProgress::Portion preparing(0.0, 1.0, "Preparing the cases");
     FitProgress::advance();
-    std::vector<std::string> warnings = warningsOfConstantInputs(cases);
+    std::vector<std::string> warnings;
     const KrigingFitInput input{cases, output, options, OutputScale::of(output)};
     const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());
     KrigingFit fit = *smallest == *largest || cases.activeInputs().empty()
@@ -156,6 +161,7 @@ KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& outp
         std::move(more->begin(), more->end(), std::back_inserter(warnings));
     }
     fit.warnings = std::move(warnings);
+    fit.constantInputs = constantInputs(cases);
     FitProgress::report(1.0, "Fitted");
     return fit;
 }

@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/numerics/NumberText.h>
 
 #include <algorithm>
@@ -83,6 +84,19 @@ std::string KrigingTexts::lengths(const KrigingReport& report)
     return text;
 }
 
+std::vector<std::string> KrigingTexts::warnings(const KrigingFit& fit, const InputNames& names)
+{
+    std::vector<std::string> sentences;
+    for (const std::size_t input : fit.constantInputs) {
+        sentences.push_back(KrigingWarnings::ofConstantInput(input, names));
+    }
+    if (!fit.droppedTerms.empty()) {
+        sentences.push_back(KrigingWarnings::ofDroppedTerms(fit.droppedTerms, names));
+    }
+    sentences.insert(sentences.end(), fit.warnings.begin(), fit.warnings.end());
+    return sentences;
+}
+
 std::string KrigingTexts::quality(const KrigingFit& fit)
 {
     const KrigingReport& report = fit.report;
@@ -102,7 +116,7 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     text += line("Condition of the correlation matrix", report.condition);
     text += std::string("Trend: ") + orderName(report.trendOrder) + ", " + fit.trendText + "\n";
     text += lengths(report);
-    for (const std::string& warning : fit.warnings) {
+    for (const std::string& warning : warnings(fit)) {
         text += "Warning: " + warning + "\n";
     }
     return text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/numerics/InputNames.h>
 
 #include <string>
 #include <vector>
@@ -13,6 +14,10 @@ public:
 
     /** A line per input. */
     static std::string lengths(const KrigingReport& report);
+
+    /** All warnings of a fit, a sentence each. */
+    static std::vector<std::string> warnings(const KrigingFit& fit,
+                                             const InputNames& names = InputNames());
 
     /** A line per figure, then the warnings. */
     static std::string quality(const KrigingFit& fit);

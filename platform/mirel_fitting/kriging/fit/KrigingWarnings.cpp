@@ -1,18 +1,14 @@
 #include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 
 #include <mirel_fitting/cases/ContradictingCases.h>
-#include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/numerics/NumberText.h>
 
 namespace {
 
-std::string join(const std::vector<std::string>& texts)
+std::string figure(double value)
 {
-    std::string result;
-    for (const std::string& text : texts) {
-        result += (result.empty() ? "" : ", ") + text;
-    }
-    return result;
+    constexpr int digits = 8;
+    return NumberText::rounded(value, digits);
 }
 
 std::string counted(std::size_t count, const std::string& noun)
@@ -28,9 +24,9 @@ std::string orderLowered(int from, int to)
 
 } // namespace
 
-std::string KrigingWarnings::ofConstantInput(std::size_t input)
+std::string KrigingWarnings::ofConstantInput(std::size_t input, const InputNames& names)
 {
-    return "V" + std::to_string(input + 1) + " is constant over the cases and was ignored.";
+    return names.input(input) + " is constant over the cases and was ignored.";
 }
 
 std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
@@ -45,7 +41,7 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 std::string KrigingWarnings::ofNearCases(std::size_t places)
 {
     return "At " + counted(places, "place") + " cases lie next to each other (less than " +
-           KrigingTexts::figure(ContradictingCases::nearness()) +
+           figure(ContradictingCases::nearness()) +
            " of the range of every input apart) but have different outputs: the model smooths "
            "them.";
 }
@@ -62,10 +58,9 @@ std::string KrigingWarnings::ofLoweredTrend(const Lowered& lowered, std::size_t 
     return orderLowered(lowered.from, lowered.to) + "with " + counted(cases, "distinct case") +
            " a higher one is not seen to predict better, both measures together (corrected Akaike "
            "criterion " +
-           KrigingTexts::figure(lowered.after.akaike) + " instead of " +
-           KrigingTexts::figure(lowered.before.akaike) + ", leave-one-out error " +
-           KrigingTexts::figure(lowered.after.leaveOneOutError) + " instead of " +
-           KrigingTexts::figure(lowered.before.leaveOneOutError) + ").";
+           figure(lowered.after.akaike) + " instead of " + figure(lowered.before.akaike) +
+           ", leave-one-out error " + figure(lowered.after.leaveOneOutError) + " instead of " +
+           figure(lowered.before.leaveOneOutError) + ").";
 }
 
 std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
@@ -74,9 +69,14 @@ std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
            (cases == 1 ? " is" : " are") + " too few for more.";
 }
 
-std::string KrigingWarnings::ofDroppedTerms(const std::vector<std::string>& names)
+std::string KrigingWarnings::ofDroppedTerms(const std::vector<QuadraticBasis::Term>& terms,
+                                            const InputNames& names)
 {
-    return "Terms of the trend that the cases cannot separate were dropped: " + join(names) + ".";
+    std::string list;
+    for (const QuadraticBasis::Term& term : terms) {
+        list += (list.empty() ? "" : ", ") + QuadraticBasis::name(term, names);
+    }
+    return "Terms of the trend that the cases cannot separate were dropped: " + list + ".";
 }
 
 std::string KrigingWarnings::ofRaisedNugget(double nugget)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <mirel_fitting/kriging/search/KrigingTrendChoice.h>
+#include <mirel_fitting/numerics/InputNames.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
 #include <string>
@@ -21,7 +23,7 @@ public:
     };
 
     /** @param input counted from 0. */
-    static std::string ofConstantInput(std::size_t input);
+    static std::string ofConstantInput(std::size_t input, const InputNames& names = InputNames());
 
     /** @param areMerged whether repeated cases count once, not as replicates. */
     static std::string ofCopies(std::size_t copies, bool areMerged);
@@ -34,7 +36,8 @@ public:
 
     static std::string ofLoweredTrend(const Lowered& lowered, std::size_t cases);
     static std::string ofTooFewCases(int from, int to, std::size_t cases);
-    static std::string ofDroppedTerms(const std::vector<std::string>& names);
+    static std::string ofDroppedTerms(const std::vector<QuadraticBasis::Term>& terms,
+                                      const InputNames& names = InputNames());
     static std::string ofRaisedNugget(double nugget);
 
     /**

@@ -90,7 +90,7 @@ void addWarnings(KrigingFit& fit, const KrigingFitInput& input, const DistinctCa
                  const LargeFit& large)
 {
     const LargeKriging::Result& result = large.result;
-    input.warnOfTrend(*large.trend, large.subset->cases, fit.warnings);
+    input.warnOfTrend(*large.trend, large.subset->cases, fit);
     distinct.warnOfConflicts(isInterpolating(result), fit.warnings);
     if (result.found.isNuggetRaised) {
         fit.warnings.push_back(KrigingWarnings::ofRaisedNugget(result.found.parameters.nugget));
@@ -119,7 +119,7 @@ KrigingFit fitLargeKriging(const KrigingFitInput& input, const DistinctCases& di
 
     const LargeFit large = runLargeKriging(input, std::move(all), indices, subset, trend);
     const LargeKriging::Result& result = large.result;
-    KrigingFit fit{KrigingPredictor(modelOf(input, large)), {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(modelOf(input, large)), {}, {}, {}, {}, {}, {}};
     input.report().addCorrelation(fit, result.found, result.subset.condition);
     input.report().addTrend(fit, *trend, result.subset.coefficients);
     distinct.addErrors(fit, *large.all, result.residuals,

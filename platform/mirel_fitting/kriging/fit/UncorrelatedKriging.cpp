@@ -57,7 +57,7 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
     model.coefficients = {0.0};
     model.processVariance = squares / n;
 
-    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
     input.report().addTrend(fit, *trend, {0.0});
     input.report().addIndependence(fit, squares / n, input.output.size());
     addErrorsOfMean(fit, input, squares);
@@ -110,7 +110,7 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
     model.coefficients = leastSquares.coefficients;
     model.processVariance = leastSquares.variance;
 
-    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
     input.report().addIndependence(fit, leastSquares.variance, data->cases);
     input.report().addTrend(fit, *trend, leastSquares.coefficients);
     std::vector<std::size_t> points(data->cases);
@@ -119,7 +119,7 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
                        {points, leastSquares.leaveOneOutResiduals,
                         leastSquares.leaveOneOutVariances, leastSquares.variance, 0.0});
     distinct.warnOfConflicts(true, fit.warnings);
-    input.warnOfTrend(*trend, data->cases, fit.warnings);
+    input.warnOfTrend(*trend, data->cases, fit);
     fit.warnings.push_back(
         "The trend passes through all cases: there is nothing left to correlate.");
     return fit;

@@ -128,16 +128,6 @@ std::vector<std::string> KrigingTrend::names(const std::vector<std::size_t>& inp
     return result;
 }
 
-std::vector<std::string>
-KrigingTrend::droppedNames(const std::vector<std::size_t>& inputNumbers) const
-{
-    std::vector<std::string> result;
-    for (const Term& term : dropped) {
-        result.push_back(name(term, inputNumbers));
-    }
-    return result;
-}
-
 void KrigingTrend::add(const std::vector<const double*>& points, std::size_t count,
                        const std::vector<double>& coefficients, double* result) const
 {

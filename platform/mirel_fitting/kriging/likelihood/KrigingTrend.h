@@ -51,7 +51,8 @@ public:
 
     /** @param inputNumbers the number k in "Vk" of each input. */
     std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;
-    std::vector<std::string> droppedNames(const std::vector<std::size_t>& inputNumbers) const;
+    /** Of the coordinates that centred() gives. */
+    const std::vector<QuadraticBasis::Term>& droppedTerms() const { return dropped; }
 
     /** result[i] += value of the polynomial at point i; `points` as scaled coordinates. */
     void add(const std::vector<const double*>& points, std::size_t count,

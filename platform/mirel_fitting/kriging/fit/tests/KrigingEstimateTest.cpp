@@ -26,9 +26,9 @@ struct Estimated
 
     std::vector<std::string> warnings() const
     {
-        std::vector<std::string> result;
-        estimate->warn(result);
-        return result;
+        KrigingFit fit{KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
+        estimate->warn(fit);
+        return KrigingTexts::warnings(fit);
     }
 
     Columns inputs;

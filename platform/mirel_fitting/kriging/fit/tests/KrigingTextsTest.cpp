@@ -14,7 +14,7 @@ using Sentences = std::vector<std::string>;
 /** A fit that leaves nothing to say. */
 KrigingFit soundFit()
 {
-    KrigingFit fit{KrigingPredictor(FittedKriging()), {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
     fit.trendText = "2 + 3 * V1";
     fit.metrics.cases = 20;
     fit.metrics.terms = 2;
@@ -48,7 +48,7 @@ TEST(KrigingTexts, WritesALinePerFigure)
     fit.report.noiseDeviation = 0.2;
     fit.report.lengthBounds = {Bound::None, Bound::Upper, Bound::Lower};
     fit.report.worstCases = {{4, 3.5, 2.5}, {0, 1.0, 1.25}};
-    fit.warnings = {"V4 is constant over the cases and was ignored."};
+    fit.constantInputs = {3};
 
     EXPECT_EQ(KrigingTexts::quality(fit),
               "Cases: 20\n"

@@ -62,8 +62,14 @@ TEST(KrigingWarnings, NamesInputsTermsAndNuggets)
 {
     EXPECT_EQ(KrigingWarnings::ofConstantInput(1),
               "V2 is constant over the cases and was ignored.");
-    EXPECT_EQ(KrigingWarnings::ofDroppedTerms({"V1", "V2*V3"}),
-              "Terms of the trend that the cases cannot separate were dropped: V1, V2*V3.");
+    EXPECT_EQ(KrigingWarnings::ofDroppedTerms({{0}, {1, 2}}),
+              "Terms of the trend that the cases cannot separate were dropped: V1, V2 V3.");
+    const InputNames names({"Pressure", "Ratio"});
+    EXPECT_EQ(KrigingWarnings::ofConstantInput(1, names),
+              "\"Ratio\" is constant over the cases and was ignored.");
+    EXPECT_EQ(KrigingWarnings::ofDroppedTerms({{0, 0}, {0, 1}}, names),
+              "Terms of the trend that the cases cannot separate were dropped: \"Pressure\"^2, "
+              "\"Pressure\" * \"Ratio\".");
     EXPECT_EQ(KrigingWarnings::ofRaisedNugget(1e-10),
               "The nugget was raised to 1e-10: with less the correlation matrix cannot be "
               "factorised.");

@@ -60,7 +60,8 @@ double bowl(const std::vector<double>& x)
 
 bool mentions(const KrigingFit& fit, const std::string& words)
 {
-    return std::any_of(fit.warnings.begin(), fit.warnings.end(), [&](const std::string& text) {
+    const std::vector<std::string> warnings = KrigingTexts::warnings(fit);
+    return std::any_of(warnings.begin(), warnings.end(), [&](const std::string& text) {
         return text.find(words) != std::string::npos;
     });
 }
