@@ -124,9 +124,10 @@ TEST_F(ExportCommand, WrongUseIsAnsweredByASentence)
     expectFailure("export cvd.csv -y Stress --format xml", 2,
                   "--format needs text, json, c, python or excel, not \"xml\".");
     expectFailure("fit cvd.csv -y Stress --format c", 2, "--format belongs to the command export.");
-    expectFailure("export cvd.csv -y Stress --format json --json", 2,
-                  "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
-                  "project and check.");
+    expectFailure(
+        "export cvd.csv -y Stress --format json --json", 2,
+        "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
+        "project and check.");
     expectFailure("export cvd.csv -y Stress --format c -o none/model.c", 5,
                   "The file \"none/model.c\" cannot be written: No such file or directory.");
     expectFailure("export none.csv -y Stress --format c", 5,

@@ -69,8 +69,8 @@ SURROGATE_LANE_OPERATION expOfNegative(const Lanes& a, Lanes& result)
     const Lanes k = shifted - rounder;
     const Lanes r = (x - k * ln2High) - k * ln2Low;
 
-    // exp(r) = 1 + r q(r). q interpolates at the Chebyshev points: exp(r) is good to 1e-17. Even and
-    // odd powers are two independent sums, which halves the latency.
+    // exp(r) = 1 + r q(r). q interpolates at the Chebyshev points: exp(r) is good to 1e-17. Even
+    // and odd powers are two independent sums, which halves the latency.
     const Lanes square = r * r;
     Lanes even = Lanes{} + 2.7626357255270770e-07;
     Lanes odd = Lanes{} + 2.5105206384587240e-08;
