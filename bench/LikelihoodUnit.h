@@ -5,10 +5,10 @@
 
 /**
  * What one evaluation of a Kriging likelihood with its gradient costs on this machine: the
- * yardstick that fits are told in. Plain LAPACK, one n x n matrix for the correlations and one for
- * their inverse: Cholesky factor and inverse take n^3 multiplications, the gradient is traced
- * through the two matrices without a third. Tensor-product Matern 5/2 correlation, constant trend.
- * Rasmussen, Williams: Gaussian Processes for Machine Learning, MIT Press 2006, ch. 5.4.1.
+ * unit that the times of fits are given in. Plain LAPACK, one n x n matrix for the correlations and
+ * one for their inverse: Cholesky factor and inverse take n^3 multiplications, the gradient is
+ * traced through the two matrices without a third. Tensor-product Matern 5/2 correlation, constant
+ * trend. Rasmussen, Williams: Gaussian Processes for Machine Learning, MIT Press 2006, ch. 5.4.1.
  */
 class LikelihoodUnit
 {

@@ -123,7 +123,7 @@ void shapes(benchmark::internal::Benchmark* bench)
 BENCHMARK(predictGrid)->Apply(shapes);
 BENCHMARK(predictScattered)->Apply(shapes);
 
-/** In MiB, a figure of the process as Linux tells it; NaN elsewhere. */
+/** In MiB, a figure of the process as Linux reports it; NaN elsewhere. */
 double processMemory(const std::string& name)
 {
     std::ifstream status("/proc/self/status");

@@ -364,6 +364,13 @@ const Command commands[] = {
     {CommandLine::Check, "check", "the values of a distribution text, or what is wrong with it",
      describeCheck}};
 
+/** Nothing where half of the word would have to change: it is not misspelt but unknown. */
+std::string suggestion(const std::string& word, const std::vector<std::string>& known)
+{
+    const std::string& nearest = known[nearestText(word, known)];
+    return 2 * editDistance(word, nearest) > word.size() ? "" : "; the nearest is " + nearest;
+}
+
 /** The description, with one subcommand for each command. */
 class Parser
 {
@@ -432,9 +439,8 @@ private:
             names.emplace_back(command.name);
             list += (list.empty() ? "" : ", ") + names.back();
         }
-        return UsageError("There is no command \"" + name + "\"; the nearest is " +
-                          names[nearestText(name, names)] + ". The commands are: " + list +
-                          "; surrogate --help describes them.");
+        return UsageError("There is no command \"" + name + '"' + suggestion(name, names) +
+                          ". The commands are: " + list + "; surrogate --help describes them.");
     }
 
     /** What no command or option of the description has taken. */
@@ -484,9 +490,8 @@ private:
                 known.push_back("--" + own->get_lnames().front());
             }
         }
-        return UsageError("There is no option \"" + option + "\"; the nearest is " +
-                          known[nearestText(option, known)] + ". surrogate " + command +
-                          " --help lists the options.");
+        return UsageError("There is no option \"" + option + '"' + suggestion(option, known) +
+                          ". surrogate " + command + " --help lists the options.");
     }
 
     CLI::App app;

@@ -82,13 +82,13 @@ void runFit(const CommandLine& line)
 }
 
 /** Limits must not look like an input that has their name. */
-void checkLimitNames(const CommandLine& line, const CaseSession& session)
+void checkLimitNames(const CommandLine& line, const Workspace& workspace)
 {
     if (!line.interval) {
         return;
     }
-    std::vector<std::string> taken = namesOf(session.inputs());
-    const std::vector<std::string> outputs = namesOf(session.outputs());
+    std::vector<std::string> taken = namesOf(workspace.inputs());
+    const std::vector<std::string> outputs = namesOf(workspace.outputs());
     taken.insert(taken.end(), outputs.begin(), outputs.end());
     for (const std::string& output : outputs) {
         for (const std::string& name :

@@ -15,13 +15,13 @@
 
 namespace {
 /** As many as asked for, or as usual, as far as there are cases for them. */
-std::size_t foldsFor(const CommandLine& line, const CaseSession& session)
+std::size_t foldsFor(const CommandLine& line, const Workspace& workspace)
 {
-    const std::size_t most = ModelComparison::maxFolds(session);
+    const std::size_t most = ModelComparison::maxFolds(workspace);
     if (!line.folds) {
         return std::min(ModelComparison::defaultFolds, most);
     }
-    // With less than two cases no number of folds would be right: that is told by the comparison.
+    // With less than two cases no number of folds would be right: the comparison reports that.
     if (most >= 2 && *line.folds > most) {
         throw UsageError("--folds " + std::to_string(*line.folds) +
                          " is more than there are valid cases, copies counted once: " +

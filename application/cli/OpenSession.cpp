@@ -47,14 +47,14 @@ SessionChoices choices(const CommandLine& line)
     return choices;
 }
 
-void requireRoles(const CommandLine& line, const CaseSession& session)
+void requireRoles(const CommandLine& line, const Workspace& workspace)
 {
     if (line.command == CommandLine::Summary) {
         return;
     }
-    if (session.outputs().empty()) {
+    if (workspace.outputs().empty()) {
         std::string numeric;
-        for (const VarPtr& variable : session.project().variables()) {
+        for (const VarPtr& variable : workspace.project().variables()) {
             if (variable.lock()->isNumeric()) {
                 numeric += (numeric.empty() ? "\"" : ", \"") + nameOf(variable) + '"';
             }
@@ -63,7 +63,7 @@ void requireRoles(const CommandLine& line, const CaseSession& session)
                          (numeric.empty() ? "No column is numeric."
                                           : "The numeric columns are: " + numeric + '.'));
     }
-    if (session.inputs().empty()) {
+    if (workspace.inputs().empty()) {
         throw UsageError(line.startsFromProject() ? "The project has no input; name one: -x NAME."
                                                   : "No numeric column is left to be an input.");
     }

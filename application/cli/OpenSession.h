@@ -29,7 +29,7 @@ struct OpenSession
     /** Keeps what was chosen, if --save asks for it: once the work with it has gone well. */
     void save(const CommandLine& line) const;
 
-    UndoStack::SuspendUndoRecording unrecorded;  ///< nobody can undo what a command does
+    UndoStack::SuspendUndoRecording unrecorded;  ///< a command ends before anything could be undone
     std::chrono::steady_clock::time_point start; ///< of reading
     std::unique_ptr<CaseSession> opened;
     CaseSession& session = *opened;

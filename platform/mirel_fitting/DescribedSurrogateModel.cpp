@@ -88,7 +88,7 @@ void checkCorrelation(const Description& description)
     require(allFinite(description.cases), "a coordinate of a case is not finite.");
     for (const double length : description.lengths) {
         require(length > 0.0, "a length is not positive.");
-        // A length below this is nobody's: the scaled coordinates must stay finite.
+        // Shorter lengths are refused: the scaled coordinates must stay finite.
         require(length >= 1e-100, "a length is below 1e-100.");
     }
     for (const double coordinate : description.cases) {

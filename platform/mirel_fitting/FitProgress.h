@@ -64,8 +64,8 @@ public:
     /**
      * For algorithms that do not know which fit they are a part of: reports so much more work in
      * the innermost portion of this thread. The fraction comes close to 1 without reaching it, as
-     * nobody knows how many iterations are left. Does nothing outside of portions with a message,
-     * for example in a prediction.
+     * the number of iterations that are left is unknown. Does nothing outside of portions with a
+     * message, for example in a prediction.
      * @throw SurrogateModelInterface::Error like report().
      */
     static void advance(double work = 0.0);

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-/** A sum over a table of numbers in which each has a factor that tells its place: by it an exported
- *  file sees a number that was changed where no check point is near. */
+/** A sum over a table of numbers in which each has a factor given by its position: by it an
+ * exported file sees a number that was changed where no check point is near. */
 struct TableSum
 {
     explicit TableSum(const std::vector<double>& numbers);

@@ -63,6 +63,16 @@ TEST_F(Program, InputsAndOutputsHaveLongOptions)
     EXPECT_EQ(shortOnes.exitCode, 0);
 }
 
+TEST_F(Program, AnUnknownWordGetsNoSuggestion)
+{
+    expectFailure(
+        "nonsense cvd.csv", 2,
+        "There is no command \"nonsense\". The commands are: summary, fit, evaluate, predict, "
+        "equations, compare, plot, export, project, check; surrogate --help describes them.");
+    expectFailure("fit cvd.csv --colour red", 2,
+                  "There is no option \"--colour\". surrogate fit --help lists the options.");
+}
+
 TEST_F(Program, AMisspeltOptionGetsASuggestion)
 {
     expectFailure("fit cvd.csv -y Stress --thread 2", 2,

@@ -58,13 +58,13 @@ std::vector<double> chosen(const std::vector<double>& column, const std::vector<
     return values;
 }
 
-void addNearCases(const CaseSession& session, ModelCut& cut)
+void addNearCases(const Workspace& workspace, ModelCut& cut)
 {
-    const std::vector<std::size_t> fitted = session.validCases();
+    const std::vector<std::size_t> fitted = workspace.validCases();
     std::vector<std::size_t> near = fitted;
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         const std::vector<double>& points = cut.inputs[i].values;
-        const auto& column = session.project().numericValues(session.inputs()[i]);
+        const auto& column = workspace.project().numericValues(workspace.inputs()[i]);
         const auto [least, most] = std::minmax_element(points.begin(), points.end());
         const double slack = (isSwept(cut, i) ? roundingShare : nearShare) *
                              AxisScale::range(chosen(column, fitted)).width();
@@ -76,11 +76,11 @@ void addNearCases(const CaseSession& session, ModelCut& cut)
     cut.fittedCases = fitted.size();
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         cut.inputs[i].caseValues =
-            chosen(session.project().numericValues(session.inputs()[i]), near);
+            chosen(workspace.project().numericValues(workspace.inputs()[i]), near);
     }
     for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
         cut.outputs[i].caseValues =
-            chosen(session.project().numericValues(session.outputs()[i]), near);
+            chosen(workspace.project().numericValues(workspace.outputs()[i]), near);
     }
 }
 
@@ -94,7 +94,7 @@ std::string shortName(const std::string& name)
                : (text.left(maxNameCharacters - 1) + ellipsis).toStdString();
 }
 
-/** As it was typed, unless nobody would type so many digits. */
+/** The shortest text of the number; with fewer digits where that has too many to be read. */
 std::string shortNumber(double number)
 {
     constexpr std::size_t longest = 10;

@@ -19,7 +19,7 @@
 #include <vector>
 
 namespace {
-/** Two pictures stand side by side: larger ones would be shrunk until nobody could read them. */
+/** Two pictures stand side by side: larger ones would be shrunk beyond reading. */
 const PictureSize sizeOnPage = {540, 420};
 
 /** @param make gives the picture. One that cannot be drawn does not cost the others. */

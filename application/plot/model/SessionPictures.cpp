@@ -79,10 +79,10 @@ void SessionPictures::sweepRemaining(Kind kind, CaseSession& session,
     }
 }
 
-void SessionPictures::check(Kind kind, const CaseSession& session)
+void SessionPictures::check(Kind kind, const Workspace& workspace)
 {
     const std::size_t needed = sweptInputs(kind);
-    const std::size_t swept = session.sweptInputs().size();
+    const std::size_t swept = workspace.sweptInputs().size();
     if (needed > 0 && swept != needed) {
         const std::string present = swept == 0   ? "none is"
                                     : swept == 1 ? "one is"
@@ -91,7 +91,7 @@ void SessionPictures::check(Kind kind, const CaseSession& session)
                                       : "A picture of kind contour needs two swept inputs and ") +
                          present + '.');
     }
-    if (kind == Kind::Coefficients && session.modelType() == CaseSession::Kriging) {
+    if (kind == Kind::Coefficients && workspace.modelType() == Workspace::Kriging) {
         throw UsageError("Only the response surface has coefficients to draw.");
     }
 }

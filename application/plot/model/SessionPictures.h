@@ -10,6 +10,7 @@
 #include <vector>
 
 class CaseSession;
+class Workspace;
 
 /** The kinds of pictures of a session's model: what each needs, and one panel of it per output, in
  *  the order of the roles. */
@@ -48,7 +49,7 @@ SURROGATE_PLOT_EXPORT void sweepRemaining(Kind kind, CaseSession& session,
  * @throw UsageError if the session sweeps another number of inputs than the kind needs, or
  *        coefficients are wanted of a model that has none.
  */
-SURROGATE_PLOT_EXPORT void check(Kind kind, const CaseSession& session);
+SURROGATE_PLOT_EXPORT void check(Kind kind, const Workspace& workspace);
 
 /** Fits first if need be. @throw UsageError as check(), and where the swept values are all the
  * same; SurrogateModelInterface::Error */

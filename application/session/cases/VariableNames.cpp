@@ -98,7 +98,7 @@ std::vector<std::size_t> VariableNames::listed(const std::string& text) const
         return reader.found;
     }
 
-    // The first part that is no name by itself is what the user is told about.
+    // The message names the first part that is no name by itself.
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         position(trimmed(text.substr(begin, end - begin)));

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-/** What tells whether a file holds the same bytes as before. */
+/** Size and SHA-256 digest of a file, to see whether it has changed. */
 struct SURROGATE_SESSION_EXPORT FileFingerprint
 {
     /** Reads the file, a block at a time. @throw FileError if that fails, and for what is no

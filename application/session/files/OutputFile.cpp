@@ -91,8 +91,8 @@ void OutputFile::commit()
     if (!temporary) {
         return;
     }
-    // QSaveFile ignores what this tells: that a remote disk is full. Some file systems have nothing
-    // to flush.
+    // QSaveFile ignores the result of fsync: that a remote disk is full. Some file systems have
+    // nothing to flush.
     if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP) {
         fail(std::strerror(errno));
     }

@@ -36,7 +36,7 @@ public:
 
     SessionSettings settings() const;
 
-    /** Makes the settings these; the project tells its listeners once. */
+    /** Makes the settings these; the project emits one change. */
     void setSettings(const SessionSettings& settings);
 
     /**

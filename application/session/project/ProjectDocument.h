@@ -22,7 +22,8 @@ class SerializerInterface;
 class SURROGATE_SESSION_EXPORT ProjectDocument : public ProjectContents
 {
 public:
-    /** What the names of project files end with, so that they can be told from case files. */
+    /** What the names of project files end with, so that they can be distinguished from case files.
+     */
     static constexpr const char* fileEnding = ".surrogate.xml";
 
     /** A distribution element: the distribution of one variable. */

@@ -1,9 +1,9 @@
 #include "session/report/ComparisonReport.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/CaseSession.h"
 #include "session/model/ModelComparison.h"
 #include "session/model/PolynomialWords.h"
+#include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
@@ -95,18 +95,18 @@ const char* nameOf(OutputComparison::Verdict verdict)
 }
 } // namespace
 
-std::string ComparisonReport::text(const CaseSession& session, const ModelComparison& comparison)
+std::string ComparisonReport::text(const Workspace& workspace, const ModelComparison& comparison)
 {
-    std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
-    text += "Inputs  " + oneLineText(joinedText(namesOf(session.inputs()))) + '\n';
+    std::string text = "Cases   " + ReportHeading::caseText(workspace) + '\n';
+    text += "Inputs  " + oneLineText(joinedText(namesOf(workspace.inputs()))) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
-    const PolynomialTerms terms = session.responseSurface().terms;
+    const PolynomialTerms terms = workspace.responseSurface().terms;
     if (terms != PolynomialTerms::Quadratic) {
         text += std::string("Order   the response surface is linear") +
                 (terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
-    if (ReportHeading::selectsTerms(session)) {
+    if (ReportHeading::selectsTerms(workspace)) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
     for (const OutputComparison& output : comparison.outputs) {
@@ -115,12 +115,12 @@ std::string ComparisonReport::text(const CaseSession& session, const ModelCompar
     return text;
 }
 
-ReportJson::Json ComparisonReport::json(const CaseSession& session,
+ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                                         const ModelComparison& comparison, double readSeconds)
 {
     Json json = {{"schema", ReportJson::schemaVersion},
-                 {"cases", ReportJson::cases(session.counts())},
-                 {"inputs", namesOf(session.inputs())},
+                 {"cases", ReportJson::cases(workspace.counts())},
+                 {"inputs", namesOf(workspace.inputs())},
                  {"folds", comparison.folds},
                  {"outputs", Json::array()}};
     for (const OutputComparison& output : comparison.outputs) {
@@ -134,8 +134,8 @@ ReportJson::Json ComparisonReport::json(const CaseSession& session,
              {"recommended", nameOf(output.verdict)},
              {"recommendation", output.recommendation}});
     }
-    json["terms"] = termsWord(session.responseSurface().terms);
-    json["selectsTerms"] = ReportHeading::selectsTerms(session);
+    json["terms"] = termsWord(workspace.responseSurface().terms);
+    json["selectsTerms"] = ReportHeading::selectsTerms(workspace);
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return json;
 }

@@ -6,15 +6,15 @@
 
 #include <string>
 
-class CaseSession;
+class Workspace;
 struct ModelComparison;
 
 /** A comparison of the models, as text for people and as JSON for programs. */
 namespace ComparisonReport {
-SURROGATE_SESSION_EXPORT std::string text(const CaseSession& session,
+SURROGATE_SESSION_EXPORT std::string text(const Workspace& workspace,
                                           const ModelComparison& comparison);
 
 /** @param readSeconds the time that reading the case file took. */
 SURROGATE_SESSION_EXPORT ReportJson::Json
-json(const CaseSession& session, const ModelComparison& comparison, double readSeconds);
+json(const Workspace& workspace, const ModelComparison& comparison, double readSeconds);
 } // namespace ComparisonReport

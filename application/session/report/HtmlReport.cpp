@@ -59,12 +59,12 @@ std::string tableText(const StatisticsTables::Table& table)
     return text + "</tbody></table></div>\n";
 }
 
-StatisticsTables::Table inputTable(const CaseSession& session)
+StatisticsTables::Table inputTable(const Workspace& workspace)
 {
     StatisticsTables::Table table;
     table.title = "Inputs";
     table.heading = {"Name", "Symbol", "Minimum", "Maximum"};
-    for (const VarPtr& input : session.inputs()) {
+    for (const VarPtr& input : workspace.inputs()) {
         const auto variable = input.lock();
         const auto [minimum, maximum] = variable->range();
         table.rows.push_back({variable->name(), 'V' + std::to_string(table.rows.size() + 1),

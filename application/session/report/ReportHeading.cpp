@@ -1,42 +1,42 @@
 #include "session/report/ReportHeading.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/CaseSession.h"
 #include "session/model/PolynomialWords.h"
+#include "session/model/Workspace.h"
 #include "session/text/JoinedText.h"
 
-std::string ReportHeading::modelText(const CaseSession& session)
+std::string ReportHeading::modelText(const Workspace& workspace)
 {
-    if (session.modelType() == CaseSession::Kriging) {
+    if (workspace.modelType() == Workspace::Kriging) {
         return "Kriging";
     }
-    const PolynomialTerms terms = session.responseSurface().terms;
+    const PolynomialTerms terms = workspace.responseSurface().terms;
     const char* const polynomial = terms == PolynomialTerms::Linear ? ", linear"
                                    : terms == PolynomialTerms::Interactions
                                        ? ", linear with interactions"
                                        : "";
     return std::string("response surface") + polynomial +
-           (selectsTerms(session) ? ", terms selected by AICc" : "");
+           (selectsTerms(workspace) ? ", terms selected by AICc" : "");
 }
 
-std::string ReportHeading::caseText(const CaseSession& session)
+std::string ReportHeading::caseText(const Workspace& workspace)
 {
-    const CaseCounts& counts = session.counts();
+    const CaseCounts& counts = workspace.counts();
     std::string text = std::to_string(counts.read) + " read, " + std::to_string(counts.valid) +
                        " valid, " + std::to_string(counts.excluded) + " excluded, " +
                        std::to_string(counts.invalid) + " invalid";
     std::vector<std::string> reasons;
-    for (const auto& [name, cases] : invalidCases(session)) {
+    for (const auto& [name, cases] : invalidCases(workspace)) {
         reasons.push_back(name + ' ' + std::to_string(cases));
     }
     return reasons.empty() ? text : text + " (" + joinedText(reasons) + ')';
 }
 
 std::vector<std::pair<std::string, std::size_t>>
-ReportHeading::invalidCases(const CaseSession& session)
+ReportHeading::invalidCases(const Workspace& workspace)
 {
     std::vector<std::pair<std::string, std::size_t>> result;
-    const CaseCounts& counts = session.counts();
+    const CaseCounts& counts = workspace.counts();
     const auto append = [&result](const std::vector<VarPtr>& variables,
                                   const std::vector<std::size_t>& invalid) {
         for (std::size_t i = 0; i < variables.size(); ++i) {
@@ -45,27 +45,27 @@ ReportHeading::invalidCases(const CaseSession& session)
             }
         }
     };
-    append(session.inputs(), counts.invalidByInput);
-    append(session.outputs(), counts.invalidByOutput);
+    append(workspace.inputs(), counts.invalidByInput);
+    append(workspace.outputs(), counts.invalidByOutput);
     return result;
 }
 
-bool ReportHeading::selectsTerms(const CaseSession& session)
+bool ReportHeading::selectsTerms(const Workspace& workspace)
 {
-    return session.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+    return workspace.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
 }
 
-ReportJson::Json ReportHeading::modelJson(const CaseSession& session)
+ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
 {
     ReportJson::Json json = {
         {"schema", ReportJson::schemaVersion},
-        {"cases", ReportJson::cases(session.counts())},
-        {"model", session.modelType() == CaseSession::Kriging ? "kriging" : "response-surface"}};
-    if (session.modelType() == CaseSession::ResponseSurface) {
-        json["terms"] = termsWord(session.responseSurface().terms);
-        json["selectsTerms"] = selectsTerms(session);
+        {"cases", ReportJson::cases(workspace.counts())},
+        {"model", workspace.modelType() == Workspace::Kriging ? "kriging" : "response-surface"}};
+    if (workspace.modelType() == Workspace::ResponseSurface) {
+        json["terms"] = termsWord(workspace.responseSurface().terms);
+        json["selectsTerms"] = selectsTerms(workspace);
     }
-    json["inputs"] = namesOf(session.inputs());
+    json["inputs"] = namesOf(workspace.inputs());
     json["outputs"] = ReportJson::Json::array();
     return json;
 }

@@ -7,23 +7,23 @@
 #include <utility>
 #include <vector>
 
-class CaseSession;
+class Workspace;
 
 /** What several reports begin with. */
 namespace ReportHeading {
 /** "Kriging", "response surface", "response surface, linear, terms selected by AICc": the default
  *  terms are not mentioned. */
-std::string modelText(const CaseSession& session);
+std::string modelText(const Workspace& workspace);
 
 /** "11 read, 9 valid, 0 excluded, 2 invalid (Pressure 1, Stress 1)". */
-std::string caseText(const CaseSession& session);
+std::string caseText(const Workspace& workspace);
 
 /** The inputs and outputs that make cases invalid, each with the number of these. */
-std::vector<std::pair<std::string, std::size_t>> invalidCases(const CaseSession& session);
+std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& workspace);
 
 /** Whether terms of response surfaces are selected. */
-bool selectsTerms(const CaseSession& session);
+bool selectsTerms(const Workspace& workspace);
 
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
-ReportJson::Json modelJson(const CaseSession& session);
+ReportJson::Json modelJson(const Workspace& workspace);
 } // namespace ReportHeading

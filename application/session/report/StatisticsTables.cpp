@@ -12,7 +12,7 @@
 using ReportJson::Json;
 
 namespace {
-/** Of a probability, or a factor that nobody reads closer. */
+/** Digits of a probability or a factor: more are never of use. */
 constexpr int fewDigits = 4;
 
 /** @param isCoded has the inflation of the variance, which is the same in all units. */

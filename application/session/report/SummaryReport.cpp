@@ -1,7 +1,7 @@
 #include "session/report/SummaryReport.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/CaseSession.h"
+#include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
 #include "session/text/NumberText.h"
 #include "session/text/TextTable.h"
@@ -65,36 +65,36 @@ std::vector<VariableSummary> summariesOf(const Project& project)
 }
 } // namespace
 
-std::string SummaryReport::text(const CaseSession& session)
+std::string SummaryReport::text(const Workspace& workspace)
 {
     TextTable table({false, false, false, true, true, true});
     table.add({"Variable", "Kind", "Role", "Minimum", "Maximum", "Missing"});
-    for (const VariableSummary& variable : summariesOf(session.project())) {
+    for (const VariableSummary& variable : summariesOf(workspace.project())) {
         table.add({variable.name, variable.isNumeric ? "numeric" : "text",
                    variable.role == "none" ? "-" : variable.role, shownNumber(variable.minimum),
                    shownNumber(variable.maximum), std::to_string(variable.missing)});
     }
 
-    std::string text = table.text("") + "\nCases: " + ReportHeading::caseText(session) + '\n';
-    const std::vector<std::string> outputs = namesOf(session.outputs());
+    std::string text = table.text("") + "\nCases: " + ReportHeading::caseText(workspace) + '\n';
+    const std::vector<std::string> outputs = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        text += outputs[i] + " alone would have " + std::to_string(session.counts().validAlone[i]) +
-                " valid cases.\n";
+        text += outputs[i] + " alone would have " +
+                std::to_string(workspace.counts().validAlone[i]) + " valid cases.\n";
     }
     return text;
 }
 
-ReportJson::Json SummaryReport::json(const CaseSession& session)
+ReportJson::Json SummaryReport::json(const Workspace& workspace)
 {
     Json json = {{"schema", ReportJson::schemaVersion},
-                 {"cases", ReportJson::cases(session.counts())}};
+                 {"cases", ReportJson::cases(workspace.counts())}};
     json["cases"]["invalidBy"] = Json::array();
-    for (const auto& [name, cases] : ReportHeading::invalidCases(session)) {
+    for (const auto& [name, cases] : ReportHeading::invalidCases(workspace)) {
         json["cases"]["invalidBy"].push_back({{"name", name}, {"cases", cases}});
     }
 
     json["variables"] = Json::array();
-    for (const VariableSummary& variable : summariesOf(session.project())) {
+    for (const VariableSummary& variable : summariesOf(workspace.project())) {
         json["variables"].push_back({{"name", variable.name},
                                      {"kind", variable.isNumeric ? "numeric" : "text"},
                                      {"role", variable.role},
@@ -103,10 +103,10 @@ ReportJson::Json SummaryReport::json(const CaseSession& session)
                                      {"missing", variable.missing}});
     }
     json["outputs"] = Json::array();
-    const std::vector<std::string> outputs = namesOf(session.outputs());
+    const std::vector<std::string> outputs = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         json["outputs"].push_back(
-            {{"name", outputs[i]}, {"validAlone", session.counts().validAlone[i]}});
+            {{"name", outputs[i]}, {"validAlone", workspace.counts().validAlone[i]}});
     }
     return json;
 }

@@ -6,10 +6,10 @@
 
 #include <string>
 
-class CaseSession;
+class Workspace;
 
 /** The variables and the cases; needs no model. */
 namespace SummaryReport {
-SURROGATE_SESSION_EXPORT std::string text(const CaseSession& session);
-SURROGATE_SESSION_EXPORT ReportJson::Json json(const CaseSession& session);
+SURROGATE_SESSION_EXPORT std::string text(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT ReportJson::Json json(const Workspace& workspace);
 } // namespace SummaryReport

@@ -40,7 +40,8 @@ std::vector<double> multiply(const std::vector<double>& matrix, const std::vecto
 }
 
 /** After a step that failed: where the next one ends, as a share of it. The vertex of the parabola
- *  through value and slope at its start and the value at its end, if that is finite. */
+ *  through value and slope at its start and the value at its end, if that is finite; kept between a
+ *  tenth and a half as in Nocedal, Wright, section 3.5. */
 double shorterShare(double slope, double gained)
 {
     constexpr double withoutValue = 0.25;
@@ -217,7 +218,8 @@ bool BoundedSearch::tryStep(int maxTries, bool isLast)
     return false;
 }
 
-/** After a successful step. @param share gain over expected gain. */
+/** After a successful step; the rule and its limits are those of Nocedal, Wright, algorithm 4.1.
+ *  @param share gain over expected gain. */
 void BoundedSearch::adaptRadius(double share, bool isFirstTry)
 {
     constexpr double good = 0.75;

@@ -42,9 +42,11 @@ public:
         /** In logarithms of lengths a factor of e: a longer first step of a likelihood often lands
          *  where all cases are uncorrelated and the function is flat. */
         double firstRadius = 1.0;
+        /** A factor of e^4 = 55 in a length, two fifths of the way between its bounds. */
         double largestRadius = 4.0;
         double smallestRadius = 0.1; ///< after a successful step
-        /** Number of times that the box shrinks before a step is given up. */
+        /** Number of times that the box shrinks before a step is given up: halved so often, it is
+         *  smaller than any gain that counts. */
         int maxTries = 12;
         int maxTriesOfLast = 3; ///< of finish()
         /** Number of steps in a row with less than the smallest gain that stop the search: where

@@ -7,8 +7,6 @@
 
 namespace {
 
-const double rootOfFive = std::sqrt(5.0);
-
 /** How many points at a time: their coordinates stay in the first-level cache. */
 constexpr std::size_t blockPoints = 256;
 
@@ -45,7 +43,7 @@ void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 {
     chosenLengths = lengths;
     for (std::size_t k = 0; k < inputCount; ++k) {
-        scales[k] = rootOfFive / lengths[k];
+        scales[k] = MaternKernels::rootOfFive / lengths[k];
     }
     scaleCases();
 }

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/machine/SimdLanes.h>
 
+#include <cmath>
 #include <cstddef>
 
 /**
@@ -14,6 +15,9 @@
  */
 struct MaternKernels
 {
+    /** Coordinates are multiplied by it and divided by the length. */
+    static inline const double rootOfFive = std::sqrt(5.0);
+
     /** Beyond this distance by one input the correlation is 0 to every digit that counts. */
     static constexpr double farthest = 1000.0;
 

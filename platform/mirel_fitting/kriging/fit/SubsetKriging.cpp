@@ -4,6 +4,7 @@
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
 
 #include <algorithm>
@@ -17,17 +18,14 @@ SubsetKriging::SubsetKriging(const KrigingData& all, const Subset& subset,
 
 SubsetKriging::Model SubsetKriging::fit(double nugget, double soundNugget, bool interpolate)
 {
-    constexpr double raise = 10.0;
-    constexpr double hopeless = 1.0; // a nugget that lets any correlation matrix be factorised
-
     Model model;
     model.nugget = nugget;
     while (!std::isfinite(likelihood.evaluate(lengths, model.nugget))) {
-        if (model.nugget > hopeless) {
+        if (model.nugget > NuggetBounds::maxRaised) {
             throw SurrogateModelInterface::Error(
                 "The correlation matrix of the cases cannot be factorised.");
         }
-        model.nugget *= raise;
+        model.nugget *= NuggetBounds::raise;
         model.isNuggetRaised = true;
     }
     model.interpolates = interpolate && !model.isNuggetRaised && model.nugget <= soundNugget;

@@ -3,6 +3,7 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternKernels.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
@@ -16,8 +17,6 @@
 #include <utility>
 
 namespace {
-
-const double rootOfFive = std::sqrt(5.0);
 
 // Lengths are limited in the metric of the tree: coordinates divided by an infinite length would be
 // lost, and shorter lengths are tried later.
@@ -51,21 +50,17 @@ public:
                                                 const std::vector<double>& factors, double nugget,
                                                 double share)
     {
-        // The correlation matrix of coinciding cases is singular without a nugget.
-        constexpr double raise = 10.0;
-        constexpr double leastRaised = 1e-12;
-        constexpr double hopeless = 1.0;
-
         if (count == 0) {
             return {0.0, 1.0 + share};
         }
         correlate(sources, cases, count, point, factors);
         double used = nugget;
-        while (used <= std::max(nugget, hopeless)) {
+        while (used <= std::max(nugget, NuggetBounds::maxRaised)) {
             if (factorise(sources, cases, count, used)) {
                 return solve(sources, cases, count, share);
             }
-            used = std::max(used * raise, leastRaised);
+            // The correlation matrix of coinciding cases is singular without a nugget.
+            used = std::max(used * NuggetBounds::raise, NuggetBounds::sound);
         }
         return {0.0, 1.0 + share};
     }
@@ -227,7 +222,7 @@ public:
     {
         std::vector<double> result;
         for (std::size_t k = 0; k < inputs; ++k) {
-            result.push_back(rootOfFive * metric[k] / wanted.lengths[k]);
+            result.push_back(MaternKernels::rootOfFive * metric[k] / wanted.lengths[k]);
         }
         return result;
     }

@@ -3,6 +3,7 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 #include <mirel_fitting/kriging/search/KrigingOptima.h>
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
@@ -327,8 +328,6 @@ double expectedWork(std::size_t cases, const KrigingSearchSettings& settings)
 KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData>& data,
                                          const Settings& settings)
 {
-    constexpr double hopeless = 1.0; // a nugget that lets any correlation matrix be factorised
-
     const FitProgress::Portion progress(0.0, 1.0, "Searching for the correlation lengths",
                                         expectedWork(data->cases, settings));
     Settings attempt = settings;
@@ -340,11 +339,11 @@ KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData
             return result;
         }
         const double least = attempt.leastNugget();
-        if (least > hopeless) {
+        if (least > NuggetBounds::maxRaised) {
             throw SurrogateModelInterface::Error(
                 "The correlation matrix of the cases cannot be factorised.");
         }
-        attempt.smallestNugget = settings.policy.nuggetRaise * least;
+        attempt.smallestNugget = NuggetBounds::raise * least;
         isRaised = true;
     }
 }

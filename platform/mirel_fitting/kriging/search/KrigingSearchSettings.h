@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/KrigingOptions.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/kriging/search/SearchPolicy.h>
 
@@ -17,8 +18,10 @@ struct KrigingParameters
 
 struct KrigingSearchSettings
 {
-    double tolerance = 1e-4;     ///< smallest expected gain in log-likelihood per case
-    double initialLength = 0.5;  ///< of the standard starts, scaled
+    double tolerance =
+        KrigingOptions().tolerance; ///< smallest expected gain in log-likelihood per case
+    double initialLength =
+        KrigingOptions().initialCorrelationLength; ///< of the standard starts, scaled
     double smallestNugget = 0.0; ///< lower bound, or the value itself if it is fixed
     bool isNuggetFixed = false;
     std::vector<double> fixedLengths; ///< scaled; empty: searched for

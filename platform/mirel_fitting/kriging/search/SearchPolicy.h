@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include <cstddef>
@@ -13,15 +14,15 @@ struct SearchPolicy
 {
     // Bounds.
 
-    /** Shorter ones cannot be told from independent cases in most designs. */
+    /** In most designs shorter ones fit like independent cases. */
     double shortestLength = 0.01;
     /** Many cases of few inputs show shorter ones: cases this share of their spacing apart are
      *  correlated by a third. */
     double shortestSpacing = 0.5;
     /** Longer ones change predictions by less than a thousandth of the output's deviation. */
     double longestLength = 300.0;
-    /** Less is lost in the rounding of the ones on the diagonal of some thousand cases. */
-    double soundNugget = 1e-12;
+    /** The lower bound where none is asked for. */
+    double soundNugget = NuggetBounds::sound;
     /** 99 % of the variance. */
     double largestNugget = 100.0;
     /** The logarithm of the nugget is searched in steps of e^3 = 20 where those of the lengths
@@ -95,13 +96,11 @@ struct SearchPolicy
      *  nine of 218 fits. Self, Liang, J. Am. Stat. Assoc. 82 (1987). */
     double significantGain = 2.7;
     double slightNoise = 1e-4;
-    /** With all lengths at their lower bound the likelihood hardly tells spikes at the cases from
-     *  noise, and between the cases both predict the same: with more than 20 cases noise is
+    /** With all lengths at their lower bound the likelihood hardly separates spikes at the cases
+     * from noise, and between the cases both predict the same: with more than 20 cases noise is
      *  preferred if it costs no more. */
     double spikesGain = 0.4;
     std::size_t spikesCases = 20;
-    /** A matrix that cannot be factorised gets so many times the nugget, until it exceeds 1. */
-    double nuggetRaise = 10.0;
     /** A subset's estimate below this may be too much for all cases: the least nugget is tried. */
     double smoothSubsetNugget = 1e-6;
 
