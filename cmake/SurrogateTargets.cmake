@@ -11,6 +11,8 @@ if(NOT TARGET surrogate_warnings)
         # Not plain -Wshadow: fields carry no prefix, so that arguments may well bear their names.
         # GCC 12 takes the small-object buffers of boost::function for uninitialised reads.
         $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local -Wno-uninitialized -Wno-maybe-uninitialized>
+        # What the macros of VTK and GoogleTest expand to.
+        $<$<CXX_COMPILER_ID:Clang>:-Wno-extra-semi -Wno-gnu-zero-variadic-macro-arguments>
         # Results are the same bits whatever the processor can fuse.
         -ffp-contract=off)
 endif()

@@ -250,15 +250,15 @@ double KrigingLikelihood::Impl::normOfInverse() const
     std::array<lapack_int, 3> memory{};
     double estimate = 0.0;
     lapack_int request = 0; // not 0: multiply the probe by R^-1, or its transpose, the same
-    const auto ask = [&] {
+    for (;;) {
         LAPACKE_dlacn2_work(static_cast<lapack_int>(n), work.data(), probe.data(), signs.data(),
                             &estimate, &request, memory.data());
-    };
-    for (ask(); request != 0; ask()) {
+        if (request == 0) {
+            return estimate;
+        }
         cholesky.solveLower(probe.data(), 1);
         cholesky.solveTransposed(probe.data(), 1);
     }
-    return estimate;
 }
 
 double KrigingLikelihood::Impl::logLikelihood()
