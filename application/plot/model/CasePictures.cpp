@@ -14,9 +14,12 @@
 LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
 {
     const std::string name = session.outputs()[output].lock()->name();
-    const auto& model = dynamic_cast<const FittedModel&>(session.model());
+    const FittedModel* const model = session.fittedModel();
+    if (model == nullptr) {
+        throw SurrogateModelInterface::Error("The model has no cases to predict from each other.");
+    }
     return {name, session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
-            model.leaveOneOutPredictions(session.outputOffsets()[output]), session.counts().valid};
+            model->leaveOneOutPredictions(session.outputOffsets()[output]), session.counts().valid};
 }
 
 ActualPicture actualPicture(const LeaveOneOutCases& cases)

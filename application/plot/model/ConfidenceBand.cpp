@@ -13,7 +13,7 @@
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
 {
     constexpr double level = 0.95;
-    const auto* const model = dynamic_cast<const FittedModel*>(&session.model());
+    const FittedModel* const model = session.fittedModel();
     if (model == nullptr) {
         return {};
     }

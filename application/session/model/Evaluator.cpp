@@ -1,6 +1,7 @@
 #include "session/model/Evaluator.h"
 
 #include "session/cases/VariableNames.h"
+#include "session/model/ModelInterfaces.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
 #include "session/text/QuotedText.h"
@@ -8,8 +9,6 @@
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 
-#include <mirel_fitting/KrigingSurrogateModel.h>
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
 #include <vtkCommand.h>
@@ -103,16 +102,16 @@ public:
 private:
     std::string checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
     {
-        const auto* const cases = dynamic_cast<const PredictiveModel*>(model);
-        return cases == nullptr
+        const PredictiveModel* const predictive = ModelInterfaces(*model).predictive();
+        return predictive == nullptr
                    ? std::string()
-                   : cases->extrapolationWarning(points, count, namesOf(workspace.inputs()));
+                   : predictive->extrapolationWarning(points, count, namesOf(workspace.inputs()));
     }
 
     void addIntervals(const std::vector<double*>& points, std::size_t count, double level,
                       Evaluation& evaluation) const
     {
-        const auto* const fitted = dynamic_cast<const FittedModel*>(model);
+        const FittedModel* const fitted = ModelInterfaces(*model).fitted();
         for (std::size_t i = 0; i < workspace.outputs().size(); ++i) {
             try {
                 if (fitted == nullptr) {
@@ -153,17 +152,20 @@ SurrogateModelInterface& Evaluator::model()
     }
 }
 
+const FittedModel* Evaluator::fittedModel()
+{
+    return ModelInterfaces(model()).fitted();
+}
+
 const FitResult& Evaluator::fit()
 {
-    const SurrogateModelInterface& fitted = model();
+    const ModelInterfaces interfaces(model());
     if (impl->result) {
         return *impl->result;
     }
-    const auto* const metrics = dynamic_cast<const PredictiveModel*>(&fitted);
-    const auto* const kriging = dynamic_cast<const KrigingSurrogateModel*>(&fitted);
+    const PredictiveModel* const predictive = interfaces.predictive();
     const std::vector<std::string> inputNames = namesOf(impl->workspace.inputs());
-    const std::vector<std::size_t> cases =
-        kriging == nullptr ? std::vector<std::size_t>() : impl->workspace.validCases();
+    std::vector<std::size_t> cases;
 
     FitResult result;
     result.seconds = impl->fitSeconds;
@@ -171,12 +173,15 @@ const FitResult& Evaluator::fit()
         const int offset = impl->workspace.outputOffsets()[i];
         OutputFit& output = result.outputs.emplace_back();
         output.name = impl->workspace.outputs()[i].lock()->name();
-        if (metrics != nullptr) {
-            output.metrics = metrics->fitMetrics(offset);
-            output.warnings = metrics->fitWarnings(offset, inputNames);
+        if (predictive != nullptr) {
+            output.metrics = predictive->fitMetrics(offset);
+            output.warnings = predictive->fitWarnings(offset, inputNames);
         }
-        if (kriging != nullptr) {
-            output.kriging = kriging->krigingReport(offset);
+        output.kriging = interfaces.krigingReport(offset);
+        if (output.kriging) {
+            if (cases.empty()) {
+                cases = impl->workspace.validCases();
+            }
             for (KrigingReport::LeftOutCase& worst : output.kriging->worstCases) {
                 worst.row = cases.at(worst.row);
             }
@@ -188,14 +193,19 @@ const FitResult& Evaluator::fit()
 
 std::vector<ResponseSurfaceStatistics> Evaluator::statistics()
 {
-    const auto* const fitted = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model());
+    const ModelInterfaces interfaces(model());
     std::vector<ResponseSurfaceStatistics> results;
-    if (fitted == nullptr) {
-        return results;
-    }
-    const std::vector<std::size_t> cases = impl->workspace.validCases();
+    std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
-        results.push_back(fitted->responseSurfaceStatistics(offset));
+        std::optional<ResponseSurfaceStatistics> statistics =
+            interfaces.responseSurfaceStatistics(offset);
+        if (!statistics) {
+            return {};
+        }
+        if (cases.empty()) {
+            cases = impl->workspace.validCases();
+        }
+        results.push_back(std::move(*statistics));
         for (CaseLeverage& one : results.back().largestLeverages) {
             one.row = cases.at(one.row);
         }

@@ -73,6 +73,9 @@ public:
     /** @return valid until a choice that the model depends on changes. */
     SurrogateModelInterface& model();
 
+    /** The same model; null if it was read from a file, without cases. */
+    const FittedModel* fittedModel();
+
     /** @return valid like model(). */
     const FitResult& fit();
 

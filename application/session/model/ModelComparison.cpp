@@ -3,6 +3,7 @@
 #include "session/cases/CaseFolds.h"
 #include "session/cases/VariableNames.h"
 #include "session/model/ComparisonVerdict.h"
+#include "session/model/ModelInterfaces.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
 
@@ -10,7 +11,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/PredictiveModel.h>
 
 #include <algorithm>
 #include <cmath>
@@ -97,12 +98,14 @@ struct Cases
  * few cases. */
 std::size_t termCount(const SurrogateModelInterface& model, const ResponseSurfaceOptions& settings)
 {
-    const auto* const table = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
-    if (table != nullptr && settings.selection != ResponseSurfaceOptions::Selection::All) {
-        return table->responseSurfaceStatistics(0).coefficients.size();
+    const ModelInterfaces interfaces(model);
+    if (settings.selection != ResponseSurfaceOptions::Selection::All) {
+        if (const auto statistics = interfaces.responseSurfaceStatistics(0)) {
+            return statistics->coefficients.size();
+        }
     }
-    const auto* const metrics = dynamic_cast<const PredictiveModel*>(&model);
-    return metrics == nullptr ? 0 : metrics->fitMetrics(0).terms;
+    const PredictiveModel* const predictive = interfaces.predictive();
+    return predictive == nullptr ? 0 : predictive->fitMetrics(0).terms;
 }
 
 /** The cases of one fold, which test the models, and the others, which train them. */

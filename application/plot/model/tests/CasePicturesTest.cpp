@@ -2,6 +2,8 @@
 
 #include "CvdSession.h"
 
+#include <session/model/ModelFile.h>
+
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <gtest/gtest.h>
@@ -45,6 +47,14 @@ TEST(CasePictures, ResidualsAreActualMinusPredicted)
     for (std::size_t i = 0; i < 11; ++i) {
         EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
     }
+}
+
+TEST(CasePictures, RefuseAModelThatHasNoCases)
+{
+    CaseSession fitted = cvdSession();
+    CaseSession restored(ModelFile::exported(fitted, "{}"));
+
+    EXPECT_THROW(LeaveOneOutCases::of(restored, 0), SurrogateModelInterface::Error);
 }
 
 TEST(CasePictures, LeaveOutAndCountCasesThatTheOthersDoNotDetermine)

@@ -1,0 +1,45 @@
+#include <session/model/ModelInterfaces.h>
+
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_modelexport/ExportedModel.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+std::vector<double> x = {0, 1, 2, 3, 4, 5};
+std::vector<double> y = {0, 2, 3, 7, 8, 9};
+} // namespace
+
+TEST(ModelInterfaces, HasTheReportOfAKrigingModelAlone)
+{
+    const KrigingSurrogateModel model({x.data()}, {y.data()}, 6, KrigingOptions());
+    const ModelInterfaces interfaces(model);
+
+    EXPECT_EQ(interfaces.fitted(), &model);
+    EXPECT_TRUE(interfaces.krigingReport(0).has_value());
+    EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
+}
+
+TEST(ModelInterfaces, HasTheStatisticsOfAResponseSurfaceAlone)
+{
+    const SurrogateResponseSurfaceModel model({x.data()}, {y.data()}, x.size());
+    const ModelInterfaces interfaces(model);
+
+    EXPECT_EQ(interfaces.fitted(), &model);
+    EXPECT_EQ(interfaces.responseSurfaceStatistics(0)->coefficients.size(), 3u);
+    EXPECT_FALSE(interfaces.krigingReport(0).has_value());
+}
+
+TEST(ModelInterfaces, HasNothingThatNeedsCasesOfARestoredModel)
+{
+    const SurrogateResponseSurfaceModel fitted({x.data()}, {y.data()}, x.size());
+    const auto model = ExportedModel::of(fitted, {{"x", 0, 5}}, {{"y", 0}}).predictor();
+    const ModelInterfaces interfaces(*model);
+
+    EXPECT_EQ(interfaces.predictive(), model.get());
+    EXPECT_EQ(interfaces.fitted(), nullptr);
+    EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
+}
