@@ -371,17 +371,7 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesTheSameAgainAfterLoading)
 
 TEST_F(SurrogateModelManagerSerializerTest, BringsNamesWithMarkupBackByteForByte)
 {
-    const Names names = {"\"q\" 'a'",
-                         "<b>&amp;</b>",
-                         "a\nb\tc\rd",
-                         "]]>",
-                         "Gr\xC3\xB6\xC3\x9F"
-                         "e",
-                         "\xE6\xB8\xA9\xE5\xBA\xA6",
-                         "\xF0\x9F\x98\x80",
-                         "\xEF\xBB\xBFmarked",
-                         " ",
-                         "%1%"};
+    const Names names = textsThatXmlCanCarry();
     Variables variables;
     Collection point;
     for (const std::string& name : names) {
