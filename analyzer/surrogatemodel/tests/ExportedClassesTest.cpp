@@ -1,12 +1,18 @@
 // The exported classes between three parties: the library, a plugin and this program.
 #include "ExportedClassesPlugin.h"
+#include "FixedVariables.h"
 #include "ProjectTest.h"
-#include "UserDistXml.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
+#include <surrogatemodel/SurrogateModelQueryToTable.h>
 
 #include <mirel_datapipeline/ProjectDataPipelineManager.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <vtkCallbackCommand.h>
+#include <vtkNew.h>
+#include <vtkTable.h>
+#include <vtkVariant.h>
 
 #include <stdexcept>
 
@@ -18,92 +24,59 @@ class ExportedClasses : public ProjectTest
 protected:
     ExportedClasses() { manager->independentVars()->set({x}); }
 
+    /** A table of y at x = 0 and x = 2. */
+    vtkSmartPointer<SurrogateModelQueryToTable>
+    updatedQuery(const boost::shared_ptr<const SurrogateModelManagerInterface>& source) const
+    {
+        const auto variables = boost::make_shared<FixedVariables>();
+        variables->inputs = {{x, {0, 2}}};
+        variables->dependents = {y};
+        auto query = SurrogateModelQueryToTable::New(source, variables);
+        query->AddObserver(vtkCommand::ErrorEvent, vtkNew<vtkCallbackCommand>());
+        query->Update();
+        return query;
+    }
+
     VarPtr x = addInput("x", {0, 1, 2, 3});
     VarPtr y = addOutput("y", {0, 3, 6, 9});
-    boost::shared_ptr<SurrogateModelManagerInterface> manager =
-        plugin::makeManager(boost::make_shared<ProjectDataPipelineManager>(project));
+    boost::shared_ptr<DataPipelineManagerInterface> pipeline =
+        boost::make_shared<ProjectDataPipelineManager>(project);
+    boost::shared_ptr<SurrogateModelManagerInterface> manager = plugin::makeManager(pipeline);
+    boost::shared_ptr<SurrogateModelManagerInterface> refusingManager =
+        plugin::makeRefusingManager(pipeline, "The plugin refuses.");
 };
-
-constexpr char notEnoughCases[] = "There are not enough valid cases to create the surrogate model.";
 
 } // namespace
 
 TEST_F(ExportedClasses, AreTheSameTypesInThePluginAndInTheProgram)
 {
     EXPECT_NE(dynamic_cast<SurrogateModelManager*>(manager.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<SurrogateModelManager*>(plugin::makeRefusingManager("").get()), nullptr);
 }
 
-TEST_F(ExportedClasses, EvaluateAModelFromAPlugin)
+TEST_F(ExportedClasses, EvaluateAModelOfAPlugin)
 {
-    std::string error;
+    const auto query = updatedQuery(manager);
 
-    const std::vector<double> values = plugin::evaluate(manager, y, error);
-
-    EXPECT_EQ(error, "");
-    ASSERT_EQ(values.size(), 3U);
-    EXPECT_NEAR(values[0], 0.0, 1e-9);
-    EXPECT_NEAR(values[1], 3.0, 1e-9);
-    EXPECT_NEAR(values[2], 6.0, 1e-9);
+    EXPECT_EQ(query->getLastError(), "");
+    EXPECT_NEAR(query->GetOutput()->GetValueByName(0, "y").ToDouble(), 0.0, 1e-9);
+    EXPECT_NEAR(query->GetOutput()->GetValueByName(1, "y").ToDouble(), 6.0, 1e-9);
 }
 
-TEST_F(ExportedClasses, WriteEquationsFromAPlugin)
+TEST_F(ExportedClasses, LetFailuresOfTheLibraryInThePluginBeCaughtInTheProgram)
 {
-    const std::string text = plugin::equations(*manager, {y});
-
-    EXPECT_EQ(text.substr(0, text.find("Result")),
-              "Independent Variables\nV1 = x\n\nEquation for dependent variable: y\n");
-}
-
-TEST_F(ExportedClasses, ReadDistributionTextsFromAPlugin)
-{
-    EXPECT_EQ(plugin::valuesOf("1, 2 - 3 : 3"), (std::vector<double>{1, 2, 2.5, 3}));
-    EXPECT_EQ(plugin::keepText("x", "1 - 2 : 3"), "1 - 2 : 3");
-}
-
-TEST_F(ExportedClasses, SaveAndLoadSettingsFromAPlugin)
-{
-    const std::string saved = plugin::savedSettings(manager);
-    manager->independentVars()->set({});
-    manager->type()->set(SurrogateModelManagerInterface::Kriging);
-
-    plugin::loadSettings(manager, saved);
-
-    EXPECT_EQ(manager->independentVars()->get(), std::vector<VarPtr>{x});
-    EXPECT_EQ(manager->type()->get(), SurrogateModelManagerInterface::ResponseSurface);
-    EXPECT_EQ(plugin::loadedDistribution(
-                  "x", userDistBlock("<Variable Name='x' Distribution='1 - 2 : 3'/>")),
-              "1 - 2 : 3");
-}
-
-TEST_F(ExportedClasses, LetFailuresOfALoadInThePluginBeCaughtInTheProgram)
-{
-    EXPECT_THROW(plugin::loadedDistribution("x", userDistBlock("<Variable Mode='Manual'/>")),
-                 std::out_of_range);
-    EXPECT_THROW(plugin::savedSettings(nullptr), std::invalid_argument);
+    EXPECT_THROW(plugin::makeSerializerOfNothing(), std::invalid_argument);
 }
 
 TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheProgram)
 {
-    const auto refusing = plugin::makeRefusingManager("The plugin refuses.");
-    try {
-        refusing->model(std::set<int>{0});
-        FAIL() << "no error";
-    } catch (const SurrogateModelInterface::Error& error) {
-        EXPECT_STREQ(error.what(), "The plugin refuses.");
-    }
-    EXPECT_THROW(refusing->model(std::set<int>{0}), veska::ExceptionBase);
-    EXPECT_THROW(refusing->model(std::set<int>{0}), std::exception);
+    EXPECT_THROW(refusingManager->model(std::set<int>{0}), SurrogateModelInterface::Error);
+    EXPECT_THROW(refusingManager->model(std::set<int>{0}), veska::ExceptionBase);
+    EXPECT_THROW(refusingManager->model(std::set<int>{0}), std::exception);
 }
 
 TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheLibrary)
 {
-    std::string error;
-
-    EXPECT_TRUE(
-        plugin::evaluate(plugin::makeRefusingManager("The plugin refuses."), y, error).empty());
-
-    EXPECT_EQ(error, "The plugin refuses.");
+    EXPECT_EQ(updatedQuery(refusingManager)->getLastError(), "The plugin refuses.");
 }
 
 TEST_F(ExportedClasses, LetModelErrorsOfTheLibraryBeCaughtInThePlugin)

@@ -75,8 +75,6 @@ protected:
         boost::make_shared<SurrogateModelManager>(pipeline);
 };
 
-constexpr char notEnoughCases[] = "There are not enough valid cases to create the surrogate model.";
-
 /** The message of the model error that `request` ends with; empty if it does not. */
 template <class Request>
 std::string errorOf(const Request& request)

@@ -11,6 +11,8 @@
 
 constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
+constexpr char notEnoughCases[] = "There are not enough valid cases to create the surrogate model.";
+
 /** An open project of its own and an empty undo stack for each test; the process has one each. */
 class ProjectTest : public ::testing::Test
 {

@@ -116,8 +116,6 @@ protected:
         SurrogateModelQueryToTable::New(manager, variables);
 };
 
-constexpr char notEnoughCases[] = "There are not enough valid cases to create the surrogate model.";
-
 /** Exact data of a polynomial that both models contain: only rounding is left. */
 constexpr double rounding = 1e-6;
 
