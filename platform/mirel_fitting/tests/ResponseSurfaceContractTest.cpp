@@ -76,7 +76,7 @@ TEST(ResponseSurfaceContract, NamesAnOutputThatIsNotFiniteWheneverItIsWanted)
     EXPECT_EQ(errorOf([&] { model.qualityMetricInformation(1); }), message);
     EXPECT_EQ(errorOf([&] { model.fitMetrics(1); }), message);
     EXPECT_EQ(errorOf([&] { model.fitWarnings(1); }), message);
-    EXPECT_EQ(errorOf([&] { model.responseSurfaceStatistics(1).coefficients; }), message);
+    EXPECT_EQ(errorOf([&] { model.responseSurfaceStatistics(1); }), message);
 }
 
 TEST(ResponseSurfaceContract, RefusesColumnsThatCannotBeFitted)
