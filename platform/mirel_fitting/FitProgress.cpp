@@ -38,6 +38,9 @@ FitProgress::~FitProgress()
 
 void FitProgress::report(double fraction, const std::string& message)
 {
+    if (innermost) {
+        innermost->reached = fraction;
+    }
     const double ofTheWhole = innermost ? innermost->start + innermost->size * fraction : fraction;
     if (newest && newest->impl->report && !newest->impl->report(ofTheWhole, message)) {
         throw SurrogateModelInterface::Error("The fit was cancelled.");
@@ -52,9 +55,11 @@ void FitProgress::advance(double work)
         return;
     }
     innermost->done += work;
-    const bool isExpected = innermost->expectedWork > 0.0;
-    const double share = isExpected ? innermost->done / innermost->expectedWork : 0.0;
-    report(largestFraction * (1.0 - std::exp(-2.0 * share)), innermost->message);
+    const double share = innermost->done / innermost->expectedWork;
+    const double fraction = innermost->expectedWork > 0.0
+                                ? largestFraction * (1.0 - std::exp(-2.0 * share))
+                                : innermost->reached;
+    report(fraction, innermost->message);
 }
 
 FitProgress::Portion::Portion(double from, double to, std::string message, double expectedWork)

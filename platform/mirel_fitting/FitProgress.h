@@ -43,7 +43,8 @@ public:
     public:
         /**
          * @param message      with which advance() reports; none: that of the outer portion.
-         * @param expectedWork in any unit, that of advance(); 0: unknown, the fraction stays 0.
+         * @param expectedWork in any unit, that of advance(); 0: unknown, advance() repeats the
+         *                     fraction that was reported last.
          */
         Portion(double from, double to, std::string message = {}, double expectedWork = 0.0);
         ~Portion();
@@ -58,6 +59,7 @@ public:
         std::string message;
         double expectedWork;
         double done = 0.0;
+        double reached = 0.0;
         Portion* outer;
     };
 

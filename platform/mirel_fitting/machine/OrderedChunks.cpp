@@ -1,5 +1,7 @@
 #include <mirel_fitting/machine/OrderedChunks.h>
 
+#include <mirel_fitting/FitProgress.h>
+
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
@@ -15,19 +17,21 @@ namespace {
 class Schedule
 {
 public:
-    explicit Schedule(std::size_t chunks) : chunks(chunks) {}
+    Schedule(std::size_t chunks, double work)
+        : chunks(chunks), workPerChunk(work / static_cast<double>(chunks))
+    {}
 
-    /** Takes chunks until there are none, or something failed. */
-    void work(OrderedChunks::Worker& worker, const std::function<void(std::size_t)>& report,
-              const std::function<void()>& pause)
+    /** Takes chunks until there are none, or something failed. FitProgress ignores what threads
+     *  other than that of the fit report. */
+    void run(OrderedChunks::Worker& worker)
     {
+        std::size_t reported = 0;
         try {
             for (std::size_t chunk = take(); chunk < chunks; chunk = take()) {
-                if (report) {
-                    report(chunk);
-                }
+                FitProgress::advance(workPerChunk * static_cast<double>(chunk + 1 - reported));
+                reported = chunk + 1;
                 worker.compute(chunk);
-                if (!waitForTurn(chunk, pause)) {
+                if (!waitForTurn(chunk)) {
                     return;
                 }
                 worker.handOver(chunk);
@@ -53,17 +57,15 @@ private:
     }
 
     // No deadlock: the thread that has the earliest chunk not yet handed over never waits.
-    bool waitForTurn(std::size_t chunk, const std::function<void()>& pause)
+    bool waitForTurn(std::size_t chunk)
     {
         constexpr std::chrono::milliseconds interval(50); // often enough for progress bars
 
         std::unique_lock<std::mutex> lock(mutex);
         while (!changed.wait_for(lock, interval, [&] { return turn == chunk || failure; })) {
-            if (pause) {
-                lock.unlock(); // pause() may take long, or throw
-                pause();
-                lock.lock();
-            }
+            lock.unlock(); // the report may take long, or throw
+            FitProgress::advance();
+            lock.lock();
         }
         return !failure;
     }
@@ -85,6 +87,7 @@ private:
     }
 
     std::size_t chunks;
+    double workPerChunk;
     std::size_t next = 0;
     std::size_t turn = 0;
     std::exception_ptr failure;
@@ -109,16 +112,14 @@ private:
 OrderedChunks::Worker::~Worker() = default;
 
 void OrderedChunks::runEach(std::size_t chunks, int threads, const std::function<Work()>& makeWork,
-                            const Work& report)
+                            double work)
 {
     run(
-        chunks, threads, [&] { return std::make_unique<Independent>(makeWork()); }, report);
+        chunks, threads, [&] { return std::make_unique<Independent>(makeWork()); }, work);
 }
 
 void OrderedChunks::run(std::size_t chunks, int threads,
-                        const std::function<std::unique_ptr<Worker>()>& makeWorker,
-                        const std::function<void(std::size_t chunk)>& report,
-                        const std::function<void()>& pause)
+                        const std::function<std::unique_ptr<Worker>()>& makeWorker, double work)
 {
     const std::size_t used =
         std::clamp<std::size_t>(chunks, 1, static_cast<std::size_t>(std::max(threads, 1)));
@@ -128,19 +129,17 @@ void OrderedChunks::run(std::size_t chunks, int threads,
         workers.push_back(makeWorker());
     }
 
-    Schedule schedule(chunks);
+    Schedule schedule(chunks, work);
     std::vector<std::thread> others;
     others.reserve(used);
     try {
         for (std::size_t k = 1; k < used; ++k) {
-            others.emplace_back([&schedule, worker = workers[k].get()] {
-                schedule.work(*worker, nullptr, nullptr);
-            });
+            others.emplace_back([&schedule, worker = workers[k].get()] { schedule.run(*worker); });
         }
     } catch (const std::system_error&) {
         // The system refuses more threads: those already started take all chunks.
     }
-    schedule.work(*workers[0], report, pause);
+    schedule.run(*workers[0]);
     for (std::thread& other : others) {
         other.join();
     }

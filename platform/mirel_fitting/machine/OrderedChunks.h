@@ -27,17 +27,15 @@ public:
     };
 
     /**
+     * The calling thread reports to FitProgress::advance(), before each chunk that it takes and
+     * about every 50 ms while it waits for the other threads.
      * @param threads    the calling one included; no more are used than there are chunks.
      * @param makeWorker is called on the calling thread, once per thread used.
-     * @param report     is called on the calling thread before each chunk that it takes; ascending.
-     * @param pause      is called on the calling thread about every 50 ms while it waits for the
-     *                   other threads.
-     * An exception of any of them stops all threads and is rethrown here.
+     * @param work       of all chunks together, in the unit of FitProgress::advance().
+     * An exception of a worker or of FitProgress stops all threads and is rethrown here.
      */
     static void run(std::size_t chunks, int threads,
-                    const std::function<std::unique_ptr<Worker>()>& makeWorker,
-                    const std::function<void(std::size_t chunk)>& report,
-                    const std::function<void()>& pause = nullptr);
+                    const std::function<std::unique_ptr<Worker>()>& makeWorker, double work = 0.0);
 
     using Work = std::function<void(std::size_t chunk)>;
 
@@ -47,5 +45,5 @@ public:
      *                 thread only, and may own buffers.
      */
     static void runEach(std::size_t chunks, int threads, const std::function<Work()>& makeWork,
-                        const Work& report);
+                        double work = 0.0);
 };

@@ -200,8 +200,7 @@ bool BlockedCholesky::factoriseBlocks()
                         rowsOf(block), columns, 1.0, corner, stride, panel + block * blockSize,
                         stride);
         };
-        OrderedChunks::runEach(
-            blocks, threadCount, [&] { return solve; }, nullptr);
+        OrderedChunks::runEach(blocks, threadCount, [&] { return solve; });
 
         const OrderedChunks::Work subtract = [&](std::size_t block) {
             const std::size_t column = below + block * blockSize;
@@ -211,12 +210,10 @@ bool BlockedCholesky::factoriseBlocks()
                         rowsOf(block), columns, -1.0, rows, stride, rows, stride, 1.0,
                         matrix.data() + column * size + column, stride);
         };
+        const auto rows = static_cast<double>(size - below);
         OrderedChunks::runEach(
             blocks, threadCount, [&] { return subtract; },
-            [&](std::size_t block) {
-                const auto rows = static_cast<double>(size - below - block * blockSize);
-                FitProgress::advance(threadCount * rows * static_cast<double>(width * width));
-            });
+            rows * rows / 2.0 * static_cast<double>(width));
     }
     return true;
 }
@@ -243,20 +240,13 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
     const auto makeWorker = [&] {
         return std::make_unique<InverseWorker>(matrix.data(), size, makeVisitor());
     };
-    OrderedChunks::run(
-        blocksIn(size, inverseColumns), threadCount, makeWorker,
-        [&](std::size_t chunk) {
-            const auto rows = static_cast<double>(size - chunk * inverseColumns);
-            FitProgress::advance(threadCount * rows * rows * static_cast<double>(inverseColumns));
-        },
-        [] { FitProgress::advance(); });
+    OrderedChunks::run(blocksIn(size, inverseColumns), threadCount, makeWorker, n * n * n / 3.0);
 }
 
 void BlockedCholesky::forColumns(double multiplications,
                                  const std::function<void(std::size_t, std::size_t)>& work)
 {
     const std::size_t ranges = blocksIn(size, columnsPerRange);
-    const double share = multiplications / static_cast<double>(ranges);
     const OrderedChunks::Work range = [&](std::size_t chunk) {
         const std::size_t first = chunk * columnsPerRange;
         work(first, std::min(first + columnsPerRange, size));
@@ -268,6 +258,5 @@ void BlockedCholesky::forColumns(double multiplications,
         return;
     }
     OrderedChunks::runEach(
-        ranges, threadCount, [&] { return range; },
-        [&](std::size_t) { FitProgress::advance(threadCount * share); });
+        ranges, threadCount, [&] { return range; }, multiplications);
 }

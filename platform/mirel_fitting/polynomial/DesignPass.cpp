@@ -14,33 +14,20 @@ constexpr std::size_t rowsPerChunk = 32 * DesignPass::rowsPerBlock;
 /** With more terms, a triangular factor per thread takes too much memory: 32 MB here. */
 constexpr std::size_t maxTermsPerThread = 2000;
 
+constexpr char progressMessage[] = "Fitting the response surface";
+
 } // namespace
 
 void DesignPass::run(const FitColumns& columns,
                      const std::function<std::unique_ptr<DesignPass>()>& makePass, double from,
                      double to)
 {
-    double reached = from;
-    const auto report = [&] { FitProgress::report(reached, "Fitting the response surface"); };
-    const auto reportRow = [&](std::size_t row) {
-        reached =
-            from + (to - from) * (static_cast<double>(row) / static_cast<double>(columns.cases));
-        report();
-    };
+    const FitProgress::Portion portion(from, to, progressMessage);
     // Other threads may take all chunks, and leave the calling one nothing to report.
-    report();
-    bool isCallingThread = true; // the first worker is its
-    const auto makeWorker = [&]() -> std::unique_ptr<OrderedChunks::Worker> {
-        std::unique_ptr<DesignPass> pass = makePass();
-        if (isCallingThread) {
-            pass->reportRow = reportRow;
-        }
-        isCallingThread = false;
-        return pass;
-    };
+    FitProgress::advance();
     const std::size_t chunks = (columns.cases + rowsPerChunk - 1) / rowsPerChunk;
     const int threads = columns.basis.size() < maxTermsPerThread ? threadCount() : 1;
-    OrderedChunks::run(chunks, threads, makeWorker, nullptr, report);
+    OrderedChunks::run(chunks, threads, makePass);
 }
 
 DesignPass::DesignPass(const FitColumns& columns, const std::vector<std::size_t>& terms)
@@ -59,9 +46,9 @@ void DesignPass::compute(std::size_t chunk)
     const std::size_t first = chunk * rowsPerChunk;
     const std::size_t last = std::min(first + rowsPerChunk, columns.cases);
     for (std::size_t start = first; start < last; start += rowsPerBlock) {
-        if (reportRow) {
-            reportRow(start);
-        }
+        // Of the calling thread; without effect on the others.
+        FitProgress::report(static_cast<double>(start) / static_cast<double>(columns.cases),
+                            progressMessage);
         const std::size_t rows = std::min(rowsPerBlock, last - start);
         evaluate(start, rows);
         addBlock(start, rows);

@@ -64,5 +64,4 @@ private:
 
     AlignedBuffer scaledInputs;
     std::vector<const double*> scaledInputColumns;
-    std::function<void(std::size_t row)> reportRow; // null on other threads than the calling one
 };

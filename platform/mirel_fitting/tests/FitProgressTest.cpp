@@ -99,6 +99,21 @@ TEST(FitProgress, ReportsWorkInPartsOfANamedPortionAtTheirBeginning)
     EXPECT_EQ(text, "searching");
 }
 
+TEST(FitProgress, RepeatsTheLastFractionWhereTheWorkIsUnknown)
+{
+    std::vector<double> fractions;
+    FitProgress progress([&](double fraction, const std::string&) {
+        fractions.push_back(fraction);
+        return true;
+    });
+    const FitProgress::Portion portion(0.5, 1.0, "passing over the cases");
+    FitProgress::advance();
+    FitProgress::report(0.5, "");
+    FitProgress::advance();
+
+    EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.75}));
+}
+
 TEST(FitProgress, IsSilentAboutWorkThatBelongsToNoFit)
 {
     int calls = 0;

@@ -1,6 +1,5 @@
 #include <mirel_fitting/kriging/fit/SubsetKriging.h>
 
-#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
@@ -71,7 +70,7 @@ std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) c
         }
     };
     OrderedChunks::runEach((all.cases + casesPerChunk - 1) / casesPerChunk, threadCount(),
-                           [&] { return predict; }, [](std::size_t) { FitProgress::advance(); });
+                           [&] { return predict; });
 
     std::vector<double> result(all.cases);
     std::transform(all.output.begin(), all.output.end(), predictions.begin(), result.begin(),

@@ -105,7 +105,6 @@ void GridProduct::predict(int threads, double* result) const
         return;
     }
     const SingleThreadedBlas singleThreaded;
-    OrderedChunks::run(
-        tilesOf(separated.fast, tileSize) * tilesOf(separated.slow, tileSize), threads,
-        [&] { return std::make_unique<Worker>(*this, result); }, nullptr);
+    OrderedChunks::run(tilesOf(separated.fast, tileSize) * tilesOf(separated.slow, tileSize),
+                       threads, [&] { return std::make_unique<Worker>(*this, result); });
 }

@@ -241,7 +241,6 @@ void GridSums::predict(int threads, double* result) const
         return;
     }
     const std::size_t tiles = (separated.slow.size + tileSize - 1) / tileSize;
-    OrderedChunks::run(
-        tiles * panelRanges(), threads, [&] { return std::make_unique<Worker>(*this, result); },
-        nullptr);
+    OrderedChunks::run(tiles * panelRanges(), threads,
+                       [&] { return std::make_unique<Worker>(*this, result); });
 }

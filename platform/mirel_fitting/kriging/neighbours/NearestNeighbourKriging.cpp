@@ -184,11 +184,7 @@ void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs, co
             }
         };
     };
-    std::size_t reported = 0; // chunks
-    OrderedChunks::runEach(chunks, threads, makeWork, [&](std::size_t chunk) {
-        FitProgress::advance(static_cast<double>((chunk - reported) * perChunk));
-        reported = chunk;
-    });
+    OrderedChunks::runEach(chunks, threads, makeWork, static_cast<double>(count));
 }
 
 } // namespace

@@ -86,7 +86,7 @@ void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t 
     };
     const bool isLarge = count > worthAThread / std::max<std::size_t>(fitted.weights.size(), 1);
     OrderedChunks::runEach((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1,
-                           makeWork, nullptr);
+                           makeWork);
     addNeighbours(columns, first, count, result);
 }
 
@@ -179,7 +179,7 @@ void KrigingPredictor::exactErrors(const std::vector<double*>& columns, std::siz
             }
         };
     };
-    OrderedChunks::runEach((count + blockSize - 1) / blockSize, threadCount(), makeWork, nullptr);
+    OrderedChunks::runEach((count + blockSize - 1) / blockSize, threadCount(), makeWork);
 }
 
 /** With the correlation of the subset, which a model with neighbours may predict without. */

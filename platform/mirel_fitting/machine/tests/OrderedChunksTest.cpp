@@ -1,8 +1,9 @@
 #include <mirel_fitting/machine/OrderedChunks.h>
 
+#include "RecordedWork.h"
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <stdexcept>
 #include <thread>
@@ -41,9 +42,7 @@ constexpr std::size_t noFailure = 1000000;
 std::vector<std::size_t> run(std::size_t chunks, int threads, std::size_t failing = noFailure)
 {
     std::vector<std::size_t> order;
-    OrderedChunks::run(
-        chunks, threads, [&] { return std::make_unique<Recorder>(order, failing); },
-        [](std::size_t) {});
+    OrderedChunks::run(chunks, threads, [&] { return std::make_unique<Recorder>(order, failing); });
     return order;
 }
 
@@ -69,13 +68,10 @@ TEST(OrderedChunks, MakesNoMoreWorkersThanChunks)
 {
     int made = 0;
     std::vector<std::size_t> order;
-    OrderedChunks::run(
-        2, 5,
-        [&] {
-            ++made;
-            return std::make_unique<Recorder>(order, noFailure);
-        },
-        [](std::size_t) {});
+    OrderedChunks::run(2, 5, [&] {
+        ++made;
+        return std::make_unique<Recorder>(order, noFailure);
+    });
     EXPECT_EQ(made, 2);
 }
 
@@ -86,44 +82,42 @@ TEST(OrderedChunks, ThrowsWhatAWorkerThrew)
     }
 }
 
-TEST(OrderedChunks, ReportsOnTheCallingThreadInAscendingOrder)
+TEST(OrderedChunks, ReportsItsWorkChunkByChunk)
 {
+    const RecordedWork recorded;
     std::vector<std::size_t> order;
-    std::vector<std::size_t> reported;
+
     OrderedChunks::run(
-        100, 3, [&] { return std::make_unique<Recorder>(order, noFailure); },
-        [&, caller = std::this_thread::get_id()](std::size_t chunk) {
-            EXPECT_EQ(std::this_thread::get_id(), caller);
-            reported.push_back(chunk);
-        });
-    EXPECT_TRUE(std::is_sorted(reported.begin(), reported.end()));
+        50, 1, [&] { return std::make_unique<Recorder>(order, noFailure); }, 0.5);
+
+    EXPECT_EQ(recorded.reports(), 50);
+    EXPECT_NEAR(recorded.work(), 0.5, 1e-9);
 }
 
 TEST(OrderedChunks, EndsWhenTheReportThrows)
 {
-    std::vector<std::size_t> order;
-    EXPECT_THROW(OrderedChunks::run(
-                     1, 3, [&] { return std::make_unique<Recorder>(order, noFailure); },
-                     [](std::size_t) { throw std::logic_error("enough"); }),
-                 std::logic_error);
-    EXPECT_TRUE(order.empty());
+    const RecordedWork recorded(1.0, 3);
+
+    EXPECT_THROW(run(50, 1), std::runtime_error);
+    EXPECT_EQ(recorded.reports(), 3);
 }
 
 namespace {
 
-/** Works on the calling thread until another has begun, and on others until the caller pauses. */
+/** Works on the calling thread until another has begun, and on others until the caller, which takes
+ *  two chunks at most, reports more often than that. */
 class Slow : public OrderedChunks::Worker
 {
 public:
-    Slow(std::atomic<bool>& hasOtherBegun, std::atomic<bool>& hasPaused)
-        : hasOtherBegun(hasOtherBegun), hasPaused(hasPaused)
+    Slow(std::atomic<bool>& hasOtherBegun, const std::atomic<int>& reports)
+        : hasOtherBegun(hasOtherBegun), reports(reports)
     {}
 
     void compute(std::size_t /*chunk*/) override
     {
         const bool isCaller = std::this_thread::get_id() == caller;
         hasOtherBegun = hasOtherBegun || !isCaller;
-        while (!(isCaller ? hasOtherBegun : hasPaused)) {
+        while (!(isCaller ? hasOtherBegun.load() : reports > 2)) {
             std::this_thread::yield();
         }
     }
@@ -132,25 +126,25 @@ public:
 private:
     const std::thread::id caller = std::this_thread::get_id(); // makes the workers
     std::atomic<bool>& hasOtherBegun;
-    std::atomic<bool>& hasPaused;
+    const std::atomic<int>& reports;
 };
 
 } // namespace
 
-TEST(OrderedChunks, PausesWhileItWaitsForOthers)
+TEST(OrderedChunks, ReportsOnTheCallingThreadWhileItWaitsForOthers)
 {
     std::atomic<bool> hasOtherBegun{false};
-    std::atomic<bool> hasPaused{false};
-    std::thread::id where;
-
-    OrderedChunks::run(
-        3, 2, [&] { return std::make_unique<Slow>(hasOtherBegun, hasPaused); }, nullptr,
-        [&] {
-            where = std::this_thread::get_id();
-            hasPaused = true;
+    std::atomic<int> reports{0};
+    const FitProgress progress(
+        [&, caller = std::this_thread::get_id()](double, const std::string&) {
+            EXPECT_EQ(std::this_thread::get_id(), caller);
+            return ++reports > 0;
         });
+    const FitProgress::Portion portion(0.0, 1.0, "Working");
 
-    EXPECT_EQ(where, std::this_thread::get_id());
+    OrderedChunks::run(3, 2, [&] { return std::make_unique<Slow>(hasOtherBegun, reports); });
+
+    EXPECT_GT(reports, 2);
 }
 
 TEST(OrderedChunks, DoesEachChunkOnceWithTheBuffersOfItsThread)
@@ -166,7 +160,7 @@ TEST(OrderedChunks, DoesEachChunkOnceWithTheBuffersOfItsThread)
             };
         };
 
-        OrderedChunks::runEach(100, threads, makeWork, nullptr);
+        OrderedChunks::runEach(100, threads, makeWork);
 
         EXPECT_EQ(done, std::vector<int>(100, 1)) << threads;
         EXPECT_EQ(made, threads);
