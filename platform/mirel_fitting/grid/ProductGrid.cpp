@@ -200,11 +200,13 @@ std::vector<ProductGrid> ProductGrid::cut(std::size_t maxValues) const
     }
     // Where the slowest axis is not the long one, a faster one is, for each of its values.
     const Axis& slowest = axisList.back();
-    const std::size_t atATime = slowest.size > maxValues ? maxValues : 1;
+    const std::size_t parts =
+        slowest.size > maxValues ? (slowest.size + maxValues - 1) / maxValues : slowest.size;
     std::vector<ProductGrid> grids;
-    for (std::size_t value = 0; value < slowest.size; value += atATime) {
-        const ProductGrid part = slice(value, std::min(atATime, slowest.size - value));
-        for (ProductGrid& grid : part.cut(maxValues)) {
+    for (std::size_t part = 0; part < parts; ++part) {
+        const std::size_t firstValue = part * slowest.size / parts;
+        const std::size_t lastValue = (part + 1) * slowest.size / parts;
+        for (ProductGrid& grid : slice(firstValue, lastValue - firstValue).cut(maxValues)) {
             grids.push_back(std::move(grid));
         }
     }

@@ -28,7 +28,9 @@ public:
      */
     static std::vector<ProductGrid> split(const std::vector<double*>& columns, std::size_t count);
 
-    /** The same rows as consecutive grids with at most so many values on each axis. */
+    /** The same rows as consecutive grids with at most so many values, 3 or more, on each axis.
+     * They have the same axes but for the number of values on the slowest, which differs by 1 at
+     * most. */
     std::vector<ProductGrid> cut(std::size_t maxValues) const;
 
     std::size_t firstRow() const { return first; }

@@ -143,8 +143,8 @@ void AxisSums::computeShifts()
     }
 }
 
-void AxisSums::condense(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
-                        double* states) const
+void AxisSums::sumMoments(const double* weights, std::size_t stride,
+                          const std::vector<Trend>& trends, double* states) const
 {
     constexpr std::size_t shiftSize = (leftAndTrend + momentCount) * laneCount;
     const std::size_t rows = trends.size();

@@ -51,7 +51,7 @@ public:
     /** Panels of values, the last one filled up. */
     std::size_t panels() const { return panelCount; }
 
-    /** Numbers per row that condense() writes; a multiple of laneCount. */
+    /** Numbers per row that sumMoments() writes; a multiple of laneCount. */
     std::size_t stateSize() const { return (blocks.size() + 3) * laneCount; }
 
     /** What is known of a row beside its weights: q_0 and q_1. */
@@ -62,12 +62,12 @@ public:
     };
 
     /**
-     * Sums the moments of some rows of weights.
+     * Sums the moments of some rows of weights about each anchor.
      * @param weights of row i: from weights + i * stride on.
      * @param states  aligned, stateSize() numbers per row.
      */
-    void condense(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
-                  double* states) const;
+    void sumMoments(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
+                    double* states) const;
 
     /** What the values of some consecutive panels multiply weights and moments with. */
     class Table

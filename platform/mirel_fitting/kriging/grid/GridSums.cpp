@@ -58,9 +58,9 @@ public:
         const std::size_t ranges = grid.panelRanges();
         const std::size_t firstRow = chunk / ranges * grid.tileSize;
         const std::size_t rowCount = std::min(grid.tileSize, others.size - firstRow);
-        if (firstRow != condensedTile) {
-            condense(firstRow, rowCount);
-            condensedTile = firstRow;
+        if (firstRow != summedTile) {
+            sumMoments(firstRow, rowCount);
+            summedTile = firstRow;
         }
         const std::size_t firstPanel = chunk % ranges * grid.panelsPerRange;
         if (firstPanel != tabulatedRange) {
@@ -84,7 +84,7 @@ public:
 private:
     static constexpr std::size_t valuesAtATime = 8 * AxisSums::panelSize;
 
-    void condense(std::size_t firstRow, std::size_t rowCount)
+    void sumMoments(std::size_t firstRow, std::size_t rowCount)
     {
         rows.fill(firstRow, rowCount);
         // Polynomials q_0 and q_2 of SeparatedGrid; the axis has one input.
@@ -95,7 +95,7 @@ private:
             const double* trend = rows.data() + i * rows.stride() + cases;
             trends[i] = {trend[0], hasSlope ? trend[2] : 0.0};
         }
-        sums.condense(rows.data(), rows.stride(), trends, states.data());
+        sums.sumMoments(rows.data(), rows.stride(), trends, states.data());
     }
 
     void tabulate(std::size_t firstPanel)
@@ -161,7 +161,7 @@ private:
     AlignedBuffer states;
     AlignedBuffer values;
     std::vector<AxisSums::Table> tables;
-    std::size_t condensedTile = std::numeric_limits<std::size_t>::max();
+    std::size_t summedTile = std::numeric_limits<std::size_t>::max();
     std::size_t tabulatedRange = std::numeric_limits<std::size_t>::max();
     double* result;
 };

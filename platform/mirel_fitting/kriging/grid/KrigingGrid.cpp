@@ -13,9 +13,10 @@ void predictGrids(const KrigingPredictor& predictor, const std::vector<double*>&
     constexpr std::size_t maxValues = std::size_t{1} << 17;
 
     for (const ProductGrid& whole : grids) {
-        for (const ProductGrid& grid : whole.cut(maxValues)) {
-            predictGrid(predictor, columns, grid, GridMethod::cheapest(predictor.model(), grid),
-                        result);
+        const std::vector<ProductGrid> parts = whole.cut(maxValues);
+        const GridMethod method = GridMethod::cheapest(predictor.model(), parts.front());
+        for (const ProductGrid& part : parts) {
+            predictGrid(predictor, columns, part, method, result);
         }
     }
 }

@@ -27,7 +27,7 @@ std::vector<std::vector<double>> evaluated(const AxisSums::Axis& axis,
                   weights.begin() + static_cast<std::ptrdiff_t>(i * stride));
     }
     AlignedBuffer states(rows.size() * sums.stateSize());
-    sums.condense(weights.data(), stride, trends, states.data());
+    sums.sumMoments(weights.data(), stride, trends, states.data());
 
     std::vector<std::vector<double>> results(rows.size());
     for (std::size_t p = 0; p < sums.panels(); p += panelsPerTable) {
