@@ -2,6 +2,7 @@
 // input and answers each with one line: JSON objects, described in bench/compare/worker.py. Tables
 // come as files of native doubles, one column after the other.
 #include "LikelihoodUnit.h"
+#include "TestFunctions.h"
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <ctime>
 #include <exception>
 #include <fstream>
@@ -31,16 +31,6 @@ struct Table
 {
     std::vector<std::vector<double>> columns;
     std::size_t rows = 0;
-
-    std::vector<double*> pointers()
-    {
-        std::vector<double*> result;
-        result.reserve(columns.size());
-        for (std::vector<double>& column : columns) {
-            result.push_back(column.data());
-        }
-        return result;
-    }
 };
 
 Table readTable(const std::string& path, std::size_t columns)
@@ -97,22 +87,6 @@ private:
     double seconds;
 };
 
-/** Root mean square error in units of the standard deviation of the true values. */
-double relativeError(const std::vector<double>& predicted, const std::vector<double>& truth)
-{
-    double mean = 0.0;
-    for (double value : truth) {
-        mean += value / static_cast<double>(truth.size());
-    }
-    double error = 0.0;
-    double spread = 0.0;
-    for (std::size_t i = 0; i < truth.size(); ++i) {
-        error += (predicted[i] - truth[i]) * (predicted[i] - truth[i]);
-        spread += (truth[i] - mean) * (truth[i] - mean);
-    }
-    return std::sqrt(error / spread);
-}
-
 std::vector<double> predict(const SurrogateModelInterface& model,
                             const std::vector<double*>& inputs, std::size_t rows)
 {
@@ -126,7 +100,7 @@ void scoreAndPredict(Json& answer, const Json& task, const SurrogateModelInterfa
 {
     const auto inputs = task.at("inputs").get<std::size_t>();
     Table points = readTable(task.at("points"), inputs + 1);
-    std::vector<double*> coordinates = points.pointers();
+    std::vector<double*> coordinates = pointersTo(points.columns);
     coordinates.pop_back();
     answer["error"] =
         relativeError(predict(model, coordinates, points.rows), points.columns.back());
@@ -134,8 +108,8 @@ void scoreAndPredict(Json& answer, const Json& task, const SurrogateModelInterfa
     for (const char* name : {"scattered", "grid"}) {
         if (task.contains(name)) {
             Table queries = readTable(task.at(name), inputs);
-            Stopwatch(task).measure(answer, name,
-                                    [&] { predict(model, queries.pointers(), queries.rows); });
+            Stopwatch(task).measure(
+                answer, name, [&] { predict(model, pointersTo(queries.columns), queries.rows); });
         }
     }
 }
@@ -143,17 +117,17 @@ void scoreAndPredict(Json& answer, const Json& task, const SurrogateModelInterfa
 Json fitKriging(const Json& task)
 {
     Table cases = readTable(task.at("cases"), task.at("inputs").get<std::size_t>() + 1);
-    std::vector<double*> inputs = cases.pointers();
+    std::vector<double*> inputs = pointersTo(cases.columns);
     std::vector<double*> output{inputs.back()};
     inputs.pop_back();
 
+    KrigingOptions options;
+    options.trendOrder = task.at("trend").get<int>();
     Json answer;
     std::unique_ptr<KrigingSurrogateModel> model;
     Stopwatch(task).measure(answer, "fit", [&] {
-        // What the manager of the models passes, but for the trend.
-        model = std::make_unique<KrigingSurrogateModel>(
-            inputs, output, static_cast<int>(cases.rows), 0.0001, std::vector<double>(),
-            task.at("trend").get<int>(), 0.5, 0.0, 0);
+        model = std::make_unique<KrigingSurrogateModel>(inputs, output,
+                                                        static_cast<int>(cases.rows), options);
         model->activateDependentVariables({0});
     });
     const KrigingReport report = model->krigingReport(0);
@@ -167,7 +141,7 @@ Json fitKriging(const Json& task)
 Json fitResponseSurface(const Json& task)
 {
     Table cases = readTable(task.at("cases"), task.at("inputs").get<std::size_t>() + 1);
-    std::vector<double*> inputs = cases.pointers();
+    std::vector<double*> inputs = pointersTo(cases.columns);
     std::vector<double*> output{inputs.back()};
     inputs.pop_back();
 

@@ -34,20 +34,17 @@ struct Cases
                                 inputs.front()[r] * inputs.back()[r];
             }
         }
-        for (std::vector<double>& column : inputs) {
-            independent.push_back(column.data());
-        }
+        independent = pointersTo(inputs);
+        dependent = pointersTo(outputs);
         for (std::size_t k = 0; k < outputCount; ++k) {
-            dependent.push_back(outputs[k].data());
             offsets.insert(static_cast<int>(k));
         }
     }
 
     std::unique_ptr<SurrogateModelInterface> krigingModel() const
     {
-        auto model =
-            std::make_unique<KrigingSurrogateModel>(independent, dependent, static_cast<int>(rows),
-                                                    0.0001, std::vector<double>(), 1, 0.5, 0.0, 0);
+        auto model = std::make_unique<KrigingSurrogateModel>(
+            independent, dependent, static_cast<int>(rows), KrigingOptions());
         model->activateDependentVariables(offsets);
         return model;
     }
@@ -132,27 +129,10 @@ BENCHMARK(surfaceByInputs)
     ->Range(1, 32)
     ->Unit(benchmark::kMillisecond);
 
-/** The columns of a grid of three inputs, the others in the middle. */
-std::vector<std::vector<double>> gridColumns(std::size_t inputs, std::size_t values)
-{
-    const std::size_t count = values * values * values;
-    std::vector<std::vector<double>> columns(inputs, std::vector<double>(count, 0.5));
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t positions[] = {i / values / values, i / values % values, i % values};
-        for (std::size_t k = 0; k < 3; ++k) {
-            columns[k][i] = static_cast<double>(positions[k]) / static_cast<double>(values - 1);
-        }
-    }
-    return columns;
-}
-
 void predict(benchmark::State& state, const SurrogateModelInterface& model,
              std::vector<std::vector<double>> columns, const char* title)
 {
-    std::vector<double*> inputs;
-    for (std::vector<double>& column : columns) {
-        inputs.push_back(column.data());
-    }
+    const std::vector<double*> inputs = pointersTo(columns);
     std::vector<double> result(columns.front().size());
     std::vector<double*> outputs = {result.data()};
     setThreadCount(1);
@@ -185,7 +165,9 @@ void gridByPoints(benchmark::State& state)
 {
     const auto values =
         static_cast<std::size_t>(std::llround(std::cbrt(static_cast<double>(state.range(0)))));
-    predict(state, krigingOfThousand(), gridColumns(8, values),
+    std::vector<std::vector<double>> columns = evenGrid(3, values);
+    columns.resize(8, std::vector<double>(columns[0].size(), 0.5));
+    predict(state, krigingOfThousand(), std::move(columns),
             "Kriging, 1000 cases: grids over 3 of 8 inputs");
 }
 BENCHMARK(gridByPoints)

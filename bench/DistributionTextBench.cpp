@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <charconv>
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -30,13 +29,6 @@ std::string ascendingValues()
     return listed([](int i) { return std::to_string(i * 0.37); });
 }
 
-std::string randomValues()
-{
-    std::mt19937_64 random(1);
-    return listed(
-        [&random](int) { return std::to_string(0.37 * static_cast<double>(random() % 1000000)); });
-}
-
 std::string shortestValues()
 {
     return listed([](int i) { return std::to_string(i % 10); });
@@ -50,11 +42,6 @@ std::string ranges()
     });
 }
 
-std::string valuesBetweenBlanks()
-{
-    return listed([](int i) { return " \t  " + std::to_string(i * 0.37) + "    \n"; });
-}
-
 std::string rangeWithLongRunsOfBlanks()
 {
     const std::string blanks(megabyte / 4, ' ');
@@ -64,25 +51,6 @@ std::string rangeWithLongRunsOfBlanks()
 std::string faultAtTheEnd()
 {
     return ascendingValues() + ",x";
-}
-
-std::string faultAfterManyBlanks()
-{
-    return "0" + std::string(megabyte, ' ') + "x";
-}
-
-std::string numberOfAMillionDigits()
-{
-    return "0." + std::string(megabyte, '1');
-}
-
-std::string nestedJunk()
-{
-    std::string text = "0";
-    while (text.size() < megabyte) {
-        text += " - 1 : 3";
-    }
-    return text;
 }
 
 /** Time per megabyte of several shapes of text. */
@@ -98,19 +66,11 @@ void expandMegabyte(benchmark::State& state, const std::function<std::string()>&
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(characters.size()));
 }
 BENCHMARK_CAPTURE(expandMegabyte, ascendingValues, ascendingValues)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(expandMegabyte, randomValues, randomValues)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(expandMegabyte, shortestValues, shortestValues)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(expandMegabyte, ranges, ranges)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(expandMegabyte, valuesBetweenBlanks, valuesBetweenBlanks)
-    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(expandMegabyte, rangeWithLongRunsOfBlanks, rangeWithLongRunsOfBlanks)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(expandMegabyte, faultAtTheEnd, faultAtTheEnd)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(expandMegabyte, faultAfterManyBlanks, faultAfterManyBlanks)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(expandMegabyte, numberOfAMillionDigits, numberOfAMillionDigits)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(expandMegabyte, nestedJunk, nestedJunk)->Unit(benchmark::kMillisecond);
 
 /** Reads the single values of a megabyte in a plain loop, and sorts them if they need it. */
 void readPlainly(benchmark::State& state, const std::function<std::string()>& shape)
@@ -130,7 +90,6 @@ void readPlainly(benchmark::State& state, const std::function<std::string()>& sh
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(characters.size()));
 }
 BENCHMARK_CAPTURE(readPlainly, ascendingValues, ascendingValues)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(readPlainly, randomValues, randomValues)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(readPlainly, shortestValues, shortestValues)->Unit(benchmark::kMillisecond);
 
 void expandTypedText(benchmark::State& state)

@@ -1,4 +1,4 @@
-// Laying out a grid of values and running the filter that evaluates a model over it.
+// Laying out a grid of values, and running the filter that evaluates a model over it.
 #include "TestFunctions.h"
 
 #include <surrogatemodel/InterpolationVariablesAbstract.h>
@@ -13,122 +13,55 @@
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <property/Property.h>
 
+#include <vtkAbstractArray.h>
 #include <vtkTable.h>
 
 #include <boost/make_shared.hpp>
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <set>
 #include <string>
 
 namespace {
 
-const std::size_t inputCount = 3;
-
-/** Every input evenly over [0, 1]; one output. */
+/** The first inputs evenly over [0, 1], the others at the evaluation point. */
 class EvenGrid : public InterpolationVariablesAbstract
 {
 public:
     EvenGrid(boost::shared_ptr<const SurrogateModelManagerInterface> manager,
              const veska::PropertyAbstract<SurrogateModelUserDistCollection>& distributions,
-             std::size_t valuesPerInput, VarPtr output)
-        : InterpolationVariablesAbstract(manager, distributions), valuesPerInput(valuesPerInput),
-          output(output)
+             std::set<VarPtr> outputs)
+        : InterpolationVariablesAbstract(manager, distributions), outputs(std::move(outputs))
     {}
 
-    std::set<VarPtr> dependentVariables() const override { return {output}; }
+    void sweep(std::set<VarPtr> inputs, std::size_t valuesPerInput)
+    {
+        swept = std::move(inputs);
+        count = valuesPerInput;
+    }
+
+    std::set<VarPtr> dependentVariables() const override { return outputs; }
 
 protected:
-    boost::shared_ptr<InterpolationPointsInterface> interpolationPoints(VarPtr) const override
+    boost::shared_ptr<InterpolationPointsInterface>
+    interpolationPoints(VarPtr variable) const override
     {
-        return boost::make_shared<DistributedPoints>(std::make_pair(0.0, 1.0), valuesPerInput);
+        if (swept.count(variable) == 0) {
+            return nullptr;
+        }
+        return boost::make_shared<DistributedPoints>(std::make_pair(0.0, 1.0), count);
     }
 
 private:
-    std::size_t valuesPerInput;
-    VarPtr output;
+    std::set<VarPtr> outputs;
+    std::set<VarPtr> swept;
+    std::size_t count = 0;
 };
-
-/** A project of 200 cases as the open one, with a manager over its inputs. */
-struct Study
-{
-    explicit Study(std::size_t valuesPerInput)
-    {
-        std::vector<std::vector<double>> columns = uniformColumns(inputCount, 200);
-        std::vector<double> results(200);
-        for (std::size_t r = 0; r < results.size(); ++r) {
-            results[r] = std::sin(3 * columns[0][r]) * columns[1][r] + columns[2][r];
-        }
-        for (std::size_t i = 0; i < inputCount; ++i) {
-            inputs.push_back(project->addNumericVariable(
-                "x" + std::to_string(i), Variable::Independent, std::move(columns[i])));
-        }
-        output = project->addNumericVariable("y", Variable::Dependent, std::move(results));
-        Project::setProject(project);
-        const UndoStack::SuspendUndoRecording suspension;
-        manager = boost::make_shared<SurrogateModelManager>(
-            boost::make_shared<ProjectDataPipelineManager>(project));
-        manager->independentVars()->set(inputs);
-        grid = boost::make_shared<EvenGrid>(manager, distributions, valuesPerInput, output);
-    }
-    ~Study() { Project::setProject(nullptr); }
-
-    boost::shared_ptr<Project> project = boost::make_shared<Project>();
-    std::vector<VarPtr> inputs;
-    VarPtr output;
-    veska::Property<SurrogateModelUserDistCollection> distributions;
-    boost::shared_ptr<SurrogateModelManager> manager;
-    boost::shared_ptr<EvenGrid> grid;
-};
-
-void fillGrid(benchmark::State& state)
-{
-    const Study study(static_cast<std::size_t>(state.range(0)));
-    std::int64_t rows = 0;
-    for (auto _ : state) {
-        const SurrogateModelInputTableBuilder builder(*study.manager, *study.grid);
-        rows = builder.suppliedIndependentVarValues()->GetNumberOfRows();
-    }
-    state.SetBytesProcessed(state.iterations() * rows * 8 *
-                            static_cast<std::int64_t>(inputCount + 1));
-}
-BENCHMARK(fillGrid)
-    ->ArgName("valuesPerInput")
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(215) // 10 million rows
-    ->Unit(benchmark::kMillisecond);
-
-/** Another floor of the grid: memory of its size, fresh from the system, set to one byte. */
-void setFreshMemory(benchmark::State& state)
-{
-    const std::int64_t rows = state.range(0) * state.range(0) * state.range(0);
-    const auto bytes = static_cast<std::size_t>(rows) * (inputCount + 1) * sizeof(double);
-    for (auto _ : state) {
-        void* const memory = std::malloc(bytes);
-        benchmark::DoNotOptimize(std::memset(memory, 1, bytes));
-        std::free(memory);
-    }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
-}
-BENCHMARK(setFreshMemory)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
-
-/** The floor: first fill of fresh columns of the same size. */
-void fillFreshColumns(benchmark::State& state)
-{
-    const std::int64_t rows = state.range(0) * state.range(0) * state.range(0);
-    for (auto _ : state) {
-        for (std::size_t c = 0; c < inputCount + 1; ++c) {
-            std::vector<double> column(static_cast<std::size_t>(rows), 0.5);
-            benchmark::DoNotOptimize(column.data());
-        }
-    }
-    state.SetBytesProcessed(state.iterations() * rows * 8 *
-                            static_cast<std::int64_t>(inputCount + 1));
-}
-BENCHMARK(fillFreshColumns)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
 
 /** What the filter costs beside the model: the model writes one value. */
 class IdleModel : public SurrogateModelInterface
@@ -157,17 +90,121 @@ private:
     mutable IdleModel idle;
 };
 
+/** A project of smooth outputs as the open one, with a manager over its inputs. */
+template <class Manager>
+struct Study
+{
+    Study(std::size_t inputCount, std::size_t cases, std::size_t outputCount)
+    {
+        std::vector<std::vector<double>> columns = uniformColumns(inputCount, cases);
+        std::set<VarPtr> outputs;
+        for (std::size_t k = 0; k < outputCount; ++k) {
+            std::vector<double> output(cases);
+            for (std::size_t r = 0; r < cases; ++r) {
+                double sum = static_cast<double>(k);
+                for (std::size_t i = 0; i < inputCount; ++i) {
+                    sum += columns[i][r] / static_cast<double>(i + 1);
+                }
+                output[r] = std::sin(3.0 * sum) + columns.front()[r] * columns.back()[r];
+            }
+            outputs.insert(project->addNumericVariable("y" + std::to_string(k), Variable::Dependent,
+                                                       std::move(output)));
+        }
+        for (std::size_t i = 0; i < inputCount; ++i) {
+            inputs.push_back(project->addNumericVariable(
+                "x" + std::to_string(i), Variable::Independent, std::move(columns[i])));
+        }
+        Project::setProject(project);
+        const UndoStack::SuspendUndoRecording suspension;
+        manager =
+            boost::make_shared<Manager>(boost::make_shared<ProjectDataPipelineManager>(project));
+        manager->independentVars()->set(inputs);
+        grid = boost::make_shared<EvenGrid>(manager, distributions, outputs);
+        filter = SurrogateModelQueryToTable::New(manager, grid);
+    }
+    ~Study() { Project::setProject(nullptr); }
+
+    void sweep(std::size_t inputCount, std::size_t valuesPerInput)
+    {
+        grid->sweep({inputs.begin(), inputs.begin() + static_cast<std::ptrdiff_t>(inputCount)},
+                    valuesPerInput);
+        filter->Modified();
+    }
+
+    void moveSlider()
+    {
+        position = position < 0.9 ? position + 0.01 : 0.1;
+        const UndoStack::SuspendUndoRecording suspension;
+        SurrogateModelUserDistCollection point = manager->evaluationPoint()->get();
+        point.setUserDistString("x7", std::to_string(position));
+        manager->evaluationPoint()->set(point);
+    }
+
+    boost::shared_ptr<Project> project = boost::make_shared<Project>();
+    std::vector<VarPtr> inputs;
+    veska::Property<SurrogateModelUserDistCollection> distributions;
+    boost::shared_ptr<Manager> manager;
+    boost::shared_ptr<EvenGrid> grid;
+    vtkSmartPointer<SurrogateModelQueryToTable> filter;
+    double position = 0.5;
+};
+
+/** Three inputs and one output: four columns. */
+const std::size_t gridColumns = 4;
+
+std::size_t gridBytes(const benchmark::State& state)
+{
+    const auto values = static_cast<std::size_t>(state.range(0));
+    return values * values * values * gridColumns * sizeof(double);
+}
+
+void fillGrid(benchmark::State& state)
+{
+    Study<IdleManager> study(gridColumns - 1, 200, 1);
+    study.sweep(gridColumns - 1, static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        const SurrogateModelInputTableBuilder builder(*study.manager, *study.grid);
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(gridBytes(state)));
+}
+BENCHMARK(fillGrid)
+    ->ArgName("valuesPerInput")
+    ->Arg(10)
+    ->Arg(100)
+    ->Arg(215) // 10 million rows
+    ->Unit(benchmark::kMillisecond);
+
+/** A floor: memory of the size of the grid, fresh from the system, set to one byte. */
+void setFreshMemory(benchmark::State& state)
+{
+    for (auto _ : state) {
+        void* const memory = std::malloc(gridBytes(state));
+        benchmark::DoNotOptimize(std::memset(memory, 1, gridBytes(state)));
+        std::free(memory);
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(gridBytes(state)));
+}
+BENCHMARK(setFreshMemory)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
+
+/** Another floor: first fill of fresh columns of the same size. */
+void fillFreshColumns(benchmark::State& state)
+{
+    for (auto _ : state) {
+        for (std::size_t c = 0; c < gridColumns; ++c) {
+            std::vector<double> column(gridBytes(state) / gridColumns / sizeof(double), 0.5);
+            benchmark::DoNotOptimize(column.data());
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(gridBytes(state)));
+}
+BENCHMARK(fillFreshColumns)->ArgName("valuesPerInput")->Arg(215)->Unit(benchmark::kMillisecond);
+
 void runFilterOverIdleModel(benchmark::State& state)
 {
-    const Study study(static_cast<std::size_t>(state.range(0)));
-    const UndoStack::SuspendUndoRecording suspension;
-    const auto manager = boost::make_shared<IdleManager>(
-        boost::make_shared<ProjectDataPipelineManager>(study.project));
-    manager->independentVars()->set(study.inputs);
+    Study<IdleManager> study(gridColumns - 1, 200, 1);
+    study.sweep(gridColumns - 1, static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
-        const auto grid = boost::make_shared<EvenGrid>(
-            manager, study.distributions, static_cast<std::size_t>(state.range(0)), study.output);
-        SurrogateModelQueryToTable::New(manager, grid)->Update();
+        SurrogateModelQueryToTable::New(study.manager, study.grid)->Update();
     }
 }
 BENCHMARK(runFilterOverIdleModel)
@@ -176,31 +213,54 @@ BENCHMARK(runFilterOverIdleModel)
     ->Arg(215)
     ->Unit(benchmark::kMillisecond);
 
-void runFilter(benchmark::State& state)
+/** Kriging of 1000 cases, 8 inputs and 2 outputs, over a million points; fitting takes a second. */
+Study<SurrogateModelManager>& krigingStudy(const benchmark::State& state)
 {
-    const Study study(static_cast<std::size_t>(state.range(0)));
-    const vtkSmartPointer<SurrogateModelQueryToTable> filter =
-        SurrogateModelQueryToTable::New(study.manager, study.grid);
-    filter->Update(); // fits the model
-    for (auto _ : state) {
-        filter->Modified();
-        filter->Update();
-    }
+    static const auto study = std::make_unique<Study<SurrogateModelManager>>(8, 1000, 2);
+    Project::setProject(study->project); // repetitions of other benchmarks come in between
+    study->manager->type()->set(SurrogateModelManagerInterface::Kriging);
+    study->sweep(static_cast<std::size_t>(state.range(0)),
+                 static_cast<std::size_t>(
+                     std::llround(std::pow(1e6, 1.0 / static_cast<double>(state.range(0))))));
+    study->filter->Update(); // fits
+    return *study;
 }
-BENCHMARK(runFilter)->ArgName("valuesPerInput")->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);
 
-void fitThroughManager(benchmark::State& state)
+void overSweptInputs(benchmark::internal::Benchmark* measured)
 {
-    const Study study(2);
+    measured->ArgName("sweptInputs")->DenseRange(1, 8);
+    measured->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
+/** What a slider does: the evaluation point of one input changes, and the filter evaluates anew. */
+void updateFilter(benchmark::State& state)
+{
+    Study<SurrogateModelManager>& study = krigingStudy(state);
     for (auto _ : state) {
-        state.PauseTiming();
-        const UndoStack::SuspendUndoRecording suspension;
-        study.manager->independentVars()->set({});
-        study.manager->independentVars()->set(study.inputs);
-        state.ResumeTiming();
-        benchmark::DoNotOptimize(&study.manager->model(std::set<int>{0}));
+        study.moveSlider();
+        study.filter->Update();
     }
 }
-BENCHMARK(fitThroughManager)->Unit(benchmark::kMicrosecond);
+BENCHMARK(updateFilter)->Apply(overSweptInputs);
+
+/** The part of the model: tables that are there are evaluated. */
+void interpolate(benchmark::State& state)
+{
+    Study<SurrogateModelManager>& study = krigingStudy(state);
+    const SurrogateModelInputTableBuilder builder(*study.manager, *study.grid);
+    const vtkSmartPointer<vtkTable> table = builder.suppliedIndependentVarValues();
+    std::vector<double*> columns;
+    for (vtkIdType k = 0; k < table->GetNumberOfColumns(); ++k) {
+        columns.push_back(static_cast<double*>(table->GetColumn(k)->GetVoidPointer(0)));
+    }
+    const auto rows = static_cast<std::size_t>(table->GetNumberOfRows());
+    std::vector<std::vector<double>> results(2, std::vector<double>(rows));
+    std::vector<double*> outputs = pointersTo(results);
+    const SurrogateModelInterface& model = study.manager->model(std::set<int>{0, 1});
+    for (auto _ : state) {
+        model.interpolateDependentValues(columns, {0, 1}, outputs, rows);
+    }
+}
+BENCHMARK(interpolate)->Apply(overSweptInputs);
 
 } // namespace

@@ -1,4 +1,4 @@
-// Evaluating response surfaces at points and over grids, and the memory of a fit.
+// Evaluating response surfaces, and the time and memory of a fit.
 #include "TestFunctions.h"
 
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
@@ -10,24 +10,12 @@
 #include <cmath>
 #include <cstddef>
 #include <fstream>
-#include <numeric>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
 using Columns = std::vector<std::vector<double>>;
-
-std::vector<double*> pointersTo(Columns& columns)
-{
-    std::vector<double*> pointers;
-    pointers.reserve(columns.size());
-    for (std::vector<double>& column : columns) {
-        pointers.push_back(column.data());
-    }
-    return pointers;
-}
 
 Columns outputOf(const Columns& inputs)
 {
@@ -48,44 +36,10 @@ SurrogateResponseSurfaceModel surfaceOver(std::size_t inputs)
     return {pointersTo(columns), pointersTo(output), rows};
 }
 
-/** So many values of each input, the last one varying fastest. */
-Columns grid(std::size_t inputs, std::size_t values)
+void predict(benchmark::State& state)
 {
-    std::size_t count = 1;
-    for (std::size_t k = 0; k < inputs; ++k) {
-        count *= values;
-    }
-    Columns columns(inputs, std::vector<double>(count));
-    std::size_t repeats = count;
-    for (std::vector<double>& column : columns) {
-        repeats /= values;
-        for (std::size_t row = 0; row < count; ++row) {
-            column[row] =
-                static_cast<double>(row / repeats % values) / static_cast<double>(values - 1);
-        }
-    }
-    return columns;
-}
-
-/** The same rows in another order, which is no grid. */
-void shuffle(Columns& columns)
-{
-    std::vector<std::size_t> order(columns[0].size());
-    std::iota(order.begin(), order.end(), std::size_t(0));
-    std::mt19937_64 generator(1);
-    for (std::size_t i = order.size(); i > 1; --i) {
-        std::swap(order[i - 1], order[generator() % i]);
-    }
-    for (std::vector<double>& column : columns) {
-        const std::vector<double> before = column;
-        for (std::size_t i = 0; i < order.size(); ++i) {
-            column[i] = before[order[i]];
-        }
-    }
-}
-
-void predict(benchmark::State& state, Columns& points)
-{
+    Columns points = evenGrid(static_cast<std::size_t>(state.range(0)),
+                              static_cast<std::size_t>(state.range(1)));
     const SurrogateResponseSurfaceModel model = surfaceOver(points.size());
     std::vector<double> values(points[0].size());
     std::vector<double*> outputs{values.data()};
@@ -95,33 +49,13 @@ void predict(benchmark::State& state, Columns& points)
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(values.size()));
 }
-
-void predictGrid(benchmark::State& state)
-{
-    Columns points =
-        grid(static_cast<std::size_t>(state.range(0)), static_cast<std::size_t>(state.range(1)));
-    predict(state, points);
-}
-
-void predictScattered(benchmark::State& state)
-{
-    Columns points =
-        grid(static_cast<std::size_t>(state.range(0)), static_cast<std::size_t>(state.range(1)));
-    shuffle(points);
-    predict(state, points);
-}
-
-void shapes(benchmark::internal::Benchmark* bench)
-{
-    bench->ArgNames({"inputs", "values"})
-        ->Args({2, 1000})
-        ->Args({3, 100})
-        ->Args({6, 10})
-        ->Args({8, 6})
-        ->Unit(benchmark::kMillisecond);
-}
-BENCHMARK(predictGrid)->Apply(shapes);
-BENCHMARK(predictScattered)->Apply(shapes);
+BENCHMARK(predict)
+    ->ArgNames({"inputs", "values"})
+    ->Args({2, 1000})
+    ->Args({3, 100})
+    ->Args({6, 10})
+    ->Args({8, 6})
+    ->Unit(benchmark::kMillisecond);
 
 /** In MiB, a figure of the process as Linux reports it; NaN elsewhere. */
 double processMemory(const std::string& name)

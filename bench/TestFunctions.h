@@ -42,6 +42,51 @@ inline std::vector<std::vector<double>> uniformColumns(std::size_t columns, std:
     return result;
 }
 
+inline std::vector<double*> pointersTo(std::vector<std::vector<double>>& columns)
+{
+    std::vector<double*> result;
+    result.reserve(columns.size());
+    for (std::vector<double>& column : columns) {
+        result.push_back(column.data());
+    }
+    return result;
+}
+
+/** Every input evenly over [0, 1], the last one fastest. */
+inline std::vector<std::vector<double>> evenGrid(std::size_t inputs, std::size_t valuesPerInput)
+{
+    std::size_t rows = 1;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        rows *= valuesPerInput;
+    }
+    std::vector<std::vector<double>> columns(inputs, std::vector<double>(rows));
+    std::size_t stride = rows;
+    for (std::vector<double>& column : columns) {
+        stride /= valuesPerInput;
+        for (std::size_t i = 0; i < rows; ++i) {
+            column[i] = static_cast<double>(i / stride % valuesPerInput) /
+                        static_cast<double>(valuesPerInput - 1);
+        }
+    }
+    return columns;
+}
+
+/** Root mean square error in units of the standard deviation of the true values. */
+inline double relativeError(const std::vector<double>& predicted, const std::vector<double>& truth)
+{
+    double mean = 0.0;
+    for (const double value : truth) {
+        mean += value / static_cast<double>(truth.size());
+    }
+    double errors = 0.0;
+    double deviations = 0.0;
+    for (std::size_t i = 0; i < truth.size(); ++i) {
+        errors += (predicted[i] - truth[i]) * (predicted[i] - truth[i]);
+        deviations += (truth[i] - mean) * (truth[i] - mean);
+    }
+    return std::sqrt(errors / deviations);
+}
+
 /**
  * Water flow through a borehole, 8 inputs scaled to [0, 1].
  * Harper, Gupta: Sensitivity/Uncertainty Analysis of a Borehole Scenario, BMI/ONWI-516, 1983.
