@@ -1,9 +1,8 @@
 #pragma once
 
-#include "CaseTable.h"
 #include "FakePipeline.h"
-#include "ProjectTest.h"
 #include "RecordedModels.h"
+#include "ThreeCasesTest.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -21,23 +20,18 @@ struct Counter
 };
 
 /**
- * A manager over three records, the inputs x1 and x2, the outputs y1 and y2 and a pipeline of the
- * test's own; the undo stack is empty and both inputs are chosen. Models are recorded, not fitted.
+ * A manager over three cases and a pipeline of the test's own; the undo stack is empty and both
+ * inputs are chosen. Models are recorded, not fitted.
  */
-class ManagerTest : public ProjectTest
+class ManagerTest : public ThreeCasesTest
 {
 protected:
     using Interface = SurrogateModelManagerInterface;
     using Variables = std::vector<VarPtr>;
-    using Values = std::vector<double>;
 
     ManagerTest()
-        : x1(addInput("x1", {1, 2, 3})), x2(addInput("x2", {4, 5, 6})),
-          y1(addOutput("y1", {10, 20, 30})), y2(addOutput("y2", {40, 50, 60}))
     {
         recordedModels() = {};
-        cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6});
-        cases.addNumbers("y1", {10, 20, 30}).addNumbers("y2", {40, 50, 60});
         pipeline->show(cases);
         manager->independentVars()->set({x1, x2});
         undoStack().clear();
@@ -65,11 +59,6 @@ protected:
         return manager->model(dependents);
     }
 
-    VarPtr x1;
-    VarPtr x2;
-    VarPtr y1;
-    VarPtr y2;
-    CaseTable cases = CaseTable(3);
     boost::shared_ptr<FakePipeline> pipeline = boost::make_shared<FakePipeline>();
     boost::shared_ptr<SurrogateModelManager> manager =
         boost::make_shared<SurrogateModelManager>(pipeline);

@@ -1,7 +1,6 @@
 #include <surrogatemodel/SurrogateModelSourcePoints.h>
 
-#include "CaseTable.h"
-#include "ProjectTest.h"
+#include "ThreeCasesTest.h"
 
 #include <vtkDataSetAttributes.h>
 #include <vtkFloatArray.h>
@@ -11,38 +10,64 @@
 
 #include <cmath>
 #include <functional>
+#include <map>
 #include <utility>
 
 namespace {
 
-using Values = std::vector<double>;
+/** Counts what is read, answers what a test puts in and runs `onRead` once row 1 has been read. */
+class WatchedColumn : public vtkDoubleArray
+{
+public:
+    static WatchedColumn* New();
+    vtkTypeMacro(WatchedColumn, vtkDoubleArray)
 
-/** Three records, the inputs x1 and x2, the outputs y1 and y2; tables are the tests' own. */
-class SurrogateModelSourcePointsTest : public ProjectTest
+    vtkVariant GetVariantValue(vtkIdType row) override
+    {
+        ++reads;
+        const auto answer = answers.find(row);
+        const vtkVariant value =
+            answer != answers.end() ? answer->second : vtkDoubleArray::GetVariantValue(row);
+        if (row == 1 && onRead) {
+            std::exchange(onRead, {})();
+        }
+        return value;
+    }
+
+    int reads = 0;
+    std::map<vtkIdType, vtkVariant> answers;
+    std::function<void()> onRead;
+
+protected:
+    WatchedColumn() = default;
+};
+
+vtkStandardNewMacro(WatchedColumn);
+
+/** The training data out of three cases; tests change the table or bring their own. */
+class SurrogateModelSourcePointsTest : public ThreeCasesTest
 {
 protected:
-    SurrogateModelSourcePointsTest()
-        : x1(addInput("x1")), x2(addInput("x2")), y1(addOutput("y1")), y2(addOutput("y2"))
+    void rebuildFully(const std::set<VarPtr>& dependents) { rebuildFully(cases, dependents); }
+
+    void rebuildFully(const CaseTable& table, const std::set<VarPtr>& dependents)
     {
-        addRecords(3);
+        points.rebuild({x1, x2}, dependents, table.get(), true);
     }
 
-    static CaseTable threeCases()
-    {
-        CaseTable cases(3);
-        cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6});
-        cases.addNumbers("y1", {10, 20, 30}).addNumbers("y2", {40, 50, 60});
-        return cases;
-    }
-
-    void rebuildFully(const CaseTable& cases, const std::set<VarPtr>& dependents)
-    {
-        points.rebuild({x1, x2}, dependents, cases.get(), true);
-    }
-
-    void rebuildPartially(const CaseTable& cases, const std::set<VarPtr>& dependents)
+    void rebuildPartially(const std::set<VarPtr>& dependents)
     {
         points.rebuild({x1, x2}, dependents, cases.get(), false);
+    }
+
+    /** Gives a variable a watched column of ones. */
+    WatchedColumn* watch(const std::string& name)
+    {
+        vtkNew<WatchedColumn> watched;
+        watched->SetNumberOfValues(3);
+        watched->FillValue(1.0);
+        cases.add(name, watched);
+        return watched;
     }
 
     std::vector<std::string> columnNames() const
@@ -63,10 +88,6 @@ protected:
         return shown(array->GetPointer(0), points.sourceTable());
     }
 
-    VarPtr x1;
-    VarPtr x2;
-    VarPtr y1;
-    VarPtr y2;
     SurrogateModelSourcePoints points;
 };
 
@@ -84,40 +105,37 @@ TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesWhoseRecordIsExcluded)
 {
     project->setIncluded(project->record(2), false);
 
-    rebuildFully(threeCases(), {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(column("x1"), (Values{1, 3}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, AskForTheStateOfTheRecordsOnEveryRebuild)
+TEST_F(SurrogateModelSourcePointsTest, CheckTheStateOfTheRecordsOnEveryRebuild)
 {
-    const CaseTable cases = threeCases();
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
     EXPECT_EQ(rowCount(), 3);
 
     project->setIncluded(project->record(1), false);
-    rebuildPartially(cases, {y1});
+    rebuildPartially({y1});
     EXPECT_EQ(column("x1"), (Values{2, 3}));
 
     project->setIncluded(project->record(1), true);
-    rebuildPartially(cases, {y1});
+    rebuildPartially({y1});
     EXPECT_EQ(column("x1"), (Values{1, 2, 3}));
 }
 
 TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesWithAnInvalidIndependentValue)
 {
-    CaseTable cases = threeCases();
     cases.set(1, "x2", vtkVariant(missing));
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(column("x1"), (Values{1, 3}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, JudgeTheListedVariablesWhateverTheirNature)
+TEST_F(SurrogateModelSourcePointsTest, CheckTheListedVariablesWhateverTheirNature)
 {
     const VarPtr other = project->addNumericVariable("other", Variable::Unassigned);
-    CaseTable cases = threeCases();
     cases.addNumbers("other", {7, missing, 9});
 
     points.rebuild({x1, other}, {y1}, cases.get(), true);
@@ -125,87 +143,80 @@ TEST_F(SurrogateModelSourcePointsTest, JudgeTheListedVariablesWhateverTheirNatur
     EXPECT_EQ(column("x1"), (Values{1, 3}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, RememberBadIndependentRowsForPartialRebuilds)
+TEST_F(SurrogateModelSourcePointsTest, RememberInvalidIndependentRowsForPartialRebuilds)
 {
-    CaseTable cases = threeCases();
     cases.set(1, "x1", vtkVariant(missing));
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     cases.set(1, "x1", vtkVariant(2.0));
-    rebuildPartially(cases, {y2});
+    rebuildPartially({y2});
 
     EXPECT_EQ(column("y2"), (Values{40, 60}));
 }
 
 TEST_F(SurrogateModelSourcePointsTest, DoNotReadIndependentValuesAgainInPartialRebuilds)
 {
-    CaseTable cases = threeCases();
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     cases.set(1, "x1", vtkVariant(missing));
-    rebuildPartially(cases, {y2});
+    rebuildPartially({y2});
 
     EXPECT_EQ(column("y2"), (Values{40, 50, 60}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, ForgetBadIndependentRowsInAFullRebuild)
+TEST_F(SurrogateModelSourcePointsTest, ForgetInvalidIndependentRowsInAFullRebuild)
 {
-    CaseTable cases = threeCases();
     cases.set(1, "x1", vtkVariant(missing));
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     cases.set(1, "x1", vtkVariant(2.0));
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
     EXPECT_EQ(rowCount(), 3);
 
-    rebuildPartially(cases, {y1});
+    rebuildPartially({y1});
     EXPECT_EQ(rowCount(), 3);
 }
 
-// The values of an excluded record are not judged, so its row is no bad row: included later, it is
-// taken until the next full rebuild.
-TEST_F(SurrogateModelSourcePointsTest, DoNotRememberRowsOfExcludedRecordsAsBad)
+// The values of an excluded record are not checked, so that its row is not listed as invalid:
+// included later, it is a valid case until the next full rebuild.
+TEST_F(SurrogateModelSourcePointsTest, DoNotRememberRowsOfExcludedRecordsAsInvalid)
 {
-    CaseTable cases = threeCases();
     cases.set(1, "x1", vtkVariant(missing));
     project->setIncluded(project->record(2), false);
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     project->setIncluded(project->record(2), true);
-    rebuildPartially(cases, {y1});
+    rebuildPartially({y1});
 
     EXPECT_EQ(column("y1"), (Values{10, 20, 30}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, ExamineTheRequestedDependentsOnEveryRebuild)
+TEST_F(SurrogateModelSourcePointsTest, CheckTheRequestedDependentsOnEveryRebuild)
 {
-    CaseTable cases = threeCases();
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     cases.set(0, "y1", vtkVariant(missing));
-    rebuildPartially(cases, {y1});
+    rebuildPartially({y1});
 
     EXPECT_EQ(column("y1"), (Values{20, 30}));
 }
 
 TEST_F(SurrogateModelSourcePointsTest, AcceptInvalidValuesOfDependentsThatAreNotRequested)
 {
-    CaseTable cases = threeCases();
     cases.set(1, "y2", vtkVariant(missing));
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(rowCount(), 3);
     EXPECT_TRUE(std::isnan(column("y2")[1]));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, DropTheCasesThatAreBadForAnyOfTheRequestedDependents)
+TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesThatAreInvalidForAnyOfTheRequestedDependents)
 {
-    CaseTable cases = threeCases();
     cases.set(0, "y1", vtkVariant(missing));
     cases.set(2, "y2", vtkVariant(missing));
 
-    rebuildFully(cases, {y1, y2});
+    rebuildFully({y1, y2});
 
     EXPECT_EQ(column("x1"), (Values{2}));
 }
@@ -214,7 +225,7 @@ TEST_F(SurrogateModelSourcePointsTest, ListChosenVariablesFirstThenTheProjectsDe
 {
     project->moveVariable(y2, 0);
 
-    points.rebuild({x2, x1}, {y1}, threeCases().get(), true);
+    points.rebuild({x2, x1}, {y1}, cases.get(), true);
 
     EXPECT_EQ(columnNames(), (std::vector<std::string>{"x2", "x1", "y2", "y1"}));
 }
@@ -223,7 +234,7 @@ TEST_F(SurrogateModelSourcePointsTest, GiveTheColumnsInListOrderAndInProjectOrde
 {
     project->moveVariable(y2, 0);
 
-    points.rebuild({x2, x1}, {y1}, threeCases().get(), true);
+    points.rebuild({x2, x1}, {y1}, cases.get(), true);
 
     const std::vector<double*> inputs = points.independentColumns();
     const std::vector<double*> outputs = points.dependentColumns();
@@ -237,7 +248,7 @@ TEST_F(SurrogateModelSourcePointsTest, GiveTheColumnsInListOrderAndInProjectOrde
 
 TEST_F(SurrogateModelSourcePointsTest, HoldDoubleColumns)
 {
-    rebuildFully(threeCases(), {y1});
+    rebuildFully({y1});
 
     for (vtkIdType column = 0; column < 4; ++column) {
         EXPECT_STREQ(points.sourceTable()->GetColumn(column)->GetClassName(), "vtkDoubleArray");
@@ -261,7 +272,6 @@ TEST_F(SurrogateModelSourcePointsTest, GiveVariablesThatAreNoInputsAColumnButNoP
 {
     const VarPtr other = project->addNumericVariable("other", Variable::Unassigned);
     const VarPtr label = project->addTextVariable("label", Variable::Independent);
-    CaseTable cases = threeCases();
     cases.addNumbers("other", {7, 8, 9}).addTexts("label", {"1", "2", "3"});
 
     points.rebuild({other, x1, label}, {y1}, cases.get(), true);
@@ -274,7 +284,7 @@ TEST_F(SurrogateModelSourcePointsTest, GiveVariablesThatAreNoInputsAColumnButNoP
 
 TEST_F(SurrogateModelSourcePointsTest, HandOutCopiesOfTheColumnLists)
 {
-    rebuildFully(threeCases(), {y1});
+    rebuildFully({y1});
 
     points.independentColumns().clear();
     points.dependentColumns().clear();
@@ -289,7 +299,7 @@ TEST_F(SurrogateModelSourcePointsTest, HaveAllColumnsAlsoWithoutAnyCase)
         project->setIncluded(record, false);
     }
 
-    rebuildFully(threeCases(), {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(rowCount(), 0);
     EXPECT_EQ(columnNames(), (std::vector<std::string>{"x1", "x2", "y1", "y2"}));
@@ -313,12 +323,10 @@ TEST_F(SurrogateModelSourcePointsTest, ConvertWhateverHoldsANumber)
         integers->InsertNextValue(row + 7);
         floats->InsertNextValue(0.5F * static_cast<float>(row));
     }
-    CaseTable cases(3);
-    cases.add("x1", integers).add("x2", floats);
-    cases.addTexts("y1", {"1.5", "-2e3", "7"});
+    cases.add("x1", integers).add("x2", floats).addTexts("y1", {"1.5", "-2e3", "7"});
     cases.addVariants("y2", {vtkVariant(1), vtkVariant(2.5), vtkVariant("3")});
 
-    rebuildFully(cases, {y1, y2});
+    rebuildFully({y1, y2});
 
     EXPECT_EQ(column("x1"), (Values{7, 8, 9}));
     EXPECT_EQ(column("x2"), (Values{0, 0.5, 1}));
@@ -328,11 +336,9 @@ TEST_F(SurrogateModelSourcePointsTest, ConvertWhateverHoldsANumber)
 
 TEST_F(SurrogateModelSourcePointsTest, HoldNaNForCellsThatAreNoNumber)
 {
-    CaseTable cases(3);
-    cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6}).addNumbers("y1", {7, 8, 9});
     cases.addVariants("y2", {vtkVariant("abc"), vtkVariant(""), vtkVariant()});
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     for (const double value : column("y2")) {
         EXPECT_TRUE(std::isnan(value));
@@ -341,8 +347,6 @@ TEST_F(SurrogateModelSourcePointsTest, HoldNaNForCellsThatAreNoNumber)
 
 TEST_F(SurrogateModelSourcePointsTest, ShareOneColumnBetweenVariablesOfOneName)
 {
-    const CaseTable cases = threeCases();
-
     points.rebuild({y2, x1, x1}, {y1}, cases.get(), true);
 
     EXPECT_EQ(points.sourceTable()->GetNumberOfColumns(), 3);
@@ -352,12 +356,12 @@ TEST_F(SurrogateModelSourcePointsTest, ShareOneColumnBetweenVariablesOfOneName)
     EXPECT_EQ(shown(points.dependentColumns()[1], points.sourceTable()), (Values{40, 50, 60}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeAVariableWithoutColumnForInvalidEverywhere)
+TEST_F(SurrogateModelSourcePointsTest, TreatAVariableWithoutColumnAsInvalidEverywhere)
 {
-    CaseTable cases(3);
-    cases.addNumbers("x1", {1, 2, 3}).addNumbers("y1", {10, 20, 30});
+    cases.get()->RemoveColumnByName("x2");
+    cases.get()->RemoveColumnByName("y2");
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
     EXPECT_EQ(rowCount(), 0);
 
     points.rebuild({x1}, {y2}, cases.get(), true);
@@ -368,14 +372,13 @@ TEST_F(SurrogateModelSourcePointsTest, TakeAVariableWithoutColumnForInvalidEvery
     EXPECT_TRUE(std::isnan(column("y2")[0]));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeNullAndDestroyedHandlesForVariablesWithoutColumn)
+TEST_F(SurrogateModelSourcePointsTest, TreatNullAndDestroyedHandlesAsVariablesWithoutColumn)
 {
     VarPtr destroyed;
     {
         Project other;
         destroyed = other.addNumericVariable("x1", Variable::Independent);
     }
-    const CaseTable cases = threeCases();
 
     points.rebuild({x1}, {VarPtr()}, cases.get(), true);
     EXPECT_EQ(rowCount(), 0);
@@ -385,34 +388,32 @@ TEST_F(SurrogateModelSourcePointsTest, TakeNullAndDestroyedHandlesForVariablesWi
     EXPECT_EQ(rowCount(), 0);
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeCellsBeyondTheEndOfAShortColumnForInvalid)
+TEST_F(SurrogateModelSourcePointsTest, TreatCellsBeyondTheEndOfAShortColumnAsInvalid)
 {
-    CaseTable cases(3);
-    cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6}).addNumbers("y1", {7, 8, 9});
     vtkNew<vtkDoubleArray> shortColumn;
     shortColumn->InsertNextValue(10);
     shortColumn->SetName("y2");
+    cases.get()->RemoveColumnByName("y2");
     cases.get()->GetRowData()->AddArray(shortColumn);
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
     EXPECT_EQ(column("y2")[0], 10);
     EXPECT_TRUE(std::isnan(column("y2")[1]));
     EXPECT_TRUE(std::isnan(column("y2")[2]));
 
-    rebuildFully(cases, {y2});
+    rebuildFully({y2});
     EXPECT_EQ(column("y2"), (Values{10}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeAColumnOfVectorsForInvalid)
+TEST_F(SurrogateModelSourcePointsTest, TreatAColumnOfVectorsAsInvalid)
 {
     vtkNew<vtkDoubleArray> vectors;
     vectors->SetNumberOfComponents(2);
     vectors->SetNumberOfTuples(3);
     vectors->FillValue(1.0);
-    CaseTable cases(3);
-    cases.addNumbers("x1", {1, 2, 3}).addNumbers("x2", {4, 5, 6}).add("y1", vectors);
+    cases.add("y1", vectors);
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(rowCount(), 0);
 }
@@ -430,62 +431,22 @@ TEST_F(SurrogateModelSourcePointsTest, LeaveOutRowsWhoseRecordTheProjectDoesNotK
     EXPECT_EQ(column("x1"), (Values{7, 8}));
 }
 
-namespace {
-
-/** Runs `onRead` when row 1 has been read. */
-class WatchedColumn : public vtkDoubleArray
+TEST_F(SurrogateModelSourcePointsTest, FollowATableThatShrinksWhileItIsRead)
 {
-public:
-    static WatchedColumn* New();
-    vtkTypeMacro(WatchedColumn, vtkDoubleArray)
-
-    vtkVariant GetVariantValue(vtkIdType row) override
-    {
-        ++reads;
-        const vtkVariant value = vtkDoubleArray::GetVariantValue(row);
-        if (row == 1 && onRead) {
-            std::exchange(onRead, {})();
-        }
-        return value;
-    }
-
-    int reads = 0;
-    std::function<void()> onRead;
-
-protected:
-    WatchedColumn() = default;
-};
-
-vtkStandardNewMacro(WatchedColumn);
-
-} // namespace
-
-TEST_F(SurrogateModelSourcePointsTest, FollowATableThatShrinksWhileItIsWalked)
-{
-    CaseTable cases = threeCases();
-    vtkNew<WatchedColumn> watched;
-    watched->SetNumberOfValues(3);
-    watched->FillValue(1.0);
-    cases.add("x2", watched);
-    watched->onRead = [&cases] {
+    watch("y1")->onRead = [this] {
         cases.get()->RemoveRow(2);
         cases.get()->RemoveRow(1);
     };
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(column("x1"), (Values{1}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, FollowATableThatGrowsWhileItIsWalked)
+TEST_F(SurrogateModelSourcePointsTest, FollowATableThatGrowsWhileItIsRead)
 {
     addRecords(1);
-    CaseTable cases = threeCases();
-    vtkNew<WatchedColumn> watched;
-    watched->SetNumberOfValues(3);
-    watched->FillValue(1.0);
-    cases.add("x2", watched);
-    watched->onRead = [&cases] {
+    watch("x2")->onRead = [this] {
         vtkNew<vtkVariantArray> row;
         for (vtkIdType column = 0; column < cases.get()->GetNumberOfColumns(); ++column) {
             row->InsertNextValue(vtkVariant(4));
@@ -493,153 +454,77 @@ TEST_F(SurrogateModelSourcePointsTest, FollowATableThatGrowsWhileItIsWalked)
         cases.get()->InsertNextRow(row);
     };
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(column("x1"), (Values{1, 2, 3, 4}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeRowsBeyondTheEndOfTheIdentitiesForNoCases)
+TEST_F(SurrogateModelSourcePointsTest, TakeNoCasesFromRowsBeyondTheEndOfTheIdentities)
 {
-    CaseTable cases = threeCases();
     std::vector<unsigned long> memory = {1, 2, 3, 1}; // the fourth is none of the column's
     vtkNew<vtkUnsignedLongArray> identities;
     identities->SetArray(memory.data(), 3, 1);
-    vtkNew<WatchedColumn> watched;
-    watched->SetNumberOfValues(3);
-    watched->FillValue(1.0);
-    cases.add("Record", identities).add("x2", watched);
-    watched->onRead = [&cases] {
+    cases.add("Record", identities);
+    watch("x2")->onRead = [this] {
         cases.get()->RemoveColumnByName("Record");
         cases.get()->InsertNextBlankRow(1.0);
     };
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(cases.get()->GetNumberOfRows(), 4);
     EXPECT_EQ(rowCount(), 3);
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TakeVectorsOfIdentitiesForNoCases)
+TEST_F(SurrogateModelSourcePointsTest, TakeNoCasesFromVectorsOfIdentities)
 {
-    CaseTable cases = threeCases();
     vtkNew<vtkUnsignedLongArray> vectors;
     vectors->SetNumberOfComponents(2);
     vectors->SetNumberOfTuples(3);
     vectors->FillValue(1);
     cases.add("Record", vectors);
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(rowCount(), 0);
 }
 
 TEST_F(SurrogateModelSourcePointsTest, StopReadingARowAtItsFirstInvalidIndependentValue)
 {
-    CaseTable cases = threeCases();
     cases.set(0, "x1", vtkVariant(missing));
-    vtkNew<WatchedColumn> watched;
-    watched->SetNumberOfValues(3);
-    watched->FillValue(1.0);
-    cases.add("x2", watched);
+    const WatchedColumn* const second = watch("x2");
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     const int rowsWhoseFirstValueIsValid = 2;
-    EXPECT_EQ(watched->reads, rowsWhoseFirstValueIsValid);
+    EXPECT_EQ(second->reads, rowsWhoseFirstValueIsValid);
 }
 
-namespace {
-
-/** Numbers in memory, and the same cells as whatever a test wants them to be. */
-class AnsweringColumn : public vtkDoubleArray
-{
-public:
-    static AnsweringColumn* New();
-    vtkTypeMacro(AnsweringColumn, vtkDoubleArray)
-
-    vtkVariant GetVariantValue(vtkIdType row) override
-    {
-        return answers.at(static_cast<std::size_t>(row));
-    }
-
-    std::vector<vtkVariant> answers;
-
-protected:
-    AnsweringColumn() = default;
-};
-
-vtkStandardNewMacro(AnsweringColumn);
-
-} // namespace
-
-TEST_F(SurrogateModelSourcePointsTest, JudgeNumbersInMemoryAsTheirVariantsAreJudged)
+TEST_F(SurrogateModelSourcePointsTest, TakeFiniteNumbersOnly)
 {
     const double infinity = std::numeric_limits<double>::infinity();
-    const Values values = {0.0,
-                           -0.0,
-                           1e308,
-                           -1e308,
-                           std::numeric_limits<double>::denorm_min(),
-                           missing,
-                           std::copysign(missing, -1.0),
-                           infinity,
-                           -infinity,
-                           42.0};
+    const double smallest = std::numeric_limits<double>::denorm_min();
+    const Values values = {
+        0.0,  -0.0,     1e308,    -1e308,   missing, std::copysign(missing, -1.0),
+        42.0, smallest, infinity, -infinity};
     addRecords(static_cast<int>(values.size()) - 3);
-    vtkNew<AnsweringColumn> boxed;
-    for (const double value : values) {
-        boxed->InsertNextValue(value);
-        boxed->answers.emplace_back(value);
-    }
-    const auto casesOf = [&](vtkAbstractArray* x1Column) {
-        CaseTable cases(static_cast<int>(values.size()));
-        cases.add("x1", x1Column);
-        for (const char* const name : {"x2", "y1", "y2"}) {
-            cases.addNumbers(name, Values(values.size(), 1.0));
-        }
-        return cases;
-    };
-    vtkNew<vtkDoubleArray> inMemory;
-    for (const double value : values) {
-        inMemory->InsertNextValue(value);
+    CaseTable table(static_cast<int>(values.size()));
+    table.addNumbers("x1", values);
+    for (const char* const name : {"x2", "y1", "y2"}) {
+        table.addNumbers(name, Values(values.size(), 1.0));
     }
 
-    rebuildFully(casesOf(boxed), {y1});
-    const Values valid = column("x1");
-    rebuildFully(casesOf(inMemory), {y1});
+    rebuildFully(table, {y1});
 
-    EXPECT_EQ(valid, (Values{0.0, -0.0, 1e308, -1e308, values[4], 42.0}));
-    EXPECT_EQ(column("x1"), valid);
+    EXPECT_EQ(column("x1"), (Values{0.0, -0.0, 1e308, -1e308, 42.0, smallest}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, JudgeAColumnByItsAnswersAndNotByItsMemory)
+// A class derived from the usual column may compute its values.
+TEST_F(SurrogateModelSourcePointsTest, ReadAColumnOfAnotherClassThroughItsVariants)
 {
-    CaseTable cases = threeCases();
-    vtkNew<AnsweringColumn> answering;
-    for (int row = 0; row < 3; ++row) {
-        answering->InsertNextValue(row);
-    }
-    answering->answers = {vtkVariant(1.0), vtkVariant(missing), vtkVariant("none")};
-    cases.add("x2", answering);
+    watch("x2")->answers = {{1, vtkVariant(missing)}, {2, vtkVariant("none")}};
 
-    rebuildFully(cases, {y1});
+    rebuildFully({y1});
 
     EXPECT_EQ(column("x1"), (Values{1}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, TakeCasesInRunsAndWithGapsAsTheyAre)
-{
-    addRecords(2);
-    CaseTable cases(5);
-    cases.addNumbers("x1", {1, 2, 3, 4, 5}).addNumbers("x2", {missing, 1, 1, 1, missing});
-    cases.addNumbers("y1", {1, 1, 1, 1, 1}).addNumbers("y2", {10, 20, 30, 40, 50});
-
-    rebuildFully(cases, {y1});
-    EXPECT_EQ(column("x1"), (Values{2, 3, 4}));
-    EXPECT_EQ(column("y2"), (Values{20, 30, 40}));
-
-    project->setIncluded(project->record(3), false);
-    rebuildFully(cases, {y1});
-    EXPECT_EQ(column("x1"), (Values{2, 4}));
-    EXPECT_EQ(column("y2"), (Values{20, 40}));
 }
