@@ -1,22 +1,13 @@
 // The page of a fit as users get it.
 
+#include "../../session/tests/CountOf.h"
 #include "ProgramFixture.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 namespace {
-std::size_t occurrences(const std::string& text, const std::string& part)
-{
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-
 class FitReport : public Program
 {};
 } // namespace
@@ -29,12 +20,12 @@ TEST_F(FitReport, FitWritesAPageWithPictures)
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.out.rfind("Cases   11 read", 0), 0u) << "the text comes all the same";
     const std::string html = folder.read("fit.html");
-    EXPECT_EQ(occurrences(html, "<svg "), 10u)
+    EXPECT_EQ(countOf(html, "<svg "), 10u)
         << "actual, residuals, coefficients and two sweeps of each";
-    EXPECT_EQ(occurrences(html, "</svg>"), 10u);
-    EXPECT_EQ(occurrences(html, "<?xml"), 0u);
-    EXPECT_EQ(occurrences(html, "<script"), 0u);
-    EXPECT_EQ(occurrences(html, "href="), 0u);
+    EXPECT_EQ(countOf(html, "</svg>"), 10u);
+    EXPECT_EQ(countOf(html, "<?xml"), 0u);
+    EXPECT_EQ(countOf(html, "<script"), 0u);
+    EXPECT_EQ(countOf(html, "href="), 0u);
 }
 
 TEST_F(FitReport, TheSameFitWritesTheSamePage)
@@ -42,7 +33,7 @@ TEST_F(FitReport, TheSameFitWritesTheSamePage)
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report one.html");
     run("fit cvd.csv -x Pressure,H2/WF6 -y Stress -m kriging --report two.html");
 
-    EXPECT_EQ(occurrences(folder.read("one.html"), "<svg "), 4u);
+    EXPECT_EQ(countOf(folder.read("one.html"), "<svg "), 4u);
     EXPECT_EQ(folder.read("one.html"), folder.read("two.html"));
 }
 
@@ -70,7 +61,7 @@ TEST_F(FitReport, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
     const std::string html = folder.read("huge.html");
     EXPECT_NE(html.find("<p>There is no picture of kind actual. "), std::string::npos);
     EXPECT_NE(html.find("<p>There is no picture of kind sweep. "), std::string::npos);
-    EXPECT_EQ(occurrences(html, "<svg "), 0u);
+    EXPECT_EQ(countOf(html, "<svg "), 0u);
 }
 
 TEST_F(FitReport, AHugeInputIsNotSweptOnThePageButTheOthersAre)
@@ -82,9 +73,9 @@ TEST_F(FitReport, AHugeInputIsNotSweptOnThePageButTheOthersAre)
 
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.err.find("overflow"), std::string::npos) << outcome.err;
-    EXPECT_EQ(occurrences(folder.read("far.html"),
-                          "<p>There is no picture of kind sweep. "
-                          "&quot;x&quot; holds values that are not finite, or too large to be "
-                          "drawn.</p>"),
+    EXPECT_EQ(countOf(folder.read("far.html"),
+                      "<p>There is no picture of kind sweep. "
+                      "&quot;x&quot; holds values that are not finite, or too large to be "
+                      "drawn.</p>"),
               1u);
 }

@@ -1,5 +1,7 @@
 #include <plot/drawing/PictureSize.h>
 
+#include "../../../session/tests/MessageOf.h"
+
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
@@ -22,12 +24,7 @@ TEST(PictureSize, RefusesWhatIsNoSize)
 
 TEST(PictureSize, SaysWhatASizeLooksLike)
 {
-    try {
-        PictureSize::parse("big");
-        FAIL();
-    } catch (const UsageError& error) {
-        EXPECT_STREQ(error.what(),
-                     "The size of a picture needs width and height in pixels such as 800x600, each "
-                     "from 300 to 10000, not \"big\".");
-    }
+    EXPECT_EQ(messageOf<UsageError>([] { PictureSize::parse("big"); }),
+              "The size of a picture needs width and height in pixels such as 800x600, each from "
+              "300 to 10000, not \"big\".");
 }

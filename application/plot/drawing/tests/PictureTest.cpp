@@ -3,6 +3,7 @@
 #include "SvgTexts.h"
 #include "plot/drawing/PlotColours.h"
 
+#include "../../../session/tests/CountOf.h"
 #include "../../../session/tests/TemporaryFolder.h"
 
 #include <session/text/SessionErrors.h>

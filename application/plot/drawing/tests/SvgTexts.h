@@ -25,12 +25,3 @@ inline bool hasText(const std::string& svg, const std::string& text)
     const std::vector<std::string> texts = textsOf(svg);
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
-
-inline std::size_t countOf(const std::string& text, const std::string& part)
-{
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}

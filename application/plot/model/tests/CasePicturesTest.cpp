@@ -1,6 +1,7 @@
 #include <plot/model/CasePictures.h>
 
-#include "CvdSession.h"
+#include "../../../session/tests/CvdSession.h"
+#include "../../../session/tests/MessageOf.h"
 
 #include <session/model/ModelFile.h>
 
@@ -83,14 +84,9 @@ TEST(CasePictures, AreRefusedIfNoCaseIsDeterminedByTheOthers)
 {
     const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, std::nan(""), 0.1}}, 1};
 
-    try {
-        actualPicture(cases);
-        FAIL();
-    } catch (const SurrogateModelInterface::Error& error) {
-        EXPECT_STREQ(error.what(),
-                     "The cases of \"y\" cannot be predicted from each other: without one of them "
-                     "the others do not determine the model. More cases would.");
-    }
+    EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] { actualPicture(cases); }),
+              "The cases of \"y\" cannot be predicted from each other: without one of them the "
+              "others do not determine the model. More cases would.");
     EXPECT_THROW(residualPicture(cases), SurrogateModelInterface::Error);
 }
 

@@ -1,6 +1,6 @@
 #include <plot/model/CoefficientPictures.h>
 
-#include "CvdSession.h"
+#include "../../../session/tests/CvdSession.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/SurrogateModelInterface.h>

@@ -1,6 +1,6 @@
 #include <plot/model/ConfidenceBand.h>
 
-#include "CvdSession.h"
+#include "../../../session/tests/CvdSession.h"
 
 #include <plot/model/ModelCut.h>
 

@@ -1,22 +1,12 @@
 #include <plot/model/ReportPage.h>
 
-#include "CvdSession.h"
+#include "../../../session/tests/CountOf.h"
+#include "../../../session/tests/CvdSession.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
-
-namespace {
-std::size_t occurrences(const std::string& text, const std::string& part)
-{
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-} // namespace
 
 TEST(ReportPage, HasThePicturesOfEachOutput)
 {
@@ -24,8 +14,8 @@ TEST(ReportPage, HasThePicturesOfEachOutput)
     CaseSession kriging = cvdSession(CaseSession::Kriging);
 
     // Actual, residuals, coefficients and two sweeps of two outputs.
-    EXPECT_EQ(occurrences(ReportPage::html(surface), "<svg "), 10u);
-    EXPECT_EQ(occurrences(ReportPage::html(kriging), "<svg "), 8u) << "without coefficients";
+    EXPECT_EQ(countOf(ReportPage::html(surface), "<svg "), 10u);
+    EXPECT_EQ(countOf(ReportPage::html(kriging), "<svg "), 8u) << "without coefficients";
 }
 
 TEST(ReportPage, SaysWhyASweepCannotBeDrawnAndShowsTheOthers)
@@ -38,10 +28,10 @@ TEST(ReportPage, SaysWhyASweepCannotBeDrawnAndShowsTheOthers)
 
     const std::string html = ReportPage::html(session);
 
-    EXPECT_EQ(occurrences(html, "<p>There is no picture of kind sweep. &quot;Pressure&quot; holds "
-                                "values that are not finite, or too large to be drawn.</p>"),
+    EXPECT_EQ(countOf(html, "<p>There is no picture of kind sweep. &quot;Pressure&quot; holds "
+                            "values that are not finite, or too large to be drawn.</p>"),
               1u);
-    EXPECT_EQ(occurrences(html, "<svg "), 4u);
+    EXPECT_EQ(countOf(html, "<svg "), 4u);
 }
 
 TEST(ReportPage, AnOutputThatCannotBeDrawnDoesNotCostTheOthers)
@@ -55,6 +45,6 @@ TEST(ReportPage, AnOutputThatCannotBeDrawnDoesNotCostTheOthers)
 
     const std::string html = ReportPage::html(session);
 
-    EXPECT_EQ(occurrences(html, "<svg "), 5u);
-    EXPECT_EQ(occurrences(html, "<p>There is no picture of kind actual. "), 1u);
+    EXPECT_EQ(countOf(html, "<svg "), 5u);
+    EXPECT_EQ(countOf(html, "<p>There is no picture of kind actual. "), 1u);
 }

@@ -1,6 +1,6 @@
 #include <plot/model/ReportSweeps.h>
 
-#include "CvdSession.h"
+#include "../../../session/tests/CvdSession.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,7 @@
 #include <plot/model/SweepPictures.h>
 
+#include "../../../session/tests/MessageOf.h"
+
 #include <plot/model/ConfidenceBand.h>
 #include <plot/model/ModelCut.h>
 #include <session/text/SessionErrors.h>
@@ -72,25 +74,20 @@ TEST(SweepPictures, ShowsTheCasesNearTheCut)
 
 TEST(SweepPictures, RefusesOneValueOfTheSweptInput)
 {
-    try {
-        sweepPicture(cut({42, 42}, {5, 5}), 0, {});
-        FAIL();
-    } catch (const UsageError& error) {
-        EXPECT_STREQ(error.what(),
-                     "The picture needs two different values of \"Pressure\" at least.");
-    }
+    EXPECT_EQ(messageOf<UsageError>([] {
+                  sweepPicture(cut({42, 42}, {5, 5}), 0, {});
+              }),
+              "The picture needs two different values of \"Pressure\" at least.");
 }
 
 TEST(SweepPictures, RefusesValuesThatNoAxisCanShow)
 {
     const double infinity = std::numeric_limits<double>::infinity();
 
-    try {
-        sweepPicture(cut({4, 80}, {7, infinity}), 0, {});
-        FAIL();
-    } catch (const SurrogateModelInterface::Error& error) {
-        EXPECT_STREQ(error.what(), "The model of \"Stress\" holds values that are not finite, or "
-                                   "too large to be drawn.");
-    }
+    EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] {
+                  sweepPicture(cut({4, 80}, {7, infinity}), 0, {});
+              }),
+              "The model of \"Stress\" holds values that are not finite, or too large to be "
+              "drawn.");
     EXPECT_THROW(sweepPicture(cut({4, 1.6e308}, {7, 4}), 0, {}), SurrogateModelInterface::Error);
 }

@@ -1,5 +1,6 @@
 #include <session/cases/CaseFileReader.h>
 
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
 #include <session/text/SessionErrors.h>
@@ -35,15 +36,10 @@ protected:
     /** The message without the folder's name. */
     std::string refusalOf(const std::string& content, const CaseFileReader::Options& options = {})
     {
-        try {
-            readWith(content, options);
-        } catch (const CaseDataError& error) {
-            const std::string message = error.what();
-            const std::string prefix = folder.path("");
-            EXPECT_EQ(message.substr(0, prefix.size()), prefix);
-            return message.substr(prefix.size());
-        }
-        return "accepted";
+        const std::string message = messageOf<CaseDataError>([&] { readWith(content, options); });
+        const std::string prefix = folder.path("");
+        EXPECT_EQ(message.rfind(prefix, 0), 0u) << message;
+        return message.substr(prefix.size());
     }
 
     TemporaryFolder folder;
@@ -431,19 +427,14 @@ TEST_F(CaseFileReaderTest, ReadsAPipeLikeAFile)
 
 TEST_F(CaseFileReaderTest, AFileThatCannotBeReadIsNamedWithTheReason)
 {
-    const auto messageOf = [](const std::string& path) -> std::string {
-        try {
-            CaseFileReader::read(path, {});
-        } catch (const FileError& error) {
-            return error.what();
-        }
-        return "read";
+    const auto refusal = [](const std::string& path) {
+        return messageOf<FileError>([&] { CaseFileReader::read(path, {}); });
     };
 
     const std::string missing = folder.path("none.csv");
-    EXPECT_EQ(messageOf(missing),
+    EXPECT_EQ(refusal(missing),
               "The file \"" + missing + "\" cannot be read: No such file or directory.");
-    EXPECT_EQ(messageOf(folder.path("")),
+    EXPECT_EQ(refusal(folder.path("")),
               "The file \"" + folder.path("") + "\" cannot be read: Is a directory.");
 }
 

@@ -1,5 +1,7 @@
 #include <session/cases/CaseNumbers.h>
 
+#include "MessageOf.h"
+
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
@@ -10,12 +12,7 @@
 namespace {
 std::string refusalOf(const std::string& text, std::size_t cases = 10)
 {
-    try {
-        readCaseNumbers(text, cases);
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "accepted";
+    return messageOf<UsageError>([&] { readCaseNumbers(text, cases); });
 }
 } // namespace
 

@@ -1,5 +1,7 @@
 #include <session/cases/CaseRoles.h>
 
+#include "MessageOf.h"
+
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
@@ -33,12 +35,7 @@ CaseTable withText()
 std::string refusalOf(const std::vector<std::string>& inputs,
                       const std::vector<std::string>& outputs)
 {
-    try {
-        chooseCaseRoles(withText(), inputs, outputs);
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "accepted";
+    return messageOf<UsageError>([&] { chooseCaseRoles(withText(), inputs, outputs); });
 }
 } // namespace
 

@@ -1,5 +1,7 @@
 #include <session/cases/VariableNames.h>
 
+#include "MessageOf.h"
+
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
@@ -9,17 +11,6 @@
 
 namespace {
 using Positions = std::vector<std::size_t>;
-
-template <class Action>
-std::string messageOf(Action action)
-{
-    try {
-        action();
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
 } // namespace
 
 TEST(VariableNames, AListNamesVariablesInItsOrder)
@@ -53,13 +44,13 @@ TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
 {
     const VariableNames names({"Pressure", "H2/WF6", "Stress"});
 
-    EXPECT_EQ(messageOf([&] { names.listed("Stress,Presure"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.listed("Stress,Presure"); }),
               "There is no variable \"Presure\"; the nearest name is \"Pressure\". The variables "
               "are: \"Pressure\", \"H2/WF6\", \"Stress\".");
-    EXPECT_EQ(messageOf([&] { names.position("stress"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.position("stress"); }),
               "There is no variable \"stress\"; the nearest name is \"Stress\". The variables are: "
               "\"Pressure\", \"H2/WF6\", \"Stress\".");
-    EXPECT_EQ(messageOf([&] { names.listed("Stress,"); }).substr(0, 25),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.listed("Stress,"); }).substr(0, 25),
               "There is no variable \"\"; ");
 }
 
@@ -91,10 +82,10 @@ TEST(VariableNames, AnAssignmentWithoutAKnownNameIsRefused)
 {
     const VariableNames names({"a"});
 
-    EXPECT_EQ(messageOf([&] { names.assignment("a5"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("a5"); }),
               "A value needs the name before it: NAME=VALUE, not \"a5\".");
-    EXPECT_EQ(messageOf([&] { names.assignment("b=5"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("b=5"); }),
               "There is no variable \"b\"; the nearest name is \"a\". The variables are: \"a\".");
-    EXPECT_EQ(messageOf([&] { names.assignment("=5"); }).substr(0, 24),
+    EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("=5"); }).substr(0, 24),
               "There is no variable \"\";");
 }

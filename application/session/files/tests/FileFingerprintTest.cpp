@@ -1,5 +1,6 @@
 #include <session/files/FileFingerprint.h>
 
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
 #include <session/text/SessionErrors.h>
@@ -13,12 +14,7 @@
 namespace {
 std::string refusalOf(const std::string& path)
 {
-    try {
-        FileFingerprint::of(path);
-    } catch (const FileError& error) {
-        return error.what();
-    }
-    return "read";
+    return messageOf<FileError>([&] { FileFingerprint::of(path); });
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include <session/files/OutputFile.h>
 
 #include "ChildProcess.h"
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
 #include <session/text/SessionErrors.h>
@@ -30,12 +31,7 @@ void writeTo(const std::string& path, const std::string& text,
 std::string refusalOf(const std::string& path,
                       OutputFile::Backup backup = OutputFile::KeepsNoBackup)
 {
-    try {
-        writeTo(path, "text", backup);
-    } catch (const FileError& error) {
-        return error.what();
-    }
-    return "written";
+    return messageOf<FileError>([&] { writeTo(path, "text", backup); });
 }
 
 /** For a test that needs a user without rights. */

@@ -1,8 +1,6 @@
 #include <session/model/Evaluator.h>
 
-#include "CvdCases.h"
-
-#include <session/model/CaseSession.h>
+#include "CvdSession.h"
 
 #include <gtest/gtest.h>
 #include <vtkTable.h>
@@ -12,18 +10,12 @@
 #include <vector>
 
 namespace {
-/** Uniformity and Stress, in the order in which the table does not have them. */
-CaseSession cvdSession(CaseSession::ModelType model, const std::vector<std::size_t>& excluded = {})
-{
-    return CaseSession(cvdCases(), {{0, 1}, {3, 2}}, excluded, model);
-}
-
 const double centre[] = {42.0, 6.0};
 } // namespace
 
 TEST(EvaluatorIntervals, AreStudentsOfAResponseSurface)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
 
     const PointEvaluation evaluation = session.predict({&centre[0], &centre[1]}, 1, 95.0);
     const auto& limits = evaluation.intervals;
@@ -43,7 +35,7 @@ TEST(EvaluatorIntervals, AreStudentsOfAResponseSurface)
 
 TEST(EvaluatorIntervals, OfKrigingWidenAwayFromTheCases)
 {
-    CaseSession session = cvdSession(CaseSession::Kriging);
+    CaseSession session = cvdSession(CaseSession::Kriging, cvdRoles);
     const double pressure[] = {42.0, 4.0};
     const double ratio[] = {6.0, 10.0};
 
@@ -58,7 +50,7 @@ TEST(EvaluatorIntervals, OfKrigingWidenAwayFromTheCases)
 TEST(EvaluatorIntervals, WidenWithTheLevel)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
-        CaseSession session = cvdSession(model);
+        CaseSession session = cvdSession(model, cvdRoles);
         const auto narrow = session.predict({&centre[0], &centre[1]}, 1, 50.0).intervals;
         const auto wide = session.predict({&centre[0], &centre[1]}, 1, 99.9).intervals;
 
@@ -69,7 +61,7 @@ TEST(EvaluatorIntervals, WidenWithTheLevel)
 
 TEST(EvaluatorIntervals, OfATableAreThoseAtItsPoints)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
     session.stayAt(0, "42");
     session.stayAt(1, "6");
 
@@ -84,7 +76,7 @@ TEST(EvaluatorIntervals, OfATableAreThoseAtItsPoints)
 TEST(EvaluatorIntervals, WithoutResidualDegreesOfFreedomAreEmptyAndSaidToBe)
 {
     // Six cases for six terms.
-    CaseSession session = cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 9, 10});
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles, {3, 4, 5, 9, 10});
 
     const PointEvaluation evaluation = session.predict({&centre[0], &centre[1]}, 1, 95.0);
     const auto& limits = evaluation.intervals;
@@ -101,14 +93,14 @@ TEST(EvaluatorIntervals, WithoutResidualDegreesOfFreedomAreEmptyAndSaidToBe)
 
 TEST(EvaluatorIntervals, AreNoneUnlessAskedFor)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
 
     EXPECT_TRUE(session.evaluate().intervals.empty());
 }
 
 TEST(EvaluatorIntervals, AtNoPointsAreNone)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
 
     EXPECT_TRUE(session.predict({nullptr, nullptr}, 0, 95.0).intervals[0].lower.empty());
 }

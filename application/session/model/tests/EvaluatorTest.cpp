@@ -1,8 +1,7 @@
 #include <session/model/Evaluator.h>
 
-#include "CvdCases.h"
-
-#include <session/model/CaseSession.h>
+#include "CvdSession.h"
+#include "MessageOf.h"
 
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -19,9 +18,6 @@
 namespace {
 const double missing = std::nan("");
 using Numbers = std::vector<double>;
-
-/** Inputs Pressure and H2/WF6, outputs Stress and Uniformity: not the order of the table. */
-const CaseRoles cvdRoles = {{0, 1}, {3, 2}};
 
 /** y = 1 + 2 x and z = 10 - x: straight lines, which a response surface meets exactly. */
 CaseTable lines(Numbers x)
@@ -46,17 +42,6 @@ const CaseRoles lineRoles = {{0}, {1, 2}};
 double cell(vtkTable& table, vtkIdType row, vtkIdType column)
 {
     return vtkDoubleArray::SafeDownCast(table.GetColumn(column))->GetValue(row);
-}
-
-template <class Exception, class Action>
-std::string messageOf(Action action)
-{
-    try {
-        action();
-    } catch (const Exception& error) {
-        return error.what();
-    }
-    return "accepted";
 }
 } // namespace
 
@@ -89,7 +74,7 @@ TEST(Evaluator, FitsThePublishedResponseSurface)
 
 TEST(Evaluator, FitsKrigingWithItsParameters)
 {
-    CaseSession session(cvdCases(), cvdRoles, {}, CaseSession::Kriging);
+    CaseSession session = cvdSession(CaseSession::Kriging);
 
     const std::vector<OutputFit> fits = session.fit().outputs;
 

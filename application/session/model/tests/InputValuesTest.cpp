@@ -1,8 +1,8 @@
 #include <session/model/InputValues.h>
 
-#include "CvdCases.h"
+#include "CvdSession.h"
+#include "MessageOf.h"
 
-#include <session/model/CaseSession.h>
 #include <session/text/SessionErrors.h>
 
 #include <vtkDoubleArray.h>
@@ -14,28 +14,12 @@
 #include <vector>
 
 namespace {
-CaseSession cvdSession()
-{
-    return {cvdCases(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface};
-}
-
 /** The values of an input at the points of the evaluation. */
 std::vector<double> pointsOf(CaseSession& session, vtkIdType input)
 {
     const GridEvaluation evaluation = session.evaluate();
     auto* const column = vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(input));
     return {column->GetPointer(0), column->GetPointer(0) + column->GetNumberOfTuples()};
-}
-
-template <class Action>
-std::string refusal(Action action)
-{
-    try {
-        action();
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "accepted";
 }
 } // namespace
 
@@ -97,11 +81,11 @@ TEST(InputValues, RefuseWhatIsNoInput)
     CaseSession session = cvdSession();
     InputValues values(session);
 
-    EXPECT_EQ(refusal([&] { values.sweep("Stress=5"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { values.sweep("Stress=5"); }),
               "\"Stress\" is no input, so that it takes no values.");
-    EXPECT_EQ(refusal([&] { values.sweepEvenly("Uniformity", 5); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Uniformity", 5); }),
               "\"Uniformity\" is no input, so that it takes no values.");
-    EXPECT_EQ(refusal([&] { values.hold("Presure=5"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { values.hold("Presure=5"); }),
               "There is no variable \"Presure\"; the nearest name is \"Pressure\". The variables "
               "are: \"Pressure\", \"H2/WF6\", \"Uniformity\", \"Stress\".");
 }
@@ -113,7 +97,7 @@ TEST(InputValues, RefuseAnInputThatIsNamedTwice)
 
     values.hold("Pressure=5");
 
-    EXPECT_EQ(refusal([&] { values.sweepEvenly("Pressure=3"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=3"); }),
               "\"Pressure\" has values twice; name it once.");
 }
 
@@ -122,6 +106,6 @@ TEST(InputValues, RefuseWhatIsNoCount)
     CaseSession session = cvdSession();
     InputValues values(session);
 
-    EXPECT_EQ(refusal([&] { values.sweepEvenly("Pressure=1"); }),
+    EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=1"); }),
               "The count of \"Pressure\" needs a whole number from 2 to 100000000, not \"1\".");
 }

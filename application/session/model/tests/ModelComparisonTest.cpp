@@ -1,8 +1,7 @@
 #include <session/model/ModelComparison.h>
 
-#include "CvdCases.h"
-
-#include <session/model/CaseSession.h>
+#include "CvdSession.h"
+#include "MessageOf.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/FitProgress.h>
@@ -232,13 +231,8 @@ TEST(ModelComparison, WithoutCasesThatBothPredictThereIsNoDifference)
 
 TEST(ModelComparison, NeedsTwoCasesThatAreNoCopies)
 {
-    const auto message = [](const CaseSession& session) -> std::string {
-        try {
-            ModelComparison::of(session, 2);
-        } catch (const SurrogateModelInterface::Error& error) {
-            return error.what();
-        }
-        return "";
+    const auto message = [](const CaseSession& session) {
+        return messageOf<SurrogateModelInterface::Error>([&] { ModelComparison::of(session, 2); });
     };
 
     EXPECT_EQ(message(sessionOf({3})), "A comparison leaves cases out and needs at least two that "

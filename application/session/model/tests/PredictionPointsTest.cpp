@@ -1,5 +1,6 @@
 #include <session/model/PredictionPoints.h>
 
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
 #include <session/cases/CaseFileReader.h>
@@ -24,12 +25,9 @@ CaseTable tableOf(const std::string& content)
 std::string refusalOf(const std::string& content,
                       PredictionPoints::Results results = PredictionPoints::Predictions)
 {
-    try {
+    return messageOf<CaseDataError>([&] {
         PredictionPoints(tableOf(content), {"x", "z"}, {"y"}, results);
-    } catch (const CaseDataError& error) {
-        return error.what();
-    }
-    return "accepted";
+    });
 }
 } // namespace
 

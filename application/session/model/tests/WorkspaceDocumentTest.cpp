@@ -1,6 +1,8 @@
 #include "CvdCases.h"
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
+#include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/SessionErrors.h>
@@ -61,25 +63,11 @@ protected:
 
     static std::string refusalOf(CaseSession& session, const ProjectDocument& document)
     {
-        try {
-            session.load(document);
-        } catch (const ProjectDocumentError& error) {
-            return error.what();
-        }
-        return "accepted";
+        return messageOf<ProjectDocumentError>([&] { session.load(document); });
     }
 
     TemporaryFolder folder;
 };
-
-std::vector<std::string> names(const std::vector<VarPtr>& variables)
-{
-    std::vector<std::string> result;
-    for (const VarPtr& variable : variables) {
-        result.push_back(variable.lock()->name());
-    }
-    return result;
-}
 
 using Names = std::vector<std::string>;
 } // namespace
@@ -91,8 +79,8 @@ TEST_F(WorkspaceDocument, LoadingGivesTheSameChoices)
 
     session.load(saved);
 
-    EXPECT_EQ(names(session.inputs()), (Names{"H2/WF6", "Pressure"}));
-    EXPECT_EQ(names(session.outputs()), (Names{"Stress", "Uniformity"}));
+    EXPECT_EQ(namesOf(session.inputs()), (Names{"H2/WF6", "Pressure"}));
+    EXPECT_EQ(namesOf(session.outputs()), (Names{"Stress", "Uniformity"}));
     EXPECT_EQ(session.modelType(), CaseSession::ResponseSurface);
     EXPECT_EQ(session.counts().excluded, 2u);
     EXPECT_EQ(session.evaluate().table->GetNumberOfRows(), 3);
@@ -148,7 +136,7 @@ TEST_F(WorkspaceDocument, LoadingIsOneUndoStep)
 
     UndoStack().stack().undo();
     EXPECT_TRUE(session.document() == before);
-    EXPECT_EQ(names(session.inputs()), (Names{"Pressure"}));
+    EXPECT_EQ(namesOf(session.inputs()), (Names{"Pressure"}));
 
     UndoStack().stack().redo();
     EXPECT_TRUE(session.document() == saved);

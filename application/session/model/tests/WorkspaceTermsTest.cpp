@@ -5,7 +5,6 @@
 
 #include <session/model/CaseSession.h>
 #include <session/project/ProjectDocument.h>
-#include <session/text/SessionErrors.h>
 
 #include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -201,28 +200,6 @@ TEST_F(WorkspaceTerms, IsPartOfTheUndoStepOfLoading)
 
     UndoStack().stack().redo();
     EXPECT_EQ(droppedBy(chosen), squares);
-}
-
-TEST_F(WorkspaceTerms, UnknownTermsOfAPolynomialAreRefused)
-{
-    const std::string path = folder.path("p.surrogate.xml");
-    CaseSession chosen = session();
-    chosen.chooseResponseSurface(linear);
-    chosen.document().save(path);
-    std::string text = folder.read("p.surrogate.xml");
-    text.replace(text.find("\"Linear\""), 8, "\"Cubic\"");
-    folder.write("p.surrogate.xml", text);
-
-    try {
-        ProjectDocument::load(path);
-        FAIL();
-    } catch (const ProjectDocumentError& error) {
-        EXPECT_NE(std::string(error.what())
-                      .find("the attribute \"Terms\" of the element \"Polynomial\" must be "
-                            "\"Linear\", \"Interactions\" or \"Quadratic\", not \"Cubic\"."),
-                  std::string::npos)
-            << error.what();
-    }
 }
 
 TEST_F(WorkspaceTerms, ThePolynomialComesBackFromADocument)

@@ -1,6 +1,7 @@
 #include <session/model/Workspace.h>
 
-#include "CvdCases.h"
+#include "CvdSession.h"
+#include "MessageOf.h"
 
 #include <session/text/SessionErrors.h>
 
@@ -14,22 +15,6 @@
 
 #include <string>
 #include <vector>
-
-namespace {
-/** Inputs Pressure and H2/WF6, outputs Stress and Uniformity: not the order of the table. */
-const CaseRoles cvdRoles = {{0, 1}, {3, 2}};
-
-template <class Exception, class Action>
-std::string messageOf(Action action)
-{
-    try {
-        action();
-    } catch (const Exception& error) {
-        return error.what();
-    }
-    return "accepted";
-}
-} // namespace
 
 TEST(Workspace, OpensAProjectWithTheRolesAsNatures)
 {

@@ -1,6 +1,7 @@
 #include <session/project/ProjectCases.h>
 
 #include "ElementSerializer.h"
+#include "MessageOf.h"
 #include "ProjectSample.h"
 #include "TemporaryFolder.h"
 
@@ -69,14 +70,10 @@ TEST(ProjectCases, AProjectUnderAnotherNameIsNoTable)
     const TemporaryFolder folder;
     const std::string path = folder.write("p.surrogate.xml.bak", sampleProjectText);
 
-    try {
-        readCaseTable(path, {});
-        FAIL() << "read";
-    } catch (const CaseDataError& error) {
-        EXPECT_EQ(error.what(), "\"" + path +
-                                    "\" is an XML document, not a table of cases; if it is a "
-                                    "project, give it a name that ends with .surrogate.xml.");
-    }
+    EXPECT_EQ(messageOf<CaseDataError>([&] { readCaseTable(path, {}); }),
+              "\"" + path +
+                  "\" is an XML document, not a table of cases; if it is a project, give it a "
+                  "name that ends with .surrogate.xml.");
     EXPECT_EQ(readCaseTable(folder.write("c.csv", "x\n1\n"), {}).cases, 1u);
 }
 

@@ -1,6 +1,7 @@
 #include <session/project/ProjectDocument.h>
 
 #include "ElementSerializer.h"
+#include "MessageOf.h"
 #include "ProjectSample.h"
 #include "TemporaryFolder.h"
 
@@ -16,14 +17,10 @@ std::string refusalOf(const std::string& text)
 {
     const TemporaryFolder folder;
     const std::string path = folder.write("p.surrogate.xml", text);
-    try {
-        ProjectDocument::load(path);
-    } catch (const ProjectDocumentError& error) {
-        const std::string message = error.what();
-        EXPECT_EQ(message.rfind(path + ", ", 0), 0u) << message;
-        return message.substr(path.size() + 2);
-    }
-    return "loaded";
+    const std::string message =
+        messageOf<ProjectDocumentError>([&] { ProjectDocument::load(path); });
+    EXPECT_EQ(message.rfind(path + ", ", 0), 0u) << message;
+    return message.substr(path.size() + 2);
 }
 
 /** The sentence that refuses to save a project over "old", which stays; without the beginning. */
@@ -184,6 +181,9 @@ const RefusedDocument refusedDocuments[] = {
     {"TermSelection", "  <Sweeps>", "  <TermSelection Method=\"Forward\"/>\n  <Sweeps>",
      "line 15, column 3: the attribute \"Method\" of the element \"TermSelection\" must be "
      "\"BackwardAicc\", not \"Forward\"."},
+    {"UnknownPolynomial", "  <Sweeps>", "  <Polynomial Terms=\"Cubic\"/>\n  <Sweeps>",
+     "line 15, column 3: the attribute \"Terms\" of the element \"Polynomial\" must be "
+     "\"Linear\", \"Interactions\" or \"Quadratic\", not \"Cubic\"."},
     {"TwoTermSelections", "  <Sweeps>",
      "  <TermSelection Method=\"BackwardAicc\"/>\n  <TermSelection/>\n  <Sweeps>",
      "line 16, column 3: the element \"TermSelection\" comes twice."},
@@ -229,13 +229,9 @@ TEST(ProjectDocumentRefusal, IsRefusedWithOneLineHoweverLongTheFaultyText)
 
 TEST(ProjectDocumentRefusal, AnEndlessFileIsRefused)
 {
-    try {
-        ProjectDocument::load("/dev/zero");
-        FAIL() << "loaded";
-    } catch (const ProjectDocumentError& error) {
-        EXPECT_STREQ(error.what(), "/dev/zero: a project document has at most 67108864 bytes; this "
-                                   "is another kind of file.");
-    }
+    EXPECT_EQ(messageOf<ProjectDocumentError>([] { ProjectDocument::load("/dev/zero"); }),
+              "/dev/zero: a project document has at most 67108864 bytes; this is another kind of "
+              "file.");
 }
 
 TEST(ProjectDocumentRefusal, AFileThatIsNotThereIsAFileError)

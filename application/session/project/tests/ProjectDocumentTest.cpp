@@ -2,6 +2,7 @@
 
 #include "ChildProcess.h"
 #include "ElementSerializer.h"
+#include "MessageOf.h"
 #include "ProjectSample.h"
 #include "TemporaryFolder.h"
 
@@ -249,13 +250,10 @@ TEST(ProjectDocument, AModeThatDoesNotExistStopsEverySetting)
     const ElementSerializer model("SurrogateModel", {});
     const ElementSerializer userDistributions("SurrogateModelUserDefinedVariableDistribution", {});
 
-    try {
-        ProjectDocument::load(path).giveSettings(model, userDistributions);
-        FAIL() << "given";
-    } catch (const ProjectDocumentError& error) {
-        EXPECT_EQ(error.what(), path + ", line 16, column 7: the mode \"Manual\" of the variable "
-                                       "\"b\" must be \"Auto\" or \"UserDefined\".");
-    }
+    EXPECT_EQ(messageOf<ProjectDocumentError>(
+                  [&] { ProjectDocument::load(path).giveSettings(model, userDistributions); }),
+              path + ", line 16, column 7: the mode \"Manual\" of the variable \"b\" must be "
+                     "\"Auto\" or \"UserDefined\".");
     EXPECT_EQ(model.received(), "");
 }
 

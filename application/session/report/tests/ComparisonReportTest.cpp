@@ -1,8 +1,7 @@
 #include <session/report/ComparisonReport.h>
 
-#include "CvdCases.h"
+#include "CvdSession.h"
 
-#include <session/model/CaseSession.h>
 #include <session/model/ModelComparison.h>
 
 #include <gtest/gtest.h>
@@ -12,11 +11,6 @@
 
 namespace {
 using Json = nlohmann::ordered_json;
-
-CaseSession cvdSession()
-{
-    return CaseSession(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
-}
 
 /** As it could have come out, with a fit that failed. */
 ModelComparison sampleComparison()

@@ -1,9 +1,7 @@
 #include <session/report/FitReport.h>
 
-#include "CvdCases.h"
+#include "CvdSession.h"
 #include "SmallTable.h"
-
-#include <session/model/CaseSession.h>
 
 #include <gtest/gtest.h>
 
@@ -35,7 +33,7 @@ using Keys = std::vector<std::string>;
 
 TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
 {
-    CaseSession session(cvdCases(), {{0, 1}, {2, 3}}, {}, CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
 
     const Json json = printed(FitReport::runJson(session, 0.25));
 
@@ -263,8 +261,7 @@ TEST(FitReport, NamesThePolynomial)
 TEST(FitReport, SaysWhyThereAreNoLimits)
 {
     // Six cases for six terms.
-    CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {3, 4, 5, 9, 10},
-                        CaseSession::ResponseSurface);
+    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles, {3, 4, 5, 9, 10});
     const GridEvaluation evaluation = session.evaluate(95.0);
 
     EXPECT_NE(FitReport::notes(session, &evaluation)
@@ -276,7 +273,7 @@ TEST(FitReport, SaysWhyThereAreNoLimits)
 
 TEST(FitReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
 {
-    CaseSession session(cvdCases(), {{0, 1}, {3, 2}}, {}, CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
     Json fit = printed(FitReport::runJson(session, 1.0));
     fit.erase("seconds");
 

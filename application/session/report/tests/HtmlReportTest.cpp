@@ -1,8 +1,6 @@
 #include <session/report/HtmlReport.h>
 
-#include "CvdCases.h"
-
-#include <session/model/CaseSession.h>
+#include "CvdSession.h"
 
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
@@ -11,11 +9,6 @@
 #include <vector>
 
 namespace {
-CaseSession cvdSession(CaseSession::ModelType model)
-{
-    return CaseSession(cvdCases(), {{0, 1}, {2, 3}}, {}, model);
-}
-
 bool has(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
@@ -37,7 +30,7 @@ std::string faultOf(std::string html)
 
 TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
 
     const std::string html = HtmlReport::text(session, {});
 
@@ -57,7 +50,7 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 
 TEST(HtmlReport, SaysWhichTermsThereAre)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
     session.chooseResponseSurface({PolynomialTerms::Linear});
 
     EXPECT_TRUE(has(HtmlReport::text(session, {}), "<p>Model: response surface, linear.</p>"));
@@ -78,7 +71,7 @@ TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
 
 TEST(HtmlReport, PicturesStandWithTheirOutputAsTheyAre)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
 
     const std::string html = HtmlReport::text(session, {{"<svg id=\"a\"/>"}, {"<svg id=\"b\"/>"}});
 
@@ -104,7 +97,7 @@ TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
 
 TEST(HtmlReport, StandsAlone)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
     const std::string html = HtmlReport::text(session, {});
 
     for (const char* part : {"<script", "http", "src=", "href=", "url(", "@import"}) {

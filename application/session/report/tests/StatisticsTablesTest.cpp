@@ -1,8 +1,7 @@
 // The statistics of a fit as a session tells them.
 
-#include "CvdCases.h"
+#include "CvdSession.h"
 
-#include <session/model/CaseSession.h>
 #include <session/report/FitReport.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -16,11 +15,6 @@
 
 namespace {
 using Json = nlohmann::ordered_json;
-
-CaseSession cvdSession(CaseSession::ModelType model, const std::vector<std::size_t>& excluded = {})
-{
-    return CaseSession(cvdCases(), {{0, 1}, {2}}, excluded, model);
-}
 
 std::vector<std::string> keysOf(const Json& object)
 {
@@ -39,7 +33,7 @@ Json outputOf(CaseSession session)
 
 TEST(StatisticsTables, JsonListsTheCoefficientsInTheOrderOfTheEquation)
 {
-    const Json output = outputOf(cvdSession(CaseSession::ResponseSurface));
+    const Json output = outputOf(cvdSession());
 
     const Json& coefficients = output["coefficients"];
     ASSERT_EQ(coefficients.size(), 6u);
@@ -84,8 +78,9 @@ TEST(StatisticsTables, JsonHasDroppedTermsInAListOfTheirOwn)
 
 TEST(StatisticsTables, LeveragesAreThoseOfTheCasesOfTheFile)
 {
-    const Json all = outputOf(cvdSession(CaseSession::ResponseSurface))["leverage"];
-    const Json others = outputOf(cvdSession(CaseSession::ResponseSurface, {0, 1, 2}))["leverage"];
+    const Json all = outputOf(cvdSession())["leverage"];
+    const Json others =
+        outputOf(cvdSession(CaseSession::ResponseSurface, {{0, 1}, {2}}, {0, 1, 2}))["leverage"];
 
     EXPECT_DOUBLE_EQ(all["mean"].get<double>(), 6.0 / 11.0);
     ASSERT_EQ(all["largest"].size(), 5u);
@@ -111,7 +106,7 @@ TEST(StatisticsTables, AnInputThatIsLeftOutMayBeAnywhereAtTheStationaryPoint)
 
 TEST(StatisticsTables, JsonHasTheAnalysisOfVariance)
 {
-    const Json anova = outputOf(cvdSession(CaseSession::ResponseSurface))["anova"];
+    const Json anova = outputOf(cvdSession())["anova"];
 
     std::vector<std::string> sources;
     for (const Json& row : anova) {
@@ -130,14 +125,15 @@ TEST(StatisticsTables, JsonHasTheAnalysisOfVariance)
 
 TEST(StatisticsTables, JsonHasTheStationaryPointOrNull)
 {
-    const Json point = outputOf(cvdSession(CaseSession::ResponseSurface))["stationaryPoint"];
+    const Json point = outputOf(cvdSession())["stationaryPoint"];
 
     EXPECT_EQ(keysOf(point), (std::vector<std::string>{"nature", "coordinates", "value",
                                                        "isInsideData", "curvatures"}));
     EXPECT_EQ(point["coordinates"].size(), 2u);
 
     // Five cases are too few for a quadratic polynomial.
-    const Json linear = outputOf(cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 8, 9, 10}));
+    const Json linear =
+        outputOf(cvdSession(CaseSession::ResponseSurface, {{0, 1}, {2}}, {3, 4, 5, 8, 9, 10}));
     EXPECT_TRUE(linear.contains("stationaryPoint"));
     EXPECT_TRUE(linear["stationaryPoint"].is_null());
 }
@@ -153,7 +149,7 @@ TEST(StatisticsTables, AreThoseOfAResponseSurfaceOnly)
 
 TEST(StatisticsTables, TextAlignsThem)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface);
+    CaseSession session = cvdSession();
     const std::string text = FitReport::text(session);
 
     for (const char* part :
@@ -167,7 +163,8 @@ TEST(StatisticsTables, TextAlignsThem)
 
 TEST(StatisticsTables, TextSaysThatThereIsNoStationaryPoint)
 {
-    CaseSession session = cvdSession(CaseSession::ResponseSurface, {3, 4, 5, 8, 9, 10});
+    CaseSession session =
+        cvdSession(CaseSession::ResponseSurface, {{0, 1}, {2}}, {3, 4, 5, 8, 9, 10});
 
     EXPECT_NE(FitReport::text(session).find(
                   "\n  There is no stationary point: the polynomial is not curved.\n"),

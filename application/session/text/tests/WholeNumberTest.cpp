@@ -1,22 +1,12 @@
 #include <session/text/WholeNumber.h>
 
+#include "MessageOf.h"
+
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
-
-namespace {
-std::string refusalOf(const std::string& text)
-{
-    try {
-        readWholeNumber("The count", text, 2, 100);
-    } catch (const UsageError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
-} // namespace
 
 TEST(WholeNumber, LiesWithinItsBounds)
 {
@@ -28,7 +18,8 @@ TEST(WholeNumber, EverythingElseIsRefused)
 {
     for (const char* text :
          {"", "1", "101", "-5", "5.0", "5 ", "five", "99999999999999999999999"}) {
-        EXPECT_EQ(refusalOf(text), "The count needs a whole number from 2 to 100, not \"" +
-                                       std::string(text) + "\".");
+        EXPECT_EQ(messageOf<UsageError>([&] { readWholeNumber("The count", text, 2, 100); }),
+                  "The count needs a whole number from 2 to 100, not \"" + std::string(text) +
+                      "\".");
     }
 }
