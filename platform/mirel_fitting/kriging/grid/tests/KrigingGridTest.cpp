@@ -1,184 +1,10 @@
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 
-#include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
-#include "KrigingTestSupport.h"
+#include "KrigingGridTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <limits>
-#include <string>
-#include <utility>
-
-namespace {
-
-const double epsilon = std::numeric_limits<double>::epsilon();
-const double notANumber = std::numeric_limits<double>::quiet_NaN();
-const double infinity = std::numeric_limits<double>::infinity();
-
-/** Made-up cases, weights and coefficients; one more column, the second, is no input. */
-struct Model
-{
-    explicit Model(std::size_t inputs, int trendOrder = 2, std::size_t cases = 60)
-    {
-        const std::vector<double> coordinates = UniformNumbers(1).next(cases * inputs);
-        std::vector<double> lengths;
-        for (std::size_t k = 0; k < inputs; ++k) {
-            fitted.inputs.push_back(k == 0 ? 0 : k + 1);
-            fitted.minimum.push_back(static_cast<double>(k) - 1.0);
-            fitted.range.push_back(2.0 + static_cast<double>(k));
-            lengths.push_back(0.3 + 0.4 * static_cast<double>(k));
-        }
-        columnCount = inputs + 1;
-        const auto trend =
-            std::make_shared<KrigingTrend>(cases, inputs, coordinates, trendOrder, 0);
-        UniformNumbers numbers(2);
-        for (std::size_t t = 0; t < trend->size(); ++t) {
-            fitted.coefficients.push_back(numbers.next() - 0.5);
-        }
-        for (std::size_t j = 0; j < cases; ++j) {
-            fitted.weights.push_back(100.0 * (numbers.next() - 0.5));
-        }
-        fitted.trend = trend;
-        auto correlation = std::make_shared<MaternCorrelation>(cases, inputs, coordinates.data());
-        correlation->setLengths(lengths);
-        fitted.correlation = correlation;
-        fitted.offset = 10.0;
-        fitted.scale = 3.0;
-    }
-
-    FittedKriging fitted;
-    std::size_t columnCount;
-};
-
-/** `axes` name the columns in the order of their nesting, the slowest first; the others are 0.5. */
-Columns gridOf(std::size_t columnCount,
-               const std::vector<std::pair<std::size_t, std::vector<double>>>& axes)
-{
-    std::size_t count = 1;
-    for (const auto& axis : axes) {
-        count *= axis.second.size();
-    }
-    Columns columns(columnCount, std::vector<double>(count, 0.5));
-    std::size_t stride = count;
-    for (const auto& axis : axes) {
-        stride /= axis.second.size();
-        for (std::size_t i = 0; i < count; ++i) {
-            columns[axis.first][i] = axis.second[i / stride % axis.second.size()];
-        }
-    }
-    return columns;
-}
-
-std::vector<double> evenly(std::size_t count, double from, double to)
-{
-    std::vector<double> result;
-    for (std::size_t i = 0; i < count; ++i) {
-        result.push_back(from +
-                         (to - from) * static_cast<double>(i) / static_cast<double>(count - 1));
-    }
-    return result;
-}
-
-std::vector<double> scattered(const Model& model, Columns columns)
-{
-    std::vector<double> result(columns[0].size());
-    KrigingPredictor(model.fitted).predict(pointersTo(columns), 0, result.size(), result.data());
-    return result;
-}
-
-ProductGrid wholeGrid(const std::vector<double*>& columns, std::size_t count)
-{
-    const std::vector<ProductGrid> grids = ProductGrid::split(columns, count);
-    EXPECT_EQ(grids.size(), 1u);
-    return grids.front();
-}
-
-/** The matrix product, and the sums along each axis that they can run along. */
-std::vector<GridMethod> possibleMethods(const Model& model, const ProductGrid& grid)
-{
-    std::vector<GridMethod> methods = {GridMethod::matrixProduct(model.fitted, grid)};
-    for (std::size_t axis = 0; axis < grid.axes().size(); ++axis) {
-        methods.push_back(GridMethod::axisSums(model.fitted, grid, axis));
-    }
-    methods.erase(
-        std::remove_if(methods.begin(), methods.end(),
-                       [](const GridMethod& method) { return !std::isfinite(method.cost); }),
-        methods.end());
-    return methods;
-}
-
-using Check = std::function<void(const std::vector<double>& predictions)>;
-
-/** Predictions over the grid by each method that is possible for it. */
-void forEachMethod(const Model& model, Columns columns, const Check& check)
-{
-    const std::vector<double*> pointers = pointersTo(columns);
-    const ProductGrid grid = wholeGrid(pointers, columns[0].size());
-    const std::vector<GridMethod> methods = possibleMethods(model, grid);
-    ASSERT_FALSE(methods.empty());
-    const KrigingPredictor predictor(model.fitted);
-    for (const GridMethod& method : methods) {
-        SCOPED_TRACE(method.kind == GridMethod::Kind::MatrixProduct
-                         ? "matrix product"
-                         : "sums along axis " + std::to_string(method.axis));
-        std::vector<double> result(columns[0].size(), -77.0);
-        predictGrid(predictor, pointers, grid, method, result.data());
-        check(result);
-    }
-}
-
-/** 4 eps sum |w_j c_j| and 1e-12 of the standard deviation. */
-std::vector<double> tolerances(Model model, const Columns& columns)
-{
-    model.fitted.coefficients.assign(model.fitted.coefficients.size(), 0.0);
-    model.fitted.offset = 0.0;
-    for (double& weight : model.fitted.weights) {
-        weight = std::fabs(weight);
-    }
-    std::vector<double> result = scattered(model, columns);
-    for (double& value : result) {
-        value = 4.0 * epsilon * value + 1e-12 * model.fitted.scale;
-    }
-    return result;
-}
-
-/** By each method: the scattered predictions, and NaN where a column is not finite. */
-void expectTheScatteredPredictions(const Model& model, const Columns& columns)
-{
-    const std::vector<double> expected = scattered(model, columns);
-    const std::vector<double> tolerance = tolerances(model, columns);
-    forEachMethod(model, columns, [&](const std::vector<double>& found) {
-        for (std::size_t i = 0; i < found.size(); ++i) {
-            const bool isFinite =
-                std::all_of(columns.begin(), columns.end(),
-                            [i](const auto& column) { return std::isfinite(column[i]); });
-            ASSERT_EQ(std::isnan(found[i]), !isFinite) << "row " << i;
-            if (isFinite) {
-                ASSERT_NEAR(found[i], expected[i], tolerance[i]) << "row " << i;
-            }
-        }
-    });
-}
-
-/** By each method. */
-void expectTheSameBitsForAnyNumberOfThreads(const Model& model, const Columns& columns)
-{
-    std::vector<std::vector<double>> byOne;
-    std::vector<std::vector<double>> byThree;
-    setThreadCount(1);
-    forEachMethod(model, columns, [&](const auto& found) { byOne.push_back(found); });
-    setThreadCount(3);
-    forEachMethod(model, columns, [&](const auto& found) { byThree.push_back(found); });
-    setThreadCount(0);
-
-    EXPECT_EQ(byOne, byThree);
-}
-
-} // namespace
+using namespace gridtest;
 
 TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryOrderOfNesting)
 {
@@ -188,23 +14,6 @@ TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryOrderOfNesting)
     do {
         expectTheScatteredPredictions(model, gridOf(4, axes));
     } while (std::next_permutation(axes.begin(), axes.end()));
-}
-
-TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryTrend)
-{
-    for (const int order : {0, 1, 2}) {
-        expectTheScatteredPredictions(
-            Model(2, order), gridOf(3, {{0, evenly(9, -1.5, 1.5)}, {2, evenly(8, 0.0, 3.0)}}));
-    }
-}
-
-TEST(KrigingGrid, TakesFiveInputs)
-{
-    expectTheScatteredPredictions(Model(5), gridOf(6, {{0, evenly(3, -1.5, 1.5)},
-                                                       {2, evenly(4, 0.0, 3.0)},
-                                                       {3, evenly(5, 1.0, 5.5)},
-                                                       {4, evenly(3, 2.0, 7.0)},
-                                                       {5, evenly(4, 3.0, 9.0)}}));
 }
 
 TEST(KrigingGrid, TakesAGridOverSomeInputsOnly)
@@ -227,12 +36,6 @@ TEST(KrigingGrid, TakesInputsThatVaryTogether)
         columns[2][i] = std::sin(5.0 * columns[0][i]);
     }
     expectTheScatteredPredictions(Model(3), columns);
-}
-
-TEST(KrigingGrid, TakesMoreCombinationsThanATileHas)
-{
-    expectTheScatteredPredictions(
-        Model(2, 1, 20), gridOf(3, {{0, evenly(701, -1.5, 1.5)}, {2, evenly(530, 0.0, 3.0)}}));
 }
 
 TEST(KrigingGrid, TakesAxesThatAreTooLongForATable)
@@ -289,7 +92,7 @@ TEST(KrigingGrid, GivesTheSameBitsForAnyNumberOfThreads)
     expectTheSameBitsForAnyNumberOfThreads(model, line);
 }
 
-TEST(KrigingGrid, TakesFourAxesForEveryTrend)
+TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryTrend)
 {
     for (const int trendOrder : {0, 1, 2}) {
         const Model model(4, trendOrder, 200);
@@ -322,82 +125,6 @@ TEST(KrigingGrid, TakesUnsortedValuesAndThoseThatAreNotFinite)
         expectTheScatteredPredictions(model,
                                       gridOf(4, {{3, mixed}, {2 - first, mixed}, {first, few}}));
     }
-}
-
-TEST(KrigingGrid, SumsAlongALineForEveryInputAndTrend)
-{
-    for (const int order : {0, 1, 2}) {
-        const Model model(3, order, 30);
-        expectTheScatteredPredictions(model, gridOf(4, {{0, evenly(900, -1.5, 1.5)}}));
-        expectTheScatteredPredictions(model, gridOf(4, {{2, evenly(1201, -1.0, 4.0)}}));
-        expectTheScatteredPredictions(model, gridOf(4, {{3, evenly(5000, 1.0, 5.5)}}));
-    }
-}
-
-TEST(KrigingGrid, SumsOverOneInputOnly)
-{
-    expectTheScatteredPredictions(Model(1, 1, 40), gridOf(2, {{0, evenly(1000, -1.5, 1.5)}}));
-}
-
-TEST(KrigingGrid, SumsAlongALongAxisWhereverItIsNested)
-{
-    const Model model(4, 2, 25);
-    std::vector<std::pair<std::size_t, std::vector<double>>> axes = {
-        {0, evenly(3, -1.5, 1.5)}, {2, evenly(211, -1.0, 4.0)}, {4, evenly(4, 1.0, 5.5)}};
-    do {
-        expectTheScatteredPredictions(model, gridOf(5, axes));
-    } while (std::next_permutation(axes.begin(), axes.end()));
-}
-
-TEST(KrigingGrid, SumsOverValuesInAnyOrder)
-{
-    const Model model(2, 2, 25);
-    UniformNumbers numbers(4);
-    std::vector<double> shuffled = evenly(600, -1.0, 4.0);
-    for (std::size_t i = shuffled.size(); i-- > 1;) {
-        std::swap(shuffled[i], shuffled[numbers.generator() % (i + 1)]);
-    }
-    std::vector<double> repeated = shuffled;
-    for (std::size_t i = 0; i < repeated.size(); ++i) {
-        repeated[i] = repeated[i % 170];
-    }
-    for (const auto& values : {evenly(600, 4.0, -1.0), shuffled, repeated}) {
-        expectTheScatteredPredictions(model, gridOf(3, {{2, values}}));
-        expectTheScatteredPredictions(model, gridOf(3, {{0, evenly(5, -1.0, 1.0)}, {2, values}}));
-        expectTheScatteredPredictions(model, gridOf(3, {{2, values}, {0, evenly(5, -1.0, 1.0)}}));
-    }
-}
-
-TEST(KrigingGrid, SumsOverTheFiniteValuesOfALine)
-{
-    const Model model(2, 1, 25);
-    std::vector<double> values = evenly(800, -1.0, 4.0);
-    for (const std::size_t v : {0, 1, 17, 400, 799}) {
-        values[v] = v == 400 ? infinity : notANumber;
-    }
-    for (const bool isLine : {true, false}) {
-        Columns columns = isLine ? gridOf(3, {{2, values}})
-                                 : gridOf(3, {{2, values}, {0, {-1.0, notANumber, 1.0}}});
-        expectTheScatteredPredictions(model, columns);
-    }
-}
-
-TEST(KrigingGrid, GivesNaNAlongALineWithoutAFiniteValue)
-{
-    std::vector<double> values(700, notANumber);
-    values[3] = infinity;
-    expectTheScatteredPredictions(Model(2, 1, 25), gridOf(3, {{2, values}}));
-}
-
-TEST(KrigingGrid, SumsAlongALineBesideAColumnThatIsNoInput)
-{
-    const Model model(2, 1, 25);
-    Columns columns = gridOf(3, {{2, evenly(800, -1.0, 4.0)}});
-    columns[1] = columns[2];
-    expectTheScatteredPredictions(model, columns);
-
-    columns[1][5] = notANumber;
-    expectTheScatteredPredictions(model, columns);
 }
 
 /** Weights of both signs that nearly cancel: the sum is much smaller than its terms. */

@@ -1,0 +1,66 @@
+#include <mirel_fitting/kriging/grid/GridAxis.h>
+
+#include "KrigingGridTestSupport.h"
+
+using namespace gridtest;
+
+namespace {
+
+/** The only axis of a grid over some columns. */
+GridAxis axisOf(const Model& model, Columns columns)
+{
+    const std::vector<double*> pointers = pointersTo(columns);
+    return {model.fitted, pointers, 0, wholeGrid(pointers, columns[0].size()).axes().front(), 1};
+}
+
+} // namespace
+
+TEST(GridAxis, ScalesTheFiniteValuesOfItsInputs)
+{
+    // The second input: minimum 0, range 3.
+    const GridAxis axis = axisOf(Model(2), gridOf(3, {{2, {0.0, infinity, 1.5, 6.0}}}));
+
+    EXPECT_EQ(axis.inputs, std::vector<std::size_t>{1});
+    EXPECT_EQ(axis.isFinite, (std::vector<char>{1, 0, 1, 1}));
+    EXPECT_EQ(axis.coordinates[0], (std::vector<double>{0.0, 0.0, 0.5, 2.0}));
+}
+
+TEST(GridAxis, HasNoInputsWhereOnlyOtherColumnsVary)
+{
+    const GridAxis axis = axisOf(Model(2), gridOf(3, {{1, {1.0, notANumber}}}));
+
+    EXPECT_TRUE(axis.inputs.empty());
+    EXPECT_EQ(axis.isFinite, (std::vector<char>{1, 0}));
+}
+
+TEST(GridAxis, MultipliesTheCorrelationsOfInputsThatVaryTogether)
+{
+    const Model model(2);
+    const MaternCorrelation& correlation = *model.fitted.correlation;
+    Columns diagonal = gridOf(3, {{0, evenly(70, -1.0, 1.0)}});
+    diagonal[2] = evenly(70, 0.0, 3.0);
+    GridAxis axis = axisOf(model, diagonal);
+
+    axis.tabulate(correlation);
+
+    ASSERT_TRUE(axis.hasTable);
+    const std::size_t stride = correlation.correlationStride();
+    AlignedBuffer expected(70 * stride);
+    correlation.correlate({axis.coordinates[0].data(), axis.coordinates[1].data()}, 70,
+                          expected.data());
+    for (std::size_t i = 0; i < 70 * stride; ++i) {
+        ASSERT_NEAR(axis.table.data()[i], expected.data()[i], 1e-15) << i;
+    }
+}
+
+TEST(GridAxis, HasNoTableOfMoreThan16MiB)
+{
+    const Model model(1, 0, 1800); // 1165 rows of 1800 correlations
+    for (const std::size_t values : {1165u, 1166u}) {
+        GridAxis axis = axisOf(model, gridOf(2, {{0, evenly(values, -1.0, 1.0)}}));
+
+        axis.tabulate(*model.fitted.correlation);
+
+        EXPECT_EQ(axis.hasTable, values == 1165);
+    }
+}
