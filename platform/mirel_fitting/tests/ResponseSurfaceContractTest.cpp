@@ -201,19 +201,6 @@ TEST(ResponseSurfaceContract, ReportsHowFarTheFitIs)
     EXPECT_LE(fractions.back(), 1.0);
 }
 
-TEST(ResponseSurfaceContract, ReportsEachBlockOfCases)
-{
-    std::size_t reports = 0;
-    const FitProgress progress([&](double, const std::string&) { return ++reports > 0; });
-
-    setThreadCount(1);
-    fit(twoInputs(100000, 1.0));
-    setThreadCount(0);
-
-    // Two passes over blocks of 512 cases.
-    EXPECT_GE(reports, 2u * 195u);
-}
-
 TEST(ResponseSurfaceContract, DoesNotGoBackWhereCasesAreRotatedAfterAll)
 {
     // Inputs that differ by little are too much for normal equations.
