@@ -374,18 +374,6 @@ TEST(KrigingSurrogateModel, FitsAnOutputWhoseReportThrewWhenItIsWantedAgain)
     EXPECT_NO_THROW(model.activateDependentVariables({0}));
 }
 
-TEST(KrigingSurrogateModel, GivesTheSameBitsRunAfterRun)
-{
-    const Columns points = latinHypercube(50, 2, 99);
-    const KrigingSurrogateModel first = KrigingArguments().model(someInputs(), someOutputs());
-    const KrigingSurrogateModel second = KrigingArguments().model(someInputs(), someOutputs());
-
-    EXPECT_EQ(predictions(first, points), predictions(second, points));
-    EXPECT_EQ(first.krigingReport(0).logLikelihood, second.krigingReport(0).logLikelihood);
-    EXPECT_EQ(first.krigingReport(0).correlationLengths,
-              second.krigingReport(0).correlationLengths);
-}
-
 TEST(KrigingSurrogateModel, GivesTheSameBitsWithAnotherNumberOfThreads)
 {
     const Columns points = latinHypercube(50, 2, 99);

@@ -7,15 +7,6 @@
 
 using namespace fittingtest;
 
-namespace {
-
-double standardError(const Model& model, std::vector<Column> points, FittedModel::ErrorKind kind)
-{
-    return model.standardErrors(Cases::pointers(points), 0, kind, 1)[0];
-}
-
-} // namespace
-
 TEST(ResponseSurfaceLeaveOneOut, EqualsRefitsWithoutEachCase)
 {
     const Cases cases = twoInputs(14, 1.0);

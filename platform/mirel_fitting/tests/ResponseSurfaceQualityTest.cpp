@@ -60,17 +60,14 @@ TEST(ResponseSurfaceQuality, WritesItsQualityLineByLine)
         "ranges of the cases\n");
 }
 
-TEST(ResponseSurfaceQuality, PressIsTheSumOverRefitsWithoutEachCase)
+TEST(ResponseSurfaceQuality, PressIsTheSumOfSquaredLeaveOneOutErrors)
 {
-    const Cases cases = twoInputs(25, 1.5);
+    const Model model = fit(twoInputs(25, 1.5));
     double press = 0.0;
-    for (std::size_t row = 0; row < cases.count(); ++row) {
-        const Model refit = fit(withoutCase(cases, row));
-        const double residual = cases.outputs[0][row] -
-                                predict(refit, {{cases.inputs[0][row]}, {cases.inputs[1][row]}})[0];
-        press += residual * residual;
+    for (const LeaveOneOutPrediction& left : model.leaveOneOutPredictions(0)) {
+        press += std::pow(left.output - left.predicted, 2);
     }
-    const FitMetrics metrics = fit(cases).fitMetrics(0);
+    const FitMetrics metrics = model.fitMetrics(0);
 
     EXPECT_NEAR(metrics.press, press, 1e-10 * press);
     EXPECT_NEAR(metrics.looRmse, std::sqrt(press / 25.0), 1e-10);

@@ -13,6 +13,12 @@ using namespace fittingtest;
 
 namespace {
 
+CoefficientStatistics row(const std::string& term, double estimate, double standardError, double t,
+                          double p, double lower, double upper, double varianceInflation)
+{
+    return {term, {}, estimate, standardError, t, p, lower, upper, varianceInflation, true};
+}
+
 void expectCoefficients(const std::vector<CoefficientStatistics>& found,
                         const std::vector<CoefficientStatistics>& expected)
 {
@@ -58,66 +64,20 @@ TEST(ResponseSurfaceStatistics, CoefficientsAreThoseOfR)
     const ResponseSurfaceStatistics statistics =
         fit(vapourDeposition()).responseSurfaceStatistics(0, 0.9);
 
-    expectCoefficients(statistics.coefficients, {{"1",
-                                                  {},
-                                                  1.13726044685310e+01,
-                                                  1.976973509597315770,
-                                                  5.7525325520661372,
-                                                  0.00222720585432027,
-                                                  7.388907213894444048,
-                                                  15.356301723167542050,
-                                                  0.0,
-                                                  true},
-                                                 {"V1",
-                                                  {},
-                                                  -1.25152465599811e-01,
-                                                  0.046628024502444132,
-                                                  -2.6840610756145229,
-                                                  0.04360753575772122,
-                                                  -0.219110190525192955,
-                                                  -0.031194740674428165,
-                                                  23.8326293922464,
-                                                  true},
-                                                 {"V2",
-                                                  {},
-                                                  -5.50747652062682e-01,
-                                                  0.508177857700438107,
-                                                  -1.0837694789672194,
-                                                  0.32793823050726428,
-                                                  -1.574750617585810364,
-                                                  0.473255313460446358,
-                                                  31.3837354759065,
-                                                  true},
-                                                 {"V1^2",
-                                                  {},
-                                                  9.23456016140183e-05,
-                                                  0.000423049089625874,
-                                                  0.2182857826161134,
-                                                  0.83583597552044997,
-                                                  -0.000760118778276616,
-                                                  0.000944809981504652,
-                                                  14.9371301243828,
-                                                  true},
-                                                 {"V1 V2",
-                                                  {},
-                                                  1.11780184923878e-02,
-                                                  0.004772984947193869,
-                                                  2.3419345788969119,
-                                                  0.06622067719264953,
-                                                  0.001560222938601759,
-                                                  0.020795814046173779,
-                                                  14.8737504339075,
-                                                  true},
-                                                 {"V2^2",
-                                                  {},
-                                                  2.08767892083585e-03,
-                                                  0.038172648231325011,
-                                                  0.0546904398192283,
-                                                  0.95850310718903775,
-                                                  -0.074832053803509338,
-                                                  0.079007411645180992,
-                                                  26.5945216270744,
-                                                  true}});
+    expectCoefficients(
+        statistics.coefficients,
+        {row("1", 1.13726044685310e+01, 1.976973509597315770, 5.7525325520661372,
+             0.00222720585432027, 7.388907213894444048, 15.356301723167542050, 0.0),
+         row("V1", -1.25152465599811e-01, 0.046628024502444132, -2.6840610756145229,
+             0.04360753575772122, -0.219110190525192955, -0.031194740674428165, 23.8326293922464),
+         row("V2", -5.50747652062682e-01, 0.508177857700438107, -1.0837694789672194,
+             0.32793823050726428, -1.574750617585810364, 0.473255313460446358, 31.3837354759065),
+         row("V1^2", 9.23456016140183e-05, 0.000423049089625874, 0.2182857826161134,
+             0.83583597552044997, -0.000760118778276616, 0.000944809981504652, 14.9371301243828),
+         row("V1 V2", 1.11780184923878e-02, 0.004772984947193869, 2.3419345788969119,
+             0.06622067719264953, 0.001560222938601759, 0.020795814046173779, 14.8737504339075),
+         row("V2^2", 2.08767892083585e-03, 0.038172648231325011, 0.0546904398192283,
+             0.95850310718903775, -0.074832053803509338, 0.079007411645180992, 26.5945216270744)});
 }
 
 TEST(ResponseSurfaceStatistics, CodedCoefficientsAreThoseOfR)
@@ -125,66 +85,20 @@ TEST(ResponseSurfaceStatistics, CodedCoefficientsAreThoseOfR)
     const ResponseSurfaceStatistics statistics =
         fit(vapourDeposition()).responseSurfaceStatistics(0, 0.9);
 
-    expectCoefficients(statistics.codedCoefficients, {{"1",
-                                                       {},
-                                                       5.8666297434418002,
-                                                       0.419095975640238,
-                                                       13.9982965345337895,
-                                                       3.34556953334841e-05,
-                                                       5.022131079457522,
-                                                       6.711128407426077,
-                                                       0.0,
-                                                       true},
-                                                      {"V1",
-                                                       {},
-                                                       -1.9124383161764402,
-                                                       0.362948188244419,
-                                                       -5.2691771942075425,
-                                                       3.27399828383311e-03,
-                                                       -2.643796472502525,
-                                                       -1.181080159850356,
-                                                       1.0,
-                                                       true},
-                                                      {"V2",
-                                                       {},
-                                                       -0.2248749133294602,
-                                                       0.362846895889931,
-                                                       -0.6197515146930610,
-                                                       5.62568924699704e-01,
-                                                       -0.956028960661403,
-                                                       0.506279134002482,
-                                                       1.0,
-                                                       true},
-                                                      {"V1^2",
-                                                       {},
-                                                       0.1333470487306428,
-                                                       0.610882885419762,
-                                                       0.2182857826161143,
-                                                       8.35835975520449e-01,
-                                                       -1.097611515831433,
-                                                       1.364305613292718,
-                                                       1.09451865860586,
-                                                       true},
-                                                      {"V1 V2",
-                                                       {},
-                                                       1.6990588108429401,
-                                                       0.725493711973468,
-                                                       2.3419345788969101,
-                                                       6.62206771926497e-02,
-                                                       0.237153886667466,
-                                                       3.160963735018413,
-                                                       1.0,
-                                                       true},
-                                                      {"V2^2",
-                                                       {},
-                                                       0.0334028627333744,
-                                                       0.610762371701201,
-                                                       0.0546904398192296,
-                                                       9.58503107189037e-01,
-                                                       -1.197312860856149,
-                                                       1.264118586322897,
-                                                       1.09451865860586,
-                                                       true}});
+    expectCoefficients(
+        statistics.codedCoefficients,
+        {row("1", 5.8666297434418002, 0.419095975640238, 13.9982965345337895, 3.34556953334841e-05,
+             5.022131079457522, 6.711128407426077, 0.0),
+         row("V1", -1.9124383161764402, 0.362948188244419, -5.2691771942075425,
+             3.27399828383311e-03, -2.643796472502525, -1.181080159850356, 1.0),
+         row("V2", -0.2248749133294602, 0.362846895889931, -0.6197515146930610,
+             5.62568924699704e-01, -0.956028960661403, 0.506279134002482, 1.0),
+         row("V1^2", 0.1333470487306428, 0.610882885419762, 0.2182857826161143,
+             8.35835975520449e-01, -1.097611515831433, 1.364305613292718, 1.09451865860586),
+         row("V1 V2", 1.6990588108429401, 0.725493711973468, 2.3419345788969101,
+             6.62206771926497e-02, 0.237153886667466, 3.160963735018413, 1.0),
+         row("V2^2", 0.0334028627333744, 0.610762371701201, 0.0546904398192296,
+             9.58503107189037e-01, -1.197312860856149, 1.264118586322897, 1.09451865860586)});
 }
 
 TEST(ResponseSurfaceStatistics, AnalysisOfVarianceIsThatOfR)
@@ -331,6 +245,10 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
     EXPECT_TRUE(std::isnan(statistics.anova[0].f));
     EXPECT_TRUE(std::isnan(statistics.aicc));
     EXPECT_EQ(statistics.residualDegreesOfFreedom, 0u);
+    ASSERT_EQ(statistics.anova[4].source, "Residual");
+    EXPECT_EQ(statistics.anova[4].degreesOfFreedom, 0u);
+    EXPECT_TRUE(std::isnan(statistics.anova[4].sumOfSquares));
+    EXPECT_TRUE(std::isnan(statistics.anova[4].meanSquare));
 
     const Model model = fit(twoInputs(6, 1.0));
     double value = 0.0;
@@ -339,17 +257,6 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
               }),
               "There are no prediction intervals: the polynomial has as many terms as there are "
               "cases, and none is left to tell the error by.");
-}
-
-TEST(ResponseSurfaceStatistics, HasNoSumOfSquaresWithoutDegreesOfFreedom)
-{
-    const ResponseSurfaceStatistics statistics = statisticsOf(twoInputs(6, 1.0));
-
-    const AnovaRow& residual = statistics.anova[4];
-    ASSERT_EQ(residual.source, "Residual");
-    EXPECT_EQ(residual.degreesOfFreedom, 0u);
-    EXPECT_TRUE(std::isnan(residual.sumOfSquares));
-    EXPECT_TRUE(std::isnan(residual.meanSquare));
 }
 
 TEST(ResponseSurfaceStatistics, TellsWhichCasesHaveTheLargestLeverages)

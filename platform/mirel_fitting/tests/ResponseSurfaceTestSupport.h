@@ -104,6 +104,13 @@ inline Cases vapourDeposition()
             {{4.6, 6.2, 3.4, 6.9, 7.3, 6.4, 8.6, 6.3, 5.1, 5.4, 5.0}}};
 }
 
+/** At a single point. */
+inline double standardError(const Model& model, std::vector<Column> point,
+                            FittedModel::ErrorKind kind)
+{
+    return model.standardErrors(Cases::pointers(point), 0, kind, 1)[0];
+}
+
 /** Relative to its size, or to 1e-3 for less. R prints 15 digits. */
 inline void expectFigure(double value, double expected, const std::string& what)
 {

@@ -8,15 +8,6 @@
 
 using namespace fittingtest;
 
-namespace {
-
-double standardError(const Model& model, std::vector<Column> points, FittedModel::ErrorKind kind)
-{
-    return model.standardErrors(Cases::pointers(points), 0, kind, 1)[0];
-}
-
-} // namespace
-
 TEST(ResponseSurfaceUncertainty, GivesTheStandardErrorOfTheMean)
 {
     // Deviation sqrt(10 / 4), n = 5.

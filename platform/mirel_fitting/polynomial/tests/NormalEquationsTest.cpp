@@ -127,19 +127,6 @@ TEST(NormalEquations, RegainTheDigitsThatTheSquaredConditionTakes)
               2e-14 * unit);
 }
 
-TEST(NormalEquations, GiveTheSameBitsForEveryNumberOfThreads)
-{
-    const Cases cases = many(70000, 0.1);
-    const PolynomialFit reference = byNormalEquations(cases);
-    for (const int threads : {1, 2, 5}) {
-        setThreadCount(threads);
-        const PolynomialFit fit = byNormalEquations(cases);
-        EXPECT_EQ(fit.outputs()[0].coefficients, reference.outputs()[0].coefficients);
-        EXPECT_EQ(fit.outputs()[1].press, reference.outputs()[1].press);
-    }
-    setThreadCount(0);
-}
-
 TEST(NormalEquations, LeaveTermsThatAreHardToSeparateToRotations)
 {
     // Almost the same input twice.
@@ -168,13 +155,4 @@ TEST(NormalEquations, LeaveItToRotationsWhatCannotBeSeparated)
                   "V3 is the same in every case and was left out, and with it V1 V3, V2 V3, V3^2 "
                   "and V3 V4.",
                   "V1^2 cannot be separated from V1 by these cases and was left out."}));
-}
-
-TEST(NormalEquations, FitNoOutputsToo)
-{
-    Cases cases = many(5000, 0.1);
-    const PolynomialFit fit(QuadraticBasis(4, 2), cases.inputPointers(), {}, 5000);
-
-    EXPECT_EQ(fit.keptCount(), 15u);
-    EXPECT_NEAR(*std::max_element(fit.leverages().begin(), fit.leverages().end()), 0.02, 0.02);
 }

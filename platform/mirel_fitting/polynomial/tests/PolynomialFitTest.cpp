@@ -104,8 +104,11 @@ TEST(PolynomialFit, HasLeveragesOfAtMostOne)
 
 TEST(PolynomialFit, FitsNoOutputsToo)
 {
-    Cases cases = twoInputs(30, 1.0);
-    const PolynomialFit result(QuadraticBasis(2, 2), cases.inputPointers(), {}, 30);
-    EXPECT_EQ(result.keptCount(), 6u);
-    EXPECT_TRUE(result.outputs().empty());
+    for (const std::size_t count : {30, 5000}) { // by rotations, and by normal equations
+        Cases cases = twoInputs(count, 1.0);
+        const PolynomialFit result(QuadraticBasis(2, 2), cases.inputPointers(), {}, count);
+        EXPECT_EQ(result.keptCount(), 6u);
+        EXPECT_TRUE(result.outputs().empty());
+        EXPECT_EQ(result.leverages().size(), count);
+    }
 }

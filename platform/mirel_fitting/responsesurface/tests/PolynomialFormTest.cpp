@@ -57,12 +57,6 @@ TEST(PolynomialForm, HasNoTermsThatItsInputsCannotMake)
     EXPECT_EQ(quadratic.lowered(0, 100).name(), "constant");
 }
 
-TEST(PolynomialForm, IsRefusedForAnOrderThatThereIsNone)
-{
-    EXPECT_EQ(refusal({3, true}, 2, 100),
-              "The highest order of a response surface is 0, 1 or 2, not 3.");
-}
-
 TEST(PolynomialForm, IsRefusedWithMoreTermsThanCanBeFitted)
 {
     EXPECT_EQ(refusal(quadratic, 139, 9870), "");

@@ -121,17 +121,3 @@ TEST(ResponseSurfaceAnalysis, HasNoAiccForHardlyMoreCasesThanTerms)
     EXPECT_TRUE(std::isfinite(ResponseSurfaceAnalysis::aicc(1.0, 5, 2)));
     EXPECT_TRUE(std::isnan(ResponseSurfaceAnalysis(fit(fourOnALine(), 1), 0, {}).aicc()));
 }
-
-TEST(ResponseSurfaceAnalysis, OrdersLeverages)
-{
-    // On a line: 1/n + (x - mean)^2 / Sxx.
-    const PolynomialFit line = fit({{{0, 1, 2, 3, 9}}, {{1, 2, 3, 4, 6}}}, 1);
-    const std::vector<CaseLeverage> found = ResponseSurfaceAnalysis(line, 0, {}).largestLeverages();
-
-    ASSERT_EQ(found.size(), 5u);
-    EXPECT_EQ(found[0].row, 4u);
-    EXPECT_NEAR(found[0].leverage, 0.2 + 36.0 / 50.0, 1e-14);
-    EXPECT_EQ(found[1].row, 0u);
-    EXPECT_NEAR(found[1].leverage, 0.2 + 9.0 / 50.0, 1e-14);
-    EXPECT_EQ(found[4].row, 3u);
-}

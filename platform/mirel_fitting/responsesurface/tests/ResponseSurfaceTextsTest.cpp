@@ -108,19 +108,6 @@ TEST(ResponseSurfaceTexts, NamesAConstantInputWithTheTermsThatItTakesAlong)
               Texts{"V2 is the same in every case and was left out."});
 }
 
-TEST(ResponseSurfaceTexts, NamesTheTermsThatADependentOneIsMadeOf)
-{
-    // V3 = 1 + V1 - 2 V2.
-    Cases cases = twoInputs(30, 1.0);
-    cases.inputs.push_back({});
-    for (std::size_t k = 0; k < 30; ++k) {
-        cases.inputs[2].push_back(1.0 + cases.inputs[0][k] - 2.0 * cases.inputs[1][k]);
-    }
-
-    EXPECT_EQ(ResponseSurfaceTexts::dependences(fit(cases, 1)),
-              Texts{"V3 cannot be separated from V1 and V2 by these cases and was left out."});
-}
-
 TEST(ResponseSurfaceTexts, CallsTheConstantByItsNameWhereNothingElseIsMeant)
 {
     // Two levels, -1 and 1: the square is 1 everywhere.
@@ -187,12 +174,6 @@ TEST(ResponseSurfaceTexts, WritesRowsOfVarianceThatHaveDegreesOfFreedom)
     EXPECT_FALSE(contains(text, "Lack of fit")) << text;
 }
 
-TEST(ResponseSurfaceTexts, CountsCasesFromOne)
-{
-    EXPECT_TRUE(contains(quality(statistics()),
-                         "Leverage: mean 0.2, largest 0.75 of case 5, 0.5 of case 1\n"));
-}
-
 TEST(ResponseSurfaceTexts, DescribesTheStationaryPoint)
 {
     ResponseSurfaceStatistics curved = statistics();
@@ -210,17 +191,4 @@ TEST(ResponseSurfaceTexts, DescribesTheStationaryPoint)
     curved.stationaryPoint = point;
     EXPECT_TRUE(contains(quality(curved), "Stationary point: maximum of 8 at V1 = 1.5, V3 = -2, "
                                           "any V2, outside the ranges of the cases\n"));
-}
-
-TEST(ResponseSurfaceTexts, GivesReasonsForMissingFigures)
-{
-    FitMetrics missing = metrics();
-    missing.rmse = notANumber;
-    missing.press = notANumber;
-    const std::string text = ResponseSurfaceTexts::quality(fit(twoInputs(6, 1.0)), "full quadratic",
-                                                           missing, statistics());
-
-    EXPECT_TRUE(contains(text, "RMSE: not available (there are as many terms as cases)\n"
-                               "PRESS: not available (there are as many terms as cases)\n"))
-        << text;
 }

@@ -106,4 +106,5 @@ TEST(StationaryPointFinder, LeavesOutAnInputThatThePolynomialDoesNotHave)
     EXPECT_EQ(point->nature, StationaryPoint::Nature::Maximum);
     EXPECT_NEAR(point->coordinates[0], 0.0, 1e-12);
     EXPECT_TRUE(std::isnan(point->coordinates[1]));
+    EXPECT_NEAR(point->value, 0.0, 1e-12);
 }

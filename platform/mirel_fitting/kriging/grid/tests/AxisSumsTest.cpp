@@ -282,16 +282,3 @@ TEST(AxisSums, OfARowThatIsNaNAreNaNInThatRowOnly)
         EXPECT_TRUE(std::isfinite(found[0][v]));
     }
 }
-
-TEST(AxisSums, KeepTheDigitsOfWeightsThatCancel)
-{
-    const AxisSums::Axis axis = axisOf(scattered(5.0, 100), around(5.0, 100));
-    const Reference reference(axis, cancelling(100), {0.0, 0.0});
-
-    const std::vector<double> found = evaluated(axis, {cancelling(100)}, {{0.0, 0.0}})[0];
-
-    for (std::size_t v = 0; v < found.size(); ++v) {
-        EXPECT_NEAR(found[v], static_cast<double>(reference.values[v]),
-                    4.0 * epsilon * reference.magnitudes[v]);
-    }
-}
