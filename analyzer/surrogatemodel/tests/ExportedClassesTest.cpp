@@ -81,9 +81,7 @@ TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheLibrary)
 
 TEST_F(ExportedClasses, LetModelErrorsOfTheLibraryBeCaughtInThePlugin)
 {
-    for (const RecordPtr& record : project->records()) {
-        project->setIncluded(record, false);
-    }
+    includeAll(false);
 
     EXPECT_EQ(plugin::errorOfRequest(*manager, {y}), notEnoughCases);
 }

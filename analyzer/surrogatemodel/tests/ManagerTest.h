@@ -41,13 +41,6 @@ protected:
     static const RecordedFit& lastFit() { return recordedModels().fits.back(); }
     static std::size_t fitCount() { return recordedModels().fits.size(); }
 
-    void includeAll(bool isIncluded) const
-    {
-        for (const RecordPtr& record : project->records()) {
-            project->setIncluded(record, isIncluded);
-        }
-    }
-
     /** Which model that is, by the order of construction from 1. */
     static std::string nameOf(const SurrogateModelInterface& model)
     {

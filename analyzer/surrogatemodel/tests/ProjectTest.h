@@ -40,6 +40,14 @@ protected:
         return project->addNumericVariable(name, Variable::Dependent, std::move(values));
     }
 
+    void includeAll(bool isIncluded) const
+    {
+        const Project::ChangeGroup oneChange(*project);
+        for (const RecordPtr& record : project->records()) {
+            project->setIncluded(record, isIncluded);
+        }
+    }
+
     CleanUndoStack cleanUndoStack;
     boost::shared_ptr<Project> project;
 };

@@ -3,8 +3,6 @@
 #include "ChoosingFactory.h"
 #include "ManagerTest.h"
 
-#include <property/UndoablePropertyProxy.h>
-
 #include <boost/make_shared.hpp>
 
 #include <stdexcept>
@@ -59,18 +57,6 @@ TEST_F(SurrogateModelManagerFactoryTest, DropsTheModelAndSignalsOnceWhenTheChoic
     EXPECT_EQ(fitCount(), 2U);
 }
 
-TEST_F(SurrogateModelManagerFactoryTest, KeepsTheModelWhenTheChoiceStaysTheSame)
-{
-    model({y1});
-    Counter changes;
-    manager->connectSignalModelChanged(changes.slot());
-
-    factory->choice->set(0);
-
-    EXPECT_EQ(changes.calls, 0);
-    EXPECT_EQ(recordedModels().alive, 1);
-}
-
 TEST_F(SurrogateModelManagerFactoryTest, KeepsAModelOfATypeThatTheChoiceDoesNotConcern)
 {
     manager->type()->set(Interface::Kriging);
@@ -91,21 +77,6 @@ TEST_F(SurrogateModelManagerFactoryTest, TakesEveryTypeButZeroForAResponseSurfac
 
     factory->choice->set(1);
 
-    EXPECT_EQ(recordedModels().alive, 0);
-}
-
-TEST_F(SurrogateModelManagerFactoryTest, DropsTheModelAgainWhenTheChoiceIsUndone)
-{
-    veska::UndoablePropertyProxy<int> undoable("Choice", factory->choice);
-    undoable.set(1);
-    model({y1});
-    Counter changes;
-    manager->connectSignalModelChanged(changes.slot());
-
-    undoStack().undo();
-
-    EXPECT_EQ(factory->choice->get(), 0);
-    EXPECT_EQ(changes.calls, 1);
     EXPECT_EQ(recordedModels().alive, 0);
 }
 
@@ -139,14 +110,6 @@ TEST_F(SurrogateModelManagerFactoryTest, MayDestroyTheManagerThroughAListener)
 
     EXPECT_EQ(manager, nullptr);
     EXPECT_EQ(recordedModels().alive, 0);
-}
-
-TEST_F(SurrogateModelManagerFactoryTest, IsNotAskedForAModelWithoutCases)
-{
-    includeAll(false);
-
-    EXPECT_EQ(errorOf([this] { model({y1}); }), notEnoughCases);
-    EXPECT_EQ(fitCount(), 0U);
 }
 
 TEST_F(SurrogateModelManagerFactoryTest, MayHandOutAFinishedModelThatNeedsNoCases)

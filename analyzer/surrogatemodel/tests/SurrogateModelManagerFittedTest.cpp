@@ -56,14 +56,6 @@ protected:
         filter->AddObserver(vtkCommand::ErrorEvent, vtkNew<vtkCallbackCommand>());
     }
 
-    void includeAll(bool isIncluded) const
-    {
-        const Project::ChangeGroup oneChange(*project);
-        for (const RecordPtr& record : project->records()) {
-            project->setIncluded(record, isIncluded);
-        }
-    }
-
     void sweep(const VarPtr& variable, double low, double high, std::size_t count) const
     {
         variables->points[variable] =
@@ -175,9 +167,7 @@ TEST_P(SurrogateModelManagerFittedByBoth, StayUsableWhenARefitHasNoCases)
     const std::string textBefore = held.qualityMetricInformation(0);
     // No signal is emitted while the group lives.
     const Project::ChangeGroup silence(*project);
-    for (const RecordPtr& record : project->records()) {
-        project->setIncluded(record, false);
-    }
+    includeAll(false);
     EXPECT_THROW(manager->model(std::set<VarPtr>{y2}), SurrogateModelInterface::Error);
 
     SurrogateModelInterface& stale = manager->model(std::set<VarPtr>{y2});
@@ -185,14 +175,6 @@ TEST_P(SurrogateModelManagerFittedByBoth, StayUsableWhenARefitHasNoCases)
     EXPECT_EQ(&stale, &held);
     EXPECT_EQ(valueAt(stale, 0, 2.5), before);
     EXPECT_EQ(stale.qualityMetricInformation(0), textBefore);
-}
-
-TEST_P(SurrogateModelManagerFittedByBoth, ReportAModelThatCannotBeFittedAlsoWithoutDependents)
-{
-    variables->dependents.clear();
-    includeAll(false);
-
-    EXPECT_EQ(errorAfterUpdate(), notEnoughCases);
 }
 
 TEST_P(SurrogateModelManagerFittedByBoth, LeaveTheOnlyRowUnsetWithoutIndependentVariables)
@@ -252,16 +234,6 @@ TEST_F(SurrogateModelManagerFittedTest, ReportsThatNoCaseIsValidInTheTable)
     EXPECT_EQ(errorAfterUpdate(), "");
 }
 
-TEST_F(SurrogateModelManagerFittedTest, PrunesAVariableThatBecomesAnOutput)
-{
-    const VarPtr x2 = addInput("x2", {1, 1, 2, 2, 3, 3, 4, 4});
-    manager->independentVars()->set({x, x2});
-
-    project->setNature(x2, Variable::Dependent);
-
-    EXPECT_EQ(manager->independentVars()->get(), (std::vector<VarPtr>{x}));
-}
-
 TEST_F(SurrogateModelManagerFittedTest, HasNoValuesForARenamedVariableUntilItsPointIsSet)
 {
     project->renameVariable(x, "renamed");
@@ -269,39 +241,6 @@ TEST_F(SurrogateModelManagerFittedTest, HasNoValuesForARenamedVariableUntilItsPo
 
     setPoint("renamed", "2.5");
     EXPECT_NEAR(results("y1")[0], 2.5, rounding);
-}
-
-TEST_F(SurrogateModelManagerFittedTest, HasNoValuesForAnEvaluationPointThatIsNoNumber)
-{
-    setPoint("x", "nan");
-
-    EXPECT_EQ(results("y1"), Values());
-}
-
-TEST_F(SurrogateModelManagerFittedTest, EvaluatesAtTheRoundedMinimum)
-{
-    const VarPtr large =
-        addInput("large", {1234567, 1234568, 1234569, 1234570, 1234571, 1234572, 1234573, 1234574});
-    manager->independentVars()->set({large});
-
-    filter->Update();
-
-    EXPECT_EQ(filter->GetOutput()->GetValueByName(0, "large").ToDouble(), 1234570.0);
-}
-
-TEST_F(SurrogateModelManagerFittedTest, MarksTheFilterModifiedTwiceWhenAnEvaluationPointIsUndone)
-{
-    setPoint("x", "2.5");
-    int modifications = 0;
-    vtkNew<vtkCallbackCommand> observer;
-    observer->SetClientData(&modifications);
-    observer->SetCallback(
-        [](vtkObject*, unsigned long, void* client, void*) { ++*static_cast<int*>(client); });
-    filter->AddObserver(vtkCommand::ModifiedEvent, observer);
-
-    undoStack().undo();
-
-    EXPECT_EQ(modifications, 2);
 }
 
 TEST_F(SurrogateModelManagerFittedTest, OutlivesTheProjectThatItsVariablesCameFrom)

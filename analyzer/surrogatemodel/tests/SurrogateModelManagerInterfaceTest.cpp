@@ -2,13 +2,10 @@
 
 #include "FakeManager.h"
 
-#include <mirel_datamanagement/Project.h>
 #include <mirel_property/tests/VirtualSlot.h>
-#include <property/tests/PropertyListener.h>
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <type_traits>
 
 namespace {
@@ -153,44 +150,4 @@ TEST(SurrogateModelManagerInterface, DisconnectsAllListenersWhenDestroyed)
     }
     EXPECT_FALSE(plain.connected());
     EXPECT_FALSE(extended.connected());
-}
-
-TEST(SurrogateModelManagerInterface, ReportsAModelThatCannotBeFittedAsAnErrorOfTheHost)
-{
-    FakeManager manager;
-    manager.failure = "no model";
-    const Interface& face = manager;
-    try {
-        face.model(std::set<int>{0});
-        FAIL() << "no error";
-    } catch (const veska::ExceptionBase& error) {
-        const auto& modelError = dynamic_cast<const SurrogateModelInterface::Error&>(error);
-        const SurrogateModelInterface::Error copy = modelError;
-        EXPECT_STREQ(copy.what(), "no model");
-    }
-    EXPECT_THROW(face.model(std::set<VarPtr>{}), std::exception);
-}
-
-TEST(SurrogateModelManagerInterface, HasSettingsThatStartEmptyAndAtZero)
-{
-    EXPECT_TRUE(veska::Property<std::vector<VarPtr>>().get().empty());
-    EXPECT_EQ(veska::Property<Interface::ModelType>().get(), Interface::Kriging);
-    EXPECT_EQ(veska::Property<SurrogateModelUserDistCollection>().get(),
-              SurrogateModelUserDistCollection());
-}
-
-TEST(SurrogateModelManagerInterface, TakesAnotherOrderOfTheSameVariablesAsAChange)
-{
-    Project project;
-    const VarPtr x = project.addNumericVariable("x", Variable::Independent);
-    const VarPtr y = project.addNumericVariable("y", Variable::Independent);
-    veska::Property<std::vector<VarPtr>> variables;
-    variables.set({x, y});
-    const PropertyListener<std::vector<VarPtr>> listener(variables);
-
-    variables.set({x, y});
-    EXPECT_TRUE(listener.values.empty());
-    variables.set({y, x});
-
-    EXPECT_EQ(listener.values, (std::vector<std::vector<VarPtr>>{{y, x}}));
 }

@@ -295,9 +295,7 @@ TEST_F(SurrogateModelSourcePointsTest, HandOutCopiesOfTheColumnLists)
 
 TEST_F(SurrogateModelSourcePointsTest, HaveAllColumnsAlsoWithoutAnyCase)
 {
-    for (const RecordPtr& record : project->records()) {
-        project->setIncluded(record, false);
-    }
+    includeAll(false);
 
     rebuildFully({y1});
 
