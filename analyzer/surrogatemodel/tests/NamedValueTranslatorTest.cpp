@@ -68,16 +68,6 @@ TEST(NamedValueTranslator, FailsForATextItDoesNotHold)
     }
 }
 
-TEST(NamedValueTranslator, DoesNotAddWhatIsLookedUp)
-{
-    const Colours colours = twoColours();
-
-    EXPECT_THROW(colours.toValue("blue"), std::out_of_range);
-
-    EXPECT_THROW(colours.toValue("blue"), std::out_of_range);
-    EXPECT_THROW(colours.toText(Blue), std::out_of_range);
-}
-
 TEST(NamedValueTranslator, TakesTheSamePairAgain)
 {
     Colours colours = twoColours();

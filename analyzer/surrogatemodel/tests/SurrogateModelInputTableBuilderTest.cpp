@@ -85,18 +85,6 @@ protected:
 TEST_F(SurrogateModelInputTableBuilderTest, VariesTheLastVariableFastest)
 {
     independent("A", {1, 2});
-    independent("B", {10, 20, 30});
-
-    const auto table = builder().suppliedIndependentVarValues();
-
-    EXPECT_EQ(table->GetNumberOfRows(), 6);
-    EXPECT_EQ(column(*table, 0), (Values{1, 1, 1, 2, 2, 2}));
-    EXPECT_EQ(column(*table, 1), (Values{10, 20, 30, 10, 20, 30}));
-}
-
-TEST_F(SurrogateModelInputTableBuilderTest, CombinesThreeVariablesInRowMajorOrder)
-{
-    independent("A", {1, 2});
     independent("B", {10, 20});
     independent("C", {5, 6, 7});
 

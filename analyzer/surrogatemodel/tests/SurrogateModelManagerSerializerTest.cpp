@@ -543,19 +543,6 @@ TEST_F(SurrogateModelManagerSerializerUndoTest, KeepsTheEvaluationPointOfVariabl
     EXPECT_EQ(undoStack().count(), 2);
 }
 
-TEST_F(SurrogateModelManagerSerializerUndoTest, RecordsNothingForThePresentSettings)
-{
-    manager->independentVars()->set({x, y});
-    undoStack().clear();
-    int modelChanges = 0;
-    manager->connectSignalModelChanged([&modelChanges] { ++modelChanges; });
-
-    read(serializer, written(serializer));
-
-    EXPECT_EQ(undoStack().count(), 0);
-    EXPECT_EQ(modelChanges, 0);
-}
-
 TEST_F(SurrogateModelManagerSerializerUndoTest, RecordsAnotherOrderOfTheListAsAChange)
 {
     load(chosen({"x", "y"}));
@@ -568,30 +555,4 @@ TEST_F(SurrogateModelManagerSerializerUndoTest, RecordsAnotherOrderOfTheListAsAC
     EXPECT_EQ(manager->independentVars()->get(), (Variables{y, x}));
     EXPECT_EQ(undoStack().count(), 1);
     EXPECT_EQ(modelChanges, 1);
-}
-
-TEST_F(SurrogateModelManagerSerializerUndoTest, RecordsNothingWhileRecordingIsSuspended)
-{
-    {
-        const UndoStack::SuspendUndoRecording suspension;
-        load("<Type>Kriging</Type>" + chosen({"x"}));
-    }
-
-    EXPECT_EQ(undoStack().count(), 0);
-    EXPECT_EQ(manager->type()->get(), Interface::Kriging);
-    EXPECT_EQ(manager->independentVars()->get(), Variables{x});
-}
-
-TEST_F(SurrogateModelManagerSerializerUndoTest, IsOneStepWithinAMacroOfTheCaller)
-{
-    {
-        const UndoStack::Macro macro("Load Settings");
-        load("<Type>Kriging</Type>" + chosen({"x"}));
-    }
-    EXPECT_EQ(undoStack().count(), 1);
-
-    undoStack().undo();
-
-    EXPECT_EQ(manager->type()->get(), Interface::ResponseSurface);
-    EXPECT_TRUE(manager->independentVars()->get().empty());
 }

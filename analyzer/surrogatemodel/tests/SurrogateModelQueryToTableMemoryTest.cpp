@@ -18,23 +18,6 @@ using SurrogateModelQueryToTableMemoryTest = QueryTest;
 
 } // namespace
 
-TEST_F(SurrogateModelQueryToTableMemoryTest, LeavesTheColumnsOfEarlierLargeResultsAlone)
-{
-    variables->inputs[x1] = Values(200000, 3.0);
-    update();
-    vtkNew<vtkTable> kept;
-    kept->ShallowCopy(output());
-
-    variables->inputs[x1] = Values(200000, 4.0);
-    filter->Modified();
-    update();
-
-    const auto* const former = vtkArrayDownCast<vtkDoubleArray>(kept->GetColumn(0));
-    EXPECT_EQ(former->GetValue(0), 3.0);
-    EXPECT_EQ(former->GetValue(399999), 3.0);
-    EXPECT_EQ(column("x1")[0], 4.0);
-}
-
 TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfTablesThatAreReleased)
 {
     if (!memoryCanBeMeasured) {
@@ -58,25 +41,6 @@ TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfTablesThatAreRelease
     EXPECT_LE(bytesInUse(), withOneTable + largeColumn / 4);
     output()->Initialize();
     EXPECT_LE(bytesInUse(), withoutTable + largeColumn / 4);
-}
-
-TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfALargeTableBesideASmallOne)
-{
-    if (!memoryCanBeMeasured) {
-        GTEST_SKIP();
-    }
-    update();
-    const std::size_t before = bytesInUse();
-    variables->inputs[x1] = Values(200000, 3.0);
-    filter->Modified();
-    update();
-    EXPECT_GE(bytesInUse(), before + 3 * largeColumn);
-
-    variables->inputs[x1] = Values{3.0};
-    filter->Modified();
-    update();
-
-    EXPECT_LE(bytesInUse(), before + largeColumn / 4);
 }
 
 TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfALargeTableAfterAnError)
@@ -107,17 +71,6 @@ TEST_F(SurrogateModelQueryToTableMemoryTest, KeepsNoMemoryOfALargeTableAfterAnEr
 
         EXPECT_LE(bytesInUse(), before + largeColumn / 4);
     }
-}
-
-TEST_F(SurrogateModelQueryToTableMemoryTest, MayGoBeforeItsLargeTable)
-{
-    variables->inputs[x1] = Values(200000, 3.0);
-    update();
-    const vtkSmartPointer<vtkTable> kept = output();
-
-    filter = nullptr;
-
-    EXPECT_EQ(kept->GetValue(399999, 0).ToDouble(), 3.0);
 }
 
 TEST_F(SurrogateModelQueryToTableMemoryTest, TakesTheMemoryOfOneTableHoweverOftenItRuns)

@@ -1,5 +1,7 @@
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
+#include "UserDistXml.h"
+
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <gtest/gtest.h>
@@ -11,15 +13,6 @@
 namespace {
 
 using Collection = SurrogateModelUserDistCollection;
-
-Collection collectionOf(const std::string& name, Collection::VariableMode mode,
-                        const std::string& text)
-{
-    Collection collection;
-    collection.setMode(name, mode);
-    collection.setUserDistString(name, text);
-    return collection;
-}
 
 TEST(SurrogateModelUserDistCollection, ModesAreAutoZeroAndUserDefinedOneIn32Bits)
 {
@@ -73,7 +66,7 @@ TEST(SurrogateModelUserDistCollection, ModeAloneGivesANewNameAnEmptyText)
 
 TEST(SurrogateModelUserDistCollection, TextOfAHeldNameKeepsItsMode)
 {
-    Collection collection = collectionOf("x", Collection::UserDefined, "1");
+    Collection collection = with({}, "x", Collection::UserDefined, "1");
 
     collection.setUserDistString("x", "2");
 
@@ -83,7 +76,7 @@ TEST(SurrogateModelUserDistCollection, TextOfAHeldNameKeepsItsMode)
 
 TEST(SurrogateModelUserDistCollection, ModeOfAHeldNameKeepsItsText)
 {
-    Collection collection = collectionOf("x", Collection::UserDefined, "1");
+    Collection collection = with({}, "x", Collection::UserDefined, "1");
 
     collection.setMode("x", Collection::Auto);
 
@@ -106,7 +99,7 @@ TEST(SurrogateModelUserDistCollection, ListsNamesInByteOrder)
 
 TEST(SurrogateModelUserDistCollection, DistinguishesNamesByCase)
 {
-    const Collection collection = collectionOf("x", Collection::UserDefined, "1");
+    const Collection collection = with({}, "x", Collection::UserDefined, "1");
 
     EXPECT_EQ(collection.getMode("X"), Collection::Auto);
 }
@@ -114,7 +107,7 @@ TEST(SurrogateModelUserDistCollection, DistinguishesNamesByCase)
 TEST(SurrogateModelUserDistCollection, PointsGiveTheValuesOfTheTextWhateverTheMode)
 {
     for (const auto mode : {Collection::Auto, Collection::UserDefined}) {
-        const Collection collection = collectionOf("x", mode, "0 - 1 : 3");
+        const Collection collection = with({}, "x", mode, "0 - 1 : 3");
 
         std::vector<double> values;
         collection.getUserDistributionPoints("x")->get(values);
@@ -125,7 +118,7 @@ TEST(SurrogateModelUserDistCollection, PointsGiveTheValuesOfTheTextWhateverTheMo
 
 TEST(SurrogateModelUserDistCollection, PointsAreANewUncheckedObjectOnEachCall)
 {
-    const Collection collection = collectionOf("x", Collection::UserDefined, "abc");
+    const Collection collection = with({}, "x", Collection::UserDefined, "abc");
 
     const auto first = collection.getUserDistributionPoints("x");
     const auto second = collection.getUserDistributionPoints("x");
@@ -146,12 +139,12 @@ TEST(SurrogateModelUserDistCollection, PointsOfANameNotHeldReportNoValueRange)
 
 TEST(SurrogateModelUserDistCollection, EqualityComparesNamesModesAndTexts)
 {
-    const Collection reference = collectionOf("x", Collection::UserDefined, "1");
+    const Collection reference = with({}, "x", Collection::UserDefined, "1");
     const std::pair<Collection, bool> others[] = {
-        {collectionOf("x", Collection::UserDefined, "1"), true},
-        {collectionOf("X", Collection::UserDefined, "1"), false},
-        {collectionOf("x", Collection::Auto, "1"), false},
-        {collectionOf("x", Collection::UserDefined, "1 "), false},
+        {with({}, "x", Collection::UserDefined, "1"), true},
+        {with({}, "X", Collection::UserDefined, "1"), false},
+        {with({}, "x", Collection::Auto, "1"), false},
+        {with({}, "x", Collection::UserDefined, "1 "), false},
         {Collection(), false},
     };
 
@@ -164,12 +157,12 @@ TEST(SurrogateModelUserDistCollection, EqualityComparesNamesModesAndTexts)
 
 TEST(SurrogateModelUserDistCollection, AnEntryOfDefaultsDiffersFromNoEntry)
 {
-    EXPECT_TRUE(collectionOf("x", Collection::Auto, "") != Collection());
+    EXPECT_TRUE(with({}, "x", Collection::Auto, "") != Collection());
 }
 
 TEST(SurrogateModelUserDistCollection, CopiesShareNothing)
 {
-    Collection original = collectionOf("x", Collection::UserDefined, "1");
+    Collection original = with({}, "x", Collection::UserDefined, "1");
     Collection copy(original);
     Collection assigned;
     assigned = original;
@@ -177,39 +170,39 @@ TEST(SurrogateModelUserDistCollection, CopiesShareNothing)
     copy.setUserDistString("x", "2");
     original.setMode("x", Collection::Auto);
 
-    EXPECT_TRUE(original == collectionOf("x", Collection::Auto, "1"));
-    EXPECT_TRUE(copy == collectionOf("x", Collection::UserDefined, "2"));
-    EXPECT_TRUE(assigned == collectionOf("x", Collection::UserDefined, "1"));
+    EXPECT_TRUE(original == with({}, "x", Collection::Auto, "1"));
+    EXPECT_TRUE(copy == with({}, "x", Collection::UserDefined, "2"));
+    EXPECT_TRUE(assigned == with({}, "x", Collection::UserDefined, "1"));
 }
 
 TEST(SurrogateModelUserDistCollection, AssignmentReplacesWhatWasHeld)
 {
-    Collection collection = collectionOf("x", Collection::UserDefined, "1");
+    Collection collection = with({}, "x", Collection::UserDefined, "1");
 
-    collection = collectionOf("y", Collection::Auto, "2");
+    collection = with({}, "y", Collection::Auto, "2");
 
     EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"y"}));
 }
 
 TEST(SurrogateModelUserDistCollection, SelfAssignmentChangesNothing)
 {
-    Collection collection = collectionOf("x", Collection::UserDefined, "1");
+    Collection collection = with({}, "x", Collection::UserDefined, "1");
     const Collection& itself = collection;
 
     collection = itself;
 
-    EXPECT_TRUE(collection == collectionOf("x", Collection::UserDefined, "1"));
+    EXPECT_TRUE(collection == with({}, "x", Collection::UserDefined, "1"));
 }
 
 TEST(SurrogateModelUserDistCollection, StaysUsableAfterStdMove)
 {
-    Collection source = collectionOf("x", Collection::UserDefined, "1");
+    Collection source = with({}, "x", Collection::UserDefined, "1");
 
     // NOLINTBEGIN(performance-move-const-arg, bugprone-use-after-move): that it copies is the
     // promise
     const Collection target(std::move(source));
 
-    EXPECT_TRUE(target == collectionOf("x", Collection::UserDefined, "1"));
+    EXPECT_TRUE(target == with({}, "x", Collection::UserDefined, "1"));
     source.setUserDistString("x", "2");
     EXPECT_EQ(source.getUserDistString("x"), "2");
     // NOLINTEND(performance-move-const-arg, bugprone-use-after-move)
@@ -219,7 +212,7 @@ TEST(SurrogateModelUserDistCollection, KeepsFaultyTextsAndOddNamesAsTheyAre)
 {
     const std::string withNul("a\0b", 3);
     const std::string notUtf8("\xff\xfe", 2);
-    const Collection collection = collectionOf(withNul, Collection::UserDefined, notUtf8);
+    const Collection collection = with({}, withNul, Collection::UserDefined, notUtf8);
 
     EXPECT_EQ(collection.getUserDistString(withNul), notUtf8);
     EXPECT_EQ(collection.getUserDistString("a"), "");

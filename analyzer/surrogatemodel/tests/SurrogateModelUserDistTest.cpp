@@ -2,16 +2,13 @@
 
 #include <mirel_property/tests/VirtualSlot.h>
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <clocale>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <locale>
-#include <random>
 #include <type_traits>
 
 namespace {
@@ -268,7 +265,7 @@ TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyAndTrimmed)
 
 TEST(SurrogateModelUserDist, ReportsABlankTextAsAnEmptyItem)
 {
-    Dist distribution("   ");
+    const Dist distribution("   ");
 
     EXPECT_FALSE(distribution.isValid());
     EXPECT_EQ(distribution.errorString(), "Expression: \nNo value range specified");
@@ -297,14 +294,6 @@ TEST(SurrogateModelUserDist, KeepsItsErrorCodeAndText)
     EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
     EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
     distribution.get(values);
-    EXPECT_FALSE(distribution.isValid());
-    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
-}
-
-TEST(SurrogateModelUserDist, IsCheckedThroughAConstObjectToo)
-{
-    const Dist distribution("abc");
-
     EXPECT_FALSE(distribution.isValid());
     EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
 }
@@ -405,39 +394,13 @@ TEST(SurrogateModelUserDist, KeepsTheZeroThatTheTextNamesFirst)
     EXPECT_TRUE(std::signbit(valuesOf("-0 - 100 : 200, 0 - 100 : 300").front()));
 }
 
-TEST(SurrogateModelUserDist, KeepsTheZeroThatALongListNamesFirst)
-{
-    std::string before;
-    std::string after;
-    for (int value = 40; value > 0; --value) {
-        before += std::to_string(value) + ", ";
-        after += ", " + std::to_string(-value);
-    }
-    const auto zeroOf = [&](const std::string& zeros) {
-        const Values values = valuesOf(before + zeros + after);
-        EXPECT_EQ(values.size(), 81u);
-        return values[40];
-    };
-
-    EXPECT_FALSE(std::signbit(zeroOf("0, 40, -40, 40, -40, -0")));
-    EXPECT_TRUE(std::signbit(zeroOf("-0, 40, -40, 40, -40, 0")));
-}
-
-TEST(SurrogateModelUserDist, AcceptsAMillionValuesPerRange)
-{
-    const Values values = valuesOf("0 - 999999 : 1000000");
-
-    ASSERT_EQ(values.size(), 1000000u);
-    EXPECT_EQ(values.front(), 0.0);
-    EXPECT_EQ(values[123456], 123456.0);
-    EXPECT_EQ(values.back(), 999999.0);
-}
-
-TEST(SurrogateModelUserDist, DoesNotLimitTheNumberOfRanges)
+TEST(SurrogateModelUserDist, AcceptsAMillionValuesPerRangeAndAnyNumberOfRanges)
 {
     const Values values = valuesOf("0 - 999999 : 1000000, 1000000 - 1999999 : 1000000, 5 - 6 : 2");
 
     ASSERT_EQ(values.size(), 2000000u);
+    EXPECT_EQ(values.front(), 0.0);
+    EXPECT_EQ(values[123456], 123456.0);
     EXPECT_EQ(values.back(), 1999999.0);
 }
 
@@ -470,36 +433,6 @@ TEST(SurrogateModelUserDist, ReadsVeryLongTexts)
     EXPECT_EQ(values[99999], 99999.0);
 }
 
-TEST(SurrogateModelUserDist, RefusesRandomTextsWithAMessageOrGivesAscendingValues)
-{
-    const std::string alphabet = "0123456789..++--eE::,,  \t";
-    std::mt19937_64 random(20240521);
-    int accepted = 0;
-    for (int i = 0; i < 20000; ++i) {
-        std::string text;
-        for (std::uint64_t length = random() % 10; length > 0; --length) {
-            text += alphabet[random() % alphabet.size()];
-        }
-        Dist distribution(text);
-        Values values = {7.0, 7.0};
-
-        distribution.get(values);
-
-        if (distribution.isValid()) {
-            ++accepted;
-            ASSERT_FALSE(values.empty()) << text;
-            ASSERT_EQ(std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()),
-                      values.end())
-                << text;
-            ASSERT_EQ(distribution.errorString(), "") << text;
-        } else {
-            ASSERT_EQ(values, (Values{7.0, 7.0})) << text;
-            ASSERT_EQ(distribution.errorString().rfind("Expression: ", 0), 0u) << text;
-        }
-    }
-    EXPECT_GT(accepted, 1000) << "the texts hardly ever reach the expansion";
-}
-
 class CommaAsDecimalPoint : public std::numpunct<char>
 {
     char do_decimal_point() const override { return ','; }
@@ -524,16 +457,6 @@ TEST(SurrogateModelUserDist, ReadsNumbersAlikeInEveryLocale)
     EXPECT_EQ(values, (Values{1.5, 2500}));
     EXPECT_EQ(faulty.errorString(),
               "Expression: 12345 - 0 : 3\nRange minimum is larger than range maximum");
-}
-
-TEST(SurrogateModelUserDist, ImplementsTheInterfaceAndIsDeletedThroughIt)
-{
-    const boost::shared_ptr<InterpolationPointsInterface> points = boost::make_shared<Dist>("1, 2");
-
-    Values values;
-    points->get(values);
-
-    EXPECT_EQ(values, (Values{1, 2}));
 }
 
 TEST(SurrogateModelUserDist, ListsGetBeforeTheDestructor)

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <stdexcept>
 #include <type_traits>
 
 namespace {
@@ -22,7 +21,7 @@ public:
 
 TEST(DataPipelineManagerInterface, CallsItsListenersOnEveryChange)
 {
-    AnnouncingPipeline pipeline;
+    const AnnouncingPipeline pipeline;
     int first = 0;
     int second = 0;
     pipeline.connectSignalChanged([&first] { ++first; });
@@ -40,15 +39,6 @@ TEST(DataPipelineManagerInterface, CallsNoListenerThatIsDisconnected)
     pipeline.connectSignalChanged([&calls] { ++calls; }).disconnect();
     pipeline.announce();
     EXPECT_EQ(calls, 0);
-}
-
-TEST(DataPipelineManagerInterface, LetsListenersConnectToAConstPipeline)
-{
-    const AnnouncingPipeline pipeline;
-    int calls = 0;
-    pipeline.connectSignalChanged([&calls] { ++calls; });
-    pipeline.announce();
-    EXPECT_EQ(calls, 1);
 }
 
 TEST(DataPipelineManagerInterface, EndsItsConnectionsWithItself)
@@ -72,13 +62,6 @@ TEST(DataPipelineManagerInterface, MayBeDestroyedByAListener)
     pipeline->announce();
     EXPECT_EQ(pipeline, nullptr);
     EXPECT_EQ(later, 0) << "no listener is called for a destroyed pipeline";
-}
-
-TEST(DataPipelineManagerInterface, LetsTheExceptionOfAListenerPass)
-{
-    AnnouncingPipeline pipeline;
-    pipeline.connectSignalChanged([] { throw std::runtime_error("listener"); });
-    EXPECT_THROW(pipeline.announce(), std::runtime_error);
 }
 
 TEST(DataPipelineManagerInterface, IsNotCopyable)

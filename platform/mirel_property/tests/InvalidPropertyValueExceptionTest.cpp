@@ -10,12 +10,3 @@ TEST(InvalidPropertyValueException, IsCaughtAsExceptionBaseWithItsText)
         EXPECT_STREQ(error.what(), "out of range");
     }
 }
-
-TEST(InvalidPropertyValueException, IsCaughtAsStandardExceptionWithItsText)
-{
-    try {
-        throw veska::InvalidPropertyValueException("out of range");
-    } catch (const std::exception& error) {
-        EXPECT_STREQ(error.what(), "out of range");
-    }
-}

@@ -364,6 +364,12 @@ TEST(Serializer, SharesOwnershipOfItsSubElements)
 
 TEST(Serializer, KeepsTheOrderOfItsOperations)
 {
+    EXPECT_TRUE(std::is_abstract<SerializerInterface>::value);
+    EXPECT_TRUE(std::has_virtual_destructor<SerializerInterface>::value);
+    // The destructor, which comes first, has two slots.
+    EXPECT_TRUE(isVirtualSlot(&SerializerInterface::name, 2));
+    EXPECT_TRUE(isVirtualSlot(&SerializerInterface::serialize, 3));
+    EXPECT_TRUE(isVirtualSlot(&SerializerInterface::deserialize, 4));
     // The first two that it adds, behind those of the interface.
     EXPECT_TRUE(isVirtualSlot(&ValueSerializer::serializeSelf, 5));
     EXPECT_TRUE(isVirtualSlot(&ValueSerializer::deserializeSelf, 6));
