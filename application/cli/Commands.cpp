@@ -137,6 +137,9 @@ void runPredict(const CommandLine& line)
                                   namesOf(open.session.inputs()), namesOf(open.session.outputs()),
                                   line.interval ? PredictionPoints::PredictionsAndLimits
                                                 : PredictionPoints::Predictions);
+    for (const std::string& sentence : points.notes()) {
+        note(line, "Note: " + sentence + '\n');
+    }
     fitWithProgress(line, open.session);
     const PointEvaluation evaluation =
         open.session.predict(points.inputColumns(), points.count(), line.interval);

@@ -10,6 +10,7 @@
 #include <session/model/SessionChoices.h>
 #include <session/project/ProjectCases.h>
 #include <session/project/ProjectDocument.h>
+#include <session/report/ReportHeading.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_datamanagement/Project.h>
@@ -145,6 +146,11 @@ OpenSession::OpenSession(const CommandLine& line)
     // An exported model has its roles, and may well have no input.
     if (!line.startsFromModel()) {
         requireRoles(line, session);
+    }
+    if (line.command != CommandLine::Summary) { // which has them in its text
+        for (const std::string& sentence : ReportHeading::readingNotes(session)) {
+            note(line, "Note: " + sentence + '\n');
+        }
     }
 }
 

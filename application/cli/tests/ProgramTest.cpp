@@ -246,6 +246,27 @@ TEST_F(Program, ATextColumnIsNoInputAndNoOutput)
                   "\"north\".");
 }
 
+TEST_F(Program, CellsThatAreNoNumbersAreToldAndTheirCasesLeftOut)
+{
+    folder.write("failed.csv", "x,other,y\n1,a,2\n2,b,failed\n3,1,4\n4,2,failed\n5,c,8\n6,d,7\n");
+
+    const Outcome fit = run("fit failed.csv -x x -y y --terms linear");
+    EXPECT_EQ(fit.exitCode, 0);
+    EXPECT_EQ(fit.err.rfind("Note: y: 2 cells are no numbers (\"failed\", first in line 3): these "
+                            "cases are left out.\n",
+                            0),
+              0u)
+        << fit.err;
+    EXPECT_EQ(run("fit failed.csv -x x -y y --terms linear -q").err, "");
+    EXPECT_EQ(
+        Json::parse(run("fit failed.csv -x x -y y --json").out)["cases"]["withoutNumber"],
+        Json::parse(R"([{"name": "y", "cells": 2, "spellings": ["failed"], "firstLine": 3}])"));
+    EXPECT_NE(run("summary failed.csv")
+                  .out.find("y: 2 cells are no numbers (\"failed\", first in line 3): they count "
+                            "as missing.\n"),
+              std::string::npos);
+}
+
 TEST_F(Program, EquationsComeWithTheirLegend)
 {
     const Outcome equations = run("equations cvd.csv -x Pressure,H2/WF6 -y Stress");

@@ -69,16 +69,17 @@ public:
         }
     }
 
-    /** One per column: how many cases at the beginning of a text column were read as numbers, so
-     *  that their texts are missing. */
-    std::vector<std::size_t> casesWithoutText() const
+    /**
+     * Decides which columns are numeric, now that all cells are known.
+     * @return the columns that were taken for the other kind so far, with room for all cases and no
+     *         values; where the cells are kept they are complete.
+     */
+    std::vector<std::size_t> decideKinds();
+
+    /** Reads a cell of such a column again. */
+    void takeCellAgain(std::size_t column, std::string_view text)
     {
-        std::vector<std::size_t> counts;
-        counts.reserve(states.size());
-        for (const State& state : states) {
-            counts.push_back(state.casesWithoutText);
-        }
-        return counts;
+        takeValue(table.columns[column], CellValue::read(text, decimalComma), text);
     }
 
     /** Finds out which decimal mark the numbers have, and checks that all have the same. */
@@ -88,8 +89,7 @@ private:
     /** What is known of a column while it is read. */
     struct State
     {
-        bool hasNumber = false;
-        std::size_t casesWithoutText = 0;
+        std::size_t numbers = 0;
         std::size_t firstPointLine = 0;
         std::size_t firstCommaLine = 0;
     };
@@ -106,30 +106,31 @@ private:
     void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
     {
         const CellValue value = CellValue::read(text, decimalComma);
-        if (value.kind == CellValue::Text) {
-            checkText(text, line);
-            if (column.isNumeric) {
-                turnIntoText(column, state, text, line);
-            }
+        if (value.kind == CellValue::Number) {
+            takeNumber(state, value, line);
+        } else if (value.kind == CellValue::Text) {
+            takeText(column, state, text, line);
         }
-        if (column.isNumeric) {
-            takeNumber(column, state, value, line);
-        } else if (!keepCells) {
-            column.texts.emplace_back(value.kind == CellValue::Missing ? std::string_view() : text);
-        }
+        takeValue(column, value, text);
         if (keepCells) {
             column.cells.append(text);
         }
     }
 
-    void takeNumber(CaseColumn& column, State& state, const CellValue& value, std::size_t line)
+    void takeValue(CaseColumn& column, const CellValue& value, std::string_view text)
     {
-        if (value.kind == CellValue::Missing) {
-            column.numbers.push_back(std::numeric_limits<double>::quiet_NaN());
-            return;
+        if (column.isNumeric) {
+            column.numbers.push_back(value.kind == CellValue::Number
+                                         ? value.number
+                                         : std::numeric_limits<double>::quiet_NaN());
+        } else if (!keepCells) {
+            column.texts.emplace_back(value.kind == CellValue::Missing ? std::string_view() : text);
         }
-        column.numbers.push_back(value.number);
-        state.hasNumber = true;
+    }
+
+    static void takeNumber(State& state, const CellValue& value, std::size_t line)
+    {
+        ++state.numbers;
         if (value.mark == CellValue::Point && state.firstPointLine == 0) {
             state.firstPointLine = line;
         } else if (value.mark == CellValue::Comma && state.firstCommaLine == 0) {
@@ -137,20 +138,8 @@ private:
         }
     }
 
-    void turnIntoText(CaseColumn& column, State& state, std::string_view text, std::size_t line)
-    {
-        column.isNumeric = false;
-        column.firstText = text;
-        column.firstTextLine = line;
-        // Where every cell so far was missing, the empty texts are correct already.
-        state.casesWithoutText = state.hasNumber ? table.cases : 0;
-        const std::size_t room = column.numbers.capacity();
-        std::vector<double>().swap(column.numbers);
-        if (!keepCells) {
-            column.texts.reserve(room);
-            column.texts.resize(table.cases);
-        }
-    }
+    void takeText(CaseColumn& column, const State& state, std::string_view text, std::size_t line);
+    void exchangeKind(CaseColumn& column);
 
     CaseTable& table;
     std::vector<State> states;
@@ -158,6 +147,63 @@ private:
     bool decimalComma; ///< whether numbers may have one
     bool needsComma;   ///< whether they must not have a point
 };
+
+void ColumnBuilder::takeText(CaseColumn& column, const State& state, std::string_view text,
+                             std::size_t line)
+{
+    checkText(text, line);
+    CellsWithoutNumber& cells = column.withoutNumber;
+    ++cells.count;
+    if (cells.firstLine == 0) {
+        cells.firstLine = line;
+        if (state.numbers == 0) {
+            exchangeKind(column); // likely a column of texts
+            column.texts.resize(keepCells ? 0 : table.cases);
+        }
+    }
+    if (!cells.hasMoreSpellings &&
+        std::find(cells.spellings.begin(), cells.spellings.end(), text) == cells.spellings.end()) {
+        if (cells.spellings.size() < CellsWithoutNumber::keptSpellings) {
+            cells.spellings.emplace_back(text);
+        } else {
+            cells.hasMoreSpellings = true;
+        }
+    }
+}
+
+/** Of a column without its values, with the same room for them. */
+void ColumnBuilder::exchangeKind(CaseColumn& column)
+{
+    const std::size_t room = std::max(column.numbers.capacity(), column.texts.capacity());
+    std::vector<double>().swap(column.numbers);
+    std::vector<std::string>().swap(column.texts);
+    column.isNumeric = !column.isNumeric;
+    if (column.isNumeric) {
+        column.numbers.reserve(room);
+    } else if (!keepCells) {
+        column.texts.reserve(room);
+    }
+}
+
+std::vector<std::size_t> ColumnBuilder::decideKinds()
+{
+    std::vector<std::size_t> exchanged;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        CaseColumn& column = table.columns[i];
+        if (column.isNumeric == (states[i].numbers >= column.withoutNumber.count)) {
+            continue;
+        }
+        exchangeKind(column);
+        if (!keepCells) {
+            exchanged.push_back(i);
+            continue;
+        }
+        for (std::size_t row = 0; row < table.cases; ++row) {
+            takeCellAgain(i, column.cells[row]);
+        }
+    }
+    return exchanged;
+}
 
 void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std::size_t line)
 {
@@ -267,23 +313,18 @@ void readColumns(ByteSource& source, ColumnBuilder& builder, CaseTable& table)
     }
 }
 
-/**
- * Reads again the texts at the beginning of columns that turned out to be text later.
- * @param casesToFill one per column.
- */
-void fillEarlyTexts(ByteSource& source, CaseTable& table,
-                    const std::vector<std::size_t>& casesToFill)
+/** Reads the values of these columns, which are known to be of the other kind only now. */
+void readAgain(ByteSource& source, char separator, ColumnBuilder& builder,
+               const std::vector<std::size_t>& columns)
 {
-    const std::size_t last = *std::max_element(casesToFill.begin(), casesToFill.end());
-    CsvSplitter splitter = splitterOf(source, table.separator);
+    if (columns.empty()) {
+        return;
+    }
+    CsvSplitter splitter = splitterOf(source, separator);
     splitter.next(); // the heading
-    for (std::size_t i = 0; i < last && splitter.next(); ++i) {
-        for (std::size_t column = 0; column < casesToFill.size(); ++column) {
-            const std::string_view text = splitter.cells()[column];
-            if (i < casesToFill[column] &&
-                CellValue::read(text, false).kind != CellValue::Missing) {
-                table.columns[column].texts[i] = text;
-            }
+    while (splitter.next()) {
+        for (const std::size_t column : columns) {
+            builder.takeCellAgain(column, splitter.cells()[column]);
         }
     }
 }
@@ -301,10 +342,7 @@ CaseTable CaseFileReader::read(const std::string& path, const Options& options)
 
     ColumnBuilder builder(table, options);
     readColumns(source, builder, table);
+    readAgain(source, table.separator, builder, builder.decideKinds());
     builder.takeDecimalMark();
-
-    if (!options.keepCells) {
-        fillEarlyTexts(source, table, builder.casesWithoutText());
-    }
     return table;
 }

@@ -17,9 +17,12 @@
  * mark; lines end with LF, CRLF or CR, and lines without a cell are skipped. What cells say is
  * defined by CellValue, how they are quoted by CsvSplitter.
  *
- * The file is read in blocks, and only its columns stay in memory. A column in which a text follows
- * numbers is a text column: the file is read a second time for the texts of those numbers. A pipe
- * is kept in a temporary file for that.
+ * A column is numeric if at least half of its filled cells are numbers; its other cells then count
+ * as missing, and are told (CellsWithoutNumber).
+ *
+ * The file is read in blocks, and only its columns stay in memory. What a column is, is known at
+ * the end: where its first filled cell suggests the other kind, the file is read a second time for
+ * it. A pipe is kept in a temporary file for that.
  */
 class SURROGATE_SESSION_EXPORT CaseFileReader
 {

@@ -52,8 +52,9 @@ private:
         const CaseColumn& column = table.columns[position];
         if (!column.isNumeric) {
             throw UsageError("\"" + column.name + "\" cannot be an " + role +
-                             ", it is a text column: line " + std::to_string(column.firstTextLine) +
-                             " of " + table.path + " holds \"" + column.firstText + "\".");
+                             ", it is a text column: line " +
+                             std::to_string(column.withoutNumber.firstLine) + " of " + table.path +
+                             " holds \"" + column.withoutNumber.spellings.front() + "\".");
         }
         if (roleOf[position] == role) {
             throw UsageError("\"" + column.name + "\" is named twice as " + role + '.');

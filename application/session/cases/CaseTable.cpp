@@ -1,5 +1,20 @@
 #include "session/cases/CaseTable.h"
 
+#include "session/text/JoinedText.h"
+#include "session/text/QuotedText.h"
+
+std::string CellsWithoutNumber::text() const
+{
+    std::vector<std::string> quoted;
+    for (const std::string& spelling : spellings) {
+        quoted.push_back(quotedText(spelling));
+    }
+    return std::to_string(count) +
+           (count == 1 ? " cell is no number (" : " cells are no numbers (") + joinedText(quoted) +
+           (hasMoreSpellings ? " and others" : "") +
+           (count == 1 ? ", in line " : ", first in line ") + std::to_string(firstLine) + ')';
+}
+
 std::vector<std::string> CaseTable::names() const
 {
     std::vector<std::string> all;

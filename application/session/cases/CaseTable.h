@@ -8,16 +8,34 @@
 #include <string>
 #include <vector>
 
+/** The filled cells of a column that are no numbers. */
+struct CellsWithoutNumber
+{
+    static constexpr std::size_t keptSpellings = 3;
+
+    std::size_t count = 0;
+    /** The first that differ, in their order. */
+    std::vector<std::string> spellings;
+    /** Whether there are more than these. */
+    bool hasMoreSpellings = false;
+    /** The line of the first one. */
+    std::size_t firstLine = 0;
+
+    /** `4 cells are no numbers ("failed", first in line 17)`. */
+    SURROGATE_SESSION_EXPORT std::string text() const;
+};
+
 /** One column of a case file, as CaseFileReader understood it. */
 struct CaseColumn
 {
     std::string name;
 
-    /** Whether every filled cell is a number; a column without a filled cell is numeric. */
+    /** Whether at least half of the filled cells are numbers; a column without a filled cell is
+     *  numeric. */
     bool isNumeric = true;
 
-    /** Numeric column: one per case, NaN for a missing cell, infinity for a number that a double
-     *  cannot hold. */
+    /** Numeric column: one per case, NaN for a missing cell and for one that is no number, infinity
+     *  for a number that a double cannot hold. */
     std::vector<double> numbers;
 
     /** Text column: one per case, "" for a missing cell. Empty where `cells` is kept. */
@@ -27,9 +45,7 @@ struct CaseColumn
      */
     CellTexts cells;
 
-    /** Text column: the first filled cell that is no number, and the line of its case. */
-    std::string firstText;
-    std::size_t firstTextLine = 0;
+    CellsWithoutNumber withoutNumber;
 };
 
 /** A case file as columns. */

@@ -27,9 +27,16 @@ PredictionPoints::PredictionPoints(CaseTable points, const std::vector<std::stri
         }
         const CaseColumn& column = table.columns[static_cast<std::size_t>(found - names.begin())];
         if (!column.isNumeric) {
-            throw CaseDataError(table.path + ", line " + std::to_string(column.firstTextLine) +
-                                ": the input \"" + input + "\" must be a number, not \"" +
-                                column.firstText + "\".");
+            throw CaseDataError(table.path + ", line " +
+                                std::to_string(column.withoutNumber.firstLine) + ": the input \"" +
+                                input + "\" must be a number, not \"" +
+                                column.withoutNumber.spellings.front() + "\".");
+        }
+        if (column.withoutNumber.count > 0) {
+            sentences.push_back(input + ": " + column.withoutNumber.text() +
+                                (column.withoutNumber.count == 1
+                                     ? ": this point has no prediction."
+                                     : ": these points have no prediction."));
         }
         columns.push_back(column.numbers.data());
     }

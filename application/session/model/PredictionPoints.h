@@ -36,6 +36,9 @@ public:
 
     std::size_t count() const;
 
+    /** Which inputs have cells that are no numbers, a sentence each. */
+    const std::vector<std::string>& notes() const { return sentences; }
+
     /** One column per input, valid as long as this object. */
     const std::vector<const double*>& inputColumns() const;
 
@@ -53,4 +56,5 @@ private:
     CaseTable table;
     std::vector<std::string> outputNames;
     std::vector<const double*> columns;
+    std::vector<std::string> sentences;
 };

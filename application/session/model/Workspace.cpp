@@ -62,6 +62,17 @@ CaseRoles rolesOf(const ExportedModel& model)
     }
     return roles;
 }
+
+std::map<std::string, CellsWithoutNumber> cellsWithoutNumberOf(const CaseTable& table)
+{
+    std::map<std::string, CellsWithoutNumber> byName;
+    for (const CaseColumn& column : table.columns) {
+        if (column.isNumeric && column.withoutNumber.count > 0) {
+            byName[column.name] = column.withoutNumber;
+        }
+    }
+    return byName;
+}
 } // namespace
 
 class Workspace::Impl
@@ -70,7 +81,7 @@ public:
     explicit Impl(CaseTable& table,
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
         : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
-          state(table, model)
+          cellsWithoutNumber(cellsWithoutNumberOf(table)), state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -91,6 +102,7 @@ public:
     std::string path;
     char separator;
     bool hasDecimalComma;
+    std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
     SessionState state;
     std::vector<VarPtr> inputs;
     std::optional<CaseCounts> knownCounts;
@@ -197,6 +209,11 @@ const CaseCounts& Workspace::counts() const
             countCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
     }
     return *impl->knownCounts;
+}
+
+const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber() const
+{
+    return impl->cellsWithoutNumber;
 }
 
 std::vector<std::size_t> Workspace::validCases() const

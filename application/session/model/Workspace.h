@@ -15,6 +15,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -82,6 +83,10 @@ public:
 
     /** Valid until the cases or their roles change. */
     const CaseCounts& counts() const;
+
+    /** The numeric variables of the case file that have cells which are no numbers and so count as
+     *  missing, by name. */
+    const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;
 
     /** The positions of the valid cases, ascending: what a model calls its rows. */
     std::vector<std::size_t> validCases() const;

@@ -119,7 +119,7 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                                         const ModelComparison& comparison, double readSeconds)
 {
     Json json = {{"schema", ReportJson::schemaVersion},
-                 {"cases", ReportJson::cases(workspace.counts())},
+                 {"cases", ReportHeading::casesJson(workspace)},
                  {"inputs", namesOf(workspace.inputs())},
                  {"folds", comparison.folds},
                  {"outputs", Json::array()}};

@@ -50,6 +50,34 @@ ReportHeading::invalidCases(const Workspace& workspace)
     return result;
 }
 
+std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
+{
+    std::vector<std::string> notes;
+    for (const std::vector<VarPtr>& variables : {workspace.inputs(), workspace.outputs()}) {
+        for (const std::string& name : namesOf(variables)) {
+            const auto found = workspace.cellsWithoutNumber().find(name);
+            if (found != workspace.cellsWithoutNumber().end()) {
+                notes.push_back(name + ": " + found->second.text() +
+                                (found->second.count == 1 ? ": this case is left out."
+                                                          : ": these cases are left out."));
+            }
+        }
+    }
+    return notes;
+}
+
+ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)
+{
+    ReportJson::Json json = ReportJson::cases(workspace.counts());
+    for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
+        json["withoutNumber"].push_back({{"name", name},
+                                         {"cells", cells.count},
+                                         {"spellings", cells.spellings},
+                                         {"firstLine", cells.firstLine}});
+    }
+    return json;
+}
+
 bool ReportHeading::selectsTerms(const Workspace& workspace)
 {
     return workspace.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
@@ -59,7 +87,7 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
 {
     ReportJson::Json json = {
         {"schema", ReportJson::schemaVersion},
-        {"cases", ReportJson::cases(workspace.counts())},
+        {"cases", casesJson(workspace)},
         {"model", workspace.modelType() == Workspace::Kriging ? "kriging" : "response-surface"}};
     if (workspace.modelType() == Workspace::ResponseSurface) {
         json["terms"] = termsWord(workspace.responseSurface().terms);

@@ -2,6 +2,8 @@
 
 #include "session/report/ReportJson.h"
 
+#include <surrogate_session/Export.h>
+
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -20,6 +22,12 @@ std::string caseText(const Workspace& workspace);
 
 /** The inputs and outputs that make cases invalid, each with the number of these. */
 std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& workspace);
+
+/** For each input and output with cells that are no numbers a sentence about them. */
+SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
+
+/** How many cases there are; "withoutNumber": of every variable, which cells are no numbers. */
+ReportJson::Json casesJson(const Workspace& workspace);
 
 /** Whether terms of response surfaces are selected. */
 bool selectsTerms(const Workspace& workspace);

@@ -76,6 +76,10 @@ std::string SummaryReport::text(const Workspace& workspace)
     }
 
     std::string text = table.text("") + "\nCases: " + ReportHeading::caseText(workspace) + '\n';
+    for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
+        text += name + ": " + cells.text() +
+                (cells.count == 1 ? ": it counts as missing.\n" : ": they count as missing.\n");
+    }
     const std::vector<std::string> outputs = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         text += outputs[i] + " alone would have " +
@@ -87,7 +91,7 @@ std::string SummaryReport::text(const Workspace& workspace)
 ReportJson::Json SummaryReport::json(const Workspace& workspace)
 {
     Json json = {{"schema", ReportJson::schemaVersion},
-                 {"cases", ReportJson::cases(workspace.counts())}};
+                 {"cases", ReportHeading::casesJson(workspace)}};
     json["cases"]["invalidBy"] = Json::array();
     for (const auto& [name, cases] : ReportHeading::invalidCases(workspace)) {
         json["cases"]["invalidBy"].push_back({{"name", name}, {"cases", cases}});

@@ -36,7 +36,9 @@ bool equalsLowerCase(std::string_view text, std::string_view lowerCase)
 
 bool isMissing(std::string_view text)
 {
-    constexpr std::array<std::string_view, 6> words = {"na", "n/a", "nan", "null", "?", "-"};
+    constexpr std::array<std::string_view, 17> words = {
+        "na", "n/a",  "n.a.",    "nan",     "null",  "none",  "?",      "-",     "--",
+        ".",  "#n/a", "#div/0!", "#value!", "#num!", "#ref!", "#name?", "#null!"};
     return std::any_of(words.begin(), words.end(),
                        [&](std::string_view word) { return equalsLowerCase(text, word); });
 }

@@ -27,10 +27,11 @@ struct SURROGATE_SESSION_EXPORT CellValue
     /**
      * Reads a cell; blanks around it are ignored.
      *
-     * Missing: the empty cell, NA, N/A, NaN, null (in any case), ? and -. A number is written as in
-     * the C locale, whatever the locale of the process, with an optional sign; "inf" is infinite,
-     * and so is a number too large for a double: its case is invalid, its column still numeric. A
-     * number too small for a double is 0. Everything else is text.
+     * Missing: the empty cell, NA, N/A, n.a., NaN, null, none, the errors of spreadsheets (#N/A,
+     * #DIV/0!, #VALUE!, #NUM!, #REF!, #NAME?, #NULL!), all in any case, ? and - and -- and a point.
+     * A number is written as in the C locale, whatever the locale of the process, with an optional
+     * sign; "inf" is infinite, and so is a number too large for a double: its case is invalid, its
+     * column still numeric. A number too small for a double is 0. Everything else is text.
      * @param decimalComma whether a comma may stand for the decimal point.
      */
     static CellValue read(std::string_view text, bool decimalComma);

@@ -27,8 +27,8 @@ CaseTable withText()
 {
     CaseTable table = tableOf({"a", "site", "b", "c"});
     table.columns[1].isNumeric = false;
-    table.columns[1].firstText = "north";
-    table.columns[1].firstTextLine = 2;
+    table.columns[1].withoutNumber.spellings = {"north"};
+    table.columns[1].withoutNumber.firstLine = 2;
     return table;
 }
 

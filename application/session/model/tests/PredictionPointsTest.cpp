@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -64,10 +65,20 @@ TEST(PredictionPoints, AMissingInputIsRefusedWithTheNearestName)
         "nearest name is \"Z\". The variables are: \"Z\", \"x\".");
 }
 
-TEST(PredictionPoints, ATextInAnInputIsRefusedWithItsLine)
+TEST(PredictionPoints, AnInputOfTextsIsRefusedWithTheFirstLine)
 {
-    EXPECT_EQ(refusalOf("x,z\n1,2\n1,2..5\n"),
+    EXPECT_EQ(refusalOf("x,z\n1,2\n1,2..5\n1,3..5\n"),
               "points.csv, line 3: the input \"z\" must be a number, not \"2..5\".");
+}
+
+TEST(PredictionPoints, PointsWithoutANumberAreTold)
+{
+    const PredictionPoints points(tableOf("z,x\n1,2\n1,off\n1,3\n"), {"x", "z"}, {"y"});
+
+    EXPECT_TRUE(std::isnan(points.inputColumns()[0][1]));
+    EXPECT_EQ(points.notes(),
+              (std::vector<std::string>{
+                  "x: 1 cell is no number (\"off\", in line 3): this point has no prediction."}));
 }
 
 TEST(PredictionPoints, AColumnThatHasTheNameOfAResultIsRefused)

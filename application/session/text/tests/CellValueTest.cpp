@@ -25,15 +25,24 @@ CellValue::Kind kindOf(const std::string& text, bool decimalComma = false)
 
 TEST(CellValue, MissingCellsAreTheUsualWordsInAnyCase)
 {
-    for (const char* text : {"", "  ", "NA", "na", "N/A", "n/a", "NaN", "nan", "NAN", "null",
-                             "NULL", "?", "-", " - ", "-nan", "nan(ind)"}) {
+    for (const char* text :
+         {"",  "  ", "NA",  "na", "N/A", "n/a",  "NaN",  "nan",  "NAN",  "null",    "NULL",
+          "?", "-",  " - ", "--", ".",   "n.a.", "N.A.", "none", "-nan", "nan(ind)"}) {
+        EXPECT_EQ(kindOf(text), CellValue::Missing) << '"' << text << '"';
+    }
+}
+
+TEST(CellValue, ErrorsOfSpreadsheetsAreMissing)
+{
+    for (const char* text :
+         {"#N/A", "#DIV/0!", "#VALUE!", "#NUM!", "#REF!", "#NAME?", "#NULL!", "#n/a"}) {
         EXPECT_EQ(kindOf(text), CellValue::Missing) << '"' << text << '"';
     }
 }
 
 TEST(CellValue, WordsThatOnlyLookLikeMissingOnesAreText)
 {
-    for (const char* text : {"n.a.", "none", "--", "??", "nana", "N / A", "nil"}) {
+    for (const char* text : {"na.", "nones", "---", "..", "??", "#1", "nana", "N / A", "nil"}) {
         EXPECT_EQ(kindOf(text), CellValue::Text) << '"' << text << '"';
     }
 }
@@ -68,7 +77,7 @@ TEST(CellValue, WhatIsNoNumberAsAWholeIsText)
 {
     const char* const typographicMinus = u8"\u22125";
     for (const char* text : {"abc", "5 mm", "5x", "0x10", "1e", "1e1.5", "1,5", "1_000", "1 000",
-                             "2026-11-21", "5-", typographicMinus, "e5", "."}) {
+                             "2026-11-21", "5-", typographicMinus, "e5"}) {
         EXPECT_EQ(kindOf(text), CellValue::Text) << '"' << text << '"';
     }
 }
