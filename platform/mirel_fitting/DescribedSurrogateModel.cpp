@@ -163,10 +163,11 @@ struct Predictor
     {
         if (kriging) {
             predictGrids(*kriging, inputs, grids, result);
-            return;
+        } else {
+            polynomial->predict(coordinatesOf(inputs), {0}, {result}, count);
+            addNotFinite(inputs, result, count);
         }
-        polynomial->predict(coordinatesOf(inputs), {0}, {result}, count);
-        addNotFinite(inputs, result, count);
+        OutputTransforms::invert(output.predictor.transform, result, count);
     }
 
     DescribedSurrogateModel::Output output;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/OutputTransform.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -7,8 +9,10 @@
  * Everything that the prediction of one output is computed from, as numbers: what an exported model
  * consists of.
  *
- *   polynomial: y = offset + sum of b_t t(z)
- *   Kriging:    y = offset + scale (sum of b_t t(2 u - 1) + sum over j of w_j c(u, u_j))
+ *   polynomial: v = offset + sum of b_t t(z)
+ *   Kriging:    v = offset + scale (sum of b_t t(2 u - 1) + sum over j of w_j c(u, u_j))
+ *
+ * The output is v, or the one whose transform is v.
  *
  * The coordinates z or u are (x - origin) / unit of the inputs that have an influence, u clamped to
  * -1e150 ... 1e150. The terms t are products of up to two coordinates. The correlation is
@@ -57,7 +61,8 @@ struct PredictorDescription
     std::vector<Coordinate> coordinates;
     std::vector<Term> terms;
     double offset = 0.0;
-    double scale = 1.0; ///< Kriging: the standard deviation of the output over the cases
+    double scale = 1.0; ///< Kriging: the standard deviation of v over the cases
+    OutputTransform transform = OutputTransform::None;
 
     // Kriging only; the correlation is without effect where there is no case.
     std::vector<double> lengths; ///< one per coordinate; infinite: no influence

@@ -126,6 +126,22 @@ static double surrogate_correlation(const double *a, const double *b, int coordi
 }
 )";
 
+const char* const squareFunction = R"(
+static double surrogate_square(double root)
+{
+    return root < 0.0 ? 0.0 : root * root;
+}
+)";
+
+/** The end of a function. @param sum what follows the offset. */
+std::string returned(const Description& predictor, const std::string& sum)
+{
+    return "    return " +
+           outputOf(predictor.transform, realNumber(predictor.offset) + sum, "exp(%)",
+                    "surrogate_square(%)") +
+           ";\n}\n";
+}
+
 std::string polynomial(const Description& predictor, std::size_t output)
 {
     const std::size_t coordinates = predictor.coordinates.size();
@@ -147,9 +163,7 @@ std::string polynomial(const Description& predictor, std::size_t output)
                 ") / " + realNumber(coordinate.unit) + ";\n";
     }
     text += terms;
-    text +=
-        "    return " + realNumber(predictor.offset) + (terms.empty() ? "" : " + sum") + ";\n}\n";
-    return text;
+    return text + returned(predictor, terms.empty() ? "" : " + sum");
 }
 
 std::string kriging(const Description& predictor, std::size_t output)
@@ -203,9 +217,7 @@ std::string kriging(const Description& predictor, std::size_t output)
                 name + "_cases + " + std::to_string(coordinates) + " * j, " +
                 std::to_string(coordinates) + ");\n    }\n    sum += correlated;\n";
     }
-    text += "    return " + realNumber(predictor.offset) + " + " + realNumber(predictor.scale) +
-            " * sum;\n}\n";
-    return text;
+    return text + returned(predictor, " + " + realNumber(predictor.scale) + " * sum");
 }
 
 /** One line for each table: a changed number in it is found even where no check point is near. */
@@ -338,6 +350,7 @@ std::string cSource(const ExportedModel& model)
         text += hasCoordinates ? krigingFunctions : "";
         text += hasCorrelation(model) ? correlationFunctions : "";
     }
+    text += hasTransform(model, OutputTransform::SquareRoot) ? squareFunction : "";
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         const Description& predictor = model.outputs[k].model.predictor;
         text += "\n/* " + commentName(model.outputs[k].name) + " */";

@@ -27,6 +27,18 @@ pointsInside(const std::vector<PredictorDescription::InputRange>& ranges)
     return points;
 }
 
+/** @param tolerance of the transform of `value`. */
+double outputTolerance(OutputTransform transform, double value, double tolerance)
+{
+    if (transform == OutputTransform::None) {
+        return tolerance;
+    }
+    const double transformed = OutputTransforms::apply(transform, value);
+    return OutputTransforms::invert(transform, transformed + tolerance) -
+           OutputTransforms::invert(transform, transformed - tolerance) +
+           4.0 * epsilon * std::fabs(value);
+}
+
 } // namespace
 
 CheckPoints::CheckPoints(const ExportedModel& model)
@@ -46,9 +58,10 @@ CheckPoints::CheckPoints(const ExportedModel& model)
         std::vector<double*> results = {values.back().data()};
         predictor->interpolateDependentValues(inputs, {static_cast<int>(output)}, results, count);
         tolerances.emplace_back();
-        for (const std::vector<double>& point : points) {
-            tolerances.back().push_back(
-                roundingTolerance(model.outputs[output].model.predictor, point));
+        for (std::size_t i = 0; i < count; ++i) {
+            const PredictorDescription& described = model.outputs[output].model.predictor;
+            tolerances.back().push_back(outputTolerance(described.transform, values.back()[i],
+                                                        roundingTolerance(described, points[i])));
         }
     }
 }

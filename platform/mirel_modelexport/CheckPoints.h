@@ -23,7 +23,8 @@ struct CheckPoints
     std::vector<std::vector<double>> tolerances; ///< [output][point]
 };
 
-/** How far a prediction at the point may be off by rounding; see CheckPoints. */
+/** How far a prediction at the point, or of its transform, may be off by rounding; see CheckPoints.
+ */
 double roundingTolerance(const PredictorDescription& predictor, const std::vector<double>& point);
 
 /** How far the output at the point may be off because inputs and origins are read with more digits

@@ -105,6 +105,21 @@ std::string kriging(const Description& predictor, const std::string& output)
     return text + "\n";
 }
 
+/** The equation of the output, by its transform if that is modelled. */
+std::string equation(const Description& predictor, const std::string& output)
+{
+    const auto equationOf = [&](const std::string& value) {
+        return predictor.kind == Description::Kind::Kriging ? kriging(predictor, value)
+                                                            : polynomial(predictor, value);
+    };
+    if (predictor.transform == OutputTransform::None) {
+        return equationOf(output);
+    }
+    const std::string value = "T" + output.substr(1);
+    return "  " + output + " = " + outputOf(predictor.transform, value, "exp(%)", "max(0, %)^2") +
+           "\n" + equationOf(value);
+}
+
 std::string checkTable(const ExportedModel& model)
 {
     const CheckPoints check(model);
@@ -141,8 +156,7 @@ std::string equationDocument(const ExportedModel& model)
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         const std::string output = symbol("Y", k);
         text += "\n" + output + ": " + lineName(model.outputs[k].name) + "\n";
-        const Description& predictor = model.outputs[k].model.predictor;
-        text += model.isKriging() ? kriging(predictor, output) : polynomial(predictor, output);
+        text += equation(model.outputs[k].model.predictor, output);
     }
     return text + "\n" + checkTable(model);
 }

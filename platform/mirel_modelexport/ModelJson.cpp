@@ -3,6 +3,7 @@
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
 #include <mirel_modelexport/ModelJsonNames.h>
+#include <mirel_modelexport/SourceTerms.h>
 
 #include <nlohmann/json.hpp>
 
@@ -70,6 +71,9 @@ std::string outputJson(const ExportedModel::Output& output)
     member("warnings", line(output.model.warnings));
     member("offset", line(predictor.offset));
     member("scale", line(predictor.scale));
+    if (predictor.transform != OutputTransform::None) {
+        member("transform", line(OutputTransforms::word(predictor.transform)));
+    }
     member("coordinates",
            list(predictor.coordinates, "      ", [](const Description::Coordinate& coordinate) {
                return line({{"input", coordinate.input},
@@ -113,7 +117,11 @@ std::string modelJson(const ExportedModel& model)
     for (std::size_t k = 0; k < model.inputs.size(); ++k) {
         inputs.push_back(inputJson(model.inputs[k], ranges[k]));
     }
-    std::string text = "{\n  \"schema\": " + std::to_string(ModelJsonNames::schema);
+    const bool hasTransforms = hasTransform(model, OutputTransform::SquareRoot) ||
+                               hasTransform(model, OutputTransform::Logarithm);
+    std::string text =
+        "{\n  \"schema\": " + std::to_string(hasTransforms ? ModelJsonNames::schemaWithTransforms
+                                                           : ModelJsonNames::schema);
     text += std::string(",\n  \"format\": \"") + ModelJsonNames::format + "\"";
     text += std::string(",\n  \"model\": \"") +
             (model.isKriging() ? ModelJsonNames::kriging : ModelJsonNames::responseSurface) + "\"";

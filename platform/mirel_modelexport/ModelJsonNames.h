@@ -7,8 +7,10 @@
 /** What writing and reading the document of a model have in common. */
 namespace ModelJsonNames {
 
-/** Grows when older programs would misread a document. */
+/** The schema of a document grows when older programs would misread it. */
 constexpr int schema = 1;
+/** With outputs whose transform is modelled. */
+constexpr int schemaWithTransforms = 2;
 
 /** By this member a document is known. */
 constexpr const char* format = "surrogate-model";

@@ -132,9 +132,11 @@ Description::Kind kindOf(const Part& document)
              ModelJsonNames::format + "\".");
     }
     const Part schema = document.member("schema");
-    if (schema.number() != ModelJsonNames::schema) {
+    if (schema.number() != ModelJsonNames::schema &&
+        schema.number() != ModelJsonNames::schemaWithTransforms) {
         fail("its member \"schema\" is " + shortNumber(schema.number()) +
-             "; this version reads schema " + std::to_string(ModelJsonNames::schema) + " only.");
+             "; this version reads schemas " + std::to_string(ModelJsonNames::schema) + " and " +
+             std::to_string(ModelJsonNames::schemaWithTransforms) + " only.");
     }
     const Part model = document.member("model");
     const std::string name = model.text();
@@ -199,6 +201,11 @@ ExportedModel::Output readOutput(const Part& part, Description predictor)
     }
     predictor.offset = part.member("offset").number();
     predictor.scale = part.member("scale").number();
+    if (part.has("transform")) {
+        const auto transform = OutputTransforms::ofWord(part.member("transform").text());
+        part.member("transform").require(transform.has_value(), "\"none\", \"sqrt\" or \"log\"");
+        predictor.transform = *transform;
+    }
     for (const Part& coordinate : part.member("coordinates").items()) {
         predictor.coordinates.push_back({coordinate.member("input").count(),
                                          coordinate.member("origin").number(),

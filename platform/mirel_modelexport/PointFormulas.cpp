@@ -46,7 +46,9 @@ PointFormulas::PointFormulas(const ExportedModel& model, const Columns& columns)
 {
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         const Description& predictor = model.outputs[k].model.predictor;
-        outputs.push_back(model.isKriging() ? kriging(predictor, k) : polynomial(predictor));
+        const std::string formula =
+            model.isKriging() ? kriging(predictor, k) : polynomial(predictor);
+        outputs.push_back(outputOf(predictor.transform, formula, "EXP(%)", "MAX(0,%)^2"));
     }
 }
 

@@ -107,6 +107,19 @@ def _correlation(a, b):
     return product * math.exp(-total)
 )";
 
+const char* const expFunction = R"(
+
+def _exp(logarithm):
+    """Without the error that math.exp() raises for large numbers."""
+    return math.exp(logarithm) if logarithm < 709.78 else math.inf
+)";
+
+const char* const squareFunction = R"(
+
+def _square(root):
+    return max(root, 0.0) * max(root, 0.0)
+)";
+
 std::string subscript(const char* name, std::size_t k)
 {
     return std::string(name) + "[" + std::to_string(k) + "]";
@@ -127,6 +140,15 @@ std::string coordinateTuple(const Description& predictor)
     return tuple(items);
 }
 
+/** The end of a function. @param total what follows the offset. */
+std::string returned(const Description& predictor, const std::string& total)
+{
+    return "    return " +
+           outputOf(predictor.transform, realNumber(predictor.offset) + total, "_exp(%)",
+                    "_square(%)") +
+           "\n";
+}
+
 /** The order in which the model itself adds. */
 std::string polynomial(const Description& predictor, std::size_t output)
 {
@@ -136,10 +158,10 @@ std::string polynomial(const Description& predictor, std::size_t output)
         terms += "    total += " + group + "\n";
     }
     if (terms.empty()) {
-        return text + "    return " + realNumber(predictor.offset) + "\n";
+        return text + returned(predictor, "");
     }
     text += "    x = " + coordinateTuple(predictor) + "\n    total = 0.0\n" + terms;
-    return text + "    return " + realNumber(predictor.offset) + " + total\n";
+    return text + returned(predictor, " + total");
 }
 
 std::string kriging(const Description& predictor, std::size_t output)
@@ -184,8 +206,7 @@ std::string kriging(const Description& predictor, std::size_t output)
                 "):\n        correlated += weight * _correlation(scaled, case)\n"
                 "    total += correlated\n";
     }
-    return text + "    return " + realNumber(predictor.offset) + " + " +
-           realNumber(predictor.scale) + " * total\n";
+    return text + returned(predictor, " + " + realNumber(predictor.scale) + " * total");
 }
 
 std::string predictFunction(const ExportedModel& model)
@@ -297,6 +318,8 @@ std::string pythonSource(const ExportedModel& model)
     if (model.isKriging() && hasSlopes) {
         text += krigingFunctions;
     }
+    text += hasTransform(model, OutputTransform::Logarithm) ? expFunction : "";
+    text += hasTransform(model, OutputTransform::SquareRoot) ? squareFunction : "";
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         const Description& predictor = model.outputs[k].model.predictor;
         text += model.isKriging() ? kriging(predictor, k) : polynomial(predictor, k);

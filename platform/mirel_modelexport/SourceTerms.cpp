@@ -51,6 +51,16 @@ std::vector<std::string> nestedTerms(const PredictorDescription& predictor)
     return groups;
 }
 
+std::string outputOf(OutputTransform transform, const std::string& expression,
+                     std::string exponential, std::string square)
+{
+    if (transform == OutputTransform::None) {
+        return expression;
+    }
+    std::string& text = transform == OutputTransform::Logarithm ? exponential : square;
+    return text.replace(text.find('%'), 1, expression);
+}
+
 bool hasFactors(const PredictorDescription& predictor)
 {
     return std::any_of(predictor.terms.begin(), predictor.terms.end(),
@@ -61,4 +71,11 @@ bool hasCorrelation(const ExportedModel& model)
 {
     return std::any_of(model.outputs.begin(), model.outputs.end(),
                        [](const auto& output) { return !output.model.predictor.weights.empty(); });
+}
+
+bool hasTransform(const ExportedModel& model, OutputTransform transform)
+{
+    return std::any_of(model.outputs.begin(), model.outputs.end(), [&](const auto& output) {
+        return output.model.predictor.transform == transform;
+    });
 }

@@ -47,6 +47,19 @@ TEST(EquationDocument, WritesAResponseSurfaceInScaledInputs)
               "  x2 = V2\n");
 }
 
+TEST(EquationDocument, WritesAnOutputByItsTransform)
+{
+    ExportedModel model = line().exported(Polynomial);
+    PredictorDescription& predictor = model.outputs[0].model.predictor;
+    predictor.transform = OutputTransform::Logarithm;
+    EXPECT_NE(exportModel(model, ExportFormat::Text).find("  Y1 = exp(T1)\n  T1 = 5"),
+              std::string::npos);
+
+    predictor.transform = OutputTransform::SquareRoot;
+    EXPECT_NE(exportModel(model, ExportFormat::Text).find("  Y1 = max(0, T1)^2\n  T1 = 5"),
+              std::string::npos);
+}
+
 TEST(EquationDocument, WritesKrigingAsAFormulaAndItsNumbers)
 {
     ExportedModel model;

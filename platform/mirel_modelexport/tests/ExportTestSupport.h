@@ -55,6 +55,7 @@ struct Cases
     std::vector<Column> inputs;
     std::vector<Column> outputs;
     Column correlationLengths = {}; ///< none: estimated, and the trend lowered where it costs much
+    std::vector<OutputTransform> transforms = {}; ///< whose values the outputs are; none: of none
 
     static std::vector<double*> pointers(std::vector<Column>& columns)
     {
@@ -90,7 +91,11 @@ struct Cases
         for (std::size_t k = 0; k < outputs.size(); ++k) {
             wanted.push_back({outputNames[k], static_cast<int>(k)});
         }
-        return ExportedModel::of(*fit(kind), named, wanted);
+        ExportedModel model = ExportedModel::of(*fit(kind), named, wanted);
+        for (std::size_t k = 0; k < transforms.size(); ++k) {
+            model.outputs[k].model.predictor.transform = transforms[k];
+        }
+        return model;
     }
 };
 
@@ -168,7 +173,10 @@ inline std::vector<NamedCases> varieties()
     for (double& value : noisy.outputs[0]) {
         value += 0.5 * random.next();
     }
+    Cases transformed = smoothCases(30, 2, 0.0, 1.0, 3.0, 1.0); // the second root turns negative
+    transformed.transforms = {OutputTransform::Logarithm, OutputTransform::SquareRoot};
     return {{"cvd", cvd()},
+            {"transformed", transformed},
             {"linearTrend", cvdWithTrend()},
             {"oneInput", smoothCases(9, 1, -3.0, 5.0, 10.0, 1.0)},
             {"eightInputs", smoothCases(60, 8, -1.0, 1.0, 0.0, 100.0)},
@@ -222,7 +230,8 @@ inline std::vector<Column> predictions(const ExportedModel& model,
  * 4 eps sum |w_i r_i| and 1e-12 of the output's standard deviation for Kriging, and one more unit
  * of what comes out.
  */
-inline double tolerance(const PredictorDescription& predictor, const Column& point, double value)
+inline double toleranceOfTransform(const PredictorDescription& predictor, const Column& point,
+                                   double value)
 {
     constexpr double epsilon = std::numeric_limits<double>::epsilon();
     Column coordinates;
@@ -254,6 +263,18 @@ inline double tolerance(const PredictorDescription& predictor, const Column& poi
         sum += std::fabs(predictor.weights[j]) * correlation;
     }
     return predictor.scale * (4.0 * epsilon * sum + 1e-12) + 2.0 * epsilon * std::fabs(value);
+}
+
+/** The same of the output, with two more units in its last place if it is transformed. */
+inline double tolerance(const PredictorDescription& predictor, const Column& point, double value)
+{
+    const double transformed = OutputTransforms::apply(predictor.transform, value);
+    const double off = toleranceOfTransform(predictor, point, transformed);
+    const double size = OutputTransforms::invert(predictor.transform, transformed + off) -
+                        OutputTransforms::invert(predictor.transform, transformed - off);
+    return predictor.transform == OutputTransform::None
+               ? off
+               : size + 4.0 * std::numeric_limits<double>::epsilon() * std::fabs(value);
 }
 
 /** @param looser for each point and output, what may be off beyond rounding; none: nothing. */

@@ -55,8 +55,15 @@ TEST(ModelJsonReader, RefusesWhatIsNoModel)
 
 TEST(ModelJsonReader, RefusesANewerSchema)
 {
-    EXPECT_EQ(refusalOf([](Json& json) { json["schema"] = 2; }),
-              "its member \"schema\" is 2; this version reads schema 1 only.");
+    EXPECT_EQ(refusalOf([](Json& json) { json["schema"] = 3; }),
+              "its member \"schema\" is 3; this version reads schemas 1 and 2 only.");
+}
+
+TEST(ModelJsonReader, RefusesATransformThatItDoesNotKnow)
+{
+    EXPECT_EQ(refusalOf([](Json& json) { json["outputs"][0]["transform"] = "cube"; }),
+              "the member \"outputs[0].transform\" is not what it has to be: \"none\", \"sqrt\" or "
+              "\"log\".");
 }
 
 TEST(ModelJsonReader, NamesTheMemberThatIsMissing)

@@ -34,6 +34,19 @@ TEST(ModelJson, ReadsBackAsTheSameModelToTheLastBit)
     }
 }
 
+TEST(ModelJson, IsOfTheSchemaThatOlderProgramsReadIfNothingIsTransformed)
+{
+    ExportedModel model = cvd().exported(Kriging);
+    const std::string plain = exportModel(model, ExportFormat::Json);
+    model.outputs[1].model.predictor.transform = OutputTransform::Logarithm;
+    const std::string transformed = exportModel(model, ExportFormat::Json);
+
+    EXPECT_NE(plain.find("\"schema\": 1,"), std::string::npos);
+    EXPECT_EQ(plain.find("\"transform\""), std::string::npos);
+    EXPECT_NE(transformed.find("\"schema\": 2,"), std::string::npos);
+    EXPECT_NE(transformed.find("\"transform\": \"log\""), std::string::npos);
+}
+
 TEST(ModelJson, AnInputWithoutInfluenceStaysWithout)
 {
     ExportedModel model = cvd().exported(Kriging);

@@ -57,3 +57,14 @@ TEST(SourceTerms, AreCorrelatedWithCasesIfAnyOutputHasThem)
     model.outputs[1].model.predictor.weights = {1.0};
     EXPECT_TRUE(hasCorrelation(model));
 }
+
+TEST(SourceTerms, WriteTheOutputOfATransformAsTheLanguageHasIt)
+{
+    const auto written = [](OutputTransform transform) {
+        return outputOf(transform, "1.0 + sum", "EXP(%)", "MAX(0,%)^2");
+    };
+
+    EXPECT_EQ(written(OutputTransform::None), "1.0 + sum");
+    EXPECT_EQ(written(OutputTransform::Logarithm), "EXP(1.0 + sum)");
+    EXPECT_EQ(written(OutputTransform::SquareRoot), "MAX(0,1.0 + sum)^2");
+}
