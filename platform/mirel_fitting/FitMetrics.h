@@ -18,4 +18,6 @@ struct FitMetrics
     double predictedR2 = none; ///< 1 - PRESS / SST
     double looRmse = none;     ///< sqrt(PRESS / n)
     double q2 = none;          ///< 1 - PRESS / SST, Kriging
+    /** Response surface: -(n ln(2 pi SSE / n) + n) / 2; Kriging: that of KrigingReport. */
+    double logLikelihood = none;
 };

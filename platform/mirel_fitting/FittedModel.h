@@ -43,8 +43,8 @@ public:
      * @throw Error also for a level that is not between 0 and 1, and for a response surface with as
      *        many terms as cases.
      */
-    PredictionIntervals predictionIntervals(const std::vector<double*>& inputs, int offset,
-                                            double level, std::size_t count) const;
+    virtual PredictionIntervals predictionIntervals(const std::vector<double*>& inputs, int offset,
+                                                    double level, std::size_t count) const;
 
     /**
      * Half the width of an interval in standard errors: a two-sided quantile of Student's t with

@@ -212,7 +212,10 @@ std::string KrigingSurrogateModel::qualityMetricInformation(int offset) const
 
 FitMetrics KrigingSurrogateModel::fitMetrics(int offset) const
 {
-    return impl->fit(offset).metrics;
+    const KrigingFit& fit = impl->fit(offset);
+    FitMetrics metrics = fit.metrics;
+    metrics.logLikelihood = fit.report.logLikelihood;
+    return metrics;
 }
 
 std::vector<std::string>

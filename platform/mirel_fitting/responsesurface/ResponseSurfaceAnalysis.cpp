@@ -104,6 +104,8 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
     if (hasSpread && fit.isPressAvailable()) {
         metrics.predictedR2 = 1.0 - output.press / output.totalSquares;
     }
+    const double variance = unit * unit * residualSquares() / cases;
+    metrics.logLikelihood = -0.5 * cases * (std::log(twoPi * variance) + 1.0);
     return metrics;
 }
 

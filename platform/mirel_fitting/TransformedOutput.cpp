@@ -1,0 +1,513 @@
+#include <mirel_fitting/TransformedOutput.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/cases/ArgumentCheck.h>
+#include <mirel_fitting/cases/KrigingCases.h>
+#include <mirel_fitting/cases/SpaceFillingSubset.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace {
+
+using Columns = std::vector<std::vector<double>>;
+
+constexpr double none = FitMetrics::none;
+
+/** By less nobody is convinced that a transform describes the cases better (Box, Cox): a gain of
+ *  1.3 has made predictions worse. */
+constexpr double leastGain = 5.0;
+
+/** Largest over smallest value: below, logarithm and straight line differ by at most a twentieth of
+ *  the range. */
+constexpr double leastRatio = 1.5;
+
+/** Three fits to so many cost some 5 % of one fit to 1000. Twice as many choose no better. */
+constexpr std::size_t comparedPoints = 100;
+
+constexpr std::array<OutputTransform, 2> transforms = {OutputTransform::SquareRoot,
+                                                       OutputTransform::Logarithm};
+
+std::vector<double*> pointersTo(Columns& columns)
+{
+    std::vector<double*> pointers;
+    pointers.reserve(columns.size());
+    for (std::vector<double>& column : columns) {
+        pointers.push_back(column.data());
+    }
+    return pointers;
+}
+
+std::vector<double> transformed(OutputTransform transform, const std::vector<double>& output)
+{
+    std::vector<double> values(output.size());
+    std::transform(output.begin(), output.end(), values.begin(),
+                   [&](double y) { return OutputTransforms::apply(transform, y); });
+    return values;
+}
+
+/** Times the number that makes the product of its derivatives over the cases 1: the likelihoods of
+ *  what results are in the output's units, restricted ones too. */
+std::vector<double> withUnitJacobian(OutputTransform transform, const std::vector<double>& output)
+{
+    double meanLogarithm = 0.0;
+    for (const double y : output) {
+        meanLogarithm += std::log(y) / static_cast<double>(output.size());
+    }
+    const double geometricMean = std::exp(meanLogarithm);
+    const double factor =
+        transform == OutputTransform::Logarithm ? geometricMean : 2.0 * std::sqrt(geometricMean);
+    std::vector<double> values = transformed(transform, output);
+    for (double& value : values) {
+        value *= factor;
+    }
+    return values;
+}
+
+/** The logarithm of the density of left-out cases, but for a constant: each under the normal
+ *  distribution that the fit to the others predicts. */
+double leftOutDensity(const FittedModel& model, int offset)
+{
+    double sum = 0.0;
+    for (const LeaveOneOutPrediction& one : model.leaveOneOutPredictions(offset)) {
+        const double deviations = (one.output - one.predicted) / one.standardError;
+        sum -= std::log(one.standardError) + 0.5 * deviations * deviations;
+    }
+    return sum;
+}
+
+/** How much better a model describes the cases with its second output than with its first; NaN if
+ *  that cannot be said. */
+double gainOf(const FittedModel& model, int offset)
+{
+    const double likelihood =
+        model.fitMetrics(offset).logLikelihood - model.fitMetrics(0).logLikelihood;
+    // Infinite: the trend passes through all cases, and the densities are quotients of roundings.
+    if (std::isinf(likelihood) || std::isnan(likelihood)) {
+        return likelihood;
+    }
+    const double density = leftOutDensity(model, offset) - leftOutDensity(model, 0);
+    return density < likelihood || std::isnan(density) ? density : likelihood;
+}
+
+} // namespace
+
+class TransformedOutput::Impl
+{
+public:
+    /** An output as it was fitted. */
+    struct Fit
+    {
+        OutputTransform transform = OutputTransform::None;
+        double gain = none;
+        int innerOffset = 0;
+        FitMetrics metrics;
+    };
+
+    Impl(const std::vector<double*>& independentColumns,
+         const std::vector<double*>& dependentColumns, std::size_t rowCount, Maker maker,
+         Choice choice)
+        : columns(independentColumns, dependentColumns, rowCount), maker(std::move(maker)),
+          choice(choice)
+    {
+        std::vector<double*> innerOutputs = dependentColumns;
+        Columns added;
+        for (std::size_t offset = 0; offset < dependentColumns.size(); ++offset) {
+            const double* const output = dependentColumns[offset];
+            if (!columns.isFittable(offset) || !isCandidate(output, rowCount)) {
+                continue;
+            }
+            outputs[static_cast<int>(offset)].assign(output, output + rowCount);
+            for (const OutputTransform transform : wantedTransforms()) {
+                added.push_back(transformed(transform, outputs[static_cast<int>(offset)]));
+                innerOffsets[{static_cast<int>(offset), transform}] =
+                    static_cast<int>(innerOutputs.size() + added.size() - 1);
+            }
+        }
+        for (double* const column : pointersTo(added)) {
+            innerOutputs.push_back(column);
+        }
+        inner = this->maker(independentColumns, innerOutputs, rowCount);
+        for (const double* const input : independentColumns) {
+            if (!outputs.empty()) {
+                inputs.emplace_back(input, input + rowCount);
+            }
+        }
+    }
+
+    const Fit& fit(int offset)
+    {
+        columns.requireOutput(offset);
+        const auto known = fits.find(offset);
+        if (known != fits.end()) {
+            return known->second;
+        }
+        // A fit that throws leaves no entry, so that it is tried again.
+        const Fit result = fitted(offset);
+        if (result.transform == OutputTransform::None) {
+            outputs.erase(offset);
+        }
+        return fits.emplace(offset, result).first->second;
+    }
+
+    void requirePoints(const std::vector<double*>& points, std::size_t count) const
+    {
+        columns.requireEvaluation(points, {}, {}, count);
+    }
+
+    std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset, const Fit& fit) const
+    {
+        std::vector<LeaveOneOutPrediction> predictions =
+            inner->leaveOneOutPredictions(fit.innerOffset);
+        if (fit.transform == OutputTransform::None) {
+            return predictions;
+        }
+        for (LeaveOneOutPrediction& one : predictions) {
+            one.output = outputs.at(offset)[one.row];
+            one.standardError = standardError(fit.transform, one.predicted, one.standardError);
+            one.predicted = OutputTransforms::invert(fit.transform, one.predicted);
+        }
+        return predictions;
+    }
+
+    static double standardError(OutputTransform transform, double predicted, double error)
+    {
+        return 0.5 * (OutputTransforms::invert(transform, predicted + error) -
+                      OutputTransforms::invert(transform, predicted - error));
+    }
+
+    ArgumentCheck columns;
+    std::unique_ptr<FittedModel> inner;
+    std::map<int, Fit> fits;
+
+private:
+    bool isCandidate(const double* output, std::size_t rowCount) const
+    {
+        const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
+        return *smallest > 0.0 && (choice || *largest > leastRatio * *smallest);
+    }
+
+    std::vector<OutputTransform> wantedTransforms() const
+    {
+        if (!choice) {
+            return {transforms.begin(), transforms.end()};
+        }
+        return *choice == OutputTransform::None ? std::vector<OutputTransform>()
+                                                : std::vector<OutputTransform>{*choice};
+    }
+
+    Fit fitted(int offset)
+    {
+        Fit result;
+        result.innerOffset = offset;
+        constexpr double comparing = 0.1; // of the progress
+        if (choice) {
+            result.transform = outputs.count(offset) == 0 ? OutputTransform::None : *choice;
+        } else if (outputs.count(offset) != 0) {
+            const FitProgress::Portion portion(0.0, comparing, "Comparing transforms");
+            choose(offset, result);
+        }
+        if (result.transform != OutputTransform::None) {
+            result.innerOffset = innerOffsets.at({offset, result.transform});
+        }
+        const FitProgress::Portion portion(comparing, 1.0);
+        inner->activateDependentVariables({result.innerOffset});
+        result.metrics = inner->fitMetrics(result.innerOffset);
+        if (result.transform != OutputTransform::None) {
+            measure(offset, result);
+        }
+        return result;
+    }
+
+    void choose(int offset, Fit& result)
+    {
+        Columns compared = comparedCases(offset);
+        const std::size_t rows = compared.back().size();
+        std::vector<double> output = std::move(compared.back());
+        compared.pop_back();
+        Columns candidates = {output};
+        for (const OutputTransform transform : transforms) {
+            candidates.push_back(withUnitJacobian(transform, output));
+        }
+        const auto model = maker(pointersTo(compared), pointersTo(candidates), rows);
+        for (std::size_t k = 0; k < candidates.size(); ++k) {
+            const auto count = static_cast<double>(candidates.size());
+            const FitProgress::Portion portion(static_cast<double>(k) / count,
+                                               static_cast<double>(k + 1) / count);
+            model->activateDependentVariables({static_cast<int>(k)});
+        }
+        for (std::size_t k = 0; k < transforms.size(); ++k) {
+            const double gain = gainOf(*model, static_cast<int>(k + 1));
+            if (std::isnan(result.gain) || gain > result.gain) {
+                result.gain = gain;
+                result.transform = transforms[k];
+            }
+        }
+        if (!(result.gain > leastGain)) {
+            result.transform = OutputTransform::None;
+        }
+    }
+
+    /** All rows at some of the distinct points, chosen whatever the order of the rows: the inputs,
+     *  and the output as the last column. */
+    Columns comparedCases(int offset)
+    {
+        const KrigingCases cases(pointersTo(inputs), columns.cases());
+        std::vector<std::size_t> rows;
+        for (const std::size_t point : randomSubset(cases.pointCount(), comparedPoints)) {
+            const std::vector<std::size_t> atPoint = cases.rowsAt(point);
+            rows.insert(rows.end(), atPoint.begin(), atPoint.end());
+        }
+        Columns compared(inputs.size() + 1);
+        for (std::size_t k = 0; k < compared.size(); ++k) {
+            const std::vector<double>& column = k < inputs.size() ? inputs[k] : outputs.at(offset);
+            for (const std::size_t row : rows) {
+                compared[k].push_back(column[row]);
+            }
+        }
+        return compared;
+    }
+
+    /** The figures that the model has, in the output's units, at the cases that it measures. */
+    void measure(int offset, Fit& fit)
+    {
+        const std::vector<LeaveOneOutPrediction> leftOut = leaveOneOutPredictions(offset, fit);
+        const std::vector<double> predictions = predictionsAt(leftOut, fit);
+        const std::vector<double>& output = outputs.at(offset);
+        double mean = 0.0;
+        for (const LeaveOneOutPrediction& one : leftOut) {
+            mean += one.output / static_cast<double>(leftOut.size());
+        }
+        double squares = 0.0;
+        double total = 0.0;
+        double press = 0.0;
+        for (std::size_t i = 0; i < leftOut.size(); ++i) {
+            const double y = output[leftOut[i].row];
+            squares += (y - predictions[i]) * (y - predictions[i]);
+            total += (y - mean) * (y - mean);
+            press += (y - leftOut[i].predicted) * (y - leftOut[i].predicted);
+        }
+
+        FitMetrics& metrics = fit.metrics;
+        const auto set = [](double& figure, double value) {
+            figure = std::isnan(figure) ? none : value;
+        };
+        const auto measured = static_cast<double>(leftOut.size());
+        const auto cases = static_cast<double>(metrics.cases);
+        const double freedom = cases - static_cast<double>(metrics.terms);
+        const bool isPolynomial = !std::isnan(metrics.adjustedR2);
+        set(metrics.r2, 1.0 - squares / total);
+        set(metrics.adjustedR2, 1.0 - squares / total * (cases - 1.0) / freedom);
+        set(metrics.rmse, std::sqrt(squares / measured * (isPolynomial ? cases / freedom : 1.0)));
+        set(metrics.press, press * cases / measured);
+        set(metrics.predictedR2, 1.0 - press / total);
+        set(metrics.looRmse, std::sqrt(press / measured));
+        set(metrics.q2, 1.0 - press / total);
+    }
+
+    std::vector<double> predictionsAt(const std::vector<LeaveOneOutPrediction>& cases,
+                                      const Fit& fit) const
+    {
+        Columns points(inputs.size());
+        for (std::size_t k = 0; k < inputs.size(); ++k) {
+            for (const LeaveOneOutPrediction& one : cases) {
+                points[k].push_back(inputs[k][one.row]);
+            }
+        }
+        std::vector<double> predictions(cases.size());
+        std::vector<double*> results = {predictions.data()};
+        inner->interpolateDependentValues(pointersTo(points), {fit.innerOffset}, results,
+                                          cases.size());
+        OutputTransforms::invert(fit.transform, predictions.data(), predictions.size());
+        return predictions;
+    }
+
+    Maker maker;
+    Choice choice;
+    std::map<std::pair<int, OutputTransform>, int> innerOffsets;
+    // Of outputs that are, or may yet be, transformed, and the inputs if there is such an output.
+    Columns inputs;
+    std::map<int, std::vector<double>> outputs;
+};
+
+TransformedOutput::TransformedOutput(const std::vector<double*>& independentColumns,
+                                     const std::vector<double*>& dependentColumns,
+                                     std::size_t rowCount, Maker maker, Choice choice)
+    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, std::move(maker),
+                                  choice))
+{}
+
+TransformedOutput::~TransformedOutput() = default;
+
+OutputTransform TransformedOutput::transform(int offset) const
+{
+    return impl->fit(offset).transform;
+}
+
+double TransformedOutput::gain(int offset) const
+{
+    return impl->fit(offset).gain;
+}
+
+const FittedModel& TransformedOutput::inner() const
+{
+    return *impl->inner;
+}
+
+int TransformedOutput::innerOffset(int offset) const
+{
+    return impl->fit(offset).innerOffset;
+}
+
+void TransformedOutput::activateDependentVariables(const std::set<int>& offsets)
+{
+    impl->columns.requireOutputs(offsets);
+    for (const int offset : offsets) {
+        impl->fit(offset);
+    }
+}
+
+void TransformedOutput::interpolateDependentValues(const std::vector<double*>& inputs,
+                                                   const std::set<int>& offsets,
+                                                   std::vector<double*>& outputs,
+                                                   std::size_t count) const
+{
+    impl->columns.requireEvaluation(inputs, offsets, outputs, count);
+    std::map<int, double*> byInnerOffset;
+    std::set<int> innerOffsets;
+    std::size_t k = 0;
+    for (const int offset : offsets) {
+        const int innerOffset = impl->fit(offset).innerOffset;
+        byInnerOffset[innerOffset] = outputs[k++];
+        innerOffsets.insert(innerOffset);
+    }
+    std::vector<double*> innerOutputs;
+    for (const auto& [innerOffset, column] : byInnerOffset) {
+        innerOutputs.push_back(column);
+    }
+    impl->inner->interpolateDependentValues(inputs, innerOffsets, innerOutputs, count);
+    k = 0;
+    for (const int offset : offsets) {
+        OutputTransforms::invert(impl->fit(offset).transform, outputs[k++], count);
+    }
+}
+
+bool TransformedOutput::surfaceCoefficientInformationAvailable() const
+{
+    return impl->inner->surfaceCoefficientInformationAvailable();
+}
+
+bool TransformedOutput::qualityMetricInformationAvailable() const
+{
+    return impl->inner->qualityMetricInformationAvailable();
+}
+
+std::string TransformedOutput::surfaceCoefficientInformation(int offset) const
+{
+    const Impl::Fit& fit = impl->fit(offset);
+    const std::string text = impl->inner->surfaceCoefficientInformation(fit.innerOffset);
+    const std::size_t end = text.find('\n');
+    const std::string equation = text.substr(0, end);
+    const std::string rest = end == std::string::npos ? "" : text.substr(end);
+    switch (fit.transform) {
+    case OutputTransform::SquareRoot:
+        return "max(0, " + equation + ")^2" + rest;
+    case OutputTransform::Logarithm:
+        return "exp(" + equation + ")" + rest;
+    default:
+        return text;
+    }
+}
+
+std::string TransformedOutput::qualityMetricInformation(int offset) const
+{
+    const Impl::Fit& fit = impl->fit(offset);
+    const std::string text = impl->inner->qualityMetricInformation(fit.innerOffset);
+    switch (fit.transform) {
+    case OutputTransform::SquareRoot:
+        return "All figures are those of the square root of the output, which was modelled.\n" +
+               text;
+    case OutputTransform::Logarithm:
+        return "All figures are those of the logarithm of the output, which was modelled.\n" + text;
+    default:
+        return text;
+    }
+}
+
+FitMetrics TransformedOutput::fitMetrics(int offset) const
+{
+    return impl->fit(offset).metrics;
+}
+
+std::vector<std::string>
+TransformedOutput::fitWarnings(int offset, const std::vector<std::string>& inputNames) const
+{
+    return impl->inner->fitWarnings(impl->fit(offset).innerOffset, inputNames);
+}
+
+std::vector<double> TransformedOutput::extrapolations(const std::vector<double*>& inputs,
+                                                      std::size_t count) const
+{
+    return impl->inner->extrapolations(inputs, count);
+}
+
+std::string TransformedOutput::extrapolationWarning(const std::vector<double*>& inputs,
+                                                    std::size_t count,
+                                                    const std::vector<std::string>& names) const
+{
+    return impl->inner->extrapolationWarning(inputs, count, names);
+}
+
+PredictorDescription TransformedOutput::predictorDescription(int offset) const
+{
+    const Impl::Fit& fit = impl->fit(offset);
+    PredictorDescription description = impl->inner->predictorDescription(fit.innerOffset);
+    description.transform = fit.transform;
+    return description;
+}
+
+std::vector<double> TransformedOutput::standardErrors(const std::vector<double*>& inputs,
+                                                      int offset, ErrorKind kind,
+                                                      std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    const Impl::Fit& fit = impl->fit(offset);
+    std::vector<double> errors = impl->inner->standardErrors(inputs, fit.innerOffset, kind, count);
+    if (fit.transform == OutputTransform::None) {
+        return errors;
+    }
+    std::vector<double> predictions(count);
+    std::vector<double*> results = {predictions.data()};
+    impl->inner->interpolateDependentValues(inputs, {fit.innerOffset}, results, count);
+    for (std::size_t i = 0; i < count; ++i) {
+        errors[i] = Impl::standardError(fit.transform, predictions[i], errors[i]);
+    }
+    return errors;
+}
+
+PredictionIntervals TransformedOutput::predictionIntervals(const std::vector<double*>& inputs,
+                                                           int offset, double level,
+                                                           std::size_t count) const
+{
+    impl->requirePoints(inputs, count);
+    const Impl::Fit& fit = impl->fit(offset);
+    PredictionIntervals intervals =
+        impl->inner->predictionIntervals(inputs, fit.innerOffset, level, count);
+    OutputTransforms::invert(fit.transform, intervals.lower.data(), count);
+    OutputTransforms::invert(fit.transform, intervals.upper.data(), count);
+    return intervals;
+}
+
+double TransformedOutput::intervalQuantile(int offset, double level) const
+{
+    return impl->inner->intervalQuantile(impl->fit(offset).innerOffset, level);
+}
+
+std::vector<LeaveOneOutPrediction> TransformedOutput::leaveOneOutPredictions(int offset) const
+{
+    return impl->leaveOneOutPredictions(offset, impl->fit(offset));
+}
