@@ -2,12 +2,12 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
+#include "UniformNumbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <limits>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,23 +39,17 @@ struct Cases
     std::size_t count() const { return outputs.at(0).size(); }
 };
 
-/** Numbers in [0, 1), the same on every platform. */
-class Random
+class Random : public UniformNumbers
 {
 public:
-    explicit Random(std::uint64_t seed) : generator(seed) {}
-    double next() { return static_cast<double>(generator() >> 11) * 0x1p-53; }
+    using UniformNumbers::UniformNumbers;
+
     Column column(std::size_t count, double from, double to)
     {
         Column values(count);
-        for (double& value : values) {
-            value = from + (to - from) * next();
-        }
+        std::generate(values.begin(), values.end(), [&] { return next(from, to); });
         return values;
     }
-
-private:
-    std::mt19937_64 generator;
 };
 
 /** The text of the model error that the action ends with; empty if there is none. */

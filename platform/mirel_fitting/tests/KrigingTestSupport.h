@@ -3,38 +3,14 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/cases/KrigingData.h>
 
+#include "UniformNumbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <functional>
 #include <numeric>
-#include <random>
 #include <vector>
-
-/** Numbers in [0, 1), the same on every machine. */
-class UniformNumbers
-{
-public:
-    explicit UniformNumbers(std::uint64_t seed) : generator(seed) {}
-
-    double next() { return static_cast<double>(generator() >> 11) * 0x1.0p-53; }
-
-    std::vector<double> next(std::size_t count)
-    {
-        std::vector<double> result(count);
-        std::generate(result.begin(), result.end(), [this] { return next(); });
-        return result;
-    }
-
-    /** Standard normal, by Box and Muller. */
-    double normal()
-    {
-        const double radius = std::sqrt(-2.0 * std::log(1.0 - next()));
-        return radius * std::cos(2.0 * std::acos(-1.0) * next());
-    }
-
-    std::mt19937_64 generator;
-};
 
 using Columns = std::vector<std::vector<double>>;
 
@@ -134,11 +110,12 @@ public:
     using Vector = std::vector<Real>;
     using Matrix = std::vector<Vector>;
 
-    /** @param points, trend one row per case. */
-    DirectKriging(Matrix points, Matrix trend, Vector output, std::vector<double> lengths,
-                  double nugget)
-        : points(std::move(points)), lengths(std::move(lengths))
+    /** @param points, trend, replicates one row or number per case; no replicates: 1. */
+    DirectKriging(Matrix points, const Matrix& trend, Vector output, std::vector<double> lengths,
+                  double nugget, std::vector<double> replicates = {})
+        : points(std::move(points)), trend(trend), lengths(std::move(lengths))
     {
+        replicates.resize(output.size(), 1.0);
         const std::size_t n = output.size();
         const std::size_t p = trend.front().size();
         Matrix r(n, Vector(n));
@@ -146,8 +123,9 @@ public:
             for (std::size_t j = 0; j < n; ++j) {
                 r[i][j] = correlation(this->points[i], this->points[j]);
             }
-            r[i][i] += nugget;
+            r[i][i] += nugget / static_cast<Real>(replicates[i]);
         }
+        correlations = r;
         // Right-hand sides: the trend's columns, then the output.
         Matrix right(n);
         for (std::size_t i = 0; i < n; ++i) {
@@ -196,6 +174,42 @@ public:
             value += weights[i] * correlation(point, points[i]);
         }
         return value;
+    }
+
+    /** Of the mean at a point, over the process variance: 1 - (r, f)' [R F; F' 0]^-1 (r, f), the
+     *  Kriging system with Lagrange multipliers. */
+    Real relativeVariance(const Vector& point, const Vector& trendTerms) const
+    {
+        const std::size_t n = points.size();
+        Matrix system = correlations;
+        Vector right;
+        for (std::size_t i = 0; i < n; ++i) {
+            system[i].insert(system[i].end(), trend[i].begin(), trend[i].end());
+            right.push_back(correlation(point, points[i]));
+        }
+        right.insert(right.end(), trendTerms.begin(), trendTerms.end());
+        for (std::size_t t = 0; t < trendTerms.size(); ++t) {
+            system.emplace_back(right.size(), 0.0L);
+            for (std::size_t i = 0; i < n; ++i) {
+                system.back()[i] = trend[i][t];
+            }
+        }
+        return 1.0L - quadraticForm(system, right);
+    }
+
+    /** right' matrix^-1 right */
+    static Real quadraticForm(Matrix matrix, const Vector& right)
+    {
+        Matrix solution;
+        for (const Real value : right) {
+            solution.push_back({value});
+        }
+        eliminate(matrix, solution);
+        Real sum = 0.0L;
+        for (std::size_t i = 0; i < right.size(); ++i) {
+            sum += right[i] * solution[i][0];
+        }
+        return sum;
     }
 
     Real correlation(const Vector& a, const Vector& b) const
@@ -250,5 +264,7 @@ private:
     }
 
     Matrix points;
+    Matrix trend;
+    Matrix correlations; // with the nugget
     std::vector<double> lengths;
 };

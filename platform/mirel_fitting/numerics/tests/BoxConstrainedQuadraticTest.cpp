@@ -1,31 +1,16 @@
 #include <mirel_fitting/numerics/BoxConstrainedQuadratic.h>
 
 #include "RecordedWork.h"
+#include "UniformNumbers.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 namespace {
 
 using Vector = std::vector<double>;
-
-class Uniform
-{
-public:
-    explicit Uniform(std::uint64_t seed) : generator(seed) {}
-
-    double next(double from, double to)
-    {
-        const double share = static_cast<double>(generator() >> 11) * 0x1.0p-53;
-        return from + (to - from) * share;
-    }
-
-private:
-    std::mt19937_64 generator;
-};
 
 struct Problem
 {
@@ -38,7 +23,7 @@ struct Problem
     Problem(std::size_t size, double coupling, std::uint64_t seed)
         : hessian(size * size), slope(size), lowest(size), highest(size)
     {
-        Uniform numbers(seed);
+        UniformNumbers numbers(seed);
         Vector root(size * size);
         for (double& value : root) {
             value = coupling * numbers.next(-1.0, 1.0);
@@ -62,7 +47,7 @@ struct Problem
 Problem oneOfFewCases(std::size_t size, std::size_t rank, std::uint64_t seed)
 {
     Problem problem(size, 0.0, seed);
-    Uniform numbers(seed);
+    UniformNumbers numbers(seed);
     Vector root(rank * size);
     for (double& value : root) {
         value = numbers.next(-1.0, 1.0);
@@ -197,7 +182,7 @@ TEST(BoxConstrainedQuadratic, ReportsNothingForFewVariables)
     EXPECT_EQ(recorded.reports(), 0);
 }
 
-TEST(BoxConstrainedQuadratic, StaysWhereTheBoxLeavesNoRoom)
+TEST(BoxConstrainedQuadratic, StaysAtTheOriginInABoxOfNoSize)
 {
     const Problem problem(5, 1.0, 7);
     const Vector origin(5, 0.0);
@@ -206,7 +191,7 @@ TEST(BoxConstrainedQuadratic, StaysWhereTheBoxLeavesNoRoom)
               origin);
 }
 
-TEST(BoxConstrainedQuadratic, LeadsUphillWhereTheCurvatureIsSpoilt)
+TEST(BoxConstrainedQuadratic, AscendsWhereRoundingMadeTheMatrixIndefinite)
 {
     // Rounding has made the matrix indefinite.
     const Vector hessian = {1.0, 2.0, 2.0, 1.0};

@@ -1,22 +1,18 @@
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 
+#include "UniformNumbers.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <random>
 
 namespace {
 
 std::vector<double> uniformNumbers(std::size_t count)
 {
-    std::mt19937_64 generator(7);
-    std::vector<double> numbers(count);
-    for (double& number : numbers) {
-        number = static_cast<double>(generator() >> 11) * 0x1.0p-53;
-    }
-    return numbers;
+    return UniformNumbers(7).next(count);
 }
 
 /** The defining formula, in extended precision. */

@@ -6,12 +6,11 @@
 
 #include <cmath>
 #include <memory>
-#include <utility>
 
 namespace {
 
-using Real = long double;
-using Matrix = std::vector<std::vector<Real>>;
+using Real = DirectKriging::Real;
+using Matrix = DirectKriging::Matrix;
 
 constexpr std::size_t cases = 12;
 const std::vector<double> lengths = {0.4, 0.9};
@@ -47,16 +46,6 @@ std::vector<Real> caseOf(const FittedKriging& model, std::size_t i)
     return {model.data->coordinates[i], model.data->coordinates[cases + i]};
 }
 
-Real correlation(const std::vector<Real>& a, const std::vector<Real>& b)
-{
-    Real product = 1.0L;
-    for (std::size_t k = 0; k < 2; ++k) {
-        const Real z = std::sqrt(5.0L) * std::fabs(a[k] - b[k]) / lengths[k];
-        product *= (1.0L + z + z * z / 3.0L) * std::exp(-z);
-    }
-    return product;
-}
-
 /** Of order 0 or 1. */
 std::vector<Real> terms(const FittedKriging& model, const std::vector<Real>& x)
 {
@@ -65,54 +54,21 @@ std::vector<Real> terms(const FittedKriging& model, const std::vector<Real>& x)
     return values;
 }
 
-/** right' matrix^-1 right by Gauss-Jordan elimination with pivoting. */
-Real quadraticForm(Matrix matrix, const std::vector<Real>& right)
+DirectKriging directly(const FittedKriging& model)
 {
-    const std::size_t n = right.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        matrix[i].push_back(right[i]);
+    Matrix points;
+    Matrix trend;
+    for (std::size_t i = 0; i < cases; ++i) {
+        points.push_back(caseOf(model, i));
+        trend.push_back(terms(model, points.back()));
     }
-    for (std::size_t j = 0; j < n; ++j) {
-        std::size_t pivot = j;
-        for (std::size_t i = j + 1; i < n; ++i) {
-            pivot = std::fabs(matrix[i][j]) > std::fabs(matrix[pivot][j]) ? i : pivot;
-        }
-        std::swap(matrix[j], matrix[pivot]);
-        for (std::size_t i = 0; i < n; ++i) {
-            const Real factor = i == j ? 0.0L : matrix[i][j] / matrix[j][j];
-            for (std::size_t k = j; k <= n && factor != 0.0L; ++k) {
-                matrix[i][k] -= factor * matrix[j][k];
-            }
-        }
-    }
-    Real sum = 0.0L;
-    for (std::size_t i = 0; i < n; ++i) {
-        sum += right[i] * matrix[i][n] / matrix[i][i];
-    }
-    return sum;
+    return {points,  trend,        std::vector<Real>(cases, 0.0L),
+            lengths, model.nugget, model.data->replicates};
 }
 
-/** 1 - (r, f)' [R F; F' 0]^-1 (r, f): the Kriging system with Lagrange multipliers. */
-double directly(const FittedKriging& model, const std::vector<Real>& point)
+double directVariance(const FittedKriging& model, const std::vector<Real>& point)
 {
-    const std::size_t size = cases + model.data->terms;
-    Matrix matrix(size, std::vector<Real>(size, 0.0L));
-    std::vector<Real> right;
-    for (std::size_t i = 0; i < cases; ++i) {
-        const std::vector<Real> trend = terms(model, caseOf(model, i));
-        for (std::size_t j = 0; j < cases; ++j) {
-            matrix[i][j] = correlation(caseOf(model, i), caseOf(model, j));
-        }
-        matrix[i][i] += model.nugget / static_cast<Real>(model.data->replicates[i]);
-        for (std::size_t t = 0; t < trend.size(); ++t) {
-            matrix[i][cases + t] = matrix[cases + t][i] = trend[t];
-        }
-        right.push_back(correlation(caseOf(model, i), point));
-    }
-    for (const Real term : terms(model, point)) {
-        right.push_back(term);
-    }
-    return static_cast<double>(1.0L - quadraticForm(matrix, right));
+    return static_cast<double>(directly(model).relativeVariance(point, terms(model, point)));
 }
 
 std::vector<double> variances(const KrigingVariance& variance, Columns points)
@@ -137,7 +93,7 @@ TEST(KrigingVariance, SolvesTheKrigingSystem)
             const std::vector<double> found = variances(KrigingVariance(model), somePoints);
 
             for (std::size_t i = 0; i < found.size(); ++i) {
-                const double expected = directly(model, {somePoints[0][i], somePoints[1][i]});
+                const double expected = directVariance(model, {somePoints[0][i], somePoints[1][i]});
                 EXPECT_NEAR(found[i], expected, 1e-10 * (1.0 + expected))
                     << order << ", " << nugget << ", point " << i;
             }
@@ -154,8 +110,8 @@ TEST(KrigingVariance, CountsTheReplicatesOfACase)
 
     const std::vector<double> found = variances(KrigingVariance(model), atCases);
 
-    EXPECT_NEAR(found[0], directly(model, caseOf(model, 1)), 1e-12);
-    EXPECT_NEAR(found[1], directly(model, caseOf(model, 2)), 1e-12);
+    EXPECT_NEAR(found[0], directVariance(model, caseOf(model, 1)), 1e-12);
+    EXPECT_NEAR(found[1], directVariance(model, caseOf(model, 2)), 1e-12);
     EXPECT_LT(found[1], 0.5 / 3.0) << "three rows have a third of the noise";
 }
 
@@ -199,8 +155,8 @@ TEST(KrigingVariance, IsThatOfAWeightedRegressionWithoutCorrelation)
     const std::vector<double> found = variances(variance, somePoints);
 
     for (std::size_t i = 0; i < found.size(); ++i) {
-        const auto expected = static_cast<double>(
-            quadraticForm(normal, terms(model, {somePoints[0][i], somePoints[1][i]})));
+        const auto expected = static_cast<double>(DirectKriging::quadraticForm(
+            normal, terms(model, {somePoints[0][i], somePoints[1][i]})));
         EXPECT_NEAR(found[i], expected, 1e-12 * (1.0 + expected)) << i;
     }
     EXPECT_EQ(variance.noise(), 1.0);
