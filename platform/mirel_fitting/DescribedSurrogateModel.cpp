@@ -184,7 +184,7 @@ private:
         return columns;
     }
 
-    /** An input without a coordinate is not looked at by the polynomial. */
+    /** NaN for inputs without influence, too, which the polynomial does not read. */
     void addNotFinite(const std::vector<double*>& inputs, double* result, std::size_t count) const
     {
         std::vector<bool> isUsed(inputs.size(), false);

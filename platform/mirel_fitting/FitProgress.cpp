@@ -26,7 +26,7 @@ FitProgress::FitProgress(Report report) : impl(std::make_unique<Impl>())
     impl->outer = newest;
     impl->outerPortion = innermost;
     newest = this;
-    // A report may itself run a fit: that is a whole again.
+    // A report may itself run a fit, whose fractions are not part of this one's.
     innermost = nullptr;
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 
 /**
- * While one lives, fits on this thread report to it. The newest one on a thread is asked; when it
- * goes, the one before it is asked again. Destroy them in reverse order of creation.
+ * While one lives, fits on this thread report to it; of several, to the newest. Destroy them in
+ * reverse order of creation.
  */
 class MIREL_FITTING_EXPORT FitProgress
 {

@@ -21,8 +21,8 @@ public:
         : chunks(chunks), workPerChunk(work / static_cast<double>(chunks))
     {}
 
-    /** Takes chunks until there are none, or something failed. FitProgress ignores what threads
-     *  other than that of the fit report. */
+    /** Takes chunks until there are none, or something failed. FitProgress ignores reports of other
+     *  threads than that of the fit. */
     void run(OrderedChunks::Worker& worker)
     {
         std::size_t reported = 0;

@@ -21,7 +21,7 @@ public:
         /** Runs concurrently with the compute() of other workers. */
         virtual void compute(std::size_t chunk) = 0;
 
-        /** Adds what compute() made of the chunk to the whole: after all earlier chunks, and never
+        /** Adds the result of compute() to the whole: in the order of the chunks, never
          *  concurrently. */
         virtual void handOver(std::size_t chunk) = 0;
     };
@@ -40,7 +40,7 @@ public:
     using Work = std::function<void(std::size_t chunk)>;
 
     /**
-     * For chunks that write to disjoint places, so that nothing needs to be handed over.
+     * For chunks that write to disjoint places and hand nothing over.
      * @param makeWork is called like makeWorker; each function that it returns is called by one
      *                 thread only, and may own buffers.
      */

@@ -39,9 +39,9 @@ std::vector<double> multiply(const std::vector<double>& matrix, const std::vecto
     return result;
 }
 
-/** After a step that failed: where the next one ends, as a share of it. The vertex of the parabola
- *  through value and slope at its start and the value at its end, if that is finite; kept between a
- *  tenth and a half as in Nocedal, Wright, section 3.5. */
+/** The length of the next step after one that failed, as a fraction of it: the vertex of the
+ * parabola through value and slope at its start and the value at its end, if that is finite; kept
+ * between a tenth and a half as in Nocedal, Wright, section 3.5. */
 double shorterShare(double slope, double gained)
 {
     constexpr double withoutValue = 0.25;
@@ -69,7 +69,7 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
         done = true;
         return;
     }
-    if (learn()) {
+    if (updateModel()) {
         return;
     }
     // The first step is then steepest ascent with the trust radius as its largest component.
@@ -149,11 +149,9 @@ void BoundedSearch::proposeStep()
     }
 }
 
-/**
- * Asks the objective for the gradient, and for the curvature if it has an estimate.
- * @return whether it has.
+/** Takes the gradient, and the curvature if the objective has an estimate. @return whether it has.
  */
-bool BoundedSearch::learn()
+bool BoundedSearch::updateModel()
 {
     // Added to the diagonal to make the matrix definite: relative to each element, which keeps the
     // scales of the variables, and relative to the largest, for variables without curvature; the
@@ -206,7 +204,7 @@ bool BoundedSearch::tryStep(int maxTries, bool isLast)
             }
             adaptRadius(gained / expectedGain(), tries == 0);
             const std::vector<double> oldGradient = gradient;
-            learn();
+            updateModel();
             updateCurvature(step, oldGradient);
             return true;
         }

@@ -80,7 +80,7 @@ public:
 
 private:
     void proposeStep();
-    bool learn();
+    bool updateModel();
     void advance(int steps, double smallestGain, bool isLastTime);
     bool tryStep(int maxTries, bool isLast);
     void adaptRadius(double share, bool isFirstTry);

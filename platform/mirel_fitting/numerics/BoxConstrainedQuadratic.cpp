@@ -170,8 +170,7 @@ void BoxConstrainedQuadratic::climb(const std::vector<double>& lowest,
         if (steepest <= negligibleSlope * largestMagnitude(slope)) {
             break;
         }
-        const std::vector<double> direction =
-            towardsMaximum(rest, unknowns, point, lowest, highest);
+        const std::vector<double> direction = newtonStep(rest, unknowns, point, lowest, highest);
 
         double length = 1.0;
         std::size_t stopping = size;
@@ -192,11 +191,11 @@ void BoxConstrainedQuadratic::climb(const std::vector<double>& lowest,
 }
 
 /** The Newton step in the unknowns, without those that it would move out of the box. */
-std::vector<double> BoxConstrainedQuadratic::towardsMaximum(const std::vector<double>& rest,
-                                                            std::vector<std::size_t> unknowns,
-                                                            const std::vector<double>& point,
-                                                            const std::vector<double>& lowest,
-                                                            const std::vector<double>& highest)
+std::vector<double> BoxConstrainedQuadratic::newtonStep(const std::vector<double>& rest,
+                                                        std::vector<std::size_t> unknowns,
+                                                        const std::vector<double>& point,
+                                                        const std::vector<double>& lowest,
+                                                        const std::vector<double>& highest)
 {
     std::vector<double> direction(size, 0.0);
     while (!unknowns.empty()) {

@@ -44,11 +44,11 @@ private:
                std::vector<double>& point);
     void climb(const std::vector<double>& lowest, const std::vector<double>& highest,
                std::vector<double>& point);
-    std::vector<double> towardsMaximum(const std::vector<double>& rest,
-                                       std::vector<std::size_t> unknowns,
-                                       const std::vector<double>& point,
-                                       const std::vector<double>& lowest,
-                                       const std::vector<double>& highest);
+    std::vector<double> newtonStep(const std::vector<double>& rest,
+                                   std::vector<std::size_t> unknowns,
+                                   const std::vector<double>& point,
+                                   const std::vector<double>& lowest,
+                                   const std::vector<double>& highest);
     std::vector<double> slopeAt(const std::vector<double>& point) const;
     bool solve(const std::vector<std::size_t>& unknowns, std::vector<double>& right);
 

@@ -16,8 +16,8 @@ struct PanelProduct
 
 /**
  * result[i * stride + r] = start[i * startStride + r] + sum over the products, over k, of
- * left[k * leftStride + r] * right[i * rightStride + k], for r < laneCount and i < columns. Each
- * column comes out the same whatever others there are. `start` and `result` may be the same. Faster
+ * left[k * leftStride + r] * right[i * rightStride + k], for r < laneCount and i < columns. The
+ * bits of a column do not depend on the others. `start` and `result` may be the same. Faster
  * than BLAS, which is made for larger matrices.
  */
 void addPanelProducts(const PanelProduct* products, std::size_t productCount, const double* start,

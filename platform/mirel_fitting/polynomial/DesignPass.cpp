@@ -23,7 +23,7 @@ void DesignPass::run(const FitColumns& columns,
                      double to)
 {
     const FitProgress::Portion portion(from, to, progressMessage);
-    // Other threads may take all chunks, and leave the calling one nothing to report.
+    // Once at least: other threads may take all chunks.
     FitProgress::advance();
     const std::size_t chunks = (columns.cases + rowsPerChunk - 1) / rowsPerChunk;
     const int threads = columns.basis.size() < maxTermsPerThread ? threadCount() : 1;
@@ -46,7 +46,7 @@ void DesignPass::compute(std::size_t chunk)
     const std::size_t first = chunk * rowsPerChunk;
     const std::size_t last = std::min(first + rowsPerChunk, columns.cases);
     for (std::size_t start = first; start < last; start += rowsPerBlock) {
-        // Of the calling thread; without effect on the others.
+        // Without effect on other threads than the calling one.
         FitProgress::report(static_cast<double>(start) / static_cast<double>(columns.cases),
                             progressMessage);
         const std::size_t rows = std::min(rowsPerBlock, last - start);

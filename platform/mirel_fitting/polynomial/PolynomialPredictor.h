@@ -33,8 +33,8 @@ public:
     const std::vector<Output>& outputs() const { return fits; }
 
     /**
-     * A value depends on nothing but its point, to the last bit, and is within 4 epsilon of the sum
-     * of the magnitudes of the terms. A point with a coordinate that is not finite gets NaN, also
+     * The bits of a value do not depend on the other points; it is within 4 epsilon of the sum of
+     * the magnitudes of the terms. A point with a coordinate that is not finite gets NaN, also
      * where that input has no influence.
      * @param inputs  one array of `count` values per input, borrowed for the call.
      * @param wanted  positions in outputs().

@@ -43,7 +43,7 @@ AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squ
     AnovaRow result;
     result.source = source;
     result.degreesOfFreedom = degreesOfFreedom;
-    // Without a degree of freedom the sum is 0, and what is left of it rounding.
+    // Without degrees of freedom the sum of squares is rounding errors.
     if (degreesOfFreedom > 0) {
         result.sumOfSquares = squares;
         result.meanSquare = squares / static_cast<double>(degreesOfFreedom);
@@ -82,7 +82,7 @@ ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::
 FitMetrics ResponseSurfaceAnalysis::metrics() const
 {
     const auto cases = static_cast<double>(fit.cases());
-    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    const auto degreesOfFreedom = static_cast<double>(fit.degreesOfFreedom());
     const double unit = output.scale.unit();
     const bool hasSpread = output.scale.spread() > 0.0;
 
@@ -93,9 +93,9 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
     if (hasSpread) {
         metrics.r2 = 1.0 - residualSquares() / output.totalSquares;
     }
-    if (hasSpread && freedom > 0.0) {
+    if (hasSpread && degreesOfFreedom > 0.0) {
         metrics.adjustedR2 =
-            1.0 - residualSquares() / freedom / (output.totalSquares / (cases - 1.0));
+            1.0 - residualSquares() / degreesOfFreedom / (output.totalSquares / (cases - 1.0));
     }
     if (fit.isPressAvailable()) {
         metrics.press = unit * unit * output.press;
@@ -116,7 +116,7 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
 std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictions() const
 {
     const double squares = residualSquares();
-    const double freedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
+    const double degreesOfFreedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
     const double unit = output.scale.unit();
     std::vector<LeaveOneOutPrediction> result;
     result.reserve(fit.sampledCount());
@@ -125,11 +125,12 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
         const double oneMinusLeverage =
             PolynomialFit::isDeterminedAlone(leverage) ? none : 1.0 - leverage;
         const double difference = output.residuals[k] / oneMinusLeverage;
-        // Rounding may leave less than nothing; NaN stays NaN.
+        // Rounding may make the difference negative; NaN stays NaN.
         const double squaresOfOthers =
             std::max(squares - difference * output.residuals[k], 0.0 * difference);
-        const double error =
-            freedom > 0.0 ? std::sqrt(squaresOfOthers / freedom / oneMinusLeverage) : none;
+        const double error = degreesOfFreedom > 0.0
+                                 ? std::sqrt(squaresOfOthers / degreesOfFreedom / oneMinusLeverage)
+                                 : none;
         result.push_back({fit.sampledRow(k), output.values[k], output.values[k] - unit * difference,
                           unit * error});
     }
@@ -139,7 +140,7 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
 /** The residual sum of squares of the scaled output. */
 double ResponseSurfaceAnalysis::residualSquares() const
 {
-    // The mean leaves the squares about the mean; summed in another way they differ by rounding.
+    // A fit by the mean leaves the total sum of squares: the same bits, so that R2 is 0.
     return fit.keptCount() == 1 ? output.totalSquares : output.residualSquares;
 }
 

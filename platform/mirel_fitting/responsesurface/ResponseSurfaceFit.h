@@ -71,7 +71,7 @@ private:
 
     std::size_t inputCount;
     PolynomialForm wantedForm;
-    PolynomialForm fittedForm;                   // what the cases are enough for
+    PolynomialForm fittedForm;                   // lowered as the cases need
     std::shared_ptr<const PolynomialFit> common; // of all outputs, before any selection of terms
     std::vector<OutputFit> fits;
     std::unique_ptr<const PolynomialPredictor> polynomials;

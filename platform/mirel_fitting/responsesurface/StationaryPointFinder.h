@@ -23,7 +23,7 @@ public:
     /** Whether any eigenvalue of B exceeds rounding. */
     bool isCurved() const;
 
-    /** None without curvature, or if the polynomial rises along a direction without. */
+    /** None without curvature, or if the polynomial rises along a direction without curvature. */
     std::optional<StationaryPoint> find() const;
 
 private:

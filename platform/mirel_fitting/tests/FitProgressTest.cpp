@@ -33,7 +33,7 @@ TEST(FitProgress, CancelsTheFitWithAnErrorWhenItAnswersFalse)
     EXPECT_THROW(FitProgress::report(0.0, ""), SurrogateModelInterface::Error);
 }
 
-TEST(FitProgress, IsReplacedByANewerOneUntilThatGoes)
+TEST(FitProgress, IsReplacedByANewerOneUntilThatEnds)
 {
     int outer = 0;
     int inner = 0;
@@ -48,7 +48,7 @@ TEST(FitProgress, IsReplacedByANewerOneUntilThatGoes)
     EXPECT_EQ(outer, 1);
 }
 
-TEST(FitProgress, HearsOnlyFitsOfItsOwnThread)
+TEST(FitProgress, ReceivesReportsOfItsOwnThreadOnly)
 {
     int calls = 0;
     FitProgress progress([&](double, const std::string&) { return ++calls > 0; });
@@ -124,7 +124,7 @@ TEST(FitProgress, IsSilentAboutWorkThatBelongsToNoFit)
     EXPECT_EQ(calls, 0);
 }
 
-TEST(FitProgress, CancelsAmidTheWorkOfAPortion)
+TEST(FitProgress, CancelsDuringTheWorkOfAPortion)
 {
     FitProgress progress([](double, const std::string&) { return false; });
     const FitProgress::Portion portion(0.0, 1.0, "searching");
@@ -150,7 +150,7 @@ TEST(FitProgress, ReportsThePortionsOfAFitAsPartsOfTheWhole)
     EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.875}));
 }
 
-TEST(FitProgress, HearsAFitThatAnotherReportRunsAsAWhole)
+TEST(FitProgress, ReceivesFractionsOfTheWholeFromAFitWithinAReport)
 {
     std::vector<double> outerFractions;
     std::vector<double> innerFractions;

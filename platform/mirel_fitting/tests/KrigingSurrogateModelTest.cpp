@@ -51,7 +51,7 @@ std::string refusalOf(const KrigingArguments& arguments)
 
 } // namespace
 
-TEST(KrigingSurrogateModel, MeetsSmoothDataAtTheCases)
+TEST(KrigingSurrogateModel, InterpolatesSmoothData)
 {
     const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
 
@@ -151,7 +151,7 @@ TEST(KrigingSurrogateModel, OwnsWhatItNeeds)
     EXPECT_FALSE(model.qualityMetricInformation(0).empty());
 }
 
-TEST(KrigingSurrogateModel, IgnoresDirtyOutputsThatNobodyAskedFor)
+TEST(KrigingSurrogateModel, IgnoresOutputsThatAreNotFiniteUntilTheyAreWanted)
 {
     Columns outputs = someOutputs();
     outputs.push_back(outputs[0]);
@@ -505,7 +505,7 @@ TEST(KrigingSurrogateModel, PredictsGridsLikeTheirPointsOneByOne)
     }
 }
 
-TEST(KrigingSurrogateModel, TellsWhichPointsLieOutsideTheCases)
+TEST(KrigingSurrogateModel, SaysWhichPointsLieOutsideTheCases)
 {
     const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
     const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});

@@ -35,7 +35,7 @@ TEST(ResponseSurfaceContract, OwnsWhatItNeeds)
               reference.responseSurfaceStatistics(0).coefficients[3].standardError);
 }
 
-TEST(ResponseSurfaceContract, IsNotSpoiledByAnOutputThatNobodyAskedFor)
+TEST(ResponseSurfaceContract, IgnoresOutputsThatAreNotFiniteUntilTheyAreWanted)
 {
     Cases cases = twoInputs(40, 1.0);
     const Column expected = predict(fit(cases), cases.inputs);
@@ -169,7 +169,7 @@ TEST(ResponseSurfaceContract, ReportsHowFarTheFitIs)
     EXPECT_LE(fractions.back(), 1.0);
 }
 
-TEST(ResponseSurfaceContract, DoesNotGoBackWhereCasesAreRotatedAfterAll)
+TEST(ResponseSurfaceContract, ReportsNoSmallerFractionWhenRotationsFollowNormalEquations)
 {
     // Inputs that differ by little are too much for normal equations.
     Cases cases = twoInputs(20000, 1.0);

@@ -18,7 +18,7 @@ TEST(ResponseSurfaceEquation, EquationGivesTheValuesOfTheModel)
     EXPECT_EQ(model.surfaceCoefficientInformation(0).find('('), std::string::npos);
 }
 
-TEST(ResponseSurfaceEquation, EquationKeepsItsPromiseForEveryShift)
+TEST(ResponseSurfaceEquation, EquationIsAccurateForEveryOriginOfTheInputs)
 {
     for (double shift = 1.0; shift < 1e13; shift *= 10.0) {
         Cases cases = twoInputs(40, 1.0);

@@ -259,7 +259,7 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
               "cases, and none is left to tell the error by.");
 }
 
-TEST(ResponseSurfaceStatistics, TellsWhichCasesHaveTheLargestLeverages)
+TEST(ResponseSurfaceStatistics, ListsTheCasesOfTheLargestLeverages)
 {
     // About their mean of 2 the cases are -2, -2, -1, -1, 6 apart, squares 46: 1 / 5 + square / 46.
     const ResponseSurfaceStatistics statistics =

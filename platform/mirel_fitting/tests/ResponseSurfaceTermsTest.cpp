@@ -97,7 +97,7 @@ TEST(ResponseSurfaceTerms, WithInteractionsFitLeastSquares)
     EXPECT_GT(std::fabs(sums[4]), 0.1);
 }
 
-TEST(ResponseSurfaceTerms, AreNotCalledDroppedWhenNobodyAskedForThem)
+TEST(ResponseSurfaceTerms, AreNotCalledDroppedIfNotChosen)
 {
     const Model model = fit(twoInputs(40, 1.0), PolynomialTerms::Interactions);
     const ResponseSurfaceStatistics statistics = model.responseSurfaceStatistics(0);
@@ -111,7 +111,7 @@ TEST(ResponseSurfaceTerms, AreNotCalledDroppedWhenNobodyAskedForThem)
     EXPECT_EQ(text.find("Square:"), std::string::npos) << text;
 }
 
-TEST(ResponseSurfaceTerms, AreSaidWithTheInputThatIsTheSameInEveryCase)
+TEST(ResponseSurfaceTerms, AreNamedWithAConstantInput)
 {
     Cases cases = twoInputs(40, 1.0);
     std::fill(cases.inputs[0].begin(), cases.inputs[0].end(), 5.0);

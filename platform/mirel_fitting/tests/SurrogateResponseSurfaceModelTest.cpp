@@ -161,7 +161,7 @@ TEST(SurrogateResponseSurfaceModel, HasEquationAndQuality)
     EXPECT_TRUE(model.qualityMetricInformationAvailable());
 }
 
-TEST(SurrogateResponseSurfaceModel, TellsWhichPointsLieOutsideTheCases)
+TEST(SurrogateResponseSurfaceModel, SaysWhichPointsLieOutsideTheCases)
 {
     const Model model = fit(grid());
     Column first = {0.0, 2.0};

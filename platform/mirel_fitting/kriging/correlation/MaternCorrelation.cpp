@@ -7,7 +7,7 @@
 
 namespace {
 
-/** How many points at a time: their coordinates stay in the first-level cache. */
+/** Points of a block: their coordinates stay in the first-level cache. */
 constexpr std::size_t blockPoints = 256;
 
 } // namespace
@@ -111,7 +111,7 @@ void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
                 correlations[i] = column[begin + i];
                 weights[i] = (a[begin + i] * a[j] * factor - inverseBlock[i]) * correlations[i];
             }
-            // What fills the last lanes weighs nothing.
+            // The padding of the last lanes has weight 0.
             const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
             std::fill(correlations + count, correlations + padded, 0.0);
             std::fill(weights + count, weights + padded, 0.0);
@@ -133,8 +133,8 @@ void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
     }
 }
 
-/** result[i * resultStep] = scaled coordinate i, moved to where correlations are 0 if it is so far
- *  away that its polynomial could overflow. */
+/** result[i * resultStep] = scaled coordinate i, clamped to where correlations are 0 so that no
+ *  polynomial overflows. */
 void MaternCorrelation::scale(std::size_t input, const double* coordinates, std::size_t count,
                               std::size_t resultStep, double* result) const
 {
@@ -158,7 +158,7 @@ public:
         for (std::size_t k = 0; k < correlation.inputCount; ++k) {
             double* x = scaled.data() + k * blockPoints;
             correlation.scale(k, points[k] + first, size, 1, x);
-            // What fills the last lanes is a point like the others.
+            // The padding of the last lanes repeats a point.
             std::fill(x + size, x + AlignedBuffer::padded(size), x[0]);
         }
     }

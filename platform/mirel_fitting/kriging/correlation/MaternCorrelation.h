@@ -36,15 +36,15 @@ public:
     /** Writes the lower triangle of the correlation matrix, the ones of its diagonal included. */
     void fillLower(std::size_t first, std::size_t last, double* matrix) const;
 
-    /** The length of a column of products: cases() and room behind them. */
+    /** Length of a column of the products below: cases(), padded. */
     std::size_t productStride() const;
 
     /**
-     * All that the derivatives dc_ij / d ln(length_k) are wanted for, in one pass over them. Adds
-     * the elements of these columns below the diagonal to
-     * sums[k]: the sum over i > j of (a_i a_j factor - inverse_ij) dc_ij / d ln(length_k),
-     * and, together with those of the rows that mirror them, to
-     * products[k productStride() + i]: the sum over j of a_j dc_ij / d ln(length_k).
+     * Both sums of a likelihood's gradient over the derivatives dc_ij / d ln(length_k), in one
+     * pass. Adds the elements of these columns below the diagonal to sums[k]: the sum over i > j of
+     * (a_i a_j factor - inverse_ij) dc_ij / d ln(length_k), and, together with the elements that
+     * mirror them above it, to products[k productStride() + i]: the sum over j of a_j dc_ij / d
+     * ln(length_k).
      * @param correlation what fillLower() wrote for the present lengths.
      * @param inverse     columns of `inverseStride` elements; the first element is that of the
      *                    diagonal in column `first`.
@@ -54,11 +54,11 @@ public:
                         const double* inverse, std::size_t inverseStride, const double* a,
                         double factor, double* sums, double* products) const;
 
-    // In what follows points have finite coordinates.
+    // The points of the following functions have finite coordinates.
 
     /**
-     * result[i] += sum over the cases j of weights[j] c(point i, case j). Each point comes out the
-     * same whatever others there are.
+     * result[i] += sum over the cases j of weights[j] c(point i, case j). The bits of a result do
+     * not depend on the other points.
      * @param points one array of `count` coordinates per input.
      * @param weights one per case.
      */
@@ -72,7 +72,7 @@ public:
     void addWeightedGradients(const std::vector<const double*>& points, std::size_t count,
                               const double* weights, const std::vector<double*>& gradients) const;
 
-    /** From one point to the next in what follows: the cases, and room for whole registers. */
+    /** Distance between the rows that correlate() writes: cases(), padded to whole registers. */
     std::size_t correlationStride() const;
 
     /** result[i * correlationStride() + j] = c(point i, case j); `result` is aligned like
@@ -84,9 +84,8 @@ public:
     void correlateInput(std::size_t input, const double* coordinates, std::size_t count,
                         double* result) const;
 
-    /** The coordinates of one input in units of length / sqrt(5): those of the cases, and of
-     * points, moved to where correlations are 0 if they are so far away that a square could
-     * overflow. */
+    /** The coordinates of one input in units of length / sqrt(5): those of the cases, and those of
+     *  points, clamped to where correlations are 0 so that no square overflows. */
     const double* scaledCases(std::size_t input) const;
     void scale(std::size_t input, const double* coordinates, std::size_t count,
                double* result) const;
@@ -112,7 +111,7 @@ private:
     std::vector<double> scaledRows; // the same, case by case
     std::vector<double> chosenLengths;
     std::vector<double> scales;
-    // Points are moved to between these scaled coordinates; beyond, all correlations are 0 anyway.
+    // Scaled coordinates of points are clamped to these limits; beyond, all correlations are 0.
     std::vector<double> lowest;
     std::vector<double> highest;
     bool isCapped = false; // see MaternKernels::Cases

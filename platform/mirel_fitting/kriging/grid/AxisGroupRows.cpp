@@ -61,7 +61,7 @@ void AxisGroupRows::fill(std::size_t firstCombination, std::size_t count)
     }
 }
 
-/** Of the values that `count` combinations from `first` on pass through. */
+/** The correlations of the axis' values in the `count` combinations from `first` on. */
 void AxisGroupRows::computeTable(std::size_t a, std::size_t count)
 {
     const GridAxis& axis = group.axes[a];

@@ -28,8 +28,8 @@ private:
     const double* correlationsOf(std::size_t axis, std::size_t combination) const;
     void multiplySlowerAxes(std::size_t combination);
 
-    /** Correlations of an axis that is too long for a table of its own: of the values that the
-     *  present combinations pass through. */
+    /** Correlations of an axis that is too long for a table of its own: those of its values in the
+     *  present combinations. */
     struct PartialTable
     {
         AlignedBuffer rows;

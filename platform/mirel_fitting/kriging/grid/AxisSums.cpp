@@ -27,8 +27,9 @@ std::size_t panelsFor(std::size_t values)
     return (values + AxisSums::panelSize - 1) / AxisSums::panelSize;
 }
 
-/** Balances the states, two steps with laneCount columns each per block, against the cases of a
- * block that each of its panels meets one by one. Few cases per block gain nothing any more. */
+/** Balances the cost of carrying moments, two steps of laneCount columns per block, against that of
+ *  the cases inside of a block, which each of its panels sums one by one. Blocks of fewer than two
+ *  cases gain nothing. */
 std::size_t blockCountFor(std::size_t cases, std::size_t panels)
 {
     const double best = std::sqrt(static_cast<double>(panels) * static_cast<double>(cases) /
@@ -120,7 +121,7 @@ void AxisSums::computeShifts()
     constexpr std::size_t columns = leftAndTrend + momentCount;
     const std::size_t steps = bounds.size() - 1;
     shifts = AlignedBuffer(steps * columns * laneCount);
-    // The rounding of the factors must not add up: each makes good what those before it are off.
+    // The rounding of the factors must not accumulate: each compensates for those before it.
     long double missing = 0.0L;
     for (std::size_t h = 0; h < steps; ++h) {
         double* shift = shifts.data() + h * columns * laneCount;

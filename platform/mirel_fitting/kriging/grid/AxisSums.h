@@ -54,7 +54,7 @@ public:
     /** Numbers per row that sumMoments() writes; a multiple of laneCount. */
     std::size_t stateSize() const { return (blocks.size() + 3) * laneCount; }
 
-    /** What is known of a row beside its weights: q_0 and q_1. */
+    /** q_0 and q_1 of a row of weights. */
     struct Trend
     {
         double constant;
@@ -69,7 +69,7 @@ public:
     void sumMoments(const double* weights, std::size_t stride, const std::vector<Trend>& trends,
                     double* states) const;
 
-    /** What the values of some consecutive panels multiply weights and moments with. */
+    /** The factors of weights and moments at the values of some consecutive panels. */
     class Table
     {
     public:
@@ -125,6 +125,6 @@ private:
     std::vector<double> anchors; // of block b: b and b + 1
     // In front of anchor h, behind the one before: the cases from bounds[h] to bounds[h + 1].
     std::vector<std::size_t> bounds;
-    AlignedBuffer moments; // per case: what its weight adds to the state
-    AlignedBuffer shifts;  // per location: how the state before it and the one behind it enter
+    AlignedBuffer moments; // per case: those of a weight of 1
+    AlignedBuffer shifts;  // per location: from the state before it, and from the one behind it
 };

@@ -9,7 +9,7 @@
 void predictGrids(const KrigingPredictor& predictor, const std::vector<double*>& columns,
                   const std::vector<ProductGrid>& grids, double* result)
 {
-    // What is kept per value of an axis stays below ten megabytes.
+    // Bounds the memory of an axis, some 64 bytes a value.
     constexpr std::size_t maxValues = std::size_t{1} << 17;
 
     for (const ProductGrid& whole : grids) {

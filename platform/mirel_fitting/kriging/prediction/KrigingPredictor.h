@@ -27,8 +27,8 @@ public:
     void predict(const std::vector<double*>& columns, std::size_t first, std::size_t count,
                  double* result) const;
 
-    /** Adds to predictions at those rows what the model's neighbours correct; nothing if it has
-     *  none. */
+    /** Adds the predictions of the second layer, by the nearest neighbours, to those of the first;
+     *  nothing if the model has no neighbours. */
     void addNeighbours(const std::vector<double*>& columns, std::size_t first, std::size_t count,
                        double* result) const;
 

@@ -54,7 +54,7 @@ double KrigingVariance::noise() const
     if (!model.correlation) {
         return 1.0;
     }
-    // What only keeps the factorisation sound is no noise.
+    // A nugget that only stabilises the factorisation is no noise.
     return model.interpolates ? 0.0 : model.nugget;
 }
 
@@ -99,7 +99,7 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
             result[i] += trend[t * count + i] * trend[t * count + i];
         }
     }
-    // At a case the nugget is left, and less: the model that meets the cases has none.
+    // Interpolating, the nugget only stabilises the factorisation: it is what is left at a case.
     const double nugget = model.interpolates ? model.nugget : 0.0;
     for (std::size_t i = 0; model.correlation && i < count; ++i) {
         result[i] = result[i] - nugget > rounding ? result[i] - nugget : 0.0;

@@ -16,8 +16,8 @@
  *
  * r the correlations of the point with the cases, f its trend terms, F those of the cases, R the
  * correlation matrix with the nugget on its diagonal. The last term is what estimating the trend
- * costs. Cressie: Statistics for Spatial Data, revised ed., Wiley 1993, section 3.4. Where nothing
- * is correlated, it is that of a regression: R the identity and the first two terms 0.
+ * costs. Cressie: Statistics for Spatial Data, revised ed., Wiley 1993, section 3.4. Without
+ * correlation it is that of a regression: R the identity and the first two terms 0.
  *
  * Holds the factor of R, n x n numbers for n cases.
  */
@@ -27,11 +27,10 @@ public:
     /** @throw SurrogateModelInterface::Error if R cannot be factorised. */
     explicit KrigingVariance(const FittedKriging& model);
 
-    /** Relative to the process variance: of the difference between a new case and the mean there.
-     */
+    /** Variance of a new case about the mean there, relative to the process variance. */
     double noise() const;
 
-    /** What one thread works with. */
+    /** The buffers of one thread. */
     class Workspace
     {
     public:
@@ -43,7 +42,7 @@ public:
         std::vector<double> trend;
     };
 
-    /** Not negative; 0 at a case that the model meets, and where less than rounding is left.
+    /** Not negative; 0 at a case that the model interpolates, and up to rounding errors.
      *  @param points coordinates, one array per input that varies. */
     void evaluate(const std::vector<const double*>& points, std::size_t count, Workspace& workspace,
                   double* result) const;

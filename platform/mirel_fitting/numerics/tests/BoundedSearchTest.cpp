@@ -123,7 +123,7 @@ TEST(BoundedSearch, MovesTheStartIntoTheBounds)
     EXPECT_EQ(search.point(), (Vector{0.0, 1.0}));
 }
 
-TEST(BoundedSearch, TurnsBackWhereTheFunctionHasNoValue)
+TEST(BoundedSearch, StopsBeforePointsWhereTheFunctionHasNoValue)
 {
     Objective objective = bowl(1.5);
     BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {-5.0, 5.0});
@@ -206,7 +206,7 @@ TEST(BoundedSearch, StopsWhenStepsGainNextToNothing)
     EXPECT_LT(objective.gradients, 10);
 }
 
-TEST(BoundedSearch, AsksForNoSlopeAfterTheLastStep)
+TEST(BoundedSearch, SavesTheGradientAfterTheLastStep)
 {
     Objective objective = rosenbrock();
     BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
@@ -233,7 +233,7 @@ TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)
     EXPECT_EQ(objective.values, 1 + 3);
 }
 
-TEST(BoundedSearch, EndsWhereItExpectsNothingOfAFarStep)
+TEST(BoundedSearch, EndsWhereTheExpectedGainOfALongStepIsNegligible)
 {
     // The second variable is next to flat all the way to its bound.
     Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },

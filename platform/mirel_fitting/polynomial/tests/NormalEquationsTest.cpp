@@ -106,7 +106,7 @@ TEST(NormalEquations, GiveTheFitThatRotationsGive)
     expectSame(byNormalEquations(many(5000, 0.1), 1), byRotations(many(5000, 0.1), 1));
 }
 
-TEST(NormalEquations, RegainTheDigitsThatTheSquaredConditionTakes)
+TEST(NormalEquations, RegainTheDigitsThatTheSquaredConditionNumberCosts)
 {
     // Two inputs that are as near to each other as the normal equations take, and exact data.
     // Unrefined, the coefficients are off by 1e-12.
@@ -140,7 +140,7 @@ TEST(NormalEquations, LeaveTermsThatAreHardToSeparateToRotations)
     EXPECT_EQ(fit.outputs()[0].coefficients, byRotations(cases).outputs()[0].coefficients);
 }
 
-TEST(NormalEquations, LeaveItToRotationsWhatCannotBeSeparated)
+TEST(NormalEquations, LeaveTermsThatCannotBeSeparatedToRotations)
 {
     Cases cases = many(5000, 0.1);
     for (std::size_t k = 0; k < cases.count(); ++k) {

@@ -65,7 +65,7 @@ TEST(PolynomialFit, SumsSquaresAboutAMeanFarFromTheMiddle)
     }
 }
 
-TEST(PolynomialFit, CountsWhatIsLeftToTellTheErrorBy)
+TEST(PolynomialFit, CountsResidualDegreesOfFreedom)
 {
     Cases cases = twoInputs(30, 1.0);
     EXPECT_EQ(fit(cases).degreesOfFreedom(), 24u);

@@ -60,7 +60,7 @@ TEST(PolynomialUnits, KeepsALinearPolynomialLinear)
               (std::vector<double>{1.5 + 42.0 + 6.0, -1.0, 1.0}));
 }
 
-TEST(PolynomialUnits, ForeseesTheLossOfALargeOrigin)
+TEST(PolynomialUnits, BoundsTheRoundingErrorOfALargeOrigin)
 {
     const QuadraticBasis basis(1, 2);
     const Column near{-1.0, 1.0};

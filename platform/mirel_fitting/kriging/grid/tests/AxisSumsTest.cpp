@@ -220,7 +220,7 @@ TEST_P(AxisSumsTable, TakesValuesThatRepeat)
     expectTheSums(axisOf(scattered(row.range, row.cases), values), mixed(row.cases), 1e-12);
 }
 
-TEST(AxisSums, TakesCasesInOnePlace)
+TEST(AxisSums, TakesCasesThatCoincide)
 {
     const AxisSums::Axis axis = axisOf(std::vector<double>(50, 1.0), around(2.0, 100));
     const std::vector<double> found = evaluated(axis, {Weights(50, 1.0)}, {{0.0, 0.0}})[0];
@@ -250,7 +250,7 @@ TEST(AxisSums, AddsTheTrend)
     }
 }
 
-TEST(AxisSums, GivesTheSameBitsForAnyRowsAndPanelsBeside)
+TEST(AxisSums, GivesTheSameBitsWithOtherRowsAndPanels)
 {
     const AxisSums::Axis axis = axisOf(scattered(5.0, 200), around(5.0, 700));
     std::vector<Weights> rows;
@@ -268,7 +268,7 @@ TEST(AxisSums, GivesTheSameBitsForAnyRowsAndPanelsBeside)
     }
 }
 
-TEST(AxisSums, OfARowThatIsNaNAreNaNInThatRowOnly)
+TEST(AxisSums, AreNaNInTheRowOfATrendThatIsNaNOnly)
 {
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
     const AxisSums::Axis axis = axisOf(scattered(5.0, 20), around(5.0, 30));

@@ -93,7 +93,7 @@ TEST(NearestNeighbourKriging, EqualsKrigingByItsDefinitionWhereAllCasesAreNear)
     EXPECT_NEAR(variance, 1.0 - explained, 1e-14);
 }
 
-TEST(NearestNeighbourKriging, MeetsTheCasesWithoutANugget)
+TEST(NearestNeighbourKriging, InterpolatesTheCasesWithoutANugget)
 {
     const Example example(300, 20);
 
@@ -127,7 +127,7 @@ TEST(NearestNeighbourKriging, IsZeroFarFromAllCases)
     EXPECT_NEAR(example.at(1e150, -1e150), 0.0, 1e-200);
 }
 
-TEST(NearestNeighbourKriging, BearsCasesThatCoincide)
+TEST(NearestNeighbourKriging, TakesCasesThatCoincide)
 {
     const std::vector<double> coordinates = {0.2, 0.2, 0.2, 0.7};
     const NearestNeighbourKriging kriging(
@@ -168,7 +168,7 @@ TEST(NearestNeighbourKriging, HasTheGradientOfItsPredictions)
                 1e-6);
 }
 
-TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
+TEST(NearestNeighbourKriging, PredictsALeftOutCaseLikeAModelWithoutIt)
 {
     const Example all(60, 60);
     const std::size_t left = 23;
@@ -204,7 +204,7 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseAsIfItHadNeverBeen)
     EXPECT_NEAR(found[0].variance, variance + 1e-6, 1e-9);
 }
 
-TEST(NearestNeighbourKriging, TakesTheSameBitsFromAnyNumberOfThreads)
+TEST(NearestNeighbourKriging, GivesTheSameBitsForAnyNumberOfThreads)
 {
     const Example example(600, 20);
     const Columns points = latinHypercube(1000, 2, 9);

@@ -18,7 +18,7 @@ double squaredDistance(const double* a, const double* b, std::size_t inputs)
 
 } // namespace
 
-TEST(NearestNeighbours, AreThoseThatALookAtAllPointsFinds)
+TEST(NearestNeighbours, AreThoseOfASearchThroughAllPoints)
 {
     constexpr std::size_t points = 500;
     constexpr std::size_t inputs = 3;
@@ -60,7 +60,7 @@ TEST(NearestNeighbours, AreAllPointsWhereThereAreNoMore)
     EXPECT_EQ(neighbours.find(&at, 0, nullptr, nullptr), 0u);
 }
 
-TEST(NearestNeighbours, BearPointsThatCoincide)
+TEST(NearestNeighbours, TakePointsThatCoincide)
 {
     const std::vector<double> coordinates(200, 0.5);
     const NearestNeighbours neighbours(coordinates.data(), 100, 2);
