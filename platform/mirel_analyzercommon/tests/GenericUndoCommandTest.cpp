@@ -1,28 +1,16 @@
 #include <mirel_analyzercommon/DeleteSignaler.h>
 #include <mirel_analyzercommon/GenericUndoCommand.h>
 
-#include "CleanUndoStack.h"
+#include "UndoStackFixture.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <stdexcept>
-#include <string>
 
 namespace {
 
-const boost::function<void()> nothing;
-
-struct GenericUndoCommandTest : testing::Test
+struct GenericUndoCommandTest : UndoStackFixture
 {
-    CleanUndoStack cleanUndoStack;
-    std::string log;
-
-    boost::function<void()> logging(const std::string& entry)
-    {
-        return [this, entry] { log += entry; };
-    }
-
     // A command that logs "r" and `name` when redone, "u" and `name` when undone.
     std::unique_ptr<GenericUndoCommand> command(const std::string& name, int id = -1,
                                                 const DeleteSignaler* object = nullptr,
@@ -63,26 +51,26 @@ TEST_F(GenericUndoCommandTest, DoesNothingForAnEmptyFunction)
 
 TEST_F(GenericUndoCommandTest, RunsItsFunctionsWhileRecordingIsSuspended)
 {
-    const auto push = [this] { UndoStack().push(command("inner").release()); };
-    GenericUndoCommand subject(push, push, nullptr, "outer", -1);
+    const auto pushInner = [this] { push("inner"); };
+    GenericUndoCommand subject(pushInner, pushInner, nullptr, "outer", -1);
 
     subject.redo();
     subject.undo();
 
     EXPECT_EQ(log, "rinner rinner ");
-    EXPECT_EQ(UndoStack().stack().count(), 0);
+    EXPECT_EQ(stack.count(), 0);
 }
 
 TEST_F(GenericUndoCommandTest, EndsTheSuspensionWhenAFunctionThrows)
 {
-    const auto fail = [] { throw std::runtime_error("failed"); };
+    const auto fail = [] { throw StackError(); };
     GenericUndoCommand subject(fail, fail, nullptr, "failing", -1);
 
-    EXPECT_THROW(subject.redo(), std::runtime_error);
-    EXPECT_THROW(subject.undo(), std::runtime_error);
+    EXPECT_THROW(subject.redo(), StackError);
+    EXPECT_THROW(subject.undo(), StackError);
 
-    UndoStack().push(command("A").release());
-    EXPECT_EQ(UndoStack().stack().count(), 1);
+    push("A");
+    EXPECT_EQ(stack.count(), 1);
 }
 
 TEST_F(GenericUndoCommandTest, IsInertAndObsoleteOnceItsObjectIsDestroyed)
@@ -158,14 +146,10 @@ TEST_F(GenericUndoCommandTest, MergesCommandsWithoutAnObject)
     EXPECT_TRUE(command("A", 0)->mergeWith(command("B", 0).get()));
 }
 
-TEST_F(GenericUndoCommandTest, DoesNotMergeNegativeIds)
+TEST_F(GenericUndoCommandTest, DoesNotMergeNegativeOrDifferentIds)
 {
     EXPECT_FALSE(command("A", -1)->mergeWith(command("B", -1).get()));
     EXPECT_FALSE(command("A", -2)->mergeWith(command("B", -2).get()));
-}
-
-TEST_F(GenericUndoCommandTest, DoesNotMergeDifferentIds)
-{
     EXPECT_FALSE(command("A", 3)->mergeWith(command("B", 4).get()));
 }
 

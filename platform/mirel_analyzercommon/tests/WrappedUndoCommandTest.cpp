@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -80,35 +81,18 @@ TEST_F(WrappedUndoCommandTest, IsDoneOncePushedAndUndoneAndRedoneByTheStack)
     EXPECT_EQ(total, 5);
 }
 
-TEST_F(WrappedUndoCommandTest, ShowsTheTextOfTheCommand)
+TEST_F(WrappedUndoCommandTest, ShowsTheTextsOfTheCommand)
 {
-    UndoStack().push(new AddCommand(total, 5));
-
-    EXPECT_EQ(stack.text(0), "Add 5");
-    EXPECT_EQ(stack.undoText(), "Add 5");
-}
-
-TEST_F(WrappedUndoCommandTest, ShowsTheActionTextOfTheCommand)
-{
-    UndoStack().push(new QUndoCommand("in the list\nin the menu"));
-
-    EXPECT_EQ(stack.text(0), "in the list");
-    EXPECT_EQ(stack.undoText(), "in the menu");
-}
-
-TEST_F(WrappedUndoCommandTest, ShowsAnEmptyTextAsEmpty)
-{
-    UndoStack().push(new QUndoCommand);
-
-    EXPECT_EQ(stack.text(0), "");
-    EXPECT_EQ(stack.undoText(), "");
-}
-
-TEST_F(WrappedUndoCommandTest, AnswersTheIdOfTheCommand)
-{
-    UndoStack().push(new AddCommand(total, 5, 12));
-
-    EXPECT_EQ(stack.command(0)->id(), 12);
+    const std::array<QString, 3> texts[] = {
+        {"Add 5", "Add 5", "Add 5"},
+        {"in the list\nin the menu", "in the list", "in the menu"},
+        {"", "", ""},
+    };
+    for (const auto& [text, inList, inMenu] : texts) {
+        UndoStack().push(new QUndoCommand(text));
+        EXPECT_EQ(stack.text(stack.count() - 1), inList);
+        EXPECT_EQ(stack.undoText(), inMenu);
+    }
 }
 
 TEST_F(WrappedUndoCommandTest, MergesAsTheCommandDoesAndShowsItsNewText)
@@ -118,6 +102,7 @@ TEST_F(WrappedUndoCommandTest, MergesAsTheCommandDoesAndShowsItsNewText)
 
     EXPECT_EQ(stack.count(), 1);
     EXPECT_EQ(stack.undoText(), "Add 11");
+    EXPECT_EQ(stack.command(0)->id(), 12);
     stack.undo();
     EXPECT_EQ(total, 0);
 }

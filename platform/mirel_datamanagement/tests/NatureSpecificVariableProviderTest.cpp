@@ -62,14 +62,6 @@ TEST_F(NatureSpecificVariableProviderTest, NarrowsTheNumericVariablesOfAProject)
               (Handles{y1, y2}));
 }
 
-TEST_F(NatureSpecificVariableProviderTest, FollowsProjectOrder)
-{
-    project.moveVariable(y2, 0);
-    const NumericVariableProvider numeric(project.variables());
-    EXPECT_EQ(listed(NatureSpecificVariableProvider(numeric, Variable::Dependent)),
-              (Handles{y2, y1}));
-}
-
 TEST_F(NatureSpecificVariableProviderTest, KeepsOrderAndDuplicates)
 {
     const PlainProvider list({y2, x, y1, y2});
@@ -94,11 +86,4 @@ TEST_F(NatureSpecificVariableProviderTest, OutlivesItsSource)
     const NatureSpecificVariableProvider provider(*source, Variable::Dependent);
     source.reset();
     EXPECT_EQ(listed(provider), (Handles{y1, y2}));
-}
-
-TEST_F(NatureSpecificVariableProviderTest, NarrowsAgain)
-{
-    const PlainProvider all(project.variables());
-    const NatureSpecificVariableProvider dependent(all, Variable::Dependent);
-    EXPECT_EQ(listed(NatureSpecificVariableProvider(dependent, Variable::Independent)), Handles());
 }

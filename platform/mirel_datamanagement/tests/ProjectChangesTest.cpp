@@ -94,13 +94,6 @@ TEST_F(ProjectChanges, IncludeTheSignOfZero)
     EXPECT_TRUE(std::signbit(project.numericValues(x)[2]));
 }
 
-TEST_F(ProjectChanges, CopyNoColumnWhenNothingChanges)
-{
-    const auto shared = project.sharedNumericValues(x);
-    project.setValue(first, x, 1.0);
-    EXPECT_EQ(project.sharedNumericValues(x), shared);
-}
-
 TEST_F(ProjectChanges, AreMadeBeforeTheListenerIsCalled)
 {
     double seen = 0.0;

@@ -207,6 +207,7 @@ TEST_F(ProjectTest, CopiesNoColumnThatDidNotChange)
 {
     const auto numbers = project.sharedNumericValues(x);
     project.setValue(project.record(1), y, 9.0);
+    project.setValue(project.record(1), x, 1.0);
     project.renameVariable(x, "renamed");
     EXPECT_EQ(project.sharedNumericValues(x), numbers);
 }

@@ -25,13 +25,6 @@ TEST(Record, IsIncludedWhenItIsNew)
     EXPECT_TRUE(project.addRecord().lock()->isIncluded());
 }
 
-TEST(Record, HasAnId)
-{
-    Project project;
-    EXPECT_EQ(project.addRecord().lock()->id(), 1u);
-    EXPECT_EQ(project.addRecord().lock()->id(), 2u);
-}
-
 TEST(Record, IsInItsProjectUntilItIsRemoved)
 {
     Project project;

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -155,15 +154,4 @@ TEST(WeakPtr, KeepsItsPlaceInASetAfterItsObjectIsDestroyed)
     EXPECT_EQ(order, (std::vector<std::size_t>{1, 2, 3}));
     EXPECT_EQ(handles.count(second), 1u);
     EXPECT_EQ(*handles.find(second), second);
-}
-
-TEST(WeakPtr, IsAKeyOfMaps)
-{
-    const auto thing = boost::make_shared<Thing>();
-    std::map<ThingPtr, int> numbers;
-    numbers[ThingPtr(thing, 7)] = 1;
-    numbers[ThingPtr(thing, 7)] = 2;
-    numbers[ThingPtr()] = 3;
-    EXPECT_EQ(numbers.size(), 2u);
-    EXPECT_EQ(numbers.begin()->second, 3);
 }

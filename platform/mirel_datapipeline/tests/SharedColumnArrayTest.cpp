@@ -66,15 +66,3 @@ TEST(SharedColumnArray, CopiesIntoMemoryOfItsOwnWhenItGrows)
     EXPECT_EQ(array->GetValue(0), 1.0);
     EXPECT_EQ(*column, (Numbers{1.0, 2.0}));
 }
-
-TEST(SharedColumnArray, IsCopiedLikeAnyArray)
-{
-    const auto column = boost::make_shared<const Numbers>(Numbers{1.0, 2.0});
-    vtkNew<SharedColumnArray<vtkDoubleArray>> array;
-    array->show(column);
-    vtkNew<vtkDoubleArray> copy;
-    copy->DeepCopy(array);
-    copy->SetValue(0, 9.0);
-    EXPECT_EQ(column->front(), 1.0);
-    EXPECT_EQ(copy->GetValue(1), 2.0);
-}
