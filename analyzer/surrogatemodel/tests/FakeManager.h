@@ -9,6 +9,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -20,6 +21,9 @@ class FakeModel : public virtual SurrogateModelInterface
 public:
     void activateDependentVariables(const std::set<int>& offsets) override
     {
+        if (onActivate) {
+            onActivate();
+        }
         activated.push_back(offsets);
     }
 
@@ -59,6 +63,7 @@ public:
 
     std::string qualityMetricInformation(int) const override { return "quality"; }
 
+    std::function<void()> onActivate;
     bool available = true;
     std::map<int, std::string> equations;
     std::vector<std::set<int>> activated;
@@ -69,7 +74,8 @@ public:
 
 /**
  * A manager of one model that is never fitted. Its settings are plain properties, which a test may
- * replace before it hands the manager out.
+ * replace before it hands the manager out. It runs `onModel`, which may throw, whenever it is asked
+ * for a model by offsets.
  */
 class FakeManager : public SurrogateModelManagerInterface
 {
@@ -89,6 +95,9 @@ public:
 
     SurrogateModelInterface& model(const std::set<int>& dependentOffsets) const override
     {
+        if (onModel) {
+            onModel();
+        }
         offsetRequests.push_back(dependentOffsets);
         if (!failure.empty()) {
             throw SurrogateModelInterface::Error(failure);
@@ -124,6 +133,7 @@ public:
     /** Not empty: what model() throws, as SurrogateModelInterface::Error. */
     std::string failure;
 
+    std::function<void()> onModel;
     mutable FakeModel fakeModel;
     mutable std::vector<std::set<VarPtr>> requests;
     mutable std::vector<std::set<int>> offsetRequests;

@@ -19,23 +19,6 @@
 #include <string>
 #include <vector>
 
-/** A fake manager that runs `onModel` whenever it is asked for a model by offsets; it may throw. */
-class HookedManager : public FakeManager
-{
-public:
-    using FakeManager::model;
-
-    SurrogateModelInterface& model(const std::set<int>& dependentOffsets) const override
-    {
-        if (onModel) {
-            onModel();
-        }
-        return FakeManager::model(dependentOffsets);
-    }
-
-    std::function<void()> onModel;
-};
-
 /** Takes the place of VTK's output window while it lives. */
 class RecordingOutputWindow
 {
@@ -74,16 +57,20 @@ private:
     vtkNew<Window> window;
 };
 
-/** Counts the events of one kind of a VTK object, with their texts. */
+/** Counts the events of one kind of a VTK object, with their texts, and runs `onEvent`. */
 class EventRecorder
 {
 public:
     EventRecorder(vtkObject* object, unsigned long event)
     {
-        command->SetClientData(&texts);
+        command->SetClientData(this);
         command->SetCallback([](vtkObject*, unsigned long kind, void* client, void* text) {
-            static_cast<std::vector<std::string>*>(client)->emplace_back(
+            auto* const recorder = static_cast<EventRecorder*>(client);
+            recorder->texts.emplace_back(
                 kind == vtkCommand::ErrorEvent ? static_cast<const char*>(text) : "");
+            if (recorder->onEvent) {
+                recorder->onEvent();
+            }
         });
         object->AddObserver(event, command);
     }
@@ -95,6 +82,7 @@ public:
     std::size_t count() const { return texts.size(); }
 
     std::vector<std::string> texts;
+    std::function<void()> onEvent;
 
 private:
     vtkNew<vtkCallbackCommand> command;
@@ -145,7 +133,7 @@ protected:
     VarPtr x1;
     VarPtr x2;
     VarPtr y1;
-    boost::shared_ptr<HookedManager> manager = boost::make_shared<HookedManager>();
+    boost::shared_ptr<FakeManager> manager = boost::make_shared<FakeManager>();
     boost::shared_ptr<FixedVariables> variables = boost::make_shared<FixedVariables>();
     vtkSmartPointer<SurrogateModelQueryToTable> filter =
         SurrogateModelQueryToTable::New(manager, variables);

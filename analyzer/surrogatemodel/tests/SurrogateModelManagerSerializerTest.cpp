@@ -457,17 +457,6 @@ TEST_F(SurrogateModelManagerSerializerTest, PassesOnWhatAPropertysValidatorThrow
     EXPECT_EQ(list(), Variables{x});
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, TakesSubElementsOfTheApplication)
-{
-    serializer.addSubElement(boost::make_shared<Serializer>("Extra"));
-    serializer.addDeserializeOnlySubElement(boost::make_shared<Serializer>("Old"));
-    serializer.replaceSubElement(boost::make_shared<Serializer>("Type"));
-
-    EXPECT_EQ(writtenTags(),
-              (Names{"Type", "SurrogateModelUserDefinedVariableDistribution", "Extra"}));
-    EXPECT_EQ(writtenElement().firstChildElement("Type").text(), "");
-}
-
 TEST_F(SurrogateModelManagerSerializerTest, MayFillItsTableOfTypesAgain)
 {
     load("<Type>Other</Type>");

@@ -113,12 +113,8 @@ TEST_F(SurrogateModelQueryToTableCursorTest, HasRestoredTheCursorWhenItReportsAn
 {
     manager->failure = "no luck";
     bool wasSet = true;
-    vtkNew<vtkCallbackCommand> observer;
-    observer->SetClientData(&wasSet);
-    observer->SetCallback([](vtkObject*, unsigned long, void* client, void*) {
-        *static_cast<bool*>(client) = isCursorSet();
-    });
-    filter->AddObserver(vtkCommand::ErrorEvent, observer);
+    EventRecorder errors(filter, vtkCommand::ErrorEvent);
+    errors.onEvent = [&wasSet] { wasSet = isCursorSet(); };
 
     update();
 

@@ -162,37 +162,17 @@ TEST_F(SurrogateModelQueryToTableTest, ComputesTheLaterOfTwoColumnsWithOneOffset
 
 TEST_F(SurrogateModelQueryToTableTest, AsksByOffsetsAndActivatesThemBeforeItInterpolates)
 {
-    class OrderedModel : public FakeModel
-    {
-    public:
-        void activateDependentVariables(const std::set<int>& offsets) override
-        {
-            EXPECT_TRUE(interpolatedCounts.empty());
-            FakeModel::activateDependentVariables(offsets);
-        }
+    manager->offsets = {{"y1", 3}};
+    manager->fakeModel.onActivate = [this] {
+        EXPECT_TRUE(manager->fakeModel.interpolatedCounts.empty());
     };
-    class OrderedManager : public HookedManager
-    {
-    public:
-        using HookedManager::model;
-        SurrogateModelInterface& model(const std::set<int>& offsets) const override
-        {
-            HookedManager::model(offsets);
-            return ordered;
-        }
-        mutable OrderedModel ordered;
-    };
-    const auto ordering = boost::make_shared<OrderedManager>();
-    ordering->independents->set({x1, x2});
-    ordering->offsets = {{"y1", 3}};
-    filter = SurrogateModelQueryToTable::New(ordering, variables);
 
     update();
 
-    EXPECT_TRUE(ordering->requests.empty());
-    EXPECT_EQ(ordering->offsetRequests, (std::vector<std::set<int>>{{3}}));
-    EXPECT_EQ(ordering->ordered.activated, (std::vector<std::set<int>>{{3}}));
-    EXPECT_EQ(ordering->ordered.interpolatedCounts, (std::vector<std::size_t>{4}));
+    EXPECT_TRUE(manager->requests.empty());
+    EXPECT_EQ(manager->offsetRequests, (std::vector<std::set<int>>{{3}}));
+    EXPECT_EQ(manager->fakeModel.activated, (std::vector<std::set<int>>{{3}}));
+    EXPECT_EQ(manager->fakeModel.interpolatedCounts, (std::vector<std::size_t>{4}));
 }
 
 TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutRows)
@@ -325,8 +305,10 @@ TEST_F(SurrogateModelQueryToTableTest, WritesErrorsToTheOutputWindowWithoutObser
 
     update();
 
-    ASSERT_FALSE(window.errors().empty());
+    ASSERT_EQ(window.errors().size(), 2U);
     EXPECT_EQ(window.errors()[0], expectedErrorText("no luck"));
+    EXPECT_NE(window.errors()[1].find("returned failure for request"), std::string::npos)
+        << "the report of the executive";
 }
 
 TEST_F(SurrogateModelQueryToTableTest, StopsWhereADebuggerWaitsForErrorsOncePerReport)
@@ -344,12 +326,8 @@ TEST_F(SurrogateModelQueryToTableTest, StopsWhereADebuggerWaitsForErrorsOncePerR
     EXPECT_EQ(breaksOnError, 1);
 
     int breaksWhenObserved = -1;
-    vtkNew<vtkCallbackCommand> observer;
-    observer->SetClientData(&breaksWhenObserved);
-    observer->SetCallback([](vtkObject*, unsigned long, void* client, void*) {
-        *static_cast<int*>(client) = breaksOnError;
-    });
-    filter->AddObserver(vtkCommand::ErrorEvent, observer);
+    EventRecorder errors(filter, vtkCommand::ErrorEvent);
+    errors.onEvent = [&breaksWhenObserved] { breaksWhenObserved = breaksOnError; };
     requestData();
     EXPECT_EQ(breaksWhenObserved, 1);
     EXPECT_EQ(breaksOnError, 2);
@@ -357,38 +335,13 @@ TEST_F(SurrogateModelQueryToTableTest, StopsWhereADebuggerWaitsForErrorsOncePerR
 
 TEST_F(SurrogateModelQueryToTableTest, ReportsAnErrorOfTheEvaluationLikeOneOfTheFit)
 {
-    class UnwillingModel : public FakeModel
-    {
-    public:
-        void activateDependentVariables(const std::set<int>&) override { throw Error("no fit"); }
-    };
-    class UnwillingManager : public HookedManager
-    {
-    public:
-        using HookedManager::model;
-        SurrogateModelInterface& model(const std::set<int>&) const override { return unwilling; }
-        mutable UnwillingModel unwilling;
-    };
     const RecordingOutputWindow window;
-    const auto managerOfOne = boost::make_shared<UnwillingManager>();
-    managerOfOne->independents->set({x1, x2});
-    filter = SurrogateModelQueryToTable::New(managerOfOne, variables);
+    manager->fakeModel.onActivate = [] { throw SurrogateModelInterface::Error("no fit"); };
 
     update();
 
     EXPECT_EQ(filter->getLastError(), "no fit");
     EXPECT_EQ(output()->GetNumberOfRows(), 0);
-}
-
-TEST_F(SurrogateModelQueryToTableTest, KeepsTheExecutivesReportWithoutObservers)
-{
-    const RecordingOutputWindow window;
-    manager->failure = "no luck";
-
-    update();
-
-    ASSERT_EQ(window.errors().size(), 2U);
-    EXPECT_NE(window.errors()[1].find("returned failure for request"), std::string::npos);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, ReportsNothingWhenVtksWarningsAreOff)
@@ -501,7 +454,7 @@ TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfTheVariablesThen
             hooks.emplace_back("variables");
         }
     };
-    class Hooked : public HookedManager
+    class Hooked : public FakeManager
     {
         void signalModelChangedConnected() const override { hooks.emplace_back("manager"); }
     };
@@ -514,7 +467,7 @@ TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfTheVariablesThen
 
 TEST_F(SurrogateModelQueryToTableTest, SharesManagerAndVariables)
 {
-    const boost::weak_ptr<HookedManager> watchedManager = manager;
+    const boost::weak_ptr<FakeManager> watchedManager = manager;
     const boost::weak_ptr<FixedVariables> watchedVariables = variables;
     manager.reset();
     variables.reset();

@@ -14,7 +14,6 @@
 #include <QTimer>
 
 #include <functional>
-#include <stdexcept>
 
 namespace {
 
@@ -114,44 +113,12 @@ TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsMarkupInNamesAsIt
     EXPECT_EQ(closer.boxes.front().format, Qt::PlainText);
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsOneBoxForEachFaultAndReadsOn)
-{
-    load("<Variable Name='x' Distribution='abc'/><Variable Name='y' Distribution=''/>"
-         "<Variable Name='gone' Distribution='abc'/><Variable Name='y' Distribution='1'/>");
-
-    ASSERT_EQ(closer.boxes.size(), 2U);
-    EXPECT_EQ(closer.boxes[0].text, userDistWarning("x"));
-    EXPECT_EQ(closer.boxes[1].text, userDistWarning("y"));
-    EXPECT_TRUE(property->get() == with({}, "y", Collection::UserDefined, "1"));
-}
-
 TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsNoBoxForValidTexts)
 {
     load("<Variable Name='x' Distribution='0 - 1 : 3'/>");
     QCoreApplication::processEvents();
 
     EXPECT_TRUE(closer.boxes.empty());
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ShowsBoxesBeforeAModeThatEndsTheRead)
-{
-    EXPECT_THROW(load("<Variable Name='x' Distribution='abc'/><Variable Name='y' Mode='Manual'/>"),
-                 std::out_of_range);
-
-    EXPECT_EQ(closer.boxes.size(), 1U);
-    EXPECT_TRUE(property->get() == Collection());
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerBoxTest, ChangesThePropertyAfterTheLastBoxOnly)
-{
-    const Collection before = property->get();
-    bool wasUnchanged = false;
-    closer.whileOpen = [&] { wasUnchanged = property->get() == before; };
-
-    load("<Variable Name='y' Distribution='1'/><Variable Name='x' Distribution='abc'/>");
-
-    EXPECT_TRUE(wasUnchanged);
-    EXPECT_FALSE(property->get() == before);
 }
 
 // The event loop of the box lets the rest of the program run: it may close the project.
