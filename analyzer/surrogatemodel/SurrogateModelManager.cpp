@@ -17,7 +17,6 @@
 
 #include <QString>
 
-#include <vtkNew.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 

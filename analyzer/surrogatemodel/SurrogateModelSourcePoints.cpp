@@ -24,14 +24,8 @@ namespace {
 /** The name of a variable; none for a null handle or a destroyed variable. */
 std::optional<std::string> nameOf(const VarPtr& variable)
 {
-    if (variable.isNull()) {
-        return std::nullopt;
-    }
-    try {
-        return variable.lock()->name();
-    } catch (const HandleError&) {
-        return std::nullopt;
-    }
+    const boost::shared_ptr<Variable> locked = variable.tryLock();
+    return locked ? std::make_optional(locked->name()) : std::nullopt;
 }
 
 NatureSpecificVariableProvider numericVariables(const std::vector<VarPtr>& variables,

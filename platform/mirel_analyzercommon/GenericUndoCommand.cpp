@@ -1,6 +1,7 @@
 #include <mirel_analyzercommon/GenericUndoCommand.h>
 
 #include <mirel_analyzercommon/DeleteSignaler.h>
+#include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_analyzercommon/UndoStackState.h>
 
 #include <boost/signals2/connection.hpp>
@@ -79,7 +80,7 @@ void GenericUndoCommand::redo()
     if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectDestroyed) {
         return;
     }
-    const UndoStackState::Suspension suspension;
+    const UndoStack::SuspendUndoRecording suspension;
     callCopy(impl->redo);
     QUndoCommand::redo();
 }
@@ -89,7 +90,7 @@ void GenericUndoCommand::undo()
     if (impl->isObjectDestroyed) {
         return;
     }
-    const UndoStackState::Suspension suspension;
+    const UndoStack::SuspendUndoRecording suspension;
     QUndoCommand::undo();
     callCopy(impl->undo);
 }

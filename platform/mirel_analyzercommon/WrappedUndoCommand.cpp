@@ -1,5 +1,6 @@
 #include <mirel_analyzercommon/WrappedUndoCommand.h>
 
+#include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_analyzercommon/UndoStackState.h>
 
 #include <utility>
@@ -33,7 +34,7 @@ void WrappedUndoCommand::redo()
     if (UndoStackState::instance().takeDoneBeforePush(this)) {
         return;
     }
-    const UndoStackState::Suspension suspension;
+    const UndoStack::SuspendUndoRecording suspension;
     if (!command->isObsolete()) {
         command->redo();
     }
@@ -42,7 +43,7 @@ void WrappedUndoCommand::redo()
 
 void WrappedUndoCommand::undo()
 {
-    const UndoStackState::Suspension suspension;
+    const UndoStack::SuspendUndoRecording suspension;
     if (!command->isObsolete()) {
         command->undo();
     }
