@@ -146,36 +146,16 @@ bool RecordTable::setIncluded(const std::vector<std::size_t>& rows, bool isInclu
 
 std::vector<std::size_t> RecordTable::excludedRows() const
 {
+    const std::vector<unsigned long>& ids = idColumn.get();
     std::vector<std::size_t> rows;
-    std::size_t row = 0;
-    // Records without an object have never been excluded.
-    for (const boost::shared_ptr<Block>& made : blocks) {
-        if (!made) {
-            continue;
-        }
-        for (const Record& record : made->records) {
-            if (record.inProject && !record.included) {
-                row = rowOf(record.identifier, row);
-                rows.push_back(row);
-            }
+    for (std::size_t row = 0; row < ids.size(); ++row) {
+        // Records without an object have never been excluded.
+        const boost::shared_ptr<Block>& made = blocks[blockIndex(ids[row])];
+        if (made && !made->record(ids[row]).included) {
+            rows.push_back(row);
         }
     }
     return rows;
-}
-
-/** @param from a row that is not behind it; the search costs the logarithm of the distance. */
-std::size_t RecordTable::rowOf(unsigned long id, std::size_t from) const
-{
-    const std::vector<unsigned long>& ids = idColumn.get();
-    std::size_t step = 1;
-    while (from + step < ids.size() && ids[from + step] <= id) {
-        from += step;
-        step *= 2;
-    }
-    const auto end = std::min(from + step, ids.size());
-    const auto found = std::lower_bound(ids.begin() + static_cast<std::ptrdiff_t>(from),
-                                        ids.begin() + static_cast<std::ptrdiff_t>(end), id);
-    return static_cast<std::size_t>(found - ids.begin());
 }
 
 RecordTable::Block& RecordTable::block(unsigned long id) const

@@ -62,7 +62,6 @@ private:
     };
 
     Block& block(unsigned long id) const;
-    std::size_t rowOf(unsigned long id, std::size_t from) const;
     std::size_t identityOf(unsigned long id) const;
 
     CopyOnWriteColumn<unsigned long> idColumn;
