@@ -50,20 +50,6 @@ TEST_F(FitReport, ThePageReplacesNothingThatIsNeeded)
     EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);
 }
 
-TEST_F(FitReport, ThePageOfHugeOutputsSaysWhichPicturesItLacks)
-{
-    folder.write("huge.csv", "x,z,y\n0,0,1e308\n1,0,-1.5e308\n0,1,1.2e308\n2,1,4e307\n1,2,1e308\n"
-                             "3,3,-1e308\n");
-
-    const Outcome outcome = run("fit huge.csv -x x,z -y y --report huge.html");
-
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    const std::string html = folder.read("huge.html");
-    EXPECT_NE(html.find("<p>There is no picture of kind actual. "), std::string::npos);
-    EXPECT_NE(html.find("<p>There is no picture of kind sweep. "), std::string::npos);
-    EXPECT_EQ(countOf(html, "<svg "), 0u);
-}
-
 TEST_F(FitReport, AHugeInputIsNotSweptOnThePageButTheOthersAre)
 {
     folder.write("far.csv", "x,z,y\n0,0,1\n1e308,0,3\n0,1,0\n1.7e308,1,4\n1e308,2,1\n"

@@ -52,20 +52,6 @@ TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgain)
     EXPECT_EQ(linesOf(again.out).size(), 4u) << "42 is typed twice over";
 }
 
-TEST_F(ProjectCommands, AMovedFolderGivesTheSameNumbers)
-{
-    std::filesystem::create_directories(folder.path("old/data"));
-    folder.write("old/data/cvd.csv", cvd);
-    const Outcome saved = run("evaluate old/data/cvd.csv -y Stress --save old/" + project);
-    ASSERT_EQ(saved.exitCode, 0) << saved.err;
-
-    std::filesystem::rename(folder.path("old"), folder.path("new"));
-    const Outcome again = run("evaluate new/" + project);
-
-    EXPECT_EQ(again.exitCode, 0) << again.err;
-    EXPECT_EQ(again.out, saved.out);
-}
-
 TEST_F(ProjectCommands, EveryCommandThatChoosesSomethingSavesAndStartsFromAProject)
 {
     folder.write("points.csv", "Pressure,H2/WF6\n20,5\n");
@@ -210,37 +196,6 @@ TEST_F(ProjectCommands, CasesAreReadAsTheyWereWhenTheProjectWasSaved)
                   "neither an input nor an output.");
 }
 
-TEST_F(ProjectCommands, AnUnknownTypeIsKrigingWithANote)
-{
-    saveProject();
-    edit("<Type>Kriging</Type>", "<Type>spline</Type>");
-
-    const Outcome table = run("evaluate " + project);
-    EXPECT_EQ(table.out, folder.read("first.csv"));
-    EXPECT_EQ(linesOf(table.err)[0], "Note: the model \"spline\" of the project is not known to "
-                                     "this version, which takes kriging.");
-    EXPECT_EQ(run("summary " + project + " -m kriging").err, "");
-
-    edit("<Type>spline</Type>", "<Type>ResponseModel</Type>");
-    EXPECT_NE(run("evaluate " + project).out, folder.read("first.csv"));
-}
-
-TEST_F(ProjectCommands, AMissingModeIsUserDefinedAndAnUnknownOneRefusesTheDocument)
-{
-    saveProject();
-    const std::string typed = "<Variable Distribution=\"4 - 80 : 3, 42\" ";
-    edit(typed + "Mode=\"UserDefined\" ", typed);
-    EXPECT_EQ(run("evaluate " + project).out, folder.read("first.csv"));
-
-    edit(typed, typed + "Mode=\"Manual\" ");
-    const Outcome refused = run("evaluate " + project + " -o table.csv");
-    EXPECT_EQ(refused.exitCode, 3);
-    EXPECT_NE(refused.err.find("\"Manual\""), std::string::npos) << refused.err;
-    EXPECT_NE(refused.err.find("line "), std::string::npos) << refused.err;
-    EXPECT_EQ(linesOf(refused.err).size(), 1u);
-    EXPECT_FALSE(std::filesystem::exists(folder.path("table.csv")));
-}
-
 TEST_F(ProjectCommands, AnInvalidTextIsWarnedOfAndLeftOut)
 {
     saveProject();
@@ -252,39 +207,6 @@ TEST_F(ProjectCommands, AnInvalidTextIsWarnedOfAndLeftOut)
     EXPECT_EQ(linesOf(table.err)[0],
               "Warning: The Surrogate Model User Defined Variable Distribution Syntax for variable "
               "\"Pressure\" is not valid. This variable will use Auto mode.");
-}
-
-TEST_F(ProjectCommands, ReversedVariablesReverseTheInputs)
-{
-    saveProject();
-    std::string text = folder.read(project);
-    const std::size_t begin = text.find("<SurrogateModel>");
-    const std::size_t end = text.find("</SurrogateModel>");
-    std::string model = text.substr(begin, end - begin);
-    const std::string first = "<Variable Name=\"H2/WF6\"/>";
-    const std::string second = "<Variable Name=\"Pressure\"/>";
-    ASSERT_LT(model.find(first), model.find(second)) << model;
-    model.replace(model.find(second), second.size(), "#");
-    model.replace(model.find(first), first.size(), second);
-    model.replace(model.find('#'), 1, first);
-    folder.write(project, text.replace(begin, end - begin, model));
-
-    EXPECT_EQ(linesOf(run("evaluate " + project).out)[0], "Pressure,H2/WF6,Stress,Uniformity");
-}
-
-TEST_F(ProjectCommands, WhatTheDocumentNamesMustBeAmongTheCases)
-{
-    saveProject();
-    folder.write("other.csv", "Pressure,H2,Uniformity,Stress\n1,2,3,4\n");
-
-    expectFailure("evaluate " + project + " --cases other.csv -q", 3,
-                  "The project does not fit its cases: There is no variable \"H2/WF6\"; the "
-                  "nearest name is \"H2\". The variables are: \"Pressure\", \"H2\", "
-                  "\"Uniformity\", \"Stress\".");
-    folder.write("short.csv", "Pressure,H2/WF6,Uniformity,Stress\n1,2,3,4\n");
-    expectFailure("evaluate " + project + " --cases short.csv -q", 3,
-                  "The project does not fit its cases: There is no case 10 to exclude: the cases "
-                  "are 1 to 1.");
 }
 
 TEST_F(ProjectCommands, AnInputThatIsNoneIsLeftOutWithANote)
@@ -303,49 +225,6 @@ TEST_F(ProjectCommands, AnInputThatIsNoneIsLeftOutWithANote)
                                      "independent variable there.");
     EXPECT_EQ(run("evaluate " + project + " -q").err, "");
     EXPECT_EQ(run("summary " + project + " -x Pressure").err, "");
-}
-
-TEST_F(ProjectCommands, AnInputThatIsNoneStaysLeftOutWithOtherOutputs)
-{
-    saveProject();
-    edit("</SurrogateModel>", "<Variable Name=\"Uniformity\"/></SurrogateModel>");
-
-    const Outcome table = run("evaluate " + project + " -y Stress");
-
-    EXPECT_EQ(table.exitCode, 0) << table.err;
-    EXPECT_EQ(linesOf(table.out)[0], "H2/WF6,Pressure,Stress");
-}
-
-TEST_F(ProjectCommands, AProjectOfAnotherNameIsNoTableOfCases)
-{
-    saveProject();
-    std::filesystem::rename(folder.path(project), folder.path(project + ".bak"));
-
-    expectFailure("evaluate " + project + ".bak", 3,
-                  "\"" + project +
-                      ".bak\" is an XML document, not a table of cases; if it is a "
-                      "project, give it a name that ends with .surrogate.xml.");
-}
-
-TEST_F(ProjectCommands, NamesOfSeveralLinesLeaveTheReportATable)
-{
-    folder.write("lines.csv", "\"a\nb\",y\n1,2\n2,3\n3,5\n");
-    ASSERT_EQ(run("summary lines.csv -y y --save " + project).exitCode, 0);
-
-    const Outcome shown = run("project " + project);
-
-    EXPECT_NE(shown.out.find("Inputs     a\\x0Ab\n"), std::string::npos) << shown.out;
-    EXPECT_NE(shown.out.find("a\\x0Ab    input"), std::string::npos) << shown.out;
-}
-
-TEST_F(ProjectCommands, WhatNewerVersionsAddIsKept)
-{
-    saveProject();
-    edit("</SurrogateProject>", "<Future Colour=\"red\"><A>1</A></Future></SurrogateProject>");
-
-    ASSERT_EQ(run("fit " + project + " --save " + project).exitCode, 0);
-
-    EXPECT_NE(folder.read(project).find("<Future Colour=\"red\">"), std::string::npos);
 }
 
 TEST_F(ProjectCommands, ADocumentThatIsNoneEndsWithThreeAndOneSentence)

@@ -165,20 +165,6 @@ TEST_F(TermSelectionOption, ThePolynomialIsOfTheTermsThatAreAskedFor)
                   "leave out -m kriging.");
 }
 
-TEST_F(TermSelectionOption, ProjectsKeepThePolynomialUntilAnotherIsAskedFor)
-{
-    const std::string project = "study.surrogate.xml";
-    const auto terms = [&](const std::string& options) {
-        const Json fit = Json::parse(run("fit " + project + " --json " + options).out);
-        return fit["outputs"][0]["metrics"]["terms"].get<int>();
-    };
-    ASSERT_EQ(run("fit" + cases + "--terms linear --save " + project).exitCode, 0);
-
-    EXPECT_EQ(terms(""), 3);
-    EXPECT_EQ(terms("--terms quadratic --save " + project), 6);
-    EXPECT_EQ(terms(""), 6);
-}
-
 TEST_F(TermSelectionOption, CompareTakesThePolynomialThatIsAskedFor)
 {
     const Json linear = Json::parse(run("compare plane.csv -y y --terms linear --json").out);

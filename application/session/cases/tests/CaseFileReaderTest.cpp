@@ -9,14 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
-#include <random>
-#include <sstream>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -53,73 +48,6 @@ std::vector<std::string> namesOf(const CaseTable& table)
     }
     return names;
 }
-
-/** Everything that was understood of a file, numbers to the bit. */
-std::string contentsOf(const CaseTable& table)
-{
-    std::string text =
-        std::to_string(table.cases) + table.separator + (table.hasDecimalComma ? "comma" : "point");
-    for (const CaseColumn& column : table.columns) {
-        text += '\n' + column.name + ':' + (column.isNumeric ? "numbers" : "texts") +
-                column.withoutNumber.text();
-        for (const double number : column.numbers) {
-            unsigned long long bits = 0;
-            std::memcpy(&bits, &number, sizeof bits);
-            text += ' ' + (std::isnan(number) ? "missing" : std::to_string(bits));
-        }
-        for (const std::string& cell : column.texts) {
-            text += '[' + cell + ']';
-        }
-        for (std::size_t i = 0; i < column.cells.size(); ++i) {
-            text += '{' + std::string(column.cells[i]) + '}';
-        }
-    }
-    return text;
-}
-
-/** Small files of cells that are numbers in one way or another, or nearly. */
-class OddFiles
-{
-public:
-    OddFiles()
-    {
-        const std::string all =
-            "1|-2.5|1,5|42|+3|1e5|1E-5|1e400|-1e-400|.5|-.5|5.|-1,25|-|NA|nan|-nan|inf|-inf|| 7 |"
-            "\t8|0x10|1 2|abc|12ab|-0|1_0|1.5e|--1|-+1|1.5.5|00012|1e+5|\xE4|?|12 |1,|1,5.5|12,5e3|"
-            "1,5,5|\"3\"|\"a b\"|\"x\"\"y\"|\" 4 \"|\"1,5\"|5\" pipe|\"\"|"
-            "123456789012345678901234567890,5|1,23456789012345678901234567890123456789|"
-            "12345678901234567890123456789012345678901,5|0.1|4|5|6";
-        std::istringstream list(all);
-        for (std::string cell; std::getline(list, cell, '|');) {
-            cells.push_back(cell);
-        }
-    }
-
-    std::string next(char separator)
-    {
-        // Many of the commonest cells, so that columns stay numeric for some cases.
-        const std::size_t kinds = generator() % 3 == 0 ? cells.size() : 4;
-        const std::size_t columns = 1 + generator() % 4;
-        std::string text;
-        for (std::size_t i = 0; i < columns; ++i) {
-            text += (i == 0 ? "" : std::string(1, separator)) + 'c' + std::to_string(i);
-        }
-        text += '\n';
-        for (std::size_t rows = generator() % 8; rows > 0; --rows) {
-            const std::size_t count = columns + (generator() % 40 == 0 ? 1 : 0);
-            for (std::size_t i = 0; i < count; ++i) {
-                text += i == 0 ? "" : std::string(1, separator);
-                text += cells[generator() % kinds];
-            }
-            text += generator() % 9 == 0 ? "\n\n" : "\n";
-        }
-        return text;
-    }
-
-private:
-    std::vector<std::string> cells;
-    std::mt19937_64 generator{20261121};
-};
 
 using Names = std::vector<std::string>;
 using Numbers = std::vector<double>;
@@ -304,11 +232,6 @@ TEST_F(CaseFileReaderTest, QuotedCellsHoldSeparatorsQuotesAndLineEnds)
     EXPECT_EQ(table.columns[1].texts, (Texts{"two\nlines, one cell"}));
 }
 
-TEST_F(CaseFileReaderTest, AQuoteInsideAnUnquotedCellIsACharacter)
-{
-    EXPECT_EQ(read("part,x\n5\" pipe,1\n").columns[0].texts, (Texts{"5\" pipe"}));
-}
-
 TEST_F(CaseFileReaderTest, BlanksAroundCellsAreTakenOff)
 {
     const CaseTable table = read(" a b , \"c\" \n  1 , x y\t\n\" 2 \",\" kept \"\n");
@@ -316,38 +239,6 @@ TEST_F(CaseFileReaderTest, BlanksAroundCellsAreTakenOff)
     EXPECT_EQ(namesOf(table), (Names{"a b", "c"}));
     EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.0}));
     EXPECT_EQ(table.columns[1].texts, (Texts{"x y", " kept "}));
-}
-
-TEST_F(CaseFileReaderTest, LinesEndAsOnAnySystem)
-{
-    for (const char* end : {"\n", "\r\n", "\r"}) {
-        const std::string lineEnd = end;
-        const CaseTable table = read("x,y" + lineEnd + "1,2" + lineEnd + "3,4");
-
-        EXPECT_EQ(table.cases, 2u);
-        EXPECT_EQ(table.columns[1].numbers, (Numbers{2.0, 4.0}));
-        EXPECT_EQ(refusalOf("x,y" + lineEnd + lineEnd + "1,2" + lineEnd + "3" + lineEnd),
-                  "cases.csv, line 4: the row has 1 cell, the heading has 2.");
-    }
-}
-
-TEST_F(CaseFileReaderTest, BlankLinesAreSkippedAndCounted)
-{
-    EXPECT_EQ(read("x,y\n\n1,2\n   \n3,4\n\n\n").cases, 2u);
-    EXPECT_EQ(refusalOf("\n\nx,y\n\n1,2,3\n"),
-              "cases.csv, line 5: the row has 3 cells, the heading has 2.");
-}
-
-TEST_F(CaseFileReaderTest, ARefusedRowIsNamedByTheLineInWhichItBegins)
-{
-    EXPECT_EQ(refusalOf("x,y\n\"two\nlines\",1\n\"three\n\nlines\",1,2\n"),
-              "cases.csv, line 4: the row has 3 cells, the heading has 2.");
-}
-
-TEST_F(CaseFileReaderTest, AByteOrderMarkIsNoPartOfTheFirstName)
-{
-    EXPECT_EQ(namesOf(read("\xEF\xBB\xBFx,y\n1,2\n")), (Names{"x", "y"}));
-    EXPECT_EQ(namesOf(read("\xEF\xBB\xBF\"x\",y\n1,2\n")), (Names{"x", "y"}));
 }
 
 TEST_F(CaseFileReaderTest, NamesAndTextsAreUtf8)
@@ -478,58 +369,6 @@ TEST_F(CaseFileReaderTest, AFileThatCannotBeReadIsNamedWithTheReason)
               "The file \"" + missing + "\" cannot be read: No such file or directory.");
     EXPECT_EQ(refusal(folder.path("")),
               "The file \"" + folder.path("") + "\" cannot be read: Is a directory.");
-}
-
-TEST_F(CaseFileReaderTest, BlocksThatEndAnywhereMakeNoDifference)
-{
-    // Longer than several blocks of the reader, with cells, quotes, line ends and multi-byte
-    // characters at every position relative to their borders.
-    std::string content = "n,text\r\n";
-    const std::size_t cases = 60000;
-    for (std::size_t i = 0; i < cases; ++i) {
-        content +=
-            std::to_string(i) + ",\"\xC3\xA4, \"\"" + std::string(i % 13, 'q') + "\"\"\r\n\"\r\n";
-    }
-
-    const CaseTable table = read(content);
-
-    ASSERT_EQ(table.cases, cases);
-    for (std::size_t i = 0; i < cases; ++i) {
-        ASSERT_EQ(table.columns[0].numbers[i], static_cast<double>(i));
-        ASSERT_EQ(table.columns[1].texts[i], "\xC3\xA4, \"" + std::string(i % 13, 'q') + "\"\r\n");
-    }
-}
-
-TEST_F(CaseFileReaderTest, NumbersReadWhereTheyStandAreThoseOfTheLongWay)
-{
-    const auto outcomeOf = [&](const std::string& content, char separator, bool keepCells) {
-        CaseFileReader::Options options;
-        options.separator = separator;
-        options.keepCells = keepCells;
-        try {
-            return contentsOf(readWith(content, options));
-        } catch (const CaseDataError& error) {
-            return std::string(error.what());
-        }
-    };
-    OddFiles files;
-    std::size_t accepted = 0;
-    for (int i = 0; i < 150; ++i) {
-        for (const char separator : {',', ';', '\t'}) {
-            const std::string content = files.next(separator);
-            // Lines that end with a lone carriage return are always read byte by byte.
-            std::string longWay = content;
-            std::replace(longWay.begin(), longWay.end(), '\n', '\r');
-            const bool keepCells = i % 2 == 0;
-
-            const std::string outcome = outcomeOf(content, separator, keepCells);
-
-            ASSERT_EQ(outcome, outcomeOf(longWay, separator, keepCells)) << content;
-            accepted += outcome.find("cases.csv") == std::string::npos ? 1 : 0;
-        }
-    }
-    // Files that are refused end early: many must not be.
-    EXPECT_GT(accepted, 100u);
 }
 
 TEST_F(CaseFileReaderTest, ReadingTakesLittleMoreMemoryThanTheNumbers)

@@ -42,6 +42,13 @@ bool isRoot()
     return geteuid() == 0;
 }
 
+mode_t permissionsOf(const std::string& path)
+{
+    struct stat status = {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    return status.st_mode & 0777;
+}
+
 /** A long text, another one for each number. */
 std::string wholeText(int number)
 {
@@ -66,50 +73,59 @@ int writeLongText(const std::string& path)
     }
     return 0;
 }
-} // namespace
 
-TEST(OutputFile, IsThereWholeAfterCommit)
+/** A folder of its own, and the path of a file in it. */
+class OutputFileTest : public ::testing::Test
 {
-    const TemporaryFolder folder;
-    const std::string text(300000, 'x');
-
-    writeTo(folder.path("a.csv"), text);
-
-    EXPECT_EQ(folder.read("a.csv"), text);
-    EXPECT_EQ(folder.fileCount(), 1u);
-}
-
-TEST(OutputFile, WithoutCommitTheOldFileStaysAndNothingElse)
-{
-    const TemporaryFolder folder;
-    folder.write("a.csv", "old");
+protected:
+    void expectFileAndBackup(const std::string& text, const std::string& backup) const
     {
-        OutputFile file(folder.path("a.csv"));
-        file.write(std::string(300000, 'x'));
-        EXPECT_EQ(folder.read("a.csv"), "old");
+        EXPECT_EQ(folder.read("a.xml"), text);
+        EXPECT_EQ(folder.read("a.xml.bak"), backup);
+        EXPECT_EQ(folder.fileCount(), 2u) << "nothing else is left behind";
     }
 
-    EXPECT_EQ(folder.read("a.csv"), "old");
+    const TemporaryFolder folder;
+    const std::string path = folder.path("a.xml");
+};
+} // namespace
+
+TEST_F(OutputFileTest, IsThereWholeAfterCommit)
+{
+    const std::string text(300000, 'x');
+
+    writeTo(path, text);
+
+    EXPECT_EQ(folder.read("a.xml"), text);
     EXPECT_EQ(folder.fileCount(), 1u);
 }
 
-TEST(OutputFile, KeepsThePermissionsOfTheFileItReplaces)
+TEST_F(OutputFileTest, WithoutCommitTheOldFileStaysAndNothingElse)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.csv", "old");
+    folder.write("a.xml", "old");
+    {
+        OutputFile file(path);
+        file.write(std::string(300000, 'x'));
+        EXPECT_EQ(folder.read("a.xml"), "old");
+    }
+
+    EXPECT_EQ(folder.read("a.xml"), "old");
+    EXPECT_EQ(folder.fileCount(), 1u);
+}
+
+TEST_F(OutputFileTest, KeepsThePermissionsOfTheFileItReplaces)
+{
+    folder.write("a.xml", "old");
     chmod(path.c_str(), 0640);
 
     writeTo(path, "new");
 
-    struct stat status = {};
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
-    EXPECT_EQ(folder.read("a.csv"), "new");
+    EXPECT_EQ(permissionsOf(path), 0640u);
+    EXPECT_EQ(folder.read("a.xml"), "new");
 }
 
-TEST(OutputFile, FollowsALink)
+TEST_F(OutputFileTest, FollowsALink)
 {
-    const TemporaryFolder folder;
     folder.write("target.csv", "old");
     std::filesystem::create_symlink("target.csv", folder.path("link.csv"));
 
@@ -119,73 +135,60 @@ TEST(OutputFile, FollowsALink)
     EXPECT_EQ(folder.read("target.csv"), "new");
 }
 
-TEST(OutputFile, AFileThatCannotBeMadeIsNamedWithTheReason)
+TEST_F(OutputFileTest, AFileThatCannotBeMadeIsNamedWithTheReason)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.path("none/a.csv");
-    const std::string sentence =
-        "The file \"" + path + "\" cannot be written: No such file or directory.";
+    const std::string missing = folder.path("none/a.xml");
 
-    EXPECT_EQ(refusalOf(path), sentence);
-    EXPECT_THROW(OutputFile::check(path), FileError);
+    EXPECT_EQ(refusalOf(missing),
+              "The file \"" + missing + "\" cannot be written: No such file or directory.");
+    EXPECT_THROW(OutputFile::check(missing), FileError);
     EXPECT_EQ(refusalOf(folder.path("")),
               "The file \"" + folder.path("") + "\" cannot be written: Is a directory.");
 }
 
-TEST(OutputFile, CheckingLeavesNothingBehind)
+TEST_F(OutputFileTest, CheckingLeavesNothingBehind)
 {
-    const TemporaryFolder folder;
-
-    OutputFile::check(folder.path("a.csv"));
+    OutputFile::check(path);
 
     EXPECT_EQ(folder.fileCount(), 0u);
 }
 
-TEST(OutputFile, AFullDiskIsAnError)
+TEST_F(OutputFileTest, AFullDiskIsAnError)
 {
     EXPECT_EQ(refusalOf("/dev/full"),
               "The file \"/dev/full\" cannot be written: No space left on device.");
 }
 
-TEST(OutputFile, ADeviceIsWrittenToAndStaysADevice)
+TEST_F(OutputFileTest, ADeviceIsWrittenToAndStaysADevice)
 {
     writeTo("/dev/null", "text");
 
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
-TEST(OutputFile, TheOldFileStaysAsABackup)
+TEST_F(OutputFileTest, TheOldFileStaysAsABackup)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.path("a.xml");
-
     writeTo(path, "first", OutputFile::KeepsBackup);
     EXPECT_EQ(folder.fileCount(), 1u);
     writeTo(path, "second", OutputFile::KeepsBackup);
     EXPECT_EQ(folder.read("a.xml.bak"), "first");
     writeTo(path, "third", OutputFile::KeepsBackup);
 
-    EXPECT_EQ(folder.read("a.xml"), "third");
-    EXPECT_EQ(folder.read("a.xml.bak"), "second");
-    EXPECT_EQ(folder.fileCount(), 2u);
+    expectFileAndBackup("third", "second");
 }
 
-TEST(OutputFile, ABackupKeepsThePermissions)
+TEST_F(OutputFileTest, ABackupKeepsThePermissions)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     chmod(path.c_str(), 0640);
 
     writeTo(path, "new", OutputFile::KeepsBackup);
 
-    struct stat status = {};
-    ASSERT_EQ(stat((path + ".bak").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(permissionsOf(path + ".bak"), 0640u);
 }
 
-TEST(OutputFile, TheBackupOfALinkedFileLiesBesideTheFile)
+TEST_F(OutputFileTest, TheBackupOfALinkedFileLiesBesideTheFile)
 {
-    const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path("inner"));
     folder.write("inner/a.xml", "old");
     std::filesystem::create_symlink("inner/a.xml", folder.path("link.xml"));
@@ -197,23 +200,19 @@ TEST(OutputFile, TheBackupOfALinkedFileLiesBesideTheFile)
     EXPECT_EQ(folder.fileCount(), 2u);
 }
 
-TEST(OutputFile, ASaveThatWasKilledBetweenBackupAndFileIsMadeGoodByTheNext)
+TEST_F(OutputFileTest, ASaveThatWasKilledBetweenBackupAndFileIsMadeGoodByTheNext)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     std::filesystem::create_hard_link(path, path + ".bak");
 
     writeTo(path, "new", OutputFile::KeepsBackup);
 
-    EXPECT_EQ(folder.read("a.xml"), "new");
-    EXPECT_EQ(folder.read("a.xml.bak"), "old");
-    EXPECT_EQ(folder.fileCount(), 2u);
+    expectFileAndBackup("new", "old");
 }
 
-TEST(OutputFile, AProgramThatIsKilledWhileSavingLosesNothing)
+TEST_F(OutputFileTest, AProgramThatIsKilledWhileSavingLosesNothing)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", wholeText(0));
+    folder.write("a.xml", wholeText(0));
     folder.write("a.xml.bak", wholeText(0));
 
     for (int i = 0; i < 40; ++i) {
@@ -234,10 +233,9 @@ TEST(OutputFile, AProgramThatIsKilledWhileSavingLosesNothing)
     }
 }
 
-TEST(OutputFile, AFolderInTheWayOfTheBackupIsAnErrorAndTheOldFileStays)
+TEST_F(OutputFileTest, AFolderInTheWayOfTheBackupIsAnErrorAndTheOldFileStays)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     std::filesystem::create_directory(path + ".bak");
 
     EXPECT_EQ(refusalOf(path, OutputFile::KeepsBackup),
@@ -248,10 +246,9 @@ TEST(OutputFile, AFolderInTheWayOfTheBackupIsAnErrorAndTheOldFileStays)
     EXPECT_EQ(folder.fileCount(), 2u);
 }
 
-TEST(OutputFile, AFolderThatComesInTheWayLaterIsAnErrorAndTheOldFileStays)
+TEST_F(OutputFileTest, AFolderThatComesInTheWayLaterIsAnErrorAndTheOldFileStays)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     {
         OutputFile file(path, OutputFile::KeepsBackup);
         file.write("new");
@@ -264,20 +261,18 @@ TEST(OutputFile, AFolderThatComesInTheWayLaterIsAnErrorAndTheOldFileStays)
     EXPECT_EQ(folder.fileCount(), 2u);
 }
 
-TEST(OutputFile, AFolderIsNoTarget)
+TEST_F(OutputFileTest, AFolderIsNoTarget)
 {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.path("a.xml"));
+    std::filesystem::create_directory(path);
 
-    EXPECT_EQ(refusalOf(folder.path("a.xml"), OutputFile::KeepsBackup),
-              "The file \"" + folder.path("a.xml") + "\" cannot be written: Is a directory.");
+    EXPECT_EQ(refusalOf(path, OutputFile::KeepsBackup),
+              "The file \"" + path + "\" cannot be written: Is a directory.");
     EXPECT_EQ(folder.fileCount(), 1u);
 }
 
-TEST(OutputFile, AFileThatGrowsTooLongLeavesOldFileAndBackup)
+TEST_F(OutputFileTest, AFileThatGrowsTooLongLeavesOldFileAndBackup)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     folder.write("a.xml.bak", "older");
 
     const int code = exitCodeOf([&] {
@@ -289,15 +284,12 @@ TEST(OutputFile, AFileThatGrowsTooLongLeavesOldFileAndBackup)
     });
 
     EXPECT_EQ(code, 1);
-    EXPECT_EQ(folder.read("a.xml"), "old");
-    EXPECT_EQ(folder.read("a.xml.bak"), "older");
-    EXPECT_EQ(folder.fileCount(), 2u);
+    expectFileAndBackup("old", "older");
 }
 
-TEST(OutputFile, AFolderWithoutPermissionLeavesOldFileAndBackup)
+TEST_F(OutputFileTest, AFolderWithoutPermissionLeavesOldFileAndBackup)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     folder.write("a.xml.bak", "older");
     chmod(path.c_str(), 0666);
     chmod(folder.path(".").c_str(), 0555);
@@ -311,33 +303,26 @@ TEST(OutputFile, AFolderWithoutPermissionLeavesOldFileAndBackup)
     chmod(folder.path(".").c_str(), 0755);
 
     EXPECT_EQ(code, 1);
-    EXPECT_EQ(folder.read("a.xml"), "old");
-    EXPECT_EQ(folder.read("a.xml.bak"), "older");
-    EXPECT_EQ(folder.fileCount(), 2u);
+    expectFileAndBackup("old", "older");
 }
 
-TEST(OutputFile, AFileOfAnotherUserIsReplacedAndBackedUp)
+TEST_F(OutputFileTest, AFileOfAnotherUserIsReplacedAndBackedUp)
 {
     if (!isRoot()) {
         GTEST_SKIP() << "needs a file of another user";
     }
-    const TemporaryFolder folder;
-    const std::string path = folder.write("a.xml", "old");
+    folder.write("a.xml", "old");
     chmod(path.c_str(), 0666);
     chmod(folder.path(".").c_str(), 0777);
 
     const int code = exitCodeOf([&] { return setuid(nobody) == 0 ? writeLongText(path) : 2; });
 
     EXPECT_EQ(code, 0);
-    EXPECT_EQ(folder.read("a.xml"), std::string(300000, 'n'));
-    EXPECT_EQ(folder.read("a.xml.bak"), "old");
-    EXPECT_EQ(folder.fileCount(), 2u);
+    expectFileAndBackup(std::string(300000, 'n'), "old");
 }
 
-TEST(OutputFile, WritesNamesOfEveryLanguage)
+TEST_F(OutputFileTest, WritesNamesOfEveryLanguage)
 {
-    const TemporaryFolder folder;
-
     const int code = exitCodeOf([&] {
         std::setlocale(LC_ALL, "C");
         return writeLongText(folder.path("Größe 温度.csv"));
@@ -347,19 +332,17 @@ TEST(OutputFile, WritesNamesOfEveryLanguage)
     EXPECT_EQ(folder.read("Größe 温度.csv"), std::string(300000, 'n'));
 }
 
-TEST(OutputFile, RefusesANameThatIsNoText)
+TEST_F(OutputFileTest, RefusesANameThatIsNoText)
 {
-    const TemporaryFolder folder;
-    const std::string path = folder.path("a\xFF.csv");
+    const std::string name = folder.path("a\xFF.csv");
 
-    EXPECT_EQ(refusalOf(path),
-              "The file \"" + path + "\" cannot be written: its name is not UTF-8 text.");
+    EXPECT_EQ(refusalOf(name),
+              "The file \"" + name + "\" cannot be written: its name is not UTF-8 text.");
     EXPECT_EQ(folder.fileCount(), 0u);
 }
 
-TEST(OutputFile, AProgramThatEndsBeforeCommitLeavesNothing)
+TEST_F(OutputFileTest, AProgramThatEndsBeforeCommitLeavesNothing)
 {
-    const TemporaryFolder folder;
     const int trial = open(folder.path(".").c_str(), O_WRONLY | O_TMPFILE, 0600);
     if (trial < 0) {
         GTEST_SKIP() << "needs a file system with nameless files";
@@ -368,7 +351,7 @@ TEST(OutputFile, AProgramThatEndsBeforeCommitLeavesNothing)
     folder.write("a.xml", "old");
 
     exitCodeOf([&] {
-        OutputFile file(folder.path("a.xml"));
+        OutputFile file(path);
         file.write(std::string(300000, 'n'));
         return raise(SIGKILL);
     });

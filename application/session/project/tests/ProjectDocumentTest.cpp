@@ -1,6 +1,5 @@
 #include <session/project/ProjectDocument.h>
 
-#include "ChildProcess.h"
 #include "ElementSerializer.h"
 #include "MessageOf.h"
 #include "ProjectSample.h"
@@ -11,12 +10,9 @@
 #include <QHash>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
 #include <set>
 #include <string>
-
-#include <sys/resource.h>
 
 namespace {
 /** Before an element, other ones. */
@@ -93,19 +89,6 @@ TEST(ProjectDocument, ComesBackAsItWasSaved)
     ASSERT_EQ(loaded.sweeps.size(), 1u);
     EXPECT_EQ(loaded.sweeps[0].count, 11u);
     EXPECT_EQ(loaded.sweeps[0].range, project.sweeps[0].range);
-}
-
-TEST(ProjectDocument, ComesBackEqualAndAsTheSameBytes)
-{
-    const TemporaryFolder folder;
-    const ProjectDocument project = sampleProject(folder.path("cases.csv"));
-    project.save(folder.path("p.surrogate.xml"));
-
-    const ProjectDocument loaded = ProjectDocument::load(folder.path("p.surrogate.xml"));
-    loaded.save(folder.path("q.surrogate.xml"));
-
-    EXPECT_TRUE(loaded == project);
-    EXPECT_EQ(folder.read("q.surrogate.xml"), folder.read("p.surrogate.xml"));
 }
 
 TEST(ProjectDocument, WithOneDifferenceIsAnother)
@@ -346,57 +329,4 @@ TEST(ProjectDocument, KeepsTheDocumentBeforeAsABackup)
 
     EXPECT_EQ(folder.read("p.surrogate.xml.bak"), first);
     EXPECT_NE(folder.read("p.surrogate.xml"), first);
-}
-
-TEST(ProjectDocument, StaysAsItWasWhenTheDiskTakesNoMore)
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.path("p.surrogate.xml");
-    ProjectDocument project = sampleProject(folder.path("c.csv"));
-    project.save(path);
-    const std::string before = folder.read("p.surrogate.xml");
-    project.excluded.clear();
-
-    const int code = exitCodeOf([&] {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit = {100, 100};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        try {
-            project.save(path);
-        } catch (const FileError&) {
-            return 1;
-        }
-        return 0;
-    });
-
-    EXPECT_EQ(code, 1);
-    EXPECT_EQ(folder.read("p.surrogate.xml"), before);
-    EXPECT_EQ(folder.fileCount(), 1u);
-}
-
-TEST(ProjectDocument, IsWholeWheneverASaveIsKilled)
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.path("p.surrogate.xml");
-    ProjectDocument project = sampleProject(folder.path("c.csv"));
-    project.save(path);
-
-    for (int i = 0; i < 20; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
-            for (std::size_t position = 0;; ++position) {
-                project.excluded = {position};
-                project.save(path);
-            }
-        }
-        usleep(static_cast<useconds_t>(3000 + 500 * i));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-
-        const ProjectDocument found = ProjectDocument::load(path);
-        EXPECT_EQ(found.variables.size(), project.variables.size());
-        if (std::filesystem::exists(path + ".bak")) {
-            EXPECT_NO_THROW(ProjectDocument::load(path + ".bak"));
-        }
-    }
 }
