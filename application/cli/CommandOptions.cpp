@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include <session/model/PolynomialWords.h>
+#include <session/text/JoinedText.h>
 #include <session/text/NearestText.h>
 #include <session/text/SessionErrors.h>
 #include <session/text/WholeNumber.h>
@@ -434,13 +435,12 @@ private:
     UsageError unknownCommand(const std::string& name) const
     {
         std::vector<std::string> names;
-        std::string list;
         for (const Command& command : commands) {
             names.emplace_back(command.name);
-            list += (list.empty() ? "" : ", ") + names.back();
         }
         return UsageError("There is no command \"" + name + '"' + suggestion(name, names) +
-                          ". The commands are: " + list + "; surrogate --help describes them.");
+                          ". The commands are: " + joinedText(names) +
+                          "; surrogate --help describes them.");
     }
 
     /** What no command or option of the description has taken. */
@@ -468,23 +468,22 @@ private:
             return UsageError("Options stand behind the command: surrogate COMMAND " + option +
                               " ...");
         }
-        std::string owners;
-        int count = 0;
-        std::vector<std::string> known;
+        std::vector<std::string> owners;
         for (const Command& other : commands) {
             if (find(other.name).get_option_no_throw(option) != nullptr) {
-                owners += (count++ == 0 ? "" : ", ") + std::string(other.name);
+                owners.emplace_back(other.name);
             }
         }
-        if (count > 0) {
-            const std::size_t comma = owners.rfind(", ");
-            if (comma != std::string::npos) {
-                owners.replace(comma, 2, " and ");
-            }
-            return UsageError(
-                option + (count == 1 ? " belongs to the command " : " belongs to the commands ") +
-                owners + ".");
+        if (owners.size() == 1) {
+            return UsageError(option + " belongs to the command " + owners.front() + '.');
         }
+        if (!owners.empty()) {
+            const std::string last = owners.back();
+            owners.pop_back();
+            return UsageError(option + " belongs to the commands " + joinedText(owners) + " and " +
+                              last + '.');
+        }
+        std::vector<std::string> known;
         for (const CLI::Option* const own : find(command).get_options()) {
             if (!own->get_lnames().empty()) {
                 known.push_back("--" + own->get_lnames().front());

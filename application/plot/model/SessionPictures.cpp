@@ -9,6 +9,7 @@
 
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
+#include <session/text/JoinedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -33,11 +34,11 @@ bool contains(const std::vector<std::size_t>& positions, std::size_t position)
 
 std::string SessionPictures::kindWords()
 {
-    std::string words;
+    std::vector<std::string> words;
     for (const auto& [word, kind] : kinds) {
-        words += (words.empty() ? "" : ", ") + word;
+        words.push_back(word);
     }
-    return words;
+    return joinedText(words);
 }
 
 std::optional<SessionPictures::Kind> SessionPictures::kindOf(const std::string& word)

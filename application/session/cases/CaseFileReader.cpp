@@ -5,7 +5,9 @@
 #include "session/files/ByteSource.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/Utf8.h"
+#include "session/text/TrimmedText.h"
+
+#include <mirel_datamanagement/Utf8.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -209,10 +211,7 @@ void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std:
 {
     for (const std::string_view text : names) {
         checkText(text, line);
-        const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-        const std::size_t end = text.find_last_not_of(" \t") + 1;
-        table.columns.emplace_back();
-        table.columns.back().name = text.substr(begin, end - std::min(begin, end));
+        table.columns.emplace_back().name = trimmedText(text);
     }
     states.resize(names.size());
     checkNames(line);

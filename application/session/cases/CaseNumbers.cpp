@@ -1,6 +1,7 @@
 #include "session/cases/CaseNumbers.h"
 
 #include "session/text/SessionErrors.h"
+#include "session/text/TrimmedText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -15,17 +16,10 @@ namespace {
                      "\" is no case number or range of them; write them like 3,7-9.");
 }
 
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-    const std::size_t end = text.find_last_not_of(" \t") + 1;
-    return text.substr(begin, end - std::min(begin, end));
-}
-
 std::size_t readNumber(std::string_view text, std::string_view item, std::size_t cases)
 {
     std::size_t number = 0;
-    text = trimmed(text);
+    text = trimmedText(text);
     const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
     if (read.ec == std::errc::invalid_argument || read.ptr != text.data() + text.size()) {
         refuse(item);
@@ -61,7 +55,8 @@ std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t ca
     std::vector<Range> ranges;
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
-        const std::string_view item = trimmed(std::string_view(text).substr(begin, end - begin));
+        const std::string_view item =
+            trimmedText(std::string_view(text).substr(begin, end - begin));
         const std::size_t dash = std::min(item.find('-'), item.size());
         const std::size_t first = readNumber(item.substr(0, dash), item, cases);
         const std::size_t last =

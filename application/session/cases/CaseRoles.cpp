@@ -26,17 +26,6 @@ public:
         return chosen;
     }
 
-    std::vector<std::size_t> remainingNumbers() const
-    {
-        std::vector<std::size_t> remaining;
-        for (std::size_t i = 0; i < table.columns.size(); ++i) {
-            if (table.columns[i].isNumeric && roleOf[i].empty()) {
-                remaining.push_back(i);
-            }
-        }
-        return remaining;
-    }
-
     /** Those of `positions` that have no role yet. */
     std::vector<std::size_t> remaining(const std::vector<std::size_t>& positions) const
     {
@@ -75,14 +64,13 @@ private:
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
                           const std::vector<std::string>& outputTexts)
 {
-    RoleChooser chooser(table);
-    CaseRoles roles;
-    roles.outputs = chooser.choose(outputTexts, "output");
-    roles.inputs = chooser.choose(inputTexts, "input");
-    if (inputTexts.empty()) {
-        roles.inputs = chooser.remainingNumbers();
+    CaseRoles numeric;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        if (table.columns[i].isNumeric) {
+            numeric.inputs.push_back(i);
+        }
     }
-    return roles;
+    return chooseCaseRoles(table, inputTexts, outputTexts, numeric);
 }
 
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,

@@ -2,9 +2,11 @@
 
 #include "session/text/NearestText.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/TrimmedText.h"
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -16,12 +18,9 @@ std::string quoted(const std::string& name)
     return '"' + name + '"';
 }
 
-std::string trimmed(const std::string& text)
+std::string trimmed(std::string_view text)
 {
-    const std::size_t begin = text.find_first_not_of(" \t");
-    return begin == std::string::npos
-               ? std::string()
-               : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
+    return std::string(trimmedText(text));
 }
 
 /** Finds names in a comma list, with a way back where the longest name leads nowhere. */

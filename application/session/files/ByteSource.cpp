@@ -84,3 +84,16 @@ std::size_t ByteSource::size() const
 {
     return bytes;
 }
+
+std::string ByteSource::contentOf(const std::string& path, std::size_t most)
+{
+    ByteSource source(path, most);
+    std::string content;
+    std::array<char, 1 << 16> block;
+    std::size_t count = block.size();
+    while (count > 0 && content.size() <= most) {
+        count = source.read(block.data(), block.size());
+        content.append(block.data(), count);
+    }
+    return content;
+}

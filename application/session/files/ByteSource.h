@@ -36,6 +36,10 @@ public:
     /** In bytes. */
     std::size_t size() const;
 
+    /** The bytes of a file, all of them or, soon after `most`, no more. @throw FileError */
+    static std::string contentOf(const std::string& path,
+                                 std::size_t most = std::numeric_limits<std::size_t>::max());
+
 private:
     std::string path;
     std::FILE* file = nullptr;

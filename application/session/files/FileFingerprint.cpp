@@ -3,50 +3,17 @@
 #include "session/files/ByteSource.h"
 #include "session/text/SessionErrors.h"
 
+#include <QByteArray>
 #include <openssl/evp.h>
 
 #include <array>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 #include <sys/stat.h>
 
 namespace {
 constexpr std::size_t blockSize = 1 << 18;
-
-/** The SHA-256 digest of bytes that come in pieces. */
-class Sha256
-{
-public:
-    Sha256() : context(EVP_MD_CTX_new(), EVP_MD_CTX_free)
-    {
-        EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
-    }
-
-    void add(const char* bytes, std::size_t count)
-    {
-        EVP_DigestUpdate(context.get(), bytes, count);
-    }
-
-    /** Ends the message. @return 64 digits in lower case. */
-    std::string digest()
-    {
-        constexpr std::string_view digits = "0123456789abcdef";
-        std::array<unsigned char, EVP_MAX_MD_SIZE> bytes;
-        unsigned int size = 0;
-        EVP_DigestFinal_ex(context.get(), bytes.data(), &size);
-        std::string text;
-        for (unsigned int i = 0; i < size; ++i) {
-            text += digits[bytes[i] / 16];
-            text += digits[bytes[i] % 16];
-        }
-        return text;
-    }
-
-private:
-    std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context;
-};
 } // namespace
 
 FileFingerprint FileFingerprint::of(const std::string& path)
@@ -60,14 +27,19 @@ FileFingerprint FileFingerprint::of(const std::string& path)
     }
 
     ByteSource source(path);
-    Sha256 hash;
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> hash(EVP_MD_CTX_new(),
+                                                                       EVP_MD_CTX_free);
+    EVP_DigestInit_ex(hash.get(), EVP_sha256(), nullptr);
     FileFingerprint fingerprint;
     std::vector<char> block(blockSize);
     while (const std::size_t count = source.read(block.data(), block.size())) {
-        hash.add(block.data(), count);
+        EVP_DigestUpdate(hash.get(), block.data(), count);
         fingerprint.bytes += count;
     }
-    fingerprint.sha256 = hash.digest();
+    std::array<char, EVP_MAX_MD_SIZE> digest;
+    unsigned int size = 0;
+    EVP_DigestFinal_ex(hash.get(), reinterpret_cast<unsigned char*>(digest.data()), &size);
+    fingerprint.sha256 = QByteArray(digest.data(), static_cast<int>(size)).toHex().toStdString();
     return fingerprint;
 }
 

@@ -342,18 +342,14 @@ OutputComparison compared(const std::string& name, const std::vector<double>& ou
                           const std::vector<std::size_t>& positions,
                           const Predictions& responseSurface, const Predictions& kriging)
 {
-    const auto isPredicted = [](const Predictions& predictions) {
-        std::vector<bool> result(predictions.values.size());
-        for (std::size_t i = 0; i < result.size(); ++i) {
-            result[i] = std::isfinite(predictions.values[i]);
-        }
-        return result;
-    };
-    const std::vector<bool> left = isPredicted(responseSurface);
-    const std::vector<bool> right = isPredicted(kriging);
-    std::vector<bool> both(left.size());
-    std::transform(left.begin(), left.end(), right.begin(), both.begin(),
-                   [](bool one, bool other) { return one && other; });
+    std::vector<bool> left(output.size());
+    std::vector<bool> right(output.size());
+    std::vector<bool> both(output.size());
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        left[i] = std::isfinite(responseSurface.values[i]);
+        right[i] = std::isfinite(kriging.values[i]);
+        both[i] = left[i] && right[i];
+    }
     const bool haveCommonCases = std::find(both.begin(), both.end(), true) != both.end();
 
     OutputComparison comparison;

@@ -26,17 +26,6 @@ void requireNames(const ExportedModel& model, const std::string& path)
         throw ModelFileError(quotedText(path) + " cannot be used. " + refusal.what());
     }
 }
-
-std::string contentOf(const std::string& path)
-{
-    ByteSource source(path);
-    std::string content;
-    std::string block(1 << 16, '\0');
-    while (const std::size_t size = source.read(block.data(), block.size())) {
-        content.append(block, 0, size);
-    }
-    return content;
-}
 } // namespace
 
 bool ModelFile::isModelFile(const std::string& path)
@@ -76,7 +65,7 @@ ExportedModel ModelFile::exported(CaseSession& session, std::string report)
 
 ExportedModel ModelFile::read(const std::string& path)
 {
-    const std::string content = contentOf(path);
+    const std::string content = ByteSource::contentOf(path);
     try {
         ExportedModel model = readExportedModel(content);
         requireNames(model, path);

@@ -14,7 +14,6 @@
 #include <QDomDocument>
 #include <QDomElement>
 
-#include <array>
 #include <cerrno>
 #include <string_view>
 
@@ -39,16 +38,11 @@ std::string placeOf(const std::string& path, const XmlPosition& position)
 
 std::string bytesOf(const std::string& path)
 {
-    ByteSource source(path, longestDocument);
-    std::string bytes;
-    std::array<char, 1 << 16> block;
-    while (const std::size_t count = source.read(block.data(), block.size())) {
-        bytes.append(block.data(), count);
-        if (bytes.size() > longestDocument) {
-            throw ProjectDocumentError(path + ": a project document has at most " +
-                                       std::to_string(longestDocument) +
-                                       " bytes; this is another kind of file.");
-        }
+    std::string bytes = ByteSource::contentOf(path, longestDocument);
+    if (bytes.size() > longestDocument) {
+        throw ProjectDocumentError(path + ": a project document has at most " +
+                                   std::to_string(longestDocument) +
+                                   " bytes; this is another kind of file.");
     }
     return bytes;
 }
@@ -93,11 +87,7 @@ void keepUnknown(const std::optional<XmlNode>& old, XmlNode& element)
     if (!old) {
         return;
     }
-    for (const XmlNode::Attribute& attribute : old->attributes) {
-        if (element.attribute(attribute.first) == nullptr) {
-            element.setAttribute(attribute.first, attribute.second);
-        }
-    }
+    element.attributes.insert(old->attributes.begin(), old->attributes.end());
     for (const XmlNode& node : old->children) {
         const bool isKnown = isModelElement(node) || node.kind == XmlNode::Text;
         if (!isKnown && (node.kind != XmlNode::Element || element.child(node.name) == nullptr)) {

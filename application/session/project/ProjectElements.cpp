@@ -63,7 +63,7 @@ std::string described(const XmlNode& element, const std::string& attribute)
 /** Of an element that no other program may have anything to say about. */
 void allowAttributes(const XmlNode& element, std::initializer_list<const char*> known)
 {
-    for (const XmlNode::Attribute& attribute : element.attributes) {
+    for (const auto& attribute : element.attributes) {
         if (std::find(known.begin(), known.end(), attribute.first) == known.end()) {
             refuse(element, described(element, attribute.first) +
                                 " is not known to this version; remove it, or open the document "
@@ -424,31 +424,28 @@ void setRange(XmlNode& element, const std::string& from, const std::string& to,
               const std::optional<ProjectContents::Range>& range)
 {
     if (range) {
-        element.setAttribute(from, numberText(range->first));
-        element.setAttribute(to, numberText(range->second));
+        element.attributes[from] = numberText(range->first);
+        element.attributes[to] = numberText(range->second);
     }
 }
 
 XmlNode caseFileElement(const ProjectContents::CaseFile& file)
 {
-    XmlNode element = XmlNode::element("CaseFile");
-    element.setAttribute("Path", file.path);
-    element.setAttribute("Bytes", std::to_string(file.fingerprint.bytes));
-    element.setAttribute("Sha256", file.fingerprint.sha256);
-    element.setAttribute("Separator", wordFor(file.separator, separators));
-    element.setAttribute("DecimalMark", wordFor(file.hasDecimalComma, decimalMarks));
-    return element;
+    return XmlNode::element("CaseFile",
+                            {{"Path", file.path},
+                             {"Bytes", std::to_string(file.fingerprint.bytes)},
+                             {"Sha256", file.fingerprint.sha256},
+                             {"Separator", wordFor(file.separator, separators)},
+                             {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
 }
 
 XmlNode variablesElement(const std::vector<ProjectContents::VariableEntry>& variables)
 {
     XmlNode list = XmlNode::element("Variables");
     for (const ProjectContents::VariableEntry& variable : variables) {
-        XmlNode element = XmlNode::element("Variable");
-        element.setAttribute("Name", variable.name);
-        element.setAttribute("Role", wordFor(variable.role, roles));
-        setRange(element, "Lower", "Upper", variable.range);
-        list.children.push_back(std::move(element));
+        list.children.push_back(XmlNode::element(
+            "Variable", {{"Name", variable.name}, {"Role", wordFor(variable.role, roles)}}));
+        setRange(list.children.back(), "Lower", "Upper", variable.range);
     }
     return list;
 }
@@ -457,9 +454,7 @@ XmlNode outputsElement(const std::vector<std::string>& outputs)
 {
     XmlNode list = XmlNode::element("Outputs");
     for (const std::string& output : outputs) {
-        XmlNode element = XmlNode::element("Output");
-        element.setAttribute("Name", output);
-        list.children.push_back(std::move(element));
+        list.children.push_back(XmlNode::element("Output", {{"Name", output}}));
     }
     return list;
 }
@@ -479,30 +474,11 @@ XmlNode sweepsElement(const std::vector<ProjectContents::Sweep>& sweeps)
 {
     XmlNode list = XmlNode::element("Sweeps");
     for (const ProjectContents::Sweep& sweep : sweeps) {
-        XmlNode element = XmlNode::element("Sweep");
-        element.setAttribute("Name", sweep.name);
-        element.setAttribute("Count", std::to_string(sweep.count));
-        setRange(element, "From", "To", sweep.range);
-        list.children.push_back(std::move(element));
+        list.children.push_back(XmlNode::element(
+            "Sweep", {{"Name", sweep.name}, {"Count", std::to_string(sweep.count)}}));
+        setRange(list.children.back(), "From", "To", sweep.range);
     }
     return list;
-}
-
-/** Versions that know no selection keep it like everything unknown, and fit all terms. */
-XmlNode termSelectionElement()
-{
-    XmlNode element = XmlNode::element("TermSelection");
-    element.setAttribute("Method",
-                         wordFor(ResponseSurfaceOptions::Selection::BackwardAicc, termSelections));
-    return element;
-}
-
-/** Versions that know no choice keep it likewise, and fit the full quadratic polynomial. */
-XmlNode polynomialElement(PolynomialTerms terms)
-{
-    XmlNode element = XmlNode::element("Polynomial");
-    element.setAttribute("Terms", wordFor(terms, polynomials));
-    return element;
 }
 } // namespace
 
@@ -563,8 +539,7 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
 
 XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings)
 {
-    XmlNode root = XmlNode::element("SurrogateProject");
-    root.setAttribute("Version", std::to_string(version));
+    XmlNode root = XmlNode::element("SurrogateProject", {{"Version", std::to_string(version)}});
     root.children.push_back(caseFileElement(contents.caseFile));
     root.children.push_back(variablesElement(contents.variables));
     root.children.push_back(outputsElement(contents.outputs));
@@ -576,11 +551,16 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
         root.children.push_back(*settings.userDistributions);
     }
     root.children.push_back(sweepsElement(contents.sweeps));
-    if (contents.responseSurface.terms != PolynomialTerms::Quadratic) {
-        root.children.push_back(polynomialElement(contents.responseSurface.terms));
+    // Versions that do not know these two keep them like everything unknown, and fit all terms of
+    // the full quadratic polynomial.
+    const ResponseSurfaceOptions& options = contents.responseSurface;
+    if (options.terms != PolynomialTerms::Quadratic) {
+        root.children.push_back(
+            XmlNode::element("Polynomial", {{"Terms", wordFor(options.terms, polynomials)}}));
     }
-    if (contents.responseSurface.selection != ResponseSurfaceOptions::Selection::All) {
-        root.children.push_back(termSelectionElement());
+    if (options.selection != ResponseSurfaceOptions::Selection::All) {
+        root.children.push_back(XmlNode::element(
+            "TermSelection", {{"Method", wordFor(options.selection, termSelections)}}));
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
     return root;

@@ -1,5 +1,7 @@
 #include "session/text/CellValue.h"
 
+#include "session/text/TrimmedText.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -10,22 +12,6 @@
 #include <system_error>
 
 namespace {
-bool isBlank(char character)
-{
-    return character == ' ' || character == '\t';
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 bool equalsLowerCase(std::string_view text, std::string_view lowerCase)
 {
     const auto same = [](char left, char right) {
@@ -112,7 +98,7 @@ bool readDecimalComma(std::string_view text, std::size_t comma, double& number)
 CellValue CellValue::read(std::string_view text, bool decimalComma)
 {
     CellValue value;
-    text = trimmed(text);
+    text = trimmedText(text);
     if (text.empty()) {
         return value;
     }

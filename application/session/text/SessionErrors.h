@@ -15,7 +15,7 @@
 class SURROGATE_SESSION_EXPORT UsageError : public veska::ExceptionBase
 {
 public:
-    explicit UsageError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~UsageError() override;
 };
 
@@ -23,7 +23,7 @@ public:
 class SURROGATE_SESSION_EXPORT CaseDataError : public veska::ExceptionBase
 {
 public:
-    explicit CaseDataError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~CaseDataError() override;
 };
 
@@ -31,7 +31,7 @@ public:
 class SURROGATE_SESSION_EXPORT DistributionTextError : public veska::ExceptionBase
 {
 public:
-    explicit DistributionTextError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~DistributionTextError() override;
 };
 
@@ -39,7 +39,7 @@ public:
 class SURROGATE_SESSION_EXPORT FileError : public veska::ExceptionBase
 {
 public:
-    explicit FileError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~FileError() override;
 };
 
@@ -47,7 +47,7 @@ public:
 class SURROGATE_SESSION_EXPORT ModelFileError : public veska::ExceptionBase
 {
 public:
-    explicit ModelFileError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~ModelFileError() override;
 };
 
@@ -56,6 +56,6 @@ public:
 class SURROGATE_SESSION_EXPORT ProjectDocumentError : public veska::ExceptionBase
 {
 public:
-    explicit ProjectDocumentError(const std::string& message);
+    using ExceptionBase::ExceptionBase;
     ~ProjectDocumentError() override;
 };

@@ -27,7 +27,7 @@ QDomNode makeNode(QDomDocument& document, const XmlNode& node)
 QDomElement makeElement(QDomDocument& document, const XmlNode& node)
 {
     QDomElement element = document.createElement(toQString(node.name));
-    for (const XmlNode::Attribute& attribute : node.attributes) {
+    for (const auto& attribute : node.attributes) {
         element.setAttribute(toQString(attribute.first), toQString(attribute.second));
     }
     for (const XmlNode& child : node.children) {
@@ -58,7 +58,7 @@ XmlNode nodeOf(const QDomElement& element, std::size_t depth)
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.size(); ++i) {
         const QDomAttr attribute = attributes.item(i).toAttr();
-        node.setAttribute(toUtf8Text(attribute.name()), toUtf8Text(attribute.value()));
+        node.attributes[toUtf8Text(attribute.name())] = toUtf8Text(attribute.value());
     }
     for (QDomNode child = element.firstChild(); !child.isNull(); child = child.nextSibling()) {
         if (child.isElement()) {

@@ -2,17 +2,11 @@
 
 #include <algorithm>
 
-namespace {
-bool comesBefore(const XmlNode::Attribute& attribute, const std::string& name)
-{
-    return attribute.first < name;
-}
-} // namespace
-
-XmlNode XmlNode::element(std::string name)
+XmlNode XmlNode::element(std::string name, std::map<std::string, std::string> attributes)
 {
     XmlNode node;
     node.name = std::move(name);
+    node.attributes = std::move(attributes);
     return node;
 }
 
@@ -24,20 +18,10 @@ XmlNode XmlNode::textNode(std::string text)
     return node;
 }
 
-void XmlNode::setAttribute(const std::string& attribute, std::string value)
-{
-    const auto at = std::lower_bound(attributes.begin(), attributes.end(), attribute, comesBefore);
-    if (at != attributes.end() && at->first == attribute) {
-        at->second = std::move(value);
-    } else {
-        attributes.emplace(at, attribute, std::move(value));
-    }
-}
-
 const std::string* XmlNode::attribute(const std::string& attribute) const
 {
-    const auto at = std::lower_bound(attributes.begin(), attributes.end(), attribute, comesBefore);
-    return at != attributes.end() && at->first == attribute ? &at->second : nullptr;
+    const auto found = attributes.find(attribute);
+    return found == attributes.end() ? nullptr : &found->second;
 }
 
 const XmlNode* XmlNode::child(const std::string& tag) const

@@ -3,8 +3,8 @@
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
+#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 /** A place in a document, line and column from 1, columns in characters; line 0: none. */
@@ -28,13 +28,8 @@ struct SURROGATE_SESSION_EXPORT XmlNode
         Instruction
     };
 
-    using Attribute = std::pair<std::string, std::string>;
-
-    static XmlNode element(std::string name);
+    static XmlNode element(std::string name, std::map<std::string, std::string> attributes = {});
     static XmlNode textNode(std::string text);
-
-    /** Adds the attribute or gives it another value. */
-    void setAttribute(const std::string& attribute, std::string value);
 
     /** Its value, valid until the next change; null if it is not there. */
     const std::string* attribute(const std::string& attribute) const;
@@ -49,9 +44,9 @@ struct SURROGATE_SESSION_EXPORT XmlNode
     friend SURROGATE_SESSION_EXPORT bool operator==(const XmlNode& left, const XmlNode& right);
 
     Kind kind = Element;
-    std::string name;                  ///< tag of an element, target of an instruction
-    std::string text;                  ///< of everything but an element
-    std::vector<Attribute> attributes; ///< ascending by the bytes of their names
+    std::string name; ///< tag of an element, target of an instruction
+    std::string text; ///< of everything but an element
+    std::map<std::string, std::string> attributes;
     std::vector<XmlNode> children;
     XmlPosition position; ///< where it was read
 };

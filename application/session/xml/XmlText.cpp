@@ -1,8 +1,9 @@
 #include "session/xml/XmlText.h"
 
 #include "session/text/QuotedText.h"
-#include "session/text/Utf8.h"
 #include "session/xml/XmlString.h"
+
+#include <mirel_datamanagement/Utf8.h>
 
 #include <QByteArray>
 #include <QString>
@@ -165,9 +166,6 @@ private:
         case QXmlStreamReader::StartDocument:
             checkEncoding();
             break;
-        case QXmlStreamReader::DTD:
-        case QXmlStreamReader::EntityReference:
-            throw XmlFault(cursor.at(begin), "declarations of entities are not accepted.");
         case QXmlStreamReader::StartElement:
             open(begin);
             break;
@@ -208,10 +206,8 @@ private:
         XmlNode node = XmlNode::element(bytesOf(parser.qualifiedName()));
         node.position = position;
         for (const QXmlStreamAttribute& attribute : parser.attributes()) {
-            node.attributes.emplace_back(bytesOf(attribute.qualifiedName()),
-                                         bytesOf(attribute.value()));
+            node.attributes.emplace(bytesOf(attribute.qualifiedName()), bytesOf(attribute.value()));
         }
-        std::sort(node.attributes.begin(), node.attributes.end());
         openNodes.push_back(std::move(node));
     }
 
@@ -299,7 +295,7 @@ void checkTexts(const XmlNode& node, std::size_t depth)
     }
     checkText(node.name);
     checkText(node.text);
-    for (const XmlNode::Attribute& attribute : node.attributes) {
+    for (const auto& attribute : node.attributes) {
         checkText(attribute.first);
         checkText(attribute.second);
     }
@@ -350,7 +346,7 @@ private:
 
     void writeAttributes(const XmlNode& node)
     {
-        for (const XmlNode::Attribute& attribute : node.attributes) {
+        for (const auto& attribute : node.attributes) {
             writer.writeAttribute(toQString(attribute.first), toQString(attribute.second));
         }
     }

@@ -8,7 +8,8 @@
 #include "TemporaryFolder.h"
 
 #include <session/text/SessionErrors.h>
-#include <session/text/Utf8.h>
+
+#include <mirel_datamanagement/Utf8.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

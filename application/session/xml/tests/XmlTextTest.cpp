@@ -63,11 +63,11 @@ TEST(XmlText, IsIndentedWithSortedAttributesAndEndsWithANewline)
 {
     XmlNode root = XmlNode::element("Root");
     XmlNode child = XmlNode::element("Child");
-    child.setAttribute("b", "2");
-    child.setAttribute("ä", "4");
-    child.setAttribute("B", "1");
-    child.setAttribute("c", "3");
-    child.setAttribute("b", "5");
+    child.attributes["b"] = "2";
+    child.attributes["ä"] = "4";
+    child.attributes["B"] = "1";
+    child.attributes["c"] = "3";
+    child.attributes["b"] = "5";
     child.children.push_back(XmlNode::textNode("text"));
     root.children = {child, XmlNode::element("Empty")};
 
@@ -84,7 +84,7 @@ TEST(XmlText, CarriesAwkwardTextsByteForByte)
     for (const std::string& text : {awkward, std::string("\xEF\xBB\xBF") + awkward,
                                     std::string("\r"), std::string(" "), std::string("\n")}) {
         XmlNode child = XmlNode::element("Child");
-        child.setAttribute("Name", text);
+        child.attributes["Name"] = text;
         child.children.push_back(XmlNode::textNode(text));
         root.children.push_back(child);
     }
@@ -239,7 +239,7 @@ TEST(XmlText, RefusesToWriteWhatXmlCannotCarry)
          {std::string("\x01"), std::string("\0", 1), std::string("\x1F"),
           std::string("\xEF\xBF\xBE"), std::string("\xED\xA0\x80"), std::string("\xFF")}) {
         XmlNode root = XmlNode::element("Root");
-        root.setAttribute("Name", "x" + text);
+        root.attributes["Name"] = "x" + text;
         EXPECT_NE(refusalOf(root).find("XML cannot carry the text \"x\\x"), std::string::npos);
 
         root = XmlNode::element("Root");

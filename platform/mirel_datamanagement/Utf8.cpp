@@ -1,4 +1,4 @@
-#include "session/text/Utf8.h"
+#include <mirel_datamanagement/Utf8.h>
 
 Utf8Character firstCharacter(std::string_view bytes)
 {

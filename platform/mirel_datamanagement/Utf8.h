@@ -1,6 +1,6 @@
 #pragma once
 
-#include <surrogate_session/Export.h>
+#include <mirel_datamanagement/Export.h>
 
 #include <cstddef>
 #include <string_view>
@@ -13,10 +13,10 @@ struct Utf8Character
 };
 
 /** Decodes the first character; surrogates and overlong forms are not well-formed. */
-SURROGATE_SESSION_EXPORT Utf8Character firstCharacter(std::string_view bytes);
+MIREL_DATAMANAGEMENT_EXPORT Utf8Character firstCharacter(std::string_view bytes);
 
 /** How many bytes at the start are UTF-8 text: well-formed and without NUL. */
-SURROGATE_SESSION_EXPORT std::size_t utf8PrefixLength(std::string_view bytes);
+MIREL_DATAMANAGEMENT_EXPORT std::size_t utf8PrefixLength(std::string_view bytes);
 
 /** Whether that is all of them. */
-SURROGATE_SESSION_EXPORT bool isUtf8Text(std::string_view bytes);
+MIREL_DATAMANAGEMENT_EXPORT bool isUtf8Text(std::string_view bytes);
