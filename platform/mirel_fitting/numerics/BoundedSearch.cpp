@@ -85,21 +85,6 @@ bool BoundedSearch::isFeasible() const
     return std::isfinite(currentValue);
 }
 
-bool BoundedSearch::isDone() const
-{
-    return done;
-}
-
-double BoundedSearch::value() const
-{
-    return currentValue;
-}
-
-const std::vector<double>& BoundedSearch::point() const
-{
-    return current;
-}
-
 void BoundedSearch::advance(int steps, double smallestGain)
 {
     advance(steps, smallestGain, false);

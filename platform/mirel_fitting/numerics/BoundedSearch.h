@@ -74,9 +74,9 @@ public:
      *  StepRule::maxTriesOfLast times at most. */
     void finish(int steps, double smallestGain);
 
-    bool isDone() const;
-    double value() const;
-    const std::vector<double>& point() const;
+    bool isDone() const { return done; }
+    double value() const { return currentValue; }
+    const std::vector<double>& point() const { return current; }
 
 private:
     void proposeStep();

@@ -388,19 +388,6 @@ TEST(KrigingSurrogateModel, GivesTheSameBitsWithAnotherNumberOfThreads)
     EXPECT_EQ(withOne, withTwo);
 }
 
-TEST(KrigingSurrogateModel, KeepsFixedLengthsAndNugget)
-{
-    KrigingArguments arguments;
-    arguments.correlationLengths = {0.25, 3.0};
-    arguments.nugget = 1e-3;
-    arguments.nuggetMode = 1;
-    const KrigingReport report = arguments.model(someInputs(), someOutputs()).krigingReport(0);
-
-    EXPECT_NEAR(report.correlationLengths[0], 0.25, 1e-15);
-    EXPECT_NEAR(report.correlationLengths[1], 3.0, 1e-14);
-    EXPECT_EQ(report.nugget, 1e-3);
-}
-
 TEST(KrigingSurrogateModel, NeverEstimatesANuggetBelowItsBound)
 {
     KrigingArguments arguments;

@@ -15,6 +15,11 @@ using namespace fittingtest;
 
 namespace {
 
+SurrogateResponseSurfaceModel fit(Cases cases, int highestOrder = 2)
+{
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(), highestOrder};
+}
+
 struct Certified
 {
     double estimate;
@@ -121,9 +126,7 @@ void expectPublished(const SurrogateResponseSurfaceModel& model, int offset,
 
 TEST(ResponseSurfaceReference, NorrisOfOrderLinear)
 {
-    Cases cases = norris();
-    const SurrogateResponseSurfaceModel model(cases.inputPointers(), cases.outputPointers(),
-                                              cases.count(), 1);
+    const SurrogateResponseSurfaceModel model = fit(norris(), 1);
 
     expectCoefficients(
         model, {{-0.262323073774029, 0.232818234301152}, {1.00211681802045, 0.429796848199937e-3}});
@@ -133,9 +136,7 @@ TEST(ResponseSurfaceReference, NorrisOfOrderLinear)
 
 TEST(ResponseSurfaceReference, PontiusOfOrderQuadratic)
 {
-    Cases cases = pontius();
-    const SurrogateResponseSurfaceModel model(cases.inputPointers(), cases.outputPointers(),
-                                              cases.count());
+    const SurrogateResponseSurfaceModel model = fit(pontius());
 
     expectCoefficients(model, {{0.673565789473684e-3, 0.107938612033077e-3},
                                {0.732059160401003e-6, 0.157817399981659e-9},
@@ -146,9 +147,7 @@ TEST(ResponseSurfaceReference, PontiusOfOrderQuadratic)
 
 TEST(ResponseSurfaceReference, LongleyWhoseSixteenCasesAllowTheLinearOrderOnly)
 {
-    Cases cases = longley();
-    const SurrogateResponseSurfaceModel model(cases.inputPointers(), cases.outputPointers(),
-                                              cases.count());
+    const SurrogateResponseSurfaceModel model = fit(longley());
 
     expectCoefficients(model, {{-3482258.63459582, 890420.383607373},
                                {15.0618722713733, 84.9149257747669},
@@ -163,9 +162,7 @@ TEST(ResponseSurfaceReference, LongleyWhoseSixteenCasesAllowTheLinearOrderOnly)
 
 TEST(ResponseSurfaceReference, UniformityOfVapourDeposition)
 {
-    Cases cases = vapourDeposition();
-    const SurrogateResponseSurfaceModel model(cases.inputPointers(), cases.outputPointers(),
-                                              cases.count());
+    const SurrogateResponseSurfaceModel model = fit(vapourDeposition());
 
     // 1, c1, c2, c1^2, c1 c2, c2^2
     expectPublished(model, 0,
@@ -184,9 +181,7 @@ TEST(ResponseSurfaceReference, UniformityOfVapourDeposition)
 
 TEST(ResponseSurfaceReference, StressOfVapourDeposition)
 {
-    Cases cases = vapourDeposition();
-    const SurrogateResponseSurfaceModel model(cases.inputPointers(), cases.outputPointers(),
-                                              cases.count());
+    const SurrogateResponseSurfaceModel model = fit(vapourDeposition());
 
     expectPublished(model, 1,
                     {{7.79004, 0.04450},

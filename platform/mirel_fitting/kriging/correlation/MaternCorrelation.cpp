@@ -29,16 +29,6 @@ MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
     }
 }
 
-std::size_t MaternCorrelation::cases() const
-{
-    return caseCount;
-}
-
-std::size_t MaternCorrelation::inputs() const
-{
-    return inputCount;
-}
-
 void MaternCorrelation::setLengths(const std::vector<double>& lengths)
 {
     chosenLengths = lengths;
@@ -81,11 +71,6 @@ void MaternCorrelation::fillLower(std::size_t first, std::size_t last, double* m
         MaternKernels::correlate({scaledColumns.data() + j + 1, stride, caseCount - j - 1},
                                  casesFrom(j, 1), column + j + 1, caseCount);
     }
-}
-
-std::size_t MaternCorrelation::productStride() const
-{
-    return stride;
 }
 
 void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
@@ -133,10 +118,8 @@ void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
     }
 }
 
-/** result[i * resultStep] = scaled coordinate i, clamped to where correlations are 0 so that no
- *  polynomial overflows. */
 void MaternCorrelation::scale(std::size_t input, const double* coordinates, std::size_t count,
-                              std::size_t resultStep, double* result) const
+                              double* result, std::size_t resultStep) const
 {
     for (std::size_t i = 0; i < count; ++i) {
         result[i * resultStep] =
@@ -157,7 +140,7 @@ public:
         size = count;
         for (std::size_t k = 0; k < correlation.inputCount; ++k) {
             double* x = scaled.data() + k * blockPoints;
-            correlation.scale(k, points[k] + first, size, 1, x);
+            correlation.scale(k, points[k] + first, size, x);
             // The padding of the last lanes repeats a point.
             std::fill(x + size, x + AlignedBuffer::padded(size), x[0]);
         }
@@ -208,11 +191,6 @@ void MaternCorrelation::addWeightedGradients(const std::vector<const double*>& p
     }
 }
 
-std::size_t MaternCorrelation::correlationStride() const
-{
-    return AlignedBuffer::padded(caseCount);
-}
-
 // Correlations are symmetric: here the cases fill the registers, and the points come one by one.
 
 void MaternCorrelation::correlate(const std::vector<const double*>& points, std::size_t count,
@@ -220,7 +198,7 @@ void MaternCorrelation::correlate(const std::vector<const double*>& points, std:
 {
     std::vector<double> rows(count * inputCount);
     for (std::size_t k = 0; k < inputCount; ++k) {
-        scale(k, points[k], count, inputCount, rows.data() + k);
+        scale(k, points[k], count, rows.data() + k, inputCount);
     }
     MaternKernels::correlate({scaledColumns.data(), stride, correlationStride()},
                              {rows.data(), inputCount, count, isCapped}, result,
@@ -231,20 +209,9 @@ void MaternCorrelation::correlateInput(std::size_t input, const double* coordina
                                        std::size_t count, double* result) const
 {
     std::vector<double> scaled(count);
-    scale(input, coordinates, count, 1, scaled.data());
+    scale(input, coordinates, count, scaled.data());
     MaternKernels::correlate({scaledColumns.data() + input * stride, stride, correlationStride()},
                              {scaled.data(), 1, count, isCapped}, result, correlationStride());
-}
-
-const double* MaternCorrelation::scaledCases(std::size_t input) const
-{
-    return scaledColumns.data() + input * stride;
-}
-
-void MaternCorrelation::scale(std::size_t input, const double* coordinates, std::size_t count,
-                              double* result) const
-{
-    scale(input, coordinates, count, 1, result);
 }
 
 MaternCorrelation MaternCorrelation::reordered(const std::vector<std::size_t>& order) const

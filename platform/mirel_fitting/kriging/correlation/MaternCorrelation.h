@@ -22,8 +22,8 @@ public:
     /** @param coordinates by columns, `cases` values for each of the inputs; copied. */
     MaternCorrelation(std::size_t cases, std::size_t inputs, const double* coordinates);
 
-    std::size_t cases() const;
-    std::size_t inputs() const;
+    std::size_t cases() const { return caseCount; }
+    std::size_t inputs() const { return inputCount; }
 
     /** @param lengths one positive number per input, in the unit of its coordinates; infinity for
      *                 an input without influence. */
@@ -37,7 +37,7 @@ public:
     void fillLower(std::size_t first, std::size_t last, double* matrix) const;
 
     /** Length of a column of the products below: cases(), padded. */
-    std::size_t productStride() const;
+    std::size_t productStride() const { return stride; }
 
     /**
      * Both sums of a likelihood's gradient over the derivatives dc_ij / d ln(length_k), in one
@@ -73,7 +73,7 @@ public:
                               const double* weights, const std::vector<double*>& gradients) const;
 
     /** Distance between the rows that correlate() writes: cases(), padded to whole registers. */
-    std::size_t correlationStride() const;
+    std::size_t correlationStride() const { return AlignedBuffer::padded(caseCount); }
 
     /** result[i * correlationStride() + j] = c(point i, case j); `result` is aligned like
      *  AlignedBuffer. */
@@ -84,11 +84,15 @@ public:
     void correlateInput(std::size_t input, const double* coordinates, std::size_t count,
                         double* result) const;
 
-    /** The coordinates of one input in units of length / sqrt(5): those of the cases, and those of
-     *  points, clamped to where correlations are 0 so that no square overflows. */
-    const double* scaledCases(std::size_t input) const;
-    void scale(std::size_t input, const double* coordinates, std::size_t count,
-               double* result) const;
+    /** The coordinates of one input at the cases, in units of length / sqrt(5). */
+    const double* scaledCases(std::size_t input) const
+    {
+        return scaledColumns.data() + input * stride;
+    }
+    /** result[i * resultStep] = coordinate i of a point in these units, clamped to where
+     *  correlations are 0 so that no polynomial overflows. */
+    void scale(std::size_t input, const double* coordinates, std::size_t count, double* result,
+               std::size_t resultStep = 1) const;
 
     /** The same cases in another order: `order[j]` is the present number of case j. */
     MaternCorrelation reordered(const std::vector<std::size_t>& order) const;
@@ -98,8 +102,6 @@ private:
 
     void scaleCases();
     MaternKernels::Cases casesFrom(std::size_t first, std::size_t count) const;
-    void scale(std::size_t input, const double* coordinates, std::size_t count,
-               std::size_t resultStep, double* result) const;
 
     std::size_t caseCount;
     std::size_t inputCount;

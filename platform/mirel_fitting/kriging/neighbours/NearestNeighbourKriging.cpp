@@ -230,12 +230,6 @@ public:
 
     /** @param found receives how many cases were used. */
     Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
-                       std::size_t index, std::size_t& found) const
-    {
-        return predict(workspace, points, index, factors, parameters.nugget, found);
-    }
-
-    Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
                        std::size_t index, const std::vector<double>& scales, double nugget,
                        std::size_t& found) const
     {
@@ -290,7 +284,8 @@ void NearestNeighbourKriging::add(const std::vector<const double*>& points, std:
 {
     const PointWork work = [&](Workspace& workspace, std::size_t i) {
         std::size_t found;
-        result[i] += impl->predict(workspace, points, i, found).mean;
+        result[i] +=
+            impl->predict(workspace, points, i, impl->factors, impl->parameters.nugget, found).mean;
     };
     forPoints(count, impl->neighbours, impl->inputs, work);
 }
@@ -301,7 +296,7 @@ void NearestNeighbourKriging::addGradients(const std::vector<const double*>& poi
 {
     const PointWork work = [&](Workspace& workspace, std::size_t i) {
         std::size_t found;
-        impl->predict(workspace, points, i, found);
+        impl->predict(workspace, points, i, impl->factors, impl->parameters.nugget, found);
         workspace.kriging.differentiate(impl->inputs, found, workspace.point.data());
         for (std::size_t k = 0; k < impl->inputs; ++k) {
             gradients[k][i] += workspace.point[k] * impl->factors[k] / impl->metric[k];

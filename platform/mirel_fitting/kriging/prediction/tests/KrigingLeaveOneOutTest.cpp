@@ -1,28 +1,14 @@
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
 
-#include "KrigingTestSupport.h"
+#include "KrigingWaveTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+using namespace wavetest;
+
 namespace {
-
-double wave(const std::vector<double>& x)
-{
-    return std::sin(4.0 * x[0]) + x[0] * x[1] + 0.3 * std::cos(6.0 * x[1]);
-}
-
-/** Of cases of `wave`, with given lengths and nugget. */
-KrigingSurrogateModel fitted(const Columns& inputs, int trendOrder, double nugget)
-{
-    KrigingArguments arguments;
-    arguments.correlationLengths = {0.4, 0.9};
-    arguments.trendOrder = trendOrder;
-    arguments.nugget = nugget;
-    arguments.nuggetMode = 1;
-    return arguments.model(inputs, {valuesOf(wave, inputs)});
-}
 
 double errorOfNewCase(const KrigingSurrogateModel& model, Columns point)
 {
@@ -34,21 +20,21 @@ double errorOfNewCase(const KrigingSurrogateModel& model, Columns point)
 TEST(KrigingLeaveOneOut, EqualsRefitsWithoutEachCaseOfTheSameLengthsAndNugget)
 {
     for (const int order : {0, 1}) {
-        const Columns inputs = latinHypercube(12, 2, 3);
-        const KrigingSurrogateModel model = fitted(inputs, order, 0.01);
-        const std::vector<double> output = valuesOf(wave, inputs);
+        const Given given;
+        const KrigingSurrogateModel model = given.model(order, 0.01);
+        const std::vector<double> output = valuesOf(wave, given.inputs);
 
         const std::vector<LeaveOneOutPrediction> left = model.leaveOneOutPredictions(0);
 
         ASSERT_EQ(left.size(), output.size());
         for (std::size_t row = 0; row < left.size(); ++row) {
-            Columns others = inputs;
+            Given others;
             Columns point;
-            for (std::vector<double>& column : others) {
+            for (std::vector<double>& column : others.inputs) {
                 point.push_back({column[row]});
                 column.erase(column.begin() + static_cast<long>(row));
             }
-            const KrigingSurrogateModel refit = fitted(others, order, 0.01);
+            const KrigingSurrogateModel refit = others.model(order, 0.01);
             // The variance of the process is that of all cases.
             const double variances =
                 model.krigingReport(0).processVariance / refit.krigingReport(0).processVariance;
