@@ -1,6 +1,27 @@
 #include <mirel_fitting/FittedModel.h>
 
+#include <cmath>
+
 FittedModel::~FittedModel() = default;
+
+double FittedModel::confidenceQuantile(int offset, double level) const
+{
+    return intervalQuantile(offset, level);
+}
+
+CalibrationReport FittedModel::calibrationReport(int offset) const
+{
+    std::vector<double> magnitudes;
+    for (const LeaveOneOutPrediction& one : leaveOneOutPredictions(offset)) {
+        const double magnitude = std::fabs(one.output - one.predicted) / one.standardError;
+        if (std::isfinite(magnitude)) {
+            magnitudes.push_back(magnitude);
+        }
+    }
+    CalibrationReport report;
+    report.addShares(magnitudes, [&](double level) { return intervalQuantile(offset, level); });
+    return report;
+}
 
 PredictionIntervals FittedModel::predictionIntervals(const std::vector<double*>& inputs, int offset,
                                                      double level, std::size_t count) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/CalibrationReport.h>
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/PredictiveModel.h>
 
@@ -47,12 +48,26 @@ public:
                                                     double level, std::size_t count) const;
 
     /**
-     * Half the width of an interval in standard errors: a two-sided quantile of Student's t with
-     * the residual degrees of freedom for a response surface, of the normal distribution for
-     * Kriging. With standard errors of the mean it gives confidence intervals.
+     * Half the width of a prediction interval in standard errors of an observation. From 40 cases
+     * on it is the quantile of |residual / its standard error| of left-out cases, which also holds
+     * where residuals are not normal or the standard errors too small (Dubrule, Math. Geology 15
+     * (1983); Bachoc, Comput. Stat. Data Anal. 66 (2013)); with fewer that of Student's t.
+     * calibrationReport() says which.
      * @throw Error as predictionIntervals().
      */
     virtual double intervalQuantile(int offset, double level) const = 0;
+
+    /**
+     * The same for confidence intervals, in standard errors of the mean: of Student's t with the
+     * residual degrees of freedom for a response surface. By default intervalQuantile(): of a
+     * model whose error is mostly not noise.
+     * @throw Error as predictionIntervals().
+     */
+    virtual double confidenceQuantile(int offset, double level) const;
+
+    /** What intervalQuantile() rests on. By default it is taken for that of a distribution, and
+     *  leaveOneOutPredictions() tell the shares. @throw Error as predictionIntervals(). */
+    virtual CalibrationReport calibrationReport(int offset) const;
 
     /** Rows ascending: all of them, or a random sample where a model of many cases keeps no more
      *  (at most 100 000). */

@@ -4,7 +4,9 @@
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/cases/KrigingCases.h>
+#include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
+#include <mirel_fitting/kriging/fit/KrigingIntervals.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/numerics/Distributions.h>
@@ -111,6 +113,18 @@ public:
             .first->second;
     }
 
+    const IntervalCalibration& calibration(int offset)
+    {
+        const KrigingFit& fitted = fit(offset);
+        const auto known = calibrations.find(offset);
+        if (known != calibrations.end()) {
+            return known->second;
+        }
+        const std::vector<double>& output = outputs[static_cast<std::size_t>(offset)];
+        const KrigingFitInput input{preparedCases(), output, options, OutputScale::of(output)};
+        return calibrations.emplace(offset, calibrateIntervals(input, fitted)).first->second;
+    }
+
     /** Sorting many cases takes its time: it is a part of the first fit, which reports and can be
      *  cancelled, and not of construction. */
     const KrigingCases& preparedCases()
@@ -134,6 +148,7 @@ public:
     std::vector<std::vector<double>> outputs;
     KrigingFitOptions options;
     std::map<int, KrigingFit> fits;
+    std::map<int, IntervalCalibration> calibrations; // of the outputs whose intervals were wanted
 };
 
 KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& independentColumns,
@@ -245,8 +260,12 @@ std::vector<double> KrigingSurrogateModel::standardErrors(const std::vector<doub
 double KrigingSurrogateModel::intervalQuantile(int offset, double level) const
 {
     Distributions::requireLevel(level);
-    impl->columns.requireOutput(offset);
-    return Distributions::normalQuantile(level);
+    return impl->calibration(offset).quantile(level);
+}
+
+CalibrationReport KrigingSurrogateModel::calibrationReport(int offset) const
+{
+    return impl->calibration(offset).report();
 }
 
 std::vector<LeaveOneOutPrediction> KrigingSurrogateModel::leaveOneOutPredictions(int offset) const

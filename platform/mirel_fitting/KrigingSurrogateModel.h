@@ -83,7 +83,9 @@ public:
      */
     std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
                                        ErrorKind kind, std::size_t count) const override;
+    /** The first call may refit the model to parts of the cases, with FitProgress like a fit. */
     double intervalQuantile(int offset, double level) const override;
+    CalibrationReport calibrationReport(int offset) const override;
 
     /**
      * With the lengths, the nugget and the process variance of all cases; the trend is estimated

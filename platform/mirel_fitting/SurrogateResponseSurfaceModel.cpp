@@ -5,6 +5,8 @@
 #include <mirel_fitting/numerics/Distributions.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
+#include <map>
+
 class SurrogateResponseSurfaceModel::Impl
 {
 public:
@@ -33,9 +35,19 @@ public:
         columns.requireEvaluation(inputs, {}, noOutputs, count);
     }
 
+    const IntervalCalibration& calibration(int offset)
+    {
+        const auto known = calibrations.find(offset);
+        return known != calibrations.end()
+                   ? known->second
+                   : calibrations.emplace(offset, fit.intervalCalibration(position(offset)))
+                         .first->second;
+    }
+
     ArgumentCheck columns;
     CaseRanges ranges;
-    ResponseSurfaceFit fit; // of the outputs that are finite
+    std::map<int, IntervalCalibration> calibrations; // of the outputs whose intervals were wanted
+    ResponseSurfaceFit fit;                          // of the outputs that are finite
 
 private:
     std::vector<double*> fittable(const std::vector<double*>& dependentColumns) const
@@ -161,12 +173,18 @@ SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& inputs
 double SurrogateResponseSurfaceModel::intervalQuantile(int offset, double level) const
 {
     Distributions::requireLevel(level);
-    const std::size_t freedom = impl->fit.degreesOfFreedom(impl->position(offset));
-    if (freedom == 0) {
-        throw Error("There are no prediction intervals: the polynomial has as many terms as there "
-                    "are cases, and none is left to tell the error by.");
-    }
-    return Distributions::studentQuantile(level, static_cast<double>(freedom));
+    return impl->calibration(offset).quantile(level);
+}
+
+double SurrogateResponseSurfaceModel::confidenceQuantile(int offset, double level) const
+{
+    Distributions::requireLevel(level);
+    return impl->calibration(offset).studentQuantile(level);
+}
+
+CalibrationReport SurrogateResponseSurfaceModel::calibrationReport(int offset) const
+{
+    return impl->calibration(offset).report();
 }
 
 std::vector<LeaveOneOutPrediction>

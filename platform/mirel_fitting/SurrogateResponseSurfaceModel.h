@@ -80,6 +80,8 @@ public:
     std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
                                        ErrorKind kind, std::size_t count) const override;
     double intervalQuantile(int offset, double level) const override;
+    double confidenceQuantile(int offset, double level) const override;
+    CalibrationReport calibrationReport(int offset) const override;
 
     /**
      * Equal to refits without each case, RMSE included: the standard error has one degree of

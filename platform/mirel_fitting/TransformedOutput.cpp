@@ -507,6 +507,16 @@ double TransformedOutput::intervalQuantile(int offset, double level) const
     return impl->inner->intervalQuantile(impl->fit(offset).innerOffset, level);
 }
 
+double TransformedOutput::confidenceQuantile(int offset, double level) const
+{
+    return impl->inner->confidenceQuantile(impl->fit(offset).innerOffset, level);
+}
+
+CalibrationReport TransformedOutput::calibrationReport(int offset) const
+{
+    return impl->inner->calibrationReport(impl->fit(offset).innerOffset);
+}
+
 std::vector<LeaveOneOutPrediction> TransformedOutput::leaveOneOutPredictions(int offset) const
 {
     return impl->leaveOneOutPredictions(offset, impl->fit(offset));

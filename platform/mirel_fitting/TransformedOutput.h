@@ -83,6 +83,8 @@ public:
                                             double level, std::size_t count) const override;
     /** Of the transform. */
     double intervalQuantile(int offset, double level) const override;
+    double confidenceQuantile(int offset, double level) const override;
+    CalibrationReport calibrationReport(int offset) const override;
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset) const override;
 
 private:

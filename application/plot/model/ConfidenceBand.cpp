@@ -28,5 +28,5 @@ ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std
                      [](double error) { return std::isfinite(error); })) {
         return {};
     }
-    return {model->intervalQuantile(offset, level), std::move(errors)};
+    return {model->confidenceQuantile(offset, level), std::move(errors)};
 }

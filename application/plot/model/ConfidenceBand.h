@@ -9,7 +9,7 @@ class CaseSession;
 struct ModelCut;
 
 /** Where the mean of an output lies with a probability of 95 %: within `quantile` standard errors
- * of the prediction; by Student's t for a response surface. */
+ * of the prediction. */
 struct SURROGATE_PLOT_EXPORT ConfidenceBand
 {
     double quantile = 0.0;

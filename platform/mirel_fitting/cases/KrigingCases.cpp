@@ -121,6 +121,19 @@ std::vector<std::size_t> KrigingCases::rowsAt(std::size_t point) const
             begin + static_cast<std::ptrdiff_t>(starts[point + 1])};
 }
 
+std::vector<std::vector<double>>
+KrigingCases::inputsAt(const std::vector<std::size_t>& points) const
+{
+    std::vector<std::vector<double>> columns(inputs, std::vector<double>(points.size(), 0.0));
+    for (std::size_t k = 0; k < active.size(); ++k) {
+        const double* coordinates = scaled.data() + k * pointCount();
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            columns[active[k]][i] = minima[k] + ranges[k] * coordinates[points[i]];
+        }
+    }
+    return columns;
+}
+
 const std::vector<std::size_t>& KrigingCases::activeInputs() const
 {
     return active;

@@ -28,6 +28,8 @@ public:
     std::size_t pointCount() const;
     /** The rows at a point, ascending. */
     std::vector<std::size_t> rowsAt(std::size_t point) const;
+    /** The inputs of these points, one column per input; 0 for an input that does not vary. */
+    std::vector<std::vector<double>> inputsAt(const std::vector<std::size_t>& points) const;
 
     /** The inputs that vary, ascending. */
     const std::vector<std::size_t>& activeInputs() const;

@@ -27,6 +27,9 @@ public:
     /** Cases minus distinct points. */
     std::size_t degreesOfFreedom() const { return pointOfCase.size() - points; }
 
+    /** Cases with the same number are replicates; numbers are less than the number of cases. */
+    std::size_t pointOf(std::size_t row) const { return any() ? pointOfCase[row] : row; }
+
     /** The sum of squares of an output about its means at the points; 0 without replicates.
      *  @param values one finite value per case, borrowed for the call. */
     double withinSquares(const double* values) const;

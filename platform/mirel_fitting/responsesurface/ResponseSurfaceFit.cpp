@@ -1,6 +1,6 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
-#include <mirel_fitting/cases/ReplicatedCases.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
 #include <mirel_fitting/responsesurface/TermSelection.h>
@@ -58,7 +58,7 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
             varying.push_back(inputs[input]);
         }
     }
-    const ReplicatedCases replicated(varying, cases);
+    replicated = ReplicatedCases(varying, cases);
     std::vector<double> scaled(replicated.any() ? cases : 0);
     for (std::size_t k = 0; k < outputs.size() && replicated.any(); ++k) {
         fits[k].output().scale.apply(outputs[k], cases, scaled.data());
@@ -200,6 +200,18 @@ ResponseSurfaceFit::leaveOneOutPredictions(std::size_t output) const
 std::size_t ResponseSurfaceFit::degreesOfFreedom(std::size_t output) const
 {
     return fits[output].fit->degreesOfFreedom();
+}
+
+IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) const
+{
+    const std::size_t freedom = degreesOfFreedom(output);
+    if (freedom == 0) {
+        throw SurrogateModelInterface::Error(
+            "There are no prediction intervals: the polynomial has as many terms as there are "
+            "cases, and none is left to tell the error by.");
+    }
+    return {static_cast<double>(freedom),
+            fits[output].analysis().studentisedDeletedResiduals(replicated)};
 }
 
 std::vector<double> ResponseSurfaceFit::standardErrors(std::size_t output,

@@ -5,7 +5,9 @@
 #include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/InputNames.h>
+#include <mirel_fitting/numerics/IntervalCalibration.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
 #include <mirel_fitting/responsesurface/PolynomialForm.h>
@@ -46,6 +48,8 @@ public:
     ResponseSurfaceStatistics statistics(std::size_t output, double level) const;
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(std::size_t output) const;
     std::size_t degreesOfFreedom(std::size_t output) const;
+    /** @throw SurrogateModelInterface::Error without residual degrees of freedom. */
+    IntervalCalibration intervalCalibration(std::size_t output) const;
 
     /** @param points one array of `count` values per input, borrowed for the call. */
     std::vector<double> standardErrors(std::size_t output, const std::vector<double*>& points,
@@ -74,5 +78,6 @@ private:
     PolynomialForm fittedForm;                   // lowered as the cases need
     std::shared_ptr<const PolynomialFit> common; // of all outputs, before any selection of terms
     std::vector<OutputFit> fits;
+    ReplicatedCases replicated; // none of more than maxSampled cases
     std::unique_ptr<const PolynomialPredictor> polynomials;
 };

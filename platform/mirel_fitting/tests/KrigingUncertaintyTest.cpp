@@ -197,7 +197,7 @@ TEST(KrigingUncertainty, HasTheSameBitsForAnyNumberOfThreads)
     EXPECT_EQ(one, three);
 }
 
-TEST(KrigingUncertainty, GivesIntervalsThatAreTwoTailsOfANormalDistribution)
+TEST(KrigingUncertainty, GivesIntervalsOfStudentsTForFewCases)
 {
     const KrigingSurrogateModel model = Given().model(1, 0.01);
     Columns points = somePoints;
@@ -207,11 +207,35 @@ TEST(KrigingUncertainty, GivesIntervalsThatAreTwoTailsOfANormalDistribution)
     const std::vector<double> middle = predictions(model, points);
     const std::vector<double> errors = standardErrors(model, points, Kind::Observation);
     for (std::size_t i = 0; i < middle.size(); ++i) {
-        // The 97.5 % point of the standard normal distribution.
-        EXPECT_NEAR(found.lower[i], middle[i] - 1.959963984540054 * errors[i], 1e-12);
-        EXPECT_NEAR(found.upper[i], middle[i] + 1.959963984540054 * errors[i], 1e-12);
+        // qt(0.975, 9), for 12 cases and 3 terms of the trend.
+        EXPECT_NEAR(found.lower[i], middle[i] - 2.2621571627982 * errors[i], 1e-12);
+        EXPECT_NEAR(found.upper[i], middle[i] + 2.2621571627982 * errors[i], 1e-12);
     }
-    EXPECT_NEAR(model.intervalQuantile(0, 0.95), 1.959963984540054, 1e-14);
+    EXPECT_NEAR(model.intervalQuantile(0, 0.95), 2.2621571627982, 1e-12);
+    EXPECT_EQ(model.calibrationReport(0).basis, CalibrationReport::Basis::Distribution);
+}
+
+TEST(KrigingUncertainty, CalibratesIntervalsByLeftOutCasesFromFortyOn)
+{
+    KrigingArguments arguments;
+    arguments.correlationLengths = {0.3, 0.3};
+    arguments.nuggetMode = 1;
+    arguments.nugget = 1.0; // far more than these smooth cases have
+    const Columns inputs = latinHypercube(60, 2, 3);
+    const KrigingSurrogateModel model = arguments.model(inputs, {valuesOf(wave, inputs)});
+
+    const CalibrationReport report = model.calibrationReport(0);
+
+    EXPECT_EQ(report.basis, CalibrationReport::Basis::LeaveOneOut);
+    EXPECT_LT(report.factor, 0.9);
+    EXPECT_EQ(model.confidenceQuantile(0, 0.95), model.intervalQuantile(0, 0.95));
+    std::size_t held = 0;
+    for (const LeaveOneOutPrediction& one : model.leaveOneOutPredictions(0)) {
+        const double reach = model.intervalQuantile(0, 0.8) * one.standardError;
+        held += std::fabs(one.output - one.predicted) <= reach ? 1 : 0;
+    }
+    EXPECT_NEAR(static_cast<double>(held) / 60.0, 0.8, 0.02);
+    EXPECT_EQ(report.shares[1].held, static_cast<double>(held) / 60.0);
 }
 
 TEST(KrigingUncertainty, RefusesALevelThatIsNoProbability)

@@ -45,10 +45,30 @@ TEST(ResponseSurfaceUncertainty, GivesTheIntervalsOfR)
     expectFigure(found.upper[1], 6.37766390539257, "upper outside");
     // qt(0.975, 5)
     EXPECT_NEAR(model.intervalQuantile(0, 0.95), 2.570581835636314, 1e-13);
+    EXPECT_NEAR(model.confidenceQuantile(0, 0.95), 2.570581835636314, 1e-13);
     expectFigure(standardError(model, {{30}, {5}}, FittedModel::ErrorKind::Mean), 0.387107042865106,
                  "standard error inside");
     expectFigure(standardError(model, {{100}, {1}}, FittedModel::ErrorKind::Mean),
                  2.229695439941187, "standard error outside");
+}
+
+TEST(ResponseSurfaceUncertainty, CalibratesIntervalsButNotConfidenceLimitsFromFortyCasesOn)
+{
+    // Every twentieth case is an outlier: the others scatter less than a normal distribution with
+    // the same deviation would.
+    Cases cases = twoInputs(200, 0.01);
+    for (std::size_t row = 0; row < 200; row += 20) {
+        cases.outputs[0][row] += row % 40 == 0 ? 5.0 : -5.0;
+    }
+    const Model model = fit(cases);
+
+    // qt(0.75, 194) and qt(0.975, 194)
+    EXPECT_NEAR(model.confidenceQuantile(0, 0.5), 0.675756474554, 1e-10);
+    EXPECT_NEAR(model.confidenceQuantile(0, 0.95), 1.97226753258, 1e-10);
+    EXPECT_LT(model.intervalQuantile(0, 0.5), 0.5);
+    EXPECT_GT(model.intervalQuantile(0, 0.99), 3.0);
+    EXPECT_EQ(model.calibrationReport(0).basis, CalibrationReport::Basis::LeaveOneOut);
+    EXPECT_EQ(model.calibrationReport(0).cases, 200u);
 }
 
 TEST(ResponseSurfaceUncertainty, RefusesALevelThatIsNoProbability)

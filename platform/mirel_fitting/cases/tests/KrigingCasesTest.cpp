@@ -44,6 +44,13 @@ TEST(KrigingCases, LeavesOutConstantInputs)
     EXPECT_EQ(cases.coordinates(), (std::vector<double>{0.0, 1.0, 1.0, 0.0}));
 }
 
+TEST(KrigingCases, GivesTheInputsOfPoints)
+{
+    const KrigingCases cases = casesOf({{1.0, 3.0, 2.0}, {5.0, 5.0, 5.0}, {4.0, 3.0, 8.0}});
+
+    EXPECT_EQ(cases.inputsAt({2, 0}), (Columns{{3.0, 1.0}, {0.0, 0.0}, {3.0, 4.0}}));
+}
+
 TEST(KrigingCases, GathersRowsWithTheSameInputs)
 {
     const KrigingCases cases = casesOf({{2.0, 1.0, 2.0, 2.0}, {0.0, 0.0, 0.0, 9.0}});

@@ -38,6 +38,15 @@ TEST(ReplicatedCases, SumSquaresAboutTheMeanOfEachPoint)
     EXPECT_EQ(cases.withinSquares(Column{1, 10, 2, 7, 14, 6}.data()), 14.0 + 8.0);
 }
 
+TEST(ReplicatedCases, HaveTheSameNumber)
+{
+    const ReplicatedCases cases = replicated({{0, 1, 0, 2}}, 4);
+
+    EXPECT_EQ(cases.pointOf(0), cases.pointOf(2));
+    EXPECT_NE(cases.pointOf(0), cases.pointOf(1));
+    EXPECT_EQ(replicated({{0, 1}}, 2).pointOf(1), 1u);
+}
+
 TEST(ReplicatedCases, LoseNoDigitsOfOutputsFarFromZero)
 {
     const ReplicatedCases cases = replicated({{0, 0, 0}}, 3);

@@ -1,17 +1,15 @@
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 #include <mirel_fitting/kriging/fit/DistinctCases.h>
+#include <mirel_fitting/kriging/fit/ExactKriging.h>
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/fit/LargeKrigingFit.h>
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
-#include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <memory>
 #include <numeric>
@@ -25,47 +23,6 @@ KrigingEstimate estimate(const KrigingFitInput& input, std::shared_ptr<const Kri
 {
     const FitProgress::Portion portion(0.0, work);
     return {input, std::move(trend), std::move(data)};
-}
-
-/**
- * Removes the nugget from the weights if it only keeps the factorisation stable.
- * @return whether the model interpolates the cases: not if the lengths are too long for how the
- *         output changes between them.
- */
-bool removeNugget(const KrigingFitInput& input, const KrigingSearchResult& found,
-                  KrigingLikelihood& likelihood)
-{
-    constexpr double tolerance = 1e-3; // root mean square residual, of the standardised output
-
-    if (input.isNuggetWanted() || found.isNuggetRaised ||
-        found.parameters.nugget > SearchPolicy().soundNugget) {
-        return false;
-    }
-    likelihood.refineWithoutNugget();
-    const std::vector<double> residuals = likelihood.residuals();
-    double squares = 0.0;
-    for (const double residual : residuals) {
-        squares += residual * residual;
-    }
-    return std::sqrt(squares / static_cast<double>(residuals.size())) <= tolerance;
-}
-
-FittedKriging modelOf(const KrigingFitInput& input, const KrigingEstimate& estimated,
-                      const KrigingLikelihood& likelihood, bool interpolates)
-{
-    const std::shared_ptr<const KrigingData> data = estimated.data();
-    const KrigingParameters& parameters = estimated.result().parameters;
-    FittedKriging model = input.emptyModel(estimated.trend(), data);
-    model.processVariance = likelihood.processVariance();
-    model.nugget = parameters.nugget;
-    model.interpolates = interpolates;
-    auto correlation =
-        std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
-    correlation->setLengths(parameters.lengths);
-    model.correlation = std::move(correlation);
-    model.coefficients = likelihood.coefficients();
-    model.weights = likelihood.weights();
-    return model;
 }
 
 void addErrors(KrigingFit& fit, const DistinctCases& distinct, const KrigingData& data,
@@ -93,24 +50,17 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     const std::shared_ptr<const KrigingData> data = estimated.data();
 
     const FitProgress::Portion progress(estimating, 1.0, "Measuring the fit");
-    KrigingLikelihood likelihood(data);
-    likelihood.evaluate(found.parameters.lengths, found.parameters.nugget);
-    const bool interpolates = removeNugget(input, found, likelihood);
+    ExactKriging exact(input, estimated.trend(), data, found);
+    KrigingLikelihood& likelihood = exact.likelihood;
 
-    KrigingFit fit{KrigingPredictor(modelOf(input, estimated, likelihood, interpolates)),
-                   {},
-                   {},
-                   {},
-                   {},
-                   {},
-                   {}};
+    KrigingFit fit{KrigingPredictor(exact.model), {}, {}, {}, {}, {}, {}};
     const KrigingFitReport report = input.report();
     report.addCorrelation(fit, found, likelihood.conditionEstimate());
     report.addLikelihood(fit, found, data->rowCount());
     report.addTrend(fit, *estimated.trend(), likelihood.coefficients());
     addErrors(fit, distinct, *data, likelihood, found.parameters.nugget);
     estimated.warn(fit);
-    distinct.warnOfConflicts(interpolates, fit.warnings);
+    distinct.warnOfConflicts(exact.model.interpolates, fit.warnings);
     return fit;
 }
 

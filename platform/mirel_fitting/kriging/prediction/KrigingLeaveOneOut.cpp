@@ -70,15 +70,7 @@ KrigingLeaveOneOut::predictions(const KrigingCases& cases, const KrigingPredicto
     if (points.empty()) {
         return result;
     }
-    std::vector<std::vector<double>> columns(cases.inputCount(),
-                                             std::vector<double>(points.size(), 0.0));
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        const double* coordinates = cases.coordinates().data() + k * cases.pointCount();
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            columns[cases.activeInputs()[k]][i] =
-                cases.minimum()[k] + cases.range()[k] * coordinates[points[i]];
-        }
-    }
+    std::vector<std::vector<double>> columns = cases.inputsAt(points);
     std::vector<double*> inputs;
     for (std::vector<double>& column : columns) {
         inputs.push_back(column.data());

@@ -121,3 +121,43 @@ TEST(ResponseSurfaceAnalysis, HasNoAiccForHardlyMoreCasesThanTerms)
     EXPECT_TRUE(std::isfinite(ResponseSurfaceAnalysis::aicc(1.0, 5, 2)));
     EXPECT_TRUE(std::isnan(ResponseSurfaceAnalysis(fit(fourOnALine(), 1), 0, {}).aicc()));
 }
+
+TEST(ResponseSurfaceAnalysis, StudentisesDeletedResiduals)
+{
+    const PolynomialFit line = fit(fourOnALine(), 1);
+    const ResponseSurfaceAnalysis analysis(line, 0, {});
+
+    const std::vector<double> found = analysis.studentisedDeletedResiduals({});
+
+    const std::vector<LeaveOneOutPrediction> left = analysis.leaveOneOutPredictions();
+    ASSERT_EQ(found.size(), 4u);
+    for (std::size_t k = 0; k < 4; ++k) {
+        EXPECT_NEAR(found[k], (left[k].output - left[k].predicted) / left[k].standardError, 1e-12);
+    }
+}
+
+TEST(ResponseSurfaceAnalysis, DeletesReplicatesTogether)
+{
+    Cases cases{{{0.0, 1.0, 1.0, 1.0, 2.0, 3.0}}, {{4.0, 0.0, 3.0, 1.5, 3.0, 8.0}}};
+    const PolynomialFit line = fit(cases, 1);
+    const ReplicatedCases replicated({cases.inputs[0].data()}, 6);
+
+    const std::vector<double> found =
+        ResponseSurfaceAnalysis(line, 0, {}).studentisedDeletedResiduals(replicated);
+
+    // The line through the other cases, whose mean output is 5.
+    const PolynomialFit others = fit({{{0.0, 2.0, 3.0}}, {{4.0, 3.0, 8.0}}}, 1);
+    Column point = {1.0};
+    double variance = 0.0;
+    others.variances({point.data()}, 1, &variance);
+    const double meanX = 5.0 / 3.0;
+    const double slope =
+        (4.0 * (0.0 - meanX) + 3.0 * (2.0 - meanX) + 8.0 * (3.0 - meanX)) /
+        (meanX * meanX + (2.0 - meanX) * (2.0 - meanX) + (3.0 - meanX) * (3.0 - meanX));
+    const double prediction = 5.0 + slope * (1.0 - meanX);
+    const double error =
+        ResponseSurfaceAnalysis(others, 0, {}).metrics().rmse * std::sqrt(1.0 + variance);
+    for (const std::size_t row : {1, 2, 3}) {
+        EXPECT_NEAR(found[row], (cases.outputs[0][row] - prediction) / error, 1e-12) << row;
+    }
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <mirel_fitting/Export.h>
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+/** How the width of prediction intervals was found, and which share of left-out cases they hold. */
+struct MIREL_FITTING_EXPORT CalibrationReport
+{
+    /** What the width was found from. */
+    enum class Basis
+    {
+        Distribution, ///< Student's t alone, or what the model says: few cases
+        LeaveOneOut,  ///< residuals of single cases left out, with the parameters of all cases
+        Refits        ///< residuals of cases left out together, with parameters of the others
+    };
+
+    Basis basis = Basis::Distribution;
+    /** Half the width of a 95 % interval over that by Student's t. */
+    double factor = 1.0;
+    std::size_t cases = 0; ///< that were left out and predicted
+
+    struct Share
+    {
+        double level; ///< of the interval, such as 0.95
+        double held;  ///< the fraction of the cases inside of it
+    };
+    /** Of the 50, 80, 95 and 99 % intervals; empty without left-out cases. */
+    std::vector<Share> shares;
+
+    /**
+     * @param magnitudes one per left-out case: |residual / its standard error|.
+     * @param quantile   of a level: half the width of its interval in standard errors.
+     */
+    void addShares(const std::vector<double>& magnitudes,
+                   const std::function<double(double)>& quantile);
+};

@@ -1,0 +1,82 @@
+#include <mirel_fitting/kriging/fit/KrigingRefits.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/kriging/fit/ExactKriging.h>
+#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+#include <mirel_fitting/kriging/search/KrigingSearch.h>
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+#include <random>
+
+namespace {
+
+/** The fold of each point. */
+std::vector<std::size_t> randomFolds(std::size_t points, std::size_t folds)
+{
+    std::vector<std::size_t> foldOfPoint(points);
+    for (std::size_t i = 0; i < points; ++i) {
+        foldOfPoint[i] = i % folds;
+    }
+    std::mt19937_64 generator(points);
+    for (std::size_t i = points; i > 1; --i) {
+        std::swap(foldOfPoint[i - 1], foldOfPoint[generator() % i]);
+    }
+    return foldOfPoint;
+}
+
+KrigingPredictor refitted(const KrigingFitInput& input, const FittedKriging& model,
+                          const std::vector<std::size_t>& points)
+{
+    // From parameters that suit all points, the first steps bring most of what there is to gain.
+    constexpr int steps = 2;
+
+    auto data = std::make_shared<KrigingData>(model.data->subset(points));
+    // Terms that are independent at all points need not be so at these.
+    const std::size_t otherParameters = data->inputs + 1;
+    auto trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
+                                                model.trend->order(), otherParameters);
+    data->terms = trend->size();
+    data->trend = trend->matrix();
+    KrigingSearchSettings settings = input.searchSettings();
+    settings.starts = {{model.correlation->lengths(), model.nugget}};
+    settings.maxSteps = steps;
+    const KrigingSearchResult found = KrigingSearch::run(data, settings);
+    return KrigingPredictor(ExactKriging(input, std::move(trend), data, found).model);
+}
+
+} // namespace
+
+std::vector<double> KrigingRefits::residuals(const KrigingFitInput& input,
+                                             const FittedKriging& model, std::size_t folds)
+{
+    const std::vector<std::size_t> foldOfPoint = randomFolds(model.data->cases, folds);
+    std::vector<double> result(input.output.size());
+    for (std::size_t fold = 0; fold < folds; ++fold) {
+        const FitProgress::Portion portion(static_cast<double>(fold) / static_cast<double>(folds),
+                                           static_cast<double>(fold + 1) /
+                                               static_cast<double>(folds));
+        std::vector<std::size_t> others;
+        std::vector<std::size_t> leftOut;
+        for (std::size_t point = 0; point < foldOfPoint.size(); ++point) {
+            (foldOfPoint[point] == fold ? leftOut : others).push_back(point);
+        }
+        const KrigingPredictor predictor = refitted(input, model, others);
+        std::vector<std::vector<double>> inputs = input.cases.inputsAt(leftOut);
+        std::vector<double*> columns;
+        for (std::vector<double>& column : inputs) {
+            columns.push_back(column.data());
+        }
+        std::vector<double> predictions(leftOut.size());
+        std::vector<double> errors(leftOut.size());
+        predictor.predict(columns, 0, leftOut.size(), predictions.data());
+        predictor.standardErrors(columns, leftOut.size(), true, errors.data());
+        for (std::size_t i = 0; i < leftOut.size(); ++i) {
+            for (const std::size_t row : input.cases.rowsAt(leftOut[i])) {
+                result[row] = (input.output[row] - predictions[i]) / errors[i];
+            }
+        }
+    }
+    return result;
+}

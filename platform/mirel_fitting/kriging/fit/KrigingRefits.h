@@ -1,0 +1,27 @@
+#pragma once
+
+#include <mirel_fitting/kriging/fit/KrigingFitInput.h>
+#include <mirel_fitting/kriging/prediction/FittedKriging.h>
+
+#include <cstddef>
+#include <vector>
+
+/**
+ * Cross-validation of a Kriging model with the parameters estimated anew: those of all cases know
+ * the cases that leave-one-out leaves out, and flatter it.
+ */
+class KrigingRefits
+{
+public:
+    /**
+     * The points are split into folds at random, rows with the same inputs together. Each fold is
+     * predicted by a model of the others, whose lengths and nugget a few steps of the search adapt,
+     * from those of all points. Reports to FitProgress.
+     * @param model of all points, with a correlation and without neighbours.
+     * @param folds at most as many as points.
+     * @return one per row: residual over the standard error of an observation.
+     * @throw SurrogateModelInterface::Error like KrigingSearch::run().
+     */
+    static std::vector<double> residuals(const KrigingFitInput& input, const FittedKriging& model,
+                                         std::size_t folds);
+};

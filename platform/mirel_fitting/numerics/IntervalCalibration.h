@@ -1,0 +1,48 @@
+#pragma once
+
+#include <mirel_fitting/CalibrationReport.h>
+
+#include <vector>
+
+/**
+ * Half the width of prediction intervals in standard errors: quantiles of |residual / its standard
+ * deviation| of cases that were left out and predicted, where there are enough of them, those of
+ * Student's t otherwise. The k-th smallest of n such magnitudes stands for the level k / (n + 1),
+ * the probability that one more of the same distribution is not larger, whatever that distribution
+ * is (Vovk, Gammerman, Shafer: Algorithmic Learning in a Random World, Springer 2005). Bachoc:
+ * Cross validation and maximum likelihood estimations of hyper-parameters of Gaussian processes
+ * with model misspecification, Comput. Stat. Data Anal. 66 (2013).
+ */
+class IntervalCalibration
+{
+public:
+    using Basis = CalibrationReport::Basis;
+
+    /** With fewer left-out cases the quantile of 80 % would lie among the eight largest: Student's
+     *  t is used. */
+    static constexpr std::size_t fewestCases = 40;
+
+    /**
+     * @param degreesOfFreedom positive.
+     * @param standardised     residuals over their standard deviations, of cases that were left
+     *                         out; those that are not finite do not count.
+     * @param basis            how these were left out.
+     */
+    IntervalCalibration(double degreesOfFreedom, const std::vector<double>& standardised,
+                        Basis basis = Basis::LeaveOneOut);
+
+    /** Increases with the level. @param level between 0 and 1. */
+    double quantile(double level) const;
+
+    /** As if nothing was left out: increases with the level, too. */
+    double studentQuantile(double level) const;
+
+    CalibrationReport report() const;
+
+private:
+    double empiricalQuantile(double level) const;
+
+    double degreesOfFreedom;
+    std::vector<double> magnitudes; // ascending
+    Basis basis;
+};
