@@ -133,66 +133,13 @@ TEST(KrigingSurrogateModel, EstimatesEverythingWithALinearTrendByDefault)
     EXPECT_EQ(byDefault.qualityMetricInformation(0), oneByOne.qualityMetricInformation(0));
 }
 
-TEST(KrigingSurrogateModel, OwnsWhatItNeeds)
-{
-    auto inputs = std::make_unique<Columns>(someInputs());
-    auto outputs = std::make_unique<Columns>(someOutputs());
-    const KrigingSurrogateModel model(pointersTo(*inputs), pointersTo(*outputs), 30, 1e-4, {}, 1,
-                                      0.5, 0.0, 0);
-    const std::vector<double> expected =
-        predictions(KrigingArguments().model(someInputs(), someOutputs()), {{0.3}, {0.4}});
-
-    // The columns end before the first fit, which is made when it is wanted.
-    std::fill((*outputs)[0].begin(), (*outputs)[0].end(), notANumber);
-    inputs.reset();
-    outputs.reset();
-
-    EXPECT_EQ(predictions(model, {{0.3}, {0.4}}), expected);
-    EXPECT_FALSE(model.qualityMetricInformation(0).empty());
-}
-
-TEST(KrigingSurrogateModel, IgnoresOutputsThatAreNotFiniteUntilTheyAreWanted)
+TEST(KrigingSurrogateModel, RefusesANegativeNumberOfCases)
 {
     Columns outputs = someOutputs();
-    outputs.push_back(outputs[0]);
-    outputs[1][3] = std::numeric_limits<double>::infinity();
-    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
 
-    model.activateDependentVariables({0});
-
-    EXPECT_TRUE(std::isfinite(predictions(model, {{0.3}, {0.4}})[0]));
-    const std::string sentence =
-        "The output at offset 1 holds a value that is not finite in case 4.";
-    EXPECT_EQ(refusal([&] { model.activateDependentVariables({0, 1}); }), sentence);
-    EXPECT_EQ(refusal([&] { predictions(model, {{0.3}, {0.4}}, 1); }), sentence);
-    EXPECT_EQ(refusal([&] { model.qualityMetricInformation(1); }), sentence);
-    EXPECT_EQ(refusal([&] { model.surfaceCoefficientInformation(1); }), sentence);
-    EXPECT_EQ(refusal([&] { model.fitMetrics(1); }), sentence);
-    EXPECT_EQ(refusal([&] { model.fitWarnings(1); }), sentence);
-    EXPECT_EQ(refusal([&] { model.krigingReport(1); }), sentence);
-}
-
-TEST(KrigingSurrogateModel, RefusesFaultyColumnsAtOnce)
-{
-    Columns inputs = someInputs();
-    inputs[1][2] = notANumber;
-    std::vector<double*> null = {nullptr};
-    Columns outputs = someOutputs();
-
-    EXPECT_EQ(refusal([&] { KrigingArguments().model(inputs, someOutputs()); }),
-              "The input V2 holds a value that is not finite in case 3.");
-    EXPECT_NE(refusal([&] {
-                  KrigingSurrogateModel(null, pointersTo(outputs), 30, 1e-4, {}, 1, 0.5, 0.0, 0);
-              }),
-              "");
-    EXPECT_NE(refusal([&] {
-                  KrigingSurrogateModel({}, pointersTo(outputs), 0, 1e-4, {}, 1, 0.5, 0.0, 0);
-              }),
-              "");
-    EXPECT_EQ(refusal([&] {
-                  KrigingSurrogateModel({}, pointersTo(outputs), -3, 1e-4, {}, 1, 0.5, 0.0, 0);
-              }),
-              "A model cannot be fitted to -3 cases.");
+    EXPECT_EQ(
+        refusal([&] { KrigingSurrogateModel({}, pointersTo(outputs), -3, KrigingOptions()); }),
+        "A model cannot be fitted to -3 cases.");
 }
 
 TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
@@ -238,67 +185,6 @@ TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)
     const KrigingSurrogateModel model = KrigingArguments().model(inputs, outputs);
 
     EXPECT_EQ(model.fitMetrics(0).cases, 10u);
-}
-
-TEST(KrigingSurrogateModel, RefusesAnotherNumberOfColumnsThanItHas)
-{
-    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
-    std::vector<double> value(1);
-    std::vector<double*> one = {value.data()};
-    std::vector<double*> two = {value.data(), value.data()};
-
-    EXPECT_NE(refusal([&] { model.interpolateDependentValues(one, {0}, one, 1); }), "");
-    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {0}, two, 1); }), "");
-    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {1}, one, 1); }), "");
-    EXPECT_NE(refusal([&] { model.interpolateDependentValues(two, {-1}, one, 1); }), "");
-    EXPECT_EQ(refusal([&] { model.interpolateDependentValues(two, {0}, one, 1); }), "");
-}
-
-TEST(KrigingSurrogateModel, AcceptsEmptySetsOfOffsets)
-{
-    KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
-    std::vector<double*> none;
-    Columns points = {{0.5}, {0.5}};
-
-    EXPECT_NO_THROW(model.activateDependentVariables({}));
-    EXPECT_NO_THROW(model.interpolateDependentValues(pointersTo(points), {}, none, 1));
-}
-
-TEST(KrigingSurrogateModel, AcceptsNullColumnsWhenThereAreNoPoints)
-{
-    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
-    std::vector<double*> inputs = {nullptr, nullptr};
-    std::vector<double*> outputs = {nullptr};
-
-    EXPECT_NO_THROW(model.interpolateDependentValues(inputs, {0}, outputs, 0));
-}
-
-TEST(KrigingSurrogateModel, WritesSeveralOutputsInTheOrderOfTheirOffsets)
-{
-    Columns outputs = someOutputs();
-    outputs.push_back(someInputs()[0]);
-    outputs.push_back(someInputs()[1]);
-    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), outputs);
-    Columns points = {{0.3}, {0.8}};
-    Columns values(2, std::vector<double>(1));
-    std::vector<double*> results = pointersTo(values);
-
-    model.interpolateDependentValues(pointersTo(points), {2, 1}, results, 1);
-
-    EXPECT_NEAR(values[0][0], 0.3, 1e-9);
-    EXPECT_NEAR(values[1][0], 0.8, 1e-9);
-}
-
-TEST(KrigingSurrogateModel, GivesNaNForPointsThatAreNotFiniteAndNothingElse)
-{
-    const KrigingSurrogateModel model = KrigingArguments().model(someInputs(), someOutputs());
-
-    const std::vector<double> values =
-        predictions(model, {{0.3, notANumber, 0.3}, {0.4, 0.4, 0.4}});
-
-    EXPECT_TRUE(std::isnan(values[1]));
-    EXPECT_EQ(values[0], values[2]);
-    EXPECT_TRUE(std::isfinite(values[0]));
 }
 
 TEST(KrigingSurrogateModel, FitsEachOutputOnceAndOnlyWhenItIsWanted)
@@ -490,16 +376,4 @@ TEST(KrigingSurrogateModel, PredictsGridsLikeTheirPointsOneByOne)
             }
         }
     }
-}
-
-TEST(KrigingSurrogateModel, SaysWhichPointsLieOutsideTheCases)
-{
-    const Columns cases = {{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}};
-    const KrigingSurrogateModel model = KrigingArguments().model(cases, {{1.0, 2.0, 4.0, 3.0}});
-    Columns points = {{11.0, 16.0}, {0.0, 0.0}};
-
-    EXPECT_EQ(model.extrapolations(pointersTo(points), 2), (std::vector<double>{0.0, 0.5}));
-    EXPECT_EQ(model.extrapolationWarning(pointersTo(points), 2),
-              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
-              "not rely on predictions there.");
 }

@@ -28,14 +28,24 @@ class OtherNumbers : public std::numpunct<char>
 
 using Models = std::vector<std::unique_ptr<SurrogateModelInterface>>;
 
+std::unique_ptr<FittedModel> makeResponseSurface(Cases& cases)
+{
+    return std::make_unique<SurrogateResponseSurfaceModel>(cases.inputPointers(),
+                                                           cases.outputPointers(), cases.count());
+}
+
+std::unique_ptr<FittedModel> makeKriging(Cases& cases)
+{
+    return std::make_unique<KrigingSurrogateModel>(cases.inputPointers(), cases.outputPointers(),
+                                                   static_cast<int>(cases.count()),
+                                                   KrigingOptions());
+}
+
 Models bothModels(Cases cases)
 {
     Models models;
-    models.push_back(std::make_unique<SurrogateResponseSurfaceModel>(
-        cases.inputPointers(), cases.outputPointers(), cases.count()));
-    models.push_back(
-        std::make_unique<KrigingSurrogateModel>(cases.inputPointers(), cases.outputPointers(),
-                                                static_cast<int>(cases.count()), KrigingOptions()));
+    models.push_back(makeResponseSurface(cases));
+    models.push_back(makeKriging(cases));
     return models;
 }
 
@@ -122,4 +132,170 @@ TEST(SurrogateModelInterface, LetsThreadsUseModelsOfTheirOwn)
     }
 
     EXPECT_EQ(found, std::vector<std::string>(4, expected));
+}
+
+namespace {
+
+/** What both models promise. */
+struct Kind
+{
+    std::string name;
+    std::unique_ptr<FittedModel> (*make)(Cases& cases);
+};
+
+class SurrogateModelInterfaceOf : public testing::TestWithParam<Kind>
+{
+protected:
+    std::unique_ptr<FittedModel> fit() { return GetParam().make(cases); }
+    std::string refusal()
+    {
+        return errorOf([this] { fit(); });
+    }
+
+    Cases cases = twoInputs(40, 1.0);
+};
+
+INSTANTIATE_TEST_SUITE_P(, SurrogateModelInterfaceOf,
+                         testing::Values(Kind{"ResponseSurface", makeResponseSurface},
+                                         Kind{"Kriging", makeKriging}),
+                         [](const auto& kind) { return kind.param.name; });
+
+} // namespace
+
+TEST_P(SurrogateModelInterfaceOf, OwnsWhatItNeeds)
+{
+    const std::vector<Column> points = cases.inputs;
+    const std::unique_ptr<FittedModel> reference = fit();
+    reference->activateDependentVariables({0});
+    const std::unique_ptr<FittedModel> model = fit();
+    for (std::vector<Column>* columns : {&cases.inputs, &cases.outputs}) {
+        for (Column& column : *columns) {
+            std::fill(column.begin(), column.end(), notANumber);
+        }
+    }
+    cases = {};
+
+    EXPECT_EQ(predict(*model, points), predict(*reference, points));
+    EXPECT_EQ(model->surfaceCoefficientInformation(0), reference->surfaceCoefficientInformation(0));
+    EXPECT_EQ(model->qualityMetricInformation(0), reference->qualityMetricInformation(0));
+}
+
+TEST_P(SurrogateModelInterfaceOf, IgnoresOutputsThatAreNotFiniteUntilTheyAreWanted)
+{
+    const Column expected = predict(*fit(), cases.inputs);
+    const Column good = cases.outputs[0];
+    cases.outputs = {Column(40, notANumber), good, good};
+    cases.outputs[1][7] = infinity;
+    const std::unique_ptr<FittedModel> model = fit();
+
+    model->activateDependentVariables({2});
+
+    EXPECT_LT(largestDifference(predict(*model, cases.inputs, 2), expected), 1e-13);
+    const std::string message =
+        "The output at offset 1 holds a value that is not finite in case 8.";
+    EXPECT_EQ(errorOf([&] { model->activateDependentVariables({1, 2}); }), message);
+    EXPECT_EQ(errorOf([&] { predict(*model, cases.inputs, 1); }), message);
+    EXPECT_EQ(errorOf([&] { model->surfaceCoefficientInformation(1); }), message);
+    EXPECT_EQ(errorOf([&] { model->qualityMetricInformation(1); }), message);
+    EXPECT_EQ(errorOf([&] { model->fitMetrics(1); }), message);
+    EXPECT_EQ(errorOf([&] { model->fitWarnings(1); }), message);
+    EXPECT_EQ(errorOf([&] { model->leaveOneOutPredictions(1); }), message);
+    if (const auto* surface = dynamic_cast<const SurrogateResponseSurfaceModel*>(model.get())) {
+        EXPECT_EQ(errorOf([&] { surface->responseSurfaceStatistics(1); }), message);
+    }
+    if (const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(model.get())) {
+        EXPECT_EQ(errorOf([&] { kriging->krigingReport(1); }), message);
+    }
+}
+
+TEST_P(SurrogateModelInterfaceOf, ChecksTheColumnsOfAFit)
+{
+    cases.inputs[1][2] = notANumber;
+    EXPECT_EQ(refusal(), "The input V2 holds a value that is not finite in case 3.");
+    cases.inputs.clear();
+    cases.outputs = {{}};
+    EXPECT_EQ(refusal(), "There is no case to fit the model to.");
+}
+
+TEST_P(SurrogateModelInterfaceOf, ChecksTheArraysOfAnEvaluation)
+{
+    const std::unique_ptr<FittedModel> model = fit();
+    std::vector<double*> none;
+
+    EXPECT_EQ(errorOf([&] { predict(*model, {{1.0}}); }),
+              "The model has 2 inputs, but values are given for 1.");
+    EXPECT_EQ(errorOf([&] {
+                  predict(*model, {{1.0}, {1.0}}, 1);
+              }),
+              "There is no output at offset 1: the model has 1 output, counted from 0.");
+    EXPECT_EQ(
+        errorOf([&] { model->interpolateDependentValues(cases.inputPointers(), {0}, none, 40); }),
+        "The model is asked for 1 output, but there is room for 0.");
+    EXPECT_EQ(errorOf([&] { model->surfaceCoefficientInformation(-1); }),
+              "There is no output at offset -1: the model has 1 output, counted from 0.");
+    EXPECT_THROW(model->extrapolations({cases.inputs[0].data()}, 1), Error);
+}
+
+TEST_P(SurrogateModelInterfaceOf, DoesNothingForNoOutputsAndNoPoints)
+{
+    const std::unique_ptr<FittedModel> model = fit();
+    std::vector<double*> none;
+    std::vector<double*> null = {nullptr};
+
+    EXPECT_NO_THROW(model->activateDependentVariables({}));
+    EXPECT_NO_THROW(model->interpolateDependentValues(cases.inputPointers(), {}, none, 40));
+    EXPECT_NO_THROW(model->interpolateDependentValues({nullptr, nullptr}, {0}, null, 0));
+}
+
+TEST_P(SurrogateModelInterfaceOf, WritesOutputsInAscendingOrderOfTheirOffsets)
+{
+    cases.outputs = {cases.inputs[0], cases.inputs[1], cases.inputs[0]};
+    const std::unique_ptr<FittedModel> model = fit();
+    Column first(40, notANumber);
+    Column second(40, notANumber);
+    std::vector<double*> outputs{first.data(), second.data()};
+
+    model->interpolateDependentValues(cases.inputPointers(), {2, 1}, outputs, 40);
+
+    EXPECT_LT(largestDifference(first, cases.inputs[1]), 1e-9);
+    EXPECT_LT(largestDifference(second, cases.inputs[0]), 1e-9);
+}
+
+TEST_P(SurrogateModelInterfaceOf, GivesNaNAtPointsThatAreNotFiniteOnly)
+{
+    // An input without influence, and yet its NaN counts; more points than a block has.
+    cases.inputs[1].assign(40, 2.0);
+    const std::unique_ptr<FittedModel> model = fit();
+    std::vector<Column> points{Column(1100, 1.5), Column(1100, 2.0)};
+    const double usual = predict(*model, points)[0];
+    points[0][3] = notANumber;
+    points[1][300] = infinity;
+    points[0][1099] = -infinity;
+
+    const Column values = predict(*model, points);
+
+    for (std::size_t k = 0; k < values.size(); ++k) {
+        if (k == 3 || k == 300 || k == 1099) {
+            EXPECT_TRUE(std::isnan(values[k])) << k;
+        } else {
+            EXPECT_EQ(values[k], usual) << k;
+        }
+    }
+}
+
+TEST_P(SurrogateModelInterfaceOf, SaysWhichPointsLieOutsideTheCases)
+{
+    cases = {{{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}}, {{1.0, 2.0, 4.0, 3.0}}};
+    const std::unique_ptr<FittedModel> model = fit();
+    std::vector<Column> points = {{11.0, 16.0}, {0.0, 0.0}};
+    const std::vector<double*> columns = Cases::pointers(points);
+
+    EXPECT_EQ(model->extrapolations(columns, 2), (Column{0.0, 0.5}));
+    EXPECT_EQ(model->extrapolationWarning(columns, 1), "");
+    EXPECT_EQ(model->extrapolationWarning(columns, 2),
+              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
+              "not rely on predictions there.");
+    EXPECT_NE(model->extrapolationWarning(columns, 2, {"Pressure", "Ratio"})
+                  .find("\"Pressure\" is up to 0.5"),
+              std::string::npos);
 }

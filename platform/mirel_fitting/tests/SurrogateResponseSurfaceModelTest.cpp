@@ -1,5 +1,8 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/ThreadCount.h>
+
 #include "ResponseSurfaceTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -161,18 +164,42 @@ TEST(SurrogateResponseSurfaceModel, HasEquationAndQuality)
     EXPECT_TRUE(model.qualityMetricInformationAvailable());
 }
 
-TEST(SurrogateResponseSurfaceModel, SaysWhichPointsLieOutsideTheCases)
+TEST(SurrogateResponseSurfaceModel, ReportsHowFarTheFitIs)
 {
-    const Model model = fit(grid());
-    Column first = {0.0, 2.0};
-    Column second = {1.0, 0.0};
-    const std::vector<double*> points = {first.data(), second.data()};
+    std::vector<double> fractions;
+    const FitProgress progress([&](double fraction, const std::string&) {
+        fractions.push_back(fraction);
+        return true;
+    });
 
-    EXPECT_EQ(model.extrapolations(points, 2), (Column{0.0, 0.5}));
-    EXPECT_EQ(model.extrapolationWarning(points, 1), "");
-    EXPECT_NE(model.extrapolationWarning(points, 2).find("V1 is up to 0.5"), std::string::npos);
-    EXPECT_NE(model.extrapolationWarning(points, 2, {"Pressure", "Ratio"})
-                  .find("\"Pressure\" is up to 0.5"),
-              std::string::npos);
-    EXPECT_THROW(model.extrapolations({first.data()}, 1), Model::Error);
+    fit(twoInputs(100000, 1.0));
+
+    ASSERT_GE(fractions.size(), 2u);
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+    EXPECT_GE(fractions.front(), 0.0);
+    EXPECT_LE(fractions.back(), 1.0);
+}
+
+TEST(SurrogateResponseSurfaceModel, ReportsNoSmallerFractionWhenRotationsFollowNormalEquations)
+{
+    // Inputs that differ by little are too much for normal equations.
+    Cases cases = twoInputs(20000, 1.0);
+    for (std::size_t row = 0; row < 20000; ++row) {
+        cases.inputs[1][row] = cases.inputs[0][row] + 1e-4 * cases.inputs[1][row];
+    }
+    std::vector<double> fractions;
+    const FitProgress progress([&](double fraction, const std::string&) {
+        fractions.push_back(fraction);
+        return true;
+    });
+
+    fit(cases);
+
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+}
+
+TEST(SurrogateResponseSurfaceModel, EndsWithAnErrorWhenItIsCancelled)
+{
+    const FitProgress progress([](double, const std::string&) { return false; });
+    EXPECT_EQ(errorOf([] { fit(twoInputs(9, 0.0)); }), "The fit was cancelled.");
 }
