@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FakePipeline.h"
-#include "RecordedModels.h"
+#include "RecordingFactory.h"
 #include "ThreeCasesTest.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
@@ -21,7 +21,7 @@ struct Counter
 
 /**
  * A manager over three cases and a pipeline of the test's own; the undo stack is empty and both
- * inputs are chosen. Models are recorded, not fitted.
+ * inputs are chosen. Fits are recorded, not made.
  */
 class ManagerTest : public ThreeCasesTest
 {
@@ -31,17 +31,16 @@ protected:
 
     ManagerTest()
     {
-        recordedModels() = {};
         pipeline->show(cases);
         manager->independentVars()->set({x1, x2});
         undoStack().clear();
     }
 
-    /** What the latest constructor was given. */
-    static const RecordedFit& lastFit() { return recordedModels().fits.back(); }
-    static std::size_t fitCount() { return recordedModels().fits.size(); }
+    /** What the factory was asked for last. */
+    const RecordedFit& lastFit() const { return factory->fits.back(); }
+    std::size_t fitCount() const { return factory->fits.size(); }
 
-    /** Which model that is, by the order of construction from 1. */
+    /** Which model that is, by the order of the fits from 1. */
     static std::string nameOf(const SurrogateModelInterface& model)
     {
         return model.surfaceCoefficientInformation(0);
@@ -53,8 +52,9 @@ protected:
     }
 
     boost::shared_ptr<FakePipeline> pipeline = boost::make_shared<FakePipeline>();
+    boost::shared_ptr<RecordingFactory> factory = boost::make_shared<RecordingFactory>();
     boost::shared_ptr<SurrogateModelManager> manager =
-        boost::make_shared<SurrogateModelManager>(pipeline);
+        boost::make_shared<SurrogateModelManager>(pipeline, factory);
 };
 
 /** The message of the model error that `request` ends with; empty if it does not. */

@@ -1,69 +1,90 @@
 #include <surrogatemodel/SurrogateModelFactory.h>
 
-#include "ChoosingFactory.h"
 #include "ManagerTest.h"
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
-#include <array>
+#include <cmath>
 #include <memory>
 
 namespace {
 
 using Interface = SurrogateModelManagerInterface;
+using Values = std::vector<double>;
 
-/** Two inputs and an output of three cases; models are recorded, not fitted. */
+/** Two inputs and a noisy output: enough cases for every argument of Kriging to matter. */
 class SurrogateModelFactoryTest : public testing::Test
 {
 protected:
-    SurrogateModelFactoryTest() { recordedModels() = {}; }
+    static constexpr int caseCount = 61;
 
-    boost::shared_ptr<SurrogateModelInterface> make(Interface::ModelType type)
+    SurrogateModelFactoryTest()
     {
-        return SurrogateModelFactory().makeModel(type, {x1.data(), x2.data()}, {y.data()}, 3);
+        for (int i = 0; i < caseCount; ++i) {
+            x1.push_back(i);
+            x2.push_back(7 * i % caseCount);
+            y.push_back(std::sin(0.4 * i) + 0.01 * x2.back() * x2.back() + 0.1 * (i * i % 3));
+        }
     }
 
-    std::array<double, 3> x1 = {1, 2, 3};
-    std::array<double, 3> x2 = {4, 5, 6};
-    std::array<double, 3> y = {10, 20, 30};
+    boost::shared_ptr<SurrogateModelInterface> make(Interface::ModelType type,
+                                                    int rowCount = caseCount)
+    {
+        return SurrogateModelFactory().makeModel(type, {x1.data(), x2.data()}, {y.data()},
+                                                 rowCount);
+    }
+
+    /** A prediction between the cases. */
+    static double valueOf(SurrogateModelInterface& model)
+    {
+        double at1 = 3.3;
+        double at2 = 8.8;
+        double value = 0.0;
+        std::vector<double*> values = {&value};
+        model.activateDependentVariables({0});
+        model.interpolateDependentValues({&at1, &at2}, {0}, values, 1);
+        return value;
+    }
+
+    Values x1;
+    Values x2;
+    Values y;
 };
 
 } // namespace
 
 TEST_F(SurrogateModelFactoryTest, MakesKrigingWithALinearTrendAndEverythingElseEstimated)
 {
+    const double tolerance = 0.0001;
+    const int linearTrend = 1;
+    const double initialCorrelationLength = 0.5;
+    KrigingSurrogateModel expected({x1.data(), x2.data()}, {y.data()}, caseCount, tolerance, {},
+                                   linearTrend, initialCorrelationLength, 0.0, 0);
+
     const boost::shared_ptr<SurrogateModelInterface> model = make(Interface::Kriging);
 
     EXPECT_NE(dynamic_cast<KrigingSurrogateModel*>(model.get()), nullptr);
-    const RecordedFit& fit = recordedModels().fits.back();
-    EXPECT_EQ(fit.inputs, (std::vector<std::vector<double>>{{1, 2, 3}, {4, 5, 6}}));
-    EXPECT_EQ(fit.outputs, (std::vector<std::vector<double>>{{10, 20, 30}}));
-    EXPECT_EQ(fit.rowCount, 3U);
-    EXPECT_EQ(fit.tolerance, 0.0001);
-    EXPECT_TRUE(fit.correlationLengths.empty());
-    EXPECT_EQ(fit.trendOrder, 1);
-    EXPECT_EQ(fit.initialCorrelationLength, 0.5);
-    EXPECT_EQ(fit.nugget, 0.0);
-    EXPECT_EQ(fit.nuggetMode, 0);
+    EXPECT_EQ(valueOf(*model), valueOf(expected));
+    EXPECT_EQ(model->qualityMetricInformation(0), expected.qualityMetricInformation(0));
 }
 
 TEST_F(SurrogateModelFactoryTest, MakesAResponseSurfaceForEveryTypeButZero)
 {
+    SurrogateResponseSurfaceModel expected({x1.data(), x2.data()}, {y.data()}, caseCount);
+
     for (const int number : {1, 2, -1}) {
         const auto model = make(static_cast<Interface::ModelType>(number));
 
         EXPECT_NE(dynamic_cast<SurrogateResponseSurfaceModel*>(model.get()), nullptr);
-        EXPECT_EQ(recordedModels().fits.back().rowCount, 3U);
+        EXPECT_EQ(valueOf(*model), valueOf(expected));
     }
 }
 
 TEST_F(SurrogateModelFactoryTest, PassesOnWhatAConstructorThrows)
 {
-    recordedModels().onConstruct = [] { throw SurrogateModelInterface::Error("no fit"); };
-
-    EXPECT_EQ(errorOf([this] { make(Interface::Kriging); }), "no fit");
-    EXPECT_EQ(errorOf([this] { make(Interface::ResponseSurface); }), "no fit");
+    EXPECT_THROW(make(Interface::Kriging, 0), SurrogateModelInterface::Error);
+    EXPECT_THROW(make(Interface::ResponseSurface, 0), SurrogateModelInterface::Error);
 }
 
 TEST_F(SurrogateModelFactoryTest, NeedsCases)
@@ -73,11 +94,11 @@ TEST_F(SurrogateModelFactoryTest, NeedsCases)
 
 TEST_F(SurrogateModelFactoryTest, SignalsTheTypeThatChanges)
 {
-    const ChoosingFactory factory;
+    const RecordingFactory factory;
     std::vector<Interface::ModelType> types;
     factory.connectSignalChanged([&types](Interface::ModelType type) { types.push_back(type); });
 
-    factory.choice->set(1);
+    factory.emitChanged(Interface::ResponseSurface);
     factory.emitChanged(Interface::Kriging);
 
     EXPECT_EQ(types, (std::vector{Interface::ResponseSurface, Interface::Kriging}));
@@ -85,7 +106,7 @@ TEST_F(SurrogateModelFactoryTest, SignalsTheTypeThatChanges)
 
 TEST_F(SurrogateModelFactoryTest, MayBeDestroyedByAListener)
 {
-    auto factory = std::make_unique<ChoosingFactory>();
+    auto factory = std::make_unique<RecordingFactory>();
     Counter later;
     factory->connectSignalChanged([&factory](Interface::ModelType) { factory.reset(); });
     factory->connectSignalChanged([&later](Interface::ModelType) { ++later.calls; });

@@ -40,8 +40,8 @@ TEST_F(SurrogateModelManagerCacheTest, StoresANewModelBeforeItDeletesTheOldOne)
     model({y1});
     model({y2});
 
-    EXPECT_EQ(recordedModels().mostAlive, 2);
-    EXPECT_EQ(recordedModels().alive, 1);
+    EXPECT_EQ(factory->mostAlive, 2);
+    EXPECT_EQ(factory->alive(), 1);
 }
 
 TEST_F(SurrogateModelManagerCacheTest, KeepsOneModelOnly)
@@ -96,7 +96,7 @@ TEST_F(SurrogateModelManagerCacheTest, LetsTheModelDecideAboutASingleCase)
     model({y1});
 
     EXPECT_EQ(lastFit().inputs, (std::vector<Values>{{2}, {5}}));
-    EXPECT_EQ(lastFit().rowCount, 1U);
+    EXPECT_EQ(lastFit().rowCount, 1);
 }
 
 // Meant: the set asked for counts as the cached one from the start of a request, and the model of
@@ -130,20 +130,20 @@ TEST_F(SurrogateModelManagerCacheTest, FailsAgainWithAFullRebuildWhileNoModelIsH
 TEST_F(SurrogateModelManagerCacheTest, KeepsTheModelWhenTheConstructorOfItsSuccessorThrows)
 {
     SurrogateModelInterface& older = model({y1});
-    recordedModels().onConstruct = [] { throw SurrogateModelInterface::Error("cannot be fitted"); };
+    factory->onMake = [] { throw SurrogateModelInterface::Error("cannot be fitted"); };
 
     EXPECT_EQ(errorOf([&] { model({y2}); }), "cannot be fitted");
 
     EXPECT_EQ(&model({y2}), &older);
     EXPECT_EQ(fitCount(), 2U);
-    EXPECT_EQ(recordedModels().alive, 1);
+    EXPECT_EQ(factory->alive(), 1);
 }
 
 TEST_F(SurrogateModelManagerCacheTest, PassesAnyExceptionOfTheConstructorsOn)
 {
     for (const auto type : {Interface::ResponseSurface, Interface::Kriging}) {
         manager->type()->set(type);
-        recordedModels().onConstruct = [] { throw std::domain_error("out of luck"); };
+        factory->onMake = [] { throw std::domain_error("out of luck"); };
         EXPECT_THROW(model({y1}), std::domain_error);
     }
 }
@@ -201,13 +201,13 @@ TEST_F(SurrogateModelManagerCacheTest, RebuildsFullyAfterEveryInvalidation)
         cases.set(1, "x1", vtkVariant(missing));
         pipeline->emitChange();
         model({y1});
-        EXPECT_EQ(lastFit().rowCount, 2U);
+        EXPECT_EQ(lastFit().rowCount, 2);
         cases.set(1, "x1", vtkVariant(2.0));
 
         invalidate();
         model({y1});
 
-        EXPECT_EQ(lastFit().rowCount, 3U);
+        EXPECT_EQ(lastFit().rowCount, 3);
     }
 }
 
@@ -272,7 +272,7 @@ TEST_F(SurrogateModelManagerCacheTest, DropsAModelThatAListenerAskedForDuringThe
 
     pipeline->emitChange();
 
-    EXPECT_EQ(recordedModels().alive, 1);
+    EXPECT_EQ(factory->alive(), 1);
     EXPECT_EQ(fitCount(), 3U);
     EXPECT_EQ(lastFit().inputs.size(), 1U);
 }

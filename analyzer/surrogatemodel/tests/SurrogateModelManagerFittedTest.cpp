@@ -8,7 +8,7 @@
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_datapipeline/ProjectDataPipelineManager.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
 #include <property/Property.h>
 
 #include <vtkCallbackCommand.h>
@@ -131,6 +131,14 @@ TEST_P(SurrogateModelManagerFittedByBoth, PredictTheOutputsOverTheSweptValues)
     EXPECT_NEAR(values[0], 0.0, rounding);
     EXPECT_NEAR(values[1], 3.5, rounding);
     EXPECT_NEAR(values[2], 7.0, rounding);
+}
+
+TEST_P(SurrogateModelManagerFittedByBoth, MakeTheModelOfTheDefaultFactory)
+{
+    SurrogateModelInterface& model = manager->model(std::set<VarPtr>{y1});
+
+    EXPECT_EQ(dynamic_cast<KrigingSurrogateModel*>(&model) != nullptr,
+              GetParam() == SurrogateModelManagerInterface::Kriging);
 }
 
 TEST_P(SurrogateModelManagerFittedByBoth,

@@ -166,7 +166,7 @@ TEST_F(SurrogateModelManagerPropertiesTest, SignalTheEvaluationPointThenTheListT
     const auto list = manager->independentVars();
     const auto note = [&](const std::string& signal) {
         log.push_back(signal + ": " + std::to_string(list->get().size()) + " inputs, " +
-                      std::to_string(recordedModels().alive) + " models");
+                      std::to_string(factory->alive()) + " models");
     };
     manager->connectSignalModelChanged([&] { note("model"); });
     list->connectSignalChanged([&](const Variables&) { note("list"); });
@@ -183,11 +183,11 @@ TEST_F(SurrogateModelManagerPropertiesTest, SignalTheTypeThenTheModelOnce)
 {
     model({y1});
     std::vector<std::string> log;
-    int aliveWhenSignalled = -1;
+    std::ptrdiff_t aliveWhenSignalled = -1;
     manager->connectSignalModelChanged([&] { log.emplace_back("model"); });
     manager->type()->connectSignalChanged([&](Interface::ModelType) {
         log.emplace_back("type");
-        aliveWhenSignalled = recordedModels().alive;
+        aliveWhenSignalled = factory->alive();
     });
     manager->type()->connectSignalPropertyChanged([&] { log.emplace_back("type"); });
 
@@ -263,7 +263,7 @@ TEST_F(SurrogateModelManagerPropertiesTest, StayAsTheyAreWhenAHandleCannotBeLock
 
     EXPECT_EQ(manager->independentVars()->get(), (Variables{x1, x2}));
     EXPECT_EQ(manager->evaluationPoint()->get(), points);
-    EXPECT_EQ(recordedModels().alive, 1);
+    EXPECT_EQ(factory->alive(), 1);
     EXPECT_EQ(undoStack().count(), 0);
 
     choose({x3});
@@ -280,7 +280,7 @@ TEST_F(SurrogateModelManagerPropertiesTest, DiscardTheModelAgainWhenAChangeIsUnd
 
     undoStack().undo();
 
-    EXPECT_EQ(recordedModels().alive, 0);
+    EXPECT_EQ(factory->alive(), 0);
     EXPECT_EQ(changes.calls, 1);
 }
 
@@ -290,7 +290,7 @@ TEST_F(SurrogateModelManagerPropertiesTest, StayUsableWhenAListenerHasThrown)
     const boost::signals2::connection thrower = manager->type()->connectSignalChanged(
         [](Interface::ModelType) { throw std::runtime_error("listener"); });
     EXPECT_THROW(manager->type()->set(Interface::Kriging), std::runtime_error);
-    EXPECT_EQ(recordedModels().alive, 0);
+    EXPECT_EQ(factory->alive(), 0);
     EXPECT_EQ(undoStack().count(), 0);
     thrower.disconnect();
 
