@@ -48,7 +48,7 @@ public:
         /**
          * Appends the values range.first + i * step to `values`, where step is
          * (range.second - range.first) / (count - 1). The last one is computed like the others, so
-         * that rounding can leave it beside the high end.
+         * that rounding can leave it next to the high end.
          */
         void get(std::vector<double>& values) const override;
 

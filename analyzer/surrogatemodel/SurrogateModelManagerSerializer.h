@@ -61,7 +61,7 @@ private:
     /**
      * Sets the list to the independent variables that the "Variable" children name, in document
      * order; an element without any clears the list. Names that the project does not have or whose
-     * variable is of another nature are passed over without a message.
+     * variable is of another nature are skipped without a message.
      */
     void deserializeSelf(QDomElement& element) const override;
 

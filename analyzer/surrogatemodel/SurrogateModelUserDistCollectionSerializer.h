@@ -25,9 +25,9 @@
  * is read like it. A child without "Mode" means UserDefined. Any other mode ends the read with
  * std::out_of_range, with the text "bimap<>: invalid key", and leaves the property as it was; so
  * does one for a variable that the project does not have, since the mode is read first. A child
- * without "Name", or for an unknown variable, is passed over.
+ * without "Name", or for an unknown variable, is skipped.
  *
- * A text with a fault (the empty one is one) is passed over as well and the former entry stays; the
+ * A text with a fault (the empty one is one) is skipped as well and the former entry stays; the
  * user is warned, once for each such child, by a modal message box if the program has a
  * QApplication, else by the same text on standard error. The box runs an event loop within
  * deserialize(): this serializer must outlive it; the property is kept alive.

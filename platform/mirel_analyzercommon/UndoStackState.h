@@ -12,7 +12,8 @@
 class UndoStackState
 {
 public:
-    /** Made on first use and never destroyed: static objects may still use it while they go. */
+    /** Made on first use and never destroyed: static objects may still use it while they are
+     * destroyed. */
     static UndoStackState& instance();
 
     QUndoStack& stack() { return undoStack; }

@@ -97,7 +97,7 @@ public:
 
     void checkNameIsFree(const std::string& name) const;
 
-    /** @return the handle as it stands in the order, good until the next change. */
+    /** @return the handle as it stands in the order, valid until the next change. */
     template <class Value>
     const VarPtr& addVariable(const std::string& name, Variable::Nature nature,
                               std::vector<Value> values, const Value& missing);

@@ -128,7 +128,7 @@ public:
 
     /**
      * The cells of a variable, one per record in record order; also of a removed variable. The
-     * reference is good until the next change of the project; the shared form keeps these values
+     * reference is valid until the next change of the project; the shared form keeps these values
      * for as long as it is held, since the project changes a copy then.
      */
     const std::vector<double>& numericValues(const VarPtr& variable) const;

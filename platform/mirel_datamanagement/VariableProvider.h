@@ -9,7 +9,7 @@ class MIREL_DATAMANAGEMENT_EXPORT VariableProvider
 public:
     virtual ~VariableProvider();
 
-    /** Iterators are good until the provider is assigned or destroyed. */
+    /** Iterators are valid until the provider is assigned or destroyed. */
     virtual VariableProviderIterator begin() const = 0;
     virtual VariableProviderIterator end() const = 0;
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <vector>
 
-/** A forward iterator over the handles of a VariableProvider, good as long as the provider is. */
+/** A forward iterator over the handles of a VariableProvider, valid as long as the provider. */
 class MIREL_DATAMANAGEMENT_EXPORT VariableProviderIterator
 {
 public:

@@ -51,7 +51,7 @@ TEST(NamedValueTranslator, TranslatesBothWays)
     EXPECT_EQ(colours.toValue("green"), Green);
 }
 
-TEST(NamedValueTranslator, FailsForAValueItDoesNotHold)
+TEST(NamedValueTranslator, FailsForAnUnknownValue)
 {
     const Colours colours = twoColours();
 
@@ -59,7 +59,7 @@ TEST(NamedValueTranslator, FailsForAValueItDoesNotHold)
     EXPECT_EQ(failureOf([] { Colours().toText(Red); }), invalidKey);
 }
 
-TEST(NamedValueTranslator, FailsForATextItDoesNotHold)
+TEST(NamedValueTranslator, FailsForAnUnknownText)
 {
     const Colours colours = twoColours();
 
@@ -68,7 +68,7 @@ TEST(NamedValueTranslator, FailsForATextItDoesNotHold)
     }
 }
 
-TEST(NamedValueTranslator, TakesTheSamePairAgain)
+TEST(NamedValueTranslator, AcceptsTheSamePairAgain)
 {
     Colours colours = twoColours();
 

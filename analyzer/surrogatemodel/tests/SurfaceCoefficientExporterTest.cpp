@@ -103,7 +103,7 @@ TEST_F(SurfaceCoefficientExporterTest, HasWrittenTheLegendWhenTheModelFails)
     EXPECT_EQ(out.str(), "Independent Variables\nV1 = X\nV2 = Y\n");
 }
 
-TEST_F(SurfaceCoefficientExporterTest, HasWrittenWhatCameBeforeWhenAnEquationFails)
+TEST_F(SurfaceCoefficientExporterTest, KeepsWhatWasWrittenBeforeAnEquationFails)
 {
     dependents = {stress, strain};
     manager.fakeModel.equations.erase(1);

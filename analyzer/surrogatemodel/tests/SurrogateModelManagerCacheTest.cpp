@@ -23,7 +23,7 @@ TEST_F(SurrogateModelManagerCacheTest, AnswersTheSameSetWithoutFittingAgain)
     EXPECT_EQ(pipeline->requests, 0);
 }
 
-TEST_F(SurrogateModelManagerCacheTest, FitsAnotherSetAnewWithoutASignal)
+TEST_F(SurrogateModelManagerCacheTest, RefitsForAnotherSetWithoutASignal)
 {
     model({y1});
     Counter changes;
@@ -73,7 +73,7 @@ TEST_F(SurrogateModelManagerCacheTest, AsksForTheAlgorithmTwiceAndUsesTheSecondA
     EXPECT_EQ(lastFit().inputs[0], (Values{7, 8, 9}));
 }
 
-TEST_F(SurrogateModelManagerCacheTest, TakesAMissingAlgorithmForATableWithoutRows)
+TEST_F(SurrogateModelManagerCacheTest, TreatsAMissingAlgorithmAsATableWithoutRows)
 {
     pipeline->onRequest = [](int) { return nullptr; };
 
@@ -99,8 +99,8 @@ TEST_F(SurrogateModelManagerCacheTest, LetsTheModelDecideAboutASingleCase)
     EXPECT_EQ(lastFit().rowCount, 1);
 }
 
-// Meant: the set asked for counts as the cached one from the start of a request, and the model of
-// the set before is kept when the request fails.
+// On purpose: the set asked for counts as the cached one from the start of a request, and the model
+// of the set before is kept when the request fails.
 TEST_F(SurrogateModelManagerCacheTest, AnswersTheOlderModelWhenAFailedRequestIsRepeated)
 {
     SurrogateModelInterface& older = model({y1});
@@ -161,7 +161,8 @@ TEST_F(SurrogateModelManagerCacheTest, RebuildsFullyWhenThePipelineFindsAChangeW
     EXPECT_EQ(lastFit().inputs[0], (Values{1, 2, 3}));
 }
 
-TEST_F(SurrogateModelManagerCacheTest, ExcludesTheBadRowsOfTheLastFullRebuildWhileAModelIsCached)
+TEST_F(SurrogateModelManagerCacheTest,
+       ExcludesTheInvalidRowsOfTheLastFullRebuildWhileAModelIsCached)
 {
     cases.set(1, "x1", vtkVariant(missing));
     model({y1});
@@ -173,7 +174,7 @@ TEST_F(SurrogateModelManagerCacheTest, ExcludesTheBadRowsOfTheLastFullRebuildWhi
     EXPECT_EQ(lastFit().outputs[1], (Values{40, 60}));
 }
 
-TEST_F(SurrogateModelManagerCacheTest, ExcludesTheSameBadRowsAfterAFailedRequest)
+TEST_F(SurrogateModelManagerCacheTest, ExcludesTheSameInvalidRowsAfterAFailedRequest)
 {
     cases.set(1, "x1", vtkVariant(missing));
     model({y1});

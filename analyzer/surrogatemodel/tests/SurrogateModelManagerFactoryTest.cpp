@@ -39,7 +39,7 @@ TEST_F(SurrogateModelManagerFactoryTest, KeepsAModelOfATypeThatTheChangeDoesNotC
     EXPECT_EQ(factory->alive(), 1);
 }
 
-TEST_F(SurrogateModelManagerFactoryTest, TakesEveryTypeButZeroForAResponseSurface)
+TEST_F(SurrogateModelManagerFactoryTest, TreatsEveryTypeButZeroAsAResponseSurface)
 {
     manager->type()->set(static_cast<Interface::ModelType>(2));
     model({y1});

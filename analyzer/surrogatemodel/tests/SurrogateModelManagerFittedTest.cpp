@@ -22,7 +22,7 @@ namespace {
 
 using Values = std::vector<double>;
 
-/** Sweeps the variables that have points, and wants the dependents that a test puts in. */
+/** Sweeps the variables that have points, and answers the dependents that a test chooses. */
 class SweptVariables : public InterpolationVariablesAbstract
 {
 public:

@@ -105,7 +105,7 @@ protected:
 
 } // namespace
 
-TEST_F(SurrogateModelManagerSerializerTest, BearsTheNameOfItsElement)
+TEST_F(SurrogateModelManagerSerializerTest, HasTheNameOfItsElement)
 {
     EXPECT_EQ(serializer.name(), "SurrogateModel");
     EXPECT_EQ(writtenElement().tagName(), "SurrogateModel");
@@ -203,7 +203,7 @@ TEST_F(SurrogateModelManagerSerializerTest, ReadsTheNamesOfTheTypes)
     EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, TakesEveryOtherTextOfTheTypeForKriging)
+TEST_F(SurrogateModelManagerSerializerTest, ReadsEveryOtherTextOfTheTypeAsKriging)
 {
     for (const char* text : {"", "kriging", "responsemodel", "RESPONSEMODEL", " ResponseModel ",
                              "ResponseSurface", "1", "Gr\xC3\xB6\xC3\x9F"}) {
@@ -271,7 +271,7 @@ TEST_F(SurrogateModelManagerSerializerTest, ClearsTheListWithoutAnyVariable)
     EXPECT_TRUE(list().empty());
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, PassesOverNamesThatTheProjectDoesNotHold)
+TEST_F(SurrogateModelManagerSerializerTest, SkipsNamesThatTheProjectDoesNotHave)
 {
     const CapturedErrors errors;
 
@@ -281,7 +281,7 @@ TEST_F(SurrogateModelManagerSerializerTest, PassesOverNamesThatTheProjectDoesNot
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, PassesOverVariablesOfAnotherNature)
+TEST_F(SurrogateModelManagerSerializerTest, SkipsVariablesOfAnotherNature)
 {
     project->addNumericVariable("u", Variable::Unassigned);
     const CapturedErrors errors;
@@ -292,7 +292,7 @@ TEST_F(SurrogateModelManagerSerializerTest, PassesOverVariablesOfAnotherNature)
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, PassesOverVariablesThatWereRemovedFromTheProject)
+TEST_F(SurrogateModelManagerSerializerTest, SkipsVariablesThatWereRemovedFromTheProject)
 {
     project->removeVariable(x);
 

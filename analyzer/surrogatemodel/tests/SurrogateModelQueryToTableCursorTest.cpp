@@ -71,7 +71,7 @@ TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheCursorAloneWhileAButtonIsH
     EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::CrossCursor);
 }
 
-// The mouse is asked anew for the restore: kept, since a drag owns the cursor while it lasts.
+// The buttons are read again before the restore, on purpose: a drag sets the cursor itself.
 TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheWaitCursorWhenAButtonIsPressedMeanwhile)
 {
     manager->onModel = [this] { press(); };
@@ -130,7 +130,7 @@ TEST_F(SurrogateModelQueryToTableCursorTest, RestoresTheCursorAfterAnyOtherExcep
     EXPECT_FALSE(isCursorSet());
 }
 
-TEST_F(SurrogateModelQueryToTableCursorTest, TouchesNoCursorWhenTheGridCannotBeBuilt)
+TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheCursorAloneWhenTheGridCannotBeBuilt)
 {
     const RecordingOutputWindow window;
     QGuiApplication::setOverrideCursor(Qt::CrossCursor);

@@ -311,7 +311,7 @@ TEST_F(SurrogateModelQueryToTableTest, WritesErrorsToTheOutputWindowWithoutObser
         << "the report of the executive";
 }
 
-TEST_F(SurrogateModelQueryToTableTest, StopsWhereADebuggerWaitsForErrorsOncePerReport)
+TEST_F(SurrogateModelQueryToTableTest, CallsBreakOnErrorOncePerReport)
 {
     const RecordingOutputWindow window;
     manager->failure = "no luck";

@@ -91,7 +91,7 @@ constexpr char invalidKey[] = "bimap<>: invalid key";
 
 } // namespace
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, BearsTheNameOfItsBlock)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, HasTheNameOfItsBlock)
 {
     EXPECT_EQ(serializer.name(), "SurrogateModelUserDefinedVariableDistribution");
     EXPECT_EQ(written(serializer), "<SurrogateModelUserDefinedVariableDistribution/>");
@@ -131,7 +131,7 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WritesVariablesInByteOrde
     EXPECT_EQ(writtenNames(), names);
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, DoesNotWriteNamesThatTheProjectDoesNotHold)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, DoesNotWriteNamesThatTheProjectDoesNotHave)
 {
     hold("gone", Collection::UserDefined, "1");
     hold("", Collection::UserDefined, "1");
@@ -246,7 +246,7 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfFaultyTextsBeforeA
 }
 
 TEST_F(SurrogateModelUserDistCollectionSerializerTest,
-       PassesOverUnknownAndEmptyNamesWithoutLookingAtTheirTexts)
+       SkipsUnknownAndEmptyNamesWithoutLookingAtTheirTexts)
 {
     load("<Variable Name='gone' Distribution='abc'/><Variable Name='' Distribution='abc'/>"
          "<Variable Distribution='abc'/><Variable Name='X' Distribution='1'/>"
@@ -330,7 +330,7 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsElementsOfEveryTag)
                 with(with({}, "x", Collection::UserDefined, "1"), "y", Collection::Auto, "2"));
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, PassesOverNodesThatAreNoElements)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, SkipsNodesThatAreNoElements)
 {
     load("text<!-- <Variable Name='x' Distribution='1'/> --><?instruction x?><![CDATA[data]]>"
          "<Variable Name='y' Distribution='1'/>");

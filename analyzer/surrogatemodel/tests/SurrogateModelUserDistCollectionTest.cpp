@@ -22,7 +22,7 @@ TEST(SurrogateModelUserDistCollection, ModesAreAutoZeroAndUserDefinedOneIn32Bits
         (std::is_same<std::underlying_type_t<Collection::VariableMode>, std::int32_t>::value));
 }
 
-TEST(SurrogateModelUserDistCollection, AnswersAutoAndEmptyTextForANameNotHeld)
+TEST(SurrogateModelUserDistCollection, AnswersAutoAndEmptyTextForAnUnknownName)
 {
     const Collection collection;
 
@@ -64,7 +64,7 @@ TEST(SurrogateModelUserDistCollection, ModeAloneGivesANewNameAnEmptyText)
     EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"y"}));
 }
 
-TEST(SurrogateModelUserDistCollection, TextOfAHeldNameKeepsItsMode)
+TEST(SurrogateModelUserDistCollection, TextOfAKnownNameKeepsItsMode)
 {
     Collection collection = with({}, "x", Collection::UserDefined, "1");
 
@@ -74,7 +74,7 @@ TEST(SurrogateModelUserDistCollection, TextOfAHeldNameKeepsItsMode)
     EXPECT_EQ(collection.getUserDistString("x"), "2");
 }
 
-TEST(SurrogateModelUserDistCollection, ModeOfAHeldNameKeepsItsText)
+TEST(SurrogateModelUserDistCollection, ModeOfAKnownNameKeepsItsText)
 {
     Collection collection = with({}, "x", Collection::UserDefined, "1");
 
@@ -128,7 +128,7 @@ TEST(SurrogateModelUserDistCollection, PointsAreANewUncheckedObjectOnEachCall)
     EXPECT_EQ(first->validate(), SurrogateModelUserDist::InvalidFloatingPointNumber);
 }
 
-TEST(SurrogateModelUserDistCollection, PointsOfANameNotHeldReportNoValueRange)
+TEST(SurrogateModelUserDistCollection, PointsOfAnUnknownNameReportNoValueRange)
 {
     const auto points = Collection().getUserDistributionPoints("x");
 

@@ -293,7 +293,7 @@ void useStackAndExit()
 
 } // namespace
 
-TEST(UndoStackDeathTest, IsStillThereWhileStaticObjectsAreDestroyed)
+TEST(UndoStackDeathTest, ExistsWhileStaticObjectsAreDestroyed)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process that has no stack yet
     EXPECT_EXIT(useStackAndExit(), testing::ExitedWithCode(EXIT_SUCCESS), "");

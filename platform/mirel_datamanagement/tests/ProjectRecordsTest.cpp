@@ -79,7 +79,7 @@ TEST_F(ProjectRecords, HaveMissingCellsAtFirst)
     EXPECT_EQ(project.textValues(t), (std::vector<std::string>{""}));
 }
 
-TEST_F(ProjectRecords, TakeTheirCellsAlongWhenTheyAreRemoved)
+TEST_F(ProjectRecords, LoseTheirCellsWhenTheyAreRemoved)
 {
     const VarPtr x = project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0, 3.0});
     const VarPtr t = project.addTextVariable("t", Variable::Unassigned, {"a", "b", "c"});
@@ -187,7 +187,7 @@ TEST_F(ProjectRecords, AreExcludedByTheirPositionsAfterARemoval)
     EXPECT_EQ(project.recordCount(), 995u);
 }
 
-TEST_F(ProjectRecords, ThatAreNotThereCannotBeExcludedTogetherWithOthers)
+TEST_F(ProjectRecords, ThatDoNotExistCannotBeExcludedTogetherWithOthers)
 {
     project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0});
     try {
@@ -211,7 +211,7 @@ TEST_F(ProjectRecords, AreTheSameObjectsEveryTime)
     EXPECT_TRUE(project.record(many + 1).isNull());
 }
 
-TEST_F(ProjectRecords, AreThereWhenTheyAreAddedAfterTheirNeighboursWereAskedFor)
+TEST_F(ProjectRecords, ExistWhenTheyAreAddedAfterTheirNeighboursWereAskedFor)
 {
     const RecordPtr first = project.addRecord();
     EXPECT_TRUE(project.record(2).isNull());
@@ -286,7 +286,7 @@ TEST_F(ProjectRecords, ThrowForNullHandles)
     EXPECT_THROW(project.setIncluded(RecordPtr(), false), HandleError);
 }
 
-TEST_F(ProjectRecords, GoWithTheirProject)
+TEST_F(ProjectRecords, AreDestroyedWithTheirProject)
 {
     RecordPtr handle;
     {

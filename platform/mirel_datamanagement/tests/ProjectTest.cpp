@@ -61,7 +61,7 @@ TEST(Project, IsNotCopyable)
     EXPECT_FALSE(std::is_copy_assignable<Project>::value);
 }
 
-TEST(ProjectOpen, IsThereFromTheStartAndEmpty)
+TEST(ProjectOpen, ExistsFromTheStartAndIsEmpty)
 {
     ASSERT_NE(Project::project(), nullptr);
     EXPECT_TRUE(Project::project()->variables().empty());

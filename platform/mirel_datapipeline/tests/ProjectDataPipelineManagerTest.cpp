@@ -146,7 +146,7 @@ TEST_F(ProjectDataPipelineManagerTest, LeavesRemovedVariablesOut)
     EXPECT_EQ(columnNames(), (Names{"Record", "t", "x"}));
 }
 
-TEST_F(ProjectDataPipelineManagerTest, KeepsTheIdsInColumnZeroWhenAVariableBearsTheirName)
+TEST_F(ProjectDataPipelineManagerTest, KeepsTheIdsInColumnZeroWhenAVariableHasTheirName)
 {
     project->addNumericVariable("Record", Variable::Independent, {7.0, 8.0, 9.0});
     EXPECT_EQ(columnNames(), (Names{"Record_", "x", "t", "Record"}));
@@ -236,9 +236,9 @@ TEST_F(ProjectDataPipelineManagerTest, SharesTheColumnsOfNumbersWithTheProject)
     EXPECT_EQ(column->GetPointer(0), project->numericValues(x).data());
 }
 
-TEST_F(ProjectDataPipelineManagerTest, DeliversArraysWhoseValuesStandInMemory)
+TEST_F(ProjectDataPipelineManagerTest, DeliversArraysWithTheirValuesInMemory)
 {
-    // Readers that view numbers instead of asking for each know these types by name.
+    // Readers that access the memory directly recognise these types.
     const vtkAbstractArray& ids = *table()->GetColumn(0);
     const vtkAbstractArray& numbers = *table()->GetColumnByName("x");
     EXPECT_TRUE(typeid(ids) == typeid(SharedColumnArray<vtkUnsignedLongArray>));
@@ -291,7 +291,7 @@ TEST_F(ProjectDataPipelineManagerTest, NeedsAProject)
     EXPECT_THROW(ProjectDataPipelineManager{nullptr}, ProjectError);
 }
 
-TEST_F(ProjectDataPipelineManagerTest, SharesTheProjectAndLetsItGo)
+TEST_F(ProjectDataPipelineManagerTest, SharesTheProjectUntilItIsDestroyed)
 {
     const boost::weak_ptr<Project> observed = project;
     project.reset();
@@ -308,7 +308,7 @@ TEST_F(ProjectDataPipelineManagerTest, IgnoresTheProjectOnceDestroyed)
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(ProjectDataPipelineManagerTest, IsOutlivedByItsAlgorithm)
+TEST_F(ProjectDataPipelineManagerTest, LeavesItsAlgorithmUsableWhenDestroyed)
 {
     const vtkSmartPointer<vtkTableAlgorithm> algorithm = pipeline->outputAlgorithm();
     pipeline.reset();

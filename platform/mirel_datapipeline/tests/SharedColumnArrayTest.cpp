@@ -28,7 +28,7 @@ TEST(SharedColumnArray, ShowsTheVectorItself)
     EXPECT_EQ(array->GetVariantValue(1).ToDouble(), 2.0);
 }
 
-TEST(SharedColumnArray, KeepsTheVectorAliveAndLetsItGo)
+TEST(SharedColumnArray, KeepsTheVectorAliveUntilItIsDestroyed)
 {
     auto column = boost::make_shared<const Numbers>(Numbers{1.0, 2.0});
     const boost::weak_ptr<const Numbers> observed = column;
@@ -40,7 +40,7 @@ TEST(SharedColumnArray, KeepsTheVectorAliveAndLetsItGo)
     EXPECT_TRUE(observed.expired());
 }
 
-TEST(SharedColumnArray, IsAnArrayOfItsKindToEveryReader)
+TEST(SharedColumnArray, IsAnArrayOfItsClassForEveryReader)
 {
     vtkNew<SharedColumnArray<vtkUnsignedLongArray>> array;
     array->show(boost::make_shared<const std::vector<unsigned long>>(3, 7ul));

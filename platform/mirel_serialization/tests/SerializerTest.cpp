@@ -69,7 +69,7 @@ std::string refusalOf(const std::function<void()>& call)
 
 } // namespace
 
-TEST(Serializer, BearsTheNameOfItsElement)
+TEST(Serializer, HasTheNameOfItsElement)
 {
     const Serializer serializer("Settings");
 
@@ -125,7 +125,7 @@ TEST(Serializer, ReadsSubElementsInTheOrderAddedThenItsOwnContent)
     EXPECT_EQ(order, (Values{"Second", "First", "Settings"}));
 }
 
-TEST(Serializer, ReadsTheElementThatBearsItsName)
+TEST(Serializer, ReadsTheElementThatHasItsName)
 {
     const ValueSerializer serializer("Settings");
 
@@ -245,7 +245,7 @@ TEST(Serializer, ReplacesASubElementInItsPlace)
     read(serializer, "<Settings><First/></Settings>");
     EXPECT_TRUE(replaced->readValues.empty());
     EXPECT_EQ(replacing->readValues.size(), 1U);
-    EXPECT_EQ(replaced.use_count(), 1) << "let go";
+    EXPECT_EQ(replaced.use_count(), 1) << "released";
 }
 
 TEST(Serializer, KeepsAReplacedSubElementReadOnlyIfItWas)
@@ -258,7 +258,7 @@ TEST(Serializer, KeepsAReplacedSubElementReadOnlyIfItWas)
     EXPECT_EQ(written(serializer), "<Settings/>");
 }
 
-TEST(Serializer, RefusesToReplaceWhatItDoesNotHold)
+TEST(Serializer, RefusesToReplaceAnUnknownSubElement)
 {
     Serializer serializer("Settings");
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/** For tests: what quoting, white space and encodings trip over, and characters of every plane. */
+/** For tests: what is hard to quote or to encode, and characters of every plane. */
 inline std::vector<std::string> textsThatXmlCanCarry()
 {
     std::vector<std::string> texts = {
