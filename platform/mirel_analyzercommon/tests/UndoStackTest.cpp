@@ -174,60 +174,6 @@ TEST_F(UndoStackTest, StaysUsableWhenAForeignCommandThrows)
 
 // Suspension
 
-TEST_F(UndoStackTest, DoesACommandWithoutRecordingItWhileSuspended)
-{
-    auto held = std::make_shared<int>(1);
-    const std::weak_ptr<int> watched = held;
-    {
-        const UndoStack::SuspendUndoRecording suspension;
-        push([held, this] { log += "r "; }, nothing);
-    }
-    held.reset();
-
-    EXPECT_EQ(log, "r ");
-    EXPECT_EQ(stack.count(), 0);
-    EXPECT_TRUE(watched.expired()) << "the command has not been deleted";
-}
-
-TEST_F(UndoStackTest, KeepsWhatCouldBeRedoneWhileSuspended)
-{
-    push("A");
-    stack.undo();
-
-    const UndoStack::SuspendUndoRecording suspension;
-    push("B");
-
-    EXPECT_TRUE(stack.canRedo());
-    EXPECT_EQ(stack.redoText(), "A");
-}
-
-TEST_F(UndoStackTest, StaysSuspendedUntilTheOutermostSuspensionEnds)
-{
-    {
-        const UndoStack::SuspendUndoRecording outer;
-        {
-            const UndoStack::SuspendUndoRecording inner;
-        }
-        push("A");
-        EXPECT_EQ(stack.count(), 0);
-    }
-    push("B");
-    EXPECT_EQ(stack.count(), 1);
-}
-
-TEST_F(UndoStackTest, DeletesACommandThatThrowsWhileSuspended)
-{
-    auto held = std::make_shared<int>(1);
-    const std::weak_ptr<int> watched = held;
-    {
-        const UndoStack::SuspendUndoRecording suspension;
-        EXPECT_THROW(push([held] { throw StackError(); }, nothing), StackError);
-    }
-    held.reset();
-
-    EXPECT_TRUE(watched.expired());
-}
-
 TEST_F(UndoStackTest, RecordsNothingThatUndoAndRedoSetOff)
 {
     const auto pushInMacro = [this] {

@@ -25,7 +25,7 @@ std::vector<unsigned long> idsOf(const std::vector<RecordPtr>& records)
 using Ids = std::vector<unsigned long>;
 using Rows = std::vector<std::size_t>;
 
-struct ProjectRecords : testing::Test
+struct RecordTableTest : testing::Test
 {
     Project project;
 
@@ -40,7 +40,7 @@ struct ProjectRecords : testing::Test
 
 } // namespace
 
-TEST_F(ProjectRecords, AreNumberedFromOne)
+TEST_F(RecordTableTest, NumbersRecordsFromOne)
 {
     project.addRecord();
     project.addRecord();
@@ -48,20 +48,20 @@ TEST_F(ProjectRecords, AreNumberedFromOne)
     EXPECT_EQ(*project.sharedRecordIds(), (Ids{1, 2}));
 }
 
-TEST_F(ProjectRecords, AreNumberedAlikeWhenALongColumnAddsThem)
+TEST_F(RecordTableTest, NumbersTheRecordsThatALongColumnAdds)
 {
     project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0, 3.0});
     EXPECT_EQ(idsOf(project.records()), (Ids{1, 2, 3}));
 }
 
-TEST_F(ProjectRecords, AreFoundById)
+TEST_F(RecordTableTest, FindsRecordsById)
 {
     const RecordPtr added = project.addRecord();
     EXPECT_EQ(project.record(1), added);
     EXPECT_EQ(project.record(1).lock(), added.lock());
 }
 
-TEST_F(ProjectRecords, AreNullHandlesWhenThereIsNone)
+TEST_F(RecordTableTest, AnswersNullHandlesForIdsWithoutARecord)
 {
     project.addRecord();
     EXPECT_TRUE(project.record(0).isNull());
@@ -69,7 +69,7 @@ TEST_F(ProjectRecords, AreNullHandlesWhenThereIsNone)
     EXPECT_TRUE(project.record(std::numeric_limits<unsigned long>::max()).isNull());
 }
 
-TEST_F(ProjectRecords, HaveMissingCellsAtFirst)
+TEST_F(RecordTableTest, AddsRecordsWithMissingCells)
 {
     const VarPtr x = project.addNumericVariable("x", Variable::Dependent);
     const VarPtr t = project.addTextVariable("t", Variable::Unassigned);
@@ -79,7 +79,7 @@ TEST_F(ProjectRecords, HaveMissingCellsAtFirst)
     EXPECT_EQ(project.textValues(t), (std::vector<std::string>{""}));
 }
 
-TEST_F(ProjectRecords, LoseTheirCellsWhenTheyAreRemoved)
+TEST_F(RecordTableTest, RemovesTheCellsOfARecordWithIt)
 {
     const VarPtr x = project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0, 3.0});
     const VarPtr t = project.addTextVariable("t", Variable::Unassigned, {"a", "b", "c"});
@@ -89,7 +89,7 @@ TEST_F(ProjectRecords, LoseTheirCellsWhenTheyAreRemoved)
     EXPECT_EQ(project.textValues(t), (std::vector<std::string>{"a", "c"}));
 }
 
-TEST_F(ProjectRecords, AreKeptWhenTheyAreRemoved)
+TEST_F(RecordTableTest, KeepsRemovedRecords)
 {
     const RecordPtr record = project.addRecord();
     project.removeRecord(record);
@@ -98,7 +98,7 @@ TEST_F(ProjectRecords, AreKeptWhenTheyAreRemoved)
     EXPECT_EQ(record.lock()->id(), 1u);
 }
 
-TEST_F(ProjectRecords, NeverGetTheIdOfARemovedOne)
+TEST_F(RecordTableTest, NeverUsesAnIdAgain)
 {
     project.addRecord();
     project.removeRecord(project.addRecord());
@@ -106,7 +106,7 @@ TEST_F(ProjectRecords, NeverGetTheIdOfARemovedOne)
     EXPECT_TRUE(project.record(2).isNull());
 }
 
-TEST_F(ProjectRecords, KeepTheirCellsApartAfterARemoval)
+TEST_F(RecordTableTest, FindsTheRowOfARecordAfterARemoval)
 {
     const VarPtr x = project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0, 3.0});
     project.removeRecord(project.record(1));
@@ -114,7 +114,7 @@ TEST_F(ProjectRecords, KeepTheirCellsApartAfterARemoval)
     EXPECT_EQ(project.numericValues(x), (std::vector<double>{2.0, 30.0}));
 }
 
-TEST_F(ProjectRecords, AreExcludedAndIncludedOneByOne)
+TEST_F(RecordTableTest, ExcludesAndIncludesOneRecord)
 {
     const RecordPtr first = project.addRecord();
     const RecordPtr second = project.addRecord();
@@ -125,7 +125,7 @@ TEST_F(ProjectRecords, AreExcludedAndIncludedOneByOne)
     EXPECT_TRUE(first.lock()->isIncluded());
 }
 
-TEST_F(ProjectRecords, StayExcludedWhenOthersComeAndGo)
+TEST_F(RecordTableTest, KeepsRecordsExcludedWhenOthersComeAndGo)
 {
     addMany();
     project.setIncluded(project.record(300), false);
@@ -135,7 +135,7 @@ TEST_F(ProjectRecords, StayExcludedWhenOthersComeAndGo)
     EXPECT_TRUE(project.record(301).lock()->isIncluded());
 }
 
-TEST_F(ProjectRecords, AreExcludedAndIncludedTogether)
+TEST_F(RecordTableTest, ExcludesAndIncludesManyRecordsAtOnce)
 {
     addMany();
     project.record(3);
@@ -154,7 +154,7 @@ TEST_F(ProjectRecords, AreExcludedAndIncludedTogether)
     EXPECT_EQ(changes, 2);
 }
 
-TEST_F(ProjectRecords, ThatAreExcludedAlreadyChangeNothing)
+TEST_F(RecordTableTest, ChangesNothingForRecordsThatAreExcludedAlready)
 {
     addMany();
     project.setRowsIncluded({5}, false);
@@ -168,7 +168,7 @@ TEST_F(ProjectRecords, ThatAreExcludedAlreadyChangeNothing)
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(ProjectRecords, AreExcludedByTheirPositionsAfterARemoval)
+TEST_F(RecordTableTest, ExcludesRecordsByTheirPositionsAfterARemoval)
 {
     addMany();
     for (const unsigned long id : {1UL, 2UL, 300UL, 999UL}) {
@@ -187,7 +187,7 @@ TEST_F(ProjectRecords, AreExcludedByTheirPositionsAfterARemoval)
     EXPECT_EQ(project.recordCount(), 995u);
 }
 
-TEST_F(ProjectRecords, ThatDoNotExistCannotBeExcludedTogetherWithOthers)
+TEST_F(RecordTableTest, ExcludesNoRecordIfOneOfThemDoesNotExist)
 {
     project.addNumericVariable("x", Variable::Dependent, {1.0, 2.0});
     try {
@@ -200,7 +200,7 @@ TEST_F(ProjectRecords, ThatDoNotExistCannotBeExcludedTogetherWithOthers)
     EXPECT_TRUE(project.excludedRows().empty());
 }
 
-TEST_F(ProjectRecords, AreTheSameObjectsEveryTime)
+TEST_F(RecordTableTest, AnswersTheSameObjectsEveryTime)
 {
     addMany();
     for (const unsigned long id : {1ul, 256ul, 257ul, many}) {
@@ -211,7 +211,7 @@ TEST_F(ProjectRecords, AreTheSameObjectsEveryTime)
     EXPECT_TRUE(project.record(many + 1).isNull());
 }
 
-TEST_F(ProjectRecords, ExistWhenTheyAreAddedAfterTheirNeighboursWereAskedFor)
+TEST_F(RecordTableTest, FindsRecordsThatWereAddedAfterTheirNeighboursWereUsed)
 {
     const RecordPtr first = project.addRecord();
     EXPECT_TRUE(project.record(2).isNull());
@@ -221,7 +221,7 @@ TEST_F(ProjectRecords, ExistWhenTheyAreAddedAfterTheirNeighboursWereAskedFor)
     EXPECT_TRUE(first.valid());
 }
 
-TEST_F(ProjectRecords, HaveIdentitiesThatGrowInCreationOrderAcrossProjects)
+TEST_F(RecordTableTest, GivesIdentitiesInCreationOrderAcrossProjects)
 {
     Project other;
     const RecordPtr first = project.addRecord();
@@ -236,7 +236,7 @@ TEST_F(ProjectRecords, HaveIdentitiesThatGrowInCreationOrderAcrossProjects)
     EXPECT_LT(project.record(many), fourth);
 }
 
-TEST_F(ProjectRecords, OfSeveralProjectsShareIdsButNoIdentity)
+TEST_F(RecordTableTest, GivesRecordsOfSeveralProjectsTheSameIdsButDifferentIdentities)
 {
     Project other;
     project.addRecord();
@@ -247,7 +247,7 @@ TEST_F(ProjectRecords, OfSeveralProjectsShareIdsButNoIdentity)
     EXPECT_EQ(all.count(other.record(1)), 1u);
 }
 
-TEST_F(ProjectRecords, OfAnotherProjectAreRefused)
+TEST_F(RecordTableTest, RefusesRecordsOfAnotherProject)
 {
     Project other;
     const RecordPtr foreign = other.addRecord();
@@ -265,7 +265,7 @@ TEST_F(ProjectRecords, OfAnotherProjectAreRefused)
     EXPECT_EQ(project.recordCount(), 1u);
 }
 
-TEST_F(ProjectRecords, ThatWereRemovedCannotBeChanged)
+TEST_F(RecordTableTest, RefusesToChangeRemovedRecords)
 {
     const VarPtr x = project.addNumericVariable("x", Variable::Dependent);
     const RecordPtr record = project.addRecord();
@@ -280,13 +280,13 @@ TEST_F(ProjectRecords, ThatWereRemovedCannotBeChanged)
     EXPECT_THROW(project.setIncluded(record, false), ProjectError);
 }
 
-TEST_F(ProjectRecords, ThrowForNullHandles)
+TEST_F(RecordTableTest, ThrowsForNullHandles)
 {
     EXPECT_THROW(project.removeRecord(RecordPtr()), HandleError);
     EXPECT_THROW(project.setIncluded(RecordPtr(), false), HandleError);
 }
 
-TEST_F(ProjectRecords, AreDestroyedWithTheirProject)
+TEST_F(RecordTableTest, DestroysItsRecordsWithTheProject)
 {
     RecordPtr handle;
     {
@@ -297,7 +297,7 @@ TEST_F(ProjectRecords, AreDestroyedWithTheirProject)
     EXPECT_THROW(handle.lock(), HandleError);
 }
 
-TEST_F(ProjectRecords, KeepTheirPublishedIdsWhenOneIsRemoved)
+TEST_F(RecordTableTest, DoesNotChangePublishedIds)
 {
     project.addRecord();
     project.addRecord();

@@ -28,10 +28,10 @@ std::string descriptionOf(const testing::TestParamInfo<NamedText>& info)
     return info.param.description;
 }
 
-struct ProjectNamesAccepted : testing::TestWithParam<NamedText>
+struct VariableNameAccepted : testing::TestWithParam<NamedText>
 {};
 
-struct ProjectNamesRefused : testing::TestWithParam<NamedText>
+struct VariableNameRefused : testing::TestWithParam<NamedText>
 {};
 
 /** What the refusal says; the project must stay as it was. */
@@ -55,7 +55,7 @@ std::string refusalOf(Project& project, const std::string& name)
 
 } // namespace
 
-TEST_P(ProjectNamesAccepted, IsKeptByteForByte)
+TEST_P(VariableNameAccepted, IsKeptByteForByte)
 {
     Project project;
     const VarPtr variable = project.addTextVariable(GetParam().name, Variable::Unassigned);
@@ -63,7 +63,7 @@ TEST_P(ProjectNamesAccepted, IsKeptByteForByte)
     EXPECT_EQ(project.variable(GetParam().name), variable);
 }
 
-INSTANTIATE_TEST_SUITE_P(ProjectNames, ProjectNamesAccepted,
+INSTANTIATE_TEST_SUITE_P(VariableNames, VariableNameAccepted,
                          testing::Values(NamedText{"PlainText", "Pressure", ""},
                                          NamedText{"OneBlank", " ", ""},
                                          NamedText{"MarkupCharacters", "<a href=\"x\">&'</a>", ""},
@@ -82,14 +82,14 @@ INSTANTIATE_TEST_SUITE_P(ProjectNames, ProjectNamesAccepted,
                                          NamedText{"LastCharacter", "\xF4\x8F\xBF\xBD", ""}),
                          descriptionOf);
 
-TEST_P(ProjectNamesRefused, IsNamedInTheMessageAndLeavesNoTrace)
+TEST_P(VariableNameRefused, IsNamedInTheMessageAndLeavesNoTrace)
 {
     Project project;
     EXPECT_EQ(refusalOf(project, GetParam().name), GetParam().message);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    ProjectNames, ProjectNamesRefused,
+    VariableNames, VariableNameRefused,
     testing::Values(
         NamedText{"Empty", "", "A variable needs a name, but the name given is empty."},
         NamedText{"StrayByte",
@@ -134,7 +134,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "project documents cannot store."}),
     descriptionOf);
 
-TEST(ProjectNames, AreTakenOnceOnly)
+TEST(VariableName, IsTakenOnceOnly)
 {
     Project project;
     project.addTextVariable("x", Variable::Unassigned);
@@ -142,7 +142,7 @@ TEST(ProjectNames, AreTakenOnceOnly)
               "The project has a variable \"x\" already; every variable needs a name of its own.");
 }
 
-TEST(ProjectNames, DifferByBytes)
+TEST(VariableName, IsComparedByteByByte)
 {
     Project project;
     project.addNumericVariable("e", Variable::Unassigned);
@@ -154,7 +154,7 @@ TEST(ProjectNames, DifferByBytes)
     EXPECT_EQ(project.variables().size(), 5u);
 }
 
-TEST(ProjectNames, AreCheckedAlikeWhenAVariableIsRenamed)
+TEST(VariableName, IsCheckedAlikeWhenAVariableIsRenamed)
 {
     Project project;
     const VarPtr x = project.addNumericVariable("x", Variable::Unassigned);
@@ -167,7 +167,7 @@ TEST(ProjectNames, AreCheckedAlikeWhenAVariableIsRenamed)
     EXPECT_EQ(project.variable("x"), x);
 }
 
-TEST(ProjectNames, AreFreeAgainAfterARenaming)
+TEST(VariableName, IsFreeAgainAfterARenaming)
 {
     Project project;
     const VarPtr x = project.addNumericVariable("x", Variable::Unassigned);

@@ -1,3 +1,4 @@
+// What all handles share, through the handles: the library does not export it.
 #include "UndoStackFixture.h"
 
 #include <gtest/gtest.h>
@@ -7,12 +8,12 @@
 
 namespace {
 
-struct UndoStackMacroTest : UndoStackFixture
+struct UndoStackStateTest : UndoStackFixture
 {};
 
 } // namespace
 
-TEST_F(UndoStackMacroTest, GroupsWhatIsPushedInAMacroIntoOneStep)
+TEST_F(UndoStackStateTest, GroupsWhatIsPushedInAMacroIntoOneStep)
 {
     {
         const UndoStack::Macro macro("both");
@@ -29,7 +30,7 @@ TEST_F(UndoStackMacroTest, GroupsWhatIsPushedInAMacroIntoOneStep)
     EXPECT_EQ(log, "uB uA rA rB ");
 }
 
-TEST_F(UndoStackMacroTest, JoinsInnerMacrosToTheOutermost)
+TEST_F(UndoStackStateTest, JoinsInnerMacrosToTheOutermost)
 {
     {
         const UndoStack::Macro outer("outer");
@@ -46,7 +47,7 @@ TEST_F(UndoStackMacroTest, JoinsInnerMacrosToTheOutermost)
     EXPECT_EQ(stack.command(0)->child(0)->text(), "A");
 }
 
-TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWithoutPushes)
+TEST_F(UndoStackStateTest, LeavesNoTraceOfAMacroWithoutPushes)
 {
     push("A");
     push("B");
@@ -69,7 +70,7 @@ TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWithoutPushes)
     EXPECT_EQ(signalsFromTheStack, 0);
 }
 
-TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWhoseOnlyCommandThrew)
+TEST_F(UndoStackStateTest, LeavesNoTraceOfAMacroWhoseOnlyCommandThrew)
 {
     push("A");
     stack.undo();
@@ -82,7 +83,7 @@ TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroWhoseOnlyCommandThrew)
     EXPECT_TRUE(stack.canRedo());
 }
 
-TEST_F(UndoStackMacroTest, KeepsWhatWasPushedInAMacroThatAnExceptionLeaves)
+TEST_F(UndoStackStateTest, KeepsWhatWasPushedInAMacroThatAnExceptionLeaves)
 {
     try {
         const UndoStack::Macro macro("interrupted");
@@ -96,7 +97,7 @@ TEST_F(UndoStackMacroTest, KeepsWhatWasPushedInAMacroThatAnExceptionLeaves)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroThatIsOpenedWhileSuspended)
+TEST_F(UndoStackStateTest, LeavesNoTraceOfAMacroThatIsOpenedWhileSuspended)
 {
     {
         const UndoStack::SuspendUndoRecording suspension;
@@ -108,7 +109,7 @@ TEST_F(UndoStackMacroTest, LeavesNoTraceOfAMacroThatIsOpenedWhileSuspended)
     EXPECT_EQ(stack.count(), 0);
 }
 
-TEST_F(UndoStackMacroTest, IgnoresAMacroOpenedWhileSuspendedAlsoWhenItOutlivesTheSuspension)
+TEST_F(UndoStackStateTest, IgnoresAMacroOpenedWhileSuspendedAlsoWhenItOutlivesTheSuspension)
 {
     auto suspension = std::make_unique<UndoStack::SuspendUndoRecording>();
     {
@@ -121,7 +122,7 @@ TEST_F(UndoStackMacroTest, IgnoresAMacroOpenedWhileSuspendedAlsoWhenItOutlivesTh
     EXPECT_EQ(stack.undoText(), "A");
 }
 
-TEST_F(UndoStackMacroTest, ClosesAMacroWithinASuspensionThatBeganAfterIt)
+TEST_F(UndoStackStateTest, ClosesAMacroWithinASuspensionThatBeganAfterIt)
 {
     auto macro = std::make_unique<UndoStack::Macro>("macro");
     push("A");
@@ -136,7 +137,7 @@ TEST_F(UndoStackMacroTest, ClosesAMacroWithinASuspensionThatBeganAfterIt)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, MergesWithinAMacroButNotWithTheStepBeforeIt)
+TEST_F(UndoStackStateTest, MergesWithinAMacroButNotWithTheStepBeforeIt)
 {
     push("A", 3);
     {
@@ -149,7 +150,7 @@ TEST_F(UndoStackMacroTest, MergesWithinAMacroButNotWithTheStepBeforeIt)
     EXPECT_EQ(stack.command(1)->childCount(), 1);
 }
 
-TEST_F(UndoStackMacroTest, DropsAMacroWhoseCommandsCancelEachOtherOut)
+TEST_F(UndoStackStateTest, DropsAMacroWhoseCommandsCancelEachOtherOut)
 {
     struct Cancelling : QUndoCommand
     {
@@ -172,7 +173,7 @@ TEST_F(UndoStackMacroTest, DropsAMacroWhoseCommandsCancelEachOtherOut)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, MayBeClearedWithinAMacro)
+TEST_F(UndoStackStateTest, MayBeClearedWithinAMacro)
 {
     {
         const UndoStack::Macro macro("macro");
@@ -186,7 +187,7 @@ TEST_F(UndoStackMacroTest, MayBeClearedWithinAMacro)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, EndsQuietlyWhenTheStackWasClearedWithinIt)
+TEST_F(UndoStackStateTest, EndsQuietlyWhenTheStackWasClearedWithinIt)
 {
     static int warnings;
     warnings = 0;
@@ -203,7 +204,7 @@ TEST_F(UndoStackMacroTest, EndsQuietlyWhenTheStackWasClearedWithinIt)
     EXPECT_EQ(stack.count(), 0);
 }
 
-TEST_F(UndoStackMacroTest, LeavesNoStepWhenAListenerThrowsAtItsBeginning)
+TEST_F(UndoStackStateTest, LeavesNoStepWhenAListenerThrowsAtItsBeginning)
 {
     push("A");
     const auto connection =
@@ -221,7 +222,7 @@ TEST_F(UndoStackMacroTest, LeavesNoStepWhenAListenerThrowsAtItsBeginning)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, JoinsAMacroOfTheHostsOwnAndLeavesItOpen)
+TEST_F(UndoStackStateTest, JoinsAMacroOfTheHostsOwnAndLeavesItOpen)
 {
     stack.beginMacro("host");
     {
@@ -236,7 +237,7 @@ TEST_F(UndoStackMacroTest, JoinsAMacroOfTheHostsOwnAndLeavesItOpen)
     EXPECT_EQ(stack.command(0)->childCount(), 2);
 }
 
-TEST_F(UndoStackMacroTest, LetsWhatAListenerThrowsPassOutOfTheEndOfAMacro)
+TEST_F(UndoStackStateTest, LetsWhatAListenerThrowsPassOutOfTheEndOfAMacro)
 {
     const auto connection =
         QObject::connect(&stack, &QUndoStack::indexChanged, [] { throw StackError(); });
@@ -253,7 +254,7 @@ TEST_F(UndoStackMacroTest, LetsWhatAListenerThrowsPassOutOfTheEndOfAMacro)
     EXPECT_TRUE(stack.canUndo());
 }
 
-TEST_F(UndoStackMacroTest, KeepsTheExceptionThatLeavesAMacroWhenAListenerThrowsToo)
+TEST_F(UndoStackStateTest, KeepsTheExceptionThatLeavesAMacroWhenAListenerThrowsToo)
 {
     const auto connection =
         QObject::connect(&stack, &QUndoStack::indexChanged, [] { throw StackError(); });
@@ -268,4 +269,58 @@ TEST_F(UndoStackMacroTest, KeepsTheExceptionThatLeavesAMacroWhenAListenerThrowsT
 
     EXPECT_EQ(stack.index(), 1);
     EXPECT_TRUE(stack.canUndo());
+}
+
+TEST_F(UndoStackStateTest, DoesACommandWithoutRecordingItWhileSuspended)
+{
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        push([held, this] { log += "r "; }, nothing);
+    }
+    held.reset();
+
+    EXPECT_EQ(log, "r ");
+    EXPECT_EQ(stack.count(), 0);
+    EXPECT_TRUE(watched.expired()) << "the command has not been deleted";
+}
+
+TEST_F(UndoStackStateTest, KeepsWhatCouldBeRedoneWhileSuspended)
+{
+    push("A");
+    stack.undo();
+
+    const UndoStack::SuspendUndoRecording suspension;
+    push("B");
+
+    EXPECT_TRUE(stack.canRedo());
+    EXPECT_EQ(stack.redoText(), "A");
+}
+
+TEST_F(UndoStackStateTest, StaysSuspendedUntilTheOutermostSuspensionEnds)
+{
+    {
+        const UndoStack::SuspendUndoRecording outer;
+        {
+            const UndoStack::SuspendUndoRecording inner;
+        }
+        push("A");
+        EXPECT_EQ(stack.count(), 0);
+    }
+    push("B");
+    EXPECT_EQ(stack.count(), 1);
+}
+
+TEST_F(UndoStackStateTest, DeletesACommandThatThrowsWhileSuspended)
+{
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    {
+        const UndoStack::SuspendUndoRecording suspension;
+        EXPECT_THROW(push([held] { throw StackError(); }, nothing), StackError);
+    }
+    held.reset();
+
+    EXPECT_TRUE(watched.expired());
 }
