@@ -1,7 +1,6 @@
 #include <mirel_analyzercommon/GenericUndoCommand.h>
 
 #include <mirel_analyzercommon/DeleteSignaler.h>
-#include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_analyzercommon/UndoStackState.h>
 
 #include <boost/signals2/connection.hpp>
@@ -80,7 +79,7 @@ void GenericUndoCommand::redo()
     if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectDestroyed) {
         return;
     }
-    const UndoStack::SuspendUndoRecording suspension;
+    const UndoStackState::Suspension suspension;
     callCopy(impl->redo);
     QUndoCommand::redo();
 }
@@ -90,7 +89,7 @@ void GenericUndoCommand::undo()
     if (impl->isObjectDestroyed) {
         return;
     }
-    const UndoStack::SuspendUndoRecording suspension;
+    const UndoStackState::Suspension suspension;
     QUndoCommand::undo();
     callCopy(impl->undo);
 }

@@ -22,6 +22,16 @@ public:
     void resume() { --suspensions; }
     bool isSuspended() const { return suspensions > 0; }
 
+    /** Suspends recording while it lives: what a command sets off records nothing. */
+    class Suspension
+    {
+    public:
+        Suspension() { instance().suspend(); }
+        ~Suspension() { instance().resume(); }
+        Suspension(const Suspension&) = delete;
+        Suspension& operator=(const Suspension&) = delete;
+    };
+
     void openMacro(const QString& text);
 
     /** Ends the step that the outermost macro began, if it began one and the step still exists. */

@@ -1,6 +1,5 @@
 #include <mirel_analyzercommon/WrappedUndoCommand.h>
 
-#include <mirel_analyzercommon/UndoStack.h>
 #include <mirel_analyzercommon/UndoStackState.h>
 
 #include <utility>
@@ -34,7 +33,7 @@ void WrappedUndoCommand::redo()
     if (UndoStackState::instance().takeDoneBeforePush(this)) {
         return;
     }
-    const UndoStack::SuspendUndoRecording suspension;
+    const UndoStackState::Suspension suspension;
     if (!command->isObsolete()) {
         command->redo();
     }
@@ -43,7 +42,7 @@ void WrappedUndoCommand::redo()
 
 void WrappedUndoCommand::undo()
 {
-    const UndoStack::SuspendUndoRecording suspension;
+    const UndoStackState::Suspension suspension;
     if (!command->isObsolete()) {
         command->undo();
     }
