@@ -21,6 +21,13 @@ inline Model fit(Cases cases, int highestOrder = 2)
     return {cases.inputPointers(), cases.outputPointers(), cases.count(), highestOrder};
 }
 
+inline Model fit(Cases cases, PolynomialTerms terms,
+                 Model::Selection selection = Model::Selection::All)
+{
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(),
+            ResponseSurfaceOptions{terms, selection}};
+}
+
 /** A 3 x 3 grid with one case twice: small enough to write its figures down. */
 inline Cases grid()
 {
@@ -81,10 +88,9 @@ inline std::vector<Column> caseAt(const Cases& cases, std::size_t row)
     return point;
 }
 
-inline Model select(Cases cases, PolynomialTerms terms = PolynomialTerms::Quadratic)
+inline Model select(const Cases& cases)
 {
-    return {cases.inputPointers(), cases.outputPointers(), cases.count(),
-            ResponseSurfaceOptions{terms, Model::Selection::BackwardAicc}};
+    return fit(cases, PolynomialTerms::Quadratic, Model::Selection::BackwardAicc);
 }
 
 inline ResponseSurfaceStatistics statisticsOf(const Cases& cases, int highestOrder = 2)
