@@ -4,7 +4,6 @@
 #include "CommandOutput.h"
 
 #include <session/cases/CaseFileReader.h>
-#include <session/files/FileFingerprint.h>
 #include <session/model/InputValues.h>
 #include <session/model/ModelFile.h>
 #include <session/model/SessionChoices.h>
@@ -13,19 +12,13 @@
 #include <session/report/ReportHeading.h>
 #include <session/text/SessionErrors.h>
 
-#include <mirel_datamanagement/Project.h>
-
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
-std::string nameOf(const VarPtr& variable)
-{
-    return variable.lock()->name();
-}
-
 CaseFileReader::Options readingOptions(const CommandLine& line)
 {
     CaseFileReader::Options options;
@@ -48,36 +41,13 @@ SessionChoices choices(const CommandLine& line)
     return choices;
 }
 
-void requireRoles(const CommandLine& line, const Workspace& workspace)
-{
-    if (line.command == CommandLine::Summary) {
-        return;
-    }
-    if (workspace.outputs().empty()) {
-        std::string numeric;
-        for (const VarPtr& variable : workspace.project().variables()) {
-            if (variable.lock()->isNumeric()) {
-                numeric += (numeric.empty() ? "\"" : ", \"") + nameOf(variable) + '"';
-            }
-        }
-        throw UsageError("The command needs an output: -y NAME. " +
-                         (numeric.empty() ? "No column is numeric."
-                                          : "The numeric columns are: " + numeric + '.'));
-    }
-    if (workspace.inputs().empty()) {
-        throw UsageError(line.startsFromProject() ? "The project has no input; name one: -x NAME."
-                                                  : "No numeric column is left to be an input.");
-    }
-}
-
 /** Reads the case file of a project, or the one that is to take its place. */
 CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
 {
     if (!line.cases.empty()) {
-        if (FileFingerprint::of(line.cases) != document.caseFile.fingerprint) {
-            note(line, "Note: \"" + line.cases +
-                           "\" holds other data than the case file that the project was saved "
-                           "with.\n");
+        const std::string sentence = otherCasesNote(document, line.cases);
+        if (!sentence.empty()) {
+            note(line, "Note: " + sentence + '\n');
         }
         return CaseFileReader::read(line.cases, readingOptions(line));
     }
@@ -144,8 +114,9 @@ OpenSession::OpenSession(const CommandLine& line)
       readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
 {
     // An exported model has its roles, and may well have no input.
-    if (!line.startsFromModel()) {
-        requireRoles(line, session);
+    if (!line.startsFromModel() && line.command != CommandLine::Summary) {
+        requireRoles(session, "-y NAME",
+                     line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
     }
     if (line.command != CommandLine::Summary) { // which has them in its text
         for (const std::string& sentence : ReportHeading::readingNotes(session)) {

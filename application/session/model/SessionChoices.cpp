@@ -5,7 +5,11 @@
 #include "session/cases/VariableNames.h"
 #include "session/project/ProjectCases.h"
 #include "session/project/ProjectDocument.h"
+#include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
+#include "session/text/SessionErrors.h"
+
+#include <mirel_datamanagement/Project.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -88,4 +92,25 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     }
     chooseTerms(choices, session);
     return opened;
+}
+
+void requireRoles(const Workspace& workspace, const std::string& outputHint,
+                  const std::optional<std::string>& inputHint)
+{
+    if (workspace.outputs().empty()) {
+        std::vector<std::string> numeric;
+        for (const VarPtr& variable : workspace.project().variables()) {
+            if (variable.lock()->isNumeric()) {
+                numeric.push_back('"' + variable.lock()->name() + '"');
+            }
+        }
+        throw UsageError("The command needs an output: " + outputHint + ". " +
+                         (numeric.empty()
+                              ? "No column is numeric."
+                              : "The numeric columns are: " + joinedText(numeric) + '.'));
+    }
+    if (workspace.inputs().empty()) {
+        throw UsageError(inputHint ? "The project has no input; name one: " + *inputHint + '.'
+                                   : "No numeric column is left to be an input.");
+    }
 }

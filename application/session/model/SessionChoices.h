@@ -44,3 +44,13 @@ SURROGATE_SESSION_EXPORT std::unique_ptr<CaseSession> openCases(CaseTable table,
  */
 SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const ProjectDocument& document,
                                                    const SessionChoices& choices);
+
+/**
+ * Refuses a workspace without an output, or without an input.
+ * @param outputHint how the user names an output, part of the sentence.
+ * @param inputHint  likewise; none where every numeric column that is no output would be an input.
+ * @throw UsageError
+ */
+SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace,
+                                           const std::string& outputHint,
+                                           const std::optional<std::string>& inputHint);

@@ -95,6 +95,14 @@ CaseTable readProjectCases(const ProjectDocument& document, const CaseFileReader
     return CaseFileReader::read(document.caseFile.path, readingOptions(document, options));
 }
 
+std::string otherCasesNote(const ProjectDocument& document, const std::string& path)
+{
+    return FileFingerprint::of(path) == document.caseFile.fingerprint
+               ? std::string()
+               : '"' + path +
+                     "\" holds other data than the case file that the project was saved with.";
+}
+
 CaseRoles rolesIn(const ProjectDocument& document, const CaseTable& table)
 {
     const std::vector<std::string> names = table.names();

@@ -41,6 +41,11 @@ SURROGATE_SESSION_EXPORT CaseFileReader::Options readingOptions(const ProjectDoc
 SURROGATE_SESSION_EXPORT CaseTable readProjectCases(const ProjectDocument& document,
                                                     const CaseFileReader::Options& options);
 
+/** Says in a sentence that a file does not hold the cases that a project was saved with; empty if
+ * it does. @throw FileError if it cannot be read. */
+SURROGATE_SESSION_EXPORT std::string otherCasesNote(const ProjectDocument& document,
+                                                    const std::string& path);
+
 /** The columns of a table that are inputs and outputs of a project; names that the table does not
  *  hold are left out. */
 SURROGATE_SESSION_EXPORT CaseRoles rolesIn(const ProjectDocument& document, const CaseTable& table);

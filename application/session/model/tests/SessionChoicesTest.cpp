@@ -1,6 +1,7 @@
 #include <session/model/SessionChoices.h>
 
 #include "CvdCases.h"
+#include "MessageOf.h"
 #include "TemporaryFolder.h"
 
 #include <session/cases/VariableNames.h>
@@ -140,6 +141,25 @@ TEST(SessionChoices, AnUnknownModelThatIsNotTakenIsNotNoted)
     choices.model = CaseSession::ResponseSurface;
 
     EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
+}
+
+TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
+{
+    const auto refusal = [](const Workspace& workspace, const std::optional<std::string>& hint) {
+        return messageOf<UsageError>([&] { requireRoles(workspace, "-y NAME", hint); });
+    };
+    SessionChoices choices;
+    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}),
+              "The command needs an output: -y NAME. The numeric columns are: \"Pressure\", "
+              "\"H2/WF6\", \"Uniformity\", \"Stress\".");
+
+    choices.outputs = {"Pressure,H2/WF6,Uniformity,Stress"};
+    const auto session = openCases(cvdCases(), choices);
+    EXPECT_EQ(refusal(*session, {}), "No numeric column is left to be an input.");
+    EXPECT_EQ(refusal(*session, "-x NAME"), "The project has no input; name one: -x NAME.");
+
+    choices.outputs = {"Stress"};
+    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}), "accepted");
 }
 
 TEST(SessionChoices, ACaseThatDoesNotExistIsRefused)

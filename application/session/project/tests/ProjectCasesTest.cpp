@@ -77,6 +77,19 @@ TEST(ProjectCases, AProjectUnderAnotherNameIsNoTable)
     EXPECT_EQ(readCaseTable(folder.write("c.csv", "x\n1\n"), {}).cases, 1u);
 }
 
+TEST(ProjectCases, OfAnotherFileAreNotedUnlessTheyAreTheSame)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("moved.csv", "x;y\n0,5;1\n");
+    ProjectDocument project = sampleProject("cases.csv");
+    EXPECT_EQ(otherCasesNote(project, path),
+              '"' + path +
+                  "\" holds other data than the case file that the project was saved with.");
+
+    project.caseFile.fingerprint = FileFingerprint::of(path);
+    EXPECT_EQ(otherCasesNote(project, path), "");
+}
+
 TEST(ProjectCases, AreThoseThatTheProjectWasSavedWith)
 {
     const TemporaryFolder folder;
