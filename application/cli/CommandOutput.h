@@ -7,7 +7,7 @@ struct CommandLine;
 /** Writes a file, whole or not at all; "-" is the standard output. @throw FileError */
 void writeText(const std::string& path, const std::string& text);
 
-/** Tells the user something on the standard error, unless the command line asks for quiet. */
+/** Writes a text to the standard error, unless the command line asks for quiet. */
 void note(const CommandLine& line, const std::string& text);
 
 /** Whether both names lead to one regular file that exists. */

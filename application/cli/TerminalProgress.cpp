@@ -15,7 +15,7 @@
 
 struct TerminalProgress::Line
 {
-    /** Often enough to look alive, seldom enough to cost nothing. */
+    /** Frequent enough to show progress, rare enough to cost no time. */
     static constexpr std::chrono::milliseconds interval = std::chrono::milliseconds(100);
 
     /** Of the bar, in characters. */

@@ -48,35 +48,6 @@ TEST_F(IntervalOption, PredictAddsLimitsBehindEachPrediction)
     EXPECT_EQ(lines[2], "6,,none,,,") << "empty where an input is missing";
 }
 
-TEST_F(IntervalOption, LimitsThatDoNotExistAreEmptyAndSaidToBe)
-{
-    const Outcome outcome = run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress "
-                                "--exclude 4-6,10,11 --interval 95");
-
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(linesOf(outcome.out)[1].substr(linesOf(outcome.out)[1].size() - 2), ",,");
-    EXPECT_NE(outcome.err.find("Warning: The limits of \"Stress\" are empty. There are no "
-                               "prediction intervals: the polynomial has as many terms as there "
-                               "are cases, and none is left to tell the error by.\n"),
-              std::string::npos)
-        << outcome.err;
-}
-
-TEST_F(IntervalOption, IntervalNeedsAPercentage)
-{
-    for (const std::string text : {"0", "100", "-5", "nan", "95%", "1e3"}) {
-        expectFailure("evaluate cvd.csv -y Stress --interval='" + text + "'", 2,
-                      "--interval needs a percentage above 0 and below 100, such as 95, not \"" +
-                          text + "\".");
-    }
-}
-
-TEST_F(IntervalOption, IntervalBelongsToTables)
-{
-    expectFailure("fit cvd.csv -y Stress --interval 95", 2,
-                  "--interval belongs to the commands evaluate and predict.");
-}
-
 TEST_F(IntervalOption, LimitsDoNotTakeTheNamesOfOtherColumns)
 {
     folder.write("names.csv", "x,y lower,y\n1,2,3\n2,3,5\n3,5,6\n4,4,4\n");

@@ -28,21 +28,6 @@ TEST_F(PlotCommand, PlotWritesAPictureAndNothingElse)
     EXPECT_NE(folder.read("picture.svg").find(">Pressure</text>"), std::string::npos);
 }
 
-TEST_F(PlotCommand, PlotShowsEachOutputOfBothModels)
-{
-    for (const std::string model : {"kriging", "response-surface"}) {
-        for (const std::string kind : {"actual", "residuals"}) {
-            const Outcome plot = run("plot cvd.csv -y Uniformity -y Stress -q -m " + model +
-                                     " --kind " + kind + " -o picture.svg");
-
-            EXPECT_EQ(plot.exitCode, 0) << plot.err;
-            const std::string svg = folder.read("picture.svg");
-            EXPECT_NE(svg.find(">Uniformity, predicted</text>"), std::string::npos);
-            EXPECT_NE(svg.find(">Stress, predicted</text>"), std::string::npos);
-        }
-    }
-}
-
 TEST_F(PlotCommand, PlotNeedsNoDisplay)
 {
     EXPECT_EQ(run(contour + "--kind contour -o with.svg").exitCode, 0);

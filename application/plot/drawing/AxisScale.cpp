@@ -40,11 +40,6 @@ QwtInterval AxisScale::range(const std::vector<double>& values)
     return {*least, *most};
 }
 
-QwtInterval AxisScale::united(const QwtInterval& left, const QwtInterval& right)
-{
-    return left | right;
-}
-
 bool AxisScale::isDrawable(const QwtInterval& interval)
 {
     // The distance of two such numbers grows by up to a half with margins, and up to twice with

@@ -17,9 +17,6 @@ constexpr double minRelativeSpread = 1e-13;
 /** Smallest and largest of the values; not valid if there are none. */
 QwtInterval range(const std::vector<double>& values);
 
-/** The smallest interval that contains both. */
-QwtInterval united(const QwtInterval& left, const QwtInterval& right);
-
 /** Whether an axis can show the interval: margins and rounding to whole steps must not overflow. */
 bool isDrawable(const QwtInterval& interval);
 

@@ -33,7 +33,7 @@ QPointF pointAt(const QPolygonF& line, const std::vector<double>& lengths, doubl
     return part > 0.0 ? QLineF(line[i - 1], line[i]).pointAt((length - from) / part) : line[i];
 }
 
-/** Adds points so that none of the line lies in a box without one of its points. */
+/** Adds points, so that a box of a label's size which the line crosses contains one of them. */
 QPolygonF inSmallSteps(const QPolygonF& line)
 {
     QPolygonF fine;

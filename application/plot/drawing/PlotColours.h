@@ -9,9 +9,8 @@
  */
 namespace PlotColours {
 const QColor model(0x00, 0x72, 0xB2); ///< blue
-const QColor
-    band(0xCC, 0xE3,
-         0xF0); ///< a fifth of that blue on white, opaque: not all formats have transparency
+/** A fifth of that blue on white, opaque: not all formats have transparency. */
+const QColor band(0xCC, 0xE3, 0xF0);
 const QColor cases(0xD5, 0x5E, 0x00);     ///< vermillion
 const QColor reference(0x00, 0x00, 0x00); ///< diagonal and zero line
 const QColor text(0x20, 0x20, 0x20);

@@ -289,7 +289,7 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
     xRange = AxisScale::padded(AxisScale::range(picture.inputs), narrowMargin);
     yRange = AxisScale::range(picture.model);
     for (const auto* column : {&picture.lower, &picture.upper, &picture.caseOutputs}) {
-        yRange = AxisScale::united(yRange, AxisScale::range(*column));
+        yRange = yRange | AxisScale::range(*column);
     }
     yRange = AxisScale::padded(yRange, margin);
 }
@@ -320,9 +320,8 @@ void PlotWidget::Impl::show(const ActualPicture& picture)
     nameAxis(QwtPlot::xBottom, picture.outputName + ", actual");
     nameAxis(QwtPlot::yLeft, picture.outputName + ", predicted");
     addGrid();
-    xRange =
-        AxisScale::united(AxisScale::range(picture.actual), AxisScale::range(picture.predicted));
-    xRange = AxisScale::padded(xRange, margin);
+    xRange = AxisScale::padded(
+        AxisScale::range(picture.actual) | AxisScale::range(picture.predicted), margin);
     yRange = xRange;
     addLine({{xRange.minValue(), xRange.minValue()}, {xRange.maxValue(), xRange.maxValue()}},
             QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer, "predicted = actual");
@@ -336,8 +335,7 @@ void PlotWidget::Impl::show(const ResidualPicture& picture)
     nameAxis(QwtPlot::yLeft, "actual - predicted");
     addGrid();
     xRange = AxisScale::padded(AxisScale::range(picture.predicted), margin);
-    yRange = AxisScale::united(AxisScale::range(picture.residuals), QwtInterval(0.0, 0.0));
-    yRange = AxisScale::padded(yRange, margin);
+    yRange = AxisScale::padded(AxisScale::range(picture.residuals) | QwtInterval(0.0, 0.0), margin);
     addLine({{xRange.minValue(), 0.0}, {xRange.maxValue(), 0.0}},
             QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer);
     addCases(points(picture.predicted, picture.residuals), std::string(), Qt::white);

@@ -4,7 +4,6 @@
 #include "plot/model/ModelCut.h"
 
 #include <session/text/QuotedText.h>
-#include <session/text/SessionErrors.h>
 
 #include <algorithm>
 
@@ -14,10 +13,7 @@ std::vector<double> ascendingValues(const ModelCut::Column& input)
     std::vector<double> values = input.values;
     std::sort(values.begin(), values.end());
     values.erase(std::unique(values.begin(), values.end()), values.end());
-    if (values.size() < 2) {
-        throw UsageError("The picture needs two different values of " + quotedText(input.name) +
-                         " at least.");
-    }
+    requireTwoValues(values.size(), input.name);
     return values;
 }
 

@@ -2,6 +2,9 @@
 
 #include "plot/drawing/AxisScale.h"
 
+#include <session/text/QuotedText.h>
+#include <session/text/SessionErrors.h>
+
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
@@ -15,5 +18,13 @@ void requireDrawable(const std::vector<double>& values, const std::string& owner
     if (!areDrawable) {
         throw SurrogateModelInterface::Error(
             owner + " holds values that are not finite, or too large to be drawn.");
+    }
+}
+
+void requireTwoValues(std::size_t different, const std::string& input)
+{
+    if (different < 2) {
+        throw UsageError("The picture needs two different values of " + quotedText(input) +
+                         " at least.");
     }
 }

@@ -8,7 +8,6 @@
 #include <session/text/QuotedText.h>
 
 #include <mirel_datamanagement/Project.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
@@ -124,7 +123,7 @@ ModelCut ModelCut::throughChosenValues(CaseSession& session)
 ModelCut ModelCut::throughTheMiddle(CaseSession& session, std::size_t input)
 {
     ModelCut cut = emptyCut(session, {input});
-    std::vector<double*> points;
+    std::vector<const double*> points;
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         const auto [least, most] = session.inputs()[i].lock()->range();
         std::vector<double>& values = cut.inputs[i].values;
@@ -134,11 +133,9 @@ ModelCut ModelCut::throughTheMiddle(CaseSession& session, std::size_t input)
         }
         points.push_back(values.data());
     }
-    const SurrogateModelInterface& model = session.model();
+    std::vector<std::vector<double>> outputs = session.predict(points, sweepValues).outputs;
     for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
-        cut.outputs[i].values.resize(sweepValues);
-        std::vector<double*> values = {cut.outputs[i].values.data()};
-        model.interpolateDependentValues(points, {session.outputOffsets()[i]}, values, sweepValues);
+        cut.outputs[i].values = std::move(outputs[i]);
     }
     addNearCases(session, cut);
     return cut;

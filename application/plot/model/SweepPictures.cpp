@@ -6,7 +6,6 @@
 
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
-#include <session/text/SessionErrors.h>
 
 #include <algorithm>
 #include <numeric>
@@ -46,10 +45,7 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
     const ModelCut::Column& input = cut.inputs[cut.swept.front()];
     const ModelCut::Column& model = cut.outputs[output];
     const std::vector<std::size_t> order = ascending(input.values);
-    if (order.size() < 2) {
-        throw UsageError("The picture needs two different values of " + quotedText(input.name) +
-                         " at least.");
-    }
+    requireTwoValues(order.size(), input.name);
     SweepPicture picture;
     picture.inputName = input.name;
     picture.outputName = model.name;

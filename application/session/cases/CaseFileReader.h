@@ -18,7 +18,7 @@
  * defined by CellValue, how they are quoted by CsvSplitter.
  *
  * A column is numeric if at least half of its filled cells are numbers; its other cells then count
- * as missing, and are told (CellsWithoutNumber).
+ * as missing, and are reported (CellsWithoutNumber).
  *
  * The file is read in blocks, and only its columns stay in memory. What a column is, is known at
  * the end: where its first filled cell suggests the other kind, the file is read a second time for

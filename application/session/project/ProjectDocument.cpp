@@ -105,7 +105,7 @@ void give(const std::optional<XmlNode>& element, const SerializerInterface& seri
     }
 }
 
-/** Reading stops at a mode that does not exist, when other settings have been read already. */
+/** The library would stop at an unknown mode with other settings read already. */
 void checkModes(const XmlNode* block, const std::string& source)
 {
     if (block == nullptr) {

@@ -41,7 +41,7 @@ constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variab
                                                           {"dependent", Variable::Dependent},
                                                           {"unassigned", Variable::Unassigned}}};
 
-/** Selecting none is said by the absence of the element. */
+/** Without the element no terms are selected. */
 constexpr std::array<Word<ResponseSurfaceOptions::Selection>, 1> termSelections = {
     {{"BackwardAicc", ResponseSurfaceOptions::Selection::BackwardAicc}}};
 
@@ -324,7 +324,7 @@ PolynomialTerms readPolynomial(const XmlNode& element)
     return requiredWord(element, "Terms", polynomials);
 }
 
-/** Its reader takes elements of every name. */
+/** Entries of any name: the library reads only their attributes. */
 void checkDistributions(const XmlNode& block)
 {
     allowAttributes(block, {});

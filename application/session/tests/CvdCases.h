@@ -1,9 +1,6 @@
 #pragma once
 
-#include <session/cases/CaseTable.h>
-
-#include <utility>
-#include <vector>
+#include "CaseTables.h"
 
 /**
  * A central composite design of 11 runs in a chemical vapour deposition process.
@@ -12,19 +9,8 @@
  */
 inline CaseTable cvdCases()
 {
-    const auto column = [](const char* name, std::vector<double> numbers) {
-        CaseColumn result;
-        result.name = name;
-        result.numbers = std::move(numbers);
-        return result;
-    };
-    CaseTable table;
-    table.path = "cvd.csv";
-    table.cases = 11;
-    table.columns = {
-        column("Pressure", {80, 42, 68.87, 15.13, 4, 42, 15.13, 42, 68.87, 42, 42}),
-        column("H2/WF6", {6, 6, 3.17, 8.83, 6, 6, 3.17, 2, 8.83, 10, 6}),
-        column("Uniformity", {4.6, 6.2, 3.4, 6.9, 7.3, 6.4, 8.6, 6.3, 5.1, 5.4, 5.0}),
-        column("Stress", {8.04, 7.78, 7.58, 7.27, 6.49, 7.69, 6.66, 7.16, 8.33, 8.19, 7.9})};
-    return table;
+    return tableOf({{"Pressure", {80, 42, 68.87, 15.13, 4, 42, 15.13, 42, 68.87, 42, 42}},
+                    {"H2/WF6", {6, 6, 3.17, 8.83, 6, 6, 3.17, 2, 8.83, 10, 6}},
+                    {"Uniformity", {4.6, 6.2, 3.4, 6.9, 7.3, 6.4, 8.6, 6.3, 5.1, 5.4, 5.0}},
+                    {"Stress", {8.04, 7.78, 7.58, 7.27, 6.49, 7.69, 6.66, 7.16, 8.33, 8.19, 7.9}}});
 }

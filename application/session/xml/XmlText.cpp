@@ -211,8 +211,8 @@ private:
         openNodes.push_back(std::move(node));
     }
 
-    /** Where a tag begins whose token does: before the root a token takes in the blanks; elsewhere
-     *  the parser may have taken the bracket, and part of the tag, already. */
+    /** The bracket of a start tag whose token begins there: with blanks if it is the root, else
+     *  perhaps behind the bracket. */
     qint64 bracketOf(qint64 begin) const
     {
         while (text.at(static_cast<int>(begin)).isSpace()) {

@@ -26,7 +26,7 @@ std::string nameOf(const testing::TestParamInfo<LabelCase>& info)
 }
 } // namespace
 
-TEST_P(AxisScaleLabel, HasTheDigitsThatTellItFromItsNeighbours)
+TEST_P(AxisScaleLabel, HasTheDigitsThatDistinguishItFromItsNeighbours)
 {
     const LabelCase& label = GetParam();
     EXPECT_EQ(AxisScale::label(label.value, label.step, label.largest).toStdString(), label.text);

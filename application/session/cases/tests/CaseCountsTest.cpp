@@ -43,7 +43,7 @@ TEST_F(CaseCountsTest, ACaseCountsUnderEachVariableThatItLacks)
     EXPECT_EQ(counts.invalidByOutput, (Numbers{1, 1}));
 }
 
-TEST_F(CaseCountsTest, AnOutputAloneIsNotHinderedByTheOthers)
+TEST_F(CaseCountsTest, ValidAloneCountsWithoutTheOtherOutputs)
 {
     const CaseCounts counts = countCases(project, {x1, x2}, {y1, y2}, {});
 

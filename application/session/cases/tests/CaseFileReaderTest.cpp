@@ -68,20 +68,6 @@ TEST_F(CaseFileReaderTest, ReadsColumnsOfNumbersAndOfTexts)
     EXPECT_EQ(table.columns[2].numbers, (Numbers{2.5, 400.0}));
 }
 
-TEST_F(CaseFileReaderTest, RecognisesCommaSemicolonAndTab)
-{
-    EXPECT_EQ(read("a,b\n1,2\n").separator, ',');
-    EXPECT_EQ(read("a;b\n1;2\n").separator, ';');
-    EXPECT_EQ(read("a\tb\n1\t2\n").separator, '\t');
-}
-
-TEST_F(CaseFileReaderTest, ASeparatorInsideANameIsNoSeparator)
-{
-    EXPECT_EQ(namesOf(read("Temp; inner,Stress\n1,2\n3,4\n")), (Names{"Temp; inner", "Stress"}));
-    EXPECT_EQ(namesOf(read("\"a;b;c\",d\n1,2\n")), (Names{"a;b;c", "d"}));
-    EXPECT_EQ(namesOf(read("p, q\tr\n1\t2\n")), (Names{"p, q", "r"}));
-}
-
 TEST_F(CaseFileReaderTest, DecimalCommasDoNotMakeACommaTheSeparator)
 {
     const CaseTable table = read("x;y\n1,5;2,5\n3,5;4\n");
@@ -94,12 +80,6 @@ TEST_F(CaseFileReaderTest, DecimalCommasDoNotMakeACommaTheSeparator)
 TEST_F(CaseFileReaderTest, DecimalCommasAreReadBetweenTabs)
 {
     EXPECT_EQ(read("x\ty\n1,5\t2\n").columns[0].numbers, (Numbers{1.5}));
-}
-
-TEST_F(CaseFileReaderTest, ARaggedRowDoesNotMisleadTheRecognition)
-{
-    EXPECT_EQ(refusalOf("a,b,c\n1,2,3\n4,5\n6,7,8\n"),
-              "cases.csv, line 3: the row has 2 cells, the heading has 3.");
 }
 
 TEST_F(CaseFileReaderTest, AGivenSeparatorIsTaken)
@@ -182,16 +162,16 @@ TEST_F(CaseFileReaderTest, AColumnWhoseCellsAreNumbersByHalfIsNumeric)
     }
 }
 
-TEST_F(CaseFileReaderTest, CellsThatAreNoNumbersAreToldWithTheirSpellingsAndFirstLine)
+TEST_F(CaseFileReaderTest, CellsThatAreNoNumbersAreReportedWithTheirSpellingsAndFirstLine)
 {
-    const auto told = [&](const std::string& content) {
+    const auto reported = [&](const std::string& content) {
         return read(content).columns[0].withoutNumber.text();
     };
 
-    EXPECT_EQ(told("y\n1\n2\nfailed\n"), "1 cell is no number (\"failed\", in line 4)");
-    EXPECT_EQ(told("y\n1\nfailed\n2\n3\nfailed\n"),
+    EXPECT_EQ(reported("y\n1\n2\nfailed\n"), "1 cell is no number (\"failed\", in line 4)");
+    EXPECT_EQ(reported("y\n1\nfailed\n2\n3\nfailed\n"),
               "2 cells are no numbers (\"failed\", first in line 3)");
-    EXPECT_EQ(told("y\n1\n2\n3\n4\na\nb\nc\nd\n"),
+    EXPECT_EQ(reported("y\n1\n2\n3\n4\na\nb\nc\nd\n"),
               "4 cells are no numbers (\"a\", \"b\", \"c\" and others, first in line 6)");
 }
 
@@ -222,15 +202,6 @@ TEST_F(CaseFileReaderTest, ANoteFarDownAnEmptyColumnIsText)
     const CaseTable table = read("x,note\n1,\n2,\n3,broken\n");
 
     EXPECT_EQ(table.columns[1].texts, (Texts{"", "", "broken"}));
-}
-
-TEST_F(CaseFileReaderTest, QuotedCellsHoldSeparatorsQuotesAndLineEnds)
-{
-    const CaseTable table = read("\"a, \"\"b\"\"\",c\n\"1\",\"two\nlines, one cell\"\n");
-
-    EXPECT_EQ(namesOf(table), (Names{"a, \"b\"", "c"}));
-    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0}));
-    EXPECT_EQ(table.columns[1].texts, (Texts{"two\nlines, one cell"}));
 }
 
 TEST_F(CaseFileReaderTest, BlanksAroundCellsAreTakenOff)
@@ -299,7 +270,7 @@ TEST_F(CaseFileReaderTest, RefusesDecimalCommasBesideDecimalPoints)
     EXPECT_EQ(read("a;s\n1,5;0.5\n2;x\n2;x\n").cases, 3u) << "a text column has no decimal marks";
 }
 
-TEST_F(CaseFileReaderTest, TellsWhichDecimalMarkTheNumbersHave)
+TEST_F(CaseFileReaderTest, SaysWhichDecimalMarkTheNumbersHave)
 {
     EXPECT_TRUE(read("a;b\n1,5;2\n").hasDecimalComma);
     EXPECT_FALSE(read("a;b\n1.5;2\n").hasDecimalComma);
@@ -357,19 +328,6 @@ TEST_F(CaseFileReaderTest, ReadsAPipeLikeAFile)
 
     writer.join();
     EXPECT_EQ(table.columns[0].texts, (Texts{"007", "b", "c"}));
-}
-
-TEST_F(CaseFileReaderTest, AFileThatCannotBeReadIsNamedWithTheReason)
-{
-    const auto refusal = [](const std::string& path) {
-        return messageOf<FileError>([&] { CaseFileReader::read(path, {}); });
-    };
-
-    const std::string missing = folder.path("none.csv");
-    EXPECT_EQ(refusal(missing),
-              "The file \"" + missing + "\" cannot be read: No such file or directory.");
-    EXPECT_EQ(refusal(folder.path("")),
-              "The file \"" + folder.path("") + "\" cannot be read: Is a directory.");
 }
 
 TEST_F(CaseFileReaderTest, ReadingTakesLittleMoreMemoryThanTheNumbers)

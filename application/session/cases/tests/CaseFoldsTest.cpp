@@ -47,7 +47,7 @@ std::vector<Column> anyColumns()
 }
 } // namespace
 
-TEST(CaseFolds, PartsTheSameCasesAlikeEverywhere)
+TEST(CaseFolds, SplitsTheSameCasesAlikeOnEveryMachine)
 {
     // Worked out from the generator's published output: 64-bit Mersenne Twister of Nishimura and
     // Matsumoto. A change here changes the figures of every comparison.

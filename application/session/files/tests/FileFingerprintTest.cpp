@@ -43,7 +43,7 @@ TEST(FileFingerprint, CoversFilesOfManyBlocks)
               "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
-TEST(FileFingerprint, TellsFilesOfTheSameSizeApart)
+TEST(FileFingerprint, DistinguishesFilesOfTheSameSize)
 {
     const TemporaryFolder folder;
     const FileFingerprint first = FileFingerprint::of(folder.write("a", "1"));
@@ -51,14 +51,6 @@ TEST(FileFingerprint, TellsFilesOfTheSameSizeApart)
     EXPECT_TRUE(first == FileFingerprint::of(folder.write("b", "1")));
     EXPECT_TRUE(first != FileFingerprint::of(folder.write("c", "2")));
     EXPECT_TRUE(first != FileFingerprint::of(folder.write("d", "")));
-}
-
-TEST(FileFingerprint, ReportsAFileThatCannotBeRead)
-{
-    const TemporaryFolder folder;
-
-    EXPECT_EQ(refusalOf(folder.path("none")), "The file \"" + folder.path("none") +
-                                                  "\" cannot be read: No such file or directory.");
 }
 
 TEST(FileFingerprint, RefusesWhatCanBeReadOnlyOnce)

@@ -200,7 +200,7 @@ TEST_F(OutputFileTest, TheBackupOfALinkedFileLiesBesideTheFile)
     EXPECT_EQ(folder.fileCount(), 2u);
 }
 
-TEST_F(OutputFileTest, ASaveThatWasKilledBetweenBackupAndFileIsMadeGoodByTheNext)
+TEST_F(OutputFileTest, TheNextSaveRepairsOneThatWasKilledBetweenBackupAndFile)
 {
     folder.write("a.xml", "old");
     std::filesystem::create_hard_link(path, path + ".bak");

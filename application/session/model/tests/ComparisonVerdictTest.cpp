@@ -61,7 +61,7 @@ TEST(ComparisonVerdict, IsForNoneWithinTheNoise)
                   "and 0.25, and their squared errors differ by less than the noise of the cases.");
 }
 
-TEST(ComparisonVerdict, TellsWhichModelAloneIsBetterThanTheMean)
+TEST(ComparisonVerdict, SaysWhichModelAloneIsBetterThanTheMean)
 {
     expectVerdict(judged(figures(1.5), figures(0.5), 1.0), OutputComparison::Either,
                   "There is no clear difference between the models of \"Stress\": the RMSE is 1.5 "
@@ -80,7 +80,7 @@ TEST(ComparisonVerdict, IsAgainstBothWhereTheMeanIsAsGood)
                   "the mean of the cases does (Q2 -3 and 0).");
 }
 
-TEST(ComparisonVerdict, CallsDifferencesOfRoundingNone)
+TEST(ComparisonVerdict, TakesDifferencesOfRoundingForNone)
 {
     expectVerdict(judged(figures(1e-9), figures(1e-12), 9.0), OutputComparison::Either,
                   "There is no clear difference between the models of \"Stress\": both predict "

@@ -20,21 +20,15 @@ const double missing = std::nan("");
 using Numbers = std::vector<double>;
 
 /** y = 1 + 2 x and z = 10 - x: straight lines, which a response surface meets exactly. */
-CaseTable lines(Numbers x)
+CaseTable lines(const Numbers& x)
 {
-    CaseTable table;
-    table.path = "lines.csv";
-    table.cases = x.size();
-    table.columns.resize(3);
-    table.columns[0].name = "x";
-    table.columns[1].name = "y";
-    table.columns[2].name = "z";
+    Numbers y;
+    Numbers z;
     for (const double value : x) {
-        table.columns[1].numbers.push_back(1.0 + 2.0 * value);
-        table.columns[2].numbers.push_back(10.0 - value);
+        y.push_back(1.0 + 2.0 * value);
+        z.push_back(10.0 - value);
     }
-    table.columns[0].numbers = std::move(x);
-    return table;
+    return tableOf({{"x", x}, {"y", y}, {"z", z}});
 }
 
 const CaseRoles lineRoles = {{0}, {1, 2}};

@@ -66,7 +66,7 @@ TEST(InputValues, HoldsAnInputAtItsValue)
     EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{5.0}));
 }
 
-TEST(InputValues, TellNamesFromNamesWithValues)
+TEST(InputValues, DistinguishNamesFromNamesWithValues)
 {
     CaseSession session = cvdSession();
     InputValues values(session);

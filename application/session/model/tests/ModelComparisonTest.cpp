@@ -17,14 +17,6 @@
 #include <vector>
 
 namespace {
-CaseColumn column(const char* name, std::vector<double> numbers)
-{
-    CaseColumn result;
-    result.name = name;
-    result.numbers = std::move(numbers);
-    return result;
-}
-
 /** Uniform in [0, 1) and the same on every machine. */
 class Uniform
 {
@@ -47,26 +39,19 @@ CaseTable madeCases(std::size_t cases)
         noise[i] = uniform();
         plane[i] = a[i] - 2.0 * b[i] + 0.3 * noise[i];
     }
-    CaseTable table;
-    table.path = "made.csv";
-    table.cases = cases;
-    table.columns = {column("a", a), column("b", b), column("wave", wave), column("plane", plane),
-                     column("noise", noise)};
-    return table;
+    return tableOf({{"a", a}, {"b", b}, {"wave", wave}, {"plane", plane}, {"noise", noise}});
 }
 
 /** n cases of one input, 0, 1, 2, ..., and the output given. */
-CaseSession sessionOf(std::vector<double> output, const std::vector<std::size_t>& excluded = {})
+CaseSession sessionOf(const std::vector<double>& output,
+                      const std::vector<std::size_t>& excluded = {})
 {
-    CaseTable table;
-    table.path = "line.csv";
-    table.cases = output.size();
     std::vector<double> input(output.size());
     for (std::size_t i = 0; i < input.size(); ++i) {
         input[i] = static_cast<double>(i);
     }
-    table.columns = {column("x", input), column("y", std::move(output))};
-    return CaseSession(std::move(table), {{0}, {1}}, excluded, CaseSession::ResponseSurface);
+    return CaseSession(tableOf({{"x", input}, {"y", output}}), {{0}, {1}}, excluded,
+                       CaseSession::ResponseSurface);
 }
 } // namespace
 
@@ -197,11 +182,8 @@ TEST(ModelComparison, RemarksThatFewerCasesMeanFewerTerms)
 TEST(ModelComparison, AFitThatFailsIsSaidAndItsFoldLeftOutForBoth)
 {
     // From the other cases no prediction reaches as far as the first one.
-    CaseTable table;
-    table.path = "huge.csv";
-    table.cases = 6;
-    table.columns = {column("x", {1.7e308, 1, 2, 3, 4, 5}), column("y", {1, 2, 4, 7, 5, 9})};
-    const CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::ResponseSurface);
+    const CaseSession session(tableOf({{"x", {1.7e308, 1, 2, 3, 4, 5}}, {"y", {1, 2, 4, 7, 5, 9}}}),
+                              {{0}, {1}}, {}, CaseSession::ResponseSurface);
 
     const OutputComparison output = ModelComparison::of(session, 6).outputs[0];
 
@@ -216,11 +198,9 @@ TEST(ModelComparison, WithoutCasesThatBothPredictThereIsNoDifference)
 {
     // The range of the inputs overflows for Kriging where both ends are among the cases, and the
     // response surface reaches neither end from the rest.
-    CaseTable table;
-    table.path = "huge.csv";
-    table.cases = 6;
-    table.columns = {column("x", {-1.7e308, 1.7e308, 1, 2, 3, 4}), column("y", {1, 2, 3, 4, 5, 7})};
-    const CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::ResponseSurface);
+    const CaseSession session(
+        tableOf({{"x", {-1.7e308, 1.7e308, 1, 2, 3, 4}}, {"y", {1, 2, 3, 4, 5, 7}}}), {{0}, {1}},
+        {}, CaseSession::ResponseSurface);
 
     const OutputComparison output = ModelComparison::of(session, 6).outputs[0];
 

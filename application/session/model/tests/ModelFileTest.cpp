@@ -121,11 +121,14 @@ TEST(ModelFile, ASessionOfAnExportedModelPredictsAndWarnsOfPointsOutside)
 TEST(ModelFile, ReadsWhatWasWritten)
 {
     const TemporaryFolder folder;
-    const ExportedModel model = cvdModel(CaseSession::Kriging);
-    const std::string path = folder.write("model.json", exportModel(model, ExportFormat::Json));
-
-    EXPECT_EQ(exportModel(ModelFile::read(path), ExportFormat::Json),
-              exportModel(model, ExportFormat::Json));
+    for (const CaseSession::ModelType type : {CaseSession::Kriging, CaseSession::ResponseSurface}) {
+        const ExportedModel model = cvdModel(type);
+        const std::string path = folder.write("model.json", exportModel(model, ExportFormat::Json));
+        for (const ExportFormat format : {ExportFormat::Text, ExportFormat::Json, ExportFormat::C,
+                                          ExportFormat::Python, ExportFormat::Excel}) {
+            EXPECT_EQ(exportModel(ModelFile::read(path), format), exportModel(model, format));
+        }
+    }
 }
 
 TEST(ModelFile, WhatCannotBeUsedIsAModelFileError)

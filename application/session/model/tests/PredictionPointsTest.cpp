@@ -71,7 +71,7 @@ TEST(PredictionPoints, AnInputOfTextsIsRefusedWithTheFirstLine)
               "points.csv, line 3: the input \"z\" must be a number, not \"2..5\".");
 }
 
-TEST(PredictionPoints, PointsWithoutANumberAreTold)
+TEST(PredictionPoints, PointsWithoutANumberAreReported)
 {
     const PredictionPoints points(tableOf("z,x\n1,2\n1,off\n1,3\n"), {"x", "z"}, {"y"});
 

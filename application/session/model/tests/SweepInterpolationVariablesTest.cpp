@@ -119,7 +119,7 @@ TEST_F(SweepInterpolationVariablesTest, TheDependentsAreThoseThatWereSet)
     EXPECT_EQ(variables->dependentVariables(), (std::set<VarPtr>{y}));
 }
 
-TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsToldOnce)
+TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsReportedOnce)
 {
     variables->sweep(a, 3);
     variables->sweep(a, 3);
@@ -151,7 +151,7 @@ TEST_F(SweepInterpolationVariablesTest, AllSweepsAreChosenAtOnceWithOneSignal)
     EXPECT_EQ(valuesOf(a), (Numbers{0.0, 5.0, 10.0}));
 }
 
-TEST_F(SweepInterpolationVariablesTest, SuspendedItTellsNothingNorLater)
+TEST_F(SweepInterpolationVariablesTest, ChangesWhileSuspendedAreNeverReported)
 {
     variables->suspend();
     variables->sweep(a, 3);

@@ -96,7 +96,7 @@ TEST(Workspace, RefusesANameThatAProjectCannotCarry)
     const std::string message = messageOf<CaseDataError>(
         [&] { Workspace(table, cvdRoles, {}, Workspace::ResponseSurface); });
 
-    EXPECT_EQ(message.substr(0, 17), "cvd.csv, line 1: ");
+    EXPECT_EQ(message.substr(0, 19), "cases.csv, line 1: ");
 }
 
 TEST(Workspace, AFaultyTextIsRefusedInOneSentenceWithTheItem)

@@ -67,30 +67,6 @@ TEST(ProjectDocument, IsWrittenAsOneElementPerFieldWithSortedAttributes)
     EXPECT_EQ(folder.read("p.surrogate.xml"), sampleProjectText);
 }
 
-TEST(ProjectDocument, ComesBackAsItWasSaved)
-{
-    const TemporaryFolder folder;
-    const ProjectDocument project = sampleProject(folder.path("cases.csv"));
-    project.save(folder.path("p.surrogate.xml"));
-
-    const ProjectDocument loaded = ProjectDocument::load(folder.path("p.surrogate.xml"));
-
-    EXPECT_EQ(loaded.caseFile.path, folder.path("cases.csv"));
-    EXPECT_TRUE(loaded.caseFile.fingerprint == project.caseFile.fingerprint);
-    EXPECT_EQ(loaded.caseFile.separator, ';');
-    EXPECT_TRUE(loaded.caseFile.hasDecimalComma);
-    ASSERT_EQ(loaded.variables.size(), 4u);
-    EXPECT_EQ(loaded.variables[0].name, "x");
-    EXPECT_EQ(loaded.variables[0].role, Variable::Independent);
-    EXPECT_EQ(loaded.variables[0].range, project.variables[0].range);
-    EXPECT_FALSE(loaded.variables[1].range);
-    EXPECT_EQ(loaded.outputs, project.outputs);
-    EXPECT_EQ(loaded.excluded, project.excluded);
-    ASSERT_EQ(loaded.sweeps.size(), 1u);
-    EXPECT_EQ(loaded.sweeps[0].count, 11u);
-    EXPECT_EQ(loaded.sweeps[0].range, project.sweeps[0].range);
-}
-
 TEST(ProjectDocument, WithOneDifferenceIsAnother)
 {
     const ProjectDocument project = sampleProject("cases.csv");
@@ -130,7 +106,7 @@ TEST(ProjectDocument, OverlappingExcludedCasesTakeNoMemory)
     EXPECT_EQ(loaded(with("1,3-5,12", ranges)).excluded.size(), 1000000u);
 }
 
-TEST(ProjectDocument, IsToldFromOtherFilesByTheEndOfItsName)
+TEST(ProjectDocument, IsRecognisedByTheEndOfItsName)
 {
     EXPECT_TRUE(ProjectDocument::isProjectFile("a/p.surrogate.xml"));
     EXPECT_FALSE(ProjectDocument::isProjectFile(".surrogate.xml"));
@@ -198,21 +174,6 @@ TEST(ProjectDocument, SaysWhatTheSettingsAreWithoutAProject)
     ASSERT_EQ(project.userDistributions().size(), 1u);
     EXPECT_EQ(project.userDistributions()[0].mode, "Manual");
     EXPECT_EQ(project.userDistributions()[0].text, "0 - 1 : 3");
-}
-
-TEST(ProjectDocument, GivesTheSettingsAsTheyWereTaken)
-{
-    const ElementSerializer model(
-        "SurrogateModel", {{"Type", "<&\r\n\t>", {}}, {"Variable", "", {{"Name", "\r\"\n"}}}});
-    const ElementSerializer userDistributions("SurrogateModelUserDefinedVariableDistribution",
-                                              {{"Variable", "", {{"Mode", "Auto"}}}});
-    ProjectDocument project = sampleProject("cases.csv");
-    project.takeSettings(model, userDistributions);
-
-    loaded(saved(project)).giveSettings(model, userDistributions);
-
-    EXPECT_EQ(model.received(), model.written());
-    EXPECT_EQ(userDistributions.received(), userDistributions.written());
 }
 
 TEST(ProjectDocument, WithoutSettingsGivesNone)

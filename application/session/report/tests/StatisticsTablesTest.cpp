@@ -1,4 +1,4 @@
-// The statistics of a fit as a session tells them.
+// The statistics of a fit in the reports of a session.
 
 #include "CvdSession.h"
 

@@ -121,7 +121,7 @@ TEST(CellValue, SeparatorsOfThousandsMakeAText)
     }
 }
 
-TEST(CellValue, TheDecimalMarkIsToldWhereBothArePossible)
+TEST(CellValue, TheDecimalMarkIsReportedWhereBothArePossible)
 {
     EXPECT_EQ(CellValue::read("1,5", true).mark, CellValue::Comma);
     EXPECT_EQ(CellValue::read("1.5", true).mark, CellValue::Point);

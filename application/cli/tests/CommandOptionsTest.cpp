@@ -1,0 +1,158 @@
+#include "../CommandOptions.h"
+
+#include "../../session/tests/MessageOf.h"
+#include "../CommandLine.h"
+
+#include <session/text/SessionErrors.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+/** @param line arguments with a blank between each two. */
+CommandLine parsed(const std::string& line)
+{
+    std::istringstream words(line);
+    std::vector<std::string> arguments;
+    for (std::string word; words >> word;) {
+        arguments.push_back(word);
+    }
+    return CommandOptions::parse(arguments);
+}
+
+std::string refusalOf(const std::string& line)
+{
+    return messageOf<UsageError>([&] { parsed(line); });
+}
+} // namespace
+
+TEST(CommandOptions, ReadACommandWithItsOptions)
+{
+    const CommandLine line = parsed("evaluate cases.csv -x a -x b,c --outputs=y -m kriging "
+                                    "--separator tab --decimal comma --interval 95 --threads 2");
+
+    EXPECT_EQ(line.command, CommandLine::Evaluate);
+    EXPECT_EQ(line.subject, "cases.csv");
+    EXPECT_EQ(line.inputs, (std::vector<std::string>{"a", "b,c"}));
+    EXPECT_EQ(line.outputs, (std::vector<std::string>{"y"}));
+    EXPECT_EQ(line.model, CaseSession::Kriging);
+    EXPECT_EQ(line.separator, '\t');
+    EXPECT_EQ(line.decimalMark, CellValue::Comma);
+    EXPECT_EQ(line.interval, 95.0);
+    EXPECT_EQ(line.threads, 2);
+    EXPECT_EQ(line.output, "-");
+}
+
+TEST(CommandOptions, ATextToCheckMayBeginWithAMinusSign)
+{
+    EXPECT_EQ(parsed("check -5").subject, "-5");
+    EXPECT_EQ(parsed("check --json -.5").subject, "-.5");
+    EXPECT_EQ(parsed("check -- -x").subject, "-x");
+}
+
+TEST(CommandOptions, AnUnknownWordGetsNoSuggestion)
+{
+    EXPECT_EQ(
+        refusalOf("nonsense cvd.csv"),
+        "There is no command \"nonsense\". The commands are: summary, fit, evaluate, predict, "
+        "equations, compare, plot, export, project, check; surrogate --help describes them.");
+    EXPECT_EQ(refusalOf("fit cvd.csv --colour red"),
+              "There is no option \"--colour\". surrogate fit --help lists the options.");
+}
+
+TEST(CommandOptions, AMisspeltOptionGetsASuggestion)
+{
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --thread 2"),
+              "There is no option \"--thread\"; the nearest is --threads. surrogate fit --help "
+              "lists the options.");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --folds 3"),
+              "--folds belongs to the command compare.");
+    EXPECT_EQ(refusalOf("--json fit cvd.csv"),
+              "Options stand behind the command: surrogate COMMAND --json ...");
+    EXPECT_EQ(refusalOf("fit cvd.csv other.csv -y Stress"),
+              "\"other.csv\" is one argument too many for fit; texts with blanks are to be "
+              "quoted.");
+}
+
+TEST(CommandOptions, IntervalNeedsAPercentage)
+{
+    for (const std::string text : {"0", "100", "-5", "nan", "95%", "1e3"}) {
+        EXPECT_EQ(refusalOf("evaluate cvd.csv -y Stress --interval=" + text),
+                  "--interval needs a percentage above 0 and below 100, such as 95, not \"" + text +
+                      "\".");
+    }
+}
+
+TEST(CommandOptions, IntervalBelongsToTables)
+{
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --interval 95"),
+              "--interval belongs to the commands evaluate and predict.");
+}
+
+TEST(CommandOptions, TermsAreChosenOfAResponseSurfaceThatIsFitted)
+{
+    EXPECT_EQ(
+        refusalOf("fit cvd.csv -y Stress -m kriging --select-terms"),
+        "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
+        "out -m kriging.");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --all-terms --select-terms"),
+              "--select-terms excludes --all-terms; surrogate COMMAND --help lists the options.");
+    for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
+        EXPECT_EQ(refusalOf(command + "--select-terms"),
+                  "--select-terms belongs to the commands summary, fit, evaluate, predict, "
+                  "equations, compare, plot and export.");
+    }
+    EXPECT_EQ(
+        refusalOf("evaluate m.json --all-terms"),
+        "--terms, --select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
+        "model, fitted already.");
+}
+
+TEST(CommandOptions, WrongUseIsRefusedWithASentence)
+{
+    EXPECT_EQ(refusalOf("fot cvd.csv"),
+              "There is no command \"fot\"; the nearest is fit. The commands are: summary, fit, "
+              "evaluate, predict, equations, compare, plot, export, project, check; surrogate "
+              "--help describes them.");
+    EXPECT_EQ(refusalOf("fit"), "The command needs a case file or a project document.");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress -m spline"),
+              "-m needs response-surface or kriging, not \"spline\".");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --threads 0"),
+              "--threads needs a whole number from 1 to 1024, not \"0\".");
+    EXPECT_EQ(refusalOf("equations cvd.csv -y Stress -m kriging"),
+              "Only the response surface has equations: leave out -m kriging.");
+    EXPECT_EQ(refusalOf("predict cvd.csv -y Stress"),
+              "The command predict needs the file with the points: --points FILE.");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --terms cubic"),
+              "--terms needs linear, interactions or quadratic, not \"cubic\".");
+    EXPECT_EQ(refusalOf("compare cvd.csv -y Stress -m kriging"),
+              "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
+              "export.");
+    EXPECT_EQ(refusalOf("compare cvd.csv -y Stress --folds 1"),
+              "--folds needs a whole number from 2 to 1000000, not \"1\".");
+    EXPECT_EQ(refusalOf("compare cvd.csv -y Stress --folds many"),
+              "--folds needs a whole number from 2 to 1000000, not \"many\".");
+    EXPECT_EQ(refusalOf("fit plane.csv -y y --save plane.xml"),
+              "The name of a project document ends with .surrogate.xml, which \"plane.xml\" "
+              "does not.");
+    EXPECT_EQ(refusalOf("check 1 --save a.surrogate.xml"),
+              "--save belongs to the commands summary, fit, evaluate, predict, equations, "
+              "compare, plot and export.");
+    EXPECT_EQ(refusalOf("fit plane.csv -y y --cases cvd.csv"),
+              "--cases names the case file of a project document; without one it has no "
+              "meaning.");
+    EXPECT_EQ(refusalOf("project"), "The command project needs a project document.");
+    EXPECT_EQ(refusalOf("project study.surrogate.xml -m kriging"),
+              "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
+              "export.");
+    EXPECT_EQ(refusalOf("fit plane.csv -y y --decimal semicolon"),
+              "--decimal needs point or comma, not \"semicolon\".");
+    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --format c"),
+              "--format belongs to the command export.");
+    EXPECT_EQ(refusalOf("export cvd.csv -y Stress --format json --json"),
+              "--json belongs to the commands summary, fit, evaluate, predict, equations, compare, "
+              "project and check.");
+}
