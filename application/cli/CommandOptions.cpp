@@ -34,7 +34,8 @@ const char* const exitCodes = R"(Exit codes:
 const char* const tables = R"(Tables:
   CASES.csv is separated by commas, semicolons or tabs, with the names in the first line; "-" is the
   standard input. A column is numeric if at least half of its filled cells are numbers, else text;
-  its other cells count as missing, and are told. Missing cells are empty, NA, N/A, NaN, null, none, ?, -, a point or an error such as #DIV/0!.)";
+  its other cells count as missing, and are reported. Missing cells are empty, NA, N/A, NaN, null,
+  none, ?, -, a point or an error such as #DIV/0!.)";
 
 const char* const projects = R"(Projects:
   A command that is given a project document starts from what it holds; options override it, name by
