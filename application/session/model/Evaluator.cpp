@@ -9,6 +9,7 @@
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 #include <surrogatemodel/SurrogateModelQueryToTable.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
 #include <vtkCommand.h>
@@ -188,6 +189,25 @@ const FitResult& Evaluator::fit()
         }
     }
     impl->result = std::move(result);
+    return *impl->result;
+}
+
+const FitResult& Evaluator::calibratedFit()
+{
+    fit();
+    const FittedModel* const fitted = fittedModel();
+    for (std::size_t i = 0; i < impl->result->outputs.size() && fitted != nullptr; ++i) {
+        OutputFit& output = impl->result->outputs[i];
+        if (output.calibration) {
+            continue;
+        }
+        try {
+            output.calibration = fitted->calibrationReport(impl->workspace.outputOffsets()[i]);
+        } catch (const SurrogateModelInterface::Error&) {
+            // Without intervals there is nothing to report, unless this was the error that cancels.
+            FitProgress::report(1.0, "Calibrating the intervals");
+        }
+    }
     return *impl->result;
 }
 

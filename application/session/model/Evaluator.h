@@ -25,6 +25,8 @@ struct OutputFit
     FitMetrics metrics;
     std::vector<std::string> warnings;    ///< what changed the result, a sentence each
     std::optional<KrigingReport> kriging; ///< of a Kriging model only; rows are cases, from 0
+    /** Of prediction intervals; none where the model has none, or nobody asked for them yet. */
+    std::optional<CalibrationReport> calibration;
 };
 
 /** The fits of all outputs, in the order of the roles. */
@@ -78,6 +80,9 @@ public:
 
     /** @return valid like model(). */
     const FitResult& fit();
+
+    /** The same with the calibrations of all outputs, which may take a fifth of the fit's time. */
+    const FitResult& calibratedFit();
 
     /** The statistics of a response surface, one per output; none at all of another model. The rows
      *  of the largest leverages are positions of cases, from 0. */

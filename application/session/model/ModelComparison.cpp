@@ -11,6 +11,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/PredictiveModel.h>
 
 #include <algorithm>
@@ -129,9 +130,13 @@ struct TrainTestSplit
 /** The cross-validated predictions of one output by one type of model. */
 struct Predictions
 {
-    explicit Predictions(std::size_t cases) : values(cases, CrossValidationMetrics::none) {}
+    explicit Predictions(std::size_t cases)
+        : values(cases, CrossValidationMetrics::none), lower(values), upper(values)
+    {}
 
     std::vector<double> values; ///< one per case, NaN where the fit of its fold has failed
+    std::vector<double> lower;  ///< limit of the 95 % interval, NaN where the fit has none
+    std::vector<double> upper;  ///< likewise
     std::vector<CrossValidationMetrics::Failure> failures;
     std::vector<std::size_t> terms; ///< of each fit
     double seconds = 0.0;
@@ -156,6 +161,24 @@ std::vector<double> predicted(const SurrogateModelInterface& model, Columns& poi
         model.interpolateDependentValues(inputs, {0}, results, std::min(blockSize, count - first));
     }
     return values;
+}
+
+/** The 95 % intervals of the first output; none of a model that has none. */
+PredictionIntervals intervalsOf(const SurrogateModelInterface& model, Columns& points,
+                                std::size_t count, const std::string& message)
+{
+    constexpr double level = 0.95;
+
+    const FittedModel* const fitted = ModelInterfaces(model).fitted();
+    if (fitted != nullptr) {
+        try {
+            return fitted->predictionIntervals(pointersTo(points), 0, level, count);
+        } catch (const SurrogateModelInterface::Error&) {
+            // A model without intervals is no fault, but the error that cancels comes again.
+            FitProgress::report(1.0, message);
+        }
+    }
+    return {};
 }
 
 /** The progress of one of `count` equal steps. */
@@ -240,8 +263,14 @@ private:
         }
         predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
         predictions.seconds += seconds;
+        const PredictionIntervals intervals =
+            intervalsOf(*model, split.testInputs, split.testCases.size(), message);
         for (std::size_t i = 0; i < values.size(); ++i) {
             predictions.values[split.testCases[i]] = values[i];
+            if (!intervals.lower.empty()) {
+                predictions.lower[split.testCases[i]] = intervals.lower[i];
+                predictions.upper[split.testCases[i]] = intervals.upper[i];
+            }
         }
     }
 
@@ -250,6 +279,20 @@ private:
     std::size_t folds;
     std::vector<std::size_t> foldOfCase;
 };
+
+/** The fraction of the used cases inside of their 95 % intervals; NaN if none has any. */
+double shareHeld(const Predictions& predictions, const std::vector<std::size_t>& used,
+                 const std::vector<double>& output)
+{
+    std::size_t limited = 0;
+    std::size_t held = 0;
+    for (const std::size_t i : used) {
+        limited += std::isfinite(predictions.lower[i]) ? 1 : 0;
+        held += predictions.lower[i] <= output[i] && output[i] <= predictions.upper[i] ? 1 : 0;
+    }
+    return limited == 0 ? CrossValidationMetrics::none
+                        : static_cast<double>(held) / static_cast<double>(limited);
+}
 
 /** The metrics over the cases that are used. */
 CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vector<bool>& isUsed,
@@ -290,6 +333,7 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
         }
     }
     metrics.rmse = std::sqrt(squares / count);
+    metrics.held95 = shareHeld(predictions, used, output);
     const auto [least, greatest] = std::minmax_element(output.begin(), output.end());
     if (*least < *greatest && squaresAboutMean > 0.0) {
         metrics.q2 = 1.0 - squares / squaresAboutMean;

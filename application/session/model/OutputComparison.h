@@ -21,6 +21,7 @@ struct CrossValidationMetrics
     double rmse = none;               ///< in the unit of the output
     double largestError = none;       ///< absolute, likewise
     std::size_t largestErrorCase = 0; ///< its position in the case file, from 0
+    double held95 = none;             ///< the fraction of them inside of the 95 % intervals
     double fitSeconds = none;         ///< wall-clock time of one fit, mean of the folds
     std::vector<Failure> failures;    ///< the folds in which the model cannot be fitted
     std::vector<std::string>

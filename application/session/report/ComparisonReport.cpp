@@ -10,6 +10,7 @@
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -47,6 +48,23 @@ std::string notesOf(const std::string& model, const CrossValidationMetrics& figu
     return text;
 }
 
+/** A sentence, or nothing if no fold has intervals. */
+std::string intervalText(const OutputComparison& output)
+{
+    std::vector<std::string> held;
+    const auto add = [&held](const char* model, const CrossValidationMetrics& figures) {
+        constexpr int digits = 3;
+        if (!std::isnan(figures.held95)) {
+            held.push_back(shownNumber(100.0 * figures.held95, digits) + " % (" + model + ")");
+        }
+    };
+    add("response surface", output.responseSurface);
+    add("Kriging", output.kriging);
+    return held.empty()
+               ? std::string()
+               : "  The 95 % intervals held " + joinedText(held) + " of the left-out cases.\n";
+}
+
 std::string outputText(const OutputComparison& output, std::size_t folds)
 {
     TextTable table({false, true, true, true, true, true});
@@ -54,7 +72,7 @@ std::string outputText(const OutputComparison& output, std::size_t folds)
     addRow(table, "response surface", output.responseSurface);
     addRow(table, "Kriging", output.kriging);
     return '\n' + oneLineText(output.name) + '\n' + table.text("  ") + "  " +
-           output.recommendation + '\n' +
+           output.recommendation + '\n' + intervalText(output) +
            notesOf("The response surface", output.responseSurface, folds) +
            notesOf("Kriging", output.kriging, folds);
 }
@@ -71,6 +89,7 @@ Json modelJson(const char* name, const CrossValidationMetrics& figures)
                  {"rmse", figures.rmse},
                  {"largestError", figures.largestError},
                  {"largestErrorCase", nullptr},
+                 {"held95", figures.held95},
                  {"fitSeconds", figures.fitSeconds},
                  {"failures", failures},
                  {"warnings", figures.remarks}};

@@ -81,11 +81,44 @@ Json krigingJson(const KrigingReport& report)
             {"worstCases", worst}};
 }
 
+const char* basisName(CalibrationReport::Basis basis)
+{
+    switch (basis) {
+    case CalibrationReport::Basis::LeaveOneOut:
+        return "leave-one-out";
+    case CalibrationReport::Basis::Refits:
+        return "refits";
+    default:
+        return "distribution";
+    }
+}
+
+std::string percentText(double share)
+{
+    constexpr int digits = 3;
+    return shownNumber(100.0 * share, digits);
+}
+
+Json calibrationJson(const CalibrationReport& calibration)
+{
+    Json held = Json::object();
+    for (const CalibrationReport::Share& share : calibration.shares) {
+        held[percentText(share.level)] = share.held;
+    }
+    return {{"basis", basisName(calibration.basis)},
+            {"factor", calibration.factor},
+            {"cases", calibration.cases},
+            {"held", held}};
+}
+
 Json outputJson(const OutputFit& fit)
 {
     Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
     if (fit.kriging) {
         json.update(krigingJson(*fit.kriging));
+    }
+    if (fit.calibration) {
+        json["calibration"] = calibrationJson(*fit.calibration);
     }
     return json;
 }
@@ -115,6 +148,37 @@ std::string outputText(const OutputFit& fit, const std::vector<std::string>& inp
     return text;
 }
 using Figures = std::vector<std::pair<std::string, std::string>>;
+
+std::string widthText(const CalibrationReport& calibration)
+{
+    constexpr int digits = 3;
+    const std::string times =
+        shownNumber(calibration.factor, digits) + " times as wide as by Student's t, from ";
+    switch (calibration.basis) {
+    case CalibrationReport::Basis::LeaveOneOut:
+        return times + "leave-one-out";
+    case CalibrationReport::Basis::Refits:
+        return times + "refits to four fifths of the cases";
+    default:
+        return "by Student's t";
+    }
+}
+
+Figures calibrationFigures(const CalibrationReport& calibration)
+{
+    Figures figures = {{"95 % intervals", widthText(calibration)}};
+    std::vector<std::string> levels;
+    std::vector<std::string> held;
+    for (const CalibrationReport::Share& share : calibration.shares) {
+        levels.push_back(percentText(share.level));
+        held.push_back(percentText(share.held));
+    }
+    if (!levels.empty()) {
+        figures.emplace_back("left-out cases inside",
+                             joinedText(held) + " % (of " + joinedText(levels) + " % intervals)");
+    }
+    return figures;
+}
 
 Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
                        const std::vector<std::string>& inputs)
@@ -176,13 +240,18 @@ std::vector<std::pair<std::string, std::string>>
 FitReport::figures(const OutputFit& fit, const std::vector<std::string>& inputs,
                    const ResponseSurfaceStatistics* statistics)
 {
-    return fit.kriging ? krigingFigures(fit.metrics, *fit.kriging, inputs)
-                       : surfaceFigures(fit.metrics, statistics);
+    Figures figures = fit.kriging ? krigingFigures(fit.metrics, *fit.kriging, inputs)
+                                  : surfaceFigures(fit.metrics, statistics);
+    if (fit.calibration) {
+        const Figures more = calibrationFigures(*fit.calibration);
+        figures.insert(figures.end(), more.begin(), more.end());
+    }
+    return figures;
 }
 
 std::string FitReport::text(CaseSession& session)
 {
-    const std::vector<OutputFit>& fits = session.fit().outputs;
+    const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
@@ -207,7 +276,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
     if (!session.exportedReport().empty()) {
         return Json::parse(session.exportedReport());
     }
-    const std::vector<OutputFit>& fits = session.fit().outputs;
+    const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     Json json = ReportHeading::modelJson(session);

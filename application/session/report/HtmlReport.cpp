@@ -146,7 +146,7 @@ std::string HtmlReport::text(CaseSession& session,
                              const std::vector<std::vector<std::string>>& pictures)
 {
     const bool isKriging = session.modelType() == CaseSession::Kriging;
-    const std::vector<OutputFit> fits = session.fit().outputs;
+    const std::vector<OutputFit> fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
     const std::vector<std::string> equations =
         statistics.empty() ? std::vector<std::string>() : session.equations();

@@ -276,3 +276,26 @@ TEST(ModelComparison, ProgressNeverGoesBack)
     EXPECT_EQ(messages.front(), "response surface, fold 1 of 3");
     EXPECT_EQ(std::count(messages.begin(), messages.end(), "Kriging, fold 3 of 3"), 4);
 }
+
+TEST(ModelComparison, CountsTheLeftOutCasesInsideTheIntervals)
+{
+    CaseSession session(madeCases(100), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+
+    const OutputComparison comparison = ModelComparison::of(session, 5).outputs[0];
+
+    EXPECT_GE(comparison.responseSurface.held95, 0.88);
+    EXPECT_LE(comparison.responseSurface.held95, 1.0);
+    EXPECT_GE(comparison.kriging.held95, 0.88);
+    EXPECT_LE(comparison.kriging.held95, 1.0);
+}
+
+TEST(ModelComparison, CountsNoneWhereModelsHaveNoIntervals)
+{
+    // Three cases in each fit of three coefficients.
+    CaseSession session = sessionOf({1.0, 2.0, 4.0, 3.0});
+
+    const OutputComparison comparison = ModelComparison::of(session, 4).outputs[0];
+
+    EXPECT_EQ(comparison.responseSurface.cases, 4u);
+    EXPECT_TRUE(std::isnan(comparison.responseSurface.held95));
+}

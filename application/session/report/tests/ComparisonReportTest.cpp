@@ -26,11 +26,13 @@ ModelComparison sampleComparison()
     output.responseSurface.rmse = 0.5;
     output.responseSurface.largestError = 1.25;
     output.responseSurface.largestErrorCase = 4;
+    output.responseSurface.held95 = 0.943;
     output.responseSurface.fitSeconds = 0.0001;
     output.responseSurface.remarks = {"It has fewer terms."};
     output.kriging = output.responseSurface;
     output.kriging.remarks.clear();
     output.kriging.q2 = 0.5;
+    output.kriging.held95 = 1.0;
     output.kriging.failures = {{2, "There is a fault."}, {3, "There is another."}};
     output.difference = -0.125;
     output.differenceError = 0.25;
@@ -53,6 +55,8 @@ TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
         "  response surface  0.75   0.5           1.25        5         0.0001\n"
         "  Kriging            0.5   0.5           1.25        5         0.0001\n"
         "  Take either.\n"
+        "  The 95 % intervals held 94.3 % (response surface), 100 % (Kriging) of the left-out "
+        "cases.\n"
         "  Warning: The response surface: It has fewer terms.\n"
         "  Warning: Kriging cannot be fitted in 2 of 5 folds, whose cases are left out of all "
         "figures; in fold 3: There is a fault.\n");
@@ -70,9 +74,10 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
         << text;
     const Json json =
         Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0)));
-    EXPECT_EQ(json["outputs"][0]["models"][1].dump(),
-              R"({"model":"kriging","cases":0,"q2":null,"rmse":null,"largestError":null,)"
-              R"("largestErrorCase":null,"fitSeconds":null,"failures":[],"warnings":[]})");
+    EXPECT_EQ(
+        json["outputs"][0]["models"][1].dump(),
+        R"({"model":"kriging","cases":0,"q2":null,"rmse":null,"largestError":null,)"
+        R"("largestErrorCase":null,"held95":null,"fitSeconds":null,"failures":[],"warnings":[]})");
 }
 
 TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
@@ -84,10 +89,10 @@ TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
               R"({"schema":1,"cases":{"read":11,"valid":11,"excluded":0,"invalid":0},)"
               R"("inputs":["Pressure","H2/WF6"],"folds":5,"outputs":[{"name":"Stress","models":[)"
               R"({"model":"response-surface","cases":9,"q2":0.75,"rmse":0.5,"largestError":1.25,)"
-              R"("largestErrorCase":5,"fitSeconds":0.0001,"failures":[],)"
+              R"("largestErrorCase":5,"held95":0.943,"fitSeconds":0.0001,"failures":[],)"
               R"("warnings":["It has fewer terms."]},)"
               R"({"model":"kriging","cases":9,"q2":0.5,"rmse":0.5,"largestError":1.25,)"
-              R"("largestErrorCase":5,"fitSeconds":0.0001,"failures":[)"
+              R"("largestErrorCase":5,"held95":1.0,"fitSeconds":0.0001,"failures":[)"
               R"({"fold":3,"message":"There is a fault."},)"
               R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
               R"("difference":{"meanSquaredError":-0.125,"standardError":0.25},)"

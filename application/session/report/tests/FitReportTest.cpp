@@ -46,8 +46,8 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
     EXPECT_EQ(keysOf(json["outputs"][0]),
-              (Keys{"anova", "codedCoefficients", "coefficients", "droppedTerms", "leverage",
-                    "metrics", "name", "stationaryPoint", "warnings"}));
+              (Keys{"anova", "calibration", "codedCoefficients", "coefficients", "droppedTerms",
+                    "leverage", "metrics", "name", "stationaryPoint", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));
@@ -68,13 +68,51 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
     EXPECT_EQ(json["model"], "kriging");
     const Json& output = json["outputs"][0];
     EXPECT_EQ(keysOf(output),
-              (Keys{"condition", "correlationLengths", "lengthBounds", "logLikelihood", "metrics",
-                    "name", "noiseDeviation", "nugget", "nuggetBound", "processVariance",
-                    "secondLogLikelihood", "trend", "warnings", "worstCases"}));
+              (Keys{"calibration", "condition", "correlationLengths", "lengthBounds",
+                    "logLikelihood", "metrics", "name", "noiseDeviation", "nugget", "nuggetBound",
+                    "processVariance", "secondLogLikelihood", "trend", "warnings", "worstCases"}));
     EXPECT_EQ(output["lengthBounds"].size(), 2u);
     EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
+}
+
+TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatTheyHeld)
+{
+    OutputFit fit;
+    fit.calibration = CalibrationReport{CalibrationReport::Basis::Refits,
+                                        1.3125,
+                                        247,
+                                        {{0.5, 0.502}, {0.8, 0.798}, {0.95, 0.9514}, {0.99, 1.0}}};
+    const auto lastFigures = [&] {
+        const auto figures = FitReport::figures(fit, {}, nullptr);
+        return std::vector<std::pair<std::string, std::string>>(figures.end() - 2, figures.end());
+    };
+
+    EXPECT_EQ(
+        lastFigures(),
+        (std::vector<std::pair<std::string, std::string>>{
+            {"95 % intervals", "1.31 times as wide as by Student's t, from refits to four "
+                               "fifths of the cases"},
+            {"left-out cases inside", "50.2, 79.8, 95.1, 100 % (of 50, 80, 95, 99 % intervals)"}}));
+
+    fit.calibration->basis = CalibrationReport::Basis::LeaveOneOut;
+    EXPECT_EQ(lastFigures()[0].second, "1.31 times as wide as by Student's t, from leave-one-out");
+    fit.calibration->basis = CalibrationReport::Basis::Distribution;
+    EXPECT_EQ(lastFigures()[0].second, "by Student's t");
+}
+
+TEST(FitReport, HasTheCalibrationAsJson)
+{
+    CaseSession session = cvdSession();
+
+    const Json calibration = printed(FitReport::runJson(session, 0.0))["outputs"][0]["calibration"];
+
+    EXPECT_EQ(calibration["basis"], "distribution");
+    EXPECT_EQ(calibration["factor"], 1.0);
+    EXPECT_EQ(calibration["cases"], 11);
+    EXPECT_EQ(keysOf(calibration["held"]), (Keys{"50", "80", "95", "99"}));
+    EXPECT_EQ(calibration["held"]["99"], 1.0);
 }
 
 TEST(FitReport, SaysThatTheNuggetIsAtItsBound)
