@@ -247,18 +247,11 @@ TEST_F(SurrogateModelManagerSerializerTest, ReadsTheEvaluationPoint)
     EXPECT_TRUE(manager->point->get() == with({}, "x", Collection::UserDefined, "1.5"));
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, ReadsTheListInDocumentOrder)
+TEST_F(SurrogateModelManagerSerializerTest, ReadsTheListInDocumentOrderWithRepetitions)
 {
     load(chosen({"y", "x"}));
     EXPECT_EQ(list(), (Variables{y, x}));
-    load(chosen({"x", "y"}));
-    EXPECT_EQ(list(), (Variables{x, y}));
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, KeepsVariablesThatAreNamedTwice)
-{
     load(chosen({"x", "y", "x"}));
-
     EXPECT_EQ(list(), (Variables{x, y, x}));
 }
 
@@ -292,15 +285,6 @@ TEST_F(SurrogateModelManagerSerializerTest, SkipsVariablesOfAnotherNature)
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, SkipsVariablesThatWereRemovedFromTheProject)
-{
-    project->removeVariable(x);
-
-    load(chosen({"x", "y"}));
-
-    EXPECT_EQ(list(), Variables{y});
-}
-
 TEST_F(SurrogateModelManagerSerializerTest, ReadsElementsTaggedExactlyVariableOnly)
 {
     load("<variable Name='x'/><Variables Name='x'/><Other Name='x'/><!--<Variable Name='x'/>-->" +
@@ -330,26 +314,6 @@ TEST_F(SurrogateModelManagerSerializerTest, ReadsDirectChildrenOnly)
     EXPECT_EQ(list(), Variables{y});
     EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
     EXPECT_TRUE(manager->point->get() == Collection());
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, ChangesNothingInDocumentsWithoutItsElement)
-{
-    manager->independents->set({x});
-    const std::string content = "<Type>Kriging</Type>" + chosen({"y"});
-
-    read(serializer, "<Project>" + content + "</Project>");
-    read(serializer, "<surrogatemodel>" + content + "</surrogatemodel>");
-    read(serializer, "<Project><Study>" + settings(content) + "</Study></Project>");
-
-    EXPECT_EQ(list(), Variables{x});
-    EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, FindsItsElementInItsParent)
-{
-    read(serializer, "<Project><Other/>" + settings(chosen({"y"})) + "</Project>");
-
-    EXPECT_EQ(list(), Variables{y});
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, WritesTheSameAgainAfterLoading)
@@ -430,30 +394,6 @@ TEST_F(SurrogateModelManagerSerializerTest, KeepsTheListWhenTheEvaluationPointCa
     }
 
     EXPECT_EQ(manager->modelType->get(), Interface::Kriging);
-    EXPECT_EQ(list(), Variables{x});
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, PassesOnWhatAPropertysValidatorThrows)
-{
-    class NeverEmpty : public veska::ValidatorInterface<Variables>
-    {
-    public:
-        veska::ValidationResult validate(const Variables& variables) const override
-        {
-            return variables.empty() ? veska::ValidationResult("no variable")
-                                     : veska::ValidationResult();
-        }
-    };
-    class ValidatedList : public veska::Property<Variables>
-    {
-    public:
-        ValidatedList() : veska::Property<Variables>(boost::make_shared<NeverEmpty>()) {}
-    };
-    manager->independents = boost::make_shared<ValidatedList>();
-    manager->independents->set({x});
-
-    EXPECT_THROW(load(""), veska::InvalidPropertyValueException);
-
     EXPECT_EQ(list(), Variables{x});
 }
 

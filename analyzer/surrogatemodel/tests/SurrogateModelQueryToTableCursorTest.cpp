@@ -130,7 +130,8 @@ TEST_F(SurrogateModelQueryToTableCursorTest, RestoresTheCursorAfterAnyOtherExcep
     EXPECT_FALSE(isCursorSet());
 }
 
-TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheCursorAloneWhenTheGridCannotBeBuilt)
+TEST_F(SurrogateModelQueryToTableCursorTest,
+       ReportsAGridThatIsTooLargeLikeAModelErrorAndLeavesTheCursorAlone)
 {
     const RecordingOutputWindow window;
     QGuiApplication::setOverrideCursor(Qt::CrossCursor);
@@ -143,6 +144,8 @@ TEST_F(SurrogateModelQueryToTableCursorTest, LeavesTheCursorAloneWhenTheGridCann
     update();
 
     EXPECT_NE(filter->getLastError(), "");
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
+    EXPECT_EQ(executions(), 0U);
     ASSERT_TRUE(isCursorSet());
     EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::CrossCursor);
 }

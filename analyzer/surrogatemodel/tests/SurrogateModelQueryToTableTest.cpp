@@ -241,23 +241,6 @@ TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndAMessageAfterAModelError)
     EXPECT_EQ(output()->GetNumberOfRows(), 0);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, ReportsAGridThatIsTooLargeLikeAModelError)
-{
-    const RecordingOutputWindow window;
-    const VarPtr x3 = addInput("x3");
-    const VarPtr x4 = addInput("x4");
-    manager->independents->set({x1, x2, x3, x4});
-    for (const VarPtr& variable : {x1, x2, x3, x4}) {
-        variables->inputs[variable] = Values(1000000, 0.0);
-    }
-
-    update();
-
-    EXPECT_NE(filter->getLastError(), "");
-    EXPECT_EQ(output()->GetNumberOfRows(), 0);
-    EXPECT_EQ(executions(), 0U);
-}
-
 TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorWithTheNextSuccess)
 {
     const RecordingOutputWindow window;
@@ -504,16 +487,4 @@ TEST_F(SurrogateModelQueryToTableTest, LeavesTheColumnsOfEarlierResultsAlone)
 
     ASSERT_EQ(kept->GetNumberOfValues(), 4);
     EXPECT_EQ(kept->GetValue(3), 22);
-}
-
-TEST_F(SurrogateModelQueryToTableTest, EvaluatesVariablesThatWereRemovedFromTheProject)
-{
-    project->removeVariable(x1);
-    project->removeVariable(y1);
-    manager->offsets.clear();
-
-    update();
-
-    EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1"}));
-    EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
 }

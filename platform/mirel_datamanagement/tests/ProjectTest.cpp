@@ -105,12 +105,6 @@ TEST_F(ProjectTest, ListsItsVariablesInTheOrderInWhichTheyWereAdded)
     EXPECT_EQ(project.variables(), (Handles{x, y, t}));
 }
 
-TEST_F(ProjectTest, FindsVariablesByName)
-{
-    EXPECT_EQ(project.variable("y"), y);
-    EXPECT_EQ(project.variable("t"), t);
-}
-
 TEST_F(ProjectTest, ReturnsANullHandleForAnUnknownName)
 {
     EXPECT_TRUE(project.variable("z").isNull());

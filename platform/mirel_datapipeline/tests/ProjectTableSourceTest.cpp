@@ -156,14 +156,6 @@ TEST_F(ProjectTableSourceTest, DoesNotChangePublishedColumns)
     EXPECT_EQ(table()->GetValueByName(0, "t2").ToString(), "z");
 }
 
-TEST_F(ProjectTableSourceTest, DoesNotChangePublishedColumnsAfterTheProjectIsDestroyed)
-{
-    const vtkSmartPointer<vtkAbstractArray> numbers = table()->GetColumnByName("x");
-    pipeline.reset();
-    project.reset();
-    EXPECT_EQ(numbers->GetVariantValue(0).ToDouble(), 1.0);
-}
-
 TEST_F(ProjectTableSourceTest, CopiesTextsOnlyWhenTheyHaveChanged)
 {
     const vtkSmartPointer<vtkAbstractArray> texts = table()->GetColumnByName("t");
