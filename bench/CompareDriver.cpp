@@ -53,7 +53,7 @@ Table readTable(const std::string& path, std::size_t columns)
     return table;
 }
 
-/** What the task says of repeating: at most `repeats` times and no more after `seconds`. */
+/** Repeats a measurement as the task says: at most `repeats` times, none after `seconds`. */
 class Stopwatch
 {
 public:

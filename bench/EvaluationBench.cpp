@@ -63,7 +63,7 @@ private:
     std::size_t count = 0;
 };
 
-/** What the filter costs beside the model: the model writes one value. */
+/** Writes one value, to measure the filter without a model. */
 class IdleModel : public SurrogateModelInterface
 {
 public:
@@ -232,7 +232,7 @@ void overSweptInputs(benchmark::internal::Benchmark* measured)
     measured->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 }
 
-/** What a slider does: the evaluation point of one input changes, and the filter evaluates anew. */
+/** A slider changes the evaluation point of one input, and the filter evaluates anew. */
 void updateFilter(benchmark::State& state)
 {
     Study<SurrogateModelManager>& study = krigingStudy(state);

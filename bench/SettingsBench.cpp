@@ -109,7 +109,7 @@ void undoAndRedoList(benchmark::State& state)
 }
 BENCHMARK(undoAndRedoList)->Apply(overVariables);
 
-/** What a slider sets. */
+/** A slider sets the evaluation point of one input. */
 void setEvaluationPoint(benchmark::State& state)
 {
     const Study study(static_cast<std::size_t>(state.range(0)));
@@ -125,7 +125,7 @@ void setEvaluationPoint(benchmark::State& state)
 }
 BENCHMARK(setEvaluationPoint)->Apply(overVariables);
 
-/** What the filter asks for before it evaluates. */
+/** The filter collects the inputs before it evaluates. */
 void collectInputs(benchmark::State& state)
 {
     const Study study(static_cast<std::size_t>(state.range(0)));

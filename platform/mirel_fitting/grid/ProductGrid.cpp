@@ -63,13 +63,13 @@ std::vector<std::size_t> divisorChain(std::vector<std::size_t>& runs)
     return chain;
 }
 
-/** What the columns that vary have in common. */
+/** The pattern that the varying columns share. */
 struct Pattern
 {
-    std::size_t rows = 0;             // so many from the first follow it
+    std::size_t rows = 0;             // number of rows, from the first, that follow it
     std::vector<std::size_t> chain;   // see divisorChain()
-    std::vector<std::size_t> runs;    // of each column: so many equal values in a row
-    std::vector<std::size_t> periods; // after so many rows it repeats itself, or `rows`
+    std::vector<std::size_t> runs;    // per column: length of its runs of equal values
+    std::vector<std::size_t> periods; // per column: rows after which it repeats, or `rows`
 
     /** Whether a column varies before and after so many rows, within its period. */
     bool isSpanned(std::size_t link) const

@@ -22,8 +22,8 @@ public:
     };
 
     /**
-     * What the columns are made of: usually one grid of all rows. Where the last value of the
-     * slowest axis lacks rows, those that there are follow as a grid of their own, and so on.
+     * Splits the rows into grids, usually one of all rows. Where the last value of the slowest axis
+     * lacks rows, its rows follow as a grid of their own, and so on.
      * Every value is read about once; rows that are no grid are mostly recognised from the first.
      */
     static std::vector<ProductGrid> split(const std::vector<double*>& columns, std::size_t count);

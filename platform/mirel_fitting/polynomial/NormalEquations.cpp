@@ -66,8 +66,9 @@ void NormalEquations::merge(const NormalEquations& other)
 
 bool NormalEquations::solve(Solution& solution) const
 {
-    // Of X'X with columns of length 1. The component of a column orthogonal to the others is then
-    // at least 3e-3, and the squared condition number costs the factor at most five digits.
+    // Of X'X, the columns of X scaled to length 1: the component of a column orthogonal to the
+    // others is then at least 3e-3, and the squared condition number costs the factor at most five
+    // digits.
     constexpr double leastReciprocalCondition = 1e-5;
 
     const auto order = static_cast<lapack_int>(termCount);

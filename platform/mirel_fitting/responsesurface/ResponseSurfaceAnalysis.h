@@ -31,7 +31,7 @@ public:
 
     FitMetrics metrics() const;
 
-    /** Of all cases, or of the sampled ones; rows ascending. */
+    /** One for each case, or for each sampled one; rows ascending. */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions() const;
 
     /**

@@ -37,7 +37,7 @@ public:
 
     const PolynomialPredictor& predictor() const { return *polynomials; }
 
-    /** What predictor() is made of, without the ranges of the inputs. */
+    /** The numbers that predictor() computes from, without the ranges of the inputs. */
     PredictorDescription description(std::size_t output) const;
 
     std::string equationText(std::size_t output) const;

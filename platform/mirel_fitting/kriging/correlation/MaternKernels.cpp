@@ -227,7 +227,7 @@ SURROGATE_LANE_OPERATION addAllDerivatives(const MaternKernels::ColumnBlock& blo
     }
 }
 
-// What is compiled for several instruction sets, everything above inlined.
+// These functions are compiled for several instruction sets, with everything above inlined.
 
 SURROGATE_SIMD void addWeightedSumsTo(const MaternKernels::Points& points,
                                       const MaternKernels::Cases& cases, const double* weights,

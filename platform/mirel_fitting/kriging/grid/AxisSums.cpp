@@ -87,7 +87,8 @@ void AxisSums::placeBlocks()
     }
 }
 
-/** Of each case about the next anchor, for what is right of it, and about the one before. */
+/** The moments of each case: about the next anchor, for points to its right, and about the one
+ *  before, for points to its left. */
 void AxisSums::computeMoments()
 {
     moments = AlignedBuffer(axis.cases.size() * laneCount);

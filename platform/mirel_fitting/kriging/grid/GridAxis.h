@@ -29,7 +29,7 @@ public:
     std::size_t stride; ///< in combinations of its group
     std::vector<char> isFinite;
     std::vector<std::size_t> inputs; ///< that vary along it, as indices of the model's inputs
-    /** Of those, one per value; 0 for a value that is not finite. */
+    /** Of each of these inputs one per value; 0 for a value that is not finite. */
     std::vector<std::vector<double>> coordinates;
     bool hasTable = false;
     AlignedBuffer table; ///< rows of correlations of all values, if hasTable

@@ -59,7 +59,7 @@ GridMethod GridMethod::scattered(const FittedKriging& model, const ProductGrid& 
 
 GridMethod GridMethod::matrixProduct(const FittedKriging& model, const ProductGrid& grid)
 {
-    // What BLAS counts with.
+    // BLAS takes int.
     constexpr std::size_t largestSize = std::numeric_limits<int>::max();
 
     if (!model.correlation || grid.axes().size() < 2) {

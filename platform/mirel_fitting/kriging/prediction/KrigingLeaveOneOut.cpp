@@ -30,7 +30,8 @@ KrigingLeaveOneOut::KrigingLeaveOneOut(const KrigingCases& cases, const std::vec
         if (left.variances.empty()) {
             points.push_back(point);
         } else {
-            // That of the mean of the point's rows has less of the noise than one row has.
+            // The variance is that of the mean of the point's rows, which has less noise than a
+            // row.
             const double noise = left.nugget * (1.0 - 1.0 / data.replicates[point]);
             error = scale * std::sqrt(left.variance * (left.variances[k] + noise));
         }

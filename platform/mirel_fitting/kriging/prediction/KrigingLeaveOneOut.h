@@ -20,8 +20,8 @@ public:
     {
         const std::vector<std::size_t>& points; ///< their numbers in KrigingCases
         const std::vector<double>& residuals;   ///< one per point, of the standardised output
-        /** Of the residuals, relative to `variance`. Empty: the model was not fitted to these
-         *  points, and its own standard errors apply. */
+        /** Variances of the residuals, relative to `variance`. Empty: the model was not fitted to
+         * these points, and its own standard errors apply. */
         const std::vector<double>& variances;
         double variance; ///< of the process
         double nugget;   ///< relative to `variance`
@@ -33,7 +33,7 @@ public:
     KrigingLeaveOneOut(const KrigingCases& cases, const std::vector<double>& output,
                        const KrigingData& data, const Points& left, double offset, double scale);
 
-    /** Of the model that predicts the mean of the rows. */
+    /** For the model that predicts the mean of the rows. */
     static KrigingLeaveOneOut ofMean(const std::vector<double>& output);
 
     /** Rows ascending. @param predictor of the same model; asked for standard errors that are not

@@ -156,7 +156,7 @@ void KrigingPredictor::standardErrors(const std::vector<double*>& columns, std::
     }
 }
 
-/** Of the exact model of all cases, or of the subset if there are neighbours. */
+/** Standard errors by the exact model of all cases, or of the subset if there are neighbours. */
 void KrigingPredictor::exactErrors(const std::vector<double*>& columns, std::size_t count,
                                    bool ofObservation, double* result) const
 {
