@@ -48,11 +48,10 @@ class SurrogateModelQueryToTableTest : public QueryTest
 {
 protected:
     /** What VTK calls to have the filter run, without an executive's preparations. */
-    int requestData() const
+    int requestData(vtkTable* table = vtkNew<vtkTable>()) const
     {
         vtkNew<vtkInformation> request;
         request->Set(vtkDemandDrivenPipeline::REQUEST_DATA());
-        vtkNew<vtkTable> table;
         vtkNew<vtkInformation> information;
         information->Set(vtkDataObject::DATA_OBJECT(), table);
         vtkNew<vtkInformationVector> outputs;
@@ -221,13 +220,16 @@ TEST_F(SurrogateModelQueryToTableTest, WorksWithoutAnApplicationObject)
     EXPECT_EQ(output()->GetNumberOfRows(), 4);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroForAModelError)
+TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroWithoutRowsForAModelError)
 {
     const RecordingOutputWindow window;
-    EXPECT_EQ(requestData(), 1);
+    vtkNew<vtkTable> table;
+    EXPECT_EQ(requestData(table), 1);
+    EXPECT_EQ(table->GetNumberOfRows(), 4);
 
     manager->failure = "no luck";
-    EXPECT_EQ(requestData(), 0);
+    EXPECT_EQ(requestData(table), 0);
+    EXPECT_EQ(table->GetNumberOfRows(), 0);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndAMessageAfterAModelError)
