@@ -106,6 +106,18 @@ QString elidedTerm(const std::vector<std::string>& factors, const QFontMetricsF&
     return elided(first, larger) + times + elided(second, larger);
 }
 
+/** Discs at these points, with a white edge where they overlap, in place of a line. */
+void showAsSymbols(QwtPlotCurve& curve, const QVector<QPointF>& positions, const QColor& colour)
+{
+    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, colour, QPen(Qt::white, 1.0),
+                                       QSize(symbolSize, symbolSize));
+    // A cached symbol is a bitmap.
+    symbol->setCachePolicy(QwtSymbol::NoCache);
+    curve.setSamples(positions);
+    curve.setStyle(QwtPlotCurve::NoCurve);
+    curve.setSymbol(symbol);
+}
+
 /** The cell of a value in its range, of cellsAcross. */
 qint64 cellOf(double value, double minimum, double width)
 {
@@ -162,7 +174,7 @@ private:
     void write(const std::string& title, const std::string& caption);
     void addLine(const QVector<QPointF>& line, const QPen& pen, Layer layer,
                  const std::string& label = std::string());
-    void addCases(const QVector<QPointF>& positions, const std::string& label, const QColor& edge);
+    void addCases(const QVector<QPointF>& positions, const std::string& label);
     void addGrid();
     int fittingSteps(int axis, const QwtInterval& range, double room) const;
     void addTerms(const CoefficientPicture& picture, int count);
@@ -236,20 +248,13 @@ void PlotWidget::Impl::addLine(const QVector<QPointF>& line, const QPen& pen, La
     hasLegend = hasLegend || !label.empty();
 }
 
-void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::string& label,
-                                const QColor& edge)
+void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::string& label)
 {
     if (positions.isEmpty()) {
         return;
     }
-    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, PlotColours::cases, QPen(edge, 1.0),
-                                       QSize(symbolSize, symbolSize));
-    // A cached symbol is a bitmap.
-    symbol->setCachePolicy(QwtSymbol::NoCache);
     auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
-    curve->setSamples(thinned(positions));
-    curve->setStyle(QwtPlotCurve::NoCurve);
-    curve->setSymbol(symbol);
+    showAsSymbols(*curve, thinned(positions), PlotColours::cases);
     curve->setRenderHint(QwtPlotItem::RenderAntialiased);
     curve->setItemAttribute(QwtPlotItem::Legend, !label.empty());
     curve->setLegendAttribute(QwtPlotCurve::LegendShowSymbol);
@@ -283,7 +288,7 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
     }
     addLine(points(picture.inputs, picture.model), QPen(PlotColours::model, lineThickness),
             ModelLayer, picture.modelLabel);
-    addCases(points(picture.caseInputs, picture.caseOutputs), picture.caseLabel, Qt::white);
+    addCases(points(picture.caseInputs, picture.caseOutputs), picture.caseLabel);
     hasLegend = true;
 
     xRange = AxisScale::padded(AxisScale::range(picture.inputs), narrowMargin);
@@ -303,7 +308,7 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     auto* const item = new ContourItem(picture, bands, plotFont(tickFontSize));
     item->setZ(BandLayer);
     item->attach(&plot);
-    addCases(points(picture.caseX, picture.caseY), picture.caseLabel, Qt::white);
+    addCases(points(picture.caseX, picture.caseY), picture.caseLabel);
 
     // Symbols of cases lie on the border too.
     xRange = AxisScale::padded({picture.x.front(), picture.x.back()}, narrowMargin);
@@ -325,7 +330,7 @@ void PlotWidget::Impl::show(const ActualPicture& picture)
     yRange = xRange;
     addLine({{xRange.minValue(), xRange.minValue()}, {xRange.maxValue(), xRange.maxValue()}},
             QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer, "predicted = actual");
-    addCases(points(picture.actual, picture.predicted), "cases", Qt::white);
+    addCases(points(picture.actual, picture.predicted), "cases");
 }
 
 void PlotWidget::Impl::show(const ResidualPicture& picture)
@@ -338,7 +343,7 @@ void PlotWidget::Impl::show(const ResidualPicture& picture)
     yRange = AxisScale::padded(AxisScale::range(picture.residuals) | QwtInterval(0.0, 0.0), margin);
     addLine({{xRange.minValue(), 0.0}, {xRange.maxValue(), 0.0}},
             QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer);
-    addCases(points(picture.predicted, picture.residuals), std::string(), Qt::white);
+    addCases(points(picture.predicted, picture.residuals), std::string());
 }
 
 void PlotWidget::Impl::show(const CoefficientPicture& picture)
@@ -463,12 +468,7 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
     zero->setPen(QPen(PlotColours::reference, 1.0, Qt::DashLine));
     keep(zero, ReferenceLayer);
     auto* const marks = new QwtPlotCurve;
-    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, PlotColours::model, QPen(Qt::white, 1.0),
-                                       QSize(symbolSize, symbolSize));
-    symbol->setCachePolicy(QwtSymbol::NoCache);
-    marks->setSamples(estimates);
-    marks->setStyle(QwtPlotCurve::NoCurve);
-    marks->setSymbol(symbol);
+    showAsSymbols(*marks, estimates, PlotColours::model);
     keep(marks, CaseLayer);
 
     // The first term at the top.
