@@ -22,7 +22,8 @@ void checkModelFile(const CommandLine& line)
     require(isKnown, name +
                          " is an exported model, which the commands evaluate, predict and export "
                          "take; this one needs cases.");
-    require(line.inputs.empty() && line.outputs.empty() && line.excluded.empty() && !line.model,
+    require(line.choices.inputs.empty() && line.choices.outputs.empty() && !line.choices.excluded &&
+                !line.choices.model,
             "-x, -y, -m and --exclude choose what is fitted; " + name +
                 " is an exported model, fitted already.");
     require(!line.choosesTerms(),
@@ -32,7 +33,8 @@ void checkModelFile(const CommandLine& line)
                                    " is an exported model, without cases.");
     require(!line.interval, "--interval takes how the cases lie about the model, and " + name +
                                 " is an exported model, without cases.");
-    require((!line.separator && !line.decimalMark) || line.command == CommandLine::Predict,
+    require((!line.reading.separator && !line.reading.decimalMark) ||
+                line.command == CommandLine::Predict,
             "--separator and --decimal say how tables are read, and " + name + " is none.");
 }
 
@@ -61,9 +63,9 @@ void CommandLine::check() const
     }
     require(!points.empty() || command != Predict,
             "The command predict needs the file with the points: --points FILE.");
-    require(model != CaseSession::Kriging || command != Equations,
+    require(choices.model != CaseSession::Kriging || command != Equations,
             "Only the response surface has equations: leave out -m kriging.");
-    require(!choosesTerms() || model != CaseSession::Kriging,
+    require(!choosesTerms() || choices.model != CaseSession::Kriging,
             "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
             "out -m kriging.");
     require(report != "-", "--report needs the name of a file for the page.");

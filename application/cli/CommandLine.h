@@ -1,7 +1,7 @@
 #pragma once
 
-#include <session/model/CaseSession.h>
-#include <session/text/CellValue.h>
+#include <session/cases/CaseFileReader.h>
+#include <session/model/SessionChoices.h>
 
 #include <cstddef>
 #include <optional>
@@ -28,18 +28,12 @@ struct CommandLine
     };
 
     Command command = Help;
-    std::string text;    ///< of Help and Version: what is to be printed
-    std::string subject; ///< the case file, the project document, or the text to check
-    std::string cases;   ///< the case file to take instead of the project's
-    std::string save;    ///< the project document to be written
-    std::optional<char> separator;
-    std::optional<CellValue::DecimalMark> decimalMark;
-    std::vector<std::string> inputs;
-    std::vector<std::string> outputs;
-    std::vector<std::string> excluded;
-    std::optional<CaseSession::ModelType> model;
-    std::optional<ResponseSurfaceOptions::Selection> terms;
-    std::optional<PolynomialTerms> polynomial;
+    std::string text;                ///< of Help and Version: what is to be printed
+    std::string subject;             ///< the case file, the project document, or the text to check
+    std::string cases;               ///< the case file to take instead of the project's
+    std::string save;                ///< the project document to be written
+    CaseFileReader::Options reading; ///< of all tables
+    SessionChoices choices;
     std::vector<std::string> sweeps;
     std::vector<std::string> counts;
     std::vector<std::string> values;
@@ -62,7 +56,7 @@ struct CommandLine
     bool startsFromProject() const;
 
     /** Whether it says anything about the terms of a response surface. */
-    bool choosesTerms() const { return terms || polynomial; }
+    bool choosesTerms() const { return choices.selection || choices.terms; }
 
     /** Whether it is an exported model, likewise. */
     bool startsFromModel() const;

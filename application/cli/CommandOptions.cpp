@@ -90,20 +90,21 @@ void addReading(CLI::App& command, CommandLine& line)
     addValue(command, "--separator",
              "comma, semicolon or tab, for all tables read;\nrecognised if absent", "S",
              [&line](const std::string& word) {
-                 line.separator = oneOf<char>("--separator", word, "comma, semicolon or tab",
-                                              {{"comma", ','},
-                                               {",", ','},
-                                               {"semicolon", ';'},
-                                               {";", ';'},
-                                               {"tab", '\t'},
-                                               {"\t", '\t'},
-                                               {"\\t", '\t'}});
+                 line.reading.separator =
+                     oneOf<char>("--separator", word, "comma, semicolon or tab",
+                                 {{"comma", ','},
+                                  {",", ','},
+                                  {"semicolon", ';'},
+                                  {";", ';'},
+                                  {"tab", '\t'},
+                                  {"\t", '\t'},
+                                  {"\\t", '\t'}});
              });
     addValue(command, "--decimal",
              "point or comma, for all tables read; recognised if absent.\n"
              "Numbers can have decimal commas only where semicolons or\ntabs separate",
              "M", [&line](const std::string& word) {
-                 line.decimalMark = oneOf<CellValue::DecimalMark>(
+                 line.reading.decimalMark = oneOf<CellValue::DecimalMark>(
                      "--decimal", word, "point or comma",
                      {{"point", CellValue::Point}, {"comma", CellValue::Comma}});
              });
@@ -127,13 +128,20 @@ void addChoices(CLI::App& command, CommandLine& line)
     addList(command, "-x,--inputs",
             "inputs, a list separated by commas; may be repeated.\n"
             "Without it every numeric column that is no output",
-            "NAMES", line.inputs);
+            "NAMES", line.choices.inputs);
     addList(command, "-y,--outputs",
             "outputs, likewise. Outputs that are asked for together are\n"
             "fitted to the cases that are valid for all of them",
-            "NAMES", line.outputs);
-    addList(command, "--exclude", "case numbers, from 1, such as 3,7-9; none includes all again",
-            "CASES", line.excluded);
+            "NAMES", line.choices.outputs);
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--exclude",
+            [&line](const std::vector<std::string>& lists) {
+                line.choices.excluded = joinedText(lists);
+            },
+            "case numbers, from 1, such as 3,7-9; none includes all again")
+        ->type_name("CASES")
+        ->allow_extra_args(false);
     addText(command, "--save",
             "keeps what was chosen once the command has succeeded: the\n"
             "case file, how it is read, roles, excluded cases, model,\n"
@@ -146,7 +154,7 @@ void addModel(CLI::App& command, CommandLine& line)
     command.option_defaults()->group("Model");
     addValue(command, "-m,--model", "response-surface (default) or kriging", "M",
              [&line](const std::string& word) {
-                 line.model = oneOf<CaseSession::ModelType>(
+                 line.choices.model = oneOf<CaseSession::ModelType>(
                      "-m", word, "response-surface or kriging",
                      {{"response-surface", CaseSession::ResponseSurface},
                       {"kriging", CaseSession::Kriging}});
@@ -161,8 +169,8 @@ void addTerms(CLI::App& command, CommandLine& line)
              "(these and the products of two inputs) or quadratic (these\n"
              "and the squares, the default)",
              "T", [&line](const std::string& word) {
-                 line.polynomial = termsOfWord(word);
-                 if (!line.polynomial) {
+                 line.choices.terms = termsOfWord(word);
+                 if (!line.choices.terms) {
                      throw UsageError("--terms needs linear, interactions or quadratic, not \"" +
                                       word + "\".");
                  }
@@ -170,7 +178,7 @@ void addTerms(CLI::App& command, CommandLine& line)
     const auto flag = [&](const char* name, ResponseSurfaceOptions::Selection terms,
                           const char* description) {
         return command.add_flag_function(
-            name, [&line, terms](std::int64_t) { line.terms = terms; }, description);
+            name, [&line, terms](std::int64_t) { line.choices.selection = terms; }, description);
     };
     CLI::Option* const selected =
         flag("--select-terms", ResponseSurfaceOptions::Selection::BackwardAicc,

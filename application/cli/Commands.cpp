@@ -129,9 +129,7 @@ void runEvaluate(const CommandLine& line)
 void runPredict(const CommandLine& line)
 {
     OpenSession open(line);
-    CaseFileReader::Options options;
-    options.separator = line.separator;
-    options.decimalMark = line.decimalMark;
+    CaseFileReader::Options options = line.reading;
     options.keepCells = true;
     const PredictionPoints points(CaseFileReader::read(line.points, options),
                                   namesOf(open.session.inputs()), namesOf(open.session.outputs()),

@@ -19,28 +19,6 @@
 #include <vector>
 
 namespace {
-CaseFileReader::Options readingOptions(const CommandLine& line)
-{
-    CaseFileReader::Options options;
-    options.separator = line.separator;
-    options.decimalMark = line.decimalMark;
-    return options;
-}
-
-SessionChoices choices(const CommandLine& line)
-{
-    SessionChoices choices;
-    choices.inputs = line.inputs;
-    choices.outputs = line.outputs;
-    for (const std::string& list : line.excluded) {
-        choices.excluded = choices.excluded ? *choices.excluded + ',' + list : list;
-    }
-    choices.model = line.model;
-    choices.selection = line.terms;
-    choices.terms = line.polynomial;
-    return choices;
-}
-
 /** Reads the case file of a project, or the one that is to take its place. */
 CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
 {
@@ -49,10 +27,10 @@ CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& docum
         if (!sentence.empty()) {
             note(line, "Note: " + sentence + '\n');
         }
-        return CaseFileReader::read(line.cases, readingOptions(line));
+        return CaseFileReader::read(line.cases, line.reading);
     }
     try {
-        return readProjectCases(document, readingOptions(line));
+        return readProjectCases(document, line.reading);
     } catch (const CaseFileStateError& error) {
         throw ProjectDocumentError(
             error.what() +
@@ -74,7 +52,7 @@ std::unique_ptr<CaseSession> openProject(const CommandLine& line)
         throw UsageError("The output would replace \"" + document.caseFile.path +
                          "\", the project's case file; name another file.");
     }
-    OpenedProject opened = openProject(readProjectCases(line, document), document, choices(line));
+    OpenedProject opened = openProject(readProjectCases(line, document), document, line.choices);
     for (const std::string& sentence : opened.notes) {
         note(line, "Note: " + sentence + '\n');
     }
@@ -93,7 +71,7 @@ std::unique_ptr<CaseSession> openCases(const CommandLine& line)
         throw UsageError("The project would replace \"" + line.subject +
                          "\", which is read; name another file.");
     }
-    return openCases(readCaseTable(line.subject, readingOptions(line)), choices(line));
+    return openCases(readCaseTable(line.subject, line.reading), line.choices);
 }
 
 /** A text NAME=VALUE of an option. */

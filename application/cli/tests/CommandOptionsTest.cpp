@@ -36,14 +36,31 @@ TEST(CommandOptions, ReadACommandWithItsOptions)
 
     EXPECT_EQ(line.command, CommandLine::Evaluate);
     EXPECT_EQ(line.subject, "cases.csv");
-    EXPECT_EQ(line.inputs, (std::vector<std::string>{"a", "b,c"}));
-    EXPECT_EQ(line.outputs, (std::vector<std::string>{"y"}));
-    EXPECT_EQ(line.model, CaseSession::Kriging);
-    EXPECT_EQ(line.separator, '\t');
-    EXPECT_EQ(line.decimalMark, CellValue::Comma);
+    EXPECT_EQ(line.choices.inputs, (std::vector<std::string>{"a", "b,c"}));
+    EXPECT_EQ(line.choices.outputs, (std::vector<std::string>{"y"}));
+    EXPECT_EQ(line.choices.model, CaseSession::Kriging);
+    EXPECT_EQ(line.reading.separator, '\t');
+    EXPECT_EQ(line.reading.decimalMark, CellValue::Comma);
     EXPECT_EQ(line.interval, 95.0);
     EXPECT_EQ(line.threads, 2);
     EXPECT_EQ(line.output, "-");
+}
+
+TEST(CommandOptions, ChooseTheTermsOfAResponseSurface)
+{
+    const SessionChoices all = parsed("fit cases.csv --all-terms --terms linear").choices;
+    EXPECT_EQ(all.selection, ResponseSurfaceOptions::Selection::All);
+    EXPECT_EQ(all.terms, PolynomialTerms::Linear);
+
+    const SessionChoices selected = parsed("fit cases.csv --select-terms").choices;
+    EXPECT_EQ(selected.selection, ResponseSurfaceOptions::Selection::BackwardAicc);
+    EXPECT_EQ(selected.terms, std::nullopt);
+}
+
+TEST(CommandOptions, ListsOfExcludedCasesAreJoined)
+{
+    EXPECT_EQ(parsed("fit cases.csv").choices.excluded, std::nullopt);
+    EXPECT_EQ(parsed("fit cases.csv --exclude 3,7-9 --exclude 2").choices.excluded, "3,7-9, 2");
 }
 
 TEST(CommandOptions, ATextToCheckMayBeginWithAMinusSign)

@@ -117,13 +117,6 @@ TEST_F(PlotCommand, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
     EXPECT_NE(named().find("At H2/WF6 = 2. "), std::string::npos);
     expectFailure("plot cvd.csv -y Uniformity -o picture.svg --kind contour --at Pressure", 2,
                   "--at needs NAME=VALUE, not \"Pressure\".");
-    EXPECT_EQ(run(plot + "--kind sweep --sweep Presure")
-                  .err.rfind("surrogate: There is no variable \"Presure\"; the nearest name is "
-                             "\"Pressure\". ",
-                             0),
-              0u);
-    expectFailure(plot + "--kind sweep --sweep Stress", 2,
-                  "\"Stress\" is no input, so that it takes no values.");
 }
 
 TEST_F(PlotCommand, PlotKeepsTheOldPictureWhenItFails)

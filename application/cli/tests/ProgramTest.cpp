@@ -273,18 +273,6 @@ TEST_F(Program, ModelsThatCannotBeFittedEndWithOne)
         << "a grid too large";
 }
 
-TEST_F(Program, ATableOfOneCaseGivesAConstantModel)
-{
-    folder.write("one.csv", "x,y\n1,5\n");
-
-    const Outcome table = run("evaluate one.csv -y y --at x=3");
-
-    EXPECT_EQ(table.exitCode, 0) << table.err;
-    EXPECT_EQ(table.out, "x,y\n3,5\n");
-    EXPECT_NE(table.err, "") << "that the order was lowered is said";
-    EXPECT_EQ(run("evaluate one.csv -y y -m kriging").out, "x,y\n1,5\n");
-}
-
 TEST_F(Program, CasesLeftOutAreReported)
 {
     folder.write("gaps.csv", "x,z,y,w\n0,0,1,1\n1,0,3,NA\n0,1,0,2\n2,NA,4,3\n1,2,1,4\n3,3,4,5\n");

@@ -88,20 +88,6 @@ TEST_F(ProjectCommands, OptionsOverrideWhatAProjectHolds)
                   "-m response-surface.");
 }
 
-TEST_F(ProjectCommands, ASavedAgainProjectHasTheSameBytesAndLeavesABackup)
-{
-    saveProject();
-    const std::string before = folder.read(project);
-
-    EXPECT_EQ(run("evaluate " + project + " --save " + project).exitCode, 0);
-    EXPECT_EQ(folder.read(project), before);
-    EXPECT_EQ(folder.read(project + ".bak"), before);
-
-    EXPECT_EQ(run("fit " + project + " -m response-surface --save " + project).exitCode, 0);
-    EXPECT_NE(folder.read(project), before);
-    EXPECT_EQ(folder.read(project + ".bak"), before);
-}
-
 TEST_F(ProjectCommands, ProjectShowsWhatADocumentHolds)
 {
     saveProject();

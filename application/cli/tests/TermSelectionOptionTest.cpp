@@ -19,19 +19,6 @@ class TermSelectionOption : public Program
 {};
 } // namespace
 
-TEST_F(TermSelectionOption, FitKeepsAllTermsUnlessAskedToSelect)
-{
-    const Json whole = Json::parse(run("fit" + cases + "--json").out)["outputs"][0];
-    EXPECT_EQ(whole["droppedTerms"], Json::array());
-
-    const Json selected =
-        Json::parse(run("fit" + cases + "--select-terms --json").out)["outputs"][0];
-    EXPECT_EQ(selected["droppedTerms"], Json::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
-                                                        {"term": "V2^2", "name": "H2/WF6^2"}])"));
-    EXPECT_EQ(selected["warnings"][0], warning);
-    EXPECT_LT(selected["metrics"]["aicc"], whole["metrics"]["aicc"]);
-}
-
 TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 {
     folder.write("points.csv", "Pressure,H2/WF6\n10,3\n");
@@ -61,22 +48,6 @@ TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
     const Outcome plotted = run("plot" + cases + "--kind residuals --select-terms -o p.svg");
     EXPECT_EQ(plotted.exitCode, 0);
     EXPECT_EQ(plotted.err, named);
-}
-
-TEST_F(TermSelectionOption, ProjectsKeepTheSelectionUntilItIsTakenBack)
-{
-    const std::string project = "study.surrogate.xml";
-    const auto dropped = [&](const std::string& options) {
-        const Outcome outcome = run("fit " + project + " --json " + options);
-        return Json::parse(outcome.out)["outputs"][0]["droppedTerms"].size();
-    };
-    ASSERT_EQ(run("fit" + cases + "--select-terms --save " + project).exitCode, 0);
-
-    EXPECT_EQ(dropped(""), 2u);
-    EXPECT_EQ(dropped("--all-terms"), 0u);
-    EXPECT_EQ(dropped("--select-terms"), 2u);
-    EXPECT_EQ(dropped("--all-terms --save " + project), 0u);
-    EXPECT_EQ(dropped(""), 0u);
 }
 
 TEST_F(TermSelectionOption, ASelectionIsKeptWhileAProjectTakesKriging)
@@ -130,14 +101,6 @@ TEST_F(TermSelectionOption, ThePolynomialIsOfTheTermsThatAreAskedFor)
     EXPECT_EQ(terms("--terms interactions"), 4);
     EXPECT_EQ(terms("--terms quadratic"), 6);
     EXPECT_EQ(terms("--terms linear --select-terms"), 2);
-    // With the square of an input or two the six cases would leave no residual degrees of freedom.
-    const Json plane = Json::parse(run("fit plane.csv -y y --terms linear --json").out);
-    const double expected[] = {1.0, 2.0, -1.0};
-    ASSERT_EQ(plane["outputs"][0]["coefficients"].size(), 3u);
-    for (int k = 0; k < 3; ++k) {
-        EXPECT_NEAR(plane["outputs"][0]["coefficients"][k]["estimate"].get<double>(), expected[k],
-                    1e-14);
-    }
 }
 
 TEST_F(TermSelectionOption, CompareTakesThePolynomialThatIsAskedFor)
