@@ -23,7 +23,8 @@ void InterpolationVariablesAbstract::DistributedPoints::get(std::vector<double>&
     // For one value the step is infinite or NaN and the value is NaN; for none the unsigned
     // difference wraps around and nothing is made of it.
     const double step = (range.second - range.first) / static_cast<double>(count - 1);
-    // Room for these values alone: vectors come empty as a rule, and one that is not grows itself.
+    // Reserved for these values only: vectors are usually empty, and one that is not grows as
+    // needed.
     if (values.capacity() < count) {
         values.reserve(count);
     }
