@@ -29,8 +29,8 @@ std::vector<std::size_t> randomFolds(std::size_t points, std::size_t folds)
 KrigingPredictor refitted(const KrigingFitInput& input, const FittedKriging& model,
                           const std::vector<std::size_t>& points)
 {
-    // From parameters that suit all points, the first steps bring most of what there is to gain.
-    constexpr int steps = 2;
+    // From parameters that suit all points, the first step brings most of what there is to gain.
+    constexpr int steps = 1;
 
     auto data = std::make_shared<KrigingData>(model.data->subset(points));
     // Terms that are independent at all points need not be so at these.

@@ -15,7 +15,7 @@ class KrigingRefits
 public:
     /**
      * The points are split into folds at random, rows with the same inputs together. Each fold is
-     * predicted by a model of the others, whose lengths and nugget a few steps of the search adapt,
+     * predicted by a model of the others, whose lengths and nugget one step of the search adapts,
      * from those of all points. Reports to FitProgress.
      * @param model of all points, with a correlation and without neighbours.
      * @param folds at most as many as points.
