@@ -124,6 +124,7 @@ TEST(SurrogateModelInterface, LetsThreadsUseModelsOfTheirOwn)
     const std::string expected = textsOf(bothModels(twoInputs(40, 1.0)));
     std::vector<std::string> found(4);
     std::vector<std::thread> threads;
+    threads.reserve(found.size());
     for (std::string& texts : found) {
         threads.emplace_back([&texts] { texts = textsOf(bothModels(twoInputs(40, 1.0))); });
     }
