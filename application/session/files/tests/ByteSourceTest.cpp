@@ -22,6 +22,14 @@ std::string readAll(ByteSource& source)
     }
     return text;
 }
+
+void expectReadTwice(ByteSource& source)
+{
+    EXPECT_EQ(source.size(), 8u);
+    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
+    source.rewind();
+    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
+}
 } // namespace
 
 TEST(ByteSource, ReadsAFileAsOftenAsWanted)
@@ -29,10 +37,7 @@ TEST(ByteSource, ReadsAFileAsOftenAsWanted)
     const TemporaryFolder folder;
     ByteSource source(folder.write("a.csv", "x,y\n1,2\n"));
 
-    EXPECT_EQ(source.size(), 8u);
-    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
-    source.rewind();
-    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
+    expectReadTwice(source);
 }
 
 TEST(ByteSource, ReadsAPipeAsOftenAsWanted)
@@ -44,10 +49,7 @@ TEST(ByteSource, ReadsAPipeAsOftenAsWanted)
     ByteSource source(folder.path("pipe"));
 
     writer.join();
-    EXPECT_EQ(source.size(), 8u);
-    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
-    source.rewind();
-    EXPECT_EQ(readAll(source), "x,y\n1,2\n");
+    expectReadTwice(source);
 }
 
 TEST(ByteSource, HasTheContentOfAFileUpToABound)

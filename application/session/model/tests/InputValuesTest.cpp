@@ -14,73 +14,62 @@
 #include <vector>
 
 namespace {
-/** The values of an input at the points of the evaluation. */
-std::vector<double> pointsOf(CaseSession& session, vtkIdType input)
+class InputValuesTest : public ::testing::Test
 {
-    const GridEvaluation evaluation = session.evaluate();
-    auto* const column = vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(input));
-    return {column->GetPointer(0), column->GetPointer(0) + column->GetNumberOfTuples()};
-}
+protected:
+    /** The values of an input at the points of the evaluation. */
+    std::vector<double> pointsOf(vtkIdType input)
+    {
+        const GridEvaluation evaluation = session.evaluate();
+        auto* const column = vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(input));
+        return {column->GetPointer(0), column->GetPointer(0) + column->GetNumberOfTuples()};
+    }
+
+    CaseSession session = cvdSession();
+    InputValues values{session};
+};
 } // namespace
 
-TEST(InputValues, SweepsTypedValues)
+TEST_F(InputValuesTest, SweepsTypedValues)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     values.sweep("Pressure=10, 20");
 
     EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{0}));
-    EXPECT_EQ(pointsOf(session, 0), (std::vector<double>{10.0, 20.0}));
+    EXPECT_EQ(pointsOf(0), (std::vector<double>{10.0, 20.0}));
 }
 
-TEST(InputValues, SweepsEvenlyOverTheRange)
+TEST_F(InputValuesTest, SweepsEvenlyOverTheRange)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     values.sweepEvenly("H2/WF6=3");
 
     EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{1}));
-    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{2.0, 6.0, 10.0}));
+    EXPECT_EQ(pointsOf(1), (std::vector<double>{2.0, 6.0, 10.0}));
 }
 
-TEST(InputValues, SweepsAnInputOfThisNameEvenly)
+TEST_F(InputValuesTest, SweepsAnInputOfThisNameEvenly)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     values.sweepEvenly("H2/WF6", 2);
 
-    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{2.0, 10.0}));
+    EXPECT_EQ(pointsOf(1), (std::vector<double>{2.0, 10.0}));
 }
 
-TEST(InputValues, HoldsAnInputAtItsValue)
+TEST_F(InputValuesTest, HoldsAnInputAtItsValue)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     values.hold("H2/WF6=5");
 
     EXPECT_EQ(values.held(), (std::vector<std::size_t>{1}));
-    EXPECT_EQ(pointsOf(session, 1), (std::vector<double>{5.0}));
+    EXPECT_EQ(pointsOf(1), (std::vector<double>{5.0}));
 }
 
-TEST(InputValues, DistinguishNamesFromNamesWithValues)
+TEST_F(InputValuesTest, DistinguishNamesFromNamesWithValues)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     EXPECT_TRUE(values.isName("Pressure"));
     EXPECT_TRUE(values.isName("Presure"));
     EXPECT_FALSE(values.isName("Pressure=5"));
 }
 
-TEST(InputValues, RefuseWhatIsNoInput)
+TEST_F(InputValuesTest, RefuseWhatIsNoInput)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweep("Stress=5"); }),
               "\"Stress\" is no input, so that it takes no values.");
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Uniformity", 5); }),
@@ -90,22 +79,16 @@ TEST(InputValues, RefuseWhatIsNoInput)
               "are: \"Pressure\", \"H2/WF6\", \"Uniformity\", \"Stress\".");
 }
 
-TEST(InputValues, RefuseAnInputThatIsNamedTwice)
+TEST_F(InputValuesTest, RefuseAnInputThatIsNamedTwice)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     values.hold("Pressure=5");
 
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=3"); }),
               "\"Pressure\" has values twice; name it once.");
 }
 
-TEST(InputValues, RefuseWhatIsNoCount)
+TEST_F(InputValuesTest, RefuseWhatIsNoCount)
 {
-    CaseSession session = cvdSession();
-    InputValues values(session);
-
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=1"); }),
               "The count of \"Pressure\" needs a whole number from 2 to 100000000, not \"1\".");
 }

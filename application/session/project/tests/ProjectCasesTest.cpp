@@ -24,6 +24,18 @@ CaseTable tableOf(const std::vector<std::string>& names)
     }
     return table;
 }
+
+void expectState(const ProjectDocument& project, ProjectDocument::CaseFileState state,
+                 const std::string& sentence)
+{
+    try {
+        readProjectCases(project, {});
+        FAIL() << "read";
+    } catch (const CaseFileStateError& error) {
+        EXPECT_EQ(error.state(), state);
+        EXPECT_EQ(error.what(), sentence);
+    }
+}
 } // namespace
 
 TEST(ProjectCases, AreReadAsTheDocumentSays)
@@ -99,24 +111,14 @@ TEST(ProjectCases, AreThoseThatTheProjectWasSavedWith)
     EXPECT_EQ(readProjectCases(project, {}).columns[0].numbers, (std::vector<double>{0.5}));
 
     folder.write("cases.csv", "x;y\n0,5;1\n2;3\n");
-    try {
-        readProjectCases(project, {});
-        FAIL() << "read";
-    } catch (const CaseFileStateError& error) {
-        EXPECT_EQ(error.state(), ProjectDocument::Changed);
-        EXPECT_EQ(error.what(), "The case file \"" + project.caseFile.path +
-                                    "\" has changed since the project was saved: it has 14 bytes "
-                                    "and had 10.");
-    }
+    expectState(project, ProjectDocument::Changed,
+                "The case file \"" + project.caseFile.path +
+                    "\" has changed since the project was saved: it has 14 bytes "
+                    "and had 10.");
 
     project.caseFile.path = folder.path("moved.csv");
-    try {
-        readProjectCases(project, {});
-        FAIL() << "read";
-    } catch (const CaseFileStateError& error) {
-        EXPECT_EQ(error.state(), ProjectDocument::Missing);
-        EXPECT_EQ(error.what(), "The case file \"" + project.caseFile.path +
-                                    "\" of the project is missing: it has been moved, renamed or "
-                                    "deleted.");
-    }
+    expectState(project, ProjectDocument::Missing,
+                "The case file \"" + project.caseFile.path +
+                    "\" of the project is missing: it has been moved, renamed or "
+                    "deleted.");
 }

@@ -9,6 +9,11 @@
 #include <vector>
 
 namespace {
+std::string htmlOf(CaseSession session)
+{
+    return HtmlReport::text(session, {});
+}
+
 bool has(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
@@ -30,9 +35,7 @@ std::string faultOf(std::string html)
 
 TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 {
-    CaseSession session = cvdSession();
-
-    const std::string html = HtmlReport::text(session, {});
+    const std::string html = htmlOf(cvdSession());
 
     EXPECT_EQ(html.rfind("<!DOCTYPE html>\n<html lang=\"en\">\n", 0), 0u);
     EXPECT_TRUE(has(html, "<h1>Response surface of Uniformity, Stress</h1>"));
@@ -58,9 +61,7 @@ TEST(HtmlReport, SaysWhichTermsThereAre)
 
 TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
 {
-    CaseSession session = cvdSession(CaseSession::Kriging);
-
-    const std::string html = HtmlReport::text(session, {});
+    const std::string html = htmlOf(cvdSession(CaseSession::Kriging));
 
     EXPECT_TRUE(has(html, "<h1>Kriging of Uniformity, Stress</h1>"));
     EXPECT_TRUE(has(html, "<td>correlation length of Pressure</td>"));
@@ -85,9 +86,8 @@ TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
     CaseTable table = cvdCases();
     table.columns[0].name = "<script>alert('p')</script>";
     table.columns[2].name = "a & b < \"c\"";
-    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
-
-    const std::string html = HtmlReport::text(session, {});
+    const std::string html =
+        htmlOf({std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface});
 
     EXPECT_FALSE(has(html, "<script"));
     EXPECT_TRUE(has(html, "&lt;script&gt;alert(&#39;p&#39;)&lt;/script&gt;"));
@@ -97,8 +97,7 @@ TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
 
 TEST(HtmlReport, StandsAlone)
 {
-    CaseSession session = cvdSession();
-    const std::string html = HtmlReport::text(session, {});
+    const std::string html = htmlOf(cvdSession());
 
     for (const char* part : {"<script", "http", "src=", "href=", "url(", "@import"}) {
         EXPECT_FALSE(has(html, part)) << part;
