@@ -178,6 +178,7 @@ const FitResult& Evaluator::fit()
             output.metrics = predictive->fitMetrics(offset);
             output.warnings = predictive->fitWarnings(offset, inputNames);
         }
+        output.modelled = interfaces.transform(offset);
         output.kriging = interfaces.krigingReport(offset);
         if (output.kriging) {
             if (cases.empty()) {

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
+#include <session/model/ModelInterfaces.h>
 
 #include <surrogate_session/Export.h>
 
@@ -23,7 +24,8 @@ struct OutputFit
 {
     std::string name;
     FitMetrics metrics;
-    std::vector<std::string> warnings;    ///< what changed the result, a sentence each
+    std::vector<std::string> warnings; ///< what changed the result, a sentence each
+    ModelledTransform modelled;
     std::optional<KrigingReport> kriging; ///< of a Kriging model only; rows are cases, from 0
     /** Of prediction intervals; none where the model has none, or nobody asked for them yet. */
     std::optional<CalibrationReport> calibration;

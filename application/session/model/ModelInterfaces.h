@@ -1,15 +1,24 @@
 #pragma once
 
 #include <mirel_fitting/KrigingReport.h>
+#include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <surrogate_session/Export.h>
 
+#include <limits>
 #include <optional>
 
 class FittedModel;
 class PredictiveModel;
 class SurrogateModelInterface;
+
+/** What of an output was modelled. */
+struct ModelledTransform
+{
+    OutputTransform transform = OutputTransform::None;
+    double gain = std::numeric_limits<double>::quiet_NaN(); ///< as TransformedOutput has it
+};
 
 /**
  * What the session asks of a model beyond SurrogateModelInterface; the only place that looks at the
@@ -26,7 +35,12 @@ public:
     /** Null also for a model that was read from a file, without cases. */
     const FittedModel* fitted() const;
 
-    /** Of a model fitted by Kriging only. Its rows are those of the fitted columns.
+    /** Of a model that was fitted; otherwise of none.
+     *  @throw SurrogateModelInterface::Error if the output cannot be fitted. */
+    ModelledTransform transform(int offset) const;
+
+    /** Of a model fitted by Kriging only. Its rows are those of the fitted columns. The figures are
+     *  those of the transform, but the worst cases are in the output's unit.
      *  @throw SurrogateModelInterface::Error if the output cannot be fitted. */
     std::optional<KrigingReport> krigingReport(int offset) const;
 

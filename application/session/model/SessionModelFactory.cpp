@@ -1,6 +1,8 @@
 #include "session/model/SessionModelFactory.h"
 
+#include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/TransformedOutput.h>
 
 #include <property/Property.h>
 #include <property/UndoablePropertyProxy.h>
@@ -30,8 +32,12 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
         return finishedModel;
     }
     if (type == SurrogateModelManagerInterface::Kriging) {
-        return SurrogateModelFactory::makeModel(type, independentColumns, dependentColumns,
-                                                rowCount);
+        return boost::make_shared<TransformedOutput>(
+            independentColumns, dependentColumns, static_cast<std::size_t>(rowCount),
+            [](const auto& inputs, const auto& outputs, std::size_t rows) {
+                return std::make_unique<KrigingSurrogateModel>(
+                    inputs, outputs, static_cast<int>(rows), KrigingOptions());
+            });
     }
     return boost::make_shared<SurrogateResponseSurfaceModel>(independentColumns, dependentColumns,
                                                              static_cast<std::size_t>(rowCount),

@@ -114,6 +114,10 @@ Json calibrationJson(const CalibrationReport& calibration)
 Json outputJson(const OutputFit& fit)
 {
     Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
+    json["transform"] = OutputTransforms::word(fit.modelled.transform);
+    if (fit.modelled.transform != OutputTransform::None) {
+        json["transformNote"] = FitReport::transformNote(fit);
+    }
     if (fit.kriging) {
         json.update(krigingJson(*fit.kriging));
     }
@@ -142,6 +146,8 @@ std::string outputText(const OutputFit& fit, const std::vector<std::string>& inp
         table.add({name, figure});
     }
     std::string text = '\n' + fit.name + '\n' + table.text("  ");
+    const std::string note = FitReport::transformNote(fit);
+    text += note.empty() ? note : "  Note: " + note + '\n';
     for (const std::string& warning : fit.warnings) {
         text += "  Warning: " + warning + '\n';
     }
@@ -249,6 +255,25 @@ FitReport::figures(const OutputFit& fit, const std::vector<std::string>& inputs,
     return figures;
 }
 
+std::string FitReport::transformNote(const OutputFit& fit)
+{
+    if (fit.modelled.transform == OutputTransform::None) {
+        return "";
+    }
+    const bool isLogarithm = fit.modelled.transform == OutputTransform::Logarithm;
+    const std::string transform = isLogarithm ? "logarithm" : "square root";
+    std::string text = "The " + transform + " of " + fit.name + " was modelled";
+    if (!std::isnan(fit.modelled.gain)) {
+        constexpr int digits = 3;
+        text += ", which describes the cases better (log-likelihood and left-out cases, by " +
+                shownNumber(fit.modelled.gain, digits) + " or more)";
+    }
+    return text + ": " +
+           (fit.kriging ? "likelihood, variance, nugget, noise, trend and correlation lengths"
+                        : "coefficients, tests and AICc") +
+           " are those of the " + transform + "; errors, R2 and Q2 are those of " + fit.name + ".";
+}
+
 std::string FitReport::text(CaseSession& session)
 {
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
@@ -327,6 +352,8 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
         text += "Cases: " + ReportHeading::caseText(session) + ".\n";
     }
     for (const OutputFit& fit : session.fit().outputs) {
+        const std::string note = transformNote(fit);
+        text += note.empty() ? note : "Note: " + note + '\n';
         for (const std::string& warning : fit.warnings) {
             text += "Warning for " + fit.name + ": " + warning + '\n';
         }

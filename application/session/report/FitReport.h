@@ -23,6 +23,10 @@ SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
 figures(const OutputFit& fit, const std::vector<std::string>& inputs,
         const ResponseSurfaceStatistics* statistics);
 
+/** Which transform of the output was modelled and what that means for the figures, a sentence or
+ *  two; empty if it was the output itself. */
+SURROGATE_SESSION_EXPORT std::string transformNote(const OutputFit& fit);
+
 SURROGATE_SESSION_EXPORT std::string text(CaseSession& session);
 
 /** The report that an exported model carries. */

@@ -88,6 +88,8 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
                           const std::vector<std::string>& pictures)
 {
     std::string text = element("h2", escaped(fit.name)) + figureTable(fit, inputs, statistics);
+    const std::string note = FitReport::transformNote(fit);
+    text += note.empty() ? note : element("p", "Note: " + escaped(note)) + "\n";
     for (const std::string& warning : fit.warnings) {
         text += "<p class=\"warning\">Warning: " + escaped(warning) + "</p>\n";
     }

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/TransformedOutput.h>
 #include <mirel_modelexport/ExportedModel.h>
 
 #include <gtest/gtest.h>
@@ -41,5 +42,26 @@ TEST(ModelInterfaces, HasNothingThatNeedsCasesOfARestoredModel)
 
     EXPECT_EQ(interfaces.predictive(), model.get());
     EXPECT_EQ(interfaces.fitted(), nullptr);
+    EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
+}
+
+TEST(ModelInterfaces, LooksIntoTransformedOutputs)
+{
+    std::vector<double> positive = {1, 2, 3, 7, 8, 9};
+    const TransformedOutput model(
+        {x.data()}, {positive.data()}, x.size(),
+        [](const auto& inputs, const auto& outputs, std::size_t rows) {
+            return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
+                                                           KrigingOptions());
+        },
+        OutputTransform::Logarithm);
+    const ModelInterfaces interfaces(model);
+
+    EXPECT_EQ(interfaces.transform(0).transform, OutputTransform::Logarithm);
+    const KrigingReport report = *interfaces.krigingReport(0);
+    ASSERT_FALSE(report.worstCases.empty());
+    const KrigingReport::LeftOutCase& worst = report.worstCases[0];
+    EXPECT_NEAR(worst.output, positive[worst.row], 1e-12);
+    EXPECT_NEAR(worst.predicted, model.leaveOneOutPredictions(0)[worst.row].predicted, 1e-9);
     EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
 }

@@ -1,6 +1,7 @@
 #include <session/model/SessionModelFactory.h>
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/TransformedOutput.h>
 
 #include <gtest/gtest.h>
 
@@ -38,11 +39,12 @@ TEST_F(SessionModelFactoryTest, MakesResponseSurfacesWithTheChosenTerms)
     EXPECT_EQ(termsOf(*make(SurrogateModelManagerInterface::ResponseSurface)), 2u);
 }
 
-TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibrary)
+TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrTheirTransforms)
 {
-    EXPECT_NE(
-        dynamic_cast<KrigingSurrogateModel*>(make(SurrogateModelManagerInterface::Kriging).get()),
-        nullptr);
+    const auto model = make(SurrogateModelManagerInterface::Kriging);
+
+    const auto& outer = dynamic_cast<const TransformedOutput&>(*model);
+    EXPECT_NE(dynamic_cast<const KrigingSurrogateModel*>(&outer.inner()), nullptr);
     EXPECT_TRUE(factory.needsCases());
 }
 

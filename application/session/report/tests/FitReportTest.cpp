@@ -47,7 +47,7 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
     EXPECT_EQ(keysOf(json["outputs"][0]),
               (Keys{"anova", "calibration", "codedCoefficients", "coefficients", "droppedTerms",
-                    "leverage", "metrics", "name", "stationaryPoint", "warnings"}));
+                    "leverage", "metrics", "name", "stationaryPoint", "transform", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));
@@ -67,10 +67,11 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
 
     EXPECT_EQ(json["model"], "kriging");
     const Json& output = json["outputs"][0];
-    EXPECT_EQ(keysOf(output),
-              (Keys{"calibration", "condition", "correlationLengths", "lengthBounds",
-                    "logLikelihood", "metrics", "name", "noiseDeviation", "nugget", "nuggetBound",
-                    "processVariance", "secondLogLikelihood", "trend", "warnings", "worstCases"}));
+    EXPECT_EQ(
+        keysOf(output),
+        (Keys{"calibration", "condition", "correlationLengths", "lengthBounds", "logLikelihood",
+              "metrics", "name", "noiseDeviation", "nugget", "nuggetBound", "processVariance",
+              "secondLogLikelihood", "transform", "trend", "warnings", "worstCases"}));
     EXPECT_EQ(output["lengthBounds"].size(), 2u);
     EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
@@ -113,6 +114,28 @@ TEST(FitReport, HasTheCalibrationAsJson)
     EXPECT_EQ(calibration["cases"], 11);
     EXPECT_EQ(keysOf(calibration["held"]), (Keys{"50", "80", "95", "99"}));
     EXPECT_EQ(calibration["held"]["99"], 1.0);
+}
+
+TEST(FitReport, SaysWhichTransformOfAnOutputWasModelled)
+{
+    CaseTable table = tableOf({{"x", std::vector<double>(30)}, {"y", std::vector<double>(30)}});
+    for (int i = 0; i < 30; ++i) {
+        table.columns[0].numbers[i] = i;
+        table.columns[1].numbers[i] = std::exp(0.3 * i + std::sin(0.5 * i));
+    }
+    CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
+
+    const Json output = printed(FitReport::runJson(session, 0.0))["outputs"][0];
+    const std::string note = output["transformNote"];
+
+    EXPECT_EQ(output["transform"], "log");
+    EXPECT_EQ(note.substr(0, note.find(" (")),
+              "The logarithm of y was modelled, which describes the cases better");
+    EXPECT_EQ(note.substr(note.find(": ")),
+              ": likelihood, variance, nugget, noise, trend and correlation lengths are those of "
+              "the logarithm; errors, R2 and Q2 are those of y.");
+    EXPECT_NE(FitReport::text(session).find("\n  Note: " + note + "\n"), std::string::npos);
+    EXPECT_EQ(FitReport::notes(session).find("Note: " + note + "\n"), 0u);
 }
 
 TEST(FitReport, SaysThatTheNuggetIsAtItsBound)
