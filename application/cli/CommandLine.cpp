@@ -29,6 +29,8 @@ void checkModelFile(const CommandLine& line)
     require(!line.choosesTerms(),
             "--terms, --select-terms and --all-terms choose what is fitted; " + name +
                 " is an exported model, fitted already.");
+    require(!line.choices.transform, "--transform chooses what is fitted; " + name +
+                                         " is an exported model, fitted already.");
     require(line.save.empty(), "--save keeps a choice of cases, and " + name +
                                    " is an exported model, without cases.");
     require(!line.interval, "--interval takes how the cases lie about the model, and " + name +

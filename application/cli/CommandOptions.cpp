@@ -175,6 +175,19 @@ void addTerms(CLI::App& command, CommandLine& line)
                                       word + "\".");
                  }
              });
+    addValue(command, "--transform",
+             "which transform of outputs that are positive in all cases is\n"
+             "modelled: none, sqrt, log, or auto (what describes the cases\n"
+             "best). Without it auto for kriging, none for a response\n"
+             "surface",
+             "T", [&line](const std::string& word) {
+                 line.choices.transform =
+                     oneOf<TransformSetting>("--transform", word, "auto, none, sqrt or log",
+                                             {{"auto", TransformSetting::Automatic},
+                                              {"none", TransformSetting::None},
+                                              {"sqrt", TransformSetting::SquareRoot},
+                                              {"log", TransformSetting::Logarithm}});
+             });
     const auto flag = [&](const char* name, ResponseSurfaceOptions::Selection terms,
                           const char* description) {
         return command.add_flag_function(

@@ -188,16 +188,14 @@ private:
     bool isCandidate(const double* output, std::size_t rowCount) const
     {
         const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
-        return *smallest > 0.0 && (choice || *largest > leastRatio * *smallest);
+        return *smallest > 0.0 && choice != OutputTransform::None &&
+               (choice || *largest > leastRatio * *smallest);
     }
 
     std::vector<OutputTransform> wantedTransforms() const
     {
-        if (!choice) {
-            return {transforms.begin(), transforms.end()};
-        }
-        return *choice == OutputTransform::None ? std::vector<OutputTransform>()
-                                                : std::vector<OutputTransform>{*choice};
+        return choice ? std::vector<OutputTransform>{*choice}
+                      : std::vector<OutputTransform>(transforms.begin(), transforms.end());
     }
 
     Fit fitted(int offset)

@@ -21,12 +21,13 @@ std::vector<std::size_t> excludedCases(const std::string& text, std::size_t case
     return text == "none" ? std::vector<std::size_t>() : readCaseNumbers(text, cases);
 }
 
-void chooseTerms(const SessionChoices& choices, CaseSession& session)
+void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
 {
     ResponseSurfaceOptions options = session.responseSurface();
     options.selection = choices.selection.value_or(options.selection);
     options.terms = choices.terms.value_or(options.terms);
     session.chooseResponseSurface(options);
+    session.chooseTransform(choices.transform.value_or(session.transform()));
 }
 
 /** The library passes over inputs that are none, and the predictions are others without them. */
@@ -61,7 +62,7 @@ std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& ch
         excludedCases(choices.excluded.value_or("none"), table.cases);
     auto session = std::make_unique<CaseSession>(
         std::move(table), roles, excluded, choices.model.value_or(CaseSession::ResponseSurface));
-    chooseTerms(choices, *session);
+    chooseModelOptions(choices, *session);
     return session;
 }
 
@@ -90,7 +91,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     } else {
         noteUnknownModel(document, opened);
     }
-    chooseTerms(choices, session);
+    chooseModelOptions(choices, session);
     return opened;
 }
 

@@ -21,6 +21,7 @@ struct SessionChoices
     std::optional<CaseSession::ModelType> model;
     std::optional<ResponseSurfaceOptions::Selection> selection;
     std::optional<PolynomialTerms> terms;
+    std::optional<TransformSetting> transform;
 };
 
 struct OpenedProject

@@ -11,17 +11,43 @@
 
 #include <utility>
 
+namespace {
+TransformedOutput::Choice choiceOf(TransformSetting setting, bool isKriging)
+{
+    switch (setting) {
+    case TransformSetting::Automatic:
+        return std::nullopt;
+    case TransformSetting::None:
+        return OutputTransform::None;
+    case TransformSetting::SquareRoot:
+        return OutputTransform::SquareRoot;
+    case TransformSetting::Logarithm:
+        return OutputTransform::Logarithm;
+    default:
+        return isKriging ? std::nullopt : TransformedOutput::Choice(OutputTransform::None);
+    }
+}
+} // namespace
+
 SessionModelFactory::SessionModelFactory(boost::shared_ptr<SurrogateModelInterface> model)
     : finishedModel(std::move(model))
 {
     // Connected to the value itself: the proxy reports an undo twice.
     const auto value = boost::make_shared<veska::Property<ResponseSurfaceOptions>>();
-    connection = value->connectSignalChanged([this](const ResponseSurfaceOptions&) {
+    termsConnection = value->connectSignalChanged([this](const ResponseSurfaceOptions&) {
         emitChanged(SurrogateModelManagerInterface::ResponseSurface);
     });
     responseSurfaceOptions =
         boost::make_shared<veska::UndoablePropertyProxy<ResponseSurfaceOptions>>(
             "Surrogate Model Terms", value);
+
+    const auto setting = boost::make_shared<veska::Property<TransformSetting>>();
+    transformConnection = setting->connectSignalChanged([this](TransformSetting) {
+        emitChanged(SurrogateModelManagerInterface::Kriging);
+        emitChanged(SurrogateModelManagerInterface::ResponseSurface);
+    });
+    transformSetting = boost::make_shared<veska::UndoablePropertyProxy<TransformSetting>>(
+        "Surrogate Model Transform", setting);
 }
 
 boost::shared_ptr<SurrogateModelInterface>
@@ -31,17 +57,23 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
     if (finishedModel != nullptr) {
         return finishedModel;
     }
-    if (type == SurrogateModelManagerInterface::Kriging) {
-        return boost::make_shared<TransformedOutput>(
-            independentColumns, dependentColumns, static_cast<std::size_t>(rowCount),
-            [](const auto& inputs, const auto& outputs, std::size_t rows) {
-                return std::make_unique<KrigingSurrogateModel>(
-                    inputs, outputs, static_cast<int>(rows), KrigingOptions());
-            });
+    const bool isKriging = type == SurrogateModelManagerInterface::Kriging;
+    const auto fit = [isKriging, options = responseSurfaceOptions->get()](
+                         const std::vector<double*>& inputs, const std::vector<double*>& outputs,
+                         std::size_t rows) -> std::unique_ptr<FittedModel> {
+        if (isKriging) {
+            return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
+                                                           KrigingOptions());
+        }
+        return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows, options);
+    };
+    const TransformedOutput::Choice choice = choiceOf(transformSetting->get(), isKriging);
+    const auto rows = static_cast<std::size_t>(rowCount);
+    if (choice == OutputTransform::None) {
+        return fit(independentColumns, dependentColumns, rows);
     }
-    return boost::make_shared<SurrogateResponseSurfaceModel>(independentColumns, dependentColumns,
-                                                             static_cast<std::size_t>(rowCount),
-                                                             responseSurfaceOptions->get());
+    return boost::make_shared<TransformedOutput>(independentColumns, dependentColumns, rows, fit,
+                                                 choice);
 }
 
 bool SessionModelFactory::needsCases() const
@@ -53,4 +85,9 @@ boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>>
 SessionModelFactory::responseSurface() const
 {
     return responseSurfaceOptions;
+}
+
+boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> SessionModelFactory::transform() const
+{
+    return transformSetting;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <session/project/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelFactory.h>
 
@@ -8,8 +9,8 @@
 
 #include <surrogate_session/Export.h>
 
-/** Makes the library's models, response surfaces with the chosen terms; or hands out a model that
- *  is finished already. */
+/** Makes the library's models, of outputs or their transforms, and response surfaces with the
+ * chosen terms; or hands out a model that is finished already. */
 class SURROGATE_SESSION_EXPORT SessionModelFactory : public SurrogateModelFactory
 {
 public:
@@ -21,6 +22,9 @@ public:
               const std::vector<double*>& dependentColumns, int rowCount) const override;
     bool needsCases() const override;
 
+    /** A change is an undo step, and invalidates all models that were made before. */
+    boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transform() const;
+
     /** The terms of response surfaces. A change is an undo step, and invalidates response
      *  surfaces that were made before. */
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurface() const;
@@ -28,5 +32,7 @@ public:
 private:
     boost::shared_ptr<SurrogateModelInterface> finishedModel;
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurfaceOptions;
-    boost::signals2::scoped_connection connection;
+    boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transformSetting;
+    boost::signals2::scoped_connection termsConnection;
+    boost::signals2::scoped_connection transformConnection;
 };

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <session/model/SweepInterpolationVariables.h>
+#include <session/project/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -37,4 +38,5 @@ struct SessionSettings
     SurrogateModelUserDistCollection userDistributions;
     std::map<VarPtr, SweepInterpolationVariables::Sweep> sweeps;
     ResponseSurfaceOptions responseSurface;
+    TransformSetting transform = TransformSetting::Usual;
 };

@@ -77,6 +77,7 @@ SessionSettings SessionState::settings() const
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
     settings.responseSurface = factory->responseSurface()->get();
+    settings.transform = factory->transform()->get();
     return settings;
 }
 
@@ -93,6 +94,7 @@ void SessionState::setSettings(const SessionSettings& settings)
     }
     exclude(settings.excluded);
     factory->responseSurface()->set(settings.responseSurface);
+    factory->transform()->set(settings.transform);
     manager->type()->set(settings.type);
     manager->independentVars()->set(settings.inputs);
     // After the list, which gives its new entries values of their own.
@@ -156,6 +158,7 @@ void SessionState::load(const ProjectDocument& document)
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
     loaded.responseSurface = document.responseSurface;
+    loaded.transform = document.transform;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
@@ -192,6 +195,7 @@ void SessionState::save(ProjectDocument& document) const
         }
     }
     document.responseSurface = factory->responseSurface()->get();
+    document.transform = factory->transform()->get();
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }

@@ -241,6 +241,16 @@ Workspace::ModelType Workspace::modelType() const
     return impl->state.manager->type()->get();
 }
 
+void Workspace::chooseTransform(TransformSetting setting)
+{
+    impl->state.factory->transform()->set(setting);
+}
+
+TransformSetting Workspace::transform() const
+{
+    return impl->state.factory->transform()->get();
+}
+
 void Workspace::chooseResponseSurface(const ResponseSurfaceOptions& options)
 {
     impl->state.factory->responseSurface()->set(options);

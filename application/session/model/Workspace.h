@@ -5,6 +5,7 @@
 #include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 #include <session/model/SweepInterpolationVariables.h>
+#include <session/project/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
@@ -99,6 +100,10 @@ public:
 
     void chooseModel(ModelType type);
     ModelType modelType() const;
+
+    /** Of both types of models. */
+    void chooseTransform(TransformSetting setting);
+    TransformSetting transform() const;
 
     /** The terms of response surfaces; kept without effect while the model is Kriging. */
     void chooseResponseSurface(const ResponseSurfaceOptions& options);

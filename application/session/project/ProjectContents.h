@@ -4,6 +4,7 @@
 
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <session/project/TransformSetting.h>
 
 #include <cstddef>
 #include <optional>
@@ -50,4 +51,5 @@ struct ProjectContents
     std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
     std::vector<Sweep> sweeps;
     ResponseSurfaceOptions responseSurface;
+    TransformSetting transform = TransformSetting::Usual;
 };

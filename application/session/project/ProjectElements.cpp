@@ -50,6 +50,13 @@ constexpr std::array<Word<PolynomialTerms>, 3> polynomials = {
      {"Interactions", PolynomialTerms::Interactions},
      {"Quadratic", PolynomialTerms::Quadratic}}};
 
+/** The usual one is said by the absence of the element. */
+constexpr std::array<Word<TransformSetting>, 4> transforms = {
+    {{"Automatic", TransformSetting::Automatic},
+     {"None", TransformSetting::None},
+     {"SquareRoot", TransformSetting::SquareRoot},
+     {"Logarithm", TransformSetting::Logarithm}}};
+
 [[noreturn]] void refuse(const XmlNode& element, const std::string& message)
 {
     throw XmlFault(element.position, message);
@@ -401,7 +408,7 @@ const std::set<std::string>& knownTags()
 {
     static const std::set<std::string> tags = {
         "CaseFile",          "Variables", "Outputs",       "ExcludedCases", "SurrogateModel",
-        "UserDistributions", "Sweeps",    "TermSelection", "Polynomial"};
+        "UserDistributions", "Sweeps",    "TermSelection", "Polynomial",    "OutputTransform"};
     return tags;
 }
 
@@ -535,6 +542,10 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
         contents.responseSurface.terms = readPolynomial(*polynomial);
     }
+    if (const XmlNode* const transform = root.child("OutputTransform")) {
+        allowOnlyAttributes(*transform, {"Method"});
+        contents.transform = requiredWord(*transform, "Method", transforms);
+    }
 }
 
 XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings)
@@ -551,8 +562,8 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
         root.children.push_back(*settings.userDistributions);
     }
     root.children.push_back(sweepsElement(contents.sweeps));
-    // Versions that do not know these two keep them like everything unknown, and fit all terms of
-    // the full quadratic polynomial.
+    // Versions that do not know these keep them like everything unknown, and fit all terms of the
+    // full quadratic polynomial, to the outputs themselves.
     const ResponseSurfaceOptions& options = contents.responseSurface;
     if (options.terms != PolynomialTerms::Quadratic) {
         root.children.push_back(
@@ -561,6 +572,10 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
     if (options.selection != ResponseSurfaceOptions::Selection::All) {
         root.children.push_back(XmlNode::element(
             "TermSelection", {{"Method", wordFor(options.selection, termSelections)}}));
+    }
+    if (contents.transform != TransformSetting::Usual) {
+        root.children.push_back(XmlNode::element(
+            "OutputTransform", {{"Method", wordFor(contents.transform, transforms)}}));
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
     return root;

@@ -308,7 +308,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
     for (std::size_t i = 0; i < fits.size(); ++i) {
         Json output = outputJson(fits[i]);
         if (!statistics.empty()) {
-            output["metrics"]["press"] = statistics[i].press;
+            output["metrics"]["press"] = fits[i].metrics.press;
             output["metrics"]["aicc"] = statistics[i].aicc;
             output["metrics"]["terms"] = fits[i].metrics.terms;
             output["metrics"]["residualDegreesOfFreedom"] = statistics[i].residualDegreesOfFreedom;

@@ -109,6 +109,9 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                     : "") +
                                ", if it is a response surface"});
     }
+    if (document.transform != TransformSetting::Usual) {
+        head.add({"Transform", transformWord(document.transform)});
+    }
     head.add({"Inputs", listText(document.modelInputs())});
     head.add({"Outputs", listText(document.outputs)});
 
@@ -150,6 +153,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
     json["terms"] = termsWord(document.responseSurface.terms);
     json["selectsTerms"] =
         document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+    json["transform"] = transformWord(document.transform);
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;
     json["evaluationPoint"] = distributionsJson(document.evaluationPoint());

@@ -1,3 +1,4 @@
+#include <session/model/ModelInterfaces.h>
 #include <session/model/SessionModelFactory.h>
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
@@ -5,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -21,6 +23,11 @@ protected:
     std::size_t termsOf(const SurrogateModelInterface& model) const
     {
         return dynamic_cast<const PredictiveModel&>(model).fitMetrics(0).terms;
+    }
+
+    OutputTransform transformOf(const SurrogateModelInterface& model) const
+    {
+        return ModelInterfaces(model).transform(0).transform;
     }
 
     SessionModelFactory factory;
@@ -46,6 +53,44 @@ TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrThe
     const auto& outer = dynamic_cast<const TransformedOutput&>(*model);
     EXPECT_NE(dynamic_cast<const KrigingSurrogateModel*>(&outer.inner()), nullptr);
     EXPECT_TRUE(factory.needsCases());
+}
+
+TEST_F(SessionModelFactoryTest, TransformsTheOutputsOfBothModelsAsChosen)
+{
+    y[0] = 1.0;
+    for (const ModelType type : {SurrogateModelManagerInterface::Kriging,
+                                 SurrogateModelManagerInterface::ResponseSurface}) {
+        factory.transform()->set(TransformSetting::SquareRoot);
+        EXPECT_EQ(transformOf(*make(type)), OutputTransform::SquareRoot);
+
+        factory.transform()->set(TransformSetting::None);
+        EXPECT_EQ(transformOf(*make(type)), OutputTransform::None);
+    }
+}
+
+TEST_F(SessionModelFactoryTest, ChoosesTransformsForKrigingAloneIfNothingIsSaid)
+{
+    for (double& value : y) {
+        value = std::exp(value + 0.1 * std::sin(value));
+    }
+
+    EXPECT_EQ(transformOf(*make(SurrogateModelManagerInterface::ResponseSurface)),
+              OutputTransform::None);
+    EXPECT_NE(
+        dynamic_cast<const TransformedOutput*>(make(SurrogateModelManagerInterface::Kriging).get()),
+        nullptr);
+}
+
+TEST_F(SessionModelFactoryTest, ReportsAChangedTransformForBothModels)
+{
+    std::vector<ModelType> changed;
+    factory.connectSignalChanged([&](ModelType type) { changed.push_back(type); });
+
+    factory.transform()->set(TransformSetting::Logarithm);
+    factory.transform()->set(TransformSetting::Logarithm);
+
+    EXPECT_EQ(changed, (std::vector<ModelType>{SurrogateModelManagerInterface::Kriging,
+                                               SurrogateModelManagerInterface::ResponseSurface}));
 }
 
 TEST_F(SessionModelFactoryTest, ReportsChangedTermsForResponseSurfacesAlone)

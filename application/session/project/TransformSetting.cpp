@@ -1,0 +1,17 @@
+#include "session/project/TransformSetting.h"
+
+const char* transformWord(TransformSetting setting)
+{
+    switch (setting) {
+    case TransformSetting::Automatic:
+        return "auto";
+    case TransformSetting::None:
+        return "none";
+    case TransformSetting::SquareRoot:
+        return "sqrt";
+    case TransformSetting::Logarithm:
+        return "log";
+    default:
+        return "usual";
+    }
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <surrogate_session/Export.h>
+
+/** Which transform of the outputs that are positive in all cases a model is fitted to. */
+enum class TransformSetting
+{
+    Usual, ///< Automatic for Kriging, None for a response surface
+    Automatic,
+    None,
+    SquareRoot,
+    Logarithm
+};
+
+/** "auto", "none", "sqrt", "log", as users write it and documents for programs say it; "usual". */
+SURROGATE_SESSION_EXPORT const char* transformWord(TransformSetting setting);
