@@ -172,7 +172,6 @@ std::string kriging(const Description& predictor, std::size_t output)
     const std::size_t coordinates = predictor.coordinates.size();
     const std::size_t cases = predictor.weights.size();
     const bool hasSlopes = hasFactors(predictor);
-    const bool needsCoordinates = cases > 0 || hasSlopes;
     std::string text;
     if (cases > 0) {
         text += "\n/* The scaled coordinates of the " + plural(cases, "case") + ". */\n";
@@ -183,7 +182,7 @@ std::string kriging(const Description& predictor, std::size_t output)
     }
 
     text += "\ndouble " + name + "(const double *inputs)\n{\n";
-    if (needsCoordinates) {
+    if (needsCoordinates(predictor)) {
         const std::string size = "[" + std::to_string(coordinates) + "]";
         text += "    double u" + size + "; /* from 0 to 1 over the cases */\n";
         text += hasSlopes ? "    double x" + size + "; /* from -1 to 1 */\n" : "";
@@ -195,7 +194,7 @@ std::string kriging(const Description& predictor, std::size_t output)
     text += "    double sum = 0.0;\n";
     text += "    if (!surrogate_all_finite(inputs)) {\n        return NAN;\n    }\n";
     const std::vector<double> scales = correlationScales(predictor);
-    for (std::size_t k = 0; needsCoordinates && k < coordinates; ++k) {
+    for (std::size_t k = 0; needsCoordinates(predictor) && k < coordinates; ++k) {
         const Description::Coordinate& coordinate = predictor.coordinates[k];
         const std::string at = "[" + std::to_string(k) + "]";
         text += "    u" + at + " = surrogate_coordinate(inputs[" +
@@ -344,8 +343,7 @@ std::string cSource(const ExportedModel& model)
     if (model.isKriging()) {
         const bool hasCoordinates =
             std::any_of(model.outputs.begin(), model.outputs.end(), [](const auto& output) {
-                const Description& predictor = output.model.predictor;
-                return !predictor.weights.empty() || hasFactors(predictor);
+                return needsCoordinates(output.model.predictor);
             });
         text += hasCoordinates ? krigingFunctions : "";
         text += hasCorrelation(model) ? correlationFunctions : "";

@@ -41,25 +41,32 @@ double outputTolerance(OutputTransform transform, double value, double tolerance
 
 } // namespace
 
-CheckPoints::CheckPoints(const ExportedModel& model)
-    : points(pointsInside(model.outputs.front().model.predictor.inputs))
+std::vector<double> predictionsAt(const ExportedModel& model, std::size_t output,
+                                  const std::vector<std::vector<double>>& points)
 {
-    const auto predictor = model.predictor();
-    std::vector<std::vector<double>> columns(model.inputs.size(), std::vector<double>(count));
+    std::vector<std::vector<double>> columns(model.inputs.size());
     std::vector<double*> inputs;
     for (std::size_t k = 0; k < columns.size(); ++k) {
-        for (std::size_t i = 0; i < count; ++i) {
-            columns[k][i] = points[i][k];
+        for (const std::vector<double>& point : points) {
+            columns[k].push_back(point[k]);
         }
         inputs.push_back(columns[k].data());
     }
+    std::vector<double> predictions(points.size());
+    std::vector<double*> results = {predictions.data()};
+    model.predictor()->interpolateDependentValues(inputs, {static_cast<int>(output)}, results,
+                                                  points.size());
+    return predictions;
+}
+
+CheckPoints::CheckPoints(const ExportedModel& model)
+    : points(pointsInside(model.outputs.front().model.predictor.inputs))
+{
     for (std::size_t output = 0; output < model.outputs.size(); ++output) {
-        values.emplace_back(count);
-        std::vector<double*> results = {values.back().data()};
-        predictor->interpolateDependentValues(inputs, {static_cast<int>(output)}, results, count);
+        const PredictorDescription& described = model.outputs[output].model.predictor;
+        values.push_back(predictionsAt(model, output, points));
         tolerances.emplace_back();
         for (std::size_t i = 0; i < count; ++i) {
-            const PredictorDescription& described = model.outputs[output].model.predictor;
             tolerances.back().push_back(outputTolerance(described.transform, values.back()[i],
                                                         roundingTolerance(described, points[i])));
         }
@@ -71,26 +78,20 @@ double inputRounding(const ExportedModel& model, std::size_t output,
 {
     // Steep enough for a slope and short enough for a smooth function; only its size counts.
     constexpr double step = 1e-4;
-    const auto predictor = model.predictor();
-    const auto value = [&](std::vector<double> at) {
-        std::vector<double*> inputs;
-        for (double& coordinate : at) {
-            inputs.push_back(&coordinate);
-        }
-        double result = 0.0;
-        std::vector<double*> results = {&result};
-        predictor->interpolateDependentValues(inputs, {static_cast<int>(output)}, results, 1);
-        return result;
-    };
-    const double atPoint = value(point);
+    const std::vector<PredictorDescription::Coordinate>& coordinates =
+        model.outputs[output].model.predictor.coordinates;
+    std::vector<std::vector<double>> points = {point};
+    for (const PredictorDescription::Coordinate& coordinate : coordinates) {
+        points.push_back(point);
+        points.back()[coordinate.input] += step * coordinate.unit;
+    }
+    const std::vector<double> values = predictionsAt(model, output, points);
     double rounding = 0.0;
-    for (const PredictorDescription::Coordinate& coordinate :
-         model.outputs[output].model.predictor.coordinates) {
-        std::vector<double> moved = point;
-        moved[coordinate.input] += step * coordinate.unit;
-        const double slope = std::fabs(value(moved) - atPoint) / step;
-        const double size = std::fabs(point[coordinate.input]) + std::fabs(coordinate.origin);
-        rounding += slope * (epsilon * size / coordinate.unit);
+    for (std::size_t k = 0; k < coordinates.size(); ++k) {
+        const double slope = std::fabs(values[k + 1] - values[0]) / step;
+        const double size =
+            std::fabs(point[coordinates[k].input]) + std::fabs(coordinates[k].origin);
+        rounding += slope * (epsilon * size / coordinates[k].unit);
     }
     return rounding;
 }

@@ -23,6 +23,10 @@ struct CheckPoints
     std::vector<std::vector<double>> tolerances; ///< [output][point]
 };
 
+/** One output at points, [point][input]. */
+std::vector<double> predictionsAt(const ExportedModel& model, std::size_t output,
+                                  const std::vector<std::vector<double>>& points);
+
 /** How far a prediction at the point, or of its transform, may be off by rounding; see CheckPoints.
  */
 double roundingTolerance(const PredictorDescription& predictor, const std::vector<double>& point);

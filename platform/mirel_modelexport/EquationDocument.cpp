@@ -77,7 +77,7 @@ std::string kriging(const Description& predictor, const std::string& output)
         text += "  c_j = product over k of (1 + z + z^2 / 3) exp(-z), z = sqrt(5) |u_k - u_jk| / "
                 "L_k\n";
     }
-    if (cases > 0 || hasFactors(predictor)) {
+    if (needsCoordinates(predictor)) {
         for (std::size_t k = 0; k < coordinates; ++k) {
             text += "  " + symbol("u", k) + " = " + scaledInput(predictor.coordinates[k]) + ", " +
                     symbol("x", k) + " = 2 " + symbol("u", k) + " - 1\n";

@@ -179,14 +179,9 @@ void ModelSheets::writeModel()
 
     const PointFormulas formulas(model, {firstInput, firstStep});
     writeHeadings(ModelSheet, headingRow, formulas, firstStep);
-    std::vector<double*> columns;
-    for (double& coordinate : point) {
-        columns.push_back(&coordinate);
-    }
-    std::vector<double> results(outputs);
+    std::vector<double> results;
     for (std::size_t k = 0; k < outputs; ++k) {
-        std::vector<double*> result = {&results[k]};
-        model.predictor()->interpolateDependentValues(columns, {static_cast<int>(k)}, result, 1);
+        results.push_back(predictionsAt(model, k, {point})[0]);
     }
     writePoint(ModelSheet, pointRow, formulas, firstStep, point, results);
     file.columnWidths(ModelSheet, 0, 0, 22.0);

@@ -237,25 +237,14 @@ void checkPredictions(const Part& check, const ExportedModel& model)
     check.member("tolerances")
         .require(tolerances.size() == model.outputs.size(), "a list for each output");
 
-    std::vector<std::vector<double>> columns(model.inputs.size());
+    std::vector<std::vector<double>> coordinates;
     for (const Part& point : points) {
-        const std::vector<double> coordinates = point.numbers(model.inputs.size());
-        for (std::size_t k = 0; k < columns.size(); ++k) {
-            columns[k].push_back(coordinates[k]);
-        }
+        coordinates.push_back(point.numbers(model.inputs.size()));
     }
-    std::vector<double*> inputs;
-    for (std::vector<double>& column : columns) {
-        inputs.push_back(column.data());
-    }
-    const auto predictor = model.predictor();
     for (std::size_t output = 0; output < model.outputs.size(); ++output) {
         const std::vector<double> expected = values[output].numbers(points.size());
         const std::vector<double> allowed = tolerances[output].numbers(points.size());
-        std::vector<double> predicted(points.size());
-        std::vector<double*> results = {predicted.data()};
-        predictor->interpolateDependentValues(inputs, {static_cast<int>(output)}, results,
-                                              points.size());
+        const std::vector<double> predicted = predictionsAt(model, output, coordinates);
         for (std::size_t i = 0; i < points.size(); ++i) {
             if (!(std::fabs(predicted[i] - expected[i]) <= allowed[i])) {
                 fail("its self-check fails: \"" + model.outputs[output].name + "\" comes out as " +

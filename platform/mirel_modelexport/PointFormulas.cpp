@@ -145,10 +145,9 @@ std::string PointFormulas::polynomial(const Description& predictor)
 std::string PointFormulas::kriging(const Description& predictor, std::size_t output)
 {
     const bool hasCases = !predictor.weights.empty();
-    const bool hasSlopes = hasFactors(predictor);
     std::vector<std::size_t> u;
     for (const Description::Coordinate& coordinate : predictor.coordinates) {
-        u.push_back(hasCases || hasSlopes ? addCoordinate(coordinate, true) : 0);
+        u.push_back(needsCoordinates(predictor) ? addCoordinate(coordinate, true) : 0);
     }
     std::string sum = trend(predictor, u);
     if (hasCases) {

@@ -187,7 +187,7 @@ std::string kriging(const Description& predictor, std::size_t output)
 
     text += "\n\ndef _output_" + number + "(inputs):\n";
     const bool hasSlopes = hasFactors(predictor);
-    if (hasSlopes || !predictor.weights.empty()) {
+    if (needsCoordinates(predictor)) {
         text += "    u = " + coordinateTuple(predictor) + "\n";
     }
     text += hasSlopes ? "    x = [2.0 * value - 1.0 for value in u]\n" : "";

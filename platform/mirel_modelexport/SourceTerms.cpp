@@ -67,6 +67,11 @@ bool hasFactors(const PredictorDescription& predictor)
                        [](const Term& term) { return term.first != noFactor; });
 }
 
+bool needsCoordinates(const PredictorDescription& predictor)
+{
+    return !predictor.weights.empty() || hasFactors(predictor);
+}
+
 bool hasCorrelation(const ExportedModel& model)
 {
     return std::any_of(model.outputs.begin(), model.outputs.end(),

@@ -26,6 +26,9 @@ std::string outputOf(OutputTransform transform, const std::string& expression,
 /** Whether any term has a factor, so that the coordinates are needed for the polynomial. */
 bool hasFactors(const PredictorDescription& predictor);
 
+/** Whether the coordinates are needed for a prediction. */
+bool needsCoordinates(const PredictorDescription& predictor);
+
 /** Whether any output is predicted by correlations with the cases. */
 bool hasCorrelation(const ExportedModel& model);
 

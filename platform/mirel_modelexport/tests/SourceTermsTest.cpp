@@ -46,6 +46,10 @@ TEST(SourceTerms, HaveNoFactorsInAConstant)
     EXPECT_FALSE(hasFactors(constant));
     EXPECT_TRUE(nestedTerms(constant).empty());
     EXPECT_TRUE(hasFactors(someTerms()));
+    EXPECT_FALSE(needsCoordinates(constant));
+    EXPECT_TRUE(needsCoordinates(someTerms()));
+    constant.weights = {1.0};
+    EXPECT_TRUE(needsCoordinates(constant));
 }
 
 TEST(SourceTerms, AreCorrelatedWithCasesIfAnyOutputHasThem)
