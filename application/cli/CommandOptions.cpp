@@ -15,6 +15,7 @@
 #include <charconv>
 #include <functional>
 #include <map>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -61,15 +62,20 @@ void addList(CLI::App& command, const std::string& name, const std::string& desc
     command.add_option(name, values, description)->type_name(type)->allow_extra_args(false);
 }
 
+/** A value that is one of these words. @param wanted the words in a sentence. */
 template <typename T>
-T oneOf(const std::string& option, const std::string& word, const std::string& wanted,
-        const std::map<std::string, T>& meanings)
+void addWord(CLI::App& command, const std::string& name, const std::string& description,
+             const std::string& type, const std::string& wanted,
+             const std::map<std::string, T>& meanings, std::optional<T>& value)
 {
-    const auto found = meanings.find(word);
-    if (found == meanings.end()) {
-        throw UsageError(option + " needs " + wanted + ", not \"" + word + "\".");
-    }
-    return found->second;
+    const std::string option = name.substr(0, name.find(','));
+    addValue(command, name, description, type, [=, &value](const std::string& word) {
+        const auto found = meanings.find(word);
+        if (found == meanings.end()) {
+            throw UsageError(option + " needs " + wanted + ", not \"" + word + "\".");
+        }
+        value = found->second;
+    });
 }
 
 double percentageOf(const std::string& word)
@@ -87,27 +93,23 @@ double percentageOf(const std::string& word)
 void addReading(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Cases");
-    addValue(command, "--separator",
-             "comma, semicolon or tab, for all tables read;\nrecognised if absent", "S",
-             [&line](const std::string& word) {
-                 line.reading.separator =
-                     oneOf<char>("--separator", word, "comma, semicolon or tab",
-                                 {{"comma", ','},
-                                  {",", ','},
-                                  {"semicolon", ';'},
-                                  {";", ';'},
-                                  {"tab", '\t'},
-                                  {"\t", '\t'},
-                                  {"\\t", '\t'}});
-             });
-    addValue(command, "--decimal",
-             "point or comma, for all tables read; recognised if absent.\n"
-             "Numbers can have decimal commas only where semicolons or\ntabs separate",
-             "M", [&line](const std::string& word) {
-                 line.reading.decimalMark = oneOf<CellValue::DecimalMark>(
-                     "--decimal", word, "point or comma",
-                     {{"point", CellValue::Point}, {"comma", CellValue::Comma}});
-             });
+    addWord<char>(command, "--separator",
+                  "comma, semicolon or tab, for all tables read;\nrecognised if absent", "S",
+                  "comma, semicolon or tab",
+                  {{"comma", ','},
+                   {",", ','},
+                   {"semicolon", ';'},
+                   {";", ';'},
+                   {"tab", '\t'},
+                   {"\t", '\t'},
+                   {"\\t", '\t'}},
+                  line.reading.separator);
+    addWord<CellValue::DecimalMark>(
+        command, "--decimal",
+        "point or comma, for all tables read; recognised if absent.\n"
+        "Numbers can have decimal commas only where semicolons or\ntabs separate",
+        "M", "point or comma", {{"point", CellValue::Point}, {"comma", CellValue::Comma}},
+        line.reading.decimalMark);
 }
 
 void addChoices(CLI::App& command, CommandLine& line)
@@ -152,42 +154,37 @@ void addChoices(CLI::App& command, CommandLine& line)
 void addModel(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Model");
-    addValue(command, "-m,--model", "response-surface (default) or kriging", "M",
-             [&line](const std::string& word) {
-                 line.choices.model = oneOf<CaseSession::ModelType>(
-                     "-m", word, "response-surface or kriging",
-                     {{"response-surface", CaseSession::ResponseSurface},
-                      {"kriging", CaseSession::Kriging}});
-             });
+    addWord<CaseSession::ModelType>(
+        command, "-m,--model", "response-surface (default) or kriging", "M",
+        "response-surface or kriging",
+        {{"response-surface", CaseSession::ResponseSurface}, {"kriging", CaseSession::Kriging}},
+        line.choices.model);
 }
 
 void addTerms(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Model");
-    addValue(command, "--terms",
-             "the polynomial of a response surface: linear, interactions\n"
-             "(these and the products of two inputs) or quadratic (these\n"
-             "and the squares, the default)",
-             "T", [&line](const std::string& word) {
-                 line.choices.terms = termsOfWord(word);
-                 if (!line.choices.terms) {
-                     throw UsageError("--terms needs linear, interactions or quadratic, not \"" +
-                                      word + "\".");
-                 }
-             });
-    addValue(command, "--transform",
-             "which transform of outputs that are positive in all cases is\n"
-             "modelled: none, sqrt, log, or auto (what describes the cases\n"
-             "best). Without it auto for kriging, none for a response\n"
-             "surface",
-             "T", [&line](const std::string& word) {
-                 line.choices.transform =
-                     oneOf<TransformSetting>("--transform", word, "auto, none, sqrt or log",
-                                             {{"auto", TransformSetting::Automatic},
-                                              {"none", TransformSetting::None},
-                                              {"sqrt", TransformSetting::SquareRoot},
-                                              {"log", TransformSetting::Logarithm}});
-             });
+    addWord<PolynomialTerms>(
+        command, "--terms",
+        "the polynomial of a response surface: linear, interactions\n"
+        "(these and the products of two inputs) or quadratic (these\n"
+        "and the squares, the default)",
+        "T", "linear, interactions or quadratic",
+        {{termsWord(PolynomialTerms::Linear), PolynomialTerms::Linear},
+         {termsWord(PolynomialTerms::Interactions), PolynomialTerms::Interactions},
+         {termsWord(PolynomialTerms::Quadratic), PolynomialTerms::Quadratic}},
+        line.choices.terms);
+    addWord<TransformSetting>(command, "--transform",
+                              "which transform of outputs that are positive in all cases is\n"
+                              "modelled: none, sqrt, log, or auto (what describes the cases\n"
+                              "best). Without it auto for kriging, none for a response\n"
+                              "surface",
+                              "T", "auto, none, sqrt or log",
+                              {{"auto", TransformSetting::Automatic},
+                               {"none", TransformSetting::None},
+                               {"sqrt", TransformSetting::SquareRoot},
+                               {"log", TransformSetting::Logarithm}},
+                              line.choices.transform);
     const auto flag = [&](const char* name, ResponseSurfaceOptions::Selection terms,
                           const char* description) {
         return command.add_flag_function(

@@ -11,14 +11,3 @@ const char* termsWord(PolynomialTerms terms)
         return "quadratic";
     }
 }
-
-std::optional<PolynomialTerms> termsOfWord(const std::string& word)
-{
-    for (const PolynomialTerms terms :
-         {PolynomialTerms::Linear, PolynomialTerms::Interactions, PolynomialTerms::Quadratic}) {
-        if (word == termsWord(terms)) {
-            return terms;
-        }
-    }
-    return std::nullopt;
-}
