@@ -183,6 +183,19 @@ TEST(TransformedOutput, TransformsTheEndsOfIntervalsBack)
     }
 }
 
+TEST(TransformedOutput, HasTheQuantilesAndTheCalibrationOfTheTransform)
+{
+    const TransformedOutput model = modelOf(casesOf(overDecades, 0.1), {}, responseSurface);
+    const int inside = model.innerOffset(0);
+
+    EXPECT_EQ(model.intervalQuantile(0, 0.8), model.inner().intervalQuantile(inside, 0.8));
+    EXPECT_EQ(model.confidenceQuantile(0, 0.8), model.inner().confidenceQuantile(inside, 0.8));
+    EXPECT_NE(model.confidenceQuantile(0, 0.8), model.intervalQuantile(0, 0.8));
+    EXPECT_EQ(model.calibrationReport(0).basis, CalibrationReport::Basis::LeaveOneOut);
+    EXPECT_EQ(model.calibrationReport(0).shares[1].held,
+              model.inner().calibrationReport(inside).shares[1].held);
+}
+
 TEST(TransformedOutput, HasStandardErrorsInTheOutputsUnit)
 {
     const TransformedOutput model = modelOf(casesOf(overDecades, 0.1));
