@@ -19,9 +19,9 @@ struct KrigingOptions
     std::vector<double> correlationLengths;
     /**
      * Highest order of the trend: 0 constant, 1 linear, 2 full quadratic. Lowered when cases are
-     * too few, or fewer than 20 per term and leave-one-out errors and the corrected Akaike
-     * criterion do not show that the higher order predicts better (not with fixed lengths); terms
-     * that the cases cannot separate are dropped; all reported in the warnings.
+     * too few, and to a constant when they are fewer than 15 per term and show no noise (not with
+     * fixed lengths); terms that the cases cannot separate are dropped; all reported in the
+     * warnings.
      */
     int trendOrder = 1;
     /** Where the search starts, as a fraction of each input's range; positive. */

@@ -16,3 +16,15 @@ int KrigingReport::LeftOutCase::digits(int fewest) const
     const double commonDigits = std::ceil(std::log10(size) - std::log10(difference));
     return std::clamp(digitsOfDifference + static_cast<int>(commonDigits), fewest, maxDigits);
 }
+
+std::string KrigingReport::criterionText() const
+{
+    switch (criterion) {
+    case Criterion::RestrictedLikelihood:
+        return "restricted likelihood";
+    case Criterion::PenalisedRestrictedLikelihood:
+        return "restricted likelihood, penalised lengths";
+    default:
+        return "none";
+    }
+}

@@ -18,7 +18,8 @@ struct KrigingReport
         Lower, ///< the output changes faster along the input than the cases can show
         Upper, ///< no influence of the input beyond the trend
     };
-    /** One per input: where its estimated length ended; None for a fixed one. */
+    /** One per input: where its estimated length ended; None for a fixed one. Upper also where a
+     *  length short of the upper bound is as likely as the bound. */
     std::vector<Bound> lengthBounds;
     double nugget = 0.0; ///< relative to the process variance
     /** Upper: beyond the trend the cases show no correlation. Never Lower. */
@@ -27,9 +28,24 @@ struct KrigingReport
     /** Standard deviation of the noise that the nugget stands for, in the output's unit; 0 where
      * the nugget only keeps the factorisation sound and the model interpolates. */
     double noiseDeviation = 0.0;
+    /** n - p, by which the sum of squares was divided for the process variance: n as below, p the
+     *  number of trend terms; 0 where no variance is estimated. */
+    double degreesOfFreedom = 0.0;
+    enum class Criterion
+    {
+        None,                          ///< nothing was estimated but the trend and the variance
+        RestrictedLikelihood,          ///< the nugget was
+        PenalisedRestrictedLikelihood, ///< the lengths were, with a weak prior
+    };
+    /** What was maximised to estimate lengths and nugget. */
+    Criterion criterion = Criterion::None;
+    /** In words: "restricted likelihood, penalised lengths" and the like. */
+    MIREL_FITTING_EXPORT std::string criterionText() const;
     /**
-     * -(n ln(2 pi s2) + ln det R + n) / 2 in the output's units: s2 the process variance, R the
-     * correlation matrix with the nugget on its diagonal, n its order. n is the number of cases,
+     * The restricted log-likelihood, without the prior of the lengths, in the output's units:
+     * -((n - p) (ln(2 pi s2) + 1) + ln det R + ln det(F' R^-1 F) - ln det(F' F)) / 2 with the
+     * process variance s2, the correlation matrix R with the nugget on its diagonal, the trend's
+     * terms F. n is the number of cases,
      * exact copies counted once unless other cases with the same inputs differ; where the latter
      * are averaged, n is the number of distinct points. Infinite where s2 is 0: the output is
      * constant, or the trend passes through all cases. NaN for more than 10 000 distinct cases,
@@ -37,10 +53,10 @@ struct KrigingReport
      */
     double logLikelihood = std::numeric_limits<double>::quiet_NaN();
     /**
-     * Log-likelihood of the second best maximum that the search found; NaN if there is none. Two
-     * ends of a flat ridge, between which the log-likelihood dips by less than 0.25, count as one
-     * maximum. Where a subset of the cases was searched, the difference of the two is extrapolated
-     * in proportion to the number of cases.
+     * logLikelihood minus the distance, by the criterion, of the second best maximum that the
+     * search found; NaN if there is none. Two ends of a flat ridge, between which the criterion
+     * dips by less than 0.25, count as one maximum. Where a subset of the cases was searched, the
+     * distance is extrapolated in proportion to the number of cases.
      */
     double secondLogLikelihood = std::numeric_limits<double>::quiet_NaN();
     /** Condition number of the correlation matrix with its nugget, estimated in the 1-norm; NaN for

@@ -8,9 +8,9 @@
 
 /**
  * Universal Kriging with a tensor-product Matern 5/2 correlation, one length per input, estimated
- * by maximum likelihood. Each output is fitted once, when it is first used.
- * Stein: Interpolation of Spatial Data, Springer 1999; Santner, Williams, Notz: The Design and
- * Analysis of Computer Experiments, 2nd ed., Springer 2018, ch. 3.
+ * by restricted maximum likelihood with a weak prior of the lengths. Each output is fitted once,
+ * when it is first used. Stein: Interpolation of Spatial Data, Springer 1999; Santner, Williams,
+ * Notz: The Design and Analysis of Computer Experiments, 2nd ed., Springer 2018, ch. 3.
  *
  * Exact copies of a case count once. Replicates, cases with the same inputs and different outputs,
  * are smoothed by the nugget, and exact copies then count as measurements like the others; they are

@@ -45,6 +45,18 @@ const char* boundName(KrigingReport::Bound bound)
     }
 }
 
+const char* criterionName(KrigingReport::Criterion criterion)
+{
+    switch (criterion) {
+    case KrigingReport::Criterion::RestrictedLikelihood:
+        return "restrictedLikelihood";
+    case KrigingReport::Criterion::PenalisedRestrictedLikelihood:
+        return "penalisedRestrictedLikelihood";
+    default:
+        return "none";
+    }
+}
+
 KrigingReport::Bound lengthBound(const KrigingReport& report, std::size_t input)
 {
     return input < report.lengthBounds.size() ? report.lengthBounds[input]
@@ -55,6 +67,11 @@ std::string boundText(KrigingReport::Bound bound)
 {
     const std::string name = boundName(bound);
     return name == "none" ? "" : " (at its " + name + " bound)";
+}
+
+std::string lengthText(KrigingReport::Bound bound)
+{
+    return bound == KrigingReport::Bound::Upper ? " (no influence)" : boundText(bound);
 }
 
 Json krigingJson(const KrigingReport& report)
@@ -74,6 +91,7 @@ Json krigingJson(const KrigingReport& report)
             {"nuggetBound", boundName(report.nuggetBound)},
             {"noiseDeviation", report.noiseDeviation},
             {"processVariance", report.processVariance},
+            {"criterion", criterionName(report.criterion)},
             {"logLikelihood", report.logLikelihood},
             {"secondLogLikelihood", report.secondLogLikelihood},
             {"condition", report.condition},
@@ -192,6 +210,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     Figures figures = {{"RMSE at the cases", shownNumber(metrics.rmse)},
                        {"leave-one-out RMSE", shownNumber(metrics.looRmse)},
                        {"Q2", shownNumber(metrics.q2)}};
+    figures.emplace_back("criterion", report.criterionText());
     if (!std::isnan(report.logLikelihood)) {
         figures.emplace_back("log-likelihood", shownNumber(report.logLikelihood));
     }
@@ -209,7 +228,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
         figures.emplace_back("correlation length of " + inputs[i],
                              shownNumber(report.correlationLengths[i]) +
-                                 boundText(lengthBound(report, i)));
+                                 lengthText(lengthBound(report, i)));
     }
     for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
         constexpr int fewestDigits = 6;

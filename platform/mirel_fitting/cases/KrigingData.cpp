@@ -1,7 +1,11 @@
 #include <mirel_fitting/cases/KrigingData.h>
 
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
+
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -35,6 +39,21 @@ void KrigingData::averageReplicates()
 {
     replicates.assign(cases, 1.0);
     withinSquares.assign(cases, 0.0);
+}
+
+void KrigingData::dropDependentTerms()
+{
+    const SingleThreadedBlas singleThreaded;
+    OrthonormalColumns orthonormal(cases, terms);
+    std::vector<double> kept;
+    for (std::size_t t = 0; t < terms; ++t) {
+        const double* column = trend.data() + t * cases;
+        if (orthonormal.append(column, OrthonormalColumns::independent)) {
+            kept.insert(kept.end(), column, column + cases);
+        }
+    }
+    terms = orthonormal.size();
+    trend = std::move(kept);
 }
 
 KrigingData KrigingData::subset(const std::vector<std::size_t>& indices) const

@@ -28,6 +28,9 @@ struct KrigingData
     /** The mean of replicates becomes a single case like any other. */
     void averageReplicates();
 
+    /** Drops trend terms that are linear combinations of earlier ones at these cases. */
+    void dropDependentTerms();
+
     /** The cases of these indices, in this order. */
     KrigingData subset(const std::vector<std::size_t>& indices) const;
 };

@@ -11,7 +11,7 @@ OrthonormalColumns::OrthonormalColumns(std::size_t rows, std::size_t maxColumns)
     columns.reserve(rows * maxColumns);
 }
 
-bool OrthonormalColumns::append(const double* column, double independent)
+bool OrthonormalColumns::append(const double* column, double smallestShare)
 {
     const int order = static_cast<int>(rows);
     const std::size_t first = columns.size();
@@ -21,7 +21,7 @@ bool OrthonormalColumns::append(const double* column, double independent)
     const double whole = cblas_dnrm2(order, rest, 1);
     project(rest, parts);
     const double length = cblas_dnrm2(order, rest, 1);
-    if (!(length > independent * whole) || !std::isfinite(length)) {
+    if (!(length > smallestShare * whole) || !std::isfinite(length)) {
         columns.resize(first);
         std::fill_n(parts, taken, 0.0);
         return false;
@@ -54,4 +54,13 @@ std::vector<double> OrthonormalColumns::solve(double* values) const
     cblas_dtrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasNonUnit, static_cast<int>(taken),
                 factors.data(), static_cast<int>(stride), coefficients.data(), 1);
     return coefficients;
+}
+
+double OrthonormalColumns::logDeterminant() const
+{
+    double sum = 0.0;
+    for (std::size_t j = 0; j < taken; ++j) {
+        sum += 2.0 * std::log(factors[j * stride + j]);
+    }
+    return sum;
 }

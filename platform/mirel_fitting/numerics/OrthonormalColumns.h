@@ -14,20 +14,26 @@
 class OrthonormalColumns
 {
 public:
+    /** For append(): a smaller part orthogonal to the other columns is rounding. */
+    static constexpr double independent = 1e-9;
+
     OrthonormalColumns(std::size_t rows, std::size_t maxColumns);
 
     /**
      * Takes the next column of F.
-     * @param independent share of the column's length that has to be orthogonal to the others.
+     * @param smallestShare of the column's length that has to be orthogonal to the others.
      * @return false if it is not, or not finite: then the column is not taken.
      */
-    bool append(const double* column, double independent = 0.0);
+    bool append(const double* column, double smallestShare = 0.0);
 
     std::size_t size() const { return taken; }
     /** Q by columns, rows x size(). */
     const std::vector<double>& values() const { return columns; }
     /** T by columns of maxColumns elements. */
     const std::vector<double>& triangle() const { return factors; }
+
+    /** Of F' F; F may be any matrix with this T. */
+    double logDeterminant() const;
 
     /** The residuals of least squares take the place of `values`. @return the coefficients of F. */
     std::vector<double> solve(double* values) const;

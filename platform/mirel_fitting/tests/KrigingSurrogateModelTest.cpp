@@ -334,8 +334,9 @@ TEST(KrigingSurrogateModel, WritesItsQualityLineByLine)
               "RMSE: 1\n"
               "Leave-one-out RMSE: 2\n"
               "Q2: -3\n"
-              "Log-likelihood: -2.8378771\n" // -(2 ln(2 pi) + 2) / 2
-              "Process variance: 1\n"
+              "Criterion: none\n"
+              "Log-likelihood: -1.7655121\n" // -(2 ln(2 pi) + 2) / 2
+              "Process variance: 2\n"
               "Nugget (relative to the process variance): 0\n"
               "Trend: constant, 4\n"
               "Correlation length of V1: inf\n"
@@ -371,7 +372,7 @@ TEST(KrigingSurrogateModel, PredictsGridsLikeTheirPointsOneByOne)
                 if (isDamaged && i == 123) {
                     EXPECT_TRUE(std::isnan(found));
                 } else {
-                    ASSERT_NEAR(found, alone, 1e-9) << i;
+                    ASSERT_NEAR(found, alone, 1e-8) << i;
                 }
             }
         }

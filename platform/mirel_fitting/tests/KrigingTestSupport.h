@@ -136,15 +136,19 @@ public:
 
         Matrix normal(p, Vector(p, 0.0L));
         Matrix normalRight(p, Vector(1, 0.0L));
+        Matrix plain(p, Vector(p, 0.0L)); // F' F of the rows
         for (std::size_t a = 0; a < p; ++a) {
             for (std::size_t i = 0; i < n; ++i) {
                 for (std::size_t b = 0; b < p; ++b) {
                     normal[a][b] += trend[i][a] * right[i][b];
+                    plain[a][b] += static_cast<Real>(replicates[i]) * trend[i][a] * trend[i][b];
                 }
                 normalRight[a][0] += trend[i][a] * right[i][p];
             }
         }
-        eliminate(normal, normalRight);
+        const Real logWeighted = eliminate(normal, normalRight);
+        Matrix none(p, Vector(1, 0.0L));
+        const Real logPlain = eliminate(plain, none);
         variance = 0.0L;
         for (std::size_t a = 0; a < p; ++a) {
             coefficients.push_back(normalRight[a][0]);
@@ -157,11 +161,11 @@ public:
                 residual -= trend[i][a] * coefficients[a];
             }
             weights.push_back(weight);
-            variance += residual * weight / static_cast<Real>(n);
+            variance += residual * weight / static_cast<Real>(n - p);
         }
         const Real twoPi = 2.0L * std::acos(-1.0L);
-        logLikelihood = -0.5L * (static_cast<Real>(n) * std::log(twoPi * variance) +
-                                 logDeterminant + static_cast<Real>(n));
+        logLikelihood = -0.5L * (static_cast<Real>(n - p) * (std::log(twoPi * variance) + 1.0L) +
+                                 logDeterminant + logWeighted - logPlain);
     }
 
     Real predict(const Vector& point, const Vector& trendTerms) const

@@ -134,9 +134,9 @@ TEST(KrigingUncertainty, OfAMeanIsTheStandardErrorOfTheMean)
     const KrigingSurrogateModel model =
         KrigingArguments().model({{2.0, 2.0, 2.0, 2.0}}, {{1.0, 3.0, 1.0, 3.0}});
 
-    // The variance is estimated by maximum likelihood: 1.
-    EXPECT_DOUBLE_EQ(standardErrors(model, points)[0], 0.5);
-    EXPECT_DOUBLE_EQ(standardErrors(model, points, Kind::Observation)[1], std::sqrt(1.25));
+    // The variance of the four, with three degrees of freedom, is 4 / 3.
+    EXPECT_DOUBLE_EQ(standardErrors(model, points)[0], std::sqrt(1.0 / 3.0));
+    EXPECT_DOUBLE_EQ(standardErrors(model, points, Kind::Observation)[1], std::sqrt(5.0 / 3.0));
 }
 
 TEST(KrigingUncertainty, IsZeroForOneCaseAndForAConstant)

@@ -279,7 +279,8 @@ TEST_P(SurrogateModelInterfaceOf, GivesNaNAtPointsThatAreNotFiniteOnly)
         if (k == 3 || k == 300 || k == 1099) {
             EXPECT_TRUE(std::isnan(values[k])) << k;
         } else {
-            EXPECT_EQ(values[k], usual) << k;
+            // Whole columns are predicted as a grid, whose sums round in another way.
+            EXPECT_NEAR(values[k], usual, 1e-9) << k;
         }
     }
 }

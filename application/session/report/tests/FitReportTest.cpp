@@ -61,17 +61,17 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
 
 TEST(FitReport, OfKrigingAsJsonHasItsParameters)
 {
-    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+    CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::Kriging);
 
     const Json json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_EQ(json["model"], "kriging");
     const Json& output = json["outputs"][0];
-    EXPECT_EQ(
-        keysOf(output),
-        (Keys{"calibration", "condition", "correlationLengths", "lengthBounds", "logLikelihood",
-              "metrics", "name", "noiseDeviation", "nugget", "nuggetBound", "processVariance",
-              "secondLogLikelihood", "transform", "trend", "warnings", "worstCases"}));
+    EXPECT_EQ(keysOf(output),
+              (Keys{"calibration", "condition", "correlationLengths", "criterion", "lengthBounds",
+                    "logLikelihood", "metrics", "name", "noiseDeviation", "nugget", "nuggetBound",
+                    "processVariance", "secondLogLikelihood", "transform", "trend", "warnings",
+                    "worstCases"}));
     EXPECT_EQ(output["lengthBounds"].size(), 2u);
     EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
@@ -190,7 +190,7 @@ TEST(FitReport, TextHasMetricsAndModel)
 
 TEST(FitReport, OfKrigingNamesTheInputOfEachLength)
 {
-    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+    CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::Kriging);
 
     const std::string text = FitReport::text(session);
 

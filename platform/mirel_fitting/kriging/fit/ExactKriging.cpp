@@ -22,8 +22,8 @@ bool removeNugget(const KrigingFitInput& input, const KrigingSearchResult& found
         found.parameters.nugget > SearchPolicy().soundNugget) {
         return false;
     }
-    likelihood.refineWithoutNugget();
-    const std::vector<double> residuals = likelihood.residuals();
+    likelihood.equations().refineWithoutNugget();
+    const std::vector<double> residuals = likelihood.equations().residuals();
     double squares = 0.0;
     for (const double residual : residuals) {
         squares += residual * residual;
@@ -47,6 +47,6 @@ ExactKriging::ExactKriging(const KrigingFitInput& input, std::shared_ptr<const K
         std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
     correlation->setLengths(parameters.lengths);
     model.correlation = std::move(correlation);
-    model.coefficients = likelihood.coefficients();
-    model.weights = likelihood.weights();
+    model.coefficients = likelihood.equations().coefficients();
+    model.weights = likelihood.equations().weights();
 }

@@ -1,11 +1,10 @@
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
-#include <mirel_fitting/kriging/search/KrigingTrendChoice.h>
 
-#include <cmath>
 #include <numeric>
 #include <utility>
 
@@ -32,11 +31,8 @@ void KrigingEstimate::search()
     if (usesSubset(sizes, allCases->cases)) {
         found = KrigingSubsetSearch::run(allCases, chosenTrend->order(), input.searchSettings(),
                                          sizes.searched, refinements());
-    } else if (input.options.correlationLengths.empty() &&
-               KrigingTrendChoice::isNeeded(*chosenTrend, *allCases)) {
-        searchWithTrends();
     } else {
-        found = KrigingSearch::run(allCases, input.searchSettings());
+        searchWithAll();
     }
 }
 
@@ -56,24 +52,30 @@ int KrigingEstimate::refinements() const
     return allCases->cases > sizes.maxRefinedTwice ? 1 : 2;
 }
 
-void KrigingEstimate::searchWithTrends()
+/** With few cases per term the trend becomes constant unless there is noise. */
+void KrigingEstimate::searchWithAll()
 {
-    const int highest = chosenTrend->order();
-    const KrigingTrendChoice::Result choice =
-        KrigingTrendChoice::run(allCases, chosenTrend, input.searchSettings());
-    chosenTrend = choice.trend;
-    allCases = choice.data;
-    found = choice.found;
-    if (chosenTrend->order() < highest) {
-        const double rows = allCases->rowCount();
-        const auto inUnits = [&](KrigingTrendChoice::Quality quality) {
-            quality.akaike += 2.0 * rows * std::log(input.scale.scale);
-            quality.leaveOneOutError *= input.scale.scale;
-            return quality;
-        };
-        lowered = {highest, chosenTrend->order(), inUnits(choice.quality),
-                   inUnits(choice.qualityOfHighest)};
+    constexpr double first = 0.5; // of the work, if there is a second search
+
+    const KrigingSearchSettings settings = input.searchSettings();
+    const SearchPolicy& policy = settings.policy;
+    const bool areFewCases = input.options.correlationLengths.empty() && chosenTrend->order() > 0 &&
+                             allCases->cases < policy.casesPerTerm * chosenTrend->size();
+    {
+        const FitProgress::Portion portion(0.0, areFewCases ? first : 1.0);
+        found = KrigingSearch::run(allCases, settings);
     }
+    if (!areFewCases || found.parameters.nugget > settings.leastNugget()) {
+        return;
+    }
+    const FitProgress::Portion portion(first, 1.0);
+    const std::size_t otherParameters = allCases->inputs + 1;
+    loweredFrom = chosenTrend->order();
+    chosenTrend = std::make_shared<KrigingTrend>(allCases->cases, allCases->inputs,
+                                                 allCases->coordinates, 0, otherParameters);
+    allCases->terms = chosenTrend->size();
+    allCases->trend = chosenTrend->matrix();
+    found = KrigingSearch::run(allCases, settings);
 }
 
 void KrigingEstimate::warn(KrigingFit& fit) const
@@ -84,7 +86,11 @@ void KrigingEstimate::warn(KrigingFit& fit) const
         fit.warnings.push_back(
             KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
-    input.warnOfTrend(*chosenTrend, allCases->cases, fit, lowered);
+    if (loweredFrom > 0) {
+        fit.warnings.push_back(KrigingWarnings::ofSmoothOutput(loweredFrom, allCases->cases));
+    } else {
+        input.warnOfTrend(*chosenTrend, allCases->cases, fit);
+    }
     if (found.isNuggetRaised) {
         fit.warnings.push_back(KrigingWarnings::ofRaisedNugget(found.parameters.nugget));
     }

@@ -2,18 +2,16 @@
 
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 #include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 /**
- * Trend, correlation lengths and nugget of greatest likelihood, for cases that one correlation
- * matrix can hold. Of many of these, lengths and nugget come from a subset.
+ * Trend, correlation lengths and nugget by the criterion of KrigingObjective, for cases that one
+ * correlation matrix can hold. Of many of these, lengths and nugget come from a subset.
  */
 class KrigingEstimate
 {
@@ -21,7 +19,8 @@ public:
     /**
      * Reports to FitProgress.
      * @param input is borrowed for life.
-     * @param trend of the highest order; one of a lower order is chosen where that predicts better.
+     * @param trend of the highest order; becomes constant where cases are few and the output is
+     *              smooth.
      * @param data  all cases, with the terms of `trend`; may be changed.
      * @throw SurrogateModelInterface::Error like KrigingSearch::run().
      */
@@ -52,12 +51,12 @@ public:
 
 private:
     void search();
-    void searchWithTrends();
+    void searchWithAll();
     int refinements() const;
 
     const KrigingFitInput& input;
     std::shared_ptr<const KrigingTrend> chosenTrend;
     std::shared_ptr<KrigingData> allCases;
-    std::optional<KrigingWarnings::Lowered> lowered;
+    int loweredFrom = 0; // order of the trend; 0: it was not lowered
     KrigingSearchResult found;
 };

@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -38,12 +40,10 @@ std::shared_ptr<const KrigingTrend> KrigingFitInput::addTrend(KrigingData& data)
     return trend;
 }
 
-void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct, KrigingFit& fit,
-                                  const std::optional<KrigingWarnings::Lowered>& lowered) const
+void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct,
+                                  KrigingFit& fit) const
 {
-    if (lowered) {
-        fit.warnings.push_back(KrigingWarnings::ofLoweredTrend(*lowered, distinct));
-    } else if (trend.order() < options.trendOrder) {
+    if (trend.order() < options.trendOrder) {
         fit.warnings.push_back(
             KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
     }

@@ -4,7 +4,6 @@
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/fit/KrigingFit.h>
 #include <mirel_fitting/kriging/fit/KrigingFitReport.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/fit/OutputScale.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 #include <mirel_fitting/kriging/prediction/FittedKriging.h>
@@ -12,7 +11,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,10 +35,8 @@ struct KrigingFitInput
     std::shared_ptr<const KrigingTrend> addTrend(KrigingData& data) const;
 
     /** Adds to `fit` why the trend has a lower order, and which terms it lacks.
-     *  @param distinct number of cases that the trend was chosen for.
-     *  @param lowered  if the order was lowered since a higher one does not predict better. */
-    void warnOfTrend(const KrigingTrend& trend, std::size_t distinct, KrigingFit& fit,
-                     const std::optional<KrigingWarnings::Lowered>& lowered = {}) const;
+     *  @param distinct number of cases that the trend was chosen for. */
+    void warnOfTrend(const KrigingTrend& trend, std::size_t distinct, KrigingFit& fit) const;
 
     /** A model without coefficients, weights and variance. */
     FittedKriging emptyModel(std::shared_ptr<const KrigingTrend> trend,

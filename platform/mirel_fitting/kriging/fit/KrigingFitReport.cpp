@@ -49,26 +49,29 @@ void KrigingFitReport::addCorrelation(KrigingFit& fit, const KrigingSearchResult
     fit.report.processVariance = model.processVariance * outputScale.scale * outputScale.scale;
     fit.report.noiseDeviation = outputScale.scale * std::sqrt(noiseShare(model));
     fit.report.condition = condition;
+    fit.report.degreesOfFreedom = model.data->rowCount() - static_cast<double>(model.trend->size());
+    fit.report.criterion = found.criterion;
 }
 
-void KrigingFitReport::addLikelihood(KrigingFit& fit, const KrigingSearchResult& found,
-                                     double rows) const
+void KrigingFitReport::addLikelihood(KrigingFit& fit, const KrigingSearchResult& found) const
 {
-    const double ofUnit = rows * std::log(outputScale.scale);
+    const double ofUnit = fit.report.degreesOfFreedom * std::log(outputScale.scale);
     fit.report.logLikelihood = found.logLikelihood - ofUnit;
     if (!std::isinf(found.secondLogLikelihood)) {
         fit.report.secondLogLikelihood = found.secondLogLikelihood - ofUnit;
     }
 }
 
-void KrigingFitReport::addIndependence(KrigingFit& fit, double variance, std::size_t cases) const
+void KrigingFitReport::addIndependence(KrigingFit& fit, double variance,
+                                       double degreesOfFreedom) const
 {
-    const auto n = static_cast<double>(cases);
-    fit.report.correlationLengths.assign(this->cases.inputCount(), infinity);
+    fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     fit.report.processVariance = variance * outputScale.scale * outputScale.scale;
-    fit.report.logLikelihood = variance > 0.0 ? -0.5 * (n * std::log(twoPi * variance) + n) -
-                                                    n * std::log(outputScale.scale)
-                                              : infinity;
+    fit.report.degreesOfFreedom = degreesOfFreedom;
+    fit.report.logLikelihood = variance > 0.0
+                                   ? -degreesOfFreedom * (0.5 * (std::log(twoPi * variance) + 1.0) +
+                                                          std::log(outputScale.scale))
+                                   : infinity;
 }
 
 void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,

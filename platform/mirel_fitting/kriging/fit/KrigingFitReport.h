@@ -30,15 +30,15 @@ public:
     /** Lengths, nugget, process variance and noise of the fit's model. */
     void addCorrelation(KrigingFit& fit, const KrigingSearchResult& found, double condition) const;
 
-    /** @param rows number of rows that count. */
-    void addLikelihood(KrigingFit& fit, const KrigingSearchResult& found, double rows) const;
+    /** After addCorrelation(). */
+    void addLikelihood(KrigingFit& fit, const KrigingSearchResult& found) const;
 
     /**
      * Process variance and likelihood where nothing is correlated: R is the identity.
      * @param variance of the standardised output, whose logarithm exists where the squared unit of
      *                 the output overflows.
      */
-    void addIndependence(KrigingFit& fit, double variance, std::size_t cases) const;
+    void addIndependence(KrigingFit& fit, double variance, double degreesOfFreedom) const;
 
     /** The terms with their coefficients, and the equation as text. */
     void addTrend(KrigingFit& fit, const KrigingTrend& trend,

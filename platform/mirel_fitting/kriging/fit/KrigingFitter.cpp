@@ -6,6 +6,7 @@
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
+#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/fit/LargeKrigingFit.h>
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
 
@@ -31,8 +32,8 @@ void addErrors(KrigingFit& fit, const DistinctCases& distinct, const KrigingData
     std::vector<std::size_t> points(data.cases);
     std::iota(points.begin(), points.end(), std::size_t{0});
     std::vector<double> variances;
-    const std::vector<double> leftOut = likelihood.leaveOneOutResiduals(&variances);
-    distinct.addErrors(fit, data, likelihood.residuals(),
+    const std::vector<double> leftOut = likelihood.equations().leaveOneOutResiduals(&variances);
+    distinct.addErrors(fit, data, likelihood.equations().residuals(),
                        {points, leftOut, variances, likelihood.processVariance(), nugget});
 }
 
@@ -55,12 +56,15 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
 
     KrigingFit fit{KrigingPredictor(exact.model), {}, {}, {}, {}, {}, {}};
     const KrigingFitReport report = input.report();
-    report.addCorrelation(fit, found, likelihood.conditionEstimate());
-    report.addLikelihood(fit, found, data->rowCount());
-    report.addTrend(fit, *estimated.trend(), likelihood.coefficients());
+    report.addCorrelation(fit, found, likelihood.equations().conditionEstimate());
+    report.addLikelihood(fit, found);
+    report.addTrend(fit, *estimated.trend(), likelihood.equations().coefficients());
     addErrors(fit, distinct, *data, likelihood, found.parameters.nugget);
     estimated.warn(fit);
     distinct.warnOfConflicts(exact.model.interpolates, fit.warnings);
+    if (data->cases > 1 && likelihood.equations().areCasesFarApart()) {
+        fit.warnings.push_back(KrigingWarnings::ofSingleCases());
+    }
     return fit;
 }
 

@@ -42,6 +42,11 @@ std::string boundText(KrigingReport::Bound bound)
     }
 }
 
+std::string lengthBoundText(KrigingReport::Bound bound)
+{
+    return bound == KrigingReport::Bound::Upper ? " (no influence)" : boundText(bound);
+}
+
 std::string otherLengthsText(const KrigingReport& report)
 {
     const std::string best = KrigingTexts::figure(report.logLikelihood);
@@ -79,7 +84,8 @@ std::string KrigingTexts::lengths(const KrigingReport& report)
     for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
         text += "Correlation length of V" + std::to_string(k + 1) + ": " +
                 figure(report.correlationLengths[k]) +
-                (k < report.lengthBounds.size() ? boundText(report.lengthBounds[k]) : "") + "\n";
+                (k < report.lengthBounds.size() ? lengthBoundText(report.lengthBounds[k]) : "") +
+                "\n";
     }
     return text;
 }
@@ -105,6 +111,7 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     text += line("Leave-one-out RMSE", fit.metrics.looRmse);
     text += line("Q2", fit.metrics.q2);
     text += worstCasesText(report);
+    text += "Criterion: " + report.criterionText() + "\n";
     text += line("Log-likelihood", report.logLikelihood);
     text += line("Second-best log-likelihood", report.secondLogLikelihood);
     text += line("Process variance", report.processVariance);
@@ -135,8 +142,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     for (std::size_t k = 0; k < report.lengthBounds.size(); ++k) {
         const std::string name = "V" + std::to_string(k + 1);
         if (report.lengthBounds[k] == KrigingReport::Bound::Upper) {
-            result.push_back("The cases show no influence of " + name +
-                             " beyond the trend: its correlation length is at its upper bound.");
+            result.push_back("The cases show no influence of " + name + " beyond the trend.");
         }
         // Lengths this short mean noise.
         if (report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise) {

@@ -53,14 +53,10 @@ std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
            (interpolates ? "passes through their mean." : "smooths them.");
 }
 
-std::string KrigingWarnings::ofLoweredTrend(const Lowered& lowered, std::size_t cases)
+std::string KrigingWarnings::ofSmoothOutput(int from, std::size_t cases)
 {
-    return orderLowered(lowered.from, lowered.to) + "with " + counted(cases, "distinct case") +
-           " a higher one is not seen to predict better, both measures together (corrected Akaike "
-           "criterion " +
-           figure(lowered.after.akaike) + " instead of " + figure(lowered.before.akaike) +
-           ", leave-one-out error " + figure(lowered.after.leaveOneOutError) + " instead of " +
-           figure(lowered.before.leaveOneOutError) + ").";
+    return orderLowered(from, 0) + "the cases show no noise, and from " +
+           counted(cases, "distinct case") + " a constant trend predicts a smooth output better.";
 }
 
 std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
@@ -83,6 +79,12 @@ std::string KrigingWarnings::ofRaisedNugget(double nugget)
 {
     return "The nugget was raised to " + NumberText::shortest(nugget) +
            ": with less the correlation matrix cannot be factorised.";
+}
+
+std::string KrigingWarnings::ofSingleCases()
+{
+    return "The correlation lengths are below the spacing of the cases: the model follows single "
+           "cases and says little of what lies between them.";
 }
 
 std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, bool isRefined)

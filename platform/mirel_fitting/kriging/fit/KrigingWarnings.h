@@ -1,6 +1,5 @@
 #pragma once
 
-#include <mirel_fitting/kriging/search/KrigingTrendChoice.h>
 #include <mirel_fitting/numerics/InputNames.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
@@ -13,15 +12,6 @@
 class KrigingWarnings
 {
 public:
-    /** The order of a trend that was lowered since a higher one does not predict better. */
-    struct Lowered
-    {
-        int from = 0;
-        int to = 0;
-        KrigingTrendChoice::Quality after;  ///< in the output's units
-        KrigingTrendChoice::Quality before; ///< with the trend asked for
-    };
-
     /** @param input counted from 0. */
     static std::string ofConstantInput(std::size_t input, const InputNames& names = InputNames());
 
@@ -34,11 +24,14 @@ public:
     /** Cases at the same point with different outputs. */
     static std::string ofConflicts(std::size_t points, bool interpolates);
 
-    static std::string ofLoweredTrend(const Lowered& lowered, std::size_t cases);
+    /** The trend became constant since cases are few and the output is smooth. */
+    static std::string ofSmoothOutput(int from, std::size_t cases);
     static std::string ofTooFewCases(int from, int to, std::size_t cases);
     static std::string ofDroppedTerms(const std::vector<QuadraticBasis::Term>& terms,
                                       const InputNames& names = InputNames());
     static std::string ofRaisedNugget(double nugget);
+    /** The correlation lengths are below the spacing of the cases. */
+    static std::string ofSingleCases();
 
     /**
      * Lengths and nugget were estimated from a subset.

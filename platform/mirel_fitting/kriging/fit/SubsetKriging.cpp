@@ -29,12 +29,12 @@ SubsetKriging::Model SubsetKriging::fit(double nugget, double soundNugget, bool 
     }
     model.interpolates = interpolate && !model.isNuggetRaised && model.nugget <= soundNugget;
     if (model.interpolates) {
-        likelihood.refineWithoutNugget();
+        likelihood.equations().refineWithoutNugget();
     }
     model.processVariance = likelihood.processVariance();
-    model.condition = likelihood.conditionEstimate();
-    model.coefficients = likelihood.coefficients();
-    model.weights = likelihood.weights();
+    model.condition = likelihood.equations().conditionEstimate();
+    model.coefficients = likelihood.equations().coefficients();
+    model.weights = likelihood.equations().weights();
     return model;
 }
 

@@ -46,6 +46,7 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
 {
     const auto n = static_cast<double>(input.output.size());
     const double squares = input.scale.sumOfSquares(input.output);
+    const double variance = n > 1.0 ? squares / (n - 1.0) : 0.0;
 
     auto data = std::make_shared<KrigingData>(); // one case, of which all rows are replicates
     data->cases = 1;
@@ -55,11 +56,11 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
     const auto trend = std::make_shared<KrigingTrend>(data->cases, 0, data->coordinates, 0, 0);
     FittedKriging model = input.emptyModel(trend, std::move(data));
     model.coefficients = {0.0};
-    model.processVariance = squares / n;
+    model.processVariance = variance;
 
     KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
     input.report().addTrend(fit, *trend, {0.0});
-    input.report().addIndependence(fit, squares / n, input.output.size());
+    input.report().addIndependence(fit, variance, n - 1.0);
     addErrorsOfMean(fit, input, squares);
     fit.leftOut = KrigingLeaveOneOut::ofMean(input.output);
     fit.warnings.push_back(warningOfMean(input.output.size(), squares));
@@ -111,7 +112,8 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
     model.processVariance = leastSquares.variance;
 
     KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
-    input.report().addIndependence(fit, leastSquares.variance, data->cases);
+    input.report().addIndependence(fit, leastSquares.variance,
+                                   static_cast<double>(data->cases - trend->size()));
     input.report().addTrend(fit, *trend, leastSquares.coefficients);
     std::vector<std::size_t> points(data->cases);
     std::iota(points.begin(), points.end(), std::size_t{0});

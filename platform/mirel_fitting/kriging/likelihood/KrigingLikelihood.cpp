@@ -1,18 +1,10 @@
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 
-#include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
-#include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
-#include <mirel_fitting/numerics/BlockedCholesky.h>
-#include <mirel_fitting/numerics/OrthonormalColumns.h>
 
 #include <cblas.h>
-#include <lapacke.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -20,39 +12,55 @@
 namespace {
 
 const double twoPi = 2.0 * std::acos(-1.0);
-// Columns of a large matrix between two reports of progress: a fraction of a tenth of a second.
-constexpr std::size_t columnsAtOnce = 512;
 
 constexpr double notFactorised = -std::numeric_limits<double>::infinity();
 
-/** Sums over the columns of the inverse, which are visited block by block. */
+/** ln det(F' F) of the rows' trend terms F. */
+double logTrendDeterminant(const KrigingData& data)
+{
+    const SingleThreadedBlas singleThreaded;
+    OrthonormalColumns columns(data.cases, data.terms);
+    std::vector<double> column(data.cases);
+    for (std::size_t t = 0; t < data.terms; ++t) {
+        for (std::size_t i = 0; i < data.cases; ++i) {
+            column[i] = std::sqrt(data.replicates[i]) * data.trend[t * data.cases + i];
+        }
+        columns.append(column.data());
+    }
+    return columns.logDeterminant();
+}
+
+/** Sums over the columns of P, the inverse with the trend projected out, block by block. */
 struct DerivativeTotals
 {
     std::vector<double> sums;     ///< one per input
     std::vector<double> products; ///< of the derivatives of R with alpha, one column per input
-    std::vector<double> diagonal; ///< of the inverse
+    std::vector<double> diagonal; ///< of P
 };
 
 class DerivativeVisitor : public BlockedCholesky::Visitor
 {
 public:
-    /** @param alpha MaternCorrelation::productStride() elements. */
-    DerivativeVisitor(const MaternCorrelation& correlation, const double* correlations,
-                      const std::vector<double>& alpha, double variance, DerivativeTotals& totals)
-        : correlation(correlation), correlations(correlations), alpha(alpha),
+    /** @param alpha MaternCorrelation::productStride() elements.
+     *  @param trend KrigingEquations::trendInInverse(). */
+    DerivativeVisitor(const KrigingEquations& equations, const std::vector<double>& alpha,
+                      const std::vector<double>& trend, double variance, DerivativeTotals& totals)
+        : equations(equations), alpha(alpha), trend(trend), rows(equations.correlation().cases()),
           factor(1.0 / variance), totals(totals)
     {}
 
     void visit(std::size_t first, std::size_t columns, const double* block,
                std::size_t stride) override
     {
+        projectTrendOut(first, columns, block, stride);
         part.sums.assign(totals.sums.size(), 0.0);
         part.products.assign(totals.products.size(), 0.0);
-        correlation.addDerivatives(first, first + columns, correlations, block, stride,
-                                   alpha.data(), factor, part.sums.data(), part.products.data());
+        equations.correlation().addDerivatives(first, first + columns, equations.correlations(),
+                                               projected.data(), stride, alpha.data(), factor,
+                                               part.sums.data(), part.products.data());
         part.diagonal.resize(columns);
         for (std::size_t j = 0; j < columns; ++j) {
-            part.diagonal[j] = block[j * stride + j];
+            part.diagonal[j] = projected[j * stride + j];
         }
     }
 
@@ -64,6 +72,18 @@ public:
     }
 
 private:
+    /** P = R^-1 - G G'. */
+    void projectTrendOut(std::size_t first, std::size_t columns, const double* block,
+                         std::size_t stride)
+    {
+        const int order = static_cast<int>(rows);
+        projected.assign(block, block + stride * columns);
+        cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows - first),
+                    static_cast<int>(columns), static_cast<int>(trend.size() / rows), -1.0,
+                    trend.data() + first, order, trend.data() + first, order, 1.0, projected.data(),
+                    static_cast<int>(stride));
+    }
+
     static void add(const std::vector<double>& from, std::vector<double>& to)
     {
         for (std::size_t i = 0; i < to.size(); ++i) {
@@ -71,33 +91,14 @@ private:
         }
     }
 
-    const MaternCorrelation& correlation;
-    const double* correlations;
+    const KrigingEquations& equations;
     const std::vector<double>& alpha;
+    const std::vector<double>& trend;
+    std::size_t rows;
     double factor;
+    std::vector<double> projected;
     DerivativeTotals& totals;
     DerivativeTotals part;
-};
-
-class DiagonalOfInverse : public BlockedCholesky::Visitor
-{
-public:
-    explicit DiagonalOfInverse(std::vector<double>& diagonal) : diagonal(diagonal) {}
-
-    void visit(std::size_t /*first*/, std::size_t columns, const double* block,
-               std::size_t stride) override
-    {
-        elements.resize(columns);
-        for (std::size_t j = 0; j < columns; ++j) {
-            elements[j] = block[j * stride + j];
-        }
-    }
-
-    void handOver() override { diagonal.insert(diagonal.end(), elements.begin(), elements.end()); }
-
-private:
-    std::vector<double>& diagonal;
-    std::vector<double> elements;
 };
 
 } // namespace
@@ -105,170 +106,48 @@ private:
 class KrigingLikelihood::Impl
 {
 public:
-    explicit Impl(std::shared_ptr<const KrigingData> source)
-        : data(std::move(source)), n(data->cases), p(data->terms),
-          correlation(n, data->inputs, data->coordinates.data()),
-          correlations(AlignedBuffer::uninitialised(n * n)), cholesky(n, threadCount())
+    explicit Impl(const std::shared_ptr<const KrigingData>& source)
+        : data(source), equations(source), logDeterminantOfTerms(logTrendDeterminant(*source))
     {
-        for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t i = 0; i < data->cases; ++i) {
             rowCount += data->replicates[i];
             logReplicates += std::log(data->replicates[i]);
             withinSquares += data->withinSquares[i];
         }
+        degreesOfFreedom = rowCount - static_cast<double>(data->terms);
     }
 
-    bool factorise();
-    bool estimateTrend();
-    double solve(std::vector<double>& right, std::vector<double>& coefficients) const;
-    std::vector<double> residuals() const;
-    void subtractCorrelated(std::vector<double>& outputs) const;
-    double normOfInverse() const;
-    double logLikelihood();
+    double logLikelihood() const;
     void differentiate();
     std::vector<double> derivativesTimesAlpha();
-    void whitenAndProject(std::vector<double>& columns, std::size_t count) const;
+    /** Of replicates about their means, weighted like the residuals of cases. */
+    double weightedWithinSquares() const
+    {
+        return withinSquares > 0.0 ? withinSquares / equations.nugget() : 0.0;
+    }
 
     std::shared_ptr<const KrigingData> data;
-    std::size_t n;
-    std::size_t p;
+    KrigingEquations equations;
     double rowCount = 0.0;
     double logReplicates = 0.0;
     double withinSquares = 0.0;
+    double logDeterminantOfTerms = 0.0;
+    double degreesOfFreedom = 0.0;
 
-    MaternCorrelation correlation;
-    AlignedBuffer correlations; // lower triangle of C
-    BlockedCholesky cholesky;   // L of R = L L'
-
-    double nugget = 0.0;
-    double logDeterminant = 0.0;
     double variance = 0.0;
-    OrthonormalColumns whitenedTrend{n, p}; // L^-1 F = Q T
-    std::vector<double> beta;
-    std::vector<double> alpha;
-    std::vector<double> refinedAlpha;
     bool isDifferentiated = false;
     DerivativeTotals derivatives;
 };
 
-bool KrigingLikelihood::Impl::factorise()
+double KrigingLikelihood::Impl::logLikelihood() const
 {
-    double* matrix = cholesky.values();
-    const auto order = static_cast<double>(n);
-    cholesky.forColumns(order * order, [&](std::size_t first, std::size_t last) {
-        correlation.fillLower(first, last, correlations.data());
-        for (std::size_t j = first; j < last; ++j) {
-            const std::size_t diagonal = j * n + j;
-            std::copy_n(correlations.data() + diagonal, n - j, matrix + diagonal);
-            matrix[diagonal] += nugget / data->replicates[j];
-        }
-    });
-    if (!cholesky.factorise()) {
-        return false;
-    }
-    logDeterminant = 0.0;
-    for (std::size_t j = 0; j < n; ++j) {
-        logDeterminant += 2.0 * std::log(matrix[j * n + j]);
-    }
-    return std::isfinite(logDeterminant);
-}
-
-bool KrigingLikelihood::Impl::estimateTrend()
-{
-    std::vector<double> columns = data->trend;
-    cholesky.solveLower(columns.data(), p);
-    whitenedTrend = OrthonormalColumns(n, p);
-    for (std::size_t j = 0; j < p; ++j) {
-        if (!whitenedTrend.append(columns.data() + j * n)) {
-            return false;
-        }
-    }
-
-    alpha = data->output;
-    variance = solve(alpha, beta);
-    if (withinSquares > 0.0) {
-        variance += withinSquares / nugget;
-    }
-    variance /= rowCount;
-    refinedAlpha = alpha;
-    return variance > 0.0 && std::isfinite(variance);
-}
-
-/**
- * Generalised least squares: `right` becomes R^-1 r, with the residual r of the trend.
- * @return r' R^-1 r.
- */
-double KrigingLikelihood::Impl::solve(std::vector<double>& right,
-                                      std::vector<double>& coefficients) const
-{
-    const int order = static_cast<int>(n);
-    cholesky.solveLower(right.data(), 1);
-    coefficients = whitenedTrend.solve(right.data());
-    const double squares = cblas_ddot(order, right.data(), 1, right.data(), 1);
-    cholesky.solveTransposed(right.data(), 1);
-    return squares;
-}
-
-/** The outputs minus trend and correlated part, without nugget. */
-std::vector<double> KrigingLikelihood::Impl::residuals() const
-{
-    const int order = static_cast<int>(n);
-    std::vector<double> result = data->output;
-    cblas_dgemv(CblasColMajor, CblasNoTrans, order, static_cast<int>(p), -1.0, data->trend.data(),
-                order, beta.data(), 1, 1.0, result.data(), 1);
-    subtractCorrelated(result);
-    return result;
-}
-
-/** outputs -= C refinedAlpha, a block of columns at a time. */
-void KrigingLikelihood::Impl::subtractCorrelated(std::vector<double>& outputs) const
-{
-    const int stride = static_cast<int>(n);
-    for (std::size_t first = 0; first < n; first += columnsAtOnce) {
-        const std::size_t width = std::min(columnsAtOnce, n - first);
-        const std::size_t last = first + width;
-        const int columns = static_cast<int>(width);
-        const int below = static_cast<int>(n - last);
-        const double* corner = correlations.data() + first * n + first;
-        cblas_dsymv(CblasColMajor, CblasLower, columns, -1.0, corner, stride,
-                    refinedAlpha.data() + first, 1, 1.0, outputs.data() + first, 1);
-        if (below > 0) {
-            cblas_dgemv(CblasColMajor, CblasNoTrans, below, columns, -1.0, corner + width, stride,
-                        refinedAlpha.data() + first, 1, 1.0, outputs.data() + last, 1);
-            cblas_dgemv(CblasColMajor, CblasTrans, below, columns, -1.0, corner + width, stride,
-                        refinedAlpha.data() + last, 1, 1.0, outputs.data() + first, 1);
-        }
-        FitProgress::advance();
-    }
-}
-
-/** Higham's estimate in the 1-norm. */
-double KrigingLikelihood::Impl::normOfInverse() const
-{
-    std::vector<double> probe(n);
-    std::vector<double> work(n);
-    std::vector<lapack_int> signs(n);
-    std::array<lapack_int, 3> memory{};
-    double estimate = 0.0;
-    lapack_int request = 0; // not 0: multiply the probe by R^-1, or its transpose, the same
-    for (;;) {
-        LAPACKE_dlacn2_work(static_cast<lapack_int>(n), work.data(), probe.data(), signs.data(),
-                            &estimate, &request, memory.data());
-        if (request == 0) {
-            return estimate;
-        }
-        cholesky.solveLower(probe.data(), 1);
-        cholesky.solveTransposed(probe.data(), 1);
-    }
-}
-
-double KrigingLikelihood::Impl::logLikelihood()
-{
-    double determinant = logDeterminant;
-    const double repeated = rowCount - static_cast<double>(n);
+    double determinants =
+        equations.logDeterminant() + equations.logTrendDeterminant() - logDeterminantOfTerms;
+    const double repeated = rowCount - static_cast<double>(data->cases);
     if (repeated > 0.0) {
-        determinant += repeated * std::log(nugget) + logReplicates;
+        determinants += repeated * std::log(equations.nugget()) + logReplicates;
     }
-    return -0.5 * (rowCount * std::log(twoPi * variance) + determinant + rowCount);
+    return -0.5 * (degreesOfFreedom * (std::log(twoPi * variance) + 1.0) + determinants);
 }
 
 /** Once for each evaluation: gradient and average information use the same derivatives. */
@@ -277,15 +156,16 @@ void KrigingLikelihood::Impl::differentiate()
     if (isDifferentiated) {
         return;
     }
-    const std::size_t stride = correlation.productStride();
+    const std::size_t stride = equations.correlation().productStride();
+    const std::vector<double>& alpha = equations.smoothingWeights();
     std::vector<double> vector(stride, 0.0);
     std::copy(alpha.begin(), alpha.end(), vector.begin());
+    const std::vector<double> trend = equations.trendInInverse();
     derivatives.sums.assign(data->inputs, 0.0);
     derivatives.products.assign(stride * data->inputs, 0.0);
     derivatives.diagonal.clear();
-    cholesky.visitInverse([&] {
-        return std::make_unique<DerivativeVisitor>(correlation, correlations.data(), vector,
-                                                   variance, derivatives);
+    equations.factor().visitInverse([&] {
+        return std::make_unique<DerivativeVisitor>(equations, vector, trend, variance, derivatives);
     });
     isDifferentiated = true;
 }
@@ -294,48 +174,36 @@ void KrigingLikelihood::Impl::differentiate()
 std::vector<double> KrigingLikelihood::Impl::derivativesTimesAlpha()
 {
     differentiate();
+    const std::vector<double>& alpha = equations.smoothingWeights();
+    const std::size_t n = data->cases;
     std::vector<double> columns;
     columns.reserve(n * (data->inputs + 1));
     for (std::size_t k = 0; k < data->inputs; ++k) {
-        const double* column = derivatives.products.data() + k * correlation.productStride();
+        const double* column =
+            derivatives.products.data() + k * equations.correlation().productStride();
         columns.insert(columns.end(), column, column + n);
     }
     for (std::size_t i = 0; i < n; ++i) {
-        columns.push_back(nugget / data->replicates[i] * alpha[i]);
+        columns.push_back(equations.nugget() / data->replicates[i] * alpha[i]);
     }
     return columns;
 }
 
-/** Whitens columns by L^-1, then projects out the trend. */
-void KrigingLikelihood::Impl::whitenAndProject(std::vector<double>& columns,
-                                               std::size_t count) const
-{
-    const int order = static_cast<int>(n);
-    const int width = static_cast<int>(count);
-    const int terms = static_cast<int>(p);
-    cholesky.solveLower(columns.data(), count);
-    std::vector<double> parts(p * count);
-    cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, terms, width, order, 1.0,
-                whitenedTrend.values().data(), order, columns.data(), order, 0.0, parts.data(),
-                terms);
-    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, order, width, terms, -1.0,
-                whitenedTrend.values().data(), order, parts.data(), terms, 1.0, columns.data(),
-                order);
-}
-
 KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data)
-    : impl(std::make_unique<Impl>(std::move(data)))
+    : impl(std::make_unique<Impl>(data))
 {}
 
 KrigingLikelihood::~KrigingLikelihood() = default;
 
 double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nugget)
 {
-    const SingleThreadedBlas singleThreaded;
-    impl->nugget = nugget;
     impl->isDifferentiated = false;
-    impl->correlation.setLengths(lengths);
-    if (!impl->factorise() || !impl->estimateTrend()) {
+    if (!impl->equations.solve(lengths, nugget)) {
+        return notFactorised;
+    }
+    impl->variance =
+        (impl->equations.squares() + impl->weightedWithinSquares()) / impl->degreesOfFreedom;
+    if (!(impl->variance > 0.0)) {
         return notFactorised;
     }
     const double value = impl->logLikelihood();
@@ -349,11 +217,12 @@ void KrigingLikelihood::gradient(std::vector<double>& result)
     result = impl->derivatives.sums;
 
     // The mean of r replicates has the nugget / r.
-    double explained = impl->withinSquares > 0.0 ? impl->withinSquares / impl->nugget : 0.0;
-    double trace = impl->rowCount - static_cast<double>(impl->n);
-    for (std::size_t i = 0; i < impl->n; ++i) {
-        const double share = impl->nugget / impl->data->replicates[i];
-        explained += share * impl->alpha[i] * impl->alpha[i];
+    const std::vector<double>& alpha = impl->equations.smoothingWeights();
+    double explained = impl->weightedWithinSquares();
+    double trace = impl->rowCount - static_cast<double>(impl->data->cases);
+    for (std::size_t i = 0; i < impl->data->cases; ++i) {
+        const double share = impl->equations.nugget() / impl->data->replicates[i];
+        explained += share * alpha[i] * alpha[i];
         trace += share * impl->derivatives.diagonal[i];
     }
     result.push_back(0.5 * (explained / impl->variance - trace));
@@ -363,25 +232,25 @@ void KrigingLikelihood::averageInformation(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
     const std::size_t count = impl->data->inputs + 1;
-    const int order = static_cast<int>(impl->n);
+    const std::size_t n = impl->data->cases;
+    const int order = static_cast<int>(n);
     const int columns = static_cast<int>(count);
 
+    const std::vector<double>& alpha = impl->equations.smoothingWeights();
     std::vector<double> changes = impl->derivativesTimesAlpha();
     std::vector<double> slopes(count);
     for (std::size_t k = 0; k < count; ++k) {
-        slopes[k] = cblas_ddot(order, impl->alpha.data(), 1, changes.data() + k * impl->n, 1);
+        slopes[k] = cblas_ddot(order, alpha.data(), 1, changes.data() + k * n, 1);
     }
-    impl->whitenAndProject(changes, count);
+    impl->equations.whitenAndProject(changes, count);
     result.assign(count * count, 0.0);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
                 changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
-    if (impl->withinSquares > 0.0) {
-        slopes.back() += impl->withinSquares / impl->nugget;
-        result.back() += impl->withinSquares / impl->nugget;
-    }
+    slopes.back() += impl->weightedWithinSquares();
+    result.back() += impl->weightedWithinSquares();
 
     // The variance is profiled out.
-    const double squares = impl->variance * impl->rowCount;
+    const double squares = impl->variance * impl->degreesOfFreedom;
     for (std::size_t k = 0; k < count; ++k) {
         for (std::size_t l = 0; l < count; ++l) {
             double& element = result[k * count + l];
@@ -395,107 +264,12 @@ double KrigingLikelihood::processVariance() const
     return impl->variance;
 }
 
-const std::vector<double>& KrigingLikelihood::coefficients() const
+KrigingEquations& KrigingLikelihood::equations()
 {
-    return impl->beta;
+    return impl->equations;
 }
 
-const std::vector<double>& KrigingLikelihood::weights() const
+const KrigingEquations& KrigingLikelihood::equations() const
 {
-    return impl->refinedAlpha;
-}
-
-void KrigingLikelihood::refineWithoutNugget()
-{
-    constexpr int maxRounds = 20;
-    constexpr double worthwhileReduction =
-        0.7; // of the residual norm; a round that leaves more is the last
-
-    const SingleThreadedBlas singleThreaded;
-    const int order = static_cast<int>(impl->n);
-    std::vector<double> residuals = impl->residuals();
-    double left = cblas_dnrm2(order, residuals.data(), 1);
-    std::vector<double> correction;
-    for (int round = 0; round < maxRounds; ++round) {
-        FitProgress::advance();
-        const std::vector<double> beta = impl->beta;
-        const std::vector<double> alpha = impl->refinedAlpha;
-        impl->solve(residuals, correction);
-        for (std::size_t t = 0; t < impl->p; ++t) {
-            impl->beta[t] += correction[t];
-        }
-        for (std::size_t i = 0; i < impl->n; ++i) {
-            impl->refinedAlpha[i] += residuals[i];
-        }
-        residuals = impl->residuals();
-        const double now = cblas_dnrm2(order, residuals.data(), 1);
-        if (!(now < left)) {
-            impl->beta = beta;
-            impl->refinedAlpha = alpha;
-            return;
-        }
-        if (now > worthwhileReduction * left) {
-            return;
-        }
-        left = now;
-    }
-}
-
-std::vector<double> KrigingLikelihood::residuals() const
-{
-    const SingleThreadedBlas singleThreaded;
-    return impl->residuals();
-}
-
-double KrigingLikelihood::conditionEstimate() const
-{
-    const SingleThreadedBlas singleThreaded;
-    const std::size_t n = impl->n;
-    std::vector<double> sums(n); // of the magnitudes of each column; correlations are positive
-    for (std::size_t j = 0; j < n; ++j) {
-        if (j % columnsAtOnce == 0) {
-            FitProgress::advance();
-        }
-        const double* column = impl->correlations.data() + j * n;
-        sums[j] += 1.0 + impl->nugget / impl->data->replicates[j];
-        for (std::size_t i = j + 1; i < n; ++i) {
-            sums[j] += column[i];
-            sums[i] += column[i];
-        }
-    }
-    return *std::max_element(sums.begin(), sums.end()) * impl->normOfInverse();
-}
-
-std::vector<double> KrigingLikelihood::leaveOneOutResiduals(std::vector<double>* variances)
-{
-    // A smaller fraction of a diagonal element is its rounding error: without the case the trend is
-    // not determined.
-    constexpr double determined = 1e-10;
-
-    const SingleThreadedBlas singleThreaded;
-    const std::size_t n = impl->n;
-    std::vector<double> projected = impl->whitenedTrend.values();
-    impl->cholesky.solveTransposed(projected.data(), impl->p);
-    std::vector<double> diagonals;
-    impl->cholesky.visitInverse([&] { return std::make_unique<DiagonalOfInverse>(diagonals); });
-
-    // The diagonal of Q = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; Q y are the weights.
-    std::vector<double> residuals(n);
-    if (variances) {
-        variances->assign(n, std::numeric_limits<double>::quiet_NaN());
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        const double diagonal = diagonals[i];
-        double left = diagonal;
-        for (std::size_t j = 0; j < impl->p; ++j) {
-            left -= projected[j * n + i] * projected[j * n + i];
-        }
-        const bool isDetermined = left > determined * diagonal;
-        residuals[i] =
-            isDetermined ? impl->alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
-        if (variances && isDetermined) {
-            (*variances)[i] = 1.0 / left;
-        }
-    }
-    return residuals;
+    return impl->equations;
 }

@@ -1,19 +1,26 @@
 #pragma once
 
 #include <mirel_fitting/cases/KrigingData.h>
+#include <mirel_fitting/kriging/likelihood/KrigingEquations.h>
 
-#include <cstddef>
 #include <memory>
 #include <vector>
 
 /**
- * Profile likelihood of universal Kriging as a function of the correlation lengths and the nugget.
+ * Restricted likelihood of universal Kriging as a function of the correlation lengths and the
+ * nugget: that of n - p contrasts of the outputs which do not depend on the trend, n the number of
+ * rows, p of trend terms. The trend then takes no variance away from the process, as it does in the
+ * likelihood of the rows. Patterson, Thompson: Recovery of inter-block information when block sizes
+ * are unequal, Biometrika 58 (1971).
  *
- * Covariance of the rows: s2 R, R = C + nugget I, C the correlation of their inputs. The trend
- * coefficients are their generalised least-squares estimate, s2 = r' R^-1 r / n with the residual
- * r of the trend; both are profiled out:
+ * Covariance of the rows: s2 R, R = C + nugget I, C the correlation of their inputs, F the terms of
+ * the trend. s2 = r' R^-1 r / (n - p) with the residual r of the trend is profiled out:
  *
- *   ln L = -(n ln(2 pi s2) + ln det R + n) / 2,   n the number of rows.
+ *   ln L = -((n - p) (ln(2 pi s2) + 1) + ln det R + ln det(F' R^-1 F) - ln det(F' F)) / 2.
+ *
+ * The last term makes the contrasts orthonormal, so that ln L does not depend on the units of the
+ * terms. Harville: Bayesian inference for variance components using only error contrasts,
+ * Biometrika 61 (1974).
  *
  * Replicates, rows with the same inputs, are one case without loss: R is then never larger than the
  * number of distinct cases, with nugget / replicates on its diagonal; the sum of squares of the
@@ -21,14 +28,13 @@
  * Gaussian process modeling for large simulation experiments, J. Comput. Graph. Stat. 27 (2018).
  *
  * An evaluation costs n^3 / 6 multiplications, its gradient n^3 / 3 more, for any number of
- * inputs. Two n x n matrices are held. Both use the threads of threadCount(), whose number does not
- * change a bit, and call FitProgress::advance() with their multiplications at least every tenth of
- * a second; an exception thrown there ends the evaluation and passes through.
+ * inputs. Threads and progress are those of KrigingEquations.
  */
 class KrigingLikelihood
 {
 public:
-    /** @param data is shared and must not change. */
+    /** @param data is shared and must not change; more rows than trend terms, which are linearly
+     *              independent. */
     explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
     ~KrigingLikelihood();
 
@@ -53,39 +59,12 @@ public:
      */
     void averageInformation(std::vector<double>& result);
 
-    // The following describe the last evaluation, which must have been finite.
-
+    /** Of the last evaluation, which must have been finite. */
     double processVariance() const;
-    /** Of the trend terms. */
-    const std::vector<double>& coefficients() const;
-    /** R^-1 (y - trend): the prediction is the trend plus the correlations times these. */
-    const std::vector<double>& weights() const;
 
-    /**
-     * Coefficients and weights as they would be without nugget, as far as double precision allows:
-     * for a nugget that only keeps the factorisation sound, so that the model interpolates the
-     * cases. By iterative refinement, of which each round reduces the nugget's smoothing. Riley:
-     * Solving systems of linear equations with a positive definite, symmetric, but possibly
-     * ill-conditioned matrix, Math. Tables Aids Comput. 9 (1955).
-     */
-    void refineWithoutNugget();
-
-    /** Outputs minus predictions by coefficients() and weights(). */
-    std::vector<double> residuals() const;
-
-    /** The 1-norm of R times an estimate of that of its inverse: a bound on the relative error of
-     *  the weights, as a multiple of that of the outputs. Higham: FORTRAN codes for estimating the
-     *  one-norm of a real or complex matrix, ACM Trans. Math. Softw. 14 (1988). */
-    double conditionEstimate() const;
-
-    /**
-     * Outputs minus predictions by all other cases, with the same lengths, nugget and variance and
-     * the trend estimated anew: Dubrule, Cross validation of kriging in a unique
-     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
-     * @param variances if not null, receives those of the residuals, relative to the process
-     *                  variance.
-     */
-    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr);
+    /** Those of the last evaluation, which must have been finite. */
+    KrigingEquations& equations();
+    const KrigingEquations& equations() const;
 
 private:
     class Impl;

@@ -15,10 +15,6 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            std::size_t otherParameters)
     : inputCount(inputs)
 {
-    // Relative to the column's norm; a smaller component orthogonal to the earlier ones is
-    // rounding.
-    constexpr double independent = 1e-9;
-
     usedOrder = inputs == 0 ? 0 : highestOrder;
     while (usedOrder > 0 &&
            QuadraticBasis::termCount(inputs, usedOrder) + otherParameters > cases) {
@@ -36,7 +32,7 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                 column[i] *= centred(coordinates[factor * cases + i]);
             }
         }
-        if (!orthonormal.append(column.data(), independent)) {
+        if (!orthonormal.append(column.data(), OrthonormalColumns::independent)) {
             dropped.push_back(term);
             continue;
         }
@@ -115,7 +111,8 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
         result.leaveOneOutResiduals.push_back(result.residuals[i] / oneMinusLeverage);
         result.leaveOneOutVariances.push_back(1.0 / oneMinusLeverage);
     }
-    result.variance = squares / static_cast<double>(cases);
+    result.variance =
+        cases > terms.size() ? squares / static_cast<double>(cases - terms.size()) : 0.0;
     return result;
 }
 

@@ -40,7 +40,9 @@ public:
     {
         std::vector<double> coefficients;
         std::vector<double> residuals;
-        double variance; ///< mean square of the residuals
+        /** The sum of squares of the residuals over cases minus terms; 0 if there are no more cases
+         *  than terms. */
+        double variance;
         /** By the fit to all other cases; NaN where those do not determine the trend. */
         std::vector<double> leaveOneOutResiduals;
         /** Of the latter, relative to `variance`. */

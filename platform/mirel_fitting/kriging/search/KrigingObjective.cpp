@@ -3,8 +3,8 @@
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
                                    const KrigingSearchVariables& variables,
                                    const KrigingSearchSettings& settings)
-    : likelihood(data), variables(variables), nuggetUnit(settings.policy.nuggetUnit),
-      inputs(data->inputs)
+    : likelihood(data), variables(variables), prior(settings.policy),
+      nuggetUnit(settings.policy.nuggetUnit), inputs(data->inputs)
 {}
 
 double KrigingObjective::value(const std::vector<double>& point)
@@ -16,8 +16,22 @@ double KrigingObjective::value(const std::vector<double>& point)
     const KrigingParameters at = variables.parameters(point);
     lastPoint = point;
     lastValue.reset(); // the likelihood may throw
-    lastValue = likelihood.evaluate(at.lengths, at.nugget);
+    lastValue = likelihood.evaluate(at.lengths, at.nugget) + logPrior(point);
     return *lastValue;
+}
+
+double KrigingObjective::logPrior(const std::vector<double>& point) const
+{
+    double sum = 0.0;
+    for (std::size_t k = 0; k < variables.lengths; ++k) {
+        sum += prior.value(point[k]);
+    }
+    return sum;
+}
+
+double KrigingObjective::logLikelihood(const std::vector<double>& point)
+{
+    return value(point) - logPrior(point);
 }
 
 bool KrigingObjective::curvature(std::vector<double>& result)
@@ -34,6 +48,9 @@ bool KrigingObjective::curvature(std::vector<double>& result)
             result.push_back(unit(i) * unit(j) * whole[i * stride + j]);
         }
     }
+    for (std::size_t k = 0; k < variables.lengths; ++k) {
+        result[k * variables.size() + k] += prior.curvature(lastPoint[k]);
+    }
     return true;
 }
 
@@ -47,6 +64,9 @@ void KrigingObjective::gradient(std::vector<double>& result)
     }
     if (variables.lengths == 0) {
         result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
+    }
+    for (std::size_t k = 0; k < variables.lengths; ++k) {
+        result[k] += prior.slope(lastPoint[k]);
     }
 }
 

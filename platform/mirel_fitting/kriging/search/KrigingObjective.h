@@ -3,6 +3,7 @@
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
+#include <mirel_fitting/kriging/search/LengthPrior.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include <cstddef>
@@ -10,7 +11,8 @@
 #include <optional>
 #include <vector>
 
-/** The likelihood of a Kriging model as a function of KrigingSearchVariables. */
+/** The criterion of a Kriging model's parameters as a function of KrigingSearchVariables: the
+ *  restricted log-likelihood, plus the prior of each length that is searched for. */
 class KrigingObjective : public BoundedObjective
 {
 public:
@@ -24,6 +26,9 @@ public:
     bool curvature(std::vector<double>& result) override;
     void gradient(std::vector<double>& result) override;
 
+    /** Without the prior. Costs a value. */
+    double logLikelihood(const std::vector<double>& point);
+
     /** The variance that the nugget stands for; the output is standardised. Costs a value. */
     double noiseVariance(const std::vector<double>& point);
 
@@ -31,7 +36,10 @@ public:
 
 private:
     KrigingLikelihood likelihood;
+    double logPrior(const std::vector<double>& point) const;
+
     const KrigingSearchVariables& variables;
+    LengthPrior prior;
     double nuggetUnit;
     std::size_t inputs;
     std::size_t count = 0;

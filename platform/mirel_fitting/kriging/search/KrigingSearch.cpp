@@ -11,10 +11,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <list>
+#include <set>
 
 namespace {
 
 using Optimum = KrigingOptima::Optimum;
+
+KrigingData subsetOf(const KrigingData& data, std::size_t cases)
+{
+    KrigingData subset = data.subset(randomSubset(data.cases, cases));
+    subset.dropDependentTerms();
+    return subset;
+}
 
 class Search
 {
@@ -32,14 +42,13 @@ private:
     BoundedSearch searchFrom(const std::vector<double>& start, const std::vector<double>& upper);
     Optimum converged(const std::vector<double>& start, const std::vector<double>& upper);
     void improveLikeliestStart();
-    void searchFromGivenStarts();
     void searchFromAllStarts();
-    void multiStart();
-    void race(const std::vector<std::vector<double>>& starts);
+    void race(const std::vector<std::vector<double>>& starts, std::size_t followed);
     void continueWithMoreCases(std::size_t cases);
-    void tryLongestLengths();
+    bool hasInfluence(std::size_t input);
+    std::vector<KrigingReport::Bound> bounds();
+    bool hasFewLevels() const;
     void preferLeastNugget();
-    void preferNoiseToSpikes();
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearchSettings& settings;
@@ -71,9 +80,7 @@ void Search::take(std::size_t cases)
 {
     objective.reset(); // before the memory of the next one is taken
     const std::shared_ptr<const KrigingData> part =
-        cases == data->cases
-            ? data
-            : std::make_shared<KrigingData>(data->subset(randomSubset(data->cases, cases)));
+        cases == data->cases ? data : std::make_shared<KrigingData>(subsetOf(*data, cases));
     objective = std::make_unique<KrigingObjective>(part, variables, settings);
     taken = cases;
 }
@@ -118,65 +125,43 @@ void Search::improveLikeliestStart()
     optima.add(best, *objective);
 }
 
-void Search::searchFromGivenStarts()
-{
-    take(data->cases);
-    for (const KrigingParameters& start : settings.starts) {
-        optima.add(converged(variables.at(start), variables.upper), *objective);
-    }
-}
-
-/** Multi-start on the first subset, then the best optima on ever larger ones up to all cases. */
+/**
+ * The starts compete on the first subset, and the best optima are followed through ever larger ones
+ * up to all cases. The best optimum of few cases need not be that of all: the starts compete on all
+ * cases, too.
+ */
 void Search::searchFromAllStarts()
 {
     const std::vector<std::size_t> sizes = subsetSizes();
     take(sizes.front());
-    multiStart();
+    const std::vector<std::vector<double>> starts = variables.starts();
+    race(starts, taken <= policy.followedCases ? starts.size() : policy.racing);
     for (std::size_t k = 1; k < sizes.size(); ++k) {
         continueWithMoreCases(sizes[k]);
     }
-}
-
-/** If the standard starts converge to the same optimum of many cases, stop; otherwise take random
- *  ones, too. */
-void Search::multiStart()
-{
-    const std::vector<std::vector<double>> starts = variables.standardStarts();
-    for (const std::vector<double>& start : starts) {
-        optima.add(converged(start, variables.upper), *objective);
-    }
-    if (variables.lengths == 0) {
-        return;
-    }
-    if (taken <= policy.followedCases) {
-        for (const std::vector<double>& start : variables.randomStarts()) {
-            optima.add(converged(start, variables.upper), *objective);
-        }
-    } else if (starts.size() == 1 || optima.size() > 1) {
-        race(variables.randomStarts());
+    if (sizes.size() > 1 && hasFewLevels()) {
+        const std::size_t count = data->cases <= policy.raceCases ? starts.size() : 1;
+        race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)}, policy.racing);
     }
 }
 
-/** The likeliest starts take a few steps, the best of them goes on to convergence. */
-void Search::race(const std::vector<std::vector<double>>& starts)
+/** A few steps from each start; the likeliest searches go on to convergence. */
+void Search::race(const std::vector<std::vector<double>>& starts, std::size_t followed)
 {
-    std::vector<Optimum> entries;
+    std::list<BoundedSearch> searches;
     for (const std::vector<double>& start : starts) {
-        entries.push_back({start, objective->value(start)});
-    }
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-    entries.resize(std::min(entries.size(), policy.racing));
-    std::vector<BoundedSearch> searches;
-    for (const Optimum& entry : entries) {
-        searches.push_back(searchFrom(entry.point, variables.upper));
+        searches.push_back(searchFrom(start, variables.upper));
         searches.back().advance(policy.racingSteps, smallestGain());
     }
-    BoundedSearch& best = *std::max_element(
-        searches.begin(), searches.end(),
-        [](const BoundedSearch& a, const BoundedSearch& b) { return a.value() < b.value(); });
-    best.advance(policy.maxSteps, smallestGain());
-    optima.add({best.point(), best.value()}, *objective);
+    searches.sort(
+        [](const BoundedSearch& a, const BoundedSearch& b) { return a.value() > b.value(); });
+    for (BoundedSearch& search : searches) {
+        if (followed-- == 0) {
+            break;
+        }
+        search.advance(policy.maxSteps, smallestGain());
+        optima.add({search.point(), search.value()}, *objective);
+    }
 }
 
 void Search::continueWithMoreCases(std::size_t cases)
@@ -192,40 +177,50 @@ void Search::continueWithMoreCases(std::size_t cases)
     optima.replace(reached, *objective);
 }
 
-/**
- * Where a length is long the likelihood is nearly flat in it, and no slope leads to where it is
- * greatest: at the upper bound. Tried for each long one alone.
- */
-void Search::tryLongestLengths()
+/** See SearchPolicy::casesPerLevel. */
+bool Search::hasFewLevels() const
 {
-    const Optimum& best = optima.best();
+    for (std::size_t k = 0; k < data->inputs; ++k) {
+        const auto first = data->coordinates.begin() + static_cast<std::ptrdiff_t>(k * data->cases);
+        const std::set<double> levels(first, first + static_cast<std::ptrdiff_t>(data->cases));
+        if (policy.casesPerLevel * levels.size() <= data->cases) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/** Whether the cases show an influence of the input: whether the best optimum is likelier than with
+ *  that length at its upper bound. */
+bool Search::hasInfluence(std::size_t input)
+{
+    std::vector<double> point = optima.best().point;
+    const double likelihood = objective->logLikelihood(point);
+    point[input] = variables.upper[input];
+    return objective->logLikelihood(point) < likelihood - policy.indifferentGain;
+}
+
+/** Where the lengths of the best optimum have ended; Upper also for long ones without influence. */
+std::vector<KrigingReport::Bound> Search::bounds()
+{
+    const std::vector<double>& best = optima.best().point;
     std::vector<std::size_t> longLengths;
     for (std::size_t k = 0; k < variables.lengths; ++k) {
-        const bool isAtBound = best.point[k] > variables.upper[k] - policy.boundTolerance;
-        if (best.point[k] > std::log(policy.recalledLength) && !isAtBound) {
+        if (best[k] > std::log(policy.recalledLength)) {
             longLengths.push_back(k);
         }
     }
     std::stable_sort(longLengths.begin(), longLengths.end(),
-                     [&](std::size_t a, std::size_t b) { return best.point[a] < best.point[b]; });
+                     [&](std::size_t a, std::size_t b) { return best[a] > best[b]; });
     longLengths.resize(std::min(longLengths.size(), policy.triedLengths));
 
-    std::vector<double> likeliest;
-    double highest = best.value + smallestGain();
+    std::vector<KrigingReport::Bound> result = variables.boundsOf(best);
     for (const std::size_t k : longLengths) {
-        std::vector<double> point = best.point;
-        point[k] = variables.upper[k];
-        const double value = objective->value(point);
-        if (value > highest) {
-            highest = value;
-            likeliest = std::move(point);
+        if (!hasInfluence(k)) {
+            result[k] = KrigingReport::Bound::Upper;
         }
     }
-    if (!likeliest.empty()) {
-        std::vector<Optimum> reached = optima.all();
-        reached.front() = converged(likeliest, variables.upper);
-        optima.replace(reached, *objective);
-    }
+    return result;
 }
 
 /**
@@ -256,29 +251,10 @@ void Search::preferLeastNugget()
     optima.best() = smooth;
 }
 
-/** See SearchPolicy::spikesGain. */
-void Search::preferNoiseToSpikes()
-{
-    const Optimum& best = optima.best();
-    const std::vector<KrigingReport::Bound> bounds = variables.boundsOf(best.point);
-    const bool isSpikes = !bounds.empty() &&
-                          std::all_of(bounds.begin(), bounds.end(), [](KrigingReport::Bound bound) {
-                              return bound == KrigingReport::Bound::Lower;
-                          });
-    if (!variables.hasNugget || !isSpikes || data->cases <= policy.spikesCases) {
-        return;
-    }
-    Optimum noise = best;
-    noise.point.back() = variables.upper.back();
-    noise.value = objective->value(noise.point);
-    if (noise.value >= best.value - policy.spikesGain) {
-        optima.best() = noise;
-    }
-}
-
 KrigingSearchResult Search::run()
 {
     KrigingSearchResult result;
+    double gap = std::numeric_limits<double>::infinity();
     if (variables.size() == 0) {
         take(data->cases);
         optima.add({{}, objective->value({})}, *objective);
@@ -286,26 +262,25 @@ KrigingSearchResult Search::run()
         take(data->cases);
         improveLikeliestStart();
     } else {
-        if (settings.starts.empty()) {
-            searchFromAllStarts();
-        } else {
-            searchFromGivenStarts();
-        }
-        tryLongestLengths();
+        searchFromAllStarts();
         if (optima.size() > 1 && std::isfinite(optima.second().value)) {
-            result.secondLogLikelihood = optima.second().value;
-            result.secondParameters = variables.parameters(optima.second().point);
+            gap = optima.best().value - optima.second().value;
         }
         preferLeastNugget();
-        preferNoiseToSpikes();
     }
     const std::vector<double>& best = optima.best().point;
-    result.logLikelihood = optima.best().value;
-    result.lengthBounds = variables.boundsOf(best);
+    result.logLikelihood = objective->logLikelihood(best);
+    result.secondLogLikelihood = result.logLikelihood - gap;
+    result.lengthBounds = settings.maxSteps ? variables.boundsOf(best) : bounds();
     result.nuggetBound =
         variables.isNuggetLargest(best) ? KrigingReport::Bound::Upper : KrigingReport::Bound::None;
     result.parameters = variables.parameters(best);
     result.evaluations = objective->evaluations();
+    if (variables.size() > 0) {
+        result.criterion = variables.lengths > 0
+                               ? KrigingReport::Criterion::PenalisedRestrictedLikelihood
+                               : KrigingReport::Criterion::RestrictedLikelihood;
+    }
     return result;
 }
 

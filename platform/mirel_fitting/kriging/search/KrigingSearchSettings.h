@@ -25,11 +25,11 @@ struct KrigingSearchSettings
     double smallestNugget = 0.0; ///< lower bound, or the value itself if it is fixed
     bool isNuggetFixed = false;
     std::vector<double> fixedLengths; ///< scaled; empty: searched for
-    /** If given, the search begins there, with all cases. */
+    /** With `maxSteps`: points nearby, found with fewer cases. */
     std::vector<KrigingParameters> starts;
-    /** If given, only the likeliest of the starts is improved, by so many steps, and what follows
-     *  the search is left out: with some thousand cases each step takes seconds. 0: the start
-     *  itself. */
+    /** If given, only the likeliest of `starts` is improved, with all cases and by so many steps,
+     *  and what follows the search is left out: with some thousand cases each step takes seconds.
+     *  0: the start itself. */
     std::optional<int> maxSteps;
     SearchPolicy policy;
 
@@ -43,14 +43,15 @@ struct KrigingSearchSettings
 struct KrigingSearchResult
 {
     KrigingParameters parameters;
-    double logLikelihood = 0.0; ///< of the standardised output
-    /** Of the second-best optimum; minus infinity if all starts converged to one. */
+    double logLikelihood = 0.0; ///< restricted, of the standardised output; without the prior
+    /** By how much less the criterion, which has the prior, is at the second-best optimum: that
+     *  much below the former; minus infinity if all starts converged to one. */
     double secondLogLikelihood = -std::numeric_limits<double>::infinity();
-    KrigingParameters secondParameters; ///< if there is one
     /** One per length that was searched for. */
     std::vector<KrigingReport::Bound> lengthBounds;
     /** Upper, or None: the lower bound is what smooth data should have. */
     KrigingReport::Bound nuggetBound = KrigingReport::Bound::None;
+    KrigingReport::Criterion criterion = KrigingReport::Criterion::None; ///< that was maximised
     bool isNuggetRaised = false; ///< above what was asked for: R could not be factorised
     std::size_t evaluations = 0; ///< of the likelihood with all cases
 };

@@ -52,33 +52,11 @@ std::vector<double> KrigingSearchVariables::uniform(double length, double nugget
     return at({std::vector<double>(inputs, length), nugget});
 }
 
-std::vector<std::vector<double>> KrigingSearchVariables::standardStarts() const
+std::vector<std::vector<double>> KrigingSearchVariables::starts() const
 {
-    std::vector<std::vector<double>> result = {
-        uniform(settings.initialLength, settings.policy.smoothNugget)};
-    if (hasNugget) {
-        result.push_back(uniform(settings.initialLength, settings.policy.noisyNugget));
-    }
-    return result;
-}
-
-std::vector<std::vector<double>> KrigingSearchVariables::randomStarts() const
-{
-    constexpr std::uint64_t seed = 20180;
-
-    const SearchPolicy& policy = settings.policy;
-    const double shortest = std::log(policy.shortestStart);
-    const double longest = std::log(policy.longestStart);
-    std::mt19937_64 generator(seed);
     std::vector<std::vector<double>> result;
-    for (std::size_t start = 0; start < policy.randomStarts; ++start) {
-        std::vector<double> point =
-            uniform(1.0, start % 2 == 0 ? policy.smoothNugget : policy.noisyNugget);
-        for (std::size_t k = 0; k < lengths; ++k) {
-            const double share = static_cast<double>(generator() >> 11) * 0x1.0p-53;
-            point[k] = shortest + (longest - shortest) * share;
-        }
-        result.push_back(point);
+    for (const SearchPolicy::Start& start : settings.policy.starts) {
+        result.push_back(uniform(start.length * settings.initialLength, start.nugget));
     }
     return result;
 }

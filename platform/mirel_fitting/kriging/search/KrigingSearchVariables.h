@@ -24,11 +24,8 @@ public:
      *  whose logarithm does not lead back to the same number. */
     KrigingParameters parameters(const std::vector<double>& point) const;
 
-    /** Equal lengths, with the nuggets of smooth and noisy data. */
-    std::vector<std::vector<double>> standardStarts() const;
-
-    /** Lengths drawn at random, for inputs of unlike influence; the same in every run. */
-    std::vector<std::vector<double>> randomStarts() const;
+    /** SearchPolicy::starts. */
+    std::vector<std::vector<double>> starts() const;
 
     /** Brings lengths without influence back to where the input has some: more cases may show
      *  it. */

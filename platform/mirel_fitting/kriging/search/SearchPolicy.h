@@ -3,6 +3,7 @@
 #include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
+#include <array>
 #include <cstddef>
 
 /**
@@ -31,33 +32,50 @@ struct SearchPolicy
     /** Parameters this near a bound, in logarithms, are reported to be at it. */
     double boundTolerance = 0.01;
 
-    // Starts: one for smooth and one for noisy data; if they do not converge to the same optimum,
-    // random ones. A third standard start at four times the length cost 10 to 28 % of the work and
-    // gained nothing in the ablation; without the noisy one Hartmann's function loses 0.6 %.
+    // Prior of the lengths, see LengthPrior. The deviations are those of the length's logarithm.
 
-    double smoothNugget = 1e-6;
-    double noisyNugget = 0.05;
-    std::size_t randomStarts = 12;
-    double shortestStart = 0.2;
-    /** Some start where an input has hardly any influence: from shorter ones no slope leads there.
-     */
-    double longestStart = 30.0;
-    /** With so few cases a search takes less than a millisecond, and every random start is followed
-     *  to its optimum: of 41 tables of 9 to 50 cases a race of two starts ends more than 0.2 below
-     *  the best optimum in three. */
-    std::size_t followedCases = 40;
-    /** With more, the likeliest two of the random starts take three steps and the better one goes
-     * on: searches that end low mostly are low soon. */
+    /** The output of most tables bends once or twice over the range of an input. */
+    double priorLength = 2.0;
+    /** A fifth of the range costs 5.4, a twentieth 14: few cases show no such detail, many outweigh
+     *  it. */
+    double priorDeviationBelow = 0.7;
+    /** A length of 300 ranges, no influence, costs 2.0. A smaller deviation would give inputs an
+     *  influence that the cases do not show. */
+    double priorDeviationAbove = 2.5;
+
+    // Starts.
+
+    struct Start
+    {
+        double length; ///< of every input, as a multiple of the initial length
+        double nugget;
+    };
+    /** For noisy and smooth data, slow and fast changes. With all cases the first alone leads to
+     *  the best optimum known of nine tables in ten. */
+    std::array<Start, 6> starts = {
+        {{1.0, 1e-2}, {4.0, 1e-4}, {1.0, 1e-4}, {2.0, 1e-6}, {0.4, 1e-3}, {4.0, 0.1}}};
+    /** So many steps are taken from each start, then the likeliest searches go on: those that end
+     *  low mostly are low soon. */
+    int racingSteps = 4;
     std::size_t racing = 2;
-    int racingSteps = 3;
+    /** With so few cases a search takes less than a millisecond, and every start is followed
+     *  to its optimum. */
+    std::size_t followedCases = 40;
+    /** An input whose values each occur so often on average has few levels. A subset then lacks
+     *  most combinations of levels, and its best optimum may be that all is noise: the starts
+     *  compete on all cases, too. 171 in log-likelihood are lost without, of 1200 cases. */
+    std::size_t casesPerLevel = 4;
+    /** Beyond so many cases only the first start competes there: each takes seconds. */
+    std::size_t raceCases = 2000;
     /** Far more than any search has needed (40). */
     int maxSteps = 100;
     BoundedSearch::StepRule stepRule;
 
     // Ladder of subsets: the starts compete on few cases.
 
-    /** With 50 three of 218 fits lose more than 0.5 and up to 100; 200 take 2.5 times the work. */
-    std::size_t firstSubset = 100;
+    /** The best optimum of a few cases need not be that of all: of 141 tables with few levels and
+     *  small designs 10 end lower by more than 0.5 with 100 cases here, and 4 with 400. */
+    std::size_t firstSubset = 400;
     /** Cases per parameter in the first subset, with many inputs. */
     std::size_t firstSubsetPerParameter = 3;
     /** From subset to subset; 4 costs the same. The next optimum is then a few steps away. */
@@ -78,15 +96,14 @@ struct SearchPolicy
     double ridgeGap = 2.0;
     double ridgeDip = 0.25;
 
-    // Inputs without influence. The likelihood has a maximum at infinity, from which no slope leads
-    // back: without the first number a wing weight fit of 200 cases loses 3.8, without looking at
-    // the upper bound four of 218 fits lose up to 2.7 and borehole 3 % of its error.
+    // Inputs without influence.
 
-    /** Longer ones are brought back to this before more cases are taken. */
+    /** Longer ones are brought back to this before more cases are taken, since few cases may hide
+     *  an influence and the slope that leads back is small. Where the likelihood at the upper bound
+     *  is the same, a longer one is reported to have no influence. */
     double recalledLength = 20.0;
-    /** At the end so many of the longer ones are tried at the upper bound. */
+    /** Of so many of the longest ones that is tried. */
     std::size_t triedLengths = 20;
-
     // Nugget.
 
     /** A gain below this is no evidence for a nugget. */
@@ -96,18 +113,12 @@ struct SearchPolicy
      *  nine of 218 fits. Self, Liang, J. Am. Stat. Assoc. 82 (1987). */
     double significantGain = 2.7;
     double slightNoise = 1e-4;
-    /** With all lengths at their lower bound the likelihood hardly separates spikes at the cases
-     * from noise, and between the cases both predict the same: with more than 20 cases noise is
-     *  preferred if it costs no more. */
-    double spikesGain = 0.4;
-    std::size_t spikesCases = 20;
     /** A subset's estimate below this may be too much for all cases: the least nugget is tried. */
     double smoothSubsetNugget = 1e-6;
 
     // Order of the trend.
 
-    /** With fewer cases per term the order is chosen. */
-    std::size_t casesPerTerm = 20;
-    /** What a higher order has to gain; without it the tables lose 2 %. */
-    double trendGain = 1.0;
+    /** With fewer cases per term the trend of a smooth output is constant: the terms would take
+     *  away from the few cases what the correlations predict better. */
+    std::size_t casesPerTerm = 15;
 };

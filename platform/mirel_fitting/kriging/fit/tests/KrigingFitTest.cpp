@@ -94,7 +94,7 @@ TEST(KrigingFit, IsTheMeanWithoutInputs)
     // Without itself a case is predicted by the mean of the two others: -3, -1.5 and 4.5 off.
     EXPECT_DOUBLE_EQ(fit.metrics.press, 31.5);
     EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
-    EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 3.0);
+    EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 2.0);
 }
 
 TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
@@ -106,7 +106,7 @@ TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
         EXPECT_DOUBLE_EQ(fit.metrics.looRmse / unit, std::sqrt(31.5 / 3.0));
         EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
         EXPECT_NEAR(fit.report.logLikelihood,
-                    fitOf({}, {1.0, 2.0, 6.0}).report.logLikelihood - 3.0 * std::log(unit), 1e-9);
+                    fitOf({}, {1.0, 2.0, 6.0}).report.logLikelihood - 2.0 * std::log(unit), 1e-9);
     }
 }
 
@@ -132,14 +132,14 @@ TEST(KrigingFit, ManagesWithTwoCases)
                            "too few for more."));
 }
 
-TEST(KrigingFit, MeetsAHandfulOfCasesThatCouldAsWellBeNoise)
+TEST(KrigingFit, TakesAHandfulOfCasesWithoutOrderForNoise)
 {
-    // No order in three values: a nugget of any size is as likely as short lengths.
+    // To meet them, lengths would have to be shorter than their spacing.
     const KrigingFit fit = fitOf({{0.0, 1.0, 2.0}}, {0.3, 0.5, 0.4});
 
-    EXPECT_NEAR(valueAt(fit, {0.0}), 0.3, 1e-9);
-    EXPECT_NEAR(valueAt(fit, {1.0}), 0.5, 1e-9);
-    EXPECT_NEAR(valueAt(fit, {2.0}), 0.4, 1e-9);
+    for (const double x : {0.0, 0.5, 2.0}) {
+        EXPECT_NEAR(valueAt(fit, {x}), 0.4, 1e-3);
+    }
 }
 
 TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
@@ -172,7 +172,7 @@ TEST(KrigingFit, LowersTheTrendForFewCases)
                            "too few for more."));
 }
 
-TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
+TEST(KrigingFit, LowersTheTrendOfFewCasesWithoutNoise)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
@@ -180,26 +180,9 @@ TEST(KrigingFit, LowersATrendThatDoesNotPredictBetter)
 
     EXPECT_EQ(fit.report.trendOrder, 0);
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1"}));
-    const std::string start = "The order of the trend was lowered from 1 to 0: with 20 distinct "
-                              "cases a higher one is not seen to predict better, both measures "
-                              "together (corrected Akaike criterion ";
-    ASSERT_EQ(std::count_if(fit.warnings.begin(), fit.warnings.end(),
-                            [&](const std::string& text) {
-                                return text.compare(0, start.size(), start) == 0;
-                            }),
-              1);
-    // 2 ln L less of the likelihood that is reported, k = 1 term, 2 lengths and the variance.
-    const double criterion = -2.0 * fit.report.logLikelihood + 8.0 + 40.0 / 15.0;
-    const auto sentence =
-        std::find_if(fit.warnings.begin(), fit.warnings.end(), [&](const std::string& text) {
-            return text.compare(0, start.size(), start) == 0;
-        });
-    EXPECT_NEAR(std::stod(sentence->substr(start.size())), criterion, 1e-5);
-    const std::string middle = ", leave-one-out error ";
-    const std::size_t errors = sentence->find(middle);
-    ASSERT_NE(errors, std::string::npos) << *sentence;
-    EXPECT_NEAR(std::stod(sentence->substr(errors + middle.size())), fit.metrics.looRmse,
-                1e-5 * fit.metrics.looRmse);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: the cases show no "
+                           "noise, and from 20 distinct cases a constant trend predicts a smooth "
+                           "output better."));
 }
 
 TEST(KrigingFit, KeepsATrendThatPredictsBetter)
@@ -287,13 +270,14 @@ TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
     const KrigingFit fit = fitOf(inputs, output, options);
 
     EXPECT_GT(fit.metrics.rmse, 0.1);
-    EXPECT_NEAR(fit.report.noiseDeviation, fit.metrics.rmse, 0.01 * fit.metrics.rmse);
+    // The variance has 29 degrees of freedom.
+    EXPECT_NEAR(fit.report.noiseDeviation, fit.metrics.rmse * std::sqrt(30.0 / 29.0),
+                0.01 * fit.metrics.rmse);
 }
 
 TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
 {
-    int alone = 0; // fits in which no case tells anything about another
-    // Noise of which the likelihood prefers spikes by a little.
+    // The likelihood without the prior of the lengths prefers spikes by a little.
     for (const std::uint64_t seed : {9, 15, 32}) {
         UniformNumbers numbers(seed);
         std::vector<double> noise;
@@ -303,15 +287,11 @@ TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
 
         const KrigingFit fit = fitOf(latinHypercube(60, 2, seed), noise);
 
-        if (fit.report.lengthBounds == std::vector<Bound>(2, Bound::Lower)) {
-            ++alone;
-            EXPECT_EQ(fit.report.nuggetBound, Bound::Upper) << seed;
-            EXPECT_TRUE(warns(fit, "The nugget is at its upper bound, 100 times the process "
-                                   "variance: beyond the trend the cases show no correlation."))
-                << seed;
+        EXPECT_GT(fit.report.nugget, 0.1) << seed;
+        for (const double length : fit.report.correlationLengths) {
+            EXPECT_GT(length, 0.2) << seed;
         }
     }
-    EXPECT_GT(alone, 0);
 }
 
 TEST(KrigingFit, ReportsAFractionThatNeverDecreases)
@@ -428,7 +408,8 @@ TEST_P(KrigingFitInUnits, IsTheSameFit)
                 valueAt(fit, {0.3, 0.6}), 1e-5);
     EXPECT_NEAR(other.report.correlationLengths[0] / unit.inputScale,
                 fit.report.correlationLengths[0], 1e-3 * fit.report.correlationLengths[0]);
-    EXPECT_NEAR(other.report.logLikelihood + 25.0 * std::log(unit.outputScale),
+    EXPECT_NEAR(other.report.logLikelihood +
+                    fit.report.degreesOfFreedom * std::log(unit.outputScale),
                 fit.report.logLikelihood, 25 * 1e-4);
     EXPECT_NEAR(other.metrics.q2, fit.metrics.q2, 1e-6);
 }

@@ -32,18 +32,12 @@ TEST(KrigingWarnings, SaysWhatBecameOfRepeatedCases)
               "input apart) but have different outputs: the model smooths them.");
 }
 
-TEST(KrigingWarnings, ComparesALoweredTrendWithTheOneAskedFor)
+TEST(KrigingWarnings, SayWhyTheTrendOfSmoothOutputsIsConstant)
 {
-    KrigingWarnings::Lowered lowered;
-    lowered.from = 2;
-    lowered.to = 1;
-    lowered.after = {50.5, 0.25};
-    lowered.before = {210.0, 0.125};
-
-    EXPECT_EQ(KrigingWarnings::ofLoweredTrend(lowered, 12),
-              "The order of the trend was lowered from 2 to 1: with 12 distinct cases a higher one "
-              "is not seen to predict better, both measures together (corrected Akaike criterion "
-              "50.5 instead of 210, leave-one-out error 0.25 instead of 0.125).");
+    EXPECT_EQ(
+        KrigingWarnings::ofSmoothOutput(1, 30),
+        "The order of the trend was lowered from 1 to 0: the cases show no noise, and from 30 "
+        "distinct cases a constant trend predicts a smooth output better.");
 }
 
 TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsed)

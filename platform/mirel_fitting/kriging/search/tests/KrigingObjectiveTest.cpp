@@ -32,15 +32,19 @@ std::vector<double> logarithms(const KrigingParameters& parameters)
 
 } // namespace
 
-TEST(KrigingObjective, IsTheLikelihoodOfLogarithms)
+TEST(KrigingObjective, IsTheLikelihoodAndThePriorOfLogarithms)
 {
     const auto data = someCases();
     KrigingSearchSettings settings;
     const KrigingSearchVariables variables(*data, settings);
     KrigingObjective objective(data, variables, settings);
 
-    EXPECT_NEAR(objective.value(logarithms({{0.3, 2.0}, 1e-3})),
-                KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3), 1e-9);
+    const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
+    const LengthPrior prior(settings.policy);
+    const double likelihood = KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3);
+    EXPECT_NEAR(objective.value(point),
+                likelihood + prior.value(std::log(0.3)) + prior.value(std::log(2.0)), 1e-9);
+    EXPECT_NEAR(objective.logLikelihood(point), likelihood, 1e-9);
     EXPECT_EQ(objective.evaluations(), 1u);
 }
 

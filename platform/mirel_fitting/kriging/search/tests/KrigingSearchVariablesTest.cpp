@@ -60,13 +60,9 @@ TEST(KrigingSearchVariables, ReachHalfTheSpacingOfManyCasesOfOneInput)
 TEST(KrigingSearchVariables, StartInsideTheBounds)
 {
     const KrigingSearchVariables all = variables(50, 2);
-    std::vector<std::vector<double>> starts = all.standardStarts();
-    EXPECT_EQ(starts.size(), 2u);
-    for (const std::vector<double>& start : all.randomStarts()) {
-        starts.push_back(start);
-    }
 
-    for (const std::vector<double>& start : starts) {
+    EXPECT_EQ(all.starts().size(), 6u);
+    for (const std::vector<double>& start : all.starts()) {
         for (std::size_t k = 0; k < all.size(); ++k) {
             EXPECT_GT(start[k], all.lower[k]);
             EXPECT_LT(start[k], all.upper[k]);

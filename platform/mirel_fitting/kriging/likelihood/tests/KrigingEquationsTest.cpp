@@ -1,0 +1,78 @@
+#include <mirel_fitting/kriging/likelihood/KrigingEquations.h>
+
+#include "KrigingLikelihoodTestSupport.h"
+
+#include <gtest/gtest.h>
+
+TEST(KrigingEquations, LeavesOutEachCaseLikeARefitWithoutIt)
+{
+    const auto data = someData(15);
+    KrigingEquations equations(data);
+    equations.solve(someLengths, someNugget);
+
+    const std::vector<double> residuals = equations.leaveOneOutResiduals();
+
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        const DirectKriging others = direct(*data, someLengths, someNugget, i);
+        const DirectKriging::Vector point = {data->coordinates[i],
+                                             data->coordinates[data->cases + i]};
+        const DirectKriging::Real expected =
+            data->output[i] - others.predict(point, {1.0L, point[0], point[1]});
+        EXPECT_NEAR(residuals[i], static_cast<double>(expected), 1e-9) << i;
+    }
+}
+
+TEST(KrigingEquations, LeavesOutNoCaseThatTheTrendCannotDoWithout)
+{
+    // Only the last case has another second coordinate: without it the slope is unknown.
+    const auto data = someData(8);
+    for (std::size_t i = 0; i < 8; ++i) {
+        data->coordinates[8 + i] = data->trend[16 + i] = i == 7 ? 1.0 : 0.0;
+    }
+    KrigingEquations equations(data);
+    equations.solve(someLengths, someNugget);
+
+    const std::vector<double> residuals = equations.leaveOneOutResiduals();
+
+    EXPECT_TRUE(std::isfinite(residuals[0]));
+    EXPECT_TRUE(std::isnan(residuals[7]));
+}
+
+TEST(KrigingEquations, EstimatesTheCondition)
+{
+    // Nearly independent cases: close to 1. Long lengths and a small nugget: the largest eigenvalue
+    // is near the number of cases, the smallest near the nugget.
+    KrigingEquations equations(someData(30));
+
+    equations.solve({1e-4, 1e-4}, 1e-3);
+    EXPECT_NEAR(equations.conditionEstimate(), 1.0, 1e-6);
+
+    equations.solve({300.0, 300.0}, 1e-3);
+    EXPECT_GT(equations.conditionEstimate(), 1e4);
+    EXPECT_LT(equations.conditionEstimate(), 30.0 * 30.0 / 1e-3);
+}
+
+TEST(KrigingEquations, TellsWhatItLeavesUnexplained)
+{
+    const auto data = someData(20);
+    KrigingEquations equations(data);
+    equations.solve(someLengths, someNugget);
+
+    const std::vector<double> residuals = equations.residuals();
+
+    // R weights = y - trend, and R is the correlation plus the nugget.
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        EXPECT_NEAR(residuals[i], someNugget * equations.weights()[i], 1e-10) << i;
+    }
+}
+
+TEST(KrigingEquations, KnowsWhetherMostCasesLieFartherApartThanALength)
+{
+    KrigingEquations equations(someData(30));
+
+    equations.solve(someLengths, someNugget);
+    EXPECT_FALSE(equations.areCasesFarApart());
+
+    equations.solve({0.02, 0.02}, someNugget);
+    EXPECT_TRUE(equations.areCasesFarApart());
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
+/**
+ * The weak prior of a correlation length: ln(length / range) is normal about
+ * SearchPolicy::priorLength, with a small deviation below and a large one above it. With few cases
+ * the likelihood is often greatest at lengths below their spacing, where the model is the trend
+ * with a spike at each case. Long lengths are left nearly free: an input may have no influence. Gu,
+ * Wang, Berger: Robust Gaussian stochastic process emulation, Ann. Stat. 46 (2018).
+ */
+class LengthPrior
+{
+public:
+    explicit LengthPrior(const SearchPolicy& policy) : policy(policy) {}
+
+    /** The logarithm of the density over its maximum. @param logLength of the length in ranges. */
+    double value(double logLength) const;
+    double slope(double logLength) const;
+    /** Minus the second derivative. */
+    double curvature(double logLength) const;
+
+private:
+    SearchPolicy policy;
+};
