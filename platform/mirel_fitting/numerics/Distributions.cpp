@@ -4,7 +4,6 @@
 #include <mirel_fitting/numerics/NumberText.h>
 
 #include <boost/math/distributions/fisher_f.hpp>
-#include <boost/math/distributions/normal.hpp>
 #include <boost/math/distributions/students_t.hpp>
 
 #include <algorithm>
@@ -24,11 +23,6 @@ double Distributions::studentQuantile(double level, double degreesOfFreedom)
 {
     const boost::math::students_t distribution(degreesOfFreedom);
     return boost::math::quantile(boost::math::complement(distribution, upperTail(level)));
-}
-
-double Distributions::normalQuantile(double level)
-{
-    return boost::math::quantile(boost::math::complement(boost::math::normal(), upperTail(level)));
 }
 
 double Distributions::studentTails(double t, double degreesOfFreedom)

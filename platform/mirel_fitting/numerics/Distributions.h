@@ -8,9 +8,6 @@ public:
     /** The two-sided quantile q of Student's t: P(|T| <= q) = level. */
     static double studentQuantile(double level, double degreesOfFreedom);
 
-    /** The two-sided quantile of the standard normal distribution. */
-    static double normalQuantile(double level);
-
     /** The two-sided tail probability P(|T| >= |t|). */
     static double studentTails(double t, double degreesOfFreedom);
 
