@@ -32,10 +32,10 @@ public:
     /**
      * Every output is transformed alike if it can be; none: each as its likelihood says, when it is
      * first used. A transform is then chosen if with it both the log-likelihood and the log-density
-     * of left-out cases, in the output's units, are larger by more than 5: where the two disagree,
-     * the likelihood rests on cases that the model does not predict. They are compared on 100 of
-     * the distinct cases; an output whose largest value is less than 1.5 times its smallest is left
-     * as it is, since no transform would bend it much.
+     * of left-out cases, in the output's units, are larger by more than 5, or 10 where only some
+     * cases are compared: where the two disagree, the likelihood rests on cases that the model does
+     * not predict. They are compared on 100 of the distinct cases; an output whose largest value is
+     * less than 1.5 times its smallest is left as it is, since no transform would bend it much.
      */
     using Choice = std::optional<OutputTransform>;
 
