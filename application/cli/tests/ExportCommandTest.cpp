@@ -182,9 +182,9 @@ TEST_F(ExportCommand, AFaultLeavesTheFileAsItWas)
 
 TEST_F(ExportCommand, WarningsGoToTheStandardError)
 {
-    const Outcome done = run("export cvd.csv -y Stress -m kriging --format text");
+    const Outcome done = run("export cvd.csv -y Uniformity -m kriging --format text");
 
     EXPECT_EQ(done.exitCode, 0);
     EXPECT_EQ(done.out.rfind("Kriging model\n", 0), 0u);
-    EXPECT_NE(done.err.find("Warning for Stress: "), std::string::npos);
+    EXPECT_NE(done.err.find("Warning for Uniformity: "), std::string::npos);
 }
