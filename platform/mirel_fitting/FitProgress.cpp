@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -75,5 +76,9 @@ FitProgress::Portion::Portion(double from, double to, std::string message, doubl
 
 FitProgress::Portion::~Portion()
 {
+    if (outer && outer->size > 0.0) {
+        outer->reached =
+            std::max(outer->reached, (start + size * reached - outer->start) / outer->size);
+    }
     innermost = outer;
 }

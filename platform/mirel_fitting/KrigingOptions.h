@@ -18,10 +18,10 @@ struct KrigingOptions
      *  estimated. */
     std::vector<double> correlationLengths;
     /**
-     * Highest order of the trend: 0 constant, 1 linear, 2 full quadratic. Lowered when cases are
-     * too few, and to a constant when they are fewer than 15 per term and show no noise (not with
-     * fixed lengths); terms that the cases cannot separate are dropped; all reported in the
-     * warnings.
+     * Highest order of the trend: 0 constant, 1 linear, 2 full quadratic. Lowered when there are
+     * fewer than 2.5 cases per term, and to a constant when there are fewer than 15 and they show
+     * no noise (not with fixed lengths); terms that the cases cannot separate are dropped; all
+     * reported in the warnings.
      */
     int trendOrder = 1;
     /** Where the search starts, as a fraction of each input's range; positive. */

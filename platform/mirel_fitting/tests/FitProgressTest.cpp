@@ -114,6 +114,24 @@ TEST(FitProgress, RepeatsTheLastFractionWhereTheWorkIsUnknown)
     EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.75}));
 }
 
+TEST(FitProgress, DoesNotGoBackBetweenThePartsOfAPortion)
+{
+    double last = -1.0;
+    FitProgress progress([&](double fraction, const std::string&) {
+        last = fraction;
+        return true;
+    });
+    const FitProgress::Portion whole(0.0, 1.0, "fitting");
+    {
+        const FitProgress::Portion part(0.0, 0.5);
+        FitProgress::report(0.8, "searching");
+    }
+
+    FitProgress::advance();
+
+    EXPECT_DOUBLE_EQ(last, 0.4);
+}
+
 TEST(FitProgress, IsSilentAboutWorkThatBelongsToNoFit)
 {
     int calls = 0;

@@ -5,6 +5,7 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -52,30 +53,43 @@ int KrigingEstimate::refinements() const
     return allCases->cases > sizes.maxRefinedTwice ? 1 : 2;
 }
 
-/** With few cases per term the trend becomes constant unless there is noise. */
+/** With few cases per term the trend becomes constant unless there is noise; with very few its
+ * order is lowered whatever they show. */
 void KrigingEstimate::searchWithAll()
 {
     constexpr double first = 0.5; // of the work, if there is a second search
 
     const KrigingSearchSettings settings = input.searchSettings();
     const SearchPolicy& policy = settings.policy;
-    const bool areFewCases = input.options.correlationLengths.empty() && chosenTrend->order() > 0 &&
-                             allCases->cases < policy.casesPerTerm * chosenTrend->size();
+    const auto hasFewer = [&](double casesPerTerm) {
+        return input.options.correlationLengths.empty() && chosenTrend->order() > 0 &&
+               static_cast<double>(allCases->cases) <
+                   casesPerTerm * static_cast<double>(chosenTrend->size());
+    };
+    while (hasFewer(policy.fewestCasesPerTerm)) {
+        lowerTrend(chosenTrend->order() - 1);
+    }
+    const bool areFewCases = hasFewer(policy.casesPerTerm);
     {
         const FitProgress::Portion portion(0.0, areFewCases ? first : 1.0);
         found = KrigingSearch::run(allCases, settings);
     }
-    if (!areFewCases || found.parameters.nugget > settings.leastNugget()) {
-        return;
+    if (areFewCases && found.parameters.nugget <= settings.leastNugget()) {
+        isSmooth = true;
+        const FitProgress::Portion portion(first, 1.0);
+        lowerTrend(0);
+        found = KrigingSearch::run(allCases, settings);
     }
-    const FitProgress::Portion portion(first, 1.0);
+}
+
+void KrigingEstimate::lowerTrend(int order)
+{
     const std::size_t otherParameters = allCases->inputs + 1;
-    loweredFrom = chosenTrend->order();
+    loweredFrom = std::max(loweredFrom, chosenTrend->order());
     chosenTrend = std::make_shared<KrigingTrend>(allCases->cases, allCases->inputs,
-                                                 allCases->coordinates, 0, otherParameters);
+                                                 allCases->coordinates, order, otherParameters);
     allCases->terms = chosenTrend->size();
     allCases->trend = chosenTrend->matrix();
-    found = KrigingSearch::run(allCases, settings);
 }
 
 void KrigingEstimate::warn(KrigingFit& fit) const
@@ -87,7 +101,10 @@ void KrigingEstimate::warn(KrigingFit& fit) const
             KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
     if (loweredFrom > 0) {
-        fit.warnings.push_back(KrigingWarnings::ofSmoothOutput(loweredFrom, allCases->cases));
+        fit.warnings.push_back(isSmooth
+                                   ? KrigingWarnings::ofSmoothOutput(loweredFrom, allCases->cases)
+                                   : KrigingWarnings::ofTooFewCases(
+                                         loweredFrom, chosenTrend->order(), allCases->cases));
     } else {
         input.warnOfTrend(*chosenTrend, allCases->cases, fit);
     }

@@ -52,11 +52,13 @@ public:
 private:
     void search();
     void searchWithAll();
+    void lowerTrend(int order);
     int refinements() const;
 
     const KrigingFitInput& input;
     std::shared_ptr<const KrigingTrend> chosenTrend;
     std::shared_ptr<KrigingData> allCases;
-    int loweredFrom = 0; // order of the trend; 0: it was not lowered
+    int loweredFrom = 0;   // order of the trend; 0: it was not lowered
+    bool isSmooth = false; // and therefore it was lowered
     KrigingSearchResult found;
 };

@@ -10,8 +10,8 @@ KrigingSearchVariables::KrigingSearchVariables(const KrigingData& data,
       settings(settings), inputs(data.inputs)
 {
     const SearchPolicy& policy = settings.policy;
-    const double spacing = std::pow(static_cast<double>(data.cases),
-                                    -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
+    spacing = std::pow(static_cast<double>(data.cases),
+                       -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
     const double shortest = std::min(policy.shortestLength, policy.shortestSpacing * spacing);
     lower.assign(lengths, std::log(shortest));
     upper.assign(lengths, std::log(policy.longestLength));
@@ -56,7 +56,9 @@ std::vector<std::vector<double>> KrigingSearchVariables::starts() const
 {
     std::vector<std::vector<double>> result;
     for (const SearchPolicy::Start& start : settings.policy.starts) {
-        result.push_back(uniform(start.length * settings.initialLength, start.nugget));
+        const double length =
+            std::min(start.length * settings.initialLength, start.spacings * spacing);
+        result.push_back(uniform(length, start.nugget));
     }
     return result;
 }

@@ -49,4 +49,5 @@ private:
 
     KrigingSearchSettings settings;
     std::size_t inputs;
+    double spacing = 1.0; // of the cases, on average along each axis, in ranges
 };

@@ -185,6 +185,19 @@ TEST(KrigingFit, LowersTheTrendOfFewCasesWithoutNoise)
                            "output better."));
 }
 
+TEST(KrigingFit, LowersTheTrendOfVeryFewCasesWithNoiseToo)
+{
+    const Columns inputs = latinHypercube(14, 5, 3);
+    UniformNumbers numbers(7);
+    const std::vector<double> noise = numbers.next(14);
+
+    const KrigingFit fit = fitOf(inputs, noise, withTrend(1));
+
+    EXPECT_EQ(fit.report.trendOrder, 0);
+    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: 14 distinct cases are "
+                           "too few for more."));
+}
+
 TEST(KrigingFit, KeepsATrendThatPredictsBetter)
 {
     const Columns inputs = latinHypercube(20, 2, 3);

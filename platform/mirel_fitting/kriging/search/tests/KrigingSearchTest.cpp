@@ -265,6 +265,23 @@ TEST(KrigingSearch, ContinuesOnAllCasesWhatAFewHaveFound)
     EXPECT_LT(result.evaluations, 40u);
 }
 
+TEST(KrigingSearch, FindsTheManyWavesThatHundredsOfCasesOfOneInputShow)
+{
+    // Yearly readings over three centuries, of a cycle of eleven years.
+    std::vector<double> years;
+    std::vector<double> readings;
+    for (int year = 0; year < 300; year += year % 4 == 2 ? 2 : 1) {
+        years.push_back(year / 300.0);
+        readings.push_back(std::sin(2.0 * std::acos(-1.0) * year / 11.0) +
+                           0.3 * std::sin(0.37 * year));
+    }
+
+    const KrigingSearch::Result result = KrigingSearch::run(dataOf({years}, readings), {});
+
+    EXPECT_LT(result.parameters.lengths[0], 0.1);
+    EXPECT_LT(result.parameters.nugget, 0.01);
+}
+
 TEST(KrigingSearch, KnowsNoSecondOptimumWhereAllSearchesMeet)
 {
     EXPECT_EQ(KrigingSearch::run(wave(40), {}).secondLogLikelihood,
