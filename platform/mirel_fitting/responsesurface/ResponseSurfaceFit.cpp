@@ -210,8 +210,12 @@ IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) 
             "There are no prediction intervals: the polynomial has as many terms as there are "
             "cases, and none is left to tell the error by.");
     }
+    const std::size_t cases = metrics(output).cases;
+    const std::size_t points = replicated.any() ? cases - replicated.degreesOfFreedom() : cases;
     return {static_cast<double>(freedom),
-            fits[output].analysis().studentisedDeletedResiduals(replicated)};
+            fits[output].analysis().studentisedDeletedResiduals(replicated),
+            points >= IntervalCalibration::fewestPoints ? IntervalCalibration::Basis::LeaveOneOut
+                                                        : IntervalCalibration::Basis::Distribution};
 }
 
 std::vector<double> ResponseSurfaceFit::standardErrors(std::size_t output,

@@ -71,6 +71,21 @@ TEST(ResponseSurfaceUncertainty, CalibratesIntervalsButNotConfidenceLimitsFromFo
     EXPECT_EQ(model.calibrationReport(0).cases, 200u);
 }
 
+TEST(ResponseSurfaceUncertainty, IsByStudentsTWhereFewPointsHaveManyReplicates)
+{
+    // Replicates are left out together: the last point is then predicted from far away.
+    Cases cases{{{}}, {{}}};
+    for (int row = 0; row < 80; ++row) {
+        const double x = std::exp2(row % 8);
+        cases.inputs[0].push_back(x);
+        cases.outputs[0].push_back(std::sqrt(x) + 0.01 * (row % 7));
+    }
+    const Model model = fit(cases);
+
+    EXPECT_EQ(model.calibrationReport(0).basis, CalibrationReport::Basis::Distribution);
+    EXPECT_EQ(model.intervalQuantile(0, 0.95), model.confidenceQuantile(0, 0.95));
+}
+
 TEST(ResponseSurfaceUncertainty, RefusesALevelThatIsNoProbability)
 {
     const Model model = fit(twoInputs(40, 1.0));

@@ -25,8 +25,8 @@ bool areRefitsWorthwhile(const KrigingFitInput& input, const FittedKriging& mode
     const bool isEstimated =
         input.options.correlationLengths.empty() || !input.options.isNuggetFixed();
     return isEstimated && model.correlation && !model.neighbours &&
-           input.output.size() >= IntervalCalibration::fewestCases && points >= 2 * folds &&
-           points <= mostPoints;
+           input.output.size() >= IntervalCalibration::fewestCases &&
+           points >= IntervalCalibration::fewestPoints && points <= mostPoints;
 }
 
 std::vector<double> leaveOneOutResiduals(const KrigingFitInput& input, const KrigingFit& fit)
@@ -47,6 +47,8 @@ IntervalCalibration calibrateIntervals(const KrigingFitInput& input, const Krigi
         return {degreesOfFreedom(model), KrigingRefits::residuals(input, model, folds),
                 IntervalCalibration::Basis::Refits};
     }
+    const bool areEnough = model.data->cases >= IntervalCalibration::fewestPoints;
     return {degreesOfFreedom(model), leaveOneOutResiduals(input, fit),
-            IntervalCalibration::Basis::LeaveOneOut};
+            areEnough ? IntervalCalibration::Basis::LeaveOneOut
+                      : IntervalCalibration::Basis::Distribution};
 }

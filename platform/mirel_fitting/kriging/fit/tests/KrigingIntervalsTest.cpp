@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using Basis = CalibrationReport::Basis;
@@ -67,6 +69,22 @@ TEST(KrigingIntervals, RestOnLeaveOneOutOfCasesTooManyForOneMatrix)
     options.sizes.searched = 60;
 
     EXPECT_EQ(ofWave(200, options).report().basis, Basis::LeaveOneOut);
+}
+
+TEST(KrigingIntervals, OfFewPointsAreThoseOfStudentsTHoweverManyReplicates)
+{
+    UniformNumbers numbers(3);
+    Columns inputs(1);
+    std::vector<double> output;
+    for (int i = 0; i < 80; ++i) {
+        inputs[0].push_back(std::exp2(i % 8));
+        output.push_back(std::sqrt(inputs[0].back()) + 0.1 * numbers.normal());
+    }
+
+    const IntervalCalibration found = calibrated(inputs, output);
+
+    EXPECT_EQ(found.report().basis, Basis::Distribution);
+    EXPECT_EQ(found.quantile(0.95), Distributions::studentQuantile(0.95, 79.0));
 }
 
 TEST(KrigingIntervals, AreWiderWhereTheNoiseIsUneven)
