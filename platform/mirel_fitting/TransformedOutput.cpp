@@ -72,14 +72,23 @@ std::vector<double> withUnitJacobian(OutputTransform transform, const std::vecto
     return values;
 }
 
-/** The logarithm of the density of left-out cases, but for a constant: each under the normal
- *  distribution that the fit to the others predicts. */
-double leftOutDensity(const FittedModel& model, int offset)
+/** The logarithm of the density of a left-out case, but for a constant, under the normal
+ *  distribution that the fit to the others predicts; NaN where these do not determine it. */
+double leftOutDensity(const LeaveOneOutPrediction& one)
 {
+    const double deviations = (one.output - one.predicted) / one.standardError;
+    return -std::log(one.standardError) - 0.5 * deviations * deviations;
+}
+
+/** How much greater the densities of all left-out cases are with an output than with the first. */
+double gainOfDensity(const FittedModel& model, int offset)
+{
+    const std::vector<LeaveOneOutPrediction> first = model.leaveOneOutPredictions(0);
+    const std::vector<LeaveOneOutPrediction> other = model.leaveOneOutPredictions(offset);
     double sum = 0.0;
-    for (const LeaveOneOutPrediction& one : model.leaveOneOutPredictions(offset)) {
-        const double deviations = (one.output - one.predicted) / one.standardError;
-        sum -= std::log(one.standardError) + 0.5 * deviations * deviations;
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        const double gain = leftOutDensity(other[i]) - leftOutDensity(first[i]);
+        sum += std::isnan(gain) ? 0.0 : gain;
     }
     return sum;
 }
@@ -94,7 +103,7 @@ double gainOf(const FittedModel& model, int offset)
     if (std::isinf(likelihood) || std::isnan(likelihood)) {
         return likelihood;
     }
-    const double density = leftOutDensity(model, offset) - leftOutDensity(model, 0);
+    const double density = gainOfDensity(model, offset);
     return density < likelihood || std::isnan(density) ? density : likelihood;
 }
 
@@ -182,6 +191,13 @@ public:
     {
         return 0.5 * (OutputTransforms::invert(transform, predicted + error) -
                       OutputTransforms::invert(transform, predicted - error));
+    }
+
+    /** Whether a transform was asked for that the output does not have. */
+    bool isRefused(const Fit& fit) const
+    {
+        return choice.value_or(OutputTransform::None) != OutputTransform::None &&
+               fit.transform == OutputTransform::None;
     }
 
     ArgumentCheck columns;
@@ -448,7 +464,14 @@ FitMetrics TransformedOutput::fitMetrics(int offset) const
 std::vector<std::string>
 TransformedOutput::fitWarnings(int offset, const std::vector<std::string>& inputNames) const
 {
-    return impl->inner->fitWarnings(impl->fit(offset).innerOffset, inputNames);
+    const Impl::Fit& fit = impl->fit(offset);
+    std::vector<std::string> warnings = impl->inner->fitWarnings(fit.innerOffset, inputNames);
+    if (impl->isRefused(fit)) {
+        warnings.insert(warnings.begin(),
+                        "The output is not positive in all cases: it was modelled itself, not its "
+                        "logarithm or square root.");
+    }
+    return warnings;
 }
 
 std::vector<double> TransformedOutput::extrapolations(const std::vector<double*>& inputs,

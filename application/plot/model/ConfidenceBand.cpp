@@ -17,6 +17,9 @@ ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std
     if (model == nullptr) {
         return {};
     }
+    if (session.fit().outputs[output].modelled.transform != OutputTransform::None) {
+        return {}; // what lies so many standard errors off is no limit of the output
+    }
     const int offset = session.outputOffsets()[output];
     std::vector<double*> points;
     for (const ModelCut::Column& input : cut.inputs) {

@@ -13,8 +13,8 @@ struct ModelCut;
 struct SURROGATE_PLOT_EXPORT ConfidenceBand
 {
     double quantile = 0.0;
-    /** One per point of a cut; empty if the model has none, or as many terms as cases leave nothing
-     *  to estimate them from. */
+    /** One per point of a cut; empty if the model has none, if as many terms as cases leave nothing
+     *  to estimate them from, or if a transform of the output was modelled. */
     std::vector<double> standardErrors;
 
     /** @throw SurrogateModelInterface::Error */

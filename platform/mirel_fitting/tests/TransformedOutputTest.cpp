@@ -136,6 +136,19 @@ TEST(TransformedOutput, TransformsOnlyWhatIsPositiveInAllCases)
 
     EXPECT_EQ(model.transform(0), OutputTransform::None);
     EXPECT_EQ(model.transform(1), OutputTransform::Logarithm);
+    EXPECT_EQ(model.fitWarnings(0).at(0),
+              "The output is not positive in all cases: it was modelled itself, not its logarithm "
+              "or square root.");
+}
+
+TEST(TransformedOutput, IsChosenByTheCasesThatTheOthersPredict)
+{
+    // One case at a place of its own, which no linear trend of the others reaches.
+    Cases cases = casesOf(overDecades);
+    cases.inputs.push_back(Column(40, 0.0));
+    cases.inputs.back()[5] = 1.0;
+
+    EXPECT_EQ(modelOf(cases).transform(0), OutputTransform::Logarithm);
 }
 
 TEST(TransformedOutput, TransformsAllOutputsAlikeIfThatIsChosen)
