@@ -20,6 +20,12 @@ KrigingEstimate::KrigingEstimate(const KrigingFitInput& input,
         search();
     }
     if (isPureErrorNegligible(input, *allCases, found)) {
+        // The order of the trend, too, was chosen by what is misleading.
+        if (loweredFrom > 0) {
+            chosenTrend = input.addTrend(*allCases);
+            loweredFrom = 0;
+            isSmooth = false;
+        }
         allCases->averageReplicates();
         const FitProgress::Portion portion(once, 1.0);
         search();
@@ -74,7 +80,10 @@ void KrigingEstimate::searchWithAll()
         const FitProgress::Portion portion(0.0, areFewCases ? first : 1.0);
         found = KrigingSearch::run(allCases, settings);
     }
-    if (areFewCases && found.parameters.nugget <= settings.leastNugget()) {
+    const bool isSmoothOutput =
+        !input.isNuggetWanted() &&
+        (found.isNuggetRaised || found.parameters.nugget <= settings.leastNugget());
+    if (areFewCases && isSmoothOutput) {
         isSmooth = true;
         const FitProgress::Portion portion(first, 1.0);
         lowerTrend(0);

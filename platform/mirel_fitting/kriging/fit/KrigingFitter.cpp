@@ -62,7 +62,9 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     addErrors(fit, distinct, *data, likelihood, found.parameters.nugget);
     estimated.warn(fit);
     distinct.warnOfConflicts(exact.model.interpolates, fit.warnings);
-    if (data->cases > 1 && likelihood.equations().areCasesFarApart()) {
+    constexpr double mostNugget = 1.0; // with more it is mostly the trend that the model follows
+    if (data->cases > 1 && found.parameters.nugget < mostNugget &&
+        likelihood.equations().areCasesFarApart()) {
         fit.warnings.push_back(KrigingWarnings::ofSingleCases());
     }
     return fit;

@@ -53,8 +53,8 @@ KrigingLeaveOneOut KrigingLeaveOneOut::ofMean(const std::vector<double>& output)
         const double deviation = y - reference - sum / n;
         squares += deviation * deviation;
     }
-    // The variance is that of maximum likelihood, times 1 + 1 / (n - 1).
-    const double error = output.size() > 1 ? std::sqrt(squares / (n - 1.0)) : none;
+    // The process variance, times 1 + 1 / (n - 1).
+    const double error = output.size() > 1 ? std::sqrt(squares * n) / (n - 1.0) : none;
     KrigingLeaveOneOut result;
     for (std::size_t row = 0; row < output.size(); ++row) {
         const double others = sum - (output[row] - reference);

@@ -263,10 +263,12 @@ KrigingSearchResult Search::run()
         improveLikeliestStart();
     } else {
         searchFromAllStarts();
-        if (optima.size() > 1 && std::isfinite(optima.second().value)) {
-            gap = optima.best().value - optima.second().value;
-        }
+        const bool hasSecond = optima.size() > 1 && std::isfinite(optima.second().value);
+        const Optimum second = hasSecond ? optima.second() : Optimum();
         preferLeastNugget();
+        if (hasSecond && !variables.areClose(optima.best().point, second.point)) {
+            gap = std::max(0.0, optima.best().value - second.value);
+        }
     }
     const std::vector<double>& best = optima.best().point;
     result.logLikelihood = objective->logLikelihood(best);

@@ -198,6 +198,16 @@ TEST(KrigingFit, LowersTheTrendOfVeryFewCasesWithNoiseToo)
                            "too few for more."));
 }
 
+TEST(KrigingFit, KeepsTheTrendWhereNoiseIsGiven)
+{
+    const Columns inputs = latinHypercube(20, 2, 3);
+    KrigingFitOptions options = withTrend(1);
+    options.nugget = 0.1;
+    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
+
+    EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
+}
+
 TEST(KrigingFit, KeepsATrendThatPredictsBetter)
 {
     const Columns inputs = latinHypercube(20, 2, 3);

@@ -84,8 +84,8 @@ TEST(KrigingLeaveOneOut, OfAMeanAreTheMeansOfTheOthers)
     ASSERT_EQ(left.size(), 3u);
     EXPECT_NEAR(left[0].predicted, 4.0, 1e-14);
     EXPECT_NEAR(left[2].predicted, 1.5, 1e-14);
-    // Of maximum likelihood, 14 / 3, times 1 + 1 / 2.
-    EXPECT_NEAR(left[0].standardError, std::sqrt(7.0), 1e-14);
+    // The process variance, 14 / 2, times 1 + 1 / 2.
+    EXPECT_NEAR(left[0].standardError, std::sqrt(10.5), 1e-14);
 }
 
 TEST(KrigingLeaveOneOut, HasNoFigureForOneCase)
