@@ -280,6 +280,20 @@ TEST(TransformedOutput, ChoosesForResponseSurfacesToo)
     EXPECT_EQ(model.surfaceCoefficientInformation(0).substr(0, 4), "exp(");
 }
 
+TEST(TransformedOutput, ChoosesNoTransformForMoreThanTenThousandCases)
+{
+    Random random(3);
+    Cases cases{{random.column(10001, 0.0, 1.0)}, {{}}};
+    for (const double x : cases.inputs[0]) {
+        cases.outputs[0].push_back(std::exp(4.0 * x + 0.1 * random.next()));
+    }
+
+    EXPECT_EQ(modelOf(cases, {}, responseSurface).transform(0), OutputTransform::None);
+    cases.inputs[0].pop_back();
+    cases.outputs[0].pop_back();
+    EXPECT_EQ(modelOf(cases, {}, responseSurface).transform(0), OutputTransform::Logarithm);
+}
+
 TEST(TransformedOutput, WritesTheEquationOfTheOutput)
 {
     Cases cases{{{0.0, 1.0, 2.0, 3.0}}, {{1.0, 4.0, 9.0, 16.0}}};
