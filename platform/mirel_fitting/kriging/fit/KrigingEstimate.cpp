@@ -5,8 +5,6 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
 
-#include <algorithm>
-#include <numeric>
 #include <utility>
 
 KrigingEstimate::KrigingEstimate(const KrigingFitInput& input,
@@ -21,11 +19,8 @@ KrigingEstimate::KrigingEstimate(const KrigingFitInput& input,
     }
     if (isPureErrorNegligible(input, *allCases, found)) {
         // The order of the trend, too, was chosen by what is misleading.
-        if (loweredFrom > 0) {
-            chosenTrend = input.addTrend(*allCases);
-            loweredFrom = 0;
-            isSmooth = false;
-        }
+        chosenTrend = input.addTrend(*allCases);
+        isSmooth = false;
         allCases->averageReplicates();
         const FitProgress::Portion portion(once, 1.0);
         search();
@@ -94,7 +89,6 @@ void KrigingEstimate::searchWithAll()
 void KrigingEstimate::lowerTrend(int order)
 {
     const std::size_t otherParameters = allCases->inputs + 1;
-    loweredFrom = std::max(loweredFrom, chosenTrend->order());
     chosenTrend = std::make_shared<KrigingTrend>(allCases->cases, allCases->inputs,
                                                  allCases->coordinates, order, otherParameters);
     allCases->terms = chosenTrend->size();
@@ -109,11 +103,9 @@ void KrigingEstimate::warn(KrigingFit& fit) const
         fit.warnings.push_back(
             KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
-    if (loweredFrom > 0) {
-        fit.warnings.push_back(isSmooth
-                                   ? KrigingWarnings::ofSmoothOutput(loweredFrom, allCases->cases)
-                                   : KrigingWarnings::ofTooFewCases(
-                                         loweredFrom, chosenTrend->order(), allCases->cases));
+    if (isSmooth) {
+        fit.warnings.push_back(
+            KrigingWarnings::ofSmoothOutput(input.options.trendOrder, allCases->cases));
     } else {
         input.warnOfTrend(*chosenTrend, allCases->cases, fit);
     }

@@ -58,7 +58,6 @@ private:
     const KrigingFitInput& input;
     std::shared_ptr<const KrigingTrend> chosenTrend;
     std::shared_ptr<KrigingData> allCases;
-    int loweredFrom = 0;   // order of the trend; 0: it was not lowered
-    bool isSmooth = false; // and therefore it was lowered
+    bool isSmooth = false; // the trend is constant for that reason
     KrigingSearchResult found;
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 
 KrigingSearchVariables::KrigingSearchVariables(const KrigingData& data,
                                                const KrigingSearchSettings& settings)
