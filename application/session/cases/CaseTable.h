@@ -30,6 +30,9 @@ struct CaseColumn
 {
     std::string name;
 
+    /** As the row below the heading says, without brackets; empty if it says nothing. */
+    std::string unit;
+
     /** Whether at least half of the filled cells are numbers; a column without a filled cell is
      *  numeric. */
     bool isNumeric = true;

@@ -73,6 +73,17 @@ std::map<std::string, CellsWithoutNumber> cellsWithoutNumberOf(const CaseTable& 
     }
     return byName;
 }
+
+std::map<std::string, std::string> unitsOf(const CaseTable& table)
+{
+    std::map<std::string, std::string> byName;
+    for (const CaseColumn& column : table.columns) {
+        if (!column.unit.empty()) {
+            byName[column.name] = column.unit;
+        }
+    }
+    return byName;
+}
 } // namespace
 
 class Workspace::Impl
@@ -81,7 +92,7 @@ public:
     explicit Impl(CaseTable& table,
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
         : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
-          cellsWithoutNumber(cellsWithoutNumberOf(table)), state(table, model)
+          cellsWithoutNumber(cellsWithoutNumberOf(table)), units(unitsOf(table)), state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -103,6 +114,7 @@ public:
     char separator;
     bool hasDecimalComma;
     std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
+    std::map<std::string, std::string> units;
     SessionState state;
     std::vector<VarPtr> inputs;
     std::optional<CaseCounts> knownCounts;
@@ -214,6 +226,18 @@ const CaseCounts& Workspace::counts() const
 const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber() const
 {
     return impl->cellsWithoutNumber;
+}
+
+std::string Workspace::unitOf(const std::string& name) const
+{
+    const auto found = impl->units.find(name);
+    return found == impl->units.end() ? std::string() : found->second;
+}
+
+std::string Workspace::labelOf(const std::string& name) const
+{
+    const std::string unit = unitOf(name);
+    return unit.empty() ? name : name + " (" + unit + ')';
 }
 
 std::vector<std::size_t> Workspace::validCases() const

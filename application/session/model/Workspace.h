@@ -89,6 +89,13 @@ public:
      *  missing, by name. */
     const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;
 
+    /** The unit of a variable as the case file says it, empty if it says none. */
+    std::string unitOf(const std::string& name) const;
+
+    /** The name with its unit, as pictures and tables show it: "Pressure (MPa)", or the name alone.
+     */
+    std::string labelOf(const std::string& name) const;
+
     /** The positions of the valid cases, ascending: what a model calls its rows. */
     std::vector<std::size_t> validCases() const;
 

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 TEST(Workspace, OpensAProjectWithTheRolesAsNatures)
@@ -45,6 +46,20 @@ TEST(Workspace, StartsWithAResponseSurfaceOfAllTerms)
     EXPECT_TRUE(workspace.responseSurface() == ResponseSurfaceOptions());
     EXPECT_TRUE(workspace.inputs().empty());
     EXPECT_TRUE(workspace.outputs().empty());
+}
+
+TEST(Workspace, LabelsVariablesWithTheUnitsOfTheCaseFile)
+{
+    CaseTable table = cvdCases();
+    table.columns[1].unit = "K";
+
+    const Workspace workspace(std::move(table));
+
+    const std::string second = Project::project()->variables()[1].lock()->name();
+    EXPECT_EQ(workspace.unitOf(second), "K");
+    EXPECT_EQ(workspace.labelOf(second), second + " (K)");
+    EXPECT_EQ(workspace.unitOf("no such name"), "");
+    EXPECT_EQ(workspace.labelOf("no such name"), "no such name");
 }
 
 TEST(Workspace, OpeningIsNoUndoStep)
