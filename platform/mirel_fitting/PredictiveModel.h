@@ -47,9 +47,11 @@ public:
                                                std::size_t count) const = 0;
 
     /**
-     * The same as a sentence for the user. Empty if no point lies outside by more than rounded
-     * values explain: a thousandth of the range, or, for an input that is the same in all cases,
-     * half a unit in the sixth digit.
+     * Which points lie outside the cases, as a sentence for the user that numbers the first ten of
+     * them from 1: outside the range of an input by more than a hundredth of it, or, for an input
+     * that is the same in all cases, by more than half a unit in the sixth digit; or, where the
+     * model can judge that, within all ranges but at a combination of values that no case is near.
+     * Empty if there is none.
      * @param inputNames as for fitWarnings().
      */
     virtual std::string

@@ -151,7 +151,8 @@ std::string SurrogateResponseSurfaceModel::extrapolationWarning(
     const std::vector<std::string>& inputNames) const
 {
     impl->requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count, InputNames(inputNames));
+    return impl->ranges.warning(inputs, count, InputNames(inputNames),
+                                impl->fit.unsupported(impl->ranges, inputs, count));
 }
 
 PredictorDescription SurrogateResponseSurfaceModel::predictorDescription(int offset) const

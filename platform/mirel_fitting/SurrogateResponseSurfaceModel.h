@@ -70,6 +70,8 @@ public:
     fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
+    /** Also of points whose leverage is more than a tenth above the largest of the cases, or that
+     * do not keep a linear relation which the inputs have in all cases. */
     std::string
     extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                          const std::vector<std::string>& inputNames = {}) const override;

@@ -7,6 +7,23 @@
 #include <cmath>
 #include <limits>
 
+namespace {
+
+/** "row 3", "rows 1, 2 and 5", "rows 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 31 more", counted from 1. */
+std::string rowList(const std::vector<std::size_t>& rows)
+{
+    constexpr std::size_t most = 10;
+    const std::size_t named = std::min(rows.size(), most);
+    std::string text = rows.size() == 1 ? "row " : "rows ";
+    for (std::size_t k = 0; k < named; ++k) {
+        text += (k == 0 ? "" : k + 1 == rows.size() ? " and " : ", ") + std::to_string(rows[k] + 1);
+    }
+    return text +
+           (rows.size() > named ? " and " + std::to_string(rows.size() - named) + " more" : "");
+}
+
+} // namespace
+
 CaseRanges::CaseRanges(const std::vector<double*>& columns, std::size_t rows)
 {
     for (const double* column : columns) {
@@ -65,8 +82,20 @@ void CaseRanges::distances(const std::vector<double*>& points, std::size_t count
     }
 }
 
-/** Values that were typed or printed have six digits as a rule: rounded so, the smallest value of
- * an input may lie a little outside its range, which is no extrapolation. */
+void CaseRanges::clamp(std::size_t input, const double* values, std::size_t count,
+                       double* clamped) const
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        // A NaN is kept: no comparison with it is true.
+        const double value = values[i];
+        clamped[i] = value < minima[input]   ? minima[input]
+                     : value > maxima[input] ? maxima[input]
+                                             : value;
+    }
+}
+
+/** A polynomial or process that the cases determine does not change much within a hundredth of a
+ *  range; and rounded to six digits, the one value of an input is a little beside itself. */
 bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distance) const
 {
     if (isConstant[input]) {
@@ -74,41 +103,55 @@ bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distanc
         return distance > 0.0 &&
                std::fabs(value - minima[input]) > sixDigits * std::fabs(minima[input]);
     }
-    constexpr double negligible = 1e-3; // of the range
-    return distance > negligible;
+    constexpr double negligible = 0.01; // of the range
+    return distance > negligible * (1.0 + 1e-9);
 }
 
 std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count,
-                                const InputNames& names) const
+                                const InputNames& names,
+                                const std::vector<char>& isUnsupported) const
 {
-    std::size_t outside = 0;
+    std::vector<std::size_t> outside;
+    std::size_t outsideByCombination = 0;
     double farthest = 0.0;
     std::size_t farthestInput = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        bool isOutside = false;
+        bool isBeyond = false;
         for (std::size_t k = 0; k < minima.size(); ++k) {
             const double beyond = distance(k, points[k][i]);
             if (!isWorthAWarning(k, points[k][i], beyond)) {
                 continue;
             }
-            isOutside = true;
+            isBeyond = true;
             if (beyond > farthest) {
                 farthest = beyond;
                 farthestInput = k;
             }
         }
-        outside += isOutside ? 1 : 0;
+        const bool isAlone = !isBeyond && !isUnsupported.empty() && isUnsupported[i] != 0;
+        outsideByCombination += isAlone ? 1 : 0;
+        if (isBeyond || isAlone) {
+            outside.push_back(i);
+        }
     }
-    if (outside == 0) {
+    if (outside.empty()) {
         return "";
     }
-    const std::string name = names.input(farthestInput);
-    const std::string start = std::to_string(outside) + " of " + std::to_string(count) +
+    const std::string start = std::to_string(outside.size()) + " of " + std::to_string(count) +
                               (count == 1 ? " point" : " points") +
-                              (outside == 1 ? " lies" : " lie") + " outside the cases: ";
+                              (outside.size() == 1 ? " lies" : " lie") + " outside the cases" +
+                              (count == 1 ? "" : " (" + rowList(outside) + ")") + ": ";
+    std::string reason;
     if (std::isinf(farthest)) {
-        return start + name + " has another value there than in all cases.";
+        reason = names.input(farthestInput) + " has another value there than in all cases";
+    } else if (farthest > 0.0) {
+        reason = names.input(farthestInput) + " is up to " + NumberText::rounded(farthest, 2) +
+                 " of its range beyond them";
     }
-    return start + name + " is up to " + NumberText::rounded(farthest, 2) +
-           " of its range beyond them. Do not rely on predictions there.";
+    if (outsideByCombination > 0) {
+        const bool isAll = outsideByCombination == outside.size();
+        reason += (isAll ? "" : "; at " + std::to_string(outsideByCombination) + " of them ") +
+                  std::string("each input is in its range, but no case is near their combination");
+    }
+    return start + reason + ". Do not rely on predictions there.";
 }

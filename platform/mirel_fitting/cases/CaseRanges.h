@@ -22,9 +22,18 @@ public:
     /** See PredictiveModel::extrapolations(). */
     void distances(const std::vector<double*>& points, std::size_t count, double* result) const;
 
-    /** See PredictiveModel::extrapolationWarning(). */
+    /** The values of one input, those beyond its range moved to its end; NaN stays.
+     *  @param clamped receives `count` values; may be `values` itself. */
+    void clamp(std::size_t input, const double* values, std::size_t count, double* clamped) const;
+
+    /**
+     * See PredictiveModel::extrapolationWarning().
+     * @param isUnsupported one flag per point: whether no case supports the combination of its
+     *                      values, be they in their ranges or not. Empty: each is supported.
+     */
     std::string warning(const std::vector<double*>& points, std::size_t count,
-                        const InputNames& names = InputNames()) const;
+                        const InputNames& names = InputNames(),
+                        const std::vector<char>& isUnsupported = {}) const;
 
 private:
     double distance(std::size_t input, double value) const;

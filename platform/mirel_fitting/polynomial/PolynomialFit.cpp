@@ -257,7 +257,9 @@ void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResi
         result.residuals = std::move(residuals.outputs[output].ofSampled);
     }
     leverageOfSample = std::move(residuals.leveragesOfSampled);
-    pressAvailable = !isDeterminedAlone(residuals.largestLeverage);
+    // Rounding may take a leverage of 1 beyond it.
+    leverageOfFarthest = std::min(residuals.largestLeverage, 1.0);
+    pressAvailable = !isDeterminedAlone(leverageOfFarthest);
 }
 
 void PolynomialFit::chooseSample(const std::vector<double*>& dependents)

@@ -106,6 +106,9 @@ public:
     /** One per sampled case: d yhat / d y, from 0 to 1. */
     const std::vector<double>& leverages() const { return leverageOfSample; }
 
+    /** Of all cases, not only of sampled ones. */
+    double largestLeverage() const { return leverageOfFarthest; }
+
     /** Whether this leverage is 1 up to rounding. */
     static bool isDeterminedAlone(double leverage);
 
@@ -140,6 +143,7 @@ private:
     std::vector<double> inverseFactor;  // R^-1
     std::vector<Dependence> dependentTerms;
     bool pressAvailable = true;
+    double leverageOfFarthest = 0.0;
     std::vector<std::size_t> sample; // empty: all cases
     std::vector<double> leverageOfSample;
 };

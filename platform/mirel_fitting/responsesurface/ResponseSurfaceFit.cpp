@@ -1,6 +1,7 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/responsesurface/CaseSupport.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
 #include <mirel_fitting/responsesurface/TermSelection.h>
@@ -216,6 +217,13 @@ IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) 
             fits[output].analysis().studentisedDeletedResiduals(replicated),
             points >= IntervalCalibration::fewestPoints ? IntervalCalibration::Basis::LeaveOneOut
                                                         : IntervalCalibration::Basis::Distribution};
+}
+
+std::vector<char> ResponseSurfaceFit::unsupported(const CaseRanges& ranges,
+                                                  const std::vector<double*>& points,
+                                                  std::size_t count) const
+{
+    return CaseSupport(*common, ranges).unsupported(points, count);
 }
 
 std::vector<double> ResponseSurfaceFit::standardErrors(std::size_t output,

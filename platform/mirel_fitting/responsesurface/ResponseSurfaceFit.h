@@ -5,6 +5,7 @@
 #include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/cases/CaseRanges.h>
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/InputNames.h>
 #include <mirel_fitting/numerics/IntervalCalibration.h>
@@ -50,6 +51,11 @@ public:
     std::size_t degreesOfFreedom(std::size_t output) const;
     /** @throw SurrogateModelInterface::Error without residual degrees of freedom. */
     IntervalCalibration intervalCalibration(std::size_t output) const;
+
+    /** Which points the cases do not support, as CaseSupport says, by all terms that were wanted.
+     *  @param ranges of the inputs. Arguments are borrowed for the call. */
+    std::vector<char> unsupported(const CaseRanges& ranges, const std::vector<double*>& points,
+                                  std::size_t count) const;
 
     /** @param points one array of `count` values per input, borrowed for the call. */
     std::vector<double> standardErrors(std::size_t output, const std::vector<double*>& points,

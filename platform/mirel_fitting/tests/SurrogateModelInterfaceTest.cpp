@@ -295,8 +295,8 @@ TEST_P(SurrogateModelInterfaceOf, SaysWhichPointsLieOutsideTheCases)
     EXPECT_EQ(model->extrapolations(columns, 2), (Column{0.0, 0.5}));
     EXPECT_EQ(model->extrapolationWarning(columns, 1), "");
     EXPECT_EQ(model->extrapolationWarning(columns, 2),
-              "1 of 2 points lies outside the cases: V1 is up to 0.5 of its range beyond them. Do "
-              "not rely on predictions there.");
+              "1 of 2 points lies outside the cases (row 2): V1 is up to 0.5 of its range beyond "
+              "them. Do not rely on predictions there.");
     EXPECT_NE(model->extrapolationWarning(columns, 2, {"Pressure", "Ratio"})
                   .find("\"Pressure\" is up to 0.5"),
               std::string::npos);

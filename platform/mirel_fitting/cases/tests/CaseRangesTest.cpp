@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -71,7 +72,8 @@ TEST(CaseRanges, WarnsOfNothingInside)
 TEST(CaseRanges, WarnsOfTheFarthestInput)
 {
     EXPECT_EQ(warning({{15.0, 11.0, 11.0}, {0.0, 2.0, 0.0}, {0.3, 0.3, 0.3}}),
-              "2 of 3 points lie outside the cases: V2 is up to 0.5 of its range beyond them. Do "
+              "2 of 3 points lie outside the cases (rows 1 and 2): V2 is up to 0.5 of its range "
+              "beyond them. Do "
               "not rely on predictions there.");
     EXPECT_EQ(warning({{15.0}, {0.0}, {0.3}}),
               "1 of 1 point lies outside the cases: V1 is up to 0.25 of its range beyond them. Do "
@@ -82,7 +84,54 @@ TEST(CaseRanges, WarnsOfAnotherValueOfAConstant)
 {
     EXPECT_EQ(
         warning({{15.0, 11.0}, {0.0, 0.0}, {0.4, 0.3}}),
-        "1 of 2 points lies outside the cases: V3 has another value there than in all cases.");
+        "1 of 2 points lies outside the cases (row 1): V3 has another value there than in all "
+        "cases. Do not rely on predictions there.");
+}
+
+TEST(CaseRanges, DoesNotWarnOfAHundredthOfARange)
+{
+    EXPECT_EQ(warning({{14.04}, {-1.02}, {0.3}}), "");
+    EXPECT_NE(warning({{14.05}, {-1.02}, {0.3}}), "");
+}
+
+TEST(CaseRanges, NumbersTheFirstTenRowsOutside)
+{
+    const std::vector<double> beyond(12, 15.0);
+    const std::vector<double> zeros(12, 0.0);
+    const std::vector<double> constant(12, 0.3);
+
+    EXPECT_EQ(
+        warning({beyond, zeros, constant}),
+        "12 of 12 points lie outside the cases (rows 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 2 "
+        "more): V1 is up to 0.25 of its range beyond them. Do not rely on predictions there.");
+}
+
+TEST(CaseRanges, WarnsOfCombinationsThatNoCaseSupports)
+{
+    Columns points = {{11.0, 15.0, 12.0, 13.0}, {0.0, 0.0, 0.0, 0.0}, {0.3, 0.3, 0.3, 0.3}};
+
+    EXPECT_EQ(
+        ranges().warning(pointersTo(points), 4, InputNames(), {1, 1, 0, 1}),
+        "3 of 4 points lie outside the cases (rows 1, 2 and 4): V1 is up to 0.25 of its range "
+        "beyond them; at 2 of them each input is in its range, but no case is near their "
+        "combination. Do not rely on predictions there.");
+    EXPECT_EQ(
+        ranges().warning(pointersTo(points), 1, InputNames(), {1}),
+        "1 of 1 point lies outside the cases: each input is in its range, but no case is near "
+        "their combination. Do not rely on predictions there.");
+}
+
+TEST(CaseRanges, ClampToTheEndsOfARange)
+{
+    const double values[] = {9.0, 12.0, 20.0, notANumber};
+    double clamped[4];
+
+    ranges().clamp(0, values, 4, clamped);
+
+    EXPECT_EQ(clamped[0], 10.0);
+    EXPECT_EQ(clamped[1], 12.0);
+    EXPECT_EQ(clamped[2], 14.0);
+    EXPECT_TRUE(std::isnan(clamped[3]));
 }
 
 TEST(CaseRanges, DoesNotWarnOfValuesThatWereWrittenWithSixDigits)
@@ -109,7 +158,8 @@ TEST(CaseRanges, WarnsWhereSixDigitsLoseTheRange)
               "1 of 1 point lies outside the cases: V1 is up to 1 of its range beyond them. Do not "
               "rely on predictions there.");
     EXPECT_EQ(ranges.warning(pointersTo(another), 1),
-              "1 of 1 point lies outside the cases: V2 has another value there than in all cases.");
+              "1 of 1 point lies outside the cases: V2 has another value there than in all cases. "
+              "Do not rely on predictions there.");
 }
 
 TEST(CaseRanges, OfNoInputsHaveNoOutside)
