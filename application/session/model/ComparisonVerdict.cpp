@@ -4,57 +4,67 @@
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
-#include <boost/math/distributions/students_t.hpp>
-
+#include <algorithm>
 #include <cmath>
 #include <string>
 
 namespace {
-/** In standard deviations of the output: smaller errors make no practical difference. */
-constexpr double negligibleError = 1e-6;
+/** Of the test of the errors: below the first it is clear which model is better, below the second
+ *  the comparison leans to one. docs/numerics.md has the shares that proved right. */
+constexpr double clearProbability = 0.05;
+constexpr double leaningProbability = 0.3;
 
-/** Quantile of Student's t, for a two-sided test at 5 %. */
-constexpr double confidence = 0.975;
+/** A larger RMSE by less than this factor makes no practical difference. */
+constexpr double practicalRatio = 1.02;
 
-bool isSignificant(const OutputComparison& comparison)
+bool areBothExact(const OutputComparison& comparison)
 {
-    if (std::isnan(comparison.difference)) {
-        return false;
-    }
-    const boost::math::students_t distribution(
-        static_cast<double>(comparison.responseSurface.cases) - 1.0);
-    return std::abs(comparison.difference) >
-           boost::math::quantile(distribution, confidence) * comparison.differenceError;
+    // 1 - Q2 is the mean squared error in units of the variance.
+    const double negligible = OutputComparison::negligibleError * OutputComparison::negligibleError;
+    return 1.0 - comparison.responseSurface.q2 < negligible &&
+           1.0 - comparison.kriging.q2 < negligible;
 }
 
-std::string rounded(double number)
+bool isPracticallyEqual(const OutputComparison& comparison)
 {
-    constexpr int digits = 4;
-    return shownNumber(number, digits);
+    const auto [least, greatest] =
+        std::minmax(comparison.responseSurface.rmse, comparison.kriging.rmse);
+    return greatest < practicalRatio * least;
 }
 
-OutputComparison::Verdict verdictOf(const OutputComparison& comparison)
+/** Whether the test of the errors supports the model whose RMSE is the smaller one. */
+bool isSupported(const OutputComparison& comparison, double probability)
 {
+    const bool isKriging = comparison.kriging.rmse < comparison.responseSurface.rmse;
+    return comparison.errors.p < probability && (comparison.errors.logRatio > 0.0) == isKriging;
+}
+
+/** @param isClear set for a verdict for one model. */
+OutputComparison::Verdict verdictOf(const OutputComparison& comparison, bool& isClear)
+{
+    isClear = false;
     const bool hasResponseSurface = comparison.responseSurface.q2 > 0.0;
     const bool hasKriging = comparison.kriging.q2 > 0.0;
     if (!hasResponseSurface && !hasKriging) {
         return OutputComparison::Neither;
     }
-    if (comparison.kriging.cases == 0) {
-        return OutputComparison::ResponseSurface;
+    if (comparison.kriging.cases == 0 || comparison.responseSurface.cases == 0) {
+        isClear = true;
+        return comparison.kriging.cases == 0 ? OutputComparison::ResponseSurface
+                                             : OutputComparison::Kriging;
     }
-    if (comparison.responseSurface.cases == 0) {
-        return OutputComparison::Kriging;
-    }
-    // 1 - Q2 is the mean squared error in units of the variance.
-    const double negligible = negligibleError * negligibleError;
-    const bool areBothExact = 1.0 - comparison.responseSurface.q2 < negligible &&
-                              1.0 - comparison.kriging.q2 < negligible;
-    if (areBothExact || !isSignificant(comparison)) {
+    if (std::isnan(comparison.errors.p) || areBothExact(comparison) ||
+        isPracticallyEqual(comparison)) {
         return OutputComparison::Either;
     }
-    return comparison.difference > 0.0 ? OutputComparison::Kriging
-                                       : OutputComparison::ResponseSurface;
+    isClear = isSupported(comparison, clearProbability);
+    if (!isClear && hasResponseSurface && hasKriging &&
+        !isSupported(comparison, leaningProbability)) {
+        return OutputComparison::Either;
+    }
+    return comparison.kriging.rmse < comparison.responseSurface.rmse
+               ? OutputComparison::Kriging
+               : OutputComparison::ResponseSurface;
 }
 
 std::string neitherSentence(const OutputComparison& comparison)
@@ -70,44 +80,56 @@ std::string neitherSentence(const OutputComparison& comparison)
         return begin +
                "the response surface can be fitted in no fold, and Kriging predicts cases "
                "left out no better" +
-               toTheMean + " (Q2 " + rounded(kriging.q2) + ").";
+               toTheMean + " (Q2 " + shownFigure(kriging.q2) + ").";
     }
     if (kriging.cases == 0) {
         return begin +
                "Kriging can be fitted in no fold, and the response surface predicts cases "
                "left out no better" +
-               toTheMean + " (Q2 " + rounded(responseSurface.q2) + ").";
+               toTheMean + " (Q2 " + shownFigure(responseSurface.q2) + ").";
     }
     if (std::isnan(responseSurface.q2)) {
         return begin + "it is the same in all cases, so that there is nothing to predict.";
     }
     return begin + "neither predicts cases left out better" + toTheMean + " (Q2 " +
-           rounded(responseSurface.q2) + " and " + rounded(kriging.q2) + ").";
+           shownFigure(responseSurface.q2) + " and " + shownFigure(kriging.q2) + ").";
+}
+
+/** "nearer in 10 of 11 left-out cases". */
+std::string nearerText(const OutputComparison& comparison, bool isKriging)
+{
+    const std::size_t nearer =
+        isKriging ? comparison.errors.krigingNearer : comparison.errors.responseSurfaceNearer;
+    return "nearer in " + std::to_string(nearer) + " of " +
+           std::to_string(comparison.kriging.cases) + " left-out cases";
+}
+
+std::string testText(const OutputComparison& comparison)
+{
+    return "t test over " + std::to_string(comparison.errors.folds) +
+           " folds: " + probabilityText(comparison.errors.p);
 }
 
 std::string eitherSentence(const OutputComparison& comparison)
 {
-    if (std::isnan(comparison.difference)) {
-        return "The models of " + quotedText(comparison.name) +
-               " cannot be compared: less than two cases left out are predicted by both.";
+    const std::string name = quotedText(comparison.name);
+    if (std::isnan(comparison.errors.p)) {
+        return "The models of " + name +
+               " cannot be compared: both predict left-out cases in less than two folds.";
     }
-    const CrossValidationMetrics& responseSurface = comparison.responseSurface;
-    const CrossValidationMetrics& kriging = comparison.kriging;
-    const std::string begin =
-        "There is no clear difference between the models of " + quotedText(comparison.name) + ": ";
-    if (isSignificant(comparison)) {
-        return begin + "both predict cases left out to less than a millionth of its standard "
-                       "deviation.";
+    const std::string equal = "There is no difference that matters between the models of " + name;
+    if (areBothExact(comparison)) {
+        return equal +
+               ": both predict left-out cases to less than a millionth of its standard deviation.";
     }
-    std::string end = ".";
-    if (!(responseSurface.q2 > 0.0)) {
-        end = ", but only Kriging predicts cases left out better than their mean.";
-    } else if (!(kriging.q2 > 0.0)) {
-        end = ", but only the response surface predicts cases left out better than their mean.";
+    const std::string figures =
+        ": the cross-validated RMSE is " + shownFigure(comparison.responseSurface.rmse) +
+        " of the response surface and " + shownFigure(comparison.kriging.rmse) + " of Kriging";
+    if (isPracticallyEqual(comparison)) {
+        return equal + figures + ", less than 2 % apart.";
     }
-    return begin + "the RMSE is " + rounded(responseSurface.rmse) + " and " +
-           rounded(kriging.rmse) +
-           ", and their squared errors differ by less than the noise of the cases" + end;
+    return "There is no clear difference between the models of " + name + figures + ", which is " +
+           nearerText(comparison, true) + " (" + testText(comparison) + ").";
 }
 
 std::string sentenceOf(const OutputComparison& comparison)
@@ -123,26 +145,27 @@ std::string sentenceOf(const OutputComparison& comparison)
         isKriging ? comparison.kriging : comparison.responseSurface;
     const CrossValidationMetrics& other =
         isKriging ? comparison.responseSurface : comparison.kriging;
+    const std::string betterName = isKriging ? "Kriging" : "the response surface";
     const std::string otherName = isKriging ? "the response surface" : "Kriging";
-    const std::string begin = std::string("Use ") +
-                              (isKriging ? "Kriging" : "the response surface") + " for " +
-                              quotedText(comparison.name) + ": ";
+    const std::string begin =
+        (comparison.isClear ? "Use " + betterName : "The comparison leans to " + betterName) +
+        " for " + quotedText(comparison.name) + ": ";
     if (other.cases == 0) {
         return begin + otherName + " can be fitted in no fold.";
     }
-    const std::string figures = "its RMSE for cases left out is " + rounded(better.rmse) +
-                                " against " + rounded(other.rmse) + " of " + otherName;
-    if (comparison.differenceError == 0.0) {
-        return begin + figures + ", and the squared errors differ alike in all cases.";
+    std::string sentence = begin + "its cross-validated RMSE is " + shownFigure(better.rmse) +
+                           " against " + shownFigure(other.rmse) + " of " + otherName;
+    if (!(other.q2 > 0.0)) {
+        sentence += ", which is no better than the mean of the cases";
     }
-    const double errors = std::abs(comparison.difference) / comparison.differenceError;
-    return begin + figures + ", and the squared errors differ by " + rounded(errors) +
-           " times the standard error of their difference.";
+    return sentence + ", and it is " + nearerText(comparison, isKriging) +
+           (comparison.isClear ? "" : ", but that may be chance") + " (" + testText(comparison) +
+           ").";
 }
 } // namespace
 
 void judge(OutputComparison& comparison)
 {
-    comparison.verdict = verdictOf(comparison);
+    comparison.verdict = verdictOf(comparison, comparison.isClear);
     comparison.recommendation = sentenceOf(comparison);
 }

@@ -4,5 +4,5 @@
 
 struct OutputComparison;
 
-/** Sets verdict and recommendation from the metrics and the difference of a comparison. */
+/** Sets the verdict, how clear it is and the recommendation from the metrics and the errors. */
 SURROGATE_SESSION_EXPORT void judge(OutputComparison& comparison);

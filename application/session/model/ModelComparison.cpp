@@ -193,6 +193,17 @@ const char* nameOf(ModelType type)
     return type == Workspace::Kriging ? "Kriging" : "response surface";
 }
 
+double deviationOf(const std::vector<double>& values)
+{
+    const auto count = static_cast<double>(values.size());
+    const double mean = std::accumulate(values.begin(), values.end(), 0.0) / count;
+    double squares = 0.0;
+    for (const double value : values) {
+        squares += (value - mean) * (value - mean);
+    }
+    return std::sqrt(squares / count);
+}
+
 /** Cross-validates both models of all outputs. */
 class CrossValidation
 {
@@ -207,6 +218,22 @@ public:
             const FitProgress::Portion portion = partOf(fold, folds);
             runFold(fold);
         }
+    }
+
+    /** Of the cases that both models of an output have predicted. */
+    PairedErrors pairedErrors(std::size_t output) const
+    {
+        const std::vector<double>& values = cases.outputs[output];
+        std::vector<PairedErrors::Case> errors;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const double left = std::abs(responseSurface[output].values[i] - values[i]);
+            const double right = std::abs(kriging[output].values[i] - values[i]);
+            if (std::isfinite(left) && std::isfinite(right)) {
+                errors.push_back({foldOfCase[i], left, right});
+            }
+        }
+        return PairedErrors::of(errors, folds,
+                                OutputComparison::negligibleError * deviationOf(values));
     }
 
     /** One per output. */
@@ -357,34 +384,10 @@ void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidat
     }
 }
 
-/** The paired difference of squared errors. */
-void setDifference(const Predictions& responseSurface, const Predictions& kriging,
-                   const std::vector<double>& output, OutputComparison& comparison)
-{
-    std::vector<double> differences;
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        const double left = responseSurface.values[i] - output[i];
-        const double right = kriging.values[i] - output[i];
-        if (std::isfinite(left) && std::isfinite(right)) {
-            differences.push_back(left * left - right * right);
-        }
-    }
-    if (differences.size() < 2) {
-        return;
-    }
-    const auto count = static_cast<double>(differences.size());
-    const double mean = std::accumulate(differences.begin(), differences.end(), 0.0) / count;
-    double squares = 0.0;
-    for (const double difference : differences) {
-        squares += (difference - mean) * (difference - mean);
-    }
-    comparison.difference = mean;
-    comparison.differenceError = std::sqrt(squares / (count - 1.0) / count);
-}
-
 OutputComparison compared(const std::string& name, const std::vector<double>& output,
                           const std::vector<std::size_t>& positions,
-                          const Predictions& responseSurface, const Predictions& kriging)
+                          const Predictions& responseSurface, const Predictions& kriging,
+                          const PairedErrors& errors)
 {
     std::vector<bool> left(output.size());
     std::vector<bool> right(output.size());
@@ -401,7 +404,7 @@ OutputComparison compared(const std::string& name, const std::vector<double>& ou
     comparison.responseSurface =
         metricsOf(responseSurface, haveCommonCases ? both : left, output, positions);
     comparison.kriging = metricsOf(kriging, haveCommonCases ? both : right, output, positions);
-    setDifference(responseSurface, kriging, output, comparison);
+    comparison.errors = errors;
     judge(comparison);
     return comparison;
 }
@@ -447,8 +450,8 @@ ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t fold
     for (std::size_t i = 0; i < names.size(); ++i) {
         const FitProgress::Portion portion = partOf(i, names.size());
         comparison.outputs.push_back(compared(names[i], cases.outputs[i], cases.positions,
-                                              validation.responseSurface[i],
-                                              validation.kriging[i]));
+                                              validation.responseSurface[i], validation.kriging[i],
+                                              validation.pairedErrors(i)));
         remarkOrder(validation.responseSurface[i], termsOfAll(workspace, cases, i),
                     comparison.outputs.back().responseSurface);
     }

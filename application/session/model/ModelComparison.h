@@ -16,9 +16,8 @@ class Workspace;
  * computed from the same cases, those in whose folds both could be fitted. Of the workspace it
  * takes the cases, the roles and the terms, and changes nothing.
  *
- * The verdict is for one model if the mean of the paired differences of squared errors is larger
- * than the 97.5 % quantile of Student's t times its standard error. This assumes independent
- * cases, which holds approximately: the fits of different folds share most of their cases.
+ * The verdict is for one model where a test of its errors, paired fold by fold, is significant at 5
+ * % (PairedErrors), and leans to it where the test is not, but points the same way as the RMSE.
  */
 struct SURROGATE_SESSION_EXPORT ModelComparison
 {

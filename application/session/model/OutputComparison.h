@@ -1,5 +1,7 @@
 #pragma once
 
+#include <session/model/PairedErrors.h>
+
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -35,19 +37,20 @@ struct OutputComparison
     {
         ResponseSurface,
         Kriging,
-        Either, ///< the difference is not significant
+        Either, ///< nothing that matters speaks for one of the two
         Neither ///< no better than the mean of the cases
     };
+
+    /** In standard deviations of the output: smaller errors make no practical difference. */
+    static constexpr double negligibleError = 1e-6;
 
     std::string name;
     CrossValidationMetrics responseSurface;
     CrossValidationMetrics kriging;
 
-    /** Squared errors of the response surface minus those of Kriging, case by case: their mean, and
-     *  its standard error; NaN where there are less than two cases that both have predicted. */
-    double difference = CrossValidationMetrics::none;
-    double differenceError = CrossValidationMetrics::none;
+    PairedErrors errors;
 
     Verdict verdict = Either;
+    bool isClear = false; ///< of a verdict for one model: significant at 5 %, more than a lean
     std::string recommendation; ///< a sentence
 };

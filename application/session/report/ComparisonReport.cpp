@@ -112,6 +112,23 @@ const char* nameOf(OutputComparison::Verdict verdict)
         return "neither";
     }
 }
+const char* confidenceOf(const OutputComparison& output)
+{
+    const bool isForOne = output.verdict == OutputComparison::ResponseSurface ||
+                          output.verdict == OutputComparison::Kriging;
+    return !isForOne ? "none" : output.isClear ? "clear" : "lean";
+}
+
+Json differenceJson(const PairedErrors& errors)
+{
+    return {
+        {"logRmseRatio", errors.logRatio},
+        {"standardError", errors.standardError},
+        {"p", errors.p},
+        {"folds", errors.folds},
+        {"nearer",
+         {{"response-surface", errors.responseSurfaceNearer}, {"kriging", errors.krigingNearer}}}};
+}
 } // namespace
 
 std::string ComparisonReport::text(const Workspace& workspace, const ModelComparison& comparison)
@@ -143,15 +160,14 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                  {"folds", comparison.folds},
                  {"outputs", Json::array()}};
     for (const OutputComparison& output : comparison.outputs) {
-        json["outputs"].push_back(
-            {{"name", output.name},
-             {"models",
-              {modelJson("response-surface", output.responseSurface),
-               modelJson("kriging", output.kriging)}},
-             {"difference",
-              {{"meanSquaredError", output.difference}, {"standardError", output.differenceError}}},
-             {"recommended", nameOf(output.verdict)},
-             {"recommendation", output.recommendation}});
+        json["outputs"].push_back({{"name", output.name},
+                                   {"models",
+                                    {modelJson("response-surface", output.responseSurface),
+                                     modelJson("kriging", output.kriging)}},
+                                   {"difference", differenceJson(output.errors)},
+                                   {"recommended", nameOf(output.verdict)},
+                                   {"confidence", confidenceOf(output)},
+                                   {"recommendation", output.recommendation}});
     }
     json["terms"] = termsWord(workspace.responseSurface().terms);
     json["selectsTerms"] = ReportHeading::selectsTerms(workspace);

@@ -38,3 +38,21 @@ std::string shownNumber(double number, int digits)
                                        std::chars_format::general, digits);
     return std::string(buffer.data(), written.ptr);
 }
+
+std::string shownFigure(double number)
+{
+    constexpr int digits = 4;
+    return shownNumber(number, digits);
+}
+
+std::string shownProbability(double probability)
+{
+    constexpr double smallest = 0.0001;
+    return probability < smallest ? "< 0.0001" : shownFigure(probability);
+}
+
+std::string probabilityText(double probability)
+{
+    const std::string shown = shownProbability(probability);
+    return shown[0] == '<' ? "p " + shown : "p = " + shown;
+}

@@ -18,16 +18,16 @@ CrossValidationMetrics figures(double rmse)
     return figures;
 }
 
-/** @param difference of squared errors, in units of its standard error. */
+/** Nearer is the response surface in 5, Kriging in 15 of 20 cases.
+ *  @param logRatio, p as PairedErrors has them. */
 OutputComparison judged(CrossValidationMetrics responseSurface, CrossValidationMetrics kriging,
-                        double difference)
+                        double logRatio, double p)
 {
     OutputComparison comparison;
     comparison.name = "Stress";
     comparison.responseSurface = std::move(responseSurface);
     comparison.kriging = std::move(kriging);
-    comparison.difference = 0.01 * difference;
-    comparison.differenceError = 0.01;
+    comparison.errors = {10, logRatio, 0.1, p, 5, 15};
     judge(comparison);
     return comparison;
 }
@@ -42,76 +42,108 @@ void expectVerdict(const OutputComparison& comparison, OutputComparison::Verdict
 
 TEST(ComparisonVerdict, IsForTheModelThatIsClearlyBetter)
 {
-    expectVerdict(judged(figures(0.5), figures(0.25), 3.5), OutputComparison::Kriging,
-                  "Use Kriging for \"Stress\": its RMSE for cases left out is 0.25 against 0.5 of "
-                  "the response surface, and the squared errors differ by 3.5 times the standard "
-                  "error of their difference.");
-    expectVerdict(judged(figures(0.25), figures(0.5), -3.5), OutputComparison::ResponseSurface,
-                  "Use the response surface for \"Stress\": its RMSE for cases left out is 0.25 "
-                  "against 0.5 of Kriging, and the squared errors differ by 3.5 times the standard "
-                  "error of their difference.");
+    const OutputComparison kriging = judged(figures(0.5), figures(0.25), 0.7, 0.0012);
+    EXPECT_TRUE(kriging.isClear);
+    expectVerdict(kriging, OutputComparison::Kriging,
+                  "Use Kriging for \"Stress\": its cross-validated RMSE is 0.25 against 0.5 of the "
+                  "response surface, and it is nearer in 15 of 20 left-out cases (t test over 10 "
+                  "folds: p = 0.0012).");
+    expectVerdict(judged(figures(0.25), figures(0.5), -0.7, 1e-6),
+                  OutputComparison::ResponseSurface,
+                  "Use the response surface for \"Stress\": its cross-validated RMSE is 0.25 "
+                  "against 0.5 of Kriging, and it is nearer in 5 of 20 left-out cases (t test over "
+                  "10 folds: p < 0.0001).");
+}
+
+TEST(ComparisonVerdict, LeansToTheModelThatIsPerhapsBetter)
+{
+    const OutputComparison kriging = judged(figures(0.5), figures(0.25), 0.7, 0.12);
+    EXPECT_FALSE(kriging.isClear);
+    expectVerdict(
+        kriging, OutputComparison::Kriging,
+        "The comparison leans to Kriging for \"Stress\": its cross-validated RMSE is 0.25 "
+        "against 0.5 of the response surface, and it is nearer in 15 of 20 left-out "
+        "cases, but that may be chance (t test over 10 folds: p = 0.12).");
 }
 
 TEST(ComparisonVerdict, IsForNoneWithinTheNoise)
 {
-    // 97.5 % point of Student's t with 19 degrees of freedom: 2.093 (any table of it).
-    EXPECT_EQ(judged(figures(0.5), figures(0.25), 2.10).verdict, OutputComparison::Kriging);
-    expectVerdict(judged(figures(0.5), figures(0.25), 2.09), OutputComparison::Either,
-                  "There is no clear difference between the models of \"Stress\": the RMSE is 0.5 "
-                  "and 0.25, and their squared errors differ by less than the noise of the cases.");
+    EXPECT_TRUE(judged(figures(0.5), figures(0.25), 0.7, 0.049).isClear);
+    EXPECT_FALSE(judged(figures(0.5), figures(0.25), 0.7, 0.051).isClear);
+    EXPECT_EQ(judged(figures(0.5), figures(0.25), 0.7, 0.29).verdict, OutputComparison::Kriging);
+    expectVerdict(judged(figures(0.5), figures(0.25), 0.7, 0.31), OutputComparison::Either,
+                  "There is no clear difference between the models of \"Stress\": the "
+                  "cross-validated RMSE is 0.5 of the response surface and 0.25 of Kriging, which "
+                  "is nearer in 15 of 20 left-out cases (t test over 10 folds: p = 0.31).");
 }
 
-TEST(ComparisonVerdict, SaysWhichModelAloneIsBetterThanTheMean)
+TEST(ComparisonVerdict, IsForNoneWhereAFewCasesContradictTheOthers)
 {
-    expectVerdict(judged(figures(1.5), figures(0.5), 1.0), OutputComparison::Either,
-                  "There is no clear difference between the models of \"Stress\": the RMSE is 1.5 "
-                  "and 0.5, and their squared errors differ by less than the noise of the cases, "
-                  "but only Kriging predicts cases left out better than their mean.");
-    expectVerdict(judged(figures(0.5), figures(1.5), -1.0), OutputComparison::Either,
-                  "There is no clear difference between the models of \"Stress\": the RMSE is 0.5 "
-                  "and 1.5, and their squared errors differ by less than the noise of the cases, "
-                  "but only the response surface predicts cases left out better than their mean.");
+    // Kriging is better in most folds, but has the larger RMSE over all of them.
+    EXPECT_EQ(judged(figures(0.25), figures(0.5), 0.7, 0.01).verdict, OutputComparison::Either);
+}
+
+TEST(ComparisonVerdict, TakesTwoPercentForNoDifference)
+{
+    EXPECT_EQ(judged(figures(0.5), figures(0.489), 0.02, 1e-9).verdict, OutputComparison::Kriging);
+    expectVerdict(judged(figures(0.5), figures(0.491), 0.02, 1e-9), OutputComparison::Either,
+                  "There is no difference that matters between the models of \"Stress\": the "
+                  "cross-validated RMSE is 0.5 of the "
+                  "response surface and 0.491 of Kriging, less than 2 % apart.");
+}
+
+TEST(ComparisonVerdict, LeansToTheModelThatAloneIsBetterThanTheMean)
+{
+    expectVerdict(judged(figures(1.5), figures(0.5), 1.0, 0.6), OutputComparison::Kriging,
+                  "The comparison leans to Kriging for \"Stress\": its cross-validated RMSE is 0.5 "
+                  "against 1.5 of the response surface, which is no better than the mean of the "
+                  "cases, and it is nearer in 15 of 20 left-out cases, but that may be chance (t "
+                  "test over 10 folds: p = 0.6).");
+    EXPECT_EQ(judged(figures(0.5), figures(1.5), -1.0, 0.6).verdict,
+              OutputComparison::ResponseSurface);
 }
 
 TEST(ComparisonVerdict, IsAgainstBothWhereTheMeanIsAsGood)
 {
-    expectVerdict(judged(figures(2.0), figures(1.0), 9.0), OutputComparison::Neither,
+    expectVerdict(judged(figures(2.0), figures(1.0), 0.5, 0.01), OutputComparison::Neither,
                   "Use neither model for \"Stress\": neither predicts cases left out better than "
                   "the mean of the cases does (Q2 -3 and 0).");
 }
 
 TEST(ComparisonVerdict, TakesDifferencesOfRoundingForNone)
 {
-    expectVerdict(judged(figures(1e-9), figures(1e-12), 9.0), OutputComparison::Either,
-                  "There is no clear difference between the models of \"Stress\": both predict "
-                  "cases left out to less than a millionth of its standard deviation.");
+    expectVerdict(judged(figures(1e-9), figures(1e-12), 0.0, 1.0), OutputComparison::Either,
+                  "There is no difference that matters between the models of \"Stress\": both "
+                  "predict left-out cases to less than a "
+                  "millionth of its standard deviation.");
 }
 
 TEST(ComparisonVerdict, IsForTheOnlyModelThatCanBeFitted)
 {
-    expectVerdict(judged(CrossValidationMetrics(), figures(0.5), std::nan("")),
+    expectVerdict(judged(CrossValidationMetrics(), figures(0.5), std::nan(""), std::nan("")),
                   OutputComparison::Kriging,
                   "Use Kriging for \"Stress\": the response surface can be fitted in no fold.");
-    expectVerdict(judged(figures(0.5), CrossValidationMetrics(), std::nan("")),
+    expectVerdict(judged(figures(0.5), CrossValidationMetrics(), std::nan(""), std::nan("")),
                   OutputComparison::ResponseSurface,
                   "Use the response surface for \"Stress\": Kriging can be fitted in no fold.");
 }
 
 TEST(ComparisonVerdict, IsAgainstTheOnlyModelIfTheMeanIsAsGood)
 {
-    expectVerdict(judged(CrossValidationMetrics(), figures(2.0), std::nan("")),
+    expectVerdict(judged(CrossValidationMetrics(), figures(2.0), std::nan(""), std::nan("")),
                   OutputComparison::Neither,
                   "Use neither model for \"Stress\": the response surface can be fitted in no "
                   "fold, and Kriging predicts cases left out no better than the mean of the cases "
                   "does (Q2 -3).");
-    expectVerdict(judged(figures(2.0), CrossValidationMetrics(), std::nan("")),
+    expectVerdict(judged(figures(2.0), CrossValidationMetrics(), std::nan(""), std::nan("")),
                   OutputComparison::Neither,
                   "Use neither model for \"Stress\": Kriging can be fitted in no fold, and the "
                   "response surface predicts cases left out no better than the mean of the cases "
                   "does (Q2 -3).");
-    expectVerdict(judged(CrossValidationMetrics(), CrossValidationMetrics(), std::nan("")),
-                  OutputComparison::Neither,
-                  "Use neither model for \"Stress\": neither can be fitted in any fold.");
+    expectVerdict(
+        judged(CrossValidationMetrics(), CrossValidationMetrics(), std::nan(""), std::nan("")),
+        OutputComparison::Neither,
+        "Use neither model for \"Stress\": neither can be fitted in any fold.");
 }
 
 TEST(ComparisonVerdict, AConstantOutputNeedsNoModel)
@@ -119,36 +151,22 @@ TEST(ComparisonVerdict, AConstantOutputNeedsNoModel)
     CrossValidationMetrics constant = figures(0.0);
     constant.q2 = CrossValidationMetrics::none;
 
-    expectVerdict(judged(constant, constant, 0.0), OutputComparison::Neither,
+    expectVerdict(judged(constant, constant, 0.0, 1.0), OutputComparison::Neither,
                   "Use neither model for \"Stress\": it is the same in all cases, so that there is "
                   "nothing to predict.");
 }
 
-TEST(ComparisonVerdict, ADifferenceWithoutSpreadIsClear)
-{
-    OutputComparison comparison;
-    comparison.name = "Stress";
-    comparison.responseSurface = figures(0.5);
-    comparison.kriging = figures(0.25);
-    comparison.difference = 0.1875;
-    comparison.differenceError = 0.0;
-    judge(comparison);
-
-    expectVerdict(comparison, OutputComparison::Kriging,
-                  "Use Kriging for \"Stress\": its RMSE for cases left out is 0.25 against 0.5 of "
-                  "the response surface, and the squared errors differ alike in all cases.");
-}
-
 TEST(ComparisonVerdict, CasesThatBothPredictAreNeeded)
 {
-    expectVerdict(judged(figures(0.5), figures(0.25), std::nan("")), OutputComparison::Either,
-                  "The models of \"Stress\" cannot be compared: less than two cases left out are "
-                  "predicted by both.");
+    expectVerdict(
+        judged(figures(0.5), figures(0.25), std::nan(""), std::nan("")), OutputComparison::Either,
+        "The models of \"Stress\" cannot be compared: both predict left-out cases in less "
+        "than two folds.");
 }
 
 TEST(ComparisonVerdict, ShowsANameThatBreaksTheLine)
 {
-    OutputComparison comparison = judged(figures(2.0), figures(2.0), 0.0);
+    OutputComparison comparison = judged(figures(2.0), figures(2.0), 0.0, 1.0);
     comparison.name = "a\nb";
     judge(comparison);
 

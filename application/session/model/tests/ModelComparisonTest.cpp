@@ -97,7 +97,23 @@ TEST(ModelComparison, PrefersKrigingForAWave)
 
     EXPECT_EQ(output.verdict, OutputComparison::Kriging);
     EXPECT_LT(output.kriging.rmse, 0.1 * output.responseSurface.rmse);
-    EXPECT_GT(output.difference, 2.0 * output.differenceError);
+    EXPECT_TRUE(output.isClear);
+    EXPECT_GT(output.errors.krigingNearer, 50u);
+}
+
+TEST(ModelComparison, IsClearWhereFewCasesCarryTheWholeError)
+{
+    // Smooth but for a pole beyond one end: the response surface is far off in the last cases, and
+    // the squared errors there are all that counts in their mean.
+    std::vector<double> output;
+    for (int i = 0; i < 12; ++i) {
+        output.push_back(100.0 / (12.5 - i));
+    }
+
+    const OutputComparison comparison = ModelComparison::of(sessionOf(output), 12).outputs[0];
+
+    EXPECT_EQ(comparison.verdict, OutputComparison::Kriging);
+    EXPECT_TRUE(comparison.isClear) << comparison.recommendation;
 }
 
 TEST(ModelComparison, SeesNoModelForNoise)
@@ -194,7 +210,7 @@ TEST(ModelComparison, AFitThatFailsIsSaidAndItsFoldLeftOutForBoth)
     EXPECT_TRUE(std::isfinite(output.kriging.rmse));
 }
 
-TEST(ModelComparison, WithoutCasesThatBothPredictThereIsNoDifference)
+TEST(ModelComparison, WithoutCasesThatBothPredictErrorsAreNotPaired)
 {
     // The range of the inputs overflows for Kriging where both ends are among the cases, and the
     // response surface reaches neither end from the rest.
@@ -206,7 +222,7 @@ TEST(ModelComparison, WithoutCasesThatBothPredictThereIsNoDifference)
 
     EXPECT_EQ(output.responseSurface.cases, 4u);
     EXPECT_EQ(output.kriging.cases, 2u);
-    EXPECT_TRUE(std::isnan(output.difference));
+    EXPECT_TRUE(std::isnan(output.errors.p));
 }
 
 TEST(ModelComparison, NeedsTwoCasesThatAreNoCopies)

@@ -34,8 +34,7 @@ ModelComparison sampleComparison()
     output.kriging.q2 = 0.5;
     output.kriging.held95 = 1.0;
     output.kriging.failures = {{2, "There is a fault."}, {3, "There is another."}};
-    output.difference = -0.125;
-    output.differenceError = 0.25;
+    output.errors = {5, -0.125, 0.25, 0.64, 7, 2};
     output.verdict = OutputComparison::Either;
     output.recommendation = "Take either.";
     return comparison;
@@ -95,10 +94,24 @@ TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
               R"("largestErrorCase":5,"held95":1.0,"fitSeconds":0.0001,"failures":[)"
               R"({"fold":3,"message":"There is a fault."},)"
               R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
-              R"("difference":{"meanSquaredError":-0.125,"standardError":0.25},)"
-              R"("recommended":"either","recommendation":"Take either."}],)"
+              R"("difference":{"logRmseRatio":-0.125,"standardError":0.25,"p":0.64,"folds":5,)"
+              R"("nearer":{"response-surface":7,"kriging":2}},)"
+              R"("recommended":"either","confidence":"none","recommendation":"Take either."}],)"
               R"("terms":"quadratic","selectsTerms":false,)"
               R"("seconds":{"read":0.25,"compare":0.5}})");
+}
+
+TEST(ComparisonReport, JsonSaysHowClearAVerdictIs)
+{
+    ModelComparison comparison = sampleComparison();
+    comparison.outputs[0].verdict = OutputComparison::Kriging;
+    const auto confidence = [&](bool isClear) {
+        comparison.outputs[0].isClear = isClear;
+        return ComparisonReport::json(cvdSession(), comparison, 0.0)["outputs"][0]["confidence"];
+    };
+
+    EXPECT_EQ(confidence(true), "clear");
+    EXPECT_EQ(confidence(false), "lean");
 }
 
 TEST(ComparisonReport, NamesEachVerdict)

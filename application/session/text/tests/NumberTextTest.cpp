@@ -51,3 +51,19 @@ TEST(NumberText, RandomBitPatternsReadBackTheSame)
         ASSERT_EQ(backBits, bits) << text;
     }
 }
+
+TEST(NumberText, AFigureInASentenceHasFourDigits)
+{
+    EXPECT_EQ(shownFigure(0.123456), "0.1235");
+    EXPECT_EQ(shownFigure(std::nan("")), "-");
+}
+
+TEST(NumberText, ASmallProbabilityIsBelowABound)
+{
+    EXPECT_EQ(shownProbability(0.012345), "0.01235");
+    EXPECT_EQ(shownProbability(0.0001), "0.0001");
+    EXPECT_EQ(shownProbability(0.00009), "< 0.0001");
+    EXPECT_EQ(shownProbability(0.0), "< 0.0001");
+    EXPECT_EQ(probabilityText(0.5), "p = 0.5");
+    EXPECT_EQ(probabilityText(1e-9), "p < 0.0001");
+}
