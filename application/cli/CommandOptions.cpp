@@ -5,6 +5,7 @@
 #include <session/model/PolynomialWords.h>
 #include <session/text/JoinedText.h>
 #include <session/text/NearestText.h>
+#include <session/text/NumberText.h>
 #include <session/text/SessionErrors.h>
 #include <session/text/WholeNumber.h>
 
@@ -86,6 +87,12 @@ double percentageOf(const std::string& word)
     if (read.ec != std::errc() || read.ptr != end || !(percent > 0.0 && percent < 100.0)) {
         throw UsageError("--interval needs a percentage above 0 and below 100, such as 95, not \"" +
                          word + "\".");
+    }
+    // Less than one percent of the cases is nobody's question.
+    if (percent < 1.0) {
+        throw UsageError("--interval takes a percentage: --interval " + word + " would be " + word +
+                         " percent of the cases. Did you mean --interval " +
+                         shownNumber(100.0 * percent) + "?");
     }
     return percent;
 }
@@ -211,7 +218,9 @@ void addValues(CLI::App& command, CommandLine& line)
             "NAME=TEXT", line.sweeps);
     addList(command, "--count", "N values, evenly over the range of the variable", "NAME=N",
             line.counts);
-    addList(command, "--at", "one value. An input without values stays at its minimum",
+    addList(command, "--at",
+            "one value. An input without values stays at the median of\n"
+            "the valid cases",
             "NAME=VALUE", line.values);
 }
 

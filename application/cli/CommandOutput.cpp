@@ -3,8 +3,11 @@
 #include "CommandLine.h"
 
 #include <session/files/OutputFile.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <iostream>
 #include <system_error>
@@ -31,6 +34,14 @@ bool isSameFile(const std::string& left, const std::string& right)
 }
 
 namespace {
+bool endsLikeAPage(const std::string& path)
+{
+    std::string ending = std::filesystem::path(path).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char letter) { return std::tolower(letter); });
+    return ending == ".html" || ending == ".htm";
+}
+
 /** The page of a fit must replace nothing that is read or written beside it. */
 void checkReport(const CommandLine& line)
 {
@@ -44,6 +55,11 @@ void checkReport(const CommandLine& line)
         if (line.report == output || isSameFile(line.report, output)) {
             throw UsageError("The report and another output cannot both be \"" + output + "\".");
         }
+    }
+    if (!endsLikeAPage(line.report)) {
+        throw UsageError("--report writes a page of HTML, whose name ends with .html, which " +
+                         quotedText(line.report) +
+                         " does not; a browser prints the page as PDF.");
     }
     OutputFile::check(line.report);
 }

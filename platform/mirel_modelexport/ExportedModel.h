@@ -6,6 +6,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
         std::string name;
         double minimum = 0.0; ///< of the range that users see; finite
         double maximum = 0.0;
+        std::optional<double> held =
+            std::nullopt; ///< where it stays while nothing else is said; finite
     };
 
     struct Output

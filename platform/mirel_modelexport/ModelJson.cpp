@@ -32,9 +32,13 @@ Json metricsJson(const FitMetrics& metrics)
 
 Json inputJson(const ExportedModel::Input& input, const Description::InputRange& range)
 {
-    return {{"name", input.name},           {"minimum", input.minimum},
-            {"maximum", input.maximum},     {"caseMinimum", range.minimum},
-            {"caseMaximum", range.maximum}, {"isConstant", range.isConstant}};
+    Json json = {{"name", input.name},           {"minimum", input.minimum},
+                 {"maximum", input.maximum},     {"caseMinimum", range.minimum},
+                 {"caseMaximum", range.maximum}, {"isConstant", range.isConstant}};
+    if (input.held) {
+        json["held"] = *input.held;
+    }
+    return json;
 }
 
 Json termJson(const Description::Term& term)

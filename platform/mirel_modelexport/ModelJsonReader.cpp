@@ -288,6 +288,9 @@ ExportedModel readExportedModel(const std::string& json)
                                             model.inputs.back().minimum <=
                                                 model.inputs.back().maximum,
                                         "at least the minimum");
+        if (input.has("held")) {
+            model.inputs.back().held = input.member("held").number();
+        }
         start.inputs.push_back({input.member("caseMinimum").number(),
                                 input.member("caseMaximum").number(),
                                 input.member("isConstant").truth()});

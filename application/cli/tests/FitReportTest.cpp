@@ -45,6 +45,11 @@ TEST_F(FitReport, ThePageReplacesNothingThatIsNeeded)
                   "The report and another output cannot both be \"a.html\".");
     expectFailure("fit cvd.csv -y Stress --report -", 2,
                   "--report needs the name of a file for the page.");
+    for (const std::string name : {"r.pdf", "html", "r.html.txt"}) {
+        expectFailure("fit cvd.csv -y Stress --report " + name, 2,
+                      "--report writes a page of HTML, whose name ends with .html, which \"" +
+                          name + "\" does not; a browser prints the page as PDF.");
+    }
     expectFailure("evaluate cvd.csv -y Stress --report a.html", 2,
                   "--report belongs to the command fit.");
     EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);

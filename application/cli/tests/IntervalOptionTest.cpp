@@ -58,3 +58,23 @@ TEST_F(IntervalOption, LimitsDoNotTakeTheNamesOfOtherColumns)
     expectFailure("predict plane.csv -y y --points points.csv --interval 95", 3,
                   "points.csv, line 1: the table has a column \"y upper\" already.");
 }
+
+TEST_F(IntervalOption, AsksWhetherAShareWasMeantAsPercentage)
+{
+    expectFailure("evaluate cvd.csv -y Stress --interval 0.95", 2,
+                  "--interval takes a percentage: --interval 0.95 would be 0.95 percent of the "
+                  "cases. Did you mean --interval 95?");
+    expectFailure("predict cvd.csv -y Stress --points p.csv --interval .999", 2,
+                  "--interval takes a percentage: --interval .999 would be .999 percent of the "
+                  "cases. Did you mean --interval 99.9?");
+    EXPECT_EQ(run("evaluate cvd.csv -y Stress --interval 1").exitCode, 0);
+}
+
+TEST_F(IntervalOption, EvaluateNamesTheInputsThatAreHeld)
+{
+    const Outcome outcome = run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress --count Pressure=3 "
+                                "--json");
+
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(Json::parse(outcome.out)["held"], Json::parse(R"([{"name": "H2/WF6", "value": 6}])"));
+}

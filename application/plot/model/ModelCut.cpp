@@ -15,6 +15,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 /** How far from a held value a case counts as near, as a share of the range of the input. */
@@ -120,23 +121,35 @@ ModelCut ModelCut::throughChosenValues(CaseSession& session)
     return cut;
 }
 
-ModelCut ModelCut::throughTheMiddle(CaseSession& session, std::size_t input)
+ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                              std::size_t values)
 {
-    ModelCut cut = emptyCut(session, {input});
-    std::vector<const double*> points;
+    ModelCut cut = emptyCut(session, swept);
+    const auto count =
+        static_cast<std::size_t>(std::pow(values, static_cast<double>(swept.size())));
+    const std::vector<double> held = session.heldValues();
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
-        const auto [least, most] = session.inputs()[i].lock()->range();
-        std::vector<double>& values = cut.inputs[i].values;
-        for (std::size_t row = 0; row < sweepValues; ++row) {
-            const double share = i == input ? static_cast<double>(row) / (sweepValues - 1.0) : 0.5;
-            values.push_back((1.0 - share) * least + share * most);
+        cut.inputs[i].values.assign(count, held[i]);
+    }
+    std::size_t repeats = count;
+    for (const std::size_t input : swept) {
+        repeats /= values;
+        const auto [least, most] = session.inputs()[input].lock()->range();
+        for (std::size_t point = 0; point < count; ++point) {
+            const double share =
+                static_cast<double>(point / repeats % values) / static_cast<double>(values - 1);
+            cut.inputs[input].values[point] = (1.0 - share) * least + share * most;
         }
-        points.push_back(values.data());
     }
-    std::vector<std::vector<double>> outputs = session.predict(points, sweepValues).outputs;
+    std::vector<const double*> points;
+    for (const Column& input : cut.inputs) {
+        points.push_back(input.values.data());
+    }
+    PointEvaluation evaluation = session.predict(points, count);
     for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
-        cut.outputs[i].values = std::move(outputs[i]);
+        cut.outputs[i].values = std::move(evaluation.outputs[i]);
     }
+    cut.extrapolation = std::move(evaluation.extrapolation);
     addNearCases(session, cut);
     return cut;
 }

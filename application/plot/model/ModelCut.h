@@ -32,9 +32,15 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */
     static ModelCut throughChosenValues(CaseSession& session);
 
-    /** Through the middle of all ranges, with one input swept over its own.
-     *  @throw SurrogateModelInterface::Error */
-    static ModelCut throughTheMiddle(CaseSession& session, std::size_t input);
+    /**
+     * Through the values at which the session holds its inputs, with some swept over their ranges,
+     * whatever the session sweeps.
+     * @param swept  positions of inputs, ascending; the first one varies slowest.
+     * @param values of each of them, at least two.
+     * @throw SurrogateModelInterface::Error
+     */
+    static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                               std::size_t values);
 
     /** Points of a sweep over a range: enough for a smooth line. */
     static constexpr std::size_t sweepValues = 101;

@@ -5,7 +5,7 @@
 #include "plot/model/CasePictures.h"
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"
-#include "plot/model/ReportSweeps.h"
+#include "plot/model/MainEffects.h"
 #include "plot/model/SweepPictures.h"
 
 #include <session/cases/VariableNames.h>
@@ -41,7 +41,7 @@ std::string ReportPage::html(CaseSession& session)
     const std::vector<std::string> inputs = namesOf(session.inputs());
     const std::vector<std::string> outputs = namesOf(session.outputs());
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
-    const ReportSweeps sweeps(session);
+    const MainEffects sweeps(session);
     std::vector<std::vector<std::string>> pictures(outputs.size());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         const LeaveOneOutCases cases = LeaveOneOutCases::of(session, i);

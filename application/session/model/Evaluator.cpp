@@ -16,6 +16,7 @@
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>
@@ -257,6 +258,13 @@ GridEvaluation Evaluator::evaluate(const std::optional<double>& percent)
         for (const VarPtr& variable : *variables) {
             evaluation.table->AddColumn(
                 filter->GetOutput()->GetColumnByName(variable.lock()->name().c_str()));
+        }
+    }
+    const std::vector<std::size_t> swept = impl->workspace.sweptInputs();
+    const std::vector<double> held = impl->workspace.heldValues();
+    for (std::size_t i = 0; i < held.size(); ++i) {
+        if (!std::binary_search(swept.begin(), swept.end(), i)) {
+            evaluation.held.push_back({impl->workspace.inputs()[i].lock()->name(), held[i]});
         }
     }
     impl->describe(firstColumns(*evaluation.table, impl->workspace.inputs().size()),

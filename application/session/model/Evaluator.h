@@ -38,13 +38,20 @@ struct FitResult
     double seconds = 0.0; ///< wall-clock time, from asking for the model to its last fitted output
 };
 
+struct HeldInput
+{
+    std::string name;
+    double value = 0.0; ///< at all points
+};
+
 /** What comes with values of a model at some points. */
 struct Evaluation
 {
     std::vector<PredictionIntervals> intervals; ///< one per output; none if not asked for
     std::vector<std::string> intervalFaults;    ///< why those of an output are NaN, a sentence each
-    std::string extrapolation; ///< which points lie outside the cases, a sentence; empty if none
-    double seconds = 0.0;      ///< wall-clock time of the values alone
+    std::string extrapolation;   ///< which points lie outside the cases, a sentence; empty if none
+    double seconds = 0.0;        ///< wall-clock time of the values alone
+    std::vector<HeldInput> held; ///< the inputs that a grid does not sweep; none of other points
 };
 
 struct GridEvaluation : Evaluation

@@ -7,7 +7,9 @@
 
 #include <mirel_datamanagement/Project.h>
 
+#include <cmath>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -49,10 +51,13 @@ std::optional<ExportFormat> ModelFile::formatOf(const std::string& word)
 ExportedModel ModelFile::exported(CaseSession& session, std::string report)
 {
     const SurrogateModelInterface& model = session.model();
+    const std::vector<double> held = session.heldValues();
     std::vector<ExportedModel::Input> inputs;
-    for (const VarPtr& input : session.inputs()) {
-        const auto variable = input.lock();
-        inputs.push_back({variable->name(), variable->range().first, variable->range().second});
+    for (std::size_t i = 0; i < session.inputs().size(); ++i) {
+        const auto variable = session.inputs()[i].lock();
+        const auto [least, most] = variable->range();
+        inputs.push_back({variable->name(), least, most,
+                          std::isfinite(held[i]) ? std::make_optional(held[i]) : std::nullopt});
     }
     std::vector<ExportedModel::WantedOutput> outputs;
     for (std::size_t i = 0; i < session.outputs().size(); ++i) {

@@ -13,6 +13,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace {
@@ -28,6 +30,28 @@ void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
     options.terms = choices.terms.value_or(options.terms);
     session.chooseResponseSurface(options);
     session.chooseTransform(choices.transform.value_or(session.transform()));
+}
+
+/** The inputs, by their positions, for which these values choose none: one of mode Auto is a median
+ *  of the cases that were valid when it was saved. */
+std::vector<std::size_t>
+inputsWithoutValue(const Workspace& workspace,
+                   const std::vector<ProjectDocument::Distribution>& values)
+{
+    std::set<std::string> chosen;
+    for (const ProjectDocument::Distribution& value : values) {
+        if (value.mode != "Auto") {
+            chosen.insert(value.name);
+        }
+    }
+    std::vector<std::size_t> inputs;
+    const std::vector<std::string> names = namesOf(workspace.inputs());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (chosen.count(names[i]) == 0) {
+            inputs.push_back(i);
+        }
+    }
+    return inputs;
 }
 
 /** The library passes over inputs that are none, and the predictions are others without them. */
@@ -63,6 +87,7 @@ std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& ch
     auto session = std::make_unique<CaseSession>(
         std::move(table), roles, excluded, choices.model.value_or(CaseSession::ResponseSurface));
     chooseModelOptions(choices, *session);
+    session->holdAtMedians(inputsWithoutValue(*session, {}));
     return session;
 }
 
@@ -92,6 +117,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
         noteUnknownModel(document, opened);
     }
     chooseModelOptions(choices, session);
+    session.holdAtMedians(inputsWithoutValue(session, document.evaluationPoint()));
     return opened;
 }
 

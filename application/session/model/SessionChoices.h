@@ -32,14 +32,16 @@ struct OpenedProject
 
 /**
  * Opens cases with these choices. Without a choice every numeric column that is no output is an
- * input, no case is excluded, and the model is a response surface of all terms.
+ * input, no case is excluded, and the model is a response surface of all terms. Each input stays at
+ * the median of the valid cases until it is given values.
  * @throw UsageError for names and case numbers that do not exist; CaseDataError
  */
 SURROGATE_SESSION_EXPORT std::unique_ptr<CaseSession> openCases(CaseTable table,
                                                                 const SessionChoices& choices);
 
 /**
- * Opens the cases of a project with the choices of its document; `choices` take precedence.
+ * Opens the cases of a project with the choices of its document; `choices` take precedence. An
+ * input for which the document chooses no value stays at the median of the valid cases.
  * @throw UsageError for names and case numbers that do not exist; CaseDataError;
  *        ProjectDocumentError if the document does not fit the cases.
  */

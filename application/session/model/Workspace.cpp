@@ -1,8 +1,10 @@
 #include "session/model/Workspace.h"
 
+#include "session/cases/VariableNames.h"
 #include "session/files/FileFingerprint.h"
 #include "session/model/SessionState.h"
 #include "session/project/ProjectDocument.h"
+#include "session/text/NumberText.h"
 #include "session/text/SessionErrors.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
@@ -16,6 +18,9 @@
 #include <mirel_modelexport/ModelExport.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -83,6 +88,23 @@ std::map<std::string, std::string> unitsOf(const CaseTable& table)
         }
     }
     return byName;
+}
+
+/** The median of a column over some of its rows, at least one. */
+double medianOf(const std::vector<double>& column, const std::vector<std::size_t>& rows)
+{
+    std::vector<double> values;
+    values.reserve(rows.size());
+    for (const std::size_t row : rows) {
+        values.push_back(column[row]);
+    }
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    if (values.size() % 2 == 1) {
+        return *middle;
+    }
+    // Halved first: the sum of two large values could overflow.
+    return 0.5 * *std::max_element(values.begin(), middle) + 0.5 * *middle;
 }
 } // namespace
 
@@ -162,6 +184,11 @@ Workspace::Workspace(const ExportedModel& model)
     // After the ranges, whose lower ends become the evaluation point.
     chooseRoles(rolesOf(model));
     chooseModel(model.isKriging() ? Kriging : ResponseSurface);
+    for (std::size_t k = 0; k < model.inputs.size(); ++k) {
+        if (model.inputs[k].held) {
+            stayAt(k, numberText(*model.inputs[k].held));
+        }
+    }
 }
 
 Workspace::~Workspace()
@@ -359,8 +386,39 @@ void Workspace::stayAt(std::size_t input, const std::string& text)
     }
     Collection point = impl->state.manager->evaluationPoint()->get();
     point.setUserDistString(name, text);
+    point.setMode(name, Collection::UserDefined);
     impl->state.manager->evaluationPoint()->set(point);
     impl->state.interpolation->stayAtEvaluationPoint(variable);
+}
+
+void Workspace::holdAtMedians(const std::vector<std::size_t>& inputs)
+{
+    const std::vector<std::size_t> cases = validCases();
+    if (cases.empty()) {
+        return;
+    }
+    Collection point = impl->state.manager->evaluationPoint()->get();
+    for (const std::size_t input : inputs) {
+        const VarPtr variable = impl->inputs.at(input);
+        const std::string name = variable.lock()->name();
+        point.setUserDistString(name,
+                                numberText(medianOf(project().numericValues(variable), cases)));
+        // The text counts all the same; the mode says that nobody chose it.
+        point.setMode(name, Collection::Auto);
+    }
+    impl->state.manager->evaluationPoint()->set(point);
+}
+
+std::vector<double> Workspace::heldValues() const
+{
+    const Collection point = impl->state.manager->evaluationPoint()->get();
+    std::vector<double> held;
+    for (const std::string& name : namesOf(impl->inputs)) {
+        std::vector<double> values;
+        point.getUserDistributionPoints(name)->get(values);
+        held.push_back(values.empty() ? std::nan("") : values.front());
+    }
+    return held;
 }
 
 std::vector<std::size_t> Workspace::sweptInputs() const

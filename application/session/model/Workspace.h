@@ -56,8 +56,8 @@ public:
               ModelType type);
 
     /**
-     * A finished model without cases. The inputs have the ranges of the export, and stay at their
-     * minima.
+     * A finished model without cases. The inputs have the ranges of the export, and stay where it
+     * held them; without such a value at their minima.
      * @throw SurrogateModelInterface::Error if the model cannot be used.
      */
     explicit Workspace(const ExportedModel& model);
@@ -140,6 +140,13 @@ public:
     /** Moves the evaluation point, which is each input's minimum at first.
      *  @throw DistributionTextError unless the text is one number. */
     void stayAt(std::size_t input, const std::string& text);
+
+    /** Moves the evaluation point to the medians of the valid cases for inputs that nothing was
+     * said about; without valid cases it stays. A document keeps them with mode Auto. */
+    void holdAtMedians(const std::vector<std::size_t>& inputs);
+
+    /** Where each input stays unless it is swept, in its units. */
+    std::vector<double> heldValues() const;
 
     /** The inputs that are swept, by their positions in the roles, ascending. */
     std::vector<std::size_t> sweptInputs() const;

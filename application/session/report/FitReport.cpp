@@ -342,6 +342,11 @@ ReportJson::Json FitReport::runJson(CaseSession& session, double readSeconds,
                                     const Evaluation* evaluation)
 {
     Json json = FitReport::json(session);
+    if (evaluation != nullptr) {
+        for (const HeldInput& input : evaluation->held) {
+            json["held"].push_back({{"name", input.name}, {"value", input.value}});
+        }
+    }
     if (evaluation != nullptr && !evaluation->extrapolation.empty()) {
         json["extrapolation"] = evaluation->extrapolation;
     }

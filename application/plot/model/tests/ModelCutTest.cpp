@@ -96,16 +96,28 @@ TEST(ModelCut, NamesAFewHeldInputsAndCountsTheOthers)
               "within 10\302\240% of their range.");
 }
 
-TEST(ModelCut, ThroughTheMiddleLeavesTheSessionAsItIs)
+TEST(ModelCut, OverRangesHoldsTheOthersAndLeavesTheSessionAsItIs)
 {
     CaseSession session = cvdSession();
+    session.stayAt(1, "6");
 
-    const ModelCut cut = ModelCut::throughTheMiddle(session, 0);
+    const ModelCut cut = ModelCut::overRanges(session, {0}, 101);
 
-    EXPECT_EQ(cut.points(), ModelCut::sweepValues);
+    EXPECT_EQ(cut.points(), 101u);
     EXPECT_EQ(cut.inputs[0].values.front(), 4.0);
     EXPECT_EQ(cut.inputs[0].values.back(), 80.0);
     EXPECT_EQ(cut.inputs[1].values, std::vector<double>(cut.points(), 6.0));
     EXPECT_EQ(cut.caption().rfind("At H2/WF6 = 6. ", 0), 0u) << cut.caption();
     EXPECT_TRUE(session.sweptInputs().empty());
+}
+
+TEST(ModelCut, OverRangesOfTwoInputsIsTheirProduct)
+{
+    CaseSession session = cvdSession();
+
+    const ModelCut cut = ModelCut::overRanges(session, {0, 1}, 3);
+
+    EXPECT_EQ(cut.inputs[0].values, (std::vector<double>{4, 4, 4, 42, 42, 42, 80, 80, 80}));
+    EXPECT_EQ(cut.inputs[1].values, (std::vector<double>{2, 6, 10, 2, 6, 10, 2, 6, 10}));
+    EXPECT_EQ(cut.outputs[0].values.size(), 9u);
 }

@@ -64,6 +64,22 @@ TEST(ModelFile, AnExportedModelHasTheRolesAndRangesOfItsSession)
     EXPECT_EQ(model.outputs[0].name, "Stress");
 }
 
+TEST(ModelFile, AnExportedModelHoldsItsInputsWhereItsSessionDid)
+{
+    ExportedModel model;
+    {
+        CaseSession cases(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
+        cases.holdAtMedians({0, 1});
+        cases.stayAt(1, "3.25");
+        model = ModelFile::exported(cases, "{}");
+    }
+    model = readExportedModel(exportModel(model, ExportFormat::Json));
+
+    EXPECT_EQ(CaseSession(model).heldValues(), (std::vector<double>{42.0, 3.25}));
+    model.inputs[0].held.reset();
+    EXPECT_EQ(CaseSession(model).heldValues(), (std::vector<double>{4.0, 3.25}));
+}
+
 TEST(ModelFile, WarningsNameTheInputs)
 {
     CaseTable table = cvdCases();

@@ -13,7 +13,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -168,4 +170,69 @@ TEST(SessionChoices, ACaseThatDoesNotExistIsRefused)
     choices.excluded = "12";
 
     EXPECT_THROW(openCases(cvdCases(), choices), UsageError);
+}
+
+TEST(SessionChoices, AnInputWithNothingSaidStaysAtTheMedianOfTheValidCases)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].numbers[0] = std::nan("");
+    SessionChoices choices;
+    choices.inputs = {"Pressure, H2/WF6"};
+    choices.outputs = {"Stress"};
+    choices.excluded = "2";
+    const std::vector<double> pressures = table.columns[0].numbers;
+
+    const auto session = openCases(std::move(table), choices);
+
+    std::vector<double> valid(pressures.begin() + 2, pressures.end());
+    std::sort(valid.begin(), valid.end());
+    ASSERT_EQ(valid.size(), 9u);
+    EXPECT_EQ(session->heldValues()[0], valid[4]);
+    ASSERT_EQ(session->evaluate().held.size(), 2u);
+    EXPECT_EQ(session->evaluate().held[0].name, "Pressure");
+    EXPECT_EQ(session->evaluate().held[0].value, valid[4]);
+}
+
+TEST(SessionChoices, AnEvenNumberOfCasesHasItsMedianBetweenTheMiddleTwo)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].numbers = {3, 0.3, 1, 0.1, -1e-7, 7, 0.2, 9, 2, 5, 1};
+    SessionChoices choices;
+    choices.outputs = {"Stress"};
+    choices.excluded = "1";
+
+    EXPECT_EQ(openCases(std::move(table), choices)->heldValues()[0], 1.0);
+    table = cvdCases();
+    table.columns[0].numbers = {3, 0.3, 1, 0.1, -1e-7, 7, 0.2, 9, 2, 5, 1.1};
+    EXPECT_EQ(openCases(std::move(table), choices)->heldValues()[0], 1.05);
+}
+
+TEST(SessionChoices, AProjectKeepsTheValuesThatWereChosenAndTheMediansOfTheOthers)
+{
+    const TemporaryFolder folder;
+    SessionChoices choices;
+    choices.inputs = {"Pressure, H2/WF6"};
+    choices.outputs = {"Stress"};
+    const ProjectDocument document = [&] {
+        const auto session = openCases(tableIn(folder), choices);
+        session->stayAt(1, "3.5");
+        return session->document();
+    }();
+    SessionChoices withoutMost;
+    withoutMost.excluded = "2-11";
+    CaseTable table = tableIn(folder);
+    const double first = table.columns[0].numbers[0];
+
+    const OpenedProject opened = openProject(std::move(table), document, withoutMost);
+
+    EXPECT_EQ(opened.session->heldValues(), (std::vector<double>{first, 3.5}));
+}
+
+TEST(SessionChoices, WithoutValidCasesInputsStayAtTheirMinima)
+{
+    SessionChoices choices;
+    choices.outputs = {"Stress"};
+    choices.excluded = "1-11";
+
+    EXPECT_EQ(openCases(cvdCases(), choices)->heldValues()[0], 4.0);
 }

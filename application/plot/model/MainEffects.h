@@ -9,13 +9,13 @@
 
 class CaseSession;
 
-/** The sweeps that a report shows: each input that varies over its range, with the others in the
- *  middle of theirs. */
-class SURROGATE_PLOT_EXPORT ReportSweeps
+/** The sweeps that a report shows: each input that varies over its range, with the others held
+ *  where the session holds them. */
+class SURROGATE_PLOT_EXPORT MainEffects
 {
 public:
     /** @throw SurrogateModelInterface::Error */
-    explicit ReportSweeps(CaseSession& session);
+    explicit MainEffects(CaseSession& session);
 
     /** Six at most, that along which the output changes most first; valid as long as this object.
      */

@@ -1,4 +1,4 @@
-#include "plot/model/ReportSweeps.h"
+#include "plot/model/MainEffects.h"
 
 #include "plot/drawing/AxisScale.h"
 
@@ -7,17 +7,17 @@
 #include <algorithm>
 #include <cmath>
 
-ReportSweeps::ReportSweeps(CaseSession& session)
+MainEffects::MainEffects(CaseSession& session)
 {
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
         const auto [least, most] = session.inputs()[input].lock()->range();
         if (least < most) {
-            cuts.push_back(ModelCut::throughTheMiddle(session, input));
+            cuts.push_back(ModelCut::overRanges(session, {input}, ModelCut::sweepValues));
         }
     }
 }
 
-std::vector<const ModelCut*> ReportSweeps::mostInfluential(std::size_t output) const
+std::vector<const ModelCut*> MainEffects::mostInfluential(std::size_t output) const
 {
     constexpr std::size_t maxSweeps = 6;
     const auto influence = [output](const ModelCut* cut) {

@@ -1,4 +1,4 @@
-#include <plot/model/ReportSweeps.h>
+#include <plot/model/MainEffects.h>
 
 #include "../../../session/tests/CvdSession.h"
 
@@ -8,11 +8,12 @@
 #include <utility>
 #include <vector>
 
-TEST(ReportSweeps, SweepEveryInputThroughTheMiddleOfTheOthers)
+TEST(MainEffects, SweepEveryInputWhereTheOthersAreHeld)
 {
     CaseSession session = cvdSession();
+    session.holdAtMedians({0, 1});
 
-    const ReportSweeps sweeps(session);
+    const MainEffects sweeps(session);
 
     for (std::size_t output = 0; output < 2; ++output) {
         const std::vector<const ModelCut*> cuts = sweeps.mostInfluential(output);
@@ -20,25 +21,25 @@ TEST(ReportSweeps, SweepEveryInputThroughTheMiddleOfTheOthers)
         EXPECT_EQ(cuts[0]->swept, std::vector<std::size_t>{0})
             << "pressure has the larger influence";
         EXPECT_EQ(cuts[1]->swept, std::vector<std::size_t>{1});
-        // Both pass through the point in the middle.
+        // The medians are the middle of the ranges, through which both pass.
         EXPECT_NEAR(cuts[0]->outputs[output].values[50], cuts[1]->outputs[output].values[50],
                     1e-12);
     }
 }
 
-TEST(ReportSweeps, LeaveOutInputsThatDoNotVary)
+TEST(MainEffects, LeaveOutInputsThatDoNotVary)
 {
     CaseTable table = cvdCases();
     table.columns[1].numbers.assign(11, 6.0);
     CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
-    const ReportSweeps sweeps(session);
+    const MainEffects sweeps(session);
 
     ASSERT_EQ(sweeps.mostInfluential(0).size(), 1u);
     EXPECT_EQ(sweeps.mostInfluential(0)[0]->swept, std::vector<std::size_t>{0});
 }
 
-TEST(ReportSweeps, AreSixOfManyInputs)
+TEST(MainEffects, AreSixOfManyInputs)
 {
     CaseTable table = cvdCases();
     const auto output = table.columns[3];
@@ -52,5 +53,5 @@ TEST(ReportSweeps, AreSixOfManyInputs)
     CaseSession session(std::move(table), {{0, 1, 2, 3, 4, 5, 6, 7}, {8}}, {},
                         CaseSession::ResponseSurface);
 
-    EXPECT_EQ(ReportSweeps(session).mostInfluential(0).size(), 6u);
+    EXPECT_EQ(MainEffects(session).mostInfluential(0).size(), 6u);
 }
