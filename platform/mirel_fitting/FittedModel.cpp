@@ -14,7 +14,7 @@ CalibrationReport FittedModel::calibrationReport(int offset) const
     std::vector<double> magnitudes;
     for (const LeaveOneOutPrediction& one : leaveOneOutPredictions(offset)) {
         const double magnitude = std::fabs(one.output - one.predicted) / one.standardError;
-        if (std::isfinite(magnitude)) {
+        if (!std::isnan(magnitude)) {
             magnitudes.push_back(magnitude);
         }
     }

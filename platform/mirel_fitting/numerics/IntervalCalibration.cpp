@@ -10,12 +10,16 @@ IntervalCalibration::IntervalCalibration(double degreesOfFreedom,
     : degreesOfFreedom(degreesOfFreedom), basis(basis)
 {
     for (const double residual : standardised) {
-        if (std::isfinite(residual)) {
+        if (!std::isnan(residual)) {
             magnitudes.push_back(std::fabs(residual));
         }
     }
     std::sort(magnitudes.begin(), magnitudes.end());
-    if (magnitudes.size() < fewestCases) {
+    finite = static_cast<std::size_t>(
+        std::find_if(magnitudes.begin(), magnitudes.end(),
+                     [](double magnitude) { return std::isinf(magnitude); }) -
+        magnitudes.begin());
+    if (finite < fewestCases) {
         this->basis = Basis::Distribution;
     }
 }
@@ -24,13 +28,16 @@ double IntervalCalibration::quantile(double level) const
 {
     // With fewer magnitudes beyond it, a quantile is mostly chance. With at least five the 99 %
     // intervals of a few hundred cases with heavy tails hold 1 % fewer cases.
-    constexpr double fewestBeyond = 3.0;
+    constexpr std::size_t fewestBeyond = 3;
 
     const double student = studentQuantile(level);
     if (basis == Basis::Distribution) {
         return student;
     }
-    const double lastLevel = 1.0 - fewestBeyond / (static_cast<double>(magnitudes.size()) + 1.0);
+    const std::size_t infinite = magnitudes.size() - finite;
+    const std::size_t beyond = std::max(fewestBeyond, infinite + 1);
+    const double lastLevel =
+        1.0 - static_cast<double>(beyond) / (static_cast<double>(magnitudes.size()) + 1.0);
     if (level <= lastLevel) {
         return empiricalQuantile(level);
     }
@@ -46,7 +53,7 @@ double IntervalCalibration::studentQuantile(double level) const
 double IntervalCalibration::empiricalQuantile(double level) const
 {
     const double position = level * (static_cast<double>(magnitudes.size()) + 1.0);
-    const auto above = std::min(static_cast<std::size_t>(position), magnitudes.size() - 1);
+    const auto above = std::min(static_cast<std::size_t>(position), finite - 1);
     const double lower = above == 0 ? 0.0 : magnitudes[above - 1];
     return lower + (position - static_cast<double>(above)) * (magnitudes[above] - lower);
 }

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/CalibrationReport.h>
 
+#include <cstddef>
 #include <vector>
 
 /**
@@ -30,7 +31,8 @@ public:
     /**
      * @param degreesOfFreedom positive.
      * @param standardised     residuals over their standard deviations, of cases that were left
-     *                         out; those that are not finite do not count.
+     *                         out. NaN does not count; an infinite one, over a standard
+     *                         deviation of 0, lies outside of every interval.
      * @param basis            how these were left out.
      */
     IntervalCalibration(double degreesOfFreedom, const std::vector<double>& standardised,
@@ -49,5 +51,6 @@ private:
 
     double degreesOfFreedom;
     std::vector<double> magnitudes; // ascending
+    std::size_t finite;             // of them
     Basis basis;
 };

@@ -184,21 +184,28 @@ public:
      *  Kriging system with Lagrange multipliers. */
     Real relativeVariance(const Vector& point, const Vector& trendTerms) const
     {
+        return 1.0L - quadraticForm(system(), rightHandSide(point, trendTerms));
+    }
+
+    /** The same where the cases have no noise although the mean is that with the nugget: 1 - 2 r' w
+     *  + w' C w with the weights w of the cases. */
+    Real errorWithoutNoise(const Vector& point, const Vector& trendTerms) const
+    {
         const std::size_t n = points.size();
-        Matrix system = correlations;
-        Vector right;
-        for (std::size_t i = 0; i < n; ++i) {
-            system[i].insert(system[i].end(), trend[i].begin(), trend[i].end());
-            right.push_back(correlation(point, points[i]));
+        Matrix matrix = system();
+        Matrix solution;
+        for (const Real value : rightHandSide(point, trendTerms)) {
+            solution.push_back({value});
         }
-        right.insert(right.end(), trendTerms.begin(), trendTerms.end());
-        for (std::size_t t = 0; t < trendTerms.size(); ++t) {
-            system.emplace_back(right.size(), 0.0L);
-            for (std::size_t i = 0; i < n; ++i) {
-                system.back()[i] = trend[i][t];
+        eliminate(matrix, solution);
+        Real error = 1.0L;
+        for (std::size_t i = 0; i < n; ++i) {
+            error -= 2.0L * solution[i][0] * correlation(point, points[i]);
+            for (std::size_t j = 0; j < n; ++j) {
+                error += solution[i][0] * solution[j][0] * correlation(points[i], points[j]);
             }
         }
-        return 1.0L - quadraticForm(system, right);
+        return error;
     }
 
     /** right' matrix^-1 right */
@@ -233,6 +240,35 @@ public:
     Real logLikelihood = 0.0L;
 
 private:
+    /** [R F; F' 0] */
+    Matrix system() const
+    {
+        const std::size_t n = points.size();
+        const std::size_t p = trend.front().size();
+        Matrix result = correlations;
+        for (std::size_t i = 0; i < n; ++i) {
+            result[i].insert(result[i].end(), trend[i].begin(), trend[i].end());
+        }
+        for (std::size_t t = 0; t < p; ++t) {
+            result.emplace_back(n + p, 0.0L);
+            for (std::size_t i = 0; i < n; ++i) {
+                result.back()[i] = trend[i][t];
+            }
+        }
+        return result;
+    }
+
+    /** (r, f) */
+    Vector rightHandSide(const Vector& point, const Vector& trendTerms) const
+    {
+        Vector result;
+        for (const Vector& one : points) {
+            result.push_back(correlation(point, one));
+        }
+        result.insert(result.end(), trendTerms.begin(), trendTerms.end());
+        return result;
+    }
+
     /** Solves in place; returns the logarithm of the determinant's magnitude. */
     static Real eliminate(Matrix& matrix, Matrix& right)
     {

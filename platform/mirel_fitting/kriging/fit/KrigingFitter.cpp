@@ -27,14 +27,15 @@ KrigingEstimate estimate(const KrigingFitInput& input, std::shared_ptr<const Kri
 }
 
 void addErrors(KrigingFit& fit, const DistinctCases& distinct, const KrigingData& data,
-               KrigingLikelihood& likelihood, double nugget)
+               KrigingLikelihood& likelihood, double noise)
 {
     std::vector<std::size_t> points(data.cases);
     std::iota(points.begin(), points.end(), std::size_t{0});
     std::vector<double> variances;
-    const std::vector<double> leftOut = likelihood.equations().leaveOneOutResiduals(&variances);
+    const std::vector<double> leftOut =
+        likelihood.equations().leaveOneOutResiduals(&variances, noise > 0.0);
     distinct.addErrors(fit, data, likelihood.equations().residuals(),
-                       {points, leftOut, variances, likelihood.processVariance(), nugget});
+                       {points, leftOut, variances, likelihood.processVariance(), noise});
 }
 
 /** Kriging with one correlation matrix of all cases. */
@@ -59,7 +60,8 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     report.addCorrelation(fit, found, likelihood.equations().conditionEstimate());
     report.addLikelihood(fit, found);
     report.addTrend(fit, *estimated.trend(), likelihood.equations().coefficients());
-    addErrors(fit, distinct, *data, likelihood, found.parameters.nugget);
+    addErrors(fit, distinct, *data, likelihood,
+              exact.model.interpolates ? 0.0 : found.parameters.nugget);
     estimated.warn(fit);
     distinct.warnOfConflicts(exact.model.interpolates, fit.warnings);
     constexpr double mostNugget = 1.0; // with more it is mostly the trend that the model follows

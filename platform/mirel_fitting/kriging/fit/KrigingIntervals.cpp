@@ -9,11 +9,6 @@ namespace {
 
 constexpr std::size_t folds = 5;
 
-double degreesOfFreedom(const FittedKriging& model)
-{
-    return std::max(model.data->rowCount() - static_cast<double>(model.coefficients.size()), 1.0);
-}
-
 /** Whether parameters were estimated that so few cases leave uncertain, so that leave-one-out with
  *  the parameters of all cases looks better than predictions are. */
 bool areRefitsWorthwhile(const KrigingFitInput& input, const FittedKriging& model)
@@ -43,12 +38,13 @@ std::vector<double> leaveOneOutResiduals(const KrigingFitInput& input, const Kri
 IntervalCalibration calibrateIntervals(const KrigingFitInput& input, const KrigingFit& fit)
 {
     const FittedKriging& model = fit.predictor.model();
+    const double degreesOfFreedom = std::max(fit.report.degreesOfFreedom, 1.0);
     if (areRefitsWorthwhile(input, model)) {
-        return {degreesOfFreedom(model), KrigingRefits::residuals(input, model, folds),
+        return {degreesOfFreedom, KrigingRefits::residuals(input, model, folds),
                 IntervalCalibration::Basis::Refits};
     }
     const bool areEnough = model.data->cases >= IntervalCalibration::fewestPoints;
-    return {degreesOfFreedom(model), leaveOneOutResiduals(input, fit),
+    return {degreesOfFreedom, leaveOneOutResiduals(input, fit),
             areEnough ? IntervalCalibration::Basis::LeaveOneOut
                       : IntervalCalibration::Basis::Distribution};
 }

@@ -6,8 +6,10 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <random>
 
 namespace {
@@ -26,17 +28,23 @@ std::vector<std::size_t> randomFolds(std::size_t points, std::size_t folds)
     return foldOfPoint;
 }
 
-KrigingPredictor refitted(const KrigingFitInput& input, const FittedKriging& model,
-                          const std::vector<std::size_t>& points)
+/** None where the points do not determine a model like that of all points. */
+std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const FittedKriging& model,
+                                         const std::vector<std::size_t>& points)
 {
     // From parameters that suit all points, the first step brings most of what there is to gain.
     constexpr int steps = 1;
 
     auto data = std::make_shared<KrigingData>(model.data->subset(points));
-    // Terms that are independent at all points need not be so at these.
-    const std::size_t otherParameters = data->inputs + 1;
+    const auto [smallest, largest] = std::minmax_element(data->output.begin(), data->output.end());
+    // Terms that are independent at all points need not be so at these. The lengths are all but
+    // known: the order is that of all points as long as the variance can be estimated.
+    const std::size_t otherParameters = 1;
     auto trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
                                                 model.trend->order(), otherParameters);
+    if (trend->order() < model.trend->order() || *smallest == *largest) {
+        return std::nullopt;
+    }
     data->terms = trend->size();
     data->trend = trend->matrix();
     KrigingSearchSettings settings = input.searchSettings();
@@ -52,7 +60,7 @@ std::vector<double> KrigingRefits::residuals(const KrigingFitInput& input,
                                              const FittedKriging& model, std::size_t folds)
 {
     const std::vector<std::size_t> foldOfPoint = randomFolds(model.data->cases, folds);
-    std::vector<double> result(input.output.size());
+    std::vector<double> result(input.output.size(), std::numeric_limits<double>::quiet_NaN());
     for (std::size_t fold = 0; fold < folds; ++fold) {
         const FitProgress::Portion portion(static_cast<double>(fold) / static_cast<double>(folds),
                                            static_cast<double>(fold + 1) /
@@ -62,7 +70,10 @@ std::vector<double> KrigingRefits::residuals(const KrigingFitInput& input,
         for (std::size_t point = 0; point < foldOfPoint.size(); ++point) {
             (foldOfPoint[point] == fold ? leftOut : others).push_back(point);
         }
-        const KrigingPredictor predictor = refitted(input, model, others);
+        const std::optional<KrigingPredictor> predictor = refitted(input, model, others);
+        if (!predictor) {
+            continue;
+        }
         std::vector<std::vector<double>> inputs = input.cases.inputsAt(leftOut);
         std::vector<double*> columns;
         for (std::vector<double>& column : inputs) {
@@ -70,8 +81,8 @@ std::vector<double> KrigingRefits::residuals(const KrigingFitInput& input,
         }
         std::vector<double> predictions(leftOut.size());
         std::vector<double> errors(leftOut.size());
-        predictor.predict(columns, 0, leftOut.size(), predictions.data());
-        predictor.standardErrors(columns, leftOut.size(), true, errors.data());
+        predictor->predict(columns, 0, leftOut.size(), predictions.data());
+        predictor->standardErrors(columns, leftOut.size(), true, errors.data());
         for (std::size_t i = 0; i < leftOut.size(); ++i) {
             for (const std::size_t row : input.cases.rowsAt(leftOut[i])) {
                 result[row] = (input.output[row] - predictions[i]) / errors[i];

@@ -19,7 +19,8 @@ public:
      * from those of all points. Reports to FitProgress.
      * @param model of all points, with a correlation and without neighbours.
      * @param folds at most as many as points.
-     * @return one per row: residual over the standard error of an observation.
+     * @return one per row: residual over the standard error of an observation. NaN where the
+     *         outputs of the other folds are all the same, or their cases too few for the trend.
      * @throw SurrogateModelInterface::Error like KrigingSearch::run().
      */
     static std::vector<double> residuals(const KrigingFitInput& input, const FittedKriging& model,

@@ -18,25 +18,86 @@ namespace {
 // Columns of a large matrix between two reports of progress: a fraction of a tenth of a second.
 constexpr std::size_t columnsAtOnce = 512;
 
-class DiagonalOfInverse : public BlockedCholesky::Visitor
+/**
+ * Of P = R^-1 - G G' for each row: the diagonal element of R^-1, and the sum of the squares of all
+ * elements times the noise of their columns.
+ */
+class LeaveOneOutVisitor : public BlockedCholesky::Visitor
 {
 public:
-    explicit DiagonalOfInverse(std::vector<double>& diagonal) : diagonal(diagonal) {}
+    struct Sums
+    {
+        std::vector<double> diagonal;
+        std::vector<double> noise;
+    };
 
-    void visit(std::size_t /*first*/, std::size_t columns, const double* block,
+    /** @param projected G by columns. @param noise one per column of P; empty: no sums. */
+    LeaveOneOutVisitor(const std::vector<double>& projected, const std::vector<double>& noise,
+                       Sums& whole)
+        : projected(projected), noise(noise), whole(whole)
+    {}
+
+    void visit(std::size_t firstColumn, std::size_t columns, const double* block,
                std::size_t stride) override
     {
-        elements.resize(columns);
+        first = firstColumn;
+        part.diagonal.resize(columns);
         for (std::size_t j = 0; j < columns; ++j) {
-            elements[j] = block[j * stride + j];
+            part.diagonal[j] = block[j * stride + j];
+        }
+        if (!noise.empty()) {
+            project(columns, block, stride);
+            sum(columns);
         }
     }
 
-    void handOver() override { diagonal.insert(diagonal.end(), elements.begin(), elements.end()); }
+    void handOver() override
+    {
+        std::copy(part.diagonal.begin(), part.diagonal.end(),
+                  whole.diagonal.begin() + static_cast<std::ptrdiff_t>(first));
+        for (std::size_t i = 0; i < part.noise.size(); ++i) {
+            whole.noise[first + i] += part.noise[i];
+        }
+    }
 
 private:
-    std::vector<double>& diagonal;
-    std::vector<double> elements;
+    void project(std::size_t columns, const double* block, std::size_t stride)
+    {
+        const std::size_t n = whole.diagonal.size();
+        const std::size_t rows = n - first;
+        elements.resize(rows * columns);
+        for (std::size_t j = 0; j < columns; ++j) {
+            std::copy(block + j * stride + j, block + j * stride + rows,
+                      elements.begin() + static_cast<std::ptrdiff_t>(j * rows + j));
+        }
+        cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows),
+                    static_cast<int>(columns), static_cast<int>(projected.size() / n), -1.0,
+                    projected.data() + first, static_cast<int>(n), projected.data() + first,
+                    static_cast<int>(n), 1.0, elements.data(), static_cast<int>(rows));
+    }
+
+    /** The block is of the lower triangle: each of its elements stands for two. */
+    void sum(std::size_t columns)
+    {
+        const std::size_t rows = whole.diagonal.size() - first;
+        part.noise.assign(rows, 0.0);
+        for (std::size_t j = 0; j < columns; ++j) {
+            const double* column = elements.data() + j * rows;
+            part.noise[j] += column[j] * column[j] * noise[first + j];
+            for (std::size_t i = j + 1; i < rows; ++i) {
+                const double square = column[i] * column[i];
+                part.noise[i] += square * noise[first + j];
+                part.noise[j] += square * noise[first + i];
+            }
+        }
+    }
+
+    const std::vector<double>& projected;
+    const std::vector<double>& noise;
+    Sums& whole;
+    std::size_t first = 0;
+    Sums part;
+    std::vector<double> elements; // of P, rows from `first` on
 };
 
 } // namespace
@@ -266,32 +327,40 @@ bool KrigingEquations::areCasesFarApart() const
     return 2 * static_cast<std::size_t>(apart) > n;
 }
 
-std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* variances)
+std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* variances,
+                                                           bool isNoise)
 {
     // A smaller fraction of a diagonal element is its rounding error: without the case the trend is
     // not determined.
     constexpr double determined = 1e-10;
+    // Of the difference from 1, relative to the process variance.
+    constexpr double rounding = 100.0 * std::numeric_limits<double>::epsilon();
 
     const SingleThreadedBlas singleThreaded;
     const std::vector<double> projected = trendInInverse();
-    std::vector<double> diagonals;
-    cholesky.visitInverse([&] { return std::make_unique<DiagonalOfInverse>(diagonals); });
+    std::vector<double> noise;
+    for (std::size_t i = 0; variances && !isNoise && i < n; ++i) {
+        noise.push_back(diagonalNugget / data->replicates[i]);
+    }
+    LeaveOneOutVisitor::Sums sums{std::vector<double>(n), std::vector<double>(n)};
+    cholesky.visitInverse(
+        [&] { return std::make_unique<LeaveOneOutVisitor>(projected, noise, sums); });
 
-    // The diagonal of Q = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; Q y are the weights.
+    // The diagonal of P = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; P y are the weights, and -P_ij /
+    // P_ii those of the cases j in the prediction of case i by the others.
     std::vector<double> residuals(n);
     if (variances) {
         variances->assign(n, std::numeric_limits<double>::quiet_NaN());
     }
     for (std::size_t i = 0; i < n; ++i) {
-        const double diagonal = diagonals[i];
-        double left = diagonal;
+        double left = sums.diagonal[i];
         for (std::size_t j = 0; j < p; ++j) {
             left -= projected[j * n + i] * projected[j * n + i];
         }
-        const bool isDetermined = left > determined * diagonal;
+        const bool isDetermined = left > determined * sums.diagonal[i];
         residuals[i] = isDetermined ? alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
         if (variances && isDetermined) {
-            (*variances)[i] = 1.0 / left;
+            (*variances)[i] = std::max(1.0 / left - sums.noise[i] / (left * left), rounding);
         }
     }
     return residuals;

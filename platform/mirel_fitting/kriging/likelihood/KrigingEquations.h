@@ -76,8 +76,11 @@ public:
      * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
      * @param variances if not null, receives those of the residuals, relative to the process
      *                  variance.
+     * @param isNoise   whether the cases have the nugget as noise: if not, it only stabilises the
+     *                  factorisation, and the variances are less by what it contributes.
      */
-    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr);
+    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr,
+                                             bool isNoise = true);
 
     // For derivatives.
 

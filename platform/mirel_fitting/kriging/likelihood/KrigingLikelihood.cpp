@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 
+#include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <cblas.h>
@@ -22,6 +23,7 @@ double logTrendDeterminant(const KrigingData& data)
     OrthonormalColumns columns(data.cases, data.terms);
     std::vector<double> column(data.cases);
     for (std::size_t t = 0; t < data.terms; ++t) {
+        FitProgress::advance();
         for (std::size_t i = 0; i < data.cases; ++i) {
             column[i] = std::sqrt(data.replicates[i]) * data.trend[t * data.cases + i];
         }

@@ -19,6 +19,10 @@
  * costs. Cressie: Statistics for Spatial Data, revised ed., Wiley 1993, section 3.4. Without
  * correlation it is that of a regression: R the identity and the first two terms 0.
  *
+ * Where the nugget d only keeps the factorisation sound, the cases have no noise. With the weights
+ * w that the cases have in the mean, the variance is then less by d w'w: what is left is the error
+ * variance of this very mean, and positive however small it is beside d.
+ *
  * Holds the factor of R, n x n numbers for n cases.
  */
 class KrigingVariance
@@ -40,15 +44,19 @@ public:
         friend class KrigingVariance;
         AlignedBuffer correlations;
         std::vector<double> trend;
+        std::vector<char> isAtCase; // one per point
     };
 
-    /** Not negative; 0 at a case that the model interpolates, and up to rounding errors.
+    /** Positive, not below the rounding of the difference from 1; 0 at a case that the model
+     *  interpolates.
      *  @param points coordinates, one array per input that varies. */
     void evaluate(const std::vector<const double*>& points, std::size_t count, Workspace& workspace,
                   double* result) const;
 
 private:
     void factorise();
+    void explain(std::size_t count, Workspace& workspace, double* result) const;
+    void subtractNugget(std::size_t count, Workspace& workspace, double* result) const;
 
     FittedKriging model;
     std::size_t cases;

@@ -42,14 +42,26 @@ TEST(IntervalCalibration, IsStudentsTWithFewerThanFortyLeftOutCases)
     EXPECT_EQ(calibration.report().factor, 1.0);
 }
 
-TEST(IntervalCalibration, DoesNotCountResidualsThatAreNotFinite)
+TEST(IntervalCalibration, DoesNotCountResidualsThatAreNoNumbers)
 {
     std::vector<double> residuals(40, 7.0);
     residuals[3] = std::nan("");
-    EXPECT_EQ(IntervalCalibration(degrees, residuals).quantile(0.8), student(0.8));
 
-    residuals[3] = std::numeric_limits<double>::infinity();
     EXPECT_EQ(IntervalCalibration(degrees, residuals).quantile(0.8), student(0.8));
+}
+
+TEST(IntervalCalibration, CountsResidualsOverVanishedDeviationsAsNotHeld)
+{
+    std::vector<double> residuals;
+    for (int i = 1; i <= 99; ++i) {
+        residuals.push_back(i <= 89 ? i : std::numeric_limits<double>::infinity());
+    }
+    const IntervalCalibration calibration(degrees, residuals);
+
+    EXPECT_NEAR(calibration.quantile(0.8), 80.0, 1e-12);
+    // The tenth from above is the largest finite one.
+    EXPECT_NEAR(calibration.quantile(0.95), 89.0 * student(0.95) / student(0.89), 1e-10);
+    EXPECT_NEAR(calibration.report().shares[3].held, 89.0 / 99.0, 1e-12);
 }
 
 TEST(IntervalCalibration, TakesTheShareOfMagnitudesThatTheLevelNames)

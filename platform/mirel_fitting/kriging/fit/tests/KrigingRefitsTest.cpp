@@ -22,13 +22,18 @@ struct Fitted
     KrigingFit fit = fitKriging(cases, output, options);
 };
 
-KrigingFitOptions given(std::vector<double> lengths, double nugget)
+KrigingFitOptions givenWithTrend(int order, std::vector<double> lengths, double nugget)
 {
-    KrigingFitOptions options = withTrend(0);
+    KrigingFitOptions options = withTrend(order);
     options.correlationLengths = std::move(lengths);
     options.nugget = nugget;
     options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
     return options;
+}
+
+KrigingFitOptions given(std::vector<double> lengths, double nugget)
+{
+    return givenWithTrend(0, std::move(lengths), nugget);
 }
 
 /** Residual over standard error of the row by a model of all others. */
@@ -80,6 +85,30 @@ TEST(KrigingRefits, LeaveReplicatesOutTogether)
 
     for (const double residual : Fitted{inputs, output, options}.refits(5)) {
         EXPECT_GT(std::fabs(residual), 0.5);
+    }
+}
+
+TEST(KrigingRefits, HaveNoFiguresWhereTheOtherOutputsAreAllTheSame)
+{
+    const Columns inputs = latinHypercube(20, 1, 5);
+    std::vector<double> output(20, 0.0);
+    output[7] = 1.0;
+
+    const std::vector<double> found = Fitted{inputs, output, given({0.3}, 0.01)}.refits(20);
+
+    for (std::size_t row = 0; row < 20; ++row) {
+        EXPECT_EQ(std::isnan(found[row]), row == 7) << row;
+    }
+}
+
+TEST(KrigingRefits, HaveNoFiguresWhereTheOthersAreTooFewForTheTrend)
+{
+    // Three cases: two have as many terms of a linear trend, and leave no variance.
+    const Columns inputs = {{0.0, 0.4, 1.0}};
+
+    for (const double residual :
+         Fitted{inputs, {0.0, 1.0, 0.5}, givenWithTrend(1, {0.3}, 0.01)}.refits(3)) {
+        EXPECT_TRUE(std::isnan(residual));
     }
 }
 

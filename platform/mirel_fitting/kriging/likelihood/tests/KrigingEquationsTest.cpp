@@ -22,6 +22,31 @@ TEST(KrigingEquations, LeavesOutEachCaseLikeARefitWithoutIt)
     }
 }
 
+TEST(KrigingEquations, HasTheVariancesOfLeftOutCasesWithAndWithoutNoise)
+{
+    const auto data = someData(15);
+    KrigingEquations equations(data);
+    equations.solve(someLengths, someNugget);
+    std::vector<double> withNoise;
+    std::vector<double> withoutNoise;
+
+    equations.leaveOneOutResiduals(&withNoise);
+    equations.leaveOneOutResiduals(&withoutNoise, false);
+
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        const DirectKriging others = direct(*data, someLengths, someNugget, i);
+        const DirectKriging::Vector point = {data->coordinates[i],
+                                             data->coordinates[data->cases + i]};
+        const DirectKriging::Vector terms = {1.0L, point[0], point[1]};
+        EXPECT_NEAR(withNoise[i],
+                    static_cast<double>(others.relativeVariance(point, terms)) + someNugget, 1e-10)
+            << i;
+        EXPECT_NEAR(withoutNoise[i], static_cast<double>(others.errorWithoutNoise(point, terms)),
+                    1e-10)
+            << i;
+    }
+}
+
 TEST(KrigingEquations, LeavesOutNoCaseThatTheTrendCannotDoWithout)
 {
     // Only the last case has another second coordinate: without it the slope is unknown.

@@ -132,6 +132,22 @@ TEST(KrigingVariance, IsZeroAtInterpolatedCasesAndPositiveBetween)
     EXPECT_EQ(variance.noise(), 0.0);
 }
 
+TEST(KrigingVariance, IsTheErrorOfTheMeanAtCasesWithoutNoise)
+{
+    // A nugget so large that the variance of the cases' noise would hide that of the process.
+    FittedKriging model = modelOf(1, 0.05);
+    model.interpolates = true;
+    const std::vector<double> found = variances(KrigingVariance(model), somePoints);
+
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const std::vector<Real> point = {somePoints[0][i], somePoints[1][i]};
+        const auto expected =
+            static_cast<double>(directly(model).errorWithoutNoise(point, terms(model, point)));
+        EXPECT_NEAR(found[i], expected, 1e-10 * (1.0 + expected)) << i;
+        EXPECT_LT(found[i], directVariance(model, point)) << i;
+    }
+}
+
 TEST(KrigingVariance, HasTheNuggetAsNoiseOfANewCase)
 {
     EXPECT_EQ(KrigingVariance(modelOf(0, 0.25)).noise(), 0.25);
