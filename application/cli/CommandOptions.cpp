@@ -300,7 +300,8 @@ void describePlot(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Picture");
-    addText(command, "--kind", "sweep, contour, actual, residuals or coefficients", "K", line.kind);
+    addText(command, "--kind", "sweep (default), contour, actual, residuals or coefficients", "K",
+            line.kind);
     addValues(command, line);
     command.option_defaults()->group("Picture");
     addValue(command, "--size", "pixels of each panel, 800x600 if absent", "WxH",
@@ -316,8 +317,9 @@ void describePlot(CLI::App& command, CommandLine& line)
   coefficients  those of a response surface for inputs coded to -1 and 1, the largest first, with
                 their 95 % confidence limits
 
-  --sweep NAME alone sweeps over the range; inputs that nothing is said about are swept by themselves
-  if no other ones are left. -o FILE.svg, FILE.png or FILE.pdf has a panel for each output.)");
+  --sweep NAME alone sweeps over the range. Without --sweep the kind sweep shows every input in a small
+  panel of its own, on one axis, and contour takes the two inputs that matter most.
+  -o FILE.svg, FILE.png or FILE.pdf has a panel for each output.)");
 }
 
 void describeCompare(CLI::App& command, CommandLine& line)

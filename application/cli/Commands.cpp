@@ -171,7 +171,7 @@ void runPlot(const CommandLine& line)
     PlotCommand::check(line);
     OpenSession open(line);
     PlotCommand::chooseValues(line, open);
-    const Evaluation evaluation = PlotCommand::run(line, open.session);
+    const Evaluation evaluation = PlotCommand::run(line, open);
     open.save(line);
     note(line, FitReport::notes(open.session, &evaluation));
 }

@@ -11,6 +11,7 @@
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,19 +22,20 @@ using SessionPictures::Kind;
 
 Kind kindOf(const CommandLine& line)
 {
-    const std::optional<Kind> kind = SessionPictures::kindOf(line.kind);
-    if (kind) {
-        return *kind;
+    if (line.kind.empty()) {
+        return line.sweeps.size() + line.counts.size() == 2 ? Kind::Contour : Kind::Sweep;
     }
-    const std::string known = SessionPictures::kindWords();
-    throw UsageError(line.kind.empty()
-                         ? "A picture needs a kind: --kind with one of " + known + '.'
-                         : "--kind needs one of " + known + ", not " + quotedText(line.kind) + '.');
+    const std::optional<Kind> kind = SessionPictures::kindOf(line.kind);
+    if (!kind) {
+        throw UsageError("--kind needs one of " + SessionPictures::kindWords() + ", not " +
+                         quotedText(line.kind) + '.');
+    }
+    return *kind;
 }
 
-PictureSize sizeOf(const CommandLine& line)
+std::optional<PictureSize> sizeOf(const CommandLine& line)
 {
-    return line.size ? PictureSize::parse(*line.size) : PictureSize();
+    return line.size ? std::make_optional(PictureSize::parse(*line.size)) : std::nullopt;
 }
 
 /** All outputs are evaluated at the same points, so that the first picture speaks for all. */
@@ -78,16 +80,16 @@ void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
     open.chooseValues(line, SessionPictures::defaultValues(kind));
     SessionPictures::sweepRemaining(kind, open.session, open.held);
     try {
-        SessionPictures::check(kind, open.session);
+        SessionPictures::check(kind, open.session, open.held);
     } catch (const UsageError& error) {
         throw UsageError(error.what() + hint(kind));
     }
 }
 
-Evaluation PlotCommand::run(const CommandLine& line, CaseSession& session)
+Evaluation PlotCommand::run(const CommandLine& line, OpenSession& open)
 {
-    fitWithProgress(line, session);
-    std::vector<PictureData> panels = SessionPictures::make(kindOf(line), session);
+    fitWithProgress(line, open.session);
+    std::vector<PictureData> panels = SessionPictures::make(kindOf(line), open.session, open.held);
     Evaluation evaluation;
     evaluation.extrapolation = extrapolationOf(panels.front());
     const DrawingApplication application;

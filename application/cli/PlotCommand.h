@@ -3,7 +3,6 @@
 struct CommandLine;
 struct Evaluation;
 struct OpenSession;
-class CaseSession;
 
 /** The command plot: what there is to do beside opening the cases and choosing values. */
 namespace PlotCommand {
@@ -17,5 +16,5 @@ void chooseValues(const CommandLine& line, OpenSession& open);
 
 /** Draws the picture and writes its file. @return what is to be said about the points shown.
  *  @throw UsageError, FileError, SurrogateModelInterface::Error */
-Evaluation run(const CommandLine& line, CaseSession& session);
+Evaluation run(const CommandLine& line, OpenSession& open);
 } // namespace PlotCommand

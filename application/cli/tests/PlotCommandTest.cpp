@@ -1,5 +1,6 @@
 // The command plot as users meet it.
 
+#include "../../session/tests/CountOf.h"
 #include "ProgramFixture.h"
 
 #include <gtest/gtest.h>
@@ -70,9 +71,6 @@ TEST_F(PlotCommand, PlotSaysWhenThereIsNoFont)
 
 TEST_F(PlotCommand, PlotRefusesWhatItCannotDo)
 {
-    expectFailure(sweep + "-o picture.svg", 2,
-                  "A picture needs a kind: --kind with one of sweep, contour, actual, residuals, "
-                  "coefficients.");
     expectFailure(
         sweep + "--kind pie -o picture.svg", 2,
         "--kind needs one of sweep, contour, actual, residuals, coefficients, not \"pie\".");
@@ -117,6 +115,26 @@ TEST_F(PlotCommand, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
     EXPECT_NE(named().find("At H2/WF6 = 6. "), std::string::npos);
     expectFailure("plot cvd.csv -y Uniformity -o picture.svg --kind contour --at Pressure", 2,
                   "--at needs NAME=VALUE, not \"Pressure\".");
+}
+
+TEST_F(PlotCommand, PlotWithoutSweptInputsDrawsTheEffectsOfAll)
+{
+    const Outcome plot = run("plot cvd.csv -x Pressure,H2/WF6 -y Uniformity,Stress -o picture.svg");
+
+    ASSERT_EQ(plot.exitCode, 0) << plot.err;
+    const std::string svg = folder.read("picture.svg");
+    EXPECT_NE(svg.find(">Uniformity, main effects, response surface</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">Stress, main effects, response surface</text>"), std::string::npos);
+    EXPECT_EQ(countOf(svg, ">Pressure</text>"), 2u);
+}
+
+TEST_F(PlotCommand, PlotWithoutAKindDrawsWhatTheSweptInputsAreFor)
+{
+    ASSERT_EQ(run(contour + "-o picture.svg").exitCode, 0);
+    EXPECT_NE(folder.read("picture.svg").find(">Uniformity over Pressure and H2/WF6, "),
+              std::string::npos);
+    ASSERT_EQ(run(sweep + "-o picture.svg").exitCode, 0);
+    EXPECT_NE(folder.read("picture.svg").find(">Uniformity over Pressure, "), std::string::npos);
 }
 
 TEST_F(PlotCommand, PlotKeepsTheOldPictureWhenItFails)

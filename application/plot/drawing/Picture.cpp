@@ -1,5 +1,7 @@
 #include "plot/drawing/Picture.h"
 
+#include "plot/drawing/PlotColours.h"
+#include "plot/drawing/PlotFont.h"
 #include "plot/drawing/PlotWidget.h"
 
 #include <session/files/OutputFile.h>
@@ -7,6 +9,7 @@
 #include <session/text/SessionErrors.h>
 
 #include <QBuffer>
+#include <QFontMetrics>
 #include <QHash>
 #include <QImage>
 #include <QMarginsF>
@@ -110,43 +113,151 @@ public:
     FixedHashOrder(const FixedHashOrder&) = delete;
     FixedHashOrder& operator=(const FixedHashOrder&) = delete;
 };
+
+/** Panels that belong together, in a grid between a title and a caption. */
+class Block
+{
+public:
+    explicit Block(PictureData data, const std::optional<PictureSize>& wanted)
+    {
+        auto* const effects = std::get_if<EffectsPicture>(&data);
+        size = wanted.value_or(effects == nullptr ? PictureSize() : sizeOfEffect);
+        if (effects == nullptr) {
+            addPanel(std::move(data));
+            return;
+        }
+        title = QString::fromStdString(oneLineText(effects->title));
+        caption = QString::fromStdString(oneLineText(effects->caption));
+        for (SweepPicture& effect : effects->effects) {
+            addPanel(std::move(effect));
+        }
+        columns = columnsFor(static_cast<int>(plots.size()));
+    }
+
+    QString titleText() const { return title.isEmpty() ? plots.front()->title().text() : title; }
+    bool isGroup() const { return !title.isEmpty(); }
+    const PlotWidget& firstPanel() const { return *plots.front(); }
+
+    QSize wholeSize() const
+    {
+        const int rows = (static_cast<int>(plots.size()) + columns - 1) / columns;
+        return {columns * size.width, titleHeight() + rows * size.height + captionHeight()};
+    }
+
+    void drawTexts(QPainter& painter, const QPoint& corner) const
+    {
+        const QSize whole = wholeSize();
+        const auto draw = [&](int fontSize, const QRectF& room, int flags, const QString& text) {
+            painter.setFont(PlotFont::ofSize(fontSize));
+            painter.setPen(PlotColours::text);
+            painter.drawText(room.translated(corner), flags, text);
+        };
+        if (!title.isEmpty()) {
+            const QFontMetricsF metrics(PlotFont::ofSize(PlotFont::titleSize));
+            const QRectF room(margin, margin, whole.width() - 2 * margin, metrics.height());
+            draw(PlotFont::titleSize, room, Qt::AlignHCenter | Qt::TextSingleLine,
+                 metrics.elidedText(title, Qt::ElideMiddle, room.width()));
+        }
+        if (!caption.isEmpty()) {
+            draw(PlotFont::tickSize,
+                 QRectF(margin, whole.height() - captionHeight(), whole.width() - 2 * margin,
+                        captionHeight() - margin),
+                 Qt::AlignLeft | Qt::TextWordWrap, caption);
+        }
+    }
+
+    /** @param draw gets a panel and its room. */
+    template <typename Draw>
+    void eachPanel(const QPoint& corner, Draw draw) const
+    {
+        for (std::size_t i = 0; i < plots.size(); ++i) {
+            const int column = static_cast<int>(i) % columns;
+            const int row = static_cast<int>(i) / columns;
+            const QPoint place =
+                corner + QPoint(column * size.width, titleHeight() + row * size.height);
+            draw(*plots[i], QRectF(plots[i]->contentsRect().translated(place)));
+        }
+    }
+
+private:
+    static constexpr int margin = 12;
+    static constexpr PictureSize sizeOfEffect = {380, 280};
+
+    /** About as many columns as rows, and few empty places. */
+    static int columnsFor(int count)
+    {
+        const int least = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(count))));
+        const auto empty = [count](int columns) { return (columns - count % columns) % columns; };
+        return empty(least + 1) < empty(least) && least < count ? least + 1 : least;
+    }
+
+    void addPanel(PictureData data)
+    {
+        plots.push_back(std::make_unique<PlotWidget>(std::move(data)));
+        plots.back()->arrange(QSize(size.width, size.height));
+    }
+
+    int titleHeight() const
+    {
+        return title.isEmpty()
+                   ? 0
+                   : margin + QFontMetrics(PlotFont::ofSize(PlotFont::titleSize)).height();
+    }
+
+    int captionHeight() const
+    {
+        if (caption.isEmpty()) {
+            return 0;
+        }
+        const QFontMetrics metrics(PlotFont::ofSize(PlotFont::tickSize));
+        const QRect room(0, 0, columns * size.width - 2 * margin, QWIDGETSIZE_MAX);
+        return metrics.boundingRect(room, Qt::TextWordWrap, caption).height() + margin;
+    }
+
+    std::vector<std::unique_ptr<PlotWidget>> plots;
+    PictureSize size;
+    int columns = 1;
+    QString title;
+    QString caption;
+};
 } // namespace
 
 class Picture::Impl
 {
 public:
-    Impl(std::vector<PictureData> panels, PictureSize panelSize) : size(panelSize)
+    Impl(std::vector<PictureData> panels, const std::optional<PictureSize>& size)
     {
         for (PictureData& panel : panels) {
-            plots.push_back(std::make_unique<PlotWidget>(std::move(panel)));
-            plots.back()->arrange(QSize(size.width, size.height));
+            blocks.emplace_back(std::move(panel), size);
+            place = place.expandedTo(blocks.back().wholeSize());
         }
-        const auto count = static_cast<double>(plots.size());
-        columns = static_cast<int>(std::ceil(std::sqrt(count)));
+        const auto count = static_cast<double>(blocks.size());
+        columns = blocks.front().isGroup() ? 1 : static_cast<int>(std::ceil(std::sqrt(count)));
         rows = static_cast<int>(std::ceil(count / columns));
     }
 
-    QSize wholeSize() const { return {columns * size.width, rows * size.height}; }
+    QSize wholeSize() const { return {columns * place.width(), rows * place.height()}; }
 
     void draw(QPaintDevice& device) const
     {
         QPainter painter(&device);
         painter.fillRect(QRect(QPoint(0, 0), wholeSize()), Qt::white);
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            blocks[i].drawTexts(painter, cornerOf(i));
+        }
         // The renderer scales by the resolution of the device over that of the screen; a pixel of
         // the picture is to be a pixel of the device.
-        const PlotWidget& first = *plots.front();
+        const PlotWidget& first = blocks.front().firstPanel();
         painter.scale(static_cast<double>(first.logicalDpiX()) / device.logicalDpiX(),
                       static_cast<double>(first.logicalDpiY()) / device.logicalDpiY());
         const QTransform toPixels = painter.transform().inverted();
         QwtPlotRenderer renderer;
         renderer.setDiscardFlags(QwtPlotRenderer::DiscardBackground |
                                  QwtPlotRenderer::DiscardCanvasBackground);
-        for (std::size_t i = 0; i < plots.size(); ++i) {
-            const int column = static_cast<int>(i) % columns;
-            const int row = static_cast<int>(i) / columns;
-            const QPoint corner(column * size.width, row * size.height);
-            const QRectF room = plots[i]->contentsRect().translated(corner);
-            renderer.render(plots[i].get(), &painter, toPixels.mapRect(room));
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            blocks[i].eachPanel(cornerOf(i), [&](PlotWidget& panel, const QRectF& room) {
+                renderer.render(&panel, &painter, toPixels.mapRect(room));
+            });
         }
     }
 
@@ -160,19 +271,27 @@ public:
         generator.setSize(wholeSize());
         generator.setViewBox(QRect(QPoint(0, 0), wholeSize()));
         // QSvgGenerator does not escape it.
-        generator.setTitle(plots.front()->title().text().toHtmlEscaped());
+        generator.setTitle(blocks.front().titleText().toHtmlEscaped());
         generator.setDescription(QString());
         draw(generator);
         return withoutEmptyGroups(withSizeInPixels(bytes, wholeSize()));
     }
 
-    std::vector<std::unique_ptr<PlotWidget>> plots;
-    PictureSize size;
+private:
+    QPoint cornerOf(std::size_t block) const
+    {
+        const int column = static_cast<int>(block) % columns;
+        const int row = static_cast<int>(block) / columns;
+        return {column * place.width(), row * place.height()};
+    }
+
+    std::vector<Block> blocks;
+    QSize place; ///< of a block: the largest one's
     int columns = 1;
     int rows = 1;
 };
 
-Picture::Picture(std::vector<PictureData> panels, PictureSize size)
+Picture::Picture(std::vector<PictureData> panels, std::optional<PictureSize> size)
     : impl(std::make_unique<Impl>(std::move(panels), size))
 {}
 

@@ -6,12 +6,14 @@
 #include <surrogate_plot/Export.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 /**
- * One or more panels, drawn by PlotWidget side by side in about as many rows as columns. Needs a
- * QApplication (DrawingApplication) and a font.
+ * One or more panels, drawn by PlotWidget side by side in about as many rows as columns; effects
+ * are many small panels under one title, below each other. Needs a QApplication
+ * (DrawingApplication) and a font.
  *
  * The same data give the same bytes on the same machine. Texts stay texts in SVG and PDF. Only text
  * and shapes are drawn, on white.
@@ -26,8 +28,9 @@ public:
         Pdf
     };
 
-    /** @param panels one at least. @param size of each panel. */
-    explicit Picture(std::vector<PictureData> panels, PictureSize size = {});
+    /** @param panels one at least.
+     *  @param size   of each panel; none: PictureSize(), or less for each effect. */
+    explicit Picture(std::vector<PictureData> panels, std::optional<PictureSize> size = {});
     ~Picture();
     Picture(Picture&&) noexcept;
 

@@ -6,6 +6,7 @@
 #include "plot/drawing/ElidedText.h"
 #include "plot/drawing/NameScaleDraw.h"
 #include "plot/drawing/PlotColours.h"
+#include "plot/drawing/PlotFont.h"
 
 #include <session/text/QuotedText.h>
 
@@ -28,9 +29,6 @@
 #include <utility>
 
 namespace {
-constexpr int tickFontSize = 12;
-constexpr int textFontSize = 13;
-constexpr int titleFontSize = 15;
 /** Margins around the data as shares of their range, so that no symbol is clipped. On a vector
  * device Qwt draws no symbol that touches the border, which the narrow one just avoids. */
 constexpr double margin = 0.05;
@@ -53,17 +51,6 @@ enum Layer
     ModelLayer,
     CaseLayer
 };
-
-/**
- * In pixels of the picture, whatever it is drawn on. The second family has the widths of the first:
- * texts keep their places in a viewer without the first.
- */
-QFont plotFont(int pixels)
-{
-    QFont font(QStringLiteral("DejaVu Sans, Verdana, sans-serif"));
-    font.setPixelSize(pixels);
-    return font;
-}
 
 QString shown(const std::string& text)
 {
@@ -156,6 +143,7 @@ public:
     void show(const ActualPicture& picture);
     void show(const ResidualPicture& picture);
     void show(const CoefficientPicture& picture);
+    void show(const EffectsPicture&) {} // Picture draws each of its effects
 
     void setUp();
     void chooseTicks();
@@ -199,7 +187,7 @@ void PlotWidget::Impl::setUp()
     plot.plotLayout()->setAlignCanvasToScales(true);
     plot.setContentsMargins(10, 10, 14, 8);
     for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft, QwtPlot::yRight}) {
-        plot.setAxisFont(axis, plotFont(tickFontSize));
+        plot.setAxisFont(axis, PlotFont::ofSize(PlotFont::tickSize));
         plot.axisWidget(axis)->setMargin(0);
         plot.axisWidget(axis)->setSpacing(6);
         plot.axisWidget(axis)->setPalette(palette);
@@ -210,15 +198,18 @@ void PlotWidget::Impl::setUp()
 
 void PlotWidget::Impl::nameAxis(int axis, const std::string& name)
 {
-    plot.setAxisTitle(axis, elidedText(shown(name), plotFont(textFontSize)));
+    plot.setAxisTitle(axis, elidedText(shown(name), PlotFont::ofSize(PlotFont::textSize)));
 }
 
 void PlotWidget::Impl::write(const std::string& title, const std::string& caption)
 {
-    plot.setTitle(elidedText(shown(title), plotFont(titleFontSize)));
+    // An empty title would take room.
+    if (!title.empty()) {
+        plot.setTitle(elidedText(shown(title), PlotFont::ofSize(PlotFont::titleSize)));
+    }
     if (!caption.empty()) {
         QwtText footer(shown(caption), QwtText::PlainText);
-        footer.setFont(plotFont(tickFontSize));
+        footer.setFont(PlotFont::ofSize(PlotFont::tickSize));
         footer.setColor(PlotColours::text);
         footer.setRenderFlags(Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap);
         plot.setFooter(footer);
@@ -236,7 +227,8 @@ void PlotWidget::Impl::addGrid()
 void PlotWidget::Impl::addLine(const QVector<QPointF>& line, const QPen& pen, Layer layer,
                                const std::string& label)
 {
-    auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
+    auto* const curve =
+        new QwtPlotCurve(elidedText(shown(label), PlotFont::ofSize(PlotFont::tickSize)));
     curve->setSamples(line);
     curve->setPen(pen);
     curve->setRenderHint(QwtPlotItem::RenderAntialiased);
@@ -253,7 +245,8 @@ void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::st
     if (positions.isEmpty()) {
         return;
     }
-    auto* const curve = new QwtPlotCurve(elidedText(shown(label), plotFont(tickFontSize)));
+    auto* const curve =
+        new QwtPlotCurve(elidedText(shown(label), PlotFont::ofSize(PlotFont::tickSize)));
     showAsSymbols(*curve, thinned(positions), PlotColours::cases);
     curve->setRenderHint(QwtPlotItem::RenderAntialiased);
     curve->setItemAttribute(QwtPlotItem::Legend, !label.empty());
@@ -276,12 +269,13 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
             samples.append(
                 QwtIntervalSample(picture.inputs[i], picture.lower[i], picture.upper[i]));
         }
-        auto* const band =
-            new QwtPlotIntervalCurve(elidedText(shown(picture.bandLabel), plotFont(tickFontSize)));
+        auto* const band = new QwtPlotIntervalCurve(
+            elidedText(shown(picture.bandLabel), PlotFont::ofSize(PlotFont::tickSize)));
         band->setSamples(samples);
         band->setPen(QPen(Qt::NoPen));
         band->setBrush(PlotColours::band);
         band->setRenderHint(QwtPlotItem::RenderAntialiased);
+        band->setItemAttribute(QwtPlotItem::Legend, !picture.bandLabel.empty());
         band->setLegendIconSize(QSize(28, 12));
         band->setZ(BandLayer);
         band->attach(&plot);
@@ -289,11 +283,11 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
     addLine(points(picture.inputs, picture.model), QPen(PlotColours::model, lineThickness),
             ModelLayer, picture.modelLabel);
     addCases(points(picture.caseInputs, picture.caseOutputs), picture.caseLabel);
-    hasLegend = true;
 
     xRange = AxisScale::padded(AxisScale::range(picture.inputs), narrowMargin);
     yRange = AxisScale::range(picture.model);
-    for (const auto* column : {&picture.lower, &picture.upper, &picture.caseOutputs}) {
+    for (const auto* column :
+         {&picture.lower, &picture.upper, &picture.caseOutputs, &picture.axisOutputs}) {
         yRange = yRange | AxisScale::range(*column);
     }
     yRange = AxisScale::padded(yRange, margin);
@@ -305,7 +299,7 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     nameAxis(QwtPlot::xBottom, picture.xName);
     nameAxis(QwtPlot::yLeft, picture.yName);
     const ContourBands bands(picture.values);
-    auto* const item = new ContourItem(picture, bands, plotFont(tickFontSize));
+    auto* const item = new ContourItem(picture, bands, PlotFont::ofSize(PlotFont::tickSize));
     item->setZ(BandLayer);
     item->attach(&plot);
     addCases(points(picture.caseX, picture.caseY), picture.caseLabel);
@@ -356,7 +350,7 @@ void PlotWidget::Impl::show(const CoefficientPicture& picture)
 /** As many steps between ticks as leave their labels apart. */
 int PlotWidget::Impl::fittingSteps(int axis, const QwtInterval& range, double room) const
 {
-    const QFontMetricsF metrics(plotFont(tickFontSize));
+    const QFontMetricsF metrics(PlotFont::ofSize(PlotFont::tickSize));
     const bool isVertical = axis != QwtPlot::xBottom;
     const double gap = isVertical ? metrics.height() : 2.0 * metrics.averageCharWidth();
     const double largest = std::max(std::abs(range.minValue()), std::abs(range.maxValue()));
@@ -416,7 +410,7 @@ void PlotWidget::Impl::chooseTerms()
     const auto fitting = [this, all] {
         plot.updateLayout();
         const double height = plot.plotLayout()->canvasRect().height();
-        const double row = 1.25 * QFontMetricsF(plotFont(tickFontSize)).height();
+        const double row = 1.25 * QFontMetricsF(PlotFont::ofSize(PlotFont::tickSize)).height();
         return std::clamp(static_cast<int>(height / row), 1, all);
     };
     write(picture->title, picture->caption);
@@ -433,7 +427,7 @@ void PlotWidget::Impl::chooseTerms()
 
 void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
 {
-    const QFontMetricsF metrics(plotFont(tickFontSize));
+    const QFontMetricsF metrics(PlotFont::ofSize(PlotFont::tickSize));
     const double nameRoom = 0.4 * plot.width();
     QStringList names;
     QList<double> ticks;

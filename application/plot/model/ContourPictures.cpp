@@ -30,10 +30,10 @@ ContourPicture contourPicture(const ModelCut& cut, std::size_t output)
     const ModelCut::Column& y = cut.inputs[cut.swept[1]];
     const ModelCut::Column& model = cut.outputs[output];
     ContourPicture picture;
-    picture.xName = x.name;
-    picture.yName = y.name;
-    picture.outputName = model.name;
-    picture.title = model.name + ", " + cut.modelName;
+    picture.xName = x.label();
+    picture.yName = y.label();
+    picture.outputName = model.label();
+    picture.title = model.name + " over " + x.name + " and " + y.name + ", " + cut.modelName;
     picture.x = ascendingValues(x);
     picture.y = ascendingValues(y);
     // The typed values may come in any order, and more than once.

@@ -25,7 +25,7 @@ constexpr double nearShare = 0.1;
 constexpr double roundingShare = 1e-9;
 
 /** More held inputs, or longer names, would fill the picture with text. */
-constexpr std::size_t maxHeldInputs = 6;
+constexpr std::size_t maxHeldInputs = 20;
 constexpr int maxNameCharacters = 32;
 
 bool isSwept(const ModelCut& cut, std::size_t input)
@@ -40,10 +40,10 @@ ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
     cut.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
     cut.swept = std::move(swept);
     for (const std::string& name : namesOf(session.inputs())) {
-        cut.inputs.push_back({name, {}, {}});
+        cut.inputs.push_back({name, {}, {}, session.unitOf(name)});
     }
     for (const std::string& name : namesOf(session.outputs())) {
-        cut.outputs.push_back({name, {}, {}});
+        cut.outputs.push_back({name, {}, {}, session.unitOf(name)});
     }
     return cut;
 }
@@ -101,6 +101,30 @@ std::string shortNumber(double number)
     const std::string text = numberText(number);
     return text.size() <= longest ? text : shownNumber(number);
 }
+
+/** "Flow = 3 l/s, Power = 10 and 2 more held". */
+class HeldText
+{
+public:
+    void add(const std::string& name, double value, const std::string& unit)
+    {
+        if (count++ < maxHeldInputs) {
+            named += (named.empty() ? "" : ", ") + shortName(name) + " = " + shortNumber(value) +
+                     (unit.empty() ? "" : ' ' + unit);
+        }
+    }
+
+    std::string text() const
+    {
+        return count <= maxHeldInputs
+                   ? named
+                   : named + " and " + std::to_string(count - maxHeldInputs) + " more held";
+    }
+
+private:
+    std::string named;
+    std::size_t count = 0;
+};
 } // namespace
 
 ModelCut ModelCut::throughChosenValues(CaseSession& session)
@@ -163,30 +187,30 @@ std::string ModelCut::caseLabel() const
            ')';
 }
 
+std::string ModelCut::heldText(const CaseSession& session)
+{
+    HeldText text;
+    const std::vector<double> held = session.heldValues();
+    const std::vector<std::string> names = namesOf(session.inputs());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        text.add(names[i], held[i], session.unitOf(names[i]));
+    }
+    return text.text();
+}
+
 std::string ModelCut::caption() const
 {
-    std::string held;
-    std::size_t shown = 0;
-    std::size_t others = 0;
+    HeldText held;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        if (isSwept(*this, i)) {
-            continue;
+        if (!isSwept(*this, i)) {
+            held.add(inputs[i].name, points() > 0 ? inputs[i].values.front() : 0.0, inputs[i].unit);
         }
-        if (shown == maxHeldInputs) {
-            ++others;
-            continue;
-        }
-        held += (held.empty() ? "" : ", ") + shortName(inputs[i].name) + " = " +
-                shortNumber(points() > 0 ? inputs[i].values.front() : 0.0);
-        ++shown;
     }
-    if (held.empty()) {
-        return held;
+    const std::string text = held.text();
+    if (text.empty()) {
+        return text;
     }
-    if (others > 0) {
-        held += " and " + std::to_string(others) + " more held";
-    }
-    return "At " + held +
+    return "At " + text +
            (nearCases() > 0 ? ". Near: all held inputs within 10\302\240% of their range."
                             : ". No case has all held inputs within 10\302\240% of their range.");
 }

@@ -20,6 +20,10 @@ struct SURROGATE_PLOT_EXPORT ModelCut
         std::string name;
         std::vector<double> values;     ///< one per point
         std::vector<double> caseValues; ///< one per case near the cut
+        std::string unit = {};          ///< empty if the case file says none
+
+        /** What an axis shows: "Pressure (MPa)". */
+        std::string label() const { return unit.empty() ? name : name + " (" + unit + ')'; }
     };
 
     std::string modelName; ///< "Kriging" or "response surface"
@@ -51,6 +55,11 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     /** "cases near (4 of 11)", what the legend says. */
     std::string caseLabel() const;
 
-    /** "At Flow = 3, Power = 10. ...", and which cases are near; empty if every input is swept. */
+    /** Where the session holds its inputs: "Flow = 3 l/s, Power = 10"; of many inputs the first
+     * ones, and how many more there are. */
+    static std::string heldText(const CaseSession& session);
+
+    /** "At Flow = 3 l/s, Power = 10. ...", and which cases are near; empty if every input is swept.
+     */
     std::string caption() const;
 };

@@ -52,7 +52,7 @@ std::string ReportPage::html(CaseSession& session)
                 return coefficientPicture(statistics[i], inputs, outputs[i]);
             }));
         }
-        for (const ModelCut* const cut : sweeps.mostInfluential(i)) {
+        for (const ModelCut* const cut : sweeps.strongest(i, 6)) {
             pictures[i].push_back(drawn("sweep", [&] {
                 return sweepPicture(*cut, i, ConfidenceBand::of(session, *cut, i));
             }));

@@ -4,6 +4,8 @@
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"
 #include "plot/model/ContourPictures.h"
+#include "plot/model/EffectsPictures.h"
+#include "plot/model/MainEffects.h"
 #include "plot/model/ModelCut.h"
 #include "plot/model/SweepPictures.h"
 
@@ -29,6 +31,45 @@ const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
 bool contains(const std::vector<std::size_t>& positions, std::size_t position)
 {
     return std::find(positions.begin(), positions.end(), position) != positions.end();
+}
+
+/** The inputs that vary and are neither swept nor held. */
+std::vector<std::size_t> remainingInputs(const Workspace& workspace,
+                                         const std::vector<std::size_t>& held)
+{
+    const std::vector<std::size_t> swept = workspace.sweptInputs();
+    std::vector<std::size_t> remaining;
+    for (std::size_t input = 0; input < workspace.inputs().size(); ++input) {
+        const auto [least, most] = workspace.inputs()[input].lock()->range();
+        if (least < most && !contains(swept, input) && !contains(held, input)) {
+            remaining.push_back(input);
+        }
+    }
+    return remaining;
+}
+
+std::vector<PictureData> effects(CaseSession& session, const std::vector<std::size_t>& held)
+{
+    const MainEffects all(session, held);
+    std::vector<PictureData> pictures;
+    for (std::size_t output = 0; output < session.outputs().size(); ++output) {
+        pictures.emplace_back(effectsPicture(session, all, output));
+    }
+    return pictures;
+}
+
+/** Sweeps what a contour lacks. */
+void sweepStrongest(CaseSession& session, std::vector<std::size_t> held)
+{
+    const std::vector<std::size_t> swept = session.sweptInputs();
+    const std::size_t needed = SessionPictures::sweptInputs(Kind::Contour);
+    if (swept.size() < needed) {
+        held.insert(held.end(), swept.begin(), swept.end());
+        for (const std::size_t input :
+             MainEffects(session, held).strongestInputs(needed - swept.size())) {
+            session.sweepEvenly(input, SessionPictures::defaultValues(Kind::Contour));
+        }
+    }
 }
 } // namespace
 
@@ -62,29 +103,22 @@ std::size_t SessionPictures::defaultValues(Kind kind)
 void SessionPictures::sweepRemaining(Kind kind, CaseSession& session,
                                      const std::vector<std::size_t>& held)
 {
-    const std::vector<std::size_t> swept = session.sweptInputs();
-    if (swept.size() >= sweptInputs(kind)) {
-        return;
-    }
-    std::vector<std::size_t> remaining;
-    for (std::size_t input = 0; input < session.inputs().size(); ++input) {
-        const auto [least, most] = session.inputs()[input].lock()->range();
-        if (least < most && !contains(swept, input) && !contains(held, input)) {
-            remaining.push_back(input);
-        }
-    }
-    if (swept.size() + remaining.size() == sweptInputs(kind)) {
+    const std::size_t swept = session.sweptInputs().size();
+    const std::vector<std::size_t> remaining = remainingInputs(session, held);
+    if (swept < sweptInputs(kind) && swept + remaining.size() == sweptInputs(kind)) {
         for (const std::size_t input : remaining) {
             session.sweepEvenly(input, defaultValues(kind));
         }
     }
 }
 
-void SessionPictures::check(Kind kind, const Workspace& workspace)
+void SessionPictures::check(Kind kind, const Workspace& workspace,
+                            const std::vector<std::size_t>& held)
 {
     const std::size_t needed = sweptInputs(kind);
     const std::size_t swept = workspace.sweptInputs().size();
-    if (needed > 0 && swept != needed) {
+    if (needed > 0 &&
+        (swept > needed || swept + remainingInputs(workspace, held).size() < needed)) {
         const std::string present = swept == 0   ? "none is"
                                     : swept == 1 ? "one is"
                                                  : std::to_string(swept) + " are";
@@ -97,9 +131,16 @@ void SessionPictures::check(Kind kind, const Workspace& workspace)
     }
 }
 
-std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session)
+std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
+                                               const std::vector<std::size_t>& held)
 {
-    check(kind, session);
+    check(kind, session, held);
+    if (kind == Kind::Sweep && session.sweptInputs().empty()) {
+        return effects(session, held);
+    }
+    if (kind == Kind::Contour) {
+        sweepStrongest(session, held);
+    }
     std::optional<ModelCut> cut;
     if (sweptInputs(kind) > 0) {
         cut = ModelCut::throughChosenValues(session);

@@ -46,12 +46,21 @@ SURROGATE_PLOT_EXPORT void sweepRemaining(Kind kind, CaseSession& session,
 
 /**
  * Needs no fit.
- * @throw UsageError if the session sweeps another number of inputs than the kind needs, or
- *        coefficients are wanted of a model that has none.
+ * @param held as for sweepRemaining().
+ * @throw UsageError if the session sweeps more inputs than the kind shows or leaves less than it
+ *        needs, or coefficients are wanted of a model that has none.
  */
-SURROGATE_PLOT_EXPORT void check(Kind kind, const Workspace& workspace);
+SURROGATE_PLOT_EXPORT void check(Kind kind, const Workspace& workspace,
+                                 const std::vector<std::size_t>& held = {});
 
-/** Fits first if need be. @throw UsageError as check(), and where the swept values are all the
- * same; SurrogateModelInterface::Error */
-SURROGATE_PLOT_EXPORT std::vector<PictureData> make(Kind kind, CaseSession& session);
+/**
+ * Fits first if need be. Where nothing is swept, a picture of kind sweep has the effects of all
+ * inputs that are not held; what a contour lacks are the inputs that matter most, which the session
+ * sweeps from then on.
+ * @param held as for sweepRemaining().
+ * @throw UsageError as check(), and where the swept values are all the same;
+ *        SurrogateModelInterface::Error
+ */
+SURROGATE_PLOT_EXPORT std::vector<PictureData> make(Kind kind, CaseSession& session,
+                                                    const std::vector<std::size_t>& held = {});
 } // namespace SessionPictures

@@ -47,9 +47,9 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
     const std::vector<std::size_t> order = ascending(input.values);
     requireTwoValues(order.size(), input.name);
     SweepPicture picture;
-    picture.inputName = input.name;
-    picture.outputName = model.name;
-    picture.title = model.name + ", " + cut.modelName;
+    picture.inputName = input.label();
+    picture.outputName = model.label();
+    picture.title = model.name + " over " + input.name + ", " + cut.modelName;
     picture.modelLabel = cut.modelName;
     for (const std::size_t point : order) {
         picture.inputs.push_back(input.values[point]);

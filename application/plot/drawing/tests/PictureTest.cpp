@@ -359,6 +359,37 @@ TEST(Picture, SeveralPanelsShareAFile)
               std::string::npos);
 }
 
+TEST(Picture, EffectsAreSmallPanelsUnderOneTitle)
+{
+    EffectsPicture effects;
+    effects.title = "The effects";
+    effects.caption = "What is held.";
+    for (int i = 0; i < 3; ++i) {
+        effects.effects.push_back(sweep());
+        SweepPicture& effect = effects.effects.back();
+        effect.inputName = "input " + std::to_string(i);
+        effect.axisOutputs = {-1000.0, 1000.0};
+        effect.title.clear();
+        effect.caption.clear();
+        effect.modelLabel.clear();
+        effect.bandLabel.clear();
+        effect.caseLabel.clear();
+    }
+
+    const std::string svg = Picture({effects}).toSvg();
+    const std::vector<std::string> texts = textsOf(svg);
+
+    for (const char* text : {"The effects", "What is held.", "input 0", "input 2"}) {
+        EXPECT_EQ(std::count(texts.begin(), texts.end(), text), 1) << text;
+    }
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "1000"), 3) << "one axis";
+    EXPECT_NE(svg.find("<svg width=\"1140\" "), std::string::npos) << "side by side";
+    EXPECT_EQ(QImage::fromData(
+                  QByteArray::fromStdString(Picture({effects}, PictureSize{400, 300}).toPng()))
+                  .width(),
+              1200);
+}
+
 TEST(Picture, NothingButShapesAndTextIsInAnSvg)
 {
     for (const PictureData& data :
@@ -380,8 +411,8 @@ TEST(Picture, AnInlineSvgIsOneElement)
 
 TEST(Picture, APngHasTheSizeWantedAndIsWhiteOutside)
 {
-    const QImage image =
-        QImage::fromData(QByteArray::fromStdString(Picture({contour()}, {500, 400}).toPng()));
+    const QImage image = QImage::fromData(
+        QByteArray::fromStdString(Picture({contour()}, PictureSize{500, 400}).toPng()));
 
     EXPECT_EQ(image.size(), QSize(500, 400));
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
@@ -401,7 +432,7 @@ TEST(Picture, APngHasTheColoursOfTheValues)
 
 TEST(Picture, APdfEmbedsItsFontAndIsOnePage)
 {
-    const std::string pdf = Picture({sweep()}, {960, 480}).toPdf();
+    const std::string pdf = Picture({sweep()}, PictureSize{960, 480}).toPdf();
 
     EXPECT_EQ(pdf.rfind("%PDF-", 0), 0u);
     EXPECT_NE(pdf.find("/ToUnicode"), std::string::npos);

@@ -30,7 +30,7 @@ TEST(ContourPictures, HaveTheGridOfTheSweptInputs)
 {
     const ContourPicture picture = contourPicture(grid(), 0);
 
-    EXPECT_EQ(picture.title, "Stress, response surface");
+    EXPECT_EQ(picture.title, "Stress over Pressure and Ratio, response surface");
     EXPECT_EQ(picture.xName, "Pressure");
     EXPECT_EQ(picture.yName, "Ratio");
     EXPECT_EQ(picture.x, (std::vector<double>{4, 42, 80}));

@@ -16,7 +16,7 @@ TEST(MainEffects, SweepEveryInputWhereTheOthersAreHeld)
     const MainEffects sweeps(session);
 
     for (std::size_t output = 0; output < 2; ++output) {
-        const std::vector<const ModelCut*> cuts = sweeps.mostInfluential(output);
+        const std::vector<const ModelCut*> cuts = sweeps.strongest(output, 6);
         ASSERT_EQ(cuts.size(), 2u);
         EXPECT_EQ(cuts[0]->swept, std::vector<std::size_t>{0})
             << "pressure has the larger influence";
@@ -35,11 +35,11 @@ TEST(MainEffects, LeaveOutInputsThatDoNotVary)
 
     const MainEffects sweeps(session);
 
-    ASSERT_EQ(sweeps.mostInfluential(0).size(), 1u);
-    EXPECT_EQ(sweeps.mostInfluential(0)[0]->swept, std::vector<std::size_t>{0});
+    ASSERT_EQ(sweeps.strongest(0, 6).size(), 1u);
+    EXPECT_EQ(sweeps.strongest(0, 6)[0]->swept, std::vector<std::size_t>{0});
 }
 
-TEST(MainEffects, AreSixOfManyInputs)
+TEST(MainEffects, AreAsManyAsAskedForOfManyInputs)
 {
     CaseTable table = cvdCases();
     const auto output = table.columns[3];
@@ -53,5 +53,32 @@ TEST(MainEffects, AreSixOfManyInputs)
     CaseSession session(std::move(table), {{0, 1, 2, 3, 4, 5, 6, 7}, {8}}, {},
                         CaseSession::ResponseSurface);
 
-    EXPECT_EQ(MainEffects(session).mostInfluential(0).size(), 6u);
+    EXPECT_EQ(MainEffects(session).strongest(0, 6).size(), 6u);
+}
+
+TEST(MainEffects, RankInputsByTheirShareOfTheLargestChange)
+{
+    CaseSession session = cvdSession();
+    session.holdAtMedians({0, 1});
+
+    const auto ranking = MainEffects(session).ranking(1);
+
+    ASSERT_EQ(ranking.size(), 2u);
+    EXPECT_EQ(ranking[0].first, 0u);
+    EXPECT_EQ(ranking[0].second, 1.0);
+    EXPECT_EQ(ranking[1].first, 1u);
+    EXPECT_GT(ranking[1].second, 0.0);
+    EXPECT_LT(ranking[1].second, 1.0);
+}
+
+TEST(MainEffects, TheStrongestInputsOfAllOutputsAscend)
+{
+    CaseSession session = cvdSession();
+
+    const MainEffects effects(session);
+
+    EXPECT_EQ(effects.strongestInputs(2), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(effects.strongestInputs(1), std::vector<std::size_t>{0});
+    EXPECT_EQ(effects.strongestInputs(9).size(), 2u);
+    EXPECT_EQ(MainEffects(session, {0}).strongestInputs(9), std::vector<std::size_t>{1});
 }

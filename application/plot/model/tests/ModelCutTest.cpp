@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 TEST(ModelCut, HoldsInputsAndSweepsOthersAsTheSessionChooses)
@@ -80,11 +81,27 @@ TEST(ModelCut, HasNoCaptionWhereAllInputsAreSwept)
     EXPECT_EQ(cut.nearCases(), 11u);
 }
 
+TEST(ModelCut, NamesUnits)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].unit = "MPa";
+    CaseSession session(std::move(table), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    session.sweepEvenly(1, 2);
+    session.stayAt(0, "42");
+
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    EXPECT_EQ(cut.inputs[0].label(), "Pressure (MPa)");
+    EXPECT_EQ(cut.inputs[1].label(), "H2/WF6");
+    EXPECT_EQ(cut.caption().rfind("At Pressure = 42 MPa. ", 0), 0u) << cut.caption();
+    EXPECT_EQ(ModelCut::heldText(session), "Pressure = 42 MPa, H2/WF6 = 2");
+}
+
 TEST(ModelCut, NamesAFewHeldInputsAndCountsTheOthers)
 {
     ModelCut cut;
     cut.swept = {0};
-    for (int i = 0; i < 9; ++i) {
+    for (int i = 0; i < 23; ++i) {
         cut.inputs.push_back({"x" + std::to_string(i), {1.0}, {}});
     }
     cut.inputs[1].name = "the temperature of the inner wall, upstream";
@@ -92,8 +109,9 @@ TEST(ModelCut, NamesAFewHeldInputsAndCountsTheOthers)
 
     EXPECT_EQ(cut.caption(),
               "At the temperature of the inner wa\342\200\246 = 1, x2 = 0.123457, x3 = 1, "
-              "x4 = 1, x5 = 1, x6 = 1 and 2 more held. No case has all held inputs "
-              "within 10\302\240% of their range.");
+              "x4 = 1, x5 = 1, x6 = 1, x7 = 1, x8 = 1, x9 = 1, x10 = 1, x11 = 1, x12 = 1, "
+              "x13 = 1, x14 = 1, x15 = 1, x16 = 1, x17 = 1, x18 = 1, x19 = 1, x20 = 1 and 2 more "
+              "held. No case has all held inputs within 10\302\240% of their range.");
 }
 
 TEST(ModelCut, OverRangesHoldsTheOthersAndLeavesTheSessionAsItIs)

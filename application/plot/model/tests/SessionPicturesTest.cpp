@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -36,8 +37,8 @@ TEST(SessionPictures, HaveAPanelForEachOutput)
 
         ASSERT_EQ(pictures.size(), 2u);
         const auto title = [](const auto& picture) { return picture.title; };
-        EXPECT_EQ(std::visit(title, pictures[0]).rfind("Uniformity, response surface", 0), 0u);
-        EXPECT_EQ(std::visit(title, pictures[1]).rfind("Stress, response surface", 0), 0u);
+        EXPECT_EQ(std::visit(title, pictures[0]).rfind("Uniformity", 0), 0u);
+        EXPECT_EQ(std::visit(title, pictures[1]).rfind("Stress", 0), 0u);
         EXPECT_EQ(pictures[0].index(), pictures[1].index());
     }
 }
@@ -94,22 +95,72 @@ TEST(SessionPictures, OfCoefficientsNeedAResponseSurface)
     EXPECT_EQ(refusal(Kind::Actual, session), "accepted");
 }
 
-TEST(SessionPictures, NeedOneSweptInputOrTwo)
+TEST(SessionPictures, ShowNoMoreSweptInputsThanTheirKindHas)
 {
     CaseSession session = cvdSession();
-    EXPECT_EQ(refusal(Kind::Sweep, session),
-              "A picture of kind sweep needs one swept input and none is.");
-
     session.sweepEvenly(0, 5);
     EXPECT_EQ(refusal(Kind::Sweep, session), "accepted");
-    EXPECT_EQ(refusal(Kind::Contour, session),
-              "A picture of kind contour needs two swept inputs and one is.");
 
     session.sweepEvenly(1, 5);
     EXPECT_EQ(refusal(Kind::Contour, session), "accepted");
     EXPECT_EQ(refusal(Kind::Sweep, session),
               "A picture of kind sweep needs one swept input and 2 are.");
     EXPECT_THROW(SessionPictures::make(Kind::Sweep, session), UsageError);
+}
+
+TEST(SessionPictures, NeedInputsThatAreNotHeld)
+{
+    CaseSession session = cvdSession();
+    const auto refusalHolding = [&](Kind kind, const std::vector<std::size_t>& held) {
+        return messageOf<UsageError>([&] { SessionPictures::check(kind, session, held); });
+    };
+
+    EXPECT_EQ(refusalHolding(Kind::Sweep, {0}), "accepted");
+    EXPECT_EQ(refusalHolding(Kind::Sweep, {0, 1}),
+              "A picture of kind sweep needs one swept input and none is.");
+    EXPECT_EQ(refusalHolding(Kind::Contour, {1}),
+              "A picture of kind contour needs two swept inputs and none is.");
+    session.sweepEvenly(0, 5);
+    EXPECT_EQ(refusalHolding(Kind::Contour, {1}),
+              "A picture of kind contour needs two swept inputs and one is.");
+}
+
+TEST(SessionPictures, OfSweepsShowAllInputsWhereNoneIsSwept)
+{
+    CaseSession session = cvdSession();
+
+    const std::vector<PictureData> pictures = SessionPictures::make(Kind::Sweep, session);
+
+    ASSERT_EQ(pictures.size(), 2u);
+    EXPECT_EQ(std::get<EffectsPicture>(pictures[1]).title,
+              "Stress, main effects, response surface");
+    EXPECT_EQ(std::get<EffectsPicture>(pictures[1]).effects.size(), 2u);
+    EXPECT_TRUE(session.sweptInputs().empty());
+}
+
+TEST(SessionPictures, OfContoursSweepTheInputsThatMatterMost)
+{
+    // Uniformity as a third input, which is closer to a plane of the other two than to the stress.
+    const auto sessionOf = [] {
+        CaseTable table = cvdCases();
+        table.columns[1].numbers = {1, 1.1, 1, 1.1, 1, 1.1, 1, 1.1, 1, 1.1, 1};
+        for (std::size_t i = 0; i < 11; ++i) {
+            table.columns[3].numbers[i] =
+                table.columns[0].numbers[i] + 10 * table.columns[2].numbers[i];
+        }
+        return std::make_unique<CaseSession>(std::move(table), CaseRoles{{0, 1, 2}, {3}},
+                                             std::vector<std::size_t>{},
+                                             CaseSession::ResponseSurface);
+    };
+    {
+        const auto session = sessionOf();
+        SessionPictures::make(Kind::Contour, *session);
+        EXPECT_EQ(session->sweptInputs(), (std::vector<std::size_t>{0, 2}));
+    }
+    const auto session = sessionOf();
+    session->sweepEvenly(1, 5);
+    SessionPictures::make(Kind::Contour, *session, {0});
+    EXPECT_EQ(session->sweptInputs(), (std::vector<std::size_t>{1, 2}));
 }
 
 TEST(SessionPictures, AreKnownByTheirWords)

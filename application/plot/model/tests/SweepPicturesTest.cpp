@@ -32,7 +32,7 @@ TEST(SweepPictures, ShowsEachValueOnceInAscendingOrder)
 
     EXPECT_EQ(picture.inputs, (std::vector<double>{4, 42, 80}));
     EXPECT_EQ(picture.model, (std::vector<double>{7, 5, 4}));
-    EXPECT_EQ(picture.title, "Stress, Kriging");
+    EXPECT_EQ(picture.title, "Stress over Pressure, Kriging");
     EXPECT_EQ(picture.inputName, "Pressure");
     EXPECT_EQ(picture.outputName, "Stress");
     EXPECT_EQ(picture.modelLabel, "Kriging");

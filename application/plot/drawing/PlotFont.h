@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QFont>
+
+/*
+ * The font of all texts in pictures, by sizes in pixels of the picture.
+ */
+namespace PlotFont {
+constexpr int tickSize = 12; ///< of captions and legends too
+constexpr int textSize = 13;
+constexpr int titleSize = 15;
+
+/** In pixels of the picture, whatever it is drawn on. The second family has the widths of the
+ *  first: texts keep their places in a viewer without the first. */
+QFont ofSize(int pixels);
+} // namespace PlotFont

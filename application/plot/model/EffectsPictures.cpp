@@ -1,0 +1,64 @@
+#include "plot/model/EffectsPictures.h"
+
+#include "plot/drawing/AxisScale.h"
+#include "plot/model/ConfidenceBand.h"
+#include "plot/model/MainEffects.h"
+#include "plot/model/ModelCut.h"
+#include "plot/model/SweepPictures.h"
+
+#include <session/model/CaseSession.h>
+
+#include <algorithm>
+
+std::vector<SweepPicture> effectSweeps(CaseSession& session, const MainEffects& effects,
+                                       std::size_t output, std::size_t count)
+{
+    std::vector<SweepPicture> sweeps;
+    QwtInterval all;
+    for (const ModelCut* const cut : effects.strongest(output, count)) {
+        sweeps.push_back(sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+        const SweepPicture& sweep = sweeps.back();
+        for (const auto* const column :
+             {&sweep.model, &sweep.lower, &sweep.upper, &sweep.caseOutputs}) {
+            all = all | AxisScale::range(*column);
+        }
+    }
+    for (SweepPicture& sweep : sweeps) {
+        sweep.axisOutputs = {all.minValue(), all.maxValue()};
+    }
+    return sweeps;
+}
+
+EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, std::size_t output)
+{
+    const ModelCut& first = *effects.strongest(output, 1).front();
+    const std::string& name = first.outputs[output].name;
+    EffectsPicture picture;
+    picture.title = name + ", main effects, " + first.modelName;
+    picture.effects = effectSweeps(session, effects, output, maxEffects);
+    const std::string band = picture.effects.front().bandLabel;
+    bool hasCases = false;
+    for (SweepPicture& effect : picture.effects) {
+        effect.title.clear();
+        effect.caption.clear();
+        effect.outputName.clear();
+        effect.modelLabel.clear();
+        effect.bandLabel.clear();
+        effect.caseLabel.clear();
+        hasCases = hasCases || !effect.caseInputs.empty();
+    }
+    if (picture.effects.size() < effects.size()) {
+        picture.caption = "The " + std::to_string(picture.effects.size()) + " of " +
+                          std::to_string(effects.size()) + " inputs along which " + name +
+                          " changes most. ";
+    }
+    picture.caption += "Line: " + first.modelName;
+    picture.caption += band.empty() ? "." : "; band: " + band + '.';
+    picture.caption += hasCases ? " Dots: cases whose other inputs lie within 10\302\240% of their "
+                                  "range of where they are held."
+                                : " No case has all held inputs within 10\302\240% of their range.";
+    if (first.inputs.size() > 1) {
+        picture.caption += " Held while others are swept: " + effects.heldText() + '.';
+    }
+    return picture;
+}
