@@ -74,11 +74,63 @@ struct CaseLeverage
     double leverage = 0.0;
 };
 
+/** The test of one term given all others: what leaving it out adds to the residual. */
+struct PartialTest
+{
+    std::vector<std::size_t> factors; ///< of the term, as in CoefficientStatistics
+    AnovaRow row;                     ///< its source is the term: "V1", "V1 V2", ...
+};
+
+/**
+ * How a case stands to the fit. NaN where a figure does not exist: of a case of leverage 1, without
+ * residual degrees of freedom, and where the residuals are no more than rounding.
+ * Cook, Weisberg: Residuals and Influence in Regression, Chapman and Hall 1982, ch. 2 and 3.
+ */
+struct CaseDiagnostics
+{
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+    std::size_t row = 0; ///< as given to the model, the first is 0
+    double output = 0.0;
+    double residual = 0.0; ///< output minus fitted value, in the output's unit
+    double leverage = 0.0;
+    double internallyStudentised = none; ///< residual / (s sqrt(1 - leverage))
+    /** The same with the s of the fit without the case; Student's t with one degree of freedom less
+     *  than the residual has. */
+    double externallyStudentised = none;
+    /** Cook's distance: by how much all predictions change without the case, squared and summed,
+     *  over terms times s^2. */
+    double cooksDistance = none;
+};
+
+/** A direction of the canonical analysis, in which the polynomial has no interaction with others.
+ */
+struct CanonicalDirection
+{
+    /** The eigenvalue: the output changes by it, times the squared distance, along the direction.
+     */
+    double curvature = 0.0;
+    /** A unit vector in inputs coded to [-1, 1], one component per input, the largest positive; 0
+     *  for an input that the polynomial does not have. */
+    std::vector<double> components;
+};
+
+/** The point of the largest, or smallest, value among those at a distance from the middle of the
+ *  ranges, in inputs coded to [-1, 1]. */
+struct RidgePoint
+{
+    double distance = 0.0;
+    /** One per input, in its unit; NaN for an input that the polynomial does not have. */
+    std::vector<double> coordinates;
+    double value = 0.0;
+    double standardError = std::numeric_limits<double>::quiet_NaN(); ///< of the mean there
+};
+
 /** "minimum", "maximum", "saddle" or "ridge", as texts and documents call it. */
 MIREL_FITTING_EXPORT const char* natureName(StationaryPoint::Nature nature);
 
 /** What a response surface's fit of one output says about itself. */
-struct ResponseSurfaceStatistics
+struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
 {
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
@@ -89,12 +141,19 @@ struct ResponseSurfaceStatistics
     std::vector<CoefficientStatistics> codedCoefficients;
     /**
      * "Model", then "Linear", "Interaction" and "Square" as far as the fit has them, "Residual",
-     * then "Lack of fit" and "Pure error" if cases repeat the inputs of others, "Total" about the
-     * mean. The three kinds of terms are entered in the order given (sequential, type I): each
-     * one's sum of squares is what it takes off the residual of those before it, and the three sum
-     * up to the model's.
+     * then "Lack of fit" and "Pure error" if cases repeat the inputs of others without being copies
+     * of them (repeatsAreCopies), "Total" about the mean. The three kinds of terms are entered in
+     * the order given (sequential, type I): each one's sum of squares is what it takes off the
+     * residual of those before it, and the three sum up to the model's.
      */
     std::vector<AnovaRow> anova;
+    /** Cases repeat the inputs of others, and all of these have the same output too: copies of a
+     *  row or a computation, which measure no noise, so that the lack of fit cannot be tested. */
+    bool repeatsAreCopies = false;
+    /** Of each coded term but the constant, in the order of the equation: sums of squares of type
+     *  III. Those of linear terms depend on where the inputs are 0: here in the middle of their
+     *  ranges. */
+    std::vector<PartialTest> partialTests;
 
     double r2 = none;
     double adjustedR2 = none;
@@ -115,10 +174,28 @@ struct ResponseSurfaceStatistics
      *  cases a stratified sample of 100 000 is considered, one at random of each stratum of rows.
      */
     std::vector<CaseLeverage> largestLeverages;
+    /** One per case; of more than 100 000 cases, one for each of a stratified sample. Ascending
+     *  rows. */
+    std::vector<CaseDiagnostics> cases;
+    /** A case whose externally studentised residual is larger in magnitude is suspected to be an
+     *  outlier: the largest of as many as there are cases exceeds it with a probability of at most
+     *  5 % (Bonferroni). NaN where there are no such residuals. */
+    double outlierLimit = none;
+    /** Positions in `cases` of the suspected outliers, the largest residual first. */
+    std::vector<std::size_t> suspectedOutliers() const;
+
     /** Whether the second-order terms are more than rounding. */
     bool isCurved = false;
     /** None if the polynomial is not curved, nor if it rises along a direction in which it is not
      *  curved. */
     std::optional<StationaryPoint> stationaryPoint;
+    /** By ascending curvature; empty if the polynomial is not curved. */
+    std::vector<CanonicalDirection> canonicalDirections;
+    /** Ridge analysis: the paths of the largest and of the smallest values, by distances from 0 to
+     *  1, all within the ranges of the cases. Of a linear polynomial these are the lines of
+     *  steepest ascent and descent. Empty for a constant.
+     *  Draper: Ridge analysis of response surfaces, Technometrics 5 (1963). */
+    std::vector<RidgePoint> ascent;
+    std::vector<RidgePoint> descent;
     std::vector<std::string> droppedTerms; ///< all that are not kept
 };

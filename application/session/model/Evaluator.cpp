@@ -231,6 +231,9 @@ std::vector<ResponseSurfaceStatistics> Evaluator::statistics()
         for (CaseLeverage& one : results.back().largestLeverages) {
             one.row = cases.at(one.row);
         }
+        for (CaseDiagnostics& one : results.back().cases) {
+            one.row = cases.at(one.row);
+        }
     }
     return results;
 }

@@ -94,7 +94,7 @@ public:
     const FitResult& calibratedFit();
 
     /** The statistics of a response surface, one per output; none at all of another model. The rows
-     *  of the largest leverages are positions of cases, from 0. */
+     *  of leverages and diagnostics are positions of cases, from 0. */
     std::vector<ResponseSurfaceStatistics> statistics();
 
     /**

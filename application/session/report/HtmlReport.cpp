@@ -109,6 +109,7 @@ std::string statisticsSection(const ResponseSurfaceStatistics& statistics,
     std::string text;
     for (const StatisticsTables::Table& table : StatisticsTables::tables(statistics, inputs)) {
         text += tableText(table);
+        text += table.note.empty() ? table.note : element("p", escaped(table.note));
     }
     text += element("h3", "Stationary point");
     text += element("p", escaped(StatisticsTables::stationaryPointText(statistics, inputs)));

@@ -1,10 +1,12 @@
 #include "session/report/StatisticsTables.h"
 
 #include "session/report/TermName.h"
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -43,15 +45,183 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
     return table;
 }
 
-StatisticsTables::Table anovaTable(const std::vector<AnovaRow>& anova)
+std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& row)
+{
+    return {source,
+            std::to_string(row.degreesOfFreedom),
+            shownNumber(row.sumOfSquares),
+            shownNumber(row.meanSquare),
+            shownNumber(row.f, fewDigits),
+            shownNumber(row.p, fewDigits)};
+}
+
+const std::vector<std::string> anovaHeading = {"Source",      "DF", "Sum of squares",
+                                               "Mean square", "F",  "p"};
+
+std::string lackOfFitNote(const ResponseSurfaceStatistics& statistics)
+{
+    return statistics.repeatsAreCopies ? "Lack of fit: not available, the repeats are exact copies."
+                                       : "";
+}
+
+StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
 {
     StatisticsTables::Table table;
     table.title = "Analysis of variance";
-    table.heading = {"Source", "DF", "Sum of squares", "Mean square", "F", "p"};
-    for (const AnovaRow& row : anova) {
-        table.rows.push_back({row.source, std::to_string(row.degreesOfFreedom),
-                              shownNumber(row.sumOfSquares), shownNumber(row.meanSquare),
-                              shownNumber(row.f, fewDigits), shownNumber(row.p, fewDigits)});
+    table.heading = anovaHeading;
+    for (const AnovaRow& row : statistics.anova) {
+        table.rows.push_back(anovaCells(row.source, row));
+    }
+    table.note = lackOfFitNote(statistics);
+    return table;
+}
+
+StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
+                                     const std::vector<std::string>& inputs)
+{
+    StatisticsTables::Table table;
+    table.title = "Each term given all others (type III), inputs coded to [-1, 1]";
+    table.heading = anovaHeading;
+    for (const PartialTest& test : tests) {
+        table.rows.push_back(anovaCells(termName(test.factors, inputs), test.row));
+    }
+    return table;
+}
+
+/** Positions in statistics.cases, the largest externally studentised residual first. */
+std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& statistics)
+{
+    constexpr std::size_t most = 5;
+    // Residuals that differ by less count as equal: rounding must not decide their order.
+    constexpr double step = 1e-9;
+    const auto size = [&](std::size_t k) {
+        return std::round(std::abs(statistics.cases[k].externallyStudentised) / step);
+    };
+    std::vector<std::size_t> order;
+    for (std::size_t k = 0; k < statistics.cases.size(); ++k) {
+        if (!std::isnan(size(k))) {
+            order.push_back(k);
+        }
+    }
+    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(most, order.size()));
+    std::partial_sort(order.begin(), end, order.end(), [&](std::size_t left, std::size_t right) {
+        return size(left) > size(right) || (size(left) == size(right) && left < right);
+    });
+    order.erase(end, order.end());
+    return order;
+}
+
+std::string outlierText(const ResponseSurfaceStatistics& statistics)
+{
+    constexpr std::size_t mostNamed = 10;
+    if (std::isnan(statistics.outlierLimit)) {
+        return "";
+    }
+    const std::string limit =
+        shownNumber(statistics.outlierLimit, fewDigits) + " (Bonferroni at 5 %).";
+    const std::vector<std::size_t> outliers = statistics.suspectedOutliers();
+    if (outliers.empty()) {
+        return "No case is suspected to be an outlier: no externally studentised residual "
+               "exceeds " +
+               limit;
+    }
+    std::vector<std::string> names;
+    for (const std::size_t k : outliers) {
+        if (names.size() < mostNamed) {
+            names.push_back(std::to_string(statistics.cases[k].row + 1));
+        }
+    }
+    const std::size_t more = outliers.size() - names.size();
+    return std::string(outliers.size() == 1 ? "Suspected outlier: case "
+                                            : "Suspected outliers: cases ") +
+           joinedText(names) + (more > 0 ? " and " + std::to_string(more) + " more" : "") +
+           (outliers.size() == 1 ? ", whose externally studentised residual exceeds "
+                                 : ", whose externally studentised residuals exceed ") +
+           limit;
+}
+
+StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistics)
+{
+    StatisticsTables::Table table;
+    table.title = "Largest studentised residuals";
+    table.heading = {"Case",       "Output",   "Residual",       "Internally",
+                     "Externally", "Leverage", "Cook's distance"};
+    for (const std::size_t k : largestResiduals(statistics)) {
+        const CaseDiagnostics& one = statistics.cases[k];
+        table.rows.push_back({std::to_string(one.row + 1), shownNumber(one.output),
+                              shownNumber(one.residual, fewDigits),
+                              shownNumber(one.internallyStudentised, fewDigits),
+                              shownNumber(one.externallyStudentised, fewDigits),
+                              shownNumber(one.leverage, fewDigits),
+                              shownNumber(one.cooksDistance, fewDigits)});
+    }
+    table.note = outlierText(statistics);
+    return table;
+}
+
+/** "0.96 A - 0.28 B": the largest components first, without negligible ones. */
+std::string directionText(const std::vector<double>& components,
+                          const std::vector<std::string>& inputs)
+{
+    constexpr double negligible = 0.05;
+    constexpr std::size_t most = 6;
+    constexpr int digits = 3;
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < components.size() && i < inputs.size(); ++i) {
+        if (std::abs(components[i]) >= negligible) {
+            order.push_back(i);
+        }
+    }
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return std::abs(components[left]) > std::abs(components[right]);
+    });
+    order.resize(std::min(order.size(), most));
+    std::string text;
+    for (const std::size_t i : order) {
+        const bool isNegative = components[i] < 0.0;
+        text += text.empty() ? (isNegative ? "-" : "") : (isNegative ? " - " : " + ");
+        text += shownNumber(std::abs(components[i]), digits) + ' ' + inputs[i];
+    }
+    return text;
+}
+
+StatisticsTables::Table canonicalTable(const std::vector<CanonicalDirection>& directions,
+                                       const std::vector<std::string>& inputs)
+{
+    StatisticsTables::Table table;
+    table.title = "Canonical analysis, inputs coded to [-1, 1]";
+    table.heading = {"Direction", "Curvature"};
+    for (const CanonicalDirection& one : directions) {
+        table.rows.push_back(
+            {directionText(one.components, inputs), shownNumber(one.curvature, fewDigits)});
+    }
+    return table;
+}
+
+/** A column for every second point. */
+StatisticsTables::Table ridgeTable(const std::string& title, const std::vector<RidgePoint>& ridge,
+                                   const std::vector<std::string>& inputs)
+{
+    StatisticsTables::Table table;
+    table.title = title;
+    if (ridge.empty()) {
+        return table;
+    }
+    table.heading = {"Distance from the middle"};
+    table.rows = {{"Value"}, {"Std. error"}};
+    for (std::size_t input = 0; input < inputs.size(); ++input) {
+        table.rows.push_back({inputs[input]});
+    }
+    for (std::size_t k = 0; k < ridge.size(); k += 2) {
+        const RidgePoint& point = ridge[k];
+        table.heading.push_back(shownNumber(point.distance, fewDigits));
+        table.rows[0].push_back(shownNumber(point.value));
+        table.rows[1].push_back(shownNumber(point.standardError, fewDigits));
+        for (std::size_t input = 0; input < inputs.size(); ++input) {
+            const double coordinate = point.coordinates[input];
+            table.rows[2 + input].push_back(std::isnan(coordinate) ? "any"
+                                                                   : shownNumber(coordinate));
+        }
     }
     return table;
 }
@@ -94,6 +264,63 @@ Json anovaJson(const std::vector<AnovaRow>& anova)
     return json;
 }
 
+Json partialTestsJson(const std::vector<PartialTest>& tests, const std::vector<std::string>& inputs)
+{
+    Json json = Json::array();
+    for (const PartialTest& test : tests) {
+        json.push_back({{"term", test.row.source},
+                        {"name", termName(test.factors, inputs)},
+                        {"degreesOfFreedom", test.row.degreesOfFreedom},
+                        {"sumOfSquares", test.row.sumOfSquares},
+                        {"f", test.row.f},
+                        {"p", test.row.p}});
+    }
+    return json;
+}
+
+Json residualsJson(const ResponseSurfaceStatistics& statistics)
+{
+    Json largest = Json::array();
+    for (const std::size_t k : largestResiduals(statistics)) {
+        const CaseDiagnostics& one = statistics.cases[k];
+        largest.push_back({{"case", one.row + 1},
+                           {"output", one.output},
+                           {"residual", one.residual},
+                           {"internallyStudentised", one.internallyStudentised},
+                           {"externallyStudentised", one.externallyStudentised},
+                           {"leverage", one.leverage},
+                           {"cooksDistance", one.cooksDistance}});
+    }
+    Json outliers = Json::array();
+    for (const std::size_t k : statistics.suspectedOutliers()) {
+        outliers.push_back(statistics.cases[k].row + 1);
+    }
+    return {{"largest", std::move(largest)},
+            {"outlierLimit", statistics.outlierLimit},
+            {"suspectedOutliers", std::move(outliers)}};
+}
+
+Json canonicalDirectionsJson(const std::vector<CanonicalDirection>& directions)
+{
+    Json json = Json::array();
+    for (const CanonicalDirection& one : directions) {
+        json.push_back({{"curvature", one.curvature}, {"components", one.components}});
+    }
+    return json;
+}
+
+Json ridgeJson(const std::vector<RidgePoint>& ridge)
+{
+    Json json = Json::array();
+    for (const RidgePoint& point : ridge) {
+        json.push_back({{"distance", point.distance},
+                        {"coordinates", point.coordinates},
+                        {"value", point.value},
+                        {"standardError", point.standardError}});
+    }
+    return json;
+}
+
 Json leverageJson(const ResponseSurfaceStatistics& statistics)
 {
     Json largest = Json::array();
@@ -132,9 +359,21 @@ std::vector<StatisticsTables::Table>
 StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
                          const std::vector<std::string>& inputs)
 {
-    return {coefficientTable(statistics.coefficients, inputs, false),
-            coefficientTable(statistics.codedCoefficients, inputs, true),
-            anovaTable(statistics.anova)};
+    std::vector<Table> tables = {
+        coefficientTable(statistics.coefficients, inputs, false),
+        coefficientTable(statistics.codedCoefficients, inputs, true),
+        anovaTable(statistics),
+        partialTable(statistics.partialTests, inputs),
+        residualTable(statistics),
+        canonicalTable(statistics.canonicalDirections, inputs),
+        ridgeTable("Ridge of steepest ascent: the largest values within the ranges",
+                   statistics.ascent, inputs),
+        ridgeTable("Ridge of steepest descent: the smallest values within the ranges",
+                   statistics.descent, inputs)};
+    tables.erase(std::remove_if(tables.begin(), tables.end(),
+                                [](const Table& table) { return table.rows.empty(); }),
+                 tables.end());
+    return tables;
 }
 
 std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistics& statistics,
@@ -175,6 +414,7 @@ std::string StatisticsTables::text(const ResponseSurfaceStatistics& statistics,
             table.add(row);
         }
         text += "\n  " + one.title + '\n' + table.text("    ");
+        text += one.note.empty() ? one.note : "    " + oneLineText(one.note) + '\n';
     }
     return text + "\n  " + oneLineText(stationaryPointText(statistics, inputs)) + '\n';
 }
@@ -182,10 +422,20 @@ std::string StatisticsTables::text(const ResponseSurfaceStatistics& statistics,
 Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
                             const std::vector<std::string>& inputs)
 {
-    return {{"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
-            {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
-            {"anova", anovaJson(statistics.anova)},
-            {"leverage", leverageJson(statistics)},
-            {"stationaryPoint", stationaryPointJson(statistics.stationaryPoint)},
-            {"droppedTerms", droppedTermsJson(statistics.coefficients, inputs)}};
+    Json json = {
+        {"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
+        {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
+        {"anova", anovaJson(statistics.anova)}};
+    if (statistics.repeatsAreCopies) {
+        json["lackOfFitNote"] = lackOfFitNote(statistics);
+    }
+    json["partialTests"] = partialTestsJson(statistics.partialTests, inputs);
+    json["leverage"] = leverageJson(statistics);
+    json["residuals"] = residualsJson(statistics);
+    json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);
+    json["canonicalDirections"] = canonicalDirectionsJson(statistics.canonicalDirections);
+    json["ascent"] = ridgeJson(statistics.ascent);
+    json["descent"] = ridgeJson(statistics.descent);
+    json["droppedTerms"] = droppedTermsJson(statistics.coefficients, inputs);
+    return json;
 }

@@ -15,9 +15,11 @@ struct Table
     std::string title;
     std::vector<std::string> heading;
     std::vector<std::vector<std::string>> rows;
+    std::string note; ///< a sentence below it; empty for none
 };
 
-/** The coefficients in the inputs' units, then coded, then the analysis of variance. */
+/** The coefficients in the inputs' units, then coded, the analysis of variance, sequential and term
+ *  by term, the cases that stand out, the canonical analysis and the ridges; no empty ones. */
 std::vector<Table> tables(const ResponseSurfaceStatistics& statistics,
                           const std::vector<std::string>& inputs);
 
@@ -30,7 +32,9 @@ std::string text(const ResponseSurfaceStatistics& statistics,
                  const std::vector<std::string>& inputs);
 
 /** The members "coefficients" and "codedCoefficients" of the terms that are kept, "anova",
- *  "leverage", "stationaryPoint" and "droppedTerms". */
+ *  "lackOfFitNote" where it cannot be tested, "partialTests", "leverage", "residuals" with the
+ *  largest studentised ones, "stationaryPoint", "canonicalDirections", "ascent", "descent" and
+ *  "droppedTerms". */
 ReportJson::Json json(const ResponseSurfaceStatistics& statistics,
                       const std::vector<std::string>& inputs);
 } // namespace StatisticsTables

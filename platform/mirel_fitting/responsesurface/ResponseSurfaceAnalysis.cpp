@@ -354,7 +354,7 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
         compare(effect, residual);
     }
     table.push_back(residual);
-    if (pureError.degreesOfFreedom > 0) {
+    if (pureError.degreesOfFreedom > 0 && !pureError.isOfCopies()) {
         const AnovaRow error =
             row("Pure error", pureError.degreesOfFreedom, unit * pureError.squares);
         AnovaRow lack = row("Lack of fit", fit.degreesOfFreedom() - pureError.degreesOfFreedom,
@@ -365,6 +365,90 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
     }
     table.push_back(row("Total", fit.cases() - 1, unit * output.totalSquares));
     return table;
+}
+
+std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
+{
+    const PolynomialUnits units(fit.basis(), fit.inputScales());
+    const Coding coded = {[&](const Vector& scaled) { return units.coded(scaled); }, {}};
+    const Vector estimates = coded.coefficients(output.coefficients);
+    const Vector variances = coefficientVariances(coded);
+    const double unit = output.scale.unit() * output.scale.unit();
+    const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
+    std::vector<PartialTest> tests;
+    for (std::size_t term = 1; term < estimates.size(); ++term) {
+        if (!fit.isKept(term)) {
+            continue;
+        }
+        PartialTest test;
+        const QuadraticBasis::Term& factors = fit.basis().terms()[term];
+        for (const std::size_t input : {factors.first, factors.second}) {
+            if (input != QuadraticBasis::noInput) {
+                test.factors.push_back(input);
+            }
+        }
+        test.row =
+            row(fit.basis().name(term), 1, estimates[term] * estimates[term] / variances[term]);
+        compare(test.row, residual);
+        tests.push_back(std::move(test));
+    }
+    return tests;
+}
+
+/** Whether the residuals are no more than rounding. */
+bool ResponseSurfaceAnalysis::isExact() const
+{
+    // Relative to the squares about the mean, and to the rounding of the values as given.
+    constexpr double rounding = 1e-28;
+    constexpr double roundings = 4.0;
+    const double ofValues = roundings * output.scale.rounding();
+    return residualSquares() <= std::max(rounding * output.totalSquares,
+                                         static_cast<double>(fit.cases()) * ofValues * ofValues);
+}
+
+/** By the leverage h, e the residual: s^2 without the case has (n - p) s^2 - e^2 / (1 - h) in its
+ *  numerator. */
+std::vector<CaseDiagnostics> ResponseSurfaceAnalysis::caseDiagnostics() const
+{
+    const double squares = isExact() ? none : residualSquares();
+    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
+    const double variance = freedom > 0.0 ? squares / freedom : none;
+    std::vector<CaseDiagnostics> result;
+    result.reserve(fit.sampledCount());
+    for (std::size_t k = 0; k < fit.sampledCount(); ++k) {
+        const double leverage = fit.leverages()[k];
+        const double residual = output.residuals[k];
+        CaseDiagnostics one;
+        one.row = fit.sampledRow(k);
+        one.output = output.values[k];
+        one.residual = output.scale.unit() * residual;
+        one.leverage = leverage;
+        if (!PolynomialFit::isDeterminedAlone(leverage)) {
+            const double oneMinusLeverage = 1.0 - leverage;
+            one.internallyStudentised = residual / std::sqrt(variance * oneMinusLeverage);
+            one.cooksDistance = one.internallyStudentised * one.internallyStudentised * leverage /
+                                (oneMinusLeverage * static_cast<double>(fit.keptCount()));
+            const double squaresOfOthers =
+                std::max(squares - residual * residual / oneMinusLeverage, 0.0 * squares);
+            if (freedom > 1.0) {
+                one.externallyStudentised =
+                    residual / std::sqrt(squaresOfOthers / (freedom - 1.0) * oneMinusLeverage);
+            }
+        }
+        result.push_back(one);
+    }
+    return result;
+}
+
+double ResponseSurfaceAnalysis::outlierLimit() const
+{
+    constexpr double probability = 0.05; // of one among all cases
+    const std::size_t freedom = fit.degreesOfFreedom();
+    if (freedom <= 1 || isExact()) {
+        return none;
+    }
+    return Distributions::studentQuantile(1.0 - probability / static_cast<double>(fit.cases()),
+                                          static_cast<double>(freedom - 1));
 }
 
 double ResponseSurfaceAnalysis::aicc() const

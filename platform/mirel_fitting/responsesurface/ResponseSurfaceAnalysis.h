@@ -23,6 +23,9 @@ public:
     {
         std::size_t degreesOfFreedom = 0;
         double squares = 0.0; ///< of the scaled output
+
+        /** Whether all cases with the same inputs have the same output too. */
+        bool isOfCopies() const { return degreesOfFreedom > 0 && squares == 0.0; }
     };
 
     /** @param fit is borrowed; it must outlive this object. `output` is a position in outputs(). */
@@ -51,6 +54,15 @@ public:
 
     std::vector<AnovaRow> anova() const;
 
+    /** One per kept term of the basis but the constant, for coded inputs. */
+    std::vector<PartialTest> partialTests() const;
+
+    /** One for each case, or for each sampled one; rows ascending. */
+    std::vector<CaseDiagnostics> caseDiagnostics() const;
+
+    /** As ResponseSurfaceStatistics says. */
+    double outlierLimit() const;
+
     double aicc() const;
 
     /** For `terms` coefficients and the variance, as ResponseSurfaceStatistics says; infinite, not
@@ -67,6 +79,7 @@ private:
 
     double residualSquares() const;
     double deviation() const;
+    bool isExact() const;
     std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
     Vector coefficientVariances(const Coding& coding) const;
     double varianceInflation(const Coding& coding, std::size_t term, double variance) const;

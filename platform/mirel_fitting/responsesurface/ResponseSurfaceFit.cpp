@@ -9,6 +9,13 @@
 #include <cmath>
 #include <utility>
 
+namespace {
+
+/** Distances along a ridge: tenths, as tables have them. */
+constexpr std::size_t ridgeSteps = 10;
+
+} // namespace
+
 ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
                                        const std::vector<double*>& outputs, std::size_t cases,
                                        const PolynomialForm& wanted,
@@ -158,6 +165,26 @@ ResponseSurfaceFit::onlyWanted(const std::vector<CoefficientStatistics>& ofBasis
     return result;
 }
 
+std::vector<RidgePoint> ResponseSurfaceFit::withStandardErrors(std::size_t output,
+                                                               std::vector<RidgePoint> points) const
+{
+    std::vector<std::vector<double>> columns(inputCount, std::vector<double>(points.size()));
+    std::vector<double*> pointers;
+    for (std::size_t input = 0; input < inputCount; ++input) {
+        for (std::size_t k = 0; k < points.size(); ++k) {
+            // An input that the polynomial does not have may be anywhere.
+            const double coordinate = points[k].coordinates[input];
+            columns[input][k] = std::isnan(coordinate) ? 0.0 : coordinate;
+        }
+        pointers.push_back(columns[input].data());
+    }
+    const std::vector<double> errors = standardErrors(output, pointers, false, points.size());
+    for (std::size_t k = 0; k < points.size(); ++k) {
+        points[k].standardError = errors[k];
+    }
+    return points;
+}
+
 ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, double level) const
 {
     const PolynomialFit& fit = *fits[output].fit;
@@ -168,6 +195,10 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     statistics.coefficients = onlyWanted(analysis.coefficients(level));
     statistics.codedCoefficients = onlyWanted(analysis.codedCoefficients(level));
     statistics.anova = analysis.anova();
+    statistics.repeatsAreCopies = fits[output].pureError.isOfCopies();
+    statistics.partialTests = analysis.partialTests();
+    statistics.cases = analysis.caseDiagnostics();
+    statistics.outlierLimit = analysis.outlierLimit();
     statistics.r2 = metrics.r2;
     statistics.adjustedR2 = metrics.adjustedR2;
     statistics.predictedR2 = metrics.predictedR2;
@@ -184,6 +215,9 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     const StationaryPointFinder stationary(fit, fits[output].position);
     statistics.isCurved = stationary.isCurved();
     statistics.stationaryPoint = stationary.find();
+    statistics.canonicalDirections = stationary.canonicalDirections();
+    statistics.ascent = withStandardErrors(output, stationary.ridge(true, ridgeSteps));
+    statistics.descent = withStandardErrors(output, stationary.ridge(false, ridgeSteps));
     for (const CoefficientStatistics& coefficient : statistics.coefficients) {
         if (!coefficient.isKept) {
             statistics.droppedTerms.push_back(coefficient.term);

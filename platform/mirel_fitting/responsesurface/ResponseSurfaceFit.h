@@ -76,6 +76,8 @@ private:
     static void selectTerms(OutputFit& one, const std::vector<double*>& inputs, double* output);
     void findPureErrors(const std::vector<double*>& inputs, const std::vector<double*>& outputs);
     PolynomialPredictor makePredictor() const;
+    std::vector<RidgePoint> withStandardErrors(std::size_t output,
+                                               std::vector<RidgePoint> points) const;
     std::vector<CoefficientStatistics>
     onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const;
 

@@ -288,6 +288,9 @@ std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const std::s
         text += line("AICc", statistics.aicc, "");
     }
     text += anovaLines(statistics.anova);
+    if (statistics.repeatsAreCopies) {
+        text += "Lack of fit: not available (the repeats are exact copies)\n";
+    }
     text += coefficientLines(statistics.coefficients, false);
     text += coefficientLines(statistics.codedCoefficients, true);
     text += leverageLine(statistics);

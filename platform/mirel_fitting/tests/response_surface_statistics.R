@@ -93,3 +93,40 @@ eliminate <- function(terms, data) {
   }
 }
 show("selection", eliminate(c("c1", "c2", "I(c1^2)", "I(c1 * c2)", "I(c2^2)"), cvd))
+
+# The same cases with an output that is off by 5 in the fourth.
+spoiled <- cvd
+spoiled$y[4] <- spoiled$y[4] + 5
+for (data in list(cvd, spoiled)) {
+  fitted <- lm(y ~ c1 + c2 + I(c1^2) + I(c1 * c2) + I(c2^2), data)
+  show("residuals", cbind(residual = residuals(fitted), internal = rstandard(fitted),
+    external = rstudent(fitted), cook = cooks.distance(fitted)))
+}
+show("limit of outliers, Bonferroni at 5 %", qt(1 - 0.05 / (2 * 11), 11 - 6 - 1))
+
+# Each coded term given all others (type III).
+show("partial tests", drop1(coded, . ~ ., test = "F"))
+show("p of partial tests", drop1(coded, . ~ ., test = "F")$`Pr(>F)`)
+
+show("canonical directions", eigen(B))
+
+# The largest and the smallest value at a distance from the middle of the coded inputs: by the
+# multiplier (Draper: Technometrics 5 (1963)).
+ridge <- function(radius, sign) {
+  a <- eigen(sign * B)
+  slopes <- t(a$vectors) %*% (sign * b[2:3])
+  at <- function(mu) slopes / (2 * (mu - a$values))
+  if (radius == 0) return(c(0, 0))
+  top <- max(a$values)
+  excess <- function(gap) sum(at(top + gap)^2) - radius^2
+  gap <- uniroot(excess, c(1e-12, sqrt(sum(slopes^2)) / radius), tol = 1e-15)$root
+  as.vector(a$vectors %*% at(top + gap))
+}
+for (sign in c(1, -1)) {
+  show(paste("ridge", sign), t(sapply(seq(0, 1, 0.25), function(radius) {
+    x <- ridge(radius, sign)
+    at <- data.frame(c1 = x[1], c2 = x[2])
+    p <- predict(coded, at, se.fit = TRUE)
+    c(radius, 42 + 38 * x[1], 6 + 4 * x[2], p$fit, p$se.fit)
+  })))
+}

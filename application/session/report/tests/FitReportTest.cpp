@@ -46,8 +46,9 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
     EXPECT_EQ(keysOf(json["outputs"][0]),
-              (Keys{"anova", "calibration", "codedCoefficients", "coefficients", "droppedTerms",
-                    "leverage", "metrics", "name", "stationaryPoint", "transform", "warnings"}));
+              (Keys{"anova", "ascent", "calibration", "canonicalDirections", "codedCoefficients",
+                    "coefficients", "descent", "droppedTerms", "leverage", "metrics", "name",
+                    "partialTests", "residuals", "stationaryPoint", "transform", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));

@@ -138,6 +138,96 @@ TEST(StatisticsTables, JsonHasTheStationaryPointOrNull)
     EXPECT_TRUE(linear["stationaryPoint"].is_null());
 }
 
+TEST(StatisticsTables, JsonHasTheTestOfEachTerm)
+{
+    const Json tests = outputOf(cvdSession())["partialTests"];
+
+    ASSERT_EQ(tests.size(), 5u);
+    EXPECT_EQ(keysOf(tests[3]), (std::vector<std::string>{"term", "name", "degreesOfFreedom",
+                                                          "sumOfSquares", "f", "p"}));
+    EXPECT_EQ(tests[3]["name"], "Pressure * H2/WF6");
+    EXPECT_NEAR(tests[3]["sumOfSquares"].get<double>(), 2.89, 1e-12);
+}
+
+TEST(StatisticsTables, JsonHasTheCasesThatStandOut)
+{
+    CaseTable table = cvdCases();
+    table.columns[2].numbers[3] += 5.0;
+    const Json residuals = outputOf(CaseSession(std::move(table), {{0, 1}, {2}}, {},
+                                                CaseSession::ResponseSurface))["residuals"];
+
+    ASSERT_EQ(residuals["largest"].size(), 5u);
+    EXPECT_EQ(keysOf(residuals["largest"][0]),
+              (std::vector<std::string>{"case", "output", "residual", "internallyStudentised",
+                                        "externallyStudentised", "leverage", "cooksDistance"}));
+    EXPECT_EQ(residuals["largest"][0]["case"], 4);
+    EXPECT_NEAR(residuals["outlierLimit"].get<double>(), 5.7465, 1e-4);
+    EXPECT_EQ(residuals["suspectedOutliers"], Json::parse("[4]"));
+}
+
+TEST(StatisticsTables, TextNamesSuspectedOutliersByTheCasesOfTheFile)
+{
+    CaseTable table = cvdCases();
+    table.columns[2].numbers[3] += 20.0;
+    CaseSession spoiled(table, {{0, 1}, {2}}, {0}, CaseSession::ResponseSurface);
+    const std::string text = FitReport::text(spoiled);
+    EXPECT_NE(text.find("\n    Suspected outlier: case 4, whose externally studentised residual "
+                        "exceeds "),
+              std::string::npos)
+        << text;
+
+    CaseSession sound = cvdSession();
+    EXPECT_NE(FitReport::text(sound).find(
+                  "\n    No case is suspected to be an outlier: no externally studentised residual "
+                  "exceeds 5.747 (Bonferroni at 5 %).\n"),
+              std::string::npos)
+        << FitReport::text(sound);
+}
+
+TEST(StatisticsTables, SayThatCopiesShowNoLackOfFit)
+{
+    CaseTable table = cvdCases();
+    for (const std::size_t row : {5, 10}) {
+        table.columns[2].numbers[row] = table.columns[2].numbers[1];
+    }
+    CaseSession session(std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    const std::string note = "Lack of fit: not available, the repeats are exact copies.";
+
+    EXPECT_EQ(
+        Json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0]["lackOfFitNote"],
+        note);
+    EXPECT_NE(FitReport::text(session).find("    " + note + '\n'), std::string::npos);
+    EXPECT_FALSE(outputOf(cvdSession()).contains("lackOfFitNote"));
+}
+
+TEST(StatisticsTables, JsonHasTheCanonicalAnalysisAndTheRidges)
+{
+    const Json output = outputOf(cvdSession());
+
+    ASSERT_EQ(output["canonicalDirections"].size(), 2u);
+    EXPECT_NEAR(output["canonicalDirections"][1]["components"][0].get<double>(), 0.7276, 1e-4);
+    ASSERT_EQ(output["ascent"].size(), 11u);
+    EXPECT_EQ(keysOf(output["ascent"][10]),
+              (std::vector<std::string>{"distance", "coordinates", "value", "standardError"}));
+    EXPECT_NEAR(output["ascent"][10]["value"].get<double>(), 8.479, 1e-3);
+    EXPECT_NEAR(output["descent"][10]["value"].get<double>(), 3.690, 1e-3);
+}
+
+TEST(StatisticsTables, TextShowsDirectionsAndRidges)
+{
+    CaseSession session = cvdSession();
+    const std::string text = FitReport::text(session);
+
+    for (const char* part : {"\n  Each term given all others (type III), inputs coded to [-1, 1]\n",
+                             "\n    0.728 Pressure + 0.686 H2/WF6     0.9344\n",
+                             "\n    0.728 H2/WF6 - 0.686 Pressure    -0.7676\n",
+                             "\n  Ridge of steepest ascent: the largest values within the ranges\n "
+                             "   Distance from the "
+                             "middle        0  "}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    }
+}
+
 TEST(StatisticsTables, AreThoseOfAResponseSurfaceOnly)
 {
     const Json output = outputOf(cvdSession(CaseSession::Kriging));

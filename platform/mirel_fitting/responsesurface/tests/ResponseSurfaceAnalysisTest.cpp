@@ -76,7 +76,7 @@ TEST(ResponseSurfaceAnalysis, SplitsSquaresByKindOfTerm)
     // The coefficients are the contrasts over 8: 4.875, -2.875 and 1.125 (interaction) about the
     // mean 27.375; each one's sum of squares is 8 times its square.
     const PolynomialFit twisted = fit(factorial(), 2, {1, 1, 1, 0, 1, 0});
-    const ResponseSurfaceAnalysis::PureError pureError{4, 0.0};
+    const ResponseSurfaceAnalysis::PureError pureError{4, 1.0};
     const std::vector<AnovaRow> rows = ResponseSurfaceAnalysis(twisted, 0, pureError).anova();
 
     const double linear = 8.0 * (4.875 * 4.875 + 2.875 * 2.875);
@@ -102,6 +102,17 @@ TEST(ResponseSurfaceAnalysis, SplitsSquaresByKindOfTerm)
     EXPECT_EQ(rows[6].source, "Total");
     EXPECT_EQ(rows[6].degreesOfFreedom, 7u);
     EXPECT_NEAR(rows[6].sumOfSquares, linear + interaction + 13.5, 1e-11);
+}
+
+TEST(ResponseSurfaceAnalysis, TestsNoLackOfFitAgainstCopies)
+{
+    const PolynomialFit twisted = fit(factorial(), 2, {1, 1, 1, 0, 1, 0});
+    const ResponseSurfaceAnalysis::PureError copies{4, 0.0};
+    const std::vector<AnovaRow> rows = ResponseSurfaceAnalysis(twisted, 0, copies).anova();
+
+    ASSERT_EQ(rows.size(), 5u);
+    EXPECT_EQ(rows[3].source, "Residual");
+    EXPECT_EQ(rows[4].source, "Total");
 }
 
 TEST(ResponseSurfaceAnalysis, AiccIsThatOfItsDefinition)
