@@ -395,11 +395,10 @@ const Command commands[] = {
     {CommandLine::Check, "check", "the values of a distribution text, or what is wrong with it",
      describeCheck}};
 
-/** Nothing where half of the word would have to change: it is not misspelt but unknown. */
 std::string suggestion(const std::string& word, const std::vector<std::string>& known)
 {
-    const std::string& nearest = known[nearestText(word, known)];
-    return 2 * editDistance(word, nearest) > word.size() ? "" : "; the nearest is " + nearest;
+    const auto nearest = nearestText(word, known);
+    return nearest ? "; the nearest is " + known[*nearest] : "";
 }
 
 /** The description, with one subcommand for each command. */

@@ -322,8 +322,8 @@ TEST_F(Program, BadCaseDataEndWithThree)
     folder.write("points.csv", "x\n1\n");
     expectFailure(
         "predict plane.csv -y y --points points.csv", 3,
-        "points.csv, line 1: the model needs the input \"z\". There is no variable \"z\"; "
-        "the nearest name is \"x\". The variables are: \"x\".");
+        "points.csv, line 1: the model needs the input \"z\". There is no variable \"z\". "
+        "The variables are: \"x\".");
 }
 
 TEST_F(Program, BadDistributionTextsEndWithFour)

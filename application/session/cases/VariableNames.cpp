@@ -128,8 +128,10 @@ std::string VariableNames::unknownMessage(const std::string& name) const
     if (nameList.empty()) {
         return message + '.';
     }
-    message += "; the nearest name is " + quoted(nameList[nearestText(name, nameList)]) +
-               ". The variables are: ";
+    if (const auto nearest = nearestText(name, nameList)) {
+        message += "; the nearest name is " + quoted(nameList[*nearest]);
+    }
+    message += ". The variables are: ";
     const std::size_t shown = std::min(nameList.size(), namesInMessage);
     for (std::size_t i = 0; i < shown; ++i) {
         message += (i == 0 ? "" : ", ") + quoted(nameList[i]);

@@ -21,7 +21,8 @@ public:
 
     const std::vector<std::string>& names() const;
 
-    /** @throw UsageError with the names there are and the nearest one. */
+    /** @throw UsageError with the names there are, and the nearest one if there is one
+     *  (nearestText()). */
     std::size_t position(const std::string& name) const;
 
     /**

@@ -4,6 +4,17 @@
 #include <numeric>
 #include <utility>
 
+namespace {
+std::string lowerCase(std::string text)
+{
+    for (char& character : text) {
+        if (character >= 'A' && character <= 'Z') {
+            character = static_cast<char>(character - 'A' + 'a');
+        }
+    }
+    return text;
+}
+
 std::size_t editDistance(const std::string& left, const std::string& right)
 {
     std::vector<std::size_t> row(right.size() + 1);
@@ -19,11 +30,52 @@ std::size_t editDistance(const std::string& left, const std::string& right)
     return row.back();
 }
 
-std::size_t nearestText(const std::string& wanted, const std::vector<std::string>& known)
+std::optional<std::size_t> shortestBeginningWith(const std::string& wanted,
+                                                 const std::vector<std::string>& known)
 {
-    const auto nearest = std::min_element(
-        known.begin(), known.end(), [&](const std::string& left, const std::string& right) {
-            return editDistance(wanted, left) < editDistance(wanted, right);
-        });
-    return static_cast<std::size_t>(nearest - known.begin());
+    std::optional<std::size_t> shortest;
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        const bool begins = known[i].compare(0, wanted.size(), wanted) == 0;
+        if (begins && (!shortest || known[i].size() < known[*shortest].size())) {
+            shortest = i;
+        }
+    }
+    return shortest;
+}
+
+std::optional<std::size_t> fewestEdits(const std::string& wanted,
+                                       const std::vector<std::string>& known)
+{
+    std::optional<std::size_t> nearest;
+    std::size_t fewest = wanted.size() / 3;
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        const std::size_t edits = editDistance(wanted, known[i]);
+        if (edits < fewest || (edits == fewest && !nearest)) {
+            fewest = edits;
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+} // namespace
+
+std::optional<std::size_t> nearestText(const std::string& wanted,
+                                       const std::vector<std::string>& known)
+{
+    if (wanted.empty()) {
+        return std::nullopt;
+    }
+    if (const auto found = shortestBeginningWith(wanted, known)) {
+        return found;
+    }
+    const std::string lowerWanted = lowerCase(wanted);
+    std::vector<std::string> lowerKnown;
+    lowerKnown.reserve(known.size());
+    for (const std::string& text : known) {
+        lowerKnown.push_back(lowerCase(text));
+    }
+    if (const auto found = shortestBeginningWith(lowerWanted, lowerKnown)) {
+        return found;
+    }
+    return fewestEdits(lowerWanted, lowerKnown);
 }

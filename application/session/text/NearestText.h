@@ -3,17 +3,16 @@
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 /**
- * Single characters to insert, delete or replace to turn one text into the other.
- * Wagner, Fischer: The String-to-String Correction Problem, J. ACM 21 (1974).
+ * Position of the text that a user most likely means: the shortest one that begins with `wanted`,
+ * else one that differs in the case of ASCII letters only or begins so, else the one with the
+ * fewest single characters to insert, delete or replace, case ignored, if these are at most a third
+ * of `wanted`. The first of several; none if there is no such text. Wagner, Fischer: The
+ * String-to-String Correction Problem, J. ACM 21 (1974).
  */
-SURROGATE_SESSION_EXPORT std::size_t editDistance(const std::string& left,
-                                                  const std::string& right);
-
-/** Position of the text with the smallest edit distance, the first of several.
- *  @param known at least one. */
-SURROGATE_SESSION_EXPORT std::size_t nearestText(const std::string& wanted,
-                                                 const std::vector<std::string>& known);
+SURROGATE_SESSION_EXPORT std::optional<std::size_t>
+nearestText(const std::string& wanted, const std::vector<std::string>& known);

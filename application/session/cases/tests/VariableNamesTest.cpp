@@ -51,7 +51,7 @@ TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
               "There is no variable \"stress\"; the nearest name is \"Stress\". The variables are: "
               "\"Pressure\", \"H2/WF6\", \"Stress\".");
     EXPECT_EQ(messageOf<UsageError>([&] { names.listed("Stress,"); }).substr(0, 25),
-              "There is no variable \"\"; ");
+              "There is no variable \"\". T");
 }
 
 TEST(VariableNames, ALongListOfNamesIsCutShort)
@@ -85,7 +85,7 @@ TEST(VariableNames, AnAssignmentWithoutAKnownNameIsRefused)
     EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("a5"); }),
               "A value needs the name before it: NAME=VALUE, not \"a5\".");
     EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("b=5"); }),
-              "There is no variable \"b\"; the nearest name is \"a\". The variables are: \"a\".");
+              "There is no variable \"b\". The variables are: \"a\".");
     EXPECT_EQ(messageOf<UsageError>([&] { names.assignment("=5"); }).substr(0, 24),
-              "There is no variable \"\";");
+              "There is no variable \"\".");
 }
