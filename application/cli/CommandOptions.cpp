@@ -136,7 +136,8 @@ void addChoices(CLI::App& command, CommandLine& line)
             "FILE", line.cases);
     addList(command, "-x,--inputs",
             "inputs, a list separated by commas; may be repeated.\n"
-            "Without it every numeric column that is no output",
+            "Without it every numeric column that is no output and\n"
+            "neither constant nor run numbers",
             "NAMES", line.choices.inputs);
     addList(command, "-y,--outputs",
             "outputs, likewise. Outputs that are asked for together are\n"

@@ -71,7 +71,11 @@ std::unique_ptr<CaseSession> openCases(const CommandLine& line)
         throw UsageError("The project would replace \"" + line.subject +
                          "\", which is read; name another file.");
     }
-    return openCases(readCaseTable(line.subject, line.reading), line.choices);
+    SessionChoices choices = line.choices;
+    if (line.command == CommandLine::Summary) {
+        choices.unnamedOutputs = UnnamedOutputs::Suggested;
+    }
+    return openCases(readCaseTable(line.subject, line.reading), choices);
 }
 
 /** A text NAME=VALUE of an option. */

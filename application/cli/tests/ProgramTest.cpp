@@ -99,14 +99,44 @@ TEST_F(Program, SummaryShowsVariablesAndCases)
     const Outcome summary = run("summary cvd.csv -y Stress");
 
     EXPECT_EQ(summary.exitCode, 0);
-    EXPECT_EQ(linesOf(summary.out)[1], "Pressure    numeric  input         4       80        0");
-    EXPECT_EQ(linesOf(summary.out)[6], "Cases: 11 read, 11 valid, 0 excluded, 0 invalid");
+    EXPECT_EQ(linesOf(summary.out)[1],
+              "Pressure          input      11        0        4      42       80         5");
+    EXPECT_EQ(linesOf(summary.out)[7], "Cases: 11 read, 11 valid, 0 excluded, 0 invalid");
     EXPECT_EQ(summary.err, "");
 }
 
-TEST_F(Program, SummaryNeedsNoOutput)
+TEST_F(Program, SummarySuggestsTheOptionsToType)
 {
-    EXPECT_EQ(run("summary cvd.csv").exitCode, 0);
+    const Outcome summary = run("summary cvd.csv");
+
+    EXPECT_EQ(summary.exitCode, 0);
+    EXPECT_NE(summary.out.find("Options: -x Pressure,H2/WF6 -y Uniformity,Stress\n"),
+              std::string::npos)
+        << summary.out;
+}
+
+TEST_F(Program, ColumnsThatAreNoInputsAreNamedWithTheReason)
+{
+    folder.write("runs.csv", "Run,Date,a,b,y1,y2\n1,2024-01-02,1,5,4.2,1\n2,2024-01-02,2,5,7.1,3\n"
+                             "3,2024-01-03,1,6,3,4\n4,2024-01-03,3,6,9,1\n5,2024-01-04,4,7,2,2\n");
+    const std::string note =
+        "Note: Not taken as inputs: \"Run\" (counts up by one, from 1 to 5), \"Date\" (dates or "
+        "times), \"y2\" (named like the output \"y1\"); -x NAMES decides otherwise.\n";
+
+    const Outcome fit = run("fit runs.csv -y y1 --terms linear");
+    EXPECT_EQ(fit.exitCode, 0);
+    EXPECT_EQ(fit.err, note);
+    EXPECT_NE(fit.out.find("Inputs  a (V1), b (V2)\n"), std::string::npos);
+
+    EXPECT_EQ(run("fit runs.csv -y y1 -x a,b --terms linear").err, "");
+    const Json json = Json::parse(run("fit runs.csv -y y1 --terms linear --json").out);
+    EXPECT_EQ(json["inputs"], Json::parse(R"(["a", "b"])"));
+    EXPECT_EQ(json["notInputs"][0],
+              Json::parse(R"({"name": "Run", "reason": "counts up by one, from 1 to 5"})"));
+
+    expectFailure("fit runs.csv -y Run,a,b,y1,y2", 2,
+                  "No column is left to be an input: \"Date\" (dates or times). Name inputs with "
+                  "-x NAMES.");
 }
 
 TEST_F(Program, FitReportsTheOutputsAsAsked)

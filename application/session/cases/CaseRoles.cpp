@@ -59,18 +59,140 @@ private:
     VariableNames names;
     std::vector<std::string> roleOf;
 };
+
+/** Gives roles to columns that nobody named. */
+class DefaultRoles
+{
+public:
+    /** @param chosen what was named; what is found goes there, too. Borrowed. */
+    DefaultRoles(const CaseTable& cases, CaseRoles& chosen) : table(cases), roles(chosen)
+    {
+        roles.columns.resize(table.columns.size());
+        for (const std::size_t position : roles.inputs) {
+            roles.columns[position].role = ColumnRole::Input;
+        }
+        for (const std::size_t position : roles.outputs) {
+            roles.columns[position].role = ColumnRole::Output;
+        }
+    }
+
+    /** Finds out which columns are no inputs by what they hold. */
+    void findReasons()
+    {
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            if (roles.columns[i].role == ColumnRole::None) {
+                roles.columns[i].reason = ColumnRoles::reasonAgainstInput(table.columns[i]);
+            }
+        }
+    }
+
+    /** Where the inputs are named, the other columns need no reason. */
+    void forgetReasons()
+    {
+        for (ColumnRole& column : roles.columns) {
+            column.reason = column.role == ColumnRole::None ? "" : column.reason;
+        }
+    }
+
+    void suggestOutputs()
+    {
+        for (const auto& [position, reason] : ColumnRoles::likelyOutputs(table, candidates())) {
+            roles.columns[position] = {ColumnRole::Output, reason};
+            roles.outputs.push_back(position);
+        }
+    }
+
+    void takeInputs()
+    {
+        const std::vector<std::size_t> possible = candidates();
+        for (const std::size_t position : possible) {
+            roles.columns[position].reason = reasonAgainst(position);
+        }
+        const std::vector<std::size_t> independent = candidates();
+        if (!independent.empty()) {
+            return take(independent, "");
+        }
+        if (!possible.empty()) {
+            // All look like the output, as C1, C2 and C3 do: its name says nothing then.
+            for (const std::size_t position : possible) {
+                roles.columns[position].reason.clear();
+            }
+            return take(possible, "");
+        }
+        take(runNumbers(), "; an input all the same, since no other column can be one");
+    }
+
+private:
+    /** Without a role, and nothing speaks against their being inputs. */
+    std::vector<std::size_t> candidates() const
+    {
+        std::vector<std::size_t> positions;
+        for (std::size_t i = 0; i < roles.columns.size(); ++i) {
+            if (roles.columns[i].role == ColumnRole::None && roles.columns[i].reason.empty()) {
+                positions.push_back(i);
+            }
+        }
+        return positions;
+    }
+
+    std::vector<std::size_t> runNumbers() const
+    {
+        std::vector<std::size_t> positions;
+        for (std::size_t i = 0; i < roles.columns.size(); ++i) {
+            if (roles.columns[i].role == ColumnRole::None && table.columns[i].isNumeric &&
+                ColumnRoles::areRunNumbers(table.columns[i])) {
+                positions.push_back(i);
+            }
+        }
+        return positions;
+    }
+
+    /** What speaks against an input beside these outputs. */
+    std::string reasonAgainst(std::size_t position) const
+    {
+        for (const std::size_t output : roles.outputs) {
+            const std::string reason =
+                ColumnRoles::reasonAgainstInput(table.columns[position], table.columns[output]);
+            if (!reason.empty()) {
+                return reason;
+            }
+        }
+        return "";
+    }
+
+    void take(const std::vector<std::size_t>& positions, const std::string& doubt)
+    {
+        for (const std::size_t position : positions) {
+            ColumnRole& column = roles.columns[position];
+            column.role = ColumnRole::Input;
+            column.reason += doubt;
+            roles.inputs.push_back(position);
+        }
+    }
+
+    const CaseTable& table;
+    CaseRoles& roles;
+};
 } // namespace
 
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
-                          const std::vector<std::string>& outputTexts)
+                          const std::vector<std::string>& outputTexts, UnnamedOutputs unnamed)
 {
-    CaseRoles numeric;
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        if (table.columns[i].isNumeric) {
-            numeric.inputs.push_back(i);
-        }
+    RoleChooser chooser(table);
+    CaseRoles roles;
+    roles.outputs = chooser.choose(outputTexts, "output");
+    roles.inputs = chooser.choose(inputTexts, "input");
+    DefaultRoles defaults(table, roles);
+    defaults.findReasons();
+    if (outputTexts.empty() && unnamed == UnnamedOutputs::Suggested) {
+        defaults.suggestOutputs();
     }
-    return chooseCaseRoles(table, inputTexts, outputTexts, numeric);
+    if (inputTexts.empty()) {
+        defaults.takeInputs();
+    } else {
+        defaults.forgetReasons();
+    }
+    return roles;
 }
 
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,

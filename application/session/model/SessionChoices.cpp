@@ -77,11 +77,18 @@ void noteUnknownModel(const ProjectDocument& document, OpenedProject& opened)
                                "kriging.");
     }
 }
+/** Why the columns are no inputs, as the end of a sentence. */
+std::string missingInputText(const Workspace& workspace)
+{
+    const ReasonedNames reasons = workspace.reasonsAgainstInputs();
+    return reasons.empty() ? "." : ": " + reasonsText(reasons) + ". Name inputs with -x NAMES.";
+}
 } // namespace
 
 std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& choices)
 {
-    const CaseRoles roles = chooseCaseRoles(table, choices.inputs, choices.outputs);
+    const CaseRoles roles =
+        chooseCaseRoles(table, choices.inputs, choices.outputs, choices.unnamedOutputs);
     const std::vector<std::size_t> excluded =
         excludedCases(choices.excluded.value_or("none"), table.cases);
     auto session = std::make_unique<CaseSession>(
@@ -137,7 +144,8 @@ void requireRoles(const Workspace& workspace, const std::string& outputHint,
                               : "The numeric columns are: " + joinedText(numeric) + '.'));
     }
     if (workspace.inputs().empty()) {
-        throw UsageError(inputHint ? "The project has no input; name one: " + *inputHint + '.'
-                                   : "No numeric column is left to be an input.");
+        throw UsageError(inputHint
+                             ? "The project has no input; name one: " + *inputHint + '.'
+                             : "No column is left to be an input" + missingInputText(workspace));
     }
 }

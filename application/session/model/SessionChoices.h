@@ -1,5 +1,6 @@
 #pragma once
 
+#include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 #include <session/model/CaseSession.h>
 
@@ -15,8 +16,9 @@ class ProjectDocument;
 /** What a user chooses about cases as they are opened. */
 struct SessionChoices
 {
-    std::vector<std::string> inputs;     ///< as chooseCaseRoles() takes them
-    std::vector<std::string> outputs;    ///< likewise
+    std::vector<std::string> inputs;                      ///< as chooseCaseRoles() takes them
+    std::vector<std::string> outputs;                     ///< likewise
+    UnnamedOutputs unnamedOutputs = UnnamedOutputs::None; ///< of cases without a project
     std::optional<std::string> excluded; ///< as readCaseNumbers() reads it, or "none"
     std::optional<CaseSession::ModelType> model;
     std::optional<ResponseSurfaceOptions::Selection> selection;
@@ -31,9 +33,9 @@ struct OpenedProject
 };
 
 /**
- * Opens cases with these choices. Without a choice every numeric column that is no output is an
- * input, no case is excluded, and the model is a response surface of all terms. Each input stays at
- * the median of the valid cases until it is given values.
+ * Opens cases with these choices. Without a choice the inputs are the columns that
+ * chooseCaseRoles() takes, no case is excluded, and the model is a response surface of all terms.
+ * Each input stays at the median of the valid cases until it is given values.
  * @throw UsageError for names and case numbers that do not exist; CaseDataError
  */
 SURROGATE_SESSION_EXPORT std::unique_ptr<CaseSession> openCases(CaseTable table,
@@ -51,7 +53,7 @@ SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const Projec
 /**
  * Refuses a workspace without an output, or without an input.
  * @param outputHint how the user names an output, part of the sentence.
- * @param inputHint  likewise; none where every numeric column that is no output would be an input.
+ * @param inputHint  likewise; none where columns become inputs by themselves.
  * @throw UsageError
  */
 SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace,

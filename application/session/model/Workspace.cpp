@@ -114,7 +114,8 @@ public:
     explicit Impl(CaseTable& table,
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
         : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
-          cellsWithoutNumber(cellsWithoutNumberOf(table)), units(unitsOf(table)), state(table, model)
+          cellsWithoutNumber(cellsWithoutNumberOf(table)), units(unitsOf(table)),
+          state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -138,6 +139,7 @@ public:
     std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
     std::map<std::string, std::string> units;
     SessionState state;
+    std::vector<ColumnRole> reasonedRoles;
     std::vector<VarPtr> inputs;
     std::optional<CaseCounts> knownCounts;
     std::optional<std::vector<int>> knownOffsets;
@@ -267,6 +269,37 @@ std::string Workspace::labelOf(const std::string& name) const
     return unit.empty() ? name : name + " (" + unit + ')';
 }
 
+std::vector<ColumnRole> Workspace::columnRoles() const
+{
+    std::vector<ColumnRole> roles;
+    for (const VarPtr& variable : project().variables()) {
+        const Variable::Nature nature = variable.lock()->nature();
+        ColumnRole role;
+        role.role = nature == Variable::Independent ? ColumnRole::Input
+                    : nature == Variable::Dependent ? ColumnRole::Output
+                                                    : ColumnRole::None;
+        if (roles.size() < impl->reasonedRoles.size() &&
+            impl->reasonedRoles[roles.size()].role == role.role) {
+            role.reason = impl->reasonedRoles[roles.size()].reason;
+        }
+        roles.push_back(role);
+    }
+    return roles;
+}
+
+ReasonedNames Workspace::reasonsAgainstInputs() const
+{
+    ReasonedNames reasoned;
+    const std::vector<ColumnRole> roles = columnRoles();
+    const std::vector<std::string> names = namesOf(project().variables());
+    for (std::size_t i = 0; i < roles.size(); ++i) {
+        if (roles[i].role == ColumnRole::None && !roles[i].reason.empty()) {
+            reasoned.emplace_back(names[i], roles[i].reason);
+        }
+    }
+    return reasoned;
+}
+
 std::vector<std::size_t> Workspace::validCases() const
 {
     return ::validCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
@@ -275,6 +308,7 @@ std::vector<std::size_t> Workspace::validCases() const
 void Workspace::chooseRoles(const CaseRoles& roles)
 {
     impl->state.chooseRoles(roles);
+    impl->reasonedRoles = roles.columns;
 }
 
 void Workspace::exclude(const std::vector<std::size_t>& excluded)
@@ -321,6 +355,7 @@ void Workspace::load(const ProjectDocument& document)
         impl->state.load(document);
     }
     impl->loaded = document;
+    impl->reasonedRoles.clear();
     const SessionSettings after = impl->state.settings();
     if (after == before && document == loadedBefore) {
         return;

@@ -96,6 +96,13 @@ public:
      */
     std::string labelOf(const std::string& name) const;
 
+    /** The roles of all variables in the order of the project, with the reasons of those that
+     *  chooseRoles() got; without reasons after a document was loaded. */
+    std::vector<ColumnRole> columnRoles() const;
+
+    /** Those of them that are no inputs for a reason, by name. */
+    ReasonedNames reasonsAgainstInputs() const;
+
     /** The positions of the valid cases, ascending: what a model calls its rows. */
     std::vector<std::size_t> validCases() const;
 

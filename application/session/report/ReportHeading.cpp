@@ -4,6 +4,30 @@
 #include "session/model/PolynomialWords.h"
 #include "session/model/Workspace.h"
 #include "session/text/JoinedText.h"
+#include "session/text/QuotedText.h"
+
+#include <mirel_datamanagement/Project.h>
+
+namespace {
+std::vector<std::string> roleNotes(const Workspace& workspace)
+{
+    std::vector<std::string> notes;
+    const ReasonedNames reasons = workspace.reasonsAgainstInputs();
+    if (!reasons.empty()) {
+        notes.push_back("Not taken as " +
+                        std::string(reasons.size() == 1 ? "input: " : "inputs: ") +
+                        reasonsText(reasons) + "; -x NAMES decides otherwise.");
+    }
+    const std::vector<ColumnRole> roles = workspace.columnRoles();
+    const std::vector<std::string> names = namesOf(workspace.project().variables());
+    for (std::size_t i = 0; i < roles.size(); ++i) {
+        if (roles[i].role == ColumnRole::Input && !roles[i].reason.empty()) {
+            notes.push_back(quotedText(names[i]) + ": " + roles[i].reason + '.');
+        }
+    }
+    return notes;
+}
+} // namespace
 
 std::string ReportHeading::modelText(const Workspace& workspace)
 {
@@ -52,7 +76,7 @@ ReportHeading::invalidCases(const Workspace& workspace)
 
 std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
 {
-    std::vector<std::string> notes;
+    std::vector<std::string> notes = roleNotes(workspace);
     for (const std::vector<VarPtr>& variables : {workspace.inputs(), workspace.outputs()}) {
         for (const std::string& name : namesOf(variables)) {
             const auto found = workspace.cellsWithoutNumber().find(name);
@@ -94,6 +118,9 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
         json["selectsTerms"] = selectsTerms(workspace);
     }
     json["inputs"] = namesOf(workspace.inputs());
+    for (const auto& [name, reason] : workspace.reasonsAgainstInputs()) {
+        json["notInputs"].push_back({{"name", name}, {"reason", reason}});
+    }
     json["outputs"] = ReportJson::Json::array();
     return json;
 }

@@ -23,7 +23,9 @@ std::string caseText(const Workspace& workspace);
 /** The inputs and outputs that make cases invalid, each with the number of these. */
 std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& workspace);
 
-/** For each input and output with cells that are no numbers a sentence about them. */
+/** A sentence about the columns that are no inputs, though nobody said so, and one about those that
+ *  are inputs for want of others; then for each input and output with cells that are no numbers
+ *  one about them. */
 SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
 
 /** How many cases there are; "withoutNumber": of every variable, which cells are no numbers. */

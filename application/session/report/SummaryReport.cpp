@@ -1,14 +1,17 @@
 #include "session/report/SummaryReport.h"
 
+#include "session/cases/ColumnFigures.h"
 #include "session/cases/VariableNames.h"
 #include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/TextTable.h"
 
 #include <mirel_datamanagement/Project.h>
 
-#include <cmath>
+#include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <tuple>
 #include <vector>
@@ -19,63 +22,100 @@ namespace {
 struct VariableSummary
 {
     std::string name;
+    std::string unit;
     bool isNumeric = true;
-    std::string role;
-    double minimum = std::nan("");
-    double maximum = std::nan("");
-    std::size_t missing = 0;
+    ColumnRole role;
+    ColumnFigures figures;
 };
 
-VariableSummary summaryOf(const Project& project, const VarPtr& handle)
+VariableSummary summaryOf(const Project& project, const VarPtr& handle, const ColumnRole& role)
 {
     const auto variable = handle.lock();
     VariableSummary summary;
     summary.name = variable->name();
     summary.isNumeric = variable->isNumeric();
-    summary.role = variable->nature() == Variable::Independent ? "input"
-                   : variable->nature() == Variable::Dependent ? "output"
-                                                               : "none";
+    summary.role = role;
     if (!summary.isNumeric) {
-        for (const std::string& text : project.textValues(handle)) {
-            summary.missing += text.empty() ? 1 : 0;
-        }
+        summary.figures = ColumnFigures::of(project.textValues(handle));
         return summary;
     }
-
-    bool hasFiniteValue = false;
-    for (const double value : project.numericValues(handle)) {
-        summary.missing += std::isnan(value) ? 1 : 0;
-        hasFiniteValue = hasFiniteValue || std::isfinite(value);
-    }
-    if (hasFiniteValue) {
-        std::tie(summary.minimum, summary.maximum) = variable->range();
+    summary.figures = ColumnFigures::of(project.numericValues(handle));
+    if (summary.figures.count > 0) { // the range may be the user's
+        std::tie(summary.figures.minimum, summary.figures.maximum) = variable->range();
     }
     return summary;
 }
 
-std::vector<VariableSummary> summariesOf(const Project& project)
+std::vector<VariableSummary> summariesOf(const Workspace& workspace)
 {
     std::vector<VariableSummary> summaries;
-    const std::vector<VarPtr> variables = project.variables();
+    const std::vector<ColumnRole> roles = workspace.columnRoles();
+    const std::vector<VarPtr> variables = workspace.project().variables();
     summaries.reserve(variables.size());
-    for (const VarPtr& variable : variables) {
-        summaries.push_back(summaryOf(project, variable));
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        summaries.push_back(summaryOf(workspace.project(), variables[i], roles[i]));
+        summaries.back().unit = workspace.unitOf(summaries.back().name);
     }
     return summaries;
+}
+
+std::string distinctText(const ColumnFigures& figures)
+{
+    return (figures.hasMoreDistinct ? "> " : "") + std::to_string(figures.distinct);
+}
+
+std::string tableText(const std::vector<VariableSummary>& variables)
+{
+    TextTable table({false, false, false, true, true, true, true, true, true, false});
+    table.add({"Variable", "Unit", "Role", "Count", "Missing", "Minimum", "Median", "Maximum",
+               "Distinct", "Why"});
+    for (const VariableSummary& variable : variables) {
+        const ColumnFigures& figures = variable.figures;
+        table.add({variable.name, variable.unit,
+                   variable.role.role == ColumnRole::None ? "-" : roleName(variable.role.role),
+                   std::to_string(figures.count), std::to_string(figures.missing),
+                   shownNumber(figures.minimum), shownNumber(figures.median),
+                   shownNumber(figures.maximum), distinctText(figures),
+                   !variable.role.reason.empty() ? variable.role.reason
+                   : variable.isNumeric          ? ""
+                                                 : "text"});
+    }
+    return table.text("");
+}
+
+/** A word as a shell takes it. */
+std::string shellWord(const std::string& text)
+{
+    const bool isPlain = std::all_of(text.begin(), text.end(), [](char character) {
+        return std::isalnum(static_cast<unsigned char>(character)) != 0 ||
+               std::string("_-+,./:%@").find(character) != std::string::npos ||
+               static_cast<unsigned char>(character) >= 0x80;
+    });
+    if (isPlain && !text.empty()) {
+        return text;
+    }
+    std::string quoted;
+    for (const char character : text) {
+        quoted += character == '\'' ? "'\\''" : std::string(1, character);
+    }
+    return '\'' + quoted + '\'';
+}
+
+/** The options that name the roles; nothing without an input or an output. */
+std::string optionText(const Workspace& workspace)
+{
+    if (workspace.inputs().empty() || workspace.outputs().empty()) {
+        return "";
+    }
+    return "Options: -x " + shellWord(joinedText(namesOf(workspace.inputs()), ",")) + " -y " +
+           shellWord(joinedText(namesOf(workspace.outputs()), ",")) + '\n';
 }
 } // namespace
 
 std::string SummaryReport::text(const Workspace& workspace)
 {
-    TextTable table({false, false, false, true, true, true});
-    table.add({"Variable", "Kind", "Role", "Minimum", "Maximum", "Missing"});
-    for (const VariableSummary& variable : summariesOf(workspace.project())) {
-        table.add({variable.name, variable.isNumeric ? "numeric" : "text",
-                   variable.role == "none" ? "-" : variable.role, shownNumber(variable.minimum),
-                   shownNumber(variable.maximum), std::to_string(variable.missing)});
-    }
-
-    std::string text = table.text("") + "\nCases: " + ReportHeading::caseText(workspace) + '\n';
+    std::string text = tableText(summariesOf(workspace)) + '\n' + optionText(workspace) +
+                       "Cases: " + ReportHeading::caseText(workspace) + '\n';
     for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
         text += name + ": " + cells.text() +
                 (cells.count == 1 ? ": it counts as missing.\n" : ": they count as missing.\n");
@@ -98,14 +138,23 @@ ReportJson::Json SummaryReport::json(const Workspace& workspace)
     }
 
     json["variables"] = Json::array();
-    for (const VariableSummary& variable : summariesOf(workspace.project())) {
+    for (const VariableSummary& variable : summariesOf(workspace)) {
+        const ColumnFigures& figures = variable.figures;
         json["variables"].push_back({{"name", variable.name},
                                      {"kind", variable.isNumeric ? "numeric" : "text"},
-                                     {"role", variable.role},
-                                     {"minimum", variable.minimum},
-                                     {"maximum", variable.maximum},
-                                     {"missing", variable.missing}});
+                                     {"role", roleName(variable.role.role)},
+                                     {"reason", variable.role.reason},
+                                     {"unit", variable.unit},
+                                     {"count", figures.count},
+                                     {"missing", figures.missing},
+                                     {"minimum", figures.minimum},
+                                     {"median", figures.median},
+                                     {"maximum", figures.maximum},
+                                     {"distinct", figures.distinct},
+                                     {"hasMoreDistinct", figures.hasMoreDistinct}});
     }
+    json["suggested"] = {{"inputs", namesOf(workspace.inputs())},
+                         {"outputs", namesOf(workspace.outputs())}};
     json["outputs"] = Json::array();
     const std::vector<std::string> outputs = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {

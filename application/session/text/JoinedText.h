@@ -4,11 +4,12 @@
 #include <vector>
 
 /** "a, b, c". */
-inline std::string joinedText(const std::vector<std::string>& texts)
+inline std::string joinedText(const std::vector<std::string>& texts,
+                              const std::string& separator = ", ")
 {
     std::string joined;
     for (const std::string& text : texts) {
-        joined += (joined.empty() ? "" : ", ") + text;
+        joined += (joined.empty() ? "" : separator) + text;
     }
     return joined;
 }

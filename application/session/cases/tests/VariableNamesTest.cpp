@@ -51,7 +51,7 @@ TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
               "There is no variable \"stress\"; the nearest name is \"Stress\". The variables are: "
               "\"Pressure\", \"H2/WF6\", \"Stress\".");
     EXPECT_EQ(messageOf<UsageError>([&] { names.listed("Stress,"); }).substr(0, 25),
-              "There is no variable \"\". T");
+              "There is no variable \"\". ");
 }
 
 TEST(VariableNames, ALongListOfNamesIsCutShort)

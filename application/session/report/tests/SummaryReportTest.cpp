@@ -1,5 +1,6 @@
 #include <session/report/SummaryReport.h>
 
+#include "CaseTables.h"
 #include "SmallTable.h"
 
 #include <session/model/CaseSession.h>
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace {
 using Json = nlohmann::json;
@@ -20,22 +22,27 @@ Json printed(const ReportJson::Json& report)
 
 TEST(SummaryReport, ListsVariablesAndCases)
 {
-    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
+    CaseTable table = smallTable();
+    table.columns[0].unit = "mm";
+    const CaseSession session(std::move(table), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
 
     EXPECT_EQ(SummaryReport::text(session),
-              "Variable  Kind     Role    Minimum  Maximum  Missing\n"
-              "\xC3\xA4         numeric  input       0.5        3        1\n"
-              "site      text     -             -        -        2\n"
-              "y         numeric  output        1        5        0\n"
-              "empty     numeric  -             -        -        5\n"
+              "Variable  Unit  Role    Count  Missing  Minimum  Median  Maximum  Distinct  Why\n"
+              "\xC3\xA4         mm    input       4        1      0.5     1.5        3         4\n"
+              "site            -           3        2        -       -        -         2  text\n"
+              "y               output      4        0        1     2.5        5         4\n"
+              "empty           -           0        5        -       -        -         0\n"
               "\n"
+              "Options: -x \xC3\xA4 -y y\n"
               "Cases: 5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)\n"
               "y alone would have 2 valid cases.\n");
 }
 
 TEST(SummaryReport, AsJsonHasTheSame)
 {
-    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
+    CaseTable table = smallTable();
+    table.columns[0].unit = "mm";
+    const CaseSession session(std::move(table), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
 
     const Json json = printed(SummaryReport::json(session));
 
@@ -43,8 +50,34 @@ TEST(SummaryReport, AsJsonHasTheSame)
     EXPECT_EQ(json["cases"], Json::parse(R"({"read": 5, "valid": 2, "excluded": 1, "invalid": 2,
         "invalidBy": [{"name": "\u00e4", "cases": 1}, {"name": "y", "cases": 1}]})"));
     EXPECT_EQ(json["variables"][0], Json::parse(R"({"name": "\u00e4", "kind": "numeric",
-        "role": "input", "minimum": 0.5, "maximum": 3.0, "missing": 1})"));
+        "role": "input", "reason": "", "unit": "mm", "count": 4, "missing": 1, "minimum": 0.5, "median": 1.5,
+        "maximum": 3.0, "distinct": 4, "hasMoreDistinct": false})"));
     EXPECT_EQ(json["variables"][1], Json::parse(R"({"name": "site", "kind": "text",
-        "role": "none", "minimum": null, "maximum": null, "missing": 2})"));
+        "role": "none", "reason": "", "unit": "", "count": 3, "missing": 2, "minimum": null, "median": null,
+        "maximum": null, "distinct": 2, "hasMoreDistinct": false})"));
+    EXPECT_EQ(json["suggested"], Json::parse(R"({"inputs": ["\u00e4"], "outputs": ["y"]})"));
     EXPECT_EQ(json["outputs"], Json::parse(R"([{"name": "y", "validAlone": 2}])"));
+}
+
+TEST(SummaryReport, NamesWithBlanksAreSuggestedAsAShellTakesThem)
+{
+    const CaseSession session(tableOf({{"a b", {1, 2}}, {"d'or", {1, 3}}}), {{0}, {1}}, {},
+                              CaseSession::ResponseSurface);
+
+    EXPECT_NE(SummaryReport::text(session).find("Options: -x 'a b' -y 'd'\\''or'\n"),
+              std::string::npos);
+}
+
+TEST(SummaryReport, ColumnsWithoutARoleHaveTheReason)
+{
+    CaseTable table =
+        tableOf({{"Run", {1, 2, 3, 4, 5}}, {"a", {2, 1, 4, 7, 5}}, {"y", {1, 3, 2, 6, 4}}});
+    const CaseRoles roles = chooseCaseRoles(table, {}, {"y"});
+    const CaseSession session(std::move(table), roles, {}, CaseSession::ResponseSurface);
+
+    const Json json = printed(SummaryReport::json(session));
+
+    EXPECT_EQ(json["variables"][0]["role"], "none");
+    EXPECT_EQ(json["variables"][0]["reason"], "counts up by one, from 1 to 5");
+    EXPECT_EQ(json["variables"][1]["role"], "input");
 }

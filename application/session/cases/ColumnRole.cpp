@@ -1,0 +1,353 @@
+#include "session/cases/ColumnRole.h"
+
+#include "session/cases/ColumnFigures.h"
+#include "session/text/JoinedText.h"
+#include "session/text/NumberText.h"
+#include "session/text/QuotedText.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <optional>
+#include <string_view>
+
+namespace {
+/** Fewer numbers come in any order by chance. */
+constexpr std::size_t fewestRuns = 5;
+
+bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+/** Letters and digits alone, the letters of ASCII in lower case: "Run No." is "runno". A unit in
+ *  brackets behind the name does not count. */
+std::string plainName(const std::string& name)
+{
+    std::string plain;
+    for (const char character : name.substr(0, name.find_first_of("[(", 1))) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= 0x80 || std::isalnum(byte) != 0) {
+            plain += static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte);
+        } else if (character == '#') {
+            plain += character;
+        }
+    }
+    return plain;
+}
+
+std::string withoutNumber(std::string plain)
+{
+    while (!plain.empty() && isDigit(plain.back())) {
+        plain.pop_back();
+    }
+    return plain;
+}
+
+template <std::size_t Count>
+bool isOneOf(const std::string& word, const std::array<std::string_view, Count>& words)
+{
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+bool isNameOfNumbering(const std::string& name)
+{
+    static constexpr std::array<std::string_view, 46> words = {
+        "#",          "run",    "runs",     "runno",       "runnr",    "runnumber",
+        "runorder",   "runid",  "order",    "std",         "stdorder", "standardorder",
+        "id",         "ids",    "no",       "nr",          "number",   "num",
+        "index",      "idx",    "case",     "caseno",      "caseid",   "row",
+        "rowno",      "rowid",  "obs",      "observation", "trial",    "trialno",
+        "exp",        "expno",  "expid",    "experiment",  "sample",   "sampleid",
+        "sampleno",   "seq",    "sequence", "test",        "testno",   "versuch",
+        "versuchsnr", "nummer", "lfdnr",    "unnamed0"};
+    return isOneOf(plainName(name), words);
+}
+
+bool isNameOfOutput(const std::string& name)
+{
+    static constexpr std::array<std::string_view, 9> words = {
+        "y", "f", "out", "output", "response", "result", "target", "ausgang", "zielgroesse"};
+    return isOneOf(withoutNumber(plainName(name)), words);
+}
+
+bool isWholeNumber(double number)
+{
+    constexpr double largestExact = 9007199254740992.0;
+    return std::floor(number) == number && std::fabs(number) < largestExact;
+}
+
+bool countsUp(const std::vector<double>& numbers)
+{
+    std::size_t filled = 0;
+    double offset = 0.0;
+    for (std::size_t row = 0; row < numbers.size(); ++row) {
+        if (std::isnan(numbers[row])) {
+            continue;
+        }
+        const double difference = numbers[row] - static_cast<double>(row);
+        if (!isWholeNumber(numbers[row]) || (filled > 0 && difference != offset)) {
+            return false;
+        }
+        offset = difference;
+        ++filled;
+    }
+    return filled >= fewestRuns;
+}
+
+bool areDifferentWholeNumbers(const std::vector<double>& numbers)
+{
+    std::vector<double> filled;
+    for (const double number : numbers) {
+        if (!std::isnan(number)) {
+            if (!isWholeNumber(number)) {
+                return false;
+            }
+            filled.push_back(number);
+        }
+    }
+    std::sort(filled.begin(), filled.end());
+    return filled.size() >= fewestRuns &&
+           std::adjacent_find(filled.begin(), filled.end()) == filled.end();
+}
+
+/** "from 1 to 11". */
+std::string spanText(const std::vector<double>& numbers)
+{
+    double least = std::nan("");
+    double greatest = least;
+    for (const double number : numbers) {
+        least = std::fmin(least, number);
+        greatest = std::fmax(greatest, number);
+    }
+    return "from " + numberText(least) + " to " + numberText(greatest);
+}
+
+bool isMonth(const std::string& word)
+{
+    static constexpr std::array<std::string_view, 15> months = {"jan", "feb", "mar", "apr", "may",
+                                                                "jun", "jul", "aug", "sep", "oct",
+                                                                "nov", "dec", "mai", "okt", "dez"};
+    return word.size() >= 3 && isOneOf(word.substr(0, 3), months);
+}
+
+/** Groups of digits with the separators of dates and times between them, at least two; month names
+ *  and the like may stand among them. */
+bool isDateOrTime(const std::string& text)
+{
+    std::size_t groups = 0;
+    bool hasSeparator = false;
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t end = i;
+        while (end < text.size() && isDigit(text[end])) {
+            ++end;
+        }
+        if (end > i) {
+            ++groups;
+            i = end;
+            continue;
+        }
+        while (end < text.size() && std::isalpha(static_cast<unsigned char>(text[end])) != 0) {
+            ++end;
+        }
+        if (end > i) {
+            const std::string word = plainName(text.substr(i, end - i));
+            static constexpr std::array<std::string_view, 7> marks = {"t",   "z",   "am", "pm",
+                                                                      "utc", "gmt", "uhr"};
+            if (!isMonth(word) && !isOneOf(word, marks)) {
+                return false;
+            }
+            hasSeparator = hasSeparator || isMonth(word);
+            i = end;
+            continue;
+        }
+        if (std::string_view(" -/.:,+").find(text[i]) == std::string_view::npos) {
+            return false;
+        }
+        hasSeparator = hasSeparator || std::string_view("-/.:").find(text[i]) < 4;
+        ++i;
+    }
+    return groups >= 2 && hasSeparator;
+}
+
+std::string reasonOfTexts(const CaseColumn& column)
+{
+    const std::vector<std::string>& spellings = column.withoutNumber.spellings;
+    if (!spellings.empty() && std::all_of(spellings.begin(), spellings.end(), isDateOrTime)) {
+        return "dates or times";
+    }
+    return spellings.empty() ? "text" : "text, such as " + quotedText(spellings.front());
+}
+
+/** A line through all points (number, output), up to rounding. */
+struct ExactLine
+{
+    double slope;
+    double constant;
+};
+
+/** None unless both columns have several values in the same cases. */
+std::optional<ExactLine> lineBetween(const std::vector<double>& numbers,
+                                     const std::vector<double>& output)
+{
+    constexpr std::size_t fewestValues = 5; // fewer lie on a line by chance
+    constexpr double rounding = 1e-5;       // of the range: cells with five digits and more
+
+    // Through the cases with the least and the greatest output.
+    std::size_t low = output.size();
+    std::size_t high = output.size();
+    const std::size_t cases = std::min(numbers.size(), output.size());
+    const auto isFilled = [&](std::size_t row) {
+        return std::isfinite(numbers[row]) && std::isfinite(output[row]);
+    };
+    for (std::size_t row = 0; row < cases; ++row) {
+        if (isFilled(row)) {
+            low = low == output.size() || output[row] < output[low] ? row : low;
+            high = high == output.size() || output[row] > output[high] ? row : high;
+        }
+    }
+    if (low == output.size() || output[low] == output[high] || numbers[low] == numbers[high]) {
+        return std::nullopt;
+    }
+    const double slope = (numbers[high] - numbers[low]) / (output[high] - output[low]);
+    const double tolerance = rounding * std::fabs(numbers[high] - numbers[low]);
+    std::vector<double> values;
+    for (std::size_t row = 0; row < cases; ++row) {
+        if (!isFilled(row)) {
+            continue;
+        }
+        const double onLine = numbers[low] + slope * (output[row] - output[low]);
+        if (std::fabs(numbers[row] - onLine) > tolerance) {
+            return std::nullopt;
+        }
+        if (values.size() < fewestValues &&
+            std::find(values.begin(), values.end(), output[row]) == values.end()) {
+            values.push_back(output[row]);
+        }
+    }
+    if (values.size() < fewestValues) {
+        return std::nullopt;
+    }
+    const double constant = numbers[low] - slope * output[low];
+    return ExactLine{slope, std::fabs(constant) <= tolerance ? 0.0 : constant};
+}
+
+std::string lineText(const ExactLine& line, const std::string& name)
+{
+    constexpr int digits = 4;
+    std::string text = line.slope == 1.0 ? "" : shownNumber(line.slope, digits) + " times ";
+    text += quotedText(name);
+    if (line.constant != 0.0) {
+        text +=
+            (line.constant < 0.0 ? " - " : " + ") + shownNumber(std::fabs(line.constant), digits);
+    }
+    return text;
+}
+} // namespace
+
+std::string reasonsText(const ReasonedNames& names)
+{
+    constexpr std::size_t most = 8;
+    std::vector<std::string> texts;
+    for (const auto& [name, reason] : names) {
+        if (texts.size() < most) {
+            texts.push_back(quotedText(name) + " (" + reason + ')');
+        }
+    }
+    return joinedText(texts) +
+           (names.size() > most ? " and " + std::to_string(names.size() - most) + " more" : "");
+}
+
+const char* roleName(ColumnRole::Role role)
+{
+    switch (role) {
+    case ColumnRole::Input:
+        return "input";
+    case ColumnRole::Output:
+        return "output";
+    default:
+        return "none";
+    }
+}
+
+bool ColumnRoles::areRunNumbers(const CaseColumn& column)
+{
+    return countsUp(column.numbers) ||
+           (isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers));
+}
+
+std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
+{
+    if (!column.isNumeric) {
+        return reasonOfTexts(column);
+    }
+    double first = std::nan("");
+    std::size_t filled = 0;
+    bool isConstant = true;
+    for (const double number : column.numbers) {
+        if (!std::isnan(number)) {
+            first = filled++ == 0 ? number : first;
+            isConstant = isConstant && number == first;
+        }
+    }
+    if (filled == 0) {
+        return column.numbers.empty() ? "" : "no number in it"; // of no case nothing is known
+    }
+    if (isConstant && filled > 1) {
+        return "the same in every case, " + shownNumber(first);
+    }
+    if (areRunNumbers(column)) {
+        return std::string(countsUp(column.numbers) ? "counts up by one, "
+                                                    : "numbers the cases, ") +
+               spanText(column.numbers);
+    }
+    return "";
+}
+
+std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const CaseColumn& output)
+{
+    const std::string stem = withoutNumber(plainName(column.name));
+    const bool hasNumber = stem != plainName(column.name) ||
+                           withoutNumber(plainName(output.name)) != plainName(output.name);
+    if (hasNumber && !stem.empty() && stem == withoutNumber(plainName(output.name))) {
+        return "named like the output " + quotedText(output.name);
+    }
+    const std::optional<ExactLine> line = lineBetween(column.numbers, output.numbers);
+    return line ? "equals " + lineText(*line, output.name) + ", an output" : "";
+}
+
+std::vector<std::pair<std::size_t, std::string>>
+ColumnRoles::likelyOutputs(const CaseTable& table, const std::vector<std::size_t>& candidates)
+{
+    std::vector<std::pair<std::size_t, std::string>> outputs;
+    if (candidates.size() < 2) {
+        return outputs;
+    }
+    for (const std::size_t position : candidates) {
+        if (isNameOfOutput(table.columns[position].name)) {
+            outputs.emplace_back(position, "suggested by its name");
+        }
+    }
+    if (!outputs.empty() && outputs.size() < candidates.size()) {
+        return outputs;
+    }
+    outputs.clear();
+
+    const auto hardlyRepeats = [&](std::size_t position) {
+        const ColumnFigures figures = ColumnFigures::of(table.columns[position].numbers);
+        return figures.hasMoreDistinct || 2 * figures.distinct > figures.count;
+    };
+    auto first = candidates.end();
+    while (first != candidates.begin() && hardlyRepeats(*(first - 1))) {
+        --first;
+    }
+    if (first == candidates.begin() || first == candidates.end()) {
+        outputs.emplace_back(candidates.back(), "suggested, as the last one");
+        return outputs;
+    }
+    for (; first != candidates.end(); ++first) {
+        outputs.emplace_back(*first, "suggested: its values hardly repeat");
+    }
+    return outputs;
+}
