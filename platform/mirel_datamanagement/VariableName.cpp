@@ -1,7 +1,7 @@
 #include <mirel_datamanagement/VariableName.h>
 
 #include <mirel_datamanagement/ProjectError.h>
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <cstddef>
 #include <cstdio>

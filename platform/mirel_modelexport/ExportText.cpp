@@ -1,11 +1,13 @@
 #include <mirel_modelexport/ExportText.h>
 
+#include <mirel_property/Utf8.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -28,48 +30,32 @@ std::string withDigits(double value, int digits)
 
 struct Character
 {
-    std::uint32_t code;
+    char32_t code;
     std::string bytes;
 };
 
 /** The characters of UTF-8 text; a byte that is none stands for U+FFFD. */
 std::vector<Character> charactersOf(const std::string& text)
 {
-    const Character replacement = {0xFFFD, "\xEF\xBF\xBD"};
     std::vector<Character> characters;
     for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80   ? 1
-                                   : lead < 0xC2 ? 0
-                                   : lead < 0xE0 ? 2
-                                   : lead < 0xF0 ? 3
-                                   : lead < 0xF5 ? 4
-                                                 : 0;
-        std::uint32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
-        bool isValid = length > 0 && i + length <= text.size();
-        for (std::size_t k = 1; isValid && k < length; ++k) {
-            const auto byte = static_cast<unsigned char>(text[i + k]);
-            isValid = (byte & 0xC0u) == 0x80u;
-            code = code << 6 | (byte & 0x3Fu);
-        }
-        constexpr std::array<std::uint32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
-        isValid = isValid && code >= smallest[length] && code <= 0x10FFFF &&
-                  !(code >= 0xD800 && code <= 0xDFFF);
-        characters.push_back(isValid ? Character{code, text.substr(i, length)} : replacement);
-        i += isValid ? length : 1;
+        const Utf8Character first = firstCharacter(std::string_view(text).substr(i));
+        characters.push_back(first.length > 0 ? Character{first.code, text.substr(i, first.length)}
+                                              : Character{0xFFFD, "\xEF\xBF\xBD"});
+        i += std::max<std::size_t>(first.length, 1);
     }
     return characters;
 }
 
 /** Ends lines, moves the cursor, or turns the direction of reading. */
-bool isControl(std::uint32_t code)
+bool isControl(char32_t code)
 {
     return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x61C ||
            (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
            (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
 }
 
-std::string codeText(const char* format, std::uint32_t code)
+std::string codeText(const char* format, char32_t code)
 {
     std::array<char, 16> buffer;
     std::snprintf(buffer.data(), buffer.size(), format, static_cast<unsigned>(code));

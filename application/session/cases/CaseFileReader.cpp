@@ -7,7 +7,7 @@
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
 
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <algorithm>
 #include <cstddef>

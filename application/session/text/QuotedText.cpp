@@ -1,6 +1,6 @@
 #include "session/text/QuotedText.h"
 
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <cstddef>
 

@@ -3,7 +3,7 @@
 #include "session/text/QuotedText.h"
 #include "session/xml/XmlString.h"
 
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <QByteArray>
 #include <QString>

@@ -9,7 +9,7 @@
 
 #include <session/text/SessionErrors.h>
 
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

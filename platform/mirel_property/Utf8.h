@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_datamanagement/Export.h>
+#include <mirel_property/Export.h>
 
 #include <cstddef>
 #include <string_view>
@@ -13,10 +13,10 @@ struct Utf8Character
 };
 
 /** Decodes the first character; surrogates and overlong forms are not well-formed. */
-MIREL_DATAMANAGEMENT_EXPORT Utf8Character firstCharacter(std::string_view bytes);
+MIREL_PROPERTY_EXPORT Utf8Character firstCharacter(std::string_view bytes);
 
 /** How many bytes at the start are UTF-8 text: well-formed and without NUL. */
-MIREL_DATAMANAGEMENT_EXPORT std::size_t utf8PrefixLength(std::string_view bytes);
+MIREL_PROPERTY_EXPORT std::size_t utf8PrefixLength(std::string_view bytes);
 
 /** Whether that is all of them. */
-MIREL_DATAMANAGEMENT_EXPORT bool isUtf8Text(std::string_view bytes);
+MIREL_PROPERTY_EXPORT bool isUtf8Text(std::string_view bytes);

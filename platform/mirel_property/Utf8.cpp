@@ -1,11 +1,11 @@
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 Utf8Character firstCharacter(std::string_view bytes)
 {
     // The Unicode Standard, version 15.0, tables 3-6 and 3-7.
     struct Form
     {
-        unsigned char leadMask; // of the bits that tell the length
+        unsigned char leadMask; // of the bits that encode the length
         unsigned char lead;
         char32_t least; // smaller codes have shorter forms
     };

@@ -1,4 +1,4 @@
-#include <mirel_datamanagement/Utf8.h>
+#include <mirel_property/Utf8.h>
 
 #include <gtest/gtest.h>
 
