@@ -40,8 +40,7 @@ void ExportCommand::run(const CommandLine& line, CaseSession& session)
 {
     fitWithProgress(line, session);
     const std::string content =
-        exportModel(ModelFile::exported(session, ReportJson::compactText(FitReport::json(session))),
-                    formatOf(line));
+        exportModel(ModelFile::exported(session, FitReport::json(session)), formatOf(line));
     OutputFile out(line.output);
     out.write(content);
     out.commit();

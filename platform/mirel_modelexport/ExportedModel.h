@@ -5,6 +5,7 @@
 #include <mirel_modelexport/Export.h>
 
 #include <boost/shared_ptr.hpp>
+#include <nlohmann/json.hpp>
 
 #include <optional>
 #include <string>
@@ -53,7 +54,7 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
 
     std::vector<Input> inputs;
     std::vector<Output> outputs;
-    /** A JSON object that goes with the model unread: what the exporter knows beyond it. Empty:
-     *  nothing. */
-    std::string report;
+    /** An object that goes with the model unread: what the exporter knows beyond it. Null: nothing.
+     */
+    nlohmann::ordered_json report;
 };

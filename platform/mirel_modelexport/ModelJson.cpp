@@ -132,8 +132,8 @@ std::string modelJson(const ExportedModel& model)
     text += ",\n  \"inputs\": " + list(inputs, "  ", line);
     text += ",\n  \"outputs\": " + list(model.outputs, "  ", outputJson);
     text += ",\n  \"check\": " + checkJson(model);
-    if (!model.report.empty()) {
-        text += ",\n  \"report\": " + line(Json::parse(model.report));
+    if (!model.report.is_null()) {
+        text += ",\n  \"report\": " + line(model.report);
     }
     return text + "\n}\n";
 }

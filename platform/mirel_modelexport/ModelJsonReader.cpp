@@ -82,10 +82,10 @@ public:
         return json.get<std::string>();
     }
 
-    std::string dumped() const
+    const Json& object() const
     {
         require(json.is_object(), "an object");
-        return json.dump();
+        return json;
     }
 
     std::vector<double> numbers(std::size_t wanted) const
@@ -301,7 +301,7 @@ ExportedModel readExportedModel(const std::string& json)
     document.member("outputs").require(!model.outputs.empty(), "a list of at least one output");
     checkPredictions(document.member("check"), model);
     if (document.has("report")) {
-        model.report = document.member("report").dumped();
+        model.report = document.member("report").object();
     }
     return model;
 }

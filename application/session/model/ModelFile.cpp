@@ -48,7 +48,7 @@ std::optional<ExportFormat> ModelFile::formatOf(const std::string& word)
     return found == formats.end() ? std::nullopt : std::make_optional(found->second);
 }
 
-ExportedModel ModelFile::exported(CaseSession& session, std::string report)
+ExportedModel ModelFile::exported(CaseSession& session, nlohmann::ordered_json report)
 {
     const SurrogateModelInterface& model = session.model();
     const std::vector<double> held = session.heldValues();

@@ -9,7 +9,7 @@
 
 class CaseSession;
 
-/** Exported models as a user meets them: by file, and by the session that they come from. */
+/** Exported models as users see them: their files, and the session that they come from. */
 namespace ModelFile {
 
 /** What the name of a file that holds a model ends with. */
@@ -23,11 +23,12 @@ SURROGATE_SESSION_EXPORT std::optional<ExportFormat> formatOf(const std::string&
 
 /**
  * The model of a session with the names and the ranges.
- * @param report a JSON object that goes with the model.
+ * @param report an object that goes with the model; null: none.
  * @throw SurrogateModelInterface::Error if it cannot be fitted or described; the sentence names the
  *        output.
  */
-SURROGATE_SESSION_EXPORT ExportedModel exported(CaseSession& session, std::string report);
+SURROGATE_SESSION_EXPORT ExportedModel exported(CaseSession& session,
+                                                nlohmann::ordered_json report);
 
 /** @throw FileError if the file cannot be read; ModelFileError if it is no model that can be used.
  */

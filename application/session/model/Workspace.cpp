@@ -144,7 +144,7 @@ public:
     std::optional<CaseCounts> knownCounts;
     std::optional<std::vector<int>> knownOffsets;
     ProjectDocument loaded;
-    std::string exportedReport;
+    nlohmann::ordered_json exportedReport;
     DeleteSignaler deleted; ///< makes the undo steps that act on this object inert
     SignalConnectionCollection connections;
 
@@ -468,7 +468,7 @@ std::vector<std::size_t> Workspace::sweptInputs() const
     return positions;
 }
 
-const std::string& Workspace::exportedReport() const
+const nlohmann::ordered_json& Workspace::exportedReport() const
 {
     return impl->exportedReport;
 }

@@ -14,6 +14,7 @@
 #include <surrogate_session/Export.h>
 
 #include <boost/shared_ptr.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <cstddef>
 #include <map>
@@ -158,8 +159,8 @@ public:
     /** The inputs that are swept, by their positions in the roles, ascending. */
     std::vector<std::size_t> sweptInputs() const;
 
-    /** The report of an exported model, a JSON object; empty for cases. */
-    const std::string& exportedReport() const;
+    /** The report of an exported model; null for cases. */
+    const nlohmann::ordered_json& exportedReport() const;
 
 private:
     class Impl;

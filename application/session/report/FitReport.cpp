@@ -317,8 +317,8 @@ std::string FitReport::text(CaseSession& session)
 
 ReportJson::Json FitReport::json(CaseSession& session)
 {
-    if (!session.exportedReport().empty()) {
-        return Json::parse(session.exportedReport());
+    if (!session.exportedReport().is_null()) {
+        return session.exportedReport();
     }
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();

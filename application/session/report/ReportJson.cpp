@@ -22,11 +22,6 @@ std::string ReportJson::text(const Json& json)
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
-std::string ReportJson::compactText(const Json& json)
-{
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 void ReportJson::write(const Json& object, const OutputTable& table, OutputFile& out)
 {
     std::string members = text(object);

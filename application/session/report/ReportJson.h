@@ -22,9 +22,6 @@ Json cases(const CaseCounts& counts);
 /** On indented lines. A number that is not finite is null; bytes that are no UTF-8 are replaced. */
 SURROGATE_SESSION_EXPORT std::string text(const Json& json);
 
-/** The same on one line. */
-SURROGATE_SESSION_EXPORT std::string compactText(const Json& json);
-
 /** Writes text() of an object that is not empty, with the table as its last member "table". Rows
  * are written one by one: a million of them as a JSON value would need gigabytes. */
 SURROGATE_SESSION_EXPORT void write(const Json& object, const OutputTable& table, OutputFile& out);

@@ -61,7 +61,7 @@ TEST(ModelJson, KeepsNamesRangesMetricsWarningsAndTheReport)
 {
     ExportedModel model = cvd().exported(Kriging);
     model.inputs[0].minimum = -1e300;
-    model.report = R"({"z":1,"a":[null,"b"]})";
+    model.report = {{"z", 1}, {"a", {nullptr, "b"}}};
     const ExportedModel read = readExportedModel(exportModel(model, ExportFormat::Json));
 
     EXPECT_EQ(read.inputs[0].name, model.inputs[0].name);

@@ -53,7 +53,7 @@ TEST(CasePictures, ResidualsAreActualMinusPredicted)
 TEST(CasePictures, RefuseAModelThatHasNoCases)
 {
     CaseSession fitted = cvdSession();
-    CaseSession restored(ModelFile::exported(fitted, "{}"));
+    CaseSession restored(ModelFile::exported(fitted, nullptr));
 
     EXPECT_THROW(LeaveOneOutCases::of(restored, 0), SurrogateModelInterface::Error);
 }

@@ -19,7 +19,7 @@ namespace {
 ExportedModel cvdModel(CaseSession::ModelType type)
 {
     CaseSession session(cvdCases(), cvdRoles, {}, type);
-    return ModelFile::exported(session, "{}");
+    return ModelFile::exported(session, nullptr);
 }
 
 std::vector<double> columnOf(vtkTable& table, vtkIdType column)
@@ -71,7 +71,7 @@ TEST(ModelFile, AnExportedModelHoldsItsInputsWhereItsSessionDid)
         CaseSession cases(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
         cases.holdAtMedians({0, 1});
         cases.stayAt(1, "3.25");
-        model = ModelFile::exported(cases, "{}");
+        model = ModelFile::exported(cases, nullptr);
     }
     model = readExportedModel(exportModel(model, ExportFormat::Json));
 
@@ -86,7 +86,7 @@ TEST(ModelFile, WarningsNameTheInputs)
     table.columns[0].numbers.assign(table.cases, 42.0);
     CaseSession cases(std::move(table), cvdRoles, {}, CaseSession::Kriging);
 
-    const ExportedModel model = ModelFile::exported(cases, "{}");
+    const ExportedModel model = ModelFile::exported(cases, nullptr);
 
     EXPECT_EQ(model.outputs[0].model.warnings.front(),
               "\"Pressure\" is constant over the cases and was ignored.");
@@ -98,10 +98,10 @@ TEST(ModelFile, ASessionOfAnExportedModelHasItsReport)
     ExportedModel model;
     {
         CaseSession cases(cvdCases(), cvdRoles, {}, CaseSession::ResponseSurface);
-        model = ModelFile::exported(cases, R"({"remark": "checked"})");
+        model = ModelFile::exported(cases, nlohmann::ordered_json{{"remark", "checked"}});
     }
 
-    EXPECT_EQ(CaseSession(model).exportedReport(), R"({"remark": "checked"})");
+    EXPECT_EQ(CaseSession(model).exportedReport(), (nlohmann::ordered_json{{"remark", "checked"}}));
 }
 
 TEST(ModelFile, ASessionOfAnExportedModelEvaluatesToTheLastBit)
@@ -112,7 +112,7 @@ TEST(ModelFile, ASessionOfAnExportedModelEvaluatesToTheLastBit)
         {
             CaseSession cases(cvdCases(), cvdRoles, {}, type);
             expected = evaluated(cases);
-            model = ModelFile::exported(cases, "{}");
+            model = ModelFile::exported(cases, nullptr);
         }
         CaseSession session(model);
 
