@@ -2,19 +2,19 @@
 
 #include "CommandLine.h"
 
+#include <session/model/ModelFile.h>
 #include <session/model/PolynomialWords.h>
 #include <session/text/JoinedText.h>
 #include <session/text/NearestText.h>
 #include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
-#include <session/text/WholeNumber.h>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <functional>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -43,17 +43,48 @@ const char* const projects = R"(Projects:
   A command that is given a project document starts from what it holds; options override it, name by
   name. The case file is looked for where it was, relative to the document, and must not have changed.)";
 
-/** A value that is checked and given its meaning in one step; what is wrong is our own sentence. */
-void addValue(CLI::App& command, const std::string& name, const std::string& description,
-              const std::string& type, std::function<void(const std::string&)> take)
+/** Has the parser check an option's value. @param wanted completes "OPTION needs ...". */
+template <class Accepts>
+void require(CLI::Option* option, const std::string& wanted, Accepts accepts)
 {
-    command.add_option_function<std::string>(name, std::move(take), description)->type_name(type);
+    const std::string names = option->get_name(false, true);
+    const std::string name = names.substr(0, names.find(','));
+    option->check([=](const std::string& text) {
+        if (!accepts(text)) {
+            throw UsageError(name + " needs " + wanted + ", not " + quotedText(text) + '.');
+        }
+        return std::string();
+    });
 }
 
-void addText(CLI::App& command, const std::string& name, const std::string& description,
-             const std::string& type, std::string& text)
+/** The number that a text is as a whole, with a decimal point. */
+template <class Number>
+std::optional<Number> numberIn(const std::string& text)
 {
-    command.add_option(name, text, description)->type_name(type);
+    Number number = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::make_optional(number) : std::nullopt;
+}
+
+template <class Target>
+CLI::Option* addValue(CLI::App& command, const std::string& name, const std::string& description,
+                      const std::string& type, Target& target)
+{
+    return command.add_option(name, target, description)->type_name(type);
+}
+
+/** A whole number within bounds, both included. */
+template <class Target>
+void addCount(CLI::App& command, const std::string& name, const std::string& description,
+              const std::string& type, std::size_t least, std::size_t most, Target& target)
+{
+    require(addValue(command, name, description, type, target),
+            "a whole number from " + std::to_string(least) + " to " + std::to_string(most),
+            [=](const std::string& text) {
+                const auto number = numberIn<std::size_t>(text);
+                return number && *number >= least && *number <= most;
+            });
 }
 
 /** May be repeated. One value per mention: "-x A B" must not take B. */
@@ -69,32 +100,9 @@ void addWord(CLI::App& command, const std::string& name, const std::string& desc
              const std::string& type, const std::string& wanted,
              const std::map<std::string, T>& meanings, std::optional<T>& value)
 {
-    const std::string option = name.substr(0, name.find(','));
-    addValue(command, name, description, type, [=, &value](const std::string& word) {
-        const auto found = meanings.find(word);
-        if (found == meanings.end()) {
-            throw UsageError(option + " needs " + wanted + ", not \"" + word + "\".");
-        }
-        value = found->second;
-    });
-}
-
-double percentageOf(const std::string& word)
-{
-    double percent = 0.0;
-    const char* const end = word.data() + word.size();
-    const auto read = std::from_chars(word.data(), end, percent);
-    if (read.ec != std::errc() || read.ptr != end || !(percent > 0.0 && percent < 100.0)) {
-        throw UsageError("--interval needs a percentage above 0 and below 100, such as 95, not \"" +
-                         word + "\".");
-    }
-    // Less than one percent of the cases is nobody's question.
-    if (percent < 1.0) {
-        throw UsageError("--interval takes a percentage: --interval " + word + " would be " + word +
-                         " percent of the cases. Did you mean --interval " +
-                         shownNumber(100.0 * percent) + "?");
-    }
-    return percent;
+    const auto take = [=, &value](const std::string& word) { value = meanings.at(word); };
+    require(command.add_option_function<std::string>(name, take, description)->type_name(type),
+            wanted, [=](const std::string& word) { return meanings.count(word) > 0; });
 }
 
 void addReading(CLI::App& command, CommandLine& line)
@@ -123,17 +131,17 @@ void addChoices(CLI::App& command, CommandLine& line)
 {
     const std::string& name = command.get_name();
     const bool takesModels = name == "evaluate" || name == "predict" || name == "export";
-    addText(command, "CASES",
-            takesModels
-                ? "a case file, a project (NAME.surrogate.xml) or an\nexported model (NAME.json)"
-                : "a case file or a project (NAME.surrogate.xml)",
-            "", line.subject);
+    addValue(command, "CASES",
+             takesModels
+                 ? "a case file, a project (NAME.surrogate.xml) or an\nexported model (NAME.json)"
+                 : "a case file or a project (NAME.surrogate.xml)",
+             "", line.subject);
     addReading(command, line);
     command.option_defaults()->group("Cases");
-    addText(command, "--cases",
-            "the case file to take instead of the project's: when it has\n"
-            "moved, or has changed on purpose",
-            "FILE", line.cases);
+    addValue(command, "--cases",
+             "the case file to take instead of the project's: when it has\n"
+             "moved, or has changed on purpose",
+             "FILE", line.cases);
     addList(command, "-x,--inputs",
             "inputs, a list separated by commas; may be repeated.\n"
             "Without it every numeric column that is no output and\n"
@@ -152,11 +160,11 @@ void addChoices(CLI::App& command, CommandLine& line)
             "case numbers, from 1, such as 3,7-9; none includes all again")
         ->type_name("CASES")
         ->allow_extra_args(false);
-    addText(command, "--save",
-            "keeps what was chosen once the command has succeeded: the\n"
-            "case file, how it is read, roles, excluded cases, model,\n"
-            "terms, values. A project that is replaced stays as FILE.bak",
-            "FILE", line.save);
+    addValue(command, "--save",
+             "keeps what was chosen once the command has succeeded: the\n"
+             "case file, how it is read, roles, excluded cases, model,\n"
+             "terms, values. A project that is replaced stays as FILE.bak",
+             "FILE", line.save);
 }
 
 void addModel(CLI::App& command, CommandLine& line)
@@ -204,7 +212,7 @@ void addTerms(CLI::App& command, CommandLine& line)
              "criterion (AICc), for each output by itself; a linear term\n"
              "stays while one of second order has its input. The\n"
              "statistics do not account for the choice: their p values\n"
-             "are too small. compare tells whether it helps");
+             "are too small. compare shows whether it helps");
     flag("--all-terms", ResponseSurfaceOptions::Selection::All,
          "takes back the selection that a project holds")
         ->excludes(selected);
@@ -228,24 +236,38 @@ void addValues(CLI::App& command, CommandLine& line)
 void addInterval(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Values");
-    addValue(command, "--interval",
-             "two columns more after each output, \"NAME lower\" and\n"
-             "\"NAME upper\": prediction limits, between which P percent\n"
-             "(95, say) of further cases would lie, their noise included.\n"
-             "Empty where the cases are too few to tell",
-             "P", [&line](const std::string& word) { line.interval = percentageOf(word); });
+    CLI::Option* const interval =
+        addValue(command, "--interval",
+                 "two columns more after each output, \"NAME lower\" and\n"
+                 "\"NAME upper\": prediction limits, between which P percent\n"
+                 "(95, say) of further cases would lie, their noise included.\n"
+                 "Empty where the cases are too few",
+                 "P", line.interval);
+    require(interval, "a percentage above 0 and below 100, such as 95",
+            [](const std::string& text) {
+                const auto percent = numberIn<double>(text);
+                return percent && *percent > 0.0 && *percent < 100.0;
+            });
+    // Less than one percent of the cases is nobody's question.
+    interval->check([](const std::string& text) {
+        const double percent = *numberIn<double>(text);
+        if (percent < 1.0) {
+            throw UsageError("--interval takes a percentage: --interval " + text + " would be " +
+                             text + " percent of the cases. Did you mean --interval " +
+                             shownNumber(100.0 * percent) + "?");
+        }
+        return std::string();
+    });
 }
 
 void addOutput(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Output");
-    addText(command, "-o,--output", "the file to write instead of the standard output (\"-\")",
-            "FILE", line.output);
+    addValue(command, "-o,--output", "the file to write instead of the standard output (\"-\")",
+             "FILE", line.output);
     command.add_flag("-q,--quiet", line.isQuiet, "no notes, no progress");
-    addValue(command, "--threads", "threads to use, all cores if absent", "N",
-             [&line](const std::string& word) {
-                 line.threads = static_cast<int>(readWholeNumber("--threads", word, 1, maxThreads));
-             });
+    addCount(command, "--threads", "threads to use, all cores if absent", "N", 1, maxThreads,
+             line.threads);
 }
 
 void addJson(CLI::App& command, CommandLine& line)
@@ -271,10 +293,10 @@ void describeFit(CLI::App& command, CommandLine& line)
 {
     describeSummary(command, line);
     command.option_defaults()->group("Output");
-    addText(command, "--report",
-            "also writes a page with the figures, statistics, equations\n"
-            "and pictures of each output; it stands alone",
-            "FILE.html", line.report);
+    addValue(command, "--report",
+             "also writes a page with the figures, statistics, equations\n"
+             "and pictures of each output; it stands alone",
+             "FILE.html", line.report);
 }
 
 void describeEvaluate(CLI::App& command, CommandLine& line)
@@ -288,10 +310,10 @@ void describePredict(CLI::App& command, CommandLine& line)
 {
     describeSummary(command, line);
     command.option_defaults()->group("Values");
-    addText(command, "--points",
-            "the table of points; it comes out with a column\n"
-            "\"NAME predicted\" for each output, empty where an input is\nmissing",
-            "FILE", line.points);
+    addValue(command, "--points",
+             "the table of points; it comes out with a column\n"
+             "\"NAME predicted\" for each output, empty where an input is\nmissing",
+             "FILE", line.points);
     addInterval(command, line);
 }
 
@@ -301,12 +323,11 @@ void describePlot(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Picture");
-    addText(command, "--kind", "sweep (default), contour, actual, residuals or coefficients", "K",
-            line.kind);
+    addValue(command, "--kind", "sweep (default), contour, actual, residuals or coefficients", "K",
+             line.kind);
     addValues(command, line);
     command.option_defaults()->group("Picture");
-    addValue(command, "--size", "pixels of each panel, 800x600 if absent", "WxH",
-             [&line](const std::string& word) { line.size = word; });
+    addValue(command, "--size", "pixels of each panel, 800x600 if absent", "WxH", line.size);
     addOutput(command, line);
     command.footer(R"(Kinds:
   sweep         the model along one input, with the band in which it lies with 95 percent probability
@@ -328,13 +349,11 @@ void describeCompare(CLI::App& command, CommandLine& line)
     addChoices(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Comparison");
-    addValue(command, "--folds",
+    addCount(command, "--folds",
              "folds of the cross-validation, each predicted by models of\n"
              "the others; 10, or fewer if there are fewer cases. Copies of\n"
              "a case stay together, and the split is always the same",
-             "K", [&line](const std::string& word) {
-                 line.folds = readWholeNumber("--folds", word, 2, maxFolds);
-             });
+             "K", 2, maxFolds, line.folds);
     addJson(command, line);
     addOutput(command, line);
 }
@@ -345,7 +364,9 @@ void describeExport(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Output");
-    addText(command, "--format", "text, json, c, python or excel", "F", line.format);
+    const std::string formats = "text, json, c, python or excel";
+    require(addValue(command, "--format", formats, "F", line.format), formats,
+            [](const std::string& word) { return ModelFile::formatOf(word).has_value(); });
     addOutput(command, line);
     command.footer(R"(Formats:
   text    formulas for a reader
@@ -359,14 +380,14 @@ void describeExport(CLI::App& command, CommandLine& line)
 
 void describeCheck(CLI::App& command, CommandLine& line)
 {
-    addText(command, "TEXT", "such as \"0 - 10 : 11, 12.5\"", "", line.subject);
+    addValue(command, "TEXT", "such as \"0 - 10 : 11, 12.5\"", "", line.subject);
     addJson(command, line);
     addOutput(command, line);
 }
 
 void describeProject(CLI::App& command, CommandLine& line)
 {
-    addText(command, "PROJECT", "NAME.surrogate.xml", "", line.subject);
+    addValue(command, "PROJECT", "NAME.surrogate.xml", "", line.subject);
     addJson(command, line);
     addOutput(command, line);
 }
