@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/ColumnPointers.h>
+
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -38,16 +40,6 @@ inline std::vector<std::vector<double>> uniformColumns(std::size_t columns, std:
         for (std::vector<double>& column : result) {
             column[r] = numbers.next();
         }
-    }
-    return result;
-}
-
-inline std::vector<double*> pointersTo(std::vector<std::vector<double>>& columns)
-{
-    std::vector<double*> result;
-    result.reserve(columns.size());
-    for (std::vector<double>& column : columns) {
-        result.push_back(column.data());
     }
     return result;
 }

@@ -22,15 +22,8 @@ SurrogateModelFactory::makeModel(ModelType type, const std::vector<double*>& ind
         return boost::make_shared<SurrogateResponseSurfaceModel>(
             independentColumns, dependentColumns, static_cast<std::size_t>(rowCount));
     }
-    const double tolerance = 0.0001;
-    const std::vector<double> estimatedCorrelationLengths;
-    const int linearTrend = 1;
-    const double initialCorrelationLength = 0.5;
-    const double nugget = 0.0;
-    const int estimatedNugget = 0;
-    return boost::make_shared<KrigingSurrogateModel>(
-        independentColumns, dependentColumns, rowCount, tolerance, estimatedCorrelationLengths,
-        linearTrend, initialCorrelationLength, nugget, estimatedNugget);
+    return boost::make_shared<KrigingSurrogateModel>(independentColumns, dependentColumns, rowCount,
+                                                     KrigingOptions());
 }
 
 bool SurrogateModelFactory::needsCases() const

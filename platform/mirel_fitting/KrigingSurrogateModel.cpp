@@ -1,5 +1,6 @@
 #include <mirel_fitting/KrigingSurrogateModel.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/CaseRanges.h>
@@ -130,12 +131,8 @@ public:
     const KrigingCases& preparedCases()
     {
         if (!cases) {
-            std::vector<double*> columnsOfInputs;
-            for (std::vector<double>& input : inputs) {
-                columnsOfInputs.push_back(input.data());
-            }
             const FitProgress::Portion progress(0.0, 0.0, "Preparing the cases");
-            cases = std::make_unique<const KrigingCases>(columnsOfInputs, columns.cases());
+            cases = std::make_unique<const KrigingCases>(pointersTo(inputs), columns.cases());
             inputs = {};
         }
         return *cases;
@@ -282,11 +279,7 @@ KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
     const KrigingFit& fit = impl->fit(offset);
     std::vector<std::vector<double>> gradients(inputs.size(), std::vector<double>(count));
     if (count > 0) {
-        std::vector<double*> columns;
-        for (std::vector<double>& column : gradients) {
-            columns.push_back(column.data());
-        }
-        fit.predictor.differentiate(inputs, count, columns);
+        fit.predictor.differentiate(inputs, count, pointersTo(gradients));
     }
     return gradients;
 }

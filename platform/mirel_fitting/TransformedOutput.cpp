@@ -1,5 +1,6 @@
 #include <mirel_fitting/TransformedOutput.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/KrigingCases.h>
@@ -41,16 +42,6 @@ constexpr std::size_t comparedPoints = 100;
 
 constexpr std::array<OutputTransform, 2> transforms = {OutputTransform::SquareRoot,
                                                        OutputTransform::Logarithm};
-
-std::vector<double*> pointersTo(Columns& columns)
-{
-    std::vector<double*> pointers;
-    pointers.reserve(columns.size());
-    for (std::vector<double>& column : columns) {
-        pointers.push_back(column.data());
-    }
-    return pointers;
-}
 
 std::vector<double> transformed(OutputTransform transform, const std::vector<double>& output)
 {
@@ -322,11 +313,12 @@ private:
         };
         const auto measured = static_cast<double>(leftOut.size());
         const auto cases = static_cast<double>(metrics.cases);
-        const double freedom = cases - static_cast<double>(metrics.terms);
+        const double residualDegrees = cases - static_cast<double>(metrics.terms);
         const bool isPolynomial = !std::isnan(metrics.adjustedR2);
         set(metrics.r2, 1.0 - squares / total);
-        set(metrics.adjustedR2, 1.0 - squares / total * (cases - 1.0) / freedom);
-        set(metrics.rmse, std::sqrt(squares / measured * (isPolynomial ? cases / freedom : 1.0)));
+        set(metrics.adjustedR2, 1.0 - squares / total * (cases - 1.0) / residualDegrees);
+        set(metrics.rmse,
+            std::sqrt(squares / measured * (isPolynomial ? cases / residualDegrees : 1.0)));
         set(metrics.press, press * cases / measured);
         set(metrics.predictedR2, 1.0 - press / total);
         set(metrics.looRmse, std::sqrt(press / measured));

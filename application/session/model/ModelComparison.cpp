@@ -10,6 +10,7 @@
 #include <surrogatemodel/SurrogateModelFactory.h>
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/PredictiveModel.h>
@@ -45,26 +46,6 @@ Columns picked(const Columns& columns, const std::vector<std::size_t>& positions
         result.push_back(picked(column, positions));
     }
     return result;
-}
-
-std::vector<double*> pointersTo(Columns& columns)
-{
-    std::vector<double*> pointers;
-    pointers.reserve(columns.size());
-    for (std::vector<double>& column : columns) {
-        pointers.push_back(column.data());
-    }
-    return pointers;
-}
-
-std::vector<const double*> pointersTo(const Columns& columns)
-{
-    std::vector<const double*> pointers;
-    pointers.reserve(columns.size());
-    for (const std::vector<double>& column : columns) {
-        pointers.push_back(column.data());
-    }
-    return pointers;
 }
 
 /** The valid cases of a workspace. */

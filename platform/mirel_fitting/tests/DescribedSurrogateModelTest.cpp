@@ -162,7 +162,7 @@ TEST(DescribedSurrogateModel, KnowsWhichPointsLieOutsideTheCases)
 {
     const SurrogateResponseSurfaceModel model = polynomial(threeInputs(30));
     std::vector<Column> points = pointSets()[0];
-    const std::vector<double*> columns = Cases::pointers(points);
+    const std::vector<double*> columns = pointersTo(points);
 
     EXPECT_NE(model.extrapolationWarning(columns, 7), "");
     EXPECT_EQ(described(model, 1).extrapolationWarning(columns, 7),

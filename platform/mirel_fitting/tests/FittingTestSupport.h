@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include "UniformNumbers.h"
@@ -25,17 +26,8 @@ struct Cases
     std::vector<Column> inputs;
     std::vector<Column> outputs;
 
-    static std::vector<double*> pointers(std::vector<Column>& columns)
-    {
-        std::vector<double*> result;
-        result.reserve(columns.size());
-        for (Column& column : columns) {
-            result.push_back(column.data());
-        }
-        return result;
-    }
-    std::vector<double*> inputPointers() { return pointers(inputs); }
-    std::vector<double*> outputPointers() { return pointers(outputs); }
+    std::vector<double*> inputPointers() { return pointersTo(inputs); }
+    std::vector<double*> outputPointers() { return pointersTo(outputs); }
     std::size_t count() const { return outputs.at(0).size(); }
 };
 
@@ -70,7 +62,7 @@ inline Column predict(const SurrogateModelInterface& model, std::vector<Column> 
 {
     Column values(points.empty() ? 1 : points[0].size(), -99.0);
     std::vector<double*> outputs{values.data()};
-    model.interpolateDependentValues(Cases::pointers(points), {offset}, outputs, values.size());
+    model.interpolateDependentValues(pointersTo(points), {offset}, outputs, values.size());
     return values;
 }
 

@@ -44,7 +44,8 @@ TEST(KrigingGradients, AreInTheUnitsOfTheColumns)
         inputs[0][i] = 1e6 * inputs[0][i] + 3e6;
         output[i] *= 1e-9;
     }
-    const KrigingArguments arguments{1e-4, {0.4e6, 0.9}, 1, 0.5, 0.01, 1};
+    const KrigingArguments arguments{
+        {1e-4, {0.4e6, 0.9}, 1, 0.5, 0.01, KrigingOptions::NuggetMode::Fixed}};
 
     const Columns expected = gradients(given.model(1, 0.01), {{0.25}, {0.5}});
     const Columns found = gradients(arguments.model(inputs, {output}), {{1e6 * 0.25 + 3e6}, {0.5}});

@@ -73,7 +73,7 @@ TEST(KrigingSurrogateModel, EqualsADirectComputationWithItsParameters)
     KrigingArguments arguments;
     arguments.correlationLengths = {40.0, 2.0};
     arguments.nugget = 1e-4;
-    arguments.nuggetMode = 1;
+    arguments.nuggetMode = KrigingOptions::NuggetMode::Fixed;
     const KrigingSurrogateModel model = arguments.model(inputs, {output});
     DirectKriging::Matrix points;
     DirectKriging::Matrix trend;
@@ -169,7 +169,7 @@ TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
     EXPECT_EQ(refusalOf(nugget), "The nugget has to be a number that is not negative, not -0.001.");
 
     KrigingArguments mode;
-    mode.nuggetMode = 2;
+    mode.nuggetMode = static_cast<KrigingOptions::NuggetMode>(2);
     EXPECT_EQ(refusalOf(mode), "The nugget mode has to be 0 (estimated) or 1 (fixed), not 2.");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/cases/KrigingData.h>
 
@@ -13,15 +14,6 @@
 #include <vector>
 
 using Columns = std::vector<std::vector<double>>;
-
-inline std::vector<double*> pointersTo(Columns& columns)
-{
-    std::vector<double*> result;
-    for (std::vector<double>& column : columns) {
-        result.push_back(column.data());
-    }
-    return result;
-}
 
 /** One point in each of `count` slices of each input; over [0, 1). */
 inline Columns latinHypercube(std::size_t count, std::size_t inputs, std::uint64_t seed)
@@ -57,22 +49,13 @@ inline std::vector<double> valuesOf(const Function& function, const Columns& col
     return result;
 }
 
-/** A model with the arguments that the application passes, where a test does not say others. */
-struct KrigingArguments
+/** A model with the options that the application passes, where a test does not say others. */
+struct KrigingArguments : KrigingOptions
 {
-    double tolerance = 1e-4;
-    std::vector<double> correlationLengths;
-    int trendOrder = 1;
-    double initialCorrelationLength = 0.5;
-    double nugget = 0.0;
-    int nuggetMode = 0;
-
     KrigingSurrogateModel model(Columns inputs, Columns outputs) const
     {
         const int rows = static_cast<int>((inputs.empty() ? outputs : inputs).front().size());
-        return KrigingSurrogateModel(pointersTo(inputs), pointersTo(outputs), rows, tolerance,
-                                     correlationLengths, trendOrder, initialCorrelationLength,
-                                     nugget, nuggetMode);
+        return KrigingSurrogateModel(pointersTo(inputs), pointersTo(outputs), rows, *this);
     }
 };
 

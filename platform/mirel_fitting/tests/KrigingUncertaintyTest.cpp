@@ -111,7 +111,8 @@ TEST(KrigingUncertainty, CoversTheErrorsOfPredictions)
 TEST(KrigingUncertainty, IsInTheUnitOfTheOutput)
 {
     const Given given;
-    const KrigingArguments arguments{1e-4, given.lengths, 1, 0.5, 0.01, 1};
+    const KrigingArguments arguments{
+        {1e-4, given.lengths, 1, 0.5, 0.01, KrigingOptions::NuggetMode::Fixed}};
     const std::vector<double> expected = standardErrors(given.model(1, 0.01), somePoints);
     for (const double unit : {1e-12, 1e12}) {
         std::vector<double> output = valuesOf(wave, given.inputs);
@@ -219,7 +220,7 @@ TEST(KrigingUncertainty, CalibratesIntervalsByLeftOutCasesFromFortyOn)
 {
     KrigingArguments arguments;
     arguments.correlationLengths = {0.3, 0.3};
-    arguments.nuggetMode = 1;
+    arguments.nuggetMode = KrigingOptions::NuggetMode::Fixed;
     arguments.nugget = 1.0; // far more than these smooth cases have
     const Columns inputs = latinHypercube(60, 2, 3);
     const KrigingSurrogateModel model = arguments.model(inputs, {valuesOf(wave, inputs)});

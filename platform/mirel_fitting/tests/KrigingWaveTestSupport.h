@@ -24,7 +24,7 @@ struct Given
         arguments.correlationLengths = lengths;
         arguments.trendOrder = trendOrder;
         arguments.nugget = nugget;
-        arguments.nuggetMode = 1;
+        arguments.nuggetMode = KrigingOptions::NuggetMode::Fixed;
         return arguments.model(inputs, {valuesOf(wave, inputs)});
     }
 

@@ -114,7 +114,7 @@ inline Cases vapourDeposition()
 inline double standardError(const Model& model, std::vector<Column> point,
                             FittedModel::ErrorKind kind)
 {
-    return model.standardErrors(Cases::pointers(point), 0, kind, 1)[0];
+    return model.standardErrors(pointersTo(point), 0, kind, 1)[0];
 }
 
 /** Relative to its size, or to 1e-3 for less. R prints 15 digits. */

@@ -24,7 +24,7 @@ TEST(ResponseSurfaceUncertainty, IsNanAtPointsThatAreNotFiniteOnly)
     std::vector<Column> points = {{1.0, notANumber, 1.0}, {0.5, 0.5, infinity}};
 
     const Column errors =
-        model.standardErrors(Cases::pointers(points), 0, FittedModel::ErrorKind::Mean, 3);
+        model.standardErrors(pointersTo(points), 0, FittedModel::ErrorKind::Mean, 3);
 
     EXPECT_GT(errors[0], 0.0);
     EXPECT_TRUE(std::isnan(errors[1]));
@@ -36,8 +36,7 @@ TEST(ResponseSurfaceUncertainty, GivesTheIntervalsOfR)
     const Model model = fit(vapourDeposition());
     std::vector<Column> points = {{30, 100}, {5, 1}};
 
-    const PredictionIntervals found =
-        model.predictionIntervals(Cases::pointers(points), 0, 0.95, 2);
+    const PredictionIntervals found = model.predictionIntervals(pointersTo(points), 0, 0.95, 2);
 
     expectFigure(found.lower[0], 4.56157254346861, "lower inside");
     expectFigure(found.upper[0], 8.79102351364129, "upper inside");

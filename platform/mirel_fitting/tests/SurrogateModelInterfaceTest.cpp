@@ -290,7 +290,7 @@ TEST_P(SurrogateModelInterfaceOf, SaysWhichPointsLieOutsideTheCases)
     cases = {{{10.0, 14.0, 12.0, 13.0}, {1.0, 0.0, -1.0, 0.5}}, {{1.0, 2.0, 4.0, 3.0}}};
     const std::unique_ptr<FittedModel> model = fit();
     std::vector<Column> points = {{11.0, 16.0}, {0.0, 0.0}};
-    const std::vector<double*> columns = Cases::pointers(points);
+    const std::vector<double*> columns = pointersTo(points);
 
     EXPECT_EQ(model->extrapolations(columns, 2), (Column{0.0, 0.5}));
     EXPECT_EQ(model->extrapolationWarning(columns, 1), "");

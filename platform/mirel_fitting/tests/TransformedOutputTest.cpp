@@ -170,7 +170,7 @@ TEST(TransformedOutput, PredictsOutputsOfDifferentTransformsTogether)
     Column first(200), second(200), third(200);
     std::vector<double*> outputs = {first.data(), second.data(), third.data()};
 
-    model.interpolateDependentValues(Cases::pointers(points), {0, 1, 2}, outputs, 200);
+    model.interpolateDependentValues(pointersTo(points), {0, 1, 2}, outputs, 200);
 
     EXPECT_EQ(first, predict(modelOf(casesOf(overDecades)), points));
     EXPECT_EQ(second, predict(*plain(casesOf(wave)), points));
@@ -181,7 +181,7 @@ TEST(TransformedOutput, TransformsTheEndsOfIntervalsBack)
 {
     const TransformedOutput model = modelOf(casesOf(overDecades, 0.1));
     std::vector<Column> points = somePoints();
-    const std::vector<double*> inputs = Cases::pointers(points);
+    const std::vector<double*> inputs = pointersTo(points);
 
     const PredictionIntervals intervals = model.predictionIntervals(inputs, 0, 0.95, 200);
 
@@ -213,7 +213,7 @@ TEST(TransformedOutput, HasStandardErrorsInTheOutputsUnit)
 {
     const TransformedOutput model = modelOf(casesOf(overDecades, 0.1));
     std::vector<Column> points = somePoints();
-    const std::vector<double*> inputs = Cases::pointers(points);
+    const std::vector<double*> inputs = pointersTo(points);
 
     const Column errors = model.standardErrors(inputs, 0, Kind::Observation, 200);
 

@@ -2,6 +2,7 @@
 
 #include <mirel_modelexport/ModelExport.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 
@@ -57,26 +58,18 @@ struct Cases
     Column correlationLengths = {}; ///< none: estimated, and the trend lowered where it costs much
     std::vector<OutputTransform> transforms = {}; ///< whose values the outputs are; none: of none
 
-    static std::vector<double*> pointers(std::vector<Column>& columns)
-    {
-        std::vector<double*> result;
-        for (Column& column : columns) {
-            result.push_back(column.data());
-        }
-        return result;
-    }
-
     std::size_t count() const { return outputs.at(0).size(); }
 
     boost::shared_ptr<SurrogateModelInterface> fit(Kind kind)
     {
         if (kind == Polynomial) {
-            return boost::make_shared<SurrogateResponseSurfaceModel>(pointers(inputs),
-                                                                     pointers(outputs), count());
+            return boost::make_shared<SurrogateResponseSurfaceModel>(pointersTo(inputs),
+                                                                     pointersTo(outputs), count());
         }
-        return boost::make_shared<KrigingSurrogateModel>(pointers(inputs), pointers(outputs),
-                                                         static_cast<int>(count()), 1e-4,
-                                                         correlationLengths, 1, 0.5, 0.0, 0);
+        KrigingOptions options;
+        options.correlationLengths = correlationLengths;
+        return boost::make_shared<KrigingSurrogateModel>(pointersTo(inputs), pointersTo(outputs),
+                                                         static_cast<int>(count()), options);
     }
 
     ExportedModel exported(Kind kind)

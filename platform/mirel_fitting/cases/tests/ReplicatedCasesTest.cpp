@@ -10,11 +10,7 @@ namespace {
 
 ReplicatedCases replicated(const std::vector<Column>& columns, std::size_t cases)
 {
-    std::vector<const double*> pointers;
-    for (const Column& column : columns) {
-        pointers.push_back(column.data());
-    }
-    return {pointers, cases};
+    return {pointersTo(columns), cases};
 }
 
 } // namespace

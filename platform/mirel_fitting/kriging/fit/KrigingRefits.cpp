@@ -1,16 +1,16 @@
 #include <mirel_fitting/kriging/fit/KrigingRefits.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/kriging/fit/ExactKriging.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 
-#include <algorithm>
 #include <limits>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -75,10 +75,7 @@ std::vector<double> KrigingRefits::residuals(const KrigingFitInput& input,
             continue;
         }
         std::vector<std::vector<double>> inputs = input.cases.inputsAt(leftOut);
-        std::vector<double*> columns;
-        for (std::vector<double>& column : inputs) {
-            columns.push_back(column.data());
-        }
+        const std::vector<double*> columns = pointersTo(inputs);
         std::vector<double> predictions(leftOut.size());
         std::vector<double> errors(leftOut.size());
         predictor->predict(columns, 0, leftOut.size(), predictions.data());

@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
 
+#include <mirel_fitting/ColumnPointers.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -72,12 +74,8 @@ KrigingLeaveOneOut::predictions(const KrigingCases& cases, const KrigingPredicto
         return result;
     }
     std::vector<std::vector<double>> columns = cases.inputsAt(points);
-    std::vector<double*> inputs;
-    for (std::vector<double>& column : columns) {
-        inputs.push_back(column.data());
-    }
     std::vector<double> errors(points.size());
-    predictor.standardErrors(inputs, points.size(), true, errors.data());
+    predictor.standardErrors(pointersTo(columns), points.size(), true, errors.data());
     for (std::size_t i = 0; i < points.size(); ++i) {
         result[i].standardError = errors[i];
     }

@@ -45,7 +45,7 @@ Columns randomPoints(std::size_t inputs, std::size_t count)
 Column predict(const PolynomialPredictor& predictor, Columns columns, std::size_t output = 0)
 {
     Column result(columns[0].size(), -99.0);
-    predictor.predict(Cases::pointers(columns), {output}, {result.data()}, result.size());
+    predictor.predict(pointersTo(columns), {output}, {result.data()}, result.size());
     return result;
 }
 
@@ -126,7 +126,7 @@ TEST(PolynomialPredictor, GivesEveryOutputItsOwnValues)
     Column first(600, -99.0);
     Column second(600, -99.0);
 
-    predictor.predict(Cases::pointers(columns), {1, 0}, {second.data(), first.data()}, 600);
+    predictor.predict(pointersTo(columns), {1, 0}, {second.data(), first.data()}, 600);
 
     EXPECT_EQ(first, predict(predictor, columns, 0));
     EXPECT_EQ(second, predict(predictor, columns, 1));

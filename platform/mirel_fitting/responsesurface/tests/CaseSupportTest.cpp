@@ -31,7 +31,7 @@ Flags unsupported(Cases cases, std::vector<Column> points, int order = 2)
     const PolynomialFit fit(QuadraticBasis(cases.inputs.size(), order), cases.inputPointers(),
                             cases.outputPointers(), cases.count());
     const CaseRanges ranges(cases.inputPointers(), cases.count());
-    return CaseSupport(fit, ranges).unsupported(Cases::pointers(points), points[0].size());
+    return CaseSupport(fit, ranges).unsupported(pointersTo(points), points[0].size());
 }
 
 } // namespace
