@@ -109,12 +109,8 @@ TEST(CommandOptions, IntervalBelongsToTables)
               "--interval belongs to the commands evaluate and predict.");
 }
 
-TEST(CommandOptions, TermsAreChosenOfAResponseSurfaceThatIsFitted)
+TEST(CommandOptions, TermsAreChosenOnceOfWhatIsFitted)
 {
-    EXPECT_EQ(
-        refusalOf("fit cvd.csv -y Stress -m kriging --select-terms"),
-        "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
-        "out -m kriging.");
     EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --all-terms --select-terms"),
               "--select-terms excludes --all-terms; surrogate COMMAND --help lists the options.");
     for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
@@ -122,10 +118,6 @@ TEST(CommandOptions, TermsAreChosenOfAResponseSurfaceThatIsFitted)
                   "--select-terms belongs to the commands summary, fit, evaluate, predict, "
                   "equations, compare, plot and export.");
     }
-    EXPECT_EQ(
-        refusalOf("evaluate m.json --all-terms"),
-        "--terms, --select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
-        "model, fitted already.");
 }
 
 TEST(CommandOptions, WrongUseIsRefusedWithASentence)
@@ -134,13 +126,10 @@ TEST(CommandOptions, WrongUseIsRefusedWithASentence)
               "There is no command \"fot\"; the nearest is fit. The commands are: summary, fit, "
               "evaluate, predict, equations, compare, plot, export, project, check; surrogate "
               "--help describes them.");
-    EXPECT_EQ(refusalOf("fit"), "The command needs a case file or a project document.");
     EXPECT_EQ(refusalOf("fit cvd.csv -y Stress -m spline"),
               "-m needs response-surface or kriging, not \"spline\".");
     EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --threads 0"),
               "--threads needs a whole number from 1 to 1024, not \"0\".");
-    EXPECT_EQ(refusalOf("equations cvd.csv -y Stress -m kriging"),
-              "Only the response surface has equations: leave out -m kriging.");
     EXPECT_EQ(refusalOf("predict cvd.csv -y Stress"),
               "The command predict needs the file with the points: --points FILE.");
     EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --terms cubic"),
@@ -152,16 +141,9 @@ TEST(CommandOptions, WrongUseIsRefusedWithASentence)
               "--folds needs a whole number from 2 to 1000000, not \"1\".");
     EXPECT_EQ(refusalOf("compare cvd.csv -y Stress --folds many"),
               "--folds needs a whole number from 2 to 1000000, not \"many\".");
-    EXPECT_EQ(refusalOf("fit plane.csv -y y --save plane.xml"),
-              "The name of a project document ends with .surrogate.xml, which \"plane.xml\" "
-              "does not.");
     EXPECT_EQ(refusalOf("check 1 --save a.surrogate.xml"),
               "--save belongs to the commands summary, fit, evaluate, predict, equations, "
               "compare, plot and export.");
-    EXPECT_EQ(refusalOf("fit plane.csv -y y --cases cvd.csv"),
-              "--cases names the case file of a project document; without one it has no "
-              "meaning.");
-    EXPECT_EQ(refusalOf("project"), "The command project needs a project document.");
     EXPECT_EQ(refusalOf("project study.surrogate.xml -m kriging"),
               "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
               "export.");

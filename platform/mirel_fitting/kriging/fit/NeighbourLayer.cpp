@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/fit/NeighbourLayer.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 
@@ -126,7 +127,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
     constexpr double estimating = 0.7; // of the work
 
     {
-        const FitProgress::Portion portion(0.0, estimating, "Estimating what near cases tell",
+        const FitProgress::Portion portion(0.0, estimating, "Estimating from nearest neighbours",
                                            expectedTrials * static_cast<double>(sizes.estimated));
         neighbours = std::make_shared<NearestNeighbourKriging>(
             NearestNeighbourKriging::Cases{data.cases, data.inputs, data.coordinates.data(),
@@ -193,16 +194,12 @@ std::vector<double> NeighbourLayer::leaveOneOutVariances(const Parameters& param
 std::vector<double> NeighbourLayer::residualsAtCases() const
 {
     std::vector<std::vector<double>> columns;
-    std::vector<const double*> points;
     for (std::size_t k = 0; k < data.inputs; ++k) {
         const auto first = data.coordinates.begin() + static_cast<std::ptrdiff_t>(k * data.cases);
         columns.push_back(at(leftOut, {first, first + static_cast<std::ptrdiff_t>(data.cases)}));
     }
-    for (const std::vector<double>& column : columns) {
-        points.push_back(column.data());
-    }
     std::vector<double> predictions(leftOut.size(), 0.0);
-    neighbours->add(points, predictions.size(), predictions.data());
+    neighbours->add(pointersTo(std::as_const(columns)), predictions.size(), predictions.data());
     std::vector<double> result = at(leftOut, residuals);
     for (std::size_t i = 0; i < result.size(); ++i) {
         result[i] -= predictions[i];

@@ -1,11 +1,9 @@
-// Fits of more cases than the exact model takes, with sizes that make a few hundred cases many.
-#include <mirel_fitting/kriging/fit/KrigingFitter.h>
-#include <mirel_fitting/kriging/fit/KrigingTexts.h>
-#include <mirel_fitting/kriging/grid/KrigingGrid.h>
+#include <mirel_fitting/kriging/fit/LargeKriging.h>
 
-#include "KrigingTestSupport.h"
+#include "LargeKrigingTestSupport.h"
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/kriging/grid/KrigingGrid.h>
 
 #include <gtest/gtest.h>
 
@@ -13,57 +11,10 @@
 
 namespace {
 
-KrigingFitOptions manyAreMoreThan(std::size_t maxExact)
-{
-    KrigingFitOptions options;
-    options.trendOrder = 1;
-    options.sizes.maxExact = maxExact;
-    options.sizes.subset = 150;
-    options.sizes.searched = 100;
-    options.sizes.neighbours = 30;
-    options.sizes.measured = 200;
-    options.sizes.estimated = 100;
-    return options;
-}
-
-KrigingFit fitOf(Columns inputs, const std::vector<double>& output,
-                 const KrigingFitOptions& options)
-{
-    const KrigingCases cases(pointersTo(inputs), output.size());
-    return fitKriging(cases, output, options);
-}
-
-std::vector<double> predicted(const KrigingFit& fit, Columns points)
-{
-    std::vector<double> values(points.front().size());
-    fit.predictor.predict(pointersTo(points), 0, values.size(), values.data());
-    return values;
-}
-
-/** Smooth, with one rough corner. */
-double hill(const std::vector<double>& x)
-{
-    return std::sin(3.0 * x[0]) * x[1] + 1.0 / (0.05 + x[0] + x[2] * x[2]);
-}
-
 /** Many waves. */
 double ripples(const std::vector<double>& x)
 {
     return std::sin(20.0 * x[0] + 4.0 * x[1]) + std::cos(15.0 * x[1]) * x[0];
-}
-
-/** So smooth that cases far away tell something. */
-double bowl(const std::vector<double>& x)
-{
-    return std::exp(x[0] * x[1] + 0.5 * x[2]) + std::sin(x[2] + 2.0 * x[3]);
-}
-
-bool mentions(const KrigingFit& fit, const std::string& words)
-{
-    const std::vector<std::string> warnings = KrigingTexts::warnings(fit);
-    return std::any_of(warnings.begin(), warnings.end(), [&](const std::string& text) {
-        return text.find(words) != std::string::npos;
-    });
 }
 
 std::vector<double> noisy(std::vector<double> values, double deviation)
@@ -289,113 +240,6 @@ TEST(LargeKriging, IsNotMisledByRepeatedCasesThatDifferByNextToNothing)
                     0.05 * plain.report.correlationLengths[k]);
     }
     EXPECT_NEAR(fit.metrics.looRmse, plain.metrics.looRmse, 0.05 * plain.metrics.looRmse);
-}
-
-TEST(LargeKriging, GivesNoLikelihood)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-
-    EXPECT_TRUE(std::isnan(fit.report.logLikelihood));
-    EXPECT_TRUE(std::isnan(fit.report.secondLogLikelihood));
-    EXPECT_EQ(KrigingTexts::quality(fit).find("og-likelihood"), std::string::npos);
-}
-
-TEST(LargeKriging, LeavesATrendThatMeetsAllCasesAlone)
-{
-    const Columns inputs = latinHypercube(700, 2, 3);
-    const auto plane = [](const std::vector<double>& x) { return 3.0 + 2.0 * x[0] - x[1]; };
-
-    const KrigingFit fit = fitOf(inputs, valuesOf(plane, inputs), manyAreMoreThan(300));
-
-    EXPECT_TRUE(mentions(fit, "The trend passes through all cases"));
-    EXPECT_NEAR(predicted(fit, {{0.25}, {0.5}})[0], 3.0, 1e-12);
-}
-
-TEST(LargeKriging, SaysWhatItIgnoredWhereTheTrendMeetsAllCases)
-{
-    Columns inputs = latinHypercube(500, 2, 3);
-    const auto plane = [](const std::vector<double>& x) { return 4.0 + 3.0 * x[0] - 2.0 * x[1]; };
-    const std::vector<double> output = valuesOf(plane, inputs);
-    inputs.emplace_back(500, 7.0);
-
-    const KrigingFit fit = fitOf(inputs, output, manyAreMoreThan(300));
-
-    EXPECT_TRUE(mentions(fit, "The trend passes through all cases"));
-    EXPECT_TRUE(mentions(fit, "V3 is constant over the cases and was ignored."));
-}
-
-TEST(LargeKriging, KeepsLengthsAndNuggetThatAreFixed)
-{
-    const Columns inputs = latinHypercube(700, 4, 3);
-    KrigingFitOptions options = manyAreMoreThan(300);
-    options.correlationLengths = {0.7, 0.9, 0.6, 0.8};
-    options.nugget = 1e-5;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
-
-    const KrigingFit fit = fitOf(inputs, valuesOf(bowl, inputs), options);
-
-    EXPECT_NEAR(fit.report.correlationLengths[1], 0.9, 1e-12);
-    EXPECT_EQ(fit.report.nugget, 1e-5);
-}
-
-TEST(LargeKriging, CannotBeDescribedWhereNearCasesAreAsked)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-    ASSERT_TRUE(fit.predictor.model().neighbours);
-
-    try {
-        fit.predictor.model().description();
-        FAIL();
-    } catch (const SurrogateModelInterface::Error& error) {
-        EXPECT_STREQ(error.what(),
-                     "Each prediction of the model asks for the nearest of its many cases, which "
-                     "no exported model holds: leave out cases until no more than 10 000 are left, "
-                     "or take a response surface.");
-    }
-}
-
-TEST(LargeKriging, ReportsEveryPartOfTheWork)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    double last = 0.0;
-    bool decreases = false;
-    std::vector<std::string> messages;
-    {
-        FitProgress progress([&](double fraction, const std::string& message) {
-            decreases = decreases || fraction < last;
-            last = fraction;
-            if (messages.empty() || messages.back() != message) {
-                messages.push_back(message);
-            }
-            return true;
-        });
-        fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-    }
-
-    EXPECT_FALSE(decreases);
-    EXPECT_EQ(last, 1.0);
-    for (const char* expected :
-         {"Choosing a subset of the cases", "Searching for the correlation lengths",
-          "Fitting a subset of the cases", "Estimating what near cases tell",
-          "Leaving out cases"}) {
-        EXPECT_NE(std::find(messages.begin(), messages.end(), expected), messages.end())
-            << expected;
-    }
-}
-
-TEST(LargeKriging, EndsWhereverItIsCancelled)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    const std::vector<double> output = valuesOf(hill, inputs);
-
-    for (const char* during : {"Choosing a subset of the cases", "Fitting a subset of the cases",
-                               "Estimating what near cases tell", "Leaving out cases"}) {
-        FitProgress progress([&](double, const std::string& message) { return message != during; });
-        EXPECT_THROW(fitOf(inputs, output, manyAreMoreThan(300)), SurrogateModelInterface::Error)
-            << during;
-    }
 }
 
 TEST(LargeKriging, ReportsEachFewCasesThatItMeasuresBy)

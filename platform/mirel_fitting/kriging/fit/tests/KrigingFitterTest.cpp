@@ -1,4 +1,4 @@
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/fit/KrigingFitter.h>
 
 #include "KrigingFitTestSupport.h"
 
@@ -16,7 +16,7 @@ const double infinity = std::numeric_limits<double>::infinity();
 
 } // namespace
 
-TEST(KrigingFit, IgnoresAConstantInput)
+TEST(KrigingFitter, IgnoresAConstantInput)
 {
     const Columns inputs = latinHypercube(20, 1, 3);
     const std::vector<double> output = valuesOf(wave, inputs);
@@ -30,7 +30,7 @@ TEST(KrigingFit, IgnoresAConstantInput)
     EXPECT_EQ(valueAt(with, {123.0, 0.4}), valueAt(without, {0.4}));
 }
 
-TEST(KrigingFit, IgnoresAnInputThatVariesByRoundingOnly)
+TEST(KrigingFitter, IgnoresAnInputThatVariesByRoundingOnly)
 {
     const std::vector<double> output = {1.0, 3.0, 2.0, 5.0, 4.0, 6.0, 3.0};
     Columns inputs = {{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0}};
@@ -43,7 +43,7 @@ TEST(KrigingFit, IgnoresAnInputThatVariesByRoundingOnly)
     EXPECT_TRUE(warns(fit, "V2 is constant over the cases and was ignored."));
 }
 
-TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
+TEST(KrigingFitter, NumbersInputsAsTheyWereGiven)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
@@ -56,7 +56,7 @@ TEST(KrigingFit, NumbersInputsAsTheyWereGiven)
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V3"}));
 }
 
-TEST(KrigingFit, PredictsAConstantOutputExactly)
+TEST(KrigingFitter, PredictsAConstantOutputExactly)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
@@ -74,7 +74,7 @@ TEST(KrigingFit, PredictsAConstantOutputExactly)
     EXPECT_TRUE(warns(fit, "The output is the same in all cases: the prediction is constant."));
 }
 
-TEST(KrigingFit, IsConstantForASingleCase)
+TEST(KrigingFitter, IsConstantForASingleCase)
 {
     const KrigingFit fit = fitOf({{2.0}, {3.0}}, {7.5}, withTrend(2));
 
@@ -85,7 +85,7 @@ TEST(KrigingFit, IsConstantForASingleCase)
     EXPECT_TRUE(warns(fit, "There is only one case: the prediction is constant."));
 }
 
-TEST(KrigingFit, IsTheMeanWithoutInputs)
+TEST(KrigingFitter, IsTheMeanWithoutInputs)
 {
     const KrigingFit fit = fitOf({}, {1.0, 2.0, 6.0});
 
@@ -97,7 +97,7 @@ TEST(KrigingFit, IsTheMeanWithoutInputs)
     EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 2.0);
 }
 
-TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
+TEST(KrigingFitter, MeasuresAMeanWhoseSquareIsNoNumber)
 {
     for (const double unit : {1e-200, 1e200}) {
         const KrigingFit fit = fitOf({}, {1.0 * unit, 2.0 * unit, 6.0 * unit});
@@ -110,7 +110,7 @@ TEST(KrigingFit, MeasuresAMeanWhoseSquareIsNoNumber)
     }
 }
 
-TEST(KrigingFit, MeetsTheCasesWithAFixedLengthNextToNothing)
+TEST(KrigingFitter, InterpolatesWithAFixedLengthNextToNothing)
 {
     KrigingFitOptions options = withTrend(0);
     options.correlationLengths = {1e-320};
@@ -121,7 +121,7 @@ TEST(KrigingFit, MeetsTheCasesWithAFixedLengthNextToNothing)
     EXPECT_NEAR(valueAt(fit, {2.5}), 1.5, 1e-9);
 }
 
-TEST(KrigingFit, ManagesWithTwoCases)
+TEST(KrigingFitter, ManagesWithTwoCases)
 {
     const KrigingFit fit = fitOf({{0.0, 1.0}}, {3.0, 5.0}, withTrend(1));
 
@@ -132,7 +132,7 @@ TEST(KrigingFit, ManagesWithTwoCases)
                            "too few for more."));
 }
 
-TEST(KrigingFit, TakesAHandfulOfCasesWithoutOrderForNoise)
+TEST(KrigingFitter, TakesAHandfulOfCasesWithoutOrderForNoise)
 {
     // To meet them, lengths would have to be shorter than their spacing.
     const KrigingFit fit = fitOf({{0.0, 1.0, 2.0}}, {0.3, 0.5, 0.4});
@@ -142,7 +142,7 @@ TEST(KrigingFit, TakesAHandfulOfCasesWithoutOrderForNoise)
     }
 }
 
-TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
+TEST(KrigingFitter, InterpolatesSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
 {
     // Some of these designs are most likely with a nugget near 1e-6, by less than 2.
     const auto smooth = [](const std::vector<double>& x) { return 1.0 / (1.0 + x[0] + x[1]); };
@@ -157,7 +157,7 @@ TEST(KrigingFit, MeetsSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
     }
 }
 
-TEST(KrigingFit, LowersTheTrendForFewCases)
+TEST(KrigingFitter, LowersTheTrendForFewCases)
 {
     // Six parameters of a quadratic and a variance: seven cases.
     const Columns inputs = latinHypercube(6, 2, 3);
@@ -172,7 +172,7 @@ TEST(KrigingFit, LowersTheTrendForFewCases)
                            "too few for more."));
 }
 
-TEST(KrigingFit, LowersTheTrendOfFewCasesWithoutNoise)
+TEST(KrigingFitter, LowersTheTrendOfFewCasesWithoutNoise)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
@@ -185,7 +185,7 @@ TEST(KrigingFit, LowersTheTrendOfFewCasesWithoutNoise)
                            "output better."));
 }
 
-TEST(KrigingFit, LowersTheTrendOfVeryFewCasesWithNoiseToo)
+TEST(KrigingFitter, LowersTheTrendOfVeryFewCasesWithNoiseToo)
 {
     const Columns inputs = latinHypercube(14, 5, 3);
     UniformNumbers numbers(7);
@@ -198,7 +198,7 @@ TEST(KrigingFit, LowersTheTrendOfVeryFewCasesWithNoiseToo)
                            "too few for more."));
 }
 
-TEST(KrigingFit, KeepsTheTrendWhereNoiseIsGiven)
+TEST(KrigingFitter, KeepsTheTrendWhereNoiseIsGiven)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
     KrigingFitOptions options = withTrend(1);
@@ -208,7 +208,7 @@ TEST(KrigingFit, KeepsTheTrendWhereNoiseIsGiven)
     EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
 }
 
-TEST(KrigingFit, KeepsATrendThatPredictsBetter)
+TEST(KrigingFitter, KeepsATrendThatPredictsBetter)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
     const std::vector<double> output = valuesOf(
@@ -223,7 +223,7 @@ TEST(KrigingFit, KeepsATrendThatPredictsBetter)
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V2"}));
 }
 
-TEST(KrigingFit, KeepsTheTrendWhereLengthsAreFixed)
+TEST(KrigingFitter, KeepsTheTrendWhereLengthsAreFixed)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
     KrigingFitOptions options = withTrend(1);
@@ -232,7 +232,7 @@ TEST(KrigingFit, KeepsTheTrendWhereLengthsAreFixed)
     EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
 }
 
-TEST(KrigingFit, SaysWhichTermsOfTheTrendWereDropped)
+TEST(KrigingFitter, SaysWhichTermsOfTheTrendWereDropped)
 {
     // V2 is V1 upside down.
     Columns inputs = latinHypercube(20, 1, 3);
@@ -250,7 +250,7 @@ TEST(KrigingFit, SaysWhichTermsOfTheTrendWereDropped)
     EXPECT_TRUE(warns(fit, "Terms of the trend that the cases cannot separate were dropped: V2."));
 }
 
-TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
+TEST(KrigingFitter, IsTheTrendWhereThatPassesThroughAllCases)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
@@ -269,7 +269,7 @@ TEST(KrigingFit, IsTheTrendWhereThatPassesThroughAllCases)
     EXPECT_NEAR(fit.report.trendCoefficients[2], -2.0, 1e-12);
 }
 
-TEST(KrigingFit, TakesLessThanTheLeastNuggetForNone)
+TEST(KrigingFitter, TakesLessThanTheLeastNuggetForNone)
 {
     const Columns inputs = latinHypercube(30, 1, 3);
     KrigingFitOptions options = withTrend(0);
@@ -281,7 +281,7 @@ TEST(KrigingFit, TakesLessThanTheLeastNuggetForNone)
     EXPECT_LT(fit.metrics.rmse, 1e-9);
 }
 
-TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
+TEST(KrigingFitter, TakesForNoiseWhatFixedLengthsCannotFollow)
 {
     // With infinite lengths all cases are one; their nugget is all that tells them apart.
     const Columns inputs = latinHypercube(30, 1, 3);
@@ -298,7 +298,7 @@ TEST(KrigingFit, TakesForNoiseWhatFixedLengthsCannotFollow)
                 0.01 * fit.metrics.rmse);
 }
 
-TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
+TEST(KrigingFitter, TakesForNoiseWhatOnlySpikesWouldFollow)
 {
     // The likelihood without the prior of the lengths prefers spikes by a little.
     for (const std::uint64_t seed : {9, 15, 32}) {
@@ -317,7 +317,7 @@ TEST(KrigingFit, TakesForNoiseWhatOnlySpikesWouldFollow)
     }
 }
 
-TEST(KrigingFit, ReportsAFractionThatNeverDecreases)
+TEST(KrigingFitter, ReportsAFractionThatNeverDecreases)
 {
     for (std::uint64_t seed = 1; seed <= 10; ++seed) {
         // A plane with noise: of the trends that are tried the linear one is searched to the end.
@@ -342,7 +342,7 @@ TEST(KrigingFit, ReportsAFractionThatNeverDecreases)
     }
 }
 
-TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
+TEST(KrigingFitter, DoesNotDependOnTheOrderOfTheCases)
 {
     Columns inputs = latinHypercube(25, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
@@ -360,7 +360,7 @@ TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCases)
     EXPECT_EQ(permuted.metrics.q2, fit.metrics.q2);
 }
 
-TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
+TEST(KrigingFitter, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
 {
     std::vector<double> output = UniformNumbers(3).next(50);
     const KrigingFit fit = fitOf({}, output);
@@ -372,7 +372,7 @@ TEST(KrigingFit, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
     EXPECT_EQ(permuted.metrics.looRmse, fit.metrics.looRmse);
 }
 
-TEST(KrigingFit, IsTheSameInUnitsOfAPowerOfTwo)
+TEST(KrigingFitter, IsTheSameInUnitsOfAPowerOfTwo)
 {
     // Nothing is rounded in going from one to the other, so every digit is kept.
     const Columns inputs = latinHypercube(25, 2, 3);
@@ -404,10 +404,10 @@ struct Unit
     double outputShift;
 };
 
-class KrigingFitInUnits : public testing::TestWithParam<Unit>
+class KrigingFitterInUnits : public testing::TestWithParam<Unit>
 {};
 
-TEST_P(KrigingFitInUnits, IsTheSameFit)
+TEST_P(KrigingFitterInUnits, IsTheSameFit)
 {
     const Unit unit = GetParam();
     const Columns inputs = latinHypercube(25, 2, 3);
@@ -438,7 +438,7 @@ TEST_P(KrigingFitInUnits, IsTheSameFit)
 }
 
 // Shifts of at most 1e6 scales: a double has 16 digits, so that ten of the data are left.
-INSTANTIATE_TEST_SUITE_P(RawUnits, KrigingFitInUnits,
+INSTANTIATE_TEST_SUITE_P(RawUnits, KrigingFitterInUnits,
                          testing::Values(Unit{1e-12, 0.0, 1.0, 0.0}, Unit{1e12, 0.0, 1.0, 0.0},
                                          Unit{1.0, 0.0, 1e-12, 0.0}, Unit{1.0, 0.0, 1e12, 0.0},
                                          Unit{1e12, 1e15, 1e-12, 1e-9},

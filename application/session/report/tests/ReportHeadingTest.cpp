@@ -1,0 +1,63 @@
+#include <session/report/ReportHeading.h>
+
+#include "CvdSession.h"
+#include "SmallTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+TEST(ReportHeading, NamesTheModelWithTermsThatAreNotTheUsualOnes)
+{
+    CaseSession session = cvdSession();
+    EXPECT_EQ(ReportHeading::modelText(session), "response surface");
+
+    session.chooseResponseSurface(
+        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::BackwardAicc});
+    EXPECT_TRUE(ReportHeading::selectsTerms(session));
+    EXPECT_EQ(ReportHeading::modelText(session),
+              "response surface, linear with interactions, terms selected by AICc");
+
+    session.chooseModel(CaseSession::Kriging);
+    EXPECT_EQ(ReportHeading::modelText(session), "Kriging");
+}
+
+TEST(ReportHeading, CountsCasesAndNamesWhatMakesThemInvalid)
+{
+    const CaseSession session(smallTable(), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(ReportHeading::caseText(session),
+              "5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)");
+    EXPECT_EQ(ReportHeading::caseText(cvdSession()), "11 read, 11 valid, 0 excluded, 0 invalid");
+}
+
+TEST(ReportHeading, NotesCellsWithoutNumberOfInputsAndOutputs)
+{
+    CaseTable table = cvdCases();
+    for (const std::size_t column : {0, 2}) {
+        table.columns[column].withoutNumber.count = 1;
+        table.columns[column].withoutNumber.spellings = {"failed"};
+        table.columns[column].withoutNumber.firstLine = 3;
+    }
+    const CaseSession session(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(ReportHeading::readingNotes(session),
+              (std::vector<std::string>{
+                  "Pressure: 1 cell is no number (\"failed\", in line 3): this case is left out."}))
+        << "the column without a role makes no case invalid";
+    EXPECT_EQ(ReportHeading::casesJson(session)["withoutNumber"].size(), 2u);
+}
+
+TEST(ReportHeading, BeginsReportsWithCasesModelAndInputs)
+{
+    const ReportJson::Json json = ReportHeading::modelJson(cvdSession());
+
+    EXPECT_EQ(json["schema"], ReportJson::schemaVersion);
+    EXPECT_EQ(json["model"], "response-surface");
+    EXPECT_EQ(json["terms"], "quadratic");
+    EXPECT_EQ(json["selectsTerms"], false);
+    EXPECT_EQ(json["inputs"], (std::vector<std::string>{"Pressure", "H2/WF6"}));
+    EXPECT_TRUE(json["outputs"].empty());
+    EXPECT_FALSE(ReportHeading::modelJson(cvdSession(CaseSession::Kriging)).contains("terms"));
+}
