@@ -15,8 +15,12 @@ struct PredictionIntervals
 };
 
 /**
- * A model that was fitted to cases, and can tell the uncertainty of its predictions. Arguments,
+ * A model that was fitted to cases and estimates the uncertainty of its predictions. Arguments,
  * results and errors are those of PredictiveModel.
+ *
+ * Constructors take one array of `rowCount` finite values per input (none at all gives a constant
+ * model) and one array of `rowCount` values per output, borrowed for the call. They throw Error if
+ * there is no case, a column is null, or an input is not finite.
  */
 class MIREL_FITTING_EXPORT FittedModel : public PredictiveModel
 {
@@ -65,8 +69,9 @@ public:
      */
     virtual double confidenceQuantile(int offset, double level) const;
 
-    /** What intervalQuantile() rests on. By default it is taken for that of a distribution, and
-     *  leaveOneOutPredictions() tell the shares. @throw Error as predictionIntervals(). */
+    /** How intervalQuantile() was found, and the coverage of its intervals among left-out cases. By
+     *  default it counts as the quantile of a distribution, and the coverage is that of
+     *  leaveOneOutPredictions(). @throw Error as predictionIntervals(). */
     virtual CalibrationReport calibrationReport(int offset) const;
 
     /** Rows ascending: all of them, or a random sample where a model of many cases keeps no more

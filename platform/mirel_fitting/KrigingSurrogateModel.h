@@ -35,12 +35,7 @@
 class MIREL_FITTING_EXPORT KrigingSurrogateModel : public FittedModel
 {
 public:
-    /**
-     * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
-     *                           call; none at all gives a constant model.
-     * @param dependentColumns   one array of `rowCount` values per output, borrowed for the call.
-     * @throw Error if there is no case, a column is null, an input is not finite or its range is
-     *        not, or an option is out of its range.
+    /** @throw Error also if the range of an input is not finite, or an option is out of its range.
      */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,

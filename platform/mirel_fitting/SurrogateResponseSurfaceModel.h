@@ -34,13 +34,7 @@ class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 public:
     using Selection = ResponseSurfaceOptions::Selection;
 
-    /**
-     * @param independentColumns one array of `rowCount` finite values per input, borrowed for the
-     *                           call; none at all gives a constant model.
-     * @param dependentColumns   one array of `rowCount` values per output, borrowed for the call.
-     * @throw Error if there is no case, a column is null, an input is not finite, the polynomial
-     *        has more than 10 000 terms, or a FitProgress cancels.
-     */
+    /** @throw Error also if the polynomial has more than 10 000 terms, or a FitProgress cancels. */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount);

@@ -24,7 +24,7 @@ class MIREL_FITTING_EXPORT TransformedOutput : public FittedModel
 {
 public:
     /** Makes the model that is fitted: of these columns, borrowed for the call, and as many rows.
-     *  Its outputs should be fitted when they are first used, since some are made in vain. */
+     *  Its outputs should be fitted when they are first used, since some never are. */
     using Maker = std::function<std::unique_ptr<FittedModel>(
         const std::vector<double*>& independentColumns,
         const std::vector<double*>& dependentColumns, std::size_t rowCount)>;

@@ -249,7 +249,7 @@ std::string selfCheck(const ExportedModel& model)
     std::string text;
     if (hasCorrelation(model)) {
         text += R"(
-/* Each number times a factor that tells its place. */
+/* The sum of the numbers, weighted by their positions. */
 static double surrogate_table_sum(const double *numbers, long count)
 {
     double sum = 0.0;

@@ -21,7 +21,7 @@ public:
     /** @param workspace borrowed; its roles must not change as long as this object lives. */
     explicit InputValues(Workspace& workspace);
 
-    /** Whether a text is a name without a value, though perhaps of no variable. */
+    /** Whether a text is a name without a value, perhaps of no variable. */
     bool isName(const std::string& text) const;
 
     /** @param assignment NAME=TEXT. @throw DistributionTextError */

@@ -15,7 +15,8 @@ namespace {
 // blocks, which one thread factorises alone, to be a small part of the work.
 constexpr std::size_t blockSize = 128;
 
-// Columns of the inverse at a time: more would compute more elements above the diagonal in vain.
+// Columns of the inverse at a time: more would compute more elements above the diagonal, which are
+// not used.
 constexpr std::size_t inverseColumns = 64;
 
 // Columns that a thread takes at a time in forColumns(): enough ranges to balance the load.

@@ -239,15 +239,15 @@ std::size_t ResponseSurfaceFit::degreesOfFreedom(std::size_t output) const
 
 IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) const
 {
-    const std::size_t freedom = degreesOfFreedom(output);
-    if (freedom == 0) {
+    const std::size_t residualDegrees = degreesOfFreedom(output);
+    if (residualDegrees == 0) {
         throw SurrogateModelInterface::Error(
             "There are no prediction intervals: the polynomial has as many terms as there are "
-            "cases, and none is left to tell the error by.");
+            "cases, and none is left to estimate the error from.");
     }
     const std::size_t cases = metrics(output).cases;
     const std::size_t points = replicated.any() ? cases - replicated.degreesOfFreedom() : cases;
-    return {static_cast<double>(freedom),
+    return {static_cast<double>(residualDegrees),
             fits[output].analysis().studentisedDeletedResiduals(replicated),
             points >= IntervalCalibration::fewestPoints ? IntervalCalibration::Basis::LeaveOneOut
                                                         : IntervalCalibration::Basis::Distribution};

@@ -256,7 +256,7 @@ TEST(ResponseSurfaceStatistics, LeavesOutWhatNeedsMoreCasesThanTerms)
                   model.predictionIntervals({&value, &value}, 0, 0.95, 1);
               }),
               "There are no prediction intervals: the polynomial has as many terms as there are "
-              "cases, and none is left to tell the error by.");
+              "cases, and none is left to estimate the error from.");
 }
 
 TEST(ResponseSurfaceStatistics, ListsTheCasesOfTheLargestLeverages)

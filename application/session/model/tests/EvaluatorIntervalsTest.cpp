@@ -85,7 +85,7 @@ TEST(EvaluatorIntervals, WithoutResidualDegreesOfFreedomAreEmptyAndSaidToBe)
     EXPECT_TRUE(std::isnan(limits[1].upper[0]));
     const std::string reason =
         " are empty. There are no prediction intervals: the polynomial has as many terms as there "
-        "are cases, and none is left to tell the error by.";
+        "are cases, and none is left to estimate the error from.";
     EXPECT_EQ(evaluation.intervalFaults,
               (std::vector<std::string>{"The limits of \"Stress\"" + reason,
                                         "The limits of \"Uniformity\"" + reason}));

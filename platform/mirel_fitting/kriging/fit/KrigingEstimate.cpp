@@ -18,7 +18,7 @@ KrigingEstimate::KrigingEstimate(const KrigingFitInput& input,
         search();
     }
     if (isPureErrorNegligible(input, *allCases, found)) {
-        // The order of the trend, too, was chosen by what is misleading.
+        // That likelihood has also lowered the order of the trend.
         chosenTrend = input.addTrend(*allCases);
         isSmooth = false;
         allCases->averageReplicates();

@@ -7,7 +7,7 @@
 /**
  * Half the width of a fit's prediction intervals in standard errors, from cases that are left out:
  * up to 2000 points by refits to four fifths of them, since leave-one-out with the parameters of
- * all cases is flattering, beyond by leave-one-out.
+ * all cases is optimistic, beyond by leave-one-out.
  * @param fit of `input`.
  * @throw SurrogateModelInterface::Error like KrigingSearch::run().
  */

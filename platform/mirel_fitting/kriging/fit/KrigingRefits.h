@@ -7,8 +7,8 @@
 #include <vector>
 
 /**
- * Cross-validation of a Kriging model with the parameters estimated anew: those of all cases know
- * the cases that leave-one-out leaves out, and flatter it.
+ * Cross-validation of a Kriging model with the parameters estimated anew: with those of all cases,
+ * which depend on the case left out too, leave-one-out errors are too small.
  */
 class KrigingRefits
 {

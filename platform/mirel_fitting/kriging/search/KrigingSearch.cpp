@@ -75,7 +75,7 @@ std::vector<std::size_t> Search::subsetSizes() const
 }
 
 /** From now on the likelihood is that of so many cases, at random: they are sorted, so that any
- *  regular choice would be lopsided. */
+ *  regular choice would leave gaps. */
 void Search::take(std::size_t cases)
 {
     objective.reset(); // before the memory of the next one is taken
@@ -224,9 +224,9 @@ std::vector<KrigingReport::Bound> Search::bounds()
 }
 
 /**
- * Where the likelihood of smooth data does not feel the nugget, the search leaves it where it is,
- * say at a millionth. Users expect such data to be met at the cases: where the likelihood is
- * indifferent, the least nugget is taken.
+ * Where the likelihood of smooth data hardly depends on the nugget, the search stops at any small
+ * one. Users expect the model of such data to interpolate the cases: unless a larger nugget is
+ * clearly likelier, the least one is taken.
  */
 void Search::preferLeastNugget()
 {

@@ -85,7 +85,7 @@ struct SearchPolicy
     std::size_t firstSubsetPerParameter = 3;
     /** From subset to subset; 4 costs the same. The next optimum is then a few steps away. */
     double subsetGrowth = 2.5;
-    /** The best optimum and the second, which the report wants to know. */
+    /** The best optimum and the second, which is reported. */
     std::size_t keptOptima = 2;
 
     // Whether two optima are the same model.
@@ -114,7 +114,7 @@ struct SearchPolicy
     /** A gain below this is no evidence for a nugget. */
     double indifferentGain = 0.1;
     /** The 1 % point of half a chi-squared distribution, required of a noise variance (relative to
-     *  the output's) below the next number, so that smooth data are met at the cases. Costs 1.5 in
+     *  the output's) below the next number, so that models of smooth data interpolate. Costs 1.5 in
      *  nine of 218 fits. Self, Liang, J. Am. Stat. Assoc. 82 (1987). */
     double significantGain = 2.7;
     double slightNoise = 1e-4;
