@@ -1,8 +1,10 @@
 #include "session/xml/XmlDom.h"
 
 #include "session/text/QuotedText.h"
-#include "session/xml/XmlString.h"
+#include "session/xml/XmlFault.h"
 #include "session/xml/XmlText.h"
+
+#include <mirel_serialization/storableText.h>
 
 #include <QDomDocument>
 #include <QDomElement>
@@ -10,15 +12,27 @@
 namespace {
 QDomElement makeElement(QDomDocument& document, const XmlNode& node);
 
+/** @throw XmlFault for half of a surrogate pair, which has no UTF-8. */
+std::string toUtf8Text(const QString& text)
+{
+    const std::string bytes = text.toStdString();
+    if (QString::fromStdString('.' + bytes) != QLatin1Char('.') + text) {
+        throw XmlFault(XmlPosition(), "XML cannot carry the text \"" + bytes +
+                                          "\": it holds half of a surrogate pair.");
+    }
+    return bytes;
+}
+
 QDomNode makeNode(QDomDocument& document, const XmlNode& node)
 {
     switch (node.kind) {
     case XmlNode::Text:
-        return document.createTextNode(toQString(node.text));
+        return document.createTextNode(storableText(node.text));
     case XmlNode::Comment:
-        return document.createComment(toQString(node.text));
+        return document.createComment(storableText(node.text));
     case XmlNode::Instruction:
-        return document.createProcessingInstruction(toQString(node.name), toQString(node.text));
+        return document.createProcessingInstruction(storableText(node.name),
+                                                    storableText(node.text));
     default:
         return makeElement(document, node);
     }
@@ -26,9 +40,9 @@ QDomNode makeNode(QDomDocument& document, const XmlNode& node)
 
 QDomElement makeElement(QDomDocument& document, const XmlNode& node)
 {
-    QDomElement element = document.createElement(toQString(node.name));
+    QDomElement element = document.createElement(storableText(node.name));
     for (const auto& attribute : node.attributes) {
-        element.setAttribute(toQString(attribute.first), toQString(attribute.second));
+        element.setAttribute(storableText(attribute.first), storableText(attribute.second));
     }
     for (const XmlNode& child : node.children) {
         element.appendChild(makeNode(document, child));

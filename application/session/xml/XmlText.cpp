@@ -1,9 +1,9 @@
 #include "session/xml/XmlText.h"
 
 #include "session/text/QuotedText.h"
-#include "session/xml/XmlString.h"
 
 #include <mirel_property/Utf8.h>
+#include <mirel_serialization/storableText.h>
 
 #include <QByteArray>
 #include <QString>
@@ -320,7 +320,7 @@ public:
 private:
     void writeElement(const XmlNode& node, int depth)
     {
-        const QString tag = toQString(node.name);
+        const QString tag = storableText(node.name);
         if (node.children.empty()) {
             writer.writeEmptyElement(tag);
             writeAttributes(node);
@@ -347,7 +347,7 @@ private:
     void writeAttributes(const XmlNode& node)
     {
         for (const auto& attribute : node.attributes) {
-            writer.writeAttribute(toQString(attribute.first), toQString(attribute.second));
+            writer.writeAttribute(storableText(attribute.first), storableText(attribute.second));
         }
     }
 
@@ -358,13 +358,13 @@ private:
             writeElement(node, depth);
             break;
         case XmlNode::Text:
-            writeText(toQString(node.text));
+            writeText(storableText(node.text));
             break;
         case XmlNode::Comment:
-            writer.writeComment(toQString(node.text));
+            writer.writeComment(storableText(node.text));
             break;
         case XmlNode::Instruction:
-            writer.writeProcessingInstruction(toQString(node.name), toQString(node.text));
+            writer.writeProcessingInstruction(storableText(node.name), storableText(node.text));
             break;
         }
     }
