@@ -226,12 +226,6 @@ public:
         return predictors[static_cast<std::size_t>(offset)];
     }
 
-    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
-    {
-        std::vector<double*> noOutputs;
-        columns->requireEvaluation(inputs, {}, noOutputs, count);
-    }
-
     CaseRanges ranges;
     std::vector<Predictor> predictors;
     std::optional<ArgumentCheck> columns;
@@ -301,17 +295,15 @@ DescribedSurrogateModel::fitWarnings(int offset,
 std::vector<double> DescribedSurrogateModel::extrapolations(const std::vector<double*>& inputs,
                                                             std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
-    std::vector<double> distances(count);
-    impl->ranges.distances(inputs, count, distances.data());
-    return distances;
+    impl->columns->requirePoints(inputs, count);
+    return impl->ranges.distances(inputs, count);
 }
 
 std::string
 DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                                               const std::vector<std::string>& inputNames) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns->requirePoints(inputs, count);
     return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 

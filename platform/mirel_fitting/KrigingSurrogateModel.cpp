@@ -94,12 +94,6 @@ public:
         }
     }
 
-    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
-    {
-        std::vector<double*> noOutputs;
-        columns.requireEvaluation(inputs, {}, noOutputs, count);
-    }
-
     const KrigingFit& fit(int offset)
     {
         columns.requireOutput(offset);
@@ -245,7 +239,7 @@ std::vector<double> KrigingSurrogateModel::standardErrors(const std::vector<doub
                                                           int offset, ErrorKind kind,
                                                           std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     const KrigingFit& fit = impl->fit(offset);
     std::vector<double> errors(count);
     if (count > 0) {
@@ -275,7 +269,7 @@ std::vector<std::vector<double>>
 KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
                                  std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     const KrigingFit& fit = impl->fit(offset);
     std::vector<std::vector<double>> gradients(inputs.size(), std::vector<double>(count));
     if (count > 0) {
@@ -287,17 +281,15 @@ KrigingSurrogateModel::gradients(const std::vector<double*>& inputs, int offset,
 std::vector<double> KrigingSurrogateModel::extrapolations(const std::vector<double*>& inputs,
                                                           std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
-    std::vector<double> distances(count);
-    impl->ranges.distances(inputs, count, distances.data());
-    return distances;
+    impl->columns.requirePoints(inputs, count);
+    return impl->ranges.distances(inputs, count);
 }
 
 std::string
 KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                                             const std::vector<std::string>& inputNames) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 

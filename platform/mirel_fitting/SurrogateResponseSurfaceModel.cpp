@@ -29,12 +29,6 @@ public:
         return result;
     }
 
-    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
-    {
-        std::vector<double*> noOutputs;
-        columns.requireEvaluation(inputs, {}, noOutputs, count);
-    }
-
     const IntervalCalibration& calibration(int offset)
     {
         const auto known = calibrations.find(offset);
@@ -140,17 +134,15 @@ std::vector<double>
 SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,
                                               std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
-    std::vector<double> distances(count);
-    impl->ranges.distances(inputs, count, distances.data());
-    return distances;
+    impl->columns.requirePoints(inputs, count);
+    return impl->ranges.distances(inputs, count);
 }
 
 std::string SurrogateResponseSurfaceModel::extrapolationWarning(
     const std::vector<double*>& inputs, std::size_t count,
     const std::vector<std::string>& inputNames) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->ranges.warning(inputs, count, InputNames(inputNames),
                                 impl->fit.unsupported(impl->ranges, inputs, count));
 }
@@ -166,7 +158,7 @@ std::vector<double>
 SurrogateResponseSurfaceModel::standardErrors(const std::vector<double*>& inputs, int offset,
                                               ErrorKind kind, std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->fit.standardErrors(impl->position(offset), inputs, kind == ErrorKind::Observation,
                                     count);
 }

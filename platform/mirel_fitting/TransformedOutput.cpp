@@ -164,11 +164,6 @@ public:
         return fits.emplace(offset, result).first->second;
     }
 
-    void requirePoints(const std::vector<double*>& points, std::size_t count) const
-    {
-        columns.requireEvaluation(points, {}, {}, count);
-    }
-
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(int offset, const Fit& fit) const
     {
         std::vector<LeaveOneOutPrediction> predictions =
@@ -497,7 +492,7 @@ std::vector<double> TransformedOutput::standardErrors(const std::vector<double*>
                                                       int offset, ErrorKind kind,
                                                       std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     const Impl::Fit& fit = impl->fit(offset);
     std::vector<double> errors = impl->inner->standardErrors(inputs, fit.innerOffset, kind, count);
     if (fit.transform == OutputTransform::None) {
@@ -516,7 +511,7 @@ PredictionIntervals TransformedOutput::predictionIntervals(const std::vector<dou
                                                            int offset, double level,
                                                            std::size_t count) const
 {
-    impl->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     const Impl::Fit& fit = impl->fit(offset);
     PredictionIntervals intervals =
         impl->inner->predictionIntervals(inputs, fit.innerOffset, level, count);

@@ -41,6 +41,12 @@ public:
     void requireEvaluation(const std::vector<double*>& inputs, const std::set<int>& offsets,
                            const std::vector<double*>& outputs, std::size_t count) const;
 
+    /** Those of an operation that returns its results. @throw like requireEvaluation(). */
+    void requirePoints(const std::vector<double*>& inputs, std::size_t count) const
+    {
+        requireEvaluation(inputs, {}, {}, count);
+    }
+
     /** Position of the first NaN or infinity, `count` if there is none. */
     static std::size_t findNotFinite(const double* values, std::size_t count);
 

@@ -67,10 +67,10 @@ double CaseRanges::distance(std::size_t input, double value) const
     return outside > rounding * magnitude ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
-void CaseRanges::distances(const std::vector<double*>& points, std::size_t count,
-                           double* result) const
+std::vector<double> CaseRanges::distances(const std::vector<double*>& points,
+                                          std::size_t count) const
 {
-    std::fill_n(result, count, 0.0);
+    std::vector<double> result(count);
     for (std::size_t k = 0; k < minima.size(); ++k) {
         for (std::size_t i = 0; i < count; ++i) {
             const double beyond = distance(k, points[k][i]);
@@ -80,6 +80,7 @@ void CaseRanges::distances(const std::vector<double*>& points, std::size_t count
             }
         }
     }
+    return result;
 }
 
 void CaseRanges::clamp(std::size_t input, const double* values, std::size_t count,

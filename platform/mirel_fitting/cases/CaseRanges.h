@@ -20,7 +20,7 @@ public:
     std::vector<PredictorDescription::InputRange> ranges() const;
 
     /** See PredictiveModel::extrapolations(). */
-    void distances(const std::vector<double*>& points, std::size_t count, double* result) const;
+    std::vector<double> distances(const std::vector<double*>& points, std::size_t count) const;
 
     /** The values of one input, those beyond its range moved to its end; NaN stays.
      *  @param clamped receives `count` values; may be `values` itself. */
