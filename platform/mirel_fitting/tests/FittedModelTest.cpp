@@ -79,7 +79,7 @@ TEST(FittedModel, HasConfidenceLimitsByTheSameQuantileUnlessItSaysAnother)
     EXPECT_EQ(HostModel().confidenceQuantile(0, 0.5), 2.0);
 }
 
-TEST(FittedModel, TellsTheSharesOfLeftOutCasesInsideItsIntervals)
+TEST(FittedModel, ReportsTheCoverageOfItsIntervals)
 {
     const CalibrationReport report = HostModel().calibrationReport(0);
 

@@ -29,7 +29,7 @@ TEST(ContradictingCases, HaveOutputsThatNoSlopeExplains)
     EXPECT_EQ(placesWith(1e-13, {1.0, 1.0 + 1e-8, 0.0}), 0u);
 }
 
-TEST(ContradictingCases, AreNoneWhereAModelTellsThemApart)
+TEST(ContradictingCases, AreNoneWhereAModelSeparatesThem)
 {
     EXPECT_EQ(placesWith(1e-6, {1.0, -1.0, 0.0}), 0u);
 }
@@ -56,7 +56,7 @@ TEST(ContradictingCases, CountOnceWhereSeveralLieTogether)
     EXPECT_EQ(ContradictingCases::places(data), 2u);
 }
 
-TEST(ContradictingCases, AreFoundAmongGridsWhereNoInputAloneTellsThemApart)
+TEST(ContradictingCases, AreFoundAmongGridsWhereNoInputAloneSeparatesThem)
 {
     KrigingData data;
     data.cases = 6;

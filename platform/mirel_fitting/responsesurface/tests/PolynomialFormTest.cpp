@@ -65,7 +65,7 @@ TEST(PolynomialForm, IsRefusedWithMoreTermsThanCanBeFitted)
               "fitted.");
 }
 
-TEST(PolynomialForm, WantsAllTermsOfTheBasisButSquaresThatWereNotChosen)
+TEST(PolynomialForm, HasAllTermsOfTheBasisButSquaresThatWereNotChosen)
 {
     const QuadraticBasis basis(2, 2); // 1, V1, V2, V1^2, V1 V2, V2^2
 

@@ -140,7 +140,7 @@ TEST(KrigingFitRepeatedCases, IsNotMisledByRepeatedCasesThatDifferByNextToNothin
     }
 }
 
-TEST(KrigingFitRepeatedCases, BearsCasesThatNearlyCoincide)
+TEST(KrigingFitRepeatedCases, AcceptsCasesThatNearlyCoincide)
 {
     Columns inputs = latinHypercube(30, 2, 3);
     for (std::size_t i = 0; i < 30; ++i) {

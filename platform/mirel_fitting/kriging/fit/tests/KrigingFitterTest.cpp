@@ -283,7 +283,7 @@ TEST(KrigingFitter, TakesLessThanTheLeastNuggetForNone)
 
 TEST(KrigingFitter, TakesForNoiseWhatFixedLengthsCannotFollow)
 {
-    // With infinite lengths all cases are one; their nugget is all that tells them apart.
+    // With infinite lengths all cases are one; only the nugget separates them.
     const Columns inputs = latinHypercube(30, 1, 3);
     const std::vector<double> output = valuesOf(wave, inputs);
     KrigingFitOptions options = withTrend(0);

@@ -191,7 +191,7 @@ TEST(LargeKriging, GivesNaNAtPointsThatAreNotFinite)
     EXPECT_TRUE(std::isnan(values[2]));
 }
 
-TEST(LargeKriging, BearsReplicatesNearDuplicatesAndConstantInputs)
+TEST(LargeKriging, AcceptsReplicatesNearDuplicatesAndConstantInputs)
 {
     Columns inputs = latinHypercube(500, 3, 3);
     const std::size_t given = inputs[0].size();

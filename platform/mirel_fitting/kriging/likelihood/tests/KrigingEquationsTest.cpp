@@ -77,7 +77,7 @@ TEST(KrigingEquations, EstimatesTheCondition)
     EXPECT_LT(equations.conditionEstimate(), 30.0 * 30.0 / 1e-3);
 }
 
-TEST(KrigingEquations, TellsWhatItLeavesUnexplained)
+TEST(KrigingEquations, ReportsItsResiduals)
 {
     const auto data = someData(20);
     KrigingEquations equations(data);

@@ -122,7 +122,7 @@ TEST(KrigingSubsetSearch, GainsLikelihoodByEachStepWithAllCases)
 
 TEST(KrigingSubsetSearch, NeverLosesLikelihoodByAStep)
 {
-    // Noise, smooth and rough outputs, from subsets that tell little: steps may lead astray.
+    // Noise, smooth and rough outputs, from subsets that show little: steps may make it worse.
     for (const std::uint64_t seed : {3, 4, 5, 6}) {
         const Columns inputs = latinHypercube(150, 3, seed);
         std::vector<double> output = valuesOf(
