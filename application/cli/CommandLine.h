@@ -28,6 +28,7 @@ struct CommandLine
     };
 
     Command command = Help;
+    std::string typed;               ///< all of it, quoted as a shell needs it
     std::string text;                ///< of Help and Version: what is to be printed
     std::string subject;             ///< the case file, the project document, or the text to check
     std::string cases;               ///< the case file to take instead of the project's

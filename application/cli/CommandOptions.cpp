@@ -566,11 +566,32 @@ std::vector<std::string> withTextAsArgument(std::vector<std::string> arguments)
     }
     return arguments;
 }
+
+/** The command as it can be typed again: single quotes around what a shell would take apart. */
+std::string typedText(const std::vector<std::string>& arguments)
+{
+    const std::string plain = "+,-./:=@_%^";
+    std::string text = "surrogate";
+    for (const std::string& argument : arguments) {
+        const bool isPlain =
+            !argument.empty() && std::all_of(argument.begin(), argument.end(), [&](char letter) {
+                return std::isalnum(static_cast<unsigned char>(letter)) != 0 ||
+                       plain.find(letter) != std::string::npos;
+            });
+        std::string quoted;
+        for (const char letter : argument) {
+            quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
+        }
+        text += ' ' + (isPlain ? argument : '\'' + quoted + '\'');
+    }
+    return text;
+}
 } // namespace
 
 CommandLine CommandOptions::parse(const std::vector<std::string>& arguments)
 {
     CommandLine line;
+    line.typed = typedText(arguments);
     Parser parser(line);
     try {
         parser.parse(withTextAsArgument(arguments), line);

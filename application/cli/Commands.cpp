@@ -31,6 +31,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -68,12 +71,21 @@ void runSummary(const CommandLine& line)
                                        : SummaryReport::text(open.session));
 }
 
+std::string localTime()
+{
+    const std::time_t now = std::time(nullptr);
+    std::ostringstream text;
+    text << std::put_time(std::localtime(&now), "%Y-%m-%d %H:%M");
+    return text.str();
+}
+
 void runFit(const CommandLine& line)
 {
     OpenSession open(line);
     fitWithProgress(line, open.session);
     if (!line.report.empty()) {
-        writeText(line.report, ReportPage::html(open.session));
+        writeText(line.report,
+                  ReportPage::html(open.session, {line.typed, SURROGATE_VERSION, localTime()}));
     }
     open.save(line);
     writeText(line.output,

@@ -10,14 +10,10 @@
 
 #include <algorithm>
 
-std::vector<SweepPicture> effectSweeps(CaseSession& session, const MainEffects& effects,
-                                       std::size_t output, std::size_t count)
+void shareAxis(std::vector<SweepPicture>& sweeps)
 {
-    std::vector<SweepPicture> sweeps;
     QwtInterval all;
-    for (const ModelCut* const cut : effects.strongest(output, count)) {
-        sweeps.push_back(sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
-        const SweepPicture& sweep = sweeps.back();
+    for (const SweepPicture& sweep : sweeps) {
         for (const auto* const column :
              {&sweep.model, &sweep.lower, &sweep.upper, &sweep.caseOutputs}) {
             all = all | AxisScale::range(*column);
@@ -26,7 +22,6 @@ std::vector<SweepPicture> effectSweeps(CaseSession& session, const MainEffects& 
     for (SweepPicture& sweep : sweeps) {
         sweep.axisOutputs = {all.minValue(), all.maxValue()};
     }
-    return sweeps;
 }
 
 EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, std::size_t output)
@@ -35,7 +30,11 @@ EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, 
     const std::string& name = first.outputs[output].name;
     EffectsPicture picture;
     picture.title = name + ", main effects, " + first.modelName;
-    picture.effects = effectSweeps(session, effects, output, maxEffects);
+    for (const ModelCut* const cut : effects.strongest(output, maxEffects)) {
+        picture.effects.push_back(
+            sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+    }
+    shareAxis(picture.effects);
     const std::string band = picture.effects.front().bandLabel;
     bool hasCases = false;
     for (SweepPicture& effect : picture.effects) {

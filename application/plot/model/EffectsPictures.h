@@ -13,12 +13,10 @@ class MainEffects;
 /** The most effects in one picture: those of more inputs are too small to be read. */
 constexpr std::size_t maxEffects = 30;
 
-/** Sweeps of an output on one axis, the strongest first, `count` at most.
- *  @throw SurrogateModelInterface::Error where one cannot be drawn. */
-SURROGATE_PLOT_EXPORT std::vector<SweepPicture> effectSweeps(CaseSession& session,
-                                                             const MainEffects& effects,
-                                                             std::size_t output, std::size_t count);
+/** Gives sweeps of one output the same axis. */
+SURROGATE_PLOT_EXPORT void shareAxis(std::vector<SweepPicture>& sweeps);
 
-/** The same as one picture. @throw SurrogateModelInterface::Error */
+/** The sweeps of an output as one picture.
+ *  @throw SurrogateModelInterface::Error where one cannot be drawn. */
 SURROGATE_PLOT_EXPORT EffectsPicture effectsPicture(CaseSession& session,
                                                     const MainEffects& effects, std::size_t output);

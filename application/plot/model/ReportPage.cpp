@@ -5,7 +5,10 @@
 #include "plot/model/CasePictures.h"
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"
+#include "plot/model/ContourPictures.h"
+#include "plot/model/EffectsPictures.h"
 #include "plot/model/MainEffects.h"
+#include "plot/model/ModelCut.h"
 #include "plot/model/SweepPictures.h"
 
 #include <session/cases/VariableNames.h>
@@ -15,48 +18,99 @@
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 /** Two pictures stand side by side: larger ones would be shrunk beyond reading. */
 const PictureSize sizeOnPage = {540, 420};
 
-/** @param make gives the picture. One that cannot be drawn does not cost the others. */
+/** Of each input: enough for smooth lines of a picture that small. */
+constexpr std::size_t contourValues = 61;
+
+/** Sweeps of further inputs hardly change. */
+constexpr std::size_t maxSweeps = 6;
+
+/** In the place of a picture that cannot be drawn, which does not cost the others. */
+std::string faultText(const std::string& kind, const SurrogateModelInterface::Error& error)
+{
+    return "<p>There is no picture of kind " + kind + ". " + HtmlReport::escaped(error.what()) +
+           "</p>";
+}
+
+/** @param make gives the picture. */
 template <typename Make>
 std::string drawn(const std::string& kind, Make make)
 {
     try {
         return Picture({make()}, sizeOnPage).toInlineSvg();
     } catch (const SurrogateModelInterface::Error& error) {
-        return "<p>There is no picture of kind " + kind + ". " + HtmlReport::escaped(error.what()) +
-               "</p>";
+        return faultText(kind, error);
     }
+}
+
+/** The strongest effects on one axis. */
+std::vector<std::string> drawnSweeps(CaseSession& session, std::size_t output,
+                                     const MainEffects& effects)
+{
+    std::vector<std::string> pictures;
+    std::vector<SweepPicture> sweeps;
+    for (const ModelCut* const cut : effects.strongest(output, maxSweeps)) {
+        try {
+            sweeps.push_back(sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+        } catch (const SurrogateModelInterface::Error& error) {
+            pictures.push_back(faultText("sweep", error));
+        }
+    }
+    shareAxis(sweeps);
+    for (SweepPicture& sweep : sweeps) {
+        pictures.push_back(Picture({std::move(sweep)}, sizeOnPage).toInlineSvg());
+    }
+    return pictures;
+}
+
+/** What the page shows of one output. */
+std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
+                                    const MainEffects& effects,
+                                    const std::vector<ResponseSurfaceStatistics>& statistics)
+{
+    std::vector<std::string> pictures;
+    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, output);
+    pictures.push_back(drawn("actual", [&] { return actualPicture(cases); }));
+    pictures.push_back(drawn("residuals", [&] { return residualPicture(cases); }));
+    if (!statistics.empty()) {
+        pictures.push_back(drawn("coefficients", [&] {
+            return coefficientPicture(statistics[output], namesOf(session.inputs()),
+                                      session.outputs()[output].lock()->name());
+        }));
+    }
+    const std::vector<const ModelCut*> strongest = effects.strongest(output, 2);
+    if (strongest.size() == 2) {
+        pictures.push_back(drawn("contour", [&] {
+            std::vector<std::size_t> swept = {strongest[0]->swept.front(),
+                                              strongest[1]->swept.front()};
+            std::sort(swept.begin(), swept.end());
+            return contourPicture(ModelCut::overRanges(session, swept, contourValues), output);
+        }));
+    }
+    for (std::string& sweep : drawnSweeps(session, output, effects)) {
+        pictures.push_back(std::move(sweep));
+    }
+    return pictures;
 }
 } // namespace
 
-std::string ReportPage::html(CaseSession& session)
+std::string ReportPage::html(CaseSession& session, const HtmlReport::Origin& origin)
 {
     const DrawingApplication application;
-    const std::vector<std::string> inputs = namesOf(session.inputs());
-    const std::vector<std::string> outputs = namesOf(session.outputs());
     const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
-    const MainEffects sweeps(session);
-    std::vector<std::vector<std::string>> pictures(outputs.size());
-    for (std::size_t i = 0; i < outputs.size(); ++i) {
-        const LeaveOneOutCases cases = LeaveOneOutCases::of(session, i);
-        pictures[i].push_back(drawn("actual", [&] { return actualPicture(cases); }));
-        pictures[i].push_back(drawn("residuals", [&] { return residualPicture(cases); }));
-        if (!statistics.empty()) {
-            pictures[i].push_back(drawn("coefficients", [&] {
-                return coefficientPicture(statistics[i], inputs, outputs[i]);
-            }));
-        }
-        for (const ModelCut* const cut : sweeps.strongest(i, 6)) {
-            pictures[i].push_back(drawn("sweep", [&] {
-                return sweepPicture(*cut, i, ConfidenceBand::of(session, *cut, i));
-            }));
-        }
+    const MainEffects effects(session);
+    std::vector<HtmlReport::OutputParts> parts;
+    for (std::size_t i = 0; i < session.outputs().size(); ++i) {
+        parts.push_back({picturesOf(session, i, effects, statistics), effects.ranking(i)});
     }
-    return HtmlReport::text(session, pictures);
+    return HtmlReport::text(session, parts, origin);
 }

@@ -252,6 +252,11 @@ const CaseCounts& Workspace::counts() const
     return *impl->knownCounts;
 }
 
+const std::string& Workspace::casePath() const
+{
+    return impl->path;
+}
+
 const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber() const
 {
     return impl->cellsWithoutNumber;

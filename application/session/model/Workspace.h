@@ -86,6 +86,10 @@ public:
     /** Valid until the cases or their roles change. */
     const CaseCounts& counts() const;
 
+    /** The file that the cases were read from, "-" for the standard input; empty for an exported
+     *  model. */
+    const std::string& casePath() const;
+
     /** The numeric variables of the case file that have cells which are no numbers and so count as
      *  missing, by name. */
     const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;

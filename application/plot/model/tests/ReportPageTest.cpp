@@ -13,9 +13,17 @@ TEST(ReportPage, HasThePicturesOfEachOutput)
     CaseSession surface = cvdSession();
     CaseSession kriging = cvdSession(CaseSession::Kriging);
 
-    // Actual, residuals, coefficients and two sweeps of two outputs.
-    EXPECT_EQ(countOf(ReportPage::html(surface), "<svg "), 10u);
-    EXPECT_EQ(countOf(ReportPage::html(kriging), "<svg "), 8u) << "without coefficients";
+    // Actual, residuals, coefficients, contour and two sweeps of two outputs.
+    EXPECT_EQ(countOf(ReportPage::html(surface), "<svg "), 12u);
+    EXPECT_EQ(countOf(ReportPage::html(kriging), "<svg "), 10u) << "without coefficients";
+}
+
+TEST(ReportPage, RanksTheInputs)
+{
+    CaseSession session = cvdSession();
+
+    EXPECT_EQ(countOf(ReportPage::html(session), "<tr><td>Pressure</td><td>100 %</td>"), 2u)
+        << "the strongest input of both outputs";
 }
 
 TEST(ReportPage, SaysWhyASweepCannotBeDrawnAndShowsTheOthers)
@@ -45,6 +53,6 @@ TEST(ReportPage, AnOutputThatCannotBeDrawnDoesNotCostTheOthers)
 
     const std::string html = ReportPage::html(session);
 
-    EXPECT_EQ(countOf(html, "<svg "), 5u);
+    EXPECT_EQ(countOf(html, "<svg "), 6u);
     EXPECT_EQ(countOf(html, "<p>There is no picture of kind actual. "), 1u);
 }

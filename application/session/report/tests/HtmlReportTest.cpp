@@ -39,8 +39,9 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 
     EXPECT_EQ(html.rfind("<!DOCTYPE html>\n<html lang=\"en\">\n", 0), 0u);
     EXPECT_TRUE(has(html, "<h1>Response surface of Uniformity, Stress</h1>"));
-    EXPECT_TRUE(has(html, "<p>Cases: 11 read, 11 valid, 0 excluded, 0 invalid.</p>"));
-    EXPECT_TRUE(has(html, "<tr><td>H2/WF6</td><td>V2</td><td>2</td><td>10</td></tr>"));
+    EXPECT_TRUE(
+        has(html, "<tr><td>Cases</td><td>11 read, 11 valid, 0 excluded, 0 invalid</td></tr>"));
+    EXPECT_TRUE(has(html, "<tr><td>H2/WF6</td><td>V2</td><td>2</td><td>10</td><td>2</td></tr>"));
     EXPECT_TRUE(has(html, "<h2>Stress</h2>"));
     EXPECT_TRUE(has(html, "<h3>Coefficients</h3>"));
     EXPECT_TRUE(has(html, "<td>Pressure * H2/WF6</td>"));
@@ -56,7 +57,8 @@ TEST(HtmlReport, SaysWhichTermsThereAre)
     CaseSession session = cvdSession();
     session.chooseResponseSurface({PolynomialTerms::Linear});
 
-    EXPECT_TRUE(has(HtmlReport::text(session, {}), "<p>Model: response surface, linear.</p>"));
+    EXPECT_TRUE(has(HtmlReport::text(session, {}),
+                    "<tr><td>Model</td><td>response surface, linear</td></tr>"));
 }
 
 TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
@@ -74,11 +76,62 @@ TEST(HtmlReport, PicturesStandWithTheirOutputAsTheyAre)
 {
     CaseSession session = cvdSession();
 
-    const std::string html = HtmlReport::text(session, {{"<svg id=\"a\"/>"}, {"<svg id=\"b\"/>"}});
+    const std::string html =
+        HtmlReport::text(session, {{{"<svg id=\"a\"/>"}, {}}, {{"<svg id=\"b\"/>"}, {}}});
 
     const std::size_t stress = html.find("<h2>Stress</h2>");
     EXPECT_LT(html.find("<div><svg id=\"a\"/></div>"), stress);
     EXPECT_GT(html.find("<div><svg id=\"b\"/></div>"), stress);
+}
+
+TEST(HtmlReport, BeginsWithHowWellEachOutputIsPredicted)
+{
+    const std::string surface = htmlOf(cvdSession());
+    const std::string kriging = htmlOf(cvdSession(CaseSession::Kriging));
+
+    EXPECT_TRUE(has(surface, "</h1>\n<p class=\"verdict poor\"><strong>Uniformity</strong>: "
+                             "left-out cases are hardly predicted (predicted R2 0.354), with a "
+                             "typical error of 1.09, 21 % of the range of the cases.</p>\n"));
+    EXPECT_TRUE(has(surface, "<p class=\"verdict good\"><strong>Stress</strong>: left-out cases "
+                             "are predicted well (predicted R2 0.972"));
+    EXPECT_TRUE(has(kriging, " (Q2 "));
+}
+
+TEST(HtmlReport, SaysThatTooFewCasesTellNothing)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {3}}, {6, 7, 8, 9, 10}, CaseSession::ResponseSurface);
+
+    EXPECT_TRUE(has(HtmlReport::text(session, {}),
+                    "<p class=\"verdict\"><strong>Stress</strong>: nothing tells how well further "
+                    "cases are predicted, there are too few cases to leave one out.</p>"));
+}
+
+TEST(HtmlReport, SaysWhereItComesFrom)
+{
+    CaseSession session = cvdSession();
+
+    const std::string html =
+        HtmlReport::text(session, {}, {"surrogate fit 'a b.csv'", "1.2.3", "2026-11-22 08:00"});
+
+    EXPECT_TRUE(has(html, "<tr><td>Command</td><td>surrogate fit &#39;a b.csv&#39;</td></tr>\n"
+                          "<tr><td>Version</td><td>1.2.3</td></tr>\n"
+                          "<tr><td>Date</td><td>2026-11-22 08:00</td></tr>"));
+    EXPECT_FALSE(has(htmlOf(cvdSession()), "<td>Command</td>"));
+}
+
+TEST(HtmlReport, RanksTheInputsOfEachOutput)
+{
+    CaseSession session = cvdSession();
+    HtmlReport::OutputParts parts;
+    parts.ranking = {{1, 1.0}, {0, 0.25}};
+
+    const std::string html = HtmlReport::text(session, {parts});
+
+    EXPECT_TRUE(has(html,
+                    "<tr><td>H2/WF6</td><td>100 %</td><td class=\"bar\"><span class=\"share\" "
+                    "style=\"width:100%\"></span></td></tr>\n"
+                    "<tr><td>Pressure</td><td>25 %</td>"));
+    EXPECT_EQ(faultOf(html), "");
 }
 
 TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
