@@ -17,6 +17,10 @@ constexpr double leaningProbability = 0.3;
 /** A larger RMSE by less than this factor makes no practical difference. */
 constexpr double practicalRatio = 1.02;
 
+/** A fit to all cases whose leave-one-out RMSE is larger than that of the folds by this factor
+ *  contradicts them. */
+constexpr double contradiction = 1.5;
+
 bool areBothExact(const OutputComparison& comparison)
 {
     // 1 - Q2 is the mean squared error in units of the variance.
@@ -162,10 +166,26 @@ std::string sentenceOf(const OutputComparison& comparison)
            (comparison.isClear ? "" : ", but that may be chance") + " (" + testText(comparison) +
            ").";
 }
+
+void remarkContradiction(CrossValidationMetrics& metrics)
+{
+    // Below the negligible both figures are rounding.
+    const double variance = metrics.rmse * metrics.rmse / (1.0 - metrics.q2);
+    const double negligible = OutputComparison::negligibleError * std::sqrt(variance);
+    if (metrics.looRmse > contradiction * metrics.rmse && metrics.looRmse > negligible) {
+        metrics.remarks.push_back("The fit to all cases contradicts the folds: its leave-one-out "
+                                  "RMSE is " +
+                                  shownFigure(metrics.looRmse) + " against a cross-validated of " +
+                                  shownFigure(metrics.rmse) +
+                                  ", so that it may predict worse than this comparison says.");
+    }
+}
 } // namespace
 
 void judge(OutputComparison& comparison)
 {
+    remarkContradiction(comparison.responseSurface);
+    remarkContradiction(comparison.kriging);
     comparison.verdict = verdictOf(comparison, comparison.isClear);
     comparison.recommendation = sentenceOf(comparison);
 }

@@ -26,9 +26,6 @@ using Columns = std::vector<std::vector<double>>;
 /** Of the progress of one fold: response surfaces take little of its time. */
 constexpr double shareOfResponseSurface = 0.05;
 
-/** Of the whole progress: the rest are the metrics and one fit to all cases. */
-constexpr double shareOfFolds = 0.99;
-
 std::vector<double> picked(const std::vector<double>& values,
                            const std::vector<std::size_t>& positions)
 {
@@ -119,7 +116,8 @@ struct Predictions
     std::vector<double> lower;  ///< limit of the 95 % interval, NaN where the fit has none
     std::vector<double> upper;  ///< likewise
     std::vector<CrossValidationMetrics::Failure> failures;
-    std::vector<std::size_t> terms; ///< of each fit
+    std::vector<std::size_t> terms;          ///< of each fit
+    std::vector<OutputTransform> transforms; ///< likewise
     double seconds = 0.0;
 };
 
@@ -194,7 +192,6 @@ public:
           kriging(responseSurface), workspace(workspace), cases(cases), folds(folds),
           foldOfCase(cases.folds().split(folds))
     {
-        const FitProgress::Portion portionOfFolds(0.0, shareOfFolds);
         for (std::size_t fold = 0; fold < folds; ++fold) {
             const FitProgress::Portion portion = partOf(fold, folds);
             runFold(fold);
@@ -270,6 +267,7 @@ private:
             throw SurrogateModelInterface::Error("A prediction is no finite number.");
         }
         predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
+        predictions.transforms.push_back(ModelInterfaces(*model).transform(0).transform);
         predictions.seconds += seconds;
         const PredictionIntervals intervals =
             intervalsOf(*model, split.testInputs, split.testCases.size(), message);
@@ -349,6 +347,35 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
     return metrics;
 }
 
+/** What of the fit to all cases is compared with the folds; nothing of one that fails. */
+struct WholeFit
+{
+    WholeFit(ModelType type, const Workspace& workspace, const Cases& cases, std::size_t output)
+    {
+        const std::string message = std::string(nameOf(type)) + ", all cases";
+        FitProgress::report(0.0, message);
+        try {
+            Columns inputs = cases.inputs;
+            std::vector<double> values = cases.outputs[output];
+            const auto model = workspace.modelFactory().makeModel(
+                type, pointersTo(inputs), {values.data()}, static_cast<int>(values.size()));
+            model->activateDependentVariables({0});
+            if (const PredictiveModel* const predictive = ModelInterfaces(*model).predictive()) {
+                looRmse = predictive->fitMetrics(0).looRmse;
+            }
+            terms = termCount(*model, workspace.responseSurface());
+            transform = ModelInterfaces(*model).transform(0).transform;
+        } catch (const SurrogateModelInterface::Error&) {
+            // The command fit says why; here the folds count.
+        }
+        FitProgress::report(1.0, message);
+    }
+
+    std::size_t terms = 0;
+    double looRmse = CrossValidationMetrics::none;
+    OutputTransform transform = OutputTransform::None;
+};
+
 /** Where the folds leave too few cases, the model is of a lower order than that of all cases. */
 void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidationMetrics& metrics)
 {
@@ -362,6 +389,16 @@ void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidat
                                   " fits it has fewer terms than with all cases, down to " +
                                   std::to_string(fewest) + " instead of " + std::to_string(terms) +
                                   ", so that the figures do not describe the model of all cases.");
+    }
+}
+
+void addWholeFit(const Predictions& predictions, const WholeFit& fit,
+                 CrossValidationMetrics& metrics)
+{
+    metrics.looRmse = fit.looRmse;
+    metrics.transform = fit.transform;
+    for (const OutputTransform transform : predictions.transforms) {
+        ++metrics.transforms[transform];
     }
 }
 
@@ -386,24 +423,9 @@ OutputComparison compared(const std::string& name, const std::vector<double>& ou
         metricsOf(responseSurface, haveCommonCases ? both : left, output, positions);
     comparison.kriging = metricsOf(kriging, haveCommonCases ? both : right, output, positions);
     comparison.errors = errors;
-    judge(comparison);
     return comparison;
 }
 
-/** The terms of the response surface of all cases; 0 if there is none. */
-std::size_t termsOfAll(const Workspace& workspace, const Cases& cases, std::size_t output)
-{
-    try {
-        Columns inputs = cases.inputs;
-        std::vector<double> values = cases.outputs[output];
-        const auto model =
-            workspace.modelFactory().makeModel(Workspace::ResponseSurface, pointersTo(inputs),
-                                               {values.data()}, static_cast<int>(values.size()));
-        return termCount(*model, workspace.responseSurface());
-    } catch (const SurrogateModelInterface::Error&) {
-        return 0;
-    }
-}
 } // namespace
 
 std::size_t ModelComparison::maxFolds(const Workspace& workspace)
@@ -425,16 +447,32 @@ ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t fold
 
     ModelComparison comparison;
     comparison.folds = folds;
-    const CrossValidation validation(workspace, cases, folds);
-    const FitProgress::Portion rest(shareOfFolds, 1.0);
+    const auto fits = static_cast<double>(folds + 1);
+    const double shareOfFolds = static_cast<double>(folds) / fits; // one fit more to all cases
+    const CrossValidation validation = [&] {
+        const FitProgress::Portion portion(0.0, shareOfFolds);
+        return CrossValidation(workspace, cases, folds);
+    }();
     const std::vector<std::string> names = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < names.size(); ++i) {
+        OutputComparison& output = comparison.outputs.emplace_back(
+            compared(names[i], cases.outputs[i], cases.positions, validation.responseSurface[i],
+                     validation.kriging[i], validation.pairedErrors(i)));
+        const FitProgress::Portion rest(shareOfFolds, 1.0);
         const FitProgress::Portion portion = partOf(i, names.size());
-        comparison.outputs.push_back(compared(names[i], cases.outputs[i], cases.positions,
-                                              validation.responseSurface[i], validation.kriging[i],
-                                              validation.pairedErrors(i)));
-        remarkOrder(validation.responseSurface[i], termsOfAll(workspace, cases, i),
-                    comparison.outputs.back().responseSurface);
+        const auto add = [&](ModelType type, const Predictions& predictions,
+                             CrossValidationMetrics& metrics, double from, double to) {
+            const FitProgress::Portion part(from, to);
+            const WholeFit fit(type, workspace, cases, i);
+            if (type == Workspace::ResponseSurface) {
+                remarkOrder(predictions, fit.terms, metrics);
+            }
+            addWholeFit(predictions, fit, metrics);
+        };
+        add(Workspace::ResponseSurface, validation.responseSurface[i], output.responseSurface, 0.0,
+            shareOfResponseSurface);
+        add(Workspace::Kriging, validation.kriging[i], output.kriging, shareOfResponseSurface, 1.0);
+        judge(output);
     }
     comparison.seconds = watch.seconds();
     return comparison;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <mirel_fitting/OutputTransform.h>
 #include <session/model/PairedErrors.h>
 
 #include <cstddef>
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -25,7 +27,11 @@ struct CrossValidationMetrics
     std::size_t largestErrorCase = 0; ///< its position in the case file, from 0
     double held95 = none;             ///< the fraction of them inside of the 95 % intervals
     double fitSeconds = none;         ///< wall-clock time of one fit, mean of the folds
-    std::vector<Failure> failures;    ///< the folds in which the model cannot be fitted
+    double looRmse = none;            ///< leave-one-out, of the fit to all cases
+    OutputTransform transform = OutputTransform::None; ///< in the fit to all cases
+    /** In so many folds each was modelled. */
+    std::map<OutputTransform, std::size_t> transforms;
+    std::vector<Failure> failures; ///< the folds in which the model cannot be fitted
     std::vector<std::string>
         remarks; ///< how fits differ from the fit to all cases, a sentence each
 };

@@ -31,10 +31,33 @@ void addRow(TextTable& table, const std::string& model, const CrossValidationMet
                shownNumber(figures.largestError), place, shownSeconds(figures.fitSeconds)});
 }
 
-std::string notesOf(const std::string& model, const CrossValidationMetrics& figures,
-                    std::size_t folds)
+/** What of the output was modelled: empty where it is the output itself, in the folds and in the
+ * fit to all cases. */
+std::string transformNote(const std::string& model, const std::string& output,
+                          const CrossValidationMetrics& figures)
 {
-    std::string text;
+    if (figures.transforms.size() == 1 && figures.transforms.begin()->first == figures.transform) {
+        return figures.transform == OutputTransform::None
+                   ? std::string()
+                   : model + " models " + ReportHeading::modelledText(figures.transform, output) +
+                         ".";
+    }
+    std::vector<std::string> folds;
+    for (const auto& [transform, count] : figures.transforms) {
+        folds.push_back(ReportHeading::modelledText(transform, output) + " in " +
+                        std::to_string(count));
+    }
+    return folds.empty()
+               ? std::string()
+               : model + " models " + joinedText(folds) + " of the folds, and with all cases " +
+                     ReportHeading::modelledText(figures.transform, output) + ".";
+}
+
+std::string notesOf(const std::string& model, const std::string& output,
+                    const CrossValidationMetrics& figures, std::size_t folds)
+{
+    const std::string note = transformNote(model, output, figures);
+    std::string text = note.empty() ? note : "  Note: " + oneLineText(note) + '\n';
     if (!figures.failures.empty()) {
         const CrossValidationMetrics::Failure& first = figures.failures.front();
         text += "  Warning: " + model + " cannot be fitted in " +
@@ -73,8 +96,8 @@ std::string outputText(const OutputComparison& output, std::size_t folds)
     addRow(table, "Kriging", output.kriging);
     return '\n' + oneLineText(output.name) + '\n' + table.text("  ") + "  " +
            output.recommendation + '\n' + intervalText(output) +
-           notesOf("The response surface", output.responseSurface, folds) +
-           notesOf("Kriging", output.kriging, folds);
+           notesOf("The response surface", output.name, output.responseSurface, folds) +
+           notesOf("Kriging", output.name, output.kriging, folds);
 }
 
 Json modelJson(const char* name, const CrossValidationMetrics& figures)
@@ -83,13 +106,20 @@ Json modelJson(const char* name, const CrossValidationMetrics& figures)
     for (const CrossValidationMetrics::Failure& failure : figures.failures) {
         failures.push_back({{"fold", failure.fold + 1}, {"message", failure.sentence}});
     }
+    Json transforms = Json::object();
+    for (const auto& [transform, count] : figures.transforms) {
+        transforms[OutputTransforms::word(transform)] = count;
+    }
     Json json = {{"model", name},
+                 {"transform", OutputTransforms::word(figures.transform)},
+                 {"foldTransforms", transforms},
                  {"cases", figures.cases},
                  {"q2", figures.q2},
                  {"rmse", figures.rmse},
                  {"largestError", figures.largestError},
                  {"largestErrorCase", nullptr},
                  {"held95", figures.held95},
+                 {"looRmse", figures.looRmse},
                  {"fitSeconds", figures.fitSeconds},
                  {"failures", failures},
                  {"warnings", figures.remarks}};

@@ -124,3 +124,15 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
     json["outputs"] = ReportJson::Json::array();
     return json;
 }
+
+std::string ReportHeading::modelledText(OutputTransform transform, const std::string& output)
+{
+    switch (transform) {
+    case OutputTransform::SquareRoot:
+        return "the square root of " + output;
+    case OutputTransform::Logarithm:
+        return "the logarithm of " + output;
+    default:
+        return output + " itself";
+    }
+}

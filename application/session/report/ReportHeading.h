@@ -2,6 +2,7 @@
 
 #include "session/report/ReportJson.h"
 
+#include <mirel_fitting/OutputTransform.h>
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
@@ -36,4 +37,8 @@ bool selectsTerms(const Workspace& workspace);
 
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
 ReportJson::Json modelJson(const Workspace& workspace);
+
+/** What of an output is modelled: "the logarithm of y", "y itself". */
+SURROGATE_SESSION_EXPORT std::string modelledText(OutputTransform transform,
+                                                  const std::string& output);
 } // namespace ReportHeading

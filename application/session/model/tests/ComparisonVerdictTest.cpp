@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 namespace {
 /** Of an output of variance 1. */
@@ -171,4 +172,22 @@ TEST(ComparisonVerdict, ShowsANameThatBreaksTheLine)
     judge(comparison);
 
     EXPECT_EQ(comparison.recommendation.rfind("Use neither model for \"a\\x0Ab\": ", 0), 0u);
+}
+
+TEST(ComparisonVerdict, RemarksAFitThatContradictsTheFolds)
+{
+    CrossValidationMetrics kriging = figures(0.1);
+    kriging.looRmse = 0.16;
+    EXPECT_EQ(judged(figures(0.5), kriging, 1.6, 0.001).kriging.remarks,
+              (std::vector<std::string>{
+                  "The fit to all cases contradicts the folds: its leave-one-out RMSE is 0.16 "
+                  "against a cross-validated of 0.1, so that it may predict worse than this "
+                  "comparison says."}));
+
+    kriging.looRmse = 0.14;
+    EXPECT_TRUE(judged(figures(0.5), kriging, 1.6, 0.001).kriging.remarks.empty());
+
+    CrossValidationMetrics exact = figures(1e-10);
+    exact.looRmse = 1e-8;
+    EXPECT_TRUE(judged(figures(0.5), exact, 1.6, 0.001).kriging.remarks.empty());
 }

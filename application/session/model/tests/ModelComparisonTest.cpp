@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -314,4 +315,35 @@ TEST(ModelComparison, CountsNoneWhereModelsHaveNoIntervals)
 
     EXPECT_EQ(comparison.responseSurface.cases, 4u);
     EXPECT_TRUE(std::isnan(comparison.responseSurface.held95));
+}
+
+TEST(ModelComparison, CountsTheTransformsOfTheFolds)
+{
+    // Over six decades, with noise that grows with the output.
+    Uniform uniform;
+    std::vector<double> a(60), y(60);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        a[i] = uniform();
+        y[i] = std::exp(14.0 * a[i] + 0.1 * uniform());
+    }
+    const CaseSession session(tableOf({{"a", a}, {"y", y}}), {{0}, {1}}, {},
+                              CaseSession::ResponseSurface);
+
+    const OutputComparison output = ModelComparison::of(session, 4).outputs[0];
+
+    EXPECT_EQ(output.kriging.transform, OutputTransform::Logarithm);
+    EXPECT_EQ(output.kriging.transforms,
+              (std::map<OutputTransform, std::size_t>{{OutputTransform::Logarithm, 4}}));
+    EXPECT_EQ(output.responseSurface.transform, OutputTransform::None);
+    EXPECT_EQ(output.responseSurface.transforms,
+              (std::map<OutputTransform, std::size_t>{{OutputTransform::None, 4}}));
+}
+
+TEST(ModelComparison, HasTheLeaveOneOutErrorsOfTheFitToAllCases)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::Kriging);
+
+    const OutputComparison output = ModelComparison::of(session, 5).outputs[0];
+
+    EXPECT_EQ(output.kriging.looRmse, session.fit().outputs[0].metrics.looRmse);
 }

@@ -27,10 +27,14 @@ ModelComparison sampleComparison()
     output.responseSurface.largestError = 1.25;
     output.responseSurface.largestErrorCase = 4;
     output.responseSurface.held95 = 0.943;
+    output.responseSurface.looRmse = 0.375;
+    output.responseSurface.transforms = {{OutputTransform::None, 5}};
     output.responseSurface.fitSeconds = 0.0001;
     output.responseSurface.remarks = {"It has fewer terms."};
     output.kriging = output.responseSurface;
     output.kriging.remarks.clear();
+    output.kriging.transform = OutputTransform::Logarithm;
+    output.kriging.transforms = {{OutputTransform::Logarithm, 3}};
     output.kriging.q2 = 0.5;
     output.kriging.held95 = 1.0;
     output.kriging.failures = {{2, "There is a fault."}, {3, "There is another."}};
@@ -56,6 +60,7 @@ TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
         "  Take either.\n"
         "  The 95 % intervals held 94.3 % (response surface), 100 % (Kriging) of the left-out "
         "cases.\n"
+        "  Note: Kriging models the logarithm of Stress.\n"
         "  Warning: The response surface: It has fewer terms.\n"
         "  Warning: Kriging cannot be fitted in 2 of 5 folds, whose cases are left out of all "
         "figures; in fold 3: There is a fault.\n");
@@ -75,8 +80,23 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
         Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0)));
     EXPECT_EQ(
         json["outputs"][0]["models"][1].dump(),
-        R"({"model":"kriging","cases":0,"q2":null,"rmse":null,"largestError":null,)"
-        R"("largestErrorCase":null,"held95":null,"fitSeconds":null,"failures":[],"warnings":[]})");
+        R"({"model":"kriging","transform":"none","foldTransforms":{},"cases":0,"q2":null,"rmse":null,"largestError":null,)"
+        R"("largestErrorCase":null,"held95":null,"looRmse":null,"fitSeconds":null,"failures":[],"warnings":[]})");
+}
+
+TEST(ComparisonReport, SaysWhereFoldsChooseAnotherTransform)
+{
+    ModelComparison comparison = sampleComparison();
+    comparison.outputs[0].kriging.transforms = {{OutputTransform::None, 1},
+                                                {OutputTransform::Logarithm, 4}};
+
+    const std::string text = ComparisonReport::text(cvdSession(), comparison);
+
+    EXPECT_NE(
+        text.find("  Note: Kriging models Stress itself in 1, the logarithm of Stress in 4 of "
+                  "the folds, and with all cases the logarithm of Stress.\n"),
+        std::string::npos)
+        << text;
 }
 
 TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
@@ -84,21 +104,22 @@ TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
     const Json json = Json::parse(
         ReportJson::text(ComparisonReport::json(cvdSession(), sampleComparison(), 0.25)));
 
-    EXPECT_EQ(json.dump(),
-              R"({"schema":1,"cases":{"read":11,"valid":11,"excluded":0,"invalid":0},)"
-              R"("inputs":["Pressure","H2/WF6"],"folds":5,"outputs":[{"name":"Stress","models":[)"
-              R"({"model":"response-surface","cases":9,"q2":0.75,"rmse":0.5,"largestError":1.25,)"
-              R"("largestErrorCase":5,"held95":0.943,"fitSeconds":0.0001,"failures":[],)"
-              R"("warnings":["It has fewer terms."]},)"
-              R"({"model":"kriging","cases":9,"q2":0.5,"rmse":0.5,"largestError":1.25,)"
-              R"("largestErrorCase":5,"held95":1.0,"fitSeconds":0.0001,"failures":[)"
-              R"({"fold":3,"message":"There is a fault."},)"
-              R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
-              R"("difference":{"logRmseRatio":-0.125,"standardError":0.25,"p":0.64,"folds":5,)"
-              R"("nearer":{"response-surface":7,"kriging":2}},)"
-              R"("recommended":"either","confidence":"none","recommendation":"Take either."}],)"
-              R"("terms":"quadratic","selectsTerms":false,)"
-              R"("seconds":{"read":0.25,"compare":0.5}})");
+    EXPECT_EQ(
+        json.dump(),
+        R"({"schema":1,"cases":{"read":11,"valid":11,"excluded":0,"invalid":0},)"
+        R"("inputs":["Pressure","H2/WF6"],"folds":5,"outputs":[{"name":"Stress","models":[)"
+        R"({"model":"response-surface","transform":"none","foldTransforms":{"none":5},"cases":9,"q2":0.75,"rmse":0.5,"largestError":1.25,)"
+        R"("largestErrorCase":5,"held95":0.943,"looRmse":0.375,"fitSeconds":0.0001,"failures":[],)"
+        R"("warnings":["It has fewer terms."]},)"
+        R"({"model":"kriging","transform":"log","foldTransforms":{"log":3},"cases":9,"q2":0.5,"rmse":0.5,"largestError":1.25,)"
+        R"("largestErrorCase":5,"held95":1.0,"looRmse":0.375,"fitSeconds":0.0001,"failures":[)"
+        R"({"fold":3,"message":"There is a fault."},)"
+        R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
+        R"("difference":{"logRmseRatio":-0.125,"standardError":0.25,"p":0.64,"folds":5,)"
+        R"("nearer":{"response-surface":7,"kriging":2}},)"
+        R"("recommended":"either","confidence":"none","recommendation":"Take either."}],)"
+        R"("terms":"quadratic","selectsTerms":false,)"
+        R"("seconds":{"read":0.25,"compare":0.5}})");
 }
 
 TEST(ComparisonReport, JsonSaysHowClearAVerdictIs)
