@@ -2,6 +2,7 @@
 
 #include "plot/model/DrawableValues.h"
 
+#include <session/report/ReportHeading.h>
 #include <session/text/QuotedText.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -13,12 +14,14 @@
 
 CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistics,
                                       const std::vector<std::string>& inputs,
-                                      const std::string& output)
+                                      const std::string& output, OutputTransform transform)
 {
     const std::string owner = "The model of " + quotedText(output);
     CoefficientPicture picture;
     picture.title = output + ", response surface, coefficients";
-    picture.valueName = "coefficient, in the unit of " + output;
+    picture.valueName = transform == OutputTransform::None
+                            ? "coefficient, in the unit of " + output
+                            : "coefficient of " + ReportHeading::modelledText(transform, output);
     bool hasLimits = true;
     for (const CoefficientStatistics& each : statistics.codedCoefficients) {
         // The constant is on a scale of its own, beside which the others would look like 0.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/OutputTransform.h>
 #include <plot/data/CoefficientPicture.h>
 
 #include <surrogate_plot/Export.h>
@@ -11,9 +12,11 @@ struct ResponseSurfaceStatistics;
 
 /**
  * The coefficients of an output for inputs coded to [-1, 1], the largest first.
- * @param inputs their names.
+ * @param inputs    their names.
+ * @param transform of the output, whose unit the coefficients then have.
  * @throw SurrogateModelInterface::Error if there is none but the constant, or they cannot be drawn.
  */
 SURROGATE_PLOT_EXPORT CoefficientPicture
 coefficientPicture(const ResponseSurfaceStatistics& statistics,
-                   const std::vector<std::string>& inputs, const std::string& output);
+                   const std::vector<std::string>& inputs, const std::string& output,
+                   OutputTransform transform = OutputTransform::None);

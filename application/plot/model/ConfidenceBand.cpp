@@ -3,12 +3,22 @@
 #include "plot/model/ModelCut.h"
 
 #include <session/model/CaseSession.h>
+#include <session/model/ModelInterfaces.h>
+#include <session/text/NumberText.h>
 
 #include <mirel_fitting/FittedModel.h>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+namespace {
+bool areFinite(const std::vector<double>& values)
+{
+    return std::all_of(values.begin(), values.end(),
+                       [](double value) { return std::isfinite(value); });
+}
+} // namespace
 
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
 {
@@ -17,19 +27,18 @@ ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std
     if (model == nullptr) {
         return {};
     }
-    if (session.fit().outputs[output].modelled.transform != OutputTransform::None) {
-        return {}; // what lies so many standard errors off is no limit of the output
-    }
     const int offset = session.outputOffsets()[output];
     std::vector<double*> points;
     for (const ModelCut::Column& input : cut.inputs) {
         points.push_back(const_cast<double*>(input.values.data())); // only read
     }
-    std::vector<double> errors =
-        model->standardErrors(points, offset, FittedModel::ErrorKind::Mean, cut.points());
-    if (!std::all_of(errors.begin(), errors.end(),
-                     [](double error) { return std::isfinite(error); })) {
+    PredictionIntervals limits =
+        ModelInterfaces(*model).confidenceLimits(points, offset, level, cut.points());
+    if (!areFinite(limits.lower) || !areFinite(limits.upper)) {
         return {};
     }
-    return {model->confidenceQuantile(offset, level), std::move(errors)};
+    constexpr int digits = 3;
+    return {std::move(limits.lower), std::move(limits.upper),
+            "\302\261 " + shownNumber(model->confidenceQuantile(offset, level), digits) +
+                " standard errors (95\302\240%)"};
 }

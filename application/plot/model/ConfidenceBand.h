@@ -3,19 +3,22 @@
 #include <surrogate_plot/Export.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 class CaseSession;
 struct ModelCut;
 
-/** Where the mean of an output lies with a probability of 95 %: within `quantile` standard errors
- * of the prediction. */
+/** Where the mean of an output lies with a probability of 95 %: within so many standard errors of the
+ * prediction. Where a transform of the output is modelled, the limits are those of the transform,
+ * transformed back. */
 struct SURROGATE_PLOT_EXPORT ConfidenceBand
 {
-    double quantile = 0.0;
-    /** One per point of a cut; empty if the model has none, if as many terms as cases leave nothing
-     *  to estimate them from, or if a transform of the output was modelled. */
-    std::vector<double> standardErrors;
+    /** One per point of a cut; empty, like `upper`, if the model has none, or if as many terms as
+     *  cases leave nothing to estimate them from. */
+    std::vector<double> lower;
+    std::vector<double> upper;
+    std::string label; ///< for the legend; empty without a band
 
     /** @throw SurrogateModelInterface::Error */
     static ConfidenceBand of(CaseSession& session, const ModelCut& cut, std::size_t output);

@@ -84,7 +84,8 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
     if (!statistics.empty()) {
         pictures.push_back(drawn("coefficients", [&] {
             return coefficientPicture(statistics[output], namesOf(session.inputs()),
-                                      session.outputs()[output].lock()->name());
+                                      session.outputs()[output].lock()->name(),
+                                      session.fit().outputs[output].modelled.transform);
         }));
     }
     const std::vector<const ModelCut*> strongest = effects.strongest(output, 2);

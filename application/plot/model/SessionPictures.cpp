@@ -167,7 +167,9 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
             pictures.emplace_back(residualPicture(LeaveOneOutCases::of(session, output)));
             break;
         case Kind::Coefficients:
-            pictures.emplace_back(coefficientPicture(statistics[output], inputs, outputs[output]));
+            pictures.emplace_back(
+                coefficientPicture(statistics[output], inputs, outputs[output],
+                                   session.fit().outputs[output].modelled.transform));
             break;
         }
     }

@@ -4,7 +4,6 @@
 #include "plot/model/DrawableValues.h"
 #include "plot/model/ModelCut.h"
 
-#include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
 
 #include <algorithm>
@@ -25,19 +24,6 @@ std::vector<std::size_t> ascending(const std::vector<double>& values)
     order.erase(std::unique(order.begin(), order.end(), isEqual), order.end());
     return order;
 }
-
-void addBand(const ConfidenceBand& band, const std::vector<std::size_t>& order,
-             SweepPicture& picture)
-{
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const double halfWidth = band.quantile * band.standardErrors[order[i]];
-        picture.lower.push_back(picture.model[i] - halfWidth);
-        picture.upper.push_back(picture.model[i] + halfWidth);
-    }
-    constexpr int digits = 3;
-    picture.bandLabel =
-        "\302\261 " + shownNumber(band.quantile, digits) + " standard errors (95\302\240%)";
-}
 } // namespace
 
 SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const ConfidenceBand& band)
@@ -55,8 +41,10 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
         picture.inputs.push_back(input.values[point]);
         picture.model.push_back(model.values[point]);
     }
-    if (!band.standardErrors.empty()) {
-        addBand(band, order, picture);
+    picture.bandLabel = band.label;
+    for (std::size_t i = 0; i < order.size() && !band.lower.empty(); ++i) {
+        picture.lower.push_back(band.lower[order[i]]);
+        picture.upper.push_back(band.upper[order[i]]);
     }
     picture.caseInputs = input.caseValues;
     picture.caseOutputs = model.caseValues;

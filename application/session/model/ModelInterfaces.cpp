@@ -4,6 +4,9 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TransformedOutput.h>
 
+#include <algorithm>
+#include <cmath>
+
 ModelInterfaces::ModelInterfaces(const SurrogateModelInterface& model) : model(model) {}
 
 const PredictiveModel* ModelInterfaces::predictive() const
@@ -21,6 +24,36 @@ ModelledTransform ModelInterfaces::transform(int offset) const
     const auto* const outer = dynamic_cast<const TransformedOutput*>(&model);
     return outer == nullptr ? ModelledTransform()
                             : ModelledTransform{outer->transform(offset), outer->gain(offset)};
+}
+
+PredictionIntervals ModelInterfaces::confidenceLimits(const std::vector<double*>& points,
+                                                      int offset, double level,
+                                                      std::size_t count) const
+{
+    if (const auto* const outer = dynamic_cast<const TransformedOutput*>(&model)) {
+        PredictionIntervals limits =
+            ModelInterfaces(outer->inner())
+                .confidenceLimits(points, outer->innerOffset(offset), level, count);
+        OutputTransforms::invert(outer->transform(offset), limits.lower.data(), count);
+        OutputTransforms::invert(outer->transform(offset), limits.upper.data(), count);
+        return limits;
+    }
+    const FittedModel& fittedModel = dynamic_cast<const FittedModel&>(model);
+    PredictionIntervals limits;
+    limits.upper = fittedModel.standardErrors(points, offset, FittedModel::ErrorKind::Mean, count);
+    const bool hasErrors = std::none_of(limits.upper.begin(), limits.upper.end(),
+                                        [](double error) { return std::isnan(error); });
+    const double quantile =
+        hasErrors ? fittedModel.confidenceQuantile(offset, level) : std::nan("");
+    limits.lower.resize(count);
+    std::vector<double*> predictions = {limits.lower.data()};
+    fittedModel.interpolateDependentValues(points, {offset}, predictions, count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double reach = quantile * limits.upper[i];
+        limits.upper[i] = limits.lower[i] + reach;
+        limits.lower[i] -= reach;
+    }
+    return limits;
 }
 
 std::optional<KrigingReport> ModelInterfaces::krigingReport(int offset) const

@@ -1,17 +1,16 @@
 #pragma once
 
+#include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <surrogate_session/Export.h>
 
+#include <cstddef>
 #include <limits>
 #include <optional>
-
-class FittedModel;
-class PredictiveModel;
-class SurrogateModelInterface;
+#include <vector>
 
 /** What of an output was modelled. */
 struct ModelledTransform
@@ -38,6 +37,14 @@ public:
     /** Of a model that was fitted; otherwise of none.
      *  @throw SurrogateModelInterface::Error if the output cannot be fitted. */
     ModelledTransform transform(int offset) const;
+
+    /**
+     * Limits of the mean of an output of a fitted model: confidenceQuantile() standard errors on
+     * both sides of the prediction, transformed back where a transform was modelled. NaN where
+     * there are no standard errors, as of as many terms as cases.
+     */
+    PredictionIntervals confidenceLimits(const std::vector<double*>& points, int offset,
+                                         double level, std::size_t count) const;
 
     /** Of a model fitted by Kriging only. Its rows are those of the fitted columns. The figures are
      *  those of the transform, but the worst cases are in the output's unit.

@@ -41,6 +41,17 @@ TEST(CoefficientPictures, AreSortedBySizeAndHaveLimits)
                                "constant. The bars are 95\302\240% confidence limits.");
 }
 
+TEST(CoefficientPictures, HaveTheUnitOfWhatWasModelled)
+{
+    const std::vector<ResponseSurfaceStatistics> statistics = cvdSession().statistics();
+
+    EXPECT_EQ(coefficientPicture(statistics[1], inputs, "Stress").valueName,
+              "coefficient, in the unit of Stress");
+    EXPECT_EQ(
+        coefficientPicture(statistics[1], inputs, "Stress", OutputTransform::Logarithm).valueName,
+        "coefficient of the logarithm of Stress");
+}
+
 TEST(CoefficientPictures, WithoutResidualsHaveNoLimits)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {0, 1, 2, 3, 4, 5, 6, 7},

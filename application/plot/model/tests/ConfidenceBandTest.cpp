@@ -8,6 +8,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+namespace {
+double width(const ConfidenceBand& band, std::size_t point)
+{
+    return band.upper[point] - band.lower[point];
+}
+} // namespace
+
 TEST(ConfidenceBand, OfKrigingIsByStudentsTForFewCasesAndWiderAtTheBorder)
 {
     CaseSession session = cvdSession(CaseSession::Kriging);
@@ -18,10 +27,10 @@ TEST(ConfidenceBand, OfKrigingIsByStudentsTForFewCasesAndWiderAtTheBorder)
         ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
 
     // qt(0.975, 8), for 11 cases and a linear trend.
-    EXPECT_NEAR(band.quantile, 2.306004135204166, 1e-12);
-    ASSERT_EQ(band.standardErrors.size(), 5u);
-    EXPECT_GT(band.standardErrors[2], 0.0);
-    EXPECT_GT(band.standardErrors[0], band.standardErrors[2]);
+    EXPECT_EQ(band.label, "\302\261 2.31 standard errors (95\302\240%)");
+    ASSERT_EQ(band.lower.size(), 5u);
+    EXPECT_GT(width(band, 2), 0.0);
+    EXPECT_GT(width(band, 0), width(band, 2));
 }
 
 TEST(ConfidenceBand, OfAResponseSurfaceIsByStudentsT)
@@ -33,10 +42,12 @@ TEST(ConfidenceBand, OfAResponseSurfaceIsByStudentsT)
     const ConfidenceBand band =
         ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
 
-    // qt(0.975, 5), for 11 cases and 6 terms.
-    EXPECT_NEAR(band.quantile, 2.570581835636314, 1e-9);
-    // In the middle of the ranges the prediction is the constant of the coded polynomial.
-    EXPECT_NEAR(band.standardErrors[1], session.statistics()[0].codedCoefficients[0].standardError,
+    // In the middle of the ranges the prediction is the constant of the coded polynomial; qt(0.975,
+    // 5), for 11 cases and 6 terms.
+    const CoefficientStatistics constant = session.statistics()[0].codedCoefficients[0];
+    EXPECT_NEAR(band.lower[1], constant.estimate - 2.570581835636314 * constant.standardError,
+                1e-9);
+    EXPECT_NEAR(band.upper[1], constant.estimate + 2.570581835636314 * constant.standardError,
                 1e-9);
 }
 
@@ -49,5 +60,26 @@ TEST(ConfidenceBand, DoesNotExistWithoutResidualDegreesOfFreedom)
     const ConfidenceBand band =
         ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
 
-    EXPECT_TRUE(band.standardErrors.empty());
+    EXPECT_TRUE(band.lower.empty());
+    EXPECT_EQ(band.label, "");
+}
+
+TEST(ConfidenceBand, OfATransformIsTransformedBack)
+{
+    CaseSession session(tableOf({{"x", {0, 1, 2, 3, 4, 5}}, {"y", {1, 3, 6, 25, 50, 170}}}),
+                        {{0}, {1}}, {}, CaseSession::ResponseSurface);
+    session.chooseTransform(TransformSetting::Logarithm);
+    session.sweepEvenly(0, 3);
+    const ModelCut cut = ModelCut::throughChosenValues(session);
+
+    const ConfidenceBand band = ConfidenceBand::of(session, cut, 0);
+
+    // The logarithm has its band on both sides alike.
+    ASSERT_EQ(band.lower.size(), 3u);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double prediction = cut.outputs[0].values[i];
+        EXPECT_GT(band.lower[i], 0.0);
+        EXPECT_NEAR(std::log(band.upper[i] / prediction), std::log(prediction / band.lower[i]),
+                    1e-9);
+    }
 }
