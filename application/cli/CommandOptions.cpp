@@ -440,6 +440,11 @@ public:
             CLI::App* const described =
                 app.add_subcommand(command.name, command.description)->allow_extras();
             command.describe(*described, line);
+            for (CLI::Option* const option : described->get_options()) {
+                if (option->get_expected_max() == 0) {
+                    option->disable_flag_override();
+                }
+            }
         }
         help = app.add_subcommand("help", "describes a command");
         help->add_option("COMMAND", helpTopic)->type_name("");
@@ -471,6 +476,36 @@ public:
     }
 
     std::string helpText() const { return app.help(); }
+
+    /** The parser's error in a sentence of our own. */
+    UsageError sentenceOf(const CLI::ParseError& error) const
+    {
+        const std::string text = error.what();
+        const std::string excludes = " excludes ";
+        const std::size_t excluding = text.find(excludes);
+        if (excluding != std::string::npos) {
+            return UsageError(text.substr(0, excluding) + " and " +
+                              text.substr(excluding + excludes.size()) +
+                              " exclude each other: give one of them.");
+        }
+        // Messages begin with the name of the option.
+        const std::string name = text.substr(0, text.find_first_of(": "));
+        for (const CLI::App* const command : app.get_subcommands()) {
+            const CLI::Option* const option = command->get_option_no_throw(name);
+            if (option == nullptr) {
+                continue;
+            }
+            if (option->get_expected_max() == 0) {
+                return UsageError(name + " takes no value.");
+            }
+            return UsageError(option->results().size() > 1
+                                  ? name + " is given more than once: give it once."
+                                  : name + " needs a value: " + name + ' ' +
+                                        option->get_type_name() + '.');
+        }
+        return UsageError("The arguments cannot be read (" + text +
+                          "). surrogate COMMAND --help lists the options.");
+    }
 
 private:
     CLI::App& find(const std::string& name)
@@ -602,8 +637,7 @@ CommandLine CommandOptions::parse(const std::vector<std::string>& arguments)
         line.command = CommandLine::Version;
         line.text = std::string(version.what()) + '\n';
     } catch (const CLI::ParseError& error) {
-        throw UsageError(std::string(error.what()) +
-                         "; surrogate COMMAND --help lists the options.");
+        throw parser.sentenceOf(error);
     }
     line.check();
     return line;

@@ -112,12 +112,37 @@ TEST(CommandOptions, IntervalBelongsToTables)
 TEST(CommandOptions, TermsAreChosenOnceOfWhatIsFitted)
 {
     EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --all-terms --select-terms"),
-              "--select-terms excludes --all-terms; surrogate COMMAND --help lists the options.");
+              "--select-terms and --all-terms exclude each other: give one of them.");
     for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
         EXPECT_EQ(refusalOf(command + "--select-terms"),
                   "--select-terms belongs to the commands summary, fit, evaluate, predict, "
                   "equations, compare, plot and export.");
     }
+}
+
+TEST(CommandOptions, AnOptionWithoutItsValueIsNamed)
+{
+    EXPECT_EQ(refusalOf("fit cvd.csv -y"), "--outputs needs a value: --outputs NAMES.");
+    EXPECT_EQ(refusalOf("fit cvd.csv --model"), "--model needs a value: --model M.");
+    EXPECT_EQ(refusalOf("fit cvd.csv --threads="), "--threads needs a value: --threads N.");
+    EXPECT_EQ(refusalOf("evaluate cvd.csv -y Stress --at a=1 --at"),
+              "--at needs a value: --at NAME=VALUE.");
+    EXPECT_EQ(refusalOf("compare cvd.csv --folds"), "--folds needs a value: --folds K.");
+}
+
+TEST(CommandOptions, AnOptionThatIsGivenTwiceIsNamed)
+{
+    EXPECT_EQ(refusalOf("fit cvd.csv -m kriging -m kriging"),
+              "--model is given more than once: give it once.");
+    EXPECT_EQ(refusalOf("fit cvd.csv -o a -o b"),
+              "--output is given more than once: give it once.");
+}
+
+TEST(CommandOptions, AFlagTakesNoValue)
+{
+    EXPECT_EQ(refusalOf("fit cvd.csv --json=5"), "--json takes no value.");
+    EXPECT_EQ(refusalOf("fit cvd.csv --quiet=no"), "--quiet takes no value.");
+    EXPECT_EQ(refusalOf("fit cvd.csv --select-terms=3"), "--select-terms takes no value.");
 }
 
 TEST(CommandOptions, WrongUseIsRefusedWithASentence)
