@@ -43,6 +43,19 @@ std::vector<double*> readOnly(const std::vector<const double*>& columns)
     return pointers;
 }
 
+/** Of an output without variation limits have no width: they would say that nothing else can come.
+ *  @throw SurrogateModelInterface::Error if it has none. */
+void requireVariation(const FittedModel& model, int offset)
+{
+    const FitMetrics metrics = model.fitMetrics(offset);
+    if (std::isnan(metrics.r2) && std::isnan(metrics.q2)) {
+        throw SurrogateModelInterface::Error(
+            metrics.cases == 1
+                ? "There is only one case: nothing tells how far others lie from it."
+                : "The output is the same in all cases: nothing tells how far others lie from it.");
+    }
+}
+
 /** The first columns of a table, which holds double arrays. */
 std::vector<double*> firstColumns(vtkTable& table, std::size_t count)
 {
@@ -119,6 +132,7 @@ private:
                 if (fitted == nullptr) {
                     throw SurrogateModelInterface::Error("The model has no prediction intervals.");
                 }
+                requireVariation(*fitted, workspace.outputOffsets()[i]);
                 evaluation.intervals.push_back(fitted->predictionIntervals(
                     points, workspace.outputOffsets()[i], level, count));
             } catch (const SurrogateModelInterface::Error& error) {

@@ -129,13 +129,13 @@ Json calibrationJson(const CalibrationReport& calibration)
             {"held", held}};
 }
 
-Json outputJson(const OutputFit& fit)
+Json outputJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistics)
 {
-    Json json = {{"name", fit.name}, {"metrics", metricsJson(fit)}, {"warnings", fit.warnings}};
+    Json json = {{"name", fit.name},
+                 {"metrics", metricsJson(fit)},
+                 {"notes", FitReport::fitNotes(fit, statistics)},
+                 {"warnings", fit.warnings}};
     json["transform"] = OutputTransforms::word(fit.modelled.transform);
-    if (fit.modelled.transform != OutputTransform::None) {
-        json["transformNote"] = FitReport::transformNote(fit);
-    }
     if (fit.kriging) {
         json.update(krigingJson(*fit.kriging));
     }
@@ -164,8 +164,9 @@ std::string outputText(const OutputFit& fit, const std::vector<std::string>& inp
         table.add({name, figure});
     }
     std::string text = '\n' + fit.name + '\n' + table.text("  ");
-    const std::string note = FitReport::transformNote(fit);
-    text += note.empty() ? note : "  Note: " + note + '\n';
+    for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
+        text += "  Note: " + note + '\n';
+    }
     for (const std::string& warning : fit.warnings) {
         text += "  Warning: " + warning + '\n';
     }
@@ -198,8 +199,8 @@ Figures calibrationFigures(const CalibrationReport& calibration)
         held.push_back(percentText(share.held));
     }
     if (!levels.empty()) {
-        figures.emplace_back("left-out cases inside",
-                             joinedText(held) + " % (of " + joinedText(levels) + " % intervals)");
+        figures.emplace_back("intervals of " + joinedText(levels) + " %",
+                             "hold " + joinedText(held) + " % of the left-out cases");
     }
     return figures;
 }
@@ -211,7 +212,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
                        {"leave-one-out RMSE", shownNumber(metrics.looRmse)},
                        {"Q2", shownNumber(metrics.q2)}};
     figures.emplace_back("criterion", report.criterionText());
-    if (!std::isnan(report.logLikelihood)) {
+    if (std::isfinite(report.logLikelihood)) {
         figures.emplace_back("log-likelihood", shownNumber(report.logLikelihood));
     }
     if (!std::isnan(report.secondLogLikelihood)) {
@@ -223,12 +224,16 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     if (report.noiseDeviation > 0.0) {
         figures.emplace_back("noise, standard deviation", shownNumber(report.noiseDeviation));
     }
-    figures.emplace_back("condition of the correlations", shownNumber(report.condition));
+    if (std::isfinite(report.condition)) {
+        figures.emplace_back("condition of the correlations", shownNumber(report.condition));
+    }
     figures.emplace_back("trend", joinedText(report.trendTerms));
     for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
         figures.emplace_back("correlation length of " + inputs[i],
-                             shownNumber(report.correlationLengths[i]) +
-                                 lengthText(lengthBound(report, i)));
+                             std::isinf(report.correlationLengths[i])
+                                 ? "infinite (no influence)"
+                                 : shownNumber(report.correlationLengths[i]) +
+                                       lengthText(lengthBound(report, i)));
     }
     for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
         constexpr int fewestDigits = 6;
@@ -274,7 +279,30 @@ FitReport::figures(const OutputFit& fit, const std::vector<std::string>& inputs,
     return figures;
 }
 
-std::string FitReport::transformNote(const OutputFit& fit)
+namespace {
+/** Why figures are "-": empty where all are there. */
+std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatistics* statistics)
+{
+    const FitMetrics& metrics = fit.metrics;
+    if (metrics.cases == 1) {
+        return "There is only one case: figures that compare cases are \"-\".";
+    }
+    if (std::isnan(metrics.r2) && std::isnan(metrics.q2)) {
+        return "The output is the same in all cases: figures that compare with its variation are "
+               "\"-\".";
+    }
+    if (statistics != nullptr && statistics->residualDegreesOfFreedom == 0) {
+        return "There are as many terms as cases: nothing is left to tell errors from, and figures "
+               "that need them are \"-\".";
+    }
+    if (statistics != nullptr && std::isnan(metrics.predictedR2)) {
+        return "A case alone determines a term of the polynomial: predicted R2 and PRESS are "
+               "\"-\", since leaving it out leaves no such fit.";
+    }
+    return "";
+}
+
+std::string transformNote(const OutputFit& fit)
 {
     if (fit.modelled.transform == OutputTransform::None) {
         return "";
@@ -291,6 +319,19 @@ std::string FitReport::transformNote(const OutputFit& fit)
            (fit.kriging ? "likelihood, variance, nugget, noise, trend and correlation lengths"
                         : "coefficients, tests and AICc") +
            " are those of the " + transform + "; errors, R2 and Q2 are those of " + fit.name + ".";
+}
+} // namespace
+
+std::vector<std::string> FitReport::fitNotes(const OutputFit& fit,
+                                             const ResponseSurfaceStatistics* statistics)
+{
+    std::vector<std::string> notes;
+    for (std::string note : {transformNote(fit), missingFiguresNote(fit, statistics)}) {
+        if (!note.empty()) {
+            notes.push_back(std::move(note));
+        }
+    }
+    return notes;
 }
 
 std::string FitReport::text(CaseSession& session)
@@ -325,7 +366,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
     const std::vector<std::string> inputs = namesOf(session.inputs());
     Json json = ReportHeading::modelJson(session);
     for (std::size_t i = 0; i < fits.size(); ++i) {
-        Json output = outputJson(fits[i]);
+        Json output = outputJson(fits[i], statistics.empty() ? nullptr : &statistics[i]);
         if (!statistics.empty()) {
             output["metrics"]["press"] = fits[i].metrics.press;
             output["metrics"]["aicc"] = statistics[i].aicc;

@@ -23,9 +23,10 @@ SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
 figures(const OutputFit& fit, const std::vector<std::string>& inputs,
         const ResponseSurfaceStatistics* statistics);
 
-/** Which transform of the output was modelled and what that means for the figures, a sentence or
- *  two; empty if it was the output itself. */
-SURROGATE_SESSION_EXPORT std::string transformNote(const OutputFit& fit);
+/** What a reader of the figures should know and is no reason to doubt them: the transform that was
+ *  modelled, and why figures are "-". @param statistics as for figures(). */
+SURROGATE_SESSION_EXPORT std::vector<std::string>
+fitNotes(const OutputFit& fit, const ResponseSurfaceStatistics* statistics);
 
 SURROGATE_SESSION_EXPORT std::string text(CaseSession& session);
 

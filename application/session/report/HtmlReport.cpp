@@ -225,8 +225,9 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
                           const HtmlReport::OutputParts& parts)
 {
     std::string text = element("h2", escaped(fit.name));
-    const std::string note = FitReport::transformNote(fit);
-    text += note.empty() ? note : element("p", "Note: " + escaped(note)) + "\n";
+    for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
+        text += element("p", "Note: " + escaped(note));
+    }
     for (const std::string& warning : fit.warnings) {
         text += "<p class=\"warning\">Warning: " + escaped(warning) + "</p>\n";
     }

@@ -31,7 +31,7 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
         std::vector<std::string> row = {termName(one.factors, inputs)};
         if (one.isKept) {
             row.insert(row.end(), {shownNumber(one.estimate), shownNumber(one.standardError),
-                                   shownNumber(one.t, fewDigits), shownNumber(one.p, fewDigits),
+                                   shownNumber(one.t, fewDigits), shownProbability(one.p),
                                    shownNumber(one.lower), shownNumber(one.upper)});
             if (isCoded) {
                 row.push_back(shownNumber(one.varianceInflation, fewDigits));
@@ -52,7 +52,7 @@ std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& r
             shownNumber(row.sumOfSquares),
             shownNumber(row.meanSquare),
             shownNumber(row.f, fewDigits),
-            shownNumber(row.p, fewDigits)};
+            shownProbability(row.p)};
 }
 
 const std::vector<std::string> anovaHeading = {"Source",      "DF", "Sum of squares",

@@ -30,7 +30,7 @@ std::string numberText(double number)
 
 std::string shownNumber(double number, int digits)
 {
-    if (std::isnan(number)) {
+    if (!std::isfinite(number)) {
         return "-";
     }
     std::array<char, 32> buffer;

@@ -13,7 +13,7 @@ SURROGATE_SESSION_EXPORT void appendNumber(std::string& text, double number);
 /** That text alone. */
 SURROGATE_SESSION_EXPORT std::string numberText(double number);
 
-/** A number for people to read, of so many digits; "-" for NaN. */
+/** A number for people to read, of so many digits; "-" for NaN and infinity. */
 SURROGATE_SESSION_EXPORT std::string shownNumber(double number, int digits = 6);
 
 /** A figure in a sentence: four digits; "-" for NaN. */

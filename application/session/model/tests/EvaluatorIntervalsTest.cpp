@@ -47,6 +47,27 @@ TEST(EvaluatorIntervals, OfKrigingWidenAwayFromTheCases)
     EXPECT_TRUE(evaluation.intervalFaults.empty());
 }
 
+TEST(EvaluatorIntervals, DoNotExistWhereTheOutputDoesNotVary)
+{
+    const double point[] = {1.5};
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        CaseSession constant(tableOf({{"x", {0, 1, 2, 3, 4}}, {"y", {7, 7, 7, 7, 7}}}), {{0}, {1}},
+                             {}, model);
+
+        const PointEvaluation evaluation = constant.predict({point}, 1, 95.0);
+
+        EXPECT_TRUE(std::isnan(evaluation.intervals[0].lower[0]));
+        EXPECT_EQ(evaluation.intervalFaults,
+                  std::vector<std::string>{"The limits of \"y\" are empty. The output is the same "
+                                           "in all cases: nothing tells how far others lie from "
+                                           "it."});
+    }
+    CaseSession single(tableOf({{"x", {1}}, {"y", {7}}}), {{0}, {1}}, {}, CaseSession::Kriging);
+    EXPECT_EQ(single.predict({point}, 1, 95.0).intervalFaults,
+              std::vector<std::string>{"The limits of \"y\" are empty. There is only one case: "
+                                       "nothing tells how far others lie from it."});
+}
+
 TEST(EvaluatorIntervals, WidenWithTheLevel)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {

@@ -91,12 +91,12 @@ TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatTheyHeld)
         return std::vector<std::pair<std::string, std::string>>(figures.end() - 2, figures.end());
     };
 
-    EXPECT_EQ(
-        lastFigures(),
-        (std::vector<std::pair<std::string, std::string>>{
-            {"95 % intervals", "1.31 times as wide as by Student's t, from refits to four "
-                               "fifths of the cases"},
-            {"left-out cases inside", "50.2, 79.8, 95.1, 100 % (of 50, 80, 95, 99 % intervals)"}}));
+    EXPECT_EQ(lastFigures(),
+              (std::vector<std::pair<std::string, std::string>>{
+                  {"95 % intervals", "1.31 times as wide as by Student's t, from refits to four "
+                                     "fifths of the cases"},
+                  {"intervals of 50, 80, 95, 99 %",
+                   "hold 50.2, 79.8, 95.1, 100 % of the left-out cases"}}));
 
     fit.calibration->basis = CalibrationReport::Basis::LeaveOneOut;
     EXPECT_EQ(lastFigures()[0].second, "1.31 times as wide as by Student's t, from leave-one-out");
@@ -127,7 +127,7 @@ TEST(FitReport, SaysWhichTransformOfAnOutputWasModelled)
     CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
 
     const Json output = printed(FitReport::runJson(session, 0.0))["outputs"][0];
-    const std::string note = output["transformNote"];
+    const std::string note = output["notes"][0];
 
     EXPECT_EQ(output["transform"], "log");
     EXPECT_EQ(note.substr(0, note.find(" (")),
@@ -137,6 +137,34 @@ TEST(FitReport, SaysWhichTransformOfAnOutputWasModelled)
               "the logarithm; errors, R2 and Q2 are those of y.");
     EXPECT_NE(FitReport::text(session).find("\n  Note: " + note + "\n"), std::string::npos);
     EXPECT_EQ(FitReport::notes(session).find("Note: " + note + "\n"), 0u);
+}
+
+TEST(FitReport, SaysWhyFiguresOfAConstantOutputAreMissing)
+{
+    for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
+        CaseSession session(tableOf({{"x", {0, 1, 2, 3, 4, 5, 6}}, {"y", {7, 7, 7, 7, 7, 7, 7}}}),
+                            {{0}, {1}}, {}, model);
+
+        const std::string text = FitReport::text(session);
+
+        EXPECT_NE(text.find("  Note: The output is the same in all cases: figures that compare "
+                            "with its variation are \"-\".\n"),
+                  std::string::npos)
+            << text;
+        EXPECT_EQ(text.find("inf "), std::string::npos) << text;
+        EXPECT_EQ(text.find("inf\n"), std::string::npos) << text;
+    }
+}
+
+TEST(FitReport, SaysWhyFiguresOfASaturatedFitAreMissing)
+{
+    CaseSession session(tableOf({{"x", {0, 1, 2}}, {"y", {1, 5, 2}}}), {{0}, {1}}, {},
+                        CaseSession::ResponseSurface);
+
+    EXPECT_NE(FitReport::text(session).find("  Note: There are as many terms as cases: nothing is "
+                                            "left to tell errors from, and figures that need them "
+                                            "are \"-\".\n"),
+              std::string::npos);
 }
 
 TEST(FitReport, SaysThatTheNuggetIsAtItsBound)

@@ -67,3 +67,10 @@ TEST(NumberText, ASmallProbabilityIsBelowABound)
     EXPECT_EQ(probabilityText(0.5), "p = 0.5");
     EXPECT_EQ(probabilityText(1e-9), "p < 0.0001");
 }
+
+TEST(NumberText, WhatIsNoFiniteNumberIsShownAsADash)
+{
+    EXPECT_EQ(shownNumber(std::nan("")), "-");
+    EXPECT_EQ(shownNumber(HUGE_VAL), "-");
+    EXPECT_EQ(shownNumber(-HUGE_VAL), "-");
+}
