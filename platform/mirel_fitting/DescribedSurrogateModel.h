@@ -17,8 +17,9 @@ public:
     struct Output
     {
         PredictorDescription predictor;
-        FitMetrics metrics;                ///< what fitMetrics() answers
-        std::vector<std::string> warnings; ///< what fitWarnings() answers, whatever the names
+        FitMetrics metrics; ///< what fitMetrics() answers
+        std::vector<std::string>
+            warnings; ///< what fitWarnings() answers, whatever the names; notes are none of them
     };
 
     /**

@@ -230,6 +230,12 @@ KrigingSurrogateModel::fitWarnings(int offset, const std::vector<std::string>& i
     return KrigingTexts::warnings(impl->fit(offset), InputNames(inputNames));
 }
 
+std::vector<std::string> KrigingSurrogateModel::fitNotes(int offset,
+                                                         const std::vector<std::string>&) const
+{
+    return impl->fit(offset).notes;
+}
+
 KrigingReport KrigingSurrogateModel::krigingReport(int offset) const
 {
     return impl->fit(offset).report;

@@ -61,6 +61,8 @@ public:
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string>
     fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
+    std::vector<std::string>
+    fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
     std::string

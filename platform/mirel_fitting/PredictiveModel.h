@@ -38,6 +38,11 @@ public:
     virtual std::vector<std::string>
     fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const = 0;
 
+    /** Those of fitWarnings() that are no reason to doubt the model: what was asked for, and what
+     * is normal, such as replicates that are smoothed. By default none. */
+    virtual std::vector<std::string>
+    fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const;
+
     /**
      * How far each point lies outside the cases: the largest distance beyond an input's smallest or
      * largest value among them, as a fraction of the range between these two. 0 inside; infinity

@@ -130,6 +130,13 @@ SurrogateResponseSurfaceModel::fitWarnings(int offset,
     return impl->fit.warnings(impl->position(offset), InputNames(inputNames));
 }
 
+std::vector<std::string>
+SurrogateResponseSurfaceModel::fitNotes(int offset,
+                                        const std::vector<std::string>& inputNames) const
+{
+    return impl->fit.notes(impl->position(offset), InputNames(inputNames));
+}
+
 std::vector<double>
 SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs,
                                               std::size_t count) const

@@ -62,6 +62,8 @@ public:
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string>
     fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
+    std::vector<std::string>
+    fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
     /** Also of points whose leverage is more than a tenth above the largest of the cases, or that

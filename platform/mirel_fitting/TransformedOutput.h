@@ -16,7 +16,7 @@
  * the predictions of the transform plus and minus its standard error, transformed back: to first
  * order that of the delta method, but not 0 where the square root is. Metrics and leave-one-out
  * predictions are in the output's units; what the model inside reports of its parameters is in
- * those of the transform, and so are its warnings and texts.
+ * those of the transform, and so are its warnings, which say so, and texts.
  *
  * Box, Cox: An analysis of transformations, J. R. Stat. Soc. B 26 (1964).
  */
@@ -70,6 +70,8 @@ public:
     FitMetrics fitMetrics(int offset) const override;
     std::vector<std::string>
     fitWarnings(int offset, const std::vector<std::string>& inputNames = {}) const override;
+    std::vector<std::string>
+    fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
     std::string

@@ -2,6 +2,9 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
+#include <utility>
+
 using Error = SurrogateModelInterface::Error;
 
 namespace {
@@ -37,7 +40,12 @@ ExportedModel ExportedModel::of(const SurrogateModelInterface& model,
         output.name = wanted.name;
         output.model.predictor = described(*describer, wanted);
         output.model.metrics = describer->fitMetrics(wanted.offset);
-        output.model.warnings = describer->fitWarnings(wanted.offset, inputNames);
+        const std::vector<std::string> notes = describer->fitNotes(wanted.offset, inputNames);
+        for (std::string& warning : describer->fitWarnings(wanted.offset, inputNames)) {
+            if (std::find(notes.begin(), notes.end(), warning) == notes.end()) {
+                output.model.warnings.push_back(std::move(warning));
+            }
+        }
         exported.outputs.push_back(std::move(output));
     }
     exported.predictor(); // for what it refuses

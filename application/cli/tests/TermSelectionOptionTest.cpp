@@ -12,8 +12,8 @@ using Json = nlohmann::json;
 
 const std::string cases = " cvd.csv -x Pressure,H2/WF6 -y Uniformity ";
 
-const std::string warning = "AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were left "
-                            "out.";
+const std::string note = "AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were left "
+                         "out.";
 
 class TermSelectionOption : public Program
 {};
@@ -22,7 +22,7 @@ class TermSelectionOption : public Program
 TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 {
     folder.write("points.csv", "Pressure,H2/WF6\n10,3\n");
-    const std::string named = "Warning for Uniformity: " + warning + "\n";
+    const std::string named = "Note for Uniformity: " + note + "\n";
 
     const Outcome equation = run("equations" + cases + "--select-terms");
     EXPECT_EQ(equation.exitCode, 0);
@@ -62,7 +62,7 @@ TEST_F(TermSelectionOption, ASelectionIsKeptWhileAProjectTakesKriging)
         "--terms, --select-terms and --all-terms choose the terms of a response surface, and the "
         "project chooses kriging: add -m response-surface.");
     const Outcome again = run("fit " + project + " -m response-surface");
-    EXPECT_NE(again.out.find(warning), std::string::npos) << again.out;
+    EXPECT_NE(again.out.find(note), std::string::npos) << again.out;
 }
 
 TEST_F(TermSelectionOption, CompareSelectsTermsInEachFold)

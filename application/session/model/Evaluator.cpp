@@ -191,7 +191,13 @@ const FitResult& Evaluator::fit()
         output.name = impl->workspace.outputs()[i].lock()->name();
         if (predictive != nullptr) {
             output.metrics = predictive->fitMetrics(offset);
-            output.warnings = predictive->fitWarnings(offset, inputNames);
+            output.notes = predictive->fitNotes(offset, inputNames);
+            for (std::string& warning : predictive->fitWarnings(offset, inputNames)) {
+                if (std::find(output.notes.begin(), output.notes.end(), warning) ==
+                    output.notes.end()) {
+                    output.warnings.push_back(std::move(warning));
+                }
+            }
         }
         output.modelled = interfaces.transform(offset);
         output.kriging = interfaces.krigingReport(offset);

@@ -24,7 +24,8 @@ struct OutputFit
 {
     std::string name;
     FitMetrics metrics;
-    std::vector<std::string> warnings; ///< what changed the result, a sentence each
+    std::vector<std::string> notes;    ///< what was asked for or is normal, a sentence each
+    std::vector<std::string> warnings; ///< what else changed the result, likewise
     ModelledTransform modelled;
     std::optional<KrigingReport> kriging; ///< of a Kriging model only; rows are cases, from 0
     /** Of prediction intervals; none where the model has none, or nobody asked for them yet. */

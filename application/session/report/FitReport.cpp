@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <sstream>
 
 using ReportJson::Json;
 
@@ -71,7 +72,26 @@ std::string boundText(KrigingReport::Bound bound)
 
 std::string lengthText(KrigingReport::Bound bound)
 {
-    return bound == KrigingReport::Bound::Upper ? " (no influence)" : boundText(bound);
+    return bound == KrigingReport::Bound::Upper ? " (no influence beyond the trend)"
+                                                : boundText(bound);
+}
+
+/** The names of the inputs in "V1^2" or "V1 V2"; empty for the constant "1". */
+std::string trendTermName(const std::string& term, const std::vector<std::string>& inputs)
+{
+    std::istringstream factors(term);
+    std::string text;
+    for (std::string factor; factors >> factor;) {
+        if (factor.front() != 'V') {
+            continue;
+        }
+        const std::size_t power = factor.find('^');
+        const std::size_t input = std::stoul(factor.substr(1)) - 1;
+        text += (text.empty() ? "" : " * ") +
+                (input < inputs.size() ? inputs[input] : factor.substr(0, power)) +
+                (power == std::string::npos ? "" : factor.substr(power));
+    }
+    return text;
 }
 
 Json krigingJson(const KrigingReport& report)
@@ -96,6 +116,7 @@ Json krigingJson(const KrigingReport& report)
             {"secondLogLikelihood", report.secondLogLikelihood},
             {"condition", report.condition},
             {"trend", report.trendTerms},
+            {"trendCoefficients", report.trendCoefficients},
             {"worstCases", worst}};
 }
 
@@ -205,6 +226,21 @@ Figures calibrationFigures(const CalibrationReport& calibration)
     return figures;
 }
 
+/** "64.9 + 0.0182 * Pressure - 0.31 * H2/WF6". */
+std::string trendText(const KrigingReport& report, const std::vector<std::string>& inputs)
+{
+    std::string text;
+    for (std::size_t i = 0; i < report.trendTerms.size(); ++i) {
+        const double coefficient = report.trendCoefficients[i];
+        const bool isNegative = std::signbit(coefficient);
+        text += i == 0 ? (isNegative ? "-" : "") : (isNegative ? " - " : " + ");
+        text += shownFigure(std::abs(coefficient));
+        const std::string name = trendTermName(report.trendTerms[i], inputs);
+        text += name.empty() ? "" : " * " + name;
+    }
+    return text;
+}
+
 Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
                        const std::vector<std::string>& inputs)
 {
@@ -227,7 +263,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     if (std::isfinite(report.condition)) {
         figures.emplace_back("condition of the correlations", shownNumber(report.condition));
     }
-    figures.emplace_back("trend", joinedText(report.trendTerms));
+    figures.emplace_back("trend", trendText(report, inputs));
     for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
         figures.emplace_back("correlation length of " + inputs[i],
                              std::isinf(report.correlationLengths[i])
@@ -325,7 +361,7 @@ std::string transformNote(const OutputFit& fit)
 std::vector<std::string> FitReport::fitNotes(const OutputFit& fit,
                                              const ResponseSurfaceStatistics* statistics)
 {
-    std::vector<std::string> notes;
+    std::vector<std::string> notes = fit.notes;
     for (std::string note : {transformNote(fit), missingFiguresNote(fit, statistics)}) {
         if (!note.empty()) {
             notes.push_back(std::move(note));
@@ -419,6 +455,9 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
     for (const OutputFit& fit : session.fit().outputs) {
         const std::string note = transformNote(fit);
         text += note.empty() ? note : "Note: " + note + '\n';
+        for (const std::string& sentence : fit.notes) {
+            text += "Note for " + fit.name + ": " + sentence + '\n';
+        }
         for (const std::string& warning : fit.warnings) {
             text += "Warning for " + fit.name + ": " + warning + '\n';
         }

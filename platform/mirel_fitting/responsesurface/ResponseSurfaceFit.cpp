@@ -141,15 +141,24 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
     for (std::string& sentence : ResponseSurfaceTexts::dependences(*common, names)) {
         warnings.push_back(std::move(sentence));
     }
+    for (std::string& sentence : notes(output, names)) {
+        warnings.push_back(std::move(sentence));
+    }
+    return warnings;
+}
+
+std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
+                                                   const InputNames& names) const
+{
     std::vector<std::string> unneeded;
     for (const std::size_t term : fits[output].unneeded) {
         unneeded.push_back(common->basis().name(term, names));
     }
-    if (!unneeded.empty()) {
-        warnings.push_back("AICc is lower without " + ResponseSurfaceTexts::list(unneeded) +
-                           (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
+    if (unneeded.empty()) {
+        return {};
     }
-    return warnings;
+    return {"AICc is lower without " + InputNames::listed(unneeded) +
+            (unneeded.size() == 1 ? ": it was" : ": they were") + " left out."};
 }
 
 /** Without the terms that were not asked for; one per term of the basis is given. */

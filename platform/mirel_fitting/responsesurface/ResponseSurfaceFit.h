@@ -46,6 +46,8 @@ public:
     FitMetrics metrics(std::size_t output) const;
     std::vector<std::string> warnings(std::size_t output,
                                       const InputNames& names = InputNames()) const;
+    /** Those of the warnings that say what was asked for. */
+    std::vector<std::string> notes(std::size_t output, const InputNames& names) const;
     ResponseSurfaceStatistics statistics(std::size_t output, double level) const;
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(std::size_t output) const;
     std::size_t degreesOfFreedom(std::size_t output) const;

@@ -227,23 +227,37 @@ std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
 
 std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
 {
-    std::string text;
-    for (std::size_t k = 0; k < names.size(); ++k) {
-        text += (k == 0 ? "" : k + 1 == names.size() ? " and " : ", ") + names[k];
-    }
-    return text;
+    return InputNames::listed(names);
 }
 
 std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,
                                                            const InputNames& names)
 {
+    constexpr std::size_t mostSentences = 5;
+
     std::vector<std::string> sentences;
     const QuadraticBasis& basis = fit.basis();
+    std::vector<std::string> constant;
     for (std::size_t input = 0; basis.order() > 0 && input < basis.inputs(); ++input) {
         if (fit.inputScales()[input].isConstantUpToRounding()) {
-            sentences.push_back(basis.name(1 + input, names) + " is the same in every case" +
+            constant.push_back(basis.name(1 + input, names));
+            sentences.push_back(constant.back() + " is the same in every case" +
                                 leftOut(termsWith(fit, input, names)));
         }
+    }
+    if (constant.size() > mostSentences) {
+        sentences = {list(constant) +
+                     " are the same in every case and were left out, with all terms of them."};
+    }
+    if (fit.dependences().size() > mostSentences) {
+        std::vector<std::string> dependent;
+        for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
+            dependent.push_back(basis.name(dependence.term, names));
+        }
+        sentences.push_back(list(dependent) +
+                            " cannot be separated from other terms by these cases and were left "
+                            "out.");
+        return sentences;
     }
     for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
         const std::vector<std::string> parts = partsOf(fit, dependence, names);

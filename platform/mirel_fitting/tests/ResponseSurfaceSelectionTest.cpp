@@ -18,6 +18,7 @@ TEST(ResponseSurfaceSelection, DropsTheTermsThatRDrops)
     EXPECT_EQ(
         model.fitWarnings(0),
         (std::vector<std::string>{"AICc is lower without V1^2 and V2^2: they were left out."}));
+    EXPECT_EQ(model.fitNotes(0), model.fitWarnings(0));
     EXPECT_EQ(model.fitMetrics(0).terms, 4u);
     EXPECT_EQ(sourcesOf(statistics),
               (std::vector<std::string>{"Model", "Linear", "Interaction", "Residual", "Lack of fit",

@@ -141,6 +141,37 @@ TEST(TransformedOutput, TransformsOnlyWhatIsPositiveInAllCases)
               "or square root.");
 }
 
+TEST(TransformedOutput, WarnsOfTheVarianceOfWhatWasModelled)
+{
+    // The logarithm alternates from case to case, so that all of it is noise.
+    Cases cases = casesOf(overDecades);
+    for (std::size_t i = 0; i < cases.count(); ++i) {
+        cases.outputs[0][i] = i % 2 == 0 ? 1.0 : 100.0;
+    }
+
+    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm);
+
+    const std::vector<std::string> warnings = model.fitWarnings(0);
+    EXPECT_TRUE(std::any_of(warnings.begin(), warnings.end(), [](const std::string& text) {
+        return text.find("% of the variance of the output's logarithm") != std::string::npos;
+    }));
+    EXPECT_FALSE(std::any_of(warnings.begin(), warnings.end(), [](const std::string& text) {
+        return text.find("the output's variance") != std::string::npos;
+    }));
+}
+
+TEST(TransformedOutput, HasTheNotesOfTheModelInside)
+{
+    Cases cases = casesOf(overDecades, 0.1);
+    cases.inputs[0][1] = cases.inputs[0][0];
+    cases.inputs[1][1] = cases.inputs[1][0];
+
+    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm);
+
+    EXPECT_EQ(model.fitNotes(0), model.inner().fitNotes(model.innerOffset(0)));
+    EXPECT_EQ(model.fitNotes(0).size(), 1u);
+}
+
 TEST(TransformedOutput, IsChosenByTheCasesThatTheOthersPredict)
 {
     // One case at a place of its own, which no linear trend of the others reaches.

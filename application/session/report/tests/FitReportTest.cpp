@@ -45,10 +45,11 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
               Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
     EXPECT_EQ(json["model"], "response-surface");
     EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
-    EXPECT_EQ(keysOf(json["outputs"][0]),
-              (Keys{"anova", "ascent", "calibration", "canonicalDirections", "codedCoefficients",
-                    "coefficients", "descent", "droppedTerms", "leverage", "metrics", "name",
-                    "partialTests", "residuals", "stationaryPoint", "transform", "warnings"}));
+    EXPECT_EQ(
+        keysOf(json["outputs"][0]),
+        (Keys{"anova", "ascent", "calibration", "canonicalDirections", "codedCoefficients",
+              "coefficients", "descent", "droppedTerms", "leverage", "metrics", "name", "notes",
+              "partialTests", "residuals", "stationaryPoint", "transform", "warnings"}));
     EXPECT_EQ(keysOf(json["outputs"][0]["metrics"]),
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));
@@ -70,9 +71,9 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
     const Json& output = json["outputs"][0];
     EXPECT_EQ(keysOf(output),
               (Keys{"calibration", "condition", "correlationLengths", "criterion", "lengthBounds",
-                    "logLikelihood", "metrics", "name", "noiseDeviation", "nugget", "nuggetBound",
-                    "processVariance", "secondLogLikelihood", "transform", "trend", "warnings",
-                    "worstCases"}));
+                    "logLikelihood", "metrics", "name", "noiseDeviation", "notes", "nugget",
+                    "nuggetBound", "processVariance", "secondLogLikelihood", "transform", "trend",
+                    "trendCoefficients", "warnings", "worstCases"}));
     EXPECT_EQ(output["lengthBounds"].size(), 2u);
     EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
@@ -304,7 +305,7 @@ TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
 
     EXPECT_NE(text.find("Model   response surface, terms selected by AICc\n"), std::string::npos)
         << text;
-    EXPECT_NE(text.find("Warning: AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were "
+    EXPECT_NE(text.find("Note: AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were "
                         "left out.\n"),
               std::string::npos)
         << text;

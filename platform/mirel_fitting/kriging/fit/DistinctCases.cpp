@@ -36,10 +36,16 @@ double DistinctCases::withinDeviation(std::size_t point) const
     return std::sqrt(withinSquares[point] / replicates[point]);
 }
 
-void DistinctCases::warnOfConflicts(bool interpolates, std::vector<std::string>& warnings) const
+void DistinctCases::warnOfConflicts(bool interpolates, KrigingFit& fit) const
 {
-    if (conflicts > 0) {
-        warnings.push_back(KrigingWarnings::ofConflicts(conflicts, interpolates));
+    if (conflicts == 0) {
+        return;
+    }
+    const std::string sentence = KrigingWarnings::ofConflicts(conflicts, interpolates);
+    if (interpolates) {
+        fit.warnings.push_back(sentence);
+    } else {
+        fit.addNote(sentence);
     }
 }
 

@@ -23,9 +23,9 @@ public:
     /** Root mean square deviation of the replicates of a point from their mean. */
     double withinDeviation(std::size_t point) const;
 
-    /** Appends a warning if replicates differ. @param interpolates whether the model passes through
-     *  their mean. */
-    void warnOfConflicts(bool interpolates, std::vector<std::string>& warnings) const;
+    /** Adds a warning if replicates differ: a note where the model smooths them, as it should.
+     *  @param interpolates whether the model passes through their mean. */
+    void warnOfConflicts(bool interpolates, KrigingFit& fit) const;
 
     /**
      * Adds the error metrics and leave-one-out predictions of a fit.

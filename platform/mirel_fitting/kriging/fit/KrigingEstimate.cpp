@@ -100,12 +100,10 @@ void KrigingEstimate::warn(KrigingFit& fit) const
     const KrigingSizes& sizes = input.options.sizes;
     if (usesSubset(sizes, allCases->cases)) {
         const bool isRefined = refinements() > 0 && input.options.correlationLengths.empty();
-        fit.warnings.push_back(
-            KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
+        fit.addNote(KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
     }
     if (isSmooth) {
-        fit.warnings.push_back(
-            KrigingWarnings::ofSmoothOutput(input.options.trendOrder, allCases->cases));
+        fit.addNote(KrigingWarnings::ofSmoothOutput(input.options.trendOrder, allCases->cases));
     } else {
         input.warnOfTrend(*chosenTrend, allCases->cases, fit);
     }

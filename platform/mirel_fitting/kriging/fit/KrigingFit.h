@@ -32,5 +32,14 @@ struct KrigingFit
     std::vector<std::size_t> constantInputs;
     std::vector<QuadraticBasis::Term> droppedTerms; ///< of the trend, in all inputs
     std::vector<std::string> warnings;              ///< others, which name no input
+    std::vector<std::string> notes = {}; ///< those of them that are no reason to doubt the fit
+    bool isMostlyNoise = false;          ///< the most of the output's variance is taken for noise
     KrigingLeaveOneOut leftOut = {};
+
+    /** A warning that is a note, too. */
+    void addNote(const std::string& sentence)
+    {
+        warnings.push_back(sentence);
+        notes.push_back(sentence);
+    }
 };

@@ -44,8 +44,7 @@ void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinc
                                   KrigingFit& fit) const
 {
     if (trend.order() < options.trendOrder) {
-        fit.warnings.push_back(
-            KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
+        fit.addNote(KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
     }
     for (QuadraticBasis::Term term : trend.droppedTerms()) {
         for (std::size_t* const input : {&term.first, &term.second}) {

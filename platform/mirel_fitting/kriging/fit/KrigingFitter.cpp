@@ -63,7 +63,7 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     addErrors(fit, distinct, *data, likelihood,
               exact.model.interpolates ? 0.0 : found.parameters.nugget);
     estimated.warn(fit);
-    distinct.warnOfConflicts(exact.model.interpolates, fit.warnings);
+    distinct.warnOfConflicts(exact.model.interpolates, fit);
     constexpr double mostNugget = 1.0; // with more it is mostly the trend that the model follows
     if (data->cases > 1 && found.parameters.nugget < mostNugget &&
         likelihood.equations().areCasesFarApart()) {
@@ -113,8 +113,9 @@ KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& outp
                          ? UncorrelatedKriging::ofMean(input)
                          : fitVaryingOutput(input, warnings);
 
-    std::vector<std::string> verdicts =
-        KrigingTexts::verdicts(fit, KrigingFitReport::noiseShare(fit.predictor.model()));
+    const double noiseShare = KrigingFitReport::noiseShare(fit.predictor.model());
+    fit.isMostlyNoise = KrigingTexts::isMostlyNoise(noiseShare);
+    std::vector<std::string> verdicts = KrigingTexts::verdicts(fit, noiseShare);
     for (std::vector<std::string>* more : {&fit.warnings, &verdicts}) {
         std::move(more->begin(), more->end(), std::back_inserter(warnings));
     }

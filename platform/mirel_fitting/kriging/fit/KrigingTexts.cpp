@@ -49,12 +49,14 @@ std::string lengthBoundText(KrigingReport::Bound bound)
 
 std::string otherLengthsText(const KrigingReport& report)
 {
-    const std::string best = KrigingTexts::figure(report.logLikelihood);
-    const std::string second = KrigingTexts::figure(report.secondLogLikelihood);
+    constexpr int digits = 3;
+    constexpr double noticeable = 0.005;
+    const double lower = report.logLikelihood - report.secondLogLikelihood;
     return "Other correlation lengths are " +
-           (best == second ? "as likely (log-likelihood " + best
-                           : "nearly as likely (log-likelihood " + second + " instead of " + best) +
-           "): more cases would decide between two different models.";
+           (lower < noticeable ? "as likely"
+                               : "nearly as likely (log-likelihood lower by " +
+                                     KrigingTexts::figure(lower, digits) + ")") +
+           ": more cases would decide between two different models.";
 }
 
 std::string worstCasesText(const KrigingReport& report)
@@ -69,6 +71,34 @@ std::string worstCasesText(const KrigingReport& report)
                 " instead of " + KrigingTexts::figure(one.output, digits) + ")";
     }
     return text.empty() ? text : text + "\n";
+}
+
+/** What the bounds say at which lengths ended: one sentence for all inputs alike. */
+void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
+                       std::vector<std::string>& sentences)
+{
+    std::vector<std::size_t> withoutInfluence;
+    std::vector<std::size_t> fast;
+    for (std::size_t k = 0; k < fit.report.lengthBounds.size(); ++k) {
+        if (fit.report.lengthBounds[k] == KrigingReport::Bound::Upper) {
+            withoutInfluence.push_back(k);
+        }
+        // Lengths this short mean noise.
+        if (fit.report.lengthBounds[k] == KrigingReport::Bound::Lower && !fit.isMostlyNoise) {
+            fast.push_back(k);
+        }
+    }
+    if (!withoutInfluence.empty()) {
+        sentences.push_back("The cases show no influence of " + names.list(withoutInfluence) +
+                            " beyond the trend.");
+    }
+    if (!fast.empty()) {
+        sentences.push_back("The output changes along " + names.list(fast) +
+                            " faster than the cases can show: " +
+                            (fast.size() == 1 ? "its correlation length is at its lower bound."
+                                              : "the correlation lengths are at their lower "
+                                                "bounds."));
+    }
 }
 
 } // namespace
@@ -93,13 +123,14 @@ std::string KrigingTexts::lengths(const KrigingReport& report)
 std::vector<std::string> KrigingTexts::warnings(const KrigingFit& fit, const InputNames& names)
 {
     std::vector<std::string> sentences;
-    for (const std::size_t input : fit.constantInputs) {
-        sentences.push_back(KrigingWarnings::ofConstantInput(input, names));
+    if (!fit.constantInputs.empty()) {
+        sentences.push_back(KrigingWarnings::ofConstantInputs(fit.constantInputs, names));
     }
     if (!fit.droppedTerms.empty()) {
         sentences.push_back(KrigingWarnings::ofDroppedTerms(fit.droppedTerms, names));
     }
     sentences.insert(sentences.end(), fit.warnings.begin(), fit.warnings.end());
+    addLengthWarnings(fit, names, sentences);
     return sentences;
 }
 
@@ -129,44 +160,36 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     return text;
 }
 
+bool KrigingTexts::isMostlyNoise(double noiseShare)
+{
+    constexpr double mostly = 0.5;
+    return noiseShare > mostly;
+}
+
 std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
 {
-    constexpr double flat = 0.1;   // R2 or Q2
-    constexpr double mostly = 0.5; // of the output's variance
+    constexpr double flat = 0.1; // R2 or Q2
     // A likelihood ratio of 7 is no evidence for either model.
     constexpr double close = 2.0;
 
     const KrigingReport& report = fit.report;
-    const bool isMostlyNoise = noiseShare > mostly;
     std::vector<std::string> result;
-    for (std::size_t k = 0; k < report.lengthBounds.size(); ++k) {
-        const std::string name = "V" + std::to_string(k + 1);
-        if (report.lengthBounds[k] == KrigingReport::Bound::Upper) {
-            result.push_back("The cases show no influence of " + name + " beyond the trend.");
-        }
-        // Lengths this short mean noise.
-        if (report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise) {
-            result.push_back("The output changes along " + name +
-                             " faster than the cases can show: its correlation length is at its "
-                             "lower bound.");
-        }
-    }
     const bool isMoreThanTheMean = fit.metrics.terms > 1 || !std::isnan(report.condition);
     if (isMoreThanTheMean && fit.metrics.r2 < flat) {
         result.push_back("The model is flat: it explains " +
                          percent(std::max(fit.metrics.r2, 0.0)) + " of the output's variance.");
     }
-    if (isMostlyNoise) {
+    if (isMostlyNoise(noiseShare)) {
         result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
                          " of the output's variance is taken for noise.");
     }
     if (report.nuggetBound == KrigingReport::Bound::Upper) {
-        result.push_back("The nugget is at its upper bound, " + figure(report.nugget) +
+        result.push_back("The nugget is at its upper bound, " + figure(report.nugget, 4) +
                          " times the process variance: beyond the trend the cases show no "
                          "correlation.");
     }
     // For noise, or uncorrelated cases, all lengths are equally likely.
-    const bool isAModel = !isMostlyNoise && fit.metrics.q2 > 0.0;
+    const bool isAModel = !isMostlyNoise(noiseShare) && fit.metrics.q2 > 0.0;
     if (isAModel && report.logLikelihood - report.secondLogLikelihood < close) {
         result.push_back(otherLengthsText(report));
     }

@@ -22,8 +22,11 @@ public:
     /** A line per figure, then the warnings. */
     static std::string quality(const KrigingFit& fit);
 
+    /** Whether this fraction of the output's variance is more than half of it. */
+    static bool isMostlyNoise(double noiseShare);
+
     /**
-     * Warnings about the result of a fit, one sentence each.
+     * Warnings about the result of a fit that name no input, one sentence each.
      * @param noiseShare fraction of the output's variance that the model attributes to noise.
      */
     static std::vector<std::string> verdicts(const KrigingFit& fit, double noiseShare);

@@ -24,9 +24,12 @@ std::string orderLowered(int from, int to)
 
 } // namespace
 
-std::string KrigingWarnings::ofConstantInput(std::size_t input, const InputNames& names)
+std::string KrigingWarnings::ofConstantInputs(const std::vector<std::size_t>& inputs,
+                                              const InputNames& names)
 {
-    return names.input(input) + " is constant over the cases and was ignored.";
+    return names.list(inputs) + (inputs.size() == 1 ? " is constant over the cases and was ignored."
+                                                    : " are constant over the cases and were "
+                                                      "ignored.");
 }
 
 std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
@@ -68,11 +71,12 @@ std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
 std::string KrigingWarnings::ofDroppedTerms(const std::vector<QuadraticBasis::Term>& terms,
                                             const InputNames& names)
 {
-    std::string list;
+    std::vector<std::string> list;
     for (const QuadraticBasis::Term& term : terms) {
-        list += (list.empty() ? "" : ", ") + QuadraticBasis::name(term, names);
+        list.push_back(QuadraticBasis::name(term, names));
     }
-    return "Terms of the trend that the cases cannot separate were dropped: " + list + ".";
+    return "Terms of the trend that the cases cannot separate were dropped: " +
+           InputNames::listed(list) + ".";
 }
 
 std::string KrigingWarnings::ofRaisedNugget(double nugget)

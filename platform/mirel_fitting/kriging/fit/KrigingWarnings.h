@@ -13,7 +13,8 @@ class KrigingWarnings
 {
 public:
     /** @param input counted from 0. */
-    static std::string ofConstantInput(std::size_t input, const InputNames& names = InputNames());
+    static std::string ofConstantInputs(const std::vector<std::size_t>& inputs,
+                                        const InputNames& names = InputNames());
 
     /** @param areMerged whether repeated cases count once, not as replicates. */
     static std::string ofCopies(std::size_t copies, bool areMerged);

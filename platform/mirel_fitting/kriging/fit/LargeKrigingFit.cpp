@@ -91,13 +91,13 @@ void addWarnings(KrigingFit& fit, const KrigingFitInput& input, const DistinctCa
 {
     const LargeKriging::Result& result = large.result;
     input.warnOfTrend(*large.trend, large.subset->cases, fit);
-    distinct.warnOfConflicts(isInterpolating(result), fit.warnings);
+    distinct.warnOfConflicts(isInterpolating(result), fit);
     if (result.found.isNuggetRaised) {
         fit.warnings.push_back(KrigingWarnings::ofRaisedNugget(result.found.parameters.nugget));
     }
-    fit.warnings.push_back("There are more than " + std::to_string(input.options.sizes.maxExact) +
-                           " distinct cases: " + result.description(input.scale.scale));
-    fit.warnings.push_back(KrigingWarnings::ofSample(result.measured.size()));
+    fit.addNote("There are more than " + std::to_string(input.options.sizes.maxExact) +
+                " distinct cases: " + result.description(input.scale.scale));
+    fit.addNote(KrigingWarnings::ofSample(result.measured.size()));
 }
 
 } // namespace

@@ -120,7 +120,7 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
     distinct.addErrors(fit, *data, leastSquares.residuals,
                        {points, leastSquares.leaveOneOutResiduals,
                         leastSquares.leaveOneOutVariances, leastSquares.variance, 0.0});
-    distinct.warnOfConflicts(true, fit.warnings);
+    distinct.warnOfConflicts(true, fit);
     input.warnOfTrend(*trend, data->cases, fit);
     fit.warnings.push_back(
         "The trend passes through all cases: there is nothing left to correlate.");

@@ -108,6 +108,18 @@ TEST(ResponseSurfaceTexts, NamesAConstantInputWithTheTermsThatItTakesAlong)
               Texts{"V2 is the same in every case and was left out."});
 }
 
+TEST(ResponseSurfaceTexts, NamesManyConstantInputsAtOnce)
+{
+    Cases cases = twoInputs(30, 1.0);
+    for (int i = 0; i < 6; ++i) {
+        cases.inputs.emplace_back(30, 7.0);
+    }
+
+    EXPECT_EQ(ResponseSurfaceTexts::dependences(fit(cases, 1)),
+              Texts{"V3, V4, V5 and 3 more are the same in every case and were left out, with all "
+                    "terms of them."});
+}
+
 TEST(ResponseSurfaceTexts, CallsTheConstantByItsNameWhereNothingElseIsMeant)
 {
     // Two levels, -1 and 1: the square is 1 everywhere.

@@ -25,6 +25,11 @@ struct Merged
     DistinctCases distinct;
 };
 
+KrigingFit emptyFit()
+{
+    return {KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
+}
+
 KrigingFitOptions withFixedNugget()
 {
     KrigingFitOptions options;
@@ -56,23 +61,40 @@ TEST(DistinctCases, CountsTheMeanOfReplicatesOnceWhereTheNuggetIsFixed)
 TEST(DistinctCases, WarnsOfReplicatesThatDiffer)
 {
     const Merged merged({2.0, 6.0, 8.0, 10.0});
-    std::vector<std::string> warnings;
+    KrigingFit fit = emptyFit();
 
-    merged.distinct.warnOfConflicts(true, warnings);
+    merged.distinct.warnOfConflicts(true, fit);
 
     EXPECT_TRUE(merged.warnings.empty());
-    EXPECT_EQ(warnings, (std::vector<std::string>{
-                            "At 1 point several cases have the same inputs but different outputs: "
-                            "the model passes through their mean."}));
+    EXPECT_EQ(fit.warnings,
+              (std::vector<std::string>{
+                  "At 1 point several cases have the same inputs but different outputs: the model "
+                  "passes through their mean."}));
+    EXPECT_TRUE(fit.notes.empty());
+}
+
+TEST(DistinctCases, NotesReplicatesThatAreSmoothed)
+{
+    const Merged merged({2.0, 6.0, 8.0, 10.0});
+    KrigingFit fit = emptyFit();
+
+    merged.distinct.warnOfConflicts(false, fit);
+
+    EXPECT_EQ(fit.warnings,
+              (std::vector<std::string>{
+                  "At 1 point several cases have the same inputs but different outputs: the model "
+                  "smooths them."}));
+    EXPECT_EQ(fit.notes, fit.warnings);
 }
 
 TEST(DistinctCases, WarnsOfCopies)
 {
     const Merged merged({2.0, 2.0, 8.0, 10.0});
-    std::vector<std::string> warnings = merged.warnings;
+    KrigingFit fit = emptyFit();
 
-    merged.distinct.warnOfConflicts(true, warnings);
+    merged.distinct.warnOfConflicts(true, fit);
 
-    EXPECT_EQ(warnings, (std::vector<std::string>{
-                            "1 case repeats another case exactly and was merged with it."}));
+    EXPECT_TRUE(fit.warnings.empty());
+    EXPECT_EQ(merged.warnings, (std::vector<std::string>{
+                                   "1 case repeats another case exactly and was merged with it."}));
 }

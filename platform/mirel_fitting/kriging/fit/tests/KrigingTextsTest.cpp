@@ -50,24 +50,28 @@ TEST(KrigingTexts, WritesALinePerFigure)
     fit.report.worstCases = {{4, 3.5, 2.5}, {0, 1.0, 1.25}};
     fit.constantInputs = {3};
 
-    EXPECT_EQ(KrigingTexts::quality(fit),
-              "Cases: 20\n"
-              "RMSE: 0.25\n"
-              "Leave-one-out RMSE: 0.5\n"
-              "Q2: 0.875\n"
-              "Worst when left out: case 5 (2.5 instead of 3.5), case 1 (1.25 instead of 1)\n"
-              "Criterion: none\n"
-              "Log-likelihood: -12.5\n"
-              "Second-best log-likelihood: -20\n"
-              "Process variance: 4\n"
-              "Nugget (relative to the process variance): 0.01\n"
-              "Noise (standard deviation): 0.2\n"
-              "Condition of the correlation matrix: 12345\n"
-              "Trend: linear, 2 + 3 * V1\n"
-              "Correlation length of V1: 0.5\n"
-              "Correlation length of V2: 300 (no influence)\n"
-              "Correlation length of V3: 0.01 (at its lower bound)\n"
-              "Warning: V4 is constant over the cases and was ignored.\n");
+    EXPECT_EQ(
+        KrigingTexts::quality(fit),
+        "Cases: 20\n"
+        "RMSE: 0.25\n"
+        "Leave-one-out RMSE: 0.5\n"
+        "Q2: 0.875\n"
+        "Worst when left out: case 5 (2.5 instead of 3.5), case 1 (1.25 instead of 1)\n"
+        "Criterion: none\n"
+        "Log-likelihood: -12.5\n"
+        "Second-best log-likelihood: -20\n"
+        "Process variance: 4\n"
+        "Nugget (relative to the process variance): 0.01\n"
+        "Noise (standard deviation): 0.2\n"
+        "Condition of the correlation matrix: 12345\n"
+        "Trend: linear, 2 + 3 * V1\n"
+        "Correlation length of V1: 0.5\n"
+        "Correlation length of V2: 300 (no influence)\n"
+        "Correlation length of V3: 0.01 (at its lower bound)\n"
+        "Warning: V4 is constant over the cases and was ignored.\n"
+        "Warning: The cases show no influence of V2 beyond the trend.\n"
+        "Warning: The output changes along V3 faster than the cases can show: its correlation "
+        "length is at its lower bound.\n");
 }
 
 TEST(KrigingTexts, ShowsTheErrorOfAWorstCaseBesideALargeOffset)
@@ -105,10 +109,27 @@ TEST(KrigingTexts, SaysWhichLengthsAreAtABound)
     KrigingFit fit = soundFit();
     fit.report.lengthBounds = {Bound::None, Bound::Upper, Bound::Lower};
 
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+    EXPECT_EQ(KrigingTexts::warnings(fit),
               (Sentences{"The cases show no influence of V2 beyond the trend.",
                          "The output changes along V3 faster than the cases can show: its "
                          "correlation length is at its lower bound."}));
+    EXPECT_EQ(KrigingTexts::warnings(fit, InputNames({"a", "b", "c"}))[0],
+              "The cases show no influence of \"b\" beyond the trend.");
+}
+
+TEST(KrigingTexts, SaysOfManyInputsAtOnceThatTheyHaveNoInfluence)
+{
+    KrigingFit fit = soundFit();
+    fit.report.lengthBounds.assign(300, Bound::Upper);
+
+    EXPECT_EQ(
+        KrigingTexts::warnings(fit),
+        Sentences{"The cases show no influence of V1, V2, V3 and 297 more beyond the trend."});
+
+    fit.report.lengthBounds.assign(2, Bound::Lower);
+    EXPECT_EQ(KrigingTexts::warnings(fit),
+              Sentences{"The output changes along V1 and V2 faster than the cases can show: the "
+                        "correlation lengths are at their lower bounds."});
 }
 
 TEST(KrigingTexts, CallsAModelFlat)
@@ -143,9 +164,9 @@ TEST(KrigingTexts, TakesShortLengthsOfNoiseForNoChanges)
 {
     KrigingFit fit = soundFit();
     fit.report.lengthBounds = {Bound::Lower, Bound::None, Bound::None};
+    fit.isMostlyNoise = KrigingTexts::isMostlyNoise(0.9);
 
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.9),
-              Sentences{"Noise dominates: 90 % of the output's variance is taken for noise."});
+    EXPECT_TRUE(KrigingTexts::warnings(fit).empty());
 }
 
 TEST(KrigingTexts, SaysWhenItKnowsNextToNothingBetweenTheCases)
@@ -164,16 +185,14 @@ TEST(KrigingTexts, SaysWhenAnotherOptimumIsNearlyAsLikely)
     KrigingFit fit = soundFit();
     fit.report.secondLogLikelihood = -13.5;
 
-    EXPECT_EQ(
-        KrigingTexts::verdicts(fit, 0.0),
-        Sentences{"Other correlation lengths are nearly as likely (log-likelihood -13.5 "
-                  "instead of -12.5): more cases would decide between two different models."});
+    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+              Sentences{"Other correlation lengths are nearly as likely (log-likelihood lower by "
+                        "1): more cases would decide between two different models."});
 
     fit.report.secondLogLikelihood = -12.5;
-    EXPECT_EQ(
-        KrigingTexts::verdicts(fit, 0.0),
-        Sentences{"Other correlation lengths are as likely (log-likelihood -12.5): more cases "
-                  "would decide between two different models."});
+    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+              Sentences{"Other correlation lengths are as likely: more cases "
+                        "would decide between two different models."});
 
     fit.report.secondLogLikelihood = -14.6;
     EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0), Sentences());

@@ -54,16 +54,18 @@ TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsed)
 
 TEST(KrigingWarnings, NamesInputsTermsAndNuggets)
 {
-    EXPECT_EQ(KrigingWarnings::ofConstantInput(1),
+    EXPECT_EQ(KrigingWarnings::ofConstantInputs({1}),
               "V2 is constant over the cases and was ignored.");
     EXPECT_EQ(KrigingWarnings::ofDroppedTerms({{0}, {1, 2}}),
-              "Terms of the trend that the cases cannot separate were dropped: V1, V2 V3.");
+              "Terms of the trend that the cases cannot separate were dropped: V1 and V2 V3.");
     const InputNames names({"Pressure", "Ratio"});
-    EXPECT_EQ(KrigingWarnings::ofConstantInput(1, names),
+    EXPECT_EQ(KrigingWarnings::ofConstantInputs({1}, names),
               "\"Ratio\" is constant over the cases and was ignored.");
+    EXPECT_EQ(KrigingWarnings::ofConstantInputs({0, 1}, names),
+              "\"Pressure\" and \"Ratio\" are constant over the cases and were ignored.");
     EXPECT_EQ(KrigingWarnings::ofDroppedTerms({{0, 0}, {0, 1}}, names),
-              "Terms of the trend that the cases cannot separate were dropped: \"Pressure\"^2, "
-              "\"Pressure\" * \"Ratio\".");
+              "Terms of the trend that the cases cannot separate were dropped: \"Pressure\"^2 "
+              "and \"Pressure\" * \"Ratio\".");
     EXPECT_EQ(KrigingWarnings::ofRaisedNugget(1e-10),
               "The nugget was raised to 1e-10: with less the correlation matrix cannot be "
               "factorised.");
