@@ -488,8 +488,9 @@ public:
                               text.substr(excluding + excludes.size()) +
                               " exclude each other: give one of them.");
         }
-        // Messages begin with the name of the option.
-        const std::string name = text.substr(0, text.find_first_of(": "));
+        // Messages begin with the name of the option, that of a flag without its dashes.
+        const std::string first = text.substr(0, text.find_first_of(": "));
+        const std::string name = first.rfind('-', 0) == 0 ? first : "--" + first;
         for (const CLI::App* const command : app.get_subcommands()) {
             const CLI::Option* const option = command->get_option_no_throw(name);
             if (option == nullptr) {

@@ -31,6 +31,20 @@ protected:
 };
 
 const char* const models[] = {"response-surface", "kriging"};
+
+/** What goes to the standard error of a model that knows no cases: no notes about their fit, and no
+ *  word of combinations that none is near. */
+std::string withoutCases(const std::string& text)
+{
+    std::string kept;
+    for (const std::string& line : linesOf(text)) {
+        if (line.rfind("Note ", 0) != 0 &&
+            line.find("no case is near their combination") == std::string::npos) {
+            kept += line + '\n';
+        }
+    }
+    return kept;
+}
 } // namespace
 
 TEST_F(ExportCommand, AnExportedModelEvaluatesLikeItsCases)
@@ -44,7 +58,7 @@ TEST_F(ExportCommand, AnExportedModelEvaluatesLikeItsCases)
             const Outcome exported = run("evaluate model.json " + std::string(values));
             EXPECT_EQ(exported.exitCode, 0);
             EXPECT_EQ(exported.out, cases.out) << model << values;
-            EXPECT_EQ(exported.err, cases.err) << model << values;
+            EXPECT_EQ(exported.err, withoutCases(cases.err)) << model << values;
         }
     }
 }

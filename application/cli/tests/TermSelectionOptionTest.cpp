@@ -21,7 +21,7 @@ class TermSelectionOption : public Program
 
 TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 {
-    folder.write("points.csv", "Pressure,H2/WF6\n10,3\n");
+    folder.write("points.csv", "Pressure,H2/WF6\n40,5\n");
     const std::string named = "Note for Uniformity: " + note + "\n";
 
     const Outcome equation = run("equations" + cases + "--select-terms");
@@ -31,7 +31,7 @@ TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 
     for (const std::string command : {"evaluate", "predict"}) {
         const std::string values =
-            command == "evaluate" ? "--at Pressure=10 --at H2/WF6=3 " : "--points points.csv ";
+            command == "evaluate" ? "--at Pressure=40 --at H2/WF6=5 " : "--points points.csv ";
         const Outcome selected = run(command + cases + values + "--select-terms");
         EXPECT_EQ(selected.exitCode, 0) << selected.err;
         EXPECT_EQ(selected.err, named);
@@ -42,8 +42,8 @@ TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
     EXPECT_EQ(exported.exitCode, 0);
     EXPECT_EQ(exported.err, named);
     EXPECT_EQ(
-        linesOf(run("evaluate m.json --at Pressure=10 --at H2/WF6=3").out),
-        linesOf(run("evaluate" + cases + "--at Pressure=10 --at H2/WF6=3 -q --select-terms").out));
+        linesOf(run("evaluate m.json --at Pressure=40 --at H2/WF6=5").out),
+        linesOf(run("evaluate" + cases + "--at Pressure=40 --at H2/WF6=5 -q --select-terms").out));
 
     const Outcome plotted = run("plot" + cases + "--kind residuals --select-terms -o p.svg");
     EXPECT_EQ(plotted.exitCode, 0);

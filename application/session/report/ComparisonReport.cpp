@@ -91,7 +91,7 @@ std::string intervalText(const OutputComparison& output)
 std::string outputText(const OutputComparison& output, std::size_t folds)
 {
     TextTable table({false, true, true, true, true, true});
-    table.add({"Model", "Q2", "RMSE", "Largest error", "At case", "Seconds a fit"});
+    table.add({"Model", "Q2", "Cross-validated RMSE", "Largest error", "At case", "Seconds a fit"});
     addRow(table, "response surface", output.responseSurface);
     addRow(table, "Kriging", output.kriging);
     return '\n' + oneLineText(output.name) + '\n' + table.text("  ") + "  " +

@@ -220,8 +220,8 @@ Figures calibrationFigures(const CalibrationReport& calibration)
         held.push_back(percentText(share.held));
     }
     if (!levels.empty()) {
-        figures.emplace_back("intervals of " + joinedText(levels) + " %",
-                             "hold " + joinedText(held) + " % of the left-out cases");
+        figures.emplace_back("intervals held", joinedText(held) + " % of the left-out cases (" +
+                                                   joinedText(levels) + " % intervals)");
     }
     return figures;
 }
@@ -285,8 +285,9 @@ Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistic
 {
     Figures figures = {{"R2", shownNumber(metrics.r2)},
                        {"adjusted R2", shownNumber(metrics.adjustedR2)},
-                       {"predicted R2", shownNumber(metrics.predictedR2)},
-                       {"RMSE", shownNumber(metrics.rmse)},
+                       {"Q2 (predicted R2)", shownNumber(metrics.predictedR2)},
+                       {"residual standard deviation", shownNumber(metrics.rmse)},
+                       {"leave-one-out RMSE", shownNumber(metrics.looRmse)},
                        {"PRESS", shownNumber(metrics.press)}};
     if (statistics != nullptr) {
         figures.emplace_back("AICc", shownNumber(statistics->aicc));
@@ -332,7 +333,7 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
                "that need them are \"-\".";
     }
     if (statistics != nullptr && std::isnan(metrics.predictedR2)) {
-        return "A case alone determines a term of the polynomial: predicted R2 and PRESS are "
+        return "A case alone determines a term of the polynomial: Q2 and PRESS are "
                "\"-\", since leaving it out leaves no such fit.";
     }
     return "";

@@ -392,12 +392,12 @@ std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistic
             anywhere += ", any " + inputs[i];
         } else {
             place +=
-                (place.empty() ? "" : ", ") + inputs[i] + " = " + shownNumber(point.coordinates[i]);
+                (place.empty() ? "" : ", ") + inputs[i] + " = " + shownFigure(point.coordinates[i]);
         }
     }
     place += anywhere;
     return std::string("The stationary point is a ") + natureName(point.nature) + " of " +
-           shownNumber(point.value) + " at " + place + ", " +
+           shownFigure(point.value) + " at " + place + ", " +
            (point.isInsideData ? "inside" : "outside") + " the ranges of the cases.";
 }
 

@@ -42,7 +42,11 @@ std::string shownNumber(double number, int digits)
 std::string shownFigure(double number)
 {
     constexpr int digits = 4;
-    return shownNumber(number, digits);
+    constexpr double firstWhole = 1e4; // with four digits it would get an exponent
+    constexpr double firstLong = 1e7;
+    const double size = std::abs(number);
+    return size >= firstWhole && size < firstLong ? numberText(std::round(number))
+                                                  : shownNumber(number, digits);
 }
 
 std::string shownProbability(double probability)

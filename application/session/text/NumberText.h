@@ -16,7 +16,7 @@ SURROGATE_SESSION_EXPORT std::string numberText(double number);
 /** A number for people to read, of so many digits; "-" for NaN and infinity. */
 SURROGATE_SESSION_EXPORT std::string shownNumber(double number, int digits = 6);
 
-/** A figure in a sentence: four digits; "-" for NaN. */
+/** A figure in a sentence: four digits, or all before the point; "-" for NaN. */
 SURROGATE_SESSION_EXPORT std::string shownFigure(double number);
 
 /** A probability that a test gives, of at most four digits: "0.0123", "< 0.0001"; "-" for NaN. */

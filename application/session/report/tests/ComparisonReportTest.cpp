@@ -54,14 +54,14 @@ TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
         "Folds   5, each predicted by models of the cases of all others\n"
         "\n"
         "Stress\n"
-        "  Model               Q2  RMSE  Largest error  At case  Seconds a fit\n"
-        "  response surface  0.75   0.5           1.25        5         0.0001\n"
-        "  Kriging            0.5   0.5           1.25        5         0.0001\n"
+        "  Model               Q2  Cross-validated RMSE  Largest error  At case  Seconds a fit\n"
+        "  response surface  0.75                   0.5           1.25        5         0.0001\n"
+        "  Kriging            0.5                   0.5           1.25        5         0.0001\n"
         "  Take either.\n"
         "  The 95 % intervals held 94.3 % (response surface), 100 % (Kriging) of the left-out "
         "cases.\n"
-        "  Note: Kriging models the logarithm of Stress.\n"
         "  Warning: The response surface: It has fewer terms.\n"
+        "  Note: Kriging models the logarithm of Stress.\n"
         "  Warning: Kriging cannot be fitted in 2 of 5 folds, whose cases are left out of all "
         "figures; in fold 3: There is a fault.\n");
 }
@@ -72,9 +72,9 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
     comparison.outputs[0].kriging = CrossValidationMetrics();
 
     const std::string text = ComparisonReport::text(cvdSession(), comparison);
-    EXPECT_NE(
-        text.find("\n  Kriging              -     -              -        -              -\n"),
-        std::string::npos)
+    EXPECT_NE(text.find("\n  Kriging              -                     -              -        -  "
+                        "            -\n"),
+              std::string::npos)
         << text;
     const Json json =
         Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0)));

@@ -55,6 +55,9 @@ TEST(NumberText, RandomBitPatternsReadBackTheSame)
 TEST(NumberText, AFigureInASentenceHasFourDigits)
 {
     EXPECT_EQ(shownFigure(0.123456), "0.1235");
+    EXPECT_EQ(shownFigure(-9999.4), "-9999");
+    EXPECT_EQ(shownFigure(123456.7), "123457");
+    EXPECT_EQ(shownFigure(-12345678.0), "-1.235e+07");
     EXPECT_EQ(shownFigure(std::nan("")), "-");
 }
 
