@@ -5,7 +5,7 @@
 
 /**
  * The coefficients of one output, each with its confidence limits, from top to bottom. The last
- * ones are left out where the picture has no room for all; the caption says so.
+ * ones are left out where a picture of a given size has no room for all; the caption says so.
  */
 struct CoefficientPicture
 {
@@ -16,6 +16,7 @@ struct CoefficientPicture
         double estimate = 0.0; ///< finite, in the unit of the output
         double lower = 0.0;    ///< NaN, like `upper`, where there are no limits
         double upper = 0.0;
+        bool isSignificant = true; ///< others are drawn in grey
     };
 
     std::string title;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,17 +10,26 @@
  */
 struct ContourPicture
 {
+    struct Extreme
+    {
+        double x = 0.0;
+        double y = 0.0;
+        double value = 0.0;
+    };
+
     std::string title;
     std::string xName;
     std::string yName;
     std::string outputName;
     std::vector<double> x; ///< strictly ascending, two at least, like `y`
     std::vector<double> y;
-    std::vector<double> values; ///< x.size() * y.size(), y varying fastest
-    std::vector<double> caseX;
-    std::vector<double> caseY; ///< as many
-    std::string caseLabel;     ///< what the legend says
-    std::string caption;       ///< what is held, which cases count as near; empty for none
+    std::vector<double> values;          ///< x.size() * y.size(), y varying fastest
+    std::vector<Extreme> extremes;       ///< the least and the largest value; none of equal values
+    std::vector<double> caseX;           ///< each point once
+    std::vector<double> caseY;           ///< as many
+    std::vector<std::size_t> caseCounts; ///< as many: the cases at each point
+    std::string caseLabel;               ///< what the legend says
+    std::string caption; ///< what is held, which cases count as near; empty for none
     /** Which points lie outside the cases, a sentence; empty if none does. */
     std::string extrapolation;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <plot/data/CaseMark.h>
+
 #include <string>
 #include <vector>
 
@@ -8,7 +10,11 @@ struct ResidualPicture
 {
     std::string title;
     std::string outputName;
+    std::string unit;              ///< of the output; empty if it is not known
     std::vector<double> predicted; ///< finite, in the unit of the output
     std::vector<double> residuals; ///< as many
-    std::string caption;           ///< where the predictions come from; empty for none
+    std::vector<CaseMark> worst;   ///< the largest residuals, the worst first
+    /** Two standard deviations of the residuals, drawn at both sides; 0 for none. */
+    double limit = 0.0;
+    std::string caption; ///< where the predictions come from; empty for none
 };

@@ -122,6 +122,11 @@ public:
     {
         auto* const effects = std::get_if<EffectsPicture>(&data);
         size = wanted.value_or(effects == nullptr ? PictureSize() : sizeOfEffect);
+        const auto* const terms = std::get_if<CoefficientPicture>(&data);
+        if (terms != nullptr && !wanted) {
+            size.height =
+                std::clamp(PlotWidget::heightOf(*terms), size.height, PictureSize::maxPixels);
+        }
         if (effects == nullptr) {
             addPanel(std::move(data));
             return;

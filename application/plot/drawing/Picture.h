@@ -29,7 +29,8 @@ public:
     };
 
     /** @param panels one at least.
-     *  @param size   of each panel; none: PictureSize(), or less for each effect. */
+     *  @param size   of each panel; none: PictureSize(), less for each effect, and as high as the
+     *                terms of coefficients need. */
     explicit Picture(std::vector<PictureData> panels, std::optional<PictureSize> size = {});
     ~Picture();
     Picture(Picture&&) noexcept;

@@ -7,6 +7,7 @@
 #include "plot/drawing/NameScaleDraw.h"
 #include "plot/drawing/PlotColours.h"
 #include "plot/drawing/PlotFont.h"
+#include "plot/drawing/PointLabels.h"
 
 #include <session/text/QuotedText.h>
 
@@ -34,7 +35,11 @@ namespace {
 constexpr double margin = 0.05;
 constexpr double narrowMargin = 0.04;
 constexpr double lineThickness = 2.0;
+/** Of symbols: smaller where there are many cases. */
 constexpr int symbolSize = 8;
+constexpr int smallSymbolSize = 5;
+constexpr int dotSize = 3;
+constexpr int maxLargeSymbols = 300;
 constexpr int maxSteps = 10; ///< between the major ticks of an axis
 
 /** More cases are thinned to one per cell of a grid that is much finer than a symbol: viewers are
@@ -49,12 +54,21 @@ enum Layer
     BandLayer,
     ReferenceLayer,
     ModelLayer,
-    CaseLayer
+    CaseLayer,
+    LabelLayer
 };
 
 QString shown(const std::string& text)
 {
     return QString::fromStdString(oneLineText(text));
+}
+
+/** What the lines of ActualPicture::limit are called. */
+const std::string limitLabel = "\302\261 2 standard deviations";
+
+std::string inParentheses(const std::string& unit)
+{
+    return unit.empty() ? unit : " (" + unit + ')';
 }
 
 QVector<QPointF> points(const std::vector<double>& x, const std::vector<double>& y)
@@ -96,8 +110,12 @@ QString elidedTerm(const std::vector<std::string>& factors, const QFontMetricsF&
 /** Discs at these points, with a white edge where they overlap, in place of a line. */
 void showAsSymbols(QwtPlotCurve& curve, const QVector<QPointF>& positions, const QColor& colour)
 {
-    auto* const symbol = new QwtSymbol(QwtSymbol::Ellipse, colour, QPen(Qt::white, 1.0),
-                                       QSize(symbolSize, symbolSize));
+    const int size = positions.size() <= maxLargeSymbols     ? symbolSize
+                     : positions.size() <= maxUnthinnedCases ? smallSymbolSize
+                                                             : dotSize;
+    auto* const symbol =
+        new QwtSymbol(QwtSymbol::Ellipse, colour, QPen(Qt::white, size < symbolSize ? 0.5 : 1.0),
+                      QSize(size, size));
     // A cached symbol is a bitmap.
     symbol->setCachePolicy(QwtSymbol::NoCache);
     curve.setSamples(positions);
@@ -131,6 +149,11 @@ QVector<QPointF> thinned(const QVector<QPointF>& all)
     }
     return kept;
 }
+
+double heightOfTerm()
+{
+    return 1.25 * QFontMetricsF(PlotFont::ofSize(PlotFont::tickSize)).height();
+}
 } // namespace
 
 class PlotWidget::Impl
@@ -162,8 +185,13 @@ private:
     void write(const std::string& title, const std::string& caption);
     void addLine(const QVector<QPointF>& line, const QPen& pen, Layer layer,
                  const std::string& label = std::string());
+    void addDiagonal(double offset, const QPen& pen, const std::string& label);
     void addCases(const QVector<QPointF>& positions, const std::string& label);
     void addGrid();
+    void addLabels(std::vector<PointLabels::Label> labels, const QVector<QPointF>& points,
+                   bool hasBoxes);
+    void addCaseNumbers(const std::vector<CaseMark>& worst, const QVector<QPointF>& points);
+    void addExtremes(const ContourPicture& picture, std::vector<PointLabels::Label>& labels);
     int fittingSteps(int axis, const QwtInterval& range, double room) const;
     void addTerms(const CoefficientPicture& picture, int count);
 };
@@ -240,6 +268,16 @@ void PlotWidget::Impl::addLine(const QVector<QPointF>& line, const QPen& pen, La
     hasLegend = hasLegend || !label.empty();
 }
 
+/** From lower left to upper right, moved up by an offset, cut at the borders. */
+void PlotWidget::Impl::addDiagonal(double offset, const QPen& pen, const std::string& label)
+{
+    const double left = std::max(xRange.minValue(), xRange.minValue() - offset);
+    const double right = std::min(xRange.maxValue(), xRange.maxValue() - offset);
+    if (left < right) {
+        addLine({{left, left + offset}, {right, right + offset}}, pen, ReferenceLayer, label);
+    }
+}
+
 void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::string& label)
 {
     if (positions.isEmpty()) {
@@ -255,6 +293,52 @@ void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::st
     curve->setZ(CaseLayer);
     curve->attach(&plot);
     hasLegend = hasLegend || !label.empty();
+}
+
+void PlotWidget::Impl::addLabels(std::vector<PointLabels::Label> labels,
+                                 const QVector<QPointF>& points, bool hasBoxes)
+{
+    auto* const item =
+        new PointLabels(std::move(labels), points, PlotFont::ofSize(PlotFont::tickSize), hasBoxes);
+    item->setZ(LabelLayer);
+    item->attach(&plot);
+}
+
+void PlotWidget::Impl::addCaseNumbers(const std::vector<CaseMark>& worst,
+                                      const QVector<QPointF>& points)
+{
+    std::vector<PointLabels::Label> labels;
+    for (const CaseMark& mark : worst) {
+        labels.push_back({points[static_cast<int>(mark.point)], QString::number(mark.caseNumber)});
+    }
+    addLabels(std::move(labels), thinned(points), false);
+}
+
+/** A cross where the output is least, and one where it is largest. */
+void PlotWidget::Impl::addExtremes(const ContourPicture& picture,
+                                   std::vector<PointLabels::Label>& labels)
+{
+    QVector<QPointF> positions;
+    for (const ContourPicture::Extreme& extreme : picture.extremes) {
+        positions.append(QPointF(extreme.x, extreme.y));
+        const QString word =
+            positions.size() == 1 ? QStringLiteral("min ") : QStringLiteral("max ");
+        labels.push_back({positions.last(), word + QString::number(extreme.value, 'g', 4)});
+    }
+    // Black on white can be seen on all colours.
+    for (const QPen& pen : {QPen(Qt::white, 4.0), QPen(Qt::black, 1.5)}) {
+        auto* const curve = new QwtPlotCurve;
+        auto* const cross =
+            new QwtSymbol(QwtSymbol::XCross, Qt::NoBrush, pen, QSize(symbolSize, symbolSize));
+        cross->setCachePolicy(QwtSymbol::NoCache);
+        curve->setSamples(positions);
+        curve->setStyle(QwtPlotCurve::NoCurve);
+        curve->setSymbol(cross);
+        curve->setItemAttribute(QwtPlotItem::Legend, false);
+        curve->setRenderHint(QwtPlotItem::RenderAntialiased);
+        curve->setZ(CaseLayer);
+        curve->attach(&plot);
+    }
 }
 
 void PlotWidget::Impl::show(const SweepPicture& picture)
@@ -302,7 +386,17 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     auto* const item = new ContourItem(picture, bands, PlotFont::ofSize(PlotFont::tickSize));
     item->setZ(BandLayer);
     item->attach(&plot);
-    addCases(points(picture.caseX, picture.caseY), picture.caseLabel);
+    const QVector<QPointF> cases = points(picture.caseX, picture.caseY);
+    addCases(cases, picture.caseLabel);
+    std::vector<PointLabels::Label> labels;
+    addExtremes(picture, labels);
+    for (std::size_t i = 0; i < picture.caseCounts.size(); ++i) {
+        if (picture.caseCounts[i] > 1) {
+            labels.push_back({cases[static_cast<int>(i)],
+                              QStringLiteral("\u00d7") + QString::number(picture.caseCounts[i])});
+        }
+    }
+    addLabels(std::move(labels), thinned(cases), true);
 
     // Symbols of cases lie on the border too.
     xRange = AxisScale::padded({picture.x.front(), picture.x.back()}, narrowMargin);
@@ -315,29 +409,48 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
 
 void PlotWidget::Impl::show(const ActualPicture& picture)
 {
+    const std::string unit = inParentheses(picture.unit);
     write(picture.title, picture.caption);
-    nameAxis(QwtPlot::xBottom, picture.outputName + ", actual");
-    nameAxis(QwtPlot::yLeft, picture.outputName + ", predicted");
+    nameAxis(QwtPlot::xBottom, picture.outputName + ", actual" + unit);
+    nameAxis(QwtPlot::yLeft, picture.outputName + ", predicted" + unit);
     addGrid();
     xRange = AxisScale::padded(
         AxisScale::range(picture.actual) | AxisScale::range(picture.predicted), margin);
     yRange = xRange;
-    addLine({{xRange.minValue(), xRange.minValue()}, {xRange.maxValue(), xRange.maxValue()}},
-            QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer, "predicted = actual");
-    addCases(points(picture.actual, picture.predicted), "cases");
+    addDiagonal(0.0, QPen(PlotColours::reference, 1.0, Qt::DashLine), "predicted = actual");
+    if (picture.limit > 0.0) {
+        const QPen pen(PlotColours::limits, 1.0);
+        addDiagonal(picture.limit, pen, limitLabel);
+        addDiagonal(-picture.limit, pen, std::string());
+    }
+    const QVector<QPointF> cases = points(picture.actual, picture.predicted);
+    addCases(cases, "cases");
+    addCaseNumbers(picture.worst, cases);
 }
 
 void PlotWidget::Impl::show(const ResidualPicture& picture)
 {
+    const std::string unit = inParentheses(picture.unit);
     write(picture.title, picture.caption);
-    nameAxis(QwtPlot::xBottom, picture.outputName + ", predicted");
-    nameAxis(QwtPlot::yLeft, "actual - predicted");
+    nameAxis(QwtPlot::xBottom, picture.outputName + ", predicted" + unit);
+    nameAxis(QwtPlot::yLeft, "actual - predicted" + unit);
     addGrid();
     xRange = AxisScale::padded(AxisScale::range(picture.predicted), margin);
-    yRange = AxisScale::padded(AxisScale::range(picture.residuals) | QwtInterval(0.0, 0.0), margin);
-    addLine({{xRange.minValue(), 0.0}, {xRange.maxValue(), 0.0}},
-            QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer);
-    addCases(points(picture.predicted, picture.residuals), std::string());
+    yRange = AxisScale::padded(
+        AxisScale::range(picture.residuals) | QwtInterval(-picture.limit, picture.limit), margin);
+    const auto addLevel = [this](double level, const QPen& pen, const std::string& label) {
+        addLine({{xRange.minValue(), level}, {xRange.maxValue(), level}}, pen, ReferenceLayer,
+                label);
+    };
+    addLevel(0.0, QPen(PlotColours::reference, 1.0, Qt::DashLine), std::string());
+    if (picture.limit > 0.0) {
+        const QPen pen(PlotColours::limits, 1.0);
+        addLevel(picture.limit, pen, limitLabel);
+        addLevel(-picture.limit, pen, std::string());
+    }
+    const QVector<QPointF> cases = points(picture.predicted, picture.residuals);
+    addCases(cases, "cases");
+    addCaseNumbers(picture.worst, cases);
 }
 
 void PlotWidget::Impl::show(const CoefficientPicture& picture)
@@ -410,8 +523,7 @@ void PlotWidget::Impl::chooseTerms()
     const auto fitting = [this, all] {
         plot.updateLayout();
         const double height = plot.plotLayout()->canvasRect().height();
-        const double row = 1.25 * QFontMetricsF(PlotFont::ofSize(PlotFont::tickSize)).height();
-        return std::clamp(static_cast<int>(height / row), 1, all);
+        return std::clamp(static_cast<int>(height / heightOfTerm()), 1, all);
     };
     write(picture->title, picture->caption);
     int count = fitting();
@@ -432,6 +544,7 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
     QStringList names;
     QList<double> ticks;
     QVector<QPointF> estimates;
+    QVector<QPointF> greyEstimates;
     xRange = QwtInterval(0.0, 0.0);
     const auto keep = [this](QwtPlotItem* item, Layer layer) {
         item->setItemAttribute(QwtPlotItem::Legend, false);
@@ -444,7 +557,8 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
         const CoefficientPicture::Term& term = picture.terms[static_cast<std::size_t>(i)];
         names.append(elidedTerm(term.factors, metrics, nameRoom));
         ticks.append(i);
-        estimates.append(QPointF(term.estimate, i));
+        (term.isSignificant ? estimates : greyEstimates).append(QPointF(term.estimate, i));
+        const QColor colour = term.isSignificant ? PlotColours::model : PlotColours::insignificant;
         xRange |= term.estimate;
         if (std::isfinite(term.lower) && std::isfinite(term.upper)) {
             xRange |= term.lower;
@@ -452,7 +566,7 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
             auto* const limits = new QwtPlotCurve;
             limits->setSamples(
                 {{term.lower, static_cast<double>(i)}, {term.upper, static_cast<double>(i)}});
-            limits->setPen(PlotColours::model, lineThickness);
+            limits->setPen(colour, lineThickness);
             keep(limits, ModelLayer);
         }
     }
@@ -461,9 +575,13 @@ void PlotWidget::Impl::addTerms(const CoefficientPicture& picture, int count)
     zero->setSamples({{0.0, -0.5}, {0.0, count - 0.5}});
     zero->setPen(QPen(PlotColours::reference, 1.0, Qt::DashLine));
     keep(zero, ReferenceLayer);
-    auto* const marks = new QwtPlotCurve;
-    showAsSymbols(*marks, estimates, PlotColours::model);
-    keep(marks, CaseLayer);
+    for (const auto& [positions, colour] :
+         {std::make_pair(estimates, PlotColours::model),
+          std::make_pair(greyEstimates, PlotColours::insignificant)}) {
+        auto* const marks = new QwtPlotCurve;
+        showAsSymbols(*marks, positions, colour);
+        keep(marks, CaseLayer);
+    }
 
     // The first term at the top.
     QwtScaleDiv scale(count - 0.5, -0.5);
@@ -487,6 +605,13 @@ PlotWidget::PlotWidget(PictureData data, QWidget* parent)
 }
 
 PlotWidget::~PlotWidget() = default;
+
+int PlotWidget::heightOf(const CoefficientPicture& picture)
+{
+    constexpr double besideTerms = 150.0; // title, axis and caption
+    return static_cast<int>(
+        std::lround(besideTerms + heightOfTerm() * static_cast<double>(picture.terms.size())));
+}
 
 void PlotWidget::arrange(const QSize& size)
 {

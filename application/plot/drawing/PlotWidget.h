@@ -19,6 +19,9 @@ public:
     explicit PlotWidget(PictureData data, QWidget* parent = nullptr);
     ~PlotWidget() override;
 
+    /** At which there is room for all terms. */
+    static int heightOf(const CoefficientPicture& picture);
+
     /** Lays everything out for this size, even if the widget is never shown. */
     void arrange(const QSize& size);
 

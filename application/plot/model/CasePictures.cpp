@@ -8,7 +8,9 @@
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/FittedModel.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
@@ -18,15 +20,56 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
     if (model == nullptr) {
         throw SurrogateModelInterface::Error("The model has no cases to predict from each other.");
     }
+    std::vector<LeaveOneOutPrediction> predictions =
+        model->leaveOneOutPredictions(session.outputOffsets()[output]);
+    const std::vector<std::size_t> cases = session.validCases();
+    for (LeaveOneOutPrediction& one : predictions) {
+        one.row = cases.at(one.row);
+    }
     return {name, session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
-            model->leaveOneOutPredictions(session.outputOffsets()[output]), session.counts().valid};
+            std::move(predictions), session.counts().valid, session.unitOf(name)};
 }
+
+namespace {
+constexpr std::size_t maxWorst = 5;
+
+/** The cases whose differences are largest; their points are those with a prediction. */
+std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predictions)
+{
+    std::vector<std::pair<double, CaseMark>> order;
+    for (const LeaveOneOutPrediction& each : predictions) {
+        if (std::isfinite(each.predicted)) {
+            order.push_back({std::abs(each.output - each.predicted), {order.size(), each.row + 1}});
+        }
+    }
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto& left, const auto& right) { return left.first > right.first; });
+    std::vector<CaseMark> worst;
+    for (std::size_t i = 0; i < std::min(maxWorst, order.size()); ++i) {
+        worst.push_back(order[i].second);
+    }
+    return worst;
+}
+
+/** Twice the root mean square of the differences. */
+double limitOf(const ActualPicture& picture)
+{
+    double squares = 0.0;
+    for (std::size_t i = 0; i < picture.actual.size(); ++i) {
+        const double difference = picture.actual[i] - picture.predicted[i];
+        squares += difference * difference;
+    }
+    const double limit = 2.0 * std::sqrt(squares / static_cast<double>(picture.actual.size()));
+    return std::isfinite(limit) ? limit : 0.0;
+}
+} // namespace
 
 ActualPicture actualPicture(const LeaveOneOutCases& cases)
 {
     ActualPicture picture;
     picture.title = cases.outputName + ", " + cases.modelName + ", leave-one-out";
     picture.outputName = cases.outputName;
+    picture.unit = cases.unit;
     for (const LeaveOneOutPrediction& each : cases.predictions) {
         if (std::isfinite(each.predicted)) {
             picture.actual.push_back(each.output);
@@ -53,6 +96,8 @@ ActualPicture actualPicture(const LeaveOneOutCases& cases)
     picture.caption += '.';
     requireDrawable(picture.actual, owner);
     requireDrawable(picture.predicted, "The model of " + owner);
+    picture.worst = worstOf(cases.predictions);
+    picture.limit = limitOf(picture);
     return picture;
 }
 
@@ -62,6 +107,9 @@ ResidualPicture residualPicture(const LeaveOneOutCases& cases)
     ResidualPicture picture;
     picture.title = std::move(source.title);
     picture.outputName = cases.outputName;
+    picture.unit = cases.unit;
+    picture.worst = std::move(source.worst);
+    picture.limit = source.limit;
     for (std::size_t i = 0; i < source.actual.size(); ++i) {
         picture.residuals.push_back(source.actual[i] - source.predicted[i]);
     }

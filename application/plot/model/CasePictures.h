@@ -17,9 +17,10 @@ class CaseSession;
 struct SURROGATE_PLOT_EXPORT LeaveOneOutCases
 {
     std::string outputName;
-    std::string modelName; ///< "Kriging" or "response surface"
-    std::vector<LeaveOneOutPrediction> predictions;
+    std::string modelName;                          ///< "Kriging" or "response surface"
+    std::vector<LeaveOneOutPrediction> predictions; ///< rows are positions in the case file
     std::size_t fittedCases = 0; ///< more than the predictions if these are a sample
+    std::string unit = {};       ///< of the output; empty if it is not known
 
     /** @throw SurrogateModelInterface::Error */
     static LeaveOneOutCases of(CaseSession& session, std::size_t output);

@@ -9,9 +9,9 @@
 class CaseSession;
 struct ModelCut;
 
-/** Where the mean of an output lies with a probability of 95 %: within so many standard errors of the
- * prediction. Where a transform of the output is modelled, the limits are those of the transform,
- * transformed back. */
+/** Where the mean of an output lies with a probability of 95 %: within so many standard errors of
+ * the prediction. Where a transform of the output is modelled, the limits are those of the
+ * transform, transformed back. */
 struct SURROGATE_PLOT_EXPORT ConfidenceBand
 {
     /** One per point of a cut; empty, like `upper`, if the model has none, or if as many terms as

@@ -1,11 +1,16 @@
 #include "plot/model/ContourPictures.h"
 
+#include "plot/drawing/AxisScale.h"
 #include "plot/model/DrawableValues.h"
 #include "plot/model/ModelCut.h"
 
 #include <session/text/QuotedText.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <utility>
 
 namespace {
 std::vector<double> ascendingValues(const ModelCut::Column& input)
@@ -21,6 +26,35 @@ std::size_t positionOf(double value, const std::vector<double>& ascending)
 {
     return static_cast<std::size_t>(std::lower_bound(ascending.begin(), ascending.end(), value) -
                                     ascending.begin());
+}
+
+void addExtremes(ContourPicture& picture)
+{
+    const auto [least, most] = std::minmax_element(picture.values.begin(), picture.values.end());
+    if (!(*most - *least > AxisScale::minRelativeSpread * std::abs(*most))) {
+        return;
+    }
+    for (const auto found : {least, most}) {
+        const auto position = static_cast<std::size_t>(found - picture.values.begin());
+        picture.extremes.push_back({picture.x[position / picture.y.size()],
+                                    picture.y[position % picture.y.size()], *found});
+    }
+}
+
+/** Each point once, in the order of the cases. */
+void addCases(const std::vector<double>& x, const std::vector<double>& y, ContourPicture& picture)
+{
+    std::map<std::pair<double, double>, std::size_t> positions;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const auto [found, isNew] =
+            positions.emplace(std::make_pair(x[i], y[i]), picture.caseX.size());
+        if (isNew) {
+            picture.caseX.push_back(x[i]);
+            picture.caseY.push_back(y[i]);
+            picture.caseCounts.push_back(0);
+        }
+        ++picture.caseCounts[found->second];
+    }
 }
 } // namespace
 
@@ -42,8 +76,8 @@ ContourPicture contourPicture(const ModelCut& cut, std::size_t output)
         picture.values[positionOf(x.values[point], picture.x) * picture.y.size() +
                        positionOf(y.values[point], picture.y)] = model.values[point];
     }
-    picture.caseX = x.caseValues;
-    picture.caseY = y.caseValues;
+    addExtremes(picture);
+    addCases(x.caseValues, y.caseValues, picture);
     picture.caseLabel = cut.caseLabel();
     picture.caption = cut.caption();
     picture.extrapolation = cut.extrapolation;

@@ -97,9 +97,31 @@ std::string shortName(const std::string& name)
 /** The shortest text of the number; with fewer digits where that has too many to be read. */
 std::string shortNumber(double number)
 {
-    constexpr std::size_t longest = 10;
+    constexpr std::size_t longest = 7;
+    constexpr int digits = 4;
     const std::string text = numberText(number);
-    return text.size() <= longest ? text : shownNumber(number);
+    return text.size() <= longest ? text : shownNumber(number, digits);
+}
+
+/** The different ones of these values, ascending, with others evenly between them. */
+std::vector<double> withValuesBetween(std::vector<double> values, std::size_t wanted)
+{
+    std::sort(values.begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+    if (values.size() < 2 || values.size() >= wanted) {
+        return values;
+    }
+    const std::size_t gaps = values.size() - 1;
+    const std::size_t parts = (wanted - 1 + gaps - 1) / gaps;
+    std::vector<double> fine;
+    for (std::size_t i = 0; i < gaps; ++i) {
+        for (std::size_t part = 0; part < parts; ++part) {
+            const double share = static_cast<double>(part) / static_cast<double>(parts);
+            fine.push_back((1.0 - share) * values[i] + share * values[i + 1]);
+        }
+    }
+    fine.push_back(values.back());
+    return fine;
 }
 
 /** "Flow = 3 l/s, Power = 10 and 2 more held". */
@@ -176,6 +198,27 @@ ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_
     cut.extrapolation = std::move(evaluation.extrapolation);
     addNearCases(session, cut);
     return cut;
+}
+
+ModelCut ModelCut::finer(CaseSession& session, std::size_t values) const
+{
+    const std::vector<double> x = withValuesBetween(inputs[swept[0]].values, values);
+    const std::vector<double> y = withValuesBetween(inputs[swept[1]].values, values);
+    ModelCut fine = *this;
+    std::vector<const double*> columns;
+    for (Column& input : fine.inputs) {
+        input.values.assign(x.size() * y.size(), points() > 0 ? input.values.front() : 0.0);
+        columns.push_back(input.values.data());
+    }
+    for (std::size_t point = 0; point < x.size() * y.size(); ++point) {
+        fine.inputs[swept[0]].values[point] = x[point / y.size()];
+        fine.inputs[swept[1]].values[point] = y[point % y.size()];
+    }
+    PointEvaluation evaluation = session.predict(columns, x.size() * y.size());
+    for (std::size_t i = 0; i < fine.outputs.size(); ++i) {
+        fine.outputs[i].values = std::move(evaluation.outputs[i]);
+    }
+    return fine;
 }
 
 std::string ModelCut::caseLabel() const

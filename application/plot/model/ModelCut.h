@@ -46,6 +46,10 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
                                std::size_t values);
 
+    /** The same over two swept inputs with values between theirs, evenly, so that each has at least
+     *  this many. @throw SurrogateModelInterface::Error */
+    ModelCut finer(CaseSession& session, std::size_t values) const;
+
     /** Points of a sweep over a range: enough for a smooth line. */
     static constexpr std::size_t sweepValues = 101;
 

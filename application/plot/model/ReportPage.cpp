@@ -79,13 +79,14 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
 {
     std::vector<std::string> pictures;
     const LeaveOneOutCases cases = LeaveOneOutCases::of(session, output);
+    const std::string& name = cases.outputName;
     pictures.push_back(drawn("actual", [&] { return actualPicture(cases); }));
     pictures.push_back(drawn("residuals", [&] { return residualPicture(cases); }));
     if (!statistics.empty()) {
         pictures.push_back(drawn("coefficients", [&] {
-            return coefficientPicture(statistics[output], namesOf(session.inputs()),
-                                      session.outputs()[output].lock()->name(),
-                                      session.fit().outputs[output].modelled.transform);
+            return coefficientPicture(statistics[output], namesOf(session.inputs()), name,
+                                      session.fit().outputs[output].modelled.transform,
+                                      session.unitOf(name));
         }));
     }
     const std::vector<const ModelCut*> strongest = effects.strongest(output, 2);

@@ -28,6 +28,9 @@ const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
                                                          {"residuals", Kind::Residuals},
                                                          {"coefficients", Kind::Coefficients}};
 
+/** Of each input of a contour: its lines are smooth then. */
+constexpr std::size_t smoothValues = 101;
+
 bool contains(const std::vector<std::size_t>& positions, std::size_t position)
 {
     return std::find(positions.begin(), positions.end(), position) != positions.end();
@@ -96,8 +99,7 @@ std::size_t SessionPictures::sweptInputs(Kind kind)
 
 std::size_t SessionPictures::defaultValues(Kind kind)
 {
-    constexpr std::size_t contourValues = 61; // of each input: lines are smooth, 3721 points quick
-    return kind == Kind::Contour ? contourValues : ModelCut::sweepValues;
+    return kind == Kind::Contour ? smoothValues : ModelCut::sweepValues;
 }
 
 void SessionPictures::sweepRemaining(Kind kind, CaseSession& session,
@@ -145,6 +147,9 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
     if (sweptInputs(kind) > 0) {
         cut = ModelCut::throughChosenValues(session);
     }
+    if (kind == Kind::Contour && cut->points() < smoothValues * smoothValues) {
+        cut = cut->finer(session, smoothValues);
+    }
     const std::vector<ResponseSurfaceStatistics> statistics =
         kind == Kind::Coefficients ? session.statistics()
                                    : std::vector<ResponseSurfaceStatistics>();
@@ -167,9 +172,9 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
             pictures.emplace_back(residualPicture(LeaveOneOutCases::of(session, output)));
             break;
         case Kind::Coefficients:
-            pictures.emplace_back(
-                coefficientPicture(statistics[output], inputs, outputs[output],
-                                   session.fit().outputs[output].modelled.transform));
+            pictures.emplace_back(coefficientPicture(
+                statistics[output], inputs, outputs[output],
+                session.fit().outputs[output].modelled.transform, session.unitOf(outputs[output])));
             break;
         }
     }

@@ -191,6 +191,20 @@ TEST(Picture, AContourShowsCasesAtItsCorners)
     }
 }
 
+TEST(Picture, AContourMarksItsExtremesAndRepeatedCases)
+{
+    ContourPicture picture = contour();
+    picture.extremes = {{0.0, 0.0, 0.0}, {10.0, 10.0, 99.98765}};
+    picture.caseCounts = {1, 3};
+
+    const std::string svg = svgOf(picture);
+
+    EXPECT_TRUE(hasText(svg, "min 0"));
+    EXPECT_TRUE(hasText(svg, "max 99.99"));
+    EXPECT_TRUE(hasText(svg, "\303\2273")) << "three cases at one point";
+    EXPECT_FALSE(hasText(svg, "\303\2271"));
+}
+
 TEST(Picture, AConstantContourHasOneColourAndNoLines)
 {
     ContourPicture picture = contour();
@@ -216,6 +230,47 @@ TEST(Picture, ActualAndPredictedHaveTheSameScale)
     // 4.5 is beyond the actual values, and stands at both axes.
     const std::vector<std::string> texts = textsOf(svg);
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "4.5"), 2);
+}
+
+TEST(Picture, TheWorstCasesAreNumberedAndLimitsAreDrawn)
+{
+    ActualPicture scatter = actual();
+    scatter.unit = "GPa";
+    scatter.worst = {{1, 17}, {2, 4}};
+    scatter.limit = 0.5;
+    ResidualPicture residuals = residual();
+    residuals.unit = "GPa";
+    residuals.worst = {{1, 17}};
+    residuals.limit = 0.5;
+
+    for (const std::string& svg : {svgOf(scatter), svgOf(residuals)}) {
+        EXPECT_TRUE(hasText(svg, "17"));
+        EXPECT_TRUE(hasText(svg, "Stress, predicted (GPa)"));
+        EXPECT_TRUE(hasText(svg, "\302\261 2 standard deviations"));
+        EXPECT_TRUE(hasColour(svg, PlotColours::limits));
+    }
+    EXPECT_FALSE(hasColour(svgOf(actual()), PlotColours::limits));
+}
+
+TEST(Picture, CoefficientsThatAreNotSignificantAreGrey)
+{
+    CoefficientPicture picture = coefficients(2);
+    EXPECT_FALSE(hasColour(svgOf(picture), PlotColours::insignificant));
+
+    picture.terms[1].isSignificant = false;
+
+    EXPECT_TRUE(hasColour(svgOf(picture), PlotColours::insignificant));
+    EXPECT_TRUE(hasColour(svgOf(picture), PlotColours::model));
+}
+
+TEST(Picture, GrowsWithTheTermsWhereNoSizeIsGiven)
+{
+    const std::string svg = Picture({coefficients(300)}).toSvg();
+
+    EXPECT_TRUE(hasText(svg, "term 299"));
+    EXPECT_EQ(countOf(svg, "<circle"), 300u);
+    EXPECT_EQ(countOf(svg, " terms fit here"), 0u);
+    EXPECT_TRUE(hasText(Picture({coefficients(2000)}).toSvg(), "term 0")) << "up to a limit";
 }
 
 TEST(Picture, OfManyCasesOneIsDrawnWhereTheyCoverEachOther)

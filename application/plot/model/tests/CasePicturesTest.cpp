@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 TEST(CasePictures, ActualAndPredictedComeFromTheOtherCases)
@@ -48,6 +50,68 @@ TEST(CasePictures, ResidualsAreActualMinusPredicted)
     for (std::size_t i = 0; i < 11; ++i) {
         EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
     }
+}
+
+TEST(CasePictures, NumberTheFiveWorstCasesAsTheCaseFileDoes)
+{
+    CaseSession session = cvdSession();
+    session.exclude({0, 3});
+
+    const ActualPicture actual = actualPicture(LeaveOneOutCases::of(session, 0));
+    const ResidualPicture residuals = residualPicture(LeaveOneOutCases::of(session, 0));
+
+    ASSERT_EQ(actual.worst.size(), 5u);
+    ASSERT_EQ(residuals.worst.size(), 5u);
+    const std::vector<std::size_t> valid = session.validCases();
+    double before = 1e300;
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(actual.worst[i].caseNumber, valid[actual.worst[i].point] + 1);
+        EXPECT_EQ(residuals.worst[i].caseNumber, actual.worst[i].caseNumber);
+        const double size = std::abs(residuals.residuals[residuals.worst[i].point]);
+        EXPECT_LE(size, before);
+        before = size;
+    }
+    for (std::size_t point = 0; point < residuals.residuals.size(); ++point) {
+        const bool isMarked =
+            std::any_of(actual.worst.begin(), actual.worst.end(),
+                        [point](const CaseMark& mark) { return mark.point == point; });
+        EXPECT_TRUE(isMarked || std::abs(residuals.residuals[point]) <= before);
+    }
+}
+
+TEST(CasePictures, CountOnlyDrawnCasesAmongTheWorst)
+{
+    const LeaveOneOutCases cases = {
+        "y", "Kriging", {{4, 1.0, std::nan(""), 0.1}, {6, 3.0, 2.5, 0.1}, {8, 5.0, 7.0, 0.1}}, 3};
+
+    const std::vector<CaseMark> worst = actualPicture(cases).worst;
+
+    ASSERT_EQ(worst.size(), 2u);
+    EXPECT_EQ(worst[0].point, 1u);
+    EXPECT_EQ(worst[0].caseNumber, 9u);
+    EXPECT_EQ(worst[1].point, 0u);
+    EXPECT_EQ(worst[1].caseNumber, 7u);
+}
+
+TEST(CasePictures, HaveLimitsAtTwoStandardDeviations)
+{
+    CaseSession session = cvdSession();
+    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 1);
+    const double deviation = session.fit().outputs[1].metrics.looRmse;
+
+    EXPECT_NEAR(actualPicture(cases).limit, 2.0 * deviation, 1e-9);
+    EXPECT_EQ(residualPicture(cases).limit, actualPicture(cases).limit);
+}
+
+TEST(CasePictures, HaveTheUnitOfTheOutput)
+{
+    CaseTable table = cvdCases();
+    table.columns[3].unit = "GPa";
+    CaseSession session(std::move(table), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 0);
+
+    EXPECT_EQ(actualPicture(cases).unit, "GPa");
+    EXPECT_EQ(residualPicture(cases).unit, "GPa");
 }
 
 TEST(CasePictures, RefuseAModelThatHasNoCases)

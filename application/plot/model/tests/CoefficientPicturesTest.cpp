@@ -36,9 +36,24 @@ TEST(CoefficientPictures, AreSortedBySizeAndHaveLimits)
         EXPECT_NEAR(picture.terms[i].estimate, estimates[i], 3e-3);
         EXPECT_LT(picture.terms[i].lower, picture.terms[i].estimate);
         EXPECT_GT(picture.terms[i].upper, picture.terms[i].estimate);
+        EXPECT_EQ(picture.terms[i].isSignificant,
+                  picture.terms[i].lower > 0.0 || picture.terms[i].upper < 0.0);
     }
     EXPECT_EQ(picture.caption, "Inputs coded to -1 and 1 at the ends of their ranges; without the "
-                               "constant. The bars are 95\302\240% confidence limits.");
+                               "constant. The bars are 95\302\240% confidence limits. Grey: not "
+                               "significant, the limits hold 0.");
+}
+
+TEST(CoefficientPictures, NameTheUnitOfTheOutput)
+{
+    CaseSession session = cvdSession();
+
+    EXPECT_EQ(coefficientPicture(session.statistics()[1], inputs, "Stress").valueName,
+              "coefficient, in the unit of Stress");
+    EXPECT_EQ(
+        coefficientPicture(session.statistics()[1], inputs, "Stress", OutputTransform::None, "GPa")
+            .valueName,
+        "coefficient (GPa)");
 }
 
 TEST(CoefficientPictures, HaveTheUnitOfWhatWasModelled)
@@ -62,6 +77,7 @@ TEST(CoefficientPictures, WithoutResidualsHaveNoLimits)
 
     ASSERT_EQ(picture.terms.size(), 2u);
     EXPECT_TRUE(std::isnan(picture.terms[0].lower));
+    EXPECT_TRUE(picture.terms[0].isSignificant) << "nothing says otherwise";
     EXPECT_EQ(picture.caption,
               "Inputs coded to -1 and 1 at the ends of their ranges; without the constant. As many "
               "terms as cases leave nothing for confidence limits.");

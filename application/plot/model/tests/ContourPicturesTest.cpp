@@ -43,6 +43,35 @@ TEST(ContourPictures, HaveTheGridOfTheSweptInputs)
               "At Power = 7. Near: all held inputs within 10\302\240% of their range.");
 }
 
+TEST(ContourPictures, MarkTheLeastAndTheLargestValue)
+{
+    const ContourPicture picture = contourPicture(grid(), 0);
+
+    ASSERT_EQ(picture.extremes.size(), 2u);
+    EXPECT_EQ(picture.extremes[0].value, 42.0);
+    EXPECT_EQ(picture.extremes[0].x, 4.0);
+    EXPECT_EQ(picture.extremes[0].y, 2.0);
+    EXPECT_EQ(picture.extremes[1].value, 8010.0);
+    EXPECT_EQ(picture.extremes[1].x, 80.0);
+    EXPECT_EQ(picture.extremes[1].y, 10.0);
+    ModelCut constant = grid();
+    constant.outputs[0].values.assign(6, 3.0);
+    EXPECT_TRUE(contourPicture(constant, 0).extremes.empty());
+}
+
+TEST(ContourPictures, CountRepeatedCases)
+{
+    ModelCut cut = grid();
+    cut.inputs[0].caseValues = {50, 60, 50, 50};
+    cut.inputs[2].caseValues = {5, 5, 5, 6};
+
+    const ContourPicture picture = contourPicture(cut, 0);
+
+    EXPECT_EQ(picture.caseX, (std::vector<double>{50, 60, 50}));
+    EXPECT_EQ(picture.caseY, (std::vector<double>{5, 5, 6}));
+    EXPECT_EQ(picture.caseCounts, (std::vector<std::size_t>{2, 1, 1}));
+}
+
 TEST(ContourPictures, RefuseOneValueOfASweptInput)
 {
     ModelCut cut = grid();

@@ -108,7 +108,7 @@ TEST(ModelCut, NamesAFewHeldInputsAndCountsTheOthers)
     cut.inputs[2].values = {0.1234567890123};
 
     EXPECT_EQ(cut.caption(),
-              "At the temperature of the inner wa\342\200\246 = 1, x2 = 0.123457, x3 = 1, "
+              "At the temperature of the inner wa\342\200\246 = 1, x2 = 0.1235, x3 = 1, "
               "x4 = 1, x5 = 1, x6 = 1, x7 = 1, x8 = 1, x9 = 1, x10 = 1, x11 = 1, x12 = 1, "
               "x13 = 1, x14 = 1, x15 = 1, x16 = 1, x17 = 1, x18 = 1, x19 = 1, x20 = 1 and 2 more "
               "held. No case has all held inputs within 10\302\240% of their range.");
@@ -138,4 +138,27 @@ TEST(ModelCut, OverRangesOfTwoInputsIsTheirProduct)
     EXPECT_EQ(cut.inputs[0].values, (std::vector<double>{4, 4, 4, 42, 42, 42, 80, 80, 80}));
     EXPECT_EQ(cut.inputs[1].values, (std::vector<double>{2, 6, 10, 2, 6, 10, 2, 6, 10}));
     EXPECT_EQ(cut.outputs[0].values.size(), 9u);
+}
+
+TEST(ModelCut, FinerHasValuesBetweenThoseThatAreSwept)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "80, 4, 42");
+    session.sweepEvenly(1, 2);
+    const ModelCut coarse = ModelCut::throughChosenValues(session);
+
+    const ModelCut fine = coarse.finer(session, 5);
+
+    ASSERT_EQ(fine.points(), 25u);
+    EXPECT_EQ(fine.inputs[0].values[0], 4.0);
+    EXPECT_EQ(fine.inputs[0].values[5], 23.0);
+    EXPECT_EQ(fine.inputs[0].values[24], 80.0);
+    EXPECT_EQ(fine.inputs[1].values[1], 4.0);
+    for (std::size_t point = 0; point < coarse.points(); ++point) {
+        if (coarse.inputs[0].values[point] == 80.0 && coarse.inputs[1].values[point] == 10.0) {
+            EXPECT_NEAR(fine.outputs[1].values[24], coarse.outputs[1].values[point], 1e-12);
+        }
+    }
+    EXPECT_EQ(fine.nearCases(), coarse.nearCases());
+    EXPECT_EQ(coarse.finer(session, 2).points(), 6u) << "none are taken away";
 }

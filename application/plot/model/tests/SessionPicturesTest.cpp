@@ -58,8 +58,9 @@ TEST(SessionPictures, SweepRemainingInputsIfThePictureNeedsThemAll)
     CaseSession second = cvdSession();
     second.sweepEvenly(1, 7);
     SessionPictures::sweepRemaining(Kind::Contour, second, {});
+    // 16 between two each: lines are smooth whatever was asked for.
     EXPECT_EQ(std::get<ContourPicture>(SessionPictures::make(Kind::Contour, second)[0]).y.size(),
-              7u);
+              6u * 17u + 1u);
 }
 
 TEST(SessionPictures, DoNotSweepAnInputThatDoesNotVary)
