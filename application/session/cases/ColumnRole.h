@@ -29,7 +29,7 @@ using ReasonedNames = std::vector<std::pair<std::string, std::string>>;
 
 /** `"Run" (counts up by one, from 1 to 11), "Site" (text, such as "north") and 3 more`: eight at
  *  most. */
-std::string reasonsText(const ReasonedNames& names);
+SURROGATE_SESSION_EXPORT std::string reasonsText(const ReasonedNames& names);
 
 /** "input", "output" or "none". */
 SURROGATE_SESSION_EXPORT const char* roleName(ColumnRole::Role role);
