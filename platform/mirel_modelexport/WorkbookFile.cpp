@@ -124,9 +124,9 @@ lxw_row_t rowOf(const WorkbookFile::Cell& cell)
 
 lxw_col_t columnOf(const WorkbookFile::Cell& cell)
 {
-    if (cell.row >= WorkbookFile::mostRows || cell.column >= WorkbookFile::mostColumns) {
-        throw Error("A spreadsheet has " + std::to_string(WorkbookFile::mostColumns) +
-                    " columns and " + std::to_string(WorkbookFile::mostRows) +
+    if (cell.row >= WorkbookFile::maxRows || cell.column >= WorkbookFile::maxColumns) {
+        throw Error("A spreadsheet has " + std::to_string(WorkbookFile::maxColumns) +
+                    " columns and " + std::to_string(WorkbookFile::maxRows) +
                     " rows: too few for this model. Export it in another format.");
     }
     return static_cast<lxw_col_t>(cell.column);
@@ -176,9 +176,9 @@ void WorkbookFile::arrayFormula(const Cell& cell, const std::string& formula, do
 void WorkbookFile::writeFormula(const Cell& cell, const std::string& formula, double value,
                                 Style style, bool isArray)
 {
-    if (formula.size() > longestFormula) {
+    if (formula.size() > maxFormulaLength) {
         throw Error("The formula of an output would have " + std::to_string(formula.size()) +
-                    " characters, and a spreadsheet takes " + std::to_string(longestFormula) +
+                    " characters, and a spreadsheet takes " + std::to_string(maxFormulaLength) +
                     ". Export the model in another format.");
     }
     const lxw_row_t row = rowOf(cell);
@@ -215,9 +215,9 @@ void WorkbookFile::name(const std::string& name, const std::string& area)
 void WorkbookFile::columnWidths(std::size_t sheet, std::size_t firstColumn, std::size_t lastColumn,
                                 double width)
 {
-    impl->require(worksheet_set_column(
-        impl->worksheets[sheet], static_cast<lxw_col_t>(firstColumn),
-        static_cast<lxw_col_t>(std::min(lastColumn, mostColumns - 1)), width, nullptr));
+    impl->require(worksheet_set_column(impl->worksheets[sheet], static_cast<lxw_col_t>(firstColumn),
+                                       static_cast<lxw_col_t>(std::min(lastColumn, maxColumns - 1)),
+                                       width, nullptr));
 }
 
 std::string WorkbookFile::bytes()

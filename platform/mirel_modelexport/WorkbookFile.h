@@ -12,9 +12,9 @@
 class WorkbookFile
 {
 public:
-    static constexpr std::size_t mostColumns = 16384;
-    static constexpr std::size_t mostRows = 1048576;
-    static constexpr std::size_t longestFormula = 8192;
+    static constexpr std::size_t maxColumns = 16384;
+    static constexpr std::size_t maxRows = 1048576;
+    static constexpr std::size_t maxFormulaLength = 8192;
 
     enum Style
     {

@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t version = 1;
 
 /** More cases than anybody fits a model to: what a text like 1-99999999999 may ask for. */
-constexpr std::size_t mostCases = 20000000;
+constexpr std::size_t maxCases = 20000000;
 
 constexpr std::size_t sha256Digits = 64;
 
@@ -311,11 +311,11 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
         return {};
     }
     try {
-        return readCaseNumbers(text, mostCases);
+        return readCaseNumbers(text, maxCases);
     } catch (const UsageError&) {
         refuse(element, "the excluded cases " + quotedText(text) +
                             " are no case numbers or ranges of them, from 1 to " +
-                            std::to_string(mostCases) + "; write them like 3,7-9.");
+                            std::to_string(maxCases) + "; write them like 3,7-9.");
     }
 }
 

@@ -65,7 +65,7 @@ void appendText(XmlNode& parent, const std::string& text)
 XmlNode nodeOf(const QDomElement& element, std::size_t depth)
 {
     XmlNode node = XmlNode::element(toUtf8Text(element.tagName()));
-    if (depth > deepestXmlNesting) {
+    if (depth > maxXmlNesting) {
         throw XmlFault(XmlPosition(),
                        "the element " + quotedText(node.name) + " is nested too deep.");
     }

@@ -111,8 +111,8 @@ private:
                 quote = character;
             } else if (character == QLatin1Char('>')) {
                 return;
-            } else if (character == QLatin1Char('=') && ++attributes > mostXmlAttributes) {
-                fail(begin, "an element has more than " + std::to_string(mostXmlAttributes) +
+            } else if (character == QLatin1Char('=') && ++attributes > maxXmlAttributes) {
+                fail(begin, "an element has more than " + std::to_string(maxXmlAttributes) +
                                 " attributes.");
             }
         }
@@ -199,9 +199,9 @@ private:
     void open(qint64 begin)
     {
         const XmlPosition position = cursor.at(bracketOf(begin));
-        if (openNodes.size() == deepestXmlNesting) {
+        if (openNodes.size() == maxXmlNesting) {
             throw XmlFault(position, "elements are nested deeper than " +
-                                         std::to_string(deepestXmlNesting) + " levels.");
+                                         std::to_string(maxXmlNesting) + " levels.");
         }
         XmlNode node = XmlNode::element(bytesOf(parser.qualifiedName()));
         node.position = position;
@@ -288,10 +288,10 @@ void checkText(std::string_view text)
 
 void checkTexts(const XmlNode& node, std::size_t depth)
 {
-    if (depth > deepestXmlNesting) {
+    if (depth > maxXmlNesting) {
         throw XmlFault(XmlPosition(), "the element " + quotedText(node.name) +
                                           " is nested deeper than " +
-                                          std::to_string(deepestXmlNesting) + " levels.");
+                                          std::to_string(maxXmlNesting) + " levels.");
     }
     checkText(node.name);
     checkText(node.text);

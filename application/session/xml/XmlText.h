@@ -9,11 +9,11 @@
 #include <string_view>
 
 /** Deepest nesting of elements that is accepted, so that functions may recurse over a document. */
-constexpr std::size_t deepestXmlNesting = 200;
+constexpr std::size_t maxXmlNesting = 200;
 
 /** More attributes of one element are refused: the parser compares their names in pairs, a time
  * that grows with the square of their number. */
-constexpr std::size_t mostXmlAttributes = 200;
+constexpr std::size_t maxXmlAttributes = 200;
 
 /**
  * Reads a document: UTF-8, well-formed to its last byte, without a document type declaration, and

@@ -33,11 +33,11 @@ TEST(WorkbookFile, IsTheSameForTheSameCells)
 TEST(WorkbookFile, RefusesFormulasAndCellsThatSpreadsheetsDoNotTake)
 {
     WorkbookFile file({"One"});
-    const std::string longest(WorkbookFile::longestFormula, '1');
+    const std::string longest(WorkbookFile::maxFormulaLength, '1');
 
     EXPECT_NO_THROW(file.formula({0, 0, 0}, longest, 0.0));
     EXPECT_THROW(file.formula({0, 0, 0}, longest + "1", 0.0), SurrogateModelInterface::Error);
-    EXPECT_THROW(file.number({0, 0, WorkbookFile::mostColumns}, 1.0),
+    EXPECT_THROW(file.number({0, 0, WorkbookFile::maxColumns}, 1.0),
                  SurrogateModelInterface::Error);
-    EXPECT_THROW(file.number({0, WorkbookFile::mostRows, 0}, 1.0), SurrogateModelInterface::Error);
+    EXPECT_THROW(file.number({0, WorkbookFile::maxRows, 0}, 1.0), SurrogateModelInterface::Error);
 }

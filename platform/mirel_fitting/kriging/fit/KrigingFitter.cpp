@@ -64,8 +64,8 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
               exact.model.interpolates ? 0.0 : found.parameters.nugget);
     estimated.warn(fit);
     distinct.warnOfConflicts(exact.model.interpolates, fit);
-    constexpr double mostNugget = 1.0; // with more it is mostly the trend that the model follows
-    if (data->cases > 1 && found.parameters.nugget < mostNugget &&
+    constexpr double maxNugget = 1.0; // with more it is mostly the trend that the model follows
+    if (data->cases > 1 && found.parameters.nugget < maxNugget &&
         likelihood.equations().areCasesFarApart()) {
         fit.warnings.push_back(KrigingWarnings::ofSingleCases());
     }
