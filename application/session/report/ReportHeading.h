@@ -16,10 +16,10 @@ class Workspace;
 namespace ReportHeading {
 /** "Kriging", "response surface", "response surface, linear, terms selected by AICc": the default
  *  terms are not mentioned. */
-std::string modelText(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT std::string modelText(const Workspace& workspace);
 
 /** "11 read, 9 valid, 0 excluded, 2 invalid (Pressure 1, Stress 1)". */
-std::string caseText(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT std::string caseText(const Workspace& workspace);
 
 /** The inputs and outputs that make cases invalid, each with the number of these. */
 std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& workspace);
@@ -30,13 +30,13 @@ std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& w
 SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
 
 /** How many cases there are; "withoutNumber": of every variable, which cells are no numbers. */
-ReportJson::Json casesJson(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT ReportJson::Json casesJson(const Workspace& workspace);
 
 /** Whether terms of response surfaces are selected. */
-bool selectsTerms(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT bool selectsTerms(const Workspace& workspace);
 
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
-ReportJson::Json modelJson(const Workspace& workspace);
+SURROGATE_SESSION_EXPORT ReportJson::Json modelJson(const Workspace& workspace);
 
 /** What of an output is modelled: "the logarithm of y", "y itself". */
 SURROGATE_SESSION_EXPORT std::string modelledText(OutputTransform transform,
