@@ -15,8 +15,8 @@ namespace {
 using Column = OutputTable::Column;
 
 /** Whether a cell with this character is quoted. Semicolons and tabs are too, so that a reader that
- *  recognises the separator from the heading sees commas only. */
-bool needsQuotes(char character)
+ *  recognises the separator from the heading sees the right one only. */
+bool needsQuotes(char character, char separator)
 {
     switch (character) {
     case ',':
@@ -27,14 +27,18 @@ bool needsQuotes(char character)
     case '\n':
         return true;
     default:
-        return false;
+        return character == separator;
     }
 }
 
-void appendCell(std::string& line, std::string_view text)
+void appendCell(std::string& line, std::string_view text, char separator)
 {
     const bool hasOuterBlank = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-    if (!hasOuterBlank && std::none_of(text.begin(), text.end(), needsQuotes)) {
+    const auto isQuoted = [&](char character) { return needsQuotes(character, separator); };
+    const bool readsAsComment =
+        line.empty() &&
+        (text.substr(0, 1) == "#" || text.substr(0, 1) == "%" || text.substr(0, 2) == "//");
+    if (!hasOuterBlank && !readsAsComment && std::none_of(text.begin(), text.end(), isQuoted)) {
         line += text;
         return;
     }
@@ -45,22 +49,57 @@ void appendCell(std::string& line, std::string_view text)
     line += '"';
 }
 
-void appendCell(std::string& line, const Column& column, std::size_t row)
+void appendNumberIn(const TableDialect& dialect, std::string& line, double number)
+{
+    const std::size_t begin = line.size();
+    if (!std::isnan(number)) {
+        appendNumber(line, number);
+    } else if (dialect.separator == ' ') {
+        line += "NA";
+    }
+    if (dialect.hasDecimalComma) {
+        std::replace(line.begin() + static_cast<std::ptrdiff_t>(begin), line.end(), '.', ',');
+    }
+}
+
+/** A number of the input file: as it is spelled there, but with the decimal mark of the dialect. */
+void appendNumberIn(const TableDialect& dialect, std::string& line, double number,
+                    std::string_view text)
+{
+    const char otherMark = dialect.hasDecimalComma ? '.' : ',';
+    if (text.find(otherMark) == std::string_view::npos) {
+        line += text;
+        return;
+    }
+    std::string withPoint(text);
+    std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    const CellValue value = CellValue::read(withPoint, false);
+    if (value.kind != CellValue::Number || value.number != number) {
+        appendNumberIn(dialect, line, number); // It has separators between thousands.
+        return;
+    }
+    if (dialect.hasDecimalComma) {
+        std::replace(withPoint.begin(), withPoint.end(), '.', ',');
+    }
+    line += withPoint;
+}
+
+void appendCell(std::string& line, const Column& column, std::size_t row,
+                const TableDialect& dialect)
 {
     if (column.texts == nullptr) {
-        if (!std::isnan(column.numbers[row])) {
-            appendNumber(line, column.numbers[row]);
-        }
+        appendNumberIn(dialect, line, column.numbers[row]);
         return;
     }
     const std::string_view text = (*column.texts)[row];
     const bool isNumber = column.numbers != nullptr && !std::isnan(column.numbers[row]);
-    if (isNumber && std::find(text.begin(), text.end(), ',') != text.end()) {
-        std::string withPoint(text);
-        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
-        appendCell(line, withPoint);
+    const bool isPlain = text.find_first_of(" \"") == std::string_view::npos;
+    if (isNumber && isPlain) {
+        appendNumberIn(dialect, line, column.numbers[row], text);
+    } else if (text.empty() && dialect.separator == ' ') {
+        line += "NA";
     } else {
-        appendCell(line, text);
+        appendCell(line, text, dialect.separator);
     }
 }
 
@@ -110,12 +149,12 @@ void OutputTable::addLimits(const std::string& output, const double* lower, cons
     columns.push_back({upperName(output), upper, nullptr});
 }
 
-void writeCsv(const OutputTable& table, OutputFile& out)
+void writeCsv(const OutputTable& table, OutputFile& out, const TableDialect& dialect)
 {
     std::string line;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        line += i == 0 ? "" : ",";
-        appendCell(line, table.columns[i].name);
+        line.append(i == 0 ? 0 : 1, dialect.separator);
+        appendCell(line, table.columns[i].name, dialect.separator);
     }
     endLine(line);
     out.write(line);
@@ -124,9 +163,9 @@ void writeCsv(const OutputTable& table, OutputFile& out)
         line.clear();
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
             if (i > 0) {
-                line += ',';
+                line += dialect.separator;
             }
-            appendCell(line, table.columns[i], row);
+            appendCell(line, table.columns[i], row, dialect);
         }
         endLine(line);
         out.write(line);

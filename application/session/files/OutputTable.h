@@ -32,12 +32,20 @@ struct SURROGATE_SESSION_EXPORT OutputTable
     std::size_t rows = 0;
 };
 
+/** How a table is written as text. */
+struct TableDialect
+{
+    char separator = ',';         ///< as CaseFileLayout has it
+    bool hasDecimalComma = false; ///< only where the separator is no comma
+};
+
 /**
- * Writes comma-separated values that CaseFileReader reads back as they were: numbers as
- * appendNumber() writes them, NaN as an empty cell. Cells of an input file keep their spelling, but
- * a decimal comma becomes a point.
+ * Writes separated values that CaseFileReader reads back as they were: numbers as appendNumber()
+ * writes them, NaN as an empty cell, or NA where blanks separate. Cells of an input file keep their
+ * spelling but for the decimal mark.
  */
-SURROGATE_SESSION_EXPORT void writeCsv(const OutputTable& table, OutputFile& out);
+SURROGATE_SESSION_EXPORT void writeCsv(const OutputTable& table, OutputFile& out,
+                                       const TableDialect& dialect = {});
 
 /**
  * Writes {"columns": [names], "rows": [[cells], ...]}; missing cells and numbers that are not

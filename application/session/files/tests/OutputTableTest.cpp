@@ -17,10 +17,10 @@ namespace {
 class OutputTableTest : public ::testing::Test
 {
 protected:
-    std::string csvOf(const OutputTable& table)
+    std::string csvOf(const OutputTable& table, const TableDialect& dialect = {})
     {
         OutputFile out(folder.path("table.csv"));
-        writeCsv(table, out);
+        writeCsv(table, out, dialect);
         out.commit();
         return folder.read("table.csv");
     }
@@ -53,6 +53,28 @@ TEST_F(OutputTableTest, NumbersAreShortestAndNaNIsAnEmptyCell)
 
     EXPECT_EQ(csvOf({{{"a", a.data()}, {"b", b.data()}}, 2}),
               "a,b\n0.1,\n1000000,0.3333333333333333\n");
+}
+
+TEST_F(OutputTableTest, TablesAreWrittenInTheDialectWanted)
+{
+    const std::vector<double> numbers = {1.5, std::nan("")};
+    const std::vector<double> given = {1234.5, 2.5};
+    const CellTexts cells = textsOf({"1.234,5", "2.50"});
+    const CellTexts texts = textsOf({"north east", "a|b"});
+    const OutputTable table = {
+        {{"x", numbers.data()}, {"z", given.data(), &cells}, {"s", nullptr, &texts}}, 2};
+
+    EXPECT_EQ(csvOf(table, {';', true}), "x;z;s\n1,5;1234,5;north east\n;2,50;a|b\n");
+    EXPECT_EQ(csvOf(table, {'|', false}), "x|z|s\n1.5|1234.5|north east\n|2.50|\"a|b\"\n");
+    EXPECT_EQ(csvOf(table, {' ', false}), "x z s\n1.5 1234.5 \"north east\"\nNA 2.50 a|b\n");
+}
+
+TEST_F(OutputTableTest, AFirstCellThatLooksLikeACommentIsQuoted)
+{
+    const CellTexts texts = textsOf({"#1", "//a", "a#"});
+
+    EXPECT_EQ(csvOf({{{"%RH", nullptr, &texts}, {"#", nullptr, &texts}}, 3}),
+              "\"%RH\",#\n\"#1\",#1\n\"//a\",//a\na#,a#\n");
 }
 
 TEST_F(OutputTableTest, NamesAndTextsAreQuotedWhereNeeded)
