@@ -35,9 +35,16 @@ void checkModelFile(const CommandLine& line)
                                    " is an exported model, without cases.");
     require(!line.interval, "--interval takes how the cases lie about the model, and " + name +
                                 " is an exported model, without cases.");
-    require((!line.reading.separator && !line.reading.decimalMark) ||
-                line.command == CommandLine::Predict,
-            "--separator and --decimal say how tables are read, and " + name + " is none.");
+    const ReadingChoices& reading = line.reading;
+    require((!reading.separator && !reading.decimalMark) || line.command != CommandLine::Export,
+            "--separator and --decimal say how tables are read and written, and " + name +
+                " is none.");
+    const bool saysLayout = reading.encoding || reading.heading || reading.unitsRow ||
+                            reading.skippedLines || reading.commentMark ||
+                            !reading.missing.isEmpty() || reading.isStrict;
+    require(!saysLayout || line.command == CommandLine::Predict,
+            "Options such as --heading and --missing say how tables are read, and " + name +
+                " is none.");
 }
 
 } // namespace
@@ -70,6 +77,9 @@ void CommandLine::check() const
     require(!choosesTerms() || choices.model != CaseSession::Kriging,
             "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
             "out -m kriging.");
+    require(reading.separator != ',' || reading.decimalMark != CellValue::Comma,
+            "Commas cannot both separate the cells and be the decimal mark; choose another "
+            "separator.");
     require(report != "-", "--report needs the name of a file for the page.");
     require(subject != "-" || points != "-",
             "The cases and the points cannot both come from the standard input.");

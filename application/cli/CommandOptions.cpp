@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <functional>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -23,6 +24,7 @@
 namespace {
 constexpr std::size_t maxThreads = 1024;
 constexpr std::size_t maxFolds = 1000000;
+constexpr std::size_t maxSkippedLines = 1000000;
 constexpr std::size_t helpColumn = 30; ///< where the descriptions of options begin
 
 const char* const about =
@@ -34,10 +36,11 @@ const char* const exitCodes = R"(Exit codes:
   4 bad distribution text    5 a file cannot be read or written    130 ended by Ctrl-C)";
 
 const char* const tables = R"(Tables:
-  CASES.csv is separated by commas, semicolons or tabs, with the names in the first line; "-" is the
-  standard input. A column is numeric if at least half of its filled cells are numbers, else text;
-  its other cells count as missing, and are reported. Missing cells are empty, NA, N/A, NaN, null,
-  none, ?, -, a point or an error such as #DIV/0!.)";
+  CASES.csv is text, "-" the standard input. Separator, decimal mark, heading, a row of units below
+  it, titles above it, comment lines (#, //, %) and encoding are recognised; what is not as in a plain
+  table is reported in a line "Read as: ...". A column is numeric if at least half of its filled cells
+  are numbers, else text; its other cells count as missing, and are reported. Missing cells are empty,
+  NA, N/A, NaN, null, none, ?, -, a point or an error such as #DIV/0!.)";
 
 const char* const projects = R"(Projects:
   A command that is given a project document starts from what it holds; options override it, name by
@@ -109,22 +112,74 @@ void addReading(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Cases");
     addWord<char>(command, "--separator",
-                  "comma, semicolon or tab, for all tables read;\nrecognised if absent", "S",
-                  "comma, semicolon or tab",
+                  "comma, semicolon, tab, bar or blanks, for all tables;\n"
+                  "recognised if absent, and tables are written like CASES",
+                  "S", "comma, semicolon, tab, bar or blanks",
                   {{"comma", ','},
                    {",", ','},
                    {"semicolon", ';'},
                    {";", ';'},
                    {"tab", '\t'},
                    {"\t", '\t'},
+                   {"bar", '|'},
+                   {"|", '|'},
+                   {"blanks", CaseFileLayout::blanks},
+                   {" ", CaseFileLayout::blanks},
                    {"\\t", '\t'}},
                   line.reading.separator);
     addWord<CellValue::DecimalMark>(
         command, "--decimal",
-        "point or comma, for all tables read; recognised if absent.\n"
-        "Numbers can have decimal commas only where semicolons or\ntabs separate",
+        "point or comma, for all tables; recognised if absent.\n"
+        "Numbers can have decimal commas only where commas do not\nseparate",
         "M", "point or comma", {{"point", CellValue::Point}, {"comma", CellValue::Comma}},
         line.reading.decimalMark);
+}
+
+/** A text that is given its meaning at once. */
+void addText(CLI::App& command, const std::string& name, const std::string& description,
+             const std::string& type, const std::function<void(const std::string&)>& take)
+{
+    command.add_option_function<std::string>(name, take, description)->type_name(type);
+}
+
+/** A pair of flags that overrides what is recognised. */
+void addAnswer(CLI::App& command, const std::string& name, const std::string& description,
+               std::optional<bool>& answer)
+{
+    CLI::Option* const yes = command.add_flag_function(
+        "--" + name, [&answer](std::int64_t) { answer = true; }, description);
+    command
+        .add_flag_function(
+            "--no-" + name, [&answer](std::int64_t) { answer = false; }, "there is none")
+        ->excludes(yes);
+}
+
+void addLayout(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Layout of tables, recognised where nothing is said");
+    ReadingChoices& reading = line.reading;
+    addAnswer(command, "heading", "the first row names the columns", reading.heading);
+    addAnswer(command, "units-row", "the row below the heading holds units", reading.unitsRow);
+    addCount(command, "--skip", "lines above the table that are left out", "N", 0, maxSkippedLines,
+             reading.skippedLines);
+    addText(command, "--comment", "what comment lines begin with; none: there are none", "MARK",
+            [&reading](const std::string& word) {
+                reading.commentMark = word == "none" ? std::string() : word;
+            });
+    addWord<TextEncoding>(command, "--encoding", "utf-8, windows-1252 (latin-1) or utf-16", "E",
+                          "utf-8, windows-1252, latin-1 or utf-16",
+                          {{"utf-8", TextEncoding::Utf8},
+                           {"windows-1252", TextEncoding::Windows1252},
+                           {"latin-1", TextEncoding::Windows1252},
+                           {"utf-16", TextEncoding::Utf16Little}},
+                          reading.encoding);
+    addText(command, "--missing",
+            "further spellings of missing cells, as \"failed,999\";\n"
+            "a number stands for its value, however spelled",
+            "WORDS",
+            [&reading](const std::string& words) { reading.missing = MissingWords(words); });
+    command.add_flag("--strict", reading.isStrict,
+                     "refuses cells that are no numbers in numeric columns");
 }
 
 void addChoices(CLI::App& command, CommandLine& line)
@@ -165,6 +220,7 @@ void addChoices(CLI::App& command, CommandLine& line)
              "case file, how it is read, roles, excluded cases, model,\n"
              "terms, values. A project that is replaced stays as FILE.bak",
              "FILE", line.save);
+    addLayout(command, line);
 }
 
 void addModel(CLI::App& command, CommandLine& line)

@@ -35,17 +35,32 @@
 #include <iomanip>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
+/** Tables come out like the table that went in, unless the user wants another form. */
+TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
+{
+    TableDialect dialect;
+    dialect.separator = line.reading.separator.value_or(input.separator);
+    dialect.hasDecimalComma = line.reading.decimalMark
+                                  ? line.reading.decimalMark == CellValue::Comma
+                                  : input.hasDecimalComma;
+    if (dialect.separator == ',' && dialect.hasDecimalComma) {
+        dialect.separator = ';';
+    }
+    return dialect;
+}
+
 /** A table is the data: with --json it is a member of the object, unless it goes to a file. */
-void writeTable(const CommandLine& line, const OutputTable& table, OpenSession& open,
-                const Evaluation& evaluation)
+void writeTable(const CommandLine& line, const OutputTable& table, const CaseFileLayout& input,
+                OpenSession& open, const Evaluation& evaluation)
 {
     const bool goesIntoObject = line.asJson && line.output == "-";
     if (!goesIntoObject) {
         OutputFile out(line.output);
-        writeCsv(table, out);
+        writeCsv(table, out, dialectOf(line, input));
         out.commit();
     }
     if (!line.asJson) {
@@ -135,18 +150,35 @@ void runEvaluate(const CommandLine& line)
             table.addLimits(column->GetName(), output.lower.data(), output.upper.data());
         }
     }
-    writeTable(line, table, open, evaluation);
+    writeTable(line, table, open.session.layout(), open, evaluation);
+}
+
+/** The points are a file of its own layout; what cells say is the same in both. */
+CaseFileReader::Options pointsReading(const CommandLine& line, const Workspace& workspace)
+{
+    CaseFileReader::Options options = line.reading;
+    options.keepCells = true;
+    if (options.missing.isEmpty()) {
+        options.missing = workspace.readingChoices().missing;
+    }
+    if (!line.startsFromModel()) {
+        options.heading = options.heading.value_or(false) ? options.heading : std::nullopt;
+        options.unitsRow.reset();
+        options.skippedLines.reset();
+    }
+    return options;
 }
 
 void runPredict(const CommandLine& line)
 {
     OpenSession open(line);
-    CaseFileReader::Options options = line.reading;
-    options.keepCells = true;
-    const PredictionPoints points(CaseFileReader::read(line.points, options),
-                                  namesOf(open.session.inputs()), namesOf(open.session.outputs()),
-                                  line.interval ? PredictionPoints::PredictionsAndLimits
-                                                : PredictionPoints::Predictions);
+    CaseTable table = CaseFileReader::read(line.points, pointsReading(line, open.session));
+    if (!table.guess.empty()) {
+        note(line, "Points read as: " + table.guess + '\n');
+    }
+    const PredictionPoints points(
+        std::move(table), namesOf(open.session.inputs()), namesOf(open.session.outputs()),
+        line.interval ? PredictionPoints::PredictionsAndLimits : PredictionPoints::Predictions);
     for (const std::string& sentence : points.notes()) {
         note(line, "Note: " + sentence + '\n');
     }
@@ -154,8 +186,8 @@ void runPredict(const CommandLine& line)
     const PointEvaluation evaluation =
         open.session.predict(points.inputColumns(), points.count(), line.interval);
     open.save(line);
-    writeTable(line, points.withPredictions(evaluation.outputs, evaluation.intervals), open,
-               evaluation);
+    writeTable(line, points.withPredictions(evaluation.outputs, evaluation.intervals),
+               line.startsFromModel() ? points.layout() : open.session.layout(), open, evaluation);
 }
 
 void runEquations(const CommandLine& line)

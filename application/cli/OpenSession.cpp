@@ -100,6 +100,9 @@ OpenSession::OpenSession(const CommandLine& line)
         requireRoles(session, "-y NAME",
                      line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
     }
+    if (!session.readingGuess().empty()) {
+        note(line, "Read as: " + session.readingGuess() + '\n');
+    }
     if (line.command != CommandLine::Summary) { // which has them in its text
         for (const std::string& sentence : ReportHeading::readingNotes(session)) {
             note(line, "Note: " + sentence + '\n');

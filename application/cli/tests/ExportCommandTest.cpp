@@ -83,13 +83,15 @@ TEST_F(ExportCommand, AnExportedModelPredictsLikeItsCases)
     folder.write("points.csv", "H2/WF6;Pressure;note\n3,5;20;a\n;30;b\n6;12,25;c\n");
     for (const char* model : models) {
         exportModel(model, "model.json");
-        const Outcome cases = run("predict cvd.csv --points points.csv -y Uniformity,Stress -m " +
+        const Outcome cases = run("predict cvd.csv --points points.csv -y Uniformity,Stress --json "
+                                  "-m " +
                                   std::string(model));
-        const Outcome exported =
-            run("predict model.json --points points.csv --separator semicolon");
+        const Outcome exported = run("predict model.json --points points.csv --json");
 
-        EXPECT_EQ(exported.out, cases.out);
         EXPECT_EQ(exported.exitCode, 0) << exported.err;
+        EXPECT_EQ(Json::parse(exported.out)["table"], Json::parse(cases.out)["table"]);
+        EXPECT_EQ(linesOf(run("predict model.json --points points.csv").out)[0],
+                  "H2/WF6;Pressure;note;Uniformity predicted;Stress predicted");
     }
 }
 
@@ -147,8 +149,13 @@ TEST_F(ExportCommand, NothingThatNeedsCasesIsTakenWithAnExportedModel)
     expectFailure("evaluate model.json --interval 95", 2,
                   "--interval takes how the cases lie about the model, and \"model.json\" is an "
                   "exported model, without cases.");
-    expectFailure("evaluate model.json --separator comma", 2,
-                  "--separator and --decimal say how tables are read, and \"model.json\" is none.");
+    expectFailure(
+        "export model.json --format c --separator comma", 2,
+        "--separator and --decimal say how tables are read and written, and \"model.json\" "
+        "is none.");
+    expectFailure("evaluate model.json --missing failed", 2,
+                  "Options such as --heading and --missing say how tables are read, and "
+                  "\"model.json\" is none.");
     for (const char* command : {"fit", "summary", "equations"}) {
         expectFailure(std::string(command) + " model.json", 2,
                       "\"model.json\" is an exported model, which the commands evaluate, predict "

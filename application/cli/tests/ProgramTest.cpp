@@ -347,8 +347,10 @@ TEST_F(Program, BadCaseDataEndWithThree)
 {
     folder.write("ragged.csv", "x,y\n1,2\n3\n");
 
-    expectFailure("fit ragged.csv -y y", 3,
-                  "ragged.csv, line 3: the row has 1 cell, the heading has 2.");
+    expectFailure(
+        "fit ragged.csv -y y", 3,
+        "ragged.csv, line 3: the row has 1 cell, the heading has 2; correct it, or begin it "
+        "with # to leave it out.");
     folder.write("points.csv", "x\n1\n");
     expectFailure(
         "predict plane.csv -y y --points points.csv", 3,
@@ -417,10 +419,62 @@ TEST_F(Program, ReadsSemicolonsWithDecimalCommas)
 {
     folder.write("comma.csv", "\xEF\xBB\xBFx;y\r\n0,5;1\r\n1,5;2\r\n2,5;3\r\n");
 
-    const Outcome table = run("evaluate comma.csv -y y --at x=1.5");
+    const Outcome table = run("evaluate comma.csv -y y --at x=1,5");
 
     EXPECT_EQ(table.exitCode, 0) << table.err;
-    EXPECT_EQ(linesOf(table.out)[0], "x,y");
-    EXPECT_EQ(linesOf(table.out)[1].rfind("1.5,", 0), 0u);
+    EXPECT_EQ(linesOf(table.out)[0], "x;y");
+    EXPECT_EQ(linesOf(table.out)[1].rfind("1,5;", 0), 0u);
+    EXPECT_EQ(linesOf(table.err)[0], "Read as: semicolons, decimal commas");
     EXPECT_EQ(run("summary comma.csv --separator comma").exitCode, 3);
+}
+
+TEST_F(Program, ReportsHowATableWasRead)
+{
+    folder.write("rig.csv", "Rig 7\n# warm\nx;y\nmm;MPa\n0,5;1\n1,5;2\n2,5;3\n");
+
+    EXPECT_EQ(run("summary rig.csv").err, "Read as: semicolons, decimal commas; 1 title line, 1 "
+                                          "comment line and a units row skipped\n");
+    EXPECT_EQ(run("summary rig.csv --quiet").err, "");
+    EXPECT_EQ(run("summary rig.csv --skip 2 --comment none --units-row").err,
+              "Read as: semicolons, decimal commas\n");
+    const auto layout =
+        nlohmann::json::parse(run("fit rig.csv -y y --json").out)["cases"]["layout"];
+    EXPECT_EQ(layout["separator"], "semicolon");
+    EXPECT_EQ(layout["decimalMark"], "comma");
+    EXPECT_EQ(layout["titleLines"], 1);
+    EXPECT_EQ(layout["commentLines"], 1);
+    EXPECT_EQ(layout["unitsRow"], true);
+    EXPECT_EQ(layout["encoding"], "utf-8");
+}
+
+TEST_F(Program, FurtherSpellingsAreMissingInPointsToo)
+{
+    folder.write("holes.csv", "x,y\n0,1\n1,3\n2,999\n3,7\n4,9\n");
+    folder.write("points.csv", "x\n2\n999.0\n");
+
+    const Outcome outcome =
+        run("predict holes.csv -y y --terms linear --points points.csv --missing 999");
+
+    EXPECT_EQ(linesOf(outcome.out)[1].rfind("2,5", 0), 0u) << outcome.out;
+    EXPECT_EQ(linesOf(outcome.out)[2], "999.0,");
+    folder.write("late.csv", "x,y\n0,1\n1,late\n2,5\n");
+    expectFailure(
+        "fit late.csv -y y --strict", 3,
+        "late.csv, line 3: column \"y\" holds \"late\", which is no number; correct it, or "
+        "leave out --strict to have such cells count as missing.");
+}
+
+TEST_F(Program, AProjectKeepsWhatWasSaidAboutReading)
+{
+    folder.write("odd.csv", "! run 7\n0,1\n1,3\n999,5\n3,7\n");
+
+    ASSERT_EQ(run("summary odd.csv -y C2 --comment ! --no-heading --missing 999 --save "
+                  "a.surrogate.xml")
+                  .exitCode,
+              0);
+
+    const Outcome outcome = run("summary a.surrogate.xml");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_NE(outcome.out.find("4 read, 3 valid"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.err, "");
 }

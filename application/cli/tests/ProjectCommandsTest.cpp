@@ -176,7 +176,7 @@ TEST_F(ProjectCommands, CasesAreReadAsTheyWereWhenTheProjectWasSaved)
 
     EXPECT_EQ(contents()["caseFile"]["separator"], "semicolon");
     EXPECT_EQ(contents()["caseFile"]["decimalMark"], "comma");
-    EXPECT_EQ(linesOf(run("evaluate " + project).out)[1].rfind("2,", 0), 0u);
+    EXPECT_EQ(linesOf(run("evaluate " + project).out)[1].rfind("2;", 0), 0u);
     expectFailure("evaluate " + project + " --decimal point", 3,
                   "The project does not fit its cases: \"x\" is a column of texts, which can be "
                   "neither an input nor an output.");

@@ -1,9 +1,11 @@
 #include "session/cases/CaseFileReader.h"
 
-#include "session/cases/CaseSeparator.h"
 #include "session/cases/CsvSplitter.h"
+#include "session/cases/LayoutRecognition.h"
 #include "session/files/ByteSource.h"
+#include "session/files/TextEncoding.h"
 #include "session/text/CellValue.h"
+#include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
 
@@ -12,22 +14,49 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <numeric>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 namespace {
-/** How much of a file the separator is recognised from, and the number of its cases estimated. */
+/** How much of a file the layout is recognised from, and the number of its cases estimated. */
 constexpr std::size_t sampleSize = 1 << 18;
+
+std::string placeOf(const std::string& path, std::size_t line)
+{
+    return (path == "-" ? std::string("standard input") : path) + ", line " + std::to_string(line) +
+           ": ";
+}
 
 [[noreturn]] void fail(const std::string& path, std::size_t line, const std::string& sentence)
 {
-    throw CaseDataError((path == "-" ? std::string("standard input") : path) + ", line " +
-                        std::to_string(line) + ": " + sentence);
+    throw CaseDataError(placeOf(path, line) + sentence);
 }
+
+/** Bytes that are not UTF-8 were met, where it is no matter of course that the text is UTF-8. */
+struct NotUtf8
+{};
 
 std::string counted(std::size_t count, const std::string& noun)
 {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+/** The text of a heading on one line, without blanks around it. */
+std::string nameIn(std::string_view text)
+{
+    std::string name;
+    for (const char character : trimmedText(text)) {
+        const bool isLineEnd = character == '\n' || character == '\r' || character == '\t';
+        if (!isLineEnd) {
+            name += character;
+        } else if (!name.empty() && name.back() != ' ') {
+            name += ' ';
+        }
+    }
+    return std::string(trimmedText(name));
 }
 
 /** Checks the records and turns them into columns. */
@@ -35,25 +64,30 @@ class ColumnBuilder
 {
 public:
     ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
-        : table(result), keepCells(options.keepCells),
-          decimalComma(result.separator != ',' && options.decimalMark != CellValue::Point),
-          needsComma(options.decimalMark == CellValue::Comma)
+        : table(result), keepCells(options.keepCells), missing(options.missing),
+          decimalComma(result.layout.separator != ',' && result.layout.thousandsSeparator != ',' &&
+                       options.decimalMark != CellValue::Point),
+          needsComma(options.decimalMark == CellValue::Comma),
+          thousands(result.layout.thousandsSeparator),
+          isUtf8Sure(options.encoding || result.layout.encoding != TextEncoding::Utf8),
+          isStrict(options.isStrict)
     {}
 
     void takeHeading(const std::vector<std::string_view>& names, std::size_t line);
 
+    /** Names the columns of a table without a heading. */
+    void nameColumns(std::size_t count);
+
     void takeCase(const std::vector<std::string_view>& cells, std::size_t line)
     {
-        const std::size_t known = std::min(cells.size(), table.columns.size());
-        for (std::size_t i = 0; i < known; ++i) {
-            takeCell(table.columns[i], states[i], cells[i], line);
+        if (cells.front().empty() && cells.size() > 1 && isEmpty(cells)) {
+            ++emptyRows;
+            return;
         }
-        if (cells.size() != table.columns.size()) {
-            fail(table.path, line,
-                 "the row has " + counted(cells.size(), "cell") + ", the heading has " +
-                     std::to_string(table.columns.size()) + '.');
+        for (; emptyRows > 0; --emptyRows) {
+            takeRow(std::vector<std::string_view>(table.columns.size()), line);
         }
-        ++table.cases;
+        takeRow(cells, line);
     }
 
     /** Makes room for so many cases at once: growing by doubling would hold every column twice. */
@@ -81,8 +115,11 @@ public:
     /** Reads a cell of such a column again. */
     void takeCellAgain(std::size_t column, std::string_view text)
     {
-        takeValue(table.columns[column], CellValue::read(text, decimalComma), text);
+        takeValue(table.columns[column], valueOf(text), text);
     }
+
+    /** Refuses cells that are no numbers if the user wants it so. */
+    void checkNumbers() const;
 
     /** Finds out which decimal mark the numbers have, and checks that all have the same. */
     void takeDecimalMark();
@@ -96,18 +133,43 @@ private:
         std::size_t firstCommaLine = 0;
     };
 
-    void checkText(std::string_view text, std::size_t line) const
+    static bool isEmpty(const std::vector<std::string_view>& cells)
     {
-        if (!isUtf8Text(text)) {
-            fail(table.path, line, "the file is not UTF-8 text; save it as UTF-8.");
+        return std::all_of(cells.begin(), cells.end(),
+                           [](std::string_view cell) { return cell.empty(); });
+    }
+
+    void takeRow(const std::vector<std::string_view>& cells, std::size_t line)
+    {
+        const std::size_t known = std::min(cells.size(), table.columns.size());
+        for (std::size_t i = 0; i < known; ++i) {
+            takeCell(table.columns[i], states[i], cells[i], line);
         }
+        if (cells.size() != table.columns.size()) {
+            checkSize(cells, line);
+        }
+        ++table.cases;
+    }
+
+    /** Empty cells behind the last column do no harm. */
+    void checkSize(const std::vector<std::string_view>& cells, std::size_t line) const;
+
+    void checkText(std::string_view text, std::size_t line) const;
+
+    CellValue valueOf(std::string_view text) const
+    {
+        CellValue value = CellValue::read(text, decimalComma, thousands);
+        if (!missing.isEmpty() && missing.contains(text, value)) {
+            value = CellValue();
+        }
+        return value;
     }
 
     void checkNames(std::size_t line) const;
 
     void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
     {
-        const CellValue value = CellValue::read(text, decimalComma);
+        const CellValue value = valueOf(text);
         if (value.kind == CellValue::Number) {
             takeNumber(state, value, line);
         } else if (value.kind == CellValue::Text) {
@@ -145,10 +207,66 @@ private:
 
     CaseTable& table;
     std::vector<State> states;
+    std::size_t emptyRows = 0; ///< of which it is not known yet whether they end the file
     bool keepCells;
+    const MissingWords& missing;
     bool decimalComma; ///< whether numbers may have one
     bool needsComma;   ///< whether they must not have a point
+    char thousands;
+    bool isUtf8Sure; ///< whether other bytes are a fault
+    bool isStrict;
 };
+
+void ColumnBuilder::checkSize(const std::vector<std::string_view>& cells, std::size_t line) const
+{
+    const std::size_t columns = table.columns.size();
+    const bool isSurplusEmpty =
+        cells.size() > columns &&
+        isEmpty(std::vector<std::string_view>(cells.begin() + static_cast<std::ptrdiff_t>(columns),
+                                              cells.end()));
+    if (isSurplusEmpty) {
+        return;
+    }
+    const std::string hint =
+        table.cases == 0
+            ? "; if the table begins further down, --skip N leaves out the lines above it."
+            : "; correct it, or begin it with # to leave it out.";
+    fail(table.path, line,
+         "the row has " + counted(cells.size(), "cell") +
+             (table.layout.hasHeading ? ", the heading has " : ", the first row has ") +
+             std::to_string(columns) + hint);
+}
+
+void ColumnBuilder::checkText(std::string_view text, std::size_t line) const
+{
+    if (isUtf8Text(text)) {
+        return;
+    }
+    if (text.find('\0') != std::string_view::npos) {
+        fail(table.path, line,
+             "a cell holds a NUL byte, so that the file is damaged or no text; save it as UTF-8.");
+    }
+    if (!isUtf8Sure) {
+        throw NotUtf8();
+    }
+    fail(table.path, line, "the file is not UTF-8 text; save it as UTF-8.");
+}
+
+void ColumnBuilder::checkNumbers() const
+{
+    if (!isStrict) {
+        return;
+    }
+    for (const CaseColumn& column : table.columns) {
+        if (column.isNumeric && column.withoutNumber.count > 0) {
+            fail(table.path, column.withoutNumber.firstLine,
+                 "column \"" + column.name + "\" holds " +
+                     quotedText(column.withoutNumber.spellings.front()) +
+                     ", which is no number; correct it, or leave out --strict to have such cells "
+                     "count as missing.");
+        }
+    }
+}
 
 void ColumnBuilder::takeText(CaseColumn& column, const State& state, std::string_view text,
                              std::size_t line)
@@ -158,7 +276,7 @@ void ColumnBuilder::takeText(CaseColumn& column, const State& state, std::string
     ++cells.count;
     if (cells.firstLine == 0) {
         cells.firstLine = line;
-        if (state.numbers == 0) {
+        if (state.numbers == 0 && column.isNumeric) {
             exchangeKind(column); // likely a column of texts
             column.texts.resize(keepCells ? 0 : table.cases);
         }
@@ -192,7 +310,13 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
     std::vector<std::size_t> exchanged;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         CaseColumn& column = table.columns[i];
-        if (column.isNumeric == (states[i].numbers >= column.withoutNumber.count)) {
+        const bool isRowNames = i == 0 && table.layout.hasRowNames;
+        if (isRowNames && column.withoutNumber.count == 0 && table.cases > 0) {
+            column.withoutNumber.firstLine = table.layout.tableLine + 1;
+            column.withoutNumber.spellings = {
+                std::string(keepCells ? column.cells[0] : column.texts.front())};
+        }
+        if (isRowNames || column.isNumeric == (states[i].numbers >= column.withoutNumber.count)) {
             continue;
         }
         exchangeKind(column);
@@ -209,12 +333,38 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
 
 void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std::size_t line)
 {
-    for (const std::string_view text : names) {
-        checkText(text, line);
-        table.columns.emplace_back().name = trimmedText(text);
+    const CaseFileLayout& layout = table.layout;
+    if (layout.hasRowNames) {
+        CaseColumn& column = table.columns.emplace_back();
+        column.name = "Row name";
+        column.isNumeric = false;
     }
-    states.resize(names.size());
+    std::size_t count = names.size();
+    while (count > std::max<std::size_t>(layout.columns, 1) && names[count - 1].empty()) {
+        --count;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        checkText(names[i], line);
+        std::string name = nameIn(names[i]);
+        if (name.empty()) {
+            name = 'C' + std::to_string(table.columns.size() + 1);
+        }
+        table.columns.emplace_back().name = std::move(name);
+    }
+    states.resize(table.columns.size());
     checkNames(line);
+    for (std::size_t i = 0; i < std::min(layout.units.size(), table.columns.size()); ++i) {
+        checkText(layout.units[i], line);
+        table.columns[i].unit = layout.units[i];
+    }
+}
+
+void ColumnBuilder::nameColumns(std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        table.columns.emplace_back().name = 'C' + std::to_string(i + 1);
+    }
+    states.resize(count);
 }
 
 void ColumnBuilder::checkNames(std::size_t line) const
@@ -223,11 +373,6 @@ void ColumnBuilder::checkNames(std::size_t line) const
     std::iota(byName.begin(), byName.end(), std::size_t(0));
     const auto name = [&](std::size_t i) -> const std::string& { return table.columns[i].name; };
 
-    for (const std::size_t i : byName) {
-        if (name(i).empty()) {
-            fail(table.path, line, "column " + std::to_string(i + 1) + " has no name.");
-        }
-    }
     std::stable_sort(byName.begin(), byName.end(),
                      [&](std::size_t left, std::size_t right) { return name(left) < name(right); });
     const auto same =
@@ -237,7 +382,7 @@ void ColumnBuilder::checkNames(std::size_t line) const
     if (same != byName.end()) {
         fail(table.path, line,
              "columns " + std::to_string(same[0] + 1) + " and " + std::to_string(same[1] + 1) +
-                 " are both named \"" + name(*same) + "\".");
+                 " are both named \"" + name(*same) + "\"; rename one of them.");
     }
 }
 
@@ -253,13 +398,14 @@ void ColumnBuilder::takeDecimalMark()
             commaColumn = states[i].firstCommaLine != 0 ? i : commaColumn;
         }
     }
-    table.hasDecimalComma = commaColumn < table.columns.size();
+    bool& hasDecimalComma = table.layout.hasDecimalComma;
+    hasDecimalComma = commaColumn < table.columns.size();
     if (needsComma && pointColumn < table.columns.size()) {
         fail(table.path, states[pointColumn].firstPointLine,
              "column \"" + table.columns[pointColumn].name +
                  "\" has a number with a decimal point, where decimal commas were asked for.");
     }
-    if (pointColumn < table.columns.size() && table.hasDecimalComma) {
+    if (pointColumn < table.columns.size() && hasDecimalComma) {
         fail(table.path, states[commaColumn].firstCommaLine,
              "column \"" + table.columns[commaColumn].name +
                  "\" has a number with a decimal comma, but column \"" +
@@ -269,79 +415,200 @@ void ColumnBuilder::takeDecimalMark()
     }
 }
 
-CsvSplitter splitterOf(ByteSource& source, char separator)
+/** A workbook and the like: what its first bytes say it is, and how a table is made of it. */
+struct OtherFile
+{
+    std::string_view beginning;
+    const char* sentence;
+};
+
+constexpr const char* workbook =
+    "is a workbook of a spreadsheet program or another packed file, no table of text; open it and "
+    "save the table as CSV.";
+const OtherFile otherFiles[] = {
+    {"PK\x03\x04", workbook},
+    {"\xD0\xCF\x11\xE0", workbook},
+    {"PAR1", "is a Parquet file, no table of text; save it as CSV, in Python with "
+             "pandas.read_parquet(FILE).to_csv(\"cases.csv\", index=False)."},
+    {"\x1F\x8B", "is compressed; unpack it with gunzip."},
+    {"\x89HDF", "is an HDF5 file, no table of text; save the table as CSV."}};
+
+/** One attempt to read a file as text of an encoding. */
+class Reading
+{
+public:
+    Reading(ByteSource& bytes, const std::string& path, const CaseFileReader::Options& choices)
+        : source(bytes), options(choices)
+    {
+        table.path = path;
+        table.choices = choices;
+        readSample();
+    }
+
+    /** @throw NotUtf8 */
+    CaseTable read(std::optional<TextEncoding> encoding);
+
+private:
+    void readSample();
+    void recognise(TextEncoding encoding);
+    TextDecoder decoder();
+    CsvSplitter splitter();
+    void readColumns(ColumnBuilder& builder);
+    void readAgain(ColumnBuilder& builder, const std::vector<std::size_t>& columns);
+    void describeGuess();
+
+    ByteSource& source;
+    const CaseFileReader::Options& options;
+    std::string sample;
+    CaseTable table;
+};
+
+void Reading::readSample()
 {
     source.rewind();
-    const auto read = [&source](char* buffer, std::size_t capacity) {
+    sample.resize(sampleSize);
+    sample.resize(source.read(sample.data(), sample.size()));
+    for (const OtherFile& other : otherFiles) {
+        if (sample.compare(0, other.beginning.size(), other.beginning) == 0) {
+            throw CaseDataError('"' + table.path + "\" " + other.sentence);
+        }
+    }
+}
+
+TextDecoder Reading::decoder()
+{
+    source.rewind();
+    const auto read = [this](char* buffer, std::size_t capacity) {
         return source.read(buffer, capacity);
     };
-    return CsvSplitter(read, separator);
+    return TextDecoder(read, table.layout.encoding);
 }
 
-char separatorOf(ByteSource& source)
+CsvSplitter Reading::splitter()
 {
-    source.rewind();
-    std::string sample(sampleSize, '\0');
-    sample.resize(source.read(sample.data(), sample.size()));
-    return recogniseSeparator(sample, sample.size() == source.size());
+    const auto text = std::make_shared<TextDecoder>(decoder());
+    const auto read = [text](char* buffer, std::size_t capacity) {
+        return text->read(buffer, capacity);
+    };
+    return CsvSplitter(read, table.layout);
 }
 
-void readColumns(ByteSource& source, ColumnBuilder& builder, CaseTable& table)
+void Reading::recognise(TextEncoding encoding)
 {
-    CsvSplitter splitter = splitterOf(source, table.separator);
-    bool hasRoom = false;
-    if (splitter.next()) {
-        builder.takeHeading(splitter.cells(), splitter.line());
+    const bool isWholeFile = sample.size() == source.size();
+    table.layout.encoding = encoding;
+    std::string text = sample;
+    if (encoding != TextEncoding::Utf8) {
+        TextDecoder decoded = decoder();
+        text.resize(sampleSize);
+        text.resize(decoded.read(text.data(), text.size()));
     }
-    while (splitter.next()) {
-        builder.takeCase(splitter.cells(), splitter.line());
-        if (!hasRoom && splitter.bytesSplit() > sampleSize / 2) {
+    table.layout = recogniseLayout(text, isWholeFile, options);
+    table.layout.encoding = encoding;
+}
+
+void Reading::readColumns(ColumnBuilder& builder)
+{
+    CsvSplitter records = splitter();
+    CaseFileLayout& layout = table.layout;
+    const std::size_t commentsAbove = layout.commentLines;
+    bool hasRoom = false;
+    bool isFirst = true;
+    while (records.next()) {
+        if (isFirst && layout.hasHeading) {
+            builder.takeHeading(records.cells(), records.line());
+            isFirst = false;
+            if (layout.hasUnitsRow) {
+                records.next();
+            }
+            continue;
+        }
+        if (isFirst) {
+            builder.nameColumns(layout.columns == 0 ? records.cells().size() : layout.columns);
+            isFirst = false;
+        }
+        builder.takeCase(records.cells(), records.line());
+        if (!hasRoom && records.bytesSplit() > sampleSize / 2) {
             constexpr double surplus = 1.02; // lines differ in length a little
             const double share =
-                static_cast<double>(splitter.bytesSplit()) / static_cast<double>(source.size());
+                static_cast<double>(records.bytesSplit()) / static_cast<double>(source.size());
             builder.reserve(
                 static_cast<std::size_t>(surplus * static_cast<double>(table.cases) / share));
             hasRoom = true;
         }
     }
-    if (splitter.hasUnclosedQuote()) {
-        fail(table.path, splitter.line(), "a quoted cell that begins in this row is never closed.");
+    if (records.hasUnclosedQuote()) {
+        fail(table.path, records.line(), "a quoted cell that begins in this row is never closed.");
     }
     if (table.columns.empty()) {
-        fail(table.path, 1, "the file is empty; its first line must name the variables.");
+        fail(table.path, 1,
+             records.commentLines() > 0
+                 ? "the file has comment lines only; if they are none, add --comment none."
+                 : "the file is empty; its first line must name the variables.");
     }
+    layout.commentLines = commentsAbove + records.commentLines();
 }
 
 /** Reads the values of these columns, which are known to be of the other kind only now. */
-void readAgain(ByteSource& source, char separator, ColumnBuilder& builder,
-               const std::vector<std::size_t>& columns)
+void Reading::readAgain(ColumnBuilder& builder, const std::vector<std::size_t>& columns)
 {
     if (columns.empty()) {
         return;
     }
-    CsvSplitter splitter = splitterOf(source, separator);
-    splitter.next(); // the heading
-    while (splitter.next()) {
+    CsvSplitter records = splitter();
+    const int rowsAbove = (table.layout.hasHeading ? 1 : 0) + (table.layout.hasUnitsRow ? 1 : 0);
+    for (int i = 0; i < rowsAbove; ++i) {
+        records.next();
+    }
+    for (std::size_t row = 0; row < table.cases && records.next(); ++row) {
         for (const std::size_t column : columns) {
-            builder.takeCellAgain(column, splitter.cells()[column]);
+            const bool isThere = column < records.cells().size(); // An empty row may be shorter.
+            builder.takeCellAgain(column, isThere ? records.cells()[column] : std::string_view());
         }
     }
+}
+
+/** What the user has said is no guess. */
+void Reading::describeGuess()
+{
+    const CaseFileLayout plain;
+    CaseFileLayout guessed = table.layout;
+    guessed.separator = options.separator ? plain.separator : guessed.separator;
+    guessed.hasDecimalComma = guessed.hasDecimalComma && !options.decimalMark;
+    guessed.encoding = options.encoding ? plain.encoding : guessed.encoding;
+    guessed.hasHeading = guessed.hasHeading || options.heading;
+    guessed.titleLines = options.skippedLines ? 0 : guessed.titleLines;
+    guessed.commentLines = options.commentMark ? 0 : guessed.commentLines;
+    guessed.hasUnitsRow = guessed.hasUnitsRow && !options.unitsRow;
+    guessed.units = options.unitsRow ? plain.units : guessed.units;
+    table.guess = guessed.text();
+}
+
+CaseTable Reading::read(std::optional<TextEncoding> encoding)
+{
+    const bool isWholeFile = sample.size() == source.size();
+    recognise(encoding ? *encoding : recogniseEncoding(sample, isWholeFile));
+    if (table.layout.separator == ',' && options.decimalMark == CellValue::Comma) {
+        fail(table.path, 1,
+             "commas separate the cells, so that numbers cannot have decimal commas.");
+    }
+    ColumnBuilder builder(table, options);
+    readColumns(builder);
+    readAgain(builder, builder.decideKinds());
+    builder.checkNumbers();
+    builder.takeDecimalMark();
+    describeGuess();
+    return std::move(table);
 }
 } // namespace
 
 CaseTable CaseFileReader::read(const std::string& path, const Options& options)
 {
     ByteSource source(path);
-    CaseTable table;
-    table.path = path;
-    table.separator = options.separator ? *options.separator : separatorOf(source);
-    if (table.separator == ',' && options.decimalMark == CellValue::Comma) {
-        fail(path, 1, "commas separate the cells, so that numbers cannot have decimal commas.");
+    try {
+        return Reading(source, path, options).read(options.encoding);
+    } catch (const NotUtf8&) {
+        // A byte behind the first block shows it.
+        return Reading(source, path, options).read(TextEncoding::Windows1252);
     }
-
-    ColumnBuilder builder(table, options);
-    readColumns(source, builder, table);
-    readAgain(source, table.separator, builder, builder.decideKinds());
-    builder.takeDecimalMark();
-    return table;
 }

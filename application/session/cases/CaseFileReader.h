@@ -1,24 +1,25 @@
 #pragma once
 
 #include <session/cases/CaseTable.h>
-#include <session/text/CellValue.h>
+#include <session/cases/ReadingChoices.h>
 
 #include <surrogate_session/Export.h>
 
-#include <optional>
 #include <string>
 
 /**
- * Reads tables of cases: separated values, the names of the variables in the first record, a case
- * in each further one.
+ * Reads tables of cases: one case in each record, below a heading with the names of the variables.
  *
- * The separator is comma, semicolon or tab; where it is a semicolon or a tab, numbers may be
- * written with a decimal comma, all of them or none. Text is UTF-8, with or without a byte order
- * mark; lines end with LF, CRLF or CR, and lines without a cell are skipped. What cells say is
- * defined by CellValue, how they are quoted by CsvSplitter.
+ * How the file is laid out is recognised from its first block (recogniseLayout()) as far as the
+ * user does not say it: separator, comment lines, titles above the heading, a row of units, row
+ * names, no heading, UTF-8, UTF-16 or Windows-1252 (also where a byte far down shows it). Between
+ * semicolons, tabs, bars and blanks numbers may be written with a decimal comma, all of them or
+ * none. What cells say is defined by CellValue, how they are quoted by CsvSplitter. Empty cells
+ * behind the last column and rows without a filled cell at the end are ignored. A column without a
+ * name is called C and its number.
  *
  * A column is numeric if at least half of its filled cells are numbers; its other cells then count
- * as missing, and are reported (CellsWithoutNumber).
+ * as missing, and are reported (CellsWithoutNumber). Row names are text.
  *
  * The file is read in blocks, and only its columns stay in memory. What a column is, is known at
  * the end: where its first filled cell suggests the other kind, the file is read a second time for
@@ -27,13 +28,8 @@
 class SURROGATE_SESSION_EXPORT CaseFileReader
 {
 public:
-    struct Options
+    struct Options : ReadingChoices
     {
-        /** Recognised from the first records if absent. */
-        std::optional<char> separator;
-        /** Which decimal mark numbers have; either if absent. Where the separator is a comma they
-         *  have points. */
-        std::optional<CellValue::DecimalMark> decimalMark;
         /** Whether the texts of all cells are kept as well. */
         bool keepCells = false;
     };
@@ -41,8 +37,9 @@ public:
     /**
      * @param path "-" is the standard input.
      * @throw CaseDataError for an empty file, a row whose number of cells differs from the
-     *        heading's, an empty or repeated heading, a quote that is never closed, decimal commas
-     *        beside decimal points, and bytes that are not UTF-8 text.
+     *        heading's, a repeated heading, a quote that is never closed, decimal commas beside
+     *        decimal points, bytes that are no text, a workbook or another file that is no table
+     *        of text, and, where the user wants it so, a cell that is no number.
      * @throw FileError if the file cannot be opened or read.
      */
     static CaseTable read(const std::string& path, const Options& options);

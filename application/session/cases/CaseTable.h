@@ -1,5 +1,7 @@
 #pragma once
 
+#include <session/cases/CaseFileLayout.h>
+#include <session/cases/ReadingChoices.h>
 #include <session/text/CellTexts.h>
 
 #include <surrogate_session/Export.h>
@@ -60,7 +62,9 @@ struct SURROGATE_SESSION_EXPORT CaseTable
     std::string path;
     std::vector<CaseColumn> columns;
     std::size_t cases = 0;
-    char separator = ',';
-    /** Whether numbers of the file are written with one; never where the separator is a comma. */
-    bool hasDecimalComma = false;
+    CaseFileLayout layout;
+    /** What the user said about the reading. */
+    ReadingChoices choices;
+    /** What of the layout nobody said, in words as CaseFileLayout::text() has them. */
+    std::string guess;
 };

@@ -1,5 +1,7 @@
 #include "session/cases/CsvSplitter.h"
 
+#include "session/text/CellValue.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -26,12 +28,20 @@ std::size_t lineEndsIn(std::string_view text)
 }
 } // namespace
 
-CsvSplitter::CsvSplitter(Read reader, char cellSeparator, std::size_t bufferSize)
-    : read(std::move(reader)), separator(cellSeparator),
-      buffer(std::max(bufferSize, byteOrderMark.size()) + 1)
+CsvSplitter::CsvSplitter(Read reader, const CaseFileLayout& layout, std::size_t bufferSize)
+    : read(std::move(reader)), separator(layout.separator), commentMarks(layout.commentMarks),
+      beginsWithHeading(layout.isHeadingComment), unread(layout.tableBegin),
+      buffer(std::max(bufferSize, byteOrderMark.size()) + 1), recordLine(layout.tableLine),
+      nextLine(layout.tableLine)
 {
     for (const char character : {separator, '\n', '\r'}) {
         isCellEnd[static_cast<unsigned char>(character)] = true;
+    }
+    if (separator == CaseFileLayout::blanks) {
+        isCellEnd[static_cast<unsigned char>('\t')] = true;
+    }
+    for (const std::string& mark : commentMarks) {
+        beginsComment[static_cast<unsigned char>(mark.front())] = true;
     }
 }
 
@@ -43,7 +53,9 @@ bool CsvSplitter::next()
         if (recordEnd != nullptr) {
             begin = static_cast<std::size_t>(recordEnd - buffer.data());
             nextLine += 1 + lineEndsInCells;
+            skippedComments += isCommentLine ? 1 : 0;
             if (!cellTexts.empty()) {
+                beginsWithHeading = false;
                 joinDoubledQuotes();
                 return true;
             }
@@ -64,6 +76,17 @@ const char* CsvSplitter::splitRecord()
     lineEndsInCells = 0;
 
     const char* at = skipBlanks(buffer.data() + begin);
+    isCommentLine =
+        !beginsWithHeading && beginsComment[static_cast<unsigned char>(*at)] && isComment(at);
+    at = isCommentLine                         ? skipLine(at)
+         : separator == CaseFileLayout::blanks ? splitBlankSeparatedCells(at)
+                                               : splitCells(at);
+    return at == nullptr ? nullptr : behindLineEnd(at);
+}
+
+/** @return the end of the line; null if the buffer does not hold all of the record. */
+const char* CsvSplitter::splitCells(const char* at)
+{
     const bool isBlankLine = *at != separator && endsCell(*at);
     while (!isBlankLine) {
         at = *at == '"' ? splitQuotedCell(at) : splitPlainCell(at);
@@ -72,7 +95,34 @@ const char* CsvSplitter::splitRecord()
         }
         at = skipBlanks(at + 1);
     }
-    return at == nullptr ? nullptr : behindLineEnd(at);
+    return at;
+}
+
+/** The same where blanks separate. */
+const char* CsvSplitter::splitBlankSeparatedCells(const char* at)
+{
+    while (at != nullptr && !endsLine(*at)) {
+        at = *at == '"' ? splitQuotedCell(at) : splitPlainCell(at);
+        at = at == nullptr ? nullptr : skipBlanks(at);
+    }
+    return at;
+}
+
+bool CsvSplitter::isComment(const char* at) const
+{
+    const std::string_view line = textBetween(at, bytesEnd());
+    return std::any_of(
+               commentMarks.begin(), commentMarks.end(),
+               [&](const std::string& mark) { return line.substr(0, mark.size()) == mark; }) &&
+           !CellValue::beginsWithError(line);
+}
+
+const char* CsvSplitter::skipLine(const char* at) const
+{
+    while (!endsLine(*at)) {
+        ++at;
+    }
+    return at;
 }
 
 /** @return the character that ends the cell; null if the buffer does not hold all of the cell. */
@@ -91,7 +141,8 @@ const char* CsvSplitter::splitQuotedCell(const char* quote)
             ++at;
             continue;
         }
-        const char* const cellEnd = skipBlanks(at + 1);
+        const char* const cellEnd =
+            separator == CaseFileLayout::blanks ? at + 1 : skipBlanks(at + 1);
         if (cellEnd == bytesEnd() && !isInputRead) {
             return nullptr;
         }
@@ -143,7 +194,8 @@ const char* CsvSplitter::skipBlanks(const char* at) const
 
 bool CsvSplitter::isBlank(char character) const
 {
-    return (character == ' ' || character == '\t') && character != separator;
+    const bool separates = character == separator && separator != CaseFileLayout::blanks;
+    return (character == ' ' || character == '\t') && !separates;
 }
 
 bool CsvSplitter::endsCell(char character) const
@@ -162,7 +214,8 @@ void CsvSplitter::refill()
     }
     begin = 0;
     end = rest;
-    const bool isFirst = bytesRead == 0;
+    const bool isFirst = bytesRead == 0 && unread == 0;
+    skipUnread();
     while (!isInputRead && end + 1 < buffer.size()) {
         const std::size_t count = read(buffer.data() + end, buffer.size() - end - 1);
         isInputRead = count == 0;
@@ -173,6 +226,16 @@ void CsvSplitter::refill()
     if (isFirst &&
         std::string_view(buffer.data(), end).substr(0, byteOrderMark.size()) == byteOrderMark) {
         begin = byteOrderMark.size();
+    }
+}
+
+/** Reads what comes before the table. */
+void CsvSplitter::skipUnread()
+{
+    while (unread > 0) {
+        const std::size_t count = read(buffer.data(), std::min(unread, buffer.size()));
+        unread -= count == 0 ? unread : count;
+        bytesRead += count;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "session/model/Workspace.h"
 #include "session/project/ProjectDocument.h"
+#include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/WholeNumber.h"
 
@@ -45,13 +46,23 @@ void InputValues::hold(const std::string& assignment)
 {
     const auto [variable, text] = variables.assignment(assignment);
     const std::size_t input = take(variable);
-    workspace.stayAt(input, text);
+    workspace.stayAt(input, withPoint(text));
     heldInputs.push_back(input);
 }
 
 const std::vector<std::size_t>& InputValues::held() const
 {
     return heldInputs;
+}
+
+/** One number as the case file writes numbers, with a decimal point. */
+std::string InputValues::withPoint(std::string text) const
+{
+    if (workspace.layout().hasDecimalComma &&
+        CellValue::read(text, true).mark == CellValue::Comma) {
+        std::replace(text.begin(), text.end(), ',', '.');
+    }
+    return text;
 }
 
 std::size_t InputValues::take(std::size_t variable)

@@ -33,7 +33,8 @@ public:
      *         ProjectDocument::maxSweptValues. */
     void sweepEvenly(const std::string& assignment);
 
-    /** @param assignment NAME=VALUE. @throw DistributionTextError */
+    /** @param assignment NAME=VALUE, with a decimal comma too where the case file has them.
+     *  @throw DistributionTextError */
     void hold(const std::string& assignment);
 
     /** The inputs that hold() has named, by their positions in the roles. */
@@ -41,6 +42,7 @@ public:
 
 private:
     std::size_t take(std::size_t variable);
+    std::string withPoint(std::string text) const;
 
     Workspace& workspace;
     VariableNames variables;

@@ -36,6 +36,9 @@ public:
 
     std::size_t count() const;
 
+    /** How the table was read. */
+    const CaseFileLayout& layout() const { return table.layout; }
+
     /** Which inputs have cells that are no numbers, a sentence each. */
     const std::vector<std::string>& notes() const { return sentences; }
 

@@ -113,9 +113,9 @@ class Workspace::Impl
 public:
     explicit Impl(CaseTable& table,
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
-        : path(table.path), separator(table.separator), hasDecimalComma(table.hasDecimalComma),
-          cellsWithoutNumber(cellsWithoutNumberOf(table)), units(unitsOf(table)),
-          state(table, model)
+        : path(table.path), layout(table.layout), readingChoices(table.choices),
+          readingGuess(table.guess), cellsWithoutNumber(cellsWithoutNumberOf(table)),
+          units(unitsOf(table)), state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -134,8 +134,9 @@ public:
     }
 
     std::string path;
-    char separator;
-    bool hasDecimalComma;
+    CaseFileLayout layout;
+    ReadingChoices readingChoices;
+    std::string readingGuess;
     std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
     std::map<std::string, std::string> units;
     SessionState state;
@@ -262,6 +263,21 @@ const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber()
     return impl->cellsWithoutNumber;
 }
 
+const CaseFileLayout& Workspace::layout() const
+{
+    return impl->layout;
+}
+
+const ReadingChoices& Workspace::readingChoices() const
+{
+    return impl->readingChoices;
+}
+
+const std::string& Workspace::readingGuess() const
+{
+    return impl->readingGuess;
+}
+
 std::string Workspace::unitOf(const std::string& name) const
 {
     const auto found = impl->units.find(name);
@@ -380,8 +396,8 @@ ProjectDocument Workspace::document() const
     }
     ProjectDocument document = impl->loaded;
     impl->state.save(document);
-    document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->separator,
-                         impl->hasDecimalComma};
+    document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->layout.separator,
+                         impl->layout.hasDecimalComma, impl->readingChoices};
     return document;
 }
 

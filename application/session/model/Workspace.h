@@ -94,6 +94,15 @@ public:
      *  missing, by name. */
     const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;
 
+    /** How the case file was read; a plain layout without one. */
+    const CaseFileLayout& layout() const;
+
+    /** What the user said about the reading. */
+    const ReadingChoices& readingChoices() const;
+
+    /** What of the layout was guessed, in words; empty if nothing was. */
+    const std::string& readingGuess() const;
+
     /** The unit of a variable as the case file says it, empty if it says none. */
     std::string unitOf(const std::string& name) const;
 

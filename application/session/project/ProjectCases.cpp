@@ -76,13 +76,24 @@ CaseTable readCaseTable(const std::string& path, const CaseFileReader::Options& 
 CaseFileReader::Options readingOptions(const ProjectDocument& document,
                                        CaseFileReader::Options options)
 {
-    if (!options.separator) {
-        options.separator = document.caseFile.separator;
+    const ProjectDocument::CaseFile& file = document.caseFile;
+    const ReadingChoices& kept = file.reading;
+    const auto keep = [](auto& choice, const auto& otherwise) {
+        if (!choice) {
+            choice = otherwise;
+        }
+    };
+    keep(options.separator, file.separator);
+    keep(options.decimalMark, file.hasDecimalComma ? CellValue::Comma : CellValue::Point);
+    keep(options.encoding, kept.encoding);
+    keep(options.heading, kept.heading);
+    keep(options.unitsRow, kept.unitsRow);
+    keep(options.skippedLines, kept.skippedLines);
+    keep(options.commentMark, kept.commentMark);
+    if (options.missing.isEmpty()) {
+        options.missing = kept.missing;
     }
-    if (!options.decimalMark) {
-        options.decimalMark =
-            document.caseFile.hasDecimalComma ? CellValue::Comma : CellValue::Point;
-    }
+    options.isStrict = options.isStrict || kept.isStrict;
     return options;
 }
 

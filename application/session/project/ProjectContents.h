@@ -1,5 +1,6 @@
 #pragma once
 
+#include <session/cases/ReadingChoices.h>
 #include <session/files/FileFingerprint.h>
 
 #include <mirel_datamanagement/Variable.h>
@@ -27,8 +28,11 @@ struct ProjectContents
          *  so that both can be moved together. UTF-8. */
         std::string path;
         FileFingerprint fingerprint;
-        char separator = ','; ///< comma, semicolon or tab
+        char separator = ','; ///< as CaseFileLayout has it
         bool hasDecimalComma = false;
+        /** What else the user said about the reading; separator and decimal mark in it do not
+         *  count. */
+        ReadingChoices reading;
     };
 
     struct VariableEntry

@@ -1,5 +1,6 @@
 #include "session/project/ProjectElements.h"
 
+#include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
@@ -32,8 +33,19 @@ struct Word
     Value value;
 };
 
-constexpr std::array<Word<char>, 3> separators = {
-    {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}}};
+constexpr std::array<Word<char>, 5> separators = {{{"comma", ','},
+                                                   {"semicolon", ';'},
+                                                   {"tab", '\t'},
+                                                   {"bar", '|'},
+                                                   {"blanks", CaseFileLayout::blanks}}};
+
+constexpr std::array<Word<bool>, 2> answers = {{{"yes", true}, {"no", false}}};
+
+constexpr std::array<Word<TextEncoding>, 4> encodings = {
+    {{"utf-8", TextEncoding::Utf8},
+     {"windows-1252", TextEncoding::Windows1252},
+     {"utf-16", TextEncoding::Utf16Little},
+     {"utf-16-be", TextEncoding::Utf16Big}}};
 
 constexpr std::array<Word<bool>, 2> decimalMarks = {{{"point", false}, {"comma", true}}};
 
@@ -207,9 +219,38 @@ std::optional<ProjectContents::Range> optionalRange(const XmlNode& element, cons
     return ProjectContents::Range(finiteNumber(element, from), finiteNumber(element, to));
 }
 
+/** What a user said about the reading; an attribute that is absent was not said. */
+ReadingChoices readReading(const XmlNode& element)
+{
+    ReadingChoices reading;
+    const auto isThere = [&](const char* name) { return element.attribute(name) != nullptr; };
+    if (isThere("Encoding")) {
+        reading.encoding = requiredWord(element, "Encoding", encodings);
+    }
+    if (isThere("Heading")) {
+        reading.heading = requiredWord(element, "Heading", answers);
+    }
+    if (isThere("UnitsRow")) {
+        reading.unitsRow = requiredWord(element, "UnitsRow", answers);
+    }
+    if (isThere("SkippedLines")) {
+        reading.skippedLines = requiredNumber(element, "SkippedLines", 0, mostCases);
+    }
+    if (isThere("CommentMark")) {
+        reading.commentMark = required(element, "CommentMark");
+    }
+    if (isThere("Missing")) {
+        reading.missing = MissingWords(required(element, "Missing"));
+    }
+    reading.isStrict = isThere("Strict") && requiredWord(element, "Strict", answers);
+    return reading;
+}
+
 ProjectContents::CaseFile readCaseFile(const XmlNode& element)
 {
-    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark"});
+    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark", "Encoding",
+                                  "Heading", "UnitsRow", "SkippedLines", "CommentMark", "Missing",
+                                  "Strict"});
 
     ProjectContents::CaseFile file;
     file.path = requiredText(element, "Path");
@@ -225,6 +266,7 @@ ProjectContents::CaseFile readCaseFile(const XmlNode& element)
     }
     file.separator = requiredWord(element, "Separator", separators);
     file.hasDecimalComma = requiredWord(element, "DecimalMark", decimalMarks);
+    file.reading = readReading(element);
     return file;
 }
 
@@ -438,12 +480,35 @@ void setRange(XmlNode& element, const std::string& from, const std::string& to,
 
 XmlNode caseFileElement(const ProjectContents::CaseFile& file)
 {
-    return XmlNode::element("CaseFile",
-                            {{"Path", file.path},
-                             {"Bytes", std::to_string(file.fingerprint.bytes)},
-                             {"Sha256", file.fingerprint.sha256},
-                             {"Separator", wordFor(file.separator, separators)},
-                             {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
+    XmlNode element = XmlNode::element(
+        "CaseFile", {{"Path", file.path},
+                     {"Bytes", std::to_string(file.fingerprint.bytes)},
+                     {"Sha256", file.fingerprint.sha256},
+                     {"Separator", wordFor(file.separator, separators)},
+                     {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
+    const ReadingChoices& reading = file.reading;
+    if (reading.encoding) {
+        element.attributes["Encoding"] = wordFor(*reading.encoding, encodings);
+    }
+    if (reading.heading) {
+        element.attributes["Heading"] = wordFor(*reading.heading, answers);
+    }
+    if (reading.unitsRow) {
+        element.attributes["UnitsRow"] = wordFor(*reading.unitsRow, answers);
+    }
+    if (reading.skippedLines) {
+        element.attributes["SkippedLines"] = std::to_string(*reading.skippedLines);
+    }
+    if (reading.commentMark) {
+        element.attributes["CommentMark"] = *reading.commentMark;
+    }
+    if (!reading.missing.isEmpty()) {
+        element.attributes["Missing"] = reading.missing.text();
+    }
+    if (reading.isStrict) {
+        element.attributes["Strict"] = "yes";
+    }
+    return element;
 }
 
 XmlNode variablesElement(const std::vector<ProjectContents::VariableEntry>& variables)

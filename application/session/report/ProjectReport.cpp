@@ -1,5 +1,6 @@
 #include "session/report/ProjectReport.h"
 
+#include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
 #include "session/model/PolynomialWords.h"
 #include "session/project/ProjectDocument.h"
@@ -16,11 +17,6 @@
 using ReportJson::Json;
 
 namespace {
-const char* separatorName(char separator)
-{
-    return separator == ',' ? "comma" : separator == ';' ? "semicolon" : "tab";
-}
-
 const char* roleName(Variable::Nature role)
 {
     return role == Variable::Independent ? "input"
@@ -96,9 +92,10 @@ std::string ProjectReport::text(const ProjectDocument& document)
     const ProjectDocument::CaseFile& cases = document.caseFile;
     TextTable head({false, false});
     head.add({"Case file", cases.path + " (" + stateName(document.checkCaseFile().state) + ')'});
-    head.add({"Read with", std::string(separatorName(cases.separator)) +
-                               "s between cells, decimal " +
-                               (cases.hasDecimalComma ? "commas" : "points")});
+    head.add({"Read with",
+              (cases.separator == CaseFileLayout::blanks ? std::string("blanks")
+                                                         : separatorWord(cases.separator) + 's') +
+                  " between cells, decimal " + (cases.hasDecimalComma ? "commas" : "points")});
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
     if (!(document.responseSurface == ResponseSurfaceOptions())) {
@@ -137,7 +134,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
                    {"state", stateName(document.checkCaseFile().state)},
                    {"bytes", cases.fingerprint.bytes},
                    {"sha256", cases.fingerprint.sha256},
-                   {"separator", separatorName(cases.separator)},
+                   {"separator", separatorWord(cases.separator)},
                    {"decimalMark", cases.hasDecimalComma ? "comma" : "point"}}}};
     json["variables"] = Json::array();
     for (const ProjectDocument::VariableEntry& variable : document.variables) {

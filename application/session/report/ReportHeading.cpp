@@ -90,9 +90,29 @@ std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
     return notes;
 }
 
+ReportJson::Json ReportHeading::layoutJson(const CaseFileLayout& layout)
+{
+    return {
+        {"encoding", encodingWord(layout.encoding)},
+        {"separator", separatorWord(layout.separator)},
+        {"decimalMark", layout.hasDecimalComma ? "comma" : "point"},
+        {"thousandsSeparator", layout.thousandsSeparator == '\0'
+                                   ? ReportJson::Json()
+                                   : ReportJson::Json(std::string(1, layout.thousandsSeparator))},
+        {"heading", layout.hasHeading},
+        {"headingInComment", layout.isHeadingComment},
+        {"titleLines", layout.titleLines},
+        {"commentLines", layout.commentLines},
+        {"unitsRow", layout.hasUnitsRow},
+        {"rowNames", layout.hasRowNames}};
+}
+
 ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)
 {
     ReportJson::Json json = ReportJson::cases(workspace.counts());
+    if (workspace.exportedReport().empty()) {
+        json["layout"] = layoutJson(workspace.layout());
+    }
     for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
         json["withoutNumber"].push_back({{"name", name},
                                          {"cells", cells.count},

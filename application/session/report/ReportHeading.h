@@ -11,6 +11,7 @@
 #include <vector>
 
 class Workspace;
+struct CaseFileLayout;
 
 /** What several reports begin with. */
 namespace ReportHeading {
@@ -29,7 +30,11 @@ std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& w
  *  one about them. */
 SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
 
-/** How many cases there are; "withoutNumber": of every variable, which cells are no numbers. */
+/** How a case file was read, as an object. */
+ReportJson::Json layoutJson(const CaseFileLayout& layout);
+
+/** How many cases there are; "layout": how they were read; "withoutNumber": of every variable,
+ * which cells are no numbers. */
 SURROGATE_SESSION_EXPORT ReportJson::Json casesJson(const Workspace& workspace);
 
 /** Whether terms of response surfaces are selected. */

@@ -20,13 +20,16 @@ bool equalsLowerCase(std::string_view text, std::string_view lowerCase)
     return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(), same);
 }
 
+constexpr std::array<std::string_view, 7> errors = {"#n/a",  "#div/0!", "#value!", "#num!",
+                                                    "#ref!", "#name?",  "#null!"};
+
 bool isMissing(std::string_view text)
 {
-    constexpr std::array<std::string_view, 17> words = {
-        "na", "n/a",  "n.a.",    "nan",     "null",  "none",  "?",      "-",     "--",
-        ".",  "#n/a", "#div/0!", "#value!", "#num!", "#ref!", "#name?", "#null!"};
-    return std::any_of(words.begin(), words.end(),
-                       [&](std::string_view word) { return equalsLowerCase(text, word); });
+    constexpr std::array<std::string_view, 12> words = {
+        "na", "n/a", "n.a.", "nan", "null", "none", "?", "-", "--", ".", u8"\u2013", u8"\u2014"};
+    const auto isWord = [&](std::string_view word) { return equalsLowerCase(text, word); };
+    return std::any_of(words.begin(), words.end(), isWord) ||
+           std::any_of(errors.begin(), errors.end(), isWord);
 }
 
 bool isDigit(char character)
@@ -80,6 +83,93 @@ std::size_t readNumber(std::string_view text, double& number)
     return used;
 }
 
+constexpr std::array<std::string_view, 4> blanks = {" ", u8"\u00A0", u8"\u202F", u8"\u2009"};
+
+/** How many bytes of `text` at its beginning are the separator; 0 if it is another character. */
+std::size_t separatorLength(std::string_view text, char separator)
+{
+    if (separator != ' ') {
+        return !text.empty() && text.front() == separator ? 1 : 0;
+    }
+    const auto* const blank = std::find_if(blanks.begin(), blanks.end(), [&](std::string_view b) {
+        return text.substr(0, b.size()) == b;
+    });
+    return blank == blanks.end() ? 0 : blank->size();
+}
+
+/** The digits of a number without the separators between its groups of three, and what follows
+ *  them; empty if the text does not begin with such groups, at least two. */
+std::string withoutSeparators(std::string_view text, char separator, std::size_t& groups)
+{
+    constexpr std::size_t groupSize = 3;
+    const auto digitsAt = [&](std::size_t position) {
+        std::size_t count = 0;
+        while (position + count < text.size() && isDigit(text[position + count])) {
+            ++count;
+        }
+        return count;
+    };
+    std::string joined;
+    std::size_t position = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+    joined = text.substr(0, position);
+    std::size_t digits = digitsAt(position);
+    if (digits == 0 || digits > groupSize) {
+        return {};
+    }
+    for (groups = 1;; ++groups) {
+        joined += text.substr(position, digits);
+        position += digits;
+        const std::size_t length = separatorLength(text.substr(position), separator);
+        if (length == 0 || digitsAt(position + length) != groupSize) {
+            break;
+        }
+        position += length;
+        digits = groupSize;
+    }
+    return groups == 1 ? std::string() : joined.append(text.substr(position));
+}
+
+/** Whether asciiNumber() may make another number of it. */
+bool mayNeedAscii(std::string_view text)
+{
+    bool hasDigit = false;
+    bool hasOther = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isExponent = (text[i] == 'D' || text[i] == 'd') && i > 0 &&
+                                (isDigit(text[i - 1]) || text[i - 1] == '.');
+        hasDigit = hasDigit || isDigit(text[i]);
+        hasOther = hasOther || isExponent || static_cast<unsigned char>(text[i]) >= 0x80;
+    }
+    return hasDigit && hasOther;
+}
+
+/** Characters that other programs write, as ASCII: signs of typesetting, Fortran's exponent;
+ * without blanks and byte-order marks that are not ASCII at the ends. */
+std::string asciiNumber(std::string_view text)
+{
+    constexpr std::array<std::string_view, 2> minusSigns = {u8"\u2212", u8"\u2013"};
+    constexpr std::array<std::string_view, 2> ignored = {u8"\u00A0", u8"\uFEFF"};
+    std::string number;
+    while (!text.empty()) {
+        const auto isNext = [&](std::string_view sign) {
+            return text.substr(0, sign.size()) == sign;
+        };
+        const auto* const minus = std::find_if(minusSigns.begin(), minusSigns.end(), isNext);
+        const auto* const blank = std::find_if(ignored.begin(), ignored.end(), isNext);
+        if (minus != minusSigns.end()) {
+            number += '-';
+            text.remove_prefix(minus->size());
+        } else if (blank != ignored.end() && (number.empty() || text.size() == blank->size())) {
+            text.remove_prefix(blank->size());
+        } else {
+            const bool isExponent = (text[0] == 'D' || text[0] == 'd') && !number.empty();
+            number += isExponent ? 'e' : text[0];
+            text.remove_prefix(1);
+        }
+    }
+    return number;
+}
+
 /** Reads "1,5" as 1.5; a second mark makes it a text: 1.234,5 and 1,234,567 are no numbers. */
 bool readDecimalComma(std::string_view text, std::size_t comma, double& number)
 {
@@ -95,7 +185,59 @@ bool readDecimalComma(std::string_view text, std::size_t comma, double& number)
 }
 } // namespace
 
-CellValue CellValue::read(std::string_view text, bool decimalComma)
+namespace {
+/** Reads what neither is a number as the C locale writes it nor has a decimal comma. */
+bool readUnusual(std::string_view text, bool decimalComma, char thousands, CellValue& value)
+{
+    const auto isSimple = [&](const std::string& ascii) {
+        const CellValue simple = CellValue::read(ascii, decimalComma);
+        value = simple.kind == CellValue::Number ? simple : value;
+        return simple.kind == CellValue::Number;
+    };
+    std::size_t groups = 0;
+    const std::string joined =
+        thousands == '\0' ? std::string() : withoutSeparators(text, thousands, groups);
+    if (!joined.empty() && isSimple(joined)) {
+        return true;
+    }
+    const std::string ascii = mayNeedAscii(text) ? asciiNumber(text) : std::string(text);
+    return ascii != text && isSimple(ascii);
+}
+} // namespace
+
+char CellValue::thousandsSeparator(std::string_view text, DecimalMark& decimalMark)
+{
+    text = trimmedText(text);
+    decimalMark = NoMark;
+    for (const char separator : {',', '.', ' ', '\''}) {
+        std::size_t groups = 0;
+        const std::string joined = withoutSeparators(text, separator, groups);
+        if (joined.empty()) {
+            continue;
+        }
+        const CellValue value = read(joined, separator != ',');
+        const bool hasPoint = joined.find('.') != std::string::npos;
+        const bool hasComma = joined.find(',') != std::string::npos;
+        const bool isOwn = (separator == ',' && hasComma) || (separator == '.' && hasPoint);
+        if (value.kind != Number || isOwn) {
+            continue;
+        }
+        decimalMark = hasPoint ? Point : hasComma ? Comma : NoMark;
+        const bool isMark = separator == ',' || separator == '.';
+        // "1,234" may be a decimal fraction.
+        return isMark && groups == 2 && decimalMark == NoMark ? '\0' : separator;
+    }
+    return '\0';
+}
+
+bool CellValue::beginsWithError(std::string_view text)
+{
+    return std::any_of(errors.begin(), errors.end(), [&](std::string_view error) {
+        return equalsLowerCase(text.substr(0, error.size()), error);
+    });
+}
+
+CellValue CellValue::read(std::string_view text, bool decimalComma, char thousands)
 {
     CellValue value;
     text = trimmedText(text);
@@ -109,7 +251,8 @@ CellValue CellValue::read(std::string_view text, bool decimalComma)
         if (std::isnan(value.number)) {
             // Also with a sign or a payload, "-nan" or "nan(ind)".
             value.kind = Missing;
-        } else if (decimalComma && text.find('.') != std::string_view::npos) {
+        } else if (decimalComma && text.find('.') != std::string_view::npos &&
+                   !(thousands == '.' && readUnusual(text, decimalComma, thousands, value))) {
             value.mark = Point;
         }
         return value;
@@ -120,7 +263,11 @@ CellValue CellValue::read(std::string_view text, bool decimalComma)
         value.mark = Comma;
         return value;
     }
-    value.kind = isMissing(text) ? Missing : Text;
-    value.number = 0.0;
+    if (isMissing(text)) {
+        value = CellValue();
+    } else if (!readUnusual(text, decimalComma, thousands, value)) {
+        value.kind = Text;
+        value.number = 0.0;
+    }
     return value;
 }

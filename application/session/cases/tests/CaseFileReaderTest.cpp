@@ -72,7 +72,7 @@ TEST_F(CaseFileReaderTest, DecimalCommasDoNotMakeACommaTheSeparator)
 {
     const CaseTable table = read("x;y\n1,5;2,5\n3,5;4\n");
 
-    EXPECT_EQ(table.separator, ';');
+    EXPECT_EQ(table.layout.separator, ';');
     EXPECT_EQ(table.columns[0].numbers, (Numbers{1.5, 3.5}));
     EXPECT_EQ(table.columns[1].numbers, (Numbers{2.5, 4.0}));
 }
@@ -97,7 +97,12 @@ TEST_F(CaseFileReaderTest, ReadsFilesOfOneColumn)
     const CaseTable table = read("x\n1\n2.5\n");
 
     EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.5}));
-    EXPECT_EQ(refusalOf("x\n1,5\n"), "cases.csv, line 2: the row has 2 cells, the heading has 1.");
+    EXPECT_EQ(refusalOf("x\n1,5\n"),
+              "cases.csv, line 2: the row has 2 cells, the heading has 1; if the table begins "
+              "further down, --skip N leaves out the lines above it.");
+    EXPECT_EQ(refusalOf("x,y\n1,5\n2\n"),
+              "cases.csv, line 3: the row has 1 cell, the heading has 2; correct it, or begin it "
+              "with # to leave it out.");
 }
 
 TEST_F(CaseFileReaderTest, AHeadingAloneGivesNumericColumnsWithoutCases)
@@ -223,18 +228,60 @@ TEST_F(CaseFileReaderTest, NamesAndTextsAreUtf8)
     EXPECT_EQ(table.columns[1].texts, (Texts{"K\xC3\xB6ln"}));
 }
 
-TEST_F(CaseFileReaderTest, RefusesBytesThatAreNotUtf8Text)
+TEST_F(CaseFileReaderTest, TextThatIsNotUtf8IsWindows1252)
 {
-    const std::string sentence = "the file is not UTF-8 text; save it as UTF-8.";
+    const CaseTable table = read("x,Ort\n1,K\xF6ln \x96 S\xFC"
+                                 "d\n");
 
-    EXPECT_EQ(refusalOf("x,Ort\n1,a\n2,K\xF6ln\n"), "cases.csv, line 3: " + sentence);
-    EXPECT_EQ(refusalOf("\xB0"
-                        "C,y\n1,2\n"),
-              "cases.csv, line 1: " + sentence);
-    EXPECT_EQ(refusalOf(std::string("\xFF\xFEx\0\n\0", 6)), "cases.csv, line 1: " + sentence);
-    EXPECT_EQ(refusalOf(std::string("x,y\n1,2\n3,\0\n", 12)), "cases.csv, line 3: " + sentence);
-    EXPECT_EQ(refusalOf("x,y\n1,\xED\xA0\x80\n"), "cases.csv, line 2: " + sentence);
-    EXPECT_EQ(refusalOf("x,y\n1,\xC0\xAF\n"), "cases.csv, line 2: " + sentence);
+    EXPECT_EQ(table.layout.encoding, TextEncoding::Windows1252);
+    EXPECT_EQ(table.columns[1].texts, Texts{u8"Köln – Süd"});
+    EXPECT_EQ(table.guess, "Windows-1252 text");
+}
+
+TEST_F(CaseFileReaderTest, AByteFarDownCanShowTheEncoding)
+{
+    std::string content = "x,Ort\n";
+    for (int i = 0; i < 60000; ++i) {
+        content += "1,Ulm\n";
+    }
+
+    const CaseTable table = read(content + "2,K\xF6ln\n");
+
+    ASSERT_EQ(table.cases, 60001u);
+    EXPECT_EQ(table.columns[1].texts.back(), u8"Köln");
+}
+
+TEST_F(CaseFileReaderTest, ReadsUtf16WithAByteOrderMark)
+{
+    const std::string little("\xFF\xFEx\0\n\0"
+                             "1\0\n\0",
+                             10);
+    const std::string big("\xFE\xFF\0x\0\n\0"
+                          "1\0\n",
+                          10);
+
+    EXPECT_EQ(read(little).columns[0].numbers, Numbers{1.0});
+    EXPECT_EQ(read(big).columns[0].numbers, Numbers{1.0});
+}
+
+TEST_F(CaseFileReaderTest, RefusesBytesThatAreNoText)
+{
+    EXPECT_EQ(refusalOf(std::string("x,y\n1,2\n3,\0\n", 12)),
+              "cases.csv, line 3: a cell holds a NUL byte, so that the file is damaged or no text; "
+              "save it as UTF-8.");
+    CaseFileReader::Options utf8;
+    utf8.encoding = TextEncoding::Utf8;
+    EXPECT_EQ(refusalOf("x,y\n1,\xED\xA0\x80\n", utf8),
+              "cases.csv, line 2: the file is not UTF-8 text; save it as UTF-8.");
+}
+
+TEST_F(CaseFileReaderTest, RefusesFilesThatAreNoTablesOfText)
+{
+    for (const char* beginning : {"PK\x03\x04", "PAR1", "\x1F\x8B", "\x89HDF"}) {
+        const std::string message =
+            messageOf<CaseDataError>([&] { read(std::string(beginning) + "..."); });
+        EXPECT_EQ(message.rfind('"' + folder.path("cases.csv") + "\" is ", 0), 0u) << message;
+    }
 }
 
 TEST_F(CaseFileReaderTest, RefusesAnEmptyFile)
@@ -247,13 +294,102 @@ TEST_F(CaseFileReaderTest, RefusesAnEmptyFile)
     EXPECT_EQ(refusalOf("\xEF\xBB\xBF"), sentence);
 }
 
-TEST_F(CaseFileReaderTest, RefusesEmptyAndRepeatedHeadings)
+TEST_F(CaseFileReaderTest, RefusesRepeatedHeadings)
 {
-    EXPECT_EQ(refusalOf("a,,c\n1,2,3\n"), "cases.csv, line 1: column 2 has no name.");
-    EXPECT_EQ(refusalOf("a,b,\n1,2,\n"), "cases.csv, line 1: column 3 has no name.");
-    EXPECT_EQ(refusalOf("a,\" \"\n1,2\n"), "cases.csv, line 1: column 2 has no name.");
     EXPECT_EQ(refusalOf("\na,b,c,b\n1,2,3,4\n"),
-              "cases.csv, line 2: columns 2 and 4 are both named \"b\".");
+              "cases.csv, line 2: columns 2 and 4 are both named \"b\"; rename one of them.");
+}
+
+TEST_F(CaseFileReaderTest, NamesColumnsWithoutAHeadingByTheirNumbers)
+{
+    EXPECT_EQ(namesOf(read("a,,c\n1,2,3\n")), (Names{"a", "C2", "c"}));
+    EXPECT_EQ(namesOf(read(",x,y\n0,2,3\n1,3,4\n")), (Names{"C1", "x", "y"}));
+}
+
+TEST_F(CaseFileReaderTest, IgnoresEmptyColumnsAndRowsAtTheEnd)
+{
+    const CaseTable table = read("a,b,,\n1,2,,\n,,\n3,4,,\n,,,\n,,,\n");
+
+    EXPECT_EQ(namesOf(table), (Names{"a", "b"}));
+    EXPECT_EQ(table.cases, 3u);
+    EXPECT_TRUE(std::isnan(table.columns[1].numbers[1]));
+    EXPECT_EQ(table.columns[1].numbers[2], 4.0);
+    EXPECT_EQ(read("a,b\n1,2,\n3,4,\n").columns[1].numbers, (Numbers{2.0, 4.0}));
+}
+
+TEST_F(CaseFileReaderTest, NamesStandOnOneLine)
+{
+    EXPECT_EQ(namesOf(read("\"Stress\n(MPa)\",\" b\t\"\n1,2\n")), (Names{"Stress (MPa)", "b"}));
+}
+
+TEST_F(CaseFileReaderTest, KeepsTheUnitsBelowTheHeading)
+{
+    const CaseTable table = read("site;p;y\n;[MPa];mm\nnorth;1,5;2\nsouth;2,5;3\n");
+
+    EXPECT_EQ(table.cases, 2u);
+    EXPECT_EQ(table.columns[0].unit, "");
+    EXPECT_EQ(table.columns[1].unit, "MPa");
+    EXPECT_EQ(table.columns[2].unit, "mm");
+    EXPECT_EQ(table.guess, "semicolons, decimal commas; a units row skipped");
+}
+
+TEST_F(CaseFileReaderTest, SkipsCommentLinesAndTitles)
+{
+    const CaseTable table = read("Rig 7\n# warm\nx,y\n1,2\n# pause\n3,4\n");
+
+    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 3.0}));
+    EXPECT_EQ(table.guess, "1 title line and 2 comment lines skipped");
+}
+
+TEST_F(CaseFileReaderTest, RowNamesAreText)
+{
+    const CaseTable table = read("\"x\" \"y\"\n\"1\" 2 3\n\"2\" 4 5\n");
+
+    EXPECT_EQ(namesOf(table), (Names{"Row name", "x", "y"}));
+    EXPECT_EQ(table.columns[0].texts, (Texts{"1", "2"}));
+    EXPECT_EQ(table.columns[2].numbers, (Numbers{3.0, 5.0}));
+}
+
+TEST_F(CaseFileReaderTest, ReadsSeparatorsOfThousandsThatCanMeanNothingElse)
+{
+    EXPECT_EQ(read("x;y\n1;1.234,5\n2;2.000\n").columns[1].numbers, (Numbers{1234.5, 2000.0}));
+    EXPECT_EQ(read("x,y\n1,\"1,234.5\"\n2,\"2,000\"\n").columns[1].numbers,
+              (Numbers{1234.5, 2000.0}));
+    EXPECT_EQ(read("x;y\n1;1,234\n2;2,5\n").columns[1].numbers, (Numbers{1.234, 2.5}));
+}
+
+TEST_F(CaseFileReaderTest, SaysNothingOfAPlainTableAndOfWhatTheUserSaid)
+{
+    CaseFileReader::Options options;
+    options.separator = ';';
+    options.decimalMark = CellValue::Comma;
+    options.skippedLines = 1;
+
+    EXPECT_EQ(read("x,y\n1,2\n").guess, "");
+    EXPECT_EQ(readWith("Rig 7\nx;y\n1,5;2\n", options).guess, "");
+}
+
+TEST_F(CaseFileReaderTest, FurtherWordsAndNumbersAreMissing)
+{
+    CaseFileReader::Options options;
+    options.missing = MissingWords("failed, 999");
+
+    const CaseTable table = readWith("x,y\n1,failed\n999.0,2\n3,Failed\n4,5\n", options);
+
+    EXPECT_TRUE(std::isnan(table.columns[0].numbers[1]));
+    EXPECT_TRUE(std::isnan(table.columns[1].numbers[0]));
+    EXPECT_EQ(table.columns[1].withoutNumber.text(), "1 cell is no number (\"Failed\", in line 4)");
+}
+
+TEST_F(CaseFileReaderTest, RefusesCellsThatAreNoNumbersIfAsked)
+{
+    CaseFileReader::Options options;
+    options.isStrict = true;
+
+    EXPECT_EQ(refusalOf("x,y\n1,2\n2,NA\n3,failed\n4,5\n", options),
+              "cases.csv, line 4: column \"y\" holds \"failed\", which is no number; correct it, "
+              "or leave out --strict to have such cells count as missing.");
+    EXPECT_EQ(readWith("x,site\n1,north\n2,south\n", options).cases, 2u);
 }
 
 TEST_F(CaseFileReaderTest, RefusesAQuoteThatIsNeverClosed)
@@ -272,9 +408,9 @@ TEST_F(CaseFileReaderTest, RefusesDecimalCommasBesideDecimalPoints)
 
 TEST_F(CaseFileReaderTest, SaysWhichDecimalMarkTheNumbersHave)
 {
-    EXPECT_TRUE(read("a;b\n1,5;2\n").hasDecimalComma);
-    EXPECT_FALSE(read("a;b\n1.5;2\n").hasDecimalComma);
-    EXPECT_FALSE(read("a,b\n1,5\n").hasDecimalComma);
+    EXPECT_TRUE(read("a;b\n1,5;2\n").layout.hasDecimalComma);
+    EXPECT_FALSE(read("a;b\n1.5;2\n").layout.hasDecimalComma);
+    EXPECT_FALSE(read("a,b\n1,5\n").layout.hasDecimalComma);
 }
 
 TEST_F(CaseFileReaderTest, AGivenDecimalMarkIsTheOnlyOne)

@@ -21,11 +21,18 @@ CsvSplitter::Read piecesOf(std::string_view text, std::size_t most = usualBuffer
     };
 }
 
+CaseFileLayout layoutWith(char separator)
+{
+    CaseFileLayout layout;
+    layout.separator = separator;
+    return layout;
+}
+
 /** All records, each with its line and its cells in brackets, and how the text ends. */
 std::string split(const std::string& text, char separator = ',',
                   std::size_t bufferSize = usualBuffer, std::size_t pieceSize = usualBuffer)
 {
-    CsvSplitter splitter(piecesOf(text, pieceSize), separator, bufferSize);
+    CsvSplitter splitter(piecesOf(text, pieceSize), layoutWith(separator), bufferSize);
     std::string records;
     while (splitter.next()) {
         records += std::to_string(splitter.line());
@@ -66,6 +73,8 @@ const Split splits[] = {
     {"UnclosedQuote", "a\n\"b\nc,", "1[a] unclosed 2"},
     {"QuoteAtTheEnd", "a,\"b\"", "1[a][b] end"},
     {"ByteOrderMark", "\xEF\xBB\xBF\"a\",b\n", "1[a][b] end"},
+    {"CommentLines", "# a,b\n//\na\n  % 1\nb#\n/c\n", "3[a] 5[b#] 6[/c] end"},
+    {"ErrorOfASpreadsheetFirst", "#N/A,1\n#div/0!,2\n", "1[#N/A][1] 2[#div/0!][2] end"},
     {"ByteOrderMarkAlone", "\xEF\xBB\xBF", "end"},
 };
 } // namespace
@@ -83,11 +92,46 @@ TEST(CsvSplitter, TakesBlanksForCellsWhereTheySeparate)
     EXPECT_EQ(split(" a \tb\t\t c\n", '\t'), "1[a][b][][c] end");
 }
 
+TEST(CsvSplitter, TakesAnyNumberOfBlanksForOneSeparatorIfToldTo)
+{
+    EXPECT_EQ(split("  a \t b  \n\"c d\"\t\"e\"\"f\" \n\n5\"", ' '),
+              "1[a][b] 2[c d][e\"f] 4[5\"] end");
+}
+
+TEST(CsvSplitter, BeginsWithTheTableOfTheLayout)
+{
+    CaseFileLayout layout;
+    layout.tableBegin = 6;
+    layout.tableLine = 3;
+    CsvSplitter splitter(piecesOf("a\n\"b\n#c\n#d\ne\n"), layout, 4);
+
+    ASSERT_TRUE(splitter.next());
+    EXPECT_EQ(splitter.cells().front(), "c");
+    EXPECT_EQ(splitter.line(), 3u);
+    ASSERT_TRUE(splitter.next());
+    EXPECT_EQ(splitter.cells().front(), "e");
+    EXPECT_EQ(splitter.line(), 5u);
+    EXPECT_EQ(splitter.commentLines(), 1u);
+    EXPECT_EQ(splitter.bytesSplit(), 13u);
+}
+
+TEST(CsvSplitter, AHeadingIsNoCommentLine)
+{
+    CaseFileLayout layout;
+    layout.isHeadingComment = true;
+    CsvSplitter splitter(piecesOf("%RH,T\n%1\n2,3\n"), layout);
+
+    ASSERT_TRUE(splitter.next());
+    EXPECT_EQ(splitter.cells().front(), "%RH");
+    ASSERT_TRUE(splitter.next());
+    EXPECT_EQ(splitter.line(), 3u);
+}
+
 TEST(CsvSplitter, SplitsAnyTextAlikeWhereverItsBuffersEnd)
 {
     // Characters that matter to a splitter, some rarer than others.
     for (const std::string_view characters :
-         {std::string_view(",;\t \"\r\n\n12.x\0", 14), std::string_view(",, 12\n\n\r"),
+         {std::string_view(",;\t \"\r\n\n12#/.x\0", 16), std::string_view(",, 12\n\n\r"),
           std::string_view("\"\",\n\r 1")}) {
         std::mt19937_64 generator(20261121);
         for (int i = 0; i < 500; ++i) {
@@ -95,7 +139,7 @@ TEST(CsvSplitter, SplitsAnyTextAlikeWhereverItsBuffersEnd)
             for (std::size_t rest = generator() % 60; rest > 0; --rest) {
                 text += characters[generator() % characters.size()];
             }
-            for (const char separator : {',', ';', '\t'}) {
+            for (const char separator : {',', ';', '\t', ' '}) {
                 const std::string expected = split(text, separator);
                 for (const std::size_t bufferSize : {3, 4, 7, 16}) {
                     ASSERT_EQ(split(text, separator, bufferSize), expected) << text << bufferSize;
@@ -108,7 +152,7 @@ TEST(CsvSplitter, SplitsAnyTextAlikeWhereverItsBuffersEnd)
 
 TEST(CsvSplitter, CountsTheBytesOfItsRecords)
 {
-    CsvSplitter splitter(piecesOf("a,b\r\n\n\"c\nd\"\n"), ',', 4);
+    CsvSplitter splitter(piecesOf("a,b\r\n\n\"c\nd\"\n"), layoutWith(','), 4);
 
     EXPECT_TRUE(splitter.next());
     EXPECT_EQ(splitter.bytesSplit(), 5u);
@@ -121,7 +165,7 @@ TEST(CsvSplitter, PassesOnWhatReadingThrows)
     const auto refuse = [](char*, std::size_t) -> std::size_t {
         throw std::runtime_error("refused");
     };
-    CsvSplitter splitter(refuse, ',');
+    CsvSplitter splitter(refuse, layoutWith(','));
 
     EXPECT_THROW(splitter.next(), std::runtime_error);
 }

@@ -46,6 +46,30 @@ TEST(ProjectCases, AreReadAsTheDocumentSays)
     EXPECT_EQ(options.decimalMark, CellValue::Comma);
 }
 
+TEST(ProjectCases, AreReadWithTheChoicesThatTheDocumentKeeps)
+{
+    ProjectDocument project = sampleProject("cases.csv");
+    project.caseFile.reading.heading = false;
+    project.caseFile.reading.skippedLines = 3;
+    project.caseFile.reading.missing = MissingWords("failed,999");
+    project.caseFile.reading.isStrict = true;
+    TemporaryFolder folder;
+    project.caseFile.path = folder.write("cases.csv", "");
+    project.save(folder.path("a.surrogate.xml"));
+    CaseFileReader::Options wanted;
+    wanted.skippedLines = 4;
+
+    const CaseFileReader::Options options =
+        readingOptions(ProjectDocument::load(folder.path("a.surrogate.xml")), wanted);
+
+    EXPECT_EQ(options.heading, false);
+    EXPECT_EQ(options.skippedLines, 4u);
+    EXPECT_EQ(options.missing.text(), "failed,999");
+    EXPECT_TRUE(options.isStrict);
+    EXPECT_FALSE(options.unitsRow);
+    EXPECT_FALSE(options.commentMark);
+}
+
 TEST(ProjectCases, AreReadAsTheOptionsSayFirst)
 {
     CaseFileReader::Options wanted;

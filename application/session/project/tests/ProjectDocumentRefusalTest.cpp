@@ -107,10 +107,10 @@ TEST(ProjectDocumentRefusal, RefusesToSaveWhatItWouldNotLoad)
     EXPECT_EQ(saveRefusalOf(project), "the range of the variable \"y\" is reversed: its lower end "
                                       "2 is above its upper end 1.");
     project = sound;
-    project.caseFile.separator = '|';
+    project.caseFile.separator = ':';
     EXPECT_EQ(saveRefusalOf(project),
               "the attribute \"Separator\" of the element \"CaseFile\" must "
-              "be \"comma\", \"semicolon\" or \"tab\", not \"\".");
+              "be \"comma\", \"semicolon\", \"tab\", \"bar\" or \"blanks\", not \"\".");
     project = sound;
     project.excluded = {20000000};
     EXPECT_EQ(saveRefusalOf(project).substr(0, 33), "the excluded cases \"20000001\" are");

@@ -135,8 +135,18 @@ ProjectDocument anyProject(const TemporaryFolder& folder)
     ProjectDocument project;
     project.caseFile.path = folder.path("温 \"<&>\n\r\xF0\x9F\x98\x80.csv");
     project.caseFile.fingerprint = {*rc::gen::arbitrary<std::uint64_t>(), std::string(64, '7')};
-    project.caseFile.separator = *rc::gen::element(',', ';', '\t');
+    project.caseFile.separator = *rc::gen::element(',', ';', '\t', '|', ' ');
     project.caseFile.hasDecimalComma = *rc::gen::element(true, false);
+    if (*rc::gen::element(true, false)) {
+        ReadingChoices& reading = project.caseFile.reading;
+        reading.encoding = TextEncoding::Windows1252;
+        reading.heading = false;
+        reading.unitsRow = true;
+        reading.skippedLines = 3;
+        reading.commentMark = "";
+        reading.missing = MissingWords("failed,999");
+        reading.isStrict = true;
+    }
     addVariables(project);
     const auto excluded =
         *rc::gen::container<std::set<std::size_t>>(rc::gen::inRange<std::size_t>(0, 40));

@@ -26,8 +26,8 @@ CellValue::Kind kindOf(const std::string& text, bool decimalComma = false)
 TEST(CellValue, MissingCellsAreTheUsualWordsInAnyCase)
 {
     for (const char* text :
-         {"",  "  ", "NA",  "na", "N/A", "n/a",  "NaN",  "nan",  "NAN",  "null",    "NULL",
-          "?", "-",  " - ", "--", ".",   "n.a.", "N.A.", "none", "-nan", "nan(ind)"}) {
+         {"",  "  ", "NA",  "na", "N/A", "n/a",  "NaN",  "nan",  "NAN",  "null",     "NULL",
+          "?", "-",  " - ", "--", ".",   "n.a.", "N.A.", "none", "-nan", "nan(ind)", u8"\u2013"}) {
         EXPECT_EQ(kindOf(text), CellValue::Missing) << '"' << text << '"';
     }
 }
@@ -68,6 +68,63 @@ TEST(CellValue, ALeadingPlusSignIsAccepted)
     EXPECT_EQ(kindOf("+"), CellValue::Text);
 }
 
+TEST(CellValue, NumbersOfOtherProgramsAreRead)
+{
+    EXPECT_EQ(numberOf(u8"\u22125"), -5.0);
+    EXPECT_EQ(numberOf(u8"\u22121,5e\u22123", true), -1.5e-3);
+    EXPECT_EQ(numberOf("1.5D+02"), 150.0);
+    EXPECT_EQ(numberOf("2d-1"), 0.2);
+    EXPECT_EQ(numberOf(u8"\u00A05\u00A0"), 5.0);
+    EXPECT_EQ(numberOf(u8"\uFEFF5"), 5.0);
+}
+
+TEST(CellValue, OtherCharactersBesideDigitsMakeAText)
+{
+    for (const char* text : {u8"12 µm", u8"5\u2212",
+                             "\xF6"
+                             "1",
+                             "1\xFF", u8"1°",
+                             "1\x80"
+                             "2D3"}) {
+        EXPECT_EQ(kindOf(text), CellValue::Text) << text;
+    }
+}
+
+TEST(CellValue, ThousandsAreSeparatedWhereThatIsAllowed)
+{
+    EXPECT_EQ(CellValue::read("1.234,5", true, '.').number, 1234.5);
+    EXPECT_EQ(CellValue::read("1.234", true, '.').number, 1234.0);
+    EXPECT_EQ(CellValue::read("-1,234,567.5", false, ',').number, -1234567.5);
+    EXPECT_EQ(CellValue::read(u8"1\u202F234,5", true, ' ').number, 1234.5);
+    EXPECT_EQ(CellValue::read("1'234.5", false, '\'').number, 1234.5);
+    EXPECT_EQ(CellValue::read("1,23", false, ',').kind, CellValue::Text);
+    EXPECT_EQ(CellValue::read("1.5", true, '.').mark, CellValue::Point);
+}
+
+TEST(CellValue, FindsSeparatorsOfThousandsThatCanMeanNothingElse)
+{
+    const auto found = [](const char* text) {
+        CellValue::DecimalMark mark = CellValue::NoMark;
+        return CellValue::thousandsSeparator(text, mark);
+    };
+
+    EXPECT_EQ(found("1,234.5"), ',');
+    EXPECT_EQ(found("1,234,567"), ',');
+    EXPECT_EQ(found("1.234,5"), '.');
+    EXPECT_EQ(found("1 234"), ' ');
+    EXPECT_EQ(found("1'234"), '\'');
+    for (const char* text : {"1,234", "1.234", "1,23,456", "1234,567.8", "a 123", "12", ""}) {
+        EXPECT_EQ(found(text), '\0') << text;
+    }
+}
+
+TEST(CellValue, KnowsErrorsOfSpreadsheetsByTheirBeginning)
+{
+    EXPECT_TRUE(CellValue::beginsWithError("#N/A,1"));
+    EXPECT_TRUE(CellValue::beginsWithError("#div/0!"));
+    EXPECT_FALSE(CellValue::beginsWithError("# comment"));
+}
+
 TEST(CellValue, BlanksAtTheEndsDoNotMatter)
 {
     EXPECT_EQ(numberOf("  5\t"), 5.0);
@@ -75,9 +132,8 @@ TEST(CellValue, BlanksAtTheEndsDoNotMatter)
 
 TEST(CellValue, WhatIsNoNumberAsAWholeIsText)
 {
-    const char* const typographicMinus = u8"\u22125";
     for (const char* text : {"abc", "5 mm", "5x", "0x10", "1e", "1e1.5", "1,5", "1_000", "1 000",
-                             "2026-11-21", "5-", typographicMinus, "e5"}) {
+                             "2026-11-21", "5-", "e5", "5d", "d5", u8"5\u2212"}) {
         EXPECT_EQ(kindOf(text), CellValue::Text) << '"' << text << '"';
     }
 }

@@ -1,0 +1,98 @@
+#include "session/cases/CaseFileLayout.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+std::string joinedBy(const std::vector<std::string>& parts, const std::string& last)
+{
+    std::string text;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == parts.size() ? last : ", ") + parts[i];
+    }
+    return text;
+}
+
+std::string counted(std::size_t count, const std::string& noun)
+{
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+std::string shownThousands(char separator)
+{
+    return separator == ' ' ? "blanks" : std::string("\"") + separator + '"';
+}
+} // namespace
+
+std::string CaseFileLayout::text() const
+{
+    std::vector<std::string> form;
+    if (separator != ',') {
+        form.push_back(separator == blanks ? "columns separated by blanks"
+                       : separator == '|'  ? "vertical bars"
+                                           : separatorWord(separator) + 's');
+    }
+    if (hasDecimalComma) {
+        form.emplace_back("decimal commas");
+    }
+    if (thousandsSeparator != '\0') {
+        form.push_back("thousands separated by " + shownThousands(thousandsSeparator));
+    }
+    if (encoding != TextEncoding::Utf8) {
+        form.push_back(encoding == TextEncoding::Windows1252 ? "Windows-1252 text" : "UTF-16 text");
+    }
+    if (!hasHeading) {
+        form.emplace_back("no heading (the columns are called C1, C2, ...)");
+    }
+    if (isHeadingComment) {
+        form.emplace_back("the heading from a comment line");
+    }
+    if (hasRowNames) {
+        form.emplace_back("a first column of row names without a heading");
+    }
+    if (!units.empty() && !hasUnitsRow) {
+        form.emplace_back("the units from a comment line");
+    }
+
+    std::vector<std::string> skipped;
+    if (titleLines > 0) {
+        skipped.push_back(counted(titleLines, "title line"));
+    }
+    if (commentLines > 0) {
+        skipped.push_back(counted(commentLines, "comment line"));
+    }
+    if (hasUnitsRow) {
+        skipped.emplace_back("a units row");
+    }
+    std::vector<std::string> parts;
+    if (!form.empty()) {
+        parts.push_back(joinedBy(form, ", "));
+    }
+    if (!skipped.empty()) {
+        parts.push_back(joinedBy(skipped, " and ") + " skipped");
+    }
+    return joinedBy(parts, "; ");
+}
+
+std::string separatorWord(char separator)
+{
+    switch (separator) {
+    case ',':
+        return "comma";
+    case ';':
+        return "semicolon";
+    case '\t':
+        return "tab";
+    case '|':
+        return "bar";
+    default:
+        return "blanks";
+    }
+}
+
+std::string encodingWord(TextEncoding encoding)
+{
+    return encoding == TextEncoding::Utf8          ? "utf-8"
+           : encoding == TextEncoding::Windows1252 ? "windows-1252"
+                                                   : "utf-16";
+}

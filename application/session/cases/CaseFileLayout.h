@@ -1,0 +1,50 @@
+#pragma once
+
+#include <session/files/TextEncoding.h>
+
+#include <surrogate_session/Export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** How the text of a case file is to be read: recognised, or as the user says. */
+struct SURROGATE_SESSION_EXPORT CaseFileLayout
+{
+    /** The separator of cells between which there are blanks and tabs, as many as there may be. */
+    static constexpr char blanks = ' ';
+
+    TextEncoding encoding = TextEncoding::Utf8;
+    char separator = ','; ///< comma, semicolon, tab, '|' or `blanks`
+    /** Whether numbers have one; never where the separator is a comma. */
+    bool hasDecimalComma = false;
+    char thousandsSeparator = '\0'; ///< as CellValue::read() takes it
+
+    /** What lines begin with that are no part of the table. */
+    std::vector<std::string> commentMarks = {"#", "//", "%"};
+    std::size_t commentLines = 0; ///< of the whole file
+
+    std::size_t titleLines = 0; ///< above the heading, those that hold something
+    std::size_t tableBegin = 0; ///< where heading or first case begin, in bytes of the UTF-8 text
+    std::size_t tableLine = 1;  ///< the line of that, from 1
+
+    bool hasHeading = true;
+    bool isHeadingComment = false;  ///< whether the heading stands behind a comment mark
+    bool hasUnitsRow = false;       ///< whether the record below the heading holds the units
+    std::vector<std::string> units; ///< one per column, without brackets, or none at all
+    bool hasRowNames = false;       ///< whether a column without a heading comes first
+    /** How many columns there are; 0: as many as the heading names. */
+    std::size_t columns = 0;
+
+    /**
+     * What is not as in a plain table (commas, decimal points, UTF-8, the heading first), in words:
+     * "semicolons, decimal commas; 2 comment lines and a units row skipped". Empty for a plain one.
+     */
+    std::string text() const;
+};
+
+/** "comma", "semicolon", "tab", "bar", "blanks". */
+SURROGATE_SESSION_EXPORT std::string separatorWord(char separator);
+
+/** "utf-8", "windows-1252", "utf-16". */
+SURROGATE_SESSION_EXPORT std::string encodingWord(TextEncoding encoding);

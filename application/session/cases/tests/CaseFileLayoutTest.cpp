@@ -1,0 +1,46 @@
+#include <session/cases/CaseFileLayout.h>
+
+#include <gtest/gtest.h>
+
+TEST(CaseFileLayout, IsDescribedAsFarAsItIsNotPlain)
+{
+    CaseFileLayout layout;
+    EXPECT_EQ(layout.text(), "");
+
+    layout.separator = ';';
+    layout.hasDecimalComma = true;
+    layout.commentLines = 2;
+    layout.hasUnitsRow = true;
+    EXPECT_EQ(layout.text(), "semicolons, decimal commas; 2 comment lines and a units row skipped");
+}
+
+TEST(CaseFileLayout, DescribesEveryPart)
+{
+    CaseFileLayout layout;
+    layout.separator = CaseFileLayout::blanks;
+    layout.thousandsSeparator = ',';
+    layout.encoding = TextEncoding::Utf16Little;
+    layout.hasHeading = false;
+    layout.titleLines = 1;
+    EXPECT_EQ(layout.text(), "columns separated by blanks, thousands separated by \",\", UTF-16 "
+                             "text, no heading (the columns are called C1, C2, ...); 1 title line "
+                             "skipped");
+
+    layout = CaseFileLayout();
+    layout.separator = '|';
+    layout.isHeadingComment = true;
+    layout.hasRowNames = true;
+    layout.units = {"mm"};
+    EXPECT_EQ(layout.text(),
+              "vertical bars, the heading from a comment line, a first column of row "
+              "names without a heading, the units from a comment line");
+}
+
+TEST(CaseFileLayout, HasWordsForItsParts)
+{
+    EXPECT_EQ(separatorWord('\t'), "tab");
+    EXPECT_EQ(separatorWord('|'), "bar");
+    EXPECT_EQ(separatorWord(CaseFileLayout::blanks), "blanks");
+    EXPECT_EQ(encodingWord(TextEncoding::Windows1252), "windows-1252");
+    EXPECT_EQ(encodingWord(TextEncoding::Utf16Big), "utf-16");
+}

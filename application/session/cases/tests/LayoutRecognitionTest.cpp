@@ -1,0 +1,163 @@
+#include <session/cases/LayoutRecognition.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+CaseFileLayout layoutOf(std::string_view sample, const ReadingChoices& choices = {})
+{
+    return recogniseLayout(sample, true, choices);
+}
+
+char separatorOf(std::string_view sample)
+{
+    return layoutOf(sample).separator;
+}
+
+/** What stands before the table, what its first record is, how many columns there are. */
+std::string partsOf(std::string_view sample, const ReadingChoices& choices = {})
+{
+    const CaseFileLayout layout = layoutOf(sample, choices);
+    std::string text = "line " + std::to_string(layout.tableLine) + ", " +
+                       std::to_string(layout.columns) + " columns";
+    text += layout.hasHeading ? "" : ", no heading";
+    text += layout.isHeadingComment ? ", heading in comment" : "";
+    text += layout.hasUnitsRow ? ", units row" : "";
+    text += layout.hasRowNames ? ", row names" : "";
+    text += layout.titleLines > 0 ? ", " + std::to_string(layout.titleLines) + " titles" : "";
+    return text;
+}
+} // namespace
+
+TEST(LayoutRecognition, SeparatorsAreCommasSemicolonsTabsBarsAndBlanks)
+{
+    EXPECT_EQ(separatorOf("a,b\n1,2\n"), ',');
+    EXPECT_EQ(separatorOf("a;b\n1;2\n"), ';');
+    EXPECT_EQ(separatorOf("a\tb\n1\t2\n"), '\t');
+    EXPECT_EQ(separatorOf("a|b\n1|2\n"), '|');
+    EXPECT_EQ(separatorOf(" a  b\n 1  2\n"), ' ');
+    EXPECT_EQ(separatorOf("one\n1\n"), ',');
+}
+
+TEST(LayoutRecognition, TheSeparatorIsNotInsideANameOrANumber)
+{
+    EXPECT_EQ(separatorOf("Temp; inner,Stress\n1,2\n3,4\n"), ',');
+    EXPECT_EQ(separatorOf("\"a;b;c\",d\n1,2\n"), ',');
+    EXPECT_EQ(separatorOf("p, q\tr\n1\t2\n"), '\t');
+    EXPECT_EQ(separatorOf("x;y\n1,5;2,5\n3,5;4\n"), ';');
+    EXPECT_EQ(separatorOf("1,5;2,5\n3,5;4,5\n"), ';');
+    EXPECT_EQ(separatorOf("x y\n1,5 2,5\n3,5 4,5\n"), ' ');
+    EXPECT_EQ(separatorOf("x, y, z\n1, 2, 3\n4, 5, 6\n"), ',');
+    EXPECT_EQ(separatorOf("duration,y\n7, .1\n9, .2\n"), ',');
+    EXPECT_EQ(separatorOf("date,y\n2020-01-01 10:00,1.5\n2020-01-01 11:00,2.5\n"), ',');
+    EXPECT_EQ(separatorOf("x;y\n1 234,5;2 345,6\n3 456,7;1 000,1\n"), ';');
+    EXPECT_EQ(separatorOf("x,y\n5 mm,3 mm\n6 mm,4 mm\n"), ',');
+}
+
+TEST(LayoutRecognition, TheSeparatorIsThatOfMostRecords)
+{
+    EXPECT_EQ(separatorOf("a,b,c\n1,2,3\n4,5\n6,7,8\n"), ',');
+    EXPECT_EQ(separatorOf("a,b;c\n1;2\n3;4\n"), ';');
+}
+
+TEST(LayoutRecognition, ARecordThatTheSampleCutsDoesNotCount)
+{
+    EXPECT_EQ(recogniseLayout("a,b;c\n1,2;3\n4,5\n6,", false, {}).separator, ',');
+}
+
+TEST(LayoutRecognition, RepeatedTabsAreOneSeparatorWhereAColumnWouldBeEmpty)
+{
+    EXPECT_EQ(separatorOf("a\t\tb\n1\t\t2\n"), ' ');
+    EXPECT_EQ(separatorOf("a\tb\tc\n1\t\t2\n"), '\t');
+}
+
+TEST(LayoutRecognition, AFirstLineCanDeclareTheSeparator)
+{
+    EXPECT_EQ(separatorOf("sep=;\na;b,c\n1;2\n"), ';');
+    EXPECT_EQ(partsOf("\xEF\xBB\xBF\"sep=,\"\r\na,b\r\n1,2\r\n"), "line 2, 2 columns");
+}
+
+TEST(LayoutRecognition, TitlesStandAboveTheHeading)
+{
+    EXPECT_EQ(partsOf("Rig 7\nx,y\n1,2\n3,4\n"), "line 2, 2 columns, 1 titles");
+    EXPECT_EQ(partsOf("Rig 7,,\n,,\nx,y,z\n1,2,3\n3,4,5\n"), "line 3, 3 columns, 1 titles");
+    EXPECT_EQ(partsOf("Inputs,,Output\nx,y,z\n1,2,3\n"), "line 2, 3 columns, 1 titles");
+    EXPECT_EQ(partsOf("506,13,,,\na,b,c,d,e\n1,2,3,4,5\n3,4,5,6,7\n"),
+              "line 2, 5 columns, 1 titles");
+    EXPECT_EQ(partsOf("A text\n\"with a quote\nData: y  x\n 1 2\n 3 4\n 5 6\n 7 8\n"),
+              "line 3, 2 columns, 1 titles");
+    EXPECT_EQ(partsOf("Operator,Smith\nRun,7\n\nx,y\n1,2\n3,4\n5,6\n"),
+              "line 3, 2 columns, 2 titles");
+    EXPECT_EQ(partsOf("Stress, strain, and load\nx,y\n1,2\n3,4\n"), "line 2, 2 columns, 1 titles");
+}
+
+TEST(LayoutRecognition, CasesWithoutANumberAreNoHeading)
+{
+    EXPECT_EQ(partsOf("x,y\nfailed,late\n1,2\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("x,y\n1,2\nfailed,late\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("1,2\n\nfailed,late\n3,4\n5,6\n"), "line 1, 2 columns, no heading");
+}
+
+TEST(LayoutRecognition, UnitsStandBelowTheHeading)
+{
+    EXPECT_EQ(partsOf("p,y\nMPa,mm\n1,2\n3,4\n"), "line 1, 2 columns, units row");
+    EXPECT_EQ(layoutOf("p,y\n[MPa],-\n1,2\n3,4\n").units, (std::vector<std::string>{"MPa", ""}));
+    EXPECT_EQ(partsOf("p,y\nfailed,failed\n1,2\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("p,sex\n1,m\n2,m\n"), "line 1, 2 columns");
+}
+
+TEST(LayoutRecognition, AFirstRowOfNumbersIsNoHeading)
+{
+    EXPECT_EQ(partsOf("1,2\n3,4\n"), "line 1, 2 columns, no heading");
+    EXPECT_EQ(partsOf("1,2,NaN\n3,4,5\n"), "line 1, 3 columns, no heading");
+    EXPECT_EQ(partsOf("x,2010\n3,4\n"), "line 1, 2 columns");
+}
+
+TEST(LayoutRecognition, ACommentLineAboveTheTableCanBeTheHeading)
+{
+    EXPECT_EQ(partsOf("# run 7\n# x, y\n1,2\n3,4\n"), "line 2, 2 columns, heading in comment");
+    EXPECT_EQ(layoutOf("# x, y\n1,2\n3,4\n").tableBegin, 1u);
+    EXPECT_EQ(layoutOf("%RH, y\n1,2\n3,4\n").tableBegin, 0u);
+    EXPECT_EQ(partsOf("# a sentence\n1\n2\n"), "line 1, 1 columns, no heading");
+    EXPECT_EQ(partsOf("# x, y\np,q\n1,2\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(layoutOf("# x y\n# mm MPa\n1 2\n3 4\n").units,
+              (std::vector<std::string>{"mm", "MPa"}));
+}
+
+TEST(LayoutRecognition, MarksInMostRowsAreNoComments)
+{
+    EXPECT_TRUE(layoutOf("id,x\n#1,2\n#2,3\n#3,4\n").commentMarks.empty());
+    EXPECT_FALSE(layoutOf("id,x\n1,2\n#2,3\n3,4\n").commentMarks.empty());
+}
+
+TEST(LayoutRecognition, RowNamesComeWithoutAHeading)
+{
+    EXPECT_EQ(partsOf("x y\na 1 2\nb 3 4\n"), "line 1, 3 columns, row names");
+    EXPECT_EQ(partsOf("\"x\" \"y\"\n\"1\" 1 2\n\"2\" 3 4\n"), "line 1, 3 columns, row names");
+    EXPECT_EQ(partsOf("x y\n1962.25 1 2\n1962.5 3 4\n"), "line 1, 3 columns, row names");
+    EXPECT_EQ(partsOf("x,y\n1,5,2\n3,5,4\n"), "line 1, 3 columns");
+}
+
+TEST(LayoutRecognition, TheUserDecides)
+{
+    ReadingChoices choices;
+    choices.heading = true;
+    EXPECT_EQ(partsOf("2010,2011\n3,4\n", choices), "line 1, 2 columns");
+    choices.heading = false;
+    EXPECT_EQ(partsOf("north,1\nsouth,2\n", choices), "line 1, 2 columns, no heading");
+    EXPECT_EQ(partsOf("some text\n1,2\n3,4\n", choices), "line 2, 2 columns, no heading, 1 titles");
+    choices.heading.reset();
+    choices.unitsRow = false;
+    EXPECT_EQ(partsOf("p,y\nMPa,mm\n1,2\n3,4\n", choices), "line 1, 2 columns");
+    choices.unitsRow = true;
+    EXPECT_EQ(partsOf("p,y\nveh,USD\n1,2\n3,4\n", choices), "line 1, 2 columns, units row");
+    choices.unitsRow.reset();
+    choices.skippedLines = 2;
+    EXPECT_EQ(partsOf("a,b\n1,2\nx,y\n3,4\n", choices), "line 3, 2 columns, 2 titles");
+    choices.skippedLines.reset();
+    choices.commentMark = "!";
+    EXPECT_EQ(partsOf("! a\nx,y\n3,4\n", choices), "line 1, 2 columns");
+    EXPECT_EQ(layoutOf("x,y\n3,4\n", choices).commentMarks, std::vector<std::string>{"!"});
+}

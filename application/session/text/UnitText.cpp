@@ -1,0 +1,97 @@
+#include "session/text/UnitText.h"
+
+#include "session/text/TrimmedText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace {
+constexpr std::size_t longestUnit = 20;
+
+/** Those that take prefixes. */
+constexpr std::array<std::string_view, 31> units = {
+    "m",  "g", "s", "A",  "K",  "mol", "cd", "Hz", "N",   "Pa",  "J",  "W",   "C",   "V",  "F", "S",
+    "Wb", "T", "H", "lm", "lx", "l",   "L",  "eV", "bar", "rad", "Nm", "ohm", u8"Ω", "Wh", "Ah"};
+
+/** Those that do not. */
+constexpr std::array<std::string_view, 47> whole = {
+    u8"°C", u8"°F", u8"°", "%",   "degC", "degF", "deg",  "min",  "h",       "hr",  "d",  "in",
+    "ft",   "lb",   "lbs", "lbf", "psi",  "ksi",  "rpm",  "rev",  "ppm",     "ppb", "dB", "sec",
+    "hp",   "PS",   "mph", "t",   "sr",   "ha",   "inch", "mile", "gal",     "BTU", "HV", "atm",
+    "Torr", "mmHg", "HRC", "kgf", "kip",  "year", "Watt", "Volt", "seconds", "a",   "Nmm"};
+
+constexpr std::array<std::string_view, 19> prefixes = {"T", "G", "M", "k", "h",   "da",  "d",
+                                                       "c", "m", "u", "n", u8"µ", u8"μ", "p",
+                                                       "f", "P", "E", "y", "z"};
+
+bool isUnit(std::string_view name)
+{
+    const auto isAmong = [](const auto& known, std::string_view text) {
+        return std::find(known.begin(), known.end(), text) != known.end();
+    };
+    return isAmong(whole, name) || isAmong(units, name) ||
+           std::any_of(prefixes.begin(), prefixes.end(), [&](std::string_view prefix) {
+               return name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
+                      isAmong(units, name.substr(prefix.size()));
+           });
+}
+
+/** Beside names: digits and signs of powers, products, quotients, brackets, superscripts. */
+bool isBetweenUnits(std::string_view text, std::size_t position, std::size_t& length)
+{
+    for (const std::string_view sign :
+         {std::string_view(u8"²"), std::string_view(u8"³"), std::string_view(u8"¹"),
+          std::string_view(u8"⁻"), std::string_view(u8"·"), std::string_view(u8"⋅")}) {
+        if (text.substr(position, sign.size()) == sign) {
+            length = sign.size();
+            return true;
+        }
+    }
+    length = 1;
+    return std::string_view("0123456789*/^.-() ").find(text[position]) != std::string_view::npos;
+}
+
+bool hasBrackets(std::string_view text)
+{
+    return text.size() > 2 &&
+           ((text.front() == '[' && text.back() == ']') ||
+            (text.front() == '(' && text.back() == ')' && text.find(')') == text.size() - 1) ||
+            (text.front() == '<' && text.back() == '>'));
+}
+} // namespace
+
+bool isUnitText(std::string_view text)
+{
+    text = trimmedText(text);
+    if (text.empty() || text.size() > longestUnit) {
+        return false;
+    }
+    if (hasBrackets(text)) {
+        return true;
+    }
+    bool hasUnit = false;
+    for (std::size_t position = 0; position < text.size();) {
+        std::size_t length = 0;
+        if (isBetweenUnits(text, position, length)) {
+            position += length;
+            continue;
+        }
+        std::size_t end = position;
+        while (end < text.size() && !isBetweenUnits(text, end, length)) {
+            ++end;
+        }
+        if (!isUnit(text.substr(position, end - position))) {
+            return false;
+        }
+        hasUnit = true;
+        position = end;
+    }
+    return hasUnit;
+}
+
+std::string unitWithoutBrackets(std::string_view text)
+{
+    text = trimmedText(text);
+    return std::string(hasBrackets(text) ? trimmedText(text.substr(1, text.size() - 2)) : text);
+}
