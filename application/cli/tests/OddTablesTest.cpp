@@ -1,0 +1,391 @@
+#include "Program.h"
+
+#include <plot/drawing/DrawingApplication.h>
+
+#include "../../session/tests/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+using Strings = std::vector<std::string>;
+
+/** The cells of twelve cases: x and z on a grid, y nearly a plane over it. */
+std::vector<Strings> cases()
+{
+    const char* const noise[] = {"0", "5", "2", "8", "3", "1", "7", "4", "9", "6", "2", "5"};
+    std::vector<Strings> rows;
+    for (int i = 0; i < 12; ++i) {
+        const int x = i % 4;
+        const int z = i / 4;
+        rows.push_back({std::to_string(x) + ".5", std::to_string(z) + ".25",
+                        std::to_string(10 + 2 * x - z) + '.' + noise[i]});
+    }
+    return rows;
+}
+
+std::string replaced(std::string text, const std::string& what, const std::string& by)
+{
+    for (std::size_t at = text.find(what); at != std::string::npos;
+         at = text.find(what, at + by.size())) {
+        text.replace(at, what.size(), by);
+    }
+    return text;
+}
+
+std::string line(const Strings& cells, const std::string& separator)
+{
+    std::string text;
+    for (const std::string& cell : cells) {
+        text += (&cell == &cells.front() ? "" : separator) + cell;
+    }
+    return text;
+}
+
+/** The cases alone. @param change is given each row and its number. */
+std::string rows(const std::string& separator = ",", const std::string& decimal = ".",
+                 const std::function<void(Strings&, int)>& change = {})
+{
+    std::string text;
+    int number = 0;
+    for (Strings& row : cases()) {
+        for (std::string& cell : row) {
+            cell = replaced(cell, ".", decimal);
+        }
+        if (change) {
+            change(row, number);
+        }
+        ++number;
+        text += line(row, separator) + '\n';
+    }
+    return text;
+}
+
+std::string table(const std::string& separator = ",", const std::string& decimal = ".",
+                  const std::function<void(Strings&, int)>& change = {})
+{
+    return line({"x", "z", "y"}, separator) + '\n' + rows(separator, decimal, change);
+}
+
+/** The plain table with another text in the cells of y in some rows. */
+std::string tableWith(const std::string& cell, int every = 5)
+{
+    return table(",", ".",
+                 [&](Strings& row, int number) { row[2] = number % every == 2 ? cell : row[2]; });
+}
+
+/** Each case with a cell before the others. */
+std::string rowsAfter(const std::function<std::string(int)>& first,
+                      const std::string& separator = ",")
+{
+    return rows(separator, ".",
+                [&](Strings& row, int number) { row.insert(row.begin(), first(number)); });
+}
+
+std::string utf16(const std::string& text, bool isBig)
+{
+    std::string bytes;
+    for (const char character : text) {
+        bytes += isBig ? std::string{'\0', character} : std::string{character, '\0'};
+    }
+    return bytes;
+}
+
+enum Outcome
+{
+    Done,
+    SummaryOnly, ///< the table is read, and no model can be made of it
+    NoTable
+};
+
+struct OddTable
+{
+    const char* name;
+    std::string content;
+    /** What the command says: how the table was read, or why nothing was done. */
+    std::string sentence;
+    Outcome outcome = Done;
+    std::string output = "y";
+    Strings options = {};
+    int exitCode = 3; ///< where the outcome is not Done
+};
+
+const std::string sentenceOfShape = "; correct it, or begin it with # to leave it out.";
+
+const std::vector<OddTable>& oddTables()
+{
+    static const std::vector<OddTable> tables = {
+        {"Plain", table(), ""},
+        {"Semicolons", table(";"), "Read as: semicolons\n"},
+        {"SemicolonsAndDecimalCommas", table(";", ","), "Read as: semicolons, decimal commas\n"},
+        {"Tabs", table("\t"), "Read as: tabs\n"},
+        {"TabsAndDecimalCommas", table("\t", ","), "Read as: tabs, decimal commas\n"},
+        {"RepeatedTabs", table("\t\t"), "Read as: columns separated by blanks\n"},
+        {"VerticalBars", table("|"), "Read as: vertical bars\n"},
+        {"Blanks", table(" "), "Read as: columns separated by blanks\n"},
+        {"AlignedColumns", "   x     z      y\n" + replaced("  " + rows("   "), "\n", "\n  "),
+         "Read as: columns separated by blanks\n"},
+        {"BlanksAndDecimalCommas", table(" ", ","),
+         "Read as: columns separated by blanks, decimal commas\n"},
+        {"BlanksAroundCells", table(" , "), ""},
+        {"SeparatorDeclared", "sep=;\n" + table(";"), "Read as: semicolons\n"},
+        {"SeparatorDeclaredInQuotes", "\"sep=,\"\n" + table(), ""},
+        {"LinesEndWithCrLf", replaced(table(), "\n", "\r\n"), ""},
+        {"LinesEndWithCr", replaced(table(), "\n", "\r"), ""},
+        {"LastLineWithoutAnEnd", table() + "1.5,1.5,12", ""},
+        {"ByteOrderMark", "\xEF\xBB\xBF" + table(), ""},
+        {"ByteOrderMarkInTheMiddle", table() + "\xEF\xBB\xBF" + rows(), ""},
+        {"Latin1", replaced(table(), "x,", "\xD6l,"), "Read as: Windows-1252 text\n"},
+        {"Windows1252InTheLastRow",
+         replaced(table(), "\n", ",s\n") + "1.5,1.5,12,K\xF6ln \x96 S\xFC"
+                                           "d\n",
+         "Read as: Windows-1252 text\n"},
+        {"Utf16", "\xFF\xFE" + utf16(table(), false), "Read as: UTF-16 text\n"},
+        {"Utf16BigEndian", "\xFE\xFF" + utf16(table(), true), "Read as: UTF-16 text\n"},
+        {"Utf16WithoutAMark", utf16(table(), false), "Read as: UTF-16 text\n"},
+        {"CommentsAbove", "# rig 7\n# warm\n" + table(), "Read as: 2 comment lines skipped\n"},
+        {"CommentsBetween", table() + "# pause\n" + rows(), "Read as: 1 comment line skipped\n"},
+        {"CommentsWithSlashes", "// rig 7\n" + table(), "Read as: 1 comment line skipped\n"},
+        {"CommentsWithPercentSigns", "% rig 7\n" + table(), "Read as: 1 comment line skipped\n"},
+        {"CaseCommentedOut", table() + "#1.5,2.5,-99\n", "Read as: 1 comment line skipped\n"},
+        {"HeadingInAComment", "# " + table(), "Read as: the heading from a comment line\n"},
+        {"HeadingInACommentOfBlanks", "# rig 7\n# " + table(" "),
+         "Read as: columns separated by blanks, the heading from a comment line; 1 comment line "
+         "skipped\n"},
+        {"PercentSignInAName", "%RH,x,y\n" + rows(), "Read as: the heading from a comment line\n"},
+        {"TitleLine", "Stress of rig 7\n" + table(), "Read as: 1 title line skipped\n"},
+        {"TitlesAndAnEmptyLine", "Rig 7\nOperator: Smith\n\n" + table(),
+         "Read as: 2 title lines skipped\n"},
+        {"TitlesPaddedWithSeparators", "Rig 7,,\n,,\n" + table(),
+         "Read as: 1 title line skipped\n"},
+        {"TitlesWithValues", "Operator,Smith,\nRun,7,\n\n" + table(),
+         "Read as: 2 title lines skipped\n"},
+        {"GroupsAboveTheHeading", "Inputs,,Output\n" + table(), "Read as: 1 title line skipped\n"},
+        {"UnitsRow", "x,z,y\nmm,kN,MPa\n" + rows(), "Read as: a units row skipped\n"},
+        {"UnitsRowInBrackets", "x;z;y\n[mm];[-];[MPa]\n" + rows(";", ","),
+         "Read as: semicolons, decimal commas; a units row skipped\n"},
+        {"NoHeading", rows(), "Read as: no heading (the columns are called C1, C2, ...)\n", Done,
+         "C3"},
+        {"NoHeadingAndBlanks", rows("  "),
+         "Read as: columns separated by blanks, no heading (the columns are called C1, C2, ...)\n",
+         Done, "C3"},
+        {"NumbersAsNames", "2010,2011,2012\n" + rows(), "", Done, "2012", {"--heading"}},
+        {"EmptyLines", "\n\n" + replaced(table(), "\n", "\n\n"), ""},
+        {"SeparatorAtTheEndOfLines", replaced(table(), "\n", ",\n"), ""},
+        {"SeparatorAtTheEndOfRows", "x,z,y\n" + replaced(rows(), "\n", ",\n"), ""},
+        {"EmptyColumnsAtTheEnd", replaced(table(), "\n", ",,,\n"), ""},
+        {"EmptyRowsAtTheEnd", table() + ",,\n,,\n", ""},
+        {"EmptyRowInTheMiddle", table() + ",,\n" + rows(), ""},
+        {"RowNamesThatCount",
+         "\"x\" \"z\" \"y\"\n" +
+             rowsAfter([](int i) { return '"' + std::to_string(i + 1) + '"'; }, " "),
+         "Read as: columns separated by blanks, a first column of row names without a heading\n"},
+        {"RowNamesOfText",
+         table().substr(0, 6) + rowsAfter([](int i) { return "case " + std::to_string(i); }),
+         "Read as: a first column of row names without a heading\n"},
+        {"IndexWithoutAName", ",x,z,y\n" + rowsAfter([](int i) { return std::to_string(i); }), ""},
+        {"QuotedCells",
+         '"' + replaced(replaced(table() + "1.5,1.5,12", ",", "\",\""), "\n", "\"\n\"") + '"', ""},
+        {"LineBreakInAHeading", replaced(table(), "x,", "\"x\n(mm)\","), ""},
+        {"LineBreakInACell", "note,x,z,y\n" + rowsAfter([](int) { return "\"two\nlines\""; }), ""},
+        {"SeparatorsInNames", replaced(table(), "x,", "\"x, inner; left\","), ""},
+        {"FailedCells", tableWith("failed"),
+         "y: 2 cells are no numbers (\"failed\", first in line 4)"},
+        {"FailedCellsNamedMissing", tableWith("failed"), "", Done, "y", {"--missing", "failed"}},
+        {"NumbersThatMeanMissing", tableWith("-999"), "", Done, "y", {"--missing", "-999.0"}},
+        {"MissingCells", tableWith("n.a."), ""},
+        {"ErrorsOfSpreadsheets", tableWith("#DIV/0!"), ""},
+        {"ErrorInTheFirstCell", table() + "#N/A,1.5,12\n", ""},
+        {"ThousandsWithCommas", replaced(table(";"), "\n2.5;", "\n1,002.5;"),
+         "Read as: semicolons, thousands separated by \",\"\n"},
+        {"ThousandsWithPoints", replaced(table(";", ","), "\n2,5;", "\n1.002,5;"),
+         "Read as: semicolons, decimal commas, thousands separated by \".\"\n"},
+        {"ThousandsWithBlanks", replaced(table(";", ","), "\n2,5;", "\n1 002,5;"),
+         "Read as: semicolons, decimal commas, thousands separated by blanks\n"},
+        {"MinusSignOfTypesetting",
+         tableWith("\xE2\x88\x92"
+                   "3.5"),
+         ""},
+        {"ExponentsOfFortran", replaced(table(), ".5,", ".5D+00,"), ""},
+        {"InfiniteNumbers", tableWith("inf"), ""},
+        {"PercentSigns", "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i) + '%'; }),
+         ""},
+        {"UnitsInCells", "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i) + " mm"; }),
+         ""},
+        {"TextColumn", "site,x,z,y\n" + rowsAfter([](int i) { return i < 6 ? "north" : "south"; }),
+         ""},
+        {"Dates",
+         "day,x,z,y\n" + rowsAfter([](int i) { return "2026-11-" + std::to_string(10 + i); }), ""},
+        {"NumbersBehindHashes",
+         "id,x,z,y\n" + rowsAfter([](int i) { return '#' + std::to_string(i); }), ""},
+        {"ConstantColumn", "c,x,z,y\n" + rowsAfter([](int) { return "7"; }), ""},
+
+        {"HeadingAlone", "x,z,y\n", "", SummaryOnly, "y", {}, 1},
+        {"NoOutputCell",
+         table(",", ".", [](Strings& row, int) { row[2].clear(); }),
+         "",
+         SummaryOnly,
+         "y",
+         {},
+         1},
+        {"OutputOfTexts",
+         table(",", ".", [](Strings& row, int) { row[2] = "soft"; }),
+         "surrogate: \"y\" cannot be an output, it is a text column",
+         SummaryOnly,
+         "y",
+         {},
+         2},
+        {"UnknownOutput",
+         table(),
+         "surrogate: There is no variable \"Y2\"",
+         SummaryOnly,
+         "Y2",
+         {},
+         2},
+        {"OneColumn", "y\n1\n2\n3\n", "", SummaryOnly, "y", {}, 2},
+
+        {"Empty", "", "line 1: the file is empty; its first line must name the variables.",
+         NoTable},
+        {"EmptyLinesAlone", "\n \n\t\n", "line 1: the file is empty", NoTable},
+        {"CommentsAlone", "# a\n# b\n", "line 1: the file has comment lines only", NoTable},
+        {"Workbook", std::string("PK\x03\x04\x14\0\0", 7),
+         "is a workbook of a spreadsheet program or another packed file", NoTable},
+        {"OldWorkbook", "\xD0\xCF\x11\xE0\xA1\xB1",
+         "is a workbook of a spreadsheet program or another packed file", NoTable},
+        {"Parquet", "PAR1\x15", "is a Parquet file", NoTable},
+        {"Compressed", "\x1F\x8B\x08", "is compressed; unpack it with gunzip.", NoTable},
+        {"XmlDocument", "<?xml version=\"1.0\"?>\n<a/>\n", "is an XML document", NoTable},
+        {"NulByte", table() + std::string("1,\0,3\n", 6), "line 14: a cell holds a NUL byte",
+         NoTable},
+        {"UnclosedQuote", table() + "1,\"2,3\n4,5,6\n", "line 14: a quoted cell", NoTable},
+        {"RepeatedNames", "x,x,y\n" + rows(), "line 1: columns 1 and 2 are both named \"x\"",
+         NoTable},
+        {"ShortRow", table() + "1.5,2\n",
+         "line 14: the row has 2 cells, the heading has 3" + sentenceOfShape, NoTable},
+        {"LongRow", table() + "1.5,2,3,4\n",
+         "line 14: the row has 4 cells, the heading has 3" + sentenceOfShape, NoTable},
+        {"LineBelowTheTable", table() + "Total: 12 runs\n",
+         "line 14: the row has 1 cell, the heading has 3" + sentenceOfShape, NoTable},
+        {"DecimalCommasBetweenCommas", table(",", ","),
+         "line 2: the row has 6 cells, the heading has 3; if the table begins further down",
+         NoTable},
+        {"BothDecimalMarks", table(";") + "1,5;2;3\n",
+         "line 14: column \"x\" has a number with a decimal comma", NoTable},
+        {"FailedCellsRefused",
+         tableWith("failed"),
+         "line 4: column \"y\" holds \"failed\", which is no number",
+         NoTable,
+         "y",
+         {"--strict"}},
+    };
+    return tables;
+}
+
+/** Takes what is written to the standard error, while it lives. */
+class CapturedErrors
+{
+public:
+    CapturedErrors() : before(std::cerr.rdbuf(text.rdbuf())) {}
+    ~CapturedErrors() { std::cerr.rdbuf(before); }
+    CapturedErrors(const CapturedErrors&) = delete;
+    CapturedErrors& operator=(const CapturedErrors&) = delete;
+
+    std::ostringstream text;
+
+private:
+    std::streambuf* before;
+};
+
+std::ostream& operator<<(std::ostream& out, const OddTable& odd)
+{
+    return out << odd.name;
+}
+
+class OddTables : public ::testing::TestWithParam<OddTable>
+{
+protected:
+    static void SetUpTestSuite() { static const DrawingApplication application; }
+
+    /** The arguments of a command, and what it writes. */
+    Strings argumentsOf(const std::string& command) const
+    {
+        const std::string& output = GetParam().output;
+        Strings arguments = {command, cases, "-o", result};
+        if (command != "summary") {
+            arguments.insert(arguments.end(), {"-y", output});
+        }
+        if (command == "predict") {
+            arguments.insert(arguments.end(), {"--points", cases});
+        } else if (command == "plot") {
+            arguments.insert(arguments.end(), {"--kind", "actual"});
+        } else if (command == "export") {
+            arguments.insert(arguments.end(), {"--format", "json"});
+        } else if (command == "compare") {
+            arguments.insert(arguments.end(), {"--folds", "2"});
+        }
+        arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+        return arguments;
+    }
+
+    /** The names in the folder. */
+    Strings filesThere() const
+    {
+        Strings names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path(""))) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    TemporaryFolder folder;
+    std::string cases = folder.write("cases.csv", GetParam().content);
+    std::string result = folder.path("result.svg");
+};
+} // namespace
+
+TEST_P(OddTables, GiveAResultOrASentenceInEveryCommand)
+{
+    const OddTable& odd = GetParam();
+    for (const std::string command :
+         {"summary", "fit", "evaluate", "predict", "plot", "export", "compare"}) {
+        const bool succeeds =
+            odd.outcome == Done || (odd.outcome == SummaryOnly && command == "summary");
+        CapturedErrors errors;
+
+        const int exitCode = runProgram(argumentsOf(command));
+
+        const std::string said = errors.text.str();
+        ASSERT_EQ(exitCode, succeeds ? 0 : odd.exitCode) << command << ": " << said;
+        const bool isPromised = odd.outcome != SummaryOnly || !succeeds;
+        const bool isInSummary =
+            command == "summary" && odd.sentence.rfind("Read as", 0) != 0 && odd.outcome == Done;
+        if (isPromised && !isInSummary) {
+            EXPECT_NE(said.find(odd.sentence), std::string::npos) << command << ": " << said;
+        }
+        if (odd.sentence.empty() && odd.outcome == Done) {
+            EXPECT_EQ(said.find("Read as"), std::string::npos) << command << ": " << said;
+        }
+        if (succeeds) {
+            EXPECT_EQ(filesThere(), (Strings{"cases.csv", "result.svg"})) << command;
+            EXPECT_GT(std::filesystem::file_size(result), 0u) << command;
+            std::filesystem::remove(result);
+        } else {
+            EXPECT_EQ(filesThere(), Strings{"cases.csv"}) << command;
+            EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << command << ": " << said;
+            EXPECT_EQ(said.rfind("surrogate: ", 0), 0u) << command << ": " << said;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OddTables, ::testing::ValuesIn(oddTables()),
+                         [](const auto& parameter) { return std::string(parameter.param.name); });
