@@ -149,10 +149,7 @@ std::string verdict(const OutputFit& fit, double spread, const std::string& unit
     constexpr int digits = 3;
     const FitMetrics& metrics = fit.metrics;
     const double share = fit.kriging ? metrics.q2 : metrics.predictedR2;
-    const double error = fit.kriging
-                             ? metrics.looRmse
-                             : std::sqrt(metrics.press / static_cast<double>(metrics.cases));
-    const std::string name = fit.kriging ? "Q2" : "predicted R2";
+    const double error = metrics.looRmse;
     std::string kind = "poor";
     std::string text = "left-out cases are predicted no better than by the mean of the others";
     if (!std::isfinite(share)) {
@@ -169,7 +166,7 @@ std::string verdict(const OutputFit& fit, double spread, const std::string& unit
     } else if (share > 0.0) {
         text = "left-out cases are hardly predicted";
     }
-    text += " (" + name + ' ' + shownNumber(share, digits) + "), with a typical error of " +
+    text += " (Q2 " + shownNumber(share, digits) + "), with a typical error of " +
             shownNumber(error, digits) + (unit.empty() ? "" : ' ' + unit);
     if (spread > 0.0) {
         text += ", " + shownNumber(100.0 * error / spread, 2) + " % of the range of the cases";

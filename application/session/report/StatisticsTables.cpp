@@ -31,7 +31,8 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
         std::vector<std::string> row = {termName(one.factors, inputs)};
         if (one.isKept) {
             row.insert(row.end(), {shownNumber(one.estimate), shownNumber(one.standardError),
-                                   shownNumber(one.t, fewDigits), shownProbability(one.p),
+                                   shownNumber(one.t, fewDigits),
+                                   std::isfinite(one.t) ? shownProbability(one.p) : "-",
                                    shownNumber(one.lower), shownNumber(one.upper)});
             if (isCoded) {
                 row.push_back(shownNumber(one.varianceInflation, fewDigits));

@@ -90,10 +90,10 @@ TEST(HtmlReport, BeginsWithHowWellEachOutputIsPredicted)
     const std::string kriging = htmlOf(cvdSession(CaseSession::Kriging));
 
     EXPECT_TRUE(has(surface, "</h1>\n<p class=\"verdict poor\"><strong>Uniformity</strong>: "
-                             "left-out cases are hardly predicted (predicted R2 0.354), with a "
+                             "left-out cases are hardly predicted (Q2 0.354), with a "
                              "typical error of 1.09, 21 % of the range of the cases.</p>\n"));
     EXPECT_TRUE(has(surface, "<p class=\"verdict good\"><strong>Stress</strong>: left-out cases "
-                             "are predicted well (predicted R2 0.972"));
+                             "are predicted well (Q2 0.972"));
     EXPECT_TRUE(has(kriging, " (Q2 "));
 }
 
