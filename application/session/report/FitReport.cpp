@@ -8,6 +8,7 @@
 #include "session/text/NumberText.h"
 #include "session/text/TextTable.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <sstream>
@@ -447,21 +448,50 @@ ReportJson::Json FitReport::equationsJson(CaseSession& session, double readSecon
     return json;
 }
 
+namespace {
+/** What holds for several outputs is said once. */
+struct SentenceOfOutputs
+{
+    std::string kind;
+    std::string sentence;
+    std::vector<std::string> outputs;
+};
+
+using GroupedSentences = std::vector<SentenceOfOutputs>;
+
+void addTo(GroupedSentences& groups, const std::string& kind, const std::string& sentence,
+           const std::string& output)
+{
+    const auto found = std::find_if(groups.begin(), groups.end(), [&](const auto& group) {
+        return group.kind == kind && group.sentence == sentence;
+    });
+    if (found == groups.end()) {
+        groups.push_back({kind, sentence, {output}});
+    } else {
+        found->outputs.push_back(output);
+    }
+}
+} // namespace
+
 std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
 {
     std::string text;
     if (session.counts().invalid > 0) {
         text += "Cases: " + ReportHeading::caseText(session) + ".\n";
     }
+    GroupedSentences groups;
     for (const OutputFit& fit : session.fit().outputs) {
         const std::string note = transformNote(fit);
         text += note.empty() ? note : "Note: " + note + '\n';
         for (const std::string& sentence : fit.notes) {
-            text += "Note for " + fit.name + ": " + sentence + '\n';
+            addTo(groups, "Note", sentence, fit.name);
         }
-        for (const std::string& warning : fit.warnings) {
-            text += "Warning for " + fit.name + ": " + warning + '\n';
+        for (const std::string& sentence : fit.warnings) {
+            addTo(groups, "Warning", sentence, fit.name);
         }
+    }
+    for (const SentenceOfOutputs& group : groups) {
+        text += group.kind + " for " + joinedText(group.outputs) + ": " + group.sentence + '\n';
     }
     if (evaluation == nullptr) {
         return text;

@@ -366,3 +366,16 @@ TEST(FitReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
 
     EXPECT_EQ(printed(FitReport::json(session)), fit);
 }
+
+TEST(FitReport, SaysOnceWhatHoldsForSeveralOutputs)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {2, 3}}, {}, CaseSession::Kriging);
+
+    EXPECT_EQ(
+        FitReport::notes(session).rfind("Note for Uniformity, Stress: At 1 point several cases "
+                                        "have the same inputs but different outputs: the "
+                                        "model smooths them.\n",
+                                        0),
+        0u)
+        << FitReport::notes(session);
+}
