@@ -236,26 +236,40 @@ void addModel(CLI::App& command, CommandLine& line)
 void addTerms(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Model");
-    addWord<PolynomialTerms>(
-        command, "--terms",
-        "the polynomial of a response surface: linear, interactions\n"
-        "(these and the products of two inputs) or quadratic (these\n"
-        "and the squares, the default)",
-        "T", "linear, interactions or quadratic",
-        {{termsWord(PolynomialTerms::Linear), PolynomialTerms::Linear},
-         {termsWord(PolynomialTerms::Interactions), PolynomialTerms::Interactions},
-         {termsWord(PolynomialTerms::Quadratic), PolynomialTerms::Quadratic}},
-        line.choices.terms);
+    command
+        .add_option_function<std::string>(
+            "--terms",
+            [&line](const std::string& word) {
+                line.choices.terms = PolynomialTerms::Chosen;
+                line.choices.formula.clear();
+                for (const PolynomialTerms terms :
+                     {PolynomialTerms::Linear, PolynomialTerms::Interactions,
+                      PolynomialTerms::Quadratic}) {
+                    if (word == termsWord(terms)) {
+                        line.choices.terms = terms;
+                    }
+                }
+                if (line.choices.terms == PolynomialTerms::Chosen) {
+                    line.choices.formula = word;
+                }
+            },
+            "the polynomial of a response surface: linear, interactions\n"
+            "(these and the products of two inputs), quadratic (these\n"
+            "and the squares, the default), or a sum of terms such as\n"
+            "\"A + B + A:B + A^2\"; names that hold one of + : * ^ in quotes")
+        ->type_name("T");
     addWord<TransformSetting>(command, "--transform",
                               "which transform of outputs that are positive in all cases is\n"
-                              "modelled: none, sqrt, log, or auto (what describes the cases\n"
-                              "best). Without it auto for kriging, none for a response\n"
-                              "surface",
-                              "T", "auto, none, sqrt or log",
+                              "modelled: none, sqrt, log, auto (what describes the cases\n"
+                              "best) or boxcox (for response surfaces: the power of\n"
+                              "greatest likelihood). Without it auto for kriging, none for\n"
+                              "a response surface",
+                              "T", "auto, none, sqrt, log or boxcox",
                               {{"auto", TransformSetting::Automatic},
                                {"none", TransformSetting::None},
                                {"sqrt", TransformSetting::SquareRoot},
-                               {"log", TransformSetting::Logarithm}},
+                               {"log", TransformSetting::Logarithm},
+                               {"boxcox", TransformSetting::BoxCox}},
                               line.choices.transform);
     const auto flag = [&](const char* name, ResponseSurfaceOptions::Selection terms,
                           const char* description) {
@@ -379,7 +393,8 @@ void describePlot(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Picture");
-    addValue(command, "--kind", "sweep (default), contour, actual, residuals or coefficients", "K",
+    addValue(command, "--kind",
+             "sweep (default), contour, actual, residuals, normal,\ncoefficients or ridge", "K",
              line.kind);
     addValues(command, line);
     command.option_defaults()->group("Picture");
@@ -392,8 +407,12 @@ void describePlot(CLI::App& command, CommandLine& line)
   contour       the model over two inputs, the first one to the right
   actual        each case as a fit to the other cases predicts it, against its actual value
   residuals     the differences of the two, against the predictions
+  normal        the externally studentised residuals of a response surface against normal quantiles,
+                with the suspected outliers numbered
   coefficients  those of a response surface for inputs coded to -1 and 1, the largest first, with
                 their 95 % confidence limits
+  ridge         the largest and the smallest values of a response surface at each distance from the
+                middle of the ranges: the ridges of steepest ascent and descent
 
   --sweep NAME alone sweeps over the range. Without --sweep the kind sweep shows every input in a small
   panel of its own, on one axis, and contour takes the two inputs that matter most.

@@ -5,5 +5,6 @@ enum class PolynomialTerms
 {
     Linear,       ///< V1, V2, ...
     Interactions, ///< these, and the products of two different inputs
-    Quadratic     ///< these, and the squares: the full quadratic polynomial
+    Quadratic,    ///< these, and the squares: the full quadratic polynomial
+    Chosen        ///< those of a TermFormula
 };

@@ -2,6 +2,8 @@
 
 #include <mirel_fitting/PolynomialTerms.h>
 
+#include <string>
+
 /** Which polynomial a response surface is. */
 struct ResponseSurfaceOptions
 {
@@ -19,9 +21,12 @@ struct ResponseSurfaceOptions
 
     PolynomialTerms terms = PolynomialTerms::Quadratic;
     Selection selection = Selection::All;
+    /** Of PolynomialTerms::Chosen: a TermFormula in the symbols V1, V2, ..., else without effect.
+     */
+    std::string formula = std::string();
 
     bool operator==(const ResponseSurfaceOptions& other) const
     {
-        return terms == other.terms && selection == other.selection;
+        return terms == other.terms && selection == other.selection && formula == other.formula;
     }
 };

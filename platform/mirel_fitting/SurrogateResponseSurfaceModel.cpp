@@ -67,7 +67,8 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
     std::size_t rowCount, const ResponseSurfaceOptions& options)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
-                                  PolynomialForm::of(options.terms), options.selection))
+                                  PolynomialForm::of(options, independentColumns.size()),
+                                  options.selection))
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(

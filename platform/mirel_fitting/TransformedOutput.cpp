@@ -114,15 +114,16 @@ public:
     {
         OutputTransform transform = OutputTransform::None;
         double gain = none;
+        std::optional<BoxCoxProfile> profile;
         int innerOffset = 0;
         FitMetrics metrics;
     };
 
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount, Maker maker,
-         Choice choice)
+         Choice choice, Method method)
         : columns(independentColumns, dependentColumns, rowCount), maker(std::move(maker)),
-          choice(choice)
+          choice(choice), method(method)
     {
         std::vector<double*> innerOutputs = dependentColumns;
         Columns added;
@@ -202,8 +203,9 @@ public:
     /** Whether a transform was asked for that the output does not have. */
     bool isRefused(const Fit& fit) const
     {
-        return choice.value_or(OutputTransform::None) != OutputTransform::None &&
-               fit.transform == OutputTransform::None;
+        const bool isAsked = method == Method::BoxCox ||
+                             choice.value_or(OutputTransform::None) != OutputTransform::None;
+        return isAsked && fit.transform == OutputTransform::None && !fit.profile;
     }
 
     ArgumentCheck columns;
@@ -215,7 +217,8 @@ private:
     {
         const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
         return *smallest > 0.0 && choice != OutputTransform::None &&
-               (choice || (*largest > leastRatio * *smallest && rowCount <= mostCases));
+               (choice || method == Method::BoxCox ||
+                (*largest > leastRatio * *smallest && rowCount <= mostCases));
     }
 
     std::vector<OutputTransform> wantedTransforms() const
@@ -233,7 +236,12 @@ private:
             result.transform = outputs.count(offset) == 0 ? OutputTransform::None : *choice;
         } else if (outputs.count(offset) != 0) {
             const FitProgress::Portion portion(0.0, comparing, "Comparing transforms");
-            choose(offset, result);
+            if (method == Method::BoxCox) {
+                result.profile = profileOf(offset);
+                result.transform = result.profile->transform;
+            } else {
+                choose(offset, result);
+            }
         }
         if (result.transform != OutputTransform::None) {
             result.innerOffset = innerOffsets.at({offset, result.transform});
@@ -245,6 +253,22 @@ private:
             measure(offset, result);
         }
         return result;
+    }
+
+    BoxCoxProfile profileOf(int offset)
+    {
+        const std::vector<double>& output = outputs.at(offset);
+        return BoxCoxProfile::of(output, [&](Columns candidates) {
+            const std::unique_ptr<FittedModel> model =
+                maker(pointersTo(inputs), pointersTo(candidates), output.size());
+            std::vector<double> likelihoods;
+            for (std::size_t k = 0; k < candidates.size(); ++k) {
+                const int candidate = static_cast<int>(k);
+                model->activateDependentVariables({candidate});
+                likelihoods.push_back(model->fitMetrics(candidate).logLikelihood);
+            }
+            return likelihoods;
+        });
     }
 
     void choose(int offset, Fit& result)
@@ -353,6 +377,7 @@ private:
 
     Maker maker;
     Choice choice;
+    Method method;
     std::map<std::pair<int, OutputTransform>, int> innerOffsets;
     // Of outputs that are, or may yet be, transformed, and the inputs if there is such an output.
     Columns inputs;
@@ -361,9 +386,10 @@ private:
 
 TransformedOutput::TransformedOutput(const std::vector<double*>& independentColumns,
                                      const std::vector<double*>& dependentColumns,
-                                     std::size_t rowCount, Maker maker, Choice choice)
+                                     std::size_t rowCount, Maker maker, Choice choice,
+                                     Method method)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, std::move(maker),
-                                  choice))
+                                  choice, method))
 {}
 
 TransformedOutput::~TransformedOutput() = default;
@@ -376,6 +402,11 @@ OutputTransform TransformedOutput::transform(int offset) const
 double TransformedOutput::gain(int offset) const
 {
     return impl->fit(offset).gain;
+}
+
+std::optional<BoxCoxProfile> TransformedOutput::boxCoxProfile(int offset) const
+{
+    return impl->fit(offset).profile;
 }
 
 const FittedModel& TransformedOutput::inner() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/BoxCoxProfile.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/OutputTransform.h>
 
@@ -39,10 +40,18 @@ public:
      */
     using Choice = std::optional<OutputTransform>;
 
+    /** How a transform is chosen for each output where the choice is none. */
+    enum class Method
+    {
+        Comparison, ///< as Choice says
+        BoxCox ///< BoxCoxProfile, with all cases: for response surfaces, whose fits cost little
+    };
+
     /** @throw Error as the model that `maker` makes. */
     TransformedOutput(const std::vector<double*>& independentColumns,
                       const std::vector<double*>& dependentColumns, std::size_t rowCount,
-                      Maker maker, Choice choice = std::nullopt);
+                      Maker maker, Choice choice = std::nullopt,
+                      Method method = Method::Comparison);
     ~TransformedOutput() override;
 
     OutputTransform transform(int offset) const;
@@ -50,6 +59,10 @@ public:
     /** How much larger log-likelihood and log-density are than for the output itself, the smaller
      *  of the two; NaN if nothing was compared. */
     double gain(int offset) const;
+
+    /** What the choice by Method::BoxCox rests on; none for another choice, and for an output that
+     *  is not positive in all cases. */
+    std::optional<BoxCoxProfile> boxCoxProfile(int offset) const;
 
     /** The model inside and the offset of the output, or its transform, there. Valid as long as
      *  this object. */

@@ -157,8 +157,6 @@ TEST(CommandOptions, WrongUseIsRefusedWithASentence)
               "--threads needs a whole number from 1 to 1024, not \"0\".");
     EXPECT_EQ(refusalOf("predict cvd.csv -y Stress"),
               "The command predict needs the file with the points: --points FILE.");
-    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --terms cubic"),
-              "--terms needs linear, interactions or quadratic, not \"cubic\".");
     EXPECT_EQ(refusalOf("compare cvd.csv -y Stress -m kriging"),
               "-m belongs to the commands summary, fit, evaluate, predict, equations, plot and "
               "export.");

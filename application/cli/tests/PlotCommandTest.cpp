@@ -71,9 +71,9 @@ TEST_F(PlotCommand, PlotSaysWhenThereIsNoFont)
 
 TEST_F(PlotCommand, PlotRefusesWhatItCannotDo)
 {
-    expectFailure(
-        sweep + "--kind pie -o picture.svg", 2,
-        "--kind needs one of sweep, contour, actual, residuals, coefficients, not \"pie\".");
+    expectFailure(sweep + "--kind pie -o picture.svg", 2,
+                  "--kind needs one of sweep, contour, actual, residuals, normal, coefficients, "
+                  "ridge, not \"pie\".");
     expectFailure(sweep + "--kind sweep", 2,
                   "The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
                   "FILE.pdf.");

@@ -4,6 +4,7 @@
 #include <plot/data/CoefficientPicture.h>
 #include <plot/data/ContourPicture.h>
 #include <plot/data/EffectsPicture.h>
+#include <plot/data/NormalPicture.h>
 #include <plot/data/ResidualPicture.h>
 #include <plot/data/SweepPicture.h>
 
@@ -11,4 +12,4 @@
 
 /** What can be drawn: each kind is numbers and names, and knows nothing of drawing. */
 using PictureData = std::variant<SweepPicture, ContourPicture, ActualPicture, ResidualPicture,
-                                 CoefficientPicture, EffectsPicture>;
+                                 NormalPicture, CoefficientPicture, EffectsPicture>;

@@ -165,6 +165,7 @@ public:
     void show(const ContourPicture& picture);
     void show(const ActualPicture& picture);
     void show(const ResidualPicture& picture);
+    void show(const NormalPicture& picture);
     void show(const CoefficientPicture& picture);
     void show(const EffectsPicture&) {} // Picture draws each of its effects
 
@@ -451,6 +452,21 @@ void PlotWidget::Impl::show(const ResidualPicture& picture)
     const QVector<QPointF> cases = points(picture.predicted, picture.residuals);
     addCases(cases, "cases");
     addCaseNumbers(picture.worst, cases);
+}
+
+void PlotWidget::Impl::show(const NormalPicture& picture)
+{
+    write(picture.title, picture.caption);
+    nameAxis(QwtPlot::xBottom, "normal quantile");
+    nameAxis(QwtPlot::yLeft, "externally studentised residual");
+    addGrid();
+    xRange = AxisScale::padded(AxisScale::range(picture.quantiles), margin);
+    yRange = AxisScale::padded(AxisScale::range(picture.residuals) | xRange, margin);
+    addLine({{xRange.minValue(), xRange.minValue()}, {xRange.maxValue(), xRange.maxValue()}},
+            QPen(PlotColours::reference, 1.0, Qt::DashLine), ReferenceLayer);
+    const QVector<QPointF> cases = points(picture.quantiles, picture.residuals);
+    addCases(cases, std::string());
+    addCaseNumbers(picture.outliers, cases);
 }
 
 void PlotWidget::Impl::show(const CoefficientPicture& picture)

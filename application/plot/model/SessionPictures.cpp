@@ -4,6 +4,7 @@
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"
 #include "plot/model/ContourPictures.h"
+#include "plot/model/DiagnosticPictures.h"
 #include "plot/model/EffectsPictures.h"
 #include "plot/model/MainEffects.h"
 #include "plot/model/ModelCut.h"
@@ -14,19 +15,26 @@
 #include <session/text/JoinedText.h>
 #include <session/text/SessionErrors.h>
 
+#include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
 using SessionPictures::Kind;
 
-const std::vector<std::pair<std::string, Kind>> kinds = {{"sweep", Kind::Sweep},
-                                                         {"contour", Kind::Contour},
-                                                         {"actual", Kind::Actual},
-                                                         {"residuals", Kind::Residuals},
-                                                         {"coefficients", Kind::Coefficients}};
+const std::vector<std::pair<std::string, Kind>> kinds = {
+    {"sweep", Kind::Sweep},   {"contour", Kind::Contour},
+    {"actual", Kind::Actual}, {"residuals", Kind::Residuals},
+    {"normal", Kind::Normal}, {"coefficients", Kind::Coefficients},
+    {"ridge", Kind::Ridge}};
+
+bool isOfResponseSurfaces(Kind kind)
+{
+    return kind == Kind::Normal || kind == Kind::Coefficients || kind == Kind::Ridge;
+}
 
 /** Of each input of a contour: its lines are smooth then. */
 constexpr std::size_t smoothValues = 101;
@@ -59,6 +67,18 @@ std::vector<PictureData> effects(CaseSession& session, const std::vector<std::si
         pictures.emplace_back(effectsPicture(session, all, output));
     }
     return pictures;
+}
+
+/** Half the width of a confidence interval in standard errors; NaN where there is none. */
+double quantileOf(CaseSession& session, std::size_t output)
+{
+    constexpr double level = 0.95;
+    const bool isTransformed =
+        session.fit().outputs[output].modelled.transform != OutputTransform::None;
+    const std::size_t freedom = session.statistics()[output].residualDegreesOfFreedom;
+    return isTransformed || freedom == 0
+               ? std::nan("")
+               : session.fittedModel()->confidenceQuantile(session.outputOffsets()[output], level);
 }
 
 /** Sweeps what a contour lacks. */
@@ -128,8 +148,13 @@ void SessionPictures::check(Kind kind, const Workspace& workspace,
                                       : "A picture of kind contour needs two swept inputs and ") +
                          present + '.');
     }
-    if (kind == Kind::Coefficients && workspace.modelType() == Workspace::Kriging) {
-        throw UsageError("Only the response surface has coefficients to draw.");
+    if (isOfResponseSurfaces(kind) && workspace.modelType() == Workspace::Kriging) {
+        throw UsageError(kind == Kind::Coefficients
+                             ? "Only the response surface has coefficients to draw."
+                         : kind == Kind::Ridge
+                             ? "Only the response surface has a ridge to draw."
+                             : "Only the response surface has studentised residuals to draw; take "
+                               "the kind residuals.");
     }
 }
 
@@ -151,8 +176,11 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
         cut = cut->finer(session, smoothValues);
     }
     const std::vector<ResponseSurfaceStatistics> statistics =
-        kind == Kind::Coefficients ? session.statistics()
+        isOfResponseSurfaces(kind) ? session.statistics()
                                    : std::vector<ResponseSurfaceStatistics>();
+    if (isOfResponseSurfaces(kind) && statistics.empty()) {
+        throw SurrogateModelInterface::Error("The model has no cases to draw the statistics of.");
+    }
     const std::vector<std::string> inputs = namesOf(session.inputs());
     const std::vector<std::string> outputs = namesOf(session.outputs());
     std::vector<PictureData> pictures;
@@ -170,6 +198,15 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
             break;
         case Kind::Residuals:
             pictures.emplace_back(residualPicture(LeaveOneOutCases::of(session, output)));
+            break;
+        case Kind::Normal:
+            pictures.emplace_back(normalPicture(statistics[output], outputs[output]));
+            break;
+        case Kind::Ridge:
+            for (const bool isAscent : {true, false}) {
+                pictures.emplace_back(ridgePicture(statistics[output], isAscent, inputs,
+                                                   outputs[output], quantileOf(session, output)));
+            }
             break;
         case Kind::Coefficients:
             pictures.emplace_back(coefficientPicture(

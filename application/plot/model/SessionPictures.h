@@ -21,7 +21,9 @@ enum class Kind
     Contour,
     Actual,
     Residuals,
-    Coefficients
+    Normal,
+    Coefficients,
+    Ridge
 };
 
 /** The words that users write for them, separated by commas. */

@@ -7,6 +7,26 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+/** The values at the points that the statistics name. Standard errors as TransformedOutput has. */
+void transformBack(OutputTransform transform, ResponseSurfaceStatistics& statistics)
+{
+    const auto inverse = [transform](double value) {
+        return OutputTransforms::invert(transform, value);
+    };
+    if (statistics.stationaryPoint) {
+        statistics.stationaryPoint->value = inverse(statistics.stationaryPoint->value);
+    }
+    for (auto* const ridge : {&statistics.ascent, &statistics.descent}) {
+        for (RidgePoint& point : *ridge) {
+            point.standardError = 0.5 * (inverse(point.value + point.standardError) -
+                                         inverse(point.value - point.standardError));
+            point.value = inverse(point.value);
+        }
+    }
+}
+} // namespace
+
 ModelInterfaces::ModelInterfaces(const SurrogateModelInterface& model) : model(model) {}
 
 const PredictiveModel* ModelInterfaces::predictive() const
@@ -23,7 +43,8 @@ ModelledTransform ModelInterfaces::transform(int offset) const
 {
     const auto* const outer = dynamic_cast<const TransformedOutput*>(&model);
     return outer == nullptr ? ModelledTransform()
-                            : ModelledTransform{outer->transform(offset), outer->gain(offset)};
+                            : ModelledTransform{outer->transform(offset), outer->gain(offset),
+                                                outer->boxCoxProfile(offset)};
 }
 
 PredictionIntervals ModelInterfaces::confidenceLimits(const std::vector<double*>& points,
@@ -75,8 +96,12 @@ std::optional<ResponseSurfaceStatistics>
 ModelInterfaces::responseSurfaceStatistics(int offset) const
 {
     if (const auto* const outer = dynamic_cast<const TransformedOutput*>(&model)) {
-        return ModelInterfaces(outer->inner())
-            .responseSurfaceStatistics(outer->innerOffset(offset));
+        auto statistics =
+            ModelInterfaces(outer->inner()).responseSurfaceStatistics(outer->innerOffset(offset));
+        if (statistics) {
+            transformBack(outer->transform(offset), *statistics);
+        }
+        return statistics;
     }
     const auto* const surface = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
     return surface == nullptr ? std::nullopt

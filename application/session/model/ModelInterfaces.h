@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/BoxCoxProfile.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/OutputTransform.h>
@@ -17,6 +18,7 @@ struct ModelledTransform
 {
     OutputTransform transform = OutputTransform::None;
     double gain = std::numeric_limits<double>::quiet_NaN(); ///< as TransformedOutput has it
+    std::optional<BoxCoxProfile> profile;                   ///< likewise
 };
 
 /**
@@ -51,7 +53,8 @@ public:
      *  @throw SurrogateModelInterface::Error if the output cannot be fitted. */
     std::optional<KrigingReport> krigingReport(int offset) const;
 
-    /** Of a fitted response surface only; otherwise as krigingReport(). */
+    /** Of a fitted response surface only; otherwise as krigingReport(): values at the stationary
+     *  point and along the ridges are in the output's unit. */
     std::optional<ResponseSurfaceStatistics> responseSurfaceStatistics(int offset) const;
 
 private:

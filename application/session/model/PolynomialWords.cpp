@@ -7,6 +7,8 @@ const char* termsWord(PolynomialTerms terms)
         return "linear";
     case PolynomialTerms::Interactions:
         return "interactions";
+    case PolynomialTerms::Chosen:
+        return "chosen";
     default:
         return "quadratic";
     }

@@ -4,5 +4,6 @@
 
 #include <surrogate_session/Export.h>
 
-/** "linear", "interactions" or "quadratic", as users write it and documents for programs say it. */
+/** "linear", "interactions", "quadratic" or "chosen", as documents for programs say it; all but the
+ *  last as users write it. */
 SURROGATE_SESSION_EXPORT const char* termsWord(PolynomialTerms terms);

@@ -10,6 +10,8 @@
 #include "session/text/SessionErrors.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/TermFormula.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -23,11 +25,29 @@ std::vector<std::size_t> excludedCases(const std::string& text, std::size_t case
     return text == "none" ? std::vector<std::size_t>() : readCaseNumbers(text, cases);
 }
 
+void requireFormula(const std::string& formula, const std::vector<std::string>& inputs)
+{
+    try {
+        TermFormula(formula, inputs);
+    } catch (const SurrogateModelInterface::Error& error) {
+        throw UsageError(std::string(error.what()) +
+                         " --terms takes linear, interactions, quadratic or a sum of terms such as "
+                         "A + B + A:B + A^2 of the inputs, which are: " +
+                         joinedText(inputs) + '.');
+    }
+}
+
 void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
 {
     ResponseSurfaceOptions options = session.responseSurface();
     options.selection = choices.selection.value_or(options.selection);
-    options.terms = choices.terms.value_or(options.terms);
+    if (choices.terms) {
+        options.terms = *choices.terms;
+        options.formula = choices.formula;
+    }
+    if (options.terms == PolynomialTerms::Chosen) {
+        requireFormula(options.formula, namesOf(session.inputs()));
+    }
     session.chooseResponseSurface(options);
     session.chooseTransform(choices.transform.value_or(session.transform()));
 }

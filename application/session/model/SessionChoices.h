@@ -23,6 +23,7 @@ struct SessionChoices
     std::optional<CaseSession::ModelType> model;
     std::optional<ResponseSurfaceOptions::Selection> selection;
     std::optional<PolynomialTerms> terms;
+    std::string formula; ///< of chosen terms, in names of inputs
     std::optional<TransformSetting> transform;
 };
 

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/TermFormula.h>
 #include <mirel_fitting/TransformedOutput.h>
 
 #include <property/Property.h>
@@ -16,6 +17,7 @@ TransformedOutput::Choice choiceOf(TransformSetting setting, bool isKriging)
 {
     switch (setting) {
     case TransformSetting::Automatic:
+    case TransformSetting::BoxCox:
         return std::nullopt;
     case TransformSetting::None:
         return OutputTransform::None;
@@ -50,6 +52,21 @@ SessionModelFactory::SessionModelFactory(boost::shared_ptr<SurrogateModelInterfa
         "Surrogate Model Transform", setting);
 }
 
+void SessionModelFactory::setInputNames(std::function<std::vector<std::string>()> names)
+{
+    inputNames = std::move(names);
+}
+
+/** With the formula in the symbols of the columns. */
+ResponseSurfaceOptions SessionModelFactory::optionsOfColumns() const
+{
+    ResponseSurfaceOptions options = responseSurfaceOptions->get();
+    if (options.terms == PolynomialTerms::Chosen && inputNames) {
+        options.formula = TermFormula(options.formula, inputNames()).symbols();
+    }
+    return options;
+}
+
 boost::shared_ptr<SurrogateModelInterface>
 SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& independentColumns,
                                const std::vector<double*>& dependentColumns, int rowCount) const
@@ -58,7 +75,8 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
         return finishedModel;
     }
     const bool isKriging = type == SurrogateModelManagerInterface::Kriging;
-    const auto fit = [isKriging, options = responseSurfaceOptions->get()](
+    const auto fit = [isKriging,
+                      options = isKriging ? ResponseSurfaceOptions() : optionsOfColumns()](
                          const std::vector<double*>& inputs, const std::vector<double*>& outputs,
                          std::size_t rows) -> std::unique_ptr<FittedModel> {
         if (isKriging) {
@@ -72,8 +90,10 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
     if (choice == OutputTransform::None) {
         return fit(independentColumns, dependentColumns, rows);
     }
-    return boost::make_shared<TransformedOutput>(independentColumns, dependentColumns, rows, fit,
-                                                 choice);
+    const bool isBoxCox = transformSetting->get() == TransformSetting::BoxCox && !isKriging;
+    return boost::make_shared<TransformedOutput>(
+        independentColumns, dependentColumns, rows, fit, choice,
+        isBoxCox ? TransformedOutput::Method::BoxCox : TransformedOutput::Method::Comparison);
 }
 
 bool SessionModelFactory::needsCases() const

@@ -9,6 +9,10 @@
 
 #include <surrogate_session/Export.h>
 
+#include <functional>
+#include <string>
+#include <vector>
+
 /** Makes the library's models, of outputs or their transforms, and response surfaces with the
  * chosen terms; or hands out a model that is finished already. */
 class SURROGATE_SESSION_EXPORT SessionModelFactory : public SurrogateModelFactory
@@ -25,12 +29,19 @@ public:
     /** A change is an undo step, and invalidates all models that were made before. */
     boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transform() const;
 
-    /** The terms of response surfaces. A change is an undo step, and invalidates response
-     *  surfaces that were made before. */
+    /** @param names gives those of the inputs of the models that are made, in the order of the
+     *               columns: what a formula of chosen terms names. */
+    void setInputNames(std::function<std::vector<std::string>()> names);
+
+    /** The terms of response surfaces, a formula in the names of inputs. A change is an undo step,
+     * and invalidates response surfaces that were made before. */
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurface() const;
 
 private:
+    ResponseSurfaceOptions optionsOfColumns() const;
+
     boost::shared_ptr<SurrogateModelInterface> finishedModel;
+    std::function<std::vector<std::string>()> inputNames;
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurfaceOptions;
     boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transformSetting;
     boost::signals2::scoped_connection termsConnection;

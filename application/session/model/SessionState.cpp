@@ -60,7 +60,11 @@ SessionState::SessionState(CaseTable& table,
           boost::make_shared<ProjectDataPipelineManager>(project), factory)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),
       interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
-{}
+{
+    // The manager keeps the factory: a shared pointer back would keep both forever.
+    factory->setInputNames(
+        [inputs = manager->independentVars()] { return namesOf(inputs->get()); });
+}
 
 SessionSettings SessionState::settings() const
 {

@@ -57,17 +57,19 @@ constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variab
 constexpr std::array<Word<ResponseSurfaceOptions::Selection>, 1> termSelections = {
     {{"BackwardAicc", ResponseSurfaceOptions::Selection::BackwardAicc}}};
 
-constexpr std::array<Word<PolynomialTerms>, 3> polynomials = {
+constexpr std::array<Word<PolynomialTerms>, 4> polynomials = {
     {{"Linear", PolynomialTerms::Linear},
      {"Interactions", PolynomialTerms::Interactions},
-     {"Quadratic", PolynomialTerms::Quadratic}}};
+     {"Quadratic", PolynomialTerms::Quadratic},
+     {"Chosen", PolynomialTerms::Chosen}}};
 
 /** The usual one is said by the absence of the element. */
-constexpr std::array<Word<TransformSetting>, 4> transforms = {
+constexpr std::array<Word<TransformSetting>, 5> transforms = {
     {{"Automatic", TransformSetting::Automatic},
      {"None", TransformSetting::None},
      {"SquareRoot", TransformSetting::SquareRoot},
-     {"Logarithm", TransformSetting::Logarithm}}};
+     {"Logarithm", TransformSetting::Logarithm},
+     {"BoxCox", TransformSetting::BoxCox}}};
 
 [[noreturn]] void refuse(const XmlNode& element, const std::string& message)
 {
@@ -367,10 +369,17 @@ ResponseSurfaceOptions::Selection readTermSelection(const XmlNode& element)
     return requiredWord(element, "Method", termSelections);
 }
 
-PolynomialTerms readPolynomial(const XmlNode& element)
+/** The formula of chosen terms is in the names of inputs: whether they are there decides the fit.
+ */
+void readPolynomial(const XmlNode& element, ResponseSurfaceOptions& options)
 {
-    allowOnlyAttributes(element, {"Terms"});
-    return requiredWord(element, "Terms", polynomials);
+    options.terms = requiredWord(element, "Terms", polynomials);
+    if (options.terms == PolynomialTerms::Chosen) {
+        allowOnlyAttributes(element, {"Terms", "Formula"});
+        options.formula = requiredText(element, "Formula");
+    } else {
+        allowOnlyAttributes(element, {"Terms"});
+    }
 }
 
 /** Entries of any name: the library reads only their attributes. */
@@ -605,7 +614,7 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
         contents.responseSurface.selection = readTermSelection(*selection);
     }
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
-        contents.responseSurface.terms = readPolynomial(*polynomial);
+        readPolynomial(*polynomial, contents.responseSurface);
     }
     if (const XmlNode* const transform = root.child("OutputTransform")) {
         allowOnlyAttributes(*transform, {"Method"});
@@ -631,8 +640,12 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
     // full quadratic polynomial, to the outputs themselves.
     const ResponseSurfaceOptions& options = contents.responseSurface;
     if (options.terms != PolynomialTerms::Quadratic) {
-        root.children.push_back(
-            XmlNode::element("Polynomial", {{"Terms", wordFor(options.terms, polynomials)}}));
+        XmlNode polynomial =
+            XmlNode::element("Polynomial", {{"Terms", wordFor(options.terms, polynomials)}});
+        if (options.terms == PolynomialTerms::Chosen) {
+            polynomial.attributes["Formula"] = options.formula;
+        }
+        root.children.push_back(std::move(polynomial));
     }
     if (options.selection != ResponseSurfaceOptions::Selection::All) {
         root.children.push_back(XmlNode::element(

@@ -11,6 +11,8 @@ const char* transformWord(TransformSetting setting)
         return "sqrt";
     case TransformSetting::Logarithm:
         return "log";
+    case TransformSetting::BoxCox:
+        return "boxcox";
     default:
         return "usual";
     }

@@ -9,8 +9,10 @@ enum class TransformSetting
     Automatic,
     None,
     SquareRoot,
-    Logarithm
+    Logarithm,
+    BoxCox ///< by the likelihood of powers; Automatic for Kriging
 };
 
-/** "auto", "none", "sqrt", "log", as users write it and documents for programs say it; "usual". */
+/** "auto", "none", "sqrt", "log", "boxcox", as users write it and documents for programs say it;
+ * "usual". */
 SURROGATE_SESSION_EXPORT const char* transformWord(TransformSetting setting);

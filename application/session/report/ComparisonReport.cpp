@@ -168,7 +168,10 @@ std::string ComparisonReport::text(const Workspace& workspace, const ModelCompar
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
     const PolynomialTerms terms = workspace.responseSurface().terms;
-    if (terms != PolynomialTerms::Quadratic) {
+    if (terms == PolynomialTerms::Chosen) {
+        text += "Terms   those of the response surface are " +
+                oneLineText(workspace.responseSurface().formula) + '\n';
+    } else if (terms != PolynomialTerms::Quadratic) {
         text += std::string("Order   the response surface is linear") +
                 (terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
@@ -200,6 +203,9 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                                    {"recommendation", output.recommendation}});
     }
     json["terms"] = termsWord(workspace.responseSurface().terms);
+    if (workspace.responseSurface().terms == PolynomialTerms::Chosen) {
+        json["formula"] = workspace.responseSurface().formula;
+    }
     json["selectsTerms"] = ReportHeading::selectsTerms(workspace);
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return json;

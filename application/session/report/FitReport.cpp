@@ -158,6 +158,11 @@ Json outputJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistic
                  {"notes", FitReport::fitNotes(fit, statistics)},
                  {"warnings", fit.warnings}};
     json["transform"] = OutputTransforms::word(fit.modelled.transform);
+    if (fit.modelled.profile) {
+        json["boxCox"] = {{"power", fit.modelled.profile->power},
+                          {"lower", fit.modelled.profile->lower},
+                          {"upper", fit.modelled.profile->upper}};
+    }
     if (fit.kriging) {
         json.update(krigingJson(*fit.kriging));
     }
@@ -302,6 +307,19 @@ Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistic
     }
     return figures;
 }
+
+/** What the choice by Box and Cox rests on, a sentence. */
+std::string powerText(const BoxCoxProfile& profile)
+{
+    constexpr int digits = 3;
+    return "The power of greatest likelihood is " + shownNumber(profile.power, digits) +
+           " (95 %: " + shownNumber(profile.lower, digits) + " to " +
+           shownNumber(profile.upper, digits) + ")" +
+           (profile.isBetweenLimits ? "."
+                                    : "; none of the powers 1, 1/2 and 0 (logarithm) is in "
+                                      "between, and the nearest was "
+                                      "taken.");
+}
 } // namespace
 
 std::vector<std::pair<std::string, std::string>>
@@ -342,8 +360,9 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
 
 std::string transformNote(const OutputFit& fit)
 {
+    const std::string power = fit.modelled.profile ? powerText(*fit.modelled.profile) : "";
     if (fit.modelled.transform == OutputTransform::None) {
-        return "";
+        return power.empty() ? "" : fit.name + " itself was modelled. " + power;
     }
     const bool isLogarithm = fit.modelled.transform == OutputTransform::Logarithm;
     const std::string transform = isLogarithm ? "logarithm" : "square root";
@@ -356,7 +375,8 @@ std::string transformNote(const OutputFit& fit)
     return text + ": " +
            (fit.kriging ? "likelihood, variance, nugget, noise, trend and correlation lengths"
                         : "coefficients, tests and AICc") +
-           " are those of the " + transform + "; errors, R2 and Q2 are those of " + fit.name + ".";
+           " are those of the " + transform + "; errors, R2 and Q2 are those of " + fit.name + "." +
+           (power.empty() ? "" : " " + power);
 }
 } // namespace
 

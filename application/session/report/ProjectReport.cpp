@@ -99,7 +99,9 @@ std::string ProjectReport::text(const ProjectDocument& document)
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
     if (!(document.responseSurface == ResponseSurfaceOptions())) {
-        head.add({"Terms", std::string(termsWord(document.responseSurface.terms)) +
+        const bool isChosen = document.responseSurface.terms == PolynomialTerms::Chosen;
+        head.add({"Terms", (isChosen ? document.responseSurface.formula
+                                     : termsWord(document.responseSurface.terms)) +
                                (document.responseSurface.selection ==
                                         ResponseSurfaceOptions::Selection::BackwardAicc
                                     ? ", selected by AICc"
@@ -148,6 +150,9 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
     }
     json["model"] = modelName(document);
     json["terms"] = termsWord(document.responseSurface.terms);
+    if (document.responseSurface.terms == PolynomialTerms::Chosen) {
+        json["formula"] = document.responseSurface.formula;
+    }
     json["selectsTerms"] =
         document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
     json["transform"] = transformWord(document.transform);

@@ -39,7 +39,9 @@ std::string ReportHeading::modelText(const Workspace& workspace)
                                    : terms == PolynomialTerms::Interactions
                                        ? ", linear with interactions"
                                        : "";
-    return std::string("response surface") + polynomial +
+    const std::string formula =
+        terms == PolynomialTerms::Chosen ? ", terms " + workspace.responseSurface().formula : "";
+    return std::string("response surface") + polynomial + formula +
            (selectsTerms(workspace) ? ", terms selected by AICc" : "");
 }
 
@@ -135,6 +137,9 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
         {"model", workspace.modelType() == Workspace::Kriging ? "kriging" : "response-surface"}};
     if (workspace.modelType() == Workspace::ResponseSurface) {
         json["terms"] = termsWord(workspace.responseSurface().terms);
+        if (workspace.responseSurface().terms == PolynomialTerms::Chosen) {
+            json["formula"] = workspace.responseSurface().formula;
+        }
         json["selectsTerms"] = selectsTerms(workspace);
     }
     json["inputs"] = namesOf(workspace.inputs());

@@ -2,6 +2,8 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
+#include <algorithm>
+
 namespace {
 
 using Error = SurrogateModelInterface::Error;
@@ -11,13 +13,29 @@ constexpr std::size_t maxTerms = 10000;
 
 } // namespace
 
-PolynomialForm PolynomialForm::of(PolynomialTerms terms)
+PolynomialForm PolynomialForm::of(const ResponseSurfaceOptions& options, std::size_t inputs)
 {
-    return {terms == PolynomialTerms::Linear ? 1 : 2, terms != PolynomialTerms::Interactions};
+    PolynomialForm form;
+    if (options.terms == PolynomialTerms::Chosen) {
+        form.formula = TermFormula(options.formula, inputs);
+        const std::vector<TermFormula::Term>& terms = form.formula->terms();
+        form.order = terms.empty() ? 0 : static_cast<int>(terms.back().size());
+    } else {
+        form.order = options.terms == PolynomialTerms::Linear ? 1 : 2;
+        form.hasSquares = options.terms != PolynomialTerms::Interactions;
+    }
+    return form;
 }
 
 std::size_t PolynomialForm::termCount(std::size_t inputs) const
 {
+    if (formula) {
+        const std::vector<TermFormula::Term>& terms = formula->terms();
+        return 1 + static_cast<std::size_t>(
+                       std::count_if(terms.begin(), terms.end(), [this](const auto& term) {
+                           return term.size() <= static_cast<std::size_t>(order);
+                       }));
+    }
     return QuadraticBasis::termCount(inputs, order) - (order == 2 && !hasSquares ? inputs : 0);
 }
 
@@ -25,6 +43,7 @@ std::string PolynomialForm::name() const
 {
     return order == 0   ? "constant"
            : order == 1 ? "linear"
+           : formula    ? "chosen terms"
            : hasSquares ? "full quadratic"
                         : "linear with interactions";
 }
@@ -53,9 +72,27 @@ PolynomialForm PolynomialForm::lowered(std::size_t inputs, std::size_t cases) co
     return form;
 }
 
+bool PolynomialForm::isInFormula(const QuadraticBasis::Term& term) const
+{
+    TermFormula::Term factors;
+    for (const std::size_t input : {term.first, term.second}) {
+        if (input != QuadraticBasis::noInput) {
+            factors.push_back(input);
+        }
+    }
+    const std::vector<TermFormula::Term>& terms = formula->terms();
+    return factors.empty() || std::find(terms.begin(), terms.end(), factors) != terms.end();
+}
+
 std::vector<char> PolynomialForm::wantedTerms(const QuadraticBasis& basis) const
 {
     std::vector<char> isWanted;
+    if (formula) {
+        for (const QuadraticBasis::Term& term : basis.terms()) {
+            isWanted.push_back(isInFormula(term) ? 1 : 0);
+        }
+        return isWanted;
+    }
     if (hasSquares || basis.order() < 2) {
         return isWanted;
     }

@@ -1,23 +1,30 @@
 #pragma once
 
-#include <mirel_fitting/PolynomialTerms.h>
+#include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/TermFormula.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
-/** Which terms a polynomial has: all up to an order, on request without the squares. */
+/** Which terms a polynomial has: all up to an order, on request without the squares, or those of a
+ *  formula up to that order. */
 struct PolynomialForm
 {
     int order = 2;          ///< 0 constant, 1 linear, 2 of second order
     bool hasSquares = true; ///< has an effect with order 2 only
 
-    static PolynomialForm of(PolynomialTerms terms);
+    std::optional<TermFormula> formula = std::nullopt; ///< with its own choice of terms
+
+    /** @throw SurrogateModelInterface::Error as TermFormula. */
+    static PolynomialForm of(const ResponseSurfaceOptions& options, std::size_t inputs);
 
     std::size_t termCount(std::size_t inputs) const;
 
-    /** "constant", "linear", "linear with interactions", "full quadratic". */
+    /** "constant", "linear", "linear with interactions", "full quadratic",
+     *  "chosen terms". */
     std::string name() const;
 
     /**
@@ -30,4 +37,7 @@ struct PolynomialForm
 
     /** One flag per term of the basis, which is of this order; empty if it has all of them. */
     std::vector<char> wantedTerms(const QuadraticBasis& basis) const;
+
+private:
+    bool isInFormula(const QuadraticBasis::Term& term) const;
 };

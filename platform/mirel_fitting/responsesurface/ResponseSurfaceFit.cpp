@@ -150,15 +150,27 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
 std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
                                                    const InputNames& names) const
 {
+    std::vector<std::string> notes;
+    std::vector<std::string> added;
+    for (const std::size_t input :
+         wantedForm.formula ? wantedForm.formula->addedInputs() : std::vector<std::size_t>()) {
+        added.push_back(names.input(input));
+    }
+    if (!added.empty()) {
+        notes.push_back(InputNames::listed(added) + (added.size() == 1 ? " was" : " were") +
+                        " added to the chosen terms, since a product or square needs the linear "
+                        "terms of its inputs: without them the fit would depend on where the "
+                        "inputs are 0.");
+    }
     std::vector<std::string> unneeded;
     for (const std::size_t term : fits[output].unneeded) {
         unneeded.push_back(common->basis().name(term, names));
     }
-    if (unneeded.empty()) {
-        return {};
+    if (!unneeded.empty()) {
+        notes.push_back("AICc is lower without " + InputNames::listed(unneeded) +
+                        (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
     }
-    return {"AICc is lower without " + InputNames::listed(unneeded) +
-            (unneeded.size() == 1 ? ": it was" : ": they were") + " left out."};
+    return notes;
 }
 
 /** Without the terms that were not asked for; one per term of the basis is given. */

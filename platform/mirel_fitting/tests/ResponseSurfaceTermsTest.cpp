@@ -29,6 +29,26 @@ Cases twisted(std::size_t count)
 
 } // namespace
 
+TEST(ResponseSurfaceTerms, MayBeThoseOfAFormula)
+{
+    Cases cases = vapourDeposition();
+    const Model model(
+        cases.inputPointers(), cases.outputPointers(), cases.count(),
+        ResponseSurfaceOptions{PolynomialTerms::Chosen, Model::Selection::All, "V2 + V1:V2"});
+
+    // R: lm(y ~ V1 + V2 + V1:V2), response_surface_statistics.R.
+    const std::vector<CoefficientStatistics> found =
+        model.responseSurfaceStatistics(0).coefficients;
+    EXPECT_EQ(termsOf(model, true), (Texts{"1", "V1", "V2", "V1 V2"}));
+    ASSERT_EQ(found.size(), 4u);
+    expectFigure(found[1].estimate, -0.1173954350642329, "V1");
+    expectFigure(found[3].standardError, 0.00405312329472906, "V1 V2");
+    EXPECT_EQ(model.fitWarnings(0, {"A", "B"}),
+              (Texts{"\"A\" was added to the chosen terms, since a product or square needs the "
+                     "linear terms of its inputs: without them the fit would depend on where the "
+                     "inputs are 0."}));
+}
+
 TEST(ResponseSurfaceTerms, AreTheOnesThatWereChosen)
 {
     const Cases cases = twoInputs(40, 1.0);

@@ -130,3 +130,25 @@ for (sign in c(1, -1)) {
     c(radius, 42 + 38 * x[1], 6 + 4 * x[2], p$fit, p$se.fit)
   })))
 }
+
+# Chosen terms.
+show("chosen terms", summary(lm(y ~ V1 + V2 + V1:V2, cvd))$coefficients)
+
+# Box-Cox: the power of greatest profile likelihood and its 95 % limits; the second output is the
+# exponential of the first.
+likelihood <- function(lambda, y) {
+  z <- y / exp(mean(log(y)))
+  w <- if (abs(lambda) < 1e-12) log(z) else (z^lambda - 1) / lambda
+  fitted <- lm(w * exp(mean(log(y))) ~ c1 + c2 + I(c1^2) + I(c1 * c2) + I(c2^2), cvd)
+  n <- length(y)
+  -n / 2 * (log(2 * pi * sum(residuals(fitted)^2) / n) + 1)
+}
+for (y in list(cvd$y, exp(cvd$y))) {
+  best <- optimize(likelihood, c(-2, 2), y = y, maximum = TRUE, tol = 1e-10)
+  level <- best$objective - qchisq(0.95, 1) / 2
+  end <- function(from) {
+    if (likelihood(from, y) > level) return(from)
+    uniroot(function(l) likelihood(l, y) - level, sort(c(from, best$maximum)), tol = 1e-10)$root
+  }
+  show("Box-Cox", c(best$maximum, end(-2), end(2), best$objective))
+}

@@ -87,6 +87,19 @@ TEST(SessionPictures, DoNotSweepWhereTheChoiceIsNotClear)
     EXPECT_EQ(session.sweptInputs(), std::vector<std::size_t>{0});
 }
 
+TEST(SessionPictures, OfTheRidgeAreAscentAndDescentOfEachOutput)
+{
+    CaseSession session = cvdSession();
+
+    const std::vector<PictureData> pictures = SessionPictures::make(Kind::Ridge, session, {});
+
+    ASSERT_EQ(pictures.size(), 4u);
+    EXPECT_EQ(std::get<SweepPicture>(pictures[0]).modelLabel, "largest value");
+    EXPECT_EQ(std::get<SweepPicture>(pictures[1]).modelLabel, "smallest value");
+    EXPECT_FALSE(std::get<SweepPicture>(pictures[1]).lower.empty());
+    EXPECT_EQ(SessionPictures::make(Kind::Normal, session, {}).size(), 2u);
+}
+
 TEST(SessionPictures, OfCoefficientsNeedAResponseSurface)
 {
     const CaseSession session = cvdSession(CaseSession::Kriging);
@@ -166,7 +179,8 @@ TEST(SessionPictures, OfContoursSweepTheInputsThatMatterMost)
 
 TEST(SessionPictures, AreKnownByTheirWords)
 {
-    EXPECT_EQ(SessionPictures::kindWords(), "sweep, contour, actual, residuals, coefficients");
+    EXPECT_EQ(SessionPictures::kindWords(),
+              "sweep, contour, actual, residuals, normal, coefficients, ridge");
     EXPECT_EQ(SessionPictures::kindOf("contour"), Kind::Contour);
     EXPECT_EQ(SessionPictures::kindOf("pie"), std::nullopt);
     EXPECT_EQ(SessionPictures::kindOf(""), std::nullopt);

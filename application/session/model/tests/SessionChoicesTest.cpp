@@ -57,6 +57,23 @@ TEST(SessionChoices, CasesWithoutAChoiceGetAResponseSurfaceOfAllNumericColumns)
     EXPECT_TRUE(session->responseSurface() == ResponseSurfaceOptions());
 }
 
+TEST(SessionChoices, TermsMustBeOfTheInputs)
+{
+    SessionChoices choices;
+    choices.inputs = {"Pressure,H2/WF6"};
+    choices.outputs = {"Stress"};
+    choices.terms = PolynomialTerms::Chosen;
+    choices.formula = "cubic";
+    const auto open = [&] { openCases(cvdCases(), choices); };
+
+    EXPECT_EQ(messageOf<UsageError>(open),
+              "The terms \"cubic\" name \"cubic\", which is no input. --terms takes linear, "
+              "interactions, quadratic or a sum of terms such as A + B + A:B + A^2 of the inputs, "
+              "which are: Pressure, H2/WF6.");
+    choices.formula = "Pressure + H2/WF6^2";
+    EXPECT_NO_THROW(open());
+}
+
 TEST(SessionChoices, CasesGetWhatIsChosen)
 {
     SessionChoices choices;

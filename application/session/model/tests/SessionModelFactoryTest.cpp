@@ -55,6 +55,31 @@ TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrThe
     EXPECT_TRUE(factory.needsCases());
 }
 
+TEST_F(SessionModelFactoryTest, TransformsResponseSurfacesByBoxCox)
+{
+    factory.responseSurface()->set(
+        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+    factory.transform()->set(TransformSetting::BoxCox);
+    const double noise[] = {0.02, -0.01, -0.03, 0.03, 0.0, -0.01};
+    for (std::size_t i = 0; i < 6; ++i) {
+        y[i] = std::exp(x[i] + noise[i]);
+    }
+    const auto model = make(SurrogateModelManagerInterface::ResponseSurface);
+
+    EXPECT_EQ(transformOf(*model), OutputTransform::Logarithm);
+    const auto profile = ModelInterfaces(*model).transform(0).profile;
+    ASSERT_TRUE(profile);
+    EXPECT_NEAR(profile->power, 0.0, 0.1);
+
+    y[0] = -1.0;
+    const auto refused = make(SurrogateModelManagerInterface::ResponseSurface);
+    EXPECT_EQ(transformOf(*refused), OutputTransform::None);
+    EXPECT_FALSE(ModelInterfaces(*refused).transform(0).profile);
+    EXPECT_EQ(dynamic_cast<const PredictiveModel&>(*refused).fitWarnings(0).front(),
+              "The output is not positive in all cases: it was modelled itself, not its logarithm "
+              "or square root.");
+}
+
 TEST_F(SessionModelFactoryTest, TransformsTheOutputsOfBothModelsAsChosen)
 {
     y[0] = 1.0;

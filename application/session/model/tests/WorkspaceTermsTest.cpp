@@ -57,6 +57,37 @@ protected:
 };
 } // namespace
 
+TEST_F(WorkspaceTerms, MayBeAFormulaInTheNamesOfTheInputs)
+{
+    const ResponseSurfaceOptions chosen = {PolynomialTerms::Chosen,
+                                           ResponseSurfaceOptions::Selection::All,
+                                           "H2/WF6 + Pressure + H2/WF6:Pressure"};
+    CaseSession terms = session();
+
+    terms.chooseResponseSurface(chosen);
+    EXPECT_EQ(terms.statistics()[0].coefficients.size(), 4u);
+    EXPECT_EQ(terms.statistics()[0].coefficients[3].term, "V1 V2");
+
+    UndoStack().stack().undo();
+    EXPECT_EQ(terms.statistics()[0].coefficients.size(), 6u);
+    EXPECT_TRUE(documentWith(chosen).responseSurface == chosen);
+}
+
+TEST_F(WorkspaceTerms, OfAFormulaNeedItsInputs)
+{
+    CaseSession terms = session();
+    terms.chooseResponseSurface(
+        {PolynomialTerms::Chosen, ResponseSurfaceOptions::Selection::All, "Pressure + Ratio"});
+
+    try {
+        terms.fit();
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "The terms \"Pressure + Ratio\" name \"Ratio\", which is no input.");
+    }
+}
+
 TEST_F(WorkspaceTerms, IsAllTermsAtFirst)
 {
     CaseSession chosen = session();

@@ -213,6 +213,18 @@ TEST(ProjectElements, NameTheTermsOnlyWhereTheyAreNotTheUsualOnes)
               std::string::npos);
 }
 
+TEST(ProjectElements, KeepTheFormulaOfChosenTerms)
+{
+    ProjectContents contents;
+    contents.responseSurface = {PolynomialTerms::Chosen, ResponseSurfaceOptions::Selection::All,
+                                "A + \"B+1\"^2"};
+
+    EXPECT_NE(writeXml(projectElement(contents, {}))
+                  .find("  <Polynomial Formula=\"A + &quot;B+1&quot;^2\" Terms=\"Chosen\"/>\n"),
+              std::string::npos)
+        << writeXml(projectElement(contents, {}));
+}
+
 TEST(ProjectElements, RefuseAnotherKindOfFile)
 {
     EXPECT_EQ(refusalOf("<svg/>"),

@@ -9,9 +9,14 @@
 
 namespace {
 
-const PolynomialForm quadratic = PolynomialForm::of(PolynomialTerms::Quadratic);
-const PolynomialForm interactions = PolynomialForm::of(PolynomialTerms::Interactions);
-const PolynomialForm linear = PolynomialForm::of(PolynomialTerms::Linear);
+PolynomialForm of(PolynomialTerms terms, const std::string& formula = "")
+{
+    return PolynomialForm::of({terms, ResponseSurfaceOptions::Selection::All, formula}, 3);
+}
+
+const PolynomialForm quadratic = of(PolynomialTerms::Quadratic);
+const PolynomialForm interactions = of(PolynomialTerms::Interactions);
+const PolynomialForm linear = of(PolynomialTerms::Linear);
 
 std::string refusal(const PolynomialForm& form, std::size_t inputs, std::size_t cases)
 {
@@ -24,6 +29,22 @@ std::string refusal(const PolynomialForm& form, std::size_t inputs, std::size_t 
 }
 
 } // namespace
+
+TEST(PolynomialForm, HasTheTermsOfAFormula)
+{
+    const PolynomialForm chosen = of(PolynomialTerms::Chosen, "V1 + V3 + V1:V3 + V3^2");
+
+    EXPECT_EQ(chosen.termCount(3), 5u);
+    EXPECT_EQ(chosen.name(), "chosen terms");
+    // 1, V1, V2, V3, V1^2, V1 V2, V1 V3, V2^2, V2 V3, V3^2
+    EXPECT_EQ(chosen.wantedTerms(QuadraticBasis(3, 2)),
+              (std::vector<char>{1, 1, 0, 1, 0, 0, 1, 0, 0, 1}));
+    const PolynomialForm lowered = chosen.lowered(3, 4);
+    EXPECT_EQ(lowered.order, 1);
+    EXPECT_EQ(lowered.wantedTerms(QuadraticBasis(3, 1)), (std::vector<char>{1, 1, 0, 1}));
+    EXPECT_EQ(of(PolynomialTerms::Chosen, "V2").order, 1);
+    EXPECT_EQ(of(PolynomialTerms::Chosen, "1").order, 0);
+}
 
 TEST(PolynomialForm, CountsItsTerms)
 {

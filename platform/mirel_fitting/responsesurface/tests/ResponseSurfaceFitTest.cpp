@@ -13,7 +13,7 @@ using Selection = ResponseSurfaceOptions::Selection;
 ResponseSurfaceFit fit(Cases cases, Selection selection = Selection::All)
 {
     return {cases.inputPointers(), cases.outputPointers(), cases.count(),
-            PolynomialForm::of(PolynomialTerms::Quadratic), selection};
+            PolynomialForm::of({}, cases.inputs.size()), selection};
 }
 
 } // namespace

@@ -1,0 +1,128 @@
+#include "plot/model/DiagnosticPictures.h"
+
+#include "plot/model/DrawableValues.h"
+
+#include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+
+#include <boost/math/distributions/normal.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace {
+/** The probability of a rank, from 0, among so many: Blom's for few, else the middle of its share,
+ *  as in R's normal plots. */
+double plottingPosition(std::size_t rank, std::size_t count)
+{
+    constexpr std::size_t few = 10;
+    const double offset = count <= few ? 3.0 / 8.0 : 0.5;
+    return (static_cast<double>(rank) + 1.0 - offset) /
+           (static_cast<double>(count) + 1.0 - 2.0 * offset);
+}
+
+std::string placeText(const RidgePoint& point, const std::vector<std::string>& inputs)
+{
+    constexpr std::size_t mostNamed = 6;
+    constexpr int digits = 4;
+    std::string text;
+    std::size_t more = 0;
+    std::size_t named = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        if (std::isnan(point.coordinates[i])) {
+            continue;
+        }
+        if (named++ < mostNamed) {
+            text += (text.empty() ? "" : ", ") + inputs[i] + " = " +
+                    shownNumber(point.coordinates[i], digits);
+        } else {
+            ++more;
+        }
+    }
+    return text + (more > 0 ? " and " + std::to_string(more) + " more" : "");
+}
+} // namespace
+
+NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics, const std::string& output)
+{
+    std::vector<const CaseDiagnostics*> cases;
+    for (const CaseDiagnostics& one : statistics.cases) {
+        if (std::isfinite(one.externallyStudentised)) {
+            cases.push_back(&one);
+        }
+    }
+    if (cases.empty()) {
+        throw SurrogateModelInterface::Error(
+            "The residuals of " + quotedText(output) +
+            " cannot be studentised: the polynomial passes through all cases, or all but one. More "
+            "cases, or fewer terms, leave residuals.");
+    }
+    std::stable_sort(cases.begin(), cases.end(), [](const auto* left, const auto* right) {
+        return left->externallyStudentised < right->externallyStudentised;
+    });
+
+    NormalPicture picture;
+    picture.title = output + ", response surface, normal plot of the residuals";
+    picture.limit = statistics.outlierLimit;
+    const boost::math::normal normal;
+    for (std::size_t k = 0; k < cases.size(); ++k) {
+        picture.quantiles.push_back(
+            boost::math::quantile(normal, plottingPosition(k, cases.size())));
+        picture.residuals.push_back(cases[k]->externallyStudentised);
+        if (std::abs(cases[k]->externallyStudentised) > statistics.outlierLimit) {
+            picture.outliers.push_back({k, cases[k]->row + 1});
+        }
+    }
+    requireDrawable(picture.residuals, "The model of " + quotedText(output));
+    constexpr int digits = 3;
+    picture.caption = "Residuals of normal noise lie near the dashed line. ";
+    picture.caption += picture.outliers.empty()
+                           ? "No case is suspected to be an outlier: none is beyond "
+                           : "Numbered cases are suspected to be outliers: they are beyond ";
+    picture.caption +=
+        "\302\261 " + shownNumber(picture.limit, digits) + " (Bonferroni at 5\302\240%).";
+    return picture;
+}
+
+SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAscent,
+                          const std::vector<std::string>& inputs, const std::string& output,
+                          double quantile)
+{
+    const std::vector<RidgePoint>& ridge = isAscent ? statistics.ascent : statistics.descent;
+    const std::string owner = "The model of " + quotedText(output);
+    if (ridge.empty()) {
+        throw SurrogateModelInterface::Error(owner + " is a constant: it has no ridge.");
+    }
+    SweepPicture picture;
+    picture.title =
+        output + ", response surface, ridge of steepest " + (isAscent ? "ascent" : "descent");
+    picture.inputName = "distance from the middle, inputs coded to [-1, 1]";
+    picture.outputName = output;
+    picture.modelLabel = isAscent ? "largest value" : "smallest value";
+    for (const RidgePoint& point : ridge) {
+        picture.inputs.push_back(point.distance);
+        picture.model.push_back(point.value);
+        const double halfWidth = quantile * point.standardError;
+        if (std::isfinite(halfWidth)) {
+            picture.lower.push_back(point.value - halfWidth);
+            picture.upper.push_back(point.value + halfWidth);
+        }
+    }
+    if (picture.lower.size() < ridge.size()) {
+        picture.lower.clear();
+        picture.upper.clear();
+    } else {
+        constexpr int digits = 3;
+        picture.bandLabel =
+            "\302\261 " + shownNumber(quantile, digits) + " standard errors (95\302\240%)";
+    }
+    picture.caption = "In the middle " + placeText(ridge.front(), inputs) + "; at distance 1 " +
+                      placeText(ridge.back(), inputs) + ".";
+    for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {
+        requireDrawable(*column, owner);
+    }
+    return picture;
+}

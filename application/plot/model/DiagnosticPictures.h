@@ -1,0 +1,30 @@
+#pragma once
+
+#include <plot/data/NormalPicture.h>
+#include <plot/data/SweepPicture.h>
+
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+
+#include <surrogate_plot/Export.h>
+
+#include <string>
+#include <vector>
+
+/**
+ * The externally studentised residuals of a response surface, whose rows are positions of cases;
+ * the suspected outliers are numbered.
+ * @throw SurrogateModelInterface::Error if there are none.
+ */
+SURROGATE_PLOT_EXPORT NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics,
+                                                  const std::string& output);
+
+/**
+ * The values along the ridge of ascent or of descent.
+ * @param inputs   their names.
+ * @param quantile of confidence limits in standard errors; NaN for none.
+ * @throw SurrogateModelInterface::Error if there is none, or it cannot be drawn.
+ */
+SURROGATE_PLOT_EXPORT SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics,
+                                                bool isAscent,
+                                                const std::vector<std::string>& inputs,
+                                                const std::string& output, double quantile);
