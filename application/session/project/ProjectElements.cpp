@@ -236,7 +236,7 @@ ReadingChoices readReading(const XmlNode& element)
         reading.unitsRow = requiredWord(element, "UnitsRow", answers);
     }
     if (isThere("SkippedLines")) {
-        reading.skippedLines = requiredNumber(element, "SkippedLines", 0, mostCases);
+        reading.skippedLines = requiredNumber(element, "SkippedLines", 0, maxCases);
     }
     if (isThere("CommentMark")) {
         reading.commentMark = required(element, "CommentMark");
