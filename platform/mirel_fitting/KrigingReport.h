@@ -21,6 +21,9 @@ struct KrigingReport
     /** One per input: where its estimated length ended; None for a fixed one. Upper also where a
      *  length short of the upper bound is as likely as the bound. */
     std::vector<Bound> lengthBounds;
+    /** One per input: whether the trend shows none either, where the bound is Upper: it has no term
+     *  with the input, or only some whose coefficients are less than two standard errors from 0. */
+    std::vector<bool> isWithoutInfluence;
     double nugget = 0.0; ///< relative to the process variance
     /** Upper: beyond the trend the cases show no correlation. Never Lower. */
     Bound nuggetBound = Bound::None;

@@ -10,6 +10,7 @@
 #include <mirel_fitting/kriging/fit/KrigingIntervals.h>
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
+#include <mirel_fitting/kriging/prediction/KrigingSupport.h>
 #include <mirel_fitting/numerics/Distributions.h>
 
 #include <algorithm>
@@ -132,10 +133,19 @@ public:
         return *cases;
     }
 
+    const KrigingSupport& caseSupport()
+    {
+        if (!support) {
+            support = std::make_unique<const KrigingSupport>(preparedCases(), ranges);
+        }
+        return *support;
+    }
+
     ArgumentCheck columns;
     CaseRanges ranges;
     std::vector<std::vector<double>> inputs; // until the cases are prepared
     std::unique_ptr<const KrigingCases> cases;
+    std::unique_ptr<const KrigingSupport> support; // once it was asked for
     std::vector<std::vector<double>> outputs;
     KrigingFitOptions options;
     std::map<int, KrigingFit> fits;
@@ -296,7 +306,9 @@ KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, 
                                             const std::vector<std::string>& inputNames) const
 {
     impl->columns.requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count, InputNames(inputNames));
+    const std::vector<char> unsupported =
+        count > 0 ? impl->caseSupport().unsupported(inputs, count) : std::vector<char>();
+    return impl->ranges.warning(inputs, count, InputNames(inputNames), unsupported);
 }
 
 PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) const

@@ -71,10 +71,15 @@ std::string boundText(KrigingReport::Bound bound)
     return name == "none" ? "" : " (at its " + name + " bound)";
 }
 
-std::string lengthText(KrigingReport::Bound bound)
+std::string lengthText(const KrigingReport& report, std::size_t input)
 {
-    return bound == KrigingReport::Bound::Upper ? " (no influence beyond the trend)"
-                                                : boundText(bound);
+    const KrigingReport::Bound bound = lengthBound(report, input);
+    if (bound != KrigingReport::Bound::Upper) {
+        return boundText(bound);
+    }
+    const bool isWithout =
+        input < report.isWithoutInfluence.size() && report.isWithoutInfluence[input];
+    return isWithout ? " (no influence)" : " (no influence beyond the trend)";
 }
 
 /** The names of the inputs in "V1^2" or "V1 V2"; empty for the constant "1". */
@@ -275,7 +280,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
                              std::isinf(report.correlationLengths[i])
                                  ? "infinite (no influence)"
                                  : shownNumber(report.correlationLengths[i]) +
-                                       lengthText(lengthBound(report, i)));
+                                       lengthText(report, i));
     }
     for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
         constexpr int fewestDigits = 6;

@@ -311,10 +311,10 @@ TEST(TransformedOutput, ChoosesForResponseSurfacesToo)
     EXPECT_EQ(model.surfaceCoefficientInformation(0).substr(0, 4), "exp(");
 }
 
-TEST(TransformedOutput, ChoosesNoTransformForMoreThanTwoThousandCases)
+TEST(TransformedOutput, ChoosesNoTransformForMoreThanFiveThousandCases)
 {
     Random random(3);
-    Cases cases{{random.column(2001, 0.0, 1.0)}, {{}}};
+    Cases cases{{random.column(5001, 0.0, 1.0)}, {{}}};
     for (const double x : cases.inputs[0]) {
         cases.outputs[0].push_back(std::exp(4.0 * x + 0.1 * random.next()));
     }

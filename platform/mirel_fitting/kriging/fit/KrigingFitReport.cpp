@@ -53,6 +53,28 @@ void KrigingFitReport::addCorrelation(KrigingFit& fit, const KrigingSearchResult
     fit.report.criterion = found.criterion;
 }
 
+void KrigingFitReport::addInfluence(KrigingFit& fit, const KrigingTrend& trend,
+                                    const std::vector<double>& coefficients,
+                                    const std::vector<double>& errors) const
+{
+    constexpr double significant = 2.0; // standard errors: about the 95 % point of Student's t
+
+    std::vector<bool>& result = fit.report.isWithoutInfluence;
+    result.assign(cases.inputCount(), false);
+    for (std::size_t input = 0; input < result.size(); ++input) {
+        result[input] = fit.report.lengthBounds[input] == KrigingReport::Bound::Upper;
+    }
+    for (std::size_t t = 0; t < trend.size(); ++t) {
+        const double error = errors.empty() ? 0.0 : errors[t];
+        const QuadraticBasis::Term term = trend.keptTerms()[t];
+        for (const std::size_t k : {term.first, term.second}) {
+            if (k != QuadraticBasis::noInput && std::fabs(coefficients[t]) > significant * error) {
+                result[cases.activeInputs()[k]] = false;
+            }
+        }
+    }
+}
+
 void KrigingFitReport::addLikelihood(KrigingFit& fit, const KrigingSearchResult& found) const
 {
     const double ofUnit = fit.report.degreesOfFreedom * std::log(outputScale.scale);

@@ -30,6 +30,15 @@ public:
     /** Lengths, nugget, process variance and noise of the fit's model. */
     void addCorrelation(KrigingFit& fit, const KrigingSearchResult& found, double condition) const;
 
+    /**
+     * Which inputs have no influence at all; after addCorrelation().
+     * @param errors of the trend's coefficients, of the standardised output; none: they count as
+     *               exact.
+     */
+    void addInfluence(KrigingFit& fit, const KrigingTrend& trend,
+                      const std::vector<double>& coefficients,
+                      const std::vector<double>& errors = {}) const;
+
     /** After addCorrelation(). */
     void addLikelihood(KrigingFit& fit, const KrigingSearchResult& found) const;
 

@@ -11,6 +11,7 @@
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <memory>
 #include <numeric>
@@ -59,6 +60,12 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     const KrigingFitReport report = input.report();
     report.addCorrelation(fit, found, likelihood.equations().conditionEstimate());
     report.addLikelihood(fit, found);
+    std::vector<double> trendErrors = likelihood.equations().coefficientErrors();
+    for (double& error : trendErrors) {
+        error *= std::sqrt(likelihood.processVariance());
+    }
+    report.addInfluence(fit, *estimated.trend(), likelihood.equations().coefficients(),
+                        trendErrors);
     report.addTrend(fit, *estimated.trend(), likelihood.equations().coefficients());
     addErrors(fit, distinct, *data, likelihood,
               exact.model.interpolates ? 0.0 : found.parameters.nugget);

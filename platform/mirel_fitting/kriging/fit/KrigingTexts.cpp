@@ -42,9 +42,21 @@ std::string boundText(KrigingReport::Bound bound)
     }
 }
 
-std::string lengthBoundText(KrigingReport::Bound bound)
+bool isWithoutInfluence(const KrigingReport& report, std::size_t input)
 {
-    return bound == KrigingReport::Bound::Upper ? " (no influence)" : boundText(bound);
+    return input < report.isWithoutInfluence.size() && report.isWithoutInfluence[input];
+}
+
+std::string lengthBoundText(const KrigingReport& report, std::size_t input)
+{
+    if (input >= report.lengthBounds.size()) {
+        return "";
+    }
+    if (report.lengthBounds[input] != KrigingReport::Bound::Upper) {
+        return boundText(report.lengthBounds[input]);
+    }
+    return isWithoutInfluence(report, input) ? " (no influence)"
+                                             : " (no influence beyond the trend)";
 }
 
 std::string otherLengthsText(const KrigingReport& report)
@@ -78,10 +90,11 @@ void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
                        std::vector<std::string>& sentences)
 {
     std::vector<std::size_t> withoutInfluence;
+    std::vector<std::size_t> onlyInTrend;
     std::vector<std::size_t> fast;
     for (std::size_t k = 0; k < fit.report.lengthBounds.size(); ++k) {
         if (fit.report.lengthBounds[k] == KrigingReport::Bound::Upper) {
-            withoutInfluence.push_back(k);
+            (isWithoutInfluence(fit.report, k) ? withoutInfluence : onlyInTrend).push_back(k);
         }
         // Lengths this short mean noise.
         if (fit.report.lengthBounds[k] == KrigingReport::Bound::Lower && !fit.isMostlyNoise) {
@@ -89,7 +102,10 @@ void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
         }
     }
     if (!withoutInfluence.empty()) {
-        sentences.push_back("The cases show no influence of " + names.list(withoutInfluence) +
+        sentences.push_back("The cases show no influence of " + names.list(withoutInfluence) + ".");
+    }
+    if (!onlyInTrend.empty()) {
+        sentences.push_back("The cases show no influence of " + names.list(onlyInTrend) +
                             " beyond the trend.");
     }
     if (!fast.empty()) {
@@ -113,9 +129,7 @@ std::string KrigingTexts::lengths(const KrigingReport& report)
     std::string text;
     for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
         text += "Correlation length of V" + std::to_string(k + 1) + ": " +
-                figure(report.correlationLengths[k]) +
-                (k < report.lengthBounds.size() ? lengthBoundText(report.lengthBounds[k]) : "") +
-                "\n";
+                figure(report.correlationLengths[k]) + lengthBoundText(report, k) + "\n";
     }
     return text;
 }

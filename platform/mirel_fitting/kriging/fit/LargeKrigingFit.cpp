@@ -121,6 +121,7 @@ KrigingFit fitLargeKriging(const KrigingFitInput& input, const DistinctCases& di
     const LargeKriging::Result& result = large.result;
     KrigingFit fit{KrigingPredictor(modelOf(input, large)), {}, {}, {}, {}, {}, {}};
     input.report().addCorrelation(fit, result.found, result.subset.condition);
+    input.report().addInfluence(fit, *trend, result.subset.coefficients);
     input.report().addTrend(fit, *trend, result.subset.coefficients);
     distinct.addErrors(fit, *large.all, result.residuals,
                        {result.measured, result.leaveOneOutResiduals, result.leaveOneOutVariances,

@@ -196,6 +196,19 @@ double KrigingEquations::normOfInverse() const
     }
 }
 
+/** The lengths of the rows of T^-1. */
+std::vector<double> KrigingEquations::coefficientErrors() const
+{
+    const auto terms = static_cast<lapack_int>(p);
+    std::vector<double> inverse = whitenedTrend.triangle();
+    LAPACKE_dtrtri_work(LAPACK_COL_MAJOR, 'U', 'N', terms, inverse.data(), terms);
+    std::vector<double> errors(p);
+    for (std::size_t t = 0; t < p; ++t) {
+        errors[t] = cblas_dnrm2(static_cast<int>(p - t), inverse.data() + t * p + t, terms);
+    }
+    return errors;
+}
+
 /** Whitens columns by L^-1, then projects out the trend. */
 void KrigingEquations::whitenAndProject(std::vector<double>& columns, std::size_t count) const
 {

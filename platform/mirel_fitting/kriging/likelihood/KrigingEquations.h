@@ -44,6 +44,8 @@ public:
     double squares() const { return weightedSquares; }
     /** Of the trend terms. */
     const std::vector<double>& coefficients() const { return beta; }
+    /** Standard errors of coefficients(), relative to the process deviation. */
+    std::vector<double> coefficientErrors() const;
     /** R^-1 (y - trend): the prediction is the trend plus the correlations times these. */
     const std::vector<double>& weights() const { return refinedAlpha; }
     /** The weights with the nugget, also after refineWithoutNugget(). */

@@ -50,7 +50,29 @@ TEST(KrigingFitReport, SaysWhichInputsHaveNoInfluence)
     const KrigingFit fit = fitOf(
         inputs, valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs));
 
-    EXPECT_TRUE(warns(fit, "The cases show no influence of V2 beyond the trend."));
+    EXPECT_TRUE(warns(fit, "The cases show no influence of V2."));
+    EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, true}));
+}
+
+TEST(KrigingFitReport, SeesInfluenceInTheTrend)
+{
+    Columns inputs = latinHypercube(40, 2, 3);
+    const std::vector<double> output =
+        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
+    KrigingFit fit = fitOf(inputs, output);
+    const KrigingCases cases(pointersTo(inputs), 40);
+    const KrigingTrend trend(40, 2, cases.coordinates(), 1, 0);
+    const KrigingFitReport report(cases, output, OutputScale::of(output));
+    const std::vector<double> errors(3, 0.2);
+
+    // Only the length of the second input is at its upper bound. Its slope is no more than two
+    // errors, more than these, and without an error.
+    report.addInfluence(fit, trend, {1.0, 0.1, 0.3}, errors);
+    EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, true}));
+    report.addInfluence(fit, trend, {1.0, 0.1, -0.5}, errors);
+    EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
+    report.addInfluence(fit, trend, {1.0, 0.1, 0.3});
+    EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
 }
 
 TEST(KrigingFitReport, ReportsWhichLengthsAreAtABound)

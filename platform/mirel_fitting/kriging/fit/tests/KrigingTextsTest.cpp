@@ -66,7 +66,7 @@ TEST(KrigingTexts, WritesALinePerFigure)
         "Condition of the correlation matrix: 12345\n"
         "Trend: linear, 2 + 3 * V1\n"
         "Correlation length of V1: 0.5\n"
-        "Correlation length of V2: 300 (no influence)\n"
+        "Correlation length of V2: 300 (no influence beyond the trend)\n"
         "Correlation length of V3: 0.01 (at its lower bound)\n"
         "Warning: V4 is constant over the cases and was ignored.\n"
         "Warning: The cases show no influence of V2 beyond the trend.\n"

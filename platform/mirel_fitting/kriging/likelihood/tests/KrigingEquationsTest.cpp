@@ -63,6 +63,26 @@ TEST(KrigingEquations, LeavesOutNoCaseThatTheTrendCannotDoWithout)
     EXPECT_TRUE(std::isnan(residuals[7]));
 }
 
+TEST(KrigingEquations, KnowsTheErrorsOfTheTrendsCoefficients)
+{
+    const auto data = someData(15);
+    KrigingEquations equations(data);
+    equations.solve(someLengths, someNugget);
+
+    const std::vector<double> errors = equations.coefficientErrors();
+
+    // A point that nothing correlates with has the variance 1 more than the trend there.
+    const DirectKriging all = direct(*data, someLengths, someNugget);
+    const DirectKriging::Vector farAway = {1e6, 1e6};
+    for (std::size_t t = 0; t < 3; ++t) {
+        DirectKriging::Vector term(3, 0.0L);
+        term[t] = 1.0L;
+        EXPECT_NEAR(errors[t] * errors[t],
+                    static_cast<double>(all.relativeVariance(farAway, term)) - 1.0, 1e-10)
+            << t;
+    }
+}
+
 TEST(KrigingEquations, EstimatesTheCondition)
 {
     // Nearly independent cases: close to 1. Long lengths and a small nugget: the largest eigenvalue

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <mirel_fitting/cases/CaseRanges.h>
+#include <mirel_fitting/cases/KrigingCases.h>
+#include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+/**
+ * Whether the cases support predictions at a point, judged by all inputs together: by the share
+ * that they leave of the variance of a process with a constant mean, the same for every output and
+ * as smooth as the prior of the lengths expects. The estimated lengths do not show it: where one
+ * input follows from others, the output can be explained without it, and off their relation the
+ * model is certain all the same.
+ *
+ * A point is supported that is left no more than the case which the others support least, but for a
+ * tenth. From more than 300 points so many that are spread over all of them stand for all: a point
+ * costs 300^2 multiplications.
+ */
+class KrigingSupport
+{
+public:
+    /** @param ranges of the same cases, borrowed for life. */
+    KrigingSupport(const KrigingCases& cases, const CaseRanges& ranges);
+
+    /** One flag per point, 1 if it is not supported; values beyond a range count as its end.
+     *  @param points as for KrigingPredictor. */
+    std::vector<char> unsupported(const std::vector<double*>& points, std::size_t count) const;
+
+private:
+    const CaseRanges& ranges;
+    std::optional<KrigingPredictor> process; // none without inputs or other cases to judge by
+    double largestError = 0.0;               // that is supported
+};

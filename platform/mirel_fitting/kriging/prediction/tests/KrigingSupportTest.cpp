@@ -1,0 +1,90 @@
+#include <mirel_fitting/kriging/prediction/KrigingSupport.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+/** One flag per point, "1" where it is not supported. */
+std::string unsupported(Columns cases, Columns points)
+{
+    const std::size_t rows = cases.empty() ? 1 : cases.front().size();
+    const CaseRanges ranges(pointersTo(cases), rows);
+    const KrigingCases kriging(pointersTo(cases), rows);
+    std::string text;
+    for (const char flag :
+         KrigingSupport(kriging, ranges).unsupported(pointersTo(points), points.front().size())) {
+        text += flag == 0 ? '0' : '1';
+    }
+    return text;
+}
+
+/** Two inputs over [0, 10], and 2 a + b, rounded. */
+Columns relatedInputs(std::size_t count)
+{
+    UniformNumbers numbers(4);
+    Columns inputs(3);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double a = 10.0 * numbers.next();
+        const double b = 10.0 * numbers.next();
+        inputs[0].push_back(a);
+        inputs[1].push_back(b);
+        inputs[2].push_back(std::round(2.0 * a + b));
+    }
+    return inputs;
+}
+
+} // namespace
+
+TEST(KrigingSupport, IsMissingOffTheRelationOfTheInputs)
+{
+    for (const std::size_t cases : {30u, 100u, 1000u}) {
+        // On the plane twice, then 10 of 30 above and 8 below it.
+        EXPECT_EQ(
+            unsupported(relatedInputs(cases),
+                        {{5.0, 3.0, 4.0, 6.0}, {5.0, 7.0, 4.0, 6.0}, {15.0, 13.0, 22.0, 10.0}}),
+            "0011")
+            << cases;
+    }
+}
+
+TEST(KrigingSupport, IsMissingInACornerWithoutCases)
+{
+    Columns inputs(2);
+    for (int i = 0; i <= 20; ++i) {
+        inputs[0].push_back(i);
+        inputs[1].push_back(i + (i % 2 == 0 ? 1.0 : -1.0));
+    }
+
+    EXPECT_EQ(unsupported(inputs, {{10.0, 20.0, 0.0}, {10.0, 0.0, 20.0}}), "011");
+}
+
+TEST(KrigingSupport, ReachesAllOfADesignThatFillsTheRanges)
+{
+    UniformNumbers numbers(8);
+    const Columns inputs = {numbers.next(80), numbers.next(80)};
+
+    EXPECT_EQ(unsupported(inputs, {{0.5, 0.3, 0.7, 0.15}, {0.5, 0.7, 0.8, 0.4}}), "0000");
+}
+
+TEST(KrigingSupport, ReachesALittleBeyondTheRanges)
+{
+    const Columns inputs = {{0.0, 1.0, 0.0, 1.0, 0.5}, {0.0, 0.0, 1.0, 1.0, 0.5}};
+
+    // Whether a point lies outside the range of an input is another question.
+    EXPECT_EQ(unsupported(inputs, {{1.01, 3.0}, {1.01, -3.0}}), "00");
+}
+
+TEST(KrigingSupport, IsNotJudgedWithoutOtherCasesOrInputsThatVary)
+{
+    EXPECT_EQ(unsupported({{2.0}}, {{7.0}}), "0");
+    EXPECT_EQ(unsupported({{2.0, 2.0}}, {{7.0}}), "0");
+}
+
+TEST(KrigingSupport, IsNotJudgedOfPointsThatAreNotFinite)
+{
+    EXPECT_EQ(unsupported(relatedInputs(30), {{std::nan("")}, {5.0}, {15.0}}), "0");
+}
