@@ -2,6 +2,7 @@
 
 #include "plot/drawing/DrawingApplication.h"
 #include "plot/drawing/Picture.h"
+#include "plot/drawing/PlotWidget.h"
 #include "plot/model/CasePictures.h"
 #include "plot/model/CoefficientPictures.h"
 #include "plot/model/ConfidenceBand.h"
@@ -22,6 +23,7 @@
 #include <cstddef>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace {
@@ -33,6 +35,17 @@ constexpr std::size_t contourValues = 61;
 
 /** Sweeps of further inputs hardly change. */
 constexpr std::size_t maxSweeps = 6;
+
+/** Terms of coefficients make the picture grow, up to some seventy. */
+PictureSize sizeFor(const PictureData& picture)
+{
+    constexpr int maxHeight = 1400;
+    PictureSize size = sizeOnPage;
+    if (const auto* const terms = std::get_if<CoefficientPicture>(&picture)) {
+        size.height = std::clamp(PlotWidget::heightOf(*terms), size.height, maxHeight);
+    }
+    return size;
+}
 
 /** In the place of a picture that cannot be drawn, which does not cost the others. */
 std::string faultText(const std::string& kind, const SurrogateModelInterface::Error& error)
@@ -46,7 +59,9 @@ template <typename Make>
 std::string drawn(const std::string& kind, Make make)
 {
     try {
-        return Picture({make()}, sizeOnPage).toInlineSvg();
+        PictureData picture = make();
+        const PictureSize size = sizeFor(picture);
+        return Picture({std::move(picture)}, size).toInlineSvg();
     } catch (const SurrogateModelInterface::Error& error) {
         return faultText(kind, error);
     }

@@ -18,6 +18,25 @@ TEST(ReportPage, HasThePicturesOfEachOutput)
     EXPECT_EQ(countOf(ReportPage::html(kriging), "<svg "), 10u) << "without coefficients";
 }
 
+TEST(ReportPage, ShowsAllTermsOfManyInputs)
+{
+    // 35 terms of seven inputs, more than fit into the height of the other pictures.
+    CaseTable table;
+    table.cases = 60;
+    unsigned int state = 1;
+    for (int i = 0; i < 8; ++i) {
+        table.columns.emplace_back().name = "x" + std::to_string(i);
+        for (std::size_t row = 0; row < table.cases; ++row) {
+            state = 1664525u * state + 1013904223u;
+            table.columns.back().numbers.push_back(static_cast<double>(state >> 8));
+        }
+    }
+    CaseSession session(std::move(table), {{0, 1, 2, 3, 4, 5, 6}, {7}}, {},
+                        CaseSession::ResponseSurface);
+
+    EXPECT_EQ(countOf(ReportPage::html(session), " terms fit here"), 0u);
+}
+
 TEST(ReportPage, RanksTheInputs)
 {
     CaseSession session = cvdSession();
