@@ -250,8 +250,8 @@ TEST_F(Program, CellsThatAreNoNumbersAreReportedAndTheirCasesLeftOut)
         Json::parse(run("fit failed.csv -x x -y y --json").out)["cases"]["withoutNumber"],
         Json::parse(R"([{"name": "y", "cells": 2, "spellings": ["failed"], "firstLine": 3}])"));
     EXPECT_NE(run("summary failed.csv")
-                  .out.find("y: 2 cells are no numbers (\"failed\", first in line 3): they count "
-                            "as missing.\n"),
+                  .out.find("y lacks a number in 2 of 6 cases, 2 cells are no numbers (\"failed\", "
+                            "first in line 3): these cases are left out; complete them.\n"),
               std::string::npos);
 }
 

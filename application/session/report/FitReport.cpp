@@ -2,6 +2,7 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/model/CaseSession.h"
+#include "session/report/FindingsReport.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
 #include "session/text/JoinedText.h"
@@ -416,7 +417,8 @@ std::string FitReport::text(CaseSession& session)
             text += StatisticsTables::text(statistics[i], inputs);
         }
     }
-    return text;
+    const SessionFindings findings = SessionFindings::ofFit(session);
+    return findings.findings.empty() ? text : text + '\n' + FindingsReport::text(findings);
 }
 
 ReportJson::Json FitReport::json(CaseSession& session)
@@ -439,6 +441,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
         }
         json["outputs"].push_back(std::move(output));
     }
+    json["findings"] = FindingsReport::json(SessionFindings::ofFit(session));
     return json;
 }
 

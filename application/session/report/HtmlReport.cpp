@@ -2,6 +2,7 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/model/CaseSession.h"
+#include "session/report/FindingsReport.h"
 #include "session/report/FitReport.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
@@ -207,6 +208,18 @@ std::string rankingTable(const std::vector<std::pair<std::size_t, double>>& rank
     return text;
 }
 
+std::string findingSection(const std::vector<std::string>& sentences)
+{
+    if (sentences.empty()) {
+        return "";
+    }
+    std::string list;
+    for (const std::string& sentence : sentences) {
+        list += element("li", escaped(sentence));
+    }
+    return element("h3", "Findings") + element("ul", list);
+}
+
 std::string figureTable(const OutputFit& fit, const std::vector<std::string>& inputs,
                         const ResponseSurfaceStatistics* statistics)
 {
@@ -303,6 +316,7 @@ std::string HtmlReport::text(CaseSession& session, const std::vector<OutputParts
             verdict(fits[i], spreadOf(session, session.outputs()[i]), session.unitOf(fits[i].name));
     }
     html += originTable(session, origin) + inputTable(session);
+    html += findingSection(FindingsReport::sentences(SessionFindings::ofFit(session)));
     for (std::size_t i = 0; i < fits.size(); ++i) {
         html += outputSection(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i],
                               i < parts.size() ? parts[i] : OutputParts());

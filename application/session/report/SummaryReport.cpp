@@ -3,6 +3,7 @@
 #include "session/cases/ColumnFigures.h"
 #include "session/cases/VariableNames.h"
 #include "session/model/Workspace.h"
+#include "session/report/FindingsReport.h"
 #include "session/report/ReportHeading.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
@@ -116,8 +117,15 @@ std::string SummaryReport::text(const Workspace& workspace)
 {
     std::string text = tableText(summariesOf(workspace)) + '\n' + optionText(workspace) +
                        "Cases: " + ReportHeading::caseText(workspace) + '\n';
-    for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
-        text += name + ": " + cells.text() +
+    const std::vector<ColumnRole> roles = workspace.columnRoles();
+    const std::vector<std::string> names = namesOf(workspace.project().variables());
+    for (std::size_t i = 0; i < roles.size(); ++i) {
+        const auto found = workspace.cellsWithoutNumber().find(names[i]);
+        if (roles[i].role != ColumnRole::None || found == workspace.cellsWithoutNumber().end()) {
+            continue; // those with a role are among the findings
+        }
+        const CellsWithoutNumber& cells = found->second;
+        text += names[i] + ": " + cells.text() +
                 (cells.count == 1 ? ": it counts as missing.\n" : ": they count as missing.\n");
     }
     const std::vector<std::string> outputs = namesOf(workspace.outputs());
@@ -125,7 +133,7 @@ std::string SummaryReport::text(const Workspace& workspace)
         text += outputs[i] + " alone would have " +
                 std::to_string(workspace.counts().validAlone[i]) + " valid cases.\n";
     }
-    return text;
+    return text + '\n' + FindingsReport::text(SessionFindings::ofCases(workspace));
 }
 
 ReportJson::Json SummaryReport::json(const Workspace& workspace)
@@ -161,5 +169,6 @@ ReportJson::Json SummaryReport::json(const Workspace& workspace)
         json["outputs"].push_back(
             {{"name", outputs[i]}, {"validAlone", workspace.counts().validAlone[i]}});
     }
+    json["findings"] = FindingsReport::json(SessionFindings::ofCases(workspace));
     return json;
 }

@@ -37,8 +37,8 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
 
     const Json json = printed(FitReport::runJson(session, 0.25));
 
-    EXPECT_EQ(keysOf(json), (Keys{"cases", "inputs", "model", "outputs", "schema", "seconds",
-                                  "selectsTerms", "terms"}));
+    EXPECT_EQ(keysOf(json), (Keys{"cases", "findings", "inputs", "model", "outputs", "schema",
+                                  "seconds", "selectsTerms", "terms"}));
     EXPECT_EQ(json["schema"], 1);
     EXPECT_EQ(json["terms"], "quadratic");
     EXPECT_EQ(json["cases"],

@@ -35,7 +35,16 @@ TEST(SummaryReport, ListsVariablesAndCases)
               "\n"
               "Options: -x \xC3\xA4 -y y\n"
               "Cases: 5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)\n"
-              "y alone would have 2 valid cases.\n");
+              "y alone would have 2 valid cases.\n"
+              "\n"
+              "Findings\n"
+              "  Warning: y lacks a number in 1 of 4 cases (empty, marked as missing or infinite): "
+              "this case is left out; complete it.\n"
+              "  Warning: \xC3\xA4 lacks a number in 1 of 4 cases (empty, marked as missing or "
+              "infinite): this case is left out; complete it.\n"
+              "  Warning: 2 different cases do not determine the 3 terms of a quadratic response "
+              "surface of 1 input: terms are left out; 3 cases would do and 5 would leave some for "
+              "the error; add them or choose fewer terms with --terms.\n");
 }
 
 TEST(SummaryReport, AsJsonHasTheSame)
@@ -56,6 +65,9 @@ TEST(SummaryReport, AsJsonHasTheSame)
         "role": "none", "reason": "", "unit": "", "count": 3, "missing": 2, "minimum": null, "median": null,
         "maximum": null, "distinct": 2, "hasMoreDistinct": false})"));
     EXPECT_EQ(json["suggested"], Json::parse(R"({"inputs": ["\u00e4"], "outputs": ["y"]})"));
+    EXPECT_EQ(json["findings"].size(), 3u);
+    EXPECT_EQ(json["findings"][0]["kind"], "missingCells");
+    EXPECT_EQ(json["findings"][0]["columns"], Json::parse(R"(["y"])"));
     EXPECT_EQ(json["outputs"], Json::parse(R"([{"name": "y", "validAlone": 2}])"));
 }
 

@@ -1,0 +1,401 @@
+#include "session/diagnosis/ColumnFindings.h"
+
+#include "session/diagnosis/FindingWords.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+
+using Column = DiagnosedCases::Column;
+using FindingWords::figure;
+using FindingWords::names;
+
+namespace {
+/** Of fewer cases every one is far from the others. */
+constexpr std::size_t fewestCases = 8;
+
+bool isConstant(const Column& column)
+{
+    return column.minimum() == column.maximum();
+}
+
+double medianOf(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+Finding finding(const std::string& kind, Finding::Severity severity,
+                const std::vector<std::string>& columns, const std::string& text)
+{
+    return {kind, severity, columns, text};
+}
+
+void addConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findings)
+{
+    std::vector<std::string> constant;
+    for (const Column& input : cases.inputs) {
+        if (isConstant(input)) {
+            constant.push_back(input.name);
+        }
+    }
+    if (constant.size() == 1) {
+        findings.push_back(finding("constantInput", Finding::Warning, constant,
+                                   names(constant) + " is the same in every case: the model learns "
+                                                     "nothing about it and ignores it; leave it "
+                                                     "out of -x."));
+    } else if (!constant.empty()) {
+        findings.push_back(finding("constantInput", Finding::Warning, constant,
+                                   names(constant) +
+                                       " are the same in every case: the model learns "
+                                       "nothing about them and ignores them; leave "
+                                       "them out of -x."));
+    }
+}
+
+/** The row of the only case whose value differs; none if there are others. */
+std::optional<std::size_t> onlyOtherRow(const Column& column)
+{
+    const std::vector<double>& values = column.values;
+    // The value of most cases is one of the first three.
+    const double common = values[0] == values[1] || values[0] == values[2] ? values[0] : values[1];
+    std::optional<std::size_t> other;
+    for (std::size_t row = 0; row < values.size(); ++row) {
+        if (values[row] != common) {
+            if (other) {
+                return std::nullopt;
+            }
+            other = row;
+        }
+    }
+    return other;
+}
+
+void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findings)
+{
+    constexpr double smallestVariation = 1e-6;
+    constexpr std::size_t mostSentences = 3;
+    std::vector<std::string> found;
+    std::vector<std::string> sentences;
+    for (const Column& input : cases.inputs) {
+        if (isConstant(input)) {
+            continue;
+        }
+        const double size = std::max(std::fabs(input.minimum()), std::fabs(input.maximum()));
+        const std::optional<std::size_t> row = onlyOtherRow(input);
+        if (row) {
+            const double common = input.values[*row == 0 ? 1 : 0];
+            sentences.push_back(names({input.name}) + " is " + figure(common) +
+                                " in every case but case " +
+                                std::to_string(cases.positions[*row] + 1) +
+                                ": its effect rests on that case alone; vary it in more cases or "
+                                "leave it out of -x.");
+        } else if (input.range() < smallestVariation * size) {
+            sentences.push_back(names({input.name}) +
+                                " varies by less than a millionth of its size: it may hold nothing "
+                                "but rounding; write it with its offset taken off or leave it out "
+                                "of -x.");
+        } else {
+            continue;
+        }
+        found.push_back(input.name);
+    }
+    if (found.size() > mostSentences) {
+        findings.push_back(finding("nearlyConstantInput", Finding::Warning, found,
+                                   names(found) + " hardly vary, most of them in one case alone: "
+                                                  "their effects rest on single cases; vary them "
+                                                  "in more cases or leave them out of -x."));
+        return;
+    }
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        findings.push_back(
+            finding("nearlyConstantInput", Finding::Warning, {found[i]}, sentences[i]));
+    }
+}
+
+/** The values of a column in ascending order, with their rows, divided at the widest interval. */
+struct SortedColumn
+{
+    explicit SortedColumn(const Column& column)
+    {
+        sorted.reserve(column.values.size());
+        for (std::size_t row = 0; row < column.values.size(); ++row) {
+            sorted.emplace_back(column.values[row], row);
+        }
+        std::sort(sorted.begin(), sorted.end());
+        double widest = 0.0;
+        for (std::size_t i = 1; i < sorted.size(); ++i) {
+            const double width = sorted[i].first - sorted[i - 1].first;
+            if (width > widest) {
+                widest = width;
+                split = i;
+            }
+        }
+    }
+
+    double value(std::size_t i) const { return sorted[i].first; }
+    std::size_t count() const { return sorted.size(); }
+    double range() const { return sorted.back().first - sorted.front().first; }
+    double gap() const { return value(split) - value(split - 1); }
+
+    std::size_t distinct(std::size_t begin, std::size_t end) const
+    {
+        std::size_t different = 0;
+        for (std::size_t i = begin; i < end; ++i) {
+            different += i == begin || value(i) != value(i - 1) ? 1 : 0;
+        }
+        return different;
+    }
+
+    std::vector<std::pair<double, std::size_t>> sorted;
+    std::size_t split = 0; ///< the widest interval lies below it; 0 of a constant column
+};
+
+/** Numbers that people write for a missing one. */
+bool isCode(double number)
+{
+    static constexpr std::array<double, 8> codes = {-1, -9, -99, -999, 999, 9999, 99999, -9999};
+    return std::find(codes.begin(), codes.end(), number) != codes.end();
+}
+
+/** Whether the interval beside the far cases is wide in the logarithm, too: among values over
+ *  decades the upper ones always lie far from each other. */
+bool isWideInLogarithm(const SortedColumn& column)
+{
+    constexpr double leastShare = 0.4;
+    if (column.value(0) <= 0.0) {
+        return true;
+    }
+    const double gap = std::log(column.value(column.split) / column.value(column.split - 1));
+    return gap >= leastShare * std::log(column.value(column.count() - 1) / column.value(0));
+}
+
+void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutput,
+                 std::vector<Finding>& findings)
+{
+    constexpr std::size_t casesPerFarOne = 20;
+    constexpr std::size_t fewestOtherValues = 4;
+    constexpr double mostCoded = 0.3;
+    const SortedColumn sorted(column);
+    if (sorted.split == 0) {
+        return;
+    }
+    const bool isAbove = 2 * sorted.split > sorted.count();
+    const std::size_t begin = isAbove ? sorted.split : 0;
+    const std::size_t end = isAbove ? sorted.count() : sorted.split;
+    const std::size_t far = end - begin;
+    const std::size_t restBegin = isAbove ? 0 : sorted.split;
+    const std::size_t restEnd = isAbove ? sorted.split : sorted.count();
+    const double restRange = sorted.value(restEnd - 1) - sorted.value(restBegin);
+    const bool areCodes =
+        sorted.distinct(begin, end) == 1 && isCode(sorted.value(begin)) &&
+        static_cast<double>(far) <= mostCoded * static_cast<double>(sorted.count());
+    const bool areFew = far <= std::max<std::size_t>(1, sorted.count() / casesPerFarOne);
+    const double widthWanted = sorted.value(0) > 0.0 ? 1.0 : 2.0;
+    if (!(areCodes || areFew) || sorted.gap() < widthWanted * restRange ||
+        sorted.distinct(restBegin, restEnd) < fewestOtherValues || !isWideInLogarithm(sorted)) {
+        return;
+    }
+
+    std::vector<std::size_t> positions;
+    for (std::size_t i = begin; i < end; ++i) {
+        positions.push_back(cases.positions[sorted.sorted[i].second]);
+    }
+    std::sort(positions.begin(), positions.end());
+    const bool isOne = far == 1;
+    std::string number = figure(sorted.value(begin));
+    if (!isOne && sorted.distinct(begin, end) > 1) {
+        number += " to " + figure(sorted.value(end - 1));
+    }
+    std::string text = FindingWords::cases(positions) + (isOne ? " has " : " have ") +
+                       names({column.name}) + " = " + number + ", all others lie between " +
+                       figure(sorted.value(restBegin)) + " and " +
+                       figure(sorted.value(restEnd - 1));
+    text[0] = 'C';
+    if (areCodes) {
+        findings.push_back(
+            finding("missingCode", Finding::Severe, {column.name},
+                    text +
+                        ": the model takes it for a measurement; if it marks a missing value, "
+                        "read the file with --missing " +
+                        number + "."));
+        return;
+    }
+    const std::string effect =
+        isOutput ? ": the model bends towards " + std::string(isOne ? "it" : "them")
+                 : ": " + std::string(isOne ? "that case alone decides" : "these cases decide") +
+                       " the effect of " + names({column.name});
+    findings.push_back(
+        finding("farCase", Finding::Severe, {column.name},
+                text + effect + "; check the " +
+                    (isOne ? "cell, or leave the case" : "cells, or leave the cases") +
+                    " out with --exclude."));
+}
+
+/** Whether the logarithms of a positive column are even where the column itself is not. */
+bool isOverDecades(const Column& column, double leastRatio)
+{
+    constexpr double low = 0.1; // of the range, below which half of the cases lie
+    constexpr double middle = 0.25;
+    const double minimum = column.minimum();
+    const double maximum = column.maximum();
+    if (minimum <= 0.0 || maximum < leastRatio * minimum) {
+        return false;
+    }
+    const double median = medianOf(column.values);
+    const double share = std::log(median / minimum) / std::log(maximum / minimum);
+    return median - minimum < low * (maximum - minimum) && share > middle && share < 1.0 - middle;
+}
+
+std::string spanText(const Column& column)
+{
+    return names({column.name}) + " spans a factor of " +
+           figure(column.maximum() / column.minimum()) +
+           " and half of its cases lie in the lowest " +
+           FindingWords::percent((medianOf(column.values) - column.minimum()) / column.range()) +
+           " of its range";
+}
+} // namespace
+
+std::vector<Finding> ColumnFindings::constants(const DiagnosedCases& cases)
+{
+    std::vector<Finding> findings;
+    if (cases.count() < 2) {
+        return findings;
+    }
+    for (const Column& output : cases.outputs) {
+        if (isConstant(output)) {
+            findings.push_back(finding("constantOutput", Finding::Severe, {output.name},
+                                       names({output.name}) + " is the same in every case: there "
+                                                              "is nothing to model; check the "
+                                                              "column or choose another output."));
+        }
+    }
+    addConstantInputs(cases, findings);
+    if (cases.count() >= fewestCases) {
+        addNearlyConstantInputs(cases, findings);
+    }
+    return findings;
+}
+
+std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
+{
+    constexpr std::size_t fewOutputs = 4;
+    std::vector<Finding> findings;
+    if (cases.count() < fewestCases) {
+        return findings;
+    }
+    std::vector<std::string> twoValued;
+    for (const Column& input : cases.inputs) {
+        if (distinctValues(input.values, 3) == 2 && !onlyOtherRow(input)) {
+            twoValued.push_back(input.name);
+        }
+    }
+    const bool hasSquares = !cases.isKriging && cases.terms == PolynomialTerms::Quadratic;
+    if (!twoValued.empty() && (hasSquares || cases.isKriging)) {
+        const bool isOne = twoValued.size() == 1;
+        findings.push_back(finding(
+            "fewValuesInput", Finding::Note, twoValued,
+            names(twoValued) + (isOne ? " takes" : " take") +
+                (isOne
+                     ? " two values only: what lies between them is a straight line at best"
+                     : " two values only each: what lies between them is a straight line at best") +
+                (hasSquares ? ", and squares of " + std::string(isOne ? "it" : "them") +
+                                  " are left out; measure a third value where curvature matters."
+                            : "; measure a third value where curvature matters.")));
+    }
+    for (const Column& output : cases.outputs) {
+        const std::size_t distinct = distinctValues(output.values, fewOutputs + 1);
+        if (distinct < 2 || distinct > fewOutputs || cases.count() < 5 * distinct) {
+            continue;
+        }
+        findings.push_back(finding(
+            "fewValuesOutput", Finding::Warning, {output.name},
+            names({output.name}) + " takes " +
+                std::array<const char*, 5>{"", "", "two", "three", "four"}[distinct] +
+                " values only: the model is smooth and predicts values between them, and "
+                "its intervals are rough; read predictions as a tendency, not as a class."));
+    }
+    return findings;
+}
+
+std::vector<Finding> ColumnFindings::farCases(const DiagnosedCases& cases)
+{
+    std::vector<Finding> findings;
+    if (cases.count() < fewestCases) {
+        return findings;
+    }
+    for (const Column& output : cases.outputs) {
+        addFarCases(cases, output, true, findings);
+    }
+    for (const Column& input : cases.inputs) {
+        addFarCases(cases, input, false, findings);
+    }
+    return findings;
+}
+
+std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
+{
+    constexpr double leastRatioOfInputs = 100.0;
+    constexpr double leastRatioOfOutputs = 30.0;
+    std::vector<Finding> findings;
+    if (cases.count() < fewestCases) {
+        return findings;
+    }
+    for (const Column& input : cases.inputs) {
+        if (isOverDecades(input, leastRatioOfInputs)) {
+            findings.push_back(finding("inputOverDecades", Finding::Warning, {input.name},
+                                       spanText(input) +
+                                           ": the few large values decide its effect; put its "
+                                           "logarithm into the file and take that as the input."));
+        }
+    }
+    for (const Column& output : cases.outputs) {
+        if (!cases.transformsOutputs && isOverDecades(output, leastRatioOfOutputs)) {
+            findings.push_back(finding("skewedOutput", Finding::Warning, {output.name},
+                                       spanText(output) +
+                                           ": the large values decide the fit and the small ones "
+                                           "are predicted badly; try --transform log."));
+        }
+    }
+    return findings;
+}
+
+std::vector<Finding> ColumnFindings::gaps(const DiagnosedCases& cases)
+{
+    constexpr double leastShare = 0.4;
+    constexpr std::size_t fewestValues = 8;
+    constexpr std::size_t fewestValuesPerSide = 3;
+    constexpr std::size_t casesPerGroup = 10;
+    constexpr std::size_t fewestSpread = 20; // fewer lie apart by chance
+    std::vector<Finding> findings;
+    if (cases.count() < fewestSpread) {
+        return findings;
+    }
+    for (const Column& input : cases.inputs) {
+        const SortedColumn sorted(input);
+        const std::size_t fewest = std::max<std::size_t>(3, sorted.count() / casesPerGroup);
+        if (sorted.split < fewest || sorted.count() - sorted.split < fewest ||
+            sorted.gap() < leastShare * sorted.range() ||
+            sorted.distinct(0, sorted.count()) < fewestValues ||
+            sorted.distinct(0, sorted.split) < fewestValuesPerSide ||
+            sorted.distinct(sorted.split, sorted.count()) < fewestValuesPerSide ||
+            isOverDecades(input, 100.0)) {
+            continue;
+        }
+        findings.push_back(finding(
+            "gap", Finding::Warning, {input.name},
+            "No case has " + names({input.name}) + " between " +
+                figure(sorted.value(sorted.split - 1)) + " and " +
+                figure(sorted.value(sorted.split)) + ", " +
+                FindingWords::percent(sorted.gap() / sorted.range()) +
+                " of its range: predictions there rest on the model's form alone; add cases there "
+                "or do not predict there."));
+    }
+    return findings;
+}

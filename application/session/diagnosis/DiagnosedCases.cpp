@@ -1,0 +1,107 @@
+#include "session/diagnosis/DiagnosedCases.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <unordered_set>
+
+namespace {
+/** SplitMix64. Steele, Lea, Flood: Fast splittable pseudorandom number generators, OOPSLA 2014. */
+std::uint64_t mixed(std::uint64_t state)
+{
+    state += 0x9e3779b97f4a7c15u;
+    state = (state ^ (state >> 30u)) * 0xbf58476d1ce4e5b9u;
+    state = (state ^ (state >> 27u)) * 0x94d049bb133111ebu;
+    return state ^ (state >> 31u);
+}
+
+std::vector<double> valuesAt(const std::vector<double>& values,
+                             const std::vector<std::size_t>& rows)
+{
+    std::vector<double> chosen;
+    chosen.reserve(rows.size());
+    for (const std::size_t row : rows) {
+        chosen.push_back(values[row]);
+    }
+    return chosen;
+}
+} // namespace
+
+double DiagnosedCases::Column::minimum() const
+{
+    return *std::min_element(values.begin(), values.end());
+}
+
+double DiagnosedCases::Column::maximum() const
+{
+    return *std::max_element(values.begin(), values.end());
+}
+
+std::vector<std::size_t> sampledRows(std::size_t count, std::size_t most)
+{
+    std::vector<std::size_t> rows;
+    const std::size_t wanted = std::min(count, most);
+    rows.reserve(wanted);
+    for (std::size_t k = 0; k < wanted; ++k) {
+        const std::size_t begin = count * k / wanted;
+        const std::size_t end = count * (k + 1) / wanted;
+        rows.push_back(begin + mixed(k) % (end - begin));
+    }
+    return rows;
+}
+
+DiagnosedCases DiagnosedCases::sample(std::size_t most) const
+{
+    if (count() <= most) {
+        return *this;
+    }
+    const std::vector<std::size_t> rows = sampledRows(count(), most);
+    DiagnosedCases sampled;
+    sampled.isKriging = isKriging;
+    sampled.terms = terms;
+    sampled.transformsOutputs = transformsOutputs;
+    for (const Column& column : inputs) {
+        sampled.inputs.push_back({column.name, valuesAt(column.values, rows)});
+    }
+    for (const Column& column : outputs) {
+        sampled.outputs.push_back({column.name, valuesAt(column.values, rows)});
+    }
+    for (const std::size_t row : rows) {
+        sampled.positions.push_back(positions[row]);
+    }
+    return sampled;
+}
+
+std::size_t distinctValues(const std::vector<double>& values, std::size_t most)
+{
+    std::unordered_set<double> seen;
+    for (const double value : values) {
+        seen.insert(value);
+        if (seen.size() >= most) {
+            break;
+        }
+    }
+    return seen.size();
+}
+
+double lastDigit(const std::vector<double>& values)
+{
+    constexpr int mostDigits = 9;
+    constexpr double tolerance = 1e-9;
+    constexpr double rounding = 1e-14; // of the number, by the division
+    double step = 1.0;
+    std::size_t first = 0;
+    for (int digits = 0; digits <= mostDigits; ++digits, step /= 10.0) {
+        while (first < values.size()) {
+            const double scaled = values[first] / step;
+            if (std::fabs(scaled - std::round(scaled)) > tolerance + rounding * std::fabs(scaled)) {
+                break;
+            }
+            ++first;
+        }
+        if (first == values.size()) {
+            return step;
+        }
+    }
+    return 0.0;
+}

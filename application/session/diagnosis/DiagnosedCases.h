@@ -1,0 +1,53 @@
+#pragma once
+
+#include <mirel_fitting/PolynomialTerms.h>
+
+#include <surrogate_session/Export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** The cases that a model would be made from, as columns of finite numbers, and what it would be.
+ */
+struct SURROGATE_SESSION_EXPORT DiagnosedCases
+{
+    struct Column
+    {
+        std::string name;
+        std::vector<double> values;
+
+        double minimum() const;
+        double maximum() const;
+        double range() const { return maximum() - minimum(); }
+    };
+
+    std::vector<Column> inputs;
+    std::vector<Column> outputs;
+    /** Where the cases stand among all that were read, from 0, ascending. */
+    std::vector<std::size_t> positions;
+
+    bool isKriging = false;
+    PolynomialTerms terms = PolynomialTerms::Quadratic; ///< of a response surface
+    /** Whether a transform of the outputs is modelled, or would be tried. */
+    bool transformsOutputs = false;
+
+    std::size_t count() const { return positions.size(); }
+
+    /**
+     * At most so many of the cases: one at random of each of so many strata of neighbouring rows,
+     * the same ones each time. Grids repeat their values at even steps, which even steps would
+     * follow.
+     */
+    DiagnosedCases sample(std::size_t most) const;
+};
+
+/** Positions of at most `most` of `count` rows, ascending, chosen as sample() does. */
+SURROGATE_SESSION_EXPORT std::vector<std::size_t> sampledRows(std::size_t count, std::size_t most);
+
+/** How many values of a column differ, counted up to `most`. */
+SURROGATE_SESSION_EXPORT std::size_t distinctValues(const std::vector<double>& values,
+                                                    std::size_t most);
+
+/** The step of the last digit that the values are written with; 0 if they have more than nine. */
+SURROGATE_SESSION_EXPORT double lastDigit(const std::vector<double>& values);

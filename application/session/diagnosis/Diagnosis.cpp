@@ -1,0 +1,58 @@
+#include "session/diagnosis/Diagnosis.h"
+
+#include "session/diagnosis/ColumnFindings.h"
+#include "session/diagnosis/DependenceFindings.h"
+#include "session/diagnosis/RepeatFindings.h"
+#include "session/diagnosis/SizeFindings.h"
+#include "session/diagnosis/SpreadFindings.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+/** What compares cases with each other, or inputs with each other, gets so few that it takes a
+ *  fraction of a second. */
+std::size_t casesToCompare(const DiagnosedCases& cases)
+{
+    constexpr double work = 4e7;
+    constexpr std::size_t most = 2000;
+    const double inputs = static_cast<double>(std::max<std::size_t>(1, cases.inputs.size()));
+    return std::min(most, static_cast<std::size_t>(std::sqrt(work / inputs)));
+}
+} // namespace
+
+Diagnosis Diagnosis::of(const DiagnosedCases& all)
+{
+    const DiagnosedCases cases = all.sample(mostCases);
+    Diagnosis diagnosis;
+    diagnosis.consideredCases = cases.count();
+    if (cases.count() == 0) {
+        return diagnosis;
+    }
+    const auto add = [&](const std::vector<Finding>& found) {
+        diagnosis.findings.insert(diagnosis.findings.end(), found.begin(), found.end());
+    };
+    add(ColumnFindings::constants(cases));
+    add(ColumnFindings::farCases(cases));
+    add(RepeatFindings::repeats(cases));
+    add(SizeFindings::find(cases));
+    const DiagnosedCases compared = cases.sample(casesToCompare(cases));
+    add(DependenceFindings::find(compared));
+    add(ColumnFindings::decades(cases));
+    const std::vector<Finding> gaps = ColumnFindings::gaps(cases);
+    add(gaps);
+    if (gaps.empty()) { // which lie between groups of cases, too
+        add(SpreadFindings::find(compared));
+    }
+    add(RepeatFindings::nearCopies(compared));
+    add(ColumnFindings::fewValues(cases));
+    sortBySeverity(diagnosis.findings);
+    return diagnosis;
+}
+
+void sortBySeverity(std::vector<Finding>& findings)
+{
+    std::stable_sort(
+        findings.begin(), findings.end(),
+        [](const Finding& left, const Finding& right) { return left.severity < right.severity; });
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/** What may be wrong with cases, or with a model of them. */
+struct Finding
+{
+    enum Severity
+    {
+        Severe,  ///< the model is likely wrong
+        Warning, ///< the model is worse than it could be, or means less than it seems to
+        Note     ///< worth knowing
+    };
+
+    /** One word for each sort of finding, "collinearInputs". */
+    std::string kind;
+    Severity severity = Note;
+    /** The variables that it is about, by name. */
+    std::vector<std::string> columns;
+    /** What it is, what it does to the model and what to do: one sentence. */
+    std::string text;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** Pieces of sentences. */
+namespace FindingWords {
+/** "A", "A and B", "A, B and 296 more": five names at most. */
+std::string names(const std::vector<std::string>& names);
+
+/** "case 7", "cases 4, 9 and 12", "cases 1, 2, 3, 4, 5 and 8 more".
+ *  @param positions from 0. */
+std::string cases(const std::vector<std::size_t>& positions);
+
+/** A number in four digits, without an exponent where that is as short. */
+std::string figure(double number);
+
+/** A share, 0 to 1, in percent: "12 %". */
+std::string percent(double share);
+} // namespace FindingWords

@@ -1,0 +1,341 @@
+#include "session/diagnosis/RepeatFindings.h"
+
+#include "session/diagnosis/FindingWords.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <numeric>
+#include <string>
+
+using Column = DiagnosedCases::Column;
+using FindingWords::figure;
+using FindingWords::names;
+
+namespace {
+using Rows = std::vector<std::size_t>;
+
+bool isBefore(const std::vector<Column>& columns, std::size_t left, std::size_t right)
+{
+    for (const Column& column : columns) {
+        if (column.values[left] != column.values[right]) {
+            return column.values[left] < column.values[right];
+        }
+    }
+    return false;
+}
+
+/** Rows that are the same in all columns: groups of two and more. */
+std::vector<Rows> equalRows(const std::vector<Column>& columns, const Rows& among)
+{
+    Rows rows = among;
+    std::stable_sort(rows.begin(), rows.end(), [&](std::size_t left, std::size_t right) {
+        return isBefore(columns, left, right);
+    });
+    std::vector<Rows> groups;
+    for (std::size_t begin = 0; begin < rows.size();) {
+        std::size_t end = begin + 1;
+        while (end < rows.size() && !isBefore(columns, rows[begin], rows[end])) {
+            ++end;
+        }
+        if (end - begin > 1) {
+            groups.emplace_back(rows.begin() + static_cast<std::ptrdiff_t>(begin),
+                                rows.begin() + static_cast<std::ptrdiff_t>(end));
+        }
+        begin = end;
+    }
+    return groups;
+}
+
+std::vector<std::size_t> positionsOf(const DiagnosedCases& cases, const Rows& rows)
+{
+    std::vector<std::size_t> positions;
+    for (const std::size_t row : rows) {
+        positions.push_back(cases.positions[row]);
+    }
+    std::sort(positions.begin(), positions.end());
+    return positions;
+}
+
+/** That two cases have the same outputs, if these were independent of each other. */
+double chanceOfEqualOutputs(const DiagnosedCases& cases)
+{
+    double chance = 1.0;
+    for (const Column& output : cases.outputs) {
+        std::map<double, double> counts;
+        for (const double value : output.values) {
+            counts[value] += 1.0;
+        }
+        double equal = 0.0;
+        for (const auto& [value, count] : counts) {
+            equal += count * (count - 1.0);
+        }
+        const double all = static_cast<double>(cases.count());
+        chance *= equal / (all * (all - 1.0));
+    }
+    return chance;
+}
+
+double pairsIn(const Rows& group)
+{
+    return 0.5 * static_cast<double>(group.size() * (group.size() - 1));
+}
+
+struct PureError
+{
+    double variance() const { return squares / static_cast<double>(degreesOfFreedom); }
+
+    double squares = 0.0;
+    std::size_t degreesOfFreedom = 0;
+    double largestRange = 0.0;
+    Rows worst; ///< the cases with the least and the greatest output of the group
+};
+
+PureError pureErrorOf(const Column& output, const std::vector<Rows>& groups)
+{
+    PureError error;
+    for (const Rows& group : groups) {
+        double sum = 0.0;
+        std::size_t least = group.front();
+        std::size_t greatest = group.front();
+        for (const std::size_t row : group) {
+            sum += output.values[row];
+            least = output.values[row] < output.values[least] ? row : least;
+            greatest = output.values[row] > output.values[greatest] ? row : greatest;
+        }
+        const double mean = sum / static_cast<double>(group.size());
+        for (const std::size_t row : group) {
+            error.squares += (output.values[row] - mean) * (output.values[row] - mean);
+        }
+        error.degreesOfFreedom += group.size() - 1;
+        const double range = output.values[greatest] - output.values[least];
+        if (range > error.largestRange) {
+            error.largestRange = range;
+            error.worst = {least, greatest};
+        }
+    }
+    return error;
+}
+
+/** How many pairs in groups of the same inputs have the same outputs by chance: where outputs have
+ *  few values, or vary by few steps of their last digit among repeats. */
+double copiesByChance(const DiagnosedCases& cases, const std::vector<Rows>& groups)
+{
+    double expected = 0.0;
+    const double overall = chanceOfEqualOutputs(cases);
+    std::vector<double> steps;
+    std::vector<double> pooled;
+    for (const Column& output : cases.outputs) {
+        steps.push_back(lastDigit(output.values));
+        pooled.push_back(std::sqrt(pureErrorOf(output, groups).variance()));
+    }
+    for (const Rows& group : groups) {
+        // Two normal numbers of the deviation s fall on the same step with a chance of
+        // step / (2 sqrt(pi) s), if s is large against it.
+        constexpr double twoRootPi = 3.5449;
+        double chance = 1.0;
+        for (std::size_t k = 0; k < cases.outputs.size(); ++k) {
+            const double own = std::sqrt(pureErrorOf(cases.outputs[k], {group}).variance());
+            const double deviation = own > 0.0 ? std::min(own, pooled[k]) : pooled[k];
+            chance *= deviation > 0.0 ? std::min(1.0, steps[k] / (twoRootPi * deviation)) : 0.0;
+        }
+        expected += pairsIn(group) * std::max(chance, overall);
+    }
+    return expected;
+}
+
+void addCopies(const DiagnosedCases& cases, const std::vector<Rows>& groups,
+               std::vector<Finding>& findings)
+{
+    std::vector<Rows> copies;
+    double copiedPairs = 0.0;
+    std::size_t repeated = 0;
+    std::size_t copiedCases = 0;
+    std::size_t groupedCases = 0;
+    for (const Rows& group : groups) {
+        groupedCases += group.size();
+        for (const Rows& same : equalRows(cases.outputs, group)) {
+            copies.push_back(same);
+            copiedPairs += pairsIn(same);
+            repeated += same.size() - 1;
+            copiedCases += same.size();
+        }
+    }
+    const double expected = copiesByChance(cases, groups);
+    if (copies.empty() || copiedPairs <= expected + 3.0 * std::sqrt(expected)) {
+        return;
+    }
+
+    const bool areAllCopies = groupedCases == copiedCases && copies.size() == groups.size();
+    std::string text = repeated == 1
+                           ? "1 case is an exact copy of another ("
+                           : std::to_string(repeated) + " cases are exact copies of others (";
+    text += (repeated == 1 ? "" : "such as ") +
+            FindingWords::cases(positionsOf(cases, {copies.front()[0], copies.front()[1]})) +
+            "): counted again they make errors look smaller than they are";
+    if (areAllCopies && !cases.isKriging) {
+        text += ", and the lack of fit is not available: the repeats are exact copies";
+    }
+    findings.push_back({"exactCopies",
+                        Finding::Warning,
+                        {},
+                        text + "; leave them out with --exclude unless each was measured."});
+}
+
+double varianceOf(const Column& output)
+{
+    const double count = static_cast<double>(output.values.size());
+    const double mean = std::accumulate(output.values.begin(), output.values.end(), 0.0) / count;
+    double squares = 0.0;
+    for (const double value : output.values) {
+        squares += (value - mean) * (value - mean);
+    }
+    return squares / (count - 1.0);
+}
+
+void addConflicts(const DiagnosedCases& cases, const Column& output,
+                  const std::vector<Rows>& groups, std::vector<Finding>& findings)
+{
+    constexpr std::size_t fewestCases = 8;
+    constexpr double unexplained = 0.5;  // of the variance
+    constexpr double conflicting = 0.4;  // of the range
+    constexpr double otherRepeats = 0.1; // of the variance, without the worst pair
+    constexpr std::size_t fewestDegrees = 3;
+    const PureError error = pureErrorOf(output, groups);
+    const double variance = varianceOf(output);
+    if (cases.count() < fewestCases || error.worst.empty() || variance == 0.0) {
+        return;
+    }
+    const std::string pair = FindingWords::cases(positionsOf(cases, error.worst));
+    const std::string figures =
+        figure(output.values[error.worst[0]]) + " and " + figure(output.values[error.worst[1]]);
+    const double share = error.variance() / variance;
+    if (share > unexplained && error.degreesOfFreedom >= fewestDegrees) {
+        findings.push_back({"unexplainedOutput",
+                            Finding::Warning,
+                            {output.name},
+                            "Cases with the same inputs differ in " + names({output.name}) + " (" +
+                                pair + " have " + figures +
+                                "): no model of these inputs can explain more than " +
+                                FindingWords::percent(std::max(0.0, 1.0 - share)) +
+                                " of its variance; look for the input that is missing."});
+        return;
+    }
+    const double worstSquares = 0.5 * error.largestRange * error.largestRange;
+    const std::size_t others = error.degreesOfFreedom - 1;
+    const bool stand = others == 0 || error.squares - worstSquares <=
+                                          otherRepeats * variance * static_cast<double>(others);
+    if (error.largestRange >= conflicting * output.range() && stand) {
+        std::string sentence = pair;
+        sentence[0] = 'C';
+        findings.push_back({"conflictingRepeats",
+                            Finding::Warning,
+                            {output.name},
+                            sentence + " have the same inputs and yet " + names({output.name}) +
+                                " = " + figures + ", " +
+                                FindingWords::percent(error.largestRange / output.range()) +
+                                " of its range apart: no model can pass near both; check both "
+                                "cases, and leave a wrong one out with --exclude."});
+    }
+}
+/** The share of the pairs of values that differ by no more than the tolerance. */
+double shareOfNearPairs(std::vector<double> values, double tolerance)
+{
+    std::sort(values.begin(), values.end());
+    double pairs = 0.0;
+    std::size_t begin = 0;
+    for (std::size_t end = 0; end < values.size(); ++end) {
+        while (values[end] - values[begin] > tolerance) {
+            ++begin;
+        }
+        pairs += static_cast<double>(end - begin);
+    }
+    const double count = static_cast<double>(values.size());
+    return pairs / (0.5 * count * (count - 1.0));
+}
+} // namespace
+
+std::vector<Finding> RepeatFindings::repeats(const DiagnosedCases& cases)
+{
+    std::vector<Finding> findings;
+    if (cases.inputs.empty() || cases.outputs.empty() || cases.count() < 3) {
+        return findings;
+    }
+    Rows all(cases.count());
+    std::iota(all.begin(), all.end(), std::size_t(0));
+    const std::vector<Rows> groups = equalRows(cases.inputs, all);
+    if (groups.empty()) {
+        return findings;
+    }
+    addCopies(cases, groups, findings);
+    for (const Column& output : cases.outputs) {
+        addConflicts(cases, output, groups, findings);
+    }
+    return findings;
+}
+
+std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
+{
+    constexpr double nearest = 1e-3; // of the range
+    std::vector<Finding> findings;
+    std::vector<const Column*> varying;
+    for (const Column& input : cases.inputs) {
+        if (input.minimum() != input.maximum()) {
+            varying.push_back(&input);
+        }
+    }
+    const std::size_t count = cases.count();
+    if (varying.empty() || count < 8) {
+        return findings;
+    }
+
+    std::vector<double> tolerances;
+    for (const Column* input : varying) {
+        tolerances.push_back(nearest * input->range());
+    }
+    Rows order(count);
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    const std::vector<double>& first = varying.front()->values;
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t left, std::size_t right) { return first[left] < first[right]; });
+    std::size_t found = 0;
+    Rows example;
+    for (std::size_t a = 0; a < count; ++a) {
+        for (std::size_t b = a + 1;
+             b < count && first[order[b]] - first[order[a]] <= tolerances.front(); ++b) {
+            bool isNear = true;
+            bool isSame = true;
+            for (std::size_t k = 0; k < varying.size() && isNear; ++k) {
+                const double distance =
+                    std::fabs(varying[k]->values[order[a]] - varying[k]->values[order[b]]);
+                isNear = distance <= tolerances[k];
+                isSame = isSame && distance == 0.0;
+            }
+            if (isNear && !isSame) {
+                ++found;
+                example = example.empty() ? Rows{order[a], order[b]} : example;
+            }
+        }
+    }
+    // As many as that if the inputs were independent of each other.
+    double expected = 0.5 * static_cast<double>(count) * static_cast<double>(count);
+    for (std::size_t k = 0; k < varying.size(); ++k) {
+        expected *= shareOfNearPairs(varying[k]->values, tolerances[k]);
+    }
+    if (found == 0 || static_cast<double>(found) <= 10.0 * expected) {
+        return findings;
+    }
+    std::string text = FindingWords::cases(positionsOf(cases, example));
+    text[0] = 'C';
+    text += found == 1   ? ""
+            : found == 2 ? " and 1 other pair"
+                         : " and " + std::to_string(found - 1) + " other pairs";
+    findings.push_back({"nearCopies",
+                        Finding::Note,
+                        {},
+                        text + " differ by less than a thousandth of the range in every input: the "
+                               "model takes what their outputs differ by for noise; give repeats "
+                               "the same inputs if they are meant to be the same."});
+    return findings;
+}

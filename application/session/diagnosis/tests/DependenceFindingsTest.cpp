@@ -1,0 +1,97 @@
+#include <session/diagnosis/DependenceFindings.h>
+
+#include "SampleCases.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+constexpr std::size_t count = 20;
+
+std::vector<double> combined(double ofFirst, double ofSecond, double constant, double step = 0.0)
+{
+    const std::vector<double> first = spread(count);
+    const std::vector<double> second = otherSpread(count);
+    std::vector<double> values;
+    for (std::size_t row = 0; row < count; ++row) {
+        const double value = ofFirst * first[row] + ofSecond * second[row] + constant;
+        values.push_back(step > 0.0 ? step * std::round(value / step) : value);
+    }
+    return values;
+}
+
+DiagnosedCases casesWith(const std::vector<double>& third)
+{
+    return casesOf({{"A", spread(count)}, {"B", otherSpread(count)}, {"C", third}});
+}
+
+std::string textOf(const DiagnosedCases& cases)
+{
+    const std::vector<std::string> texts = textsOf(DependenceFindings::find(cases));
+    return texts.empty() ? "" : texts.front();
+}
+} // namespace
+
+TEST(DependenceFindings, AnInputThatOthersDetermineHasItsFormula)
+{
+    EXPECT_EQ(textOf(casesWith(combined(2, 1, 0))),
+              "dependentInput: C = 2 A + B in every case: their effects cannot be told apart, and "
+              "predictions off this plane are extrapolation; leave C out of -x or vary it "
+              "independently.");
+    EXPECT_EQ(textOf(casesWith(combined(-0.5, 0, 3))).substr(0, 55),
+              "dependentInput: C = -0.5 A + 3 in every case: their eff");
+    EXPECT_NE(textOf(casesWith(combined(-1, -1, 1))).find("C = -A - B + 1 in every case"),
+              std::string::npos)
+        << "a mixture";
+}
+
+TEST(DependenceFindings, RoundingDoesNotHideTheFormula)
+{
+    EXPECT_EQ(
+        textOf(casesWith(combined(2, 1, 0, 0.01))),
+        "dependentInput: C = 2 A + B in every case, up to rounding: their coefficients cannot "
+        "be interpreted one by one, and predictions off this plane are extrapolation; leave "
+        "C out of -x or vary it independently.");
+}
+
+TEST(DependenceFindings, InputsThatVaryTogetherAreCollinear)
+{
+    std::vector<double> together = spread(count);
+    const std::vector<double> noise = spread(count, 0.7320508075688772);
+    for (std::size_t row = 0; row < count; ++row) {
+        together[row] += 0.3 * noise[row];
+    }
+    const std::string text = textOf(casesWith(together));
+
+    EXPECT_EQ(text.find("collinearInputs: A and C vary together (variance inflation "), 0u);
+    EXPECT_NE(text.find("coefficients of A and C cannot be interpreted one by one, and predictions "
+                        "off their common line are extrapolation; vary them independently or leave "
+                        "one out of -x."),
+              std::string::npos)
+        << text;
+}
+
+TEST(DependenceFindings, IndependentInputsAreNeither)
+{
+    EXPECT_EQ(textOf(casesWith(spread(count, 0.7320508075688772))), "");
+}
+
+TEST(DependenceFindings, FewCasesShowNoDependence)
+{
+    EXPECT_EQ(textOf(casesOf({{"A", {1, 2, 4}}, {"B", {2, 1, 3}}, {"C", {5, 5, 11}}})), "");
+}
+
+TEST(DependenceFindings, ConstantInputsAreNoCombination)
+{
+    EXPECT_EQ(textOf(casesWith(std::vector<double>(count, 2.0))), "");
+}
+
+TEST(DependenceFindings, AModelFromCorrelationsHasNoCoefficients)
+{
+    DiagnosedCases cases = casesWith(combined(2, 1, 0, 0.01));
+    cases.isKriging = true;
+
+    EXPECT_NE(textOf(cases).find("up to rounding: their effects cannot be told apart"),
+              std::string::npos);
+}

@@ -1,0 +1,68 @@
+#include <session/diagnosis/SizeFindings.h>
+
+#include "SampleCases.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+DiagnosedCases casesOfTwoInputs(std::size_t count)
+{
+    return casesOf({{"a", spread(count)}, {"b", otherSpread(count)}}, {{"y", spread(count)}});
+}
+} // namespace
+
+TEST(SizeFindings, FewerCasesThanTermsAreTooFew)
+{
+    EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(5))),
+              (Texts{"tooFewCases: 5 different cases do not determine the 6 terms of a quadratic "
+                     "response surface of 2 inputs: terms are left out; 6 cases would do and 10 "
+                     "would leave some for the error; add them or choose fewer terms with "
+                     "--terms."}));
+}
+
+TEST(SizeFindings, AsManyCasesAsTermsLeaveNoError)
+{
+    EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(6))),
+              (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
+                     "there are cases, 6: it passes through all of them, and nothing is left to "
+                     "tell its error by; add cases, or choose fewer terms with --terms."}));
+}
+
+TEST(SizeFindings, FewMoreCasesLeaveLittleOfIt)
+{
+    const auto findings = SizeFindings::find(casesOfTwoInputs(8));
+
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "fewDegreesOfFreedom");
+    EXPECT_EQ(findings[0].severity, Finding::Note);
+}
+
+TEST(SizeFindings, EnoughCasesNeedNoSentence)
+{
+    EXPECT_EQ(SizeFindings::find(casesOfTwoInputs(9)).size(), 0u);
+    DiagnosedCases linear = casesOfTwoInputs(6);
+    linear.terms = PolynomialTerms::Linear;
+    EXPECT_EQ(SizeFindings::find(linear).size(), 0u);
+}
+
+TEST(SizeFindings, ConstantInputsHaveNoTerms)
+{
+    DiagnosedCases cases = casesOfTwoInputs(9);
+    cases.inputs.push_back({"c", std::vector<double>(9, 1.0)});
+
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
+}
+
+TEST(SizeFindings, KrigingWantsTwiceAsManyCasesAsInputs)
+{
+    DiagnosedCases cases = casesOfTwoInputs(3);
+    cases.isKriging = true;
+    EXPECT_EQ(
+        textsOf(SizeFindings::find(cases)),
+        (Texts{"tooFewCases: 3 different cases are few for Kriging of 2 inputs: it cannot find "
+               "out which inputs matter; it takes 4 at least and 20 to be good, or fewer "
+               "inputs (-x)."}));
+    cases = casesOfTwoInputs(4);
+    cases.isKriging = true;
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
+}

@@ -1,0 +1,235 @@
+#include "session/report/FindingsReport.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/diagnosis/Diagnosis.h"
+#include "session/diagnosis/FindingWords.h"
+#include "session/model/CaseSession.h"
+
+#include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+
+#include <algorithm>
+#include <string_view>
+
+using ReportJson::Json;
+
+namespace {
+const char* severityName(Finding::Severity severity)
+{
+    switch (severity) {
+    case Finding::Severe:
+        return "severe";
+    case Finding::Warning:
+        return "warning";
+    default:
+        return "note";
+    }
+}
+
+bool transformsOutputs(const Workspace& workspace)
+{
+    const TransformSetting setting = workspace.transform();
+    return setting == TransformSetting::Usual ? workspace.modelType() == Workspace::Kriging
+                                              : setting != TransformSetting::None;
+}
+
+std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
+                                              const std::vector<VarPtr>& variables,
+                                              const std::vector<std::size_t>& rows)
+{
+    std::vector<DiagnosedCases::Column> columns;
+    const std::vector<std::string> names = namesOf(variables);
+    for (const VarPtr& variable : variables) {
+        const std::vector<double>& values = workspace.project().numericValues(variable);
+        DiagnosedCases::Column& column = columns.emplace_back();
+        column.name = names[columns.size() - 1];
+        column.values.reserve(rows.size());
+        for (const std::size_t row : rows) {
+            column.values.push_back(values[row]);
+        }
+    }
+    return columns;
+}
+
+/** @param valid the positions of the valid cases; at most Diagnosis::mostCases of them are taken.
+ */
+DiagnosedCases diagnosedCases(const Workspace& workspace, const std::vector<std::size_t>& valid)
+{
+    DiagnosedCases cases;
+    for (const std::size_t k : sampledRows(valid.size(), Diagnosis::mostCases)) {
+        cases.positions.push_back(valid[k]);
+    }
+    cases.inputs = columnsOf(workspace, workspace.inputs(), cases.positions);
+    cases.outputs = columnsOf(workspace, workspace.outputs(), cases.positions);
+    cases.isKriging = workspace.modelType() == Workspace::Kriging;
+    cases.terms = workspace.responseSurface().terms;
+    cases.transformsOutputs = transformsOutputs(workspace);
+    return cases;
+}
+
+/** Why the cells of a column are no numbers, as far as the file says. */
+std::string causeText(const Workspace& workspace, const std::string& name, std::size_t missing)
+{
+    const auto found = workspace.cellsWithoutNumber().find(name);
+    if (found == workspace.cellsWithoutNumber().end()) {
+        return " (empty, marked as missing or infinite)";
+    }
+    // Cells of excluded cases count there, too.
+    return ", " + found->second.text() +
+           (found->second.count < missing ? ", others are empty" : "");
+}
+
+void addMissingCells(const Workspace& workspace, const std::vector<VarPtr>& variables,
+                     const std::vector<std::size_t>& missing, bool areOutputs,
+                     std::vector<Finding>& findings)
+{
+    constexpr std::size_t fewParts = 20; // of the cases: fewer missing are hardly a loss
+    const CaseCounts& counts = workspace.counts();
+    const std::size_t included = counts.read - counts.excluded;
+    const std::vector<std::string> names = namesOf(variables);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (missing[i] == 0) {
+            continue;
+        }
+        const bool isOne = missing[i] == 1;
+        const std::string name = FindingWords::names({names[i]});
+        std::string remedy = "complete " + std::string(isOne ? "it" : "them");
+        if (!areOutputs && variables.size() > 1) {
+            remedy += " or leave " + name + " out of -x";
+        } else if (areOutputs && variables.size() > 1) {
+            remedy += " or model the outputs one by one, so that they do not lose the cases of "
+                      "each other";
+        }
+        findings.push_back({"missingCells",
+                            2 * missing[i] > included          ? Finding::Severe
+                            : fewParts * missing[i] > included ? Finding::Warning
+                                                               : Finding::Note,
+                            {names[i]},
+                            name + " lacks a number in " + std::to_string(missing[i]) + " of " +
+                                std::to_string(included) + " cases" +
+                                causeText(workspace, names[i], missing[i]) + ": " +
+                                (isOne ? "this case is" : "these cases are") + " left out; " +
+                                remedy + "."});
+    }
+}
+
+/** By the warnings of the model, or by the note about the cells of a column that are no numbers. */
+bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
+{
+    if (finding.kind == "missingCells") {
+        return finding.severity != Finding::Severe &&
+               workspace.cellsWithoutNumber().count(finding.columns.front()) > 0;
+    }
+    static const std::vector<std::string_view> byResponseSurface = {
+        "constantInput", "fewValuesInput", "tooFewCases", "saturatedFit"};
+    static const std::vector<std::string_view> byKriging = {"constantInput", "exactCopies",
+                                                            "nearCopies"};
+    const auto& said = workspace.modelType() == Workspace::Kriging ? byKriging : byResponseSurface;
+    return std::find(said.begin(), said.end(), finding.kind) != said.end();
+}
+
+void addOutliers(const std::string& output, const ResponseSurfaceStatistics& statistics,
+                 std::vector<Finding>& findings)
+{
+    std::vector<std::size_t> positions;
+    for (const std::size_t k : statistics.suspectedOutliers()) {
+        positions.push_back(statistics.cases[k].row);
+    }
+    const bool isNamedAlready =
+        std::any_of(findings.begin(), findings.end(), [&](const Finding& finding) {
+            return (finding.kind == "farCase" || finding.kind == "missingCode") &&
+                   finding.columns.front() == output;
+        });
+    if (positions.empty() || isNamedAlready) {
+        return;
+    }
+    std::sort(positions.begin(), positions.end());
+    const bool isOne = positions.size() == 1;
+    std::string text = FindingWords::cases(positions);
+    text[0] = 'C';
+    findings.push_back({"suspectedOutliers",
+                        Finding::Warning,
+                        {output},
+                        text + (isOne ? " lies" : " lie") + " far from the fit of " +
+                            FindingWords::names({output}) +
+                            " to the others: " + (isOne ? "it bends" : "they bend") +
+                            " the fit and widen" + (isOne ? "s" : "") + " the intervals; check " +
+                            (isOne ? "it" : "them") + ", and fit once more with --exclude."});
+}
+} // namespace
+
+SessionFindings SessionFindings::ofCases(const Workspace& workspace)
+{
+    SessionFindings result;
+    const std::vector<std::size_t> valid = workspace.validCases();
+    result.validCases = valid.size();
+    const CaseCounts& counts = workspace.counts();
+    addMissingCells(workspace, workspace.outputs(), counts.invalidByOutput, true, result.findings);
+    addMissingCells(workspace, workspace.inputs(), counts.invalidByInput, false, result.findings);
+    const Diagnosis diagnosis = Diagnosis::of(diagnosedCases(workspace, valid));
+    result.consideredCases = diagnosis.consideredCases;
+    result.findings.insert(result.findings.end(), diagnosis.findings.begin(),
+                           diagnosis.findings.end());
+    sortBySeverity(result.findings);
+    return result;
+}
+
+SessionFindings SessionFindings::ofFit(CaseSession& session)
+{
+    if (!session.exportedReport().empty()) {
+        return {};
+    }
+    SessionFindings result = ofCases(session);
+    result.findings.erase(
+        std::remove_if(result.findings.begin(), result.findings.end(),
+                       [&](const Finding& finding) { return isSaidElsewhere(finding, session); }),
+        result.findings.end());
+    const std::vector<std::string> outputs = namesOf(session.outputs());
+    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    for (std::size_t i = 0; i < statistics.size(); ++i) {
+        addOutliers(outputs[i], statistics[i], result.findings);
+    }
+    sortBySeverity(result.findings);
+    return result;
+}
+
+std::vector<std::string> FindingsReport::sentences(const SessionFindings& findings)
+{
+    std::vector<std::string> sentences;
+    for (const Finding& finding : findings.findings) {
+        const char* const word = finding.severity == Finding::Severe    ? "Severe: "
+                                 : finding.severity == Finding::Warning ? "Warning: "
+                                                                        : "Note: ";
+        sentences.push_back(word + finding.text);
+    }
+    return sentences;
+}
+
+std::string FindingsReport::text(const SessionFindings& findings)
+{
+    std::string text = "Findings";
+    if (findings.consideredCases < findings.validCases) {
+        text += ", from " + std::to_string(findings.consideredCases) + " of " +
+                std::to_string(findings.validCases) + " valid cases";
+    }
+    if (findings.findings.empty()) {
+        return text + ": none\n";
+    }
+    text += '\n';
+    for (const std::string& sentence : sentences(findings)) {
+        text += "  " + sentence + '\n';
+    }
+    return text;
+}
+
+ReportJson::Json FindingsReport::json(const SessionFindings& findings)
+{
+    Json json = Json::array();
+    for (const Finding& finding : findings.findings) {
+        json.push_back({{"kind", finding.kind},
+                        {"severity", severityName(finding.severity)},
+                        {"columns", finding.columns},
+                        {"text", finding.text}});
+    }
+    return json;
+}
