@@ -31,7 +31,7 @@ std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& w
 SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
 
 /** How a case file was read, as an object. */
-ReportJson::Json layoutJson(const CaseFileLayout& layout);
+SURROGATE_SESSION_EXPORT ReportJson::Json layoutJson(const CaseFileLayout& layout);
 
 /** How many cases there are; "layout": how they were read; "withoutNumber": of every variable,
  * which cells are no numbers. */

@@ -68,7 +68,7 @@ const RefusedDocument refusedDocuments[] = {
      "\"Aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\"."},
     {"UnknownSeparator", "\"semicolon\"", "\";\"",
      "line 3, column 3: the attribute \"Separator\" of the element \"CaseFile\" must be "
-     "\"comma\", \"semicolon\" or \"tab\", not \";\"."},
+     "\"comma\", \"semicolon\", \"tab\", \"bar\" or \"blanks\", not \";\"."},
     {"UnknownDecimalMark", "DecimalMark=\"comma\"", "DecimalMark=\"Comma\"",
      "line 3, column 3: the attribute \"DecimalMark\" of the element \"CaseFile\" must be "
      "\"point\" or \"comma\", not \"Comma\"."},
@@ -166,7 +166,7 @@ const RefusedDocument refusedDocuments[] = {
      "\"BackwardAicc\", not \"Forward\"."},
     {"UnknownPolynomial", "  <Sweeps>", "  <Polynomial Terms=\"Cubic\"/>\n  <Sweeps>",
      "line 15, column 3: the attribute \"Terms\" of the element \"Polynomial\" must be "
-     "\"Linear\", \"Interactions\" or \"Quadratic\", not \"Cubic\"."},
+     "\"Linear\", \"Interactions\", \"Quadratic\" or \"Chosen\", not \"Cubic\"."},
     {"TwoTermSelections", "  <Sweeps>",
      "  <TermSelection Method=\"BackwardAicc\"/>\n  <TermSelection/>\n  <Sweeps>",
      "line 16, column 3: the element \"TermSelection\" comes twice."},

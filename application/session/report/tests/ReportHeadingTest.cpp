@@ -49,6 +49,24 @@ TEST(ReportHeading, NotesCellsWithoutNumberOfInputsAndOutputs)
     EXPECT_EQ(ReportHeading::casesJson(session)["withoutNumber"].size(), 2u);
 }
 
+TEST(ReportHeading, JsonHasHowTheCasesWereRead)
+{
+    CaseFileLayout layout;
+    layout.encoding = TextEncoding::Windows1252;
+    layout.separator = ';';
+    layout.hasDecimalComma = true;
+    layout.thousandsSeparator = '.';
+    layout.titleLines = 1;
+    layout.commentLines = 2;
+    layout.hasUnitsRow = true;
+
+    EXPECT_EQ(ReportHeading::layoutJson(layout),
+              ReportJson::Json::parse(R"({"encoding": "windows-1252", "separator": "semicolon",
+        "decimalMark": "comma", "thousandsSeparator": ".", "heading": true,
+        "headingInComment": false, "titleLines": 1, "commentLines": 2, "unitsRow": true,
+        "rowNames": false})"));
+}
+
 TEST(ReportHeading, BeginsReportsWithCasesModelAndInputs)
 {
     const ReportJson::Json json = ReportHeading::modelJson(cvdSession());
