@@ -5,6 +5,7 @@
 #include <mirel_fitting/numerics/Distributions.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
+#include <algorithm>
 #include <map>
 
 class SurrogateResponseSurfaceModel::Impl
@@ -77,6 +78,22 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
                                   PolynomialForm{highestOrder, true}, Selection::All))
 {}
+
+std::size_t SurrogateResponseSurfaceModel::termCount(const ResponseSurfaceOptions& options,
+                                                     const std::vector<bool>& isVarying)
+{
+    const PolynomialForm form = PolynomialForm::of(options, isVarying.size());
+    if (!form.formula) {
+        return form.termCount(
+            static_cast<std::size_t>(std::count(isVarying.begin(), isVarying.end(), true)));
+    }
+    const std::vector<TermFormula::Term>& terms = form.formula->terms();
+    return 1 + static_cast<std::size_t>(
+                   std::count_if(terms.begin(), terms.end(), [&](const TermFormula::Term& term) {
+                       return std::all_of(term.begin(), term.end(),
+                                          [&](std::size_t input) { return isVarying[input]; });
+                   }));
+}
 
 SurrogateResponseSurfaceModel::~SurrogateResponseSurfaceModel() = default;
 

@@ -48,6 +48,14 @@ public:
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, const ResponseSurfaceOptions& options);
 
+    /**
+     * How many terms such a polynomial has, the constant among them, if the cases suffice.
+     * @param isVarying one per input: constant ones have no terms.
+     * @throw Error for a formula that is none of these inputs.
+     */
+    static std::size_t termCount(const ResponseSurfaceOptions& options,
+                                 const std::vector<bool>& isVarying);
+
     ~SurrogateResponseSurfaceModel() override;
 
     void activateDependentVariables(const std::set<int>& offsets) override;

@@ -1,5 +1,7 @@
 #include "session/cases/CaseFileLayout.h"
 
+#include "session/text/CountedText.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -11,11 +13,6 @@ std::string joinedBy(const std::vector<std::string>& parts, const std::string& l
         text += (i == 0 ? "" : i + 1 == parts.size() ? last : ", ") + parts[i];
     }
     return text;
-}
-
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
 std::string shownThousands(char separator)
@@ -56,10 +53,10 @@ std::string CaseFileLayout::text() const
 
     std::vector<std::string> skipped;
     if (titleLines > 0) {
-        skipped.push_back(counted(titleLines, "title line"));
+        skipped.push_back(countedText(titleLines, "title line"));
     }
     if (commentLines > 0) {
-        skipped.push_back(counted(commentLines, "comment line"));
+        skipped.push_back(countedText(commentLines, "comment line"));
     }
     if (hasUnitsRow) {
         skipped.emplace_back("a units row");

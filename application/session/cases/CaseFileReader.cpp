@@ -5,6 +5,7 @@
 #include "session/files/ByteSource.h"
 #include "session/files/TextEncoding.h"
 #include "session/text/CellValue.h"
+#include "session/text/CountedText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
@@ -38,11 +39,6 @@ std::string placeOf(const std::string& path, std::size_t line)
 /** Bytes that are not UTF-8 were met, where it is no matter of course that the text is UTF-8. */
 struct NotUtf8
 {};
-
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 
 /** The text of a heading on one line, without blanks around it. */
 std::string nameIn(std::string_view text)
@@ -232,7 +228,7 @@ void ColumnBuilder::checkSize(const std::vector<std::string_view>& cells, std::s
             ? "; if the table begins further down, --skip N leaves out the lines above it."
             : "; correct it, or begin it with # to leave it out.";
     fail(table.path, line,
-         "the row has " + counted(cells.size(), "cell") +
+         "the row has " + countedText(cells.size(), "cell") +
              (table.layout.hasHeading ? ", the heading has " : ", the first row has ") +
              std::to_string(columns) + hint);
 }

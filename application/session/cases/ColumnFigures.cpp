@@ -12,16 +12,6 @@ double mean(double low, double high)
     return low / 2.0 + high / 2.0;
 }
 
-double medianOf(std::vector<double>& numbers)
-{
-    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
-    std::nth_element(numbers.begin(), middle, numbers.end());
-    if (numbers.size() % 2 == 1) {
-        return *middle;
-    }
-    return mean(*std::max_element(numbers.begin(), middle), *middle);
-}
-
 /** Counts values until there are too many. */
 template <typename Value>
 class DistinctCounter
@@ -44,6 +34,16 @@ private:
     std::unordered_set<Value> seen;
 };
 } // namespace
+
+double medianOf(std::vector<double> numbers)
+{
+    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
+    std::nth_element(numbers.begin(), middle, numbers.end());
+    if (numbers.size() % 2 == 1) {
+        return *middle;
+    }
+    return mean(*std::max_element(numbers.begin(), middle), *middle);
+}
 
 ColumnFigures ColumnFigures::of(const std::vector<double>& numbers)
 {

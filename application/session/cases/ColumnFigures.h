@@ -26,3 +26,6 @@ struct ColumnFigures
     SURROGATE_SESSION_EXPORT static ColumnFigures of(const std::vector<double>& numbers);
     SURROGATE_SESSION_EXPORT static ColumnFigures of(const std::vector<std::string>& texts);
 };
+
+/** The mean of the two middle ones of an even number. @param numbers at least one, none NaN. */
+SURROGATE_SESSION_EXPORT double medianOf(std::vector<double> numbers);

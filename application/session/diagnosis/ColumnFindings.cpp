@@ -1,5 +1,6 @@
 #include "session/diagnosis/ColumnFindings.h"
 
+#include "session/cases/ColumnFigures.h"
 #include "session/diagnosis/FindingWords.h"
 
 #include <algorithm>
@@ -21,13 +22,6 @@ constexpr std::size_t fewestCases = 8;
 bool isConstant(const Column& column)
 {
     return column.minimum() == column.maximum();
-}
-
-double medianOf(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 Finding finding(const std::string& kind, Finding::Severity severity,
@@ -296,7 +290,8 @@ std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
             twoValued.push_back(input.name);
         }
     }
-    const bool hasSquares = !cases.isKriging && cases.terms == PolynomialTerms::Quadratic;
+    const bool hasSquares =
+        !cases.isKriging && cases.responseSurface.terms == PolynomialTerms::Quadratic;
     if (!twoValued.empty() && (hasSquares || cases.isKriging)) {
         const bool isOne = twoValued.size() == 1;
         findings.push_back(finding(

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/** What can be seen in single columns. Each at least eight cases, but for constant ones. */
+/** What can be seen in single columns. Needs eight cases; constants() two. */
 namespace ColumnFindings {
 /** Inputs and outputs that are the same in every case, and inputs that are in all cases but one or
  *  vary by less than a millionth of their size: "constantInput", "constantOutput",

@@ -173,8 +173,9 @@ bool LinearDependences::addDependence(const Kept& column, double residual)
     const double tolerance = isExact ? exact * column.range : rounding;
     const std::string text = formula(column, coefficients, tolerance, columns);
     dependent.push_back({"dependentInput", Finding::Warning, columns,
-                         text + (isExact ? " in every case" : " in every case, up to rounding") +
-                             effectOf(isExact) + " and predictions off this " +
+                         text + (cases.isSample ? " in every compared case" : " in every case") +
+                             (isExact ? "" : ", up to rounding") + effectOf(isExact) +
+                             " and predictions off this " +
                              (columns.size() > 2 ? "plane" : "line") +
                              " are extrapolation; leave " + names({name}) +
                              " out of -x or vary it independently."});

@@ -58,7 +58,8 @@ DiagnosedCases DiagnosedCases::sample(std::size_t most) const
     const std::vector<std::size_t> rows = sampledRows(count(), most);
     DiagnosedCases sampled;
     sampled.isKriging = isKriging;
-    sampled.terms = terms;
+    sampled.responseSurface = responseSurface;
+    sampled.isSample = true;
     sampled.transformsOutputs = transformsOutputs;
     for (const Column& column : inputs) {
         sampled.inputs.push_back({column.name, valuesAt(column.values, rows)});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_fitting/PolynomialTerms.h>
+#include <mirel_fitting/ResponseSurfaceOptions.h>
 
 #include <surrogate_session/Export.h>
 
@@ -28,9 +28,11 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
     std::vector<std::size_t> positions;
 
     bool isKriging = false;
-    PolynomialTerms terms = PolynomialTerms::Quadratic; ///< of a response surface
+    ResponseSurfaceOptions responseSurface; ///< without Kriging; its formula in V1, V2, ...
     /** Whether a transform of the outputs is modelled, or would be tried. */
     bool transformsOutputs = false;
+
+    bool isSample = false; ///< of more cases
 
     std::size_t count() const { return positions.size(); }
 

@@ -10,8 +10,7 @@
 #include <cmath>
 
 namespace {
-/** What compares cases with each other, or inputs with each other, gets so few that it takes a
- *  fraction of a second. */
+/** What compares each case with each other gets so few that it takes a fraction of a second. */
 std::size_t casesToCompare(const DiagnosedCases& cases)
 {
     constexpr double work = 4e7;
@@ -19,13 +18,19 @@ std::size_t casesToCompare(const DiagnosedCases& cases)
     const double inputs = static_cast<double>(std::max<std::size_t>(1, cases.inputs.size()));
     return std::min(most, static_cast<std::size_t>(std::sqrt(work / inputs)));
 }
+
+/** What compares each input with each other does so over these. */
+std::size_t casesOfInputs(const DiagnosedCases& cases)
+{
+    constexpr double work = 1e8;
+    const double inputs = static_cast<double>(std::max<std::size_t>(1, cases.inputs.size()));
+    return std::max<std::size_t>(2000, static_cast<std::size_t>(work / (inputs * inputs)));
+}
 } // namespace
 
-Diagnosis Diagnosis::of(const DiagnosedCases& all)
+Diagnosis Diagnosis::of(const DiagnosedCases& cases)
 {
-    const DiagnosedCases cases = all.sample(mostCases);
     Diagnosis diagnosis;
-    diagnosis.consideredCases = cases.count();
     if (cases.count() == 0) {
         return diagnosis;
     }
@@ -36,9 +41,10 @@ Diagnosis Diagnosis::of(const DiagnosedCases& all)
     add(ColumnFindings::farCases(cases));
     add(RepeatFindings::repeats(cases));
     add(SizeFindings::find(cases));
-    const DiagnosedCases compared = cases.sample(casesToCompare(cases));
-    add(DependenceFindings::find(compared));
+    add(DependenceFindings::find(cases.sample(casesOfInputs(cases))));
     add(ColumnFindings::decades(cases));
+    const DiagnosedCases compared = cases.sample(casesToCompare(cases));
+    diagnosis.comparedCases = compared.count();
     const std::vector<Finding> gaps = ColumnFindings::gaps(cases);
     add(gaps);
     if (gaps.empty()) { // which lie between groups of cases, too

@@ -11,12 +11,10 @@
 /** All that may be wrong with cases. */
 struct Diagnosis
 {
-    /** Of more cases so many are considered (DiagnosedCases::sample()). */
-    static constexpr std::size_t mostCases = 20000;
-
     /** Worst first, those that are equally bad in the order of the checks. */
     std::vector<Finding> findings;
-    std::size_t consideredCases = 0;
+    /** Of all; of many a sample (DiagnosedCases::sample()). Columns are judged over all cases. */
+    std::size_t comparedCases = 0;
 
     SURROGATE_SESSION_EXPORT static Diagnosis of(const DiagnosedCases& cases);
 };

@@ -2,6 +2,8 @@
 
 #include "session/diagnosis/FindingWords.h"
 
+#include "session/text/CountedText.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -328,9 +330,10 @@ std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
     }
     std::string text = FindingWords::cases(positionsOf(cases, example));
     text[0] = 'C';
-    text += found == 1   ? ""
-            : found == 2 ? " and 1 other pair"
-                         : " and " + std::to_string(found - 1) + " other pairs";
+    if (found > 1) {
+        text += cases.isSample ? " and at least " : " and ";
+        text += countedText(found - 1, "other pair");
+    }
     findings.push_back({"nearCopies",
                         Finding::Note,
                         {},

@@ -1,5 +1,9 @@
 #include "session/diagnosis/SizeFindings.h"
 
+#include "session/text/CountedText.h"
+
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -8,23 +12,18 @@
 using Column = DiagnosedCases::Column;
 
 namespace {
-std::size_t termsOf(PolynomialTerms terms, std::size_t inputs)
+std::string nameOf(PolynomialTerms terms)
 {
     switch (terms) {
     case PolynomialTerms::Linear:
-        return 1 + inputs;
+        return "linear response surface of ";
     case PolynomialTerms::Interactions:
-        return 1 + inputs + inputs * (inputs - 1) / 2;
+        return "response surface with interactions of ";
+    case PolynomialTerms::Chosen:
+        return "response surface of the chosen terms and ";
     default:
-        return (inputs + 1) * (inputs + 2) / 2;
+        return "quadratic response surface of ";
     }
-}
-
-std::string nameOf(PolynomialTerms terms)
-{
-    return terms == PolynomialTerms::Linear         ? "linear response surface"
-           : terms == PolynomialTerms::Interactions ? "response surface with interactions"
-                                                    : "quadratic response surface";
 }
 
 std::size_t differentCases(const DiagnosedCases& cases)
@@ -46,19 +45,16 @@ std::size_t differentCases(const DiagnosedCases& cases)
     }
     return different;
 }
-
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 } // namespace
 
 std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
 {
-    const std::size_t inputs = static_cast<std::size_t>(
-        std::count_if(cases.inputs.begin(), cases.inputs.end(), [&](const Column& input) {
-            return !input.values.empty() && input.minimum() != input.maximum();
-        }));
+    std::vector<bool> isVarying;
+    for (const Column& input : cases.inputs) {
+        isVarying.push_back(!input.values.empty() && input.minimum() != input.maximum());
+    }
+    const auto inputs =
+        static_cast<std::size_t>(std::count(isVarying.begin(), isVarying.end(), true));
     if (inputs == 0) {
         return {};
     }
@@ -72,28 +68,29 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
         return {{"tooFewCases",
                  Finding::Warning,
                  {},
-                 counted(different, "different case") + (different == 1 ? " is" : " are") +
-                     " few for Kriging of " + counted(inputs, "input") +
+                 countedText(different, "different case") + (different == 1 ? " is" : " are") +
+                     " few for Kriging of " + countedText(inputs, "input") +
                      ": it cannot find out which inputs matter; it takes " +
                      std::to_string(wanted) + " at least and " + std::to_string(10 * inputs) +
                      " to be good, or fewer inputs (-x)."}};
     }
 
-    const std::size_t terms = termsOf(cases.terms, inputs);
+    const std::size_t terms =
+        SurrogateResponseSurfaceModel::termCount(cases.responseSurface, isVarying);
     if (cases.count() > terms + 2 && cases.count() > 10 * terms) {
         return {};
     }
     const std::size_t different = differentCases(cases);
-    const std::string model = nameOf(cases.terms) + " of " + counted(inputs, "input");
+    const std::string model = nameOf(cases.responseSurface.terms) + countedText(inputs, "input");
     const std::string wanted = std::to_string(terms) + " terms";
     if (different < terms) {
-        const std::string smaller = cases.terms == PolynomialTerms::Linear
+        const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear
                                         ? "add them or leave inputs out of -x"
                                         : "add them or choose fewer terms with --terms";
         return {{"tooFewCases",
                  Finding::Warning,
                  {},
-                 counted(different, "different case") + (different == 1 ? " does" : " do") +
+                 countedText(different, "different case") + (different == 1 ? " does" : " do") +
                      " not determine the " + wanted + " of a " + model + ": terms are left out; " +
                      std::to_string(terms) + " cases would do and " +
                      std::to_string(terms + terms / 2 + 1) + " would leave some for the error; " +
@@ -104,7 +101,8 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  Finding::Warning,
                  {},
                  "A " + model + " has as many terms as there are cases, " + std::to_string(terms) +
-                     ": it passes through all of them, and nothing is left to tell its error by; "
+                     ": it passes through all of them, and no case is left to estimate its error "
+                     "from; "
                      "add cases, or choose fewer terms with --terms."}};
     }
     if (cases.count() <= terms + 2) {

@@ -127,6 +127,16 @@ std::vector<std::string> differingInputs(const ScaledPoints& points, const std::
     }
     return columns;
 }
+
+/** How large the groups are; of a sample only the shares are known. */
+std::string sizesText(std::size_t members, const DiagnosedCases& cases)
+{
+    if (!cases.isSample) {
+        return std::to_string(members) + " and " + std::to_string(cases.count() - members);
+    }
+    const double share = static_cast<double>(members) / static_cast<double>(cases.count());
+    return "about " + FindingWords::percent(share) + " and " + FindingWords::percent(1.0 - share);
+}
 } // namespace
 
 std::vector<Finding> SpreadFindings::find(const DiagnosedCases& cases)
@@ -165,10 +175,13 @@ std::vector<Finding> SpreadFindings::find(const DiagnosedCases& cases)
     if (members >= std::max<std::size_t>(3, points.count / 10)) {
         findings.push_back(
             {"clusters", Finding::Warning, columns,
-             "The cases form two groups, of " + std::to_string(members) + " and " +
-                 std::to_string(points.count - members) + ", that lie apart" + where +
+             "The cases form two groups, of " + sizesText(members, cases) + ", that lie apart" +
+                 where +
                  ": predictions between them rest on the model's form alone; add cases there or "
                  "model each group by itself."});
+        return findings;
+    }
+    if (cases.isSample) { // others may lie beside them
         return findings;
     }
     std::vector<std::size_t> positions;

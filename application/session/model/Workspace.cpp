@@ -1,5 +1,6 @@
 #include "session/model/Workspace.h"
 
+#include "session/cases/ColumnFigures.h"
 #include "session/cases/VariableNames.h"
 #include "session/files/FileFingerprint.h"
 #include "session/model/SessionState.h"
@@ -90,21 +91,16 @@ std::map<std::string, std::string> unitsOf(const CaseTable& table)
     return byName;
 }
 
-/** The median of a column over some of its rows, at least one. */
-double medianOf(const std::vector<double>& column, const std::vector<std::size_t>& rows)
+/** The values of a column in some of its rows. */
+std::vector<double> valuesIn(const std::vector<double>& column,
+                             const std::vector<std::size_t>& rows)
 {
     std::vector<double> values;
     values.reserve(rows.size());
     for (const std::size_t row : rows) {
         values.push_back(column[row]);
     }
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    if (values.size() % 2 == 1) {
-        return *middle;
-    }
-    // Halved first: the sum of two large values could overflow.
-    return 0.5 * *std::max_element(values.begin(), middle) + 0.5 * *middle;
+    return values;
 }
 } // namespace
 
@@ -457,9 +453,9 @@ void Workspace::holdAtMedians(const std::vector<std::size_t>& inputs)
     for (const std::size_t input : inputs) {
         const VarPtr variable = impl->inputs.at(input);
         const std::string name = variable.lock()->name();
-        point.setUserDistString(name,
-                                numberText(medianOf(project().numericValues(variable), cases)));
-        // The text counts all the same; the mode says that nobody chose it.
+        point.setUserDistString(
+            name, numberText(medianOf(valuesIn(project().numericValues(variable), cases))));
+        // Auto marks a default; the text is used either way.
         point.setMode(name, Collection::Auto);
     }
     impl->state.manager->evaluationPoint()->set(point);

@@ -7,6 +7,7 @@
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/TermFormula.h>
 
 #include <algorithm>
 #include <string_view>
@@ -51,18 +52,18 @@ std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
     return columns;
 }
 
-/** @param valid the positions of the valid cases; at most Diagnosis::mostCases of them are taken.
- */
-DiagnosedCases diagnosedCases(const Workspace& workspace, const std::vector<std::size_t>& valid)
+DiagnosedCases diagnosedCases(const Workspace& workspace)
 {
     DiagnosedCases cases;
-    for (const std::size_t k : sampledRows(valid.size(), Diagnosis::mostCases)) {
-        cases.positions.push_back(valid[k]);
-    }
+    cases.positions = workspace.validCases();
     cases.inputs = columnsOf(workspace, workspace.inputs(), cases.positions);
     cases.outputs = columnsOf(workspace, workspace.outputs(), cases.positions);
     cases.isKriging = workspace.modelType() == Workspace::Kriging;
-    cases.terms = workspace.responseSurface().terms;
+    cases.responseSurface = workspace.responseSurface();
+    if (cases.responseSurface.terms == PolynomialTerms::Chosen) {
+        cases.responseSurface.formula =
+            TermFormula(cases.responseSurface.formula, namesOf(workspace.inputs())).symbols();
+    }
     cases.transformsOutputs = transformsOutputs(workspace);
     return cases;
 }
@@ -161,13 +162,13 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
 SessionFindings SessionFindings::ofCases(const Workspace& workspace)
 {
     SessionFindings result;
-    const std::vector<std::size_t> valid = workspace.validCases();
-    result.validCases = valid.size();
+    const DiagnosedCases cases = diagnosedCases(workspace);
+    result.validCases = cases.count();
     const CaseCounts& counts = workspace.counts();
     addMissingCells(workspace, workspace.outputs(), counts.invalidByOutput, true, result.findings);
     addMissingCells(workspace, workspace.inputs(), counts.invalidByInput, false, result.findings);
-    const Diagnosis diagnosis = Diagnosis::of(diagnosedCases(workspace, valid));
-    result.consideredCases = diagnosis.consideredCases;
+    const Diagnosis diagnosis = Diagnosis::of(cases);
+    result.comparedCases = diagnosis.comparedCases;
     result.findings.insert(result.findings.end(), diagnosis.findings.begin(),
                            diagnosis.findings.end());
     sortBySeverity(result.findings);
@@ -208,9 +209,9 @@ std::vector<std::string> FindingsReport::sentences(const SessionFindings& findin
 std::string FindingsReport::text(const SessionFindings& findings)
 {
     std::string text = "Findings";
-    if (findings.consideredCases < findings.validCases) {
-        text += ", from " + std::to_string(findings.consideredCases) + " of " +
-                std::to_string(findings.validCases) + " valid cases";
+    if (findings.comparedCases < findings.validCases) {
+        text += " (" + std::to_string(findings.comparedCases) + " of " +
+                std::to_string(findings.validCases) + " valid cases are compared with each other)";
     }
     if (findings.findings.empty()) {
         return text + ": none\n";

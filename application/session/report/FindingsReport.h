@@ -18,7 +18,7 @@ struct SessionFindings
     /** Worst first. */
     std::vector<Finding> findings;
     std::size_t validCases = 0;
-    std::size_t consideredCases = 0; ///< of the valid ones; fewer of many
+    std::size_t comparedCases = 0; ///< with each other: of many valid ones a sample
 
     /** Of the cases with inputs and outputs, without a fit. */
     SURROGATE_SESSION_EXPORT static SessionFindings ofCases(const Workspace& workspace);

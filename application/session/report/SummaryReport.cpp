@@ -169,6 +169,8 @@ ReportJson::Json SummaryReport::json(const Workspace& workspace)
         json["outputs"].push_back(
             {{"name", outputs[i]}, {"validAlone", workspace.counts().validAlone[i]}});
     }
-    json["findings"] = FindingsReport::json(SessionFindings::ofCases(workspace));
+    const SessionFindings findings = SessionFindings::ofCases(workspace);
+    json["findings"] = FindingsReport::json(findings);
+    json["comparedCases"] = findings.comparedCases; // of many a sample
     return json;
 }

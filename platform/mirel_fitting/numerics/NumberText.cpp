@@ -22,3 +22,8 @@ std::string NumberText::rounded(double value, int digits)
         std::to_chars(text, text + longest, value, std::chars_format::general, digits);
     return {text, end.ptr};
 }
+
+std::string NumberText::counted(std::size_t count, const std::string& noun)
+{
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}

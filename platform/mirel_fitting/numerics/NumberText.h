@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /** Numbers as text, in the C locale whatever the application has set. */
@@ -11,4 +12,7 @@ public:
 
     /** At most `digits` significant digits, without trailing zeros. */
     static std::string rounded(double value, int digits);
+
+    /** "1 case", "2 cases". */
+    static std::string counted(std::size_t count, const std::string& noun);
 };

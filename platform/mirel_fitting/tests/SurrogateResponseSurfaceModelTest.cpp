@@ -203,3 +203,25 @@ TEST(SurrogateResponseSurfaceModel, EndsWithAnErrorWhenItIsCancelled)
     const FitProgress progress([](double, const std::string&) { return false; });
     EXPECT_EQ(errorOf([] { fit(twoInputs(9, 0.0)); }), "The fit was cancelled.");
 }
+
+TEST(SurrogateResponseSurfaceModel, CountsTheTermsThatVaryingInputsHave)
+{
+    struct
+    {
+        ResponseSurfaceOptions options;
+        std::size_t terms;
+        std::size_t withoutTheThird;
+    } const rows[] = {
+        {{PolynomialTerms::Linear, {}, ""}, 4, 3},
+        {{PolynomialTerms::Interactions, {}, ""}, 7, 4},
+        {{PolynomialTerms::Quadratic, {}, ""}, 10, 6},
+        {{PolynomialTerms::Chosen, {}, "V1 + V2 + V3 + V1:V3 + V2^2"}, 6, 4},
+    };
+    for (const auto& row : rows) {
+        const auto count = [&](const std::vector<bool>& isVarying) {
+            return SurrogateResponseSurfaceModel::termCount(row.options, isVarying);
+        };
+        EXPECT_EQ(count({true, true, true}), row.terms);
+        EXPECT_EQ(count({true, true, false}), row.withoutTheThird);
+    }
+}

@@ -73,3 +73,10 @@ TEST(ColumnFigures, TextsAreCountedToo)
     EXPECT_EQ(figures.distinct, 2u);
     EXPECT_TRUE(std::isnan(figures.median));
 }
+
+TEST(ColumnFigures, TheMedianOfAnEvenNumberLiesBetweenTheTwoInTheMiddle)
+{
+    EXPECT_EQ(medianOf({5, 1, 2, 4}), 3.0);
+    EXPECT_EQ(medianOf({5, 1, 2}), 2.0);
+    EXPECT_EQ(medianOf({1.6e308, 1.6e308}), 1.6e308);
+}

@@ -185,7 +185,7 @@ TEST(ColumnFindings, TwoValuesShowNoCurvature)
         (Texts{"fewValuesInput: a takes two values only: what lies between them is a straight "
                "line at best, and squares of it are left out; measure a third value where "
                "curvature matters."}));
-    cases.terms = PolynomialTerms::Interactions;
+    cases.responseSurface.terms = PolynomialTerms::Interactions;
     EXPECT_EQ(ColumnFindings::fewValues(cases).size(), 0u) << "which have no squares";
 }
 

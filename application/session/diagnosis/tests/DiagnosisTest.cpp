@@ -1,10 +1,13 @@
 #include <session/diagnosis/Diagnosis.h>
+#include <session/diagnosis/FindingWords.h>
 
 #include "SampleCases.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,6 +27,12 @@ DiagnosedCases measured(Columns inputs)
         cases.outputs[0].values.push_back(sum + 0.1 * noise[row]);
     }
     return cases;
+}
+
+double leastBut(std::vector<double> values, std::size_t row)
+{
+    values.erase(values.begin() + static_cast<std::ptrdiff_t>(row));
+    return *std::min_element(values.begin(), values.end());
 }
 
 /** All combinations of these levels, then axial points at a distance, then centre points. */
@@ -80,12 +89,41 @@ TEST(Diagnosis, TheWorstFindingComesFirst)
     EXPECT_EQ(diagnosis.findings[1].kind, "constantInput");
 }
 
-TEST(Diagnosis, OfManyCasesASampleIsConsidered)
+TEST(Diagnosis, OfManyCasesASampleIsCompared)
 {
-    const std::size_t count = Diagnosis::mostCases + 1000;
+    EXPECT_EQ(Diagnosis::of(measured({{"A", spread(21000)}})).comparedCases, 2000u);
+    EXPECT_EQ(Diagnosis::of(measured({{"A", spread(30)}})).comparedCases, 30u);
+}
 
-    EXPECT_EQ(Diagnosis::of(measured({{"A", spread(count)}})).consideredCases,
-              Diagnosis::mostCases);
+TEST(Diagnosis, EachOfManyCasesCounts)
+{
+    DiagnosedCases cases = measured({{"A", spread(21000)}, {"B", std::vector<double>(21000, 1.0)}});
+    cases.inputs[1].values[12345] = 3.5;
+    cases.outputs[0].values[4321] = -999.0;
+
+    EXPECT_EQ(textsOf(Diagnosis::of(cases).findings),
+              (Texts{"missingCode: Case 4322 has y = -999, all others lie between " +
+                         FindingWords::figure(leastBut(cases.outputs[0].values, 4321)) + " and " +
+                         FindingWords::figure(cases.outputs[0].maximum()) +
+                         ": the model takes it for a measurement; if it marks a missing value, "
+                         "read the file with --missing -999.",
+                     "nearlyConstantInput: B is 1 in every case but case 12346: its effect rests "
+                     "on that case alone; vary it in more cases or leave it out of -x."}));
+}
+
+TEST(Diagnosis, ADependenceOfManyInputsIsOneOfTheComparedCases)
+{
+    Columns columns;
+    for (std::size_t k = 0; k < 150; ++k) {
+        columns.push_back({"V" + std::to_string(k), spread(21000, std::sqrt(3.0 * k + 2.0))});
+    }
+    columns.back().values = columns.front().values;
+    columns.back().values[12345] += 0.5;
+
+    const Diagnosis diagnosis = Diagnosis::of(casesOf(columns, {{"y", spread(21000)}}));
+
+    ASSERT_FALSE(diagnosis.findings.empty());
+    EXPECT_EQ(diagnosis.findings[0].text.substr(0, 34), "V149 = V0 in every compared case: ");
 }
 
 TEST(Diagnosis, WithoutCasesThereAreNoFindings)

@@ -24,8 +24,8 @@ TEST(SizeFindings, AsManyCasesAsTermsLeaveNoError)
 {
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(6))),
               (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
-                     "there are cases, 6: it passes through all of them, and nothing is left to "
-                     "tell its error by; add cases, or choose fewer terms with --terms."}));
+                     "there are cases, 6: it passes through all of them, and no case is left to "
+                     "estimate its error from; add cases, or choose fewer terms with --terms."}));
 }
 
 TEST(SizeFindings, FewMoreCasesLeaveLittleOfIt)
@@ -41,8 +41,32 @@ TEST(SizeFindings, EnoughCasesNeedNoSentence)
 {
     EXPECT_EQ(SizeFindings::find(casesOfTwoInputs(9)).size(), 0u);
     DiagnosedCases linear = casesOfTwoInputs(6);
-    linear.terms = PolynomialTerms::Linear;
+    linear.responseSurface.terms = PolynomialTerms::Linear;
     EXPECT_EQ(SizeFindings::find(linear).size(), 0u);
+}
+
+TEST(SizeFindings, ChosenTermsAreCounted)
+{
+    DiagnosedCases cases = casesOfTwoInputs(6);
+    cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2"};
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
+
+    cases = casesOfTwoInputs(4);
+    cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2 + V1:V2"};
+    EXPECT_EQ(textsOf(SizeFindings::find(cases)),
+              (Texts{"saturatedFit: A response surface of the chosen terms and 2 inputs has as "
+                     "many terms as there are cases, 4: it passes through all of them, and no "
+                     "case is left to estimate its error from; add cases, or choose fewer terms "
+                     "with --terms."}));
+}
+
+TEST(SizeFindings, ChosenTermsOfAConstantInputAreNone)
+{
+    DiagnosedCases cases = casesOfTwoInputs(6);
+    cases.inputs.push_back({"c", std::vector<double>(6, 1.0)});
+    cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2 + V3 + V1:V3 + V3^2"};
+
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
 }
 
 TEST(SizeFindings, ConstantInputsHaveNoTerms)

@@ -36,6 +36,18 @@ TEST(SpreadFindings, ASingleCaseFarAwayIsLonely)
     EXPECT_EQ(findings[0].text.substr(0, 44), "Case 40 lies far from all others in a and b:");
 }
 
+TEST(SpreadFindings, OfASampleOnlySharesAreKnown)
+{
+    DiagnosedCases sampled = groups(60, 25, 4.0);
+    sampled.isSample = true;
+    EXPECT_EQ(SpreadFindings::find(sampled).at(0).text.substr(0, 55),
+              "The cases form two groups, of about 42 % and 58 %, that");
+
+    sampled = groups(40, 39, 2.0);
+    sampled.isSample = true;
+    EXPECT_EQ(SpreadFindings::find(sampled).size(), 0u) << "others may lie beside it";
+}
+
 TEST(SpreadFindings, EvenlySpreadCasesAreOneGroup)
 {
     EXPECT_EQ(SpreadFindings::find(groups(60, 60, 0.0)).size(), 0u);

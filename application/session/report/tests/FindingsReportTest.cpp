@@ -107,12 +107,12 @@ TEST(FindingsReport, AsJsonHasKindSeverityColumnsAndText)
               R"([{"kind":"gap","severity":"note","columns":["a","b"],"text":"There is a gap."}])");
 }
 
-TEST(FindingsReport, OfManyCasesTheHeadingSaysHowManyAreConsidered)
+TEST(FindingsReport, OfManyCasesTheHeadingSaysHowManyAreCompared)
 {
     SessionFindings findings;
     findings.validCases = 1000000;
-    findings.consideredCases = 20000;
+    findings.comparedCases = 2000;
 
     EXPECT_EQ(FindingsReport::text(findings),
-              "Findings, from 20000 of 1000000 valid cases: none\n");
+              "Findings (2000 of 1000000 valid cases are compared with each other): none\n");
 }

@@ -11,11 +11,6 @@ std::string figure(double value)
     return NumberText::rounded(value, digits);
 }
 
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 std::string orderLowered(int from, int to)
 {
     return "The order of the trend was lowered from " + std::to_string(from) + " to " +
@@ -34,7 +29,7 @@ std::string KrigingWarnings::ofConstantInputs(const std::vector<std::size_t>& in
 
 std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 {
-    return counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
+    return NumberText::counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
            " another case exactly and " + (copies == 1 ? "was" : "were") +
            (areMerged ? " merged with it."
                       : " counted as measured again, since other cases with the same inputs have "
@@ -43,15 +38,15 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 
 std::string KrigingWarnings::ofNearCases(std::size_t places)
 {
-    return "At " + counted(places, "place") + " cases lie next to each other (less than " +
-           figure(ContradictingCases::nearness()) +
+    return "At " + NumberText::counted(places, "place") +
+           " cases lie next to each other (less than " + figure(ContradictingCases::nearness()) +
            " of the range of every input apart) but have different outputs: the model smooths "
            "them.";
 }
 
 std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
 {
-    return "At " + counted(points, "point") +
+    return "At " + NumberText::counted(points, "point") +
            " several cases have the same inputs but different outputs: the model " +
            (interpolates ? "passes through their mean." : "smooths them.");
 }
@@ -59,12 +54,13 @@ std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
 std::string KrigingWarnings::ofSmoothOutput(int from, std::size_t cases)
 {
     return orderLowered(from, 0) + "the cases show no noise, and from " +
-           counted(cases, "distinct case") + " a constant trend predicts a smooth output better.";
+           NumberText::counted(cases, "distinct case") +
+           " a constant trend predicts a smooth output better.";
 }
 
 std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
 {
-    return orderLowered(from, to) + counted(cases, "distinct case") +
+    return orderLowered(from, to) + NumberText::counted(cases, "distinct case") +
            (cases == 1 ? " is" : " are") + " too few for more.";
 }
 
@@ -96,12 +92,12 @@ std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, boo
     return "There are more than " + std::to_string(max) +
            " distinct cases: the model is the exact one of all of them, with the correlation "
            "lengths of " +
-           counted(searched, "case") + " spread over all" +
+           NumberText::counted(searched, "case") + " spread over all" +
            (isRefined ? ", refined with all." : ".");
 }
 
 std::string KrigingWarnings::ofSample(std::size_t cases)
 {
     return "The figures of errors are those of a random sample of " +
-           counted(cases, "distinct case") + ".";
+           NumberText::counted(cases, "distinct case") + ".";
 }

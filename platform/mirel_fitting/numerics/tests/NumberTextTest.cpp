@@ -22,3 +22,9 @@ TEST(NumberText, RoundsToSignificantDigits)
     EXPECT_EQ(NumberText::rounded(2.5, 8), "2.5");
     EXPECT_EQ(NumberText::rounded(-1e-9, 3), "-1e-09");
 }
+
+TEST(NumberText, CountsInWords)
+{
+    EXPECT_EQ(NumberText::counted(1, "case"), "1 case");
+    EXPECT_EQ(NumberText::counted(0, "case"), "0 cases");
+}
