@@ -179,13 +179,15 @@ void addCopies(const DiagnosedCases& cases, const std::vector<Rows>& groups,
     if (areAllCopies && !cases.isKriging) {
         text += ", and the lack of fit is not available: the repeats are exact copies";
     }
+    constexpr std::size_t casesPerCopy = 20; // in as many one copy changes little
     findings.push_back({"exactCopies",
-                        Finding::Warning,
+                        casesPerCopy * repeated <= cases.count() ? Finding::Note : Finding::Warning,
                         {},
                         text + "; leave them out with --exclude unless each was measured."});
 }
 
-double varianceOf(const Column& output)
+/** About the mean. */
+double squaresOf(const Column& output)
 {
     const double count = static_cast<double>(output.values.size());
     const double mean = std::accumulate(output.values.begin(), output.values.end(), 0.0) / count;
@@ -193,35 +195,36 @@ double varianceOf(const Column& output)
     for (const double value : output.values) {
         squares += (value - mean) * (value - mean);
     }
-    return squares / (count - 1.0);
+    return squares;
 }
 
 void addConflicts(const DiagnosedCases& cases, const Column& output,
                   const std::vector<Rows>& groups, std::vector<Finding>& findings)
 {
     constexpr std::size_t fewestCases = 8;
-    constexpr double unexplained = 0.5;  // of the variance
+    constexpr double unexplained = 0.5;  // of the variance, by the variance of repeats
     constexpr double conflicting = 0.4;  // of the range
     constexpr double otherRepeats = 0.1; // of the variance, without the worst pair
     constexpr std::size_t fewestDegrees = 3;
     const PureError error = pureErrorOf(output, groups);
-    const double variance = varianceOf(output);
+    const double squares = squaresOf(output);
+    const double variance = squares / static_cast<double>(cases.count() - 1);
     if (cases.count() < fewestCases || error.worst.empty() || variance == 0.0) {
         return;
     }
     const std::string pair = FindingWords::cases(positionsOf(cases, error.worst));
     const std::string figures =
         figure(output.values[error.worst[0]]) + " and " + figure(output.values[error.worst[1]]);
-    const double share = error.variance() / variance;
-    if (share > unexplained && error.degreesOfFreedom >= fewestDegrees) {
-        findings.push_back({"unexplainedOutput",
-                            Finding::Warning,
-                            {output.name},
-                            "Cases with the same inputs differ in " + names({output.name}) + " (" +
-                                pair + " have " + figures +
-                                "): no model of these inputs can explain more than " +
-                                FindingWords::percent(std::max(0.0, 1.0 - share)) +
-                                " of its variance; look for the input that is missing."});
+    if (error.variance() > unexplained * variance && error.degreesOfFreedom >= fewestDegrees) {
+        findings.push_back(
+            {"unexplainedOutput",
+             Finding::Warning,
+             {output.name},
+             "Cases with the same inputs differ in " + names({output.name}) + " (" + pair +
+                 " have " + figures + "): no model of these inputs can explain more than " +
+                 FindingWords::percent(std::max(0.0, 1.0 - error.squares / squares)) +
+                 " of its variance; check these cases, or look for the input that "
+                 "is missing."});
         return;
     }
     const double worstSquares = 0.5 * error.largestRange * error.largestRange;

@@ -11,9 +11,10 @@
 namespace RepeatFindings {
 /**
  * "exactCopies": more cases repeat inputs and outputs of others than do so by chance, which they do
- * where outputs have few values. "unexplainedOutput": repeats vary by more than half of the
- * variance of all cases. "conflictingRepeats": two of them differ by 40 % of the output's range,
- * while the others lie close. O(n log n) in cases.
+ * where outputs have few values; a note where they are few. "unexplainedOutput": repeats vary by
+ * more than half of the variance of all cases; then R2 is at most 1 - pure error / total, as sums
+ * of squares. "conflictingRepeats": two of them differ by 40 % of the output's range, while the
+ * others lie close. O(n log n) in cases.
  */
 SURROGATE_SESSION_EXPORT std::vector<Finding> repeats(const DiagnosedCases& cases);
 

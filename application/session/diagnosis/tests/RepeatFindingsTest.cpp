@@ -65,10 +65,41 @@ TEST(RepeatFindings, RepeatsThatVaryAsMuchAsAllLackAnInput)
 
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].kind, "unexplainedOutput");
-    EXPECT_NE(findings[0].text.find("no model of these inputs can explain more than 0 % of its "
-                                    "variance; look for the input that is missing."),
+    EXPECT_NE(findings[0].text.find("no model of these inputs can explain more than 2 % of its "
+                                    "variance; check these cases, or look for the input that is "
+                                    "missing."),
               std::string::npos)
         << findings[0].text;
+}
+
+TEST(RepeatFindings, WhatRepeatsLeaveToExplainIsAShareOfAllCases)
+{
+    // The pure error is 24 of a total of 112.8, although repeats vary nearly as much as all cases.
+    std::vector<double> inputs = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 4, 5, 6};
+    std::vector<double> outputs = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 8, 9, 10};
+
+    const auto findings = RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}}));
+
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "unexplainedOutput");
+    EXPECT_NE(findings[0].text.find("more than 79 % of its variance"), std::string::npos)
+        << findings[0].text;
+}
+
+TEST(RepeatFindings, OneCopyAmongManyCasesIsANote)
+{
+    std::vector<double> inputs = spread(39);
+    std::vector<double> outputs = otherSpread(39);
+    inputs.push_back(inputs[3]);
+    outputs.push_back(outputs[3]);
+
+    const auto findings = RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}}));
+
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "exactCopies");
+    EXPECT_EQ(findings[0].severity, Finding::Note);
+    EXPECT_EQ(RepeatFindings::repeats(casesWithRepeats({firstOutput}))[0].severity,
+              Finding::Warning);
 }
 
 TEST(RepeatFindings, WithoutRepeatsThereIsNothingToSay)
