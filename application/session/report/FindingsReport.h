@@ -25,7 +25,7 @@ struct SessionFindings
 
     /**
      * The same without what warnings of the model and notes about the file say already, but with
-     * the outliers of the fit. None for an exported model, which has no cases.
+     * the outliers and influential cases of the fit, and where Q2 is far below R2. None for an exported model, which has no cases.
      * @throw SurrogateModelInterface::Error
      */
     SURROGATE_SESSION_EXPORT static SessionFindings ofFit(CaseSession& session);

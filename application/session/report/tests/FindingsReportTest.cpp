@@ -98,6 +98,56 @@ TEST(FindingsReport, TheFitNamesSuspectedOutliers)
               std::string::npos);
 }
 
+TEST(FindingsReport, OutliersThatTheDesignCannotTellApartAreNamedTogether)
+{
+    // A Box-Behnken design: the residuals of cases 5 and 8 have the same size, whatever the
+    // outputs.
+    CaseSession session(tableOf({{"A", {-1, 1, -1, 1, -1, 1, -1, 1, 0, 0, 0, 0, 0, 0, 0}},
+                                 {"B", {-1, -1, 1, 1, 0, 0, 0, 0, -1, 1, -1, 1, 0, 0, 0}},
+                                 {"C", {0, 0, 0, 0, -1, -1, 1, 1, -1, -1, 1, 1, 0, 0, 0}},
+                                 {"y",
+                                  {46.42, 54.353, 40.653, 47.306, 56.636, 52.092, 44.376, 56.296,
+                                   49.508, 43.862, 49.565, 44.359, 50.055, 49.961, 49.79}}}),
+                        {{0, 1, 2}, {3}}, {}, Workspace::ResponseSurface);
+
+    const auto sentences = FindingsReport::sentences(SessionFindings::ofFit(session));
+
+    EXPECT_EQ(sentences.at(0),
+              "Warning: Either case 5 or case 8 lies far from the fit of y to the others, and the "
+              "design cannot tell which: it bends the fit and widens the intervals; check both, "
+              "exclude one with --exclude and look again.");
+    EXPECT_EQ(sentences.at(1),
+              "Warning: The fit of y explains 95 % of the variance of its own cases, but predicts "
+              "left-out ones far worse (Q2 0.1376): it has many terms for so few cases, or single "
+              "cases decide it; add cases, or choose fewer terms with --terms or --select-terms.");
+}
+
+TEST(FindingsReport, ACaseThatTheFitRestsOnIsNamed)
+{
+    std::vector<double> a;
+    std::vector<double> y;
+    for (int row = 0; row < 20; ++row) {
+        a.push_back(0.01 * row);
+        y.push_back(a.back() + 0.1 * (row % 3));
+    }
+    a.push_back(5.0);
+    y.push_back(-9.0);
+    CaseSession session(tableOf({{"a", a}, {"y", y}}), {{0}, {1}}, {}, Workspace::ResponseSurface);
+
+    const SessionFindings findings = SessionFindings::ofFit(session);
+
+    const auto found =
+        std::find_if(findings.findings.begin(), findings.findings.end(),
+                     [](const Finding& finding) { return finding.kind == "influentialCases"; });
+    ASSERT_NE(found, findings.findings.end());
+    EXPECT_EQ(found->text.find("The fit of y rests on case 21 (leverage "), 0u) << found->text;
+    EXPECT_NE(found->text.find("): it passes near this case whatever the output there, so that a "
+                               "fault would not show; check it, and repeat it or add cases "
+                               "nearby."),
+              std::string::npos)
+        << found->text;
+}
+
 TEST(FindingsReport, AsJsonHasKindSeverityColumnsAndText)
 {
     SessionFindings findings;
