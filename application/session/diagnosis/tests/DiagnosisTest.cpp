@@ -118,7 +118,7 @@ TEST(Diagnosis, ADependenceOfManyInputsIsOneOfTheComparedCases)
         columns.push_back({"V" + std::to_string(k), spread(21000, std::sqrt(3.0 * k + 2.0))});
     }
     columns.back().values = columns.front().values;
-    columns.back().values[12345] += 0.5;
+    columns.back().values[12346] += 0.5; // no case of the sample
 
     const Diagnosis diagnosis = Diagnosis::of(casesOf(columns, {{"y", spread(21000)}}));
 
