@@ -571,6 +571,8 @@ void Reading::describeGuess()
     CaseFileLayout guessed = table.layout;
     guessed.separator = options.separator ? plain.separator : guessed.separator;
     guessed.hasDecimalComma = guessed.hasDecimalComma && !options.decimalMark;
+    guessed.thousandsSeparator =
+        options.thousandsSeparator ? plain.thousandsSeparator : guessed.thousandsSeparator;
     guessed.encoding = options.encoding ? plain.encoding : guessed.encoding;
     guessed.hasHeading = guessed.hasHeading || options.heading;
     guessed.titleLines = options.skippedLines ? 0 : guessed.titleLines;

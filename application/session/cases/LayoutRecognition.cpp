@@ -594,7 +594,9 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     }
     const TableParts parts(candidate);
     layout.columns = parts.columns();
-    layout.thousandsSeparator = thousandsSeparator(records, parts, choices, layout.separator);
+    layout.thousandsSeparator = choices.thousandsSeparator
+                                    ? *choices.thousandsSeparator
+                                    : thousandsSeparator(records, parts, choices, layout.separator);
 
     std::optional<std::size_t> heading = parts.heading();
     if (choices.skippedLines) {

@@ -15,6 +15,8 @@ struct ReadingChoices
     std::optional<char> separator;
     /** Which decimal mark numbers have. Where the separator is a comma they have points. */
     std::optional<CellValue::DecimalMark> decimalMark;
+    /** As CaseFileLayout has it. */
+    std::optional<char> thousandsSeparator;
     std::optional<TextEncoding> encoding;
     /** Whether the first record names the columns. */
     std::optional<bool> heading;

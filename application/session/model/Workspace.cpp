@@ -394,6 +394,9 @@ ProjectDocument Workspace::document() const
     impl->state.save(document);
     document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->layout.separator,
                          impl->layout.hasDecimalComma, impl->readingChoices};
+    if (impl->layout.thousandsSeparator != '\0') {
+        document.caseFile.reading.thousandsSeparator = impl->layout.thousandsSeparator;
+    }
     return document;
 }
 

@@ -84,7 +84,14 @@ CaseFileReader::Options readingOptions(const ProjectDocument& document,
         }
     };
     keep(options.separator, file.separator);
-    keep(options.decimalMark, file.hasDecimalComma ? CellValue::Comma : CellValue::Point);
+    if (!options.decimalMark) {
+        keep(options.thousandsSeparator, kept.thousandsSeparator);
+        if (file.hasDecimalComma) {
+            options.decimalMark = CellValue::Comma;
+        } else if (options.thousandsSeparator != '.') {
+            options.decimalMark = CellValue::Point;
+        }
+    }
     keep(options.encoding, kept.encoding);
     keep(options.heading, kept.heading);
     keep(options.unitsRow, kept.unitsRow);

@@ -30,8 +30,8 @@ struct ProjectContents
         FileFingerprint fingerprint;
         char separator = ','; ///< as CaseFileLayout has it
         bool hasDecimalComma = false;
-        /** What else the user said about the reading; separator and decimal mark in it do not
-         *  count. */
+        /** What else the user said about the reading, and what separates thousands, where something
+         *  does; separator and decimal mark in it do not count. */
         ReadingChoices reading;
     };
 

@@ -47,6 +47,9 @@ constexpr std::array<Word<TextEncoding>, 4> encodings = {
      {"utf-16", TextEncoding::Utf16Little},
      {"utf-16-be", TextEncoding::Utf16Big}}};
 
+constexpr std::array<Word<char>, 4> thousandsSeparators = {
+    {{"comma", ','}, {"point", '.'}, {"blank", ' '}, {"apostrophe", '\''}}};
+
 constexpr std::array<Word<bool>, 2> decimalMarks = {{{"point", false}, {"comma", true}}};
 
 constexpr std::array<Word<Variable::Nature>, 3> roles = {{{"independent", Variable::Independent},
@@ -226,6 +229,10 @@ ReadingChoices readReading(const XmlNode& element)
 {
     ReadingChoices reading;
     const auto isThere = [&](const char* name) { return element.attribute(name) != nullptr; };
+    if (isThere("ThousandsSeparator")) {
+        reading.thousandsSeparator =
+            requiredWord(element, "ThousandsSeparator", thousandsSeparators);
+    }
     if (isThere("Encoding")) {
         reading.encoding = requiredWord(element, "Encoding", encodings);
     }
@@ -250,9 +257,9 @@ ReadingChoices readReading(const XmlNode& element)
 
 ProjectContents::CaseFile readCaseFile(const XmlNode& element)
 {
-    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark", "Encoding",
-                                  "Heading", "UnitsRow", "SkippedLines", "CommentMark", "Missing",
-                                  "Strict"});
+    allowOnlyAttributes(element, {"Path", "Bytes", "Sha256", "Separator", "DecimalMark",
+                                  "ThousandsSeparator", "Encoding", "Heading", "UnitsRow",
+                                  "SkippedLines", "CommentMark", "Missing", "Strict"});
 
     ProjectContents::CaseFile file;
     file.path = requiredText(element, "Path");
@@ -496,6 +503,10 @@ XmlNode caseFileElement(const ProjectContents::CaseFile& file)
                      {"Separator", wordFor(file.separator, separators)},
                      {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
     const ReadingChoices& reading = file.reading;
+    if (reading.thousandsSeparator) {
+        element.attributes["ThousandsSeparator"] =
+            wordFor(*reading.thousandsSeparator, thousandsSeparators);
+    }
     if (reading.encoding) {
         element.attributes["Encoding"] = wordFor(*reading.encoding, encodings);
     }

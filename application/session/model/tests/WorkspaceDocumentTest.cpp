@@ -1,8 +1,10 @@
 #include "CvdCases.h"
 #include "TemporaryFolder.h"
 
+#include <session/cases/CaseFileReader.h>
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
+#include <session/project/ProjectCases.h>
 #include <session/project/ProjectDocument.h>
 #include <session/text/SessionErrors.h>
 
@@ -210,6 +212,26 @@ TEST_F(WorkspaceDocument, CasesFromTheStandardInputMakeNoProject)
     cases.path = "-";
 
     EXPECT_THROW(CaseSession(std::move(cases)).document(), UsageError);
+}
+
+TEST_F(WorkspaceDocument, ThousandsAreReadAgainAsTheyWereRead)
+{
+    for (const std::string content :
+         {"x;y\n1;9.604.308\n2;1.853\n", "x;y\n1,5;9.604.308\n2;1.853\n",
+          "x;y\n1.5;9.604.308\n2;1.853\n", "x;y\n1;9,604,308\n2;1,853\n",
+          "x;y\n1.5;9,604,308\n2;1,853\n", "x;y\n1;9 604 308\n2;1 853\n",
+          "x;y\n1;9'604'308\n2;1'853\n"}) {
+        const CaseTable table =
+            CaseFileReader::read(folder.write("cases.csv", content), CaseFileReader::Options());
+        const std::string path = folder.path("a.surrogate.xml");
+        CaseSession(table).document().save(path);
+
+        const CaseTable again = readProjectCases(ProjectDocument::load(path), {});
+
+        EXPECT_EQ(table.columns[1].numbers, (std::vector<double>{9604308.0, 1853.0})) << content;
+        EXPECT_EQ(again.columns[1].numbers, table.columns[1].numbers) << content;
+        EXPECT_EQ(again.columns[0].numbers, table.columns[0].numbers) << content;
+    }
 }
 
 TEST_F(WorkspaceDocument, ChangedChoicesAreFittedAnew)

@@ -139,6 +139,7 @@ ProjectDocument anyProject(const TemporaryFolder& folder)
     project.caseFile.hasDecimalComma = *rc::gen::element(true, false);
     if (*rc::gen::element(true, false)) {
         ReadingChoices& reading = project.caseFile.reading;
+        reading.thousandsSeparator = *rc::gen::element(',', '.', ' ', '\'');
         reading.encoding = TextEncoding::Windows1252;
         reading.heading = false;
         reading.unitsRow = true;
