@@ -76,36 +76,45 @@ std::size_t behindLines(std::string_view sample, std::size_t begin, std::size_t 
     return begin;
 }
 
-std::vector<Record> recordsOf(std::string_view sample, bool isWholeFile,
-                              const CaseFileLayout& layout)
+/** Appends the records of a layout's table. @return what follows the last one. */
+Record appendRecords(CsvSplitter& splitter, const CaseFileLayout& layout, std::size_t commentsAbove,
+                     std::vector<Record>& records)
 {
-    CsvSplitter splitter = splitterOf(sample, layout);
-    std::vector<Record> records;
     Record record;
     record.begin = layout.tableBegin;
     record.beginLine = layout.tableLine;
+    record.comments = commentsAbove;
     while (records.size() < maxRecords && splitter.next()) {
+        const std::size_t comments = commentsAbove + splitter.commentLines();
         record.line = splitter.line();
         record.cells.assign(splitter.cells().begin(), splitter.cells().end());
         const std::size_t skipped = record.line - record.beginLine;
-        record.followsEmptyLine = skipped > splitter.commentLines() - record.comments;
+        record.followsEmptyLine = skipped > comments - record.comments;
         records.push_back(std::move(record));
         record = Record();
         record.begin = splitter.bytesSplit();
         record.beginLine = splitter.lineBehind();
-        record.comments = splitter.commentLines();
+        record.comments = comments;
     }
-    const bool isAbove = splitter.hasUnclosedQuote() && 2 * record.begin < sample.size();
-    if (isAbove) {
-        // The quote of a title; a cell is closed.
-        CaseFileLayout below = layout;
-        below.tableLine = splitter.line() + 1;
-        below.tableBegin = behindLines(sample, record.begin, below.tableLine - record.beginLine);
-        for (Record& further : recordsOf(sample, isWholeFile, below)) {
-            further.comments += record.comments;
-            records.push_back(std::move(further));
+    return record;
+}
+
+std::vector<Record> recordsOf(std::string_view sample, bool isWholeFile, CaseFileLayout layout)
+{
+    constexpr int maxOpenTitles = 30;
+    std::vector<Record> records;
+    std::size_t commentsAbove = 0;
+    for (int openTitles = 0;; ++openTitles) {
+        CsvSplitter splitter = splitterOf(sample, layout);
+        const Record rest = appendRecords(splitter, layout, commentsAbove, records);
+        const bool isTitle = splitter.hasUnclosedQuote() && 2 * rest.begin < sample.size();
+        if (!isTitle || openTitles == maxOpenTitles) {
+            break;
         }
-        return records;
+        // The quote of a title; a cell is closed.
+        layout.tableLine = splitter.line() + 1;
+        layout.tableBegin = behindLines(sample, rest.begin, layout.tableLine - rest.beginLine);
+        commentsAbove = rest.comments;
     }
     if (!isWholeFile && records.size() > 1 && records.size() < maxRecords) {
         records.pop_back(); // The sample may end inside the last record.
@@ -239,7 +248,8 @@ public:
     bool hasLabel(std::size_t record) const
     {
         Record names = records[record];
-        if (cellsOf(names) != width + 1 || names.cells.front().back() != ':') {
+        const std::string& label = names.cells.front();
+        if (cellsOf(names) != width + 1 || label.empty() || label.back() != ':') {
             return false;
         }
         names.cells.erase(names.cells.begin());

@@ -161,3 +161,25 @@ TEST(LayoutRecognition, TheUserDecides)
     EXPECT_EQ(partsOf("! a\nx,y\n3,4\n", choices), "line 1, 2 columns");
     EXPECT_EQ(layoutOf("x,y\n3,4\n", choices).commentMarks, std::vector<std::string>{"!"});
 }
+
+TEST(LayoutRecognition, AnEmptyCellIsNoLabelOfTheNames)
+{
+    EXPECT_EQ(partsOf(",,,note\nA,B,y\n1,2,3\n4,5,6\n7,8,9\n"), "line 2, 3 columns, 1 titles");
+}
+
+TEST(LayoutRecognition, QuotesThatAreNeverClosedEndTheSearchForTitles)
+{
+    std::string sample;
+    for (int i = 0; i < 20000; ++i) {
+        sample += "\"x 5,1,2\n";
+    }
+
+    EXPECT_EQ(separatorOf(sample), ',');
+}
+
+TEST(LayoutRecognition, TitlesCanHoldQuotesThatAreNeverClosed)
+{
+    EXPECT_EQ(partsOf("\"5 inch pipe\n# warm\n\"6 inch pipe\nx,y\n1,2\n3,4\n5,6\n7,8\n9,10\n"
+                      "11,12\n13,14\n15,16\n17,18\n19,20\n"),
+              "line 4, 2 columns");
+}
