@@ -45,6 +45,8 @@ private:
     void searchFromAllStarts();
     void race(const std::vector<std::vector<double>>& starts, std::size_t followed);
     void continueWithMoreCases(std::size_t cases);
+    std::vector<std::size_t> shortestLengths(const std::vector<double>& point) const;
+    void searchWithoutEachInput();
     bool hasInfluence(std::size_t input);
     std::vector<KrigingReport::Bound> bounds();
     bool hasFewLevels() const;
@@ -139,9 +141,13 @@ void Search::searchFromAllStarts()
     for (std::size_t k = 1; k < sizes.size(); ++k) {
         continueWithMoreCases(sizes[k]);
     }
-    if (sizes.size() > 1 && hasFewLevels()) {
+    const bool startOnAll = sizes.size() > 1 && hasFewLevels();
+    if (startOnAll) {
         const std::size_t count = data->cases <= policy.raceCases ? starts.size() : 1;
         race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)}, policy.racing);
+    }
+    if (sizes.size() == 1 || (startOnAll && data->cases <= policy.raceCases)) {
+        searchWithoutEachInput();
     }
 }
 
@@ -175,6 +181,47 @@ void Search::continueWithMoreCases(std::size_t cases)
         reached.push_back(converged(start, variables.upper));
     }
     optima.replace(reached, *objective);
+}
+
+/** The inputs with influence, at most SearchPolicy::triedLengths, that with the most first. */
+std::vector<std::size_t> Search::shortestLengths(const std::vector<double>& point) const
+{
+    std::vector<std::size_t> result;
+    for (std::size_t k = 0; k < variables.lengths; ++k) {
+        if (point[k] < std::log(policy.indifferentLength)) {
+            result.push_back(k);
+        }
+    }
+    std::stable_sort(result.begin(), result.end(),
+                     [&](std::size_t a, std::size_t b) { return point[a] < point[b]; });
+    result.resize(std::min(result.size(), policy.triedLengths));
+    return result;
+}
+
+/**
+ * Where inputs are alike, one can do what another does. No slope leads from one way to the other,
+ * but without the input the search takes the other one. Where the nugget is fixed, lengths that
+ * long would take the place of the noise, and the model would not pass through the cases.
+ */
+void Search::searchWithoutEachInput()
+{
+    if (variables.lengths < 2 || !variables.hasNugget) {
+        return;
+    }
+    const std::vector<double> best = optima.best().point;
+    std::vector<Optimum> starts;
+    for (const std::size_t k : shortestLengths(best)) {
+        std::vector<double> start = best;
+        start[k] = std::log(policy.recalledLength);
+        const double value = objective->value(start);
+        starts.push_back({std::move(start), value});
+    }
+    std::stable_sort(starts.begin(), starts.end(),
+                     [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
+    starts.resize(std::min(starts.size(), policy.withoutInput));
+    for (const Optimum& start : starts) {
+        optima.add(converged(start.point, variables.upper), *objective);
+    }
 }
 
 /** See SearchPolicy::casesPerLevel. */
