@@ -137,46 +137,6 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
     return result;
 }
 
-std::vector<double>
-ResponseSurfaceAnalysis::studentisedDeletedResiduals(const ReplicatedCases& replicated) const
-{
-    struct Point
-    {
-        double replicates = 0.0;
-        double residuals = 0.0; // sum
-        double squares = 0.0;   // of the residuals
-    };
-    const std::size_t count = fit.sampledCount();
-    std::vector<Point> points(count);
-    for (std::size_t k = 0; k < count; ++k) {
-        Point& point = points[replicated.pointOf(k)];
-        point.replicates += 1.0;
-        point.residuals += output.residuals[k];
-        point.squares += output.residuals[k] * output.residuals[k];
-    }
-    const double squares = residualSquares();
-    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
-    std::vector<double> result(count, none);
-    for (std::size_t k = 0; k < count; ++k) {
-        const Point& point = points[replicated.pointOf(k)];
-        const double leverage = fit.leverages()[k];
-        const double ofPoint = point.replicates * leverage; // the sum over its replicates
-        const double freedomOfOthers = freedom - point.replicates;
-        if (PolynomialFit::isDeterminedAlone(ofPoint) || freedomOfOthers <= 0.0) {
-            continue;
-        }
-        // The replicates' mean residual and its value without them: mean / (1 - ofPoint).
-        const double mean = point.residuals / point.replicates;
-        const double deleted = mean / (1.0 - ofPoint);
-        const double squaresOfOthers =
-            squares - (point.squares - point.residuals * mean) - point.residuals * deleted;
-        const double variance = std::max(squaresOfOthers, 0.0) / freedomOfOthers;
-        result[k] = (output.residuals[k] - mean + deleted) /
-                    std::sqrt(variance * (1.0 + leverage / (1.0 - ofPoint)));
-    }
-    return result;
-}
-
 /** The residual sum of squares of the scaled output. */
 double ResponseSurfaceAnalysis::residualSquares() const
 {

@@ -3,7 +3,6 @@
 #include <mirel_fitting/FitMetrics.h>
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
 #include <cstddef>
@@ -36,15 +35,6 @@ public:
 
     /** One for each case, or for each sampled one; rows ascending. */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions() const;
-
-    /**
-     * Studentised deleted residuals: over the standard error of an observation, both by the fit to
-     * all other cases. Replicates are left out together, since each of them is predicted well by
-     * the others. One for each case, or sampled one; NaN where the others do not determine a fit or
-     * its error.
-     * @param replicated of the sampled cases.
-     */
-    std::vector<double> studentisedDeletedResiduals(const ReplicatedCases& replicated) const;
 
     /** One per term of the basis, for the inputs as they are. */
     std::vector<CoefficientStatistics> coefficients(double level) const;

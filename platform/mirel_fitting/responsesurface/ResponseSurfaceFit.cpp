@@ -268,8 +268,12 @@ IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) 
     }
     const std::size_t cases = metrics(output).cases;
     const std::size_t points = replicated.any() ? cases - replicated.degreesOfFreedom() : cases;
-    return {static_cast<double>(residualDegrees),
-            fits[output].analysis().studentisedDeletedResiduals(replicated),
+    // Replicates are measured independently: the leverage says what the others know of each.
+    std::vector<double> standardised;
+    for (const LeaveOneOutPrediction& one : leaveOneOutPredictions(output)) {
+        standardised.push_back((one.output - one.predicted) / one.standardError);
+    }
+    return {static_cast<double>(residualDegrees), standardised,
             points >= IntervalCalibration::fewestPoints ? IntervalCalibration::Basis::LeaveOneOut
                                                         : IntervalCalibration::Basis::Distribution};
 }

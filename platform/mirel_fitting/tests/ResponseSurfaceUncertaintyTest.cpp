@@ -70,9 +70,48 @@ TEST(ResponseSurfaceUncertainty, CalibratesIntervalsButNotConfidenceLimitsFromFo
     EXPECT_EQ(model.calibrationReport(0).cases, 200u);
 }
 
+TEST(ResponseSurfaceUncertainty, LeavesRepeatedCentreRunsOutOneByOne)
+{
+    // A central composite design: without all centre runs, the others hardly separate the squares.
+    Cases cases{{{}, {}, {}}, {{}}};
+    Random random(8);
+    const double axis = 1.68;
+    std::vector<Column> points(6, Column(3, 0.0));
+    for (int k = 0; k < 14; ++k) {
+        Column point(3, 0.0);
+        for (int input = 0; input < 3 && k < 8; ++input) {
+            point[input] = (k >> input) % 2 == 0 ? -1.0 : 1.0;
+        }
+        if (k >= 8) {
+            point[(k - 8) / 2] = k % 2 == 0 ? -axis : axis;
+        }
+        points.push_back(point);
+    }
+    for (const Column& point : points) {
+        double output = 80.0 + 0.8 * random.normal();
+        for (int input = 0; input < 3; ++input) {
+            cases.inputs[input].push_back(point[input]);
+            output += 3.0 * point[input] - 2.0 * point[input] * point[input];
+        }
+        cases.outputs[0].push_back(output);
+    }
+    const Model model = fit(cases);
+
+    const CalibrationReport report = model.calibrationReport(0);
+
+    double held = 0.0;
+    for (const LeaveOneOutPrediction& one : model.leaveOneOutPredictions(0)) {
+        const double reach = model.confidenceQuantile(0, 0.95) * one.standardError;
+        held += std::fabs(one.output - one.predicted) <= reach ? 0.05 : 0.0;
+    }
+    EXPECT_EQ(report.cases, 20u);
+    EXPECT_NEAR(report.shares[2].held, held, 1e-12);
+    EXPECT_GE(report.shares[2].held, 0.9);
+}
+
 TEST(ResponseSurfaceUncertainty, IsByStudentsTWhereFewPointsHaveManyReplicates)
 {
-    // Replicates are left out together: the last point is then predicted from far away.
+    // Of the outputs between eight points, their replicates say nothing.
     Cases cases{{{}}, {{}}};
     for (int row = 0; row < 80; ++row) {
         const double x = std::exp2(row % 8);
