@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-/** How the width of prediction intervals was found, and which share of left-out cases they hold. */
+/** How the width of prediction intervals was found; coverage of left-out cases by Student's t. */
 struct MIREL_FITTING_EXPORT CalibrationReport
 {
     /** What the width was found from. */
@@ -27,7 +27,7 @@ struct MIREL_FITTING_EXPORT CalibrationReport
         double level; ///< of the interval, such as 0.95
         double held;  ///< the fraction of the cases inside of it
     };
-    /** Of the 50, 80, 95 and 99 % intervals; empty without left-out cases. */
+    /** Of 50, 80, 95, 99 % intervals by Student's t; calibrated ones hold their level by design. */
     std::vector<Share> shares;
 
     /**

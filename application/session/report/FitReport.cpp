@@ -147,6 +147,7 @@ std::string percentText(double share)
 
 Json calibrationJson(const CalibrationReport& calibration)
 {
+    const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;
     Json held = Json::object();
     for (const CalibrationReport::Share& share : calibration.shares) {
         held[percentText(share.level)] = share.held;
@@ -154,7 +155,7 @@ Json calibrationJson(const CalibrationReport& calibration)
     return {{"basis", basisName(calibration.basis)},
             {"factor", calibration.factor},
             {"cases", calibration.cases},
-            {"held", held}};
+            {isCalibrated ? "heldByStudentsT" : "held", held}};
 }
 
 Json outputJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistics)
@@ -210,13 +211,13 @@ using Figures = std::vector<std::pair<std::string, std::string>>;
 std::string widthText(const CalibrationReport& calibration)
 {
     constexpr int digits = 3;
-    const std::string times =
-        shownNumber(calibration.factor, digits) + " times as wide as by Student's t, from ";
+    const std::string times = shownNumber(calibration.factor, digits) +
+                              " times as wide as by Student's t, calibrated by ";
     switch (calibration.basis) {
     case CalibrationReport::Basis::LeaveOneOut:
         return times + "leave-one-out";
     case CalibrationReport::Basis::Refits:
-        return times + "refits to four fifths of the cases";
+        return times + "refits without the left-out cases";
     default:
         return "by Student's t";
     }
@@ -232,8 +233,10 @@ Figures calibrationFigures(const CalibrationReport& calibration)
         held.push_back(percentText(share.held));
     }
     if (!levels.empty()) {
-        figures.emplace_back("intervals held", joinedText(held) + " % of the left-out cases (" +
-                                                   joinedText(levels) + " % intervals)");
+        const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;
+        figures.emplace_back(isCalibrated ? "by Student's t they would hold" : "intervals held",
+                             joinedText(held) + " % of the left-out cases (" + joinedText(levels) +
+                                 " % intervals)");
     }
     return figures;
 }

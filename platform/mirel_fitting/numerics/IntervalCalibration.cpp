@@ -65,6 +65,6 @@ CalibrationReport IntervalCalibration::report() const
     CalibrationReport report;
     report.basis = basis;
     report.factor = quantile(level) / studentQuantile(level);
-    report.addShares(magnitudes, [this](double ofInterval) { return quantile(ofInterval); });
+    report.addShares(magnitudes, [this](double ofInterval) { return studentQuantile(ofInterval); });
     return report;
 }

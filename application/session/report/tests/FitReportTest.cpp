@@ -81,13 +81,13 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
 }
 
-TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatTheyHeld)
+TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatThoseByStudentsTHold)
 {
     OutputFit fit;
     fit.calibration = CalibrationReport{CalibrationReport::Basis::Refits,
                                         1.3125,
                                         247,
-                                        {{0.5, 0.502}, {0.8, 0.798}, {0.95, 0.9514}, {0.99, 1.0}}};
+                                        {{0.5, 0.61}, {0.8, 0.76}, {0.95, 0.8834}, {0.99, 0.96}}};
     const auto lastFigures = [&] {
         const auto figures = FitReport::figures(fit, {}, nullptr);
         return std::vector<std::pair<std::string, std::string>>(figures.end() - 2, figures.end());
@@ -96,15 +96,17 @@ TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatTheyHeld)
     EXPECT_EQ(
         lastFigures(),
         (std::vector<std::pair<std::string, std::string>>{
-            {"95 % intervals", "1.31 times as wide as by Student's t, from refits to four "
-                               "fifths of the cases"},
-            {"intervals held", "50.2, 79.8, 95.1, 100 % of the left-out cases (50, 80, 95, 99 % "
-                               "intervals)"}}));
+            {"95 % intervals", "1.31 times as wide as by Student's t, calibrated by refits "
+                               "without the left-out cases"},
+            {"by Student's t they would hold", "61, 76, 88.3, 96 % of the left-out cases (50, "
+                                               "80, 95, 99 % intervals)"}}));
 
     fit.calibration->basis = CalibrationReport::Basis::LeaveOneOut;
-    EXPECT_EQ(lastFigures()[0].second, "1.31 times as wide as by Student's t, from leave-one-out");
+    EXPECT_EQ(lastFigures()[0].second,
+              "1.31 times as wide as by Student's t, calibrated by leave-one-out");
     fit.calibration->basis = CalibrationReport::Basis::Distribution;
     EXPECT_EQ(lastFigures()[0].second, "by Student's t");
+    EXPECT_EQ(lastFigures()[1].first, "intervals held");
 }
 
 TEST(FitReport, HasTheCalibrationAsJson)

@@ -45,9 +45,6 @@ TEST(KrigingIntervals, RestOnRefitsWhereParametersAreEstimated)
     EXPECT_EQ(report.basis, Basis::Refits);
     EXPECT_EQ(report.cases, 60u);
     ASSERT_EQ(report.shares.size(), 4u);
-    EXPECT_NEAR(report.shares[0].held, 0.5, 0.02);
-    EXPECT_NEAR(report.shares[1].held, 0.8, 0.02);
-    EXPECT_NEAR(report.shares[2].held, 0.95, 0.02);
 }
 
 TEST(KrigingIntervals, RestOnLeaveOneOutWhereParametersAreGiven)
