@@ -9,14 +9,23 @@
 
 namespace {
 
-/** "row 3", "rows 1, 2 and 5", "rows 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 31 more", counted from 1. */
-std::string rowList(const std::vector<std::size_t>& rows)
+std::string percent(double share)
+{
+    return NumberText::rounded(100.0 * share, 2) + " %";
+}
+
+/** "row 3", "rows 1, 2 and 5", "rows 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 and 31 more", counted from 1;
+ *  of a sample without how many more. */
+std::string rowList(const std::vector<std::size_t>& rows, bool isSample)
 {
     constexpr std::size_t most = 10;
     const std::size_t named = std::min(rows.size(), most);
     std::string text = rows.size() == 1 ? "row " : "rows ";
     for (std::size_t k = 0; k < named; ++k) {
         text += (k == 0 ? "" : k + 1 == rows.size() ? " and " : ", ") + std::to_string(rows[k] + 1);
+    }
+    if (isSample) {
+        return "such as " + text;
     }
     return text +
            (rows.size() > named ? " and " + std::to_string(rows.size() - named) + " more" : "");
@@ -114,6 +123,7 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
 {
     std::vector<std::size_t> outside;
     std::size_t outsideByCombination = 0;
+    std::size_t judged = 0;
     double farthest = 0.0;
     std::size_t farthestInput = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -129,7 +139,9 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
                 farthestInput = k;
             }
         }
-        const bool isAlone = !isBeyond && !isUnsupported.empty() && isUnsupported[i] != 0;
+        const char flag = isUnsupported.empty() ? 0 : isUnsupported[i];
+        judged += flag == notJudged ? 0 : 1;
+        const bool isAlone = !isBeyond && flag == 1;
         outsideByCombination += isAlone ? 1 : 0;
         if (isBeyond || isAlone) {
             outside.push_back(i);
@@ -138,10 +150,17 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
     if (outside.empty()) {
         return "";
     }
-    const std::string start = std::to_string(outside.size()) + " of " + std::to_string(count) +
-                              (count == 1 ? " point" : " points") +
-                              (outside.size() == 1 ? " lies" : " lie") + " outside the cases" +
-                              (count == 1 ? "" : " (" + rowList(outside) + ")") + ": ";
+    // Shares, in case some points stand for all.
+    const bool isSample = outsideByCombination > 0 && judged < count;
+    const double byCombination = static_cast<double>(outsideByCombination) /
+                                 static_cast<double>(std::max<std::size_t>(judged, 1));
+    const double all = byCombination + static_cast<double>(outside.size() - outsideByCombination) /
+                                           static_cast<double>(count);
+    const std::string start =
+        (isSample ? "About " + percent(all) : std::to_string(outside.size())) + " of " +
+        std::to_string(count) + (count == 1 ? " point" : " points") +
+        (outside.size() == 1 && !isSample ? " lies" : " lie") + " outside the cases" +
+        (count == 1 ? "" : " (" + rowList(outside, isSample) + ")") + ": ";
     std::string reason;
     if (std::isinf(farthest)) {
         reason = names.input(farthestInput) + " has another value there than in all cases";
@@ -151,7 +170,9 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
     }
     if (outsideByCombination > 0) {
         const bool isAll = outsideByCombination == outside.size();
-        reason += (isAll ? "" : "; at " + std::to_string(outsideByCombination) + " of them ") +
+        reason += (isAll      ? ""
+                   : isSample ? "; at about " + percent(byCombination / all) + " of them "
+                              : "; at " + std::to_string(outsideByCombination) + " of them ") +
                   std::string("each input is in its range, but no case is near their combination");
     }
     return start + reason + ". Do not rely on predictions there.";

@@ -26,10 +26,14 @@ public:
      *  @param clamped receives `count` values; may be `values` itself. */
     void clamp(std::size_t input, const double* values, std::size_t count, double* clamped) const;
 
+    static constexpr char notJudged = 2;
+
     /**
      * See PredictiveModel::extrapolationWarning().
-     * @param isUnsupported one flag per point: whether no case supports the combination of its
-     *                      values, be they in their ranges or not. Empty: each is supported.
+     * @param isUnsupported one flag per point: 1 where no case supports the combination of its
+     *                      values, be they in their ranges or not, 0 where one does, notJudged
+     *                      where the points that are judged, a random sample, stand for it. Empty:
+     *                      each is supported.
      */
     std::string warning(const std::vector<double*>& points, std::size_t count,
                         const InputNames& names = InputNames(),

@@ -119,6 +119,32 @@ TEST(CaseRanges, WarnsOfCombinationsThatNoCaseSupports)
         "their combination. Do not rely on predictions there.");
 }
 
+TEST(CaseRanges, WarnOfAShareWhereSomePointsAreJudgedForAll)
+{
+    constexpr char notJudged = CaseRanges::notJudged;
+    Columns inside = {{11.0, 13.0, 12.0, 13.0, 12.0, 11.0, 12.0, 11.0},
+                      std::vector<double>(8, 0.0),
+                      std::vector<double>(8, 0.3)};
+    Columns oneBeyond = inside;
+    oneBeyond[0][4] = 15.0;
+    const auto warningOf = [](Columns& points, const std::vector<char>& flags) {
+        return ranges().warning(pointersTo(points), 8, InputNames(), flags);
+    };
+    const std::vector<char> flags = {0, notJudged, 1, notJudged, notJudged, 0, notJudged, 0};
+
+    EXPECT_EQ(warningOf(inside, flags),
+              "About 25 % of 8 points lie outside the cases (such as row 3): each input is in its "
+              "range, but no case is near their combination. Do not rely on predictions there.");
+    EXPECT_EQ(
+        warningOf(oneBeyond, flags),
+        "About 38 % of 8 points lie outside the cases (such as rows 3 and 5): V1 is up to "
+        "0.25 of its range beyond them; at about 67 % of them each input is in its range, but "
+        "no case is near their combination. Do not rely on predictions there.");
+    EXPECT_EQ(warningOf(oneBeyond, {0, notJudged, 0, 0, notJudged, 0, 0, 0}),
+              "1 of 8 points lies outside the cases (row 5): V1 is up to 0.25 of its range beyond "
+              "them. Do not rely on predictions there.");
+}
+
 TEST(CaseRanges, ClampToTheEndsOfARange)
 {
     const double values[] = {9.0, 12.0, 20.0, notANumber};

@@ -17,7 +17,7 @@
  *
  * A point is supported that is left no more than the case which the others support least, but for a
  * tenth. From more than 300 points so many that are spread over all of them stand for all: a point
- * costs 300^2 multiplications.
+ * costs 300^2 multiplications, so that of many points a random sample is judged.
  */
 class KrigingSupport
 {
@@ -25,7 +25,9 @@ public:
     /** @param ranges of the same cases, borrowed for life. */
     KrigingSupport(const KrigingCases& cases, const CaseRanges& ranges);
 
-    /** One flag per point, 1 if it is not supported; values beyond a range count as its end.
+    /** One flag per point, 1 if it is not supported; values beyond a range count as its end. Of
+     * more than 10 000 points so many at random are judged, always the same, and the others have
+     *  CaseRanges::notJudged.
      *  @param points as for KrigingPredictor. */
     std::vector<char> unsupported(const std::vector<double*>& points, std::size_t count) const;
 

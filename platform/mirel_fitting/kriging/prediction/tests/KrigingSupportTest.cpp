@@ -4,11 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-/** One flag per point, "1" where it is not supported. */
+/** One flag per point, "1" where it is not supported, "-" where it is not judged. */
 std::string unsupported(Columns cases, Columns points)
 {
     const std::size_t rows = cases.empty() ? 1 : cases.front().size();
@@ -17,7 +18,7 @@ std::string unsupported(Columns cases, Columns points)
     std::string text;
     for (const char flag :
          KrigingSupport(kriging, ranges).unsupported(pointersTo(points), points.front().size())) {
-        text += flag == 0 ? '0' : '1';
+        text += flag == 0 ? '0' : flag == 1 ? '1' : '-';
     }
     return text;
 }
@@ -48,6 +49,25 @@ TEST(KrigingSupport, IsMissingOffTheRelationOfTheInputs)
                         {{5.0, 3.0, 4.0, 6.0}, {5.0, 7.0, 4.0, 6.0}, {15.0, 13.0, 22.0, 10.0}}),
             "0011")
             << cases;
+    }
+}
+
+TEST(KrigingSupport, IsJudgedAtSomeOfManyPoints)
+{
+    constexpr std::size_t count = 40000;
+    Columns points = {std::vector<double>(count, 5.0), std::vector<double>(count, 5.0),
+                      std::vector<double>(count, 15.0)};
+    for (std::size_t i = 0; i < count; i += 4) {
+        points[2][i] = 25.0;
+    }
+
+    const std::string flags = unsupported(relatedInputs(30), points);
+
+    const auto missing = std::count(flags.begin(), flags.end(), '1');
+    EXPECT_EQ(missing + std::count(flags.begin(), flags.end(), '0'), 10000);
+    EXPECT_NEAR(static_cast<double>(missing), 2500.0, 150.0);
+    for (std::size_t i = 0; i < count; ++i) {
+        ASSERT_NE(flags[i], i % 4 == 0 ? '0' : '1') << i;
     }
 }
 
