@@ -21,8 +21,9 @@ struct ResponseSurfaceOptions
 
     PolynomialTerms terms = PolynomialTerms::Quadratic;
     Selection selection = Selection::All;
-    /** Of PolynomialTerms::Chosen: a TermFormula in the symbols V1, V2, ..., else without effect.
-     */
+    /** Of PolynomialTerms::Chosen: a TermFormula, else without effect. A model takes it in the
+     *  symbols V1, V2, ...; what keeps a user's choice keeps it as typed, in the names of inputs,
+     *  and gives models TermFormula::symbols(). */
     std::string formula = std::string();
 
     bool operator==(const ResponseSurfaceOptions& other) const

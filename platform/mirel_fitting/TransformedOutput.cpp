@@ -31,8 +31,10 @@ constexpr double leastGainOfSubset = 10.0;
  *  the range. */
 constexpr double leastRatio = 1.5;
 
-/** No transform is chosen for more cases: the logarithm of 100 000 cases of borehole takes twice the
- * time. */
+/** No transform is chosen for more cases: Kriging estimates the parameters of more from a part of
+ * them (KrigingSizes::maxSearched), and the logarithm of 100 000 cases of borehole takes twice the
+ * time.
+ */
 constexpr std::size_t mostCases = 5000;
 
 /** Three fits to so many cost some 5 % of one fit to 1000. Twice as many choose no better. */
