@@ -256,7 +256,7 @@ void ColumnBuilder::checkNumbers() const
     for (const CaseColumn& column : table.columns) {
         if (column.isNumeric && column.withoutNumber.count > 0) {
             fail(table.path, column.withoutNumber.firstLine,
-                 "column \"" + column.name + "\" holds " +
+                 "column " + quotedText(column.name) + " holds " +
                      quotedText(column.withoutNumber.spellings.front()) +
                      ", which is no number; correct it, or leave out --strict to have such cells "
                      "count as missing.");
@@ -378,7 +378,7 @@ void ColumnBuilder::checkNames(std::size_t line) const
     if (same != byName.end()) {
         fail(table.path, line,
              "columns " + std::to_string(same[0] + 1) + " and " + std::to_string(same[1] + 1) +
-                 " are both named \"" + name(*same) + "\"; rename one of them.");
+                 " are both named " + quotedText(name(*same)) + "; rename one of them.");
     }
 }
 
@@ -398,14 +398,15 @@ void ColumnBuilder::takeDecimalMark()
     hasDecimalComma = commaColumn < table.columns.size();
     if (needsComma && pointColumn < table.columns.size()) {
         fail(table.path, states[pointColumn].firstPointLine,
-             "column \"" + table.columns[pointColumn].name +
-                 "\" has a number with a decimal point, where decimal commas were asked for.");
+             "column " + quotedText(table.columns[pointColumn].name) +
+                 " has a number with a decimal point, where decimal commas were asked for.");
     }
     if (pointColumn < table.columns.size() && hasDecimalComma) {
         fail(table.path, states[commaColumn].firstCommaLine,
-             "column \"" + table.columns[commaColumn].name +
-                 "\" has a number with a decimal comma, but column \"" +
-                 table.columns[pointColumn].name + "\" has one with a decimal point in line " +
+             "column " + quotedText(table.columns[commaColumn].name) +
+                 " has a number with a decimal comma, but column " +
+                 quotedText(table.columns[pointColumn].name) +
+                 " has one with a decimal point in line " +
                  std::to_string(states[pointColumn].firstPointLine) +
                  "; write all numbers in one way.");
     }
@@ -491,15 +492,12 @@ CsvSplitter Reading::splitter()
 
 void Reading::recognise(TextEncoding encoding)
 {
-    const bool isWholeFile = sample.size() == source.size();
     table.layout.encoding = encoding;
-    std::string text = sample;
-    if (encoding != TextEncoding::Utf8) {
-        TextDecoder decoded = decoder();
-        text.resize(sampleSize);
-        text.resize(decoded.read(text.data(), text.size()));
-    }
-    table.layout = recogniseLayout(text, isWholeFile, options);
+    TextDecoder text = decoder();
+    const auto read = [&text](char* buffer, std::size_t capacity) {
+        return text.read(buffer, capacity);
+    };
+    table.layout = recogniseLayout(read, sampleSize, options);
     table.layout.encoding = encoding;
 }
 
@@ -585,7 +583,11 @@ void Reading::describeGuess()
 CaseTable Reading::read(std::optional<TextEncoding> encoding)
 {
     const bool isWholeFile = sample.size() == source.size();
-    recognise(encoding ? *encoding : recogniseEncoding(sample, isWholeFile));
+    const TextEncoding seen = recogniseEncoding(sample, isWholeFile);
+    // Who says UTF-16 does not know the order of its bytes.
+    const bool isOtherOrder =
+        encoding == TextEncoding::Utf16Little && seen == TextEncoding::Utf16Big;
+    recognise(encoding && !isOtherOrder ? *encoding : seen);
     if (table.layout.separator == ',' && options.decimalMark == CellValue::Comma) {
         fail(table.path, 1,
              "commas separate the cells, so that numbers cannot have decimal commas.");

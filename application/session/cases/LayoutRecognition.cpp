@@ -9,6 +9,7 @@
 #include <array>
 #include <cctype>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -649,6 +650,112 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
         layout.units = unitsOf(records[below]);
     }
 }
+
+/** The beginning of a text, without lines that are no part of the table and fill most of it. */
+class Sample
+{
+public:
+    using Read = std::function<std::size_t(char* buffer, std::size_t capacity)>;
+
+    Sample(const Read& reader, std::size_t wantedSize, const ReadingChoices& wanted)
+        : read(reader), size(wantedSize), choices(wanted)
+    {
+        const CaseFileLayout plain;
+        marks = choices.commentMark ? std::vector<std::string>{*choices.commentMark}
+                                    : plain.commentMarks;
+        do {
+            fill();
+        } while (!isWhole && removeLines());
+    }
+
+    CaseFileLayout layout() const
+    {
+        ReadingChoices rest = choices;
+        if (rest.skippedLines) {
+            *rest.skippedLines -= std::min(removedLines, *rest.skippedLines);
+        }
+        CaseFileLayout found = recogniseLayout(text, isWhole, rest);
+        if (found.tableBegin >= firstLine().behind && removedLines > 0) {
+            found.tableBegin += removedBytes;
+            found.tableLine += removedLines;
+            found.titleLines += removedTitles;
+            found.commentLines += choices.skippedLines ? 0 : removedComments;
+        }
+        return found;
+    }
+
+private:
+    /** It stays: it may declare the separator. */
+    Line firstLine() const { return lineAt(text, 0); }
+
+    void fill()
+    {
+        std::size_t filled = text.size();
+        text.resize(size);
+        while (filled < size && !isWhole) {
+            const std::size_t count = read(text.data() + filled, size - filled);
+            isWhole = count == 0;
+            filled += count;
+        }
+        text.resize(filled);
+    }
+
+    bool isComment(const Line& line) const
+    {
+        const std::string_view trimmed = trimmedText(line.text);
+        const auto begins = [&](const std::string& mark) {
+            return !mark.empty() && trimmed.substr(0, mark.size()) == mark;
+        };
+        return std::any_of(marks.begin(), marks.end(), begins) &&
+               !CellValue::beginsWithError(trimmed);
+    }
+
+    /** @return whether they were most of the sample. */
+    bool removeLines()
+    {
+        // The last comment lines may be the heading and its units.
+        const std::size_t keptComments = choices.skippedLines ? 0 : 2;
+        std::vector<Line> lines;
+        Line line = lineAt(text, firstLine().behind);
+        while (line.behind < text.size() && canGo(line, lines.size())) {
+            lines.push_back(line);
+            line = lineAt(text, line.behind);
+        }
+        lines.resize(lines.size() - std::min(keptComments, lines.size()));
+        if (lines.empty() || lines.back().behind - lines.front().begin < size / 2) {
+            return false;
+        }
+        for (const Line& removed : lines) {
+            const bool isEmpty = trimmedText(removed.text).empty();
+            removedTitles += choices.skippedLines && !isEmpty ? 1 : 0;
+            removedComments += isEmpty ? 0 : 1;
+        }
+        const std::size_t bytes = lines.back().behind - lines.front().begin;
+        removedLines += lines.size();
+        removedBytes += bytes;
+        text.erase(lines.front().begin, bytes);
+        return true;
+    }
+
+    bool canGo(const Line& line, std::size_t linesBefore) const
+    {
+        if (choices.skippedLines) {
+            return removedLines + linesBefore + 1 < *choices.skippedLines;
+        }
+        return isComment(firstLine()) && (isComment(line) || trimmedText(line.text).empty());
+    }
+
+    const Read& read;
+    std::size_t size;
+    const ReadingChoices& choices;
+    std::vector<std::string> marks;
+    std::string text;
+    bool isWhole = false;
+    std::size_t removedBytes = 0;
+    std::size_t removedLines = 0;
+    std::size_t removedTitles = 0;
+    std::size_t removedComments = 0;
+};
 } // namespace
 
 CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
@@ -683,4 +790,11 @@ CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
                                          : recogniseSeparator(sample, isWholeFile, layout);
     takeParts(sample, isWholeFile, choices, layout);
     return layout;
+}
+
+CaseFileLayout
+recogniseLayout(const std::function<std::size_t(char* buffer, std::size_t capacity)>& read,
+                std::size_t sampleSize, const ReadingChoices& choices)
+{
+    return Sample(read, sampleSize, choices).layout();
 }

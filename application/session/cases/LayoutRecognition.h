@@ -3,6 +3,8 @@
 #include <session/cases/CaseFileLayout.h>
 #include <session/cases/ReadingChoices.h>
 
+#include <cstddef>
+#include <functional>
 #include <string_view>
 
 /**
@@ -25,3 +27,13 @@
  */
 CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
                                const ReadingChoices& choices);
+
+/**
+ * The layout of a text of any length, from a sample of its beginning. Lines that `choices` skips
+ * and comment lines, where they fill most of the sample, make room for what follows them.
+ * @param read fills a buffer with the next bytes of UTF-8, at most `capacity`; returns how many, 0
+ *             at the end.
+ */
+CaseFileLayout
+recogniseLayout(const std::function<std::size_t(char* buffer, std::size_t capacity)>& read,
+                std::size_t sampleSize, const ReadingChoices& choices);

@@ -264,6 +264,46 @@ TEST_F(CaseFileReaderTest, ReadsUtf16WithAByteOrderMark)
     EXPECT_EQ(read(big).columns[0].numbers, Numbers{1.0});
 }
 
+TEST_F(CaseFileReaderTest, TheOrderOfTheBytesOfUtf16IsRecognised)
+{
+    CaseFileReader::Options options;
+    options.encoding = TextEncoding::Utf16Little;
+
+    for (const std::string mark : {"", "\xFE\xFF"}) {
+        const std::string big = mark + std::string("\0x\0\n\0"
+                                                   "1\0\n",
+                                                   8);
+        EXPECT_EQ(readWith(big, options).columns[0].numbers, Numbers{1.0});
+    }
+}
+
+TEST_F(CaseFileReaderTest, LongNamesAreCutInMessages)
+{
+    const std::string name(10000, 'x');
+
+    EXPECT_LT(refusalOf(name + ',' + name + "\n1,2\n").size(), 400u);
+    EXPECT_LT(refusalOf(name + ";y\n1,5;2.5\n").size(), 400u);
+}
+
+TEST_F(CaseFileReaderTest, LinesAboveTheTableCanBeLongerThanTheFirstBlock)
+{
+    for (const std::string above : {"Rig 7, warm\n", "# Rig 7, warm\n"}) {
+        std::string content;
+        for (int i = 0; i < 30000; ++i) {
+            content += above;
+        }
+        CaseFileReader::Options options;
+        if (above[0] != '#') {
+            options.skippedLines = 30000;
+        }
+
+        const CaseTable table = readWith(content + "x;y\n1,5;2\n2,5;3\n", options);
+
+        ASSERT_EQ(namesOf(table), (Names{"x", "y"}));
+        EXPECT_EQ(table.columns[0].numbers, (Numbers{1.5, 2.5}));
+    }
+}
+
 TEST_F(CaseFileReaderTest, RefusesBytesThatAreNoText)
 {
     EXPECT_EQ(refusalOf(std::string("x,y\n1,2\n3,\0\n", 12)),

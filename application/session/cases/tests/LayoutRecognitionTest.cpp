@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,27 @@ std::string partsOf(std::string_view sample, const ReadingChoices& choices = {})
     text += layout.hasUnitsRow ? ", units row" : "";
     text += layout.hasRowNames ? ", row names" : "";
     text += layout.titleLines > 0 ? ", " + std::to_string(layout.titleLines) + " titles" : "";
+    return text;
+}
+
+/** The layout of a text of which only `sampleSize` bytes are looked at together. */
+CaseFileLayout layoutOfLong(std::string_view text, const ReadingChoices& choices = {})
+{
+    constexpr std::size_t sampleSize = 100;
+    const auto read = [rest = text](char* buffer, std::size_t capacity) mutable {
+        const std::size_t count = rest.copy(buffer, std::min<std::size_t>(capacity, 7));
+        rest.remove_prefix(count);
+        return count;
+    };
+    return recogniseLayout(read, sampleSize, choices);
+}
+
+std::string repeated(const std::string& line, int count)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += line;
+    }
     return text;
 }
 } // namespace
@@ -182,4 +205,46 @@ TEST(LayoutRecognition, TitlesCanHoldQuotesThatAreNeverClosed)
     EXPECT_EQ(partsOf("\"5 inch pipe\n# warm\n\"6 inch pipe\nx,y\n1,2\n3,4\n5,6\n7,8\n9,10\n"
                       "11,12\n13,14\n15,16\n17,18\n19,20\n"),
               "line 4, 2 columns");
+}
+
+TEST(LayoutRecognition, SkippedLinesCanBeLongerThanTheSample)
+{
+    const std::string rows = repeated("1;2\n", 100);
+    const std::string titles = repeated("Rig 7, warm\n", 99);
+    ReadingChoices choices;
+    choices.skippedLines = 100;
+
+    for (const std::string first : {"Rig 7, warm\n", "sep=;\nRig 7, warm\n"}) {
+        const std::string above = first + titles;
+        const CaseFileLayout layout = layoutOfLong(above + "x;y\n" + rows, choices);
+
+        EXPECT_EQ(layout.separator, ';') << first;
+        EXPECT_EQ(layout.tableBegin, above.size()) << first;
+        EXPECT_EQ(layout.tableLine,
+                  1 + static_cast<std::size_t>(std::count(above.begin(), above.end(), '\n')))
+            << first;
+        EXPECT_EQ(layout.titleLines, 100u) << first;
+        EXPECT_TRUE(layout.hasHeading) << first;
+    }
+}
+
+TEST(LayoutRecognition, CommentsCanBeLongerThanTheSample)
+{
+    const std::string comments = repeated("# Rig 7, warm\n", 100);
+    const std::string rows = repeated("1;2\n", 100);
+
+    EXPECT_EQ(layoutOfLong(comments + "x;y\n" + rows).separator, ';');
+
+    const CaseFileLayout layout = layoutOfLong(comments + "# x;y\n" + rows);
+    EXPECT_EQ(layout.separator, ';');
+    EXPECT_TRUE(layout.isHeadingComment);
+    EXPECT_EQ(layout.tableBegin, comments.size() + 1);
+    EXPECT_EQ(layout.tableLine, 101u);
+    EXPECT_EQ(layout.commentLines, 100u);
+}
+
+TEST(LayoutRecognition, ATextThatIsLongerThanTheSampleIsRecognisedFromItsBeginning)
+{
+    EXPECT_EQ(layoutOfLong("a,b;c\n" + repeated("1,5;2\n", 50)).separator, ';');
+    EXPECT_EQ(layoutOfLong("a,b\n1,2\n3,4\n").columns, 2u);
 }
