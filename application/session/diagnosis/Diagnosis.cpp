@@ -5,6 +5,7 @@
 #include "session/diagnosis/RepeatFindings.h"
 #include "session/diagnosis/SizeFindings.h"
 #include "session/diagnosis/SpreadFindings.h"
+#include "session/diagnosis/TermFindings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,6 +42,7 @@ Diagnosis Diagnosis::of(const DiagnosedCases& cases)
     add(ColumnFindings::farCases(cases));
     add(RepeatFindings::repeats(cases));
     add(SizeFindings::find(cases));
+    add(TermFindings::find(cases));
     add(DependenceFindings::find(cases.sample(casesOfInputs(cases))));
     add(ColumnFindings::decades(cases));
     const DiagnosedCases compared = cases.sample(casesToCompare(cases));

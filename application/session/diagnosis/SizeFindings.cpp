@@ -1,5 +1,8 @@
 #include "session/diagnosis/SizeFindings.h"
 
+#include "session/diagnosis/FindingWords.h"
+#include "session/diagnosis/TermFindings.h"
+
 #include "session/text/CountedText.h"
 
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
@@ -7,6 +10,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <optional>
 #include <string>
 
 using Column = DiagnosedCases::Column;
@@ -44,6 +48,38 @@ std::size_t differentCases(const DiagnosedCases& cases)
         different += isBefore(rows[i - 1], rows[i]) ? 1 : 0;
     }
     return different;
+}
+
+/** ", with a third value of A and B for their squares" where they have two. */
+std::string thirdValues(const DiagnosedCases& cases)
+{
+    std::vector<std::string> twoValued;
+    for (const Column& input : cases.inputs) {
+        if (distinctValues(input.values, 3) == 2) {
+            twoValued.push_back(input.name);
+        }
+    }
+    if (cases.responseSurface.terms != PolynomialTerms::Quadratic || twoValued.empty()) {
+        return "";
+    }
+    return ", with a third value of " + FindingWords::names(twoValued) +
+           (twoValued.size() == 1 ? " for its square," : " for their squares,");
+}
+
+/** Whether the cases determine the terms of first order and the products, but no more. */
+bool determineInteractions(const DiagnosedCases& cases, std::size_t rank)
+{
+    if (cases.responseSurface.terms != PolynomialTerms::Quadratic) {
+        return false;
+    }
+    DiagnosedCases smaller = cases;
+    smaller.responseSurface.terms = PolynomialTerms::Interactions;
+    std::vector<bool> isVarying;
+    for (const Column& input : cases.inputs) {
+        isVarying.push_back(input.minimum() != input.maximum());
+    }
+    return TermFindings::rank(smaller) == rank &&
+           SurrogateResponseSurfaceModel::termCount(smaller.responseSurface, isVarying) == rank;
 }
 } // namespace
 
@@ -83,6 +119,22 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
     const std::size_t different = differentCases(cases);
     const std::string model = nameOf(cases.responseSurface.terms) + countedText(inputs, "input");
     const std::string wanted = std::to_string(terms) + " terms";
+    const std::optional<std::size_t> rank = TermFindings::rank(cases);
+    if (rank && *rank < std::min(different, terms)) {
+        // More cases on the same levels would not help: TermFindings says what does.
+        if (cases.count() >= terms) {
+            return {};
+        }
+        return {{"tooFewCases",
+                 Finding::Warning,
+                 {},
+                 countedText(cases.count(), "case") + " for the " + wanted + " of a " + model +
+                     ": all of second order are left out; " +
+                     (determineInteractions(cases, *rank)
+                          ? "choose --terms interactions, which these cases determine."
+                          : "choose fewer terms with --terms, or add cases with other combinations "
+                            "of the inputs.")}};
+    }
     if (different < terms) {
         const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear
                                         ? "add them or leave inputs out of -x"
@@ -92,7 +144,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  {},
                  countedText(different, "different case") + (different == 1 ? " does" : " do") +
                      " not determine the " + wanted + " of a " + model + ": terms are left out; " +
-                     std::to_string(terms) + " cases would do and " +
+                     std::to_string(terms) + " cases would do" + thirdValues(cases) + " and " +
                      std::to_string(terms + terms / 2 + 1) + " would leave some for the error; " +
                      smaller + "."}};
     }

@@ -123,7 +123,7 @@ bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
                workspace.cellsWithoutNumber().count(finding.columns.front()) > 0;
     }
     static const std::vector<std::string_view> byResponseSurface = {
-        "constantInput", "fewValuesInput", "tooFewCases", "saturatedFit"};
+        "constantInput", "fewValuesInput", "inestimableTerms", "tooFewCases", "saturatedFit"};
     static const std::vector<std::string_view> byKriging = {"constantInput", "exactCopies",
                                                             "nearCopies"};
     const auto& said = workspace.modelType() == Workspace::Kriging ? byKriging : byResponseSurface;

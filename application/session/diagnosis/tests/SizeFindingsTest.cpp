@@ -37,6 +37,38 @@ TEST(SizeFindings, FewMoreCasesLeaveLittleOfIt)
     EXPECT_EQ(findings[0].severity, Finding::Note);
 }
 
+TEST(SizeFindings, MoreCasesOnTwoLevelsDoNotDetermineSquares)
+{
+    const std::vector<double> a = {-1, 1, -1, 1, -1, 1, -1, 1};
+    const std::vector<double> b = {-1, -1, 1, 1, -1, -1, 1, 1};
+    const std::vector<double> c = {-1, -1, -1, -1, 1, 1, 1, 1};
+    DiagnosedCases cases = casesOf({{"a", a}, {"b", b}, {"c", c}});
+    EXPECT_EQ(textsOf(SizeFindings::find(cases)),
+              (Texts{"tooFewCases: 8 cases for the 10 terms of a quadratic response surface of 3 "
+                     "inputs: all of second order are left out; choose --terms interactions, which "
+                     "these cases determine."}));
+
+    for (DiagnosedCases::Column& input : cases.inputs) {
+        const std::vector<double> once = input.values;
+        input.values.insert(input.values.end(), once.begin(), once.end());
+    }
+    for (std::size_t row = 8; row < 16; ++row) {
+        cases.positions.push_back(row);
+    }
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
+}
+
+TEST(SizeFindings, TwoValuesWantAThirdBesideMoreCases)
+{
+    const auto findings = SizeFindings::find(casesOf({{"a", {0, 1, 0, 1}}, {"b", {1, 2, 3, 5}}}));
+
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_NE(findings[0].text.find("; 6 cases would do, with a third value of a for its square, "
+                                    "and 10 would leave some for the error;"),
+              std::string::npos)
+        << findings[0].text;
+}
+
 TEST(SizeFindings, EnoughCasesNeedNoSentence)
 {
     EXPECT_EQ(SizeFindings::find(casesOfTwoInputs(9)).size(), 0u);
