@@ -318,7 +318,7 @@ void addInterval(CLI::App& command, CommandLine& line)
                 const auto percent = numberIn<double>(text);
                 return percent && *percent > 0.0 && *percent < 100.0;
             });
-    // Less than one percent of the cases is nobody's question.
+    // Below 1 it is a share typed by mistake.
     interval->check([](const std::string& text) {
         const double percent = *numberIn<double>(text);
         if (percent < 1.0) {

@@ -19,10 +19,11 @@ double changeOf(const ModelCut& cut, std::size_t output)
 
 MainEffects::MainEffects(CaseSession& session, const std::vector<std::size_t>& left)
 {
+    const ModelCut::FittedCases cases(session);
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
         const auto [least, most] = session.inputs()[input].lock()->range();
         if (least < most && std::find(left.begin(), left.end(), input) == left.end()) {
-            cuts.push_back(ModelCut::overRanges(session, {input}, ModelCut::sweepValues));
+            cuts.push_back(ModelCut::overRanges(session, {input}, ModelCut::sweepValues, cases));
         }
     }
     heldInputs = ModelCut::heldText(session);

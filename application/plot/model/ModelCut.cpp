@@ -58,22 +58,20 @@ std::vector<double> chosen(const std::vector<double>& column, const std::vector<
     return values;
 }
 
-void addNearCases(const Workspace& workspace, ModelCut& cut)
+void addNearCases(const Workspace& workspace, const ModelCut::FittedCases& cases, ModelCut& cut)
 {
-    const std::vector<std::size_t> fitted = workspace.validCases();
-    std::vector<std::size_t> near = fitted;
+    std::vector<std::size_t> near = cases.rows;
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         const std::vector<double>& points = cut.inputs[i].values;
         const auto& column = workspace.project().numericValues(workspace.inputs()[i]);
         const auto [least, most] = std::minmax_element(points.begin(), points.end());
-        const double slack = (isSwept(cut, i) ? roundingShare : nearShare) *
-                             AxisScale::range(chosen(column, fitted)).width();
+        const double slack = (isSwept(cut, i) ? roundingShare : nearShare) * cases.widths[i];
         const auto isFar = [&, least = *least, most = *most](std::size_t row) {
             return column[row] < least - slack || column[row] > most + slack;
         };
         near.erase(std::remove_if(near.begin(), near.end(), isFar), near.end());
     }
-    cut.fittedCases = fitted.size();
+    cut.fittedCases = cases.rows.size();
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         cut.inputs[i].caseValues =
             chosen(workspace.project().numericValues(workspace.inputs()[i]), near);
@@ -149,6 +147,14 @@ private:
 };
 } // namespace
 
+ModelCut::FittedCases::FittedCases(const Workspace& workspace) : rows(workspace.validCases())
+{
+    for (const VarPtr& input : workspace.inputs()) {
+        const std::vector<double>& column = workspace.project().numericValues(input);
+        widths.push_back(AxisScale::range(chosen(column, rows)).width());
+    }
+}
+
 ModelCut ModelCut::throughChosenValues(CaseSession& session)
 {
     ModelCut cut = emptyCut(session, session.sweptInputs());
@@ -163,12 +169,18 @@ ModelCut ModelCut::throughChosenValues(CaseSession& session)
         }
     }
     cut.extrapolation = evaluation.extrapolation;
-    addNearCases(session, cut);
+    addNearCases(session, FittedCases(session), cut);
     return cut;
 }
 
 ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
                               std::size_t values)
+{
+    return overRanges(session, swept, values, FittedCases(session));
+}
+
+ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                              std::size_t values, const FittedCases& cases)
 {
     ModelCut cut = emptyCut(session, swept);
     const auto count =
@@ -196,7 +208,7 @@ ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_
         cut.outputs[i].values = std::move(evaluation.outputs[i]);
     }
     cut.extrapolation = std::move(evaluation.extrapolation);
-    addNearCases(session, cut);
+    addNearCases(session, cases, cut);
     return cut;
 }
 

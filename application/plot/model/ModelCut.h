@@ -7,6 +7,7 @@
 #include <vector>
 
 class CaseSession;
+class Workspace;
 
 /**
  * The predictions of a model where some inputs are swept and all others held, with the fitted cases
@@ -33,6 +34,15 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     std::size_t fittedCases = 0;
     std::string extrapolation; ///< which points lie outside the cases, a sentence; empty if none
 
+    /** What the cases of all cuts of a session are chosen from. */
+    struct FittedCases
+    {
+        explicit FittedCases(const Workspace& workspace);
+
+        std::vector<std::size_t> rows;
+        std::vector<double> widths; ///< of the inputs' ranges over these rows
+    };
+
     /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */
     static ModelCut throughChosenValues(CaseSession& session);
 
@@ -45,6 +55,10 @@ struct SURROGATE_PLOT_EXPORT ModelCut
      */
     static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
                                std::size_t values);
+
+    /** The same, one cut of several. @param cases those of the session. */
+    static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                               std::size_t values, const FittedCases& cases);
 
     /** The same over two swept inputs with values between theirs, evenly, so that each has at least
      *  this many. @throw SurrogateModelInterface::Error */

@@ -123,7 +123,7 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
 std::string ReportPage::html(CaseSession& session, const HtmlReport::Origin& origin)
 {
     const DrawingApplication application;
-    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     const MainEffects effects(session);
     std::vector<HtmlReport::OutputParts> parts;
     for (std::size_t i = 0; i < session.outputs().size(); ++i) {

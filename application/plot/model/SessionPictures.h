@@ -50,7 +50,8 @@ SURROGATE_PLOT_EXPORT void sweepRemaining(Kind kind, CaseSession& session,
  * Needs no fit.
  * @param held as for sweepRemaining().
  * @throw UsageError if the session sweeps more inputs than the kind shows or leaves less than it
- *        needs, or coefficients are wanted of a model that has none.
+ *        needs, or the kind is one of response surfaces (coefficients, normal, ridge) and
+ *        the model is another.
  */
 SURROGATE_PLOT_EXPORT void check(Kind kind, const Workspace& workspace,
                                  const std::vector<std::size_t>& held = {});

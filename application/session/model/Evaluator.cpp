@@ -43,7 +43,7 @@ std::vector<double*> readOnly(const std::vector<const double*>& columns)
     return pointers;
 }
 
-/** Of an output without variation limits have no width: they would say that nothing else can come.
+/** Of an output without variation limits would have no width: zero width would claim certainty.
  *  @throw SurrogateModelInterface::Error if it has none. */
 void requireVariation(const FittedModel& model, int offset)
 {
@@ -93,6 +93,7 @@ public:
             model = &fitted;
             fittedOutputs = workspace.outputs();
             result.reset();
+            statistics.reset();
             fitSeconds = watch.seconds();
         }
         return *model;
@@ -112,6 +113,7 @@ public:
     SurrogateModelInterface* model = nullptr;
     std::vector<VarPtr> fittedOutputs;
     std::optional<FitResult> result;
+    std::optional<std::vector<ResponseSurfaceStatistics>> statistics;
     double fitSeconds = 0.0;
 
 private:
@@ -233,16 +235,20 @@ const FitResult& Evaluator::calibratedFit()
     return *impl->result;
 }
 
-std::vector<ResponseSurfaceStatistics> Evaluator::statistics()
+const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
 {
     const ModelInterfaces interfaces(model());
+    if (impl->statistics) {
+        return *impl->statistics;
+    }
     std::vector<ResponseSurfaceStatistics> results;
     std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
         std::optional<ResponseSurfaceStatistics> statistics =
             interfaces.responseSurfaceStatistics(offset);
         if (!statistics) {
-            return {};
+            results.clear();
+            break;
         }
         if (cases.empty()) {
             cases = impl->workspace.validCases();
@@ -255,7 +261,7 @@ std::vector<ResponseSurfaceStatistics> Evaluator::statistics()
             one.row = cases.at(one.row);
         }
     }
-    return results;
+    return impl->statistics.emplace(std::move(results));
 }
 
 GridEvaluation Evaluator::evaluate(const std::optional<double>& percent)

@@ -95,8 +95,8 @@ public:
     const FitResult& calibratedFit();
 
     /** The statistics of a response surface, one per output; none at all of another model. The rows
-     *  of leverages and diagnostics are positions of cases, from 0. */
-    std::vector<ResponseSurfaceStatistics> statistics();
+     *  of leverages and diagnostics are positions of cases, from 0. @return valid like model(). */
+    const std::vector<ResponseSurfaceStatistics>& statistics();
 
     /**
      * Every combination of the inputs' values with the outputs there.

@@ -8,7 +8,8 @@
 #include <cmath>
 
 namespace {
-/** The values at the points that the statistics name. Standard errors as TransformedOutput has. */
+/** The values of cases and at the points that the statistics name; residuals and curvatures stay
+ *  those of the transform. Standard errors as TransformedOutput has. */
 void transformBack(OutputTransform transform, ResponseSurfaceStatistics& statistics)
 {
     const auto inverse = [transform](double value) {
@@ -16,6 +17,9 @@ void transformBack(OutputTransform transform, ResponseSurfaceStatistics& statist
     };
     if (statistics.stationaryPoint) {
         statistics.stationaryPoint->value = inverse(statistics.stationaryPoint->value);
+    }
+    for (CaseDiagnostics& one : statistics.cases) {
+        one.output = inverse(one.output);
     }
     for (auto* const ridge : {&statistics.ascent, &statistics.descent}) {
         for (RidgePoint& point : *ridge) {

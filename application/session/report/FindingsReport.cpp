@@ -196,13 +196,16 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
     const bool isOne = suspected.size() == 1;
     std::string text = FindingWords::cases(sortedRows(suspected));
     text[0] = 'C';
-    findings.push_back({"suspectedOutliers",
-                        Finding::Warning,
-                        {output},
-                        text + (isOne ? " lies" : " lie") + " far from the fit of " + name +
-                            " to the others: " + (isOne ? "it bends" : "they bend") +
-                            " the fit and widen" + (isOne ? "s" : "") + " the intervals; check " +
-                            (isOne ? "it" : "them") + ", and fit once more with --exclude."});
+    findings.push_back(
+        {"suspectedOutliers",
+         Finding::Warning,
+         {output},
+         text + (isOne ? " lies" : " lie") + " far from the fit of " + name + " to the others (" +
+             (isOne ? "its" : "their") + " externally studentised residual" +
+             (isOne ? " exceeds " : "s exceed ") + FindingWords::figure(statistics.outlierLimit) +
+             ", Bonferroni at 5 %): " + (isOne ? "it bends" : "they bend") + " the fit and widen" +
+             (isOne ? "s" : "") + " the intervals; check " + (isOne ? "it" : "them") +
+             ", and fit once more with --exclude."});
 }
 
 /** Cases that the fit passes near whatever their output is, and that move it. */
@@ -287,7 +290,7 @@ SessionFindings SessionFindings::ofFit(CaseSession& session)
                        [&](const Finding& finding) { return isSaidElsewhere(finding, session); }),
         result.findings.end());
     const std::vector<std::string> outputs = namesOf(session.outputs());
-    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     for (std::size_t i = 0; i < statistics.size(); ++i) {
         addOutliers(outputs[i], statistics[i], result.findings);
         addInfluentialCases(outputs[i], statistics[i], result.findings);

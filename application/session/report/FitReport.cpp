@@ -357,8 +357,8 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
                "\"-\".";
     }
     if (statistics != nullptr && statistics->residualDegreesOfFreedom == 0) {
-        return "There are as many terms as cases: nothing is left to tell errors from, and figures "
-               "that need them are \"-\".";
+        return "There are as many terms as cases: no case is left to estimate the error from, and "
+               "figures that need it are \"-\".";
     }
     if (statistics != nullptr && std::isnan(metrics.predictedR2)) {
         return "A case alone determines a term of the polynomial: Q2 and PRESS are "
@@ -404,7 +404,7 @@ std::vector<std::string> FitReport::fitNotes(const OutputFit& fit,
 std::string FitReport::text(CaseSession& session)
 {
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
-    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
     text += "Model   " + ReportHeading::modelText(session) + '\n';
@@ -417,7 +417,7 @@ std::string FitReport::text(CaseSession& session)
     for (std::size_t i = 0; i < fits.size(); ++i) {
         text += outputText(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i]);
         if (!statistics.empty()) {
-            text += StatisticsTables::text(statistics[i], inputs);
+            text += StatisticsTables::text(statistics[i], inputs, fits[i].modelled.transform);
         }
     }
     const SessionFindings findings = SessionFindings::ofFit(session);
@@ -430,7 +430,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
         return session.exportedReport();
     }
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
-    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     const std::vector<std::string> inputs = namesOf(session.inputs());
     Json json = ReportHeading::modelJson(session);
     for (std::size_t i = 0; i < fits.size(); ++i) {

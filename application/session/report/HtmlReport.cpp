@@ -155,8 +155,8 @@ std::string verdict(const OutputFit& fit, double spread, const std::string& unit
     std::string text = "left-out cases are predicted no better than by the mean of the others";
     if (!std::isfinite(share)) {
         return "<p class=\"verdict\"><strong>" + escaped(fit.name) +
-               "</strong>: nothing tells how well further cases are predicted, there are too few "
-               "cases to leave one out.</p>\n";
+               "</strong>: there are too few cases to leave one out, so that there is no case to "
+               "estimate the error of predictions from.</p>\n";
     }
     if (share >= good) {
         kind = "good";
@@ -253,10 +253,12 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
 }
 
 std::string statisticsSection(const ResponseSurfaceStatistics& statistics,
-                              const std::vector<std::string>& inputs, const std::string& equation)
+                              const std::vector<std::string>& inputs, OutputTransform transform,
+                              const std::string& equation)
 {
     std::string text;
-    for (const StatisticsTables::Table& table : StatisticsTables::tables(statistics, inputs)) {
+    for (const StatisticsTables::Table& table :
+         StatisticsTables::tables(statistics, inputs, transform)) {
         text += tableText(table);
         text += table.note.empty() ? table.note : element("p", escaped(table.note));
     }
@@ -299,7 +301,7 @@ std::string HtmlReport::text(CaseSession& session, const std::vector<OutputParts
 {
     const bool isKriging = session.modelType() == CaseSession::Kriging;
     const std::vector<OutputFit> fits = session.calibratedFit().outputs;
-    const std::vector<ResponseSurfaceStatistics> statistics = session.statistics();
+    const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     const std::vector<std::string> equations =
         statistics.empty() ? std::vector<std::string>() : session.equations();
     const std::vector<std::string> inputs = namesOf(session.inputs());
@@ -323,7 +325,7 @@ std::string HtmlReport::text(CaseSession& session, const std::vector<OutputParts
         if (!statistics.empty()) {
             std::string equation = equations[i];
             equation.erase(equation.find_last_not_of('\n') + 1);
-            html += statisticsSection(statistics[i], inputs, equation);
+            html += statisticsSection(statistics[i], inputs, fits[i].modelled.transform, equation);
         }
     }
     return html + "</body>\n</html>\n";

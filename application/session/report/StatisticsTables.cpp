@@ -112,41 +112,32 @@ std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& stati
     return order;
 }
 
+/** Suspected outliers are among the findings, with what to do about them. */
 std::string outlierText(const ResponseSurfaceStatistics& statistics)
 {
-    constexpr std::size_t mostNamed = 10;
-    if (std::isnan(statistics.outlierLimit)) {
+    if (std::isnan(statistics.outlierLimit) || !statistics.suspectedOutliers().empty()) {
         return "";
     }
-    const std::string limit =
-        shownNumber(statistics.outlierLimit, fewDigits) + " (Bonferroni at 5 %).";
-    const std::vector<std::size_t> outliers = statistics.suspectedOutliers();
-    if (outliers.empty()) {
-        return "No case is suspected to be an outlier: no externally studentised residual "
-               "exceeds " +
-               limit;
-    }
-    std::vector<std::string> names;
-    for (const std::size_t k : outliers) {
-        if (names.size() < mostNamed) {
-            names.push_back(std::to_string(statistics.cases[k].row + 1));
-        }
-    }
-    const std::size_t more = outliers.size() - names.size();
-    return std::string(outliers.size() == 1 ? "Suspected outlier: case "
-                                            : "Suspected outliers: cases ") +
-           joinedText(names) + (more > 0 ? " and " + std::to_string(more) + " more" : "") +
-           (outliers.size() == 1 ? ", whose externally studentised residual exceeds "
-                                 : ", whose externally studentised residuals exceed ") +
-           limit;
+    return "No case is suspected to be an outlier: no externally studentised residual exceeds " +
+           shownNumber(statistics.outlierLimit, fewDigits) + " (Bonferroni at 5 %).";
 }
 
-StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistics)
+/** Behind the name of a figure that is one of the modelled transform; empty without one. */
+std::string scaleText(OutputTransform transform)
+{
+    return transform == OutputTransform::Logarithm    ? " of the logarithm"
+           : transform == OutputTransform::SquareRoot ? " of the square root"
+                                                      : "";
+}
+
+StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistics,
+                                      OutputTransform transform)
 {
     StatisticsTables::Table table;
     table.title = "Largest studentised residuals";
-    table.heading = {"Case",       "Output",   "Residual",       "Internally",
-                     "Externally", "Leverage", "Cook's distance"};
+    table.heading = {"Case",           "Output",     "Residual" + scaleText(transform),
+                     "Internally",     "Externally", "Leverage",
+                     "Cook's distance"};
     for (const std::size_t k : largestResiduals(statistics)) {
         const CaseDiagnostics& one = statistics.cases[k];
         table.rows.push_back({std::to_string(one.row + 1), shownNumber(one.output),
@@ -187,11 +178,12 @@ std::string directionText(const std::vector<double>& components,
 }
 
 StatisticsTables::Table canonicalTable(const std::vector<CanonicalDirection>& directions,
-                                       const std::vector<std::string>& inputs)
+                                       const std::vector<std::string>& inputs,
+                                       OutputTransform transform)
 {
     StatisticsTables::Table table;
     table.title = "Canonical analysis, inputs coded to [-1, 1]";
-    table.heading = {"Direction", "Curvature"};
+    table.heading = {"Direction", "Curvature" + scaleText(transform)};
     for (const CanonicalDirection& one : directions) {
         table.rows.push_back(
             {directionText(one.components, inputs), shownNumber(one.curvature, fewDigits)});
@@ -358,15 +350,15 @@ Json droppedTermsJson(const std::vector<CoefficientStatistics>& coefficients,
 
 std::vector<StatisticsTables::Table>
 StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
-                         const std::vector<std::string>& inputs)
+                         const std::vector<std::string>& inputs, OutputTransform transform)
 {
     std::vector<Table> tables = {
         coefficientTable(statistics.coefficients, inputs, false),
         coefficientTable(statistics.codedCoefficients, inputs, true),
         anovaTable(statistics),
         partialTable(statistics.partialTests, inputs),
-        residualTable(statistics),
-        canonicalTable(statistics.canonicalDirections, inputs),
+        residualTable(statistics, transform),
+        canonicalTable(statistics.canonicalDirections, inputs, transform),
         ridgeTable("Ridge of steepest ascent: the largest values within the ranges",
                    statistics.ascent, inputs),
         ridgeTable("Ridge of steepest descent: the smallest values within the ranges",
@@ -403,10 +395,11 @@ std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistic
 }
 
 std::string StatisticsTables::text(const ResponseSurfaceStatistics& statistics,
-                                   const std::vector<std::string>& inputs)
+                                   const std::vector<std::string>& inputs,
+                                   OutputTransform transform)
 {
     std::string text;
-    for (const Table& one : tables(statistics, inputs)) {
+    for (const Table& one : tables(statistics, inputs, transform)) {
         std::vector<bool> alignsRight(one.heading.size(), true);
         alignsRight[0] = false;
         TextTable table(std::move(alignsRight));

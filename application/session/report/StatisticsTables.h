@@ -2,6 +2,7 @@
 
 #include "session/report/ReportJson.h"
 
+#include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
 #include <string>
@@ -19,9 +20,10 @@ struct Table
 };
 
 /** The coefficients in the inputs' units, then coded, the analysis of variance, sequential and term
- *  by term, the cases that stand out, the canonical analysis and the ridges; no empty ones. */
+ *  by term, the cases that stand out, the canonical analysis and the ridges; no empty ones.
+ *  @param transform of the output that was modelled: residuals and curvatures are those of it. */
 std::vector<Table> tables(const ResponseSurfaceStatistics& statistics,
-                          const std::vector<std::string>& inputs);
+                          const std::vector<std::string>& inputs, OutputTransform transform);
 
 /** Where the stationary point is and what it is, a sentence; says so if there is none. */
 std::string stationaryPointText(const ResponseSurfaceStatistics& statistics,
@@ -29,7 +31,7 @@ std::string stationaryPointText(const ResponseSurfaceStatistics& statistics,
 
 /** All of it, indented by two blanks. */
 std::string text(const ResponseSurfaceStatistics& statistics,
-                 const std::vector<std::string>& inputs);
+                 const std::vector<std::string>& inputs, OutputTransform transform);
 
 /** The members "coefficients" and "codedCoefficients" of the terms that are kept, "anova",
  *  "lackOfFitNote" where it cannot be tested, "partialTests", "leverage", "residuals" with the

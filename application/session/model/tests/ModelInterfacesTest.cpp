@@ -65,3 +65,21 @@ TEST(ModelInterfaces, LooksIntoTransformedOutputs)
     EXPECT_NEAR(worst.predicted, model.leaveOneOutPredictions(0)[worst.row].predicted, 1e-9);
     EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
 }
+
+TEST(ModelInterfaces, NamesTheOutputsOfTransformedCasesThemselves)
+{
+    std::vector<double> large = {1000, 2100, 3900, 8200, 15000, 33000};
+    const TransformedOutput model(
+        {x.data()}, {large.data()}, x.size(),
+        [](const auto& inputs, const auto& outputs, std::size_t rows) {
+            return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows);
+        },
+        OutputTransform::Logarithm);
+
+    const auto statistics = ModelInterfaces(model).responseSurfaceStatistics(0);
+
+    for (const CaseDiagnostics& one : statistics->cases) {
+        EXPECT_NEAR(one.output, large[one.row], 1e-8);
+        EXPECT_LT(std::abs(one.residual), 1.0) << "of the logarithm";
+    }
+}

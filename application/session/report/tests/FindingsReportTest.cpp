@@ -92,8 +92,9 @@ TEST(FindingsReport, TheFitNamesSuspectedOutliers)
 
     ASSERT_EQ(kindsOf(findings), std::vector<std::string>{"suspectedOutliers"});
     EXPECT_EQ(FindingsReport::sentences(findings).front(),
-              "Warning: Case 12 lies far from the fit of y to the others: it bends the fit and "
-              "widens the intervals; check it, and fit once more with --exclude.");
+              "Warning: Case 12 lies far from the fit of y to the others (its externally "
+              "studentised residual exceeds 3.507, Bonferroni at 5 %): it bends the fit and widens "
+              "the intervals; check it, and fit once more with --exclude.");
     EXPECT_NE(FitReport::text(session).find("\nFindings\n  Warning: Case 12 lies far"),
               std::string::npos);
 }

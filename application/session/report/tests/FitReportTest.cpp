@@ -166,9 +166,9 @@ TEST(FitReport, SaysWhyFiguresOfASaturatedFitAreMissing)
     CaseSession session(tableOf({{"x", {0, 1, 2}}, {"y", {1, 5, 2}}}), {{0}, {1}}, {},
                         CaseSession::ResponseSurface);
 
-    EXPECT_NE(FitReport::text(session).find("  Note: There are as many terms as cases: nothing is "
-                                            "left to tell errors from, and figures that need them "
-                                            "are \"-\".\n"),
+    EXPECT_NE(FitReport::text(session).find("  Note: There are as many terms as cases: no case is "
+                                            "left to estimate the error from, and figures that "
+                                            "need it are \"-\".\n"),
               std::string::npos);
 }
 

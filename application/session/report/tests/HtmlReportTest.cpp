@@ -101,9 +101,10 @@ TEST(HtmlReport, SaysThatTooFewCasesTellNothing)
 {
     CaseSession session(cvdCases(), {{0, 1}, {3}}, {6, 7, 8, 9, 10}, CaseSession::ResponseSurface);
 
-    EXPECT_TRUE(has(HtmlReport::text(session, {}),
-                    "<p class=\"verdict\"><strong>Stress</strong>: nothing tells how well further "
-                    "cases are predicted, there are too few cases to leave one out.</p>"));
+    EXPECT_TRUE(
+        has(HtmlReport::text(session, {}),
+            "<p class=\"verdict\"><strong>Stress</strong>: there are too few cases to leave "
+            "one out, so that there is no case to estimate the error of predictions from.</p>"));
 }
 
 TEST(HtmlReport, SaysWhereItComesFrom)
