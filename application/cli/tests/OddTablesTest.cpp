@@ -5,6 +5,7 @@
 #include "../../session/tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
@@ -100,6 +101,18 @@ std::string utf16(const std::string& text, bool isBig)
     return bytes;
 }
 
+/** Longer than what a layout is recognised from. */
+constexpr std::size_t manyLines = 30000;
+
+std::string manyOf(const std::string& line)
+{
+    std::string text;
+    for (std::size_t i = 0; i < manyLines; ++i) {
+        text += line;
+    }
+    return text;
+}
+
 enum Outcome
 {
     Done,
@@ -157,6 +170,10 @@ const std::vector<OddTable>& oddTables()
         {"CommentsWithSlashes", "// rig 7\n" + table(), "Read as: 1 comment line skipped\n"},
         {"CommentsWithPercentSigns", "% rig 7\n" + table(), "Read as: 1 comment line skipped\n"},
         {"CaseCommentedOut", table() + "#1.5,2.5,-99\n", "Read as: 1 comment line skipped\n"},
+        {"ManyCommentsAbove", manyOf("# rig 7, warm\n") + table(";"),
+         "Read as: semicolons; 30000 comment lines skipped\n"},
+        {"LongCells", "note,x,z,y\n" + rowsAfter([](int) { return std::string(manyLines, 'n'); }),
+         ""},
         {"HeadingInAComment", "# " + table(), "Read as: the heading from a comment line\n"},
         {"HeadingInACommentOfBlanks", "# rig 7\n# " + table(" "),
          "Read as: columns separated by blanks, the heading from a comment line; 1 comment line "
@@ -211,6 +228,10 @@ const std::vector<OddTable>& oddTables()
          "Read as: semicolons, decimal commas, thousands separated by \".\"\n"},
         {"ThousandsWithBlanks", replaced(table(";", ","), "\n2,5;", "\n1 002,5;"),
          "Read as: semicolons, decimal commas, thousands separated by blanks\n"},
+        {"ThousandsWithPointsAndNoDecimals",
+         replaced(replaced(replaced(table(";"), ".", ""), "\n25;", "\n9.604.308;"), "\n35;",
+                  "\n1.853;"),
+         "Read as: semicolons, thousands separated by \".\"\n"},
         {"MinusSignOfTypesetting",
          tableWith("\xE2\x88\x92"
                    "3.5"),
@@ -347,6 +368,20 @@ protected:
         return names;
     }
 
+    /** What `summary` says of a subject, without the reasons of the roles: those that a project
+     *  keeps have none. */
+    nlohmann::json summaryOf(const std::string& subject, const Strings& options) const
+    {
+        Strings arguments = {"summary", subject, "--json", "-o", result};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        EXPECT_EQ(runProgram(arguments), 0) << subject;
+        nlohmann::json summary = nlohmann::json::parse(folder.read("result.svg"));
+        for (nlohmann::json& variable : summary["variables"]) {
+            variable.erase("reason");
+        }
+        return summary;
+    }
+
     TemporaryFolder folder;
     std::string cases = folder.write("cases.csv", GetParam().content);
     std::string result = folder.path("result.svg");
@@ -385,6 +420,22 @@ TEST_P(OddTables, GiveAResultOrASentenceInEveryCommand)
             EXPECT_EQ(said.rfind("surrogate: ", 0), 0u) << command << ": " << said;
         }
     }
+}
+
+TEST_P(OddTables, AreReadTheSameFromASavedProject)
+{
+    const OddTable& odd = GetParam();
+    if (odd.outcome != Done) {
+        return;
+    }
+    const CapturedErrors errors;
+    const std::string project = folder.path("cases.surrogate.xml");
+    Strings options = {"-y", odd.output, "--save", project};
+    options.insert(options.end(), odd.options.begin(), odd.options.end());
+
+    const nlohmann::json saved = summaryOf(cases, options);
+
+    EXPECT_EQ(summaryOf(project, {}), saved) << errors.text.str();
 }
 
 INSTANTIATE_TEST_SUITE_P(All, OddTables, ::testing::ValuesIn(oddTables()),
