@@ -2,6 +2,8 @@
 
 #include <mirel_fitting/numerics/Distributions.h>
 
+#include <boost/math/distributions/binomial.hpp>
+
 #include <algorithm>
 #include <cmath>
 
@@ -20,8 +22,28 @@ IntervalCalibration::IntervalCalibration(double degreesOfFreedom,
                      [](double magnitude) { return std::isinf(magnitude); }) -
         magnitudes.begin());
     if (finite < fewestCases) {
-        this->basis = Basis::Distribution;
+        widening = basis == Basis::Refits ? wideningByChance() : 1.0;
+        this->basis = widening > 1.0 ? basis : Basis::Distribution;
     }
+}
+
+double IntervalCalibration::wideningByChance() const
+{
+    constexpr double level = 0.95;
+    constexpr double chance = 0.05;
+
+    const std::size_t count = magnitudes.size();
+    if (finite < fewestRefits) {
+        return 1.0;
+    }
+    const boost::math::binomial outside(static_cast<double>(count), 1.0 - level);
+    std::size_t tooMany = 1;
+    while (boost::math::cdf(boost::math::complement(outside, static_cast<double>(tooMany) - 1.0)) >
+           chance) {
+        ++tooMany;
+    }
+    const double limit = magnitudes[std::min(count - tooMany, finite - 1)];
+    return std::max(1.0, limit / studentQuantile(level));
 }
 
 double IntervalCalibration::quantile(double level) const
@@ -31,6 +53,9 @@ double IntervalCalibration::quantile(double level) const
     constexpr std::size_t fewestBeyond = 3;
 
     const double student = studentQuantile(level);
+    if (finite < fewestCases) {
+        return student * widening;
+    }
     if (basis == Basis::Distribution) {
         return student;
     }

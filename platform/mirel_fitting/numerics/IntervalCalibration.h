@@ -20,12 +20,16 @@ public:
     using Basis = CalibrationReport::Basis;
 
     /** With fewer left-out cases the quantile of 80 % would lie among the eight largest: Student's
-     *  t is used. */
+     *  t is used; after refits times the least factor with which 95 % intervals leave out no more
+     *  cases than chance does with a probability above 5 %. */
     static constexpr std::size_t fewestCases = 40;
 
-    /** Replicates are left out together. At fewer different points than this, each is predicted
-     *  from far away by what is left: with eight concentrations of an assay (R's DNase) the 95 %
-     *  intervals of a response surface would become 7.6 times as wide. Student's t then. */
+    /** Refits to fewer cases say nothing about a fit to all. */
+    static constexpr std::size_t fewestRefits = 8;
+
+    /** Replicates are left out together by refits. At fewer different points than this, each is
+     * predicted from far away by what is left: with eight concentrations of an assay (R's DNase)
+     * the 95 % intervals of a response surface would become 7.6 times as wide. Student's t then. */
     static constexpr std::size_t fewestPoints = 15;
 
     /**
@@ -48,9 +52,11 @@ public:
 
 private:
     double empiricalQuantile(double level) const;
+    double wideningByChance() const;
 
     double degreesOfFreedom;
     std::vector<double> magnitudes; // ascending
     std::size_t finite;             // of them
     Basis basis;
+    double widening = 1.0; // of few cases
 };

@@ -3,11 +3,23 @@
 #include <mirel_fitting/kriging/fit/KrigingRefits.h>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
 
-constexpr std::size_t folds = 5;
+/** Few points need all but a few of them; then refits take no time. */
+std::size_t foldsOf(std::size_t points)
+{
+    constexpr std::size_t mostSingle = 20;
+    constexpr std::size_t foldsOfFew = 10;
+    constexpr std::size_t foldsOfMany = 5;
+
+    if (points >= IntervalCalibration::fewestCases) {
+        return foldsOfMany;
+    }
+    return std::min(points, points <= mostSingle ? mostSingle : foldsOfFew);
+}
 
 /** Whether parameters were estimated that so few cases leave uncertain, so that leave-one-out with
  *  the parameters of all cases looks better than predictions are. */
@@ -19,9 +31,12 @@ bool areRefitsWorthwhile(const KrigingFitInput& input, const FittedKriging& mode
     const std::size_t points = model.data->cases;
     const bool isEstimated =
         input.options.correlationLengths.empty() || !input.options.isNuggetFixed();
-    return isEstimated && model.correlation && !model.neighbours &&
-           input.output.size() >= IntervalCalibration::fewestCases &&
-           points >= IntervalCalibration::fewestPoints && points <= mostPoints;
+    // Of few cases, replicates that are left out together would count as so many misses.
+    const bool areManyCases = input.output.size() >= IntervalCalibration::fewestCases;
+    const bool arePointsEnough =
+        areManyCases ? points >= IntervalCalibration::fewestPoints : points == input.output.size();
+    return isEstimated && model.correlation && !model.neighbours && arePointsEnough &&
+           points <= mostPoints;
 }
 
 std::vector<double> leaveOneOutResiduals(const KrigingFitInput& input, const KrigingFit& fit)
@@ -40,8 +55,13 @@ IntervalCalibration calibrateIntervals(const KrigingFitInput& input, const Krigi
     const FittedKriging& model = fit.predictor.model();
     const double degreesOfFreedom = std::max(fit.report.degreesOfFreedom, 1.0);
     if (areRefitsWorthwhile(input, model)) {
-        return {degreesOfFreedom, KrigingRefits::residuals(input, model, folds),
-                IntervalCalibration::Basis::Refits};
+        const std::vector<double> residuals =
+            KrigingRefits::residuals(input, model, foldsOf(model.data->cases));
+        const auto predicted = std::count_if(residuals.begin(), residuals.end(),
+                                             [](double residual) { return !std::isnan(residual); });
+        if (static_cast<std::size_t>(predicted) >= IntervalCalibration::fewestRefits) {
+            return {degreesOfFreedom, residuals, IntervalCalibration::Basis::Refits};
+        }
     }
     const bool areEnough = model.data->cases >= IntervalCalibration::fewestPoints;
     return {degreesOfFreedom, leaveOneOutResiduals(input, fit),

@@ -5,6 +5,7 @@
 #include <mirel_fitting/kriging/fit/ExactKriging.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
+#include <mirel_fitting/numerics/IntervalCalibration.h>
 
 #include <limits>
 #include <memory>
@@ -33,6 +34,7 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
                                          const std::vector<std::size_t>& points)
 {
     // From parameters that suit all points, the first step brings most of what there is to gain.
+    // Fewer points may have their optimum elsewhere, and a whole search takes no time.
     constexpr int steps = 1;
 
     auto data = std::make_shared<KrigingData>(model.data->subset(points));
@@ -48,8 +50,10 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
     data->terms = trend->size();
     data->trend = trend->matrix();
     KrigingSearchSettings settings = input.searchSettings();
-    settings.starts = {{model.correlation->lengths(), model.nugget}};
-    settings.maxSteps = steps;
+    if (model.data->cases >= IntervalCalibration::fewestCases) {
+        settings.starts = {{model.correlation->lengths(), model.nugget}};
+        settings.maxSteps = steps;
+    }
     const KrigingSearchResult found = KrigingSearch::run(data, settings);
     return KrigingPredictor(ExactKriging(input, std::move(trend), data, found).model);
 }

@@ -42,6 +42,32 @@ TEST(IntervalCalibration, IsStudentsTWithFewerThanFortyLeftOutCases)
     EXPECT_EQ(calibration.report().factor, 1.0);
 }
 
+TEST(IntervalCalibration, WidensIntervalsOfFewCasesWhereRefitsMissMoreThanByChance)
+{
+    // Of twelve, two outside have a probability of 12 % by chance, three one of 2 %.
+    std::vector<double> residuals(9, 0.5);
+    residuals.insert(residuals.end(), {-4.0, 5.0, -6.0});
+    const IntervalCalibration calibration(degrees, residuals, Basis::Refits);
+
+    EXPECT_NEAR(calibration.quantile(0.95), 4.0, 1e-12);
+    EXPECT_NEAR(calibration.quantile(0.5), 4.0 * student(0.5) / student(0.95), 1e-12);
+    EXPECT_EQ(calibration.report().basis, Basis::Refits);
+    EXPECT_NEAR(calibration.report().factor, 4.0 / student(0.95), 1e-12);
+    EXPECT_EQ(calibration.report().shares[2].held, 0.75);
+
+    residuals[9] = 0.5;
+    const IntervalCalibration byChance(degrees, residuals, Basis::Refits);
+    EXPECT_EQ(byChance.quantile(0.95), student(0.95));
+    EXPECT_EQ(byChance.report().basis, Basis::Distribution);
+}
+
+TEST(IntervalCalibration, DoesNotWidenByRefitsToAHandfulOfCases)
+{
+    const IntervalCalibration calibration(degrees, std::vector<double>(7, 9.0), Basis::Refits);
+
+    EXPECT_EQ(calibration.quantile(0.95), student(0.95));
+}
+
 TEST(IntervalCalibration, DoesNotCountResidualsThatAreNoNumbers)
 {
     std::vector<double> residuals(40, 7.0);

@@ -38,6 +38,47 @@ TEST(KrigingIntervals, OfFewCasesAreThoseOfStudentsT)
     EXPECT_EQ(found.report().cases, 20u);
 }
 
+TEST(KrigingIntervals, OfFewNoisyCasesAreWiderWhereRefitsMissMoreThanByChance)
+{
+    constexpr int tables = 8;
+    double held = 0.0;
+    int wider = 0;
+    for (int table = 1; table <= tables; ++table) {
+        UniformNumbers numbers(table);
+        const Columns inputs = latinHypercube(12, 3, table);
+        std::vector<double> output = valuesOf(wave, inputs);
+        for (double& value : output) {
+            value += 0.3 * numbers.normal();
+        }
+        const IntervalCalibration found = calibrated(inputs, output);
+
+        const CalibrationReport report = found.report();
+        const bool isWider = found.quantile(0.95) > found.studentQuantile(0.95);
+        EXPECT_EQ(report.basis, isWider ? Basis::Refits : Basis::Distribution) << table;
+        EXPECT_EQ(isWider, report.shares[2].held < 10.0 / 12.0) << table;
+        held += report.shares[2].held / tables;
+        wider += isWider ? 1 : 0;
+    }
+    // With the parameters of all cases all but a few would be held.
+    EXPECT_LT(held, 0.92);
+    EXPECT_GT(wider, 0);
+}
+
+TEST(KrigingIntervals, OfFewRepeatedPointsAreThoseOfStudentsT)
+{
+    // Six centre runs that are left out together would all be missed together.
+    Columns inputs = latinHypercube(14, 2, 7);
+    for (std::vector<double>& column : inputs) {
+        column.insert(column.end(), 6, 0.5);
+    }
+    std::vector<double> output = valuesOf(wave, inputs);
+    for (std::size_t i = 14; i < output.size(); ++i) {
+        output[i] += 5.0;
+    }
+
+    EXPECT_EQ(calibrated(inputs, output).report().basis, Basis::Distribution);
+}
+
 TEST(KrigingIntervals, RestOnRefitsWhereParametersAreEstimated)
 {
     const CalibrationReport report = ofWave(60).report();
