@@ -317,13 +317,21 @@ Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistic
     return figures;
 }
 
+/** Likelihoods are known between the largest powers only. */
+std::string limitsText(const BoxCoxProfile& profile)
+{
+    constexpr int digits = 3;
+    constexpr double end = BoxCoxProfile::largestPower * (1.0 - 1e-9);
+    return (profile.lower <= -end ? "below " : "") + shownNumber(profile.lower, digits) + " to " +
+           (profile.upper >= end ? "beyond " : "") + shownNumber(profile.upper, digits);
+}
+
 /** What the choice by Box and Cox rests on, a sentence. */
 std::string powerText(const BoxCoxProfile& profile)
 {
     constexpr int digits = 3;
     return "The power of greatest likelihood is " + shownNumber(profile.power, digits) +
-           " (95 %: " + shownNumber(profile.lower, digits) + " to " +
-           shownNumber(profile.upper, digits) + ")" +
+           " (95 %: " + limitsText(profile) + ")" +
            (profile.isBetweenLimits ? "."
                                     : "; none of the powers 1, 1/2 and 0 (logarithm) is in "
                                       "between, and the nearest was "

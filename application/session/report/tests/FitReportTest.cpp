@@ -144,6 +144,18 @@ TEST(FitReport, SaysWhichTransformOfAnOutputWasModelled)
     EXPECT_EQ(FitReport::notes(session).find("Note: " + note + "\n"), 0u);
 }
 
+TEST(FitReport, SaysWhereLimitsOfThePowerAreBeyondThoseTried)
+{
+    // Too few cases, of too little variation, to tell any power from another.
+    CaseSession session(tableOf({{"x", {0, 1, 2, 3, 4, 5}}, {"y", {10, 12, 11, 13, 12, 14}}}),
+                        {{0}, {1}}, {}, CaseSession::ResponseSurface);
+    session.chooseTransform(TransformSetting::BoxCox);
+
+    const std::string note = printed(FitReport::runJson(session, 0.0))["outputs"][0]["notes"][0];
+
+    EXPECT_NE(note.find(" (95 %: below -2 to beyond 2)."), std::string::npos) << note;
+}
+
 TEST(FitReport, SaysWhyFiguresOfAConstantOutputAreMissing)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
