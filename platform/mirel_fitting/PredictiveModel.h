@@ -55,7 +55,8 @@ public:
      * Which points lie outside the cases, as a sentence for the user that numbers the first ten of
      * them from 1: outside the range of an input by more than a hundredth of it, or, for an input
      * that is the same in all cases, by more than half a unit in the sixth digit; or, where the
-     * model can judge that, within all ranges but at a combination of values that no case is near.
+     * model can judge that, within all ranges but at a combination of values that the cases do
+     * not support.
      * A Kriging model judges combinations at no more than 10 000 random points, always the same;
      * of more points the sentence gives percentages if it finds any. Empty if there is none.
      * @param inputNames as for fitWarnings().

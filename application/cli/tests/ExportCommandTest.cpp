@@ -33,13 +33,13 @@ protected:
 const char* const models[] = {"response-surface", "kriging"};
 
 /** What goes to the standard error of a model that knows no cases: no notes about their fit, and no
- *  word of combinations that none is near. */
+ *  word of combinations that none supports. */
 std::string withoutCases(const std::string& text)
 {
     std::string kept;
     for (const std::string& line : linesOf(text)) {
         if (line.rfind("Note ", 0) != 0 &&
-            line.find("no case is near their combination") == std::string::npos) {
+            line.find("the cases do not support this combination") == std::string::npos) {
             kept += line + '\n';
         }
     }

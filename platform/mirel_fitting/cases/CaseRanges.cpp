@@ -173,7 +173,8 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
         reason += (isAll      ? ""
                    : isSample ? "; at about " + percent(byCombination / all) + " of them "
                               : "; at " + std::to_string(outsideByCombination) + " of them ") +
-                  std::string("each input is in its range, but no case is near their combination");
+                  std::string("each input is in its range, but the cases do not support this "
+                              "combination of values");
     }
     return start + reason + ". Do not rely on predictions there.";
 }

@@ -5,15 +5,40 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr std::size_t pointsPerChunk = 4096;
 
-/** A hundredth of a range beyond the cases is no extrapolation: it takes the fourth power of a
- *  coded coordinate, and with it the leverage, from 1 to 1.02^4 = 1.08. */
-constexpr double negligibleOfLeverage = 0.1;
-constexpr double negligibleOfRange = 0.01;
+/** Within 2 % of the ranges from a case, of central composite, Box-Behnken and Latin hypercube
+ *  designs, leverages reach 1.3 times the largest of the cases; at corners that the cases lack, and
+ *  off a relation of inputs, many times it. */
+constexpr double supportedLeverage = 1.5;
+
+/** By how much a relation may be broken, relative to the range of the dropped term. A second-order
+ *  one changes by 4 % for 2 % of the range of an input, and a relation may have several. */
+constexpr double negligibleOfLinear = 0.01;
+constexpr double negligibleOfSecondOrder = 0.05;
+
+/** Coefficients of terms of scaled inputs that are smaller are rounding errors. */
+constexpr double rounding = 1e-7;
+
+/** Whether a term is the square of an input that has two levels: one with the constant and the
+ *  input. */
+bool isSquareOfTwoLevels(const QuadraticBasis& basis, const PolynomialFit::Dependence& dependence)
+{
+    const QuadraticBasis::Term& inputs = basis.terms()[dependence.term];
+    if (inputs.second == QuadraticBasis::noInput || inputs.first != inputs.second) {
+        return false;
+    }
+    for (std::size_t term = 1; term < basis.size(); ++term) {
+        if (term != 1 + inputs.first && std::fabs(dependence.combination[term]) > rounding) {
+            return false;
+        }
+    }
+    return true;
+}
 
 } // namespace
 
@@ -21,10 +46,29 @@ CaseSupport::CaseSupport(const PolynomialFit& fit, const CaseRanges& ranges)
     : fit(fit), ranges(ranges)
 {
     for (const PolynomialFit::Dependence& one : fit.dependences()) {
-        if (one.term <= fit.basis().inputs()) {
-            relations.push_back(&one);
+        if (isSquareOfTwoLevels(fit.basis(), one)) {
+            continue;
         }
+        Relation relation = {{{one.term, -1.0}}, tolerance(one.term)};
+        for (std::size_t term = 0; term < one.combination.size(); ++term) {
+            if (std::fabs(one.combination[term]) > rounding) {
+                relation.coefficients.emplace_back(term, one.combination[term]);
+            }
+        }
+        relations.push_back(std::move(relation));
     }
+}
+
+double CaseSupport::tolerance(std::size_t term) const
+{
+    const auto range = [&](std::size_t input) {
+        const ColumnScale& scale = fit.inputScales()[input];
+        return 2.0 * (scale.halfRange() / scale.unit());
+    };
+    const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
+    return inputs.second == QuadraticBasis::noInput
+               ? negligibleOfLinear * range(inputs.first)
+               : negligibleOfSecondOrder * range(inputs.first) * range(inputs.second);
 }
 
 std::vector<char> CaseSupport::unsupported(const std::vector<double*>& points,
@@ -56,23 +100,31 @@ void CaseSupport::judge(std::vector<std::vector<double>>& columns, std::size_t c
     }
     std::vector<double> leverages(count);
     fit.variances(pointers, count, leverages.data());
-    const double largest = fit.largestLeverage() * (1.0 + negligibleOfLeverage);
+    const double largest = supportedLeverage * fit.largestLeverage();
     for (std::size_t i = 0; i < count; ++i) {
         flags[i] = leverages[i] > largest ? 1 : 0;
     }
-    for (const PolynomialFit::Dependence* const relation : relations) {
-        const ColumnScale& scale = fit.inputScales()[relation->term - 1];
+    if (relations.empty()) {
+        return;
+    }
+    for (std::size_t input = 0; input < columns.size(); ++input) {
+        fit.inputScales()[input].apply(columns[input].data(), count, columns[input].data());
+    }
+    const std::vector<const double*> scaled(pointers.begin(), pointers.end());
+    std::vector<double> values(count);
+    std::vector<double> differences(count);
+    for (const Relation& relation : relations) {
+        // A leverage that is not a number marks a point that is not finite.
+        std::transform(leverages.begin(), leverages.end(), differences.begin(),
+                       [](double leverage) { return 0.0 * leverage; });
+        for (const auto& [term, coefficient] : relation.coefficients) {
+            fit.basis().evaluateTerm(term, scaled.data(), count, values.data());
+            for (std::size_t i = 0; i < count; ++i) {
+                differences[i] += coefficient * values[i];
+            }
+        }
         for (std::size_t i = 0; i < count; ++i) {
-            double difference = relation->combination[0];
-            for (std::size_t input = 0; input < columns.size(); ++input) {
-                const ColumnScale& other = fit.inputScales()[input];
-                const double coefficient =
-                    relation->combination[1 + input] - (1 + input == relation->term ? 1.0 : 0.0);
-                difference += coefficient * ((columns[input][i] - other.centre()) / other.unit());
-            }
-            if (std::fabs(difference) * scale.unit() > negligibleOfRange * scale.spread()) {
-                flags[i] = 1;
-            }
+            flags[i] |= std::fabs(differences[i]) > relation.tolerance ? 1 : 0;
         }
     }
 }

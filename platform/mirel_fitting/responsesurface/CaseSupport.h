@@ -4,14 +4,18 @@
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 /**
  * Whether the cases support a polynomial at a point, judged by all inputs together: its leverage
- * x'(X'X)^-1 x is not above the largest of the cases, and it keeps the linear relations that the
- * inputs have in all cases. Where inputs are correlated, a point may lie far outside the cloud of
- * cases although each of its coordinates is in its range.
- * Montgomery, Peck, Vining: Introduction to Linear Regression Analysis, 5th ed., Wiley 2012, 3.8.
+ * x'(X'X)^-1 x is not far above the largest of the cases, and it keeps the relations for which
+ * terms were dropped: where a term differs from the combination of others that it equals in all
+ * cases, the cases do not show which of them the output depends on. Where inputs are correlated, a
+ * point may lie far outside the cloud of cases although each of its coordinates is in its range.
+ * The square of an input that has two levels is taken to add nothing: the output is linear between
+ * them. Montgomery, Peck, Vining: Introduction to Linear Regression Analysis, 5th ed., Wiley
+ * 2012, 3.8.
  */
 class CaseSupport
 {
@@ -28,9 +32,17 @@ public:
     std::vector<char> unsupported(const std::vector<double*>& points, std::size_t count) const;
 
 private:
+    /** A combination of terms of scaled inputs that is 0 at all cases. */
+    struct Relation
+    {
+        std::vector<std::pair<std::size_t, double>> coefficients; // of terms
+        double tolerance;
+    };
+
+    double tolerance(std::size_t term) const;
     void judge(std::vector<std::vector<double>>& columns, std::size_t count, char* flags) const;
 
     const PolynomialFit& fit;
     const CaseRanges& ranges;
-    std::vector<const PolynomialFit::Dependence*> relations; // of inputs
+    std::vector<Relation> relations;
 };

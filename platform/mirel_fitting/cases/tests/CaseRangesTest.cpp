@@ -111,12 +111,12 @@ TEST(CaseRanges, WarnsOfCombinationsThatNoCaseSupports)
     EXPECT_EQ(
         ranges().warning(pointersTo(points), 4, InputNames(), {1, 1, 0, 1}),
         "3 of 4 points lie outside the cases (rows 1, 2 and 4): V1 is up to 0.25 of its range "
-        "beyond them; at 2 of them each input is in its range, but no case is near their "
-        "combination. Do not rely on predictions there.");
+        "beyond them; at 2 of them each input is in its range, but the cases do not "
+        "support this combination of values. Do not rely on predictions there.");
     EXPECT_EQ(
         ranges().warning(pointersTo(points), 1, InputNames(), {1}),
-        "1 of 1 point lies outside the cases: each input is in its range, but no case is near "
-        "their combination. Do not rely on predictions there.");
+        "1 of 1 point lies outside the cases: each input is in its range, but the cases do not "
+        "support this combination of values. Do not rely on predictions there.");
 }
 
 TEST(CaseRanges, WarnOfAShareWhereSomePointsAreJudgedForAll)

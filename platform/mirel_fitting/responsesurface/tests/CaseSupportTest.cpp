@@ -26,6 +26,51 @@ Cases plane(bool isRounded)
     return cases;
 }
 
+/** 2^3 corners and centre points: the squares of all inputs are equal in all cases. */
+Cases cornersAndCentres()
+{
+    Cases cases{{{}, {}, {}}, {{}}};
+    for (int k = 0; k < 12; ++k) {
+        for (int input = 0; input < 3; ++input) {
+            const double sign = (k >> input) % 2 == 0 ? -1.0 : 1.0;
+            cases.inputs[static_cast<std::size_t>(input)].push_back(k < 8 ? sign : 0.0);
+        }
+        cases.outputs[0].push_back(k);
+    }
+    return cases;
+}
+
+/** Each of three inputs varied alone about 0. */
+Cases oneFactorAtATime()
+{
+    Cases cases{{{}, {}, {}}, {{}}};
+    for (int input = 0; input < 3; ++input) {
+        for (const double value : {-2.0, -1.0, 0.0, 1.0, 2.0}) {
+            for (int other = 0; other < 3; ++other) {
+                cases.inputs[static_cast<std::size_t>(other)].push_back(other == input ? value
+                                                                                       : 0.0);
+            }
+            cases.outputs[0].push_back(value * input);
+        }
+    }
+    return cases;
+}
+
+/** A central composite design. */
+Cases composite()
+{
+    Cases cases = cornersAndCentres();
+    for (std::size_t input = 0; input < 3; ++input) {
+        for (const double value : {-1.682, 1.682}) {
+            for (std::size_t other = 0; other < 3; ++other) {
+                cases.inputs[other].push_back(other == input ? value : 0.0);
+            }
+            cases.outputs[0].push_back(value);
+        }
+    }
+    return cases;
+}
+
 Flags unsupported(Cases cases, std::vector<Column> points, int order = 2)
 {
     const PolynomialFit fit(QuadraticBasis(cases.inputs.size(), order), cases.inputPointers(),
@@ -67,6 +112,36 @@ TEST(CaseSupport, LacksACornerThatCorrelatedInputsNeverReach)
     }
 
     EXPECT_EQ(unsupported(cases, {{0.5, 0.05, 0.95}, {0.55, 0.95, 0.1}}, 1), (Flags{0, 1, 1}));
+}
+
+TEST(CaseSupport, LacksPointsWhereSquaresThatTheCasesDoNotSeparateDiffer)
+{
+    EXPECT_EQ(unsupported(cornersAndCentres(), {{1.0, 0.5, 1.0, 0.0, 0.98},
+                                                {1.0, -0.5, 0.0, 0.0, -1.0},
+                                                {-1.0, 0.5, 0.0, 1.0, 1.0}}),
+              (Flags{0, 0, 1, 1, 0}));
+}
+
+TEST(CaseSupport, LacksJointChangesOfInputsThatVariedAlone)
+{
+    EXPECT_EQ(unsupported(oneFactorAtATime(),
+                          {{1.0, 0.0, 1.5, 2.0}, {1.0, 1.5, 0.1, 2.0}, {1.0, 0.0, 0.0, 0.0}}),
+              (Flags{1, 0, 0, 1}));
+}
+
+TEST(CaseSupport, TakesInputsOfTwoLevelsForLinearBetweenThem)
+{
+    const Cases cases{{{-1, 1, -1, 1, -1, 1, -1, 1}, {-1, -1, 1, 1, -1, -1, 1, 1}},
+                      {{3, 1, 4, 1, 5, 9, 2, 6}}};
+
+    EXPECT_EQ(unsupported(cases, {{0.0, 0.3, 1.0}, {0.0, 1.0, -0.5}}), (Flags{0, 0, 0}));
+}
+
+TEST(CaseSupport, SupportsPointsBesideACase)
+{
+    EXPECT_EQ(
+        unsupported(composite(), {{-1.0, 1.0, 1.682}, {-1.0, 1.1, 1.682}, {-1.125, 1.0, 1.682}}),
+        (Flags{0, 0, 1}));
 }
 
 TEST(CaseSupport, LeavesPointsBeyondARangeToTheRanges)
