@@ -163,7 +163,7 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
     /**
      * n ln(SSE / n) + n (ln(2 pi) + 1) + 2 k + 2 k (k + 1) / (n - k - 1), k the terms and one more
      * for the variance. Hurvich, Tsai: Regression and time series model selection in small samples,
-     * Biometrika 76 (1989). NaN for n - 1 <= k, minus infinity for no residual.
+     * Biometrika 76 (1989). NaN for n - 1 <= k, and where the residuals are no more than rounding.
      */
     double aicc = none;
     std::size_t residualDegreesOfFreedom = 0;
@@ -186,14 +186,16 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
 
     /** Whether the second-order terms are more than rounding. */
     bool isCurved = false;
-    /** None if the polynomial is not curved, nor if it rises along a direction in which it is not
-     *  curved. */
+    /** None if the polynomial is not curved, if it rises along a direction in which it is not
+     *  curved, or if a second-order term was dropped since it depends on others of second order in
+     *  all cases: these do not show which of them is curved. */
     std::optional<StationaryPoint> stationaryPoint;
-    /** By ascending curvature; empty if the polynomial is not curved. */
+    /** By ascending curvature; empty if the polynomial is not curved, or has such a dropped term.
+     */
     std::vector<CanonicalDirection> canonicalDirections;
     /** Ridge analysis: the paths of the largest and of the smallest values, by distances from 0 to
      *  1, all within the ranges of the cases. Of a linear polynomial these are the lines of
-     *  steepest ascent and descent. Empty for a constant.
+     *  steepest ascent and descent. Empty for a constant, and with such a dropped term.
      *  Draper: Ridge analysis of response surfaces, Technometrics 5 (1963). */
     std::vector<RidgePoint> ascent;
     std::vector<RidgePoint> descent;

@@ -93,6 +93,11 @@ SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAs
 {
     const std::vector<RidgePoint>& ridge = isAscent ? statistics.ascent : statistics.descent;
     const std::string owner = "The model of " + quotedText(output);
+    if (ridge.empty() && statistics.isCurved) {
+        throw SurrogateModelInterface::Error(
+            owner + " has no ridge: the cases cannot separate its second-order terms from each "
+                    "other.");
+    }
     if (ridge.empty()) {
         throw SurrogateModelInterface::Error(owner + " is a constant: it has no ridge.");
     }

@@ -369,9 +369,22 @@ StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
     return tables;
 }
 
+namespace {
+/** Since the cases cannot separate the second-order terms. */
+bool isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics)
+{
+    return statistics.isCurved && !statistics.stationaryPoint &&
+           statistics.canonicalDirections.empty();
+}
+} // namespace
+
 std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistics& statistics,
                                                   const std::vector<std::string>& inputs)
 {
+    if (isCanonicalAnalysisWithheld(statistics)) {
+        return "There is no stationary point, canonical analysis or ridge analysis: the cases "
+               "cannot separate the second-order terms from each other.";
+    }
     if (!statistics.stationaryPoint) {
         return statistics.isCurved ? "There is no stationary point: the polynomial rises along a "
                                      "direction in which it is not curved."
@@ -427,6 +440,9 @@ Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
     json["leverage"] = leverageJson(statistics);
     json["residuals"] = residualsJson(statistics);
     json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);
+    if (isCanonicalAnalysisWithheld(statistics)) {
+        json["stationaryPointNote"] = stationaryPointText(statistics, inputs);
+    }
     json["canonicalDirections"] = canonicalDirectionsJson(statistics.canonicalDirections);
     json["ascent"] = ridgeJson(statistics.ascent);
     json["descent"] = ridgeJson(statistics.descent);

@@ -180,6 +180,7 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
     const auto degrees = static_cast<double>(fit.degreesOfFreedom());
     const double quantile = degrees > 0.0 ? Distributions::studentQuantile(level, degrees) : none;
 
+    const bool isTested = !isExact();
     std::vector<CoefficientStatistics> result(estimates.size());
     for (std::size_t term = 0; term < result.size(); ++term) {
         CoefficientStatistics& one = result[term];
@@ -196,7 +197,7 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
         }
         one.estimate = estimates[term] + 0.0; // -0, of a constant output, becomes 0
         one.standardError = deviation() * std::sqrt(variances[term]);
-        one.t = one.estimate / one.standardError;
+        one.t = isTested ? one.estimate / one.standardError : none;
         if (!std::isnan(one.t)) {
             one.p = Distributions::studentTails(one.t, degrees);
         }
@@ -310,8 +311,11 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
             table.push_back(row(name, counts[k], unit * squares[k]));
         }
     }
+    const bool isTested = !isExact();
     for (AnovaRow& effect : table) {
-        compare(effect, residual);
+        if (isTested) {
+            compare(effect, residual);
+        }
     }
     table.push_back(residual);
     if (pureError.degreesOfFreedom > 0 && !pureError.isOfCopies()) {
@@ -319,7 +323,9 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
             row("Pure error", pureError.degreesOfFreedom, unit * pureError.squares);
         AnovaRow lack = row("Lack of fit", fit.degreesOfFreedom() - pureError.degreesOfFreedom,
                             unit * std::max(residualSquares() - pureError.squares, 0.0));
-        compare(lack, error);
+        if (isTested) {
+            compare(lack, error);
+        }
         table.push_back(lack);
         table.push_back(error);
     }
@@ -335,6 +341,7 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
     const Vector variances = coefficientVariances(coded);
     const double unit = output.scale.unit() * output.scale.unit();
     const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
+    const bool isTested = !isExact();
     std::vector<PartialTest> tests;
     for (std::size_t term = 1; term < estimates.size(); ++term) {
         if (!fit.isKept(term)) {
@@ -349,13 +356,14 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
         }
         test.row =
             row(fit.basis().name(term), 1, estimates[term] * estimates[term] / variances[term]);
-        compare(test.row, residual);
+        if (isTested) {
+            compare(test.row, residual);
+        }
         tests.push_back(std::move(test));
     }
     return tests;
 }
 
-/** Whether the residuals are no more than rounding. */
 bool ResponseSurfaceAnalysis::isExact() const
 {
     // Relative to the squares about the mean, and to the rounding of the values as given.
@@ -415,7 +423,7 @@ double ResponseSurfaceAnalysis::aicc() const
 {
     const double scaled = aicc(residualSquares(), fit.cases(), fit.keptCount());
     // log(u^2) as 2 log(u): the square of the unit may overflow.
-    return std::isinf(scaled) && scaled > 0.0
+    return isExact() || (std::isinf(scaled) && scaled > 0.0)
                ? none
                : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit());
 }

@@ -53,6 +53,9 @@ public:
     /** As ResponseSurfaceStatistics says. */
     double outlierLimit() const;
 
+    /** Whether the residuals are no more than rounding. */
+    bool isExact() const;
+
     double aicc() const;
 
     /** For `terms` coefficients and the variance, as ResponseSurfaceStatistics says; infinite, not
@@ -69,7 +72,6 @@ private:
 
     double residualSquares() const;
     double deviation() const;
-    bool isExact() const;
     std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
     Vector coefficientVariances(const Coding& coding) const;
     double varianceInflation(const Coding& coding, std::size_t term, double variance) const;

@@ -1,6 +1,7 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceFit.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/cases/LeftOutCasesWarning.h>
 #include <mirel_fitting/responsesurface/CaseSupport.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
@@ -13,6 +14,23 @@ namespace {
 
 /** Distances along a ridge: tenths, as tables have them. */
 constexpr std::size_t ridgeSteps = 10;
+
+/** Whether a dropped second-order term depends on one that the fit has.
+ *  @param common the fit of all wanted terms. */
+bool hasAliasedCurvature(const PolynomialFit& common, const PolynomialFit& fit)
+{
+    constexpr double rounding = 1e-7; // coefficients of scaled inputs
+    const std::size_t firstOfSecondOrder = 1 + common.basis().inputs();
+    for (const PolynomialFit::Dependence& one : common.dependences()) {
+        for (std::size_t term = firstOfSecondOrder; term < common.basis().size(); ++term) {
+            if (one.term >= firstOfSecondOrder && fit.isKept(term) &&
+                std::fabs(one.combination[term]) > rounding) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 } // namespace
 
@@ -141,6 +159,10 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
     for (std::string& sentence : ResponseSurfaceTexts::dependences(*common, names)) {
         warnings.push_back(std::move(sentence));
     }
+    const FitMetrics ofOutput = metrics(output);
+    if (ofOutput.terms > 1 && ofOutput.predictedR2 <= 0.0) {
+        warnings.emplace_back(LeftOutCasesWarning::noBetterThanMean);
+    }
     for (std::string& sentence : notes(output, names)) {
         warnings.push_back(std::move(sentence));
     }
@@ -169,6 +191,11 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
     if (!unneeded.empty()) {
         notes.push_back("AICc is lower without " + InputNames::listed(unneeded) +
                         (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
+    }
+    if (fits[output].analysis().isExact() && degreesOfFreedom(output) > 0 &&
+        fits[output].output().totalSquares > 0.0) {
+        notes.push_back("The polynomial passes through all cases up to rounding: F, t, p and "
+                        "AICc would be those of rounding errors and are not given.");
     }
     return notes;
 }
@@ -235,10 +262,12 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     statistics.largestLeverages = analysis.largestLeverages();
     const StationaryPointFinder stationary(fit, fits[output].position);
     statistics.isCurved = stationary.isCurved();
-    statistics.stationaryPoint = stationary.find();
-    statistics.canonicalDirections = stationary.canonicalDirections();
-    statistics.ascent = withStandardErrors(output, stationary.ridge(true, ridgeSteps));
-    statistics.descent = withStandardErrors(output, stationary.ridge(false, ridgeSteps));
+    if (!statistics.isCurved || !hasAliasedCurvature(*common, fit)) {
+        statistics.stationaryPoint = stationary.find();
+        statistics.canonicalDirections = stationary.canonicalDirections();
+        statistics.ascent = withStandardErrors(output, stationary.ridge(true, ridgeSteps));
+        statistics.descent = withStandardErrors(output, stationary.ridge(false, ridgeSteps));
+    }
     for (const CoefficientStatistics& coefficient : statistics.coefficients) {
         if (!coefficient.isKept) {
             statistics.droppedTerms.push_back(coefficient.term);

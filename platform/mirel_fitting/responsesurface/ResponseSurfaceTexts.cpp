@@ -80,6 +80,11 @@ std::string leverageLine(const ResponseSurfaceStatistics& statistics)
 
 std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
 {
+    const bool isWithheld = statistics.isCurved && statistics.canonicalDirections.empty();
+    if (!statistics.stationaryPoint && isWithheld) {
+        return "Stationary point: not available (the cases cannot separate the second-order terms "
+               "from each other)\n";
+    }
     if (!statistics.stationaryPoint) {
         return statistics.isCurved ? "Stationary point: none, the polynomial rises along a "
                                      "direction in which it is not curved\n"

@@ -57,7 +57,9 @@ TEST(ResponseSurfaceQuality, WritesItsQualityLineByLine)
         "Leverage: mean 0.6, largest 0.7976 of case 1, 0.7976 of case 3, 0.7976 of case 7, 0.7976 "
         "of case 9, 0.5238 of case 2\n"
         "Stationary point: saddle of 1.9752008 at V1 = -2.2534637, V2 = -0.13691932, outside the "
-        "ranges of the cases\n");
+        "ranges of the cases\n"
+        "Left-out cases are predicted no better than by the mean of the cases: do not rely on this "
+        "model.\n");
 }
 
 TEST(ResponseSurfaceQuality, PressIsTheSumOfSquaredLeaveOneOutErrors)

@@ -134,7 +134,7 @@ TEST(ResponseSurfaceTerms, BecomeLinearWithTooFewCases)
 
 TEST(ResponseSurfaceTerms, AreLinearWhereThereIsNothingToInteract)
 {
-    const Model model = fit({{{0, 1, 2, 3, 5}}, {{1, 2, 2, 5, 4}}}, PolynomialTerms::Interactions);
+    const Model model = fit({{{0, 1, 2, 3, 5}}, {{1, 2, 3, 5, 6}}}, PolynomialTerms::Interactions);
 
     EXPECT_EQ(termsOf(model, true), (Texts{"1", "V1"}));
     EXPECT_EQ(model.fitWarnings(0), noTexts);

@@ -82,6 +82,20 @@ TEST(DiagnosticPictures, OfADescentMayHaveNoLimits)
     EXPECT_LT(descent.model.back(), descent.model.front());
 }
 
+TEST(DiagnosticPictures, HaveNoRidgeOfSquaresThatTheCasesDoNotSeparate)
+{
+    ResponseSurfaceStatistics withheld;
+    withheld.isCurved = true;
+
+    try {
+        ridgePicture(withheld, true, inputs, "Uniformity", 2.0);
+        FAIL();
+    } catch (const SurrogateModelInterface::Error& error) {
+        EXPECT_STREQ(error.what(), "The model of \"Uniformity\" has no ridge: the cases cannot "
+                                   "separate its second-order terms from each other.");
+    }
+}
+
 TEST(DiagnosticPictures, HaveNoRidgeOfAConstant)
 {
     EXPECT_THROW(ridgePicture(ResponseSurfaceStatistics(), true, inputs, "Uniformity", 2.0),

@@ -268,3 +268,22 @@ TEST(StatisticsTables, TextSaysThatThereIsNoStationaryPoint)
                   "\n  There is no stationary point: the polynomial is not curved.\n"),
               std::string::npos);
 }
+
+TEST(StatisticsTables, SaysWhyThereIsNoCanonicalAnalysisOfSquaresThatTheCasesDoNotSeparate)
+{
+    // Corners and centre points: b^2 equals a^2 in all cases.
+    CaseSession session(tableOf({{"a", {-1, 1, -1, 1, 0, 0, 0}},
+                                 {"b", {-1, -1, 1, 1, 0, 0, 0}},
+                                 {"y", {3, 1, 4, 1, 5, 9, 2}}}),
+                        {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
+    const std::string reason =
+        "There is no stationary point, canonical analysis or ridge analysis: "
+        "the cases cannot separate the second-order terms from each other.";
+
+    const std::string text = FitReport::text(session);
+    EXPECT_NE(text.find("\n  " + reason + "\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("Ridge of"), std::string::npos);
+    const Json output = Json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0];
+    EXPECT_TRUE(output["stationaryPoint"].is_null());
+    EXPECT_EQ(output["stationaryPointNote"], reason);
+}

@@ -134,12 +134,13 @@ TEST(CaseRanges, WarnOfAShareWhereSomePointsAreJudgedForAll)
 
     EXPECT_EQ(warningOf(inside, flags),
               "About 25 % of 8 points lie outside the cases (such as row 3): each input is in its "
-              "range, but no case is near their combination. Do not rely on predictions there.");
+              "range, but the cases do not support this combination of values. Do not rely on "
+              "predictions there.");
     EXPECT_EQ(
         warningOf(oneBeyond, flags),
         "About 38 % of 8 points lie outside the cases (such as rows 3 and 5): V1 is up to "
         "0.25 of its range beyond them; at about 67 % of them each input is in its range, but "
-        "no case is near their combination. Do not rely on predictions there.");
+        "the cases do not support this combination of values. Do not rely on predictions there.");
     EXPECT_EQ(warningOf(oneBeyond, {0, notJudged, 0, 0, notJudged, 0, 0, 0}),
               "1 of 8 points lies outside the cases (row 5): V1 is up to 0.25 of its range beyond "
               "them. Do not rely on predictions there.");

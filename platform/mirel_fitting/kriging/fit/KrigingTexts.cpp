@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/fit/KrigingTexts.h>
 
+#include <mirel_fitting/cases/LeftOutCasesWarning.h>
 #include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/numerics/NumberText.h>
 
@@ -212,8 +213,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
                          "leave-one-out figures, since leaving it out leaves no such fit.");
     }
     if (isMoreThanTheMean && fit.metrics.q2 <= 0.0) {
-        result.push_back("Left-out cases are predicted no better than by the mean of the "
-                         "cases: do not rely on this model.");
+        result.push_back(LeftOutCasesWarning::noBetterThanMean);
     }
     // A model that interpolates its cases has R2 = 1, but may be flat between them.
     if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {

@@ -193,6 +193,7 @@ TEST(ResponseSurfaceTexts, DescribesTheStationaryPoint)
         contains(quality(curved), "Stationary point: none, the polynomial is not curved\n"));
 
     curved.isCurved = true;
+    curved.canonicalDirections = {{1.0, {1.0, 0.0, 0.0}}};
     EXPECT_TRUE(contains(quality(curved), "Stationary point: none, the polynomial rises along a "
                                           "direction in which it is not curved\n"));
 
