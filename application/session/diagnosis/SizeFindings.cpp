@@ -53,6 +53,10 @@ std::size_t differentCases(const DiagnosedCases& cases)
 /** ", with a third value of A and B for their squares" where they have two. */
 std::string thirdValues(const DiagnosedCases& cases)
 {
+    constexpr std::size_t fewestCases = 4; // fewer have two values by chance
+    if (cases.count() < fewestCases) {
+        return "";
+    }
     std::vector<std::string> twoValued;
     for (const Column& input : cases.inputs) {
         if (distinctValues(input.values, 3) == 2) {
