@@ -24,8 +24,8 @@ public:
      *  cases than chance does with a probability above 5 %. */
     static constexpr std::size_t fewestCases = 40;
 
-    /** Refits to fewer cases say nothing about a fit to all. */
-    static constexpr std::size_t fewestRefits = 8;
+    /** Of a factorial of nine runs, refits predict each corner from far away. */
+    static constexpr std::size_t fewestRefits = 10;
 
     /** Replicates are left out together by refits. At fewer different points than this, each is
      * predicted from far away by what is left: with eight concentrations of an assay (R's DNase)

@@ -61,9 +61,9 @@ TEST(IntervalCalibration, WidensIntervalsOfFewCasesWhereRefitsMissMoreThanByChan
     EXPECT_EQ(byChance.report().basis, Basis::Distribution);
 }
 
-TEST(IntervalCalibration, DoesNotWidenByRefitsToAHandfulOfCases)
+TEST(IntervalCalibration, DoesNotWidenByRefitsOfFewerThanTenCases)
 {
-    const IntervalCalibration calibration(degrees, std::vector<double>(7, 9.0), Basis::Refits);
+    const IntervalCalibration calibration(degrees, std::vector<double>(9, 9.0), Basis::Refits);
 
     EXPECT_EQ(calibration.quantile(0.95), student(0.95));
 }
