@@ -74,6 +74,9 @@ void CommandLine::check() const
             "The command predict needs the file with the points: --points FILE.");
     require(choices.model != CaseSession::Kriging || command != Equations,
             "Only the response surface has equations: leave out -m kriging.");
+    require(choices.transform != TransformSetting::BoxCox || choices.model != CaseSession::Kriging,
+            "Only response surfaces are transformed by Box and Cox: choose another --transform for "
+            "kriging.");
     require(!choosesTerms() || choices.model != CaseSession::Kriging,
             "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
             "out -m kriging.");

@@ -52,6 +52,13 @@ const Refusal refusals[] = {
          line.choices.model = CaseSession::Kriging;
      },
      "Only the response surface has equations: leave out -m kriging."},
+    {"BoxCoxOfKriging",
+     [](CommandLine& line) {
+         line.choices.transform = TransformSetting::BoxCox;
+         line.choices.model = CaseSession::Kriging;
+     },
+     "Only response surfaces are transformed by Box and Cox: choose another --transform for "
+     "kriging."},
     {"TermsOfKriging",
      [](CommandLine& line) {
          line.choices.terms = PolynomialTerms::Linear;

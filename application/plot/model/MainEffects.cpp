@@ -21,7 +21,7 @@ MainEffects::MainEffects(CaseSession& session, const std::vector<std::size_t>& l
 {
     const ModelCut::FittedCases cases(session);
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
-        const auto [least, most] = session.inputs()[input].lock()->range();
+        const auto [least, most] = cases.ranges[input];
         if (least < most && std::find(left.begin(), left.end(), input) == left.end()) {
             cuts.push_back(ModelCut::overRanges(session, {input}, ModelCut::sweepValues, cases));
         }

@@ -147,7 +147,8 @@ private:
 };
 } // namespace
 
-ModelCut::FittedCases::FittedCases(const Workspace& workspace) : rows(workspace.validCases())
+ModelCut::FittedCases::FittedCases(const Workspace& workspace)
+    : rows(workspace.validCases()), ranges(workspace.sweepRanges())
 {
     for (const VarPtr& input : workspace.inputs()) {
         const std::vector<double>& column = workspace.project().numericValues(input);
@@ -192,7 +193,7 @@ ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_
     std::size_t repeats = count;
     for (const std::size_t input : swept) {
         repeats /= values;
-        const auto [least, most] = session.inputs()[input].lock()->range();
+        const auto [least, most] = cases.ranges[input];
         for (std::size_t point = 0; point < count; ++point) {
             const double share =
                 static_cast<double>(point / repeats % values) / static_cast<double>(values - 1);

@@ -40,7 +40,8 @@ struct SURROGATE_PLOT_EXPORT ModelCut
         explicit FittedCases(const Workspace& workspace);
 
         std::vector<std::size_t> rows;
-        std::vector<double> widths; ///< of the inputs' ranges over these rows
+        std::vector<std::pair<double, double>> ranges; ///< Workspace::sweepRanges()
+        std::vector<double> widths;                    ///< of the inputs' ranges over these rows
     };
 
     /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */

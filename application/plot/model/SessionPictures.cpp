@@ -49,9 +49,10 @@ std::vector<std::size_t> remainingInputs(const Workspace& workspace,
                                          const std::vector<std::size_t>& held)
 {
     const std::vector<std::size_t> swept = workspace.sweptInputs();
+    const auto ranges = workspace.sweepRanges();
     std::vector<std::size_t> remaining;
     for (std::size_t input = 0; input < workspace.inputs().size(); ++input) {
-        const auto [least, most] = workspace.inputs()[input].lock()->range();
+        const auto [least, most] = ranges[input];
         if (least < most && !contains(swept, input) && !contains(held, input)) {
             remaining.push_back(input);
         }

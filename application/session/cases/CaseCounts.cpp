@@ -91,3 +91,19 @@ std::vector<std::size_t> validCases(const Project& project, const std::vector<Va
     }
     return positions;
 }
+
+std::pair<double, double> sweepRange(const Project& project, const VarPtr& input,
+                                     const std::vector<std::size_t>& cases)
+{
+    const auto variable = input.lock();
+    if (cases.empty() || variable->chosenRange()) {
+        return variable->range();
+    }
+    const std::vector<double>& values = project.numericValues(input);
+    std::pair<double, double> range(values[cases.front()], values[cases.front()]);
+    for (const std::size_t row : cases) {
+        range.first = std::min(range.first, values[row]);
+        range.second = std::max(range.second, values[row]);
+    }
+    return range;
+}

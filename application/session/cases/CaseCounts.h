@@ -5,6 +5,7 @@
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 class Project;
@@ -40,3 +41,12 @@ SURROGATE_SESSION_EXPORT CaseCounts countCases(const Project& project,
 SURROGATE_SESSION_EXPORT std::vector<std::size_t>
 validCases(const Project& project, const std::vector<VarPtr>& inputs,
            const std::vector<VarPtr>& outputs, const std::vector<std::size_t>& excluded);
+
+/**
+ * The range over which an input is swept: as the user set it, else minimum and maximum over the
+ * valid cases, so that a case that was excluded or lacks a value does not widen it; over all values
+ * where no case is valid.
+ * @param cases as validCases() gives them.
+ */
+SURROGATE_SESSION_EXPORT std::pair<double, double>
+sweepRange(const Project& project, const VarPtr& input, const std::vector<std::size_t>& cases);

@@ -10,6 +10,21 @@
 
 #include <algorithm>
 
+namespace {
+/** "1,5" in a file with decimal commas is one value to its author and two to a distribution text.
+ */
+bool hasCommaBetweenDigits(const std::string& text)
+{
+    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
+    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+        if (text[i] == ',' && isDigit(text[i - 1]) && isDigit(text[i + 1])) {
+            return true;
+        }
+    }
+    return false;
+}
+} // namespace
+
 InputValues::InputValues(Workspace& workspace)
     : workspace(workspace), variables(namesOf(workspace.project().variables())),
       inputs(namesOf(workspace.inputs())), isTaken(inputs.size())
@@ -25,6 +40,11 @@ bool InputValues::isName(const std::string& text) const
 void InputValues::sweep(const std::string& assignment)
 {
     const auto [variable, text] = variables.assignment(assignment);
+    if (workspace.layout().hasDecimalComma && hasCommaBetweenDigits(text)) {
+        throw UsageError("The values \"" + text + "\" of \"" + variables.names()[variable] +
+                         "\" have a comma between digits, and commas separate values: write a "
+                         "decimal point, or a blank behind each comma.");
+    }
     workspace.sweep(take(variable), text);
 }
 

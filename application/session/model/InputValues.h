@@ -24,7 +24,9 @@ public:
     /** Whether a text is a name without a value, perhaps of no variable. */
     bool isName(const std::string& text) const;
 
-    /** @param assignment NAME=TEXT. @throw DistributionTextError */
+    /** @param assignment NAME=TEXT.
+     *  @throw DistributionTextError
+     *  @throw UsageError for a comma between digits where the case file has decimal commas. */
     void sweep(const std::string& assignment);
 
     void sweepEvenly(const std::string& name, std::size_t count);

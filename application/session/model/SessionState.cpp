@@ -59,7 +59,8 @@ SessionState::SessionState(CaseTable& table,
       manager(boost::make_shared<SurrogateModelManager>(
           boost::make_shared<ProjectDataPipelineManager>(project), factory)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),
-      interpolation(boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions))
+      interpolation(
+          boost::make_shared<SweepInterpolationVariables>(manager, *userDistributions, project))
 {
     // The manager keeps the factory: a shared pointer back would keep both forever.
     factory->setInputNames(

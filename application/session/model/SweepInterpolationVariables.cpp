@@ -1,11 +1,19 @@
 #include "session/model/SweepInterpolationVariables.h"
 
+#include "session/cases/CaseCounts.h"
+
+#include <mirel_datamanagement/Project.h>
+
+#include <surrogatemodel/SurrogateModelManagerInterface.h>
+
 #include <boost/make_shared.hpp>
 
 SweepInterpolationVariables::SweepInterpolationVariables(
     boost::shared_ptr<const SurrogateModelManagerInterface> manager,
-    const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions)
-    : InterpolationVariablesAbstract(std::move(manager), userDistributions)
+    const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions,
+    boost::shared_ptr<const Project> project)
+    : InterpolationVariablesAbstract(manager, userDistributions), manager(std::move(manager)),
+      project(std::move(project))
 {}
 
 SweepInterpolationVariables::~SweepInterpolationVariables() = default;
@@ -75,8 +83,16 @@ SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
         return nullptr;
     }
     const Sweep& sweep = found->second;
-    return boost::make_shared<DistributedPoints>(
-        sweep.range ? *sweep.range : variable.lock()->range(), sweep.count);
+    return boost::make_shared<DistributedPoints>(sweep.range ? *sweep.range : rangeOf(variable),
+                                                 sweep.count);
+}
+
+SweepInterpolationVariables::Range
+SweepInterpolationVariables::rangeOf(const VarPtr& variable) const
+{
+    return sweepRange(*project, variable,
+                      validCases(*project, manager->independentVars()->get(), chosenOutputs,
+                                 project->excludedRows()));
 }
 
 void SweepInterpolationVariables::choose(const VarPtr& variable, const Sweep& sweep)

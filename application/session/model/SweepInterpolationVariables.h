@@ -11,10 +11,13 @@
 #include <utility>
 #include <vector>
 
+class Project;
+
 /**
- * Interpolation variables by choice: some inputs are swept, evenly over their range or a given one,
- * all others stay at the manager's evaluation point; some outputs are wanted, in an order. A swept
- * input whose user distribution has mode UserDefined takes the values typed there instead.
+ * Interpolation variables by choice: some inputs are swept, evenly over their range in the valid
+ * cases (sweepRange()) or a given one, all others stay at the manager's evaluation point; some
+ * outputs are wanted, in an order. A swept input whose user distribution has mode UserDefined takes
+ * the values typed there instead.
  *
  * signalInterpolationVariablesChanged reports each choice that changes something, unless suspended.
  */
@@ -23,7 +26,7 @@ class SURROGATE_SESSION_EXPORT SweepInterpolationVariables : public Interpolatio
 public:
     using Range = std::pair<double, double>;
 
-    /** Even values of one variable: how many, and over which range if not the variable's own. */
+    /** Even values of one variable: how many, and over which range if not sweepRange(). */
     struct Sweep
     {
         std::size_t count = 0;
@@ -35,13 +38,15 @@ public:
         }
     };
 
-    /** Nothing is swept and nothing wanted at first; the arguments as for the base class. */
+    /** Nothing is swept and nothing wanted at first; the first arguments as for the base class.
+     *  @param project has the cases; shared from now on. */
     SweepInterpolationVariables(
         boost::shared_ptr<const SurrogateModelManagerInterface> manager,
-        const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions);
+        const veska::PropertyAbstract<SurrogateModelUserDistCollection>& userDistributions,
+        boost::shared_ptr<const Project> project);
     ~SweepInterpolationVariables() override;
 
-    /** Sweeps over the range that the variable has when values are asked for.
+    /** Sweeps over the range that the valid cases have when values are asked for.
      *  @param count of values; one alone is NaN, as DistributedPoints has it. */
     void sweep(const VarPtr& variable, std::size_t count);
 
@@ -74,6 +79,10 @@ private:
     void choose(const VarPtr& variable, const Sweep& sweep);
     void emitChanged() const;
 
+    Range rangeOf(const VarPtr& variable) const;
+
+    boost::shared_ptr<const SurrogateModelManagerInterface> manager;
+    boost::shared_ptr<const Project> project;
     std::map<VarPtr, Sweep> chosenSweeps;
     std::vector<VarPtr> chosenOutputs;
     bool isSuspended = false;

@@ -464,6 +464,16 @@ void Workspace::holdAtMedians(const std::vector<std::size_t>& inputs)
     impl->state.manager->evaluationPoint()->set(point);
 }
 
+std::vector<std::pair<double, double>> Workspace::sweepRanges() const
+{
+    const std::vector<std::size_t> cases = validCases();
+    std::vector<std::pair<double, double>> ranges;
+    for (const VarPtr& input : impl->inputs) {
+        ranges.push_back(sweepRange(project(), input, cases));
+    }
+    return ranges;
+}
+
 std::vector<double> Workspace::heldValues() const
 {
     const Collection point = impl->state.manager->evaluationPoint()->get();

@@ -154,7 +154,7 @@ public:
     /** Sweeps an input over the values of a distribution text. @throw DistributionTextError */
     void sweep(std::size_t input, const std::string& text);
 
-    /** Sweeps an input evenly over its range.
+    /** Sweeps an input evenly over its range in the valid cases.
      *  @param count from 2 to ProjectDocument::maxSweptValues, else UsageError. */
     void sweepEvenly(std::size_t input, std::size_t count);
 
@@ -165,6 +165,9 @@ public:
     /** Moves the evaluation point to the medians of the valid cases for inputs that nothing was
      * said about; without valid cases it stays. A document keeps them with mode Auto. */
     void holdAtMedians(const std::vector<std::size_t>& inputs);
+
+    /** The range of each input over which it is swept: see sweepRange(). */
+    std::vector<std::pair<double, double>> sweepRanges() const;
 
     /** Where each input stays unless it is swept, in its units. */
     std::vector<double> heldValues() const;

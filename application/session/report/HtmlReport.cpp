@@ -96,10 +96,11 @@ std::string inputTable(const Workspace& workspace)
     table.title = "Inputs";
     table.heading = {"Name", "Symbol", "Minimum", "Maximum", "Held at"};
     const std::vector<double> held = workspace.heldValues();
+    const auto ranges = workspace.sweepRanges();
     for (const VarPtr& input : workspace.inputs()) {
         const auto variable = input.lock();
-        const auto [minimum, maximum] = variable->range();
         const std::size_t position = table.rows.size();
+        const auto [minimum, maximum] = ranges[position];
         table.rows.push_back({workspace.labelOf(variable->name()),
                               'V' + std::to_string(position + 1), shownNumber(minimum),
                               shownNumber(maximum), shownNumber(held[position])});

@@ -66,6 +66,16 @@ TEST_F(CaseCountsTest, WithoutVariablesEveryCaseIsValid)
     EXPECT_EQ(countCases(project, {}, {}, {}).valid, 6u);
 }
 
+TEST_F(CaseCountsTest, InputsAreSweptOverTheirRangeInTheValidCases)
+{
+    using Range = std::pair<double, double>;
+
+    EXPECT_EQ(sweepRange(project, x1, {2, 3}), Range(3.0, 4.0));
+    EXPECT_EQ(sweepRange(project, x1, {}), Range(1.0, 6.0));
+    project.setRange(x1, {-1.0, 10.0});
+    EXPECT_EQ(sweepRange(project, x1, {2, 3}), Range(-1.0, 10.0)) << "as the user chose";
+}
+
 TEST_F(CaseCountsTest, ValidCasesAreThoseWithoutAnyLack)
 {
     EXPECT_EQ(validCases(project, {x1, x2}, {y1, y2}, {}), (Numbers{0, 4}));

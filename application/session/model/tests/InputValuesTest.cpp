@@ -1,5 +1,6 @@
 #include <session/model/InputValues.h>
 
+#include "CvdCases.h"
 #include "CvdSession.h"
 #include "MessageOf.h"
 
@@ -91,4 +92,18 @@ TEST_F(InputValuesTest, RefuseWhatIsNoCount)
 {
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=1"); }),
               "The count of \"Pressure\" needs a whole number from 2 to 100000000, not \"1\".");
+}
+
+TEST(InputValues, RefuseADecimalCommaInSweptValues)
+{
+    CaseTable table = cvdCases();
+    table.layout.hasDecimalComma = true;
+    CaseSession session(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    InputValues values(session);
+
+    EXPECT_EQ(messageOf<UsageError>([&] { values.sweep("Pressure=10,5"); }),
+              "The values \"10,5\" of \"Pressure\" have a comma between digits, and commas "
+              "separate values: write a decimal point, or a blank behind each comma.");
+    values.sweep("H2/WF6=3, 5");
+    EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{1}));
 }

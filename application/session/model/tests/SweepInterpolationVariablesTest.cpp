@@ -24,14 +24,16 @@ class SweepInterpolationVariablesTest : public ::testing::Test
 protected:
     SweepInterpolationVariablesTest()
     {
-        a = project->addNumericVariable("a", Variable::Independent, {0.0, 10.0});
-        b = project->addNumericVariable("b", Variable::Independent, {5.0, 7.0});
-        y = project->addNumericVariable("y", Variable::Dependent, {1.0, 2.0});
+        // The last case lacks the output.
+        a = project->addNumericVariable("a", Variable::Independent, {0.0, 10.0, 90.0});
+        b = project->addNumericVariable("b", Variable::Independent, {5.0, 7.0, 6.0});
+        y = project->addNumericVariable("y", Variable::Dependent, {1.0, 2.0, std::nan("")});
         Project::setProject(project);
         manager = boost::make_shared<SurrogateModelManager>(
             boost::make_shared<ProjectDataPipelineManager>(project));
         manager->independentVars()->set({a, b});
-        variables = boost::make_shared<SweepInterpolationVariables>(manager, userDistributions);
+        variables =
+            boost::make_shared<SweepInterpolationVariables>(manager, userDistributions, project);
         variables->connectSignalInterpolationVariablesChanged([this] { ++signals; });
     }
 
@@ -69,8 +71,9 @@ TEST_F(SweepInterpolationVariablesTest, NothingIsSweptOrWantedAtFirst)
     EXPECT_TRUE(variables->dependentVariables().empty());
 }
 
-TEST_F(SweepInterpolationVariablesTest, SweepsOverTheRangeOfTheVariable)
+TEST_F(SweepInterpolationVariablesTest, SweepsOverTheRangeOfTheValidCases)
 {
+    variables->setOutputs({y});
     variables->sweep(a, 3);
 
     EXPECT_TRUE(variables->isVariableEmployed(a));
