@@ -26,6 +26,9 @@ using Columns = std::vector<std::vector<double>>;
 /** Of the progress of one fold: response surfaces take little of its time. */
 constexpr double shareOfResponseSurface = 0.05;
 
+/** Of the progress of one fit: the calibration of its intervals takes about as long. */
+constexpr double shareOfFit = 0.5;
+
 std::vector<double> picked(const std::vector<double>& values,
                            const std::vector<std::size_t>& positions)
 {
@@ -130,7 +133,7 @@ std::vector<double> predicted(const SurrogateModelInterface& model, Columns& poi
     std::vector<double> values(count);
     for (std::size_t first = 0; first < count; first += blockSize) {
         if (first > 0) {
-            FitProgress::report(1.0, message);
+            FitProgress::report(0.0, message);
         }
         std::vector<double*> inputs = pointersTo(points);
         for (double*& column : inputs) {
@@ -257,8 +260,13 @@ private:
         const auto model =
             workspace.modelFactory().makeModel(type, pointersTo(split.trainingInputs),
                                                {output.data()}, static_cast<int>(output.size()));
-        model->activateDependentVariables({0});
+        {
+            const FitProgress::Portion fitting(0.0, shareOfFit);
+            model->activateDependentVariables({0});
+        }
         const double seconds = watch.seconds();
+        // The intervals are calibrated when they are asked for, by refits that report too.
+        const FitProgress::Portion calibrating(shareOfFit, 1.0);
 
         const std::vector<double> values =
             predicted(*model, split.testInputs, split.testCases.size(), message);
