@@ -17,14 +17,18 @@ std::string lowerCase(std::string text)
 
 std::size_t editDistance(const std::string& left, const std::string& right)
 {
-    std::vector<std::size_t> row(right.size() + 1);
+    // Three rows: an exchange of neighbours looks back to the row before the last one.
+    std::vector<std::size_t> beforeLast, last, row(right.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));
     for (std::size_t i = 1; i <= left.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i);
+        beforeLast = std::exchange(last, row);
+        row[0] = i;
         for (std::size_t j = 1; j <= right.size(); ++j) {
-            const std::size_t replaced = diagonal + (left[i - 1] == right[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+            const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+            row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
+            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1]) {
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
         }
     }
     return row.back();

@@ -10,9 +10,9 @@
 /**
  * Position of the text that a user most likely means: the shortest one that begins with `wanted`,
  * else one that differs in the case of ASCII letters only or begins so, else the one with the
- * fewest single characters to insert, delete or replace, case ignored, if these are at most a third
- * of `wanted`. The first of several; none if there is no such text. Wagner, Fischer: The
- * String-to-String Correction Problem, J. ACM 21 (1974).
+ * fewest characters to insert, delete or replace and neighbours to exchange, case ignored, if these
+ * are at most a third of `wanted`. The first of several; none if there is no such text. Damerau: A
+ * Technique for Computer Detection and Correction of Spelling Errors, Commun. ACM 7 (1964).
  */
 SURROGATE_SESSION_EXPORT std::optional<std::size_t>
 nearestText(const std::string& wanted, const std::vector<std::string>& known);

@@ -46,7 +46,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Example{"presure", {"Stress", "Pressure"}, "Pressure"},
                       Example{"Stress 1", {"Mass", "Stress_1", "Stress_2"}, "Stress_1"},
                       Example{"sitting", {"kitten", "knitting"}, "knitting"},
-                      Example{"v4x", {"v43", "v44"}, "v43"}));
+                      Example{"v4x", {"v43", "v44"}, "v43"},
+                      Example{"Yeild", {"Charge", "Yield"}, "Yield"},
+                      Example{"Temeprature", {"Pressure", "Temperature"}, "Temperature"}));
 INSTANTIATE_TEST_SUITE_P(IsNoneFor, NearestText,
                          ::testing::Values(Example{"b", {"a", "c"}, ""}, Example{"xy", {"xz"}, ""},
                                            Example{"", {"a"}, ""},
