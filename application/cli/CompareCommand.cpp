@@ -5,7 +5,7 @@
 #include "OpenSession.h"
 #include "TerminalProgress.h"
 
-#include <session/model/ModelComparison.h>
+#include <session/comparison/ModelComparison.h>
 #include <session/report/ComparisonReport.h>
 #include <session/text/SessionErrors.h>
 

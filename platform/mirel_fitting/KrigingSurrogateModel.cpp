@@ -8,9 +8,9 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
 #include <mirel_fitting/kriging/fit/KrigingIntervals.h>
-#include <mirel_fitting/kriging/fit/KrigingTexts.h>
 #include <mirel_fitting/kriging/grid/KrigingGrid.h>
 #include <mirel_fitting/kriging/prediction/KrigingSupport.h>
+#include <mirel_fitting/kriging/report/KrigingTexts.h>
 #include <mirel_fitting/numerics/Distributions.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "session/report/ComparisonReport.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/ModelComparison.h"
+#include "session/comparison/ModelComparison.h"
 #include "session/model/PolynomialWords.h"
 #include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"

@@ -3,7 +3,7 @@
 #include "KrigingTestSupport.h"
 
 #include <mirel_fitting/kriging/fit/KrigingFitter.h>
-#include <mirel_fitting/kriging/fit/KrigingTexts.h>
+#include <mirel_fitting/kriging/report/KrigingTexts.h>
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "CvdSession.h"
 
-#include <session/model/ModelComparison.h>
+#include <session/comparison/ModelComparison.h>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -2,7 +2,7 @@
 
 #include <mirel_fitting/cases/ContradictingCases.h>
 #include <mirel_fitting/cases/MergedOutput.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <mirel_fitting/cases/KrigingData.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
+#include <mirel_fitting/kriging/report/KrigingFit.h>
 
 #include <cstddef>
 #include <memory>

@@ -1,7 +1,7 @@
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
 

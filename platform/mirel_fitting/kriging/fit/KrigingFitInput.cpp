@@ -1,6 +1,6 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <algorithm>
 #include <cstddef>

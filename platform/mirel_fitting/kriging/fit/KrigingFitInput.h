@@ -2,11 +2,11 @@
 
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/cases/KrigingData.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
-#include <mirel_fitting/kriging/fit/KrigingFitReport.h>
-#include <mirel_fitting/kriging/fit/OutputScale.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 #include <mirel_fitting/kriging/prediction/FittedKriging.h>
+#include <mirel_fitting/kriging/report/KrigingFit.h>
+#include <mirel_fitting/kriging/report/KrigingFitReport.h>
+#include <mirel_fitting/kriging/report/OutputScale.h>
 #include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
 
 #include <cstddef>

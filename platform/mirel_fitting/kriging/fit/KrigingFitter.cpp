@@ -5,10 +5,10 @@
 #include <mirel_fitting/kriging/fit/ExactKriging.h>
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
-#include <mirel_fitting/kriging/fit/KrigingTexts.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
 #include <mirel_fitting/kriging/fit/LargeKrigingFit.h>
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
+#include <mirel_fitting/kriging/report/KrigingTexts.h>
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <algorithm>
 #include <cmath>

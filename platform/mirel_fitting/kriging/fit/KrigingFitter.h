@@ -1,7 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/cases/KrigingCases.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/report/KrigingFit.h>
 
 #include <vector>
 

@@ -4,9 +4,9 @@
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 #include <mirel_fitting/kriging/fit/KrigingEstimate.h>
-#include <mirel_fitting/kriging/fit/KrigingWarnings.h>
-#include <mirel_fitting/kriging/fit/LargeKriging.h>
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
+#include <mirel_fitting/kriging/large/LargeKriging.h>
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <mirel_fitting/kriging/fit/DistinctCases.h>
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
+#include <mirel_fitting/kriging/report/KrigingFit.h>
 
 #include <memory>
 #include <vector>

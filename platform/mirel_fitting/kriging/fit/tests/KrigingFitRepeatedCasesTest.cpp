@@ -1,4 +1,4 @@
-#include <mirel_fitting/kriging/fit/KrigingFit.h>
+#include <mirel_fitting/kriging/report/KrigingFit.h>
 
 #include "KrigingFitTestSupport.h"
 

@@ -1,0 +1,186 @@
+#include <mirel_fitting/kriging/large/LargeKriging.h>
+
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/cases/SpaceFillingSubset.h>
+#include <mirel_fitting/kriging/large/NeighbourLayer.h>
+#include <mirel_fitting/kriging/report/KrigingTexts.h>
+#include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+using Result = LargeKriging::Result;
+
+double rootMeanSquare(const std::vector<double>& values)
+{
+    const double squares = std::inner_product(values.begin(), values.end(), values.begin(), 0.0);
+    return std::sqrt(squares / static_cast<double>(std::max<std::size_t>(values.size(), 1)));
+}
+
+template <class Value>
+std::vector<Value> at(const std::vector<std::size_t>& indices, const std::vector<Value>& values)
+{
+    std::vector<Value> picked;
+    for (const std::size_t index : indices) {
+        picked.push_back(values[index]);
+    }
+    return picked;
+}
+
+std::vector<std::size_t> casesOutside(const std::vector<std::size_t>& subset, std::size_t cases)
+{
+    std::vector<std::size_t> all(cases);
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    std::vector<std::size_t> outside;
+    std::set_difference(all.begin(), all.end(), subset.begin(), subset.end(),
+                        std::back_inserter(outside));
+    return outside;
+}
+
+std::vector<std::size_t> randomCasesOutside(const std::vector<std::size_t>& subset,
+                                            std::size_t cases, std::size_t count)
+{
+    return at(randomSubset(cases - subset.size(), count), casesOutside(subset, cases));
+}
+
+/** The exact model of the subset, with the nugget of the fewer cases of the search or the least
+ *  one, whichever predicts the measured cases better. */
+void fitSubset(Result& result, SubsetKriging& kriging, const KrigingSearch::Settings& settings,
+               bool interpolate)
+{
+    const auto n = static_cast<double>(result.subsetSize);
+    const FitProgress::Portion portion(0.25, 0.5, "Fitting a subset of the cases", n * n * n / 3.0);
+    const double soundNugget = settings.policy.soundNugget;
+    const double estimated = result.found.parameters.nugget;
+    const auto errorOf = [&](const SubsetKriging::Model& model) {
+        return rootMeanSquare(at(result.measured, kriging.residuals(model)));
+    };
+
+    result.subset = kriging.fit(estimated, soundNugget, interpolate);
+    result.subsetError = errorOf(result.subset);
+    if (const auto least = KrigingSubsetSearch::nuggetToTry(settings, estimated)) {
+        SubsetKriging::Model other = kriging.fit(*least, soundNugget, interpolate);
+        const double error = errorOf(other);
+        if (error < result.subsetError) {
+            result.subset = std::move(other);
+            result.subsetError = error;
+        }
+    }
+    result.found.parameters.nugget = result.subset.nugget;
+    result.found.isNuggetRaised = result.found.isNuggetRaised || result.subset.isNuggetRaised;
+}
+
+void use(Result& result, const NeighbourLayer& layer)
+{
+    result.neighbours = layer.kriging();
+    result.neighbourVariance = layer.variance();
+    result.leaveOneOutResiduals = layer.leaveOneOutResiduals();
+    result.leaveOneOutVariances = layer.leaveOneOutVariances();
+    result.residuals = layer.residualsAtCases();
+    result.error = layer.error();
+}
+
+/**
+ * The uncertainty of the subset's process. Its variance is estimated so that the leave-one-out
+ * variances by nearest neighbours with its parameters match the leave-one-out errors. As for
+ * standard errors, the larger of the variances of the two layers counts.
+ */
+void addUncertaintyOfSubset(Result& result, const NeighbourLayer& layer)
+{
+    const std::vector<double> variances = layer.leaveOneOutVariances(
+        {result.found.parameters.lengths, result.found.parameters.nugget});
+    const double squares =
+        result.error * result.error * static_cast<double>(result.measured.size());
+    result.correctedVariance = squares / std::accumulate(variances.begin(), variances.end(), 0.0);
+    const double ratio =
+        result.neighbourVariance > 0.0 ? result.correctedVariance / result.neighbourVariance : 0.0;
+    for (std::size_t i = 0; i < variances.size(); ++i) {
+        result.leaveOneOutVariances[i] =
+            std::max(result.leaveOneOutVariances[i], variances[i] * ratio);
+    }
+}
+
+/**
+ * Of the subset's model with its residuals corrected, the trend with its residuals corrected, and
+ * the subset's model alone, the one with the smallest errors at the measured cases.
+ * @param residuals of the subset's model, at all cases.
+ */
+void chooseLayers(Result& result, const NeighbourLayer& ofModel, const NeighbourLayer& ofTrend,
+                  const std::vector<double>& residuals)
+{
+    if (ofModel.error() < result.subsetError && ofModel.error() <= ofTrend.error()) {
+        use(result, ofModel);
+        addUncertaintyOfSubset(result, ofModel);
+    } else if (ofTrend.error() < result.subsetError) {
+        use(result, ofTrend);
+        result.subset.weights.clear();
+    } else {
+        result.leaveOneOutResiduals = at(result.measured, residuals);
+        result.residuals = result.leaveOneOutResiduals;
+        result.error = result.subsetError;
+    }
+}
+
+} // namespace
+
+LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>& data,
+                                       const Subset& subset,
+                                       const KrigingSearch::Settings& settings, bool interpolate,
+                                       const KrigingSizes& sizes)
+{
+    Result result;
+    result.subsetSize = subset.indices.size();
+    {
+        const FitProgress::Portion portion(0.0, 0.25);
+        result.found = KrigingSubsetSearch::ofSubset(*subset.data, subset.trend->order(), settings,
+                                                     sizes.searched);
+    }
+    result.measured = randomCasesOutside(subset.indices, data->cases, sizes.measured);
+
+    std::vector<double> residuals;
+    std::vector<double> trendResiduals;
+    {
+        SubsetKriging kriging(*data, subset, result.found.parameters.lengths);
+        fitSubset(result, kriging, settings, interpolate);
+        const FitProgress::Portion portion(0.5, 0.5, "Fitting a subset of the cases");
+        residuals = kriging.residuals(result.subset);
+        trendResiduals = kriging.trendResiduals(result.subset);
+    }
+
+    const NearestNeighbourKriging::Parameters start = {result.found.parameters.lengths,
+                                                       result.found.parameters.nugget};
+    const auto layerOf = [&](const std::vector<double>& values, double from, double to) {
+        const FitProgress::Portion portion(from, to);
+        return NeighbourLayer(*data, values, result.measured, start, settings.smallestNugget,
+                              {sizes.neighbours, sizes.estimated});
+    };
+    const NeighbourLayer ofModel = layerOf(residuals, 0.5, 0.75);
+    const NeighbourLayer ofTrend = layerOf(trendResiduals, 0.75, 0.95);
+
+    const FitProgress::Portion portion(0.95, 1.0, "Leaving out cases",
+                                       2.0 * static_cast<double>(result.measured.size()));
+    chooseLayers(result, ofModel, ofTrend, residuals);
+    return result;
+}
+
+std::string LargeKriging::Result::description(double scale) const
+{
+    const std::string ofSubset = std::to_string(subsetSize) + " cases";
+    const std::string spread = "the model is that of " + ofSubset + " spread over all of them, ";
+    if (!neighbours) {
+        return spread + "which the nearest cases of each point could not improve.";
+    }
+    const std::string nearest = "Kriging from the " + std::to_string(neighbours->neighbours()) +
+                                " nearest cases of each point";
+    const bool isLocal = subset.weights.empty();
+    return (isLocal ? "the model is " : spread + "corrected by ") + nearest +
+           "; left-out cases are predicted with an error of " +
+           KrigingTexts::figure(scale * error) + " instead of " +
+           KrigingTexts::figure(scale * subsetError) +
+           (isLocal ? " by a model of " + ofSubset : " without") + ".";
+}

@@ -1,0 +1,79 @@
+#include <mirel_fitting/kriging/large/SubsetKriging.h>
+
+#include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
+#include <mirel_fitting/machine/OrderedChunks.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+SubsetKriging::SubsetKriging(const KrigingData& all, const Subset& subset,
+                             std::vector<double> lengths)
+    : all(all), subset(subset), lengths(std::move(lengths)), likelihood(subset.data)
+{}
+
+SubsetKriging::Model SubsetKriging::fit(double nugget, double soundNugget, bool interpolate)
+{
+    Model model;
+    model.nugget = nugget;
+    while (!std::isfinite(likelihood.evaluate(lengths, model.nugget))) {
+        if (model.nugget > NuggetBounds::maxRaised) {
+            throw SurrogateModelInterface::Error(
+                "The correlation matrix of the cases cannot be factorised.");
+        }
+        model.nugget *= NuggetBounds::raise;
+        model.isNuggetRaised = true;
+    }
+    model.interpolates = interpolate && !model.isNuggetRaised && model.nugget <= soundNugget;
+    if (model.interpolates) {
+        likelihood.equations().refineWithoutNugget();
+    }
+    model.processVariance = likelihood.processVariance();
+    model.condition = likelihood.equations().conditionEstimate();
+    model.coefficients = likelihood.equations().coefficients();
+    model.weights = likelihood.equations().weights();
+    return model;
+}
+
+std::vector<double> SubsetKriging::residuals(const Model& model) const
+{
+    return residuals(model, true);
+}
+
+std::vector<double> SubsetKriging::trendResiduals(const Model& model) const
+{
+    return residuals(model, false);
+}
+
+std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) const
+{
+    constexpr std::size_t casesPerChunk = 1024;
+
+    MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
+                                  subset.data->coordinates.data());
+    correlation.setLengths(lengths);
+    std::vector<double> predictions(all.cases, 0.0);
+    const OrderedChunks::Work predict = [&](std::size_t chunk) {
+        const std::size_t first = chunk * casesPerChunk;
+        const std::size_t count = std::min(casesPerChunk, all.cases - first);
+        std::vector<const double*> points;
+        for (std::size_t k = 0; k < all.inputs; ++k) {
+            points.push_back(all.coordinates.data() + k * all.cases + first);
+        }
+        subset.trend->add(points, count, model.coefficients, predictions.data() + first);
+        if (isWhole) {
+            correlation.addWeightedSums(points, count, model.weights.data(),
+                                        predictions.data() + first);
+        }
+    };
+    OrderedChunks::runEach((all.cases + casesPerChunk - 1) / casesPerChunk, threadCount(),
+                           [&] { return predict; });
+
+    std::vector<double> result(all.cases);
+    std::transform(all.output.begin(), all.output.end(), predictions.begin(), result.begin(),
+                   [](double output, double prediction) { return output - prediction; });
+    return result;
+}

@@ -1,0 +1,103 @@
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
+
+#include <mirel_fitting/cases/ContradictingCases.h>
+#include <mirel_fitting/numerics/NumberText.h>
+
+namespace {
+
+std::string figure(double value)
+{
+    constexpr int digits = 8;
+    return NumberText::rounded(value, digits);
+}
+
+std::string orderLowered(int from, int to)
+{
+    return "The order of the trend was lowered from " + std::to_string(from) + " to " +
+           std::to_string(to) + ": ";
+}
+
+} // namespace
+
+std::string KrigingWarnings::ofConstantInputs(const std::vector<std::size_t>& inputs,
+                                              const InputNames& names)
+{
+    return names.list(inputs) + (inputs.size() == 1 ? " is constant over the cases and was ignored."
+                                                    : " are constant over the cases and were "
+                                                      "ignored.");
+}
+
+std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
+{
+    return NumberText::counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
+           " another case exactly and " + (copies == 1 ? "was" : "were") +
+           (areMerged ? " merged with it."
+                      : " counted as measured again, since other cases with the same inputs have "
+                        "different outputs.");
+}
+
+std::string KrigingWarnings::ofNearCases(std::size_t places)
+{
+    return "At " + NumberText::counted(places, "place") +
+           " cases lie next to each other (less than " + figure(ContradictingCases::nearness()) +
+           " of the range of every input apart) but have different outputs: the model smooths "
+           "them.";
+}
+
+std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
+{
+    return "At " + NumberText::counted(points, "point") +
+           " several cases have the same inputs but different outputs: the model " +
+           (interpolates ? "passes through their mean." : "smooths them.");
+}
+
+std::string KrigingWarnings::ofSmoothOutput(int from, std::size_t cases)
+{
+    return orderLowered(from, 0) + "the cases show no noise, and from " +
+           NumberText::counted(cases, "distinct case") +
+           " a constant trend predicts a smooth output better.";
+}
+
+std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
+{
+    return orderLowered(from, to) + NumberText::counted(cases, "distinct case") +
+           (cases == 1 ? " is" : " are") + " too few for more.";
+}
+
+std::string KrigingWarnings::ofDroppedTerms(const std::vector<QuadraticBasis::Term>& terms,
+                                            const InputNames& names)
+{
+    std::vector<std::string> list;
+    for (const QuadraticBasis::Term& term : terms) {
+        list.push_back(QuadraticBasis::name(term, names));
+    }
+    return "Terms of the trend that the cases cannot separate were dropped: " +
+           InputNames::listed(list) + ".";
+}
+
+std::string KrigingWarnings::ofRaisedNugget(double nugget)
+{
+    return "The nugget was raised to " + NumberText::shortest(nugget) +
+           ": with less the correlation matrix cannot be factorised.";
+}
+
+std::string KrigingWarnings::ofSingleCases()
+{
+    return "The correlation lengths are below the spacing of the cases: the model follows single "
+           "cases and says little of what lies between them.";
+}
+
+std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, bool isRefined)
+{
+    return "There are more than " + std::to_string(max) +
+           " distinct cases: the model is the exact one of all of them, with the correlation "
+           "lengths of " +
+           NumberText::counted(searched, "case") + " spread over all" +
+           (isRefined ? ", refined with all." : ".");
+}
+
+std::string KrigingWarnings::ofSample(std::size_t cases)
+{
+    return "The figures of errors are those of a random sample of " +
+           NumberText::counted(cases, "distinct case") + ".";
+}

@@ -1,0 +1,56 @@
+#include <mirel_fitting/kriging/report/RawTrend.h>
+
+#include "KrigingTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+/** The trend 10 + 2 (a + b t), t from -1 to 1 over the cases of the input that varies, V2. */
+struct Linear
+{
+    explicit Linear(double first)
+        : inputs{{3.0, 3.0, 3.0}, {first, first + 1.0, first + 2.0}}, cases(pointersTo(inputs), 3),
+          trend(3, 1, cases.coordinates(), 1, 0), raw(cases, {10.0, 2.0}, trend, coefficients)
+    {}
+
+    Columns inputs;
+    KrigingCases cases;
+    KrigingTrend trend;
+    std::vector<double> coefficients = {0.5, 3.0};
+    RawTrend raw;
+};
+
+} // namespace
+
+TEST(RawTrend, HasTheUnitsOfInputsAndOutput)
+{
+    const Linear linear(0.0);
+
+    const std::vector<KrigingTrend::RawTerm> terms = linear.raw.terms(); // t = V2 - 1
+
+    ASSERT_EQ(terms.size(), 2u);
+    EXPECT_EQ(terms[0].name, "1");
+    EXPECT_DOUBLE_EQ(terms[0].coefficient, 10.0 + 2.0 * (0.5 - 3.0));
+    EXPECT_EQ(terms[1].name, "V2");
+    EXPECT_DOUBLE_EQ(terms[1].coefficient, 6.0);
+}
+
+TEST(RawTrend, IsWrittenInTheInputs)
+{
+    const std::string text = Linear(0.0).raw.text(12.0);
+
+    EXPECT_NE(text.find("V2"), std::string::npos) << text;
+    EXPECT_EQ(text.find("V2 -"), std::string::npos) << text;
+    EXPECT_EQ(text.find("V1"), std::string::npos) << text;
+}
+
+TEST(RawTrend, IsWrittenAboutTheCentreWhereCancellationWouldCostDigits)
+{
+    const std::string text = Linear(1e9).raw.text(12.0);
+
+    EXPECT_NE(text.find("(V2 - 1000000001)"), std::string::npos) << text;
+}
