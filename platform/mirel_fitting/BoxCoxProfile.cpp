@@ -14,7 +14,7 @@ constexpr int steps = 80;              // of a grid of powers
 constexpr std::size_t outputsAtOnce = 9; // held in memory, and fitted by one factorisation
 constexpr int maxRefinements = 3;
 /** An interval of fewer steps needs a finer grid. */
-constexpr double fewestSteps = 8.0;
+constexpr double minSteps = 8.0;
 
 struct Grid
 {
@@ -140,10 +140,10 @@ BoxCoxProfile BoxCoxProfile::of(const std::vector<double>& output, const Likelih
     for (int refinement = 0; refinement <= maxRefinements; ++refinement) {
         const Grid grid = likelihoodsOver(from, to, logarithms, mean, likelihood);
         find(grid, profile);
-        if (profile.upper - profile.lower >= fewestSteps * grid.step) {
+        if (profile.upper - profile.lower >= minSteps * grid.step) {
             break;
         }
-        const double width = fewestSteps * grid.step;
+        const double width = minSteps * grid.step;
         from = std::max(profile.power - width, -largestPower);
         to = std::min(profile.power + width, largestPower);
     }

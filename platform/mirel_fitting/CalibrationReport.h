@@ -22,18 +22,18 @@ struct MIREL_FITTING_EXPORT CalibrationReport
     double factor = 1.0;
     std::size_t cases = 0; ///< that were left out and predicted
 
-    struct Share
+    struct Coverage
     {
         double level; ///< of the interval, such as 0.95
-        double held;  ///< the fraction of the cases inside of it
+        double share; ///< the fraction of the cases inside of it
     };
     /** Of 50, 80, 95, 99 % intervals by Student's t; calibrated ones hold their level by design. */
-    std::vector<Share> shares;
+    std::vector<Coverage> coverage;
 
     /**
      * @param magnitudes one per left-out case: |residual / its standard error|.
      * @param quantile   of a level: half the width of its interval in standard errors.
      */
-    void addShares(const std::vector<double>& magnitudes,
-                   const std::function<double(double)>& quantile);
+    void addCoverage(const std::vector<double>& magnitudes,
+                     const std::function<double(double)>& quantile);
 };

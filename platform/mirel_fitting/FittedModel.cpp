@@ -19,7 +19,7 @@ CalibrationReport FittedModel::calibrationReport(int offset) const
         }
     }
     CalibrationReport report;
-    report.addShares(magnitudes, [&](double level) { return intervalQuantile(offset, level); });
+    report.addCoverage(magnitudes, [&](double level) { return intervalQuantile(offset, level); });
     return report;
 }
 

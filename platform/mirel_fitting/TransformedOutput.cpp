@@ -35,7 +35,7 @@ constexpr double leastRatio = 1.5;
  * them (KrigingSizes::maxSearched), and the logarithm of 100 000 cases of borehole takes twice the
  * time.
  */
-constexpr std::size_t mostCases = 5000;
+constexpr std::size_t maxCases = 5000;
 
 /** Three fits to so many cost some 5 % of one fit to 1000. Twice as many choose no better. */
 constexpr std::size_t comparedPoints = 100;
@@ -218,7 +218,7 @@ private:
         const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
         return *smallest > 0.0 && choice != OutputTransform::None &&
                (choice || method == Method::BoxCox ||
-                (*largest > leastRatio * *smallest && rowCount <= mostCases));
+                (*largest > leastRatio * *smallest && rowCount <= maxCases));
     }
 
     std::vector<OutputTransform> wantedTransforms() const

@@ -149,8 +149,8 @@ Json calibrationJson(const CalibrationReport& calibration)
 {
     const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;
     Json held = Json::object();
-    for (const CalibrationReport::Share& share : calibration.shares) {
-        held[percentText(share.level)] = share.held;
+    for (const CalibrationReport::Coverage& one : calibration.coverage) {
+        held[percentText(one.level)] = one.share;
     }
     return {{"basis", basisName(calibration.basis)},
             {"factor", calibration.factor},
@@ -228,9 +228,9 @@ Figures calibrationFigures(const CalibrationReport& calibration)
     Figures figures = {{"95 % intervals", widthText(calibration)}};
     std::vector<std::string> levels;
     std::vector<std::string> held;
-    for (const CalibrationReport::Share& share : calibration.shares) {
-        levels.push_back(percentText(share.level));
-        held.push_back(percentText(share.held));
+    for (const CalibrationReport::Coverage& one : calibration.coverage) {
+        levels.push_back(percentText(one.level));
+        held.push_back(percentText(one.share));
     }
     if (!levels.empty()) {
         const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;

@@ -21,7 +21,7 @@ IntervalCalibration::IntervalCalibration(double degreesOfFreedom,
         std::find_if(magnitudes.begin(), magnitudes.end(),
                      [](double magnitude) { return std::isinf(magnitude); }) -
         magnitudes.begin());
-    if (finite < fewestCases) {
+    if (finite < minCases) {
         widening = basis == Basis::Refits ? wideningByChance() : 1.0;
         this->basis = widening > 1.0 ? basis : Basis::Distribution;
     }
@@ -33,7 +33,7 @@ double IntervalCalibration::wideningByChance() const
     constexpr double chance = 0.05;
 
     const std::size_t count = magnitudes.size();
-    if (finite < fewestRefits) {
+    if (finite < minRefits) {
         return 1.0;
     }
     const boost::math::binomial outside(static_cast<double>(count), 1.0 - level);
@@ -50,17 +50,17 @@ double IntervalCalibration::quantile(double level) const
 {
     // With fewer magnitudes beyond it, a quantile is mostly chance. With at least five the 99 %
     // intervals of a few hundred cases with heavy tails hold 1 % fewer cases.
-    constexpr std::size_t fewestBeyond = 3;
+    constexpr std::size_t minBeyond = 3;
 
     const double student = studentQuantile(level);
-    if (finite < fewestCases) {
+    if (finite < minCases) {
         return student * widening;
     }
     if (basis == Basis::Distribution) {
         return student;
     }
     const std::size_t infinite = magnitudes.size() - finite;
-    const std::size_t beyond = std::max(fewestBeyond, infinite + 1);
+    const std::size_t beyond = std::max(minBeyond, infinite + 1);
     const double lastLevel =
         1.0 - static_cast<double>(beyond) / (static_cast<double>(magnitudes.size()) + 1.0);
     if (level <= lastLevel) {
@@ -90,6 +90,7 @@ CalibrationReport IntervalCalibration::report() const
     CalibrationReport report;
     report.basis = basis;
     report.factor = quantile(level) / studentQuantile(level);
-    report.addShares(magnitudes, [this](double ofInterval) { return studentQuantile(ofInterval); });
+    report.addCoverage(magnitudes,
+                       [this](double ofInterval) { return studentQuantile(ofInterval); });
     return report;
 }

@@ -22,15 +22,15 @@ public:
     /** With fewer left-out cases the quantile of 80 % would lie among the eight largest: Student's
      *  t is used; after refits times the least factor with which 95 % intervals leave out no more
      *  cases than chance does with a probability above 5 %. */
-    static constexpr std::size_t fewestCases = 40;
+    static constexpr std::size_t minCases = 40;
 
     /** Of a factorial of nine runs, refits predict each corner from far away. */
-    static constexpr std::size_t fewestRefits = 10;
+    static constexpr std::size_t minRefits = 10;
 
     /** Replicates are left out together by refits. At fewer different points than this, each is
      * predicted from far away by what is left: with eight concentrations of an assay (R's DNase)
      * the 95 % intervals of a response surface would become 7.6 times as wide. Student's t then. */
-    static constexpr std::size_t fewestPoints = 15;
+    static constexpr std::size_t minPoints = 15;
 
     /**
      * @param degreesOfFreedom positive.

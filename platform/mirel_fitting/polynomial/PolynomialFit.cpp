@@ -157,14 +157,14 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
 bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& progress)
 {
     // Fewer cases take milliseconds in either way, and the rotations keep all digits.
-    constexpr std::size_t fewestCases = 4096;
+    constexpr std::size_t minCases = 4096;
     // A residual that changes by less, relatively, shows the same digits.
     constexpr double negligible = 1e-10;
 
     const bool hasConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& s) {
         return s.isConstantUpToRounding();
     });
-    if (!wanted.empty() || caseCount < fewestCases || hasConstant) {
+    if (!wanted.empty() || caseCount < minCases || hasConstant) {
         return false;
     }
     std::vector<std::size_t> terms(polynomial.size());

@@ -303,8 +303,8 @@ IntervalCalibration ResponseSurfaceFit::intervalCalibration(std::size_t output) 
         standardised.push_back((one.output - one.predicted) / one.standardError);
     }
     return {static_cast<double>(residualDegrees), standardised,
-            points >= IntervalCalibration::fewestPoints ? IntervalCalibration::Basis::LeaveOneOut
-                                                        : IntervalCalibration::Basis::Distribution};
+            points >= IntervalCalibration::minPoints ? IntervalCalibration::Basis::LeaveOneOut
+                                                     : IntervalCalibration::Basis::Distribution};
 }
 
 std::vector<char> ResponseSurfaceFit::unsupported(const CaseRanges& ranges,

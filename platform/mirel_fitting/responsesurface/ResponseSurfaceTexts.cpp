@@ -238,7 +238,7 @@ std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
 std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,
                                                            const InputNames& names)
 {
-    constexpr std::size_t mostSentences = 5;
+    constexpr std::size_t maxSentences = 5;
 
     std::vector<std::string> sentences;
     const QuadraticBasis& basis = fit.basis();
@@ -250,11 +250,11 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
                                 leftOut(termsWith(fit, input, names)));
         }
     }
-    if (constant.size() > mostSentences) {
+    if (constant.size() > maxSentences) {
         sentences = {list(constant) +
                      " are the same in every case and were left out, with all terms of them."};
     }
-    if (fit.dependences().size() > mostSentences) {
+    if (fit.dependences().size() > maxSentences) {
         std::vector<std::string> dependent;
         for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
             dependent.push_back(basis.name(dependence.term, names));

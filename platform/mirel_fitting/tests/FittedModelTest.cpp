@@ -86,8 +86,8 @@ TEST(FittedModel, ReportsTheCoverageOfItsIntervals)
     EXPECT_EQ(report.basis, CalibrationReport::Basis::Distribution);
     EXPECT_EQ(report.factor, 1.0);
     EXPECT_EQ(report.cases, 4u);
-    ASSERT_EQ(report.shares.size(), 4u);
-    EXPECT_EQ(report.shares[0].held, 0.25); // within 2
-    EXPECT_EQ(report.shares[1].held, 0.75); // within 3.2
-    EXPECT_EQ(report.shares[3].held, 0.75); // within 3.96
+    ASSERT_EQ(report.coverage.size(), 4u);
+    EXPECT_EQ(report.coverage[0].share, 0.25); // within 2
+    EXPECT_EQ(report.coverage[1].share, 0.75); // within 3.2
+    EXPECT_EQ(report.coverage[3].share, 0.75); // within 3.96
 }

@@ -236,7 +236,7 @@ TEST(KrigingUncertainty, CalibratesIntervalsByLeftOutCasesFromFortyOn)
         held += std::fabs(one.output - one.predicted) <= reach ? 1 : 0;
     }
     EXPECT_NEAR(static_cast<double>(held) / 60.0, 0.8, 0.02);
-    EXPECT_GT(report.shares[1].held, 0.95) << "by Student's t";
+    EXPECT_GT(report.coverage[1].share, 0.95) << "by Student's t";
 }
 
 TEST(KrigingUncertainty, RefusesALevelThatIsNoProbability)

@@ -105,8 +105,8 @@ TEST(ResponseSurfaceUncertainty, LeavesRepeatedCentreRunsOutOneByOne)
         held += std::fabs(one.output - one.predicted) <= reach ? 0.05 : 0.0;
     }
     EXPECT_EQ(report.cases, 20u);
-    EXPECT_NEAR(report.shares[2].held, held, 1e-12);
-    EXPECT_GE(report.shares[2].held, 0.9);
+    EXPECT_NEAR(report.coverage[2].share, held, 1e-12);
+    EXPECT_GE(report.coverage[2].share, 0.9);
 }
 
 TEST(ResponseSurfaceUncertainty, IsByStudentsTWhereFewPointsHaveManyReplicates)

@@ -236,8 +236,8 @@ TEST(TransformedOutput, HasTheQuantilesAndTheCalibrationOfTheTransform)
     EXPECT_EQ(model.confidenceQuantile(0, 0.8), model.inner().confidenceQuantile(inside, 0.8));
     EXPECT_NE(model.confidenceQuantile(0, 0.8), model.intervalQuantile(0, 0.8));
     EXPECT_EQ(model.calibrationReport(0).basis, CalibrationReport::Basis::LeaveOneOut);
-    EXPECT_EQ(model.calibrationReport(0).shares[1].held,
-              model.inner().calibrationReport(inside).shares[1].held);
+    EXPECT_EQ(model.calibrationReport(0).coverage[1].share,
+              model.inner().calibrationReport(inside).coverage[1].share);
 }
 
 TEST(TransformedOutput, HasStandardErrorsInTheOutputsUnit)

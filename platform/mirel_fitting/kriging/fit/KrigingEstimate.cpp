@@ -67,7 +67,7 @@ void KrigingEstimate::searchWithAll()
                static_cast<double>(allCases->cases) <
                    casesPerTerm * static_cast<double>(chosenTrend->size());
     };
-    while (hasFewer(policy.fewestCasesPerTerm)) {
+    while (hasFewer(policy.minCasesPerTerm)) {
         lowerTrend(chosenTrend->order() - 1);
     }
     const bool areFewCases = hasFewer(policy.casesPerTerm);

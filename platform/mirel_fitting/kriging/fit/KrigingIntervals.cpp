@@ -11,14 +11,14 @@ namespace {
 /** Few points need all but a few of them; then refits take no time. */
 std::size_t foldsOf(std::size_t points)
 {
-    constexpr std::size_t mostSingle = 20;
+    constexpr std::size_t maxSingle = 20;
     constexpr std::size_t foldsOfFew = 10;
     constexpr std::size_t foldsOfMany = 5;
 
-    if (points >= IntervalCalibration::fewestCases) {
+    if (points >= IntervalCalibration::minCases) {
         return foldsOfMany;
     }
-    return std::min(points, points <= mostSingle ? mostSingle : foldsOfFew);
+    return std::min(points, points <= maxSingle ? maxSingle : foldsOfFew);
 }
 
 /** Whether parameters were estimated that so few cases leave uncertain, so that leave-one-out with
@@ -26,17 +26,17 @@ std::size_t foldsOf(std::size_t points)
 bool areRefitsWorthwhile(const KrigingFitInput& input, const FittedKriging& model)
 {
     // With more, refits cost as much as the fit, and a fifth of the cases moves no parameter far.
-    constexpr std::size_t mostPoints = 2000;
+    constexpr std::size_t maxPoints = 2000;
 
     const std::size_t points = model.data->cases;
     const bool isEstimated =
         input.options.correlationLengths.empty() || !input.options.isNuggetFixed();
     // Of few cases, replicates that are left out together would count as so many misses.
-    const bool areManyCases = input.output.size() >= IntervalCalibration::fewestCases;
+    const bool areManyCases = input.output.size() >= IntervalCalibration::minCases;
     const bool arePointsEnough =
-        areManyCases ? points >= IntervalCalibration::fewestPoints : points == input.output.size();
+        areManyCases ? points >= IntervalCalibration::minPoints : points == input.output.size();
     return isEstimated && model.correlation && !model.neighbours && arePointsEnough &&
-           points <= mostPoints;
+           points <= maxPoints;
 }
 
 std::vector<double> leaveOneOutResiduals(const KrigingFitInput& input, const KrigingFit& fit)
@@ -59,11 +59,11 @@ IntervalCalibration calibrateIntervals(const KrigingFitInput& input, const Krigi
             KrigingRefits::residuals(input, model, foldsOf(model.data->cases));
         const auto predicted = std::count_if(residuals.begin(), residuals.end(),
                                              [](double residual) { return !std::isnan(residual); });
-        if (static_cast<std::size_t>(predicted) >= IntervalCalibration::fewestRefits) {
+        if (static_cast<std::size_t>(predicted) >= IntervalCalibration::minRefits) {
             return {degreesOfFreedom, residuals, IntervalCalibration::Basis::Refits};
         }
     }
-    const bool areEnough = model.data->cases >= IntervalCalibration::fewestPoints;
+    const bool areEnough = model.data->cases >= IntervalCalibration::minPoints;
     return {degreesOfFreedom, leaveOneOutResiduals(input, fit),
             areEnough ? IntervalCalibration::Basis::LeaveOneOut
                       : IntervalCalibration::Basis::Distribution};

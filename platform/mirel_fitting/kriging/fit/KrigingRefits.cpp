@@ -50,7 +50,7 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
     data->terms = trend->size();
     data->trend = trend->matrix();
     KrigingSearchSettings settings = input.searchSettings();
-    if (model.data->cases >= IntervalCalibration::fewestCases) {
+    if (model.data->cases >= IntervalCalibration::minCases) {
         settings.starts = {{model.correlation->lengths(), model.nugget}};
         settings.maxSteps = steps;
     }

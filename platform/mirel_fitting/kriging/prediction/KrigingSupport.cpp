@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr std::size_t mostCases = 300;
+constexpr std::size_t maxCases = 300;
 
 /** These take 0.06 s given 300 cases, and a share of the points is known to half a hundredth. */
-constexpr std::size_t mostPoints = 10000;
+constexpr std::size_t maxPoints = 10000;
 
 /** Makes any number of different points sound, and is far below what is left between them. */
 constexpr double nugget = 1e-8;
@@ -32,7 +32,7 @@ std::shared_ptr<const KrigingData> someOf(const KrigingCases& cases)
     all.output.assign(all.cases, 0.0);
     all.replicates.assign(all.cases, 1.0);
     all.withinSquares.assign(all.cases, 0.0);
-    auto some = std::make_shared<KrigingData>(all.subset(spaceFillingSubset(all, mostCases)));
+    auto some = std::make_shared<KrigingData>(all.subset(spaceFillingSubset(all, maxCases)));
     some->terms = 1;
     some->trend.assign(some->cases, 1.0);
     return some;
@@ -95,7 +95,7 @@ std::vector<char> KrigingSupport::unsupported(const std::vector<double*>& points
     }
     // One row of each of as many stretches of rows, at random: regular steps through a grid would
     // miss values of its inputs.
-    std::vector<std::size_t> rows(std::min(count, mostPoints));
+    std::vector<std::size_t> rows(std::min(count, maxPoints));
     std::mt19937_64 generator(count);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const std::size_t first = i * count / rows.size();

@@ -74,11 +74,11 @@ std::string otherLengthsText(const KrigingReport& report)
 
 std::string worstCasesText(const KrigingReport& report)
 {
-    constexpr int fewestDigits = 8;
+    constexpr int minDigits = 8;
 
     std::string text;
     for (const KrigingReport::LeftOutCase& one : report.worstCases) {
-        const int digits = one.digits(fewestDigits);
+        const int digits = one.digits(minDigits);
         text += (text.empty() ? "Worst when left out: case " : ", case ") +
                 std::to_string(one.row + 1) + " (" + KrigingTexts::figure(one.predicted, digits) +
                 " instead of " + KrigingTexts::figure(one.output, digits) + ")";

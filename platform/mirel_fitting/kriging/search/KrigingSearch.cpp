@@ -65,12 +65,12 @@ private:
 std::vector<std::size_t> Search::subsetSizes() const
 {
     const std::size_t parameters = data->terms + data->inputs + 1;
-    const std::size_t fewest =
+    const std::size_t smallest =
         std::max(policy.firstSubset, policy.firstSubsetPerParameter * parameters);
     std::vector<std::size_t> sizes = {data->cases};
-    while (sizes.back() > fewest + fewest / 2) {
+    while (sizes.back() > smallest + smallest / 2) {
         const double next = static_cast<double>(sizes.back()) / policy.subsetGrowth;
-        sizes.push_back(std::max(fewest, static_cast<std::size_t>(next)));
+        sizes.push_back(std::max(smallest, static_cast<std::size_t>(next)));
     }
     std::reverse(sizes.begin(), sizes.end());
     return sizes;

@@ -133,5 +133,5 @@ struct SearchPolicy
     /** With fewer the order is lowered also where there is noise, which the terms would follow: of
      *  24 cars with 10 inputs a linear trend has up to 7 times the error of a constant one at
      *  others. With 3 five inputs of 17 cases lose 10 to 27 %. */
-    double fewestCasesPerTerm = 2.5;
+    double minCasesPerTerm = 2.5;
 };

@@ -53,7 +53,7 @@ TEST(IntervalCalibration, WidensIntervalsOfFewCasesWhereRefitsMissMoreThanByChan
     EXPECT_NEAR(calibration.quantile(0.5), 4.0 * student(0.5) / student(0.95), 1e-12);
     EXPECT_EQ(calibration.report().basis, Basis::Refits);
     EXPECT_NEAR(calibration.report().factor, 4.0 / student(0.95), 1e-12);
-    EXPECT_EQ(calibration.report().shares[2].held, 0.75);
+    EXPECT_EQ(calibration.report().coverage[2].share, 0.75);
 
     residuals[9] = 0.5;
     const IntervalCalibration byChance(degrees, residuals, Basis::Refits);
@@ -87,7 +87,7 @@ TEST(IntervalCalibration, CountsResidualsOverVanishedDeviationsAsNotHeld)
     EXPECT_NEAR(calibration.quantile(0.8), 80.0, 1e-12);
     // The tenth from above is the largest finite one.
     EXPECT_NEAR(calibration.quantile(0.95), 89.0 * student(0.95) / student(0.89), 1e-10);
-    EXPECT_NEAR(calibration.report().shares[3].held, 2.0 / 99.0, 1e-12); // by Student's t, 2.75
+    EXPECT_NEAR(calibration.report().coverage[3].share, 2.0 / 99.0, 1e-12); // by Student's t, 2.75
 }
 
 TEST(IntervalCalibration, TakesTheShareOfMagnitudesThatTheLevelNames)
@@ -161,12 +161,12 @@ TEST(IntervalCalibration, ReportsTheSharesOfLeftOutCasesInsideStudentsIntervals)
         IntervalCalibration(degrees, std::vector<double>{0.1, 0.1, 1.0, 30.0}).report();
 
     EXPECT_EQ(report.cases, 4u);
-    ASSERT_EQ(report.shares.size(), 4u);
-    EXPECT_EQ(report.shares[0].level, 0.5);
-    EXPECT_EQ(report.shares[0].held, 0.5);
-    EXPECT_EQ(report.shares[1].held, 0.75);
-    EXPECT_EQ(report.shares[3].level, 0.99);
-    EXPECT_EQ(report.shares[3].held, 0.75);
+    ASSERT_EQ(report.coverage.size(), 4u);
+    EXPECT_EQ(report.coverage[0].level, 0.5);
+    EXPECT_EQ(report.coverage[0].share, 0.5);
+    EXPECT_EQ(report.coverage[1].share, 0.75);
+    EXPECT_EQ(report.coverage[3].level, 0.99);
+    EXPECT_EQ(report.coverage[3].share, 0.75);
 }
 
 TEST(IntervalCalibration, ReportsNoSharesWithoutLeftOutCases)
@@ -174,5 +174,5 @@ TEST(IntervalCalibration, ReportsNoSharesWithoutLeftOutCases)
     const CalibrationReport report = IntervalCalibration(degrees, {}).report();
 
     EXPECT_EQ(report.cases, 0u);
-    EXPECT_TRUE(report.shares.empty());
+    EXPECT_TRUE(report.coverage.empty());
 }

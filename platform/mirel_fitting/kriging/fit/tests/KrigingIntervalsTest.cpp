@@ -55,8 +55,8 @@ TEST(KrigingIntervals, OfFewNoisyCasesAreWiderWhereRefitsMissMoreThanByChance)
         const CalibrationReport report = found.report();
         const bool isWider = found.quantile(0.95) > found.studentQuantile(0.95);
         EXPECT_EQ(report.basis, isWider ? Basis::Refits : Basis::Distribution) << table;
-        EXPECT_EQ(isWider, report.shares[2].held < 10.0 / 12.0) << table;
-        held += report.shares[2].held / tables;
+        EXPECT_EQ(isWider, report.coverage[2].share < 10.0 / 12.0) << table;
+        held += report.coverage[2].share / tables;
         wider += isWider ? 1 : 0;
     }
     // With the parameters of all cases all but a few would be held.
@@ -85,7 +85,7 @@ TEST(KrigingIntervals, RestOnRefitsWhereParametersAreEstimated)
 
     EXPECT_EQ(report.basis, Basis::Refits);
     EXPECT_EQ(report.cases, 60u);
-    ASSERT_EQ(report.shares.size(), 4u);
+    ASSERT_EQ(report.coverage.size(), 4u);
 }
 
 TEST(KrigingIntervals, RestOnLeaveOneOutWhereParametersAreGiven)
