@@ -1,5 +1,7 @@
 # What every target of this project has in common.
 include(GenerateExportHeader)
+include(GNUInstallDirs)
+set(SURROGATE_INSTALL_HEADERDIR "${CMAKE_INSTALL_INCLUDEDIR}/surrogatemodel")
 
 # For our own code only: an INTERFACE target, so that a project that adds this one as a folder
 # keeps its own rules.
@@ -46,12 +48,50 @@ function(surrogate_add_library target alias include_root)
         "$<BUILD_INTERFACE:${include_root}>" "$<BUILD_INTERFACE:${generated}>")
     target_compile_features(${target} PUBLIC cxx_std_17)
     target_link_libraries(${target} PRIVATE mirel::warnings)
+    string(REGEX REPLACE ".*::" "" name_in_namespace "${alias}")
     set_target_properties(${target} PROPERTIES
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
+        EXPORT_NAME "${name_in_namespace}"
+        INSTALL_RPATH "$ORIGIN"
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()
+
+# surrogate_install_library(TARGET SET header...): a library for other projects, with those of its
+# headers that they may include. SET is one of the export sets in cmake/InstallPackage.cmake.
+function(surrogate_install_library target set)
+    # Includes are written from the folder above that of the library.
+    cmake_path(GET CMAKE_CURRENT_SOURCE_DIR PARENT_PATH include_root)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "INTERFACE_LIBRARY")
+        target_sources(${target} INTERFACE FILE_SET HEADERS BASE_DIRS "${include_root}" FILES ${ARGN})
+    else()
+        set(generated "${PROJECT_BINARY_DIR}/generated/${target}")
+        target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${include_root}" "${generated}"
+            FILES ${ARGN} "${generated}/${target}/Export.h")
+    endif()
+    # Each header compiles alone and without a warning: target all_verify_interface_header_sets.
+    set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    set(is_verified "$<STREQUAL:$<TARGET_PROPERTY:NAME>,${target}_verify_interface_header_sets>")
+    target_compile_options(${target} INTERFACE
+        "$<BUILD_INTERFACE:$<${is_verified}:-Wall;-Wextra;-Wpedantic;-Werror>>")
+    install(TARGETS ${target} EXPORT ${set}
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        FILE_SET HEADERS DESTINATION "${SURROGATE_INSTALL_HEADERDIR}")
+endfunction()
+
+# surrogate_install_program(TARGET library...): a program, and the libraries that only it uses.
+# They find each other wherever the whole is moved to.
+function(surrogate_install_program target)
+    set(private "${CMAKE_INSTALL_FULL_LIBDIR}/surrogatemodel")
+    cmake_path(RELATIVE_PATH private BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
+        OUTPUT_VARIABLE way)
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${way};$ORIGIN/${way}/..")
+    set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+    install(TARGETS ${target} ${ARGN} LIBRARY
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/surrogatemodel" NAMELINK_SKIP)
 endfunction()
 
 # surrogate_precompile(TARGET header...): headers of others that most of the target's files read, and

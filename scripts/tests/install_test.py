@@ -1,0 +1,100 @@
+"""install_test.py BUILD COMPILER: what cmake --install gives works wherever it is moved to."""
+import os
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+BUILD, COMPILER = os.path.abspath(sys.argv[1]), sys.argv[2]
+STAGE = os.path.join(BUILD, "stage")
+PREFIX = os.path.join(STAGE, "moved here")
+
+
+def run(*command, **options):
+    """What the command prints. One that fails fails the test with what it prints."""
+    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", **options.pop("env", {})}
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                          env=environment, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{' '.join(command)} gives {done.returncode}:\n{done.stdout}")
+    return done.stdout
+
+
+def library_folder():
+    return next(folder for folder, _, files in os.walk(PREFIX) if "libmirel_fitting.so" in files)
+
+
+def build_example(name, *arguments):
+    """Builds an example as a project of its own, against the installed package only."""
+    build = os.path.join(STAGE, name)
+    run("cmake", "-G", "Ninja", "-S", os.path.join(SOURCE, "examples", name), "-B", build,
+        f"-DCMAKE_PREFIX_PATH={PREFIX}", f"-DCMAKE_CXX_COMPILER={COMPILER}",
+        f"-DCMAKE_CXX_COMPILER_LAUNCHER={shutil.which('ccache') or ''}", *arguments)
+    run("cmake", "--build", build)
+    return build
+
+
+class Install(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        shutil.rmtree(STAGE, ignore_errors=True)
+        first = os.path.join(STAGE, "installed here")
+        run("cmake", "--install", BUILD, "--prefix", first)
+        os.rename(first, PREFIX)
+
+    def test_the_program_finds_its_libraries(self):
+        program = os.path.join(PREFIX, "bin", "surrogate")
+        self.assertRegex(run(program, "--version"), r"\d+\.\d+\.\d+")
+        needed = re.findall(r"lib(?:mirel|surrogate)\S* => (.*) \(", run("ldd", program))
+        self.assertGreater(len(needed), 5)
+        for path in needed:
+            self.assertEqual(os.path.commonpath([PREFIX, os.path.realpath(path)]), PREFIX)
+
+    def test_libraries_of_the_program_stand_apart(self):
+        public = os.listdir(library_folder())
+        self.assertNotIn("surrogate_", " ".join(public))
+        self.assertIn("libmirel_fitting.so.0", public)
+
+    def test_nothing_names_the_build_or_the_prefix(self):
+        for folder, _, files in os.walk(PREFIX):
+            for path in (os.path.join(folder, name) for name in files):
+                with open(path, "rb") as file:
+                    content = file.read()
+                for place in (SOURCE, "installed here"):
+                    self.assertNotIn(place.encode(), content, path)
+
+    def test_the_fitting_libraries_need_neither_qt_nor_vtk(self):
+        program = os.path.join(build_example("fitting"), "fitting_example")
+        self.assertIn("between", run(program, cwd=STAGE))
+        self.assertNotRegex(run("ldd", program), "(?i)libqt|libvtk|not found")
+
+    def test_a_host_shows_the_model_of_its_own_data(self):
+        program = os.path.join(build_example("host"), "host")
+        shown = re.split("Response surface|Kriging|One more.*|After undo", run(program, "--demo"))
+        tables = [[line.split() for line in table.strip().splitlines()] for table in shown[1:]]
+        self.assertEqual([len(table) for table in tables], [7, 7, 7, 7])
+        for before, after in zip(tables, tables[1:]):
+            self.assertNotEqual(before, after)
+        # Kriging interpolates the measurement at 3 degrees.
+        self.assertEqual(tables[1][1], ["3", "0.3246"])
+
+    def test_a_host_brings_its_own_fitting_class(self):
+        program = os.path.join(build_example("replace-platform"), "replace_platform")
+        self.assertIn("Power 6\n0  0\n5  4.0", run(program))
+
+    def test_pkg_config_finds_the_libraries(self):
+        folder = library_folder()
+        path = {"PKG_CONFIG_PATH": os.path.join(folder, "pkgconfig")}
+        for name, example in (("mirel-fitting", "fitting"), ("surrogatemodel", "replace-platform")):
+            source = os.path.join(SOURCE, "examples", example, "main.cpp")
+            program = os.path.join(STAGE, f"by-pkg-config-{name}")
+            # pkg-config escapes blanks for a shell.
+            run("sh", "-c", f"eval '{COMPILER}' -fPIC \"'{source}' -o '{program}'\" "
+                f"\"-Wl,-rpath,'{folder}'\" \"$(pkg-config --cflags --libs {name})\"", env=path)
+            run(program, cwd=STAGE)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
