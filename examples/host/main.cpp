@@ -73,10 +73,10 @@ private:
     vtkNew<vtkDoubleArray> angles;
     vtkNew<vtkDoubleArray> lifts;
 };
-vtkStandardNewMacro(Measurements)
+vtkStandardNewMacro(Measurements);
 
-    /** Delivers the measurements to the library, and says when there are more. */
-    class MeasurementPipeline : public DataPipelineManagerInterface
+/** Delivers the measurements to the library, and says when there are more. */
+class MeasurementPipeline : public DataPipelineManagerInterface
 {
 public:
     vtkSmartPointer<vtkTableAlgorithm> outputAlgorithm() const override { return source.Get(); }
