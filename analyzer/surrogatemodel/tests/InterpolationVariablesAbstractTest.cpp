@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -30,19 +31,15 @@ Values distributed(std::pair<double, double> range, std::size_t count)
     return values;
 }
 
-TEST(InterpolationVariablesAbstractPoints, AreEvenlySpacedWithBothEnds)
+TEST(InterpolationVariablesAbstractPoints, AreTheLowEndPlusIStepsTheLastOneToo)
 {
+    const double step = 0.3 / 3.0;
     EXPECT_EQ(distributed({0, 10}, 5), (Values{0, 2.5, 5, 7.5, 10}));
-}
-
-TEST(InterpolationVariablesAbstractPoints, MayDescend)
-{
-    EXPECT_EQ(distributed({10, 0}, 3), (Values{10, 5, 0}));
-}
-
-TEST(InterpolationVariablesAbstractPoints, GiveNothingForNoPoint)
-{
-    EXPECT_TRUE(distributed({0, 10}, 0).empty());
+    EXPECT_EQ(distributed({10, 0}, 3), (Values{10, 5, 0})) << "they may descend";
+    EXPECT_EQ(distributed({5, 5}, 3), (Values{5, 5, 5})) << "a range without width";
+    EXPECT_EQ(distributed({0, 10}, 0), Values()) << "no point";
+    EXPECT_EQ(distributed({0, 0.3}, 4), (Values{0.0, step, 2.0 * step, 3.0 * step}));
+    EXPECT_EQ(distributed({0, 1}, 11)[6], 0.6000000000000001) << "adding 0.1 up gives 0.6";
 }
 
 TEST(InterpolationVariablesAbstractPoints, GiveNaNForOnePoint)
@@ -52,20 +49,6 @@ TEST(InterpolationVariablesAbstractPoints, GiveNaNForOnePoint)
         ASSERT_EQ(values.size(), 1u);
         EXPECT_TRUE(std::isnan(values[0]));
     }
-}
-
-TEST(InterpolationVariablesAbstractPoints, RepeatTheValueOfARangeWithoutWidth)
-{
-    EXPECT_EQ(distributed({5, 5}, 3), (Values{5, 5, 5}));
-}
-
-TEST(InterpolationVariablesAbstractPoints, AreTheLowEndPlusIStepsTheLastOneToo)
-{
-    const double step = 0.3 / 3.0;
-    EXPECT_EQ(distributed({0, 0.3}, 4), (Values{0.0, step, 2.0 * step, 3.0 * step}));
-
-    // Adding 0.1 up gives 0.6 here.
-    EXPECT_EQ(distributed({0, 1}, 11)[6], 0.6000000000000001);
 }
 
 TEST(InterpolationVariablesAbstractPoints, CanMissTheHighEndByRounding)
@@ -90,14 +73,12 @@ TEST(InterpolationVariablesAbstractPoints, ComeAfterWhatTheVectorHolds)
 
 TEST(InterpolationVariablesAbstractPoints, ReserveTheirCountWhereTheVectorHasLess)
 {
-    Values empty;
-    DistributedPoints({0, 1}, 100).get(empty);
-    EXPECT_EQ(empty.capacity(), 100u);
-
-    Values roomy;
-    roomy.reserve(1000);
-    DistributedPoints({0, 1}, 100).get(roomy);
-    EXPECT_EQ(roomy.capacity(), 1000u);
+    for (const std::size_t reserved : {0u, 1000u}) {
+        Values values;
+        values.reserve(reserved);
+        DistributedPoints({0, 1}, 100).get(values);
+        EXPECT_EQ(values.capacity(), std::max<std::size_t>(reserved, 100u));
+    }
 }
 
 TEST(InterpolationVariablesAbstractPoints, ReserveNothingForWhatTheVectorHoldsAlready)
@@ -180,124 +161,71 @@ TEST_F(InterpolationVariablesAbstractTest, RefusesAMissingManager)
     EXPECT_THROW(ChosenPoints(nullptr, distributions), std::invalid_argument);
 }
 
-TEST_F(InterpolationVariablesAbstractTest, AnswersOneEntryPerDistinctVariableOfTheList)
+TEST_F(InterpolationVariablesAbstractTest, AnswersANewMapOfTheDistinctVariablesOfTheListOnEachCall)
 {
     manager->independents->set({y, x, y});
-
-    const auto inputs = interpolation->inputIndependentVariables();
-
-    ASSERT_EQ(inputs->size(), 2u);
-    EXPECT_EQ(inputs->begin()->first, x) << "in the order of the handles, not of the list";
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AnswersANewMapOnEachCall)
-{
     const auto first = interpolation->inputIndependentVariables();
+    ASSERT_EQ(first->size(), 2u);
+    EXPECT_EQ(first->begin()->first, x) << "in the order of the handles, not of the list";
+
     first->clear();
-
     EXPECT_EQ(interpolation->inputIndependentVariables()->size(), 2u);
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AnswersAnEmptyMapForAnEmptyList)
-{
+    manager->independents->set({y});
+    EXPECT_EQ(interpolation->inputIndependentVariables()->count(x), 0u);
     manager->independents->set({});
-
     EXPECT_TRUE(interpolation->inputIndependentVariables()->empty());
 }
 
-TEST_F(InterpolationVariablesAbstractTest, ReadsTheListAfreshOnEachCall)
+TEST_F(InterpolationVariablesAbstractTest,
+       TakesTheUsersValuesThenTheSubclassesThenTheEvaluationPoint)
 {
-    interpolation->inputIndependentVariables();
-
-    manager->independents->set({y});
-
-    EXPECT_EQ(interpolation->inputIndependentVariables()->count(x), 0u);
-}
-
-TEST_F(InterpolationVariablesAbstractTest, TakesTheSubclassesPointsInModeAuto)
-{
-    distributions.set(with({}, "x", Collection::Auto, "7"));
-    interpolation->sweep(x, {0, 1}, 3);
-
-    EXPECT_EQ(valuesOf(x), (Values{0, 0.5, 1}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, TakesTheSubclassesPointsWithoutAUserDistribution)
-{
-    interpolation->sweep(x, {0, 1}, 2);
-
-    EXPECT_EQ(valuesOf(x), (Values{0, 1}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, TakesTheUsersValuesForASweptVariableInModeUserDefined)
-{
-    distributions.set(with({}, "x", Collection::UserDefined, "7, 3"));
-    interpolation->sweep(x, {0, 1}, 3);
-
-    EXPECT_EQ(valuesOf(x), (Values{3, 7}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, FaultyUserTextGivesNoValuesNotTheSubclassesPoints)
-{
-    for (const char* text : {"", "abc", "1,"}) {
-        distributions.set(with({}, "x", Collection::UserDefined, text));
-        interpolation->sweep(x, {0, 1}, 3);
-
-        EXPECT_TRUE(valuesOf(x).empty()) << text;
+    const Collection none;
+    const auto inMode = [](Collection::VariableMode mode, const char* text) {
+        return with({}, "x", mode, text);
+    };
+    const auto typed = [&](const char* text) { return inMode(Collection::UserDefined, text); };
+    struct
+    {
+        const char* what;
+        Collection user;
+        bool isSwept;
+        Collection point;
+        Values values;
+    } const rows[] = {
+        {"swept in mode Auto", inMode(Collection::Auto, "7"), true, none, {0, 0.5, 1}},
+        {"swept, no user distribution", none, true, none, {0, 0.5, 1}},
+        {"swept, user's values", typed("7, 3"), true, none, {3, 7}},
+        {"swept, empty text of the user: not the subclass's points", typed(""), true, none, {}},
+        {"swept, faulty text of the user", typed("abc"), true, none, {}},
+        {"swept, user's text with an empty item", typed("1,"), true, none, {}},
+        {"not swept: the user's values do not count", typed("7"), false, typed("5"), {5}},
+        {"evaluation point of several values", none, false, typed("1, 2, 3"), {1, 2, 3}},
+        {"evaluation point in mode Auto", none, false, inMode(Collection::Auto, "5"), {5}},
+        {"no evaluation point", none, false, none, {}},
+        {"faulty evaluation point", none, false, typed("abc"), {}},
+    };
+    for (const auto& row : rows) {
+        distributions.set(row.user);
+        manager->point->set(row.point);
+        ChosenPoints chosen(manager, distributions);
+        if (row.isSwept) {
+            chosen.sweep(x, {0, 1}, 3);
+        }
+        EXPECT_EQ(chosen.inputIndependentVariables()->at(x), row.values) << row.what;
     }
 }
 
-TEST_F(InterpolationVariablesAbstractTest, AVariableThatIsNotSweptStaysAtTheEvaluationPoint)
-{
-    distributions.set(with({}, "x", Collection::UserDefined, "7"));
-    manager->point->set(with({}, "x", Collection::UserDefined, "5"));
-
-    EXPECT_EQ(valuesOf(x), (Values{5}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AnEvaluationPointOfSeveralValuesGivesThemAll)
-{
-    manager->point->set(with({}, "x", Collection::UserDefined, "1, 2, 3"));
-
-    EXPECT_EQ(valuesOf(x), (Values{1, 2, 3}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, TheModeOfTheEvaluationPointDoesNotMatter)
-{
-    manager->point->set(with({}, "x", Collection::Auto, "5"));
-
-    EXPECT_EQ(valuesOf(x), (Values{5}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AMissingOrFaultyEvaluationPointGivesNoValues)
-{
-    manager->point->set(with({}, "y", Collection::UserDefined, "abc"));
-
-    const auto inputs = interpolation->inputIndependentVariables();
-
-    EXPECT_TRUE(inputs->at(x).empty());
-    EXPECT_TRUE(inputs->at(y).empty());
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AVariableListedTwiceGetsItsDistributedPointsTwice)
-{
-    manager->independents->set({x, x});
-    interpolation->sweep(x, {0, 1}, 2);
-
-    EXPECT_EQ(valuesOf(x), (Values{0, 1, 0, 1}));
-}
-
-TEST_F(InterpolationVariablesAbstractTest, AVariableListedTwiceGetsTheUsersValuesOnce)
+TEST_F(InterpolationVariablesAbstractTest,
+       AVariableListedTwiceGetsItsDistributedPointsTwiceOthersOnce)
 {
     manager->independents->set({x, x, y, y});
     manager->point->set(with({}, "y", Collection::Auto, "5"));
-    distributions.set(with({}, "x", Collection::UserDefined, "1, 2"));
     interpolation->sweep(x, {0, 1}, 2);
+    EXPECT_EQ(valuesOf(x), (Values{0, 1, 0, 1}));
+    EXPECT_EQ(valuesOf(y), (Values{5}));
 
-    const auto inputs = interpolation->inputIndependentVariables();
-
-    EXPECT_EQ(inputs->at(x), (Values{1, 2}));
-    EXPECT_EQ(inputs->at(y), (Values{5}));
+    distributions.set(with({}, "x", Collection::UserDefined, "1, 2"));
+    EXPECT_EQ(valuesOf(x), (Values{1, 2}));
 }
 
 TEST_F(InterpolationVariablesAbstractTest, AnswersForARemovedVariableUnderTheNameItHad)

@@ -41,48 +41,27 @@ protected:
 
 TEST_F(SurfaceCoefficientExporterTest, WritesTheLegendThenOneSectionPerDependentInSetOrder)
 {
+    const std::string legend = "Independent Variables\nV1 = X\nV2 = Y\n";
+    EXPECT_EQ(exported(), legend);
+    EXPECT_EQ(manager.requests, std::vector<std::set<VarPtr>>{{}}) << "asked for all the same";
+
     dependents = {strain, stress};
+    manager.fakeModel.available = false; // of a model that reports none, too
+    EXPECT_EQ(exported(), legend + "\nEquation for dependent variable: stress\n"
+                                   "Result = 1 + 2 V1\n"
+                                   "\nEquation for dependent variable: strain\n"
+                                   "Result = 3 - V2\n");
+    EXPECT_EQ(manager.requests[1], (std::set<VarPtr>{stress, strain})) << "once for both";
+    EXPECT_EQ(manager.requests.size(), 2u);
+    EXPECT_TRUE(manager.offsetRequests.empty());
 
-    EXPECT_EQ(exported(), "Independent Variables\n"
-                          "V1 = X\n"
-                          "V2 = Y\n"
-                          "\nEquation for dependent variable: stress\n"
-                          "Result = 1 + 2 V1\n"
-                          "\nEquation for dependent variable: strain\n"
-                          "Result = 3 - V2\n");
-}
-
-TEST_F(SurfaceCoefficientExporterTest, AddsNoLineEndToTheTextOfTheModel)
-{
     dependents = {stress};
     manager.fakeModel.equations[0] = "42";
-
-    EXPECT_EQ(exported(), "Independent Variables\nV1 = X\nV2 = Y\n"
-                          "\nEquation for dependent variable: stress\nResult = 42");
-}
-
-TEST_F(SurfaceCoefficientExporterTest, WritesOnlyTheHeadingWithoutIndependents)
-{
+    EXPECT_EQ(exported(), legend + "\nEquation for dependent variable: stress\nResult = 42")
+        << "no line end is added to the text of the model";
+    dependents.clear();
     manager.independents->set({});
-
     EXPECT_EQ(exported(), "Independent Variables\n");
-}
-
-TEST_F(SurfaceCoefficientExporterTest, WritesOnlyTheLegendWithoutDependentsButAsksForTheModel)
-{
-    EXPECT_EQ(exported(), "Independent Variables\nV1 = X\nV2 = Y\n");
-    ASSERT_EQ(manager.requests.size(), 1u);
-    EXPECT_TRUE(manager.requests[0].empty());
-}
-
-TEST_F(SurfaceCoefficientExporterTest, AsksOnceForTheModelOfAllDependents)
-{
-    dependents = {stress, strain};
-
-    exported();
-
-    EXPECT_EQ(manager.requests, (std::vector<std::set<VarPtr>>{{stress, strain}}));
-    EXPECT_TRUE(manager.offsetRequests.empty());
 }
 
 TEST_F(SurfaceCoefficientExporterTest, HasWrittenTheLegendWhenTheModelFailsAlsoWithoutDependents)
@@ -108,27 +87,15 @@ TEST_F(SurfaceCoefficientExporterTest, KeepsWhatWasWrittenBeforeAnEquationFails)
                          "\nEquation for dependent variable: strain\nResult = ");
 }
 
-TEST_F(SurfaceCoefficientExporterTest, WritesTheTextOfAModelThatReportsNone)
+TEST_F(SurfaceCoefficientExporterTest, AsksForTheEquationByTheLow32BitsOfTheOffsetZeroIfUnknown)
 {
-    dependents = {stress};
-    manager.fakeModel.available = false;
-
-    EXPECT_NE(exported().find("Result = 1 + 2 V1\n"), std::string::npos);
-}
-
-TEST_F(SurfaceCoefficientExporterTest, WritesTheFirstEquationForANameWithoutOffset)
-{
-    dependents = {project.addNumericVariable("unknown", Variable::Dependent)};
-
-    EXPECT_NE(exported().find("variable: unknown\nResult = 1 + 2 V1\n"), std::string::npos);
-}
-
-TEST_F(SurfaceCoefficientExporterTest, AsksForTheEquationByTheLow32BitsOfTheOffset)
-{
-    dependents = {stress};
+    dependents = {stress, project.addNumericVariable("unknown", Variable::Dependent)};
     manager.offsets["stress"] = (std::size_t(1) << 32) + 1;
 
-    EXPECT_NE(exported().find("variable: stress\nResult = 3 - V2\n"), std::string::npos);
+    const std::string text = exported();
+
+    EXPECT_NE(text.find("variable: stress\nResult = 3 - V2\n"), std::string::npos);
+    EXPECT_NE(text.find("variable: unknown\nResult = 1 + 2 V1\n"), std::string::npos);
 }
 
 TEST_F(SurfaceCoefficientExporterTest, NamesRemovedVariablesAsTheyWereCalled)

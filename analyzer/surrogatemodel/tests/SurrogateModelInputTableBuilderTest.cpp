@@ -39,14 +39,6 @@ protected:
         return variable;
     }
 
-    /** 65536 to the power of 4 is 0 in 64 bits. */
-    void addUncountableGrid()
-    {
-        for (const char* name : {"A", "B", "C", "D"}) {
-            independent(name, Values(65536, 1.0));
-        }
-    }
-
     SurrogateModelInputTableBuilder builder() const { return {manager, variables}; }
 
     static std::vector<std::string> names(vtkTable& table)
@@ -124,28 +116,20 @@ TEST_F(SurrogateModelInputTableBuilderTest, FillsLargeColumnsLikeTheFormulaOfThe
     }
 }
 
-TEST_F(SurrogateModelInputTableBuilderTest, NamesSuppliedColumnsInListOrder)
+TEST_F(SurrogateModelInputTableBuilderTest, NamesColumnsInListOrderAndResultsInTheOrderOfTheHandles)
 {
-    const VarPtr a = independent("A", {1});
+    const VarPtr a = independent("A", {3, 1, 2, 2});
     const VarPtr b = independent("B", {2});
     manager.independents->set({b, a});
-
-    const auto table = builder().suppliedIndependentVarValues();
-
-    EXPECT_EQ(names(*table), (std::vector<std::string>{"B", "A"}));
-    EXPECT_EQ(column(*table, 0), (Values{2}));
-}
-
-TEST_F(SurrogateModelInputTableBuilderTest, NamesResultColumnsInTheOrderOfTheHandles)
-{
-    independent("A", {1, 2});
     dependent("z");
     const VarPtr y = dependent("y");
     project.moveVariable(y, 0);
 
-    const auto table = builder().resultDependentVarValues();
+    const SurrogateModelInputTableBuilder tables(manager, variables);
 
-    EXPECT_EQ(names(*table), (std::vector<std::string>{"z", "y"}));
+    EXPECT_EQ(names(*tables.suppliedIndependentVarValues()), (std::vector<std::string>{"B", "A"}));
+    EXPECT_EQ(column(*tables.suppliedIndependentVarValues(), 1), (Values{3, 1, 2, 2}));
+    EXPECT_EQ(names(*tables.resultDependentVarValues()), (std::vector<std::string>{"z", "y"}));
 }
 
 TEST_F(SurrogateModelInputTableBuilderTest, GivesResultsAsManyRowsAllNaN)
@@ -165,13 +149,6 @@ TEST_F(SurrogateModelInputTableBuilderTest, GivesResultsAsManyRowsAllNaN)
     }
 }
 
-TEST_F(SurrogateModelInputTableBuilderTest, SuppliesTheListItselfForOneVariable)
-{
-    independent("A", {3, 1, 2, 2});
-
-    EXPECT_EQ(column(*builder().suppliedIndependentVarValues(), 0), (Values{3, 1, 2, 2}));
-}
-
 TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesBothTablesButKeepsTheirColumns)
 {
     independent("A", {1, 2});
@@ -189,24 +166,18 @@ TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesBothTablesButKeeps
 TEST_F(SurrogateModelInputTableBuilderTest, WithoutIndependentsThereIsOneResultAndNothingSupplied)
 {
     dependent("y");
-
     const SurrogateModelInputTableBuilder tables(manager, variables);
-
     EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfColumns(), 0);
     EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfRows(), 0);
     const Values results = column(*tables.resultDependentVarValues(), 0);
     EXPECT_EQ(results.size(), 1u);
     expectNaN(results);
-}
 
-TEST_F(SurrogateModelInputTableBuilderTest, WithoutDependentsTheResultTableHasNoColumns)
-{
+    variables.dependents.clear();
     independent("A", {1, 2});
-
-    const SurrogateModelInputTableBuilder tables(manager, variables);
-
-    EXPECT_EQ(tables.resultDependentVarValues()->GetNumberOfColumns(), 0);
-    EXPECT_EQ(tables.suppliedIndependentVarValues()->GetNumberOfRows(), 2);
+    const SurrogateModelInputTableBuilder withoutDependents(manager, variables);
+    EXPECT_EQ(withoutDependents.resultDependentVarValues()->GetNumberOfColumns(), 0);
+    EXPECT_EQ(withoutDependents.suppliedIndependentVarValues()->GetNumberOfRows(), 2);
 }
 
 TEST_F(SurrogateModelInputTableBuilderTest, AnswersTheSameTablesEachTimeAndSharesNoneWithOthers)
@@ -280,27 +251,18 @@ TEST_F(SurrogateModelInputTableBuilderTest, AVariableListedTwiceStaysWithinTheGr
     EXPECT_EQ(tables.resultDependentVarValues()->GetNumberOfRows(), 3);
 }
 
-TEST_F(SurrogateModelInputTableBuilderTest, AVariableWithoutValuesInTheMapIsNaN)
+TEST_F(SurrogateModelInputTableBuilderTest, AVariableWithoutValuesInTheMapIsNaNOneNotListedCounts)
 {
     const VarPtr a = independent("A", {1, 2});
     independent("B", {10, 20});
-    independent("C", {5});
     variables.inputs.erase(a);
+    variables.inputs[project.addNumericVariable("C", Variable::Independent)] = {1, 2, 3};
 
     const auto table = builder().suppliedIndependentVarValues();
 
-    ASSERT_EQ(table->GetNumberOfRows(), 2);
+    ASSERT_EQ(table->GetNumberOfRows(), 6);
     expectNaN(column(*table, 0));
-    EXPECT_EQ(column(*table, 1), (Values{10, 20}));
-    EXPECT_EQ(column(*table, 2), (Values{5, 5}));
-}
-
-TEST_F(SurrogateModelInputTableBuilderTest, CountsValuesOfVariablesThatAreNotListed)
-{
-    independent("A", {1, 2});
-    variables.inputs[project.addNumericVariable("B", Variable::Independent)] = {1, 2, 3};
-
-    EXPECT_EQ(column(*builder().suppliedIndependentVarValues(), 0), (Values{1, 2, 1, 2, 1, 2}));
+    EXPECT_EQ(column(*table, 1), (Values{10, 20, 10, 20, 10, 20}));
 }
 
 std::string refusal(const SurrogateModelManagerInterface& manager,
@@ -316,33 +278,25 @@ std::string refusal(const SurrogateModelManagerInterface& manager,
 
 TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridThatDoesNotFitIntoMemory)
 {
+    const auto message = [](const std::string& points, int columns) {
+        return "The evaluation grid is too large: " + points + " points in " +
+               std::to_string(columns) +
+               " columns take more than three quarters of this machine's memory. Evaluate the "
+               "model at fewer values per variable.";
+    };
     for (const char* name : {"A", "B", "C", "D", "E"}) {
         independent(name, Values(1000, 1.0));
     }
     dependent("y");
+    EXPECT_EQ(refusal(manager, variables), message("1000000000000000", 6));
 
-    EXPECT_EQ(refusal(manager, variables),
-              "The evaluation grid is too large: 1000000000000000 points in 6 columns take more "
-              "than three quarters of this machine's memory. Evaluate the model at fewer values "
-              "per variable.");
-}
-
-TEST_F(SurrogateModelInputTableBuilderTest, RefusesAGridWhosePointsCannotBeCounted)
-{
-    addUncountableGrid();
-
-    EXPECT_EQ(refusal(manager, variables),
-              "The evaluation grid is too large: more than 9223372036854775807 points in 4 columns "
-              "take more than three quarters of this machine's memory. Evaluate the model at fewer "
-              "values per variable.");
-}
-
-TEST_F(SurrogateModelInputTableBuilderTest, AnEmptyListEmptiesAlsoAGridThatWouldBeTooLarge)
-{
-    addUncountableGrid();
-    independent("E", {});
-
-    EXPECT_EQ(builder().suppliedIndependentVarValues()->GetNumberOfRows(), 0);
+    for (auto& [variable, values] : variables.inputs) {
+        values.assign(65536, 1.0); // to the power of 4 that is 0 in 64 bits
+    }
+    EXPECT_EQ(refusal(manager, variables), message("more than 9223372036854775807", 6));
+    variables.inputs.begin()->second.clear();
+    EXPECT_EQ(builder().suppliedIndependentVarValues()->GetNumberOfRows(), 0)
+        << "an empty list empties a grid that would be too large";
 }
 
 TEST_F(SurrogateModelInputTableBuilderTest, KeepsTheOrderOfItsVirtualOperations)

@@ -35,21 +35,14 @@ TEST_F(SurrogateModelManagerCacheTest, RefitsForAnotherSetWithoutASignal)
     EXPECT_EQ(changes.calls, 0);
 }
 
-TEST_F(SurrogateModelManagerCacheTest, StoresANewModelBeforeItDeletesTheOldOne)
+TEST_F(SurrogateModelManagerCacheTest, KeepsOneModelAndStoresANewOneBeforeItDeletesTheOld)
 {
     model({y1});
     model({y2});
-
     EXPECT_EQ(factory->mostAlive, 2);
     EXPECT_EQ(factory->alive(), 1);
-}
 
-TEST_F(SurrogateModelManagerCacheTest, KeepsOneModelOnly)
-{
     model({y1});
-    model({y2});
-    model({y1});
-
     EXPECT_EQ(fitCount(), 3U);
 }
 
@@ -73,18 +66,13 @@ TEST_F(SurrogateModelManagerCacheTest, AsksForTheAlgorithmTwiceAndUsesTheSecondA
     EXPECT_EQ(lastFit().inputs[0], (Values{7, 8, 9}));
 }
 
-TEST_F(SurrogateModelManagerCacheTest, TreatsAMissingAlgorithmAsATableWithoutRows)
-{
-    pipeline->onRequest = [](int) { return nullptr; };
-
-    EXPECT_EQ(errorOf([&] { model({y1}); }), notEnoughCases);
-}
-
 TEST_F(SurrogateModelManagerCacheTest, ReportsThatThereAreNotEnoughCasesWithoutAnyValidOne)
 {
     includeAll(false);
-
     EXPECT_EQ(errorOf([&] { model({y1}); }), notEnoughCases);
+    includeAll(true);
+    pipeline->onRequest = [](int) { return nullptr; };
+    EXPECT_EQ(errorOf([&] { model({y1}); }), notEnoughCases) << "no algorithm";
     EXPECT_EQ(fitCount(), 0U);
 }
 
@@ -168,24 +156,14 @@ TEST_F(SurrogateModelManagerCacheTest,
     model({y1});
     cases.set(1, "x1", vtkVariant(2.0));
     cases.set(2, "x1", vtkVariant(missing));
-
     model({y2});
-
     EXPECT_EQ(lastFit().outputs[1], (Values{40, 60}));
-}
 
-TEST_F(SurrogateModelManagerCacheTest, ExcludesTheSameInvalidRowsAfterAFailedRequest)
-{
-    cases.set(1, "x1", vtkVariant(missing));
-    model({y1});
     includeAll(false);
-    EXPECT_EQ(errorOf([&] { model({y2}); }), notEnoughCases);
+    EXPECT_EQ(errorOf([&] { model({y1}); }), notEnoughCases);
     includeAll(true);
-    cases.set(1, "x1", vtkVariant(2.0));
-
     model({y1, y2});
-
-    EXPECT_EQ(lastFit().outputs[1], (Values{40, 60}));
+    EXPECT_EQ(lastFit().outputs[1], (Values{40, 60})) << "after a failed request";
 }
 
 TEST_F(SurrogateModelManagerCacheTest, RebuildsFullyAfterEveryInvalidation)
@@ -255,9 +233,9 @@ TEST_F(SurrogateModelManagerCacheTest, FitsOverAllDependentsWhenNoneIsAskedFor)
 
 TEST_F(SurrogateModelManagerCacheTest, ReportsTooFewCasesForOffsetsThatNoDependentHas)
 {
-    EXPECT_EQ(errorOf([&] { manager->model(std::set<int>{99}); }), notEnoughCases);
-    EXPECT_EQ(errorOf([&] { manager->model(std::set<int>{-1}); }), notEnoughCases);
-    EXPECT_EQ(errorOf([&] { manager->model(std::set<int>{0, 99}); }), notEnoughCases);
+    for (const std::set<int>& offsets : {std::set<int>{99}, {-1}, {0, 99}}) {
+        EXPECT_EQ(errorOf([&] { manager->model(offsets); }), notEnoughCases);
+    }
 
     project->setNature(y1, Variable::Unassigned);
     project->setNature(y2, Variable::Unassigned);

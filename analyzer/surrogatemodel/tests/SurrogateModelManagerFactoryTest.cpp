@@ -61,23 +61,15 @@ TEST_F(SurrogateModelManagerFactoryTest, ServesSeveralManagers)
     EXPECT_EQ(factory->alive(), 0);
 }
 
-TEST_F(SurrogateModelManagerFactoryTest, MayOutliveTheManager)
-{
-    manager.reset();
-
-    factory->emitChanged(Interface::ResponseSurface);
-
-    EXPECT_EQ(factory->alive(), 0);
-}
-
-TEST_F(SurrogateModelManagerFactoryTest, MayDestroyTheManagerThroughAListener)
+TEST_F(SurrogateModelManagerFactoryTest, MayOutliveTheManagerAndDestroyItThroughAListener)
 {
     model({y1});
     manager->connectSignalModelChanged([this] { manager.reset(); });
 
     factory->emitChanged(Interface::ResponseSurface);
-
     EXPECT_EQ(manager, nullptr);
+    factory->emitChanged(Interface::ResponseSurface);
+
     EXPECT_EQ(factory->alive(), 0);
 }
 
@@ -94,9 +86,10 @@ TEST_F(SurrogateModelManagerFactoryTest, MayHandOutAFinishedModelThatNeedsNoCase
     EXPECT_EQ(factory->finished.use_count(), 1);
 }
 
-TEST_F(SurrogateModelManagerFactoryTest, IsRefusedByTheManagerWhenItIsNull)
+TEST_F(SurrogateModelManagerFactoryTest, IsRefusedByTheManagerWhenItOrThePipelineIsNull)
 {
     EXPECT_THROW(SurrogateModelManager(pipeline, nullptr), std::invalid_argument);
     EXPECT_THROW(SurrogateModelManager(nullptr, factory), std::invalid_argument);
+    EXPECT_THROW(SurrogateModelManager(nullptr), std::invalid_argument);
     EXPECT_EQ(undoStack().count(), 0);
 }

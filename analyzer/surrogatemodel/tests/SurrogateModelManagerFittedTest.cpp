@@ -207,16 +207,6 @@ INSTANTIATE_TEST_SUITE_P(Types, SurrogateModelManagerFittedByBoth,
                          ::testing::Values(SurrogateModelManagerInterface::Kriging,
                                            SurrogateModelManagerInterface::ResponseSurface));
 
-TEST_F(SurrogateModelManagerFittedTest, EvaluatesAtTheEvaluationPointWhatIsNotSwept)
-{
-    setPoint("x", "2.5");
-
-    const Values values = results("y1");
-
-    ASSERT_EQ(values.size(), 1U);
-    EXPECT_NEAR(values[0], 2.5, rounding);
-}
-
 TEST_F(SurrogateModelManagerFittedTest, FollowsChangesOfTheProject)
 {
     setPoint("x", "2.5");

@@ -80,36 +80,23 @@ TEST(SurrogateModelManagerInterface, KeepsTheOrderOfItsOperations)
     EXPECT_TRUE(isVirtualSlot(&Interface::offsetForVariableName, 7));
 }
 
-TEST(SurrogateModelManagerInterface, StartsWithoutListeners)
-{
-    EXPECT_EQ(FakeManager().signalModelChanged.num_slots(), 0U);
-}
-
-TEST(SurrogateModelManagerInterface, SignalsThatTheModelChanged)
+TEST(SurrogateModelManagerInterface, SignalsThatTheModelChangedWithItsConnectionOnRequest)
 {
     const FakeManager manager;
+    EXPECT_EQ(manager.signalModelChanged.num_slots(), 0U);
     int calls = 0;
+    int extendedCalls = 0;
     manager.connectSignalModelChanged([&calls] { ++calls; });
-
-    manager.signalModelChanged();
-
-    EXPECT_EQ(calls, 1);
-}
-
-TEST(SurrogateModelManagerInterface, PassesExtendedListenersTheirConnection)
-{
-    const FakeManager manager;
-    int calls = 0;
-    manager.connectSignalModelChangedExtended(
-        [&calls](const boost::signals2::connection& connection) {
-            ++calls;
-            connection.disconnect();
-        });
+    manager.connectSignalModelChangedExtended([&](const boost::signals2::connection& connection) {
+        ++extendedCalls;
+        connection.disconnect();
+    });
 
     manager.signalModelChanged();
     manager.signalModelChanged();
 
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(extendedCalls, 1);
 }
 
 TEST(SurrogateModelManagerInterface, RunsItsHookOnceForEachConnectWithTheSlotConnected)

@@ -195,49 +195,16 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesElementsOfTheDocumentItIsGiven
     EXPECT_TRUE(element.firstChildElement("Type").firstChild().ownerDocument() == document);
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, ReadsTheNamesOfTheTypes)
+TEST_F(SurrogateModelManagerSerializerTest, ReadsResponseModelAsSuchAndEveryOtherTypeAsKriging)
 {
-    load("<Type>Kriging</Type>");
-    EXPECT_EQ(manager->modelType->get(), Interface::Kriging);
-    load("<Type>ResponseModel</Type>");
-    EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, ReadsEveryOtherTextOfTheTypeAsKriging)
-{
-    for (const char* text : {"", "kriging", "responsemodel", "RESPONSEMODEL", " ResponseModel ",
-                             "ResponseSurface", "1", "Gr\xC3\xB6\xC3\x9F"}) {
-        manager->modelType->set(Interface::ResponseSurface);
+    for (const char* text : {"Kriging", "", "kriging", "responsemodel", "RESPONSEMODEL",
+                             " ResponseModel ", "ResponseSurface", "1", "Gr\xC3\xB6\xC3\x9F"}) {
+        load("<Type>ResponseModel</Type>");
+        EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface) << "after another text";
         load("<Type>" + std::string(text) + "</Type>");
         EXPECT_EQ(manager->modelType->get(), Interface::Kriging) << text;
+        EXPECT_EQ(writtenElement().firstChildElement("Type").text(), "Kriging") << text;
     }
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, StillKnowsTheNamesAfterATextItDoesNotKnow)
-{
-    load("<Type>Other</Type>");
-    load("<Type>ResponseModel</Type>");
-    EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
-    load("<Type>Other</Type>");
-
-    EXPECT_EQ(writtenElement().firstChildElement("Type").text(), "Kriging");
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, LeavesTheTypeAloneWithoutItsElement)
-{
-    load("<type>Kriging</type><Other><Type>Kriging</Type></Other>");
-
-    EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, LeavesTheEvaluationPointAloneWithoutItsElement)
-{
-    const Collection point = with({}, "x", Collection::UserDefined, "1");
-    manager->point->set(point);
-
-    load("<Type>Kriging</Type>");
-
-    EXPECT_TRUE(manager->point->get() == point);
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, ReadsTheEvaluationPoint)
@@ -247,51 +214,53 @@ TEST_F(SurrogateModelManagerSerializerTest, ReadsTheEvaluationPoint)
     EXPECT_TRUE(manager->point->get() == with({}, "x", Collection::UserDefined, "1.5"));
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, ReadsTheListInDocumentOrderWithRepetitions)
+/** Which inputs an element's children choose, x having been chosen before; z is an output, u
+ * neither. */
+struct ChosenInputs
 {
-    load(chosen({"y", "x"}));
-    EXPECT_EQ(list(), (Variables{y, x}));
-    load(chosen({"x", "y", "x"}));
-    EXPECT_EQ(list(), (Variables{x, y, x}));
-}
+    std::string name;
+    std::string children;
+    Names inputs;
+};
 
-TEST_F(SurrogateModelManagerSerializerTest, ClearsTheListWithoutAnyVariable)
-{
-    manager->independents->set({x});
+class SurrogateModelManagerSerializerList : public SurrogateModelManagerSerializerTest,
+                                            public testing::WithParamInterface<ChosenInputs>
+{};
 
-    load("<Type>Kriging</Type>");
-
-    EXPECT_TRUE(list().empty());
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, SkipsNamesThatTheProjectDoesNotHave)
-{
-    const CapturedErrors errors;
-
-    load(chosen({"gone", "x", "X", "", " y"}) + "<Variable/><Variable name='x'/>" + chosen({"y"}));
-
-    EXPECT_EQ(list(), (Variables{x, y}));
-    EXPECT_EQ(errors.text(), "");
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, SkipsVariablesOfAnotherNature)
+TEST_P(SurrogateModelManagerSerializerList, IsThatOfTheVariableElementsWithoutAWarning)
 {
     project->addNumericVariable("u", Variable::Unassigned);
+    manager->independents->set({x});
     const CapturedErrors errors;
 
-    load(chosen({"z", "y", "u"}));
+    load(GetParam().children);
 
-    EXPECT_EQ(list(), Variables{y});
+    Names found;
+    for (const VarPtr& variable : list()) {
+        found.push_back(variable.lock()->name());
+    }
+    EXPECT_EQ(found, GetParam().inputs);
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, ReadsElementsTaggedExactlyVariableOnly)
-{
-    load("<variable Name='x'/><Variables Name='x'/><Other Name='x'/><!--<Variable Name='x'/>-->" +
-         chosen({"y"}));
-
-    EXPECT_EQ(list(), Variables{y});
-}
+INSTANTIATE_TEST_SUITE_P(
+    , SurrogateModelManagerSerializerList,
+    testing::ValuesIn(std::vector<ChosenInputs>{
+        {"InDocumentOrder", chosen({"y", "x"}), {"y", "x"}},
+        {"WithRepetitions", chosen({"x", "y", "x"}), {"x", "y", "x"}},
+        {"EmptyWithoutAnyVariable", "<Type>Kriging</Type>", {}},
+        {"WithoutNamesThatTheProjectDoesNotHave",
+         chosen({"gone", "x", "X", "", " y"}) + "<Variable/><Variable name='x'/>" + chosen({"y"}),
+         {"x", "y"}},
+        {"WithoutVariablesOfAnotherNature", chosen({"z", "y", "u"}), {"y"}},
+        {"OfElementsTaggedExactlyVariable",
+         "<variable Name='x'/><Variables Name='x'/><Other Name='x'/>"
+         "<!--<Variable Name='x'/>-->" +
+             chosen({"y"}),
+         {"y"}},
+        {"OfDirectChildren", "<Group>" + chosen({"x"}) + "</Group>" + chosen({"y"}), {"y"}},
+    }),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(SurrogateModelManagerSerializerTest, DoesNotChooseTheVariablesOfTheEvaluationPoint)
 {
@@ -306,31 +275,16 @@ TEST_F(SurrogateModelManagerSerializerTest, DoesNotChooseTheVariablesOfTheEvalua
     EXPECT_EQ(list(), Variables{x});
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, ReadsDirectChildrenOnly)
+TEST_F(SurrogateModelManagerSerializerTest, LeavesTypeAndEvaluationPointAloneWithoutTheirElements)
 {
-    load("<Group>" + chosen({"x"}) + "<Type>Kriging</Type>" +
-         userDistBlock("<Variable Name='x' Distribution='1'/>") + "</Group>" + chosen({"y"}));
+    const Collection point = with({}, "x", Collection::UserDefined, "1");
+    manager->point->set(point);
 
-    EXPECT_EQ(list(), Variables{y});
+    load("<type>Kriging</type><Group><Type>Kriging</Type>" +
+         userDistBlock("<Variable Name='x' Distribution='2'/>") + "</Group>");
+
     EXPECT_EQ(manager->modelType->get(), Interface::ResponseSurface);
-    EXPECT_TRUE(manager->point->get() == Collection());
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, WritesTheSameAgainAfterLoading)
-{
-    manager->independents->set({y, x});
-    manager->point->set(with({}, "x", Collection::Auto, "1"));
-    const std::string saved = written(serializer);
-    manager->independents->set({});
-    manager->point->set({});
-    manager->modelType->set(Interface::Kriging);
-
-    read(serializer, saved);
-
-    const QDomElement again = writtenElement();
-    EXPECT_EQ(again.firstChildElement("Type").text(), "ResponseModel");
-    EXPECT_EQ(writtenVariables(), (Names{"y", "x"}));
-    EXPECT_TRUE(manager->point->get() == with({}, "x", Collection::Auto, "1"));
+    EXPECT_TRUE(manager->point->get() == point);
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, BringsNamesWithMarkupBackByteForByte)

@@ -12,22 +12,18 @@ using SurrogateModelManagerTest = ManagerTest;
 
 } // namespace
 
-TEST_F(SurrogateModelManagerTest, StartsAsAResponseSurfaceWithoutVariables)
+TEST_F(SurrogateModelManagerTest, StartsAsAResponseSurfaceWithoutVariablesAndAsksForNoData)
 {
+    Project::setProject(boost::make_shared<Project>());
+    pipeline->requests = 0;
+
     const SurrogateModelManager fresh(pipeline);
 
     EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
     EXPECT_TRUE(fresh.independentVars()->get().empty());
     EXPECT_EQ(fresh.evaluationPoint()->get(), SurrogateModelUserDistCollection());
-}
-
-TEST_F(SurrogateModelManagerTest, StartsInAProjectWithoutAnything)
-{
-    Project::setProject(boost::make_shared<Project>());
-
-    const SurrogateModelManager fresh(pipeline);
-
-    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
+    EXPECT_EQ(pipeline->requests, 0);
+    EXPECT_EQ(pipeline->source->executions, 0);
     EXPECT_EQ(errorOf([&] { fresh.model(std::set<VarPtr>{}); }), notEnoughCases);
 }
 
@@ -45,12 +41,16 @@ TEST_F(SurrogateModelManagerTest, SharesItsInterfaceWithTheClassesThatDeriveFrom
     EXPECT_EQ(static_cast<const Interface*>(&extended), static_cast<const Interface*>(&asManager));
 }
 
-TEST_F(SurrogateModelManagerTest, LeavesOneUndoStepForItsTypeWhenConstructed)
+TEST_F(SurrogateModelManagerTest, LeavesOneUndoStepForItsTypeWhenConstructedWhichTurnsItToKriging)
 {
     const SurrogateModelManager fresh(pipeline);
 
     EXPECT_EQ(undoStack().count(), 1);
     EXPECT_EQ(undoStack().undoText(), "Change Surrogate Model Type");
+    undoStack().undo();
+    EXPECT_EQ(fresh.type()->get(), Interface::Kriging);
+    undoStack().redo();
+    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
 }
 
 TEST_F(SurrogateModelManagerTest, LeavesNoUndoStepWhenRecordingIsSuspended)
@@ -59,17 +59,6 @@ TEST_F(SurrogateModelManagerTest, LeavesNoUndoStepWhenRecordingIsSuspended)
     const SurrogateModelManager fresh(pipeline);
 
     EXPECT_EQ(undoStack().count(), 0);
-    EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
-}
-
-TEST_F(SurrogateModelManagerTest, TurnsToKrigingWhenItsConstructionIsUndone)
-{
-    const SurrogateModelManager fresh(pipeline);
-
-    undoStack().undo();
-    EXPECT_EQ(fresh.type()->get(), Interface::Kriging);
-
-    undoStack().redo();
     EXPECT_EQ(fresh.type()->get(), Interface::ResponseSurface);
 }
 
@@ -87,16 +76,6 @@ TEST_F(SurrogateModelManagerTest, AddressesEachManagersOwnTypeWhenConstructionsA
     EXPECT_EQ(manager->type()->get(), Interface::ResponseSurface);
 }
 
-TEST_F(SurrogateModelManagerTest, DoesNotAskThePipelineForDataWhenConstructed)
-{
-    pipeline->requests = 0;
-
-    const SurrogateModelManager fresh(pipeline);
-
-    EXPECT_EQ(pipeline->requests, 0);
-    EXPECT_EQ(pipeline->source->executions, 0);
-}
-
 TEST_F(SurrogateModelManagerTest, CanBeConstructedWhileTheUndoStackIsWatched)
 {
     int lastCount = 0;
@@ -108,12 +87,6 @@ TEST_F(SurrogateModelManagerTest, CanBeConstructedWhileTheUndoStackIsWatched)
 
     QObject::disconnect(connection);
     EXPECT_EQ(lastCount, 1);
-}
-
-TEST_F(SurrogateModelManagerTest, RefusesAMissingPipeline)
-{
-    EXPECT_THROW(SurrogateModelManager(nullptr), std::invalid_argument);
-    EXPECT_EQ(undoStack().count(), 0);
 }
 
 TEST_F(SurrogateModelManagerTest, ReturnsTheSamePropertiesEveryTime)
@@ -174,14 +147,11 @@ TEST_F(SurrogateModelManagerTest, CountsOffsetsAmongTheNumericDependentsInProjec
     EXPECT_EQ(manager->offsetForVariableName("y1"), 1U);
 }
 
-// Callers cannot detect absence by the offset.
 TEST_F(SurrogateModelManagerTest, AnswersOffsetZeroForNamesThatAreNoDependent)
 {
-    EXPECT_EQ(manager->offsetForVariableName("unknown"), 0U);
-    EXPECT_EQ(manager->offsetForVariableName("Y2"), 0U);
-    EXPECT_EQ(manager->offsetForVariableName("y2 "), 0U);
-    EXPECT_EQ(manager->offsetForVariableName("x2"), 0U);
-    EXPECT_EQ(manager->offsetForVariableName(""), 0U);
+    for (const char* name : {"unknown", "Y2", "y2 ", "x2", ""}) {
+        EXPECT_EQ(manager->offsetForVariableName(name), 0U) << name;
+    }
 }
 
 TEST_F(SurrogateModelManagerTest, ComparesNamesByteByByte)
@@ -238,30 +208,21 @@ TEST_F(SurrogateModelManagerTest, PrunesRemovedVariablesInOneUndoStepWithTwoSign
     EXPECT_EQ(undoStack().undoText(), "Change Surrogate Model Variables");
 }
 
-TEST_F(SurrogateModelManagerTest, PrunesVariablesThatAreNotIndependentAndKeepsOrderAndDuplicates)
+TEST_F(SurrogateModelManagerTest, PrunesVariablesThatAreNoInputsOfTheProjectAndKeepsTheOthersOrder)
 {
     const VarPtr x3 = addInput("x3");
     const VarPtr unassigned = project->addNumericVariable("z", Variable::Unassigned);
-    manager->independentVars()->set({x3, x2, y1, x3, unassigned, x1});
+    VarPtr destroyed;
+    {
+        Project other;
+        destroyed = other.addNumericVariable("x3", Variable::Independent);
+        manager->independentVars()->set({x3, x2, y1, x3, unassigned, destroyed, x1});
+    }
     project->setNature(x2, Variable::Dependent);
 
     pipeline->emitChange();
 
     EXPECT_EQ(manager->independentVars()->get(), (Variables{x3, x3, x1}));
-}
-
-TEST_F(SurrogateModelManagerTest, PrunesVariablesOfAnotherProjectWithoutAskingForTheirNature)
-{
-    VarPtr destroyed;
-    {
-        Project other;
-        destroyed = other.addNumericVariable("x3", Variable::Independent);
-        manager->independentVars()->set({x1, destroyed});
-    }
-
-    pipeline->emitChange();
-
-    EXPECT_EQ(manager->independentVars()->get(), (Variables{x1}));
 }
 
 TEST_F(SurrogateModelManagerTest, DoesNotTakeANewVariableOfTheSameNameForTheOldOne)
@@ -356,14 +317,52 @@ TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAnEarlierListenerOfThePipeline
     EXPECT_EQ(list->get(), (Variables{x1, x2}));
 }
 
-TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfAPrune)
+TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAnyListenerOfItsSignalsAndSettings)
 {
-    project->removeVariable(x1);
-    manager->independentVars()->connectSignalChanged([this](const Variables&) { manager.reset(); });
-
-    pipeline->emitChange();
-
-    EXPECT_EQ(manager, nullptr);
+    const auto destroy = [this] { manager.reset(); };
+    const auto setType = [this] { manager->type()->set(Interface::Kriging); };
+    const auto undo = [&] {
+        setType();
+        manager->connectSignalModelChanged(destroy);
+        undoStack().undo();
+    };
+    const VarPtr x3 = addInput("x3");
+    struct
+    {
+        const char* what;
+        std::function<void()> connect;
+        std::function<void()> change;
+    } const rows[] = {
+        {"the list, when it is pruned",
+         [&] {
+             manager->independentVars()->connectSignalChanged([&](const Variables&) { destroy(); });
+         },
+         [&] {
+             project->removeVariable(x1);
+             pipeline->emitChange();
+         }},
+        {"the type",
+         [&] { manager->type()->connectSignalChanged([&](Interface::ModelType) { destroy(); }); },
+         setType},
+        {"the default evaluation point",
+         [&] {
+             manager->evaluationPoint()->connectSignalChanged(
+                 [&](const SurrogateModelUserDistCollection&) { destroy(); });
+         },
+         [&] {
+             const auto list = manager->independentVars();
+             list->set({x3});
+             EXPECT_EQ(list->get(), (Variables{x3}));
+         }},
+        {"the model, during undo", [] {}, undo},
+    };
+    for (const auto& row : rows) {
+        manager = boost::make_shared<SurrogateModelManager>(pipeline, factory);
+        manager->independentVars()->set({x1, x2});
+        row.connect();
+        row.change();
+        EXPECT_EQ(manager, nullptr) << row.what;
+    }
 }
 
 TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfItsOwnSignal)
@@ -387,28 +386,6 @@ TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfItsOwnSignal)
     EXPECT_EQ(later.calls, 0);
 }
 
-TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfASetting)
-{
-    manager->type()->connectSignalChanged([this](Interface::ModelType) { manager.reset(); });
-
-    manager->type()->set(Interface::Kriging);
-
-    EXPECT_EQ(manager, nullptr);
-}
-
-TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerOfTheDefaultEvaluationPoint)
-{
-    const VarPtr x3 = addInput("x3");
-    const auto list = manager->independentVars();
-    manager->evaluationPoint()->connectSignalChanged(
-        [this](const SurrogateModelUserDistCollection&) { manager.reset(); });
-
-    list->set({x3});
-
-    EXPECT_EQ(manager, nullptr);
-    EXPECT_EQ(list->get(), (Variables{x3}));
-}
-
 TEST_F(SurrogateModelManagerTest, LeavesPropertiesThatOutliveItUsable)
 {
     const VarPtr x3 = addInput("x3");
@@ -428,14 +405,4 @@ TEST_F(SurrogateModelManagerTest, LeavesPropertiesThatOutliveItUsable)
     EXPECT_EQ(type->get(), Interface::ResponseSurface);
     undoStack().redo();
     EXPECT_EQ(type->get(), Interface::Kriging);
-}
-
-TEST_F(SurrogateModelManagerTest, MayBeDestroyedByAListenerDuringUndo)
-{
-    manager->type()->set(Interface::Kriging);
-    manager->connectSignalModelChanged([this] { manager.reset(); });
-
-    undoStack().undo();
-
-    EXPECT_EQ(manager, nullptr);
 }

@@ -111,6 +111,7 @@ TEST_F(SurrogateModelQueryToTableTest, CannotBeMadeWithoutManagerAndVariables)
 
 TEST_F(SurrogateModelQueryToTableTest, WritesTheValuesThenTheResults)
 {
+    ASSERT_EQ(QCoreApplication::instance(), nullptr) << "none is needed";
     addOutputAt("y2", 5);
 
     update();
@@ -174,26 +175,21 @@ TEST_F(SurrogateModelQueryToTableTest, AsksByOffsetsAndActivatesThemBeforeItInte
     EXPECT_EQ(manager->fakeModel.interpolatedCounts, (std::vector<std::size_t>{4}));
 }
 
-TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutRows)
+TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutRowsAndWithoutDependents)
 {
     variables->inputs[x2].clear();
-
     update();
-
     EXPECT_EQ(executions(), 1U);
     EXPECT_EQ(manager->fakeModel.interpolatedCounts, (std::vector<std::size_t>{0}));
     EXPECT_EQ(output()->GetNumberOfRows(), 0);
     EXPECT_EQ(columnNames(), (Names{"x1", "x2", "y1"}));
-}
 
-TEST_F(SurrogateModelQueryToTableTest, AsksForTheModelAlsoWithoutDependents)
-{
+    variables->inputs[x2] = {10, 20};
     variables->dependents.clear();
-
+    variables->signalInterpolationVariablesChanged();
     update();
-
-    EXPECT_EQ(manager->offsetRequests, (std::vector<std::set<int>>{{}}));
-    EXPECT_EQ(manager->fakeModel.activated, (std::vector<std::set<int>>{{}}));
+    EXPECT_EQ(manager->offsetRequests.back(), std::set<int>());
+    EXPECT_EQ(manager->fakeModel.activated.back(), std::set<int>());
     EXPECT_EQ(columnNames(), (Names{"x1", "x2"}));
     EXPECT_EQ(output()->GetNumberOfRows(), 4);
 }
@@ -211,15 +207,6 @@ TEST_F(SurrogateModelQueryToTableTest, LeavesOneUnsetRowWithoutIndependentVariab
     EXPECT_TRUE(std::isnan(column("y1")[0]));
 }
 
-TEST_F(SurrogateModelQueryToTableTest, WorksWithoutAnApplicationObject)
-{
-    ASSERT_EQ(QCoreApplication::instance(), nullptr);
-
-    update();
-
-    EXPECT_EQ(output()->GetNumberOfRows(), 4);
-}
-
 TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroWithoutRowsForAModelError)
 {
     const RecordingOutputWindow window;
@@ -232,29 +219,25 @@ TEST_F(SurrogateModelQueryToTableTest, AnswersOneForSuccessAndZeroWithoutRowsFor
     EXPECT_EQ(table->GetNumberOfRows(), 0);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndAMessageAfterAModelError)
+TEST_F(SurrogateModelQueryToTableTest, HasNoRowsAndAMessageAfterAnErrorOfTheFitOrOfTheEvaluation)
 {
     const RecordingOutputWindow window;
     manager->failure = "The model cannot be fitted: 100% of %1% are missing.";
-
     update();
-
     EXPECT_EQ(filter->getLastError(), manager->failure);
     EXPECT_EQ(output()->GetNumberOfRows(), 0);
-}
-
-TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorWithTheNextSuccess)
-{
-    const RecordingOutputWindow window;
-    manager->failure = "no luck";
-    update();
-    EXPECT_EQ(filter->getLastError(), "no luck");
 
     manager->failure.clear();
+    manager->fakeModel.onActivate = [] { throw SurrogateModelInterface::Error("no fit"); };
     manager->signalModelChanged();
     update();
+    EXPECT_EQ(filter->getLastError(), "no fit");
+    EXPECT_EQ(output()->GetNumberOfRows(), 0);
 
-    EXPECT_EQ(filter->getLastError(), "");
+    manager->fakeModel.onActivate = nullptr;
+    manager->signalModelChanged();
+    update();
+    EXPECT_EQ(filter->getLastError(), "") << "forgotten with the next success";
     EXPECT_EQ(output()->GetNumberOfRows(), 4);
 }
 
@@ -271,15 +254,25 @@ TEST_F(SurrogateModelQueryToTableTest, ForgetsTheErrorBeforeAnExecutionThatDoesN
     EXPECT_EQ(filter->getLastError(), "");
 }
 
-TEST_F(SurrogateModelQueryToTableTest, PassesErrorsToItsObserversWordForWord)
+TEST_F(SurrogateModelQueryToTableTest, PassesErrorsToItsObserversWordForWordInEveryLocale)
 {
+    class Grouping : public std::numpunct<char>
+    {
+    protected:
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\1"; }
+    };
     const RecordingOutputWindow window;
     const EventRecorder errors(filter, vtkCommand::ErrorEvent);
     manager->failure = "The model cannot be fitted: 100% of %1% are missing.";
+    const std::string expected = expectedErrorText(manager->failure);
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new Grouping));
 
     update();
 
-    EXPECT_EQ(errors.texts, (Names{expectedErrorText(manager->failure)}));
+    std::locale::global(before);
+    EXPECT_EQ(errors.texts, (Names{expected}));
     EXPECT_EQ(window.everything(), "");
 }
 
@@ -318,17 +311,6 @@ TEST_F(SurrogateModelQueryToTableTest, CallsBreakOnErrorOncePerReport)
     EXPECT_EQ(breaksOnError, 2);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, ReportsAnErrorOfTheEvaluationLikeOneOfTheFit)
-{
-    const RecordingOutputWindow window;
-    manager->fakeModel.onActivate = [] { throw SurrogateModelInterface::Error("no fit"); };
-
-    update();
-
-    EXPECT_EQ(filter->getLastError(), "no fit");
-    EXPECT_EQ(output()->GetNumberOfRows(), 0);
-}
-
 TEST_F(SurrogateModelQueryToTableTest, ReportsNothingWhenVtksWarningsAreOff)
 {
     const RecordingOutputWindow window;
@@ -344,26 +326,6 @@ TEST_F(SurrogateModelQueryToTableTest, ReportsNothingWhenVtksWarningsAreOff)
     EXPECT_EQ(filter->getLastError(), "no luck");
 }
 
-TEST_F(SurrogateModelQueryToTableTest, WritesTheSameErrorTextWhateverTheGlobalLocale)
-{
-    class Grouping : public std::numpunct<char>
-    {
-    protected:
-        char do_thousands_sep() const override { return '.'; }
-        std::string do_grouping() const override { return "\1"; }
-    };
-    const EventRecorder errors(filter, vtkCommand::ErrorEvent);
-    manager->failure = "no luck";
-    const std::string expected = expectedErrorText("no luck");
-    const std::locale before =
-        std::locale::global(std::locale(std::locale::classic(), new Grouping));
-
-    update();
-
-    std::locale::global(before);
-    EXPECT_EQ(errors.texts, (Names{expected}));
-}
-
 TEST_F(SurrogateModelQueryToTableTest, LetsOtherExceptionsPassAndExecutesAgain)
 {
     manager->onModel = [] { throw std::domain_error("foreign"); };
@@ -376,29 +338,20 @@ TEST_F(SurrogateModelQueryToTableTest, LetsOtherExceptionsPassAndExecutesAgain)
     EXPECT_EQ(column("y1"), (Values{11, 21, 12, 22}));
 }
 
-TEST_F(SurrogateModelQueryToTableTest, IsMarkedModifiedOnceForEachSignal)
+TEST_F(SurrogateModelQueryToTableTest, IsModifiedOnceForEachSignalAndExecutesOnlyThen)
 {
     const EventRecorder modifications(filter, vtkCommand::ModifiedEvent);
-
-    variables->signalInterpolationVariablesChanged();
-    EXPECT_EQ(modifications.count(), 1U);
-    manager->signalModelChanged();
-    EXPECT_EQ(modifications.count(), 2U);
-    manager->signalModelChanged();
-    EXPECT_EQ(modifications.count(), 3U);
-}
-
-TEST_F(SurrogateModelQueryToTableTest, ExecutesAgainOnlyWhenSomethingChanged)
-{
     update();
     update();
     EXPECT_EQ(executions(), 1U);
 
     variables->signalInterpolationVariablesChanged();
+    EXPECT_EQ(modifications.count(), 1U);
     update();
     EXPECT_EQ(executions(), 2U);
-
     manager->signalModelChanged();
+    manager->signalModelChanged();
+    EXPECT_EQ(modifications.count(), 3U);
     update();
     EXPECT_EQ(executions(), 3U);
 }
@@ -450,30 +403,23 @@ TEST_F(SurrogateModelQueryToTableTest, ConnectsThroughTheHooksOfTheVariablesThen
     EXPECT_EQ(hooks, (Names{"variables", "manager"}));
 }
 
-TEST_F(SurrogateModelQueryToTableTest, SharesManagerAndVariables)
+TEST_F(SurrogateModelQueryToTableTest, SharesManagerAndVariablesUntilItIsDestroyed)
 {
-    const boost::weak_ptr<FakeManager> watchedManager = manager;
-    const boost::weak_ptr<FixedVariables> watchedVariables = variables;
+    const boost::shared_ptr<FakeManager> keptManager = manager;
+    const boost::shared_ptr<FixedVariables> keptVariables = variables;
     manager.reset();
     variables.reset();
-
     update();
     EXPECT_EQ(output()->GetNumberOfRows(), 4);
-
-    filter = nullptr;
-    EXPECT_TRUE(watchedManager.expired());
-    EXPECT_TRUE(watchedVariables.expired());
-}
-
-TEST_F(SurrogateModelQueryToTableTest, DisconnectsWhenDestroyed)
-{
-    EXPECT_EQ(manager->signalModelChanged.num_slots(), 1U);
-    EXPECT_EQ(variables->signalInterpolationVariablesChanged.num_slots(), 1U);
+    EXPECT_EQ(keptManager->signalModelChanged.num_slots(), 1U);
+    EXPECT_EQ(keptVariables->signalInterpolationVariablesChanged.num_slots(), 1U);
 
     filter = nullptr;
 
-    EXPECT_EQ(manager->signalModelChanged.num_slots(), 0U);
-    EXPECT_EQ(variables->signalInterpolationVariablesChanged.num_slots(), 0U);
+    EXPECT_EQ(keptManager->signalModelChanged.num_slots(), 0U);
+    EXPECT_EQ(keptVariables->signalInterpolationVariablesChanged.num_slots(), 0U);
+    EXPECT_EQ(keptManager.use_count(), 1);
+    EXPECT_EQ(keptVariables.use_count(), 1);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, LeavesTheColumnsOfEarlierResultsAlone)

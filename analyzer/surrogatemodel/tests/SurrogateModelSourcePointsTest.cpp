@@ -101,13 +101,27 @@ TEST_F(SurrogateModelSourcePointsTest, StartWithoutCasesAndColumns)
     EXPECT_TRUE(points.dependentColumns().empty());
 }
 
-TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesWhoseRecordIsExcluded)
+TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesThatAreExcludedOrInvalidForWhatIsAskedFor)
 {
-    project->setIncluded(project->record(2), false);
+    const VarPtr other = project->addNumericVariable("other", Variable::Unassigned);
+    cases.addNumbers("other", {7, missing, 9});
+    points.rebuild({x1, other}, {y1}, cases.get(), true);
+    EXPECT_EQ(column("x1"), (Values{1, 3})) << "listed variables, whatever their nature";
 
+    cases.set(0, "y1", vtkVariant(missing));
+    cases.set(2, "y2", vtkVariant(missing));
     rebuildFully({y1});
+    EXPECT_EQ(column("x1"), (Values{2, 3})) << "y2 is not requested";
+    EXPECT_TRUE(std::isnan(column("y2")[1]));
+    rebuildFully({y1, y2});
+    EXPECT_EQ(column("x1"), (Values{2})) << "any of the requested dependents";
 
-    EXPECT_EQ(column("x1"), (Values{1, 3}));
+    project->setIncluded(project->record(2), false);
+    rebuildFully({y1});
+    EXPECT_EQ(column("x1"), (Values{3}));
+    cases.set(2, "x2", vtkVariant(missing));
+    rebuildFully({y1});
+    EXPECT_EQ(rowCount(), 0);
 }
 
 TEST_F(SurrogateModelSourcePointsTest, CheckTheStateOfTheRecordsOnEveryRebuild)
@@ -124,57 +138,22 @@ TEST_F(SurrogateModelSourcePointsTest, CheckTheStateOfTheRecordsOnEveryRebuild)
     EXPECT_EQ(column("x1"), (Values{1, 2, 3}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesWithAnInvalidIndependentValue)
-{
-    cases.set(1, "x2", vtkVariant(missing));
-
-    rebuildFully({y1});
-
-    EXPECT_EQ(column("x1"), (Values{1, 3}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, CheckTheListedVariablesWhateverTheirNature)
-{
-    const VarPtr other = project->addNumericVariable("other", Variable::Unassigned);
-    cases.addNumbers("other", {7, missing, 9});
-
-    points.rebuild({x1, other}, {y1}, cases.get(), true);
-
-    EXPECT_EQ(column("x1"), (Values{1, 3}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, RememberInvalidIndependentRowsForPartialRebuilds)
-{
-    cases.set(1, "x1", vtkVariant(missing));
-    rebuildFully({y1});
-
-    cases.set(1, "x1", vtkVariant(2.0));
-    rebuildPartially({y2});
-
-    EXPECT_EQ(column("y2"), (Values{40, 60}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, DoNotReadIndependentValuesAgainInPartialRebuilds)
+TEST_F(SurrogateModelSourcePointsTest, ReadIndependentValuesInFullRebuildsOnly)
 {
     rebuildFully({y1});
-
     cases.set(1, "x1", vtkVariant(missing));
     rebuildPartially({y2});
-
     EXPECT_EQ(column("y2"), (Values{40, 50, 60}));
-}
 
-TEST_F(SurrogateModelSourcePointsTest, ForgetInvalidIndependentRowsInAFullRebuild)
-{
-    cases.set(1, "x1", vtkVariant(missing));
     rebuildFully({y1});
-
     cases.set(1, "x1", vtkVariant(2.0));
+    rebuildPartially({y2});
+    EXPECT_EQ(column("y2"), (Values{40, 60})) << "the invalid row is remembered";
+
     rebuildFully({y1});
     EXPECT_EQ(rowCount(), 3);
-
     rebuildPartially({y1});
-    EXPECT_EQ(rowCount(), 3);
+    EXPECT_EQ(rowCount(), 3) << "and forgotten";
 }
 
 // The values of an excluded record are not checked, so that its row is not listed as invalid:
@@ -201,55 +180,24 @@ TEST_F(SurrogateModelSourcePointsTest, CheckTheRequestedDependentsOnEveryRebuild
     EXPECT_EQ(column("y1"), (Values{20, 30}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, AcceptInvalidValuesOfDependentsThatAreNotRequested)
-{
-    cases.set(1, "y2", vtkVariant(missing));
-
-    rebuildFully({y1});
-
-    EXPECT_EQ(rowCount(), 3);
-    EXPECT_TRUE(std::isnan(column("y2")[1]));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, LeaveOutCasesThatAreInvalidForAnyOfTheRequestedDependents)
-{
-    cases.set(0, "y1", vtkVariant(missing));
-    cases.set(2, "y2", vtkVariant(missing));
-
-    rebuildFully({y1, y2});
-
-    EXPECT_EQ(column("x1"), (Values{2}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, ListChosenVariablesFirstThenTheProjectsDependents)
+TEST_F(SurrogateModelSourcePointsTest, GiveTheColumnsInListOrderThenTheDependentsInProjectOrder)
 {
     project->moveVariable(y2, 0);
 
     points.rebuild({x2, x1}, {y1}, cases.get(), true);
 
     EXPECT_EQ(columnNames(), (std::vector<std::string>{"x2", "x1", "y2", "y1"}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, GiveTheColumnsInListOrderAndInProjectOrder)
-{
-    project->moveVariable(y2, 0);
-
-    points.rebuild({x2, x1}, {y1}, cases.get(), true);
-
-    const std::vector<double*> inputs = points.independentColumns();
-    const std::vector<double*> outputs = points.dependentColumns();
-    ASSERT_EQ(inputs.size(), 2U);
-    ASSERT_EQ(outputs.size(), 2U);
-    EXPECT_EQ(shown(inputs[0], points.sourceTable()), (Values{4, 5, 6}));
-    EXPECT_EQ(shown(inputs[1], points.sourceTable()), (Values{1, 2, 3}));
-    EXPECT_EQ(shown(outputs[0], points.sourceTable()), (Values{40, 50, 60}));
-    EXPECT_EQ(shown(outputs[1], points.sourceTable()), (Values{10, 20, 30}));
-}
-
-TEST_F(SurrogateModelSourcePointsTest, HoldDoubleColumns)
-{
-    rebuildFully({y1});
-
+    const auto values = [this](const std::vector<double*>& columns) {
+        std::vector<Values> all;
+        for (const double* one : columns) {
+            all.push_back(shown(one, points.sourceTable()));
+        }
+        return all;
+    };
+    EXPECT_EQ(values(points.independentColumns()), (std::vector<Values>{{4, 5, 6}, {1, 2, 3}}));
+    EXPECT_EQ(values(points.dependentColumns()), (std::vector<Values>{{40, 50, 60}, {10, 20, 30}}));
+    points.independentColumns().clear();
+    EXPECT_EQ(points.independentColumns().size(), 2U) << "a copy was cleared";
     for (vtkIdType column = 0; column < 4; ++column) {
         EXPECT_STREQ(points.sourceTable()->GetColumn(column)->GetClassName(), "vtkDoubleArray");
     }
@@ -282,35 +230,18 @@ TEST_F(SurrogateModelSourcePointsTest, GiveVariablesThatAreNoInputsAColumnButNoP
     EXPECT_EQ(column("label"), (Values{1, 2, 3}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, HandOutCopiesOfTheColumnLists)
-{
-    rebuildFully({y1});
-
-    points.independentColumns().clear();
-    points.dependentColumns().clear();
-
-    EXPECT_EQ(points.independentColumns().size(), 2U);
-    EXPECT_EQ(points.dependentColumns().size(), 2U);
-}
-
 TEST_F(SurrogateModelSourcePointsTest, HaveAllColumnsAlsoWithoutAnyCase)
 {
     includeAll(false);
+    const vtkNew<vtkTable> withoutRows;
+    for (vtkTable* const table : {cases.get(), withoutRows.GetPointer()}) {
+        points.rebuild({x1, x2}, {y1}, table, true);
 
-    rebuildFully({y1});
-
-    EXPECT_EQ(rowCount(), 0);
-    EXPECT_EQ(columnNames(), (std::vector<std::string>{"x1", "x2", "y1", "y2"}));
-    EXPECT_EQ(points.independentColumns().size(), 2U);
-    EXPECT_EQ(points.dependentColumns().size(), 2U);
-}
-
-TEST_F(SurrogateModelSourcePointsTest, AreEmptyForATableWithoutRowsOrColumns)
-{
-    points.rebuild({x1, x2}, {y1}, vtkNew<vtkTable>(), true);
-
-    EXPECT_EQ(rowCount(), 0);
-    EXPECT_EQ(points.sourceTable()->GetNumberOfColumns(), 4);
+        EXPECT_EQ(rowCount(), 0);
+        EXPECT_EQ(columnNames(), (std::vector<std::string>{"x1", "x2", "y1", "y2"}));
+        EXPECT_EQ(points.independentColumns().size(), 2U);
+        EXPECT_EQ(points.dependentColumns().size(), 2U);
+    }
 }
 
 TEST_F(SurrogateModelSourcePointsTest, ConvertWhateverHoldsANumber)
@@ -377,13 +308,12 @@ TEST_F(SurrogateModelSourcePointsTest, TreatNullAndDestroyedHandlesAsVariablesWi
         Project other;
         destroyed = other.addNumericVariable("x1", Variable::Independent);
     }
-
     points.rebuild({x1}, {VarPtr()}, cases.get(), true);
     EXPECT_EQ(rowCount(), 0);
-    points.rebuild({x1, VarPtr()}, {y1}, cases.get(), true);
-    EXPECT_EQ(rowCount(), 0);
-    points.rebuild({x1, destroyed}, {y1}, cases.get(), true);
-    EXPECT_EQ(rowCount(), 0);
+    for (const VarPtr& gone : {VarPtr(), destroyed}) {
+        points.rebuild({x1, gone}, {y1}, cases.get(), true);
+        EXPECT_EQ(rowCount(), 0);
+    }
 }
 
 TEST_F(SurrogateModelSourcePointsTest, TreatCellsBeyondTheEndOfAShortColumnAsInvalid)
@@ -403,17 +333,23 @@ TEST_F(SurrogateModelSourcePointsTest, TreatCellsBeyondTheEndOfAShortColumnAsInv
     EXPECT_EQ(column("y2"), (Values{10}));
 }
 
-TEST_F(SurrogateModelSourcePointsTest, TreatAColumnOfVectorsAsInvalid)
+TEST_F(SurrogateModelSourcePointsTest, TreatColumnsOfVectorsAsInvalid)
 {
-    vtkNew<vtkDoubleArray> vectors;
-    vectors->SetNumberOfComponents(2);
-    vectors->SetNumberOfTuples(3);
-    vectors->FillValue(1.0);
-    cases.add("y1", vectors);
+    for (const char* name : {"y1", "Record"}) {
+        vtkNew<vtkUnsignedLongArray> vectors;
+        vectors->SetNumberOfComponents(2);
+        vectors->SetNumberOfTuples(3);
+        vectors->FillValue(1);
+        CaseTable table(3);
+        for (const char* ones : {"x1", "x2", "y1"}) {
+            table.addNumbers(ones, {1, 1, 1});
+        }
+        rebuildFully(table, {y1});
+        EXPECT_EQ(rowCount(), 3);
+        rebuildFully(table.add(name, vectors), {y1});
 
-    rebuildFully({y1});
-
-    EXPECT_EQ(rowCount(), 0);
+        EXPECT_EQ(rowCount(), 0) << name;
+    }
 }
 
 TEST_F(SurrogateModelSourcePointsTest, LeaveOutRowsWhoseRecordTheProjectDoesNotKnow)
@@ -472,19 +408,6 @@ TEST_F(SurrogateModelSourcePointsTest, TakeNoCasesFromRowsBeyondTheEndOfTheIdent
 
     EXPECT_EQ(cases.get()->GetNumberOfRows(), 4);
     EXPECT_EQ(rowCount(), 3);
-}
-
-TEST_F(SurrogateModelSourcePointsTest, TakeNoCasesFromVectorsOfIdentities)
-{
-    vtkNew<vtkUnsignedLongArray> vectors;
-    vectors->SetNumberOfComponents(2);
-    vectors->SetNumberOfTuples(3);
-    vectors->FillValue(1);
-    cases.add("Record", vectors);
-
-    rebuildFully({y1});
-
-    EXPECT_EQ(rowCount(), 0);
 }
 
 TEST_F(SurrogateModelSourcePointsTest, StopReadingARowAtItsFirstInvalidIndependentValue)

@@ -151,14 +151,9 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WritesFaultyAndEmptyTexts
     EXPECT_EQ(children[0].attribute("Distribution"), " 1 - 0 : 3 <");
     EXPECT_TRUE(children[1].hasAttribute("Distribution"));
     EXPECT_EQ(children[1].attribute("Distribution"), "");
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest,
-       WritesFaultyTextsSoThatTheDocumentStaysReadable)
-{
     hold("x", Collection::UserDefined, "1\xEF\xBF\xBE\x01\xFF");
-
-    EXPECT_TRUE(QDomDocument().setContent(QByteArray::fromStdString(written(serializer))));
+    EXPECT_TRUE(QDomDocument().setContent(QByteArray::fromStdString(written(serializer))))
+        << "the document stays readable";
 }
 
 TEST_F(SurrogateModelUserDistCollectionSerializerTest, WritesElementsOfTheDocumentItIsGiven)
@@ -180,24 +175,88 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WritingChangesNothing)
     EXPECT_TRUE(listener.values.empty());
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsModesAndTexts)
+/** What a block does to a property that holds "5" for x and y in mode UserDefined. */
+struct ReadBlock
 {
-    load("<Variable Mode='UserDefined' Distribution='0 - 1 : 3' Name='x'/>"
-         "<Variable Name='y' Distribution='2' Mode='Auto'/>");
+    std::string name;
+    std::string children;
+    std::vector<std::pair<std::string, std::string>> changed; ///< texts; Auto behind a "~"
+    std::vector<std::string> warnedOf;
+};
 
-    EXPECT_TRUE(property->get() == with(with({}, "x", Collection::UserDefined, "0 - 1 : 3"), "y",
-                                        Collection::Auto, "2"));
-    EXPECT_EQ(warnings, "");
+class SurrogateModelUserDistCollectionSerializerBlock
+    : public SurrogateModelUserDistCollectionSerializerTest,
+      public testing::WithParamInterface<ReadBlock>
+{};
+
+TEST_P(SurrogateModelUserDistCollectionSerializerBlock, ChangesTheEntriesOfItsValidElements)
+{
+    addOutput("z");
+    hold("x", Collection::UserDefined, "5");
+    hold("gone", Collection::UserDefined, "6");
+    Collection expected = property->get();
+    for (const auto& [name, text] : GetParam().changed) {
+        const bool isAuto = text.front() == '~';
+        expected = with(expected, name, isAuto ? Collection::Auto : Collection::UserDefined,
+                        text.substr(isAuto ? 1 : 0));
+    }
+    std::string expectedWarnings;
+    for (const std::string& name : GetParam().warnedOf) {
+        expectedWarnings += userDistWarning(name);
+    }
+
+    load(GetParam().children);
+
+    EXPECT_TRUE(property->get() == expected);
+    EXPECT_EQ(warnings, expectedWarnings);
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsAnAbsentModeAsUserDefined)
-{
-    hold("x", Collection::Auto, "7");
-
-    load("<Variable Name='x' Distribution='0 - 1 : 3'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "x", Collection::UserDefined, "0 - 1 : 3"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    , SurrogateModelUserDistCollectionSerializerBlock,
+    testing::ValuesIn(std::vector<ReadBlock>{
+        {"ModesAndTexts",
+         "<Variable Mode='UserDefined' Distribution='0 - 1 : 3' Name='x'/>"
+         "<Variable Name='y' Distribution='2' Mode='Auto'/>",
+         {{"x", "0 - 1 : 3"}, {"y", "~2"}},
+         {}},
+        {"AbsentModeIsUserDefined", "<Variable Name='y' Distribution='1'/>", {{"y", "1"}}, {}},
+        {"OutputsToo", "<Variable Name='z' Distribution='1'/>", {{"z", "1"}}, {}},
+        {"TextsOfUnknownAndEmptyNamesAreNotLookedAt",
+         "<Variable Name='nobody' Distribution='abc'/><Variable Name='' Distribution='abc'/>"
+         "<Variable Distribution='abc'/><Variable Name='X' Distribution='1'/>"
+         "<Variable Name='y' Distribution='1'/>",
+         {{"y", "1"}},
+         {}},
+        {"EachFaultyTextIsWarnedOfAndTheEntryKeptWithItsMode",
+         "<Variable Name='x' Distribution='1 - 0 : 3' Mode='Auto'/>"
+         "<Variable Name='x' Distribution='abc'/><Variable Name='y' Distribution='1'/>",
+         {{"y", "1"}},
+         {"x", "x"}},
+        {"EmptyAndAbsentTextsAreFaulty",
+         "<Variable Name='x' Distribution='' Mode='Auto'/><Variable Name='y' Mode='Auto'/>",
+         {},
+         {"x", "y"}},
+        {"ElementsOfEveryTag",
+         "<Other Name='x' Distribution='1'/><variable Name='y' Distribution='2' Mode='Auto'/>",
+         {{"x", "1"}, {"y", "~2"}},
+         {}},
+        {"NothingButElements",
+         "text<!-- <Variable Name='x' Distribution='1'/> --><?instruction x?><![CDATA[data]]>"
+         "<Variable Name='y' Distribution='1'/>",
+         {{"y", "1"}},
+         {}},
+        {"DirectChildrenOnly",
+         "<Variable Name='x' Distribution='1'><Variable Name='y' Distribution='2'/></Variable>",
+         {{"x", "1"}},
+         {}},
+        {"LastValidElementOfAName",
+         "<Variable Name='x' Distribution='1'/><Variable Name='x' Distribution='2' Mode='Auto'/>"
+         "<Variable Name='x' Distribution='abc'/>",
+         {{"x", "~2"}},
+         {"x"}},
+        {"Nothing", "", {}, {}},
+    }),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(SurrogateModelUserDistCollectionSerializerTest, EndsTheReadAtAModeItDoesNotKnow)
 {
@@ -206,25 +265,18 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, EndsTheReadAtAModeItDoesN
     const PropertyListener<Collection> listener(*property);
 
     for (const char* mode : {"Manual", "", "auto", "AUTO", " Auto", "UserDefined "}) {
-        EXPECT_EQ(failureOfLoading("<Variable Name='x' Distribution='1'/><Variable Mode='" +
-                                   std::string(mode) + "' Name='y' Distribution='2'/>"),
-                  invalidKey)
-            << mode;
+        for (const char* name : {"y", "gone"}) {
+            EXPECT_EQ(failureOfLoading("<Variable Name='x' Distribution='1'/><Variable Mode='" +
+                                       std::string(mode) + "' Name='" + name +
+                                       "' Distribution='2'/>"),
+                      invalidKey)
+                << mode;
+        }
     }
+    EXPECT_EQ(failureOfLoading("<Variable Mode='Manual'/>"), invalidKey);
 
     EXPECT_TRUE(property->get() == before) << "nothing before it is set either";
     EXPECT_TRUE(listener.values.empty());
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest,
-       EndsTheReadAtAnUnknownModeOfAnUnknownVariableToo)
-{
-    EXPECT_EQ(failureOfLoading("<Variable Name='x' Distribution='1'/>"
-                               "<Variable Mode='Manual' Name='gone' Distribution='2'/>"),
-              invalidKey);
-    EXPECT_EQ(failureOfLoading("<Variable Mode='Manual'/>"), invalidKey);
-
-    EXPECT_TRUE(property->get() == Collection());
 }
 
 TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfFaultyTextsBeforeAModeThatEndsTheRead)
@@ -237,55 +289,12 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfFaultyTextsBeforeA
     EXPECT_EQ(warnings, userDistWarning("x"));
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest,
-       SkipsUnknownAndEmptyNamesWithoutLookingAtTheirTexts)
-{
-    load("<Variable Name='gone' Distribution='abc'/><Variable Name='' Distribution='abc'/>"
-         "<Variable Distribution='abc'/><Variable Name='X' Distribution='1'/>"
-         "<Variable Name='y' Distribution='1'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "y", Collection::UserDefined, "1"));
-    EXPECT_EQ(warnings, "");
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsAndWritesVariablesOfEveryNature)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, WritesVariablesOfEveryNature)
 {
     addOutput("z");
+    hold("z", Collection::UserDefined, "1");
 
-    load("<Variable Name='z' Distribution='1'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "z", Collection::UserDefined, "1"));
     EXPECT_EQ(writtenNames(), Names{"z"});
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfEachFaultyTextAndReadsOn)
-{
-    load("<Variable Name='x' Distribution='1 - 0 : 3' Mode='Auto'/>"
-         "<Variable Name='x' Distribution='abc' Mode='UserDefined'/>"
-         "<Variable Name='y' Distribution='1'/>");
-
-    EXPECT_EQ(warnings, userDistWarning("x") + userDistWarning("x"));
-    EXPECT_TRUE(property->get() == with({}, "y", Collection::UserDefined, "1"))
-        << "no entry for x is made";
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, KeepsTheEntryItHoldsWhenTheTextIsFaulty)
-{
-    hold("x", Collection::UserDefined, "5");
-
-    load("<Variable Name='x' Distribution='1 - 0 : 3' Mode='Auto'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "x", Collection::UserDefined, "5"))
-        << "its mode too, although the warning speaks of Auto mode";
-    EXPECT_EQ(warnings, userDistWarning("x"));
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, WarnsOfEmptyAndAbsentTextsToo)
-{
-    load("<Variable Name='x' Distribution='' Mode='Auto'/><Variable Name='y' Mode='Auto'/>");
-
-    EXPECT_EQ(warnings, userDistWarning("x") + userDistWarning("y"));
-    EXPECT_TRUE(property->get() == Collection());
 }
 
 // Setting a mode alone stores an empty text, which is faulty: a caller that sets a mode sets a text
@@ -315,49 +324,6 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, NamesTheVariableInTheWarn
     EXPECT_EQ(warnings, userDistWarning(name));
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsElementsOfEveryTag)
-{
-    load("<Other Name='x' Distribution='1'/><variable Name='y' Distribution='2' Mode='Auto'/>");
-
-    EXPECT_TRUE(property->get() ==
-                with(with({}, "x", Collection::UserDefined, "1"), "y", Collection::Auto, "2"));
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, SkipsNodesThatAreNoElements)
-{
-    load("text<!-- <Variable Name='x' Distribution='1'/> --><?instruction x?><![CDATA[data]]>"
-         "<Variable Name='y' Distribution='1'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "y", Collection::UserDefined, "1"));
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ReadsDirectChildrenOnly)
-{
-    load("<Variable Name='x' Distribution='1'><Variable Name='y' Distribution='2'/></Variable>");
-
-    EXPECT_TRUE(property->get() == with({}, "x", Collection::UserDefined, "1"));
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, KeepsEntriesThatTheBlockDoesNotMention)
-{
-    hold("x", Collection::UserDefined, "5");
-    hold("gone", Collection::UserDefined, "6");
-
-    load("<Variable Name='y' Distribution='1'/>");
-
-    EXPECT_TRUE(property->get() == with(with(with({}, "x", Collection::UserDefined, "5"), "gone",
-                                             Collection::UserDefined, "6"),
-                                        "y", Collection::UserDefined, "1"));
-}
-
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, TakesTheLastValidOfSeveralElementsForOneName)
-{
-    load("<Variable Name='x' Distribution='1'/><Variable Name='x' Distribution='2' Mode='Auto'/>"
-         "<Variable Name='x' Distribution='abc'/>");
-
-    EXPECT_TRUE(property->get() == with({}, "x", Collection::Auto, "2"));
-}
-
 TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesThePropertyOnceForAllElements)
 {
     const PropertyListener<Collection> listener(*property);
@@ -382,12 +348,10 @@ TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesNothingWhenTheBloc
     EXPECT_EQ(listener.untypedCalls, 0);
 }
 
-TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesNothingForAnEmptyOrAMissingBlock)
+TEST_F(SurrogateModelUserDistCollectionSerializerTest, ChangesNothingWithoutItsBlock)
 {
-    hold("x", Collection::UserDefined, "5");
     const PropertyListener<Collection> listener(*property);
 
-    load("");
     read(serializer, "<SurrogateModel><Variable Name='x' Distribution='1'/></SurrogateModel>");
 
     EXPECT_TRUE(listener.values.empty());

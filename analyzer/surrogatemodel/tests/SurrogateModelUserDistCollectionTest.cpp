@@ -22,66 +22,34 @@ TEST(SurrogateModelUserDistCollection, ModesAreAutoZeroAndUserDefinedOneIn32Bits
         (std::is_same<std::underlying_type_t<Collection::VariableMode>, std::int32_t>::value));
 }
 
-TEST(SurrogateModelUserDistCollection, AnswersAutoAndEmptyTextForAnUnknownName)
+TEST(SurrogateModelUserDistCollection, AnswersAutoAndEmptyTextForAnUnknownNameWithoutAddingIt)
 {
     const Collection collection;
 
     EXPECT_EQ(collection.getMode("x"), Collection::Auto);
     EXPECT_EQ(collection.getUserDistString("x"), "");
-    EXPECT_TRUE(collection.getVarNameSet().empty());
-}
-
-TEST(SurrogateModelUserDistCollection, LookingANameUpDoesNotAddIt)
-{
-    const Collection collection;
-
-    collection.getMode("x");
-    collection.getUserDistString("x");
-    collection.getUserDistributionPoints("x");
+    const auto points = collection.getUserDistributionPoints("x");
+    ASSERT_TRUE(points);
+    EXPECT_FALSE(points->isValid());
+    EXPECT_EQ(points->validate(), SurrogateModelUserDist::NoValueRange);
 
     EXPECT_TRUE(collection.getVarNameSet().empty());
     EXPECT_TRUE(collection == Collection());
 }
 
-TEST(SurrogateModelUserDistCollection, TextAloneDoesNotSwitchANewNameToUserDefined)
+TEST(SurrogateModelUserDistCollection, SetsTextAndModeIndependently)
 {
     Collection collection;
 
     collection.setUserDistString("x", "0 - 1 : 3");
-
-    EXPECT_EQ(collection.getMode("x"), Collection::Auto);
-    EXPECT_EQ(collection.getUserDistString("x"), "0 - 1 : 3");
-}
-
-TEST(SurrogateModelUserDistCollection, ModeAloneGivesANewNameAnEmptyText)
-{
-    Collection collection;
-
-    collection.setMode("y", Collection::UserDefined);
-
-    EXPECT_EQ(collection.getMode("y"), Collection::UserDefined);
-    EXPECT_EQ(collection.getUserDistString("y"), "");
-    EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"y"}));
-}
-
-TEST(SurrogateModelUserDistCollection, TextOfAKnownNameKeepsItsMode)
-{
-    Collection collection = with({}, "x", Collection::UserDefined, "1");
-
+    EXPECT_TRUE(collection == with({}, "x", Collection::Auto, "0 - 1 : 3"));
+    collection.setMode("x", Collection::UserDefined);
+    EXPECT_TRUE(collection == with({}, "x", Collection::UserDefined, "0 - 1 : 3"));
     collection.setUserDistString("x", "2");
-
-    EXPECT_EQ(collection.getMode("x"), Collection::UserDefined);
-    EXPECT_EQ(collection.getUserDistString("x"), "2");
-}
-
-TEST(SurrogateModelUserDistCollection, ModeOfAKnownNameKeepsItsText)
-{
-    Collection collection = with({}, "x", Collection::UserDefined, "1");
-
-    collection.setMode("x", Collection::Auto);
-
-    EXPECT_EQ(collection.getMode("x"), Collection::Auto);
-    EXPECT_EQ(collection.getUserDistString("x"), "1");
+    EXPECT_TRUE(collection == with({}, "x", Collection::UserDefined, "2"));
+    collection.setMode("y", Collection::UserDefined);
+    EXPECT_EQ(collection.getUserDistString("y"), "");
+    EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"x", "y"}));
 }
 
 TEST(SurrogateModelUserDistCollection, ListsNamesInByteOrder)
@@ -95,13 +63,6 @@ TEST(SurrogateModelUserDistCollection, ListsNamesInByteOrder)
 
     EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()),
               (std::vector<std::string>{"", "B", "a", "a b", "\xc3\xa9"}));
-}
-
-TEST(SurrogateModelUserDistCollection, DistinguishesNamesByCase)
-{
-    const Collection collection = with({}, "x", Collection::UserDefined, "1");
-
-    EXPECT_EQ(collection.getMode("X"), Collection::Auto);
 }
 
 TEST(SurrogateModelUserDistCollection, PointsGiveTheValuesOfTheTextWhateverTheMode)
@@ -128,15 +89,6 @@ TEST(SurrogateModelUserDistCollection, PointsAreANewUncheckedObjectOnEachCall)
     EXPECT_EQ(first->validate(), SurrogateModelUserDist::InvalidFloatingPointNumber);
 }
 
-TEST(SurrogateModelUserDistCollection, PointsOfAnUnknownNameReportNoValueRange)
-{
-    const auto points = Collection().getUserDistributionPoints("x");
-
-    ASSERT_TRUE(points);
-    EXPECT_FALSE(points->isValid());
-    EXPECT_EQ(points->validate(), SurrogateModelUserDist::NoValueRange);
-}
-
 TEST(SurrogateModelUserDistCollection, EqualityComparesNamesModesAndTexts)
 {
     const Collection reference = with({}, "x", Collection::UserDefined, "1");
@@ -147,17 +99,13 @@ TEST(SurrogateModelUserDistCollection, EqualityComparesNamesModesAndTexts)
         {with({}, "x", Collection::UserDefined, "1 "), false},
         {Collection(), false},
     };
+    EXPECT_TRUE(with({}, "x", Collection::Auto, "") != Collection()) << "an entry of defaults";
 
     for (const auto& [other, same] : others) {
         EXPECT_EQ(reference == other, same);
         EXPECT_EQ(other == reference, same);
         EXPECT_EQ(reference != other, !same);
     }
-}
-
-TEST(SurrogateModelUserDistCollection, AnEntryOfDefaultsDiffersFromNoEntry)
-{
-    EXPECT_TRUE(with({}, "x", Collection::Auto, "") != Collection());
 }
 
 TEST(SurrogateModelUserDistCollection, CopiesShareNothing)
@@ -175,23 +123,15 @@ TEST(SurrogateModelUserDistCollection, CopiesShareNothing)
     EXPECT_TRUE(assigned == with({}, "x", Collection::UserDefined, "1"));
 }
 
-TEST(SurrogateModelUserDistCollection, AssignmentReplacesWhatWasHeld)
-{
-    Collection collection = with({}, "x", Collection::UserDefined, "1");
-
-    collection = with({}, "y", Collection::Auto, "2");
-
-    EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"y"}));
-}
-
-TEST(SurrogateModelUserDistCollection, SelfAssignmentChangesNothing)
+TEST(SurrogateModelUserDistCollection, AssignmentReplacesWhatWasHeldAndSurvivesItself)
 {
     Collection collection = with({}, "x", Collection::UserDefined, "1");
     const Collection& itself = collection;
 
     collection = itself;
-
     EXPECT_TRUE(collection == with({}, "x", Collection::UserDefined, "1"));
+    collection = with({}, "y", Collection::Auto, "2");
+    EXPECT_EQ(collection.getVarNameSet(), (std::set<std::string>{"y"}));
 }
 
 TEST(SurrogateModelUserDistCollection, StaysUsableAfterStdMove)

@@ -198,6 +198,11 @@ INSTANTIATE_TEST_SUITE_P(
         {"MinusInTheExponent", "1e-5-2:2", {1e-5, 2}},
         {"Exponents", "1e3-1e4:4", {1000, 4000, 7000, 10000}},
         {"EqualBoundsOneValue", "2 - 2 : 1", {2}},
+        {"StepThatOverflows",
+         "-1e308 - 1e308 : 3",
+         {-1e308, 1e308, std::numeric_limits<double>::infinity()}},
+        // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
+        {"StepsTooSmallForTheNumbers", "1e16 - 10000000000000002 : 5", {1e16, 10000000000000002.0}},
     }),
     rowName<TextAndValues>);
 
@@ -255,84 +260,52 @@ TEST(SurrogateModelUserDist, HasOneMessagePerFault)
     }
 }
 
-TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyAndTrimmed)
+TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyTrimmedAndAsItIs)
 {
-    Dist distribution("1,  abc\t, 0 - 1 : 0");
-
-    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
-    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
+    const std::pair<const char*, const char*> rows[] = {
+        {"1,  abc\t, 0 - 1 : 0", "Expression: abc\nInvalid floating point number"},
+        {"   ", "Expression: \nNo value range specified"},
+        {"%2% %1% 100%", "Expression: %2% %1% 100%\nInvalid floating point number"},
+    };
+    for (const auto& [text, message] : rows) {
+        const Dist distribution(text);
+        EXPECT_EQ(distribution.errorString(), "") << "not parsed yet";
+        EXPECT_FALSE(distribution.isValid());
+        EXPECT_EQ(distribution.errorString(), message);
+    }
 }
 
-TEST(SurrogateModelUserDist, ReportsABlankTextAsAnEmptyItem)
+TEST(SurrogateModelUserDist, KeepsItsErrorCodeAndTextWhicheverParsesFirst)
 {
-    const Dist distribution("   ");
-
-    EXPECT_FALSE(distribution.isValid());
-    EXPECT_EQ(distribution.errorString(), "Expression: \nNo value range specified");
-}
-
-TEST(SurrogateModelUserDist, DoesNotExpandPlaceholdersThatTheItemContains)
-{
-    Dist distribution("%2% %1% 100%");
-
-    distribution.validate();
-
-    EXPECT_EQ(distribution.errorString(),
-              "Expression: %2% %1% 100%\nInvalid floating point number");
-}
-
-TEST(SurrogateModelUserDist, HasNoErrorTextBeforeItIsParsed)
-{
-    EXPECT_EQ(Dist("abc").errorString(), "");
-}
-
-TEST(SurrogateModelUserDist, KeepsItsErrorCodeAndText)
-{
-    Dist distribution("abc");
-    Values values;
-
-    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
-    EXPECT_EQ(distribution.validate(), Dist::InvalidFloatingPointNumber);
-    distribution.get(values);
-    EXPECT_FALSE(distribution.isValid());
-    EXPECT_EQ(distribution.errorString(), "Expression: abc\nInvalid floating point number");
-}
-
-TEST(SurrogateModelUserDist, GetParsesAnObjectThatIsNotValidated)
-{
+    const std::string message = "Expression: abc\nInvalid floating point number";
+    Dist validated("abc");
+    Dist got("abc");
     Dist valid("1, 2");
-    Dist faulty("abc");
     Values values;
 
-    valid.get(values);
-    faulty.get(values);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(validated.validate(), Dist::InvalidFloatingPointNumber);
+    }
+    for (Dist* const one : {&validated, &got, &valid}) {
+        one->get(values);
+    }
 
     EXPECT_EQ(values, (Values{1, 2}));
     EXPECT_EQ(valid.validate(), Dist::NoError);
-    EXPECT_EQ(faulty.validate(), Dist::InvalidFloatingPointNumber);
-    EXPECT_EQ(faulty.errorString(), "Expression: abc\nInvalid floating point number");
+    EXPECT_EQ(got.validate(), Dist::InvalidFloatingPointNumber);
+    EXPECT_EQ(got.errorString(), message);
+    EXPECT_FALSE(validated.isValid());
+    EXPECT_EQ(validated.errorString(), message);
 }
 
-TEST(SurrogateModelUserDist, GetGivesTheSameValuesEachTime)
+TEST(SurrogateModelUserDist, GetGivesTheSameValuesEachTimeAndReplacesWhatTheVectorHeld)
 {
     const Dist distribution("0 - 1 : 3, 7");
-    Values first;
-    Values second;
-
-    distribution.get(first);
-    distribution.get(second);
-
-    EXPECT_EQ(first, (Values{0, 0.5, 1, 7}));
-    EXPECT_EQ(second, first);
-}
-
-TEST(SurrogateModelUserDist, GetReplacesWhatTheVectorHeld)
-{
-    Values values = {9.0, 9.0, 9.0, 9.0};
-
-    Dist("1,2").get(values);
-
-    EXPECT_EQ(values, (Values{1, 2}));
+    Values values = {9.0, 9.0, 9.0, 9.0, 9.0};
+    for (int time = 0; time < 2; ++time) {
+        distribution.get(values);
+        EXPECT_EQ(values, (Values{0, 0.5, 1, 7}));
+    }
 }
 
 TEST(SurrogateModelUserDist, AddsTheStepUpAndEndsOnTheMaximumItself)
@@ -348,19 +321,6 @@ TEST(SurrogateModelUserDist, AddsTheStepUpAndEndsOnTheMaximumItself)
     EXPECT_EQ(values[3], 0.30000000000000004);
     EXPECT_EQ(values[10], 1.0);
     EXPECT_NE(values[10], sum) << "the sum itself misses the maximum";
-}
-
-TEST(SurrogateModelUserDist, AStepThatOverflowsGivesInfinity)
-{
-    const Values values = valuesOf("-1e308 - 1e308 : 3");
-
-    EXPECT_EQ(values, (Values{-1e308, 1e308, std::numeric_limits<double>::infinity()}));
-}
-
-TEST(SurrogateModelUserDist, StepsTooSmallForTheNumbersVanishAsDuplicates)
-{
-    // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
-    EXPECT_EQ(valuesOf("1e16 - 10000000000000002 : 5"), (Values{1e16, 10000000000000002.0}));
 }
 
 TEST(SurrogateModelUserDist, MergesOverlappingRangesAndSingleValues)
