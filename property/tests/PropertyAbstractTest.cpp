@@ -59,22 +59,19 @@ protected:
 
 } // namespace
 
-TEST(PropertyAbstract, ValidatesComparesStoresAndEmitsInThisOrder)
+TEST(PropertyAbstract, ValidatesComparesStoresAndEmitsInThisOrderAndNeverRunsItsHook)
 {
     LoggingProperty property;
+    property.connectSignalChanged([](const int&) {});
 
     property.set(1);
-
     EXPECT_EQ(property.log, "validate isEqual setValue emitChanged ");
-}
+    property.set(1);
+    EXPECT_EQ(property.log, "validate isEqual setValue emitChanged validate isEqual ")
+        << "the value that it holds, too";
+    property.get();
 
-TEST(PropertyAbstract, ValidatesAlsoTheValueItHolds)
-{
-    LoggingProperty property;
-
-    property.set(0);
-
-    EXPECT_EQ(property.log, "validate isEqual ");
+    EXPECT_EQ(property.hookRuns, 0);
 }
 
 TEST(PropertyAbstract, DoesNotCompareARefusedValue)
@@ -95,7 +92,8 @@ TEST(PropertyAbstract, DoesNotCompareARefusedValue)
 
 TEST(PropertyAbstract, RefusesAValueWithTheTextOfItsValidator)
 {
-    CheckedProperty property(boost::make_shared<NotNegativeValidator>());
+    const auto validator = boost::make_shared<const NotNegativeValidator>();
+    CheckedProperty property(validator);
     property.set(5);
     const PropertyListener<int> listener(property);
 
@@ -108,34 +106,9 @@ TEST(PropertyAbstract, RefusesAValueWithTheTextOfItsValidator)
     EXPECT_EQ(property.get(), 5);
     EXPECT_TRUE(listener.values.empty());
     EXPECT_EQ(listener.untypedCalls, 0);
-}
-
-TEST(PropertyAbstract, SharesItsValidator)
-{
-    const auto validator = boost::make_shared<const NotNegativeValidator>();
-    CheckedProperty property(validator);
-
-    property.set(0);
-    property.set(1);
-
     EXPECT_EQ(property.validator(), validator);
     EXPECT_EQ(validator->calls, 2);
-}
-
-TEST(PropertyAbstract, CannotBeMadeWithoutAValidator)
-{
     EXPECT_THROW(CheckedProperty(nullptr), std::invalid_argument);
-}
-
-TEST(PropertyAbstract, NeverRunsItsHook)
-{
-    LoggingProperty property;
-
-    property.connectSignalChanged([](const int&) {});
-    property.set(1);
-    property.get();
-
-    EXPECT_EQ(property.hookRuns, 0);
 }
 
 TEST(PropertyAbstract, PassesItsSignalOnToTheUntypedOneAndToListenersOfTheBareSignal)
@@ -210,33 +183,29 @@ TEST(PropertyAbstract, LivesUntilSetIsDoneWhenAListenerDropsTheLastPointer)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST(PropertyAbstract, MayBeDestroyedByATypedListener)
+TEST(PropertyAbstract, MayBeDestroyedByAListenerOfEitherKind)
 {
-    auto property = std::make_unique<veska::Property<int>>();
-    int laterCalls = 0;
-    property->connectSignalChanged([&](const int&) { property.reset(); });
-    for (int i = 0; i < 20; ++i) {
-        property->connectSignalChanged([&](const int&) { ++laterCalls; });
+    for (const bool isTyped : {true, false}) {
+        auto property = std::make_unique<veska::Property<int>>();
+        int laterCalls = 0;
+        if (isTyped) {
+            property->connectSignalChanged([&](const int&) { property.reset(); });
+        } else {
+            property->connectSignalPropertyChanged([&] { property.reset(); });
+        }
+        for (int i = 0; i < 20; ++i) {
+            if (isTyped) {
+                property->connectSignalChanged([&](const int&) { ++laterCalls; });
+            } else {
+                property->connectSignalPropertyChanged([&] { ++laterCalls; });
+            }
+        }
+
+        property->set(1);
+
+        EXPECT_EQ(property, nullptr);
+        EXPECT_EQ(laterCalls, 0) << "called for a destroyed property";
     }
-
-    property->set(1);
-
-    EXPECT_EQ(property, nullptr);
-    EXPECT_EQ(laterCalls, 0) << "called for a destroyed property";
-}
-
-TEST(PropertyAbstract, MayBeDestroyedByAnUntypedListener)
-{
-    auto property = std::make_unique<veska::Property<int>>();
-    int laterCalls = 0;
-    property->connectSignalPropertyChanged([&] { property.reset(); });
-    property->connectSignalPropertyChanged([&] { ++laterCalls; });
-    property->connectSignalPropertyChanged([&] { ++laterCalls; });
-
-    property->set(1);
-
-    EXPECT_EQ(property, nullptr);
-    EXPECT_EQ(laterCalls, 0) << "called for a destroyed property";
 }
 
 namespace {

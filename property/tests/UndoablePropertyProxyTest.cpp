@@ -33,30 +33,31 @@ public:
 
 TYPED_TEST_SUITE(UndoablePropertyProxyOfTypeTest, PropertyValueTypes);
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, ReadsThroughToItsTarget)
+TYPED_TEST(UndoablePropertyProxyOfTypeTest, ReadsThroughToItsTargetAndPassesItsChangesOnUnrecorded)
 {
     EXPECT_EQ(this->proxy->get(), Samples<TypeParam>::fresh());
 
     this->target->set(Samples<TypeParam>::first());
 
     EXPECT_EQ(this->proxy->get(), Samples<TypeParam>::first());
+    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
+    EXPECT_EQ(this->listener.untypedCalls, 1);
+    this->proxy->set(Samples<TypeParam>::first());
+    EXPECT_EQ(this->listener.untypedCalls, 1) << "silent when set to the value it holds";
+    EXPECT_EQ(this->stack.count(), 0);
 }
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, RecordsOneStepPerChange)
+TYPED_TEST(UndoablePropertyProxyOfTypeTest, RecordsOneStepPerChangeThatUndoAndRedoRestore)
 {
     this->proxy->set(Samples<TypeParam>::first());
-
     EXPECT_EQ(this->target->get(), Samples<TypeParam>::first());
+    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
+    EXPECT_EQ(this->listener.untypedCalls, 1);
     EXPECT_EQ(this->stack.count(), 1);
     EXPECT_EQ(this->stack.index(), 1);
     EXPECT_EQ(this->stack.undoText(), "Change Numbers");
-}
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, RestoresOldAndNewValueThroughUndoAndRedo)
-{
-    this->proxy->set(Samples<TypeParam>::first());
     this->proxy->set(Samples<TypeParam>::second());
-
     this->stack.undo();
     EXPECT_EQ(this->target->get(), Samples<TypeParam>::first());
     this->stack.undo();
@@ -67,62 +68,24 @@ TYPED_TEST(UndoablePropertyProxyOfTypeTest, RestoresOldAndNewValueThroughUndoAnd
     EXPECT_EQ(this->target->get(), Samples<TypeParam>::second());
 }
 
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, IsSilentWhenSetToTheValueItHolds)
-{
-    this->target->set(Samples<TypeParam>::first());
-    this->listener.values.clear();
-    this->listener.untypedCalls = 0;
-
-    this->proxy->set(Samples<TypeParam>::first());
-
-    EXPECT_EQ(this->stack.count(), 0);
-    EXPECT_TRUE(this->listener.values.empty());
-    EXPECT_EQ(this->listener.untypedCalls, 0);
-}
-
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsItsListenersOnceForASet)
-{
-    this->proxy->set(Samples<TypeParam>::first());
-
-    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
-    EXPECT_EQ(this->listener.untypedCalls, 1);
-}
-
 TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsItsListenersTwiceForAnUndoAndForARedo)
 {
+    const PropertyListener<TypeParam> ofTarget(*this->target);
     this->proxy->set(Samples<TypeParam>::first());
-    const std::vector<TypeParam> twiceFresh(2, Samples<TypeParam>::fresh());
-    const std::vector<TypeParam> twiceFirst(2, Samples<TypeParam>::first());
 
     const PropertyListener<TypeParam> undoListener(*this->proxy);
     this->stack.undo();
-    EXPECT_EQ(undoListener.values, twiceFresh);
+    EXPECT_EQ(undoListener.values, std::vector<TypeParam>(2, Samples<TypeParam>::fresh()));
     EXPECT_EQ(undoListener.untypedCalls, 2);
+    EXPECT_EQ(ofTarget.values,
+              (std::vector<TypeParam>{Samples<TypeParam>::first(), Samples<TypeParam>::fresh()}))
+        << "those of the target once";
+    EXPECT_EQ(ofTarget.untypedCalls, 2);
 
     const PropertyListener<TypeParam> redoListener(*this->proxy);
     this->stack.redo();
-    EXPECT_EQ(redoListener.values, twiceFirst);
+    EXPECT_EQ(redoListener.values, std::vector<TypeParam>(2, Samples<TypeParam>::first()));
     EXPECT_EQ(redoListener.untypedCalls, 2);
-}
-
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, CallsListenersOfItsTargetOnceForAnUndo)
-{
-    const PropertyListener<TypeParam> targetListener(*this->target);
-    this->proxy->set(Samples<TypeParam>::first());
-    this->stack.undo();
-
-    EXPECT_EQ(targetListener.values,
-              (std::vector<TypeParam>{Samples<TypeParam>::first(), Samples<TypeParam>::fresh()}));
-    EXPECT_EQ(targetListener.untypedCalls, 2);
-}
-
-TYPED_TEST(UndoablePropertyProxyOfTypeTest, PassesOnOtherChangesOfItsTargetWithoutRecordingThem)
-{
-    this->target->set(Samples<TypeParam>::first());
-
-    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
-    EXPECT_EQ(this->listener.untypedCalls, 1);
-    EXPECT_EQ(this->stack.count(), 0);
 }
 
 TYPED_TEST(UndoablePropertyProxyOfTypeTest, DoesNothingOnUndoWhenTheTargetHoldsTheOldValueAlready)
@@ -239,22 +202,14 @@ TEST_F(UndoablePropertyProxyTest, KeepsItsTargetAlive)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(UndoablePropertyProxyTest, RecordsEveryChangeAsAStepOfItsOwn)
-{
-    proxy->set(1);
-    proxy->set(2);
-    proxy->set(3);
-
-    EXPECT_EQ(stack.count(), 3);
-    EXPECT_EQ(stack.command(2)->child(0)->id(), -1);
-}
-
-TEST_F(UndoablePropertyProxyTest, KeepsUndoStepsOfTwoProxiesApart)
+TEST_F(UndoablePropertyProxyTest, RecordsEveryChangeAsAStepOfItsOwnApartFromOtherProxies)
 {
     const auto otherTarget = boost::make_shared<Target>();
     auto other = boost::make_shared<Proxy>("Other", otherTarget);
     proxy->set(1);
     other->set(10);
+    EXPECT_EQ(stack.count(), 2);
+    EXPECT_EQ(stack.command(1)->child(0)->id(), -1);
 
     other.reset();
     stack.undo();
@@ -413,25 +368,20 @@ TEST_F(UndoablePropertyProxyTest, RecordsNothingThatListenersPushDuringUndoAndRe
 TEST_F(UndoablePropertyProxyTest, SuspendsRecordingItselfWhileItAppliesAValue)
 {
     ApplyingProxy applying(target);
-    target->connectSignalChanged([this](const int&) { push("A"); });
-
-    applying.applyValue(1);
-
-    EXPECT_EQ(target->get(), 1);
-    EXPECT_EQ(log, "rA ");
-    EXPECT_EQ(stack.count(), 0);
-}
-
-TEST_F(UndoablePropertyProxyTest, RecordsAgainOnceApplyingAValueHasFailed)
-{
-    ApplyingProxy applying(target);
     target->refuses = true;
     EXPECT_THROW(applying.applyValue(1), veska::InvalidPropertyValueException);
     target->refuses = false;
+    boost::signals2::scoped_connection pushing =
+        target->connectSignalChanged([this](const int&) { push("A"); });
 
+    applying.applyValue(1);
+    EXPECT_EQ(target->get(), 1);
+    EXPECT_EQ(log, "rA ");
+    EXPECT_EQ(stack.count(), 0);
+
+    pushing.disconnect();
     applying.set(2);
-
-    EXPECT_EQ(stack.count(), 1);
+    EXPECT_EQ(stack.count(), 1) << "recorded again, once applying a value has failed, too";
 }
 
 TEST_F(UndoablePropertyProxyTest, RecordsNothingWhileRecordingIsSuspended)
@@ -565,6 +515,19 @@ TEST_F(UndoablePropertyProxyTest, MayBeDroppedWithItsTargetByItsListenerDuringSe
     EXPECT_TRUE(watched.expired());
 }
 
+TEST_F(UndoablePropertyProxyTest, MayBeDroppedByItsListenerWhenItsTargetChanges)
+{
+    int laterCalls = 0;
+    proxy->connectSignalChanged([this](const int&) { proxy.reset(); });
+    proxy->connectSignalChanged([&](const int&) { ++laterCalls; });
+    proxy->connectSignalChanged([&](const int&) { ++laterCalls; });
+
+    target->set(1);
+
+    EXPECT_EQ(proxy, nullptr);
+    EXPECT_EQ(laterCalls, 0);
+}
+
 TEST_F(UndoablePropertyProxyTest, MayBeDroppedByItsListenerDuringUndo)
 {
     const boost::weak_ptr<Proxy> watched = proxy;
@@ -579,19 +542,6 @@ TEST_F(UndoablePropertyProxyTest, MayBeDroppedByItsListenerDuringUndo)
     proxy->set(5);
     EXPECT_EQ(stack.undoText(), "Change Number");
     EXPECT_EQ(stack.index(), stack.count());
-}
-
-TEST_F(UndoablePropertyProxyTest, MayBeDroppedByItsListenerWhenItsTargetChanges)
-{
-    int laterCalls = 0;
-    proxy->connectSignalChanged([this](const int&) { proxy.reset(); });
-    proxy->connectSignalChanged([&](const int&) { ++laterCalls; });
-    proxy->connectSignalChanged([&](const int&) { ++laterCalls; });
-
-    target->set(1);
-
-    EXPECT_EQ(proxy, nullptr);
-    EXPECT_EQ(laterCalls, 0);
 }
 
 TEST(UndoablePropertyProxy, RefusesAMissingTarget)

@@ -24,29 +24,19 @@ struct GenericUndoCommandTest : UndoStackFixture
 
 } // namespace
 
-TEST_F(GenericUndoCommandTest, CallsItsFunctions)
+TEST_F(GenericUndoCommandTest, CallsItsFunctionsWhereThereAreSomeAndAnswersTextAndId)
 {
-    const auto subject = command("A");
-
+    const auto subject = command("A", 5);
     subject->redo();
     subject->undo();
-
     EXPECT_EQ(log, "rA uA ");
-}
-
-TEST_F(GenericUndoCommandTest, AnswersTextAndId)
-{
-    EXPECT_EQ(command("A", 5)->text(), "A");
-    EXPECT_EQ(command("A", 5)->id(), 5);
+    EXPECT_EQ(subject->text(), "A");
+    EXPECT_EQ(subject->id(), 5);
     EXPECT_EQ(command("A")->id(), -1);
-}
 
-TEST_F(GenericUndoCommandTest, DoesNothingForAnEmptyFunction)
-{
-    GenericUndoCommand subject(nothing, nothing, nullptr, "nothing", -1);
-
-    EXPECT_NO_THROW(subject.redo());
-    EXPECT_NO_THROW(subject.undo());
+    GenericUndoCommand empty(nothing, nothing, nullptr, "nothing", -1);
+    EXPECT_NO_THROW(empty.redo());
+    EXPECT_NO_THROW(empty.undo());
 }
 
 TEST_F(GenericUndoCommandTest, RunsItsFunctionsWhileRecordingIsSuspended)
@@ -73,32 +63,23 @@ TEST_F(GenericUndoCommandTest, EndsTheSuspensionWhenAFunctionThrows)
     EXPECT_EQ(stack.count(), 1);
 }
 
-TEST_F(GenericUndoCommandTest, IsInertAndObsoleteOnceItsObjectIsDestroyed)
+TEST_F(GenericUndoCommandTest, IsInertAndObsoleteAndReleasesItsFunctionsOnceItsObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
-    const auto subject = command("A", -1, object.get());
-    EXPECT_FALSE(subject->isObsolete());
+    command("destroyed before its object", -1, object.get()).reset();
+    const auto held = std::make_shared<int>(1);
+    GenericUndoCommand subject([held, this] { log += "r"; }, [held, this] { log += "u"; },
+                               object.get(), "holding", -1);
+    EXPECT_FALSE(subject.isObsolete());
+    EXPECT_GT(held.use_count(), 1);
 
     object.reset();
-    subject->redo();
-    subject->undo();
+    subject.redo();
+    subject.undo();
 
     EXPECT_EQ(log, "");
-    EXPECT_TRUE(subject->isObsolete());
-}
-
-TEST_F(GenericUndoCommandTest, ReleasesItsFunctionsOnceItsObjectIsDestroyed)
-{
-    auto object = std::make_unique<DeleteSignaler>();
-    auto held = std::make_shared<int>(1);
-    const std::weak_ptr<int> watched = held;
-    const GenericUndoCommand subject([held] {}, [held] {}, object.get(), "holding", -1);
-    held.reset();
-    EXPECT_FALSE(watched.expired());
-
-    object.reset();
-
-    EXPECT_TRUE(watched.expired());
+    EXPECT_TRUE(subject.isObsolete());
+    EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST_F(GenericUndoCommandTest, MayDestroyItsObjectWhileItRuns)
@@ -118,16 +99,6 @@ TEST_F(GenericUndoCommandTest, MayDestroyItsObjectWhileItRuns)
     EXPECT_TRUE(subject.isObsolete());
 }
 
-TEST_F(GenericUndoCommandTest, MayBeDestroyedBeforeItsObject)
-{
-    auto object = std::make_unique<DeleteSignaler>();
-    command("A", -1, object.get()).reset();
-
-    object.reset();
-
-    EXPECT_EQ(log, "");
-}
-
 TEST_F(GenericUndoCommandTest, MergesIntoTheOlderUndoAndTheNewerRedo)
 {
     const DeleteSignaler object;
@@ -141,53 +112,29 @@ TEST_F(GenericUndoCommandTest, MergesIntoTheOlderUndoAndTheNewerRedo)
     EXPECT_EQ(log, "rB uA ");
 }
 
-TEST_F(GenericUndoCommandTest, MergesCommandsWithoutAnObject)
+TEST_F(GenericUndoCommandTest, MergesOnlyCommandsOfOneIdAndObjectWithoutParts)
 {
-    EXPECT_TRUE(command("A", 0)->mergeWith(command("B", 0).get()));
-}
-
-TEST_F(GenericUndoCommandTest, DoesNotMergeNegativeOrDifferentIds)
-{
+    auto one = std::make_unique<DeleteSignaler>();
+    const DeleteSignaler other;
+    const QUndoCommand foreign("foreign");
+    EXPECT_TRUE(command("A", 0)->mergeWith(command("B", 0).get())) << "without an object";
     EXPECT_FALSE(command("A", -1)->mergeWith(command("B", -1).get()));
     EXPECT_FALSE(command("A", -2)->mergeWith(command("B", -2).get()));
     EXPECT_FALSE(command("A", 3)->mergeWith(command("B", 4).get()));
-}
-
-TEST_F(GenericUndoCommandTest, DoesNotMergeCommandsOfDifferentObjects)
-{
-    const DeleteSignaler one;
-    const DeleteSignaler other;
-
-    EXPECT_FALSE(command("A", 3, &one)->mergeWith(command("B", 3, &other).get()));
-    EXPECT_FALSE(command("A", 3, &one)->mergeWith(command("B", 3).get()));
-}
-
-TEST_F(GenericUndoCommandTest, DoesNotMergeOnceItsObjectIsDestroyed)
-{
-    auto object = std::make_unique<DeleteSignaler>();
-    const auto older = command("A", 3, object.get());
-    const auto newer = command("B", 3, object.get());
-
-    object.reset();
-
-    EXPECT_FALSE(older->mergeWith(newer.get()));
-}
-
-TEST_F(GenericUndoCommandTest, DoesNotMergeAForeignCommand)
-{
-    const QUndoCommand foreign("foreign");
-
     EXPECT_FALSE(command("A", 3)->mergeWith(&foreign));
-}
+    EXPECT_FALSE(command("A", 3, one.get())->mergeWith(command("B", 3, &other).get()));
+    EXPECT_FALSE(command("A", 3, one.get())->mergeWith(command("B", 3).get()));
 
-TEST_F(GenericUndoCommandTest, DoesNotMergeCommandsWithParts)
-{
     const auto older = command("A", 3);
     const auto newer = command("B", 3);
     (void)command("part", -1, nullptr, newer.get()).release(); // its parent owns it
-
     EXPECT_FALSE(older->mergeWith(newer.get()));
     EXPECT_FALSE(newer->mergeWith(older.get()));
+
+    const auto ofOne = command("A", 3, one.get());
+    const auto alsoOfOne = command("B", 3, one.get());
+    one.reset();
+    EXPECT_FALSE(ofOne->mergeWith(alsoOfOne.get())) << "its object is destroyed";
 }
 
 TEST_F(GenericUndoCommandTest, RedoesItsPartsAfterItselfAndUndoesThemBefore)

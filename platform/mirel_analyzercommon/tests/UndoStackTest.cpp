@@ -17,43 +17,25 @@ struct UndoStackTest : UndoStackFixture
 
 } // namespace
 
-TEST_F(UndoStackTest, IsOneStackForAllHandles)
+TEST_F(UndoStackTest, DoesAPushedCommandOnceThenUndoesAndRedoesInOrder)
 {
+    ASSERT_EQ(QCoreApplication::instance(), nullptr) << "none is needed";
     EXPECT_EQ(&UndoStack().stack(), &UndoStack().stack());
-}
-
-TEST_F(UndoStackTest, DoesAPushedCommandOnceAndRecordsIt)
-{
     push("A");
-
     EXPECT_EQ(log, "rA ");
     EXPECT_EQ(stack.count(), 1);
     EXPECT_EQ(stack.index(), 1);
     EXPECT_EQ(stack.undoText(), "A");
-}
-
-TEST_F(UndoStackTest, UndoesAndRedoesInOrder)
-{
-    push("A");
     push("B");
     log.clear();
 
     stack.undo();
     stack.undo();
     stack.redo();
-    stack.redo();
-
-    EXPECT_EQ(log, "uB uA rA rB ");
-}
-
-TEST_F(UndoStackTest, DiscardsWhatCouldBeRedoneWhenACommandIsRecorded)
-{
-    push("A");
-    stack.undo();
-    push("B");
-
-    EXPECT_EQ(stack.count(), 1);
-    EXPECT_EQ(stack.undoText(), "B");
+    EXPECT_EQ(log, "uB uA rA ");
+    push("C");
+    EXPECT_EQ(stack.count(), 2) << "what could be redone is discarded";
+    EXPECT_EQ(stack.undoText(), "C");
 }
 
 TEST_F(UndoStackTest, MergesWithThePreviousCommandOfTheSameId)
@@ -83,36 +65,30 @@ TEST_F(UndoStackTest, DropsACommandWhoseObjectIsDestroyedDuringItsFirstRedo)
     EXPECT_TRUE(stack.canRedo());
 }
 
-TEST_F(UndoStackTest, SkipsCommandsWhoseObjectIsDestroyed)
+TEST_F(UndoStackTest, SkipsCommandsAndPartsOfAMacroWhoseObjectIsDestroyed)
 {
     auto object = std::make_unique<DeleteSignaler>();
-    UndoStack().push(new GenericUndoCommand(logging("rA "), logging("uA "), object.get(), "A", -1));
-    log.clear();
-
-    object.reset();
-    stack.undo();
-    stack.redo();
-
-    EXPECT_EQ(log, "");
-    EXPECT_FALSE(stack.canUndo());
-}
-
-TEST_F(UndoStackTest, SkipsPartsOfAMacroWhoseObjectIsDestroyed)
-{
-    auto object = std::make_unique<DeleteSignaler>();
+    const auto pushOfObject = [&](const std::string& name) {
+        UndoStack().push(new GenericUndoCommand(logging("r" + name), logging("u" + name),
+                                                object.get(), QString::fromStdString(name), -1));
+    };
+    pushOfObject("C");
     {
         const UndoStack::Macro macro("both");
         push("A");
-        UndoStack().push(
-            new GenericUndoCommand(logging("rB "), logging("uB "), object.get(), "B", -1));
+        pushOfObject("B");
     }
     log.clear();
 
     object.reset();
     stack.undo();
     stack.redo();
-
     EXPECT_EQ(log, "uA rA ");
+    stack.undo();
+    log.clear();
+    stack.undo();
+    EXPECT_EQ(log, "");
+    EXPECT_FALSE(stack.canUndo());
 }
 
 // Exceptions
@@ -195,16 +171,6 @@ TEST_F(UndoStackTest, RecordsNothingThatUndoAndRedoSetOff)
 }
 
 // Life time and application
-
-TEST_F(UndoStackTest, WorksWithoutAnApplicationObject)
-{
-    ASSERT_EQ(QCoreApplication::instance(), nullptr);
-
-    push("A");
-    stack.undo();
-
-    EXPECT_EQ(log, "rA uA ");
-}
 
 namespace {
 

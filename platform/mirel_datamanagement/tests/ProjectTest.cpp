@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -67,20 +68,15 @@ TEST(ProjectOpen, ExistsFromTheStartAndIsEmpty)
     EXPECT_TRUE(Project::project()->variables().empty());
 }
 
-TEST(ProjectOpen, IsTheOneThatWasOpenedLast)
-{
-    const auto project = boost::make_shared<Project>();
-    Project::setProject(project);
-    EXPECT_EQ(Project::project(), project);
-    Project::setProject(nullptr);
-}
-
-TEST(ProjectOpen, IsAnEmptyOneAfterClosing)
+TEST(ProjectOpen, IsTheOneThatWasOpenedLastAndAnEmptyOneAfterClosing)
 {
     const auto project = boost::make_shared<Project>();
     project->addNumericVariable("x", Variable::Independent);
     Project::setProject(project);
+    EXPECT_EQ(Project::project(), project);
+
     Project::setProject(nullptr);
+
     ASSERT_NE(Project::project(), nullptr);
     EXPECT_NE(Project::project(), project);
     EXPECT_TRUE(Project::project()->variables().empty());
@@ -100,20 +96,12 @@ TEST(ProjectOpen, InvalidatesItsHandlesWhenAnotherIsOpened)
     Project::setProject(nullptr);
 }
 
-TEST_F(ProjectTest, ListsItsVariablesInTheOrderInWhichTheyWereAdded)
+TEST_F(ProjectTest, KeepsItsVariablesInTheOrderAddedWithOneCellPerRecord)
 {
     EXPECT_EQ(project.variables(), (Handles{x, y, t}));
-}
-
-TEST_F(ProjectTest, ReturnsANullHandleForAnUnknownName)
-{
-    EXPECT_TRUE(project.variable("z").isNull());
-    EXPECT_TRUE(project.variable("X").isNull());
-    EXPECT_TRUE(project.variable("").isNull());
-}
-
-TEST_F(ProjectTest, KeepsOneCellPerRecord)
-{
+    for (const char* unknown : {"z", "X", ""}) {
+        EXPECT_TRUE(project.variable(unknown).isNull());
+    }
     EXPECT_EQ(project.numericValues(x), (Numbers{1.0, 2.0, 3.0}));
     EXPECT_EQ(project.textValues(t), (Texts{"a", "b", "c"}));
 }
@@ -152,34 +140,25 @@ TEST_F(ProjectTest, TakesALongColumnOverWithoutCopyingIt)
     EXPECT_EQ(project.numericValues(number).data(), data);
 }
 
-TEST_F(ProjectTest, ReadsOnlyNumbersAsNumbersAndTextAsText)
+TEST_F(ProjectTest, ReadsAndSetsNumbersAsNumbersAndTextAsText)
 {
-    EXPECT_EQ(refusal([&] { project.numericValues(t); }),
-              "The variable \"t\" holds text, not numbers.");
-    EXPECT_EQ(refusal([&] { project.textValues(x); }),
-              "The variable \"x\" holds numbers, not text.");
-    EXPECT_THROW(project.sharedNumericValues(t), ProjectError);
-    EXPECT_THROW(project.sharedTextValues(x), ProjectError);
-}
+    const std::string isText = "The variable \"t\" holds text, not numbers.";
+    const std::string isNumbers = "The variable \"x\" holds numbers, not text.";
+    EXPECT_EQ(refusal([&] { project.numericValues(t); }), isText);
+    EXPECT_EQ(refusal([&] { project.textValues(x); }), isNumbers);
+    EXPECT_EQ(refusal([&] { project.sharedNumericValues(t); }), isText);
+    EXPECT_EQ(refusal([&] { project.sharedTextValues(x); }), isNumbers);
+    EXPECT_EQ(refusal([&] { project.setValue(project.record(1), t, 1.0); }), isText);
+    EXPECT_EQ(refusal([&] { project.setValue(project.record(1), x, "1"); }), isNumbers);
 
-TEST_F(ProjectTest, SetsCells)
-{
     project.setValue(project.record(2), x, 7.5);
+    project.setValue(project.record(3), x, missing);
     project.setValue(project.record(3), t, "changed");
-    project.setValue(project.record(1), x, missing);
-    EXPECT_TRUE(std::isnan(project.numericValues(x)[0]));
-    EXPECT_EQ(project.numericValues(x)[1], 7.5);
-    EXPECT_EQ(project.textValues(t), (Texts{"a", "b", "changed"}));
-}
 
-TEST_F(ProjectTest, RefusesACellOfTheOtherKind)
-{
-    EXPECT_EQ(refusal([&] { project.setValue(project.record(1), t, 1.0); }),
-              "The variable \"t\" holds text, not numbers.");
-    EXPECT_EQ(refusal([&] { project.setValue(project.record(1), x, "1"); }),
-              "The variable \"x\" holds numbers, not text.");
-    EXPECT_EQ(project.textValues(t)[0], "a");
     EXPECT_EQ(project.numericValues(x)[0], 1.0);
+    EXPECT_EQ(project.numericValues(x)[1], 7.5);
+    EXPECT_TRUE(std::isnan(project.numericValues(x)[2]));
+    EXPECT_EQ(project.textValues(t), (Texts{"a", "b", "changed"}));
 }
 
 TEST_F(ProjectTest, KeepsSharedColumnsAsTheyWereWhenCellsChange)
@@ -218,7 +197,7 @@ TEST_F(ProjectTest, MovesVariablesInProjectOrder)
     EXPECT_EQ(project.variables(), (Handles{y, x, t}));
 }
 
-TEST_F(ProjectTest, KeepsARemovedVariable)
+TEST_F(ProjectTest, KeepsARemovedVariableAndRestoresItAtItsPlace)
 {
     project.removeVariable(y);
     EXPECT_EQ(project.variables(), (Handles{x, t}));
@@ -226,23 +205,15 @@ TEST_F(ProjectTest, KeepsARemovedVariable)
     EXPECT_FALSE(y.valid());
     EXPECT_EQ(y.lock()->name(), "y");
     EXPECT_EQ(project.numericValues(y), (Numbers{10.0, 20.0, 30.0}));
-}
 
-TEST_F(ProjectTest, RestoresARemovedVariableAtItsPlace)
-{
-    project.removeVariable(y);
     project.restoreVariable(y, 1);
     EXPECT_TRUE(y.valid());
     EXPECT_EQ(project.variables(), (Handles{x, y, t}));
     EXPECT_EQ(project.variable("y"), y);
     EXPECT_EQ(project.numericValues(y), (Numbers{10.0, 20.0, 30.0}));
-}
-
-TEST_F(ProjectTest, RestoresAVariableLastWhenThePlaceIsPastTheEnd)
-{
     project.removeVariable(x);
     project.restoreVariable(x, 99);
-    EXPECT_EQ(project.variables(), (Handles{y, t, x}));
+    EXPECT_EQ(project.variables(), (Handles{y, t, x})) << "last, past the end";
 }
 
 TEST_F(ProjectTest, KeepsTheRecordsOfARemovedVariableInStepWithTheOthers)
@@ -324,26 +295,20 @@ TEST_F(ProjectTest, KeepsAChosenRangeUntilItIsReset)
 TEST_F(ProjectTest, RefusesARangeThatIsReversedOrNotFinite)
 {
     const double infinity = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(refusal([&] {
-                  project.setRange(x, {2.5, 1.0});
-              }),
-              "The range of variable \"x\" must be two finite numbers, the smaller one first, not "
-              "2.5 to 1.");
-    EXPECT_EQ(refusal([&] {
-                  project.setRange(x, {0.0, infinity});
-              }),
-              "The range of variable \"x\" must be two finite numbers, the smaller one first, not "
-              "0 to inf.");
-    EXPECT_THROW(project.setRange(x, {-infinity, 0.0}), ProjectError);
-    EXPECT_THROW(project.setRange(x, {missing, 0.0}), ProjectError);
-    EXPECT_THROW(project.setRange(x, {0.0, missing}), ProjectError);
+    const std::tuple<double, double, const char*> rows[] = {
+        {2.5, 1.0, "2.5 to 1"},     {0.0, infinity, "0 to inf"}, {-infinity, 0.0, "-inf to 0"},
+        {missing, 0.0, "nan to 0"}, {0.0, missing, "0 to nan"},
+    };
+    for (const auto& [low, high, text] : rows) {
+        const std::pair<double, double> range(low, high);
+        EXPECT_EQ(refusal([&] { project.setRange(x, range); }),
+                  "The range of variable \"x\" must be two finite numbers, the smaller one first, "
+                  "not " +
+                      std::string(text) + '.');
+    }
     EXPECT_EQ(x.lock()->range(), std::make_pair(1.0, 3.0));
-}
-
-TEST_F(ProjectTest, AcceptsARangeOfOnePoint)
-{
     project.setRange(x, {2.0, 2.0});
-    EXPECT_EQ(x.lock()->range(), std::make_pair(2.0, 2.0));
+    EXPECT_EQ(x.lock()->range(), std::make_pair(2.0, 2.0)) << "one point";
 }
 
 TEST_F(ProjectTest, ThrowsForNullHandles)

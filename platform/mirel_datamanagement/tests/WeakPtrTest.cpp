@@ -31,79 +31,46 @@ std::string messageOfLocking(const ThingPtr& handle)
 
 } // namespace
 
-TEST(WeakPtr, IsNullByDefault)
+TEST(WeakPtr, IsNullByDefaultAndOfANullObjectWhateverTheIdentity)
 {
-    EXPECT_TRUE(ThingPtr().isNull());
-    EXPECT_FALSE(ThingPtr().valid());
-    EXPECT_EQ(ThingPtr().id(), 0u);
+    for (const ThingPtr& handle : {ThingPtr(), ThingPtr(boost::shared_ptr<Thing>(), 7)}) {
+        EXPECT_TRUE(handle.isNull());
+        EXPECT_FALSE(handle.valid());
+        EXPECT_EQ(handle.id(), 0u);
+        EXPECT_EQ(handle, ThingPtr());
+        EXPECT_EQ(messageOfLocking(handle),
+                  "A null handle was given where a variable or record of the project is expected.");
+        EXPECT_THROW(handle.lock(), veska::ExceptionBase);
+    }
 }
 
-TEST(WeakPtr, OfANullObjectIsTheNullHandleWhateverTheIdentity)
+TEST(WeakPtr, HasAnIdentityAndLocksItsObjectWithoutKeepingItAlive)
 {
-    const ThingPtr handle(boost::shared_ptr<Thing>(), 7);
-    EXPECT_TRUE(handle.isNull());
-    EXPECT_EQ(handle.id(), 0u);
-    EXPECT_EQ(handle, ThingPtr());
-}
-
-TEST(WeakPtr, HasAnIdentityAndLocksItsObject)
-{
-    const auto thing = boost::make_shared<Thing>();
+    auto thing = boost::make_shared<Thing>();
     const ThingPtr handle(thing, 7);
     EXPECT_FALSE(handle.isNull());
     EXPECT_EQ(handle.id(), 7u);
     EXPECT_EQ(handle.lock(), thing);
     EXPECT_EQ(handle.tryLock(), thing);
-}
-
-TEST(WeakPtr, KeepsNothingAlive)
-{
-    auto thing = boost::make_shared<Thing>();
-    const ThingPtr handle(thing, 7);
     EXPECT_EQ(thing.use_count(), 1);
+
     thing.reset();
     EXPECT_EQ(handle.tryLock(), nullptr);
-}
-
-TEST(WeakPtr, IsValidWhileItsObjectIsInItsProject)
-{
-    const auto thing = boost::make_shared<Thing>();
-    const ThingPtr handle(thing, 7);
-    EXPECT_TRUE(handle.valid());
-    thing->inProject = false;
-    EXPECT_FALSE(handle.valid());
-    thing->inProject = true;
-    EXPECT_TRUE(handle.valid());
-}
-
-TEST(WeakPtr, LocksAnObjectThatWasRemovedFromItsProject)
-{
-    const auto thing = boost::make_shared<Thing>();
-    const ThingPtr handle(thing, 7);
-    thing->inProject = false;
-    EXPECT_EQ(handle.lock(), thing);
-}
-
-TEST(WeakPtr, ThrowsOnLockingANullHandle)
-{
-    EXPECT_EQ(messageOfLocking(ThingPtr()),
-              "A null handle was given where a variable or record of the project is expected.");
-}
-
-TEST(WeakPtr, ThrowsOnLockingADestroyedObject)
-{
-    auto thing = boost::make_shared<Thing>();
-    const ThingPtr handle(thing, 7);
-    thing.reset();
     EXPECT_FALSE(handle.valid());
     EXPECT_FALSE(handle.isNull());
     EXPECT_EQ(messageOfLocking(handle), "The variable or record of this handle no longer exists: "
                                         "its project has been closed.");
 }
 
-TEST(WeakPtr, ThrowsWhatIsCaughtAsTheCommonException)
+TEST(WeakPtr, IsValidWhileItsObjectIsInItsProjectAndLocksItAllTheSame)
 {
-    EXPECT_THROW(ThingPtr().lock(), veska::ExceptionBase);
+    const auto thing = boost::make_shared<Thing>();
+    const ThingPtr handle(thing, 7);
+    for (const bool isInProject : {true, false, true}) {
+        thing->inProject = isInProject;
+        EXPECT_EQ(handle.valid(), isInProject);
+        EXPECT_EQ(handle.lock(), thing);
+    }
 }
 
 TEST(WeakPtr, ComparesByIdentity)

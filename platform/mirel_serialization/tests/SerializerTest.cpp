@@ -125,96 +125,46 @@ TEST(Serializer, ReadsSubElementsInTheOrderAddedThenItsOwnContent)
     EXPECT_EQ(order, (Values{"Second", "First", "Settings"}));
 }
 
-TEST(Serializer, ReadsTheElementThatHasItsName)
+TEST(Serializer, ReadsTheFirstElementThatHasItsNameHereOrAmongTheDirectChildren)
 {
-    const ValueSerializer serializer("Settings");
-
-    read(serializer, "<Settings><Own value='1'/></Settings>");
-
-    EXPECT_EQ(serializer.readValues, Values{"1"});
-}
-
-TEST(Serializer, FindsItsElementAmongTheDirectChildrenOfAParent)
-{
-    const ValueSerializer serializer("Settings");
-
-    read(serializer, "<Project><Other/><Settings><Own value='1'/></Settings>"
-                     "<Settings><Own value='2'/></Settings></Project>");
-
-    EXPECT_EQ(serializer.readValues, Values{"1"}) << "the first one counts";
-}
-
-TEST(Serializer, DoesNothingWithoutItsElement)
-{
-    const ValueSerializer serializer("Settings");
-    QDomElement null;
-
-    serializer.deserialize(null);
-    read(serializer, "<Project/>");
-    read(serializer, "<Project><settings/><Deeper><Settings/></Deeper></Project>");
-
-    EXPECT_TRUE(serializer.readValues.empty());
-}
-
-TEST(Serializer, TakesTheOutermostOfNestedElementsOfItsName)
-{
-    const ValueSerializer serializer("Settings");
-
-    read(serializer, "<Settings><Settings><Own value='inner'/></Settings></Settings>");
-
-    EXPECT_EQ(serializer.readValues, Values{""});
+    const std::pair<const char*, Values> rows[] = {
+        {"<Settings><Own value='1'/></Settings>", {"1"}},
+        {"<Project><Other/><Settings><Own value='1'/></Settings>"
+         "<Settings><Own value='2'/></Settings></Project>",
+         {"1"}},
+        {"<Settings><Settings><Own value='inner'/></Settings></Settings>", {""}},
+        {"<Project/>", {}},
+        {"<Project><settings/><Deeper><Settings/></Deeper></Project>", {}},
+    };
+    for (const auto& [xml, values] : rows) {
+        const ValueSerializer serializer("Settings");
+        QDomElement null;
+        serializer.deserialize(null);
+        read(serializer, xml);
+        EXPECT_EQ(serializer.readValues, values) << xml;
+    }
 }
 
 TEST(Serializer, PassesASubElementTheFirstDirectChildWithItsName)
 {
-    Serializer serializer("Settings");
+    ValueSerializer serializer("Settings");
     const auto type = makeValue("Type");
+    const auto inner = makeValue("Settings");
     serializer.addSubElement(type);
+    serializer.addSubElement(inner);
 
     read(serializer, "<Settings><Deeper><Type><Own value='deep'/></Type></Deeper>"
                      "<Type><Own value='1'/></Type><Type><Own value='2'/></Type></Settings>");
-
     EXPECT_EQ(type->readValues, Values{"1"});
-}
-
-TEST(Serializer, LeavesASubElementAloneWhoseElementIsMissing)
-{
-    ValueSerializer serializer("Settings");
-    const auto type = makeValue("Type");
-    serializer.addSubElement(type);
-
-    read(serializer, "<Settings><Deeper><Type/></Deeper></Settings>");
-
-    EXPECT_TRUE(type->readValues.empty());
-    EXPECT_EQ(serializer.readValues.size(), 1U) << "the own content is read all the same";
-}
-
-TEST(Serializer, DoesNotTakeItselfForASubElementOfTheSameName)
-{
-    Serializer serializer("Settings");
-    const auto inner = makeValue("Settings");
-    serializer.addSubElement(inner);
-
-    read(serializer, "<Settings><Own value='outer'/></Settings>");
-    EXPECT_TRUE(inner->readValues.empty());
-    read(serializer, "<Settings><Settings><Own value='inner'/></Settings></Settings>");
-
+    EXPECT_TRUE(inner->readValues.empty()) << "the outer element is not its own";
+    read(serializer, "<Settings><Deeper><Type/></Deeper><Settings><Own value='inner'/></Settings>"
+                     "</Settings>");
+    EXPECT_EQ(type->readValues, Values{"1"}) << "left alone where its element is missing";
     EXPECT_EQ(inner->readValues, Values{"inner"});
+    EXPECT_EQ(serializer.readValues.size(), 2U) << "the own content is read all the same";
 }
 
 TEST(Serializer, ReadsButDoesNotWriteDeserializeOnlySubElements)
-{
-    Serializer serializer("Settings");
-    const auto old = makeValue("OldType");
-    serializer.addDeserializeOnlySubElement(old);
-
-    EXPECT_EQ(written(serializer), "<Settings/>");
-    read(serializer, "<Settings><OldType><Own value='1'/></OldType></Settings>");
-
-    EXPECT_EQ(old->readValues, Values{"1"});
-}
-
-TEST(Serializer, ReadsOldAndPresentSubElementsInTheOrderAdded)
 {
     Values order;
     Serializer serializer("Settings");
@@ -225,9 +175,12 @@ TEST(Serializer, ReadsOldAndPresentSubElementsInTheOrderAdded)
     serializer.addDeserializeOnlySubElement(old);
     serializer.addSubElement(present);
 
-    read(serializer, "<Settings><Present/><Old/></Settings>");
-
-    EXPECT_EQ(order, (Values{"Old", "Present"}));
+    read(serializer, "<Settings><Present/><Old><Own value='1'/></Old></Settings>");
+    EXPECT_EQ(order, (Values{"Old", "Present"})) << "in the order added";
+    EXPECT_EQ(old->readValues, Values{"1"});
+    serializer.replaceSubElement(makeValue("Old"));
+    EXPECT_EQ(written(serializer), "<Settings><Present><Own value=\"\"/></Present></Settings>")
+        << "nor once it is replaced";
 }
 
 TEST(Serializer, ReplacesASubElementInItsPlace)
@@ -246,59 +199,31 @@ TEST(Serializer, ReplacesASubElementInItsPlace)
     EXPECT_TRUE(replaced->readValues.empty());
     EXPECT_EQ(replacing->readValues.size(), 1U);
     EXPECT_EQ(replaced.use_count(), 1) << "released";
+    EXPECT_EQ(replacing.use_count(), 2) << "shared";
 }
 
-TEST(Serializer, KeepsAReplacedSubElementReadOnlyIfItWas)
+TEST(Serializer, RefusesSubElementsThatItCannotHave)
 {
-    Serializer serializer("Settings");
-    serializer.addDeserializeOnlySubElement(makeValue("Old"));
-
-    serializer.replaceSubElement(makeValue("Old"));
-
-    EXPECT_EQ(written(serializer), "<Settings/>");
-}
-
-TEST(Serializer, RefusesToReplaceAnUnknownSubElement)
-{
-    Serializer serializer("Settings");
-
-    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(makeValue("Type")); }),
-              "The element \"Settings\" has no sub-element named \"Type\" to replace.");
-    EXPECT_EQ(written(serializer), "<Settings/>");
-}
-
-TEST(Serializer, RefusesASecondSubElementOfTheSameName)
-{
-    Serializer serializer("Settings");
+    const auto settings = boost::make_shared<Serializer>("Settings");
+    Serializer& serializer = *settings;
     serializer.addSubElement(makeValue("Type", "1"));
-    const std::string refusal =
-        "The element \"Settings\" already has a sub-element named \"Type\".";
-
-    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(makeValue("Type", "2")); }), refusal);
-    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(makeValue("Type")); }),
-              refusal);
-    EXPECT_EQ(written(serializer), "<Settings><Type><Own value=\"1\"/></Type></Settings>");
-}
-
-TEST(Serializer, RefusesNullSubElements)
-{
-    Serializer serializer("Settings");
-    const std::string refusal =
+    const std::string second = "The element \"Settings\" already has a sub-element named \"Type\".";
+    const std::string null =
         "A sub-element of \"Settings\" needs a serializer, but got a null pointer.";
 
-    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(nullptr); }), refusal);
-    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(nullptr); }), refusal);
-    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(nullptr); }), refusal);
-    EXPECT_EQ(written(serializer), "<Settings/>");
-}
-
-TEST(Serializer, RefusesToBeASubElementOfItself)
-{
-    const auto serializer = boost::make_shared<Serializer>("Settings");
-
-    EXPECT_EQ(refusalOf([&] { serializer->addSubElement(serializer); }),
+    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(makeValue("Size")); }),
+              "The element \"Settings\" has no sub-element named \"Size\" to replace.");
+    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(makeValue("Type", "2")); }), second);
+    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(makeValue("Type")); }),
+              second);
+    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(nullptr); }), null);
+    EXPECT_EQ(refusalOf([&] { serializer.addDeserializeOnlySubElement(nullptr); }), null);
+    EXPECT_EQ(refusalOf([&] { serializer.replaceSubElement(nullptr); }), null);
+    EXPECT_EQ(refusalOf([&] { serializer.addSubElement(settings); }),
               "The element \"Settings\" cannot be a sub-element of itself.");
-    EXPECT_EQ(serializer.use_count(), 1);
+
+    EXPECT_EQ(written(serializer), "<Settings><Type><Own value=\"1\"/></Type></Settings>");
+    EXPECT_EQ(settings.use_count(), 1);
 }
 
 TEST(Serializer, LeavesOutASubElementThatReturnsANullElement)
@@ -349,17 +274,6 @@ TEST(Serializer, PassesOnWhatASubElementThrowsAndReadsNoFurther)
 
     EXPECT_EQ(before->readValues.size(), 1U);
     EXPECT_TRUE(serializer.readValues.empty());
-}
-
-TEST(Serializer, SharesOwnershipOfItsSubElements)
-{
-    const auto sub = makeValue("Sub");
-    {
-        Serializer serializer("Settings");
-        serializer.addSubElement(sub);
-        EXPECT_EQ(sub.use_count(), 2);
-    }
-    EXPECT_EQ(sub.use_count(), 1);
 }
 
 TEST(Serializer, KeepsTheOrderOfItsOperations)
