@@ -87,17 +87,6 @@ void expectSamePredictions(const Model& model, const DescribedSurrogateModel& co
     }
 }
 
-/** A description that holds. */
-Description valid()
-{
-    return polynomial(twoInputs(20, 0.1)).predictorDescription(0);
-}
-
-Description validKriging()
-{
-    return kriging(twoInputs(20, 0.0)).predictorDescription(0);
-}
-
 std::string refusalOf(const Description& description)
 {
     return errorOf([&] { DescribedSurrogateModel({{description, {}, {}}}); });
@@ -105,18 +94,17 @@ std::string refusalOf(const Description& description)
 
 } // namespace
 
-TEST(DescribedSurrogateModel, PredictsWhatTheResponseSurfaceDoesToTheLastBit)
+TEST(DescribedSurrogateModel, PredictsWhatModelsDoToTheLastBitAndDescribesItselfAgain)
 {
-    const SurrogateResponseSurfaceModel model = polynomial(threeInputs(30));
-
-    expectSamePredictions(model, described(model, 2), 2);
-}
-
-TEST(DescribedSurrogateModel, PredictsWhatKrigingDoesToTheLastBit)
-{
+    const SurrogateResponseSurfaceModel surface = polynomial(threeInputs(30));
+    expectSamePredictions(surface, described(surface, 2), 2);
     const KrigingSurrogateModel model = kriging(threeInputs(30));
-
     expectSamePredictions(model, described(model, 2), 2);
+    expectSamePredictions(model, described(described(model, 1), 1), 1);
+
+    EXPECT_EQ(described(model, 1).fitMetrics(0).cases, 30u);
+    EXPECT_EQ(described(model, 1).fitMetrics(0).looRmse, model.fitMetrics(0).looRmse);
+    EXPECT_EQ(described(model, 1).fitWarnings(0), model.fitWarnings(0));
 }
 
 TEST(DescribedSurrogateModel, PredictsModelsThatAreConstants)
@@ -131,31 +119,8 @@ TEST(DescribedSurrogateModel, PredictsModelsThatAreConstants)
         const SurrogateResponseSurfaceModel surface = polynomial(cases);
         expectSamePredictions(surface, described(surface, 1), 1);
     }
-}
-
-TEST(DescribedSurrogateModel, PredictsModelsWithoutInputs)
-{
-    const KrigingSurrogateModel model = kriging({{}, {{1.0, 2.0, 4.0}}});
-
-    EXPECT_EQ(predict(described(model, 1), {}), predict(model, {}));
-}
-
-TEST(DescribedSurrogateModel, DescribesItselfAgain)
-{
-    const KrigingSurrogateModel model = kriging(threeInputs(20));
-    const DescribedSurrogateModel once = described(model, 1);
-
-    expectSamePredictions(model, described(once, 1), 1);
-}
-
-TEST(DescribedSurrogateModel, KeepsMetricsAndWarnings)
-{
-    const KrigingSurrogateModel model = kriging(threeInputs(20));
-    const DescribedSurrogateModel copy = described(model, 1);
-
-    EXPECT_EQ(copy.fitMetrics(0).cases, 20u);
-    EXPECT_EQ(copy.fitMetrics(0).looRmse, model.fitMetrics(0).looRmse);
-    EXPECT_EQ(copy.fitWarnings(0), model.fitWarnings(0));
+    const KrigingSurrogateModel withoutInputs = kriging({{}, {{1.0, 2.0, 4.0}}});
+    EXPECT_EQ(predict(described(withoutInputs, 1), {}), predict(withoutInputs, {}));
 }
 
 TEST(DescribedSurrogateModel, KnowsWhichPointsLieOutsideTheCases)
@@ -197,53 +162,41 @@ TEST(DescribedSurrogateModel, ChecksItsArgumentsLikeEveryModel)
 TEST(DescribedSurrogateModel, RefusesDescriptionsThatContradictThemselves)
 {
     const std::string start = "The description of the model contradicts itself: ";
-    EXPECT_EQ(refusalOf(valid()), "");
-    EXPECT_EQ(refusalOf(validKriging()), "");
-
-    Description wrong = valid();
-    wrong.coordinates[1].input = 2;
-    EXPECT_EQ(refusalOf(wrong), start + "a coordinate is that of input 2, counted from 0, of 2.");
-
-    wrong = valid();
-    wrong.coordinates[0].unit = 0.0;
-    EXPECT_EQ(refusalOf(wrong), start + "the unit of a coordinate is not positive.");
-
-    wrong = valid();
-    wrong.terms.back().second = 2;
-    EXPECT_EQ(refusalOf(wrong), start + "a term has a coordinate that does not exist.");
-
-    wrong = valid();
-    wrong.terms[0] = {1, 0, 1.0};
-    EXPECT_EQ(refusalOf(wrong), start + "the factors of a term are not in order.");
-
-    wrong = valid();
-    wrong.offset = notANumber;
-    EXPECT_EQ(refusalOf(wrong), start + "the offset is not finite.");
-
-    wrong = valid();
-    wrong.weights = {1.0};
-    EXPECT_EQ(refusalOf(wrong), start + "a polynomial has no cases.");
-
-    wrong = valid();
-    wrong.inputs[0].minimum = 99.0;
-    EXPECT_EQ(refusalOf(wrong), start + "the range of an input is none.");
-
-    wrong = validKriging();
-    wrong.cases.pop_back();
-    EXPECT_EQ(refusalOf(wrong),
-              start + "the cases have 39 coordinates in all, not 2 for each of 20 weights.");
-
-    wrong = validKriging();
-    wrong.lengths = {1.0};
-    EXPECT_EQ(refusalOf(wrong), start + "there are 1 lengths for 2 coordinates.");
-
-    wrong = validKriging();
-    wrong.lengths[0] = -1.0;
-    EXPECT_EQ(refusalOf(wrong), start + "a length is not positive.");
-
-    wrong = validKriging();
-    wrong.weights[3] = infinity;
-    EXPECT_EQ(refusalOf(wrong), start + "a weight is not finite.");
-
+    struct
+    {
+        bool isKriging;
+        void (*spoil)(Description& wrong);
+        const char* fault;
+    } const rows[] = {
+        {false, [](Description& wrong) { wrong.coordinates[1].input = 2; },
+         "a coordinate is that of input 2, counted from 0, of 2."},
+        {false, [](Description& wrong) { wrong.coordinates[0].unit = 0.0; },
+         "the unit of a coordinate is not positive."},
+        {false, [](Description& wrong) { wrong.terms.back().second = 2; },
+         "a term has a coordinate that does not exist."},
+        {false,
+         [](Description& wrong) {
+             wrong.terms[0] = {1, 0, 1.0};
+         },
+         "the factors of a term are not in order."},
+        {false, [](Description& wrong) { wrong.offset = notANumber; }, "the offset is not finite."},
+        {false, [](Description& wrong) { wrong.weights = {1.0}; }, "a polynomial has no cases."},
+        {false, [](Description& wrong) { wrong.inputs[0].minimum = 99.0; },
+         "the range of an input is none."},
+        {true, [](Description& wrong) { wrong.cases.pop_back(); },
+         "the cases have 39 coordinates in all, not 2 for each of 20 weights."},
+        {true, [](Description& wrong) { wrong.lengths = {1.0}; },
+         "there are 1 lengths for 2 coordinates."},
+        {true, [](Description& wrong) { wrong.lengths[0] = -1.0; }, "a length is not positive."},
+        {true, [](Description& wrong) { wrong.weights[3] = infinity; }, "a weight is not finite."},
+    };
+    for (const auto& row : rows) {
+        Description description = row.isKriging
+                                      ? kriging(twoInputs(20, 0.0)).predictorDescription(0)
+                                      : polynomial(twoInputs(20, 0.1)).predictorDescription(0);
+        EXPECT_EQ(refusalOf(description), "");
+        row.spoil(description);
+        EXPECT_EQ(refusalOf(description), start + row.fault);
+    }
     EXPECT_EQ(errorOf([] { DescribedSurrogateModel({}); }), start + "it has no output.");
 }

@@ -3,124 +3,112 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
+#include <vector>
 
-TEST(FitProgress, IsNotNeededByAFit)
-{
-    EXPECT_NO_THROW(FitProgress::report(0.5, "searching"));
-}
+namespace {
 
-TEST(FitProgress, ReceivesTheFractionAndTheMessage)
+/** Notes what is reported while it lives; cancels where it is told to. */
+struct Recorder
 {
-    double seen = -1.0;
-    std::string text;
-    FitProgress progress([&](double fraction, const std::string& message) {
-        seen = fraction;
-        text = message;
-        return true;
-    });
+    explicit Recorder(bool goesOn = true)
+        : progress([this, goesOn](double fraction, const std::string& message) {
+              fractions.push_back(fraction);
+              messages.push_back(message);
+              return goesOn;
+          })
+    {}
+
+    std::vector<double> fractions;
+    std::vector<std::string> messages;
+    FitProgress progress;
+};
+
+using Fractions = std::vector<double>;
+using Messages = std::vector<std::string>;
+
+} // namespace
+
+TEST(FitProgress, ReceivesTheFractionAndTheMessageOfItsOwnThread)
+{
+    EXPECT_NO_THROW(FitProgress::report(0.5, "nobody listens"));
+    const Recorder recorder;
 
     FitProgress::report(0.25, "searching");
+    std::thread([] { FitProgress::report(0.5, "elsewhere"); }).join();
+    FitProgress::advance(1.0); // work that belongs to no fit
 
-    EXPECT_EQ(seen, 0.25);
-    EXPECT_EQ(text, "searching");
+    EXPECT_EQ(recorder.fractions, Fractions{0.25});
+    EXPECT_EQ(recorder.messages, Messages{"searching"});
 }
 
 TEST(FitProgress, CancelsTheFitWithAnErrorWhenItAnswersFalse)
 {
-    FitProgress progress([](double, const std::string&) { return false; });
-
+    const Recorder recorder(false);
     EXPECT_THROW(FitProgress::report(0.0, ""), SurrogateModelInterface::Error);
+
+    const FitProgress::Portion portion(0.0, 1.0, "searching");
+    EXPECT_THROW(FitProgress::advance(1.0), SurrogateModelInterface::Error);
 }
 
 TEST(FitProgress, IsReplacedByANewerOneUntilThatEnds)
 {
-    int outer = 0;
-    int inner = 0;
-    FitProgress first([&](double, const std::string&) { return ++outer > 0; });
+    const Recorder first;
     {
-        FitProgress second([&](double, const std::string&) { return ++inner > 0; });
-        FitProgress::report(0.0, "");
+        const Recorder second;
+        FitProgress::report(0.5, "");
+        EXPECT_EQ(second.fractions, Fractions{0.5});
     }
-    FitProgress::report(0.0, "");
+    FitProgress::report(0.25, "");
 
-    EXPECT_EQ(inner, 1);
-    EXPECT_EQ(outer, 1);
-}
-
-TEST(FitProgress, ReceivesReportsOfItsOwnThreadOnly)
-{
-    int calls = 0;
-    FitProgress progress([&](double, const std::string&) { return ++calls > 0; });
-
-    std::thread([] { FitProgress::report(0.0, ""); }).join();
-
-    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(first.fractions, Fractions{0.25});
 }
 
 TEST(FitProgress, CountsTheWorkOfAPortionWithoutReachingItsEnd)
 {
-    std::vector<double> fractions;
-    std::vector<std::string> messages;
-    FitProgress progress([&](double fraction, const std::string& message) {
-        fractions.push_back(fraction);
-        messages.push_back(message);
-        return true;
-    });
+    const Recorder recorder;
     const FitProgress::Portion second(0.5, 1.0, "searching", 100.0);
     FitProgress::advance();
     FitProgress::advance(50.0);
     FitProgress::advance(1e30);
 
+    const Fractions& fractions = recorder.fractions;
     ASSERT_EQ(fractions.size(), 3u);
     EXPECT_EQ(fractions[0], 0.5);
     EXPECT_GT(fractions[1], 0.75);
     EXPECT_LT(fractions[1], 0.9);
     EXPECT_GT(fractions[2], 0.95);
     EXPECT_LT(fractions[2], 1.0);
-    EXPECT_EQ(messages, std::vector<std::string>(3, "searching"));
+    EXPECT_EQ(recorder.messages, Messages(3, "searching"));
 }
 
 TEST(FitProgress, ReportsWorkInPartsOfANamedPortionAtTheirBeginning)
 {
-    double seen = -1.0;
-    std::string text;
-    FitProgress progress([&](double fraction, const std::string& message) {
-        seen = fraction;
-        text = message;
-        return true;
-    });
+    const Recorder recorder;
     const FitProgress::Portion named(0.0, 0.5, "searching");
     const FitProgress::Portion part(0.5, 1.0);
 
     FitProgress::advance(10.0);
 
-    EXPECT_EQ(seen, 0.25);
-    EXPECT_EQ(text, "searching");
+    EXPECT_EQ(recorder.fractions, Fractions{0.25});
+    EXPECT_EQ(recorder.messages, Messages{"searching"});
 }
 
 TEST(FitProgress, RepeatsTheLastFractionWhereTheWorkIsUnknown)
 {
-    std::vector<double> fractions;
-    FitProgress progress([&](double fraction, const std::string&) {
-        fractions.push_back(fraction);
-        return true;
-    });
+    const Recorder recorder;
     const FitProgress::Portion portion(0.5, 1.0, "passing over the cases");
     FitProgress::advance();
     FitProgress::report(0.5, "");
     FitProgress::advance();
 
-    EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.75}));
+    EXPECT_EQ(recorder.fractions, (Fractions{0.5, 0.75, 0.75}));
 }
 
 TEST(FitProgress, DoesNotGoBackBetweenThePartsOfAPortion)
 {
-    double last = -1.0;
-    FitProgress progress([&](double fraction, const std::string&) {
-        last = fraction;
-        return true;
-    });
+    const Recorder recorder;
     const FitProgress::Portion whole(0.0, 1.0, "fitting");
     {
         const FitProgress::Portion part(0.0, 0.5);
@@ -129,34 +117,12 @@ TEST(FitProgress, DoesNotGoBackBetweenThePartsOfAPortion)
 
     FitProgress::advance();
 
-    EXPECT_DOUBLE_EQ(last, 0.4);
-}
-
-TEST(FitProgress, IsSilentAboutWorkThatBelongsToNoFit)
-{
-    int calls = 0;
-    FitProgress progress([&](double, const std::string&) { return ++calls > 0; });
-
-    FitProgress::advance(1.0);
-
-    EXPECT_EQ(calls, 0);
-}
-
-TEST(FitProgress, CancelsDuringTheWorkOfAPortion)
-{
-    FitProgress progress([](double, const std::string&) { return false; });
-    const FitProgress::Portion portion(0.0, 1.0, "searching");
-
-    EXPECT_THROW(FitProgress::advance(1.0), SurrogateModelInterface::Error);
+    EXPECT_DOUBLE_EQ(recorder.fractions.back(), 0.4);
 }
 
 TEST(FitProgress, ReportsThePortionsOfAFitAsPartsOfTheWhole)
 {
-    std::vector<double> fractions;
-    FitProgress progress([&](double fraction, const std::string&) {
-        fractions.push_back(fraction);
-        return true;
-    });
+    const Recorder recorder;
     {
         const FitProgress::Portion second(0.5, 1.0);
         FitProgress::report(0.0, "");
@@ -165,19 +131,17 @@ TEST(FitProgress, ReportsThePortionsOfAFitAsPartsOfTheWhole)
     }
     FitProgress::report(0.875, "");
 
-    EXPECT_EQ(fractions, (std::vector<double>{0.5, 0.75, 0.875}));
+    EXPECT_EQ(recorder.fractions, (Fractions{0.5, 0.75, 0.875}));
 }
 
 TEST(FitProgress, ReceivesFractionsOfTheWholeFromAFitWithinAReport)
 {
-    std::vector<double> outerFractions;
-    std::vector<double> innerFractions;
-    FitProgress outer([&](double fraction, const std::string&) {
-        FitProgress inner([&](double ofInner, const std::string&) {
-            innerFractions.push_back(ofInner);
-            return true;
-        });
+    Fractions outerFractions;
+    Fractions innerFractions;
+    const FitProgress outer([&](double fraction, const std::string&) {
+        const Recorder inner;
         FitProgress::report(0.5, "");
+        innerFractions.push_back(inner.fractions.at(0));
         outerFractions.push_back(fraction);
         return true;
     });
@@ -187,6 +151,6 @@ TEST(FitProgress, ReceivesFractionsOfTheWholeFromAFitWithinAReport)
         FitProgress::report(1.0, "");
     }
 
-    EXPECT_EQ(innerFractions, (std::vector<double>{0.5, 0.5}));
-    EXPECT_EQ(outerFractions, (std::vector<double>{0.5, 1.0}));
+    EXPECT_EQ(innerFractions, (Fractions{0.5, 0.5}));
+    EXPECT_EQ(outerFractions, (Fractions{0.5, 1.0}));
 }

@@ -44,11 +44,6 @@ std::string refusal(const Action& action)
     return {};
 }
 
-std::string refusalOf(const KrigingArguments& arguments)
-{
-    return refusal([&] { arguments.model(someInputs(), someOutputs()); });
-}
-
 } // namespace
 
 TEST(KrigingSurrogateModel, InterpolatesSmoothData)
@@ -118,59 +113,50 @@ TEST(KrigingSurrogateModel, TakesItsOptionsByNameOrOneByOne)
 
     EXPECT_EQ(byName.qualityMetricInformation(0), oneByOne.qualityMetricInformation(0));
     EXPECT_EQ(byName.krigingReport(0).nugget, 1e-5);
-}
-
-TEST(KrigingSurrogateModel, EstimatesEverythingWithALinearTrendByDefault)
-{
-    Columns inputs = someInputs();
-    Columns outputs = someOutputs();
-
     const KrigingSurrogateModel byDefault(pointersTo(inputs), pointersTo(outputs), 30,
                                           KrigingOptions());
-    const KrigingSurrogateModel oneByOne(pointersTo(inputs), pointersTo(outputs), 30, 1e-4, {}, 1,
-                                         0.5, 0.0, 0);
-
-    EXPECT_EQ(byDefault.qualityMetricInformation(0), oneByOne.qualityMetricInformation(0));
-}
-
-TEST(KrigingSurrogateModel, RefusesANegativeNumberOfCases)
-{
-    Columns outputs = someOutputs();
-
-    EXPECT_EQ(
-        refusal([&] { KrigingSurrogateModel({}, pointersTo(outputs), -3, KrigingOptions()); }),
-        "A model cannot be fitted to -3 cases.");
+    const KrigingSurrogateModel estimated(pointersTo(inputs), pointersTo(outputs), 30, 1e-4, {}, 1,
+                                          0.5, 0.0, 0);
+    EXPECT_EQ(byDefault.qualityMetricInformation(0), estimated.qualityMetricInformation(0));
 }
 
 TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
 {
-    KrigingArguments tolerance;
-    tolerance.tolerance = 0.0;
-    EXPECT_EQ(refusalOf(tolerance), "The tolerance has to be a positive number, not 0.");
-
-    KrigingArguments lengths;
-    lengths.correlationLengths = {1.0, 2.0, 3.0};
-    EXPECT_EQ(refusalOf(lengths),
-              "There have to be as many correlation lengths as inputs, 2, or none, not 3.");
-    lengths.correlationLengths = {1.0, -2.0};
-    EXPECT_EQ(refusalOf(lengths), "The correlation length of V2 has to be positive, not -2.");
-
-    KrigingArguments order;
-    order.trendOrder = 3;
-    EXPECT_EQ(refusalOf(order), "The order of the trend has to be 0, 1 or 2, not 3.");
-
-    KrigingArguments start;
-    start.initialCorrelationLength = notANumber;
-    EXPECT_EQ(refusalOf(start),
-              "The initial correlation length has to be a positive number, not nan.");
-
-    KrigingArguments nugget;
-    nugget.nugget = -1e-3;
-    EXPECT_EQ(refusalOf(nugget), "The nugget has to be a number that is not negative, not -0.001.");
-
-    KrigingArguments mode;
-    mode.nuggetMode = static_cast<KrigingOptions::NuggetMode>(2);
-    EXPECT_EQ(refusalOf(mode), "The nugget mode has to be 0 (estimated) or 1 (fixed), not 2.");
+    struct
+    {
+        void (*change)(KrigingArguments& arguments);
+        const char* message;
+    } const rows[] = {
+        {[](KrigingArguments& arguments) { arguments.tolerance = 0.0; },
+         "The tolerance has to be a positive number, not 0."},
+        {[](KrigingArguments& arguments) {
+             arguments.correlationLengths = {1.0, 2.0, 3.0};
+         },
+         "There have to be as many correlation lengths as inputs, 2, or none, not 3."},
+        {[](KrigingArguments& arguments) {
+             arguments.correlationLengths = {1.0, -2.0};
+         },
+         "The correlation length of V2 has to be positive, not -2."},
+        {[](KrigingArguments& arguments) { arguments.trendOrder = 3; },
+         "The order of the trend has to be 0, 1 or 2, not 3."},
+        {[](KrigingArguments& arguments) { arguments.initialCorrelationLength = notANumber; },
+         "The initial correlation length has to be a positive number, not nan."},
+        {[](KrigingArguments& arguments) { arguments.nugget = -1e-3; },
+         "The nugget has to be a number that is not negative, not -0.001."},
+        {[](KrigingArguments& arguments) {
+             arguments.nuggetMode = static_cast<KrigingOptions::NuggetMode>(2);
+         },
+         "The nugget mode has to be 0 (estimated) or 1 (fixed), not 2."},
+    };
+    for (const auto& row : rows) {
+        KrigingArguments arguments;
+        row.change(arguments);
+        EXPECT_EQ(refusal([&] { arguments.model(someInputs(), someOutputs()); }), row.message);
+    }
+    Columns outputs = someOutputs();
+    EXPECT_EQ(
+        refusal([&] { KrigingSurrogateModel({}, pointersTo(outputs), -3, KrigingOptions()); }),
+        "A model cannot be fitted to -3 cases.");
 }
 
 TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)

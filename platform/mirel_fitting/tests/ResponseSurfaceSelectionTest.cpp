@@ -25,11 +25,6 @@ TEST(ResponseSurfaceSelection, DropsTheTermsThatRDrops)
                                         "Pure error", "Total"}));
 }
 
-TEST(ResponseSurfaceSelection, KeepsEverythingUnlessAsked)
-{
-    EXPECT_TRUE(fit(vapourDeposition()).responseSurfaceStatistics(0).droppedTerms.empty());
-}
-
 TEST(ResponseSurfaceSelection, StartsFromMoreTermsThanTheCriterionAllows)
 {
     // Six terms: of up to eight cases the criterion is infinite.

@@ -60,31 +60,22 @@ std::string textsOf(const Models& models)
 
 } // namespace
 
-TEST(SurrogateModelInterface, CarriesItsMessage)
+TEST(SurrogateModelInterface, ErrorsCarryTheirMessageAndAreCaughtAsTheApplicationsAndTheLanguages)
 {
-    EXPECT_STREQ(Error("There are 100% too few cases.").what(), "There are 100% too few cases.");
-}
+    auto original = std::make_unique<Error>("There are 100% too few cases.");
+    const Error copy = *original;
+    Error assigned("another");
+    assigned = *original;
+    original.reset();
 
-TEST(SurrogateModelInterface, IsCaughtAsExceptionOfTheApplicationAndOfTheLanguage)
-{
+    EXPECT_STREQ(copy.what(), "There are 100% too few cases.");
+    EXPECT_STREQ(assigned.what(), "There are 100% too few cases.");
     EXPECT_THROW(throw Error("refused"), veska::ExceptionBase);
     try {
         throw Error("refused");
     } catch (const std::exception& error) {
         EXPECT_STREQ(error.what(), "refused");
     }
-}
-
-TEST(SurrogateModelInterface, CopiesKeepTheMessage)
-{
-    auto original = std::make_unique<Error>("refused");
-    const Error copy = *original;
-    Error assigned("another");
-    assigned = *original;
-    original.reset();
-
-    EXPECT_STREQ(copy.what(), "refused");
-    EXPECT_STREQ(assigned.what(), "refused");
 }
 
 TEST(SurrogateModelInterface, IsAVirtualBaseOfBothModels)
@@ -220,21 +211,30 @@ TEST_P(SurrogateModelInterfaceOf, ChecksTheColumnsOfAFit)
 
 TEST_P(SurrogateModelInterfaceOf, ChecksTheArraysOfAnEvaluation)
 {
+    using Kind = FittedModel::ErrorKind;
     const std::unique_ptr<FittedModel> model = fit();
+    const std::string tooFew = "The model has 2 inputs, but values are given for 1.";
+    const std::string noOutput =
+        "There is no output at offset 1: the model has 1 output, counted from 0.";
+    const std::vector<double*> one = {cases.inputs[0].data()};
+    const std::vector<double*> both = cases.inputPointers();
     std::vector<double*> none;
 
-    EXPECT_EQ(errorOf([&] { predict(*model, {{1.0}}); }),
-              "The model has 2 inputs, but values are given for 1.");
-    EXPECT_EQ(errorOf([&] {
-                  predict(*model, {{1.0}, {1.0}}, 1);
-              }),
-              "There is no output at offset 1: the model has 1 output, counted from 0.");
-    EXPECT_EQ(
-        errorOf([&] { model->interpolateDependentValues(cases.inputPointers(), {0}, none, 40); }),
-        "The model is asked for 1 output, but there is room for 0.");
+    EXPECT_EQ(errorOf([&] { predict(*model, {{1.0}}); }), tooFew);
+    EXPECT_EQ(errorOf([&] { model->standardErrors(one, 0, Kind::Mean, 1); }), tooFew);
+    EXPECT_EQ(errorOf([&] { model->predictionIntervals(one, 0, 0.95, 1); }), tooFew);
+    EXPECT_EQ(errorOf([&] { model->extrapolations(one, 1); }), tooFew);
+    EXPECT_EQ(errorOf([&] { predict(*model, {{1.0}, {1.0}}, 1); }), noOutput);
+    EXPECT_EQ(errorOf([&] { model->standardErrors(both, 1, Kind::Mean, 1); }), noOutput);
+    EXPECT_EQ(errorOf([&] { model->interpolateDependentValues(both, {0}, none, 40); }),
+              "The model is asked for 1 output, but there is room for 0.");
     EXPECT_EQ(errorOf([&] { model->surfaceCoefficientInformation(-1); }),
               "There is no output at offset -1: the model has 1 output, counted from 0.");
-    EXPECT_THROW(model->extrapolations({cases.inputs[0].data()}, 1), Error);
+    for (const double level : {0.0, 1.0, -0.5}) {
+        EXPECT_NE(errorOf([&] { model->predictionIntervals({}, 0, level, 0); }), "");
+    }
+    EXPECT_EQ(errorOf([&] { model->predictionIntervals({}, 0, 95.0, 0); }),
+              "The level of an interval has to lie between 0 and 1, not at 95.");
 }
 
 TEST_P(SurrogateModelInterfaceOf, DoesNothingForNoOutputsAndNoPoints)
@@ -274,8 +274,11 @@ TEST_P(SurrogateModelInterfaceOf, GivesNaNAtPointsThatAreNotFiniteOnly)
     points[0][1099] = -infinity;
 
     const Column values = predict(*model, points);
+    const Column errors =
+        model->standardErrors(pointersTo(points), 0, FittedModel::ErrorKind::Observation, 1100);
 
     for (std::size_t k = 0; k < values.size(); ++k) {
+        EXPECT_EQ(std::isnan(errors[k]), std::isnan(values[k])) << k;
         if (k == 3 || k == 300 || k == 1099) {
             EXPECT_TRUE(std::isnan(values[k])) << k;
         } else {

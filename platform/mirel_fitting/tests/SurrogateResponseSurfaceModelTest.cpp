@@ -13,21 +13,17 @@ using namespace fittingtest;
 
 TEST(SurrogateResponseSurfaceModel, ReproducesAQuadraticFunction)
 {
-    const Cases cases = twoInputs(40, 0.0);
-    const Model model = fit(cases);
+    const Model model = fit(twoInputs(40, 0.0));
+    EXPECT_TRUE(model.surfaceCoefficientInformationAvailable());
+    EXPECT_TRUE(model.qualityMetricInformationAvailable());
 
     const Column values = predict(model, {{0.5, 3.0, 10.0}, {1.0, -0.5, -7.0}});
-
     EXPECT_NEAR(values[0], surface(0.5, 1.0), 1e-12);
     EXPECT_NEAR(values[1], surface(3.0, -0.5), 1e-12);
     EXPECT_NEAR(values[2], surface(10.0, -7.0), 1e-10);
-}
 
-TEST(SurrogateResponseSurfaceModel, ListsTheCoefficientsInTheOrderOfTheTerms)
-{
     const std::vector<CoefficientStatistics> table =
-        fit(twoInputs(40, 0.0)).responseSurfaceStatistics(0).coefficients;
-
+        model.responseSurfaceStatistics(0).coefficients;
     const std::vector<std::pair<std::string, double>> expected = {
         {"1", 3.0}, {"V1", -2.0}, {"V2", 1.0}, {"V1^2", 0.5}, {"V1 V2", -1.0}, {"V2^2", 2.0}};
     ASSERT_EQ(table.size(), expected.size());
@@ -48,10 +44,11 @@ TEST(SurrogateResponseSurfaceModel, GoesNoHigherThanTheOrderWanted)
 
 TEST(SurrogateResponseSurfaceModel, RefusesAnotherOrder)
 {
-    EXPECT_EQ(errorOf([] { fit(twoInputs(9, 0.0), 3); }),
-              "The highest order of a response surface is 0, 1 or 2, not 3.");
-    EXPECT_EQ(errorOf([] { fit(twoInputs(9, 0.0), -1); }),
-              "The highest order of a response surface is 0, 1 or 2, not -1.");
+    for (const int order : {3, -1}) {
+        EXPECT_EQ(errorOf([order] { fit(twoInputs(9, 0.0), order); }),
+                  "The highest order of a response surface is 0, 1 or 2, not " +
+                      std::to_string(order) + '.');
+    }
 }
 
 TEST(SurrogateResponseSurfaceModel, FitsEveryOutputByItself)
@@ -157,45 +154,27 @@ TEST(SurrogateResponseSurfaceModel, DoesNotDependOnTheUnitOfTheOutput)
     }
 }
 
-TEST(SurrogateResponseSurfaceModel, HasEquationAndQuality)
+TEST(SurrogateResponseSurfaceModel, ReportsFractionsThatNeverDecrease)
 {
-    const Model model = fit(twoInputs(9, 0.0));
-    EXPECT_TRUE(model.surfaceCoefficientInformationAvailable());
-    EXPECT_TRUE(model.qualityMetricInformationAvailable());
-}
-
-TEST(SurrogateResponseSurfaceModel, ReportsHowFarTheFitIs)
-{
-    std::vector<double> fractions;
-    const FitProgress progress([&](double fraction, const std::string&) {
-        fractions.push_back(fraction);
-        return true;
-    });
-
-    fit(twoInputs(100000, 1.0));
-
-    ASSERT_GE(fractions.size(), 2u);
-    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
-    EXPECT_GE(fractions.front(), 0.0);
-    EXPECT_LE(fractions.back(), 1.0);
-}
-
-TEST(SurrogateResponseSurfaceModel, ReportsNoSmallerFractionWhenRotationsFollowNormalEquations)
-{
-    // Inputs that differ by little are too much for normal equations.
-    Cases cases = twoInputs(20000, 1.0);
+    // Inputs that differ by little are too much for normal equations: rotations follow them.
+    Cases close = twoInputs(20000, 1.0);
     for (std::size_t row = 0; row < 20000; ++row) {
-        cases.inputs[1][row] = cases.inputs[0][row] + 1e-4 * cases.inputs[1][row];
+        close.inputs[1][row] = close.inputs[0][row] + 1e-4 * close.inputs[1][row];
     }
-    std::vector<double> fractions;
-    const FitProgress progress([&](double fraction, const std::string&) {
-        fractions.push_back(fraction);
-        return true;
-    });
+    for (const Cases& cases : {twoInputs(100000, 1.0), close}) {
+        std::vector<double> fractions;
+        const FitProgress progress([&](double fraction, const std::string&) {
+            fractions.push_back(fraction);
+            return true;
+        });
 
-    fit(cases);
+        fit(cases);
 
-    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+        ASSERT_GE(fractions.size(), 2u);
+        EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+        EXPECT_GE(fractions.front(), 0.0);
+        EXPECT_LE(fractions.back(), 1.0);
+    }
 }
 
 TEST(SurrogateResponseSurfaceModel, EndsWithAnErrorWhenItIsCancelled)
