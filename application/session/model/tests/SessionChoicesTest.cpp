@@ -140,25 +140,17 @@ TEST(SessionChoices, AnInputThatIsNoVariableIsLeftOutWithANote)
     EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
 }
 
-TEST(SessionChoices, AnUnknownModelIsKrigingWithANote)
+TEST(SessionChoices, AnUnknownModelIsKrigingWithANoteIfItIsTaken)
 {
     const TemporaryFolder folder;
     const ProjectDocument document = edited(folder, "<Type>Kriging</Type>", "<Type>spline</Type>");
 
     const OpenedProject opened = openProject(tableIn(folder), document, {});
-
     EXPECT_EQ(opened.session->modelType(), CaseSession::Kriging);
     EXPECT_EQ(opened.notes, (Names{"the model \"spline\" of the project is not known to this "
                                    "version, which takes kriging."}));
-}
-
-TEST(SessionChoices, AnUnknownModelThatIsNotTakenIsNotNoted)
-{
-    const TemporaryFolder folder;
-    const ProjectDocument document = edited(folder, "<Type>Kriging</Type>", "<Type>spline</Type>");
     SessionChoices choices;
     choices.model = CaseSession::ResponseSurface;
-
     EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
 }
 
@@ -179,14 +171,6 @@ TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
 
     choices.outputs = {"Stress"};
     EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}), "accepted");
-}
-
-TEST(SessionChoices, ACaseThatDoesNotExistIsRefused)
-{
-    SessionChoices choices;
-    choices.excluded = "12";
-
-    EXPECT_THROW(openCases(cvdCases(), choices), UsageError);
 }
 
 TEST(SessionChoices, AnInputWithNothingSaidStaysAtTheMedianOfTheValidCases)
@@ -210,18 +194,20 @@ TEST(SessionChoices, AnInputWithNothingSaidStaysAtTheMedianOfTheValidCases)
     EXPECT_EQ(session->evaluate().held[0].value, valid[4]);
 }
 
-TEST(SessionChoices, AnEvenNumberOfCasesHasItsMedianBetweenTheMiddleTwo)
+TEST(SessionChoices, AnEvenNumberOfCasesHasItsMedianBetweenTheMiddleTwoNoneTheMinimum)
 {
-    CaseTable table = cvdCases();
-    table.columns[0].numbers = {3, 0.3, 1, 0.1, -1e-7, 7, 0.2, 9, 2, 5, 1};
     SessionChoices choices;
     choices.outputs = {"Stress"};
     choices.excluded = "1";
-
-    EXPECT_EQ(openCases(std::move(table), choices)->heldValues()[0], 1.0);
-    table = cvdCases();
-    table.columns[0].numbers = {3, 0.3, 1, 0.1, -1e-7, 7, 0.2, 9, 2, 5, 1.1};
-    EXPECT_EQ(openCases(std::move(table), choices)->heldValues()[0], 1.05);
+    for (const double last : {1.0, 1.1}) {
+        CaseTable table = cvdCases();
+        table.columns[0].numbers = {3, 0.3, 1, 0.1, -1e-7, 7, 0.2, 9, 2, 5, last};
+        EXPECT_EQ(openCases(std::move(table), choices)->heldValues()[0], 0.5 + last / 2.0);
+    }
+    choices.excluded = "1-11";
+    EXPECT_EQ(openCases(cvdCases(), choices)->heldValues()[0], 4.0);
+    choices.excluded = "12";
+    EXPECT_THROW(openCases(cvdCases(), choices), UsageError);
 }
 
 TEST(SessionChoices, AProjectKeepsTheValuesThatWereChosenAndTheMediansOfTheOthers)
@@ -243,13 +229,4 @@ TEST(SessionChoices, AProjectKeepsTheValuesThatWereChosenAndTheMediansOfTheOther
     const OpenedProject opened = openProject(std::move(table), document, withoutMost);
 
     EXPECT_EQ(opened.session->heldValues(), (std::vector<double>{first, 3.5}));
-}
-
-TEST(SessionChoices, WithoutValidCasesInputsStayAtTheirMinima)
-{
-    SessionChoices choices;
-    choices.outputs = {"Stress"};
-    choices.excluded = "1-11";
-
-    EXPECT_EQ(openCases(cvdCases(), choices)->heldValues()[0], 4.0);
 }

@@ -88,35 +88,23 @@ TEST_F(WorkspaceTerms, OfAFormulaNeedItsInputs)
     }
 }
 
-TEST_F(WorkspaceTerms, IsAllTermsAtFirst)
+TEST_F(WorkspaceTerms, FitsAnewWheneverItChangesAndOnlyThen)
 {
     CaseSession chosen = session();
-
     EXPECT_TRUE(chosen.responseSurface() == ResponseSurfaceOptions());
     EXPECT_EQ(droppedBy(chosen), none);
-}
-
-TEST_F(WorkspaceTerms, FitsAnewWheneverItChanges)
-{
-    CaseSession chosen = session();
-    chosen.fit();
+    EXPECT_NE(chosen.equationText().find("V1^2"), std::string::npos);
 
     chosen.chooseResponseSurface(selected);
     EXPECT_EQ(droppedBy(chosen), squares);
+    EXPECT_EQ(chosen.equationText().find("V1^2"), std::string::npos);
+    EXPECT_NE(chosen.equationText().find("V1 * V2"), std::string::npos);
+    const SurrogateModelInterface* const model = &chosen.model();
+    chosen.chooseResponseSurface(selected);
+    EXPECT_EQ(&chosen.model(), model);
 
     chosen.chooseResponseSurface(ResponseSurfaceOptions());
     EXPECT_EQ(droppedBy(chosen), none);
-}
-
-TEST_F(WorkspaceTerms, KeepsTheModelWhenItStaysTheSame)
-{
-    CaseSession chosen = session();
-    chosen.chooseResponseSurface(selected);
-    const SurrogateModelInterface* const model = &chosen.model();
-
-    chosen.chooseResponseSurface(selected);
-
-    EXPECT_EQ(&chosen.model(), model);
 }
 
 TEST_F(WorkspaceTerms, KeepsAKrigingModelAndCountsForTheNextResponseSurface)
@@ -129,19 +117,6 @@ TEST_F(WorkspaceTerms, KeepsAKrigingModelAndCountsForTheNextResponseSurface)
 
     chosen.chooseModel(CaseSession::ResponseSurface);
     EXPECT_EQ(droppedBy(chosen), squares);
-}
-
-TEST_F(WorkspaceTerms, HoldsForTheGridAndTheEquation)
-{
-    CaseSession whole = session();
-    const std::string before = whole.equationText();
-    EXPECT_NE(before.find("V1^2"), std::string::npos) << before;
-
-    whole.chooseResponseSurface(selected);
-
-    const std::string after = whole.equationText();
-    EXPECT_EQ(after.find("V1^2"), std::string::npos) << after;
-    EXPECT_NE(after.find("V1 * V2"), std::string::npos) << after;
 }
 
 TEST_F(WorkspaceTerms, IsAnUndoStepUnlessRecordingIsSuspended)
@@ -178,31 +153,22 @@ TEST_F(WorkspaceTerms, IsThePolynomialToo)
     EXPECT_EQ(droppedBy(chosen), Texts{"V2"});
 }
 
-TEST_F(WorkspaceTerms, ComesBackFromADocument)
+TEST_F(WorkspaceTerms, ComesBackFromADocumentAndIsTakenBackByOneWithoutIt)
 {
+    const ProjectDocument without = session().document();
     for (const ResponseSurfaceOptions& options : {selected, linear}) {
         const ProjectDocument saved = documentWith(options);
         saved.save(folder.path("p.surrogate.xml"));
         CaseSession loaded = session();
 
         loaded.load(ProjectDocument::load(folder.path("p.surrogate.xml")));
-
         EXPECT_TRUE(loaded.responseSurface() == options);
         EXPECT_TRUE(loaded.document() == saved);
+        loaded.fit();
+        loaded.load(without);
+        EXPECT_TRUE(loaded.responseSurface() == ResponseSurfaceOptions());
+        EXPECT_EQ(droppedBy(loaded), none);
     }
-}
-
-TEST_F(WorkspaceTerms, IsTakenBackByADocumentWithoutIt)
-{
-    const ProjectDocument without = session().document();
-    CaseSession chosen = session();
-    chosen.chooseResponseSurface(selected);
-    chosen.fit();
-
-    chosen.load(without);
-
-    EXPECT_TRUE(chosen.responseSurface() == ResponseSurfaceOptions());
-    EXPECT_EQ(droppedBy(chosen), none);
 }
 
 TEST_F(WorkspaceTerms, IsPartOfTheUndoStepOfLoading)

@@ -17,24 +17,20 @@
 #include <utility>
 #include <vector>
 
-TEST(Workspace, OpensAProjectWithTheRolesAsNatures)
+TEST(Workspace, OpensAProjectWithTheRolesAsNaturesWithoutAnUndoStepAndClosesItAtTheEnd)
 {
-    const Workspace workspace(cvdCases(), {{1}, {3}}, {}, Workspace::ResponseSurface);
-
-    const std::vector<VarPtr> variables = Project::project()->variables();
-    ASSERT_EQ(variables.size(), 4u);
-    EXPECT_EQ(variables[0].lock()->nature(), Variable::Unassigned);
-    EXPECT_EQ(variables[1].lock()->nature(), Variable::Independent);
-    EXPECT_EQ(variables[3].lock()->nature(), Variable::Dependent);
-    EXPECT_EQ(workspace.manager()->independentVars()->get(), workspace.inputs());
-}
-
-TEST(Workspace, ClosesItsProjectAtTheEnd)
-{
+    const int before = UndoStack().stack().count();
     {
-        const Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
-    }
+        const Workspace workspace(cvdCases(), {{1}, {3}}, {3}, Workspace::Kriging);
 
+        const std::vector<VarPtr> variables = Project::project()->variables();
+        ASSERT_EQ(variables.size(), 4u);
+        EXPECT_EQ(variables[0].lock()->nature(), Variable::Unassigned);
+        EXPECT_EQ(variables[1].lock()->nature(), Variable::Independent);
+        EXPECT_EQ(variables[3].lock()->nature(), Variable::Dependent);
+        EXPECT_EQ(workspace.manager()->independentVars()->get(), workspace.inputs());
+        EXPECT_EQ(UndoStack().stack().count(), before);
+    }
     EXPECT_TRUE(Project::project()->variables().empty());
 }
 
@@ -60,15 +56,6 @@ TEST(Workspace, LabelsVariablesWithTheUnitsOfTheCaseFile)
     EXPECT_EQ(workspace.labelOf(second), second + " (K)");
     EXPECT_EQ(workspace.unitOf("no such name"), "");
     EXPECT_EQ(workspace.labelOf("no such name"), "no such name");
-}
-
-TEST(Workspace, OpeningIsNoUndoStep)
-{
-    const int before = UndoStack().stack().count();
-
-    const Workspace workspace(cvdCases(), cvdRoles, {3}, Workspace::Kriging);
-
-    EXPECT_EQ(UndoStack().stack().count(), before);
 }
 
 TEST(Workspace, LeavesItToTheCallerWhetherAChoiceIsAnUndoStep)
@@ -126,12 +113,6 @@ TEST(Workspace, AFaultyTextIsRefusedInOneSentenceWithTheItem)
     EXPECT_THROW(workspace.stayAt(0, ""), DistributionTextError);
     EXPECT_EQ(messageOf<DistributionTextError>([&] { workspace.stayAt(0, "1, 2"); }),
               "The text \"1, 2\" for \"Pressure\" has several values where one is wanted.");
-}
-
-TEST(Workspace, ASweepNeedsTwoValuesAtLeast)
-{
-    Workspace workspace(cvdCases(), cvdRoles, {}, Workspace::ResponseSurface);
-
     EXPECT_EQ(messageOf<UsageError>([&] { workspace.sweepEvenly(0, 1); }),
               "\"Pressure\" can be swept evenly over 2 to 100000000 values, not 1.");
 }

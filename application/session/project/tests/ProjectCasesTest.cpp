@@ -38,48 +38,33 @@ void expectState(const ProjectDocument& project, ProjectDocument::CaseFileState 
 }
 } // namespace
 
-TEST(ProjectCases, AreReadAsTheDocumentSays)
+TEST(ProjectCases, AreReadAsTheOptionsSayAndElseAsTheDocumentDoes)
 {
-    const CaseFileReader::Options options = readingOptions(sampleProject("cases.csv"), {});
-
-    EXPECT_EQ(options.separator, ';');
-    EXPECT_EQ(options.decimalMark, CellValue::Comma);
-}
-
-TEST(ProjectCases, AreReadWithTheChoicesThatTheDocumentKeeps)
-{
-    ProjectDocument project = sampleProject("cases.csv");
+    const TemporaryFolder folder;
+    ProjectDocument project = sampleProject(folder.write("cases.csv", ""));
     project.caseFile.reading.heading = false;
     project.caseFile.reading.skippedLines = 3;
     project.caseFile.reading.missing = MissingWords("failed,999");
     project.caseFile.reading.isStrict = true;
-    TemporaryFolder folder;
-    project.caseFile.path = folder.write("cases.csv", "");
     project.save(folder.path("a.surrogate.xml"));
+    const ProjectDocument loaded = ProjectDocument::load(folder.path("a.surrogate.xml"));
     CaseFileReader::Options wanted;
+    wanted.separator = '\t';
     wanted.skippedLines = 4;
 
-    const CaseFileReader::Options options =
-        readingOptions(ProjectDocument::load(folder.path("a.surrogate.xml")), wanted);
+    const CaseFileReader::Options options = readingOptions(loaded, wanted);
 
+    EXPECT_EQ(options.separator, '\t');
+    EXPECT_EQ(readingOptions(loaded, {}).separator, ';');
+    EXPECT_EQ(options.decimalMark, CellValue::Comma);
+    wanted.decimalMark = CellValue::Point;
+    EXPECT_EQ(readingOptions(loaded, wanted).decimalMark, CellValue::Point);
     EXPECT_EQ(options.heading, false);
     EXPECT_EQ(options.skippedLines, 4u);
     EXPECT_EQ(options.missing.text(), "failed,999");
     EXPECT_TRUE(options.isStrict);
     EXPECT_FALSE(options.unitsRow);
     EXPECT_FALSE(options.commentMark);
-}
-
-TEST(ProjectCases, AreReadAsTheOptionsSayFirst)
-{
-    CaseFileReader::Options wanted;
-    wanted.separator = '\t';
-    wanted.decimalMark = CellValue::Point;
-
-    const CaseFileReader::Options options = readingOptions(sampleProject("cases.csv"), wanted);
-
-    EXPECT_EQ(options.separator, '\t');
-    EXPECT_EQ(options.decimalMark, CellValue::Point);
 }
 
 TEST(ProjectCases, RolesAreThoseOfTheColumnsThatAreThere)

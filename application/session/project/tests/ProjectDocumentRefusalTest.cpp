@@ -91,35 +91,36 @@ TEST(ProjectDocumentRefusal, SettingsThatXmlCannotCarryAreRefused)
 
 TEST(ProjectDocumentRefusal, RefusesToSaveWhatItWouldNotLoad)
 {
-    const ProjectDocument sound = sampleProject("cases.csv");
-    EXPECT_EQ(saveRefusalOf(sound), "saved");
-
-    ProjectDocument project = sound;
-    project.variables[1].name = std::string("a\0b", 3);
-    EXPECT_EQ(saveRefusalOf(project), "XML cannot carry the text \"a\\x00b\": it holds a control "
-                                      "character, or bytes that are no UTF-8.");
-    project = sound;
-    project.outputs.push_back("x");
-    EXPECT_EQ(saveRefusalOf(project),
-              "the output \"x\" must be a dependent variable, and that variable is independent.");
-    project = sound;
-    project.variables[1].range = ProjectDocument::Range(2, 1);
-    EXPECT_EQ(saveRefusalOf(project), "the range of the variable \"y\" is reversed: its lower end "
-                                      "2 is above its upper end 1.");
-    project = sound;
-    project.caseFile.separator = ':';
-    EXPECT_EQ(saveRefusalOf(project),
-              "the attribute \"Separator\" of the element \"CaseFile\" must "
-              "be \"comma\", \"semicolon\", \"tab\", \"bar\" or \"blanks\", not \"\".");
-    project = sound;
+    struct
+    {
+        void (*spoil)(ProjectDocument& project);
+        const char* sentence;
+    } const rows[] = {
+        {[](ProjectDocument&) {}, "saved"},
+        {[](ProjectDocument& project) { project.variables[1].name = std::string("a\0b", 3); },
+         "XML cannot carry the text \"a\\x00b\": it holds a control character, or bytes that are "
+         "no UTF-8."},
+        {[](ProjectDocument& project) { project.outputs.push_back("x"); },
+         "the output \"x\" must be a dependent variable, and that variable is independent."},
+        {[](ProjectDocument& project) {
+             project.variables[1].range = ProjectDocument::Range(2, 1);
+         },
+         "the range of the variable \"y\" is reversed: its lower end 2 is above its upper end 1."},
+        {[](ProjectDocument& project) { project.caseFile.separator = ':'; },
+         "the attribute \"Separator\" of the element \"CaseFile\" must be \"comma\", "
+         "\"semicolon\", "
+         "\"tab\", \"bar\" or \"blanks\", not \"\"."},
+        {[](ProjectDocument& project) { project.caseFile.path = "-"; },
+         "a project needs its cases in a file, not from the standard input."},
+    };
+    for (const auto& row : rows) {
+        ProjectDocument project = sampleProject("cases.csv");
+        row.spoil(project);
+        EXPECT_EQ(saveRefusalOf(project), row.sentence);
+    }
+    ProjectDocument project = sampleProject("c\xFF.csv");
+    EXPECT_NE(saveRefusalOf(project).find("\\xFF.csv\": it holds a control"), std::string::npos);
+    project = sampleProject("cases.csv");
     project.excluded = {20000000};
     EXPECT_EQ(saveRefusalOf(project).substr(0, 33), "the excluded cases \"20000001\" are");
-}
-
-TEST(ProjectDocumentRefusal, RefusesCaseFilesThatCannotBeNamed)
-{
-    EXPECT_EQ(saveRefusalOf(sampleProject("-")),
-              "a project needs its cases in a file, not from the standard input.");
-    EXPECT_NE(saveRefusalOf(sampleProject("c\xFF.csv")).find("\\xFF.csv\": it holds a control"),
-              std::string::npos);
 }

@@ -130,10 +130,13 @@ TEST(ProjectDocument, KeepsElementsOfNewerVersionsInTheModelWhenItsSettingsAreTa
 {
     const ElementSerializer model("SurrogateModel", {{"Type", "Kriging", {}}});
     const ElementSerializer userDistributions("SurrogateModelUserDefinedVariableDistribution", {});
-    ProjectDocument project = loaded(settingsText);
+    const ProjectDocument original = loaded(settingsText);
+    ProjectDocument project = original;
 
     project.takeSettings(model, userDistributions);
 
+    EXPECT_EQ(original.modelType(), "Neural") << "copies have settings of their own";
+    EXPECT_EQ(project.modelType(), "Kriging");
     EXPECT_NE(saved(project).find(R"(
   <SurrogateModel Future="1">
     <Type>Kriging</Type>
@@ -149,31 +152,24 @@ TEST(ProjectDocument, KeepsElementsOfNewerVersionsInTheModelWhenItsSettingsAreTa
         << saved(project);
 }
 
-TEST(ProjectDocument, WithoutNewSettingsIsSavedWithThoseItHad)
+TEST(ProjectDocument, SaysWhatTheSettingsAreAndSavesThoseItHad)
 {
-    const ProjectDocument project = loaded(settingsText);
-    const ProjectDocument again = loaded(saved(project));
+    const ProjectDocument once = loaded(settingsText);
+    EXPECT_NE(saved(once).find("<Other Distribution=\"2\" Name=\"a\"/>"), std::string::npos);
+    EXPECT_EQ(saved(loaded(saved(once))), saved(once));
 
-    EXPECT_EQ(again.modelType(), "Neural");
-    EXPECT_EQ(again.modelInputs(), (std::vector<std::string>{"b", "a"}));
-    EXPECT_NE(saved(project).find("<Other Distribution=\"2\" Name=\"a\"/>"), std::string::npos);
-    EXPECT_EQ(saved(again), saved(project));
-}
-
-TEST(ProjectDocument, SaysWhatTheSettingsAreWithoutAProject)
-{
-    const ProjectDocument project = loaded(settingsText);
-
-    EXPECT_EQ(project.modelType(), "Neural");
-    EXPECT_EQ(project.modelInputs(), (std::vector<std::string>{"b", "a"}));
-    ASSERT_EQ(project.evaluationPoint().size(), 2u);
-    EXPECT_EQ(project.evaluationPoint()[0].name, "a");
-    EXPECT_EQ(project.evaluationPoint()[0].mode, "UserDefined");
-    EXPECT_EQ(project.evaluationPoint()[0].text, "2");
-    EXPECT_EQ(project.evaluationPoint()[1].mode, "Auto");
-    ASSERT_EQ(project.userDistributions().size(), 1u);
-    EXPECT_EQ(project.userDistributions()[0].mode, "Manual");
-    EXPECT_EQ(project.userDistributions()[0].text, "0 - 1 : 3");
+    for (const ProjectDocument& project : {once, loaded(saved(once))}) {
+        EXPECT_EQ(project.modelType(), "Neural");
+        EXPECT_EQ(project.modelInputs(), (std::vector<std::string>{"b", "a"}));
+        ASSERT_EQ(project.evaluationPoint().size(), 2u);
+        EXPECT_EQ(project.evaluationPoint()[0].name, "a");
+        EXPECT_EQ(project.evaluationPoint()[0].mode, "UserDefined");
+        EXPECT_EQ(project.evaluationPoint()[0].text, "2");
+        EXPECT_EQ(project.evaluationPoint()[1].mode, "Auto");
+        ASSERT_EQ(project.userDistributions().size(), 1u);
+        EXPECT_EQ(project.userDistributions()[0].mode, "Manual");
+        EXPECT_EQ(project.userDistributions()[0].text, "0 - 1 : 3");
+    }
 }
 
 TEST(ProjectDocument, WithoutSettingsGivesNone)
@@ -199,18 +195,6 @@ TEST(ProjectDocument, AModeThatDoesNotExistStopsEverySetting)
               path + ", line 16, column 7: the mode \"Manual\" of the variable \"b\" must be "
                      "\"Auto\" or \"UserDefined\".");
     EXPECT_EQ(model.received(), "");
-}
-
-TEST(ProjectDocument, CopiesHaveSettingsOfTheirOwn)
-{
-    const ProjectDocument project = loaded(settingsText);
-    ProjectDocument copy = project;
-
-    copy.takeSettings(ElementSerializer("SurrogateModel", {{"Type", "Kriging", {}}}),
-                      ElementSerializer("SurrogateModelUserDefinedVariableDistribution", {}));
-
-    EXPECT_EQ(copy.modelType(), "Kriging");
-    EXPECT_EQ(project.modelType(), "Neural");
 }
 
 TEST(ProjectDocument, IsTheSameBytesWhateverTheOrderInWhichAttributesAreKept)
@@ -255,25 +239,23 @@ TEST(ProjectDocument, KnowsWhetherItsCaseFileIsStillTheSame)
     const TemporaryFolder folder;
     ProjectDocument project = sampleProject(folder.write("c.csv", "x\n1\n"));
     project.caseFile.fingerprint = FileFingerprint::of(project.caseFile.path);
-    const std::string file = "The case file \"" + folder.path("c.csv") + "\" ";
-    EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Unchanged);
-    EXPECT_EQ(project.checkCaseFile().sentence, "");
-
+    const auto expect = [&](ProjectDocument::CaseFileState state, const std::string& sentence) {
+        const ProjectDocument::CaseFileCheck check = project.checkCaseFile();
+        EXPECT_EQ(check.state, state);
+        EXPECT_EQ(check.sentence,
+                  sentence.empty() ? ""
+                                   : "The case file \"" + folder.path("c.csv") + "\" " + sentence);
+    };
+    expect(ProjectDocument::Unchanged, "");
     folder.write("c.csv", "x\n2\n");
-    EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Changed);
-    EXPECT_EQ(project.checkCaseFile().sentence,
-              file + "has changed since the project was saved: its size is the same, its contents "
-                     "are not.");
+    expect(ProjectDocument::Changed, "has changed since the project was saved: its size is the "
+                                     "same, its contents are not.");
     folder.write("c.csv", "x\n10\n");
-    EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Changed);
-    EXPECT_EQ(project.checkCaseFile().sentence,
-              file + "has changed since the project was saved: it has 5 bytes and had 4.");
-
+    expect(ProjectDocument::Changed,
+           "has changed since the project was saved: it has 5 bytes and had 4.");
     std::filesystem::remove(project.caseFile.path);
-    EXPECT_EQ(project.checkCaseFile().state, ProjectDocument::Missing);
-    EXPECT_EQ(project.checkCaseFile().sentence,
-              file + "of the project is missing: it has been moved, renamed or deleted.");
-
+    expect(ProjectDocument::Missing,
+           "of the project is missing: it has been moved, renamed or deleted.");
     std::filesystem::create_directory(project.caseFile.path);
     EXPECT_THROW(project.checkCaseFile(), FileError);
 }

@@ -200,29 +200,21 @@ INSTANTIATE_TEST_SUITE_P(Documents, ProjectElementsRefusal, ::testing::ValuesIn(
 
 TEST(ProjectElements, NameTheTermsOnlyWhereTheyAreNotTheUsualOnes)
 {
+    using Selection = ResponseSurfaceOptions::Selection;
     ProjectContents contents;
-    const auto written = [&] { return writeXml(projectElement(contents, {})); };
-    EXPECT_EQ(written().find("Polynomial"), std::string::npos);
-    EXPECT_EQ(written().find("TermSelection"), std::string::npos);
-
-    contents.responseSurface = {PolynomialTerms::Linear,
-                                ResponseSurfaceOptions::Selection::BackwardAicc};
-    EXPECT_NE(written().find("  <Polynomial Terms=\"Linear\"/>\n"
-                             "  <TermSelection Method=\"BackwardAicc\"/>\n"
-                             "</SurrogateProject>\n"),
-              std::string::npos);
-}
-
-TEST(ProjectElements, KeepTheFormulaOfChosenTerms)
-{
-    ProjectContents contents;
-    contents.responseSurface = {PolynomialTerms::Chosen, ResponseSurfaceOptions::Selection::All,
-                                "A + \"B+1\"^2"};
-
-    EXPECT_NE(writeXml(projectElement(contents, {}))
-                  .find("  <Polynomial Formula=\"A + &quot;B+1&quot;^2\" Terms=\"Chosen\"/>\n"),
-              std::string::npos)
-        << writeXml(projectElement(contents, {}));
+    const std::pair<ResponseSurfaceOptions, const char*> rows[] = {
+        {{}, "  <Sweeps/>\n</SurrogateProject>\n"},
+        {{PolynomialTerms::Linear, Selection::BackwardAicc},
+         "  <Polynomial Terms=\"Linear\"/>\n  <TermSelection Method=\"BackwardAicc\"/>\n"
+         "</SurrogateProject>\n"},
+        {{PolynomialTerms::Chosen, Selection::All, "A + \"B+1\"^2"},
+         "  <Polynomial Formula=\"A + &quot;B+1&quot;^2\" Terms=\"Chosen\"/>\n"},
+    };
+    for (const auto& [options, part] : rows) {
+        contents.responseSurface = options;
+        const std::string written = writeXml(projectElement(contents, {}));
+        EXPECT_NE(written.find(part), std::string::npos) << written;
+    }
 }
 
 TEST(ProjectElements, RefuseAnotherKindOfFile)

@@ -217,6 +217,9 @@ RC_GTEST_PROP(ProjectRoundTrip, BringsEveryProjectBack, ())
     loaded.giveSettings(model, block);
 
     RC_ASSERT(loaded == project);
+    const std::string first = folder.read("p.surrogate.xml");
+    loaded.save(path);
+    RC_ASSERT(folder.read("p.surrogate.xml") == first);
     RC_ASSERT(loaded.caseFile.path == project.caseFile.path);
     RC_ASSERT(loaded.outputs == project.outputs);
     RC_ASSERT(loaded.excluded == project.excluded);
@@ -229,21 +232,7 @@ RC_GTEST_PROP(ProjectRoundTrip, BringsEveryProjectBack, ())
     RC_ASSERT(block.received() == block.written());
 }
 
-RC_GTEST_PROP(ProjectRoundTrip, SavesEveryProjectAsTheSameBytesAgain, ())
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.path("p.surrogate.xml");
-    ProjectDocument project = anyProject(folder);
-    project.takeSettings(anyModel(), anyDistributions());
-    project.save(path);
-    const std::string first = folder.read("p.surrogate.xml");
-
-    ProjectDocument::load(path).save(path);
-
-    RC_ASSERT(folder.read("p.surrogate.xml") == first);
-}
-
-TEST(ProjectRoundTrip, EveryDamagedByteIsRefusedWithASentenceOrDoesNoHarm)
+TEST(ProjectRoundTrip, EveryDamagedMissingOrDoubledByteIsRefusedWithASentenceOrDoesNoHarm)
 {
     const TemporaryFolder folder;
     const std::string sound = smallDocument(folder);
@@ -256,6 +245,10 @@ TEST(ProjectRoundTrip, EveryDamagedByteIsRefusedWithASentenceOrDoesNoHarm)
             damaged[position] = static_cast<char>(random());
             loaded += isLoaded(folder, damaged) ? 1 : 0;
         }
+        std::string shifted = sound;
+        isLoaded(folder, shifted.erase(position, 1));
+        shifted = sound;
+        isLoaded(folder, shifted.insert(position, 1, sound[position]));
     }
 
     // Letters of names and texts may be others.
@@ -274,17 +267,4 @@ TEST(ProjectRoundTrip, EveryTruncatedDocumentIsRefusedWithASentence)
         EXPECT_FALSE(isLoaded(folder, sound.substr(0, length))) << length;
     }
     EXPECT_TRUE(isLoaded(folder, sound.substr(0, whole)));
-}
-
-TEST(ProjectRoundTrip, EveryMissingOrDoubledByteIsRefusedWithASentenceOrDoesNoHarm)
-{
-    const TemporaryFolder folder;
-    const std::string sound = smallDocument(folder);
-
-    for (std::size_t position = 0; position < sound.size(); ++position) {
-        std::string damaged = sound;
-        isLoaded(folder, damaged.erase(position, 1));
-        damaged = sound;
-        isLoaded(folder, damaged.insert(position, 1, sound[position]));
-    }
 }
