@@ -1,6 +1,7 @@
 #include "CommandOptions.h"
 
 #include "CommandLine.h"
+#include "HelpPages.h"
 
 #include <session/model/ModelFile.h>
 #include <session/model/PolynomialWords.h>
@@ -501,6 +502,8 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
 /** The description, with one subcommand for each command. */
 class Parser
 {
+    using HelpFormat = std::string (HelpPages::*)() const;
+
 public:
     explicit Parser(CommandLine& line) : app(about, "surrogate")
     {
@@ -523,6 +526,15 @@ public:
         }
         help = app.add_subcommand("help", "describes a command");
         help->add_option("COMMAND", helpTopic)->type_name("");
+        addWord<HelpFormat>(*help, "--format",
+                            "the whole as a manual page (man), or what a shell reads to\n"
+                            "complete commands and options: bash, zsh or fish",
+                            "F", "man, bash, zsh or fish",
+                            {{"man", &HelpPages::man},
+                             {"bash", &HelpPages::bash},
+                             {"zsh", &HelpPages::zsh},
+                             {"fish", &HelpPages::fish}},
+                            helpFormat);
     }
 
     /** @throw CLI::ParseError, UsageError */
@@ -531,6 +543,10 @@ public:
         std::reverse(arguments.begin(), arguments.end());
         app.parse(arguments);
         if (help->parsed()) {
+            if (helpFormat) {
+                line.text = (HelpPages(app, SURROGATE_VERSION).**helpFormat)();
+                return;
+            }
             // help() of the whole would describe the command help.
             line.text = helpTopic.empty() ? app.get_formatter()->make_help(
                                                 &app, app.get_name(), CLI::AppFormatMode::Normal)
@@ -658,6 +674,7 @@ private:
     CLI::App app;
     CLI::App* help = nullptr;
     std::string helpTopic;
+    std::optional<HelpFormat> helpFormat;
 };
 
 /** A text to check may begin with a minus sign: it is moved behind the mark that ends the options.

@@ -57,6 +57,14 @@ class Install(unittest.TestCase):
         self.assertNotIn("surrogate_", " ".join(public))
         self.assertIn("libmirel_fitting.so.0", public)
 
+    def test_the_manual_page_and_the_completions_are_installed(self):
+        for place, text in (("man/man1/surrogate.1", "\\-\\-inputs"),
+                            ("bash-completion/completions/surrogate", "--inputs"),
+                            ("zsh/site-functions/_surrogate", "--inputs"),
+                            ("fish/vendor_completions.d/surrogate.fish", "-l inputs")):
+            with open(os.path.join(PREFIX, "share", place), encoding="utf-8") as page:
+                self.assertIn(text, page.read())
+
     def test_nothing_names_the_build_or_the_prefix(self):
         for folder, _, files in os.walk(PREFIX):
             for path in (os.path.join(folder, name) for name in files):

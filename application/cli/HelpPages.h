@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+/**
+ * A page that describes a program with commands, made of the same description that parses them.
+ * Options without a description are left out, as in the help texts.
+ */
+class HelpPages
+{
+public:
+    /** @param app borrowed; its subcommands are the commands. */
+    HelpPages(const CLI::App& app, std::string version);
+
+    /** A manual page in the macros of man(7). */
+    std::string man() const;
+
+    /** Completion of commands, options and names of files, to be read by the shell. */
+    std::string bash() const;
+    std::string zsh() const;
+    std::string fish() const;
+
+private:
+    const CLI::App& app;
+    std::string version;
+};
