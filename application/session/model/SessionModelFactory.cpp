@@ -1,9 +1,7 @@
 #include "session/model/SessionModelFactory.h"
 
-#include <mirel_fitting/KrigingSurrogateModel.h>
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/ModelSettings.h>
 #include <mirel_fitting/TermFormula.h>
-#include <mirel_fitting/TransformedOutput.h>
 
 #include <property/Property.h>
 #include <property/UndoablePropertyProxy.h>
@@ -11,25 +9,6 @@
 #include <boost/make_shared.hpp>
 
 #include <utility>
-
-namespace {
-TransformedOutput::Choice choiceOf(TransformSetting setting, bool isKriging)
-{
-    switch (setting) {
-    case TransformSetting::Automatic:
-    case TransformSetting::BoxCox:
-        return std::nullopt;
-    case TransformSetting::None:
-        return OutputTransform::None;
-    case TransformSetting::SquareRoot:
-        return OutputTransform::SquareRoot;
-    case TransformSetting::Logarithm:
-        return OutputTransform::Logarithm;
-    default:
-        return isKriging ? std::nullopt : TransformedOutput::Choice(OutputTransform::None);
-    }
-}
-} // namespace
 
 SessionModelFactory::SessionModelFactory(boost::shared_ptr<SurrogateModelInterface> model)
     : finishedModel(std::move(model))
@@ -74,26 +53,13 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
     if (finishedModel != nullptr) {
         return finishedModel;
     }
-    const bool isKriging = type == SurrogateModelManagerInterface::Kriging;
-    const auto fit = [isKriging,
-                      options = isKriging ? ResponseSurfaceOptions() : optionsOfColumns()](
-                         const std::vector<double*>& inputs, const std::vector<double*>& outputs,
-                         std::size_t rows) -> std::unique_ptr<FittedModel> {
-        if (isKriging) {
-            return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
-                                                           KrigingOptions());
-        }
-        return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows, options);
-    };
-    const TransformedOutput::Choice choice = choiceOf(transformSetting->get(), isKriging);
-    const auto rows = static_cast<std::size_t>(rowCount);
-    if (choice == OutputTransform::None) {
-        return fit(independentColumns, dependentColumns, rows);
+    ModelSettings settings;
+    settings.isKriging = type == SurrogateModelManagerInterface::Kriging;
+    settings.transform = transformSetting->get();
+    if (!settings.isKriging) {
+        settings.responseSurface = optionsOfColumns();
     }
-    const bool isBoxCox = transformSetting->get() == TransformSetting::BoxCox && !isKriging;
-    return boost::make_shared<TransformedOutput>(
-        independentColumns, dependentColumns, rows, fit, choice,
-        isBoxCox ? TransformedOutput::Method::BoxCox : TransformedOutput::Method::Comparison);
+    return settings.fit(independentColumns, dependentColumns, static_cast<std::size_t>(rowCount));
 }
 
 bool SessionModelFactory::needsCases() const

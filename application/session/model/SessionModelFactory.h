@@ -1,7 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <session/project/TransformSetting.h>
+#include <mirel_fitting/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelFactory.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/TransformSetting.h>
 #include <session/model/SweepInterpolationVariables.h>
-#include <session/project/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseCounts.h>
 #include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 #include <session/model/SweepInterpolationVariables.h>
-#include <session/project/TransformSetting.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 

@@ -5,7 +5,7 @@
 
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <session/project/TransformSetting.h>
+#include <mirel_fitting/TransformSetting.h>
 
 #include <cstddef>
 #include <optional>

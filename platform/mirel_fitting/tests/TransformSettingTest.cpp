@@ -1,4 +1,4 @@
-#include <session/project/TransformSetting.h>
+#include <mirel_fitting/TransformSetting.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <surrogate_session/Export.h>
+#include <mirel_fitting/Export.h>
 
 /** Which transform of the outputs that are positive in all cases a model is fitted to. */
 enum class TransformSetting
@@ -15,4 +15,4 @@ enum class TransformSetting
 
 /** "auto", "none", "sqrt", "log", "boxcox", as users write it and documents for programs say it;
  * "usual". */
-SURROGATE_SESSION_EXPORT const char* transformWord(TransformSetting setting);
+MIREL_FITTING_EXPORT const char* transformWord(TransformSetting setting);
