@@ -9,7 +9,7 @@ foreach(set_and_namespace IN ITEMS fitting:mirel platform:mirel surrogatemodel:s
     list(GET set_and_namespace 0 set)
     list(GET set_and_namespace 1 namespace)
     install(EXPORT ${set} NAMESPACE ${namespace}:: DESTINATION "${cmake_folder}"
-        FILE ${set}-targets.cmake)
+        FILE ${set}-targets.cmake COMPONENT development)
 endforeach()
 
 configure_package_config_file(cmake/surrogatemodel-config.cmake.in
@@ -19,7 +19,8 @@ configure_package_config_file(cmake/surrogatemodel-config.cmake.in
 write_basic_package_version_file("${generated}/surrogatemodel-config-version.cmake"
     COMPATIBILITY SameMinorVersion)
 install(FILES "${generated}/surrogatemodel-config.cmake"
-    "${generated}/surrogatemodel-config-version.cmake" DESTINATION "${cmake_folder}")
+    "${generated}/surrogatemodel-config-version.cmake" DESTINATION "${cmake_folder}"
+    COMPONENT development)
 
 # VTK has no files for pkg-config: ours say where it is.
 get_target_property(vtk_headers VTK::CommonCore INTERFACE_INCLUDE_DIRECTORIES)
@@ -30,5 +31,6 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
     BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE way_to_prefix)
 foreach(name IN ITEMS mirel-fitting surrogatemodel)
     configure_file("cmake/${name}.pc.in" "${generated}/${name}.pc" @ONLY)
-    install(FILES "${generated}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    install(FILES "${generated}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+        COMPONENT development)
 endforeach()

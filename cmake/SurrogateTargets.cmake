@@ -77,9 +77,15 @@ function(surrogate_install_library target set)
     set(is_verified "$<STREQUAL:$<TARGET_PROPERTY:NAME>,${target}_verify_interface_header_sets>")
     target_compile_options(${target} INTERFACE
         "$<BUILD_INTERFACE:$<${is_verified}:-Wall;-Wextra;-Wpedantic;-Werror>>")
+    if(set STREQUAL "fitting")
+        set(component fitting)
+    else()
+        set(component libraries)
+    endif()
     install(TARGETS ${target} EXPORT ${set}
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-        FILE_SET HEADERS DESTINATION "${SURROGATE_INSTALL_HEADERDIR}")
+            COMPONENT ${component} NAMELINK_COMPONENT development
+        FILE_SET HEADERS DESTINATION "${SURROGATE_INSTALL_HEADERDIR}" COMPONENT development)
 endfunction()
 
 # surrogate_install_program(TARGET library...): a program, and the libraries that only it uses.
@@ -90,8 +96,9 @@ function(surrogate_install_program target)
         OUTPUT_VARIABLE way)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${way};$ORIGIN/${way}/..")
     set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
-    install(TARGETS ${target} ${ARGN} LIBRARY
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}/surrogatemodel" NAMELINK_SKIP)
+    install(TARGETS ${target} ${ARGN}
+        RUNTIME COMPONENT programs
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/surrogatemodel" COMPONENT programs NAMELINK_SKIP)
 endfunction()
 
 # surrogate_precompile(TARGET header...): headers of others that most of the target's files read, and

@@ -1,0 +1,429 @@
+/* The compiled half of the Python package: arrays in, arrays out. What users see is
+ * surrogatemodel/__init__.py; surrogatemodel/_core.pyi lists what stands here. */
+#include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/ModelSettings.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/TermFormula.h>
+#include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/TransformedOutput.h>
+#include <mirel_modelexport/ModelExport.h>
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <numeric>
+
+namespace py = pybind11;
+
+namespace {
+
+using Array = py::array_t<double, py::array::forcecast>;
+using Names = std::vector<std::string>;
+
+/** The columns of a matrix, read in place where each is contiguous; others are copied. */
+class Columns
+{
+public:
+    explicit Columns(const Array& matrix) : rowCount(static_cast<std::size_t>(matrix.shape(0)))
+    {
+        const auto cells = matrix.unchecked<2>();
+        const bool isAligned =
+            reinterpret_cast<std::uintptr_t>(matrix.data()) % sizeof(double) == 0;
+        for (py::ssize_t column = 0; column < matrix.shape(1); ++column) {
+            if (isAligned && (matrix.strides(0) == sizeof(double) || rowCount <= 1) &&
+                matrix.strides(1) % static_cast<py::ssize_t>(sizeof(double)) == 0) {
+                // The library takes pointers to values that it only reads.
+                pointers.push_back(const_cast<double*>(matrix.data(0, column)));
+                continue;
+            }
+            std::vector<double>& copy = copies.emplace_back(rowCount);
+            for (std::size_t row = 0; row < rowCount; ++row) {
+                copy[row] = cells(static_cast<py::ssize_t>(row), column);
+            }
+            pointers.push_back(copy.data());
+        }
+    }
+
+    std::size_t rowCount;
+    std::vector<double*> pointers;
+
+private:
+    std::vector<std::vector<double>> copies;
+};
+
+/** With contiguous columns. */
+py::array_t<double> emptyMatrix(std::size_t rows, std::size_t columns)
+{
+    return py::array_t<double>({rows, columns}, {sizeof(double), sizeof(double) * rows});
+}
+
+template <class ColumnOf>
+py::array_t<double> matrixOf(std::size_t rows, std::size_t columns, const ColumnOf& columnOf)
+{
+    py::array_t<double> matrix = emptyMatrix(rows, columns);
+    for (std::size_t column = 0; column < columns; ++column) {
+        const std::vector<double> values = columnOf(static_cast<int>(column));
+        std::copy(values.begin(), values.end(), matrix.mutable_data(0, column));
+    }
+    return matrix;
+}
+
+/**
+ * Runs `work` without the interpreter's lock, so that other threads of Python go on. A fit looks
+ * for signals now and then: Ctrl-C ends it with KeyboardInterrupt.
+ */
+template <class Work>
+auto unlocked(std::mutex& mutex, const Work& work)
+{
+    using Clock = std::chrono::steady_clock;
+    static constexpr auto lookEvery = std::chrono::milliseconds(10);
+
+    const py::gil_scoped_release release;
+    // One thread at a time per model.
+    const std::lock_guard lock(mutex);
+    const FitProgress progress([last = Clock::now()](double, const std::string&) mutable {
+        if (Clock::now() - last >= lookEvery) {
+            const py::gil_scoped_acquire acquire;
+            if (PyErr_CheckSignals() != 0) {
+                throw py::error_already_set();
+            }
+            last = Clock::now();
+        }
+        return true;
+    });
+    return work();
+}
+
+std::vector<int> offsetsUpTo(std::size_t count)
+{
+    std::vector<int> offsets(count);
+    std::iota(offsets.begin(), offsets.end(), 0);
+    return offsets;
+}
+
+const char* word(KrigingReport::Bound bound)
+{
+    return bound == KrigingReport::Bound::Lower   ? "lower"
+           : bound == KrigingReport::Bound::Upper ? "upper"
+                                                  : "none";
+}
+
+py::dict dictOf(const FitMetrics& metrics)
+{
+    using py::literals::operator""_a;
+    return py::dict("cases"_a = metrics.cases, "terms"_a = metrics.terms, "r2"_a = metrics.r2,
+                    "adjustedR2"_a = metrics.adjustedR2, "rmse"_a = metrics.rmse,
+                    "press"_a = metrics.press, "predictedR2"_a = metrics.predictedR2,
+                    "looRmse"_a = metrics.looRmse, "q2"_a = metrics.q2,
+                    "logLikelihood"_a = metrics.logLikelihood);
+}
+
+py::dict dictOf(const KrigingReport& report)
+{
+    using py::literals::operator""_a;
+    py::list bounds;
+    for (const KrigingReport::Bound bound : report.lengthBounds) {
+        bounds.append(word(bound));
+    }
+    return py::dict(
+        "correlationLengths"_a = report.correlationLengths, "lengthBounds"_a = bounds,
+        "nugget"_a = report.nugget, "nuggetBound"_a = word(report.nuggetBound),
+        "noiseDeviation"_a = report.noiseDeviation, "processVariance"_a = report.processVariance,
+        "logLikelihood"_a = report.logLikelihood, "condition"_a = report.condition,
+        "trend"_a = report.trendTerms, "trendCoefficients"_a = report.trendCoefficients);
+}
+
+py::dict dictOf(const ResponseSurfaceStatistics& statistics)
+{
+    using py::literals::operator""_a;
+    py::list coefficients;
+    for (const CoefficientStatistics& one : statistics.coefficients) {
+        if (one.isKept) {
+            coefficients.append(py::dict("term"_a = one.term, "estimate"_a = one.estimate,
+                                         "standardError"_a = one.standardError, "t"_a = one.t,
+                                         "p"_a = one.p, "lower"_a = one.lower,
+                                         "upper"_a = one.upper));
+        }
+    }
+    py::list anova;
+    for (const AnovaRow& row : statistics.anova) {
+        anova.append(py::dict("source"_a = row.source, "degreesOfFreedom"_a = row.degreesOfFreedom,
+                              "sumOfSquares"_a = row.sumOfSquares, "meanSquare"_a = row.meanSquare,
+                              "f"_a = row.f, "p"_a = row.p));
+    }
+    return py::dict("coefficients"_a = coefficients, "anova"_a = anova);
+}
+
+/** A fitted model, or one that was read and predicts only. */
+class Model
+{
+public:
+    Model(std::shared_ptr<const PredictiveModel> model, std::size_t outputs)
+        : model(std::move(model)), outputs(outputs)
+    {}
+
+    Model(Model&& other) noexcept : model(std::move(other.model)), outputs(other.outputs) {}
+
+    static Model fit(const Array& x, const Array& y, const ModelSettings& settings)
+    {
+        const Columns inputs(x);
+        const Columns outputs(y);
+        std::mutex unshared;
+        return unlocked(unshared, [&] {
+            std::shared_ptr<FittedModel> fitted =
+                settings.fit(inputs.pointers, outputs.pointers, inputs.rowCount);
+            const std::vector<int> all = offsetsUpTo(outputs.pointers.size());
+            fitted->activateDependentVariables({all.begin(), all.end()});
+            return Model(fitted, all.size());
+        });
+    }
+
+    static py::tuple load(const std::string& json)
+    {
+        const ExportedModel exported = readExportedModel(json);
+        Names inputs;
+        Names outputs;
+        for (const ExportedModel::Input& input : exported.inputs) {
+            inputs.push_back(input.name);
+        }
+        for (const ExportedModel::Output& output : exported.outputs) {
+            outputs.push_back(output.name);
+        }
+        const auto predictor = exported.predictor();
+        return py::make_tuple(Model({predictor.get(), [predictor](auto*) {}}, outputs.size()),
+                              exported.isKriging(), inputs, outputs);
+    }
+
+    bool hasCases() const { return dynamic_cast<const FittedModel*>(model.get()) != nullptr; }
+
+    py::array_t<double> predict(const Array& x) const
+    {
+        const Columns points(x);
+        py::array_t<double> values = emptyMatrix(points.rowCount, outputs);
+        std::vector<double*> columns;
+        for (std::size_t output = 0; output < outputs; ++output) {
+            columns.push_back(values.mutable_data(0, output));
+        }
+        const std::vector<int> all = offsetsUpTo(outputs);
+        unlocked(mutex, [&] {
+            model->interpolateDependentValues(points.pointers, {all.begin(), all.end()}, columns,
+                                              points.rowCount);
+        });
+        return values;
+    }
+
+    py::array_t<double> standardErrors(const Array& x, bool ofObservation) const
+    {
+        const Columns points(x);
+        return matrixOf(points.rowCount, outputs, [&](int output) {
+            return unlocked(mutex, [&] {
+                return fitted().standardErrors(points.pointers, output,
+                                               ofObservation ? FittedModel::ErrorKind::Observation
+                                                             : FittedModel::ErrorKind::Mean,
+                                               points.rowCount);
+            });
+        });
+    }
+
+    py::tuple intervals(const Array& x, double level) const
+    {
+        const Columns points(x);
+        std::vector<PredictionIntervals> limits;
+        for (const int output : offsetsUpTo(outputs)) {
+            limits.push_back(unlocked(mutex, [&] {
+                return fitted().predictionIntervals(points.pointers, output, level,
+                                                    points.rowCount);
+            }));
+        }
+        return py::make_tuple(
+            matrixOf(points.rowCount, outputs, [&](int output) { return limits[output].lower; }),
+            matrixOf(points.rowCount, outputs, [&](int output) { return limits[output].upper; }));
+    }
+
+    py::dict report(int output, const Names& names) const
+    {
+        py::dict report;
+        report["metrics"] = dictOf(model->fitMetrics(output));
+        report["warnings"] = model->fitWarnings(output, names);
+        report["transform"] = OutputTransforms::word(transform(output));
+        const auto [inner, offset] = innermost(output);
+        py::dict figures;
+        if (const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(inner)) {
+            figures = dictOf(kriging->krigingReport(offset));
+        } else if (const auto* surface =
+                       dynamic_cast<const SurrogateResponseSurfaceModel*>(inner)) {
+            figures = dictOf(surface->responseSurfaceStatistics(offset));
+        }
+        for (const auto& figure : figures) {
+            report[figure.first] = figure.second;
+        }
+        return report;
+    }
+
+    std::string equation(int output) const { return model->surfaceCoefficientInformation(output); }
+
+    /** Row, output, predicted, standard error. */
+    py::array_t<double> leaveOneOut(int output) const
+    {
+        const auto all = unlocked(mutex, [&] { return fitted().leaveOneOutPredictions(output); });
+        py::array_t<double> matrix = emptyMatrix(all.size(), 4);
+        auto cells = matrix.mutable_unchecked<2>();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const auto row = static_cast<py::ssize_t>(i);
+            cells(row, 0) = static_cast<double>(all[i].row);
+            cells(row, 1) = all[i].output;
+            cells(row, 2) = all[i].predicted;
+            cells(row, 3) = all[i].standardError;
+        }
+        return matrix;
+    }
+
+    py::bytes exported(const std::string& format, const Names& inputNames,
+                       const Names& outputNames) const
+    {
+        const std::map<std::string, ExportFormat> formats = {{".txt", ExportFormat::Text},
+                                                             {".json", ExportFormat::Json},
+                                                             {".c", ExportFormat::C},
+                                                             {".py", ExportFormat::Python},
+                                                             {".xlsx", ExportFormat::Excel}};
+        const auto found = formats.find(format);
+        if (found == formats.end()) {
+            throw SurrogateModelInterface::Error(
+                "\"" + format +
+                "\" is no format of models: a file ends in .json, .c, .py, .xlsx or .txt.");
+        }
+        std::vector<ExportedModel::Input> inputs;
+        const PredictorDescription described = model->predictorDescription(0);
+        for (std::size_t i = 0; i < described.inputs.size(); ++i) {
+            inputs.push_back({inputNames.at(i), described.inputs[i].minimum,
+                              described.inputs[i].maximum, std::nullopt});
+        }
+        std::vector<ExportedModel::WantedOutput> wanted;
+        for (const int offset : offsetsUpTo(outputs)) {
+            wanted.push_back({outputNames.at(static_cast<std::size_t>(offset)), offset});
+        }
+        return exportModel(ExportedModel::of(*model, inputs, wanted), found->second);
+    }
+
+private:
+    const FittedModel& fitted() const
+    {
+        const auto* fitted = dynamic_cast<const FittedModel*>(model.get());
+        if (fitted == nullptr) {
+            throw SurrogateModelInterface::Error(
+                "A model that was read from a file has no standard errors: fit it to its cases.");
+        }
+        return *fitted;
+    }
+
+    OutputTransform transform(int output) const
+    {
+        const auto* transformed = dynamic_cast<const TransformedOutput*>(model.get());
+        return transformed == nullptr ? OutputTransform::None : transformed->transform(output);
+    }
+
+    std::pair<const PredictiveModel*, int> innermost(int output) const
+    {
+        const auto* transformed = dynamic_cast<const TransformedOutput*>(model.get());
+        if (transformed == nullptr) {
+            return {model.get(), output};
+        }
+        return {&transformed->inner(), transformed->innerOffset(output)};
+    }
+
+    std::shared_ptr<const PredictiveModel> model;
+    std::size_t outputs;
+    mutable std::mutex mutex;
+};
+
+TransformSetting transformOf(const std::string& text)
+{
+    for (int setting = 0; setting <= static_cast<int>(TransformSetting::BoxCox); ++setting) {
+        if (text == transformWord(static_cast<TransformSetting>(setting))) {
+            return static_cast<TransformSetting>(setting);
+        }
+    }
+    throw SurrogateModelInterface::Error("\"" + text +
+                                         "\" is no transform: auto, none, sqrt, log or boxcox.");
+}
+
+void setTerms(ResponseSurfaceOptions& options, const std::string& text, const Names& inputs)
+{
+    if (text == "linear") {
+        options.terms = PolynomialTerms::Linear;
+    } else if (text == "interactions") {
+        options.terms = PolynomialTerms::Interactions;
+    } else if (text == "quadratic") {
+        options.terms = PolynomialTerms::Quadratic;
+    } else {
+        options.terms = PolynomialTerms::Chosen;
+        options.formula = TermFormula(text, inputs).symbols();
+    }
+}
+
+template <class Option>
+void set(Option& option, const std::optional<Option>& value)
+{
+    option = value.value_or(option);
+}
+
+} // namespace
+
+PYBIND11_MODULE(_core, module)
+{
+    using py::literals::operator""_a;
+
+    module.attr("__version__") = SURROGATE_VERSION;
+    const auto error = py::register_exception<SurrogateModelInterface::Error>(module, "ModelError",
+                                                                              PyExc_ValueError);
+    py::register_exception<ModelImportError>(module, "ModelFileError", PyExc_ValueError);
+    module.def("set_thread_count", setThreadCount, "count"_a);
+
+    py::class_<Model>(module, "Model")
+        .def_property_readonly("has_cases", &Model::hasCases)
+        .def("predict", &Model::predict, "x"_a)
+        .def("standard_errors", &Model::standardErrors, "x"_a, "of_observation"_a)
+        .def("intervals", &Model::intervals, "x"_a, "level"_a)
+        .def("report", &Model::report, "output"_a, "names"_a)
+        .def("equation", &Model::equation, "output"_a)
+        .def("leave_one_out", &Model::leaveOneOut, "output"_a)
+        .def("export", &Model::exported, "format"_a, "inputs"_a, "outputs"_a);
+    module.def("load", &Model::load, "json"_a);
+
+    module.def(
+        "fit_kriging",
+        [](const Array& x, const Array& y, const std::optional<std::string>& transform,
+           const std::optional<int>& trendOrder, const std::optional<double>& nugget,
+           const std::optional<std::vector<double>>& correlationLengths) {
+            ModelSettings settings;
+            settings.isKriging = true;
+            settings.transform = transformOf(transform.value_or("usual"));
+            set(settings.kriging.trendOrder, trendOrder);
+            set(settings.kriging.nugget, nugget);
+            set(settings.kriging.correlationLengths, correlationLengths);
+            return Model::fit(x, y, settings);
+        },
+        "x"_a, "y"_a, "transform"_a, "trend_order"_a, "nugget"_a, "correlation_lengths"_a);
+    module.def(
+        "fit_response_surface",
+        [](const Array& x, const Array& y, const std::optional<std::string>& transform,
+           const std::optional<std::string>& terms, bool selectTerms, const Names& names) {
+            ModelSettings settings;
+            settings.transform = transformOf(transform.value_or("usual"));
+            if (terms) {
+                setTerms(settings.responseSurface, *terms, names);
+            }
+            if (selectTerms) {
+                settings.responseSurface.selection =
+                    ResponseSurfaceOptions::Selection::BackwardAicc;
+            }
+            return Model::fit(x, y, settings);
+        },
+        "x"_a, "y"_a, "transform"_a, "terms"_a, "select_terms"_a, "names"_a);
+}

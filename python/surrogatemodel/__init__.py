@@ -1,0 +1,203 @@
+"""Surrogate models of cases: Kriging and response surfaces as scikit-learn estimators.
+
+    from surrogatemodel import Kriging
+    model = Kriging().fit(cases[["Pressure", "H2/WF6"]], cases["Stress"])
+    values, limits = model.predict(points, interval=0.95)
+
+The same cases and choices give the same model as the program `surrogate`.
+"""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Mapping, Sequence
+from typing import Any
+
+import numpy as np
+from sklearn.base import BaseEstimator, RegressorMixin
+from sklearn.utils.validation import check_is_fitted
+
+from . import _core
+from ._core import ModelError, ModelFileError, __version__, set_thread_count
+
+__all__ = ["Kriging", "ResponseSurface", "ModelError", "ModelFileError", "grid", "load",
+           "set_thread_count", "__version__"]
+
+
+class _SurrogateModel(RegressorMixin, BaseEstimator):
+    """What both models have in common. X: one row per case, y: one column per output."""
+
+    def fit(self, X: Any, y: Any) -> Any:
+        """Fits every output. Ctrl-C ends a fit; other threads go on meanwhile."""
+        names = getattr(y, "columns", None)
+        single = [getattr(y, "name", None) or "y"]
+        X, y = self._validate_data(X, y, dtype=np.float64, multi_output=True, y_numeric=True)
+        self._is_single = y.ndim == 1
+        y = y.reshape(len(y), -1)
+        self._output_names = (single if self._is_single
+                              else [f"y{i}" for i in range(y.shape[1])] if names is None
+                              else list(map(str, names)))
+        # Kept for unpickling: a model that is fitted again has the same bits.
+        self._cases: tuple[np.ndarray, np.ndarray] | None = (
+            np.array(X, order="F"), np.array(y, dtype=np.float64, order="F"))
+        self._model = self._fitted(*self._cases)
+        self.is_fitted_ = True
+        return self
+
+    def predict(self, X: Any, return_std: bool = False, interval: float | None = None) -> Any:
+        """The outputs at X; with `return_std` a tuple that goes on with their standard errors, and
+        with `interval`, such as 0.95, with prediction limits: their last axis is lower, upper."""
+        check_is_fitted(self)
+        X = self._validate_data(X, dtype=np.float64, reset=False)
+        results = [self._model.predict(X)]
+        if return_std:
+            results.append(self._complete().standard_errors(X, False))
+        if interval is not None:
+            results.append(np.stack(self._complete().intervals(X, interval), axis=-1))
+        if self._is_single:
+            results = [result[:, 0] for result in results]
+        return results[0] if len(results) == 1 else tuple(results)
+
+    def table(self, X: Any, interval: float | None = None) -> Any:
+        """A DataFrame X with the columns "NAME predicted" and, for an `interval`, "NAME lower" and
+        "NAME upper", as `surrogate predict` writes them."""
+        check_is_fitted(self)
+        points = self._validate_data(X, dtype=np.float64, reset=False)
+        table = X.copy()
+        predicted = self._model.predict(points)
+        limits = None if interval is None else self._complete().intervals(points, interval)
+        for i, name in enumerate(self._output_names):
+            table[f"{name} predicted"] = predicted[:, i]
+            if limits is not None:
+                table[f"{name} lower"], table[f"{name} upper"] = (one[:, i] for one in limits)
+        return table
+
+    def report(self, output: int = 0) -> dict[str, Any]:
+        """Metrics, warnings and the parameters or coefficients with their statistics, named as in
+        the JSON of `surrogate fit`."""
+        check_is_fitted(self)
+        return self._complete().report(output, self._input_names())
+
+    def equation(self, output: int = 0) -> str:
+        """The fitted polynomial in the symbols V1, V2, ... for the inputs."""
+        check_is_fitted(self)
+        return self._complete().equation(output).strip()
+
+    def leave_one_out(self, output: int = 0) -> np.ndarray:
+        """A row for each case: its row in X, output, prediction by a fit to the other cases and the
+        standard error of that."""
+        check_is_fitted(self)
+        return self._complete().leave_one_out(output)
+
+    def save(self, path: str | os.PathLike[str]) -> None:
+        """Writes the model by the ending of `path`: .json (which load() and `surrogate` read), .c,
+        .py, .xlsx or .txt."""
+        check_is_fitted(self)
+        content = self._exported(os.path.splitext(path)[1])
+        with open(path, "wb") as file:
+            file.write(content)
+
+    def _input_names(self) -> list[str]:
+        names = getattr(self, "feature_names_in_", None)
+        return [f"x{i}" for i in range(self.n_features_in_)] if names is None else list(names)
+
+    def _exported(self, ending: str) -> bytes:
+        return self._model.export(ending, self._input_names(), self._output_names)
+
+    def _complete(self) -> _core.Model:
+        """The model with what is computed from its cases."""
+        if not self._model.has_cases and self._cases is not None:
+            self._model = self._fitted(*self._cases)
+        return self._model
+
+    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
+        raise NotImplementedError
+
+    def __getstate__(self) -> dict[str, Any]:
+        # A copy predicts at once, and is fitted again when more than predictions is asked for.
+        state = dict(super().__getstate__())
+        if isinstance(state.get("_model"), _core.Model):
+            try:
+                state["_model"] = self._exported(".json")
+            except ModelError:
+                del state["_model"]
+        return state
+
+    def __setstate__(self, state: dict[str, Any]) -> None:
+        super().__setstate__(state)
+        if "_model" in state:
+            self._model = _core.load(state["_model"])[0]
+        elif "is_fitted_" in state:
+            self._model = self._fitted(*state["_cases"])
+
+    def _more_tags(self) -> dict[str, bool]:
+        return {"multioutput": True}
+
+
+class Kriging(_SurrogateModel):
+    """Universal Kriging with a Matern 5/2 correlation, estimated by restricted likelihood.
+
+    output_transform: "auto", "none", "sqrt" or "log" of outputs that are positive in all cases.
+    trend_order: 0 constant, 1 linear, 2 quadratic, lowered where the cases are too few.
+    nugget: its lower bound, relative to the process variance.
+    correlation_lengths: fixed ones in the inputs' units instead of estimated ones.
+    None is what `surrogate -m kriging` does.
+    """
+
+    def __init__(self, output_transform: str | None = None, trend_order: int | None = None,
+                 nugget: float | None = None,
+                 correlation_lengths: Sequence[float] | None = None) -> None:
+        self.output_transform = output_transform
+        self.trend_order = trend_order
+        self.nugget = nugget
+        self.correlation_lengths = correlation_lengths
+
+    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
+        return _core.fit_kriging(x, y, self.output_transform, self.trend_order, self.nugget,
+                                 self.correlation_lengths)
+
+
+class ResponseSurface(_SurrogateModel):
+    """A polynomial of at most second order, fitted by least squares.
+
+    terms: "linear", "interactions", "quadratic" or a sum of terms, "A + B + A:B + A^2".
+    select_terms: keeps only the terms that lower the corrected Akaike criterion.
+    output_transform: "auto", "none", "sqrt", "log" or "boxcox" of outputs that are positive in all
+        cases.
+    None is what `surrogate` does.
+    """
+
+    def __init__(self, terms: str | None = None, select_terms: bool = False,
+                 output_transform: str | None = None) -> None:
+        self.terms = terms
+        self.select_terms = select_terms
+        self.output_transform = output_transform
+
+    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
+        return _core.fit_response_surface(x, y, self.output_transform, self.terms,
+                                          self.select_terms, self._input_names())
+
+
+def load(path: str | os.PathLike[str]) -> Kriging | ResponseSurface:
+    """Reads what save() or `surrogate export --format json` wrote: a model that predicts."""
+    with open(path, "rb") as file:
+        content, is_kriging, inputs, outputs = _core.load(file.read())
+    model = Kriging() if is_kriging else ResponseSurface()
+    model._model, model._cases, model._output_names = content, None, outputs
+    model._is_single = len(outputs) == 1
+    model.feature_names_in_ = np.array(inputs, dtype=object)
+    model.n_features_in_ = len(inputs)
+    model.is_fitted_ = True
+    return model
+
+
+def grid(values: Mapping[str, Sequence[float]] | Sequence[Sequence[float]]) -> Any:
+    """Every combination of the inputs' values, the first input varying slowest: a DataFrame for
+    values by name, else an array. Kriging predicts such grids fast."""
+    axes = list(values.values() if isinstance(values, Mapping) else values)
+    points = np.array(np.meshgrid(*axes, indexing="ij"), dtype=np.float64)
+    points = points.reshape(len(axes), -1).T
+    if not isinstance(values, Mapping):
+        return points
+    import pandas
+    return pandas.DataFrame(points, columns=list(values), copy=False)

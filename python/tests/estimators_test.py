@@ -1,0 +1,202 @@
+"""estimators_test.py PROGRAM CASES: the estimators, beside the program where both do the same."""
+import io
+import json
+import os
+import pickle
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+import numpy as np
+import pandas as pd
+from sklearn.base import clone
+from sklearn.model_selection import GridSearchCV, cross_val_score
+from sklearn.pipeline import make_pipeline
+from sklearn.preprocessing import StandardScaler
+from sklearn.utils.estimator_checks import check_estimator
+
+import surrogatemodel
+from surrogatemodel import Kriging, ResponseSurface, _core
+
+PROGRAM, CASES = sys.argv[1:3]
+INPUTS = ["Pressure", "H2/WF6"]
+
+
+def of_program(*arguments):
+    command = [PROGRAM, *arguments]
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def smooth_cases(rows=60, seed=1):
+    x = np.random.default_rng(seed).uniform(size=(rows, 3))
+    return x, np.sin(5 * x[:, 0]) + x[:, 1] * x[:, 2]
+
+
+class Estimators(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.cases = pd.read_csv(CASES)
+
+    def test_every_check_of_scikit_learn_passes(self):
+        for estimator in (Kriging(), ResponseSurface()):
+            check_estimator(estimator)
+
+    def test_results_are_those_of_the_program(self):
+        x = ["-x", ",".join(INPUTS), "-y", "Uniformity,Stress", "--json", "-q"]
+        for estimator, options in (
+                (Kriging(), ["-m", "kriging"]),
+                (Kriging(output_transform="none"), ["-m", "kriging", "--transform", "none"]),
+                (ResponseSurface(), []),
+                (ResponseSurface(terms="linear", output_transform="log"),
+                 ["--terms", "linear", "--transform", "log"]),
+                (ResponseSurface(terms="Pressure + Pressure^2"),
+                 ["--terms", "Pressure + Pressure^2"]),
+                (ResponseSurface(select_terms=True), ["--select-terms"])):
+            with self.subTest(str(estimator)):
+                program = json.loads(of_program("predict", CASES, "--points", CASES, *x, *options,
+                                                "--interval", "90"))
+                expected = pd.DataFrame(program["table"]["rows"],
+                                        columns=program["table"]["columns"])
+                model = estimator.fit(self.cases[INPUTS], self.cases[["Uniformity", "Stress"]])
+                table = model.table(self.cases[INPUTS], interval=0.9)
+                for column in table.columns[2:]:
+                    np.testing.assert_allclose(table[column], expected[column], rtol=1e-12)
+
+    def test_reports_are_those_of_the_program(self):
+        for estimator, options in ((Kriging(), ["-m", "kriging"]), (ResponseSurface(), [])):
+            program = json.loads(of_program("fit", CASES, "-x", ",".join(INPUTS), "-y", "Stress",
+                                            "--json", "-q", *options))["outputs"][0]
+            report = estimator.fit(self.cases[INPUTS], self.cases["Stress"]).report()
+            shared = (set(report) & set(program)) - {"warnings"}
+            self.assertGreaterEqual(len(shared), 4)
+            for key in sorted(shared):
+                if key == "metrics":
+                    for name in set(report[key]) & set(program[key]):
+                        self.assertAlmostEqual(report[key][name], program[key][name], 12, name)
+                elif key in ("coefficients", "anova"):
+                    for ours, theirs in zip(report[key], program[key], strict=True):
+                        for name, value in ours.items():
+                            self.assertEqual(None if value != value else value, theirs[name])
+                else:
+                    self.assertEqual(report[key], program[key])
+
+    def test_standard_errors_and_limits_come_with_the_predictions(self):
+        x, y = smooth_cases()
+        model = Kriging().fit(x, y)
+        values, errors, limits = model.predict(x + 0.01, return_std=True, interval=0.95)
+        self.assertEqual((values.shape, errors.shape, limits.shape), ((60,), (60,), (60, 2)))
+        self.assertTrue(np.all((limits[:, 0] <= values) & (values <= limits[:, 1])))
+        self.assertEqual(model.leave_one_out().shape, (60, 4))
+
+    def test_several_outputs_have_a_column_each(self):
+        x, y = smooth_cases()
+        both = Kriging().fit(x, np.column_stack([y, y * y + 1.0]))
+        values, limits = both.predict(x, interval=0.5)
+        self.assertEqual((values.shape, limits.shape), ((60, 2), (60, 2, 2)))
+        np.testing.assert_array_equal(values[:, 0], Kriging().fit(x, y).predict(x))
+
+    def test_any_layout_gives_the_same_values(self):
+        x, y = smooth_cases()
+        expected = Kriging().fit(x, y).predict(x)
+        wide = np.zeros((60, 6))
+        wide[:, ::2] = x
+        for other in (np.asfortranarray(x), wide[:, ::2], x[::-1][::-1], pd.DataFrame(x).values,
+                      x.tolist(), np.asfortranarray(x.astype(">f8")),
+                      np.frombuffer(b"." + x.tobytes(), offset=1).reshape(x.shape)):
+            np.testing.assert_array_equal(Kriging().fit(other, y).predict(other), expected)
+
+    def test_contiguous_columns_are_read_in_place(self):
+        x, y = smooth_cases(50)
+        model = _core.fit_response_surface(np.asfortranarray(x), y[:, None], None, None, False, [])
+        big = np.asfortranarray(np.random.default_rng(2).uniform(size=(2_000_000, 3)))
+        with open("/proc/self/clear_refs", "w") as file:
+            file.write("5")
+        before = peak_memory()
+        model.predict(big)
+        # The result takes 16 MB; a copy of the points would take 48 MB more.
+        self.assertLess(peak_memory() - before, 40e6)
+
+    def test_works_with_pipelines_folds_and_searches(self):
+        x, y = smooth_cases(40)
+        self.assertGreater(cross_val_score(make_pipeline(StandardScaler(), Kriging()), x, y).min(),
+                           0.9)
+        search = GridSearchCV(ResponseSurface(), {"terms": ["linear", "quadratic"]}).fit(x, y)
+        self.assertEqual(search.best_params_, {"terms": "quadratic"})
+        self.assertEqual(clone(Kriging(trend_order=2)).get_params()["trend_order"], 2)
+
+    def test_copies_by_pickle_lose_nothing(self):
+        x, y = smooth_cases()
+        for model in (Kriging(), ResponseSurface(output_transform="auto")):
+            model.fit(x, np.exp(y))
+            copy = pickle.loads(pickle.dumps(model))
+            np.testing.assert_array_equal(copy.predict(x), model.predict(x))
+            self.assertFalse(copy._model.has_cases)
+            for one, other in zip(copy.predict(x, return_std=True, interval=0.9),
+                                  model.predict(x, return_std=True, interval=0.9)):
+                np.testing.assert_array_equal(one, other)
+            self.assertEqual(str(copy.report()), str(model.report()))
+        self.assertEqual(pickle.loads(pickle.dumps(Kriging(trend_order=0))).trend_order, 0)
+
+    def test_files_are_those_of_the_program(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "stress.json")
+            model = Kriging().fit(self.cases[INPUTS], self.cases["Stress"])
+            model.save(path)
+            table = pd.read_csv(io.StringIO(of_program("predict", path, "--points", CASES, "-q")))
+            expected = model.predict(self.cases[INPUTS])
+            np.testing.assert_allclose(table["Stress predicted"], expected, rtol=1e-5)
+
+            loaded = surrogatemodel.load(path)
+            np.testing.assert_array_equal(loaded.predict(self.cases[INPUTS]), expected)
+            with self.assertRaisesRegex(surrogatemodel.ModelError, "fit it to its cases"):
+                loaded.predict(self.cases[INPUTS], return_std=True)
+            for ending in (".c", ".py", ".xlsx", ".txt"):
+                model.save(os.path.join(folder, "stress" + ending))
+            with self.assertRaisesRegex(ValueError, '".doc" is no format'):
+                model.save(os.path.join(folder, "stress.doc"))
+
+    def test_grids_vary_their_first_input_slowest(self):
+        points = surrogatemodel.grid({"a": [1, 2], "b": [3, 4, 5]})
+        self.assertEqual(points.values.tolist(), [[1, 3], [1, 4], [1, 5], [2, 3], [2, 4], [2, 5]])
+        self.assertEqual(list(points.columns), ["a", "b"])
+        np.testing.assert_array_equal(surrogatemodel.grid([[1, 2], [3, 4, 5]]), points.values)
+
+    def test_what_cannot_be_fitted_is_said_in_a_sentence(self):
+        x, y = smooth_cases(10)
+        for estimator, sentence in (
+                (Kriging(trend_order=7), "trend"),
+                (Kriging(output_transform="cube"), '"cube" is no transform: auto, none, sqrt, log or boxcox'),
+                (ResponseSurface(terms="x0 + nothing"), "nothing")):
+            with self.assertRaisesRegex(ValueError, sentence):
+                estimator.fit(x, y)
+
+    def test_ctrl_c_ends_a_fit(self):
+        x, y = smooth_cases(2000)
+        threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT)).start()
+        with self.assertRaises(KeyboardInterrupt):
+            for _ in range(100):
+                Kriging().fit(x, y)
+        self.assertGreater(cross_val_score(Kriging(), x[:50], y[:50]).min(), 0.5)
+
+    def test_other_threads_run_during_a_fit(self):
+        x, y = smooth_cases(800)
+        fitting = threading.Thread(target=Kriging().fit, args=(x, y))
+        fitting.start()
+        steps = 0
+        while fitting.is_alive():
+            steps += 1
+            time.sleep(0)
+        self.assertGreater(steps, 10)
+
+
+def peak_memory():
+    with open("/proc/self/status", encoding="ascii") as file:
+        return next(int(line.split()[1]) * 1024 for line in file if line.startswith("VmHWM"))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
