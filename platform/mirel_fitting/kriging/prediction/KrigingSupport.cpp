@@ -6,9 +6,14 @@
 #include <mirel_fitting/kriging/likelihood/KrigingEquations.h>
 #include <mirel_fitting/kriging/search/SearchPolicy.h>
 
+#include <cblas.h>
+#include <lapacke.h>
+
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <utility>
 
@@ -85,6 +90,59 @@ KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& rang
     model.processVariance = 1.0;
     model.nugget = nugget;
     process.emplace(std::move(model));
+    addLeverage(*data);
+}
+
+/** Of more inputs than the cases determine slopes for, each new point would lie off a relation. */
+void KrigingSupport::addLeverage(const KrigingData& data)
+{
+    constexpr std::size_t casesPerTerm = 3;
+    // Off a relation that all cases keep exactly, 5 % of a range are tolerated. In a Latin
+    // hypercube the corners have twice the largest leverage of the cases.
+    constexpr double tolerance = 0.01;
+    constexpr double supported = 4.0;
+
+    const std::size_t inputs = data.inputs;
+    if (data.cases < casesPerTerm * (inputs + 1)) {
+        return;
+    }
+    const auto cases = static_cast<double>(data.cases);
+    std::vector<double> centred = data.coordinates;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        double* const column = centred.data() + k * data.cases;
+        means.push_back(std::accumulate(column, column + data.cases, 0.0) / cases);
+        std::for_each(column, column + data.cases, [&](double& value) { value -= means[k]; });
+    }
+    factor.assign(inputs * inputs, 0.0);
+    for (std::size_t k = 0; k < inputs; ++k) {
+        factor[k * (inputs + 1)] = tolerance * tolerance;
+        for (std::size_t i = k; i < inputs; ++i) {
+            const double* const column = centred.data() + k * data.cases;
+            factor[k * inputs + i] += std::inner_product(column, column + data.cases,
+                                                         centred.data() + i * data.cases, 0.0) /
+                                      cases;
+        }
+    }
+    const auto order = static_cast<lapack_int>(inputs);
+    LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order);
+    std::vector<double> point(inputs);
+    for (std::size_t i = 0; i < data.cases; ++i) {
+        for (std::size_t k = 0; k < inputs; ++k) {
+            point[k] = data.coordinates[k * data.cases + i];
+        }
+        largestLeverage = std::max(largestLeverage, supported * leverage(point));
+    }
+}
+
+/** Times the number of cases. @param coordinates are used up. */
+double KrigingSupport::leverage(std::vector<double>& coordinates) const
+{
+    const auto order = static_cast<int>(means.size());
+    std::transform(coordinates.begin(), coordinates.end(), means.begin(), coordinates.begin(),
+                   std::minus<>());
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, order, factor.data(), order,
+                coordinates.data(), 1);
+    return 1.0 + cblas_ddot(order, coordinates.data(), 1, coordinates.data(), 1);
 }
 
 std::vector<char> KrigingSupport::unsupported(const std::vector<double*>& points,
@@ -114,9 +172,18 @@ std::vector<char> KrigingSupport::unsupported(const std::vector<double*>& points
     std::vector<double> errors(rows.size());
     process->standardErrors(pointersTo(values), rows.size(), false, errors.data());
 
+    const FittedKriging& model = process->model();
+    std::vector<double> point(model.inputs.size());
     std::vector<char> flags(count, CaseRanges::notJudged);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        flags[rows[i]] = errors[i] > largestError ? 1 : 0;
+        bool isUnsupported = errors[i] > largestError;
+        if (!isUnsupported && largestLeverage > 0.0) {
+            for (std::size_t k = 0; k < point.size(); ++k) {
+                point[k] = model.coordinate(k, values[model.inputs[k]][i]);
+            }
+            isUnsupported = leverage(point) > largestLeverage;
+        }
+        flags[rows[i]] = isUnsupported ? 1 : 0;
     }
     return flags;
 }

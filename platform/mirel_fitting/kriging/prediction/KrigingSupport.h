@@ -16,8 +16,11 @@
  * model is certain all the same.
  *
  * A point is supported that is left no more than the case which the others support least, but for a
- * tenth. From more than 300 points so many that are spread over all of them stand for all: a point
- * costs 300^2 multiplications, so that of many points a random sample is judged.
+ * tenth. With few cases that share is large everywhere. A point is therefore not supported, either,
+ * whose leverage in a linear regression is more than four times the largest of the cases, as it is
+ * off a relation that the inputs of all cases keep. From more than 300 points so many that are
+ * spread over all of them stand for all: a point costs 300^2 multiplications, so that of many
+ * points a random sample is judged.
  */
 class KrigingSupport
 {
@@ -32,7 +35,13 @@ public:
     std::vector<char> unsupported(const std::vector<double*>& points, std::size_t count) const;
 
 private:
+    void addLeverage(const KrigingData& data);
+    double leverage(std::vector<double>& coordinates) const;
+
     const CaseRanges& ranges;
     std::optional<KrigingPredictor> process; // none without inputs or other cases to judge by
     double largestError = 0.0;               // that is supported
+    std::vector<double> means;               // of the scaled inputs
+    std::vector<double> factor;              // lower, of their covariance, by columns
+    double largestLeverage = 0.0;            // that is supported; 0: not judged
 };

@@ -24,9 +24,9 @@ std::string unsupported(Columns cases, Columns points)
 }
 
 /** Two inputs over [0, 10], and 2 a + b, rounded. */
-Columns relatedInputs(std::size_t count)
+Columns relatedInputs(std::size_t count, std::uint64_t seed = 4)
 {
-    UniformNumbers numbers(4);
+    UniformNumbers numbers(seed);
     Columns inputs(3);
     for (std::size_t i = 0; i < count; ++i) {
         const double a = 10.0 * numbers.next();
@@ -49,6 +49,37 @@ TEST(KrigingSupport, IsMissingOffTheRelationOfTheInputs)
                         {{5.0, 3.0, 4.0, 6.0}, {5.0, 7.0, 4.0, 6.0}, {15.0, 13.0, 22.0, 10.0}}),
             "0011")
             << cases;
+    }
+}
+
+TEST(KrigingSupport, IsMissingOffARelationOfFewCases)
+{
+    constexpr double fifth = 6.0; // of the range of 2 a + b
+    UniformNumbers numbers(9);
+    Columns on(3);
+    Columns off(3);
+    for (int i = 0; i < 100; ++i) {
+        const double a = 1.5 + 7.0 * numbers.next();
+        const double b = 1.5 + 7.0 * numbers.next();
+        const double c = 2.0 * a + b;
+        for (Columns* points : {&on, &off}) {
+            (*points)[0].push_back(a);
+            (*points)[1].push_back(b);
+        }
+        on[2].push_back(std::round(c));
+        off[2].push_back(c + (c > 15.0 ? -fifth : fifth));
+    }
+    for (const std::size_t cases : {12u, 15u, 20u, 30u}) {
+        std::ptrdiff_t missingOn = 0;
+        std::ptrdiff_t missingOff = 0;
+        for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+            const std::string onFlags = unsupported(relatedInputs(cases, seed), on);
+            const std::string offFlags = unsupported(relatedInputs(cases, seed), off);
+            missingOn += std::count(onFlags.begin(), onFlags.end(), '1');
+            missingOff += std::count(offFlags.begin(), offFlags.end(), '1');
+        }
+        EXPECT_LE(missingOn, 80) << cases << ", of 1000";
+        EXPECT_GE(missingOff, 980) << cases << ", of 1000";
     }
 }
 
@@ -88,6 +119,18 @@ TEST(KrigingSupport, ReachesAllOfADesignThatFillsTheRanges)
     const Columns inputs = {numbers.next(80), numbers.next(80)};
 
     EXPECT_EQ(unsupported(inputs, {{0.5, 0.3, 0.7, 0.15}, {0.5, 0.7, 0.8, 0.4}}), "0000");
+}
+
+TEST(KrigingSupport, ReachesNearlyToTheCornersOfFewCasesThatFillTheRanges)
+{
+    std::ptrdiff_t missing = 0;
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        const std::string flags = unsupported(
+            latinHypercube(15, 3, seed),
+            {{0.15, 0.85, 0.15, 0.85}, {0.15, 0.85, 0.85, 0.15}, {0.15, 0.85, 0.15, 0.85}});
+        missing += std::count(flags.begin(), flags.end(), '1');
+    }
+    EXPECT_LE(missing, 4) << "of 40";
 }
 
 TEST(KrigingSupport, ReachesALittleBeyondTheRanges)
