@@ -50,6 +50,7 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
     data->terms = trend->size();
     data->trend = trend->matrix();
     KrigingSearchSettings settings = input.searchSettings();
+    settings.policy.changedCases = 0; // no second optimum is reported
     if (model.data->cases >= IntervalCalibration::minCases) {
         settings.starts = {{model.correlation->lengths(), model.nugget}};
         settings.maxSteps = steps;

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <limits>
 #include <list>
+#include <numeric>
 #include <set>
 
 namespace {
@@ -45,8 +46,11 @@ private:
     void searchFromAllStarts();
     void race(const std::vector<std::vector<double>>& starts, std::size_t followed);
     void continueWithMoreCases(std::size_t cases);
-    std::vector<std::size_t> shortestLengths(const std::vector<double>& point) const;
-    void searchWithoutEachInput();
+    bool isCheap() const;
+    std::vector<std::vector<double>> otherRoles(const std::vector<double>& point) const;
+    std::vector<double> scaled(const std::vector<double>& point,
+                               const SearchPolicy::Start& change) const;
+    void searchFromChangedOptimum();
     bool hasInfluence(std::size_t input);
     std::vector<KrigingReport::Bound> bounds();
     bool hasFewLevels() const;
@@ -147,7 +151,7 @@ void Search::searchFromAllStarts()
         race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)}, policy.racing);
     }
     if (sizes.size() == 1 || (startOnAll && data->cases <= policy.raceCases)) {
-        searchWithoutEachInput();
+        searchFromChangedOptimum();
     }
 }
 
@@ -183,44 +187,88 @@ void Search::continueWithMoreCases(std::size_t cases)
     optima.replace(reached, *objective);
 }
 
-/** The inputs with influence, at most SearchPolicy::triedLengths, that with the most first. */
-std::vector<std::size_t> Search::shortestLengths(const std::vector<double>& point) const
+/** Whether a search takes so little time that the second optimum is searched for, too. */
+bool Search::isCheap() const
 {
-    std::vector<std::size_t> result;
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
-        if (point[k] < std::log(policy.indifferentLength)) {
-            result.push_back(k);
+    return taken <= policy.changedCases && variables.lengths <= policy.changedInputs;
+}
+
+/**
+ * The point without each input that has influence, of SearchPolicy::triedLengths at most. Where a
+ * search is cheap also without each two of them, and with the lengths of each two inputs exchanged.
+ */
+std::vector<std::vector<double>> Search::otherRoles(const std::vector<double>& point) const
+{
+    const double absent = std::log(policy.recalledLength);
+    const auto hasInfluence = [&](std::size_t k) {
+        return point[k] < std::log(policy.indifferentLength);
+    };
+    std::vector<std::size_t> inputs(variables.lengths);
+    std::iota(inputs.begin(), inputs.end(), std::size_t{0});
+    std::stable_sort(inputs.begin(), inputs.end(),
+                     [&](std::size_t a, std::size_t b) { return point[a] < point[b]; });
+    inputs.resize(std::min(inputs.size(), policy.triedLengths));
+
+    std::vector<std::vector<double>> result;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        if (hasInfluence(inputs[i])) {
+            result.push_back(point);
+            result.back()[inputs[i]] = absent;
+        }
+        for (std::size_t j = 0; isCheap() && j < i && hasInfluence(inputs[j]); ++j) {
+            if (hasInfluence(inputs[i])) {
+                result.push_back(point);
+                result.back()[inputs[i]] = absent;
+                result.back()[inputs[j]] = absent;
+            }
+            if (point[inputs[i]] - point[inputs[j]] > policy.sameLogarithm) {
+                result.push_back(point);
+                std::swap(result.back()[inputs[i]], result.back()[inputs[j]]);
+            }
         }
     }
-    std::stable_sort(result.begin(), result.end(),
-                     [&](std::size_t a, std::size_t b) { return point[a] < point[b]; });
-    result.resize(std::min(result.size(), policy.triedLengths));
+    return result;
+}
+
+/** The point with all lengths multiplied and another nugget. */
+std::vector<double> Search::scaled(const std::vector<double>& point,
+                                   const SearchPolicy::Start& change) const
+{
+    std::vector<double> result = point;
+    for (double& logarithm : result) {
+        logarithm += std::log(change.length);
+    }
+    result.back() = std::log(change.nugget) / policy.nuggetUnit;
     return result;
 }
 
 /**
  * Where inputs are alike, one can do what another does. No slope leads from one way to the other,
- * but without the input the search takes the other one. Where the nugget is fixed, lengths that
- * long would take the place of the noise, and the model would not pass through the cases.
+ * but without the input the search takes the other one. Few cases are explained by noise and slow
+ * changes or by fast changes almost as well. Where the nugget is fixed, lengths that long would
+ * take the place of the noise, and the model would not pass through the cases.
  */
-void Search::searchWithoutEachInput()
+void Search::searchFromChangedOptimum()
 {
     if (variables.lengths < 2 || !variables.hasNugget) {
         return;
     }
     const std::vector<double> best = optima.best().point;
     std::vector<Optimum> starts;
-    for (const std::size_t k : shortestLengths(best)) {
-        std::vector<double> start = best;
-        start[k] = std::log(policy.recalledLength);
+    for (std::vector<double>& start : otherRoles(best)) {
         const double value = objective->value(start);
         starts.push_back({std::move(start), value});
     }
     std::stable_sort(starts.begin(), starts.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-    starts.resize(std::min(starts.size(), policy.withoutInput));
+    starts.resize(std::min(starts.size(), isCheap() ? policy.cheapOtherRoles : policy.otherRoles));
     for (const Optimum& start : starts) {
         optima.add(converged(start.point, variables.upper), *objective);
+    }
+    if (isCheap()) {
+        for (const SearchPolicy::Start& change : policy.changes) {
+            optima.add(converged(scaled(best, change), variables.upper), *objective);
+        }
     }
 }
 

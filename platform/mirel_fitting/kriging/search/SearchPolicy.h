@@ -72,9 +72,19 @@ struct SearchPolicy
     std::size_t casesPerLevel = 4;
     /** Beyond so many cases only the first start competes there: each takes seconds. */
     std::size_t raceCases = 2000;
-    /** Of so many of the likeliest starts without one input the search goes on. With one, a
-     *  table in 141 ends 9.3 lower; more gain nothing. */
-    std::size_t withoutInput = 2;
+    /** From the best optimum without one input each, so many of the likeliest searches go on. With
+     *  one, a table in 141 ends 9.3 lower; more gain nothing. */
+    std::size_t otherRoles = 2;
+    /** Of no more cases and inputs than these, where a fit takes some milliseconds, the search also
+     *  starts without two inputs, with two exchanged, and from `changes`, to find the second
+     *  optimum. */
+    std::size_t changedCases = 200;
+    std::size_t changedInputs = 10;
+    /** Of 29 second optima within 2 of the best 16 are found without these starts, 24 with 12 of
+     *  them, 25 with 20. */
+    std::size_t cheapOtherRoles = 12;
+    /** Fast changes without noise, slow ones with it; lengths as multiples of the best. */
+    std::array<Start, 3> changes = {{{0.4, 1e-9}, {1.0, 1e-3}, {2.0, 1e-3}}};
     /** Far more than any search has needed (40). */
     int maxSteps = 100;
     BoundedSearch::StepRule stepRule;
@@ -110,8 +120,8 @@ struct SearchPolicy
      *  an influence and the slope that leads back is small. Where the likelihood at the upper bound
      *  is the same, a longer one is reported to have no influence. */
     double recalledLength = 20.0;
-    /** Of so many of the longest ones that is tried; so many of the shortest ones are left out in
-     *  the search without each input. */
+    /** Of so many of the longest ones that is tried; so many of the shortest ones are left out,
+     * each alone, in the search from the changed optimum. */
     std::size_t triedLengths = 20;
     // Nugget.
 
