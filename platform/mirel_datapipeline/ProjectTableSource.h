@@ -48,7 +48,7 @@ private:
 
     std::string idColumnName() const;
     vtkSmartPointer<vtkAbstractArray> idColumn() const;
-    vtkSmartPointer<vtkAbstractArray> numberColumn(const VarPtr&, const std::string& name) const;
+    vtkSmartPointer<vtkAbstractArray> numberColumn(const VarPtr&) const;
     TextColumn textColumn(const VarPtr&, const std::string& name) const;
 
     boost::shared_ptr<const Project> project;

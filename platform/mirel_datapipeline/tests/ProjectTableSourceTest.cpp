@@ -99,6 +99,20 @@ TEST_F(ProjectTableSourceTest, KeepsTheIdsInColumnZeroWhenAVariableHasTheirName)
     EXPECT_EQ(numberAt(0, "Record_"), 4.0);
 }
 
+// Comparing each name with all names before it would not end within the time limit of the tests.
+TEST_F(ProjectTableSourceTest, Delivers200000ColumnsWithoutComparingTheirNames)
+{
+    {
+        const Project::ChangeGroup oneChange(*project);
+        for (int i = 0; i < 100000; ++i) {
+            project->addNumericVariable("number " + std::to_string(i), Variable::Unassigned);
+            project->addTextVariable("text " + std::to_string(i), Variable::Unassigned);
+        }
+    }
+    EXPECT_EQ(table()->GetNumberOfColumns(), 200003);
+    EXPECT_EQ(table()->GetColumnByName("text 99999"), table()->GetColumn(200002));
+}
+
 TEST_F(ProjectTableSourceTest, NamesColumnsByteForByte)
 {
     project->renameVariable(x, "Stra\xC3\x9F"
