@@ -27,6 +27,7 @@ public:
     const DeleteSignaler* deleteSignaler = nullptr;
     int id = -1;
     bool isObjectDestroyed = false;
+    bool isRecorded = false;
     boost::signals2::scoped_connection deletedConnection;
 };
 
@@ -44,7 +45,6 @@ GenericUndoCommand::GenericUndoCommand(boost::function<void()> redo, boost::func
             impl->isObjectDestroyed = true;
             impl->redo.clear();
             impl->undo.clear();
-            setObsolete(true);
         });
     }
 }
@@ -74,22 +74,39 @@ bool GenericUndoCommand::mergeWith(const QUndoCommand* other)
     return true;
 }
 
+// Qt looks at an obsolete command right after it has run: a command that became obsolete at another
+// time could be deleted by an undo that is to have no effect.
 void GenericUndoCommand::redo()
 {
-    if (UndoStackState::instance().takeDoneBeforePush(this) || impl->isObjectDestroyed) {
+    UndoStackState& state = UndoStackState::instance();
+    if (state.takeDoneBeforePush(this)) {
+        impl->isRecorded = true;
         return;
     }
-    const UndoStackState::Suspension suspension;
-    callCopy(impl->redo);
-    QUndoCommand::redo();
+    if (impl->isRecorded && state.isBlocked()) {
+        return;
+    }
+    if (!impl->isObjectDestroyed) {
+        const UndoStackState::Run run;
+        callCopy(impl->redo);
+        QUndoCommand::redo();
+    }
+    if (impl->isObjectDestroyed) {
+        setObsolete(true);
+    }
 }
 
 void GenericUndoCommand::undo()
 {
-    if (impl->isObjectDestroyed) {
+    if (impl->isRecorded && UndoStackState::instance().isBlocked()) {
         return;
     }
-    const UndoStackState::Suspension suspension;
-    QUndoCommand::undo();
-    callCopy(impl->undo);
+    if (!impl->isObjectDestroyed) {
+        const UndoStackState::Run run;
+        QUndoCommand::undo();
+        callCopy(impl->undo);
+    }
+    if (impl->isObjectDestroyed) {
+        setObsolete(true);
+    }
 }

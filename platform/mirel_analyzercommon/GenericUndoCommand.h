@@ -16,8 +16,8 @@ class DeleteSignaler;
  * they may destroy the command's object.
  *
  * When the object that the functions act on has been destroyed, the command is inert: redo() and
- * undo() do nothing, both functions are released, and it is obsolete, so that the stack deletes it
- * when it is next reached.
+ * undo() do nothing but make it obsolete, so that the stack deletes it when it is next reached, and
+ * both functions are released.
  * An exception from a function passes; the command can be tried again.
  */
 class MIREL_ANALYZERCOMMON_EXPORT GenericUndoCommand : public QUndoCommand

@@ -40,7 +40,14 @@ void UndoStack::push(QUndoCommand* command)
     state.record(std::move(owned));
 }
 
-QUndoStack& UndoStack::stack() const
+void UndoStack::GuardedStack::clear()
+{
+    if (!UndoStackState::instance().isBlocked()) {
+        QUndoStack::clear();
+    }
+}
+
+UndoStack::GuardedStack& UndoStack::stack() const
 {
     return UndoStackState::instance().stack();
 }

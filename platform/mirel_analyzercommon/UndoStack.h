@@ -2,14 +2,19 @@
 
 #include <mirel_analyzercommon/Export.h>
 
-class QString;
-class QUndoCommand;
-class QUndoStack;
+#include <QUndoStack>
 
 /**
  * A handle on the one undo stack of the application. The stack is made on first use, needs no
  * application object and stays valid until the process has ended, static destruction included.
  * Main thread only.
+ *
+ * While a command runs or a macro is open, undo(), redo(), setIndex() and clear() of the stack have
+ * no effect, whoever calls them: a shortcut, a view, or a listener of what the command changes. A
+ * command pushed while another one runs is done at once, within it, and not recorded. The order of
+ * effects of one step is thus: the command's redo() with all that it sets off, then the recording,
+ * then the signals of the stack; of an undo: the command's undo() with all that it sets off, then
+ * the move of the index, then the signals. Listeners of these signals may undo and redo.
  */
 class MIREL_ANALYZERCOMMON_EXPORT UndoStack
 {
@@ -30,11 +35,20 @@ public:
      */
     void push(QUndoCommand* command);
 
-    /** For views and actions, valid for the life of the process; push through push(). */
-    QUndoStack& stack() const;
-
+    class GuardedStack;
     class Macro;
     class SuspendUndoRecording;
+
+    /** For views and actions, valid for the life of the process; push through push(). */
+    GuardedStack& stack() const;
+};
+
+/** The application's stack, which is not cleared while a command runs or a macro is open. Qt's own
+ *  clear(), called through a QUndoStack, does not ask and must not be called from a command. */
+class MIREL_ANALYZERCOMMON_EXPORT UndoStack::GuardedStack : public QUndoStack
+{
+public:
+    void clear();
 };
 
 /**

@@ -8,6 +8,21 @@ UndoStackState& UndoStackState::instance()
     return *state;
 }
 
+UndoStackState::UndoStackState()
+{
+    QObject::connect(&undoStack, &QUndoStack::indexChanged, [this] { restoreIndexIfBlocked(); });
+}
+
+// What moves the index of a blocked stack has run no command, nor does moving it back.
+void UndoStackState::restoreIndexIfBlocked()
+{
+    if (!isBlocked()) {
+        unblockedIndex = undoStack.index();
+    } else if (undoStack.index() != unblockedIndex) {
+        undoStack.setIndex(unblockedIndex);
+    }
+}
+
 void UndoStackState::openMacro(const QString& text)
 {
     if (openMacros++ == 0) {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <mirel_analyzercommon/UndoStack.h>
+
 #include <QString>
-#include <QUndoStack>
 
 #include <memory>
 
@@ -16,21 +17,35 @@ public:
      * destroyed. */
     static UndoStackState& instance();
 
-    QUndoStack& stack() { return undoStack; }
+    UndoStack::GuardedStack& stack() { return undoStack; }
 
     void suspend() { ++suspensions; }
     void resume() { --suspensions; }
     bool isSuspended() const { return suspensions > 0; }
 
-    /** Suspends recording while it lives: what a command sets off records nothing. */
-    class Suspension
+    /** One lives while a command runs: what the command sets off records nothing. */
+    class Run
     {
     public:
-        Suspension() { instance().suspend(); }
-        ~Suspension() { instance().resume(); }
-        Suspension(const Suspension&) = delete;
-        Suspension& operator=(const Suspension&) = delete;
+        Run()
+        {
+            instance().suspend();
+            ++instance().runs;
+        }
+        ~Run()
+        {
+            --instance().runs;
+            instance().resume();
+        }
+        Run(const Run&) = delete;
+        Run& operator=(const Run&) = delete;
     };
+
+    /**
+     * Whether a macro is open or a command runs: recorded commands do nothing then. Qt, whose slots
+     * cannot be overridden, would run a command within itself or move the index for good.
+     */
+    bool isBlocked() const { return openMacros > 0 || runs > 0; }
 
     void openMacro(const QString& text);
 
@@ -47,15 +62,18 @@ public:
     bool takeDoneBeforePush(const QUndoCommand* command);
 
 private:
-    UndoStackState() = default;
+    UndoStackState();
     ~UndoStackState() = default;
 
+    void restoreIndexIfBlocked();
     bool isStepOpen() const;
     void dropStepWithoutParts();
 
-    QUndoStack undoStack;
+    UndoStack::GuardedStack undoStack;
     const QUndoCommand* doneBeforePush = nullptr;
+    int unblockedIndex = 0; ///< of the stack when it was last not blocked
     int suspensions = 0;
+    int runs = 0;
     int openMacros = 0;
     bool hasBegunStep = false;
     QString macroText;

@@ -30,10 +30,15 @@ bool WrappedUndoCommand::mergeWith(const QUndoCommand* other)
 
 void WrappedUndoCommand::redo()
 {
-    if (UndoStackState::instance().takeDoneBeforePush(this)) {
+    UndoStackState& state = UndoStackState::instance();
+    if (state.takeDoneBeforePush(this)) {
+        isRecorded = true;
         return;
     }
-    const UndoStackState::Suspension suspension;
+    if (isRecorded && state.isBlocked()) {
+        return;
+    }
+    const UndoStackState::Run run;
     if (!command->isObsolete()) {
         command->redo();
     }
@@ -42,7 +47,10 @@ void WrappedUndoCommand::redo()
 
 void WrappedUndoCommand::undo()
 {
-    const UndoStackState::Suspension suspension;
+    if (isRecorded && UndoStackState::instance().isBlocked()) {
+        return;
+    }
+    const UndoStackState::Run run;
     if (!command->isObsolete()) {
         command->undo();
     }

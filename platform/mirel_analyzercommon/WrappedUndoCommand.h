@@ -23,4 +23,5 @@ private:
     void adoptTextAndObsolescence();
 
     std::unique_ptr<QUndoCommand> command;
+    bool isRecorded = false;
 };

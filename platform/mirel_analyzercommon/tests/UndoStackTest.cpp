@@ -9,6 +9,9 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -89,6 +92,118 @@ TEST_F(UndoStackTest, SkipsCommandsAndPartsOfAMacroWhoseObjectIsDestroyed)
     stack.undo();
     EXPECT_EQ(log, "");
     EXPECT_FALSE(stack.canUndo());
+}
+
+// Calls of the stack at the wrong moment
+
+namespace {
+
+/** What a view, a shortcut or a listener may do with the stack at any moment. */
+const std::vector<std::pair<const char*, void (*)()>> stackCalls = {
+    {"undo", [] { UndoStack().stack().undo(); }},
+    {"redo", [] { UndoStack().stack().redo(); }},
+    {"clear", [] { UndoStack().stack().clear(); }},
+    {"undo and redo", [] { UndoStack().stack().undo(), UndoStack().stack().redo(); }},
+    {"undo twice", [] { UndoStack().stack().undo(), UndoStack().stack().undo(); }},
+    {"to the beginning", [] { UndoStack().stack().setIndex(0); }},
+    {"to the end", [] { UndoStack().stack().setIndex(99); }},
+};
+
+} // namespace
+
+TEST_F(UndoStackTest, IgnoresCallsOfTheStackWhileACommandRuns)
+{
+    for (const auto& [name, call] : stackCalls) {
+        SCOPED_TRACE(name);
+        stack.clear();
+        bool calls = false;
+        const auto logAndCall = [&, call = call](const std::string& entry) {
+            log += entry;
+            if (calls) {
+                call();
+            }
+        };
+        push("A");
+        push([&] { logAndCall("rB "); }, [&] { logAndCall("uB "); });
+        push("C");
+        stack.undo();
+        log.clear();
+        calls = true;
+
+        stack.undo();
+        EXPECT_EQ(stack.index(), 1);
+        stack.redo();
+        EXPECT_EQ(stack.index(), 2);
+        stack.setIndex(0);
+        EXPECT_EQ(stack.index(), 0);
+        stack.setIndex(3);
+        EXPECT_EQ(log, "uB rB uB uA rA rB rC ");
+
+        log.clear();
+        push([&] { logAndCall("rD "); }, nothing);
+        EXPECT_EQ(log, "rD ");
+        EXPECT_EQ(stack.count(), 4);
+        EXPECT_EQ(stack.index(), 4);
+    }
+}
+
+TEST_F(UndoStackTest, IgnoresCallsOfTheStackWhileAMacroIsOpen)
+{
+    for (const auto& [name, call] : stackCalls) {
+        SCOPED_TRACE(name);
+        stack.clear();
+        push("A");
+        push("B");
+        stack.undo();
+        log.clear();
+        {
+            const UndoStack::Macro macro("macro");
+            call();
+            EXPECT_EQ(stack.count(), 2);
+            EXPECT_EQ(stack.index(), 1);
+            push("C");
+            call();
+        }
+        EXPECT_EQ(log, "rC ");
+        EXPECT_EQ(stack.count(), 2);
+        EXPECT_EQ(stack.index(), 2);
+    }
+}
+
+TEST_F(UndoStackTest, IgnoresCallsOfTheStackByACommandWhoseObjectIsDestroyedAsItRuns)
+{
+    for (const auto& [name, call] : stackCalls) {
+        SCOPED_TRACE(name);
+        stack.clear();
+        auto object = std::make_unique<DeleteSignaler>();
+        auto* const borrowed = object.get();
+        push("A");
+        UndoStack().push(new GenericUndoCommand(
+            nothing, [&, call = call] { object.reset(), call(); }, borrowed, "B", -1));
+        log.clear();
+
+        stack.undo();
+
+        EXPECT_EQ(log, "");
+        EXPECT_EQ(stack.count(), 1);
+        EXPECT_EQ(stack.index(), 1);
+    }
+}
+
+TEST_F(UndoStackTest, LetsListenersOfTheStackUndo)
+{
+    push("A");
+    bool undoes = true;
+    const auto connection = QObject::connect(&stack, &QUndoStack::indexChanged, [&] {
+        if (std::exchange(undoes, false)) {
+            stack.undo();
+        }
+    });
+    push("B");
+    QObject::disconnect(connection);
+
+    EXPECT_EQ(log, "rA rB uB ");
+    EXPECT_EQ(stack.index(), 1);
 }
 
 // Exceptions

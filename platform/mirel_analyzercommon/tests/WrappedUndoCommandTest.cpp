@@ -122,6 +122,34 @@ TEST_F(WrappedUndoCommandTest, LeavesTheStackWhenMergingOrUndoMakesTheCommandObs
     EXPECT_EQ(stack.count(), 0);
 }
 
+TEST_F(WrappedUndoCommandTest, IsNotRunAgainByCallsOfTheStackThatItSetsOff)
+{
+    struct Restless : QUndoCommand
+    {
+        explicit Restless(std::string& calls) : log(calls) {}
+        void redo() override
+        {
+            log += "r ";
+            UndoStack().stack().redo();
+        }
+        void undo() override
+        {
+            log += "u ";
+            UndoStack().stack().undo();
+        }
+        std::string& log;
+    };
+    std::string log;
+    UndoStack().push(new Restless(log));
+    UndoStack().push(new Restless(log));
+
+    stack.undo();
+    stack.redo();
+
+    EXPECT_EQ(log, "r r u r ");
+    EXPECT_EQ(stack.index(), 2);
+}
+
 TEST_F(WrappedUndoCommandTest, DoesNothingOfACommandThatIsObsolete)
 {
     auto* pushedObsolete = new AddCommand(total, 7);
