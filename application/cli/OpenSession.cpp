@@ -99,6 +99,7 @@ OpenSession::OpenSession(const CommandLine& line)
     if (!line.startsFromModel() && line.command != CommandLine::Summary) {
         requireRoles(session, "-y NAME",
                      line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
+        requireFewInputs(session, line.command == CommandLine::Compare);
     }
     if (!session.readingGuess().empty()) {
         note(line, "Read as: " + session.readingGuess() + '\n');

@@ -47,6 +47,11 @@ void check(const KrigingOptions& options, std::size_t inputs)
                     std::to_string(inputs) + ", or none, not " + std::to_string(lengths.size()) +
                     ".");
     }
+    if (lengths.empty() && inputs > KrigingSurrogateModel::maxInputs) {
+        throw Error("A Kriging model takes at most " +
+                    std::to_string(KrigingSurrogateModel::maxInputs) + " inputs, not " +
+                    std::to_string(inputs) + ", unless their correlation lengths are given.");
+    }
     for (std::size_t k = 0; k < lengths.size(); ++k) {
         // Infinity is a length too: an input without influence.
         if (!(lengths[k] > 0.0)) {

@@ -35,8 +35,12 @@
 class MIREL_FITTING_EXPORT KrigingSurrogateModel : public FittedModel
 {
 public:
-    /** @throw Error also if the range of an input is not finite, or an option is out of its range.
-     */
+    /** Of a model whose correlation lengths are estimated: each start of the search holds a matrix
+     *  of 8 bytes per pair of inputs, and a step takes time with the cube of their number. */
+    static constexpr std::size_t maxInputs = 2000;
+
+    /** @throw Error also if the range of an input is not finite, an option is out of its range, or
+     *         there are more than maxInputs. */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,
                           const KrigingOptions& options);

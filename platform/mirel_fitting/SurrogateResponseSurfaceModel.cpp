@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <map>
 
+static_assert(SurrogateResponseSurfaceModel::maxTerms == PolynomialForm::maxTerms);
+
 class SurrogateResponseSurfaceModel::Impl
 {
 public:

@@ -34,7 +34,11 @@ class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 public:
     using Selection = ResponseSurfaceOptions::Selection;
 
-    /** @throw Error also if the polynomial has more than 10 000 terms, or a FitProgress cancels. */
+    /** Of a polynomial, the constant among them: the triangular factor of so many takes 800 MB, and
+     *  three of them are held at a time. */
+    static constexpr std::size_t maxTerms = 10000;
+
+    /** @throw Error also if the polynomial has more than maxTerms, or a FitProgress cancels. */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount);

@@ -10,7 +10,9 @@
 #include "session/text/SessionErrors.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TermFormula.h>
 
 #include <algorithm>
@@ -167,5 +169,27 @@ void requireRoles(const Workspace& workspace, const std::string& outputHint,
         throw UsageError(inputHint
                              ? "The project has no input; name one: " + *inputHint + '.'
                              : "No column is left to be an input" + missingInputText(workspace));
+    }
+}
+
+void requireFewInputs(const Workspace& workspace, bool comparesModels)
+{
+    const std::size_t count = workspace.inputs().size();
+    const auto refuse = [&](const std::string& model, std::size_t most, const std::string& need) {
+        throw UsageError(std::to_string(count) + " columns would be inputs, and " + model +
+                         " takes at most " + std::to_string(most) + ": it would need " + need +
+                         ". Name the inputs that matter with -x.");
+    };
+    if (comparesModels || workspace.modelType() == Workspace::Kriging) {
+        if (count > KrigingSurrogateModel::maxInputs) {
+            const std::size_t megabytes = count * count / 125000; // 8 bytes per pair of inputs
+            refuse("a Kriging model", KrigingSurrogateModel::maxInputs,
+                   std::to_string(megabytes) +
+                       " MB of memory for each search for their correlation lengths, and time that "
+                       "grows with the cube of their number");
+        }
+    } else if (count >= SurrogateResponseSurfaceModel::maxTerms) {
+        refuse("a response surface", SurrogateResponseSurfaceModel::maxTerms - 1,
+               std::to_string(count + 1) + " valid cases for the linear terms alone");
     }
 }

@@ -60,3 +60,10 @@ SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const Projec
 SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace,
                                            const std::string& outputHint,
                                            const std::optional<std::string>& inputHint);
+
+/**
+ * Refuses more inputs than the workspace's model can have, before anything is fitted.
+ * @param comparesModels whether a Kriging model is fitted, whatever the workspace's model is.
+ * @throw UsageError
+ */
+SURROGATE_SESSION_EXPORT void requireFewInputs(const Workspace& workspace, bool comparesModels);

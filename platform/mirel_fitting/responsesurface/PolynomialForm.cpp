@@ -8,9 +8,6 @@ namespace {
 
 using Error = SurrogateModelInterface::Error;
 
-/** The triangular factor of so many terms takes 800 MB; three of them are held at a time. */
-constexpr std::size_t maxTerms = 10000;
-
 } // namespace
 
 PolynomialForm PolynomialForm::of(const ResponseSurfaceOptions& options, std::size_t inputs)

@@ -13,6 +13,8 @@
  *  formula up to that order. */
 struct PolynomialForm
 {
+    static constexpr std::size_t maxTerms = 10000;
+
     int order = 2;          ///< 0 constant, 1 linear, 2 of second order
     bool hasSquares = true; ///< has an effect with order 2 only
 

@@ -157,6 +157,11 @@ TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
     EXPECT_EQ(
         refusal([&] { KrigingSurrogateModel({}, pointersTo(outputs), -3, KrigingOptions()); }),
         "A model cannot be fitted to -3 cases.");
+    const std::vector<double> zeros(2);
+    const std::vector<double*> manyInputs(2001, const_cast<double*>(zeros.data()));
+    EXPECT_EQ(refusal([&] { KrigingSurrogateModel(manyInputs, {}, 2, KrigingOptions()); }),
+              "A Kriging model takes at most 2000 inputs, not 2001, unless their correlation "
+              "lengths are given.");
 }
 
 TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)

@@ -173,6 +173,38 @@ TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
     EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}), "accepted");
 }
 
+TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
+{
+    const auto refusal = [](std::size_t inputs, CaseSession::ModelType model, bool comparesModels) {
+        CaseTable table;
+        CaseRoles roles;
+        roles.outputs = {0};
+        for (std::size_t i = 0; i <= inputs; ++i) {
+            CaseColumn& column = table.columns.emplace_back();
+            column.name = 'v' + std::to_string(i);
+            column.numbers = {1.0, 2.0, 4.0};
+            if (i > 0) {
+                roles.inputs.push_back(i);
+            }
+        }
+        const Workspace workspace(std::move(table), roles, {}, model);
+        return messageOf<UsageError>([&] { requireFewInputs(workspace, comparesModels); });
+    };
+    EXPECT_EQ(refusal(2000, CaseSession::Kriging, false), "accepted");
+    const std::string tooMany = "2001 columns would be inputs, and a Kriging model takes at most "
+                                "2000: it would need 32 MB of memory for each search for their "
+                                "correlation lengths, and time that grows with the cube of their "
+                                "number. Name the inputs that matter with -x.";
+    EXPECT_EQ(refusal(2001, CaseSession::Kriging, false), tooMany);
+    EXPECT_EQ(refusal(2001, CaseSession::ResponseSurface, true), tooMany);
+
+    EXPECT_EQ(refusal(9999, CaseSession::ResponseSurface, false), "accepted");
+    EXPECT_EQ(refusal(10000, CaseSession::ResponseSurface, false),
+              "10000 columns would be inputs, and a response surface takes at most 9999: it would "
+              "need 10001 valid cases for the linear terms alone. Name the inputs that matter with "
+              "-x.");
+}
+
 TEST(SessionChoices, AnInputWithNothingSaidStaysAtTheMedianOfTheValidCases)
 {
     CaseTable table = cvdCases();
