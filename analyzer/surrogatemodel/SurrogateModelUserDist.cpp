@@ -241,6 +241,11 @@ bool SurrogateModelUserDist::isValid() const
     return impl->errorCode == NoError;
 }
 
+std::uint64_t SurrogateModelUserDist::valueCount() const
+{
+    return isValid() ? impl->valueCount : 0;
+}
+
 std::string SurrogateModelUserDist::errorString() const
 {
     return impl->errorText;

@@ -53,6 +53,10 @@ public:
     /** Whether the text has no fault. */
     bool isValid() const;
 
+    /** How many values the items give together, those that overlap counted twice: get() holds so
+     *  many at a time. 0 for a text with a fault. */
+    std::uint64_t valueCount() const;
+
     /**
      * "Expression: " and the faulty item without the blanks around it, then on a second line the
      * message of its fault. Empty while no parse has failed, thus also before the first.

@@ -275,6 +275,12 @@ TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyTrimmedAndAsItIs)
     }
 }
 
+TEST(SurrogateModelUserDist, CountsTheValuesOfAllItemsWithoutExpandingThem)
+{
+    EXPECT_EQ(Dist("0 - 10 : 11, 5").valueCount(), 12u);
+    EXPECT_EQ(Dist("0 - 10 : 11, abc").valueCount(), 0u);
+}
+
 TEST(SurrogateModelUserDist, KeepsItsErrorCodeAndTextWhicheverParsesFirst)
 {
     const std::string message = "Expression: abc\nInvalid floating point number";

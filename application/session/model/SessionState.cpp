@@ -6,6 +6,7 @@
 
 #include <surrogatemodel/SurrogateModelManager.h>
 #include <surrogatemodel/SurrogateModelManagerSerializer.h>
+#include <surrogatemodel/SurrogateModelUserDist.h>
 #include <surrogatemodel/SurrogateModelUserDistCollectionSerializer.h>
 
 #include <property/Property.h>
@@ -52,6 +53,16 @@ boost::shared_ptr<Project> openProject(CaseTable& table)
     throw ProjectDocumentError("The project does not fit its cases: " + sentence);
 }
 } // namespace
+
+std::string excessOfValues(const SurrogateModelUserDist& distribution, const std::string& name)
+{
+    if (distribution.valueCount() <= ProjectDocument::maxTypedValues) {
+        return "";
+    }
+    return "The text for \"" + name + "\" is too large: it asks for " +
+           std::to_string(distribution.valueCount()) + " values, and at most " +
+           std::to_string(ProjectDocument::maxTypedValues) + " can be typed. Ask for fewer values.";
+}
 
 SessionState::SessionState(CaseTable& table,
                            const boost::shared_ptr<SurrogateModelInterface>& model)
@@ -175,6 +186,7 @@ void SessionState::load(const ProjectDocument& document)
         setSettings(loaded);
         document.giveSettings(SurrogateModelManagerSerializer(manager),
                               SurrogateModelUserDistCollectionSerializer(userDistributions));
+        checkValueCounts();
     } catch (...) {
         setSettings(before);
         throw;
@@ -235,5 +247,17 @@ void SessionState::check(const ProjectDocument& document) const
     if (!document.excluded.empty() && document.excluded.back() >= project->recordCount()) {
         refuse("There is no case " + std::to_string(document.excluded.back() + 1) +
                " to exclude: the cases are 1 to " + std::to_string(project->recordCount()) + '.');
+    }
+}
+
+void SessionState::checkValueCounts() const
+{
+    for (const Collection& texts : {manager->evaluationPoint()->get(), userDistributions->get()}) {
+        for (const std::string& name : texts.getVarNameSet()) {
+            const std::string excess = excessOfValues(*texts.getUserDistributionPoints(name), name);
+            if (!excess.empty()) {
+                throw ProjectDocumentError(excess);
+            }
+        }
     }
 }

@@ -10,12 +10,14 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 class Project;
 class ProjectDocument;
 class SurrogateModelInterface;
 class SurrogateModelManager;
+class SurrogateModelUserDist;
 
 /**
  * The project, the manager and the choices of a session, and what changes several of them at once.
@@ -65,4 +67,9 @@ public:
 
 private:
     void check(const ProjectDocument& document) const;
+    void checkValueCounts() const;
 };
+
+/** The sentence that refuses a text of more values than ProjectContents::maxTypedValues; empty for
+ *  others. */
+std::string excessOfValues(const SurrogateModelUserDist& distribution, const std::string& name);

@@ -31,9 +31,7 @@ using Collection = SurrogateModelUserDistCollection;
 /** The values of a text; the message names the variable and, in one sentence, the fault. */
 std::vector<double> valuesOf(const std::string& text, const std::string& name)
 {
-    SurrogateModelUserDist distribution(text);
-    std::vector<double> values;
-    distribution.get(values);
+    const SurrogateModelUserDist distribution(text);
     if (!distribution.isValid()) {
         std::string fault = distribution.errorString();
         fault.replace(fault.find('\n'), 1, ": ");
@@ -41,6 +39,12 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
                                     "\" cannot be read. " + fault +
                                     ". Write numbers and ranges like 4 - 80 : 20, 42.");
     }
+    const std::string excess = excessOfValues(distribution, name);
+    if (!excess.empty()) {
+        throw DistributionTextError(excess);
+    }
+    std::vector<double> values;
+    distribution.get(values);
     return values;
 }
 

@@ -19,6 +19,9 @@ struct ProjectContents
     /** More values of one input than these would not fit a table that anybody can use. */
     static constexpr std::size_t maxSweptValues = 100000000;
 
+    /** Of a distribution text, whose values are sorted: a short text can ask for any number. */
+    static constexpr std::size_t maxTypedValues = 10000000;
+
     /** Lower and upper bound, or first and last value, in the variable's units. */
     using Range = std::pair<double, double>;
 

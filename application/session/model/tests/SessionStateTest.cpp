@@ -49,6 +49,31 @@ protected:
 };
 } // namespace
 
+TEST_F(SessionStateTest, RefusesTextsOfTooManyValuesAndKeepsItsSettings)
+{
+    state.chooseRoles({{1, 0}, {3}});
+    const SessionSettings settings = state.settings();
+    std::string text = "4";
+    for (int range = 0; range < 10; ++range) {
+        text += ",4-80:1000000";
+    }
+    using Texts = boost::shared_ptr<veska::PropertyAbstract<SurrogateModelUserDistCollection>>;
+    for (const Texts& texts :
+         {Texts(state.manager->evaluationPoint()), Texts(state.userDistributions)}) {
+        const SurrogateModelUserDistCollection before = texts->get();
+        SurrogateModelUserDistCollection changed = before;
+        changed.setUserDistString("Pressure", text);
+        texts->set(changed);
+        const ProjectDocument document = saved();
+        texts->set(before);
+
+        EXPECT_EQ(messageOf<ProjectDocumentError>([&] { state.load(document); }),
+                  "The text for \"Pressure\" is too large: it asks for 10000001 values, and at "
+                  "most 10000000 can be typed. Ask for fewer values.");
+        EXPECT_TRUE(state.settings() == settings);
+    }
+}
+
 TEST_F(SessionStateTest, LoadsWhatItHasSaved)
 {
     state.chooseRoles({{1, 0}, {3}});

@@ -113,6 +113,15 @@ TEST(Workspace, AFaultyTextIsRefusedInOneSentenceWithTheItem)
     EXPECT_THROW(workspace.stayAt(0, ""), DistributionTextError);
     EXPECT_EQ(messageOf<DistributionTextError>([&] { workspace.stayAt(0, "1, 2"); }),
               "The text \"1, 2\" for \"Pressure\" has several values where one is wanted.");
+
+    std::string manyValues = "4";
+    for (int range = 0; range < 10; ++range) {
+        manyValues += ",4-80:1000000";
+    }
+    EXPECT_EQ(messageOf<DistributionTextError>([&] { workspace.sweep(0, manyValues); }),
+              "The text for \"Pressure\" is too large: it asks for 10000001 values, and at most "
+              "10000000 can be typed. Ask for fewer values.");
+
     EXPECT_EQ(messageOf<UsageError>([&] { workspace.sweepEvenly(0, 1); }),
               "\"Pressure\" can be swept evenly over 2 to 100000000 values, not 1.");
 }
