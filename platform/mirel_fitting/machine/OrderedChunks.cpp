@@ -1,6 +1,7 @@
 #include <mirel_fitting/machine/OrderedChunks.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <algorithm>
 #include <chrono>
@@ -121,8 +122,9 @@ void OrderedChunks::runEach(std::size_t chunks, int threads, const std::function
 void OrderedChunks::run(std::size_t chunks, int threads,
                         const std::function<std::unique_ptr<Worker>()>& makeWorker, double work)
 {
-    const std::size_t used =
-        std::clamp<std::size_t>(chunks, 1, static_cast<std::size_t>(std::max(threads, 1)));
+    const auto wanted = static_cast<int>(
+        std::clamp<std::size_t>(chunks, 1, static_cast<std::size_t>(std::max(threads, 1))));
+    const auto used = static_cast<std::size_t>(SingleThreadedBlas::affordableThreads(wanted));
     std::vector<std::unique_ptr<Worker>> workers;
     workers.reserve(used);
     for (std::size_t k = 0; k < used; ++k) {

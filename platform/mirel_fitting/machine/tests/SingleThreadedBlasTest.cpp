@@ -4,7 +4,44 @@
 
 #include <cblas.h>
 
+#include <cstdlib>
 #include <memory>
+#include <new>
+
+#include <sys/resource.h>
+
+namespace {
+
+/** With less memory than a call takes. Waits for ever where the call is made nevertheless. */
+[[noreturn]] void multiplyWithoutMemory()
+{
+    const rlimit limit = {rlim_t{1} << 20, rlim_t{1} << 20};
+    setrlimit(RLIMIT_AS, &limit);
+    try {
+        const SingleThreadedBlas blas;
+        double c = 0.0;
+        const double one = 1.0;
+        cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 1, 1, 1, 1.0, &one, 1, &one, 1, 0.0,
+                    &c, 1);
+    } catch (const std::bad_alloc&) {
+        std::_Exit(SingleThreadedBlas::affordableThreads(4));
+    }
+    std::_Exit(EXIT_FAILURE + 1);
+}
+
+} // namespace
+
+TEST(SingleThreadedBlasDeathTest, RefusesCallsThatThereIsNoMemoryFor)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process without buffers
+    EXPECT_EXIT(multiplyWithoutMemory(), testing::ExitedWithCode(1), "");
+}
+
+TEST(SingleThreadedBlas, AffordsThreadsWhereThereIsMemory)
+{
+    EXPECT_EQ(SingleThreadedBlas::affordableThreads(3), 3);
+    EXPECT_EQ(SingleThreadedBlas::affordableThreads(1), 1);
+}
 
 TEST(SingleThreadedBlas, LimitsOpenBlasToOneThreadAndRestoresWhatWasSet)
 {
