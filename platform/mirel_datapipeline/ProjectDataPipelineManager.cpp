@@ -5,12 +5,27 @@
 #include <mirel_datapipeline/ProjectTableSource.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
-#include <vtkNew.h>
+#include <new>
 
 class ProjectDataPipelineManager::Impl
 {
 public:
-    vtkNew<ProjectTableSource> source;
+    Impl() = default;
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    ~Impl()
+    {
+        // VTK looks for cycles of references, which needs memory and throws without; a smart
+        // pointer would end the process then.
+        try {
+            source->Delete();
+        } catch (const std::bad_alloc&) {
+            // It stays, unused.
+        }
+    }
+
+    ProjectTableSource* const source = ProjectTableSource::New();
     SignalConnectionCollection connections;
 };
 
@@ -28,7 +43,7 @@ ProjectDataPipelineManager::~ProjectDataPipelineManager() = default;
 
 vtkSmartPointer<vtkTableAlgorithm> ProjectDataPipelineManager::outputAlgorithm() const
 {
-    return impl->source.Get();
+    return impl->source;
 }
 
 void ProjectDataPipelineManager::onProjectChanged()

@@ -69,24 +69,21 @@ public:
     {
         lxw_workbook_options options = {};
         options.tmpdir = folder.path.data();
-        workbook = workbook_new_opt(path.c_str(), &options);
-        if (workbook == nullptr) {
-            throw Error("There is not enough memory for the workbook.");
-        }
+        workbook = made(workbook_new_opt(path.c_str(), &options));
         lxw_doc_properties properties = {};
         properties.created = creation;
-        workbook_set_properties(workbook, &properties);
+        require(workbook_set_properties(workbook, &properties));
         for (const std::string& sheet : sheets) {
-            worksheets.push_back(workbook_add_worksheet(workbook, sheet.c_str()));
+            worksheets.push_back(made(workbook_add_worksheet(workbook, sheet.c_str())));
         }
         for (lxw_format*& format : formats) {
-            format = workbook_add_format(workbook);
+            format = made(workbook_add_format(workbook));
         }
         format_set_bold(formats[Heading]);
         format_set_bg_color(formats[Typed], 0xFFF2CC);
         format_set_border(formats[Typed], LXW_BORDER_THIN);
         format_set_font_color(formats[Quiet], LXW_COLOR_GRAY);
-        alarm = workbook_add_format(workbook);
+        alarm = made(workbook_add_format(workbook));
         format_set_bold(alarm);
         format_set_bg_color(alarm, LXW_COLOR_RED);
         format_set_font_color(alarm, LXW_COLOR_WHITE);
@@ -98,6 +95,15 @@ public:
         if (workbook != nullptr) {
             workbook_close(workbook);
         }
+    }
+
+    template <class Part>
+    static Part* made(Part* part)
+    {
+        if (part == nullptr) {
+            throw Error("There is not enough memory for the workbook.");
+        }
+        return part;
     }
 
     void require(lxw_error error) const

@@ -2,9 +2,36 @@
 
 #include "PipelineTest.h"
 
+#include <cstdlib>
+#include <new>
+
 #include <mirel_datamanagement/ProjectError.h>
 
 #include <boost/smart_ptr/weak_ptr.hpp>
+
+namespace {
+bool isOutOfMemory = false;
+} // namespace
+
+/** Of this program and of the libraries in it. */
+void* operator new(std::size_t size)
+{
+    void* const memory = isOutOfMemory ? nullptr : std::malloc(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace {
 
@@ -124,4 +151,14 @@ TEST_F(ProjectDataPipelineManagerTest, ServesSeveralPipelinesOverOneProject)
     project->addRecord();
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(secondChanges, 1);
+}
+
+TEST_F(ProjectDataPipelineManagerTest, IsDestroyedWhereVtkFindsNoMemory)
+{
+    table();
+    isOutOfMemory = true;
+    pipeline.reset();
+    isOutOfMemory = false;
+
+    EXPECT_EQ(pipeline, nullptr);
 }
