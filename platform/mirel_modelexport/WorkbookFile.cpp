@@ -29,8 +29,8 @@ std::string temporaryFolder()
     const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
     std::string path = (parent / "surrogate-XXXXXX").string();
     if (error || mkdtemp(path.data()) == nullptr) {
-        throw Error("The workbook cannot be written: there is no room for temporary files in \"" +
-                    parent.string() + "\".");
+        throw Error("The workbook cannot be written: it takes temporary files, and there is no "
+                    "folder for them that can be written to; name one in the variable TMPDIR.");
     }
     return path;
 }

@@ -3,7 +3,9 @@
 #include <session/text/SessionErrors.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QRawFont>
+#include <QTemporaryDir>
 
 #include <clocale>
 #include <cstdlib>
@@ -38,9 +40,19 @@ DrawingApplication::DrawingApplication()
         if (!isUsersChoice) {
             qputenv("QT_QPA_PLATFORM", "offscreen");
         }
+        // Qt looks for displays in the folder that this variable names, and leaves one behind in
+        // TMPDIR where none is named.
+        const QTemporaryDir noDisplays;
+        const bool isFolderNamed = std::getenv("XDG_RUNTIME_DIR") != nullptr;
+        if (!isFolderNamed) {
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(noDisplays.path()));
+        }
         const QtMessageHandler before = qInstallMessageHandler(reportFatal);
         application = std::make_unique<QApplication>(argumentCount, arguments);
         qInstallMessageHandler(before);
+        if (!isFolderNamed) {
+            qunsetenv("XDG_RUNTIME_DIR");
+        }
         std::setlocale(LC_NUMERIC, "C");
     }
     // Without a font Qt draws boxes, or nothing; a QFont has a name all the same.
