@@ -1,9 +1,10 @@
 // NumericalSoak [--seconds S] [--problems N] [--seed K]: fits random problems with both models and
 // compares what they compute with the definitions in extended precision. Prints the worst deviation
 // of each quantity for each kind of problem; exit code 1 where one is larger than its bound.
+#include "KrigingTestSupport.h"
+#include "TestFunctions.h"
+
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
-#include <mirel_fitting/tests/KrigingTestSupport.h>
-#include <mirel_fitting/tests/TestFunctions.h>
 
 #include <chrono>
 #include <cstdio>
