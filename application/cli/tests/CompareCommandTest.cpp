@@ -27,16 +27,17 @@ TEST_F(CompareCommand, ComparesBothModelsOnTheSameCases)
 
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     const std::vector<std::string> lines = linesOf(outcome.out);
-    ASSERT_EQ(lines.size(), 17u) << outcome.out;
+    ASSERT_EQ(lines.size(), 18u) << outcome.out;
     EXPECT_EQ(lines[0], "Cases   11 read, 11 valid, 0 excluded, 0 invalid");
     EXPECT_EQ(lines[2], "Folds   10, each predicted by models of the cases of all others");
-    EXPECT_EQ(lines[4], "Stress");
-    EXPECT_EQ(lines[6].rfind("  response surface  0.9", 0), 0u) << lines[6];
-    EXPECT_EQ(lines[8].rfind(
+    EXPECT_EQ(lines[3], "Kriging by restricted likelihood, penalised lengths");
+    EXPECT_EQ(lines[5], "Stress");
+    EXPECT_EQ(lines[7].rfind("  response surface  0.9", 0), 0u) << lines[7];
+    EXPECT_EQ(lines[9].rfind(
                   "  There is no difference that matters between the models of \"Stress\": ", 0),
               0u);
-    EXPECT_EQ(lines[9].rfind("  The 95 % intervals held 100 % (response surface), ", 0), 0u)
-        << lines[9];
+    EXPECT_EQ(lines[10].rfind("  The 95 % intervals held 100 % (response surface), ", 0), 0u)
+        << lines[10];
     EXPECT_EQ(outcome.err, "");
 }
 

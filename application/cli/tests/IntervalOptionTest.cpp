@@ -34,6 +34,25 @@ TEST_F(IntervalOption, EvaluateAddsLimitsBehindEachOutput)
     }
 }
 
+TEST_F(IntervalOption, ANoteSaysHowTheLimitsWereCalibrated)
+{
+    std::string cases = "x,y\n";
+    for (int i = 0; i < 60; ++i) {
+        cases += std::to_string(i) + ',' + std::to_string(i % 20 + i * 37 % 11) + '\n';
+    }
+    folder.write("teeth.csv", cases);
+
+    for (const std::string model : {"response-surface", "kriging"}) {
+        const std::string note = "Note for y: 95 % intervals are ";
+        const std::string command = "evaluate teeth.csv -y y --at x=30 -m " + model;
+        EXPECT_NE(run(command + " --interval 80").err.find(note), std::string::npos) << model;
+        EXPECT_EQ(run(command).err.find(note), std::string::npos) << model;
+    }
+    EXPECT_EQ(run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress --interval 95").err.find("Note"),
+              std::string::npos)
+        << "eleven cases: Student's t";
+}
+
 TEST_F(IntervalOption, PredictAddsLimitsBehindEachPrediction)
 {
     folder.write("points.csv", "H2/WF6,Pressure,note\n6,42,middle\n6,,none\n");

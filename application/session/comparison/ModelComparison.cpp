@@ -373,6 +373,7 @@ struct WholeFit
             }
             terms = termCount(*model, workspace.responseSurface());
             transform = ModelInterfaces(*model).transform(0).transform;
+            kriging = ModelInterfaces(*model).krigingReport(0);
         } catch (const SurrogateModelInterface::Error&) {
             // The command fit says why; here the folds count.
         }
@@ -382,6 +383,7 @@ struct WholeFit
     std::size_t terms = 0;
     double looRmse = CrossValidationMetrics::none;
     OutputTransform transform = OutputTransform::None;
+    std::optional<KrigingReport> kriging;
 };
 
 /** Where the folds leave too few cases, the model is of a lower order than that of all cases. */
@@ -405,6 +407,7 @@ void addWholeFit(const Predictions& predictions, const WholeFit& fit,
 {
     metrics.looRmse = fit.looRmse;
     metrics.transform = fit.transform;
+    metrics.kriging = fit.kriging;
     for (const OutputTransform transform : predictions.transforms) {
         ++metrics.transforms[transform];
     }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/OutputTransform.h>
 #include <session/comparison/PairedErrors.h>
 
 #include <cstddef>
 #include <limits>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,7 @@ struct CrossValidationMetrics
     double fitSeconds = none;         ///< wall-clock time of one fit, mean of the folds
     double looRmse = none;            ///< leave-one-out, of the fit to all cases
     OutputTransform transform = OutputTransform::None; ///< in the fit to all cases
+    std::optional<KrigingReport> kriging;              ///< likewise, if it is Kriging
     /** In so many folds each was modelled. */
     std::map<OutputTransform, std::size_t> transforms;
     std::vector<Failure> failures; ///< the folds in which the model cannot be fitted

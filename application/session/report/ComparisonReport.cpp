@@ -10,6 +10,7 @@
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -123,6 +124,10 @@ Json modelJson(const char* name, const CrossValidationMetrics& figures)
                  {"fitSeconds", figures.fitSeconds},
                  {"failures", failures},
                  {"warnings", figures.remarks}};
+    if (figures.kriging) {
+        json["criterion"] = ReportHeading::criterionWord(figures.kriging->criterion);
+        json["trend"] = figures.kriging->trendTerms;
+    }
     if (figures.cases > 0) {
         json["largestErrorCase"] = figures.largestErrorCase + 1;
     }
@@ -167,6 +172,12 @@ std::string ComparisonReport::text(const Workspace& workspace, const ModelCompar
     text += "Inputs  " + oneLineText(joinedText(namesOf(workspace.inputs()))) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
+    const auto& outputs = comparison.outputs;
+    const auto isKnown = [](const OutputComparison& output) { return output.kriging.kriging; };
+    const auto known = std::find_if(outputs.begin(), outputs.end(), isKnown);
+    if (known != outputs.end()) {
+        text += "Kriging by " + known->kriging.kriging->criterionText() + '\n';
+    }
     const PolynomialTerms terms = workspace.responseSurface().terms;
     if (terms == PolynomialTerms::Chosen) {
         text += "Terms   those of the response surface are " +

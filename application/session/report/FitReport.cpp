@@ -1,6 +1,7 @@
 #include "session/report/FitReport.h"
 
 #include "session/cases/VariableNames.h"
+#include "session/diagnosis/FindingWords.h"
 #include "session/model/CaseSession.h"
 #include "session/report/FindingsReport.h"
 #include "session/report/ReportHeading.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <map>
 #include <sstream>
 
 using ReportJson::Json;
@@ -43,18 +45,6 @@ const char* boundName(KrigingReport::Bound bound)
         return "lower";
     case KrigingReport::Bound::Upper:
         return "upper";
-    default:
-        return "none";
-    }
-}
-
-const char* criterionName(KrigingReport::Criterion criterion)
-{
-    switch (criterion) {
-    case KrigingReport::Criterion::RestrictedLikelihood:
-        return "restrictedLikelihood";
-    case KrigingReport::Criterion::PenalisedRestrictedLikelihood:
-        return "penalisedRestrictedLikelihood";
     default:
         return "none";
     }
@@ -118,7 +108,7 @@ Json krigingJson(const KrigingReport& report)
             {"nuggetBound", boundName(report.nuggetBound)},
             {"noiseDeviation", report.noiseDeviation},
             {"processVariance", report.processVariance},
-            {"criterion", criterionName(report.criterion)},
+            {"criterion", ReportHeading::criterionWord(report.criterion)},
             {"logLikelihood", report.logLikelihood},
             {"secondLogLikelihood", report.secondLogLikelihood},
             {"condition", report.condition},
@@ -256,6 +246,36 @@ std::string trendText(const KrigingReport& report, const std::vector<std::string
     return text;
 }
 
+/** A figure for each input, but one for many whose lengths are described alike. */
+void addLengths(const KrigingReport& report, const std::vector<std::string>& inputs,
+                Figures& figures)
+{
+    constexpr std::size_t many = 10;
+
+    const std::size_t count = std::min(report.correlationLengths.size(), inputs.size());
+    std::map<std::string, std::vector<std::string>> described; // without influence, at a bound
+    std::vector<std::string> descriptions;
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool isInfinite = std::isinf(report.correlationLengths[i]);
+        descriptions.push_back(isInfinite ? " (no influence)" : lengthText(report, i));
+        described[descriptions[i]].push_back(inputs[i]);
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const double length = report.correlationLengths[i];
+        if (descriptions[i].empty() || described[descriptions[i]].size() < many) {
+            figures.emplace_back("correlation length of " + inputs[i],
+                                 (std::isinf(length) ? "infinite" : shownNumber(length)) +
+                                     descriptions[i]);
+        }
+    }
+    for (const auto& [description, names] : described) {
+        if (!description.empty() && names.size() >= many) {
+            figures.emplace_back(std::to_string(names.size()) + " correlation lengths",
+                                 FindingWords::names(names) + description);
+        }
+    }
+}
+
 Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
                        const std::vector<std::string>& inputs)
 {
@@ -279,13 +299,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
         figures.emplace_back("condition of the correlations", shownNumber(report.condition));
     }
     figures.emplace_back("trend", trendText(report, inputs));
-    for (std::size_t i = 0; i < report.correlationLengths.size() && i < inputs.size(); ++i) {
-        figures.emplace_back("correlation length of " + inputs[i],
-                             std::isinf(report.correlationLengths[i])
-                                 ? "infinite (no influence)"
-                                 : shownNumber(report.correlationLengths[i]) +
-                                       lengthText(report, i));
-    }
+    addLengths(report, inputs, figures);
     for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
         constexpr int fewestDigits = 6;
         const int digits = worst.digits(fewestDigits);
@@ -527,6 +541,15 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
         }
         for (const std::string& sentence : fit.warnings) {
             addTo(groups, "Warning", sentence, fit.name);
+        }
+    }
+    if (evaluation != nullptr && !evaluation->intervals.empty()) {
+        for (const OutputFit& fit : session.calibratedFit().outputs) {
+            if (fit.calibration &&
+                fit.calibration->basis != CalibrationReport::Basis::Distribution) {
+                addTo(groups, "Note", "95 % intervals are " + widthText(*fit.calibration) + ".",
+                      fit.name);
+            }
         }
     }
     for (const SentenceOfOutputs& group : groups) {

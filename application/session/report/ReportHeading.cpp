@@ -150,6 +150,18 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
     return json;
 }
 
+const char* ReportHeading::criterionWord(KrigingReport::Criterion criterion)
+{
+    switch (criterion) {
+    case KrigingReport::Criterion::RestrictedLikelihood:
+        return "restrictedLikelihood";
+    case KrigingReport::Criterion::PenalisedRestrictedLikelihood:
+        return "penalisedRestrictedLikelihood";
+    default:
+        return "none";
+    }
+}
+
 std::string ReportHeading::modelledText(OutputTransform transform, const std::string& output)
 {
     switch (transform) {

@@ -2,6 +2,7 @@
 
 #include "session/report/ReportJson.h"
 
+#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/OutputTransform.h>
 #include <surrogate_session/Export.h>
 
@@ -42,6 +43,9 @@ SURROGATE_SESSION_EXPORT bool selectsTerms(const Workspace& workspace);
 
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
 SURROGATE_SESSION_EXPORT ReportJson::Json modelJson(const Workspace& workspace);
+
+/** "penalisedRestrictedLikelihood": what the estimated parameters of Kriging maximise. */
+const char* criterionWord(KrigingReport::Criterion criterion);
 
 /** What of an output is modelled: "the logarithm of y", "y itself". */
 SURROGATE_SESSION_EXPORT std::string modelledText(OutputTransform transform,

@@ -35,6 +35,9 @@ ModelComparison sampleComparison()
     output.kriging.remarks.clear();
     output.kriging.transform = OutputTransform::Logarithm;
     output.kriging.transforms = {{OutputTransform::Logarithm, 3}};
+    output.kriging.kriging.emplace();
+    output.kriging.kriging->criterion = KrigingReport::Criterion::PenalisedRestrictedLikelihood;
+    output.kriging.kriging->trendTerms = {"1", "V1"};
     output.kriging.q2 = 0.5;
     output.kriging.held95 = 1.0;
     output.kriging.failures = {{2, "There is a fault."}, {3, "There is another."}};
@@ -52,6 +55,7 @@ TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
         "Cases   11 read, 11 valid, 0 excluded, 0 invalid\n"
         "Inputs  Pressure, H2/WF6\n"
         "Folds   5, each predicted by models of the cases of all others\n"
+        "Kriging by restricted likelihood, penalised lengths\n"
         "\n"
         "Stress\n"
         "  Model               Q2  Cross-validated RMSE  Largest error  At case  Seconds a fit\n"
@@ -115,7 +119,8 @@ TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
         R"({"model":"kriging","transform":"log","foldTransforms":{"log":3},"cases":9,"q2":0.5,"rmse":0.5,"largestError":1.25,)"
         R"("largestErrorCase":5,"held95":1.0,"looRmse":0.375,"fitSeconds":0.0001,"failures":[)"
         R"({"fold":3,"message":"There is a fault."},)"
-        R"({"fold":4,"message":"There is another."}],"warnings":[]}],)"
+        R"({"fold":4,"message":"There is another."}],"warnings":[],)"
+        R"("criterion":"penalisedRestrictedLikelihood","trend":["1","V1"]}],)"
         R"("difference":{"logRmseRatio":-0.125,"standardError":0.25,"p":0.64,"folds":5,)"
         R"("nearer":{"response-surface":7,"kriging":2}},)"
         R"("recommended":"either","confidence":"none","recommendation":"Take either."}],)"

@@ -109,6 +109,35 @@ TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatThoseByStudentsTHold)
     EXPECT_EQ(lastFigures()[1].first, "intervals held");
 }
 
+TEST(FitReport, ListsManyInputsWithoutInfluenceInOneFigure)
+{
+    OutputFit fit;
+    fit.kriging.emplace();
+    std::vector<std::string> inputs;
+    for (int i = 1; i <= 30; ++i) {
+        inputs.push_back("x" + std::to_string(i));
+        fit.kriging->correlationLengths.push_back(i == 1 ? 0.5 : 300.0);
+        fit.kriging->lengthBounds.push_back(i == 1 ? KrigingReport::Bound::None
+                                                   : KrigingReport::Bound::Upper);
+        fit.kriging->isWithoutInfluence.push_back(i > 4);
+    }
+
+    std::vector<std::pair<std::string, std::string>> lengths;
+    for (const auto& figure : FitReport::figures(fit, inputs, nullptr)) {
+        if (figure.first.find("correlation length") != std::string::npos) {
+            lengths.push_back(figure);
+        }
+    }
+
+    EXPECT_EQ(lengths,
+              (std::vector<std::pair<std::string, std::string>>{
+                  {"correlation length of x1", "0.5"},
+                  {"correlation length of x2", "300 (no influence beyond the trend)"},
+                  {"correlation length of x3", "300 (no influence beyond the trend)"},
+                  {"correlation length of x4", "300 (no influence beyond the trend)"},
+                  {"26 correlation lengths", "x5, x6, x7, x8, x9 and 21 more (no influence)"}}));
+}
+
 TEST(FitReport, HasTheCalibrationAsJson)
 {
     CaseSession session = cvdSession();
