@@ -61,7 +61,7 @@ struct SearchPolicy
         {{1.0, 1e-2}, {4.0, 1e-4}, {1.0, 1e-4}, {2.0, 1e-6}, {0.4, 1e-3, 4.0}, {4.0, 0.1}}};
     /** So many steps are taken from each start, then the likeliest searches go on: those that end
      *  low mostly are low soon. */
-    int racingSteps = 4;
+    int racingSteps = 2;
     std::size_t racing = 2;
     /** With so few cases a search takes less than a millisecond, and every start is followed
      *  to its optimum. */
