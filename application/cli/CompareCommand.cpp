@@ -7,6 +7,7 @@
 
 #include <session/comparison/ModelComparison.h>
 #include <session/report/ComparisonReport.h>
+#include <session/text/CountedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <algorithm>
@@ -37,7 +38,9 @@ void CompareCommand::run(const CommandLine& line)
     const std::size_t folds = foldsFor(line, open.session);
     ModelComparison comparison;
     {
-        const TerminalProgress progress(line.isQuiet);
+        const TerminalProgress progress(line.isQuiet,
+                                        "Comparing both models on " +
+                                            countedText(open.session.counts().valid, "case"));
         comparison = ModelComparison::of(open.session, folds);
     }
     open.save(line);

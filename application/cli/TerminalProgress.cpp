@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include <session/model/CaseSession.h>
+#include <session/text/CountedText.h>
 
 #include <mirel_fitting/FitProgress.h>
 
@@ -49,16 +50,23 @@ struct TerminalProgress::Line
     bool isShown = false;
 };
 
-TerminalProgress::TerminalProgress(bool isQuiet)
+TerminalProgress::TerminalProgress(bool isQuiet, const std::string& task,
+                                   std::chrono::milliseconds patience)
 {
-    if (!isQuiet && isatty(STDERR_FILENO) != 0) {
+    const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    if (!isQuiet && isTerminal) {
         line = std::make_unique<Line>();
     }
     progress = std::make_unique<FitProgress>(
-        [shown = line.get()](double fraction, const std::string& message) {
+        [shown = line.get(), sentence = isQuiet || isTerminal ? "" : task + " ...\n",
+         due = std::chrono::steady_clock::now() + patience](double fraction,
+                                                            const std::string& message) mutable {
             Interruption::Postponed::check();
             if (shown != nullptr) {
                 shown->show(fraction, message);
+            } else if (!sentence.empty() && std::chrono::steady_clock::now() >= due) {
+                std::fputs(sentence.c_str(), stderr);
+                sentence.clear();
             }
             return true;
         });
@@ -73,6 +81,9 @@ TerminalProgress::~TerminalProgress()
 
 void fitWithProgress(const CommandLine& line, CaseSession& session)
 {
-    const TerminalProgress progress(line.isQuiet);
+    const bool isKriging = session.modelType() == CaseSession::Kriging;
+    const TerminalProgress progress(
+        line.isQuiet, std::string("Fitting ") + (isKriging ? "Kriging" : "a response surface") +
+                          " to " + countedText(session.counts().valid, "case"));
     session.model();
 }

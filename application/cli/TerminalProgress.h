@@ -2,7 +2,9 @@
 
 #include "Interruption.h"
 
+#include <chrono>
 #include <memory>
+#include <string>
 
 class CaseSession;
 class FitProgress;
@@ -10,13 +12,15 @@ struct CommandLine;
 
 /**
  * While it lives, fits show how far they are as a bar on one line of the terminal, which it clears
- * at the end, and Ctrl-C ends them with Interrupted. It shows nothing if the standard error is no
- * terminal.
+ * at the end, and Ctrl-C ends them with Interrupted. If the standard error is no terminal, a fit
+ * that takes longer than `patience` writes one line there: what it does.
  */
 class TerminalProgress
 {
 public:
-    explicit TerminalProgress(bool isQuiet);
+    /** @param task "Fitting Kriging to 614 cases". */
+    TerminalProgress(bool isQuiet, const std::string& task,
+                     std::chrono::milliseconds patience = std::chrono::seconds(2));
     ~TerminalProgress();
 
     TerminalProgress(const TerminalProgress&) = delete;

@@ -46,6 +46,8 @@ private:
     int sender = -1;
 };
 
+const std::string task = "Fitting Kriging to 11 cases";
+
 /** Reports once the first line is due. */
 void reportLater(double fraction)
 {
@@ -58,7 +60,7 @@ TEST(TerminalProgress, ShowsABarAndClearsItAtTheEnd)
 {
     const Terminal terminal;
     {
-        const TerminalProgress progress(false);
+        const TerminalProgress progress(false, task);
         reportLater(0.5);
         EXPECT_EQ(terminal.received(),
                   "\r\x1B[K[" + std::string(15, '#') + std::string(15, '.') + "]  50 % Searching");
@@ -70,7 +72,7 @@ TEST(TerminalProgress, ShowsNothingOfAFitThatIsDoneAtOnce)
 {
     const Terminal terminal;
     {
-        const TerminalProgress progress(false);
+        const TerminalProgress progress(false, task);
         FitProgress::report(0.5, "Searching");
     }
     EXPECT_EQ(terminal.received(), "");
@@ -80,17 +82,30 @@ TEST(TerminalProgress, ShowsNothingWhereQuietIsWanted)
 {
     const Terminal terminal;
     {
-        const TerminalProgress progress(true);
+        const TerminalProgress progress(true, task);
         reportLater(0.5);
     }
     EXPECT_EQ(terminal.received(), "");
 }
 
-TEST(TerminalProgress, ShowsNothingWithoutATerminal)
+TEST(TerminalProgress, NamesALongFitOnceWithoutATerminal)
 {
     testing::internal::CaptureStderr();
     {
-        const TerminalProgress progress(false);
+        const TerminalProgress progress(false, task, std::chrono::seconds(0));
+        FitProgress::report(0.4, "Searching");
+        FitProgress::report(0.5, "Searching");
+        const TerminalProgress quiet(true, task, std::chrono::seconds(0));
+        FitProgress::report(0.6, "Searching");
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), task + " ...\n");
+}
+
+TEST(TerminalProgress, ShowsNothingOfAShortFitWithoutATerminal)
+{
+    testing::internal::CaptureStderr();
+    {
+        const TerminalProgress progress(false, task, std::chrono::hours(1));
         reportLater(0.5);
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
