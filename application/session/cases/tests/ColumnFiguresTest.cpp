@@ -31,6 +31,15 @@ TEST(ColumnFigures, TheMedianOfAnEvenNumberIsTheMeanOfTheMiddleTwo)
     EXPECT_EQ(ColumnFigures::of(std::vector<double>{largest, largest}).median, largest);
 }
 
+TEST(ColumnFigures, TheMedianOfDecimalFractionsHasNoRoundingError)
+{
+    EXPECT_EQ(medianOf({271.5, 272.1}), 271.8);
+    EXPECT_EQ(medianOf({-0.1, -0.2}), -0.15);
+    EXPECT_EQ(medianOf({1e-300, 2e-300}), 1.5e-300);
+    const double third = 1.0 / 3.0;
+    EXPECT_EQ(medianOf({third, third}), third);
+}
+
 TEST(ColumnFigures, InfiniteNumbersAreNeitherCountedNorMissing)
 {
     const ColumnFigures figures =
