@@ -58,8 +58,7 @@ void checkReport(const CommandLine& line)
     }
     if (!endsLikeAPage(line.report)) {
         throw UsageError("--report writes a page of HTML, whose name ends with .html, which " +
-                         quotedText(line.report) +
-                         " does not; a browser prints the page as PDF.");
+                         quotedText(line.report) + " does not; a browser prints the page as PDF.");
     }
     OutputFile::check(line.report);
 }

@@ -7,6 +7,7 @@
 
 #include <session/comparison/ModelComparison.h>
 #include <session/report/ComparisonReport.h>
+#include <session/report/FindingsReport.h>
 #include <session/text/CountedText.h>
 #include <session/text/SessionErrors.h>
 
@@ -44,6 +45,7 @@ void CompareCommand::run(const CommandLine& line)
         comparison = ModelComparison::of(open.session, folds);
     }
     open.save(line);
+    note(line, FindingsReport::severeNotes(open.session));
     writeText(line.output, line.asJson ? ReportJson::text(ComparisonReport::json(
                                              open.session, comparison, open.readSeconds))
                                        : ComparisonReport::text(open.session, comparison));

@@ -92,6 +92,16 @@ std::string rowsAfter(const std::function<std::string(int)>& first,
                 [&](Strings& row, int number) { row.insert(row.begin(), first(number)); });
 }
 
+/** Row numbers, a text and a number. */
+std::string rowsOfTexts()
+{
+    std::string text;
+    for (const Strings& row : cases()) {
+        text += std::to_string(std::count(text.begin(), text.end(), '\n')) + ",A," + row[2] + '\n';
+    }
+    return text;
+}
+
 std::string utf16(const std::string& text, bool isBig)
 {
     std::string bytes;
@@ -215,6 +225,9 @@ const std::vector<OddTable>& oddTables()
         {"LineBreakInAHeading", replaced(table(), "x,", "\"x\n(mm)\","), ""},
         {"LineBreakInACell", "note,x,z,y\n" + rowsAfter([](int) { return "\"two\nlines\""; }), ""},
         {"SeparatorsInNames", replaced(table(), "x,", "\"x, inner; left\","), ""},
+        {"DatesAsNumbers",
+         "day,x,z,y\n" + rowsAfter([](int i) { return std::to_string(19580310 + 3 * i % 17); }),
+         "\"day\" (dates written as numbers, from 19580310 to 19580326)"},
         {"FailedCells", tableWith("failed"),
          "y: 2 cells are no numbers (\"failed\", first in line 4)"},
         {"FailedCellsNamedMissing", tableWith("failed"), "", Done, "y", {"--missing", "failed"}},
@@ -250,7 +263,28 @@ const std::vector<OddTable>& oddTables()
          "id,x,z,y\n" + rowsAfter([](int i) { return '#' + std::to_string(i); }), ""},
         {"ConstantColumn", "c,x,z,y\n" + rowsAfter([](int) { return "7"; }), ""},
 
-        {"HeadingAlone", "x,z,y\n", "", SummaryOnly, "y", {}, 1},
+        {"HeadingAlone",
+         "x,z,y\n",
+         "The case file names columns and holds no case; add a row for each case.",
+         SummaryOnly,
+         "y",
+         {},
+         1},
+        {"RowNumbersBesideTexts",
+         ",wool,y\n" + rowsOfTexts(),
+         "surrogate: No column is left to be an input: \"C1\" (counts up by one, from 0 to 11), "
+         "\"wool\" (text, such as \"A\"). Name inputs with -x NAMES.",
+         SummaryOnly,
+         "y",
+         {},
+         2},
+        {"TextsAlone",
+         "a,b,y\n" + replaced(replaced(rows(), ".", "-q"), ",", ",p"),
+         "surrogate: \"y\" cannot be an output, it is a text column",
+         SummaryOnly,
+         "y",
+         {},
+         2},
         {"NoOutputCell",
          table(",", ".", [](Strings& row, int) { row[2].clear(); }),
          "",

@@ -290,6 +290,24 @@ TEST_F(Program, CheckReportsTheFaultOfAText)
     EXPECT_EQ(Json::parse(object.out)["fault"]["code"], 1);
 }
 
+TEST_F(Program, EachCommandWarnsOfSevereFindings)
+{
+    std::string odd = cvd;
+    odd.replace(odd.find("8.19"), 4, "-999");
+    folder.write("odd.csv", odd);
+    for (const std::string command :
+         {"evaluate odd.csv", "predict odd.csv --points cvd.csv", "plot odd.csv -o p.svg",
+          "export odd.csv --format json", "compare odd.csv", "equations odd.csv"}) {
+        const Outcome outcome = run(command + " -x Pressure,H2/WF6 -y Stress");
+
+        EXPECT_EQ(outcome.exitCode, 0) << command;
+        EXPECT_NE(outcome.err.find("Warning: Case 10 has Stress = -999, all others lie between "
+                                   "6.49 and 8.33: "),
+                  std::string::npos)
+            << command << ": " << outcome.err;
+    }
+}
+
 TEST_F(Program, ModelsThatCannotBeFittedEndWithOne)
 {
     expectFailure("fit cvd.csv -y Stress --exclude 1-11", 1,

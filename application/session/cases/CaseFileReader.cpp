@@ -341,11 +341,12 @@ void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std:
     }
     for (std::size_t i = 0; i < count; ++i) {
         checkText(names[i], line);
-        std::string name = nameIn(names[i]);
-        if (name.empty()) {
-            name = 'C' + std::to_string(table.columns.size() + 1);
+        CaseColumn& column = table.columns.emplace_back();
+        column.name = nameIn(names[i]);
+        column.isNamed = !column.name.empty();
+        if (!column.isNamed) {
+            column.name = 'C' + std::to_string(table.columns.size());
         }
-        table.columns.emplace_back().name = std::move(name);
     }
     states.resize(table.columns.size());
     checkNames(line);

@@ -139,8 +139,9 @@ private:
     {
         std::vector<std::size_t> positions;
         for (std::size_t i = 0; i < roles.columns.size(); ++i) {
-            if (roles.columns[i].role == ColumnRole::None && table.columns[i].isNumeric &&
-                ColumnRoles::areRunNumbers(table.columns[i])) {
+            const CaseColumn& column = table.columns[i];
+            if (roles.columns[i].role == ColumnRole::None && column.isNumeric && column.isNamed &&
+                ColumnRoles::areRunNumbers(column)) {
                 positions.push_back(i);
             }
         }

@@ -31,7 +31,7 @@ enum class UnnamedOutputs
  *                    column that is no output and that nothing speaks against
  *                    (ColumnRoles::reasonAgainstInput()), in the order of the file. A column that
  *                    only looks like an output is one all the same if no other is left, then one
- *                    of run numbers.
+ *                    of run numbers with a name.
  * @param outputTexts likewise; none at all: as `unnamed` says.
  * @throw UsageError for a name that is unknown, comes twice or is a text column's.
  */

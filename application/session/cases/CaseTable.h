@@ -31,6 +31,8 @@ struct CellsWithoutNumber
 struct CaseColumn
 {
     std::string name;
+    /** Whether the heading has a name for it; the row numbers of other programs have none. */
+    bool isNamed = true;
 
     /** As the row below the heading says, without brackets; empty if it says nothing. */
     std::string unit;

@@ -9,6 +9,8 @@
 #include <array>
 #include <cctype>
 #include <cmath>
+#include <functional>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -96,20 +98,65 @@ bool countsUp(const std::vector<double>& numbers)
     return filled >= fewestRuns;
 }
 
-bool areDifferentWholeNumbers(const std::vector<double>& numbers)
+/** In the order of the cases, without missing ones. */
+std::vector<double> filledNumbers(const std::vector<double>& numbers)
 {
     std::vector<double> filled;
-    for (const double number : numbers) {
-        if (!std::isnan(number)) {
-            if (!isWholeNumber(number)) {
-                return false;
-            }
-            filled.push_back(number);
-        }
-    }
+    std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(filled),
+                 [](double number) { return !std::isnan(number); });
+    return filled;
+}
+
+bool areDifferentWholeNumbers(const std::vector<double>& numbers)
+{
+    std::vector<double> filled = filledNumbers(numbers);
     std::sort(filled.begin(), filled.end());
     return filled.size() >= fewestRuns &&
+           std::all_of(filled.begin(), filled.end(), isWholeNumber) &&
            std::adjacent_find(filled.begin(), filled.end()) == filled.end();
+}
+
+/** Whether all are written like 19580329, and not all the same. */
+bool areDates(const std::vector<double>& numbers)
+{
+    const std::vector<double> filled = filledNumbers(numbers);
+    const auto isDate = [](double number) {
+        constexpr double first = 19000101.0;
+        constexpr double last = 21001231.0;
+        if (!(number >= first && number <= last) || !isWholeNumber(number)) {
+            return false;
+        }
+        const int date = static_cast<int>(number);
+        const int month = date / 100 % 100;
+        const int day = date % 100;
+        return month >= 1 && month <= 12 && day >= 1 && day <= 31;
+    };
+    return filled.size() >= fewestRuns && filled.front() != filled.back() &&
+           std::all_of(filled.begin(), filled.end(), isDate);
+}
+
+/** Whether each case has a later year than the one before. */
+bool areAscendingYears(const CaseColumn& column)
+{
+    constexpr double first = 1000.0;
+    constexpr double last = 3000.0;
+    static constexpr std::array<std::string_view, 5> words = {"year", "years", "yr", "jahr",
+                                                              "date"};
+    const std::vector<double> filled = filledNumbers(column.numbers);
+    return isOneOf(plainName(column.name), words) && filled.size() >= fewestRuns &&
+           filled.front() >= first && filled.back() < last &&
+           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+}
+
+/** What the numbers are that only say which case it is; empty for others. */
+std::string numberingText(const CaseColumn& column)
+{
+    return countsUp(column.numbers) ? "counts up by one, "
+           : isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers)
+               ? "numbers the cases, "
+           : areDates(column.numbers)  ? "dates written as numbers, "
+           : areAscendingYears(column) ? "years that only ascend, "
+                                       : "";
 }
 
 /** "from 1 to 11". */
@@ -273,8 +320,7 @@ const char* roleName(ColumnRole::Role role)
 
 bool ColumnRoles::areRunNumbers(const CaseColumn& column)
 {
-    return countsUp(column.numbers) ||
-           (isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers));
+    return !numberingText(column).empty();
 }
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
@@ -297,12 +343,8 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     if (isConstant && filled > 1) {
         return "the same in every case, " + shownNumber(first);
     }
-    if (areRunNumbers(column)) {
-        return std::string(countsUp(column.numbers) ? "counts up by one, "
-                                                    : "numbers the cases, ") +
-               spanText(column.numbers);
-    }
-    return "";
+    const std::string numbering = numberingText(column);
+    return numbering.empty() ? "" : numbering + spanText(column.numbers);
 }
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const CaseColumn& output)
@@ -322,6 +364,9 @@ ColumnRoles::likelyOutputs(const CaseTable& table, const std::vector<std::size_t
 {
     std::vector<std::pair<std::size_t, std::string>> outputs;
     if (candidates.size() < 2) {
+        for (const std::size_t only : candidates) {
+            outputs.emplace_back(only, "suggested: no other column can be one");
+        }
         return outputs;
     }
     for (const std::size_t position : candidates) {

@@ -38,8 +38,8 @@ SURROGATE_SESSION_EXPORT const char* roleName(ColumnRole::Role role);
 namespace ColumnRoles {
 /**
  * Whether the numbers of a column count up by one, as run numbers do; or differ from each other and
- * are whole, in a column that is called Run, Id, No. or alike. Cells may be missing. Fewer than
- * five cases never count.
+ * are whole, in a column that is called Run, Id, No. or alike; or are dates such as 19580329, or
+ * years that only ascend. Cells may be missing. Fewer than five cases never count.
  */
 bool areRunNumbers(const CaseColumn& column);
 
@@ -52,8 +52,8 @@ std::string reasonAgainstInput(const CaseColumn& column);
 std::string reasonAgainstInput(const CaseColumn& column, const CaseColumn& output);
 
 /** The columns among the candidates that are most likely outputs, each with the reason: those with
- *  names as of outputs, else the last ones whose values hardly repeat, else the last one. None of
- *  fewer than two candidates. */
+ *  names as of outputs, else the last ones whose values hardly repeat, else the last one; the only
+ *  candidate. */
 std::vector<std::pair<std::size_t, std::string>>
 likelyOutputs(const CaseTable& table, const std::vector<std::size_t>& candidates);
 } // namespace ColumnRoles

@@ -153,6 +153,10 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
 void requireRoles(const Workspace& workspace, const std::string& outputHint,
                   const std::optional<std::string>& inputHint)
 {
+    if (workspace.counts().read == 0) {
+        throw SurrogateModelInterface::Error(
+            "The case file names columns and holds no case; add a row for each case.");
+    }
     if (workspace.outputs().empty()) {
         std::vector<std::string> numeric;
         for (const VarPtr& variable : workspace.project().variables()) {

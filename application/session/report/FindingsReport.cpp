@@ -4,6 +4,7 @@
 #include "session/diagnosis/Diagnosis.h"
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/CaseSession.h"
+#include "session/text/CountedText.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -128,6 +129,37 @@ bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
                                                             "nearCopies"};
     const auto& said = workspace.modelType() == Workspace::Kriging ? byKriging : byResponseSurface;
     return std::find(said.begin(), said.end(), finding.kind) != said.end();
+}
+
+/** Why there is nothing to model, if so. */
+void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
+{
+    if (!workspace.exportedReport().empty()) {
+        return;
+    }
+    const ReasonedNames reasons = workspace.reasonsAgainstInputs();
+    const std::string columns = reasons.empty() ? "" : ": " + reasonsText(reasons);
+    if (workspace.counts().read == 0) {
+        findings.push_back({"noCases",
+                            Finding::Severe,
+                            {},
+                            "The file names columns and holds no case: there is nothing to model; "
+                            "add a row for each case."});
+    } else if (workspace.outputs().empty()) {
+        findings.push_back({"noOutput",
+                            Finding::Severe,
+                            {},
+                            "No column is left to be an output" + columns +
+                                "; if they hold numbers, check how the file was read "
+                                "(--separator, --decimal, --skip), or name columns with -x and "
+                                "-y."});
+    } else if (workspace.inputs().empty()) {
+        findings.push_back({"noInput",
+                            Finding::Severe,
+                            {},
+                            "No column is left to be an input" + columns +
+                                "; name inputs with -x, or code texts as numbers."});
+    }
 }
 
 std::vector<std::size_t> sortedRows(const std::vector<CaseDiagnostics>& cases)
@@ -269,6 +301,7 @@ SessionFindings SessionFindings::ofCases(const Workspace& workspace)
     const DiagnosedCases cases = diagnosedCases(workspace);
     result.validCases = cases.count();
     const CaseCounts& counts = workspace.counts();
+    addMissingRoles(workspace, result.findings);
     addMissingCells(workspace, workspace.outputs(), counts.invalidByOutput, true, result.findings);
     addMissingCells(workspace, workspace.inputs(), counts.invalidByInput, false, result.findings);
     const Diagnosis diagnosis = Diagnosis::of(cases);
@@ -310,6 +343,35 @@ std::vector<std::string> FindingsReport::sentences(const SessionFindings& findin
         sentences.push_back(word + finding.text);
     }
     return sentences;
+}
+
+std::string FindingsReport::severeNotes(const Workspace& workspace)
+{
+    std::vector<std::pair<const Finding*, std::size_t>> kinds;
+    const SessionFindings findings = SessionFindings::ofCases(workspace);
+    for (const Finding& finding : findings.findings) {
+        if (finding.severity != Finding::Severe) {
+            continue;
+        }
+        const auto known = std::find_if(kinds.begin(), kinds.end(), [&](const auto& kind) {
+            return kind.first->kind == finding.kind;
+        });
+        if (known == kinds.end()) {
+            kinds.emplace_back(&finding, 0);
+        } else {
+            ++known->second;
+        }
+    }
+    std::string text;
+    for (const auto& [finding, others] : kinds) {
+        text += "Warning: " + finding->text;
+        if (others > 0) {
+            text.pop_back();
+            text += "; so for " + countedText(others, "other column") + ", which summary names.";
+        }
+        text += '\n';
+    }
+    return text;
 }
 
 std::string FindingsReport::text(const SessionFindings& findings)

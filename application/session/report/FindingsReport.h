@@ -38,6 +38,10 @@ SURROGATE_SESSION_EXPORT std::string text(const SessionFindings& findings);
 /** "Warning: Mass is the same in every case ...", one for each finding. */
 SURROGATE_SESSION_EXPORT std::vector<std::string> sentences(const SessionFindings& findings);
 
+/** A warning, as a line, for each kind of severe finding about the cases; empty if there is none.
+ *  The first column of a kind stands for the others, whose number is said. */
+SURROGATE_SESSION_EXPORT std::string severeNotes(const Workspace& workspace);
+
 /** An array of objects with kind, severity, columns and text. */
 SURROGATE_SESSION_EXPORT ReportJson::Json json(const SessionFindings& findings);
 } // namespace FindingsReport

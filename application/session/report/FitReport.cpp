@@ -555,6 +555,9 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
     for (const SentenceOfOutputs& group : groups) {
         text += group.kind + " for " + joinedText(group.outputs) + ": " + group.sentence + '\n';
     }
+    if (session.exportedReport().empty()) {
+        text += FindingsReport::severeNotes(session);
+    }
     if (evaluation == nullptr) {
         return text;
     }

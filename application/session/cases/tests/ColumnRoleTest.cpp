@@ -72,16 +72,25 @@ INSTANTIATE_TEST_SUITE_P(
                       Example{"ID", {3, 4, 7, 8, 11, 12}, "numbers the cases, from 3 to 12"},
                       Example{"StdOrder", {2, 1, 4, 3, 6, 5}, "numbers the cases, from 1 to 6"},
                       Example{"b", {5, 5, 5, std::nan(""), 5, 5}, "the same in every case, 5"},
-                      Example{"b", Numbers(6, std::nan("")), "no number in it"}));
+                      Example{"b", Numbers(6, std::nan("")), "no number in it"},
+                      Example{"b",
+                              {19580329, 19580412, 19580229, 19600101, 19580331, 19591231},
+                              "dates written as numbers, from 19580229 to 19600101"},
+                      Example{"Year",
+                              {1951, 1952, 1955, 1956, 1960, 1961.5},
+                              "years that only ascend, from 1951 to 1961.5"}));
 
-INSTANTIATE_TEST_SUITE_P(Input, ColumnRoleOfNumbers,
-                         ::testing::Values(Example{"b", {1, 2, 3, 4, 5, 7}, ""},
-                                           Example{"b", {0.1, 0.2, 0.3, 0.4, 0.5, 0.6}, ""},
-                                           Example{"b", {2, 4, 6, 8, 10, 12}, ""},
-                                           Example{"b", {4, 2, 6, 1, 3, 5}, ""},
-                                           Example{"No", {1, 1, 2, 2, 3, 3}, ""},
-                                           Example{"Run", {0.5, 2, 1, 4, 3, 6}, ""},
-                                           Example{"b", {1, 1, 1, 1, 1, 2}, ""}));
+INSTANTIATE_TEST_SUITE_P(
+    Input, ColumnRoleOfNumbers,
+    ::testing::Values(
+        Example{"b", {1, 2, 3, 4, 5, 7}, ""}, Example{"b", {0.1, 0.2, 0.3, 0.4, 0.5, 0.6}, ""},
+        Example{"b", {2, 4, 6, 8, 10, 12}, ""}, Example{"b", {4, 2, 6, 1, 3, 5}, ""},
+        Example{"No", {1, 1, 2, 2, 3, 3}, ""}, Example{"Run", {0.5, 2, 1, 4, 3, 6}, ""},
+        Example{"year", {1951, 1951, 1955, 1956, 1960, 1961}, ""},
+        Example{"year", {70, 71, 73, 76, 77, 79}, ""},
+        Example{"b", {1951, 1952, 1955, 1956, 1960, 1961}, ""},
+        Example{"b", {19580329, 19581301, 19580412, 19600101, 19590101, 19610101}, ""},
+        Example{"b", {1, 1, 1, 1, 1, 2}, ""}));
 
 TEST(ColumnRole, FourNumbersInAscendingOrderAreNoRunNumbers)
 {
@@ -164,6 +173,25 @@ TEST(ColumnRole, RunNumbersAreAnInputIfThereIsNoOther)
     EXPECT_EQ(roles.inputs, (Positions{0}));
     EXPECT_EQ(roles.columns[0].reason, "counts up by one, from 1 to 6; an input all the same, "
                                        "since no other column can be one");
+}
+
+TEST(ColumnRole, RunNumbersWithoutANameAreNeverAnInput)
+{
+    CaseTable table = tableOf({{"C1", {1, 2, 3, 4, 5, 6}}, {"y", response}});
+    table.columns[0].isNamed = false;
+
+    EXPECT_TRUE(chooseCaseRoles(table, {}, {"y"}).inputs.empty());
+}
+
+TEST(ColumnRole, WithoutAnOutputTheOnlyCandidateIsOne)
+{
+    const CaseTable table = tableOf({{"t", {1, 2, 3, 4, 5, 6}}, {"Mass", response}});
+
+    const CaseRoles roles = chooseCaseRoles(table, {}, {}, UnnamedOutputs::Suggested);
+
+    EXPECT_EQ(roles.outputs, (Positions{1}));
+    EXPECT_EQ(roles.inputs, chooseCaseRoles(table, {}, {"Mass"}).inputs);
+    EXPECT_EQ(roles.columns[1].reason, "suggested: no other column can be one");
 }
 
 TEST(ColumnRole, OutputsAreSuggestedOnlyWhereThatIsAskedFor)

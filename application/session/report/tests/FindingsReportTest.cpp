@@ -14,6 +14,8 @@
 #include <vector>
 
 namespace {
+using Numbers = std::vector<double>;
+
 const double missing = std::nan("");
 
 CaseTable tableWithMissingCells()
@@ -59,6 +61,58 @@ TEST(FindingsReport, MissingCellsAreNamedByColumnAndCause)
         "  Warning: b lacks a number in 1 of 9 cases (empty, marked as missing or infinite): this "
         "case "
         "is left out; complete it or leave b out of -x.\n");
+}
+
+TEST(FindingsReport, SevereOnesAreNotedOncePerKind)
+{
+    CaseTable table = tableOf({{"a", {1, 2, 4, 3, 6, 5, 7, 9, 8}},
+                               {"b", Numbers(9, 5.0)},
+                               {"y", {1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                               {"z", {2, 2, 2, 2, 2, 2, 2, 2, 2}}});
+
+    EXPECT_EQ(
+        FindingsReport::severeNotes(
+            CaseSession(table, {{0, 1}, {2, 3}}, {}, Workspace::ResponseSurface)),
+        "Warning: y is the same in every case: there is nothing to model; check the column or "
+        "choose another output; so for 1 other column, which summary names.\n");
+}
+
+TEST(FindingsReport, NothingIsNotedOfAGoodTable)
+{
+    EXPECT_EQ(FindingsReport::severeNotes(
+                  CaseSession(cvdCases(), {{0, 1}, {2, 3}}, {}, Workspace::Kriging)),
+              "");
+}
+
+TEST(FindingsReport, ATableWithoutRolesSaysWhy)
+{
+    struct Example
+    {
+        CaseTable table;
+        CaseRoles roles;
+        std::string text;
+    };
+    const std::vector<ColumnRole> none = {{ColumnRole::None, "counts up by one"}};
+    const Example examples[] = {
+        {tableOf({{"a", {}}, {"y", {}}}),
+         {{0}, {1}},
+         "Severe: The file names columns and holds no case: there is nothing to model; add a row "
+         "for each case."},
+        {tableOf({{"a", {1, 2, 3}}}),
+         {{}, {}, none},
+         "Severe: No column is left to be an output: \"a\" (counts up by one); if they hold "
+         "numbers, check how the file was read (--separator, --decimal, --skip), or name columns "
+         "with -x and -y."},
+        {tableOf({{"a", {1, 2, 3}}, {"y", {1, 4, 3}}}),
+         {{}, {1}, {none[0], {ColumnRole::Output, ""}}},
+         "Severe: No column is left to be an input: \"a\" (counts up by one); name inputs with -x, "
+         "or code texts as numbers."}};
+    for (const Example& example : examples) {
+        const CaseSession session(example.table, example.roles, {}, Workspace::ResponseSurface);
+
+        EXPECT_EQ(FindingsReport::sentences(SessionFindings::ofCases(session)),
+                  std::vector<std::string>{example.text});
+    }
 }
 
 TEST(FindingsReport, TheFitLeavesOutWhatItsWarningsSay)
