@@ -316,6 +316,24 @@ KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, 
     return impl->ranges.warning(inputs, count, InputNames(inputNames), unsupported);
 }
 
+std::vector<char> KrigingSurrogateModel::outsideCases(const std::vector<double*>& inputs,
+                                                      std::size_t count) const
+{
+    impl->columns.requirePoints(inputs, count);
+    std::vector<char> unsupported;
+    // Of more at once a sample would be judged.
+    for (std::size_t begin = 0; begin < count; begin += KrigingSupport::maxPoints) {
+        std::vector<double*> block = inputs;
+        for (double*& column : block) {
+            column += begin;
+        }
+        const std::vector<char> flags = impl->caseSupport().unsupported(
+            block, std::min(KrigingSupport::maxPoints, count - begin));
+        unsupported.insert(unsupported.end(), flags.begin(), flags.end());
+    }
+    return impl->ranges.outside(inputs, count, std::move(unsupported));
+}
+
 PredictorDescription KrigingSurrogateModel::predictorDescription(int offset) const
 {
     PredictorDescription description = impl->fit(offset).predictor.model().description();

@@ -66,6 +66,13 @@ public:
                          const std::vector<std::string>& inputNames = {}) const = 0;
 
     /**
+     * One flag per point: 1 where extrapolationWarning() would name it, each point judged; 0
+     * elsewhere. By default those outside the range of an input by more than a hundredth of it.
+     */
+    virtual std::vector<char> outsideCases(const std::vector<double*>& inputs,
+                                           std::size_t count) const;
+
+    /**
      * Everything that a prediction is computed from.
      * @throw Error also for a Kriging model of so many cases that each prediction searches for its
      *        nearest neighbours among them.

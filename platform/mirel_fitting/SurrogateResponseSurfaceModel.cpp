@@ -174,6 +174,13 @@ std::string SurrogateResponseSurfaceModel::extrapolationWarning(
                                 impl->fit.unsupported(impl->ranges, inputs, count));
 }
 
+std::vector<char> SurrogateResponseSurfaceModel::outsideCases(const std::vector<double*>& inputs,
+                                                              std::size_t count) const
+{
+    impl->columns.requirePoints(inputs, count);
+    return impl->ranges.outside(inputs, count, impl->fit.unsupported(impl->ranges, inputs, count));
+}
+
 PredictorDescription SurrogateResponseSurfaceModel::predictorDescription(int offset) const
 {
     PredictorDescription description = impl->fit.description(impl->position(offset));

@@ -83,6 +83,8 @@ public:
     std::string
     extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                          const std::vector<std::string>& inputNames = {}) const override;
+    std::vector<char> outsideCases(const std::vector<double*>& inputs,
+                                   std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;
 
     /** RMSE times the root of the leverage that the point would have, plus 1 for an observation.

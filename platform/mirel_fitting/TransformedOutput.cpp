@@ -534,6 +534,12 @@ std::string TransformedOutput::extrapolationWarning(const std::vector<double*>& 
     return impl->inner->extrapolationWarning(inputs, count, names);
 }
 
+std::vector<char> TransformedOutput::outsideCases(const std::vector<double*>& inputs,
+                                                  std::size_t count) const
+{
+    return impl->inner->outsideCases(inputs, count);
+}
+
 PredictorDescription TransformedOutput::predictorDescription(int offset) const
 {
     const Impl::Fit& fit = impl->fit(offset);

@@ -326,6 +326,14 @@ PointEvaluation Evaluator::predict(const std::vector<const double*>& points, std
     return evaluation;
 }
 
+std::vector<char> Evaluator::outsideCases(const std::vector<const double*>& points,
+                                          std::size_t count)
+{
+    const PredictiveModel* const predictive = ModelInterfaces(model()).predictive();
+    return predictive == nullptr ? std::vector<char>(count)
+                                 : predictive->outsideCases(readOnly(points), count);
+}
+
 std::string Evaluator::equationText()
 {
     model();

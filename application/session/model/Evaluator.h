@@ -114,6 +114,10 @@ public:
     PointEvaluation predict(const std::vector<const double*>& points, std::size_t count,
                             const std::optional<double>& percent = std::nullopt);
 
+    /** One flag per point: whether it lies outside the cases (PredictiveModel::outsideCases()); all
+     *  0 for a model that does not know. @param points as for predict(). */
+    std::vector<char> outsideCases(const std::vector<const double*>& points, std::size_t count);
+
     /** The legend and the equations of all outputs. */
     std::string equationText();
 

@@ -117,6 +117,20 @@ bool CaseRanges::isWorthAWarning(std::size_t input, double value, double distanc
     return distance > negligible * (1.0 + 1e-9);
 }
 
+std::vector<char> CaseRanges::outside(const std::vector<double*>& points, std::size_t count,
+                                      std::vector<char> isUnsupported) const
+{
+    for (std::size_t k = 0; k < minima.size(); ++k) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const double value = points[k][i];
+            if (isWorthAWarning(k, value, distance(k, value))) {
+                isUnsupported[i] = 1;
+            }
+        }
+    }
+    return isUnsupported;
+}
+
 std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count,
                                 const InputNames& names,
                                 const std::vector<char>& isUnsupported) const

@@ -39,6 +39,10 @@ public:
                         const InputNames& names = InputNames(),
                         const std::vector<char>& isUnsupported = {}) const;
 
+    /** See PredictiveModel::outsideCases(). @param isUnsupported one flag per point, as above. */
+    std::vector<char> outside(const std::vector<double*>& points, std::size_t count,
+                              std::vector<char> isUnsupported) const;
+
 private:
     double distance(std::size_t input, double value) const;
     bool isWorthAWarning(std::size_t input, double value, double distance) const;

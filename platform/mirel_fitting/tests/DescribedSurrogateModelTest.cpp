@@ -130,6 +130,7 @@ TEST(DescribedSurrogateModel, KnowsWhichPointsLieOutsideTheCases)
     const std::vector<double*> columns = pointersTo(points);
 
     EXPECT_NE(model.extrapolationWarning(columns, 7), "");
+    EXPECT_EQ(described(model, 1).outsideCases(columns, 7), model.outsideCases(columns, 7));
     EXPECT_EQ(described(model, 1).extrapolationWarning(columns, 7),
               model.extrapolationWarning(columns, 7));
 }

@@ -296,6 +296,7 @@ TEST_P(SurrogateModelInterfaceOf, SaysWhichPointsLieOutsideTheCases)
     const std::vector<double*> columns = pointersTo(points);
 
     EXPECT_EQ(model->extrapolations(columns, 2), (Column{0.0, 0.5}));
+    EXPECT_EQ(model->outsideCases(columns, 2), (std::vector<char>{0, 1}));
     EXPECT_EQ(model->extrapolationWarning(columns, 1), "");
     EXPECT_EQ(model->extrapolationWarning(columns, 2),
               "1 of 2 points lies outside the cases (row 2): V1 is up to 0.5 of its range beyond "

@@ -119,6 +119,14 @@ TEST(CaseRanges, WarnsOfCombinationsThatNoCaseSupports)
         "support this combination of values. Do not rely on predictions there.");
 }
 
+TEST(CaseRanges, FlagPointsBeyondARangeBesideThoseWithoutSupport)
+{
+    Columns points = {{11.0, 15.0, 14.01, 13.0}, {0.0, 0.0, 0.0, 0.0}, {0.3, 0.3, 0.3, 0.3}};
+
+    EXPECT_EQ(ranges().outside(pointersTo(points), 4, {1, 0, 0, 0}),
+              (std::vector<char>{1, 1, 0, 0}));
+}
+
 TEST(CaseRanges, WarnOfAShareWhereSomePointsAreJudgedForAll)
 {
     constexpr char notJudged = CaseRanges::notJudged;

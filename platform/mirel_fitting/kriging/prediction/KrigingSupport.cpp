@@ -21,9 +21,6 @@ namespace {
 
 constexpr std::size_t maxCases = 300;
 
-/** These take 0.06 s given 300 cases, and a share of the points is known to half a hundredth. */
-constexpr std::size_t maxPoints = 10000;
-
 /** Makes any number of different points sound, and is far below what is left between them. */
 constexpr double nugget = 1e-8;
 
