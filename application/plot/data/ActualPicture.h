@@ -16,5 +16,8 @@ struct ActualPicture
     std::vector<CaseMark> worst;   ///< the largest differences, the worst first
     /** Two standard deviations of the differences, drawn at both sides; 0 for none. */
     double limit = 0.0;
+    /** Whether the axes are logarithmic where the values allow it; then `limit` is that of the
+     *  differences of natural logarithms. */
+    bool isLogarithmic = false;
     std::string caption; ///< where the predictions come from; empty for none
 };

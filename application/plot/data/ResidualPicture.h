@@ -16,5 +16,6 @@ struct ResidualPicture
     std::vector<CaseMark> worst;   ///< the largest residuals, the worst first
     /** Two standard deviations of the residuals, drawn at both sides; 0 for none. */
     double limit = 0.0;
-    std::string caption; ///< where the predictions come from; empty for none
+    bool isLogarithmic = false; ///< the axis of the predictions, where these allow it
+    std::string caption;        ///< where the predictions come from; empty for none
 };

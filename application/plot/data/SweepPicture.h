@@ -20,7 +20,8 @@ struct SweepPicture
     std::vector<double> caseOutputs; ///< as many
     /** The axis of the output reaches over these too: pictures with the same ones share an axis. */
     std::vector<double> axisOutputs;
-    std::string modelLabel; ///< what the legend says; empty, like the other two: no legend
+    bool isLogarithmic = false; ///< the axis of the output, where the values allow it
+    std::string modelLabel;     ///< what the legend says; empty, like the other two: no legend
     std::string bandLabel;
     std::string caseLabel;
     std::string caption; ///< what is held, which cases count as near; empty for none

@@ -66,6 +66,52 @@ QwtInterval AxisScale::padded(const QwtInterval& interval, double margin)
     return {low - extra, high + extra};
 }
 
+bool AxisScale::spansDecades(const QwtInterval& interval)
+{
+    constexpr double decade = 10.0;
+    return interval.isValid() && interval.minValue() > 0.0 &&
+           interval.maxValue() >= decade * interval.minValue();
+}
+
+QwtInterval AxisScale::paddedLogarithmic(const QwtInterval& interval, double margin)
+{
+    const double factor = std::pow(interval.maxValue() / interval.minValue(), margin);
+    return {interval.minValue() / factor, interval.maxValue() * factor};
+}
+
+QwtScaleDiv AxisScale::logarithmicTicks(const QwtInterval& interval, int most)
+{
+    const auto ticksAt = [&](const std::vector<double>& mantissas, int decades) {
+        QList<double> ticks;
+        const int first = static_cast<int>(std::floor(std::log10(interval.minValue())));
+        const int last = static_cast<int>(std::floor(std::log10(interval.maxValue())));
+        for (int exponent = first; exponent <= last; ++exponent) {
+            for (const double mantissa : mantissas) {
+                // A division: 1e-3 times 3 is no round number.
+                const double power = std::pow(10.0, std::abs(exponent));
+                const double tick = exponent < 0 ? mantissa / power : mantissa * power;
+                if (exponent % decades == 0 && interval.contains(tick)) {
+                    ticks.append(tick);
+                }
+            }
+        }
+        return ticks;
+    };
+    QList<double> major;
+    for (const std::vector<double>& mantissas :
+         {std::vector<double>{1, 1.5, 2, 3, 5, 7}, {1, 2, 5}, {1}}) {
+        major = ticksAt(mantissas, 1);
+        if (major.size() <= most + 1) {
+            break;
+        }
+    }
+    for (int decades = 2; major.size() > most + 1; ++decades) {
+        major = ticksAt({1}, decades);
+    }
+    return QwtScaleDiv(interval.minValue(), interval.maxValue(),
+                       ticksAt({1, 2, 3, 4, 5, 6, 7, 8, 9}, 1), {}, major);
+}
+
 QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int most)
 {
     return QwtLinearScaleEngine().divideScale(interval.minValue(), interval.maxValue(), most,

@@ -24,6 +24,17 @@ bool isDrawable(const QwtInterval& interval);
  *  it, one that is not valid becomes 0 to 1. */
 QwtInterval padded(const QwtInterval& interval, double margin);
 
+/** Whether a logarithmic axis suits it: positive, with a factor of ten at least between its ends.
+ */
+bool spansDecades(const QwtInterval& interval);
+
+/** The same margins on a logarithmic axis, of an interval that spans decades. */
+QwtInterval paddedLogarithmic(const QwtInterval& interval, double margin);
+
+/** Of a logarithmic axis: major ticks at round values, as many as possible but no more than `most`
+ *  steps. */
+QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int most);
+
 /** @param most steps between major ticks. */
 QwtScaleDiv ticks(const QwtInterval& interval, int most);
 

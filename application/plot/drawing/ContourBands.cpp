@@ -5,12 +5,17 @@
 
 #include <QList>
 
-ContourBands::ContourBands(const std::vector<double>& values)
-    : valueRange(AxisScale::padded(AxisScale::range(values), 0.0))
+#include <algorithm>
+#include <cmath>
+
+ContourBands::ContourBands(const std::vector<double>& values, bool wantsLogarithms)
+    : valueRange(AxisScale::padded(AxisScale::range(values), 0.0)),
+      isLogarithmic(wantsLogarithms && AxisScale::spansDecades(valueRange))
 {
     const QwtInterval exact = AxisScale::range(values);
-    const QList<double> ticks =
-        AxisScale::ticks(valueRange, maxSteps).ticks(QwtScaleDiv::MajorTick);
+    const QwtScaleDiv scale = isLogarithmic ? AxisScale::logarithmicTicks(valueRange, maxSteps)
+                                            : AxisScale::ticks(valueRange, maxSteps);
+    const QList<double> ticks = scale.ticks(QwtScaleDiv::MajorTick);
     levelStep = ticks.size() > 1 ? ticks[1] - ticks[0] : valueRange.width();
     const bool isConstant = exact.minValue() != valueRange.minValue();
     for (const double tick : ticks) {
@@ -18,6 +23,14 @@ ContourBands::ContourBands(const std::vector<double>& values)
             levelValues.push_back(tick);
         }
     }
+}
+
+QString ContourBands::label(double level) const
+{
+    const double largest =
+        std::max(std::abs(valueRange.minValue()), std::abs(valueRange.maxValue()));
+    return isLogarithmic ? AxisScale::label(level, level, level)
+                         : AxisScale::label(level, levelStep, largest);
 }
 
 QColor ContourBands::colour(std::size_t band) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QString>
 #include <qwt_interval.h>
 
 #include <cstddef>
@@ -14,11 +15,15 @@ public:
     static constexpr int maxSteps = 15;
 
     /** @param values of the picture; equal ones have no levels. */
-    explicit ContourBands(const std::vector<double>& values);
+    explicit ContourBands(const std::vector<double>& values, bool wantsLogarithms = false);
 
-    /** Ascending, at round values, all inside the range; their distance is step(). */
+    /** Ascending, at round values, all inside the range. */
     const std::vector<double>& levels() const { return levelValues; }
-    double step() const { return levelStep; }
+
+    /** Whether the levels are even in their logarithm: asked for, and the values span decades. */
+    bool areLogarithmic() const { return isLogarithmic; }
+
+    QString label(double level) const;
 
     /** Of the values that the colours represent. */
     const QwtInterval& range() const { return valueRange; }
@@ -30,4 +35,5 @@ private:
     QwtInterval valueRange;
     std::vector<double> levelValues;
     double levelStep = 0.0;
+    bool isLogarithmic;
 };

@@ -1,6 +1,5 @@
 #include "plot/drawing/ContourItem.h"
 
-#include "plot/drawing/AxisScale.h"
 #include "plot/drawing/ContourLines.h"
 #include "plot/drawing/LineLabels.h"
 #include "plot/drawing/PlotColours.h"
@@ -12,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -56,12 +56,16 @@ ContourItem::ContourItem(const ContourPicture& picture, ContourBands wanted, con
       corners(QVector<QPointF>{{picture.x.front(), picture.y.front()},
                                {picture.x.back(), picture.y.back()}})
 {
-    const ContourLines contours(picture.x, picture.y, picture.values);
-    const double largest =
-        std::max(std::abs(bands.range().minValue()), std::abs(bands.range().maxValue()));
+    const auto scaled = [&](double value) {
+        return bands.areLogarithmic() ? std::log(value) : value;
+    };
+    std::vector<double> values;
+    std::transform(picture.values.begin(), picture.values.end(), std::back_inserter(values),
+                   scaled);
+    const ContourLines contours(picture.x, picture.y, values);
     for (const double level : bands.levels()) {
-        levels.push_back({contours.outlines(level), contours.lines(level),
-                          AxisScale::label(level, bands.step(), largest)});
+        levels.push_back(
+            {contours.outlines(scaled(level)), contours.lines(scaled(level)), bands.label(level)});
     }
     for (std::size_t i = 0; i < picture.caseX.size(); ++i) {
         cases.append(QPointF(picture.caseX[i], picture.caseY[i]));

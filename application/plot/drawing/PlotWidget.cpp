@@ -3,6 +3,7 @@
 #include "plot/drawing/AxisScale.h"
 #include "plot/drawing/ColourBarScaleDraw.h"
 #include "plot/drawing/ContourItem.h"
+#include "plot/drawing/ContourLines.h"
 #include "plot/drawing/ElidedText.h"
 #include "plot/drawing/NameScaleDraw.h"
 #include "plot/drawing/PlotColours.h"
@@ -12,6 +13,7 @@
 #include <session/text/QuotedText.h>
 
 #include <QFontMetricsF>
+#include <QPainterPath>
 #include <QPolygonF>
 #include <QResizeEvent>
 #include <QSet>
@@ -22,6 +24,8 @@
 #include <qwt_plot_grid.h>
 #include <qwt_plot_intervalcurve.h>
 #include <qwt_plot_layout.h>
+#include <qwt_plot_shapeitem.h>
+#include <qwt_scale_engine.h>
 #include <qwt_scale_widget.h>
 #include <qwt_symbol.h>
 
@@ -178,7 +182,7 @@ public:
     QwtInterval xRange;
     QwtInterval yRange;
     bool hasLegend = false;
-    bool hasColourBar = false;
+    QwtInterval barRange; ///< of the colours; not valid without a colour bar
     std::vector<QwtPlotItem*> termItems;
 
 private:
@@ -193,7 +197,11 @@ private:
                    bool hasBoxes);
     void addCaseNumbers(const std::vector<CaseMark>& worst, const QVector<QPointF>& points);
     void addExtremes(const ContourPicture& picture, std::vector<PointLabels::Label>& labels);
+    QwtInterval padded(int axis, const QwtInterval& range, double share, bool wantsLogarithms);
+    bool isLogarithmic(int axis) const;
+    QwtScaleDiv ticks(int axis, const QwtInterval& range, int most) const;
     int fittingSteps(int axis, const QwtInterval& range, double room) const;
+    void addOutside(const ContourPicture& picture);
     void addTerms(const CoefficientPicture& picture, int count);
 };
 
@@ -269,14 +277,61 @@ void PlotWidget::Impl::addLine(const QVector<QPointF>& line, const QPen& pen, La
     hasLegend = hasLegend || !label.empty();
 }
 
-/** From lower left to upper right, moved up by an offset, cut at the borders. */
+/** From lower left to upper right, moved up by an offset, of the logarithm on logarithmic axes, and
+ *  cut at the borders. */
 void PlotWidget::Impl::addDiagonal(double offset, const QPen& pen, const std::string& label)
 {
-    const double left = std::max(xRange.minValue(), xRange.minValue() - offset);
-    const double right = std::min(xRange.maxValue(), xRange.maxValue() - offset);
+    const bool areLogarithms = isLogarithmic(QwtPlot::xBottom);
+    const auto moved = [&](double value, double by) {
+        return areLogarithms ? value * std::exp(by) : value + by;
+    };
+    const double left = std::max(xRange.minValue(), moved(xRange.minValue(), -offset));
+    const double right = std::min(xRange.maxValue(), moved(xRange.maxValue(), -offset));
     if (left < right) {
-        addLine({{left, left + offset}, {right, right + offset}}, pen, ReferenceLayer, label);
+        addLine({{left, moved(left, offset)}, {right, moved(right, offset)}}, pen, ReferenceLayer,
+                label);
     }
+}
+
+/** The range with margins, and makes the axis a logarithmic one if that is wanted and possible. */
+QwtInterval PlotWidget::Impl::padded(int axis, const QwtInterval& range, double share,
+                                     bool wantsLogarithms)
+{
+    if (!wantsLogarithms || !AxisScale::spansDecades(range)) {
+        return AxisScale::padded(range, share);
+    }
+    plot.setAxisScaleEngine(axis, new QwtLogScaleEngine);
+    return AxisScale::paddedLogarithmic(range, share);
+}
+
+bool PlotWidget::Impl::isLogarithmic(int axis) const
+{
+    return dynamic_cast<const QwtLogScaleEngine*>(plot.axisScaleEngine(axis)) != nullptr;
+}
+
+/** A veil over what the cases do not support. */
+void PlotWidget::Impl::addOutside(const ContourPicture& picture)
+{
+    const std::vector<double> flags(picture.isOutside.begin(), picture.isOutside.end());
+    if (std::find(flags.begin(), flags.end(), 1.0) == flags.end()) {
+        return;
+    }
+    constexpr double border = 0.5; // between 0 and 1
+    QPainterPath path;
+    for (const QPolygonF& outline : ContourLines(picture.x, picture.y, flags).outlines(border)) {
+        path.addPolygon(outline);
+        path.closeSubpath();
+    }
+    auto* const veil = new QwtPlotShapeItem(QStringLiteral("outside the cases"));
+    veil->setShape(path);
+    veil->setPen(QPen(Qt::NoPen));
+    veil->setBrush(PlotColours::outside);
+    veil->setRenderHint(QwtPlotItem::RenderAntialiased);
+    veil->setItemAttribute(QwtPlotItem::Legend, true);
+    veil->setLegendIconSize(QSize(28, 12));
+    veil->setZ(ReferenceLayer);
+    veil->attach(&plot);
+    hasLegend = true;
 }
 
 void PlotWidget::Impl::addCases(const QVector<QPointF>& positions, const std::string& label)
@@ -375,7 +430,7 @@ void PlotWidget::Impl::show(const SweepPicture& picture)
          {&picture.lower, &picture.upper, &picture.caseOutputs, &picture.axisOutputs}) {
         yRange = yRange | AxisScale::range(*column);
     }
-    yRange = AxisScale::padded(yRange, margin);
+    yRange = padded(QwtPlot::yLeft, yRange, margin, picture.isLogarithmic);
 }
 
 void PlotWidget::Impl::show(const ContourPicture& picture)
@@ -383,10 +438,11 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     write(picture.title, picture.caption);
     nameAxis(QwtPlot::xBottom, picture.xName);
     nameAxis(QwtPlot::yLeft, picture.yName);
-    const ContourBands bands(picture.values);
+    const ContourBands bands(picture.values, picture.isLogarithmic);
     auto* const item = new ContourItem(picture, bands, PlotFont::ofSize(PlotFont::tickSize));
     item->setZ(BandLayer);
     item->attach(&plot);
+    addOutside(picture);
     const QVector<QPointF> cases = points(picture.caseX, picture.caseY);
     addCases(cases, picture.caseLabel);
     std::vector<PointLabels::Label> labels;
@@ -404,8 +460,11 @@ void PlotWidget::Impl::show(const ContourPicture& picture)
     yRange = AxisScale::padded({picture.y.front(), picture.y.back()}, narrowMargin);
     plot.enableAxis(QwtPlot::yRight);
     plot.setAxisScaleDraw(QwtPlot::yRight, new ColourBarScaleDraw(bands));
+    if (bands.areLogarithmic()) {
+        plot.setAxisScaleEngine(QwtPlot::yRight, new QwtLogScaleEngine);
+    }
+    barRange = bands.range();
     nameAxis(QwtPlot::yRight, picture.outputName);
-    hasColourBar = true;
 }
 
 void PlotWidget::Impl::show(const ActualPicture& picture)
@@ -415,13 +474,14 @@ void PlotWidget::Impl::show(const ActualPicture& picture)
     nameAxis(QwtPlot::xBottom, picture.outputName + ", actual" + unit);
     nameAxis(QwtPlot::yLeft, picture.outputName + ", predicted" + unit);
     addGrid();
-    xRange = AxisScale::padded(
-        AxisScale::range(picture.actual) | AxisScale::range(picture.predicted), margin);
-    yRange = xRange;
+    const QwtInterval all = AxisScale::range(picture.actual) | AxisScale::range(picture.predicted);
+    xRange = padded(QwtPlot::xBottom, all, margin, picture.isLogarithmic);
+    yRange = padded(QwtPlot::yLeft, all, margin, picture.isLogarithmic);
     addDiagonal(0.0, QPen(PlotColours::reference, 1.0, Qt::DashLine), "predicted = actual");
     if (picture.limit > 0.0) {
         const QPen pen(PlotColours::limits, 1.0);
-        addDiagonal(picture.limit, pen, limitLabel);
+        addDiagonal(picture.limit, pen,
+                    limitLabel + (isLogarithmic(QwtPlot::xBottom) ? " of the logarithm" : ""));
         addDiagonal(-picture.limit, pen, std::string());
     }
     const QVector<QPointF> cases = points(picture.actual, picture.predicted);
@@ -436,7 +496,8 @@ void PlotWidget::Impl::show(const ResidualPicture& picture)
     nameAxis(QwtPlot::xBottom, picture.outputName + ", predicted" + unit);
     nameAxis(QwtPlot::yLeft, "actual - predicted" + unit);
     addGrid();
-    xRange = AxisScale::padded(AxisScale::range(picture.predicted), margin);
+    xRange = padded(QwtPlot::xBottom, AxisScale::range(picture.predicted), margin,
+                    picture.isLogarithmic);
     yRange = AxisScale::padded(
         AxisScale::range(picture.residuals) | QwtInterval(-picture.limit, picture.limit), margin);
     const auto addLevel = [this](double level, const QPen& pen, const std::string& label) {
@@ -476,6 +537,12 @@ void PlotWidget::Impl::show(const CoefficientPicture& picture)
     addGrid();
 }
 
+QwtScaleDiv PlotWidget::Impl::ticks(int axis, const QwtInterval& range, int most) const
+{
+    return isLogarithmic(axis) ? AxisScale::logarithmicTicks(range, most)
+                               : AxisScale::ticks(range, most);
+}
+
 /** As many steps between ticks as leave their labels apart. */
 int PlotWidget::Impl::fittingSteps(int axis, const QwtInterval& range, double room) const
 {
@@ -483,21 +550,28 @@ int PlotWidget::Impl::fittingSteps(int axis, const QwtInterval& range, double ro
     const bool isVertical = axis != QwtPlot::xBottom;
     const double gap = isVertical ? metrics.height() : 2.0 * metrics.averageCharWidth();
     const double largest = std::max(std::abs(range.minValue()), std::abs(range.maxValue()));
+    const bool areLogarithms = isLogarithmic(axis);
+    const auto distance = [&](double from, double to) {
+        return areLogarithms ? std::log(to / from) : to - from;
+    };
     const int most = axis == QwtPlot::yRight ? ContourBands::maxSteps : maxSteps;
     for (int steps = most; steps > 1; --steps) {
-        const QList<double> ticks = AxisScale::ticks(range, steps).ticks(QwtScaleDiv::MajorTick);
-        if (ticks.size() < 2) {
+        const QList<double> major = ticks(axis, range, steps).ticks(QwtScaleDiv::MajorTick);
+        if (major.size() < 2) {
             continue;
         }
-        const double step = ticks[1] - ticks[0];
+        const double step = major[1] - major[0];
         double widest = metrics.height();
-        for (const double tick : ticks) {
+        double narrowest = distance(major[0], major[1]);
+        for (int i = 0; i < major.size(); ++i) {
+            narrowest = i > 1 ? std::min(narrowest, distance(major[i - 1], major[i])) : narrowest;
             if (!isVertical) {
-                const QString text = AxisScale::label(tick, step, largest);
+                const QString text = areLogarithms ? AxisScale::label(major[i], major[i], major[i])
+                                                   : AxisScale::label(major[i], step, largest);
                 widest = std::max(widest, metrics.size(Qt::TextSingleLine, text).width());
             }
         }
-        if (widest + gap <= room * step / range.width()) {
+        if (widest + gap <= room * narrowest / distance(range.minValue(), range.maxValue())) {
             return steps;
         }
     }
@@ -507,7 +581,7 @@ int PlotWidget::Impl::fittingSteps(int axis, const QwtInterval& range, double ro
 void PlotWidget::Impl::chooseTicks()
 {
     const auto choose = [this](int axis, const QwtInterval& range, double room) {
-        plot.setAxisScaleDiv(axis, AxisScale::ticks(range, fittingSteps(axis, range, room)));
+        plot.setAxisScaleDiv(axis, ticks(axis, range, fittingSteps(axis, range, room)));
     };
     const bool hasTerms = std::holds_alternative<CoefficientPicture>(data);
     // The widths of the labels at the sides decide the width of the canvas.
@@ -515,9 +589,8 @@ void PlotWidget::Impl::chooseTicks()
     if (!hasTerms) {
         choose(QwtPlot::yLeft, yRange, height);
     }
-    if (hasColourBar) {
-        choose(QwtPlot::yRight, ContourBands(std::get<ContourPicture>(data).values).range(),
-               height);
+    if (barRange.isValid()) {
+        choose(QwtPlot::yRight, barRange, height);
     }
     plot.updateLayout();
     choose(QwtPlot::xBottom, xRange, plot.plotLayout()->canvasRect().width());

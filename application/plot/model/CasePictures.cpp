@@ -1,6 +1,8 @@
 #include "plot/model/CasePictures.h"
 
+#include "plot/drawing/AxisScale.h"
 #include "plot/model/DrawableValues.h"
+#include "plot/model/ModelCut.h"
 
 #include <session/model/CaseSession.h>
 #include <session/text/QuotedText.h>
@@ -26,8 +28,12 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
     for (LeaveOneOutPrediction& one : predictions) {
         one.row = cases.at(one.row);
     }
-    return {name, session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
-            std::move(predictions), session.counts().valid, session.unitOf(name)};
+    return {name,
+            session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
+            std::move(predictions),
+            session.counts().valid,
+            session.unitOf(name),
+            hasLogarithmicAxis(session, output)};
 }
 
 namespace {
@@ -51,12 +57,13 @@ std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predicti
     return worst;
 }
 
-/** Twice the root mean square of the differences. */
-double limitOf(const ActualPicture& picture)
+/** Twice the root mean square of the differences, or of those of logarithms. */
+double limitOf(const ActualPicture& picture, bool areLogarithms)
 {
     double squares = 0.0;
     for (std::size_t i = 0; i < picture.actual.size(); ++i) {
-        const double difference = picture.actual[i] - picture.predicted[i];
+        const double difference = areLogarithms ? std::log(picture.actual[i] / picture.predicted[i])
+                                                : picture.actual[i] - picture.predicted[i];
         squares += difference * difference;
     }
     const double limit = 2.0 * std::sqrt(squares / static_cast<double>(picture.actual.size()));
@@ -97,7 +104,10 @@ ActualPicture actualPicture(const LeaveOneOutCases& cases)
     requireDrawable(picture.actual, owner);
     requireDrawable(picture.predicted, "The model of " + owner);
     picture.worst = worstOf(cases.predictions);
-    picture.limit = limitOf(picture);
+    picture.isLogarithmic =
+        cases.isLogarithmic && AxisScale::spansDecades(AxisScale::range(picture.actual) |
+                                                       AxisScale::range(picture.predicted));
+    picture.limit = limitOf(picture, picture.isLogarithmic);
     return picture;
 }
 
@@ -109,7 +119,8 @@ ResidualPicture residualPicture(const LeaveOneOutCases& cases)
     picture.outputName = cases.outputName;
     picture.unit = cases.unit;
     picture.worst = std::move(source.worst);
-    picture.limit = source.limit;
+    picture.limit = limitOf(source, false);
+    picture.isLogarithmic = cases.isLogarithmic;
     for (std::size_t i = 0; i < source.actual.size(); ++i) {
         picture.residuals.push_back(source.actual[i] - source.predicted[i]);
     }

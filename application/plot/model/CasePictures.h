@@ -21,6 +21,7 @@ struct SURROGATE_PLOT_EXPORT LeaveOneOutCases
     std::vector<LeaveOneOutPrediction> predictions; ///< rows are positions in the case file
     std::size_t fittedCases = 0; ///< more than the predictions if these are a sample
     std::string unit = {};       ///< of the output; empty if it is not known
+    bool isLogarithmic = false;  ///< whether its axes should be (hasLogarithmicAxis())
 
     /** @throw SurrogateModelInterface::Error */
     static LeaveOneOutCases of(CaseSession& session, std::size_t output);

@@ -72,10 +72,16 @@ ContourPicture contourPicture(const ModelCut& cut, std::size_t output)
     picture.y = ascendingValues(y);
     // The typed values may come in any order, and more than once.
     picture.values.resize(picture.x.size() * picture.y.size());
+    picture.isOutside.resize(cut.isOutside.empty() ? 0 : picture.values.size());
     for (std::size_t point = 0; point < cut.points(); ++point) {
-        picture.values[positionOf(x.values[point], picture.x) * picture.y.size() +
-                       positionOf(y.values[point], picture.y)] = model.values[point];
+        const std::size_t position = positionOf(x.values[point], picture.x) * picture.y.size() +
+                                     positionOf(y.values[point], picture.y);
+        picture.values[position] = model.values[point];
+        if (!cut.isOutside.empty()) {
+            picture.isOutside[position] = cut.isOutside[point];
+        }
     }
+    picture.isLogarithmic = model.isLogarithmic;
     addExtremes(picture);
     addCases(x.caseValues, y.caseValues, picture);
     picture.caseLabel = cut.caseLabel();

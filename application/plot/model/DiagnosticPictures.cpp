@@ -89,7 +89,7 @@ NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics, const s
 
 SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAscent,
                           const std::vector<std::string>& inputs, const std::string& output,
-                          double quantile)
+                          const std::string& unit, double quantile)
 {
     const std::vector<RidgePoint>& ridge = isAscent ? statistics.ascent : statistics.descent;
     const std::string owner = "The model of " + quotedText(output);
@@ -105,7 +105,7 @@ SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAs
     picture.title =
         output + ", response surface, ridge of steepest " + (isAscent ? "ascent" : "descent");
     picture.inputName = "distance from the middle, inputs coded to [-1, 1]";
-    picture.outputName = output;
+    picture.outputName = unit.empty() ? output : output + " (" + unit + ')';
     picture.modelLabel = isAscent ? "largest value" : "smallest value";
     for (const RidgePoint& point : ridge) {
         picture.inputs.push_back(point.distance);

@@ -29,7 +29,7 @@ EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, 
     const ModelCut& first = *effects.strongest(output, 1).front();
     const std::string& name = first.outputs[output].name;
     EffectsPicture picture;
-    picture.title = name + ", main effects, " + first.modelName;
+    picture.title = first.outputs[output].label() + ", main effects, " + first.modelName;
     for (const ModelCut* const cut : effects.strongest(output, maxEffects)) {
         picture.effects.push_back(
             sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));

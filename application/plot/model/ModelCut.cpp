@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 /** How far from a held value a case counts as near, as a share of the range of the input. */
@@ -43,9 +44,19 @@ ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
         cut.inputs.push_back({name, {}, {}, session.unitOf(name)});
     }
     for (const std::string& name : namesOf(session.outputs())) {
-        cut.outputs.push_back({name, {}, {}, session.unitOf(name)});
+        cut.outputs.push_back(
+            {name, {}, {}, session.unitOf(name), hasLogarithmicAxis(session, cut.outputs.size())});
     }
     return cut;
+}
+
+/** The sentence without numbers of rows, which a picture does not have. */
+std::string withoutRows(const std::string& sentence)
+{
+    const std::size_t begin = std::min(sentence.find(" (row"), sentence.find(" (such as row"));
+    const std::size_t end = sentence.find(')', std::min(begin, sentence.size()));
+    return end == std::string::npos ? sentence
+                                    : sentence.substr(0, begin) + sentence.substr(end + 1);
 }
 
 std::vector<double> chosen(const std::vector<double>& column, const std::vector<std::size_t>& rows)
@@ -147,6 +158,21 @@ private:
 };
 } // namespace
 
+bool hasLogarithmicAxis(CaseSession& session, std::size_t output)
+{
+    constexpr double threeDecades = 1000.0;
+    if (session.fit().outputs[output].modelled.transform == OutputTransform::Logarithm) {
+        return true;
+    }
+    double least = std::numeric_limits<double>::infinity();
+    double most = 0.0;
+    for (const double value : session.project().numericValues(session.outputs()[output])) {
+        least = std::fmin(least, value);
+        most = std::fmax(most, value);
+    }
+    return least > 0.0 && std::isfinite(most) && most >= threeDecades * least;
+}
+
 ModelCut::FittedCases::FittedCases(const Workspace& workspace)
     : rows(workspace.validCases()), ranges(workspace.sweepRanges())
 {
@@ -169,7 +195,7 @@ ModelCut ModelCut::throughChosenValues(CaseSession& session)
                                  values->GetPointer(0) + values->GetNumberOfTuples());
         }
     }
-    cut.extrapolation = evaluation.extrapolation;
+    cut.extrapolation = withoutRows(evaluation.extrapolation);
     addNearCases(session, FittedCases(session), cut);
     return cut;
 }
@@ -208,7 +234,7 @@ ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_
     for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
         cut.outputs[i].values = std::move(evaluation.outputs[i]);
     }
-    cut.extrapolation = std::move(evaluation.extrapolation);
+    cut.extrapolation = withoutRows(evaluation.extrapolation);
     addNearCases(session, cases, cut);
     return cut;
 }
@@ -232,6 +258,15 @@ ModelCut ModelCut::finer(CaseSession& session, std::size_t values) const
         fine.outputs[i].values = std::move(evaluation.outputs[i]);
     }
     return fine;
+}
+
+void ModelCut::findOutside(CaseSession& session)
+{
+    std::vector<const double*> columns;
+    for (const Column& input : inputs) {
+        columns.push_back(input.values.data());
+    }
+    isOutside = session.outsideCases(columns, points());
 }
 
 std::string ModelCut::caseLabel() const

@@ -9,6 +9,10 @@
 class CaseSession;
 class Workspace;
 
+/** Whether a logarithmic axis shows an output best: its logarithm is modelled, or its values are
+ *  positive and span three decades. @throw SurrogateModelInterface::Error */
+SURROGATE_PLOT_EXPORT bool hasLogarithmicAxis(CaseSession& session, std::size_t output);
+
 /**
  * The predictions of a model where some inputs are swept and all others held, with the fitted cases
  * near these points: each held input within a tenth of its range of the held value, each swept one
@@ -22,6 +26,7 @@ struct SURROGATE_PLOT_EXPORT ModelCut
         std::vector<double> values;     ///< one per point
         std::vector<double> caseValues; ///< one per case near the cut
         std::string unit = {};          ///< empty if the case file says none
+        bool isLogarithmic = false;     ///< whether its axis should be (hasLogarithmicAxis())
 
         /** What an axis shows: "Pressure (MPa)". */
         std::string label() const { return unit.empty() ? name : name + " (" + unit + ')'; }
@@ -32,7 +37,8 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     std::vector<Column> outputs;    ///< their values are predictions
     std::vector<std::size_t> swept; ///< positions of inputs, ascending
     std::size_t fittedCases = 0;
-    std::string extrapolation; ///< which points lie outside the cases, a sentence; empty if none
+    std::string extrapolation; ///< how many points lie outside the cases, a sentence; or empty
+    std::vector<char> isOutside = {}; ///< one flag per point; after findOutside()
 
     /** What the cases of all cuts of a session are chosen from. */
     struct FittedCases
@@ -64,6 +70,9 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     /** The same over two swept inputs with values between theirs, evenly, so that each has at least
      *  this many. @throw SurrogateModelInterface::Error */
     ModelCut finer(CaseSession& session, std::size_t values) const;
+
+    /** Finds out which points lie outside the cases. @throw SurrogateModelInterface::Error */
+    void findOutside(CaseSession& session);
 
     /** Points of a sweep over a range: enough for a smooth line. */
     static constexpr std::size_t sweepValues = 101;

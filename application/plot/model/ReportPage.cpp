@@ -110,7 +110,9 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
             std::vector<std::size_t> swept = {strongest[0]->swept.front(),
                                               strongest[1]->swept.front()};
             std::sort(swept.begin(), swept.end());
-            return contourPicture(ModelCut::overRanges(session, swept, contourValues), output);
+            ModelCut cut = ModelCut::overRanges(session, swept, contourValues);
+            cut.findOutside(session);
+            return contourPicture(cut, output);
         }));
     }
     for (std::string& sweep : drawnSweeps(session, output, effects)) {

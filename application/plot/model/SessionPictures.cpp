@@ -176,6 +176,9 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
     if (kind == Kind::Contour && cut->points() < smoothValues * smoothValues) {
         cut = cut->finer(session, smoothValues);
     }
+    if (kind == Kind::Contour) {
+        cut->findOutside(session);
+    }
     const std::vector<ResponseSurfaceStatistics> statistics =
         isOfResponseSurfaces(kind) ? session.statistics()
                                    : std::vector<ResponseSurfaceStatistics>();
@@ -206,7 +209,8 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
         case Kind::Ridge:
             for (const bool isAscent : {true, false}) {
                 pictures.emplace_back(ridgePicture(statistics[output], isAscent, inputs,
-                                                   outputs[output], quantileOf(session, output)));
+                                                   outputs[output], session.unitOf(outputs[output]),
+                                                   quantileOf(session, output)));
             }
             break;
         case Kind::Coefficients:

@@ -37,6 +37,7 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
     picture.outputName = model.label();
     picture.title = model.name + " over " + input.name + ", " + cut.modelName;
     picture.modelLabel = cut.modelName;
+    picture.isLogarithmic = model.isLogarithmic;
     for (const std::size_t point : order) {
         picture.inputs.push_back(input.values[point]);
         picture.model.push_back(model.values[point]);

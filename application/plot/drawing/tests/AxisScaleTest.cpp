@@ -76,6 +76,38 @@ TEST(AxisScale, GoesFromZeroToOneWithoutValues)
     EXPECT_EQ(AxisScale::padded(AxisScale::range({}), 0.05), QwtInterval(0.0, 1.0));
 }
 
+TEST(AxisScale, HasRoundTicksOnALogarithmicAxis)
+{
+    using Ticks = QList<double>;
+    struct Example
+    {
+        QwtInterval interval;
+        int most;
+        Ticks ticks;
+    };
+    const Example examples[] = {{{3.0, 80.0}, 10, {3, 5, 7, 10, 15, 20, 30, 50, 70}},
+                                {{3.0, 80.0}, 5, {5, 10, 20, 50}},
+                                {{0.003, 2e3}, 7, {0.01, 0.1, 1, 10, 100, 1000}},
+                                {{1e-6, 1e6}, 5, {1e-6, 1e-3, 1, 1e3, 1e6}}};
+    for (const Example& example : examples) {
+        EXPECT_EQ(AxisScale::logarithmicTicks(example.interval, example.most)
+                      .ticks(QwtScaleDiv::MajorTick),
+                  example.ticks)
+            << example.interval.minValue() << ", " << example.most;
+    }
+}
+
+TEST(AxisScale, IsLogarithmicOverADecadeOfPositiveValuesOnly)
+{
+    EXPECT_TRUE(AxisScale::spansDecades({0.1, 1.0}));
+    EXPECT_FALSE(AxisScale::spansDecades({0.2, 1.0}));
+    EXPECT_FALSE(AxisScale::spansDecades({0.0, 1.0}));
+    EXPECT_FALSE(AxisScale::spansDecades(QwtInterval()));
+    const QwtInterval padded = AxisScale::paddedLogarithmic({1.0, 100.0}, 0.5);
+    EXPECT_DOUBLE_EQ(padded.minValue(), 0.1);
+    EXPECT_DOUBLE_EQ(padded.maxValue(), 1000.0);
+}
+
 TEST(AxisScale, ShowsWhatStaysFiniteWithItsMarginsAndSteps)
 {
     const double largest = std::numeric_limits<double>::max() / 16.0;

@@ -205,6 +205,54 @@ TEST(Picture, AContourMarksItsExtremesAndRepeatedCases)
     EXPECT_FALSE(hasText(svg, "\303\2271"));
 }
 
+TEST(Picture, AContourShadesWhatLiesOutsideTheCases)
+{
+    ContourPicture picture = contour();
+    picture.isOutside.assign(picture.values.size(), 0);
+    EXPECT_FALSE(hasText(svgOf(picture), "outside the cases"));
+    picture.isOutside.back() = 1;
+
+    const std::string svg = svgOf(picture);
+
+    EXPECT_TRUE(hasText(svg, "outside the cases"));
+    EXPECT_TRUE(hasColour(svg, PlotColours::outside));
+}
+
+TEST(Picture, LogarithmsHaveLabelsAtPowersOfTen)
+{
+    SweepPicture swept = sweep();
+    swept.lower.clear();
+    swept.upper.clear();
+    swept.isLogarithmic = true;
+    for (std::size_t i = 0; i < swept.model.size(); ++i) {
+        swept.model[i] = std::pow(10.0, 0.5 * static_cast<double>(i) - 3.0);
+    }
+    swept.caseOutputs.assign(swept.caseOutputs.size(), 1.0);
+    ContourPicture levels = contour();
+    levels.isLogarithmic = true;
+    for (double& value : levels.values) {
+        value = std::pow(10.0, value / 20.0 - 2.0);
+    }
+    ActualPicture cases = actual();
+    cases.isLogarithmic = true;
+    cases.actual = {0.01, 2.0, 300.0};
+    cases.limit = 0.5;
+    ResidualPicture residuals = residual();
+    residuals.isLogarithmic = true;
+    residuals.predicted = {0.01, 2.0, 300.0};
+    for (const PictureData& picture :
+         {PictureData(swept), PictureData(levels), PictureData(cases), PictureData(residuals)}) {
+        const std::string svg = svgOf(picture);
+
+        for (const char* text : {"0.1", "1", "10"}) {
+            EXPECT_TRUE(hasText(svg, text)) << picture.index() << ": " << text;
+        }
+    }
+    EXPECT_TRUE(hasText(svgOf(cases), "\302\261 2 standard deviations of the logarithm"));
+    swept.model[0] = -1.0;
+    EXPECT_FALSE(hasText(svgOf(swept), "0.1")) << "no logarithm shows a negative number";
+}
+
 TEST(Picture, AConstantContourHasOneColourAndNoLines)
 {
     ContourPicture picture = contour();

@@ -103,6 +103,14 @@ TEST(CasePictures, HaveLimitsAtTwoStandardDeviations)
     EXPECT_EQ(residualPicture(cases).limit, actualPicture(cases).limit);
 }
 
+TEST(CasePictures, HaveLimitsOfTheLogarithmWhereTheAxesHave)
+{
+    const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, 2.0, 1.0}, {1, 100.0, 50.0, 1.0}}, 2, "", true};
+
+    EXPECT_NEAR(actualPicture(cases).limit, 2.0 * std::log(2.0), 1e-12);
+    EXPECT_NEAR(residualPicture(cases).limit, 2.0 * std::sqrt(2501.0 / 2.0), 1e-9);
+}
+
 TEST(CasePictures, HaveTheUnitOfTheOutput)
 {
     CaseTable table = cvdCases();

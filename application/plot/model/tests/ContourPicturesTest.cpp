@@ -59,6 +59,15 @@ TEST(ContourPictures, MarkTheLeastAndTheLargestValue)
     EXPECT_TRUE(contourPicture(constant, 0).extremes.empty());
 }
 
+TEST(ContourPictures, HaveTheFlagsOfTheirValues)
+{
+    ModelCut cut = grid();
+    EXPECT_TRUE(contourPicture(cut, 0).isOutside.empty());
+    cut.isOutside = {0, 1, 0, 0, 0, 0};
+
+    EXPECT_EQ(contourPicture(cut, 0).isOutside, (std::vector<char>{0, 0, 0, 0, 0, 1}));
+}
+
 TEST(ContourPictures, CountRepeatedCases)
 {
     ModelCut cut = grid();

@@ -62,9 +62,10 @@ TEST(DiagnosticPictures, HaveNoResidualsOfASaturatedFit)
 
 TEST(DiagnosticPictures, FollowTheRidge)
 {
-    const SweepPicture ascent = ridgePicture(uniformity(), true, inputs, "Uniformity", 2.0);
+    const SweepPicture ascent = ridgePicture(uniformity(), true, inputs, "Uniformity", "%", 2.0);
 
     EXPECT_EQ(ascent.title, "Uniformity, response surface, ridge of steepest ascent");
+    EXPECT_EQ(ascent.outputName, "Uniformity (%)");
     ASSERT_EQ(ascent.inputs.size(), 11u);
     EXPECT_EQ(ascent.inputs.back(), 1.0);
     EXPECT_NEAR(ascent.model.back(), 8.47936264855032, 1e-9);
@@ -75,7 +76,7 @@ TEST(DiagnosticPictures, FollowTheRidge)
 
 TEST(DiagnosticPictures, OfADescentMayHaveNoLimits)
 {
-    const SweepPicture descent = ridgePicture(uniformity(), false, inputs, "Uniformity", none);
+    const SweepPicture descent = ridgePicture(uniformity(), false, inputs, "Uniformity", "%", none);
 
     EXPECT_EQ(descent.modelLabel, "smallest value");
     EXPECT_TRUE(descent.lower.empty());
@@ -88,7 +89,7 @@ TEST(DiagnosticPictures, HaveNoRidgeOfSquaresThatTheCasesDoNotSeparate)
     withheld.isCurved = true;
 
     try {
-        ridgePicture(withheld, true, inputs, "Uniformity", 2.0);
+        ridgePicture(withheld, true, inputs, "Uniformity", "%", 2.0);
         FAIL();
     } catch (const SurrogateModelInterface::Error& error) {
         EXPECT_STREQ(error.what(), "The model of \"Uniformity\" has no ridge: the cases cannot "
@@ -98,6 +99,6 @@ TEST(DiagnosticPictures, HaveNoRidgeOfSquaresThatTheCasesDoNotSeparate)
 
 TEST(DiagnosticPictures, HaveNoRidgeOfAConstant)
 {
-    EXPECT_THROW(ridgePicture(ResponseSurfaceStatistics(), true, inputs, "Uniformity", 2.0),
+    EXPECT_THROW(ridgePicture(ResponseSurfaceStatistics(), true, inputs, "Uniformity", "%", 2.0),
                  SurrogateModelInterface::Error);
 }

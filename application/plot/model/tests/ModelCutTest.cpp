@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -138,6 +139,35 @@ TEST(ModelCut, OverRangesOfTwoInputsIsTheirProduct)
     EXPECT_EQ(cut.inputs[0].values, (std::vector<double>{4, 4, 4, 42, 42, 42, 80, 80, 80}));
     EXPECT_EQ(cut.inputs[1].values, (std::vector<double>{2, 6, 10, 2, 6, 10, 2, 6, 10}));
     EXPECT_EQ(cut.outputs[0].values.size(), 9u);
+}
+
+TEST(ModelCut, SaysHowManyPointsLieOutsideTheCasesWithoutNumbersOfRows)
+{
+    CaseSession session = cvdSession();
+    session.sweep(0, "80, 4, 200");
+    session.sweep(1, "2, 6");
+    ModelCut cut = ModelCut::throughChosenValues(session);
+
+    cut.findOutside(session);
+
+    EXPECT_EQ(cut.isOutside[4] + cut.isOutside[5], 2);
+    EXPECT_EQ(cut.extrapolation.find(" points lie outside the cases: \"Pressure\" is up to "),
+              std::string("n of 6").size())
+        << cut.extrapolation;
+}
+
+TEST(ModelCut, AnOutputOverThreeDecadesHasALogarithmicAxis)
+{
+    CaseTable table = cvdCases();
+    CaseSession plain(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    EXPECT_FALSE(hasLogarithmicAxis(plain, 0));
+    for (double& stress : table.columns[3].numbers) {
+        stress = std::pow(10.0, 2.0 * stress);
+    }
+    CaseSession decades(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    EXPECT_TRUE(hasLogarithmicAxis(decades, 0));
+    plain.chooseTransform(TransformSetting::Logarithm);
+    EXPECT_TRUE(hasLogarithmicAxis(plain, 0));
 }
 
 TEST(ModelCut, FinerHasValuesBetweenThoseThatAreSwept)
