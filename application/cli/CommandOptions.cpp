@@ -383,7 +383,10 @@ void describePredict(CLI::App& command, CommandLine& line)
     command.option_defaults()->group("Values");
     addValue(command, "--points",
              "the table of points; it comes out with a column\n"
-             "\"NAME predicted\" for each output, empty where an input is\nmissing",
+             "\"NAME predicted\" for each output, empty where an input is\n"
+             "missing. How it is laid out is recognised; where its inputs\n"
+             "are not found so, it is read with --skip, --heading and\n"
+             "--units-row like the case file",
              "FILE", line.points);
     addInterval(command, line);
 }

@@ -8,6 +8,7 @@
 #include "PlotCommand.h"
 #include "TerminalProgress.h"
 
+#include <plot/model/MainEffects.h>
 #include <plot/model/ReportPage.h>
 #include <session/cases/CaseFileReader.h>
 #include <session/cases/VariableNames.h>
@@ -94,6 +95,21 @@ std::string localTime()
     return text.str();
 }
 
+/** How much each output changes along each input, of Kriging; the coefficients of a response
+ * surface show that. */
+std::vector<InputRanking> rankingsOf(CaseSession& session)
+{
+    constexpr std::size_t values = 21; // enough to see how far a smooth curve goes
+    std::vector<InputRanking> rankings;
+    if (session.modelType() == CaseSession::Kriging && session.exportedReport().empty()) {
+        const MainEffects effects(session, {}, values);
+        for (std::size_t i = 0; i < session.outputs().size(); ++i) {
+            rankings.push_back(effects.ranking(i));
+        }
+    }
+    return rankings;
+}
+
 void runFit(const CommandLine& line)
 {
     OpenSession open(line);
@@ -102,10 +118,11 @@ void runFit(const CommandLine& line)
         writeText(line.report,
                   ReportPage::html(open.session, {line.typed, SURROGATE_VERSION, localTime()}));
     }
+    const std::vector<InputRanking> rankings = rankingsOf(open.session);
     open.save(line);
-    writeText(line.output,
-              line.asJson ? ReportJson::text(FitReport::runJson(open.session, open.readSeconds))
-                          : FitReport::text(open.session));
+    writeText(line.output, line.asJson ? ReportJson::text(FitReport::runJson(
+                                             open.session, open.readSeconds, nullptr, rankings))
+                                       : FitReport::text(open.session, rankings));
 }
 
 /** Limits must not look like an input that has their name. */
@@ -153,26 +170,38 @@ void runEvaluate(const CommandLine& line)
     writeTable(line, table, open.session.layout(), open, evaluation);
 }
 
-/** The points are a file of its own layout; what cells say is the same in both. */
-CaseFileReader::Options pointsReading(const CommandLine& line, const Workspace& workspace)
+/** The points of predict. Their file has a layout of its own, which is recognised; where its inputs
+ *  cannot be found so, it is read as the options say that the case file is to be read. */
+CaseTable readPoints(const CommandLine& line, const Workspace& workspace)
 {
     CaseFileReader::Options options = line.reading;
     options.keepCells = true;
     if (options.missing.isEmpty()) {
         options.missing = workspace.readingChoices().missing;
     }
-    if (!line.startsFromModel()) {
-        options.heading = options.heading.value_or(false) ? options.heading : std::nullopt;
-        options.unitsRow.reset();
-        options.skippedLines.reset();
+    const bool hasLayout = options.heading || options.unitsRow || options.skippedLines;
+    if (line.startsFromModel() || !hasLayout) {
+        return CaseFileReader::read(line.points, options);
     }
-    return options;
+    CaseFileReader::Options own = options;
+    own.heading.reset();
+    own.unitsRow.reset();
+    own.skippedLines.reset();
+    CaseTable table = CaseFileReader::read(line.points, own);
+    const std::vector<std::string> present = table.names();
+    const std::vector<std::string> inputs = namesOf(workspace.inputs());
+    const bool isComplete = std::all_of(inputs.begin(), inputs.end(), [&](const auto& name) {
+        return std::find(present.begin(), present.end(), name) != present.end();
+    });
+    // The standard input is read once only.
+    return isComplete || line.points == "-" ? std::move(table)
+                                            : CaseFileReader::read(line.points, options);
 }
 
 void runPredict(const CommandLine& line)
 {
     OpenSession open(line);
-    CaseTable table = CaseFileReader::read(line.points, pointsReading(line, open.session));
+    CaseTable table = readPoints(line, open.session);
     if (!table.guess.empty()) {
         note(line, "Points read as: " + table.guess + '\n');
     }

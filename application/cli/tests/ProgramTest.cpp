@@ -226,6 +226,23 @@ TEST_F(Program, PredictAddsColumnsToTheTableOfPoints)
     EXPECT_EQ(lines[2], "last,NA,1,") << "empty where an input is missing";
 }
 
+TEST_F(Program, PointsAreReadLikeTheCasesWhereTheirInputsAreNotFoundOtherwise)
+{
+    folder.write("rig.csv", "1,2,3\n4,5,6\n" + plane);
+    folder.write("points.csv", "7,8\n9,9\nx,z\n2,1\n");
+    folder.write("plain.csv", "x,z\n2,1\n1,1\n");
+
+    EXPECT_EQ(linesOf(run("predict rig.csv --skip 2 -y y --points points.csv").out).size(), 2u);
+    EXPECT_EQ(linesOf(run("predict rig.csv --skip 2 -y y --points plain.csv").out).size(), 3u);
+}
+
+TEST_F(Program, AllRowsOfPointsComeBack)
+{
+    folder.write("points.csv", "note,z,x\nfirst,1,2\nlast,,\n");
+
+    EXPECT_EQ(linesOf(run("predict plane.csv -y y --points points.csv").out).back(), "last,,,");
+}
+
 TEST_F(Program, PredictWritesTheHeadingAloneForNoPoints)
 {
     EXPECT_EQ(run("predict plane.csv -y y --points - < /dev/null").exitCode, 3);

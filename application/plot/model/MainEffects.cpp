@@ -17,13 +17,14 @@ double changeOf(const ModelCut& cut, std::size_t output)
 }
 } // namespace
 
-MainEffects::MainEffects(CaseSession& session, const std::vector<std::size_t>& left)
+MainEffects::MainEffects(CaseSession& session, const std::vector<std::size_t>& left,
+                         std::size_t values)
 {
     const ModelCut::FittedCases cases(session);
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
         const auto [least, most] = cases.ranges[input];
         if (least < most && std::find(left.begin(), left.end(), input) == left.end()) {
-            cuts.push_back(ModelCut::overRanges(session, {input}, ModelCut::sweepValues, cases));
+            cuts.push_back(ModelCut::overRanges(session, {input}, values, cases));
         }
     }
     heldInputs = ModelCut::heldText(session);

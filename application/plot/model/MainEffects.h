@@ -15,9 +15,11 @@ class CaseSession;
 class SURROGATE_PLOT_EXPORT MainEffects
 {
 public:
-    /** @param left positions of inputs whose effects are not asked for.
+    /** @param left   positions of inputs whose effects are not asked for.
+     *  @param values along each input.
      *  @throw SurrogateModelInterface::Error */
-    explicit MainEffects(CaseSession& session, const std::vector<std::size_t>& left = {});
+    explicit MainEffects(CaseSession& session, const std::vector<std::size_t>& left = {},
+                         std::size_t values = ModelCut::sweepValues);
 
     /** How many inputs vary. */
     std::size_t size() const { return cuts.size(); }

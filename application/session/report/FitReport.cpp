@@ -180,12 +180,33 @@ std::string leverageText(const ResponseSurfaceStatistics& statistics)
     return joinedText(texts);
 }
 
+/** "Pressure 100 %, Power 42 % and 3 more below 10 %". */
+std::string rankingText(const InputRanking& ranking, const std::vector<std::string>& inputs)
+{
+    constexpr std::size_t most = 10;
+    const auto percent = [](double share) {
+        return std::to_string(std::lround(100.0 * share)) + " %";
+    };
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < std::min(most, ranking.size()); ++i) {
+        texts.push_back(inputs[ranking[i].first] + ' ' + percent(ranking[i].second));
+    }
+    return joinedText(texts) + (ranking.size() > most
+                                    ? " and " + std::to_string(ranking.size() - most) +
+                                          " more of at most " + percent(ranking[most].second)
+                                    : "");
+}
+
 std::string outputText(const OutputFit& fit, const std::vector<std::string>& inputs,
-                       const ResponseSurfaceStatistics* statistics)
+                       const ResponseSurfaceStatistics* statistics, const InputRanking& ranking)
 {
     TextTable table({false, false});
     for (const auto& [name, figure] : FitReport::figures(fit, inputs, statistics)) {
         table.add({name, figure});
+    }
+    if (!ranking.empty()) {
+        table.add({"ranking of the inputs",
+                   rankingText(ranking, inputs) + " (change along each, the others held)"});
     }
     std::string text = '\n' + fit.name + '\n' + table.text("  ");
     for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
@@ -423,7 +444,7 @@ std::vector<std::string> FitReport::fitNotes(const OutputFit& fit,
     return notes;
 }
 
-std::string FitReport::text(CaseSession& session)
+std::string FitReport::text(CaseSession& session, const std::vector<InputRanking>& rankings)
 {
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
@@ -437,7 +458,8 @@ std::string FitReport::text(CaseSession& session)
     }
     text += "Inputs  " + joinedText(legend) + '\n';
     for (std::size_t i = 0; i < fits.size(); ++i) {
-        text += outputText(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i]);
+        text += outputText(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i],
+                           rankings.empty() ? InputRanking() : rankings[i]);
         if (!statistics.empty()) {
             text += StatisticsTables::text(statistics[i], inputs, fits[i].modelled.transform);
         }
@@ -471,9 +493,16 @@ ReportJson::Json FitReport::json(CaseSession& session)
 }
 
 ReportJson::Json FitReport::runJson(CaseSession& session, double readSeconds,
-                                    const Evaluation* evaluation)
+                                    const Evaluation* evaluation,
+                                    const std::vector<InputRanking>& rankings)
 {
     Json json = FitReport::json(session);
+    const std::vector<std::string> inputs = namesOf(session.inputs());
+    for (std::size_t i = 0; i < rankings.size(); ++i) {
+        for (const auto& [input, share] : rankings[i]) {
+            json["outputs"][i]["ranking"].push_back({{"name", inputs[input]}, {"share", share}});
+        }
+    }
     if (evaluation != nullptr) {
         for (const HeldInput& input : evaluation->held) {
             json["held"].push_back({{"name", input.name}, {"value", input.value}});

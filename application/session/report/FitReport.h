@@ -4,11 +4,17 @@
 
 #include <surrogate_session/Export.h>
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
 
 class CaseSession;
+
+/** The inputs by position, each with its effect on an output as a share of the largest one, the
+ *  strongest first. */
+using InputRanking = std::vector<std::pair<std::size_t, double>>;
+
 struct Evaluation;
 struct OutputFit;
 struct ResponseSurfaceStatistics;
@@ -28,16 +34,20 @@ figures(const OutputFit& fit, const std::vector<std::string>& inputs,
 SURROGATE_SESSION_EXPORT std::vector<std::string>
 fitNotes(const OutputFit& fit, const ResponseSurfaceStatistics* statistics);
 
-SURROGATE_SESSION_EXPORT std::string text(CaseSession& session);
+/** @param rankings one per output, or none at all. */
+SURROGATE_SESSION_EXPORT std::string text(CaseSession& session,
+                                          const std::vector<InputRanking>& rankings = {});
 
 /** The report that an exported model carries. */
 SURROGATE_SESSION_EXPORT ReportJson::Json json(CaseSession& session);
 
 /** The same with what concerns this run alone.
  *  @param readSeconds the time that reading the case file took.
- *  @param evaluation  of the model; null: none. */
+ *  @param evaluation  of the model; null: none.
+ *  @param rankings    one per output, or none at all. */
 SURROGATE_SESSION_EXPORT ReportJson::Json runJson(CaseSession& session, double readSeconds,
-                                                  const Evaluation* evaluation = nullptr);
+                                                  const Evaluation* evaluation = nullptr,
+                                                  const std::vector<InputRanking>& rankings = {});
 
 /** Like runJson(), with the equation of each output instead of its figures. */
 SURROGATE_SESSION_EXPORT ReportJson::Json equationsJson(CaseSession& session, double readSeconds);

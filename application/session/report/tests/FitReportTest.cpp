@@ -263,6 +263,22 @@ TEST(FitReport, TextHasMetricsAndModel)
         << text;
 }
 
+TEST(FitReport, RanksTheInputs)
+{
+    CaseSession session = cvdSession(CaseSession::Kriging);
+    const std::vector<InputRanking> rankings = {{{1, 1.0}, {0, 0.4231}}, {{0, 1.0}, {1, 0.0}}};
+
+    EXPECT_NE(
+        FitReport::text(session, rankings)
+            .find("  ranking of the inputs           H2/WF6 100 %, Pressure 42 % (change along "
+                  "each, the others held)\n"),
+        std::string::npos)
+        << FitReport::text(session, rankings);
+    EXPECT_EQ(printed(FitReport::runJson(session, 0.0, nullptr, rankings))["outputs"][1]["ranking"]
+                  .dump(),
+              R"([{"name":"Pressure","share":1.0},{"name":"H2/WF6","share":0.0}])");
+}
+
 TEST(FitReport, OfKrigingNamesTheInputOfEachLength)
 {
     CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::Kriging);
