@@ -84,6 +84,18 @@ std::string tableWith(const std::string& cell, int every = 5)
                  [&](Strings& row, int number) { row[2] = number % every == 2 ? cell : row[2]; });
 }
 
+std::string quotedRows()
+{
+    const std::string text = replaced(rows("\",\"", ","), "\n", "\"\n\"");
+    return '"' + text.substr(0, text.size() - 1);
+}
+
+std::string markdownRows()
+{
+    std::string text = replaced(rows(" | "), "\n", " |\n| ");
+    return "| " + text.substr(0, text.size() - 2);
+}
+
 /** Each case with a cell before the others. */
 std::string rowsAfter(const std::function<std::string(int)>& first,
                       const std::string& separator = ",")
@@ -251,10 +263,58 @@ const std::vector<OddTable>& oddTables()
          ""},
         {"ExponentsOfFortran", replaced(table(), ".5,", ".5D+00,"), ""},
         {"InfiniteNumbers", tableWith("inf"), ""},
-        {"PercentSigns", "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i) + '%'; }),
-         ""},
-        {"UnitsInCells", "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i) + " mm"; }),
-         ""},
+        {"PercentSigns", "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i * i) + '%'; }),
+         "Read as: units in the cells of s (%)\n"},
+        {"UnitsInCells",
+         "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i * i) + " mm"; }),
+         "Read as: units in the cells of s (mm)\n"},
+        {"UnitsInAllCells", replaced(replaced(table(";"), ";", " mm;"), "x mm;z mm", "x;z"),
+         "Read as: semicolons, units in the cells of x (mm) and z (mm)\n"},
+        {"Currencies", "s,x,z,y\n" + rowsAfter([](int i) { return "$" + std::to_string(i * i); }),
+         "Read as: units in the cells of s ($)\n"},
+        {"CurrenciesWithThousands", "s,x,z,y\n" + rowsAfter([](int i) {
+                                        return "\"$1," + std::to_string(200 + i * i) + ".50\"";
+                                    }),
+         "Read as: thousands separated by \",\", units in the cells of s ($)\n"},
+        {"CodesOfDigitAndLetter",
+         "s,x,z,y\n" + rowsAfter([](int i) { return std::to_string(i * i) + 'A'; }), ""},
+        {"QuotedDecimalCommas", "x,z,y\n" + quotedRows(), "Read as: decimal commas\n"},
+        {"QuotedThousands",
+         "s,x,z,y\n" + rowsAfter([](int i) { return "\"1," + std::to_string(200 + i * i) + '"'; }),
+         "Read as: thousands separated by \",\"\n"},
+        {"CommentsOutnumberRows", replaced(table(), "\n", "\n# checked\n# and approved\n"),
+         "Read as: 26 comment lines skipped\n"},
+        {"RepeatedHeading", table() + table(), "Read as: 1 repeated heading skipped\n"},
+        {"RepeatedHeadingWithUnits", "x,z,y\nmm,kN,MPa\n" + rows() + "x,z,y\nmm,kN,MPa\n" + rows(),
+         "Read as: a units row and 1 repeated heading skipped\n"},
+        {"LineBelowTheTable", table() + "Total: 12 runs\n",
+         "Read as: 1 line below the table skipped\n"},
+        {"LinesBelowTheTable", table() + ",,\nTotal,,\nend of data,,\n,,\n",
+         "Read as: 2 lines below the table skipped\n"},
+        {"SumsBelowTheTable", table() + "Total:,30,200\nmean,2.5,16\n",
+         "Read as: 2 lines below the table skipped\n"},
+        {"RemarkBetweenTheCases", table() + "pause,,\n" + rows(),
+         "x: 1 cell is no number (\"pause\", in line 14)"},
+        {"RemarksBelowTheTable", table() + "\nNotes\n1) measured twice\n",
+         "Read as: 2 lines below the table skipped\n"},
+        {"SecondHeading", "x,z,y\nset value,set value,measured\n" + rows(),
+         "Read as: a second heading skipped\n"},
+        {"RuleBelowTheHeading", "   x     z      y\n--------------\n" + rows("   "),
+         "Read as: columns separated by blanks; 1 comment line skipped\n"},
+        {"TableOfMarkdown", "| x | z | y |\n|---|--:|---|\n" + markdownRows(),
+         "Read as: vertical bars; 1 comment line skipped\n"},
+        {"EntriesAboveTheHeading",
+         "Instrument:\tUTM\nSerial No:\t12345\nOperator:\tSmith\n\n[Data]\nx\tz\ty\nmm\ts\tN\n" +
+             rows("\t"),
+         "Read as: tabs; 4 title lines and a units row skipped\n"},
+        {"TimesAsNumbers",
+         "time,x,z,y\n" + rowsAfter([](int i) { return std::to_string(1772000000 + 60 * i); }),
+         "\"time\" (times that only ascend, from 1772000000 to 1772000660)"},
+        {"ThousandsWithUnderscores",
+         "s,x,z,y\n" + rowsAfter([](int i) { return "1_" + std::to_string(200 + i * i); }),
+         "Read as: thousands separated by \"_\"\n"},
+        {"ExponentsOfThreeDigits", replaced(table(), ".5,", ".5+000,"), ""},
+        {"NumberAsAName", "150,z,y\n" + rows(), "Read as: names that are numbers (150)\n"},
         {"TextColumn", "site,x,z,y\n" + rowsAfter([](int i) { return i < 6 ? "north" : "south"; }),
          ""},
         {"Dates",
@@ -319,6 +379,7 @@ const std::vector<OddTable>& oddTables()
         {"Parquet", "PAR1\x15", "is a Parquet file", NoTable},
         {"Compressed", "\x1F\x8B\x08", "is compressed; unpack it with gunzip.", NoTable},
         {"XmlDocument", "<?xml version=\"1.0\"?>\n<a/>\n", "is an XML document", NoTable},
+        {"WebPage", "<html><table></table></html>\n", "is a web page, no table of text", NoTable},
         {"NulByte", table() + std::string("1,\0,3\n", 6), "line 14: a cell holds a NUL byte",
          NoTable},
         {"UnclosedQuote", table() + "1,\"2,3\n4,5,6\n", "line 14: a quoted cell", NoTable},
@@ -328,7 +389,7 @@ const std::vector<OddTable>& oddTables()
          "line 14: the row has 2 cells, the heading has 3" + sentenceOfShape, NoTable},
         {"LongRow", table() + "1.5,2,3,4\n",
          "line 14: the row has 4 cells, the heading has 3" + sentenceOfShape, NoTable},
-        {"LineBelowTheTable", table() + "Total: 12 runs\n",
+        {"LineBetweenTheCases", table() + "pause\n" + rows(),
          "line 14: the row has 1 cell, the heading has 3" + sentenceOfShape, NoTable},
         {"DecimalCommasBetweenCommas", table(",", ","),
          "line 2: the row has 6 cells, the heading has 3; if the table begins further down",

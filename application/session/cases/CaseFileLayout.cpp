@@ -3,6 +3,7 @@
 #include "session/text/CountedText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace {
@@ -13,6 +14,18 @@ std::string joinedBy(const std::vector<std::string>& parts, const std::string& l
         text += (i == 0 ? "" : i + 1 == parts.size() ? last : ", ") + parts[i];
     }
     return text;
+}
+
+/** The first five. */
+std::string shortList(const std::vector<std::string>& names)
+{
+    constexpr std::size_t most = 5;
+    std::vector<std::string> shown(
+        names.begin(), names.begin() + static_cast<std::ptrdiff_t>(std::min(most, names.size())));
+    if (names.size() > most) {
+        shown.push_back(std::to_string(names.size() - most) + " more");
+    }
+    return joinedBy(shown, " and ");
 }
 
 std::string shownThousands(char separator)
@@ -51,6 +64,13 @@ std::string CaseFileLayout::text() const
         form.emplace_back("the units from a comment line");
     }
 
+    if (!numericNames.empty()) {
+        form.push_back("names that are numbers (" + shortList(numericNames) + ')');
+    }
+    if (!unitsInCells.empty()) {
+        form.push_back("units in the cells of " + shortList(unitsInCells));
+    }
+
     std::vector<std::string> skipped;
     if (titleLines > 0) {
         skipped.push_back(countedText(titleLines, "title line"));
@@ -59,7 +79,13 @@ std::string CaseFileLayout::text() const
         skipped.push_back(countedText(commentLines, "comment line"));
     }
     if (hasUnitsRow) {
-        skipped.emplace_back("a units row");
+        skipped.emplace_back(units.empty() ? "a second heading" : "a units row");
+    }
+    if (repeatedHeadings > 0) {
+        skipped.push_back(countedText(repeatedHeadings, "repeated heading"));
+    }
+    if (linesBelow > 0) {
+        skipped.push_back(countedText(linesBelow, "line") + " below the table");
     }
     std::vector<std::string> parts;
     if (!form.empty()) {

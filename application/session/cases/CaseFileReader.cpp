@@ -9,10 +9,13 @@
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
+#include "session/text/UnitText.h"
 
 #include <mirel_property/Utf8.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -61,7 +64,8 @@ class ColumnBuilder
 public:
     ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
         : table(result), keepCells(options.keepCells), missing(options.missing),
-          decimalComma(result.layout.separator != ',' && result.layout.thousandsSeparator != ',' &&
+          decimalComma((result.layout.separator != ',' || result.layout.hasDecimalComma) &&
+                       result.layout.thousandsSeparator != ',' &&
                        options.decimalMark != CellValue::Point),
           needsComma(options.decimalMark == CellValue::Comma),
           thousands(result.layout.thousandsSeparator),
@@ -71,20 +75,53 @@ public:
 
     void takeHeading(const std::vector<std::string_view>& names, std::size_t line);
 
+    void takeUnits(const std::vector<std::string_view>& cells)
+    {
+        unitCells.assign(cells.begin(), cells.end());
+    }
+
+    /** Whether a record says what the heading says, or the units below it. */
+    bool isRepeatedHeading(const std::vector<std::string_view>& cells)
+    {
+        const auto equals = [&](const std::vector<std::string>& texts) {
+            return !texts.empty() &&
+                   std::equal(cells.begin(), cells.end(), texts.begin(), texts.end());
+        };
+        const bool isHeading = equals(headingCells);
+        const bool isUnits = followsHeading && equals(unitCells);
+        followsHeading = isHeading;
+        return isHeading || isUnits;
+    }
+
     /** Names the columns of a table without a heading. */
     void nameColumns(std::size_t count);
 
     void takeCase(const std::vector<std::string_view>& cells, std::size_t line)
     {
-        if (cells.front().empty() && cells.size() > 1 && isEmpty(cells)) {
+        const bool isBlank = cells.front().empty() && cells.size() > 1 && isEmpty(cells);
+        if (isBlank && heldBack.empty()) {
             ++emptyRows;
             return;
         }
-        for (; emptyRows > 0; --emptyRows) {
-            takeRow(std::vector<std::string_view>(table.columns.size()), line);
+        if (isRepeatedHeading(cells)) {
+            table.layout.repeatedHeadings += followsHeading ? 1 : 0;
+            return;
+        }
+        if ((isBlank || mayStandBelow(cells)) && heldBack.size() < maxHeldBack) {
+            heldBack.push_back({{cells.begin(), cells.end()}, line});
+            if (isBlank) { // which may be shorter
+                heldBack.back().cells.resize(table.columns.size());
+            }
+            return;
+        }
+        if (emptyRows > 0 || !heldBack.empty()) {
+            takeHeldBack();
         }
         takeRow(cells, line);
     }
+
+    /** At the end: rows that were held back hold no case, unless all columns are of texts. */
+    void endCases();
 
     /** Makes room for so many cases at once: growing by doubling would hold every column twice. */
     void reserve(std::size_t cases)
@@ -111,7 +148,12 @@ public:
     /** Reads a cell of such a column again. */
     void takeCellAgain(std::size_t column, std::string_view text)
     {
-        takeValue(table.columns[column], valueOf(text), text);
+        CellValue value = valueOf(text);
+        if (value.kind == CellValue::Text && !states[column].unit.empty()) {
+            const auto [number, unit] = numberAndUnit(text);
+            value = unit == states[column].unit ? valueOf(number) : value;
+        }
+        takeValue(table.columns[column], value, text);
     }
 
     /** Refuses cells that are no numbers if the user wants it so. */
@@ -125,6 +167,9 @@ private:
     struct State
     {
         std::size_t numbers = 0;
+        std::string unit;              ///< behind the first number that has one
+        std::size_t withUnit = 0;      ///< cells of a number with that unit
+        CellsWithoutNumber otherTexts; ///< without these
         std::size_t firstPointLine = 0;
         std::size_t firstCommaLine = 0;
     };
@@ -163,11 +208,23 @@ private:
 
     void checkNames(std::size_t line) const;
 
+    /** A row that would hold no case behind the last one: a remark, or sums of the columns. */
+    struct HeldRow
+    {
+        std::vector<std::string> cells;
+        std::size_t line;
+    };
+    static constexpr std::size_t maxHeldBack = 20;
+
+    bool mayStandBelow(const std::vector<std::string_view>& cells) const;
+    void takeHeldBack();
+
     void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
     {
         const CellValue value = valueOf(text);
         if (value.kind == CellValue::Number) {
-            takeNumber(state, value, line);
+            ++state.numbers;
+            takeMark(state, value, line);
         } else if (value.kind == CellValue::Text) {
             takeText(column, state, text, line);
         }
@@ -188,9 +245,8 @@ private:
         }
     }
 
-    static void takeNumber(State& state, const CellValue& value, std::size_t line)
+    static void takeMark(State& state, const CellValue& value, std::size_t line)
     {
-        ++state.numbers;
         if (value.mark == CellValue::Point && state.firstPointLine == 0) {
             state.firstPointLine = line;
         } else if (value.mark == CellValue::Comma && state.firstCommaLine == 0) {
@@ -198,12 +254,17 @@ private:
         }
     }
 
-    void takeText(CaseColumn& column, const State& state, std::string_view text, std::size_t line);
+    void takeText(CaseColumn& column, State& state, std::string_view text, std::size_t line);
+    static void addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line);
     void exchangeKind(CaseColumn& column);
 
     CaseTable& table;
     std::vector<State> states;
-    std::size_t emptyRows = 0; ///< of which it is not known yet whether they end the file
+    std::vector<std::string> headingCells;
+    std::vector<std::string> unitCells;
+    bool followsHeading = false;
+    std::size_t emptyRows = 0;     ///< of which it is not known yet whether they end the file
+    std::vector<HeldRow> heldBack; ///< likewise, behind these
     bool keepCells;
     const MissingWords& missing;
     bool decimalComma; ///< whether numbers may have one
@@ -264,19 +325,95 @@ void ColumnBuilder::checkNumbers() const
     }
 }
 
-void ColumnBuilder::takeText(CaseColumn& column, const State& state, std::string_view text,
+bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) const
+{
+    constexpr std::array<std::string_view, 16> sums = {
+        "total",    "totals", "grand total", "sum", "sums", "summe", "gesamt", "average",
+        "averages", "mean",   "mittelwert",  "min", "max",  "std",   "stdev",  "count"};
+    const std::string_view begin = cells.front().substr(0, 1);
+    const bool isNumber = cells.size() == table.columns.size() && !begin.empty() &&
+                          std::string_view("0123456789+-.").find(begin) < 13;
+    // Points get all their rows back, whatever they hold.
+    const bool isPoint = keepCells && cells.size() == table.columns.size();
+    if (isStrict || isNumber || isPoint || cells.size() > table.columns.size()) {
+        return false;
+    }
+    if (states.front().numbers > 0) {
+        std::string first(cells.front());
+        std::transform(first.begin(), first.end(), first.begin(),
+                       [](unsigned char letter) { return std::tolower(letter); });
+        first.resize(first.size() - (!first.empty() && first.back() == ':' ? 1 : 0));
+        if (std::find(sums.begin(), sums.end(), first) != sums.end()) {
+            return true;
+        }
+    }
+    // Texts beside empty cells. In a full row of texts a case may have failed.
+    bool hasText = false;
+    for (const std::string_view cell : cells) {
+        const CellValue value = cell.empty() ? CellValue() : valueOf(cell);
+        hasText = hasText || value.kind == CellValue::Text;
+        if (!cell.empty() && value.kind != CellValue::Text) {
+            return false;
+        }
+    }
+    const bool isFull = cells.size() == table.columns.size() &&
+                        std::find(cells.begin(), cells.end(), std::string_view()) == cells.end();
+    return hasText && !isFull;
+}
+
+void ColumnBuilder::takeHeldBack()
+{
+    for (; emptyRows > 0; --emptyRows) {
+        takeRow(std::vector<std::string_view>(table.columns.size()), 0);
+    }
+    for (const HeldRow& row : heldBack) {
+        takeRow({row.cells.begin(), row.cells.end()}, row.line);
+    }
+    heldBack.clear();
+}
+
+void ColumnBuilder::endCases()
+{
+    while (!heldBack.empty() &&
+           isEmpty({heldBack.back().cells.begin(), heldBack.back().cells.end()})) {
+        heldBack.pop_back();
+    }
+    const bool hasNumbers = std::any_of(states.begin(), states.end(),
+                                        [](const State& state) { return state.numbers > 0; });
+    if (!hasNumbers && !heldBack.empty()) {
+        takeHeldBack();
+    }
+    table.layout.linesBelow = static_cast<std::size_t>(
+        std::count_if(heldBack.begin(), heldBack.end(), [](const HeldRow& row) {
+            return !isEmpty({row.cells.begin(), row.cells.end()});
+        }));
+}
+
+void ColumnBuilder::takeText(CaseColumn& column, State& state, std::string_view text,
                              std::size_t line)
 {
     checkText(text, line);
-    CellsWithoutNumber& cells = column.withoutNumber;
-    ++cells.count;
-    if (cells.firstLine == 0) {
-        cells.firstLine = line;
-        if (state.numbers == 0 && column.isNumeric) {
-            exchangeKind(column); // likely a column of texts
-            column.texts.resize(keepCells ? 0 : table.cases);
-        }
+    if (column.withoutNumber.count == 0 && state.numbers == 0 && column.isNumeric) {
+        exchangeKind(column); // likely a column of texts
+        column.texts.resize(keepCells ? 0 : table.cases);
     }
+    addTo(column.withoutNumber, text, line);
+    const auto [number, unit] = numberAndUnit(text);
+    const bool isSameUnit = !unit.empty() && (state.unit.empty() || unit == state.unit);
+    const CellValue value = isSameUnit ? valueOf(number) : CellValue();
+    if (value.kind == CellValue::Number) {
+        state.unit = unit;
+        ++state.withUnit;
+        takeMark(state, value, line);
+    } else {
+        addTo(state.otherTexts, text, line);
+    }
+}
+
+void ColumnBuilder::addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line)
+{
+    ++cells.count;
+    cells.firstLine = cells.count == 1 ? line : cells.firstLine;
     if (!cells.hasMoreSpellings &&
         std::find(cells.spellings.begin(), cells.spellings.end(), text) == cells.spellings.end()) {
         if (cells.spellings.size() < CellsWithoutNumber::keptSpellings) {
@@ -312,10 +449,25 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
             column.withoutNumber.spellings = {
                 std::string(keepCells ? column.cells[0] : column.texts.front())};
         }
-        if (isRowNames || column.isNumeric == (states[i].numbers >= column.withoutNumber.count)) {
+        State& state = states[i];
+        const std::size_t filled = state.numbers + column.withoutNumber.count;
+        if (isRowNames || 2 * state.withUnit <= filled) {
+            state.unit.clear();
+        } else {
+            column.withoutNumber = state.otherTexts;
+            column.unit = column.unit.empty() ? unitWithoutBrackets(state.unit) : column.unit;
+            table.layout.unitsInCells.push_back(column.name + " (" + column.unit + ')');
+        }
+        const bool isOfNumbers =
+            state.numbers + (state.unit.empty() ? 0 : state.withUnit) >= column.withoutNumber.count;
+        if (isRowNames || (column.isNumeric == isOfNumbers && state.unit.empty())) {
             continue;
         }
-        exchangeKind(column);
+        if (column.isNumeric == isOfNumbers) {
+            column.numbers.clear();
+        } else {
+            exchangeKind(column);
+        }
         if (!keepCells) {
             exchanged.push_back(i);
             continue;
@@ -329,7 +481,8 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
 
 void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std::size_t line)
 {
-    const CaseFileLayout& layout = table.layout;
+    CaseFileLayout& layout = table.layout;
+    headingCells.assign(names.begin(), names.end());
     if (layout.hasRowNames) {
         CaseColumn& column = table.columns.emplace_back();
         column.name = "Row name";
@@ -346,6 +499,8 @@ void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std:
         column.isNamed = !column.name.empty();
         if (!column.isNamed) {
             column.name = 'C' + std::to_string(table.columns.size());
+        } else if (CellValue::read(column.name, false).kind == CellValue::Number) {
+            layout.numericNames.push_back(column.name);
         }
     }
     states.resize(table.columns.size());
@@ -423,13 +578,18 @@ struct OtherFile
 constexpr const char* workbook =
     "is a workbook of a spreadsheet program or another packed file, no table of text; open it and "
     "save the table as CSV.";
+constexpr const char* webPage =
+    "is a web page, no table of text; open it in a spreadsheet program and save the table as CSV.";
 const OtherFile otherFiles[] = {
     {"PK\x03\x04", workbook},
     {"\xD0\xCF\x11\xE0", workbook},
     {"PAR1", "is a Parquet file, no table of text; save it as CSV, in Python with "
              "pandas.read_parquet(FILE).to_csv(\"cases.csv\", index=False)."},
     {"\x1F\x8B", "is compressed; unpack it with gunzip."},
-    {"\x89HDF", "is an HDF5 file, no table of text; save the table as CSV."}};
+    {"\x89HDF", "is an HDF5 file, no table of text; save the table as CSV."},
+    {"<!DOCTYPE", webPage},
+    {"<html", webPage},
+    {"<table", webPage}};
 
 /** One attempt to read a file as text of an encoding. */
 class Reading
@@ -513,8 +673,8 @@ void Reading::readColumns(ColumnBuilder& builder)
         if (isFirst && layout.hasHeading) {
             builder.takeHeading(records.cells(), records.line());
             isFirst = false;
-            if (layout.hasUnitsRow) {
-                records.next();
+            if (layout.hasUnitsRow && records.next()) {
+                builder.takeUnits(records.cells());
             }
             continue;
         }
@@ -532,6 +692,7 @@ void Reading::readColumns(ColumnBuilder& builder)
             hasRoom = true;
         }
     }
+    builder.endCases();
     if (records.hasUnclosedQuote()) {
         fail(table.path, records.line(), "a quoted cell that begins in this row is never closed.");
     }
@@ -556,6 +717,10 @@ void Reading::readAgain(ColumnBuilder& builder, const std::vector<std::size_t>& 
         records.next();
     }
     for (std::size_t row = 0; row < table.cases && records.next(); ++row) {
+        if (builder.isRepeatedHeading(records.cells())) {
+            --row;
+            continue;
+        }
         for (const std::size_t column : columns) {
             const bool isThere = column < records.cells().size(); // An empty row may be shorter.
             builder.takeCellAgain(column, isThere ? records.cells()[column] : std::string_view());
@@ -578,6 +743,7 @@ void Reading::describeGuess()
     guessed.commentLines = options.commentMark ? 0 : guessed.commentLines;
     guessed.hasUnitsRow = guessed.hasUnitsRow && !options.unitsRow;
     guessed.units = options.unitsRow ? plain.units : guessed.units;
+    guessed.numericNames = options.heading ? plain.numericNames : guessed.numericNames;
     table.guess = guessed.text();
 }
 
@@ -589,7 +755,8 @@ CaseTable Reading::read(std::optional<TextEncoding> encoding)
     const bool isOtherOrder =
         encoding == TextEncoding::Utf16Little && seen == TextEncoding::Utf16Big;
     recognise(encoding && !isOtherOrder ? *encoding : seen);
-    if (table.layout.separator == ',' && options.decimalMark == CellValue::Comma) {
+    if (table.layout.separator == ',' && options.decimalMark == CellValue::Comma &&
+        !table.layout.hasDecimalComma) {
         fail(table.path, 1,
              "commas separate the cells, so that numbers cannot have decimal commas.");
     }

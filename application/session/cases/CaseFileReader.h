@@ -14,12 +14,16 @@
  * user does not say it: separator, comment lines, titles above the heading, a row of units, row
  * names, no heading, UTF-8, UTF-16 or Windows-1252 (also where a byte far down shows it). Between
  * semicolons, tabs, bars and blanks numbers may be written with a decimal comma, all of them or
- * none. What cells say is defined by CellValue, how they are quoted by CsvSplitter. Empty cells
- * behind the last column and rows without a filled cell at the end are ignored. A column without a
- * name is called C and its number.
+ * none; between commas, where they are quoted. What cells say is defined by CellValue, how they are
+ * quoted by CsvSplitter. Empty cells behind the last column and rows without a filled cell at the
+ * end are ignored. A column without a name is called C and its number.
  *
  * A column is numeric if at least half of its filled cells are numbers; its other cells then count
- * as missing, and are reported (CellsWithoutNumber). Row names are text.
+ * as missing, and are reported (CellsWithoutNumber). Row names are text. Where most filled cells
+ * are numbers with the same unit ("12 mm"), the numbers are read and the unit is the column's.
+ *
+ * Rows that repeat the heading, and rows without a number or of sums behind the last case, are no
+ * cases; they are counted in the layout.
  *
  * The file is read in blocks, and only its columns stay in memory. What a column is, is known at
  * the end: where its first filled cell suggests the other kind, the file is read a second time for

@@ -148,6 +148,18 @@ bool areAscendingYears(const CaseColumn& column)
            std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
 }
 
+/** Whether each case has a later time than the one before, in seconds or less since 1970. */
+bool areAscendingTimes(const CaseColumn& column)
+{
+    constexpr double least = 1e8;
+    static constexpr std::array<std::string_view, 8> words = {
+        "time", "timestamp", "date", "datetime", "zeit", "zeitstempel", "epoch", "unixtime"};
+    const std::vector<double> filled = filledNumbers(column.numbers);
+    return isOneOf(plainName(column.name), words) && filled.size() >= fewestRuns &&
+           filled.front() >= least &&
+           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+}
+
 /** What the numbers are that only say which case it is; empty for others. */
 std::string numberingText(const CaseColumn& column)
 {
@@ -156,6 +168,7 @@ std::string numberingText(const CaseColumn& column)
                ? "numbers the cases, "
            : areDates(column.numbers)  ? "dates written as numbers, "
            : areAscendingYears(column) ? "years that only ascend, "
+           : areAscendingTimes(column) ? "times that only ascend, "
                                        : "";
 }
 

@@ -14,6 +14,25 @@ std::string_view textBetween(const char* first, const char* last)
     return {first, static_cast<std::size_t>(last - first)};
 }
 
+/** What lines below headings are drawn with. */
+constexpr std::string_view ruleCharacters = "-=+|:_* \t";
+
+/** Whether the text begins with such a line. Three in a row: "-" alone is a missing cell. */
+bool isRule(std::string_view text)
+{
+    std::size_t alike = 0;
+    bool hasThree = false;
+    for (std::size_t i = 0; i < text.size() && text[i] != '\n' && text[i] != '\r'; ++i) {
+        if (ruleCharacters.find(text[i]) == std::string_view::npos) {
+            return false;
+        }
+        const bool isLine = text[i] == '-' || text[i] == '=' || text[i] == '_' || text[i] == '*';
+        alike = isLine && i > 0 && text[i] == text[i - 1] ? alike + 1 : isLine ? 1 : 0;
+        hasThree = hasThree || alike == 3;
+    }
+    return hasThree;
+}
+
 /** LF, CRLF and CR each end one line. */
 std::size_t lineEndsIn(std::string_view text)
 {
@@ -42,6 +61,11 @@ CsvSplitter::CsvSplitter(Read reader, const CaseFileLayout& layout, std::size_t 
     }
     for (const std::string& mark : commentMarks) {
         beginsComment[static_cast<unsigned char>(mark.front())] = true;
+    }
+    for (const char character : ruleCharacters) {
+        beginsComment[static_cast<unsigned char>(character)] =
+            beginsComment[static_cast<unsigned char>(character)] ||
+            (!commentMarks.empty() && character != ' ' && character != '\t');
     }
 }
 
@@ -111,10 +135,10 @@ const char* CsvSplitter::splitBlankSeparatedCells(const char* at)
 bool CsvSplitter::isComment(const char* at) const
 {
     const std::string_view line = textBetween(at, bytesEnd());
-    return std::any_of(
-               commentMarks.begin(), commentMarks.end(),
-               [&](const std::string& mark) { return line.substr(0, mark.size()) == mark; }) &&
-           !CellValue::beginsWithError(line);
+    const bool hasMark =
+        std::any_of(commentMarks.begin(), commentMarks.end(),
+                    [&](const std::string& mark) { return line.substr(0, mark.size()) == mark; });
+    return (hasMark && !CellValue::beginsWithError(line)) || isRule(line);
 }
 
 const char* CsvSplitter::skipLine(const char* at) const

@@ -39,7 +39,8 @@ bool isNumber(const std::string& cell, char separator)
         return false;
     }
     CellValue::DecimalMark mark = CellValue::NoMark;
-    return CellValue::read(cell, separator != ',').kind == CellValue::Number ||
+    // Between commas a cell with a comma was quoted.
+    return CellValue::read(cell, true).kind == CellValue::Number ||
            CellValue::thousandsSeparator(cell, mark) != '\0';
 }
 
@@ -279,6 +280,10 @@ public:
 
     bool readsAsUnits(std::size_t record) const;
 
+    /** Whether it holds a text wherever the records below have numbers, in three columns at least:
+     *  of a case that failed the inputs would be known. */
+    bool readsAsSecondHeading(std::size_t record) const;
+
     bool isNumeric(std::size_t column) const { return column < width && numericColumns[column]; }
 
     /** Whether these cells can be the names of the columns. */
@@ -351,6 +356,13 @@ private:
                                 : areTexts || different.size() == rows;
     }
 
+    /** "Operator: | Smith" above a wider table. */
+    bool isEntry(std::size_t record) const
+    {
+        const std::string& first = records[record].cells.front();
+        return cellsOf(records[record]) < width && !first.empty() && first.back() == ':';
+    }
+
     /** "Operator:" beside another text, or a record of another size than the cases. */
     bool isTitle(std::size_t record) const
     {
@@ -396,7 +408,7 @@ std::optional<std::size_t> TableParts::heading() const
             if (!hasNumericColumn) {
                 return found;
             }
-        } else if (isCase(i) && 2 * cellsOf(records[i]) >= width) {
+        } else if (!isEntry(i) && isCase(i) && 2 * cellsOf(records[i]) >= width) {
             if (isOfNumbersAlone(i)) {
                 return found;
             }
@@ -438,6 +450,22 @@ bool TableParts::readsAsUnits(std::size_t record) const
         }
     }
     return isAboveNumbers && 2 * units >= filled && cellsOf(records[record]) <= width;
+}
+
+bool TableParts::readsAsSecondHeading(std::size_t record) const
+{
+    const std::vector<std::string>& cells = records[record].cells;
+    std::size_t texts = 0;
+    for (std::size_t i = 0; i < width; ++i) {
+        if (!numericColumns[i]) {
+            continue;
+        }
+        if (i >= cells.size() || CellValue::read(cells[i], true).kind != CellValue::Text) {
+            return false;
+        }
+        ++texts;
+    }
+    return texts > 2;
 }
 
 /** The first line of files for spreadsheets may say "sep=;". */
@@ -553,19 +581,39 @@ bool takeHeadingFromComment(std::string_view sample, const Record& record, const
     return true;
 }
 
-/** Where lines with a mark are most of the table, they are none of comments. */
+/** Where lines with a mark are most of the table, they are none of comments: those that have as
+ * many separators as the line before, or as many words where neither has one. */
 bool hasComments(std::string_view sample, const CaseFileLayout& layout)
 {
-    CsvSplitter splitter = splitterOf(sample, layout);
-    if (!splitter.next()) {
-        return true;
+    const auto shapeOf = [](std::string_view text) {
+        std::array<std::ptrdiff_t, 5> counts{};
+        std::size_t kind = 0;
+        for (const char separator : {',', ';', '\t', '|'}) {
+            counts[kind++] = std::count(text.begin(), text.end(), separator);
+        }
+        if (counts == std::array<std::ptrdiff_t, 5>{}) {
+            counts.back() = std::count(text.begin(), text.end(), ' ');
+        }
+        return counts;
+    };
+    std::ptrdiff_t rows = 0;
+    std::ptrdiff_t likeRows = 0;
+    std::array<std::ptrdiff_t, 5> shape{};
+    for (Line line = lineAt(sample, layout.tableBegin); line.begin < sample.size();
+         line = lineAt(sample, line.behind)) {
+        const std::string_view text = trimmedText(line.text);
+        const bool isMarked = std::any_of(
+            layout.commentMarks.begin(), layout.commentMarks.end(), [&](const std::string& mark) {
+                return !mark.empty() && text.substr(0, mark.size()) == mark;
+            });
+        if (isMarked && !CellValue::beginsWithError(text)) {
+            likeRows += rows > 0 && shapeOf(text) == shape ? 1 : 0;
+        } else if (!text.empty()) {
+            ++rows;
+            shape = shapeOf(text);
+        }
     }
-    const std::size_t above = splitter.commentLines();
-    std::size_t records = 1;
-    while (splitter.next()) {
-        ++records;
-    }
-    return splitter.commentLines() - above <= records;
+    return likeRows <= rows;
 }
 
 /** What separates thousands in all numbers that can only be read so; NUL where they differ. */
@@ -576,8 +624,10 @@ char thousandsSeparator(const std::vector<Record>& records, const TableParts& pa
     for (const Record& record : records) {
         for (std::size_t i = 0; i < record.cells.size(); ++i) {
             CellValue::DecimalMark mark = CellValue::NoMark;
-            const char own =
-                parts.isNumeric(i) ? CellValue::thousandsSeparator(record.cells[i], mark) : '\0';
+            const auto [number, unit] = numberAndUnit(record.cells[i]);
+            const char own = parts.isNumeric(i) || !unit.empty()
+                                 ? CellValue::thousandsSeparator(number, mark)
+                                 : '\0';
             if (own == '\0') {
                 continue;
             }
@@ -595,6 +645,36 @@ char thousandsSeparator(const std::vector<Record>& records, const TableParts& pa
     return found;
 }
 
+/** What the commas of quoted cells are, where commas separate the cells: between thousands if all
+ *  can be that, else decimal marks if no number has a point. */
+void takeQuotedCommas(const std::vector<Record>& records, const TableParts& parts,
+                      const ReadingChoices& choices, CaseFileLayout& layout)
+{
+    bool hasPoint = false;
+    bool hasComma = false;
+    bool areThousands = choices.decimalMark != CellValue::Comma;
+    for (const Record& record : records) {
+        for (std::size_t i = 0; i < record.cells.size(); ++i) {
+            const std::string& cell = record.cells[i];
+            const CellValue value = CellValue::read(cell, true);
+            if (!parts.isNumeric(i) || value.kind != CellValue::Number) {
+                continue;
+            }
+            hasPoint = hasPoint || value.mark == CellValue::Point;
+            if (value.mark == CellValue::Comma) {
+                hasComma = true;
+                areThousands = areThousands && cell[cell.find_first_not_of("+-")] != '0' &&
+                               CellValue::read(cell, false, ',').kind == CellValue::Number;
+            }
+        }
+    }
+    if (hasComma && areThousands) {
+        layout.thousandsSeparator = ',';
+    } else if (hasComma && !hasPoint) {
+        layout.hasDecimalComma = true;
+    }
+}
+
 void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& choices,
                CaseFileLayout& layout)
 {
@@ -608,6 +688,11 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     layout.thousandsSeparator = choices.thousandsSeparator
                                     ? *choices.thousandsSeparator
                                     : thousandsSeparator(records, parts, choices, layout.separator);
+
+    if (layout.separator == ',' && layout.thousandsSeparator == '\0' &&
+        !choices.thousandsSeparator && choices.decimalMark != CellValue::Point) {
+        takeQuotedCommas(records, parts, choices, layout);
+    }
 
     std::optional<std::size_t> heading = parts.heading();
     if (choices.skippedLines) {
@@ -643,10 +728,13 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
                       [](const Record& record) { return TableParts::cellsOf(record) > 0; }));
     layout.hasRowNames = layout.hasHeading && parts.hasRowNames(first);
     const std::size_t below = first + 1;
-    const bool hasUnits = layout.hasHeading && below < records.size() &&
-                          choices.unitsRow.value_or(parts.readsAsUnits(below));
-    if (hasUnits) {
-        layout.hasUnitsRow = true;
+    if (!layout.hasHeading || below >= records.size()) {
+        return;
+    }
+    const bool isUnits = parts.readsAsUnits(below);
+    layout.hasUnitsRow =
+        choices.unitsRow.value_or(isUnits || (heading && parts.readsAsSecondHeading(below)));
+    if (layout.hasUnitsRow && (isUnits || choices.unitsRow)) {
         layout.units = unitsOf(records[below]);
     }
 }

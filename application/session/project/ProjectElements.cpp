@@ -47,8 +47,8 @@ constexpr std::array<Word<TextEncoding>, 4> encodings = {
      {"utf-16", TextEncoding::Utf16Little},
      {"utf-16-be", TextEncoding::Utf16Big}}};
 
-constexpr std::array<Word<char>, 4> thousandsSeparators = {
-    {{"comma", ','}, {"point", '.'}, {"blank", ' '}, {"apostrophe", '\''}}};
+constexpr std::array<Word<char>, 5> thousandsSeparators = {
+    {{"comma", ','}, {"point", '.'}, {"blank", ' '}, {"apostrophe", '\''}, {"underscore", '_'}}};
 
 constexpr std::array<Word<bool>, 2> decimalMarks = {{{"point", false}, {"comma", true}}};
 

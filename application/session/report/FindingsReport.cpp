@@ -7,6 +7,7 @@
 #include "session/text/CountedText.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_datapipeline/isInvalidValue.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TermFormula.h>
 
@@ -82,37 +83,74 @@ std::string causeText(const Workspace& workspace, const std::string& name, std::
            (found->second.count < missing ? ", others are empty" : "");
 }
 
-void addMissingCells(const Workspace& workspace, const std::vector<VarPtr>& variables,
-                     const std::vector<std::size_t>& missing, bool areOutputs,
-                     std::vector<Finding>& findings)
+/** Columns that lack a number in the same included cases. */
+struct MissingCells
+{
+    std::vector<std::string> names;
+    std::vector<std::size_t> cases;
+    bool areOutputs = false;
+};
+
+std::vector<MissingCells> missingCells(const Workspace& workspace)
+{
+    std::vector<bool> isIncluded(workspace.counts().read, true);
+    for (const std::size_t position : workspace.project().excludedRows()) {
+        isIncluded[position] = false;
+    }
+    std::vector<MissingCells> groups;
+    for (const auto* const variables : {&workspace.outputs(), &workspace.inputs()}) {
+        for (const VarPtr& variable : *variables) {
+            const std::vector<double>& values = workspace.project().numericValues(variable);
+            std::vector<std::size_t> cases;
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                if (isIncluded[i] && isInvalidValue(values[i])) {
+                    cases.push_back(i);
+                }
+            }
+            const auto same = std::find_if(groups.begin(), groups.end(),
+                                           [&](const auto& group) { return group.cases == cases; });
+            if (!cases.empty() && same != groups.end()) {
+                same->names.push_back(variable.lock()->name());
+            } else if (!cases.empty()) {
+                groups.push_back({{variable.lock()->name()},
+                                  std::move(cases),
+                                  variables == &workspace.outputs()});
+            }
+        }
+    }
+    return groups;
+}
+
+void addMissingCells(const Workspace& workspace, std::vector<Finding>& findings)
 {
     constexpr std::size_t fewParts = 20; // of the cases: fewer missing are hardly a loss
     const CaseCounts& counts = workspace.counts();
     const std::size_t included = counts.read - counts.excluded;
-    const std::vector<std::string> names = namesOf(variables);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (missing[i] == 0) {
-            continue;
-        }
-        const bool isOne = missing[i] == 1;
-        const std::string name = FindingWords::names({names[i]});
+    for (const MissingCells& group : missingCells(workspace)) {
+        const std::size_t missing = group.cases.size();
+        const bool isOne = missing == 1;
+        const bool isColumn = group.names.size() == 1;
+        const std::string name = FindingWords::names(group.names);
         std::string remedy = "complete " + std::string(isOne ? "it" : "them");
-        if (!areOutputs && variables.size() > 1) {
+        if (!isColumn) {
+            remedy += isOne ? ", or delete the line if it is no case"
+                            : ", or delete the lines if they are no cases";
+        } else if (!group.areOutputs && workspace.inputs().size() > 1) {
             remedy += " or leave " + name + " out of -x";
-        } else if (areOutputs && variables.size() > 1) {
+        } else if (group.areOutputs && workspace.outputs().size() > 1) {
             remedy += " or model the outputs one by one, so that they do not lose the cases of "
                       "each other";
         }
-        findings.push_back({"missingCells",
-                            2 * missing[i] > included          ? Finding::Severe
-                            : fewParts * missing[i] > included ? Finding::Warning
-                                                               : Finding::Note,
-                            {names[i]},
-                            name + " lacks a number in " + std::to_string(missing[i]) + " of " +
-                                std::to_string(included) + " cases" +
-                                causeText(workspace, names[i], missing[i]) + ": " +
-                                (isOne ? "this case is" : "these cases are") + " left out; " +
-                                remedy + "."});
+        findings.push_back(
+            {"missingCells",
+             2 * missing > included          ? Finding::Severe
+             : fewParts * missing > included ? Finding::Warning
+                                             : Finding::Note,
+             group.names,
+             name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
+                 std::to_string(missing) + " of " + std::to_string(included) + " cases" +
+                 causeText(workspace, group.names.front(), missing) + ": " +
+                 (isOne ? "this case is" : "these cases are") + " left out; " + remedy + "."});
     }
 }
 
@@ -300,10 +338,8 @@ SessionFindings SessionFindings::ofCases(const Workspace& workspace)
     SessionFindings result;
     const DiagnosedCases cases = diagnosedCases(workspace);
     result.validCases = cases.count();
-    const CaseCounts& counts = workspace.counts();
     addMissingRoles(workspace, result.findings);
-    addMissingCells(workspace, workspace.outputs(), counts.invalidByOutput, true, result.findings);
-    addMissingCells(workspace, workspace.inputs(), counts.invalidByInput, false, result.findings);
+    addMissingCells(workspace, result.findings);
     const Diagnosis diagnosis = Diagnosis::of(cases);
     result.comparedCases = diagnosis.comparedCases;
     result.findings.insert(result.findings.end(), diagnosis.findings.begin(),

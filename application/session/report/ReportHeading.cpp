@@ -1,12 +1,15 @@
 #include "session/report/ReportHeading.h"
 
 #include "session/cases/VariableNames.h"
+#include "session/diagnosis/FindingWords.h"
 #include "session/model/PolynomialWords.h"
 #include "session/model/Workspace.h"
 #include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>
+
+#include <map>
 
 namespace {
 std::vector<std::string> roleNotes(const Workspace& workspace)
@@ -79,15 +82,23 @@ ReportHeading::invalidCases(const Workspace& workspace)
 std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
 {
     std::vector<std::string> notes = roleNotes(workspace);
+    std::map<std::size_t, std::vector<std::string>> alone; // by line
     for (const std::vector<VarPtr>& variables : {workspace.inputs(), workspace.outputs()}) {
         for (const std::string& name : namesOf(variables)) {
             const auto found = workspace.cellsWithoutNumber().find(name);
-            if (found != workspace.cellsWithoutNumber().end()) {
-                notes.push_back(name + ": " + found->second.text() +
-                                (found->second.count == 1 ? ": this case is left out."
-                                                          : ": these cases are left out."));
+            if (found != workspace.cellsWithoutNumber().end() && found->second.count == 1) {
+                alone[found->second.firstLine].push_back(name);
+            } else if (found != workspace.cellsWithoutNumber().end()) {
+                notes.push_back(name + ": " + found->second.text() + ": these cases are left out.");
             }
         }
+    }
+    for (const auto& [line, names] : alone) {
+        const std::string text =
+            names.size() == 1
+                ? workspace.cellsWithoutNumber().at(names.front()).text()
+                : "1 cell of each is no number (in line " + std::to_string(line) + ')';
+        notes.push_back(FindingWords::names(names) + ": " + text + ": this case is left out.");
     }
     return notes;
 }
@@ -106,7 +117,10 @@ ReportJson::Json ReportHeading::layoutJson(const CaseFileLayout& layout)
         {"titleLines", layout.titleLines},
         {"commentLines", layout.commentLines},
         {"unitsRow", layout.hasUnitsRow},
-        {"rowNames", layout.hasRowNames}};
+        {"rowNames", layout.hasRowNames},
+        {"unitsInCells", layout.unitsInCells},
+        {"repeatedHeadings", layout.repeatedHeadings},
+        {"linesBelow", layout.linesBelow}};
 }
 
 ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)

@@ -170,6 +170,20 @@ std::string asciiNumber(std::string_view text)
     return number;
 }
 
+/** Fortran has no room for the letter of exponents of three digits: "1.25+103". */
+std::string withExponent(std::string number)
+{
+    constexpr std::size_t tail = 4; // the sign and its digits
+    const std::size_t sign = number.size() - std::min(tail, number.size());
+    const auto isDigitAt = [&](std::size_t i) { return isDigit(number[i]); };
+    if (sign > 1 && (number[sign] == '+' || number[sign] == '-') && isDigitAt(sign + 1) &&
+        isDigitAt(sign + 2) && isDigitAt(sign + 3) && number.find('.') < sign &&
+        number.find_first_not_of("0123456789.", isDigitAt(0) ? 0 : 1) == sign) {
+        number.insert(sign, 1, 'e');
+    }
+    return number;
+}
+
 /** Reads "1,5" as 1.5; a second mark makes it a text: 1.234,5 and 1,234,567 are no numbers. */
 bool readDecimalComma(std::string_view text, std::size_t comma, double& number)
 {
@@ -200,7 +214,8 @@ bool readUnusual(std::string_view text, bool decimalComma, char thousands, CellV
     if (!joined.empty() && isSimple(joined)) {
         return true;
     }
-    const std::string ascii = mayNeedAscii(text) ? asciiNumber(text) : std::string(text);
+    const std::string ascii =
+        withExponent(mayNeedAscii(text) ? asciiNumber(text) : std::string(text));
     return ascii != text && isSimple(ascii);
 }
 } // namespace
@@ -209,7 +224,7 @@ char CellValue::thousandsSeparator(std::string_view text, DecimalMark& decimalMa
 {
     text = trimmedText(text);
     decimalMark = NoMark;
-    for (const char separator : {',', '.', ' ', '\''}) {
+    for (const char separator : {',', '.', ' ', '\'', '_'}) {
         std::size_t groups = 0;
         const std::string joined = withoutSeparators(text, separator, groups);
         if (joined.empty()) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 namespace {
@@ -88,6 +89,42 @@ bool isUnitText(std::string_view text)
         position = end;
     }
     return hasUnit;
+}
+
+std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view text)
+{
+    constexpr std::size_t longest = 50;
+    constexpr std::array<std::string_view, 4> currencies = {"$", u8"€", u8"£", u8"¥"};
+    text = trimmedText(text);
+    for (const std::string_view currency : currencies) {
+        if (text.substr(0, currency.size()) == currency) {
+            return {trimmedText(text.substr(currency.size())), currency};
+        }
+    }
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < std::min(text.size(), longest); ++i) {
+        end = text[i] >= '0' && text[i] <= '9' ? i + 1 : end;
+        const bool isLetter = std::isalpha(static_cast<unsigned char>(text[i])) != 0;
+        const bool isExponent = isLetter && i > 0 && end == i && i + 1 < text.size() &&
+                                std::string_view("eEdD").find(text[i]) < 4 &&
+                                std::string_view("+-0123456789").find(text[i + 1]) < 12;
+        if (isLetter && !isExponent) {
+            break;
+        }
+    }
+    // A digit that belongs to the unit follows a letter: m/s2, which ends the loop.
+    std::string_view unit = text.substr(end);
+    unit.remove_prefix(!unit.empty() && unit.front() == '.' ? 1 : 0);
+    for (const std::string_view blank : {u8"\u00A0", u8"\u202F"}) {
+        unit.remove_prefix(unit.substr(0, blank.size()) == blank ? blank.size() : 0);
+    }
+    const std::string_view name = trimmedText(unit);
+    const bool isLetterOfCode = name.size() == 1 && name.size() == unit.size() &&
+                                std::isalpha(static_cast<unsigned char>(name.front())) != 0;
+    const bool isUnit = isUnitText(name) ||
+                        std::find(currencies.begin(), currencies.end(), name) != currencies.end();
+    return end > 0 && isUnit && !isLetterOfCode ? std::make_pair(text.substr(0, end), name)
+                                                : std::make_pair(text, std::string_view());
 }
 
 std::string unitWithoutBrackets(std::string_view text)

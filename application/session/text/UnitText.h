@@ -4,12 +4,19 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 /**
  * Whether a text reads as a unit: anything in brackets, a percent or degree sign, or units of
  * measurement with their prefixes, powers, products and quotients (MPa, 1/min, kg/m^3, W/(m K)).
  */
 SURROGATE_SESSION_EXPORT bool isUnitText(std::string_view text);
+
+/** The two parts of a number with its unit: "12 mm", "5%", "$3". The number may be any text that
+ *  has no letters; the unit is empty for texts that have none behind or a currency before it. A
+ *  letter right behind the number, "3A", is no unit. */
+SURROGATE_SESSION_EXPORT std::pair<std::string_view, std::string_view>
+numberAndUnit(std::string_view text);
 
 /** A unit without the brackets around it. */
 SURROGATE_SESSION_EXPORT std::string unitWithoutBrackets(std::string_view text);

@@ -11,6 +11,9 @@ TEST(CaseFileLayout, IsDescribedAsFarAsItIsNotPlain)
     layout.hasDecimalComma = true;
     layout.commentLines = 2;
     layout.hasUnitsRow = true;
+    EXPECT_EQ(layout.text(),
+              "semicolons, decimal commas; 2 comment lines and a second heading skipped");
+    layout.units = {"mm"};
     EXPECT_EQ(layout.text(), "semicolons, decimal commas; 2 comment lines and a units row skipped");
 }
 
@@ -34,6 +37,18 @@ TEST(CaseFileLayout, DescribesEveryPart)
     EXPECT_EQ(layout.text(),
               "vertical bars, the heading from a comment line, a first column of row "
               "names without a heading, the units from a comment line");
+}
+
+TEST(CaseFileLayout, NamesWhatIsSkippedAndWhatIsOddInTheTable)
+{
+    CaseFileLayout layout;
+    layout.numericNames = {"150", "4"};
+    layout.unitsInCells = {"a (mm)", "b (%)", "c (s)", "d (s)", "e (s)", "f (s)"};
+    layout.repeatedHeadings = 1;
+    layout.linesBelow = 2;
+    EXPECT_EQ(layout.text(), "names that are numbers (150 and 4), units in the cells of a (mm), b "
+                             "(%), c (s), d (s), e (s) and 1 more; 1 repeated heading and 2 lines "
+                             "below the table skipped");
 }
 
 TEST(CaseFileLayout, HasWordsForItsParts)

@@ -5,6 +5,7 @@
 
 #include <session/model/CaseSession.h>
 #include <session/report/FitReport.h>
+#include <session/report/ReportHeading.h>
 
 #include <gtest/gtest.h>
 
@@ -61,6 +62,24 @@ TEST(FindingsReport, MissingCellsAreNamedByColumnAndCause)
         "  Warning: b lacks a number in 1 of 9 cases (empty, marked as missing or infinite): this "
         "case "
         "is left out; complete it or leave b out of -x.\n");
+}
+
+TEST(FindingsReport, CellsThatAreMissingInTheSameCasesAreNamedTogether)
+{
+    CaseTable table = tableOf({{"a", {1, missing, 4, 3, 6, 5, 7, 9, 8}},
+                               {"b", {2, missing, 1, 4, 3, 6, 5, 9, 7}},
+                               {"y", {1, missing, 2, 7, 4, 3, 7, 5, 6}}});
+    for (CaseColumn& column : table.columns) {
+        column.withoutNumber = {1, {column.name}, false, 3};
+    }
+    CaseSession session(table, {{0, 1}, {2}}, {}, Workspace::Kriging);
+
+    EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text,
+              "y, a and b lack numbers in the same 1 of 9 cases, 1 cell is no number (\"y\", in "
+              "line 3): this case is left out; complete it, or delete the line if it is no case.");
+    EXPECT_EQ(ReportHeading::readingNotes(session),
+              std::vector<std::string>{"a, b and y: 1 cell of each is no number (in line 3): this "
+                                       "case is left out."});
 }
 
 TEST(FindingsReport, SevereOnesAreNotedOncePerKind)

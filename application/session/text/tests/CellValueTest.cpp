@@ -73,6 +73,8 @@ TEST(CellValue, NumbersOfOtherProgramsAreRead)
     EXPECT_EQ(numberOf(u8"\u22125"), -5.0);
     EXPECT_EQ(numberOf(u8"\u22121,5e\u22123", true), -1.5e-3);
     EXPECT_EQ(numberOf("1.5D+02"), 150.0);
+    EXPECT_EQ(numberOf("-1.5+102"), -1.5e102);
+    EXPECT_EQ(numberOf("1.5-003"), 1.5e-3);
     EXPECT_EQ(numberOf("2d-1"), 0.2);
     EXPECT_EQ(numberOf(u8"\u00A05\u00A0"), 5.0);
     EXPECT_EQ(numberOf(u8"\uFEFF5"), 5.0);

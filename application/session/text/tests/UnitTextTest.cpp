@@ -18,6 +18,27 @@ TEST(UnitText, OtherTextsAreNone)
     }
 }
 
+TEST(UnitText, IsSplitFromANumber)
+{
+    using Parts = std::pair<std::string_view, std::string_view>;
+    const std::pair<const char*, Parts> examples[] = {{"12 mm", {"12", "mm"}},
+                                                      {"5%", {"5", "%"}},
+                                                      {"-1.5e-3 kg/m^3", {"-1.5e-3", "kg/m^3"}},
+                                                      {"1,5 \u00B0C", {"1,5", "\u00B0C"}},
+                                                      {"9.81m/s2", {"9.81", "m/s2"}},
+                                                      {"$ 1,200.50", {"1,200.50", "$"}},
+                                                      {"3 \u20AC", {"3", "\u20AC"}},
+                                                      {"7\u00A0mm", {"7", "mm"}},
+                                                      {"12 [N]", {"12", "[N]"}}};
+    for (const auto& [text, parts] : examples) {
+        EXPECT_EQ(numberAndUnit(text), parts) << text;
+    }
+    for (const char* text :
+         {"", "mm", "3A", "12 runs", "2026-11-03", "north", "1.5", "p12", "12-Jan"}) {
+        EXPECT_EQ(numberAndUnit(text), Parts(text, "")) << text;
+    }
+}
+
 TEST(UnitText, LosesItsBrackets)
 {
     EXPECT_EQ(unitWithoutBrackets("[MPa]"), "MPa");
