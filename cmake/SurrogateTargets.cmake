@@ -1,6 +1,11 @@
 # What every target of this project has in common.
 include(GenerateExportHeader)
 include(GNUInstallDirs)
+# Below /usr the loader finds public libraries itself.
+set(SURROGATE_LIBRARY_RUN_PATH "$ORIGIN")
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(SURROGATE_LIBRARY_RUN_PATH "")
+endif()
 set(SURROGATE_INSTALL_HEADERDIR "${CMAKE_INSTALL_INCLUDEDIR}/surrogatemodel")
 
 # For our own code only: an INTERFACE target, so that a project that adds this one as a folder
@@ -54,7 +59,7 @@ function(surrogate_add_library target alias include_root)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         EXPORT_NAME "${name_in_namespace}"
-        INSTALL_RPATH "$ORIGIN"
+        INSTALL_RPATH "${SURROGATE_LIBRARY_RUN_PATH}"
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
 endfunction()
@@ -94,8 +99,11 @@ function(surrogate_install_program target)
     set(private "${CMAKE_INSTALL_FULL_LIBDIR}/surrogatemodel")
     cmake_path(RELATIVE_PATH private BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
         OUTPUT_VARIABLE way)
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${way};$ORIGIN/${way}/..")
-    set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+    set(public "${SURROGATE_LIBRARY_RUN_PATH}")
+    set_target_properties(${target} PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${way};$<$<BOOL:${public}>:$ORIGIN/${way}/..>")
+    set_target_properties(${ARGN} PROPERTIES
+        INSTALL_RPATH "$ORIGIN;$<$<BOOL:${public}>:$ORIGIN/..>")
     install(TARGETS ${target} ${ARGN}
         RUNTIME COMPONENT programs
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/surrogatemodel" COMPONENT programs NAMELINK_SKIP)

@@ -1,4 +1,5 @@
 """install_test.py BUILD COMPILER: what cmake --install gives works wherever it is moved to."""
+import gzip
 import os
 import re
 import shutil
@@ -58,11 +59,12 @@ class Install(unittest.TestCase):
         self.assertIn("libmirel_fitting.so.0", public)
 
     def test_the_manual_page_and_the_completions_are_installed(self):
-        for place, text in (("man/man1/surrogate.1", "\\-\\-inputs"),
+        for place, text in (("man/man1/surrogate.1.gz", "\\-\\-inputs"),
                             ("bash-completion/completions/surrogate", "--inputs"),
                             ("zsh/site-functions/_surrogate", "--inputs"),
                             ("fish/vendor_completions.d/surrogate.fish", "-l inputs")):
-            with open(os.path.join(PREFIX, "share", place), encoding="utf-8") as page:
+            read = gzip.open if place.endswith(".gz") else open
+            with read(os.path.join(PREFIX, "share", place), "rt", encoding="utf-8") as page:
                 self.assertIn(text, page.read())
 
     def test_nothing_names_the_build_or_the_prefix(self):
