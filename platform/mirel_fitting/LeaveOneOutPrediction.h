@@ -11,4 +11,6 @@ struct LeaveOneOutPrediction
     /** Standard error of an observation by the fit to the other cases: that of output - predicted.
      *  NaN where that fit has no residual degree of freedom. */
     double standardError;
+    /** What the case's block adds to the prediction at its inputs by the fit to all cases. */
+    double blockEffect = 0.0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingOptions.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
@@ -20,8 +21,8 @@ struct MIREL_FITTING_EXPORT ModelSettings
     ResponseSurfaceOptions responseSurface = {}; ///< a formula in the symbols V1, V2, ...
 
     /** @throw SurrogateModelInterface::Error as the constructors of the models, whose arguments
-     *         these are. */
+     *         these are. Kriging does not take the design into account. */
     std::unique_ptr<FittedModel> fit(const std::vector<double*>& independentColumns,
                                      const std::vector<double*>& dependentColumns,
-                                     std::size_t rowCount) const;
+                                     std::size_t rowCount, const CaseDesign& design = {}) const;
 };

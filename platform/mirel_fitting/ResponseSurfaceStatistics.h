@@ -74,6 +74,14 @@ struct CaseLeverage
     double leverage = 0.0;
 };
 
+/** What a block of cases adds to the output. */
+struct BlockEffect
+{
+    std::size_t block = 0; ///< its number in CaseDesign
+    double effect = 0.0;
+    std::string name = {}; ///< what the program that numbers the blocks calls it
+};
+
 /** The test of one term given all others: what leaving it out adds to the residual. */
 struct PartialTest
 {
@@ -92,9 +100,9 @@ struct CaseDiagnostics
 
     std::size_t row = 0; ///< as given to the model, the first is 0
     double output = 0.0;
-    double residual = 0.0; ///< output minus fitted value, in the output's unit
+    double residual = 0.0; ///< output minus fitted value, in the output's unit, not weighted
     double leverage = 0.0;
-    double internallyStudentised = none; ///< residual / (s sqrt(1 - leverage))
+    double internallyStudentised = none; ///< residual / (s sqrt((1 - leverage) / weight))
     /** The same with the s of the fit without the case; Student's t with one degree of freedom less
      *  than the residual has. */
     double externallyStudentised = none;
@@ -140,20 +148,26 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
      *  unit of the output. */
     std::vector<CoefficientStatistics> codedCoefficients;
     /**
-     * "Model", then "Linear", "Interaction" and "Square" as far as the fit has them, "Residual",
-     * then "Lack of fit" and "Pure error" if cases repeat the inputs of others without being copies
-     * of them (repeatsAreCopies), "Total" about the mean. The three kinds of terms are entered in
-     * the order given (sequential, type I): each one's sum of squares is what it takes off the
-     * residual of those before it, and the three sum up to the model's.
+     * "Model", then "Blocks", "Linear", "Interaction" and "Square" as far as the fit has them,
+     * "Residual", then "Lack of fit" and "Pure error" if cases repeat the inputs of others without
+     * being copies of them (repeatsAreCopies), "Total" about the mean. Blocks and the kinds of
+     * terms are entered in the order given (sequential, type I): each one's sum of squares is what
+     * it takes off the residual of those before it, and they sum up to the model's. Sums are
+     * weighted; repeats are those within a block.
      */
     std::vector<AnovaRow> anova;
     /** Cases repeat the inputs of others, and all of these have the same output too: copies of a
      *  row or a computation, which measure no noise, so that the lack of fit cannot be tested. */
     bool repeatsAreCopies = false;
-    /** Of each coded term but the constant, in the order of the equation: sums of squares of type
+    /** Of the blocks together, where there are any, with no factors and the source "Blocks"; then
+     * of each coded term but the constant, in the order of the equation: sums of squares of type
      *  III. Those of linear terms depend on where the inputs are 0: here in the middle of their
      *  ranges. */
     std::vector<PartialTest> partialTests;
+
+    /** One per block, ascending by its number, in the output's unit: they sum to 0. The polynomial
+     * is that of a block of average effect. Empty without blocks. */
+    std::vector<BlockEffect> blockEffects;
 
     double r2 = none;
     double adjustedR2 = none;

@@ -15,10 +15,10 @@ class SurrogateResponseSurfaceModel::Impl
 public:
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount,
-         const PolynomialForm& wanted, Selection selection)
+         const PolynomialForm& wanted, Selection selection, const CaseDesign& design = {})
         : columns(independentColumns, dependentColumns, rowCount),
           ranges(independentColumns, rowCount),
-          fit(independentColumns, fittable(dependentColumns), rowCount, wanted, selection)
+          fit(independentColumns, fittable(dependentColumns), rowCount, wanted, selection, design)
     {}
 
     /** The position among the outputs that are fitted. */
@@ -68,10 +68,12 @@ SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(
     const std::vector<double*>& independentColumns, const std::vector<double*>& dependentColumns,
-    std::size_t rowCount, const ResponseSurfaceOptions& options)
-    : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount,
-                                  PolynomialForm::of(options, independentColumns.size()),
-                                  options.selection))
+    std::size_t rowCount, const ResponseSurfaceOptions& options, const CaseDesign& design,
+    Fallback fallback)
+    : impl(std::make_unique<Impl>(
+          independentColumns, dependentColumns, rowCount,
+          PolynomialForm::of(options, independentColumns.size(), fallback != Fallback::Linear),
+          options.selection, design))
 {}
 
 SurrogateResponseSurfaceModel::SurrogateResponseSurfaceModel(

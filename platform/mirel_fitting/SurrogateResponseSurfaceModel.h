@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
@@ -34,6 +35,15 @@ class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 public:
     using Selection = ResponseSurfaceOptions::Selection;
 
+    /** What is fitted where the cases are too few for a full quadratic polynomial. */
+    enum class Fallback
+    {
+        Linear,
+        /** Linear with interactions where each input has two levels at most, which show no squares,
+         *  the cases can separate all terms and one case more than terms is left; else Linear. */
+        InteractionsOfTwoLevels
+    };
+
     /** Of a polynomial, the constant among them: the triangular factor of so many takes 800 MB, and
      *  three of them are held at a time. */
     static constexpr std::size_t maxTerms = 10000;
@@ -48,9 +58,13 @@ public:
                                   const std::vector<double*>& dependentColumns,
                                   std::size_t rowCount, int highestOrder);
 
+    /** @param design weights of the cases, and blocks, whose average effect predictions have.
+     * @throw Error also for weights that are not positive, or too few. */
     SurrogateResponseSurfaceModel(const std::vector<double*>& independentColumns,
                                   const std::vector<double*>& dependentColumns,
-                                  std::size_t rowCount, const ResponseSurfaceOptions& options);
+                                  std::size_t rowCount, const ResponseSurfaceOptions& options,
+                                  const CaseDesign& design = {},
+                                  Fallback fallback = Fallback::Linear);
 
     /**
      * How many terms such a polynomial has, the constant among them, if the cases suffice.

@@ -7,8 +7,8 @@
 #include <vector>
 
 /**
- * The terms of a polynomial as a user writes them: "A + B + A:B + A^2", terms of first and second
- * order joined by plus signs. A product is written with a colon or an asterisk. Blanks do not
+ * The terms of a polynomial as a user writes them: "A + B + A * B + A^2", terms of first and second
+ * order joined by plus signs. A product is written with an asterisk or a colon. Blanks do not
  * count; a name that holds one of + : * ^ stands in single or double quotes; the term 1, the
  * constant, may be there or not. The order of the terms and repeated ones make no difference.
  *

@@ -121,9 +121,9 @@ public:
 
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount, Maker maker,
-         Choice choice, Method method)
+         Choice choice, Method method, const CaseDesign& design)
         : columns(independentColumns, dependentColumns, rowCount), maker(std::move(maker)),
-          choice(choice), method(method)
+          choice(choice), method(method), design(design)
     {
         std::vector<double*> innerOutputs = dependentColumns;
         Columns added;
@@ -142,7 +142,7 @@ public:
         for (double* const column : pointersTo(added)) {
             innerOutputs.push_back(column);
         }
-        inner = this->maker(independentColumns, innerOutputs, rowCount);
+        inner = this->maker(independentColumns, innerOutputs, rowCount, design);
         for (const double* const input : independentColumns) {
             if (!outputs.empty()) {
                 inputs.emplace_back(input, input + rowCount);
@@ -260,7 +260,7 @@ private:
         const std::vector<double>& output = outputs.at(offset);
         return BoxCoxProfile::of(output, [&](Columns candidates) {
             const std::unique_ptr<FittedModel> model =
-                maker(pointersTo(inputs), pointersTo(candidates), output.size());
+                maker(pointersTo(inputs), pointersTo(candidates), output.size(), design);
             std::vector<double> likelihoods;
             for (std::size_t k = 0; k < candidates.size(); ++k) {
                 const int candidate = static_cast<int>(k);
@@ -273,15 +273,19 @@ private:
 
     void choose(int offset, Fit& result)
     {
-        Columns compared = comparedCases(offset);
-        const std::size_t rows = compared.back().size();
-        std::vector<double> output = std::move(compared.back());
-        compared.pop_back();
+        const std::vector<std::size_t> comparedRows = rowsToCompare();
+        const std::size_t rows = comparedRows.size();
+        Columns compared;
+        for (const std::vector<double>& input : inputs) {
+            compared.push_back(picked(input, comparedRows));
+        }
+        const std::vector<double> output = picked(outputs.at(offset), comparedRows);
         Columns candidates = {output};
         for (const OutputTransform transform : transforms) {
             candidates.push_back(withUnitJacobian(transform, output));
         }
-        const auto model = maker(pointersTo(compared), pointersTo(candidates), rows);
+        const auto model =
+            maker(pointersTo(compared), pointersTo(candidates), rows, design.of(comparedRows));
         for (std::size_t k = 0; k < candidates.size(); ++k) {
             const auto count = static_cast<double>(candidates.size());
             const FitProgress::Portion portion(static_cast<double>(k) / count,
@@ -300,9 +304,18 @@ private:
         }
     }
 
-    /** All rows at some of the distinct points, chosen whatever the order of the rows: the inputs,
-     *  and the output as the last column. */
-    Columns comparedCases(int offset)
+    static std::vector<double> picked(const std::vector<double>& column,
+                                      const std::vector<std::size_t>& rows)
+    {
+        std::vector<double> values;
+        for (const std::size_t row : rows) {
+            values.push_back(column[row]);
+        }
+        return values;
+    }
+
+    /** All rows at some of the distinct points, chosen whatever the order of the rows. */
+    std::vector<std::size_t> rowsToCompare()
     {
         const KrigingCases cases(pointersTo(inputs), columns.cases());
         std::vector<std::size_t> rows;
@@ -310,14 +323,7 @@ private:
             const std::vector<std::size_t> atPoint = cases.rowsAt(point);
             rows.insert(rows.end(), atPoint.begin(), atPoint.end());
         }
-        Columns compared(inputs.size() + 1);
-        for (std::size_t k = 0; k < compared.size(); ++k) {
-            const std::vector<double>& column = k < inputs.size() ? inputs[k] : outputs.at(offset);
-            for (const std::size_t row : rows) {
-                compared[k].push_back(column[row]);
-            }
-        }
-        return compared;
+        return rows;
     }
 
     /** The figures that the model has, in the output's units, at the cases that it measures. */
@@ -326,25 +332,31 @@ private:
         const std::vector<LeaveOneOutPrediction> leftOut = leaveOneOutPredictions(offset, fit);
         const std::vector<double> predictions = predictionsAt(leftOut, fit);
         const std::vector<double>& output = outputs.at(offset);
+        const auto weight = [&](const LeaveOneOutPrediction& one) {
+            return design.weights.empty() ? 1.0 : design.weights[one.row];
+        };
+        double measured = 0.0; // the sum of the weights
         double mean = 0.0;
         for (const LeaveOneOutPrediction& one : leftOut) {
-            mean += one.output / static_cast<double>(leftOut.size());
+            measured += weight(one);
+            mean += weight(one) * one.output;
         }
+        mean /= measured;
         double squares = 0.0;
         double total = 0.0;
         double press = 0.0;
         for (std::size_t i = 0; i < leftOut.size(); ++i) {
             const double y = output[leftOut[i].row];
-            squares += (y - predictions[i]) * (y - predictions[i]);
-            total += (y - mean) * (y - mean);
-            press += (y - leftOut[i].predicted) * (y - leftOut[i].predicted);
+            const double w = weight(leftOut[i]);
+            squares += w * (y - predictions[i]) * (y - predictions[i]);
+            total += w * (y - mean) * (y - mean);
+            press += w * (y - leftOut[i].predicted) * (y - leftOut[i].predicted);
         }
 
         FitMetrics& metrics = fit.metrics;
         const auto set = [](double& figure, double value) {
             figure = std::isnan(figure) ? none : value;
         };
-        const auto measured = static_cast<double>(leftOut.size());
         const auto cases = static_cast<double>(metrics.cases);
         const double residualDegrees = cases - static_cast<double>(metrics.terms);
         const bool isPolynomial = !std::isnan(metrics.adjustedR2);
@@ -371,13 +383,17 @@ private:
         std::vector<double*> results = {predictions.data()};
         inner->interpolateDependentValues(pointersTo(points), {fit.innerOffset}, results,
                                           cases.size());
-        OutputTransforms::invert(fit.transform, predictions.data(), predictions.size());
+        for (std::size_t i = 0; i < cases.size(); ++i) {
+            predictions[i] =
+                OutputTransforms::invert(fit.transform, predictions[i] + cases[i].blockEffect);
+        }
         return predictions;
     }
 
     Maker maker;
     Choice choice;
     Method method;
+    CaseDesign design;
     std::map<std::pair<int, OutputTransform>, int> innerOffsets;
     // Of outputs that are, or may yet be, transformed, and the inputs if there is such an output.
     Columns inputs;
@@ -387,9 +403,9 @@ private:
 TransformedOutput::TransformedOutput(const std::vector<double*>& independentColumns,
                                      const std::vector<double*>& dependentColumns,
                                      std::size_t rowCount, Maker maker, Choice choice,
-                                     Method method)
+                                     Method method, const CaseDesign& design)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, std::move(maker),
-                                  choice, method))
+                                  choice, method, design))
 {}
 
 TransformedOutput::~TransformedOutput() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/BoxCoxProfile.h>
+#include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/OutputTransform.h>
 
@@ -25,10 +26,12 @@ class MIREL_FITTING_EXPORT TransformedOutput : public FittedModel
 {
 public:
     /** Makes the model that is fitted: of these columns, borrowed for the call, and as many rows.
-     *  Its outputs should be fitted when they are first used, since some never are. */
-    using Maker = std::function<std::unique_ptr<FittedModel>(
-        const std::vector<double*>& independentColumns,
-        const std::vector<double*>& dependentColumns, std::size_t rowCount)>;
+     *  Its outputs should be fitted when they are first used, since some never are. The design is
+     * of these rows. */
+    using Maker =
+        std::function<std::unique_ptr<FittedModel>(const std::vector<double*>& independentColumns,
+                                                   const std::vector<double*>& dependentColumns,
+                                                   std::size_t rowCount, const CaseDesign& design)>;
 
     /**
      * Every output is transformed alike if it can be; none: each as its likelihood says, when it is
@@ -50,8 +53,8 @@ public:
     /** @throw Error as the model that `maker` makes. */
     TransformedOutput(const std::vector<double*>& independentColumns,
                       const std::vector<double*>& dependentColumns, std::size_t rowCount,
-                      Maker maker, Choice choice = std::nullopt,
-                      Method method = Method::Comparison);
+                      Maker maker, Choice choice = std::nullopt, Method method = Method::Comparison,
+                      const CaseDesign& design = {});
     ~TransformedOutput() override;
 
     OutputTransform transform(int offset) const;

@@ -1,7 +1,10 @@
 #include <mirel_fitting/cases/ReplicatedCases.h>
 
+#include <mirel_fitting/cases/ColumnScale.h>
+
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -10,6 +13,21 @@ namespace {
 
 /** Rows whose hashes are computed together, column by column. */
 constexpr std::size_t rowsPerBlock = 512;
+
+/** The numbers of cells of a billionth of the range that the values lie in. */
+std::vector<double> cellsOf(const double* values, std::size_t count)
+{
+    constexpr double cells = 1e9;
+    // Levels lie at simple fractions of the range: a cell begins at none of them.
+    constexpr double offset = 0.381966;
+    const ColumnScale scale(values, count);
+    std::vector<double> result(count, 0.0);
+    for (std::size_t k = 0; k < count && scale.halfRange() > 0.0; ++k) {
+        const double fromCentre = (values[k] - scale.centre()) / (2.0 * scale.halfRange());
+        result[k] = std::floor(fromCentre * cells + offset);
+    }
+    return result;
+}
 
 /** hashes[k] += a number that depends on all bits of the value. */
 void addColumn(const double* values, std::size_t count, std::uint64_t multiplier,
@@ -35,7 +53,7 @@ std::uint64_t mixed(std::uint64_t hash)
 
 } // namespace
 
-ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std::size_t cases)
+ReplicatedCases::ReplicatedCases(const std::vector<const double*>& values, std::size_t cases)
 {
     constexpr std::uint32_t emptySlot = std::numeric_limits<std::uint32_t>::max();
     assert(cases < emptySlot);
@@ -46,6 +64,10 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
         std::uint32_t tag;
     };
 
+    std::vector<std::vector<double>> columns;
+    for (const double* const column : values) {
+        columns.push_back(cellsOf(column, cases));
+    }
     std::size_t slots = 16;
     while (slots < 2 * cases) {
         slots *= 2;
@@ -53,8 +75,9 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
     std::vector<Slot> table(slots, Slot{emptySlot, 0}); // open addressing
     std::vector<std::uint32_t> pointsFound(cases);
     const auto isSame = [&](std::size_t a, std::size_t b) {
-        return std::all_of(columns.begin(), columns.end(),
-                           [&](const double* column) { return column[a] == column[b]; });
+        return std::all_of(columns.begin(), columns.end(), [&](const std::vector<double>& column) {
+            return column[a] == column[b];
+        });
     };
     std::uint64_t hashes[rowsPerBlock];
     for (std::size_t start = 0; start < cases; start += rowsPerBlock) {
@@ -62,8 +85,8 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
         std::fill_n(hashes, rows, 0);
         // A different odd multiplier for each column.
         std::uint64_t multiplier = 0x9e3779b97f4a7c15ULL;
-        for (const double* column : columns) {
-            addColumn(column + start, rows, multiplier | 1, hashes);
+        for (const std::vector<double>& column : columns) {
+            addColumn(column.data() + start, rows, multiplier | 1, hashes);
             multiplier = mixed(multiplier + 0x9e3779b97f4a7c15ULL);
         }
         for (std::size_t k = 0; k < rows; ++k) {
@@ -90,8 +113,10 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& columns, std:
     }
 }
 
-double ReplicatedCases::withinSquares(const double* values) const
+double ReplicatedCases::withinSquares(const double* values,
+                                      const std::vector<double>& weights) const
 {
+    const auto weight = [&](std::size_t row) { return weights.empty() ? 1.0 : weights[row]; };
     std::vector<double> first(points);
     std::vector<double> means(points, 0.0);
     std::vector<double> counts(points, 0.0);
@@ -101,14 +126,14 @@ double ReplicatedCases::withinSquares(const double* values) const
             first[point] = values[row];
         }
         // Relative to the point's first value, so that a large mean costs no digits.
-        counts[point] += 1.0;
-        means[point] += values[row] - first[point];
+        counts[point] += weight(row);
+        means[point] += weight(row) * (values[row] - first[point]);
     }
     double squares = 0.0;
     for (std::size_t row = 0; row < pointOfCase.size(); ++row) {
         const std::size_t point = pointOfCase[row];
         const double deviation = values[row] - first[point] - means[point] / counts[point];
-        squares += deviation * deviation;
+        squares += weight(row) * deviation * deviation;
     }
     return squares;
 }

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-/** Replicates, cases with exactly the same inputs: their outputs differ by pure error, which no
- * model of these inputs explains. */
+/** Replicates, cases with the same inputs up to a billionth of each input's range, as 0.3 and
+ * 0.1 + 0.2: their outputs differ by pure error, which no model of these inputs explains. */
 class ReplicatedCases
 {
 public:
@@ -13,8 +13,8 @@ public:
     ReplicatedCases() = default;
 
     /**
-     * O(cases) time, 36 bytes per case at most during construction, and 4 later if there are
-     * replicates.
+     * O(cases) time, 8 bytes per value and 36 per case at most during construction, and 4 later if
+     * there are replicates.
      * @param columns one array of `cases` finite values per input, borrowed for the call. Without
      *                inputs, all cases are replicates of each other.
      * @param cases   less than 2^32.
@@ -30,9 +30,12 @@ public:
     /** Cases with the same number are replicates; numbers are less than the number of cases. */
     std::size_t pointOf(std::size_t row) const { return any() ? pointOfCase[row] : row; }
 
-    /** The sum of squares of an output about its means at the points; 0 without replicates.
-     *  @param values one finite value per case, borrowed for the call. */
-    double withinSquares(const double* values) const;
+    /**
+     * The weighted sum of squares of an output about its means at the points; 0 without replicates.
+     * @param values  one finite value per case, borrowed for the call.
+     * @param weights one per case; empty: all 1.
+     */
+    double withinSquares(const double* values, const std::vector<double>& weights = {}) const;
 
 private:
     std::vector<std::uint32_t> pointOfCase;

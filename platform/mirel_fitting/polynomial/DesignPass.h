@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/cases/ColumnScale.h>
+#include <mirel_fitting/cases/WeightedBlocks.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
 #include <mirel_fitting/numerics/BlockedLeastSquares.h>
@@ -20,12 +21,16 @@ struct FitColumns
     std::size_t cases;
     const std::vector<ColumnScale>& inputScales;
     const std::vector<ColumnScale>& outputScales;
+    const WeightedBlocks& rows;
 };
 
 /**
  * One thread's part of a pass over the cases: evaluates terms of the scaled inputs at one block of
  * rows after the other, so that the design matrix is never held as a whole. Derived classes process
  * the blocks.
+ *
+ * Both are multiplied by the roots of the cases' weights. The columns of the cases' blocks are
+ * numbered after the terms of the basis.
  */
 class DesignPass : public OrderedChunks::Worker
 {

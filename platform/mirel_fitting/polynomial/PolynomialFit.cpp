@@ -17,14 +17,14 @@ namespace {
 
 constexpr std::size_t rowsPerBlock = DesignPass::rowsPerBlock;
 
-/** The wanted terms, squares before products: of terms that cannot be separated, the first ones are
- *  kept. */
-std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis,
+/** The blocks and the wanted terms, squares before products: of terms that cannot be separated, the
+ *  first ones are kept. */
+std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis, std::size_t blockColumns,
                                          const std::vector<char>& isWanted)
 {
     std::vector<std::size_t> order;
     std::vector<std::size_t> products;
-    order.reserve(basis.size());
+    order.reserve(basis.size() + blockColumns);
     for (std::size_t term = 0; term < basis.size(); ++term) {
         if (!isWanted.empty() && !isWanted[term]) {
             continue;
@@ -33,6 +33,9 @@ std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis,
         const bool isProduct =
             inputs.second != QuadraticBasis::noInput && inputs.first != inputs.second;
         (isProduct ? products : order).push_back(term);
+        for (std::size_t block = 0; term == 0 && block < blockColumns; ++block) {
+            order.push_back(basis.size() + block);
+        }
     }
     order.insert(order.end(), products.begin(), products.end());
     return order;
@@ -50,9 +53,14 @@ std::vector<BlockedLeastSquares::Column> describeColumns(const QuadraticBasis& b
     std::vector<BlockedLeastSquares::Column> columns(order.size());
     std::vector<std::size_t> columnOfTerm(basis.size(), BlockedLeastSquares::Column::noParent);
     for (std::size_t column = 0; column < order.size(); ++column) {
-        columnOfTerm[order[column]] = column;
+        if (order[column] < basis.size()) {
+            columnOfTerm[order[column]] = column;
+        }
     }
     for (std::size_t column = 0; column < order.size(); ++column) {
+        if (order[column] >= basis.size()) {
+            continue;
+        }
         const QuadraticBasis::Term& inputs = basis.terms()[order[column]];
         if (inputs.first == QuadraticBasis::noInput) {
             continue;
@@ -107,8 +115,9 @@ LeastSquares accumulate(const FitColumns& columns, const std::vector<std::size_t
     return total;
 }
 
-/** The sum of squares of a column about its mean, both scaled. */
-double squaresAboutMean(const double* values, std::size_t count, const ColumnScale& scale)
+/** The weighted sum of squares of a column about its mean, both scaled. */
+double squaresAboutMean(const double* values, std::size_t count, const ColumnScale& scale,
+                        const WeightedBlocks& weights)
 {
     constexpr std::size_t lanes = 4; // independent sums hide the latency of the addition
     double scaled[rowsPerBlock];
@@ -118,7 +127,9 @@ double squaresAboutMean(const double* values, std::size_t count, const ColumnSca
             const std::size_t rows = std::min(rowsPerBlock, count - start);
             scale.apply(values + start, rows, scaled);
             for (std::size_t k = 0; k < rows; ++k) {
-                sums[k % lanes] += term(scaled[k]);
+                sums[k % lanes] += weights.areWeighted()
+                                       ? weights.weight(start + k) * term(scaled[k])
+                                       : term(scaled[k]);
             }
         }
         return (sums[0] + sums[1]) + (sums[2] + sums[3]);
@@ -131,8 +142,11 @@ double squaresAboutMean(const double* values, std::size_t count, const ColumnSca
 
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                              const std::vector<double*>& dependents, std::size_t cases,
-                             const std::vector<char>& isWanted)
-    : polynomial(basis), caseCount(cases), wanted(isWanted)
+                             const std::vector<char>& isWanted,
+                             std::shared_ptr<const WeightedBlocks> rows)
+    : polynomial(basis),
+      weightedBlocks(rows != nullptr ? std::move(rows) : std::make_shared<WeightedBlocks>()),
+      caseCount(cases), wanted(isWanted)
 {
     for (const double* column : independents) {
         scales.emplace_back(column, cases);
@@ -141,12 +155,14 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     for (const double* column : dependents) {
         fits.emplace_back();
         fits.back().scale = ColumnScale(column, cases);
-        fits.back().totalSquares = squaresAboutMean(column, cases, fits.back().scale);
+        fits.back().totalSquares =
+            squaresAboutMean(column, cases, fits.back().scale, *weightedBlocks);
         outputScales.push_back(fits.back().scale);
     }
     chooseSample(dependents);
 
-    const FitColumns columns{polynomial, independents, dependents, cases, scales, outputScales};
+    const FitColumns columns{polynomial, independents, dependents,     cases,
+                             scales,     outputScales, *weightedBlocks};
     const SingleThreadedBlas singleThreaded;
     double progress = 0.0;
     if (!solveNormalEquations(columns, progress)) {
@@ -164,7 +180,7 @@ bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& prog
     const bool hasConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& s) {
         return s.isConstantUpToRounding();
     });
-    if (!wanted.empty() || caseCount < minCases || hasConstant) {
+    if (!wanted.empty() || caseCount < minCases || hasConstant || weightedBlocks->columns() > 0) {
         return false;
     }
     std::vector<std::size_t> terms(polynomial.size());
@@ -190,7 +206,8 @@ bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& prog
 
 void PolynomialFit::solveByRotations(const FitColumns& columns, double progress)
 {
-    const std::vector<std::size_t> order = preferenceOrder(polynomial, wanted);
+    const std::vector<std::size_t> order =
+        preferenceOrder(polynomial, weightedBlocks->columns(), wanted);
     BlockedLeastSquares::Solution solution =
         accumulate<BlockedLeastSquares>(columns, order, progress, 0.7)
             .solve(describeColumns(polynomial, order, scales));
@@ -201,7 +218,7 @@ void PolynomialFit::solveByRotations(const FitColumns& columns, double progress)
     }
     keep(std::move(terms), std::move(solution.factor));
     for (const BlockedLeastSquares::Dependence& one : solution.dependences) {
-        dependentTerms.push_back({order[one.column], std::vector<double>(polynomial.size(), 0.0)});
+        dependentTerms.push_back({order[one.column], std::vector<double>(this->columns(), 0.0)});
         for (std::size_t k = 0; k < one.combination.size(); ++k) {
             dependentTerms.back().combination[keptTerms[k]] = one.combination[k];
         }
@@ -223,7 +240,7 @@ void PolynomialFit::keep(std::vector<std::size_t> terms, std::vector<double> new
     }
     cblas_dtrsm(CblasColMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, order, order, 1.0,
                 factor.data(), order, inverseFactor.data(), order);
-    keptFlags.assign(polynomial.size(), 0);
+    keptFlags.assign(columns(), 0);
     for (const std::size_t term : keptTerms) {
         keptFlags[term] = 1;
     }
@@ -247,7 +264,7 @@ void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResi
     const std::size_t kept = keptTerms.size();
     for (std::size_t output = 0; output < fits.size(); ++output) {
         Output& result = fits[output];
-        result.coefficients.assign(polynomial.size(), 0.0);
+        result.coefficients.assign(columns(), 0.0);
         for (std::size_t k = 0; k < kept; ++k) {
             result.coefficients[keptTerms[k]] =
                 scaledCoefficients[output * kept + k] * result.scale.unit();
@@ -258,8 +275,10 @@ void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResi
     }
     leverageOfSample = std::move(residuals.leveragesOfSampled);
     // Rounding may take a leverage of 1 beyond it.
-    leverageOfFarthest = std::min(residuals.largestLeverage, 1.0);
-    pressAvailable = !isDeterminedAlone(leverageOfFarthest);
+    const double largestLeverage = std::min(residuals.largestLeverage, 1.0);
+    pressAvailable = !isDeterminedAlone(largestLeverage);
+    varianceOfFarthest =
+        weightedBlocks->areWeighted() ? residuals.largestVariance : largestLeverage;
 }
 
 void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
@@ -290,7 +309,7 @@ bool PolynomialFit::isDeterminedAlone(double leverage)
 std::vector<double> PolynomialFit::coefficientDirection(std::size_t k) const
 {
     const std::size_t kept = keptTerms.size();
-    std::vector<double> direction(polynomial.size(), 0.0);
+    std::vector<double> direction(columns(), 0.0);
     for (std::size_t i = 0; i <= k; ++i) {
         direction[keptTerms[i]] = inverseFactor[k * kept + i];
     }
@@ -320,8 +339,12 @@ void PolynomialFit::variances(const std::vector<double*>& inputs, std::size_t co
             }
         }
         for (std::size_t column = 0; column < keptTerms.size(); ++column) {
-            polynomial.evaluateTerm(keptTerms[column], inputColumns.data(), rows,
-                                    design.data() + column * rowsPerBlock);
+            double* const values = design.data() + column * rowsPerBlock;
+            if (isOfBlocks(keptTerms[column])) {
+                std::fill_n(values, rows, 0.0);
+            } else {
+                polynomial.evaluateTerm(keptTerms[column], inputColumns.data(), rows, values);
+            }
         }
         cblas_dtrmm(CblasColMajor, CblasRight, CblasUpper, CblasNoTrans, CblasNonUnit,
                     static_cast<int>(rows), terms, 1.0, inverseFactor.data(), terms, design.data(),

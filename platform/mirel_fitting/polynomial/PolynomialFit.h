@@ -1,16 +1,19 @@
 #pragma once
 
 #include <mirel_fitting/cases/ColumnScale.h>
+#include <mirel_fitting/cases/WeightedBlocks.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 struct FitColumns;
 struct FitResiduals;
 
 /**
- * A polynomial fitted by least squares to several outputs at once, in three passes over the
+ * A polynomial, and the effects of blocks of cases if there are any, fitted by weighted least
+ * squares to several outputs at once, in three passes over the
  * columns: ranges, factorisation, residuals. O(n p^2) time for n cases and p terms, memory of a
  * few blocks and p^2 numbers per thread. Uses the threads that setThreadCount() allows; the result
  * does not depend on their number.
@@ -22,18 +25,18 @@ struct FitResiduals;
 class PolynomialFit
 {
 public:
-    /** The fit of one output. Sums of squares are those of the scaled output. */
+    /** The fit of one output. Sums of squares are those of the scaled output, weighted. */
     struct Output
     {
         ColumnScale scale;
         /** One per term of the basis, for scaled inputs, in the output's units about
-         *  scale.centre(); 0 for a dropped term. */
+         *  scale.centre(); 0 for a dropped term. Then the effects of all blocks but the last. */
         std::vector<double> coefficients;
         double totalSquares = 0.0; ///< about the mean
         double residualSquares = 0.0;
         double press = 0.0; ///< sum of the squared deleted residuals (of fits without the case)
         /** Of each sampled case: the output y as given, and the residual y - yhat in units of
-         *  `scale`. */
+         *  `scale`, times the root of the case's weight. */
         std::vector<double> values;
         std::vector<double> residuals;
     };
@@ -46,7 +49,9 @@ public:
     struct Dependence
     {
         std::size_t term;
-        std::vector<double> combination; ///< a coefficient per term of the basis, scaled inputs
+        /** A coefficient per term of the basis, for scaled inputs, then one per column of the
+         *  blocks. */
+        std::vector<double> combination;
     };
 
     /**
@@ -57,14 +62,18 @@ public:
      * @param isWanted     one per term of the basis: false leaves it out from the start. The
      *                     constant is wanted, and linear terms of the inputs of wanted ones. Empty:
      *                     all are.
+     * @param rows         weights and blocks of the cases; null: equal weights and no blocks.
      * @throw SurrogateModelInterface::Error if a FitProgress cancels.
      */
     PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                   const std::vector<double*>& dependents, std::size_t cases,
-                  const std::vector<char>& isWanted = {});
+                  const std::vector<char>& isWanted = {},
+                  std::shared_ptr<const WeightedBlocks> rows = nullptr);
 
     const QuadraticBasis& basis() const { return polynomial; }
     std::size_t cases() const { return caseCount; }
+    const WeightedBlocks& rows() const { return *weightedBlocks; }
+    const std::shared_ptr<const WeightedBlocks>& sharedRows() const { return weightedBlocks; }
     const std::vector<ColumnScale>& inputScales() const { return scales; }
     const std::vector<Output>& outputs() const { return fits; }
 
@@ -81,11 +90,16 @@ public:
 
     std::size_t keptCount() const { return keptTerms.size(); }
 
-    /** The kept terms in the order of the factor, the constant first. */
+    /** Terms of the basis and columns of the blocks, which are numbered after them. */
+    std::size_t columns() const { return polynomial.size() + weightedBlocks->columns(); }
+    bool isOfBlocks(std::size_t term) const { return term >= polynomial.size(); }
+
+    /** The kept terms in the order of the factor: the constant, the columns of the blocks, others.
+     */
     std::size_t keptTerm(std::size_t k) const { return keptTerms[k]; }
 
-    /** The kept terms at the cases, for scaled inputs, are an orthonormal matrix times this upper
-     *  triangular one. */
+    /** The kept terms at the cases, for scaled inputs and times the roots of weights, are an
+     * orthonormal matrix times this upper triangular one. */
     double factorElement(std::size_t row, std::size_t column) const
     {
         return factor[column * keptTerms.size() + row];
@@ -103,22 +117,29 @@ public:
     std::size_t sampledCount() const { return leverageOfSample.size(); }
     std::size_t sampledRow(std::size_t k) const { return sample.empty() ? k : sample[k]; }
 
+    double rootOfSampledWeight(std::size_t k) const
+    {
+        return weightedBlocks->rootOfWeight(sampledRow(k));
+    }
+
     /** One per sampled case: d yhat / d y, from 0 to 1. */
     const std::vector<double>& leverages() const { return leverageOfSample; }
 
-    /** Of all cases, not only of sampled ones. */
-    double largestLeverage() const { return leverageOfFarthest; }
+    /** The largest variance of the prediction at a case, as variances() has it, of all cases and
+     *  not only of sampled ones: the largest leverage where weights are equal. */
+    double largestVariance() const { return varianceOfFarthest; }
 
     /** Whether this leverage is 1 up to rounding. */
     static bool isDeterminedAlone(double leverage);
 
     /**
-     * The variances x'(X'X)^-1 x of the prediction at other points, for residuals of variance 1.
+     * The variances x'(X'X)^-1 x of the prediction at other points, for residuals of variance 1,
+     * in a block of average effect.
      * @param inputs one array of `count` values per input, not scaled; borrowed for the call.
      */
     void variances(const std::vector<double*>& inputs, std::size_t count, double* result) const;
 
-    /** Column k of R^-1, one entry per term of the basis. The squares of these columns sum to the
+    /** Column k of R^-1, one entry per column of columns(). The squares of these columns sum to the
      *  variances of the coefficients, for residuals of variance 1. */
     std::vector<double> coefficientDirection(std::size_t k) const;
 
@@ -133,6 +154,7 @@ private:
     void chooseSample(const std::vector<double*>& dependents);
 
     QuadraticBasis polynomial;
+    std::shared_ptr<const WeightedBlocks> weightedBlocks;
     std::size_t caseCount;
     std::vector<ColumnScale> scales;
     std::vector<Output> fits;
@@ -143,7 +165,7 @@ private:
     std::vector<double> inverseFactor;  // R^-1
     std::vector<Dependence> dependentTerms;
     bool pressAvailable = true;
-    double leverageOfFarthest = 0.0;
+    double varianceOfFarthest = 0.0;
     std::vector<std::size_t> sample; // empty: all cases
     std::vector<double> leverageOfSample;
 };

@@ -11,6 +11,7 @@ PolynomialUnits::PolynomialUnits(const QuadraticBasis& basis,
 std::vector<double> PolynomialUnits::centred(const std::vector<double>& scaled) const
 {
     std::vector<double> result = scaled;
+    result.resize(basis.size());
     for (std::size_t term = 0; term < result.size(); ++term) {
         for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
             if (input != QuadraticBasis::noInput) {
@@ -61,6 +62,7 @@ std::vector<double> PolynomialUnits::expandedMagnitudes(const std::vector<double
 std::vector<double> PolynomialUnits::coded(const std::vector<double>& scaled) const
 {
     std::vector<double> result = scaled;
+    result.resize(basis.size());
     for (std::size_t term = 0; term < result.size(); ++term) {
         for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
             if (input != QuadraticBasis::noInput) {

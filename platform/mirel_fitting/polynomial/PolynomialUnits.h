@@ -7,7 +7,8 @@
 
 /**
  * Rewrites a polynomial of scaled inputs, z = (V - c) / u, as one of the inputs V or of the centred
- * inputs V - c. The order of the coefficients is that of the basis throughout.
+ * inputs V - c. The order of the coefficients is that of the basis throughout; what follows them,
+ * as the effects of blocks, is left out.
  */
 class PolynomialUnits
 {

@@ -29,6 +29,7 @@ void ResidualPass::begin()
 {
     sums.outputs.assign(columns.outputs.size(), {});
     sums.largestLeverage = 0.0;
+    sums.largestVariance = 0.0;
     sums.gradients.assign(fit.coefficients.size(), 0.0);
 }
 
@@ -39,6 +40,7 @@ void ResidualPass::handOver(std::size_t /*chunk*/)
         result.outputs[output].press += sums.outputs[output].press;
     }
     result.largestLeverage = std::max(result.largestLeverage, sums.largestLeverage);
+    result.largestVariance = std::max(result.largestVariance, sums.largestVariance);
     std::transform(result.gradients.begin(), result.gradients.end(), sums.gradients.begin(),
                    result.gradients.begin(), std::plus<>());
 }
@@ -51,7 +53,7 @@ void ResidualPass::addBlock(std::size_t firstRow, std::size_t rows)
         addGradients(count);
     }
     computeLeverages(count);
-    addSquares(rows);
+    addSquares(firstRow, rows);
     keepSampled(firstRow, rows);
 }
 
@@ -88,10 +90,13 @@ void ResidualPass::computeLeverages(int rows)
     }
 }
 
-void ResidualPass::addSquares(std::size_t rows)
+void ResidualPass::addSquares(std::size_t firstRow, std::size_t rows)
 {
     for (std::size_t row = 0; row < rows; ++row) {
-        sums.largestLeverage = std::max(sums.largestLeverage, 1.0 - oneMinusLeverage[row]);
+        const double leverage = 1.0 - oneMinusLeverage[row];
+        sums.largestLeverage = std::max(sums.largestLeverage, leverage);
+        sums.largestVariance =
+            std::max(sums.largestVariance, leverage / columns.rows.weight(firstRow + row));
     }
     for (std::size_t output = 0; output < sums.outputs.size(); ++output) {
         FitResiduals::Output& sum = sums.outputs[output];

@@ -13,7 +13,8 @@ struct FactoredFit
     const std::vector<double>& coefficients;  ///< scaled; one per term, output by output
 };
 
-/** Residuals and leverages of a fit at its cases, in units of the output's scale. */
+/** Residuals and leverages of a fit at its cases, in units of the output's scale; residuals are
+ *  times the root of the case's weight. */
 struct FitResiduals
 {
     struct Output
@@ -25,6 +26,7 @@ struct FitResiduals
 
     std::vector<Output> outputs;
     double largestLeverage = 0.0;
+    double largestVariance = 0.0; ///< of leverages over weights
     std::vector<double> leveragesOfSampled;
     std::vector<double> gradients; ///< X'r: one per term, output by output
 };
@@ -49,7 +51,7 @@ private:
     void subtractPredictions(int rows);
     void addGradients(int rows);
     void computeLeverages(int rows);
-    void addSquares(std::size_t rows);
+    void addSquares(std::size_t firstRow, std::size_t rows);
     void keepSampled(std::size_t firstRow, std::size_t rows);
 
     const FactoredFit& fit;

@@ -49,8 +49,15 @@ CaseSupport::CaseSupport(const PolynomialFit& fit, const CaseRanges& ranges)
         if (isSquareOfTwoLevels(fit.basis(), one)) {
             continue;
         }
+        // What depends on the block is no relation of the inputs.
+        const auto ofBlocks =
+            one.combination.begin() + static_cast<std::ptrdiff_t>(fit.basis().size());
+        if (std::any_of(ofBlocks, one.combination.end(),
+                        [](double coefficient) { return std::fabs(coefficient) > rounding; })) {
+            continue;
+        }
         Relation relation = {{{one.term, -1.0}}, tolerance(one.term)};
-        for (std::size_t term = 0; term < one.combination.size(); ++term) {
+        for (std::size_t term = 0; term < fit.basis().size(); ++term) {
             if (std::fabs(one.combination[term]) > rounding) {
                 relation.coefficients.emplace_back(term, one.combination[term]);
             }
@@ -100,7 +107,7 @@ void CaseSupport::judge(std::vector<std::vector<double>>& columns, std::size_t c
     }
     std::vector<double> leverages(count);
     fit.variances(pointers, count, leverages.data());
-    const double largest = supportedLeverage * fit.largestLeverage();
+    const double largest = supportedLeverage * fit.largestVariance();
     for (std::size_t i = 0; i < count; ++i) {
         flags[i] = leverages[i] > largest ? 1 : 0;
     }

@@ -10,9 +10,11 @@ using Error = SurrogateModelInterface::Error;
 
 } // namespace
 
-PolynomialForm PolynomialForm::of(const ResponseSurfaceOptions& options, std::size_t inputs)
+PolynomialForm PolynomialForm::of(const ResponseSurfaceOptions& options, std::size_t inputs,
+                                  bool mayLoseSquares)
 {
     PolynomialForm form;
+    form.mayLoseSquares = mayLoseSquares && options.terms == PolynomialTerms::Quadratic;
     if (options.terms == PolynomialTerms::Chosen) {
         form.formula = TermFormula(options.formula, inputs);
         const std::vector<TermFormula::Term>& terms = form.formula->terms();
@@ -56,6 +58,13 @@ PolynomialForm PolynomialForm::lowered(std::size_t inputs, std::size_t cases) co
     const bool isLinear = order == 2 && !hasSquares && inputs < 2;
     if (isLinear || inputs == 0) {
         form.order = inputs == 0 ? 0 : 1;
+    }
+    if (mayLoseSquares && form.order == 2 && inputs > 1 && form.termCount(inputs) > cases) {
+        form.hasSquares = false;
+        if (form.termCount(inputs) < cases) {
+            return form;
+        }
+        form.hasSquares = true;
     }
     while (form.order > 0 && form.termCount(inputs) > cases) {
         --form.order;

@@ -20,8 +20,12 @@ struct PolynomialForm
 
     std::optional<TermFormula> formula = std::nullopt; ///< with its own choice of terms
 
+    /** A full quadratic polynomial may become one with interactions where cases are too few. */
+    bool mayLoseSquares = false;
+
     /** @throw SurrogateModelInterface::Error as TermFormula. */
-    static PolynomialForm of(const ResponseSurfaceOptions& options, std::size_t inputs);
+    static PolynomialForm of(const ResponseSurfaceOptions& options, std::size_t inputs,
+                             bool mayLoseSquares = false);
 
     std::size_t termCount(std::size_t inputs) const;
 
@@ -30,7 +34,8 @@ struct PolynomialForm
     std::string name() const;
 
     /**
-     * The same, or the highest lower order that has no more terms than there are cases, and none
+     * The same, or without squares if it may lose them and has less terms than cases then, or the
+     * highest lower order that has no more terms than there are cases, and none
      * without inputs to make them of.
      * @throw SurrogateModelInterface::Error if the order is none of the three, or 10 000 terms do
      *        not suffice.

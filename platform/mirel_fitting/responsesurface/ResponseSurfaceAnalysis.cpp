@@ -22,6 +22,7 @@ const double twoPi = 2.0 * std::acos(-1.0);
 enum class Kind
 {
     Constant,
+    Blocks,
     Linear,
     Interaction,
     Square
@@ -36,6 +37,13 @@ Kind kindOf(const QuadraticBasis::Term& term)
         return Kind::Linear;
     }
     return term.first == term.second ? Kind::Square : Kind::Interaction;
+}
+
+constexpr std::size_t kinds = 5;
+
+Kind kindOf(const PolynomialFit& fit, std::size_t term)
+{
+    return fit.isOfBlocks(term) ? Kind::Blocks : kindOf(fit.basis().terms()[term]);
 }
 
 AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squares)
@@ -105,7 +113,8 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
         metrics.predictedR2 = 1.0 - output.press / output.totalSquares;
     }
     const double variance = unit * unit * residualSquares() / cases;
-    metrics.logLikelihood = -0.5 * cases * (std::log(twoPi * variance) + 1.0);
+    metrics.logLikelihood =
+        -0.5 * cases * (std::log(twoPi * variance) + 1.0) + 0.5 * fit.rows().logarithms();
     return metrics;
 }
 
@@ -118,10 +127,12 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
     const double squares = residualSquares();
     const double degreesOfFreedom = static_cast<double>(fit.degreesOfFreedom()) - 1.0;
     const double unit = output.scale.unit();
+    const std::vector<double> effects = blockEffects();
     std::vector<LeaveOneOutPrediction> result;
     result.reserve(fit.sampledCount());
     for (std::size_t k = 0; k < fit.sampledCount(); ++k) {
         const double leverage = fit.leverages()[k];
+        const double perResidual = unit / fit.rootOfSampledWeight(k);
         const double oneMinusLeverage =
             PolynomialFit::isDeterminedAlone(leverage) ? none : 1.0 - leverage;
         const double difference = output.residuals[k] / oneMinusLeverage;
@@ -131,8 +142,11 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
         const double error = degreesOfFreedom > 0.0
                                  ? std::sqrt(squaresOfOthers / degreesOfFreedom / oneMinusLeverage)
                                  : none;
-        result.push_back({fit.sampledRow(k), output.values[k], output.values[k] - unit * difference,
-                          unit * error});
+        const double effect =
+            effects.empty() ? 0.0 : effects[fit.rows().positions()[fit.sampledRow(k)]];
+        result.push_back({fit.sampledRow(k), output.values[k],
+                          output.values[k] - perResidual * difference, perResidual * error,
+                          effect});
     }
     return result;
 }
@@ -246,7 +260,9 @@ double ResponseSurfaceAnalysis::squaresAboutMean(const Vector& combination) cons
     for (std::size_t i = 1; i < kept; ++i) {
         double value = 0.0;
         for (std::size_t j = i; j < kept; ++j) {
-            value += fit.factorElement(i, j) * combination[fit.keptTerm(j)];
+            if (!fit.isOfBlocks(fit.keptTerm(j))) {
+                value += fit.factorElement(i, j) * combination[fit.keptTerm(j)];
+            }
         }
         squares += value * value;
     }
@@ -254,17 +270,21 @@ double ResponseSurfaceAnalysis::squaresAboutMean(const Vector& combination) cons
 }
 
 /** Sequential (type I) sums of squares by kind of term, of the scaled output: how much entering the
- *  terms of a kind reduces the residual sum of squares. */
-std::vector<double> ResponseSurfaceAnalysis::sequentialSquares() const
+ *  terms of a kind reduces the residual sum of squares. Blocks are entered before all others but
+ *  the constant, or as the last. */
+std::vector<double> ResponseSurfaceAnalysis::sequentialSquares(bool areBlocksLast) const
 {
     const std::size_t kept = fit.keptCount();
     std::vector<std::size_t> order(kept);
     for (std::size_t k = 0; k < kept; ++k) {
         order[k] = k;
     }
-    const auto kind = [&](std::size_t k) { return kindOf(fit.basis().terms()[fit.keptTerm(k)]); };
+    const auto kind = [&](std::size_t k) { return kindOf(fit, fit.keptTerm(k)); };
+    const auto place = [&](std::size_t k) {
+        return areBlocksLast && kind(k) == Kind::Blocks ? kinds : static_cast<std::size_t>(kind(k));
+    };
     std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return kind(a) < kind(b); });
+                     [&](std::size_t a, std::size_t b) { return place(a) < place(b); });
 
     // Permute the columns of R to this order and rotate it back to triangular form; Q' applied to
     // R b gives the effects, whose squares are the sums.
@@ -283,7 +303,7 @@ std::vector<double> ResponseSurfaceAnalysis::sequentialSquares() const
     LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, matrix.data(), n, reflections.data());
     LAPACKE_dormqr(LAPACK_COL_MAJOR, 'L', 'T', n, 1, n, matrix.data(), n, reflections.data(),
                    rotated.data(), n);
-    std::vector<double> squares(4, 0.0);
+    std::vector<double> squares(kinds, 0.0);
     for (std::size_t column = 0; column < kept; ++column) {
         squares[static_cast<std::size_t>(kind(order[column]))] += rotated[column] * rotated[column];
     }
@@ -296,16 +316,18 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
     const std::vector<double> squares = sequentialSquares();
     std::vector<std::size_t> counts(squares.size(), 0);
     for (std::size_t k = 0; k < fit.keptCount(); ++k) {
-        ++counts[static_cast<std::size_t>(kindOf(fit.basis().terms()[fit.keptTerm(k)]))];
+        ++counts[static_cast<std::size_t>(kindOf(fit, fit.keptTerm(k)))];
     }
 
     const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
     std::vector<AnovaRow> table;
     table.push_back(row("Model", fit.keptCount() - 1,
                         unit * std::max(output.totalSquares - residualSquares(), 0.0)));
-    const std::pair<Kind, const char*> kinds[] = {
-        {Kind::Linear, "Linear"}, {Kind::Interaction, "Interaction"}, {Kind::Square, "Square"}};
-    for (const auto& [kind, name] : kinds) {
+    const std::pair<Kind, const char*> rows[] = {{Kind::Blocks, "Blocks"},
+                                                 {Kind::Linear, "Linear"},
+                                                 {Kind::Interaction, "Interaction"},
+                                                 {Kind::Square, "Square"}};
+    for (const auto& [kind, name] : rows) {
         const auto k = static_cast<std::size_t>(kind);
         if (counts[k] > 0) {
             table.push_back(row(name, counts[k], unit * squares[k]));
@@ -343,6 +365,15 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
     const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
     const bool isTested = !isExact();
     std::vector<PartialTest> tests;
+    if (fit.rows().columns() > 0) {
+        constexpr auto blocks = static_cast<std::size_t>(Kind::Blocks);
+        PartialTest test;
+        test.row = row("Blocks", fit.rows().columns(), unit * sequentialSquares(true)[blocks]);
+        if (isTested) {
+            compare(test.row, residual);
+        }
+        tests.push_back(std::move(test));
+    }
     for (std::size_t term = 1; term < estimates.size(); ++term) {
         if (!fit.isKept(term)) {
             continue;
@@ -362,6 +393,17 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
         tests.push_back(std::move(test));
     }
     return tests;
+}
+
+std::vector<double> ResponseSurfaceAnalysis::blockEffects() const
+{
+    std::vector<double> effects(output.coefficients.begin() +
+                                    static_cast<std::ptrdiff_t>(fit.basis().size()),
+                                output.coefficients.end());
+    if (!fit.rows().blocks().empty()) {
+        effects.push_back(0.0 - std::accumulate(effects.begin(), effects.end(), 0.0));
+    }
+    return effects;
 }
 
 bool ResponseSurfaceAnalysis::isExact() const
@@ -389,7 +431,7 @@ std::vector<CaseDiagnostics> ResponseSurfaceAnalysis::caseDiagnostics() const
         CaseDiagnostics one;
         one.row = fit.sampledRow(k);
         one.output = output.values[k];
-        one.residual = output.scale.unit() * residual;
+        one.residual = output.scale.unit() * residual / fit.rootOfSampledWeight(k);
         one.leverage = leverage;
         if (!PolynomialFit::isDeterminedAlone(leverage)) {
             const double oneMinusLeverage = 1.0 - leverage;
@@ -425,7 +467,8 @@ double ResponseSurfaceAnalysis::aicc() const
     // log(u^2) as 2 log(u): the square of the unit may overflow.
     return isExact() || (std::isinf(scaled) && scaled > 0.0)
                ? none
-               : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit());
+               : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit()) -
+                     fit.rows().logarithms();
 }
 
 double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::size_t terms)

@@ -11,7 +11,8 @@
 /**
  * Statistics of a fitted polynomial: coefficients with their errors, analysis of variance, AICc,
  * leverages. All follows from the triangular factor R of the design and a few sums, so that the
- * cost does not depend on the number of cases.
+ * cost does not depend on the number of cases. Squares are weighted, and the effects of blocks are
+ * terms like others, but for the coefficients and tests of single terms.
  * Myers, Montgomery, Anderson-Cook: Response Surface Methodology, 4th ed., Wiley 2016, ch. 2 and 6.
  */
 class ResponseSurfaceAnalysis
@@ -44,8 +45,12 @@ public:
 
     std::vector<AnovaRow> anova() const;
 
-    /** One per kept term of the basis but the constant, for coded inputs. */
+    /** The blocks together if there are any, then one per kept term of the basis but the constant,
+     *  for coded inputs. */
     std::vector<PartialTest> partialTests() const;
+
+    /** One per block, in the output's unit; they sum to 0. */
+    std::vector<double> blockEffects() const;
 
     /** One for each case, or for each sampled one; rows ascending. */
     std::vector<CaseDiagnostics> caseDiagnostics() const;
@@ -76,7 +81,7 @@ private:
     Vector coefficientVariances(const Coding& coding) const;
     double varianceInflation(const Coding& coding, std::size_t term, double variance) const;
     double squaresAboutMean(const Vector& combination) const;
-    std::vector<double> sequentialSquares() const;
+    std::vector<double> sequentialSquares(bool areBlocksLast = false) const;
 
     const PolynomialFit& fit;
     const PolynomialFit::Output& output;

@@ -7,6 +7,7 @@
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
 #include <mirel_fitting/responsesurface/TermSelection.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -14,6 +15,16 @@ namespace {
 
 /** Distances along a ridge: tenths, as tables have them. */
 constexpr std::size_t ridgeSteps = 10;
+
+bool haveTwoLevels(const std::vector<double*>& inputs, std::size_t cases)
+{
+    return std::all_of(inputs.begin(), inputs.end(), [&](const double* values) {
+        const auto [low, high] = std::minmax_element(values, values + cases);
+        return std::all_of(values, values + cases, [&, low = *low, high = *high](double value) {
+            return value == low || value == high;
+        });
+    });
+}
 
 /** Whether a dropped second-order term depends on one that the fit has.
  *  @param common the fit of all wanted terms. */
@@ -37,12 +48,20 @@ bool hasAliasedCurvature(const PolynomialFit& common, const PolynomialFit& fit)
 ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
                                        const std::vector<double*>& outputs, std::size_t cases,
                                        const PolynomialForm& wanted,
-                                       ResponseSurfaceOptions::Selection selection)
-    : inputCount(inputs.size()), wantedForm(wanted), fittedForm(wanted.lowered(inputCount, cases))
+                                       ResponseSurfaceOptions::Selection selection,
+                                       const CaseDesign& design)
+    : inputCount(inputs.size()), rows(std::make_shared<WeightedBlocks>(design, cases)),
+      wantedForm(wanted)
 {
-    const QuadraticBasis basis(inputCount, fittedForm.order);
-    common = std::make_shared<PolynomialFit>(basis, inputs, outputs, cases,
-                                             fittedForm.wantedTerms(basis));
+    wantedForm.mayLoseSquares = wanted.mayLoseSquares && haveTwoLevels(inputs, cases);
+    fittedForm = wantedForm.lowered(inputCount, cases - rows->columns());
+    common = fitted(inputs, outputs, cases);
+    if (isWithoutSquares() &&
+        common->keptCount() < fittedForm.termCount(inputCount) + rows->columns()) {
+        wantedForm.mayLoseSquares = false;
+        fittedForm = wantedForm.lowered(inputCount, cases - rows->columns());
+        common = fitted(inputs, outputs, cases);
+    }
     for (std::size_t k = 0; k < outputs.size(); ++k) {
         fits.push_back({common, k, {}, {}});
         if (selection == ResponseSurfaceOptions::Selection::BackwardAicc) {
@@ -51,6 +70,15 @@ ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
     }
     findPureErrors(inputs, outputs);
     polynomials = std::make_unique<const PolynomialPredictor>(makePredictor());
+}
+
+std::shared_ptr<PolynomialFit> ResponseSurfaceFit::fitted(const std::vector<double*>& inputs,
+                                                          const std::vector<double*>& outputs,
+                                                          std::size_t cases) const
+{
+    const QuadraticBasis basis(inputCount, fittedForm.order);
+    return std::make_shared<PolynomialFit>(basis, inputs, outputs, cases,
+                                           fittedForm.wantedTerms(basis), rows);
 }
 
 void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>& inputs,
@@ -66,8 +94,9 @@ void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>&
             one.unneeded.push_back(term);
         }
     }
-    one.fit = std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
-                                              whole->cases(), selection.isWanted());
+    one.fit =
+        std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
+                                        whole->cases(), selection.isWanted(), whole->sharedRows());
     one.position = 0;
 }
 
@@ -84,12 +113,20 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
             varying.push_back(inputs[input]);
         }
     }
+    const std::vector<double> blocks(rows->positions().begin(), rows->positions().end());
+    if (!blocks.empty()) {
+        varying.push_back(blocks.data());
+    }
+    std::vector<double> weights;
+    for (std::size_t row = 0; row < cases && rows->areWeighted(); ++row) {
+        weights.push_back(rows->weight(row));
+    }
     replicated = ReplicatedCases(varying, cases);
     std::vector<double> scaled(replicated.any() ? cases : 0);
     for (std::size_t k = 0; k < outputs.size() && replicated.any(); ++k) {
         fits[k].output().scale.apply(outputs[k], cases, scaled.data());
         fits[k].pureError.degreesOfFreedom = replicated.degreesOfFreedom();
-        fits[k].pureError.squares = replicated.withinSquares(scaled.data());
+        fits[k].pureError.squares = replicated.withinSquares(scaled.data(), weights);
     }
 }
 
@@ -102,7 +139,10 @@ PolynomialPredictor ResponseSurfaceFit::makePredictor() const
     std::vector<PolynomialPredictor::Output> outputs;
     for (const OutputFit& one : fits) {
         const PolynomialFit::Output& output = one.output();
-        outputs.push_back({output.scale.centre() + output.coefficients[0], output.coefficients});
+        const auto end =
+            output.coefficients.begin() + static_cast<std::ptrdiff_t>(common->basis().size());
+        outputs.push_back(
+            {output.scale.centre() + output.coefficients[0], {output.coefficients.begin(), end}});
     }
     return {common->basis(), std::move(scales), std::move(outputs)};
 }
@@ -151,7 +191,7 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
 {
     std::vector<std::string> warnings;
     const std::size_t wanted = wantedForm.termCount(inputCount);
-    if (fittedForm.termCount(inputCount) < wanted) {
+    if (fittedForm.termCount(inputCount) < wanted && !isWithoutSquares()) {
         warnings.push_back("The order was lowered from " + wantedForm.name() + " to " +
                            fittedForm.name() + ": " + std::to_string(wanted) +
                            " terms need at least as many cases.");
@@ -162,6 +202,8 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
     const FitMetrics ofOutput = metrics(output);
     if (ofOutput.terms > 1 && ofOutput.predictedR2 <= 0.0) {
         warnings.emplace_back(LeftOutCasesWarning::noBetterThanMean);
+    } else if (ofOutput.terms > 1 && ofOutput.predictedR2 < LeftOutCasesWarning::flat) {
+        warnings.push_back(LeftOutCasesWarning::hardlyBetterThanMean(ofOutput.predictedR2));
     }
     for (std::string& sentence : notes(output, names)) {
         warnings.push_back(std::move(sentence));
@@ -184,6 +226,10 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
                         "terms of its inputs: without them the fit would depend on where the "
                         "inputs are 0.");
     }
+    if (isWithoutSquares()) {
+        notes.emplace_back("Each input has two levels, which show no curvature: the polynomial is "
+                           "linear with interactions.");
+    }
     std::vector<std::string> unneeded;
     for (const std::size_t term : fits[output].unneeded) {
         unneeded.push_back(common->basis().name(term, names));
@@ -191,6 +237,14 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
     if (!unneeded.empty()) {
         notes.push_back("AICc is lower without " + InputNames::listed(unneeded) +
                         (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
+    }
+    if (rows->areWeighted()) {
+        notes.emplace_back("The cases are weighted: the residual standard deviation and prediction "
+                           "limits are those of a case of mean weight.");
+    }
+    if (!rows->blocks().empty()) {
+        notes.push_back("Equation and predictions are those of the average of the " +
+                        std::to_string(rows->blocks().size()) + " blocks.");
     }
     if (fits[output].analysis().isExact() && degreesOfFreedom(output) > 0 &&
         fits[output].output().totalSquares > 0.0) {
@@ -245,6 +299,10 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     statistics.anova = analysis.anova();
     statistics.repeatsAreCopies = fits[output].pureError.isOfCopies();
     statistics.partialTests = analysis.partialTests();
+    const std::vector<double> effects = analysis.blockEffects();
+    for (std::size_t k = 0; k < effects.size(); ++k) {
+        statistics.blockEffects.push_back({rows->blocks()[k], effects[k]});
+    }
     statistics.cases = analysis.caseDiagnostics();
     statistics.outlierLimit = analysis.outlierLimit();
     statistics.r2 = metrics.r2;

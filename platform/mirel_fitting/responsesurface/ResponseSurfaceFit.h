@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/FitMetrics.h>
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/PredictorDescription.h>
@@ -29,12 +30,12 @@ public:
     /**
      * @param inputs  one array of `cases` finite values per input, borrowed for the call.
      * @param outputs one array of `cases` finite values per output, borrowed for the call.
-     * @throw SurrogateModelInterface::Error as PolynomialForm::lowered(), or if a FitProgress
-     *        cancels.
+     * @throw SurrogateModelInterface::Error as PolynomialForm::lowered() and WeightedBlocks, or if
+     * a FitProgress cancels.
      */
     ResponseSurfaceFit(const std::vector<double*>& inputs, const std::vector<double*>& outputs,
                        std::size_t cases, const PolynomialForm& wanted,
-                       ResponseSurfaceOptions::Selection selection);
+                       ResponseSurfaceOptions::Selection selection, const CaseDesign& design = {});
 
     const PolynomialPredictor& predictor() const { return *polynomials; }
 
@@ -76,7 +77,12 @@ private:
     };
 
     static void selectTerms(OutputFit& one, const std::vector<double*>& inputs, double* output);
+    std::shared_ptr<PolynomialFit> fitted(const std::vector<double*>& inputs,
+                                          const std::vector<double*>& outputs,
+                                          std::size_t cases) const;
     void findPureErrors(const std::vector<double*>& inputs, const std::vector<double*>& outputs);
+    /** Though they were wanted: the cases are too few and have two levels. */
+    bool isWithoutSquares() const { return wantedForm.hasSquares && !fittedForm.hasSquares; }
     PolynomialPredictor makePredictor() const;
     std::vector<RidgePoint> withStandardErrors(std::size_t output,
                                                std::vector<RidgePoint> points) const;
@@ -84,6 +90,7 @@ private:
     onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const;
 
     std::size_t inputCount;
+    std::shared_ptr<const WeightedBlocks> rows;
     PolynomialForm wantedForm;
     PolynomialForm fittedForm;                   // lowered as the cases need
     std::shared_ptr<const PolynomialFit> common; // of all outputs, before any selection of terms

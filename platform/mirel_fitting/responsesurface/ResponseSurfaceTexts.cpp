@@ -135,6 +135,9 @@ std::vector<std::string> partsOf(const PolynomialFit& fit,
     const QuadraticBasis& basis = fit.basis();
     const PolynomialUnits units(basis, fit.inputScales());
     std::vector<double> relation = dependence.combination;
+    const bool hasBlocks =
+        std::any_of(relation.begin() + static_cast<std::ptrdiff_t>(basis.size()), relation.end(),
+                    [](double coefficient) { return std::fabs(coefficient) > rounding; });
     relation[dependence.term] -= 1.0;
     const std::vector<double> expanded = units.expanded(relation);
     std::vector<double> shares(basis.size(), 0.0);
@@ -150,6 +153,9 @@ std::vector<std::string> partsOf(const PolynomialFit& fit,
         if (term != dependence.term && shares[term] > rounding * largest) {
             names.push_back(basis.name(term, inputNames));
         }
+    }
+    if (hasBlocks) {
+        names.emplace_back("the blocks");
     }
     return names;
 }
@@ -294,7 +300,7 @@ std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const std::s
                                       "no such fit";
 
     std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
-    const std::size_t wanted = statistics.coefficients.size();
+    const std::size_t wanted = statistics.coefficients.size() + fit.rows().columns();
     text += "Terms: " + std::to_string(metrics.terms) +
             (metrics.terms < wanted ? " of " + std::to_string(wanted) : "") + "\n";
     text += "Order: " + order + "\n";

@@ -7,7 +7,7 @@
 #include <limits>
 
 TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
-    : fit(fit), wanted(fit.basis().size(), 0)
+    : fit(fit), wanted(fit.columns(), 0)
 {
     // Relative to the squares about the mean: a residual below is rounding and keeps no term.
     constexpr double rounding = 1e-28;
@@ -38,7 +38,8 @@ TermSelection::TermSelection(const PolynomialFit& fit, std::size_t output)
         std::size_t best = kept;
         double least = std::numeric_limits<double>::infinity();
         for (std::size_t k = 1; k < kept; ++k) {
-            if (!wanted[fit.keptTerm(k)] || isNeededByOthers(fit.keptTerm(k))) {
+            const std::size_t term = fit.keptTerm(k);
+            if (!wanted[term] || fit.isOfBlocks(term) || isNeededByOthers(term)) {
                 continue;
             }
             const double more = coefficients[k] * coefficients[k] / inverse[k * kept + k];

@@ -100,3 +100,55 @@ TEST(ResponseSurfaceFewCases, ExplainsNothingOfTheSpreadByAMean)
         EXPECT_EQ(fit(cases).fitMetrics(0).r2, 0.0) << count;
     }
 }
+
+// Two levels
+
+namespace {
+
+struct TwoLevels
+{
+    const char* name;
+    std::vector<Column> inputs;
+    const char* order; ///< of the quality text
+};
+
+const Column a = {-1, 1, -1, 1, -1, 1, -1, 1};
+const Column b = {-1, -1, 1, 1, -1, -1, 1, 1};
+const Column c = {-1, -1, -1, -1, 1, 1, 1, 1};
+const Column threeLevels = {-1, 0, 1, -1, 0, 1, -1, 0};
+const Column product = {1, -1, -1, 1, 1, -1, -1, 1};
+
+class ResponseSurfaceTwoLevels : public ::testing::TestWithParam<TwoLevels>
+{};
+
+std::string nameOf(const ::testing::TestParamInfo<TwoLevels>& info)
+{
+    return info.param.name;
+}
+
+} // namespace
+
+TEST_P(ResponseSurfaceTwoLevels, HaveInteractionsWhereTheCasesSeparateThem)
+{
+    Cases cases{GetParam().inputs, {{1.0, 2.1, 3.2, 5.9, 1.2, 2.2, 3.1, 6.3}}};
+    const Model model(cases.inputPointers(), cases.outputPointers(), cases.count(),
+                      ResponseSurfaceOptions(), {}, Model::Fallback::InteractionsOfTwoLevels);
+
+    const std::string order = GetParam().order;
+    EXPECT_NE(model.qualityMetricInformation(0).find("\nOrder: " + order + "\n"), std::string::npos)
+        << model.qualityMetricInformation(0);
+    const std::vector<std::string> notes = model.fitNotes(0);
+    const bool isSaid = !notes.empty() &&
+                        notes.front() == "Each input has two levels, which show no curvature: the "
+                                         "polynomial is linear with interactions.";
+    EXPECT_EQ(isSaid, order == "linear with interactions");
+    EXPECT_EQ(model.fitWarnings(0).front().rfind("The order was lowered", 0) == 0, !isSaid);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Tables, ResponseSurfaceTwoLevels,
+    ::testing::Values(TwoLevels{"Factorial", {a, b, c}, "linear with interactions"},
+                      TwoLevels{"ThreeLevels", {a, b, threeLevels}, "linear"},
+                      TwoLevels{"Aliased", {a, b, product}, "linear"},
+                      TwoLevels{"TooManyInputs", {a, b, c, product}, "linear"}),
+    nameOf);

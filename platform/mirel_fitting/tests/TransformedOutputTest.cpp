@@ -21,16 +21,19 @@ namespace {
 using Kind = FittedModel::ErrorKind;
 
 std::unique_ptr<FittedModel> kriging(const std::vector<double*>& inputs,
-                                     const std::vector<double*>& outputs, std::size_t rows)
+                                     const std::vector<double*>& outputs, std::size_t rows,
+                                     const CaseDesign& = {})
 {
     return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
                                                    KrigingOptions());
 }
 
 std::unique_ptr<FittedModel> responseSurface(const std::vector<double*>& inputs,
-                                             const std::vector<double*>& outputs, std::size_t rows)
+                                             const std::vector<double*>& outputs, std::size_t rows,
+                                             const CaseDesign& design)
 {
-    return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows);
+    return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows,
+                                                           ResponseSurfaceOptions(), design);
 }
 
 TransformedOutput modelOf(Cases cases, TransformedOutput::Choice choice = {},
@@ -331,7 +334,7 @@ TEST(TransformedOutput, WritesTheEquationOfTheOutput)
 
     const TransformedOutput model = modelOf(
         cases, OutputTransform::SquareRoot,
-        [](const auto& inputs, const auto& outputs, std::size_t rows) {
+        [](const auto& inputs, const auto& outputs, std::size_t rows, const CaseDesign&) {
             return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows, 1);
         });
 

@@ -55,6 +55,13 @@ TEST(ReplicatedCases, RepeatEachOtherWithoutInputs)
     EXPECT_EQ(replicated({}, 4).degreesOfFreedom(), 3u);
 }
 
+TEST(ReplicatedCases, RepeatEachOtherUpToABillionthOfTheRange)
+{
+    EXPECT_EQ(replicated({{0.3, 0.1 + 0.2, 1.0}}, 3).degreesOfFreedom(), 1u);
+    EXPECT_EQ(replicated({{1e3 + 0.3, 1e3 + 0.1 + 0.2, 1e3}}, 3).degreesOfFreedom(), 1u);
+    EXPECT_EQ(replicated({{0.3, 0.3 + 1e-8, 1.0}}, 3).degreesOfFreedom(), 0u);
+}
+
 TEST(ReplicatedCases, TakeZeroAndMinusZeroForTheSame)
 {
     EXPECT_EQ(replicated({{0.0, -0.0}}, 2).degreesOfFreedom(), 1u);

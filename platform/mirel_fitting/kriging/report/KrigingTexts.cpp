@@ -183,7 +183,7 @@ bool KrigingTexts::isMostlyNoise(double noiseShare)
 
 std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
 {
-    constexpr double flat = 0.1; // R2 or Q2
+    constexpr double flat = LeftOutCasesWarning::flat; // R2 or Q2
     // A likelihood ratio of 7 is no evidence for either model.
     constexpr double close = 2.0;
 
@@ -217,11 +217,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     }
     // A model that interpolates its cases has R2 = 1, but may be flat between them.
     if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {
-        result.push_back("Left-out cases are predicted hardly better than by the mean of the "
-                         "cases (" +
-                         percent(fit.metrics.q2) +
-                         " of the output's variance): noise dominates, or more cases are needed "
-                         "to show how the output changes between them.");
+        result.push_back(LeftOutCasesWarning::hardlyBetterThanMean(fit.metrics.q2));
     }
     return result;
 }

@@ -30,7 +30,8 @@ struct Scaled
     std::vector<double*> outputs = cases.outputPointers();
     std::vector<ColumnScale> inputScales;
     std::vector<ColumnScale> outputScales;
-    FitColumns columns{basis, inputs, outputs, cases.count(), inputScales, outputScales};
+    WeightedBlocks equal;
+    FitColumns columns{basis, inputs, outputs, cases.count(), inputScales, outputScales, equal};
 };
 
 /** Lists the rows of its blocks, and checks the design of V1 V2 and the output in them. */

@@ -19,7 +19,8 @@ struct Line
     std::vector<double*> outputs = cases.outputPointers();
     std::vector<ColumnScale> inputScales{1};
     std::vector<ColumnScale> outputScales{1};
-    FitColumns columns{basis, inputs, outputs, 5, inputScales, outputScales};
+    WeightedBlocks equal;
+    FitColumns columns{basis, inputs, outputs, 5, inputScales, outputScales, equal};
 
     std::vector<std::size_t> terms{0, 1};
     std::vector<double> inverseFactor{1.0 / std::sqrt(5.0), 0.0, 0.0, 1.0 / std::sqrt(10.0)};
