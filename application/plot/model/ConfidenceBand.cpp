@@ -22,6 +22,16 @@ bool areFinite(const std::vector<double>& values)
 
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
 {
+    std::vector<const double*> inputs;
+    for (const ModelCut::Column& input : cut.inputs) {
+        inputs.push_back(input.values.data());
+    }
+    return of(session, inputs, cut.points(), output);
+}
+
+ConfidenceBand ConfidenceBand::of(CaseSession& session, const std::vector<const double*>& inputs,
+                                  std::size_t count, std::size_t output)
+{
     constexpr double level = 0.95;
     const FittedModel* const model = session.fittedModel();
     if (model == nullptr) {
@@ -29,11 +39,11 @@ ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std
     }
     const int offset = session.outputOffsets()[output];
     std::vector<double*> points;
-    for (const ModelCut::Column& input : cut.inputs) {
-        points.push_back(const_cast<double*>(input.values.data())); // only read
+    for (const double* const input : inputs) {
+        points.push_back(const_cast<double*>(input)); // only read
     }
     PredictionIntervals limits =
-        ModelInterfaces(*model).confidenceLimits(points, offset, level, cut.points());
+        ModelInterfaces(*model).confidenceLimits(points, offset, level, count);
     if (!areFinite(limits.lower) || !areFinite(limits.upper)) {
         return {};
     }

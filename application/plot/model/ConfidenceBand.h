@@ -14,7 +14,7 @@ struct ModelCut;
  * transform, transformed back. */
 struct SURROGATE_PLOT_EXPORT ConfidenceBand
 {
-    /** One per point of a cut; empty, like `upper`, if the model has none, or if as many terms as
+    /** One per point; empty, like `upper`, if the model has none, or if as many terms as
      *  cases leave nothing to estimate them from. */
     std::vector<double> lower;
     std::vector<double> upper;
@@ -22,4 +22,8 @@ struct SURROGATE_PLOT_EXPORT ConfidenceBand
 
     /** @throw SurrogateModelInterface::Error */
     static ConfidenceBand of(CaseSession& session, const ModelCut& cut, std::size_t output);
+
+    /** At other points. @param inputs one array of `count` values per input, borrowed. */
+    static ConfidenceBand of(CaseSession& session, const std::vector<const double*>& inputs,
+                             std::size_t count, std::size_t output);
 };

@@ -89,7 +89,7 @@ NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics, const s
 
 SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAscent,
                           const std::vector<std::string>& inputs, const std::string& output,
-                          const std::string& unit, double quantile)
+                          const std::string& unit, const ConfidenceBand& band)
 {
     const std::vector<RidgePoint>& ridge = isAscent ? statistics.ascent : statistics.descent;
     const std::string owner = "The model of " + quotedText(output);
@@ -110,20 +110,10 @@ SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAs
     for (const RidgePoint& point : ridge) {
         picture.inputs.push_back(point.distance);
         picture.model.push_back(point.value);
-        const double halfWidth = quantile * point.standardError;
-        if (std::isfinite(halfWidth)) {
-            picture.lower.push_back(point.value - halfWidth);
-            picture.upper.push_back(point.value + halfWidth);
-        }
     }
-    if (picture.lower.size() < ridge.size()) {
-        picture.lower.clear();
-        picture.upper.clear();
-    } else {
-        constexpr int digits = 3;
-        picture.bandLabel =
-            "\302\261 " + shownNumber(quantile, digits) + " standard errors (95\302\240%)";
-    }
+    picture.lower = band.lower;
+    picture.upper = band.upper;
+    picture.bandLabel = band.label;
     picture.caption = "In the middle " + placeText(ridge.front(), inputs) + "; at distance 1 " +
                       placeText(ridge.back(), inputs) + ".";
     for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {

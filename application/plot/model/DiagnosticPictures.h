@@ -2,6 +2,7 @@
 
 #include <plot/data/NormalPicture.h>
 #include <plot/data/SweepPicture.h>
+#include <plot/model/ConfidenceBand.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -20,13 +21,13 @@ SURROGATE_PLOT_EXPORT NormalPicture normalPicture(const ResponseSurfaceStatistic
 
 /**
  * The values along the ridge of ascent or of descent.
- * @param inputs   their names.
- * @param unit     of the output; empty if it is not known.
- * @param quantile of confidence limits in standard errors; NaN for none.
+ * @param inputs their names.
+ * @param unit   of the output; empty if it is not known.
+ * @param band   of the points along the ridge.
  * @throw SurrogateModelInterface::Error if there is none, or it cannot be drawn.
  */
 SURROGATE_PLOT_EXPORT SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics,
                                                 bool isAscent,
                                                 const std::vector<std::string>& inputs,
                                                 const std::string& output, const std::string& unit,
-                                                double quantile);
+                                                const ConfidenceBand& band);

@@ -15,6 +15,7 @@
 #include <session/text/JoinedText.h>
 #include <session/text/SessionErrors.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -70,16 +71,26 @@ std::vector<PictureData> effects(CaseSession& session, const std::vector<std::si
     return pictures;
 }
 
-/** Half the width of a confidence interval in standard errors; NaN where there is none. */
-double quantileOf(CaseSession& session, std::size_t output)
+ConfidenceBand bandOf(CaseSession& session, const std::vector<RidgePoint>& ridge,
+                      std::size_t output)
 {
-    constexpr double level = 0.95;
-    const bool isTransformed =
-        session.fit().outputs[output].modelled.transform != OutputTransform::None;
-    const std::size_t freedom = session.statistics()[output].residualDegreesOfFreedom;
-    return isTransformed || freedom == 0
-               ? std::nan("")
-               : session.fittedModel()->confidenceQuantile(session.outputOffsets()[output], level);
+    const std::vector<double> held = session.heldValues();
+    std::vector<std::vector<double>> columns(held.size());
+    for (std::size_t i = 0; i < held.size(); ++i) {
+        for (const RidgePoint& point : ridge) {
+            // An input that the polynomial does not have may be anywhere.
+            columns[i].push_back(std::isnan(point.coordinates[i]) ? held[i] : point.coordinates[i]);
+        }
+    }
+    return ConfidenceBand::of(session, pointersTo(std::as_const(columns)), ridge.size(), output);
+}
+
+SweepPicture ridgeOf(CaseSession& session, std::size_t output, bool isAscent)
+{
+    const ResponseSurfaceStatistics& statistics = session.statistics()[output];
+    const std::string name = session.outputs()[output].lock()->name();
+    return ridgePicture(statistics, isAscent, namesOf(session.inputs()), name, session.unitOf(name),
+                        bandOf(session, isAscent ? statistics.ascent : statistics.descent, output));
 }
 
 /** Sweeps what a contour lacks. */
@@ -208,9 +219,7 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
             break;
         case Kind::Ridge:
             for (const bool isAscent : {true, false}) {
-                pictures.emplace_back(ridgePicture(statistics[output], isAscent, inputs,
-                                                   outputs[output], session.unitOf(outputs[output]),
-                                                   quantileOf(session, output)));
+                pictures.emplace_back(ridgeOf(session, output, isAscent));
             }
             break;
         case Kind::Coefficients:

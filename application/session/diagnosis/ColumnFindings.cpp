@@ -157,6 +157,26 @@ bool isCode(double number)
     return std::find(codes.begin(), codes.end(), number) != codes.end();
 }
 
+/** The share of the cases from `begin` to `end` in the sum of squares about the mean of the others:
+ *  their leverage in a line through all, but for the constant. */
+double shareOfSquares(const SortedColumn& column, std::size_t begin, std::size_t end)
+{
+    const auto isFar = [&](std::size_t i) { return i >= begin && i < end; };
+    double mean = 0.0;
+    for (std::size_t i = 0; i < column.count(); ++i) {
+        mean +=
+            isFar(i) ? 0.0 : column.value(i) / static_cast<double>(column.count() - (end - begin));
+    }
+    double squares = 0.0;
+    double ofFar = 0.0;
+    for (std::size_t i = 0; i < column.count(); ++i) {
+        const double square = std::pow((column.value(i) - mean) / column.range(), 2);
+        squares += square;
+        ofFar += isFar(i) ? square : 0.0;
+    }
+    return ofFar / squares;
+}
+
 /** Whether the interval beside the far cases is wide in the logarithm, too: among values over
  *  decades the upper ones always lie far from each other. */
 bool isWideInLogarithm(const SortedColumn& column)
@@ -220,12 +240,17 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
                         number + "."));
         return;
     }
+    constexpr double nearlyAll = 0.9;
+    const bool decides = shareOfSquares(sorted, begin, end) > nearlyAll;
+    const std::string that = isOne ? "that case" : "these cases";
     const std::string effect =
-        isOutput ? ": the model bends towards " + std::string(isOne ? "it" : "them")
-                 : ": " + std::string(isOne ? "that case alone decides" : "these cases decide") +
-                       " the effect of " + names({column.name});
+        isOutput  ? ": the model bends towards " + std::string(isOne ? "it" : "them")
+        : decides ? ": " + that + (isOne ? " alone decides" : " decide") + " the effect of " +
+                        names({column.name})
+                  : ": the effect of " + names({column.name}) + " rests on " + that +
+                        " more than on others";
     findings.push_back(
-        finding("farCase", Finding::Severe, {column.name},
+        finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
                 text + effect + "; check the " +
                     (isOne ? "cell, or leave the case" : "cells, or leave the cases") +
                     " out with --exclude."));

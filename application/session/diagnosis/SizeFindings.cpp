@@ -126,18 +126,20 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
     const std::optional<std::size_t> rank = TermFindings::rank(cases);
     if (rank && *rank < std::min(different, terms)) {
         // More cases on the same levels would not help: TermFindings says what does.
-        if (cases.count() >= terms) {
+        const bool hasTwoLevels =
+            std::all_of(cases.inputs.begin(), cases.inputs.end(),
+                        [](const Column& input) { return distinctValues(input.values, 3) <= 2; });
+        // The fit falls back to the interactions of two levels, and says so.
+        if (cases.count() >= terms ||
+            (hasTwoLevels && cases.count() > *rank && determineInteractions(cases, *rank))) {
             return {};
         }
         return {{"tooFewCases",
                  Finding::Warning,
                  {},
                  countedText(cases.count(), "case") + " for the " + wanted + " of a " + model +
-                     ": all of second order are left out; " +
-                     (determineInteractions(cases, *rank)
-                          ? "choose --terms interactions, which these cases determine."
-                          : "choose fewer terms with --terms, or add cases with other combinations "
-                            "of the inputs.")}};
+                     ": all of second order are left out; choose fewer terms with --terms, or add "
+                     "cases with other combinations of the inputs."}};
     }
     if (different < terms) {
         const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear

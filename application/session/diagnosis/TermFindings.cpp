@@ -191,16 +191,16 @@ std::vector<Term> SeparatedTerms::partnersOf(const Term& term, Numbers component
     return partners;
 }
 
-/** "A:B", "A^2", as --terms reads them. */
+/** "A * B", "A^2", as --terms reads them. */
 std::string nameOf(const Term& term, const DiagnosedCases& cases)
 {
     const auto name = [&](std::size_t input) { return names({cases.inputs[input].name}); };
     return isSquare(term)     ? name(term[0]) + "^2"
-           : term.size() == 2 ? name(term[0]) + ':' + name(term[1])
+           : term.size() == 2 ? name(term[0]) + " * " + name(term[1])
                               : name(term[0]);
 }
 
-/** "A:B", "A:B and A:C", "A:B, A:C and 5 more". */
+/** "A * B", "A * B and A * C", "A * B, A * C and 5 more". */
 std::string listOf(const std::vector<Term>& terms, const DiagnosedCases& cases)
 {
     constexpr std::size_t most = 5;

@@ -62,21 +62,24 @@ TEST(DiagnosticPictures, HaveNoResidualsOfASaturatedFit)
 
 TEST(DiagnosticPictures, FollowTheRidge)
 {
-    const SweepPicture ascent = ridgePicture(uniformity(), true, inputs, "Uniformity", "%", 2.0);
+    const ConfidenceBand band = {std::vector<double>(11, 1.0), std::vector<double>(11, 9.0),
+                                 "95 %"};
+    const SweepPicture ascent = ridgePicture(uniformity(), true, inputs, "Uniformity", "%", band);
 
     EXPECT_EQ(ascent.title, "Uniformity, response surface, ridge of steepest ascent");
     EXPECT_EQ(ascent.outputName, "Uniformity (%)");
     ASSERT_EQ(ascent.inputs.size(), 11u);
     EXPECT_EQ(ascent.inputs.back(), 1.0);
     EXPECT_NEAR(ascent.model.back(), 8.47936264855032, 1e-9);
-    EXPECT_NEAR(ascent.upper.back(), 8.47936264855032 + 2.0 * 0.573759941491176, 1e-9);
+    EXPECT_EQ(ascent.upper, band.upper);
+    EXPECT_EQ(ascent.bandLabel, "95 %");
     EXPECT_EQ(ascent.caption, "In the middle Pressure = 42, H2/WF6 = 6; at distance 1 Pressure = "
                               "9.097, H2/WF6 = 3.999.");
 }
 
 TEST(DiagnosticPictures, OfADescentMayHaveNoLimits)
 {
-    const SweepPicture descent = ridgePicture(uniformity(), false, inputs, "Uniformity", "%", none);
+    const SweepPicture descent = ridgePicture(uniformity(), false, inputs, "Uniformity", "%", {});
 
     EXPECT_EQ(descent.modelLabel, "smallest value");
     EXPECT_TRUE(descent.lower.empty());
@@ -89,7 +92,7 @@ TEST(DiagnosticPictures, HaveNoRidgeOfSquaresThatTheCasesDoNotSeparate)
     withheld.isCurved = true;
 
     try {
-        ridgePicture(withheld, true, inputs, "Uniformity", "%", 2.0);
+        ridgePicture(withheld, true, inputs, "Uniformity", "%", {});
         FAIL();
     } catch (const SurrogateModelInterface::Error& error) {
         EXPECT_STREQ(error.what(), "The model of \"Uniformity\" has no ridge: the cases cannot "
@@ -99,6 +102,6 @@ TEST(DiagnosticPictures, HaveNoRidgeOfSquaresThatTheCasesDoNotSeparate)
 
 TEST(DiagnosticPictures, HaveNoRidgeOfAConstant)
 {
-    EXPECT_THROW(ridgePicture(ResponseSurfaceStatistics(), true, inputs, "Uniformity", "%", 2.0),
+    EXPECT_THROW(ridgePicture(ResponseSurfaceStatistics(), true, inputs, "Uniformity", "%", {}),
                  SurrogateModelInterface::Error);
 }

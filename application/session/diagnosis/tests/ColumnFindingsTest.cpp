@@ -110,6 +110,22 @@ TEST(ColumnFindings, AFarInputDecidesItsEffectAlone)
         std::string::npos);
 }
 
+TEST(ColumnFindings, AFarInputOfLessWeightIsNoSevereFinding)
+{
+    std::vector<double> jumps;
+    for (const double value : spread(20)) {
+        jumps.push_back(25.0 + 95.0 * value);
+    }
+    const auto findings = ColumnFindings::farCases(casesOf({{"Jumps", with(jumps, 13, 250.0)}}));
+
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].severity, Finding::Warning);
+    EXPECT_NE(findings[0].text.find(
+                  "the effect of Jumps rests on that case more than on others; check the cell"),
+              std::string::npos)
+        << findings[0].text;
+}
+
 TEST(ColumnFindings, NumbersThatMarkMissingCellsAreNamed)
 {
     const std::vector<double> coded = with(with(spread(20), 3, -999.0), 8, -999.0);

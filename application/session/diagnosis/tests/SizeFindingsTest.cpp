@@ -43,10 +43,7 @@ TEST(SizeFindings, MoreCasesOnTwoLevelsDoNotDetermineSquares)
     const std::vector<double> b = {-1, -1, 1, 1, -1, -1, 1, 1};
     const std::vector<double> c = {-1, -1, -1, -1, 1, 1, 1, 1};
     DiagnosedCases cases = casesOf({{"a", a}, {"b", b}, {"c", c}});
-    EXPECT_EQ(textsOf(SizeFindings::find(cases)),
-              (Texts{"tooFewCases: 8 cases for the 10 terms of a quadratic response surface of 3 "
-                     "inputs: all of second order are left out; choose --terms interactions, which "
-                     "these cases determine."}));
+    EXPECT_EQ(SizeFindings::find(cases).size(), 0u) << "fitted with interactions";
 
     for (DiagnosedCases::Column& input : cases.inputs) {
         const std::vector<double> once = input.values;

@@ -24,9 +24,10 @@ TEST(TermFindings, OneFactorAtATimeLeavesNoInteractions)
                                           {"B", {0, 0, 0, 0, 0, -2, -1, 1, 2, 0, 0, 0, 0}},
                                           {"C", {0, 0, 0, 0, 0, 0, 0, 0, 0, -2, -1, 1, 2}}});
 
-    EXPECT_EQ(textsOf(TermFindings::find(cases)),
-              (Texts{"inestimableTerms: A:B, A:C and B:C cannot be estimated from these cases: the "
-                     "model leaves them out; add cases where A, B and C vary together."}));
+    EXPECT_EQ(
+        textsOf(TermFindings::find(cases)),
+        (Texts{"inestimableTerms: A * B, A * C and B * C cannot be estimated from these cases: the "
+               "model leaves them out; add cases where A, B and C vary together."}));
     EXPECT_EQ(TermFindings::rank(cases), 7u);
 }
 
@@ -35,9 +36,10 @@ TEST(TermFindings, ABaseAwayFromTheMiddleOfTheRangesMakesNoDifference)
     const DiagnosedCases cases =
         casesOf({{"A", {10, 11, 12, 14, 10, 10, 10}}, {"B", {300, 300, 300, 300, 310, 330, 320}}});
 
-    EXPECT_EQ(textsOf(TermFindings::find(cases)),
-              (Texts{"inestimableTerms: A:B cannot be estimated from these cases: the model leaves "
-                     "it out; add cases where A and B vary together."}));
+    EXPECT_EQ(
+        textsOf(TermFindings::find(cases)),
+        (Texts{"inestimableTerms: A * B cannot be estimated from these cases: the model leaves "
+               "it out; add cases where A and B vary together."}));
 }
 
 TEST(TermFindings, CentrePointsAloneDoNotSeparateSquares)
@@ -64,10 +66,11 @@ TEST(TermFindings, AFractionMakesAliases)
         casesOf({{"A", factorialA}, {"B", factorialB}, {"C", factorialC}, {"D", product}});
     cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2 + V3 + V4 + V1:V2 + V1:V3"};
 
-    EXPECT_EQ(textsOf(TermFindings::find(cases)),
-              (Texts{"inestimableTerms: A:B cannot be told apart from D by these cases: the model "
-                     "leaves it out, and D takes its effect; add cases with other combinations of "
-                     "A, B and D."}));
+    EXPECT_EQ(
+        textsOf(TermFindings::find(cases)),
+        (Texts{"inestimableTerms: A * B cannot be told apart from D by these cases: the model "
+               "leaves it out, and D takes its effect; add cases with other combinations of "
+               "A, B and D."}));
 }
 
 TEST(TermFindings, SquaresOfTwoValuesAreNotNamedHere)
