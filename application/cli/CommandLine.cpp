@@ -29,6 +29,9 @@ void checkModelFile(const CommandLine& line)
     require(!line.choosesTerms(),
             "--terms, --select-terms and --all-terms choose what is fitted; " + name +
                 " is an exported model, fitted already.");
+    require(!line.choices.weights && !line.choices.blocks,
+            "--weights and --block choose what is fitted; " + name +
+                " is an exported model, fitted already.");
     require(!line.choices.transform, "--transform chooses what is fitted; " + name +
                                          " is an exported model, fitted already.");
     require(line.save.empty(), "--save keeps a choice of cases, and " + name +

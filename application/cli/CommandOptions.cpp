@@ -234,6 +234,15 @@ void addModel(CLI::App& command, CommandLine& line)
         line.choices.model);
 }
 
+void addColumn(CLI::App& command, const char* name, const char* description,
+               std::optional<std::string>& column)
+{
+    command
+        .add_option_function<std::string>(
+            name, [&column](const std::string& text) { column = text; }, description)
+        ->type_name("COLUMN");
+}
+
 void addTerms(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Model");
@@ -257,8 +266,18 @@ void addTerms(CLI::App& command, CommandLine& line)
             "the polynomial of a response surface: linear, interactions\n"
             "(these and the products of two inputs), quadratic (these\n"
             "and the squares, the default), or a sum of terms such as\n"
-            "\"A + B + A:B + A^2\"; names that hold one of + : * ^ in quotes")
+            "\"A + B + A * B + A^2\"; names that hold one of + : * ^ in quotes")
         ->type_name("T");
+    addColumn(command, "--weights",
+              "the column of weights of a response surface, proportional to\n"
+              "1 / variance; cases with weight 0 or without one are left\n"
+              "out. none takes back what a project holds",
+              line.choices.weights);
+    addColumn(command, "--block",
+              "the column of blocks, numbers or texts: each adds an effect\n"
+              "of its own to a response surface, which predicts the\n"
+              "average block. none takes it back",
+              line.choices.blocks);
     addWord<TransformSetting>(command, "--transform",
                               "which transform of outputs that are positive in all cases is\n"
                               "modelled: none, sqrt, log, auto (what describes the cases\n"

@@ -101,6 +101,12 @@ OpenSession::OpenSession(const CommandLine& line)
                      line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
         requireFewInputs(session, line.command == CommandLine::Compare);
     }
+    if (session.modelType() == CaseSession::Kriging && !session.designColumns().isEmpty() &&
+        line.command != CommandLine::Compare) {
+        throw UsageError("Weights and blocks are for response surfaces: choose -m "
+                         "response-surface, or leave them out with --weights none and --block "
+                         "none.");
+    }
     if (!session.readingGuess().empty()) {
         note(line, "Read as: " + session.readingGuess() + '\n');
     }

@@ -5,6 +5,7 @@
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,10 @@ struct CaseCounts
      *  case counts under each variable that it lacks. */
     std::vector<std::size_t> invalidByInput;
     std::vector<std::size_t> invalidByOutput;
+
+    /** The included cases that the columns of weights and blocks leave out, by column: they are
+     *  invalid, and count under no other variable. */
+    std::vector<std::pair<std::string, std::size_t>> leftOutByDesign;
 
     /** The valid cases that each output would have if it were the only one. */
     std::vector<std::size_t> validAlone;

@@ -7,12 +7,26 @@
 #include <iterator>
 
 namespace {
+/** Of columns that are neither inputs nor outputs, and the reason why. */
+const char weightsRole[] = "weights";
+const char blocksRole[] = "blocks";
+
 class RoleChooser
 {
 public:
-    explicit RoleChooser(const CaseTable& cases)
+    RoleChooser(const CaseTable& cases, const CaseDesignColumns& design)
         : table(cases), names(cases.names()), roleOf(cases.columns.size())
-    {}
+    {
+        if (!design.weights.empty()) {
+            give(names.position(design.weights), weightsRole);
+        }
+        if (!design.blocks.empty()) {
+            give(names.position(design.blocks), blocksRole);
+        }
+    }
+
+    /** Empty without one. */
+    const std::string& role(std::size_t position) const { return roleOf[position]; }
 
     std::vector<std::size_t> choose(const std::vector<std::string>& texts, const std::string& role)
     {
@@ -45,6 +59,12 @@ private:
                              std::to_string(column.withoutNumber.firstLine) + " of " + table.path +
                              " holds \"" + column.withoutNumber.spellings.front() + "\".");
         }
+        give(position, role);
+    }
+
+    void give(std::size_t position, const std::string& role)
+    {
+        const CaseColumn& column = table.columns[position];
         if (roleOf[position] == role) {
             throw UsageError("\"" + column.name + "\" is named twice as " + role + '.');
         }
@@ -76,12 +96,15 @@ public:
         }
     }
 
-    /** Finds out which columns are no inputs by what they hold. */
-    void findReasons()
+    /** Finds out which columns are no inputs by what they are for or hold. */
+    void findReasons(const RoleChooser& designed)
     {
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
             if (roles.columns[i].role == ColumnRole::None) {
-                roles.columns[i].reason = ColumnRoles::reasonAgainstInput(table.columns[i]);
+                roles.columns[i].reason = designed.role(i);
+                if (roles.columns[i].reason.empty()) {
+                    roles.columns[i].reason = ColumnRoles::reasonAgainstInput(table.columns[i]);
+                }
             }
         }
     }
@@ -140,7 +163,9 @@ private:
         std::vector<std::size_t> positions;
         for (std::size_t i = 0; i < roles.columns.size(); ++i) {
             const CaseColumn& column = table.columns[i];
-            if (roles.columns[i].role == ColumnRole::None && column.isNumeric && column.isNamed &&
+            const ColumnRole& role = roles.columns[i];
+            if (role.role == ColumnRole::None && column.isNumeric && column.isNamed &&
+                role.reason != weightsRole && role.reason != blocksRole &&
                 ColumnRoles::areRunNumbers(column)) {
                 positions.push_back(i);
             }
@@ -177,14 +202,16 @@ private:
 } // namespace
 
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
-                          const std::vector<std::string>& outputTexts, UnnamedOutputs unnamed)
+                          const std::vector<std::string>& outputTexts, UnnamedOutputs unnamed,
+                          const CaseDesignColumns& design)
 {
-    RoleChooser chooser(table);
+    const RoleChooser designed(table, design);
+    RoleChooser chooser = designed;
     CaseRoles roles;
     roles.outputs = chooser.choose(outputTexts, "output");
     roles.inputs = chooser.choose(inputTexts, "input");
     DefaultRoles defaults(table, roles);
-    defaults.findReasons();
+    defaults.findReasons(designed);
     if (outputTexts.empty() && unnamed == UnnamedOutputs::Suggested) {
         defaults.suggestOutputs();
     }
@@ -197,9 +224,10 @@ CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>
 }
 
 CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>& inputTexts,
-                          const std::vector<std::string>& outputTexts, const CaseRoles& present)
+                          const std::vector<std::string>& outputTexts, const CaseRoles& present,
+                          const CaseDesignColumns& design)
 {
-    RoleChooser chooser(table);
+    RoleChooser chooser(table, design);
     CaseRoles roles;
     roles.outputs = chooser.choose(outputTexts, "output");
     roles.inputs = chooser.choose(inputTexts, "input");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <session/cases/CaseDesignColumns.h>
 #include <session/cases/CaseTable.h>
 #include <session/cases/ColumnRole.h>
 
@@ -33,15 +34,18 @@ enum class UnnamedOutputs
  *                    only looks like an output is one all the same if no other is left, then one
  *                    of run numbers with a name.
  * @param outputTexts likewise; none at all: as `unnamed` says.
+ * @param design      its columns are neither inputs nor outputs.
  * @throw UsageError for a name that is unknown, comes twice or is a text column's.
  */
 SURROGATE_SESSION_EXPORT CaseRoles chooseCaseRoles(const CaseTable& table,
                                                    const std::vector<std::string>& inputTexts,
                                                    const std::vector<std::string>& outputTexts,
-                                                   UnnamedOutputs unnamed = UnnamedOutputs::None);
+                                                   UnnamedOutputs unnamed = UnnamedOutputs::None,
+                                                   const CaseDesignColumns& design = {});
 
 /** The same, but where no text is given these roles stay, without what the other texts take. */
 SURROGATE_SESSION_EXPORT CaseRoles chooseCaseRoles(const CaseTable& table,
                                                    const std::vector<std::string>& inputTexts,
                                                    const std::vector<std::string>& outputTexts,
-                                                   const CaseRoles& present);
+                                                   const CaseRoles& present,
+                                                   const CaseDesignColumns& design = {});

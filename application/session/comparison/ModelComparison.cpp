@@ -4,10 +4,9 @@
 #include "session/cases/VariableNames.h"
 #include "session/comparison/ComparisonVerdict.h"
 #include "session/model/ModelInterfaces.h"
+#include "session/model/SessionModelFactory.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
-
-#include <surrogatemodel/SurrogateModelFactory.h>
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ColumnPointers.h>
@@ -17,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
 
 namespace {
@@ -51,7 +51,9 @@ Columns picked(const Columns& columns, const std::vector<std::size_t>& positions
 /** The valid cases of a workspace. */
 struct Cases
 {
-    explicit Cases(const Workspace& workspace) : positions(workspace.validCases())
+    explicit Cases(const Workspace& workspace)
+        : positions(workspace.validCases()),
+          design(workspace.designColumns().design(workspace.project(), positions))
     {
         for (const VarPtr& input : workspace.inputs()) {
             inputs.push_back(picked(workspace.project().numericValues(input), positions));
@@ -59,7 +61,17 @@ struct Cases
         for (const VarPtr& output : workspace.outputs()) {
             outputs.push_back(picked(workspace.project().numericValues(output), positions));
         }
+        double sum = 0.0;
+        for (const double weight : design.weights) {
+            sum += weight;
+        }
+        for (double& weight : design.weights) {
+            weight *= static_cast<double>(count()) / sum;
+        }
     }
+
+    /** Mean 1. */
+    double weight(std::size_t i) const { return design.weights.empty() ? 1.0 : design.weights[i]; }
 
     std::size_t count() const { return positions.size(); }
 
@@ -72,6 +84,7 @@ struct Cases
     }
 
     std::vector<std::size_t> positions; ///< in the case file
+    CaseDesign design;
     Columns inputs;
     Columns outputs;
 };
@@ -99,12 +112,14 @@ struct TrainTestSplit
             (foldOfCase[i] == fold ? testCases : trainingCases).push_back(i);
         }
         trainingInputs = picked(cases.inputs, trainingCases);
+        trainingDesign = cases.design.of(trainingCases);
         testInputs = picked(cases.inputs, testCases);
     }
 
     std::vector<std::size_t> trainingCases;
     std::vector<std::size_t> testCases;
     Columns trainingInputs;
+    CaseDesign trainingDesign;
     Columns testInputs;
 };
 
@@ -207,8 +222,9 @@ public:
         const std::vector<double>& values = cases.outputs[output];
         std::vector<PairedErrors::Case> errors;
         for (std::size_t i = 0; i < values.size(); ++i) {
-            const double left = std::abs(responseSurface[output].values[i] - values[i]);
-            const double right = std::abs(kriging[output].values[i] - values[i]);
+            const double root = std::sqrt(cases.weight(i));
+            const double left = root * std::abs(responseSurface[output].values[i] - values[i]);
+            const double right = root * std::abs(kriging[output].values[i] - values[i]);
             if (std::isfinite(left) && std::isfinite(right)) {
                 errors.push_back({foldOfCase[i], left, right});
             }
@@ -257,9 +273,9 @@ private:
                  Predictions& predictions, const std::string& message) const
     {
         const Stopwatch watch;
-        const auto model =
-            workspace.modelFactory().makeModel(type, pointersTo(split.trainingInputs),
-                                               {output.data()}, static_cast<int>(output.size()));
+        const auto model = workspace.modelFactory().makeModel(
+            type, pointersTo(split.trainingInputs), {output.data()},
+            static_cast<int>(output.size()), split.trainingDesign);
         {
             const FitProgress::Portion fitting(0.0, shareOfFit);
             model->activateDependentVariables({0});
@@ -268,7 +284,7 @@ private:
         // The intervals are calibrated when they are asked for, by refits that report too.
         const FitProgress::Portion calibrating(shareOfFit, 1.0);
 
-        const std::vector<double> values =
+        std::vector<double> values =
             predicted(*model, split.testInputs, split.testCases.size(), message);
         if (!std::all_of(values.begin(), values.end(),
                          [](double value) { return std::isfinite(value); })) {
@@ -277,14 +293,40 @@ private:
         predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
         predictions.transforms.push_back(ModelInterfaces(*model).transform(0).transform);
         predictions.seconds += seconds;
-        const PredictionIntervals intervals =
+        PredictionIntervals intervals =
             intervalsOf(*model, split.testInputs, split.testCases.size(), message);
+        for (std::vector<double>* const column : {&values, &intervals.lower, &intervals.upper}) {
+            addBlockEffects(*model, split.testCases, *column);
+        }
         for (std::size_t i = 0; i < values.size(); ++i) {
             predictions.values[split.testCases[i]] = values[i];
             if (!intervals.lower.empty()) {
                 predictions.lower[split.testCases[i]] = intervals.lower[i];
                 predictions.upper[split.testCases[i]] = intervals.upper[i];
             }
+        }
+    }
+
+    /** Moves predictions for the average block to the blocks of the cases; those of a block that
+     * the model does not know stay. */
+    void addBlockEffects(const SurrogateModelInterface& model, const std::vector<std::size_t>& rows,
+                         std::vector<double>& values) const
+    {
+        const ModelInterfaces interfaces(model);
+        const auto statistics =
+            cases.design.blocks.empty() ? std::nullopt : interfaces.responseSurfaceStatistics(0);
+        if (!statistics) {
+            return;
+        }
+        std::map<std::size_t, double> effects;
+        for (const BlockEffect& one : statistics->blockEffects) {
+            effects[one.block] = one.effect;
+        }
+        const OutputTransform transform = interfaces.transform(0).transform;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const double value = OutputTransforms::apply(transform, values[i]);
+            values[i] =
+                OutputTransforms::invert(transform, value + effects[cases.design.blocks[rows[i]]]);
         }
     }
 
@@ -310,8 +352,7 @@ double shareHeld(const Predictions& predictions, const std::vector<std::size_t>&
 
 /** The metrics over the cases that are used. */
 CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vector<bool>& isUsed,
-                                 const std::vector<double>& output,
-                                 const std::vector<std::size_t>& positions)
+                                 const std::vector<double>& output, const Cases& cases)
 {
     CrossValidationMetrics metrics;
     metrics.failures = predictions.failures;
@@ -329,25 +370,30 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
         return metrics;
     }
 
-    const auto count = static_cast<double>(used.size());
+    double count = 0.0; // by weights
+    for (const std::size_t i : used) {
+        count += cases.weight(i);
+    }
     double mean = 0.0;
     for (const std::size_t i : used) {
-        mean += output[i] / count;
+        mean += cases.weight(i) * output[i] / count;
     }
     double squares = 0.0;
     double squaresAboutMean = 0.0;
     metrics.largestError = -1.0;
     for (const std::size_t i : used) {
         const double error = std::abs(predictions.values[i] - output[i]);
-        squares += error * error;
-        squaresAboutMean += (output[i] - mean) * (output[i] - mean);
+        squares += cases.weight(i) * error * error;
+        squaresAboutMean += cases.weight(i) * (output[i] - mean) * (output[i] - mean);
         if (error > metrics.largestError) {
             metrics.largestError = error;
-            metrics.largestErrorCase = positions[i];
+            metrics.largestErrorCase = cases.positions[i];
         }
     }
     metrics.rmse = std::sqrt(squares / count);
-    metrics.held95 = shareHeld(predictions, used, output);
+    // Prediction intervals are those of a case of mean weight.
+    metrics.held95 = cases.design.weights.empty() ? shareHeld(predictions, used, output)
+                                                  : CrossValidationMetrics::none;
     const auto [least, greatest] = std::minmax_element(output.begin(), output.end());
     if (*least < *greatest && squaresAboutMean > 0.0) {
         metrics.q2 = 1.0 - squares / squaresAboutMean;
@@ -365,8 +411,9 @@ struct WholeFit
         try {
             Columns inputs = cases.inputs;
             std::vector<double> values = cases.outputs[output];
-            const auto model = workspace.modelFactory().makeModel(
-                type, pointersTo(inputs), {values.data()}, static_cast<int>(values.size()));
+            const auto model =
+                workspace.modelFactory().makeModel(type, pointersTo(inputs), {values.data()},
+                                                   static_cast<int>(values.size()), cases.design);
             model->activateDependentVariables({0});
             if (const PredictiveModel* const predictive = ModelInterfaces(*model).predictive()) {
                 looRmse = predictive->fitMetrics(0).looRmse;
@@ -414,9 +461,8 @@ void addWholeFit(const Predictions& predictions, const WholeFit& fit,
 }
 
 OutputComparison compared(const std::string& name, const std::vector<double>& output,
-                          const std::vector<std::size_t>& positions,
-                          const Predictions& responseSurface, const Predictions& kriging,
-                          const PairedErrors& errors)
+                          const Cases& cases, const Predictions& responseSurface,
+                          const Predictions& kriging, const PairedErrors& errors)
 {
     std::vector<bool> left(output.size());
     std::vector<bool> right(output.size());
@@ -431,8 +477,8 @@ OutputComparison compared(const std::string& name, const std::vector<double>& ou
     OutputComparison comparison;
     comparison.name = name;
     comparison.responseSurface =
-        metricsOf(responseSurface, haveCommonCases ? both : left, output, positions);
-    comparison.kriging = metricsOf(kriging, haveCommonCases ? both : right, output, positions);
+        metricsOf(responseSurface, haveCommonCases ? both : left, output, cases);
+    comparison.kriging = metricsOf(kriging, haveCommonCases ? both : right, output, cases);
     comparison.errors = errors;
     return comparison;
 }
@@ -467,7 +513,7 @@ ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t fold
     const std::vector<std::string> names = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < names.size(); ++i) {
         OutputComparison& output = comparison.outputs.emplace_back(
-            compared(names[i], cases.outputs[i], cases.positions, validation.responseSurface[i],
+            compared(names[i], cases.outputs[i], cases, validation.responseSurface[i],
                      validation.kriging[i], validation.pairedErrors(i)));
         const FitProgress::Portion rest(shareOfFolds, 1.0);
         const FitProgress::Portion portion = partOf(i, names.size());

@@ -12,7 +12,9 @@ class Workspace;
 /**
  * Response surface and Kriging compared by cross-validation: the valid cases are split into folds,
  * and each fold is predicted by models of the other cases, made by the model factory of the
- * workspace, so that its terms hold for each response surface. The metrics of both models are
+ * workspace, so that its terms, weights and blocks hold for each response surface; a left-out case
+ * is predicted with the effect of its block, if that is known, and errors are weighted for both
+ * models. The metrics of both models are
  * computed from the same cases, those in whose folds both could be fitted. Of the workspace it
  * takes the cases, the roles and the terms, and changes nothing.
  *

@@ -67,6 +67,9 @@ DiagnosedCases DiagnosedCases::sample(std::size_t most) const
     for (const Column& column : outputs) {
         sampled.outputs.push_back({column.name, valuesAt(column.values, rows)});
     }
+    if (!blocks.empty()) {
+        sampled.blocks = valuesAt(blocks, rows);
+    }
     for (const std::size_t row : rows) {
         sampled.positions.push_back(positions[row]);
     }

@@ -24,6 +24,9 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
 
     std::vector<Column> inputs;
     std::vector<Column> outputs;
+    /** The numbers of the cases' blocks; empty without blocks. Cases repeat those of their block.
+     */
+    std::vector<double> blocks;
     /** Where the cases stand among all that were read, from 0, ascending. */
     std::vector<std::size_t> positions;
 

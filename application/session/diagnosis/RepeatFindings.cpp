@@ -269,7 +269,11 @@ std::vector<Finding> RepeatFindings::repeats(const DiagnosedCases& cases)
     }
     Rows all(cases.count());
     std::iota(all.begin(), all.end(), std::size_t(0));
-    const std::vector<Rows> groups = equalRows(cases.inputs, all);
+    std::vector<Column> determining = cases.inputs;
+    if (!cases.blocks.empty()) {
+        determining.push_back({"", cases.blocks});
+    }
+    const std::vector<Rows> groups = equalRows(determining, all);
     if (groups.empty()) {
         return findings;
     }

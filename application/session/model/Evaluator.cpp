@@ -242,6 +242,8 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
         return *impl->statistics;
     }
     std::vector<ResponseSurfaceStatistics> results;
+    const std::vector<std::string> blockNames =
+        impl->workspace.designColumns().blockNames(impl->workspace.project());
     std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
         std::optional<ResponseSurfaceStatistics> statistics =
@@ -254,6 +256,9 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
             cases = impl->workspace.validCases();
         }
         results.push_back(std::move(*statistics));
+        for (BlockEffect& one : results.back().blockEffects) {
+            one.name = blockNames.at(one.block);
+        }
         for (CaseLeverage& one : results.back().largestLeverages) {
             one.row = cases.at(one.row);
         }

@@ -34,7 +34,7 @@ void requireFormula(const std::string& formula, const std::vector<std::string>& 
     } catch (const SurrogateModelInterface::Error& error) {
         throw UsageError(std::string(error.what()) +
                          " --terms takes linear, interactions, quadratic or a sum of terms such as "
-                         "A + B + A:B + A^2 of the inputs, which are: " +
+                         "A + B + A * B + A^2 of the inputs, which are: " +
                          joinedText(inputs) + '.');
     }
 }
@@ -52,6 +52,17 @@ void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
     }
     session.chooseResponseSurface(options);
     session.chooseTransform(choices.transform.value_or(session.transform()));
+}
+
+CaseDesignColumns chosenDesign(CaseDesignColumns design, const SessionChoices& choices)
+{
+    if (choices.weights) {
+        design.weights = *choices.weights == "none" ? "" : *choices.weights;
+    }
+    if (choices.blocks) {
+        design.blocks = *choices.blocks == "none" ? "" : *choices.blocks;
+    }
+    return design;
 }
 
 /** The inputs, by their positions, for which these values choose none: one of mode Auto is a median
@@ -109,12 +120,14 @@ std::string missingInputText(const Workspace& workspace)
 
 std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& choices)
 {
+    const CaseDesignColumns design = chosenDesign({}, choices);
     const CaseRoles roles =
-        chooseCaseRoles(table, choices.inputs, choices.outputs, choices.unnamedOutputs);
+        chooseCaseRoles(table, choices.inputs, choices.outputs, choices.unnamedOutputs, design);
     const std::vector<std::size_t> excluded =
         excludedCases(choices.excluded.value_or("none"), table.cases);
     auto session = std::make_unique<CaseSession>(
         std::move(table), roles, excluded, choices.model.value_or(CaseSession::ResponseSurface));
+    session->chooseDesign(design);
     chooseModelOptions(choices, *session);
     session->holdAtMedians(inputsWithoutValue(*session, {}));
     return session;
@@ -123,8 +136,9 @@ std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& ch
 OpenedProject openProject(CaseTable table, const ProjectDocument& document,
                           const SessionChoices& choices)
 {
+    const CaseDesignColumns design = chosenDesign(document.designColumns, choices);
     const CaseRoles roles =
-        chooseCaseRoles(table, choices.inputs, choices.outputs, rolesIn(document, table));
+        chooseCaseRoles(table, choices.inputs, choices.outputs, rolesIn(document, table), design);
     const std::size_t cases = table.cases;
 
     OpenedProject opened;
@@ -134,7 +148,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     if (choices.inputs.empty()) {
         noteMissingInputs(document, opened);
     }
-    if (!choices.inputs.empty() || !choices.outputs.empty()) {
+    if (!choices.inputs.empty() || !choices.outputs.empty() || choices.weights || choices.blocks) {
         session.chooseRoles(roles);
     }
     if (choices.excluded) {
@@ -145,6 +159,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     } else {
         noteUnknownModel(document, opened);
     }
+    session.chooseDesign(design);
     chooseModelOptions(choices, session);
     session.holdAtMedians(inputsWithoutValue(session, document.evaluationPoint()));
     return opened;

@@ -22,6 +22,13 @@ SessionModelFactory::SessionModelFactory(boost::shared_ptr<SurrogateModelInterfa
         boost::make_shared<veska::UndoablePropertyProxy<ResponseSurfaceOptions>>(
             "Surrogate Model Terms", value);
 
+    const auto columns = boost::make_shared<veska::Property<CaseDesignColumns>>();
+    designConnection = columns->connectSignalChanged([this](const CaseDesignColumns&) {
+        emitChanged(SurrogateModelManagerInterface::ResponseSurface);
+    });
+    designColumnsSetting = boost::make_shared<veska::UndoablePropertyProxy<CaseDesignColumns>>(
+        "Surrogate Model Weights and Blocks", columns);
+
     const auto setting = boost::make_shared<veska::Property<TransformSetting>>();
     transformConnection = setting->connectSignalChanged([this](TransformSetting) {
         emitChanged(SurrogateModelManagerInterface::Kriging);
@@ -50,6 +57,17 @@ boost::shared_ptr<SurrogateModelInterface>
 SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& independentColumns,
                                const std::vector<double*>& dependentColumns, int rowCount) const
 {
+    const bool hasDesign = type != SurrogateModelManagerInterface::Kriging && designOfCases &&
+                           !designColumnsSetting->get().isEmpty();
+    return makeModel(type, independentColumns, dependentColumns, rowCount,
+                     hasDesign ? designOfCases() : CaseDesign());
+}
+
+boost::shared_ptr<SurrogateModelInterface>
+SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& independentColumns,
+                               const std::vector<double*>& dependentColumns, int rowCount,
+                               const CaseDesign& design) const
+{
     if (finishedModel != nullptr) {
         return finishedModel;
     }
@@ -59,7 +77,8 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
     if (!settings.isKriging) {
         settings.responseSurface = optionsOfColumns();
     }
-    return settings.fit(independentColumns, dependentColumns, static_cast<std::size_t>(rowCount));
+    return settings.fit(independentColumns, dependentColumns, static_cast<std::size_t>(rowCount),
+                        design);
 }
 
 bool SessionModelFactory::needsCases() const
@@ -71,6 +90,17 @@ boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>>
 SessionModelFactory::responseSurface() const
 {
     return responseSurfaceOptions;
+}
+
+void SessionModelFactory::setDesign(std::function<CaseDesign()> design)
+{
+    designOfCases = std::move(design);
+}
+
+boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>>
+SessionModelFactory::designColumns() const
+{
+    return designColumnsSetting;
 }
 
 boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> SessionModelFactory::transform() const

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/TransformSetting.h>
+#include <session/cases/CaseDesignColumns.h>
 
 #include <surrogatemodel/SurrogateModelFactory.h>
 
@@ -24,6 +26,12 @@ public:
     boost::shared_ptr<SurrogateModelInterface>
     makeModel(ModelType type, const std::vector<double*>& independentColumns,
               const std::vector<double*>& dependentColumns, int rowCount) const override;
+    /** The same of other cases than those that setDesign() is about, whose design is given. Kriging
+     *  does not take it into account. */
+    boost::shared_ptr<SurrogateModelInterface>
+    makeModel(ModelType type, const std::vector<double*>& independentColumns,
+              const std::vector<double*>& dependentColumns, int rowCount,
+              const CaseDesign& design) const;
     bool needsCases() const override;
 
     /** A change is an undo step, and invalidates all models that were made before. */
@@ -32,6 +40,13 @@ public:
     /** @param names gives those of the inputs of the models that are made, in the order of the
      *               columns: what a formula of chosen terms names. */
     void setInputNames(std::function<std::vector<std::string>()> names);
+
+    /** @param design gives that of the valid cases, of which models are made. */
+    void setDesign(std::function<CaseDesign()> design);
+
+    /** The columns that the design comes from. A change is an undo step, and invalidates response
+     *  surfaces that were made before. */
+    boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>> designColumns() const;
 
     /** The terms of response surfaces, a formula in the names of inputs. A change is an undo step,
      * and invalidates response surfaces that were made before. */
@@ -42,8 +57,11 @@ private:
 
     boost::shared_ptr<SurrogateModelInterface> finishedModel;
     std::function<std::vector<std::string>()> inputNames;
+    std::function<CaseDesign()> designOfCases;
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurfaceOptions;
     boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transformSetting;
+    boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>> designColumnsSetting;
+    boost::signals2::scoped_connection designConnection;
     boost::signals2::scoped_connection termsConnection;
     boost::signals2::scoped_connection transformConnection;
 };

@@ -11,5 +11,6 @@ bool SessionSettings::operator==(const SessionSettings& other) const
            inputs == other.inputs && outputs == other.outputs &&
            evaluationPoint == other.evaluationPoint &&
            userDistributions == other.userDistributions && sweeps == other.sweeps &&
-           responseSurface == other.responseSurface && transform == other.transform;
+           responseSurface == other.responseSurface && designColumns == other.designColumns &&
+           transform == other.transform;
 }

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/TransformSetting.h>
+#include <session/cases/CaseDesignColumns.h>
 #include <session/model/SweepInterpolationVariables.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
@@ -29,7 +30,7 @@ struct SessionSettings
     bool operator==(const SessionSettings& other) const;
 
     std::map<VarPtr, VariableSettings> variables;
-    std::vector<std::size_t> excluded; ///< positions of records, ascending
+    std::vector<std::size_t> excluded; ///< by the user: positions of records, ascending
     SurrogateModelManagerInterface::ModelType type =
         SurrogateModelManagerInterface::ResponseSurface;
     std::vector<VarPtr> inputs;
@@ -38,5 +39,6 @@ struct SessionSettings
     SurrogateModelUserDistCollection userDistributions;
     std::map<VarPtr, SweepInterpolationVariables::Sweep> sweeps;
     ResponseSurfaceOptions responseSurface;
+    CaseDesignColumns designColumns;
     TransformSetting transform = TransformSetting::Usual;
 };

@@ -1,5 +1,6 @@
 #include "session/model/SessionState.h"
 
+#include "session/cases/CaseCounts.h"
 #include "session/cases/VariableNames.h"
 #include "session/project/ProjectDocument.h"
 #include "session/text/SessionErrors.h"
@@ -76,6 +77,19 @@ SessionState::SessionState(CaseTable& table,
     // The manager keeps the factory: a shared pointer back would keep both forever.
     factory->setInputNames(
         [inputs = manager->independentVars()] { return namesOf(inputs->get()); });
+    factory->setDesign([this] {
+        return factory->designColumns()->get().design(
+            *project, validCases(*project, manager->independentVars()->get(),
+                                 interpolation->outputs(), project->excludedRows()));
+    });
+    designConnection = factory->designColumns()->connectSignalChanged(
+        [this](const CaseDesignColumns&) { includeOthers(); });
+}
+
+/** The manager, which keeps the factory, may live on. */
+SessionState::~SessionState()
+{
+    factory->setDesign(nullptr);
 }
 
 SessionSettings SessionState::settings() const
@@ -85,7 +99,7 @@ SessionSettings SessionState::settings() const
         const auto variable = handle.lock();
         settings.variables[handle] = {variable->nature(), variable->chosenRange()};
     }
-    settings.excluded = project->excludedRows();
+    settings.excluded = excludedByUser;
     settings.type = manager->type()->get();
     settings.inputs = manager->independentVars()->get();
     settings.outputs = interpolation->outputs();
@@ -93,6 +107,7 @@ SessionSettings SessionState::settings() const
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
     settings.responseSurface = factory->responseSurface()->get();
+    settings.designColumns = factory->designColumns()->get();
     settings.transform = factory->transform()->get();
     return settings;
 }
@@ -110,6 +125,7 @@ void SessionState::setSettings(const SessionSettings& settings)
     }
     exclude(settings.excluded);
     factory->responseSurface()->set(settings.responseSurface);
+    factory->designColumns()->set(settings.designColumns);
     factory->transform()->set(settings.transform);
     manager->type()->set(settings.type);
     manager->independentVars()->set(settings.inputs);
@@ -144,13 +160,23 @@ void SessionState::chooseRoles(const CaseRoles& roles)
 
 void SessionState::exclude(const std::vector<std::size_t>& excluded)
 {
+    excludedByUser = excluded;
+    includeOthers();
+}
+
+void SessionState::includeOthers()
+{
+    std::set<std::size_t> excluded(excludedByUser.begin(), excludedByUser.end());
+    for (const auto& [name, records] : factory->designColumns()->get().leftOut(*project)) {
+        excluded.insert(records.begin(), records.end());
+    }
     const Project::ChangeGroup oneChange(*project);
     std::vector<std::size_t> included;
     const std::vector<std::size_t> before = project->excludedRows();
     std::set_difference(before.begin(), before.end(), excluded.begin(), excluded.end(),
                         std::back_inserter(included));
     project->setRowsIncluded(included, true);
-    project->setRowsIncluded(excluded, false);
+    project->setRowsIncluded({excluded.begin(), excluded.end()}, false);
 }
 
 void SessionState::load(const ProjectDocument& document)
@@ -174,6 +200,7 @@ void SessionState::load(const ProjectDocument& document)
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
     loaded.responseSurface = document.responseSurface;
+    loaded.designColumns = document.designColumns;
     loaded.transform = document.transform;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
@@ -202,7 +229,7 @@ void SessionState::save(ProjectDocument& document) const
             {variable->name(), variable->nature(), variable->chosenRange()});
     }
     document.outputs = namesOf(interpolation->outputs());
-    document.excluded = project->excludedRows();
+    document.excluded = excludedByUser;
     document.sweeps.clear();
     for (const auto& [handle, sweep] : interpolation->sweeps()) {
         // A variable that is no input any more keeps its sweep, without effect.
@@ -212,6 +239,7 @@ void SessionState::save(ProjectDocument& document) const
         }
     }
     document.responseSurface = factory->responseSurface()->get();
+    document.designColumns = factory->designColumns()->get();
     document.transform = factory->transform()->get();
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
@@ -237,6 +265,10 @@ void SessionState::check(const ProjectDocument& document) const
     }
     for (const std::string& output : document.outputs) {
         present(output);
+    }
+    const std::string fault = document.designColumns.fault(*project);
+    if (!fault.empty()) {
+        refuse(fault);
     }
     std::set<std::string> inputs;
     for (const std::string& name : document.modelInputs()) {

@@ -36,6 +36,10 @@ public:
     explicit SessionState(CaseTable& table,
                           const boost::shared_ptr<SurrogateModelInterface>& model = nullptr);
 
+    ~SessionState();
+    SessionState(const SessionState&) = delete;
+    SessionState& operator=(const SessionState&) = delete;
+
     SessionSettings settings() const;
 
     /** Makes the settings these; the project emits one change. */
@@ -47,8 +51,10 @@ public:
      */
     void chooseRoles(const CaseRoles& roles);
 
-    /** Excludes these cases, by their positions, ascending, and includes all others. */
+    /** Excludes these cases, by their positions, ascending, and includes all others that
+     *  the columns of weights and blocks do not leave out. */
     void exclude(const std::vector<std::size_t>& excluded);
+    const std::vector<std::size_t>& excluded() const { return excludedByUser; }
 
     /**
      * Takes the settings of a document, all or none.
@@ -66,8 +72,12 @@ public:
     const boost::shared_ptr<SweepInterpolationVariables> interpolation;
 
 private:
+    void includeOthers();
     void check(const ProjectDocument& document) const;
     void checkValueCounts() const;
+
+    std::vector<std::size_t> excludedByUser;
+    boost::signals2::scoped_connection designConnection;
 };
 
 /** The sentence that refuses a text of more values than ProjectContents::maxTypedValues; empty for

@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -216,7 +217,7 @@ boost::shared_ptr<const SweepInterpolationVariables> Workspace::interpolation() 
     return impl->state.interpolation;
 }
 
-const SurrogateModelFactory& Workspace::modelFactory() const
+const SessionModelFactory& Workspace::modelFactory() const
 {
     return *impl->state.factory;
 }
@@ -247,8 +248,17 @@ const std::vector<int>& Workspace::outputOffsets() const
 const CaseCounts& Workspace::counts() const
 {
     if (!impl->knownCounts) {
-        impl->knownCounts =
+        CaseCounts counts =
             countCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
+        counts.excluded = impl->state.excluded().size();
+        counts.invalid = counts.read - counts.excluded - counts.valid;
+        for (const auto& [name, records] : designColumns().leftOut(project())) {
+            std::vector<std::size_t> included;
+            std::set_difference(records.begin(), records.end(), impl->state.excluded().begin(),
+                                impl->state.excluded().end(), std::back_inserter(included));
+            counts.leftOutByDesign.emplace_back(name, included.size());
+        }
+        impl->knownCounts = std::move(counts);
     }
     return *impl->knownCounts;
 }
@@ -355,6 +365,20 @@ void Workspace::chooseTransform(TransformSetting setting)
 TransformSetting Workspace::transform() const
 {
     return impl->state.factory->transform()->get();
+}
+
+void Workspace::chooseDesign(const CaseDesignColumns& columns)
+{
+    const std::string fault = columns.fault(project());
+    if (!fault.empty()) {
+        throw UsageError(fault);
+    }
+    impl->state.factory->designColumns()->set(columns);
+}
+
+CaseDesignColumns Workspace::designColumns() const
+{
+    return impl->state.factory->designColumns()->get();
 }
 
 void Workspace::chooseResponseSurface(const ResponseSurfaceOptions& options)

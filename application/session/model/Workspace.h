@@ -3,6 +3,7 @@
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 #include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseCounts.h>
+#include <session/cases/CaseDesignColumns.h>
 #include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 #include <session/model/SweepInterpolationVariables.h>
@@ -24,7 +25,7 @@
 
 class Project;
 class ProjectDocument;
-class SurrogateModelFactory;
+class SessionModelFactory;
 struct ExportedModel;
 
 /**
@@ -74,7 +75,7 @@ public:
     boost::shared_ptr<const SweepInterpolationVariables> interpolation() const;
 
     /** Makes the models of the manager. */
-    const SurrogateModelFactory& modelFactory() const;
+    const SessionModelFactory& modelFactory() const;
 
     /** In the order of the roles. */
     const std::vector<VarPtr>& inputs() const;
@@ -132,6 +133,12 @@ public:
     /** Of both types of models. */
     void chooseTransform(TransformSetting setting);
     TransformSetting transform() const;
+
+    /** The columns of weights and blocks of response surfaces; kept without effect while the model
+     * is Kriging, but the cases that they leave out stay out. @throw UsageError for columns that
+     * cannot be taken. */
+    void chooseDesign(const CaseDesignColumns& columns);
+    CaseDesignColumns designColumns() const;
 
     /** The terms of response surfaces; kept without effect while the model is Kriging. */
     void chooseResponseSurface(const ResponseSurfaceOptions& options);

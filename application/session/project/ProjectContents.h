@@ -1,5 +1,6 @@
 #pragma once
 
+#include <session/cases/CaseDesignColumns.h>
 #include <session/cases/ReadingChoices.h>
 #include <session/files/FileFingerprint.h>
 
@@ -58,5 +59,6 @@ struct ProjectContents
     std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
     std::vector<Sweep> sweeps;
     ResponseSurfaceOptions responseSurface;
+    CaseDesignColumns designColumns;
     TransformSetting transform = TransformSetting::Usual;
 };

@@ -160,6 +160,12 @@ const std::string& requiredText(const XmlNode& element, const std::string& name)
     return value;
 }
 
+/** Empty without the attribute. */
+std::string optionalText(const XmlNode& element, const std::string& name)
+{
+    return element.attributes.count(name) > 0 ? requiredText(element, name) : std::string();
+}
+
 std::size_t requiredNumber(const XmlNode& element, const std::string& name, std::size_t least,
                            std::size_t most)
 {
@@ -465,8 +471,9 @@ const XmlNode& requiredChild(const XmlNode& root, const std::string& tag)
 const std::set<std::string>& knownTags()
 {
     static const std::set<std::string> tags = {
-        "CaseFile",          "Variables", "Outputs",       "ExcludedCases", "SurrogateModel",
-        "UserDistributions", "Sweeps",    "TermSelection", "Polynomial",    "OutputTransform"};
+        "CaseFile",       "Variables",         "Outputs",        "ExcludedCases",
+        "SurrogateModel", "UserDistributions", "Sweeps",         "TermSelection",
+        "Polynomial",     "CaseDesign",        "OutputTransform"};
     return tags;
 }
 
@@ -627,6 +634,11 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
         readPolynomial(*polynomial, contents.responseSurface);
     }
+    if (const XmlNode* const design = root.child("CaseDesign")) {
+        allowOnlyAttributes(*design, {"Weights", "Blocks"});
+        contents.designColumns.weights = optionalText(*design, "Weights");
+        contents.designColumns.blocks = optionalText(*design, "Blocks");
+    }
     if (const XmlNode* const transform = root.child("OutputTransform")) {
         allowOnlyAttributes(*transform, {"Method"});
         contents.transform = requiredWord(*transform, "Method", transforms);
@@ -661,6 +673,16 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
     if (options.selection != ResponseSurfaceOptions::Selection::All) {
         root.children.push_back(XmlNode::element(
             "TermSelection", {{"Method", wordFor(options.selection, termSelections)}}));
+    }
+    if (!contents.designColumns.isEmpty()) {
+        XmlNode design = XmlNode::element("CaseDesign", {});
+        if (!contents.designColumns.weights.empty()) {
+            design.attributes["Weights"] = contents.designColumns.weights;
+        }
+        if (!contents.designColumns.blocks.empty()) {
+            design.attributes["Blocks"] = contents.designColumns.blocks;
+        }
+        root.children.push_back(std::move(design));
     }
     if (contents.transform != TransformSetting::Usual) {
         root.children.push_back(XmlNode::element(

@@ -189,6 +189,15 @@ std::string ComparisonReport::text(const Workspace& workspace, const ModelCompar
     if (ReportHeading::selectsTerms(workspace)) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
+    const CaseDesignColumns design = workspace.designColumns();
+    if (!design.weights.empty()) {
+        text += "Weights " + oneLineText(design.weights) +
+                ", of the response surface and of the errors of both; Kriging is fitted without\n";
+    }
+    if (!design.blocks.empty()) {
+        text += "Blocks  " + oneLineText(design.blocks) +
+                ", of the response surface; Kriging is fitted without\n";
+    }
     for (const OutputComparison& output : comparison.outputs) {
         text += outputText(output, comparison.folds);
     }
@@ -218,6 +227,7 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
         json["formula"] = workspace.responseSurface().formula;
     }
     json["selectsTerms"] = ReportHeading::selectsTerms(workspace);
+    ReportJson::addDesign(workspace.designColumns(), json);
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return json;
 }

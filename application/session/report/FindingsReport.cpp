@@ -61,6 +61,9 @@ DiagnosedCases diagnosedCases(const Workspace& workspace)
     cases.positions = workspace.validCases();
     cases.inputs = columnsOf(workspace, workspace.inputs(), cases.positions);
     cases.outputs = columnsOf(workspace, workspace.outputs(), cases.positions);
+    const std::vector<std::size_t> blocks =
+        workspace.designColumns().design(workspace.project(), cases.positions).blocks;
+    cases.blocks.assign(blocks.begin(), blocks.end());
     cases.isKriging = workspace.modelType() == Workspace::Kriging;
     cases.responseSurface = workspace.responseSurface();
     if (cases.responseSurface.terms == PolynomialTerms::Chosen) {

@@ -108,6 +108,12 @@ std::string ProjectReport::text(const ProjectDocument& document)
                                     : "") +
                                ", if it is a response surface"});
     }
+    if (!document.designColumns.weights.empty()) {
+        head.add({"Weights", document.designColumns.weights});
+    }
+    if (!document.designColumns.blocks.empty()) {
+        head.add({"Blocks", document.designColumns.blocks});
+    }
     if (document.transform != TransformSetting::Usual) {
         head.add({"Transform", transformWord(document.transform)});
     }
@@ -155,6 +161,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
     }
     json["selectsTerms"] =
         document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+    ReportJson::addDesign(document.designColumns, json);
     json["transform"] = transformWord(document.transform);
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;

@@ -8,6 +8,7 @@
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/TermFormula.h>
 
 #include <map>
 
@@ -30,6 +31,20 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
     }
     return notes;
 }
+
+/** Of chosen terms, with the linear ones that these need. */
+std::string formulaText(const Workspace& workspace)
+{
+    const std::vector<std::string> names = namesOf(workspace.inputs());
+    const std::string formula = workspace.responseSurface().formula;
+    const TermFormula terms(formula, names);
+    std::vector<std::string> added;
+    for (const std::size_t input : terms.addedInputs()) {
+        added.push_back(names[input]);
+    }
+    return ", terms " + formula +
+           (added.empty() ? "" : " (" + joinedText(added) + " added to them)");
+}
 } // namespace
 
 std::string ReportHeading::modelText(const Workspace& workspace)
@@ -37,15 +52,17 @@ std::string ReportHeading::modelText(const Workspace& workspace)
     if (workspace.modelType() == Workspace::Kriging) {
         return "Kriging";
     }
+    const CaseDesignColumns design = workspace.designColumns();
     const PolynomialTerms terms = workspace.responseSurface().terms;
     const char* const polynomial = terms == PolynomialTerms::Linear ? ", linear"
                                    : terms == PolynomialTerms::Interactions
                                        ? ", linear with interactions"
                                        : "";
-    const std::string formula =
-        terms == PolynomialTerms::Chosen ? ", terms " + workspace.responseSurface().formula : "";
+    const std::string formula = terms == PolynomialTerms::Chosen ? formulaText(workspace) : "";
     return std::string("response surface") + polynomial + formula +
-           (selectsTerms(workspace) ? ", terms selected by AICc" : "");
+           (selectsTerms(workspace) ? ", terms selected by AICc" : "") +
+           (design.weights.empty() ? "" : ", weights " + design.weights) +
+           (design.blocks.empty() ? "" : ", blocks " + design.blocks);
 }
 
 std::string ReportHeading::caseText(const Workspace& workspace)
@@ -76,6 +93,7 @@ ReportHeading::invalidCases(const Workspace& workspace)
     };
     append(workspace.inputs(), counts.invalidByInput);
     append(workspace.outputs(), counts.invalidByOutput);
+    result.insert(result.end(), counts.leftOutByDesign.begin(), counts.leftOutByDesign.end());
     return result;
 }
 
@@ -155,6 +173,7 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
             json["formula"] = workspace.responseSurface().formula;
         }
         json["selectsTerms"] = selectsTerms(workspace);
+        ReportJson::addDesign(workspace.designColumns(), json);
     }
     json["inputs"] = namesOf(workspace.inputs());
     for (const auto& [name, reason] : workspace.reasonsAgainstInputs()) {

@@ -1,6 +1,7 @@
 #include "session/report/ReportJson.h"
 
 #include "session/cases/CaseCounts.h"
+#include "session/cases/CaseDesignColumns.h"
 #include "session/files/OutputFile.h"
 #include "session/files/OutputTable.h"
 
@@ -15,6 +16,16 @@ ReportJson::Json ReportJson::cases(const CaseCounts& counts)
             {"valid", counts.valid},
             {"excluded", counts.excluded},
             {"invalid", counts.invalid}};
+}
+
+void ReportJson::addDesign(const CaseDesignColumns& columns, Json& json)
+{
+    if (!columns.weights.empty()) {
+        json["weights"] = columns.weights;
+    }
+    if (!columns.blocks.empty()) {
+        json["blocks"] = columns.blocks;
+    }
 }
 
 std::string ReportJson::text(const Json& json)

@@ -8,6 +8,7 @@
 
 class OutputFile;
 struct CaseCounts;
+struct CaseDesignColumns;
 struct OutputTable;
 
 /** What the JSON reports have in common: objects with a member "schema". */
@@ -18,6 +19,9 @@ constexpr int schemaVersion = 1;
 
 /** The numbers of cases: read, valid, excluded, invalid. */
 Json cases(const CaseCounts& counts);
+
+/** The names of the columns of weights and blocks, if there are any. */
+void addDesign(const CaseDesignColumns& columns, Json& json);
 
 /** On indented lines. A number that is not finite is null; bytes that are no UTF-8 are replaced. */
 SURROGATE_SESSION_EXPORT std::string text(const Json& json);

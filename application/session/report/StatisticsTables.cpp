@@ -84,7 +84,28 @@ StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
     table.title = "Each term given all others (type III), inputs coded to [-1, 1]";
     table.heading = anovaHeading;
     for (const PartialTest& test : tests) {
-        table.rows.push_back(anovaCells(termName(test.factors, inputs), test.row));
+        table.rows.push_back(anovaCells(
+            test.factors.empty() ? test.row.source : termName(test.factors, inputs), test.row));
+    }
+    return table;
+}
+
+/** Behind the name of a figure that is one of the modelled transform; empty without one. */
+std::string scaleText(OutputTransform transform)
+{
+    return transform == OutputTransform::Logarithm    ? " of the logarithm"
+           : transform == OutputTransform::SquareRoot ? " of the square root"
+                                                      : "";
+}
+
+StatisticsTables::Table blockTable(const std::vector<BlockEffect>& effects,
+                                   OutputTransform transform)
+{
+    StatisticsTables::Table table;
+    table.title = "Effects of the blocks" + scaleText(transform) + ", which sum to 0";
+    table.heading = {"Block", "Effect"};
+    for (const BlockEffect& one : effects) {
+        table.rows.push_back({one.name, shownNumber(one.effect)});
     }
     return table;
 }
@@ -120,14 +141,6 @@ std::string outlierText(const ResponseSurfaceStatistics& statistics)
     }
     return "No case is suspected to be an outlier: no externally studentised residual exceeds " +
            shownNumber(statistics.outlierLimit, fewDigits) + " (Bonferroni at 5 %).";
-}
-
-/** Behind the name of a figure that is one of the modelled transform; empty without one. */
-std::string scaleText(OutputTransform transform)
-{
-    return transform == OutputTransform::Logarithm    ? " of the logarithm"
-           : transform == OutputTransform::SquareRoot ? " of the square root"
-                                                      : "";
 }
 
 StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistics,
@@ -261,12 +274,13 @@ Json partialTestsJson(const std::vector<PartialTest>& tests, const std::vector<s
 {
     Json json = Json::array();
     for (const PartialTest& test : tests) {
-        json.push_back({{"term", test.row.source},
-                        {"name", termName(test.factors, inputs)},
-                        {"degreesOfFreedom", test.row.degreesOfFreedom},
-                        {"sumOfSquares", test.row.sumOfSquares},
-                        {"f", test.row.f},
-                        {"p", test.row.p}});
+        json.push_back(
+            {{"term", test.row.source},
+             {"name", test.factors.empty() ? test.row.source : termName(test.factors, inputs)},
+             {"degreesOfFreedom", test.row.degreesOfFreedom},
+             {"sumOfSquares", test.row.sumOfSquares},
+             {"f", test.row.f},
+             {"p", test.row.p}});
     }
     return json;
 }
@@ -356,6 +370,7 @@ StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
         coefficientTable(statistics.coefficients, inputs, false),
         coefficientTable(statistics.codedCoefficients, inputs, true),
         anovaTable(statistics),
+        blockTable(statistics.blockEffects, transform),
         partialTable(statistics.partialTests, inputs),
         residualTable(statistics, transform),
         canonicalTable(statistics.canonicalDirections, inputs, transform),
@@ -437,6 +452,9 @@ Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
         json["lackOfFitNote"] = lackOfFitNote(statistics);
     }
     json["partialTests"] = partialTestsJson(statistics.partialTests, inputs);
+    for (const BlockEffect& one : statistics.blockEffects) {
+        json["blockEffects"].push_back({{"block", one.name}, {"effect", one.effect}});
+    }
     json["leverage"] = leverageJson(statistics);
     json["residuals"] = residualsJson(statistics);
     json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);

@@ -36,6 +36,15 @@ TEST(RepeatFindings, RepeatsThatDifferALittleAreGood)
         0u);
 }
 
+TEST(RepeatFindings, CasesOfDifferentBlocksAreNoRepeats)
+{
+    DiagnosedCases cases = casesOf({{"a", {1, 1, 2, 2, 3, 3}}}, {{"y", {1, 9, 2, 12, 3, 13}}});
+    EXPECT_EQ(RepeatFindings::repeats(cases).size(), 1u);
+
+    cases.blocks = {0, 1, 0, 1, 0, 1};
+    EXPECT_EQ(RepeatFindings::repeats(cases).size(), 0u);
+}
+
 TEST(RepeatFindings, EqualOutputsOfFewValuesAreNoCopies)
 {
     EXPECT_EQ(RepeatFindings::repeats(casesOf({{"a", {1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6}}},

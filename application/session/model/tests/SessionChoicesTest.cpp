@@ -66,10 +66,11 @@ TEST(SessionChoices, TermsMustBeOfTheInputs)
     choices.formula = "cubic";
     const auto open = [&] { openCases(cvdCases(), choices); };
 
-    EXPECT_EQ(messageOf<UsageError>(open),
-              "The terms \"cubic\" name \"cubic\", which is no input. --terms takes linear, "
-              "interactions, quadratic or a sum of terms such as A + B + A:B + A^2 of the inputs, "
-              "which are: Pressure, H2/WF6.");
+    EXPECT_EQ(
+        messageOf<UsageError>(open),
+        "The terms \"cubic\" name \"cubic\", which is no input. --terms takes linear, "
+        "interactions, quadratic or a sum of terms such as A + B + A * B + A^2 of the inputs, "
+        "which are: Pressure, H2/WF6.");
     choices.formula = "Pressure + H2/WF6^2";
     EXPECT_NO_THROW(open());
 }

@@ -1,0 +1,110 @@
+// The options --weights and --block as users meet them.
+
+#include "ProgramFixture.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace {
+using Json = nlohmann::json;
+
+class CaseDesignOptions : public Program
+{
+protected:
+    void SetUp() override
+    {
+        Program::SetUp();
+        // y = 1 + 2 a + 3 b, 10 more on tue, with errors in the last digit.
+        folder.write("days.csv", "a,b,w,day,y\n"
+                                 "0,0,1,mon,1.1\n1,0,2,mon,2.9\n0,1,1,mon,4.1\n1,1,4,mon,6\n"
+                                 "0,0,1,tue,11\n1,0,2,tue,13.1\n0,1,1,tue,13.9\n1,1,1,tue,16.1\n"
+                                 "0.5,0.5,0,mon,99\n0.5,0.5,,mon,99\n0.5,0.5,1,,99\n");
+    }
+
+    Json fit(const std::string& options)
+    {
+        const Outcome outcome = run("fit days.csv -y y --terms linear --json " + options);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        return Json::parse(outcome.out);
+    }
+};
+} // namespace
+
+TEST_F(CaseDesignOptions, TakeNoInputsAndLeaveOutCasesWithoutWeightOrBlock)
+{
+    const Json json = fit("--weights w --block day");
+
+    EXPECT_EQ(json["inputs"], (Json{"a", "b"}));
+    EXPECT_EQ(json["weights"], "w");
+    EXPECT_EQ(json["blocks"], "day");
+    EXPECT_EQ(json["cases"]["valid"], 8);
+    EXPECT_EQ(json["cases"]["invalid"], 3);
+    const Outcome text = run("fit days.csv -y y --terms linear --weights w --block day");
+    EXPECT_NE(text.out.find("11 read, 8 valid, 0 excluded, 3 invalid (w 2, day 1)"),
+              std::string::npos)
+        << text.out;
+    EXPECT_NE(text.out.find("response surface, linear, weights w, blocks day"), std::string::npos)
+        << text.out;
+}
+
+TEST_F(CaseDesignOptions, PredictTheAverageBlockAndReportTheEffects)
+{
+    const std::string cases = "days.csv -y y --terms linear --block day -x a,b --exclude 9,10 ";
+    const Json statistics = fit("-x a,b --exclude 9,10 --block day")["outputs"][0];
+
+    EXPECT_EQ(statistics["blockEffects"][0]["block"], "mon");
+    EXPECT_NEAR(statistics["blockEffects"][0]["effect"].get<double>(), -5.0, 1e-9);
+    EXPECT_NEAR(statistics["blockEffects"][1]["effect"].get<double>(), 5.0, 1e-9);
+    EXPECT_EQ(statistics["anova"][1]["source"], "Blocks");
+    EXPECT_EQ(statistics["partialTests"][0]["name"], "Blocks");
+    const Json table =
+        Json::parse(run("evaluate " + cases + "--at a=0 --at b=0 --json").out)["table"];
+    EXPECT_NEAR(table["rows"][0][2].get<double>(), 6.0, 0.1) << table.dump();
+}
+
+TEST_F(CaseDesignOptions, AreKeptByProjectsUntilTheyAreTakenBack)
+{
+    const std::string project = "study.surrogate.xml";
+    fit("--weights w --block day --save " + project);
+
+    const Json kept = Json::parse(run("project " + project + " --json").out);
+    EXPECT_EQ(kept["weights"], "w");
+    EXPECT_EQ(kept["blocks"], "day");
+    EXPECT_TRUE(kept["excluded"].empty());
+    EXPECT_EQ(Json::parse(run("fit " + project + " --json").out)["outputs"],
+              fit("--weights w --block day")["outputs"]);
+    const Json without = Json::parse(run("fit " + project + " --weights none --json").out);
+    EXPECT_EQ(without.count("weights"), 0u);
+    EXPECT_EQ(without["cases"]["valid"], 10);
+}
+
+TEST_F(CaseDesignOptions, HoldForTheFoldsOfAComparison)
+{
+    const std::string command = "compare days.csv -y y --terms linear --folds 4 --json ";
+    const auto rmse = [&](const std::string& options) {
+        const Outcome outcome = run(command + options);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        return Json::parse(outcome.out)["outputs"][0]["models"][0]["rmse"].get<double>();
+    };
+
+    EXPECT_GT(rmse("-x a,b --exclude 9-11"), 3.0);
+    EXPECT_LT(rmse("--weights w --block day"), 0.5);
+    const std::string logarithm = "-x a,b --exclude 9-11 --transform log ";
+    EXPECT_LT(rmse(logarithm + "--block day"), rmse(logarithm));
+}
+
+TEST_F(CaseDesignOptions, AreRefusedWithASentence)
+{
+    folder.write("negative.csv", "a,w,y\n1,1,1\n2,-1,2\n3,1,3\n4,1,5\n");
+    expectFailure("fit negative.csv -y y --weights w", 2,
+                  "The weights \"w\" must not be negative: that of case 2 is -1.");
+    expectFailure("fit days.csv -y y --weights day", 2,
+                  "\"day\" cannot weigh the cases, it is a column of texts.");
+    expectFailure("fit days.csv -y y -x a,w --weights w", 2,
+                  "\"w\" cannot be both weights and input.");
+    expectFailure("fit days.csv -y y --weights w -m kriging", 2,
+                  "Weights and blocks are for response surfaces: choose -m response-surface, or "
+                  "leave them out with --weights none and --block none.");
+}
