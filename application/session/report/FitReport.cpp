@@ -361,6 +361,20 @@ std::string limitsText(const BoxCoxProfile& profile)
            (profile.upper >= end ? "beyond " : "") + shownNumber(profile.upper, digits);
 }
 
+/** What to do where a customary power that is not offered suits. */
+std::string otherPowerText(const BoxCoxProfile& profile)
+{
+    const std::pair<double, const char*> powers[] = {
+        {-1.0, "the reciprocal, 1 / y"}, {-0.5, "1 / sqrt(y)"}, {2.0, "the square, y^2"}};
+    for (const auto& [power, name] : powers) {
+        if (power >= profile.lower && power <= profile.upper) {
+            return " The cases agree with " + std::string(name) +
+                   ": a column of it can be modelled as an output of its own.";
+        }
+    }
+    return "";
+}
+
 /** What the choice by Box and Cox rests on, a sentence. */
 std::string powerText(const BoxCoxProfile& profile)
 {
@@ -370,7 +384,8 @@ std::string powerText(const BoxCoxProfile& profile)
            (profile.isBetweenLimits ? "."
                                     : "; none of the powers 1, 1/2 and 0 (logarithm) is in "
                                       "between, and the nearest was "
-                                      "taken.");
+                                      "taken." +
+                                          otherPowerText(profile));
 }
 } // namespace
 

@@ -185,6 +185,25 @@ TEST(FitReport, SaysWhereLimitsOfThePowerAreBeyondThoseTried)
     EXPECT_NE(note.find(" (95 %: below -2 to beyond 2)."), std::string::npos) << note;
 }
 
+TEST(FitReport, NamesThePowerThatSuitsWhereItIsNotOffered)
+{
+    CaseTable table = tableOf({{"x", {}}, {"y", {}}});
+    for (int k = 0; k < 12; ++k) {
+        table.columns[0].numbers.push_back(k);
+        table.columns[1].numbers.push_back(1.0 / (1.0 + k + (k % 2 == 0 ? 0.02 : -0.02)));
+    }
+    table.cases = 12;
+    CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::ResponseSurface);
+    session.chooseTransform(TransformSetting::BoxCox);
+
+    const std::string note = printed(FitReport::runJson(session, 0.0))["outputs"][0]["notes"][0];
+
+    EXPECT_NE(note.find("the nearest was taken. The cases agree with the reciprocal, 1 / y: a "
+                        "column of it can be modelled as an output of its own."),
+              std::string::npos)
+        << note;
+}
+
 TEST(FitReport, SaysWhyFiguresOfAConstantOutputAreMissing)
 {
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
