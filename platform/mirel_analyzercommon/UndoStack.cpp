@@ -40,14 +40,7 @@ void UndoStack::push(QUndoCommand* command)
     state.record(std::move(owned));
 }
 
-void UndoStack::GuardedStack::clear()
-{
-    if (!UndoStackState::instance().isBlocked()) {
-        QUndoStack::clear();
-    }
-}
-
-UndoStack::GuardedStack& UndoStack::stack() const
+GuardedUndoStack& UndoStack::stack() const
 {
     return UndoStackState::instance().stack();
 }

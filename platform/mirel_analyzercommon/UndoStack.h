@@ -1,8 +1,8 @@
 #pragma once
 
-#include <mirel_analyzercommon/Export.h>
+#include <mirel_analyzercommon/GuardedUndoStack.h>
 
-#include <QUndoStack>
+#include <mirel_analyzercommon/Export.h>
 
 /**
  * A handle on the one undo stack of the application. The stack is made on first use, needs no
@@ -35,20 +35,11 @@ public:
      */
     void push(QUndoCommand* command);
 
-    class GuardedStack;
     class Macro;
     class SuspendUndoRecording;
 
     /** For views and actions, valid for the life of the process; push through push(). */
-    GuardedStack& stack() const;
-};
-
-/** The application's stack, which is not cleared while a command runs or a macro is open. Qt's own
- *  clear(), called through a QUndoStack, does not ask and must not be called from a command. */
-class MIREL_ANALYZERCOMMON_EXPORT UndoStack::GuardedStack : public QUndoStack
-{
-public:
-    void clear();
+    GuardedUndoStack& stack() const;
 };
 
 /**

@@ -8,7 +8,7 @@ UndoStackState& UndoStackState::instance()
     return *state;
 }
 
-UndoStackState::UndoStackState()
+UndoStackState::UndoStackState() : undoStack([this] { return isBlocked(); })
 {
     QObject::connect(&undoStack, &QUndoStack::indexChanged, [this] { restoreIndexIfBlocked(); });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mirel_analyzercommon/UndoStack.h>
+#include <mirel_analyzercommon/GuardedUndoStack.h>
 
 #include <QString>
 
@@ -17,7 +17,7 @@ public:
      * destroyed. */
     static UndoStackState& instance();
 
-    UndoStack::GuardedStack& stack() { return undoStack; }
+    GuardedUndoStack& stack() { return undoStack; }
 
     void suspend() { ++suspensions; }
     void resume() { --suspensions; }
@@ -69,7 +69,7 @@ private:
     bool isStepOpen() const;
     void dropStepWithoutParts();
 
-    UndoStack::GuardedStack undoStack;
+    GuardedUndoStack undoStack;
     const QUndoCommand* doneBeforePush = nullptr;
     int unblockedIndex = 0; ///< of the stack when it was last not blocked
     int suspensions = 0;
