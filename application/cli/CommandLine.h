@@ -48,7 +48,8 @@ struct CommandLine
     std::optional<std::size_t> folds; ///< of compare
     bool asJson = false;
     bool isQuiet = false;
-    int threads = 0; ///< 0: all cores
+    bool isForSpreadsheet = false; ///< of the table that is written
+    int threads = 0;               ///< 0: all cores
 
     /** What depends on the kind of file that is read, and on other options. @throw UsageError */
     void check() const;

@@ -360,6 +360,15 @@ void addOutput(CLI::App& command, CommandLine& line)
              line.threads);
 }
 
+void addSpreadsheet(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Output");
+    command.add_flag("--for-spreadsheet", line.isForSpreadsheet,
+                     "headings and texts of the table that begin with =, +, -,\n"
+                     "@ or a tab get an apostrophe, so that a spreadsheet takes\n"
+                     "none of them for a formula");
+}
+
 void addJson(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Output");
@@ -394,6 +403,7 @@ void describeEvaluate(CLI::App& command, CommandLine& line)
     describeSummary(command, line);
     addValues(command, line);
     addInterval(command, line);
+    addSpreadsheet(command, line);
 }
 
 void describePredict(CLI::App& command, CommandLine& line)
@@ -408,6 +418,7 @@ void describePredict(CLI::App& command, CommandLine& line)
              "--units-row like the case file",
              "FILE", line.points);
     addInterval(command, line);
+    addSpreadsheet(command, line);
 }
 
 void describePlot(CLI::App& command, CommandLine& line)

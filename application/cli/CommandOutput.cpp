@@ -22,7 +22,7 @@ void writeText(const std::string& path, const std::string& text)
 void note(const CommandLine& line, const std::string& text)
 {
     if (!line.isQuiet) {
-        std::cerr << text;
+        std::cerr << messageText(text);
     }
 }
 

@@ -21,6 +21,7 @@
 #include <session/report/ReportJson.h>
 #include <session/report/SummaryReport.h>
 #include <session/text/NumberText.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <surrogatemodel/SurrogateModelUserDist.h>
@@ -48,6 +49,7 @@ TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
     dialect.hasDecimalComma = line.reading.decimalMark
                                   ? line.reading.decimalMark == CellValue::Comma
                                   : input.hasDecimalComma;
+    dialect.isForSpreadsheet = line.isForSpreadsheet;
     if (dialect.separator == ',' && dialect.hasDecimalComma) {
         dialect.separator = ';';
     }
@@ -84,7 +86,7 @@ void runSummary(const CommandLine& line)
     const OpenSession open(line);
     open.save(line);
     writeText(line.output, line.asJson ? ReportJson::text(SummaryReport::json(open.session))
-                                       : SummaryReport::text(open.session));
+                                       : terminalText(SummaryReport::text(open.session)));
 }
 
 std::string localTime()
@@ -122,7 +124,7 @@ void runFit(const CommandLine& line)
     open.save(line);
     writeText(line.output, line.asJson ? ReportJson::text(FitReport::runJson(
                                              open.session, open.readSeconds, nullptr, rankings))
-                                       : FitReport::text(open.session, rankings));
+                                       : terminalText(FitReport::text(open.session, rankings)));
 }
 
 /** Limits must not look like an input that has their name. */
@@ -262,7 +264,7 @@ void runProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
     writeText(line.output, line.asJson ? ReportJson::text(ProjectReport::json(document))
-                                       : ProjectReport::text(document));
+                                       : terminalText(ProjectReport::text(document)));
 }
 
 void runCheck(const CommandLine& line)

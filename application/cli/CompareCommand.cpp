@@ -9,6 +9,7 @@
 #include <session/report/ComparisonReport.h>
 #include <session/report/FindingsReport.h>
 #include <session/text/CountedText.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <algorithm>
@@ -46,7 +47,8 @@ void CompareCommand::run(const CommandLine& line)
     }
     open.save(line);
     note(line, FindingsReport::severeNotes(open.session));
-    writeText(line.output, line.asJson ? ReportJson::text(ComparisonReport::json(
-                                             open.session, comparison, open.readSeconds))
-                                       : ComparisonReport::text(open.session, comparison));
+    writeText(line.output, line.asJson
+                               ? ReportJson::text(ComparisonReport::json(open.session, comparison,
+                                                                         open.readSeconds))
+                               : terminalText(ComparisonReport::text(open.session, comparison)));
 }

@@ -7,6 +7,7 @@
 #include "Interruption.h"
 
 #include <session/files/OutputFile.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -28,7 +29,7 @@ enum ExitCode
 
 int failed(ExitCode code, const std::string& message)
 {
-    std::cerr << "surrogate: " << message << '\n';
+    std::cerr << "surrogate: " << messageText(message) << '\n';
     return code;
 }
 } // namespace

@@ -513,3 +513,50 @@ TEST_F(Program, AProjectKeepsWhatWasSaidAboutReading)
     EXPECT_NE(outcome.out.find("4 read, 3 valid"), std::string::npos) << outcome.out;
     EXPECT_EQ(outcome.err, "");
 }
+
+TEST_F(Program, ShowsControlCharactersOfFilesSpelledOut)
+{
+    folder.write("odd.csv", "x\xC2\x9B"
+                            "2J,\xE2\x80\xAEz,y\n0,0,1\n1,0,3\n0,1,0\n2,1,4\n1,2,1\n3,3,4\n");
+    const std::string shownX = "x\\xC2\\x9B2J";
+
+    for (const std::string command : {"summary", "fit", "compare"}) {
+        const Outcome outcome = run(command + " odd.csv -y y");
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_NE(outcome.out.find(shownX), std::string::npos) << command;
+        EXPECT_EQ((outcome.out + outcome.err).find("\xC2\x9B"), std::string::npos) << command;
+        EXPECT_EQ((outcome.out + outcome.err).find("\xE2\x80\xAE"), std::string::npos) << command;
+    }
+    const Outcome refused = run("fit odd.csv -y '\x1B[31m'");
+    EXPECT_EQ(refused.err.substr(0, 43), "surrogate: There is no variable \"\\x1B[31m\".");
+    EXPECT_EQ(run("evaluate odd.csv -y y").out.substr(0, 6), "x\xC2\x9B"
+                                                             "2J,")
+        << "data is kept";
+}
+
+TEST_F(Program, ShortensLongNamesInMessagesAndReportsNotInData)
+{
+    const std::string name(100000, 'x');
+    const std::string shown = std::string(100, 'x') + "..." + std::string(100, 'x');
+    folder.write("long.csv", name + ",z,y\n0,0,1\n1,0,3\n0,1,0\n2,1,4\n1,2,1\n3,3,4\n");
+
+    const Outcome fit = run("fit long.csv -y y --report r.html");
+    EXPECT_NE(fit.out.find(shown + " (V1)"), std::string::npos);
+    EXPECT_LT(fit.out.size() + fit.err.size(), name.size());
+    EXPECT_LT(folder.read("r.html").size(), 10 * name.size());
+    EXPECT_EQ(folder.read("r.html").find(name), std::string::npos);
+    EXPECT_LT(run("fit long.csv -y w").err.size(), 1000u);
+    folder.write("longer.csv", name + name + ",y\n0,1\n1,3\n0,1\n2,4\n");
+    EXPECT_LT(run("summary longer.csv -y y").out.size(), 10000u);
+    EXPECT_EQ(run("evaluate long.csv -y y").out.substr(0, name.size()), name);
+    EXPECT_NE(run("fit long.csv -y y --json").out.find(name), std::string::npos);
+}
+
+TEST_F(Program, KeepsSpreadsheetsFromCalculatingOnRequest)
+{
+    folder.write("sheet.csv", "\t=x,=1+1,y\n0,0,1\n1,0,3\n0,1,0\n2,1,4\n1,2,1\n3,3,4\n");
+
+    const std::string evaluate = "evaluate sheet.csv -x =x,=1+1 -y y";
+    EXPECT_EQ(linesOf(run(evaluate).out).front(), "\"\t=x\",=1+1,y");
+    EXPECT_EQ(linesOf(run(evaluate + " --for-spreadsheet").out).front(), "\"'\t=x\",'=1+1,y");
+}

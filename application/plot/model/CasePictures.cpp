@@ -28,7 +28,7 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
     for (LeaveOneOutPrediction& one : predictions) {
         one.row = cases.at(one.row);
     }
-    return {name,
+    return {shortText(name),
             session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
             std::move(predictions),
             session.counts().valid,

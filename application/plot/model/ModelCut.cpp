@@ -41,11 +41,14 @@ ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
     cut.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
     cut.swept = std::move(swept);
     for (const std::string& name : namesOf(session.inputs())) {
-        cut.inputs.push_back({name, {}, {}, session.unitOf(name)});
+        cut.inputs.push_back({shortText(name), {}, {}, session.unitOf(name)});
     }
     for (const std::string& name : namesOf(session.outputs())) {
-        cut.outputs.push_back(
-            {name, {}, {}, session.unitOf(name), hasLogarithmicAxis(session, cut.outputs.size())});
+        cut.outputs.push_back({shortText(name),
+                               {},
+                               {},
+                               session.unitOf(name),
+                               hasLogarithmicAxis(session, cut.outputs.size())});
     }
     return cut;
 }
@@ -284,7 +287,7 @@ std::string ModelCut::heldText(const CaseSession& session)
     const std::vector<double> held = session.heldValues();
     const std::vector<std::string> names = namesOf(session.inputs());
     for (std::size_t i = 0; i < names.size(); ++i) {
-        text.add(names[i], held[i], session.unitOf(names[i]));
+        text.add(shortText(names[i]), held[i], session.unitOf(names[i]));
     }
     return text.text();
 }

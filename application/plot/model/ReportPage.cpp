@@ -99,9 +99,8 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
     pictures.push_back(drawn("residuals", [&] { return residualPicture(cases); }));
     if (!statistics.empty()) {
         pictures.push_back(drawn("coefficients", [&] {
-            return coefficientPicture(statistics[output], namesOf(session.inputs()), name,
-                                      session.fit().outputs[output].modelled.transform,
-                                      session.unitOf(name));
+            return coefficientPicture(statistics[output], shownNamesOf(session.inputs()), name,
+                                      session.fit().outputs[output].modelled.transform, cases.unit);
         }));
     }
     const std::vector<const ModelCut*> strongest = effects.strongest(output, 2);

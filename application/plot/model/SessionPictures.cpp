@@ -13,6 +13,7 @@
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
 #include <session/text/JoinedText.h>
+#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/ColumnPointers.h>
@@ -89,7 +90,8 @@ SweepPicture ridgeOf(CaseSession& session, std::size_t output, bool isAscent)
 {
     const ResponseSurfaceStatistics& statistics = session.statistics()[output];
     const std::string name = session.outputs()[output].lock()->name();
-    return ridgePicture(statistics, isAscent, namesOf(session.inputs()), name, session.unitOf(name),
+    return ridgePicture(statistics, isAscent, shownNamesOf(session.inputs()), shortText(name),
+                        session.unitOf(name),
                         bandOf(session, isAscent ? statistics.ascent : statistics.descent, output));
 }
 
@@ -196,8 +198,8 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
     if (isOfResponseSurfaces(kind) && statistics.empty()) {
         throw SurrogateModelInterface::Error("The model has no cases to draw the statistics of.");
     }
-    const std::vector<std::string> inputs = namesOf(session.inputs());
-    const std::vector<std::string> outputs = namesOf(session.outputs());
+    const std::vector<std::string> inputs = shownNamesOf(session.inputs());
+    const std::vector<std::string> outputs = shownNamesOf(session.outputs());
     std::vector<PictureData> pictures;
     for (std::size_t output = 0; output < outputs.size(); ++output) {
         switch (kind) {
@@ -223,9 +225,10 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
             }
             break;
         case Kind::Coefficients:
-            pictures.emplace_back(coefficientPicture(
-                statistics[output], inputs, outputs[output],
-                session.fit().outputs[output].modelled.transform, session.unitOf(outputs[output])));
+            pictures.emplace_back(
+                coefficientPicture(statistics[output], inputs, outputs[output],
+                                   session.fit().outputs[output].modelled.transform,
+                                   session.unitOf(session.outputs()[output].lock()->name())));
             break;
         }
     }

@@ -43,11 +43,17 @@ std::string placeOf(const std::string& path, std::size_t line)
 struct NotUtf8
 {};
 
-/** The text of a heading on one line, without blanks around it. */
+/** The text of a heading on one line, without blanks around it. A tab before what a spreadsheet
+ *  takes for a formula stays: it is there so that it does not. */
 std::string nameIn(std::string_view text)
 {
+    const std::string_view trimmed = trimmedText(text);
+    const bool isGuarded =
+        !trimmed.empty() &&
+        std::string_view("=+-@").find(trimmed.front()) != std::string_view::npos &&
+        trimmed.data() != text.data() && *(trimmed.data() - 1) == '\t';
     std::string name;
-    for (const char character : trimmedText(text)) {
+    for (const char character : trimmed) {
         const bool isLineEnd = character == '\n' || character == '\r' || character == '\t';
         if (!isLineEnd) {
             name += character;
@@ -55,7 +61,7 @@ std::string nameIn(std::string_view text)
             name += ' ';
         }
     }
-    return std::string(trimmedText(name));
+    return (isGuarded ? "\t" : "") + std::string(trimmedText(name));
 }
 
 /** Checks the records and turns them into columns. */

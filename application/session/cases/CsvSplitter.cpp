@@ -192,7 +192,11 @@ const char* CsvSplitter::splitPlainCell(const char* first)
     while (last != first && isBlank(last[-1])) {
         --last;
     }
-    cellTexts.push_back(textBetween(first, last));
+    // It keeps spreadsheets from taking the text for a formula, also in what is written of it.
+    const bool hasGuard = (*first == '=' || *first == '@') && first != buffer.data() &&
+                          first[-1] == '\t' && separator != '\t' &&
+                          separator != CaseFileLayout::blanks;
+    cellTexts.push_back(textBetween(hasGuard ? first - 1 : first, last));
     return cellEnd;
 }
 

@@ -1,6 +1,7 @@
 #include "session/cases/VariableNames.h"
 
 #include "session/text/NearestText.h"
+#include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
 
@@ -21,6 +22,19 @@ std::string quoted(const std::string& name)
 std::string trimmed(std::string_view text)
 {
     return std::string(trimmedText(text));
+}
+
+/** The position of a name that was typed, in which a tab at the beginning of a heading is left out;
+ *  that of the end if there is none. */
+std::size_t positionIn(const std::vector<std::string>& names, std::string_view typed)
+{
+    auto found = std::find(names.begin(), names.end(), typed);
+    if (found == names.end()) {
+        found = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+            return name[0] == '\t' && trimmedText(name) == typed;
+        });
+    }
+    return static_cast<std::size_t>(found - names.begin());
 }
 
 /** Finds names in a comma list, with a way back where the longest name leads nowhere. */
@@ -64,8 +78,8 @@ public:
 private:
     std::optional<std::size_t> find(const std::string& name) const
     {
-        const auto at = std::find(names.begin(), names.end(), name);
-        return at == names.end() ? std::nullopt : std::optional<std::size_t>(at - names.begin());
+        const std::size_t at = positionIn(names, name);
+        return at == names.size() ? std::nullopt : std::optional<std::size_t>(at);
     }
 
     const std::vector<std::string>& names;
@@ -83,11 +97,11 @@ const std::vector<std::string>& VariableNames::names() const
 
 std::size_t VariableNames::position(const std::string& name) const
 {
-    const auto found = std::find(nameList.begin(), nameList.end(), name);
-    if (found == nameList.end()) {
+    const std::size_t found = positionIn(nameList, name);
+    if (found == nameList.size()) {
         throw UsageError(unknownMessage(name));
     }
-    return static_cast<std::size_t>(found - nameList.begin());
+    return found;
 }
 
 std::vector<std::size_t> VariableNames::listed(const std::string& text) const
@@ -113,10 +127,9 @@ std::pair<std::size_t, std::string> VariableNames::assignment(const std::string&
     }
     for (std::size_t equals = text.rfind('='); equals != std::string::npos;
          equals = equals == 0 ? std::string::npos : text.rfind('=', equals - 1)) {
-        const auto found =
-            std::find(nameList.begin(), nameList.end(), trimmed(text.substr(0, equals)));
-        if (found != nameList.end()) {
-            return {static_cast<std::size_t>(found - nameList.begin()), text.substr(equals + 1)};
+        const std::size_t found = positionIn(nameList, trimmed(text.substr(0, equals)));
+        if (found != nameList.size()) {
+            return {found, text.substr(equals + 1)};
         }
     }
     throw UsageError(unknownMessage(trimmed(text.substr(0, text.find('=')))));
@@ -149,5 +162,12 @@ std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)
     for (const VarPtr& variable : variables) {
         names.push_back(variable.lock()->name());
     }
+    return names;
+}
+
+std::vector<std::string> shownNamesOf(const std::vector<VarPtr>& variables)
+{
+    std::vector<std::string> names = namesOf(variables);
+    std::transform(names.begin(), names.end(), names.begin(), shortText);
     return names;
 }

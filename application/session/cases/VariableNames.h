@@ -48,3 +48,7 @@ private:
 
 /** The names of variables, in their order. @throw HandleError as VarPtr::lock() does. */
 SURROGATE_SESSION_EXPORT std::vector<std::string> namesOf(const std::vector<VarPtr>& variables);
+
+/** The same for messages, pages and pictures: shortened like shortText(). */
+SURROGATE_SESSION_EXPORT std::vector<std::string>
+shownNamesOf(const std::vector<VarPtr>& variables);

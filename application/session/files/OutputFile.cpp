@@ -1,5 +1,6 @@
 #include "session/files/OutputFile.h"
 
+#include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 
 #include <QFile>
@@ -130,6 +131,9 @@ void OutputFile::keepBackup() const
 
 void OutputFile::flush()
 {
+    if (isatty(descriptor) != 0) {
+        buffer = terminalText(buffer);
+    }
     std::string_view rest = buffer;
     while (!rest.empty()) {
         const ssize_t written = ::write(descriptor, rest.data(), rest.size());

@@ -12,7 +12,7 @@ class QSaveFile;
  * Writes a file whole or not at all: the text goes to a temporary file in the target's folder,
  * which takes the target's place at commit(). A link is followed, and the permissions of the file
  * that is replaced are kept. What is no regular file (a device, a pipe) and the standard output,
- * "-", are written to directly.
+ * "-", are written to directly; a terminal gets no control characters but line ends and tabs.
  *
  * A backup, if wanted, is a copy of the file that is replaced, beside it as NAME.bak; it replaces
  * an older backup. At every moment NAME is either the old file or the new one.

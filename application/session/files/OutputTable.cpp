@@ -49,6 +49,17 @@ void appendCell(std::string& line, std::string_view text, char separator)
     line += '"';
 }
 
+void appendText(std::string& line, std::string_view text, const TableDialect& dialect)
+{
+    const bool looksLikeFormula =
+        !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos;
+    if (dialect.isForSpreadsheet && looksLikeFormula) {
+        appendCell(line, '\'' + std::string(text), dialect.separator);
+    } else {
+        appendCell(line, text, dialect.separator);
+    }
+}
+
 void appendNumberIn(const TableDialect& dialect, std::string& line, double number)
 {
     const std::size_t begin = line.size();
@@ -99,7 +110,9 @@ void appendCell(std::string& line, const Column& column, std::size_t row,
     } else if (text.empty() && dialect.separator == ' ') {
         line += "NA";
     } else {
-        appendCell(line, text, dialect.separator);
+        // Of a text column, but a number by itself.
+        const bool isText = CellValue::read(text, false).kind != CellValue::Number;
+        isText ? appendText(line, text, dialect) : appendCell(line, text, dialect.separator);
     }
 }
 
@@ -154,7 +167,7 @@ void writeCsv(const OutputTable& table, OutputFile& out, const TableDialect& dia
     std::string line;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         line.append(i == 0 ? 0 : 1, dialect.separator);
-        appendCell(line, table.columns[i].name, dialect.separator);
+        appendText(line, table.columns[i].name, dialect);
     }
     endLine(line);
     out.write(line);

@@ -37,6 +37,9 @@ struct TableDialect
 {
     char separator = ',';         ///< as CaseFileLayout has it
     bool hasDecimalComma = false; ///< only where the separator is no comma
+    /** Headings and texts that begin with =, +, -, @, a tab or a carriage return get an apostrophe
+     *  before them: spreadsheets take them for formulas. Numbers stay as they are. */
+    bool isForSpreadsheet = false;
 };
 
 /**

@@ -120,9 +120,9 @@ private:
     std::string checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
     {
         const PredictiveModel* const predictive = ModelInterfaces(*model).predictive();
-        return predictive == nullptr
-                   ? std::string()
-                   : predictive->extrapolationWarning(points, count, namesOf(workspace.inputs()));
+        return predictive == nullptr ? std::string()
+                                     : predictive->extrapolationWarning(
+                                           points, count, shownNamesOf(workspace.inputs()));
     }
 
     void addIntervals(const std::vector<double*>& points, std::size_t count, double level,
@@ -182,7 +182,7 @@ const FitResult& Evaluator::fit()
         return *impl->result;
     }
     const PredictiveModel* const predictive = interfaces.predictive();
-    const std::vector<std::string> inputNames = namesOf(impl->workspace.inputs());
+    const std::vector<std::string> inputNames = shownNamesOf(impl->workspace.inputs());
     std::vector<std::size_t> cases;
 
     FitResult result;

@@ -169,7 +169,7 @@ Json differenceJson(const PairedErrors& errors)
 std::string ComparisonReport::text(const Workspace& workspace, const ModelComparison& comparison)
 {
     std::string text = "Cases   " + ReportHeading::caseText(workspace) + '\n';
-    text += "Inputs  " + oneLineText(joinedText(namesOf(workspace.inputs()))) + '\n';
+    text += "Inputs  " + oneLineText(joinedText(shownNamesOf(workspace.inputs()))) + '\n';
     text += "Folds   " + std::to_string(comparison.folds) +
             ", each predicted by models of the cases of all others\n";
     const auto& outputs = comparison.outputs;

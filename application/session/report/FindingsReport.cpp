@@ -42,7 +42,7 @@ std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
                                               const std::vector<std::size_t>& rows)
 {
     std::vector<DiagnosedCases::Column> columns;
-    const std::vector<std::string> names = namesOf(variables);
+    const std::vector<std::string> names = shownNamesOf(variables);
     for (const VarPtr& variable : variables) {
         const std::vector<double>& values = workspace.project().numericValues(variable);
         DiagnosedCases::Column& column = columns.emplace_back();
@@ -361,7 +361,7 @@ SessionFindings SessionFindings::ofFit(CaseSession& session)
         std::remove_if(result.findings.begin(), result.findings.end(),
                        [&](const Finding& finding) { return isSaidElsewhere(finding, session); }),
         result.findings.end());
-    const std::vector<std::string> outputs = namesOf(session.outputs());
+    const std::vector<std::string> outputs = shownNamesOf(session.outputs());
     const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     for (std::size_t i = 0; i < statistics.size(); ++i) {
         addOutliers(outputs[i], statistics[i], result.findings);

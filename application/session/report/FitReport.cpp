@@ -8,6 +8,7 @@
 #include "session/report/StatisticsTables.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
+#include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
 #include <algorithm>
@@ -208,7 +209,7 @@ std::string outputText(const OutputFit& fit, const std::vector<std::string>& inp
         table.add({"ranking of the inputs",
                    rankingText(ranking, inputs) + " (change along each, the others held)"});
     }
-    std::string text = '\n' + fit.name + '\n' + table.text("  ");
+    std::string text = '\n' + shortText(fit.name) + '\n' + table.text("  ");
     for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
         text += "  Note: " + note + '\n';
     }
@@ -429,11 +430,11 @@ std::string transformNote(const OutputFit& fit)
 {
     const std::string power = fit.modelled.profile ? powerText(*fit.modelled.profile) : "";
     if (fit.modelled.transform == OutputTransform::None) {
-        return power.empty() ? "" : fit.name + " itself was modelled. " + power;
+        return power.empty() ? "" : shortText(fit.name) + " itself was modelled. " + power;
     }
     const bool isLogarithm = fit.modelled.transform == OutputTransform::Logarithm;
     const std::string transform = isLogarithm ? "logarithm" : "square root";
-    std::string text = "The " + transform + " of " + fit.name + " was modelled";
+    std::string text = "The " + transform + " of " + shortText(fit.name) + " was modelled";
     if (!std::isnan(fit.modelled.gain)) {
         constexpr int digits = 3;
         text += ", which describes the cases better (log-likelihood and left-out cases, by " +
@@ -442,8 +443,8 @@ std::string transformNote(const OutputFit& fit)
     return text + ": " +
            (fit.kriging ? "likelihood, variance, nugget, noise, trend and correlation lengths"
                         : "coefficients, tests and AICc") +
-           " are those of the " + transform + "; errors, R2 and Q2 are those of " + fit.name + "." +
-           (power.empty() ? "" : " " + power);
+           " are those of the " + transform + "; errors, R2 and Q2 are those of " +
+           shortText(fit.name) + "." + (power.empty() ? "" : " " + power);
 }
 } // namespace
 
@@ -463,7 +464,7 @@ std::string FitReport::text(CaseSession& session, const std::vector<InputRanking
 {
     const std::vector<OutputFit>& fits = session.calibratedFit().outputs;
     const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
-    const std::vector<std::string> inputs = namesOf(session.inputs());
+    const std::vector<std::string> inputs = shownNamesOf(session.inputs());
     std::string text = "Cases   " + ReportHeading::caseText(session) + '\n';
     text += "Model   " + ReportHeading::modelText(session) + '\n';
     std::vector<std::string> legend;
@@ -581,10 +582,10 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
         const std::string note = transformNote(fit);
         text += note.empty() ? note : "Note: " + note + '\n';
         for (const std::string& sentence : fit.notes) {
-            addTo(groups, "Note", sentence, fit.name);
+            addTo(groups, "Note", sentence, shortText(fit.name));
         }
         for (const std::string& sentence : fit.warnings) {
-            addTo(groups, "Warning", sentence, fit.name);
+            addTo(groups, "Warning", sentence, shortText(fit.name));
         }
     }
     if (evaluation != nullptr && !evaluation->intervals.empty()) {
@@ -592,7 +593,7 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
             if (fit.calibration &&
                 fit.calibration->basis != CalibrationReport::Basis::Distribution) {
                 addTo(groups, "Note", "95 % intervals are " + widthText(*fit.calibration) + ".",
-                      fit.name);
+                      shortText(fit.name));
             }
         }
     }

@@ -101,7 +101,7 @@ std::string inputTable(const Workspace& workspace)
         const auto variable = input.lock();
         const std::size_t position = table.rows.size();
         const auto [minimum, maximum] = ranges[position];
-        table.rows.push_back({workspace.labelOf(variable->name()),
+        table.rows.push_back({shortText(workspace.labelOf(variable->name())),
                               'V' + std::to_string(position + 1), shownNumber(minimum),
                               shownNumber(maximum), shownNumber(held[position])});
     }
@@ -155,7 +155,7 @@ std::string verdict(const OutputFit& fit, double spread, const std::string& unit
     std::string kind = "poor";
     std::string text = "left-out cases are predicted no better than by the mean of the others";
     if (!std::isfinite(share)) {
-        return "<p class=\"verdict\"><strong>" + escaped(fit.name) +
+        return "<p class=\"verdict\"><strong>" + escaped(shortText(fit.name)) +
                "</strong>: there are too few cases to leave one out, so that there is no case to "
                "estimate the error of predictions from.</p>\n";
     }
@@ -179,7 +179,7 @@ std::string verdict(const OutputFit& fit, double spread, const std::string& unit
         text += warnings == 1 ? " There is a warning, see below."
                               : " There are " + std::to_string(warnings) + " warnings, see below.";
     }
-    return "<p class=\"verdict " + kind + "\"><strong>" + escaped(fit.name) +
+    return "<p class=\"verdict " + kind + "\"><strong>" + escaped(shortText(fit.name)) +
            "</strong>: " + escaped(text) + "</p>\n";
 }
 
@@ -235,7 +235,7 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
                           const ResponseSurfaceStatistics* statistics,
                           const HtmlReport::OutputParts& parts)
 {
-    std::string text = element("h2", escaped(fit.name));
+    std::string text = element("h2", escaped(shortText(fit.name)));
     for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
         text += element("p", "Note: " + escaped(note));
     }
@@ -305,9 +305,9 @@ std::string HtmlReport::text(CaseSession& session, const std::vector<OutputParts
     const std::vector<ResponseSurfaceStatistics>& statistics = session.statistics();
     const std::vector<std::string> equations =
         statistics.empty() ? std::vector<std::string>() : session.equations();
-    const std::vector<std::string> inputs = namesOf(session.inputs());
+    const std::vector<std::string> inputs = shownNamesOf(session.inputs());
     const std::string title = std::string(isKriging ? "Kriging" : "Response surface") + " of " +
-                              joinedText(namesOf(session.outputs()));
+                              joinedText(shownNamesOf(session.outputs()));
 
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
                        "<meta name=\"viewport\" content=\"width=device-width, "

@@ -7,6 +7,7 @@
 #include "session/report/ReportHeading.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
+#include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
 #include <mirel_datamanagement/Project.h>
@@ -72,7 +73,7 @@ std::string tableText(const std::vector<VariableSummary>& variables)
                "Distinct", "Why"});
     for (const VariableSummary& variable : variables) {
         const ColumnFigures& figures = variable.figures;
-        table.add({variable.name, variable.unit,
+        table.add({shortText(variable.name), shortText(variable.unit),
                    variable.role.role == ColumnRole::None ? "-" : roleName(variable.role.role),
                    std::to_string(figures.count), std::to_string(figures.missing),
                    shownNumber(figures.minimum), shownNumber(figures.median),
@@ -102,14 +103,20 @@ std::string shellWord(const std::string& text)
     return '\'' + quoted + '\'';
 }
 
-/** The options that name the roles; nothing without an input or an output. */
+/** The options that name the roles; nothing without an input or an output, or where no shell takes
+ *  as long a word. */
 std::string optionText(const Workspace& workspace)
 {
+    constexpr std::size_t longestWord = 131071; // MAX_ARG_STRLEN of Linux
+
     if (workspace.inputs().empty() || workspace.outputs().empty()) {
         return "";
     }
-    return "Options: -x " + shellWord(joinedText(namesOf(workspace.inputs()), ",")) + " -y " +
-           shellWord(joinedText(namesOf(workspace.outputs()), ",")) + '\n';
+    const std::string inputs = joinedText(namesOf(workspace.inputs()), ",");
+    const std::string outputs = joinedText(namesOf(workspace.outputs()), ",");
+    return std::max(inputs.size(), outputs.size()) > longestWord
+               ? ""
+               : "Options: -x " + shellWord(inputs) + " -y " + shellWord(outputs) + '\n';
 }
 } // namespace
 
@@ -125,10 +132,10 @@ std::string SummaryReport::text(const Workspace& workspace)
             continue; // those with a role are among the findings
         }
         const CellsWithoutNumber& cells = found->second;
-        text += names[i] + ": " + cells.text() +
+        text += shortText(names[i]) + ": " + cells.text() +
                 (cells.count == 1 ? ": it counts as missing.\n" : ": they count as missing.\n");
     }
-    const std::vector<std::string> outputs = namesOf(workspace.outputs());
+    const std::vector<std::string> outputs = shownNamesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         text += outputs[i] + " alone would have " +
                 std::to_string(workspace.counts().validAlone[i]) + " valid cases.\n";

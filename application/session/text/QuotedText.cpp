@@ -2,17 +2,25 @@
 
 #include <mirel_property/Utf8.h>
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
 /** In bytes; longer than any name that is typed. */
 constexpr std::size_t longestShown = 200;
 
+/** Of scripts that are written from the right: they can make a text look like another one. */
+bool changesDirection(char32_t code)
+{
+    return code == 0x061C || code == 0x200E || code == 0x200F ||
+           (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
 /** Whether a terminal shows the character and XML can carry it. */
 bool isReadable(char32_t code)
 {
     const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
-    return !isControl && code != 0xFFFE && code != 0xFFFF;
+    return !isControl && !changesDirection(code) && code != 0xFFFE && code != 0xFFFF;
 }
 
 void appendEscaped(std::string& shown, char character)
@@ -24,13 +32,14 @@ void appendEscaped(std::string& shown, char character)
     shown += digits[byte % 16];
 }
 
-/** As much as takes `most` bytes. */
-std::string readable(std::string_view text, std::size_t most)
+/** @param kept further characters that stay as they are. */
+std::string readable(std::string_view text, std::string_view kept)
 {
     std::string shown;
-    while (!text.empty() && shown.size() < most) {
+    while (!text.empty()) {
         const Utf8Character character = firstCharacter(text);
-        if (character.length > 0 && isReadable(character.code)) {
+        if (character.length > 0 &&
+            (isReadable(character.code) || kept.find(text.front()) != std::string_view::npos)) {
             shown += text.substr(0, character.length);
             text.remove_prefix(character.length);
         } else {
@@ -38,18 +47,58 @@ std::string readable(std::string_view text, std::size_t most)
             text.remove_prefix(1);
         }
     }
-    return text.empty() ? shown : shown + "...";
+    return shown;
+}
+
+bool continuesCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 } // namespace
 
+std::string shortText(std::string_view text)
+{
+    if (text.size() <= longestShown) {
+        return std::string(text);
+    }
+    std::size_t left = longestShown / 2;
+    std::size_t right = text.size() - longestShown / 2;
+    while (left > 0 && continuesCharacter(text[left])) {
+        --left;
+    }
+    while (right < text.size() && continuesCharacter(text[right])) {
+        ++right;
+    }
+    return std::string(text.substr(0, left)) + "..." + std::string(text.substr(right));
+}
+
 std::string shownText(std::string_view text)
 {
-    return readable(text, longestShown);
+    return oneLineText(shortText(text));
 }
 
 std::string oneLineText(std::string_view text)
 {
-    return readable(text, std::string::npos);
+    return readable(text, "");
+}
+
+std::string terminalText(std::string_view text)
+{
+    return readable(text, "\n\t");
+}
+
+std::string messageText(std::string_view text)
+{
+    std::string message;
+    while (!text.empty()) {
+        const std::size_t begin = std::min(text.find('"'), text.size());
+        const std::size_t end = std::min(text.find_first_of("\"\n", begin + 1), text.size());
+        message += text.substr(0, begin);
+        message += shortText(text.substr(begin, end - begin));
+        message += text.substr(end, 1);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return terminalText(message);
 }
 
 std::string quotedText(std::string_view text)

@@ -360,6 +360,8 @@ TEST_F(CaseFileReaderTest, IgnoresEmptyColumnsAndRowsAtTheEnd)
 TEST_F(CaseFileReaderTest, NamesStandOnOneLine)
 {
     EXPECT_EQ(namesOf(read("\"Stress\n(MPa)\",\" b\t\"\n1,2\n")), (Names{"Stress (MPa)", "b"}));
+    EXPECT_EQ(namesOf(read("\tb, \t=1+1,\"\t-a\"\n1,2,3\n")), (Names{"b", "\t=1+1", "\t-a"}))
+        << "tabs that keep spreadsheets from calculating";
 }
 
 TEST_F(CaseFileReaderTest, KeepsTheUnitsBelowTheHeading)

@@ -13,6 +13,15 @@ namespace {
 using Positions = std::vector<std::size_t>;
 } // namespace
 
+TEST(VariableNames, ATabAtTheBeginningOfANameIsNotTyped)
+{
+    const VariableNames names({"a", "\t=1+1"});
+
+    EXPECT_EQ(names.position("=1+1"), 1u);
+    EXPECT_EQ(names.listed("=1+1,a"), (std::vector<std::size_t>{1, 0}));
+    EXPECT_EQ(names.assignment("=1+1=5").first, 1u);
+}
+
 TEST(VariableNames, AListNamesVariablesInItsOrder)
 {
     const VariableNames names({"a", "b", "c"});

@@ -10,6 +10,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -153,6 +154,22 @@ TEST_F(OutputFileTest, ADeviceIsWrittenToAndStaysADevice)
     writeTo("/dev/null", "text");
 
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(OutputFileTest, ATerminalGetsNoControlCharacters)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(grantpt(master), 0);
+    ASSERT_EQ(unlockpt(master), 0);
+    OutputFile out(ptsname(master));
+    out.write("a\x1B[2Jb\xC2\x9B\n");
+    out.commit();
+
+    char shown[80] = {};
+    EXPECT_GT(read(master, shown, sizeof(shown) - 1), 0);
+    close(master);
+
+    EXPECT_EQ(std::string(shown), "a\\x1B[2Jb\\xC2\\x9B\r\n");
 }
 
 TEST_F(OutputFileTest, TheOldFileStaysAsABackup)

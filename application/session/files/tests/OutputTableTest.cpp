@@ -55,6 +55,21 @@ TEST_F(OutputTableTest, NumbersAreShortestAndNaNIsAnEmptyCell)
               "a,b\n0.1,\n1000000,0.3333333333333333\n");
 }
 
+TEST_F(OutputTableTest, TextsThatSpreadsheetsTakeForFormulasGetAnApostropheOnRequest)
+{
+    const CellTexts texts = textsOf({"=1+1", "+a", "-5", "@SUM(A1)", "\t=2", "\r=2", "a=b", "- a"});
+    const std::vector<double> numbers(8, -1.0);
+    const OutputTable table = {{{"=cmd|' /C calc'!A0", numbers.data()}, {"b", nullptr, &texts}}, 8};
+    TableDialect dialect;
+
+    EXPECT_EQ(csvOf(table, dialect), "=cmd|' /C calc'!A0,b\n-1,=1+1\n-1,+a\n-1,-5\n-1,@SUM(A1)\n"
+                                     "-1,\"\t=2\"\n-1,\"\r=2\"\n-1,a=b\n-1,- a\n");
+    dialect.isForSpreadsheet = true;
+    EXPECT_EQ(csvOf(table, dialect),
+              "'=cmd|' /C calc'!A0,b\n-1,'=1+1\n-1,'+a\n-1,-5\n-1,'@SUM(A1)\n"
+              "-1,\"'\t=2\"\n-1,\"'\r=2\"\n-1,a=b\n-1,'- a\n");
+}
+
 TEST_F(OutputTableTest, TablesAreWrittenInTheDialectWanted)
 {
     const std::vector<double> numbers = {1.5, std::nan("")};
