@@ -91,8 +91,14 @@ TEST_F(CaseDesignOptions, HoldForTheFoldsOfAComparison)
 
     EXPECT_GT(rmse("-x a,b --exclude 9-11"), 3.0);
     EXPECT_LT(rmse("--weights w --block day"), 0.5);
-    const std::string logarithm = "-x a,b --exclude 9-11 --transform log ";
-    EXPECT_LT(rmse(logarithm + "--block day"), rmse(logarithm));
+
+    // y = exp(a + b), ten times as much on tue.
+    folder.write("factors.csv", "a,b,day,y\n"
+                                "0,0,mon,1.01\n1,0,mon,2.7\n0,1,mon,2.72\n1,1,mon,7.4\n"
+                                "0,0,tue,10\n1,0,tue,27.3\n0,1,tue,27\n1,1,tue,74\n");
+    const Outcome factors = run("compare factors.csv -y y --terms linear --transform log --folds 4 "
+                                "--block day --json");
+    EXPECT_LT(Json::parse(factors.out)["outputs"][0]["models"][0]["rmse"].get<double>(), 0.5);
 }
 
 TEST_F(CaseDesignOptions, AreRefusedWithASentence)
