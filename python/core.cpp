@@ -324,8 +324,7 @@ private:
 
     OutputTransform transform(int output) const
     {
-        const auto* transformed = dynamic_cast<const TransformedOutput*>(model.get());
-        return transformed == nullptr ? OutputTransform::None : transformed->transform(output);
+        return model->predictorDescription(output).transform;
     }
 
     std::pair<const PredictiveModel*, int> innermost(int output) const
@@ -342,15 +341,29 @@ private:
     mutable std::mutex mutex;
 };
 
-TransformSetting transformOf(const std::string& text)
+/** @param text nothing: what the program takes without a word on it. */
+TransformSetting transformOf(const std::optional<std::string>& text, bool isKriging)
 {
-    for (int setting = 0; setting <= static_cast<int>(TransformSetting::BoxCox); ++setting) {
-        if (text == transformWord(static_cast<TransformSetting>(setting))) {
-            return static_cast<TransformSetting>(setting);
+    if (!text) {
+        return TransformSetting::Usual;
+    }
+    for (const TransformSetting setting :
+         {TransformSetting::Automatic, TransformSetting::None, TransformSetting::SquareRoot,
+          TransformSetting::Logarithm}) {
+        if (*text == transformWord(setting)) {
+            return setting;
         }
     }
-    throw SurrogateModelInterface::Error("\"" + text +
-                                         "\" is no transform: auto, none, sqrt, log or boxcox.");
+    if (*text != transformWord(TransformSetting::BoxCox)) {
+        throw SurrogateModelInterface::Error("\"" + *text +
+                                             "\" is no transform: auto, none, sqrt, log" +
+                                             (isKriging ? "." : ", boxcox."));
+    }
+    if (isKriging) {
+        throw SurrogateModelInterface::Error(
+            "Only response surfaces are transformed by Box and Cox: choose another transform.");
+    }
+    return TransformSetting::BoxCox;
 }
 
 void setTerms(ResponseSurfaceOptions& options, const std::string& text, const Names& inputs)
@@ -380,8 +393,7 @@ PYBIND11_MODULE(_core, module)
     using py::literals::operator""_a;
 
     module.attr("__version__") = SURROGATE_VERSION;
-    const auto error = py::register_exception<SurrogateModelInterface::Error>(module, "ModelError",
-                                                                              PyExc_ValueError);
+    py::register_exception<SurrogateModelInterface::Error>(module, "ModelError", PyExc_ValueError);
     py::register_exception<ModelImportError>(module, "ModelFileError", PyExc_ValueError);
     module.def("set_thread_count", setThreadCount, "count"_a);
 
@@ -403,7 +415,7 @@ PYBIND11_MODULE(_core, module)
            const std::optional<std::vector<double>>& correlationLengths) {
             ModelSettings settings;
             settings.isKriging = true;
-            settings.transform = transformOf(transform.value_or("usual"));
+            settings.transform = transformOf(transform, true);
             set(settings.kriging.trendOrder, trendOrder);
             set(settings.kriging.nugget, nugget);
             set(settings.kriging.correlationLengths, correlationLengths);
@@ -415,7 +427,7 @@ PYBIND11_MODULE(_core, module)
         [](const Array& x, const Array& y, const std::optional<std::string>& transform,
            const std::optional<std::string>& terms, bool selectTerms, const Names& names) {
             ModelSettings settings;
-            settings.transform = transformOf(transform.value_or("usual"));
+            settings.transform = transformOf(transform, false);
             if (terms) {
                 setTerms(settings.responseSurface, *terms, names);
             }

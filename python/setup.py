@@ -5,7 +5,9 @@ import glob
 import os
 import re
 import subprocess
+import sys
 
+import pybind11
 from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
@@ -24,7 +26,9 @@ class CMakeBuild(build_ext):
             build = os.path.join(os.path.abspath(self.build_temp), "cmake")
             subprocess.check_call(["cmake", "-G", "Ninja", "-S", PROJECT, "-B", build,
                                    "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
-                                   "-DSURROGATE_FITTING_ONLY=ON"])
+                                   "-DSURROGATE_FITTING_ONLY=ON",
+                                   f"-DPython3_EXECUTABLE={sys.executable}",
+                                   f"-Dpybind11_DIR={pybind11.get_cmake_dir()}"])
             subprocess.check_call(["cmake", "--build", build])
         stage = os.path.join(os.path.abspath(self.build_temp), "stage")
         for component in ("fitting", "python"):
@@ -33,8 +37,11 @@ class CMakeBuild(build_ext):
         target = os.path.dirname(os.path.abspath(self.get_ext_fullpath(extension.name)))
         os.makedirs(target, exist_ok=True)
         # Archives hold no links: each library goes by the name under which it is loaded.
-        for path in (glob.glob(f"{stage}/**/lib*.so.?", recursive=True) +
-                     glob.glob(f"{stage}/**/_core*.so", recursive=True)):
+        modules = glob.glob(f"{stage}/**/_core*.so", recursive=True)
+        if not modules:
+            raise SystemExit("The compiled module was not built: CMake has not found pybind11 or the "
+                             f"headers of {sys.executable}.")
+        for path in glob.glob(f"{stage}/**/lib*.so.?", recursive=True) + modules:
             self.copy_file(path, os.path.join(target, os.path.basename(path)))
 
 

@@ -14,7 +14,7 @@ packages=(
     libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core     # pictures, and the letters in them
     libxlsxwriter-dev    # workbooks
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks
-    pybind11-dev python3-dev python3-sklearn python3-pandas     # the Python package
+    python3-pybind11 python3-dev python3-sklearn python3-pandas     # the Python package
     python3-pip python3-venv python3-setuptools python3-wheel mypy     # its tests
     locales     # tests run with a decimal comma
     python3 gnumeric     # tests run exported modules and evaluate exported workbooks

@@ -9,6 +9,7 @@ The same cases and choices give the same model as the program `surrogate`.
 
 from __future__ import annotations
 
+import copy
 import os
 from collections.abc import Mapping, Sequence
 from typing import Any
@@ -30,17 +31,20 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
     def fit(self, X: Any, y: Any) -> Any:
         """Fits every output. Ctrl-C ends a fit; other threads go on meanwhile."""
         names = getattr(y, "columns", None)
-        single = [getattr(y, "name", None) or "y"]
+        name = getattr(y, "name", None)
+        single = ["y" if name is None else str(name)]
         X, y = self._validate_data(X, y, dtype=np.float64, multi_output=True, y_numeric=True)
         self._is_single = y.ndim == 1
         y = y.reshape(len(y), -1)
         self._output_names = (single if self._is_single
                               else [f"y{i}" for i in range(y.shape[1])] if names is None
                               else list(map(str, names)))
-        # Kept for unpickling: a model that is fitted again has the same bits.
+        # Kept for unpickling: a model that is fitted again, with the same parameters even if
+        # set_params() has changed them since, has the same bits.
         self._cases: tuple[np.ndarray, np.ndarray] | None = (
             np.array(X, order="F"), np.array(y, dtype=np.float64, order="F"))
-        self._model = self._fitted(*self._cases)
+        self._parameters = copy.deepcopy(self.get_params())
+        self._model = self._fitted(*self._cases, **self._parameters)
         self.is_fitted_ = True
         return self
 
@@ -107,10 +111,10 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
     def _complete(self) -> _core.Model:
         """The model with what is computed from its cases."""
         if not self._model.has_cases and self._cases is not None:
-            self._model = self._fitted(*self._cases)
+            self._model = self._fitted(*self._cases, **self._parameters)
         return self._model
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
+    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
         raise NotImplementedError
 
     def __getstate__(self) -> dict[str, Any]:
@@ -128,7 +132,7 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
         if "_model" in state:
             self._model = _core.load(state["_model"])[0]
         elif "is_fitted_" in state:
-            self._model = self._fitted(*state["_cases"])
+            self._model = self._fitted(*self._cases, **self._parameters)
 
     def _more_tags(self) -> dict[str, bool]:
         return {"multioutput": True}
@@ -152,9 +156,9 @@ class Kriging(_SurrogateModel):
         self.nugget = nugget
         self.correlation_lengths = correlation_lengths
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
-        return _core.fit_kriging(x, y, self.output_transform, self.trend_order, self.nugget,
-                                 self.correlation_lengths)
+    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
+        return _core.fit_kriging(x, y, parameters["output_transform"], parameters["trend_order"],
+                                 parameters["nugget"], parameters["correlation_lengths"])
 
 
 class ResponseSurface(_SurrogateModel):
@@ -173,9 +177,10 @@ class ResponseSurface(_SurrogateModel):
         self.select_terms = select_terms
         self.output_transform = output_transform
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray) -> _core.Model:
-        return _core.fit_response_surface(x, y, self.output_transform, self.terms,
-                                          self.select_terms, self._input_names())
+    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
+        return _core.fit_response_surface(x, y, parameters["output_transform"],
+                                          parameters["terms"], parameters["select_terms"],
+                                          self._input_names())
 
 
 def load(path: str | os.PathLike[str]) -> Kriging | ResponseSurface:
