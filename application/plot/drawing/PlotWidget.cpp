@@ -322,7 +322,8 @@ void PlotWidget::Impl::addOutside(const ContourPicture& picture)
         path.addPolygon(outline);
         path.closeSubpath();
     }
-    auto* const veil = new QwtPlotShapeItem(QStringLiteral("outside the cases"));
+    auto* const veil = new QwtPlotShapeItem(
+        elidedText(shown("outside the cases"), PlotFont::ofSize(PlotFont::tickSize)));
     veil->setShape(path);
     veil->setPen(QPen(Qt::NoPen));
     veil->setBrush(PlotColours::outside);

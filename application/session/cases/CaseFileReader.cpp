@@ -355,10 +355,10 @@ bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) co
     }
     // Texts beside empty cells. In a full row of texts a case may have failed.
     bool hasText = false;
-    for (const std::string_view cell : cells) {
-        const CellValue value = cell.empty() ? CellValue() : valueOf(cell);
+    for (auto cell = cells.rbegin(); cell != cells.rend(); ++cell) { // numbers come last
+        const CellValue value = cell->empty() ? CellValue() : valueOf(*cell);
         hasText = hasText || value.kind == CellValue::Text;
-        if (!cell.empty() && value.kind != CellValue::Text) {
+        if (!cell->empty() && value.kind != CellValue::Text) {
             return false;
         }
     }

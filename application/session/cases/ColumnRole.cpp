@@ -119,10 +119,12 @@ bool areDifferentWholeNumbers(const std::vector<double>& numbers)
 /** Whether all are written like 19580329, and not all the same. */
 bool areDates(const std::vector<double>& numbers)
 {
-    const std::vector<double> filled = filledNumbers(numbers);
-    const auto isDate = [](double number) {
+    const auto mayBeDate = [](double number) {
         constexpr double first = 19000101.0;
         constexpr double last = 21001231.0;
+        if (std::isnan(number)) {
+            return true;
+        }
         if (!(number >= first && number <= last) || !isWholeNumber(number)) {
             return false;
         }
@@ -131,8 +133,11 @@ bool areDates(const std::vector<double>& numbers)
         const int day = date % 100;
         return month >= 1 && month <= 12 && day >= 1 && day <= 31;
     };
-    return filled.size() >= fewestRuns && filled.front() != filled.back() &&
-           std::all_of(filled.begin(), filled.end(), isDate);
+    if (!std::all_of(numbers.begin(), numbers.end(), mayBeDate)) {
+        return false;
+    }
+    const std::vector<double> filled = filledNumbers(numbers);
+    return filled.size() >= fewestRuns && filled.front() != filled.back();
 }
 
 /** Whether each case has a later year than the one before. */

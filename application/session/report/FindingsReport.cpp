@@ -1,6 +1,7 @@
 #include "session/report/FindingsReport.h"
 
 #include "session/cases/VariableNames.h"
+#include "session/diagnosis/ColumnFindings.h"
 #include "session/diagnosis/Diagnosis.h"
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/CaseSession.h"
@@ -387,8 +388,15 @@ std::vector<std::string> FindingsReport::sentences(const SessionFindings& findin
 std::string FindingsReport::severeNotes(const Workspace& workspace)
 {
     std::vector<std::pair<const Finding*, std::size_t>> kinds;
-    const SessionFindings findings = SessionFindings::ofCases(workspace);
-    for (const Finding& finding : findings.findings) {
+    // Of all that Diagnosis looks for only these are severe.
+    std::vector<Finding> findings;
+    const DiagnosedCases cases = diagnosedCases(workspace);
+    addMissingCells(workspace, findings);
+    for (const std::vector<Finding>& found :
+         {ColumnFindings::constants(cases), ColumnFindings::farCases(cases)}) {
+        findings.insert(findings.end(), found.begin(), found.end());
+    }
+    for (const Finding& finding : findings) {
         if (finding.severity != Finding::Severe) {
             continue;
         }
