@@ -8,12 +8,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+/** Of the run time of the address sanitizer, whichever compiler it comes with. */
+extern "C" void __asan_init() __attribute__((weak));
+
 /** Whether the memory that a process holds says anything of what it asked for. */
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool memoryCanBeMeasured = false;
-#else
-constexpr bool memoryCanBeMeasured = true;
-#endif
+inline const bool memoryCanBeMeasured = &__asan_init == nullptr;
 
 /** The most memory that this process has held so far. */
 inline std::size_t mostBytesHeld()
