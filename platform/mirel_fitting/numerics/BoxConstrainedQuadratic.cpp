@@ -7,65 +7,41 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <utility>
-
-namespace {
-
-double largestMagnitude(const std::vector<double>& values)
-{
-    double largest = 0.0;
-    for (const double value : values) {
-        largest = std::max(largest, std::fabs(value));
-    }
-    return largest;
-}
-
-} // namespace
 
 BoxConstrainedQuadratic::BoxConstrainedQuadratic(const std::vector<double>& hessian,
                                                  const std::vector<double>& slope)
-    : hessian(hessian), slope(slope), size(slope.size()), areMany(size > maxFewVariables),
-      factorsLeft(0)
+    : hessian(hessian), slope(slope), size(slope.size()), areMany(size > maxFewVariables)
 {}
 
-std::size_t BoxConstrainedQuadratic::maxFactors(std::size_t variables)
-{
-    constexpr double multiplications = 1e8; // some hundredths of a second
-    constexpr double fewest = 8.0;          // coordinate ascent has placed most variables by then
-    if (variables <= maxFewVariables) {
-        return std::numeric_limits<std::size_t>::max();
-    }
-    const auto m = static_cast<double>(variables);
-    return static_cast<std::size_t>(std::max(fewest, multiplications / (m * m * m / 6.0)));
-}
-
 std::vector<double> BoxConstrainedQuadratic::maximum(const std::vector<double>& lowest,
-                                                     const std::vector<double>& highest)
+                                                     const std::vector<double>& highest) const
 {
     const SingleThreadedBlas singleThreaded;
-    factorsLeft = maxFactors(size);
+    constexpr double multiplications = 1e8; // some hundredths of a second
+    constexpr int firstSweeps = 20;         // 20 m^2 multiplications; one factor takes m^3 / 6
     std::vector<double> start(size, 0.0);
-    if (areMany) {
-        sweep(lowest, highest, start);
-    }
+    sweep(lowest, highest, areMany ? firstSweeps : 0, start);
     std::vector<double> point = start;
-    if (guess(lowest, highest, point)) {
-        return point;
+    if (!guess(lowest, highest, point)) {
+        const auto m = static_cast<double>(size);
+        point = start;
+        sweep(lowest, highest, static_cast<int>(multiplications / (m * m)), point);
     }
-    climb(lowest, highest, start);
-    return start;
+    return point;
 }
 
-/** Coordinate ascent: maximises the model in one variable at a time. */
+/** Coordinate ascent: maximises the model in one variable at a time, until that changes next to
+ *  nothing. */
 void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
-                                    const std::vector<double>& highest,
+                                    const std::vector<double>& highest, int sweeps,
                                     std::vector<double>& point) const
 {
-    constexpr int sweeps = 20; // 20 m^2 multiplications; one factor takes m^3 / 6
+    constexpr double negligible = 1e-14;
 
     std::vector<double> rest = slopeAt(point);
-    for (int k = 0; k < sweeps; ++k) {
+    bool changes = true;
+    for (int k = 0; k < sweeps && changes; ++k) {
+        changes = false;
         for (std::size_t i = 0; i < size; ++i) {
             const double* column = hessian.data() + i * size;
             if (!(column[i] > 0.0)) {
@@ -74,6 +50,7 @@ void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
             const double before = point[i];
             point[i] = std::min(std::max(before + rest[i] / column[i], lowest[i]), highest[i]);
             const double change = point[i] - before;
+            changes = changes || std::fabs(change) > negligible * std::fabs(point[i]);
             for (std::size_t j = 0; j < size && change != 0.0; ++j) {
                 rest[j] -= change * column[j];
             }
@@ -85,7 +62,8 @@ void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
  *  @param point in: its bounds are the first guess.
  *  @return whether the guess has converged: then the point is the maximum. */
 bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
-                                    const std::vector<double>& highest, std::vector<double>& point)
+                                    const std::vector<double>& highest,
+                                    std::vector<double>& point) const
 {
     const int maxRounds = areMany ? 5 : 10; // nearly always enough
     enum class Place
@@ -145,90 +123,6 @@ bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
     return false;
 }
 
-void BoxConstrainedQuadratic::climb(const std::vector<double>& lowest,
-                                    const std::vector<double>& highest, std::vector<double>& point)
-{
-    constexpr double negligibleSlope = 1e-10; // relative to the largest slope at the origin
-
-    const auto bound = [&](std::size_t i, double direction) {
-        return direction < 0.0 ? lowest[i] : highest[i];
-    };
-
-    const std::size_t maxRounds = 5 * size + 5;
-    for (std::size_t round = 0; round < maxRounds && factorsLeft > 0; ++round) {
-        const std::vector<double> rest = slopeAt(point);
-        std::vector<std::size_t> unknowns;
-        double steepest = 0.0;
-        for (std::size_t i = 0; i < size; ++i) {
-            const bool isStopped = (point[i] <= lowest[i] && rest[i] <= 0.0) ||
-                                   (point[i] >= highest[i] && rest[i] >= 0.0);
-            if (!isStopped) {
-                unknowns.push_back(i);
-                steepest = std::max(steepest, std::fabs(rest[i]));
-            }
-        }
-        if (steepest <= negligibleSlope * largestMagnitude(slope)) {
-            break;
-        }
-        const std::vector<double> direction = newtonStep(rest, unknowns, point, lowest, highest);
-
-        double length = 1.0;
-        std::size_t stopping = size;
-        for (std::size_t i = 0; i < size; ++i) {
-            const double room = bound(i, direction[i]) - point[i];
-            if (std::fabs(direction[i]) * length > std::fabs(room)) {
-                length = std::fabs(room) / std::fabs(direction[i]);
-                stopping = i;
-            }
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            point[i] = std::min(std::max(point[i] + length * direction[i], lowest[i]), highest[i]);
-        }
-        if (stopping < size) {
-            point[stopping] = bound(stopping, direction[stopping]);
-        }
-    }
-}
-
-/** The Newton step in the unknowns, without those that it would move out of the box. */
-std::vector<double> BoxConstrainedQuadratic::newtonStep(const std::vector<double>& rest,
-                                                        std::vector<std::size_t> unknowns,
-                                                        const std::vector<double>& point,
-                                                        const std::vector<double>& lowest,
-                                                        const std::vector<double>& highest)
-{
-    std::vector<double> direction(size, 0.0);
-    while (!unknowns.empty()) {
-        const std::size_t m = unknowns.size();
-        std::vector<double> right(m);
-        for (std::size_t a = 0; a < m; ++a) {
-            right[a] = rest[unknowns[a]];
-        }
-        if (!solve(unknowns, right)) {
-            // Not positive definite because of rounding, or no factors left: steepest ascent.
-            for (std::size_t a = 0; a < m; ++a) {
-                right[a] = rest[unknowns[a]] / std::max(largestMagnitude(slope), 1e-300);
-            }
-        }
-        std::vector<std::size_t> inside;
-        for (std::size_t a = 0; a < m; ++a) {
-            const std::size_t i = unknowns[a];
-            if (!(point[i] <= lowest[i] && right[a] < 0.0) &&
-                !(point[i] >= highest[i] && right[a] > 0.0)) {
-                inside.push_back(i);
-            }
-        }
-        if (inside.size() == m) {
-            for (std::size_t a = 0; a < m; ++a) {
-                direction[unknowns[a]] = right[a];
-            }
-            break;
-        }
-        unknowns = inside;
-    }
-    return direction;
-}
-
 /** g - H x */
 std::vector<double> BoxConstrainedQuadratic::slopeAt(const std::vector<double>& point) const
 {
@@ -244,17 +138,13 @@ std::vector<double> BoxConstrainedQuadratic::slopeAt(const std::vector<double>& 
 }
 
 /** Solves for the unknowns, the other variables fixed. False, with `right` unchanged, if the matrix
- *  is not positive definite because of rounding, or no factors are left. */
+ *  is not positive definite because of rounding. */
 bool BoxConstrainedQuadratic::solve(const std::vector<std::size_t>& unknowns,
-                                    std::vector<double>& right)
+                                    std::vector<double>& right) const
 {
     if (unknowns.empty()) {
         return true;
     }
-    if (factorsLeft == 0) {
-        return false;
-    }
-    --factorsLeft;
     if (areMany) {
         FitProgress::advance();
     }

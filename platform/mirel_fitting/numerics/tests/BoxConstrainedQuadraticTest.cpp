@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -132,21 +131,13 @@ TEST(BoxConstrainedQuadratic, TakesFewFactorsHoweverManyVariablesThereAre)
         const Vector point = model.maximum(problem.lowest, problem.highest);
 
         EXPECT_GE(recorded.reports(), 1);
-        EXPECT_LE(recorded.reports(), 9);
+        EXPECT_LE(recorded.reports(), 5);
         EXPECT_GT(valueAt(problem, point), 0.0);
         for (std::size_t i = 0; i < point.size(); ++i) {
             EXPECT_GE(point[i], problem.lowest[i]);
             EXPECT_LE(point[i], problem.highest[i]);
         }
     }
-}
-
-TEST(BoxConstrainedQuadratic, TakesMoreFactorsWhereTheyAreCheap)
-{
-    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(64), std::numeric_limits<std::size_t>::max());
-    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(100), 600u);
-    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(400), 9u);
-    EXPECT_EQ(BoxConstrainedQuadratic::maxFactors(800), 8u);
 }
 
 TEST(BoxConstrainedQuadratic, EndsBeforeAnyFactorOfManyVariables)
@@ -169,18 +160,15 @@ TEST(BoxConstrainedQuadratic, ReportsNothingForFewVariables)
     EXPECT_EQ(recorded.reports(), 0);
 }
 
-TEST(BoxConstrainedQuadratic, StaysAtTheOriginInABoxOfNoSize)
+TEST(BoxConstrainedQuadratic,
+     StaysAtTheOriginInABoxOfNoSizeAndAscendsWhereRoundingMadeTheMatrixIndefinite)
 {
     const Problem problem(5, 1.0, 7);
     const Vector origin(5, 0.0);
 
     EXPECT_EQ(BoxConstrainedQuadratic(problem.hessian, problem.slope).maximum(origin, origin),
               origin);
-}
 
-TEST(BoxConstrainedQuadratic, AscendsWhereRoundingMadeTheMatrixIndefinite)
-{
-    // Rounding has made the matrix indefinite.
     const Vector hessian = {1.0, 2.0, 2.0, 1.0};
     const Vector slope = {1.0, 0.5};
 
