@@ -1,5 +1,7 @@
 #pragma once
 
+#include <plot/drawing/PictureSize.h>
+#include <plot/model/SessionPictures.h>
 #include <session/cases/CaseFileReader.h>
 #include <session/model/SessionChoices.h>
 
@@ -41,8 +43,8 @@ struct CommandLine
     std::string points;
     std::string format; ///< of an exported model
     std::string output = "-";
-    std::string kind;                 ///< of a picture
-    std::optional<std::string> size;  ///< of a picture
+    std::optional<SessionPictures::Kind> kind;
+    std::optional<PictureSize> size;  ///< of a picture
     std::string report;               ///< of fit: the page to be written
     std::optional<double> interval;   ///< percent, above 0 and below 100
     std::optional<std::size_t> folds; ///< of compare

@@ -137,10 +137,10 @@ void addReading(CLI::App& command, CommandLine& line)
 }
 
 /** A text that is given its meaning at once. */
-void addText(CLI::App& command, const std::string& name, const std::string& description,
-             const std::string& type, const std::function<void(const std::string&)>& take)
+CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description,
+                     const std::string& type, const std::function<void(const std::string&)>& take)
 {
-    command.add_option_function<std::string>(name, take, description)->type_name(type);
+    return command.add_option_function<std::string>(name, take, description)->type_name(type);
 }
 
 /** A pair of flags that overrides what is recognised. */
@@ -427,12 +427,19 @@ void describePlot(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Picture");
-    addValue(command, "--kind",
-             "sweep (default), contour, actual, residuals, normal,\ncoefficients or ridge", "K",
-             line.kind);
+    const auto takeKind = [&line](const std::string& word) {
+        line.kind = SessionPictures::kindOf(word);
+    };
+    CLI::Option* const kind =
+        addText(command, "--kind",
+                "sweep (default), contour, actual, residuals, normal,\ncoefficients or ridge", "K",
+                takeKind);
+    require(kind, "one of " + SessionPictures::kindWords(),
+            [](const std::string& word) { return SessionPictures::kindOf(word).has_value(); });
     addValues(command, line);
     command.option_defaults()->group("Picture");
-    addValue(command, "--size", "pixels of each panel, 800x600 if absent", "WxH", line.size);
+    addText(command, "--size", "pixels of each panel, 800x600 if absent", "WxH",
+            [&line](const std::string& text) { line.size = PictureSize::parse(text); });
     addOutput(command, line);
     command.footer(R"(Kinds:
   sweep         the model along one input, with the band in which it lies with 95 percent probability

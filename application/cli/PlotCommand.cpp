@@ -8,7 +8,6 @@
 #include <plot/drawing/Picture.h>
 #include <plot/model/SessionPictures.h>
 #include <session/model/CaseSession.h>
-#include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <optional>
@@ -22,20 +21,8 @@ using SessionPictures::Kind;
 
 Kind kindOf(const CommandLine& line)
 {
-    if (line.kind.empty()) {
-        return line.sweeps.size() + line.counts.size() == 2 ? Kind::Contour : Kind::Sweep;
-    }
-    const std::optional<Kind> kind = SessionPictures::kindOf(line.kind);
-    if (!kind) {
-        throw UsageError("--kind needs one of " + SessionPictures::kindWords() + ", not " +
-                         quotedText(line.kind) + '.');
-    }
-    return *kind;
-}
-
-std::optional<PictureSize> sizeOf(const CommandLine& line)
-{
-    return line.size ? std::make_optional(PictureSize::parse(*line.size)) : std::nullopt;
+    const bool sweepsTwo = line.sweeps.size() + line.counts.size() == 2;
+    return line.kind.value_or(sweepsTwo ? Kind::Contour : Kind::Sweep);
 }
 
 /** All outputs are evaluated at the same points, so that the first picture speaks for all. */
@@ -67,7 +54,6 @@ void PlotCommand::check(const CommandLine& line)
     }
     const Kind kind = kindOf(line);
     Picture::formatOf(line.output);
-    sizeOf(line);
     const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
     if (hasValues && SessionPictures::sweptInputs(kind) == 0) {
         throw UsageError("--sweep, --count and --at belong to pictures of kind sweep and contour.");
@@ -93,6 +79,6 @@ Evaluation PlotCommand::run(const CommandLine& line, OpenSession& open)
     Evaluation evaluation;
     evaluation.extrapolation = extrapolationOf(panels.front());
     const DrawingApplication application;
-    Picture(std::move(panels), sizeOf(line)).write(line.output);
+    Picture(std::move(panels), line.size).write(line.output);
     return evaluation;
 }
