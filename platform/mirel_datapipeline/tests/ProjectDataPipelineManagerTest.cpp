@@ -40,15 +40,7 @@ using ProjectDataPipelineManagerTest = PipelineTest;
 
 } // namespace
 
-TEST_F(ProjectDataPipelineManagerTest, AnnouncesEachChangeOfTheProjectOnce)
-{
-    project->setValue(project->record(1), x, 5.0);
-    EXPECT_EQ(changes, 1);
-    project->removeVariable(x);
-    EXPECT_EQ(changes, 2);
-}
-
-TEST_F(ProjectDataPipelineManagerTest, AnnouncesAGroupOfChangesOnce)
+TEST_F(ProjectDataPipelineManagerTest, AnnouncesEachChangeOrGroupOfChangesOnce)
 {
     {
         Project::ChangeGroup group(*project);
@@ -56,6 +48,10 @@ TEST_F(ProjectDataPipelineManagerTest, AnnouncesAGroupOfChangesOnce)
         project->setValue(project->record(1), x, 5.0);
     }
     EXPECT_EQ(changes, 1);
+    project->setValue(project->record(1), x, 6.0);
+    EXPECT_EQ(changes, 2);
+    project->removeVariable(x);
+    EXPECT_EQ(changes, 3);
 }
 
 TEST_F(ProjectDataPipelineManagerTest, AnnouncesNothingWhenNothingChanges)

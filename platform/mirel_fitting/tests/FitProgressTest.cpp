@@ -93,17 +93,14 @@ TEST(FitProgress, ReportsWorkInPartsOfANamedPortionAtTheirBeginning)
 
     EXPECT_EQ(recorder.fractions, Fractions{0.25});
     EXPECT_EQ(recorder.messages, Messages{"searching"});
-}
 
-TEST(FitProgress, RepeatsTheLastFractionWhereTheWorkIsUnknown)
-{
-    const Recorder recorder;
+    const Recorder second;
     const FitProgress::Portion portion(0.5, 1.0, "passing over the cases");
     FitProgress::advance();
     FitProgress::report(0.5, "");
     FitProgress::advance();
 
-    EXPECT_EQ(recorder.fractions, (Fractions{0.5, 0.75, 0.75}));
+    EXPECT_EQ(second.fractions, (Fractions{0.5, 0.75, 0.75}));
 }
 
 TEST(FitProgress, DoesNotGoBackBetweenThePartsOfAPortion)

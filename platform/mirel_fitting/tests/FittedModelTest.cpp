@@ -72,10 +72,7 @@ TEST(FittedModel, PutsItsIntervalsAroundThePrediction)
 
     EXPECT_EQ(found.lower[0], -2.0);
     EXPECT_EQ(found.upper[0], 2.0);
-}
 
-TEST(FittedModel, HasConfidenceLimitsByTheSameQuantileUnlessItSaysAnother)
-{
     EXPECT_EQ(HostModel().confidenceQuantile(0, 0.5), 2.0);
 }
 

@@ -148,7 +148,7 @@ TEST(ResponseSurfaceStatistics, StationaryPointIsThatOfR)
     EXPECT_FALSE(point->isInsideData);
 }
 
-TEST(ResponseSurfaceStatistics, SumsOfSquaresAddUp)
+TEST(ResponseSurfaceStatistics, HasTheRowsOfTheTermsThatThereAreWhoseSumsOfSquaresAddUp)
 {
     const std::vector<AnovaRow> table = statisticsOf(twoInputs(40, 2.0)).anova;
 
@@ -157,10 +157,7 @@ TEST(ResponseSurfaceStatistics, SumsOfSquaresAddUp)
     EXPECT_NEAR(kinds, table[0].sumOfSquares, 1e-11 * table[0].sumOfSquares);
     EXPECT_NEAR(table[0].sumOfSquares + table[4].sumOfSquares, table[5].sumOfSquares,
                 1e-11 * table[5].sumOfSquares);
-}
 
-TEST(ResponseSurfaceStatistics, HasTheRowsOfTheTermsThatThereAre)
-{
     EXPECT_EQ(sourcesOf(statisticsOf(twoInputs(40, 2.0), 1)),
               (std::vector<std::string>{"Model", "Linear", "Residual", "Total"}));
     EXPECT_EQ(sourcesOf(statisticsOf(twoInputs(40, 2.0), 0)),

@@ -113,7 +113,7 @@ TEST(ResponseSurfaceTerms, AreNotCalledDroppedIfNotChosen)
     EXPECT_EQ(text.find("Square:"), std::string::npos) << text;
 }
 
-TEST(ResponseSurfaceTerms, BecomeLinearWithTooFewCases)
+TEST(ResponseSurfaceTerms, BecomeLinearWithTooFewCasesOrInputs)
 {
     const Model model = fit(twoInputs(3, 1.0), PolynomialTerms::Interactions);
 
@@ -122,14 +122,11 @@ TEST(ResponseSurfaceTerms, BecomeLinearWithTooFewCases)
               Texts{"The order was lowered from linear with interactions to linear: 4 terms need "
                     "at least as many cases."});
     EXPECT_EQ(termsOf(fit(twoInputs(4, 1.0), PolynomialTerms::Interactions), true).size(), 4u);
-}
 
-TEST(ResponseSurfaceTerms, AreLinearWhereThereIsNothingToInteract)
-{
-    const Model model = fit({{{0, 1, 2, 3, 5}}, {{1, 2, 3, 5, 6}}}, PolynomialTerms::Interactions);
+    const Model ofOne = fit({{{0, 1, 2, 3, 5}}, {{1, 2, 3, 5, 6}}}, PolynomialTerms::Interactions);
 
-    EXPECT_EQ(termsOf(model, true), (Texts{"1", "V1"}));
-    EXPECT_EQ(model.fitWarnings(0), noTexts);
+    EXPECT_EQ(termsOf(ofOne, true), (Texts{"1", "V1"}));
+    EXPECT_EQ(ofOne.fitWarnings(0), noTexts);
     EXPECT_EQ(termsOf(fit({{}, {{1, 2, 6}}}, PolynomialTerms::Interactions), true), Texts{"1"});
 }
 

@@ -38,30 +38,17 @@ TEST(TermFormula, ListsLinearTermsAndThoseOfSecondOrder)
     EXPECT_EQ(termsOf("A + H2/WF6 + A:H2/WF6 + A^2"), (Terms{{0}, {3}, {0, 0}, {0, 3}}));
     EXPECT_EQ(termsOf("A"), (Terms{{0}}));
     EXPECT_EQ(termsOf("1"), Terms());
-}
-
-TEST(TermFormula, TakesBlanksOrderAndRepetitionsAsNoDifference)
-{
     EXPECT_EQ(termsOf(" A^2+Wall thickness:A +A+A^1 + Wall thickness*A"),
               termsOf("A + Wall thickness + A:Wall thickness + A:A"));
-}
-
-TEST(TermFormula, TakesOddNamesInQuotes)
-{
     EXPECT_EQ(termsOf("\"x+1\"^2 + 'x+1' : 'A'"), (Terms{{0}, {2}, {0, 2}, {2, 2}}));
 }
 
-TEST(TermFormula, AddsTheLinearTermsOfProductsAndSquares)
+TEST(TermFormula, AddsTheLinearTermsOfProductsAndSquaresAndIsTheSameInSymbols)
 {
     const TermFormula formula("A + A:H2/WF6 + Wall thickness^2", names);
 
     EXPECT_EQ(formula.terms(), (Terms{{0}, {1}, {3}, {0, 3}, {1, 1}}));
     EXPECT_EQ(formula.addedInputs(), (std::vector<std::size_t>{1, 3}));
-}
-
-TEST(TermFormula, IsTheSameInSymbols)
-{
-    const TermFormula formula("A + A:H2/WF6 + Wall thickness^2", names);
 
     EXPECT_EQ(formula.symbols(), "1 + V1 + V1:V4 + V2:V2");
     const TermFormula again(formula.symbols(), 4);

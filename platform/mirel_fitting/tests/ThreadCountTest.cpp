@@ -18,22 +18,14 @@ protected:
 TEST_F(ThreadCount, IsTheNumberOfCoresUnlessItIsSet)
 {
     EXPECT_EQ(threadCount(), std::max(1, static_cast<int>(std::thread::hardware_concurrency())));
-}
-
-TEST_F(ThreadCount, IsWhatWasSetEvenBeyondTheCores)
-{
-    setThreadCount(1);
-    EXPECT_EQ(threadCount(), 1);
-    setThreadCount(77);
-    EXPECT_EQ(threadCount(), 77);
-}
-
-TEST_F(ThreadCount, TakesLessThanZeroForTheDefault)
-{
     setThreadCount(3);
     setThreadCount(-5);
 
     EXPECT_EQ(threadCount(), std::max(1, static_cast<int>(std::thread::hardware_concurrency())));
+    setThreadCount(1);
+    EXPECT_EQ(threadCount(), 1);
+    setThreadCount(77);
+    EXPECT_EQ(threadCount(), 77);
 }
 
 TEST_F(ThreadCount, HoldsForEveryThread)

@@ -115,10 +115,3 @@ TEST(EquationDocument, ItsNumbersGiveTheModelsValues)
     EXPECT_EQ(numberAfter("x1 = (V1 - "), 2.0);
     EXPECT_NEAR(constant + slope * (3.0 - 2.0) / 2.0, 7.0, 1e-12);
 }
-
-TEST(EquationDocument, TheSameModelGivesTheSameBytes)
-{
-    for (const Kind kind : {Polynomial, Kriging}) {
-        EXPECT_EQ(documentOf(cvd(), kind), documentOf(cvd(), kind));
-    }
-}

@@ -120,14 +120,6 @@ TEST_F(ExcelWorkbook, ShowsTheOutputsAtTheSmallestInputsBeforeItIsComputed)
     expectAgreement(model, {{4.0, 2.0}}, {outputsOf(model, rows)}, "smallest inputs");
 }
 
-TEST_F(ExcelWorkbook, TheSameModelGivesTheSameBytes)
-{
-    Cases cases = cvd();
-    const ExportedModel model = cases.exported(Kriging);
-
-    EXPECT_EQ(exportModel(model, ExportFormat::Excel), exportModel(model, ExportFormat::Excel));
-}
-
 TEST_F(ExcelWorkbook, LongPolynomialsAreComputedInSteps)
 {
     Cases cases = smoothCases(700, 30, -1.0, 1.0, 0.0, 1.0);

@@ -4,7 +4,7 @@
 
 using namespace exporttest;
 
-TEST(ExportText, ShortNumbersReadBackAsTheSameDouble)
+TEST(ExportText, NumbersReadBackAsTheSameDoubleAndRealOnesAreNoIntegers)
 {
     Random random(2);
     for (int i = 0; i < 1000; ++i) {
@@ -12,10 +12,7 @@ TEST(ExportText, ShortNumbersReadBackAsTheSameDouble)
         EXPECT_EQ(std::strtod(shortNumber(value).c_str(), nullptr), value);
         EXPECT_EQ(std::strtod(realNumber(value).c_str(), nullptr), value);
     }
-}
 
-TEST(ExportText, RealNumbersAreNoIntegers)
-{
     EXPECT_EQ(realNumber(42.0), "42.0");
     EXPECT_EQ(realNumber(-0.0), "-0.0");
     EXPECT_EQ(realNumber(1e22), "1e+22");

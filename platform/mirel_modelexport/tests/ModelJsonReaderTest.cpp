@@ -53,14 +53,10 @@ TEST(ModelJsonReader, RefusesWhatIsNoModel)
               "it is no JSON document, or a damaged one: it cannot be read at byte 100001.");
 }
 
-TEST(ModelJsonReader, RefusesANewerSchema)
+TEST(ModelJsonReader, RefusesANewerSchemaAndAnUnknownTransform)
 {
     EXPECT_EQ(refusalOf([](Json& json) { json["schema"] = 3; }),
               "its member \"schema\" is 3; this version reads schemas 1 and 2 only.");
-}
-
-TEST(ModelJsonReader, RefusesATransformThatItDoesNotKnow)
-{
     EXPECT_EQ(refusalOf([](Json& json) { json["outputs"][0]["transform"] = "cube"; }),
               "the member \"outputs[0].transform\" is not what it has to be: \"none\", \"sqrt\" or "
               "\"log\".");

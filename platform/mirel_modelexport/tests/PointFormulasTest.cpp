@@ -22,7 +22,7 @@ ExportedModel parabola()
 
 } // namespace
 
-TEST(PointFormulas, ReferToCellsOfTheirRow)
+TEST(PointFormulas, ReferToCellsOfTheirRowAndKnowTheirValues)
 {
     const ExportedModel model = parabola();
     const PointFormulas formulas(model, {1, 3}); // input in column B, steps from D on
@@ -31,11 +31,6 @@ TEST(PointFormulas, ReferToCellsOfTheirRow)
     EXPECT_EQ(formulas.stepHeading(0), "x1");
     EXPECT_EQ(formulas.stepFormula(0, 6), "($B7 - 4)/2");
     EXPECT_EQ(formulas.outputFormula(0, 6), "10+($D7*(2 + 3*$D7))");
-}
-
-TEST(PointFormulas, KnowTheValuesOfTheirSteps)
-{
-    const ExportedModel model = parabola();
 
     EXPECT_EQ(PointFormulas(model, {1, 3}).stepValues({7.0}), (std::vector<double>{1.5}));
 }

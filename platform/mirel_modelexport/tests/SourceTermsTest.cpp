@@ -26,14 +26,10 @@ PredictorDescription someTerms()
 
 } // namespace
 
-TEST(SourceTerms, AreProductsInTheOrderOfTheDescription)
+TEST(SourceTerms, AreProductsInTheOrderOfTheDescriptionOrNested)
 {
     EXPECT_EQ(productTerms(someTerms()), (Texts{"1.0", "2.0 * x[0]", "-3.0 * x[0] * x[0]",
                                                 "4.0 * x[0] * x[1]", "5.0 * x[1]"}));
-}
-
-TEST(SourceTerms, AreNestedByTheirFirstFactor)
-{
     EXPECT_EQ(nestedTerms(someTerms()),
               (Texts{"x[0] * (2.0 - 3.0 * x[0] + 4.0 * x[1])", "x[1] * (5.0)"}));
 }

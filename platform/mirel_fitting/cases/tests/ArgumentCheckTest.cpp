@@ -35,29 +35,23 @@ TEST_F(ArgumentCheck, CountsInputsOutputsAndCases)
     EXPECT_EQ(columns.cases(), 3u);
 }
 
-TEST_F(ArgumentCheck, RefusesToBeWithoutCases)
-{
-    independents = {nullptr};
-    EXPECT_EQ(errorOf([this] { make(0); }), "There is no case to fit the model to.");
-}
-
-TEST_F(ArgumentCheck, RefusesANegativeNumberOfCasesThatWasWidened)
+TEST_F(ArgumentCheck, RefusesNoCasesAndMoreThanAColumnHolds)
 {
     EXPECT_EQ(errorOf([this] { make(static_cast<std::size_t>(-1)); }),
               "The model cannot be fitted to 18446744073709551615 cases: no column can hold so "
               "many.");
+
+    independents = {nullptr};
+    EXPECT_EQ(errorOf([this] { make(0); }), "There is no case to fit the model to.");
 }
 
-TEST_F(ArgumentCheck, NamesANullInputByItsNumber)
-{
-    independents[1] = nullptr;
-    EXPECT_EQ(refusal(), "The input V2 has no column of values.");
-}
-
-TEST_F(ArgumentCheck, NamesANullOutputByItsOffset)
+TEST_F(ArgumentCheck, NamesANullColumn)
 {
     dependents[1] = nullptr;
     EXPECT_EQ(refusal(), "The output at offset 1 has no column of values.");
+
+    independents[1] = nullptr;
+    EXPECT_EQ(refusal(), "The input V2 has no column of values.");
 }
 
 TEST_F(ArgumentCheck, NamesTheCaseInWhichAnInputIsNotFinite)
@@ -99,14 +93,11 @@ TEST_F(ArgumentCheck, AcceptsNoOffsetsAtAll)
     EXPECT_NO_THROW(make().requireEvaluation({v1.data(), v2.data()}, {}, {}, 3));
 }
 
-TEST_F(ArgumentCheck, RefusesAnotherNumberOfInputs)
+TEST_F(ArgumentCheck, RefusesAnotherNumberOfInputsOrOutputs)
 {
     EXPECT_EQ(errorOf([&] { make().requireEvaluation({v1.data()}, {0}, {out.data()}, 3); }),
               "The model has 2 inputs, but values are given for 1.");
-}
 
-TEST_F(ArgumentCheck, RefusesAnotherNumberOfOutputs)
-{
     EXPECT_EQ(errorOf([&] {
                   make().requireEvaluation({v1.data(), v2.data()}, {0, 1}, {out.data()}, 3);
               }),

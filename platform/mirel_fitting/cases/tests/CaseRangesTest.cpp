@@ -31,29 +31,20 @@ std::string warning(Columns points)
 
 } // namespace
 
-TEST(CaseRanges, GivesNoDistanceInsideAndOnTheEdge)
+TEST(CaseRanges, MeasuresTheFarthestInputInItsRange)
 {
     EXPECT_EQ(distances({{11.0, 10.0, 14.0}, {0.5, -1.0, 1.0}, {0.3, 0.3, 0.3}}),
               (std::vector<double>{0.0, 0.0, 0.0}));
-}
 
-TEST(CaseRanges, MeasuresTheFarthestInputInItsRange)
-{
     EXPECT_EQ(distances({{15.0, 8.0, 15.0}, {0.0, 2.0, -4.0}, {0.3, 0.3, 0.3}}),
               (std::vector<double>{0.25, 0.5, 1.5}));
-}
 
-TEST(CaseRanges, IsInfiniteForAnotherValueOfAConstant)
-{
     const double computed = 0.1 + 0.2; // 0.3 in the last digit but one
     ASSERT_NE(computed, 0.3);
 
     EXPECT_EQ(distances({{11.0, 11.0}, {0.0, 0.0}, {0.31, computed}}),
               (std::vector<double>{infinity, 0.0}));
-}
 
-TEST(CaseRanges, IsNotANumberForPointsThatAreNotFinite)
-{
     const std::vector<double> found =
         distances({{notANumber, 11.0, infinity}, {9.0, -infinity, 0.0}, {0.3, 0.3, 7.0}});
 
@@ -62,13 +53,10 @@ TEST(CaseRanges, IsNotANumberForPointsThatAreNotFinite)
     }
 }
 
-TEST(CaseRanges, WarnsOfNothingInside)
+TEST(CaseRanges, WarnsOfTheFarthestInputBeyondAHundredthOfItsRange)
 {
     EXPECT_EQ(warning({{11.0, notANumber}, {0.0, 0.0}, {0.3, 0.3}}), "");
-}
 
-TEST(CaseRanges, WarnsOfTheFarthestInput)
-{
     EXPECT_EQ(warning({{15.0, 11.0, 11.0}, {0.0, 2.0, 0.0}, {0.3, 0.3, 0.3}}),
               "2 of 3 points lie outside the cases (rows 1 and 2): V2 is up to 0.5 of its range "
               "beyond them. Do "
@@ -76,24 +64,15 @@ TEST(CaseRanges, WarnsOfTheFarthestInput)
     EXPECT_EQ(warning({{15.0}, {0.0}, {0.3}}),
               "1 of 1 point lies outside the cases: V1 is up to 0.25 of its range beyond them. Do "
               "not rely on predictions there.");
-}
 
-TEST(CaseRanges, WarnsOfAnotherValueOfAConstant)
-{
     EXPECT_EQ(
         warning({{15.0, 11.0}, {0.0, 0.0}, {0.4, 0.3}}),
         "1 of 2 points lies outside the cases (row 1): V3 has another value there than in all "
         "cases. Do not rely on predictions there.");
-}
 
-TEST(CaseRanges, DoesNotWarnOfAHundredthOfARange)
-{
     EXPECT_EQ(warning({{14.04}, {-1.02}, {0.3}}), "");
     EXPECT_NE(warning({{14.05}, {-1.02}, {0.3}}), "");
-}
 
-TEST(CaseRanges, NumbersTheFirstTenRowsOutside)
-{
     const std::vector<double> beyond(12, 15.0);
     const std::vector<double> zeros(12, 0.0);
     const std::vector<double> constant(12, 0.3);
@@ -167,7 +146,7 @@ TEST(CaseRanges, ClampToTheEndsOfARange)
     EXPECT_TRUE(std::isnan(clamped[3]));
 }
 
-TEST(CaseRanges, DoesNotWarnOfValuesThatWereWrittenWithSixDigits)
+TEST(CaseRanges, WarnsOfValuesWrittenWithSixDigitsOnlyWhereTheyLoseTheRange)
 {
     Columns columns = {{0.015602722810412861, 0.9793}, {1.0 / 3.0, 1.0 / 3.0}};
     const CaseRanges ranges(pointersTo(columns), 2);
@@ -175,19 +154,16 @@ TEST(CaseRanges, DoesNotWarnOfValuesThatWereWrittenWithSixDigits)
 
     EXPECT_GT(ranges.distances(pointersTo(points), 1)[0], 0.0) << "the numbers are as they are";
     EXPECT_EQ(ranges.warning(pointersTo(points), 1), "");
-}
 
-TEST(CaseRanges, WarnsWhereSixDigitsLoseTheRange)
-{
-    Columns columns = {{1000001.0, 1000002.0}, {1.0 / 3.0, 1.0 / 3.0}};
-    const CaseRanges ranges(pointersTo(columns), 2);
+    Columns far = {{1000001.0, 1000002.0}, {1.0 / 3.0, 1.0 / 3.0}};
+    const CaseRanges farRanges(pointersTo(far), 2);
     Columns rounded = {{1e6}, {1.0 / 3.0}};
     Columns another = {{1000001.0}, {0.33333}};
 
-    EXPECT_EQ(ranges.warning(pointersTo(rounded), 1),
+    EXPECT_EQ(farRanges.warning(pointersTo(rounded), 1),
               "1 of 1 point lies outside the cases: V1 is up to 1 of its range beyond them. Do not "
               "rely on predictions there.");
-    EXPECT_EQ(ranges.warning(pointersTo(another), 1),
+    EXPECT_EQ(farRanges.warning(pointersTo(another), 1),
               "1 of 1 point lies outside the cases: V2 has another value there than in all cases. "
               "Do not rely on predictions there.");
 }

@@ -17,21 +17,21 @@ ColumnScale scaleOf(const Column& values)
 
 } // namespace
 
-TEST(ColumnScale, CentresAtTheMiddleOfTheRange)
+TEST(ColumnScale, KnowsItsCentreUnitAndRounding)
 {
     const ColumnScale scale = scaleOf({4, 80, 42, 5});
 
     EXPECT_EQ(scale.centre(), 42.0);
     EXPECT_EQ(scale.spread(), 76.0);
     EXPECT_EQ(scale.largest(), 80.0);
-}
 
-TEST(ColumnScale, MeasuresInThePowerOfTwoNotBelowHalfTheRange)
-{
     EXPECT_EQ(scaleOf({4, 80}).unit(), 64.0);
     EXPECT_EQ(scaleOf({-1, 1}).unit(), 1.0);
     EXPECT_EQ(scaleOf({0, 4.1}).unit(), 4.0);
     EXPECT_EQ(scaleOf({-1e-12, 1e-12}).unit(), 0x1p-39);
+
+    // Doubles between 2^30 and 2^31 are 2^-22 apart: half of that is the rounding.
+    EXPECT_EQ(scaleOf({0x1p31 - 2.0, 0x1p31}).rounding(), 0x1p-22);
 }
 
 TEST(ColumnScale, MapsTheRangeIntoMinusOneToOne)
@@ -89,10 +89,4 @@ TEST(ColumnScale, ManagesRangesThatOverflowOrUnderflow)
             EXPECT_TRUE(std::isfinite(value));
         }
     }
-}
-
-TEST(ColumnScale, KnowsTheRoundingOfItsValues)
-{
-    // Doubles between 2^30 and 2^31 are 2^-22 apart: half of that is the rounding.
-    EXPECT_EQ(scaleOf({0x1p31 - 2.0, 0x1p31}).rounding(), 0x1p-22);
 }

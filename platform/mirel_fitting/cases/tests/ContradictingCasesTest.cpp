@@ -19,22 +19,14 @@ std::size_t placesWith(double apart, std::vector<double> output)
 
 } // namespace
 
-TEST(ContradictingCases, LieNextToEachOtherAndHaveDifferentOutputs)
+TEST(ContradictingCases, LieNextToEachOtherAndHaveOutputsThatNoModelExplains)
 {
     EXPECT_EQ(placesWith(1e-13, {1.0, -1.0, 0.0}), 1u);
-}
-
-TEST(ContradictingCases, HaveOutputsThatNoSlopeExplains)
-{
     EXPECT_EQ(placesWith(1e-13, {1.0, 1.0 + 1e-8, 0.0}), 0u);
-}
-
-TEST(ContradictingCases, AreNoneWhereAModelSeparatesThem)
-{
     EXPECT_EQ(placesWith(1e-6, {1.0, -1.0, 0.0}), 0u);
 }
 
-TEST(ContradictingCases, AreNearInEveryInput)
+TEST(ContradictingCases, AreNearInEveryInputAndCountOnceAPlace)
 {
     KrigingData data;
     data.cases = 3;
@@ -43,22 +35,14 @@ TEST(ContradictingCases, AreNearInEveryInput)
     data.output = {1.0, -1.0, 0.0};
 
     EXPECT_EQ(ContradictingCases::places(data), 0u);
-}
 
-TEST(ContradictingCases, CountOnceWhereSeveralLieTogether)
-{
-    KrigingData data;
     data.cases = 5;
     data.inputs = 1;
     data.coordinates = {0.0, 1e-12, 2e-12, 1.0 - 1e-13, 1.0};
     data.output = {1.0, -1.0, 0.0, 2.0, 1.0};
 
     EXPECT_EQ(ContradictingCases::places(data), 2u);
-}
 
-TEST(ContradictingCases, AreFoundAmongGridsWhereNoInputAloneSeparatesThem)
-{
-    KrigingData data;
     data.cases = 6;
     data.inputs = 2;
     // Of a grid, one case next to another; every value of each input is there more than once.

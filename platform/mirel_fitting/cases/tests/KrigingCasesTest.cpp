@@ -15,13 +15,23 @@ KrigingCases casesOf(Columns columns)
 
 } // namespace
 
-TEST(KrigingCases, ScalesInputsToTheirRange)
+TEST(KrigingCases, ScalesInputsThatVaryToTheirRange)
 {
     const KrigingCases cases = casesOf({{-10.0, 10.0, 0.0}});
 
     EXPECT_EQ(cases.coordinates(), (std::vector<double>{0.0, 0.5, 1.0}));
     EXPECT_EQ(cases.minimum(), std::vector<double>{-10.0});
     EXPECT_EQ(cases.range(), std::vector<double>{20.0});
+
+    const KrigingCases constant = casesOf({{1.0, 2.0}, {5.0, 5.0}, {4.0, 3.0}});
+
+    EXPECT_EQ(constant.inputCount(), 3u);
+    EXPECT_EQ(constant.activeInputs(), (std::vector<std::size_t>{0, 2}));
+    EXPECT_EQ(constant.coordinates(), (std::vector<double>{0.0, 1.0, 1.0, 0.0}));
+
+    const KrigingCases three = casesOf({{1.0, 3.0, 2.0}, {5.0, 5.0, 5.0}, {4.0, 3.0, 8.0}});
+
+    EXPECT_EQ(three.inputsAt({2, 0}), (Columns{{3.0, 1.0}, {0.0, 0.0}, {3.0, 4.0}}));
 }
 
 TEST(KrigingCases, RefusesAnInputWhoseRangeIsNoNumber)
@@ -35,22 +45,6 @@ TEST(KrigingCases, RefusesAnInputWhoseRangeIsNoNumber)
     }
 }
 
-TEST(KrigingCases, LeavesOutConstantInputs)
-{
-    const KrigingCases cases = casesOf({{1.0, 2.0}, {5.0, 5.0}, {4.0, 3.0}});
-
-    EXPECT_EQ(cases.inputCount(), 3u);
-    EXPECT_EQ(cases.activeInputs(), (std::vector<std::size_t>{0, 2}));
-    EXPECT_EQ(cases.coordinates(), (std::vector<double>{0.0, 1.0, 1.0, 0.0}));
-}
-
-TEST(KrigingCases, GivesTheInputsOfPoints)
-{
-    const KrigingCases cases = casesOf({{1.0, 3.0, 2.0}, {5.0, 5.0, 5.0}, {4.0, 3.0, 8.0}});
-
-    EXPECT_EQ(cases.inputsAt({2, 0}), (Columns{{3.0, 1.0}, {0.0, 0.0}, {3.0, 4.0}}));
-}
-
 TEST(KrigingCases, GathersRowsWithTheSameInputs)
 {
     const KrigingCases cases = casesOf({{2.0, 1.0, 2.0, 2.0}, {0.0, 0.0, 0.0, 9.0}});
@@ -60,21 +54,15 @@ TEST(KrigingCases, GathersRowsWithTheSameInputs)
     EXPECT_EQ(cases.rowsAt(0), (std::vector<std::size_t>{1}));
     EXPECT_EQ(cases.rowsAt(1), (std::vector<std::size_t>{0, 2}));
     EXPECT_EQ(cases.rowsAt(2), (std::vector<std::size_t>{3}));
-}
 
-TEST(KrigingCases, TakesZeroAndMinusZeroForTheSame)
-{
     EXPECT_EQ(casesOf({{0.0, -0.0, 1.0}}).pointCount(), 2u);
-}
 
-TEST(KrigingCases, HasOnePointWithoutInputs)
-{
     std::vector<double*> none;
 
-    const KrigingCases cases(none, 3);
+    const KrigingCases withoutInputs(none, 3);
 
-    EXPECT_EQ(cases.pointCount(), 1u);
-    EXPECT_EQ(cases.rowsAt(0), (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_EQ(withoutInputs.pointCount(), 1u);
+    EXPECT_EQ(withoutInputs.rowsAt(0), (std::vector<std::size_t>{0, 1, 2}));
 }
 
 TEST(KrigingCases, DoesNotDependOnTheOrderOfTheRows)

@@ -15,7 +15,7 @@ MergedOutput merged(std::vector<double> input, const std::vector<double>& output
 
 } // namespace
 
-TEST(MergedOutput, CountsCopiesOnce)
+TEST(MergedOutput, CountsCopiesOnceUnlessOtherRowsDiffer)
 {
     const MergedOutput output = merged({1.0, 0.0, 1.0, 1.0}, {5.0, 2.0, 5.0, 5.0});
 
@@ -24,36 +24,27 @@ TEST(MergedOutput, CountsCopiesOnce)
     EXPECT_EQ(output.withinSquares, (std::vector<double>{0.0, 0.0}));
     EXPECT_EQ(output.copies, 2u);
     EXPECT_EQ(output.conflicts, 0u);
-}
 
-TEST(MergedOutput, GathersTheScatterOfRowsThatDiffer)
-{
-    const MergedOutput output = merged({0.0, 0.0, 1.0}, {1.0, 3.0, 7.0});
+    const MergedOutput scattered = merged({0.0, 0.0, 1.0}, {1.0, 3.0, 7.0});
 
-    EXPECT_EQ(output.means, (std::vector<double>{2.0, 7.0}));
-    EXPECT_EQ(output.replicates, (std::vector<double>{2.0, 1.0}));
-    EXPECT_EQ(output.withinSquares, (std::vector<double>{2.0, 0.0}));
-    EXPECT_EQ(output.conflicts, 1u);
-}
+    EXPECT_EQ(scattered.means, (std::vector<double>{2.0, 7.0}));
+    EXPECT_EQ(scattered.replicates, (std::vector<double>{2.0, 1.0}));
+    EXPECT_EQ(scattered.withinSquares, (std::vector<double>{2.0, 0.0}));
+    EXPECT_EQ(scattered.conflicts, 1u);
 
-TEST(MergedOutput, CountsCopiesAsMeasurementsWhereOtherRowsDiffer)
-{
-    const MergedOutput output =
+    const MergedOutput both =
         merged({0.0, 0.0, 0.0, 0.0, 1.0, 1.0}, {5.0, 5.0, 6.0, 5.0, 7.0, 7.0});
 
-    EXPECT_EQ(output.means, (std::vector<double>{5.25, 7.0}));
-    EXPECT_EQ(output.replicates, (std::vector<double>{4.0, 2.0}));
-    EXPECT_EQ(output.withinSquares, (std::vector<double>{0.75, 0.0}));
-    EXPECT_EQ(output.copies, 3u);
-}
+    EXPECT_EQ(both.means, (std::vector<double>{5.25, 7.0}));
+    EXPECT_EQ(both.replicates, (std::vector<double>{4.0, 2.0}));
+    EXPECT_EQ(both.withinSquares, (std::vector<double>{0.75, 0.0}));
+    EXPECT_EQ(both.copies, 3u);
 
-TEST(MergedOutput, TakesNoRoundingOfAMeanForScatter)
-{
     // Three tenths, divided by three and added up, are not a tenth.
-    const MergedOutput output = merged({0.0, 0.0, 1.0, 1.0, 1.0}, {1.0, 2.0, 0.1, 0.1, 0.1});
+    const MergedOutput tenths = merged({0.0, 0.0, 1.0, 1.0, 1.0}, {1.0, 2.0, 0.1, 0.1, 0.1});
 
-    EXPECT_EQ(output.means[1], 0.1);
-    EXPECT_EQ(output.withinSquares[1], 0.0);
+    EXPECT_EQ(tenths.means[1], 0.1);
+    EXPECT_EQ(tenths.withinSquares[1], 0.0);
 }
 
 TEST(MergedOutput, ReportsWhileItMerges)

@@ -136,13 +136,9 @@ TEST(ProductGrid, IsCutIntoLinesWhereAFasterAxisIsLong)
     EXPECT_EQ(grid.cut(3)[3].firstRow(), 7u);
 }
 
-TEST(ProductGrid, OfNoRowsIsNone)
+TEST(ProductGrid, OfNoRowsIsNoneAndOfNoColumnsRepeatsItsRow)
 {
     EXPECT_TRUE(ProductGrid::split({nullptr, nullptr}, 0).empty());
-}
-
-TEST(ProductGrid, OfNoColumnsRepeatsItsRow)
-{
     EXPECT_EQ(describe(ProductGrid::split({}, 7)), "7:");
 }
 

@@ -57,10 +57,6 @@ TEST(OrderedChunks, HandsOverInOrderWhateverTheNumberOfThreads)
     for (const int threads : {-1, 0, 1, 2, 7}) {
         EXPECT_EQ(run(200, threads), expected) << threads;
     }
-}
-
-TEST(OrderedChunks, DoesNothingForNoChunks)
-{
     EXPECT_TRUE(run(0, 3).empty());
 }
 

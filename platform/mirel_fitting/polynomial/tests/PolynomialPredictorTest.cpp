@@ -149,17 +149,14 @@ TEST(PolynomialPredictor, IsNanWhereACoordinateIsNotFinite)
             }
         }
     }
-}
 
-TEST(PolynomialPredictor, IsNanForAnInputWithoutInfluenceToo)
-{
     const PolynomialPredictor constant = predictorOf(2, 0);
 
-    const Column found = predict(constant, {{1.0, 1.0, infinity}, {1.0, notANumber, 1.0}});
+    const Column ofConstant = predict(constant, {{1.0, 1.0, infinity}, {1.0, notANumber, 1.0}});
 
-    EXPECT_EQ(found[0], 3.0);
-    EXPECT_TRUE(std::isnan(found[1]));
-    EXPECT_TRUE(std::isnan(found[2]));
+    EXPECT_EQ(ofConstant[0], 3.0);
+    EXPECT_TRUE(std::isnan(ofConstant[1]));
+    EXPECT_TRUE(std::isnan(ofConstant[2]));
 }
 
 TEST(PolynomialPredictor, HasNothingToDoWithoutPoints)

@@ -27,13 +27,19 @@ const std::vector<double> scaled{1.5, -64.0, 4.0, 2048.0, 128.0, -32.0};
 
 } // namespace
 
-TEST(PolynomialUnits, DividesByTheUnitsForCentredInputs)
+TEST(PolynomialUnits, DividesByTheUnitsForCentredAndCodesRangesForCodedInputs)
 {
     const QuadraticBasis basis(2, 2);
     const std::vector<ColumnScale> inputScales = scales();
 
     EXPECT_EQ(PolynomialUnits(basis, inputScales).centred(scaled),
               (std::vector<double>{1.5, -1.0, 1.0, 0.5, 0.5, -2.0}));
+
+    const std::vector<double> coded = PolynomialUnits(basis, inputScales).coded(scaled);
+
+    // -1 and 1 stand for 4 and 80, -10 and -2.
+    EXPECT_DOUBLE_EQ(value(coded, -1.0, 1.0), value(scaled, (4.0 - 42.0) / 64.0, 1.0));
+    EXPECT_DOUBLE_EQ(value(coded, 1.0, -1.0), value(scaled, (80.0 - 42.0) / 64.0, -1.0));
 }
 
 TEST(PolynomialUnits, MultipliesOutToTheSamePolynomial)
@@ -71,18 +77,6 @@ TEST(PolynomialUnits, BoundsTheRoundingErrorOfALargeOrigin)
     EXPECT_LT(PolynomialUnits(basis, nearScale).expansionLoss({1, 1, 1}), 1e-15);
     // Squares of 2e6, rounded to 16 digits.
     EXPECT_NEAR(PolynomialUnits(basis, farScale).expansionLoss({1, 1, 1}), 4e12 * 2.2e-16, 1e-5);
-}
-
-TEST(PolynomialUnits, CodesInputsToTheirRanges)
-{
-    const QuadraticBasis basis(2, 2);
-    const std::vector<ColumnScale> inputScales = scales();
-
-    const std::vector<double> coded = PolynomialUnits(basis, inputScales).coded(scaled);
-
-    // -1 and 1 stand for 4 and 80, -10 and -2.
-    EXPECT_DOUBLE_EQ(value(coded, -1.0, 1.0), value(scaled, (4.0 - 42.0) / 64.0, 1.0));
-    EXPECT_DOUBLE_EQ(value(coded, 1.0, -1.0), value(scaled, (80.0 - 42.0) / 64.0, -1.0));
 }
 
 TEST(PolynomialUnits, WritesATermOfTheInputsInScaledOnes)

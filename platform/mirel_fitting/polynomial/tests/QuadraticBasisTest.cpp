@@ -18,30 +18,18 @@ std::vector<std::string> namesOf(const QuadraticBasis& basis)
 
 } // namespace
 
-TEST(QuadraticBasis, ListsConstantThenLinearThenProducts)
+TEST(QuadraticBasis, ListsConstantThenLinearThenProductsUpToItsOrder)
 {
     EXPECT_EQ(namesOf(QuadraticBasis(2, 2)),
               (std::vector<std::string>{"1", "V1", "V2", "V1^2", "V1 V2", "V2^2"}));
     EXPECT_EQ(namesOf(QuadraticBasis(3, 2)),
               (std::vector<std::string>{"1", "V1", "V2", "V3", "V1^2", "V1 V2", "V1 V3", "V2^2",
                                         "V2 V3", "V3^2"}));
-}
-
-TEST(QuadraticBasis, HasOnlyTheTermsUpToItsOrder)
-{
     EXPECT_EQ(namesOf(QuadraticBasis(2, 0)), (std::vector<std::string>{"1"}));
     EXPECT_EQ(namesOf(QuadraticBasis(2, 1)), (std::vector<std::string>{"1", "V1", "V2"}));
-}
-
-TEST(QuadraticBasis, IsTheConstantWithoutInputs)
-{
     for (int order = 0; order <= 2; ++order) {
         EXPECT_EQ(namesOf(QuadraticBasis(0, order)), (std::vector<std::string>{"1"}));
     }
-}
-
-TEST(QuadraticBasis, RefusesAnotherOrder)
-{
     EXPECT_THROW(QuadraticBasis(2, -1), std::invalid_argument);
     EXPECT_THROW(QuadraticBasis(2, 3), std::invalid_argument);
 }

@@ -60,7 +60,7 @@ TEST(ResidualPass, GivesResidualsAndLeveragesInClosedForm)
     EXPECT_NEAR(found.outputs[0].press, press, 1e-13);
 }
 
-TEST(ResidualPass, KeepsTheFiguresOfSampledCasesOnly)
+TEST(ResidualPass, KeepsTheFiguresOfSampledCasesAndSumsThemForARefinement)
 {
     Line line;
 
@@ -69,11 +69,7 @@ TEST(ResidualPass, KeepsTheFiguresOfSampledCasesOnly)
     EXPECT_LT(largestDifference(found.outputs[0].ofSampled, {-1.2, 2.4}), 1e-15);
     EXPECT_LT(largestDifference(found.leveragesOfSampled, {0.3, 0.6}), 1e-15);
     EXPECT_NEAR(found.outputs[0].squares, line.evaluate().outputs[0].squares, 0.0);
-}
 
-TEST(ResidualPass, SumsResidualsTimesTermsForARefinement)
-{
-    Line line;
     EXPECT_NEAR(line.evaluate().gradients[0], 0.0, 1e-14) << "at the least squares";
     EXPECT_NEAR(line.evaluate().gradients[1], 0.0, 1e-14);
 

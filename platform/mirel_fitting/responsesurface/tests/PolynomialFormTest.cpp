@@ -46,33 +46,27 @@ TEST(PolynomialForm, HasTheTermsOfAFormula)
     EXPECT_EQ(of(PolynomialTerms::Chosen, "1").order, 0);
 }
 
-TEST(PolynomialForm, CountsItsTerms)
+TEST(PolynomialForm, CountsAndNamesItsTerms)
 {
     EXPECT_EQ(linear.termCount(3), 4u);
     EXPECT_EQ(interactions.termCount(3), 7u);
     EXPECT_EQ(quadratic.termCount(3), 10u);
     EXPECT_EQ((PolynomialForm{0, true}).termCount(3), 1u);
-}
 
-TEST(PolynomialForm, HasANameThatUsersRead)
-{
     EXPECT_EQ(linear.name(), "linear");
     EXPECT_EQ(interactions.name(), "linear with interactions");
     EXPECT_EQ(quadratic.name(), "full quadratic");
     EXPECT_EQ((PolynomialForm{0, true}).name(), "constant");
 }
 
-TEST(PolynomialForm, IsLoweredUntilTheCasesSuffice)
+TEST(PolynomialForm, IsLoweredUntilCasesAndInputsSuffice)
 {
     EXPECT_EQ(quadratic.lowered(2, 6).name(), "full quadratic");
     EXPECT_EQ(quadratic.lowered(2, 5).name(), "linear");
     EXPECT_EQ(interactions.lowered(2, 4).name(), "linear with interactions");
     EXPECT_EQ(interactions.lowered(2, 3).name(), "linear");
     EXPECT_EQ(quadratic.lowered(2, 2).name(), "constant");
-}
 
-TEST(PolynomialForm, HasNoTermsThatItsInputsCannotMake)
-{
     EXPECT_EQ(interactions.lowered(1, 100).name(), "linear");
     EXPECT_EQ(quadratic.lowered(1, 100).name(), "full quadratic");
     EXPECT_EQ(quadratic.lowered(0, 100).name(), "constant");

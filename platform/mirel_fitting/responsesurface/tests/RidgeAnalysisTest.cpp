@@ -17,13 +17,9 @@ void expectPoint(const std::vector<double>& found, const std::vector<double>& ex
 
 } // namespace
 
-TEST(RidgeAnalysis, BeginsInTheMiddle)
+TEST(RidgeAnalysis, BeginsInTheMiddleAndFollowsTheGradientWhereTheCurvaturesAreEqual)
 {
     expectPoint(RidgeAnalysis({1.0, 2.0}, {3.0, 4.0}).largest(0.0), {0.0, 0.0});
-}
-
-TEST(RidgeAnalysis, FollowsTheGradientWhereTheCurvaturesAreEqual)
-{
     for (const double curvature : {-2.0, 0.0, 7.0}) {
         expectPoint(RidgeAnalysis({curvature, curvature}, {3.0, 4.0}).largest(0.5), {0.3, 0.4});
     }

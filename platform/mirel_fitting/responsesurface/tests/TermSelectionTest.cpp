@@ -50,33 +50,41 @@ using Texts = std::vector<std::string>;
 
 } // namespace
 
-TEST(TermSelection, KeepsTheTermsOfTheFunction)
+TEST(TermSelection, KeepsTheTermsOfTheFunctionAndTheLinearOnesOfItsProducts)
 {
-    const PolynomialFit whole =
-        fit(noisy([](double, double y) { return 1.0 + 2.0 * y + y * y; }, 60, 0.0));
-    const TermSelection selection(whole, 0);
+    struct
+    {
+        Cases cases;
+        Texts kept;
+    } const rows[] = {
+        {noisy([](double, double y) { return 1.0 + 2.0 * y + y * y; }, 60, 0.0),
+         {"1", "V2", "V2^2"}},
+        // About the middle of the ranges the linear terms of this function are nearly 0.
+        {noisy([](double x, double y) { return (x - 2.0) * (y - 0.5); }, 60, 0.01),
+         {"1", "V1", "V2", "V1 V2"}},
+        {noisy([](double, double) { return 5.0; }, 200, 0.0), {"1"}}};
+    for (const auto& row : rows) {
+        const PolynomialFit whole = fit(row.cases);
+        const TermSelection selection(whole, 0);
 
-    EXPECT_EQ(termsOf(selection, whole.basis()), (Texts{"1", "V2", "V2^2"}));
-    EXPECT_TRUE(selection.dropsAny());
+        EXPECT_EQ(termsOf(selection, whole.basis()), row.kept);
+        EXPECT_TRUE(selection.dropsAny());
+    }
 }
 
-TEST(TermSelection, KeepsLinearTermsOfProducts)
-{
-    // About the middle of the ranges the linear terms of this function are nearly 0.
-    const PolynomialFit whole =
-        fit(noisy([](double x, double y) { return (x - 2.0) * (y - 0.5); }, 60, 0.01));
-    const TermSelection selection(whole, 0);
-
-    EXPECT_EQ(termsOf(selection, whole.basis()), (Texts{"1", "V1", "V2", "V1 V2"}));
-}
-
-TEST(TermSelection, KeepsAllWhereEachLowersTheCriterion)
+TEST(TermSelection, KeepsAllWhereEachLowersTheCriterionAndOfTooFewCases)
 {
     const PolynomialFit whole = fit(twoInputs(60, 0.01));
     const TermSelection selection(whole, 0);
 
     EXPECT_FALSE(selection.dropsAny());
     EXPECT_EQ(termsOf(selection, whole.basis()).size(), 6u);
+
+    // AICc is infinite for every polynomial that three cases can be fitted with.
+    Cases cases{{{0.0, 1.0, 3.0}}, {{1.0, 5.0, 2.0}}};
+    const PolynomialFit few = fit(cases);
+
+    EXPECT_FALSE(TermSelection(few, 0).dropsAny());
 }
 
 TEST(TermSelection, EndsWhereNoFitWithoutASingleTermIsBetter)
@@ -97,22 +105,6 @@ TEST(TermSelection, EndsWhereNoFitWithoutASingleTermIsBetter)
             }
         }
     }
-}
-
-TEST(TermSelection, KeepsOnlyTheConstantOfAConstantOutput)
-{
-    const PolynomialFit whole = fit(noisy([](double, double) { return 5.0; }, 200, 0.0));
-
-    EXPECT_EQ(termsOf(TermSelection(whole, 0), whole.basis()), Texts{"1"});
-}
-
-TEST(TermSelection, KeepsAllTermsOfTooFewCases)
-{
-    // AICc is infinite for every polynomial that three cases can be fitted with.
-    Cases cases{{{0.0, 1.0, 3.0}}, {{1.0, 5.0, 2.0}}};
-    const PolynomialFit whole = fit(cases);
-
-    EXPECT_FALSE(TermSelection(whole, 0).dropsAny());
 }
 
 TEST(TermSelection, NeverKeepsWhatTheCasesCannotSeparate)

@@ -39,7 +39,7 @@ KrigingFitOptions withFixedNugget()
 
 } // namespace
 
-TEST(DistinctCases, MergesReplicatesAndStandardisesTheirMean)
+TEST(DistinctCases, MergesReplicatesIntoTheirMean)
 {
     const Merged merged({2.0, 6.0, 8.0, 10.0});
 
@@ -47,15 +47,12 @@ TEST(DistinctCases, MergesReplicatesAndStandardisesTheirMean)
     EXPECT_EQ(merged.distinct.data().replicates, (std::vector<double>{2.0, 1.0, 1.0}));
     EXPECT_EQ(merged.distinct.withinDeviation(0), 1.0);
     EXPECT_EQ(merged.distinct.withinDeviation(1), 0.0);
-}
 
-TEST(DistinctCases, CountsTheMeanOfReplicatesOnceWhereTheNuggetIsFixed)
-{
-    const Merged merged({2.0, 6.0, 8.0, 10.0}, withFixedNugget());
+    const Merged once({2.0, 6.0, 8.0, 10.0}, withFixedNugget());
 
-    EXPECT_EQ(merged.distinct.data().replicates, (std::vector<double>{1.0, 1.0, 1.0}));
-    EXPECT_FALSE(merged.distinct.data().hasPureError());
-    EXPECT_EQ(merged.distinct.withinDeviation(0), 1.0);
+    EXPECT_EQ(once.distinct.data().replicates, (std::vector<double>{1.0, 1.0, 1.0}));
+    EXPECT_FALSE(once.distinct.data().hasPureError());
+    EXPECT_EQ(once.distinct.withinDeviation(0), 1.0);
 }
 
 TEST(DistinctCases, WarnsOfReplicatesThatDiffer)

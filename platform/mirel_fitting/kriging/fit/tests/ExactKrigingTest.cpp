@@ -42,16 +42,13 @@ struct AtCases
 
 } // namespace
 
-TEST(ExactKriging, InterpolatesWhereTheNuggetOnlyStabilises)
+TEST(ExactKriging, InterpolatesUnlessTheNuggetStandsForNoise)
 {
     const AtCases found(0.5, 1e-12, 0.0);
 
     EXPECT_TRUE(found.interpolates);
     EXPECT_LT(found.largest, 1e-6);
-}
 
-TEST(ExactKriging, SmoothsByANuggetThatStandsForNoise)
-{
     for (const double least : {0.0, 0.1}) {
         const AtCases found(0.5, 0.1, least);
 

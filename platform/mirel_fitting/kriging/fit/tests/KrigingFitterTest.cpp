@@ -157,79 +157,47 @@ TEST(KrigingFitter, InterpolatesSmoothCasesWhoseLikelihoodHardlyPrefersANugget)
     }
 }
 
-TEST(KrigingFitter, LowersTheTrendForFewCases)
+TEST(KrigingFitter, LowersTheTrendToWhatTheCasesSupport)
 {
-    // Six parameters of a quadratic and a variance: seven cases.
-    const Columns inputs = latinHypercube(6, 2, 3);
-    KrigingFitOptions options = withTrend(2);
-    options.correlationLengths = {0.5, 0.5};
+    const auto nearlyPlane = [](const std::vector<double>& x) {
+        return 5.0 * x[0] - 3.0 * x[1] + 0.1 * std::sin(7.0 * x[0] + 9.0 * x[1]);
+    };
+    const Columns six = latinHypercube(6, 2, 3);
+    const Columns twenty = latinHypercube(20, 2, 3);
+    KrigingFitOptions fixedLengths = withTrend(1);
+    fixedLengths.correlationLengths = {0.5, 0.5};
+    KrigingFitOptions quadratic = fixedLengths;
+    quadratic.trendOrder = 2;
+    KrigingFitOptions givenNoise = withTrend(1);
+    givenNoise.nugget = 0.1;
+    givenNoise.nuggetMode = KrigingOptions::NuggetMode::Fixed;
+    struct
+    {
+        Columns inputs;
+        std::vector<double> output;
+        KrigingFitOptions options;
+        int order;
+        std::string warning;
+    } const rows[] = {
+        // Six parameters of a quadratic and a variance: seven cases.
+        {six, valuesOf(wave, six), quadratic, 1, "2 to 1: 6 distinct cases are too few for more."},
+        {twenty, valuesOf(wave, twenty), withTrend(1), 0,
+         "1 to 0: the cases show no noise, and from 20 distinct cases a constant trend predicts a "
+         "smooth output better."},
+        {latinHypercube(14, 5, 3), UniformNumbers(7).next(14), withTrend(1), 0,
+         "1 to 0: 14 distinct cases are too few for more."},
+        {twenty, valuesOf(wave, twenty), givenNoise, 1, ""},
+        {twenty, valuesOf(nearlyPlane, twenty), withTrend(1), 1, ""},
+        {twenty, valuesOf(wave, twenty), fixedLengths, 1, ""}};
+    for (const auto& row : rows) {
+        const KrigingFit fit = fitOf(row.inputs, row.output, row.options);
 
-    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
-
-    EXPECT_EQ(fit.report.trendOrder, 1);
-    EXPECT_EQ(fit.metrics.terms, 3u);
-    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 2 to 1: 6 distinct cases are "
-                           "too few for more."));
-}
-
-TEST(KrigingFitter, LowersTheTrendOfFewCasesWithoutNoise)
-{
-    const Columns inputs = latinHypercube(20, 2, 3);
-
-    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), withTrend(1));
-
-    EXPECT_EQ(fit.report.trendOrder, 0);
-    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1"}));
-    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: the cases show no "
-                           "noise, and from 20 distinct cases a constant trend predicts a smooth "
-                           "output better."));
-}
-
-TEST(KrigingFitter, LowersTheTrendOfVeryFewCasesWithNoiseToo)
-{
-    const Columns inputs = latinHypercube(14, 5, 3);
-    UniformNumbers numbers(7);
-    const std::vector<double> noise = numbers.next(14);
-
-    const KrigingFit fit = fitOf(inputs, noise, withTrend(1));
-
-    EXPECT_EQ(fit.report.trendOrder, 0);
-    EXPECT_TRUE(warns(fit, "The order of the trend was lowered from 1 to 0: 14 distinct cases are "
-                           "too few for more."));
-}
-
-TEST(KrigingFitter, KeepsTheTrendWhereNoiseIsGiven)
-{
-    const Columns inputs = latinHypercube(20, 2, 3);
-    KrigingFitOptions options = withTrend(1);
-    options.nugget = 0.1;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
-
-    EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
-}
-
-TEST(KrigingFitter, KeepsATrendThatPredictsBetter)
-{
-    const Columns inputs = latinHypercube(20, 2, 3);
-    const std::vector<double> output = valuesOf(
-        [](const std::vector<double>& x) {
-            return 5.0 * x[0] - 3.0 * x[1] + 0.1 * std::sin(7.0 * x[0] + 9.0 * x[1]);
-        },
-        inputs);
-
-    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
-
-    EXPECT_EQ(fit.report.trendOrder, 1);
-    EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V2"}));
-}
-
-TEST(KrigingFitter, KeepsTheTrendWhereLengthsAreFixed)
-{
-    const Columns inputs = latinHypercube(20, 2, 3);
-    KrigingFitOptions options = withTrend(1);
-    options.correlationLengths = {0.5, 0.5};
-
-    EXPECT_EQ(fitOf(inputs, valuesOf(wave, inputs), options).report.trendOrder, 1);
+        EXPECT_EQ(fit.report.trendOrder, row.order);
+        EXPECT_EQ(fit.report.trendTerms.size(), row.order == 0 ? 1u : 1 + row.inputs.size());
+        EXPECT_EQ(fit.metrics.terms, fit.report.trendTerms.size());
+        EXPECT_EQ(warns(fit, "The order of the trend was lowered from " + row.warning),
+                  !row.warning.empty());
+    }
 }
 
 TEST(KrigingFitter, SaysWhichTermsOfTheTrendWereDropped)

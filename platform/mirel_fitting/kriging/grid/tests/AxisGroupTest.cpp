@@ -26,20 +26,10 @@ TEST(AxisGroup, CombinesTheValuesOfItsAxesTheFastestFirst)
     EXPECT_EQ(grid.group.size, 12u);
     EXPECT_EQ(grid.group.axes[0].valueAt(7), 3u);
     EXPECT_EQ(grid.group.axes[1].valueAt(7), 1u);
-}
-
-TEST(AxisGroup, FindsTheAxisOfAnInput)
-{
-    const Grid grid;
 
     EXPECT_EQ(grid.group.find(0).axis, &grid.group.axes[1]);
     EXPECT_EQ(grid.group.find(1).axis, nullptr);
     EXPECT_EQ(grid.group.find(2).axis, &grid.group.axes[0]);
-}
-
-TEST(AxisGroup, IsNotFiniteWhereOneOfItsValuesIsNot)
-{
-    const Grid grid;
 
     for (std::size_t combination = 0; combination < 12; ++combination) {
         EXPECT_EQ(grid.group.isFinite(combination), combination / 4 != 1) << combination;

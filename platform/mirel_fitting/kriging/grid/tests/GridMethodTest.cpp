@@ -48,39 +48,24 @@ GridMethod cheapestOf(const std::vector<std::size_t>& sizes, std::size_t cases)
 
 } // namespace
 
-TEST(GridMethod, SumsAlongALine)
-{
-    EXPECT_EQ(cheapestOf({1000}, 200).kind, Kind::AxisSums);
-}
-
-TEST(GridMethod, SumsAlongTheLongAxis)
+TEST(GridMethod, SumsAlongTheLongAxisAndMultipliesGroupsOfShortOnes)
 {
     const GridMethod method = cheapestOf({6, 2000}, 200);
 
     EXPECT_EQ(method.kind, Kind::AxisSums);
     EXPECT_EQ(method.axis, 1u);
-}
-
-TEST(GridMethod, MultipliesGroupsOfShortAxes)
-{
+    EXPECT_EQ(cheapestOf({1000}, 200).kind, Kind::AxisSums);
     EXPECT_EQ(cheapestOf({3, 3, 3, 3, 3, 3}, 200).kind, Kind::MatrixProduct);
-}
-
-TEST(GridMethod, SplitsTheAxesIntoGroupsOfSimilarSize)
-{
     EXPECT_EQ(GridMethod::fastAxes(gridOf({4, 5, 20})), 2u); // 20 and 20
 }
 
-TEST(GridMethod, TakesPointByPointWithoutRepetition)
+TEST(GridMethod, TakesPointByPointWhatIsNoGridOfMany)
 {
     EXPECT_EQ(cheapestOf({50}, 60).kind, Kind::Scattered);
     EXPECT_EQ(cheapestOf({2, 2}, 60).kind, Kind::Scattered);
     EXPECT_NE(cheapestOf({20, 20}, 60).kind, Kind::Scattered);
     EXPECT_NE(cheapestOf({5000}, 60).kind, Kind::Scattered);
-}
 
-TEST(GridMethod, TakesPointByPointWhereInputsVaryTogether)
-{
     Columns diagonal(2, std::vector<double>(5000));
     for (std::size_t i = 0; i < 5000; ++i) {
         diagonal[0][i] = diagonal[1][i] = static_cast<double>(i);
@@ -88,10 +73,7 @@ TEST(GridMethod, TakesPointByPointWhereInputsVaryTogether)
     const ProductGrid grid = ProductGrid::split(pointersTo(diagonal), 5000).front();
 
     EXPECT_EQ(GridMethod::cheapest(modelOf(2, 60), grid).kind, Kind::Scattered);
-}
 
-TEST(GridMethod, TakesPointByPointForTheTrendAlone)
-{
     FittedKriging trendAlone = modelOf(2, 60);
     trendAlone.correlation = nullptr;
 

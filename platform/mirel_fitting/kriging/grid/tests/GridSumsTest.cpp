@@ -12,10 +12,6 @@ TEST(GridSums, SumsAlongALineForEveryInputAndTrend)
         expectTheScatteredPredictions(model, gridOf(4, {{2, evenly(1201, -1.0, 4.0)}}));
         expectTheScatteredPredictions(model, gridOf(4, {{3, evenly(5000, 1.0, 5.5)}}));
     }
-}
-
-TEST(GridSums, SumsOverOneInputOnly)
-{
     expectTheScatteredPredictions(Model(1, 1, 40), gridOf(2, {{0, evenly(1000, -1.5, 1.5)}}));
 }
 

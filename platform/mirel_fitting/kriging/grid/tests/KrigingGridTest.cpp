@@ -16,17 +16,15 @@ TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryOrderOfNesting)
     } while (std::next_permutation(axes.begin(), axes.end()));
 }
 
-TEST(KrigingGrid, TakesAGridOverSomeInputsOnly)
+TEST(KrigingGrid, TakesAxesOfSomeInputsAndOfOtherColumns)
 {
     expectTheScatteredPredictions(
         Model(4), gridOf(5, {{4, evenly(12, 2.0, 7.0)}, {0, evenly(11, -1.5, 1.5)}}));
-}
-
-TEST(KrigingGrid, TakesAnAxisOfAColumnThatIsNoInput)
-{
     expectTheScatteredPredictions(Model(2), gridOf(3, {{0, evenly(9, -1.5, 1.5)},
                                                        {1, {1.0, 2.0, 3.0, 4.0, 5.0}},
                                                        {2, evenly(8, 0.0, 3.0)}}));
+    expectTheScatteredPredictions(
+        Model(2, 0), gridOf(3, {{0, evenly(9, -1e6, 1e6)}, {2, {-1e300, -50.0, 0.0, 70.0}}}));
 }
 
 TEST(KrigingGrid, TakesInputsThatVaryTogether)
@@ -53,22 +51,13 @@ TEST(KrigingGrid, TakesAxesThatAreTooLongForATable)
     expectTheScatteredPredictions(model, both);
 }
 
-TEST(KrigingGrid, MeetsTheToleranceFarOutsideTheCases)
-{
-    expectTheScatteredPredictions(
-        Model(2, 0), gridOf(3, {{0, evenly(9, -1e6, 1e6)}, {2, {-1e300, -50.0, 0.0, 70.0}}}));
-}
-
 TEST(KrigingGrid, GivesNaNForTheValuesThatAreNotFiniteOnly)
 {
     const Model model(2);
     Columns columns =
         gridOf(3, {{0, {-1.0, notANumber, 0.0, 1.0}}, {2, {0.0, 1.0, 2.0, infinity, 3.0}}});
     expectTheScatteredPredictions(model, columns);
-}
 
-TEST(KrigingGrid, GivesNaNWhereAColumnThatIsNoInputIsNotFinite)
-{
     const Columns axis =
         gridOf(3, {{1, {1.0, notANumber, 2.0}}, {0, evenly(5, -1, 1)}, {2, evenly(4, 0, 3)}});
     Columns constant = gridOf(3, {{0, evenly(5, -1, 1)}, {2, evenly(4, 0, 3)}});
@@ -101,10 +90,7 @@ TEST(KrigingGrid, EqualsTheScatteredPredictionForEveryTrend)
                                                         {2, evenly(11, -0.5, 3.5)},
                                                         {4, evenly(8, 2.0, 9.0)}}));
     }
-}
 
-TEST(KrigingGrid, TakesAxesBetweenInputsThatDoNotVary)
-{
     const Model model(6, 2, 300);
     expectTheScatteredPredictions(model, gridOf(7, {{6, evenly(16, 4.0, 11.0)},
                                                     {2, evenly(16, -0.5, 3.5)},

@@ -41,13 +41,10 @@ protected:
     std::vector<std::size_t> leftOut;
 };
 
-TEST_F(NeighbourLayer, PredictsCasesLeftOutFromTheirNeighbours)
+TEST_F(NeighbourLayer, PredictsCasesLeftOutAndLeavesLittleAtOthers)
 {
     EXPECT_LT(layer().error(), 0.01); // the deviation of the values is 0.5
-}
 
-TEST_F(NeighbourLayer, LeavesLittleAtCasesThatAreNotLeftOut)
-{
     const ::NeighbourLayer fitted = layer();
     const std::vector<double> left = fitted.residualsAtCases();
 
@@ -55,11 +52,7 @@ TEST_F(NeighbourLayer, LeavesLittleAtCasesThatAreNotLeftOut)
     for (const double residual : left) {
         EXPECT_LT(std::fabs(residual), 1e-3);
     }
-}
 
-TEST_F(NeighbourLayer, HasTheVarianceThatExplainsTheLeaveOneOutResiduals)
-{
-    const ::NeighbourLayer fitted = layer();
     double ratios = 0.0;
     for (std::size_t i = 0; i < leftOut.size(); ++i) {
         const double residual = fitted.leaveOneOutResiduals()[i];

@@ -106,10 +106,8 @@ TEST(KrigingLikelihood, SumsUpRepeatedRowsWithoutLoss)
 TEST(KrigingLikelihood, DifferentiatesByLengthsAndNugget)
 {
     expectGradientOfDifferences(someData(30));
-}
-
-TEST(KrigingLikelihood, DifferentiatesWithRepeatedRowsToo)
-{
+    // Above the order from which the work is split, against differences.
+    expectGradientOfDifferences(someData(BlockedCholesky::smallestToSplit + 20));
     KrigingData all;
     expectGradientOfDifferences(repeatedData(all));
 }
@@ -230,12 +228,6 @@ TEST(KrigingLikelihood, GivesTheSameBitsOnAnyNumberOfThreads)
     EXPECT_EQ(results[0].gradient, results[1].gradient);
     EXPECT_EQ(results[0].information, results[1].information);
     EXPECT_EQ(results[0].leaveOneOut, results[1].leaveOneOut);
-}
-
-TEST(KrigingLikelihood, HasTheSameGradientInBlocks)
-{
-    // Above the order from which the work is split, against differences.
-    expectGradientOfDifferences(someData(BlockedCholesky::smallestToSplit + 20));
 }
 
 TEST(KrigingLikelihood, CanBeStoppedInsideOneFactorisation)

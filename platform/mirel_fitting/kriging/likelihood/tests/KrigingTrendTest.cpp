@@ -17,7 +17,7 @@ std::vector<double> scattered(std::size_t cases)
 
 } // namespace
 
-TEST(KrigingTrend, HasTheTermsOfItsOrder)
+TEST(KrigingTrend, HasTheTermsOfItsOrderNamedByTheNumbersOfInputs)
 {
     const std::vector<double> x = scattered(20);
 
@@ -25,12 +25,9 @@ TEST(KrigingTrend, HasTheTermsOfItsOrder)
     EXPECT_EQ(KrigingTrend(20, 2, x, 1, 3).names({1, 2}), Texts({"1", "V1", "V2"}));
     EXPECT_EQ(KrigingTrend(20, 2, x, 2, 3).names({1, 2}),
               Texts({"1", "V1", "V2", "V1^2", "V1 V2", "V2^2"}));
-}
-
-TEST(KrigingTrend, NamesInputsByTheirNumbers)
-{
     EXPECT_EQ(KrigingTrend(20, 2, scattered(20), 2, 3).names({2, 5}),
               Texts({"1", "V2", "V5", "V2^2", "V2 V5", "V5^2"}));
+    EXPECT_EQ(KrigingTrend(1, 0, {}, 2, 3).names({}), Texts({"1"}));
 }
 
 TEST(KrigingTrend, LowersItsOrderUntilTheCasesSufficeForAllParameters)
@@ -40,11 +37,6 @@ TEST(KrigingTrend, LowersItsOrderUntilTheCasesSufficeForAllParameters)
     EXPECT_EQ(KrigingTrend(8, 2, scattered(8), 2, 3).order(), 1);
     EXPECT_EQ(KrigingTrend(6, 2, scattered(6), 2, 3).order(), 1);
     EXPECT_EQ(KrigingTrend(5, 2, scattered(5), 2, 3).order(), 0);
-}
-
-TEST(KrigingTrend, KeepsTheConstantForASingleCase)
-{
-    EXPECT_EQ(KrigingTrend(1, 0, {}, 2, 3).names({}), Texts({"1"}));
 }
 
 TEST(KrigingTrend, DropsTermsThatTheCasesCannotSeparate)

@@ -93,7 +93,7 @@ TEST(NearestNeighbourKriging, EqualsKrigingByItsDefinitionWhereAllCasesAreNear)
     EXPECT_NEAR(variance, 1.0 - explained, 1e-14);
 }
 
-TEST(NearestNeighbourKriging, InterpolatesTheCasesWithoutANugget)
+TEST(NearestNeighbourKriging, InterpolatesTheCasesAndPredictsBetweenThem)
 {
     const Example example(300, 20);
 
@@ -101,22 +101,23 @@ TEST(NearestNeighbourKriging, InterpolatesTheCasesWithoutANugget)
         EXPECT_NEAR(example.at(example.columns[0][i], example.columns[1][i]), example.values[i],
                     1e-9);
     }
-}
-
-TEST(NearestNeighbourKriging, PredictsASmoothFunctionFromFewCases)
-{
-    const Example example(300, 20);
 
     EXPECT_NEAR(example.at(0.4, 0.6), wave({0.4, 0.6}), 1e-4);
 }
 
-TEST(NearestNeighbourKriging, SharesTheNuggetAmongTheRowsOfACase)
+TEST(NearestNeighbourKriging, SharesTheNuggetAmongTheRowsOfACaseAndTakesCasesThatCoincide)
 {
     const std::vector<double> coordinates = {0.5};
     NearestNeighbourKriging kriging({1, 1, coordinates.data(), {3.0}, {4.0}}, {0.5}, 5);
     kriging.setParameters({{0.5}, 0.8});
 
     EXPECT_NEAR(at(kriging, 0.5), 3.0 / (1.0 + 0.2), 1e-14);
+
+    const std::vector<double> same = {0.2, 0.2, 0.2, 0.7};
+    const NearestNeighbourKriging coinciding(
+        {4, 1, same.data(), {1.0, 1.0, 1.0, 2.0}, {1.0, 1.0, 1.0, 1.0}}, {0.5}, 4);
+
+    EXPECT_NEAR(at(coinciding, 0.2), 1.0, 1e-6);
 }
 
 TEST(NearestNeighbourKriging, IsZeroFarFromAllCases)
@@ -125,15 +126,6 @@ TEST(NearestNeighbourKriging, IsZeroFarFromAllCases)
 
     EXPECT_NEAR(example.at(1e5, 0.5), 0.0, 1e-200);
     EXPECT_NEAR(example.at(1e150, -1e150), 0.0, 1e-200);
-}
-
-TEST(NearestNeighbourKriging, TakesCasesThatCoincide)
-{
-    const std::vector<double> coordinates = {0.2, 0.2, 0.2, 0.7};
-    const NearestNeighbourKriging kriging(
-        {4, 1, coordinates.data(), {1.0, 1.0, 1.0, 2.0}, {1.0, 1.0, 1.0, 1.0}}, {0.5}, 4);
-
-    EXPECT_NEAR(at(kriging, 0.2), 1.0, 1e-6);
 }
 
 TEST(NearestNeighbourKriging, IgnoresAnInputOfInfiniteLength)

@@ -113,12 +113,17 @@ TEST(KrigingSupport, IsMissingInACornerWithoutCases)
     EXPECT_EQ(unsupported(inputs, {{10.0, 20.0, 0.0}, {10.0, 0.0, 20.0}}), "011");
 }
 
-TEST(KrigingSupport, ReachesAllOfADesignThatFillsTheRanges)
+TEST(KrigingSupport, ReachesAllOfADesignThatFillsTheRangesAndALittleBeyond)
 {
     UniformNumbers numbers(8);
     const Columns inputs = {numbers.next(80), numbers.next(80)};
 
     EXPECT_EQ(unsupported(inputs, {{0.5, 0.3, 0.7, 0.15}, {0.5, 0.7, 0.8, 0.4}}), "0000");
+
+    const Columns corners = {{0.0, 1.0, 0.0, 1.0, 0.5}, {0.0, 0.0, 1.0, 1.0, 0.5}};
+
+    // Whether a point lies outside the range of an input is another question.
+    EXPECT_EQ(unsupported(corners, {{1.01, 3.0}, {1.01, -3.0}}), "00");
 }
 
 TEST(KrigingSupport, ReachesNearlyToTheCornersOfFewCasesThatFillTheRanges)
@@ -133,21 +138,9 @@ TEST(KrigingSupport, ReachesNearlyToTheCornersOfFewCasesThatFillTheRanges)
     EXPECT_LE(missing, 4) << "of 40";
 }
 
-TEST(KrigingSupport, ReachesALittleBeyondTheRanges)
-{
-    const Columns inputs = {{0.0, 1.0, 0.0, 1.0, 0.5}, {0.0, 0.0, 1.0, 1.0, 0.5}};
-
-    // Whether a point lies outside the range of an input is another question.
-    EXPECT_EQ(unsupported(inputs, {{1.01, 3.0}, {1.01, -3.0}}), "00");
-}
-
-TEST(KrigingSupport, IsNotJudgedWithoutOtherCasesOrInputsThatVary)
+TEST(KrigingSupport, IsNotJudgedWithoutOtherCasesOrFinitePoints)
 {
     EXPECT_EQ(unsupported({{2.0}}, {{7.0}}), "0");
     EXPECT_EQ(unsupported({{2.0, 2.0}}, {{7.0}}), "0");
-}
-
-TEST(KrigingSupport, IsNotJudgedOfPointsThatAreNotFinite)
-{
     EXPECT_EQ(unsupported(relatedInputs(30), {{std::nan("")}, {5.0}, {15.0}}), "0");
 }

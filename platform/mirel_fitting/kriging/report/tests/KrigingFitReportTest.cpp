@@ -43,7 +43,7 @@ TEST(KrigingFitReport, MeasuresItsErrorsInTheUnitOfTheOutput)
     EXPECT_NEAR(fit.metrics.q2, 1.0 - press / total, 1e-11);
 }
 
-TEST(KrigingFitReport, SaysWhichInputsHaveNoInfluence)
+TEST(KrigingFitReport, ReportsInputsWithoutInfluenceAndLengthsAtABound)
 {
     const Columns inputs = latinHypercube(40, 2, 3);
 
@@ -52,6 +52,15 @@ TEST(KrigingFitReport, SaysWhichInputsHaveNoInfluence)
 
     EXPECT_TRUE(warns(fit, "The cases show no influence of V2."));
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, true}));
+
+    const std::vector<double> output =
+        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
+
+    const KrigingFit withConstant =
+        fitOf({inputs[0], std::vector<double>(40, 5.0), inputs[1]}, output);
+
+    EXPECT_EQ(withConstant.report.lengthBounds,
+              (std::vector<Bound>{Bound::None, Bound::None, Bound::Upper}));
 }
 
 TEST(KrigingFitReport, SeesInfluenceInTheTrend)
@@ -73,18 +82,6 @@ TEST(KrigingFitReport, SeesInfluenceInTheTrend)
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
     report.addInfluence(fit, trend, {1.0, 0.1, 0.3});
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
-}
-
-TEST(KrigingFitReport, ReportsWhichLengthsAreAtABound)
-{
-    const Columns inputs = latinHypercube(40, 2, 3);
-    const std::vector<double> output =
-        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
-
-    const KrigingFit fit = fitOf({inputs[0], std::vector<double>(40, 5.0), inputs[1]}, output);
-
-    EXPECT_EQ(fit.report.lengthBounds,
-              (std::vector<Bound>{Bound::None, Bound::None, Bound::Upper}));
 }
 
 TEST(KrigingFitReport, ReportsTheCasesThatTheOthersPredictWorst)

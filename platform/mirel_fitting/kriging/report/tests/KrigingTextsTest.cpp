@@ -132,32 +132,49 @@ TEST(KrigingTexts, SaysOfManyInputsAtOnceThatTheyHaveNoInfluence)
                         "correlation lengths are at their lower bounds."});
 }
 
-TEST(KrigingTexts, CallsAModelFlat)
+TEST(KrigingTexts, SaysWhatIsWrongWithAModel)
 {
-    KrigingFit fit = soundFit();
-    fit.metrics.r2 = 0.034;
+    struct
+    {
+        void (*change)(KrigingFit&);
+        double noiseShare;
+        const char* verdict; // none: ""
+    } const rows[] = {
+        {[](KrigingFit& fit) { fit.metrics.r2 = 0.034; }, 0.0,
+         "The model is flat: it explains 3 % of the output's variance."},
+        // It is said in other words that no input varies.
+        {[](KrigingFit& fit) {
+             fit.metrics.r2 = 0.0;
+             fit.metrics.terms = 1;
+             fit.metrics.q2 = -0.1;
+             fit.report.condition = FitMetrics::none;
+         },
+         0.0, ""},
+        {[](KrigingFit&) {}, 0.5, ""},
+        {[](KrigingFit&) {}, 0.62,
+         "Noise dominates: 62 % of the output's variance is taken for noise."},
+        {[](KrigingFit& fit) { fit.metrics.q2 = 0.02; }, 0.0,
+         "Left-out cases are predicted hardly better than by the mean of the cases (2 % of the "
+         "output's variance): noise dominates, or more cases are needed to show how the output "
+         "changes between them."},
+        {[](KrigingFit& fit) { fit.metrics.q2 = -0.1; }, 0.0,
+         "Left-out cases are predicted no better than by the mean of the cases: do not rely on "
+         "this model."},
+        {[](KrigingFit& fit) { fit.report.secondLogLikelihood = -13.5; }, 0.0,
+         "Other correlation lengths are nearly as likely (log-likelihood lower by 1): more cases "
+         "would decide between two different models."},
+        {[](KrigingFit& fit) { fit.report.secondLogLikelihood = -12.5; }, 0.0,
+         "Other correlation lengths are as likely: more cases would decide between two different "
+         "models."},
+        {[](KrigingFit& fit) { fit.report.secondLogLikelihood = -14.6; }, 0.0, ""}};
+    for (const auto& row : rows) {
+        KrigingFit fit = soundFit();
+        row.change(fit);
+        const std::string verdict = row.verdict;
 
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
-              Sentences{"The model is flat: it explains 3 % of the output's variance."});
-}
-
-TEST(KrigingTexts, DoesNotCompareTheMeanWithItself)
-{
-    // It is said in other words that no input varies.
-    KrigingFit fit = soundFit();
-    fit.metrics.r2 = 0.0;
-    fit.metrics.terms = 1;
-    fit.metrics.q2 = -0.1;
-    fit.report.condition = FitMetrics::none;
-
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0), Sentences());
-}
-
-TEST(KrigingTexts, SaysWhenNoiseDominates)
-{
-    EXPECT_EQ(KrigingTexts::verdicts(soundFit(), 0.5), Sentences());
-    EXPECT_EQ(KrigingTexts::verdicts(soundFit(), 0.62),
-              Sentences{"Noise dominates: 62 % of the output's variance is taken for noise."});
+        EXPECT_EQ(KrigingTexts::verdicts(fit, row.noiseShare),
+                  verdict.empty() ? Sentences() : Sentences{verdict});
+    }
 }
 
 TEST(KrigingTexts, TakesShortLengthsOfNoiseForNoChanges)
@@ -167,35 +184,6 @@ TEST(KrigingTexts, TakesShortLengthsOfNoiseForNoChanges)
     fit.isMostlyNoise = KrigingTexts::isMostlyNoise(0.9);
 
     EXPECT_TRUE(KrigingTexts::warnings(fit).empty());
-}
-
-TEST(KrigingTexts, SaysWhenItKnowsNextToNothingBetweenTheCases)
-{
-    KrigingFit fit = soundFit();
-    fit.metrics.q2 = 0.02;
-
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
-              Sentences{"Left-out cases are predicted hardly better than by the mean of the cases "
-                        "(2 % of the output's variance): noise dominates, or more cases are needed "
-                        "to show how the output changes between them."});
-}
-
-TEST(KrigingTexts, SaysWhenAnotherOptimumIsNearlyAsLikely)
-{
-    KrigingFit fit = soundFit();
-    fit.report.secondLogLikelihood = -13.5;
-
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
-              Sentences{"Other correlation lengths are nearly as likely (log-likelihood lower by "
-                        "1): more cases would decide between two different models."});
-
-    fit.report.secondLogLikelihood = -12.5;
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
-              Sentences{"Other correlation lengths are as likely: more cases "
-                        "would decide between two different models."});
-
-    fit.report.secondLogLikelihood = -14.6;
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0), Sentences());
 }
 
 TEST(KrigingTexts, IsSilentAboutOtherLengthsWhereNoneMakesAModel)
@@ -215,16 +203,6 @@ TEST(KrigingTexts, IsSilentAboutOtherLengthsWhereNoneMakesAModel)
     EXPECT_FALSE(isSaid(0.0));
     fit.metrics.q2 = FitMetrics::none;
     EXPECT_FALSE(isSaid(0.0));
-}
-
-TEST(KrigingTexts, SaysWhenItIsWorseThanTheMean)
-{
-    KrigingFit fit = soundFit();
-    fit.metrics.q2 = -0.1;
-
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
-              Sentences{"Left-out cases are predicted no better than by the mean of the cases: do "
-                        "not rely on this model."});
 }
 
 TEST(KrigingTexts, SaysWhenTheNuggetIsAtItsUpperBound)

@@ -32,15 +32,7 @@ TEST(KrigingWarnings, SaysWhatBecameOfRepeatedCases)
               "input apart) but have different outputs: the model smooths them.");
 }
 
-TEST(KrigingWarnings, SayWhyTheTrendOfSmoothOutputsIsConstant)
-{
-    EXPECT_EQ(
-        KrigingWarnings::ofSmoothOutput(1, 30),
-        "The order of the trend was lowered from 1 to 0: the cases show no noise, and from 30 "
-        "distinct cases a constant trend predicts a smooth output better.");
-}
-
-TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsed)
+TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsedAndWhyTheTrendIsConstant)
 {
     EXPECT_EQ(KrigingWarnings::ofSubset(5000, 2500, true),
               "There are more than 5000 distinct cases: the model is the exact one of all of them, "
@@ -50,6 +42,10 @@ TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsed)
               "with the correlation lengths of 2500 cases spread over all.");
     EXPECT_EQ(KrigingWarnings::ofSample(5000),
               "The figures of errors are those of a random sample of 5000 distinct cases.");
+    EXPECT_EQ(
+        KrigingWarnings::ofSmoothOutput(1, 30),
+        "The order of the trend was lowered from 1 to 0: the cases show no noise, and from 30 "
+        "distinct cases a constant trend predicts a smooth output better.");
 }
 
 TEST(KrigingWarnings, NamesInputsTermsAndNuggets)

@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-TEST(OutputScale, GivesMeanZeroAndVarianceOne)
+TEST(OutputScale, GivesMeanZeroAndVarianceOneUnlessConstant)
 {
     const std::vector<double> output = {1.0, 3.0, 5.0, 7.0}; // mean 4, variance 5
 
@@ -16,15 +16,19 @@ TEST(OutputScale, GivesMeanZeroAndVarianceOne)
     EXPECT_DOUBLE_EQ(scale.scale, std::sqrt(5.0));
     EXPECT_DOUBLE_EQ(scale.standardise(output)[3], 3.0 / std::sqrt(5.0));
     EXPECT_DOUBLE_EQ(scale.sumOfSquares(output), 4.0);
-}
 
-TEST(OutputScale, LeavesAConstantOutputUnscaled)
-{
-    const OutputScale scale = OutputScale::of({4.5, 4.5, 4.5});
+    const OutputScale unscaled = OutputScale::of({4.5, 4.5, 4.5});
 
-    EXPECT_EQ(scale.offset, 4.5);
-    EXPECT_EQ(scale.scale, 1.0);
-    EXPECT_EQ(scale.sumOfSquares({4.5, 4.5, 4.5}), 0.0);
+    EXPECT_EQ(unscaled.offset, 4.5);
+    EXPECT_EQ(unscaled.scale, 1.0);
+    EXPECT_EQ(unscaled.sumOfSquares({4.5, 4.5, 4.5}), 0.0);
+
+    constexpr double largest = std::numeric_limits<double>::max();
+
+    const OutputScale widest = OutputScale::of({-largest, largest});
+
+    EXPECT_EQ(widest.offset, 0.0);
+    EXPECT_EQ(widest.scale, largest);
 }
 
 TEST(OutputScale, DoesNotDependOnTheOrderOfTheValues)
@@ -34,14 +38,4 @@ TEST(OutputScale, DoesNotDependOnTheOrderOfTheValues)
 
     EXPECT_EQ(ascending.offset, other.offset);
     EXPECT_EQ(ascending.scale, other.scale);
-}
-
-TEST(OutputScale, StaysFiniteOverTheWholeRangeOfNumbers)
-{
-    constexpr double largest = std::numeric_limits<double>::max();
-
-    const OutputScale scale = OutputScale::of({-largest, largest});
-
-    EXPECT_EQ(scale.offset, 0.0);
-    EXPECT_EQ(scale.scale, largest);
 }

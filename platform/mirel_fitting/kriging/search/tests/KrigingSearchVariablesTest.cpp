@@ -18,7 +18,7 @@ KrigingSearchVariables variables(std::size_t cases, std::size_t inputs)
 
 } // namespace
 
-TEST(KrigingSearchVariables, AreTheLogarithmsOfLengthsAndNugget)
+TEST(KrigingSearchVariables, AreLogarithmsAndTakeTheNuggetsBoundExactly)
 {
     const std::vector<double> point = variables(50, 2).at({{0.5, 4.0}, 1e-6});
 
@@ -26,6 +26,12 @@ TEST(KrigingSearchVariables, AreTheLogarithmsOfLengthsAndNugget)
     EXPECT_DOUBLE_EQ(point[1], std::log(4.0));
     EXPECT_DOUBLE_EQ(point[2], std::log(1e-6) / 3.0); // in units of a factor of e^3
     EXPECT_EQ(point.size(), 3u);
+
+    const KrigingSearchVariables all = variables(50, 2);
+
+    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-12})).nugget, 1e-12);
+    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-14})).nugget, 1e-12);
+    EXPECT_NEAR(all.parameters(all.at({{0.3, 2.0}, 1e-3})).nugget, 1e-3, 1e-15);
 }
 
 TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
@@ -42,23 +48,11 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
     EXPECT_EQ(KrigingSearchVariables(data, settings).size(), 0u);
 }
 
-TEST(KrigingSearchVariables, TakeTheNuggetsBoundExactly)
-{
-    const KrigingSearchVariables all = variables(50, 2);
-
-    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-12})).nugget, 1e-12);
-    EXPECT_EQ(all.parameters(all.at({{0.3, 2.0}, 1e-14})).nugget, 1e-12);
-    EXPECT_NEAR(all.parameters(all.at({{0.3, 2.0}, 1e-3})).nugget, 1e-3, 1e-15);
-}
-
-TEST(KrigingSearchVariables, ReachHalfTheSpacingOfManyCasesOfOneInput)
+TEST(KrigingSearchVariables, StartInsideTheBoundsOfHalfTheSpacingAtLeast)
 {
     EXPECT_DOUBLE_EQ(variables(1000, 1).lower[0], std::log(0.5 / 1000.0));
     EXPECT_DOUBLE_EQ(variables(1000, 8).lower[0], std::log(SearchPolicy().shortestLength));
-}
 
-TEST(KrigingSearchVariables, StartInsideTheBounds)
-{
     const KrigingSearchVariables all = variables(50, 2);
 
     EXPECT_EQ(all.starts().size(), 6u);
@@ -79,16 +73,12 @@ TEST(KrigingSearchVariables, AreCloseWithinAFactorUnlessTheyHardlyMatter)
     EXPECT_FALSE(all.areClose(point, all.at({{0.9, 30.0}, 1e-12})));
     EXPECT_FALSE(all.areClose(point, all.at({{0.5, 5.0}, 1e-12})));
     EXPECT_FALSE(all.areClose(point, all.at({{0.5, 30.0}, 1e-3})));
-}
 
-TEST(KrigingSearchVariables, RecallLengthsFromFarOut)
-{
-    const KrigingSearchVariables all = variables(50, 2);
-    std::vector<double> point = all.at({{0.5, 200.0}, 1e-12});
+    std::vector<double> farOut = all.at({{0.5, 200.0}, 1e-12});
 
-    all.recall(point);
+    all.recall(farOut);
 
-    EXPECT_EQ(point, all.at({{0.5, SearchPolicy().recalledLength}, 1e-12}));
+    EXPECT_EQ(farOut, all.at({{0.5, SearchPolicy().recalledLength}, 1e-12}));
 }
 
 TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)

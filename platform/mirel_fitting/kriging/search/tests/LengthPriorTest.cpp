@@ -4,17 +4,12 @@
 
 #include <cmath>
 
-TEST(LengthPrior, IsGreatestAtTwiceTheRange)
+TEST(LengthPrior, IsGreatestAtTwiceTheRangeAndPenalisesShortLengthsMore)
 {
     const LengthPrior prior{SearchPolicy()};
 
     EXPECT_EQ(prior.value(std::log(2.0)), 0.0);
     EXPECT_EQ(prior.slope(std::log(2.0)), 0.0);
-}
-
-TEST(LengthPrior, PenalisesShortLengthsMoreThanLongOnes)
-{
-    const LengthPrior prior{SearchPolicy()};
 
     // One deviation below and above.
     EXPECT_NEAR(prior.value(std::log(2.0) - 0.7), -0.5, 1e-12);
