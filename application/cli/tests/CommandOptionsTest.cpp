@@ -57,41 +57,54 @@ TEST(CommandOptions, ChooseTheTermsOfAResponseSurface)
     EXPECT_EQ(selected.terms, std::nullopt);
 }
 
-TEST(CommandOptions, ListsOfExcludedCasesAreJoined)
+TEST(CommandOptions, ListsOfExcludedCasesAreJoinedAndATextToCheckMayBeginWithAMinusSign)
 {
     EXPECT_EQ(parsed("fit cases.csv").choices.excluded, std::nullopt);
     EXPECT_EQ(parsed("fit cases.csv --exclude 3,7-9 --exclude 2").choices.excluded, "3,7-9, 2");
-}
 
-TEST(CommandOptions, ATextToCheckMayBeginWithAMinusSign)
-{
     EXPECT_EQ(parsed("check -5").subject, "-5");
     EXPECT_EQ(parsed("check --json -.5").subject, "-.5");
     EXPECT_EQ(parsed("check -- -x").subject, "-x");
 }
 
-TEST(CommandOptions, AnUnknownWordGetsNoSuggestion)
+TEST(CommandOptions, WrongUseIsNamedWithWhatWasProbablyMeant)
 {
-    EXPECT_EQ(
-        refusalOf("nonsense cvd.csv"),
-        "There is no command \"nonsense\". The commands are: summary, fit, evaluate, predict, "
-        "equations, compare, plot, export, project, check; surrogate --help describes them.");
-    EXPECT_EQ(refusalOf("fit cvd.csv --colour red"),
-              "There is no option \"--colour\". surrogate fit --help lists the options.");
-}
-
-TEST(CommandOptions, AMisspeltOptionGetsASuggestion)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --thread 2"),
-              "There is no option \"--thread\"; the nearest is --threads. surrogate fit --help "
-              "lists the options.");
-    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --folds 3"),
-              "--folds belongs to the command compare.");
-    EXPECT_EQ(refusalOf("--json fit cvd.csv"),
-              "Options stand behind the command: surrogate COMMAND --json ...");
-    EXPECT_EQ(refusalOf("fit cvd.csv other.csv -y Stress"),
-              "\"other.csv\" is one argument too many for fit; texts with blanks are to be "
-              "quoted.");
+    const std::pair<const char*, const char*> rows[] = {
+        {"nonsense cvd.csv",
+         "There is no command \"nonsense\". The commands are: summary, fit, evaluate, predict, "
+         "equations, compare, plot, export, project, check; surrogate --help describes them."},
+        {"fit cvd.csv --colour red",
+         "There is no option \"--colour\". surrogate fit --help lists the options."},
+        {"fit cvd.csv -y Stress --thread 2",
+         "There is no option \"--thread\"; the nearest is --threads. surrogate fit --help lists "
+         "the options."},
+        {"fit cvd.csv -y Stress --folds 3", "--folds belongs to the command compare."},
+        {"fit cvd.csv -y Stress --interval 95",
+         "--interval belongs to the commands evaluate and predict."},
+        {"--json fit cvd.csv", "Options stand behind the command: surrogate COMMAND --json ..."},
+        {"fit cvd.csv other.csv -y Stress",
+         "\"other.csv\" is one argument too many for fit; texts with blanks are to be quoted."},
+        {"fit cvd.csv -y", "--outputs needs a value: --outputs NAMES."},
+        {"fit cvd.csv --model", "--model needs a value: --model M."},
+        {"fit cvd.csv --threads=", "--threads needs a value: --threads N."},
+        {"evaluate cvd.csv -y Stress --at a=1 --at", "--at needs a value: --at NAME=VALUE."},
+        {"compare cvd.csv --folds", "--folds needs a value: --folds K."},
+        {"fit cvd.csv -m kriging -m kriging", "--model is given more than once: give it once."},
+        {"fit cvd.csv -o a -o b", "--output is given more than once: give it once."},
+        {"fit cvd.csv --json=5", "--json takes no value."},
+        {"fit cvd.csv --quiet=no", "--quiet takes no value."},
+        {"fit cvd.csv --select-terms=3", "--select-terms takes no value."},
+        {"fit cvd.csv -y Stress --all-terms --select-terms",
+         "--select-terms and --all-terms exclude each other: give one of them."},
+        {"check 1 --select-terms",
+         "--select-terms belongs to the commands summary, fit, evaluate, predict, equations, "
+         "compare, plot and export."},
+        {"project p.surrogate.xml --select-terms",
+         "--select-terms belongs to the commands summary, fit, evaluate, predict, equations, "
+         "compare, plot and export."}};
+    for (const auto& [arguments, sentence] : rows) {
+        EXPECT_EQ(refusalOf(arguments), sentence) << arguments;
+    }
 }
 
 TEST(CommandOptions, IntervalNeedsAPercentage)
@@ -101,48 +114,6 @@ TEST(CommandOptions, IntervalNeedsAPercentage)
                   "--interval needs a percentage above 0 and below 100, such as 95, not \"" + text +
                       "\".");
     }
-}
-
-TEST(CommandOptions, IntervalBelongsToTables)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --interval 95"),
-              "--interval belongs to the commands evaluate and predict.");
-}
-
-TEST(CommandOptions, TermsAreChosenOnceOfWhatIsFitted)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv -y Stress --all-terms --select-terms"),
-              "--select-terms and --all-terms exclude each other: give one of them.");
-    for (const std::string command : {"check 1 ", "project p.surrogate.xml "}) {
-        EXPECT_EQ(refusalOf(command + "--select-terms"),
-                  "--select-terms belongs to the commands summary, fit, evaluate, predict, "
-                  "equations, compare, plot and export.");
-    }
-}
-
-TEST(CommandOptions, AnOptionWithoutItsValueIsNamed)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv -y"), "--outputs needs a value: --outputs NAMES.");
-    EXPECT_EQ(refusalOf("fit cvd.csv --model"), "--model needs a value: --model M.");
-    EXPECT_EQ(refusalOf("fit cvd.csv --threads="), "--threads needs a value: --threads N.");
-    EXPECT_EQ(refusalOf("evaluate cvd.csv -y Stress --at a=1 --at"),
-              "--at needs a value: --at NAME=VALUE.");
-    EXPECT_EQ(refusalOf("compare cvd.csv --folds"), "--folds needs a value: --folds K.");
-}
-
-TEST(CommandOptions, AnOptionThatIsGivenTwiceIsNamed)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv -m kriging -m kriging"),
-              "--model is given more than once: give it once.");
-    EXPECT_EQ(refusalOf("fit cvd.csv -o a -o b"),
-              "--output is given more than once: give it once.");
-}
-
-TEST(CommandOptions, AFlagTakesNoValue)
-{
-    EXPECT_EQ(refusalOf("fit cvd.csv --json=5"), "--json takes no value.");
-    EXPECT_EQ(refusalOf("fit cvd.csv --quiet=no"), "--quiet takes no value.");
-    EXPECT_EQ(refusalOf("fit cvd.csv --select-terms=3"), "--select-terms takes no value.");
 }
 
 TEST(CommandOptions, WrongUseIsRefusedWithASentence)

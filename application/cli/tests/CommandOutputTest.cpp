@@ -48,7 +48,7 @@ TEST_F(CommandOutput, ReplacesNothingThatIsReadWhateverItIsCalled)
                              "\", which is read; name another file.");
 }
 
-TEST_F(CommandOutput, GoesToFilesOfTheirOwn)
+TEST_F(CommandOutput, GoesToFilesOfTheirOwnAndIsCheckedBeforeTheWork)
 {
     line.output = line.save = folder.path("p.surrogate.xml");
     EXPECT_EQ(refusal(), "The output and the project cannot both be \"" + line.save + "\".");
@@ -56,10 +56,8 @@ TEST_F(CommandOutput, GoesToFilesOfTheirOwn)
     line.save.clear();
     line.report = line.output;
     EXPECT_EQ(refusal(), "The report and another output cannot both be \"" + line.report + "\".");
-}
 
-TEST_F(CommandOutput, IsCheckedBeforeTheWork)
-{
+    line.report.clear();
     line.output = folder.path("none/table.csv");
 
     EXPECT_THROW(checkOutput(line), FileError);

@@ -105,16 +105,13 @@ TEST_F(ExportCommand, AnInputStaysAtTheMedianOfTheValidCases)
     EXPECT_EQ(linesOf(run("evaluate model.json -q").out)[1].rfind("2.5,", 0), 0u);
 }
 
-TEST_F(ExportCommand, AProjectIsExported)
+TEST_F(ExportCommand, AProjectIsExportedAndKept)
 {
     ASSERT_EQ(run("fit cvd.csv -y Stress -m kriging -q --save study.surrogate.xml").exitCode, 0);
 
     EXPECT_EQ(run("export study.surrogate.xml -q --format c").out,
               run("export cvd.csv -y Stress -m kriging -q --format c").out);
-}
 
-TEST_F(ExportCommand, ExportKeepsAProject)
-{
     ASSERT_EQ(run("export cvd.csv -y Stress --format c --save study.surrogate.xml").exitCode, 0);
     EXPECT_EQ(run("fit study.surrogate.xml").exitCode, 0);
 }

@@ -44,27 +44,16 @@ TEST(CoefficientPictures, AreSortedBySizeAndHaveLimits)
                                "significant, the limits hold 0.");
 }
 
-TEST(CoefficientPictures, NameTheUnitOfTheOutput)
-{
-    CaseSession session = cvdSession();
-
-    EXPECT_EQ(coefficientPicture(session.statistics()[1], inputs, "Stress").valueName,
-              "coefficient, in the unit of Stress");
-    EXPECT_EQ(
-        coefficientPicture(session.statistics()[1], inputs, "Stress", OutputTransform::None, "GPa")
-            .valueName,
-        "coefficient (GPa)");
-}
-
 TEST(CoefficientPictures, HaveTheUnitOfWhatWasModelled)
 {
-    const std::vector<ResponseSurfaceStatistics> statistics = cvdSession().statistics();
+    const ResponseSurfaceStatistics statistics = cvdSession().statistics()[1];
+    const auto valueName = [&](OutputTransform transform, const std::string& unit) {
+        return coefficientPicture(statistics, inputs, "Stress", transform, unit).valueName;
+    };
 
-    EXPECT_EQ(coefficientPicture(statistics[1], inputs, "Stress").valueName,
-              "coefficient, in the unit of Stress");
-    EXPECT_EQ(
-        coefficientPicture(statistics[1], inputs, "Stress", OutputTransform::Logarithm).valueName,
-        "coefficient of the logarithm of Stress");
+    EXPECT_EQ(valueName(OutputTransform::None, ""), "coefficient, in the unit of Stress");
+    EXPECT_EQ(valueName(OutputTransform::None, "GPa"), "coefficient (GPa)");
+    EXPECT_EQ(valueName(OutputTransform::Logarithm, ""), "coefficient of the logarithm of Stress");
 }
 
 TEST(CoefficientPictures, WithoutResidualsHaveNoLimits)

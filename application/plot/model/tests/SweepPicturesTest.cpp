@@ -47,15 +47,12 @@ TEST(SweepPictures, HasTheLimitsOfTheBandInTheOrderOfTheInput)
     EXPECT_EQ(picture.lower, (std::vector<double>{6.5, 4, 2}));
     EXPECT_EQ(picture.upper, (std::vector<double>{7.5, 6, 6}));
     EXPECT_EQ(picture.bandLabel, "the band");
-}
 
-TEST(SweepPictures, HasNoBandWithoutStandardErrors)
-{
-    const SweepPicture picture = sweepPicture(cut({4, 80}, {7, 4}), 0, {});
+    const SweepPicture without = sweepPicture(cut({4, 80}, {7, 4}), 0, {});
 
-    EXPECT_TRUE(picture.lower.empty());
-    EXPECT_TRUE(picture.upper.empty());
-    EXPECT_EQ(picture.bandLabel, "");
+    EXPECT_TRUE(without.lower.empty());
+    EXPECT_TRUE(without.upper.empty());
+    EXPECT_EQ(without.bandLabel, "");
 }
 
 TEST(SweepPictures, ShowsTheCasesNearTheCut)
@@ -72,16 +69,13 @@ TEST(SweepPictures, ShowsTheCasesNearTheCut)
     EXPECT_EQ(picture.caseLabel, "cases");
 }
 
-TEST(SweepPictures, RefusesOneValueOfTheSweptInput)
+TEST(SweepPictures, RefusesOneValueOfTheSweptInputAndThoseThatNoAxisCanShow)
 {
     EXPECT_EQ(messageOf<UsageError>([] {
                   sweepPicture(cut({42, 42}, {5, 5}), 0, {});
               }),
               "The picture needs two different values of \"Pressure\" at least.");
-}
 
-TEST(SweepPictures, RefusesValuesThatNoAxisCanShow)
-{
     const double infinity = std::numeric_limits<double>::infinity();
 
     EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] {

@@ -33,20 +33,8 @@ TEST_F(CaseCountsTest, AnyMissingOrInfiniteValueMakesACaseInvalid)
     EXPECT_EQ(counts.valid, 2u);
     EXPECT_EQ(counts.excluded, 0u);
     EXPECT_EQ(counts.invalid, 4u);
-}
-
-TEST_F(CaseCountsTest, ACaseCountsUnderEachVariableThatItLacks)
-{
-    const CaseCounts counts = countCases(project, {x1, x2}, {y1, y2}, {});
-
     EXPECT_EQ(counts.invalidByInput, (Numbers{1, 2}));
     EXPECT_EQ(counts.invalidByOutput, (Numbers{1, 1}));
-}
-
-TEST_F(CaseCountsTest, ValidAloneCountsWithoutTheOtherOutputs)
-{
-    const CaseCounts counts = countCases(project, {x1, x2}, {y1, y2}, {});
-
     EXPECT_EQ(counts.validAlone, (Numbers{3, 3}));
 }
 

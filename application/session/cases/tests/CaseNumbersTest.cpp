@@ -20,10 +20,6 @@ TEST(CaseNumbers, AreNumbersFromOneAndRangesWithBothEnds)
 {
     EXPECT_EQ(readCaseNumbers("3,7-9", 10), (std::vector<std::size_t>{2, 6, 7, 8}));
     EXPECT_EQ(readCaseNumbers(" 10 , 1 - 1", 10), (std::vector<std::size_t>{0, 9}));
-}
-
-TEST(CaseNumbers, ACaseNamedTwiceIsChosenOnce)
-{
     EXPECT_EQ(readCaseNumbers("2,1-3,2", 3), (std::vector<std::size_t>{0, 1, 2}));
 }
 

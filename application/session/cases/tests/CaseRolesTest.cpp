@@ -45,14 +45,11 @@ TEST(CaseRoles, KeepTheOrderInWhichTheyAreNamed)
 
     EXPECT_EQ(roles.inputs, (Positions{3, 0}));
     EXPECT_EQ(roles.outputs, (Positions{2}));
-}
 
-TEST(CaseRoles, MayBeListedWithCommas)
-{
-    const CaseRoles roles = chooseCaseRoles(tableOf({"p", "q", "p,q", "r"}), {"p,q"}, {"r,q"});
+    const CaseRoles listed = chooseCaseRoles(tableOf({"p", "q", "p,q", "r"}), {"p,q"}, {"r,q"});
 
-    EXPECT_EQ(roles.inputs, (Positions{2}));
-    EXPECT_EQ(roles.outputs, (Positions{3, 1}));
+    EXPECT_EQ(listed.inputs, (Positions{2}));
+    EXPECT_EQ(listed.outputs, (Positions{3, 1}));
 }
 
 TEST(CaseRoles, WithoutInputsEveryNumericColumnThatIsNoOutputIsOne)
@@ -60,17 +57,14 @@ TEST(CaseRoles, WithoutInputsEveryNumericColumnThatIsNoOutputIsOne)
     const CaseRoles roles = chooseCaseRoles(withText(), {}, {"b"});
 
     EXPECT_EQ(roles.inputs, (Positions{0, 3}));
+
+    const CaseRoles none = chooseCaseRoles(withText(), {}, {});
+
+    EXPECT_TRUE(none.outputs.empty());
+    EXPECT_EQ(none.inputs, (Positions{0, 2, 3}));
 }
 
-TEST(CaseRoles, WithoutOutputsThereAreNone)
-{
-    const CaseRoles roles = chooseCaseRoles(withText(), {}, {});
-
-    EXPECT_TRUE(roles.outputs.empty());
-    EXPECT_EQ(roles.inputs, (Positions{0, 2, 3}));
-}
-
-TEST(CaseRoles, ATextColumnIsRefusedWithTheCellThatMakesItText)
+TEST(CaseRoles, RefusesTextColumnsTwoRolesAndUnknownNames)
 {
     EXPECT_EQ(refusalOf({"site"}, {"b"}),
               "\"site\" cannot be an input, it is a text column: line 2 of cases.csv holds "
@@ -78,16 +72,8 @@ TEST(CaseRoles, ATextColumnIsRefusedWithTheCellThatMakesItText)
     EXPECT_EQ(refusalOf({}, {"site"}),
               "\"site\" cannot be an output, it is a text column: line 2 of cases.csv holds "
               "\"north\".");
-}
-
-TEST(CaseRoles, AVariableHasOneRole)
-{
     EXPECT_EQ(refusalOf({"a", "b"}, {"b"}), "\"b\" cannot be both output and input.");
     EXPECT_EQ(refusalOf({"a,a"}, {"b"}), "\"a\" is named twice as input.");
-}
-
-TEST(CaseRoles, AnUnknownNameIsRefused)
-{
     EXPECT_EQ(refusalOf({"sit"}, {"b"}),
               "There is no variable \"sit\"; the nearest name is \"site\". The variables are: "
               "\"a\", \"site\", \"b\", \"c\".");

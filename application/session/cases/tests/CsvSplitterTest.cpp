@@ -87,13 +87,9 @@ TEST_P(CsvSplitterRecords, AreSplit)
 INSTANTIATE_TEST_SUITE_P(Texts, CsvSplitterRecords, ::testing::ValuesIn(splits),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
-TEST(CsvSplitter, TakesBlanksForCellsWhereTheySeparate)
+TEST(CsvSplitter, TakesBlanksForCellsOrForOneSeparatorIfToldTo)
 {
     EXPECT_EQ(split(" a \tb\t\t c\n", '\t'), "1[a][b][][c] end");
-}
-
-TEST(CsvSplitter, TakesAnyNumberOfBlanksForOneSeparatorIfToldTo)
-{
     EXPECT_EQ(split("  a \t b  \n\"c d\"\t\"e\"\"f\" \n\n5\"", ' '),
               "1[a][b] 2[c d][e\"f] 4[5\"] end");
 }

@@ -83,21 +83,9 @@ TEST(LayoutRecognition, TheSeparatorIsThatOfMostRecords)
 {
     EXPECT_EQ(separatorOf("a,b,c\n1,2,3\n4,5\n6,7,8\n"), ',');
     EXPECT_EQ(separatorOf("a,b;c\n1;2\n3;4\n"), ';');
-}
-
-TEST(LayoutRecognition, ARecordThatTheSampleCutsDoesNotCount)
-{
     EXPECT_EQ(recogniseLayout("a,b;c\n1,2;3\n4,5\n6,", false, {}).separator, ',');
-}
-
-TEST(LayoutRecognition, RepeatedTabsAreOneSeparatorWhereAColumnWouldBeEmpty)
-{
     EXPECT_EQ(separatorOf("a\t\tb\n1\t\t2\n"), ' ');
     EXPECT_EQ(separatorOf("a\tb\tc\n1\t\t2\n"), '\t');
-}
-
-TEST(LayoutRecognition, AFirstLineCanDeclareTheSeparator)
-{
     EXPECT_EQ(separatorOf("sep=;\na;b,c\n1;2\n"), ';');
     EXPECT_EQ(partsOf("\xEF\xBB\xBF\"sep=,\"\r\na,b\r\n1,2\r\n"), "line 2, 2 columns");
 }
@@ -116,13 +104,6 @@ TEST(LayoutRecognition, TitlesStandAboveTheHeading)
     EXPECT_EQ(partsOf("Stress, strain, and load\nx,y\n1,2\n3,4\n"), "line 2, 2 columns, 1 titles");
 }
 
-TEST(LayoutRecognition, CasesWithoutANumberAreNoHeading)
-{
-    EXPECT_EQ(partsOf("x,y\nfailed,late\n1,2\n3,4\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("x,y\n1,2\nfailed,late\n3,4\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("1,2\n\nfailed,late\n3,4\n5,6\n"), "line 1, 2 columns, no heading");
-}
-
 TEST(LayoutRecognition, UnitsStandBelowTheHeading)
 {
     EXPECT_EQ(partsOf("p,y\nMPa,mm\n1,2\n3,4\n"), "line 1, 2 columns, units row");
@@ -136,6 +117,10 @@ TEST(LayoutRecognition, AFirstRowOfNumbersIsNoHeading)
     EXPECT_EQ(partsOf("1,2\n3,4\n"), "line 1, 2 columns, no heading");
     EXPECT_EQ(partsOf("1,2,NaN\n3,4,5\n"), "line 1, 3 columns, no heading");
     EXPECT_EQ(partsOf("x,2010\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("x,y\nfailed,late\n1,2\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("x,y\n1,2\nfailed,late\n3,4\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("1,2\n\nfailed,late\n3,4\n5,6\n"), "line 1, 2 columns, no heading");
+    EXPECT_EQ(partsOf(",,,note\nA,B,y\n1,2,3\n4,5,6\n7,8,9\n"), "line 2, 3 columns, 1 titles");
 }
 
 TEST(LayoutRecognition, ACommentLineAboveTheTableCanBeTheHeading)
@@ -185,26 +170,18 @@ TEST(LayoutRecognition, TheUserDecides)
     EXPECT_EQ(layoutOf("x,y\n3,4\n", choices).commentMarks, std::vector<std::string>{"!"});
 }
 
-TEST(LayoutRecognition, AnEmptyCellIsNoLabelOfTheNames)
+TEST(LayoutRecognition, TitlesCanHoldQuotesThatAreNeverClosed)
 {
-    EXPECT_EQ(partsOf(",,,note\nA,B,y\n1,2,3\n4,5,6\n7,8,9\n"), "line 2, 3 columns, 1 titles");
-}
+    EXPECT_EQ(partsOf("\"5 inch pipe\n# warm\n\"6 inch pipe\nx,y\n1,2\n3,4\n5,6\n7,8\n9,10\n"
+                      "11,12\n13,14\n15,16\n17,18\n19,20\n"),
+              "line 4, 2 columns");
 
-TEST(LayoutRecognition, QuotesThatAreNeverClosedEndTheSearchForTitles)
-{
     std::string sample;
     for (int i = 0; i < 20000; ++i) {
         sample += "\"x 5,1,2\n";
     }
 
     EXPECT_EQ(separatorOf(sample), ',');
-}
-
-TEST(LayoutRecognition, TitlesCanHoldQuotesThatAreNeverClosed)
-{
-    EXPECT_EQ(partsOf("\"5 inch pipe\n# warm\n\"6 inch pipe\nx,y\n1,2\n3,4\n5,6\n7,8\n9,10\n"
-                      "11,12\n13,14\n15,16\n17,18\n19,20\n"),
-              "line 4, 2 columns");
 }
 
 TEST(LayoutRecognition, SkippedLinesCanBeLongerThanTheSample)

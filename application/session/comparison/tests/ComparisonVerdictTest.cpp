@@ -65,6 +65,14 @@ TEST(ComparisonVerdict, LeansToTheModelThatIsPerhapsBetter)
         "The comparison leans to Kriging for \"Stress\": its cross-validated RMSE is 0.25 "
         "against 0.5 of the response surface, and it is nearer in 15 of 20 left-out "
         "cases, but that may be chance (t test over 10 folds: p = 0.12).");
+
+    expectVerdict(judged(figures(1.5), figures(0.5), 1.0, 0.6), OutputComparison::Kriging,
+                  "The comparison leans to Kriging for \"Stress\": its cross-validated RMSE is 0.5 "
+                  "against 1.5 of the response surface, which is no better than the mean of the "
+                  "cases, and it is nearer in 15 of 20 left-out cases, but that may be chance (t "
+                  "test over 10 folds: p = 0.6).");
+    EXPECT_EQ(judged(figures(0.5), figures(1.5), -1.0, 0.6).verdict,
+              OutputComparison::ResponseSurface);
 }
 
 TEST(ComparisonVerdict, IsForNoneWithinTheNoise)
@@ -76,32 +84,22 @@ TEST(ComparisonVerdict, IsForNoneWithinTheNoise)
                   "There is no clear difference between the models of \"Stress\": the "
                   "cross-validated RMSE is 0.5 of the response surface and 0.25 of Kriging, which "
                   "is nearer in 15 of 20 left-out cases (t test over 10 folds: p = 0.31).");
-}
 
-TEST(ComparisonVerdict, IsForNoneWhereAFewCasesContradictTheOthers)
-{
     // Kriging is better in most folds, but has the larger RMSE over all of them.
     EXPECT_EQ(judged(figures(0.25), figures(0.5), 0.7, 0.01).verdict, OutputComparison::Either);
 }
 
-TEST(ComparisonVerdict, TakesTwoPercentForNoDifference)
+TEST(ComparisonVerdict, TakesTwoPercentAndRoundingForNoDifference)
 {
     EXPECT_EQ(judged(figures(0.5), figures(0.489), 0.02, 1e-9).verdict, OutputComparison::Kriging);
     expectVerdict(judged(figures(0.5), figures(0.491), 0.02, 1e-9), OutputComparison::Either,
                   "There is no difference that matters between the models of \"Stress\": the "
                   "cross-validated RMSE is 0.5 of the "
                   "response surface and 0.491 of Kriging, less than 2 % apart.");
-}
-
-TEST(ComparisonVerdict, LeansToTheModelThatAloneIsBetterThanTheMean)
-{
-    expectVerdict(judged(figures(1.5), figures(0.5), 1.0, 0.6), OutputComparison::Kriging,
-                  "The comparison leans to Kriging for \"Stress\": its cross-validated RMSE is 0.5 "
-                  "against 1.5 of the response surface, which is no better than the mean of the "
-                  "cases, and it is nearer in 15 of 20 left-out cases, but that may be chance (t "
-                  "test over 10 folds: p = 0.6).");
-    EXPECT_EQ(judged(figures(0.5), figures(1.5), -1.0, 0.6).verdict,
-              OutputComparison::ResponseSurface);
+    expectVerdict(judged(figures(1e-9), figures(1e-12), 0.0, 1.0), OutputComparison::Either,
+                  "There is no difference that matters between the models of \"Stress\": both "
+                  "predict left-out cases to less than a "
+                  "millionth of its standard deviation.");
 }
 
 TEST(ComparisonVerdict, IsAgainstBothWhereTheMeanIsAsGood)
@@ -109,14 +107,18 @@ TEST(ComparisonVerdict, IsAgainstBothWhereTheMeanIsAsGood)
     expectVerdict(judged(figures(2.0), figures(1.0), 0.5, 0.01), OutputComparison::Neither,
                   "Use neither model for \"Stress\": neither predicts cases left out better than "
                   "the mean of the cases does (Q2 -3 and 0).");
-}
 
-TEST(ComparisonVerdict, TakesDifferencesOfRoundingForNone)
-{
-    expectVerdict(judged(figures(1e-9), figures(1e-12), 0.0, 1.0), OutputComparison::Either,
-                  "There is no difference that matters between the models of \"Stress\": both "
-                  "predict left-out cases to less than a "
-                  "millionth of its standard deviation.");
+    CrossValidationMetrics constant = figures(0.0);
+    constant.q2 = CrossValidationMetrics::none;
+
+    expectVerdict(judged(constant, constant, 0.0, 1.0), OutputComparison::Neither,
+                  "Use neither model for \"Stress\": it is the same in all cases, so that there is "
+                  "nothing to predict.");
+
+    expectVerdict(
+        judged(figures(0.5), figures(0.25), std::nan(""), std::nan("")), OutputComparison::Either,
+        "The models of \"Stress\" cannot be compared: both predict left-out cases in less "
+        "than two folds.");
 }
 
 TEST(ComparisonVerdict, IsForTheOnlyModelThatCanBeFitted)
@@ -145,24 +147,6 @@ TEST(ComparisonVerdict, IsAgainstTheOnlyModelIfTheMeanIsAsGood)
         judged(CrossValidationMetrics(), CrossValidationMetrics(), std::nan(""), std::nan("")),
         OutputComparison::Neither,
         "Use neither model for \"Stress\": neither can be fitted in any fold.");
-}
-
-TEST(ComparisonVerdict, AConstantOutputNeedsNoModel)
-{
-    CrossValidationMetrics constant = figures(0.0);
-    constant.q2 = CrossValidationMetrics::none;
-
-    expectVerdict(judged(constant, constant, 0.0, 1.0), OutputComparison::Neither,
-                  "Use neither model for \"Stress\": it is the same in all cases, so that there is "
-                  "nothing to predict.");
-}
-
-TEST(ComparisonVerdict, CasesThatBothPredictAreNeeded)
-{
-    expectVerdict(
-        judged(figures(0.5), figures(0.25), std::nan(""), std::nan("")), OutputComparison::Either,
-        "The models of \"Stress\" cannot be compared: both predict left-out cases in less "
-        "than two folds.");
 }
 
 TEST(ComparisonVerdict, ShowsANameThatBreaksTheLine)

@@ -90,7 +90,7 @@ TEST(ModelComparison, MakesTheModelsThatASessionMakes)
     EXPECT_EQ(std::abs(predicted - table.columns[3].numbers[leftOut]), figures.largestError);
 }
 
-TEST(ModelComparison, PrefersKrigingForAWave)
+TEST(ModelComparison, PrefersKrigingForAWaveAndNoModelForNoise)
 {
     const CaseSession session(madeCases(60), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
 
@@ -100,6 +100,10 @@ TEST(ModelComparison, PrefersKrigingForAWave)
     EXPECT_LT(output.kriging.rmse, 0.1 * output.responseSurface.rmse);
     EXPECT_TRUE(output.isClear);
     EXPECT_GT(output.errors.krigingNearer, 50u);
+
+    const CaseSession noise(madeCases(60), {{0, 1}, {4}}, {}, CaseSession::ResponseSurface);
+
+    EXPECT_EQ(ModelComparison::of(noise, 10).outputs[0].verdict, OutputComparison::Neither);
 }
 
 TEST(ModelComparison, IsClearWhereFewCasesCarryTheWholeError)
@@ -115,13 +119,6 @@ TEST(ModelComparison, IsClearWhereFewCasesCarryTheWholeError)
 
     EXPECT_EQ(comparison.verdict, OutputComparison::Kriging);
     EXPECT_TRUE(comparison.isClear) << comparison.recommendation;
-}
-
-TEST(ModelComparison, SeesNoModelForNoise)
-{
-    const CaseSession session(madeCases(60), {{0, 1}, {4}}, {}, CaseSession::ResponseSurface);
-
-    EXPECT_EQ(ModelComparison::of(session, 10).outputs[0].verdict, OutputComparison::Neither);
 }
 
 TEST(ModelComparison, ComesToTheSameAgain)
@@ -147,6 +144,14 @@ TEST(ModelComparison, TakesTheValidCasesAndNamesThemAsTheFileDoes)
     EXPECT_EQ(comparison.outputs[0].kriging.cases, 9u);
     EXPECT_EQ(comparison.outputs[0].responseSurface.largestErrorCase, 7u);
     EXPECT_EQ(ModelComparison::maxFolds(session), 9u);
+
+    const CaseSession deviating = sessionOf({0, 1, 2, 3, 4, 5, 6, 50, 8, 9, 10, 11, 12, 13, 14});
+
+    const CrossValidationMetrics figures =
+        ModelComparison::of(deviating, 15).outputs[0].responseSurface;
+
+    EXPECT_EQ(figures.largestErrorCase, 7u);
+    EXPECT_GT(figures.largestError, 40.0);
 }
 
 TEST(ModelComparison, LeavesTheSessionAsItIs)
@@ -162,17 +167,6 @@ TEST(ModelComparison, LeavesTheSessionAsItIs)
     EXPECT_EQ(session.counts().excluded, 1u);
     EXPECT_EQ(&session.model(), fitted);
     connection.disconnect();
-}
-
-TEST(ModelComparison, TheLargestErrorIsOfTheCaseThatDeviates)
-{
-    const CaseSession session = sessionOf({0, 1, 2, 3, 4, 5, 6, 50, 8, 9, 10, 11, 12, 13, 14});
-
-    const CrossValidationMetrics figures =
-        ModelComparison::of(session, 15).outputs[0].responseSurface;
-
-    EXPECT_EQ(figures.largestErrorCase, 7u);
-    EXPECT_GT(figures.largestError, 40.0);
 }
 
 TEST(ModelComparison, AConstantOutputHasNoQ2)
@@ -236,10 +230,7 @@ TEST(ModelComparison, NeedsTwoCasesThatAreNoCopies)
                                        "are valid and no copies, but there is one.");
     EXPECT_EQ(message(sessionOf({3}, {0})), "A comparison leaves cases out and needs at least two "
                                             "that are valid and no copies, but there is none.");
-}
 
-TEST(ModelComparison, TwoCasesAreEnoughToCompare)
-{
     const OutputComparison output = ModelComparison::of(sessionOf({1, 2}), 2).outputs[0];
 
     EXPECT_EQ(output.kriging.cases, 2u);
@@ -294,7 +285,7 @@ TEST(ModelComparison, ProgressNeverGoesBack)
     EXPECT_EQ(std::count(messages.begin(), messages.end(), "Kriging, fold 3 of 3"), 4);
 }
 
-TEST(ModelComparison, CountsTheLeftOutCasesInsideTheIntervals)
+TEST(ModelComparison, CountsTheLeftOutCasesInsideTheIntervalsThereAre)
 {
     CaseSession session(madeCases(100), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
 
@@ -304,17 +295,14 @@ TEST(ModelComparison, CountsTheLeftOutCasesInsideTheIntervals)
     EXPECT_LE(comparison.responseSurface.held95, 1.0);
     EXPECT_GE(comparison.kriging.held95, 0.88);
     EXPECT_LE(comparison.kriging.held95, 1.0);
-}
 
-TEST(ModelComparison, CountsNoneWhereModelsHaveNoIntervals)
-{
     // Three cases in each fit of three coefficients.
-    CaseSession session = sessionOf({1.0, 2.0, 4.0, 3.0});
+    CaseSession few = sessionOf({1.0, 2.0, 4.0, 3.0});
 
-    const OutputComparison comparison = ModelComparison::of(session, 4).outputs[0];
+    const OutputComparison without = ModelComparison::of(few, 4).outputs[0];
 
-    EXPECT_EQ(comparison.responseSurface.cases, 4u);
-    EXPECT_TRUE(std::isnan(comparison.responseSurface.held95));
+    EXPECT_EQ(without.responseSurface.cases, 4u);
+    EXPECT_TRUE(std::isnan(without.responseSurface.held95));
 }
 
 TEST(ModelComparison, CountsTheTransformsOfTheFolds)

@@ -31,7 +31,7 @@ TEST(PairedErrors, AreTestedByTheRatioOfEachFold)
     EXPECT_EQ(errors.responseSurfaceNearer, 0u);
 }
 
-TEST(PairedErrors, OfTheCasesOfAFoldAreTheirRmse)
+TEST(PairedErrors, OfTheCasesOfAFoldAreTheirRmseAndEqualWhereBothAreNegligible)
 {
     const std::vector<Case> cases = {{0, 3.0, 1.0}, {0, 4.0, 7.0}, {1, 1.0, 1.0}};
 
@@ -40,31 +40,25 @@ TEST(PairedErrors, OfTheCasesOfAFoldAreTheirRmse)
     EXPECT_NEAR(errors.logRatio, 0.5 * std::log(5.0 / std::sqrt(50.0)), 1e-12);
     EXPECT_EQ(errors.responseSurfaceNearer, 1u);
     EXPECT_EQ(errors.krigingNearer, 1u);
+
+    const std::vector<Case> tiny = {{0, 1e-7, 0.0}, {1, 0.0, 1e-9}, {2, 0.0, 0.0}};
+
+    const PairedErrors equal = PairedErrors::of(tiny, 3, negligible);
+
+    EXPECT_EQ(equal.logRatio, 0.0);
+    EXPECT_EQ(equal.p, 1.0);
 }
 
-TEST(PairedErrors, AreEqualWhereBothAreNegligible)
-{
-    const std::vector<Case> cases = {{0, 1e-7, 0.0}, {1, 0.0, 1e-9}, {2, 0.0, 0.0}};
-
-    const PairedErrors errors = PairedErrors::of(cases, 3, negligible);
-
-    EXPECT_EQ(errors.logRatio, 0.0);
-    EXPECT_EQ(errors.p, 1.0);
-}
-
-TEST(PairedErrors, ThatDifferAlikeInAllFoldsAreClear)
+TEST(PairedErrors, ThatDifferAlikeInAllFoldsAreClearAndWithoutTwoFoldsUntested)
 {
     const PairedErrors errors = PairedErrors::of({{0, 2.0, 1.0}, {1, 2.0, 1.0}}, 2, negligible);
 
     EXPECT_EQ(errors.standardError, 0.0);
     EXPECT_EQ(errors.p, 0.0);
-}
 
-TEST(PairedErrors, HaveNoTestWithoutTwoFolds)
-{
-    const PairedErrors errors = PairedErrors::of({{3, 2.0, 1.0}, {3, 1.0, 4.0}}, 5, negligible);
+    const PairedErrors untested = PairedErrors::of({{3, 2.0, 1.0}, {3, 1.0, 4.0}}, 5, negligible);
 
-    EXPECT_EQ(errors.folds, 1u);
-    EXPECT_TRUE(std::isnan(errors.p));
-    EXPECT_TRUE(std::isnan(errors.logRatio));
+    EXPECT_EQ(untested.folds, 1u);
+    EXPECT_TRUE(std::isnan(untested.p));
+    EXPECT_TRUE(std::isnan(untested.logRatio));
 }

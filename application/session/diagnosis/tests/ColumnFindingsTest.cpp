@@ -33,7 +33,7 @@ std::vector<double> twoGroups(std::size_t count)
 }
 } // namespace
 
-TEST(ColumnFindings, AConstantInputIsIgnored)
+TEST(ColumnFindings, AConstantInputIsIgnoredAndAConstantOutputSevere)
 {
     EXPECT_EQ(
         textsOf(ColumnFindings::constants(casesOf({{"Mass", {3, 3, 3}}, {"a", {1, 2, 3}}}))),
@@ -42,10 +42,7 @@ TEST(ColumnFindings, AConstantInputIsIgnored)
     EXPECT_EQ(textsOf(ColumnFindings::constants(casesOf({{"a", {3, 3}}, {"b", {1, 1}}}))),
               (Texts{"constantInput: a and b are the same in every case: the model learns nothing "
                      "about them and ignores them; leave them out of -x."}));
-}
 
-TEST(ColumnFindings, AConstantOutputIsSevere)
-{
     const auto findings =
         ColumnFindings::constants(casesOf({{"a", {1, 2, 3}}}, {{"y", {4, 4, 4}}}));
 
@@ -147,7 +144,7 @@ TEST(ColumnFindings, ValuesOverDecadesAreNoFarCases)
         << "an axial point";
 }
 
-TEST(ColumnFindings, DecadesSuggestALogarithm)
+TEST(ColumnFindings, DecadesSuggestALogarithmUnlessOutputsAreTransformed)
 {
     const auto findings =
         ColumnFindings::decades(casesOf({{"Rate", decades(20)}}, {{"y", decades(20)}}));
@@ -157,18 +154,12 @@ TEST(ColumnFindings, DecadesSuggestALogarithm)
     EXPECT_NE(findings[0].text.find("put its logarithm into the file"), std::string::npos);
     EXPECT_EQ(findings[1].kind, "skewedOutput");
     EXPECT_NE(findings[1].text.find("try --transform log."), std::string::npos);
-}
 
-TEST(ColumnFindings, ATransformedOutputIsNotSkewed)
-{
     DiagnosedCases cases = casesOf({{"a", spread(20)}}, {{"y", decades(20)}});
     cases.transformsOutputs = true;
 
     EXPECT_EQ(ColumnFindings::decades(cases).size(), 0u);
-}
 
-TEST(ColumnFindings, EvenColumnsNeedNoLogarithm)
-{
     std::vector<double> small = spread(20);
     small[4] = 1e-5; // a large factor, and yet most cases are even
     EXPECT_EQ(ColumnFindings::decades(casesOf({{"a", small}}, {{"y", spread(20)}})).size(), 0u);

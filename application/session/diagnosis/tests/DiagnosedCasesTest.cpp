@@ -38,14 +38,10 @@ TEST(DiagnosedCases, TheSampleOfAGridHasAllItsValues)
     EXPECT_EQ(sampled.positions.size(), 100u);
 }
 
-TEST(DiagnosedCases, DistinctValuesAreCountedUpToALimit)
+TEST(DiagnosedCases, DistinctValuesAndTheLastDigitAreCounted)
 {
     EXPECT_EQ(distinctValues({1, 2, 2, 3, 1}, 9), 3u);
     EXPECT_EQ(distinctValues({1, 2, 2, 3, 1}, 2), 2u);
-}
-
-TEST(DiagnosedCases, TheLastDigitIsThatOfTheFinestNumber)
-{
     EXPECT_EQ(lastDigit({1, 20, 300}), 1.0);
     EXPECT_DOUBLE_EQ(lastDigit({1, 2.25, 0.5}), 0.01);
     EXPECT_EQ(lastDigit({1.0 / 3.0}), 0.0);

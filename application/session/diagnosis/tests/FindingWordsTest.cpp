@@ -2,23 +2,15 @@
 
 #include <gtest/gtest.h>
 
-TEST(FindingWords, ListNames)
+TEST(FindingWords, ListNamesCasesAndFigures)
 {
     EXPECT_EQ(FindingWords::names({"A"}), "A");
     EXPECT_EQ(FindingWords::names({"A", "B"}), "A and B");
     EXPECT_EQ(FindingWords::names({"A", "B", "C", "D", "E", "F"}), "A, B, C, D, E and F");
     EXPECT_EQ(FindingWords::names({"A", "B", "C", "D", "E", "F", "G"}), "A, B, C, D, E and 2 more");
     EXPECT_EQ(FindingWords::names({"a\nb"}), "a\\x0Ab");
-}
-
-TEST(FindingWords, CountCasesFromOne)
-{
     EXPECT_EQ(FindingWords::cases({6}), "case 7");
     EXPECT_EQ(FindingWords::cases({0, 3}), "cases 1 and 4");
-}
-
-TEST(FindingWords, FiguresHaveFourDigits)
-{
     EXPECT_EQ(FindingWords::figure(3.14159), "3.142");
     EXPECT_EQ(FindingWords::figure(-999), "-999");
     EXPECT_EQ(FindingWords::figure(123456.7), "123457");

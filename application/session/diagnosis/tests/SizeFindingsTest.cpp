@@ -11,25 +11,19 @@ DiagnosedCases casesOfTwoInputs(std::size_t count)
 }
 } // namespace
 
-TEST(SizeFindings, FewerCasesThanTermsAreTooFew)
+TEST(SizeFindings, FewerCasesThanTermsAreTooFewAndAsManyLeaveNoError)
 {
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(5))),
               (Texts{"tooFewCases: 5 different cases do not determine the 6 terms of a quadratic "
                      "response surface of 2 inputs: terms are left out; 6 cases would do and 10 "
                      "would leave some for the error; add them or choose fewer terms with "
                      "--terms."}));
-}
 
-TEST(SizeFindings, AsManyCasesAsTermsLeaveNoError)
-{
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(6))),
               (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
                      "there are cases, 6: it passes through all of them, and no case is left to "
                      "estimate its error from; add cases, or choose fewer terms with --terms."}));
-}
 
-TEST(SizeFindings, FewMoreCasesLeaveLittleOfIt)
-{
     const auto findings = SizeFindings::find(casesOfTwoInputs(8));
 
     ASSERT_EQ(findings.size(), 1u);
@@ -96,14 +90,11 @@ TEST(SizeFindings, ChosenTermsOfAConstantInputAreNone)
     cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2 + V3 + V1:V3 + V3^2"};
 
     EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
-}
 
-TEST(SizeFindings, ConstantInputsHaveNoTerms)
-{
-    DiagnosedCases cases = casesOfTwoInputs(9);
-    cases.inputs.push_back({"c", std::vector<double>(9, 1.0)});
+    DiagnosedCases quadratic = casesOfTwoInputs(9);
+    quadratic.inputs.push_back({"c", std::vector<double>(9, 1.0)});
 
-    EXPECT_EQ(SizeFindings::find(cases).size(), 0u);
+    EXPECT_EQ(SizeFindings::find(quadratic).size(), 0u);
 }
 
 TEST(SizeFindings, KrigingWantsTwiceAsManyCasesAsInputs)

@@ -48,13 +48,10 @@ TEST(SpreadFindings, OfASampleOnlySharesAreKnown)
     EXPECT_EQ(SpreadFindings::find(sampled).size(), 0u) << "others may lie beside it";
 }
 
-TEST(SpreadFindings, EvenlySpreadCasesAreOneGroup)
+TEST(SpreadFindings, EvenlySpreadCasesAndLevelsAreNoClusters)
 {
     EXPECT_EQ(SpreadFindings::find(groups(60, 60, 0.0)).size(), 0u);
-}
 
-TEST(SpreadFindings, LevelsAreNoClusters)
-{
     DiagnosedCases cases = groups(60, 60, 0.0);
     DiagnosedCases::Column kind = {"kind", {}};
     for (std::size_t row = 0; row < 60; ++row) {

@@ -344,14 +344,11 @@ TEST(FitReport, ShowsTheErrorsOfTheWorstCasesBesideALargeOffset)
     EXPECT_EQ(text.find("e+09", line), std::string::npos) << text;
 }
 
-TEST(FitReport, HasNoNotesIfNothingWasChanged)
+TEST(FitReport, HasNoNotesIfNothingWasChangedAndNamesTheVariablesThatLackValues)
 {
     CaseSession clean(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
     EXPECT_EQ(FitReport::notes(clean), "");
-}
 
-TEST(FitReport, NotesNameTheVariablesThatLackValues)
-{
     CaseSession session(smallTable(), {{0}, {2}}, {}, CaseSession::ResponseSurface);
 
     EXPECT_EQ(FitReport::notes(session).rfind(

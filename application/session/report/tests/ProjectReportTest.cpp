@@ -26,7 +26,7 @@ ProjectDocument documentWith(const ResponseSurfaceOptions& terms)
 }
 } // namespace
 
-TEST(ProjectReport, SaysWhetherTermsAreSelected)
+TEST(ProjectReport, SaysWhichTermsThereAre)
 {
     const ProjectDocument all = documentWith(ResponseSurfaceOptions());
     const ProjectDocument selecting =
@@ -36,10 +36,7 @@ TEST(ProjectReport, SaysWhetherTermsAreSelected)
     EXPECT_EQ(ProjectReport::text(all).find("selected"), std::string::npos);
     EXPECT_EQ(ProjectReport::json(selecting)["selectsTerms"], true);
     EXPECT_EQ(ProjectReport::json(all)["selectsTerms"], false);
-}
 
-TEST(ProjectReport, NamesThePolynomial)
-{
     const ProjectDocument linear =
         documentWith({PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
 

@@ -11,13 +11,9 @@
 
 using ReportJson::Json;
 
-TEST(ReportJson, HasNullForNumbersThatAreNotFinite)
+TEST(ReportJson, HasNullForNumbersThatAreNotFiniteAndReplacesBytesThatAreNoUtf8)
 {
     EXPECT_EQ(ReportJson::text({{"a", std::nan("")}}), "{\n  \"a\": null\n}\n");
-}
-
-TEST(ReportJson, ReplacesBytesThatAreNoUtf8)
-{
     EXPECT_EQ(ReportJson::text("\xFF"), "\"\xEF\xBF\xBD\"\n");
 }
 

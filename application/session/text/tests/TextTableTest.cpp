@@ -4,37 +4,20 @@
 
 TEST(TextTable, ColumnsAreAsWideAsTheirWidestCell)
 {
-    TextTable table({false, true});
-    table.add({"name", "value"});
-    table.add({"x", "12"});
+    const auto tableOf = [](const std::vector<std::vector<std::string>>& rows,
+                            bool alignsRight = false) {
+        TextTable table({false, alignsRight});
+        for (const std::vector<std::string>& row : rows) {
+            table.add(row);
+        }
+        return table.text("  ");
+    };
 
-    EXPECT_EQ(table.text("  "), "  name  value\n"
-                                "  x        12\n");
-}
-
-TEST(TextTable, CountsCharactersNotBytes)
-{
-    TextTable table({false, false});
-    table.add({"Größe", "a"});
-    table.add({"12345", "b"});
-
-    EXPECT_EQ(table.text(""), "Größe  a\n12345  b\n");
-}
-
-TEST(TextTable, LinesEndWithoutBlanks)
-{
-    TextTable table({false, false});
-    table.add({"wide cell", ""});
-    table.add({"x"});
-
-    EXPECT_EQ(table.text(""), "wide cell\nx\n");
-}
-
-TEST(TextTable, LineBreaksInACellDoNotBreakTheRow)
-{
-    TextTable table({false, false});
-    table.add({"a\nb", "x"});
-    table.add({"c", "y"});
-
-    EXPECT_EQ(table.text(""), "a\\x0Ab  x\nc       y\n");
+    EXPECT_EQ(tableOf({{"name", "value"}, {"x", "12"}}, true), "  name  value\n"
+                                                               "  x        12\n");
+    EXPECT_EQ(tableOf({{"Größe", "a"}, {"12345", "b"}}), "  Größe  a\n  12345  b\n")
+        << "characters, not bytes";
+    EXPECT_EQ(tableOf({{"wide cell", ""}, {"x"}}), "  wide cell\n  x\n") << "no blanks at the end";
+    EXPECT_EQ(tableOf({{"a\nb", "x"}, {"c", "y"}}), "  a\\x0Ab  x\n  c       y\n")
+        << "a line break does not break the row";
 }
