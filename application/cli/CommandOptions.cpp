@@ -2,11 +2,11 @@
 
 #include "CommandLine.h"
 #include "HelpPages.h"
+#include "UsageFaults.h"
 
 #include <session/model/ModelFile.h>
 #include <session/model/PolynomialWords.h>
 #include <session/text/JoinedText.h>
-#include <session/text/NearestText.h>
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
@@ -533,19 +533,13 @@ const Command commands[] = {
     {CommandLine::Check, "check", "the values of a distribution text, or what is wrong with it",
      describeCheck}};
 
-std::string suggestion(const std::string& word, const std::vector<std::string>& known)
-{
-    const auto nearest = nearestText(word, known);
-    return nearest ? "; the nearest is " + known[*nearest] : "";
-}
-
 /** The description, with one subcommand for each command. */
 class Parser
 {
     using HelpFormat = std::string (HelpPages::*)() const;
 
 public:
-    explicit Parser(CommandLine& line) : app(about, "surrogate")
+    explicit Parser(CommandLine& line) : app(about, "surrogate"), faults(app)
     {
         app.set_version_flag("--version", "surrogate " SURROGATE_VERSION);
         app.footer("surrogate COMMAND --help describes a command and its options.\n\n" +
@@ -590,14 +584,13 @@ public:
             // help() of the whole would describe the command help.
             line.text = helpTopic.empty() ? app.get_formatter()->make_help(
                                                 &app, app.get_name(), CLI::AppFormatMode::Normal)
-                                          : find(helpTopic).help(app.get_name());
+                                          : faults.command(helpTopic).help(app.get_name());
             return;
         }
-        refuseExtras(app, "");
+        faults.refuseExtras();
         for (const Command& command : commands) {
             CLI::App* const parsed = app.get_subcommand(command.name);
             if (parsed->parsed()) {
-                refuseExtras(*parsed, command.name);
                 if (command.value == CommandLine::Check && parsed->count("TEXT") == 0) {
                     throw UsageError("The command check needs the text to check.");
                 }
@@ -608,110 +601,11 @@ public:
 
     std::string helpText() const { return app.help(); }
 
-    /** The parser's error in a sentence of our own. */
-    UsageError sentenceOf(const CLI::ParseError& error) const
-    {
-        const std::string text = error.what();
-        const std::string excludes = " excludes ";
-        const std::size_t excluding = text.find(excludes);
-        if (excluding != std::string::npos) {
-            return UsageError(text.substr(0, excluding) + " and " +
-                              text.substr(excluding + excludes.size()) +
-                              " exclude each other: give one of them.");
-        }
-        // Messages begin with the name of the option, that of a flag without its dashes.
-        const std::string first = text.substr(0, text.find_first_of(": "));
-        const std::string name = first.rfind('-', 0) == 0 ? first : "--" + first;
-        for (const CLI::App* const command : app.get_subcommands()) {
-            const CLI::Option* const option = command->get_option_no_throw(name);
-            if (option == nullptr) {
-                continue;
-            }
-            if (option->get_expected_max() == 0) {
-                return UsageError(name + " takes no value.");
-            }
-            return UsageError(option->results().size() > 1
-                                  ? name + " is given more than once: give it once."
-                                  : name + " needs a value: " + name + ' ' +
-                                        option->get_type_name() + '.');
-        }
-        return UsageError("The arguments cannot be read (" + text +
-                          "). surrogate COMMAND --help lists the options.");
-    }
+    UsageError sentenceOf(const CLI::ParseError& error) const { return faults.sentenceOf(error); }
 
 private:
-    CLI::App& find(const std::string& name)
-    {
-        for (CLI::App* const command : app.get_subcommands(nullptr)) {
-            if (command->get_name() == name) {
-                return *command;
-            }
-        }
-        throw unknownCommand(name);
-    }
-
-    UsageError unknownCommand(const std::string& name) const
-    {
-        std::vector<std::string> names;
-        for (const Command& command : commands) {
-            names.emplace_back(command.name);
-        }
-        return UsageError("There is no command \"" + name + '"' + suggestion(name, names) +
-                          ". The commands are: " + joinedText(names) +
-                          "; surrogate --help describes them.");
-    }
-
-    /** What no command or option of the description has taken. */
-    void refuseExtras(const CLI::App& parsed, const std::string& command)
-    {
-        for (const std::string& argument : parsed.remaining()) {
-            if (argument == "--") {
-                continue;
-            }
-            const bool isOption = argument.size() > 1 && argument[0] == '-';
-            if (!isOption && command.empty()) {
-                throw unknownCommand(argument);
-            }
-            if (!isOption) {
-                throw UsageError("\"" + argument + "\" is one argument too many for " + command +
-                                 "; texts with blanks are to be quoted.");
-            }
-            throw unknownOption(argument.substr(0, argument.find('=')), command);
-        }
-    }
-
-    UsageError unknownOption(const std::string& option, const std::string& command)
-    {
-        if (command.empty()) {
-            return UsageError("Options stand behind the command: surrogate COMMAND " + option +
-                              " ...");
-        }
-        std::vector<std::string> owners;
-        for (const Command& other : commands) {
-            if (find(other.name).get_option_no_throw(option) != nullptr) {
-                owners.emplace_back(other.name);
-            }
-        }
-        if (owners.size() == 1) {
-            return UsageError(option + " belongs to the command " + owners.front() + '.');
-        }
-        if (!owners.empty()) {
-            const std::string last = owners.back();
-            owners.pop_back();
-            return UsageError(option + " belongs to the commands " + joinedText(owners) + " and " +
-                              last + '.');
-        }
-        std::vector<std::string> known;
-        for (const CLI::Option* const own : find(command).get_options()) {
-            if (!own->get_lnames().empty()) {
-                known.push_back("--" + own->get_lnames().front());
-            }
-        }
-        return UsageError("There is no option \"" + option + '"' + suggestion(option, known) +
-                          ". surrogate " + command + " --help lists the options.");
-    }
-
     CLI::App app;
+    UsageFaults faults;
     CLI::App* help = nullptr;
     std::string helpTopic;
     std::optional<HelpFormat> helpFormat;
