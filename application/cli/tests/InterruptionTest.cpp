@@ -46,7 +46,7 @@ TEST_P(InterruptionOfCommands, LeavesNothingBehind)
     folder.write("old.txt", "old");
     const std::size_t before = (run("--version"), folder.fileCount());
 
-    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT 1 '" +
+    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT 0.5 '" +
                               std::string(SURROGATE_PROGRAM) + "' " + GetParam().arguments);
 
     EXPECT_EQ(ended.exitCode, 130);
@@ -79,10 +79,10 @@ TEST_F(Interruption, CtrlCEndsAPredictionAtOnce)
     folder.write("waves.csv", cases);
     const std::size_t before = (run("--version"), folder.fileCount());
 
-    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT -k 20 3 '" +
+    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT -k 20 2 '" +
                               std::string(SURROGATE_PROGRAM) +
                               "' evaluate waves.csv -y y -m kriging --interval 95 "
-                              "--count a=10000000 -o table.csv");
+                              "--threads 2 --count a=10000000 -o table.csv");
 
     EXPECT_EQ(ended.exitCode, 130);
     EXPECT_EQ(folder.fileCount(), before);

@@ -61,7 +61,7 @@ TEST_F(ExcelWorkbook, ComputesWhatTheModelPredictsAndItsSelfCheckHolds)
             const std::string what =
                 variety.name + (kind == Kriging ? ", Kriging" : ", polynomial");
             const std::string workbook = exportModel(model, ExportFormat::Excel);
-            const std::vector<Column> points = pointsFor(model, 3);
+            const std::vector<Column> points = pointsFor(model, 2);
             std::vector<Column> values;
             std::vector<Column> looser;
             for (const Column& point : points) {

@@ -5,6 +5,7 @@
 #include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/tests/UniformNumbers.h>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,6 @@
 #include <iterator>
 #include <limits>
 #include <locale>
-#include <random>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -30,17 +30,6 @@
 namespace exporttest {
 
 using Column = std::vector<double>;
-
-/** Numbers in [0, 1), the same on every platform. */
-class Random
-{
-public:
-    explicit Random(std::uint64_t seed) : generator(seed) {}
-    double next() { return static_cast<double>(generator() >> 11) * 0x1p-53; }
-
-private:
-    std::mt19937_64 generator;
-};
 
 enum Kind
 {
@@ -108,7 +97,7 @@ inline double smooth(const Column& u, double phase)
 inline Cases smoothCases(std::size_t count, std::size_t inputs, double low, double high,
                          double offset, double unit)
 {
-    Random random(17);
+    UniformNumbers random(17);
     Cases cases;
     cases.inputs.resize(inputs);
     cases.outputs.resize(2);
@@ -162,7 +151,7 @@ inline std::vector<NamedCases> varieties()
     Cases constantOutput = smoothCases(8, 2, -1.0, 1.0, 0.0, 1.0);
     constantOutput.outputs[0].assign(8, 1.0 / 3.0);
     Cases noisy = smoothCases(40, 2, 0.0, 10.0, 0.0, 1.0);
-    Random random(4);
+    UniformNumbers random(4);
     for (double& value : noisy.outputs[0]) {
         value += 0.5 * random.next();
     }
@@ -186,7 +175,7 @@ inline std::vector<NamedCases> varieties()
 /** Points inside the ranges of the cases and somewhat beyond; by rows. */
 inline std::vector<Column> pointsFor(const ExportedModel& model, std::size_t count)
 {
-    Random random(99);
+    UniformNumbers random(99);
     std::vector<Column> points(count);
     for (Column& point : points) {
         for (const ExportedModel::Input& input : model.inputs) {
@@ -306,6 +295,16 @@ inline Column numbersOf(const std::string& text)
         numbers.push_back(std::strtod(line.c_str(), nullptr));
     }
     return numbers;
+}
+
+/** Numbers that follow each other, as so many rows of the same size. */
+inline std::vector<Column> rowsOf(const Column& numbers, std::size_t rows)
+{
+    std::vector<Column> result(rows);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        result[i * rows / numbers.size()].push_back(numbers[i]);
+    }
+    return result;
 }
 
 /** A folder for what a test writes and runs. */

@@ -6,7 +6,7 @@ using namespace exporttest;
 
 TEST(ExportText, NumbersReadBackAsTheSameDoubleAndRealOnesAreNoIntegers)
 {
-    Random random(2);
+    UniformNumbers random(2);
     for (int i = 0; i < 1000; ++i) {
         const double value = std::ldexp(random.next() - 0.5, i % 200 - 100);
         EXPECT_EQ(std::strtod(shortNumber(value).c_str(), nullptr), value);
@@ -24,7 +24,7 @@ TEST(ExportText, FormulaNumbersNeedFifteenDigitsAtMost)
     EXPECT_EQ(formulaNumber(0.5), "0.5");
     EXPECT_EQ(formulaNumber(1e-7), "1E-07");
     EXPECT_EQ(formulaNumber(1.0 / 3.0), "(0.333333333333333+3.33066907387547E-16)");
-    Random random(3);
+    UniformNumbers random(3);
     for (int i = 0; i < 1000; ++i) {
         const double value = std::ldexp(random.next() - 0.5, i % 200 - 100);
         const std::string text = formulaNumber(value);

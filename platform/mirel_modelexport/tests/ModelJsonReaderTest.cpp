@@ -154,7 +154,7 @@ TEST(ModelJsonReader, ASelfCheckFindsANumberThatHasChanged)
 
 TEST(ModelJsonReader, ADamagedDocumentIsRefusedOrTakenNeverACrash)
 {
-    Random random(12);
+    UniformNumbers random(12);
     std::size_t refused = 0;
     for (const Kind kind : {Polynomial, Kriging}) {
         const std::string whole = jsonOf(cvd(), kind);

@@ -41,15 +41,7 @@ TEST_F(PythonSource, ComputesWhatTheModelPredicts)
             const Outcome outcome = python("script.py");
             ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
 
-            const Column numbers = numbersOf(outcome.out);
-            std::vector<Column> values;
-            ASSERT_EQ(numbers.size(), points.size() * model.outputs.size());
-            for (std::size_t i = 0; i < numbers.size(); i += model.outputs.size()) {
-                values.emplace_back(numbers.begin() + static_cast<std::ptrdiff_t>(i),
-                                    numbers.begin() +
-                                        static_cast<std::ptrdiff_t>(i + model.outputs.size()));
-            }
-            expectAgreement(model, points, values,
+            expectAgreement(model, points, rowsOf(numbersOf(outcome.out), points.size()),
                             variety.name + (kind == Kriging ? ", Kriging" : ", polynomial"));
         }
     }
