@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <numeric>
 #include <vector>
 
@@ -47,6 +48,23 @@ inline std::vector<double> valuesOf(const Function& function, const Columns& col
         result.push_back(function(point));
     }
     return result;
+}
+
+/** The cases of a likelihood with a constant trend. */
+inline std::shared_ptr<KrigingData> dataOf(const Columns& inputs, const std::vector<double>& output)
+{
+    auto data = std::make_shared<KrigingData>();
+    data->cases = output.size();
+    data->inputs = inputs.size();
+    data->terms = 1;
+    for (const std::vector<double>& column : inputs) {
+        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
+    }
+    data->trend.assign(data->cases, 1.0);
+    data->output = output;
+    data->replicates.assign(data->cases, 1.0);
+    data->withinSquares.assign(data->cases, 0.0);
+    return data;
 }
 
 /** A model with the options that the application passes, where a test does not say others. */

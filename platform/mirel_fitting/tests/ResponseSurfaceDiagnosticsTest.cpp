@@ -73,7 +73,7 @@ TEST(ResponseSurfaceDiagnostics, StudentisedResidualsAndCooksDistancesAreThoseOf
          {-0.866168246741188, -0.557963925920747, -0.515360339632275, 0.02594363725800436}});
 }
 
-TEST(ResponseSurfaceDiagnostics, SuspectsCasesBeyondTheLimitOfBonferroni)
+TEST(ResponseSurfaceDiagnostics, SuspectsCasesBeyondTheLimitOfBonferroniInTheOrderOfTheirSize)
 {
     const ResponseSurfaceStatistics sound = statisticsOf(vapourDeposition());
     const ResponseSurfaceStatistics other = statisticsOf(spoiled());
@@ -81,10 +81,7 @@ TEST(ResponseSurfaceDiagnostics, SuspectsCasesBeyondTheLimitOfBonferroni)
     expectFigure(sound.outlierLimit, 5.74650714382263, "limit");
     EXPECT_TRUE(sound.suspectedOutliers().empty());
     EXPECT_EQ(other.suspectedOutliers(), std::vector<std::size_t>{3});
-}
 
-TEST(ResponseSurfaceDiagnostics, OrdersOutliersBySize)
-{
     Cases cases = twoInputs(200, 0.5);
     cases.outputs[0][20] += 5.0;
     cases.outputs[0][7] -= 3.0;
@@ -175,7 +172,7 @@ TEST(ResponseSurfaceDiagnostics, RidgesAreThoseOfR)
     }
 }
 
-TEST(ResponseSurfaceDiagnostics, RidgeOfALinearPolynomialFollowsItsGradient)
+TEST(ResponseSurfaceDiagnostics, RidgeOfALinearPolynomialFollowsItsGradientAndAConstantHasNone)
 {
     // Inputs of range 2: the gradient 3, 4 has length 5 in coded inputs.
     const Cases cases{{{-1, 1, -1, 1}, {-1, -1, 1, 1}}, {{-7, -1, 1, 7}}};
@@ -187,14 +184,11 @@ TEST(ResponseSurfaceDiagnostics, RidgeOfALinearPolynomialFollowsItsGradient)
     EXPECT_NEAR(descent[10].coordinates[1], -0.8, 1e-14);
     EXPECT_NEAR(descent[10].value, -5.0, 1e-13);
     EXPECT_TRUE(statisticsOf(cases, 1).canonicalDirections.empty());
-}
 
-TEST(ResponseSurfaceDiagnostics, AConstantHasNoRidge)
-{
-    Cases cases = vapourDeposition();
-    cases.outputs[0].assign(cases.count(), 5.0);
+    Cases constant = vapourDeposition();
+    constant.outputs[0].assign(constant.count(), 5.0);
 
-    EXPECT_TRUE(statisticsOf(cases).ascent.empty());
+    EXPECT_TRUE(statisticsOf(constant).ascent.empty());
     EXPECT_TRUE(statisticsOf(vapourDeposition(), 0).descent.empty());
 }
 

@@ -10,13 +10,7 @@ namespace {
 
 KrigingData dataAt(const Columns& columns)
 {
-    KrigingData data;
-    data.cases = columns.front().size();
-    data.inputs = columns.size();
-    for (const std::vector<double>& column : columns) {
-        data.coordinates.insert(data.coordinates.end(), column.begin(), column.end());
-    }
-    return data;
+    return *dataOf(columns, columns.front());
 }
 
 double smallestDistance(const KrigingData& data, const std::vector<std::size_t>& indices)

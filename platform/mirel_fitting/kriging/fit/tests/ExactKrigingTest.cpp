@@ -50,9 +50,9 @@ TEST(ExactKriging, InterpolatesUnlessTheNuggetStandsForNoise)
     EXPECT_LT(found.largest, 1e-6);
 
     for (const double least : {0.0, 0.1}) {
-        const AtCases found(0.5, 0.1, least);
+        const AtCases smooth(0.5, 0.1, least);
 
-        EXPECT_FALSE(found.interpolates);
-        EXPECT_GT(found.largest, 1e-3);
+        EXPECT_FALSE(smooth.interpolates);
+        EXPECT_GT(smooth.largest, 1e-3);
     }
 }

@@ -65,7 +65,7 @@ TEST(LargeKriging, ComesCloseToTheExactModelOfAllCases)
     EXPECT_FALSE(mentions(exact, "distinct cases"));
 }
 
-TEST(LargeKriging, MeasuresItsErrorByCasesLeftOut)
+TEST(LargeKriging, MeasuresItsErrorAndThatOfEachPointByCasesLeftOut)
 {
     const Columns inputs = latinHypercube(1200, 3, 3);
     const Columns points = latinHypercube(1000, 3, 4);
@@ -81,6 +81,19 @@ TEST(LargeKriging, MeasuresItsErrorByCasesLeftOut)
     EXPECT_EQ(fit.metrics.cases, 1200u);
     EXPECT_TRUE(mentions(fit, "The figures of errors are those of a random sample of 200 distinct "
                               "cases."));
+
+    Columns at = latinHypercube(1000, 3, 4);
+    const std::vector<double> values = predicted(fit, at);
+    const std::vector<double> truth = valuesOf(hill, at);
+    std::vector<double> errors(1000);
+
+    fit.predictor.standardErrors(pointersTo(at), 1000, false, errors.data());
+
+    int within = 0;
+    for (std::size_t i = 0; i < 1000; ++i) {
+        within += std::fabs(values[i] - truth[i]) < 2.0 * errors[i] ? 1 : 0;
+    }
+    EXPECT_GT(within, 850);
 }
 
 TEST(LargeKriging, KeepsTheCasesThatItMeasuresByWithTheirStandardErrors)
@@ -177,7 +190,7 @@ TEST(LargeKriging, DoesNotDependOnUnits)
     EXPECT_LT(relativeError(scaled, values), 1e-4);
 }
 
-TEST(LargeKriging, GivesNaNAtPointsThatAreNotFinite)
+TEST(LargeKriging, PredictsGridsAndGradientsAndGivesNaNWhereNotFinite)
 {
     const Columns inputs = latinHypercube(700, 3, 3);
     const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
@@ -189,6 +202,29 @@ TEST(LargeKriging, GivesNaNAtPointsThatAreNotFinite)
     EXPECT_TRUE(std::isfinite(values[0]));
     EXPECT_TRUE(std::isnan(values[1]));
     EXPECT_TRUE(std::isnan(values[2]));
+
+    const double step = 1e-6;
+    Columns point = {{0.4}, {0.6}, {0.3}};
+    Columns slopes(3, std::vector<double>(1));
+
+    fit.predictor.differentiate(pointersTo(point), 1, pointersTo(slopes));
+
+    const std::vector<double> around =
+        predicted(fit, {{0.4 + step, 0.4 - step}, {0.6, 0.6}, {0.3, 0.3}});
+    EXPECT_NEAR(slopes[0][0], (around[0] - around[1]) / (2.0 * step),
+                1e-4 * std::fabs(slopes[0][0]));
+
+    Columns grid(3);
+    for (int i = 0; i < 1000; ++i) {
+        grid[0].push_back(0.1 * (i / 100));
+        grid[1].push_back(0.1 * (i / 10 % 10));
+        grid[2].push_back(0.1 * (i % 10));
+    }
+    const std::vector<double*> columns = pointersTo(grid);
+    std::vector<double> onGrid(1000);
+    predictGrids(fit.predictor, columns, ProductGrid::split(columns, 1000), onGrid.data());
+
+    EXPECT_LT(relativeError(onGrid, predicted(fit, grid)), 1e-9);
 }
 
 TEST(LargeKriging, AcceptsReplicatesNearDuplicatesAndConstantInputs)
@@ -261,24 +297,6 @@ TEST(LargeKriging, ReportsEachFewCasesThatItMeasuresBy)
     EXPECT_GE(reports, 4u * 10u);
 }
 
-TEST(LargeKriging, HasStandardErrorsOfTheSizeOfItsErrors)
-{
-    const Columns inputs = latinHypercube(1200, 3, 3);
-    Columns points = latinHypercube(1000, 3, 4);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-    const std::vector<double> values = predicted(fit, points);
-    const std::vector<double> expected = valuesOf(hill, points);
-    std::vector<double> errors(1000);
-
-    fit.predictor.standardErrors(pointersTo(points), 1000, false, errors.data());
-
-    int within = 0;
-    for (std::size_t i = 0; i < 1000; ++i) {
-        within += std::fabs(values[i] - expected[i]) < 2.0 * errors[i] ? 1 : 0;
-    }
-    EXPECT_GT(within, 850);
-}
-
 TEST(LargeKriging, HasLargerStandardErrorsWhereNoCaseIsNear)
 {
     const Columns inputs = latinHypercube(1200, 3, 3);
@@ -333,37 +351,4 @@ TEST(LargeKriging, HasTheStandardErrorsOfTheSubsetFarOutside)
     EXPECT_EQ(errors[6], errorsOfSubset[6]);
     EXPECT_GT(errors[6], 5.0 * errors[3]);
     EXPECT_TRUE(std::isnan(errors[7]));
-}
-
-TEST(LargeKriging, HasTheGradientOfItsPredictions)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-    const double step = 1e-6;
-    Columns point = {{0.4}, {0.6}, {0.3}};
-    Columns slopes(3, std::vector<double>(1));
-
-    fit.predictor.differentiate(pointersTo(point), 1, pointersTo(slopes));
-
-    const std::vector<double> around =
-        predicted(fit, {{0.4 + step, 0.4 - step}, {0.6, 0.6}, {0.3, 0.3}});
-    EXPECT_NEAR(slopes[0][0], (around[0] - around[1]) / (2.0 * step),
-                1e-4 * std::fabs(slopes[0][0]));
-}
-
-TEST(LargeKriging, PredictsGridsLikeScatteredPoints)
-{
-    const Columns inputs = latinHypercube(700, 3, 3);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
-    Columns grid(3);
-    for (int i = 0; i < 1000; ++i) {
-        grid[0].push_back(0.1 * (i / 100));
-        grid[1].push_back(0.1 * (i / 10 % 10));
-        grid[2].push_back(0.1 * (i % 10));
-    }
-    const std::vector<double*> columns = pointersTo(grid);
-    std::vector<double> values(1000);
-    predictGrids(fit.predictor, columns, ProductGrid::split(columns, 1000), values.data());
-
-    EXPECT_LT(relativeError(values, predicted(fit, grid)), 1e-9);
 }

@@ -20,16 +20,7 @@ double bump(const std::vector<double>& x)
 KrigingData allCases()
 {
     const Columns x = latinHypercube(cases, 2, 5);
-    KrigingData data;
-    data.cases = cases;
-    data.inputs = 2;
-    for (const std::vector<double>& column : x) {
-        data.coordinates.insert(data.coordinates.end(), column.begin(), column.end());
-    }
-    data.output = valuesOf(bump, x);
-    data.replicates.assign(cases, 1.0);
-    data.withinSquares.assign(cases, 0.0);
-    return data;
+    return *dataOf(x, valuesOf(bump, x));
 }
 
 SubsetKriging::Subset firstHalf(const KrigingData& all)

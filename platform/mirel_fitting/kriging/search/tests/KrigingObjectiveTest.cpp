@@ -9,19 +9,9 @@ namespace {
 std::shared_ptr<KrigingData> someCases()
 {
     const Columns x = latinHypercube(30, 2, 5);
-    auto data = std::make_shared<KrigingData>();
-    data->cases = 30;
-    data->inputs = 2;
-    data->terms = 1;
-    for (const std::vector<double>& column : x) {
-        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
-    }
-    data->trend.assign(30, 1.0);
-    data->output =
-        valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; }, x);
-    data->replicates.assign(30, 1.0);
-    data->withinSquares.assign(30, 0.0);
-    return data;
+    return dataOf(
+        x, valuesOf([](const std::vector<double>& p) { return std::sin(6.0 * p[0]) + 0.3 * p[1]; },
+                    x));
 }
 
 std::vector<double> logarithms(const KrigingParameters& parameters)
@@ -30,15 +20,18 @@ std::vector<double> logarithms(const KrigingParameters& parameters)
             std::log(parameters.nugget) / SearchPolicy().nuggetUnit};
 }
 
+struct KrigingObjectiveTest : testing::Test
+{
+    KrigingSearchSettings settings;
+    const std::shared_ptr<KrigingData> data = someCases();
+    const KrigingSearchVariables variables{*data, settings};
+    KrigingObjective objective{data, variables, settings};
+};
+
 } // namespace
 
-TEST(KrigingObjective, IsTheLikelihoodAndThePriorOfLogarithms)
+TEST_F(KrigingObjectiveTest, IsTheLikelihoodAndThePriorOfLogarithms)
 {
-    const auto data = someCases();
-    KrigingSearchSettings settings;
-    const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
-
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     const LengthPrior prior(settings.policy);
     const double likelihood = KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3);
@@ -68,12 +61,8 @@ TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
     EXPECT_EQ(curvature.size(), 1u);
 }
 
-TEST(KrigingObjective, HasTheGradientOfItsDifferences)
+TEST_F(KrigingObjectiveTest, HasTheGradientOfItsDifferences)
 {
-    KrigingSearchSettings settings;
-    const auto data = someCases();
-    const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     std::vector<double> gradient;
     objective.value(point);
@@ -91,12 +80,8 @@ TEST(KrigingObjective, HasTheGradientOfItsDifferences)
     }
 }
 
-TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
+TEST_F(KrigingObjectiveTest, EvaluatesAPointOnceUntilItsGradientIsTaken)
 {
-    KrigingSearchSettings settings;
-    const auto data = someCases();
-    const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
     const double value = objective.value(point);
     EXPECT_EQ(objective.value(point), value);
@@ -109,12 +94,8 @@ TEST(KrigingObjective, EvaluatesAPointOnceUntilItsGradientIsTaken)
     EXPECT_EQ(objective.evaluations(), 2u);
 }
 
-TEST(KrigingObjective, KnowsTheNoiseOfAnyPoint)
+TEST_F(KrigingObjectiveTest, KnowsTheNoiseOfAnyPoint)
 {
-    KrigingSearchSettings settings;
-    const auto data = someCases();
-    const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
     objective.value(logarithms({{1.0, 1.0}, 1e-6}));
 
     KrigingLikelihood likelihood(data);

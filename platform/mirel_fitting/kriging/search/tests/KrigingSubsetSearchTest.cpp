@@ -16,22 +16,6 @@ double wave(const std::vector<double>& x)
     return std::sin(5.0 * x[0]) + x[1] * x[1] * x[0];
 }
 
-std::shared_ptr<KrigingData> dataOf(const Columns& inputs, const std::vector<double>& output)
-{
-    auto data = std::make_shared<KrigingData>();
-    data->cases = output.size();
-    data->inputs = inputs.size();
-    data->terms = 1;
-    for (const std::vector<double>& column : inputs) {
-        data->coordinates.insert(data->coordinates.end(), column.begin(), column.end());
-    }
-    data->trend.assign(output.size(), 1.0);
-    data->output = output;
-    data->replicates.assign(output.size(), 1.0);
-    data->withinSquares.assign(output.size(), 0.0);
-    return data;
-}
-
 } // namespace
 
 TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
