@@ -20,11 +20,6 @@ public:
 
 TYPED_TEST_SUITE(PropertyTest, PropertyValueTypes);
 
-TYPED_TEST(PropertyTest, StartsWithAnEmptyOrZeroValue)
-{
-    EXPECT_EQ(this->property.get(), Samples<TypeParam>::fresh());
-}
-
 TYPED_TEST(PropertyTest, StartsWithAnEmptyOrZeroValueWhateverTheMemoryHeld)
 {
     using Property = veska::Property<TypeParam>;
@@ -37,21 +32,16 @@ TYPED_TEST(PropertyTest, StartsWithAnEmptyOrZeroValueWhateverTheMemoryHeld)
     property->~Property();
 }
 
-TYPED_TEST(PropertyTest, AnswersTheValueThatWasSet)
+TYPED_TEST(PropertyTest, AnswersTheValueThatWasSetAndCallsBothKindsOfListenersOnce)
 {
+    EXPECT_EQ(this->property.get(), Samples<TypeParam>::fresh());
     this->property.set(Samples<TypeParam>::first());
     EXPECT_EQ(this->property.get(), Samples<TypeParam>::first());
+    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
+    EXPECT_EQ(this->listener.untypedCalls, 1);
 
     this->property.set(Samples<TypeParam>::second());
     EXPECT_EQ(this->property.get(), Samples<TypeParam>::second());
-}
-
-TYPED_TEST(PropertyTest, HasCalledBothKindsOfListenersOnceWhenSetReturns)
-{
-    this->property.set(Samples<TypeParam>::first());
-
-    EXPECT_EQ(this->listener.values, std::vector<TypeParam>{Samples<TypeParam>::first()});
-    EXPECT_EQ(this->listener.untypedCalls, 1);
 }
 
 TYPED_TEST(PropertyTest, IsSilentWhenSetToTheValueItHolds)

@@ -67,15 +67,11 @@ TEST_F(ExportedClasses, LetFailuresOfTheLibraryInThePluginBeCaughtInTheProgram)
     EXPECT_THROW(plugin::makeSerializerOfNothing(), std::invalid_argument);
 }
 
-TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheProgram)
+TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheProgramAndTheLibrary)
 {
     EXPECT_THROW(refusingManager->model(std::set<int>{0}), SurrogateModelInterface::Error);
     EXPECT_THROW(refusingManager->model(std::set<int>{0}), veska::ExceptionBase);
     EXPECT_THROW(refusingManager->model(std::set<int>{0}), std::exception);
-}
-
-TEST_F(ExportedClasses, LetModelErrorsOfThePluginBeCaughtInTheLibrary)
-{
     EXPECT_EQ(updatedQuery(refusingManager)->getLastError(), "The plugin refuses.");
 }
 

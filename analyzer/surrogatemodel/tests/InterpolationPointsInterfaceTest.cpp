@@ -16,22 +16,16 @@ public:
 
 } // namespace
 
-TEST(InterpolationPointsInterface, IsAbstractAndWithoutState)
+TEST(InterpolationPointsInterface, IsAbstractWithoutStateAndLetsImplementationsBeCopied)
 {
     EXPECT_TRUE(std::is_abstract<InterpolationPointsInterface>::value);
     EXPECT_TRUE(std::has_virtual_destructor<InterpolationPointsInterface>::value);
     // Nothing but the pointer to the virtual functions.
     EXPECT_EQ(sizeof(InterpolationPointsInterface), sizeof(void*));
-}
 
-TEST(InterpolationPointsInterface, LetsImplementationsBeCopiedAndAssigned)
-{
     EXPECT_TRUE(std::is_copy_constructible<NoPoints>::value);
     EXPECT_TRUE(std::is_copy_assignable<NoPoints>::value);
     EXPECT_TRUE(std::is_copy_assignable<InterpolationPointsInterface>::value);
-}
 
-TEST(InterpolationPointsInterface, ListsGetBeforeTheDestructor)
-{
     EXPECT_TRUE(isVirtualSlot(&InterpolationPointsInterface::get, 0));
 }

@@ -42,13 +42,22 @@ TEST(InterpolationVariablesAbstractPoints, AreTheLowEndPlusIStepsTheLastOneToo)
     EXPECT_EQ(distributed({0, 1}, 11)[6], 0.6000000000000001) << "adding 0.1 up gives 0.6";
 }
 
-TEST(InterpolationVariablesAbstractPoints, GiveNaNForOnePoint)
+TEST(InterpolationVariablesAbstractPoints, GiveNaNForOnePointAndWhatNonFiniteRangesCompute)
 {
     for (const std::pair<double, double>& range : {std::pair<double, double>{0, 10}, {5, 5}}) {
         const Values values = distributed(range, 1);
         ASSERT_EQ(values.size(), 1u);
         EXPECT_TRUE(std::isnan(values[0]));
     }
+
+    const double infinity = std::numeric_limits<double>::infinity();
+
+    const Values wide = distributed({-1e308, 1e308}, 3);
+    EXPECT_TRUE(std::isnan(wide[0])) << "0 times an infinite step";
+    EXPECT_EQ(wide[2], infinity);
+    const Values noNumber = distributed({std::nan(""), 1}, 2);
+    EXPECT_TRUE(std::isnan(noNumber[0]));
+    EXPECT_TRUE(std::isnan(noNumber[1]));
 }
 
 TEST(InterpolationVariablesAbstractPoints, CanMissTheHighEndByRounding)
@@ -62,22 +71,20 @@ TEST(InterpolationVariablesAbstractPoints, CanMissTheHighEndByRounding)
     EXPECT_NEAR(values.back(), 1.0, std::numeric_limits<double>::epsilon());
 }
 
-TEST(InterpolationVariablesAbstractPoints, ComeAfterWhatTheVectorHolds)
+TEST(InterpolationVariablesAbstractPoints,
+     ComeAfterWhatTheVectorHoldsAndReserveTheirCountWhereItHasLess)
 {
     Values values = {9};
 
     DistributedPoints({0, 1}, 2).get(values);
 
     EXPECT_EQ(values, (Values{9, 0, 1}));
-}
 
-TEST(InterpolationVariablesAbstractPoints, ReserveTheirCountWhereTheVectorHasLess)
-{
     for (const std::size_t reserved : {0u, 1000u}) {
-        Values values;
-        values.reserve(reserved);
-        DistributedPoints({0, 1}, 100).get(values);
-        EXPECT_EQ(values.capacity(), std::max<std::size_t>(reserved, 100u));
+        Values others;
+        others.reserve(reserved);
+        DistributedPoints({0, 1}, 100).get(others);
+        EXPECT_EQ(others.capacity(), std::max<std::size_t>(reserved, 100u));
     }
 }
 
@@ -92,18 +99,6 @@ TEST(InterpolationVariablesAbstractPoints, ReserveNothingForWhatTheVectorHoldsAl
     // Room for 100 is used up by 50 points; the vector then grows in its own, larger step.
     ASSERT_EQ(values.size(), 150u);
     EXPECT_GT(values.capacity(), 150u);
-}
-
-TEST(InterpolationVariablesAbstractPoints, GiveWhatNonFiniteRangesCompute)
-{
-    const double infinity = std::numeric_limits<double>::infinity();
-
-    const Values wide = distributed({-1e308, 1e308}, 3);
-    EXPECT_TRUE(std::isnan(wide[0])) << "0 times an infinite step";
-    EXPECT_EQ(wide[2], infinity);
-    const Values noNumber = distributed({std::nan(""), 1}, 2);
-    EXPECT_TRUE(std::isnan(noNumber[0]));
-    EXPECT_TRUE(std::isnan(noNumber[1]));
 }
 
 /** Sweeps the variables that a test gives points for. */
@@ -255,27 +250,17 @@ TEST_F(InterpolationVariablesAbstractTest, EmploysWhatTheSubclassSweepsListedOrN
     EXPECT_TRUE(interpolation->isVariableEmployed(unlisted));
 }
 
-TEST_F(InterpolationVariablesAbstractTest, SignalsAChangeOfTheUserDistributionsOnce)
+TEST_F(InterpolationVariablesAbstractTest, SignalsAChangeOfUserDistributionsOrEvaluationPointOnce)
 {
+    manager->independents->set({y});
+    manager->modelType->set(SurrogateModelManagerInterface::ResponseSurface);
+    EXPECT_EQ(emissions, 0);
     distributions.set(with({}, "x", Collection::UserDefined, "1"));
     EXPECT_EQ(emissions, 1);
     distributions.set(with({}, "x", Collection::UserDefined, "1"));
     EXPECT_EQ(emissions, 1) << "equal values are no change";
-}
-
-TEST_F(InterpolationVariablesAbstractTest, SignalsAChangeOfTheEvaluationPointOnce)
-{
     manager->point->set(with({}, "x", Collection::Auto, "1"));
-
-    EXPECT_EQ(emissions, 1);
-}
-
-TEST_F(InterpolationVariablesAbstractTest, DoesNotSignalChangesOfTheListAndTheType)
-{
-    manager->independents->set({y});
-    manager->modelType->set(SurrogateModelManagerInterface::ResponseSurface);
-
-    EXPECT_EQ(emissions, 0);
+    EXPECT_EQ(emissions, 2);
 }
 
 TEST_F(InterpolationVariablesAbstractTest, SignalsOnceForASetOfAProxyAndTwiceForUndoAndRedo)

@@ -81,14 +81,10 @@ TEST_F(SurrogateModelFactoryTest, MakesAResponseSurfaceForEveryTypeButZero)
     }
 }
 
-TEST_F(SurrogateModelFactoryTest, PassesOnWhatAConstructorThrows)
+TEST_F(SurrogateModelFactoryTest, NeedsCasesAndPassesOnWhatAConstructorThrows)
 {
     EXPECT_THROW(make(Interface::Kriging, 0), SurrogateModelInterface::Error);
     EXPECT_THROW(make(Interface::ResponseSurface, 0), SurrogateModelInterface::Error);
-}
-
-TEST_F(SurrogateModelFactoryTest, NeedsCases)
-{
     EXPECT_TRUE(SurrogateModelFactory().needsCases());
 }
 

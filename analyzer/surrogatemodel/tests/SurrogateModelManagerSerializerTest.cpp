@@ -105,10 +105,14 @@ protected:
 
 } // namespace
 
-TEST_F(SurrogateModelManagerSerializerTest, HasTheNameOfItsElement)
+TEST_F(SurrogateModelManagerSerializerTest, HasTheNameOfItsElementAsAConstantOfTheCompiler)
 {
     EXPECT_EQ(serializer.name(), "SurrogateModel");
     EXPECT_EQ(writtenElement().tagName(), "SurrogateModel");
+
+    static_assert(SerializedNames::manager[0] == 'S', "there before any constructor runs");
+    static_assert(SerializedNames::userDefinedMode[0] == 'U', "there before any constructor runs");
+    EXPECT_EQ(serializer.name(), SerializedNames::manager);
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, WritesTypeThenDistributionThenVariables)
@@ -119,7 +123,7 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesTypeThenDistributionThenVariab
                                     "Variable", "Variable"}));
 }
 
-TEST_F(SurrogateModelManagerSerializerTest, WritesVariablesInTheOrderOfTheList)
+TEST_F(SurrogateModelManagerSerializerTest, WritesVariablesInTheOrderOfTheListWithoutNullHandles)
 {
     manager->independents->set({y, x, y});
 
@@ -127,6 +131,15 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesVariablesInTheOrderOfTheList)
     const QDomElement variable = document.documentElement().firstChildElement("Variable");
     EXPECT_EQ(variable.attributes().count(), 1);
     EXPECT_FALSE(variable.hasChildNodes());
+
+    manager->independents->set({VarPtr(), y});
+
+    EXPECT_EQ(writtenVariables(), Names{"y"});
+
+    manager->independents->set({x, y});
+    project->removeVariable(x);
+
+    EXPECT_EQ(writtenVariables(), (Names{"x", "y"}));
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, WritesTheNamesOfTheTypes)
@@ -134,10 +147,7 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesTheNamesOfTheTypes)
     EXPECT_EQ(writtenElement().firstChildElement("Type").text(), "ResponseModel");
     manager->modelType->set(Interface::Kriging);
     EXPECT_EQ(writtenElement().firstChildElement("Type").text(), "Kriging");
-}
 
-TEST_F(SurrogateModelManagerSerializerTest, WritesATypeThatHasNoNameAsAnEmptyText)
-{
     manager->modelType->set(static_cast<Interface::ModelType>(7));
 
     for (int time = 0; time < 2; ++time) {
@@ -159,21 +169,6 @@ TEST_F(SurrogateModelManagerSerializerTest, WritesTheEvaluationPointAsTheDistrib
     EXPECT_EQ(entry.attribute("Distribution"), "1.5");
     EXPECT_EQ(entry.attribute("Mode"), "UserDefined");
     EXPECT_TRUE(entry.nextSibling().isNull());
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, WritesVariablesThatWereRemovedFromTheProject)
-{
-    manager->independents->set({x, y});
-    project->removeVariable(x);
-
-    EXPECT_EQ(writtenVariables(), (Names{"x", "y"}));
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, LeavesNullHandlesOut)
-{
-    manager->independents->set({VarPtr(), y});
-
-    EXPECT_EQ(writtenVariables(), Names{"y"});
 }
 
 TEST_F(SurrogateModelManagerSerializerTest, ReportsAVariableThatIsDestroyed)
@@ -392,13 +387,6 @@ TEST_F(SurrogateModelManagerSerializerTest, KeepsTheOrderOfItsOperations)
     // Behind the operations of the interface: the first two that a Serializer adds.
     EXPECT_TRUE(isVirtualSlot(&OpenSerializer::serializeSelf, 5));
     EXPECT_TRUE(isVirtualSlot(&OpenSerializer::deserializeSelf, 6));
-}
-
-TEST_F(SurrogateModelManagerSerializerTest, NamesAreConstantsOfTheCompiler)
-{
-    static_assert(SerializedNames::manager[0] == 'S', "there before any constructor runs");
-    static_assert(SerializedNames::userDefinedMode[0] == 'U', "there before any constructor runs");
-    EXPECT_EQ(serializer.name(), SerializedNames::manager);
 }
 
 TEST_F(SurrogateModelManagerSerializerUndoTest, RecordsAStepForEachValueThatChanges)

@@ -77,7 +77,7 @@ protected:
 
 } // namespace
 
-TEST_F(SurrogateModelQueryToTableTest, IsASourceOfOneTable)
+TEST_F(SurrogateModelQueryToTableTest, IsASourceOfOneTableThatNeedsManagerAndVariables)
 {
     EXPECT_EQ(filter->GetNumberOfInputPorts(), 0);
     EXPECT_EQ(filter->GetNumberOfOutputPorts(), 1);
@@ -85,6 +85,13 @@ TEST_F(SurrogateModelQueryToTableTest, IsASourceOfOneTable)
                  "vtkTable");
     EXPECT_STREQ(filter->GetClassName(), "SurrogateModelQueryToTable");
     EXPECT_TRUE(filter->IsA("vtkTableAlgorithm"));
+
+    EXPECT_THROW(SurrogateModelQueryToTable::New(nullptr, variables), std::invalid_argument);
+    EXPECT_THROW(SurrogateModelQueryToTable::New(manager, nullptr), std::invalid_argument);
+    EXPECT_EQ(filter->NewInstance(), nullptr);
+    EXPECT_TRUE(CanBeMadeFromNothing<vtkTableAlgorithm>::value);
+    EXPECT_FALSE(CanBeMadeFromNothing<SurrogateModelQueryToTable>::value);
+    EXPECT_FALSE(std::is_default_constructible<SurrogateModelQueryToTable>::value);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, BelongsToTheSmartPointerAndItsExecutiveOnly)
@@ -97,16 +104,6 @@ TEST_F(SurrogateModelQueryToTableTest, BelongsToTheSmartPointerAndItsExecutiveOn
 
     EXPECT_EQ(deletions.count(), 1U);
     EXPECT_EQ(watched.GetPointer(), nullptr);
-}
-
-TEST_F(SurrogateModelQueryToTableTest, CannotBeMadeWithoutManagerAndVariables)
-{
-    EXPECT_THROW(SurrogateModelQueryToTable::New(nullptr, variables), std::invalid_argument);
-    EXPECT_THROW(SurrogateModelQueryToTable::New(manager, nullptr), std::invalid_argument);
-    EXPECT_EQ(filter->NewInstance(), nullptr);
-    EXPECT_TRUE(CanBeMadeFromNothing<vtkTableAlgorithm>::value);
-    EXPECT_FALSE(CanBeMadeFromNothing<SurrogateModelQueryToTable>::value);
-    EXPECT_FALSE(std::is_default_constructible<SurrogateModelQueryToTable>::value);
 }
 
 TEST_F(SurrogateModelQueryToTableTest, WritesTheValuesThenTheResults)

@@ -343,7 +343,7 @@ TEST(SurrogateModelUserDist, MergesOverlappingRangesAndSingleValues)
     EXPECT_EQ(valuesOf(text), expected);
 }
 
-TEST(SurrogateModelUserDist, SortsARangeWhoseSumOvershootsItsMaximum)
+TEST(SurrogateModelUserDist, SortsARangeWhoseSumOvershootsItsMaximumAndKeepsTheFirstZero)
 {
     // Neighbours are 2 apart here: a step of 1.5 counts as 2, and the sum ends beyond the maximum.
     const Values values = valuesOf("9007199254740992 - 9007199254741004 : 9");
@@ -351,10 +351,7 @@ TEST(SurrogateModelUserDist, SortsARangeWhoseSumOvershootsItsMaximum)
     EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
     EXPECT_EQ(values.back(), 9007199254741006.0);
     EXPECT_EQ(values.size(), 8u) << "the maximum is one of the values before";
-}
 
-TEST(SurrogateModelUserDist, KeepsTheZeroThatTheTextNamesFirst)
-{
     EXPECT_FALSE(std::signbit(valuesOf("0, -0").front()));
     EXPECT_TRUE(std::signbit(valuesOf("-0, 0").front()));
     EXPECT_TRUE(std::signbit(valuesOf("-0 - 100 : 200, 0 - 100 : 300").front()));
@@ -370,15 +367,12 @@ TEST(SurrogateModelUserDist, AcceptsAMillionValuesPerRangeAndAnyNumberOfRanges)
     EXPECT_EQ(values.back(), 1999999.0);
 }
 
-TEST(SurrogateModelUserDist, AcceptsTheSmallestNumbersAndRefusesThoseThatVanish)
+TEST(SurrogateModelUserDist, AcceptsTheSmallestNumbersAndVeryLongOnes)
 {
     // What the toolkit's conversion does with exponents below the range of double.
     EXPECT_EQ(valuesOf("4e-324"), (Values{std::numeric_limits<double>::denorm_min()}));
     EXPECT_EQ(Dist("1e-400").validate(), Dist::ValueOutOfRange);
-}
 
-TEST(SurrogateModelUserDist, ReadsVeryLongNumbers)
-{
     const std::string digits(1000000, '1');
 
     EXPECT_EQ(Dist(digits).validate(), Dist::ValueOutOfRange);

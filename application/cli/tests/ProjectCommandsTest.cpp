@@ -40,7 +40,7 @@ protected:
 };
 } // namespace
 
-TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgain)
+TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgainAndShowsWhatItHolds)
 {
     saveProject();
 
@@ -50,6 +50,41 @@ TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgain)
     EXPECT_EQ(again.out, folder.read("first.csv"));
     EXPECT_EQ(linesOf(again.out)[0], "H2/WF6,Pressure,Stress,Uniformity");
     EXPECT_EQ(linesOf(again.out).size(), 4u) << "42 is typed twice over";
+
+    const Outcome shown = run("project " + project);
+
+    EXPECT_EQ(shown.exitCode, 0) << shown.err;
+    EXPECT_EQ(shown.out, "Case file  cvd.csv (unchanged)\n"
+                         "Read with  commas between cells, decimal points\n"
+                         "Excluded   2,10\n"
+                         "Model      kriging\n"
+                         "Inputs     H2/WF6, Pressure\n"
+                         "Outputs    Stress, Uniformity\n"
+                         "\n"
+                         "Variable    Role    Range  Values\n"
+                         "Pressure    input   -      4 - 80 : 3, 42\n"
+                         "H2/WF6      input   -      5\n"
+                         "Uniformity  output  -      -\n"
+                         "Stress      output  -      -\n");
+
+    const Json json = contents();
+
+    EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["caseFile"]["path"], "cvd.csv");
+    EXPECT_EQ(json["caseFile"]["state"], "unchanged");
+    EXPECT_EQ(json["caseFile"]["bytes"], cvd.size());
+    EXPECT_EQ(json["caseFile"]["separator"], "comma");
+    EXPECT_EQ(json["caseFile"]["decimalMark"], "point");
+    EXPECT_EQ(json["excluded"], Json::parse("[2, 10]"));
+    EXPECT_EQ(json["model"], "kriging");
+    EXPECT_EQ(json["inputs"], Json::parse(R"(["H2/WF6", "Pressure"])"));
+    EXPECT_EQ(json["outputs"], Json::parse(R"(["Stress", "Uniformity"])"));
+    EXPECT_EQ(json["variables"][0],
+              Json::parse(R"({"name": "Pressure", "role": "input", "range": null})"));
+    EXPECT_EQ(json["userDistributions"][0],
+              Json::parse(R"({"name": "Pressure", "mode": "UserDefined",
+                              "text": "4 - 80 : 3, 42"})"));
+    EXPECT_EQ(json["sweeps"][0]["name"], "Pressure");
 }
 
 TEST_F(ProjectCommands, EveryCommandThatChoosesSomethingSavesAndStartsFromAProject)
@@ -86,51 +121,6 @@ TEST_F(ProjectCommands, OptionsOverrideWhatAProjectHolds)
     expectFailure("equations " + project, 2,
                   "Only the response surface has equations, and the project chooses kriging: add "
                   "-m response-surface.");
-}
-
-TEST_F(ProjectCommands, ProjectShowsWhatADocumentHolds)
-{
-    saveProject();
-
-    const Outcome shown = run("project " + project);
-
-    EXPECT_EQ(shown.exitCode, 0) << shown.err;
-    EXPECT_EQ(shown.out, "Case file  cvd.csv (unchanged)\n"
-                         "Read with  commas between cells, decimal points\n"
-                         "Excluded   2,10\n"
-                         "Model      kriging\n"
-                         "Inputs     H2/WF6, Pressure\n"
-                         "Outputs    Stress, Uniformity\n"
-                         "\n"
-                         "Variable    Role    Range  Values\n"
-                         "Pressure    input   -      4 - 80 : 3, 42\n"
-                         "H2/WF6      input   -      5\n"
-                         "Uniformity  output  -      -\n"
-                         "Stress      output  -      -\n");
-}
-
-TEST_F(ProjectCommands, ProjectShowsADocumentAsJson)
-{
-    saveProject();
-
-    const Json json = contents();
-
-    EXPECT_EQ(json["schema"], 1);
-    EXPECT_EQ(json["caseFile"]["path"], "cvd.csv");
-    EXPECT_EQ(json["caseFile"]["state"], "unchanged");
-    EXPECT_EQ(json["caseFile"]["bytes"], cvd.size());
-    EXPECT_EQ(json["caseFile"]["separator"], "comma");
-    EXPECT_EQ(json["caseFile"]["decimalMark"], "point");
-    EXPECT_EQ(json["excluded"], Json::parse("[2, 10]"));
-    EXPECT_EQ(json["model"], "kriging");
-    EXPECT_EQ(json["inputs"], Json::parse(R"(["H2/WF6", "Pressure"])"));
-    EXPECT_EQ(json["outputs"], Json::parse(R"(["Stress", "Uniformity"])"));
-    EXPECT_EQ(json["variables"][0],
-              Json::parse(R"({"name": "Pressure", "role": "input", "range": null})"));
-    EXPECT_EQ(json["userDistributions"][0],
-              Json::parse(R"({"name": "Pressure", "mode": "UserDefined",
-                              "text": "4 - 80 : 3, 42"})"));
-    EXPECT_EQ(json["sweeps"][0]["name"], "Pressure");
 }
 
 TEST_F(ProjectCommands, ProjectAlsoShowsADocumentWhoseCasesAreMissingOrChanged)

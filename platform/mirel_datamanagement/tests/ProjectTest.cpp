@@ -48,16 +48,13 @@ struct ProjectTest : testing::Test
 
 } // namespace
 
-TEST(Project, StartsEmpty)
+TEST(Project, StartsEmptyAndIsNotCopyable)
 {
     Project project;
     EXPECT_TRUE(project.variables().empty());
     EXPECT_TRUE(project.records().empty());
     EXPECT_EQ(project.recordCount(), 0u);
-}
 
-TEST(Project, IsNotCopyable)
-{
     EXPECT_FALSE(std::is_copy_constructible<Project>::value);
     EXPECT_FALSE(std::is_copy_assignable<Project>::value);
 }

@@ -19,15 +19,11 @@ public:
 
 } // namespace
 
-TEST(Record, IsIncludedWhenItIsNew)
+TEST(Record, IsIncludedWhenItIsNewAndInItsProjectUntilItIsRemoved)
 {
     Project project;
     EXPECT_TRUE(project.addRecord().lock()->isIncluded());
-}
 
-TEST(Record, IsInItsProjectUntilItIsRemoved)
-{
-    Project project;
     const RecordPtr handle = project.addRecord();
     EXPECT_TRUE(handle.lock()->isInProject());
     project.removeRecord(handle);

@@ -29,7 +29,7 @@ TEST_F(VariableProviderIteratorTest, IsAForwardIteratorOverHandles)
     EXPECT_TRUE(VariableProviderIterator() == VariableProviderIterator());
 }
 
-TEST_F(VariableProviderIteratorTest, StepsFromOneHandleToTheNext)
+TEST_F(VariableProviderIteratorTest, StepsFromOneHandleToTheNextAndServesTheStandardAlgorithms)
 {
     VariableProviderIterator position = provider.begin();
     EXPECT_EQ(*position, a);
@@ -37,10 +37,7 @@ TEST_F(VariableProviderIteratorTest, StepsFromOneHandleToTheNext)
     EXPECT_EQ(*position++, a);
     EXPECT_EQ(*position, b);
     EXPECT_EQ(++position, provider.end());
-}
 
-TEST_F(VariableProviderIteratorTest, ServesTheStandardAlgorithms)
-{
     const auto found = std::find(provider.begin(), provider.end(), b);
     ASSERT_NE(found, provider.end());
     EXPECT_EQ(found->lock()->name(), "b");

@@ -46,13 +46,23 @@ CellTexts textsOf(const std::vector<std::string>& values)
 }
 } // namespace
 
-TEST_F(OutputTableTest, NumbersAreShortestAndNaNIsAnEmptyCell)
+TEST_F(OutputTableTest, NumbersAreShortestUnlessSomebodyWroteThem)
 {
     const std::vector<double> a = {0.1, 1e6};
     const std::vector<double> b = {std::nan(""), 1.0 / 3.0};
 
     EXPECT_EQ(csvOf({{{"a", a.data()}, {"b", b.data()}}, 2}),
               "a,b\n0.1,\n1000000,0.3333333333333333\n");
+
+    const std::vector<double> numbers = {1.5, std::nan(""), 2.25};
+    const CellTexts texts = textsOf({"1.50", "NA", "2,25"});
+
+    EXPECT_EQ(csvOf({{{"x", numbers.data(), &texts}}, 3}), "x\n1.50\nNA\n2.25\n");
+
+    const std::vector<double> single = {1.0, std::nan(""), 3.0};
+
+    EXPECT_EQ(csvOf({{{"x", single.data()}}, 3}), "x\n1\n\"\"\n3\n");
+    EXPECT_EQ(CaseFileReader::read(folder.path("table.csv"), {}).cases, 3u);
 }
 
 TEST_F(OutputTableTest, TextsThatSpreadsheetsTakeForFormulasGetAnApostropheOnRequest)
@@ -109,23 +119,7 @@ TEST_F(OutputTableTest, NamesAndTextsAreQuotedWhereNeeded)
                                                                "two\nlines", " outer", "a;b"}));
 }
 
-TEST_F(OutputTableTest, TheOnlyCellOfARowIsNeverAnEmptyLine)
-{
-    const std::vector<double> numbers = {1.0, std::nan(""), 3.0};
-
-    EXPECT_EQ(csvOf({{{"x", numbers.data()}}, 3}), "x\n1\n\"\"\n3\n");
-    EXPECT_EQ(CaseFileReader::read(folder.path("table.csv"), {}).cases, 3u);
-}
-
-TEST_F(OutputTableTest, NumbersThatSomebodyWroteStayAsTheyAre)
-{
-    const std::vector<double> numbers = {1.5, std::nan(""), 2.25};
-    const CellTexts texts = textsOf({"1.50", "NA", "2,25"});
-
-    EXPECT_EQ(csvOf({{{"x", numbers.data(), &texts}}, 3}), "x\n1.50\nNA\n2.25\n");
-}
-
-TEST_F(OutputTableTest, AsJsonItHasNamesAndRows)
+TEST_F(OutputTableTest, AsJsonItHasNamesAndRowsAndWithoutRowsStillTheHeading)
 {
     const std::vector<double> numbers = {0.1, std::nan(""),
                                          std::numeric_limits<double>::infinity()};
@@ -134,10 +128,7 @@ TEST_F(OutputTableTest, AsJsonItHasNamesAndRows)
     EXPECT_EQ(jsonOf({{{"x", numbers.data()}, {"s \"t\"", nullptr, &texts}}, 3}),
               "{\"columns\":[\"x\",\"s \\\"t\\\"\"],\"rows\":[\n[0.1,\"a\\\"b\"],\n[null,null],\n"
               "[null,\"\xC3\xA4\"]]}");
-}
 
-TEST_F(OutputTableTest, WithoutRowsThereIsStillTheHeading)
-{
     EXPECT_EQ(csvOf({{{"a"}, {"b"}}, 0}), "a,b\n");
     EXPECT_EQ(jsonOf({{{"a"}}, 0}), "{\"columns\":[\"a\"],\"rows\":[]}");
 }

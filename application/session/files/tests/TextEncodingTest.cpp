@@ -36,10 +36,6 @@ TEST(TextEncoding, IsRecognisedByMarksAndBytes)
     EXPECT_EQ(encodingOf(std::string_view("\xFE\xFF\0x", 4)), TextEncoding::Utf16Big);
     EXPECT_EQ(encodingOf(std::string_view("x\0,\0y\0\n\0", 8)), TextEncoding::Utf16Little);
     EXPECT_EQ(encodingOf(std::string_view("x,y\n1,\0\n", 8)), TextEncoding::Utf8);
-}
-
-TEST(TextEncoding, ACharacterThatTheSampleCutsIsNoFault)
-{
     EXPECT_EQ(recogniseEncoding("K\xC3", false), TextEncoding::Utf8);
     EXPECT_EQ(recogniseEncoding("K\xC3", true), TextEncoding::Windows1252);
 }

@@ -112,16 +112,11 @@ TEST(EvaluatorIntervals, WithoutResidualDegreesOfFreedomAreEmptyAndSaidToBe)
                                         "The limits of \"Uniformity\"" + reason}));
 }
 
-TEST(EvaluatorIntervals, AreNoneUnlessAskedFor)
+TEST(EvaluatorIntervals, AreNoneUnlessAskedForAndAtNoPoints)
 {
     CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
 
     EXPECT_TRUE(session.evaluate().intervals.empty());
-}
-
-TEST(EvaluatorIntervals, AtNoPointsAreNone)
-{
-    CaseSession session = cvdSession(CaseSession::ResponseSurface, cvdRoles);
 
     EXPECT_TRUE(session.predict({nullptr, nullptr}, 0, 95.0).intervals[0].lower.empty());
 }

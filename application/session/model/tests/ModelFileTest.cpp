@@ -37,16 +37,13 @@ std::vector<double> evaluated(CaseSession& session)
 }
 } // namespace
 
-TEST(ModelFile, IsKnownByItsName)
+TEST(ModelFile, IsKnownByItsNameAsAreItsFormats)
 {
     EXPECT_TRUE(ModelFile::isModelFile("a.json"));
     EXPECT_FALSE(ModelFile::isModelFile(".json"));
     EXPECT_FALSE(ModelFile::isModelFile("a.json.csv"));
     EXPECT_FALSE(ModelFile::isModelFile("json"));
-}
 
-TEST(ModelFile, FormatsHaveNames)
-{
     EXPECT_EQ(ModelFile::formatOf("python"), ExportFormat::Python);
     EXPECT_EQ(ModelFile::formatOf("Python"), std::nullopt);
 }

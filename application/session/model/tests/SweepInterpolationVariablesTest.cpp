@@ -87,13 +87,16 @@ TEST_F(SweepInterpolationVariablesTest, TheRangeIsReadWhenValuesAreAskedFor)
     project->setRange(a, {0.0, 100.0});
 
     EXPECT_EQ(valuesOf(a), (Numbers{0.0, 50.0, 100.0}));
-}
 
-TEST_F(SweepInterpolationVariablesTest, SweepsOverAGivenRange)
-{
     variables->sweep(a, 3, {2.0, -2.0});
 
     EXPECT_EQ(valuesOf(a), (Numbers{2.0, 0.0, -2.0}));
+
+    variables->sweep(a, 3);
+    variables->stayAtEvaluationPoint(a);
+
+    EXPECT_FALSE(variables->isVariableEmployed(a));
+    EXPECT_EQ(valuesOf(a), (Numbers{0.0}));
 }
 
 TEST_F(SweepInterpolationVariablesTest, TypedValuesReplaceThoseOfASweptVariableOnly)
@@ -104,15 +107,6 @@ TEST_F(SweepInterpolationVariablesTest, TypedValuesReplaceThoseOfASweptVariableO
 
     EXPECT_EQ(valuesOf(a), (Numbers{1.0, 2.0}));
     EXPECT_EQ(valuesOf(b), (Numbers{5.0}));
-}
-
-TEST_F(SweepInterpolationVariablesTest, ASweptVariableGoesBackToTheEvaluationPoint)
-{
-    variables->sweep(a, 3);
-    variables->stayAtEvaluationPoint(a);
-
-    EXPECT_FALSE(variables->isVariableEmployed(a));
-    EXPECT_EQ(valuesOf(a), (Numbers{0.0}));
 }
 
 TEST_F(SweepInterpolationVariablesTest, TheDependentsAreThoseThatWereSet)

@@ -60,15 +60,12 @@ TEST(ProjectDocumentRefusal, IsRefusedWithOneLineHoweverLongTheFaultyText)
     }
 }
 
-TEST(ProjectDocumentRefusal, AnEndlessFileIsRefused)
+TEST(ProjectDocumentRefusal, AnEndlessFileAndOneThatIsNotThereAreRefused)
 {
     EXPECT_EQ(messageOf<ProjectDocumentError>([] { ProjectDocument::load("/dev/zero"); }),
               "/dev/zero: a project document has at most 67108864 bytes; this is another kind of "
               "file.");
-}
 
-TEST(ProjectDocumentRefusal, AFileThatIsNotThereIsAFileError)
-{
     const TemporaryFolder folder;
 
     EXPECT_THROW(ProjectDocument::load(folder.path("p.surrogate.xml")), FileError);

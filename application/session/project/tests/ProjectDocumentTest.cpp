@@ -67,7 +67,7 @@ TEST(ProjectDocument, IsWrittenAsOneElementPerFieldWithSortedAttributes)
     EXPECT_EQ(folder.read("p.surrogate.xml"), sampleProjectText);
 }
 
-TEST(ProjectDocument, WithOneDifferenceIsAnother)
+TEST(ProjectDocument, WithOneDifferenceIsAnotherAndIsRecognisedByTheEndOfItsName)
 {
     const ProjectDocument project = sampleProject("cases.csv");
     ProjectDocument other = project;
@@ -75,6 +75,11 @@ TEST(ProjectDocument, WithOneDifferenceIsAnother)
 
     other.variables[1].range = ProjectDocument::Range(0, 1);
     EXPECT_FALSE(other == project);
+
+    EXPECT_TRUE(ProjectDocument::isProjectFile("a/p.surrogate.xml"));
+    EXPECT_FALSE(ProjectDocument::isProjectFile(".surrogate.xml"));
+    EXPECT_FALSE(ProjectDocument::isProjectFile("p.xml"));
+    EXPECT_FALSE(ProjectDocument::isProjectFile("p.surrogate.xml.bak"));
 }
 
 TEST(ProjectDocument, IsReadInAnyOrderAndWithoutWhatIsEmpty)
@@ -104,14 +109,6 @@ TEST(ProjectDocument, OverlappingExcludedCasesTakeNoMemory)
     }
 
     EXPECT_EQ(loaded(with("1,3-5,12", ranges)).excluded.size(), 1000000u);
-}
-
-TEST(ProjectDocument, IsRecognisedByTheEndOfItsName)
-{
-    EXPECT_TRUE(ProjectDocument::isProjectFile("a/p.surrogate.xml"));
-    EXPECT_FALSE(ProjectDocument::isProjectFile(".surrogate.xml"));
-    EXPECT_FALSE(ProjectDocument::isProjectFile("p.xml"));
-    EXPECT_FALSE(ProjectDocument::isProjectFile("p.surrogate.xml.bak"));
 }
 
 TEST(ProjectDocument, KeepsElementsOfNewerVersionsAfterItsOwn)
