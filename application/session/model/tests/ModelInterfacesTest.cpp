@@ -50,7 +50,7 @@ TEST(ModelInterfaces, LooksIntoTransformedOutputs)
     std::vector<double> positive = {1, 2, 3, 7, 8, 9};
     const TransformedOutput model(
         {x.data()}, {positive.data()}, x.size(),
-        [](const auto& inputs, const auto& outputs, std::size_t rows) {
+        [](const auto& inputs, const auto& outputs, std::size_t rows, const auto&) {
             return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
                                                            KrigingOptions());
         },
@@ -71,7 +71,7 @@ TEST(ModelInterfaces, NamesTheOutputsOfTransformedCasesThemselves)
     std::vector<double> large = {1000, 2100, 3900, 8200, 15000, 33000};
     const TransformedOutput model(
         {x.data()}, {large.data()}, x.size(),
-        [](const auto& inputs, const auto& outputs, std::size_t rows) {
+        [](const auto& inputs, const auto& outputs, std::size_t rows, const auto&) {
             return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows);
         },
         OutputTransform::Logarithm);
