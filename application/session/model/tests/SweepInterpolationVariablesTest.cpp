@@ -34,7 +34,7 @@ protected:
         manager->independentVars()->set({a, b});
         variables =
             boost::make_shared<SweepInterpolationVariables>(manager, userDistributions, project);
-        variables->connectSignalInterpolationVariablesChanged([this] { ++signals; });
+        variables->connectSignalInterpolationVariablesChanged([this] { ++emissions; });
     }
 
     ~SweepInterpolationVariablesTest() override { Project::setProject(nullptr); }
@@ -60,7 +60,7 @@ protected:
     veska::Property<Collection> userDistributions;
     boost::shared_ptr<SurrogateModelManager> manager;
     boost::shared_ptr<SweepInterpolationVariables> variables;
-    int signals = 0;
+    int emissions = 0;
 };
 } // namespace
 
@@ -120,7 +120,7 @@ TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsReportedOnce)
 {
     variables->sweep(a, 3);
     variables->sweep(a, 3);
-    EXPECT_EQ(signals, 1);
+    EXPECT_EQ(emissions, 1);
 
     variables->sweep(a, 4);
     variables->sweep(a, 4, {0.0, 1.0});
@@ -128,23 +128,23 @@ TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsReportedOnce)
     variables->setOutputs({y});
     variables->stayAtEvaluationPoint(a);
     variables->stayAtEvaluationPoint(a);
-    EXPECT_EQ(signals, 5);
+    EXPECT_EQ(emissions, 5);
 }
 
 TEST_F(SweepInterpolationVariablesTest, AllSweepsAreChosenAtOnceWithOneSignal)
 {
     variables->sweep(a, 3);
     const auto before = variables->sweeps();
-    signals = 0;
+    emissions = 0;
 
     variables->setSweeps({{b, {2, SweepInterpolationVariables::Range(0.0, 1.0)}}});
-    EXPECT_EQ(signals, 1);
+    EXPECT_EQ(emissions, 1);
     EXPECT_FALSE(variables->isVariableEmployed(a));
     EXPECT_EQ(valuesOf(b), (Numbers{0.0, 1.0}));
 
     variables->setSweeps(before);
     variables->setSweeps(before);
-    EXPECT_EQ(signals, 2);
+    EXPECT_EQ(emissions, 2);
     EXPECT_EQ(valuesOf(a), (Numbers{0.0, 45.0, 90.0})) << "all cases are valid without an output";
 }
 
@@ -154,8 +154,8 @@ TEST_F(SweepInterpolationVariablesTest, ChangesWhileSuspendedAreNeverReported)
     variables->sweep(a, 3);
     type("a", "1");
     variables->resume();
-    EXPECT_EQ(signals, 0);
+    EXPECT_EQ(emissions, 0);
 
     variables->sweep(b, 3);
-    EXPECT_EQ(signals, 1);
+    EXPECT_EQ(emissions, 1);
 }
