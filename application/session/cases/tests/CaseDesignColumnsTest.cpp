@@ -60,5 +60,5 @@ TEST_F(CaseDesignColumnsTest, AreRefusedWithASentence)
     EXPECT_EQ((CaseDesignColumns{"day", ""}.fault(project)),
               "\"day\" cannot weigh the cases, it is a column of texts.");
     EXPECT_EQ((CaseDesignColumns{"", "dag"}.fault(project)).substr(0, 32),
-              "There is no variable \"dag\"; the n");
+              "There is no variable \"dag\"; the ");
 }

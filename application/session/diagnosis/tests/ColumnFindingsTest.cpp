@@ -111,9 +111,9 @@ TEST(ColumnFindings, AFarInputOfLessWeightIsNoSevereFinding)
 {
     std::vector<double> jumps;
     for (const double value : spread(20)) {
-        jumps.push_back(25.0 + 95.0 * value);
+        jumps.push_back(value - 0.5);
     }
-    const auto findings = ColumnFindings::farCases(casesOf({{"Jumps", with(jumps, 13, 250.0)}}));
+    const auto findings = ColumnFindings::farCases(casesOf({{"Jumps", with(jumps, 13, 2.5)}}));
 
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].severity, Finding::Warning);

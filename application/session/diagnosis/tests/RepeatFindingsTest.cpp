@@ -38,10 +38,11 @@ TEST(RepeatFindings, RepeatsThatDifferALittleAreGood)
 
 TEST(RepeatFindings, CasesOfDifferentBlocksAreNoRepeats)
 {
-    DiagnosedCases cases = casesOf({{"a", {1, 1, 2, 2, 3, 3}}}, {{"y", {1, 9, 2, 12, 3, 13}}});
+    DiagnosedCases cases = casesWithRepeats({firstOutput + 0.55});
     EXPECT_EQ(RepeatFindings::repeats(cases).size(), 1u);
 
-    cases.blocks = {0, 1, 0, 1, 0, 1};
+    cases.blocks.assign(cases.count(), 0.0);
+    cases.blocks.back() = 1.0;
     EXPECT_EQ(RepeatFindings::repeats(cases).size(), 0u);
 }
 
