@@ -287,10 +287,10 @@ struct Worst
  * the nugget's lower bound on its diagonal, so that its matrix may have a condition of 1e14.
  */
 const std::map<std::string, Real> bounds = {{"surface: prediction", 1e-10L},
-                                            {"surface: standard error", 1e-10L},
-                                            {"surface: RMSE", 1e-10L},
-                                            {"surface: PRESS", 1e-7L},
-                                            {"Kriging: prediction", 1e-7L},
+                                            {"surface: standard error", 1e-7L},
+                                            {"surface: RMSE", 1e-7L},
+                                            {"surface: PRESS", 1e-5L},
+                                            {"Kriging: prediction", 1e-4L},
                                             {"Kriging: interpolation", 1e-3L},
                                             {"Kriging: interpolated case", 1e-3L},
                                             {"Kriging: standard error", 1e-7L},
