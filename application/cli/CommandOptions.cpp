@@ -391,6 +391,16 @@ void describeSummary(CLI::App& command, CommandLine& line)
 void describeFit(CLI::App& command, CommandLine& line)
 {
     describeSummary(command, line);
+    command.option_defaults()->group("Model");
+    addWord<InputCoding>(command, "--coding",
+                         "where the inputs of a response surface are -1 and 1 in the\n"
+                         "table of coded coefficients: axial (the ends of their\n"
+                         "ranges, the default) or factorial (the factorial points of\n"
+                         "a central composite design: of five levels about a middle\n"
+                         "the second and the fourth)",
+                         "C", "axial or factorial",
+                         {{"axial", InputCoding::Axial}, {"factorial", InputCoding::Factorial}},
+                         line.coding);
     command.option_defaults()->group("Output");
     addValue(command, "--report",
              "also writes a page with the figures, statistics, equations\n"

@@ -137,6 +137,16 @@ struct RidgePoint
 /** "minimum", "maximum", "saddle" or "ridge", as texts and documents call it. */
 MIREL_FITTING_EXPORT const char* natureName(StationaryPoint::Nature nature);
 
+/** Which values of the inputs are -1 and 1 in coded coefficients. */
+enum class InputCoding
+{
+    Axial, ///< the ends of each input's range, as the axial points of a central composite design
+    /** The second and the fourth of an input's five levels, as the factorial points of such a
+     *  design, where the levels are symmetric about the middle; otherwise as Axial. Levels count as
+     *  equal, and as symmetric, up to 1e-6 of half the range. */
+    Factorial
+};
+
 /** What a response surface's fit of one output says about itself. */
 struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
 {
@@ -144,9 +154,12 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
 
     /** In the units of output and inputs, every term in the order of the equation. */
     std::vector<CoefficientStatistics> coefficients;
-    /** The same for inputs coded to [-1, 1] over their ranges: comparable with each other, in the
-     *  unit of the output. */
+    /** The same for inputs coded as `coding` says, with 0 in the middle of their ranges: comparable
+     *  with each other, in the unit of the output. */
     std::vector<CoefficientStatistics> codedCoefficients;
+    InputCoding coding = InputCoding::Axial;
+    /** Of InputCoding::Factorial: positions of the inputs that have factorial points, ascending. */
+    std::vector<std::size_t> factorialInputs;
     /**
      * "Model", then "Blocks", "Linear", "Interaction" and "Square" as far as the fit has them,
      * "Residual", then "Lack of fit" and "Pure error" if cases repeat the inputs of others without

@@ -223,8 +223,9 @@ SurrogateResponseSurfaceModel::leaveOneOutPredictions(int offset) const
 }
 
 ResponseSurfaceStatistics
-SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double level) const
+SurrogateResponseSurfaceModel::responseSurfaceStatistics(int offset, double level,
+                                                         InputCoding coding) const
 {
     Distributions::requireLevel(level);
-    return impl->fit.statistics(impl->position(offset), level);
+    return impl->fit.statistics(impl->position(offset), level, coding);
 }

@@ -118,10 +118,13 @@ public:
 
     /**
      * With more than 100 000 cases the analysis of variance has no pure error and lack of fit.
-     * @param level of the confidence limits.
+     * @param level  of the confidence limits.
+     * @param coding of the coded coefficients alone.
      * @throw Error also for a level that is not between 0 and 1.
      */
-    ResponseSurfaceStatistics responseSurfaceStatistics(int offset, double level = 0.95) const;
+    ResponseSurfaceStatistics
+    responseSurfaceStatistics(int offset, double level = 0.95,
+                              InputCoding coding = InputCoding::Axial) const;
 
 private:
     class Impl;

@@ -151,6 +151,43 @@ TEST_F(Program, FitReportsTheOutputsAsAsked)
     EXPECT_NEAR(json["outputs"][1]["metrics"]["r2"].get<double>(), 0.8716, 2e-3);
 }
 
+TEST_F(Program, FitCodesInputsAtTheirFactorialPoints)
+{
+    const std::string command = "fit cvd.csv -x Pressure,H2/WF6 -y Uniformity ";
+    const auto output = [&](const std::string& options) {
+        return Json::parse(run(command + "--json " + options).out)["outputs"][0];
+    };
+    const Json axial = output("");
+    Json factorial = output("--coding factorial");
+
+    EXPECT_EQ(output("--coding axial"), axial);
+    EXPECT_NEAR(factorial["codedCoefficients"][1]["estimate"].get<double>(), -1.35229519883318,
+                1e-12);
+    EXPECT_EQ(factorial["factorialInputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
+    factorial.erase("factorialInputs");
+    factorial["codedCoefficients"] = axial["codedCoefficients"];
+    EXPECT_EQ(factorial, axial) << "nothing else changes";
+
+    const std::string title = "Coefficients, inputs coded to -1 and 1 at their factorial points\n";
+    const std::string note =
+        "    Inputs without the five levels of a central composite design have "
+        "-1 and 1 at the ends of their ranges: H2/WF6.\n";
+    const std::string all = run(command + "--coding factorial --report fit.html").out;
+    EXPECT_NE(all.find(title), std::string::npos) << all;
+    EXPECT_EQ(all.find(note), std::string::npos) << all;
+    EXPECT_NE(folder.read("fit.html").find("coded to -1 and 1 at their factorial points, or"),
+              std::string::npos);
+    const std::string some = run(command + "--coding factorial --exclude 8").out;
+    EXPECT_NE(some.find(title), std::string::npos) << some;
+    EXPECT_NE(some.find(note), std::string::npos) << some;
+
+    expectFailure(command + "--coding factorial -m kriging", 2,
+                  "--coding is for the coefficients of a response surface, and the model is "
+                  "kriging: leave it out, or choose -m response-surface.");
+    expectFailure(command + "--coding radial", 2,
+                  "--coding needs axial or factorial, not \"radial\".");
+}
+
 TEST_F(Program, FitReportsKriging)
 {
     const Outcome fit = run("fit cvd.csv -y Uniformity -y Stress -m kriging --threads 1");

@@ -55,8 +55,11 @@ CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistic
                      [](const auto& left, const auto& right) {
                          return std::abs(left.estimate) > std::abs(right.estimate);
                      });
-    picture.caption = std::string("Inputs coded to -1 and 1 at the ends of their ranges; without "
-                                  "the constant. ") +
+    picture.caption = std::string("Inputs coded to -1 and 1 at ") +
+                      (statistics.coding == InputCoding::Factorial
+                           ? "their factorial points, or without these at "
+                           : "") +
+                      "the ends of their ranges; without the constant. " +
                       (hasLimits ? "The bars are 95\302\240% confidence limits."
                                  : "As many terms as cases leave nothing for confidence limits.") +
                       (hasGrey ? " Grey: not significant, the limits hold 0." : "");

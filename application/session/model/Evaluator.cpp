@@ -114,6 +114,7 @@ public:
     std::vector<VarPtr> fittedOutputs;
     std::optional<FitResult> result;
     std::optional<std::vector<ResponseSurfaceStatistics>> statistics;
+    InputCoding coding = InputCoding::Axial;
     double fitSeconds = 0.0;
 
 private:
@@ -235,6 +236,12 @@ const FitResult& Evaluator::calibratedFit()
     return *impl->result;
 }
 
+void Evaluator::chooseCoding(InputCoding coding)
+{
+    impl->coding = coding;
+    impl->statistics.reset();
+}
+
 const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
 {
     const ModelInterfaces interfaces(model());
@@ -247,7 +254,7 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
     std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
         std::optional<ResponseSurfaceStatistics> statistics =
-            interfaces.responseSurfaceStatistics(offset);
+            interfaces.responseSurfaceStatistics(offset, impl->coding);
         if (!statistics) {
             results.clear();
             break;

@@ -97,17 +97,18 @@ std::optional<KrigingReport> ModelInterfaces::krigingReport(int offset) const
 }
 
 std::optional<ResponseSurfaceStatistics>
-ModelInterfaces::responseSurfaceStatistics(int offset) const
+ModelInterfaces::responseSurfaceStatistics(int offset, InputCoding coding) const
 {
     if (const auto* const outer = dynamic_cast<const TransformedOutput*>(&model)) {
-        auto statistics =
-            ModelInterfaces(outer->inner()).responseSurfaceStatistics(outer->innerOffset(offset));
+        auto statistics = ModelInterfaces(outer->inner())
+                              .responseSurfaceStatistics(outer->innerOffset(offset), coding);
         if (statistics) {
             transformBack(outer->transform(offset), *statistics);
         }
         return statistics;
     }
     const auto* const surface = dynamic_cast<const SurrogateResponseSurfaceModel*>(&model);
-    return surface == nullptr ? std::nullopt
-                              : std::make_optional(surface->responseSurfaceStatistics(offset));
+    return surface == nullptr
+               ? std::nullopt
+               : std::make_optional(surface->responseSurfaceStatistics(offset, 0.95, coding));
 }

@@ -55,7 +55,8 @@ public:
 
     /** Of a fitted response surface only; otherwise as krigingReport(): values at the stationary
      *  point and along the ridges are in the output's unit. */
-    std::optional<ResponseSurfaceStatistics> responseSurfaceStatistics(int offset) const;
+    std::optional<ResponseSurfaceStatistics>
+    responseSurfaceStatistics(int offset, InputCoding coding = InputCoding::Axial) const;
 
 private:
     const SurrogateModelInterface& model;

@@ -46,6 +46,26 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
     return table;
 }
 
+StatisticsTables::Table codedTable(const ResponseSurfaceStatistics& statistics,
+                                   const std::vector<std::string>& inputs)
+{
+    StatisticsTables::Table table = coefficientTable(statistics.codedCoefficients, inputs, true);
+    if (statistics.coding == InputCoding::Factorial) {
+        table.title = "Coefficients, inputs coded to -1 and 1 at their factorial points";
+        std::vector<std::string> others = inputs;
+        for (auto input = statistics.factorialInputs.rbegin();
+             input != statistics.factorialInputs.rend(); ++input) {
+            others.erase(others.begin() + static_cast<std::ptrdiff_t>(*input));
+        }
+        if (!others.empty()) {
+            table.note = "Inputs without the five levels of a central composite design have -1 "
+                         "and 1 at the ends of their ranges: " +
+                         joinedText(others) + '.';
+        }
+    }
+    return table;
+}
+
 std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& row)
 {
     return {source,
@@ -195,7 +215,7 @@ StatisticsTables::Table canonicalTable(const std::vector<CanonicalDirection>& di
                                        OutputTransform transform)
 {
     StatisticsTables::Table table;
-    table.title = "Canonical analysis, inputs coded to [-1, 1]";
+    table.title = "Canonical analysis, inputs coded to [-1, 1] over their ranges";
     table.heading = {"Direction", "Curvature" + scaleText(transform)};
     for (const CanonicalDirection& one : directions) {
         table.rows.push_back(
@@ -368,7 +388,7 @@ StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
 {
     std::vector<Table> tables = {
         coefficientTable(statistics.coefficients, inputs, false),
-        coefficientTable(statistics.codedCoefficients, inputs, true),
+        codedTable(statistics, inputs),
         anovaTable(statistics),
         blockTable(statistics.blockEffects, transform),
         partialTable(statistics.partialTests, inputs),
@@ -448,6 +468,12 @@ Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
         {"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
         {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
         {"anova", anovaJson(statistics.anova)}};
+    if (statistics.coding == InputCoding::Factorial) {
+        json["factorialInputs"] = Json::array();
+        for (const std::size_t input : statistics.factorialInputs) {
+            json["factorialInputs"].push_back(inputs[input]);
+        }
+    }
     if (statistics.repeatsAreCopies) {
         json["lackOfFitNote"] = lackOfFitNote(statistics);
     }

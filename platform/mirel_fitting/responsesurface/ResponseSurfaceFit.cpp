@@ -26,6 +26,49 @@ bool haveTwoLevels(const std::vector<double*>& inputs, std::size_t cases)
     });
 }
 
+/** The distance of an input's factorial points as a share of its range; 1 if it has none: see
+ *  InputCoding. */
+double factorialShare(const double* values, std::size_t cases)
+{
+    constexpr std::size_t levelCount = 5; // axial, factorial, centre, factorial, axial
+    const ColumnScale scale(values, cases);
+    const double rounding = 1e-6 * scale.halfRange();
+    std::vector<double> levels;
+    for (std::size_t row = 0; row < cases && levels.size() <= levelCount; ++row) {
+        if (std::none_of(levels.begin(), levels.end(), [&](double level) {
+                return std::fabs(level - values[row]) <= rounding;
+            })) {
+            levels.push_back(values[row]);
+        }
+    }
+    if (levels.size() != levelCount) {
+        return 1.0;
+    }
+    std::sort(levels.begin(), levels.end());
+    const double middle = levels[0] / 2.0 + levels[4] / 2.0;
+    const bool isSymmetric = std::fabs(levels[2] - middle) <= rounding &&
+                             std::fabs(levels[1] / 2.0 + levels[3] / 2.0 - middle) <= rounding;
+    return isSymmetric ? (levels[3] / 2.0 - levels[1] / 2.0) / scale.halfRange() : 1.0;
+}
+
+/** The inputs are coded to [-1, 1] over their ranges. */
+void codeToFactorialPoints(const std::vector<double>& shares, ResponseSurfaceStatistics& statistics)
+{
+    statistics.coding = InputCoding::Factorial;
+    for (std::size_t input = 0; input < shares.size(); ++input) {
+        if (shares[input] < 1.0) {
+            statistics.factorialInputs.push_back(input);
+        }
+    }
+    for (CoefficientStatistics& one : statistics.codedCoefficients) {
+        for (const std::size_t input : one.factors) {
+            for (double* figure : {&one.estimate, &one.standardError, &one.lower, &one.upper}) {
+                *figure *= shares[input];
+            }
+        }
+    }
+}
+
 /** Whether a dropped second-order term depends on one that the fit has.
  *  @param common the fit of all wanted terms. */
 bool hasAliasedCurvature(const PolynomialFit& common, const PolynomialFit& fit)
@@ -53,6 +96,9 @@ ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
     : inputCount(inputs.size()), rows(std::make_shared<WeightedBlocks>(design, cases)),
       wantedForm(wanted)
 {
+    for (const double* const values : inputs) {
+        factorialShares.push_back(factorialShare(values, cases));
+    }
     wantedForm.mayLoseSquares = wanted.mayLoseSquares && haveTwoLevels(inputs, cases);
     fittedForm = wantedForm.lowered(inputCount, cases - rows->columns());
     common = fitted(inputs, outputs, cases);
@@ -287,7 +333,8 @@ std::vector<RidgePoint> ResponseSurfaceFit::withStandardErrors(std::size_t outpu
     return points;
 }
 
-ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, double level) const
+ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, double level,
+                                                         InputCoding coding) const
 {
     const PolynomialFit& fit = *fits[output].fit;
     const ResponseSurfaceAnalysis analysis = fits[output].analysis();
@@ -296,6 +343,9 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     ResponseSurfaceStatistics statistics;
     statistics.coefficients = onlyWanted(analysis.coefficients(level));
     statistics.codedCoefficients = onlyWanted(analysis.codedCoefficients(level));
+    if (coding == InputCoding::Factorial) {
+        codeToFactorialPoints(factorialShares, statistics);
+    }
     statistics.anova = analysis.anova();
     statistics.repeatsAreCopies = fits[output].pureError.isOfCopies();
     statistics.partialTests = analysis.partialTests();

@@ -49,7 +49,8 @@ public:
                                       const InputNames& names = InputNames()) const;
     /** Those of the warnings that say what was asked for. */
     std::vector<std::string> notes(std::size_t output, const InputNames& names) const;
-    ResponseSurfaceStatistics statistics(std::size_t output, double level) const;
+    ResponseSurfaceStatistics statistics(std::size_t output, double level,
+                                         InputCoding coding = InputCoding::Axial) const;
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions(std::size_t output) const;
     std::size_t degreesOfFreedom(std::size_t output) const;
     /** @throw SurrogateModelInterface::Error without residual degrees of freedom. */
@@ -90,6 +91,7 @@ private:
     onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const;
 
     std::size_t inputCount;
+    std::vector<double> factorialShares; // of each input's range that its factorial points span
     std::shared_ptr<const WeightedBlocks> rows;
     PolynomialForm wantedForm;
     PolynomialForm fittedForm;                   // lowered as the cases need

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
@@ -99,6 +100,66 @@ TEST(ResponseSurfaceStatistics, CodedCoefficientsAreThoseOfR)
              6.62206771926497e-02, 0.237153886667466, 3.160963735018413, 1.0),
          row("V2^2", 0.0334028627333744, 0.610762371701201, 0.0546904398192296,
              9.58503107189037e-01, -1.197312860856149, 1.264118586322897, 1.09451865860586)});
+}
+
+TEST(ResponseSurfaceStatistics, CoefficientsOfFactorialCodingAreThoseOfR)
+{
+    const auto model = fit(vapourDeposition());
+    const ResponseSurfaceStatistics axial = model.responseSurfaceStatistics(0);
+    const ResponseSurfaceStatistics factorial =
+        model.responseSurfaceStatistics(0, 0.95, InputCoding::Factorial);
+
+    // lm() of (Pressure - 42) / 26.87 and (ratio - 6) / 2.83
+    const std::vector<double> estimates = {
+        5.86662974344180,  -1.35229519883318, -0.159099001180593, 0.0666732380939562, 0.85,
+        0.0167200117090827};
+    EXPECT_EQ(factorial.factorialInputs, (std::vector<std::size_t>{0, 1}));
+    ASSERT_EQ(factorial.codedCoefficients.size(), estimates.size());
+    for (std::size_t k = 0; k < estimates.size(); ++k) {
+        const CoefficientStatistics& one = factorial.codedCoefficients[k];
+        const CoefficientStatistics& coded = axial.codedCoefficients[k];
+        expectFigure(one.estimate, estimates[k], one.term);
+        expectFigure(one.estimate / one.standardError, one.t, one.term);
+        expectFigure((one.upper - one.lower) / one.standardError,
+                     (coded.upper - coded.lower) / coded.standardError, one.term);
+        EXPECT_EQ(one.t, coded.t) << one.term;
+    }
+}
+
+TEST(ResponseSurfaceStatistics, FactorialPointsAreFoundAmongFiveSymmetricLevels)
+{
+    const double alpha = std::sqrt(2.0);
+    struct Example
+    {
+        Column levels;
+        double share; // of the range
+    };
+    const std::vector<Example> examples = {
+        {{-alpha, -1, 0, 1, alpha}, 1.0 / alpha},
+        {{-2, -1, 0, 1, 2}, 0.5},
+        {{-2, -1, 0, 1, 2 - 1e-9}, 0.5},
+        {{-2, -1, 0, 1e-9, 1, 2}, 0.5},
+        {{-1e308, -5e307, 0, 5e307, 1e308}, 0.5},
+        {{-2, -1, 0, 1.1, 2}, 1.0},
+        {{-2, -1, 0.1, 1, 2}, 1.0},
+        {{-2, -1, 0, 1, 2, 1.5}, 1.0},
+        {{-1, 0, 1}, 1.0},
+        {{3, 3, 3}, 1.0},
+    };
+    for (const Example& example : examples) {
+        Column outputs = example.levels;
+        std::iota(outputs.begin(), outputs.end(), 0.0);
+        const auto model = fit({{example.levels}, {outputs}}, 1);
+        const CoefficientStatistics axial =
+            model.responseSurfaceStatistics(0).codedCoefficients.at(1);
+        const ResponseSurfaceStatistics factorial =
+            model.responseSurfaceStatistics(0, 0.95, InputCoding::Factorial);
+        const std::string levels = ::testing::PrintToString(example.levels);
+        EXPECT_NEAR(factorial.codedCoefficients.at(1).estimate, axial.estimate * example.share,
+                    1e-8 * std::fabs(axial.estimate))
+            << levels;
+        EXPECT_EQ(factorial.factorialInputs.size(), example.share < 1.0 ? 1u : 0u) << levels;
+    }
 }
 
 TEST(ResponseSurfaceStatistics, AnalysisOfVarianceIsThatOfR)

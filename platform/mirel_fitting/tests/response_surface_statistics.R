@@ -33,6 +33,10 @@ raw <- lm(y ~ V1 + V2 + I(V1^2) + I(V1 * V2) + I(V2^2), cvd)
 coded <- lm(y ~ c1 + c2 + I(c1^2) + I(c1 * c2) + I(c2^2), cvd)
 report(raw, cvd, "raw")
 report(coded, cvd, "coded")
+cvd$f1 <- (cvd$V1 - 42) / (42 - 15.13)
+cvd$f2 <- (cvd$V2 - 6) / (6 - 3.17)
+show("factorial points at -1 and 1",
+     coef(lm(y ~ f1 + f2 + I(f1^2) + I(f1 * f2) + I(f2^2), cvd)))
 
 # Entered in the order linear, interaction, square.
 constant <- lm(y ~ 1, cvd)
