@@ -270,6 +270,12 @@ const std::vector<OddTable>& oddTables()
          "Read as: units in the cells of s (mm)\n"},
         {"UnitsInAllCells", replaced(replaced(table(";"), ";", " mm;"), "x mm;z mm", "x;z"),
          "Read as: semicolons, units in the cells of x (mm) and z (mm)\n"},
+        {"NumbersAmongPercentSigns", "s,x,z,y\n" + rowsAfter([](int i) {
+                                         return std::to_string(i * i) + (i % 5 == 1 ? "" : "%");
+                                     }),
+         "Read as: units in the cells of s (%, also taken for 3 cells without a unit, first in "
+         "line "
+         "3)\n"},
         {"Currencies", "s,x,z,y\n" + rowsAfter([](int i) { return "$" + std::to_string(i * i); }),
          "Read as: units in the cells of s ($)\n"},
         {"CurrenciesWithThousands", "s,x,z,y\n" + rowsAfter([](int i) {
@@ -293,6 +299,12 @@ const std::vector<OddTable>& oddTables()
          "Read as: 2 lines below the table skipped\n"},
         {"SumsBelowTheTable", table() + "Total:,30,200\nmean,2.5,16\n",
          "Read as: 2 lines below the table skipped\n"},
+        {"FailedLastCase",
+         "id,x,z,y\n" + rowsAfter([](int i) { return 's' + std::to_string(i); }) + "s12,,,failed\n",
+         "y: 1 cell is no number (\"failed\", in line 14)"},
+        {"TotalBelowLabelledCases",
+         "id,x,z,y\n" + rowsAfter([](int i) { return 's' + std::to_string(i); }) + "Total,,,\n",
+         "Read as: 1 line below the table skipped\n"},
         {"RemarkBetweenTheCases", table() + "pause,,\n" + rows(),
          "x: 1 cell is no number (\"pause\", in line 14)"},
         {"RemarksBelowTheTable", table() + "\nNotes\n1) measured twice\n",

@@ -86,7 +86,8 @@ public:
         unitCells.assign(cells.begin(), cells.end());
     }
 
-    /** Whether a record says what the heading says, or the units below it. */
+    /** Whether a record says what the heading says, or the units below it. Takes every record below
+     *  the heading, in order, each time the file is read. */
     bool isRepeatedHeading(const std::vector<std::string_view>& cells)
     {
         const auto equals = [&](const std::vector<std::string>& texts) {
@@ -95,7 +96,7 @@ public:
         };
         const bool isHeading = equals(headingCells);
         const bool isUnits = followsHeading && equals(unitCells);
-        followsHeading = isHeading;
+        followsHeading = isHeading || (followsHeading && isEmpty(cells));
         return isHeading || isUnits;
     }
 
@@ -104,13 +105,13 @@ public:
 
     void takeCase(const std::vector<std::string_view>& cells, std::size_t line)
     {
+        if (isRepeatedHeading(cells)) {
+            table.layout.repeatedHeadings += followsHeading ? 1 : 0;
+            return;
+        }
         const bool isBlank = cells.front().empty() && cells.size() > 1 && isEmpty(cells);
         if (isBlank && heldBack.empty()) {
             ++emptyRows;
-            return;
-        }
-        if (isRepeatedHeading(cells)) {
-            table.layout.repeatedHeadings += followsHeading ? 1 : 0;
             return;
         }
         if ((isBlank || mayStandBelow(cells)) && heldBack.size() < maxHeldBack) {
@@ -173,6 +174,7 @@ private:
     struct State
     {
         std::size_t numbers = 0;
+        std::size_t firstNumberLine = 0;
         std::string unit;              ///< behind the first number that has one
         std::size_t withUnit = 0;      ///< cells of a number with that unit
         CellsWithoutNumber otherTexts; ///< without these
@@ -229,7 +231,7 @@ private:
     {
         const CellValue value = valueOf(text);
         if (value.kind == CellValue::Number) {
-            ++state.numbers;
+            state.firstNumberLine = state.numbers++ == 0 ? line : state.firstNumberLine;
             takeMark(state, value, line);
         } else if (value.kind == CellValue::Text) {
             takeText(column, state, text, line);
@@ -344,14 +346,19 @@ bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) co
     if (isStrict || isNumber || isPoint || cells.size() > table.columns.size()) {
         return false;
     }
-    if (states.front().numbers > 0) {
-        std::string first(cells.front());
-        std::transform(first.begin(), first.end(), first.begin(),
-                       [](unsigned char letter) { return std::tolower(letter); });
-        first.resize(first.size() - (!first.empty() && first.back() == ':' ? 1 : 0));
-        if (std::find(sums.begin(), sums.end(), first) != sums.end()) {
-            return true;
-        }
+    // A label names a case, be the rest of it missing or failed.
+    const bool hasLabels = table.columns.front().withoutNumber.count >=
+                           std::max<std::size_t>(states.front().numbers, 1);
+    std::string first(cells.front());
+    std::transform(first.begin(), first.end(), first.begin(),
+                   [](unsigned char letter) { return std::tolower(letter); });
+    first.resize(first.size() - (!first.empty() && first.back() == ':' ? 1 : 0));
+    const bool isSum = std::find(sums.begin(), sums.end(), first) != sums.end();
+    if (isSum && !hasLabels) {
+        return true;
+    }
+    if (hasLabels && !isSum && !begin.empty() && cells.size() == table.columns.size()) {
+        return false;
     }
     // Texts beside empty cells. In a full row of texts a case may have failed.
     bool hasText = false;
@@ -380,6 +387,7 @@ void ColumnBuilder::takeHeldBack()
 
 void ColumnBuilder::endCases()
 {
+    followsHeading = false; // the file may be read again
     while (!heldBack.empty() &&
            isEmpty({heldBack.back().cells.begin(), heldBack.back().cells.end()})) {
         heldBack.pop_back();
@@ -462,7 +470,14 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
         } else {
             column.withoutNumber = state.otherTexts;
             column.unit = column.unit.empty() ? unitWithoutBrackets(state.unit) : column.unit;
-            table.layout.unitsInCells.push_back(column.name + " (" + column.unit + ')');
+            table.layout.unitsInCells.push_back(
+                column.name + " (" + column.unit +
+                (state.numbers == 0 ? ""
+                                    : ", also taken for " + countedText(state.numbers, "cell") +
+                                          " without a unit, " +
+                                          (state.numbers == 1 ? "in line " : "first in line ") +
+                                          std::to_string(state.firstNumberLine)) +
+                ')');
         }
         const bool isOfNumbers =
             state.numbers + (state.unit.empty() ? 0 : state.withUnit) >= column.withoutNumber.count;

@@ -202,6 +202,45 @@ TEST_F(CaseFileReaderTest, KindsThatAreKnownLateAreReadAgainInLargeFilesToo)
     EXPECT_EQ(table.columns[1].withoutNumber.count, 40000u);
 }
 
+TEST_F(CaseFileReaderTest, ColumnsThatAreReadAgainKeepTheirRowsBesideRepeatedHeadings)
+{
+    for (const std::string between : {"n,y\n,\nmm,s\n", "n,y\n\nmm,s\n", "n,y\nmm,s\n,\n",
+                                      ",\nn,y\nmm,s\n", "pause,\nn,y\nmm,s\n"}) {
+        const CaseTable table =
+            read("n,y\nmm,s\n1,late\n2,2\n3,3\n6,6\n7,7\n" + between + "4,4\n5,5\nend,\nn,y\n,\n");
+        const Numbers& n = table.columns[0].numbers;
+        const Numbers& y = table.columns[1].numbers;
+
+        ASSERT_EQ(n.size(), y.size()) << between;
+        for (std::size_t row = 0; row < table.cases; ++row) {
+            EXPECT_TRUE(std::isnan(y[row]) || n[row] == y[row]) << between << row;
+        }
+        EXPECT_EQ(y.back(), 5.0) << between;
+    }
+}
+
+TEST_F(CaseFileReaderTest, ALabelledRowAtTheEndIsACase)
+{
+    struct Row
+    {
+        const char* last;
+        std::size_t cases;
+    };
+    for (const Row& row : {Row{"s4,,failed", 4}, Row{"s4,,", 4}, Row{"s4,failed,failed", 4},
+                           Row{"total:,,", 3}, Row{",,checked", 3}, Row{"measured twice", 3}}) {
+        const CaseTable table = read(std::string("id,x,y\ns1,1,2\ns2,2,3\ns3,3,4\n") + row.last);
+
+        EXPECT_EQ(table.cases, row.cases) << row.last;
+        EXPECT_EQ(table.layout.linesBelow, 4 - row.cases) << row.last;
+    }
+}
+
+TEST_F(CaseFileReaderTest, SaysHowManyCellsHaveNoUnitAmongThoseThatHaveOne)
+{
+    EXPECT_EQ(read("a,b\n9%,2.5\n0.07,2\n5%,3\n8%,4\n").guess,
+              "units in the cells of a (%, also taken for 1 cell without a unit, in line 3)");
+}
+
 TEST_F(CaseFileReaderTest, ANoteFarDownAnEmptyColumnIsText)
 {
     const CaseTable table = read("x,note\n1,\n2,\n3,broken\n");
