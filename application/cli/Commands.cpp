@@ -56,6 +56,14 @@ TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
     return dialect;
 }
 
+/** What changed the results, found only where it is shown: it takes as long as many values. */
+void noteFit(const CommandLine& line, CaseSession& session, const Evaluation* evaluation = nullptr)
+{
+    if (!line.isQuiet) {
+        note(line, FitReport::notes(session, evaluation));
+    }
+}
+
 /** A table is the data: with --json it is a member of the object, unless it goes to a file. */
 void writeTable(const CommandLine& line, const OutputTable& table, const CaseFileLayout& input,
                 OpenSession& open, const Evaluation& evaluation)
@@ -67,7 +75,7 @@ void writeTable(const CommandLine& line, const OutputTable& table, const CaseFil
         out.commit();
     }
     if (!line.asJson) {
-        note(line, FitReport::notes(open.session, &evaluation));
+        noteFit(line, open.session, &evaluation);
         return;
     }
 
@@ -244,7 +252,7 @@ void runEquations(const CommandLine& line)
     if (line.asJson) {
         writeText("-", ReportJson::text(FitReport::equationsJson(open.session, open.readSeconds)));
     } else {
-        note(line, FitReport::notes(open.session));
+        noteFit(line, open.session);
     }
 }
 
@@ -255,7 +263,7 @@ void runPlot(const CommandLine& line)
     PlotCommand::chooseValues(line, open);
     const Evaluation evaluation = PlotCommand::run(line, open);
     open.save(line);
-    note(line, FitReport::notes(open.session, &evaluation));
+    noteFit(line, open.session, &evaluation);
 }
 
 void runExport(const CommandLine& line)
@@ -264,7 +272,7 @@ void runExport(const CommandLine& line)
     OpenSession open(line);
     ExportCommand::run(line, open.session);
     open.save(line);
-    note(line, FitReport::notes(open.session));
+    noteFit(line, open.session);
 }
 
 void runProject(const CommandLine& line)

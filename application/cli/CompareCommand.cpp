@@ -46,7 +46,9 @@ void CompareCommand::run(const CommandLine& line)
         comparison = ModelComparison::of(open.session, folds);
     }
     open.save(line);
-    note(line, FindingsReport::severeNotes(open.session));
+    if (!line.isQuiet) {
+        note(line, FindingsReport::severeNotes(open.session));
+    }
     writeText(line.output, line.asJson
                                ? ReportJson::text(ComparisonReport::json(open.session, comparison,
                                                                          open.readSeconds))
