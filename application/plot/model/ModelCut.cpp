@@ -56,10 +56,12 @@ ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
 /** The sentence without numbers of rows, which a picture does not have. */
 std::string withoutRows(const std::string& sentence)
 {
-    const std::size_t begin = std::min(sentence.find(" (row"), sentence.find(" (such as row"));
-    const std::size_t end = sentence.find(')', std::min(begin, sentence.size()));
-    return end == std::string::npos ? sentence
-                                    : sentence.substr(0, begin) + sentence.substr(end + 1);
+    // They stand before the names of inputs, which may hold anything.
+    const std::size_t end = sentence.find("): ");
+    const std::size_t begin = sentence.find(" (");
+    return begin > sentence.find(": ") || end == std::string::npos
+               ? sentence
+               : sentence.substr(0, begin) + sentence.substr(end + 1);
 }
 
 std::vector<double> chosen(const std::vector<double>& column, const std::vector<std::size_t>& rows)

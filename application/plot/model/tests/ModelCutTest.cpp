@@ -156,6 +156,21 @@ TEST(ModelCut, SaysHowManyPointsLieOutsideTheCasesWithoutNumbersOfRows)
         << cut.extrapolation;
 }
 
+TEST(ModelCut, KeepsRowsInNamesOfInputsThatLieOutsideTheCases)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].name = "Pressure (row 1)";
+    CaseSession session(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    session.sweep(0, "200");
+    session.sweep(1, "2");
+
+    const std::string sentence = ModelCut::throughChosenValues(session).extrapolation;
+
+    EXPECT_EQ(sentence.rfind("1 of 1 point lies outside the cases: \"Pressure (row 1)\" is ", 0),
+              0u)
+        << sentence;
+}
+
 TEST(ModelCut, AnOutputOverThreeDecadesHasALogarithmicAxis)
 {
     CaseTable table = cvdCases();
