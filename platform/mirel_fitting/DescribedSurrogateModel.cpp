@@ -307,6 +307,13 @@ DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs
     return impl->ranges.warning(inputs, count, InputNames(inputNames));
 }
 
+std::vector<char> DescribedSurrogateModel::outsideCases(const std::vector<double*>& inputs,
+                                                        std::size_t count) const
+{
+    impl->columns->requirePoints(inputs, count);
+    return impl->ranges.outside(inputs, count, std::vector<char>(count, 0));
+}
+
 PredictorDescription DescribedSurrogateModel::predictorDescription(int offset) const
 {
     return impl->predictor(offset).output.predictor;

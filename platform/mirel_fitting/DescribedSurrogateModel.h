@@ -49,6 +49,8 @@ public:
     std::string
     extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                          const std::vector<std::string>& inputNames = {}) const override;
+    std::vector<char> outsideCases(const std::vector<double*>& inputs,
+                                   std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;
 
 private:

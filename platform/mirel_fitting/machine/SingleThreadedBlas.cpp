@@ -22,7 +22,6 @@ int previousThreads = 1;
 
 /** The buffers that OpenBLAS has mapped, as far as they are known. */
 int buffers = 0;
-bool isExhausted = false;
 
 bool canMap(std::size_t bytes)
 {
@@ -31,48 +30,44 @@ bool canMap(std::size_t bytes)
     return memory != MAP_FAILED && munmap(memory, bytes) == 0;
 }
 
-/** Has OpenBLAS map buffers for so many calls, or for as many as there is memory for. */
-void reserveBuffers(int wanted)
+/** Has OpenBLAS map buffers for so many calls, or for as many as there is memory for.
+ *  @return whether for all. */
+bool reserveBuffers(int wanted)
 {
     constexpr std::size_t megabyte = std::size_t{1} << 20;
     constexpr std::size_t size = 129 * megabyte;    // a buffer, and the pages around it
     constexpr std::size_t forCases = 64 * megabyte; // rather than for a second thread
 
-    if (wanted <= buffers || isExhausted) {
-        return;
+    if (wanted <= buffers) {
+        return true;
     }
     std::vector<void*> taken;
     taken.reserve(static_cast<std::size_t>(wanted));
-    for (int k = 0; k < wanted && !isExhausted; ++k) {
-        isExhausted = k >= buffers && !canMap(k == 0 ? size : size + forCases);
-        if (!isExhausted) {
-            taken.push_back(blas_memory_alloc(0));
-        }
+    for (int k = 0; k < wanted && (k < buffers || canMap(k == 0 ? size : size + forCases)); ++k) {
+        taken.push_back(blas_memory_alloc(0));
     }
     for (void* const buffer : taken) {
         blas_memory_free(buffer);
     }
     buffers = static_cast<int>(taken.size());
+    return buffers == wanted;
 }
 
 } // namespace
 
 int SingleThreadedBlas::affordableThreads(int wanted)
 {
-    constexpr int most = 64; // of which the memory is looked at; OpenBLAS has room for 256
+    constexpr int maxReserved = 64; // OpenBLAS has room for 256
 
     const std::lock_guard<std::mutex> lock(mutex);
-    reserveBuffers(std::min(wanted, most));
-    return isExhausted ? std::clamp(wanted, 1, std::max(1, buffers)) : wanted;
+    return reserveBuffers(std::min(wanted, maxReserved)) ? wanted : std::max(1, buffers);
 }
 
 SingleThreadedBlas::SingleThreadedBlas()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    reserveBuffers(1);
-    if (buffers == 0) {
-        isExhausted = false; // there may be memory later
-        throw std::bad_alloc();
+    if (!reserveBuffers(1)) {
+        throw std::bad_alloc(); // there may be memory later
     }
     if (objects == 0) {
         previousThreads = openblas_get_num_threads();

@@ -7,7 +7,10 @@
  * in whatever threads, the first one changes it and the last one restores it.
  *
  * OpenBLAS maps 128 MB for each call that runs at the same time, keeps them, and where it gets none
- * tries again for ever. The memory is thus reserved before the first call.
+ * tries again for ever. The memory is thus reserved before the first call, and again whenever more
+ * threads are wanted than had memory before. One case is left: where another thread is within a
+ * call meanwhile, its buffer is not available, and one more is mapped without asking for its
+ * memory.
  */
 class SingleThreadedBlas
 {

@@ -134,6 +134,13 @@ TEST(DescribedSurrogateModel, KnowsWhichPointsLieOutsideTheCasesAndLeavesTheSame
     EXPECT_EQ(described(model, 1).extrapolationWarning(columns, 7),
               model.extrapolationWarning(columns, 7));
 
+    Cases constant = twoInputs(20, 0.1);
+    constant.inputs[1] = Column(20, 0.3);
+    const DescribedSurrogateModel rounded = described(polynomial(constant), 1);
+    std::vector<Column> nearby = {{constant.inputs[0][0], constant.inputs[0][0]}, {0.3000001, 0.4}};
+    EXPECT_EQ(rounded.extrapolationWarning(pointersTo(nearby), 1), "");
+    EXPECT_EQ(rounded.outsideCases(pointersTo(nearby), 2), (std::vector<char>{0, 1}));
+
     Cases cases = twoInputs(20, 0.1);
     cases.inputs[1] = cases.inputs[0];
     const SurrogateResponseSurfaceModel dependent = polynomial(cases);

@@ -5,6 +5,7 @@
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 #include <mirel_fitting/kriging/likelihood/KrigingEquations.h>
 #include <mirel_fitting/kriging/search/SearchPolicy.h>
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <cblas.h>
 #include <lapacke.h>
@@ -90,7 +91,8 @@ KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& rang
     addLeverage(*data);
 }
 
-/** Of more inputs than the cases determine slopes for, each new point would lie off a relation. */
+/** With fewer than three cases per term the leverage is not judged: nearly every new point would
+ * have a larger one than the cases. */
 void KrigingSupport::addLeverage(const KrigingData& data)
 {
     constexpr std::size_t casesPerTerm = 3;
@@ -120,6 +122,7 @@ void KrigingSupport::addLeverage(const KrigingData& data)
                                       cases;
         }
     }
+    const SingleThreadedBlas singleThreaded;
     const auto order = static_cast<lapack_int>(inputs);
     LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order);
     std::vector<double> point(inputs);
@@ -131,7 +134,8 @@ void KrigingSupport::addLeverage(const KrigingData& data)
     }
 }
 
-/** Times the number of cases. @param coordinates are used up. */
+/** Times the number of cases. OpenBLAS has to work with one thread meanwhile.
+ *  @param coordinates are used up. */
 double KrigingSupport::leverage(std::vector<double>& coordinates) const
 {
     const auto order = static_cast<int>(means.size());
@@ -169,6 +173,7 @@ std::vector<char> KrigingSupport::unsupported(const std::vector<double*>& points
     std::vector<double> errors(rows.size());
     process->standardErrors(pointersTo(values), rows.size(), false, errors.data());
 
+    const SingleThreadedBlas singleThreaded;
     const FittedKriging& model = process->model();
     std::vector<double> point(model.inputs.size());
     std::vector<char> flags(count, CaseRanges::notJudged);

@@ -29,7 +29,26 @@ namespace {
     std::_Exit(EXIT_FAILURE + 1);
 }
 
+[[noreturn]] void askDuringAndAfterAShortage()
+{
+    rlimit limit;
+    getrlimit(RLIMIT_AS, &limit);
+    const rlim_t before = limit.rlim_cur;
+    limit.rlim_cur = rlim_t{1} << 20;
+    setrlimit(RLIMIT_AS, &limit);
+    const int during = SingleThreadedBlas::affordableThreads(3);
+    limit.rlim_cur = before;
+    setrlimit(RLIMIT_AS, &limit);
+    std::_Exit(10 * during + SingleThreadedBlas::affordableThreads(3));
+}
+
 } // namespace
+
+TEST(SingleThreadedBlasDeathTest, AffordsAllThreadsAgainAfterAShortage)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process without buffers
+    EXPECT_EXIT(askDuringAndAfterAShortage(), testing::ExitedWithCode(13), "");
+}
 
 TEST(SingleThreadedBlasDeathTest, RefusesCallsThatThereIsNoMemoryFor)
 {
