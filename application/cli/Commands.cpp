@@ -15,6 +15,7 @@
 #include <session/files/OutputFile.h>
 #include <session/files/OutputTable.h>
 #include <session/model/PredictionPoints.h>
+#include <session/model/SessionState.h>
 #include <session/project/ProjectDocument.h>
 #include <session/report/FitReport.h>
 #include <session/report/ProjectReport.h>
@@ -285,6 +286,10 @@ void runProject(const CommandLine& line)
 void runCheck(const CommandLine& line)
 {
     SurrogateModelUserDist distribution(line.subject);
+    const std::string excess = excessOfValues(distribution);
+    if (!excess.empty()) {
+        throw DistributionTextError(excess);
+    }
     std::vector<double> values;
     distribution.get(values);
     const bool isValid = distribution.isValid();

@@ -37,7 +37,8 @@ void requirePositive(double value, const std::string& name)
     }
 }
 
-void check(const KrigingOptions& options, std::size_t inputs)
+/** @param varying how many of the inputs are not constant. */
+void check(const KrigingOptions& options, std::size_t inputs, std::size_t varying)
 {
     const std::vector<double>& lengths = options.correlationLengths;
     requirePositive(options.tolerance, "The tolerance");
@@ -47,10 +48,10 @@ void check(const KrigingOptions& options, std::size_t inputs)
                     std::to_string(inputs) + ", or none, not " + std::to_string(lengths.size()) +
                     ".");
     }
-    if (lengths.empty() && inputs > KrigingSurrogateModel::maxInputs) {
+    if (lengths.empty() && varying > KrigingSurrogateModel::maxInputs) {
         throw Error("A Kriging model takes at most " +
-                    std::to_string(KrigingSurrogateModel::maxInputs) + " inputs, not " +
-                    std::to_string(inputs) + ", unless their correlation lengths are given.");
+                    std::to_string(KrigingSurrogateModel::maxInputs) + " inputs that vary, not " +
+                    std::to_string(varying) + ", unless their correlation lengths are given.");
     }
     for (std::size_t k = 0; k < lengths.size(); ++k) {
         // Infinity is a length too: an input without influence.
@@ -163,7 +164,10 @@ KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& indepen
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, checkedCount(rowCount),
                                   options))
 {
-    check(options, independentColumns.size());
+    const std::vector<PredictorDescription::InputRange> ranges = impl->ranges.ranges();
+    const auto varying = std::count_if(ranges.begin(), ranges.end(),
+                                       [](const auto& range) { return !range.isConstant; });
+    check(options, ranges.size(), static_cast<std::size_t>(varying));
 }
 
 KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& independentColumns,

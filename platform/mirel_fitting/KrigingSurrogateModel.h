@@ -35,12 +35,13 @@
 class MIREL_FITTING_EXPORT KrigingSurrogateModel : public FittedModel
 {
 public:
-    /** Of a model whose correlation lengths are estimated: each start of the search holds a matrix
-     *  of 8 bytes per pair of inputs, and a step takes time with the cube of their number. */
+    /** Of a model whose correlation lengths are estimated, not counting inputs that are constant:
+     *  each start of the search holds a matrix of 8 bytes per pair of inputs, and a step takes time
+     *  with the cube of their number. */
     static constexpr std::size_t maxInputs = 2000;
 
     /** @throw Error also if the range of an input is not finite, an option is out of its range, or
-     *         there are more than maxInputs. */
+     *         more than maxInputs vary. */
     KrigingSurrogateModel(const std::vector<double*>& independentColumns,
                           const std::vector<double*>& dependentColumns, int rowCount,
                           const KrigingOptions& options);

@@ -339,6 +339,14 @@ TEST_F(Program, CheckReportsTheFaultOfAText)
     expectFailure("check 'abc, 1'", 4, "Expression: abc\nInvalid floating point number");
     expectFailure("check ''", 4, "Expression: \nNo value range specified");
 
+    std::string large = "0";
+    for (int range = 0; range < 10; ++range) {
+        large += ", 0 - 1 : 1000000";
+    }
+    expectFailure("check '" + large + "'", 4,
+                  "The text is too large: it asks for 10000001 values, and at most 10000000 can be "
+                  "typed. Ask for fewer values.");
+
     const Outcome object = run("check --json abc");
     EXPECT_EQ(object.exitCode, 4);
     EXPECT_EQ(Json::parse(object.out)["fault"]["code"], 1);

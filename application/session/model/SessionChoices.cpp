@@ -39,6 +39,19 @@ void requireFormula(const std::string& formula, const std::vector<std::string>& 
     }
 }
 
+/** How many inputs have different values in the valid cases. */
+std::size_t varyingInputs(const Workspace& workspace)
+{
+    const std::vector<std::size_t> cases = workspace.validCases();
+    return static_cast<std::size_t>(std::count_if(
+        workspace.inputs().begin(), workspace.inputs().end(), [&](const VarPtr& input) {
+            const std::vector<double>& values = workspace.project().numericValues(input);
+            return std::any_of(cases.begin(), cases.end(), [&](std::size_t row) {
+                return values[row] != values[cases.front()];
+            });
+        }));
+}
+
 void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
 {
     ResponseSurfaceOptions options = session.responseSurface();
@@ -193,13 +206,17 @@ void requireRoles(const Workspace& workspace, const std::string& outputHint,
 
 void requireFewInputs(const Workspace& workspace, bool comparesModels)
 {
-    const std::size_t count = workspace.inputs().size();
-    const auto refuse = [&](const std::string& model, std::size_t most, const std::string& need) {
+    std::size_t count = workspace.inputs().size();
+    const auto refuse = [&](const std::string& model, std::size_t limit, const std::string& need) {
         throw UsageError(std::to_string(count) + " columns would be inputs, and " + model +
-                         " takes at most " + std::to_string(most) + ": it would need " + need +
+                         " takes at most " + std::to_string(limit) + ": it would need " + need +
                          ". Name the inputs that matter with -x.");
     };
     if (comparesModels || workspace.modelType() == Workspace::Kriging) {
+        if (count <= KrigingSurrogateModel::maxInputs) {
+            return;
+        }
+        count = varyingInputs(workspace); // constant ones cost nothing
         if (count > KrigingSurrogateModel::maxInputs) {
             const std::size_t megabytes = count * count / 125000; // 8 bytes per pair of inputs
             refuse("a Kriging model", KrigingSurrogateModel::maxInputs,
@@ -207,7 +224,8 @@ void requireFewInputs(const Workspace& workspace, bool comparesModels)
                        " MB of memory for each search for their correlation lengths, and time that "
                        "grows with the cube of their number");
         }
-    } else if (count >= SurrogateResponseSurfaceModel::maxTerms) {
+    } else if (count >= SurrogateResponseSurfaceModel::maxTerms &&
+               workspace.responseSurface().terms != PolynomialTerms::Chosen) {
         refuse("a response surface", SurrogateResponseSurfaceModel::maxTerms - 1,
                std::to_string(count + 1) + " valid cases for the linear terms alone");
     }

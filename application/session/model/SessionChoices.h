@@ -64,7 +64,8 @@ SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace,
                                            const std::optional<std::string>& inputHint);
 
 /**
- * Refuses more inputs than the workspace's model can have, before anything is fitted.
+ * Refuses more inputs than the workspace's model can have, before anything is fitted. Of a Kriging
+ * model those that vary count; a response surface of chosen terms may have any number.
  * @param comparesModels whether a Kriging model is fitted, whatever the workspace's model is.
  * @throw UsageError
  */

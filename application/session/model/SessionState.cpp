@@ -60,9 +60,10 @@ std::string excessOfValues(const SurrogateModelUserDist& distribution, const std
     if (distribution.valueCount() <= ProjectDocument::maxTypedValues) {
         return "";
     }
-    return "The text for \"" + name + "\" is too large: it asks for " +
-           std::to_string(distribution.valueCount()) + " values, and at most " +
-           std::to_string(ProjectDocument::maxTypedValues) + " can be typed. Ask for fewer values.";
+    return "The text" + (name.empty() ? "" : " for \"" + name + '"') +
+           " is too large: it asks for " + std::to_string(distribution.valueCount()) +
+           " values, and at most " + std::to_string(ProjectDocument::maxTypedValues) +
+           " can be typed. Ask for fewer values.";
 }
 
 SessionState::SessionState(CaseTable& table,
@@ -285,10 +286,18 @@ void SessionState::check(const ProjectDocument& document) const
 void SessionState::checkValueCounts() const
 {
     for (const Collection& texts : {manager->evaluationPoint()->get(), userDistributions->get()}) {
+        std::size_t total = 0;
         for (const std::string& name : texts.getVarNameSet()) {
-            const std::string excess = excessOfValues(*texts.getUserDistributionPoints(name), name);
+            const auto distribution = texts.getUserDistributionPoints(name);
+            const std::string excess = excessOfValues(*distribution, name);
             if (!excess.empty()) {
                 throw ProjectDocumentError(excess);
+            }
+            total += distribution->valueCount();
+            if (total > ProjectDocument::maxTypedValues) {
+                throw ProjectDocumentError("The texts of all variables ask for more than " +
+                                           std::to_string(ProjectDocument::maxTypedValues) +
+                                           " values together. Ask for fewer values.");
             }
         }
     }

@@ -7,6 +7,8 @@
 
 #include <property/Property.h>
 
+#include <surrogate_session/Export.h>
+
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
@@ -81,5 +83,6 @@ private:
 };
 
 /** The sentence that refuses a text of more values than ProjectContents::maxTypedValues; empty for
- *  others. */
-std::string excessOfValues(const SurrogateModelUserDist& distribution, const std::string& name);
+ *  others. @param name of the text's variable, if it has one. */
+SURROGATE_SESSION_EXPORT std::string excessOfValues(const SurrogateModelUserDist& distribution,
+                                                    const std::string& name = "");

@@ -157,11 +157,14 @@ TEST(KrigingSurrogateModel, RefusesArgumentsOutOfTheirRange)
     EXPECT_EQ(
         refusal([&] { KrigingSurrogateModel({}, pointersTo(outputs), -3, KrigingOptions()); }),
         "A model cannot be fitted to -3 cases.");
-    const std::vector<double> zeros(2);
-    const std::vector<double*> manyInputs(2001, const_cast<double*>(zeros.data()));
+    std::vector<double> varying = {0.0, 1.0};
+    std::vector<double> constant(2);
+    std::vector<double*> manyInputs(2001, varying.data());
     EXPECT_EQ(refusal([&] { KrigingSurrogateModel(manyInputs, {}, 2, KrigingOptions()); }),
-              "A Kriging model takes at most 2000 inputs, not 2001, unless their correlation "
-              "lengths are given.");
+              "A Kriging model takes at most 2000 inputs that vary, not 2001, unless their "
+              "correlation lengths are given.");
+    manyInputs[5] = constant.data();
+    EXPECT_NO_THROW(KrigingSurrogateModel(manyInputs, {}, 2, KrigingOptions()));
 }
 
 TEST(KrigingSurrogateModel, CountsDistinctCasesOnly)

@@ -176,7 +176,8 @@ TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
 
 TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
 {
-    const auto refusal = [](std::size_t inputs, CaseSession::ModelType model, bool comparesModels) {
+    const auto refusal = [](std::size_t inputs, CaseSession::ModelType model, bool comparesModels,
+                            std::size_t constants = 0, const std::string& formula = "") {
         CaseTable table;
         CaseRoles roles;
         roles.outputs = {0};
@@ -184,11 +185,20 @@ TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
             CaseColumn& column = table.columns.emplace_back();
             column.name = 'v' + std::to_string(i);
             column.numbers = {1.0, 2.0, 4.0};
+            if (i > inputs - constants) {
+                column.numbers = {7.0, 7.0, 7.0};
+            }
             if (i > 0) {
                 roles.inputs.push_back(i);
             }
         }
-        const Workspace workspace(std::move(table), roles, {}, model);
+        Workspace workspace(std::move(table), roles, {}, model);
+        if (!formula.empty()) {
+            ResponseSurfaceOptions options;
+            options.terms = PolynomialTerms::Chosen;
+            options.formula = formula;
+            workspace.chooseResponseSurface(options);
+        }
         return messageOf<UsageError>([&] { requireFewInputs(workspace, comparesModels); });
     };
     EXPECT_EQ(refusal(2000, CaseSession::Kriging, false), "accepted");
@@ -199,7 +209,11 @@ TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
     EXPECT_EQ(refusal(2001, CaseSession::Kriging, false), tooMany);
     EXPECT_EQ(refusal(2001, CaseSession::ResponseSurface, true), tooMany);
 
+    EXPECT_EQ(refusal(2100, CaseSession::Kriging, false, 99), tooMany);
+    EXPECT_EQ(refusal(2100, CaseSession::Kriging, false, 100), "accepted");
+
     EXPECT_EQ(refusal(9999, CaseSession::ResponseSurface, false), "accepted");
+    EXPECT_EQ(refusal(10000, CaseSession::ResponseSurface, false, 0, "v1 + v2"), "accepted");
     EXPECT_EQ(refusal(10000, CaseSession::ResponseSurface, false),
               "10000 columns would be inputs, and a response surface takes at most 9999: it would "
               "need 10001 valid cases for the linear terms alone. Name the inputs that matter with "

@@ -74,6 +74,24 @@ TEST_F(SessionStateTest, RefusesTextsOfTooManyValuesAndKeepsItsSettings)
     }
 }
 
+TEST_F(SessionStateTest, RefusesTextsOfTooManyValuesTogether)
+{
+    state.chooseRoles({{1, 0}, {3}});
+    std::string text = "4";
+    for (int range = 0; range < 6; ++range) {
+        text += ",4-80:1000000";
+    }
+    SurrogateModelUserDistCollection texts = state.userDistributions->get();
+    texts.setUserDistString("Pressure", text);
+    texts.setUserDistString("H2/WF6", text);
+    state.userDistributions->set(texts);
+    const ProjectDocument document = saved();
+
+    EXPECT_EQ(messageOf<ProjectDocumentError>([&] { state.load(document); }),
+              "The texts of all variables ask for more than 10000000 values together. Ask for "
+              "fewer values.");
+}
+
 TEST_F(SessionStateTest, LoadsWhatItHasSaved)
 {
     state.chooseRoles({{1, 0}, {3}});
