@@ -3,6 +3,7 @@
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datapipeline/SharedColumnArray.h>
 
+#include <boost/smart_ptr/make_shared.hpp>
 #include <vtkDataSetAttributes.h>
 #include <vtkDoubleArray.h>
 #include <vtkInformation.h>
@@ -17,12 +18,12 @@
 namespace {
 
 /**
- * Adds a column of a name that no other column has. The name is set afterwards: VTK compares the
- * name of a new column with those of all columns before it, which takes minutes for 200 000.
+ * Adds a new column, without a name so far, under one that no other column has. The name is set
+ * afterwards: VTK compares the name of a new column with those of all columns before it, which
+ * takes minutes for 200 000.
  */
 void addColumn(vtkTable* table, vtkAbstractArray* column, const std::string& name)
 {
-    column->SetName(nullptr);
     table->AddColumn(column);
     column->SetName(name.c_str());
 }
@@ -60,8 +61,10 @@ int ProjectTableSource::RequestData(vtkInformation*, vtkInformationVector**,
         if (variable->isNumeric()) {
             addColumn(table, numberColumn(handle), name);
         } else {
-            TextColumn& column = shownTextColumns[handle] = textColumn(handle, name);
-            addColumn(table, column.array, name);
+            const TextColumn& column = shownTextColumns[handle] = textColumn(handle);
+            vtkNew<SharedColumnArray<vtkStringArray>> texts;
+            texts->show(column.strings);
+            addColumn(table, texts, name);
         }
     }
     textColumns.swap(shownTextColumns);
@@ -93,23 +96,14 @@ vtkSmartPointer<vtkAbstractArray> ProjectTableSource::numberColumn(const VarPtr&
     return numbers.Get();
 }
 
-ProjectTableSource::TextColumn ProjectTableSource::textColumn(const VarPtr& variable,
-                                                              const std::string& name) const
+ProjectTableSource::TextColumn ProjectTableSource::textColumn(const VarPtr& variable) const
 {
     boost::shared_ptr<const std::vector<std::string>> values = project->sharedTextValues(variable);
     const auto known = textColumns.find(variable);
-    // The values are held since the last table, so the project would have changed a copy. A column
-    // of another name is a new array, since the one before may still be shown under the old name.
-    if (known != textColumns.end() && known->second.values == values &&
-        known->second.name == name) {
+    // The values are held since the last table, so the project would have changed a copy.
+    if (known != textColumns.end() && known->second.values == values) {
         return known->second;
     }
-
-    vtkNew<vtkStringArray> texts;
-    texts->SetNumberOfValues(static_cast<vtkIdType>(values->size()));
-    vtkIdType row = 0;
-    for (const std::string& text : *values) {
-        texts->SetValue(row++, text);
-    }
-    return {std::move(values), name, texts.Get()};
+    auto strings = boost::make_shared<std::vector<vtkStdString>>(values->begin(), values->end());
+    return {std::move(values), std::move(strings)};
 }

@@ -4,6 +4,7 @@
 
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <vtkSmartPointer.h>
+#include <vtkStdString.h>
 #include <vtkTableAlgorithm.h>
 
 #include <map>
@@ -12,7 +13,6 @@
 
 class Project;
 class vtkAbstractArray;
-class vtkStringArray;
 
 /**
  * The algorithm of the project's pipeline: builds the cases table when it is updated, and not
@@ -42,14 +42,13 @@ private:
     struct TextColumn
     {
         boost::shared_ptr<const std::vector<std::string>> values;
-        std::string name;
-        vtkSmartPointer<vtkStringArray> array;
+        boost::shared_ptr<const std::vector<vtkStdString>> strings;
     };
 
     std::string idColumnName() const;
     vtkSmartPointer<vtkAbstractArray> idColumn() const;
     vtkSmartPointer<vtkAbstractArray> numberColumn(const VarPtr&) const;
-    TextColumn textColumn(const VarPtr&, const std::string& name) const;
+    TextColumn textColumn(const VarPtr&) const;
 
     boost::shared_ptr<const Project> project;
 

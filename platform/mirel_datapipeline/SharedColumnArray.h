@@ -4,18 +4,20 @@
 #include <vtkObjectFactory.h>
 #include <vtkSetGet.h>
 
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 /**
- * A VTK array (Array: vtkDoubleArray, ...) that shows a vector without copying it and keeps it
- * alive, which VTK's own arrays cannot: they own their memory or point to memory of others. The
- * values are for reading only, since they are shared.
+ * A VTK array (Array: vtkDoubleArray, vtkStringArray, ...) that shows a vector without copying it
+ * and keeps it alive, which VTK's own arrays cannot: they own their memory or point to memory of
+ * others. The values are for reading only, since they are shared.
  */
 template <class Array>
 class SharedColumnArray : public Array
 {
 public:
-    using Value = typename Array::ValueType;
+    using Value = std::decay_t<decltype(std::declval<Array&>().GetValue(0))>;
 
     vtkTemplateTypeMacro(SharedColumnArray, Array)
 

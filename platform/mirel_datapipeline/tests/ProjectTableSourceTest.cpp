@@ -172,9 +172,28 @@ TEST_F(ProjectTableSourceTest, DoesNotChangePublishedColumns)
 
 TEST_F(ProjectTableSourceTest, CopiesTextsOnlyWhenTheyHaveChanged)
 {
-    const vtkSmartPointer<vtkAbstractArray> texts = table()->GetColumnByName("t");
+    const auto texts = [this](const char* name) {
+        return vtkStringArray::SafeDownCast(table()->GetColumnByName(name))->GetPointer(0);
+    };
+    const vtkSmartPointer<vtkAbstractArray> published = table()->GetColumnByName("t");
+    const vtkStdString* const first = texts("t");
     project->setValue(project->record(1), x, 5.0);
-    EXPECT_EQ(table()->GetColumnByName("t"), texts.Get());
+    EXPECT_EQ(texts("t"), first);
+    project->renameVariable(t, "t2");
+    EXPECT_EQ(texts("t2"), first);
     project->setValue(project->record(1), t, "z");
-    EXPECT_NE(table()->GetColumnByName("t"), texts.Get());
+    EXPECT_NE(texts("t2"), first);
+}
+
+TEST_F(ProjectTableSourceTest, LeavesPublishedColumnsUnmodified)
+{
+    for (const char* const name : {"x", "t"}) {
+        const vtkSmartPointer<vtkAbstractArray> column = table()->GetColumnByName(name);
+        const vtkMTimeType time = column->GetMTime();
+        project->addRecord();
+        project->setIncluded(project->record(2), false);
+        project->setValue(project->record(1), x, project->numericValues(x)[0] + 1.0);
+        table();
+        EXPECT_EQ(column->GetMTime(), time) << name;
+    }
 }
