@@ -28,7 +28,7 @@ list(TRANSFORM vtk_headers PREPEND "-I")
 list(JOIN vtk_headers " " vtk_headers)
 set(vtk_version "${VTK_MAJOR_VERSION}.${VTK_MINOR_VERSION}")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
-    BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE way_to_prefix)
+    BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE relative_prefix)
 foreach(name IN ITEMS mirel-fitting surrogatemodel)
     configure_file("cmake/${name}.pc.in" "${generated}/${name}.pc" @ONLY)
     install(FILES "${generated}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"

@@ -98,10 +98,10 @@ endfunction()
 function(surrogate_install_program target)
     set(private "${CMAKE_INSTALL_FULL_LIBDIR}/surrogatemodel")
     cmake_path(RELATIVE_PATH private BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
-        OUTPUT_VARIABLE way)
+        OUTPUT_VARIABLE relative_libdir)
     set(public "${SURROGATE_LIBRARY_RUN_PATH}")
     set_target_properties(${target} PROPERTIES
-        INSTALL_RPATH "$ORIGIN/${way};$<$<BOOL:${public}>:$ORIGIN/${way}/..>")
+        INSTALL_RPATH "$ORIGIN/${relative_libdir};$<$<BOOL:${public}>:$ORIGIN/${relative_libdir}/..>")
     set_target_properties(${ARGN} PROPERTIES
         INSTALL_RPATH "$ORIGIN;$<$<BOOL:${public}>:$ORIGIN/..>")
     install(TARGETS ${target} ${ARGN}

@@ -14,7 +14,9 @@
  * command pushed while another one runs is done at once, within it, and not recorded. The order of
  * effects of one step is thus: the command's redo() with all that it sets off, then the recording,
  * then the signals of the stack; of an undo: the command's undo() with all that it sets off, then
- * the move of the index, then the signals. Listeners of these signals may undo and redo.
+ * the move of the index, then the signals. Listeners of these signals may undo and redo. A listener
+ * of indexChanged() reads index() instead of trusting its argument: of a call without effect, Qt
+ * announces the index to which it would have moved, too.
  */
 class MIREL_ANALYZERCOMMON_EXPORT UndoStack
 {

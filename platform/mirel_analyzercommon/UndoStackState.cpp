@@ -13,7 +13,8 @@ UndoStackState::UndoStackState() : undoStack([this] { return isBlocked(); })
     QObject::connect(&undoStack, &QUndoStack::indexChanged, [this] { restoreIndexIfBlocked(); });
 }
 
-// What moves the index of a blocked stack has run no command, nor does moving it back.
+// Recorded commands do nothing while the stack is blocked, so that moving the index back changes
+// nothing else.
 void UndoStackState::restoreIndexIfBlocked()
 {
     if (!isBlocked()) {

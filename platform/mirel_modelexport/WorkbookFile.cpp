@@ -69,21 +69,21 @@ public:
     {
         lxw_workbook_options options = {};
         options.tmpdir = folder.path.data();
-        workbook = made(workbook_new_opt(path.c_str(), &options));
+        workbook = requireMade(workbook_new_opt(path.c_str(), &options));
         lxw_doc_properties properties = {};
         properties.created = creation;
         require(workbook_set_properties(workbook, &properties));
         for (const std::string& sheet : sheets) {
-            worksheets.push_back(made(workbook_add_worksheet(workbook, sheet.c_str())));
+            worksheets.push_back(requireMade(workbook_add_worksheet(workbook, sheet.c_str())));
         }
         for (lxw_format*& format : formats) {
-            format = made(workbook_add_format(workbook));
+            format = requireMade(workbook_add_format(workbook));
         }
         format_set_bold(formats[Heading]);
         format_set_bg_color(formats[Typed], 0xFFF2CC);
         format_set_border(formats[Typed], LXW_BORDER_THIN);
         format_set_font_color(formats[Quiet], LXW_COLOR_GRAY);
-        alarm = made(workbook_add_format(workbook));
+        alarm = requireMade(workbook_add_format(workbook));
         format_set_bold(alarm);
         format_set_bg_color(alarm, LXW_COLOR_RED);
         format_set_font_color(alarm, LXW_COLOR_WHITE);
@@ -98,7 +98,7 @@ public:
     }
 
     template <class Part>
-    static Part* made(Part* part)
+    static Part* requireMade(Part* part)
     {
         if (part == nullptr) {
             throw Error("There is not enough memory for the workbook.");

@@ -10,7 +10,7 @@ namespace {
 constexpr int minorSteps = 5;
 
 /** Larger numbers, or more decimals, are longer than numbers with an exponent. */
-constexpr double largestPlain = 1e6;
+constexpr double maxPlain = 1e6;
 constexpr int maxDecimals = 5;
 
 /** As a share of the step: a tick so close to 0 differs from it by rounding. */
@@ -79,7 +79,7 @@ QwtInterval AxisScale::paddedLogarithmic(const QwtInterval& interval, double mar
     return {interval.minValue() / factor, interval.maxValue() * factor};
 }
 
-QwtScaleDiv AxisScale::logarithmicTicks(const QwtInterval& interval, int most)
+QwtScaleDiv AxisScale::logarithmicTicks(const QwtInterval& interval, int maxSteps)
 {
     const auto ticksAt = [&](const std::vector<double>& mantissas, int decades) {
         QList<double> ticks;
@@ -101,20 +101,20 @@ QwtScaleDiv AxisScale::logarithmicTicks(const QwtInterval& interval, int most)
     for (const std::vector<double>& mantissas :
          {std::vector<double>{1, 1.5, 2, 3, 5, 7}, {1, 2, 5}, {1}}) {
         major = ticksAt(mantissas, 1);
-        if (major.size() <= most + 1) {
+        if (major.size() <= maxSteps + 1) {
             break;
         }
     }
-    for (int decades = 2; major.size() > most + 1; ++decades) {
+    for (int decades = 2; major.size() > maxSteps + 1; ++decades) {
         major = ticksAt({1}, decades);
     }
     return QwtScaleDiv(interval.minValue(), interval.maxValue(),
                        ticksAt({1, 2, 3, 4, 5, 6, 7, 8, 9}, 1), {}, major);
 }
 
-QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int most)
+QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int maxSteps)
 {
-    return QwtLinearScaleEngine().divideScale(interval.minValue(), interval.maxValue(), most,
+    return QwtLinearScaleEngine().divideScale(interval.minValue(), interval.maxValue(), maxSteps,
                                               minorSteps);
 }
 
@@ -122,7 +122,7 @@ QString AxisScale::label(double value, double step, double largest)
 {
     const bool isZero = std::abs(value) < roundingOfStep * step;
     const int stepExponent = static_cast<int>(std::floor(std::log10(step) + 1e-9));
-    if (largest < largestPlain && stepExponent >= -maxDecimals) {
+    if (largest < maxPlain && stepExponent >= -maxDecimals) {
         return QString::number(isZero ? 0.0 : value, 'f', std::max(0, -stepExponent));
     }
     if (isZero) {

@@ -31,12 +31,12 @@ bool spansDecades(const QwtInterval& interval);
 /** The same margins on a logarithmic axis, of an interval that spans decades. */
 QwtInterval paddedLogarithmic(const QwtInterval& interval, double margin);
 
-/** Of a logarithmic axis: major ticks at round values, as many as possible but no more than `most`
- *  steps. */
-QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int most);
+/** Of a logarithmic axis: major ticks at round values, as many as possible but no more than
+ * `maxSteps` steps. */
+QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int maxSteps);
 
-/** @param most steps between major ticks. */
-QwtScaleDiv ticks(const QwtInterval& interval, int most);
+/** @param maxSteps steps between major ticks. */
+QwtScaleDiv ticks(const QwtInterval& interval, int maxSteps);
 
 /** The text of a tick: with the digits that distinguish it from its neighbours, and an exponent
  * where a plain number would be long. @param step between major ticks. */

@@ -19,11 +19,12 @@ std::string joinedBy(const std::vector<std::string>& parts, const std::string& l
 /** The first five. */
 std::string shortList(const std::vector<std::string>& names)
 {
-    constexpr std::size_t most = 5;
+    constexpr std::size_t maxNamed = 5;
     std::vector<std::string> shown(
-        names.begin(), names.begin() + static_cast<std::ptrdiff_t>(std::min(most, names.size())));
-    if (names.size() > most) {
-        shown.push_back(std::to_string(names.size() - most) + " more");
+        names.begin(),
+        names.begin() + static_cast<std::ptrdiff_t>(std::min(maxNamed, names.size())));
+    if (names.size() > maxNamed) {
+        shown.push_back(std::to_string(names.size() - maxNamed) + " more");
     }
     return joinedBy(shown, " and ");
 }

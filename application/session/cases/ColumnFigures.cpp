@@ -19,11 +19,11 @@ double mean(double low, double high)
  *  A decimal number within two units in the last place, of 15 digits at most; else the number. */
 double nearbyDecimal(double number)
 {
-    constexpr int mostDigits = 15;
+    constexpr int maxDigits = 15;
     const double tolerance = 2.0 * std::numeric_limits<double>::epsilon() * std::abs(number);
     std::array<char, 32> text;
     const auto written = std::to_chars(text.data(), text.data() + text.size(), number,
-                                       std::chars_format::scientific, mostDigits - 1);
+                                       std::chars_format::scientific, maxDigits - 1);
     double decimal = number;
     std::from_chars(text.data(), written.ptr, decimal);
     return std::abs(decimal - number) <= tolerance ? decimal : number;

@@ -8,7 +8,7 @@
 #include <cstddef>
 
 namespace {
-constexpr std::size_t longestUnit = 20;
+constexpr std::size_t maxUnitLength = 20;
 
 /** Those that take prefixes. */
 constexpr std::array<std::string_view, 31> units = {
@@ -65,7 +65,7 @@ bool hasBrackets(std::string_view text)
 bool isUnitText(std::string_view text)
 {
     text = trimmedText(text);
-    if (text.empty() || text.size() > longestUnit) {
+    if (text.empty() || text.size() > maxUnitLength) {
         return false;
     }
     if (hasBrackets(text)) {
@@ -93,7 +93,7 @@ bool isUnitText(std::string_view text)
 
 std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view text)
 {
-    constexpr std::size_t longest = 50;
+    constexpr std::size_t maxTextLength = 50;
     constexpr std::array<std::string_view, 4> currencies = {"$", u8"€", u8"£", u8"¥"};
     text = trimmedText(text);
     for (const std::string_view currency : currencies) {
@@ -102,7 +102,7 @@ std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view tex
         }
     }
     std::size_t end = 0;
-    for (std::size_t i = 0; i < std::min(text.size(), longest); ++i) {
+    for (std::size_t i = 0; i < std::min(text.size(), maxTextLength); ++i) {
         end = text[i] >= '0' && text[i] <= '9' ? i + 1 : end;
         const bool isLetter = std::isalpha(static_cast<unsigned char>(text[i])) != 0;
         const bool isExponent = isLetter && i > 0 && end == i && i + 1 < text.size() &&
