@@ -1,6 +1,7 @@
 #include "session/cases/TableParts.h"
 
 #include "session/text/CellValue.h"
+#include "session/text/TrimmedText.h"
 #include "session/text/UnitText.h"
 
 #include <algorithm>
@@ -117,7 +118,9 @@ bool TableParts::readsAsUnits(std::size_t record) const
         const bool isUnit = isUnitText(cells[i]);
         units += isUnit ? 1 : 0;
         isAboveNumbers = isAboveNumbers || (isUnit && i < width && numericColumns[i]);
-        if (sample.isNumber(cells[i])) {
+        // "5 %" is a value with its unit.
+        const std::string number(trimmedText(numberAndUnit(cells[i]).first));
+        if (sample.isNumber(number)) {
             return false;
         }
     }

@@ -112,6 +112,12 @@ TEST(LayoutRecognition, UnitsStandBelowTheHeading)
     EXPECT_EQ(partsOf("p,sex\n1,m\n2,m\n"), "line 1, 2 columns");
 }
 
+TEST(LayoutRecognition, AFirstCaseWithUnitsInItsCellsIsNoRowOfUnits)
+{
+    EXPECT_EQ(partsOf("a,b\n5%,1\n0.07,2\n9%,3\n"), "line 1, 2 columns");
+    EXPECT_EQ(partsOf("p,y\n1/min,10^3 kg\n1,2\n3,4\n"), "line 1, 2 columns, units row");
+}
+
 TEST(LayoutRecognition, AFirstRowOfNumbersIsNoHeading)
 {
     EXPECT_EQ(partsOf("1,2\n3,4\n"), "line 1, 2 columns, no heading");
