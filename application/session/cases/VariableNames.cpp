@@ -6,6 +6,7 @@
 #include "session/text/TrimmedText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -43,7 +44,11 @@ class ListReader
 public:
     ListReader(const std::vector<std::string>& known, const std::string& list)
         : names(known), text(list), isDeadEnd(list.size() + 2, false)
-    {}
+    {
+        for (const std::string& name : names) {
+            maxCommas = std::max(maxCommas, std::count(name.begin(), name.end(), ','));
+        }
+    }
 
     /** Reads from a position on; past the end means that everything has been read. */
     bool read(std::size_t begin)
@@ -54,19 +59,18 @@ public:
         if (isDeadEnd[begin]) {
             return false;
         }
-        for (std::size_t end = text.size();; end = text.rfind(',', end - 1)) {
-            if (end == std::string::npos || end < begin) {
-                break;
-            }
-            if (const auto position = find(trimmed(text.substr(begin, end - begin)))) {
+        // A name ends at one of the next commas, no further than it has commas itself.
+        std::vector<std::size_t> ends = {std::min(text.find(',', begin), text.size())};
+        for (auto commas = maxCommas; commas > 0 && ends.back() < text.size(); --commas) {
+            ends.push_back(std::min(text.find(',', ends.back() + 1), text.size()));
+        }
+        for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
+            if (const auto position = find(trimmed(text.substr(begin, *end - begin)))) {
                 found.push_back(*position);
-                if (read(end + 1)) {
+                if (read(*end + 1)) {
                     return true;
                 }
                 found.pop_back();
-            }
-            if (end == 0) {
-                break;
             }
         }
         isDeadEnd[begin] = true;
@@ -85,6 +89,7 @@ private:
     const std::vector<std::string>& names;
     const std::string& text;
     std::vector<bool> isDeadEnd;
+    std::ptrdiff_t maxCommas = 0; ///< of a name
 };
 } // namespace
 

@@ -13,6 +13,18 @@ namespace {
 using Positions = std::vector<std::size_t>;
 } // namespace
 
+TEST(VariableNames, ThousandsCanBeListed)
+{
+    std::vector<std::string> many;
+    std::string list;
+    for (int i = 0; i < 5000; ++i) {
+        many.push_back('a' + std::to_string(i));
+        list += (i == 0 ? "" : ",") + many.back();
+    }
+
+    EXPECT_EQ(VariableNames(many).listed(list).size(), 5000U);
+}
+
 TEST(VariableNames, ATabAtTheBeginningOfANameIsNotTyped)
 {
     const VariableNames names({"a", "\t=1+1"});
