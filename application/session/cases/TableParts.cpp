@@ -118,9 +118,10 @@ bool TableParts::readsAsUnits(std::size_t record) const
         const bool isUnit = isUnitText(cells[i]);
         units += isUnit ? 1 : 0;
         isAboveNumbers = isAboveNumbers || (isUnit && i < width && numericColumns[i]);
-        // "5 %" is a value with its unit.
-        const std::string number(trimmedText(numberAndUnit(cells[i]).first));
-        if (sample.isNumber(number)) {
+        // "5 %" is a value with its unit, "1/min" a unit.
+        const auto [number, unit] = numberAndUnit(cells[i]);
+        const bool isValue = unit.empty() || unit.front() != '/';
+        if (isValue && sample.isNumber(std::string(trimmedText(number)))) {
             return false;
         }
     }
