@@ -15,8 +15,10 @@
 
 #include <QDomDocument>
 
+#include <algorithm>
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -29,13 +31,25 @@ bool haveSameSettings(const Manager& left, const Manager& right)
            left->evaluationPoint()->get() == right->evaluationPoint()->get();
 }
 
+/** Whether there are characters that XML cannot hold: QDomDocument reads them, we write U+FFFD. */
+bool hasForeignCharacters(const std::string& text)
+{
+    const auto isControl = [](char byte) {
+        return static_cast<unsigned char>(byte) < 0x20 && byte != '\t' && byte != '\n' &&
+               byte != '\r';
+    };
+    return std::any_of(text.begin(), text.end(), isControl) ||
+           text.find("&#") != std::string::npos || text.find("\xEF\xBF") != std::string::npos;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
+    const std::string text(reinterpret_cast<const char*>(bytes), size);
     QDomDocument document;
-    if (!document.setContent(
-            QByteArray(reinterpret_cast<const char*>(bytes), static_cast<int>(size)), false)) {
+    if (hasForeignCharacters(text) ||
+        !document.setContent(QByteArray::fromStdString(text), false)) {
         return 0;
     }
     const auto project = boost::make_shared<Project>();

@@ -9,6 +9,9 @@
 
 #include <boost/smart_ptr/weak_ptr.hpp>
 
+/** Of the run time of the address sanitizer, whichever compiler it comes with. */
+extern "C" void __asan_init() __attribute__((weak));
+
 namespace {
 bool isOutOfMemory = false;
 } // namespace
@@ -151,6 +154,9 @@ TEST_F(ProjectDataPipelineManagerTest, ServesSeveralPipelinesOverOneProject)
 
 TEST_F(ProjectDataPipelineManagerTest, IsDestroyedWhereVtkFindsNoMemory)
 {
+    if (&__asan_init != nullptr) {
+        GTEST_SKIP() << "VTK leaks where it finds no memory, which the leak sanitizer reports.";
+    }
     table();
     isOutOfMemory = true;
     pipeline.reset();
