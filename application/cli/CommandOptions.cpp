@@ -237,10 +237,8 @@ void addModel(CLI::App& command, CommandLine& line)
 void addColumn(CLI::App& command, const char* name, const char* description,
                std::optional<std::string>& column)
 {
-    command
-        .add_option_function<std::string>(
-            name, [&column](const std::string& text) { column = text; }, description)
-        ->type_name("COLUMN");
+    addText(command, name, description, "COLUMN",
+            [&column](const std::string& text) { column = text; });
 }
 
 void addTerms(CLI::App& command, CommandLine& line)

@@ -7,8 +7,7 @@ class App;
 }
 
 /**
- * A page that describes a program with commands, made of the same description that parses them.
- * Options without a description are left out, as in the help texts.
+ * Pages that describe a program with commands, made of the same description that parses them.
  */
 class HelpPages
 {
