@@ -1,6 +1,6 @@
 // What fits and predictions cost against the number of cases, inputs, points and outputs, each
-// alone; one thread. draw-costs makes the pictures of docs/performance.md of it. A label is the
-// title of a panel; in each picture the names after the slash tell what varies.
+// alone; one thread. CostPictures draws the results: one picture for each argument name, in which
+// the labels are the titles of the panels.
 #include "TestFunctions.h"
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -64,73 +65,17 @@ struct Cases
     std::set<int> offsets;
 };
 
-void fitKriging(benchmark::State& state, const Cases& cases, const char* title)
+void fit(benchmark::State& state, const Cases& cases, bool isKriging)
 {
     setThreadCount(1);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(cases.krigingModel());
+        benchmark::DoNotOptimize(isKriging ? cases.krigingModel() : cases.responseSurface());
     }
     setThreadCount(0);
-    state.SetLabel(title);
 }
-
-void fitSurface(benchmark::State& state, const Cases& cases, const char* title)
-{
-    setThreadCount(1);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(cases.responseSurface());
-    }
-    setThreadCount(0);
-    state.SetLabel(title);
-}
-
-std::size_t size(const benchmark::State& state)
-{
-    return static_cast<std::size_t>(state.range(0));
-}
-
-void krigingByCases(benchmark::State& state)
-{
-    fitKriging(state, Cases(8, size(state)), "Kriging, 8 inputs: fit");
-}
-BENCHMARK(krigingByCases)
-    ->ArgName("cases")
-    ->RangeMultiplier(2)
-    ->Range(32, 2048)
-    ->Unit(benchmark::kMillisecond);
-
-void surfaceByCases(benchmark::State& state)
-{
-    fitSurface(state, Cases(8, size(state)), "Response surface, 8 inputs: fit");
-}
-BENCHMARK(surfaceByCases)
-    ->ArgName("cases")
-    ->RangeMultiplier(10)
-    ->Range(100, 1000000)
-    ->Unit(benchmark::kMillisecond);
-
-void krigingByInputs(benchmark::State& state)
-{
-    fitKriging(state, Cases(size(state), 300), "Kriging, 300 cases: fit");
-}
-BENCHMARK(krigingByInputs)
-    ->ArgName("inputs")
-    ->RangeMultiplier(2)
-    ->Range(1, 32)
-    ->Unit(benchmark::kMillisecond);
-
-void surfaceByInputs(benchmark::State& state)
-{
-    fitSurface(state, Cases(size(state), 10000), "Response surface, 10 000 cases: fit");
-}
-BENCHMARK(surfaceByInputs)
-    ->ArgName("inputs")
-    ->RangeMultiplier(2)
-    ->Range(1, 32)
-    ->Unit(benchmark::kMillisecond);
 
 void predict(benchmark::State& state, const SurrogateModelInterface& model,
-             std::vector<std::vector<double>> columns, const char* title)
+             std::vector<std::vector<double>> columns)
 {
     const std::vector<double*> inputs = pointersTo(columns);
     std::vector<double> result(columns.front().size());
@@ -141,7 +86,6 @@ void predict(benchmark::State& state, const SurrogateModelInterface& model,
         benchmark::DoNotOptimize(result.data());
     }
     setThreadCount(0);
-    state.SetLabel(title);
 }
 
 const SurrogateModelInterface& krigingOfThousand()
@@ -150,65 +94,79 @@ const SurrogateModelInterface& krigingOfThousand()
     return *model;
 }
 
-void scatteredByPoints(benchmark::State& state)
+/** Over three of eight inputs. @param points the cube of a whole number. */
+std::vector<std::vector<double>> gridOf(std::size_t points)
 {
-    predict(state, krigingOfThousand(), uniformColumns(8, size(state), 2),
-            "Kriging, 1000 cases, 8 inputs: scattered");
-}
-BENCHMARK(scatteredByPoints)
-    ->ArgName("points")
-    ->RangeMultiplier(10)
-    ->Range(100, 1000000)
-    ->Unit(benchmark::kMillisecond);
-
-void gridByPoints(benchmark::State& state)
-{
-    const auto values =
-        static_cast<std::size_t>(std::llround(std::cbrt(static_cast<double>(state.range(0)))));
-    std::vector<std::vector<double>> columns = evenGrid(3, values);
+    const double values = std::cbrt(static_cast<double>(points));
+    std::vector<std::vector<double>> columns = evenGrid(3, std::llround(values));
     columns.resize(8, std::vector<double>(columns[0].size(), 0.5));
-    predict(state, krigingOfThousand(), std::move(columns),
-            "Kriging, 1000 cases: grids over 3 of 8 inputs");
+    return columns;
 }
-BENCHMARK(gridByPoints)
-    ->ArgName("points")
-    ->Arg(5 * 5 * 5)
-    ->Arg(10 * 10 * 10)
-    ->Arg(22 * 22 * 22)
-    ->Arg(46 * 46 * 46)
-    ->Arg(100 * 100 * 100)
-    ->Unit(benchmark::kMillisecond);
 
-void surfaceByPoints(benchmark::State& state)
-{
-    static const auto model = Cases(8, 1000).responseSurface();
-    predict(state, *model, uniformColumns(8, size(state), 2), "Response surface, 8 inputs: points");
-}
-BENCHMARK(surfaceByPoints)
-    ->ArgName("points")
-    ->RangeMultiplier(10)
-    ->Range(100, 1000000)
-    ->Unit(benchmark::kMillisecond);
+using Measure = std::function<void(benchmark::State&, std::size_t size)>;
 
-void krigingByOutputs(benchmark::State& state)
+/** @param argument what varies. @param label the title of the panel. */
+benchmark::internal::Benchmark* add(const char* name, const char* argument, const char* label,
+                                    const Measure& measure)
 {
-    fitKriging(state, Cases(4, 200, size(state)), "Kriging, 200 cases, 4 inputs: fit");
+    return benchmark::RegisterBenchmark(name,
+                                        [=](benchmark::State& state) {
+                                            measure(state,
+                                                    static_cast<std::size_t>(state.range(0)));
+                                            state.SetLabel(label);
+                                        })
+        ->ArgName(argument)
+        ->Unit(benchmark::kMillisecond);
 }
-BENCHMARK(krigingByOutputs)
-    ->ArgName("outputs")
-    ->RangeMultiplier(2)
-    ->Range(1, 32)
-    ->Unit(benchmark::kMillisecond);
 
-void surfaceByOutputs(benchmark::State& state)
-{
-    fitSurface(state, Cases(8, 10000, size(state)),
-               "Response surface, 10 000 cases, 8 inputs: fit");
-}
-BENCHMARK(surfaceByOutputs)
-    ->ArgName("outputs")
-    ->RangeMultiplier(2)
-    ->Range(1, 32)
-    ->Unit(benchmark::kMillisecond);
+const bool areRegistered = [] {
+    using State = benchmark::State;
+    add("krigingByCases", "cases", "Kriging, 8 inputs: fit",
+        [](State& state, std::size_t cases) { fit(state, Cases(8, cases), true); })
+        ->RangeMultiplier(2)
+        ->Range(32, 2048);
+    add("surfaceByCases", "cases", "Response surface, 8 inputs: fit",
+        [](State& state, std::size_t cases) { fit(state, Cases(8, cases), false); })
+        ->RangeMultiplier(10)
+        ->Range(100, 1000000);
+    add("krigingByInputs", "inputs", "Kriging, 300 cases: fit",
+        [](State& state, std::size_t inputs) { fit(state, Cases(inputs, 300), true); })
+        ->RangeMultiplier(2)
+        ->Range(1, 32);
+    add("surfaceByInputs", "inputs", "Response surface, 10 000 cases: fit",
+        [](State& state, std::size_t inputs) { fit(state, Cases(inputs, 10000), false); })
+        ->RangeMultiplier(2)
+        ->Range(1, 32);
+    add("scatteredByPoints", "points", "Kriging, 1000 cases, 8 inputs: scattered",
+        [](State& state, std::size_t points) {
+            predict(state, krigingOfThousand(), uniformColumns(8, points, 2));
+        })
+        ->RangeMultiplier(10)
+        ->Range(100, 1000000);
+    auto* const grids =
+        add("gridByPoints", "points", "Kriging, 1000 cases: grids over 3 of 8 inputs",
+            [](State& state, std::size_t points) {
+                predict(state, krigingOfThousand(), gridOf(points));
+            });
+    for (const std::int64_t values : {5, 10, 22, 46, 100}) {
+        grids->Arg(values * values * values);
+    }
+    add("surfaceByPoints", "points", "Response surface, 8 inputs: points",
+        [](State& state, std::size_t points) {
+            static const auto model = Cases(8, 1000).responseSurface();
+            predict(state, *model, uniformColumns(8, points, 2));
+        })
+        ->RangeMultiplier(10)
+        ->Range(100, 1000000);
+    add("krigingByOutputs", "outputs", "Kriging, 200 cases, 4 inputs: fit",
+        [](State& state, std::size_t outputs) { fit(state, Cases(4, 200, outputs), true); })
+        ->RangeMultiplier(2)
+        ->Range(1, 32);
+    add("surfaceByOutputs", "outputs", "Response surface, 10 000 cases, 8 inputs: fit",
+        [](State& state, std::size_t outputs) { fit(state, Cases(8, 10000, outputs), false); })
+        ->RangeMultiplier(2)
+        ->Range(1, 32);
+    return true;
+}();
 
 } // namespace
