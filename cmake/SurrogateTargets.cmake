@@ -77,6 +77,9 @@ function(surrogate_install_library target set)
         target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${include_root}" "${generated}"
             FILES ${ARGN} "${generated}/${target}/Export.h")
     endif()
+    # For the API reference.
+    list(TRANSFORM ARGN PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE public_headers)
+    set_property(GLOBAL APPEND PROPERTY SURROGATE_PUBLIC_HEADERS ${public_headers})
     # Each header compiles alone and without a warning: target all_verify_interface_header_sets.
     set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
     set(is_verified "$<STREQUAL:$<TARGET_PROPERTY:NAME>,${target}_verify_interface_header_sets>")

@@ -17,6 +17,7 @@ packages=(
     python3-pybind11 python3-dev python3-sklearn python3-pandas     # the Python package
     python3-pip python3-venv python3-setuptools python3-wheel mypy     # its tests
     clang libclang-rt-14-dev llvm-14     # sanitizers and fuzzers, names in their reports
+    doxygen     # the API reference, whose warnings fail a test
     pkgconf     # tests build against the installed libraries
     locales     # tests run with a decimal comma
     python3 gnumeric     # tests run exported modules and evaluate exported workbooks

@@ -22,6 +22,7 @@ struct MIREL_FITTING_EXPORT CalibrationReport
     double factor = 1.0;
     std::size_t cases = 0; ///< that were left out and predicted
 
+    /** How many left-out cases an interval held. */
     struct Coverage
     {
         double level; ///< of the interval, such as 0.95

@@ -14,6 +14,7 @@
 class MIREL_FITTING_EXPORT DescribedSurrogateModel : public PredictiveModel
 {
 public:
+    /** What one output is predicted from, and what is known of its fit. */
     struct Output
     {
         PredictorDescription predictor;

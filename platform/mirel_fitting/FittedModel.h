@@ -25,6 +25,7 @@ struct PredictionIntervals
 class MIREL_FITTING_EXPORT FittedModel : public PredictiveModel
 {
 public:
+    /** What a standard error is of. */
     enum class ErrorKind
     {
         Mean,       ///< of what interpolateDependentValues() predicts

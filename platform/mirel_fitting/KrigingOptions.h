@@ -5,6 +5,7 @@
 /** How a Kriging model is fitted. */
 struct KrigingOptions
 {
+    /** Where the nugget comes from. */
     enum class NuggetMode : int
     {
         Estimated = 0, ///< by the same criterion as the lengths, not below `nugget`

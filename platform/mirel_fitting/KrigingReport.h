@@ -12,6 +12,7 @@ struct KrigingReport
 {
     /** One per input, in its unit; infinity for a constant input, which has no influence. */
     std::vector<double> correlationLengths;
+    /** A bound of the search at which an estimate ended. */
     enum class Bound
     {
         None,
@@ -34,6 +35,7 @@ struct KrigingReport
     /** n - p, by which the sum of squares was divided for the process variance: n as below, p the
      *  number of trend terms; 0 where no variance is estimated. */
     double degreesOfFreedom = 0.0;
+    /** What a search for parameters maximises. */
     enum class Criterion
     {
         None,                          ///< nothing was estimated but the trend and the variance
@@ -71,6 +73,7 @@ struct KrigingReport
     std::vector<std::string> trendTerms;
     std::vector<double> trendCoefficients;
 
+    /** A case that a fit to the others predicts. */
     struct LeftOutCase
     {
         std::size_t row;  ///< as given to the model, the first is 0; of copies the first one

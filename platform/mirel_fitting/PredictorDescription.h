@@ -24,6 +24,7 @@
  */
 struct PredictorDescription
 {
+    /** Which of the two formulas. */
     enum class Kind
     {
         Polynomial,
@@ -41,6 +42,7 @@ struct PredictorDescription
         bool isConstant = false; ///< up to rounding
     };
 
+    /** (x - origin) / unit of one input. */
     struct Coordinate
     {
         std::size_t input = 0;

@@ -48,6 +48,7 @@ struct AnovaRow
 /** Where the derivatives of a full quadratic polynomial are 0. */
 struct StationaryPoint
 {
+    /** By the signs of the curvatures. */
     enum class Nature
     {
         Minimum,

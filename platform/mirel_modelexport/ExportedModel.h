@@ -14,6 +14,7 @@
 /** A fitted model with what its users call its variables: ready to leave the program. */
 struct MIREL_MODELEXPORT_EXPORT ExportedModel
 {
+    /** A column of the model as users see it. */
     struct Input
     {
         std::string name;
@@ -23,6 +24,7 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
             std::nullopt; ///< where it stays while nothing else is said; finite
     };
 
+    /** A described output of the model. */
     struct Output
     {
         std::string name;
