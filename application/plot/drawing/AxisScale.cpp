@@ -1,5 +1,8 @@
 #include "plot/drawing/AxisScale.h"
 
+#include "plot/drawing/PlotFont.h"
+
+#include <QFontMetricsF>
 #include <qwt_scale_engine.h>
 
 #include <algorithm>
@@ -28,6 +31,39 @@ QString withoutTrailingZeros(QString number)
         }
     }
     return number;
+}
+
+QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int maxSteps)
+{
+    const auto ticksAt = [&](const std::vector<double>& mantissas, int decades) {
+        QList<double> ticks;
+        const int first = static_cast<int>(std::floor(std::log10(interval.minValue())));
+        const int last = static_cast<int>(std::floor(std::log10(interval.maxValue())));
+        for (int exponent = first; exponent <= last; ++exponent) {
+            for (const double mantissa : mantissas) {
+                // A division: 1e-3 times 3 is no round number.
+                const double power = std::pow(10.0, std::abs(exponent));
+                const double tick = exponent < 0 ? mantissa / power : mantissa * power;
+                if (exponent % decades == 0 && interval.contains(tick)) {
+                    ticks.append(tick);
+                }
+            }
+        }
+        return ticks;
+    };
+    QList<double> major;
+    for (const std::vector<double>& mantissas :
+         {std::vector<double>{1, 1.5, 2, 3, 5, 7}, {1, 2, 5}, {1}}) {
+        major = ticksAt(mantissas, 1);
+        if (major.size() <= maxSteps + 1) {
+            break;
+        }
+    }
+    for (int decades = 2; major.size() > maxSteps + 1; ++decades) {
+        major = ticksAt({1}, decades);
+    }
+    return QwtScaleDiv(interval.minValue(), interval.maxValue(),
+                       ticksAt({1, 2, 3, 4, 5, 6, 7, 8, 9}, 1), {}, major);
 }
 } // namespace
 
@@ -79,43 +115,45 @@ QwtInterval AxisScale::paddedLogarithmic(const QwtInterval& interval, double mar
     return {interval.minValue() / factor, interval.maxValue() * factor};
 }
 
-QwtScaleDiv AxisScale::logarithmicTicks(const QwtInterval& interval, int maxSteps)
+QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int maxSteps, bool isLogarithmic)
 {
-    const auto ticksAt = [&](const std::vector<double>& mantissas, int decades) {
-        QList<double> ticks;
-        const int first = static_cast<int>(std::floor(std::log10(interval.minValue())));
-        const int last = static_cast<int>(std::floor(std::log10(interval.maxValue())));
-        for (int exponent = first; exponent <= last; ++exponent) {
-            for (const double mantissa : mantissas) {
-                // A division: 1e-3 times 3 is no round number.
-                const double power = std::pow(10.0, std::abs(exponent));
-                const double tick = exponent < 0 ? mantissa / power : mantissa * power;
-                if (exponent % decades == 0 && interval.contains(tick)) {
-                    ticks.append(tick);
-                }
-            }
-        }
-        return ticks;
-    };
-    QList<double> major;
-    for (const std::vector<double>& mantissas :
-         {std::vector<double>{1, 1.5, 2, 3, 5, 7}, {1, 2, 5}, {1}}) {
-        major = ticksAt(mantissas, 1);
-        if (major.size() <= maxSteps + 1) {
-            break;
-        }
-    }
-    for (int decades = 2; major.size() > maxSteps + 1; ++decades) {
-        major = ticksAt({1}, decades);
-    }
-    return QwtScaleDiv(interval.minValue(), interval.maxValue(),
-                       ticksAt({1, 2, 3, 4, 5, 6, 7, 8, 9}, 1), {}, major);
+    return isLogarithmic ? logarithmicTicks(interval, maxSteps)
+                         : QwtLinearScaleEngine().divideScale(
+                               interval.minValue(), interval.maxValue(), maxSteps, minorSteps);
 }
 
-QwtScaleDiv AxisScale::ticks(const QwtInterval& interval, int maxSteps)
+QwtScaleDiv AxisScale::readableTicks(const QwtInterval& interval, int maxSteps, bool isLogarithmic,
+                                     bool isVertical, double room)
 {
-    return QwtLinearScaleEngine().divideScale(interval.minValue(), interval.maxValue(), maxSteps,
-                                              minorSteps);
+    const QFontMetricsF metrics(PlotFont::ofSize(PlotFont::tickSize));
+    const double gap = isVertical ? metrics.height() : 2.0 * metrics.averageCharWidth();
+    const double largest = std::max(std::abs(interval.minValue()), std::abs(interval.maxValue()));
+    const auto distance = [&](double from, double to) {
+        return isLogarithmic ? std::log(to / from) : to - from;
+    };
+    for (int steps = maxSteps; steps > 1; --steps) {
+        const QwtScaleDiv scale = ticks(interval, steps, isLogarithmic);
+        const QList<double> major = scale.ticks(QwtScaleDiv::MajorTick);
+        if (major.size() < 2) {
+            continue;
+        }
+        const double step = major[1] - major[0];
+        double widest = metrics.height();
+        double narrowest = distance(major[0], major[1]);
+        for (int i = 0; i < major.size(); ++i) {
+            narrowest = i > 1 ? std::min(narrowest, distance(major[i - 1], major[i])) : narrowest;
+            if (!isVertical) {
+                const QString text = isLogarithmic ? label(major[i], major[i], major[i])
+                                                   : label(major[i], step, largest);
+                widest = std::max(widest, metrics.size(Qt::TextSingleLine, text).width());
+            }
+        }
+        const double whole = distance(interval.minValue(), interval.maxValue());
+        if (widest + gap <= room * narrowest / whole) {
+            return scale;
+        }
+    }
+    return ticks(interval, 1, isLogarithmic);
 }
 
 QString AxisScale::label(double value, double step, double largest)

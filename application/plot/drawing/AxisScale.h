@@ -31,12 +31,12 @@ bool spansDecades(const QwtInterval& interval);
 /** The same margins on a logarithmic axis, of an interval that spans decades. */
 QwtInterval paddedLogarithmic(const QwtInterval& interval, double margin);
 
-/** Of a logarithmic axis: major ticks at round values, as many as possible but no more than
- * `maxSteps` steps. */
-QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int maxSteps);
+/** Major ticks at round values, as many as possible but no more than `maxSteps` steps. */
+QwtScaleDiv ticks(const QwtInterval& interval, int maxSteps, bool isLogarithmic = false);
 
-/** @param maxSteps steps between major ticks. */
-QwtScaleDiv ticks(const QwtInterval& interval, int maxSteps);
+/** The same, with so few steps that the labels stand apart. @param room length in pixels. */
+QwtScaleDiv readableTicks(const QwtInterval& interval, int maxSteps, bool isLogarithmic,
+                          bool isVertical, double room);
 
 /** The text of a tick: with the digits that distinguish it from its neighbours, and an exponent
  * where a plain number would be long. @param step between major ticks. */

@@ -13,9 +13,8 @@ ContourBands::ContourBands(const std::vector<double>& values, bool wantsLogarith
       isLogarithmic(wantsLogarithms && AxisScale::spansDecades(valueRange))
 {
     const QwtInterval exact = AxisScale::range(values);
-    const QwtScaleDiv scale = isLogarithmic ? AxisScale::logarithmicTicks(valueRange, maxSteps)
-                                            : AxisScale::ticks(valueRange, maxSteps);
-    const QList<double> ticks = scale.ticks(QwtScaleDiv::MajorTick);
+    const QList<double> ticks =
+        AxisScale::ticks(valueRange, maxSteps, isLogarithmic).ticks(QwtScaleDiv::MajorTick);
     levelStep = ticks.size() > 1 ? ticks[1] - ticks[0] : valueRange.width();
     const bool isConstant = exact.minValue() != valueRange.minValue();
     for (const double tick : ticks) {

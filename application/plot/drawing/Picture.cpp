@@ -17,12 +17,14 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRegularExpression>
 #include <QSvgGenerator>
 #include <qwt_plot_renderer.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -71,24 +73,8 @@ void fixCreationDate(QByteArray& pdf)
 /** QSvgGenerator opens a group at each change of the pen, even if nothing is drawn with it. */
 QByteArray withoutEmptyGroups(const QByteArray& svg)
 {
-    const QByteArray close = "</g>";
-    QByteArray result;
-    int copied = 0;
-    for (int open = svg.indexOf("<g "); open >= 0; open = svg.indexOf("<g ", open + 1)) {
-        const int content = svg.indexOf('>', open) + 1;
-        int end = content;
-        while (end < svg.size() && std::isspace(static_cast<unsigned char>(svg[end])) != 0) {
-            ++end;
-        }
-        if (svg.mid(end, close.size()) == close) {
-            result += svg.mid(copied, open - copied);
-            copied = end + close.size();
-            while (copied < svg.size() && svg[copied] == '\n') {
-                ++copied;
-            }
-        }
-    }
-    return result + svg.mid(copied);
+    const QRegularExpression emptyGroup(QStringLiteral("<g [^>]*>\\s*</g>\\n*"));
+    return QString::fromUtf8(svg).remove(emptyGroup).toUtf8();
 }
 
 /** QSvgGenerator writes rounded millimetres. */
@@ -118,25 +104,9 @@ public:
 class Block
 {
 public:
-    explicit Block(PictureData data, const std::optional<PictureSize>& wanted)
+    Block(PictureData data, const std::optional<PictureSize>& wanted)
     {
-        auto* const effects = std::get_if<EffectsPicture>(&data);
-        size = wanted.value_or(effects == nullptr ? PictureSize() : sizeOfEffect);
-        const auto* const terms = std::get_if<CoefficientPicture>(&data);
-        if (terms != nullptr && !wanted) {
-            size.height =
-                std::clamp(PlotWidget::heightOf(*terms), size.height, PictureSize::maxPixels);
-        }
-        if (effects == nullptr) {
-            addPanel(std::move(data));
-            return;
-        }
-        title = QString::fromStdString(oneLineText(effects->title));
-        caption = QString::fromStdString(oneLineText(effects->caption));
-        for (SweepPicture& effect : effects->effects) {
-            addPanel(std::move(effect));
-        }
-        columns = columnsFor(static_cast<int>(plots.size()));
+        std::visit([&](auto& picture) { add(std::move(picture), wanted); }, data);
     }
 
     QString titleText() const { return title.isEmpty() ? plots.front()->title().text() : title; }
@@ -196,7 +166,31 @@ private:
         return empty(least + 1) < empty(least) && least < count ? least + 1 : least;
     }
 
-    void addPanel(PictureData data)
+    void add(EffectsPicture effects, const std::optional<PictureSize>& wanted)
+    {
+        size = wanted.value_or(sizeOfEffect);
+        title = QString::fromStdString(oneLineText(effects.title));
+        caption = QString::fromStdString(oneLineText(effects.caption));
+        for (SweepPicture& effect : effects.effects) {
+            addPanel(std::move(effect));
+        }
+        columns = columnsFor(static_cast<int>(plots.size()));
+    }
+
+    template <typename Panel>
+    void add(Panel panel, const std::optional<PictureSize>& wanted)
+    {
+        size = wanted.value_or(PictureSize());
+        if constexpr (std::is_same_v<Panel, CoefficientPicture>) {
+            if (!wanted) {
+                size.height =
+                    std::clamp(PlotWidget::heightOf(panel), size.height, PictureSize::maxPixels);
+            }
+        }
+        addPanel(std::move(panel));
+    }
+
+    void addPanel(PanelData data)
     {
         plots.push_back(std::make_unique<PlotWidget>(std::move(data)));
         plots.back()->arrange(QSize(size.width, size.height));

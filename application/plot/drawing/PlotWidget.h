@@ -16,7 +16,7 @@
 class SURROGATE_PLOT_EXPORT PlotWidget : public QwtPlot
 {
 public:
-    explicit PlotWidget(PictureData data, QWidget* parent = nullptr);
+    explicit PlotWidget(PanelData data, QWidget* parent = nullptr);
     ~PlotWidget() override;
 
     /** At which there is room for all terms. */

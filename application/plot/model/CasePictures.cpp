@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <utility>
 
 LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
@@ -39,6 +40,8 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
 namespace {
 constexpr std::size_t maxWorst = 5;
 
+const std::string limitLabel = "\302\261 2 standard deviations";
+
 /** The cases whose differences are largest; their points are those with a prediction. */
 std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predictions)
 {
@@ -57,75 +60,94 @@ std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predicti
     return worst;
 }
 
-/** Twice the root mean square of the differences, or of those of logarithms. */
-double limitOf(const ActualPicture& picture, bool areLogarithms)
+/** Twice the root mean square of what `difference` makes of an actual value and its prediction. */
+template <typename Difference>
+double limitOf(const std::vector<double>& actual, const std::vector<double>& predicted,
+               Difference difference)
 {
     double squares = 0.0;
-    for (std::size_t i = 0; i < picture.actual.size(); ++i) {
-        const double difference = areLogarithms ? std::log(picture.actual[i] / picture.predicted[i])
-                                                : picture.actual[i] - picture.predicted[i];
-        squares += difference * difference;
+    for (std::size_t i = 0; i < actual.size(); ++i) {
+        squares += std::pow(difference(actual[i], predicted[i]), 2);
     }
-    const double limit = 2.0 * std::sqrt(squares / static_cast<double>(picture.actual.size()));
+    const double limit = 2.0 * std::sqrt(squares / static_cast<double>(actual.size()));
     return std::isfinite(limit) ? limit : 0.0;
+}
+
+double ratioOf(double actual, double predicted)
+{
+    return std::log(actual / predicted);
+}
+
+std::string axisName(const LeaveOneOutCases& cases, const std::string& name)
+{
+    return name + (cases.unit.empty() ? "" : " (" + cases.unit + ')');
+}
+
+std::string captionOf(const LeaveOneOutCases& cases, std::size_t drawn)
+{
+    const std::size_t predicted = cases.predictions.size();
+    std::string caption = "Each case predicted by a fit to the other cases";
+    if (predicted < cases.fittedCases) {
+        caption += ", " + std::to_string(predicted) + " of " + std::to_string(cases.fittedCases) +
+                   " cases drawn at random";
+    }
+    if (drawn < predicted) {
+        caption += "; " + std::to_string(predicted - drawn) +
+                   " left out, which the others do not determine";
+    }
+    return caption + '.';
 }
 } // namespace
 
-ActualPicture actualPicture(const LeaveOneOutCases& cases)
+ScatterPicture actualPicture(const LeaveOneOutCases& cases)
 {
-    ActualPicture picture;
+    ScatterPicture picture;
     picture.title = cases.outputName + ", " + cases.modelName + ", leave-one-out";
-    picture.outputName = cases.outputName;
-    picture.unit = cases.unit;
+    picture.xName = axisName(cases, cases.outputName + ", actual");
+    picture.yName = axisName(cases, cases.outputName + ", predicted");
+    picture.reference = ScatterPicture::DiagonalOfOneScale;
     for (const LeaveOneOutPrediction& each : cases.predictions) {
         if (std::isfinite(each.predicted)) {
-            picture.actual.push_back(each.output);
-            picture.predicted.push_back(each.predicted);
+            picture.x.push_back(each.output);
+            picture.y.push_back(each.predicted);
         }
     }
     const std::string owner = quotedText(cases.outputName);
-    if (picture.actual.empty()) {
+    if (picture.x.empty()) {
         throw SurrogateModelInterface::Error(
             "The cases of " + owner +
             " cannot be predicted from each other: without one of them the others do not "
             "determine the model. More cases would.");
     }
-    const std::size_t predicted = cases.predictions.size();
-    picture.caption = "Each case predicted by a fit to the other cases";
-    if (predicted < cases.fittedCases) {
-        picture.caption += ", " + std::to_string(predicted) + " of " +
-                           std::to_string(cases.fittedCases) + " cases drawn at random";
-    }
-    if (picture.actual.size() < predicted) {
-        picture.caption += "; " + std::to_string(predicted - picture.actual.size()) +
-                           " left out, which the others do not determine";
-    }
-    picture.caption += '.';
-    requireDrawable(picture.actual, owner);
-    requireDrawable(picture.predicted, "The model of " + owner);
-    picture.worst = worstOf(cases.predictions);
+    requireDrawable(picture.x, owner);
+    requireDrawable(picture.y, "The model of " + owner);
+    picture.caption = captionOf(cases, picture.x.size());
+    picture.marks = worstOf(cases.predictions);
     picture.isLogarithmic =
-        cases.isLogarithmic && AxisScale::spansDecades(AxisScale::range(picture.actual) |
-                                                       AxisScale::range(picture.predicted));
-    picture.limit = limitOf(picture, picture.isLogarithmic);
+        cases.isLogarithmic &&
+        AxisScale::spansDecades(AxisScale::range(picture.x) | AxisScale::range(picture.y));
+    picture.limit = picture.isLogarithmic ? limitOf(picture.x, picture.y, ratioOf)
+                                          : limitOf(picture.x, picture.y, std::minus<>());
+    picture.referenceLabel = "predicted = actual";
+    picture.limitLabel = limitLabel + (picture.isLogarithmic ? " of the logarithm" : "");
+    picture.caseLabel = "cases";
     return picture;
 }
 
-ResidualPicture residualPicture(const LeaveOneOutCases& cases)
+ScatterPicture residualPicture(const LeaveOneOutCases& cases)
 {
-    ActualPicture source = actualPicture(cases);
-    ResidualPicture picture;
-    picture.title = std::move(source.title);
-    picture.outputName = cases.outputName;
-    picture.unit = cases.unit;
-    picture.worst = std::move(source.worst);
-    picture.limit = limitOf(source, false);
-    picture.isLogarithmic = cases.isLogarithmic;
-    for (std::size_t i = 0; i < source.actual.size(); ++i) {
-        picture.residuals.push_back(source.actual[i] - source.predicted[i]);
+    ScatterPicture picture = actualPicture(cases);
+    const std::vector<double> actual = std::exchange(picture.x, std::move(picture.y));
+    picture.y.clear();
+    for (std::size_t i = 0; i < actual.size(); ++i) {
+        picture.y.push_back(actual[i] - picture.x[i]);
     }
-    requireDrawable(picture.residuals, "The model of " + quotedText(cases.outputName));
-    picture.predicted = std::move(source.predicted);
-    picture.caption = std::move(source.caption);
+    requireDrawable(picture.y, "The model of " + quotedText(cases.outputName));
+    picture.xName = std::exchange(picture.yName, axisName(cases, "actual - predicted"));
+    picture.reference = ScatterPicture::Zero;
+    picture.limit = limitOf(actual, picture.x, std::minus<>());
+    picture.isLogarithmic = cases.isLogarithmic;
+    picture.referenceLabel.clear();
+    picture.limitLabel = limitLabel;
     return picture;
 }

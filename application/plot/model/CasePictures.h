@@ -1,7 +1,6 @@
 #pragma once
 
-#include <plot/data/ActualPicture.h>
-#include <plot/data/ResidualPicture.h>
+#include <plot/data/ScatterPicture.h>
 
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 
@@ -27,9 +26,10 @@ struct SURROGATE_PLOT_EXPORT LeaveOneOutCases
     static LeaveOneOutCases of(CaseSession& session, std::size_t output);
 };
 
-/** Cases that the others do not determine are left out and counted in the caption.
- *  @throw SurrogateModelInterface::Error if that leaves none, or they cannot be drawn. */
-SURROGATE_PLOT_EXPORT ActualPicture actualPicture(const LeaveOneOutCases& cases);
+/** Predicted against actual values. Cases that the others do not determine are left out and counted
+ *  in the caption. @throw SurrogateModelInterface::Error if that leaves none, or they cannot be
+ *  drawn. */
+SURROGATE_PLOT_EXPORT ScatterPicture actualPicture(const LeaveOneOutCases& cases);
 
-/** Likewise, with actual minus predicted values. */
-SURROGATE_PLOT_EXPORT ResidualPicture residualPicture(const LeaveOneOutCases& cases);
+/** Likewise, actual minus predicted values against the predictions. */
+SURROGATE_PLOT_EXPORT ScatterPicture residualPicture(const LeaveOneOutCases& cases);

@@ -46,7 +46,7 @@ std::string placeText(const RidgePoint& point, const std::vector<std::string>& i
 }
 } // namespace
 
-NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics, const std::string& output)
+ScatterPicture normalPicture(const ResponseSurfaceStatistics& statistics, const std::string& output)
 {
     std::vector<const CaseDiagnostics*> cases;
     for (const CaseDiagnostics& one : statistics.cases) {
@@ -64,26 +64,27 @@ NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics, const s
         return left->externallyStudentised < right->externallyStudentised;
     });
 
-    NormalPicture picture;
+    ScatterPicture picture;
     picture.title = output + ", response surface, normal plot of the residuals";
-    picture.limit = statistics.outlierLimit;
+    picture.xName = "normal quantile";
+    picture.yName = "externally studentised residual";
+    picture.reference = ScatterPicture::Diagonal;
     const boost::math::normal normal;
     for (std::size_t k = 0; k < cases.size(); ++k) {
-        picture.quantiles.push_back(
-            boost::math::quantile(normal, plottingPosition(k, cases.size())));
-        picture.residuals.push_back(cases[k]->externallyStudentised);
+        picture.x.push_back(boost::math::quantile(normal, plottingPosition(k, cases.size())));
+        picture.y.push_back(cases[k]->externallyStudentised);
         if (std::abs(cases[k]->externallyStudentised) > statistics.outlierLimit) {
-            picture.outliers.push_back({k, cases[k]->row + 1});
+            picture.marks.push_back({k, cases[k]->row + 1});
         }
     }
-    requireDrawable(picture.residuals, "The model of " + quotedText(output));
+    requireDrawable(picture.y, "The model of " + quotedText(output));
     constexpr int digits = 3;
     picture.caption = "Residuals of normal noise lie near the dashed line. ";
-    picture.caption += picture.outliers.empty()
+    picture.caption += picture.marks.empty()
                            ? "No case is suspected to be an outlier: none is beyond "
                            : "Numbered cases are suspected to be outliers: they are beyond ";
     picture.caption +=
-        "\302\261 " + shownNumber(picture.limit, digits) + " (Bonferroni at 5\302\240%).";
+        "\302\261 " + shownNumber(statistics.outlierLimit, digits) + " (Bonferroni at 5\302\240%).";
     return picture;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/data/NormalPicture.h>
+#include <plot/data/ScatterPicture.h>
 #include <plot/data/SweepPicture.h>
 #include <plot/model/ConfidenceBand.h>
 
@@ -12,12 +12,12 @@
 #include <vector>
 
 /**
- * The externally studentised residuals of a response surface, whose rows are positions of cases;
- * the suspected outliers are numbered.
+ * The externally studentised residuals of a response surface, whose rows are positions of cases,
+ * against the normal quantiles of their ranks; suspected outliers are numbered.
  * @throw SurrogateModelInterface::Error if there are none.
  */
-SURROGATE_PLOT_EXPORT NormalPicture normalPicture(const ResponseSurfaceStatistics& statistics,
-                                                  const std::string& output);
+SURROGATE_PLOT_EXPORT ScatterPicture normalPicture(const ResponseSurfaceStatistics& statistics,
+                                                   const std::string& output);
 
 /**
  * The values along the ridge of ascent or of descent.

@@ -90,9 +90,9 @@ TEST(AxisScale, HasRoundTicksOnALogarithmicAxis)
                                 {{0.003, 2e3}, 7, {0.01, 0.1, 1, 10, 100, 1000}},
                                 {{1e-6, 1e6}, 5, {1e-6, 1e-3, 1, 1e3, 1e6}}};
     for (const Example& example : examples) {
-        EXPECT_EQ(AxisScale::logarithmicTicks(example.interval, example.most)
-                      .ticks(QwtScaleDiv::MajorTick),
-                  example.ticks)
+        EXPECT_EQ(
+            AxisScale::ticks(example.interval, example.most, true).ticks(QwtScaleDiv::MajorTick),
+            example.ticks)
             << example.interval.minValue() << ", " << example.most;
     }
 }

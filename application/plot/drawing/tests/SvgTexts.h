@@ -20,8 +20,13 @@ inline std::vector<std::string> textsOf(const std::string& svg)
     return reader.hasError() ? std::vector<std::string>() : texts;
 }
 
-inline bool hasText(const std::string& svg, const std::string& text)
+inline long countOfText(const std::string& svg, const std::string& text)
 {
     const std::vector<std::string> texts = textsOf(svg);
-    return std::find(texts.begin(), texts.end(), text) != texts.end();
+    return std::count(texts.begin(), texts.end(), text);
+}
+
+inline bool hasText(const std::string& svg, const std::string& text)
+{
+    return countOfText(svg, text) > 0;
 }

@@ -20,13 +20,13 @@ TEST(CasePictures, ActualAndPredictedComeFromTheOtherCases)
          {CaseSession::Kriging, CaseSession::ResponseSurface}) {
         CaseSession session = cvdSession(model);
 
-        const ActualPicture picture = actualPicture(LeaveOneOutCases::of(session, 0));
+        const ScatterPicture picture = actualPicture(LeaveOneOutCases::of(session, 0));
 
-        ASSERT_EQ(picture.actual.size(), 11u);
-        EXPECT_EQ(picture.actual[0], 4.6);
+        ASSERT_EQ(picture.x.size(), 11u);
+        EXPECT_EQ(picture.x[0], 4.6);
         double press = 0.0;
-        for (std::size_t i = 0; i < picture.actual.size(); ++i) {
-            press += std::pow(picture.actual[i] - picture.predicted[i], 2);
+        for (std::size_t i = 0; i < picture.x.size(); ++i) {
+            press += std::pow(picture.x[i] - picture.y[i], 2);
         }
         const FitMetrics metrics = session.fit().outputs.front().metrics;
         EXPECT_NEAR(std::sqrt(press / 11.0), metrics.looRmse, 1e-9 * metrics.looRmse);
@@ -39,17 +39,36 @@ TEST(CasePictures, ResidualsAreActualMinusPredicted)
     CaseSession session = cvdSession();
     const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 1);
 
-    const ActualPicture actual = actualPicture(cases);
-    const ResidualPicture picture = residualPicture(cases);
+    const ScatterPicture actual = actualPicture(cases);
+    const ScatterPicture residuals = residualPicture(cases);
 
-    EXPECT_EQ(picture.title, "Stress, response surface, leave-one-out");
-    EXPECT_EQ(picture.outputName, "Stress");
-    EXPECT_EQ(picture.predicted, actual.predicted);
-    EXPECT_EQ(picture.caption, actual.caption);
-    ASSERT_EQ(picture.residuals.size(), 11u);
+    EXPECT_EQ(residuals.title, "Stress, response surface, leave-one-out");
+    EXPECT_EQ(residuals.x, actual.y);
+    EXPECT_EQ(residuals.caption, actual.caption);
+    ASSERT_EQ(residuals.y.size(), 11u);
     for (std::size_t i = 0; i < 11; ++i) {
-        EXPECT_EQ(picture.residuals[i], actual.actual[i] - actual.predicted[i]);
+        EXPECT_EQ(residuals.y[i], actual.x[i] - actual.y[i]);
     }
+}
+
+TEST(CasePictures, NameWhatTheyShow)
+{
+    CaseTable table = cvdCases();
+    table.columns[3].unit = "GPa";
+    CaseSession session(std::move(table), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 0);
+
+    const ScatterPicture actual = actualPicture(cases);
+    const ScatterPicture residuals = residualPicture(cases);
+
+    EXPECT_EQ(actual.xName, "Stress, actual (GPa)");
+    EXPECT_EQ(actual.yName, "Stress, predicted (GPa)");
+    EXPECT_EQ(actual.referenceLabel, "predicted = actual");
+    EXPECT_EQ(actual.limitLabel, "\302\261 2 standard deviations");
+    EXPECT_EQ(residuals.xName, actual.yName);
+    EXPECT_EQ(residuals.yName, "actual - predicted (GPa)");
+    EXPECT_EQ(residuals.referenceLabel, "");
+    EXPECT_EQ(residuals.limitLabel, actual.limitLabel);
 }
 
 TEST(CasePictures, NumberTheFiveWorstCasesAsTheCaseFileDoes)
@@ -57,25 +76,25 @@ TEST(CasePictures, NumberTheFiveWorstCasesAsTheCaseFileDoes)
     CaseSession session = cvdSession();
     session.exclude({0, 3});
 
-    const ActualPicture actual = actualPicture(LeaveOneOutCases::of(session, 0));
-    const ResidualPicture residuals = residualPicture(LeaveOneOutCases::of(session, 0));
+    const ScatterPicture actual = actualPicture(LeaveOneOutCases::of(session, 0));
+    const ScatterPicture residuals = residualPicture(LeaveOneOutCases::of(session, 0));
 
-    ASSERT_EQ(actual.worst.size(), 5u);
-    ASSERT_EQ(residuals.worst.size(), 5u);
+    ASSERT_EQ(actual.marks.size(), 5u);
+    ASSERT_EQ(residuals.marks.size(), 5u);
     const std::vector<std::size_t> valid = session.validCases();
     double before = 1e300;
     for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(actual.worst[i].caseNumber, valid[actual.worst[i].point] + 1);
-        EXPECT_EQ(residuals.worst[i].caseNumber, actual.worst[i].caseNumber);
-        const double size = std::abs(residuals.residuals[residuals.worst[i].point]);
+        EXPECT_EQ(actual.marks[i].caseNumber, valid[actual.marks[i].point] + 1);
+        EXPECT_EQ(residuals.marks[i].caseNumber, actual.marks[i].caseNumber);
+        const double size = std::abs(residuals.y[residuals.marks[i].point]);
         EXPECT_LE(size, before);
         before = size;
     }
-    for (std::size_t point = 0; point < residuals.residuals.size(); ++point) {
+    for (std::size_t point = 0; point < residuals.y.size(); ++point) {
         const bool isMarked =
-            std::any_of(actual.worst.begin(), actual.worst.end(),
+            std::any_of(actual.marks.begin(), actual.marks.end(),
                         [point](const CaseMark& mark) { return mark.point == point; });
-        EXPECT_TRUE(isMarked || std::abs(residuals.residuals[point]) <= before);
+        EXPECT_TRUE(isMarked || std::abs(residuals.y[point]) <= before);
     }
 }
 
@@ -84,7 +103,7 @@ TEST(CasePictures, CountOnlyDrawnCasesAmongTheWorst)
     const LeaveOneOutCases cases = {
         "y", "Kriging", {{4, 1.0, std::nan(""), 0.1}, {6, 3.0, 2.5, 0.1}, {8, 5.0, 7.0, 0.1}}, 3};
 
-    const std::vector<CaseMark> worst = actualPicture(cases).worst;
+    const std::vector<CaseMark> worst = actualPicture(cases).marks;
 
     ASSERT_EQ(worst.size(), 2u);
     EXPECT_EQ(worst[0].point, 1u);
@@ -105,21 +124,12 @@ TEST(CasePictures, HaveLimitsAtTwoStandardDeviations)
 
 TEST(CasePictures, HaveLimitsOfTheLogarithmWhereTheAxesHave)
 {
-    const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, 2.0, 1.0}, {1, 100.0, 50.0, 1.0}}, 2, "", true};
+    const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, 2.0, 1.0}, {1, 100.0, 50.0, 1.0}},
+                                    2,   "",        true};
 
     EXPECT_NEAR(actualPicture(cases).limit, 2.0 * std::log(2.0), 1e-12);
+    EXPECT_EQ(actualPicture(cases).limitLabel, "\302\261 2 standard deviations of the logarithm");
     EXPECT_NEAR(residualPicture(cases).limit, 2.0 * std::sqrt(2501.0 / 2.0), 1e-9);
-}
-
-TEST(CasePictures, HaveTheUnitOfTheOutput)
-{
-    CaseTable table = cvdCases();
-    table.columns[3].unit = "GPa";
-    CaseSession session(std::move(table), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
-    const LeaveOneOutCases cases = LeaveOneOutCases::of(session, 0);
-
-    EXPECT_EQ(actualPicture(cases).unit, "GPa");
-    EXPECT_EQ(residualPicture(cases).unit, "GPa");
 }
 
 TEST(CasePictures, RefuseAModelThatHasNoCases)
@@ -136,10 +146,10 @@ TEST(CasePictures, LeaveOutAndCountCasesThatTheOthersDoNotDetermine)
     const LeaveOneOutCases cases = {
         "y", "Kriging", {{0, 1.0, 1.5, none}, {1, 3.0, 2.5, none}, {2, 5.0, none, none}}, 3};
 
-    const ActualPicture picture = actualPicture(cases);
+    const ScatterPicture picture = actualPicture(cases);
 
-    EXPECT_EQ(picture.actual, (std::vector<double>{1.0, 3.0}));
-    EXPECT_EQ(picture.predicted, (std::vector<double>{1.5, 2.5}));
+    EXPECT_EQ(picture.x, (std::vector<double>{1.0, 3.0}));
+    EXPECT_EQ(picture.y, (std::vector<double>{1.5, 2.5}));
     EXPECT_EQ(picture.caption, "Each case predicted by a fit to the other cases; 1 left out, which "
                                "the others do not determine.");
 }

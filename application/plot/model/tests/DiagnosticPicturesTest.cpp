@@ -27,15 +27,15 @@ ResponseSurfaceStatistics uniformity(double spoiling = 0.0)
 
 TEST(DiagnosticPictures, SetResidualsAgainstNormalQuantiles)
 {
-    const NormalPicture picture = normalPicture(uniformity(), "Uniformity");
+    const ScatterPicture picture = normalPicture(uniformity(), "Uniformity");
 
     // R: qqnorm(rstudent(lm(...)))
-    ASSERT_EQ(picture.residuals.size(), 11u);
-    EXPECT_NEAR(picture.residuals.front(), -1.728626240724724, 1e-9);
-    EXPECT_NEAR(picture.quantiles.front(), -1.69062163, 1e-8);
-    EXPECT_NEAR(picture.quantiles[5], 0.0, 1e-15);
-    EXPECT_NEAR(picture.residuals.back(), 1.541927024892796, 1e-9);
-    EXPECT_TRUE(picture.outliers.empty());
+    ASSERT_EQ(picture.y.size(), 11u);
+    EXPECT_NEAR(picture.y.front(), -1.728626240724724, 1e-9);
+    EXPECT_NEAR(picture.x.front(), -1.69062163, 1e-8);
+    EXPECT_NEAR(picture.x[5], 0.0, 1e-15);
+    EXPECT_NEAR(picture.y.back(), 1.541927024892796, 1e-9);
+    EXPECT_TRUE(picture.marks.empty());
     EXPECT_EQ(picture.caption,
               "Residuals of normal noise lie near the dashed line. No case is suspected to be an "
               "outlier: none is beyond \302\261 5.75 (Bonferroni at 5\302\240%).");
@@ -43,11 +43,11 @@ TEST(DiagnosticPictures, SetResidualsAgainstNormalQuantiles)
 
 TEST(DiagnosticPictures, NumberSuspectedOutliers)
 {
-    const NormalPicture picture = normalPicture(uniformity(5.0), "Uniformity");
+    const ScatterPicture picture = normalPicture(uniformity(5.0), "Uniformity");
 
-    ASSERT_EQ(picture.outliers.size(), 1u);
-    EXPECT_EQ(picture.outliers[0].point, 10u);
-    EXPECT_EQ(picture.outliers[0].caseNumber, 4u);
+    ASSERT_EQ(picture.marks.size(), 1u);
+    EXPECT_EQ(picture.marks[0].point, 10u);
+    EXPECT_EQ(picture.marks[0].caseNumber, 4u);
 }
 
 TEST(DiagnosticPictures, HaveNoResidualsOfASaturatedFit)
