@@ -18,7 +18,7 @@ constexpr std::size_t laneCount = 8;
  * has. Not under the sanitizers, whose run time is not ready yet when the loader chooses.
  */
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) &&                             \
-    !defined(__SANITIZE_ADDRESS__)
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define SURROGATE_SIMD __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define SURROGATE_SIMD
