@@ -19,11 +19,6 @@ namespace {
 /** Of fewer cases every one is far from the others. */
 constexpr std::size_t fewestCases = 8;
 
-bool isConstant(const Column& column)
-{
-    return column.minimum() == column.maximum();
-}
-
 Finding finding(const std::string& kind, Finding::Severity severity,
                 const std::vector<std::string>& columns, const std::string& text)
 {
@@ -34,7 +29,7 @@ void addConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findin
 {
     std::vector<std::string> constant;
     for (const Column& input : cases.inputs) {
-        if (isConstant(input)) {
+        if (input.isConstant()) {
             constant.push_back(input.name);
         }
     }
@@ -77,7 +72,7 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
     std::vector<std::string> found;
     std::vector<std::string> sentences;
     for (const Column& input : cases.inputs) {
-        if (isConstant(input)) {
+        if (input.isConstant()) {
             continue;
         }
         const double size = std::max(std::fabs(input.minimum()), std::fabs(input.maximum()));
@@ -288,7 +283,7 @@ std::vector<Finding> ColumnFindings::constants(const DiagnosedCases& cases)
         return findings;
     }
     for (const Column& output : cases.outputs) {
-        if (isConstant(output)) {
+        if (output.isConstant()) {
             findings.push_back(finding("constantOutput", Finding::Severe, {output.name},
                                        names({output.name}) + " is the same in every case: there "
                                                               "is nothing to model; check the "

@@ -92,7 +92,7 @@ private:
 void LinearDependences::add(std::size_t input)
 {
     const Column& source = cases.inputs[input];
-    if (!hasCasesFor(kept.size()) || source.minimum() == source.maximum()) {
+    if (!hasCasesFor(kept.size()) || source.isConstant()) {
         return;
     }
     Kept column{input, source.values, mean(source.values), 0.0, source.range(), 0.0, {}};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <unordered_set>
 
 namespace {
@@ -26,6 +27,11 @@ std::vector<double> valuesAt(const std::vector<double>& values,
     return chosen;
 }
 } // namespace
+
+bool DiagnosedCases::Column::isConstant() const
+{
+    return std::adjacent_find(values.begin(), values.end(), std::not_equal_to<>()) == values.end();
+}
 
 double DiagnosedCases::Column::minimum() const
 {

@@ -17,6 +17,8 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
         std::string name;
         std::vector<double> values;
 
+        /** Whether it has no two values that differ; cheap where it has. */
+        bool isConstant() const;
         double minimum() const;
         double maximum() const;
         double range() const { return maximum() - minimum(); }

@@ -290,7 +290,7 @@ std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
     std::vector<Finding> findings;
     std::vector<const Column*> varying;
     for (const Column& input : cases.inputs) {
-        if (input.minimum() != input.maximum()) {
+        if (!input.isConstant()) {
             varying.push_back(&input);
         }
     }

@@ -80,7 +80,7 @@ bool determineInteractions(const DiagnosedCases& cases, std::size_t rank)
     smaller.responseSurface.terms = PolynomialTerms::Interactions;
     std::vector<bool> isVarying;
     for (const Column& input : cases.inputs) {
-        isVarying.push_back(input.minimum() != input.maximum());
+        isVarying.push_back(!input.isConstant());
     }
     return TermFindings::rank(smaller) == rank &&
            SurrogateResponseSurfaceModel::termCount(smaller.responseSurface, isVarying) == rank;
@@ -91,7 +91,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
 {
     std::vector<bool> isVarying;
     for (const Column& input : cases.inputs) {
-        isVarying.push_back(!input.values.empty() && input.minimum() != input.maximum());
+        isVarying.push_back(!input.isConstant());
     }
     const auto inputs =
         static_cast<std::size_t>(std::count(isVarying.begin(), isVarying.end(), true));

@@ -45,7 +45,7 @@ std::vector<Term> termsOf(const DiagnosedCases& cases)
         }
     }
     const auto isConstant = [&](std::size_t input) {
-        return cases.inputs[input].minimum() == cases.inputs[input].maximum();
+        return cases.inputs[input].isConstant();
     };
     terms.erase(std::remove_if(terms.begin(), terms.end(),
                                [&](const Term& term) {

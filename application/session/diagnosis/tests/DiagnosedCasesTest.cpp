@@ -46,3 +46,10 @@ TEST(DiagnosedCases, DistinctValuesAndTheLastDigitAreCounted)
     EXPECT_DOUBLE_EQ(lastDigit({1, 2.25, 0.5}), 0.01);
     EXPECT_EQ(lastDigit({1.0 / 3.0}), 0.0);
 }
+
+TEST(DiagnosedCases, AColumnIsConstantUntilAValueDiffers)
+{
+    EXPECT_TRUE((DiagnosedCases::Column{"a", {2, 2, 2}}).isConstant());
+    EXPECT_TRUE((DiagnosedCases::Column{"a", {2}}).isConstant());
+    EXPECT_FALSE((DiagnosedCases::Column{"a", {2, 2, 3}}).isConstant());
+}
