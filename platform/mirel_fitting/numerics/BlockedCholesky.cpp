@@ -156,10 +156,6 @@ bool BlockedCholesky::factorise()
 
 void BlockedCholesky::solveLower(double* columns, std::size_t count) const
 {
-    if (small) {
-        small->solveLower(columns, count);
-        return;
-    }
     if (!isSplit()) {
         solveTriangle(CblasNoTrans, matrix.data(), size, size, columns, count, size);
         return;

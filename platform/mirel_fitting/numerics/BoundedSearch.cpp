@@ -100,15 +100,11 @@ void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
 {
     for (int k = 0; k < steps && !done; ++k) {
         proposeStep();
-        const double before = currentValue;
         const bool isLast = isLastTime && k + 1 == steps;
         if (expectedGain() < smallestGain ||
             !tryStep(isLast ? rule.maxTriesOfLast : rule.maxTries, isLast)) {
             done = true;
-            return;
         }
-        stalls = currentValue - before < smallestGain ? stalls + 1 : 0;
-        done = stalls == rule.maxStalls;
     }
 }
 

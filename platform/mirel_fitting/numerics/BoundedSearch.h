@@ -49,10 +49,6 @@ public:
          *  smaller than any gain that counts. */
         int maxTries = 12;
         int maxTriesOfLast = 3; ///< of finish()
-        /** Number of steps in a row with less than the smallest gain that stop the search: where
-         *  the function is flat but for rounding, the quadratic model keeps expecting more. Without
-         *  this limit likelihoods of few cases take a quarter more evaluations. */
-        int maxStalls = 2;
     };
 
     /** @param objective is borrowed for life. @param start is moved into the bounds. */
@@ -66,8 +62,8 @@ public:
     /** Whether the function has a value at the start. */
     bool isFeasible() const;
 
-    /** At most `steps` steps. Converged when the gain that the quadratic model expects, or that
-     *  steps achieve, is below `smallestGain`. */
+    /** At most `steps` steps. Converged when the gain that the quadratic model expects is below
+     *  `smallestGain`, or no step gains anything. */
     void advance(int steps, double smallestGain);
 
     /** advance() for the last time: saves the gradient at the end point, and tries the last step
@@ -98,7 +94,6 @@ private:
     std::vector<double> hessian; // of minus the function, by rows
     std::vector<double> step;
     double trustRadius;
-    int stalls = 0; // steps in a row below the smallest gain
     bool isStepLimited = false;
     bool hasCurvature = false;
     bool done = false;

@@ -83,55 +83,6 @@ SURROGATE_SIMD void factoriseBelow(double* factor, std::size_t width, std::size_
     }
 }
 
-/** Forward substitution of `count` columns, in place: together they hide the latency of a single
- *  chain of operations. */
-template <std::size_t count>
-SURROGATE_LANE_OPERATION substitute(const double* factor, std::size_t width, double* columns)
-{
-    for (std::size_t row = 0; row < width; row += tile) {
-        Lanes rest[count];
-        for (std::size_t c = 0; c < count; ++c) {
-            loadLanes(columns + c * width + row, rest[c]);
-        }
-        for (std::size_t k = 0; k < row; ++k) {
-            Lanes rows;
-            loadLanes(factor + k * width + row, rows);
-#pragma GCC unroll 8
-            for (std::size_t c = 0; c < count; ++c) {
-                rest[c] -= rows * columns[c * width + k];
-            }
-        }
-#pragma GCC unroll 8
-        for (std::size_t k = 0; k < tile; ++k) {
-            const double* corner = factor + (row + k) * width + row;
-            Lanes rows;
-            loadLanes(corner, rows);
-#pragma GCC unroll 8
-            for (std::size_t c = 0; c < count; ++c) {
-                // Above the diagonal the factor is zero: unknowns already solved do not change.
-                const double solved = rest[c][k] / corner[k];
-                rest[c] -= rows * solved;
-                rest[c][k] = solved;
-            }
-        }
-        for (std::size_t c = 0; c < count; ++c) {
-            storeLanes(rest[c], columns + c * width + row);
-        }
-    }
-}
-
-constexpr std::size_t columnsAtOnce = 4;
-
-SURROGATE_SIMD void substituteOne(const double* factor, std::size_t width, double* columns)
-{
-    substitute<1>(factor, width, columns);
-}
-
-SURROGATE_SIMD void substituteSeveral(const double* factor, std::size_t width, double* columns)
-{
-    substitute<columnsAtOnce>(factor, width, columns);
-}
-
 /** The inverse of the factor, by rows: forward substitution of the columns of the identity. */
 SURROGATE_SIMD void invertFactor(const double* factor, std::size_t width, double* result)
 {
@@ -187,7 +138,7 @@ SURROGATE_SIMD void multiplyByTranspose(const double* x, std::size_t width, doub
 
 SmallCholesky::SmallCholesky(std::size_t order)
     : order(order), width(AlignedBuffer::padded(order)), factor(width * width),
-      factorInverse(width * width), inverse(width * width), right(width * columnsAtOnce)
+      factorInverse(width * width), inverse(width * width)
 {}
 
 bool SmallCholesky::factorise(double* matrix)
@@ -222,21 +173,4 @@ const double* SmallCholesky::invert()
     invertFactor(factor.data(), width, factorInverse.data());
     multiplyByTranspose(factorInverse.data(), width, inverse.data());
     return inverse.data();
-}
-
-void SmallCholesky::solveLower(double* columns, std::size_t count)
-{
-    for (std::size_t first = 0; first < count; first += columnsAtOnce) {
-        const std::size_t taken = std::min(columnsAtOnce, count - first);
-        double* start = columns + first * order;
-        for (std::size_t c = 0; c < taken; ++c) {
-            std::copy(start + c * order, start + (c + 1) * order, right.data() + c * width);
-            std::fill(right.data() + c * width + order, right.data() + (c + 1) * width, 0.0);
-        }
-        (taken == 1 ? substituteOne : substituteSeveral)(factor.data(), width, right.data());
-        for (std::size_t c = 0; c < taken; ++c) {
-            const double* solved = right.data() + c * width;
-            std::copy(solved, solved + order, start + c * order);
-        }
-    }
 }

@@ -32,14 +32,10 @@ public:
 
     std::size_t stride() const { return width; }
 
-    /** Columns of as many elements as rows become the inverse of the factor times them. */
-    void solveLower(double* columns, std::size_t count);
-
 private:
     std::size_t order;
     std::size_t width; // the order, padded to whole tiles by an identity matrix
     AlignedBuffer factor;
     AlignedBuffer factorInverse; // by rows
     AlignedBuffer inverse;
-    AlignedBuffer right;
 };

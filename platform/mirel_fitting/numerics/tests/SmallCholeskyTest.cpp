@@ -72,34 +72,6 @@ TEST_P(SmallCholeskyOfCorrelations, InverseHasTheDiagonalsOfTheClosedForm)
     }
 }
 
-TEST_P(SmallCholeskyOfCorrelations, SolvesWithTheFactorInPlace)
-{
-    std::vector<double> factor = matrix();
-    SmallCholesky cholesky(order);
-    ASSERT_TRUE(cholesky.factorise(factor.data()));
-    // Several are solved at once: whole groups of them and what is left over.
-    for (const std::size_t count : {1, 3, 4, 9}) {
-        std::vector<double> expected;
-        for (std::size_t i = 0; i < order * count; ++i) {
-            expected.push_back(1.0 - static_cast<double>((7 * i) % 13));
-        }
-        std::vector<double> columns(expected.size(), 0.0);
-        for (std::size_t c = 0; c < count; ++c) {
-            for (std::size_t j = 0; j < order; ++j) {
-                for (std::size_t i = j; i < order; ++i) {
-                    columns[c * order + i] += factor[j * order + i] * expected[c * order + j];
-                }
-            }
-        }
-
-        cholesky.solveLower(columns.data(), count);
-
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            EXPECT_NEAR(columns[i], expected[i], 1e-12) << count << ", " << i;
-        }
-    }
-}
-
 // Less than a tile, whole tiles, one more and one less, and the largest.
 INSTANTIATE_TEST_SUITE_P(Orders, SmallCholeskyOfCorrelations,
                          testing::Values(1, 2, 7, 8, 9, 16, 50, 63, SmallCholesky::largestOrder));
