@@ -132,15 +132,9 @@ PolynomialPredictor polynomialOf(const Description& description)
     output.constant = description.offset;
     output.coefficients.assign(basis.size(), 0.0);
     for (const Description::Term& term : description.terms) {
-        std::size_t position = 0;
-        if (term.second != noFactor) {
-            position = basis.productOf(term.first, term.second);
-        } else if (term.first != noFactor) {
-            position = 1 + term.first;
-        } else {
-            output.constant += term.coefficient;
-        }
+        const std::size_t position = basis.position({term.first, term.second});
         output.coefficients[position] += term.coefficient;
+        output.constant += position == 0 ? term.coefficient : 0.0;
     }
     return {basis, std::move(scales), {std::move(output)}};
 }

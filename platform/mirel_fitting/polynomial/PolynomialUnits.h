@@ -13,7 +13,7 @@
 class PolynomialUnits
 {
 public:
-    /** Both are borrowed; they must outlive this object. */
+    /** @param basis is borrowed; it must outlive this object. */
     PolynomialUnits(const QuadraticBasis& basis, const std::vector<ColumnScale>& scales);
 
     /** Coefficients of the terms of V - c. Exact, since the units are powers of two. */
@@ -24,7 +24,7 @@ public:
 
     /** As expanded(), but with the magnitudes of all summands: how large its coefficients would be
      *  without cancellation. */
-    std::vector<double> expandedMagnitudes(const std::vector<double>& scaled) const;
+    std::vector<double> expandedMagnitudes(std::vector<double> scaled) const;
 
     /** Coefficients of the terms of inputs coded to [-1, 1] over their ranges. */
     std::vector<double> coded(const std::vector<double>& scaled) const;
@@ -38,5 +38,12 @@ public:
 
 private:
     const QuadraticBasis& basis;
-    const std::vector<ColumnScale>& scales;
+    // One per input.
+    std::vector<double> zeros;
+    std::vector<double> centres;
+    std::vector<double> units;
+    std::vector<double> offsets;     // z where V is 0
+    std::vector<double> perUnit;     // 1 / u
+    std::vector<double> codedRanges; // half the range in units
+    std::vector<double> magnitudes;  // of V - c, expanded: the largest |V| and |c|
 };

@@ -3,6 +3,7 @@
 #include <mirel_fitting/machine/SimdLanes.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -49,6 +50,43 @@ std::size_t QuadraticBasis::termCount(std::size_t inputs, int order)
         return std::numeric_limits<std::size_t>::max();
     }
     return order == 1 ? inputs + 1 : (inputs + 1) * (inputs + 2) / 2;
+}
+
+std::vector<double> QuadraticBasis::substituted(const std::vector<double>& coefficients,
+                                                const std::vector<double>& offsets,
+                                                const std::vector<double>& slopes) const
+{
+    std::vector<double> result(size(), 0.0);
+    for (std::size_t t = 0; t < size(); ++t) {
+        const double c = coefficients[t];
+        const auto [i, j] = termList[t];
+        if (i == noInput) {
+            result[0] += c;
+        } else if (j == noInput) {
+            result[0] += c * offsets[i];
+            result[t] += c * slopes[i];
+        } else {
+            result[0] += c * offsets[i] * offsets[j];
+            result[1 + i] += c * slopes[i] * offsets[j];
+            result[1 + j] += c * offsets[i] * slopes[j];
+            result[t] += c * slopes[i] * slopes[j];
+        }
+    }
+    return result;
+}
+
+double QuadraticBasis::sumOfMagnitudes(const std::vector<double>& coefficients,
+                                       const std::vector<double>& magnitudes) const
+{
+    double sum = 0.0;
+    for (std::size_t t = 0; t < size(); ++t) {
+        double size = std::fabs(coefficients[t]);
+        for (const std::size_t input : {termList[t].first, termList[t].second}) {
+            size *= input == noInput ? 1.0 : magnitudes[input];
+        }
+        sum += size;
+    }
+    return sum;
 }
 
 std::string QuadraticBasis::name(const Term& term, const InputNames& names)

@@ -44,12 +44,29 @@ public:
     std::size_t size() const { return termList.size(); }
     const std::vector<Term>& terms() const { return termList; }
 
-    /** The position of the product of two inputs, first <= second, in a basis of order 2. */
-    std::size_t productOf(std::size_t first, std::size_t second) const
+    /** The position of a term, first <= second, in a basis that has it. */
+    std::size_t position(const Term& term) const
     {
-        // The products of the inputs before `first` take inputs - i places each.
-        return 1 + inputCount + first * inputCount - first * (first + 1) / 2 + second;
+        // The products of the inputs before the first take inputs - i places each.
+        return term.first == noInput    ? 0
+               : term.second == noInput ? 1 + term.first
+                                        : 1 + inputCount + term.first * inputCount -
+                                              term.first * (term.first + 1) / 2 + term.second;
     }
+
+    /**
+     * The same polynomial in other inputs V, of which the present ones are z_k = offsets[k] +
+     * slopes[k] V_k.
+     * @param coefficients one per term; more are ignored. @param offsets, slopes one per input.
+     * @return one coefficient per term.
+     */
+    std::vector<double> substituted(const std::vector<double>& coefficients,
+                                    const std::vector<double>& offsets,
+                                    const std::vector<double>& slopes) const;
+
+    /** The sum of |coefficient times the product of its inputs| where |V_k| = magnitudes[k]. */
+    double sumOfMagnitudes(const std::vector<double>& coefficients,
+                           const std::vector<double>& magnitudes) const;
 
     /** "1", "V1", "V1^2", "V1 V2", or with the names of the inputs. */
     static std::string name(const Term& term, const InputNames& names = InputNames());

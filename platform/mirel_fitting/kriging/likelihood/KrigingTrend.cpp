@@ -6,14 +6,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
-#include <tuple>
 #include <utility>
 
 KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
                            const std::vector<double>& coordinates, int highestOrder,
                            std::size_t otherParameters)
-    : inputCount(inputs)
 {
     usedOrder = inputs == 0 ? 0 : highestOrder;
     while (usedOrder > 0 &&
@@ -23,15 +20,15 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
 
     const SingleThreadedBlas singleThreaded;
     const QuadraticBasis allTerms(inputs, usedOrder);
+    std::vector<const double*> points;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        points.push_back(coordinates.data() + k * cases);
+    }
     orthonormal = OrthonormalColumns(cases, allTerms.size());
     for (const Term& term : allTerms.terms()) {
         FitProgress::advance();
-        std::vector<double> column(cases, 1.0);
-        for (const std::size_t factor : {term.first, term.second}) {
-            for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < cases; ++i) {
-                column[i] *= centred(coordinates[factor * cases + i]);
-            }
-        }
+        std::vector<double> column(cases);
+        evaluate(term, points, cases, column.data());
         if (!orthonormal.append(column.data(), OrthonormalColumns::independent)) {
             dropped.push_back(term);
             continue;
@@ -41,49 +38,13 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
     }
 }
 
-KrigingTrend::KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms)
-    : inputCount(inputs), terms(std::move(terms))
+KrigingTrend::KrigingTrend(std::vector<QuadraticBasis::Term> terms) : terms(std::move(terms))
 {
     for (const Term& term : this->terms) {
         const int order = static_cast<int>(term.first != QuadraticBasis::noInput) +
                           static_cast<int>(term.second != QuadraticBasis::noInput);
         usedOrder = std::max(usedOrder, order);
     }
-}
-
-std::string KrigingTrend::name(const Term& term, const std::vector<std::size_t>& inputNumbers)
-{
-    if (term.first == QuadraticBasis::noInput) {
-        return "1";
-    }
-    const std::string first = "V" + std::to_string(inputNumbers[term.first]);
-    if (term.second == QuadraticBasis::noInput) {
-        return first;
-    }
-    if (term.second == term.first) {
-        return first + "^2";
-    }
-    return first + " V" + std::to_string(inputNumbers[term.second]);
-}
-
-int KrigingTrend::order() const
-{
-    return usedOrder;
-}
-
-std::size_t KrigingTrend::size() const
-{
-    return terms.size();
-}
-
-const std::vector<QuadraticBasis::Term>& KrigingTrend::keptTerms() const
-{
-    return terms;
-}
-
-const std::vector<double>& KrigingTrend::matrix() const
-{
-    return values;
 }
 
 KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>& output) const
@@ -116,36 +77,27 @@ KrigingTrend::LeastSquares KrigingTrend::leastSquares(const std::vector<double>&
     return result;
 }
 
-std::vector<std::string> KrigingTrend::names(const std::vector<std::size_t>& inputNumbers) const
-{
-    std::vector<std::string> result;
-    for (const Term& term : terms) {
-        result.push_back(name(term, inputNumbers));
-    }
-    return result;
-}
-
 void KrigingTrend::add(const std::vector<const double*>& points, std::size_t count,
                        const std::vector<double>& coefficients, double* result) const
 {
     for (std::size_t t = 0; t < terms.size(); ++t) {
-        const Term term = terms[t];
-        const double coefficient = coefficients[t];
-        if (term.first == QuadraticBasis::noInput) {
-            for (std::size_t i = 0; i < count; ++i) {
-                result[i] += coefficient;
-            }
-        } else if (term.second == QuadraticBasis::noInput) {
-            const double* x = points[term.first];
-            for (std::size_t i = 0; i < count; ++i) {
-                result[i] += coefficient * centred(x[i]);
-            }
-        } else {
-            const double* x = points[term.first];
-            const double* y = points[term.second];
-            for (std::size_t i = 0; i < count; ++i) {
-                result[i] += coefficient * centred(x[i]) * centred(y[i]);
-            }
+        const auto [first, second] = terms[t];
+        const double* x = first == QuadraticBasis::noInput ? nullptr : points[first];
+        const double* y = second == QuadraticBasis::noInput ? nullptr : points[second];
+        for (std::size_t i = 0; i < count; ++i) {
+            result[i] += coefficients[t] * (x ? centred(x[i]) : 1.0) * (y ? centred(y[i]) : 1.0);
+        }
+    }
+}
+
+/** One term at points. */
+void KrigingTrend::evaluate(const Term& term, const std::vector<const double*>& points,
+                            std::size_t count, double* column)
+{
+    std::fill_n(column, count, 1.0);
+    for (const std::size_t factor : {term.first, term.second}) {
+        for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < count; ++i) {
+            column[i] *= centred(points[factor][i]);
         }
     }
 }
@@ -154,13 +106,7 @@ void KrigingTrend::evaluate(const std::vector<const double*>& points, std::size_
                             double* result, std::size_t stride) const
 {
     for (std::size_t t = 0; t < terms.size(); ++t) {
-        double* column = result + t * stride;
-        std::fill_n(column, count, 1.0);
-        for (const std::size_t factor : {terms[t].first, terms[t].second}) {
-            for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < count; ++i) {
-                column[i] *= centred(points[factor][i]);
-            }
-        }
+        evaluate(terms[t], points, count, result + t * stride);
     }
 }
 
@@ -187,48 +133,4 @@ void KrigingTrend::addGradients(const std::vector<const double*>& points, std::s
             gradients[term.second][i] += slope * coefficients[t] * first;
         }
     }
-}
-
-std::vector<KrigingTrend::RawTerm>
-KrigingTrend::inRawInputs(const std::vector<double>& coefficients,
-                          const std::vector<double>& minimum, const std::vector<double>& range,
-                          const std::vector<std::size_t>& inputNumbers) const
-{
-    // (x - centre) / half is the coordinate from -1 to 1; a term is the product of two of them.
-    const auto precedes = [](const Term& a, const Term& b) {
-        return std::tie(a.first, a.second) < std::tie(b.first, b.second);
-    };
-    const Term constant;
-    std::map<Term, double, decltype(precedes)> sums(precedes);
-    const auto slope = [&](std::size_t factor) { return 2.0 / range[factor]; };
-    const auto offset = [&](std::size_t factor) {
-        return -(2.0 * (minimum[factor] / range[factor]) + 1.0);
-    };
-    for (std::size_t t = 0; t < terms.size(); ++t) {
-        const Term term = terms[t];
-        const double c = coefficients[t];
-        if (term.first == QuadraticBasis::noInput) {
-            sums[term] += c;
-        } else if (term.second == QuadraticBasis::noInput) {
-            sums[constant] += c * offset(term.first);
-            sums[term] += c * slope(term.first);
-        } else {
-            const std::size_t i = term.first;
-            const std::size_t j = term.second;
-            sums[constant] += c * offset(i) * offset(j);
-            sums[{i, QuadraticBasis::noInput}] += c * slope(i) * offset(j);
-            sums[{j, QuadraticBasis::noInput}] += c * offset(i) * slope(j);
-            sums[term] += c * slope(i) * slope(j);
-        }
-    }
-
-    std::vector<RawTerm> result;
-    const QuadraticBasis basis(inputCount, usedOrder);
-    for (const Term& term : basis.terms()) {
-        const auto found = sums.find(term);
-        if (found != sums.end()) {
-            result.push_back({name(term, inputNumbers), found->second});
-        }
-    }
-    return result;
 }

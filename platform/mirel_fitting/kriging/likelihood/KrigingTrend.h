@@ -4,7 +4,6 @@
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 /**
@@ -24,17 +23,17 @@ public:
                  int highestOrder, std::size_t otherParameters);
 
     /** A trend of these terms, to be evaluated only: it has no cases. */
-    KrigingTrend(std::size_t inputs, std::vector<QuadraticBasis::Term> terms);
+    explicit KrigingTrend(std::vector<QuadraticBasis::Term> terms);
 
-    int order() const;
+    int order() const { return usedOrder; }
     /** Number of terms kept. */
-    std::size_t size() const;
+    std::size_t size() const { return terms.size(); }
     /** Of the coordinates that centred() gives. */
-    const std::vector<QuadraticBasis::Term>& keptTerms() const;
+    const std::vector<QuadraticBasis::Term>& keptTerms() const { return terms; }
     /** From a coordinate over [0, 1] to one over [-1, 1]. */
     static double centred(double coordinate) { return 2.0 * coordinate - 1.0; }
     /** The terms at the cases, by columns, cases x size(). */
-    const std::vector<double>& matrix() const;
+    const std::vector<double>& matrix() const { return values; }
 
     struct LeastSquares
     {
@@ -51,8 +50,6 @@ public:
     /** The trend without correlations, fitted to one output per case. */
     LeastSquares leastSquares(const std::vector<double>& output) const;
 
-    /** @param inputNumbers the number k in "Vk" of each input. */
-    std::vector<std::string> names(const std::vector<std::size_t>& inputNumbers) const;
     /** Of the coordinates that centred() gives. */
     const std::vector<QuadraticBasis::Term>& droppedTerms() const { return dropped; }
 
@@ -69,27 +66,13 @@ public:
                       const std::vector<double>& coefficients,
                       const std::vector<double*>& gradients) const;
 
-    struct RawTerm
-    {
-        std::string name;
-        double coefficient;
-    };
-    /**
-     * The same polynomial in the inputs x = minimum + range * coordinate: the terms kept, and the
-     * terms of lower order that result from the change of coordinates.
-     */
-    std::vector<RawTerm> inRawInputs(const std::vector<double>& coefficients,
-                                     const std::vector<double>& minimum,
-                                     const std::vector<double>& range,
-                                     const std::vector<std::size_t>& inputNumbers) const;
-
 private:
     using Term = QuadraticBasis::Term;
 
-    static std::string name(const Term& term, const std::vector<std::size_t>& inputNumbers);
+    static void evaluate(const Term& term, const std::vector<const double*>& points,
+                         std::size_t count, double* column);
 
     int usedOrder = 0;
-    std::size_t inputCount;
     std::vector<Term> terms;
     std::vector<Term> dropped;
     std::vector<double> values;

@@ -51,7 +51,7 @@ FittedKriging FittedKriging::of(const PredictorDescription& description)
         terms.push_back({term.first, term.second});
         result.coefficients.push_back(term.coefficient);
     }
-    result.trend = std::make_shared<KrigingTrend>(result.inputs.size(), std::move(terms));
+    result.trend = std::make_shared<KrigingTrend>(std::move(terms));
     result.offset = description.offset;
     result.scale = description.scale;
     if (!description.weights.empty()) {

@@ -102,7 +102,7 @@ void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
     const RawTrend rawTrend(cases, outputScale, trend, coefficients);
     fit.metrics.terms = trend.size();
     fit.report.trendOrder = trend.order();
-    for (const KrigingTrend::RawTerm& term : rawTrend.terms()) {
+    for (const RawTrend::Term& term : rawTrend.terms()) {
         fit.report.trendTerms.push_back(term.name);
         fit.report.trendCoefficients.push_back(term.coefficient);
     }

@@ -1,39 +1,58 @@
 #include <mirel_fitting/kriging/report/RawTrend.h>
 
 #include <mirel_fitting/polynomial/EquationText.h>
-#include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace {
-
-const char* const constantTerm = "1";
-
-} // namespace
-
 RawTrend::RawTrend(const KrigingCases& cases, const OutputScale& scale, const KrigingTrend& trend,
                    const std::vector<double>& coefficients)
-    : cases(cases), scale(scale), trend(trend), coefficients(coefficients)
-{}
-
-std::vector<std::size_t> RawTrend::inputNumbers(const KrigingCases& cases)
+    : basis(cases.inputCount(), trend.order()), isWritten(basis.size(), 0),
+      centres(cases.inputCount(), 0.0), magnitudes(centres), offset(scale.offset)
 {
-    std::vector<std::size_t> numbers = cases.activeInputs();
-    for (std::size_t& number : numbers) {
-        ++number;
+    // The trend's inputs are 2 (V - minimum) / range - 1.
+    std::vector<double> slopes(cases.inputCount(), 0.0);
+    std::vector<double> atZero(cases.inputCount(), 0.0);
+    std::vector<double> atCentre(cases.inputCount(), 0.0);
+    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
+        const std::size_t input = cases.activeInputs()[k];
+        const double minimum = cases.minimum()[k];
+        const double range = cases.range()[k];
+        const double centre = minimum + 0.5 * range;
+        centres[input] = centre;
+        magnitudes[input] =
+            std::max(std::fabs(minimum), std::fabs(minimum + range)) + std::fabs(centre);
+        slopes[input] = 2.0 / range;
+        atZero[input] = -(2.0 * (minimum / range) + 1.0);
+        // The centre is rounded: this is not exactly 0.
+        atCentre[input] = -(2.0 * ((minimum - centre) / range) + 1.0);
     }
-    return numbers;
+
+    std::vector<double> scaled(basis.size(), 0.0);
+    for (std::size_t t = 0; t < trend.size(); ++t) {
+        QuadraticBasis::Term term = trend.keptTerms()[t];
+        isWritten[0] = 1;
+        for (std::size_t* const input : {&term.first, &term.second}) {
+            if (*input != QuadraticBasis::noInput) {
+                *input = cases.activeInputs()[*input];
+                isWritten[1 + *input] = 1;
+            }
+        }
+        isWritten[basis.position(term)] = 1;
+        scaled[basis.position(term)] += scale.scale * coefficients[t];
+    }
+    centred = basis.substituted(scaled, atCentre, slopes);
+    expanded = basis.substituted(scaled, atZero, slopes);
 }
 
-std::vector<KrigingTrend::RawTerm> RawTrend::terms() const
+std::vector<RawTrend::Term> RawTrend::terms() const
 {
-    std::vector<KrigingTrend::RawTerm> result =
-        trend.inRawInputs(coefficients, cases.minimum(), cases.range(), inputNumbers(cases));
-    for (KrigingTrend::RawTerm& term : result) {
-        term.coefficient =
-            scale.scale * term.coefficient + (term.name == constantTerm ? scale.offset : 0.0);
+    std::vector<Term> result;
+    for (std::size_t t = 0; t < basis.size(); ++t) {
+        if (isWritten[t]) {
+            result.push_back({basis.name(t), expanded[t] + (t == 0 ? offset : 0.0)});
+        }
     }
     return result;
 }
@@ -42,89 +61,21 @@ std::string RawTrend::text(double outputRange) const
 {
     constexpr double tolerableLoss = 1e-9; // of the output's range
 
-    std::map<std::string, double> centred = centredTerms();
-    const bool isExpanded = roundingOfExpanded(centred) <= tolerableLoss * outputRange;
-    centred[constantTerm] += scale.offset;
-
-    const QuadraticBasis basis(cases.inputCount(), trend.order());
     EquationText text(basis);
-    if (!isExpanded) {
-        text.setCentres(centres());
-    }
-    std::map<std::string, double> expanded;
-    for (const KrigingTrend::RawTerm& term : terms()) {
-        expanded[term.name] = term.coefficient;
-    }
-    std::vector<double> inOrder;
     for (std::size_t t = 0; t < basis.size(); ++t) {
-        const std::string name = basis.name(t);
-        if (expanded.count(name) == 0) {
+        if (!isWritten[t]) {
             text.leaveOut(t);
         }
-        const std::map<std::string, double>& written = isExpanded ? expanded : centred;
-        const auto found = written.find(name);
-        inOrder.push_back(found == written.end() ? 0.0 : found->second);
     }
-    std::string line = text.write(inOrder);
+    std::vector<double> coefficients = expanded;
+    const double loss =
+        std::numeric_limits<double>::epsilon() * basis.sumOfMagnitudes(centred, magnitudes);
+    if (!(loss <= tolerableLoss * outputRange)) {
+        text.setCentres(centres);
+        coefficients = centred;
+    }
+    coefficients[0] += offset;
+    std::string line = text.write(coefficients);
     line.pop_back(); // the end of the line
     return line;
-}
-
-double RawTrend::centre(std::size_t k) const
-{
-    return cases.minimum()[k] + 0.5 * cases.range()[k];
-}
-
-/** One per input, 0 for one that does not vary. */
-std::vector<double> RawTrend::centres() const
-{
-    std::vector<double> result(cases.inputCount(), 0.0);
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        result[cases.activeInputs()[k]] = centre(k);
-    }
-    return result;
-}
-
-/** Coefficients of the polynomial in V1 - c, ..., by the names of the terms; without the offset. */
-std::map<std::string, double> RawTrend::centredTerms() const
-{
-    std::vector<double> minimumAboutCentre;
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        // The centre is a rounded number, so that this is not exactly half the range.
-        minimumAboutCentre.push_back(cases.minimum()[k] - centre(k));
-    }
-    std::map<std::string, double> result;
-    for (const KrigingTrend::RawTerm& term :
-         trend.inRawInputs(coefficients, minimumAboutCentre, cases.range(), inputNumbers(cases))) {
-        result[term.name] = scale.scale * term.coefficient;
-    }
-    return result;
-}
-
-/** A bound on the rounding error of the expanded polynomial over the cases: a product of V - c
- *  expands to terms as large as the product of |V| + |c|. */
-double RawTrend::roundingOfExpanded(const std::map<std::string, double>& centred) const
-{
-    std::vector<double> reach(cases.inputCount(), 0.0); // the sum of the largest |V| and |c|
-    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
-        const double minimum = cases.minimum()[k];
-        const double maximum = minimum + cases.range()[k];
-        reach[cases.activeInputs()[k]] =
-            std::max(std::fabs(minimum), std::fabs(maximum)) + std::fabs(centre(k));
-    }
-    const QuadraticBasis basis(cases.inputCount(), trend.order());
-    double error = 0.0;
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        const std::string name = basis.name(t);
-        const auto found = centred.find(name);
-        if (found == centred.end()) {
-            continue;
-        }
-        double size = std::fabs(found->second);
-        for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
-            size *= input == QuadraticBasis::noInput ? 1.0 : reach[input];
-        }
-        error += std::numeric_limits<double>::epsilon() * size;
-    }
-    return error;
 }

@@ -3,9 +3,9 @@
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
 #include <mirel_fitting/kriging/report/OutputScale.h>
+#include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -13,12 +13,19 @@
 class RawTrend
 {
 public:
-    /** @param cases, trend, coefficients are borrowed for life. */
+    /** The arguments are borrowed for the call. @param coefficients of the standardised output. */
     RawTrend(const KrigingCases& cases, const OutputScale& scale, const KrigingTrend& trend,
              const std::vector<double>& coefficients);
 
-    /** The expanded polynomial in V1, V2, .... */
-    std::vector<KrigingTrend::RawTerm> terms() const;
+    struct Term
+    {
+        std::string name; ///< "1", "V1", "V1^2", "V1 V2"
+        double coefficient;
+    };
+
+    /** The expanded polynomial in V1, V2, ...: the terms of the trend, and those of lower order
+     *  that the change of inputs brings in. */
+    std::vector<Term> terms() const;
 
     /**
      * The equation in V1, V2, ..., or in V1 - c, with the centre c of the cases, where cancellation
@@ -26,17 +33,12 @@ public:
      */
     std::string text(double outputRange) const;
 
-    /** The number k in "Vk" of each input that varies. */
-    static std::vector<std::size_t> inputNumbers(const KrigingCases& cases);
-
 private:
-    double centre(std::size_t k) const;
-    std::vector<double> centres() const;
-    std::map<std::string, double> centredTerms() const;
-    double roundingOfExpanded(const std::map<std::string, double>& centred) const;
-
-    const KrigingCases& cases;
-    OutputScale scale;
-    const KrigingTrend& trend;
-    const std::vector<double>& coefficients;
+    QuadraticBasis basis;           // in all inputs
+    std::vector<char> isWritten;    // per term
+    std::vector<double> centres;    // per input; 0 for one that does not vary
+    std::vector<double> magnitudes; // per input: the largest |V| and |c|
+    std::vector<double> centred;    // coefficients of the terms of V - c
+    std::vector<double> expanded;   // of the terms of V
+    double offset;
 };

@@ -46,12 +46,36 @@ TEST(QuadraticBasis, CountsItsTermsWithoutBeingMade)
               std::numeric_limits<std::size_t>::max());
 }
 
-TEST(QuadraticBasis, FindsTheProductOfTwoInputs)
+TEST(QuadraticBasis, FindsItsTerms)
 {
     const QuadraticBasis basis(4, 2);
-    for (std::size_t term = 5; term < basis.size(); ++term) {
-        EXPECT_EQ(basis.productOf(basis.terms()[term].first, basis.terms()[term].second), term);
+    for (std::size_t term = 0; term < basis.size(); ++term) {
+        EXPECT_EQ(basis.position(basis.terms()[term]), term);
     }
+}
+
+TEST(QuadraticBasis, WritesTheSamePolynomialInOtherInputs)
+{
+    const QuadraticBasis basis(2, 2);
+    const std::vector<double> coefficients = {1.0, 2.0, -1.0, 0.5, 3.0, -4.0};
+
+    // z1 = 3 + V1 / 2, z2 = -1 + 4 V2
+    const std::vector<double> other = basis.substituted(coefficients, {3.0, -1.0}, {0.5, 4.0});
+
+    const auto value = [](const std::vector<double>& c, double x, double y) {
+        return c[0] + c[1] * x + c[2] * y + c[3] * x * x + c[4] * x * y + c[5] * y * y;
+    };
+    for (const double v1 : {-2.0, 0.0, 1.0}) {
+        for (const double v2 : {-1.0, 0.0, 0.5}) {
+            EXPECT_EQ(value(other, v1, v2), value(coefficients, 3.0 + 0.5 * v1, -1.0 + 4.0 * v2));
+        }
+    }
+}
+
+TEST(QuadraticBasis, SumsMagnitudesOfTerms)
+{
+    EXPECT_EQ(QuadraticBasis(2, 2).sumOfMagnitudes({-1, 1, -1, 1, -1, 1}, {2.0, 3.0}),
+              1.0 + 2.0 + 3.0 + 4.0 + 6.0 + 9.0);
 }
 
 TEST(QuadraticBasis, EvaluatesColumnByColumn)

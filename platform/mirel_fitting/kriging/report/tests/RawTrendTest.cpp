@@ -30,7 +30,7 @@ TEST(RawTrend, HasTheUnitsOfInputsAndOutput)
 {
     const Linear linear(0.0);
 
-    const std::vector<KrigingTrend::RawTerm> terms = linear.raw.terms(); // t = V2 - 1
+    const std::vector<RawTrend::Term> terms = linear.raw.terms(); // t = V2 - 1
 
     ASSERT_EQ(terms.size(), 2u);
     EXPECT_EQ(terms[0].name, "1");
@@ -50,4 +50,22 @@ TEST(RawTrend, IsWrittenInTheInputsOrAboutTheCentreWhereThatSavesDigits)
     const std::string centred = Linear(1e9).raw.text(12.0);
 
     EXPECT_NE(centred.find("(V2 - 1000000001)"), std::string::npos) << centred;
+}
+
+TEST(RawTrend, ListsTheLowerTermsThatRawInputsBringInForDroppedOnes)
+{
+    // V2 is V1 here: V2, V1 V2 and V2^2 go; V1^2 in raw inputs needs V1.
+    Columns inputs = {{0.0, 0.1, 0.3, 0.4, 0.7, 1.1, 1.6, 2.0},
+                      {0.0, 0.1, 0.3, 0.4, 0.7, 1.1, 1.6, 2.0}};
+    const KrigingCases cases(pointersTo(inputs), 8);
+    const KrigingTrend trend(8, 2, cases.coordinates(), 2, 1);
+    ASSERT_EQ(trend.size(), 3u);
+
+    const std::vector<RawTrend::Term> terms = RawTrend(cases, {}, trend, {0.0, 0.0, 1.0}).terms();
+
+    ASSERT_EQ(terms.size(), 3u); // (V1 - 1)^2
+    EXPECT_EQ(terms[2].name, "V1^2");
+    EXPECT_DOUBLE_EQ(terms[0].coefficient, 1.0);
+    EXPECT_DOUBLE_EQ(terms[1].coefficient, -2.0);
+    EXPECT_DOUBLE_EQ(terms[2].coefficient, 1.0);
 }
