@@ -8,35 +8,6 @@
 
 namespace {
 
-struct Extremes
-{
-    double lowest;
-    double highest;
-};
-
-/** Eight independent lanes hide the latency of a comparison. */
-SURROGATE_SIMD Extremes extremesOf(const double* values, std::size_t count)
-{
-    constexpr std::size_t lanes = 8;
-    double low[lanes];
-    double high[lanes];
-    std::fill_n(low, lanes, values[0]);
-    std::fill_n(high, lanes, values[0]);
-    std::size_t k = 0;
-    for (; k + lanes <= count; k += lanes) {
-        for (std::size_t lane = 0; lane < lanes; ++lane) {
-            const double value = values[k + lane];
-            low[lane] = value < low[lane] ? value : low[lane];
-            high[lane] = value > high[lane] ? value : high[lane];
-        }
-    }
-    for (; k < count; ++k) {
-        low[0] = std::min(low[0], values[k]);
-        high[0] = std::max(high[0], values[k]);
-    }
-    return {*std::min_element(low, low + lanes), *std::max_element(high, high + lanes)};
-}
-
 SURROGATE_SIMD void scaleValues(const double* values, std::size_t count, double centre,
                                 double perUnit, double* scaled)
 {
@@ -49,9 +20,9 @@ SURROGATE_SIMD void scaleValues(const double* values, std::size_t count, double 
 
 ColumnScale::ColumnScale(const double* values, std::size_t count)
 {
-    const Extremes extremes = extremesOf(values, count);
-    lowest = extremes.lowest;
-    highest = extremes.highest;
+    const auto [smallest, largest] = std::minmax_element(values, values + count);
+    lowest = *smallest;
+    highest = *largest;
     if (lowest == highest) {
         middle = lowest;
         return;

@@ -99,21 +99,6 @@ void KrigingCases::scaleInput(const double* values, double minimum, double range
     }
 }
 
-std::size_t KrigingCases::rowCount() const
-{
-    return rows;
-}
-
-std::size_t KrigingCases::inputCount() const
-{
-    return inputs;
-}
-
-std::size_t KrigingCases::pointCount() const
-{
-    return starts.size() - 1;
-}
-
 std::vector<std::size_t> KrigingCases::rowsAt(std::size_t point) const
 {
     const auto begin = order.begin();
@@ -132,24 +117,4 @@ KrigingCases::inputsAt(const std::vector<std::size_t>& points) const
         }
     }
     return columns;
-}
-
-const std::vector<std::size_t>& KrigingCases::activeInputs() const
-{
-    return active;
-}
-
-const std::vector<double>& KrigingCases::minimum() const
-{
-    return minima;
-}
-
-const std::vector<double>& KrigingCases::range() const
-{
-    return ranges;
-}
-
-const std::vector<double>& KrigingCases::coordinates() const
-{
-    return scaled;
 }

@@ -21,23 +21,23 @@ public:
      */
     KrigingCases(const std::vector<double*>& columns, std::size_t rows);
 
-    std::size_t rowCount() const;
-    std::size_t inputCount() const;
+    std::size_t rowCount() const { return rows; }
+    std::size_t inputCount() const { return inputs; }
 
     /** Distinct points, 1 if there is no input that varies. */
-    std::size_t pointCount() const;
+    std::size_t pointCount() const { return starts.size() - 1; }
     /** The rows at a point, ascending. */
     std::vector<std::size_t> rowsAt(std::size_t point) const;
     /** The inputs of these points, one column per input; 0 for an input that does not vary. */
     std::vector<std::vector<double>> inputsAt(const std::vector<std::size_t>& points) const;
 
     /** The inputs that vary, ascending. */
-    const std::vector<std::size_t>& activeInputs() const;
+    const std::vector<std::size_t>& activeInputs() const { return active; }
     /** One per input that varies, as range(). */
-    const std::vector<double>& minimum() const;
-    const std::vector<double>& range() const;
+    const std::vector<double>& minimum() const { return minima; }
+    const std::vector<double>& range() const { return ranges; }
     /** By columns, points x inputs that vary: (x - minimum) / range. */
-    const std::vector<double>& coordinates() const;
+    const std::vector<double>& coordinates() const { return scaled; }
 
 private:
     int compare(const std::vector<double*>& columns, std::size_t a, std::size_t b) const;

@@ -9,12 +9,15 @@
 class ReplicatedCases
 {
 public:
+    /** The largest distance of replicates along an input, relative to its range. */
+    static constexpr double nearness = 1e-9;
+
     /** No replicates. */
     ReplicatedCases() = default;
 
     /**
-     * O(cases) time, 8 bytes per value and 36 per case at most during construction, and 4 later if
-     * there are replicates.
+     * O(cases) time, with FitProgress::advance() every few hundredths of a second; 8 bytes per
+     * value and some 50 per case during construction, and 4 later if there are replicates.
      * @param columns one array of `cases` finite values per input, borrowed for the call. Without
      *                inputs, all cases are replicates of each other.
      * @param cases   less than 2^32.
@@ -36,6 +39,10 @@ public:
      * @param weights one per case; empty: all 1.
      */
     double withinSquares(const double* values, const std::vector<double>& weights = {}) const;
+
+    /** The number of points whose values differ by more than `largestChange`.
+     *  @param values one per case, borrowed for the call. */
+    std::size_t contradictions(const double* values, double largestChange) const;
 
 private:
     std::vector<std::uint32_t> pointOfCase;

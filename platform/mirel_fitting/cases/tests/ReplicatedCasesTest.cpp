@@ -1,8 +1,11 @@
 #include <mirel_fitting/cases/ReplicatedCases.h>
 
 #include "FittingTestSupport.h"
+#include "RecordedWork.h"
 
 #include <gtest/gtest.h>
+
+#include <numeric>
 
 using namespace fittingtest;
 
@@ -79,4 +82,43 @@ TEST(ReplicatedCases, AreFoundAmongManyRoundNumbers)
         }
     }
     EXPECT_EQ(replicated(columns, 16000).degreesOfFreedom(), 8000u);
+}
+
+TEST(ReplicatedCases, ContradictEachOtherWhereValuesDifferByMore)
+{
+    struct Example
+    {
+        std::vector<Column> columns;
+        Column values;
+        std::size_t contradictions;
+    };
+    const Example examples[] = {
+        {{{0.5, 0.5 + 1e-13, 0.0}, {0.25, 0.25 - 1e-13, 1.0}}, {1.0, -1.0, 0.0}, 1},
+        {{{0.5, 0.5 + 1e-13, 0.0}, {0.25, 0.25 - 1e-13, 1.0}}, {1.0, 1.0 + 1e-8, 0.0}, 0},
+        {{{0.5, 0.5 + 1e-6, 0.0}, {0.25, 0.25 - 1e-6, 1.0}}, {1.0, -1.0, 0.0}, 0},
+        // Near each other in one input only.
+        {{{0.5, 0.5, 0.5}, {0.0, 0.5, 1.0}}, {1.0, -1.0, 0.0}, 0},
+        // Once a point.
+        {{{0.0, 1e-12, 2e-12, 1.0 - 1e-13, 1.0}}, {1.0, -1.0, 0.0, 2.0, 1.0}, 2},
+        // Of a grid, one case next to another.
+        {{{0.0, 0.0, 0.5, 0.5, 1.0, 1.0 - 1e-13}, {0.0, 1.0, 0.0, 1.0, 1.0, 1.0}},
+         {0.0, 1.0, 2.0, 3.0, 4.0, 5.0},
+         1},
+    };
+    for (const Example& example : examples) {
+        EXPECT_EQ(replicated(example.columns, example.values.size())
+                      .contradictions(example.values.data(), 1e-6),
+                  example.contradictions);
+    }
+}
+
+TEST(ReplicatedCases, AreSearchedWithReports)
+{
+    Column column(200000);
+    std::iota(column.begin(), column.end(), 0.0);
+    const RecordedWork recorded;
+
+    EXPECT_FALSE(replicated({column}, column.size()).any());
+
+    EXPECT_GE(recorded.reports(), 2);
 }

@@ -1,7 +1,7 @@
 #include <mirel_fitting/kriging/fit/DistinctCases.h>
 
-#include <mirel_fitting/cases/ContradictingCases.h>
 #include <mirel_fitting/cases/MergedOutput.h>
+#include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <cmath>
@@ -25,7 +25,14 @@ DistinctCases::DistinctCases(const KrigingFitInput& input, std::vector<std::stri
     if (output.copies > 0) {
         warnings.push_back(KrigingWarnings::ofCopies(output.copies, conflicts == 0));
     }
-    const std::size_t places = ContradictingCases::places(merged);
+    // More, in standard deviations, than a smooth function changes over such a distance.
+    constexpr double largestChange = 1e-6;
+    std::vector<const double*> inputs;
+    for (std::size_t k = 0; k < merged.inputs; ++k) {
+        inputs.push_back(merged.coordinates.data() + k * merged.cases);
+    }
+    const std::size_t places =
+        ReplicatedCases(inputs, merged.cases).contradictions(merged.output.data(), largestChange);
     if (places > 0) {
         warnings.push_back(KrigingWarnings::ofNearCases(places));
     }

@@ -1,6 +1,6 @@
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
-#include <mirel_fitting/cases/ContradictingCases.h>
+#include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/NumberText.h>
 
 namespace {
@@ -39,7 +39,7 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 std::string KrigingWarnings::ofNearCases(std::size_t places)
 {
     return "At " + NumberText::counted(places, "place") +
-           " cases lie next to each other (less than " + figure(ContradictingCases::nearness()) +
+           " cases lie next to each other (less than " + figure(ReplicatedCases::nearness) +
            " of the range of every input apart) but have different outputs: the model smooths "
            "them.";
 }
