@@ -16,6 +16,8 @@ packages=(
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev     # tests, benchmarks
     python3-pybind11 python3-dev python3-sklearn python3-pandas     # the Python package
     python3-pip python3-venv python3-setuptools python3-wheel mypy     # its tests
+    python3-distributed     # the test of examples/dask
+    sqlite3 libsqlite3-dev     # the user guide's model as a function of SQL
     clang libclang-rt-14-dev llvm-14     # sanitizers and fuzzers, names in their reports
     doxygen     # the API reference, whose warnings fail a test
     pkgconf     # tests build against the installed libraries
