@@ -170,14 +170,15 @@ public:
 
     Model(Model&& other) noexcept : model(std::move(other.model)), outputs(other.outputs) {}
 
-    static Model fit(const Array& x, const Array& y, const ModelSettings& settings)
+    static Model fit(const Array& x, const Array& y, const ModelSettings& settings,
+                     const CaseDesign& design = {})
     {
         const Columns inputs(x);
         const Columns outputs(y);
         std::mutex unshared;
         return unlocked(unshared, [&] {
             std::shared_ptr<FittedModel> fitted =
-                settings.fit(inputs.pointers, outputs.pointers, inputs.rowCount);
+                settings.fit(inputs.pointers, outputs.pointers, inputs.rowCount, design);
             const std::vector<int> all = offsetsUpTo(outputs.pointers.size());
             fitted->activateDependentVariables({all.begin(), all.end()});
             return Model(fitted, all.size());
@@ -425,7 +426,8 @@ PYBIND11_MODULE(_core, module)
     module.def(
         "fit_response_surface",
         [](const Array& x, const Array& y, const std::optional<std::string>& transform,
-           const std::optional<std::string>& terms, bool selectTerms, const Names& names) {
+           const std::optional<std::string>& terms, bool selectTerms, const Names& names,
+           std::vector<double> weights, std::vector<std::size_t> blocks) {
             ModelSettings settings;
             settings.transform = transformOf(transform, false);
             if (terms) {
@@ -435,7 +437,8 @@ PYBIND11_MODULE(_core, module)
                 settings.responseSurface.selection =
                     ResponseSurfaceOptions::Selection::BackwardAicc;
             }
-            return Model::fit(x, y, settings);
+            return Model::fit(x, y, settings, {std::move(weights), std::move(blocks)});
         },
-        "x"_a, "y"_a, "transform"_a, "terms"_a, "select_terms"_a, "names"_a);
+        "x"_a, "y"_a, "transform"_a, "terms"_a, "select_terms"_a, "names"_a, "weights"_a,
+        "blocks"_a);
 }

@@ -16,7 +16,7 @@ from typing import Any
 
 import numpy as np
 from sklearn.base import BaseEstimator, RegressorMixin
-from sklearn.utils.validation import check_is_fitted
+from sklearn.utils.validation import _check_sample_weight, check_consistent_length, check_is_fitted
 
 from . import _core
 from ._core import ModelError, ModelFileError, __version__, set_thread_count
@@ -30,6 +30,9 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
 
     def fit(self, X: Any, y: Any) -> Any:
         """Fits every output. Ctrl-C ends a fit; other threads go on meanwhile."""
+        return self._fit(X, y)
+
+    def _fit(self, X: Any, y: Any, sample_weight: Any = None, blocks: Any = None) -> Any:
         names = getattr(y, "columns", None)
         name = getattr(y, "name", None)
         single = ["y" if name is None else str(name)]
@@ -39,10 +42,22 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
         self._output_names = (single if self._is_single
                               else [f"y{i}" for i in range(y.shape[1])] if names is None
                               else list(map(str, names)))
+        rows = np.arange(len(y))
+        weights: list[float] = []
+        if sample_weight is not None:
+            checked = _check_sample_weight(sample_weight, X, dtype=np.float64, only_non_negative=True)
+            rows = np.flatnonzero(checked)
+            weights = checked[rows].tolist()
+        numbers: list[int] = []
+        if blocks is not None:
+            check_consistent_length(X, blocks)
+            numbers = np.unique(np.asarray(blocks), return_inverse=True)[1][rows].tolist()
+        self._rows = rows
         # Kept for unpickling: a model that is fitted again, with the same parameters even if
         # set_params() has changed them since, has the same bits.
-        self._cases: tuple[np.ndarray, np.ndarray] | None = (
-            np.array(X, order="F"), np.array(y, dtype=np.float64, order="F"))
+        self._cases: tuple[np.ndarray, np.ndarray, list[float], list[int]] | None = (
+            np.array(X[rows], order="F"), np.array(y[rows], dtype=np.float64, order="F"), weights,
+            numbers)
         self._parameters = copy.deepcopy(self.get_params())
         self._model = self._fitted(*self._cases, **self._parameters)
         self.is_fitted_ = True
@@ -91,7 +106,9 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
         """A row for each case: its row in X, output, prediction by a fit to the other cases and the
         standard error of that."""
         check_is_fitted(self)
-        return self._complete().leave_one_out(output)
+        result = self._complete().leave_one_out(output)
+        result[:, 0] = self._rows[result[:, 0].astype(int)]
+        return result
 
     def save(self, path: str | os.PathLike[str]) -> None:
         """Writes the model by the ending of `path`: .json (which load() and `surrogate` read), .c,
@@ -114,7 +131,8 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
             self._model = self._fitted(*self._cases, **self._parameters)
         return self._model
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
+    def _fitted(self, x: np.ndarray, y: np.ndarray, weights: list[float], blocks: list[int],
+                **parameters: Any) -> _core.Model:
         raise NotImplementedError
 
     def __getstate__(self) -> dict[str, Any]:
@@ -156,7 +174,8 @@ class Kriging(_SurrogateModel):
         self.nugget = nugget
         self.correlation_lengths = correlation_lengths
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
+    def _fitted(self, x: np.ndarray, y: np.ndarray, weights: list[float], blocks: list[int],
+                **parameters: Any) -> _core.Model:
         return _core.fit_kriging(x, y, parameters["output_transform"], parameters["trend_order"],
                                  parameters["nugget"], parameters["correlation_lengths"])
 
@@ -177,10 +196,20 @@ class ResponseSurface(_SurrogateModel):
         self.select_terms = select_terms
         self.output_transform = output_transform
 
-    def _fitted(self, x: np.ndarray, y: np.ndarray, **parameters: Any) -> _core.Model:
+    def fit(self, X: Any, y: Any, sample_weight: Any = None, blocks: Any = None) -> Any:
+        """Fits every output by weighted least squares.
+
+        sample_weight: one per case, the reciprocal of the variance of its error, of which only the
+            ratios count; 0 leaves a case out.
+        blocks: the label of each case's block. A block adds an effect to the outputs; the effects
+            sum to 0, and predictions are those of a block of average effect."""
+        return self._fit(X, y, sample_weight, blocks)
+
+    def _fitted(self, x: np.ndarray, y: np.ndarray, weights: list[float], blocks: list[int],
+                **parameters: Any) -> _core.Model:
         return _core.fit_response_surface(x, y, parameters["output_transform"],
                                           parameters["terms"], parameters["select_terms"],
-                                          self._input_names())
+                                          self._input_names(), weights, blocks)
 
 
 def load(path: str | os.PathLike[str]) -> Kriging | ResponseSurface:

@@ -36,4 +36,6 @@ def fit_response_surface(
     terms: str | None,
     select_terms: bool,
     names: Sequence[str],
+    weights: Sequence[float],
+    blocks: Sequence[int],
 ) -> Model: ...

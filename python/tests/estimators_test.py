@@ -66,6 +66,27 @@ class Estimators(unittest.TestCase):
                 for column in table.columns[2:]:
                     np.testing.assert_allclose(table[column], expected[column], rtol=1e-12)
 
+    def test_weights_and_blocks_are_those_of_the_program(self):
+        design = self.cases.assign(Weight=[1, 2, 0, 4, 1, 1, 3, 1, 2, 1, 1], Block=list("aabbababbab"))
+        x, y = design[INPUTS], design["Stress"]
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "design.csv")
+            design.to_csv(path, index=False)
+            program = json.loads(of_program("fit", path, "-x", ",".join(INPUTS), "-y", "Stress", "-q",
+                                            "--json", "--weights", "Weight", "--block", "Block"))
+        model = ResponseSurface().fit(x, y, design["Weight"], blocks=design["Block"])
+        for ours, theirs in zip(model.report()["coefficients"],
+                                program["outputs"][0]["coefficients"], strict=True):
+            for name in ("estimate", "standardError"):
+                self.assertAlmostEqual(ours[name], theirs[name], 12)
+        self.assertNotIn(2, model.leave_one_out()[:, 0])
+        copy = pickle.loads(pickle.dumps(model))
+        self.assertEqual(str(copy.report()), str(model.report()))
+        with self.assertRaisesRegex(ValueError, "Negative"):
+            ResponseSurface().fit(x, y, -design["Weight"])
+        with self.assertRaisesRegex(ValueError, "inconsistent"):
+            ResponseSurface().fit(x, y, blocks=["a"])
+
     def test_reports_are_those_of_the_program(self):
         for estimator, options in ((Kriging(), ["-m", "kriging"]), (ResponseSurface(), [])):
             program = json.loads(of_program("fit", CASES, "-x", ",".join(INPUTS), "-y", "Stress",
@@ -111,7 +132,8 @@ class Estimators(unittest.TestCase):
 
     def test_contiguous_columns_are_read_in_place(self):
         x, y = smooth_cases(50)
-        model = _core.fit_response_surface(np.asfortranarray(x), y[:, None], None, None, False, [])
+        model = _core.fit_response_surface(np.asfortranarray(x), y[:, None], None, None, False, [],
+                                            [], [])
         big = np.asfortranarray(np.random.default_rng(2).uniform(size=(2_000_000, 3)))
         with open("/proc/self/clear_refs", "w") as file:
             file.write("5")
