@@ -1,8 +1,7 @@
 """The problems that the models are compared on, and their designs.
 
 Closed-form functions of the literature with the ranges they are commonly studied in. A design is a
-pure function of the problem, the number of cases and a seed. Every table is a file of native
-doubles, one column after the other, so that each contestant reads the same bits.
+pure function of the problem, the number of cases and a seed.
 """
 
 import math
@@ -118,8 +117,6 @@ PROBLEMS = {
     )
 }
 
-# Of the borehole's values about 2 %: a response surface is fitted to measurements.
-SURFACE_NOISE = 0.9
 
 
 def numbers(seed, *purpose):
@@ -137,17 +134,10 @@ def latin_hypercube(generator, rows, columns):
 
 
 def cases(problem, rows, seed):
-    """Latin hypercube of the unit cube, the output with its noise as last column."""
+    """Latin hypercube of the unit cube, and the output with its noise."""
     generator = numbers(seed, "cases", problem.name, rows)
     points = latin_hypercube(generator, rows, problem.inputs)
-    output = problem.values(points) + problem.noise * generator.standard_normal(rows)
-    return np.column_stack([points, output])
-
-
-def test_points(problem, rows, seed):
-    """Independent of the cases; the output is without noise."""
-    points = scattered(problem, rows, seed, "test")
-    return np.column_stack([points, problem.values(points)])
+    return points, problem.values(points) + problem.noise * generator.standard_normal(rows)
 
 
 def scattered(problem, rows, seed, purpose="scattered"):
@@ -164,15 +154,3 @@ def grid(problem, rows):
         k = (k + 1) % problem.inputs
     axes = [(np.arange(count) + 0.5) / count for count in steps]
     return np.stack([axis.ravel() for axis in np.meshgrid(*axes, indexing="ij")], axis=1)
-
-
-def surface_cases(problem, rows, seed):
-    """Independent uniform rows with measurement noise."""
-    generator = numbers(seed, "surface", problem.name, rows)
-    points = generator.random((rows, problem.inputs))
-    output = problem.values(points) + SURFACE_NOISE * generator.standard_normal(rows)
-    return np.column_stack([points, output])
-
-
-def write_table(path, table):
-    np.asfortranarray(table).T.tofile(path)
