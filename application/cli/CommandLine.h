@@ -55,7 +55,7 @@ struct CommandLine
     bool isForSpreadsheet = false; ///< of the table that is written
     int threads = 0;               ///< 0: all cores
 
-    /** What depends on the kind of file that is read, and on other options. @throw UsageError */
+    /** Checks which options go together, and with which kind of file. @throw UsageError */
     void check() const;
 
     /** Whether the subject is a project document: its name ends like one. */

@@ -38,14 +38,14 @@ const char* const exitCodes = R"(Exit codes:
 
 const char* const tables = R"(Tables:
   CASES.csv is text, "-" the standard input. Separator, decimal mark, heading, a row of units below
-  it, titles above it, comment lines (#, //, %) and encoding are recognised; what is not as in a plain
-  table is reported in a line "Read as: ...". A column is numeric if at least half of its filled cells
+  it, titles above it, comment lines (#, //, %) and encoding are recognised; differences from plain CSV
+  are reported in a line "Read as: ...". A column is numeric if at least half of its filled cells
   are numbers, else text; its other cells count as missing, and are reported. Missing cells are empty,
   NA, N/A, NaN, null, none, ?, -, a point or an error such as #DIV/0!.)";
 
 const char* const projects = R"(Projects:
-  A command that is given a project document starts from what it holds; options override it, name by
-  name. The case file is looked for where it was, relative to the document, and must not have changed.)";
+  Instead of a case file each command takes a project; options override its choices, name by name. The
+  case file must be where it was, relative to the project, and unchanged.)";
 
 /** Has the parser check an option's value. @param wanted completes "OPTION needs ...". */
 template <class Accepts>
@@ -145,13 +145,13 @@ CLI::Option* addText(CLI::App& command, const std::string& name, const std::stri
 
 /** A pair of flags that overrides what is recognised. */
 void addAnswer(CLI::App& command, const std::string& name, const std::string& description,
-               std::optional<bool>& answer)
+               const std::string& otherDescription, std::optional<bool>& answer)
 {
     CLI::Option* const yes = command.add_flag_function(
         "--" + name, [&answer](std::int64_t) { answer = true; }, description);
     command
         .add_flag_function(
-            "--no-" + name, [&answer](std::int64_t) { answer = false; }, "there is none")
+            "--no-" + name, [&answer](std::int64_t) { answer = false; }, otherDescription)
         ->excludes(yes);
 }
 
@@ -159,8 +159,10 @@ void addLayout(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Layout of tables, recognised where nothing is said");
     ReadingChoices& reading = line.reading;
-    addAnswer(command, "heading", "the first row names the columns", reading.heading);
-    addAnswer(command, "units-row", "the row below the heading holds units", reading.unitsRow);
+    addAnswer(command, "heading", "the first row names the columns", "the first row is a case",
+              reading.heading);
+    addAnswer(command, "units-row", "the row below the heading holds units",
+              "the row below the heading is a case", reading.unitsRow);
     addCount(command, "--skip", "lines above the table that are left out", "N", 0, maxSkippedLines,
              reading.skippedLines);
     addText(command, "--comment", "what comment lines begin with; none: there are none", "MARK",
@@ -195,17 +197,17 @@ void addChoices(CLI::App& command, CommandLine& line)
     addReading(command, line);
     command.option_defaults()->group("Cases");
     addValue(command, "--cases",
-             "the case file to take instead of the project's: when it has\n"
-             "moved, or has changed on purpose",
+             "the case file to use instead of the project's, if that has\n"
+             "moved or changed",
              "FILE", line.cases);
     addList(command, "-x,--inputs",
             "inputs, a list separated by commas; may be repeated.\n"
-            "Without it every numeric column that is no output and\n"
-            "neither constant nor run numbers",
+            "Default: every numeric column but outputs, constants and\n"
+            "run numbers",
             "NAMES", line.choices.inputs);
     addList(command, "-y,--outputs",
-            "outputs, likewise. Outputs that are asked for together are\n"
-            "fitted to the cases that are valid for all of them",
+            "outputs, likewise. Outputs named together are fitted to\n"
+            "the cases that are valid for all of them",
             "NAMES", line.choices.outputs);
     command
         .add_option_function<std::vector<std::string>>(
@@ -213,13 +215,13 @@ void addChoices(CLI::App& command, CommandLine& line)
             [&line](const std::vector<std::string>& lists) {
                 line.choices.excluded = joinedText(lists);
             },
-            "case numbers, from 1, such as 3,7-9; none includes all again")
+            "case numbers, from 1, such as 3,7-9; none excludes none")
         ->type_name("CASES")
         ->allow_extra_args(false);
     addValue(command, "--save",
-             "keeps what was chosen once the command has succeeded: the\n"
-             "case file, how it is read, roles, excluded cases, model,\n"
-             "terms, values. A project that is replaced stays as FILE.bak",
+             "saves the choices as a project if the command succeeds: case\n"
+             "file, how it is read, roles, excluded cases, model, terms,\n"
+             "values. A project that is replaced is kept as FILE.bak",
              "FILE", line.save);
     addLayout(command, line);
 }
@@ -269,19 +271,18 @@ void addTerms(CLI::App& command, CommandLine& line)
     addColumn(command, "--weights",
               "the column of weights of a response surface, proportional to\n"
               "1 / variance; cases with weight 0 or without one are left\n"
-              "out. none takes back what a project holds",
+              "out. none: no weights, whatever the project says",
               line.choices.weights);
     addColumn(command, "--block",
               "the column of blocks, numbers or texts: each adds an effect\n"
               "of its own to a response surface, which predicts the\n"
-              "average block. none takes it back",
+              "average block. none: no blocks, whatever the project says",
               line.choices.blocks);
     addWord<TransformSetting>(command, "--transform",
-                              "which transform of outputs that are positive in all cases is\n"
-                              "modelled: none, sqrt, log, auto (what describes the cases\n"
-                              "best) or boxcox (for response surfaces: the power of\n"
-                              "greatest likelihood). Without it auto for kriging, none for\n"
-                              "a response surface",
+                              "transform of outputs that are positive in all cases: none,\n"
+                              "sqrt, log, auto (the one that fits best) or boxcox (for\n"
+                              "response surfaces: the power of greatest likelihood).\n"
+                              "Default: auto for kriging, none for a response surface",
                               "T", "auto, none, sqrt, log or boxcox",
                               {{"auto", TransformSetting::Automatic},
                                {"none", TransformSetting::None},
@@ -302,7 +303,7 @@ void addTerms(CLI::App& command, CommandLine& line)
              "statistics do not account for the choice: their p values\n"
              "are too small. compare shows whether it helps");
     flag("--all-terms", ResponseSurfaceOptions::Selection::All,
-         "takes back the selection that a project holds")
+         "fits all terms, whatever the project says")
         ->excludes(selected);
 }
 
@@ -315,10 +316,8 @@ void addValues(CLI::App& command, CommandLine& line)
             "NAME=TEXT", line.sweeps);
     addList(command, "--count", "N values, evenly over the range of the variable", "NAME=N",
             line.counts);
-    addList(command, "--at",
-            "one value. An input without values stays at the median of\n"
-            "the valid cases",
-            "NAME=VALUE", line.values);
+    addList(command, "--at", "one value. Default: the median of the valid cases", "NAME=VALUE",
+            line.values);
 }
 
 void addInterval(CLI::App& command, CommandLine& line)
@@ -326,10 +325,10 @@ void addInterval(CLI::App& command, CommandLine& line)
     command.option_defaults()->group("Values");
     CLI::Option* const interval =
         addValue(command, "--interval",
-                 "two columns more after each output, \"NAME lower\" and\n"
+                 "two more columns after each output, \"NAME lower\" and\n"
                  "\"NAME upper\": prediction limits, between which P percent\n"
-                 "(95, say) of further cases would lie, their noise included.\n"
-                 "Empty where the cases are too few",
+                 "(such as 95) of new cases lie, their noise included. Empty\n"
+                 "if there are too few cases",
                  "P", line.interval);
     require(interval, "a percentage above 0 and below 100, such as 95",
             [](const std::string& text) {
@@ -354,7 +353,7 @@ void addOutput(CLI::App& command, CommandLine& line)
     addValue(command, "-o,--output", "the file to write instead of the standard output (\"-\")",
              "FILE", line.output);
     command.add_flag("-q,--quiet", line.isQuiet, "no notes, no progress");
-    addCount(command, "--threads", "threads to use, all cores if absent", "N", 1, maxThreads,
+    addCount(command, "--threads", "threads to use; default: all cores", "N", 1, maxThreads,
              line.threads);
 }
 
@@ -362,18 +361,20 @@ void addSpreadsheet(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Output");
     command.add_flag("--for-spreadsheet", line.isForSpreadsheet,
-                     "headings and texts of the table that begin with =, +, -,\n"
-                     "@ or a tab get an apostrophe, so that a spreadsheet takes\n"
-                     "none of them for a formula");
+                     "puts an apostrophe before headings and texts that begin\n"
+                     "with =, +, -, @ or a tab, which a spreadsheet would take\n"
+                     "for a formula");
 }
 
 void addJson(CLI::App& command, CommandLine& line)
 {
+    const std::string& name = command.get_name();
     command.option_defaults()->group("Output");
     command.add_flag("--json", line.asJson,
-                     "a JSON object instead of text. A table is its member\n"
-                     "\"table\", unless -o FILE names a file for the table; the\n"
-                     "object is printed then");
+                     name == "evaluate" || name == "predict"
+                         ? "prints a JSON object, which holds the table, unless -o FILE\n"
+                           "names a file for the table"
+                         : "prints a JSON object instead of text");
 }
 
 void describeSummary(CLI::App& command, CommandLine& line)
@@ -401,8 +402,8 @@ void describeFit(CLI::App& command, CommandLine& line)
                          line.coding);
     command.option_defaults()->group("Output");
     addValue(command, "--report",
-             "also writes a page with the figures, statistics, equations\n"
-             "and pictures of each output; it stands alone",
+             "also writes an HTML page with metrics, statistics, equations\n"
+             "and pictures of each output, all in one file",
              "FILE.html", line.report);
 }
 
@@ -419,11 +420,10 @@ void describePredict(CLI::App& command, CommandLine& line)
     describeSummary(command, line);
     command.option_defaults()->group("Values");
     addValue(command, "--points",
-             "the table of points; it comes out with a column\n"
+             "the table of points; the result is this table with a column\n"
              "\"NAME predicted\" for each output, empty where an input is\n"
-             "missing. How it is laid out is recognised; where its inputs\n"
-             "are not found so, it is read with --skip, --heading and\n"
-             "--units-row like the case file",
+             "missing. Its layout is recognised; if its inputs are not\n"
+             "found, --skip, --heading and --units-row apply to it, too",
              "FILE", line.points);
     addInterval(command, line);
     addSpreadsheet(command, line);
@@ -438,30 +438,29 @@ void describePlot(CLI::App& command, CommandLine& line)
     const auto takeKind = [&line](const std::string& word) {
         line.kind = SessionPictures::kindOf(word);
     };
-    CLI::Option* const kind =
-        addText(command, "--kind",
-                "sweep (default), contour, actual, residuals, normal,\ncoefficients or ridge", "K",
-                takeKind);
+    CLI::Option* const kind = addText(command, "--kind",
+                                      "sweep, contour, actual, residuals, normal, coefficients or\n"
+                                      "ridge. Default: contour if two inputs are swept, else sweep",
+                                      "K", takeKind);
     require(kind, "one of " + SessionPictures::kindWords(),
             [](const std::string& word) { return SessionPictures::kindOf(word).has_value(); });
     addValues(command, line);
     command.option_defaults()->group("Picture");
-    addText(command, "--size", "pixels of each panel, 800x600 if absent", "WxH",
+    addText(command, "--size", "pixels of each panel; default: 800x600", "WxH",
             [&line](const std::string& text) { line.size = PictureSize::parse(text); });
     addOutput(command, line);
     command.footer(R"(Kinds:
-  sweep         the model along one input, with the band in which it lies with 95 percent probability
-                by its standard errors, and the cases near: those whose other inputs lie within 10 %
-                of their range of where they are held
-  contour       the model over two inputs, the first one to the right
-  actual        each case as a fit to the other cases predicts it, against its actual value
-  residuals     the differences of the two, against the predictions
+  sweep         the model along one input, with its 95 % confidence band and the cases whose other
+                inputs lie within 10 % of their range of the values at which they are held
+  contour       the model over two inputs, the first one along the horizontal axis
+  actual        the leave-one-out prediction of each case against its actual value
+  residuals     actual minus predicted values against these predictions
   normal        the externally studentised residuals of a response surface against normal quantiles,
                 with the suspected outliers numbered
-  coefficients  those of a response surface for inputs coded to -1 and 1, the largest first, with
-                their 95 % confidence limits
-  ridge         the largest and the smallest values of a response surface at each distance from the
-                middle of the ranges: the ridges of steepest ascent and descent
+  coefficients  the coefficients of a response surface for inputs coded to -1 and 1, the largest
+                first, with 95 % confidence limits
+  ridge         the ridges of steepest ascent and descent: the largest and the smallest value of a
+                response surface at each distance from the middle of the ranges
 
   --sweep NAME alone sweeps over the range. Without --sweep the kind sweep shows every input in a small
   panel of its own, on one axis, and contour takes the two inputs that matter most.
@@ -474,9 +473,9 @@ void describeCompare(CLI::App& command, CommandLine& line)
     addTerms(command, line);
     command.option_defaults()->group("Comparison");
     addCount(command, "--folds",
-             "folds of the cross-validation, each predicted by models of\n"
-             "the others; 10, or fewer if there are fewer cases. Copies of\n"
-             "a case stay together, and the split is always the same",
+             "folds of the cross-validation; default: 10, or the number\n"
+             "of cases if that is less. Copies of a case are in the same\n"
+             "fold, and the split is always the same",
              "K", 2, maxFolds, line.folds);
     addJson(command, line);
     addOutput(command, line);
@@ -498,8 +497,8 @@ void describeExport(CLI::App& command, CommandLine& line)
           -DSURROGATE_MAIN
   python  a module with predict() and self_check(), also a script
   excel   a workbook (-o FILE)
-  json    what evaluate, predict and export take in the place of CASES, if its name ends with .json
-  All carry ten check points; all but the text check themselves by them.)");
+  json    for evaluate, predict and export, which read it instead of CASES if its name ends with .json
+  All hold ten check points; all but the text can check themselves with them.)");
 }
 
 void describeCheck(CLI::App& command, CommandLine& line)
@@ -556,9 +555,14 @@ public:
         // A file may be called like a command.
         app.require_subcommand(0, 1);
         app.get_formatter()->column_width(helpColumn);
+        app.get_formatter()->label("OPTIONS", "options");
+        app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        app.get_formatter()->label("Positionals", "Arguments");
+        app.get_formatter()->label("Excludes", "not with");
         for (const Command& command : commands) {
             CLI::App* const described =
                 app.add_subcommand(command.name, command.description)->allow_extras();
+            described->group("Commands");
             command.describe(*described, line);
             for (CLI::Option* const option : described->get_options()) {
                 if (option->get_expected_max() == 0) {
@@ -566,11 +570,11 @@ public:
                 }
             }
         }
-        help = app.add_subcommand("help", "describes a command");
+        help = app.add_subcommand("help", "describes a command")->group("Commands");
         help->add_option("COMMAND", helpTopic)->type_name("");
         addWord<HelpFormat>(*help, "--format",
-                            "the whole as a manual page (man), or what a shell reads to\n"
-                            "complete commands and options: bash, zsh or fish",
+                            "all of it as a manual page (man), or the completion file of\n"
+                            "a shell: bash, zsh or fish",
                             "F", "man, bash, zsh or fish",
                             {{"man", &HelpPages::man},
                              {"bash", &HelpPages::bash},
@@ -595,15 +599,22 @@ public:
                                           : faults.command(helpTopic).help(app.get_name());
             return;
         }
-        faults.refuseExtras();
         for (const Command& command : commands) {
-            CLI::App* const parsed = app.get_subcommand(command.name);
-            if (parsed->parsed()) {
-                if (command.value == CommandLine::Check && parsed->count("TEXT") == 0) {
-                    throw UsageError("The command check needs the text to check.");
-                }
+            if (app.get_subcommand(command.name)->parsed()) {
                 line.command = command.value;
             }
+        }
+        const CLI::App& check = *app.get_subcommand("check");
+        const bool hasText = check.count("TEXT") > 0;
+        // A text that begins with a minus sign looks like an unknown option.
+        const std::vector<std::string> extras = check.remaining();
+        if (!hasText && extras.size() == 1 && isNegative(extras.front())) {
+            line.subject = extras.front();
+            return;
+        }
+        faults.refuseExtras();
+        if (line.command == CommandLine::Check && !hasText) {
+            throw UsageError("The command check needs the text to check.");
         }
     }
 
@@ -612,30 +623,17 @@ public:
     UsageError sentenceOf(const CLI::ParseError& error) const { return faults.sentenceOf(error); }
 
 private:
+    static bool isNegative(const std::string& text)
+    {
+        return text.find_first_of("0123456789.") == 1 && text[0] == '-';
+    }
+
     CLI::App app;
     UsageFaults faults;
     CLI::App* help = nullptr;
     std::string helpTopic;
     std::optional<HelpFormat> helpFormat;
 };
-
-/** A text to check may begin with a minus sign: it is moved behind the mark that ends the options.
- */
-std::vector<std::string> withTextAsArgument(std::vector<std::string> arguments)
-{
-    const auto isNegative = [](const std::string& text) {
-        return text.size() > 1 && text[0] == '-' && (std::isdigit(text[1]) != 0 || text[1] == '.');
-    };
-    if (arguments.empty() || arguments.front() != "check") {
-        return arguments;
-    }
-    const auto text = std::find_if(arguments.begin(), arguments.end(), isNegative);
-    if (text != arguments.end() && std::find(arguments.begin(), text, std::string("--")) == text) {
-        std::rotate(text, text + 1, arguments.end());
-        arguments.insert(arguments.end() - 1, "--");
-    }
-    return arguments;
-}
 
 /** The command as it can be typed again: single quotes around what a shell would take apart. */
 std::string typedText(const std::vector<std::string>& arguments)
@@ -664,7 +662,7 @@ CommandLine CommandOptions::parse(const std::vector<std::string>& arguments)
     line.typed = typedText(arguments);
     Parser parser(line);
     try {
-        parser.parse(withTextAsArgument(arguments), line);
+        parser.parse(arguments, line);
     } catch (const CLI::CallForHelp&) {
         line.command = CommandLine::Help;
         line.text = parser.helpText();

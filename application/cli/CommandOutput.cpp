@@ -6,8 +6,8 @@
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
-#include <algorithm>
-#include <cctype>
+#include <boost/algorithm/string/case_conv.hpp>
+
 #include <filesystem>
 #include <iostream>
 #include <system_error>
@@ -26,6 +26,8 @@ void note(const CommandLine& line, const std::string& text)
     }
 }
 
+namespace {
+/** Whether both names lead to one regular file that exists. */
 bool isSameFile(const std::string& left, const std::string& right)
 {
     std::error_code ignored;
@@ -33,59 +35,46 @@ bool isSameFile(const std::string& left, const std::string& right)
            std::filesystem::equivalent(left, right, ignored);
 }
 
-namespace {
-bool endsLikeAPage(const std::string& path)
+void refuseSameFile(const std::string& what, const std::string& path, const std::string& other,
+                    const std::string& otherPath)
 {
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char letter) { return std::tolower(letter); });
-    return ending == ".html" || ending == ".htm";
-}
-
-/** The page of a fit must replace nothing that is read or written beside it. */
-void checkReport(const CommandLine& line)
-{
-    for (const std::string& input : {line.subject, line.cases}) {
-        if (isSameFile(input, line.report)) {
-            throw UsageError("The report would replace \"" + input +
-                             "\", which is read; name another file.");
-        }
+    if (!path.empty() && (path == otherPath || isSameFile(path, otherPath))) {
+        throw UsageError("The " + what + " and the " + other + " cannot both be \"" + path + "\".");
     }
-    for (const std::string& output : {line.output, line.save}) {
-        if (line.report == output || isSameFile(line.report, output)) {
-            throw UsageError("The report and another output cannot both be \"" + output + "\".");
-        }
-    }
-    if (!endsLikeAPage(line.report)) {
-        throw UsageError("--report writes a page of HTML, whose name ends with .html, which " +
-                         quotedText(line.report) + " does not; a browser prints the page as PDF.");
-    }
-    OutputFile::check(line.report);
 }
 } // namespace
 
+void refuseToReplace(const std::string& what, const std::string& path,
+                     const std::vector<std::string>& inputs)
+{
+    for (const std::string& input : inputs) {
+        if (isSameFile(input, path)) {
+            throw UsageError("The " + what + " would replace \"" + input +
+                             "\", which is read; name another file.");
+        }
+    }
+}
+
 void checkOutput(const CommandLine& line)
 {
-    for (const std::string& input : {line.subject, line.cases, line.points}) {
-        if (isSameFile(input, line.output)) {
-            throw UsageError("The output would replace \"" + input +
-                             "\", which is read; name another file.");
-        }
-    }
-    for (const std::string& input : {line.cases, line.points}) {
-        if (isSameFile(input, line.save)) {
-            throw UsageError("The project would replace \"" + input +
-                             "\", which is read; name another file.");
-        }
-    }
+    refuseToReplace("output", line.output, {line.subject, line.cases, line.points});
+    refuseToReplace("project", line.save, {line.cases, line.points});
+    refuseToReplace("report", line.report, {line.subject, line.cases});
+    refuseSameFile("output", line.output, "project", line.save);
+    refuseSameFile("output", line.output, "report", line.report);
+    refuseSameFile("project", line.save, "report", line.report);
     OutputFile::check(line.output);
     if (!line.report.empty()) {
-        checkReport(line);
+        const std::string ending = boost::algorithm::to_lower_copy(
+            std::filesystem::path(line.report).extension().string());
+        if (ending != ".html" && ending != ".htm") {
+            throw UsageError("--report writes an HTML page, whose name ends with .html, which " +
+                             quotedText(line.report) +
+                             " does not; a browser prints the page as PDF.");
+        }
+        OutputFile::check(line.report);
     }
     if (!line.save.empty()) {
-        if (line.save == line.output || isSameFile(line.save, line.output)) {
-            throw UsageError("The output and the project cannot both be \"" + line.save + "\".");
-        }
         OutputFile::check(line.save, OutputFile::KeepsBackup);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct CommandLine;
 
@@ -10,8 +11,10 @@ void writeText(const std::string& path, const std::string& text);
 /** Writes a text to the standard error, unless the command line asks for quiet. */
 void note(const CommandLine& line, const std::string& text);
 
-/** Whether both names lead to one regular file that exists. */
-bool isSameFile(const std::string& left, const std::string& right);
+/** @param what is to be written to the path: "output". @param inputs files that are read.
+ *  @throw UsageError if one of them, under whatever name, would be replaced. */
+void refuseToReplace(const std::string& what, const std::string& path,
+                     const std::vector<std::string>& inputs);
 
 /**
  * Finds faults of the files to be written before the long work, not after it.

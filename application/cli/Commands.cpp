@@ -57,7 +57,8 @@ TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
     return dialect;
 }
 
-/** What changed the results, found only where it is shown: it takes as long as many values. */
+/** Notes and warnings of the fit. Not with --quiet: finding them takes as long as many predictions.
+ */
 void noteFit(const CommandLine& line, CaseSession& session, const Evaluation* evaluation = nullptr)
 {
     if (!line.isQuiet) {
@@ -65,7 +66,7 @@ void noteFit(const CommandLine& line, CaseSession& session, const Evaluation* ev
     }
 }
 
-/** A table is the data: with --json it is a member of the object, unless it goes to a file. */
+/** With --json the table is a member of the object, unless it goes to a file. */
 void writeTable(const CommandLine& line, const OutputTable& table, const CaseFileLayout& input,
                 OpenSession& open, const Evaluation& evaluation)
 {
@@ -106,8 +107,8 @@ std::string localTime()
     return text.str();
 }
 
-/** How much each output changes along each input, of Kriging; the coefficients of a response
- * surface show that. */
+/** Of Kriging: how much each output changes along each input, which the coefficients of a response
+ * surface show. */
 std::vector<InputRanking> rankingsOf(CaseSession& session)
 {
     constexpr std::size_t values = 21; // enough to see how far a smooth curve goes
@@ -143,7 +144,7 @@ void runFit(const CommandLine& line)
                                        : terminalText(FitReport::text(open.session, rankings)));
 }
 
-/** Limits must not look like an input that has their name. */
+/** Refuses variables that have the names of the columns of limits. */
 void checkLimitNames(const CommandLine& line, const Workspace& workspace)
 {
     if (!line.interval) {
@@ -241,7 +242,7 @@ void runEquations(const CommandLine& line)
 {
     OpenSession open(line);
     if (open.session.modelType() == CaseSession::Kriging) {
-        throw UsageError("Only the response surface has equations, and the project chooses "
+        throw UsageError("Only response surfaces have equations, and the project chooses "
                          "kriging: add -m response-surface.");
     }
     open.session.model();

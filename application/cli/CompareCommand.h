@@ -4,6 +4,6 @@ struct CommandLine;
 
 /** The command compare. */
 namespace CompareCommand {
-/** Fits both models fold by fold and writes what came of it. @throw as ::run() */
+/** Cross-validates both models and writes the comparison. @throw as ::run() */
 void run(const CommandLine& line);
 } // namespace CompareCommand

@@ -21,7 +21,7 @@ void ExportCommand::check(const CommandLine& line)
     }
     if (ModelFile::formatOf(line.format) == ExportFormat::Excel && line.output == "-" &&
         isatty(STDOUT_FILENO) != 0) {
-        throw UsageError("A workbook is nothing that a terminal can show; name a file: -o FILE.");
+        throw UsageError("A terminal cannot show a workbook; name a file: -o FILE.");
     }
 }
 

@@ -19,7 +19,7 @@
 #include <vector>
 
 namespace {
-/** Reads the case file of a project, or the one that is to take its place. */
+/** Reads the case file of a project, or the one that replaces it. */
 CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
 {
     if (!line.cases.empty()) {
@@ -34,24 +34,18 @@ CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& docum
     } catch (const CaseFileStateError& error) {
         throw ProjectDocumentError(
             error.what() +
-            std::string(error.state() == ProjectDocument::Missing
-                            ? " Put it back there, or name it with --cases FILE."
-                            : " Name it with --cases FILE to work with it as it is now, and save "
-                              "the project again."));
+            std::string(
+                error.state() == ProjectDocument::Missing
+                    ? " Put it back there, or name it with --cases FILE."
+                    : " Use it as it is now with --cases FILE, and save the project again."));
     }
 }
 
 std::unique_ptr<CaseSession> openProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
-    if (isSameFile(document.caseFile.path, line.report)) {
-        throw UsageError("The report would replace \"" + document.caseFile.path +
-                         "\", the project's case file; name another file.");
-    }
-    if (isSameFile(document.caseFile.path, line.output)) {
-        throw UsageError("The output would replace \"" + document.caseFile.path +
-                         "\", the project's case file; name another file.");
-    }
+    refuseToReplace("report", line.report, {document.caseFile.path});
+    refuseToReplace("output", line.output, {document.caseFile.path});
     OpenedProject opened = openProject(readProjectCases(line, document), document, line.choices);
     for (const std::string& sentence : opened.notes) {
         note(line, "Note: " + sentence + '\n');
@@ -67,10 +61,7 @@ std::unique_ptr<CaseSession> openProject(const CommandLine& line)
 
 std::unique_ptr<CaseSession> openCases(const CommandLine& line)
 {
-    if (isSameFile(line.subject, line.save)) {
-        throw UsageError("The project would replace \"" + line.subject +
-                         "\", which is read; name another file.");
-    }
+    refuseToReplace("project", line.save, {line.subject});
     SessionChoices choices = line.choices;
     if (line.command == CommandLine::Summary) {
         choices.unnamedOutputs = UnnamedOutputs::Suggested;
@@ -103,9 +94,8 @@ OpenSession::OpenSession(const CommandLine& line)
     }
     if (session.modelType() == CaseSession::Kriging && !session.designColumns().isEmpty() &&
         line.command != CommandLine::Compare) {
-        throw UsageError("Weights and blocks are for response surfaces: choose -m "
-                         "response-surface, or leave them out with --weights none and --block "
-                         "none.");
+        throw UsageError("Weights and blocks are for response surfaces only: choose -m "
+                         "response-surface, or --weights none and --block none.");
     }
     if (!session.readingGuess().empty()) {
         note(line, "Read as: " + session.readingGuess() + '\n');

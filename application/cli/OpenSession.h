@@ -21,7 +21,7 @@ struct OpenSession
 
     /**
      * Gives the inputs the values of --sweep, --count and --at.
-     * @param usualCount values that --sweep NAME stands for; 0: the option needs them.
+     * @param usualCount values of --sweep NAME without a text; 0: the text is required.
      * @throw UsageError, DistributionTextError
      */
     void chooseValues(const CommandLine& line, std::size_t usualCount = 0);

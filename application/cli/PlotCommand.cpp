@@ -35,11 +35,11 @@ std::string extrapolationOf(const PictureData& picture)
     return contour == nullptr ? std::string() : contour->extrapolation;
 }
 
-/** The options that mend what SessionPictures::check() refuses. */
+/** The options that avoid what SessionPictures::check() refuses. */
 std::string hint(Kind kind)
 {
     return SessionPictures::sweptInputs(kind) == 0
-               ? " Take -m response-surface."
+               ? " Choose -m response-surface."
                : std::string(kind == Kind::Sweep ? " Name it" : " Name each") +
                      " with --sweep NAME, --sweep NAME=TEXT or --count NAME=N, and hold others "
                      "with --at NAME=VALUE.";

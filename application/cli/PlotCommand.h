@@ -14,7 +14,7 @@ void check(const CommandLine& line);
  *  @throw UsageError, DistributionTextError */
 void chooseValues(const CommandLine& line, OpenSession& open);
 
-/** Draws the picture and writes its file. @return what is to be said about the points shown.
+/** Draws the picture and writes its file. @return the extrapolation of the points drawn.
  *  @throw UsageError, FileError, SurrogateModelInterface::Error */
 Evaluation run(const CommandLine& line, OpenSession& open);
 } // namespace PlotCommand

@@ -90,7 +90,7 @@ void UsageFaults::refuseExtrasOf(const CLI::App& command) const
             throw unknownCommand(argument);
         }
         throw UsageError("\"" + argument + "\" is one argument too many for " + command.get_name() +
-                         "; texts with blanks are to be quoted.");
+                         "; quote texts that hold blanks.");
     }
 }
 
@@ -105,17 +105,15 @@ UsageError UsageFaults::unknownCommand(const std::string& name) const
 UsageError UsageFaults::unknownOption(const std::string& option, const CLI::App& command) const
 {
     if (&command == &app) {
-        return UsageError("Options stand behind the command: surrogate COMMAND " + option + " ...");
+        return UsageError("Options come after the command: surrogate COMMAND " + option + " ...");
     }
     std::vector<std::string> owners = commandsOf(app, option);
-    if (owners.size() == 1) {
-        return UsageError(option + " belongs to the command " + owners.front() + '.');
-    }
     if (!owners.empty()) {
         const std::string last = owners.back();
         owners.pop_back();
-        return UsageError(option + " belongs to the commands " + joinedText(owners) + " and " +
-                          last + '.');
+        return UsageError(option + " belongs to the command" +
+                          (owners.empty() ? " " : "s " + joinedText(owners) + " and ") + last +
+                          '.');
     }
     std::vector<std::string> known;
     for (const CLI::Option* const own : command.get_options()) {

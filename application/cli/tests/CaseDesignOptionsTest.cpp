@@ -106,11 +106,9 @@ TEST_F(CaseDesignOptions, AreRefusedWithASentence)
     folder.write("negative.csv", "a,w,y\n1,1,1\n2,-1,2\n3,1,3\n4,1,5\n");
     expectFailure("fit negative.csv -y y --weights w", 2,
                   "The weights \"w\" must not be negative: that of case 2 is -1.");
-    expectFailure("fit days.csv -y y --weights day", 2,
-                  "\"day\" cannot weigh the cases, it is a column of texts.");
     expectFailure("fit days.csv -y y -x a,w --weights w", 2,
                   "\"w\" cannot be both weights and input.");
     expectFailure("fit days.csv -y y --weights w -m kriging", 2,
-                  "Weights and blocks are for response surfaces: choose -m response-surface, or "
-                  "leave them out with --weights none and --block none.");
+                  "Weights and blocks are for response surfaces only: choose -m response-surface, "
+                  "or --weights none and --block none.");
 }

@@ -1,114 +1,78 @@
 #include "../CommandLine.h"
 
-#include "../../session/tests/MessageOf.h"
-
-#include <session/text/SessionErrors.h>
+#include "ParsedCommand.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
-namespace {
-struct Refusal
+TEST(CommandLine, RefusesOptionsThatDoNotGoTogether)
 {
-    const char* name;
-    void (*change)(CommandLine&);
-    const char* sentence;
-};
-
-class CommandLineRefusal : public ::testing::TestWithParam<Refusal>
-{};
-
-const Refusal refusals[] = {
-    {"NoCases", [](CommandLine& line) { line.subject.clear(); },
-     "The command needs a case file or a project document."},
-    {"NoProject",
-     [](CommandLine& line) {
-         line.command = CommandLine::Project;
-         line.subject.clear();
-     },
-     "The command project needs a project document."},
-    {"OtherEndingOfAProject", [](CommandLine& line) { line.save = "plane.xml"; },
-     "The name of a project document ends with .surrogate.xml, which \"plane.xml\" does not."},
-    {"ProjectOfAPipe",
-     [](CommandLine& line) {
-         line.subject = "-";
-         line.save = "a.surrogate.xml";
-     },
-     "A project cannot find cases again that came from the standard input; put them into a file."},
-    {"OtherCasesOfNoProject", [](CommandLine& line) { line.cases = "other.csv"; },
-     "--cases names the case file of a project document; without one it has no meaning."},
-    {"NoPoints", [](CommandLine& line) { line.command = CommandLine::Predict; },
-     "The command predict needs the file with the points: --points FILE."},
-    {"CasesAndPointsOfAPipe",
-     [](CommandLine& line) {
-         line.command = CommandLine::Predict;
-         line.subject = line.points = "-";
-     },
-     "The cases and the points cannot both come from the standard input."},
-    {"EquationsOfKriging",
-     [](CommandLine& line) {
-         line.command = CommandLine::Equations;
-         line.choices.model = CaseSession::Kriging;
-     },
-     "Only the response surface has equations: leave out -m kriging."},
-    {"BoxCoxOfKriging",
-     [](CommandLine& line) {
-         line.choices.transform = TransformSetting::BoxCox;
-         line.choices.model = CaseSession::Kriging;
-     },
-     "Only response surfaces are transformed by Box and Cox: choose another --transform for "
-     "kriging."},
-    {"TermsOfKriging",
-     [](CommandLine& line) {
-         line.choices.terms = PolynomialTerms::Linear;
-         line.choices.model = CaseSession::Kriging;
-     },
-     "--terms, --select-terms and --all-terms choose the terms of a response surface: leave out -m "
-     "kriging."},
-    {"ReportToTheStandardOutput", [](CommandLine& line) { line.report = "-"; },
-     "--report needs the name of a file for the page."},
-    {"FitOfAModel", [](CommandLine& line) { line.subject = "m.json"; },
-     "\"m.json\" is an exported model, which the commands evaluate, predict and export take; this "
-     "one needs cases."},
-    {"TermsOfAModel",
-     [](CommandLine& line) {
-         line.command = CommandLine::Evaluate;
-         line.subject = "m.json";
-         line.choices.selection = ResponseSurfaceOptions::Selection::All;
-     },
-     "--terms, --select-terms and --all-terms choose what is fitted; \"m.json\" is an exported "
-     "model, fitted already."},
-};
-
-CommandLine fitOfCases()
-{
-    CommandLine line;
-    line.command = CommandLine::Fit;
-    line.subject = "cases.csv";
-    return line;
-}
-} // namespace
-
-TEST_P(CommandLineRefusal, IsASentence)
-{
-    CommandLine line = fitOfCases();
-    GetParam().change(line);
-
-    EXPECT_EQ(messageOf<UsageError>([&] { line.check(); }), GetParam().sentence);
+    const std::pair<const char*, const char*> rows[] = {
+        {"fit", "The command needs a case file or a project document."},
+        {"project", "The command project needs a project document."},
+        {"fit cases.csv --save plane.xml",
+         "The name of a project document ends with .surrogate.xml, which \"plane.xml\" does not."},
+        {"fit - --save a.surrogate.xml",
+         "A project cannot read cases from the standard input again; put them into a file."},
+        {"fit cases.csv --cases other.csv",
+         "--cases replaces the case file of a project, and \"cases.csv\" is none."},
+        {"predict cases.csv", "The command predict needs the file with the points: --points FILE."},
+        {"predict - --points -",
+         "The cases and the points cannot both come from the standard input."},
+        {"equations cases.csv -m kriging",
+         "Only response surfaces have equations: leave out -m kriging."},
+        {"fit cases.csv --transform boxcox -m kriging",
+         "--transform boxcox is for response surfaces only: choose another one for kriging."},
+        {"fit cases.csv --terms linear -m kriging",
+         "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
+         "out -m kriging."},
+        {"fit cases.csv --separator comma --decimal comma",
+         "A comma cannot be both the separator and the decimal mark; choose another separator."},
+        {"fit cases.csv --report -", "--report needs the name of a file for the page."}};
+    for (const auto& [arguments, sentence] : rows) {
+        EXPECT_EQ(refusalOf(arguments), sentence) << arguments;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Use, CommandLineRefusal, ::testing::ValuesIn(refusals),
-                         [](const auto& refusal) { return std::string(refusal.param.name); });
+TEST(CommandLine, RefusesWhatAnExportedModelHasNoUseFor)
+{
+    const std::string isFitted = " what is fitted, and \"m.json\" is an exported model, already "
+                                 "fitted.";
+    const std::string hasNoCases = " needs cases, and \"m.json\" is an exported model, without "
+                                   "cases.";
+    const std::string needsCases = "\"m.json\" is an exported model, which only the commands "
+                                   "evaluate, predict and export can use; this one needs cases.";
+    const std::pair<const char*, std::string> rows[] = {
+        {"fit m.json", needsCases},
+        {"summary m.json", needsCases},
+        {"equations m.json", needsCases},
+        {"evaluate m.json -x a", "-x, -y, -m and --exclude choose" + isFitted},
+        {"evaluate m.json -y a", "-x, -y, -m and --exclude choose" + isFitted},
+        {"evaluate m.json -m kriging", "-x, -y, -m and --exclude choose" + isFitted},
+        {"evaluate m.json --exclude 3", "-x, -y, -m and --exclude choose" + isFitted},
+        {"evaluate m.json --all-terms",
+         "--terms, --select-terms and --all-terms choose" + isFitted},
+        {"evaluate m.json --block a", "--weights and --block choose" + isFitted},
+        {"evaluate m.json --transform log", "--transform chooses" + isFitted},
+        {"evaluate m.json --save a.surrogate.xml", "--save" + hasNoCases},
+        {"evaluate m.json --interval 95", "--interval" + hasNoCases},
+        {"evaluate m.json --cases cvd.csv",
+         "--cases replaces the case file of a project, and \"m.json\" is none."},
+        {"export m.json --format c --separator comma",
+         "\"m.json\" is not a table: leave out --separator and --decimal."},
+        {"evaluate m.json --missing failed",
+         "\"m.json\" is not a table: leave out options such as --heading and --missing."}};
+    for (const auto& [arguments, sentence] : rows) {
+        EXPECT_EQ(refusalOf(arguments), sentence) << arguments;
+    }
+}
 
 TEST(CommandLine, KnowsProjectsAndModelsByTheirNames)
 {
-    CommandLine line = fitOfCases();
-    EXPECT_NO_THROW(line.check());
-    EXPECT_FALSE(line.startsFromProject() || line.startsFromModel());
-
-    line.subject = "p.surrogate.xml";
-    EXPECT_TRUE(line.startsFromProject());
-    line.subject = "m.json";
-    EXPECT_TRUE(line.startsFromModel());
+    const CommandLine cases = parsed("evaluate cases.csv");
+    EXPECT_FALSE(cases.startsFromProject() || cases.startsFromModel());
+    EXPECT_TRUE(parsed("evaluate p.surrogate.xml").startsFromProject());
+    EXPECT_TRUE(parsed("evaluate m.json").startsFromModel());
 }

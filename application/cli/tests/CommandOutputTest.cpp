@@ -55,9 +55,14 @@ TEST_F(CommandOutput, GoesToFilesOfTheirOwnAndIsCheckedBeforeTheWork)
 
     line.save.clear();
     line.report = line.output;
-    EXPECT_EQ(refusal(), "The report and another output cannot both be \"" + line.report + "\".");
+    EXPECT_EQ(refusal(), "The output and the report cannot both be \"" + line.report + "\".");
+
+    line.output = "-";
+    line.save = line.report;
+    EXPECT_EQ(refusal(), "The project and the report cannot both be \"" + line.report + "\".");
 
     line.report.clear();
+    line.save.clear();
     line.output = folder.path("none/table.csv");
 
     EXPECT_THROW(checkOutput(line), FileError);

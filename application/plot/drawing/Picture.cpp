@@ -101,10 +101,10 @@ public:
 };
 
 /** Panels that belong together, in a grid between a title and a caption. */
-class Block
+class PanelGroup
 {
 public:
-    Block(PictureData data, const std::optional<PictureSize>& wanted)
+    PanelGroup(PictureData data, const std::optional<PictureSize>& wanted)
     {
         std::visit([&](auto& picture) { add(std::move(picture), wanted); }, data);
     }
@@ -227,11 +227,11 @@ public:
     Impl(std::vector<PictureData> panels, const std::optional<PictureSize>& size)
     {
         for (PictureData& panel : panels) {
-            blocks.emplace_back(std::move(panel), size);
-            place = place.expandedTo(blocks.back().wholeSize());
+            groups.emplace_back(std::move(panel), size);
+            place = place.expandedTo(groups.back().wholeSize());
         }
-        const auto count = static_cast<double>(blocks.size());
-        columns = blocks.front().isGroup() ? 1 : static_cast<int>(std::ceil(std::sqrt(count)));
+        const auto count = static_cast<double>(groups.size());
+        columns = groups.front().isGroup() ? 1 : static_cast<int>(std::ceil(std::sqrt(count)));
         rows = static_cast<int>(std::ceil(count / columns));
     }
 
@@ -241,20 +241,20 @@ public:
     {
         QPainter painter(&device);
         painter.fillRect(QRect(QPoint(0, 0), wholeSize()), Qt::white);
-        for (std::size_t i = 0; i < blocks.size(); ++i) {
-            blocks[i].drawTexts(painter, cornerOf(i));
+        for (std::size_t i = 0; i < groups.size(); ++i) {
+            groups[i].drawTexts(painter, cornerOf(i));
         }
         // The renderer scales by the resolution of the device over that of the screen; a pixel of
         // the picture is to be a pixel of the device.
-        const PlotWidget& first = blocks.front().firstPanel();
+        const PlotWidget& first = groups.front().firstPanel();
         painter.scale(static_cast<double>(first.logicalDpiX()) / device.logicalDpiX(),
                       static_cast<double>(first.logicalDpiY()) / device.logicalDpiY());
         const QTransform toPixels = painter.transform().inverted();
         QwtPlotRenderer renderer;
         renderer.setDiscardFlags(QwtPlotRenderer::DiscardBackground |
                                  QwtPlotRenderer::DiscardCanvasBackground);
-        for (std::size_t i = 0; i < blocks.size(); ++i) {
-            blocks[i].eachPanel(cornerOf(i), [&](PlotWidget& panel, const QRectF& room) {
+        for (std::size_t i = 0; i < groups.size(); ++i) {
+            groups[i].eachPanel(cornerOf(i), [&](PlotWidget& panel, const QRectF& room) {
                 renderer.render(&panel, &painter, toPixels.mapRect(room));
             });
         }
@@ -270,22 +270,22 @@ public:
         generator.setSize(wholeSize());
         generator.setViewBox(QRect(QPoint(0, 0), wholeSize()));
         // QSvgGenerator does not escape it.
-        generator.setTitle(blocks.front().titleText().toHtmlEscaped());
+        generator.setTitle(groups.front().titleText().toHtmlEscaped());
         generator.setDescription(QString());
         draw(generator);
         return withoutEmptyGroups(withSizeInPixels(bytes, wholeSize()));
     }
 
 private:
-    QPoint cornerOf(std::size_t block) const
+    QPoint cornerOf(std::size_t group) const
     {
-        const int column = static_cast<int>(block) % columns;
-        const int row = static_cast<int>(block) / columns;
+        const int column = static_cast<int>(group) % columns;
+        const int row = static_cast<int>(group) / columns;
         return {column * place.width(), row * place.height()};
     }
 
-    std::vector<Block> blocks;
-    QSize place; ///< of a block: the largest one's
+    std::vector<PanelGroup> groups;
+    QSize place; ///< of a group: the largest one's
     int columns = 1;
     int rows = 1;
 };

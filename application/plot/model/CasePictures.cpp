@@ -21,7 +21,8 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
     const std::string name = session.outputs()[output].lock()->name();
     const FittedModel* const model = session.fittedModel();
     if (model == nullptr) {
-        throw SurrogateModelInterface::Error("The model has no cases to predict from each other.");
+        throw SurrogateModelInterface::Error(
+            "The model is an exported one, without cases to draw.");
     }
     std::vector<LeaveOneOutPrediction> predictions =
         model->leaveOneOutPredictions(session.outputOffsets()[output]);
@@ -116,8 +117,8 @@ ScatterPicture actualPicture(const LeaveOneOutCases& cases)
     if (picture.x.empty()) {
         throw SurrogateModelInterface::Error(
             "The cases of " + owner +
-            " cannot be predicted from each other: without one of them the others do not "
-            "determine the model. More cases would.");
+            " cannot be predicted from each other: they are too few to determine the model if one "
+            "is left out. Add cases.");
     }
     requireDrawable(picture.x, owner);
     requireDrawable(picture.y, "The model of " + owner);

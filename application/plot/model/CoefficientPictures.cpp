@@ -48,8 +48,8 @@ CoefficientPicture coefficientPicture(const ResponseSurfaceStatistics& statistic
     }
     if (picture.terms.empty()) {
         throw SurrogateModelInterface::Error(owner +
-                                             " is a constant: there are no coefficients to be "
-                                             "drawn. More cases would give some.");
+                                             " is a constant, without coefficients to draw. "
+                                             "Add cases.");
     }
     std::stable_sort(picture.terms.begin(), picture.terms.end(),
                      [](const auto& left, const auto& right) {

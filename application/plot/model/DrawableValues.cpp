@@ -24,7 +24,7 @@ void requireDrawable(const std::vector<double>& values, const std::string& owner
 void requireTwoValues(std::size_t different, const std::string& input)
 {
     if (different < 2) {
-        throw UsageError("The picture needs two different values of " + quotedText(input) +
-                         " at least.");
+        throw UsageError("The picture needs at least two different values of " + quotedText(input) +
+                         '.');
     }
 }

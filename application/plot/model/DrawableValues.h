@@ -5,7 +5,7 @@
 #include <vector>
 
 /**
- * A drawing of infinities would be an empty frame that says nothing.
+ * Refuses what would be drawn as an empty frame.
  * @param owner of the values, the subject of the message.
  * @throw SurrogateModelInterface::Error for a value that is not finite or too large for an axis.
  */

@@ -164,10 +164,10 @@ void SessionPictures::check(Kind kind, const Workspace& workspace,
     }
     if (isOfResponseSurfaces(kind) && workspace.modelType() == Workspace::Kriging) {
         throw UsageError(kind == Kind::Coefficients
-                             ? "Only the response surface has coefficients to draw."
+                             ? "Only response surfaces have coefficients to draw."
                          : kind == Kind::Ridge
-                             ? "Only the response surface has a ridge to draw."
-                             : "Only the response surface has studentised residuals to draw; take "
+                             ? "Only response surfaces have a ridge to draw."
+                             : "Only response surfaces have studentised residuals to draw; choose "
                                "the kind residuals.");
     }
 }
@@ -196,7 +196,8 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
         isOfResponseSurfaces(kind) ? session.statistics()
                                    : std::vector<ResponseSurfaceStatistics>();
     if (isOfResponseSurfaces(kind) && statistics.empty()) {
-        throw SurrogateModelInterface::Error("The model has no cases to draw the statistics of.");
+        throw SurrogateModelInterface::Error(
+            "The model is an exported one, without cases to draw.");
     }
     const std::vector<std::string> inputs = shownNamesOf(session.inputs());
     const std::vector<std::string> outputs = shownNamesOf(session.outputs());

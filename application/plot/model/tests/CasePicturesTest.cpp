@@ -167,8 +167,8 @@ TEST(CasePictures, AreRefusedIfNoCaseIsDeterminedByTheOthers)
     const LeaveOneOutCases cases = {"y", "Kriging", {{0, 1.0, std::nan(""), 0.1}}, 1};
 
     EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] { actualPicture(cases); }),
-              "The cases of \"y\" cannot be predicted from each other: without one of them the "
-              "others do not determine the model. More cases would.");
+              "The cases of \"y\" cannot be predicted from each other: they are too few to "
+              "determine the model if one is left out. Add cases.");
     EXPECT_THROW(residualPicture(cases), SurrogateModelInterface::Error);
 }
 

@@ -105,7 +105,7 @@ TEST(SessionPictures, OfCoefficientsNeedAResponseSurface)
     const CaseSession session = cvdSession(CaseSession::Kriging);
 
     EXPECT_EQ(refusal(Kind::Coefficients, session),
-              "Only the response surface has coefficients to draw.");
+              "Only response surfaces have coefficients to draw.");
     EXPECT_EQ(refusal(Kind::Actual, session), "accepted");
 }
 

@@ -74,7 +74,7 @@ TEST(SweepPictures, RefusesOneValueOfTheSweptInputAndThoseThatNoAxisCanShow)
     EXPECT_EQ(messageOf<UsageError>([] {
                   sweepPicture(cut({42, 42}, {5, 5}), 0, {});
               }),
-              "The picture needs two different values of \"Pressure\" at least.");
+              "The picture needs at least two different values of \"Pressure\".");
 
     const double infinity = std::numeric_limits<double>::infinity();
 
