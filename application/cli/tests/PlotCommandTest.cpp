@@ -101,7 +101,7 @@ TEST_F(PlotCommand, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
     EXPECT_NE(named().find("At Pressure = 42."), std::string::npos);
     EXPECT_EQ(run(plot + "--kind sweep --sweep Pressure").exitCode, 0);
     EXPECT_NE(named().find("At H2/WF6 = 6. "), std::string::npos);
-    expectFailure("plot cvd.csv -y Uniformity -o picture.svg --kind contour --at Pressure", 2,
+    expectFailure(plot + "--kind contour --at Pressure", 2,
                   "--at needs NAME=VALUE, not \"Pressure\".");
 }
 

@@ -1,6 +1,7 @@
 #include "session/cases/CaseRoles.h"
 
 #include "session/cases/VariableNames.h"
+#include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 
 #include <algorithm>
@@ -32,7 +33,7 @@ public:
     {
         std::vector<std::size_t> chosen;
         for (const std::string& text : texts) {
-            for (const std::size_t position : names.listed(text)) {
+            for (const std::size_t position : listed(text)) {
                 take(position, role);
                 chosen.push_back(position);
             }
@@ -50,6 +51,25 @@ public:
     }
 
 private:
+    std::vector<std::size_t> listed(const std::string& text) const
+    {
+        try {
+            return names.listed(text);
+        } catch (const UsageError& error) {
+            const std::vector<std::string>& labels = table.columns.front().texts;
+            if (std::find(labels.begin(), labels.end(), text) != labels.end()) {
+                throw UsageError(quotedText(text) +
+                                 " names a row of the table: write the table with a column for "
+                                 "each variable and a row for each case.");
+            }
+            throw UsageError(error.what() +
+                             std::string(table.layout.hasHeading
+                                             ? ""
+                                             : " The table was read without a heading; --heading "
+                                               "takes its first row for one."));
+        }
+    }
+
     void take(std::size_t position, const std::string& role)
     {
         const CaseColumn& column = table.columns[position];
@@ -122,6 +142,20 @@ public:
         for (const auto& [position, reason] : ColumnRoles::likelyOutputs(table, candidates())) {
             roles.columns[position] = {ColumnRole::Output, reason};
             roles.outputs.push_back(position);
+        }
+    }
+
+    /** Points out inputs that stand between or behind the outputs, where there are some before. */
+    void pointOutInputsBehind()
+    {
+        if (roles.inputs.empty() || roles.outputs.empty() ||
+            roles.inputs.front() > roles.outputs.front()) {
+            return;
+        }
+        for (const std::size_t position : roles.inputs) {
+            if (position > roles.outputs.front() && roles.columns[position].reason.empty()) {
+                roles.columns[position].reason = ColumnRoles::behindOutput;
+            }
         }
     }
 
@@ -217,6 +251,9 @@ CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>
     }
     if (inputTexts.empty()) {
         defaults.takeInputs();
+        if (!outputTexts.empty()) {
+            defaults.pointOutInputsBehind();
+        }
     } else {
         defaults.forgetReasons();
     }

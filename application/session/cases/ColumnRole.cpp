@@ -140,6 +140,12 @@ bool areDates(const std::vector<double>& numbers)
     return filled.size() >= fewestRuns && filled.front() != filled.back();
 }
 
+bool ascend(const std::vector<double>& filled)
+{
+    return filled.size() >= fewestRuns &&
+           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+}
+
 /** Whether each case has a later year than the one before. */
 bool areAscendingYears(const CaseColumn& column)
 {
@@ -148,28 +154,44 @@ bool areAscendingYears(const CaseColumn& column)
     static constexpr std::array<std::string_view, 5> words = {"year", "years", "yr", "jahr",
                                                               "date"};
     const std::vector<double> filled = filledNumbers(column.numbers);
-    return isOneOf(plainName(column.name), words) && filled.size() >= fewestRuns &&
-           filled.front() >= first && filled.back() < last &&
-           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+    return isOneOf(plainName(column.name), words) && ascend(filled) && filled.front() >= first &&
+           filled.back() < last;
 }
 
-/** Whether each case has a later time than the one before, in seconds or less since 1970. */
+/** Whether each case has a later time than the one before. */
 bool areAscendingTimes(const CaseColumn& column)
 {
-    constexpr double least = 1e8;
-    static constexpr std::array<std::string_view, 8> words = {
-        "time", "timestamp", "date", "datetime", "zeit", "zeitstempel", "epoch", "unixtime"};
+    static constexpr std::array<std::string_view, 11> words = {
+        "time",  "timestamp", "date",  "datetime", "zeit",  "zeitstempel",
+        "epoch", "unixtime",  "datum", "uhrzeit",  "xvalue"};
+    return isOneOf(plainName(column.name), words) && ascend(filledNumbers(column.numbers));
+}
+
+/** Whether each case has a higher whole number than the one before under a name such as PartNo. */
+bool areSerialNumbers(const CaseColumn& column)
+{
+    std::string name = column.name.substr(0, column.name.find_first_of("[(", 1));
+    while (!name.empty() && std::isalnum(static_cast<unsigned char>(name.back())) == 0) {
+        name.pop_back();
+    }
+    const std::string_view end =
+        std::string_view(name).substr(name.size() - std::min<std::size_t>(2, name.size()));
+    const std::string plain = plainName(std::string(end));
+    const auto before = static_cast<unsigned char>(name.size() > 2 ? name[name.size() - 3] : 'a');
+    const bool isWord =
+        std::isalpha(before) == 0 ||
+        (std::islower(before) != 0 && std::islower(static_cast<unsigned char>(end.front())) == 0);
     const std::vector<double> filled = filledNumbers(column.numbers);
-    return isOneOf(plainName(column.name), words) && filled.size() >= fewestRuns &&
-           filled.front() >= least &&
-           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+    return (plain == "no" || plain == "nr" || plain == "id") && isWord && ascend(filled) &&
+           std::all_of(filled.begin(), filled.end(), isWholeNumber);
 }
 
 /** What the numbers are that only say which case it is; empty for others. */
 std::string numberingText(const CaseColumn& column)
 {
     return countsUp(column.numbers) ? "counts up by one, "
-           : isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers)
+           : (isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers)) ||
+                   areSerialNumbers(column)
                ? "numbers the cases, "
            : areDates(column.numbers)  ? "dates written as numbers, "
            : areAscendingYears(column) ? "years that only ascend, "
@@ -197,12 +219,34 @@ bool isMonth(const std::string& word)
     return word.size() >= 3 && isOneOf(word.substr(0, 3), months);
 }
 
+/** "1/8", "0.5-1.5" and "2.5-", which have the signs of dates. */
+bool isFractionOrSpan(const std::string& text)
+{
+    if (text.find_first_not_of("0123456789.-/") != std::string::npos) {
+        return false;
+    }
+    std::string signs;
+    std::size_t longest = 0;
+    std::size_t digits = 0;
+    for (const char character : text) {
+        digits = isDigit(character) ? digits + 1 : 0;
+        longest = std::max(longest, digits);
+        signs += isDigit(character) ? "" : std::string(1, character);
+    }
+    constexpr std::size_t digitsOfYear = 4;
+    return signs.find_first_not_of(signs.front()) != std::string::npos ||
+           (signs.size() == 1 && longest < digitsOfYear);
+}
+
 /** Groups of digits with the separators of dates and times between them, at least two; month names
  *  and the like may stand among them. */
 bool isDateOrTime(const std::string& text)
 {
     std::size_t groups = 0;
     bool hasSeparator = false;
+    if (isFractionOrSpan(text)) {
+        return false;
+    }
     for (std::size_t i = 0; i < text.size();) {
         std::size_t end = i;
         while (end < text.size() && isDigit(text[end])) {
@@ -360,6 +404,14 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     }
     if (isConstant && filled > 1) {
         return "the same in every case, " + shownNumber(first);
+    }
+    if (column.numbers.size() >= fewestRuns && 2 * filled < column.numbers.size()) {
+        return "lacks a number in " + std::to_string(column.numbers.size() - filled) + " of " +
+               std::to_string(column.numbers.size()) + " cases";
+    }
+    static constexpr std::array<std::string_view, 3> kinds = {"pttype", "pointtype", "centerpt"};
+    if (isOneOf(plainName(column.name), kinds)) {
+        return "says which kind of point a case is";
     }
     const std::string numbering = numberingText(column);
     return numbering.empty() ? "" : numbering + spanText(column.numbers);

@@ -36,6 +36,9 @@ SURROGATE_SESSION_EXPORT const char* roleName(ColumnRole::Role role);
 
 /** How the roles of columns that nobody named are chosen. One pass over each column. */
 namespace ColumnRoles {
+/** Of an input that nobody named and that may be an output: outputs stand behind inputs. */
+inline constexpr char behindOutput[] = "an input, though it stands behind the output";
+
 /**
  * Whether the numbers of a column count up by one, as run numbers do; or differ from each other and
  * are whole, in a column that is called Run, Id, No. or alike; or are dates such as 19580329, or

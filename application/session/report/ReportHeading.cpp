@@ -24,10 +24,20 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
     }
     const std::vector<ColumnRole> roles = workspace.columnRoles();
     const std::vector<std::string> names = namesOf(workspace.project().variables());
+    std::vector<std::string> behind;
     for (std::size_t i = 0; i < roles.size(); ++i) {
-        if (roles[i].role == ColumnRole::Input && !roles[i].reason.empty()) {
+        if (roles[i].role == ColumnRole::Input && roles[i].reason == ColumnRoles::behindOutput) {
+            behind.push_back(names[i]);
+        } else if (roles[i].role == ColumnRole::Input && !roles[i].reason.empty()) {
             notes.push_back(quotedText(names[i]) + ": " + roles[i].reason + '.');
         }
+    }
+    if (!behind.empty()) {
+        const bool isOne = behind.size() == 1;
+        notes.push_back(FindingWords::names(behind) + (isOne ? " stands" : " stand") +
+                        " behind the output and " + (isOne ? "is an input" : "are inputs") +
+                        " here: if " + (isOne ? "it is an output" : "they are outputs") +
+                        ", name the inputs with -x.");
     }
     return notes;
 }

@@ -64,21 +64,28 @@ TEST_P(ColumnRoleOfNumbers, HasItsReason)
 
 INSTANTIATE_TEST_SUITE_P(
     NoInput, ColumnRoleOfNumbers,
-    ::testing::Values(Example{"Zaehler", {1, 2, 3, 4, 5, 6}, "counts up by one, from 1 to 6"},
-                      Example{"b", {0, 1, std::nan(""), 3, 4, 5}, "counts up by one, from 0 to 5"},
-                      Example{
-                          "b", {101, 102, 103, 104, 105, 106}, "counts up by one, from 101 to 106"},
-                      Example{"Run No.", {4, 2, 6, 1, 3, 5}, "numbers the cases, from 1 to 6"},
-                      Example{"ID", {3, 4, 7, 8, 11, 12}, "numbers the cases, from 3 to 12"},
-                      Example{"StdOrder", {2, 1, 4, 3, 6, 5}, "numbers the cases, from 1 to 6"},
-                      Example{"b", {5, 5, 5, std::nan(""), 5, 5}, "the same in every case, 5"},
-                      Example{"b", Numbers(6, std::nan("")), "no number in it"},
-                      Example{"b",
-                              {19580329, 19580412, 19580229, 19600101, 19580331, 19591231},
-                              "dates written as numbers, from 19580229 to 19600101"},
-                      Example{"Year",
-                              {1951, 1952, 1955, 1956, 1960, 1961.5},
-                              "years that only ascend, from 1951 to 1961.5"}));
+    ::testing::Values(
+        Example{"Zaehler", {1, 2, 3, 4, 5, 6}, "counts up by one, from 1 to 6"},
+        Example{"b", {0, 1, std::nan(""), 3, 4, 5}, "counts up by one, from 0 to 5"},
+        Example{"b", {101, 102, 103, 104, 105, 106}, "counts up by one, from 101 to 106"},
+        Example{"Run No.", {4, 2, 6, 1, 3, 5}, "numbers the cases, from 1 to 6"},
+        Example{"ID", {3, 4, 7, 8, 11, 12}, "numbers the cases, from 3 to 12"},
+        Example{"StdOrder", {2, 1, 4, 3, 6, 5}, "numbers the cases, from 1 to 6"},
+        Example{"b", {5, 5, 5, std::nan(""), 5, 5}, "the same in every case, 5"},
+        Example{"b", Numbers(6, std::nan("")), "no number in it"},
+        Example{"b",
+                {19580329, 19580412, 19580229, 19600101, 19580331, 19591231},
+                "dates written as numbers, from 19580229 to 19600101"},
+        Example{"Time [s]", {0, 0.5, 1, 1.5, 2, 2.5}, "times that only ascend, from 0 to 2.5"},
+        Example{
+            "PartNo", {4711, 4718, 4720, 4731, 4740, 4799}, "numbers the cases, from 4711 to 4799"},
+        Example{"PtType", {1, 1, 0, 0, -1, -1}, "says which kind of point a case is"},
+        Example{"b",
+                {1, 3, std::nan(""), std::nan(""), std::nan(""), std::nan("")},
+                "lacks a number in 4 of 6 cases"},
+        Example{"Year",
+                {1951, 1952, 1955, 1956, 1960, 1961.5},
+                "years that only ascend, from 1951 to 1961.5"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Input, ColumnRoleOfNumbers,
@@ -90,6 +97,9 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"year", {70, 71, 73, 76, 77, 79}, ""},
         Example{"b", {1951, 1952, 1955, 1956, 1960, 1961}, ""},
         Example{"b", {19580329, 19581301, 19580412, 19600101, 19590101, 19610101}, ""},
+        Example{"time", {1, 1, 2, 3, 4, 5}, ""},
+        Example{"Reynolds No.", {4000, 2000, 6000, 1000, 3000, 5000}, ""},
+        Example{"solid", {1000, 2000, 3000, 4100, 5000, 6000}, ""},
         Example{"b", {1, 1, 1, 1, 1, 2}, ""}));
 
 TEST(ColumnRole, FourNumbersInAscendingOrderAreNoRunNumbers)
@@ -151,6 +161,10 @@ TEST(ColumnRole, TextsAreToldFromDatesAndTimes)
     EXPECT_EQ(reasonOfTexts({"12-Jan-2024"}), "dates or times");
     EXPECT_EQ(reasonOfTexts({"north", "2024-01-31"}), "text, such as \"north\"");
     EXPECT_EQ(reasonOfTexts({"A-12/7"}), "text, such as \"A-12/7\"");
+    EXPECT_EQ(reasonOfTexts({"04.03."}), "dates or times");
+    EXPECT_EQ(reasonOfTexts({"3/8"}), "text, such as \"3/8\"");
+    EXPECT_EQ(reasonOfTexts({"0.5-1.5"}), "text, such as \"0.5-1.5\"");
+    EXPECT_EQ(reasonOfTexts({"2.5-"}), "text, such as \"2.5-\"");
     EXPECT_EQ(reasonOfTexts({"3 mm"}), "text, such as \"3 mm\"");
     EXPECT_EQ(reasonOfTexts({"1 2"}), "text, such as \"1 2\"");
 }
