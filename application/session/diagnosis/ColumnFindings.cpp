@@ -2,6 +2,7 @@
 
 #include "session/cases/ColumnFigures.h"
 #include "session/diagnosis/FindingWords.h"
+#include "session/text/NumberText.h"
 
 #include <algorithm>
 #include <array>
@@ -201,11 +202,14 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     const std::size_t restBegin = isAbove ? 0 : sorted.split;
     const std::size_t restEnd = isAbove ? sorted.split : sorted.count();
     const double restRange = sorted.value(restEnd - 1) - sorted.value(restBegin);
+    // The same number several times among numbers that hardly repeat stands for something.
+    const bool isRepeated =
+        far > 1 && 2 * sorted.distinct(restBegin, restEnd) > restEnd - restBegin;
     const bool areCodes =
-        sorted.distinct(begin, end) == 1 && isCode(sorted.value(begin)) &&
+        sorted.distinct(begin, end) == 1 && (isRepeated || isCode(sorted.value(begin))) &&
         static_cast<double>(far) <= mostCoded * static_cast<double>(sorted.count());
     const bool areFew = far <= std::max<std::size_t>(1, sorted.count() / casesPerFarOne);
-    const double widthWanted = sorted.value(0) > 0.0 ? 1.0 : 2.0;
+    const double widthWanted = sorted.value(0) > 0.0 || areCodes ? 1.0 : 2.0;
     if (!(areCodes || areFew) || sorted.gap() < widthWanted * restRange ||
         sorted.distinct(restBegin, restEnd) < fewestOtherValues || !isWideInLogarithm(sorted)) {
         return;
@@ -217,7 +221,7 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     }
     std::sort(positions.begin(), positions.end());
     const bool isOne = far == 1;
-    std::string number = figure(sorted.value(begin));
+    std::string number = areCodes ? numberText(sorted.value(begin)) : figure(sorted.value(begin));
     if (!isOne && sorted.distinct(begin, end) > 1) {
         number += " to " + figure(sorted.value(end - 1));
     }

@@ -141,6 +141,19 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                      ": all of second order are left out; choose fewer terms with --terms, or add "
                      "cases with other combinations of the inputs."}};
     }
+    if (different < terms && different <= inputs) {
+        return {{"tooFewCases",
+                 Finding::Warning,
+                 {},
+                 countedText(different, "different case") + (different == 1 ? " does" : " do") +
+                     " not even determine the linear terms of " + countedText(inputs, "input") +
+                     ", which take " + std::to_string(inputs + 1) +
+                     ": the model is the mean of the cases; name the inputs that matter with -x, "
+                     "or try -m kriging" +
+                     (inputs > 2 * different
+                          ? "; if the variables stand in rows, write them in columns."
+                          : ".")}};
+    }
     if (different < terms) {
         const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear
                                         ? "add them or leave inputs out of -x"

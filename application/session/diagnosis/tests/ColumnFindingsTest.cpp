@@ -133,6 +133,26 @@ TEST(ColumnFindings, NumbersThatMarkMissingCellsAreNamed)
                      "read the file with --missing -999."}));
 }
 
+TEST(ColumnFindings, AFarNumberThatAloneRepeatsMayMarkMissingCells)
+{
+    for (const double mark : {1e30, -999.25, 0.0}) {
+        std::vector<double> output = spread(20);
+        for (double& value : output) {
+            value += 1.0;
+        }
+        for (const std::size_t row : {3, 8, 15}) {
+            output[row] = mark;
+        }
+        const auto findings =
+            ColumnFindings::farCases(casesOf({{"a", spread(20)}}, {{"y", output}}));
+        ASSERT_EQ(findings.size(), 1u) << mark;
+        EXPECT_EQ(findings[0].kind, "missingCode") << mark;
+        if (mark == -999.25) {
+            EXPECT_NE(findings[0].text.find("--missing -999.25."), std::string::npos);
+        }
+    }
+}
+
 TEST(ColumnFindings, ValuesOverDecadesAreNoFarCases)
 {
     EXPECT_EQ(ColumnFindings::farCases(casesOf({{"a", decades(20)}})).size(), 0u);

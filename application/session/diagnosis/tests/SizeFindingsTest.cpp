@@ -19,6 +19,11 @@ TEST(SizeFindings, FewerCasesThanTermsAreTooFewAndAsManyLeaveNoError)
                      "would leave some for the error; add them or choose fewer terms with "
                      "--terms."}));
 
+    EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(2))),
+              (Texts{"tooFewCases: 2 different cases do not even determine the linear terms of 2 "
+                     "inputs, which take 3: the model is the mean of the cases; name the inputs "
+                     "that matter with -x, or try -m kriging."}));
+
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(6))),
               (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
                      "there are cases, 6: it passes through all of them, and no case is left to "
