@@ -6,6 +6,8 @@
 #include "session/text/SessionErrors.h"
 #include "session/text/WholeNumber.h"
 
+#include <surrogatemodel/SurrogateModelUserDist.h>
+
 #include <mirel_datamanagement/Project.h>
 
 #include <algorithm>
@@ -45,7 +47,16 @@ void InputValues::sweep(const std::string& assignment)
                          "\" have a comma between digits, and commas separate values: write a "
                          "decimal point, or a blank behind each comma.");
     }
-    workspace.sweep(take(variable), text);
+    const std::size_t input = take(variable);
+    const std::size_t count = SurrogateModelUserDist(text).valueCount();
+    typedValues += count;
+    if (count <= ProjectDocument::maxTypedValues && typedValues > ProjectDocument::maxTypedValues) {
+        throw DistributionTextError("The texts of the inputs ask for " +
+                                    std::to_string(typedValues) + " values together, and at most " +
+                                    std::to_string(ProjectDocument::maxTypedValues) +
+                                    " can be typed. Ask for fewer values.");
+    }
+    workspace.sweep(input, text);
 }
 
 void InputValues::sweepEvenly(const std::string& name, std::size_t count)

@@ -25,7 +25,8 @@ public:
     bool isName(const std::string& text) const;
 
     /** @param assignment NAME=TEXT.
-     *  @throw DistributionTextError
+     *  @throw DistributionTextError also where the texts together have more values than
+     *         ProjectDocument::maxTypedValues
      *  @throw UsageError for a comma between digits where the case file has decimal commas. */
     void sweep(const std::string& assignment);
 
@@ -51,4 +52,5 @@ private:
     std::vector<std::string> inputs;
     std::vector<bool> isTaken;
     std::vector<std::size_t> heldInputs;
+    std::size_t typedValues = 0; ///< of all texts
 };

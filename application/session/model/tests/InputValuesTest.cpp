@@ -39,6 +39,20 @@ TEST_F(InputValuesTest, SweepsTypedValues)
     EXPECT_EQ(pointsOf(0), (std::vector<double>{10.0, 20.0}));
 }
 
+TEST_F(InputValuesTest, RefusesTextsOfTooManyValuesTogether)
+{
+    std::string text = "H2/WF6=1";
+    for (int i = 0; i < 10; ++i) {
+        text += ", 1 - 2 : 999999";
+    }
+    values.sweep("Pressure=1, 2, 3, 4, 5, 6, 7, 8, 9, 10");
+
+    EXPECT_EQ(
+        messageOf<DistributionTextError>([&] { values.sweep(text); }),
+        "The texts of the inputs ask for 10000001 values together, and at most 10000000 can be "
+        "typed. Ask for fewer values.");
+}
+
 TEST_F(InputValuesTest, SweepsEvenlyOverTheRange)
 {
     values.sweepEvenly("H2/WF6=3");
