@@ -68,6 +68,9 @@ std::string CaseFileLayout::text() const
     if (!numericNames.empty()) {
         form.push_back("names that are numbers (" + shortList(numericNames) + ')');
     }
+    if (!numberedNames.empty()) {
+        form.push_back("repeated names numbered (" + shortList(numberedNames) + ')');
+    }
     if (!unitsInCells.empty()) {
         form.push_back("units in the cells of " + shortList(unitsInCells));
     }

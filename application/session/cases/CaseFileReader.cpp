@@ -19,9 +19,9 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -124,6 +124,13 @@ public:
         if (emptyRows > 0 || !heldBack.empty()) {
             takeHeldBack();
         }
+        if (isOtherHeading(cells)) {
+            fail(
+                table.path, line,
+                "the row holds names (" + quotedText(cells.front()) +
+                    ", ...) and no numbers: another table begins here; read that one with --skip " +
+                    std::to_string(line - 1) + ", or delete its lines to read the first one.");
+        }
         takeRow(cells, line);
     }
 
@@ -196,6 +203,9 @@ private:
         }
         if (cells.size() != table.columns.size()) {
             checkSize(cells, line);
+            for (std::size_t i = known; i < table.columns.size(); ++i) {
+                takeCell(table.columns[i], states[i], {}, line);
+            }
         }
         ++table.cases;
     }
@@ -214,7 +224,7 @@ private:
         return value;
     }
 
-    void checkNames(std::size_t line) const;
+    void numberRepeatedNames(std::size_t line);
 
     /** A row that would hold no case behind the last one: a remark, or sums of the columns. */
     struct HeldRow
@@ -225,6 +235,8 @@ private:
     static constexpr std::size_t maxHeldBack = 20;
 
     bool mayStandBelow(const std::vector<std::string_view>& cells) const;
+    bool countsCases() const;
+    bool isOtherHeading(const std::vector<std::string_view>& cells) const;
     void takeHeldBack();
 
     void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
@@ -289,7 +301,13 @@ void ColumnBuilder::checkSize(const std::vector<std::string_view>& cells, std::s
         cells.size() > columns &&
         isEmpty(std::vector<std::string_view>(cells.begin() + static_cast<std::ptrdiff_t>(columns),
                                               cells.end()));
-    if (isSurplusEmpty) {
+    // Where the heading has more cells than all cases, the last columns are empty.
+    const char separator = table.layout.separator;
+    const bool isLackEmpty = (separator == '\t' || separator == ';') && cells.size() < columns &&
+                             cells.size() == table.layout.columns &&
+                             std::all_of(table.columns.begin(), table.columns.end(),
+                                         [](const CaseColumn& column) { return column.isNamed; });
+    if (isSurplusEmpty || isLackEmpty) {
         return;
     }
     const std::string hint =
@@ -335,9 +353,12 @@ void ColumnBuilder::checkNumbers() const
 
 bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) const
 {
-    constexpr std::array<std::string_view, 16> sums = {
-        "total",    "totals", "grand total", "sum", "sums", "summe", "gesamt", "average",
-        "averages", "mean",   "mittelwert",  "min", "max",  "std",   "stdev",  "count"};
+    constexpr std::array<std::string_view, 35> sums = {
+        "total",    "totals",     "grand",  "totale",     "gesamt",  "sum",      "sums",
+        "summe",    "somme",      "soma",   "suma",       "average", "averages", "avg",
+        "mean",     "means",      "mittel", "mittelwert", "moyenne", "media",    u8"média",
+        "promedio", "gennemsnit", "min",    "minimum",    "max",     "maximum",  "std",
+        "stdev",    "stdabw",     "ecart",  u8"écart",    u8"Écart", "median",   "count"};
     const std::string_view begin = cells.front().substr(0, 1);
     const bool isNumber = cells.size() == table.columns.size() && !begin.empty() &&
                           std::string_view("0123456789+-.").find(begin) < 13;
@@ -352,9 +373,10 @@ bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) co
     std::string first(cells.front());
     std::transform(first.begin(), first.end(), first.begin(),
                    [](unsigned char letter) { return std::tolower(letter); });
-    first.resize(first.size() - (!first.empty() && first.back() == ':' ? 1 : 0));
+    first.resize(std::min(first.find_first_of(" :.-"), first.size()));
     const bool isSum = std::find(sums.begin(), sums.end(), first) != sums.end();
-    if (isSum && !hasLabels) {
+    if ((isSum && !hasLabels) ||
+        (countsCases() && valueOf(cells.front()).kind == CellValue::Text)) {
         return true;
     }
     if (hasLabels && !isSum && !begin.empty() && cells.size() == table.columns.size()) {
@@ -372,6 +394,42 @@ bool ColumnBuilder::mayStandBelow(const std::vector<std::string_view>& cells) co
     const bool isFull = cells.size() == table.columns.size() &&
                         std::find(cells.begin(), cells.end(), std::string_view()) == cells.end();
     return hasText && !isFull;
+}
+
+/** Whether the first column numbers the cases: what has a text there is none. */
+bool ColumnBuilder::countsCases() const
+{
+    constexpr std::size_t enoughToCount = 5;
+    const std::vector<double>& numbers = table.columns.front().numbers;
+    return numbers.size() >= enoughToCount && states.front().numbers == numbers.size() &&
+           numbers.back() - numbers.front() == static_cast<double>(numbers.size() - 1);
+}
+
+/** Whether, among cases with numbers in two columns at least, a row has a text in each of these,
+ *  all of them different: of a failed case the inputs are known. */
+bool ColumnBuilder::isOtherHeading(const std::vector<std::string_view>& cells) const
+{
+    constexpr std::size_t fewestCases = 4; // Units may stand below a second heading.
+    if (keepCells || table.cases < fewestCases || cells.size() != table.columns.size() ||
+        cells.back().empty() || std::string_view("0123456789+-.").find(cells.back().front()) < 13) {
+        return false;
+    }
+    std::size_t texts = 0;
+    std::size_t units = 0;
+    for (std::size_t i = cells.size(); i-- > 0;) { // numbers come last
+        if (states[i].numbers == 0) {
+            continue;
+        }
+        if (valueOf(cells[i]).kind != CellValue::Text ||
+            std::find(cells.begin(), cells.begin() + static_cast<std::ptrdiff_t>(i), cells[i]) !=
+                cells.begin() + static_cast<std::ptrdiff_t>(i) ||
+            !numberAndUnit(cells[i]).second.empty()) {
+            return false;
+        }
+        ++texts;
+        units += isUnitText(cells[i]) ? 1 : 0;
+    }
+    return texts > 1 && units < texts;
 }
 
 void ColumnBuilder::takeHeldBack()
@@ -525,7 +583,7 @@ void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std:
         }
     }
     states.resize(table.columns.size());
-    checkNames(line);
+    numberRepeatedNames(line);
     for (std::size_t i = 0; i < std::min(layout.units.size(), table.columns.size()); ++i) {
         checkText(layout.units[i], line);
         table.columns[i].unit = layout.units[i];
@@ -540,22 +598,32 @@ void ColumnBuilder::nameColumns(std::size_t count)
     states.resize(count);
 }
 
-void ColumnBuilder::checkNames(std::size_t line) const
+void ColumnBuilder::numberRepeatedNames(std::size_t line)
 {
-    std::vector<std::size_t> byName(table.columns.size());
-    std::iota(byName.begin(), byName.end(), std::size_t(0));
-    const auto name = [&](std::size_t i) -> const std::string& { return table.columns[i].name; };
-
-    std::stable_sort(byName.begin(), byName.end(),
-                     [&](std::size_t left, std::size_t right) { return name(left) < name(right); });
-    const auto same =
-        std::adjacent_find(byName.begin(), byName.end(), [&](std::size_t left, std::size_t right) {
-            return name(left) == name(right);
-        });
-    if (same != byName.end()) {
-        fail(table.path, line,
-             "columns " + std::to_string(same[0] + 1) + " and " + std::to_string(same[1] + 1) +
-                 " are both named " + quotedText(name(*same)) + "; rename one of them.");
+    std::unordered_map<std::string, std::size_t> columnOf;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        columnOf.emplace(table.columns[i].name, i);
+    }
+    std::unordered_map<std::string, std::size_t> repeats;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        std::string& name = table.columns[i].name;
+        const std::size_t first = columnOf.at(name);
+        if (first == i) {
+            continue;
+        }
+        if (!table.layout.numericNames.empty()) { // a case rather than a heading
+            fail(table.path, line,
+                 "columns " + std::to_string(first + 1) + " and " + std::to_string(i + 1) +
+                     " are both named " + quotedText(name) +
+                     "; rename one of them, or add --no-heading if the row holds a case.");
+        }
+        std::size_t& number = repeats[name];
+        std::string numbered;
+        do {
+            numbered = name + '.' + std::to_string(++number);
+        } while (!columnOf.emplace(numbered, i).second);
+        name = numbered;
+        table.layout.numberedNames.push_back(numbered);
     }
 }
 
@@ -607,6 +675,9 @@ const OtherFile otherFiles[] = {
     {"PAR1", "is a Parquet file, no table of text; save it as CSV, in Python with "
              "pandas.read_parquet(FILE).to_csv(\"cases.csv\", index=False)."},
     {"\x1F\x8B", "is compressed; unpack it with gunzip."},
+    {"MATLAB 5.0", "is a MAT-file, no table of text; save the table as CSV, with writetable."},
+    {"SQLite format", "is a database, no table of text; export the table as CSV."},
+    {"%PDF-", "is a PDF document, no table of text; save the table as CSV."},
     {"\x89HDF", "is an HDF5 file, no table of text; save the table as CSV."},
     {"<!DOCTYPE", webPage},
     {"<html", webPage},
@@ -651,6 +722,17 @@ void Reading::readSample()
         if (sample.compare(0, other.beginning.size(), other.beginning) == 0) {
             throw CaseDataError('"' + table.path + "\" " + other.sentence);
         }
+    }
+    const std::size_t first = sample.find_first_not_of(" \r\n\t");
+    const std::size_t second = sample.find_first_not_of(" \r\n\t", first + 1);
+    const bool isJson =
+        first < sample.size() && second < sample.size() &&
+        ((sample[first] == '{' && (sample[second] == '"' || sample[second] == '}')) ||
+         (sample[first] == '[' && (sample[second] == '{' || sample[second] == '[')));
+    if (isJson) {
+        throw CaseDataError('"' + table.path +
+                            "\" is JSON, no table of text; save it as CSV, in Python with "
+                            "pandas.read_json(FILE).to_csv(\"cases.csv\", index=False).");
     }
 }
 

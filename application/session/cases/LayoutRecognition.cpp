@@ -163,7 +163,7 @@ bool hasComments(std::string_view sample, const CaseFileLayout& layout)
 
 /** What separates thousands in all numbers that can only be read so; NUL where they differ. */
 char thousandsSeparator(const std::vector<SampleRecord>& records, const TableParts& parts,
-                        const ReadingChoices& choices, char separator)
+                        const ReadingChoices& choices)
 {
     char found = '\0';
     for (const SampleRecord& record : records) {
@@ -178,8 +178,7 @@ char thousandsSeparator(const std::vector<SampleRecord>& records, const TablePar
             }
             const bool hasComma = mark == CellValue::Comma || own == '.';
             const bool hasPoint = mark == CellValue::Point || own == ',';
-            const bool isRefused = (hasComma && separator == ',') ||
-                                   (hasComma && choices.decimalMark == CellValue::Point) ||
+            const bool isRefused = (hasComma && choices.decimalMark == CellValue::Point) ||
                                    (hasPoint && choices.decimalMark == CellValue::Comma);
             if (isRefused || (found != '\0' && own != found)) {
                 return '\0';
@@ -190,6 +189,52 @@ char thousandsSeparator(const std::vector<SampleRecord>& records, const TablePar
     return found;
 }
 
+/** Whether the only mark of a number can separate thousands: "12.345" and no "0.345". */
+bool mayGroup(std::string_view number, CellValue::DecimalMark mark)
+{
+    const bool isComma = mark == CellValue::Comma;
+    const CellValue value = CellValue::read(number, !isComma, isComma ? ',' : '.');
+    return value.kind == CellValue::Number && value.mark == CellValue::NoMark &&
+           number[number.find_first_not_of("+-")] != '0' &&
+           number.find_first_not_of("+-0123456789.,") == std::string_view::npos;
+}
+
+/** The mark that separates thousands since the numbers of other columns have the other mark as
+ *  their decimal mark: 12.345 beside 2,5. NUL if no mark does. */
+char thousandsBesideDecimals(const std::vector<SampleRecord>& records, const TableParts& parts,
+                             const ReadingChoices& choices)
+{
+    for (const auto& [mark, other, character] :
+         {std::make_tuple(CellValue::Point, CellValue::Comma, '.'),
+          std::make_tuple(CellValue::Comma, CellValue::Point, ',')}) {
+        bool isOtherDecimal = choices.decimalMark == other;
+        bool isDecimal = choices.decimalMark == mark;
+        bool groups = false;
+        for (std::size_t i = 0; i < parts.columns(); ++i) {
+            bool groupsHere = false;
+            bool isOtherHere = false;
+            for (const SampleRecord& record : records) {
+                if (!parts.isNumeric(i) || i >= record.cells.size()) {
+                    continue;
+                }
+                const std::string_view number = numberAndUnit(record.cells[i]).first;
+                const CellValue value = CellValue::read(number, true);
+                if (value.kind == CellValue::Number && value.mark == mark) {
+                    (mayGroup(number, mark) ? groupsHere : isDecimal) = true;
+                }
+                isOtherHere = isOtherHere || (value.mark == other && !mayGroup(number, other));
+            }
+            isDecimal = isDecimal || (groupsHere && isOtherHere); // written in two ways
+            groups = groups || groupsHere;
+            isOtherDecimal = isOtherDecimal || isOtherHere;
+        }
+        if (groups && isOtherDecimal && !isDecimal) {
+            return character;
+        }
+    }
+    return '\0';
+}
+
 /** What the commas of quoted cells are, where commas separate the cells: between thousands if all
  *  can be that, else decimal marks if no number has a point. */
 void takeQuotedCommas(const std::vector<SampleRecord>& records, const TableParts& parts,
@@ -197,11 +242,12 @@ void takeQuotedCommas(const std::vector<SampleRecord>& records, const TableParts
 {
     bool hasPoint = false;
     bool hasComma = false;
-    bool areThousands = choices.decimalMark != CellValue::Comma;
+    bool areThousands =
+        choices.decimalMark != CellValue::Comma && layout.thousandsSeparator == '\0';
     for (const SampleRecord& record : records) {
         for (std::size_t i = 0; i < record.cells.size(); ++i) {
             const std::string& cell = record.cells[i];
-            const CellValue value = CellValue::read(cell, true);
+            const CellValue value = CellValue::read(cell, true, layout.thousandsSeparator);
             if (!parts.isNumeric(i) || value.kind != CellValue::Number) {
                 continue;
             }
@@ -230,12 +276,16 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     }
     const TableParts parts(table);
     layout.columns = parts.columns();
-    layout.thousandsSeparator = choices.thousandsSeparator
-                                    ? *choices.thousandsSeparator
-                                    : thousandsSeparator(records, parts, choices, layout.separator);
+    layout.thousandsSeparator = choices.thousandsSeparator.value_or('\0');
+    if (!choices.thousandsSeparator) {
+        layout.thousandsSeparator = thousandsSeparator(records, parts, choices);
+    }
+    if (!choices.thousandsSeparator && layout.thousandsSeparator == '\0') {
+        layout.thousandsSeparator = thousandsBesideDecimals(records, parts, choices);
+    }
 
-    if (layout.separator == ',' && layout.thousandsSeparator == '\0' &&
-        !choices.thousandsSeparator && choices.decimalMark != CellValue::Point) {
+    if (layout.separator == ',' && layout.thousandsSeparator != ',' &&
+        choices.decimalMark != CellValue::Point) {
         takeQuotedCommas(records, parts, choices, layout);
     }
 

@@ -36,11 +36,14 @@ std::optional<std::size_t> TableParts::heading() const
 {
     // "Run;7" may stand above the table, too.
     constexpr std::size_t maxTitlesWithNumbers = 30;
+    const auto numeric =
+        static_cast<std::size_t>(std::count(numericColumns.begin(), numericColumns.end(), true));
     std::optional<std::size_t> found;
     std::size_t cases = 0;
     for (std::size_t i = 0; i < records.size() && cases <= maxTitlesWithNumbers; ++i) {
         if (isHeading(i)) {
-            const bool begins = records[i].followsEmptyLine;
+            const bool begins = records[i].followsEmptyLine ||
+                                (i > 0 && width > 1 && records[i - 1].filledCells() == 1);
             const bool followsTitle =
                 found && cases == 0 && (isTitle(*found) || (i > *found + 1 && isTitle(i - 1)));
             const bool isUnits = found && i == *found + 1 && readsAsUnits(i);
@@ -51,7 +54,8 @@ std::optional<std::size_t> TableParts::heading() const
             if (!hasNumericColumn) {
                 return found;
             }
-        } else if (!isEntry(i) && isCase(i) && 2 * records[i].filledCells() >= width) {
+        } else if (!isEntry(i) && isCase(i) && 2 * numbersIn(records[i], 0) >= numeric &&
+                   2 * records[i].filledCells() >= width) {
             if (isOfNumbersAlone(i)) {
                 return found;
             }
@@ -151,7 +155,7 @@ bool TableParts::canBeNames(const SampleRecord& record, bool firstIsMissing) con
     std::sort(names.begin(), names.end());
     const bool areDifferent = std::adjacent_find(names.begin(), names.end()) == names.end();
     return areDifferent && !names.empty() && !names.front().empty() &&
-           !hasNumberIn(record, firstIsMissing ? 1 : 0);
+           numbersIn(record, firstIsMissing ? 1 : 0) == 0;
 }
 
 bool TableParts::isNumericBelow(std::size_t column) const
@@ -168,21 +172,38 @@ bool TableParts::isNumericBelow(std::size_t column) const
     return filled > 0 && 2 * numbers >= filled;
 }
 
-bool TableParts::hasNumberIn(const SampleRecord& record, std::size_t shift) const
+/** How many numbers stand where the records below have numbers. */
+std::size_t TableParts::numbersIn(const SampleRecord& record, std::size_t shift) const
 {
+    std::size_t numbers = 0;
     for (std::size_t i = 0; i < record.cells.size() && i + shift < width; ++i) {
-        if (numericColumns[i + shift] && sample.isNumber(record.cells[i])) {
-            return true;
-        }
+        numbers += numericColumns[i + shift] && sample.isNumber(record.cells[i]) ? 1 : 0;
     }
-    return false;
+    return numbers;
 }
 
 bool TableParts::isHeading(std::size_t record) const
 {
     const std::size_t cells = records[record].filledCells();
-    return hasLabel(record) || (cells == width && canBeNames(records[record], false)) ||
+    if (record > 0 && readsAsUnits(record) && hasRepeatedNames(record - 1)) {
+        return false;
+    }
+    // The last columns may be empty in all cases, and their separators left out.
+    const bool isWider = cells > width && (sample.separator == '\t' || sample.separator == ';');
+    return hasLabel(record) ||
+           ((cells == width || isWider) && canBeNames(records[record], false)) ||
            (firstColumnNames && cells + 1 == width && canBeNames(records[record], true));
+}
+
+/** Whether it holds names, some of them twice: "in, in, out" above symbols does, too, but some
+ * units have more than a letter. */
+bool TableParts::hasRepeatedNames(std::size_t record) const
+{
+    const std::vector<std::string>& below = records[record + 1].cells;
+    return records[record].filledCells() == width && !isCase(record) &&
+           !canBeNames(records[record], false) &&
+           std::any_of(below.begin(), below.end(),
+                       [](const std::string& cell) { return cell.size() > 1 && isUnitText(cell); });
 }
 
 /** Whether the first column can be row names: texts, or numbers that differ. A decimal comma

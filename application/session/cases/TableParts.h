@@ -30,7 +30,7 @@ public:
     bool isOfNumbersAlone(std::size_t record) const;
 
     /** Whether it has a number where the records below have numbers. */
-    bool isCase(std::size_t record) const { return hasNumberIn(records[record], 0); }
+    bool isCase(std::size_t record) const { return numbersIn(records[record], 0) > 0; }
 
     bool readsAsUnits(std::size_t record) const;
 
@@ -43,8 +43,9 @@ public:
 
 private:
     bool isNumericBelow(std::size_t column) const;
-    bool hasNumberIn(const SampleRecord& record, std::size_t shift) const;
+    std::size_t numbersIn(const SampleRecord& record, std::size_t shift) const;
     bool isHeading(std::size_t record) const;
+    bool hasRepeatedNames(std::size_t record) const;
     bool canNameRows() const;
     bool isEntry(std::size_t record) const;
     bool isTitle(std::size_t record) const;

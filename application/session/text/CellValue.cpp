@@ -84,17 +84,21 @@ std::size_t readNumber(std::string_view text, double& number)
 }
 
 constexpr std::array<std::string_view, 4> blanks = {" ", u8"\u00A0", u8"\u202F", u8"\u2009"};
+constexpr std::array<std::string_view, 2> apostrophes = {"'", u8"\u2019"};
 
 /** How many bytes of `text` at its beginning are the separator; 0 if it is another character. */
 std::size_t separatorLength(std::string_view text, char separator)
 {
-    if (separator != ' ') {
-        return !text.empty() && text.front() == separator ? 1 : 0;
-    }
-    const auto* const blank = std::find_if(blanks.begin(), blanks.end(), [&](std::string_view b) {
-        return text.substr(0, b.size()) == b;
-    });
-    return blank == blanks.end() ? 0 : blank->size();
+    const auto lengthAmong = [&](const auto& characters) {
+        const auto* const found =
+            std::find_if(characters.begin(), characters.end(), [&](std::string_view character) {
+                return text.substr(0, character.size()) == character;
+            });
+        return found == characters.end() ? std::size_t(0) : found->size();
+    };
+    return separator == ' '    ? lengthAmong(blanks)
+           : separator == '\'' ? lengthAmong(apostrophes)
+                               : lengthAmong(std::array<std::string_view, 1>{{{&separator, 1}}});
 }
 
 /** The digits of a number without the separators between its groups of three, and what follows

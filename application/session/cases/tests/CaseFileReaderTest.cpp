@@ -320,7 +320,8 @@ TEST_F(CaseFileReaderTest, LongNamesAreCutInMessages)
 {
     const std::string name(10000, 'x');
 
-    EXPECT_LT(refusalOf(name + ',' + name + "\n1,2\n").size(), 400u);
+    EXPECT_LT(refusalOf("7,7," + name + "\n1,2,3\n").size(), 400u);
+    EXPECT_LT(refusalOf("a,b\n1,2\n2,1\n3,5\n4,3\n" + name + ",c\n").size(), 400u);
     EXPECT_LT(refusalOf(name + ";y\n1,5;2.5\n").size(), 400u);
 }
 
@@ -373,10 +374,26 @@ TEST_F(CaseFileReaderTest, RefusesAnEmptyFile)
     EXPECT_EQ(refusalOf("\xEF\xBB\xBF"), sentence);
 }
 
-TEST_F(CaseFileReaderTest, RefusesRepeatedHeadings)
+TEST_F(CaseFileReaderTest, NumbersRepeatedNames)
 {
-    EXPECT_EQ(refusalOf("\na,b,c,b\n1,2,3,4\n"),
-              "cases.csv, line 2: columns 2 and 4 are both named \"b\"; rename one of them.");
+    const CaseTable table = read("a,b,c,b,b,b.1\n1,2,3,4,5,6\n");
+
+    EXPECT_EQ(namesOf(table), (Names{"a", "b", "c", "b.2", "b.3", "b.1"}));
+    EXPECT_EQ(table.guess, "repeated names numbered (b.2 and b.3)");
+    EXPECT_EQ(refusalOf("\na,7,c,7\n1,2,3,4\n"),
+              "cases.csv, line 2: columns 2 and 4 are both named \"7\"; rename one of them, or add "
+              "--no-heading if the row holds a case.");
+}
+
+TEST_F(CaseFileReaderTest, MarksThatGroupThreeDigitsBesideOtherDecimalMarksSeparateThousands)
+{
+    EXPECT_EQ(read("a;b\n2,5;12.345\n0,125;999\n").columns[1].numbers, (Numbers{12345, 999}));
+    EXPECT_EQ(read("a;b\n2.5;12,345\n0.125;999\n").columns[1].numbers, (Numbers{12345, 999}));
+    for (const char* content : {"a;b\n2,5;1.234\n3,5;0.234\n", "a;b\n2,5;1.234\n3,5;1.23\n",
+                                "a;b\n2,5;1.234\n3;2,25\n", "a;b\n2,5;1.234e3\n3;2\n"}) {
+        EXPECT_NE(refusalOf(content).find("write all numbers in one way"), std::string::npos)
+            << content;
+    }
 }
 
 TEST_F(CaseFileReaderTest, NamesColumnsWithoutAHeadingByTheirNumbers)
@@ -481,7 +498,7 @@ TEST_F(CaseFileReaderTest, RefusesAQuoteThatIsNeverClosed)
 
 TEST_F(CaseFileReaderTest, RefusesDecimalCommasBesideDecimalPoints)
 {
-    EXPECT_EQ(refusalOf("a;b\n1;0.5\n1,234;1\n"),
+    EXPECT_EQ(refusalOf("a;b\n1;0.5\n1,23;1\n"),
               "cases.csv, line 3: column \"a\" has a number with a decimal comma, but column \"b\" "
               "has one with a decimal point in line 2; write all numbers in one way.");
     EXPECT_EQ(read("a;s\n1,5;0.5\n2;x\n2;x\n").cases, 3u) << "a text column has no decimal marks";
