@@ -61,8 +61,9 @@ void subtractProduct(CBLAS_TRANSPOSE side, const double* panel, std::size_t rows
                 static_cast<int>(columnStride), 1.0, target, static_cast<int>(columnStride));
 }
 
-// Rows of the factor between two reports of a substitution: less than a tenth of a second.
-constexpr std::size_t solvedRows = 512;
+// Rows of the factor that a substitution solves for at a time, between two reports: the triangular
+// solves of OpenBLAS are slower than its matrix products.
+constexpr std::size_t solvedRows = 64;
 
 /** Forward substitution. */
 void substitute(const double* factor, std::size_t order, std::size_t stride, double* columns,
@@ -90,6 +91,28 @@ void substituteBack(const double* factor, std::size_t order, std::size_t stride,
                         columns + first + width, columns + first, count, columnStride);
         solveTriangle(CblasTrans, corner, width, stride, columns + first, count, columnStride);
         FitProgress::advance();
+    }
+}
+
+// Columns of the factor's inverse at a time: LAPACK's inverse in place is slow in wider blocks.
+constexpr std::size_t invertedColumns = 32;
+
+/** A lower triangle becomes its inverse, by blocks of columns from the last one. */
+void invertTriangle(double* triangle, std::size_t order)
+{
+    const int stride = static_cast<int>(order);
+    for (std::size_t block = blocksIn(order, invertedColumns); block-- > 0;) {
+        const std::size_t first = block * invertedColumns;
+        const std::size_t width = std::min(invertedColumns, order - first);
+        const int columns = static_cast<int>(width);
+        const int below = static_cast<int>(order - first - width);
+        double* corner = triangle + first * order + first;
+        double* panel = corner + width;
+        cblas_dtrmm(CblasColMajor, CblasLeft, CblasLower, CblasNoTrans, CblasNonUnit, below,
+                    columns, 1.0, panel + width * order, stride, panel, stride);
+        cblas_dtrsm(CblasColMajor, CblasRight, CblasLower, CblasNoTrans, CblasNonUnit, below,
+                    columns, -1.0, corner, stride, panel, stride);
+        LAPACKE_dtrtri_work(LAPACK_COL_MAJOR, 'L', 'N', columns, corner, stride);
     }
 }
 
@@ -228,7 +251,8 @@ void BlockedCholesky::visitInverse(const std::function<std::unique_ptr<Visitor>(
         }
         inverse.assign(matrix.data(), matrix.data() + size * size);
         const auto order = static_cast<lapack_int>(size);
-        LAPACKE_dpotri_work(LAPACK_COL_MAJOR, 'L', order, inverse.data(), order);
+        invertTriangle(inverse.data(), size);
+        LAPACKE_dlauum_work(LAPACK_COL_MAJOR, 'L', order, inverse.data(), order);
         const std::unique_ptr<Visitor> visitor = makeVisitor();
         visitor->visit(0, size, inverse.data(), size);
         visitor->handOver();
