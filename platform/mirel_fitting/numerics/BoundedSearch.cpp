@@ -65,19 +65,7 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
         current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
     }
     currentValue = objective.value(current);
-    if (!isFeasible()) {
-        done = true;
-        return;
-    }
-    if (updateModel()) {
-        return;
-    }
-    // The first step is then steepest ascent with the trust radius as its largest component.
-    constexpr double smallestSlope = 1e-300; // in the place of 0
-    const double slope = std::max(largestMagnitude(gradient), smallestSlope);
-    for (std::size_t i = 0; i < size; ++i) {
-        hessian[i * size + i] = slope / trustRadius;
-    }
+    done = !isFeasible();
 }
 
 bool BoundedSearch::isFeasible() const
@@ -87,22 +75,22 @@ bool BoundedSearch::isFeasible() const
 
 void BoundedSearch::advance(int steps, double smallestGain)
 {
-    advance(steps, smallestGain, false);
+    advance(steps, smallestGain, rule.maxTries);
 }
 
 void BoundedSearch::finish(int steps, double smallestGain)
 {
-    advance(steps, smallestGain, true);
+    advance(steps, smallestGain, rule.maxTriesOfLast);
     done = true;
 }
 
-void BoundedSearch::advance(int steps, double smallestGain, bool isLastTime)
+void BoundedSearch::advance(int steps, double smallestGain, int maxTriesOfLast)
 {
     for (int k = 0; k < steps && !done; ++k) {
+        updateModel();
         proposeStep();
-        const bool isLast = isLastTime && k + 1 == steps;
         if (expectedGain() < smallestGain ||
-            !tryStep(isLast ? rule.maxTriesOfLast : rule.maxTries, isLast)) {
+            !tryStep(k + 1 == steps ? maxTriesOfLast : rule.maxTries)) {
             done = true;
         }
     }
@@ -130,9 +118,31 @@ void BoundedSearch::proposeStep()
     }
 }
 
-/** Takes the gradient, and the curvature if the objective has an estimate. @return whether it has.
- */
-bool BoundedSearch::updateModel()
+/** The quadratic model at the current point, if the last one was made elsewhere. Other searches may
+ *  have evaluated the objective in the meantime. */
+void BoundedSearch::updateModel()
+{
+    if (isModelCurrent) {
+        return;
+    }
+    isModelCurrent = true;
+    objective.value(current);
+    const std::vector<double> oldGradient = gradient;
+    const bool hasEstimate = takeDerivatives();
+    if (!oldGradient.empty()) {
+        updateCurvature(step, oldGradient);
+    } else if (!hasEstimate) {
+        // The first step is steepest ascent with the trust radius as its largest component.
+        constexpr double smallestSlope = 1e-300; // in the place of 0
+        const double slope = std::max(largestMagnitude(gradient), smallestSlope);
+        for (std::size_t i = 0; i < size; ++i) {
+            hessian[i * size + i] = slope / trustRadius;
+        }
+    }
+}
+
+/** The gradient, and the curvature if the objective has an estimate. @return whether it has. */
+bool BoundedSearch::takeDerivatives()
 {
     // Added to the diagonal to make the matrix definite: relative to each element, which keeps the
     // scales of the variables, and relative to the largest, for variables without curvature; the
@@ -162,7 +172,7 @@ bool BoundedSearch::updateModel()
  * Takes the step if it raises the function enough, else a shorter one in a smaller trust box.
  * @return whether the function has risen.
  */
-bool BoundedSearch::tryStep(int maxTries, bool isLast)
+bool BoundedSearch::tryStep(int maxTries)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises (Armijo)
 
@@ -180,13 +190,8 @@ bool BoundedSearch::tryStep(int maxTries, bool isLast)
         const double gained = reached - before;
         if (gained >= sufficientShare * slope) {
             currentValue = reached;
-            if (isLast) {
-                return true;
-            }
             adaptRadius(gained / expectedGain(), tries == 0);
-            const std::vector<double> oldGradient = gradient;
-            updateModel();
-            updateCurvature(step, oldGradient);
+            isModelCurrent = false;
             return true;
         }
         trustRadius = shorterShare(slope, gained) * largestMagnitude(step);

@@ -10,7 +10,8 @@ class BoundedObjective
 public:
     virtual ~BoundedObjective() = default;
 
-    /** Minus infinity where the function has no value. */
+    /** Minus infinity where the function has no value. The value of the last point should be kept:
+     *  before a gradient it is asked for again, since other searches may have come between. */
     virtual double value(const std::vector<double>& point) = 0;
 
     /**
@@ -63,11 +64,12 @@ public:
     bool isFeasible() const;
 
     /** At most `steps` steps. Converged when the gain that the quadratic model expects is below
-     *  `smallestGain`, or no step gains anything. */
+     *  `smallestGain`, or no step gains anything. Gradients are taken before steps, none after the
+     *  last. */
     void advance(int steps, double smallestGain);
 
-    /** advance() for the last time: saves the gradient at the end point, and tries the last step
-     *  StepRule::maxTriesOfLast times at most. */
+    /** advance() for the last time, which tries the last step StepRule::maxTriesOfLast times at
+     *  most. */
     void finish(int steps, double smallestGain);
 
     bool isDone() const { return done; }
@@ -76,9 +78,10 @@ public:
 
 private:
     void proposeStep();
-    bool updateModel();
-    void advance(int steps, double smallestGain, bool isLastTime);
-    bool tryStep(int maxTries, bool isLast);
+    void updateModel();
+    bool takeDerivatives();
+    void advance(int steps, double smallestGain, int maxTriesOfLast);
+    bool tryStep(int maxTries);
     void adaptRadius(double share, bool isFirstTry);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
@@ -96,5 +99,6 @@ private:
     double trustRadius;
     bool isStepLimited = false;
     bool hasCurvature = false;
+    bool isModelCurrent = false;
     bool done = false;
 };

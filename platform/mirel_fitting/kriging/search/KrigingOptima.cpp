@@ -35,6 +35,16 @@ bool KrigingOptima::areSame(const Optimum& a, const Optimum& b, BoundedObjective
     return likelihood.value(between) >= std::min(a.value, b.value) - policy.ridgeDip;
 }
 
+bool KrigingOptima::isBetterNear(const std::vector<double>& point, double value) const
+{
+    return std::any_of(optima.begin(), optima.end(), [&](const Optimum& optimum) {
+        return optimum.value >= value &&
+               std::equal(
+                   point.begin(), point.end(), optimum.point.begin(),
+                   [&](double a, double b) { return std::fabs(a - b) <= policy.sameLogarithm; });
+    });
+}
+
 void KrigingOptima::replace(const std::vector<Optimum>& reached, BoundedObjective& likelihood)
 {
     optima.clear();

@@ -24,6 +24,10 @@ public:
     /** Keeps what a search has reached, or the better of it and an optimum that is the same. */
     void add(Optimum reached, BoundedObjective& likelihood);
 
+    /** Whether a better optimum is so near in every variable that a search from the point would
+     *  end there. */
+    bool isBetterNear(const std::vector<double>& point, double value) const;
+
     /** Replaces all, after searches with more cases from each of them. */
     void replace(const std::vector<Optimum>& reached, BoundedObjective& likelihood);
 

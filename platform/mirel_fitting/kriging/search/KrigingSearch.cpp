@@ -45,6 +45,7 @@ private:
     void improveLikeliestStart();
     void searchFromAllStarts();
     void race(const std::vector<std::vector<double>>& starts, std::size_t followed);
+    void follow(BoundedSearch& search);
     void continueWithMoreCases(std::size_t cases);
     bool isCheap() const;
     std::vector<std::vector<double>> otherRoles(const std::vector<double>& point) const;
@@ -169,9 +170,19 @@ void Search::race(const std::vector<std::vector<double>>& starts, std::size_t fo
         if (followed-- == 0) {
             break;
         }
-        search.advance(policy.maxSteps, smallestGain());
-        optima.add({search.point(), search.value()}, *objective);
+        follow(search);
     }
+}
+
+/** To convergence, or until it joins the way to a likelier optimum that is known. */
+void Search::follow(BoundedSearch& search)
+{
+    int steps = policy.maxSteps;
+    while (!search.isDone() && steps-- > 0 &&
+           !optima.isBetterNear(search.point(), search.value())) {
+        search.advance(1, smallestGain());
+    }
+    optima.add({search.point(), search.value()}, *objective);
 }
 
 void Search::continueWithMoreCases(std::size_t cases)
@@ -262,13 +273,14 @@ void Search::searchFromChangedOptimum()
     std::stable_sort(starts.begin(), starts.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
     starts.resize(std::min(starts.size(), isCheap() ? policy.cheapOtherRoles : policy.otherRoles));
-    for (const Optimum& start : starts) {
-        optima.add(converged(start.point, variables.upper), *objective);
-    }
     if (isCheap()) {
         for (const SearchPolicy::Start& change : policy.changes) {
-            optima.add(converged(scaled(best, change), variables.upper), *objective);
+            starts.push_back({scaled(best, change), 0.0});
         }
+    }
+    for (const Optimum& start : starts) {
+        BoundedSearch search = searchFrom(start.point, variables.upper);
+        follow(search);
     }
 }
 

@@ -24,7 +24,7 @@ public:
 
     double value(const Vector& point) override
     {
-        ++values;
+        values += point != last; // what it keeps costs nothing
         last = point;
         return function(point);
     }
@@ -214,6 +214,34 @@ TEST(BoundedSearch, SavesTheGradientAfterTheLastStep)
     EXPECT_GT(search.value(), before);
     EXPECT_EQ(search.value(), objective.function(search.point()));
     EXPECT_EQ(objective.gradients, 2);
+}
+
+TEST(BoundedSearch, TakesGradientsOnlyOfSearchesThatGoOn)
+{
+    Objective objective = rosenbrock();
+    BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
+    EXPECT_EQ(objective.gradients, 0);
+
+    search.advance(2, 1e-9);
+
+    EXPECT_EQ(objective.gradients, 2);
+}
+
+TEST(BoundedSearch, RacesOthersOfTheSameObjective)
+{
+    Objective objective = rosenbrock();
+    Objective own = rosenbrock();
+    BoundedSearch search(objective, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+    BoundedSearch other(objective, {-5.0, -5.0}, {5.0, 5.0}, {2.0, -1.0});
+    BoundedSearch alone(own, {-5.0, -5.0}, {5.0, 5.0}, {-1.2, 1.0});
+
+    for (int k = 0; k < 10; ++k) {
+        search.advance(1, 0.0);
+        other.advance(1, 0.0);
+    }
+    alone.advance(10, 0.0);
+
+    EXPECT_EQ(search.point(), alone.point());
 }
 
 TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)

@@ -82,6 +82,16 @@ TEST_F(KrigingOptima, KeepsTheBestFirstAndEqualsAsTheyCame)
     EXPECT_EQ(optima.best().point[0], 0.0);
 }
 
+TEST_F(KrigingOptima, KnowsABetterOneThatIsNearInEveryVariable)
+{
+    optima.add({{0.0, -4.0}, 5.0}, valley);
+
+    EXPECT_TRUE(optima.isBetterNear({0.4, -4.4}, 4.0));
+    EXPECT_FALSE(optima.isBetterNear({0.4, -4.4}, 5.1)) << "it is not better";
+    EXPECT_FALSE(optima.isBetterNear({0.6, -4.0}, 4.0));
+    EXPECT_FALSE(optima.isBetterNear({0.0, -4.6}, 4.0));
+}
+
 TEST_F(KrigingOptima, ShortensTheListToTheBest)
 {
     optima.add(at(-4.0, 9.0), valley);
