@@ -147,83 +147,40 @@ SURROGATE_LANE_OPERATION addAllGradients(const MaternKernels::Points& points,
     }
 }
 
-/** For so many inputs from `input` on: d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2), with
- *  one division for all of them. */
-template <bool isCapped, std::size_t inputs>
-SURROGATE_LANE_OPERATION addDerivativesOf(const MaternKernels::ColumnBlock& block,
-                                          std::size_t input, double* products, double* sums,
-                                          double* columnProducts)
-{
-    const double* x = block.coordinates + input * block.stride + block.first;
-    double* product = products + input * block.stride + block.first;
-    const double factor = block.a[block.column];
-    double centers[inputs];
-    Lanes totals[inputs];
-    Lanes columnTotals[inputs];
-    for (std::size_t k = 0; k < inputs; ++k) {
-        centers[k] = block.coordinates[(input + k) * block.stride + block.column];
-        loadLanes(sums + laneCount * (input + k), totals[k]);
-        loadLanes(columnProducts + laneCount * (input + k), columnTotals[k]);
-    }
-    for (std::size_t i = 0; i < block.count; i += laneCount) {
-        Lanes numerators[inputs];
-        Lanes denominators[inputs];
-        Lanes before[inputs]; // the product of the denominators of earlier inputs
-        Lanes all = Lanes{} + 1.0;
-        for (std::size_t k = 0; k < inputs; ++k) {
-            Lanes value;
-            Lanes z;
-            loadLanes(x + k * block.stride + i, value);
-            distance<isCapped>(value, centers[k], z);
-            numerators[k] = z * z * (1.0 + z);
-            denominators[k] = 3.0 + z * (3.0 + z);
-            before[k] = all;
-            all *= denominators[k];
-        }
-        Lanes correlation;
-        Lanes weight;
-        Lanes ofRow;
-        loadLanes(block.correlations + i, correlation);
-        loadLanes(block.weights + i, weight);
-        loadLanes(block.a + block.first + i, ofRow);
-        Lanes inverse = 1.0 / all;
-        for (std::size_t k = inputs; k-- > 0;) {
-            const Lanes ratio = numerators[k] * (inverse * before[k]);
-            inverse *= denominators[k];
-            totals[k] += weight * ratio;
-            const Lanes derivative = correlation * ratio;
-            columnTotals[k] += derivative * ofRow;
-            Lanes sum;
-            loadLanes(product + k * block.stride + i, sum);
-            storeLanes(sum + derivative * factor, product + k * block.stride + i);
-        }
-    }
-    for (std::size_t k = 0; k < inputs; ++k) {
-        storeLanes(totals[k], sums + laneCount * (input + k));
-        storeLanes(columnTotals[k], columnProducts + laneCount * (input + k));
-    }
-}
-
+/** d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2) */
 template <bool isCapped>
 SURROGATE_LANE_OPERATION addAllDerivatives(const MaternKernels::ColumnBlock& block,
                                            double* products, double* sums, double* columnProducts)
 {
-    std::size_t k = 0;
-    for (; k + 4 <= block.inputs; k += 4) {
-        addDerivativesOf<isCapped, 4>(block, k, products, sums, columnProducts);
-    }
-    switch (block.inputs - k) {
-    case 3:
-        addDerivativesOf<isCapped, 3>(block, k, products, sums, columnProducts);
-        break;
-    case 2:
-        addDerivativesOf<isCapped, 2>(block, k, products, sums, columnProducts);
-        break;
-    case 1:
-        addDerivativesOf<isCapped, 1>(block, k, products, sums, columnProducts);
-        break;
-    default:
-        break;
+    const double factor = block.a[block.column];
+    for (std::size_t k = 0; k < block.inputs; ++k) {
+        const double* x = block.coordinates + k * block.stride;
+        double* product = products + k * block.stride;
+        Lanes total;
+        Lanes columnTotal;
+        loadLanes(sums + laneCount * k, total);
+        loadLanes(columnProducts + laneCount * k, columnTotal);
+        for (std::size_t i = 0; i < block.count; i += laneCount) {
+            Lanes value;
+            Lanes z;
+            Lanes correlation;
+            Lanes weight;
+            Lanes ofRow;
+            Lanes sum;
+            loadLanes(x + block.first + i, value);
+            loadLanes(block.correlations + i, correlation);
+            loadLanes(block.weights + i, weight);
+            loadLanes(block.a + block.first + i, ofRow);
+            loadLanes(product + block.first + i, sum);
+            distance<isCapped>(value, x[block.column], z);
+            const Lanes ratio = z * z * (1.0 + z) / (3.0 + z * (3.0 + z));
+            const Lanes derivative = correlation * ratio;
+            total += weight * ratio;
+            columnTotal += derivative * ofRow;
+            storeLanes(sum + derivative * factor, product + block.first + i);
+        }
+        storeLanes(total, sums + laneCount * k);
+        storeLanes(columnTotal, columnProducts + laneCount * k);
     }
 }
 
