@@ -4,27 +4,6 @@
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TransformedOutput.h>
 
-namespace {
-
-TransformedOutput::Choice choiceOf(TransformSetting setting, bool isKriging)
-{
-    switch (setting) {
-    case TransformSetting::Automatic:
-    case TransformSetting::BoxCox:
-        return std::nullopt;
-    case TransformSetting::None:
-        return OutputTransform::None;
-    case TransformSetting::SquareRoot:
-        return OutputTransform::SquareRoot;
-    case TransformSetting::Logarithm:
-        return OutputTransform::Logarithm;
-    default:
-        return isKriging ? std::nullopt : TransformedOutput::Choice(OutputTransform::None);
-    }
-}
-
-} // namespace
-
 std::unique_ptr<FittedModel> ModelSettings::fit(const std::vector<double*>& independentColumns,
                                                 const std::vector<double*>& dependentColumns,
                                                 std::size_t rowCount,
@@ -43,13 +22,16 @@ std::unique_ptr<FittedModel> ModelSettings::fit(const std::vector<double*>& inde
             inputs, outputs, rows, settings.responseSurface, ofRows,
             SurrogateResponseSurfaceModel::Fallback::InteractionsOfTwoLevels);
     };
-    const TransformedOutput::Choice choice = choiceOf(transform, isKriging);
-    if (choice == OutputTransform::None) {
+    TransformSetting setting = transform;
+    if (setting == TransformSetting::Usual) {
+        setting = isKriging ? TransformSetting::Automatic : TransformSetting::None;
+    } else if (setting == TransformSetting::BoxCox && isKriging) {
+        setting = TransformSetting::Automatic;
+    }
+    if (setting == TransformSetting::None) {
         return untransformed(independentColumns, dependentColumns, rowCount, design);
     }
-    const bool isBoxCox = transform == TransformSetting::BoxCox && !isKriging;
-    return std::make_unique<TransformedOutput>(
-        independentColumns, dependentColumns, rowCount, untransformed, choice,
-        isBoxCox ? TransformedOutput::Method::BoxCox : TransformedOutput::Method::Comparison,
-        isKriging ? CaseDesign() : design);
+    return std::make_unique<TransformedOutput>(independentColumns, dependentColumns, rowCount,
+                                               untransformed, setting,
+                                               isKriging ? CaseDesign() : design);
 }

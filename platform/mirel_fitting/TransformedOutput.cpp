@@ -19,8 +19,8 @@ using Columns = std::vector<std::vector<double>>;
 
 constexpr double none = FitMetrics::none;
 
-/** By less nobody is convinced that a transform describes the cases better (Box, Cox): a gain of
- *  1.3 has made predictions worse. */
+/** Gain in log-likelihood and log-density above which a transform is taken: one of 1.3 has made
+ *  predictions worse. */
 constexpr double leastGain = 5.0;
 
 /** The same where it is that of a subset, which does not show how the gain goes on: by 5.5 a tenth
@@ -42,6 +42,21 @@ constexpr std::size_t comparedPoints = 100;
 
 constexpr std::array<OutputTransform, 2> transforms = {OutputTransform::SquareRoot,
                                                        OutputTransform::Logarithm};
+
+/** None where the transform is chosen for each output. */
+std::optional<OutputTransform> fixedTransform(TransformSetting setting)
+{
+    switch (setting) {
+    case TransformSetting::None:
+        return OutputTransform::None;
+    case TransformSetting::SquareRoot:
+        return OutputTransform::SquareRoot;
+    case TransformSetting::Logarithm:
+        return OutputTransform::Logarithm;
+    default:
+        return std::nullopt;
+    }
+}
 
 std::vector<double> transformed(OutputTransform transform, const std::vector<double>& output)
 {
@@ -121,9 +136,10 @@ public:
 
     Impl(const std::vector<double*>& independentColumns,
          const std::vector<double*>& dependentColumns, std::size_t rowCount, Maker maker,
-         Choice choice, Method method, const CaseDesign& design)
+         TransformSetting setting, const CaseDesign& design)
         : columns(independentColumns, dependentColumns, rowCount), maker(std::move(maker)),
-          choice(choice), method(method), design(design)
+          fixed(fixedTransform(setting)), isBoxCox(setting == TransformSetting::BoxCox),
+          design(design)
     {
         std::vector<double*> innerOutputs = dependentColumns;
         Columns added;
@@ -203,8 +219,8 @@ public:
     /** Whether a transform was asked for that the output does not have. */
     bool isRefused(const Fit& fit) const
     {
-        const bool isAsked = method == Method::BoxCox ||
-                             choice.value_or(OutputTransform::None) != OutputTransform::None;
+        const bool isAsked =
+            isBoxCox || fixed.value_or(OutputTransform::None) != OutputTransform::None;
         return isAsked && fit.transform == OutputTransform::None && !fit.profile;
     }
 
@@ -216,15 +232,14 @@ private:
     bool isCandidate(const double* output, std::size_t rowCount) const
     {
         const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
-        return *smallest > 0.0 && choice != OutputTransform::None &&
-               (choice || method == Method::BoxCox ||
-                (*largest > leastRatio * *smallest && rowCount <= maxCases));
+        return *smallest > 0.0 && fixed != OutputTransform::None &&
+               (fixed || isBoxCox || (*largest > leastRatio * *smallest && rowCount <= maxCases));
     }
 
     std::vector<OutputTransform> wantedTransforms() const
     {
-        return choice ? std::vector<OutputTransform>{*choice}
-                      : std::vector<OutputTransform>(transforms.begin(), transforms.end());
+        return fixed ? std::vector<OutputTransform>{*fixed}
+                     : std::vector<OutputTransform>(transforms.begin(), transforms.end());
     }
 
     Fit fitted(int offset)
@@ -232,11 +247,11 @@ private:
         Fit result;
         result.innerOffset = offset;
         constexpr double comparing = 0.1; // of the progress
-        if (choice) {
-            result.transform = outputs.count(offset) == 0 ? OutputTransform::None : *choice;
+        if (fixed) {
+            result.transform = outputs.count(offset) == 0 ? OutputTransform::None : *fixed;
         } else if (outputs.count(offset) != 0) {
             const FitProgress::Portion portion(0.0, comparing, "Comparing transforms");
-            if (method == Method::BoxCox) {
+            if (isBoxCox) {
                 result.profile = profileOf(offset);
                 result.transform = result.profile->transform;
             } else {
@@ -391,8 +406,8 @@ private:
     }
 
     Maker maker;
-    Choice choice;
-    Method method;
+    std::optional<OutputTransform> fixed; // none: chosen for each output
+    bool isBoxCox;
     CaseDesign design;
     std::map<std::pair<int, OutputTransform>, int> innerOffsets;
     // Of outputs that are, or may yet be, transformed, and the inputs if there is such an output.
@@ -402,10 +417,10 @@ private:
 
 TransformedOutput::TransformedOutput(const std::vector<double*>& independentColumns,
                                      const std::vector<double*>& dependentColumns,
-                                     std::size_t rowCount, Maker maker, Choice choice,
-                                     Method method, const CaseDesign& design)
+                                     std::size_t rowCount, Maker maker, TransformSetting setting,
+                                     const CaseDesign& design)
     : impl(std::make_unique<Impl>(independentColumns, dependentColumns, rowCount, std::move(maker),
-                                  choice, method, design))
+                                  setting, design))
 {}
 
 TransformedOutput::~TransformedOutput() = default;

@@ -4,6 +4,7 @@
 #include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/OutputTransform.h>
+#include <mirel_fitting/TransformSetting.h>
 
 #include <functional>
 #include <memory>
@@ -34,26 +35,20 @@ public:
                                                    std::size_t rowCount, const CaseDesign& design)>;
 
     /**
-     * Every output is transformed alike if it can be; none: each as its likelihood says, when it is
-     * first used. A transform is then chosen if with it both the log-likelihood and the log-density
-     * of left-out cases, in the output's units, are larger by more than 5, or 10 where only some
-     * cases are compared: where the two disagree, the likelihood rests on cases that the model does
-     * not predict. They are compared on 100 of the distinct cases; an output whose largest value is
-     * less than 1.5 times its smallest is left as it is, since no transform would bend it much.
+     * @param setting SquareRoot, Logarithm and None hold for every output that can be transformed.
+     *        Automatic, and Usual likewise, choose for each output when it is first used: a
+     *        transform is taken if with it both the log-likelihood and the log-density of left-out
+     *        cases, in the output's units, are larger by more than 5, or 10 where only some cases
+     *        are compared. Where the two disagree, the likelihood rests on cases that the model
+     *        does not predict. They are compared on 100 of the distinct cases; an output whose
+     *        largest value is less than 1.5 times its smallest is left as it is, since no transform
+     *        would bend it much. BoxCox chooses for each output by BoxCoxProfile, with all cases:
+     *        for response surfaces, whose fits cost little.
+     * @throw Error as the model that `maker` makes.
      */
-    using Choice = std::optional<OutputTransform>;
-
-    /** How a transform is chosen for each output where the choice is none. */
-    enum class Method
-    {
-        Comparison, ///< as Choice says
-        BoxCox ///< BoxCoxProfile, with all cases: for response surfaces, whose fits cost little
-    };
-
-    /** @throw Error as the model that `maker` makes. */
     TransformedOutput(const std::vector<double*>& independentColumns,
                       const std::vector<double*>& dependentColumns, std::size_t rowCount,
-                      Maker maker, Choice choice = std::nullopt, Method method = Method::Comparison,
+                      Maker maker, TransformSetting setting = TransformSetting::Automatic,
                       const CaseDesign& design = {});
     ~TransformedOutput() override;
 
@@ -63,8 +58,8 @@ public:
      *  of the two; NaN if nothing was compared. */
     double gain(int offset) const;
 
-    /** What the choice by Method::BoxCox rests on; none for another choice, and for an output that
-     *  is not positive in all cases. */
+    /** What the choice by TransformSetting::BoxCox rests on; none for another setting, and for an
+     * output that is not positive in all cases. */
     std::optional<BoxCoxProfile> boxCoxProfile(int offset) const;
 
     /** The model inside and the offset of the output, or its transform, there. Valid as long as

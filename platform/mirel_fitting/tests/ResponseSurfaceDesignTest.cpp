@@ -322,8 +322,7 @@ TEST(ResponseSurfaceDesign, GivesTheR2OfATransformWithTheEffectsOfTheBlocks)
                                                                ResponseSurfaceOptions(), design);
     };
     const TransformedOutput model(cases.inputPointers(), cases.outputPointers(), cases.count(),
-                                  maker, OutputTransform::Logarithm,
-                                  TransformedOutput::Method::Comparison, blocks);
+                                  maker, TransformSetting::Logarithm, blocks);
 
     EXPECT_GT(model.fitMetrics(0).r2, 0.95);
 }

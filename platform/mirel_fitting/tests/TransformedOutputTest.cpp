@@ -36,10 +36,10 @@ std::unique_ptr<FittedModel> responseSurface(const std::vector<double*>& inputs,
                                                            ResponseSurfaceOptions(), design);
 }
 
-TransformedOutput modelOf(Cases cases, TransformedOutput::Choice choice = {},
+TransformedOutput modelOf(Cases cases, TransformSetting setting = TransformSetting::Automatic,
                           const TransformedOutput::Maker& maker = kriging)
 {
-    return {cases.inputPointers(), cases.outputPointers(), cases.count(), maker, choice};
+    return {cases.inputPointers(), cases.outputPointers(), cases.count(), maker, setting};
 }
 
 /** Over three decades, with errors in proportion to it. */
@@ -108,7 +108,8 @@ TEST(TransformedOutput, ModelsTheLogarithmOrTheRootWhereThatIsSimpler)
 
     const auto product = [](double v1, double v2) { return (1.0 + v1) * std::exp(4.0 * v2); };
 
-    const TransformedOutput surface = modelOf(casesOf(product, 0.05), {}, responseSurface);
+    const TransformedOutput surface =
+        modelOf(casesOf(product, 0.05), TransformSetting::Automatic, responseSurface);
 
     EXPECT_EQ(surface.transform(0), OutputTransform::Logarithm);
     EXPECT_EQ(surface.surfaceCoefficientInformation(0).substr(0, 4), "exp(");
@@ -136,7 +137,7 @@ TEST(TransformedOutput, TransformsOnlyWhatIsPositiveInAllCases)
     cases.outputs[0][7] = 0.0;
     cases.outputs.push_back(casesOf(overDecades).outputs[0]);
 
-    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm);
+    const TransformedOutput model = modelOf(cases, TransformSetting::Logarithm);
 
     EXPECT_EQ(model.transform(0), OutputTransform::None);
     EXPECT_EQ(model.transform(1), OutputTransform::Logarithm);
@@ -153,7 +154,7 @@ TEST(TransformedOutput, WarnsOfTheVarianceOfWhatWasModelled)
         cases.outputs[0][i] = i % 2 == 0 ? 1.0 : 100.0;
     }
 
-    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm);
+    const TransformedOutput model = modelOf(cases, TransformSetting::Logarithm);
 
     const std::vector<std::string> warnings = model.fitWarnings(0);
     EXPECT_TRUE(std::any_of(warnings.begin(), warnings.end(), [](const std::string& text) {
@@ -170,7 +171,7 @@ TEST(TransformedOutput, HasTheNotesOfTheModelInside)
     cases.inputs[0][1] = cases.inputs[0][0];
     cases.inputs[1][1] = cases.inputs[1][0];
 
-    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm);
+    const TransformedOutput model = modelOf(cases, TransformSetting::Logarithm);
 
     EXPECT_EQ(model.fitNotes(0), model.inner().fitNotes(model.innerOffset(0)));
     EXPECT_EQ(model.fitNotes(0).size(), 1u);
@@ -178,10 +179,13 @@ TEST(TransformedOutput, HasTheNotesOfTheModelInside)
 
 TEST(TransformedOutput, IsTheOneThatIsChosenOrThatOfTheCasesThatTheOthersPredict)
 {
-    for (const OutputTransform transform :
-         {OutputTransform::None, OutputTransform::SquareRoot, OutputTransform::Logarithm}) {
-        EXPECT_EQ(modelOf(casesOf(wave), transform).transform(0), transform);
-        EXPECT_EQ(modelOf(casesOf(overDecades), transform).transform(0), transform);
+    const std::pair<TransformSetting, OutputTransform> settings[] = {
+        {TransformSetting::None, OutputTransform::None},
+        {TransformSetting::SquareRoot, OutputTransform::SquareRoot},
+        {TransformSetting::Logarithm, OutputTransform::Logarithm}};
+    for (const auto& [setting, transform] : settings) {
+        EXPECT_EQ(modelOf(casesOf(wave), setting).transform(0), transform);
+        EXPECT_EQ(modelOf(casesOf(overDecades), setting).transform(0), transform);
     }
 
     // One case at a place of its own, which no linear trend of the others reaches.
@@ -230,7 +234,8 @@ TEST(TransformedOutput, TransformsTheEndsOfIntervalsBack)
 
 TEST(TransformedOutput, HasTheQuantilesAndTheCalibrationOfTheTransform)
 {
-    const TransformedOutput model = modelOf(casesOf(overDecades, 0.1), {}, responseSurface);
+    const TransformedOutput model =
+        modelOf(casesOf(overDecades, 0.1), TransformSetting::Automatic, responseSurface);
     const int inside = model.innerOffset(0);
 
     EXPECT_EQ(model.intervalQuantile(0, 0.8), model.inner().intervalQuantile(inside, 0.8));
@@ -288,7 +293,7 @@ TEST(TransformedOutput, MeasuresAResponseSurfaceWithItsDegreesOfFreedom)
 {
     Cases cases = casesOf(overDecades, 0.1);
     const Column& output = cases.outputs[0];
-    const TransformedOutput model = modelOf(cases, OutputTransform::Logarithm, responseSurface);
+    const TransformedOutput model = modelOf(cases, TransformSetting::Logarithm, responseSurface);
 
     const Column atCases = predict(model, cases.inputs);
     double squares = 0.0;
@@ -310,10 +315,12 @@ TEST(TransformedOutput, ChoosesNoTransformForMoreThanFiveThousandCases)
         cases.outputs[0].push_back(std::exp(4.0 * x + 0.1 * random.next()));
     }
 
-    EXPECT_EQ(modelOf(cases, {}, responseSurface).transform(0), OutputTransform::None);
+    EXPECT_EQ(modelOf(cases, TransformSetting::Automatic, responseSurface).transform(0),
+              OutputTransform::None);
     cases.inputs[0].pop_back();
     cases.outputs[0].pop_back();
-    EXPECT_EQ(modelOf(cases, {}, responseSurface).transform(0), OutputTransform::Logarithm);
+    EXPECT_EQ(modelOf(cases, TransformSetting::Automatic, responseSurface).transform(0),
+              OutputTransform::Logarithm);
 }
 
 TEST(TransformedOutput, WritesTheEquationOfTheOutput)
@@ -321,7 +328,7 @@ TEST(TransformedOutput, WritesTheEquationOfTheOutput)
     Cases cases{{{0.0, 1.0, 2.0, 3.0}}, {{1.0, 4.0, 9.0, 16.0}}};
 
     const TransformedOutput model = modelOf(
-        cases, OutputTransform::SquareRoot,
+        cases, TransformSetting::SquareRoot,
         [](const auto& inputs, const auto& outputs, std::size_t rows, const CaseDesign&) {
             return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows, 1);
         });
