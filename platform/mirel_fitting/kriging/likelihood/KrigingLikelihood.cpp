@@ -32,21 +32,15 @@ double logTrendDeterminant(const KrigingData& data)
     return columns.logDeterminant();
 }
 
-/** Sums over the columns of P, the inverse with the trend projected out, block by block. */
-struct DerivativeTotals
-{
-    std::vector<double> sums;     ///< one per input
-    std::vector<double> products; ///< of the derivatives of R with alpha, one column per input
-    std::vector<double> diagonal; ///< of P
-};
+} // namespace
 
-class DerivativeVisitor : public BlockedCholesky::Visitor
+class KrigingLikelihood::DerivativeVisitor : public BlockedCholesky::Visitor
 {
 public:
     /** @param alpha MaternCorrelation::productStride() elements.
      *  @param trend KrigingEquations::trendInInverse(). */
     DerivativeVisitor(const KrigingEquations& equations, const std::vector<double>& alpha,
-                      const std::vector<double>& trend, double variance, DerivativeTotals& totals)
+                      const std::vector<double>& trend, double variance, Derivatives& totals)
         : equations(equations), alpha(alpha), trend(trend), rows(equations.correlation().cases()),
           factor(1.0 / variance), totals(totals)
     {}
@@ -99,179 +93,138 @@ private:
     std::size_t rows;
     double factor;
     std::vector<double> projected;
-    DerivativeTotals& totals;
-    DerivativeTotals part;
+    Derivatives& totals;
+    Derivatives part;
 };
 
-} // namespace
-
-class KrigingLikelihood::Impl
+KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> source)
+    : data(std::move(source)), equationsOfCases(data),
+      logDeterminantOfTerms(logTrendDeterminant(*data))
 {
-public:
-    explicit Impl(const std::shared_ptr<const KrigingData>& source)
-        : data(source), equations(source), logDeterminantOfTerms(logTrendDeterminant(*source))
-    {
-        for (std::size_t i = 0; i < data->cases; ++i) {
-            rowCount += data->replicates[i];
-            logReplicates += std::log(data->replicates[i]);
-            withinSquares += data->withinSquares[i];
-        }
-        degreesOfFreedom = rowCount - static_cast<double>(data->terms);
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        rowCount += data->replicates[i];
+        logReplicates += std::log(data->replicates[i]);
+        withinSquares += data->withinSquares[i];
     }
+    degreesOfFreedom = rowCount - static_cast<double>(data->terms);
+}
 
-    double logLikelihood() const;
-    void differentiate();
-    std::vector<double> derivativesTimesAlpha();
-    /** Of replicates about their means, weighted like the residuals of cases. */
-    double weightedWithinSquares() const
-    {
-        return withinSquares > 0.0 ? withinSquares / equations.nugget() : 0.0;
-    }
-
-    std::shared_ptr<const KrigingData> data;
-    KrigingEquations equations;
-    double rowCount = 0.0;
-    double logReplicates = 0.0;
-    double withinSquares = 0.0;
-    double logDeterminantOfTerms = 0.0;
-    double degreesOfFreedom = 0.0;
-
-    double variance = 0.0;
-    bool isDifferentiated = false;
-    DerivativeTotals derivatives;
-};
-
-double KrigingLikelihood::Impl::logLikelihood() const
+/** Of replicates about their means, weighted like the residuals of cases. */
+double KrigingLikelihood::weightedWithinSquares() const
 {
-    double determinants =
-        equations.logDeterminant() + equations.logTrendDeterminant() - logDeterminantOfTerms;
+    return withinSquares > 0.0 ? withinSquares / equationsOfCases.nugget() : 0.0;
+}
+
+double KrigingLikelihood::logLikelihood() const
+{
+    double determinants = equationsOfCases.logDeterminant() +
+                          equationsOfCases.logTrendDeterminant() - logDeterminantOfTerms;
     const double repeated = rowCount - static_cast<double>(data->cases);
     if (repeated > 0.0) {
-        determinants += repeated * std::log(equations.nugget()) + logReplicates;
+        determinants += repeated * std::log(equationsOfCases.nugget()) + logReplicates;
     }
     return -0.5 * (degreesOfFreedom * (std::log(twoPi * variance) + 1.0) + determinants);
 }
 
 /** Once for each evaluation: gradient and average information use the same derivatives. */
-void KrigingLikelihood::Impl::differentiate()
+void KrigingLikelihood::differentiate()
 {
     if (isDifferentiated) {
         return;
     }
-    const std::size_t stride = equations.correlation().productStride();
-    const std::vector<double>& alpha = equations.smoothingWeights();
+    const std::size_t stride = equationsOfCases.correlation().productStride();
+    const std::vector<double>& alpha = equationsOfCases.smoothingWeights();
     std::vector<double> vector(stride, 0.0);
     std::copy(alpha.begin(), alpha.end(), vector.begin());
-    const std::vector<double> trend = equations.trendInInverse();
+    const std::vector<double> trend = equationsOfCases.trendInInverse();
     derivatives.sums.assign(data->inputs, 0.0);
     derivatives.products.assign(stride * data->inputs, 0.0);
     derivatives.diagonal.clear();
-    equations.factor().visitInverse([&] {
-        return std::make_unique<DerivativeVisitor>(equations, vector, trend, variance, derivatives);
+    equationsOfCases.factor().visitInverse([&] {
+        return std::make_unique<DerivativeVisitor>(equationsOfCases, vector, trend, variance,
+                                                   derivatives);
     });
     isDifferentiated = true;
 }
 
 /** Column k: the derivative of R by parameter k, lengths and last the nugget, times R^-1 r. */
-std::vector<double> KrigingLikelihood::Impl::derivativesTimesAlpha()
+std::vector<double> KrigingLikelihood::derivativesTimesAlpha()
 {
     differentiate();
-    const std::vector<double>& alpha = equations.smoothingWeights();
+    const std::vector<double>& alpha = equationsOfCases.smoothingWeights();
     const std::size_t n = data->cases;
     std::vector<double> columns;
     columns.reserve(n * (data->inputs + 1));
     for (std::size_t k = 0; k < data->inputs; ++k) {
         const double* column =
-            derivatives.products.data() + k * equations.correlation().productStride();
+            derivatives.products.data() + k * equationsOfCases.correlation().productStride();
         columns.insert(columns.end(), column, column + n);
     }
     for (std::size_t i = 0; i < n; ++i) {
-        columns.push_back(equations.nugget() / data->replicates[i] * alpha[i]);
+        columns.push_back(equationsOfCases.nugget() / data->replicates[i] * alpha[i]);
     }
     return columns;
 }
 
-KrigingLikelihood::KrigingLikelihood(std::shared_ptr<const KrigingData> data)
-    : impl(std::make_unique<Impl>(data))
-{}
-
-KrigingLikelihood::~KrigingLikelihood() = default;
-
 double KrigingLikelihood::evaluate(const std::vector<double>& lengths, double nugget)
 {
-    impl->isDifferentiated = false;
-    if (!impl->equations.solve(lengths, nugget)) {
+    isDifferentiated = false;
+    if (!equationsOfCases.solve(lengths, nugget)) {
         return notFactorised;
     }
-    impl->variance =
-        (impl->equations.squares() + impl->weightedWithinSquares()) / impl->degreesOfFreedom;
-    if (!(impl->variance > 0.0)) {
+    variance = (equationsOfCases.squares() + weightedWithinSquares()) / degreesOfFreedom;
+    if (!(variance > 0.0)) {
         return notFactorised;
     }
-    const double value = impl->logLikelihood();
+    const double value = logLikelihood();
     return std::isfinite(value) ? value : notFactorised;
 }
 
 void KrigingLikelihood::gradient(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
-    impl->differentiate();
-    result = impl->derivatives.sums;
+    differentiate();
+    result = derivatives.sums;
 
     // The mean of r replicates has the nugget / r.
-    const std::vector<double>& alpha = impl->equations.smoothingWeights();
-    double explained = impl->weightedWithinSquares();
-    double trace = impl->rowCount - static_cast<double>(impl->data->cases);
-    for (std::size_t i = 0; i < impl->data->cases; ++i) {
-        const double share = impl->equations.nugget() / impl->data->replicates[i];
+    const std::vector<double>& alpha = equationsOfCases.smoothingWeights();
+    double explained = weightedWithinSquares();
+    double trace = rowCount - static_cast<double>(data->cases);
+    for (std::size_t i = 0; i < data->cases; ++i) {
+        const double share = equationsOfCases.nugget() / data->replicates[i];
         explained += share * alpha[i] * alpha[i];
-        trace += share * impl->derivatives.diagonal[i];
+        trace += share * derivatives.diagonal[i];
     }
-    result.push_back(0.5 * (explained / impl->variance - trace));
+    result.push_back(0.5 * (explained / variance - trace));
 }
 
 void KrigingLikelihood::averageInformation(std::vector<double>& result)
 {
     const SingleThreadedBlas singleThreaded;
-    const std::size_t count = impl->data->inputs + 1;
-    const std::size_t n = impl->data->cases;
+    const std::size_t count = data->inputs + 1;
+    const std::size_t n = data->cases;
     const int order = static_cast<int>(n);
     const int columns = static_cast<int>(count);
 
-    const std::vector<double>& alpha = impl->equations.smoothingWeights();
-    std::vector<double> changes = impl->derivativesTimesAlpha();
+    const std::vector<double>& alpha = equationsOfCases.smoothingWeights();
+    std::vector<double> changes = derivativesTimesAlpha();
     std::vector<double> slopes(count);
     for (std::size_t k = 0; k < count; ++k) {
         slopes[k] = cblas_ddot(order, alpha.data(), 1, changes.data() + k * n, 1);
     }
-    impl->equations.whitenAndProject(changes, count);
+    equationsOfCases.whitenAndProject(changes, count);
     result.assign(count * count, 0.0);
     cblas_dgemm(CblasColMajor, CblasTrans, CblasNoTrans, columns, columns, order, 1.0,
                 changes.data(), order, changes.data(), order, 0.0, result.data(), columns);
-    slopes.back() += impl->weightedWithinSquares();
-    result.back() += impl->weightedWithinSquares();
+    slopes.back() += weightedWithinSquares();
+    result.back() += weightedWithinSquares();
 
     // The variance is profiled out.
-    const double squares = impl->variance * impl->degreesOfFreedom;
+    const double squares = variance * degreesOfFreedom;
     for (std::size_t k = 0; k < count; ++k) {
         for (std::size_t l = 0; l < count; ++l) {
             double& element = result[k * count + l];
-            element = 0.5 * (element - slopes[k] * slopes[l] / squares) / impl->variance;
+            element = 0.5 * (element - slopes[k] * slopes[l] / squares) / variance;
         }
     }
-}
-
-double KrigingLikelihood::processVariance() const
-{
-    return impl->variance;
-}
-
-KrigingEquations& KrigingLikelihood::equations()
-{
-    return impl->equations;
-}
-
-const KrigingEquations& KrigingLikelihood::equations() const
-{
-    return impl->equations;
 }

@@ -36,7 +36,6 @@ public:
     /** @param data is shared and must not change; more rows than trend terms, which are linearly
      *              independent. */
     explicit KrigingLikelihood(std::shared_ptr<const KrigingData> data);
-    ~KrigingLikelihood();
 
     /**
      * @param lengths one per input, in units of the scaled coordinates; may be infinite.
@@ -60,13 +59,35 @@ public:
     void averageInformation(std::vector<double>& result);
 
     /** Of the last evaluation, which must have been finite. */
-    double processVariance() const;
+    double processVariance() const { return variance; }
 
     /** Those of the last evaluation, which must have been finite. */
-    KrigingEquations& equations();
-    const KrigingEquations& equations() const;
+    KrigingEquations& equations() { return equationsOfCases; }
+    const KrigingEquations& equations() const { return equationsOfCases; }
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
+    /** Sums over the columns of P, the inverse with the trend projected out, block by block. */
+    struct Derivatives
+    {
+        std::vector<double> sums;     // one per input
+        std::vector<double> products; // of the derivatives of R with alpha, a column per input
+        std::vector<double> diagonal; // of P
+    };
+    class DerivativeVisitor;
+
+    double logLikelihood() const;
+    void differentiate();
+    std::vector<double> derivativesTimesAlpha();
+    double weightedWithinSquares() const;
+
+    std::shared_ptr<const KrigingData> data;
+    KrigingEquations equationsOfCases;
+    double rowCount = 0.0;
+    double logReplicates = 0.0;
+    double withinSquares = 0.0;
+    double logDeterminantOfTerms; // of F' F
+    double degreesOfFreedom = 0.0;
+    double variance = 0.0;
+    bool isDifferentiated = false;
+    Derivatives derivatives;
 };

@@ -168,7 +168,7 @@ using PointWork = std::function<void(Workspace&, std::size_t)>;
 
 void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs, const PointWork& work)
 {
-    constexpr std::size_t perChunk = 64;
+    constexpr std::size_t perChunk = 64; // some milliseconds
     // Starting a thread costs more than predicting this many points.
     constexpr std::size_t fewPoints = 256;
 
@@ -316,55 +316,36 @@ void NearestNeighbourKriging::variances(const std::vector<const double*>& points
     forPoints(count, impl->neighbours, impl->inputs, work);
 }
 
-class NearestNeighbourKriging::LeftOut::Impl
-{
-public:
-    const NearestNeighbourKriging::Impl* kriging;
-    std::vector<std::size_t> cases;
-    std::size_t stride;
-    std::vector<std::uint32_t> neighbours; // `stride` for each case
-    std::vector<std::size_t> found;
-};
-
-NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& kriging,
-                                          std::vector<std::size_t> cases)
-    : impl(std::make_unique<Impl>())
+NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& givenKriging,
+                                          std::vector<std::size_t> givenCases)
+    : kriging(givenKriging), cases(std::move(givenCases)), stride(kriging.impl->neighbours),
+      neighbours(cases.size() * stride), found(cases.size())
 {
     const NearestNeighbourKriging::Impl& all = *kriging.impl;
-    impl->kriging = &all;
-    impl->cases = std::move(cases);
-    impl->stride = all.neighbours;
-    impl->neighbours.resize(impl->cases.size() * impl->stride);
-    impl->found.resize(impl->cases.size());
-
     const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        const std::size_t index = impl->cases[i];
         const std::size_t near = all.search->find(
-            all.at(index), all.neighbours + 1, workspace.indices.data(), workspace.squares.data());
-        std::uint32_t* kept = impl->neighbours.data() + i * impl->stride;
-        for (std::size_t j = 0; j < near && impl->found[i] < impl->stride; ++j) {
-            if (workspace.indices[j] != index) {
-                kept[impl->found[i]++] = workspace.indices[j];
+            all.at(cases[i]), stride + 1, workspace.indices.data(), workspace.squares.data());
+        std::uint32_t* kept = neighbours.data() + i * stride;
+        for (std::size_t j = 0; j < near && found[i] < stride; ++j) {
+            if (workspace.indices[j] != cases[i]) {
+                kept[found[i]++] = workspace.indices[j];
             }
         }
     };
-    forPoints(impl->cases.size(), all.neighbours, all.inputs, work);
+    forPoints(cases.size(), stride, all.inputs, work);
 }
-
-NearestNeighbourKriging::LeftOut::~LeftOut() = default;
 
 std::vector<NearestNeighbourKriging::Prediction>
 NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
 {
-    const NearestNeighbourKriging::Impl& all = *impl->kriging;
+    const NearestNeighbourKriging::Impl& all = *kriging.impl;
     const std::vector<double> factors = all.factorsFor(parameters);
-    std::vector<Prediction> result(impl->cases.size());
+    std::vector<Prediction> result(cases.size());
     const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        const std::size_t index = impl->cases[i];
         result[i] = workspace.kriging.predict(
-            all.sources(), impl->neighbours.data() + i * impl->stride, impl->found[i],
-            all.at(index), factors, parameters.nugget, parameters.nugget / all.replicates[index]);
+            all.sources(), neighbours.data() + i * stride, found[i], all.at(cases[i]), factors,
+            parameters.nugget, parameters.nugget / all.replicates[cases[i]]);
     };
-    forPoints(result.size(), all.neighbours, all.inputs, work);
+    forPoints(result.size(), stride, all.inputs, work);
     return result;
 }

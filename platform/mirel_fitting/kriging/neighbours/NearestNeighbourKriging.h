@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -69,16 +70,18 @@ public:
     class LeftOut
     {
     public:
+        /** @param kriging borrowed for life. */
         LeftOut(const NearestNeighbourKriging& kriging, std::vector<std::size_t> cases);
-        ~LeftOut();
 
         /** With these parameters. The neighbours are those found by the constructor. */
         std::vector<Prediction> predict(const Parameters& parameters) const;
 
     private:
-        friend class NearestNeighbourKriging;
-        class Impl;
-        std::unique_ptr<Impl> impl;
+        const NearestNeighbourKriging& kriging;
+        std::vector<std::size_t> cases;
+        std::size_t stride;
+        std::vector<std::uint32_t> neighbours; // `stride` for each case
+        std::vector<std::size_t> found;
     };
 
 private:
