@@ -4,7 +4,7 @@ InterpolationVariablesInterface::InterpolationVariablesInterface() = default;
 
 InterpolationVariablesInterface::~InterpolationVariablesInterface()
 {
-    // Explicitly: an emission that is under way keeps the slots alive.
+    // A running emission keeps its slots: without this it would call them after this destructor.
     signalInterpolationVariablesChanged.disconnect_all_slots();
 }
 

@@ -199,7 +199,7 @@ SurrogateModelInterface& SurrogateModelManager::Impl::modelFor(const std::set<Va
     if (model != nullptr && dependents == cachedDependents) {
         return *model;
     }
-    // Before anything can fail, and for good: see the class comment of SurrogateModelManager.
+    // Before anything can fail, and kept after a failure: see SurrogateModelManager.
     cachedDependents = dependents;
 
     const vtkSmartPointer<vtkTable> table = updatedPipelineTable();

@@ -43,7 +43,7 @@ public:
 
     /**
      * Whether a macro is open or a command runs: recorded commands do nothing then. Qt, whose slots
-     * cannot be overridden, would run a command within itself or move the index for good.
+     * cannot be overridden, would run a command within itself or move the index permanently.
      */
     bool isBlocked() const { return openMacros > 0 || runs > 0; }
 

@@ -150,7 +150,7 @@ public:
     /**
      * Makes several changes one for the listeners: while one lives nothing is emitted, and the end
      * of the outermost emits once, if anything changed. What a listener throws leaves the
-     * destructor, unless an exception is under way already.
+     * destructor, unless another exception is propagating.
      */
     class MIREL_DATAMANAGEMENT_EXPORT ChangeGroup
     {

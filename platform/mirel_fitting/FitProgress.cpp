@@ -50,7 +50,7 @@ void FitProgress::report(double fraction, const std::string& message)
 
 void FitProgress::advance(double work)
 {
-    constexpr double largestFraction = 0.98;
+    constexpr double largestFraction = 0.98; // the end of the work is not known
 
     if (!innermost || innermost->message.empty()) {
         return;

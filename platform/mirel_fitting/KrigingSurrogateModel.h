@@ -70,8 +70,8 @@ public:
     fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
-    /** Also of points at which the cases leave more than a tenth more of a smooth process's
-     * variance than at any case that is left out. */
+    /** Also names points where a smooth process has more than 1.1 times the largest leave-one-out
+     *  variance of the cases, or whose leverage exceeds four times the largest of theirs. */
     std::string
     extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                          const std::vector<std::string>& inputNames = {}) const override;

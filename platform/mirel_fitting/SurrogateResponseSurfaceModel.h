@@ -92,8 +92,8 @@ public:
     fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
-    /** Also of points whose leverage is more than a tenth above the largest of the cases, or that
-     * do not keep a linear relation which the inputs have in all cases. */
+    /** Also names points whose leverage exceeds 1.5 times the largest of the cases, or that break a
+     *  relation between terms that holds in all cases. */
     std::string
     extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
                          const std::vector<std::string>& inputNames = {}) const override;

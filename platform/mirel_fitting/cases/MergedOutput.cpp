@@ -20,7 +20,7 @@ std::size_t countDistinct(const std::vector<double>& ascending)
 
 MergedOutput::MergedOutput(const KrigingCases& cases, const std::vector<double>& output)
 {
-    constexpr std::size_t pointsPerReport = 65536;
+    constexpr std::size_t pointsPerReport = 65536; // some milliseconds
 
     std::vector<double> values; // of the rows at a point, ascending
     const auto gather = [&](std::size_t point) {

@@ -14,7 +14,7 @@ bool areEqual(const double* a, const double* b, std::size_t count)
 /** Position of the first value that differs from the first, `count` if there is none. */
 std::size_t firstChange(const double* x, std::size_t count)
 {
-    constexpr std::size_t atATime = 256;
+    constexpr std::size_t atATime = 256; // makes the call of memcmp() cheap
     std::size_t i = 1;
     while (i + atATime <= count && areEqual(x + i - 1, x + i, atATime)) {
         i += atATime;

@@ -36,7 +36,7 @@ void BoxConstrainedQuadratic::sweep(const std::vector<double>& lowest,
                                     const std::vector<double>& highest, int sweeps,
                                     std::vector<double>& point) const
 {
-    constexpr double negligible = 1e-14;
+    constexpr double negligible = 1e-14; // change of a variable, relative to it
 
     std::vector<double> rest = slopeAt(point);
     bool changes = true;

@@ -302,7 +302,7 @@ void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
 
 bool PolynomialFit::isDeterminedAlone(double leverage)
 {
-    constexpr double leastOneMinusLeverage = 1e-9;
+    constexpr double leastOneMinusLeverage = 1e-9; // less is rounding
     return 1.0 - leverage <= leastOneMinusLeverage;
 }
 

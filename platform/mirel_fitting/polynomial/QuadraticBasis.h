@@ -26,6 +26,14 @@ public:
     {
         std::size_t first = noInput;
         std::size_t second = noInput;
+
+        /** None, one or two; that of a square twice. */
+        std::vector<std::size_t> inputs() const
+        {
+            return second != noInput  ? std::vector<std::size_t>{first, second}
+                   : first != noInput ? std::vector<std::size_t>{first}
+                                      : std::vector<std::size_t>();
+        }
     };
 
     /**

@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr std::size_t pointsPerChunk = 4096;
+constexpr std::size_t pointsPerChunk = 4096; // some milliseconds
 
 /** Within 2 % of the ranges from a case, of central composite, Box-Behnken and Latin hypercube
  *  designs, leverages reach 1.3 times the largest of the cases; at corners that the cases lack, and
  *  off a relation of inputs, many times it. */
 constexpr double supportedLeverage = 1.5;
 
-/** By how much a relation may be broken, relative to the range of the dropped term. A second-order
+/** By how much a relation may be violated, relative to the range of the dropped term. A second-order
  *  one changes by 4 % for 2 % of the range of an input, and a relation may have several. */
 constexpr double negligibleOfLinear = 0.01;
 constexpr double negligibleOfSecondOrder = 0.05;

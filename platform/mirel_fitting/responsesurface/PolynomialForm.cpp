@@ -80,12 +80,7 @@ PolynomialForm PolynomialForm::lowered(std::size_t inputs, std::size_t cases) co
 
 bool PolynomialForm::isInFormula(const QuadraticBasis::Term& term) const
 {
-    TermFormula::Term factors;
-    for (const std::size_t input : {term.first, term.second}) {
-        if (input != QuadraticBasis::noInput) {
-            factors.push_back(input);
-        }
-    }
+    const TermFormula::Term factors = term.inputs();
     const std::vector<TermFormula::Term>& terms = formula->terms();
     return factors.empty() || std::find(terms.begin(), terms.end(), factors) != terms.end();
 }

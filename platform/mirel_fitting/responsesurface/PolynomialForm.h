@@ -34,9 +34,9 @@ struct PolynomialForm
     std::string name() const;
 
     /**
-     * The same, or without squares if it may lose them and has less terms than cases then, or the
-     * highest lower order that has no more terms than there are cases, and none
-     * without inputs to make them of.
+     * The polynomial that so many cases determine: this one if it has no more terms than there are
+     * cases; else, if mayLoseSquares, the one without squares if it has fewer terms than cases;
+     * else the highest lower order with no more terms than cases. Without inputs the constant.
      * @throw SurrogateModelInterface::Error if the order is none of the three, or 10 000 terms do
      *        not suffice.
      */

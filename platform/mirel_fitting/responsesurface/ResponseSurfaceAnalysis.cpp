@@ -73,7 +73,7 @@ void compare(AnovaRow& effect, const AnovaRow& error)
 
 } // namespace
 
-/** A way of writing the polynomial, with other inputs than the scaled ones: shifted, or coded. */
+/** The polynomial in other inputs than the scaled ones: raw or coded. */
 struct ResponseSurfaceAnalysis::Coding
 {
     /** From the coefficients for scaled inputs to those of this coding. */
@@ -199,12 +199,7 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
     for (std::size_t term = 0; term < result.size(); ++term) {
         CoefficientStatistics& one = result[term];
         one.term = fit.basis().name(term);
-        for (const std::size_t input :
-             {fit.basis().terms()[term].first, fit.basis().terms()[term].second}) {
-            if (input != QuadraticBasis::noInput) {
-                one.factors.push_back(input);
-            }
-        }
+        one.factors = fit.basis().terms()[term].inputs();
         one.isKept = fit.isKept(term);
         if (!one.isKept) {
             continue;
@@ -379,12 +374,7 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
             continue;
         }
         PartialTest test;
-        const QuadraticBasis::Term& factors = fit.basis().terms()[term];
-        for (const std::size_t input : {factors.first, factors.second}) {
-            if (input != QuadraticBasis::noInput) {
-                test.factors.push_back(input);
-            }
-        }
+        test.factors = fit.basis().terms()[term].inputs();
         test.row =
             row(fit.basis().name(term), 1, estimates[term] * estimates[term] / variances[term]);
         if (isTested) {
@@ -421,8 +411,8 @@ bool ResponseSurfaceAnalysis::isExact() const
 std::vector<CaseDiagnostics> ResponseSurfaceAnalysis::caseDiagnostics() const
 {
     const double squares = isExact() ? none : residualSquares();
-    const auto freedom = static_cast<double>(fit.degreesOfFreedom());
-    const double variance = freedom > 0.0 ? squares / freedom : none;
+    const auto degrees = static_cast<double>(fit.degreesOfFreedom());
+    const double variance = degrees > 0.0 ? squares / degrees : none;
     std::vector<CaseDiagnostics> result;
     result.reserve(fit.sampledCount());
     for (std::size_t k = 0; k < fit.sampledCount(); ++k) {
@@ -440,9 +430,9 @@ std::vector<CaseDiagnostics> ResponseSurfaceAnalysis::caseDiagnostics() const
                                 (oneMinusLeverage * static_cast<double>(fit.keptCount()));
             const double squaresOfOthers =
                 std::max(squares - residual * residual / oneMinusLeverage, 0.0 * squares);
-            if (freedom > 1.0) {
+            if (degrees > 1.0) {
                 one.externallyStudentised =
-                    residual / std::sqrt(squaresOfOthers / (freedom - 1.0) * oneMinusLeverage);
+                    residual / std::sqrt(squaresOfOthers / (degrees - 1.0) * oneMinusLeverage);
             }
         }
         result.push_back(one);
@@ -453,12 +443,12 @@ std::vector<CaseDiagnostics> ResponseSurfaceAnalysis::caseDiagnostics() const
 double ResponseSurfaceAnalysis::outlierLimit() const
 {
     constexpr double probability = 0.05; // of one among all cases
-    const std::size_t freedom = fit.degreesOfFreedom();
-    if (freedom <= 1 || isExact()) {
+    const std::size_t degrees = fit.degreesOfFreedom();
+    if (degrees <= 1 || isExact()) {
         return none;
     }
     return Distributions::studentQuantile(1.0 - probability / static_cast<double>(fit.cases()),
-                                          static_cast<double>(freedom - 1));
+                                          static_cast<double>(degrees - 1));
 }
 
 double ResponseSurfaceAnalysis::aicc() const

@@ -47,7 +47,7 @@ public:
     FitMetrics metrics(std::size_t output) const;
     std::vector<std::string> warnings(std::size_t output,
                                       const InputNames& names = InputNames()) const;
-    /** Those of the warnings that say what was asked for. */
+    /** The warnings that are no reason to doubt the fit: consequences of the options. */
     std::vector<std::string> notes(std::size_t output, const InputNames& names) const;
     ResponseSurfaceStatistics statistics(std::size_t output, double level,
                                          InputCoding coding = InputCoding::Axial) const;

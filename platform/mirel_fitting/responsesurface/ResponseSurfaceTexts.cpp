@@ -103,7 +103,7 @@ std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
     }
     return std::string("Stationary point: ") + natureName(point.nature) + " of " +
            figure(point.value) + " at " + place +
-           (anywhere.empty() ? "" : ", any " + ResponseSurfaceTexts::list(anywhere)) +
+           (anywhere.empty() ? "" : ", any " + InputNames::listed(anywhere)) +
            (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
 }
 
@@ -202,8 +202,8 @@ std::vector<std::string> unnamedTerms(const PolynomialFit& fit, const InputNames
 
 std::string leftOut(const std::vector<std::string>& with)
 {
-    return " and was left out" +
-           (with.empty() ? "" : ", and with it " + ResponseSurfaceTexts::list(with)) + ".";
+    return " and was left out" + (with.empty() ? "" : ", and with it " + InputNames::listed(with)) +
+           ".";
 }
 
 } // namespace
@@ -236,11 +236,6 @@ std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
     return text.write(coefficients);
 }
 
-std::string ResponseSurfaceTexts::list(const std::vector<std::string>& names)
-{
-    return InputNames::listed(names);
-}
-
 std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,
                                                            const InputNames& names)
 {
@@ -257,7 +252,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         }
     }
     if (constant.size() > maxSentences) {
-        sentences = {list(constant) +
+        sentences = {InputNames::listed(constant) +
                      " are the same in every case and were left out, with all terms of them."};
     }
     if (fit.dependences().size() > maxSentences) {
@@ -265,7 +260,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
             dependent.push_back(basis.name(dependence.term, names));
         }
-        sentences.push_back(list(dependent) +
+        sentences.push_back(InputNames::listed(dependent) +
                             " cannot be separated from other terms by these cases and were left "
                             "out.");
         return sentences;
@@ -274,7 +269,8 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         const std::vector<std::string> parts = partsOf(fit, dependence, names);
         const bool isLinear = dependence.term <= basis.inputs();
         sentences.push_back(basis.name(dependence.term, names) + " cannot be separated from " +
-                            (parts.empty() ? "the constant" : list(parts)) + " by these cases" +
+                            (parts.empty() ? "the constant" : InputNames::listed(parts)) +
+                            " by these cases" +
                             leftOut(isLinear ? termsWith(fit, dependence.term - 1, names)
                                              : std::vector<std::string>()));
     }
@@ -282,7 +278,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
     if (!others.empty()) {
         sentences.push_back(
             "Terms that these cases cannot separate from the others were left out: " +
-            list(others) + ".");
+            InputNames::listed(others) + ".");
     }
     return sentences;
 }

@@ -26,7 +26,4 @@ public:
     static std::string quality(const PolynomialFit& fit, const std::string& order,
                                const FitMetrics& metrics,
                                const ResponseSurfaceStatistics& statistics);
-
-    /** "V1, V2 and V3" */
-    static std::string list(const std::vector<std::string>& names);
 };

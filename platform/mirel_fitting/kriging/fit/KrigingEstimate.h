@@ -39,9 +39,9 @@ public:
     void warn(KrigingFit& fit) const;
 
     /**
-     * Whether replicates differ by less than the least nugget explains, say by rounding. Their
-     * likelihood prefers an ever smaller process variance, and for its sake lengths that do not
-     * suit the points: their mean is then to be used as a single case.
+     * Whether replicates differ by less than the least nugget explains, for example by rounding.
+     * Their likelihood then favours an ever smaller process variance and lengths that do not fit
+     * the points: the mean of replicates is to be used as a single case.
      */
     static bool isPureErrorNegligible(const KrigingFitInput& input, const KrigingData& data,
                                       const KrigingSearchResult& found);

@@ -8,10 +8,11 @@
 
 namespace {
 
-/** Few points need all but a few of them; then refits take no time. */
+/** Refits to few points leave out one or two at a time, since these determine much; they cost
+ *  little then. */
 std::size_t foldsOf(std::size_t points)
 {
-    constexpr std::size_t maxSingle = 20;
+    constexpr std::size_t maxSingle = 20; // points, left out one by one
     constexpr std::size_t foldsOfFew = 10;
     constexpr std::size_t foldsOfMany = 5;
 

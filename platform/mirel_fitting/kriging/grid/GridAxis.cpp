@@ -46,7 +46,7 @@ void GridAxis::tabulate(const MaternCorrelation& correlation)
 void GridAxis::correlate(const MaternCorrelation& correlation, std::size_t first, std::size_t count,
                          double* rows) const
 {
-    constexpr std::size_t valuesAtATime = 64;
+    constexpr std::size_t valuesAtATime = 64; // their rows stay in the cache
     const std::size_t rowSize = correlation.correlationStride();
     AlignedBuffer factor(inputs.size() > 1 ? valuesAtATime * rowSize : 0);
     for (std::size_t v = 0; v < count; v += valuesAtATime) {

@@ -123,7 +123,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
     : data(data), residuals(residuals), leftOut(leftOut), smallestNugget(smallestNugget),
       sizes(sizes)
 {
-    constexpr double expectedTrials = 200.0;
+    constexpr double expectedTrials = 200.0; // of DensitySearch
     constexpr double estimating = 0.7; // of the work
 
     {
@@ -148,7 +148,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
 /** Lengths and nugget of greatest leave-one-out density of the residuals of a sample. */
 Parameters NeighbourLayer::estimate(const Parameters& start) const
 {
-    constexpr double firstStep = 2.0;
+    constexpr double firstStep = 2.0; // factors of lengths
     constexpr double lastStep = 1.2;
 
     std::vector<std::size_t> sample;

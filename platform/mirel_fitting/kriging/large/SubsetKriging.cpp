@@ -50,7 +50,7 @@ std::vector<double> SubsetKriging::trendResiduals(const Model& model) const
 
 std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) const
 {
-    constexpr std::size_t casesPerChunk = 1024;
+    constexpr std::size_t casesPerChunk = 1024; // stay in the first-level cache
 
     MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
                                   subset.data->coordinates.data());

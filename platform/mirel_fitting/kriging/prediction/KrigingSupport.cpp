@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::size_t maxCases = 300;
 
-/** Makes any number of different points sound, and is far below what is left between them. */
+/** Keeps the factorisation sound; far below the variances between the cases. */
 constexpr double nugget = 1e-8;
 
 /** Spread over all, with the trend 1. */
@@ -61,7 +61,7 @@ double largestVariance(const std::shared_ptr<const KrigingData>& data,
 
 KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& ranges) : ranges(ranges)
 {
-    constexpr double negligible = 1.1;
+    constexpr double tolerance = 1.1; // of variances
 
     if (cases.activeInputs().empty()) {
         return;
@@ -72,7 +72,7 @@ KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& rang
     if (!(largest > 0.0)) {
         return;
     }
-    largestError = std::sqrt(negligible * largest);
+    largestError = std::sqrt(tolerance * largest);
 
     auto correlation =
         std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());

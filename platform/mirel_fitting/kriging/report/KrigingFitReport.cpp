@@ -66,9 +66,8 @@ void KrigingFitReport::addInfluence(KrigingFit& fit, const KrigingTrend& trend,
     }
     for (std::size_t t = 0; t < trend.size(); ++t) {
         const double error = errors.empty() ? 0.0 : errors[t];
-        const QuadraticBasis::Term term = trend.keptTerms()[t];
-        for (const std::size_t k : {term.first, term.second}) {
-            if (k != QuadraticBasis::noInput && std::fabs(coefficients[t]) > significant * error) {
+        for (const std::size_t k : trend.keptTerms()[t].inputs()) {
+            if (std::fabs(coefficients[t]) > significant * error) {
                 result[cases.activeInputs()[k]] = false;
             }
         }

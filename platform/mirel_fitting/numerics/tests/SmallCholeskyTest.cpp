@@ -19,7 +19,7 @@ protected:
 
     std::vector<double> matrix() const
     {
-        // Nobody may read above the diagonal.
+        // Elements above the diagonal must not be read.
         std::vector<double> result(order * order, std::numeric_limits<double>::quiet_NaN());
         for (std::size_t j = 0; j < order; ++j) {
             for (std::size_t i = j; i < order; ++i) {

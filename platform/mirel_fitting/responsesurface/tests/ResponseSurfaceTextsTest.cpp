@@ -84,14 +84,6 @@ bool contains(const std::string& text, const std::string& part)
 
 } // namespace
 
-TEST(ResponseSurfaceTexts, ListsNames)
-{
-    EXPECT_EQ(ResponseSurfaceTexts::list({}), "");
-    EXPECT_EQ(ResponseSurfaceTexts::list({"V1"}), "V1");
-    EXPECT_EQ(ResponseSurfaceTexts::list({"V1", "V2"}), "V1 and V2");
-    EXPECT_EQ(ResponseSurfaceTexts::list({"V1", "V2", "V3"}), "V1, V2 and V3");
-}
-
 TEST(ResponseSurfaceTexts, NamesTheTermsThatTheCasesDoNotSeparate)
 {
     Cases cases = twoInputs(30, 1.0);

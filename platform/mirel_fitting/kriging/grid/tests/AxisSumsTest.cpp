@@ -116,7 +116,7 @@ std::vector<double> scattered(double range, std::size_t count, std::uint64_t see
     return cases;
 }
 
-/** Fourth differences: of smooth functions they leave next to nothing. */
+/** Fourth differences, which are nearly 0 for smooth functions. */
 Weights cancelling(std::size_t count)
 {
     const double pattern[] = {1e6, -4e6, 6e6, -4e6, 1e6};
