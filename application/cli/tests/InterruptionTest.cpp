@@ -8,6 +8,8 @@
 #include <random>
 #include <string>
 
+#include <pty.h>
+
 namespace {
 struct Interrupted
 {
@@ -18,6 +20,33 @@ struct Interrupted
 class InterruptionOfCommands : public Program, public ::testing::WithParamInterface<Interrupted>
 {
 protected:
+    /** Starts it at a terminal, and presses Ctrl-C when that shows the progress of a fit. */
+    Outcome runAndInterrupt(const std::string& arguments)
+    {
+        int terminal = -1;
+        const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (process == 0) {
+            const std::string command = "cd '" + folder.path("") +
+                                        "' && exec '" SURROGATE_PROGRAM "' " + arguments +
+                                        " > out.txt";
+            execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+            _exit(127);
+        }
+        std::string shown;
+        char bytes[4096];
+        bool isPressed = false;
+        for (ssize_t count; (count = read(terminal, bytes, sizeof(bytes))) > 0;) {
+            shown.append(bytes, static_cast<std::size_t>(count));
+            if (!isPressed && shown.find('%') != std::string::npos) {
+                isPressed = write(terminal, "\x03", 1) == 1;
+            }
+        }
+        close(terminal);
+        int status = 0;
+        waitpid(process, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out.txt"), shown};
+    }
+
     InterruptionOfCommands()
     {
         // Thousands of cases: the fit takes seconds, and the signal comes in its middle.
@@ -44,14 +73,14 @@ class Interruption : public Program
 TEST_P(InterruptionOfCommands, LeavesNothingBehind)
 {
     folder.write("old.txt", "old");
-    const std::size_t before = (run("--version"), folder.fileCount());
+    folder.write("out.txt", "");
+    const std::size_t before = folder.fileCount();
 
-    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT 0.5 '" +
-                              std::string(SURROGATE_PROGRAM) + "' " + GetParam().arguments);
+    const Outcome ended = runAndInterrupt(GetParam().arguments);
 
-    EXPECT_EQ(ended.exitCode, 130);
+    EXPECT_EQ(ended.exitCode, 130) << ended.err;
     EXPECT_EQ(ended.out, "");
-    EXPECT_EQ(ended.err, "");
+    EXPECT_EQ(ended.err.substr(ended.err.rfind('\r')), "\r\033[K") << "the progress is wiped out";
     EXPECT_EQ(folder.fileCount(), before);
     EXPECT_EQ(folder.read("old.txt"), "old");
 }
@@ -79,7 +108,7 @@ TEST_F(Interruption, CtrlCEndsAPredictionAtOnce)
     folder.write("waves.csv", cases);
     const std::size_t before = (run("--version"), folder.fileCount());
 
-    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT -k 20 2 '" +
+    const Outcome ended = run("--version > /dev/null; timeout --preserve-status -s INT -k 20 1 '" +
                               std::string(SURROGATE_PROGRAM) +
                               "' evaluate waves.csv -y y -m kriging --interval 95 "
                               "--threads 2 --count a=10000000 -o table.csv");
