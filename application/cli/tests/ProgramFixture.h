@@ -1,16 +1,23 @@
 #pragma once
 
+#include "Program.h"
+
 #include "../../session/tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
+#include <wordexp.h>
 
 /** What one run of the program came to. */
 struct Outcome
@@ -40,17 +47,38 @@ protected:
         folder.write("plane.csv", plane);
     }
 
-    /** Runs it through the shell in the test's folder; `arguments` may redirect and pipe. */
+    /** Runs it in the test's folder: in a copy of this process, as loading the program takes longer
+     *  than most commands; what `arguments` redirect and pipe is left to the shell. */
     Outcome run(const std::string& arguments)
     {
-        return runAs("'" SURROGATE_PROGRAM "'", arguments);
+        wordexp_t words = {};
+        if (wordexp(arguments.c_str(), &words, WRDE_NOCMD) != 0) {
+            return runAs("'" SURROGATE_PROGRAM "'", arguments);
+        }
+        std::fflush(nullptr);
+        const pid_t copy = fork();
+        if (copy == 0) {
+            std::filesystem::current_path(folder.path(""));
+            dup2(creat("out.txt", 0666), STDOUT_FILENO);
+            dup2(creat("err.txt", 0666), STDERR_FILENO);
+            std::exit(runProgram({words.we_wordv, words.we_wordv + words.we_wordc}));
+        }
+        wordfree(&words);
+        int status = 0;
+        waitpid(copy, &status, 0);
+        return outcomeOf(status);
     }
 
+    /** Through the shell, in the test's folder. */
     Outcome runAs(const std::string& program, const std::string& arguments)
     {
         const std::string command = "cd '" + folder.path("") + "' && { " + program + ' ' +
                                     arguments + "; } > out.txt 2> err.txt";
-        const int status = std::system(command.c_str());
+        return outcomeOf(std::system(command.c_str()));
+    }
+
+    Outcome outcomeOf(int status) const
+    {
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out.txt"),
                 withoutProgress(folder.read("err.txt"))};
     }
