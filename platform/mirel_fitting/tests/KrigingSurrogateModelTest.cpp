@@ -58,6 +58,36 @@ TEST(KrigingSurrogateModel, InterpolatesSmoothData)
     }
 }
 
+TEST(KrigingSurrogateModel, InterpolatesFewCasesOfACurve)
+{
+    const std::pair<const char*, double (*)(double)> curves[] = {
+        {"square", [](double x) { return 3.0 * x - x * x; }},
+        {"cube", [](double x) { return x * x * x; }},
+        {"decay", [](double x) { return std::exp(-x); }},
+        {"pole", [](double x) { return 1.0 / (x + 1.0); }},
+        {"root", [](double x) { return std::sqrt(x); }},
+    };
+    for (const auto& [name, curve] : curves) {
+        for (std::size_t cases = 3; cases <= 9; ++cases) {
+            SCOPED_TRACE(std::string(name) + " of " + std::to_string(cases) + " cases");
+            Columns inputs(1);
+            Columns outputs(1);
+            for (std::size_t i = 0; i < cases; ++i) {
+                inputs[0].push_back(static_cast<double>(i));
+                outputs[0].push_back(curve(inputs[0].back()));
+            }
+
+            const KrigingSurrogateModel model = KrigingArguments().model(inputs, outputs);
+
+            const std::vector<double> values = predictions(model, inputs);
+            for (std::size_t i = 0; i < cases; ++i) {
+                // The nugget of 1e-12 times weights of some ten thousand ranges of the output.
+                EXPECT_NEAR(values[i], outputs[0][i], 1e-6);
+            }
+        }
+    }
+}
+
 TEST(KrigingSurrogateModel, EqualsADirectComputationWithItsParameters)
 {
     Columns inputs = someInputs();

@@ -341,8 +341,9 @@ void Search::preferLeastNugget()
     if (!variables.hasNugget || best.point.back() <= variables.lower.back()) {
         return;
     }
-    const bool isSlight = objective->noiseVariance(best.point) < policy.slightNoise;
-    const double needed = isSlight ? policy.significantGain : policy.indifferentGain;
+    const bool needsEvidence = data->cases < policy.casesThatShowNoise ||
+                               objective->noiseVariance(best.point) < policy.slightNoise;
+    const double needed = needsEvidence ? policy.significantGain : policy.indifferentGain;
     Optimum smooth = best;
     smooth.point.back() = variables.lower.back();
     smooth.value = objective->value(smooth.point);

@@ -132,6 +132,10 @@ struct SearchPolicy
      *  nine of 218 fits. Self, Liang, J. Am. Stat. Assoc. 82 (1987). */
     double significantGain = 2.7;
     double slightNoise = 1e-4;
+    /** With fewer it is required of any noise: a curve through four cases and a constant with noise
+     *  are about as likely. The error of 4 to 9 cases is then 0.91 to 0.99 times as large without
+     *  noise and 0.96 to 1.05 with noise of 10 to 30 % of the deviation; 12 cases lose 22 %. */
+    std::size_t casesThatShowNoise = 10;
     /** A subset's estimate below this may be too much for all cases: the least nugget is tried. */
     double smoothSubsetNugget = 1e-6;
 

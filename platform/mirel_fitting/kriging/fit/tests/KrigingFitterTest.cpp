@@ -135,9 +135,9 @@ TEST(KrigingFitter, ManagesWithTwoCases)
 TEST(KrigingFitter, TakesAHandfulOfCasesWithoutOrderForNoise)
 {
     // To meet them, lengths would have to be shorter than their spacing.
-    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0}}, {0.3, 0.5, 0.4});
+    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0, 3.0}}, {0.3, 0.5, 0.3, 0.5});
 
-    for (const double x : {0.0, 0.5, 2.0}) {
+    for (const double x : {0.0, 0.5, 3.0}) {
         EXPECT_NEAR(valueAt(fit, {x}), 0.4, 1e-3);
     }
 }
