@@ -73,7 +73,7 @@ public:
     bool isInvalid(vtkIdType row) const
     {
         const bool isViewed = doubles != nullptr && row < doubles->GetNumberOfValues();
-        return isViewed ? isInvalidValue(doubles->GetValue(row)) : isInvalidValue(value(row));
+        return isViewed ? isInvalidNumber(doubles->GetValue(row)) : isInvalidValue(value(row));
     }
 
     /** Writes the numbers of `rows` to `numbers`, NaN for a cell that is no number. */

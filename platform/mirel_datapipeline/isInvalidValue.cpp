@@ -1,7 +1,5 @@
 #include <mirel_datapipeline/isInvalidValue.h>
 
-#include <vtkVariant.h>
-
 bool isInvalidValue(const vtkVariant& value)
 {
     // An array or another object in a cell would answer ToDouble() with its first value.
@@ -10,5 +8,5 @@ bool isInvalidValue(const vtkVariant& value)
     }
     bool isNumber = false;
     const double number = value.ToDouble(&isNumber);
-    return !isNumber || isInvalidValue(number);
+    return !isNumber || isInvalidNumber(number);
 }

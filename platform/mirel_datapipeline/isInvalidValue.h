@@ -2,9 +2,9 @@
 
 #include <mirel_datapipeline/Export.h>
 
-#include <cmath>
+#include <vtkVariant.h>
 
-class vtkVariant;
+#include <cmath>
 
 /**
  * Whether a cell of the cases table cannot be used as a number: an invalid variant, empty or blank
@@ -14,7 +14,7 @@ class vtkVariant;
 MIREL_DATAPIPELINE_EXPORT bool isInvalidValue(const vtkVariant& value);
 
 /** The same for a cell that is a number: NaN and infinity are invalid. */
-inline bool isInvalidValue(double number)
+inline bool isInvalidNumber(double number)
 {
     return !std::isfinite(number);
 }

@@ -31,7 +31,7 @@ std::size_t markInvalid(const std::vector<double>& values, std::vector<CaseState
 {
     std::size_t marked = 0;
     for (std::size_t i = 0; i < states.size(); ++i) {
-        if (!states[i].isExcluded && isInvalidValue(values[i])) {
+        if (!states[i].isExcluded && isInvalidNumber(values[i])) {
             states[i].*lack = true;
             ++marked;
         }
@@ -44,7 +44,7 @@ std::size_t countValidAlone(const std::vector<double>& values, const std::vector
     std::size_t valid = 0;
     for (std::size_t i = 0; i < states.size(); ++i) {
         const bool isUsable = !states[i].isExcluded && !states[i].lacksInput;
-        valid += isUsable && !isInvalidValue(values[i]) ? 1 : 0;
+        valid += isUsable && !isInvalidNumber(values[i]) ? 1 : 0;
     }
     return valid;
 }

@@ -21,7 +21,7 @@ std::vector<std::string> blockTexts(const Project& project, const std::string& n
     }
     std::vector<std::string> texts;
     for (const double value : project.numericValues(variable)) {
-        texts.push_back(isInvalidValue(value) ? std::string() : numberText(value));
+        texts.push_back(isInvalidNumber(value) ? std::string() : numberText(value));
     }
     return texts;
 }
@@ -68,7 +68,7 @@ CaseDesignColumns::leftOut(const Project& project) const
     };
     if (!weights.empty()) {
         add(weights, project.numericValues(project.variable(weights)),
-            [](double value) { return isInvalidValue(value) || value == 0.0; });
+            [](double value) { return isInvalidNumber(value) || value == 0.0; });
     }
     if (!blocks.empty()) {
         add(blocks, blockTexts(project, blocks),

@@ -107,7 +107,7 @@ std::vector<MissingCells> missingCells(const Workspace& workspace)
             const std::vector<double>& values = workspace.project().numericValues(variable);
             std::vector<std::size_t> cases;
             for (std::size_t i = 0; i < values.size(); ++i) {
-                if (isIncluded[i] && isInvalidValue(values[i])) {
+                if (isIncluded[i] && isInvalidNumber(values[i])) {
                     cases.push_back(i);
                 }
             }

@@ -3,11 +3,11 @@
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
 #include <vtkStringArray.h>
-#include <vtkVariant.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <ostream>
 #include <string>
@@ -85,6 +85,15 @@ INSTANTIATE_TEST_SUITE_P(
                     text("DecimalComma", "1,5"), text("NotANumberText", "nan"),
                     text("InfinityText", "inf"), text("OverflowingText", "1e999")),
     descriptionOf);
+
+TEST(isInvalidValue, IsOneFunctionThatCanBePassedOn)
+{
+    const std::function<bool(const vtkVariant&)> predicate = isInvalidValue;
+
+    EXPECT_TRUE(predicate(vtkVariant("abc")));
+    EXPECT_FALSE(predicate(1.5));
+    EXPECT_TRUE(isInvalidValue({}));
+}
 
 TEST(isInvalidValue, HoldsForObjects)
 {
