@@ -1,7 +1,6 @@
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
-#include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 

@@ -2,7 +2,6 @@
 
 #include <surrogatemodel/InterpolationVariablesInterface.h>
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
-#include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 

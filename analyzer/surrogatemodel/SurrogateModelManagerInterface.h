@@ -1,8 +1,10 @@
 #pragma once
 
 #include <surrogatemodel/Export.h>
+#include <surrogatemodel/SurrogateModelUserDistCollection.h>
 
 #include <mirel_datamanagement/Variable.h>
+#include <mirel_fitting/SurrogateModelInterface.h>
 #include <property/PropertyAbstract.h>
 
 #include <boost/shared_ptr.hpp>
@@ -13,9 +15,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-class SurrogateModelInterface;
-class SurrogateModelUserDistCollection;
 
 /**
  * The surrogate models of a project: the three settings that decide which model is fitted, the

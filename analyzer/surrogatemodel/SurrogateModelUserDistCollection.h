@@ -1,6 +1,7 @@
 #pragma once
 
 #include <surrogatemodel/Export.h>
+#include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <boost/shared_ptr.hpp>
 
@@ -8,8 +9,6 @@
 #include <memory>
 #include <set>
 #include <string>
-
-class SurrogateModelUserDist;
 
 /**
  * Per variable name: whether the values at which the variable is evaluated are chosen

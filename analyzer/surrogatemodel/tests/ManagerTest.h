@@ -5,9 +5,6 @@
 #include "ThreeCasesTest.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
-#include <surrogatemodel/SurrogateModelUserDistCollection.h>
-
-#include <mirel_fitting/SurrogateModelInterface.h>
 
 /** Counts emissions of a signal. */
 struct Counter

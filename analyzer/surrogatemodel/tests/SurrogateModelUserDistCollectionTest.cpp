@@ -2,8 +2,6 @@
 
 #include "UserDistXml.h"
 
-#include <surrogatemodel/SurrogateModelUserDist.h>
-
 #include <gtest/gtest.h>
 
 #include <type_traits>
