@@ -50,8 +50,7 @@ private:
 
 /**
  * VTK's own executive stays locked after an exception has passed through the algorithm, and writes
- * a second report into the output window when the algorithm fails, also where an observer has
- * received the filter's report.
+ * a second report into the output window when the algorithm fails, which tells users nothing more.
  */
 class QueryExecutive : public vtkCompositeDataPipeline
 {
@@ -63,10 +62,7 @@ protected:
     int CallAlgorithm(vtkInformation* request, int direction, vtkInformationVector** inputs,
                       vtkInformationVector* outputs) override
     {
-        std::unique_ptr<ExecutiveErrorSilencer> silence;
-        if (Algorithm->HasObserver(vtkCommand::ErrorEvent)) {
-            silence = std::make_unique<ExecutiveErrorSilencer>(this);
-        }
+        const ExecutiveErrorSilencer silence(this);
         try {
             return Superclass::CallAlgorithm(request, direction, inputs, outputs);
         } catch (...) {
@@ -161,6 +157,9 @@ SurrogateModelQueryToTable::New(boost::shared_ptr<const SurrogateModelManagerInt
 SurrogateModelQueryToTable::SurrogateModelQueryToTable() : impl(std::make_unique<Impl>())
 {
     SetNumberOfInputPorts(0);
+    // Removing the port has made an executive, and the two refer to each other: without it the
+    // caller has the only reference. The first use makes another.
+    SetExecutive(nullptr);
 }
 
 SurrogateModelQueryToTable::~SurrogateModelQueryToTable() = default;

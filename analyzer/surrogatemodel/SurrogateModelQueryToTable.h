@@ -40,6 +40,14 @@ public:
     New(boost::shared_ptr<const SurrogateModelManagerInterface> manager,
         boost::shared_ptr<const InterpolationVariablesInterface> ivars);
 
+    /**
+     * Evaluates the model into the table of `outputs`; the other two are not used. The pipeline
+     * calls it when it updates.
+     * @return 1, or 0 after a model error.
+     */
+    int RequestData(vtkInformation* request, vtkInformationVector** inputs,
+                    vtkInformationVector* outputs) override;
+
     /** The message of the model error that ended the last execution; empty if there was none. */
     std::string getLastError();
 
@@ -49,10 +57,6 @@ public:
 protected:
     SurrogateModelQueryToTable();
     ~SurrogateModelQueryToTable() override;
-
-    /** @return 1, or 0 after a model error. */
-    int RequestData(vtkInformation* request, vtkInformationVector** inputs,
-                    vtkInformationVector* outputs) override;
 
     /** An executive that survives exceptions and leaves the report of an error to the filter. */
     vtkExecutive* CreateDefaultExecutive() override;

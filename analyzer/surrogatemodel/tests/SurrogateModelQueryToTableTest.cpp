@@ -6,8 +6,6 @@
 #include <QCoreApplication>
 
 #include <vtkDataObject.h>
-#include <vtkDemandDrivenPipeline.h>
-#include <vtkExecutive.h>
 #include <vtkInformation.h>
 #include <vtkInformationVector.h>
 #include <vtkWeakPointer.h>
@@ -50,13 +48,11 @@ protected:
     /** What VTK calls to have the filter run, without an executive's preparations. */
     int requestData(vtkTable* table = vtkNew<vtkTable>()) const
     {
-        vtkNew<vtkInformation> request;
-        request->Set(vtkDemandDrivenPipeline::REQUEST_DATA());
         vtkNew<vtkInformation> information;
         information->Set(vtkDataObject::DATA_OBJECT(), table);
         vtkNew<vtkInformationVector> outputs;
         outputs->Append(information);
-        return filter->ProcessRequest(request, nullptr, outputs);
+        return filter->RequestData(nullptr, nullptr, outputs);
     }
 
     double* buffer(const std::string& name) const
@@ -94,9 +90,10 @@ TEST_F(SurrogateModelQueryToTableTest, IsASourceOfOneTableThatNeedsManagerAndVar
     EXPECT_FALSE(std::is_default_constructible<SurrogateModelQueryToTable>::value);
 }
 
-TEST_F(SurrogateModelQueryToTableTest, BelongsToTheSmartPointerAndItsExecutiveOnly)
+TEST_F(SurrogateModelQueryToTableTest, BelongsToTheSmartPointerAlone)
 {
-    EXPECT_EQ(filter->GetReferenceCount(), 2);
+    EXPECT_EQ(filter->GetReferenceCount(), 1);
+    update(); // makes an executive, which refers to its filter
     const EventRecorder deletions(filter, vtkCommand::DeleteEvent);
     const vtkWeakPointer<SurrogateModelQueryToTable> watched(filter);
 
@@ -280,10 +277,7 @@ TEST_F(SurrogateModelQueryToTableTest, WritesErrorsToTheOutputWindowWithoutObser
 
     update();
 
-    ASSERT_EQ(window.errors().size(), 2U);
-    EXPECT_EQ(window.errors()[0], expectedErrorText("no luck"));
-    EXPECT_NE(window.errors()[1].find("returned failure for request"), std::string::npos)
-        << "the report of the executive";
+    EXPECT_EQ(window.errors(), Names{expectedErrorText("no luck")}) << "none of the executive";
 }
 
 TEST_F(SurrogateModelQueryToTableTest, CallsBreakOnErrorOncePerReport)
