@@ -236,13 +236,6 @@ void addModel(CLI::App& command, CommandLine& line)
         line.choices.model);
 }
 
-void addColumn(CLI::App& command, const char* name, const char* description,
-               std::optional<std::string>& column)
-{
-    addText(command, name, description, "COLUMN",
-            [&column](const std::string& text) { column = text; });
-}
-
 void addTerms(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Model");
@@ -268,16 +261,16 @@ void addTerms(CLI::App& command, CommandLine& line)
             "and the squares, the default), or a sum of terms such as\n"
             "\"A + B + A * B + A^2\"; names that hold one of + : * ^ in quotes")
         ->type_name("T");
-    addColumn(command, "--weights",
-              "the column of weights of a response surface, proportional to\n"
-              "1 / variance; cases with weight 0 or without one are left\n"
-              "out. none: no weights, whatever the project says",
-              line.choices.weights);
-    addColumn(command, "--block",
-              "the column of blocks, numbers or texts: each adds an effect\n"
-              "of its own to a response surface, which predicts the\n"
-              "average block. none: no blocks, whatever the project says",
-              line.choices.blocks);
+    addValue(command, "--weights",
+             "the column of weights of a response surface, proportional to\n"
+             "1 / variance; cases with weight 0 or without one are left\n"
+             "out. none: no weights, whatever the project says",
+             "COLUMN", line.choices.weights);
+    addValue(command, "--block",
+             "the column of blocks, numbers or texts: each adds an effect\n"
+             "of its own to a response surface, which predicts the\n"
+             "average block. none: no blocks, whatever the project says",
+             "COLUMN", line.choices.blocks);
     addWord<TransformSetting>(command, "--transform",
                               "transform of outputs that are positive in all cases: none,\n"
                               "sqrt, log, auto (the one that fits best) or boxcox (for\n"
