@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace {
@@ -140,6 +141,7 @@ TEST_P(BlockedCholeskyOfOrder, RefusesAnIndefiniteMatrix)
 {
     const std::size_t n = GetParam();
     BlockedCholesky cholesky(n, 2);
+    std::fill_n(cholesky.values(), n * n, 0.0);
     for (std::size_t j = 0; j < n; ++j) {
         cholesky.values()[j * n + j] = j + 1 < n ? 1.0 : -1.0;
     }
