@@ -12,6 +12,7 @@ command -v mkdocs >/dev/null && [ -d /usr/share/doc/mkdocs-material ] || {
 
 source=$root/build/site-source
 rm -rf "$source"
+mkdir -p "$source"
 cp -r "$root"/{README.md,CHANGELOG.md,LICENSE,docs,examples} "$source"
 cp -r "$root/build/release/api-reference/html" "$source/api"
 cd "$root"
