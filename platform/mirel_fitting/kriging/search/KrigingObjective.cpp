@@ -3,7 +3,7 @@
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
                                    const KrigingSearchVariables& variables,
                                    const KrigingSearchSettings& settings)
-    : likelihood(data), variables(variables), prior(settings.policy),
+    : likelihood(data), variables(variables), prior(settings.policy, variables.spacing),
       nuggetUnit(settings.policy.nuggetUnit), inputs(data->inputs)
 {}
 

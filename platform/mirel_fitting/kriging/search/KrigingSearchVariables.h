@@ -43,11 +43,11 @@ public:
     bool hasNugget;
     std::vector<double> lower;
     std::vector<double> upper;
+    double spacing = 1.0; ///< of the cases, on average along each axis, in ranges
 
 private:
     std::vector<double> uniform(double length, double nugget) const;
 
     KrigingSearchSettings settings;
     std::size_t inputs;
-    double spacing = 1.0; // of the cases, on average along each axis, in ranges
 };

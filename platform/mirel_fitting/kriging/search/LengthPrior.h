@@ -4,15 +4,17 @@
 
 /**
  * The weak prior of a correlation length: ln(length / range) is normal about
- * SearchPolicy::priorLength, with a small deviation below and a large one above it. With few cases
- * the likelihood is often greatest at lengths below their spacing, where the model is the trend
- * with a spike at each case. Long lengths are left nearly free: an input may have no influence. Gu,
- * Wang, Berger: Robust Gaussian stochastic process emulation, Ann. Stat. 46 (2018).
+ * SearchPolicy::priorLength, or SearchPolicy::priorSpacings spacings of the cases where that is
+ * less, with a small deviation below and a large one above it. With few cases the likelihood is
+ * often greatest at lengths below their spacing, where the model is the trend with a spike at each
+ * case. Long lengths are left nearly free: an input may have no influence. Gu, Wang, Berger: Robust
+ * Gaussian stochastic process emulation, Ann. Stat. 46 (2018).
  */
 class LengthPrior
 {
 public:
-    explicit LengthPrior(const SearchPolicy& policy) : policy(policy) {}
+    /** @param spacing of the cases along an axis, on average, in ranges. */
+    LengthPrior(const SearchPolicy& policy, double spacing);
 
     /** The logarithm of the density over its maximum. @param logLength of the length in ranges. */
     double value(double logLength) const;
@@ -22,4 +24,5 @@ public:
 
 private:
     SearchPolicy policy;
+    double centre; // of the logarithm
 };

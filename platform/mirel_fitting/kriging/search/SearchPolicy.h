@@ -37,6 +37,10 @@ struct SearchPolicy
 
     /** The output of most tables bends once or twice over the range of an input. */
     double priorLength = 2.0;
+    /** The prior is greatest at so many mean spacings of the cases where that is less: many cases
+     *  of one input show changes over short parts of its range. With 8 the noise of 30 to 80 cases
+     *  of two inputs is followed more (errors grow by 1 to 9 %), small designs do not change. */
+    double priorSpacings = 16.0;
     /** A fifth of the range costs 5.4, a twentieth 14: few cases show no such detail, many outweigh
      *  it. */
     double priorDeviationBelow = 0.7;

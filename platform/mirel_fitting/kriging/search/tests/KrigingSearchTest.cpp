@@ -278,6 +278,22 @@ TEST(KrigingSearch, FindsTheManyWavesThatHundredsOfCasesOfOneInputShow)
     EXPECT_LT(result.parameters.nugget, 0.01);
 }
 
+TEST(KrigingSearch, FindsWavesThatAreAFewSpacingsOfTheCasesLong)
+{
+    std::vector<double> times;
+    std::vector<double> readings;
+    for (int time = 0; time < 100; time += time % 4 == 1 ? 2 : 1) {
+        times.push_back(time / 99.0);
+        readings.push_back(std::sin(0.9 * time) + std::sin(0.53 * time + 1.0) +
+                           0.5 * std::sin(1.7 * time));
+    }
+
+    const KrigingSearch::Result result = KrigingSearch::run(dataOf({times}, readings), {});
+
+    EXPECT_LT(result.parameters.lengths[0], 0.05);
+    EXPECT_LT(result.parameters.nugget, 1e-6) << "not noise";
+}
+
 TEST(KrigingSearch, KnowsNoSecondOptimumWhereAllSearchesMeet)
 {
     EXPECT_EQ(KrigingSearch::run(wave(40), {}).secondLogLikelihood,
