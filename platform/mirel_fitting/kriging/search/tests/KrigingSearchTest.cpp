@@ -8,6 +8,7 @@
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include "KrigingTestSupport.h"
+#include "SanitizedRuns.h"
 #include "TestFunctions.h"
 
 #include <gtest/gtest.h>
@@ -115,7 +116,8 @@ TEST(KrigingSearch, ReachesTheBestOptimumOfTablesWithFewLevels)
 {
     // What bestOfManySearches() finds, in minutes.
     const std::pair<std::uint64_t, double> tables[] = {{1, 374.990}, {15, 422.286}};
-    for (const auto& [seed, best] : tables) {
+    for (std::size_t table = 0; table < runs(2, 1); ++table) {
+        const auto [seed, best] = tables[table];
         const auto data = rooms(seed);
 
         const KrigingSearch::Result result = KrigingSearch::run(data, {});
@@ -127,7 +129,7 @@ TEST(KrigingSearch, ReachesTheBestOptimumOfTablesWithFewLevels)
 
 TEST(KrigingSearch, ReachesTheBestOptimumOfFewCases)
 {
-    for (std::uint64_t seed = 1; seed <= 3; ++seed) {
+    for (std::uint64_t seed = 1; seed <= runs(3, 1); ++seed) {
         for (const std::size_t cases : {20, 50}) {
             const Columns x = latinHypercube(cases, 6, seed);
             for (const auto& function : {Function(hartmann6), Function(circuit)}) {
@@ -316,9 +318,9 @@ TEST(KrigingSearch, KnowsTheSecondOptimumOfDeceptiveCases)
 
 TEST(KrigingSearch, KnowsMostSecondOptimaOfFewNoisyCases)
 {
-    int present = 0;
-    int found = 0;
-    for (std::uint64_t seed = 1; seed <= 80; ++seed) {
+    std::size_t present = 0;
+    std::size_t found = 0;
+    for (std::uint64_t seed = 1; seed <= runs(80, 20); ++seed) {
         const Columns x = latinHypercube(16, 3, seed);
         UniformNumbers numbers(seed);
         std::vector<double> output;
@@ -327,15 +329,15 @@ TEST(KrigingSearch, KnowsMostSecondOptimaOfFewNoisyCases)
                              0.1 * numbers.normal());
         }
         const auto data = dataOf(x, output);
-        const std::vector<double> optima = optimaOfManySearches(data, 40);
+        const std::vector<double> optima = optimaOfManySearches(data, 20);
         if (optima.size() > 1 && optima[1] > optima[0] - 2.0) {
             const KrigingSearch::Result result = KrigingSearch::run(data, {});
             ++present;
-            found += result.secondLogLikelihood > result.logLikelihood - 2.5 ? 1 : 0;
+            found += result.secondLogLikelihood > result.logLikelihood - 2.5 ? 1u : 0u;
         }
     }
-    EXPECT_GE(present, 5);
-    EXPECT_GE(found, 0.7 * present);
+    EXPECT_GE(present, runs(5, 1));
+    EXPECT_GE(10 * found, 7 * present);
 }
 
 TEST(KrigingSearch, KnowsNoSecondOptimumAtTheEndsOfOneRidge)
@@ -413,8 +415,8 @@ TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
 {
     // A nugget of a millionth is a little likelier here, but not by enough; without it other
     // lengths are likeliest.
-    int preferred = 0;
-    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+    std::size_t preferred = 0;
+    for (std::uint64_t seed = 1; seed <= runs(20, 5); ++seed) {
         const Columns x = latinHypercube(50, 6, seed);
         const auto data = dataOf(x, valuesOf(circuit, x));
         const KrigingSearch::Result result = KrigingSearch::run(data, {});
@@ -429,7 +431,7 @@ TEST(KrigingSearch, FitsTheLengthsToTheLeastNuggetThatItPrefers)
             << seed;
     }
 
-    EXPECT_GE(preferred, 15);
+    EXPECT_GE(preferred, runs(15, 3));
 }
 
 TEST(KrigingSearch, NeedsFewEvaluationsWhereTheLikelihoodHasManyOptima)

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+/**
+ * How often a numerical test repeats its fits. In the sanitizer build each takes about five times
+ * as long, and the repetitions, which give statistics of the optima, run through the same code.
+ */
+constexpr std::size_t runs(std::size_t inOtherBuilds, [[maybe_unused]] std::size_t sanitized)
+{
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return sanitized;
+#endif
+#endif
+    return inOtherBuilds;
+}
