@@ -29,15 +29,15 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     std::size_t tableLine = 1;  ///< the line of that, from 1
 
     bool hasHeading = true;
-    bool isHeadingComment = false;         ///< whether the heading stands behind a comment mark
+    bool isHeadingComment = false;         ///< whether the heading stands after a comment mark
     bool hasUnitsRow = false;              ///< whether the record below the heading holds the units
     std::vector<std::string> units;        ///< one per column, without brackets, or none at all
     bool hasRowNames = false;              ///< whether a column without a heading comes first
     std::vector<std::string> numericNames; ///< those of the columns that read as numbers
     std::vector<std::string> numberedNames; ///< what names that came before are called: "x.1"
-    std::vector<std::string> unitsInCells;  ///< columns with a unit behind numbers: "x (mm)"
+    std::vector<std::string> unitsInCells;  ///< columns with a unit after numbers: "x (mm)"
     std::size_t repeatedHeadings = 0;       ///< lines among the cases that say the same again
-    std::size_t linesBelow = 0;             ///< behind the last case: remarks, sums of columns
+    std::size_t linesBelow = 0;             ///< after the last case: remarks, sums of columns
     /** How many columns there are; 0: as many as the heading names. */
     std::size_t columns = 0;
 

@@ -41,7 +41,7 @@ inline constexpr char behindOutput[] = "an input, though it stands behind the ou
 
 /**
  * Whether the numbers of a column count up by one, as run numbers do; or differ from each other and
- * are whole, in a column that is called Run, Id, No. or alike; or are dates such as 19580329, or
+ * are whole, in a column that is called Run, Id, No. or the like; or are dates such as 19580329, or
  * years that only ascend. Cells may be missing. Fewer than five cases never count.
  */
 bool areRunNumbers(const CaseColumn& column);

@@ -20,15 +20,15 @@ constexpr std::string_view ruleCharacters = "-=+|:_* \t";
 /** Whether the text begins with such a line. Three in a row: "-" alone is a missing cell. */
 bool isRule(std::string_view text)
 {
-    std::size_t alike = 0;
+    std::size_t repeated = 0;
     bool hasThree = false;
     for (std::size_t i = 0; i < text.size() && text[i] != '\n' && text[i] != '\r'; ++i) {
         if (ruleCharacters.find(text[i]) == std::string_view::npos) {
             return false;
         }
         const bool isLine = text[i] == '-' || text[i] == '=' || text[i] == '_' || text[i] == '*';
-        alike = isLine && i > 0 && text[i] == text[i - 1] ? alike + 1 : isLine ? 1 : 0;
-        hasThree = hasThree || alike == 3;
+        repeated = isLine && i > 0 && text[i] == text[i - 1] ? repeated + 1 : isLine ? 1 : 0;
+        hasThree = hasThree || repeated == 3;
     }
     return hasThree;
 }
@@ -105,7 +105,7 @@ const char* CsvSplitter::splitRecord()
     at = isCommentLine                         ? skipLine(at)
          : separator == CaseFileLayout::blanks ? splitBlankSeparatedCells(at)
                                                : splitCells(at);
-    return at == nullptr ? nullptr : behindLineEnd(at);
+    return at == nullptr ? nullptr : afterLineEnd(at);
 }
 
 /** @return the end of the line; null if the buffer does not hold all of the record. */
@@ -200,14 +200,14 @@ const char* CsvSplitter::splitPlainCell(const char* first)
     return cellEnd;
 }
 
-/** @return null if the line may go on, or LF follow CR, behind the bytes of the buffer. */
-const char* CsvSplitter::behindLineEnd(const char* lineEnd) const
+/** @return null if the line may go on, or LF follow CR, after the bytes of the buffer. */
+const char* CsvSplitter::afterLineEnd(const char* lineEnd) const
 {
-    // Behind a CR that is the last byte, the line feed that closes the buffer makes a pair.
+    // After a CR that is the last byte, the line feed that closes the buffer makes a pair.
     const bool isPair = *lineEnd == '\r' && lineEnd[1] == '\n';
-    const char* const behind = lineEnd + (isPair ? 2 : 1);
-    if (behind <= bytesEnd()) {
-        return behind;
+    const char* const next = lineEnd + (isPair ? 2 : 1);
+    if (next <= bytesEnd()) {
+        return next;
     }
     return isInputRead ? bytesEnd() : nullptr;
 }
@@ -231,7 +231,7 @@ bool CsvSplitter::endsCell(char character) const
     return isCellEnd[static_cast<unsigned char>(character)];
 }
 
-/** Reads behind the record that has begun, which moves to the front of the buffer. */
+/** Reads after the record that has begun, which moves to the front of the buffer. */
 void CsvSplitter::refill()
 {
     const std::size_t rest = end - begin;

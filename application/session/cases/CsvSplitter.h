@@ -45,8 +45,8 @@ public:
     /** Whether next() met a quoted cell that is never closed; its record begins in line(). */
     bool hasUnclosedQuote() const { return isUnclosed; }
 
-    /** The physical line behind the record. */
-    std::size_t lineBehind() const { return nextLine; }
+    /** The physical line after the record. */
+    std::size_t nextLineNumber() const { return nextLine; }
 
     /** How many comment lines were skipped so far. */
     std::size_t commentLines() const { return skippedComments; }
@@ -62,7 +62,7 @@ private:
     const char* skipLine(const char* at) const;
     const char* splitQuotedCell(const char* quote);
     const char* splitPlainCell(const char* first);
-    const char* behindLineEnd(const char* lineEnd) const;
+    const char* afterLineEnd(const char* lineEnd) const;
     const char* skipBlanks(const char* at) const;
     bool isBlank(char character) const;
     bool endsCell(char character) const;
@@ -80,7 +80,7 @@ private:
     bool beginsWithHeading; ///< whether the next record is the heading, whatever it begins with
     std::size_t unread;     ///< bytes before the table that are still to be read
 
-    // The bytes from `begin` to `end` are still to be split. A line feed behind them stops the
+    // The bytes from `begin` to `end` are still to be split. A line feed after them stops the
     // search for the end of a cell.
     std::vector<char> buffer;
     std::size_t begin = 0;

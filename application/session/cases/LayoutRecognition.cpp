@@ -31,7 +31,7 @@ std::optional<char> declaredSeparator(std::string_view line)
     return isKnown ? std::make_optional(separator) : std::nullopt;
 }
 
-/** A comment line that may be the heading: `text` begins behind the mark. */
+/** A comment line that may be the heading: `text` begins after the mark. */
 struct Comment
 {
     std::size_t position = 0;
@@ -53,18 +53,18 @@ std::vector<Comment> commentsAbove(std::string_view sample, const SampleRecord& 
             if (text.substr(0, mark.size()) != mark) {
                 continue;
             }
-            // "%RH" and "#" alone are names, "#run" and "# run" are one behind a mark.
-            const std::string_view behind = text.substr(mark.size());
-            const bool isBlankBehind = behind != trimmedText(behind);
+            // "%RH" and "#" alone are names, "#run" and "# run" are one after a mark.
+            const std::string_view rest = text.substr(mark.size());
+            const bool hasBlankAfterMark = rest != trimmedText(rest);
             const bool belongsToName =
-                (mark == "%" && !isBlankBehind) ||
-                (!trimmedText(behind).empty() && trimmedText(behind).front() == layout.separator);
+                (mark == "%" && !hasBlankAfterMark) ||
+                (!trimmedText(rest).empty() && trimmedText(rest).front() == layout.separator);
             comments.push_back({static_cast<std::size_t>(text.data() - sample.data()) +
                                     (belongsToName ? 0 : mark.size()),
                                 number});
             break;
         }
-        position = line.behind;
+        position = line.next;
     }
     return comments;
 }
@@ -145,7 +145,7 @@ bool hasComments(std::string_view sample, const CaseFileLayout& layout)
     std::ptrdiff_t likeRows = 0;
     std::array<std::ptrdiff_t, 5> shape{};
     for (SampleLine line = SampleLine::at(sample, layout.tableBegin); line.begin < sample.size();
-         line = SampleLine::at(sample, line.behind)) {
+         line = SampleLine::at(sample, line.next)) {
         const std::string_view text = trimmedText(line.text);
         const bool isMarked = std::any_of(
             layout.commentMarks.begin(), layout.commentMarks.end(), [&](const std::string& mark) {
@@ -358,7 +358,7 @@ public:
             *rest.skippedLines -= std::min(removedLines, *rest.skippedLines);
         }
         CaseFileLayout found = recogniseLayout(text, isWhole, rest);
-        if (found.tableBegin >= firstLine().behind && removedLines > 0) {
+        if (found.tableBegin >= firstLine().next && removedLines > 0) {
             found.tableBegin += removedBytes;
             found.tableLine += removedLines;
             found.titleLines += removedTitles;
@@ -399,13 +399,13 @@ private:
         // The last comment lines may be the heading and its units.
         const std::size_t keptComments = choices.skippedLines ? 0 : 2;
         std::vector<SampleLine> lines;
-        SampleLine line = SampleLine::at(text, firstLine().behind);
-        while (line.behind < text.size() && canGo(line, lines.size())) {
+        SampleLine line = SampleLine::at(text, firstLine().next);
+        while (line.next < text.size() && canGo(line, lines.size())) {
             lines.push_back(line);
-            line = SampleLine::at(text, line.behind);
+            line = SampleLine::at(text, line.next);
         }
         lines.resize(lines.size() - std::min(keptComments, lines.size()));
-        if (lines.empty() || lines.back().behind - lines.front().begin < size / 2) {
+        if (lines.empty() || lines.back().next - lines.front().begin < size / 2) {
             return false;
         }
         for (const SampleLine& removed : lines) {
@@ -413,7 +413,7 @@ private:
             removedTitles += choices.skippedLines && !isEmpty ? 1 : 0;
             removedComments += isEmpty ? 0 : 1;
         }
-        const std::size_t bytes = lines.back().behind - lines.front().begin;
+        const std::size_t bytes = lines.back().next - lines.front().begin;
         removedLines += lines.size();
         removedBytes += bytes;
         text.erase(lines.front().begin, bytes);
@@ -452,7 +452,7 @@ CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
     const std::size_t begin =
         sample.substr(0, byteOrderMark.size()) == byteOrderMark ? byteOrderMark.size() : 0;
     const auto skipLine = [&](const SampleLine& line) {
-        layout.tableBegin = line.behind;
+        layout.tableBegin = line.next;
         ++layout.tableLine;
     };
     const SampleLine firstLine = SampleLine::at(sample, begin);

@@ -26,7 +26,7 @@ struct ReadingChoices
     std::optional<std::size_t> skippedLines;
     /** What comment lines begin with; empty: there are none. */
     std::optional<std::string> commentMark;
-    /** Spellings of missing cells beside those that CellValue knows. */
+    /** Spellings of missing cells besides those that CellValue knows. */
     MissingWords missing;
     /** Whether a filled cell that is no number is refused in a numeric column. */
     bool isStrict = false;

@@ -15,7 +15,7 @@ constexpr std::size_t maxRecords = 500;
 std::size_t behindLines(std::string_view sample, std::size_t begin, std::size_t count)
 {
     for (; count > 0; --count) {
-        begin = SampleLine::at(sample, begin).behind;
+        begin = SampleLine::at(sample, begin).next;
     }
     return begin;
 }
@@ -47,7 +47,7 @@ SampleRecord appendRecords(CsvSplitter& splitter, const CaseFileLayout& layout,
         records.push_back(std::move(record));
         record = SampleRecord();
         record.begin = splitter.bytesSplit();
-        record.beginLine = splitter.lineBehind();
+        record.beginLine = splitter.nextLineNumber();
         record.comments = comments;
     }
     return record;

@@ -11,7 +11,7 @@
 struct SampleLine
 {
     std::size_t begin = 0;
-    std::size_t behind = 0; ///< where the next one begins
+    std::size_t next = 0; ///< where the next one begins
     std::string_view text;
 
     static SampleLine at(std::string_view sample, std::size_t begin);
@@ -19,7 +19,7 @@ struct SampleLine
 
 struct SampleRecord
 {
-    std::size_t begin = 0;     ///< behind the record before, in bytes
+    std::size_t begin = 0;     ///< after the record before, in bytes
     std::size_t beginLine = 1; ///< the line of that
     std::size_t line = 1;
     std::size_t comments = 0; ///< lines before `begin`

@@ -237,7 +237,7 @@ bool TableParts::isEntry(std::size_t record) const
     return records[record].filledCells() < width && !first.empty() && first.back() == ':';
 }
 
-/** "Operator:" beside another text, or a record of another size than the cases. */
+/** "Operator:" next to another text, or a record of another size than the cases. */
 bool TableParts::isTitle(std::size_t record) const
 {
     const std::vector<std::string>& cells = records[record].cells;

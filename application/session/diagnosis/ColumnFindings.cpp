@@ -18,7 +18,7 @@ using FindingWords::names;
 
 namespace {
 /** Of fewer cases every one is far from the others. */
-constexpr std::size_t fewestCases = 8;
+constexpr std::size_t minCases = 8;
 
 Finding finding(const std::string& kind, Finding::Severity severity,
                 const std::vector<std::string>& columns, const std::string& text)
@@ -68,8 +68,8 @@ std::optional<std::size_t> onlyOtherRow(const Column& column)
 
 void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findings)
 {
-    constexpr double smallestVariation = 1e-6;
-    constexpr std::size_t mostSentences = 3;
+    constexpr double minVariation = 1e-6;
+    constexpr std::size_t maxSentences = 3;
     std::vector<std::string> found;
     std::vector<std::string> sentences;
     for (const Column& input : cases.inputs) {
@@ -85,7 +85,7 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
                                 std::to_string(cases.positions[*row] + 1) +
                                 ": its effect rests on that case alone; vary it in more cases or "
                                 "leave it out of -x.");
-        } else if (input.range() < smallestVariation * size) {
+        } else if (input.range() < minVariation * size) {
             sentences.push_back(names({input.name}) +
                                 " varies by less than a millionth of its size: it may hold nothing "
                                 "but rounding; write it with its offset taken off or leave it out "
@@ -95,7 +95,7 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
         }
         found.push_back(input.name);
     }
-    if (found.size() > mostSentences) {
+    if (found.size() > maxSentences) {
         findings.push_back(finding("nearlyConstantInput", Finding::Warning, found,
                                    names(found) + " hardly vary, most of them in one case alone: "
                                                   "their effects rest on single cases; vary them "
@@ -173,24 +173,24 @@ double shareOfSquares(const SortedColumn& column, std::size_t begin, std::size_t
     return ofFar / squares;
 }
 
-/** Whether the interval beside the far cases is wide in the logarithm, too: among values over
+/** Whether the interval next to the far cases is wide in the logarithm, too: among values over
  *  decades the upper ones always lie far from each other. */
 bool isWideInLogarithm(const SortedColumn& column)
 {
-    constexpr double leastShare = 0.4;
+    constexpr double minShare = 0.4;
     if (column.value(0) <= 0.0) {
         return true;
     }
     const double gap = std::log(column.value(column.split) / column.value(column.split - 1));
-    return gap >= leastShare * std::log(column.value(column.count() - 1) / column.value(0));
+    return gap >= minShare * std::log(column.value(column.count() - 1) / column.value(0));
 }
 
 void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutput,
                  std::vector<Finding>& findings)
 {
     constexpr std::size_t casesPerFarOne = 20;
-    constexpr std::size_t fewestOtherValues = 4;
-    constexpr double mostCoded = 0.3;
+    constexpr std::size_t minOtherValues = 4;
+    constexpr double maxCodedShare = 0.3;
     const SortedColumn sorted(column);
     if (sorted.split == 0) {
         return;
@@ -207,11 +207,11 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
         far > 1 && 2 * sorted.distinct(restBegin, restEnd) > restEnd - restBegin;
     const bool areCodes =
         sorted.distinct(begin, end) == 1 && (isRepeated || isCode(sorted.value(begin))) &&
-        static_cast<double>(far) <= mostCoded * static_cast<double>(sorted.count());
+        static_cast<double>(far) <= maxCodedShare * static_cast<double>(sorted.count());
     const bool areFew = far <= std::max<std::size_t>(1, sorted.count() / casesPerFarOne);
     const double widthWanted = sorted.value(0) > 0.0 || areCodes ? 1.0 : 2.0;
     if (!(areCodes || areFew) || sorted.gap() < widthWanted * restRange ||
-        sorted.distinct(restBegin, restEnd) < fewestOtherValues || !isWideInLogarithm(sorted)) {
+        sorted.distinct(restBegin, restEnd) < minOtherValues || !isWideInLogarithm(sorted)) {
         return;
     }
 
@@ -256,13 +256,13 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
 }
 
 /** Whether the logarithms of a positive column are even where the column itself is not. */
-bool isOverDecades(const Column& column, double leastRatio)
+bool isOverDecades(const Column& column, double minRatio)
 {
     constexpr double low = 0.1; // of the range, below which half of the cases lie
     constexpr double middle = 0.25;
     const double minimum = column.minimum();
     const double maximum = column.maximum();
-    if (minimum <= 0.0 || maximum < leastRatio * minimum) {
+    if (minimum <= 0.0 || maximum < minRatio * minimum) {
         return false;
     }
     const double median = medianOf(column.values);
@@ -295,7 +295,7 @@ std::vector<Finding> ColumnFindings::constants(const DiagnosedCases& cases)
         }
     }
     addConstantInputs(cases, findings);
-    if (cases.count() >= fewestCases) {
+    if (cases.count() >= minCases) {
         addNearlyConstantInputs(cases, findings);
     }
     return findings;
@@ -305,7 +305,7 @@ std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
 {
     constexpr std::size_t fewOutputs = 4;
     std::vector<Finding> findings;
-    if (cases.count() < fewestCases) {
+    if (cases.count() < minCases) {
         return findings;
     }
     std::vector<std::string> twoValued;
@@ -346,7 +346,7 @@ std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
 std::vector<Finding> ColumnFindings::farCases(const DiagnosedCases& cases)
 {
     std::vector<Finding> findings;
-    if (cases.count() < fewestCases) {
+    if (cases.count() < minCases) {
         return findings;
     }
     for (const Column& output : cases.outputs) {
@@ -360,14 +360,14 @@ std::vector<Finding> ColumnFindings::farCases(const DiagnosedCases& cases)
 
 std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
 {
-    constexpr double leastRatioOfInputs = 100.0;
-    constexpr double leastRatioOfOutputs = 30.0;
+    constexpr double minRatioOfInputs = 100.0;
+    constexpr double minRatioOfOutputs = 30.0;
     std::vector<Finding> findings;
-    if (cases.count() < fewestCases) {
+    if (cases.count() < minCases) {
         return findings;
     }
     for (const Column& input : cases.inputs) {
-        if (isOverDecades(input, leastRatioOfInputs)) {
+        if (isOverDecades(input, minRatioOfInputs)) {
             findings.push_back(finding("inputOverDecades", Finding::Warning, {input.name},
                                        spanText(input) +
                                            ": the few large values decide its effect; put its "
@@ -375,7 +375,7 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
         }
     }
     for (const Column& output : cases.outputs) {
-        if (!cases.transformsOutputs && isOverDecades(output, leastRatioOfOutputs)) {
+        if (!cases.transformsOutputs && isOverDecades(output, minRatioOfOutputs)) {
             findings.push_back(finding("skewedOutput", Finding::Warning, {output.name},
                                        spanText(output) +
                                            ": the large values decide the fit and the small ones "
@@ -387,23 +387,23 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
 
 std::vector<Finding> ColumnFindings::gaps(const DiagnosedCases& cases)
 {
-    constexpr double leastShare = 0.4;
-    constexpr std::size_t fewestValues = 8;
-    constexpr std::size_t fewestValuesPerSide = 3;
+    constexpr double minShare = 0.4;
+    constexpr std::size_t minValues = 8;
+    constexpr std::size_t minValuesPerSide = 3;
     constexpr std::size_t casesPerGroup = 10;
-    constexpr std::size_t fewestSpread = 20; // fewer lie apart by chance
+    constexpr std::size_t minSpreadCases = 20; // fewer lie apart by chance
     std::vector<Finding> findings;
-    if (cases.count() < fewestSpread) {
+    if (cases.count() < minSpreadCases) {
         return findings;
     }
     for (const Column& input : cases.inputs) {
         const SortedColumn sorted(input);
         const std::size_t fewest = std::max<std::size_t>(3, sorted.count() / casesPerGroup);
         if (sorted.split < fewest || sorted.count() - sorted.split < fewest ||
-            sorted.gap() < leastShare * sorted.range() ||
-            sorted.distinct(0, sorted.count()) < fewestValues ||
-            sorted.distinct(0, sorted.split) < fewestValuesPerSide ||
-            sorted.distinct(sorted.split, sorted.count()) < fewestValuesPerSide ||
+            sorted.gap() < minShare * sorted.range() ||
+            sorted.distinct(0, sorted.count()) < minValues ||
+            sorted.distinct(0, sorted.split) < minValuesPerSide ||
+            sorted.distinct(sorted.split, sorted.count()) < minValuesPerSide ||
             isOverDecades(input, 100.0)) {
             continue;
         }

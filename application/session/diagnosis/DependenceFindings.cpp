@@ -17,7 +17,7 @@ using FindingWords::names;
 namespace {
 using Numbers = std::vector<double>;
 
-constexpr std::size_t mostInputs = 300;
+constexpr std::size_t maxInputs = 300;
 
 double dot(const Numbers& left, const Numbers& right)
 {
@@ -48,7 +48,7 @@ class LinearDependences
 public:
     explicit LinearDependences(const DiagnosedCases& allCases) : cases(allCases)
     {
-        for (std::size_t i = 0; i < std::min(cases.inputs.size(), mostInputs); ++i) {
+        for (std::size_t i = 0; i < std::min(cases.inputs.size(), maxInputs); ++i) {
             add(i);
         }
     }
@@ -150,11 +150,11 @@ double LinearDependences::largestError(const Kept& column, const Numbers& coeffi
 
 bool LinearDependences::addDependence(const Kept& column, double residual)
 {
-    constexpr double exact = 1e-7;         // relative to the column: rounding of the sums
-    constexpr double mostRounded = 0.02;   // larger residuals may be chance
-    constexpr double ofLeastSquares = 1.5; // which do not make the largest error least
-    constexpr double finestShare = 0.05;   // of the range: coarser digits explain anything
-    if (residual > mostRounded) {
+    constexpr double exact = 1e-7;               // relative to the column: rounding of the sums
+    constexpr double maxRoundingResidual = 0.02; // larger residuals may be chance
+    constexpr double ofLeastSquares = 1.5;       // which do not make the largest error least
+    constexpr double finestShare = 0.05;         // of the range: coarser digits explain anything
+    if (residual > maxRoundingResidual) {
         return false;
     }
     const Numbers coefficients = coefficientsOf(column);
@@ -218,7 +218,7 @@ std::string LinearDependences::formula(const Kept& column, const Numbers& coeffi
 
 std::vector<Finding> LinearDependences::collinear() const
 {
-    constexpr double mostInflation = 10.0;
+    constexpr double maxInflation = 10.0;
     constexpr double partnerShare = 0.3; // of the largest standardised coefficient
     std::vector<Finding> findings;
     const std::size_t columns = kept.size();
@@ -249,7 +249,7 @@ std::vector<Finding> LinearDependences::collinear() const
         inflation[j] = dot(inverse[j], inverse[j]);
     }
     for (std::size_t j = 0; j < columns; ++j) {
-        if (inflation[j] <= mostInflation * byChance) {
+        if (inflation[j] <= maxInflation * byChance) {
             continue;
         }
         Numbers shares(columns, 0.0);

@@ -43,10 +43,10 @@ double DiagnosedCases::Column::maximum() const
     return *std::max_element(values.begin(), values.end());
 }
 
-std::vector<std::size_t> sampledRows(std::size_t count, std::size_t most)
+std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max)
 {
     std::vector<std::size_t> rows;
-    const std::size_t wanted = std::min(count, most);
+    const std::size_t wanted = std::min(count, max);
     rows.reserve(wanted);
     for (std::size_t k = 0; k < wanted; ++k) {
         const std::size_t begin = count * k / wanted;
@@ -56,12 +56,12 @@ std::vector<std::size_t> sampledRows(std::size_t count, std::size_t most)
     return rows;
 }
 
-DiagnosedCases DiagnosedCases::sample(std::size_t most) const
+DiagnosedCases DiagnosedCases::sample(std::size_t maxCases) const
 {
-    if (count() <= most) {
+    if (count() <= maxCases) {
         return *this;
     }
-    const std::vector<std::size_t> rows = sampledRows(count(), most);
+    const std::vector<std::size_t> rows = sampledRows(count(), maxCases);
     DiagnosedCases sampled;
     sampled.isKriging = isKriging;
     sampled.responseSurface = responseSurface;
@@ -82,12 +82,12 @@ DiagnosedCases DiagnosedCases::sample(std::size_t most) const
     return sampled;
 }
 
-std::size_t distinctValues(const std::vector<double>& values, std::size_t most)
+std::size_t distinctValues(const std::vector<double>& values, std::size_t max)
 {
     std::unordered_set<double> seen;
     for (const double value : values) {
         seen.insert(value);
-        if (seen.size() >= most) {
+        if (seen.size() >= max) {
             break;
         }
     }
@@ -96,12 +96,12 @@ std::size_t distinctValues(const std::vector<double>& values, std::size_t most)
 
 double lastDigit(const std::vector<double>& values)
 {
-    constexpr int mostDigits = 9;
+    constexpr int maxDigits = 9;
     constexpr double tolerance = 1e-9;
     constexpr double rounding = 1e-14; // of the number, by the division
     double step = 1.0;
     std::size_t first = 0;
-    for (int digits = 0; digits <= mostDigits; ++digits, step /= 10.0) {
+    for (int digits = 0; digits <= maxDigits; ++digits, step /= 10.0) {
         while (first < values.size()) {
             const double scaled = values[first] / step;
             if (std::fabs(scaled - std::round(scaled)) > tolerance + rounding * std::fabs(scaled)) {

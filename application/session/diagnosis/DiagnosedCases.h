@@ -46,15 +46,15 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
      * the same ones each time. Grids repeat their values at even steps, which even steps would
      * follow.
      */
-    DiagnosedCases sample(std::size_t most) const;
+    DiagnosedCases sample(std::size_t maxCases) const;
 };
 
-/** Positions of at most `most` of `count` rows, ascending, chosen as sample() does. */
-SURROGATE_SESSION_EXPORT std::vector<std::size_t> sampledRows(std::size_t count, std::size_t most);
+/** Positions of at most `max` of `count` rows, ascending, chosen as sample() does. */
+SURROGATE_SESSION_EXPORT std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max);
 
-/** How many values of a column differ, counted up to `most`. */
+/** How many values of a column differ, counted up to `max`. */
 SURROGATE_SESSION_EXPORT std::size_t distinctValues(const std::vector<double>& values,
-                                                    std::size_t most);
+                                                    std::size_t max);
 
 /** The step of the last digit that the values are written with; 0 if they have more than nine. */
 SURROGATE_SESSION_EXPORT double lastDigit(const std::vector<double>& values);

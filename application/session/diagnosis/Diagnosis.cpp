@@ -12,16 +12,16 @@
 
 namespace {
 /** What compares each case with each other gets so few that it takes a fraction of a second. */
-std::size_t casesToCompare(const DiagnosedCases& cases)
+std::size_t maxComparedCases(const DiagnosedCases& cases)
 {
     constexpr double work = 4e7;
-    constexpr std::size_t most = 2000;
+    constexpr std::size_t maxCases = 2000;
     const double inputs = static_cast<double>(std::max<std::size_t>(1, cases.inputs.size()));
-    return std::min(most, static_cast<std::size_t>(std::sqrt(work / inputs)));
+    return std::min(maxCases, static_cast<std::size_t>(std::sqrt(work / inputs)));
 }
 
 /** What compares each input with each other does so over these. */
-std::size_t casesOfInputs(const DiagnosedCases& cases)
+std::size_t maxCasesOfInputs(const DiagnosedCases& cases)
 {
     constexpr double work = 1e8;
     const double inputs = static_cast<double>(std::max<std::size_t>(1, cases.inputs.size()));
@@ -43,9 +43,9 @@ Diagnosis Diagnosis::of(const DiagnosedCases& cases)
     add(RepeatFindings::repeats(cases));
     add(SizeFindings::find(cases));
     add(TermFindings::find(cases));
-    add(DependenceFindings::find(cases.sample(casesOfInputs(cases))));
+    add(DependenceFindings::find(cases.sample(maxCasesOfInputs(cases))));
     add(ColumnFindings::decades(cases));
-    const DiagnosedCases compared = cases.sample(casesToCompare(cases));
+    const DiagnosedCases compared = cases.sample(maxComparedCases(cases));
     diagnosis.comparedCases = compared.count();
     const std::vector<Finding> gaps = ColumnFindings::gaps(cases);
     add(gaps);

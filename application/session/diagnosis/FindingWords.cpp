@@ -6,7 +6,7 @@
 #include <cmath>
 
 namespace {
-constexpr std::size_t most = 5;
+constexpr std::size_t maxShown = 5;
 
 std::string list(const std::vector<std::string>& texts)
 {
@@ -20,9 +20,9 @@ std::string list(const std::vector<std::string>& texts)
 /** One more would take no more room than "and 1 more". */
 std::vector<std::string> shortened(std::vector<std::string> texts)
 {
-    if (texts.size() > most + 1) {
-        const std::string rest = std::to_string(texts.size() - most) + " more";
-        texts.resize(most);
+    if (texts.size() > maxShown + 1) {
+        const std::string rest = std::to_string(texts.size() - maxShown) + " more";
+        texts.resize(maxShown);
         texts.push_back(rest);
     }
     return texts;

@@ -201,21 +201,21 @@ double squaresOf(const Column& output)
 void addConflicts(const DiagnosedCases& cases, const Column& output,
                   const std::vector<Rows>& groups, std::vector<Finding>& findings)
 {
-    constexpr std::size_t fewestCases = 8;
+    constexpr std::size_t minCases = 8;
     constexpr double unexplained = 0.5;  // of the variance, by the variance of repeats
     constexpr double conflicting = 0.4;  // of the range
     constexpr double otherRepeats = 0.1; // of the variance, without the worst pair
-    constexpr std::size_t fewestDegrees = 3;
+    constexpr std::size_t minDegrees = 3;
     const PureError error = pureErrorOf(output, groups);
     const double squares = squaresOf(output);
     const double variance = squares / static_cast<double>(cases.count() - 1);
-    if (cases.count() < fewestCases || error.worst.empty() || variance == 0.0) {
+    if (cases.count() < minCases || error.worst.empty() || variance == 0.0) {
         return;
     }
     const std::string pair = FindingWords::cases(positionsOf(cases, error.worst));
     const std::string figures =
         figure(output.values[error.worst[0]]) + " and " + figure(output.values[error.worst[1]]);
-    if (error.variance() > unexplained * variance && error.degreesOfFreedom >= fewestDegrees) {
+    if (error.variance() > unexplained * variance && error.degreesOfFreedom >= minDegrees) {
         findings.push_back(
             {"unexplainedOutput",
              Finding::Warning,

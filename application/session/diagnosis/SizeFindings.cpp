@@ -53,8 +53,8 @@ std::size_t differentCases(const DiagnosedCases& cases)
 /** ", with a third value of A and B for their squares" where they have two. */
 std::string thirdValues(const DiagnosedCases& cases)
 {
-    constexpr std::size_t fewestCases = 4; // fewer have two values by chance
-    if (cases.count() < fewestCases) {
+    constexpr std::size_t minCases = 4; // fewer have two values by chance
+    if (cases.count() < minCases) {
         return "";
     }
     std::vector<std::string> twoValued;

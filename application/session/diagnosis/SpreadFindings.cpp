@@ -25,9 +25,9 @@ class ScaledPoints
 public:
     explicit ScaledPoints(const DiagnosedCases& cases) : count(cases.count())
     {
-        constexpr std::size_t fewestValues = 8;
+        constexpr std::size_t minValues = 8;
         for (const Column& input : cases.inputs) {
-            if (distinctValues(input.values, fewestValues) == fewestValues) {
+            if (distinctValues(input.values, minValues) == minValues) {
                 columns.push_back(&input);
             }
         }
@@ -112,7 +112,7 @@ std::vector<bool> sideOf(const std::vector<Edge>& tree, const Edge& cut, std::si
 /** The inputs in which the groups differ. */
 std::vector<std::string> differingInputs(const ScaledPoints& points, const std::vector<bool>& side)
 {
-    constexpr double leastDifference = 0.25; // of the range, between the means
+    constexpr double minDifference = 0.25; // of the range, between the means
     std::vector<std::string> columns;
     for (std::size_t k = 0; k < points.columns.size(); ++k) {
         double sums[2] = {0.0, 0.0};
@@ -121,7 +121,7 @@ std::vector<std::string> differingInputs(const ScaledPoints& points, const std::
             sums[side[row] ? 1 : 0] += points.coordinate(row, k);
             counts[side[row] ? 1 : 0] += 1.0;
         }
-        if (std::fabs(sums[0] / counts[0] - sums[1] / counts[1]) > leastDifference) {
+        if (std::fabs(sums[0] / counts[0] - sums[1] / counts[1]) > minDifference) {
             columns.push_back(points.columns[k]->name);
         }
     }
@@ -141,12 +141,12 @@ std::string sizesText(std::size_t members, const DiagnosedCases& cases)
 
 std::vector<Finding> SpreadFindings::find(const DiagnosedCases& cases)
 {
-    constexpr std::size_t fewestCases = 12;
+    constexpr std::size_t minCases = 12;
     constexpr double farther = 3.0; // than nearly all other edges
     constexpr double farEnough = 0.3;
     std::vector<Finding> findings;
     const ScaledPoints points(cases);
-    if (points.count < fewestCases || points.columns.size() < 2) {
+    if (points.count < minCases || points.columns.size() < 2) {
         return findings;
     }
     const std::vector<Edge> tree = points.spanningTree();
@@ -181,7 +181,7 @@ std::vector<Finding> SpreadFindings::find(const DiagnosedCases& cases)
                  "model each group by itself."});
         return findings;
     }
-    if (cases.isSample) { // others may lie beside them
+    if (cases.isSample) { // others may lie near them
         return findings;
     }
     std::vector<std::size_t> positions;

@@ -63,15 +63,15 @@ std::vector<Term> termsOf(const DiagnosedCases& cases)
 
 bool areFewEnough(const DiagnosedCases& cases)
 {
-    constexpr std::size_t mostTerms = 300;
-    constexpr std::size_t mostCases = 100000;
-    constexpr double mostWork = 1e8;
+    constexpr std::size_t maxTerms = 300;
+    constexpr std::size_t maxCases = 100000;
+    constexpr double maxWork = 1e8;
     const std::size_t inputs = cases.inputs.size();
-    if (cases.isKriging || cases.count() == 0 || cases.count() > mostCases || inputs > mostTerms) {
+    if (cases.isKriging || cases.count() == 0 || cases.count() > maxCases || inputs > maxTerms) {
         return false;
     }
     const double terms = static_cast<double>(termsOf(cases).size() + 1);
-    return terms <= mostTerms && static_cast<double>(cases.count()) * terms * terms <= mostWork;
+    return terms <= maxTerms && static_cast<double>(cases.count()) * terms * terms <= maxWork;
 }
 
 double dot(const Numbers& left, const Numbers& right)
@@ -130,7 +130,7 @@ private:
 
 void SeparatedTerms::add(const Term& term)
 {
-    constexpr double smallestShare = 1e-8; // of the column: less is rounding
+    constexpr double minShare = 1e-8; // of the column: less is rounding
     if (std::any_of(term.begin(), term.end(),
                     [&](std::size_t input) { return lostInputs.count(input) > 0; })) {
         return;
@@ -152,7 +152,7 @@ void SeparatedTerms::add(const Term& term)
         }
     }
     const double residual = std::sqrt(dot(column.direction, column.direction));
-    if (residual <= smallestShare * length) {
+    if (residual <= minShare * length) {
         if (term.size() == 1) {
             lostInputs.insert(term[0]);
         } else {
@@ -203,14 +203,14 @@ std::string nameOf(const Term& term, const DiagnosedCases& cases)
 /** "A * B", "A * B and A * C", "A * B, A * C and 5 more". */
 std::string listOf(const std::vector<Term>& terms, const DiagnosedCases& cases)
 {
-    constexpr std::size_t most = 5;
+    constexpr std::size_t maxShown = 5;
     std::string text;
-    const bool areMany = terms.size() > most + 1;
-    const std::size_t shown = areMany ? most : terms.size();
+    const bool areMany = terms.size() > maxShown + 1;
+    const std::size_t shown = areMany ? maxShown : terms.size();
     for (std::size_t i = 0; i < shown; ++i) {
         text += (i == 0 ? "" : i + 1 == terms.size() ? " and " : ", ") + nameOf(terms[i], cases);
     }
-    return text + (areMany ? " and " + std::to_string(terms.size() - most) + " more" : "");
+    return text + (areMany ? " and " + std::to_string(terms.size() - maxShown) + " more" : "");
 }
 
 std::vector<std::string> inputsOf(const std::vector<Term>& terms, const DiagnosedCases& cases)
@@ -279,7 +279,7 @@ std::optional<std::size_t> TermFindings::rank(const DiagnosedCases& cases)
 
 std::vector<Finding> TermFindings::find(const DiagnosedCases& cases)
 {
-    constexpr std::size_t mostSentences = 3;
+    constexpr std::size_t maxSentences = 3;
     if (!areFewEnough(cases)) {
         return {};
     }
@@ -304,7 +304,7 @@ std::vector<Finding> TermFindings::find(const DiagnosedCases& cases)
         }
     }
     std::vector<Finding> findings;
-    if (groups.size() > mostSentences) {
+    if (groups.size() > maxSentences) {
         return {{"inestimableTerms", Finding::Warning, inputsOf(all, cases),
                  listOf(all, cases) +
                      " cannot be told apart from other terms by these cases: the model leaves them "

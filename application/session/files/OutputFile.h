@@ -14,7 +14,7 @@ class QSaveFile;
  * that is replaced are kept. What is no regular file (a device, a pipe) and the standard output,
  * "-", are written to directly; a terminal gets no control characters but line ends and tabs.
  *
- * A backup, if wanted, is a copy of the file that is replaced, beside it as NAME.bak; it replaces
+ * A backup, if wanted, is a copy of the file that is replaced, next to it as NAME.bak; it replaces
  * an older backup. At every moment NAME is either the old file or the new one.
  */
 class SURROGATE_SESSION_EXPORT OutputFile

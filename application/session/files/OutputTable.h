@@ -17,7 +17,7 @@ struct SURROGATE_SESSION_EXPORT OutputTable
         std::string name;
         /** One per row; null for a text column. */
         const double* numbers = nullptr;
-        /** One per row, or null. Beside `numbers`: the same cells as the input file spells them. */
+        /** One per row, or null. With `numbers`: the same cells as the input file spells them. */
         const CellTexts* texts = nullptr;
     };
 

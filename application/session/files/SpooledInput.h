@@ -7,7 +7,7 @@
 
 /**
  * Bytes of an input that cannot be read twice, kept in a temporary file so that they do not take
- * memory beside what is made of them. The file has no name where the file system allows that, and
+ * memory besides what is made of them. The file has no name where the file system allows that, and
  * is gone with this object; bytes that it has no room for stay in memory.
  */
 class SpooledInput
@@ -26,5 +26,5 @@ public:
 private:
     QTemporaryFile file;
     std::size_t bytesInFile = 0;
-    std::string rest; ///< the bytes behind those in the file
+    std::string rest; ///< the bytes after those in the file
 };

@@ -28,7 +28,7 @@ public:
 
 namespace {
 /** In bytes: no project comes near it, and a device that never ends is no project. */
-constexpr std::size_t longestDocument = std::size_t(1) << 26;
+constexpr std::size_t maxDocumentBytes = std::size_t(1) << 26;
 
 std::string placeOf(const std::string& path, const XmlPosition& position)
 {
@@ -38,10 +38,10 @@ std::string placeOf(const std::string& path, const XmlPosition& position)
 
 std::string bytesOf(const std::string& path)
 {
-    std::string bytes = ByteSource::contentOf(path, longestDocument);
-    if (bytes.size() > longestDocument) {
+    std::string bytes = ByteSource::contentOf(path, maxDocumentBytes);
+    if (bytes.size() > maxDocumentBytes) {
         throw ProjectDocumentError(path + ": a project document has at most " +
-                                   std::to_string(longestDocument) +
+                                   std::to_string(maxDocumentBytes) +
                                    " bytes; this is another kind of file.");
     }
     return bytes;

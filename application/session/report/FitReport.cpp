@@ -184,17 +184,17 @@ std::string leverageText(const ResponseSurfaceStatistics& statistics)
 /** "Pressure 100 %, Power 42 % and 3 more below 10 %". */
 std::string rankingText(const InputRanking& ranking, const std::vector<std::string>& inputs)
 {
-    constexpr std::size_t most = 10;
+    constexpr std::size_t maxShown = 10;
     const auto percent = [](double share) {
         return std::to_string(std::lround(100.0 * share)) + " %";
     };
     std::vector<std::string> texts;
-    for (std::size_t i = 0; i < std::min(most, ranking.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(maxShown, ranking.size()); ++i) {
         texts.push_back(inputs[ranking[i].first] + ' ' + percent(ranking[i].second));
     }
-    return joinedText(texts) + (ranking.size() > most
-                                    ? " and " + std::to_string(ranking.size() - most) +
-                                          " more of at most " + percent(ranking[most].second)
+    return joinedText(texts) + (ranking.size() > maxShown
+                                    ? " and " + std::to_string(ranking.size() - maxShown) +
+                                          " more of at most " + percent(ranking[maxShown].second)
                                     : "");
 }
 
@@ -268,7 +268,7 @@ std::string trendText(const KrigingReport& report, const std::vector<std::string
     return text;
 }
 
-/** A figure for each input, but one for many whose lengths are described alike. */
+/** A figure for each input, but one for many whose lengths are described the same way. */
 void addLengths(const KrigingReport& report, const std::vector<std::string>& inputs,
                 Figures& figures)
 {
@@ -323,8 +323,8 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     figures.emplace_back("trend", trendText(report, inputs));
     addLengths(report, inputs, figures);
     for (const KrigingReport::LeftOutCase& worst : report.worstCases) {
-        constexpr int fewestDigits = 6;
-        const int digits = worst.digits(fewestDigits);
+        constexpr int minDigits = 6;
+        const int digits = worst.digits(minDigits);
         figures.emplace_back("left out, case " + std::to_string(worst.row + 1),
                              shownNumber(worst.predicted, digits) + " instead of " +
                                  shownNumber(worst.output, digits));

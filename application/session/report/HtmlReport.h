@@ -20,7 +20,7 @@ struct Origin
     std::string date;
 };
 
-/** What the page shows of an output beside what the session knows. */
+/** What the page shows of an output besides what the session knows. */
 struct OutputParts
 {
     /** Svg elements, or HTML paragraphs in their place, taken as they are. */

@@ -27,8 +27,8 @@ SURROGATE_SESSION_EXPORT std::string caseText(const Workspace& workspace);
 std::vector<std::pair<std::string, std::size_t>> invalidCases(const Workspace& workspace);
 
 /** A sentence about the columns that are no inputs, though nobody said so, and one about those that
- *  are inputs for want of others; then for each input and output with cells that are no numbers
- *  one about them. */
+ *  are inputs because there are no others; then for each input and output with cells that are no
+ * numbers one about them. */
 SURROGATE_SESSION_EXPORT std::vector<std::string> readingNotes(const Workspace& workspace);
 
 /** How a case file was read, as an object. */

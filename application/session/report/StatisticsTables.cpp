@@ -110,7 +110,7 @@ StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
     return table;
 }
 
-/** Behind the name of a figure that is one of the modelled transform; empty without one. */
+/** After the name of a figure that is one of the modelled transform; empty without one. */
 std::string scaleText(OutputTransform transform)
 {
     return transform == OutputTransform::Logarithm    ? " of the logarithm"
@@ -133,7 +133,7 @@ StatisticsTables::Table blockTable(const std::vector<BlockEffect>& effects,
 /** Positions in statistics.cases, the largest externally studentised residual first. */
 std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& statistics)
 {
-    constexpr std::size_t most = 5;
+    constexpr std::size_t maxShown = 5;
     // Residuals that differ by less count as equal: rounding must not decide their order.
     constexpr double step = 1e-9;
     const auto size = [&](std::size_t k) {
@@ -145,7 +145,7 @@ std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& stati
             order.push_back(k);
         }
     }
-    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(most, order.size()));
+    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(maxShown, order.size()));
     std::partial_sort(order.begin(), end, order.end(), [&](std::size_t left, std::size_t right) {
         return size(left) > size(right) || (size(left) == size(right) && left < right);
     });
@@ -189,7 +189,7 @@ std::string directionText(const std::vector<double>& components,
                           const std::vector<std::string>& inputs)
 {
     constexpr double negligible = 0.05;
-    constexpr std::size_t most = 6;
+    constexpr std::size_t maxShown = 6;
     constexpr int digits = 3;
     std::vector<std::size_t> order;
     for (std::size_t i = 0; i < components.size() && i < inputs.size(); ++i) {
@@ -200,7 +200,7 @@ std::string directionText(const std::vector<double>& components,
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
         return std::abs(components[left]) > std::abs(components[right]);
     });
-    order.resize(std::min(order.size(), most));
+    order.resize(std::min(order.size(), maxShown));
     std::string text;
     for (const std::size_t i : order) {
         const bool isNegative = components[i] < 0.0;

@@ -107,14 +107,14 @@ std::string shellWord(const std::string& text)
  *  as long a word. */
 std::string optionText(const Workspace& workspace)
 {
-    constexpr std::size_t longestWord = 131071; // MAX_ARG_STRLEN of Linux
+    constexpr std::size_t maxWordBytes = 131071; // MAX_ARG_STRLEN of Linux
 
     if (workspace.inputs().empty() || workspace.outputs().empty()) {
         return "";
     }
     const std::string inputs = joinedText(namesOf(workspace.inputs()), ",");
     const std::string outputs = joinedText(namesOf(workspace.outputs()), ",");
-    return std::max(inputs.size(), outputs.size()) > longestWord
+    return std::max(inputs.size(), outputs.size()) > maxWordBytes
                ? ""
                : "Options: -x " + shellWord(inputs) + " -y " + shellWord(outputs) + '\n';
 }

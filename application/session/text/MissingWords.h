@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/** Spellings of missing cells beside those that CellValue knows: words and numbers. */
+/** Spellings of missing cells besides those that CellValue knows: words and numbers. */
 class SURROGATE_SESSION_EXPORT MissingWords
 {
 public:

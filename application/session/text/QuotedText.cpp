@@ -7,7 +7,7 @@
 
 namespace {
 /** In bytes; longer than any name that is typed. */
-constexpr std::size_t longestShown = 200;
+constexpr std::size_t maxShownBytes = 200;
 
 /** Of scripts that are written from the right: they can make a text look like another one. */
 bool changesDirection(char32_t code)
@@ -58,11 +58,11 @@ bool continuesCharacter(char byte)
 
 std::string shortText(std::string_view text)
 {
-    if (text.size() <= longestShown) {
+    if (text.size() <= maxShownBytes) {
         return std::string(text);
     }
-    std::size_t left = longestShown / 2;
-    std::size_t right = text.size() - longestShown / 2;
+    std::size_t left = maxShownBytes / 2;
+    std::size_t right = text.size() - maxShownBytes / 2;
     while (left > 0 && continuesCharacter(text[left])) {
         --left;
     }

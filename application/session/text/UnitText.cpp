@@ -38,7 +38,7 @@ bool isUnit(std::string_view name)
            });
 }
 
-/** Beside names: digits and signs of powers, products, quotients, brackets, superscripts. */
+/** Besides names: digits and signs of powers, products, quotients, brackets, superscripts. */
 bool isBetweenUnits(std::string_view text, std::size_t position, std::size_t& length)
 {
     for (const std::string_view sign :

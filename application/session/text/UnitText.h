@@ -13,8 +13,8 @@
 SURROGATE_SESSION_EXPORT bool isUnitText(std::string_view text);
 
 /** The two parts of a number with its unit: "12 mm", "5%", "$3". The number may be any text that
- *  has no letters; the unit is empty for texts that have none behind or a currency before it. A
- *  letter right behind the number, "3A", is no unit. */
+ *  has no letters; the unit is empty for texts that have none after or a currency before it. A
+ *  letter right after the number, "3A", is no unit. */
 SURROGATE_SESSION_EXPORT std::pair<std::string_view, std::string_view>
 numberAndUnit(std::string_view text);
 

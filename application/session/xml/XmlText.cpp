@@ -212,7 +212,7 @@ private:
     }
 
     /** The bracket of a start tag whose token begins there: with blanks if it is the root, else
-     *  perhaps behind the bracket. */
+     *  perhaps after the bracket. */
     qint64 bracketOf(qint64 begin) const
     {
         while (text.at(static_cast<int>(begin)).isSpace()) {
@@ -328,7 +328,7 @@ private:
         }
         writer.writeStartElement(tag);
         writeAttributes(node);
-        // Blanks beside a text would become part of it.
+        // Blanks next to a text would become part of it.
         const bool isIndented =
             std::none_of(node.children.begin(), node.children.end(),
                          [](const XmlNode& child) { return child.kind == XmlNode::Text; });

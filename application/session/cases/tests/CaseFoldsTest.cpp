@@ -99,14 +99,14 @@ RC_GTEST_PROP(CaseFolds, EveryFoldHasACaseAndTheirSizesAreAlike, ())
         RC_ASSERT(foldOf.emplace(key, folds[i]).first->second == folds[i]);
     }
     RC_ASSERT(splitter.max() == copies.size());
-    std::size_t mostCopies = 0;
+    std::size_t maxCopies = 0;
     for (const auto& [key, number] : copies) {
-        mostCopies = std::max(mostCopies, number);
+        maxCopies = std::max(maxCopies, number);
     }
     const std::vector<std::size_t> sizes = sizesOf(folds, count);
     const auto [least, greatest] = std::minmax_element(sizes.begin(), sizes.end());
     RC_ASSERT(*least >= 1u);
-    RC_ASSERT(*greatest - *least <= mostCopies);
+    RC_ASSERT(*greatest - *least <= maxCopies);
 }
 
 RC_GTEST_PROP(CaseFolds, SplitsAgainAsBefore, ())
