@@ -126,6 +126,16 @@ bool takeHeadingFromComment(std::string_view sample, const SampleRecord& record,
     return true;
 }
 
+/** Whether a line begins with one of the marks; an error of a spreadsheet (#N/A) is a cell. */
+bool isComment(std::string_view line, const std::vector<std::string>& marks)
+{
+    const std::string_view text = trimmedText(line);
+    return !CellValue::beginsWithError(text) &&
+           std::any_of(marks.begin(), marks.end(), [&](const std::string& mark) {
+               return !mark.empty() && text.substr(0, mark.size()) == mark;
+           });
+}
+
 /** Where lines with a mark are most of the table, they are none of comments: those that have as
  * many separators as the line before, or as many words where neither has one. */
 bool hasComments(std::string_view sample, const CaseFileLayout& layout)
@@ -147,11 +157,7 @@ bool hasComments(std::string_view sample, const CaseFileLayout& layout)
     for (SampleLine line = SampleLine::at(sample, layout.tableBegin); line.begin < sample.size();
          line = SampleLine::at(sample, line.next)) {
         const std::string_view text = trimmedText(line.text);
-        const bool isMarked = std::any_of(
-            layout.commentMarks.begin(), layout.commentMarks.end(), [&](const std::string& mark) {
-                return !mark.empty() && text.substr(0, mark.size()) == mark;
-            });
-        if (isMarked && !CellValue::beginsWithError(text)) {
+        if (isComment(text, layout.commentMarks)) {
             likeRows += rows > 0 && shapeOf(text) == shape ? 1 : 0;
         } else if (!text.empty()) {
             ++rows;
@@ -334,111 +340,25 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     }
 }
 
-/** The beginning of a text, without lines that are no part of the table and fill most of it. */
-class Sample
+/** Where the lines end that the user skips, or the comment and empty lines at the beginning. */
+std::size_t endOfLinesAbove(std::string_view sample, const ReadingChoices& choices)
 {
-public:
-    using Read = std::function<std::size_t(char* buffer, std::size_t capacity)>;
-
-    Sample(const Read& reader, std::size_t wantedSize, const ReadingChoices& wanted)
-        : read(reader), size(wantedSize), choices(wanted)
-    {
-        const CaseFileLayout plain;
-        marks = choices.commentMark ? std::vector<std::string>{*choices.commentMark}
-                                    : plain.commentMarks;
-        do {
-            fill();
-        } while (!isWhole && removeLines());
+    const std::vector<std::string> marks = choices.commentMark
+                                               ? std::vector<std::string>{*choices.commentMark}
+                                               : CaseFileLayout().commentMarks;
+    std::size_t position = 0;
+    for (std::size_t lines = 0; position < sample.size(); ++lines) {
+        const SampleLine line = SampleLine::at(sample, position);
+        const bool isAbove = choices.skippedLines
+                                 ? lines < *choices.skippedLines
+                                 : isComment(line.text, marks) || trimmedText(line.text).empty();
+        if (!isAbove) {
+            break;
+        }
+        position = line.next;
     }
-
-    CaseFileLayout layout() const
-    {
-        ReadingChoices rest = choices;
-        if (rest.skippedLines) {
-            *rest.skippedLines -= std::min(removedLines, *rest.skippedLines);
-        }
-        CaseFileLayout found = recogniseLayout(text, isWhole, rest);
-        if (found.tableBegin >= firstLine().next && removedLines > 0) {
-            found.tableBegin += removedBytes;
-            found.tableLine += removedLines;
-            found.titleLines += removedTitles;
-            found.commentLines += choices.skippedLines ? 0 : removedComments;
-        }
-        return found;
-    }
-
-private:
-    /** It stays: it may declare the separator. */
-    SampleLine firstLine() const { return SampleLine::at(text, 0); }
-
-    void fill()
-    {
-        std::size_t filled = text.size();
-        text.resize(size);
-        while (filled < size && !isWhole) {
-            const std::size_t count = read(text.data() + filled, size - filled);
-            isWhole = count == 0;
-            filled += count;
-        }
-        text.resize(filled);
-    }
-
-    bool isComment(const SampleLine& line) const
-    {
-        const std::string_view trimmed = trimmedText(line.text);
-        const auto begins = [&](const std::string& mark) {
-            return !mark.empty() && trimmed.substr(0, mark.size()) == mark;
-        };
-        return std::any_of(marks.begin(), marks.end(), begins) &&
-               !CellValue::beginsWithError(trimmed);
-    }
-
-    /** @return whether they were most of the sample. */
-    bool removeLines()
-    {
-        // The last comment lines may be the heading and its units.
-        const std::size_t keptComments = choices.skippedLines ? 0 : 2;
-        std::vector<SampleLine> lines;
-        SampleLine line = SampleLine::at(text, firstLine().next);
-        while (line.next < text.size() && canGo(line, lines.size())) {
-            lines.push_back(line);
-            line = SampleLine::at(text, line.next);
-        }
-        lines.resize(lines.size() - std::min(keptComments, lines.size()));
-        if (lines.empty() || lines.back().next - lines.front().begin < size / 2) {
-            return false;
-        }
-        for (const SampleLine& removed : lines) {
-            const bool isEmpty = trimmedText(removed.text).empty();
-            removedTitles += choices.skippedLines && !isEmpty ? 1 : 0;
-            removedComments += isEmpty ? 0 : 1;
-        }
-        const std::size_t bytes = lines.back().next - lines.front().begin;
-        removedLines += lines.size();
-        removedBytes += bytes;
-        text.erase(lines.front().begin, bytes);
-        return true;
-    }
-
-    bool canGo(const SampleLine& line, std::size_t linesBefore) const
-    {
-        if (choices.skippedLines) {
-            return removedLines + linesBefore + 1 < *choices.skippedLines;
-        }
-        return isComment(firstLine()) && (isComment(line) || trimmedText(line.text).empty());
-    }
-
-    const Read& read;
-    std::size_t size;
-    const ReadingChoices& choices;
-    std::vector<std::string> marks;
-    std::string text;
-    bool isWhole = false;
-    std::size_t removedBytes = 0;
-    std::size_t removedLines = 0;
-    std::size_t removedTitles = 0;
-    std::size_t removedComments = 0;
-};
+    return position;
+}
 } // namespace
 
 CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
@@ -479,5 +399,19 @@ CaseFileLayout
 recogniseLayout(const std::function<std::size_t(char* buffer, std::size_t capacity)>& read,
                 std::size_t sampleSize, const ReadingChoices& choices)
 {
-    return Sample(read, sampleSize, choices).layout();
+    std::string sample;
+    bool isWholeFile = false;
+    std::size_t wanted = sampleSize;
+    do {
+        std::size_t filled = sample.size();
+        sample.resize(wanted);
+        while (filled < wanted && !isWholeFile) {
+            const std::size_t count = read(sample.data() + filled, wanted - filled);
+            isWholeFile = count == 0;
+            filled += count;
+        }
+        sample.resize(filled);
+        wanted = 2 * filled;
+    } while (!isWholeFile && 2 * endOfLinesAbove(sample, choices) > sample.size());
+    return recogniseLayout(sample, isWholeFile, choices);
 }

@@ -29,8 +29,8 @@ CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
                                const ReadingChoices& choices);
 
 /**
- * The layout of a text of any length, from a sample of its beginning. Lines that `choices` skips
- * and comment lines, where they fill most of the sample, make room for what follows them.
+ * The layout of a text of any length, from a sample of its beginning. Where skipped or comment
+ * lines fill more than half of the sample, it is doubled.
  * @param read fills a buffer with the next bytes of UTF-8, at most `capacity`; returns how many, 0
  *             at the end.
  */
