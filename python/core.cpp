@@ -369,14 +369,8 @@ TransformSetting transformOf(const std::optional<std::string>& text, bool isKrig
 
 void setTerms(ResponseSurfaceOptions& options, const std::string& text, const Names& inputs)
 {
-    if (text == "linear") {
-        options.terms = PolynomialTerms::Linear;
-    } else if (text == "interactions") {
-        options.terms = PolynomialTerms::Interactions;
-    } else if (text == "quadratic") {
-        options.terms = PolynomialTerms::Quadratic;
-    } else {
-        options.terms = PolynomialTerms::Chosen;
+    options.terms = termsOfWord(text);
+    if (options.terms == PolynomialTerms::Chosen) {
         options.formula = TermFormula(text, inputs).symbols();
     }
 }

@@ -5,7 +5,6 @@
 #include "UsageFaults.h"
 
 #include <session/model/ModelFile.h>
-#include <session/model/PolynomialWords.h>
 #include <session/text/JoinedText.h>
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
@@ -243,18 +242,8 @@ void addTerms(CLI::App& command, CommandLine& line)
         .add_option_function<std::string>(
             "--terms",
             [&line](const std::string& word) {
-                line.choices.terms = PolynomialTerms::Chosen;
-                line.choices.formula.clear();
-                for (const PolynomialTerms terms :
-                     {PolynomialTerms::Linear, PolynomialTerms::Interactions,
-                      PolynomialTerms::Quadratic}) {
-                    if (word == termsWord(terms)) {
-                        line.choices.terms = terms;
-                    }
-                }
-                if (line.choices.terms == PolynomialTerms::Chosen) {
-                    line.choices.formula = word;
-                }
+                line.choices.terms = termsOfWord(word);
+                line.choices.formula = line.choices.terms == PolynomialTerms::Chosen ? word : "";
             },
             "the polynomial of a response surface: linear, interactions\n"
             "(these and the products of two inputs), quadratic (these\n"

@@ -71,6 +71,9 @@ struct KrigingReport
     /** "1", "V1", "V1^2", "V1 V2", ...: the terms of the trend that were kept, and beside each its
      *  coefficient in the inputs' units. */
     std::vector<std::string> trendTerms;
+    /** Likewise: the positions of the inputs that the term multiplies, two at most; none for the
+     *  constant. */
+    std::vector<std::vector<std::size_t>> trendFactors;
     std::vector<double> trendCoefficients;
 
     /** A case that a fit to the others predicts. */

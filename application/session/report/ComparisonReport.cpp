@@ -2,7 +2,6 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/comparison/ModelComparison.h"
-#include "session/model/PolynomialWords.h"
 #include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
 #include "session/text/JoinedText.h"

@@ -2,7 +2,6 @@
 
 #include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
-#include "session/model/PolynomialWords.h"
 #include "session/project/ProjectDocument.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"

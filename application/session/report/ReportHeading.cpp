@@ -2,7 +2,6 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/diagnosis/FindingWords.h"
-#include "session/model/PolynomialWords.h"
 #include "session/model/Workspace.h"
 #include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"

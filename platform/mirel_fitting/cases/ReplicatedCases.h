@@ -1,12 +1,14 @@
 #pragma once
 
+#include <mirel_fitting/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 /** Replicates, cases with the same inputs up to a billionth of each input's range, as 0.3 and
  * 0.1 + 0.2: their outputs differ by pure error, which no model of these inputs explains. */
-class ReplicatedCases
+class MIREL_FITTING_EXPORT ReplicatedCases
 {
 public:
     /** The largest distance of replicates along an input, relative to its range. */

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/Export.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -11,7 +13,7 @@
  *
  * The bits do not depend on threads where OpenBLAS works with one (SingleThreadedBlas).
  */
-class OrthonormalColumns
+class MIREL_FITTING_EXPORT OrthonormalColumns
 {
 public:
     /** For append(): a smaller part orthogonal to the other columns is rounding. */

@@ -103,6 +103,7 @@ void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,
     fit.report.trendOrder = trend.order();
     for (const RawTrend::Term& term : rawTrend.terms()) {
         fit.report.trendTerms.push_back(term.name);
+        fit.report.trendFactors.push_back(term.factors);
         fit.report.trendCoefficients.push_back(term.coefficient);
     }
     const auto [smallest, largest] = std::minmax_element(output.begin(), output.end());

@@ -51,7 +51,14 @@ std::vector<RawTrend::Term> RawTrend::terms() const
     std::vector<Term> result;
     for (std::size_t t = 0; t < basis.size(); ++t) {
         if (isWritten[t]) {
-            result.push_back({basis.name(t), expanded[t] + (t == 0 ? offset : 0.0)});
+            Term& term = result.emplace_back();
+            term.name = basis.name(t);
+            term.coefficient = expanded[t] + (t == 0 ? offset : 0.0);
+            for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
+                if (input != QuadraticBasis::noInput) {
+                    term.factors.push_back(input);
+                }
+            }
         }
     }
     return result;

@@ -21,6 +21,7 @@ public:
     {
         std::string name; ///< "1", "V1", "V1^2", "V1 V2"
         double coefficient;
+        std::vector<std::size_t> factors; ///< positions of the inputs in the name
     };
 
     /** The expanded polynomial in V1, V2, ...: the terms of the trend, and those of lower order

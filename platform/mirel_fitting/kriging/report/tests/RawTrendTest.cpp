@@ -36,6 +36,8 @@ TEST(RawTrend, HasTheUnitsOfInputsAndOutput)
     EXPECT_EQ(terms[0].name, "1");
     EXPECT_DOUBLE_EQ(terms[0].coefficient, 10.0 + 2.0 * (0.5 - 3.0));
     EXPECT_EQ(terms[1].name, "V2");
+    EXPECT_TRUE(terms[0].factors.empty());
+    EXPECT_EQ(terms[1].factors, std::vector<std::size_t>{1});
     EXPECT_DOUBLE_EQ(terms[1].coefficient, 6.0);
 }
 
