@@ -64,16 +64,6 @@ std::string withoutRows(const std::string& sentence)
                : sentence.substr(0, begin) + sentence.substr(end + 1);
 }
 
-std::vector<double> chosen(const std::vector<double>& column, const std::vector<std::size_t>& rows)
-{
-    std::vector<double> values;
-    values.reserve(rows.size());
-    for (const std::size_t row : rows) {
-        values.push_back(column[row]);
-    }
-    return values;
-}
-
 void addNearCases(const Workspace& workspace, const ModelCut::FittedCases& cases, ModelCut& cut)
 {
     std::vector<std::size_t> near = cases.rows;
@@ -90,11 +80,11 @@ void addNearCases(const Workspace& workspace, const ModelCut::FittedCases& cases
     cut.fittedCases = cases.rows.size();
     for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
         cut.inputs[i].caseValues =
-            chosen(workspace.project().numericValues(workspace.inputs()[i]), near);
+            valuesAt(workspace.project().numericValues(workspace.inputs()[i]), near);
     }
     for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
         cut.outputs[i].caseValues =
-            chosen(workspace.project().numericValues(workspace.outputs()[i]), near);
+            valuesAt(workspace.project().numericValues(workspace.outputs()[i]), near);
     }
 }
 
@@ -183,7 +173,7 @@ ModelCut::FittedCases::FittedCases(const Workspace& workspace)
 {
     for (const VarPtr& input : workspace.inputs()) {
         const std::vector<double>& column = workspace.project().numericValues(input);
-        widths.push_back(AxisScale::range(chosen(column, rows)).width());
+        widths.push_back(AxisScale::range(valuesAt(column, rows)).width());
     }
 }
 

@@ -92,6 +92,15 @@ std::vector<std::size_t> validCases(const Project& project, const std::vector<Va
     return positions;
 }
 
+std::vector<double> valuesAt(const std::vector<double>& column,
+                             const std::vector<std::size_t>& rows)
+{
+    std::vector<double> values(rows.size());
+    std::transform(rows.begin(), rows.end(), values.begin(),
+                   [&](std::size_t row) { return column[row]; });
+    return values;
+}
+
 std::pair<double, double> sweepRange(const Project& project, const VarPtr& input,
                                      const std::vector<std::size_t>& cases)
 {

@@ -47,6 +47,10 @@ SURROGATE_SESSION_EXPORT std::vector<std::size_t>
 validCases(const Project& project, const std::vector<VarPtr>& inputs,
            const std::vector<VarPtr>& outputs, const std::vector<std::size_t>& excluded);
 
+/** The values of a column in some of its rows. */
+SURROGATE_SESSION_EXPORT std::vector<double> valuesAt(const std::vector<double>& column,
+                                                      const std::vector<std::size_t>& rows);
+
 /**
  * The range over which an input is swept: as the user set it, else minimum and maximum over the
  * valid cases, so that a case that was excluded or lacks a value does not widen it; over all values

@@ -1,34 +1,9 @@
 #include "session/cases/CaseFileLayout.h"
 
 #include "session/text/CountedText.h"
-
-#include <algorithm>
-#include <cstddef>
-#include <utility>
+#include "session/text/JoinedText.h"
 
 namespace {
-std::string joinedBy(const std::vector<std::string>& parts, const std::string& last)
-{
-    std::string text;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        text += (i == 0 ? "" : i + 1 == parts.size() ? last : ", ") + parts[i];
-    }
-    return text;
-}
-
-/** The first five. */
-std::string shortList(const std::vector<std::string>& names)
-{
-    constexpr std::size_t maxNamed = 5;
-    std::vector<std::string> shown(
-        names.begin(),
-        names.begin() + static_cast<std::ptrdiff_t>(std::min(maxNamed, names.size())));
-    if (names.size() > maxNamed) {
-        shown.push_back(std::to_string(names.size() - maxNamed) + " more");
-    }
-    return joinedBy(shown, " and ");
-}
-
 std::string shownThousands(char separator)
 {
     return separator == ' ' ? "blanks" : std::string("\"") + separator + '"';
@@ -93,12 +68,12 @@ std::string CaseFileLayout::text() const
     }
     std::vector<std::string> parts;
     if (!form.empty()) {
-        parts.push_back(joinedBy(form, ", "));
+        parts.push_back(joinedText(form));
     }
     if (!skipped.empty()) {
-        parts.push_back(joinedBy(skipped, " and ") + " skipped");
+        parts.push_back(shortList(skipped) + " skipped");
     }
-    return joinedBy(parts, "; ");
+    return joinedText(parts, "; ");
 }
 
 std::string separatorWord(char separator)

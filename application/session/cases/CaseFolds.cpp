@@ -1,5 +1,7 @@
 #include "session/cases/CaseFolds.h"
 
+#include <mirel_fitting/cases/ReplicatedCases.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -10,17 +12,6 @@
 
 namespace {
 constexpr std::uint64_t seed = 20240229;
-
-/** Compares cases by their columns, in order. */
-int compared(const std::vector<const double*>& columns, std::size_t left, std::size_t right)
-{
-    for (const double* const column : columns) {
-        if (column[left] != column[right]) {
-            return column[left] < column[right] ? -1 : 1;
-        }
-    }
-    return 0;
-}
 
 /** Fisher-Yates. std::shuffle gives another order with every standard library; the generator gives
  *  the same numbers with all of them. */
@@ -36,25 +27,13 @@ void shuffle(std::vector<std::size_t>& values)
 
 CaseFolds::CaseFolds(const std::vector<const double*>& columns, std::size_t cases) : groups(cases)
 {
-    std::vector<std::size_t> order(cases);
-    std::iota(order.begin(), order.end(), std::size_t(0));
-    std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-        const int difference = compared(columns, left, right);
-        return difference != 0 ? difference < 0 : left < right;
-    });
-    // Groups are numbered in the order of their first cases.
-    std::vector<std::size_t> firsts(cases);
-    for (std::size_t i = 0; i < cases; ++i) {
-        const bool isNew = i == 0 || compared(columns, order[i - 1], order[i]) != 0;
-        firsts[order[i]] = isNew ? order[i] : firsts[order[i - 1]];
+    if (cases == 0) {
+        return;
     }
+    const ReplicatedCases copies(columns, cases);
+    groupSizes.assign(cases - copies.degreesOfFreedom(), 0);
     for (std::size_t i = 0; i < cases; ++i) {
-        if (firsts[i] == i) {
-            groups[i] = groupSizes.size();
-            groupSizes.push_back(0);
-        } else {
-            groups[i] = groups[firsts[i]];
-        }
+        groups[i] = copies.pointOf(i);
         ++groupSizes[groups[i]];
     }
 }

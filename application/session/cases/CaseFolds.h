@@ -6,10 +6,10 @@
 #include <vector>
 
 /**
- * Splits cases into folds for cross-validation. Exact copies of a case (equal in all inputs and
- * outputs) stay in one fold, since a model fitted to one of them would know the others; replicates
- * with other outputs are not copies. The folds depend on nothing but the cases and their order, and
- * are the same on every machine.
+ * Splits cases into folds for cross-validation. Copies of a case (the same inputs and outputs, as
+ * ReplicatedCases compares them) stay in one fold, since a model fitted to one of them would know
+ * the others; replicates with other outputs are not copies. The folds depend on nothing but the
+ * cases and their order, and are the same on every machine.
  */
 class SURROGATE_SESSION_EXPORT CaseFolds
 {

@@ -4,6 +4,8 @@
 
 #include "session/text/NumberText.h"
 
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -19,14 +21,19 @@ using Numbers = std::vector<double>;
 
 constexpr std::size_t maxInputs = 300;
 
+double mean(const Numbers& values)
+{
+    return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
+}
+
 double dot(const Numbers& left, const Numbers& right)
 {
     return std::inner_product(left.begin(), left.end(), right.begin(), 0.0);
 }
 
-double mean(const Numbers& values)
+double length(const Numbers& values)
 {
-    return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
+    return std::sqrt(dot(values, values));
 }
 
 /** The number of fewest digits within a tolerance. */
@@ -41,14 +48,16 @@ double rounded(double number, double tolerance)
     return number;
 }
 
-/** Modified Gram-Schmidt over the inputs in their order: those that depend on earlier ones are set
- *  apart, the others are kept. */
+/** The inputs in their order: those that depend on earlier ones are set apart, the others are kept.
+ */
 class LinearDependences
 {
 public:
-    explicit LinearDependences(const DiagnosedCases& allCases) : cases(allCases)
+    explicit LinearDependences(const DiagnosedCases& allCases)
+        : cases(allCases), maxColumns(std::min(cases.inputs.size(), maxInputs)),
+          orthonormal(cases.count(), maxColumns)
     {
-        for (std::size_t i = 0; i < std::min(cases.inputs.size(), maxInputs); ++i) {
+        for (std::size_t i = 0; i < maxColumns; ++i) {
             add(i);
         }
     }
@@ -62,30 +71,37 @@ private:
     struct Kept
     {
         std::size_t input;
-        Numbers direction; ///< of unit length, orthogonal to those before
         double mean;
         double length; ///< of the centred column
         double range;
-        double step;        ///< of the last digit
-        Numbers components; ///< of the centred column along the directions up to its own
+        double step; ///< of the last digit
     };
 
     /** Few cases more than columns: any column is a combination of the others. */
-    bool hasCasesFor(std::size_t columns) const
+    bool hasCasesFor(std::size_t count) const
     {
         constexpr std::size_t spare = 4;
-        return cases.count() > columns + spare;
+        return cases.count() > count + spare;
+    }
+
+    /** Of the standardised columns, the element of their triangular factor in a row and a column.
+     */
+    double factor(std::size_t row, std::size_t column) const
+    {
+        return orthonormal.triangle()[column * maxColumns + row] / kept[column].length;
     }
 
     void add(std::size_t input);
-    bool addDependence(const Kept& column, double residual);
-    Numbers coefficientsOf(const Kept& column) const;
+    bool addDependence(const Kept& column, const Numbers& coefficients, double residual);
     std::string formula(const Kept& column, const Numbers& coefficients, double tolerance,
                         std::vector<std::string>& columns) const;
     double largestError(const Kept& column, const Numbers& coefficients) const;
+    std::vector<Numbers> inverseFactor() const;
     std::string effectOf(bool isExact) const;
 
     const DiagnosedCases& cases;
+    std::size_t maxColumns;
+    OrthonormalColumns orthonormal; ///< the kept inputs, centred
     std::vector<Kept> kept;
 };
 
@@ -95,44 +111,22 @@ void LinearDependences::add(std::size_t input)
     if (!hasCasesFor(kept.size()) || source.isConstant()) {
         return;
     }
-    Kept column{input, source.values, mean(source.values), 0.0, source.range(), 0.0, {}};
-    for (double& value : column.direction) {
-        value -= column.mean;
+    Numbers centred = source.values;
+    const double middle = mean(centred);
+    for (double& value : centred) {
+        value -= middle;
     }
-    column.length = std::sqrt(dot(column.direction, column.direction));
-    column.components.assign(kept.size(), 0.0);
-    for (int pass = 0; pass < 2; ++pass) { // the second removes the rounding of the first
-        for (std::size_t k = 0; k < kept.size(); ++k) {
-            const double component = dot(kept[k].direction, column.direction);
-            column.components[k] += component;
-            for (std::size_t row = 0; row < column.direction.size(); ++row) {
-                column.direction[row] -= component * kept[k].direction[row];
-            }
+    const Kept column = {input, middle, length(centred), source.range(), lastDigit(source.values)};
+    if (!kept.empty()) {
+        Numbers residuals = centred;
+        const Numbers coefficients = orthonormal.solve(residuals.data());
+        if (addDependence(column, coefficients, length(residuals) / column.length)) {
+            return;
         }
     }
-    const double residual = std::sqrt(dot(column.direction, column.direction));
-    column.step = lastDigit(source.values);
-    if (!kept.empty() && addDependence(column, residual / column.length)) {
-        return;
+    if (orthonormal.append(centred.data())) {
+        kept.push_back(column);
     }
-    column.components.push_back(residual);
-    for (double& value : column.direction) {
-        value /= residual;
-    }
-    kept.push_back(std::move(column));
-}
-
-/** Back substitution: the components of the kept columns are a triangular matrix. */
-Numbers LinearDependences::coefficientsOf(const Kept& column) const
-{
-    Numbers coefficients = column.components;
-    for (std::size_t k = kept.size(); k-- > 0;) {
-        coefficients[k] /= kept[k].components[k];
-        for (std::size_t i = 0; i < k; ++i) {
-            coefficients[i] -= coefficients[k] * kept[k].components[i];
-        }
-    }
-    return coefficients;
 }
 
 double LinearDependences::largestError(const Kept& column, const Numbers& coefficients) const
@@ -148,7 +142,8 @@ double LinearDependences::largestError(const Kept& column, const Numbers& coeffi
     return largest;
 }
 
-bool LinearDependences::addDependence(const Kept& column, double residual)
+bool LinearDependences::addDependence(const Kept& column, const Numbers& coefficients,
+                                      double residual)
 {
     constexpr double exact = 1e-7;               // relative to the column: rounding of the sums
     constexpr double maxRoundingResidual = 0.02; // larger residuals may be chance
@@ -157,7 +152,6 @@ bool LinearDependences::addDependence(const Kept& column, double residual)
     if (residual > maxRoundingResidual) {
         return false;
     }
-    const Numbers coefficients = coefficientsOf(column);
     double rounding = column.step / 2.0;
     for (std::size_t k = 0; k < kept.size(); ++k) {
         rounding += std::fabs(coefficients[k]) * kept[k].step / 2.0;
@@ -216,6 +210,23 @@ std::string LinearDependences::formula(const Kept& column, const Numbers& coeffi
     return names({cases.inputs[column.input].name}) + " = " + text;
 }
 
+/** Its rows give the inverse of the correlations, whose diagonal is the variance inflation. */
+std::vector<Numbers> LinearDependences::inverseFactor() const
+{
+    const std::size_t order = kept.size();
+    std::vector<Numbers> inverse(order, Numbers(order, 0.0));
+    for (std::size_t j = 0; j < order; ++j) {
+        for (std::size_t i = j + 1; i-- > 0;) {
+            double sum = i == j ? 1.0 : 0.0;
+            for (std::size_t k = i + 1; k <= j; ++k) {
+                sum -= factor(i, k) * inverse[k][j];
+            }
+            inverse[i][j] = sum / factor(i, i);
+        }
+    }
+    return inverse;
+}
+
 std::vector<Finding> LinearDependences::collinear() const
 {
     constexpr double maxInflation = 10.0;
@@ -226,21 +237,10 @@ std::vector<Finding> LinearDependences::collinear() const
         return findings;
     }
 
-    // The inverse of the triangular matrix of the standardised columns; its rows give the inverse
-    // of their correlations, whose diagonal is the variance inflation.
-    std::vector<Numbers> inverse(columns, Numbers(columns, 0.0));
-    for (std::size_t j = 0; j < columns; ++j) {
-        for (std::size_t i = j + 1; i-- > 0;) {
-            double sum = i == j ? 1.0 : 0.0;
-            for (std::size_t k = i + 1; k <= j; ++k) {
-                sum -= kept[k].components[i] / kept[k].length * inverse[k][j];
-            }
-            inverse[i][j] = sum / (kept[i].components[i] / kept[i].length);
-        }
-    }
-    const double cases_ = static_cast<double>(cases.count());
+    const std::vector<Numbers> inverse = inverseFactor();
+    const double rows = static_cast<double>(cases.count());
     // By as many cases as there are, chance alone inflates the variance.
-    const double byChance = (cases_ - 1.0) / (cases_ - static_cast<double>(columns));
+    const double byChance = (rows - 1.0) / (rows - static_cast<double>(columns));
     std::vector<std::size_t> group(columns);
     std::iota(group.begin(), group.end(), std::size_t(0));
     std::vector<double> inflation(columns, 0.0);

@@ -1,5 +1,7 @@
 #include "session/diagnosis/DiagnosedCases.h"
 
+#include "session/cases/CaseCounts.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -14,17 +16,6 @@ std::uint64_t mixed(std::uint64_t state)
     state = (state ^ (state >> 30u)) * 0xbf58476d1ce4e5b9u;
     state = (state ^ (state >> 27u)) * 0x94d049bb133111ebu;
     return state ^ (state >> 31u);
-}
-
-std::vector<double> valuesAt(const std::vector<double>& values,
-                             const std::vector<std::size_t>& rows)
-{
-    std::vector<double> chosen;
-    chosen.reserve(rows.size());
-    for (const std::size_t row : rows) {
-        chosen.push_back(values[row]);
-    }
-    return chosen;
 }
 } // namespace
 
@@ -41,6 +32,15 @@ double DiagnosedCases::Column::minimum() const
 double DiagnosedCases::Column::maximum() const
 {
     return *std::max_element(values.begin(), values.end());
+}
+
+std::vector<const double*> pointersTo(const std::vector<DiagnosedCases::Column>& columns)
+{
+    std::vector<const double*> pointers;
+    for (const DiagnosedCases::Column& column : columns) {
+        pointers.push_back(column.values.data());
+    }
+    return pointers;
 }
 
 std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max)

@@ -49,6 +49,10 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
     DiagnosedCases sample(std::size_t maxCases) const;
 };
 
+/** The values of columns, as models take them. */
+SURROGATE_SESSION_EXPORT std::vector<const double*>
+pointersTo(const std::vector<DiagnosedCases::Column>& columns);
+
 /** Positions of at most `max` of `count` rows, ascending, chosen as sample() does. */
 SURROGATE_SESSION_EXPORT std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max);
 

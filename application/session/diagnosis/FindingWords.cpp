@@ -1,33 +1,11 @@
 #include "session/diagnosis/FindingWords.h"
 
+#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
 #include <cmath>
-
-namespace {
-constexpr std::size_t maxShown = 5;
-
-std::string list(const std::vector<std::string>& texts)
-{
-    std::string text;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        text += (i == 0 ? "" : i + 1 == texts.size() ? " and " : ", ") + texts[i];
-    }
-    return text;
-}
-
-/** One more would take no more room than "and 1 more". */
-std::vector<std::string> shortened(std::vector<std::string> texts)
-{
-    if (texts.size() > maxShown + 1) {
-        const std::string rest = std::to_string(texts.size() - maxShown) + " more";
-        texts.resize(maxShown);
-        texts.push_back(rest);
-    }
-    return texts;
-}
-} // namespace
+#include <utility>
 
 std::string FindingWords::names(const std::vector<std::string>& names)
 {
@@ -36,7 +14,7 @@ std::string FindingWords::names(const std::vector<std::string>& names)
     for (const std::string& name : names) {
         shown.push_back(shownText(name));
     }
-    return list(shortened(shown));
+    return shortList(std::move(shown));
 }
 
 std::string FindingWords::cases(const std::vector<std::size_t>& positions)
@@ -46,7 +24,7 @@ std::string FindingWords::cases(const std::vector<std::size_t>& positions)
     for (const std::size_t position : positions) {
         numbers.push_back(std::to_string(position + 1));
     }
-    return (positions.size() == 1 ? "case " : "cases ") + list(shortened(numbers));
+    return (positions.size() == 1 ? "case " : "cases ") + shortList(std::move(numbers));
 }
 
 std::string FindingWords::figure(double number)

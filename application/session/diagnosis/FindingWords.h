@@ -6,10 +6,10 @@
 
 /** Pieces of sentences. */
 namespace FindingWords {
-/** "A", "A and B", "A, B and 296 more": five names at most. */
+/** As shortList(). */
 std::string names(const std::vector<std::string>& names);
 
-/** "case 7", "cases 4, 9 and 12", "cases 1, 2, 3, 4, 5 and 8 more".
+/** "case 7", "cases 4, 9 and 12", "cases 1, 2, 3, 4, 5 and 8 more": as shortList().
  *  @param positions from 0. */
 std::string cases(const std::vector<std::size_t>& positions);
 

@@ -4,6 +4,8 @@
 
 #include "session/text/CountedText.h"
 
+#include <mirel_fitting/cases/ReplicatedCases.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -18,36 +20,42 @@ using FindingWords::names;
 namespace {
 using Rows = std::vector<std::size_t>;
 
-bool isBefore(const std::vector<Column>& columns, std::size_t left, std::size_t right)
+/** Rows that are replicates: groups of two and more. */
+std::vector<Rows> replicates(const DiagnosedCases& cases)
 {
-    for (const Column& column : columns) {
-        if (column.values[left] != column.values[right]) {
-            return column.values[left] < column.values[right];
-        }
+    std::vector<const double*> columns = pointersTo(cases.inputs);
+    if (!cases.blocks.empty()) {
+        columns.push_back(cases.blocks.data());
     }
-    return false;
+    const ReplicatedCases points(columns, cases.count());
+    std::vector<Rows> groups(cases.count());
+    for (std::size_t row = 0; row < cases.count(); ++row) {
+        groups[points.pointOf(row)].push_back(row);
+    }
+    groups.erase(std::remove_if(groups.begin(), groups.end(),
+                                [](const Rows& group) { return group.size() < 2; }),
+                 groups.end());
+    return groups;
 }
 
-/** Rows that are the same in all columns: groups of two and more. */
-std::vector<Rows> equalRows(const std::vector<Column>& columns, const Rows& among)
+/** Those of a group with the same outputs: groups of two and more. */
+std::vector<Rows> copiesIn(const Rows& group, const DiagnosedCases& cases)
 {
-    Rows rows = among;
-    std::stable_sort(rows.begin(), rows.end(), [&](std::size_t left, std::size_t right) {
-        return isBefore(columns, left, right);
-    });
-    std::vector<Rows> groups;
-    for (std::size_t begin = 0; begin < rows.size();) {
-        std::size_t end = begin + 1;
-        while (end < rows.size() && !isBefore(columns, rows[begin], rows[end])) {
-            ++end;
+    std::map<std::vector<double>, Rows> byOutputs;
+    for (const std::size_t row : group) {
+        std::vector<double> outputs;
+        for (const Column& output : cases.outputs) {
+            outputs.push_back(output.values[row]);
         }
-        if (end - begin > 1) {
-            groups.emplace_back(rows.begin() + static_cast<std::ptrdiff_t>(begin),
-                                rows.begin() + static_cast<std::ptrdiff_t>(end));
-        }
-        begin = end;
+        byOutputs[outputs].push_back(row);
     }
-    return groups;
+    std::vector<Rows> copies;
+    for (const auto& [outputs, rows] : byOutputs) {
+        if (rows.size() > 1) {
+            copies.push_back(rows);
+        }
+    }
+    return copies;
 }
 
 std::vector<std::size_t> positionsOf(const DiagnosedCases& cases, const Rows& rows)
@@ -157,7 +165,7 @@ void addCopies(const DiagnosedCases& cases, const std::vector<Rows>& groups,
     std::size_t groupedCases = 0;
     for (const Rows& group : groups) {
         groupedCases += group.size();
-        for (const Rows& same : equalRows(cases.outputs, group)) {
+        for (const Rows& same : copiesIn(group, cases)) {
             copies.push_back(same);
             copiedPairs += pairsIn(same);
             repeated += same.size() - 1;
@@ -267,13 +275,7 @@ std::vector<Finding> RepeatFindings::repeats(const DiagnosedCases& cases)
     if (cases.inputs.empty() || cases.outputs.empty() || cases.count() < 3) {
         return findings;
     }
-    Rows all(cases.count());
-    std::iota(all.begin(), all.end(), std::size_t(0));
-    std::vector<Column> determining = cases.inputs;
-    if (!cases.blocks.empty()) {
-        determining.push_back({"", cases.blocks});
-    }
-    const std::vector<Rows> groups = equalRows(determining, all);
+    const std::vector<Rows> groups = replicates(cases);
     if (groups.empty()) {
         return findings;
     }
@@ -287,6 +289,7 @@ std::vector<Finding> RepeatFindings::repeats(const DiagnosedCases& cases)
 std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
 {
     constexpr double nearest = 1e-3; // of the range
+    constexpr double same = ReplicatedCases::nearness;
     std::vector<Finding> findings;
     std::vector<const Column*> varying;
     for (const Column& input : cases.inputs) {
@@ -319,7 +322,7 @@ std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
                 const double distance =
                     std::fabs(varying[k]->values[order[a]] - varying[k]->values[order[b]]);
                 isNear = distance <= tolerances[k];
-                isSame = isSame && distance == 0.0;
+                isSame = isSame && nearest * distance <= same * tolerances[k];
             }
             if (isNear && !isSame) {
                 ++found;

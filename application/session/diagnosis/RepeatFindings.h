@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/** Cases with the same inputs, or almost. */
+/** Cases with the same inputs (as ReplicatedCases compares them), or almost. */
 namespace RepeatFindings {
 /**
  * "exactCopies": more cases repeat inputs and outputs of others than do so by chance, which they do

@@ -6,10 +6,10 @@
 #include "session/text/CountedText.h"
 
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+#include <mirel_fitting/cases/ReplicatedCases.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
 #include <optional>
 #include <string>
 
@@ -32,22 +32,8 @@ std::string nameOf(PolynomialTerms terms)
 
 std::size_t differentCases(const DiagnosedCases& cases)
 {
-    std::vector<std::size_t> rows(cases.count());
-    std::iota(rows.begin(), rows.end(), std::size_t(0));
-    const auto isBefore = [&](std::size_t left, std::size_t right) {
-        for (const Column& column : cases.inputs) {
-            if (column.values[left] != column.values[right]) {
-                return column.values[left] < column.values[right];
-            }
-        }
-        return false;
-    };
-    std::sort(rows.begin(), rows.end(), isBefore);
-    std::size_t different = rows.empty() ? 0 : 1;
-    for (std::size_t i = 1; i < rows.size(); ++i) {
-        different += isBefore(rows[i - 1], rows[i]) ? 1 : 0;
-    }
-    return different;
+    return cases.count() -
+           ReplicatedCases(pointersTo(cases.inputs), cases.count()).degreesOfFreedom();
 }
 
 /** ", with a third value of A and B for their squares" where they have two. */

@@ -1,12 +1,13 @@
 #include "session/diagnosis/TermFindings.h"
 
 #include "session/diagnosis/FindingWords.h"
+#include "session/text/JoinedText.h"
 
 #include <mirel_fitting/TermFormula.h>
+#include <mirel_fitting/numerics/OrthonormalColumns.h>
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <set>
 #include <string>
 #include <utility>
@@ -74,32 +75,12 @@ bool areFewEnough(const DiagnosedCases& cases)
     return terms <= maxTerms && static_cast<double>(cases.count()) * terms * terms <= maxWork;
 }
 
-double dot(const Numbers& left, const Numbers& right)
-{
-    return std::inner_product(left.begin(), left.end(), right.begin(), 0.0);
-}
-
-/** Gram-Schmidt over the terms at the cases, each column twice: those that are sums of earlier ones
- *  are set apart. */
+/** The terms at the cases, one after the other: those that are sums of earlier ones are set apart.
+ */
 class SeparatedTerms
 {
 public:
-    explicit SeparatedTerms(const DiagnosedCases& allCases) : cases(allCases)
-    {
-        for (const Column& input : cases.inputs) {
-            Numbers& values = coded.emplace_back(input.values);
-            const double middle = input.minimum() / 2.0 + input.maximum() / 2.0;
-            const double half = input.maximum() / 2.0 - input.minimum() / 2.0;
-            for (double& value : values) {
-                value = half > 0.0 ? (value - middle) / half : 0.0;
-            }
-        }
-        add({});
-        for (const Term& term : termsOf(cases)) {
-            ++count;
-            add(term);
-        }
-    }
+    explicit SeparatedTerms(const DiagnosedCases& cases) : SeparatedTerms(cases, termsOf(cases)) {}
 
     struct Lost
     {
@@ -108,25 +89,38 @@ public:
     };
 
     std::vector<Lost> lost; ///< without terms of inputs that are lost themselves
-    std::size_t count = 1;  ///< of terms, with the constant
+    std::size_t count;      ///< of terms, with the constant
     std::size_t rank() const { return kept.size(); }
 
 private:
-    struct Kept
-    {
-        Term term;
-        Numbers direction;  ///< of unit length, orthogonal to those before
-        Numbers components; ///< of the term along the directions up to its own
-    };
+    SeparatedTerms(const DiagnosedCases& cases, const std::vector<Term>& terms);
 
     void add(const Term& term);
-    std::vector<Term> partnersOf(const Term& term, Numbers components) const;
+    std::vector<Term> partnersOf(const Term& term, const Numbers& coefficients) const;
 
-    const DiagnosedCases& cases;
+    std::size_t rows;
     std::vector<Numbers> coded;
-    std::vector<Kept> kept;
+    OrthonormalColumns columns;
+    std::vector<Term> kept;
     std::set<std::size_t> lostInputs;
 };
+
+SeparatedTerms::SeparatedTerms(const DiagnosedCases& cases, const std::vector<Term>& terms)
+    : count(terms.size() + 1), rows(cases.count()), columns(rows, count)
+{
+    for (const Column& input : cases.inputs) {
+        Numbers& values = coded.emplace_back(input.values);
+        const double middle = input.minimum() / 2.0 + input.maximum() / 2.0;
+        const double half = input.maximum() / 2.0 - input.minimum() / 2.0;
+        for (double& value : values) {
+            value = half > 0.0 ? (value - middle) / half : 0.0;
+        }
+    }
+    add({});
+    for (const Term& term : terms) {
+        add(term);
+    }
+}
 
 void SeparatedTerms::add(const Term& term)
 {
@@ -135,54 +129,33 @@ void SeparatedTerms::add(const Term& term)
                     [&](std::size_t input) { return lostInputs.count(input) > 0; })) {
         return;
     }
-    Kept column{term, Numbers(cases.count(), 1.0), Numbers(kept.size(), 0.0)};
+    Numbers column(rows, 1.0);
     for (const std::size_t input : term) {
-        for (std::size_t row = 0; row < cases.count(); ++row) {
-            column.direction[row] *= coded[input][row];
+        for (std::size_t row = 0; row < rows; ++row) {
+            column[row] *= coded[input][row];
         }
     }
-    const double length = std::sqrt(static_cast<double>(cases.count())); // of a column of ones
-    for (int pass = 0; pass < 2; ++pass) { // the second removes the rounding of the first
-        for (std::size_t k = 0; k < kept.size(); ++k) {
-            const double component = dot(kept[k].direction, column.direction);
-            column.components[k] += component;
-            for (std::size_t row = 0; row < cases.count(); ++row) {
-                column.direction[row] -= component * kept[k].direction[row];
-            }
-        }
+    if (columns.append(column.data(), minShare)) {
+        kept.push_back(term);
+    } else if (term.size() == 1) {
+        lostInputs.insert(term[0]);
+    } else {
+        lost.push_back({term, partnersOf(term, columns.solve(column.data()))});
     }
-    const double residual = std::sqrt(dot(column.direction, column.direction));
-    if (residual <= minShare * length) {
-        if (term.size() == 1) {
-            lostInputs.insert(term[0]);
-        } else {
-            lost.push_back({term, partnersOf(term, column.components)});
-        }
-        return;
-    }
-    column.components.push_back(residual);
-    for (double& value : column.direction) {
-        value /= residual;
-    }
-    kept.push_back(std::move(column));
 }
 
 /** The terms whose sum it is, without those that are only there since the inputs are coded about
- *  the middle of their ranges. @param components of the term along all directions. */
-std::vector<Term> SeparatedTerms::partnersOf(const Term& term, Numbers components) const
+ *  the middle of their ranges. @param coefficients of the term in the kept ones. */
+std::vector<Term> SeparatedTerms::partnersOf(const Term& term, const Numbers& coefficients) const
 {
     constexpr double smallest = 1e-6;
     std::vector<Term> partners;
     std::set<std::size_t> inputs(term.begin(), term.end());
-    for (std::size_t k = kept.size(); k-- > 0;) { // back substitution; terms of second order first
-        components[k] /= kept[k].components[k];
-        for (std::size_t i = 0; i < k; ++i) {
-            components[i] -= components[k] * kept[k].components[i];
-        }
-        const Term& other = kept[k].term;
+    for (std::size_t k = kept.size(); k-- > 0;) { // terms of second order first
+        const Term& other = kept[k];
         const bool isNew = std::any_of(other.begin(), other.end(),
                                        [&](std::size_t input) { return inputs.count(input) == 0; });
-        if (std::fabs(components[k]) > smallest && (other.size() == 2 || isNew)) {
+        if (std::fabs(coefficients[k]) > smallest && (other.size() == 2 || isNew)) {
             partners.push_back(other);
             inputs.insert(other.begin(), other.end());
         }
@@ -200,17 +173,13 @@ std::string nameOf(const Term& term, const DiagnosedCases& cases)
                               : name(term[0]);
 }
 
-/** "A * B", "A * B and A * C", "A * B, A * C and 5 more". */
 std::string listOf(const std::vector<Term>& terms, const DiagnosedCases& cases)
 {
-    constexpr std::size_t maxShown = 5;
-    std::string text;
-    const bool areMany = terms.size() > maxShown + 1;
-    const std::size_t shown = areMany ? maxShown : terms.size();
-    for (std::size_t i = 0; i < shown; ++i) {
-        text += (i == 0 ? "" : i + 1 == terms.size() ? " and " : ", ") + nameOf(terms[i], cases);
+    std::vector<std::string> names;
+    for (const Term& term : terms) {
+        names.push_back(nameOf(term, cases));
     }
-    return text + (areMany ? " and " + std::to_string(terms.size() - maxShown) + " more" : "");
+    return shortList(std::move(names));
 }
 
 std::vector<std::string> inputsOf(const std::vector<Term>& terms, const DiagnosedCases& cases)

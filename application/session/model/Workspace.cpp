@@ -95,18 +95,6 @@ std::map<std::string, std::string> unitsOf(const CaseTable& table)
     }
     return byName;
 }
-
-/** The values of a column in some of its rows. */
-std::vector<double> valuesIn(const std::vector<double>& column,
-                             const std::vector<std::size_t>& rows)
-{
-    std::vector<double> values;
-    values.reserve(rows.size());
-    for (const std::size_t row : rows) {
-        values.push_back(column[row]);
-    }
-    return values;
-}
 } // namespace
 
 class Workspace::Impl
@@ -485,7 +473,7 @@ void Workspace::holdAtMedians(const std::vector<std::size_t>& inputs)
         const VarPtr variable = impl->inputs.at(input);
         const std::string name = variable.lock()->name();
         point.setUserDistString(
-            name, numberText(medianOf(valuesIn(project().numericValues(variable), cases))));
+            name, numberText(medianOf(valuesAt(project().numericValues(variable), cases))));
         // Auto marks a default; the text is used either way.
         point.setMode(name, Collection::Auto);
     }

@@ -43,11 +43,11 @@ TEST(CaseFileLayout, NamesWhatIsSkippedAndWhatIsOddInTheTable)
 {
     CaseFileLayout layout;
     layout.numericNames = {"150", "4"};
-    layout.unitsInCells = {"a (mm)", "b (%)", "c (s)", "d (s)", "e (s)", "f (s)"};
+    layout.unitsInCells = {"a (mm)", "b (%)", "c (s)", "d (s)", "e (s)", "f (s)", "g (s)"};
     layout.repeatedHeadings = 1;
     layout.linesBelow = 2;
     EXPECT_EQ(layout.text(), "names that are numbers (150 and 4), units in the cells of a (mm), b "
-                             "(%), c (s), d (s), e (s) and 1 more; 1 repeated heading and 2 lines "
+                             "(%), c (s), d (s), e (s) and 2 more; 1 repeated heading and 2 lines "
                              "below the table skipped");
 }
 

@@ -139,3 +139,11 @@ TEST(RepeatFindings, ExactRepeatsAndDenseCasesAreNoNearCopies)
     EXPECT_EQ(RepeatFindings::nearCopies(casesOf({{"a", first}, {"b", second}})).size(), 0u);
     EXPECT_EQ(RepeatFindings::nearCopies(casesOf({{"a", spread(2000)}})).size(), 0u);
 }
+
+TEST(RepeatFindings, InputsThatDifferByRoundingAreRepeats)
+{
+    DiagnosedCases cases = casesWithRepeats({firstOutput + 0.55});
+    cases.inputs[0].values.back() *= 1.0 + 1e-15;
+
+    EXPECT_EQ(RepeatFindings::repeats(cases).size(), 1u);
+}
