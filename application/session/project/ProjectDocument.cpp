@@ -54,7 +54,7 @@ std::vector<ProjectDocument::Distribution> distributionsIn(const XmlNode* block)
     if (block == nullptr) {
         return distributions;
     }
-    for (const XmlNode* const element : elementsIn(*block)) {
+    for (const XmlNode* const element : block->elements()) {
         const auto text = [&](const char* attribute, const char* otherwise) {
             const std::string* const value = element->attribute(attribute);
             return value == nullptr ? std::string(otherwise) : *value;
@@ -111,7 +111,7 @@ void checkModes(const XmlNode* block, const std::string& source)
     if (block == nullptr) {
         return;
     }
-    for (const XmlNode* const element : elementsIn(*block)) {
+    for (const XmlNode* const element : block->elements()) {
         const std::string* const mode = element->attribute("Mode");
         if (mode != nullptr && *mode != "Auto" && *mode != "UserDefined") {
             const std::string* const name = element->attribute("Name");
@@ -233,7 +233,7 @@ std::vector<std::string> ProjectDocument::modelInputs() const
     if (!impl->settings.model) {
         return names;
     }
-    for (const XmlNode* const element : elementsIn(*impl->settings.model)) {
+    for (const XmlNode* const element : impl->settings.model->elements()) {
         if (element->name == "Variable") {
             const std::string* const name = element->attribute("Name");
             names.push_back(name == nullptr ? std::string() : *name);

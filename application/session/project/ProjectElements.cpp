@@ -3,19 +3,16 @@
 #include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
 #include "session/text/NumberText.h"
-#include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/WholeNumber.h"
-#include "session/xml/XmlText.h"
+#include "session/xml/XmlChecks.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <initializer_list>
 #include <limits>
 #include <map>
 #include <set>
+
+using namespace XmlChecks;
 
 namespace {
 constexpr std::size_t version = 1;
@@ -24,14 +21,6 @@ constexpr std::size_t version = 1;
 constexpr std::size_t maxCases = 20000000;
 
 constexpr std::size_t sha256Digits = 64;
-
-/** A value that a document spells as a word. */
-template <class Value>
-struct Word
-{
-    const char* text;
-    Value value;
-};
 
 constexpr std::array<Word<char>, 5> separators = {{{"comma", ','},
                                                    {"semicolon", ';'},
@@ -73,152 +62,6 @@ constexpr std::array<Word<TransformSetting>, 5> transforms = {
      {"SquareRoot", TransformSetting::SquareRoot},
      {"Logarithm", TransformSetting::Logarithm},
      {"BoxCox", TransformSetting::BoxCox}}};
-
-[[noreturn]] void refuse(const XmlNode& element, const std::string& message)
-{
-    throw XmlFault(element.position, message);
-}
-
-std::string described(const XmlNode& element, const std::string& attribute)
-{
-    return "the attribute " + quotedText(attribute) + " of the element " + quotedText(element.name);
-}
-
-/** Of an element that no other program may have anything to say about. */
-void allowAttributes(const XmlNode& element, std::initializer_list<const char*> known)
-{
-    for (const auto& attribute : element.attributes) {
-        if (std::find(known.begin(), known.end(), attribute.first) == known.end()) {
-            refuse(element, described(element, attribute.first) +
-                                " is not known to this version; remove it, or open the document "
-                                "with the program that wrote it.");
-        }
-    }
-}
-
-void refuseText(const XmlNode& element)
-{
-    const std::string text = element.content();
-    if (text.find_first_not_of(" \t\r\n") != std::string::npos) {
-        refuse(element, "the element " + quotedText(element.name) + " holds the text " +
-                            quotedText(text) + ", where there is none to be.");
-    }
-}
-
-[[noreturn]] void refuseElement(const XmlNode& element, const XmlNode& parent)
-{
-    refuse(element, "the element " + quotedText(element.name) + " inside " +
-                        quotedText(parent.name) +
-                        " is not known to this version; remove it, or open the document with the "
-                        "program that wrote it.");
-}
-
-/** An element that holds these attributes and nothing else. */
-void allowOnlyAttributes(const XmlNode& element, std::initializer_list<const char*> known)
-{
-    allowAttributes(element, known);
-    refuseText(element);
-    for (const XmlNode* const inner : elementsIn(element)) {
-        refuseElement(*inner, element);
-    }
-}
-
-/** The elements of a list, all of one name. */
-std::vector<const XmlNode*> entriesOf(const XmlNode& list, const std::string& tag)
-{
-    allowAttributes(list, {});
-    refuseText(list);
-    std::vector<const XmlNode*> entries = elementsIn(list);
-    for (const XmlNode* const entry : entries) {
-        if (entry->name != tag) {
-            refuseElement(*entry, list);
-        }
-        refuseText(*entry);
-        for (const XmlNode* const inner : elementsIn(*entry)) {
-            refuseElement(*inner, *entry);
-        }
-    }
-    return entries;
-}
-
-const std::string& required(const XmlNode& element, const std::string& name)
-{
-    const std::string* const value = element.attribute(name);
-    if (value == nullptr) {
-        refuse(element, "the element " + quotedText(element.name) + " lacks the attribute " +
-                            quotedText(name) + '.');
-    }
-    return *value;
-}
-
-const std::string& requiredText(const XmlNode& element, const std::string& name)
-{
-    const std::string& value = required(element, name);
-    if (value.empty()) {
-        refuse(element, described(element, name) + " must not be empty.");
-    }
-    return value;
-}
-
-/** Empty without the attribute. */
-std::string optionalText(const XmlNode& element, const std::string& name)
-{
-    return element.attributes.count(name) > 0 ? requiredText(element, name) : std::string();
-}
-
-std::size_t requiredNumber(const XmlNode& element, const std::string& name, std::size_t least,
-                           std::size_t most)
-{
-    const std::string& text = required(element, name);
-    try {
-        return readWholeNumber(name, text, least, most);
-    } catch (const UsageError&) {
-        refuse(element, described(element, name) + " needs a whole number from " +
-                            std::to_string(least) + " to " + std::to_string(most) + ", not " +
-                            quotedText(text) + '.');
-    }
-}
-
-double finiteNumber(const XmlNode& element, const std::string& name)
-{
-    const std::string& text = required(element, name);
-    double number = 0.0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, number);
-    if (read.ec != std::errc() || read.ptr != end || !std::isfinite(number)) {
-        refuse(element, described(element, name) + " needs a finite number with a decimal point, " +
-                            "not " + quotedText(text) + '.');
-    }
-    return number;
-}
-
-template <class Value, std::size_t count>
-Value requiredWord(const XmlNode& element, const std::string& name,
-                   const std::array<Word<Value>, count>& words)
-{
-    const std::string& text = required(element, name);
-    std::string allowed;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (text == words[i].text) {
-            return words[i].value;
-        }
-        allowed += (i == 0 ? "" : i + 1 == count ? " or " : ", ") + quotedText(words[i].text);
-    }
-    refuse(element,
-           described(element, name) + " must be " + allowed + ", not " + quotedText(text) + '.');
-}
-
-template <class Value, std::size_t count>
-std::string wordFor(Value value, const std::array<Word<Value>, count>& words)
-{
-    for (const Word<Value>& word : words) {
-        if (word.value == value) {
-            return word.text;
-        }
-    }
-    // No reader accepts it, so that nothing is written.
-    return std::string();
-}
 
 /** Both ends or none. */
 std::optional<ProjectContents::Range> optionalRange(const XmlNode& element, const std::string& from,
@@ -360,7 +203,7 @@ std::vector<ProjectContents::Sweep> readSweeps(const XmlNode& list, const Roles&
 std::vector<std::size_t> readExcluded(const XmlNode& element)
 {
     allowAttributes(element, {});
-    for (const XmlNode* const inner : elementsIn(element)) {
+    for (const XmlNode* const inner : element.elements()) {
         refuseElement(*inner, element);
     }
     const std::string text = element.content();
@@ -400,7 +243,7 @@ void checkDistributions(const XmlNode& block)
 {
     allowAttributes(block, {});
     refuseText(block);
-    for (const XmlNode* const entry : elementsIn(block)) {
+    for (const XmlNode* const entry : block.elements()) {
         allowOnlyAttributes(*entry, {"Name", "Mode", "Distribution"});
     }
 }
@@ -410,7 +253,7 @@ void checkModel(const XmlNode& model)
 {
     refuseText(model);
     std::set<std::string> seen;
-    for (const XmlNode* const child : elementsIn(model)) {
+    for (const XmlNode* const child : model.elements()) {
         if (child->name == "Variable") {
             allowOnlyAttributes(*child, {"Name"});
         } else if (isModelElement(*child) && !seen.insert(child->name).second) {
@@ -419,7 +262,7 @@ void checkModel(const XmlNode& model)
             checkDistributions(*child);
         } else if (child->name == "Type") {
             allowAttributes(*child, {});
-            for (const XmlNode* const inner : elementsIn(*child)) {
+            for (const XmlNode* const inner : child->elements()) {
                 refuseElement(*inner, *child);
             }
         }
@@ -430,7 +273,7 @@ void readUserDistributions(const XmlNode& element)
 {
     allowAttributes(element, {});
     refuseText(element);
-    const std::vector<const XmlNode*> blocks = elementsIn(element);
+    const std::vector<const XmlNode*> blocks = element.elements();
     for (const XmlNode* const block : blocks) {
         if (block->name != distributionBlock) {
             refuseElement(*block, element);
@@ -482,7 +325,7 @@ std::vector<XmlNode> unknownChildren(const XmlNode& root)
 {
     std::vector<XmlNode> unknown;
     std::set<std::string> seen;
-    for (const XmlNode* const child : elementsIn(root)) {
+    for (const XmlNode* const child : root.elements()) {
         if (knownTags().count(child->name) == 0) {
             unknown.push_back(*child);
         } else if (!seen.insert(child->name).second) {
@@ -585,17 +428,6 @@ bool isModelElement(const XmlNode& node)
 {
     return node.kind == XmlNode::Element &&
            (node.name == "Type" || node.name == "Variable" || node.name == distributionBlock);
-}
-
-std::vector<const XmlNode*> elementsIn(const XmlNode& parent)
-{
-    std::vector<const XmlNode*> elements;
-    for (const XmlNode& node : parent.children) {
-        if (node.kind == XmlNode::Element) {
-            elements.push_back(&node);
-        }
-    }
-    return elements;
 }
 
 void readProjectElements(const XmlNode& root, ProjectContents& contents, ProjectSettings& settings)

@@ -20,9 +20,6 @@ constexpr const char* distributionBlock = "SurrogateModelUserDefinedVariableDist
 /** Whether the library's serializers know a child of "SurrogateModel". */
 bool isModelElement(const XmlNode& node);
 
-/** The children of an element that are elements, in their order; valid until it changes. */
-std::vector<const XmlNode*> elementsIn(const XmlNode& parent);
-
 /**
  * Reads the root of a project document.
  * @param contents  receives the fields; the path of the case file as it stands in the document.

@@ -32,6 +32,17 @@ const XmlNode* XmlNode::child(const std::string& tag) const
     return found == children.end() ? nullptr : &*found;
 }
 
+std::vector<const XmlNode*> XmlNode::elements() const
+{
+    std::vector<const XmlNode*> elements;
+    for (const XmlNode& node : children) {
+        if (node.kind == Element) {
+            elements.push_back(&node);
+        }
+    }
+    return elements;
+}
+
 std::string XmlNode::content() const
 {
     std::string joined;

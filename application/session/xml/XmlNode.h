@@ -37,6 +37,9 @@ struct SURROGATE_SESSION_EXPORT XmlNode
     /** The first element of that name among the children, valid until the next change; or null. */
     const XmlNode* child(const std::string& tag) const;
 
+    /** The children that are elements, in their order; valid until the next change. */
+    std::vector<const XmlNode*> elements() const;
+
     /** The texts among the children, one after the other. */
     std::string content() const;
 

@@ -1,0 +1,48 @@
+#include <session/comparison/CrossValidation.h>
+
+#include "CvdSession.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+TEST(CrossValidation, PredictsEachCaseByModelsOfTheOtherFolds)
+{
+    CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+    const ComparedCases cases(session);
+
+    const CrossValidation validation(session, cases, 11);
+
+    for (const auto* predictions : {&validation.responseSurface[0], &validation.kriging[0]}) {
+        ASSERT_EQ(predictions->values.size(), 11u);
+        EXPECT_EQ(predictions->terms.size(), 11u) << "one fit per fold";
+        EXPECT_TRUE(predictions->failures.empty());
+        for (std::size_t i = 0; i < 11; ++i) {
+            EXPECT_LT(predictions->lower[i], predictions->values[i]);
+            EXPECT_GT(predictions->upper[i], predictions->values[i]);
+            EXPECT_NE(predictions->values[i], cases.outputs[0][i]) << "the case was left out";
+        }
+    }
+    EXPECT_EQ(validation.pairedErrors(0).folds, 11u);
+}
+
+TEST(CrossValidation, ComparesTheValidCasesWithWeightsOfMeanOne)
+{
+    CaseTable table = cvdCases();
+    table.columns[3].numbers[4] = std::nan("");
+    CaseSession session(table, {{0}, {3}}, {1}, CaseSession::ResponseSurface);
+    EXPECT_EQ(ComparedCases(session).positions,
+              (std::vector<std::size_t>{0, 2, 3, 5, 6, 7, 8, 9, 10}));
+    EXPECT_EQ(ComparedCases(session).weight(3), 1.0);
+
+    session.chooseDesign({"Uniformity", ""});
+    const ComparedCases weighted(session);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < weighted.count(); ++i) {
+        sum += weighted.weight(i);
+    }
+    EXPECT_NEAR(sum, static_cast<double>(weighted.count()), 1e-12);
+    EXPECT_NEAR(weighted.weight(1) / weighted.weight(0),
+                table.columns[2].numbers[2] / table.columns[2].numbers[0], 1e-12);
+}
