@@ -94,6 +94,7 @@ public:
             fittedOutputs = workspace.outputs();
             result.reset();
             statistics.reset();
+            findings.reset();
             fitSeconds = watch.seconds();
         }
         return *model;
@@ -114,6 +115,7 @@ public:
     std::vector<VarPtr> fittedOutputs;
     std::optional<FitResult> result;
     std::optional<std::vector<ResponseSurfaceStatistics>> statistics;
+    std::optional<SessionFindings> findings;
     InputCoding coding = InputCoding::Axial;
     double fitSeconds = 0.0;
 
@@ -274,6 +276,15 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
         }
     }
     return impl->statistics.emplace(std::move(results));
+}
+
+const SessionFindings& Evaluator::findings()
+{
+    const std::vector<ResponseSurfaceStatistics>& ofFit = statistics();
+    if (!impl->findings) {
+        impl->findings = SessionFindings::ofFit(impl->workspace, ofFit);
+    }
+    return *impl->findings;
 }
 
 GridEvaluation Evaluator::evaluate(const std::optional<double>& percent)

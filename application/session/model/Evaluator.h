@@ -3,6 +3,7 @@
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <session/model/ModelInterfaces.h>
+#include <session/model/SessionFindings.h>
 
 #include <surrogate_session/Export.h>
 
@@ -101,6 +102,10 @@ public:
     /** The statistics of a response surface, one per output; none at all of another model. The rows
      *  of leverages and diagnostics are positions of cases, from 0. @return valid like model(). */
     const std::vector<ResponseSurfaceStatistics>& statistics();
+
+    /** What may be wrong with the cases and the fit: SessionFindings::ofFit().
+     *  @return valid like model(). */
+    const SessionFindings& findings();
 
     /**
      * Every combination of the inputs' values with the outputs there.

@@ -16,24 +16,10 @@ class CaseSession;
 using InputRanking = std::vector<std::pair<std::size_t, double>>;
 
 struct Evaluation;
-struct OutputFit;
-struct ResponseSurfaceStatistics;
 
 /** How good the model of each output is, and its parameters. Fits first if need be.
  *  All throw SurrogateModelInterface::Error. */
 namespace FitReport {
-/** The figures of one output, each with its name.
- *  @param inputs     the names of the model's inputs.
- *  @param statistics of a response surface; null if there are none. */
-SURROGATE_SESSION_EXPORT std::vector<std::pair<std::string, std::string>>
-figures(const OutputFit& fit, const std::vector<std::string>& inputs,
-        const ResponseSurfaceStatistics* statistics);
-
-/** What a reader of the figures should know and is no reason to doubt them: the transform that was
- *  modelled, and why figures are "-". @param statistics as for figures(). */
-SURROGATE_SESSION_EXPORT std::vector<std::string>
-fitNotes(const OutputFit& fit, const ResponseSurfaceStatistics* statistics);
-
 /** @param rankings one per output, or none at all. */
 SURROGATE_SESSION_EXPORT std::string text(CaseSession& session,
                                           const std::vector<InputRanking>& rankings = {});

@@ -3,7 +3,7 @@
 #include "session/cases/VariableNames.h"
 #include "session/model/CaseSession.h"
 #include "session/report/FindingsReport.h"
-#include "session/report/FitReport.h"
+#include "session/report/FitFigures.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
 #include "session/text/JoinedText.h"
@@ -225,7 +225,7 @@ std::string figureTable(const OutputFit& fit, const std::vector<std::string>& in
                         const ResponseSurfaceStatistics* statistics)
 {
     std::string text = "<table class=\"figures\"><tbody>\n";
-    for (const auto& [name, figure] : FitReport::figures(fit, inputs, statistics)) {
+    for (const auto& [name, figure] : FitFigures::of(fit, inputs, statistics)) {
         text += row({name, figure}, "td");
     }
     return text + "</tbody></table>\n";
@@ -236,7 +236,7 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
                           const HtmlReport::OutputParts& parts)
 {
     std::string text = element("h2", escaped(shortText(fit.name)));
-    for (const std::string& note : FitReport::fitNotes(fit, statistics)) {
+    for (const std::string& note : FitFigures::notes(fit, statistics)) {
         text += element("p", "Note: " + escaped(note));
     }
     for (const std::string& warning : fit.warnings) {
@@ -319,7 +319,7 @@ std::string HtmlReport::text(CaseSession& session, const std::vector<OutputParts
             verdict(fits[i], spreadOf(session, session.outputs()[i]), session.unitOf(fits[i].name));
     }
     html += originTable(session, origin) + inputTable(session);
-    html += findingSection(FindingsReport::sentences(SessionFindings::ofFit(session)));
+    html += findingSection(FindingsReport::sentences(session.findings()));
     for (std::size_t i = 0; i < fits.size(); ++i) {
         html += outputSection(fits[i], inputs, statistics.empty() ? nullptr : &statistics[i],
                               i < parts.size() ? parts[i] : OutputParts());

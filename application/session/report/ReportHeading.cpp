@@ -205,14 +205,15 @@ const char* ReportHeading::criterionWord(KrigingReport::Criterion criterion)
     }
 }
 
+std::string ReportHeading::transformName(OutputTransform transform)
+{
+    return transform == OutputTransform::Logarithm    ? "logarithm"
+           : transform == OutputTransform::SquareRoot ? "square root"
+                                                      : "";
+}
+
 std::string ReportHeading::modelledText(OutputTransform transform, const std::string& output)
 {
-    switch (transform) {
-    case OutputTransform::SquareRoot:
-        return "the square root of " + output;
-    case OutputTransform::Logarithm:
-        return "the logarithm of " + output;
-    default:
-        return output + " itself";
-    }
+    const std::string name = transformName(transform);
+    return name.empty() ? output + " itself" : "the " + name + " of " + output;
 }

@@ -47,6 +47,9 @@ SURROGATE_SESSION_EXPORT ReportJson::Json modelJson(const Workspace& workspace);
 /** "penalisedRestrictedLikelihood": what the estimated parameters of Kriging maximise. */
 const char* criterionWord(KrigingReport::Criterion criterion);
 
+/** "logarithm", "square root"; empty without a transform. */
+std::string transformName(OutputTransform transform);
+
 /** What of an output is modelled: "the logarithm of y", "y itself". */
 SURROGATE_SESSION_EXPORT std::string modelledText(OutputTransform transform,
                                                   const std::string& output);

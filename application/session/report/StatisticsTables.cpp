@@ -1,5 +1,6 @@
 #include "session/report/StatisticsTables.h"
 
+#include "session/report/ReportHeading.h"
 #include "session/report/TermName.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
@@ -10,8 +11,6 @@
 #include <cmath>
 #include <cstddef>
 #include <utility>
-
-using ReportJson::Json;
 
 namespace {
 /** Digits of a probability or a factor: more are never of use. */
@@ -79,12 +78,6 @@ std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& r
 const std::vector<std::string> anovaHeading = {"Source",      "DF", "Sum of squares",
                                                "Mean square", "F",  "p"};
 
-std::string lackOfFitNote(const ResponseSurfaceStatistics& statistics)
-{
-    return statistics.repeatsAreCopies ? "Lack of fit: not available, the repeats are exact copies."
-                                       : "";
-}
-
 StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
 {
     StatisticsTables::Table table;
@@ -93,7 +86,7 @@ StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
     for (const AnovaRow& row : statistics.anova) {
         table.rows.push_back(anovaCells(row.source, row));
     }
-    table.note = lackOfFitNote(statistics);
+    table.note = StatisticsTables::lackOfFitNote(statistics);
     return table;
 }
 
@@ -113,9 +106,8 @@ StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
 /** After the name of a figure that is one of the modelled transform; empty without one. */
 std::string scaleText(OutputTransform transform)
 {
-    return transform == OutputTransform::Logarithm    ? " of the logarithm"
-           : transform == OutputTransform::SquareRoot ? " of the square root"
-                                                      : "";
+    const std::string name = ReportHeading::transformName(transform);
+    return name.empty() ? name : " of the " + name;
 }
 
 StatisticsTables::Table blockTable(const std::vector<BlockEffect>& effects,
@@ -128,29 +120,6 @@ StatisticsTables::Table blockTable(const std::vector<BlockEffect>& effects,
         table.rows.push_back({one.name, shownNumber(one.effect)});
     }
     return table;
-}
-
-/** Positions in statistics.cases, the largest externally studentised residual first. */
-std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& statistics)
-{
-    constexpr std::size_t maxShown = 5;
-    // Residuals that differ by less count as equal: rounding must not decide their order.
-    constexpr double step = 1e-9;
-    const auto size = [&](std::size_t k) {
-        return std::round(std::abs(statistics.cases[k].externallyStudentised) / step);
-    };
-    std::vector<std::size_t> order;
-    for (std::size_t k = 0; k < statistics.cases.size(); ++k) {
-        if (!std::isnan(size(k))) {
-            order.push_back(k);
-        }
-    }
-    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(maxShown, order.size()));
-    std::partial_sort(order.begin(), end, order.end(), [&](std::size_t left, std::size_t right) {
-        return size(left) > size(right) || (size(left) == size(right) && left < right);
-    });
-    order.erase(end, order.end());
-    return order;
 }
 
 /** Suspected outliers are among the findings, with what to do about them. */
@@ -171,7 +140,7 @@ StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistic
     table.heading = {"Case",           "Output",     "Residual" + scaleText(transform),
                      "Internally",     "Externally", "Leverage",
                      "Cook's distance"};
-    for (const std::size_t k : largestResiduals(statistics)) {
+    for (const std::size_t k : StatisticsTables::largestResiduals(statistics)) {
         const CaseDiagnostics& one = statistics.cases[k];
         table.rows.push_back({std::to_string(one.row + 1), shownNumber(one.output),
                               shownNumber(one.residual, fewDigits),
@@ -252,135 +221,42 @@ StatisticsTables::Table ridgeTable(const std::string& title, const std::vector<R
     return table;
 }
 
-/** Of the terms that the model has: what is not kept is no part of its formula. */
-Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
-                      const std::vector<std::string>& inputs, bool isCoded)
-{
-    Json json = Json::array();
-    for (const CoefficientStatistics& one : coefficients) {
-        if (!one.isKept) {
-            continue;
-        }
-        json.push_back({{"term", one.term},
-                        {"name", termName(one.factors, inputs)},
-                        {"estimate", one.estimate},
-                        {"standardError", one.standardError},
-                        {"t", one.t},
-                        {"p", one.p},
-                        {"lower", one.lower},
-                        {"upper", one.upper}});
-        if (isCoded) {
-            json.back()["varianceInflation"] = one.varianceInflation;
-        }
-    }
-    return json;
-}
-
-Json anovaJson(const std::vector<AnovaRow>& anova)
-{
-    Json json = Json::array();
-    for (const AnovaRow& row : anova) {
-        json.push_back({{"source", row.source},
-                        {"degreesOfFreedom", row.degreesOfFreedom},
-                        {"sumOfSquares", row.sumOfSquares},
-                        {"meanSquare", row.meanSquare},
-                        {"f", row.f},
-                        {"p", row.p}});
-    }
-    return json;
-}
-
-Json partialTestsJson(const std::vector<PartialTest>& tests, const std::vector<std::string>& inputs)
-{
-    Json json = Json::array();
-    for (const PartialTest& test : tests) {
-        json.push_back(
-            {{"term", test.row.source},
-             {"name", test.factors.empty() ? test.row.source : termName(test.factors, inputs)},
-             {"degreesOfFreedom", test.row.degreesOfFreedom},
-             {"sumOfSquares", test.row.sumOfSquares},
-             {"f", test.row.f},
-             {"p", test.row.p}});
-    }
-    return json;
-}
-
-Json residualsJson(const ResponseSurfaceStatistics& statistics)
-{
-    Json largest = Json::array();
-    for (const std::size_t k : largestResiduals(statistics)) {
-        const CaseDiagnostics& one = statistics.cases[k];
-        largest.push_back({{"case", one.row + 1},
-                           {"output", one.output},
-                           {"residual", one.residual},
-                           {"internallyStudentised", one.internallyStudentised},
-                           {"externallyStudentised", one.externallyStudentised},
-                           {"leverage", one.leverage},
-                           {"cooksDistance", one.cooksDistance}});
-    }
-    Json outliers = Json::array();
-    for (const std::size_t k : statistics.suspectedOutliers()) {
-        outliers.push_back(statistics.cases[k].row + 1);
-    }
-    return {{"largest", std::move(largest)},
-            {"outlierLimit", statistics.outlierLimit},
-            {"suspectedOutliers", std::move(outliers)}};
-}
-
-Json canonicalDirectionsJson(const std::vector<CanonicalDirection>& directions)
-{
-    Json json = Json::array();
-    for (const CanonicalDirection& one : directions) {
-        json.push_back({{"curvature", one.curvature}, {"components", one.components}});
-    }
-    return json;
-}
-
-Json ridgeJson(const std::vector<RidgePoint>& ridge)
-{
-    Json json = Json::array();
-    for (const RidgePoint& point : ridge) {
-        json.push_back({{"distance", point.distance},
-                        {"coordinates", point.coordinates},
-                        {"value", point.value},
-                        {"standardError", point.standardError}});
-    }
-    return json;
-}
-
-Json leverageJson(const ResponseSurfaceStatistics& statistics)
-{
-    Json largest = Json::array();
-    for (const CaseLeverage& one : statistics.largestLeverages) {
-        largest.push_back({{"case", one.row + 1}, {"leverage", one.leverage}});
-    }
-    return {{"mean", statistics.meanLeverage}, {"largest", std::move(largest)}};
-}
-
-Json stationaryPointJson(const std::optional<StationaryPoint>& point)
-{
-    if (!point) {
-        return nullptr;
-    }
-    return {{"nature", natureName(point->nature)},
-            {"coordinates", point->coordinates},
-            {"value", point->value},
-            {"isInsideData", point->isInsideData},
-            {"curvatures", point->curvatures}};
-}
-
-Json droppedTermsJson(const std::vector<CoefficientStatistics>& coefficients,
-                      const std::vector<std::string>& inputs)
-{
-    Json json = Json::array();
-    for (const CoefficientStatistics& one : coefficients) {
-        if (!one.isKept) {
-            json.push_back({{"term", one.term}, {"name", termName(one.factors, inputs)}});
-        }
-    }
-    return json;
-}
 } // namespace
+
+std::vector<std::size_t>
+StatisticsTables::largestResiduals(const ResponseSurfaceStatistics& statistics)
+{
+    constexpr std::size_t maxShown = 5;
+    // Residuals that differ by less count as equal: rounding must not decide their order.
+    constexpr double step = 1e-9;
+    const auto size = [&](std::size_t k) {
+        return std::round(std::abs(statistics.cases[k].externallyStudentised) / step);
+    };
+    std::vector<std::size_t> order;
+    for (std::size_t k = 0; k < statistics.cases.size(); ++k) {
+        if (!std::isnan(size(k))) {
+            order.push_back(k);
+        }
+    }
+    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(maxShown, order.size()));
+    std::partial_sort(order.begin(), end, order.end(), [&](std::size_t left, std::size_t right) {
+        return size(left) > size(right) || (size(left) == size(right) && left < right);
+    });
+    order.erase(end, order.end());
+    return order;
+}
+
+std::string StatisticsTables::lackOfFitNote(const ResponseSurfaceStatistics& statistics)
+{
+    return statistics.repeatsAreCopies ? "Lack of fit: not available, the repeats are exact copies."
+                                       : "";
+}
+
+bool StatisticsTables::isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics)
+{
+    return statistics.isCurved && !statistics.stationaryPoint &&
+           statistics.canonicalDirections.empty();
+}
 
 std::vector<StatisticsTables::Table>
 StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
@@ -403,15 +279,6 @@ StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
                  tables.end());
     return tables;
 }
-
-namespace {
-/** Since the cases cannot separate the second-order terms. */
-bool isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics)
-{
-    return statistics.isCurved && !statistics.stationaryPoint &&
-           statistics.canonicalDirections.empty();
-}
-} // namespace
 
 std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistics& statistics,
                                                   const std::vector<std::string>& inputs)
@@ -459,37 +326,4 @@ std::string StatisticsTables::text(const ResponseSurfaceStatistics& statistics,
         text += one.note.empty() ? one.note : "    " + oneLineText(one.note) + '\n';
     }
     return text + "\n  " + oneLineText(stationaryPointText(statistics, inputs)) + '\n';
-}
-
-Json StatisticsTables::json(const ResponseSurfaceStatistics& statistics,
-                            const std::vector<std::string>& inputs)
-{
-    Json json = {
-        {"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
-        {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
-        {"anova", anovaJson(statistics.anova)}};
-    if (statistics.coding == InputCoding::Factorial) {
-        json["factorialInputs"] = Json::array();
-        for (const std::size_t input : statistics.factorialInputs) {
-            json["factorialInputs"].push_back(inputs[input]);
-        }
-    }
-    if (statistics.repeatsAreCopies) {
-        json["lackOfFitNote"] = lackOfFitNote(statistics);
-    }
-    json["partialTests"] = partialTestsJson(statistics.partialTests, inputs);
-    for (const BlockEffect& one : statistics.blockEffects) {
-        json["blockEffects"].push_back({{"block", one.name}, {"effect", one.effect}});
-    }
-    json["leverage"] = leverageJson(statistics);
-    json["residuals"] = residualsJson(statistics);
-    json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);
-    if (isCanonicalAnalysisWithheld(statistics)) {
-        json["stationaryPointNote"] = stationaryPointText(statistics, inputs);
-    }
-    json["canonicalDirections"] = canonicalDirectionsJson(statistics.canonicalDirections);
-    json["ascent"] = ridgeJson(statistics.ascent);
-    json["descent"] = ridgeJson(statistics.descent);
-    json["droppedTerms"] = droppedTermsJson(statistics.coefficients, inputs);
-    return json;
 }

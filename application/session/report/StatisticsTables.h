@@ -1,14 +1,13 @@
 #pragma once
 
-#include "session/report/ReportJson.h"
-
 #include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
-/** The statistics of a response surface as tables for people and as JSON for programs. */
+/** The statistics of a response surface as tables for people. */
 namespace StatisticsTables {
 /** A table to be set in whatever form: a heading, and rows of cells; the first column is text. */
 struct Table
@@ -33,10 +32,14 @@ std::string stationaryPointText(const ResponseSurfaceStatistics& statistics,
 std::string text(const ResponseSurfaceStatistics& statistics,
                  const std::vector<std::string>& inputs, OutputTransform transform);
 
-/** The members "coefficients" and "codedCoefficients" of the terms that are kept, "anova",
- *  "lackOfFitNote" where it cannot be tested, "partialTests", "leverage", "residuals" with the
- *  largest studentised ones, "stationaryPoint", "canonicalDirections", "ascent", "descent" and
- *  "droppedTerms". */
-ReportJson::Json json(const ResponseSurfaceStatistics& statistics,
-                      const std::vector<std::string>& inputs);
+/** Positions in statistics.cases of the largest externally studentised residuals, the largest
+ * first; five at most. */
+std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& statistics);
+
+/** Why the lack of fit cannot be tested, a sentence; empty where it can. */
+std::string lackOfFitNote(const ResponseSurfaceStatistics& statistics);
+
+/** Whether there is no canonical analysis since the cases cannot separate the second-order terms.
+ */
+bool isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics);
 } // namespace StatisticsTables

@@ -55,6 +55,7 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));
     EXPECT_EQ(json["outputs"][0]["metrics"]["terms"], 6);
+    EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
     EXPECT_EQ(json["outputs"][0]["metrics"]["residualDegreesOfFreedom"], 5);
     EXPECT_EQ(json["outputs"][1]["name"], "Stress");
     EXPECT_EQ(keysOf(json["seconds"]), (Keys{"evaluate", "fit", "read"}));
@@ -79,63 +80,6 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
     EXPECT_EQ(output["nuggetBound"], "none");
     EXPECT_EQ(keysOf(output["metrics"]), (Keys{"looRmse", "q2", "rmse"}));
     EXPECT_EQ(output["correlationLengths"].size(), 2u);
-}
-
-TEST(FitReport, SaysHowIntervalsWereCalibratedAndWhatThoseByStudentsTHold)
-{
-    OutputFit fit;
-    fit.calibration = CalibrationReport{CalibrationReport::Basis::Refits,
-                                        1.3125,
-                                        247,
-                                        {{0.5, 0.61}, {0.8, 0.76}, {0.95, 0.8834}, {0.99, 0.96}}};
-    const auto lastFigures = [&] {
-        const auto figures = FitReport::figures(fit, {}, nullptr);
-        return std::vector<std::pair<std::string, std::string>>(figures.end() - 2, figures.end());
-    };
-
-    EXPECT_EQ(
-        lastFigures(),
-        (std::vector<std::pair<std::string, std::string>>{
-            {"95 % intervals", "1.31 times as wide as by Student's t, calibrated by refits "
-                               "without the left-out cases"},
-            {"by Student's t they would hold", "61, 76, 88.3, 96 % of the left-out cases (50, "
-                                               "80, 95, 99 % intervals)"}}));
-
-    fit.calibration->basis = CalibrationReport::Basis::LeaveOneOut;
-    EXPECT_EQ(lastFigures()[0].second,
-              "1.31 times as wide as by Student's t, calibrated by leave-one-out");
-    fit.calibration->basis = CalibrationReport::Basis::Distribution;
-    EXPECT_EQ(lastFigures()[0].second, "by Student's t");
-    EXPECT_EQ(lastFigures()[1].first, "intervals held");
-}
-
-TEST(FitReport, ListsManyInputsWithoutInfluenceInOneFigure)
-{
-    OutputFit fit;
-    fit.kriging.emplace();
-    std::vector<std::string> inputs;
-    for (int i = 1; i <= 30; ++i) {
-        inputs.push_back("x" + std::to_string(i));
-        fit.kriging->correlationLengths.push_back(i == 1 ? 0.5 : 300.0);
-        fit.kriging->lengthBounds.push_back(i == 1 ? KrigingReport::Bound::None
-                                                   : KrigingReport::Bound::Upper);
-        fit.kriging->isWithoutInfluence.push_back(i > 4);
-    }
-
-    std::vector<std::pair<std::string, std::string>> lengths;
-    for (const auto& figure : FitReport::figures(fit, inputs, nullptr)) {
-        if (figure.first.find("correlation length") != std::string::npos) {
-            lengths.push_back(figure);
-        }
-    }
-
-    EXPECT_EQ(lengths,
-              (std::vector<std::pair<std::string, std::string>>{
-                  {"correlation length of x1", "0.5"},
-                  {"correlation length of x2", "300 (no influence beyond the trend)"},
-                  {"correlation length of x3", "300 (no influence beyond the trend)"},
-                  {"correlation length of x4", "300 (no influence beyond the trend)"},
-                  {"26 correlation lengths", "x5, x6, x7, x8, x9 and 21 more (no influence)"}}));
 }
 
 TEST(FitReport, HasTheCalibrationAsJson)
@@ -395,30 +339,6 @@ TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
     EXPECT_NE(FitReport::text(session).find(
                   "\nModel   response surface, linear, terms selected by AICc\n"),
               std::string::npos);
-}
-
-TEST(FitReport, HasAnEmptyListOfDroppedTermsWhereAllAreKept)
-{
-    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
-
-    EXPECT_EQ(printed(FitReport::runJson(session, 0.0))["outputs"][0]["droppedTerms"],
-              Json::array());
-}
-
-TEST(FitReport, NamesThePolynomial)
-{
-    CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
-    session.chooseResponseSurface(
-        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All});
-
-    const Json json = printed(FitReport::runJson(session, 0.0));
-    EXPECT_EQ(json["terms"], "interactions");
-    EXPECT_EQ(json["selectsTerms"], false);
-    EXPECT_EQ(json["outputs"][0]["coefficients"].size(), 4u);
-    EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
-    EXPECT_NE(
-        FitReport::text(session).find("\nModel   response surface, linear with interactions\n"),
-        std::string::npos);
 }
 
 TEST(FitReport, SaysWhyThereAreNoLimits)

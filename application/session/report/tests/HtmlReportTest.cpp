@@ -52,15 +52,6 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
     EXPECT_EQ(faultOf(html), "");
 }
 
-TEST(HtmlReport, SaysWhichTermsThereAre)
-{
-    CaseSession session = cvdSession();
-    session.chooseResponseSurface({PolynomialTerms::Linear});
-
-    EXPECT_TRUE(has(HtmlReport::text(session, {}),
-                    "<tr><td>Model</td><td>response surface, linear</td></tr>"));
-}
-
 TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
 {
     const std::string html = htmlOf(cvdSession(CaseSession::Kriging));

@@ -18,6 +18,11 @@ TEST(ReportHeading, NamesTheModelWithTermsThatAreNotTheUsualOnes)
     EXPECT_TRUE(ReportHeading::selectsTerms(session));
     EXPECT_EQ(ReportHeading::modelText(session),
               "response surface, linear with interactions, terms selected by AICc");
+    EXPECT_EQ(ReportHeading::modelJson(session)["terms"], "interactions");
+    EXPECT_EQ(ReportHeading::modelJson(session)["selectsTerms"], true);
+
+    session.chooseResponseSurface({PolynomialTerms::Linear});
+    EXPECT_EQ(ReportHeading::modelText(session), "response surface, linear");
 
     session.chooseModel(CaseSession::Kriging);
     EXPECT_EQ(ReportHeading::modelText(session), "Kriging");

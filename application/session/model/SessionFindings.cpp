@@ -1,0 +1,249 @@
+#include "session/model/SessionFindings.h"
+
+#include "session/cases/VariableNames.h"
+#include "session/diagnosis/ColumnFindings.h"
+#include "session/diagnosis/Diagnosis.h"
+#include "session/diagnosis/FindingWords.h"
+#include "session/diagnosis/FitFindings.h"
+#include "session/model/Workspace.h"
+
+#include <mirel_datamanagement/Project.h>
+#include <mirel_datapipeline/isInvalidValue.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/TermFormula.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace {
+bool transformsOutputs(const Workspace& workspace)
+{
+    const TransformSetting setting = workspace.transform();
+    return setting == TransformSetting::Usual ? workspace.modelType() == Workspace::Kriging
+                                              : setting != TransformSetting::None;
+}
+
+std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
+                                              const std::vector<VarPtr>& variables,
+                                              const std::vector<std::size_t>& rows)
+{
+    std::vector<DiagnosedCases::Column> columns;
+    const std::vector<std::string> names = shownNamesOf(variables);
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        columns.push_back(
+            {names[i], valuesAt(workspace.project().numericValues(variables[i]), rows)});
+    }
+    return columns;
+}
+
+DiagnosedCases diagnosedCases(const Workspace& workspace)
+{
+    DiagnosedCases cases;
+    cases.positions = workspace.validCases();
+    cases.inputs = columnsOf(workspace, workspace.inputs(), cases.positions);
+    cases.outputs = columnsOf(workspace, workspace.outputs(), cases.positions);
+    const std::vector<std::size_t> blocks =
+        workspace.designColumns().design(workspace.project(), cases.positions).blocks;
+    cases.blocks.assign(blocks.begin(), blocks.end());
+    cases.isKriging = workspace.modelType() == Workspace::Kriging;
+    cases.responseSurface = workspace.responseSurface();
+    if (cases.responseSurface.terms == PolynomialTerms::Chosen) {
+        cases.responseSurface.formula =
+            TermFormula(cases.responseSurface.formula, namesOf(workspace.inputs())).symbols();
+    }
+    cases.transformsOutputs = transformsOutputs(workspace);
+    return cases;
+}
+
+/** Why the cells of a column are no numbers, as far as the file says. */
+std::string causeText(const Workspace& workspace, const std::string& name, std::size_t missing)
+{
+    const auto found = workspace.cellsWithoutNumber().find(name);
+    if (found == workspace.cellsWithoutNumber().end()) {
+        return " (empty, marked as missing or infinite)";
+    }
+    // Cells of excluded cases count there, too.
+    return ", " + found->second.text() +
+           (found->second.count < missing ? ", others are empty" : "");
+}
+
+/** Columns that lack a number in the same included cases. */
+struct MissingCells
+{
+    std::vector<std::string> names;
+    std::vector<std::size_t> cases;
+    bool areOutputs = false;
+};
+
+std::vector<MissingCells> missingCells(const Workspace& workspace)
+{
+    std::vector<bool> isIncluded(workspace.counts().read, true);
+    for (const std::size_t position : workspace.project().excludedRows()) {
+        isIncluded[position] = false;
+    }
+    std::vector<MissingCells> groups;
+    for (const auto* const variables : {&workspace.outputs(), &workspace.inputs()}) {
+        for (const VarPtr& variable : *variables) {
+            const std::vector<double>& values = workspace.project().numericValues(variable);
+            std::vector<std::size_t> cases;
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                if (isIncluded[i] && isInvalidNumber(values[i])) {
+                    cases.push_back(i);
+                }
+            }
+            const auto same = std::find_if(groups.begin(), groups.end(),
+                                           [&](const auto& group) { return group.cases == cases; });
+            if (!cases.empty() && same != groups.end()) {
+                same->names.push_back(variable.lock()->name());
+            } else if (!cases.empty()) {
+                groups.push_back({{variable.lock()->name()},
+                                  std::move(cases),
+                                  variables == &workspace.outputs()});
+            }
+        }
+    }
+    return groups;
+}
+
+void addMissingCells(const Workspace& workspace, std::vector<Finding>& findings)
+{
+    constexpr std::size_t fewParts = 20; // of the cases: fewer missing are hardly a loss
+    const CaseCounts& counts = workspace.counts();
+    const std::size_t included = counts.read - counts.excluded;
+    for (const MissingCells& group : missingCells(workspace)) {
+        const std::size_t missing = group.cases.size();
+        const bool isOne = missing == 1;
+        const bool isColumn = group.names.size() == 1;
+        const std::string name = FindingWords::names(group.names);
+        std::string remedy = "complete " + std::string(isOne ? "it" : "them");
+        if (!isColumn) {
+            remedy += isOne ? ", or delete the line if it is no case"
+                            : ", or delete the lines if they are no cases";
+        } else if (!group.areOutputs && workspace.inputs().size() > 1) {
+            remedy += " or leave " + name + " out of -x";
+        } else if (group.areOutputs && workspace.outputs().size() > 1) {
+            remedy += " or model the outputs one by one, so that they do not lose the cases of "
+                      "each other";
+        }
+        findings.push_back(
+            {"missingCells",
+             2 * missing > included          ? Finding::Severe
+             : fewParts * missing > included ? Finding::Warning
+                                             : Finding::Note,
+             group.names,
+             name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
+                 std::to_string(missing) + " of " + std::to_string(included) + " cases" +
+                 causeText(workspace, group.names.front(), missing) + ": " +
+                 (isOne ? "this case is" : "these cases are") + " left out; " + remedy + "."});
+    }
+}
+
+/** By the warnings of the model, or by the note about the cells of a column that are no numbers. */
+bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
+{
+    if (finding.kind == "missingCells") {
+        return finding.severity != Finding::Severe &&
+               workspace.cellsWithoutNumber().count(finding.columns.front()) > 0;
+    }
+    static const std::vector<std::string_view> byResponseSurface = {
+        "constantInput", "fewValuesInput", "inestimableTerms", "tooFewCases", "saturatedFit"};
+    static const std::vector<std::string_view> byKriging = {"constantInput", "exactCopies",
+                                                            "nearCopies"};
+    const auto& said = workspace.modelType() == Workspace::Kriging ? byKriging : byResponseSurface;
+    return std::find(said.begin(), said.end(), finding.kind) != said.end();
+}
+
+/** Why there is nothing to model, if so. */
+void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
+{
+    if (!workspace.exportedReport().empty()) {
+        return;
+    }
+    const ReasonedNames reasons = workspace.reasonsAgainstInputs();
+    const std::string columns = reasons.empty() ? "" : ": " + reasonsText(reasons);
+    if (workspace.counts().read == 0) {
+        findings.push_back({"noCases",
+                            Finding::Severe,
+                            {},
+                            "The file names columns and holds no case: there is nothing to model; "
+                            "add a row for each case."});
+    } else if (workspace.outputs().empty()) {
+        findings.push_back({"noOutput",
+                            Finding::Severe,
+                            {},
+                            "No column is left to be an output" + columns +
+                                "; if they hold numbers, check how the file was read "
+                                "(--separator, --decimal, --skip), or name columns with -x and "
+                                "-y."});
+    } else if (workspace.inputs().empty()) {
+        findings.push_back({"noInput",
+                            Finding::Severe,
+                            {},
+                            "No column is left to be an input" + columns +
+                                "; name inputs with -x, or code texts as numbers."});
+    }
+}
+
+} // namespace
+
+SessionFindings SessionFindings::ofCases(const Workspace& workspace)
+{
+    SessionFindings result;
+    const DiagnosedCases cases = diagnosedCases(workspace);
+    result.validCases = cases.count();
+    addMissingRoles(workspace, result.findings);
+    addMissingCells(workspace, result.findings);
+    const Diagnosis diagnosis = Diagnosis::of(cases);
+    result.comparedCases = diagnosis.comparedCases;
+    result.findings.insert(result.findings.end(), diagnosis.findings.begin(),
+                           diagnosis.findings.end());
+    sortBySeverity(result.findings);
+    return result;
+}
+
+SessionFindings SessionFindings::ofFit(const Workspace& workspace,
+                                       const std::vector<ResponseSurfaceStatistics>& statistics)
+{
+    if (!workspace.exportedReport().empty()) {
+        return {};
+    }
+    SessionFindings result = ofCases(workspace);
+    result.findings.erase(
+        std::remove_if(result.findings.begin(), result.findings.end(),
+                       [&](const Finding& finding) { return isSaidElsewhere(finding, workspace); }),
+        result.findings.end());
+    const std::vector<std::string> outputs = shownNamesOf(workspace.outputs());
+    for (std::size_t i = 0; i < statistics.size(); ++i) {
+        const bool hasFarCase = std::any_of(
+            result.findings.begin(), result.findings.end(), [&](const Finding& finding) {
+                return (finding.kind == "farCase" || finding.kind == "missingCode") &&
+                       finding.columns.front() == outputs[i];
+            });
+        for (const Finding& finding : FitFindings::find(outputs[i], statistics[i])) {
+            if (!hasFarCase || finding.kind != "suspectedOutliers") {
+                result.findings.push_back(finding);
+            }
+        }
+    }
+    sortBySeverity(result.findings);
+    return result;
+}
+
+std::vector<Finding> SessionFindings::severe(const Workspace& workspace)
+{
+    // Of all that Diagnosis looks for only these are severe.
+    std::vector<Finding> findings;
+    const DiagnosedCases cases = diagnosedCases(workspace);
+    addMissingCells(workspace, findings);
+    for (const std::vector<Finding>& found :
+         {ColumnFindings::constants(cases), ColumnFindings::farCases(cases)}) {
+        findings.insert(findings.end(), found.begin(), found.end());
+    }
+    findings.erase(
+        std::remove_if(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.severity != Finding::Severe; }),
+        findings.end());
+    return findings;
+}
