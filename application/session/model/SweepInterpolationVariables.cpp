@@ -20,13 +20,9 @@ SweepInterpolationVariables::~SweepInterpolationVariables() = default;
 
 void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count)
 {
-    choose(variable, {count, std::nullopt});
-}
-
-void SweepInterpolationVariables::sweep(const VarPtr& variable, std::size_t count,
-                                        const Range& range)
-{
-    choose(variable, {count, range});
+    std::map<VarPtr, Sweep> changed = chosenSweeps;
+    changed.insert_or_assign(variable, Sweep{count, std::nullopt});
+    setSweeps(changed);
 }
 
 void SweepInterpolationVariables::stayAtEvaluationPoint(const VarPtr& variable)
@@ -93,13 +89,6 @@ SweepInterpolationVariables::rangeOf(const VarPtr& variable) const
     return sweepRange(*project, variable,
                       validCases(*project, manager->independentVars()->get(), chosenOutputs,
                                  project->excludedRows()));
-}
-
-void SweepInterpolationVariables::choose(const VarPtr& variable, const Sweep& sweep)
-{
-    std::map<VarPtr, Sweep> changed = chosenSweeps;
-    changed.insert_or_assign(variable, sweep);
-    setSweeps(changed);
 }
 
 void SweepInterpolationVariables::emitChanged() const

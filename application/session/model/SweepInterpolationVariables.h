@@ -50,9 +50,6 @@ public:
      *  @param count of values; one alone is NaN, as DistributedPoints has it. */
     void sweep(const VarPtr& variable, std::size_t count);
 
-    /** Sweeps over a range of its own, in the variable's units; it may fall. */
-    void sweep(const VarPtr& variable, std::size_t count, const Range& range);
-
     void stayAtEvaluationPoint(const VarPtr& variable);
 
     /** The swept variables; all others stay at the evaluation point. */
@@ -76,7 +73,6 @@ protected:
     interpolationPoints(VarPtr variable) const override;
 
 private:
-    void choose(const VarPtr& variable, const Sweep& sweep);
     void emitChanged() const;
 
     Range rangeOf(const VarPtr& variable) const;

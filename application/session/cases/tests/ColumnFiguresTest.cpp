@@ -27,6 +27,7 @@ TEST(ColumnFigures, CountCellsAndValues)
 TEST(ColumnFigures, TheMedianOfAnEvenNumberIsTheMeanOfTheMiddleTwo)
 {
     EXPECT_EQ(ColumnFigures::of(std::vector<double>{4, 1, 9, 2}).median, 3.0);
+    EXPECT_EQ(medianOf({5, 1, 2}), 2.0);
     const double largest = std::numeric_limits<double>::max();
     EXPECT_EQ(ColumnFigures::of(std::vector<double>{largest, largest}).median, largest);
 }
@@ -81,11 +82,4 @@ TEST(ColumnFigures, TextsAreCountedToo)
     EXPECT_EQ(figures.missing, 1u);
     EXPECT_EQ(figures.distinct, 2u);
     EXPECT_TRUE(std::isnan(figures.median));
-}
-
-TEST(ColumnFigures, TheMedianOfAnEvenNumberLiesBetweenTheTwoInTheMiddle)
-{
-    EXPECT_EQ(medianOf({5, 1, 2, 4}), 3.0);
-    EXPECT_EQ(medianOf({5, 1, 2}), 2.0);
-    EXPECT_EQ(medianOf({1.6e308, 1.6e308}), 1.6e308);
 }

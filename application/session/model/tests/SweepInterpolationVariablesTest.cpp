@@ -88,7 +88,7 @@ TEST_F(SweepInterpolationVariablesTest, TheRangeIsReadWhenValuesAreAskedFor)
 
     EXPECT_EQ(valuesOf(a), (Numbers{0.0, 50.0, 100.0}));
 
-    variables->sweep(a, 3, {2.0, -2.0});
+    variables->setSweeps({{a, {3, SweepInterpolationVariables::Range(2.0, -2.0)}}});
 
     EXPECT_EQ(valuesOf(a), (Numbers{2.0, 0.0, -2.0}));
 
@@ -123,7 +123,7 @@ TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsReportedOnce)
     EXPECT_EQ(emissions, 1);
 
     variables->sweep(a, 4);
-    variables->sweep(a, 4, {0.0, 1.0});
+    variables->setSweeps({{a, {4, SweepInterpolationVariables::Range(0.0, 1.0)}}});
     variables->setOutputs({y});
     variables->setOutputs({y});
     variables->stayAtEvaluationPoint(a);
