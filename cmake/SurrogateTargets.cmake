@@ -135,8 +135,9 @@ function(surrogate_add_test name)
     # Unoptimised: compiling tests takes longer than running them. No header of ours is precompiled:
     # one that lacks an include is found out where the libraries are compiled.
     target_compile_options(${name} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0>
-        # Checks of undefined behaviour are for the libraries: in tests they double the compilation.
-        $<$<CONFIG:Asan>:-fno-sanitize=undefined>)
+        # Checks of undefined behaviour, and the counters of the fuzzers, are for the libraries: in
+        # tests they double the compilation.
+        $<$<CONFIG:Asan>:-fno-sanitize=undefined,fuzzer-no-link>)
     target_precompile_headers(${name} PRIVATE <gtest/gtest.h> ${arg_PRECOMPILE})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} mirel::warnings GTest::gtest)
     # What tests of several rooms share stands in tests/ of their component.
