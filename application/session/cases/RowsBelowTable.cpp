@@ -1,0 +1,103 @@
+#include "session/cases/RowsBelowTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <utility>
+
+namespace {
+/** More are no remarks. */
+constexpr std::size_t maxFilledRows = 20;
+
+/** What the first cell says in a row of sums. */
+bool isSum(std::string_view cell)
+{
+    constexpr std::array<std::string_view, 35> sums = {
+        "total",    "totals",     "grand",  "totale",     "gesamt",  "sum",      "sums",
+        "summe",    "somme",      "soma",   "suma",       "average", "averages", "avg",
+        "mean",     "means",      "mittel", "mittelwert", "moyenne", "media",    u8"média",
+        "promedio", "gennemsnit", "min",    "minimum",    "max",     "maximum",  "std",
+        "stdev",    "stdabw",     "ecart",  u8"écart",    u8"Écart", "median",   "count"};
+    std::string word(cell);
+    std::transform(word.begin(), word.end(), word.begin(),
+                   [](unsigned char letter) { return std::tolower(letter); });
+    word.resize(std::min(word.find_first_of(" :.-"), word.size()));
+    return std::find(sums.begin(), sums.end(), word) != sums.end();
+}
+
+bool beginsAsNumber(std::string_view cell)
+{
+    return !cell.empty() && std::string_view("0123456789+-.").find(cell.front()) < 13;
+}
+} // namespace
+
+RowsBelowTable::RowsBelowTable(const CellReader& reader, const CaseFileReader::Options& options)
+    : reader(reader), keepsAllFilled(options.isStrict),
+      keepsFull(options.keepCells) // points get all their rows back
+{}
+
+bool RowsBelowTable::isEmpty(const std::vector<std::string_view>& cells)
+{
+    return std::all_of(cells.begin(), cells.end(),
+                       [](std::string_view cell) { return cell.empty(); });
+}
+
+bool RowsBelowTable::holdBack(const std::vector<std::string_view>& cells, std::size_t line,
+                              std::size_t columns, FirstColumn firstColumn)
+{
+    const bool isBlank = cells.front().empty() && cells.size() > 1 && isEmpty(cells);
+    if (isBlank) {
+        rows.push_back({{}, line});
+        return true;
+    }
+    if (filled >= maxFilledRows || !mayStandBelow(cells, columns, firstColumn)) {
+        return false;
+    }
+    rows.push_back({{cells.begin(), cells.end()}, line});
+    ++filled;
+    return true;
+}
+
+bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, std::size_t columns,
+                                   FirstColumn firstColumn) const
+{
+    const std::string_view first = cells.front();
+    const bool isWhole = cells.size() == columns;
+    if (keepsAllFilled || cells.size() > columns ||
+        (isWhole && (keepsFull || beginsAsNumber(first)))) {
+        return false;
+    }
+    const bool hasLabels = firstColumn == FirstColumn::Labels;
+    if ((isSum(first) && !hasLabels) ||
+        (firstColumn == FirstColumn::CaseNumbers && reader.read(first).kind == CellValue::Text)) {
+        return true;
+    }
+    if (hasLabels && !isSum(first) && !first.empty() && isWhole) {
+        return false;
+    }
+    // Texts next to empty cells. In a full row of texts a case may have failed.
+    bool hasText = false;
+    bool hasEmpty = !isWhole;
+    for (auto cell = cells.rbegin(); cell != cells.rend(); ++cell) { // numbers come last
+        const CellValue value = cell->empty() ? CellValue() : reader.read(*cell);
+        hasText = hasText || value.kind == CellValue::Text;
+        hasEmpty = hasEmpty || cell->empty();
+        if (!cell->empty() && value.kind != CellValue::Text) {
+            return false;
+        }
+    }
+    return hasText && hasEmpty;
+}
+
+std::vector<RowsBelowTable::Row> RowsBelowTable::release()
+{
+    filled = 0;
+    return std::exchange(rows, {});
+}
+
+void RowsBelowTable::removeEmptyRowsAtEnd()
+{
+    while (!rows.empty() && rows.back().cells.empty()) {
+        rows.pop_back();
+    }
+}
