@@ -26,6 +26,14 @@ std::vector<double> noisy(std::vector<double> values, double deviation)
     return values;
 }
 
+/** A fit that several tests look at, made once. */
+const KrigingFit& fitOfHill()
+{
+    static const Columns inputs = latinHypercube(1200, 3, 3);
+    static const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
+    return fit;
+}
+
 } // namespace
 
 TEST(LargeKriging, PredictsBetterThanTheSubsetAlone)
@@ -67,11 +75,10 @@ TEST(LargeKriging, ComesCloseToTheExactModelOfAllCases)
 
 TEST(LargeKriging, MeasuresItsErrorAndThatOfEachPointByCasesLeftOut)
 {
-    const Columns inputs = latinHypercube(1200, 3, 3);
     const Columns points = latinHypercube(1000, 3, 4);
     const std::vector<double> expected = valuesOf(hill, points);
 
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
+    const KrigingFit& fit = fitOfHill();
 
     const double deviation = fit.metrics.looRmse / std::sqrt(1.0 - fit.metrics.q2);
     const double error = relativeError(predicted(fit, points), expected) * deviation;
@@ -299,8 +306,7 @@ TEST(LargeKriging, ReportsEachFewCasesThatItMeasuresBy)
 
 TEST(LargeKriging, HasLargerStandardErrorsWhereNoCaseIsNear)
 {
-    const Columns inputs = latinHypercube(1200, 3, 3);
-    const KrigingFit fit = fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300));
+    const KrigingFit& fit = fitOfHill();
     for (const double beyond : {0.05, 0.1, 0.3}) {
         Columns points = latinHypercube(200, 3, 4);
         for (double& x : points[0]) {
@@ -324,10 +330,9 @@ TEST(LargeKriging, HasTheStandardErrorsOfTheSubsetFarOutside)
 {
     const Columns inputs = latinHypercube(1200, 3, 3);
     const std::vector<double> output = valuesOf(hill, inputs);
-    const KrigingFitOptions options = manyAreMoreThan(300);
-    KrigingFitOptions alone = options;
+    KrigingFitOptions alone = manyAreMoreThan(300);
     alone.sizes.neighbours = 0;
-    const KrigingFit fit = fitOf(inputs, output, options);
+    const KrigingFit& fit = fitOfHill();
     const KrigingFit ofSubset = fitOf(inputs, output, alone);
     // Every other point lies between the cases; the others 2, 20 and 200 ranges beyond them.
     const double nan = std::numeric_limits<double>::quiet_NaN();
