@@ -32,11 +32,7 @@
 class SURROGATE_SESSION_EXPORT CaseFileReader
 {
 public:
-    struct Options : ReadingChoices
-    {
-        /** Whether the texts of all cells are kept as well. */
-        bool keepCells = false;
-    };
+    using Options = ReadingOptions;
 
     /**
      * @param path "-" is the standard input.

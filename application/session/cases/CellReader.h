@@ -1,6 +1,7 @@
 #pragma once
 
-#include <session/cases/CaseFileReader.h>
+#include <session/cases/CaseFileLayout.h>
+#include <session/cases/ReadingChoices.h>
 #include <session/text/CellValue.h>
 
 #include <string_view>
@@ -10,7 +11,7 @@ class CellReader
 {
 public:
     /** @param options borrowed for life. */
-    CellReader(const CaseFileReader::Options& options, const CaseFileLayout& layout)
+    CellReader(const ReadingOptions& options, const CaseFileLayout& layout)
         : missing(options.missing),
           decimalComma((layout.separator != ',' || layout.hasDecimalComma) &&
                        layout.thousandsSeparator != ',' && options.decimalMark != CellValue::Point),

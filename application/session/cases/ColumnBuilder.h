@@ -1,6 +1,5 @@
 #pragma once
 
-#include <session/cases/CaseFileReader.h>
 #include <session/cases/CaseTable.h>
 #include <session/cases/CellReader.h>
 #include <session/cases/RowsBelowTable.h>
@@ -21,7 +20,7 @@ struct NotUtf8
 class ColumnBuilder
 {
 public:
-    ColumnBuilder(CaseTable& result, const CaseFileReader::Options& options)
+    ColumnBuilder(CaseTable& result, const ReadingOptions& options)
         : table(result), reader(options, result.layout), rowsBelow(reader, options),
           keepCells(options.keepCells), needsComma(options.decimalMark == CellValue::Comma),
           isUtf8Sure(options.encoding || result.layout.encoding != TextEncoding::Utf8),

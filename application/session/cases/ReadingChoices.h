@@ -31,3 +31,10 @@ struct ReadingChoices
     /** Whether a filled cell that is no number is refused in a numeric column. */
     bool isStrict = false;
 };
+
+/** These, and what the caller wants of the table. */
+struct ReadingOptions : ReadingChoices
+{
+    /** Whether the texts of all cells are kept as well. */
+    bool keepCells = false;
+};

@@ -31,7 +31,7 @@ bool beginsAsNumber(std::string_view cell)
 }
 } // namespace
 
-RowsBelowTable::RowsBelowTable(const CellReader& reader, const CaseFileReader::Options& options)
+RowsBelowTable::RowsBelowTable(const CellReader& reader, const ReadingOptions& options)
     : reader(reader), keepsAllFilled(options.isStrict),
       keepsFull(options.keepCells) // points get all their rows back
 {}

@@ -27,7 +27,7 @@ public:
     };
 
     /** @param reader borrowed for life. */
-    RowsBelowTable(const CellReader& reader, const CaseFileReader::Options& options);
+    RowsBelowTable(const CellReader& reader, const ReadingOptions& options);
 
     /**
      * Keeps a row if it may stand below the table.

@@ -19,7 +19,7 @@ protected:
 
     RowsBelowTable rows() const { return RowsBelowTable(reader, options); }
 
-    CaseFileReader::Options options;
+    ReadingOptions options;
     CellReader reader{options, CaseFileLayout()};
 };
 } // namespace
