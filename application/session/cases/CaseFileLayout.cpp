@@ -46,6 +46,9 @@ std::string CaseFileLayout::text() const
     if (!numberedNames.empty()) {
         form.push_back("repeated names numbered (" + shortList(numberedNames) + ')');
     }
+    if (!truthValues.empty()) {
+        form.push_back("truth values as 1 and 0 in " + shortList(truthValues));
+    }
     if (!unitsInCells.empty()) {
         form.push_back("units in the cells of " + shortList(unitsInCells));
     }

@@ -35,6 +35,7 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     bool hasRowNames = false;              ///< whether a column without a heading comes first
     std::vector<std::string> numericNames; ///< those of the columns that read as numbers
     std::vector<std::string> numberedNames; ///< what names that came before are called: "x.1"
+    std::vector<std::string> truthValues;   ///< columns of TRUE and FALSE or the like
     std::vector<std::string> unitsInCells;  ///< columns with a unit after numbers: "x (mm)"
     std::size_t repeatedHeadings = 0;       ///< lines among the cases that say the same again
     std::size_t linesBelow = 0;             ///< after the last case: remarks, sums of columns

@@ -7,6 +7,9 @@
 
 #include <mirel_property/Utf8.h>
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <unordered_map>
 
 namespace {
@@ -45,12 +48,17 @@ void ColumnBuilder::checkSize(const std::vector<std::string_view>& cells, std::s
         cells.size() > columns &&
         RowsBelowTable::isEmpty(std::vector<std::string_view>(
             cells.begin() + static_cast<std::ptrdiff_t>(columns), cells.end()));
-    // Where the heading has more cells than all cases, the last columns are empty.
+    // Where the heading has more cells than all cases, the last columns are empty. Spreadsheets
+    // leave out separators before empty cells of remarks, but not in their first rows.
+    constexpr std::size_t fewestCases = 4;
     const char separator = table.layout.separator;
-    const bool isLackEmpty = (separator == '\t' || separator == ';') && cells.size() < columns &&
-                             cells.size() == table.layout.columns &&
-                             std::all_of(table.columns.begin(), table.columns.end(),
-                                         [](const CaseColumn& column) { return column.isNamed; });
+    bool isLackEmpty =
+        cells.size() > 1 && cells.size() < columns && separator != CaseFileLayout::blanks &&
+        (table.cases >= fewestCases || (separator != ',' && cells.size() == table.layout.columns));
+    for (std::size_t i = 0; i < columns; ++i) {
+        isLackEmpty =
+            isLackEmpty && table.columns[i].isNamed && (i < cells.size() || states[i].numbers == 0);
+    }
     if (isSurplusEmpty || isLackEmpty) {
         return;
     }
@@ -246,9 +254,21 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
                                           std::to_string(state.firstNumberLine)) +
                 ')');
         }
+        const std::vector<std::string>& texts = column.withoutNumber.spellings;
+        state.isTruth = !isRowNames && state.numbers == 0 && !texts.empty() &&
+                        !column.withoutNumber.hasMoreSpellings &&
+                        std::all_of(texts.begin(), texts.end(), [](const std::string& text) {
+                            return truthValue(text).has_value();
+                        });
+        if (state.isTruth) {
+            table.layout.truthValues.push_back(column.name);
+            column.withoutNumber = {};
+        }
         const bool isOfNumbers =
+            state.isTruth ||
             state.numbers + (state.unit.empty() ? 0 : state.withUnit) >= column.withoutNumber.count;
-        if (isRowNames || (column.isNumeric == isOfNumbers && state.unit.empty())) {
+        if (isRowNames ||
+            (column.isNumeric == isOfNumbers && state.unit.empty() && !state.isTruth)) {
             continue;
         }
         if (column.isNumeric == isOfNumbers) {
@@ -267,9 +287,49 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
     return exchanged;
 }
 
-void ColumnBuilder::takeHeading(const std::vector<std::string_view>& names, std::size_t line)
+/** The names of columns that are separated by several blanks: "oil temp  load", where so many are
+ *  there as there are columns; else each word. */
+std::vector<std::string_view>
+ColumnBuilder::namesOfWords(const std::vector<std::string_view>& words) const
+{
+    const CaseFileLayout& layout = table.layout;
+    if (layout.separator != CaseFileLayout::blanks || words.size() <= layout.columns) {
+        return words;
+    }
+    std::vector<std::string_view> names;
+    for (const std::string_view word : words) {
+        const bool follows =
+            !names.empty() && names.back().data() + names.back().size() + 1 == word.data();
+        if (follows) {
+            names.back() = {names.back().data(), names.back().size() + 1 + word.size()};
+        } else {
+            names.push_back(word);
+        }
+    }
+    return names.size() == layout.columns ? names : words;
+}
+
+/** 1 or 0 for the words of a truth value, as spreadsheets in several languages write them. */
+std::optional<double> ColumnBuilder::truthValue(std::string_view text)
+{
+    static constexpr std::array<std::string_view, 6> yes = {"true", "yes", "on",
+                                                            "wahr", "ja",  "vrai"};
+    static constexpr std::array<std::string_view, 6> no = {"false",  "no",   "off",
+                                                           "falsch", "nein", "faux"};
+    std::string word(text);
+    std::transform(word.begin(), word.end(), word.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    if (std::find(yes.begin(), yes.end(), word) != yes.end()) {
+        return 1.0;
+    }
+    return std::find(no.begin(), no.end(), word) != no.end() ? std::make_optional(0.0)
+                                                             : std::nullopt;
+}
+
+void ColumnBuilder::takeHeading(const std::vector<std::string_view>& words, std::size_t line)
 {
     CaseFileLayout& layout = table.layout;
+    const std::vector<std::string_view> names = namesOfWords(words);
     headingCells.assign(names.begin(), names.end());
     if (layout.hasRowNames) {
         CaseColumn& column = table.columns.emplace_back();

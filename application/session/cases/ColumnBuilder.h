@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,7 +28,7 @@ public:
           isStrict(options.isStrict)
     {}
 
-    void takeHeading(const std::vector<std::string_view>& names, std::size_t line);
+    void takeHeading(const std::vector<std::string_view>& words, std::size_t line);
 
     void takeUnits(const std::vector<std::string_view>& cells)
     {
@@ -96,7 +97,10 @@ public:
     void takeCellAgain(std::size_t column, std::string_view text)
     {
         CellValue value = reader.read(text);
-        if (value.kind == CellValue::Text && !states[column].unit.empty()) {
+        if (value.kind == CellValue::Text && states[column].isTruth) {
+            value.kind = CellValue::Number;
+            value.number = *truthValue(text);
+        } else if (value.kind == CellValue::Text && !states[column].unit.empty()) {
             const auto [number, unit] = numberAndUnit(text);
             value = unit == states[column].unit ? reader.read(number) : value;
         }
@@ -114,6 +118,7 @@ private:
     struct State
     {
         std::size_t numbers = 0;
+        bool isTruth = false; ///< whether all texts are truth values
         std::size_t firstNumberLine = 0;
         std::string unit;              ///< after the first number that has one
         std::size_t withUnit = 0;      ///< cells of a number with that unit
@@ -142,6 +147,8 @@ private:
 
     void checkText(std::string_view text, std::size_t line) const;
 
+    static std::optional<double> truthValue(std::string_view text);
+    std::vector<std::string_view> namesOfWords(const std::vector<std::string_view>& words) const;
     void numberRepeatedNames(std::size_t line);
 
     RowsBelowTable::FirstColumn firstColumn() const;

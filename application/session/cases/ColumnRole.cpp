@@ -219,10 +219,10 @@ bool isMonth(const std::string& word)
     return word.size() >= 3 && isOneOf(word.substr(0, 3), months);
 }
 
-/** "1/8", "0.5-1.5" and "2.5-", which have the signs of dates. */
+/** "1/8", "1:4", "0.5-1.5" and "2.5-", which have the signs of dates. */
 bool isFractionOrSpan(const std::string& text)
 {
-    if (text.find_first_not_of("0123456789.-/") != std::string::npos) {
+    if (text.find_first_not_of("0123456789.-/:") != std::string::npos) {
         return false;
     }
     std::string signs;
@@ -234,6 +234,9 @@ bool isFractionOrSpan(const std::string& text)
         signs += isDigit(character) ? "" : std::string(1, character);
     }
     constexpr std::size_t digitsOfYear = 4;
+    if (signs.find(':') != std::string::npos) {
+        return text.size() < 3 || !isDigit(text[text.size() - 2]); // a time has two digits there
+    }
     return signs.find_first_not_of(signs.front()) != std::string::npos ||
            (signs.size() == 1 && longest < digitsOfYear);
 }
@@ -413,6 +416,13 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     if (isOneOf(plainName(column.name), kinds)) {
         return "says which kind of point a case is";
     }
+    static constexpr std::array<std::string_view, 6> repeats = {
+        "replicate", "replication", "rep", "repeat", "repetition", "wiederholung"};
+    if (isOneOf(plainName(column.name), repeats) &&
+        std::all_of(column.numbers.begin(), column.numbers.end(),
+                    [](double number) { return std::isnan(number) || isWholeNumber(number); })) {
+        return "numbers the repeats";
+    }
     const std::string numbering = numberingText(column);
     return numbering.empty() ? "" : numbering + spanText(column.numbers);
 }
@@ -440,7 +450,11 @@ ColumnRoles::likelyOutputs(const CaseTable& table, const std::vector<std::size_t
         return outputs;
     }
     for (const std::size_t position : candidates) {
-        if (isNameOfOutput(table.columns[position].name)) {
+        // Behind x and before another column y is a coordinate.
+        const bool isCoordinate = position > 0 && position != candidates.back() &&
+                                  plainName(table.columns[position].name) == "y" &&
+                                  plainName(table.columns[position - 1].name) == "x";
+        if (isNameOfOutput(table.columns[position].name) && !isCoordinate) {
             outputs.emplace_back(position, "suggested by its name");
         }
     }

@@ -98,7 +98,17 @@ bool takeHeadingFromComment(std::string_view sample, const SampleRecord& record,
         if (fromLast >= comments.size()) {
             return std::nullopt;
         }
-        auto names = recordAt(sample, comments[comments.size() - 1 - fromLast], layout);
+        const Comment& comment = comments[comments.size() - 1 - fromLast];
+        auto names = recordAt(sample, comment, layout);
+        if (layout.separator == '\t' && names && names->cells.size() < parts.columns()) {
+            CaseFileLayout ofBlanks = layout; // numbers between tabs can be split there, too
+            ofBlanks.separator = CaseFileLayout::blanks;
+            names = recordAt(sample, comment, ofBlanks);
+            layout.separator =
+                names && names->cells.size() == parts.columns() && parts.canBeNames(*names, false)
+                    ? CaseFileLayout::blanks
+                    : '\t';
+        }
         const bool fits = names && names->cells.size() == parts.columns();
         return fits ? names : std::nullopt;
     };

@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"Time [s]", {0, 0.5, 1, 1.5, 2, 2.5}, "times that only ascend, from 0 to 2.5"},
         Example{
             "PartNo", {4711, 4718, 4720, 4731, 4740, 4799}, "numbers the cases, from 4711 to 4799"},
+        Example{"Rep", {1, 2, 3, 1, 2, 3}, "numbers the repeats"},
         Example{"PtType", {1, 1, 0, 0, -1, -1}, "says which kind of point a case is"},
         Example{"b",
                 {1, 3, std::nan(""), std::nan(""), std::nan(""), std::nan("")},
@@ -101,6 +102,14 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"Reynolds No.", {4000, 2000, 6000, 1000, 3000, 5000}, ""},
         Example{"solid", {1000, 2000, 3000, 4100, 5000, 6000}, ""},
         Example{"b", {1, 1, 1, 1, 1, 2}, ""}));
+
+TEST(ColumnRole, YBetweenOtherColumnsIsACoordinate)
+{
+    const CaseTable table =
+        tableOf({{"X", {1, 1, 2, 2, 3, 3}}, {"Y", {1, 2, 1, 2, 1, 2}}, {"T", response}});
+
+    EXPECT_EQ(chooseCaseRoles(table, {}, {}, UnnamedOutputs::Suggested).outputs, (Positions{2}));
+}
 
 TEST(ColumnRole, FourNumbersInAscendingOrderAreNoRunNumbers)
 {
@@ -162,6 +171,7 @@ TEST(ColumnRole, TextsAreToldFromDatesAndTimes)
     EXPECT_EQ(reasonOfTexts({"north", "2024-01-31"}), "text, such as \"north\"");
     EXPECT_EQ(reasonOfTexts({"A-12/7"}), "text, such as \"A-12/7\"");
     EXPECT_EQ(reasonOfTexts({"04.03."}), "dates or times");
+    EXPECT_EQ(reasonOfTexts({"1:4"}), "text, such as \"1:4\"");
     EXPECT_EQ(reasonOfTexts({"3/8"}), "text, such as \"3/8\"");
     EXPECT_EQ(reasonOfTexts({"0.5-1.5"}), "text, such as \"0.5-1.5\"");
     EXPECT_EQ(reasonOfTexts({"2.5-"}), "text, such as \"2.5-\"");
