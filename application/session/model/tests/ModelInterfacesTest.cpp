@@ -54,7 +54,7 @@ TEST(ModelInterfaces, LooksIntoTransformedOutputs)
             return std::make_unique<KrigingSurrogateModel>(inputs, outputs, static_cast<int>(rows),
                                                            KrigingOptions());
         },
-        OutputTransform::Logarithm);
+        TransformSetting::Logarithm);
     const ModelInterfaces interfaces(model);
 
     EXPECT_EQ(interfaces.transform(0).transform, OutputTransform::Logarithm);
@@ -74,7 +74,7 @@ TEST(ModelInterfaces, NamesTheOutputsOfTransformedCasesThemselves)
         [](const auto& inputs, const auto& outputs, std::size_t rows, const auto&) {
             return std::make_unique<SurrogateResponseSurfaceModel>(inputs, outputs, rows);
         },
-        OutputTransform::Logarithm);
+        TransformSetting::Logarithm);
 
     const auto statistics = ModelInterfaces(model).responseSurfaceStatistics(0);
 
