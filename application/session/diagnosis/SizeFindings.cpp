@@ -30,10 +30,16 @@ std::string nameOf(PolynomialTerms terms)
     }
 }
 
-std::size_t differentCases(const DiagnosedCases& cases)
+/** @param columns one number per case each: those of inputs, and of blocks. */
+std::size_t differentCases(const std::vector<const double*>& columns, std::size_t count)
 {
-    return cases.count() -
-           ReplicatedCases(pointersTo(cases.inputs), cases.count()).degreesOfFreedom();
+    return count - ReplicatedCases(columns, count).degreesOfFreedom();
+}
+
+/** The columns of the design that k blocks take: k - 1. */
+std::size_t blockTerms(const DiagnosedCases& cases)
+{
+    return cases.blocks.empty() ? 0 : distinctValues(cases.blocks, cases.count()) - 1;
 }
 
 /** ", with a third value of A and B for their squares" where they have two. */
@@ -86,8 +92,9 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
     }
     if (cases.isKriging) {
         const std::size_t wanted = 2 * inputs;
-        const std::size_t different =
-            cases.count() > wanted * 10 ? cases.count() : differentCases(cases);
+        const std::size_t different = cases.count() > wanted * 10
+                                          ? cases.count()
+                                          : differentCases(pointersTo(cases.inputs), cases.count());
         if (different >= wanted) {
             return {};
         }
@@ -103,20 +110,30 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
 
     const std::size_t terms =
         SurrogateResponseSurfaceModel::termCount(cases.responseSurface, isVarying);
-    if (cases.count() > terms + 2 && cases.count() > 10 * terms) {
+    const std::size_t ofBlocks = blockTerms(cases);
+    const std::size_t columns = terms + ofBlocks; // of the design
+    if (cases.count() > columns + 2 && cases.count() > 10 * terms) {
         return {};
     }
-    const std::size_t different = differentCases(cases);
+    std::vector<const double*> values = pointersTo(cases.inputs);
+    const std::size_t points = differentCases(values, cases.count());
+    if (ofBlocks > 0) {
+        values.push_back(cases.blocks.data());
+    }
+    // The polynomial needs different points; the same point in another block is another case.
+    const std::size_t different = points < terms ? points : differentCases(values, cases.count());
     const std::string model = nameOf(cases.responseSurface.terms) + countedText(inputs, "input");
-    const std::string wanted = std::to_string(terms) + " terms";
+    const std::string blocks =
+        ofBlocks == 0 ? "" : " (" + std::to_string(ofBlocks) + " of the blocks)";
+    const std::string wanted = std::to_string(columns) + " terms" + blocks;
     const std::optional<std::size_t> rank = TermFindings::rank(cases);
-    if (rank && *rank < std::min(different, terms)) {
+    if (rank && *rank < std::min(points, terms)) {
         // More cases on the same levels would not help: TermFindings says what does.
         const bool hasTwoLevels =
             std::all_of(cases.inputs.begin(), cases.inputs.end(),
                         [](const Column& input) { return distinctValues(input.values, 3) <= 2; });
         // The fit falls back to the interactions of two levels, and says so.
-        if (cases.count() >= terms ||
+        if (cases.count() >= columns ||
             (hasTwoLevels && cases.count() > *rank && determineInteractions(cases, *rank))) {
             return {};
         }
@@ -140,7 +157,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                           ? "; if the variables stand in rows, write them in columns."
                           : ".")}};
     }
-    if (different < terms) {
+    if (different < columns) {
         const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear
                                         ? "add them or leave inputs out of -x"
                                         : "add them or choose fewer terms with --terms";
@@ -149,21 +166,22 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  {},
                  countedText(different, "different case") + (different == 1 ? " does" : " do") +
                      " not determine the " + wanted + " of a " + model + ": terms are left out; " +
-                     std::to_string(terms) + " cases would do" + thirdValues(cases) + " and " +
-                     std::to_string(terms + terms / 2 + 1) + " would leave some for the error; " +
+                     std::to_string(columns) + " cases would do" + thirdValues(cases) + " and " +
+                     std::to_string(columns + terms / 2 + 1) + " would leave some for the error; " +
                      smaller + "."}};
     }
-    if (cases.count() == terms) {
+    if (cases.count() == columns) {
         return {{"saturatedFit",
                  Finding::Warning,
                  {},
-                 "A " + model + " has as many terms as there are cases, " + std::to_string(terms) +
+                 "A " + model + " has as many terms as there are cases, " +
+                     std::to_string(columns) + blocks +
                      ": it passes through all of them, and no case is left to estimate its error "
                      "from; "
                      "add cases, or choose fewer terms with --terms."}};
     }
-    if (cases.count() <= terms + 2) {
-        const std::size_t spare = cases.count() - terms;
+    if (cases.count() <= columns + 2) {
+        const std::size_t spare = cases.count() - columns;
         return {{"fewDegreesOfFreedom",
                  Finding::Note,
                  {},

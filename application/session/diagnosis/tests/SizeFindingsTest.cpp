@@ -88,6 +88,47 @@ TEST(SizeFindings, ChosenTermsAreCounted)
                      "with --terms."}));
 }
 
+TEST(SizeFindings, BlocksTakeATermFewerThanThereAre)
+{
+    const auto findings = [](std::size_t count, bool isKriging = false) {
+        DiagnosedCases cases = casesOfTwoInputs(count);
+        cases.isKriging = isKriging;
+        for (std::size_t row = 0; row < count; ++row) {
+            cases.blocks.push_back(static_cast<double>(row % 3));
+        }
+        return textsOf(SizeFindings::find(cases));
+    };
+    EXPECT_EQ(findings(7),
+              (Texts{"tooFewCases: 7 different cases do not determine the 8 terms (2 of the "
+                     "blocks) of a quadratic response surface of 2 inputs: terms are left out; 8 "
+                     "cases would do and 12 would leave some for the error; add them or choose "
+                     "fewer terms with --terms."}));
+    EXPECT_EQ(findings(8),
+              (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
+                     "there are cases, 8 (2 of the blocks): it passes through all of them, and no "
+                     "case is left to estimate its error from; add cases, or choose fewer terms "
+                     "with --terms."}));
+    EXPECT_EQ(findings(9),
+              (Texts{"fewDegreesOfFreedom: A quadratic response surface of 2 inputs has 8 terms "
+                     "(2 of the blocks), and there is 1 case more: its errors and p-values rest "
+                     "on that one; add cases, or choose fewer terms with --terms."}));
+    EXPECT_EQ(findings(11), Texts());
+    EXPECT_EQ(findings(4, true), Texts()) << "Kriging has no blocks";
+}
+
+TEST(SizeFindings, ThePointsOfABlockAreOtherCasesInAnother)
+{
+    // Four points in each of two blocks: 3 terms and one of the blocks.
+    DiagnosedCases cases =
+        casesOf({{"a", {0, 1, 0, 1, 0, 1, 0, 1}}, {"b", {0, 0, 1, 1, 0, 0, 1, 1}}});
+    cases.responseSurface.terms = PolynomialTerms::Linear;
+    cases.blocks = {0, 0, 0, 0, 1, 1, 1, 1};
+    EXPECT_EQ(textsOf(SizeFindings::find(cases)), Texts());
+
+    cases.responseSurface.terms = PolynomialTerms::Interactions;
+    EXPECT_EQ(textsOf(SizeFindings::find(cases)), Texts());
+}
+
 TEST(SizeFindings, ChosenTermsOfAConstantInputAreNone)
 {
     DiagnosedCases cases = casesOfTwoInputs(6);
