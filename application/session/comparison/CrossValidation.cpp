@@ -53,16 +53,21 @@ std::vector<double> predicted(const SurrogateModelInterface& model, Columns& poi
     return values;
 }
 
-/** The 95 % intervals of the first output; none of a model that has none. */
+/** The 95 % intervals of the first output; none of a model that has none.
+ *  @param weights as ModelInterfaces::predictionIntervals() has them; empty: all are equal. */
 PredictionIntervals intervalsOf(const SurrogateModelInterface& model, Columns& points,
-                                std::size_t count, const std::string& message)
+                                std::size_t count, const std::vector<double>& weights,
+                                const std::string& message)
 {
     constexpr double level = 0.95;
 
-    const FittedModel* const fitted = ModelInterfaces(model).fitted();
-    if (fitted != nullptr) {
+    const ModelInterfaces interfaces(model);
+    if (interfaces.fitted() != nullptr) {
         try {
-            return fitted->predictionIntervals(pointersTo(points), 0, level, count);
+            return weights.empty()
+                       ? interfaces.fitted()->predictionIntervals(pointersTo(points), 0, level,
+                                                                  count)
+                       : interfaces.predictionIntervals(pointersTo(points), 0, level, weights);
         } catch (const SurrogateModelInterface::Error&) {
             // A model without intervals is no fault, but the error that cancels comes again.
             FitProgress::report(1.0, message);
@@ -121,6 +126,15 @@ struct TrainTestSplit
         trainingInputs = columnsAt(cases.inputs, trainingCases);
         trainingDesign = cases.design.of(trainingCases);
         testInputs = columnsAt(cases.inputs, testCases);
+        if (!cases.design.weights.empty()) {
+            testWeights = valuesAt(cases.design.weights, testCases);
+            const std::vector<double>& fitted = trainingDesign.weights;
+            const double mean = std::accumulate(fitted.begin(), fitted.end(), 0.0) /
+                                static_cast<double>(fitted.size());
+            for (double& weight : testWeights) {
+                weight /= mean;
+            }
+        }
     }
 
     std::vector<std::size_t> trainingCases;
@@ -128,6 +142,7 @@ struct TrainTestSplit
     Columns trainingInputs;
     CaseDesign trainingDesign;
     Columns testInputs;
+    std::vector<double> testWeights; ///< in mean weights of the training cases; empty: all equal
 };
 
 CrossValidation::CrossValidation(const Workspace& workspace, const ComparedCases& cases,
@@ -211,8 +226,9 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
     predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
     predictions.transforms.push_back(ModelInterfaces(*model).transform(0).transform);
     predictions.seconds += seconds;
-    PredictionIntervals intervals =
-        intervalsOf(*model, split.testInputs, split.testCases.size(), message);
+    PredictionIntervals intervals = intervalsOf(
+        *model, split.testInputs, split.testCases.size(),
+        type == Workspace::Kriging ? std::vector<double>() : split.testWeights, message);
     for (std::vector<double>* const column : {&values, &intervals.lower, &intervals.upper}) {
         addBlockEffects(*model, split.testCases, *column);
     }

@@ -41,8 +41,9 @@ struct Predictions
     {}
 
     std::vector<double> values; ///< one per case, NaN where the fit of its fold has failed
-    std::vector<double> lower;  ///< limit of the 95 % interval, NaN where the fit has none
-    std::vector<double> upper;  ///< likewise
+    /** Limit of the 95 % interval of a case of its own weight, NaN where the fit has none. */
+    std::vector<double> lower;
+    std::vector<double> upper; ///< likewise
     std::vector<CrossValidationMetrics::Failure> failures;
     std::vector<std::size_t> terms;          ///< of each fit
     std::vector<OutputTransform> transforms; ///< likewise

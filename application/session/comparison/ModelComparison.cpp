@@ -76,9 +76,7 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
         }
     }
     metrics.rmse = std::sqrt(squares / count);
-    // Prediction intervals are those of a case of mean weight.
-    metrics.held95 = cases.design.weights.empty() ? shareHeld(predictions, used, output)
-                                                  : CrossValidationMetrics::none;
+    metrics.held95 = shareHeld(predictions, used, output);
     const auto [least, greatest] = std::minmax_element(output.begin(), output.end());
     if (*least < *greatest && squaresAboutMean > 0.0) {
         metrics.q2 = 1.0 - squares / squaresAboutMean;

@@ -81,6 +81,39 @@ PredictionIntervals ModelInterfaces::confidenceLimits(const std::vector<double*>
     return limits;
 }
 
+PredictionIntervals ModelInterfaces::predictionIntervals(const std::vector<double*>& points,
+                                                         int offset, double level,
+                                                         const std::vector<double>& weights) const
+{
+    using ErrorKind = FittedModel::ErrorKind;
+    const std::size_t count = weights.size();
+    if (const auto* const outer = dynamic_cast<const TransformedOutput*>(&model)) {
+        PredictionIntervals intervals =
+            ModelInterfaces(outer->inner())
+                .predictionIntervals(points, outer->innerOffset(offset), level, weights);
+        OutputTransforms::invert(outer->transform(offset), intervals.lower.data(), count);
+        OutputTransforms::invert(outer->transform(offset), intervals.upper.data(), count);
+        return intervals;
+    }
+    const FittedModel& fittedModel = dynamic_cast<const FittedModel&>(model);
+    const std::vector<double> means =
+        fittedModel.standardErrors(points, offset, ErrorKind::Mean, count);
+    PredictionIntervals intervals;
+    intervals.upper = fittedModel.standardErrors(points, offset, ErrorKind::Observation, count);
+    const double quantile = fittedModel.intervalQuantile(offset, level);
+    intervals.lower.resize(count);
+    std::vector<double*> predictions = {intervals.lower.data()};
+    fittedModel.interpolateDependentValues(points, {offset}, predictions, count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double variance = means[i] * means[i];
+        const double noise = intervals.upper[i] * intervals.upper[i] - variance;
+        const double reach = quantile * std::sqrt(variance + noise / weights[i]);
+        intervals.upper[i] = intervals.lower[i] + reach;
+        intervals.lower[i] -= reach;
+    }
+    return intervals;
+}
+
 std::optional<KrigingReport> ModelInterfaces::krigingReport(int offset) const
 {
     if (const auto* const outer = dynamic_cast<const TransformedOutput*>(&model)) {

@@ -48,6 +48,15 @@ public:
     PredictionIntervals confidenceLimits(const std::vector<double*>& points, int offset,
                                          double level, std::size_t count) const;
 
+    /**
+     * As FittedModel::predictionIntervals() of a fitted model, of a case of its own weight at each
+     * point: the variance of its noise is that of a case of mean weight over `weights`.
+     * @param weights one per point, in mean weights of the fitted cases.
+     * @throw SurrogateModelInterface::Error as FittedModel::predictionIntervals()
+     */
+    PredictionIntervals predictionIntervals(const std::vector<double*>& points, int offset,
+                                            double level, const std::vector<double>& weights) const;
+
     /** Of a model fitted by Kriging only. Its rows are those of the fitted columns. The figures are
      *  those of the transform, but the worst cases are in the output's unit.
      *  @throw SurrogateModelInterface::Error if the output cannot be fitted. */

@@ -27,6 +27,27 @@ TEST(CrossValidation, PredictsEachCaseByModelsOfTheOtherFolds)
     EXPECT_EQ(validation.pairedErrors(0).folds, 11u);
 }
 
+TEST(CrossValidation, IntervalsAreWiderForCasesOfLessWeight)
+{
+    CaseTable table = cvdCases();
+    table.columns[2].numbers.assign(11, 1.0);
+    const auto lengths = [&table](std::size_t row) {
+        CaseSession session(table, {{0}, {3}}, {}, CaseSession::ResponseSurface);
+        session.chooseDesign({table.columns[2].name, ""});
+        const CrossValidation validation(session, ComparedCases(session), 11);
+        const Predictions& predictions = validation.responseSurface[0];
+        return predictions.upper[row] - predictions.lower[row];
+    };
+    const double equal = lengths(4);
+    table.columns[2].numbers.assign(11, 7.0);
+    EXPECT_NEAR(lengths(4), equal, 1e-9 * equal) << "only their ratios count";
+
+    table.columns[2].numbers[4] = 0.07;
+
+    EXPECT_GT(lengths(4), 5.0 * equal);
+    EXPECT_LT(lengths(4), 10.0 * equal);
+}
+
 TEST(CrossValidation, ComparesTheValidCasesWithWeightsOfMeanOne)
 {
     CaseTable table = cvdCases();

@@ -305,6 +305,36 @@ TEST(ModelComparison, CountsTheLeftOutCasesInsideTheIntervalsThereAre)
     EXPECT_TRUE(std::isnan(without.responseSurface.held95));
 }
 
+TEST(ModelComparison, IntervalsOfLeftOutCasesAreThoseOfTheirWeights)
+{
+    // Each second case has ten times the error. Intervals of a case of mean weight would hold all
+    // of the others and few of these, in the output as in its logarithm.
+    Uniform uniform;
+    std::vector<double> a(160), w(160), y(160), exponential(160);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        a[i] = uniform();
+        w[i] = i % 2 == 0 ? 200.0 : 2.0;
+        const double normal =
+            std::sqrt(-2.0 * std::log(1.0 - uniform())) * std::cos(6.283185307179586 * uniform());
+        y[i] = 3.0 * a[i] + normal / std::sqrt(w[i]);
+        exponential[i] = std::exp(y[i]);
+    }
+    const CaseTable table = tableOf({{"a", a}, {"w", w}, {"y", y}, {"e", exponential}});
+    const std::pair<std::size_t, TransformSetting> rows[] = {{2, TransformSetting::None},
+                                                             {3, TransformSetting::Logarithm}};
+    for (const auto& [output, transform] : rows) {
+        CaseSession session(table, {{0}, {output}}, {}, CaseSession::ResponseSurface);
+        session.chooseDesign({"w", ""});
+        session.chooseTransform(transform);
+
+        const OutputComparison compared = ModelComparison::of(session, 4).outputs[0];
+
+        EXPECT_GT(compared.responseSurface.held95, 0.9);
+        EXPECT_LT(compared.responseSurface.held95, 0.99);
+        EXPECT_FALSE(std::isnan(compared.kriging.held95));
+    }
+}
+
 TEST(ModelComparison, CountsTheTransformsOfTheFolds)
 {
     // Over six decades, with noise that grows with the output.
