@@ -1,6 +1,5 @@
 #pragma once
 
-#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <plot/drawing/PictureSize.h>
 #include <plot/model/SessionPictures.h>
 #include <session/cases/CaseFileReader.h>
@@ -45,11 +44,10 @@ struct CommandLine
     std::string format; ///< of an exported model
     std::string output = "-";
     std::optional<SessionPictures::Kind> kind;
-    std::optional<PictureSize> size;   ///< of a picture
-    std::string report;                ///< of fit: the page to be written
-    std::optional<InputCoding> coding; ///< of fit
-    std::optional<double> interval;    ///< percent, above 0 and below 100
-    std::optional<std::size_t> folds;  ///< of compare
+    std::optional<PictureSize> size;  ///< of a picture
+    std::string report;               ///< of fit: the page to be written
+    std::optional<double> interval;   ///< percent, above 0 and below 100
+    std::optional<std::size_t> folds; ///< of compare
     bool asJson = false;
     bool isQuiet = false;
     bool isForSpreadsheet = false; ///< of the table that is written

@@ -381,7 +381,7 @@ void describeFit(CLI::App& command, CommandLine& line)
                          "the second and the fourth)",
                          "C", "axial or factorial",
                          {{"axial", InputCoding::Axial}, {"factorial", InputCoding::Factorial}},
-                         line.coding);
+                         line.choices.coding);
     command.option_defaults()->group("Output");
     addValue(command, "--report",
              "also writes an HTML page with metrics, statistics, equations\n"

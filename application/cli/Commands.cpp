@@ -125,12 +125,9 @@ std::vector<InputRanking> rankingsOf(CaseSession& session)
 void runFit(const CommandLine& line)
 {
     OpenSession open(line);
-    if (line.coding) {
-        if (open.session.modelType() == CaseSession::Kriging) {
-            throw UsageError("--coding is for the coefficients of a response surface, and the "
-                             "model is kriging: leave it out, or choose -m response-surface.");
-        }
-        open.session.chooseCoding(*line.coding);
+    if (line.choices.coding && open.session.modelType() == CaseSession::Kriging) {
+        throw UsageError("--coding is for the coefficients of a response surface, and the model is "
+                         "kriging: leave it out, or choose -m response-surface.");
     }
     fitWithProgress(line, open.session);
     if (!line.report.empty()) {

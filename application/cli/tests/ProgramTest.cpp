@@ -168,6 +168,16 @@ TEST_F(Program, FitCodesInputsAtTheirFactorialPoints)
     EXPECT_NE(some.find(title), std::string::npos) << some;
     EXPECT_NE(some.find(note), std::string::npos) << some;
 
+    run(command + "--coding factorial --save cvd.surrogate.xml");
+    const auto projectsOutput = [&](const std::string& options) {
+        return Json::parse(run("fit cvd.surrogate.xml --json " + options).out)["outputs"][0];
+    };
+    EXPECT_EQ(projectsOutput(""), output("--coding factorial")) << "kept by the project";
+    EXPECT_EQ(projectsOutput("--coding axial"), axial);
+    EXPECT_NE(run("project cvd.surrogate.xml").out.find("Coding     factorial\n"),
+              std::string::npos);
+    EXPECT_EQ(run("fit cvd.surrogate.xml -m kriging").exitCode, 0) << "without effect";
+
     expectFailure(command + "--coding factorial -m kriging", 2,
                   "--coding is for the coefficients of a response surface, and the model is "
                   "kriging: leave it out, or choose -m response-surface.");

@@ -116,7 +116,7 @@ public:
     std::optional<FitResult> result;
     std::optional<std::vector<ResponseSurfaceStatistics>> statistics;
     std::optional<SessionFindings> findings;
-    InputCoding coding = InputCoding::Axial;
+    InputCoding codingOfStatistics = InputCoding::Axial;
     double fitSeconds = 0.0;
 
 private:
@@ -238,16 +238,11 @@ const FitResult& Evaluator::calibratedFit()
     return *impl->result;
 }
 
-void Evaluator::chooseCoding(InputCoding coding)
-{
-    impl->coding = coding;
-    impl->statistics.reset();
-}
-
 const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
 {
     const ModelInterfaces interfaces(model());
-    if (impl->statistics) {
+    const InputCoding coding = impl->workspace.coding();
+    if (impl->statistics && impl->codingOfStatistics == coding) {
         return *impl->statistics;
     }
     std::vector<ResponseSurfaceStatistics> results;
@@ -256,7 +251,7 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
     std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
         std::optional<ResponseSurfaceStatistics> statistics =
-            interfaces.responseSurfaceStatistics(offset, impl->coding);
+            interfaces.responseSurfaceStatistics(offset, coding);
         if (!statistics) {
             results.clear();
             break;
@@ -275,6 +270,7 @@ const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
             one.row = cases.at(one.row);
         }
     }
+    impl->codingOfStatistics = coding;
     return impl->statistics.emplace(std::move(results));
 }
 

@@ -95,12 +95,9 @@ public:
     /** The same with the calibrations of all outputs, which may take a fifth of the fit's time. */
     const FitResult& calibratedFit();
 
-    /** The coding of the coefficients in statistics(), InputCoding::Axial at first. What
-     *  statistics() returned is not valid any more. */
-    void chooseCoding(InputCoding coding);
-
     /** The statistics of a response surface, one per output; none at all of another model. The rows
-     *  of leverages and diagnostics are positions of cases, from 0. @return valid like model(). */
+     *  of leverages and diagnostics are positions of cases, from 0.
+     *  @return valid like model(), and until another coding is chosen. */
     const std::vector<ResponseSurfaceStatistics>& statistics();
 
     /** What may be wrong with the cases and the fit: SessionFindings::ofFit().

@@ -65,6 +65,7 @@ void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
     }
     session.chooseResponseSurface(options);
     session.chooseTransform(choices.transform.value_or(session.transform()));
+    session.chooseCoding(choices.coding.value_or(session.coding()));
 }
 
 CaseDesignColumns chosenDesign(CaseDesignColumns design, const SessionChoices& choices)

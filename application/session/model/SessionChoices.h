@@ -25,6 +25,7 @@ struct SessionChoices
     std::optional<PolynomialTerms> terms;
     std::string formula; ///< of chosen terms, in names of inputs
     std::optional<TransformSetting> transform;
+    std::optional<InputCoding> coding;
     std::optional<std::string> weights; ///< a column, or "none"
     std::optional<std::string> blocks;  ///< likewise
 };

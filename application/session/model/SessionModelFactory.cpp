@@ -36,6 +36,9 @@ SessionModelFactory::SessionModelFactory(boost::shared_ptr<SurrogateModelInterfa
     });
     transformSetting = boost::make_shared<veska::UndoablePropertyProxy<TransformSetting>>(
         "Surrogate Model Transform", setting);
+
+    codingSetting = boost::make_shared<veska::UndoablePropertyProxy<InputCoding>>(
+        "Coding of the Coefficients", boost::make_shared<veska::Property<InputCoding>>());
 }
 
 void SessionModelFactory::setInputNames(std::function<std::vector<std::string>()> names)
@@ -106,4 +109,9 @@ SessionModelFactory::designColumns() const
 boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> SessionModelFactory::transform() const
 {
     return transformSetting;
+}
+
+boost::shared_ptr<veska::PropertyAbstract<InputCoding>> SessionModelFactory::coding() const
+{
+    return codingSetting;
 }

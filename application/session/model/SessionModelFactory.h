@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/CaseDesign.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseDesignColumns.h>
 
@@ -37,6 +38,10 @@ public:
     /** A change is an undo step, and invalidates all models that were made before. */
     boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transform() const;
 
+    /** Of the coefficients of response surfaces, whose fit is the same in any coding. A change is
+     *  an undo step, and invalidates no model. */
+    boost::shared_ptr<veska::PropertyAbstract<InputCoding>> coding() const;
+
     /** @param names gives those of the inputs of the models that are made, in the order of the
      *               columns: what a formula of chosen terms names. */
     void setInputNames(std::function<std::vector<std::string>()> names);
@@ -61,6 +66,7 @@ private:
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurfaceOptions;
     boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transformSetting;
     boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>> designColumnsSetting;
+    boost::shared_ptr<veska::PropertyAbstract<InputCoding>> codingSetting;
     boost::signals2::scoped_connection designConnection;
     boost::signals2::scoped_connection termsConnection;
     boost::signals2::scoped_connection transformConnection;

@@ -12,5 +12,5 @@ bool SessionSettings::operator==(const SessionSettings& other) const
            evaluationPoint == other.evaluationPoint &&
            userDistributions == other.userDistributions && sweeps == other.sweeps &&
            responseSurface == other.responseSurface && designColumns == other.designColumns &&
-           transform == other.transform;
+           transform == other.transform && coding == other.coding;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseDesignColumns.h>
 #include <session/model/SweepInterpolationVariables.h>
@@ -41,4 +42,5 @@ struct SessionSettings
     ResponseSurfaceOptions responseSurface;
     CaseDesignColumns designColumns;
     TransformSetting transform = TransformSetting::Usual;
+    InputCoding coding = InputCoding::Axial;
 };

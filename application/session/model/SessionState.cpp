@@ -110,6 +110,7 @@ SessionSettings SessionState::settings() const
     settings.responseSurface = factory->responseSurface()->get();
     settings.designColumns = factory->designColumns()->get();
     settings.transform = factory->transform()->get();
+    settings.coding = factory->coding()->get();
     return settings;
 }
 
@@ -128,6 +129,7 @@ void SessionState::setSettings(const SessionSettings& settings)
     factory->responseSurface()->set(settings.responseSurface);
     factory->designColumns()->set(settings.designColumns);
     factory->transform()->set(settings.transform);
+    factory->coding()->set(settings.coding);
     manager->type()->set(settings.type);
     manager->independentVars()->set(settings.inputs);
     // After the list, which gives its new entries values of their own.
@@ -203,6 +205,7 @@ void SessionState::load(const ProjectDocument& document)
     loaded.responseSurface = document.responseSurface;
     loaded.designColumns = document.designColumns;
     loaded.transform = document.transform;
+    loaded.coding = document.coding;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
@@ -242,6 +245,7 @@ void SessionState::save(ProjectDocument& document) const
     document.responseSurface = factory->responseSurface()->get();
     document.designColumns = factory->designColumns()->get();
     document.transform = factory->transform()->get();
+    document.coding = factory->coding()->get();
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }

@@ -355,6 +355,16 @@ TransformSetting Workspace::transform() const
     return impl->state.factory->transform()->get();
 }
 
+void Workspace::chooseCoding(InputCoding coding)
+{
+    impl->state.factory->coding()->set(coding);
+}
+
+InputCoding Workspace::coding() const
+{
+    return impl->state.factory->coding()->get();
+}
+
 void Workspace::chooseDesign(const CaseDesignColumns& columns)
 {
     const std::string fault = columns.fault(project());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseCounts.h>
 #include <session/cases/CaseDesignColumns.h>
@@ -133,6 +134,10 @@ public:
     /** Of both types of models. */
     void chooseTransform(TransformSetting setting);
     TransformSetting transform() const;
+
+    /** Of the coefficients of response surfaces; kept without effect while the model is Kriging. */
+    void chooseCoding(InputCoding coding);
+    InputCoding coding() const;
 
     /** The columns of weights and blocks of response surfaces; kept without effect while the model
      * is Kriging, but the cases that they leave out stay out. @throw UsageError for columns that

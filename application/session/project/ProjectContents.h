@@ -6,6 +6,7 @@
 
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/ResponseSurfaceOptions.h>
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/TransformSetting.h>
 
 #include <cstddef>
@@ -61,4 +62,5 @@ struct ProjectContents
     ResponseSurfaceOptions responseSurface;
     CaseDesignColumns designColumns;
     TransformSetting transform = TransformSetting::Usual;
+    InputCoding coding = InputCoding::Axial;
 };

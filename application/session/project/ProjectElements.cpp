@@ -63,6 +63,10 @@ constexpr std::array<Word<TransformSetting>, 5> transforms = {
      {"Logarithm", TransformSetting::Logarithm},
      {"BoxCox", TransformSetting::BoxCox}}};
 
+/** Without the element inputs are coded axially. */
+constexpr std::array<Word<InputCoding>, 2> codings = {
+    {{"Axial", InputCoding::Axial}, {"Factorial", InputCoding::Factorial}}};
+
 /** Both ends or none. */
 std::optional<ProjectContents::Range> optionalRange(const XmlNode& element, const std::string& from,
                                                     const std::string& to)
@@ -314,9 +318,9 @@ const XmlNode& requiredChild(const XmlNode& root, const std::string& tag)
 const std::set<std::string>& knownTags()
 {
     static const std::set<std::string> tags = {
-        "CaseFile",       "Variables",         "Outputs",        "ExcludedCases",
-        "SurrogateModel", "UserDistributions", "Sweeps",         "TermSelection",
-        "Polynomial",     "CaseDesign",        "OutputTransform"};
+        "CaseFile",       "Variables",         "Outputs",         "ExcludedCases",
+        "SurrogateModel", "UserDistributions", "Sweeps",          "TermSelection",
+        "Polynomial",     "CaseDesign",        "OutputTransform", "InputCoding"};
     return tags;
 }
 
@@ -475,6 +479,10 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
         allowOnlyAttributes(*transform, {"Method"});
         contents.transform = requiredWord(*transform, "Method", transforms);
     }
+    if (const XmlNode* const coding = root.child("InputCoding")) {
+        allowOnlyAttributes(*coding, {"Method"});
+        contents.coding = requiredWord(*coding, "Method", codings);
+    }
 }
 
 XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings)
@@ -519,6 +527,10 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
     if (contents.transform != TransformSetting::Usual) {
         root.children.push_back(XmlNode::element(
             "OutputTransform", {{"Method", wordFor(contents.transform, transforms)}}));
+    }
+    if (contents.coding != InputCoding::Axial) {
+        root.children.push_back(
+            XmlNode::element("InputCoding", {{"Method", wordFor(contents.coding, codings)}}));
     }
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
     return root;

@@ -36,6 +36,12 @@ const char* modelName(const ProjectDocument& document)
     return document.modelType() == "ResponseModel" ? "response-surface" : "kriging";
 }
 
+/** As the option --coding has it. */
+const char* codingWord(InputCoding coding)
+{
+    return coding == InputCoding::Axial ? "axial" : "factorial";
+}
+
 std::string listText(const std::vector<std::string>& names)
 {
     return names.empty() ? "none" : joinedText(names);
@@ -116,6 +122,9 @@ std::string ProjectReport::text(const ProjectDocument& document)
     if (document.transform != TransformSetting::Usual) {
         head.add({"Transform", transformWord(document.transform)});
     }
+    if (document.coding != InputCoding::Axial) {
+        head.add({"Coding", codingWord(document.coding)});
+    }
     head.add({"Inputs", listText(document.modelInputs())});
     head.add({"Outputs", listText(document.outputs)});
 
@@ -162,6 +171,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
         document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
     ReportJson::addDesign(document.designColumns, json);
     json["transform"] = transformWord(document.transform);
+    json["coding"] = codingWord(document.coding);
     json["inputs"] = document.modelInputs();
     json["outputs"] = document.outputs;
     json["evaluationPoint"] = distributionsJson(document.evaluationPoint());

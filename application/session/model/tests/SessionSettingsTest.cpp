@@ -20,6 +20,7 @@ TEST(SessionSettings, DifferInAnyOfTheirMembers)
         [](SessionSettings& settings) { settings.sweeps[VarPtr()]; },
         [](SessionSettings& settings) { settings.responseSurface.terms = PolynomialTerms::Linear; },
         [](SessionSettings& settings) { settings.transform = TransformSetting::None; },
+        [](SessionSettings& settings) { settings.coding = InputCoding::Factorial; },
     };
     EXPECT_TRUE(SessionSettings() == SessionSettings());
     for (std::size_t i = 0; i < changes.size(); ++i) {

@@ -167,6 +167,9 @@ const RefusedDocument refusedDocuments[] = {
     {"UnknownPolynomial", "  <Sweeps>", "  <Polynomial Terms=\"Cubic\"/>\n  <Sweeps>",
      "line 15, column 3: the attribute \"Terms\" of the element \"Polynomial\" must be "
      "\"Linear\", \"Interactions\", \"Quadratic\" or \"Chosen\", not \"Cubic\"."},
+    {"UnknownCoding", "  <Sweeps>", "  <InputCoding Method=\"Radial\"/>\n  <Sweeps>",
+     "line 15, column 3: the attribute \"Method\" of the element \"InputCoding\" must be "
+     "\"Axial\" or \"Factorial\", not \"Radial\"."},
     {"TwoTermSelections", "  <Sweeps>",
      "  <TermSelection Method=\"BackwardAicc\"/>\n  <TermSelection/>\n  <Sweeps>",
      "line 16, column 3: the element \"TermSelection\" comes twice."},
