@@ -238,9 +238,12 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
     std::vector<std::string> warnings;
     const std::size_t wanted = wantedForm.termCount(inputCount);
     if (fittedForm.termCount(inputCount) < wanted && !isWithoutSquares()) {
-        warnings.push_back("The order was lowered from " + wantedForm.name() + " to " +
-                           fittedForm.name() + ": " + std::to_string(wanted) +
-                           " terms need at least as many cases.");
+        const std::size_t ofBlocks = rows->columns();
+        warnings.push_back(
+            "The order was lowered from " + wantedForm.name() + " to " + fittedForm.name() + ": " +
+            std::to_string(wanted + ofBlocks) + " terms" +
+            (ofBlocks == 0 ? "" : " (" + std::to_string(ofBlocks) + " of the blocks)") +
+            " need at least as many cases.");
     }
     for (std::string& sentence : ResponseSurfaceTexts::dependences(*common, names)) {
         warnings.push_back(std::move(sentence));

@@ -278,6 +278,16 @@ TEST(ResponseSurfaceDesign, DropsAnInputThatIsTheSameWithinEachBlock)
               "V1 cannot be separated from the blocks by these cases and was left out.");
 }
 
+TEST(ResponseSurfaceDesign, CountsTheBlocksWhereTheOrderIsLowered)
+{
+    const Cases cases{{{0, 1, 4, 2, 6, 3, 9}, {3, 1, 0, 5, 2, 8, 7}}, {{1, 2, 4, 3, 7, 5, 6}}};
+    const Model model = modelOf(cases, {{}, {0, 1, 2, 0, 1, 2, 0}});
+
+    EXPECT_EQ(model.fitWarnings(0).front(),
+              "The order was lowered from full quadratic to linear: 8 terms (2 of the blocks) need "
+              "at least as many cases.");
+}
+
 TEST(ResponseSurfaceDesign, SaysWhatWeightsAndBlocksMeanForPredictions)
 {
     const std::vector<std::string> notes = modelOf(vapourDeposition(), both).fitNotes(0);
