@@ -255,6 +255,14 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
                     " out with --exclude."));
 }
 
+/** Whether single cases, rather than decades, make the range of the column wide. */
+bool hasFarCases(const DiagnosedCases& cases, const Column& column, bool isOutput)
+{
+    std::vector<Finding> findings;
+    addFarCases(cases, column, isOutput, findings);
+    return !findings.empty();
+}
+
 /** Whether the logarithms of a positive column are even where the column itself is not. */
 bool isOverDecades(const Column& column, double minRatio)
 {
@@ -367,7 +375,7 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
         return findings;
     }
     for (const Column& input : cases.inputs) {
-        if (isOverDecades(input, minRatioOfInputs)) {
+        if (isOverDecades(input, minRatioOfInputs) && !hasFarCases(cases, input, false)) {
             findings.push_back(finding("inputOverDecades", Finding::Warning, {input.name},
                                        spanText(input) +
                                            ": the few large values decide its effect; put its "
@@ -375,7 +383,8 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
         }
     }
     for (const Column& output : cases.outputs) {
-        if (!cases.transformsOutputs && isOverDecades(output, minRatioOfOutputs)) {
+        if (!cases.transformsOutputs && isOverDecades(output, minRatioOfOutputs) &&
+            !hasFarCases(cases, output, true)) {
             findings.push_back(finding("skewedOutput", Finding::Warning, {output.name},
                                        spanText(output) +
                                            ": the large values decide the fit and the small ones "

@@ -164,6 +164,20 @@ TEST(ColumnFindings, ValuesOverDecadesAreNoFarCases)
         << "an axial point";
 }
 
+TEST(ColumnFindings, SingleFarCasesSuggestNoLogarithm)
+{
+    std::vector<double> values;
+    for (int i = 1; i <= 30; ++i) {
+        values.push_back(0.03 * i);
+    }
+    values.push_back(100.0);
+
+    const DiagnosedCases cases = casesOf({{"a", values}}, {{"y", values}});
+
+    EXPECT_EQ(ColumnFindings::farCases(cases).size(), 2u);
+    EXPECT_EQ(ColumnFindings::decades(cases).size(), 0u);
+}
+
 TEST(ColumnFindings, DecadesSuggestALogarithmUnlessOutputsAreTransformed)
 {
     const auto findings =
