@@ -40,5 +40,9 @@ std::string FindingWords::figure(double number)
 
 std::string FindingWords::percent(double share)
 {
-    return std::to_string(std::lround(100.0 * share)) + " %";
+    constexpr double firstWhole = 0.01; // smaller shares would be 0 % or 1 %
+    constexpr int digits = 2;
+    return (std::fabs(share) < firstWhole ? shownNumber(100.0 * share, digits)
+                                          : std::to_string(std::lround(100.0 * share))) +
+           " %";
 }

@@ -16,4 +16,6 @@ TEST(FindingWords, ListNamesCasesAndFigures)
     EXPECT_EQ(FindingWords::figure(123456.7), "123457");
     EXPECT_EQ(FindingWords::figure(2.79e6), "2.79e+06");
     EXPECT_EQ(FindingWords::percent(0.624), "62 %");
+    EXPECT_EQ(FindingWords::percent(0.00128), "0.13 %");
+    EXPECT_EQ(FindingWords::percent(0.0), "0 %");
 }
