@@ -34,7 +34,7 @@ TEST_F(CompareCommand, ComparesBothModelsOnTheSameCases)
     EXPECT_EQ(lines[5], "Stress");
     EXPECT_EQ(lines[7].rfind("  response surface  0.9", 0), 0u) << lines[7];
     EXPECT_EQ(lines[9].rfind(
-                  "  There is no difference that matters between the models of \"Stress\": ", 0),
+                  "  Use either model for \"Stress\", there is no difference that matters: ", 0),
               0u);
     EXPECT_EQ(lines[10].rfind("  The 95 % intervals held 100 % (response surface), ", 0), 0u)
         << lines[10];

@@ -121,7 +121,8 @@ std::string eitherSentence(const OutputComparison& comparison)
         return "The models of " + name +
                " cannot be compared: both predict left-out cases in less than two folds.";
     }
-    const std::string equal = "There is no difference that matters between the models of " + name;
+    const std::string begin = "Use either model for " + name + ", there is no ";
+    const std::string equal = begin + "difference that matters";
     if (areBothExact(comparison)) {
         return equal +
                ": both predict left-out cases to less than a millionth of its standard deviation.";
@@ -132,8 +133,8 @@ std::string eitherSentence(const OutputComparison& comparison)
     if (isPracticallyEqual(comparison)) {
         return equal + figures + ", less than 2 % apart.";
     }
-    return "There is no clear difference between the models of " + name + figures + ", which is " +
-           nearerText(comparison, true) + " (" + testText(comparison) + ").";
+    return begin + "clear difference" + figures + ", which is " + nearerText(comparison, true) +
+           " (" + testText(comparison) + ").";
 }
 
 std::string sentenceOf(const OutputComparison& comparison)

@@ -81,7 +81,7 @@ TEST(ComparisonVerdict, IsForNoneWithinTheNoise)
     EXPECT_FALSE(judged(figures(0.5), figures(0.25), 0.7, 0.051).isClear);
     EXPECT_EQ(judged(figures(0.5), figures(0.25), 0.7, 0.29).verdict, OutputComparison::Kriging);
     expectVerdict(judged(figures(0.5), figures(0.25), 0.7, 0.31), OutputComparison::Either,
-                  "There is no clear difference between the models of \"Stress\": the "
+                  "Use either model for \"Stress\", there is no clear difference: the "
                   "cross-validated RMSE is 0.5 of the response surface and 0.25 of Kriging, which "
                   "is nearer in 15 of 20 left-out cases (t test over 10 folds: p = 0.31).");
 
@@ -93,11 +93,11 @@ TEST(ComparisonVerdict, TakesTwoPercentAndRoundingForNoDifference)
 {
     EXPECT_EQ(judged(figures(0.5), figures(0.489), 0.02, 1e-9).verdict, OutputComparison::Kriging);
     expectVerdict(judged(figures(0.5), figures(0.491), 0.02, 1e-9), OutputComparison::Either,
-                  "There is no difference that matters between the models of \"Stress\": the "
+                  "Use either model for \"Stress\", there is no difference that matters: the "
                   "cross-validated RMSE is 0.5 of the "
                   "response surface and 0.491 of Kriging, less than 2 % apart.");
     expectVerdict(judged(figures(1e-9), figures(1e-12), 0.0, 1.0), OutputComparison::Either,
-                  "There is no difference that matters between the models of \"Stress\": both "
+                  "Use either model for \"Stress\", there is no difference that matters: both "
                   "predict left-out cases to less than a "
                   "millionth of its standard deviation.");
 }
