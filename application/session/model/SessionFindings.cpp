@@ -183,6 +183,12 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
                             {},
                             "No column is left to be an input" + columns +
                                 "; name inputs with -x, or code texts as numbers."});
+    } else if (workspace.counts().valid == 1) {
+        findings.push_back({"oneCase",
+                            Finding::Severe,
+                            {},
+                            "There is only one valid case: the model is its output everywhere; "
+                            "add cases, or complete those that are left out."});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "session/model/Workspace.h"
 #include "session/report/FindingsReport.h"
 #include "session/report/ReportHeading.h"
+#include "session/text/CountedText.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
@@ -138,7 +139,7 @@ std::string SummaryReport::text(const Workspace& workspace)
     const std::vector<std::string> outputs = shownNamesOf(workspace.outputs());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         text += outputs[i] + " alone would have " +
-                std::to_string(workspace.counts().validAlone[i]) + " valid cases.\n";
+                countedText(workspace.counts().validAlone[i], "valid case") + ".\n";
     }
     return text + '\n' + FindingsReport::text(SessionFindings::ofCases(workspace));
 }

@@ -97,7 +97,11 @@ TEST(SessionFindings, ATableWithoutRolesSaysWhy)
         {tableOf({{"a", {1, 2, 3}}, {"y", {1, 4, 3}}}),
          {{}, {1}, {none[0], {ColumnRole::Output, ""}}},
          "Severe: No column is left to be an input: \"a\" (counts up by one); name inputs with -x, "
-         "or code texts as numbers."}};
+         "or code texts as numbers."},
+        {tableOf({{"a", {1}}, {"y", {4}}}),
+         {{0}, {1}},
+         "Severe: There is only one valid case: the model is its output everywhere; add cases, or "
+         "complete those that are left out."}};
     for (const Example& example : examples) {
         const CaseSession session(example.table, example.roles, {}, Workspace::ResponseSurface);
 
