@@ -570,7 +570,7 @@ TEST_P(OddTables, GiveAResultOrASentenceInEveryCommand)
 {
     const OddTable& odd = GetParam();
     for (const std::string command :
-         {"summary", "fit", "evaluate", "predict", "plot", "export", "compare"}) {
+         {"summary", "fit", "evaluate", "predict", "equations", "plot", "export", "compare"}) {
         const bool succeeds =
             odd.outcome == Done || (odd.outcome == SummaryOnly && command == "summary");
         CapturedErrors errors;
