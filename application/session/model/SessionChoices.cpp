@@ -128,7 +128,10 @@ void noteUnknownModel(const ProjectDocument& document, OpenedProject& opened)
 std::string missingInputText(const Workspace& workspace)
 {
     const ReasonedNames reasons = workspace.reasonsAgainstInputs();
-    return reasons.empty() ? "." : ": " + reasonsText(reasons) + ". Name inputs with -x NAMES.";
+    return reasons.empty()
+               ? ": there is no other column; if the file has more, name what separates "
+                 "them with --separator."
+               : ": " + reasonsText(reasons) + ". Name inputs with -x NAMES.";
 }
 } // namespace
 

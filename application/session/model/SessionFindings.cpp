@@ -178,11 +178,15 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
                                 "(--separator, --decimal, --skip), or name columns with -x and "
                                 "-y."});
     } else if (workspace.inputs().empty()) {
-        findings.push_back({"noInput",
-                            Finding::Severe,
-                            {},
-                            "No column is left to be an input" + columns +
-                                "; name inputs with -x, or code texts as numbers."});
+        findings.push_back(
+            {"noInput",
+             Finding::Severe,
+             {},
+             "No column is left to be an input" +
+                 (reasons.empty() ? ": there is no other column; if the file has more, name "
+                                    "what separates them with --separator."
+                                  : columns + "; name inputs with -x, or code texts as "
+                                              "numbers.")});
     } else if (workspace.counts().valid == 1) {
         findings.push_back({"oneCase",
                             Finding::Severe,

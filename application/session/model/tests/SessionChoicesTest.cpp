@@ -167,7 +167,9 @@ TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
 
     choices.outputs = {"Pressure,H2/WF6,Uniformity,Stress"};
     const auto session = openCases(cvdCases(), choices);
-    EXPECT_EQ(refusal(*session, {}), "No column is left to be an input.");
+    EXPECT_EQ(refusal(*session, {}),
+              "No column is left to be an input: there is no other column; if the file has more, "
+              "name what separates them with --separator.");
     EXPECT_EQ(refusal(*session, "-x NAME"), "The project has no input; name one: -x NAME.");
 
     choices.outputs = {"Stress"};

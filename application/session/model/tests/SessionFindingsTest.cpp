@@ -98,6 +98,10 @@ TEST(SessionFindings, ATableWithoutRolesSaysWhy)
          {{}, {1}, {none[0], {ColumnRole::Output, ""}}},
          "Severe: No column is left to be an input: \"a\" (counts up by one); name inputs with -x, "
          "or code texts as numbers."},
+        {tableOf({{"y", {1, 4, 3}}}),
+         {{}, {0}},
+         "Severe: No column is left to be an input: there is no other column; if the file has "
+         "more, name what separates them with --separator."},
         {tableOf({{"a", {1}}, {"y", {4}}}),
          {{0}, {1}},
          "Severe: There is only one valid case: the model is its output everywhere; add cases, or "
