@@ -96,6 +96,8 @@ private:
     std::string formula(const Kept& column, const Numbers& coefficients, double tolerance,
                         std::vector<std::string>& columns) const;
     double largestError(const Kept& column, const Numbers& coefficients) const;
+    Numbers fewestTerms(const Kept& column, const Numbers& coefficients, double maxError) const;
+    Numbers centredValues(const Kept& column) const;
     std::vector<Numbers> inverseFactor() const;
     std::string effectOf(bool isExact) const;
 
@@ -142,6 +144,52 @@ double LinearDependences::largestError(const Kept& column, const Numbers& coeffi
     return largest;
 }
 
+Numbers LinearDependences::centredValues(const Kept& column) const
+{
+    Numbers values = cases.inputs[column.input].values;
+    for (double& value : values) {
+        value -= column.mean;
+    }
+    return values;
+}
+
+/** Columns join one after the other, the one most like what is left first, until their
+ *  combination is good enough: least squares over all give the effects of rounding terms, too. */
+Numbers LinearDependences::fewestTerms(const Kept& column, const Numbers& coefficients,
+                                       double maxError) const
+{
+    constexpr std::size_t readable = 10;
+    const std::size_t maxTerms = std::min(readable, kept.size() - 1);
+    OrthonormalColumns chosen(cases.count(), maxTerms);
+    std::vector<std::size_t> members;
+    Numbers residuals = centredValues(column);
+    while (members.size() < maxTerms) {
+        std::size_t best = 0;
+        double greatest = -1.0;
+        for (std::size_t k = 0; k < kept.size(); ++k) {
+            const double share = std::fabs(dot(centredValues(kept[k]), residuals)) / kept[k].length;
+            if (share > greatest) {
+                greatest = share;
+                best = k;
+            }
+        }
+        if (!chosen.append(centredValues(kept[best]).data(), OrthonormalColumns::independent)) {
+            break;
+        }
+        members.push_back(best);
+        residuals = centredValues(column);
+        const Numbers estimates = chosen.solve(residuals.data());
+        Numbers result(kept.size(), 0.0);
+        for (std::size_t m = 0; m < members.size(); ++m) {
+            result[members[m]] = estimates[m];
+        }
+        if (largestError(column, result) <= maxError) {
+            return result;
+        }
+    }
+    return coefficients;
+}
+
 bool LinearDependences::addDependence(const Kept& column, const Numbers& coefficients,
                                       double residual)
 {
@@ -162,10 +210,12 @@ bool LinearDependences::addDependence(const Kept& column, const Numbers& coeffic
     if (!isExact && !isRounded) {
         return false;
     }
+    const Numbers needed =
+        isExact ? coefficients : fewestTerms(column, coefficients, ofLeastSquares * rounding);
     const std::string& name = cases.inputs[column.input].name;
     std::vector<std::string> columns = {name};
     const double tolerance = isExact ? exact * column.range : rounding;
-    const std::string text = formula(column, coefficients, tolerance, columns);
+    const std::string text = formula(column, needed, tolerance, columns);
     dependent.push_back({"dependentInput", Finding::Warning, columns,
                          text + (cases.isSample ? " in every compared case" : " in every case") +
                              (isExact ? "" : ", up to rounding") + effectOf(isExact) +

@@ -61,6 +61,22 @@ TEST(DependenceFindings, RoundingDoesNotHideTheFormula)
               std::string::npos);
 }
 
+TEST(DependenceFindings, RoundingGivesNoTermsOfTheFormula)
+{
+    std::vector<double> besideB = otherSpread(count);
+    const std::vector<double> noise = spread(count, 0.7320508075688772);
+    for (std::size_t row = 0; row < count; ++row) {
+        besideB[row] += 0.02 * noise[row];
+    }
+    const DiagnosedCases cases = casesOf({{"A", spread(count)},
+                                          {"B", otherSpread(count)},
+                                          {"D", besideB},
+                                          {"C", combined(-0.5, 0, 1, 0.01)}});
+
+    EXPECT_EQ(textOf(cases).substr(0, 63),
+              "dependentInput: C = -0.5 A + 1 in every case, up to rounding: t");
+}
+
 TEST(DependenceFindings, InputsThatVaryTogetherAreCollinear)
 {
     std::vector<double> together = spread(count);
