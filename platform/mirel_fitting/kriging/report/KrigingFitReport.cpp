@@ -58,11 +58,19 @@ void KrigingFitReport::addInfluence(KrigingFit& fit, const KrigingTrend& trend,
                                     const std::vector<double>& errors) const
 {
     constexpr double significant = 2.0; // standard errors: about the 95 % point of Student's t
+    constexpr double negligible = 1.0;  // output deviations over the range of an input
 
     std::vector<bool>& result = fit.report.isWithoutInfluence;
     result.assign(cases.inputCount(), false);
-    for (std::size_t input = 0; input < result.size(); ++input) {
-        result[input] = fit.report.lengthBounds[input] == KrigingReport::Bound::Upper;
+    const double deviation = std::sqrt(fit.predictor.model().processVariance);
+    for (std::size_t k = 0; k < cases.activeInputs().size(); ++k) {
+        const std::size_t input = cases.activeInputs()[k];
+        // A process of a great variance changes along its longest lengths, too: by this standard
+        // deviation over the range, where the standardised output has about 1.
+        const double change = std::sqrt(5.0 / 3.0) * deviation * cases.range()[k] /
+                              fit.report.correlationLengths[input];
+        result[input] =
+            fit.report.lengthBounds[input] == KrigingReport::Bound::Upper && change < negligible;
     }
     for (std::size_t t = 0; t < trend.size(); ++t) {
         const double error = errors.empty() ? 0.0 : errors[t];

@@ -82,6 +82,11 @@ TEST(KrigingFitReport, SeesInfluenceInTheTrend)
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
     report.addInfluence(fit, trend, {1.0, 0.1, 0.3});
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
+
+    // Relative to the deviation of the process that length is short: it changes along it.
+    fit.report.correlationLengths[1] /= 100.0;
+    report.addInfluence(fit, trend, {1.0, 0.1, 0.3}, errors);
+    EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, false}));
 }
 
 TEST(KrigingFitReport, ReportsTheCasesThatTheOthersPredictWorst)
