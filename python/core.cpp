@@ -8,6 +8,7 @@
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/TransformedOutput.h>
 #include <mirel_modelexport/ModelExport.h>
+#include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
@@ -375,6 +376,21 @@ void setTerms(ResponseSurfaceOptions& options, const std::string& text, const Na
     }
 }
 
+/** The values of a distribution text, ascending. */
+py::array_t<double> distributionValues(const std::string& text)
+{
+    const SurrogateModelUserDist distribution(text);
+    if (!distribution.isValid()) {
+        std::string fault = distribution.errorString();
+        fault.replace(fault.find('\n'), 1, ": ");
+        throw py::value_error("The text \"" + text + "\" cannot be read. " + fault +
+                              ". Write numbers and ranges like 4 - 80 : 20, 42.");
+    }
+    std::vector<double> values;
+    distribution.get(values);
+    return py::array_t<double>(static_cast<py::ssize_t>(values.size()), values.data());
+}
+
 template <class Option>
 void set(Option& option, const std::optional<Option>& value)
 {
@@ -391,6 +407,8 @@ PYBIND11_MODULE(_core, module)
     py::register_exception<SurrogateModelInterface::Error>(module, "ModelError", PyExc_ValueError);
     py::register_exception<ModelImportError>(module, "ModelFileError", PyExc_ValueError);
     module.def("set_thread_count", setThreadCount, "count"_a);
+    module.def("distribution_values", distributionValues, "text"_a,
+               "The values of a text like \"4 - 80 : 20, 42\", ascending.");
 
     py::class_<Model>(module, "Model")
         .def_property_readonly("has_cases", &Model::hasCases)

@@ -19,10 +19,11 @@ from sklearn.base import BaseEstimator, RegressorMixin
 from sklearn.utils.validation import _check_sample_weight, check_consistent_length, check_is_fitted
 
 from . import _core
-from ._core import ModelError, ModelFileError, __version__, set_thread_count
+from ._core import (ModelError, ModelFileError, __version__, distribution_values,
+                    set_thread_count)
 
-__all__ = ["Kriging", "ResponseSurface", "ModelError", "ModelFileError", "grid", "load",
-           "set_thread_count", "__version__"]
+__all__ = ["Kriging", "ResponseSurface", "ModelError", "ModelFileError", "distribution_values",
+           "grid", "load", "set_thread_count", "__version__"]
 
 
 class _SurrogateModel(RegressorMixin, BaseEstimator):
@@ -225,10 +226,15 @@ def load(path: str | os.PathLike[str]) -> Kriging | ResponseSurface:
     return model
 
 
-def grid(values: Mapping[str, Sequence[float]] | Sequence[Sequence[float]]) -> Any:
+Values = Sequence[float] | str
+
+
+def grid(values: Mapping[str, Values] | Sequence[Values]) -> Any:
     """Every combination of the inputs' values, the first input varying slowest: a DataFrame for
-    values by name, else an array. Kriging predicts such grids fast."""
-    axes = list(values.values() if isinstance(values, Mapping) else values)
+    values by name, else an array. An input's values may be a text, "4 - 80 : 20, 42". Kriging
+    predicts such grids fast."""
+    axes = [distribution_values(axis) if isinstance(axis, str) else axis
+            for axis in (values.values() if isinstance(values, Mapping) else values)]
     points = np.array(np.meshgrid(*axes, indexing="ij"), dtype=np.float64)
     points = points.reshape(len(axes), -1).T
     if not isinstance(values, Mapping):

@@ -200,6 +200,19 @@ class Estimators(unittest.TestCase):
         self.assertEqual(list(points.columns), ["a", "b"])
         np.testing.assert_array_equal(surrogatemodel.grid([[1, 2], [3, 4, 5]]), points.values)
 
+    def test_typed_texts_give_the_values_of_the_program(self):
+        for text in ("4 - 80 : 20, 42", "12.5, 0 - 10 : 11", "1e-3", "-5 - -1 : 3"):
+            table = of_program("evaluate", CASES, "-x", ",".join(INPUTS), "-y", "Stress", "-q",
+                               "--sweep", f"Pressure={text}", "--at", "H2/WF6=5")
+            np.testing.assert_array_equal(pd.read_csv(io.StringIO(table))["Pressure"],
+                                          surrogatemodel.distribution_values(text))
+        points = surrogatemodel.grid({"a": "1 - 2 : 2", "b": [3, 4, 5]})
+        np.testing.assert_array_equal(points["a"], [1, 1, 1, 2, 2, 2])
+
+    def test_a_faulty_text_says_what_is_wrong(self):
+        with self.assertRaisesRegex(ValueError, "Expression: 0 - 10: .*Write numbers and ranges"):
+            surrogatemodel.distribution_values("1, 0 - 10")
+
     def test_what_cannot_be_fitted_is_said_in_a_sentence(self):
         x, y = smooth_cases(10)
         for estimator, sentence in (

@@ -40,4 +40,4 @@ with tempfile.TemporaryDirectory() as folder:
     libraries = run(python, "-c", WORK, cwd=folder, env=environment)
     wanted = [line for line in libraries.splitlines() if "libmirel" in line]
     assert len(wanted) == 3 and all(folder in line for line in wanted), libraries
-    assert "libQt" not in libraries and "libvtk" not in libraries, libraries
+    assert "libQt5Widgets" not in libraries and "libvtk" not in libraries, libraries
