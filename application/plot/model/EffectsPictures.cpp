@@ -49,7 +49,7 @@ EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, 
     if (picture.effects.size() < effects.size()) {
         picture.caption = "The " + std::to_string(picture.effects.size()) + " of " +
                           std::to_string(effects.size()) + " inputs along which " + name +
-                          " changes most. ";
+                          " changes most; --sweep NAME draws another. ";
     }
     picture.caption += "Line: " + first.modelName;
     picture.caption += band.empty() ? "." : "; band: " + band + '.';

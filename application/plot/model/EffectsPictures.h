@@ -10,8 +10,8 @@
 class CaseSession;
 class MainEffects;
 
-/** The most effects in one picture: those of more inputs are too small to be read. */
-constexpr std::size_t maxEffects = 30;
+/** The most effects in one picture: more make it too long to find anything in. */
+constexpr std::size_t maxEffects = 100;
 
 /** Gives sweeps of one output the same axis. */
 SURROGATE_PLOT_EXPORT void shareAxis(std::vector<SweepPicture>& sweeps);

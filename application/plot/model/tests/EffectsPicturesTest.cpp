@@ -71,14 +71,17 @@ TEST(EffectsPictures, TheCaptionSaysWhatIsDrawnAndHeld)
 
 TEST(EffectsPictures, OfManyInputsTheStrongestAreShownAndCounted)
 {
-    CaseSession session = planeOf(34);
+    CaseSession session = planeOf(104);
 
     const EffectsPicture picture = effectsPicture(session, MainEffects(session), 0);
 
     ASSERT_EQ(picture.effects.size(), maxEffects);
-    EXPECT_EQ(picture.effects.front().inputName, "x33");
-    EXPECT_EQ(picture.caption.rfind("The 30 of 34 inputs along which y changes most. Line: ", 0),
-              0u)
+    EXPECT_EQ(picture.effects.front().inputName, "x103");
+    EXPECT_EQ(
+        picture.caption.rfind("The 100 of 104 inputs along which y changes most; --sweep NAME "
+                              "draws another. Line: ",
+                              0),
+        0u)
         << picture.caption;
 }
 
