@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** The filled cells of a column that are no numbers. */
@@ -26,6 +27,10 @@ struct CellsWithoutNumber
     /** `4 cells are no numbers ("failed", first in line 17)`. */
     SURROGATE_SESSION_EXPORT std::string text() const;
 };
+
+/** How the missing cells of a column are spelled, "" for empty ones, with their counts: the first
+ *  spellings that differ. */
+using MissingSpellings = std::vector<std::pair<std::string, std::size_t>>;
 
 /** One column of a case file, as CaseFileReader understood it. */
 struct CaseColumn
@@ -53,6 +58,7 @@ struct CaseColumn
     CellTexts cells;
 
     CellsWithoutNumber withoutNumber;
+    MissingSpellings missing;
 };
 
 /** A case file as columns. */

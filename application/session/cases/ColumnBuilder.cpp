@@ -213,6 +213,20 @@ void ColumnBuilder::addTo(CellsWithoutNumber& cells, std::string_view text, std:
     }
 }
 
+void ColumnBuilder::addTo(MissingSpellings& spellings, std::string_view text)
+{
+    constexpr std::size_t maxSpellings = 4;
+    for (auto& [spelling, count] : spellings) {
+        if (spelling == text) {
+            ++count;
+            return;
+        }
+    }
+    if (spellings.size() < maxSpellings) {
+        spellings.emplace_back(text, 1);
+    }
+}
+
 /** Of a column without its values, with the same room for them. */
 void ColumnBuilder::exchangeKind(CaseColumn& column)
 {

@@ -165,6 +165,8 @@ private:
             takeMark(state, value, line);
         } else if (value.kind == CellValue::Text) {
             takeText(column, state, text, line);
+        } else {
+            addTo(column.missing, text);
         }
         takeValue(column, value, text);
         if (keepCells) {
@@ -194,6 +196,7 @@ private:
 
     void takeText(CaseColumn& column, State& state, std::string_view text, std::size_t line);
     static void addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line);
+    static void addTo(MissingSpellings& spellings, std::string_view text);
     void exchangeKind(CaseColumn& column);
 
     CaseTable& table;

@@ -6,6 +6,7 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/diagnosis/FitFindings.h"
 #include "session/model/Workspace.h"
+#include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datapipeline/isInvalidValue.h>
@@ -14,6 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
 
@@ -57,25 +59,61 @@ DiagnosedCases diagnosedCases(const Workspace& workspace)
     return cases;
 }
 
-/** Why the cells of a column are no numbers, as far as the file says. */
-std::string causeText(const Workspace& workspace, const std::string& name, std::size_t missing)
-{
-    const auto found = workspace.cellsWithoutNumber().find(name);
-    if (found == workspace.cellsWithoutNumber().end()) {
-        return " (empty, marked as missing or infinite)";
-    }
-    // Cells of excluded cases count there, too.
-    return ", " + found->second.text() +
-           (found->second.count < missing ? ", others are empty" : "");
-}
-
-/** Columns that lack a number in the same included cases. */
+/** Columns that lack a number in the same included cases, and why. */
 struct MissingCells
 {
     std::vector<std::string> names;
     std::vector<std::size_t> cases;
+    std::string cause;
     bool areOutputs = false;
 };
+
+/** `3 empty, 2 "#DIV/0!"`, without counts where all are of one kind or, of excluded cases too, they
+ *  are not the counts of the missing cells. */
+std::string spellingsText(const MissingSpellings& spellings, std::size_t missing)
+{
+    std::size_t sum = 0;
+    for (const auto& [spelling, count] : spellings) {
+        sum += count;
+    }
+    std::string text;
+    for (const auto& [spelling, count] : spellings) {
+        text += text.empty() ? "" : ", ";
+        text += spellings.size() > 1 && sum == missing ? std::to_string(count) + ' ' : "";
+        text += spelling.empty() ? "empty" : quotedText(spelling);
+    }
+    return text;
+}
+
+/** Why cells of a column are no numbers, as far as the file says. */
+std::string causeText(const Workspace& workspace, const std::string& name,
+                      const std::vector<double>& values, const std::vector<std::size_t>& cases)
+{
+    MissingSpellings spellings;
+    const auto known = workspace.missingSpellings().find(name);
+    if (known != workspace.missingSpellings().end()) {
+        spellings = known->second;
+    }
+    const auto infinite = std::count_if(cases.begin(), cases.end(),
+                                        [&](std::size_t i) { return std::isinf(values[i]); });
+    const auto found = workspace.cellsWithoutNumber().find(name);
+    const bool areUnknown = found != workspace.cellsWithoutNumber().end();
+    std::string text =
+        spellingsText(spellings, cases.size() - (areUnknown ? found->second.count : 0) -
+                                     static_cast<std::size_t>(infinite));
+    if (infinite > 0) {
+        text += (text.empty() ? "" : ", ") + std::to_string(infinite) + " infinite";
+    }
+    if (areUnknown) {
+        return ", " + found->second.text() + (text.empty() ? "" : ", others: " + text);
+    }
+    return text.empty() ? text : " (" + text + ')';
+}
+
+bool hasUnknownCells(const Workspace& workspace, const std::string& name)
+{
+    return workspace.cellsWithoutNumber().count(name) > 0;
+}
 
 std::vector<MissingCells> missingCells(const Workspace& workspace)
 {
@@ -87,20 +125,27 @@ std::vector<MissingCells> missingCells(const Workspace& workspace)
     for (const auto* const variables : {&workspace.outputs(), &workspace.inputs()}) {
         for (const VarPtr& variable : *variables) {
             const std::vector<double>& values = workspace.project().numericValues(variable);
+            const std::string name = variable.lock()->name();
             std::vector<std::size_t> cases;
             for (std::size_t i = 0; i < values.size(); ++i) {
                 if (isIncluded[i] && isInvalidNumber(values[i])) {
                     cases.push_back(i);
                 }
             }
-            const auto same = std::find_if(groups.begin(), groups.end(),
-                                           [&](const auto& group) { return group.cases == cases; });
-            if (!cases.empty() && same != groups.end()) {
-                same->names.push_back(variable.lock()->name());
-            } else if (!cases.empty()) {
-                groups.push_back({{variable.lock()->name()},
-                                  std::move(cases),
-                                  variables == &workspace.outputs()});
+            if (cases.empty()) {
+                continue;
+            }
+            const std::string cause = causeText(workspace, name, values, cases);
+            const auto same = std::find_if(groups.begin(), groups.end(), [&](const auto& group) {
+                const bool areBothUnknown = hasUnknownCells(workspace, name) &&
+                                            hasUnknownCells(workspace, group.names.front());
+                return group.cases == cases && (group.cause == cause || areBothUnknown);
+            });
+            if (same != groups.end()) {
+                same->names.push_back(name);
+            } else {
+                groups.push_back(
+                    {{name}, std::move(cases), cause, variables == &workspace.outputs()});
             }
         }
     }
@@ -135,8 +180,8 @@ void addMissingCells(const Workspace& workspace, std::vector<Finding>& findings)
              group.names,
              name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
                  std::to_string(missing) + " of " + std::to_string(included) + " cases" +
-                 causeText(workspace, group.names.front(), missing) + ": " +
-                 (isOne ? "this case is" : "these cases are") + " left out; " + remedy + "."});
+                 group.cause + ": " + (isOne ? "this case is" : "these cases are") + " left out; " +
+                 remedy + "."});
     }
 }
 
@@ -145,7 +190,7 @@ bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
 {
     if (finding.kind == "missingCells") {
         return finding.severity != Finding::Severe &&
-               workspace.cellsWithoutNumber().count(finding.columns.front()) > 0;
+               hasUnknownCells(workspace, finding.columns.front());
     }
     static const std::vector<std::string_view> byResponseSurface = {
         "constantInput", "fewValuesInput", "inestimableTerms", "tooFewCases", "saturatedFit"};

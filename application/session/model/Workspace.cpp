@@ -85,6 +85,17 @@ std::map<std::string, CellsWithoutNumber> cellsWithoutNumberOf(const CaseTable& 
     return byName;
 }
 
+std::map<std::string, MissingSpellings> missingSpellingsOf(const CaseTable& table)
+{
+    std::map<std::string, MissingSpellings> byName;
+    for (const CaseColumn& column : table.columns) {
+        if (!column.missing.empty()) {
+            byName[column.name] = column.missing;
+        }
+    }
+    return byName;
+}
+
 std::map<std::string, std::string> unitsOf(const CaseTable& table)
 {
     std::map<std::string, std::string> byName;
@@ -104,7 +115,7 @@ public:
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
         : path(table.path), layout(table.layout), readingChoices(table.choices),
           readingGuess(table.guess), cellsWithoutNumber(cellsWithoutNumberOf(table)),
-          units(unitsOf(table)), state(table, model)
+          missingSpellings(missingSpellingsOf(table)), units(unitsOf(table)), state(table, model)
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -127,6 +138,7 @@ public:
     ReadingChoices readingChoices;
     std::string readingGuess;
     std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
+    std::map<std::string, MissingSpellings> missingSpellings;
     std::map<std::string, std::string> units;
     SessionState state;
     std::vector<ColumnRole> reasonedRoles;
@@ -259,6 +271,11 @@ const std::string& Workspace::casePath() const
 const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber() const
 {
     return impl->cellsWithoutNumber;
+}
+
+const std::map<std::string, MissingSpellings>& Workspace::missingSpellings() const
+{
+    return impl->missingSpellings;
 }
 
 const CaseFileLayout& Workspace::layout() const

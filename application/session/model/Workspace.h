@@ -96,6 +96,9 @@ public:
      *  missing, by name. */
     const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;
 
+    /** How the missing cells of the case file's columns are spelled, by name. */
+    const std::map<std::string, MissingSpellings>& missingSpellings() const;
+
     /** How the case file was read; a plain layout without one. */
     const CaseFileLayout& layout() const;
 

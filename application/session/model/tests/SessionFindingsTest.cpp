@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ CaseTable tableWithMissingCells()
     table.columns[2].withoutNumber.count = 1;
     table.columns[2].withoutNumber.spellings = {"failed"};
     table.columns[2].withoutNumber.firstLine = 5;
+    table.columns[1].missing = table.columns[2].missing = {{"", 1}};
     return table;
 }
 
@@ -51,10 +53,26 @@ TEST(SessionFindings, MissingCellsAreNamedByColumnAndCause)
         FindingsReport::text(SessionFindings::ofCases(session)),
         "Findings\n"
         "  Warning: y lacks a number in 2 of 9 cases, 1 cell is no number (\"failed\", in line "
-        "5), others are empty: these cases are left out; complete them.\n"
-        "  Warning: b lacks a number in 1 of 9 cases (empty, marked as missing or infinite): this "
-        "case "
+        "5), others: empty: these cases are left out; complete them.\n"
+        "  Warning: b lacks a number in 1 of 9 cases (empty): this case "
         "is left out; complete it or leave b out of -x.\n");
+}
+
+TEST(SessionFindings, EachSpellingOfMissingCellsIsCounted)
+{
+    CaseTable table = tableOf({{"a", {1, 2, 4, 3, 6, 5, 7, 9, 8}},
+                               {"y", {1, HUGE_VAL, 2, missing, missing, missing, 7, 5, 6}}});
+    table.columns[1].missing = {{"", 2}, {"#DIV/0!", 1}};
+    const auto said = [&](const std::set<std::size_t>& excluded) {
+        const CaseSession session(table, {{0}, {1}}, {excluded.begin(), excluded.end()},
+                                  Workspace::ResponseSurface);
+        return SessionFindings::ofCases(session).findings.front().text;
+    };
+
+    EXPECT_EQ(said({}), "y lacks a number in 4 of 9 cases (2 empty, 1 \"#DIV/0!\", 1 infinite): "
+                        "these cases are left out; complete them.");
+    EXPECT_EQ(said({3}), "y lacks a number in 3 of 8 cases (empty, \"#DIV/0!\", 1 infinite): "
+                         "these cases are left out; complete them.");
 }
 
 TEST(SessionFindings, CellsThatAreMissingInTheSameCasesAreNamedTogether)
