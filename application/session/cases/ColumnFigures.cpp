@@ -1,10 +1,9 @@
 #include "session/cases/ColumnFigures.h"
 
+#include "session/text/NumberText.h"
+
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <limits>
 #include <string_view>
 #include <unordered_set>
 
@@ -13,20 +12,6 @@ namespace {
 double mean(double low, double high)
 {
     return low / 2.0 + high / 2.0;
-}
-
-/** Without the rounding error of the mean of two decimal fractions: 271.8, not 271.79999999999995.
- *  A decimal number within two units in the last place, of 15 digits at most; else the number. */
-double nearbyDecimal(double number)
-{
-    constexpr int maxDigits = 15;
-    const double tolerance = 2.0 * std::numeric_limits<double>::epsilon() * std::abs(number);
-    std::array<char, 32> text;
-    const auto written = std::to_chars(text.data(), text.data() + text.size(), number,
-                                       std::chars_format::scientific, maxDigits - 1);
-    double decimal = number;
-    std::from_chars(text.data(), written.ptr, decimal);
-    return std::abs(decimal - number) <= tolerance ? decimal : number;
 }
 
 /** Counts values until there are too many. */
@@ -59,7 +44,8 @@ double medianOf(std::vector<double> numbers)
     if (numbers.size() % 2 == 1) {
         return *middle;
     }
-    return nearbyDecimal(mean(*std::max_element(numbers.begin(), middle), *middle));
+    const double median = mean(*std::max_element(numbers.begin(), middle), *middle);
+    return nearbyDecimal(median, median);
 }
 
 ColumnFigures ColumnFigures::of(const std::vector<double>& numbers)

@@ -13,7 +13,6 @@
 #include <utility>
 
 using Column = DiagnosedCases::Column;
-using FindingWords::figure;
 using FindingWords::names;
 
 namespace {
@@ -80,7 +79,7 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
         const std::optional<std::size_t> row = onlyOtherRow(input);
         if (row) {
             const double common = input.values[*row == 0 ? 1 : 0];
-            sentences.push_back(names({input.name}) + " is " + figure(common) +
+            sentences.push_back(names({input.name}) + " is " + shownNumber(common) +
                                 " in every case but case " +
                                 std::to_string(cases.positions[*row] + 1) +
                                 ": its effect rests on that case alone; vary it in more cases or "
@@ -221,14 +220,15 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     }
     std::sort(positions.begin(), positions.end());
     const bool isOne = far == 1;
-    std::string number = areCodes ? numberText(sorted.value(begin)) : figure(sorted.value(begin));
+    std::string number =
+        areCodes ? numberText(sorted.value(begin)) : shownFigure(sorted.value(begin));
     if (!isOne && sorted.distinct(begin, end) > 1) {
-        number += " to " + figure(sorted.value(end - 1));
+        number += " to " + shownFigure(sorted.value(end - 1));
     }
     std::string text = FindingWords::cases(positions) + (isOne ? " has " : " have ") +
                        names({column.name}) + " = " + number + ", all others lie between " +
-                       figure(sorted.value(restBegin)) + " and " +
-                       figure(sorted.value(restEnd - 1));
+                       shownFigure(sorted.value(restBegin)) + " and " +
+                       shownFigure(sorted.value(restEnd - 1));
     text[0] = 'C';
     if (areCodes) {
         findings.push_back(
@@ -281,7 +281,7 @@ bool isOverDecades(const Column& column, double minRatio)
 std::string spanText(const Column& column)
 {
     return names({column.name}) + " spans a factor of " +
-           figure(column.maximum() / column.minimum()) +
+           shownFigure(column.maximum() / column.minimum()) +
            " and half of its cases lie in the lowest " +
            FindingWords::percent((medianOf(column.values) - column.minimum()) / column.range()) +
            " of its range";
@@ -419,8 +419,8 @@ std::vector<Finding> ColumnFindings::gaps(const DiagnosedCases& cases)
         findings.push_back(finding(
             "gap", Finding::Warning, {input.name},
             "No case has " + names({input.name}) + " between " +
-                figure(sorted.value(sorted.split - 1)) + " and " +
-                figure(sorted.value(sorted.split)) + ", " +
+                shownFigure(sorted.value(sorted.split - 1)) + " and " +
+                shownFigure(sorted.value(sorted.split)) + ", " +
                 FindingWords::percent(sorted.gap() / sorted.range()) +
                 " of its range: predictions there rest on the model's form alone; add cases there "
                 "or do not predict there."));

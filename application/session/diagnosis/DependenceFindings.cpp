@@ -337,9 +337,8 @@ std::vector<Finding> LinearDependences::collinear() const
                 : "coefficients of " + (areMany ? "these inputs" : list) +
                       " cannot be interpreted one by one";
         findings.push_back({"collinearInputs", Finding::Warning, members,
-                            list + " vary together (variance inflation " +
-                                FindingWords::figure(largest) + "): " + effect +
-                                ", and predictions off their common " +
+                            list + " vary together (variance inflation " + shownFigure(largest) +
+                                "): " + effect + ", and predictions off their common " +
                                 (members.size() > 2 ? "plane" : "line") +
                                 " are extrapolation; vary them independently or leave " +
                                 (members.size() > 2 ? "some" : "one") + " out of -x."});

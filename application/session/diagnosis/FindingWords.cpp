@@ -27,17 +27,6 @@ std::string FindingWords::cases(const std::vector<std::size_t>& positions)
     return (positions.size() == 1 ? "case " : "cases ") + shortList(std::move(numbers));
 }
 
-std::string FindingWords::figure(double number)
-{
-    constexpr double longest = 1e6;
-    constexpr double shortest = 1e4;
-    if (std::fabs(number) >= shortest && std::fabs(number) < longest) {
-        return std::to_string(std::lround(number));
-    }
-    constexpr int digits = 4;
-    return shownNumber(number, digits);
-}
-
 std::string FindingWords::percent(double share)
 {
     constexpr double firstWhole = 0.01; // smaller shares would be 0 % or 1 %

@@ -13,9 +13,6 @@ std::string names(const std::vector<std::string>& names);
  *  @param positions from 0. */
 std::string cases(const std::vector<std::size_t>& positions);
 
-/** A number in four digits, without an exponent where that is as short. */
-std::string figure(double number);
-
 /** A share, 0 to 1, in percent: "12 %". */
 std::string percent(double share);
 } // namespace FindingWords

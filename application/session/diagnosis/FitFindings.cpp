@@ -1,6 +1,7 @@
 #include "session/diagnosis/FitFindings.h"
 
 #include "session/diagnosis/FindingWords.h"
+#include "session/text/NumberText.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -76,7 +77,7 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
          {output},
          text + (isOne ? " lies" : " lie") + " far from the fit of " + name + " to the others (" +
              (isOne ? "its" : "their") + " externally studentised residual" +
-             (isOne ? " exceeds " : "s exceed ") + FindingWords::figure(statistics.outlierLimit) +
+             (isOne ? " exceeds " : "s exceed ") + shownFigure(statistics.outlierLimit) +
              ", Bonferroni at 5 %): " + (isOne ? "it bends" : "they bend") + " the fit and widen" +
              (isOne ? "s" : "") + " the intervals; check " + (isOne ? "it" : "them") +
              ", and fit once more with --exclude."});
@@ -100,10 +101,10 @@ void addInfluentialCases(const std::string& output, const ResponseSurfaceStatist
         return;
     }
     const bool isOne = influential.size() == 1;
-    const std::string figures =
-        isOne ? " (leverage " + FindingWords::figure(influential[0].leverage) +
-                    ", Cook's distance " + FindingWords::figure(influential[0].cooksDistance) + ")"
-              : "";
+    const std::string figures = isOne ? " (leverage " + shownFigure(influential[0].leverage) +
+                                            ", Cook's distance " +
+                                            shownFigure(influential[0].cooksDistance) + ")"
+                                      : "";
     findings.push_back({"influentialCases",
                         Finding::Warning,
                         {output},
@@ -131,7 +132,7 @@ void addPoorPrediction(const std::string& output, const ResponseSurfaceStatistic
                             FindingWords::percent(statistics.r2) +
                             " of the variance of its own cases, but predicts left-out ones " +
                             (isWorthless ? std::string("no better than their mean") : "far worse") +
-                            " (Q2 " + FindingWords::figure(statistics.predictedR2) +
+                            " (Q2 " + shownFigure(statistics.predictedR2) +
                             "): it has many terms for so few cases, or single cases decide it; "
                             "add cases, or choose fewer terms with --terms or --select-terms."});
 }

@@ -3,6 +3,7 @@
 #include "session/diagnosis/FindingWords.h"
 
 #include "session/text/CountedText.h"
+#include "session/text/NumberText.h"
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
 
@@ -14,11 +15,17 @@
 #include <string>
 
 using Column = DiagnosedCases::Column;
-using FindingWords::figure;
 using FindingWords::names;
 
 namespace {
 using Rows = std::vector<std::size_t>;
+
+/** "0.4142 and 0.9642", with more digits where four do not tell them apart. */
+std::string distinctFigures(double one, double other)
+{
+    const auto show = shownFigure(one) == shownFigure(other) ? numberText : shownFigure;
+    return show(one) + " and " + show(other);
+}
 
 /** Rows that are replicates: groups of two and more. */
 std::vector<Rows> replicates(const DiagnosedCases& cases)
@@ -222,7 +229,7 @@ void addConflicts(const DiagnosedCases& cases, const Column& output,
     }
     const std::string pair = FindingWords::cases(positionsOf(cases, error.worst));
     const std::string figures =
-        figure(output.values[error.worst[0]]) + " and " + figure(output.values[error.worst[1]]);
+        distinctFigures(output.values[error.worst[0]], output.values[error.worst[1]]);
     if (error.variance() > unexplained * variance && error.degreesOfFreedom >= minDegrees) {
         findings.push_back(
             {"unexplainedOutput",

@@ -1,12 +1,40 @@
 #include "session/model/SweepInterpolationVariables.h"
 
 #include "session/cases/CaseCounts.h"
+#include "session/text/NumberText.h"
 
 #include <mirel_datamanagement/Project.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
 #include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+/** Evenly spaced values without the rounding errors of their computation, both ends included. */
+class EvenValues : public InterpolationVariablesAbstract::DistributedPoints
+{
+public:
+    EvenValues(const SweepInterpolationVariables::Range& range, std::size_t count)
+        : DistributedPoints(range, count), range(range)
+    {}
+
+    void get(std::vector<double>& values) const override
+    {
+        const std::size_t first = values.size();
+        DistributedPoints::get(values);
+        const double scale = std::max(std::abs(range.first), std::abs(range.second));
+        for (std::size_t i = first + 1; i < values.size(); ++i) {
+            values[i] = i + 1 == values.size() ? range.second : nearbyDecimal(values[i], scale);
+        }
+    }
+
+private:
+    SweepInterpolationVariables::Range range;
+};
+} // namespace
 
 SweepInterpolationVariables::SweepInterpolationVariables(
     boost::shared_ptr<const SurrogateModelManagerInterface> manager,
@@ -79,8 +107,8 @@ SweepInterpolationVariables::interpolationPoints(VarPtr variable) const
         return nullptr;
     }
     const Sweep& sweep = found->second;
-    return boost::make_shared<DistributedPoints>(sweep.range ? *sweep.range : rangeOf(variable),
-                                                 sweep.count);
+    return boost::make_shared<EvenValues>(sweep.range ? *sweep.range : rangeOf(variable),
+                                          sweep.count);
 }
 
 SweepInterpolationVariables::Range

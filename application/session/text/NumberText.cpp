@@ -1,8 +1,10 @@
 #include "session/text/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace {
 /** Whole numbers below it are written in full: "1e+06" is shorter, but harder to read. */
@@ -28,6 +30,22 @@ std::string numberText(double number)
     return text;
 }
 
+double nearbyDecimal(double number, double scale)
+{
+    constexpr int digits = 15;
+    constexpr int maxDecimals = 300;
+    const int decimals = digits - 1 - static_cast<int>(std::floor(std::log10(std::abs(scale))));
+    std::array<char, 400> text; // a sign, 309 digits before the point or `maxDecimals` behind it
+    double decimal = number;
+    if (scale != 0.0 && std::isfinite(scale) && decimals >= 0 && decimals <= maxDecimals) {
+        const auto written = std::to_chars(text.data(), text.data() + text.size(), number,
+                                           std::chars_format::fixed, decimals);
+        std::from_chars(text.data(), written.ptr, decimal);
+    }
+    const double tolerance = 4.0 * std::numeric_limits<double>::epsilon() * std::abs(scale);
+    return std::abs(decimal - number) <= tolerance ? decimal : number;
+}
+
 std::string shownNumber(double number, int digits)
 {
     if (!std::isfinite(number)) {
@@ -42,11 +60,15 @@ std::string shownNumber(double number, int digits)
 std::string shownFigure(double number)
 {
     constexpr int digits = 4;
-    constexpr double firstWhole = 1e4; // with four digits it would get an exponent
     constexpr double firstLong = 1e7;
-    const double size = std::abs(number);
-    return size >= firstWhole && size < firstLong ? numberText(std::round(number))
-                                                  : shownNumber(number, digits);
+    const std::string shown = shownNumber(number, digits);
+    if (std::abs(number) >= firstLong || shown.find('e') == std::string::npos ||
+        std::abs(number) < 1.0) {
+        return shown;
+    }
+    double rounded = 0.0; // "1.235e+04" is harder to read than 12350
+    std::from_chars(shown.data(), shown.data() + shown.size(), rounded);
+    return numberText(rounded);
 }
 
 std::string shownProbability(double probability)

@@ -1,5 +1,5 @@
 #include <session/diagnosis/Diagnosis.h>
-#include <session/diagnosis/FindingWords.h>
+#include <session/text/NumberText.h>
 
 #include "SampleCases.h"
 
@@ -104,8 +104,8 @@ TEST(Diagnosis, EachOfManyCasesCounts)
 
     EXPECT_EQ(textsOf(Diagnosis::of(cases).findings),
               (Texts{"missingCode: Case 4322 has y = -999, all others lie between " +
-                         FindingWords::figure(leastBut(cases.outputs[0].values, 4321)) + " and " +
-                         FindingWords::figure(cases.outputs[0].maximum()) +
+                         shownFigure(leastBut(cases.outputs[0].values, 4321)) + " and " +
+                         shownFigure(cases.outputs[0].maximum()) +
                          ": the model takes it for a measurement; if it marks a missing value, "
                          "read the file with --missing -999.",
                      "nearlyConstantInput: B is 1 in every case but case 12346: its effect rests "

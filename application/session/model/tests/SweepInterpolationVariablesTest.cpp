@@ -99,6 +99,15 @@ TEST_F(SweepInterpolationVariablesTest, TheRangeIsReadWhenValuesAreAskedFor)
     EXPECT_EQ(valuesOf(a), (Numbers{0.0}));
 }
 
+TEST_F(SweepInterpolationVariablesTest, EvenValuesReadAsAPersonExpects)
+{
+    variables->setSweeps({{a, {5, SweepInterpolationVariables::Range(0.1, 0.885)}}});
+    EXPECT_EQ(valuesOf(a), (Numbers{0.1, 0.29625, 0.4925, 0.68875, 0.885}));
+
+    variables->setSweeps({{a, {7, SweepInterpolationVariables::Range(-0.3, 0.3)}}});
+    EXPECT_EQ(valuesOf(a), (Numbers{-0.3, -0.2, -0.1, 0.0, 0.1, 0.2, 0.3}));
+}
+
 TEST_F(SweepInterpolationVariablesTest, TypedValuesReplaceThoseOfASweptVariableOnly)
 {
     variables->sweep(a, 3);

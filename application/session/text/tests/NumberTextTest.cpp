@@ -48,12 +48,29 @@ TEST(NumberText, AFigureInASentenceHasFourDigits)
 {
     EXPECT_EQ(shownFigure(0.123456), "0.1235");
     EXPECT_EQ(shownFigure(-9999.4), "-9999");
-    EXPECT_EQ(shownFigure(123456.7), "123457");
+    EXPECT_EQ(shownFigure(123456.7), "123500");
+    EXPECT_EQ(shownFigure(99996.0), "100000");
+    EXPECT_EQ(shownFigure(1.5e-7), "1.5e-07");
     EXPECT_EQ(shownFigure(-12345678.0), "-1.235e+07");
     EXPECT_EQ(shownFigure(std::nan("")), "-");
     EXPECT_EQ(shownNumber(std::nan("")), "-");
     EXPECT_EQ(shownNumber(HUGE_VAL), "-");
     EXPECT_EQ(shownNumber(-HUGE_VAL), "-");
+}
+
+TEST(NumberText, DecimalsLoseTheErrorsOfArithmeticOnly)
+{
+    const auto shown = [](double number, double scale) {
+        return numberText(nearbyDecimal(number, scale));
+    };
+    EXPECT_EQ(shown(0.1 + 0.2, 0.3), "0.3");
+    EXPECT_EQ(shown(0.1 + 0.2 - 0.3, 0.3), "0");
+    EXPECT_EQ(shown(0.49249999999999994, 0.885), "0.4925");
+    EXPECT_EQ(shown(1.0 / 3.0, 1.0 / 3.0), "0.3333333333333333");
+    EXPECT_EQ(shown(-1e300 / 3.0, 1e300), "-3.3333333333333335e+299");
+    EXPECT_EQ(shown(3e-320, 3e-320), "3e-320");
+    EXPECT_EQ(shown(0.0, 0.0), "0");
+    EXPECT_EQ(shown(std::nan(""), 1.0), "nan");
 }
 
 TEST(NumberText, ASmallProbabilityIsBelowABound)
