@@ -61,11 +61,11 @@ TEST_F(ProjectCommands, AProjectGivesTheSameNumbersAgainAndShowsWhatItHolds)
                          "Inputs     H2/WF6, Pressure\n"
                          "Outputs    Stress, Uniformity\n"
                          "\n"
-                         "Variable    Role    Range  Values\n"
-                         "Pressure    input   -      4 - 80 : 3, 42\n"
-                         "H2/WF6      input   -      5\n"
-                         "Uniformity  output  -      -\n"
-                         "Stress      output  -      -\n");
+                         "Variable    Role    Range         Values\n"
+                         "Pressure    input   of the cases  4 - 80 : 3, 42\n"
+                         "H2/WF6      input   of the cases  5\n"
+                         "Uniformity  output  of the cases\n"
+                         "Stress      output  of the cases\n");
 
     const Json json = contents();
 

@@ -149,6 +149,15 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     return figures;
 }
 
+std::string aiccText(const ResponseSurfaceStatistics& statistics, const FitMetrics& metrics)
+{
+    const std::size_t fewest = metrics.terms + 3; // AICc divides by cases - terms - 2
+    return metrics.cases < fewest
+               ? "not available: " + std::to_string(metrics.terms) + " coefficients need " +
+                     std::to_string(fewest) + " cases or more"
+               : shownNumber(statistics.aicc);
+}
+
 Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistics* statistics)
 {
     Figures figures = {{"R2", shownNumber(metrics.r2)},
@@ -158,7 +167,7 @@ Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistic
                        {"leave-one-out RMSE", shownNumber(metrics.looRmse)},
                        {"PRESS", shownNumber(metrics.press)}};
     if (statistics != nullptr) {
-        figures.emplace_back("AICc", shownNumber(statistics->aicc));
+        figures.emplace_back("AICc", aiccText(*statistics, metrics));
         figures.emplace_back("residual degrees of freedom",
                              std::to_string(statistics->residualDegreesOfFreedom));
     }
@@ -214,8 +223,8 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
         return "There is only one case: figures that compare cases are \"-\".";
     }
     if (std::isnan(metrics.r2) && std::isnan(metrics.q2)) {
-        return "The output is the same in all cases: figures that compare with its variation are "
-               "\"-\".";
+        return "The output is the same in all cases: tests and figures that compare with its "
+               "variation are \"-\".";
     }
     if (statistics != nullptr && statistics->residualDegreesOfFreedom == 0) {
         return "There are as many terms as cases: no case is left to estimate the error from, and "

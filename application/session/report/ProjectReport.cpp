@@ -49,7 +49,7 @@ std::string listText(const std::vector<std::string>& names)
 
 std::string rangeText(const std::optional<ProjectDocument::Range>& range)
 {
-    return range ? numberText(range->first) + " to " + numberText(range->second) : "-";
+    return range ? numberText(range->first) + " to " + numberText(range->second) : "of the cases";
 }
 
 Json rangeJson(const std::optional<ProjectDocument::Range>& range)
@@ -134,9 +134,8 @@ std::string ProjectReport::text(const ProjectDocument& document)
     for (const ProjectDocument::VariableEntry& variable : document.variables) {
         const auto found = values.find(variable.name);
         const bool isInput = variable.role == Variable::Independent && found != values.end();
-        table.add({variable.name,
-                   variable.role == Variable::Unassigned ? "-" : roleName(variable.role),
-                   rangeText(variable.range), isInput ? found->second : "-"});
+        table.add({variable.name, roleName(variable.role), rangeText(variable.range),
+                   isInput ? found->second : ""});
     }
     return head.text("") + '\n' + table.text("");
 }

@@ -34,7 +34,8 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
                                    std::isfinite(one.t) ? shownProbability(one.p) : "-",
                                    shownNumber(one.lower), shownNumber(one.upper)});
             if (isCoded) {
-                row.push_back(shownNumber(one.varianceInflation, fewDigits));
+                row.push_back(one.factors.empty() ? ""
+                                                  : shownNumber(one.varianceInflation, fewDigits));
             }
         } else {
             row.push_back("dropped");
@@ -65,14 +66,18 @@ StatisticsTables::Table codedTable(const ResponseSurfaceStatistics& statistics,
     return table;
 }
 
+/** Empty where there is nothing to compute: rows that others are tested against have no F and p,
+ *  those without degrees of freedom no mean square either. */
 std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& row)
 {
+    const bool isTested = row.source != "Residual" && row.source != "Pure error" &&
+                          row.source != "Total" && row.degreesOfFreedom > 0;
     return {source,
             std::to_string(row.degreesOfFreedom),
             shownNumber(row.sumOfSquares),
-            shownNumber(row.meanSquare),
-            shownNumber(row.f, fewDigits),
-            shownProbability(row.p)};
+            row.degreesOfFreedom == 0 ? "" : shownNumber(row.meanSquare),
+            isTested ? shownNumber(row.f, fewDigits) : "",
+            isTested ? shownProbability(row.p) : ""};
 }
 
 const std::vector<std::string> anovaHeading = {"Source",      "DF", "Sum of squares",

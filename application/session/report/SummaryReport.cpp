@@ -67,6 +67,12 @@ std::string distinctText(const ColumnFigures& figures)
     return (figures.hasMoreDistinct ? "> " : "") + std::to_string(figures.distinct);
 }
 
+/** Empty for columns without a number. */
+std::string figureText(double figure)
+{
+    return std::isnan(figure) ? "" : shownNumber(figure);
+}
+
 std::string tableText(const std::vector<VariableSummary>& variables)
 {
     TextTable table({false, false, false, true, true, true, true, true, true, false});
@@ -74,11 +80,10 @@ std::string tableText(const std::vector<VariableSummary>& variables)
                "Distinct", "Why"});
     for (const VariableSummary& variable : variables) {
         const ColumnFigures& figures = variable.figures;
-        table.add({shortText(variable.name), shortText(variable.unit),
-                   variable.role.role == ColumnRole::None ? "-" : roleName(variable.role.role),
+        table.add({shortText(variable.name), shortText(variable.unit), roleName(variable.role.role),
                    std::to_string(figures.count), std::to_string(figures.missing),
-                   shownNumber(figures.minimum), shownNumber(figures.median),
-                   shownNumber(figures.maximum), distinctText(figures),
+                   figureText(figures.minimum), figureText(figures.median),
+                   figureText(figures.maximum), distinctText(figures),
                    !variable.role.reason.empty() ? variable.role.reason
                    : variable.isNumeric          ? ""
                                                  : "text"});

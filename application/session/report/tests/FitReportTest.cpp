@@ -156,8 +156,8 @@ TEST(FitReport, SaysWhyFiguresOfAConstantOutputAreMissing)
 
         const std::string text = FitReport::text(session);
 
-        EXPECT_NE(text.find("  Note: The output is the same in all cases: figures that compare "
-                            "with its variation are \"-\".\n"),
+        EXPECT_NE(text.find("  Note: The output is the same in all cases: tests and figures "
+                            "that compare with its variation are \"-\".\n"),
                   std::string::npos)
             << text;
         EXPECT_EQ(text.find("inf "), std::string::npos) << text;
@@ -174,6 +174,18 @@ TEST(FitReport, SaysWhyFiguresOfASaturatedFitAreMissing)
                                             "left to estimate the error from, and figures that "
                                             "need it are \"-\".\n"),
               std::string::npos);
+}
+
+TEST(FitReport, SaysWhyFewCasesHaveNoAicc)
+{
+    CaseSession session(tableOf({{"x", {0, 1, 2, 3, 5}}, {"y", {1, 5, 2, 3, 3}}}), {{0}, {1}}, {},
+                        CaseSession::ResponseSurface);
+    const std::string text = FitReport::text(session);
+
+    EXPECT_NE(text.find("AICc                         not available: 3 coefficients need 6 cases "
+                        "or more\n"),
+              std::string::npos)
+        << text;
 }
 
 TEST(FitReport, SaysThatTheNuggetIsAtItsBound)

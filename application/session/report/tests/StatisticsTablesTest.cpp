@@ -63,6 +63,14 @@ TEST(StatisticsTables, SuspectedOutliersAreNamedOnceByTheCasesOfTheFile)
         << FitReport::text(sound);
 }
 
+TEST(StatisticsTables, CellsThatAreEmptyByDefinitionHaveNoDash)
+{
+    CaseSession session = cvdSession();
+    const std::string text = FitReport::text(session);
+
+    EXPECT_EQ(text.find(" -\n"), std::string::npos) << text;
+}
+
 TEST(StatisticsTables, SayThatCopiesShowNoLackOfFit)
 {
     CaseTable table = cvdCases();
