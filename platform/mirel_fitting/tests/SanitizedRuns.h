@@ -3,8 +3,8 @@
 #include <cstddef>
 
 /**
- * How often a numerical test repeats its fits. In the sanitizer build each takes about five times
- * as long, and the repetitions, which give statistics of the optima, run through the same code.
+ * How often a test repeats its fits or commands. In the sanitizer build each takes five to twenty
+ * times as long, and the repetitions, which vary figures, run through the same code.
  */
 constexpr std::size_t runs(std::size_t inOtherBuilds, [[maybe_unused]] std::size_t sanitized)
 {

@@ -13,10 +13,13 @@ const std::vector<ExportFormat> formats = {ExportFormat::Text, ExportFormat::Jso
 
 TEST(ModelExport, TheSameModelGivesTheSameBytesInEveryFormat)
 {
-    for (const Kind kind : {Polynomial, Kriging}) {
-        for (const ExportFormat format : formats) {
-            EXPECT_EQ(exportModel(cvd().exported(kind), format),
-                      exportModel(cvd().exported(kind), format));
+    for (NamedCases& variety : varieties()) {
+        for (const Kind kind : {Polynomial, Kriging}) {
+            const ExportedModel model = variety.cases.exported(kind);
+            const ExportedModel again = variety.cases.exported(kind);
+            for (const ExportFormat format : formats) {
+                EXPECT_EQ(exportModel(model, format), exportModel(again, format)) << variety.name;
+            }
         }
     }
 }

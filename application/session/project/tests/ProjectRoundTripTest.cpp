@@ -240,11 +240,9 @@ TEST(ProjectRoundTrip, EveryDamagedMissingOrDoubledByteIsRefusedWithASentenceOrD
 
     std::size_t loaded = 0;
     for (std::size_t position = 0; position < sound.size(); ++position) {
-        for (int i = 0; i < 3; ++i) {
-            std::string damaged = sound;
-            damaged[position] = static_cast<char>(random());
-            loaded += isLoaded(folder, damaged) ? 1 : 0;
-        }
+        std::string damaged = sound;
+        damaged[position] = static_cast<char>(random());
+        loaded += isLoaded(folder, damaged) ? 1 : 0;
         std::string shifted = sound;
         isLoaded(folder, shifted.erase(position, 1));
         shifted = sound;
@@ -253,7 +251,7 @@ TEST(ProjectRoundTrip, EveryDamagedMissingOrDoubledByteIsRefusedWithASentenceOrD
 
     // Letters of names and texts may be others.
     EXPECT_GT(loaded, 0u);
-    EXPECT_LT(loaded, 3 * sound.size());
+    EXPECT_LT(loaded, sound.size());
 }
 
 TEST(ProjectRoundTrip, EveryTruncatedDocumentIsRefusedWithASentence)
