@@ -1,18 +1,19 @@
-"""pvpython picture.py MODEL.json GRID.csv PICTURE.png: an output over two inputs as a surface.
+"""pvpython picture.py PLUGIN.so MODEL.json GRID.csv PICTURE.png: an output over two inputs as a surface.
+
+PLUGIN.so is what plugin/ builds.
 
     surrogate export CASES.csv -x A,B -y Y -m kriging --format json -o model.json
     surrogate evaluate model.json --count A=40 --count B=40 -o grid.csv
 """
 import math
-import os
 import sys
 
-from paraview.simple import (Calculator, ColorBy, CSVReader, GetActiveViewOrCreate, ProgrammableFilter, ResetCamera,
+from paraview.simple import (Calculator, ColorBy, CSVReader, GetActiveViewOrCreate, LoadPlugin, ResetCamera,
                              SaveScreenshot, servermanager, Show, TableToStructuredGrid)
 
-with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "prediction.py"), encoding="utf-8") as file:
-    script = f"MODEL = {os.path.abspath(sys.argv[1])!r}\n" + file.read()
-predicted = ProgrammableFilter(Input=CSVReader(FileName=[sys.argv[2]]), Script=script, CopyArrays=1)
+plugin, model, grid, picture = sys.argv[1:]
+LoadPlugin(plugin, remote=False, ns=globals())
+predicted = SurrogatePrediction(Input=CSVReader(FileName=[grid]), Model=model)  # noqa: F821
 table = servermanager.Fetch(predicted)
 columns = [table.GetColumn(i) for i in range(table.GetNumberOfColumns())]
 names = [column.GetName() for column in columns]
@@ -30,4 +31,4 @@ shown.Scale = [1.0 / sizes[0], 1.0 / sizes[1], 0.5 / sizes[-1]]
 ColorBy(shown, ("POINTS", names[-1]))
 shown.RescaleTransferFunctionToDataRange()
 ResetCamera()
-SaveScreenshot(sys.argv[3], view, ImageResolution=[640, 480])
+SaveScreenshot(picture, view, ImageResolution=[640, 480])
