@@ -32,7 +32,7 @@ std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
                                               const std::vector<std::size_t>& rows)
 {
     std::vector<DiagnosedCases::Column> columns;
-    const std::vector<std::string> names = shownNamesOf(variables);
+    const std::vector<std::string> names = namesOf(variables);
     for (std::size_t i = 0; i < variables.size(); ++i) {
         columns.push_back(
             {names[i], valuesAt(workspace.project().numericValues(variables[i]), rows)});
@@ -269,7 +269,7 @@ SessionFindings SessionFindings::ofFit(const Workspace& workspace,
         std::remove_if(result.findings.begin(), result.findings.end(),
                        [&](const Finding& finding) { return isSaidElsewhere(finding, workspace); }),
         result.findings.end());
-    const std::vector<std::string> outputs = shownNamesOf(workspace.outputs());
+    const std::vector<std::string> outputs = namesOf(workspace.outputs());
     for (std::size_t i = 0; i < statistics.size(); ++i) {
         const bool hasFarCase = std::any_of(
             result.findings.begin(), result.findings.end(), [&](const Finding& finding) {

@@ -114,7 +114,7 @@ std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
         for (const std::string& name : namesOf(variables)) {
             const auto found = workspace.cellsWithoutNumber().find(name);
             if (found != workspace.cellsWithoutNumber().end() && found->second.count == 1) {
-                alone[found->second.firstLine].push_back(shortText(name));
+                alone[found->second.firstLine].push_back(name);
             } else if (found != workspace.cellsWithoutNumber().end()) {
                 notes.push_back(shortText(name) + ": " + found->second.text() +
                                 ": these cases are left out.");

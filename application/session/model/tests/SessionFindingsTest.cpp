@@ -42,6 +42,20 @@ std::vector<std::string> kindsOf(const SessionFindings& findings)
 }
 } // namespace
 
+TEST(SessionFindings, LongNamesAreWholeInColumnsAndShortenedInSentences)
+{
+    CaseTable table = tableOf({{std::string(250, 'a'), {1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                               {"b", {2, 9, 1, 4, 3, 6, 5, 9, 7}},
+                               {"y", {1, 4, 2, 6, 9, 3, 7, 5, 6}}});
+    const CaseSession session(table, {{0, 1}, {2}}, {}, Workspace::ResponseSurface);
+
+    const SessionFindings findings = SessionFindings::ofCases(session);
+    ASSERT_FALSE(findings.findings.empty());
+    const Finding& first = findings.findings.front();
+    EXPECT_EQ(first.columns, std::vector<std::string>{table.columns[0].name});
+    EXPECT_EQ(first.text.find(table.columns[0].name), std::string::npos);
+}
+
 TEST(SessionFindings, MissingCellsAreNamedByColumnAndCause)
 {
     CaseSession session(tableWithMissingCells(), {{0, 1}, {2}}, {}, Workspace::ResponseSurface);

@@ -54,6 +54,21 @@ TEST(ReportHeading, NotesCellsWithoutNumberOfInputsAndOutputs)
     EXPECT_EQ(ReportHeading::casesJson(session)["withoutNumber"].size(), 2u);
 }
 
+TEST(ReportHeading, NotesCellsWithoutNumberOfColumnsWithLongNames)
+{
+    CaseTable table = cvdCases();
+    table.columns[0].name = std::string(250, 'p');
+    table.columns[0].withoutNumber.count = 1;
+    table.columns[0].withoutNumber.spellings = {"failed"};
+    table.columns[0].withoutNumber.firstLine = 3;
+    const CaseSession session(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
+
+    const std::vector<std::string> notes = ReportHeading::readingNotes(session);
+    ASSERT_EQ(notes.size(), 1u);
+    EXPECT_LT(notes.front().size(), 300u);
+    EXPECT_NE(notes.front().find("1 cell is no number (\"failed\", in line 3)"), std::string::npos);
+}
+
 TEST(ReportHeading, JsonHasHowTheCasesWereRead)
 {
     CaseFileLayout layout;
