@@ -250,25 +250,24 @@ public:
 
     py::dict report(int output, const Names& names) const
     {
+        const Figures figures = unlocked(mutex, [&] { return figuresOf(output, names); });
         py::dict report;
-        report["metrics"] = dictOf(model->fitMetrics(output));
-        report["warnings"] = model->fitWarnings(output, names);
-        report["transform"] = OutputTransforms::word(transform(output));
-        const auto [inner, offset] = innermost(output);
-        py::dict figures;
-        if (const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(inner)) {
-            figures = dictOf(kriging->krigingReport(offset));
-        } else if (const auto* surface =
-                       dynamic_cast<const SurrogateResponseSurfaceModel*>(inner)) {
-            figures = dictOf(surface->responseSurfaceStatistics(offset));
-        }
-        for (const auto& figure : figures) {
+        report["metrics"] = dictOf(figures.metrics);
+        report["warnings"] = figures.warnings;
+        report["transform"] = OutputTransforms::word(figures.transform);
+        const py::dict statistics = figures.kriging   ? dictOf(*figures.kriging)
+                                    : figures.surface ? dictOf(*figures.surface)
+                                                      : py::dict();
+        for (const auto& figure : statistics) {
             report[figure.first] = figure.second;
         }
         return report;
     }
 
-    std::string equation(int output) const { return model->surfaceCoefficientInformation(output); }
+    std::string equation(int output) const
+    {
+        return unlocked(mutex, [&] { return model->surfaceCoefficientInformation(output); });
+    }
 
     /** Row, output, predicted, standard error. */
     py::array_t<double> leaveOneOut(int output) const
@@ -300,20 +299,47 @@ public:
                 "\"" + format +
                 "\" is no format of models: a file ends in .json, .c, .py, .xlsx or .txt.");
         }
-        std::vector<ExportedModel::Input> inputs;
-        const PredictorDescription described = model->predictorDescription(0);
-        for (std::size_t i = 0; i < described.inputs.size(); ++i) {
-            inputs.push_back({inputNames.at(i), described.inputs[i].minimum,
-                              described.inputs[i].maximum, std::nullopt});
-        }
-        std::vector<ExportedModel::WantedOutput> wanted;
-        for (const int offset : offsetsUpTo(outputs)) {
-            wanted.push_back({outputNames.at(static_cast<std::size_t>(offset)), offset});
-        }
-        return exportModel(ExportedModel::of(*model, inputs, wanted), found->second);
+        return unlocked(mutex, [&] {
+            std::vector<ExportedModel::Input> inputs;
+            const PredictorDescription described = model->predictorDescription(0);
+            for (std::size_t i = 0; i < described.inputs.size(); ++i) {
+                inputs.push_back({inputNames.at(i), described.inputs[i].minimum,
+                                  described.inputs[i].maximum, std::nullopt});
+            }
+            std::vector<ExportedModel::WantedOutput> wanted;
+            for (const int offset : offsetsUpTo(outputs)) {
+                wanted.push_back({outputNames.at(static_cast<std::size_t>(offset)), offset});
+            }
+            return exportModel(ExportedModel::of(*model, inputs, wanted), found->second);
+        });
     }
 
 private:
+    struct Figures
+    {
+        FitMetrics metrics;
+        Names warnings;
+        OutputTransform transform = OutputTransform::None;
+        std::optional<KrigingReport> kriging;
+        std::optional<ResponseSurfaceStatistics> surface;
+    };
+
+    Figures figuresOf(int output, const Names& names) const
+    {
+        Figures figures;
+        figures.metrics = model->fitMetrics(output);
+        figures.warnings = model->fitWarnings(output, names);
+        figures.transform = model->predictorDescription(output).transform;
+        const auto [inner, offset] = innermost(output);
+        if (const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(inner)) {
+            figures.kriging = kriging->krigingReport(offset);
+        } else if (const auto* surface =
+                       dynamic_cast<const SurrogateResponseSurfaceModel*>(inner)) {
+            figures.surface = surface->responseSurfaceStatistics(offset);
+        }
+        return figures;
+    }
+
     const FittedModel& fitted() const
     {
         const auto* fitted = dynamic_cast<const FittedModel*>(model.get());
@@ -322,11 +348,6 @@ private:
                 "A model that was read from a file has no standard errors: fit it to its cases.");
         }
         return *fitted;
-    }
-
-    OutputTransform transform(int output) const
-    {
-        return model->predictorDescription(output).transform;
     }
 
     std::pair<const PredictiveModel*, int> innermost(int output) const

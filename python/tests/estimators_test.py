@@ -1,4 +1,5 @@
 """estimators_test.py PROGRAM CASES: the estimators, beside the program where both do the same."""
+import concurrent.futures
 import io
 import json
 import os
@@ -199,6 +200,23 @@ class Estimators(unittest.TestCase):
         self.assertEqual(points.values.tolist(), [[1, 3], [1, 4], [1, 5], [2, 3], [2, 4], [2, 5]])
         self.assertEqual(list(points.columns), ["a", "b"])
         np.testing.assert_array_equal(surrogatemodel.grid([[1, 2], [3, 4, 5]]), points.values)
+
+    def test_threads_share_a_model(self):
+        x, y = smooth_cases(200)
+        alone = Kriging().fit(x, y)
+        questions = [lambda model: model.predict(x, return_std=True)[1].tolist(),
+                     lambda model: model.predict(x, interval=0.9)[1].tolist(),
+                     lambda model: repr(model.report()), lambda model: model.equation(),
+                     lambda model: model.leave_one_out().tolist(), pickle.dumps]
+        answers = [question(alone) for question in questions]
+        for _ in range(3):
+            shared = Kriging().fit(x, y)
+            with concurrent.futures.ThreadPoolExecutor(len(questions)) as pool:
+                futures = [pool.submit(question, shared) for question in questions]
+                for future, answer in zip(futures[:-1], answers):
+                    self.assertEqual(future.result(), answer)
+                self.assertEqual(pickle.loads(futures[-1].result()).predict(x).tolist(),
+                                 alone.predict(x).tolist())
 
     def test_typed_texts_give_the_values_of_the_program(self):
         for text in ("4 - 80 : 20, 42", "12.5, 0 - 10 : 11", "1e-3", "-5 - -1 : 3"):
