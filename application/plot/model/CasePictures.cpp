@@ -2,7 +2,7 @@
 
 #include "plot/drawing/AxisScale.h"
 #include "plot/model/DrawableValues.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 
 #include <session/model/CaseSession.h>
 #include <session/text/QuotedText.h>

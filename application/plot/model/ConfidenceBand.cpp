@@ -1,6 +1,6 @@
 #include "plot/model/ConfidenceBand.h"
 
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 
 #include <session/model/CaseSession.h>
 #include <session/model/ModelInterfaces.h>
@@ -20,13 +20,13 @@ bool areFinite(const std::vector<double>& values)
 }
 } // namespace
 
-ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelCut& cut, std::size_t output)
+ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelSlice& slice, std::size_t output)
 {
     std::vector<const double*> inputs;
-    for (const ModelCut::Column& input : cut.inputs) {
+    for (const ModelSlice::Column& input : slice.inputs) {
         inputs.push_back(input.values.data());
     }
-    return of(session, inputs, cut.points(), output);
+    return of(session, inputs, slice.points(), output);
 }
 
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const std::vector<const double*>& inputs,

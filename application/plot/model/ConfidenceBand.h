@@ -7,7 +7,7 @@
 #include <vector>
 
 class CaseSession;
-struct ModelCut;
+struct ModelSlice;
 
 /** Where the mean of an output lies with a probability of 95 %: within so many standard errors of
  * the prediction. Where a transform of the output is modelled, the limits are those of the
@@ -21,7 +21,7 @@ struct SURROGATE_PLOT_EXPORT ConfidenceBand
     std::string label; ///< for the legend; empty without a band
 
     /** @throw SurrogateModelInterface::Error */
-    static ConfidenceBand of(CaseSession& session, const ModelCut& cut, std::size_t output);
+    static ConfidenceBand of(CaseSession& session, const ModelSlice& slice, std::size_t output);
 
     /** At other points. @param inputs one array of `count` values per input, borrowed. */
     static ConfidenceBand of(CaseSession& session, const std::vector<const double*>& inputs,

@@ -2,7 +2,7 @@
 
 #include "plot/drawing/AxisScale.h"
 #include "plot/model/DrawableValues.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 
 #include <session/text/QuotedText.h>
 
@@ -13,7 +13,7 @@
 #include <utility>
 
 namespace {
-std::vector<double> ascendingValues(const ModelCut::Column& input)
+std::vector<double> ascendingValues(const ModelSlice::Column& input)
 {
     std::vector<double> values = input.values;
     std::sort(values.begin(), values.end());
@@ -58,35 +58,35 @@ void addCases(const std::vector<double>& x, const std::vector<double>& y, Contou
 }
 } // namespace
 
-ContourPicture contourPicture(const ModelCut& cut, std::size_t output)
+ContourPicture contourPicture(const ModelSlice& slice, std::size_t output)
 {
-    const ModelCut::Column& x = cut.inputs[cut.swept[0]];
-    const ModelCut::Column& y = cut.inputs[cut.swept[1]];
-    const ModelCut::Column& model = cut.outputs[output];
+    const ModelSlice::Column& x = slice.inputs[slice.swept[0]];
+    const ModelSlice::Column& y = slice.inputs[slice.swept[1]];
+    const ModelSlice::Column& model = slice.outputs[output];
     ContourPicture picture;
     picture.xName = x.label();
     picture.yName = y.label();
     picture.outputName = model.label();
-    picture.title = model.name + " over " + x.name + " and " + y.name + ", " + cut.modelName;
+    picture.title = model.name + " over " + x.name + " and " + y.name + ", " + slice.modelName;
     picture.x = ascendingValues(x);
     picture.y = ascendingValues(y);
     // The typed values may come in any order, and more than once.
     picture.values.resize(picture.x.size() * picture.y.size());
-    picture.isOutside.resize(cut.isOutside.empty() ? 0 : picture.values.size());
-    for (std::size_t point = 0; point < cut.points(); ++point) {
+    picture.isOutside.resize(slice.isOutside.empty() ? 0 : picture.values.size());
+    for (std::size_t point = 0; point < slice.points(); ++point) {
         const std::size_t position = positionOf(x.values[point], picture.x) * picture.y.size() +
                                      positionOf(y.values[point], picture.y);
         picture.values[position] = model.values[point];
-        if (!cut.isOutside.empty()) {
-            picture.isOutside[position] = cut.isOutside[point];
+        if (!slice.isOutside.empty()) {
+            picture.isOutside[position] = slice.isOutside[point];
         }
     }
     picture.isLogarithmic = model.isLogarithmic;
     addExtremes(picture);
     addCases(x.caseValues, y.caseValues, picture);
-    picture.caseLabel = cut.caseLabel();
-    picture.caption = cut.caption();
-    picture.extrapolation = cut.extrapolation;
+    picture.caseLabel = slice.caseLabel();
+    picture.caption = slice.caption();
+    picture.extrapolation = slice.extrapolation;
     requireDrawable(picture.x, quotedText(x.name));
     requireDrawable(picture.y, quotedText(y.name));
     requireDrawable(picture.values, "The model of " + quotedText(model.name));

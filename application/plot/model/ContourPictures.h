@@ -6,11 +6,11 @@
 
 #include <cstddef>
 
-struct ModelCut;
+struct ModelSlice;
 
 /**
- * An output over the two swept inputs of a cut, each of their values once and ascending.
+ * An output over the two swept inputs of a slice, each of their values once and ascending.
  * @throw UsageError for less than two values of one; SurrogateModelInterface::Error if it cannot be
  *        drawn.
  */
-SURROGATE_PLOT_EXPORT ContourPicture contourPicture(const ModelCut& cut, std::size_t output);
+SURROGATE_PLOT_EXPORT ContourPicture contourPicture(const ModelSlice& slice, std::size_t output);

@@ -3,7 +3,7 @@
 #include "plot/drawing/AxisScale.h"
 #include "plot/model/ConfidenceBand.h"
 #include "plot/model/MainEffects.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 #include "plot/model/SweepPictures.h"
 
 #include <session/model/CaseSession.h>
@@ -26,13 +26,13 @@ void shareAxis(std::vector<SweepPicture>& sweeps)
 
 EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, std::size_t output)
 {
-    const ModelCut& first = *effects.strongest(output, 1).front();
+    const ModelSlice& first = *effects.strongest(output, 1).front();
     const std::string& name = first.outputs[output].name;
     EffectsPicture picture;
     picture.title = first.outputs[output].label() + ", main effects, " + first.modelName;
-    for (const ModelCut* const cut : effects.strongest(output, maxEffects)) {
+    for (const ModelSlice* const slice : effects.strongest(output, maxEffects)) {
         picture.effects.push_back(
-            sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+            sweepPicture(*slice, output, ConfidenceBand::of(session, *slice, output)));
     }
     shareAxis(picture.effects);
     const std::string band = picture.effects.front().bandLabel;

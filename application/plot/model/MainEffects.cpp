@@ -9,10 +9,10 @@
 #include <cmath>
 
 namespace {
-/** The change of an output over a cut. */
-double changeOf(const ModelCut& cut, std::size_t output)
+/** The change of an output over a slice. */
+double changeOf(const ModelSlice& slice, std::size_t output)
 {
-    const double width = AxisScale::range(cut.outputs[output].values).width();
+    const double width = AxisScale::range(slice.outputs[output].values).width();
     return std::isnan(width) ? 0.0 : width; // NaN has no place in an order
 }
 } // namespace
@@ -20,23 +20,23 @@ double changeOf(const ModelCut& cut, std::size_t output)
 MainEffects::MainEffects(CaseSession& session, const std::vector<std::size_t>& left,
                          std::size_t values)
 {
-    const ModelCut::FittedCases cases(session);
+    const ModelSlice::FittedCases cases(session);
     for (std::size_t input = 0; input < session.inputs().size(); ++input) {
         const auto [least, most] = cases.ranges[input];
         if (least < most && std::find(left.begin(), left.end(), input) == left.end()) {
-            cuts.push_back(ModelCut::overRanges(session, {input}, values, cases));
+            slices.push_back(ModelSlice::overRanges(session, {input}, values, cases));
         }
     }
-    heldInputs = ModelCut::heldText(session);
+    heldInputs = ModelSlice::heldText(session);
 }
 
-std::vector<const ModelCut*> MainEffects::strongest(std::size_t output, std::size_t count) const
+std::vector<const ModelSlice*> MainEffects::strongest(std::size_t output, std::size_t count) const
 {
-    std::vector<const ModelCut*> order;
-    for (const ModelCut& cut : cuts) {
-        order.push_back(&cut);
+    std::vector<const ModelSlice*> order;
+    for (const ModelSlice& slice : slices) {
+        order.push_back(&slice);
     }
-    std::stable_sort(order.begin(), order.end(), [&](const ModelCut* a, const ModelCut* b) {
+    std::stable_sort(order.begin(), order.end(), [&](const ModelSlice* a, const ModelSlice* b) {
         return changeOf(*a, output) > changeOf(*b, output);
     });
     order.resize(std::min(order.size(), count));
@@ -47,10 +47,10 @@ std::vector<std::pair<std::size_t, double>> MainEffects::ranking(std::size_t out
 {
     std::vector<std::pair<std::size_t, double>> shares;
     double largest = 0.0;
-    for (const ModelCut* const cut : strongest(output, cuts.size())) {
-        const double change = changeOf(*cut, output);
+    for (const ModelSlice* const slice : strongest(output, slices.size())) {
+        const double change = changeOf(*slice, output);
         largest = std::max(largest, change);
-        shares.emplace_back(cut->swept.front(), largest > 0.0 ? change / largest : 0.0);
+        shares.emplace_back(slice->swept.front(), largest > 0.0 ? change / largest : 0.0);
     }
     return shares;
 }
@@ -58,10 +58,10 @@ std::vector<std::pair<std::size_t, double>> MainEffects::ranking(std::size_t out
 std::vector<std::size_t> MainEffects::strongestInputs(std::size_t count) const
 {
     std::vector<std::pair<std::size_t, double>> sums;
-    for (const ModelCut& cut : cuts) {
-        sums.emplace_back(cut.swept.front(), 0.0);
+    for (const ModelSlice& slice : slices) {
+        sums.emplace_back(slice.swept.front(), 0.0);
     }
-    const std::size_t outputs = cuts.empty() ? 0 : cuts.front().outputs.size();
+    const std::size_t outputs = slices.empty() ? 0 : slices.front().outputs.size();
     for (std::size_t output = 0; output < outputs; ++output) {
         for (const auto& [input, share] : ranking(output)) {
             for (auto& [each, sum] : sums) {

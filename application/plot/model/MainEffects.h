@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plot/model/ModelCut.h>
+#include <plot/model/ModelSlice.h>
 
 #include <surrogate_plot/Export.h>
 
@@ -19,14 +19,14 @@ public:
      *  @param values along each input.
      *  @throw SurrogateModelInterface::Error */
     explicit MainEffects(CaseSession& session, const std::vector<std::size_t>& left = {},
-                         std::size_t values = ModelCut::sweepValues);
+                         std::size_t values = ModelSlice::sweepValues);
 
     /** How many inputs vary. */
-    std::size_t size() const { return cuts.size(); }
+    std::size_t size() const { return slices.size(); }
 
     /** Those along which the output changes most, the strongest first, `count` at most; valid as
      *  long as this object. */
-    std::vector<const ModelCut*> strongest(std::size_t output, std::size_t count) const;
+    std::vector<const ModelSlice*> strongest(std::size_t output, std::size_t count) const;
 
     /** How much of its largest change along one input an output shows along each of them, with the
      *  inputs' positions, the strongest first: 1 for the first. 0 where it never changes. */
@@ -40,6 +40,6 @@ public:
     std::string heldText() const { return heldInputs; }
 
 private:
-    std::vector<ModelCut> cuts;
+    std::vector<ModelSlice> slices;
     std::string heldInputs;
 };

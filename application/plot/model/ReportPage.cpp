@@ -9,7 +9,7 @@
 #include "plot/model/ContourPictures.h"
 #include "plot/model/EffectsPictures.h"
 #include "plot/model/MainEffects.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 #include "plot/model/SweepPictures.h"
 
 #include <session/cases/VariableNames.h>
@@ -73,9 +73,10 @@ std::vector<std::string> drawnSweeps(CaseSession& session, std::size_t output,
 {
     std::vector<std::string> pictures;
     std::vector<SweepPicture> sweeps;
-    for (const ModelCut* const cut : effects.strongest(output, maxSweeps)) {
+    for (const ModelSlice* const slice : effects.strongest(output, maxSweeps)) {
         try {
-            sweeps.push_back(sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+            sweeps.push_back(
+                sweepPicture(*slice, output, ConfidenceBand::of(session, *slice, output)));
         } catch (const SurrogateModelInterface::Error& error) {
             pictures.push_back(faultText("sweep", error));
         }
@@ -103,15 +104,15 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
                                       session.fit().outputs[output].modelled.transform, cases.unit);
         }));
     }
-    const std::vector<const ModelCut*> strongest = effects.strongest(output, 2);
+    const std::vector<const ModelSlice*> strongest = effects.strongest(output, 2);
     if (strongest.size() == 2) {
         pictures.push_back(drawn("contour", [&] {
             std::vector<std::size_t> swept = {strongest[0]->swept.front(),
                                               strongest[1]->swept.front()};
             std::sort(swept.begin(), swept.end());
-            ModelCut cut = ModelCut::overRanges(session, swept, contourValues);
-            cut.findOutside(session);
-            return contourPicture(cut, output);
+            ModelSlice slice = ModelSlice::overRanges(session, swept, contourValues);
+            slice.findOutside(session);
+            return contourPicture(slice, output);
         }));
     }
     for (std::string& sweep : drawnSweeps(session, output, effects)) {

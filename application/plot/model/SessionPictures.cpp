@@ -7,7 +7,7 @@
 #include "plot/model/DiagnosticPictures.h"
 #include "plot/model/EffectsPictures.h"
 #include "plot/model/MainEffects.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 #include "plot/model/SweepPictures.h"
 
 #include <session/cases/VariableNames.h>
@@ -133,7 +133,7 @@ std::size_t SessionPictures::sweptInputs(Kind kind)
 
 std::size_t SessionPictures::defaultValues(Kind kind)
 {
-    return kind == Kind::Contour ? smoothValues : ModelCut::sweepValues;
+    return kind == Kind::Contour ? smoothValues : ModelSlice::sweepValues;
 }
 
 void SessionPictures::sweepRemaining(Kind kind, CaseSession& session,
@@ -182,15 +182,15 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
     if (kind == Kind::Contour) {
         sweepStrongest(session, held);
     }
-    std::optional<ModelCut> cut;
+    std::optional<ModelSlice> slice;
     if (sweptInputs(kind) > 0) {
-        cut = ModelCut::throughChosenValues(session);
+        slice = ModelSlice::throughChosenValues(session);
     }
-    if (kind == Kind::Contour && cut->points() < smoothValues * smoothValues) {
-        cut = cut->finer(session, smoothValues);
+    if (kind == Kind::Contour && slice->points() < smoothValues * smoothValues) {
+        slice = slice->finer(session, smoothValues);
     }
     if (kind == Kind::Contour) {
-        cut->findOutside(session);
+        slice->findOutside(session);
     }
     const std::vector<ResponseSurfaceStatistics> statistics =
         isOfResponseSurfaces(kind) ? session.statistics()
@@ -206,10 +206,10 @@ std::vector<PictureData> SessionPictures::make(Kind kind, CaseSession& session,
         switch (kind) {
         case Kind::Sweep:
             pictures.emplace_back(
-                sweepPicture(*cut, output, ConfidenceBand::of(session, *cut, output)));
+                sweepPicture(*slice, output, ConfidenceBand::of(session, *slice, output)));
             break;
         case Kind::Contour:
-            pictures.emplace_back(contourPicture(*cut, output));
+            pictures.emplace_back(contourPicture(*slice, output));
             break;
         case Kind::Actual:
             pictures.emplace_back(actualPicture(LeaveOneOutCases::of(session, output)));

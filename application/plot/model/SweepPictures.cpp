@@ -2,7 +2,7 @@
 
 #include "plot/model/ConfidenceBand.h"
 #include "plot/model/DrawableValues.h"
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 
 #include <session/text/QuotedText.h>
 
@@ -26,17 +26,17 @@ std::vector<std::size_t> ascending(const std::vector<double>& values)
 }
 } // namespace
 
-SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const ConfidenceBand& band)
+SweepPicture sweepPicture(const ModelSlice& slice, std::size_t output, const ConfidenceBand& band)
 {
-    const ModelCut::Column& input = cut.inputs[cut.swept.front()];
-    const ModelCut::Column& model = cut.outputs[output];
+    const ModelSlice::Column& input = slice.inputs[slice.swept.front()];
+    const ModelSlice::Column& model = slice.outputs[output];
     const std::vector<std::size_t> order = ascending(input.values);
     requireTwoValues(order.size(), input.name);
     SweepPicture picture;
     picture.inputName = input.label();
     picture.outputName = model.label();
-    picture.title = model.name + " over " + input.name + ", " + cut.modelName;
-    picture.modelLabel = cut.modelName;
+    picture.title = model.name + " over " + input.name + ", " + slice.modelName;
+    picture.modelLabel = slice.modelName;
     picture.isLogarithmic = model.isLogarithmic;
     for (const std::size_t point : order) {
         picture.inputs.push_back(input.values[point]);
@@ -49,9 +49,9 @@ SweepPicture sweepPicture(const ModelCut& cut, std::size_t output, const Confide
     }
     picture.caseInputs = input.caseValues;
     picture.caseOutputs = model.caseValues;
-    picture.caseLabel = cut.caseLabel();
-    picture.caption = cut.caption();
-    picture.extrapolation = cut.extrapolation;
+    picture.caseLabel = slice.caseLabel();
+    picture.caption = slice.caption();
+    picture.extrapolation = slice.extrapolation;
     requireDrawable(picture.inputs, quotedText(input.name));
     requireDrawable(picture.caseOutputs, quotedText(model.name));
     for (const auto* const column : {&picture.model, &picture.lower, &picture.upper}) {

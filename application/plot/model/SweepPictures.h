@@ -7,11 +7,11 @@
 #include <cstddef>
 
 struct ConfidenceBand;
-struct ModelCut;
+struct ModelSlice;
 
 /**
- * An output along the swept input of a cut, each of its values once and ascending.
+ * An output along the swept input of a slice, each of its values once and ascending.
  * @throw UsageError for less than two values; SurrogateModelInterface::Error if it cannot be drawn.
  */
-SURROGATE_PLOT_EXPORT SweepPicture sweepPicture(const ModelCut& cut, std::size_t output,
+SURROGATE_PLOT_EXPORT SweepPicture sweepPicture(const ModelSlice& slice, std::size_t output,
                                                 const ConfidenceBand& band);

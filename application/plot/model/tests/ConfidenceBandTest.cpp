@@ -2,7 +2,7 @@
 
 #include "../../../session/tests/CvdSession.h"
 
-#include <plot/model/ModelCut.h>
+#include <plot/model/ModelSlice.h>
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -24,7 +24,7 @@ TEST(ConfidenceBand, OfKrigingIsByStudentsTForFewCasesAndWiderAtTheBorder)
     session.stayAt(1, "6");
 
     const ConfidenceBand band =
-        ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
+        ConfidenceBand::of(session, ModelSlice::throughChosenValues(session), 0);
 
     // qt(0.975, 8), for 11 cases and a linear trend.
     EXPECT_EQ(band.label, "\302\261 2.31 standard errors (95\302\240%)");
@@ -40,7 +40,7 @@ TEST(ConfidenceBand, OfAResponseSurfaceIsByStudentsT)
     session.stayAt(1, "6");
 
     const ConfidenceBand band =
-        ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
+        ConfidenceBand::of(session, ModelSlice::throughChosenValues(session), 0);
 
     // In the middle of the ranges the prediction is the constant of the coded polynomial; qt(0.975,
     // 5), for 11 cases and 6 terms.
@@ -58,7 +58,7 @@ TEST(ConfidenceBand, DoesNotExistWithoutResidualDegreesOfFreedom)
     session.sweepEvenly(0, 3);
 
     const ConfidenceBand band =
-        ConfidenceBand::of(session, ModelCut::throughChosenValues(session), 0);
+        ConfidenceBand::of(session, ModelSlice::throughChosenValues(session), 0);
 
     EXPECT_TRUE(band.lower.empty());
     EXPECT_EQ(band.label, "");
@@ -70,14 +70,14 @@ TEST(ConfidenceBand, OfATransformIsTransformedBack)
                         {{0}, {1}}, {}, CaseSession::ResponseSurface);
     session.chooseTransform(TransformSetting::Logarithm);
     session.sweepEvenly(0, 3);
-    const ModelCut cut = ModelCut::throughChosenValues(session);
+    const ModelSlice slice = ModelSlice::throughChosenValues(session);
 
-    const ConfidenceBand band = ConfidenceBand::of(session, cut, 0);
+    const ConfidenceBand band = ConfidenceBand::of(session, slice, 0);
 
     // The logarithm has its band on both sides alike.
     ASSERT_EQ(band.lower.size(), 3u);
     for (std::size_t i = 0; i < 3; ++i) {
-        const double prediction = cut.outputs[0].values[i];
+        const double prediction = slice.outputs[0].values[i];
         EXPECT_GT(band.lower[i], 0.0);
         EXPECT_NEAR(std::log(band.upper[i] / prediction), std::log(prediction / band.lower[i]),
                     1e-9);

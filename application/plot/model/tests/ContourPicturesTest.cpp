@@ -1,6 +1,6 @@
 #include <plot/model/ContourPictures.h>
 
-#include <plot/model/ModelCut.h>
+#include <plot/model/ModelSlice.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -12,17 +12,17 @@
 
 namespace {
 /** Typed in no order; a value says where it belongs. */
-ModelCut grid()
+ModelSlice grid()
 {
-    ModelCut cut;
-    cut.modelName = "response surface";
-    cut.inputs = {{"Pressure", {80, 80, 4, 4, 42, 42}, {50}},
-                  {"Power", {7, 7, 7, 7, 7, 7}, {7}},
-                  {"Ratio", {2, 10, 2, 10, 2, 10}, {5}}};
-    cut.outputs = {{"Stress", {802, 8010, 42, 410, 422, 4210}, {6}}};
-    cut.swept = {0, 2};
-    cut.fittedCases = 11;
-    return cut;
+    ModelSlice slice;
+    slice.modelName = "response surface";
+    slice.inputs = {{"Pressure", {80, 80, 4, 4, 42, 42}, {50}},
+                    {"Power", {7, 7, 7, 7, 7, 7}, {7}},
+                    {"Ratio", {2, 10, 2, 10, 2, 10}, {5}}};
+    slice.outputs = {{"Stress", {802, 8010, 42, 410, 422, 4210}, {6}}};
+    slice.swept = {0, 2};
+    slice.fittedCases = 11;
+    return slice;
 }
 } // namespace
 
@@ -54,27 +54,27 @@ TEST(ContourPictures, MarkTheLeastAndTheLargestValue)
     EXPECT_EQ(picture.extremes[1].value, 8010.0);
     EXPECT_EQ(picture.extremes[1].x, 80.0);
     EXPECT_EQ(picture.extremes[1].y, 10.0);
-    ModelCut constant = grid();
+    ModelSlice constant = grid();
     constant.outputs[0].values.assign(6, 3.0);
     EXPECT_TRUE(contourPicture(constant, 0).extremes.empty());
 }
 
 TEST(ContourPictures, HaveTheFlagsOfTheirValues)
 {
-    ModelCut cut = grid();
-    EXPECT_TRUE(contourPicture(cut, 0).isOutside.empty());
-    cut.isOutside = {0, 1, 0, 0, 0, 0};
+    ModelSlice slice = grid();
+    EXPECT_TRUE(contourPicture(slice, 0).isOutside.empty());
+    slice.isOutside = {0, 1, 0, 0, 0, 0};
 
-    EXPECT_EQ(contourPicture(cut, 0).isOutside, (std::vector<char>{0, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(contourPicture(slice, 0).isOutside, (std::vector<char>{0, 0, 0, 0, 0, 1}));
 }
 
 TEST(ContourPictures, CountRepeatedCases)
 {
-    ModelCut cut = grid();
-    cut.inputs[0].caseValues = {50, 60, 50, 50};
-    cut.inputs[2].caseValues = {5, 5, 5, 6};
+    ModelSlice slice = grid();
+    slice.inputs[0].caseValues = {50, 60, 50, 50};
+    slice.inputs[2].caseValues = {5, 5, 5, 6};
 
-    const ContourPicture picture = contourPicture(cut, 0);
+    const ContourPicture picture = contourPicture(slice, 0);
 
     EXPECT_EQ(picture.caseX, (std::vector<double>{50, 60, 50}));
     EXPECT_EQ(picture.caseY, (std::vector<double>{5, 5, 6}));
@@ -83,16 +83,16 @@ TEST(ContourPictures, CountRepeatedCases)
 
 TEST(ContourPictures, RefuseOneValueOfASweptInput)
 {
-    ModelCut cut = grid();
-    cut.inputs[2].values.assign(6, 2.0);
+    ModelSlice slice = grid();
+    slice.inputs[2].values.assign(6, 2.0);
 
-    EXPECT_THROW(contourPicture(cut, 0), UsageError);
+    EXPECT_THROW(contourPicture(slice, 0), UsageError);
 }
 
 TEST(ContourPictures, RefuseValuesThatNoAxisCanShow)
 {
-    ModelCut cut = grid();
-    cut.outputs[0].values[3] = std::nan("");
+    ModelSlice slice = grid();
+    slice.outputs[0].values[3] = std::nan("");
 
-    EXPECT_THROW(contourPicture(cut, 0), SurrogateModelInterface::Error);
+    EXPECT_THROW(contourPicture(slice, 0), SurrogateModelInterface::Error);
 }

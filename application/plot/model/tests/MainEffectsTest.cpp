@@ -16,13 +16,13 @@ TEST(MainEffects, SweepEveryInputWhereTheOthersAreHeld)
     const MainEffects sweeps(session);
 
     for (std::size_t output = 0; output < 2; ++output) {
-        const std::vector<const ModelCut*> cuts = sweeps.strongest(output, 6);
-        ASSERT_EQ(cuts.size(), 2u);
-        EXPECT_EQ(cuts[0]->swept, std::vector<std::size_t>{0})
+        const std::vector<const ModelSlice*> slices = sweeps.strongest(output, 6);
+        ASSERT_EQ(slices.size(), 2u);
+        EXPECT_EQ(slices[0]->swept, std::vector<std::size_t>{0})
             << "pressure has the larger influence";
-        EXPECT_EQ(cuts[1]->swept, std::vector<std::size_t>{1});
+        EXPECT_EQ(slices[1]->swept, std::vector<std::size_t>{1});
         // The medians are the middle of the ranges, through which both pass.
-        EXPECT_NEAR(cuts[0]->outputs[output].values[50], cuts[1]->outputs[output].values[50],
+        EXPECT_NEAR(slices[0]->outputs[output].values[50], slices[1]->outputs[output].values[50],
                     1e-12);
     }
 }

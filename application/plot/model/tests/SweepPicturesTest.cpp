@@ -3,7 +3,7 @@
 #include "../../../session/tests/MessageOf.h"
 
 #include <plot/model/ConfidenceBand.h>
-#include <plot/model/ModelCut.h>
+#include <plot/model/ModelSlice.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -15,20 +15,20 @@
 #include <vector>
 
 namespace {
-ModelCut cut(std::vector<double> pressures, std::vector<double> stresses)
+ModelSlice slice(std::vector<double> pressures, std::vector<double> stresses)
 {
-    ModelCut cut;
-    cut.modelName = "Kriging";
-    cut.inputs = {{"Pressure", std::move(pressures), {}}};
-    cut.outputs = {{"Stress", std::move(stresses), {}}};
-    cut.swept = {0};
-    return cut;
+    ModelSlice slice;
+    slice.modelName = "Kriging";
+    slice.inputs = {{"Pressure", std::move(pressures), {}}};
+    slice.outputs = {{"Stress", std::move(stresses), {}}};
+    slice.swept = {0};
+    return slice;
 }
 } // namespace
 
 TEST(SweepPictures, ShowsEachValueOnceInAscendingOrder)
 {
-    const SweepPicture picture = sweepPicture(cut({42, 4, 80, 42}, {5, 7, 4, 5}), 0, {});
+    const SweepPicture picture = sweepPicture(slice({42, 4, 80, 42}, {5, 7, 4, 5}), 0, {});
 
     EXPECT_EQ(picture.inputs, (std::vector<double>{4, 42, 80}));
     EXPECT_EQ(picture.model, (std::vector<double>{7, 5, 4}));
@@ -42,22 +42,22 @@ TEST(SweepPictures, HasTheLimitsOfTheBandInTheOrderOfTheInput)
 {
     const ConfidenceBand band = {{4, 6.5, 2}, {6, 7.5, 6}, "the band"};
 
-    const SweepPicture picture = sweepPicture(cut({42, 4, 80}, {5, 7, 4}), 0, band);
+    const SweepPicture picture = sweepPicture(slice({42, 4, 80}, {5, 7, 4}), 0, band);
 
     EXPECT_EQ(picture.lower, (std::vector<double>{6.5, 4, 2}));
     EXPECT_EQ(picture.upper, (std::vector<double>{7.5, 6, 6}));
     EXPECT_EQ(picture.bandLabel, "the band");
 
-    const SweepPicture without = sweepPicture(cut({4, 80}, {7, 4}), 0, {});
+    const SweepPicture without = sweepPicture(slice({4, 80}, {7, 4}), 0, {});
 
     EXPECT_TRUE(without.lower.empty());
     EXPECT_TRUE(without.upper.empty());
     EXPECT_EQ(without.bandLabel, "");
 }
 
-TEST(SweepPictures, ShowsTheCasesNearTheCut)
+TEST(SweepPictures, ShowsTheCasesNearTheSlice)
 {
-    ModelCut sweep = cut({4, 80}, {7, 4});
+    ModelSlice sweep = slice({4, 80}, {7, 4});
     sweep.inputs[0].caseValues = {50};
     sweep.outputs[0].caseValues = {6};
     sweep.fittedCases = 9;
@@ -72,16 +72,16 @@ TEST(SweepPictures, ShowsTheCasesNearTheCut)
 TEST(SweepPictures, RefusesOneValueOfTheSweptInputAndThoseThatNoAxisCanShow)
 {
     EXPECT_EQ(messageOf<UsageError>([] {
-                  sweepPicture(cut({42, 42}, {5, 5}), 0, {});
+                  sweepPicture(slice({42, 42}, {5, 5}), 0, {});
               }),
               "The picture needs at least two different values of \"Pressure\".");
 
     const double infinity = std::numeric_limits<double>::infinity();
 
     EXPECT_EQ(messageOf<SurrogateModelInterface::Error>([&] {
-                  sweepPicture(cut({4, 80}, {7, infinity}), 0, {});
+                  sweepPicture(slice({4, 80}, {7, infinity}), 0, {});
               }),
               "The model of \"Stress\" holds values that are not finite, or too large to be "
               "drawn.");
-    EXPECT_THROW(sweepPicture(cut({4, 1.6e308}, {7, 4}), 0, {}), SurrogateModelInterface::Error);
+    EXPECT_THROW(sweepPicture(slice({4, 1.6e308}, {7, 4}), 0, {}), SurrogateModelInterface::Error);
 }

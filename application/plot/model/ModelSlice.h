@@ -18,13 +18,13 @@ SURROGATE_PLOT_EXPORT bool hasLogarithmicAxis(CaseSession& session, std::size_t 
  * near these points: each held input within a tenth of its range of the held value, each swept one
  * within the swept values.
  */
-struct SURROGATE_PLOT_EXPORT ModelCut
+struct SURROGATE_PLOT_EXPORT ModelSlice
 {
     struct Column
     {
         std::string name;
         std::vector<double> values;     ///< one per point
-        std::vector<double> caseValues; ///< one per case near the cut
+        std::vector<double> caseValues; ///< one per case near the slice
         std::string unit = {};          ///< empty if the case file says none
         bool isLogarithmic = false;     ///< whether its axis should be (hasLogarithmicAxis())
 
@@ -40,7 +40,7 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     std::string extrapolation; ///< how many points lie outside the cases, a sentence; or empty
     std::vector<char> isOutside = {}; ///< one flag per point; after findOutside()
 
-    /** What the cases of all cuts of a session are chosen from. */
+    /** What the cases of all slices of a session are chosen from. */
     struct FittedCases
     {
         explicit FittedCases(const Workspace& workspace);
@@ -51,7 +51,7 @@ struct SURROGATE_PLOT_EXPORT ModelCut
     };
 
     /** Through the values that the session chooses. @throw SurrogateModelInterface::Error */
-    static ModelCut throughChosenValues(CaseSession& session);
+    static ModelSlice throughChosenValues(CaseSession& session);
 
     /**
      * Through the values at which the session holds its inputs, with some swept over their ranges,
@@ -60,16 +60,16 @@ struct SURROGATE_PLOT_EXPORT ModelCut
      * @param values of each of them, at least two.
      * @throw SurrogateModelInterface::Error
      */
-    static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                               std::size_t values);
+    static ModelSlice overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                                 std::size_t values);
 
-    /** The same, one cut of several. @param cases those of the session. */
-    static ModelCut overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                               std::size_t values, const FittedCases& cases);
+    /** The same, one slice of several. @param cases those of the session. */
+    static ModelSlice overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                                 std::size_t values, const FittedCases& cases);
 
     /** The same over two swept inputs with values between theirs, evenly, so that each has at least
      *  this many. @throw SurrogateModelInterface::Error */
-    ModelCut finer(CaseSession& session, std::size_t values) const;
+    ModelSlice finer(CaseSession& session, std::size_t values) const;
 
     /** Finds out which points lie outside the cases. @throw SurrogateModelInterface::Error */
     void findOutside(CaseSession& session);

@@ -1,4 +1,4 @@
-#include "plot/model/ModelCut.h"
+#include "plot/model/ModelSlice.h"
 
 #include "plot/drawing/AxisScale.h"
 
@@ -29,28 +29,28 @@ constexpr double roundingShare = 1e-9;
 constexpr std::size_t maxHeldInputs = 20;
 constexpr int maxNameCharacters = 32;
 
-bool isSwept(const ModelCut& cut, std::size_t input)
+bool isSwept(const ModelSlice& slice, std::size_t input)
 {
-    return std::find(cut.swept.begin(), cut.swept.end(), input) != cut.swept.end();
+    return std::find(slice.swept.begin(), slice.swept.end(), input) != slice.swept.end();
 }
 
 /** The names and the model, no points yet. */
-ModelCut emptyCut(CaseSession& session, std::vector<std::size_t> swept)
+ModelSlice emptySlice(CaseSession& session, std::vector<std::size_t> swept)
 {
-    ModelCut cut;
-    cut.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
-    cut.swept = std::move(swept);
+    ModelSlice slice;
+    slice.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
+    slice.swept = std::move(swept);
     for (const std::string& name : namesOf(session.inputs())) {
-        cut.inputs.push_back({shortText(name), {}, {}, session.unitOf(name)});
+        slice.inputs.push_back({shortText(name), {}, {}, session.unitOf(name)});
     }
     for (const std::string& name : namesOf(session.outputs())) {
-        cut.outputs.push_back({shortText(name),
-                               {},
-                               {},
-                               session.unitOf(name),
-                               hasLogarithmicAxis(session, cut.outputs.size())});
+        slice.outputs.push_back({shortText(name),
+                                 {},
+                                 {},
+                                 session.unitOf(name),
+                                 hasLogarithmicAxis(session, slice.outputs.size())});
     }
-    return cut;
+    return slice;
 }
 
 /** The sentence without numbers of rows, which a picture does not have. */
@@ -64,31 +64,32 @@ std::string withoutRows(const std::string& sentence)
                : sentence.substr(0, begin) + sentence.substr(end + 1);
 }
 
-void addNearCases(const Workspace& workspace, const ModelCut::FittedCases& cases, ModelCut& cut)
+void addNearCases(const Workspace& workspace, const ModelSlice::FittedCases& cases,
+                  ModelSlice& slice)
 {
     std::vector<std::size_t> near = cases.rows;
-    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
-        const std::vector<double>& points = cut.inputs[i].values;
+    for (std::size_t i = 0; i < slice.inputs.size(); ++i) {
+        const std::vector<double>& points = slice.inputs[i].values;
         const auto& column = workspace.project().numericValues(workspace.inputs()[i]);
         const auto [least, most] = std::minmax_element(points.begin(), points.end());
-        const double slack = (isSwept(cut, i) ? roundingShare : nearShare) * cases.widths[i];
+        const double slack = (isSwept(slice, i) ? roundingShare : nearShare) * cases.widths[i];
         const auto isFar = [&, least = *least, most = *most](std::size_t row) {
             return column[row] < least - slack || column[row] > most + slack;
         };
         near.erase(std::remove_if(near.begin(), near.end(), isFar), near.end());
     }
-    cut.fittedCases = cases.rows.size();
-    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
-        cut.inputs[i].caseValues =
+    slice.fittedCases = cases.rows.size();
+    for (std::size_t i = 0; i < slice.inputs.size(); ++i) {
+        slice.inputs[i].caseValues =
             valuesAt(workspace.project().numericValues(workspace.inputs()[i]), near);
     }
-    for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
-        cut.outputs[i].caseValues =
+    for (std::size_t i = 0; i < slice.outputs.size(); ++i) {
+        slice.outputs[i].caseValues =
             valuesAt(workspace.project().numericValues(workspace.outputs()[i]), near);
     }
 }
 
-/** Cut between characters. */
+/** Shortened between characters. */
 std::string shortName(const std::string& name)
 {
     const QString text = QString::fromStdString(oneLineText(name));
@@ -168,7 +169,7 @@ bool hasLogarithmicAxis(CaseSession& session, std::size_t output)
     return least > 0.0 && std::isfinite(most) && most >= threeDecades * least;
 }
 
-ModelCut::FittedCases::FittedCases(const Workspace& workspace)
+ModelSlice::FittedCases::FittedCases(const Workspace& workspace)
     : rows(workspace.validCases()), ranges(workspace.sweepRanges())
 {
     for (const VarPtr& input : workspace.inputs()) {
@@ -177,12 +178,12 @@ ModelCut::FittedCases::FittedCases(const Workspace& workspace)
     }
 }
 
-ModelCut ModelCut::throughChosenValues(CaseSession& session)
+ModelSlice ModelSlice::throughChosenValues(CaseSession& session)
 {
-    ModelCut cut = emptyCut(session, session.sweptInputs());
+    ModelSlice slice = emptySlice(session, session.sweptInputs());
     const GridEvaluation evaluation = session.evaluate();
     vtkIdType position = 0;
-    for (auto* const columns : {&cut.inputs, &cut.outputs}) {
+    for (auto* const columns : {&slice.inputs, &slice.outputs}) {
         for (Column& column : *columns) {
             auto* const values =
                 vtkDoubleArray::SafeDownCast(evaluation.table->GetColumn(position++));
@@ -190,26 +191,26 @@ ModelCut ModelCut::throughChosenValues(CaseSession& session)
                                  values->GetPointer(0) + values->GetNumberOfTuples());
         }
     }
-    cut.extrapolation = withoutRows(evaluation.extrapolation);
-    addNearCases(session, FittedCases(session), cut);
-    return cut;
+    slice.extrapolation = withoutRows(evaluation.extrapolation);
+    addNearCases(session, FittedCases(session), slice);
+    return slice;
 }
 
-ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                              std::size_t values)
+ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                                  std::size_t values)
 {
     return overRanges(session, swept, values, FittedCases(session));
 }
 
-ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                              std::size_t values, const FittedCases& cases)
+ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
+                                  std::size_t values, const FittedCases& cases)
 {
-    ModelCut cut = emptyCut(session, swept);
+    ModelSlice slice = emptySlice(session, swept);
     const auto count =
         static_cast<std::size_t>(std::pow(values, static_cast<double>(swept.size())));
     const std::vector<double> held = session.heldValues();
-    for (std::size_t i = 0; i < cut.inputs.size(); ++i) {
-        cut.inputs[i].values.assign(count, held[i]);
+    for (std::size_t i = 0; i < slice.inputs.size(); ++i) {
+        slice.inputs[i].values.assign(count, held[i]);
     }
     std::size_t repeats = count;
     for (const std::size_t input : swept) {
@@ -218,27 +219,27 @@ ModelCut ModelCut::overRanges(CaseSession& session, const std::vector<std::size_
         for (std::size_t point = 0; point < count; ++point) {
             const double share =
                 static_cast<double>(point / repeats % values) / static_cast<double>(values - 1);
-            cut.inputs[input].values[point] = (1.0 - share) * least + share * most;
+            slice.inputs[input].values[point] = (1.0 - share) * least + share * most;
         }
     }
     std::vector<const double*> points;
-    for (const Column& input : cut.inputs) {
+    for (const Column& input : slice.inputs) {
         points.push_back(input.values.data());
     }
     PointEvaluation evaluation = session.predict(points, count);
-    for (std::size_t i = 0; i < cut.outputs.size(); ++i) {
-        cut.outputs[i].values = std::move(evaluation.outputs[i]);
+    for (std::size_t i = 0; i < slice.outputs.size(); ++i) {
+        slice.outputs[i].values = std::move(evaluation.outputs[i]);
     }
-    cut.extrapolation = withoutRows(evaluation.extrapolation);
-    addNearCases(session, cases, cut);
-    return cut;
+    slice.extrapolation = withoutRows(evaluation.extrapolation);
+    addNearCases(session, cases, slice);
+    return slice;
 }
 
-ModelCut ModelCut::finer(CaseSession& session, std::size_t values) const
+ModelSlice ModelSlice::finer(CaseSession& session, std::size_t values) const
 {
     const std::vector<double> x = withValuesBetween(inputs[swept[0]].values, values);
     const std::vector<double> y = withValuesBetween(inputs[swept[1]].values, values);
-    ModelCut fine = *this;
+    ModelSlice fine = *this;
     std::vector<const double*> columns;
     for (Column& input : fine.inputs) {
         input.values.assign(x.size() * y.size(), points() > 0 ? input.values.front() : 0.0);
@@ -255,7 +256,7 @@ ModelCut ModelCut::finer(CaseSession& session, std::size_t values) const
     return fine;
 }
 
-void ModelCut::findOutside(CaseSession& session)
+void ModelSlice::findOutside(CaseSession& session)
 {
     std::vector<const double*> columns;
     for (const Column& input : inputs) {
@@ -264,7 +265,7 @@ void ModelCut::findOutside(CaseSession& session)
     isOutside = session.outsideCases(columns, points());
 }
 
-std::string ModelCut::caseLabel() const
+std::string ModelSlice::caseLabel() const
 {
     if (inputs.size() == swept.size()) {
         return "cases";
@@ -273,7 +274,7 @@ std::string ModelCut::caseLabel() const
            ')';
 }
 
-std::string ModelCut::heldText(const CaseSession& session)
+std::string ModelSlice::heldText(const CaseSession& session)
 {
     HeldText text;
     const std::vector<double> held = session.heldValues();
@@ -284,7 +285,7 @@ std::string ModelCut::heldText(const CaseSession& session)
     return text.text();
 }
 
-std::string ModelCut::caption() const
+std::string ModelSlice::caption() const
 {
     HeldText held;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
