@@ -1,8 +1,10 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceAnalysis.h>
 
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/Distributions.h>
 #include <mirel_fitting/polynomial/PolynomialUnits.h>
 
+#include <boost/math/constants/constants.hpp>
 #include <lapacke.h>
 
 #include <algorithm>
@@ -16,7 +18,7 @@
 namespace {
 
 constexpr double none = CoefficientStatistics::none;
-const double twoPi = 2.0 * std::acos(-1.0);
+using boost::math::double_constants::two_pi;
 
 /** The kinds of terms, in the order in which the analysis of variance enters them. */
 enum class Kind
@@ -114,7 +116,7 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
     }
     const double variance = unit * unit * residualSquares() / cases;
     metrics.logLikelihood =
-        -0.5 * cases * (std::log(twoPi * variance) + 1.0) + 0.5 * fit.rows().logarithms();
+        -0.5 * cases * (std::log(two_pi * variance) + 1.0) + 0.5 * fit.rows().logarithms();
     return metrics;
 }
 
@@ -294,6 +296,7 @@ std::vector<double> ResponseSurfaceAnalysis::sequentialSquares(bool areBlocksLas
             rotated[i] += fit.factorElement(i, k) * coefficient;
         }
     }
+    const SingleThreadedBlas singleThreaded;
     std::vector<double> reflections(kept);
     LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, matrix.data(), n, reflections.data());
     LAPACKE_dormqr(LAPACK_COL_MAJOR, 'L', 'T', n, 1, n, matrix.data(), n, reflections.data(),
@@ -468,7 +471,7 @@ double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::siz
     if (n - k <= 1.0) {
         return std::numeric_limits<double>::infinity();
     }
-    return n * (std::log(squares / n) + std::log(twoPi) + 1.0) + 2.0 * k +
+    return n * (std::log(squares / n) + std::log(two_pi) + 1.0) + 2.0 * k +
            2.0 * k * (k + 1.0) / (n - k - 1.0);
 }
 

@@ -1,5 +1,6 @@
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
 
+#include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/polynomial/PolynomialUnits.h>
 #include <mirel_fitting/responsesurface/RidgeAnalysis.h>
 
@@ -67,6 +68,7 @@ void StationaryPointFinder::decompose()
             directions[j * size + i] += coefficients[term] / 2.0;
         }
     }
+    const SingleThreadedBlas singleThreaded;
     eigenvalues.resize(size);
     LAPACKE_dsyev(LAPACK_COL_MAJOR, 'V', 'U', static_cast<lapack_int>(size), directions.data(),
                   static_cast<lapack_int>(size), eigenvalues.data());

@@ -2,10 +2,12 @@
 
 #include "FittingTestSupport.h"
 
+#include <cblas.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 using namespace fittingtest;
 
@@ -128,4 +130,28 @@ TEST(ResponseSurfaceAnalysis, AiccIsThatOfItsDefinitionAndNoneForHardlyMoreCases
     EXPECT_EQ(ResponseSurfaceAnalysis::aicc(1.0, 4, 2), infinity);
     EXPECT_TRUE(std::isfinite(ResponseSurfaceAnalysis::aicc(1.0, 5, 2)));
     EXPECT_TRUE(std::isnan(ResponseSurfaceAnalysis(fit(fourOnALine(), 1), 0, {}).aicc()));
+}
+
+TEST(ResponseSurfaceAnalysis, HasTheSameBitsWithAnyNumberOfBlasThreads)
+{
+    Random random(3);
+    Cases cases;
+    for (int input = 0; input < 26; ++input) {
+        cases.inputs.push_back(random.next(400));
+    }
+    cases.outputs.push_back(random.next(400));
+    const PolynomialFit whole = fit(cases, 2); // 378 terms
+    const int before = openblas_get_num_threads();
+    std::vector<std::vector<double>> squares;
+    for (const int threads : {1, 2, 3}) {
+        openblas_set_num_threads(threads);
+        std::vector<double>& found = squares.emplace_back();
+        for (const AnovaRow& row : ResponseSurfaceAnalysis(whole, 0, {}).anova()) {
+            found.push_back(row.sumOfSquares);
+        }
+    }
+    openblas_set_num_threads(before);
+
+    EXPECT_EQ(squares[1], squares[0]);
+    EXPECT_EQ(squares[2], squares[0]);
 }
