@@ -56,7 +56,8 @@ public:
      * Half the width of a prediction interval in standard errors of an observation. From 40 cases
      * on it is the quantile of |residual / its standard error| of left-out cases, which also holds
      * where residuals are not normal or the standard errors too small (Dubrule, Math. Geology 15
-     * (1983); Bachoc, Comput. Stat. Data Anal. 66 (2013)); with fewer that of Student's t.
+     * (1983); Bachoc, Comput. Stat. Data Anal. 66 (2013)); with fewer that of Student's t, which
+     * Kriging widens where refits miss too many of the cases that they leave out.
      * calibrationReport() says which.
      * @throw Error as predictionIntervals().
      */

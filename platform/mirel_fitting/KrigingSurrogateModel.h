@@ -21,14 +21,14 @@
  * interpolates the cases.
  *
  * Points that form a Cartesian grid of the inputs, in any nesting, with constant inputs or some
- * that vary together, are predicted by matrix products, at a few percent of the cost of scattered
- * points.
+ * that vary together, are predicted by matrix products or sums along one input, at a few percent of
+ * the cost of scattered points.
  *
  * A fit costs some ten to thirty times n^3 multiplications and two n x n matrices for n distinct
  * cases; above 5000 the lengths are those of 2500, refined by one or two steps with all of them,
  * and a few times n^3 remain. More than 10 000 are modelled in two layers: an exact model of 10 000
  * spread over all of them, and nearest-neighbour Kriging of what it leaves, unless one of the two
- * alone predicts left-out cases better; the memory is then some 2 GiB and 500 bytes per case.
+ * alone predicts left-out cases better; the memory is then some 1.5 GiB, 1.8 GiB for a million.
  * fitWarnings() says what was chosen. The order of the cases and the number of threads do not
  * change a fit.
  */
@@ -81,11 +81,12 @@ public:
 
     /**
      * Of universal Kriging, the uncertainty of the trend included; with the process variance and
-     * the lengths as they were estimated. Where neighbours correct the model of a subset, of what
-     * they leave between the cases, growing like that of near cases alone outside of them; far
-     * outside they are too small, the trend being taken for exact. Where the model interpolates,
-     * errors below a millionth of the process's standard deviation are 0. Keeps n x n numbers from
-     * the first call on, for n distinct cases and each output asked for.
+     * the lengths as they were estimated. Of a model in two layers the larger of the Kriging errors
+     * of both, given the nearest cases, and outside the ranges of the cases at least those of the
+     * exact model of the subset. Where the model interpolates, the error of the mean is 0 at a case
+     * and at least 1.5e-7 of the process's standard deviation elsewhere. Keeps n x n numbers from
+     * the first call on, for n distinct cases (of a subset, once a point lies outside) and each
+     * output asked for.
      */
     std::vector<double> standardErrors(const std::vector<double*>& inputs, int offset,
                                        ErrorKind kind, std::size_t count) const override;

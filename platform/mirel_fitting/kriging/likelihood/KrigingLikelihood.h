@@ -9,9 +9,9 @@
 /**
  * Restricted likelihood of universal Kriging as a function of the correlation lengths and the
  * nugget: that of n - p contrasts of the outputs which do not depend on the trend, n the number of
- * rows, p of trend terms. The trend then takes no variance away from the process, as it does in the
- * likelihood of the rows. Patterson, Thompson: Recovery of inter-block information when block sizes
- * are unequal, Biometrika 58 (1971).
+ * rows (cases of the table), p of trend terms. The trend then takes no variance away from the
+ * process, as it does in the likelihood of the rows. Patterson, Thompson: Recovery of inter-block
+ * information when block sizes are unequal, Biometrika 58 (1971).
  *
  * Covariance of the rows: s2 R, R = C + nugget I, C the correlation of their inputs, F the terms of
  * the trend. s2 = r' R^-1 r / (n - p) with the residual r of the trend is profiled out:
@@ -46,7 +46,13 @@ public:
 
     /**
      * Derivatives of the last evaluation, which must have been finite, by the logarithms of the
-     * lengths and, last, of the nugget.
+     * lengths and, last, of the nugget: for a parameter t
+     *
+     *   d ln L / dt = (a' (dR/dt) a / s2 - tr(P dR/dt)) / 2
+     *
+     * with a = R^-1 r and P = R^-1 - G G', the inverse with the trend projected out
+     * (KrigingEquations::trendInInverse()). By a length the diagonal of dR/dt is 0: the half of the
+     * symmetric sum is that over i > j. By the nugget dR/dt is diagonal.
      */
     void gradient(std::vector<double>& result);
 
