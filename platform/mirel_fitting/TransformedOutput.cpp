@@ -5,6 +5,7 @@
 #include <mirel_fitting/cases/ArgumentCheck.h>
 #include <mirel_fitting/cases/KrigingCases.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
+#include <mirel_fitting/numerics/Picked.h>
 
 #include <algorithm>
 #include <array>
@@ -317,16 +318,6 @@ private:
         if (!(result.gain > (rows < columns.cases() ? leastGainOfSubset : leastGain))) {
             result.transform = OutputTransform::None;
         }
-    }
-
-    static std::vector<double> picked(const std::vector<double>& column,
-                                      const std::vector<std::size_t>& rows)
-    {
-        std::vector<double> values;
-        for (const std::size_t row : rows) {
-            values.push_back(column[row]);
-        }
-        return values;
     }
 
     /** All rows at some of the distinct points, chosen whatever the order of the rows. */

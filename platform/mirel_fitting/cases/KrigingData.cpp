@@ -24,6 +24,15 @@ std::vector<double> pick(const std::vector<double>& columns, std::size_t cases,
 
 } // namespace
 
+std::vector<const double*> KrigingData::columns(std::size_t firstCase) const
+{
+    std::vector<const double*> result;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        result.push_back(coordinates.data() + k * cases + firstCase);
+    }
+    return result;
+}
+
 double KrigingData::rowCount() const
 {
     return std::accumulate(replicates.begin(), replicates.end(), 0.0);

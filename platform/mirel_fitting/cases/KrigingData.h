@@ -4,8 +4,10 @@
 #include <vector>
 
 /**
- * The data of a likelihood: distinct cases with scaled inputs and standardised output. A case may
- * stand for replicates, rows with the same inputs and different outputs; its output is their mean.
+ * The data of a likelihood: distinct cases with scaled inputs and standardised output. They are the
+ * points of KrigingCases, in its order; the cases of the user's table are called rows here. A case
+ * may stand for replicates, rows with the same inputs and different outputs; its output is their
+ * mean.
  */
 struct KrigingData
 {
@@ -18,6 +20,10 @@ struct KrigingData
     std::vector<double> replicates;  ///< one per case: the number of its replicates, at least 1
     /** One per case: sum of squares of its replicates about their mean. */
     std::vector<double> withinSquares;
+
+    /** One pointer to the coordinates of each input, from a case on; valid while `coordinates` is
+     *  unchanged. */
+    std::vector<const double*> columns(std::size_t firstCase = 0) const;
 
     /** Number of rows that the cases stand for. */
     double rowCount() const;

@@ -59,7 +59,7 @@ BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lo
                              const StepRule& rule)
     : objective(objective), rule(rule), size(start.size()), lower(std::move(lower)),
       upper(std::move(upper)), current(std::move(start)), currentValue(0.0),
-      hessian(size * size, 0.0), trustRadius(rule.firstRadius)
+      trustRadius(rule.firstRadius)
 {
     for (std::size_t i = 0; i < size; ++i) {
         current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
@@ -128,21 +128,13 @@ void BoundedSearch::updateModel()
     isModelCurrent = true;
     objective.value(current);
     const std::vector<double> oldGradient = gradient;
-    const bool hasEstimate = takeDerivatives();
+    takeDerivatives();
     if (!oldGradient.empty()) {
         updateCurvature(step, oldGradient);
-    } else if (!hasEstimate) {
-        // The first step is steepest ascent with the trust radius as its largest component.
-        constexpr double smallestSlope = 1e-300; // in the place of 0
-        const double slope = std::max(largestMagnitude(gradient), smallestSlope);
-        for (std::size_t i = 0; i < size; ++i) {
-            hessian[i * size + i] = slope / trustRadius;
-        }
     }
 }
 
-/** The gradient, and the curvature if the objective has an estimate. @return whether it has. */
-bool BoundedSearch::takeDerivatives()
+void BoundedSearch::takeDerivatives()
 {
     // Added to the diagonal to make the matrix definite: relative to each element, which keeps the
     // scales of the variables, and relative to the largest, for variables without curvature; the
@@ -150,22 +142,15 @@ bool BoundedSearch::takeDerivatives()
     constexpr double relativeRidge = 1e-6;
     constexpr double ridgeOfLargest = 1e-30;
 
-    std::vector<double> estimate;
-    const bool isKnown = objective.curvature(estimate);
+    objective.curvature(hessian);
     objective.gradient(gradient);
-    if (isKnown) {
-        double largest = std::numeric_limits<double>::min();
-        for (std::size_t i = 0; i < size; ++i) {
-            largest = std::max(largest, estimate[i * size + i]);
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            estimate[i * size + i] +=
-                relativeRidge * estimate[i * size + i] + ridgeOfLargest * largest;
-        }
-        hessian = std::move(estimate);
-        hasCurvature = true;
+    double largest = std::numeric_limits<double>::min();
+    for (std::size_t i = 0; i < size; ++i) {
+        largest = std::max(largest, hessian[i * size + i]);
     }
-    return isKnown;
+    for (std::size_t i = 0; i < size; ++i) {
+        hessian[i * size + i] += relativeRidge * hessian[i * size + i] + ridgeOfLargest * largest;
+    }
 }
 
 /**
@@ -216,7 +201,7 @@ void BoundedSearch::adaptRadius(double share, bool isFirstTry)
     }
 }
 
-/** A damped BFGS update, also of the objective's estimate. */
+/** A damped BFGS update of the objective's estimate. */
 void BoundedSearch::updateCurvature(const std::vector<double>& taken,
                                     const std::vector<double>& oldGradient)
 {
@@ -225,16 +210,6 @@ void BoundedSearch::updateCurvature(const std::vector<double>& taken,
         change[i] = oldGradient[i] - gradient[i];
     }
     const double along = dot(taken, change);
-    if (!hasCurvature && along > 0.0) {
-        // The first step shows the scale of the curvature, which was a guess.
-        const double scale = dot(change, change) / along;
-        std::fill(hessian.begin(), hessian.end(), 0.0);
-        for (std::size_t i = 0; i < size; ++i) {
-            hessian[i * size + i] = scale;
-        }
-    }
-    hasCurvature = true;
-
     const std::vector<double> image = multiply(hessian, taken);
     const double quadratic = dot(taken, image);
     if (!(quadratic > 0.0)) {

@@ -4,23 +4,23 @@
 #include <utility>
 #include <vector>
 
-/** A smooth function to be maximised; its gradient is cheaper after its value. */
+/**
+ * A smooth function to be maximised. Curvature and gradient are those at the point that value() was
+ * called for last, where the function was finite; BoundedSearch calls each of them once, in this
+ * order, after value(). That call may repeat a point, since other searches of the same function may
+ * have come between: an objective whose value is expensive keeps the last one.
+ */
 class BoundedObjective
 {
 public:
     virtual ~BoundedObjective() = default;
 
-    /** Minus infinity where the function has no value. The value of the last point should be kept:
-     *  before a gradient it is asked for again, since other searches may have come between. */
+    /** Minus infinity where the function has no value. */
     virtual double value(const std::vector<double>& point) = 0;
 
-    /**
-     * A positive semidefinite estimate of minus the Hessian, by rows, at the point of the last
-     * value, which was finite. @return false if there is none.
-     */
-    virtual bool curvature(std::vector<double>& /*result*/) { return false; }
+    /** A positive semidefinite estimate of minus the Hessian, by rows. */
+    virtual void curvature(std::vector<double>& result) = 0;
 
-    /** At the point of the last value, which was finite; called at most once per value. */
     virtual void gradient(std::vector<double>& result) = 0;
 };
 
@@ -28,9 +28,8 @@ public:
  * Maximises a function of a few variables within bounds by a trust-region quasi-Newton method: each
  * step goes to the maximum of a quadratic model inside the bounds and a trust box, which shrinks
  * where the function does not rise and grows where it rises as expected. The model's curvature is
- * the objective's estimate, with a damped BFGS update along the last step; without an estimate,
- * BFGS updates alone. Nocedal, Wright: Numerical Optimization, 2nd ed., Springer 2006,
- * sections 4.1, 16.5 and 18.3.
+ * the objective's estimate, with a damped BFGS update along the last step. Nocedal, Wright:
+ * Numerical Optimization, 2nd ed., Springer 2006, sections 4.1, 16.5 and 18.3.
  *
  * It can be advanced a few steps at a time, so that several searches can race.
  */
@@ -79,7 +78,7 @@ public:
 private:
     void proposeStep();
     void updateModel();
-    bool takeDerivatives();
+    void takeDerivatives();
     void advance(int steps, double smallestGain, int maxTriesOfLast);
     bool tryStep(int maxTries);
     void adaptRadius(double share, bool isFirstTry);
@@ -98,7 +97,6 @@ private:
     std::vector<double> step;
     double trustRadius;
     bool isStepLimited = false;
-    bool hasCurvature = false;
     bool isModelCurrent = false;
     bool done = false;
 };

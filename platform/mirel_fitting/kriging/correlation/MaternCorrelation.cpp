@@ -13,7 +13,7 @@ constexpr std::size_t blockPoints = 256;
 } // namespace
 
 MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
-                                     const double* coordinates)
+                                     const double* coordinates, const std::vector<double>& lengths)
     : caseCount(cases), inputCount(inputs),
       stride((cases + laneCount - 1) / laneCount * laneCount + laneCount),
       columns(stride * inputs, 0.0), scaledColumns(columns.size()), scaledRows(cases * inputs),
@@ -26,6 +26,9 @@ MaternCorrelation::MaternCorrelation(std::size_t cases, std::size_t inputs,
         const auto [smallest, largest] = std::minmax_element(column, column + cases);
         smallestCoordinates.push_back(*smallest);
         largestCoordinates.push_back(*largest);
+    }
+    if (!lengths.empty()) {
+        setLengths(lengths);
     }
 }
 

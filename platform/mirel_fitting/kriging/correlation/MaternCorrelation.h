@@ -19,8 +19,10 @@
 class MaternCorrelation
 {
 public:
-    /** @param coordinates by columns, `cases` values for each of the inputs; copied. */
-    MaternCorrelation(std::size_t cases, std::size_t inputs, const double* coordinates);
+    /** @param coordinates by columns, `cases` values for each of the inputs; copied.
+     *  @param lengths     as of setLengths(); none yet if empty. */
+    MaternCorrelation(std::size_t cases, std::size_t inputs, const double* coordinates,
+                      const std::vector<double>& lengths = {});
 
     std::size_t cases() const { return caseCount; }
     std::size_t inputs() const { return inputCount; }

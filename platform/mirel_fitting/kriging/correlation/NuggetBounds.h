@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/SurrogateModelInterface.h>
+
 /**
  * Nuggets, relative to the process variance, with which correlation matrices are factorised. One
  * that cannot be factorised is tried again with a larger nugget.
@@ -15,4 +17,21 @@ struct NuggetBounds
     /** Lets any correlation matrix be factorised: it is positive semidefinite, so that no
      * eigenvalue is then below 1. */
     static constexpr double maxRaised = 1.0;
+
+    /**
+     * The first of the nuggets `nugget`, raise * nugget, ... with which `isFactorised` is true.
+     * @throw SurrogateModelInterface::Error if none up to maxRaised is one.
+     */
+    template <class IsFactorised>
+    static double raisedUntil(double nugget, const IsFactorised& isFactorised)
+    {
+        while (!isFactorised(nugget)) {
+            if (nugget > maxRaised) {
+                throw SurrogateModelInterface::Error(
+                    "The correlation matrix of the cases cannot be factorised.");
+            }
+            nugget *= raise;
+        }
+        return nugget;
+    }
 };

@@ -27,14 +27,10 @@ DistinctCases::DistinctCases(const KrigingFitInput& input, std::vector<std::stri
     }
     // More, in standard deviations, than a smooth function changes over such a distance.
     constexpr double largestChange = 1e-6;
-    std::vector<const double*> inputs;
-    for (std::size_t k = 0; k < merged.inputs; ++k) {
-        inputs.push_back(merged.coordinates.data() + k * merged.cases);
-    }
-    const std::size_t places =
-        ReplicatedCases(inputs, merged.cases).contradictions(merged.output.data(), largestChange);
+    const std::size_t places = ReplicatedCases(merged.columns(), merged.cases)
+                                   .contradictions(merged.output.data(), largestChange);
     if (places > 0) {
-        warnings.push_back(KrigingWarnings::ofNearCases(places));
+        warnings.push_back(KrigingWarnings::ofContradictions(places));
     }
 }
 
@@ -48,7 +44,7 @@ void DistinctCases::warnOfConflicts(bool interpolates, KrigingFit& fit) const
     if (conflicts == 0) {
         return;
     }
-    const std::string sentence = KrigingWarnings::ofConflicts(conflicts, interpolates);
+    const std::string sentence = KrigingWarnings::ofReplicatesThatDiffer(conflicts, interpolates);
     if (interpolates) {
         fit.warnings.push_back(sentence);
     } else {

@@ -1,8 +1,9 @@
 #include <mirel_fitting/kriging/fit/ExactKriging.h>
 
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
+#include <mirel_fitting/numerics/Picked.h>
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -18,17 +19,12 @@ bool removeNugget(const KrigingFitInput& input, const KrigingSearchResult& found
 {
     constexpr double tolerance = 1e-3; // root mean square residual, of the standardised output
 
-    if (input.isNuggetWanted() || found.isNuggetRaised ||
-        found.parameters.nugget > SearchPolicy().soundNugget) {
+    if (input.isNuggetNoise() || found.isNuggetRaised ||
+        found.parameters.nugget > NuggetBounds::sound) {
         return false;
     }
     likelihood.equations().refineWithoutNugget();
-    const std::vector<double> residuals = likelihood.equations().residuals();
-    double squares = 0.0;
-    for (const double residual : residuals) {
-        squares += residual * residual;
-    }
-    return std::sqrt(squares / static_cast<double>(residuals.size())) <= tolerance;
+    return rootMeanSquare(likelihood.equations().residuals()) <= tolerance;
 }
 
 } // namespace
@@ -43,10 +39,8 @@ ExactKriging::ExactKriging(const KrigingFitInput& input, std::shared_ptr<const K
     model.interpolates = removeNugget(input, found, likelihood);
     model.processVariance = likelihood.processVariance();
     model.nugget = parameters.nugget;
-    auto correlation =
-        std::make_shared<MaternCorrelation>(data->cases, data->inputs, data->coordinates.data());
-    correlation->setLengths(parameters.lengths);
-    model.correlation = std::move(correlation);
+    model.correlation = std::make_shared<MaternCorrelation>(
+        data->cases, data->inputs, data->coordinates.data(), parameters.lengths);
     model.coefficients = likelihood.equations().coefficients();
     model.weights = likelihood.equations().weights();
 }

@@ -76,7 +76,7 @@ void KrigingEstimate::searchWithAll()
         found = KrigingSearch::run(allCases, settings);
     }
     const bool isSmoothOutput =
-        !input.isNuggetWanted() &&
+        !input.isNuggetNoise() &&
         (found.isNuggetRaised || found.parameters.nugget <= settings.leastNugget());
     if (areFewCases && isSmoothOutput) {
         isSmooth = true;
@@ -88,11 +88,8 @@ void KrigingEstimate::searchWithAll()
 
 void KrigingEstimate::lowerTrend(int order)
 {
-    const std::size_t otherParameters = allCases->inputs + 1;
-    chosenTrend = std::make_shared<KrigingTrend>(allCases->cases, allCases->inputs,
-                                                 allCases->coordinates, order, otherParameters);
-    allCases->terms = chosenTrend->size();
-    allCases->trend = chosenTrend->matrix();
+    const std::size_t otherParameters = allCases->inputs + 1; // lengths and variance
+    chosenTrend = KrigingTrend::of(*allCases, order, otherParameters);
 }
 
 void KrigingEstimate::warn(KrigingFit& fit) const

@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/fit/KrigingFitInput.h>
 
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <algorithm>
@@ -14,7 +15,7 @@ KrigingSearchSettings KrigingFitInput::searchSettings() const
     KrigingSearchSettings settings;
     settings.tolerance = options.tolerance;
     settings.initialLength = options.initialCorrelationLength;
-    settings.smallestNugget = options.nugget;
+    settings.requestedNugget = options.nugget;
     settings.isNuggetFixed = options.isNuggetFixed();
     const std::size_t inputs = cases.activeInputs().size();
     for (std::size_t k = 0; k < inputs && !options.correlationLengths.empty(); ++k) {
@@ -24,20 +25,16 @@ KrigingSearchSettings KrigingFitInput::searchSettings() const
     return settings;
 }
 
-bool KrigingFitInput::isNuggetWanted() const
+bool KrigingFitInput::isNuggetNoise() const
 {
-    return options.nugget > SearchPolicy().soundNugget;
+    return options.nugget > NuggetBounds::sound;
 }
 
 std::shared_ptr<const KrigingTrend> KrigingFitInput::addTrend(KrigingData& data) const
 {
     const std::size_t lengths = options.correlationLengths.empty() ? data.inputs : 0;
     const std::size_t variance = 1;
-    auto trend = std::make_shared<KrigingTrend>(data.cases, data.inputs, data.coordinates,
-                                                options.trendOrder, lengths + variance);
-    data.terms = trend->size();
-    data.trend = trend->matrix();
-    return trend;
+    return KrigingTrend::of(data, options.trendOrder, lengths + variance);
 }
 
 void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinct,

@@ -29,7 +29,7 @@ struct KrigingFitInput
 
     /** Whether the lower bound of the nugget stands for noise. Up to the least nugget that keeps
      *  the factorisation stable it does not. */
-    bool isNuggetWanted() const;
+    bool isNuggetNoise() const;
 
     /** The trend of the highest order that the cases of `data` allow; `data` receives its terms. */
     std::shared_ptr<const KrigingTrend> addTrend(KrigingData& data) const;

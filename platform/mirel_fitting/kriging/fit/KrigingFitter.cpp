@@ -56,7 +56,7 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     ExactKriging exact(input, estimated.trend(), data, found);
     KrigingLikelihood& likelihood = exact.likelihood;
 
-    KrigingFit fit{KrigingPredictor(exact.model), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit(KrigingPredictor(exact.model));
     const KrigingFitReport report = input.report();
     report.addCorrelation(fit, found, likelihood.equations().conditionEstimate());
     report.addLikelihood(fit, found);
@@ -74,7 +74,7 @@ KrigingFit fitExactKriging(const KrigingFitInput& input, const DistinctCases& di
     constexpr double maxNugget = 1.0; // with more it is mostly the trend that the model follows
     if (data->cases > 1 && found.parameters.nugget < maxNugget &&
         likelihood.equations().areCasesFarApart()) {
-        fit.warnings.push_back(KrigingWarnings::ofSingleCases());
+        fit.warnings.push_back(KrigingWarnings::ofShortLengths());
     }
     return fit;
 }

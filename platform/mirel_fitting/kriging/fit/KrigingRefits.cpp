@@ -42,18 +42,14 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
     // Terms that are independent at all points need not be so at these. The lengths are all but
     // known: the order is that of all points as long as the variance can be estimated.
     const std::size_t otherParameters = 1;
-    auto trend = std::make_shared<KrigingTrend>(data->cases, data->inputs, data->coordinates,
-                                                model.trend->order(), otherParameters);
+    auto trend = KrigingTrend::of(*data, model.trend->order(), otherParameters);
     if (trend->order() < model.trend->order() || *smallest == *largest) {
         return std::nullopt;
     }
-    data->terms = trend->size();
-    data->trend = trend->matrix();
     KrigingSearchSettings settings = input.searchSettings();
-    settings.policy.changedCases = 0; // no second optimum is reported
+    settings.policy.maxCasesForSecond = 0; // no second optimum is reported
     if (model.data->cases >= IntervalCalibration::minCases) {
-        settings.starts = {{model.correlation->lengths(), model.nugget}};
-        settings.maxSteps = steps;
+        settings.continuation = {{{model.correlation->lengths(), model.nugget}}, steps};
     }
     const KrigingSearchResult found = KrigingSearch::run(data, settings);
     return KrigingPredictor(ExactKriging(input, std::move(trend), data, found).model);

@@ -41,7 +41,7 @@ LargeFit runLargeKriging(const KrigingFitInput& input, std::shared_ptr<const Kri
     const auto run = [&](double from, double to) {
         const FitProgress::Portion part(from, to);
         return LargeKriging::run(all, {indices, subset, trend}, input.searchSettings(),
-                                 !input.isNuggetWanted(), input.options.sizes);
+                                 !input.isNuggetNoise(), input.options.sizes);
     };
     const double once = all->hasPureError() ? 0.5 : 1.0; // of the work
     LargeKriging::Result result = run(0.0, once);
@@ -66,15 +66,14 @@ FittedKriging modelOf(const KrigingFitInput& input, const LargeFit& large)
     model.coefficients = result.subset.coefficients;
     model.weights = result.subset.weights;
     if (!model.weights.empty()) {
-        auto correlation = std::make_shared<MaternCorrelation>(
-            large.subset->cases, large.subset->inputs, large.subset->coordinates.data());
-        correlation->setLengths(parameters.lengths);
-        model.correlation = std::move(correlation);
+        model.correlation = std::make_shared<MaternCorrelation>(
+            large.subset->cases, large.subset->inputs, large.subset->coordinates.data(),
+            parameters.lengths);
     }
     model.neighbours = result.neighbours;
     model.neighbourVariance = result.neighbourVariance;
-    model.corrected = {parameters.lengths, parameters.nugget};
-    model.correctedVariance = result.correctedVariance;
+    model.subsetParameters = {parameters.lengths, parameters.nugget};
+    model.subsetVariance = result.subsetVariance;
     return model;
 }
 
@@ -119,7 +118,7 @@ KrigingFit fitLargeKriging(const KrigingFitInput& input, const DistinctCases& di
 
     const LargeFit large = runLargeKriging(input, std::move(all), indices, subset, trend);
     const LargeKriging::Result& result = large.result;
-    KrigingFit fit{KrigingPredictor(modelOf(input, large)), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit(KrigingPredictor(modelOf(input, large)));
     input.report().addCorrelation(fit, result.found, result.subset.condition);
     input.report().addInfluence(fit, *trend, result.subset.coefficients);
     input.report().addTrend(fit, *trend, result.subset.coefficients);

@@ -58,7 +58,7 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
     model.coefficients = {0.0};
     model.processVariance = variance;
 
-    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit(KrigingPredictor(std::move(model)));
     input.report().addTrend(fit, *trend, {0.0});
     input.report().addIndependence(fit, variance, n - 1.0);
     addErrorsOfMean(fit, input, squares);
@@ -86,12 +86,8 @@ bool UncorrelatedKriging::isExplained(const KrigingFitInput& input, const Distin
                                       const std::vector<double>& coefficients)
 {
     const KrigingData& all = distinct.data();
-    std::vector<const double*> points;
-    for (std::size_t k = 0; k < all.inputs; ++k) {
-        points.push_back(all.coordinates.data() + k * all.cases);
-    }
     std::vector<double> explained(all.cases, 0.0);
-    trend.add(points, all.cases, coefficients, explained.data());
+    trend.add(all.columns(), all.cases, coefficients, explained.data());
     for (std::size_t i = 0; i < all.cases; ++i) {
         const double rounding = input.report().roundingOf(all.output[i]);
         if (!(distinct.withinDeviation(i) <= rounding) ||
@@ -111,7 +107,7 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
     model.coefficients = leastSquares.coefficients;
     model.processVariance = leastSquares.variance;
 
-    KrigingFit fit{KrigingPredictor(std::move(model)), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit(KrigingPredictor(std::move(model)));
     input.report().addIndependence(fit, leastSquares.variance,
                                    static_cast<double>(data->cases - trend->size()));
     input.report().addTrend(fit, *trend, leastSquares.coefficients);

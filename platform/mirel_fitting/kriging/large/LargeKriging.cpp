@@ -5,9 +5,9 @@
 #include <mirel_fitting/kriging/large/NeighbourLayer.h>
 #include <mirel_fitting/kriging/report/KrigingTexts.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
+#include <mirel_fitting/numerics/Picked.h>
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <numeric>
 #include <utility>
@@ -15,22 +15,6 @@
 namespace {
 
 using Result = LargeKriging::Result;
-
-double rootMeanSquare(const std::vector<double>& values)
-{
-    const double squares = std::inner_product(values.begin(), values.end(), values.begin(), 0.0);
-    return std::sqrt(squares / static_cast<double>(std::max<std::size_t>(values.size(), 1)));
-}
-
-template <class Value>
-std::vector<Value> at(const std::vector<std::size_t>& indices, const std::vector<Value>& values)
-{
-    std::vector<Value> picked;
-    for (const std::size_t index : indices) {
-        picked.push_back(values[index]);
-    }
-    return picked;
-}
 
 std::vector<std::size_t> casesOutside(const std::vector<std::size_t>& subset, std::size_t cases)
 {
@@ -45,26 +29,25 @@ std::vector<std::size_t> casesOutside(const std::vector<std::size_t>& subset, st
 std::vector<std::size_t> randomCasesOutside(const std::vector<std::size_t>& subset,
                                             std::size_t cases, std::size_t count)
 {
-    return at(randomSubset(cases - subset.size(), count), casesOutside(subset, cases));
+    return picked(casesOutside(subset, cases), randomSubset(cases - subset.size(), count));
 }
 
 /** The exact model of the subset, with the nugget of the fewer cases of the search or the least
  *  one, whichever predicts the measured cases better. */
-void fitSubset(Result& result, SubsetKriging& kriging, const KrigingSearch::Settings& settings,
+void fitSubset(Result& result, SubsetKriging& kriging, const KrigingSearchSettings& settings,
                bool interpolate)
 {
     const auto n = static_cast<double>(result.subsetSize);
     const FitProgress::Portion portion(0.25, 0.5, "Fitting a subset of the cases", n * n * n / 3.0);
-    const double soundNugget = settings.policy.soundNugget;
     const double estimated = result.found.parameters.nugget;
     const auto errorOf = [&](const SubsetKriging::Model& model) {
-        return rootMeanSquare(at(result.measured, kriging.residuals(model)));
+        return rootMeanSquare(picked(kriging.residuals(model), result.measured));
     };
 
-    result.subset = kriging.fit(estimated, soundNugget, interpolate);
+    result.subset = kriging.fit(estimated, interpolate);
     result.subsetError = errorOf(result.subset);
     if (const auto least = KrigingSubsetSearch::nuggetToTry(settings, estimated)) {
-        SubsetKriging::Model other = kriging.fit(*least, soundNugget, interpolate);
+        SubsetKriging::Model other = kriging.fit(*least, interpolate);
         const double error = errorOf(other);
         if (error < result.subsetError) {
             result.subset = std::move(other);
@@ -96,9 +79,9 @@ void addUncertaintyOfSubset(Result& result, const NeighbourLayer& layer)
         {result.found.parameters.lengths, result.found.parameters.nugget});
     const double squares =
         result.error * result.error * static_cast<double>(result.measured.size());
-    result.correctedVariance = squares / std::accumulate(variances.begin(), variances.end(), 0.0);
+    result.subsetVariance = squares / std::accumulate(variances.begin(), variances.end(), 0.0);
     const double ratio =
-        result.neighbourVariance > 0.0 ? result.correctedVariance / result.neighbourVariance : 0.0;
+        result.neighbourVariance > 0.0 ? result.subsetVariance / result.neighbourVariance : 0.0;
     for (std::size_t i = 0; i < variances.size(); ++i) {
         result.leaveOneOutVariances[i] =
             std::max(result.leaveOneOutVariances[i], variances[i] * ratio);
@@ -120,7 +103,7 @@ void chooseLayers(Result& result, const NeighbourLayer& ofModel, const Neighbour
         use(result, ofTrend);
         result.subset.weights.clear();
     } else {
-        result.leaveOneOutResiduals = at(result.measured, residuals);
+        result.leaveOneOutResiduals = picked(residuals, result.measured);
         result.residuals = result.leaveOneOutResiduals;
         result.error = result.subsetError;
     }
@@ -129,9 +112,8 @@ void chooseLayers(Result& result, const NeighbourLayer& ofModel, const Neighbour
 } // namespace
 
 LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>& data,
-                                       const Subset& subset,
-                                       const KrigingSearch::Settings& settings, bool interpolate,
-                                       const KrigingSizes& sizes)
+                                       const Subset& subset, const KrigingSearchSettings& settings,
+                                       bool interpolate, const KrigingSizes& sizes)
 {
     Result result;
     result.subsetSize = subset.indices.size();
@@ -156,7 +138,7 @@ LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>&
                                                        result.found.parameters.nugget};
     const auto layerOf = [&](const std::vector<double>& values, double from, double to) {
         const FitProgress::Portion portion(from, to);
-        return NeighbourLayer(*data, values, result.measured, start, settings.smallestNugget,
+        return NeighbourLayer(*data, values, result.measured, start, settings.requestedNugget,
                               {sizes.neighbours, sizes.estimated});
     };
     const NeighbourLayer ofModel = layerOf(residuals, 0.5, 0.75);

@@ -3,8 +3,8 @@
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/large/SubsetKriging.h>
 #include <mirel_fitting/kriging/neighbours/NearestNeighbourKriging.h>
-#include <mirel_fitting/kriging/report/KrigingSizes.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
+#include <mirel_fitting/kriging/search/KrigingSizes.h>
 
 #include <cstddef>
 #include <memory>
@@ -27,13 +27,14 @@ public:
 
     struct Result
     {
-        KrigingSearch::Result found; ///< of the subset
+        KrigingSearchResult found;   ///< of the subset
         SubsetKriging::Model subset; ///< without weights if only its trend is used
         std::shared_ptr<const NearestNeighbourKriging> neighbours; ///< null: not used
         double neighbourVariance = 0.0;                            ///< of its process
         /** The process variance for standard errors with the subset's parameters, estimated from
-         *  the errors at the measured cases; 0 if neighbours do not correct the subset's model. */
-        double correctedVariance = 0.0;
+         *  the errors at the measured cases; 0 if there is no second layer on the subset's model.
+         */
+        double subsetVariance = 0.0;
 
         std::vector<std::size_t> measured; ///< random cases outside of the subset
         /** Their residuals, and those of the fits to all other cases. */
@@ -56,6 +57,6 @@ public:
      * @throw SurrogateModelInterface::Error like KrigingSearch::run().
      */
     static Result run(const std::shared_ptr<const KrigingData>& data, const Subset& subset,
-                      const KrigingSearch::Settings& settings, bool interpolate,
+                      const KrigingSearchSettings& settings, bool interpolate,
                       const KrigingSizes& sizes);
 };

@@ -1,8 +1,8 @@
 #include <mirel_fitting/kriging/large/NeighbourLayer.h>
 
-#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
+#include <mirel_fitting/numerics/Picked.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,16 +13,6 @@ namespace {
 
 using Parameters = NearestNeighbourKriging::Parameters;
 using Prediction = NearestNeighbourKriging::Prediction;
-
-std::vector<double> at(const std::vector<std::size_t>& indices, const std::vector<double>& values)
-{
-    std::vector<double> result;
-    result.reserve(indices.size());
-    for (const std::size_t index : indices) {
-        result.push_back(values[index]);
-    }
-    return result;
-}
 
 /** Logarithm of the leave-one-out density of some values; the process variance is profiled out. */
 double logDensity(const std::vector<double>& values, const std::vector<Prediction>& predictions)
@@ -49,7 +39,7 @@ public:
     DensitySearch(const NearestNeighbourKriging& kriging, const std::vector<std::size_t>& cases,
                   const std::vector<double>& residuals, const Parameters& start,
                   double smallestNugget)
-        : sample(kriging, cases), values(at(cases, residuals)), smallestNugget(smallestNugget),
+        : sample(kriging, cases), values(picked(residuals, cases)), smallestNugget(smallestNugget),
           bestParameters(start), highest(density(start))
     {}
 
@@ -124,7 +114,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
       sizes(sizes)
 {
     constexpr double expectedTrials = 200.0; // of DensitySearch
-    constexpr double estimating = 0.7; // of the work
+    constexpr double estimating = 0.7;       // of the work
 
     {
         const FitProgress::Portion portion(0.0, estimating, "Estimating from nearest neighbours",
@@ -151,10 +141,8 @@ Parameters NeighbourLayer::estimate(const Parameters& start) const
     constexpr double firstStep = 2.0; // factors of lengths
     constexpr double lastStep = 1.2;
 
-    std::vector<std::size_t> sample;
-    for (const std::size_t position : randomSubset(leftOut.size(), sizes.estimated)) {
-        sample.push_back(leftOut[position]);
-    }
+    const std::vector<std::size_t> sample =
+        picked(leftOut, randomSubset(leftOut.size(), sizes.estimated));
     DensitySearch search(*neighbours, sample, residuals, start, smallestNugget);
     search.tryGrid(start);
     for (double step = firstStep; step > lastStep; step = std::sqrt(step)) {
@@ -165,11 +153,7 @@ Parameters NeighbourLayer::estimate(const Parameters& start) const
 
 double NeighbourLayer::error() const
 {
-    double squares = 0.0;
-    for (const double error : errors) {
-        squares += error * error;
-    }
-    return std::sqrt(squares / static_cast<double>(std::max<std::size_t>(errors.size(), 1)));
+    return rootMeanSquare(errors);
 }
 
 double NeighbourLayer::variance() const
@@ -193,14 +177,9 @@ std::vector<double> NeighbourLayer::leaveOneOutVariances(const Parameters& param
 
 std::vector<double> NeighbourLayer::residualsAtCases() const
 {
-    std::vector<std::vector<double>> columns;
-    for (std::size_t k = 0; k < data.inputs; ++k) {
-        const auto first = data.coordinates.begin() + static_cast<std::ptrdiff_t>(k * data.cases);
-        columns.push_back(at(leftOut, {first, first + static_cast<std::ptrdiff_t>(data.cases)}));
-    }
     std::vector<double> predictions(leftOut.size(), 0.0);
-    neighbours->add(pointersTo(std::as_const(columns)), predictions.size(), predictions.data());
-    std::vector<double> result = at(leftOut, residuals);
+    neighbours->add(data.subset(leftOut).columns(), predictions.size(), predictions.data());
+    std::vector<double> result = picked(residuals, leftOut);
     for (std::size_t i = 0; i < result.size(); ++i) {
         result[i] -= predictions[i];
     }

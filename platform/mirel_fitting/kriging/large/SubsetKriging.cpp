@@ -1,6 +1,5 @@
 #include <mirel_fitting/kriging/large/SubsetKriging.h>
 
-#include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternCorrelation.h>
 #include <mirel_fitting/kriging/correlation/NuggetBounds.h>
@@ -15,19 +14,13 @@ SubsetKriging::SubsetKriging(const KrigingData& all, const Subset& subset,
     : all(all), subset(subset), lengths(std::move(lengths)), likelihood(subset.data)
 {}
 
-SubsetKriging::Model SubsetKriging::fit(double nugget, double soundNugget, bool interpolate)
+SubsetKriging::Model SubsetKriging::fit(double nugget, bool interpolate)
 {
     Model model;
-    model.nugget = nugget;
-    while (!std::isfinite(likelihood.evaluate(lengths, model.nugget))) {
-        if (model.nugget > NuggetBounds::maxRaised) {
-            throw SurrogateModelInterface::Error(
-                "The correlation matrix of the cases cannot be factorised.");
-        }
-        model.nugget *= NuggetBounds::raise;
-        model.isNuggetRaised = true;
-    }
-    model.interpolates = interpolate && !model.isNuggetRaised && model.nugget <= soundNugget;
+    model.nugget = NuggetBounds::raisedUntil(
+        nugget, [&](double tried) { return std::isfinite(likelihood.evaluate(lengths, tried)); });
+    model.isNuggetRaised = model.nugget > nugget;
+    model.interpolates = interpolate && !model.isNuggetRaised && nugget <= NuggetBounds::sound;
     if (model.interpolates) {
         likelihood.equations().refineWithoutNugget();
     }
@@ -52,17 +45,13 @@ std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) c
 {
     constexpr std::size_t casesPerChunk = 1024; // stay in the first-level cache
 
-    MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
-                                  subset.data->coordinates.data());
-    correlation.setLengths(lengths);
+    const MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
+                                        subset.data->coordinates.data(), lengths);
     std::vector<double> predictions(all.cases, 0.0);
     const OrderedChunks::Work predict = [&](std::size_t chunk) {
         const std::size_t first = chunk * casesPerChunk;
         const std::size_t count = std::min(casesPerChunk, all.cases - first);
-        std::vector<const double*> points;
-        for (std::size_t k = 0; k < all.inputs; ++k) {
-            points.push_back(all.coordinates.data() + k * all.cases + first);
-        }
+        const std::vector<const double*> points = all.columns(first);
         subset.trend->add(points, count, model.coefficients, predictions.data() + first);
         if (isWhole) {
             correlation.addWeightedSums(points, count, model.weights.data(),

@@ -34,11 +34,11 @@ public:
     SubsetKriging(const KrigingData& all, const Subset& subset, std::vector<double> lengths);
 
     /**
-     * @param soundNugget up to it the nugget only keeps the factorisation sound.
-     * @param interpolate whether the model is to interpolate if the nugget is no larger.
+     * @param interpolate whether the model is to interpolate if the nugget only keeps the
+     *                    factorisation sound.
      * @throw SurrogateModelInterface::Error if no nugget makes R positive definite.
      */
-    Model fit(double nugget, double soundNugget, bool interpolate);
+    Model fit(double nugget, bool interpolate);
 
     /** Output minus the model, at all cases. */
     std::vector<double> residuals(const Model& model) const;

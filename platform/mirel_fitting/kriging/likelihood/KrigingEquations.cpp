@@ -70,10 +70,7 @@ private:
             std::copy(block + j * stride + j, block + j * stride + rows,
                       elements.begin() + static_cast<std::ptrdiff_t>(j * rows + j));
         }
-        cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows),
-                    static_cast<int>(columns), static_cast<int>(projected.size() / n), -1.0,
-                    projected.data() + first, static_cast<int>(n), projected.data() + first,
-                    static_cast<int>(n), 1.0, elements.data(), static_cast<int>(rows));
+        KrigingEquations::projectTrendOut(projected, n, first, columns, elements.data(), rows);
     }
 
     /** The block is of the lower triangle: each of its elements stands for two. */
@@ -301,6 +298,17 @@ std::vector<double> KrigingEquations::trendInInverse() const
     return columns;
 }
 
+void KrigingEquations::projectTrendOut(const std::vector<double>& trend, std::size_t rows,
+                                       std::size_t first, std::size_t columns, double* block,
+                                       std::size_t stride)
+{
+    const int order = static_cast<int>(rows);
+    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows - first),
+                static_cast<int>(columns), static_cast<int>(trend.size() / rows), -1.0,
+                trend.data() + first, order, trend.data() + first, order, 1.0, block,
+                static_cast<int>(stride));
+}
+
 double KrigingEquations::conditionEstimate() const
 {
     const SingleThreadedBlas singleThreaded;
@@ -346,8 +354,6 @@ std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* 
     // A smaller fraction of a diagonal element is its rounding error: without the case the trend is
     // not determined.
     constexpr double determined = 1e-10;
-    // Of the difference from 1, relative to the process variance.
-    constexpr double rounding = 100.0 * std::numeric_limits<double>::epsilon();
 
     const SingleThreadedBlas singleThreaded;
     const std::vector<double> projected = trendInInverse();
@@ -373,7 +379,8 @@ std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* 
         const bool isDetermined = left > determined * sums.diagonal[i];
         residuals[i] = isDetermined ? alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
         if (variances && isDetermined) {
-            (*variances)[i] = std::max(1.0 / left - sums.noise[i] / (left * left), rounding);
+            (*variances)[i] =
+                std::max(1.0 / left - sums.noise[i] / (left * left), smallestVariance);
         }
     }
     return residuals;

@@ -7,6 +7,7 @@
 #include <mirel_fitting/numerics/OrthonormalColumns.h>
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -94,6 +95,14 @@ public:
     void whitenAndProject(std::vector<double>& columns, std::size_t count) const;
     /** G = L^-T Q by columns: P = R^-1 - G G' is the inverse with the trend projected out. */
     std::vector<double> trendInInverse() const;
+    /** Turns elements of R^-1 into those of P: columns from `first` on, rows from `first` to the
+     *  last. @param trend trendInInverse() of `rows` rows. */
+    static void projectTrendOut(const std::vector<double>& trend, std::size_t rows,
+                                std::size_t first, std::size_t columns, double* block,
+                                std::size_t stride);
+
+    /** The rounding of 1 minus what the cases explain of a variance: a smaller one counts as it. */
+    static constexpr double smallestVariance = 100.0 * std::numeric_limits<double>::epsilon();
 
 private:
     bool factorise();

@@ -3,6 +3,7 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 
+#include <boost/math/constants/constants.hpp>
 #include <cblas.h>
 
 #include <algorithm>
@@ -12,7 +13,7 @@
 
 namespace {
 
-const double twoPi = 2.0 * std::acos(-1.0);
+using boost::math::double_constants::two_pi;
 
 constexpr double notFactorised = -std::numeric_limits<double>::infinity();
 
@@ -41,14 +42,15 @@ public:
      *  @param trend KrigingEquations::trendInInverse(). */
     DerivativeVisitor(const KrigingEquations& equations, const std::vector<double>& alpha,
                       const std::vector<double>& trend, double variance, Derivatives& totals)
-        : equations(equations), alpha(alpha), trend(trend), rows(equations.correlation().cases()),
-          factor(1.0 / variance), totals(totals)
+        : equations(equations), alpha(alpha), trend(trend), factor(1.0 / variance), totals(totals)
     {}
 
     void visit(std::size_t first, std::size_t columns, const double* block,
                std::size_t stride) override
     {
-        projectTrendOut(first, columns, block, stride);
+        projected.assign(block, block + stride * columns);
+        KrigingEquations::projectTrendOut(trend, equations.correlation().cases(), first, columns,
+                                          projected.data(), stride);
         part.sums.assign(totals.sums.size(), 0.0);
         part.products.assign(totals.products.size(), 0.0);
         equations.correlation().addDerivatives(first, first + columns, equations.correlations(),
@@ -68,18 +70,6 @@ public:
     }
 
 private:
-    /** P = R^-1 - G G'. */
-    void projectTrendOut(std::size_t first, std::size_t columns, const double* block,
-                         std::size_t stride)
-    {
-        const int order = static_cast<int>(rows);
-        projected.assign(block, block + stride * columns);
-        cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows - first),
-                    static_cast<int>(columns), static_cast<int>(trend.size() / rows), -1.0,
-                    trend.data() + first, order, trend.data() + first, order, 1.0, projected.data(),
-                    static_cast<int>(stride));
-    }
-
     static void add(const std::vector<double>& from, std::vector<double>& to)
     {
         for (std::size_t i = 0; i < to.size(); ++i) {
@@ -90,9 +80,8 @@ private:
     const KrigingEquations& equations;
     const std::vector<double>& alpha;
     const std::vector<double>& trend;
-    std::size_t rows;
     double factor;
-    std::vector<double> projected;
+    std::vector<double> projected; // of P
     Derivatives& totals;
     Derivatives part;
 };
@@ -123,7 +112,7 @@ double KrigingLikelihood::logLikelihood() const
     if (repeated > 0.0) {
         determinants += repeated * std::log(equationsOfCases.nugget()) + logReplicates;
     }
-    return -0.5 * (degreesOfFreedom * (std::log(twoPi * variance) + 1.0) + determinants);
+    return -0.5 * (degreesOfFreedom * (std::log(two_pi * variance) + 1.0) + determinants);
 }
 
 /** Once for each evaluation: gradient and average information use the same derivatives. */

@@ -38,6 +38,16 @@ KrigingTrend::KrigingTrend(std::size_t cases, std::size_t inputs,
     }
 }
 
+std::shared_ptr<const KrigingTrend> KrigingTrend::of(KrigingData& data, int highestOrder,
+                                                     std::size_t otherParameters)
+{
+    auto trend = std::make_shared<KrigingTrend>(data.cases, data.inputs, data.coordinates,
+                                                highestOrder, otherParameters);
+    data.terms = trend->size();
+    data.trend = trend->matrix();
+    return trend;
+}
+
 KrigingTrend::KrigingTrend(std::vector<QuadraticBasis::Term> terms) : terms(std::move(terms))
 {
     for (const Term& term : this->terms) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/numerics/OrthonormalColumns.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 /**
@@ -21,6 +23,10 @@ public:
      */
     KrigingTrend(std::size_t cases, std::size_t inputs, const std::vector<double>& coordinates,
                  int highestOrder, std::size_t otherParameters);
+
+    /** The trend of these cases, as above; `data` receives its terms. */
+    static std::shared_ptr<const KrigingTrend> of(KrigingData& data, int highestOrder,
+                                                  std::size_t otherParameters);
 
     /** A trend of these terms, to be evaluated only: it has no cases. */
     explicit KrigingTrend(std::vector<QuadraticBasis::Term> terms);

@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/prediction/FittedKriging.h>
 
+#include <mirel_fitting/kriging/search/KrigingSizes.h>
+
 #include <mirel_fitting/SurrogateModelInterface.h>
 
 #include <algorithm>
@@ -16,8 +18,8 @@ PredictorDescription FittedKriging::description() const
     if (neighbours) {
         throw SurrogateModelInterface::Error(
             "Each prediction of the model asks for the nearest of its many cases, which no "
-            "exported model holds: leave out cases until no more than 10 000 are left, or take a "
-            "response surface.");
+            "exported model holds: leave out cases until no more than " +
+            std::to_string(KrigingSizes().maxExact) + " are left, or take a response surface.");
     }
     PredictorDescription description;
     description.kind = PredictorDescription::Kind::Kriging;
@@ -55,10 +57,9 @@ FittedKriging FittedKriging::of(const PredictorDescription& description)
     result.offset = description.offset;
     result.scale = description.scale;
     if (!description.weights.empty()) {
-        auto correlation = std::make_shared<MaternCorrelation>(
-            description.weights.size(), result.inputs.size(), description.cases.data());
-        correlation->setLengths(description.lengths);
-        result.correlation = std::move(correlation);
+        result.correlation =
+            std::make_shared<MaternCorrelation>(description.weights.size(), result.inputs.size(),
+                                                description.cases.data(), description.lengths);
         result.weights = description.weights;
     }
     return result;

@@ -31,9 +31,10 @@ struct FittedKriging
 
     std::shared_ptr<const NearestNeighbourKriging> neighbours; ///< null: there is none
     double neighbourVariance = 0.0; ///< process variance, of the standardised output
-    /** The process of the subset: standard errors grow by it where no case is near. */
-    NearestNeighbourKriging::Parameters corrected;
-    double correctedVariance = 0.0; ///< 0: not used
+    /** Of the subset's process, the first layer: with them and the nearest cases it has a standard
+     *  error, too, and the larger of both layers counts. */
+    NearestNeighbourKriging::Parameters subsetParameters;
+    double subsetVariance = 0.0; ///< of its process, of the standardised output; 0: not used
 
     // For standard errors only.
 

@@ -187,10 +187,9 @@ FittedKriging KrigingPredictor::modelOfProcess() const
 {
     FittedKriging result = fitted;
     if (fitted.neighbours) {
-        auto correlation = std::make_shared<MaternCorrelation>(
-            fitted.data->cases, fitted.inputs.size(), fitted.data->coordinates.data());
-        correlation->setLengths(fitted.corrected.lengths);
-        result.correlation = std::move(correlation);
+        result.correlation = std::make_shared<MaternCorrelation>(
+            fitted.data->cases, fitted.inputs.size(), fitted.data->coordinates.data(),
+            fitted.subsetParameters.lengths);
     }
     return result;
 }
@@ -211,12 +210,12 @@ void KrigingPredictor::neighbourErrors(const std::vector<double*>& columns, std:
         block.read(columns, first, size);
         const NearestNeighbourKriging& kriging = *fitted.neighbours;
         kriging.variances(block.points, size, kriging.parameters(), result + first);
-        if (fitted.correctedVariance > 0.0) {
-            kriging.variances(block.points, size, fitted.corrected, outer.data());
+        if (fitted.subsetVariance > 0.0) {
+            kriging.variances(block.points, size, fitted.subsetParameters, outer.data());
         }
         for (std::size_t i = 0; i < size; ++i) {
             const double squared = std::max(fitted.neighbourVariance * (result[first + i] + noise),
-                                            fitted.correctedVariance * outer[i]);
+                                            fitted.subsetVariance * outer[i]);
             result[first + i] = fitted.scale * std::sqrt(squared) + block.notFinite[i];
         }
     }

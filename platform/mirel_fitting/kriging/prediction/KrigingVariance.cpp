@@ -2,13 +2,13 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/kriging/likelihood/KrigingEquations.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 
 #include <cblas.h>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 KrigingVariance::KrigingVariance(const FittedKriging& model)
     : model(model), cases(model.data->cases), terms(model.data->terms), basis(cases, terms)
@@ -68,9 +68,6 @@ KrigingVariance::Workspace::Workspace(const KrigingVariance& variance, std::size
 void KrigingVariance::evaluate(const std::vector<const double*>& points, std::size_t count,
                                Workspace& workspace, double* result) const
 {
-    // Of the difference from 1.
-    constexpr double rounding = 100.0 * std::numeric_limits<double>::epsilon();
-
     const int columns = static_cast<int>(terms);
     const int size = static_cast<int>(count);
     double* trend = workspace.trend.data(); // by columns, points x terms
@@ -93,7 +90,8 @@ void KrigingVariance::evaluate(const std::vector<const double*>& points, std::si
         subtractNugget(count, workspace, result);
     }
     for (std::size_t i = 0; model.correlation && i < count; ++i) {
-        result[i] = workspace.isAtCase[i] ? 0.0 : std::max(result[i], rounding);
+        result[i] =
+            workspace.isAtCase[i] ? 0.0 : std::max(result[i], KrigingEquations::smallestVariance);
     }
 }
 

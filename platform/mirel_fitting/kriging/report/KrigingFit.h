@@ -5,11 +5,12 @@
 #include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/kriging/prediction/KrigingLeaveOneOut.h>
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
-#include <mirel_fitting/kriging/report/KrigingSizes.h>
+#include <mirel_fitting/kriging/search/KrigingSizes.h>
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** The user's options, and the limits on numbers of cases, which tests make smaller. */
@@ -32,9 +33,11 @@ struct KrigingFit
     std::vector<std::size_t> constantInputs;
     std::vector<QuadraticBasis::Term> droppedTerms; ///< of the trend, in all inputs
     std::vector<std::string> warnings;              ///< others, which name no input
-    std::vector<std::string> notes = {}; ///< those of them that are no reason to doubt the fit
-    bool isMostlyNoise = false;          ///< the most of the output's variance is taken for noise
-    KrigingLeaveOneOut leftOut = {};
+    std::vector<std::string> notes; ///< those of them that are no reason to doubt the fit
+    bool isMostlyNoise = false;     ///< the most of the output's variance is taken for noise
+    KrigingLeaveOneOut leftOut;
+
+    explicit KrigingFit(KrigingPredictor predictor) : predictor(std::move(predictor)) {}
 
     /** A warning that is a note, too. */
     void addNote(const std::string& sentence)

@@ -2,6 +2,8 @@
 
 #include <mirel_fitting/kriging/report/RawTrend.h>
 
+#include <boost/math/constants/constants.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -10,7 +12,7 @@
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-const double twoPi = 2.0 * std::acos(-1.0);
+using boost::math::double_constants::two_pi;
 
 } // namespace
 
@@ -86,8 +88,8 @@ void KrigingFitReport::addLikelihood(KrigingFit& fit, const KrigingSearchResult&
 {
     const double ofUnit = fit.report.degreesOfFreedom * std::log(outputScale.scale);
     fit.report.logLikelihood = found.logLikelihood - ofUnit;
-    if (!std::isinf(found.secondLogLikelihood)) {
-        fit.report.secondLogLikelihood = found.secondLogLikelihood - ofUnit;
+    if (!std::isinf(found.gapToSecond)) {
+        fit.report.secondLogLikelihood = found.logLikelihood - found.gapToSecond - ofUnit;
     }
 }
 
@@ -97,10 +99,10 @@ void KrigingFitReport::addIndependence(KrigingFit& fit, double variance,
     fit.report.correlationLengths.assign(cases.inputCount(), infinity);
     fit.report.processVariance = variance * outputScale.scale * outputScale.scale;
     fit.report.degreesOfFreedom = degreesOfFreedom;
-    fit.report.logLikelihood = variance > 0.0
-                                   ? -degreesOfFreedom * (0.5 * (std::log(twoPi * variance) + 1.0) +
-                                                          std::log(outputScale.scale))
-                                   : infinity;
+    fit.report.logLikelihood =
+        variance > 0.0 ? -degreesOfFreedom * (0.5 * (std::log(two_pi * variance) + 1.0) +
+                                              std::log(outputScale.scale))
+                       : infinity;
 }
 
 void KrigingFitReport::addTrend(KrigingFit& fit, const KrigingTrend& trend,

@@ -36,7 +36,7 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
                         "different outputs.");
 }
 
-std::string KrigingWarnings::ofNearCases(std::size_t places)
+std::string KrigingWarnings::ofContradictions(std::size_t places)
 {
     return "At " + NumberText::counted(places, "place") +
            " cases lie next to each other (less than " + figure(ReplicatedCases::nearness) +
@@ -44,7 +44,7 @@ std::string KrigingWarnings::ofNearCases(std::size_t places)
            "them.";
 }
 
-std::string KrigingWarnings::ofConflicts(std::size_t points, bool interpolates)
+std::string KrigingWarnings::ofReplicatesThatDiffer(std::size_t points, bool interpolates)
 {
     return "At " + NumberText::counted(points, "point") +
            " several cases have the same inputs but different outputs: the model " +
@@ -81,7 +81,7 @@ std::string KrigingWarnings::ofRaisedNugget(double nugget)
            ": with less the correlation matrix cannot be factorised.";
 }
 
-std::string KrigingWarnings::ofSingleCases()
+std::string KrigingWarnings::ofShortLengths()
 {
     return "The correlation lengths are below the spacing of the cases: the model follows single "
            "cases and says little of what lies between them.";

@@ -20,10 +20,10 @@ public:
     static std::string ofCopies(std::size_t copies, bool areMerged);
 
     /** Cases next to each other that contradict each other. */
-    static std::string ofNearCases(std::size_t places);
+    static std::string ofContradictions(std::size_t places);
 
     /** Cases at the same point with different outputs. */
-    static std::string ofConflicts(std::size_t points, bool interpolates);
+    static std::string ofReplicatesThatDiffer(std::size_t points, bool interpolates);
 
     /** The trend became constant since cases are few and the output is smooth. */
     static std::string ofSmoothOutput(int from, std::size_t cases);
@@ -32,7 +32,7 @@ public:
                                       const InputNames& names = InputNames());
     static std::string ofRaisedNugget(double nugget);
     /** The correlation lengths are below the spacing of the cases. */
-    static std::string ofSingleCases();
+    static std::string ofShortLengths();
 
     /**
      * Lengths and nugget were estimated from a subset.

@@ -3,7 +3,7 @@
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
                                    const KrigingSearchVariables& variables,
                                    const KrigingSearchSettings& settings)
-    : likelihood(data), variables(variables), prior(settings.policy, variables.spacing),
+    : likelihood(data), variables(variables), prior(settings.policy, variables.spacing()),
       nuggetUnit(settings.policy.nuggetUnit), inputs(data->inputs)
 {}
 
@@ -23,7 +23,7 @@ double KrigingObjective::value(const std::vector<double>& point)
 double KrigingObjective::logPrior(const std::vector<double>& point) const
 {
     double sum = 0.0;
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
+    for (std::size_t k = 0; k < variables.lengthCount(); ++k) {
         sum += prior.value(point[k]);
     }
     return sum;
@@ -34,13 +34,13 @@ double KrigingObjective::logLikelihood(const std::vector<double>& point)
     return value(point) - logPrior(point);
 }
 
-bool KrigingObjective::curvature(std::vector<double>& result)
+void KrigingObjective::curvature(std::vector<double>& result)
 {
     std::vector<double> whole; // of all lengths and the nugget
     likelihood.averageInformation(whole);
     const std::size_t stride = inputs + 1;
-    const std::size_t first = inputs - variables.lengths;
-    const std::size_t last = variables.hasNugget ? stride : inputs;
+    const std::size_t first = inputs - variables.lengthCount();
+    const std::size_t last = variables.hasNugget() ? stride : inputs;
     const auto unit = [&](std::size_t k) { return k == inputs ? nuggetUnit : 1.0; };
     result.clear();
     for (std::size_t i = first; i < last; ++i) {
@@ -48,10 +48,9 @@ bool KrigingObjective::curvature(std::vector<double>& result)
             result.push_back(unit(i) * unit(j) * whole[i * stride + j]);
         }
     }
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
+    for (std::size_t k = 0; k < variables.lengthCount(); ++k) {
         result[k * variables.size() + k] += prior.curvature(lastPoint[k]);
     }
-    return true;
 }
 
 void KrigingObjective::gradient(std::vector<double>& result)
@@ -59,13 +58,13 @@ void KrigingObjective::gradient(std::vector<double>& result)
     lastValue.reset(); // one gradient per evaluation
     likelihood.gradient(result);
     result.back() *= nuggetUnit;
-    if (!variables.hasNugget) {
+    if (!variables.hasNugget()) {
         result.pop_back();
     }
-    if (variables.lengths == 0) {
+    if (variables.lengthCount() == 0) {
         result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(inputs));
     }
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
+    for (std::size_t k = 0; k < variables.lengthCount(); ++k) {
         result[k] += prior.slope(lastPoint[k]);
     }
 }

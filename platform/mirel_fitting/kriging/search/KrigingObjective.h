@@ -21,15 +21,16 @@ public:
                      const KrigingSearchVariables& variables,
                      const KrigingSearchSettings& settings);
 
-    /** Of the same point twice running, and without a gradient between, it is evaluated once. */
+    /** The value of the point asked for last comes from memory until gradient() is called. */
     double value(const std::vector<double>& point) override;
-    bool curvature(std::vector<double>& result) override;
+    void curvature(std::vector<double>& result) override;
     void gradient(std::vector<double>& result) override;
 
-    /** Without the prior. Costs a value. */
+    /** Without the prior. One evaluation unless the point is the last one. */
     double logLikelihood(const std::vector<double>& point);
 
-    /** The variance that the nugget stands for; the output is standardised. Costs a value. */
+    /** Nugget times process variance; the output is standardised. One evaluation unless the point
+     *  is the last one. */
     double noiseVariance(const std::vector<double>& point);
 
     std::size_t evaluations() const { return count; }

@@ -38,8 +38,8 @@ public:
 
 private:
     std::vector<std::size_t> subsetSizes() const;
-    void take(std::size_t cases);
-    double smallestGain() const { return settings.tolerance * static_cast<double>(taken); }
+    void useCases(std::size_t cases);
+    double smallestGain() const { return settings.tolerance * static_cast<double>(casesUsed); }
     BoundedSearch searchFrom(const std::vector<double>& start, const std::vector<double>& upper);
     Optimum converged(const std::vector<double>& start, const std::vector<double>& upper);
     void improveLikeliestStart();
@@ -48,11 +48,11 @@ private:
     void follow(BoundedSearch& search);
     void continueWithMoreCases(std::size_t cases);
     bool isCheap() const;
-    std::vector<std::vector<double>> otherRoles(const std::vector<double>& point) const;
+    std::vector<std::vector<double>> startsWithoutInputs(const std::vector<double>& point) const;
     std::vector<double> scaled(const std::vector<double>& point,
                                const SearchPolicy::Start& change) const;
-    void searchFromChangedOptimum();
-    bool hasInfluence(std::size_t input);
+    void searchFromAlternatives();
+    bool losesAtUpperBound(std::size_t input);
     std::vector<KrigingReport::Bound> bounds();
     bool hasFewLevels() const;
     void preferLeastNugget();
@@ -61,7 +61,7 @@ private:
     const KrigingSearchSettings& settings;
     const SearchPolicy& policy;
     KrigingSearchVariables variables;
-    std::size_t taken = 0; // cases
+    std::size_t casesUsed = 0; // cases
     std::unique_ptr<KrigingObjective> objective;
     KrigingOptima optima{variables, policy};
 };
@@ -83,18 +83,18 @@ std::vector<std::size_t> Search::subsetSizes() const
 
 /** From now on the likelihood is that of so many cases, at random: they are sorted, so that any
  *  regular choice would leave gaps. */
-void Search::take(std::size_t cases)
+void Search::useCases(std::size_t cases)
 {
-    objective.reset(); // before the memory of the next one is taken
+    objective.reset(); // before the memory of the next one is casesUsed
     const std::shared_ptr<const KrigingData> part =
         cases == data->cases ? data : std::make_shared<KrigingData>(subsetOf(*data, cases));
     objective = std::make_unique<KrigingObjective>(part, variables, settings);
-    taken = cases;
+    casesUsed = cases;
 }
 
 BoundedSearch Search::searchFrom(const std::vector<double>& start, const std::vector<double>& upper)
 {
-    return BoundedSearch(*objective, variables.lower, upper, start, policy.stepRule);
+    return BoundedSearch(*objective, variables.lower(), upper, start, policy.stepRule);
 }
 
 Optimum Search::converged(const std::vector<double>& start, const std::vector<double>& upper)
@@ -111,20 +111,20 @@ Optimum Search::converged(const std::vector<double>& start, const std::vector<do
 void Search::improveLikeliestStart()
 {
     Optimum best;
-    for (const KrigingParameters& start : settings.starts) {
+    for (const KrigingParameters& start : settings.continuation->starts) {
         const std::vector<double> point = variables.at(start);
         const double value = objective->value(point);
         if (best.point.empty() || value > best.value) {
             best = {point, value};
         }
     }
-    if (*settings.maxSteps > 0 && std::isfinite(best.value)) {
-        std::vector<double> upper = variables.upper;
-        if (variables.hasNugget && best.point.back() <= variables.lower.back()) {
-            upper.back() = variables.lower.back();
+    if (settings.continuation->steps > 0 && std::isfinite(best.value)) {
+        std::vector<double> upper = variables.upper();
+        if (variables.hasNugget() && best.point.back() <= variables.lower().back()) {
+            upper.back() = variables.lower().back();
         }
         BoundedSearch search = searchFrom(best.point, upper);
-        search.finish(*settings.maxSteps, smallestGain());
+        search.finish(settings.continuation->steps, smallestGain());
         if (search.value() > best.value) {
             best = {search.point(), search.value()};
         }
@@ -140,9 +140,9 @@ void Search::improveLikeliestStart()
 void Search::searchFromAllStarts()
 {
     const std::vector<std::size_t> sizes = subsetSizes();
-    take(sizes.front());
+    useCases(sizes.front());
     const std::vector<std::vector<double>> starts = variables.starts();
-    race(starts, taken <= policy.followedCases ? starts.size() : policy.racing);
+    race(starts, casesUsed <= policy.followedCases ? starts.size() : policy.racing);
     for (std::size_t k = 1; k < sizes.size(); ++k) {
         continueWithMoreCases(sizes[k]);
     }
@@ -152,7 +152,7 @@ void Search::searchFromAllStarts()
         race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)}, policy.racing);
     }
     if (sizes.size() == 1 || (startOnAll && data->cases <= policy.raceCases)) {
-        searchFromChangedOptimum();
+        searchFromAlternatives();
     }
 }
 
@@ -161,7 +161,7 @@ void Search::race(const std::vector<std::vector<double>>& starts, std::size_t fo
 {
     std::list<BoundedSearch> searches;
     for (const std::vector<double>& start : starts) {
-        searches.push_back(searchFrom(start, variables.upper));
+        searches.push_back(searchFrom(start, variables.upper()));
         searches.back().advance(policy.racingSteps, smallestGain());
     }
     searches.sort(
@@ -188,12 +188,12 @@ void Search::follow(BoundedSearch& search)
 void Search::continueWithMoreCases(std::size_t cases)
 {
     optima.shorten(policy.keptOptima);
-    take(cases);
+    useCases(cases);
     std::vector<Optimum> reached;
     for (const Optimum& optimum : optima.all()) {
         std::vector<double> start = optimum.point;
-        variables.recall(start);
-        reached.push_back(converged(start, variables.upper));
+        variables.limitLengths(start);
+        reached.push_back(converged(start, variables.upper()));
     }
     optima.replace(reached, *objective);
 }
@@ -201,20 +201,21 @@ void Search::continueWithMoreCases(std::size_t cases)
 /** Whether a search takes so little time that the second optimum is searched for, too. */
 bool Search::isCheap() const
 {
-    return taken <= policy.changedCases && variables.lengths <= policy.changedInputs;
+    return casesUsed <= policy.maxCasesForSecond &&
+           variables.lengthCount() <= policy.maxInputsForSecond;
 }
 
 /**
  * The point without each input that has influence, of SearchPolicy::triedLengths at most. Where a
  * search is cheap also without each two of them, and with the lengths of each two inputs exchanged.
  */
-std::vector<std::vector<double>> Search::otherRoles(const std::vector<double>& point) const
+std::vector<std::vector<double>> Search::startsWithoutInputs(const std::vector<double>& point) const
 {
     const double absent = std::log(policy.recalledLength);
-    const auto hasInfluence = [&](std::size_t k) {
+    const auto isShort = [&](std::size_t k) {
         return point[k] < std::log(policy.indifferentLength);
     };
-    std::vector<std::size_t> inputs(variables.lengths);
+    std::vector<std::size_t> inputs(variables.lengthCount());
     std::iota(inputs.begin(), inputs.end(), std::size_t{0});
     std::stable_sort(inputs.begin(), inputs.end(),
                      [&](std::size_t a, std::size_t b) { return point[a] < point[b]; });
@@ -222,12 +223,12 @@ std::vector<std::vector<double>> Search::otherRoles(const std::vector<double>& p
 
     std::vector<std::vector<double>> result;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        if (hasInfluence(inputs[i])) {
+        if (isShort(inputs[i])) {
             result.push_back(point);
             result.back()[inputs[i]] = absent;
         }
-        for (std::size_t j = 0; isCheap() && j < i && hasInfluence(inputs[j]); ++j) {
-            if (hasInfluence(inputs[i])) {
+        for (std::size_t j = 0; isCheap() && j < i && isShort(inputs[j]); ++j) {
+            if (isShort(inputs[i])) {
                 result.push_back(point);
                 result.back()[inputs[i]] = absent;
                 result.back()[inputs[j]] = absent;
@@ -259,27 +260,28 @@ std::vector<double> Search::scaled(const std::vector<double>& point,
  * changes or by fast changes almost as well. Where the nugget is fixed, lengths that long would
  * take the place of the noise, and the model would not pass through the cases.
  */
-void Search::searchFromChangedOptimum()
+void Search::searchFromAlternatives()
 {
-    if (variables.lengths < 2 || !variables.hasNugget) {
+    if (variables.lengthCount() < 2 || !variables.hasNugget()) {
         return;
     }
     const std::vector<double> best = optima.best().point;
     std::vector<Optimum> starts;
-    for (std::vector<double>& start : otherRoles(best)) {
+    for (std::vector<double>& start : startsWithoutInputs(best)) {
         const double value = objective->value(start);
         starts.push_back({std::move(start), value});
     }
     std::stable_sort(starts.begin(), starts.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-    starts.resize(std::min(starts.size(), isCheap() ? policy.cheapOtherRoles : policy.otherRoles));
+    starts.resize(std::min(starts.size(), isCheap() ? policy.followedAlternativesOfFew
+                                                    : policy.followedAlternatives));
     if (isCheap()) {
-        for (const SearchPolicy::Start& change : policy.changes) {
+        for (const SearchPolicy::Start& change : policy.rescaledStarts) {
             starts.push_back({scaled(best, change), 0.0});
         }
     }
     for (const Optimum& start : starts) {
-        BoundedSearch search = searchFrom(start.point, variables.upper);
+        BoundedSearch search = searchFrom(start.point, variables.upper());
         follow(search);
     }
 }
@@ -299,11 +301,11 @@ bool Search::hasFewLevels() const
 
 /** Whether the cases show an influence of the input: whether the best optimum is likelier than with
  *  that length at its upper bound. */
-bool Search::hasInfluence(std::size_t input)
+bool Search::losesAtUpperBound(std::size_t input)
 {
     std::vector<double> point = optima.best().point;
     const double likelihood = objective->logLikelihood(point);
-    point[input] = variables.upper[input];
+    point[input] = variables.upper()[input];
     return objective->logLikelihood(point) < likelihood - policy.indifferentGain;
 }
 
@@ -312,7 +314,7 @@ std::vector<KrigingReport::Bound> Search::bounds()
 {
     const std::vector<double>& best = optima.best().point;
     std::vector<std::size_t> longLengths;
-    for (std::size_t k = 0; k < variables.lengths; ++k) {
+    for (std::size_t k = 0; k < variables.lengthCount(); ++k) {
         if (best[k] > std::log(policy.recalledLength)) {
             longLengths.push_back(k);
         }
@@ -323,7 +325,7 @@ std::vector<KrigingReport::Bound> Search::bounds()
 
     std::vector<KrigingReport::Bound> result = variables.boundsOf(best);
     for (const std::size_t k : longLengths) {
-        if (!hasInfluence(k)) {
+        if (!losesAtUpperBound(k)) {
             result[k] = KrigingReport::Bound::Upper;
         }
     }
@@ -333,27 +335,27 @@ std::vector<KrigingReport::Bound> Search::bounds()
 /**
  * Where the likelihood of smooth data hardly depends on the nugget, the search stops at any small
  * one. Users expect the model of such data to interpolate the cases: unless a larger nugget is
- * clearly likelier, the least one is taken.
+ * clearly likelier, the least one is casesUsed.
  */
 void Search::preferLeastNugget()
 {
     const Optimum best = optima.best();
-    if (!variables.hasNugget || best.point.back() <= variables.lower.back()) {
+    if (!variables.hasNugget() || best.point.back() <= variables.lower().back()) {
         return;
     }
     const bool needsEvidence = data->cases < policy.casesThatShowNoise ||
                                objective->noiseVariance(best.point) < policy.slightNoise;
     const double needed = needsEvidence ? policy.significantGain : policy.indifferentGain;
     Optimum smooth = best;
-    smooth.point.back() = variables.lower.back();
+    smooth.point.back() = variables.lower().back();
     smooth.value = objective->value(smooth.point);
     if (smooth.value < best.value - std::max(needed, smallestGain())) {
         return;
     }
     if (smooth.value < best.value - policy.indifferentGain) {
         // Without the nugget other lengths are likelier.
-        std::vector<double> upper = variables.upper;
-        upper.back() = variables.lower.back();
+        std::vector<double> upper = variables.upper();
+        upper.back() = variables.lower().back();
         smooth = converged(smooth.point, upper);
     }
     optima.best() = smooth;
@@ -362,12 +364,11 @@ void Search::preferLeastNugget()
 KrigingSearchResult Search::run()
 {
     KrigingSearchResult result;
-    double gap = std::numeric_limits<double>::infinity();
     if (variables.size() == 0) {
-        take(data->cases);
+        useCases(data->cases);
         optima.add({{}, objective->value({})}, *objective);
-    } else if (settings.maxSteps) {
-        take(data->cases);
+    } else if (settings.continuation) {
+        useCases(data->cases);
         improveLikeliestStart();
     } else {
         searchFromAllStarts();
@@ -375,19 +376,18 @@ KrigingSearchResult Search::run()
         const Optimum second = hasSecond ? optima.second() : Optimum();
         preferLeastNugget();
         if (hasSecond && !variables.areClose(optima.best().point, second.point)) {
-            gap = std::max(0.0, optima.best().value - second.value);
+            result.gapToSecond = std::max(0.0, optima.best().value - second.value);
         }
     }
     const std::vector<double>& best = optima.best().point;
     result.logLikelihood = objective->logLikelihood(best);
-    result.secondLogLikelihood = result.logLikelihood - gap;
-    result.lengthBounds = settings.maxSteps ? variables.boundsOf(best) : bounds();
+    result.lengthBounds = settings.continuation ? variables.boundsOf(best) : bounds();
     result.nuggetBound =
         variables.isNuggetLargest(best) ? KrigingReport::Bound::Upper : KrigingReport::Bound::None;
     result.parameters = variables.parameters(best);
     result.evaluations = objective->evaluations();
     if (variables.size() > 0) {
-        result.criterion = variables.lengths > 0
+        result.criterion = variables.lengthCount() > 0
                                ? KrigingReport::Criterion::PenalisedRestrictedLikelihood
                                : KrigingReport::Criterion::RestrictedLikelihood;
     }
@@ -401,8 +401,8 @@ double expectedWork(std::size_t cases, const KrigingSearchSettings& settings)
     constexpr double evaluationsOfAll = 12.0;
 
     const auto n = static_cast<double>(cases);
-    if (settings.maxSteps) {
-        return 0.5 * (1 + *settings.maxSteps) * n * n * n;
+    if (settings.continuation) {
+        return 0.5 * (1 + settings.continuation->steps) * n * n * n;
     }
     const auto m = static_cast<double>(std::min(cases, settings.policy.firstSubset));
     return 0.5 * (evaluationsOfSubset * m * m * m + evaluationsOfAll * n * n * n);
@@ -410,25 +410,18 @@ double expectedWork(std::size_t cases, const KrigingSearchSettings& settings)
 
 } // namespace
 
-KrigingSearch::Result KrigingSearch::run(const std::shared_ptr<const KrigingData>& data,
-                                         const Settings& settings)
+KrigingSearchResult KrigingSearch::run(const std::shared_ptr<const KrigingData>& data,
+                                       const KrigingSearchSettings& settings)
 {
     const FitProgress::Portion progress(0.0, 1.0, "Searching for the correlation lengths",
                                         expectedWork(data->cases, settings));
-    Settings attempt = settings;
-    bool isRaised = false;
-    for (;;) {
-        Result result = Search(data, attempt).run();
-        if (std::isfinite(result.logLikelihood)) {
-            result.isNuggetRaised = isRaised;
-            return result;
-        }
-        const double least = attempt.leastNugget();
-        if (least > NuggetBounds::maxRaised) {
-            throw SurrogateModelInterface::Error(
-                "The correlation matrix of the cases cannot be factorised.");
-        }
-        attempt.smallestNugget = NuggetBounds::raise * least;
-        isRaised = true;
-    }
+    KrigingSearchSettings attempt = settings;
+    KrigingSearchResult result;
+    const double least = NuggetBounds::raisedUntil(settings.leastNugget(), [&](double nugget) {
+        attempt.requestedNugget = nugget;
+        result = Search(data, attempt).run();
+        return std::isfinite(result.logLikelihood);
+    });
+    result.isNuggetRaised = least > settings.leastNugget();
+    return result;
 }

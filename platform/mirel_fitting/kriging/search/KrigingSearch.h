@@ -9,14 +9,12 @@
 class KrigingSearch
 {
 public:
-    using Settings = KrigingSearchSettings;
-    using Result = KrigingSearchResult;
-
     /**
      * Multi-start on at most a few hundred of the cases, then the best optima on ever more of them.
      * Reports to FitProgress.
      * @throw SurrogateModelInterface::Error if the fit is cancelled, or no nugget makes the
      *        correlation matrix positive definite.
      */
-    static Result run(const std::shared_ptr<const KrigingData>& data, const Settings& settings);
+    static KrigingSearchResult run(const std::shared_ptr<const KrigingData>& data,
+                                   const KrigingSearchSettings& settings);
 };

@@ -2,8 +2,10 @@
 
 #include <mirel_fitting/KrigingOptions.h>
 #include <mirel_fitting/KrigingReport.h>
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/kriging/search/SearchPolicy.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -22,31 +24,31 @@ struct KrigingSearchSettings
         KrigingOptions().tolerance; ///< smallest expected gain in log-likelihood per case
     double initialLength =
         KrigingOptions().initialCorrelationLength; ///< of the standard starts, scaled
-    double smallestNugget = 0.0; ///< lower bound, or the value itself if it is fixed
+    double requestedNugget = 0.0; ///< lower bound, or the value itself if it is fixed
     bool isNuggetFixed = false;
     std::vector<double> fixedLengths; ///< scaled; empty: searched for
-    /** With `maxSteps`: points nearby, found with fewer cases. */
-    std::vector<KrigingParameters> starts;
-    /** If given, only the likeliest of `starts` is improved, with all cases and by so many steps,
-     *  and what follows the search is left out: with some thousand cases each step takes seconds.
-     *  0: the start itself. */
-    std::optional<int> maxSteps;
+    /** From parameters that were found with other cases, instead of a multi-start: only the
+     *  likeliest is improved, with all cases, and what follows a search is left out, since with
+     * some thousand cases each step takes seconds. */
+    struct Continuation
+    {
+        std::vector<KrigingParameters> starts;
+        int steps = 0; ///< 0: the likeliest start itself
+    };
+    std::optional<Continuation> continuation;
     SearchPolicy policy;
 
-    /** Least nugget that is tried. */
-    double leastNugget() const
-    {
-        return smallestNugget > policy.soundNugget ? smallestNugget : policy.soundNugget;
-    }
+    /** The lower bound of the search, or the value of a fixed nugget. */
+    double leastNugget() const { return std::max(NuggetBounds::sound, requestedNugget); }
 };
 
 struct KrigingSearchResult
 {
     KrigingParameters parameters;
     double logLikelihood = 0.0; ///< restricted, of the standardised output; without the prior
-    /** By how much less the criterion, which has the prior, is at the second-best optimum: that
-     *  much below the former; minus infinity if all starts converged to one. */
-    double secondLogLikelihood = -std::numeric_limits<double>::infinity();
+    /** Of the criterion, likelihood and prior, at the best optimum and the second; infinity if all
+     *  starts converged to one. */
+    double gapToSecond = std::numeric_limits<double>::infinity();
     /** One per length that was searched for. */
     std::vector<KrigingReport::Bound> lengthBounds;
     /** Upper, or None: the lower bound is what smooth data should have. */

@@ -5,19 +5,21 @@
 
 KrigingSearchVariables::KrigingSearchVariables(const KrigingData& data,
                                                const KrigingSearchSettings& settings)
-    : lengths(settings.fixedLengths.empty() ? data.inputs : 0), hasNugget(!settings.isNuggetFixed),
-      settings(settings), inputs(data.inputs)
+    : settings(settings), inputs(data.inputs),
+      lengths(settings.fixedLengths.empty() ? data.inputs : 0),
+      isNuggetSearched(!settings.isNuggetFixed)
 {
     const SearchPolicy& policy = settings.policy;
-    spacing = std::pow(static_cast<double>(data.cases),
-                       -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
-    const double shortest = std::min(policy.shortestLength, policy.shortestSpacing * spacing);
-    lower.assign(lengths, std::log(shortest));
-    upper.assign(lengths, std::log(policy.longestLength));
-    if (hasNugget) {
+    meanSpacing = std::pow(static_cast<double>(data.cases),
+                           -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
+    const double shortest = std::min(policy.shortestLength, policy.shortestSpacing * meanSpacing);
+    lowest.assign(lengths, std::log(shortest));
+    highest.assign(lengths, std::log(policy.longestLength));
+    if (isNuggetSearched) {
         const double least = settings.leastNugget();
-        lower.push_back(std::log(least) / policy.nuggetUnit);
-        upper.push_back(std::log(std::max(policy.largestNugget, 10.0 * least)) / policy.nuggetUnit);
+        lowest.push_back(std::log(least) / policy.nuggetUnit);
+        highest.push_back(std::log(std::max(policy.largestNugget, 10.0 * least)) /
+                          policy.nuggetUnit);
     }
 }
 
@@ -27,7 +29,7 @@ std::vector<double> KrigingSearchVariables::at(const KrigingParameters& paramete
     for (std::size_t k = 0; k < lengths; ++k) {
         result.push_back(std::log(parameters.lengths[k]));
     }
-    if (hasNugget) {
+    if (isNuggetSearched) {
         result.push_back(std::log(parameters.nugget) / settings.policy.nuggetUnit);
     }
     return result;
@@ -40,7 +42,7 @@ KrigingParameters KrigingSearchVariables::parameters(const std::vector<double>& 
     for (std::size_t k = 0; k < lengths; ++k) {
         result.lengths.push_back(std::exp(point[k]));
     }
-    const bool isLeast = !hasNugget || point.back() <= lower.back();
+    const bool isLeast = !isNuggetSearched || point.back() <= lowest.back();
     result.nugget =
         isLeast ? settings.leastNugget() : std::exp(settings.policy.nuggetUnit * point.back());
     return result;
@@ -56,13 +58,13 @@ std::vector<std::vector<double>> KrigingSearchVariables::starts() const
     std::vector<std::vector<double>> result;
     for (const SearchPolicy::Start& start : settings.policy.starts) {
         const double length =
-            std::min(start.length * settings.initialLength, start.spacings * spacing);
+            std::min(start.length * settings.initialLength, start.spacings * meanSpacing);
         result.push_back(uniform(length, start.nugget));
     }
     return result;
 }
 
-void KrigingSearchVariables::recall(std::vector<double>& point) const
+void KrigingSearchVariables::limitLengths(std::vector<double>& point) const
 {
     for (std::size_t k = 0; k < lengths; ++k) {
         point[k] = std::min(point[k], std::log(settings.policy.recalledLength));
@@ -87,7 +89,7 @@ bool KrigingSearchVariables::areClose(const std::vector<double>& a,
 
 bool KrigingSearchVariables::isNuggetLargest(const std::vector<double>& point) const
 {
-    return hasNugget && point.back() > upper.back() - settings.policy.boundTolerance;
+    return isNuggetSearched && point.back() > highest.back() - settings.policy.boundTolerance;
 }
 
 std::vector<KrigingReport::Bound>
@@ -98,9 +100,9 @@ KrigingSearchVariables::boundsOf(const std::vector<double>& point) const
     const double tolerance = settings.policy.boundTolerance;
     std::vector<Bound> result;
     for (std::size_t k = 0; k < lengths; ++k) {
-        result.push_back(point[k] > upper[k] - tolerance   ? Bound::Upper
-                         : point[k] < lower[k] + tolerance ? Bound::Lower
-                                                           : Bound::None);
+        result.push_back(point[k] > highest[k] - tolerance  ? Bound::Upper
+                         : point[k] < lowest[k] + tolerance ? Bound::Lower
+                                                            : Bound::None);
     }
     return result;
 }

@@ -16,7 +16,14 @@ class KrigingSearchVariables
 public:
     KrigingSearchVariables(const KrigingData& data, const KrigingSearchSettings& settings);
 
-    std::size_t size() const { return lower.size(); }
+    std::size_t size() const { return lowest.size(); }
+    /** The number of lengths that are searched for. */
+    std::size_t lengthCount() const { return lengths; }
+    bool hasNugget() const { return isNuggetSearched; }
+    const std::vector<double>& lower() const { return lowest; }
+    const std::vector<double>& upper() const { return highest; }
+    /** Of the cases, on average along each axis, in ranges. */
+    double spacing() const { return meanSpacing; }
 
     std::vector<double> at(const KrigingParameters& parameters) const;
 
@@ -27,9 +34,9 @@ public:
     /** SearchPolicy::starts. */
     std::vector<std::vector<double>> starts() const;
 
-    /** Brings lengths without influence back to where the input has some: more cases may show
-     *  it. */
-    void recall(std::vector<double>& point) const;
+    /** Reduces lengths beyond SearchPolicy::recalledLength to it: more cases may show an influence
+     *  of these inputs. */
+    void limitLengths(std::vector<double>& point) const;
 
     /** Whether the points are the same optimum, or on their way to it. */
     bool areClose(const std::vector<double>& a, const std::vector<double>& b) const;
@@ -39,15 +46,14 @@ public:
     /** One per length that is searched for. */
     std::vector<KrigingReport::Bound> boundsOf(const std::vector<double>& point) const;
 
-    std::size_t lengths; ///< that are searched for
-    bool hasNugget;
-    std::vector<double> lower;
-    std::vector<double> upper;
-    double spacing = 1.0; ///< of the cases, on average along each axis, in ranges
-
 private:
     std::vector<double> uniform(double length, double nugget) const;
 
     KrigingSearchSettings settings;
     std::size_t inputs;
+    std::size_t lengths;
+    bool isNuggetSearched;
+    std::vector<double> lowest;
+    std::vector<double> highest;
+    double meanSpacing;
 };

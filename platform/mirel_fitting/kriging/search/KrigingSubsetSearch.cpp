@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int trendOrder,
-                                                    const KrigingSearch::Settings& settings,
-                                                    std::size_t size)
+KrigingSearchResult KrigingSubsetSearch::ofSubset(const KrigingData& data, int trendOrder,
+                                                  const KrigingSearchSettings& settings,
+                                                  std::size_t size)
 {
     constexpr double choosing = 0.1; // of the work
 
@@ -18,15 +18,12 @@ KrigingSearch::Result KrigingSubsetSearch::ofSubset(const KrigingData& data, int
         *few = data.subset(spaceFillingSubset(data, size));
     }
     const FitProgress::Portion portion(choosing, 1.0);
-    const std::size_t otherParameters = few->inputs + 1;
-    const KrigingTrend trend(few->cases, few->inputs, few->coordinates, trendOrder,
-                             otherParameters);
-    few->terms = trend.size();
-    few->trend = trend.matrix();
+    const std::size_t otherParameters = few->inputs + 1; // lengths and variance
+    KrigingTrend::of(*few, trendOrder, otherParameters);
     return KrigingSearch::run(few, settings);
 }
 
-std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Settings& settings,
+std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearchSettings& settings,
                                                        double estimated)
 {
     const double least = settings.leastNugget();
@@ -37,37 +34,34 @@ std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearch::Sett
     return least;
 }
 
-KrigingSearch::Result KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
-                                               int trendOrder,
-                                               const KrigingSearch::Settings& settings,
-                                               std::size_t size, int steps)
+KrigingSearchResult KrigingSubsetSearch::run(const std::shared_ptr<const KrigingData>& data,
+                                             int trendOrder, const KrigingSearchSettings& settings,
+                                             std::size_t size, int steps)
 {
     constexpr double searching = 0.4; // of the work
 
-    KrigingSearch::Result found;
+    KrigingSearchResult found;
     {
         const FitProgress::Portion portion(0.0, searching);
         found = ofSubset(*data, trendOrder, settings, size);
     }
 
     const FitProgress::Portion portion(searching, 1.0);
-    KrigingSearch::Settings nearby = settings;
-    nearby.maxSteps = steps;
-    nearby.starts = {found.parameters};
+    KrigingSearchSettings nearby = settings;
+    nearby.continuation = {{found.parameters}, steps};
     if (const auto least = nuggetToTry(settings, found.parameters.nugget)) {
-        nearby.starts.push_back({found.parameters.lengths, *least});
+        nearby.continuation->starts.push_back({found.parameters.lengths, *least});
     }
     if (settings.isNuggetFixed) {
-        nearby.smallestNugget = found.parameters.nugget; // it may have been raised
+        nearby.requestedNugget = found.parameters.nugget; // it may have been raised
     }
-    KrigingSearch::Result result = KrigingSearch::run(data, nearby);
+    KrigingSearchResult result = KrigingSearch::run(data, nearby);
     result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
     result.nuggetBound = found.nuggetBound;
     if (steps == 0) {
         result.lengthBounds = found.lengthBounds; // of fewer cases, that are farther apart
     }
     const double share = static_cast<double>(data->cases) / static_cast<double>(size);
-    result.secondLogLikelihood =
-        result.logLikelihood - share * (found.logLikelihood - found.secondLogLikelihood);
+    result.gapToSecond = share * found.gapToSecond;
     return result;
 }

@@ -16,16 +16,15 @@ public:
      * @param trendOrder the highest.
      * @throw SurrogateModelInterface::Error like KrigingSearch::run().
      */
-    static KrigingSearch::Result ofSubset(const KrigingData& data, int trendOrder,
-                                          const KrigingSearch::Settings& settings,
-                                          std::size_t size);
+    static KrigingSearchResult ofSubset(const KrigingData& data, int trendOrder,
+                                        const KrigingSearchSettings& settings, std::size_t size);
 
     /**
      * The nugget that suits fewer cases is too much for more of them if the output is smooth: then
      * the least one is worth a trial, too.
      * @param estimated with fewer cases.
      */
-    static std::optional<double> nuggetToTry(const KrigingSearch::Settings& settings,
+    static std::optional<double> nuggetToTry(const KrigingSearchSettings& settings,
                                              double estimated);
 
     /**
@@ -33,7 +32,7 @@ public:
      * there so many steps with all cases, each of which costs a likelihood and its gradient; one
      * that does not gain is not taken.
      */
-    static KrigingSearch::Result run(const std::shared_ptr<const KrigingData>& data, int trendOrder,
-                                     const KrigingSearch::Settings& settings, std::size_t size,
-                                     int steps);
+    static KrigingSearchResult run(const std::shared_ptr<const KrigingData>& data, int trendOrder,
+                                   const KrigingSearchSettings& settings, std::size_t size,
+                                   int steps);
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include <array>
@@ -8,9 +7,12 @@
 #include <limits>
 
 /**
- * Every tuned number of the search for correlation lengths and nugget. Lengths are in ranges of the
- * inputs, nuggets relative to the process variance, gains and gaps in log-likelihood. "Ablation"
- * is the experiment of docs/numerics.md: what a fit loses without the number.
+ * The tuned numbers of the search for correlation lengths and nugget with one correlation matrix.
+ * Lengths are in ranges of the inputs, nuggets relative to the process variance, gains and gaps in
+ * log-likelihood. The table "Ablation" of docs/numerics.md shows what a fit loses without a
+ * mechanism. Other numbers of a fit: NuggetBounds, KrigingSizes, BoundedSearch::StepRule; of a
+ * layer of neighbours those in NeighbourLayer.cpp, of intervals IntervalCalibration and
+ * KrigingIntervals.cpp.
  */
 struct SearchPolicy
 {
@@ -23,14 +25,13 @@ struct SearchPolicy
     double shortestSpacing = 0.5;
     /** Longer ones change predictions by less than a thousandth of the output's deviation. */
     double longestLength = 300.0;
-    /** The lower bound where none is asked for. */
-    double soundNugget = NuggetBounds::sound;
     /** 99 % of the variance. */
     double largestNugget = 100.0;
     /** The logarithm of the nugget is searched in steps of e^3 = 20 where those of the lengths
      *  take one of e: it has farther to go. */
     double nuggetUnit = 3.0;
-    /** Parameters this near a bound, in logarithms, are reported to be at it. */
+    /** Parameters this near a bound, in search variables (1 % of a length, 3 % of a nugget), are
+     *  reported to be at it. */
     double boundTolerance = 0.01;
 
     // Prior of the lengths, see LengthPrior. The deviations are those of the length's logarithm.
@@ -78,17 +79,17 @@ struct SearchPolicy
     std::size_t raceCases = 2000;
     /** From the best optimum without one input each, so many of the likeliest searches go on. With
      *  one, a table in 141 ends 9.3 lower; more gain nothing. */
-    std::size_t otherRoles = 2;
+    std::size_t followedAlternatives = 2;
     /** Of no more cases and inputs than these, where a fit takes some milliseconds, the search also
-     *  starts without two inputs, with two exchanged, and from `changes`, to find the second
+     *  starts without two inputs, with two exchanged, and from `rescaledStarts`, to find the second
      *  optimum. */
-    std::size_t changedCases = 200;
-    std::size_t changedInputs = 10;
+    std::size_t maxCasesForSecond = 200;
+    std::size_t maxInputsForSecond = 10;
     /** Of 29 second optima within 2 of the best 16 are found without these starts, 24 with 12 of
      *  them, 25 with 20. */
-    std::size_t cheapOtherRoles = 12;
+    std::size_t followedAlternativesOfFew = 12;
     /** Fast changes without noise, slow ones with it; lengths as multiples of the best. */
-    std::array<Start, 3> changes = {{{0.4, 1e-9}, {1.0, 1e-3}, {2.0, 1e-3}}};
+    std::array<Start, 3> rescaledStarts = {{{0.4, 1e-9}, {1.0, 1e-3}, {2.0, 1e-3}}};
     /** Far more than any search has needed (40). */
     int maxSteps = 100;
     BoundedSearch::StepRule stepRule;
@@ -107,7 +108,7 @@ struct SearchPolicy
 
     // Whether two optima are the same model.
 
-    /** In logarithms: a factor of 1.65. */
+    /** In search variables: a factor of 1.65 of a length, of 4.5 of a nugget. */
     double sameLogarithm = 0.5;
     /** Longer ones have hardly any influence and move freely; so do smaller nuggets. Without the
      *  latter the work grows by 3 %. */
@@ -125,8 +126,9 @@ struct SearchPolicy
      *  is the same, a longer one is reported to have no influence. */
     double recalledLength = 20.0;
     /** Of so many of the longest ones that is tried; so many of the shortest ones are left out,
-     * each alone, in the search from the changed optimum. */
+     *  each alone, for starts without an input. */
     std::size_t triedLengths = 20;
+
     // Nugget.
 
     /** A gain below this is no evidence for a nugget. */

@@ -27,7 +27,7 @@ struct Merged
 
 KrigingFit emptyFit()
 {
-    return {KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
+    return KrigingFit{KrigingPredictor(FittedKriging())};
 }
 
 KrigingFitOptions withFixedNugget()

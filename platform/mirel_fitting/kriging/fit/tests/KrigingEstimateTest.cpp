@@ -26,7 +26,7 @@ struct Estimated
 
     std::vector<std::string> warnings() const
     {
-        KrigingFit fit{KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
+        KrigingFit fit{KrigingPredictor(FittedKriging())};
         estimate->warn(fit);
         return KrigingTexts::warnings(fit);
     }

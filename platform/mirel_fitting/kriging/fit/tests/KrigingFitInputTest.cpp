@@ -45,9 +45,9 @@ TEST_F(KrigingFitInputTest, ScalesFixedLengthsByTheRangesOfInputsThatVary)
 TEST_F(KrigingFitInputTest, TakesASoundNuggetForNoNoise)
 {
     options.nugget = 1e-12;
-    EXPECT_FALSE(input().isNuggetWanted());
+    EXPECT_FALSE(input().isNuggetNoise());
     options.nugget = 1e-4;
-    EXPECT_TRUE(input().isNuggetWanted());
+    EXPECT_TRUE(input().isNuggetNoise());
 }
 
 TEST_F(KrigingFitInputTest, LeavesCasesForTheParametersBesideTheTrend)
@@ -58,7 +58,7 @@ TEST_F(KrigingFitInputTest, LeavesCasesForTheParametersBesideTheTrend)
     EXPECT_EQ(all.trend.size(), 3 * all.cases);
 
     KrigingData few = data().subset({0, 3, 6});
-    KrigingFit fit{KrigingPredictor(input().emptyModel(nullptr, nullptr)), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit(KrigingPredictor(input().emptyModel(nullptr, nullptr)));
     const auto trend = input().addTrend(few);
     input().warnOfTrend(*trend, 3, fit);
     EXPECT_EQ(trend->order(), 0);

@@ -56,7 +56,7 @@ TEST(LargeKrigingFit, CannotBeDescribedWhereNearCasesAreAsked)
     } catch (const SurrogateModelInterface::Error& error) {
         EXPECT_STREQ(error.what(),
                      "Each prediction of the model asks for the nearest of its many cases, which "
-                     "no exported model holds: leave out cases until no more than 10 000 are left, "
+                     "no exported model holds: leave out cases until no more than 10000 are left, "
                      "or take a response surface.");
     }
 }

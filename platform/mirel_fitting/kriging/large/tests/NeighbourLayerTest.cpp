@@ -20,7 +20,9 @@ protected:
         for (const std::vector<double>& column : x) {
             data.coordinates.insert(data.coordinates.end(), column.begin(), column.end());
         }
+        data.output.assign(cases, 0.0);
         data.replicates.assign(cases, 1.0);
+        data.withinSquares.assign(cases, 0.0);
         residuals = valuesOf(
             [](const std::vector<double>& p) {
                 return std::sin(9.0 * p[0]) * std::cos(5.0 * p[1]);

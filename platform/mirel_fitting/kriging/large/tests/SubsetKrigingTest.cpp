@@ -2,6 +2,8 @@
 
 #include "KrigingTestSupport.h"
 
+#include <mirel_fitting/kriging/correlation/NuggetBounds.h>
+
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -10,7 +12,6 @@ namespace {
 
 constexpr std::size_t cases = 120;
 constexpr std::size_t inSubset = 60;
-constexpr double soundNugget = 1e-12;
 
 double bump(const std::vector<double>& x)
 {
@@ -53,7 +54,7 @@ TEST(SubsetKriging, InterpolatesItsCasesUnlessTheNuggetStandsForNoise)
     const SubsetKriging::Subset subset = firstHalf(all);
     SubsetKriging kriging(all, subset, {0.8, 0.8});
 
-    const SubsetKriging::Model model = kriging.fit(soundNugget, soundNugget, true);
+    const SubsetKriging::Model model = kriging.fit(NuggetBounds::sound, true);
     const std::vector<double> residuals = kriging.residuals(model);
 
     EXPECT_TRUE(model.interpolates);
@@ -61,7 +62,7 @@ TEST(SubsetKriging, InterpolatesItsCasesUnlessTheNuggetStandsForNoise)
     EXPECT_GT(largest(residuals, inSubset, cases), 1e-9);
     EXPECT_LT(largest(residuals, inSubset, cases), 0.1);
 
-    const SubsetKriging::Model smooth = kriging.fit(0.1, soundNugget, true);
+    const SubsetKriging::Model smooth = kriging.fit(0.1, true);
 
     EXPECT_FALSE(smooth.interpolates);
     EXPECT_GT(largest(kriging.residuals(smooth), 0, inSubset), 1e-3);
@@ -79,7 +80,7 @@ TEST(SubsetKriging, RaisesANuggetThatLeavesTheMatrixSingular)
     const SubsetKriging::Subset subset = firstHalf(all);
     SubsetKriging kriging(all, subset, {1e6, 1e6}); // all correlations are 1 to the last digit
 
-    const SubsetKriging::Model model = kriging.fit(1e-18, soundNugget, true);
+    const SubsetKriging::Model model = kriging.fit(1e-18, true);
 
     EXPECT_TRUE(model.isNuggetRaised);
     EXPECT_GT(model.nugget, 1e-18);

@@ -14,7 +14,7 @@ using Sentences = std::vector<std::string>;
 /** A fit that leaves nothing to say. */
 KrigingFit soundFit()
 {
-    KrigingFit fit{KrigingPredictor(FittedKriging()), {}, {}, {}, {}, {}, {}};
+    KrigingFit fit{KrigingPredictor(FittedKriging())};
     fit.trendText = "2 + 3 * V1";
     fit.metrics.cases = 20;
     fit.metrics.terms = 2;

@@ -21,13 +21,13 @@ TEST(KrigingWarnings, SaysWhatBecameOfRepeatedCases)
     EXPECT_EQ(KrigingWarnings::ofCopies(1, false),
               "1 case repeats another case exactly and was counted as measured again, since other "
               "cases with the same inputs have different outputs.");
-    EXPECT_EQ(KrigingWarnings::ofConflicts(2, true),
+    EXPECT_EQ(KrigingWarnings::ofReplicatesThatDiffer(2, true),
               "At 2 points several cases have the same inputs but different outputs: the model "
               "passes through their mean.");
-    EXPECT_EQ(KrigingWarnings::ofConflicts(1, false),
+    EXPECT_EQ(KrigingWarnings::ofReplicatesThatDiffer(1, false),
               "At 1 point several cases have the same inputs but different outputs: the model "
               "smooths them.");
-    EXPECT_EQ(KrigingWarnings::ofNearCases(1),
+    EXPECT_EQ(KrigingWarnings::ofContradictions(1),
               "At 1 place cases lie next to each other (less than 1e-09 of the range of every "
               "input apart) but have different outputs: the model smooths them.");
 }

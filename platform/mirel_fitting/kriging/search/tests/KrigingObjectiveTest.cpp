@@ -33,7 +33,7 @@ struct KrigingObjectiveTest : testing::Test
 TEST_F(KrigingObjectiveTest, IsTheLikelihoodAndThePriorOfLogarithms)
 {
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
-    const LengthPrior prior(settings.policy, variables.spacing);
+    const LengthPrior prior(settings.policy, variables.spacing());
     const double likelihood = KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3);
     EXPECT_NEAR(objective.value(point),
                 likelihood + prior.value(std::log(0.3)) + prior.value(std::log(2.0)), 1e-9);

@@ -13,6 +13,7 @@ public:
     explicit Profile(std::function<double(double)> function) : function(std::move(function)) {}
 
     double value(const std::vector<double>& point) override { return function(point[0]); }
+    void curvature(std::vector<double>& /*result*/) override {}
     void gradient(std::vector<double>& /*result*/) override {}
 
 private:

@@ -12,7 +12,7 @@ KrigingSearchVariables variables(std::size_t cases, std::size_t inputs)
     data.cases = cases;
     data.inputs = inputs;
     KrigingSearchSettings settings;
-    settings.smallestNugget = 1e-12;
+    settings.requestedNugget = 1e-12;
     return {data, settings};
 }
 
@@ -40,7 +40,7 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
     data.cases = 50;
     data.inputs = 2;
     KrigingSearchSettings settings;
-    settings.smallestNugget = 1e-12;
+    settings.requestedNugget = 1e-12;
     settings.fixedLengths = {0.5, 4.0};
     EXPECT_EQ(KrigingSearchVariables(data, settings).size(), 1u);
 
@@ -50,16 +50,16 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
 
 TEST(KrigingSearchVariables, StartInsideTheBoundsOfHalfTheSpacingAtLeast)
 {
-    EXPECT_DOUBLE_EQ(variables(1000, 1).lower[0], std::log(0.5 / 1000.0));
-    EXPECT_DOUBLE_EQ(variables(1000, 8).lower[0], std::log(SearchPolicy().shortestLength));
+    EXPECT_DOUBLE_EQ(variables(1000, 1).lower()[0], std::log(0.5 / 1000.0));
+    EXPECT_DOUBLE_EQ(variables(1000, 8).lower()[0], std::log(SearchPolicy().shortestLength));
 
     const KrigingSearchVariables all = variables(50, 2);
 
     EXPECT_EQ(all.starts().size(), 6u);
     for (const std::vector<double>& start : all.starts()) {
         for (std::size_t k = 0; k < all.size(); ++k) {
-            EXPECT_GT(start[k], all.lower[k]);
-            EXPECT_LT(start[k], all.upper[k]);
+            EXPECT_GT(start[k], all.lower()[k]);
+            EXPECT_LT(start[k], all.upper()[k]);
         }
     }
 }
@@ -76,7 +76,7 @@ TEST(KrigingSearchVariables, AreCloseWithinAFactorUnlessTheyHardlyMatter)
 
     std::vector<double> farOut = all.at({{0.5, 200.0}, 1e-12});
 
-    all.recall(farOut);
+    all.limitLengths(farOut);
 
     EXPECT_EQ(farOut, all.at({{0.5, SearchPolicy().recalledLength}, 1e-12}));
 }

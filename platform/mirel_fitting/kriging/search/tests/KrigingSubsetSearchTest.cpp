@@ -23,7 +23,7 @@ TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
     const Columns inputs = latinHypercube(200, 2, 3);
     const auto data = dataOf(inputs, valuesOf(wave, inputs));
 
-    const KrigingSearch::Result found = KrigingSubsetSearch::run(data, 0, {}, 60, 0);
+    const KrigingSearchResult found = KrigingSubsetSearch::run(data, 0, {}, 60, 0);
 
     KrigingLikelihood likelihood(data);
     EXPECT_EQ(found.logLikelihood,
@@ -95,7 +95,7 @@ TEST(KrigingSubsetSearch, GainsLikelihoodByEachStepWithAllCases)
     const auto data = dataOf(inputs, valuesOf(wave, inputs));
     const auto after = [&](int steps) { return KrigingSubsetSearch::run(data, 0, {}, 60, steps); };
 
-    const KrigingSearch::Result two = after(2);
+    const KrigingSearchResult two = after(2);
 
     EXPECT_GT(after(1).logLikelihood, after(0).logLikelihood + 1.0);
     EXPECT_GE(two.logLikelihood, after(1).logLikelihood);
@@ -151,8 +151,8 @@ TEST(KrigingSubsetSearch, RefinesToTheSameBitsOnAnyNumberOfThreads)
         return KrigingSubsetSearch::run(data, 0, {}, 60, 2);
     };
 
-    const KrigingSearch::Result one = onThreads(1);
-    const KrigingSearch::Result three = onThreads(3);
+    const KrigingSearchResult one = onThreads(1);
+    const KrigingSearchResult three = onThreads(3);
     setThreadCount(before);
 
     EXPECT_EQ(three.logLikelihood, one.logLikelihood);
@@ -190,7 +190,7 @@ TEST(KrigingSubsetSearch, LeavesFixedLengthsAsTheyAre)
 {
     const Columns inputs = latinHypercube(200, 2, 3);
     const auto data = dataOf(inputs, valuesOf(wave, inputs));
-    KrigingSearch::Settings settings;
+    KrigingSearchSettings settings;
     settings.fixedLengths = {0.4, 1.0};
 
     EXPECT_EQ(KrigingSubsetSearch::run(data, 0, settings, 60, 2).parameters.lengths,
@@ -199,8 +199,8 @@ TEST(KrigingSubsetSearch, LeavesFixedLengthsAsTheyAre)
 
 TEST(KrigingSubsetSearch, TriesTheLeastNuggetWhereAFewCasesNeededLittle)
 {
-    KrigingSearch::Settings settings;
-    settings.smallestNugget = 1e-10;
+    KrigingSearchSettings settings;
+    settings.requestedNugget = 1e-10;
     EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-8), 1e-10);
     EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-10), std::nullopt);
     EXPECT_EQ(KrigingSubsetSearch::nuggetToTry(settings, 1e-3), std::nullopt);
