@@ -40,7 +40,7 @@ class SURROGATEMODEL_NO_EXPORT SurrogateModelManager::Impl
 public:
     template <class T>
     class ModelInvalidatingProperty;
-    class DefaultEvaluationPointAssigningIndependentVariablesProperty;
+    class IndependentVariablesProperty;
 
     Impl(boost::shared_ptr<const DataPipelineManagerInterface> pipeline,
          boost::shared_ptr<const SurrogateModelFactory> factory, SurrogateModelManager* owner);
@@ -115,8 +115,7 @@ private:
 
 /** The list of independent variables: a variable that is listed for the first time gets a default
  *  evaluation point before the list is stored. */
-class SURROGATEMODEL_NO_EXPORT
-    SurrogateModelManager::Impl::DefaultEvaluationPointAssigningIndependentVariablesProperty
+class SURROGATEMODEL_NO_EXPORT SurrogateModelManager::Impl::IndependentVariablesProperty
     : public ModelInvalidatingProperty<std::vector<VarPtr>>
 {
 public:
@@ -135,8 +134,8 @@ private:
     void assignDefaultEvaluationPoints(const std::vector<VarPtr>& variables) const;
 };
 
-void SurrogateModelManager::Impl::DefaultEvaluationPointAssigningIndependentVariablesProperty::
-    assignDefaultEvaluationPoints(const std::vector<VarPtr>& variables) const
+void SurrogateModelManager::Impl::IndependentVariablesProperty::assignDefaultEvaluationPoints(
+    const std::vector<VarPtr>& variables) const
 {
     // The proxy, not its target: the evaluation points belong to the undo step of the list. Held
     // here, as its listeners may destroy the manager.
@@ -168,8 +167,7 @@ SurrogateModelManager::Impl::Impl(boost::shared_ptr<const DataPipelineManagerInt
     : pipeline(std::move(pipeline)), factory(std::move(factory)), owner(owner),
       self(std::make_shared<Impl*>(this)),
       independentVars(boost::make_shared<veska::UndoablePropertyProxy<std::vector<VarPtr>>>(
-          "Surrogate Model Variables",
-          boost::make_shared<DefaultEvaluationPointAssigningIndependentVariablesProperty>(self))),
+          "Surrogate Model Variables", boost::make_shared<IndependentVariablesProperty>(self))),
       type(boost::make_shared<veska::UndoablePropertyProxy<ModelType>>(
           "Surrogate Model Type", boost::make_shared<ModelInvalidatingProperty<ModelType>>(self))),
       evaluationPoint(

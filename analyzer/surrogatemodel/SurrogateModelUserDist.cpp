@@ -9,7 +9,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <map>
 
 namespace {
 
@@ -144,29 +143,43 @@ double* expand(const DistributionSegment& segment, double* position)
     return position;
 }
 
+const char* messageOf(SurrogateModelUserDist::ParseErrorCode code)
+{
+    switch (code) {
+    case SurrogateModelUserDist::InvalidFloatingPointNumber:
+        return "Invalid floating point number";
+    case SurrogateModelUserDist::MinimumOutOfBounds:
+        return "Minimum range is too large or too small";
+    case SurrogateModelUserDist::MaximumOutOfBounds:
+        return "Maximum range is too large or too small";
+    case SurrogateModelUserDist::ValueOutOfRange:
+        return "Value is out of range";
+    case SurrogateModelUserDist::TooManyValues:
+        return "Number of values too large";
+    case SurrogateModelUserDist::NoValues:
+        return "You must specify at least one value";
+    case SurrogateModelUserDist::MinimumLargerThanMaximum:
+        return "Range minimum is larger than range maximum";
+    case SurrogateModelUserDist::EqualBoundsNeedOnePoint:
+        return "If minimum value range equals maximum value range, "
+               "number of points must be 1";
+    case SurrogateModelUserDist::TooFewValues:
+        return "The number of values must be greater than 1";
+    case SurrogateModelUserDist::NoValueRange:
+        return "No value range specified";
+    case SurrogateModelUserDist::NoError:
+    case SurrogateModelUserDist::NotYetParsed:
+        break;
+    }
+    return "No error";
+}
+
 } // namespace
 
 class SURROGATEMODEL_NO_EXPORT SurrogateModelUserDist::Impl
 {
 public:
-    explicit Impl(const std::string& text)
-        : sourceText(text), messages{
-                                {NoError, "No error"},
-                                {InvalidFloatingPointNumber, "Invalid floating point number"},
-                                {MinimumOutOfBounds, "Minimum range is too large or too small"},
-                                {MaximumOutOfBounds, "Maximum range is too large or too small"},
-                                {ValueOutOfRange, "Value is out of range"},
-                                {TooManyValues, "Number of values too large"},
-                                {NoValues, "You must specify at least one value"},
-                                {MinimumLargerThanMaximum,
-                                 "Range minimum is larger than range maximum"},
-                                {EqualBoundsNeedOnePoint,
-                                 "If minimum value range equals maximum value range, "
-                                 "number of points must be 1"},
-                                {TooFewValues, "The number of values must be greater than 1"},
-                                {NoValueRange, "No value range specified"},
-                            }
-    {}
+    explicit Impl(const std::string& text) : sourceText(text) {}
 
     void parse();
     void parseOnce();
@@ -177,7 +190,6 @@ public:
     std::string errorText;
     const std::string sourceText;
     std::vector<DistributionSegment> segments;
-    const std::map<int, std::string> messages;
 };
 
 void SurrogateModelUserDist::Impl::parse()
@@ -195,7 +207,7 @@ void SurrogateModelUserDist::Impl::parse()
             segments.push_back(patterns.parse(item));
         } catch (const ParseError& error) {
             errorText = (boost::format("Expression: %1%\n%2%") % item.toStdString() %
-                         messages.at(error.code()))
+                         messageOf(error.code()))
                             .str();
             errorCode = error.code();
             return;

@@ -312,7 +312,7 @@ void runCheck(const CommandLine& line)
         writeText("-", ReportJson::text(object));
     }
     if (!isValid) {
-        throw DistributionTextError(distribution.errorString());
+        throw DistributionTextError(faultOf(distribution));
     }
 }
 } // namespace

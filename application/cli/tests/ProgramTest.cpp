@@ -331,8 +331,11 @@ TEST_F(Program, CheckPrintsTheValuesOfAText)
 
 TEST_F(Program, CheckReportsTheFaultOfAText)
 {
-    expectFailure("check 'abc, 1'", 4, "Expression: abc\nInvalid floating point number");
-    expectFailure("check ''", 4, "Expression: \nNo value range specified");
+    expectFailure("check 'abc, 1'", 4,
+                  "Expression: abc: Invalid floating point number. Write "
+                  "numbers and ranges like 4 - 80 : 20, 42.");
+    expectFailure("check ''", 4,
+                  "No value range specified. Write numbers and ranges like 4 - 80 : 20, 42.");
 
     std::string large = "0";
     for (int range = 0; range < 10; ++range) {

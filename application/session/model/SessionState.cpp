@@ -66,6 +66,18 @@ std::string excessOfValues(const SurrogateModelUserDist& distribution, const std
            " can be typed. Ask for fewer values.";
 }
 
+std::string faultOf(const SurrogateModelUserDist& distribution)
+{
+    std::string fault = distribution.errorString();
+    const std::string ofNoItem = "Expression: \n";
+    if (fault.compare(0, ofNoItem.size(), ofNoItem) == 0) {
+        fault.erase(0, ofNoItem.size());
+    } else {
+        fault.replace(fault.find('\n'), 1, ": ");
+    }
+    return fault + ". Write numbers and ranges like 4 - 80 : 20, 42.";
+}
+
 SessionState::SessionState(CaseTable& table,
                            const boost::shared_ptr<SurrogateModelInterface>& model)
     : project(openProject(table)), factory(boost::make_shared<SessionModelFactory>(model)),

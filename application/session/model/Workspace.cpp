@@ -34,11 +34,8 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
 {
     const SurrogateModelUserDist distribution(text);
     if (!distribution.isValid()) {
-        std::string fault = distribution.errorString();
-        fault.replace(fault.find('\n'), 1, ": ");
         throw DistributionTextError("The text \"" + text + "\" for \"" + name +
-                                    "\" cannot be read. " + fault +
-                                    ". Write numbers and ranges like 4 - 80 : 20, 42.");
+                                    "\" cannot be read. " + faultOf(distribution));
     }
     const std::string excess = excessOfValues(distribution, name);
     if (!excess.empty()) {
