@@ -342,9 +342,9 @@ TEST_F(InterpolationVariablesAbstractTest, MayBeDestroyedAfterTheUserDistributio
     interpolation = std::make_unique<ChosenPoints>(manager, *borrowed);
 
     borrowed.reset();
-    interpolation->suspend();
-    interpolation->resume();
-    interpolation.reset();
+    EXPECT_NO_THROW(interpolation->suspend());
+    EXPECT_NO_THROW(interpolation->resume());
+    EXPECT_NO_THROW(interpolation.reset());
 }
 
 TEST_F(InterpolationVariablesAbstractTest, MayBeDestroyedByItsOwnListener)

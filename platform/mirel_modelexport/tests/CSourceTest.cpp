@@ -101,6 +101,7 @@ TEST_F(CSource, TheSelfCheckSeesAWeightThatNoCheckPointIsNear)
     }
     const std::string source = sourceOf(cases, Kriging);
     std::size_t at = source.find("surrogate_0_weights[] = {");
+    int changes = 0;
     for (int number = 0; number < 60; number += 7) {
         std::string changed = source;
         for (int skip = 0; skip < 7; ++skip) {
@@ -114,7 +115,9 @@ TEST_F(CSource, TheSelfCheckSeesAWeightThatNoCheckPointIsNear)
         compile(changed + "int main(void) { return surrogate_self_check(); }\n", MODELEXPORT_CC,
                 "");
         EXPECT_NE(run("./model").exitCode, 0);
+        ++changes;
     }
+    EXPECT_GE(changes, 8);
 }
 
 TEST_F(CSource, AProgramThatComputesSomethingElseSaysSo)

@@ -8,11 +8,11 @@
 #include <string>
 
 namespace {
-class FitReport : public Program
+class ReportOption : public Program
 {};
 } // namespace
 
-TEST_F(FitReport, FitWritesAPageWithPictures)
+TEST_F(ReportOption, FitWritesAPageWithPictures)
 {
     const Outcome outcome =
         run("fit cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity --report fit.html");
@@ -28,7 +28,7 @@ TEST_F(FitReport, FitWritesAPageWithPictures)
     EXPECT_EQ(countOf(html, "href="), 0u);
 }
 
-TEST_F(FitReport, ThePageNamesItsCommandAndIsTheSameButForTheTime)
+TEST_F(ReportOption, ThePageNamesItsCommandAndIsTheSameButForTheTime)
 {
     const auto page = [this](const std::string& name) {
         run("fit 'cvd.csv' -x Pressure,H2/WF6 -y Stress -m kriging --report " + name);
@@ -49,7 +49,7 @@ TEST_F(FitReport, ThePageNamesItsCommandAndIsTheSameButForTheTime)
     EXPECT_EQ(without(one, "one.html"), without(two, "two.html"));
 }
 
-TEST_F(FitReport, ThePageNeedsAPlaceAndANameOfHtml)
+TEST_F(ReportOption, ThePageNeedsAPlaceAndANameOfHtml)
 {
     for (const std::string name : {"r.pdf", "html", "r.html.txt"}) {
         expectFailure("fit cvd.csv -y Stress --report " + name, 2,
@@ -59,7 +59,7 @@ TEST_F(FitReport, ThePageNeedsAPlaceAndANameOfHtml)
     EXPECT_EQ(run("fit cvd.csv -y Stress --report missing/a.html").exitCode, 5);
 }
 
-TEST_F(FitReport, AHugeInputIsNotSweptOnThePageButTheOthersAre)
+TEST_F(ReportOption, AHugeInputIsNotSweptOnThePageButTheOthersAre)
 {
     folder.write("far.csv", "x,z,y\n0,0,1\n1e308,0,3\n0,1,0\n1.7e308,1,4\n1e308,2,1\n"
                             "0.5e308,3,4\n");
