@@ -7,7 +7,8 @@
 #include <vector>
 
 /** Replicates, cases with the same inputs up to a billionth of each input's range, as 0.3 and
- * 0.1 + 0.2: their outputs differ by pure error, which no model of these inputs explains. */
+ * 0.1 + 0.2, or a chain of such steps: their outputs differ by pure error, which no model of these
+ * inputs explains. */
 class MIREL_FITTING_EXPORT ReplicatedCases
 {
 public:
@@ -18,8 +19,9 @@ public:
     ReplicatedCases() = default;
 
     /**
-     * O(cases) time, with FitProgress::advance() every few hundredths of a second; 8 bytes per
-     * value and some 50 per case during construction, and 4 later if there are replicates.
+     * O(cases log(cases)) time, with FitProgress::advance() every few hundredths of a second; 8
+     * bytes per value and some 50 per case during construction, and 4 later if there are
+     * replicates.
      * @param columns one array of `cases` finite values per input, borrowed for the call. Without
      *                inputs, all cases are replicates of each other.
      * @param cases   less than 2^32.
