@@ -80,7 +80,8 @@ void CommandLine::check() const
     require(!choosesTerms() || choices.model != CaseSession::Kriging,
             "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
             "out -m kriging.");
-    require(reading.separator != ',' || reading.decimalMark != CellValue::Comma,
+    const bool writesCommas = writtenSeparator == ',' && writtenDecimal == CellValue::Comma;
+    require(!writesCommas && (reading.separator != ',' || reading.decimalMark != CellValue::Comma),
             "A comma cannot be both the separator and the decimal mark; choose another separator.");
     require(report != "-", "--report needs the name of a file for the page.");
     require(subject != "-" || points != "-",

@@ -51,7 +51,10 @@ struct CommandLine
     bool asJson = false;
     bool isQuiet = false;
     bool isForSpreadsheet = false; ///< of the table that is written
-    int threads = 0;               ///< 0: all cores
+    /** Of the table that is written; absent: as `reading` says. */
+    std::optional<char> writtenSeparator;
+    std::optional<CellValue::DecimalMark> writtenDecimal; ///< likewise
+    int threads = 0;                                      ///< 0: all cores
 
     /** Checks which options go together, and with which kind of file. @throw UsageError */
     void check() const;

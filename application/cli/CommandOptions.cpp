@@ -108,13 +108,11 @@ void addWord(CLI::App& command, const std::string& name, const std::string& desc
             wanted, [=](const std::string& word) { return meanings.count(word) > 0; });
 }
 
-void addReading(CLI::App& command, CommandLine& line)
+void addSeparator(CLI::App& command, const std::string& name, const std::string& description,
+                  std::optional<char>& separator)
 {
-    command.option_defaults()->group("Cases");
-    addWord<char>(command, "--separator",
-                  "comma, semicolon, tab, bar or blanks, for all tables;\n"
-                  "recognised if absent, and tables are written like CASES",
-                  "S", "comma, semicolon, tab, bar or blanks",
+    addWord<char>(command, name, "comma, semicolon, tab, bar or blanks" + description, "S",
+                  "comma, semicolon, tab, bar or blanks",
                   {{"comma", ','},
                    {",", ','},
                    {"semicolon", ';'},
@@ -126,13 +124,28 @@ void addReading(CLI::App& command, CommandLine& line)
                    {"blanks", CaseFileLayout::blanks},
                    {" ", CaseFileLayout::blanks},
                    {"\\t", '\t'}},
-                  line.reading.separator);
+                  separator);
+}
+
+void addDecimalMark(CLI::App& command, const std::string& name, const std::string& description,
+                    std::optional<CellValue::DecimalMark>& mark)
+{
     addWord<CellValue::DecimalMark>(
-        command, "--decimal",
-        "point or comma, for all tables; recognised if absent.\n"
-        "Numbers can have decimal commas only where commas do not\nseparate",
-        "M", "point or comma", {{"point", CellValue::Point}, {"comma", CellValue::Comma}},
-        line.reading.decimalMark);
+        command, name, "point or comma" + description, "M", "point or comma",
+        {{"point", CellValue::Point}, {"comma", CellValue::Comma}}, mark);
+}
+
+void addReading(CLI::App& command, CommandLine& line)
+{
+    command.option_defaults()->group("Cases");
+    addSeparator(command, "--separator",
+                 ", for all tables;\n"
+                 "recognised if absent, and tables are written like CASES",
+                 line.reading.separator);
+    addDecimalMark(command, "--decimal",
+                   ", for all tables; recognised if absent.\n"
+                   "Numbers can have decimal commas only where commas do not\nseparate",
+                   line.reading.decimalMark);
 }
 
 /** A text that is given its meaning at once. */
@@ -339,9 +352,13 @@ void addOutput(CLI::App& command, CommandLine& line)
              line.threads);
 }
 
-void addSpreadsheet(CLI::App& command, CommandLine& line)
+void addDialect(CLI::App& command, CommandLine& line)
 {
     command.option_defaults()->group("Output");
+    addSeparator(command, "--write-separator", ",\nfor the table that is written alone",
+                 line.writtenSeparator);
+    addDecimalMark(command, "--write-decimal", ", for the table that is written alone",
+                   line.writtenDecimal);
     command.add_flag("--for-spreadsheet", line.isForSpreadsheet,
                      "puts an apostrophe before headings and texts that begin\n"
                      "with =, +, -, @ or a tab, which a spreadsheet would take\n"
@@ -394,7 +411,7 @@ void describeEvaluate(CLI::App& command, CommandLine& line)
     describeSummary(command, line);
     addValues(command, line);
     addInterval(command, line);
-    addSpreadsheet(command, line);
+    addDialect(command, line);
 }
 
 void describePredict(CLI::App& command, CommandLine& line)
@@ -408,7 +425,7 @@ void describePredict(CLI::App& command, CommandLine& line)
              "found, --skip, --heading and --units-row apply to it, too",
              "FILE", line.points);
     addInterval(command, line);
-    addSpreadsheet(command, line);
+    addDialect(command, line);
 }
 
 void describePlot(CLI::App& command, CommandLine& line)

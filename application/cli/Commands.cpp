@@ -46,13 +46,14 @@ namespace {
 TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
 {
     TableDialect dialect;
-    dialect.separator = line.reading.separator.value_or(input.separator);
-    dialect.hasDecimalComma = line.reading.decimalMark
-                                  ? line.reading.decimalMark == CellValue::Comma
-                                  : input.hasDecimalComma;
+    const auto mark = line.writtenDecimal ? line.writtenDecimal : line.reading.decimalMark;
+    dialect.separator =
+        line.writtenSeparator.value_or(line.reading.separator.value_or(input.separator));
+    dialect.hasDecimalComma = mark ? mark == CellValue::Comma : input.hasDecimalComma;
     dialect.isForSpreadsheet = line.isForSpreadsheet;
     if (dialect.separator == ',' && dialect.hasDecimalComma) {
-        dialect.separator = ';';
+        const bool yieldsMark = line.writtenSeparator && !line.writtenDecimal;
+        (yieldsMark ? dialect.hasDecimalComma = false : dialect.separator = ';');
     }
     return dialect;
 }

@@ -28,6 +28,8 @@ TEST(CommandLine, RefusesOptionsThatDoNotGoTogether)
         {"fit cases.csv --terms linear -m kriging",
          "--terms, --select-terms and --all-terms choose the terms of a response surface: leave "
          "out -m kriging."},
+        {"evaluate cases.csv --write-separator comma --write-decimal comma",
+         "A comma cannot be both the separator and the decimal mark; choose another separator."},
         {"fit cases.csv --separator comma --decimal comma",
          "A comma cannot be both the separator and the decimal mark; choose another separator."},
         {"fit cases.csv --report -", "--report needs the name of a file for the page."}};

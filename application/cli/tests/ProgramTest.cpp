@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -370,7 +371,7 @@ TEST_F(Program, EachCommandWarnsOfSevereFindings)
 
 TEST_F(Program, ModelsThatCannotBeFittedEndWithOne)
 {
-    expectFailure("fit cvd.csv -y Stress --exclude 1-11", 1,
+    expectFailure("fit cvd.csv -q -y Stress --exclude 1-11", 1,
                   "There are not enough valid cases to create the surrogate model. Cases: 11 read, "
                   "11 excluded, 0 with missing or infinite values.");
     folder.write("heading.csv", "x,y\n");
@@ -497,6 +498,21 @@ TEST_F(Program, ReadsSemicolonsWithDecimalCommas)
     EXPECT_EQ(linesOf(table.out)[1].rfind("1,5;", 0), 0u);
     EXPECT_EQ(linesOf(table.err)[0], "Read as: semicolons, decimal commas");
     EXPECT_EQ(run("summary comma.csv --separator comma").exitCode, 3);
+}
+
+TEST_F(Program, WritesAnotherDialectThanItReads)
+{
+    folder.write("comma.csv", "x;y\n0,5;1\n1,5;2\n2,5;3\n");
+    const std::string evaluate = "evaluate comma.csv -q -y y --at x=1,5 ";
+
+    for (const auto& [options, begin] : std::map<std::string, std::string>{
+             {"--write-separator comma", "x,y\n1.5,"},
+             {"--write-decimal point", "x;y\n1.5;"},
+             {"--write-separator tab --write-decimal comma", "x\ty\n1,5\t"},
+             {"--separator semicolon --write-separator comma", "x,y\n1.5,"}}) {
+        const Outcome table = run(evaluate + options);
+        EXPECT_EQ(table.out.rfind(begin, 0), 0u) << options << table.out << table.err;
+    }
 }
 
 TEST_F(Program, ReportsHowATableWasRead)
