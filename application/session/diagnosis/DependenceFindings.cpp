@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -58,11 +59,14 @@ public:
           orthonormal(cases.count(), maxColumns)
     {
         for (std::size_t i = 0; i < maxColumns; ++i) {
-            add(i);
+            add(cases.inputs[i]);
+        }
+        for (const Column& output : cases.outputs) {
+            findFormulaOf(output);
         }
     }
 
-    std::vector<Finding> dependent;
+    std::vector<Finding> dependent; ///< inputs and outputs
 
     /** One group of inputs after the other whose variance inflation is above 10. */
     std::vector<Finding> collinear() const;
@@ -70,7 +74,7 @@ public:
 private:
     struct Kept
     {
-        std::size_t input;
+        const Column* source;
         double mean;
         double length; ///< of the centred column
         double range;
@@ -91,8 +95,18 @@ private:
         return orthonormal.triangle()[column * maxColumns + row] / kept[column].length;
     }
 
-    void add(std::size_t input);
-    bool addDependence(const Kept& column, const Numbers& coefficients, double residual);
+    /** How a column depends on those that are kept. */
+    struct Dependence
+    {
+        std::vector<std::string> columns; ///< itself first
+        std::string formula;              ///< "C = 2 A + B in every case"
+        bool isExact;
+    };
+
+    static Kept centred(const Column& source, Numbers& values);
+    void add(const Column& source);
+    void findFormulaOf(const Column& output);
+    std::optional<Dependence> dependenceOf(const Kept& column, const Numbers& values) const;
     std::string formula(const Kept& column, const Numbers& coefficients, double tolerance,
                         std::vector<std::string>& columns) const;
     double largestError(const Kept& column, const Numbers& coefficients) const;
@@ -107,27 +121,51 @@ private:
     std::vector<Kept> kept;
 };
 
-void LinearDependences::add(std::size_t input)
+/** @param values receives the centred ones. */
+LinearDependences::Kept LinearDependences::centred(const Column& source, Numbers& values)
 {
-    const Column& source = cases.inputs[input];
+    values = source.values;
+    const double middle = mean(values);
+    for (double& value : values) {
+        value -= middle;
+    }
+    return {&source, middle, length(values), source.range(), lastDigit(source.values)};
+}
+
+void LinearDependences::add(const Column& source)
+{
     if (!hasCasesFor(kept.size()) || source.isConstant()) {
         return;
     }
-    Numbers centred = source.values;
-    const double middle = mean(centred);
-    for (double& value : centred) {
-        value -= middle;
+    Numbers values;
+    const Kept column = centred(source, values);
+    if (const std::optional<Dependence> found = dependenceOf(column, values)) {
+        dependent.push_back(
+            {"dependentInput", Finding::Warning, found->columns,
+             found->formula + effectOf(found->isExact) + " and predictions off this " +
+                 (found->columns.size() > 2 ? "plane" : "line") + " are extrapolation; leave " +
+                 names({source.name}) + " out of -x or vary it independently."});
+        return;
     }
-    const Kept column = {input, middle, length(centred), source.range(), lastDigit(source.values)};
-    if (!kept.empty()) {
-        Numbers residuals = centred;
-        const Numbers coefficients = orthonormal.solve(residuals.data());
-        if (addDependence(column, coefficients, length(residuals) / column.length)) {
-            return;
-        }
-    }
-    if (orthonormal.append(centred.data())) {
+    if (orthonormal.append(values.data())) {
         kept.push_back(column);
+    }
+}
+
+void LinearDependences::findFormulaOf(const Column& output)
+{
+    if (!hasCasesFor(kept.size()) || output.isConstant()) {
+        return;
+    }
+    Numbers values;
+    const Kept column = centred(output, values);
+    if (const std::optional<Dependence> found = dependenceOf(column, values)) {
+        const bool isOne = found->columns.size() == 2;
+        dependent.push_back({"determinedOutput", Finding::Note, found->columns,
+                             found->formula + ": the model only repeats this formula; if the " +
+                                 (isOne ? "input was computed from the output, leave it"
+                                        : "output was computed from these inputs, leave them") +
+                                 " out of -x."});
     }
 }
 
@@ -135,9 +173,9 @@ double LinearDependences::largestError(const Kept& column, const Numbers& coeffi
 {
     double largest = 0.0;
     for (std::size_t row = 0; row < cases.count(); ++row) {
-        double error = cases.inputs[column.input].values[row] - column.mean;
+        double error = column.source->values[row] - column.mean;
         for (std::size_t k = 0; k < kept.size(); ++k) {
-            error -= coefficients[k] * (cases.inputs[kept[k].input].values[row] - kept[k].mean);
+            error -= coefficients[k] * (kept[k].source->values[row] - kept[k].mean);
         }
         largest = std::max(largest, std::fabs(error));
     }
@@ -146,7 +184,7 @@ double LinearDependences::largestError(const Kept& column, const Numbers& coeffi
 
 Numbers LinearDependences::centredValues(const Kept& column) const
 {
-    Numbers values = cases.inputs[column.input].values;
+    Numbers values = column.source->values;
     for (double& value : values) {
         value -= column.mean;
     }
@@ -190,15 +228,21 @@ Numbers LinearDependences::fewestTerms(const Kept& column, const Numbers& coeffi
     return coefficients;
 }
 
-bool LinearDependences::addDependence(const Kept& column, const Numbers& coefficients,
-                                      double residual)
+std::optional<LinearDependences::Dependence>
+LinearDependences::dependenceOf(const Kept& column, const Numbers& values) const
 {
     constexpr double exact = 1e-7;               // relative to the column: rounding of the sums
     constexpr double maxRoundingResidual = 0.02; // larger residuals may be chance
     constexpr double ofLeastSquares = 1.5;       // which do not make the largest error least
     constexpr double finestShare = 0.05;         // of the range: coarser digits explain anything
+    if (kept.empty()) {
+        return std::nullopt;
+    }
+    Numbers residuals = values;
+    const Numbers coefficients = orthonormal.solve(residuals.data());
+    const double residual = length(residuals) / column.length;
     if (residual > maxRoundingResidual) {
-        return false;
+        return std::nullopt;
     }
     double rounding = column.step / 2.0;
     for (std::size_t k = 0; k < kept.size(); ++k) {
@@ -208,22 +252,16 @@ bool LinearDependences::addDependence(const Kept& column, const Numbers& coeffic
     const bool isRounded = rounding <= finestShare * column.range &&
                            largestError(column, coefficients) <= ofLeastSquares * rounding;
     if (!isExact && !isRounded) {
-        return false;
+        return std::nullopt;
     }
     const Numbers needed =
         isExact ? coefficients : fewestTerms(column, coefficients, ofLeastSquares * rounding);
-    const std::string& name = cases.inputs[column.input].name;
-    std::vector<std::string> columns = {name};
+    Dependence found{{column.source->name}, "", isExact};
     const double tolerance = isExact ? exact * column.range : rounding;
-    const std::string text = formula(column, needed, tolerance, columns);
-    dependent.push_back({"dependentInput", Finding::Warning, columns,
-                         text + (cases.isSample ? " in every compared case" : " in every case") +
-                             (isExact ? "" : ", up to rounding") + effectOf(isExact) +
-                             " and predictions off this " +
-                             (columns.size() > 2 ? "plane" : "line") +
-                             " are extrapolation; leave " + names({name}) +
-                             " out of -x or vary it independently."});
-    return true;
+    found.formula = formula(column, needed, tolerance, found.columns) +
+                    (cases.isSample ? " in every compared case" : " in every case") +
+                    (isExact ? "" : ", up to rounding");
+    return found;
 }
 
 std::string LinearDependences::effectOf(bool isExact) const
@@ -250,14 +288,14 @@ std::string LinearDependences::formula(const Kept& column, const Numbers& coeffi
         const double size = std::fabs(coefficient);
         text += text.empty() ? (coefficient < 0.0 ? "-" : "") : (coefficient < 0.0 ? " - " : " + ");
         text += size == 1.0 ? "" : shownNumber(size, digits) + ' ';
-        text += names({cases.inputs[kept[k].input].name});
-        columns.push_back(cases.inputs[kept[k].input].name);
+        text += names({kept[k].source->name});
+        columns.push_back(kept[k].source->name);
     }
     constant = rounded(constant, std::max(1e-6 * column.range, tolerance));
     if (std::fabs(constant) > std::max(1e-6 * column.range, tolerance)) {
         text += (constant < 0.0 ? " - " : " + ") + shownNumber(std::fabs(constant), digits);
     }
-    return names({cases.inputs[column.input].name}) + " = " + text;
+    return names({column.source->name}) + " = " + text;
 }
 
 /** Its rows give the inverse of the correlations, whose diagonal is the variance inflation. */
@@ -322,7 +360,7 @@ std::vector<Finding> LinearDependences::collinear() const
         double largest = 0.0;
         for (std::size_t i = 0; i < columns; ++i) {
             if (group[i] == leader && isPartner[i]) {
-                members.push_back(cases.inputs[kept[i].input].name);
+                members.push_back(kept[i].source->name);
                 largest = std::max(largest, inflation[i]);
             }
         }

@@ -142,15 +142,16 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  {},
                  countedText(cases.count(), "case") + " for the " + wanted + " of a " + model +
                      ": all of second order are left out; choose fewer terms with --terms, or add "
-                     "cases with other combinations of the inputs."}};
+                     "cases with other combinations of the inputs, up to " +
+                     std::to_string(columns) + " at least."}};
     }
-    if (different < terms && different <= inputs) {
+    if (different < terms && different <= inputs + ofBlocks) {
         return {{"tooFewCases",
                  Finding::Warning,
                  {},
                  countedText(different, "different case") + (different == 1 ? " does" : " do") +
                      " not even determine the linear terms of " + countedText(inputs, "input") +
-                     ", which take " + std::to_string(inputs + 1) +
+                     ", which take " + std::to_string(inputs + 1 + ofBlocks) + blocks +
                      ": the model is the mean of the cases; name the inputs that matter with -x, "
                      "or try -m kriging" +
                      (inputs > 2 * different

@@ -193,7 +193,7 @@ bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
                hasUnknownCells(workspace, finding.columns.front());
     }
     static const std::vector<std::string_view> byResponseSurface = {
-        "constantInput", "fewValuesInput", "inestimableTerms", "tooFewCases", "saturatedFit"};
+        "constantInput", "fewValuesInput", "inestimableTerms", "saturatedFit"};
     static const std::vector<std::string_view> byKriging = {"constantInput", "exactCopies",
                                                             "nearCopies"};
     const auto& said = workspace.modelType() == Workspace::Kriging ? byKriging : byResponseSurface;

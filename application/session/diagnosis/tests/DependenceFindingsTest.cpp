@@ -46,6 +46,20 @@ TEST(DependenceFindings, AnInputThatOthersDetermineHasItsFormula)
         << "a mixture";
 }
 
+TEST(DependenceFindings, AnOutputThatInputsDetermineHasItsFormula)
+{
+    DiagnosedCases cases = casesWith(spread(count, 0.7320508075688772));
+    cases.outputs = casesOf({{"y", combined(2, 1, 3)}}).inputs;
+    EXPECT_EQ(textOf(cases),
+              "determinedOutput: y = 2 A + B + 3 in every case: the model only repeats this "
+              "formula; if the output was computed from these inputs, leave them out of -x.");
+
+    cases.outputs[0].values = combined(-0.5, 0, 0, 0.001);
+    EXPECT_EQ(textOf(cases),
+              "determinedOutput: y = -0.5 A in every case, up to rounding: the model only repeats "
+              "this formula; if the input was computed from the output, leave it out of -x.");
+}
+
 TEST(DependenceFindings, RoundingDoesNotHideTheFormula)
 {
     EXPECT_EQ(
