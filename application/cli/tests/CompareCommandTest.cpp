@@ -74,7 +74,7 @@ TEST_F(CompareCommand, CompareWritesIntoAFileAndKeepsTheChoices)
 
 TEST_F(CompareCommand, CompareRefusesWhatItCannotDo)
 {
-    expectFailure("compare cvd.csv -y Stress --folds 12", 2,
+    expectFailure("compare cvd.csv -q -y Stress --folds 12", 2,
                   "--folds 12 is more than there are valid cases, copies counted once: 11.");
     EXPECT_EQ(run("compare cvd.csv -y Stress --exclude 1-10").exitCode, 1);
 }

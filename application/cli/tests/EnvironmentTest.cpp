@@ -92,7 +92,7 @@ TEST_F(Environment, TheLocaleChangesNothing)
 TEST_F(Environment, AWorkbookNeedsAFolderForTemporaryFiles)
 {
     const Outcome refused = runAs("TMPDIR=/none '" SURROGATE_PROGRAM "'",
-                                  "export cvd.csv -y Stress --format excel -o model.xlsx");
+                                  "export cvd.csv -q -y Stress --format excel -o model.xlsx");
 
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_EQ(refused.err,

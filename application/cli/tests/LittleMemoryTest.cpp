@@ -9,7 +9,8 @@ TEST_F(Program, EndsWithASentenceOrItsResultHoweverLittleMemoryThereIs)
 {
     const std::string refusal = "surrogate: There is not enough memory for this.\n";
     for (const std::string command :
-         {"fit cvd.csv -y Stress", "evaluate cvd.csv -y Stress -m kriging --count Pressure=5"}) {
+         {"fit cvd.csv -q -y Stress",
+          "evaluate cvd.csv -q -y Stress -m kriging --count Pressure=5"}) {
         for (int megabytes = 100; megabytes <= 1000; megabytes += megabytes < 320 ? 20 : 170) {
             SCOPED_TRACE(command + " with " + std::to_string(megabytes) + " MB");
             const Outcome outcome = runAs("ulimit -v " + std::to_string(megabytes * 1024) +

@@ -362,6 +362,10 @@ const std::vector<OddTable>& oddTables()
          "Read as: columns separated by blanks; 2 title lines skipped\n"},
         {"AveragesInFrench", table() + "Moyenne,2,3\nÉcart-type,1,1\n",
          "Read as: 2 lines below the table skipped\n"},
+        {"AveragesBelowAnEmptyRowAndLabelledCases", "essai,x,z,y\n" + rowsAfter([](int i) {
+                                                        return 'E' + std::to_string(i);
+                                                    }) + ",,,,,\nMoy.,,,14.2,,\n",
+         "Read as: 1 line below the table skipped\n"},
         {"AveragesBelowNumberedCases", "no,x,z,y\n" + rowsAfter([](int i) {
                                            return std::to_string(i + 1);
                                        }) + "Moyenne,1,2,3\nÉcart-type,1,1,1\n",
@@ -371,6 +375,13 @@ const std::vector<OddTable>& oddTables()
          "\"k\" (lacks a number in 10 of 12 cases)"},
         {"InputBehindTheOutput", "x,y,z\n" + rows(),
          "z stands behind the output and is an input here: if it is an output, name the inputs"},
+        {"OutputsBeforeTheOutput",
+         "x,z,v,y\n" + rows(",", ".",
+                            [](Strings& row, int i) {
+                                row.insert(row.begin() + 2, std::to_string((7 * i) % 12) + ".3");
+                            }),
+         "v looks like an output, too, and is an input here: if it is an output, name the inputs "
+         "with -x."},
         {"TruthValues",
          "on,x,z,y\n" + rowsAfter([](int i) { return i % 3 == 0 ? "TRUE" : "False"; }),
          "Read as: truth values as 1 and 0 in on\n"},
@@ -468,6 +479,13 @@ const std::vector<OddTable>& oddTables()
          "line 15: the row holds names (\"a\", ...) and no numbers: another table begins here",
          NoTable},
         {"Json", "[\n {\"x\": 1}]\n", "is JSON, no table of text", NoTable},
+        {"Arff",
+         "% rig 7\n@RELATION wear\n\n@ATTRIBUTE x NUMERIC\n@ATTRIBUTE y REAL\n@DATA\n1,2\n2,3\n",
+         "is an ARFF file, no plain table; save it as CSV, or keep the rows below @DATA", NoTable},
+        {"Tecplot",
+         "TITLE = \"Channel\"\nVARIABLES = \"x\", \"y\"\nZONE T=\"1\", I=2, F=POINT\n1 2\n2 3\n",
+         "is a Tecplot file, no plain table; save it as CSV, or keep the rows of one zone",
+         NoTable},
         {"Database", std::string("SQLite format 3\0", 16), "is a database", NoTable},
         {"ShortRow", table() + "1.5,2\n",
          "line 14: the row has 2 cells, the heading has 3" + sentenceOfShape, NoTable},

@@ -83,7 +83,7 @@ TEST_F(PlotCommand, PlotRefusesWhatItCannotDo)
                   "NAME=VALUE.");
     expectFailure(sweep + "--kind actual -o picture.svg", 2,
                   "--sweep, --count and --at belong to pictures of kind sweep and contour.");
-    expectFailure("plot cvd.csv -y Stress -m kriging --kind coefficients -o picture.svg", 2,
+    expectFailure("plot cvd.csv -q -y Stress -m kriging --kind coefficients -o picture.svg", 2,
                   "Only response surfaces have coefficients to draw. Choose -m "
                   "response-surface.");
     expectFailure(sweep + "--kind sweep -o nowhere/picture.svg", 5,

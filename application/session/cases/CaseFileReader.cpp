@@ -8,6 +8,7 @@
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
 
+#include <cctype>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -43,6 +44,34 @@ const OtherFile otherFiles[] = {
     {"<!DOCTYPE", webPage},
     {"<html", webPage},
     {"<table", webPage}};
+
+/** Files of text whose table has other lines than a heading around it: how such a line begins. */
+const OtherFile otherTables[] = {
+    {"@relation",
+     "is an ARFF file, no plain table; save it as CSV, or keep the rows below @DATA and "
+     "write the names of the attributes in one line above them, separated by commas."},
+    {"variables=",
+     "is a Tecplot file, no plain table; save it as CSV, or keep the rows of one zone "
+     "and write the names of its variables in one line above them."}};
+
+/** Whether a line begins so, whatever its case and blanks. */
+bool hasLine(std::string_view text, std::string_view beginning)
+{
+    std::size_t matched = 0; // npos: the line begins in another way
+    for (const char character : text) {
+        if (character == '\n' || character == '\r') {
+            matched = 0;
+        } else if (matched != std::string_view::npos && character != ' ' && character != '\t') {
+            const char lower =
+                static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+            matched = lower == beginning[matched] ? matched + 1 : std::string_view::npos;
+        }
+        if (matched == beginning.size()) {
+            return true;
+        }
+    }
+    return false;
+}
 
 /** One attempt to read a file as text of an encoding. */
 class Reading
@@ -81,6 +110,11 @@ void Reading::readSample()
     sample.resize(source.read(sample.data(), sample.size()));
     for (const OtherFile& other : otherFiles) {
         if (sample.compare(0, other.beginning.size(), other.beginning) == 0) {
+            throw CaseDataError('"' + table.path + "\" " + other.sentence);
+        }
+    }
+    for (const OtherFile& other : otherTables) {
+        if (hasLine(sample, other.beginning)) {
             throw CaseDataError('"' + table.path + "\" " + other.sentence);
         }
     }

@@ -145,6 +145,26 @@ public:
         }
     }
 
+    /** Points out inputs that would be outputs, too, if none were named. */
+    void pointOutLikelyOutputs()
+    {
+        std::vector<std::size_t> positions = roles.inputs;
+        positions.insert(positions.end(), roles.outputs.begin(), roles.outputs.end());
+        std::sort(positions.begin(), positions.end());
+        const std::vector<std::size_t> likely = ColumnRoles::lastThatHardlyRepeat(table, positions);
+        const auto isLikely = [&](std::size_t position) {
+            return std::binary_search(likely.begin(), likely.end(), position);
+        };
+        if (!std::all_of(roles.outputs.begin(), roles.outputs.end(), isLikely)) {
+            return;
+        }
+        for (const std::size_t position : roles.inputs) {
+            if (isLikely(position) && roles.columns[position].reason.empty()) {
+                roles.columns[position].reason = ColumnRoles::likeOutput;
+            }
+        }
+    }
+
     /** Points out inputs that stand between or behind the outputs, where there are some before. */
     void pointOutInputsBehind()
     {
@@ -251,8 +271,9 @@ CaseRoles chooseCaseRoles(const CaseTable& table, const std::vector<std::string>
     }
     if (inputTexts.empty()) {
         defaults.takeInputs();
+        defaults.pointOutInputsBehind();
         if (!outputTexts.empty()) {
-            defaults.pointOutInputsBehind();
+            defaults.pointOutLikelyOutputs();
         }
     } else {
         defaults.forgetReasons();

@@ -74,6 +74,9 @@ bool isNameOfOutput(const std::string& name)
     return isOneOf(withoutNumber(plainName(name)), words);
 }
 
+constexpr std::array<std::string_view, 5> namesOfBlocks = {"block", "blocks", "blk", "bloc",
+                                                           "bloque"};
+
 bool isWholeNumber(double number)
 {
     constexpr double largestExact = 9007199254740992.0;
@@ -299,12 +302,12 @@ struct ExactLine
     double constant;
 };
 
-/** None unless both columns have several values in the same cases. */
+/** None unless both columns have several values in the same cases.
+ *  @param rounding of the numbers, as a share of their range. */
 std::optional<ExactLine> lineBetween(const std::vector<double>& numbers,
-                                     const std::vector<double>& output)
+                                     const std::vector<double>& output, double rounding)
 {
     constexpr std::size_t fewestValues = 5; // fewer lie on a line by chance
-    constexpr double rounding = 1e-5;       // of the range: cells with five digits and more
 
     // Through the cases with the least and the greatest output.
     std::size_t low = output.size();
@@ -343,6 +346,18 @@ std::optional<ExactLine> lineBetween(const std::vector<double>& numbers,
     }
     const double constant = numbers[low] - slope * output[low];
     return ExactLine{slope, std::fabs(constant) <= tolerance ? 0.0 : constant};
+}
+
+/** None where a number has none. */
+std::vector<double> logarithmsOf(std::vector<double> numbers)
+{
+    for (double& number : numbers) {
+        if (number <= 0.0) {
+            return {};
+        }
+        number = std::log(number);
+    }
+    return numbers;
 }
 
 std::string lineText(const ExactLine& line, const std::string& name)
@@ -390,8 +405,11 @@ bool ColumnRoles::areRunNumbers(const CaseColumn& column)
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
 {
+    const std::string ofBlocks = isOneOf(plainName(column.name), namesOfBlocks)
+                                     ? "blocks by its name: --block NAME gives each its own mean"
+                                     : "";
     if (!column.isNumeric) {
-        return reasonOfTexts(column);
+        return ofBlocks.empty() ? reasonOfTexts(column) : ofBlocks;
     }
     double first = std::nan("");
     std::size_t filled = 0;
@@ -408,6 +426,9 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     if (isConstant && filled > 1) {
         return "the same in every case, " + shownNumber(first);
     }
+    if (!ofBlocks.empty()) {
+        return ofBlocks;
+    }
     if (column.numbers.size() >= fewestRuns && 2 * filled < column.numbers.size()) {
         return "lacks a number in " + std::to_string(column.numbers.size() - filled) + " of " +
                std::to_string(column.numbers.size()) + " cases";
@@ -415,6 +436,11 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     static constexpr std::array<std::string_view, 3> kinds = {"pttype", "pointtype", "centerpt"};
     if (isOneOf(plainName(column.name), kinds)) {
         return "says which kind of point a case is";
+    }
+    static constexpr std::array<std::string_view, 8> figures = {
+        "fits", "resi", "sres", "tres", "fitted", "residual", "residuals", "predicted"};
+    if (isOneOf(withoutNumber(plainName(column.name)), figures)) {
+        return "a figure of another fit by its name";
     }
     static constexpr std::array<std::string_view, 6> repeats = {
         "replicate", "replication", "rep", "repeat", "repetition", "wiederholung"};
@@ -435,14 +461,47 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const Case
     if (hasNumber && !stem.empty() && stem == withoutNumber(plainName(output.name))) {
         return "named like the output " + quotedText(output.name);
     }
-    const std::optional<ExactLine> line = lineBetween(column.numbers, output.numbers);
-    return line ? "equals " + lineText(*line, output.name) + ", an output" : "";
+    constexpr double fiveDigits = 1e-5;
+    constexpr double threeDigits = 1e-3;
+    const std::optional<ExactLine> line = lineBetween(column.numbers, output.numbers, fiveDigits);
+    if (line) {
+        return "equals " + lineText(*line, output.name) + ", an output";
+    }
+    return lineBetween(column.numbers, logarithmsOf(output.numbers), threeDigits) ||
+                   lineBetween(logarithmsOf(column.numbers), output.numbers, threeDigits)
+               ? "follows from " + quotedText(output.name) + ", an output, by a logarithm"
+               : "";
+}
+
+std::vector<std::size_t>
+ColumnRoles::lastThatHardlyRepeat(const CaseTable& table,
+                                  const std::vector<std::size_t>& candidates)
+{
+    const auto hardlyRepeats = [&](std::size_t position) {
+        const ColumnFigures figures = ColumnFigures::of(table.columns[position].numbers);
+        return figures.hasMoreDistinct || 2 * figures.distinct > figures.count;
+    };
+    auto first = candidates.end();
+    while (first != candidates.begin() && hardlyRepeats(*(first - 1))) {
+        --first;
+    }
+    return first == candidates.begin() ? std::vector<std::size_t>()
+                                       : std::vector<std::size_t>(first, candidates.end());
 }
 
 std::vector<std::pair<std::size_t, std::string>>
-ColumnRoles::likelyOutputs(const CaseTable& table, const std::vector<std::size_t>& candidates)
+ColumnRoles::likelyOutputs(const CaseTable& table, std::vector<std::size_t> candidates)
 {
     std::vector<std::pair<std::size_t, std::string>> outputs;
+    // Whether a run converged is no quantity to predict, unless there is nothing else.
+    const auto isTruth = [&](std::size_t position) {
+        const std::vector<std::string>& columns = table.layout.truthValues;
+        return std::find(columns.begin(), columns.end(), table.columns[position].name) !=
+               columns.end();
+    };
+    while (candidates.size() > 1 && isTruth(candidates.back())) {
+        candidates.pop_back();
+    }
     if (candidates.size() < 2) {
         for (const std::size_t only : candidates) {
             outputs.emplace_back(only, "suggested: no other column can be one");
@@ -462,21 +521,11 @@ ColumnRoles::likelyOutputs(const CaseTable& table, const std::vector<std::size_t
         return outputs;
     }
     outputs.clear();
-
-    const auto hardlyRepeats = [&](std::size_t position) {
-        const ColumnFigures figures = ColumnFigures::of(table.columns[position].numbers);
-        return figures.hasMoreDistinct || 2 * figures.distinct > figures.count;
-    };
-    auto first = candidates.end();
-    while (first != candidates.begin() && hardlyRepeats(*(first - 1))) {
-        --first;
+    for (const std::size_t position : lastThatHardlyRepeat(table, candidates)) {
+        outputs.emplace_back(position, "suggested: its values hardly repeat");
     }
-    if (first == candidates.begin() || first == candidates.end()) {
+    if (outputs.empty()) {
         outputs.emplace_back(candidates.back(), "suggested, as the last one");
-        return outputs;
-    }
-    for (; first != candidates.end(); ++first) {
-        outputs.emplace_back(*first, "suggested: its values hardly repeat");
     }
     return outputs;
 }

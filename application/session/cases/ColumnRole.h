@@ -36,8 +36,10 @@ SURROGATE_SESSION_EXPORT const char* roleName(ColumnRole::Role role);
 
 /** How the roles of columns that nobody named are chosen. One pass over each column. */
 namespace ColumnRoles {
-/** Of an input that nobody named and that may be an output: outputs stand behind inputs. */
+/** Of inputs that nobody named and that may be outputs: outputs stand behind inputs, and their
+ *  values hardly repeat. */
 inline constexpr char behindOutput[] = "an input, though it stands behind the output";
+inline constexpr char likeOutput[] = "an input, though it looks like an output";
 
 /**
  * Whether the numbers of a column count up by one, as run numbers do; or differ from each other and
@@ -47,16 +49,21 @@ inline constexpr char behindOutput[] = "an input, though it stands behind the ou
 bool areRunNumbers(const CaseColumn& column);
 
 /** Why a column is no input: it holds texts, dates or times, no number, the same number in all
- *  cases, or run numbers; empty if it may be one. */
+ *  cases, or run numbers, or is called like blocks or figures of a fit; empty if it may be one. */
 std::string reasonAgainstInput(const CaseColumn& column);
 
 /** Why a column is no input beside this output: it has the same name with another number, or equals
- *  a multiple of the output plus a constant; empty otherwise. */
+ *  a multiple of the output or of its logarithm plus a constant; empty otherwise. */
 std::string reasonAgainstInput(const CaseColumn& column, const CaseColumn& output);
 
 /** The columns among the candidates that are most likely outputs, each with the reason: those with
  *  names as of outputs, else the last ones whose values hardly repeat, else the last one; the only
- *  candidate. */
-std::vector<std::pair<std::size_t, std::string>>
-likelyOutputs(const CaseTable& table, const std::vector<std::size_t>& candidates);
+ *  candidate. Truth values at the end are none. */
+std::vector<std::pair<std::size_t, std::string>> likelyOutputs(const CaseTable& table,
+                                                               std::vector<std::size_t> candidates);
+
+/** The last ones among the candidates whose values hardly repeat, as outputs' do; none if that
+ * holds for all of them. */
+std::vector<std::size_t> lastThatHardlyRepeat(const CaseTable& table,
+                                              const std::vector<std::size_t>& candidates);
 } // namespace ColumnRoles

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -12,12 +13,13 @@ constexpr std::size_t maxFilledRows = 20;
 /** What the first cell says in a row of sums. */
 bool isSum(std::string_view cell)
 {
-    constexpr std::array<std::string_view, 35> sums = {
-        "total",    "totals",     "grand",  "totale",     "gesamt",  "sum",      "sums",
-        "summe",    "somme",      "soma",   "suma",       "average", "averages", "avg",
-        "mean",     "means",      "mittel", "mittelwert", "moyenne", "media",    u8"média",
-        "promedio", "gennemsnit", "min",    "minimum",    "max",     "maximum",  "std",
-        "stdev",    "stdabw",     "ecart",  u8"écart",    u8"Écart", "median",   "count"};
+    constexpr std::array<std::string_view, 36> sums = {
+        "total",    "totals",  "grand",   "totale",  "gesamt",   "sum",
+        "sums",     "summe",   "somme",   "soma",    "suma",     "average",
+        "averages", "avg",     "mean",    "means",   "mittel",   "mittelwert",
+        "moyenne",  "moy",     "media",   u8"média", "promedio", "gennemsnit",
+        "min",      "minimum", "max",     "maximum", "std",      "stdev",
+        "stdabw",   "ecart",   u8"écart", u8"Écart", "median",   "count"};
     std::string word(cell);
     std::transform(word.begin(), word.end(), word.begin(),
                    [](unsigned char letter) { return std::tolower(letter); });
@@ -62,9 +64,13 @@ bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, s
                                    FirstColumn firstColumn) const
 {
     const std::string_view first = cells.front();
-    const bool isWhole = cells.size() == columns;
-    if (keepsAllFilled || cells.size() > columns ||
-        (isWhole && (keepsFull || beginsAsNumber(first)))) {
+    std::size_t size = cells.size();
+    while (size > columns && cells[size - 1].empty()) {
+        --size; // behind separators at the end of the line
+    }
+    const auto end = cells.begin() + static_cast<std::ptrdiff_t>(size);
+    const bool isWhole = size == columns;
+    if (keepsAllFilled || size > columns || (isWhole && (keepsFull || beginsAsNumber(first)))) {
         return false;
     }
     const bool hasLabels = firstColumn == FirstColumn::Labels;
@@ -75,10 +81,17 @@ bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, s
     if (hasLabels && !isSum(first) && !first.empty() && isWhole) {
         return false;
     }
+    const bool isSumOfSome =
+        isSum(first) &&
+        std::any_of(cells.begin(), end, [](std::string_view cell) { return cell.empty(); });
+    if (isSumOfSome) {
+        return true;
+    }
     // Texts next to empty cells. In a full row of texts a case may have failed.
     bool hasText = false;
     bool hasEmpty = !isWhole;
-    for (auto cell = cells.rbegin(); cell != cells.rend(); ++cell) { // numbers come last
+    for (auto cell = std::make_reverse_iterator(end); cell != cells.rend();
+         ++cell) { // numbers come last
         const CellValue value = cell->empty() ? CellValue() : reader.read(*cell);
         hasText = hasText || value.kind == CellValue::Text;
         hasEmpty = hasEmpty || cell->empty();

@@ -24,20 +24,29 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
     const std::vector<ColumnRole> roles = workspace.columnRoles();
     const std::vector<std::string> names = namesOf(workspace.project().variables());
     std::vector<std::string> behind;
+    std::vector<std::string> alike;
     for (std::size_t i = 0; i < roles.size(); ++i) {
         if (roles[i].role == ColumnRole::Input && roles[i].reason == ColumnRoles::behindOutput) {
             behind.push_back(names[i]);
+        } else if (roles[i].role == ColumnRole::Input &&
+                   roles[i].reason == ColumnRoles::likeOutput) {
+            alike.push_back(names[i]);
         } else if (roles[i].role == ColumnRole::Input && !roles[i].reason.empty()) {
             notes.push_back(quotedText(names[i]) + ": " + roles[i].reason + '.');
         }
     }
-    if (!behind.empty()) {
-        const bool isOne = behind.size() == 1;
-        notes.push_back(FindingWords::names(behind) + (isOne ? " stands" : " stand") +
-                        " behind the output and " + (isOne ? "is an input" : "are inputs") +
-                        " here: if " + (isOne ? "it is an output" : "they are outputs") +
-                        ", name the inputs with -x.");
-    }
+    const auto addDoubt = [&](const std::vector<std::string>& columns, const std::string& doubt) {
+        const bool isOne = columns.size() == 1;
+        if (!columns.empty()) {
+            notes.push_back(FindingWords::names(columns) + doubt +
+                            (isOne ? " and is an input" : " and are inputs") + " here: if " +
+                            (isOne ? "it is an output" : "they are outputs") +
+                            ", name the inputs with -x.");
+        }
+    };
+    addDoubt(behind,
+             (behind.size() == 1 ? " stands" : " stand") + std::string(" behind the output"));
+    addDoubt(alike, alike.size() == 1 ? " looks like an output, too," : " look like outputs, too,");
     return notes;
 }
 

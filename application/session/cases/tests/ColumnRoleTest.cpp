@@ -80,6 +80,10 @@ INSTANTIATE_TEST_SUITE_P(
         Example{
             "PartNo", {4711, 4718, 4720, 4731, 4740, 4799}, "numbers the cases, from 4711 to 4799"},
         Example{"Rep", {1, 2, 3, 1, 2, 3}, "numbers the repeats"},
+        Example{"Block",
+                {1, 1, 1, 2, 2, 2},
+                "blocks by its name: --block NAME gives each its own mean"},
+        Example{"RESI1", spread, "a figure of another fit by its name"},
         Example{"PtType", {1, 1, 0, 0, -1, -1}, "says which kind of point a case is"},
         Example{"b",
                 {1, 3, std::nan(""), std::nan(""), std::nan(""), std::nan("")},
@@ -150,6 +154,13 @@ TEST(ColumnRole, AMultipleOfTheOutputIsAnotherOutput)
     EXPECT_EQ(reasonAgainst("b", multiple), "equals 0.145 times \"Mass\", an output");
     EXPECT_EQ(reasonAgainst("b", line), "equals -1.8 times \"Mass\" + 32, an output");
     EXPECT_EQ(reasonAgainst("b", response), "equals \"Mass\", an output");
+
+    Numbers exponential;
+    for (const double value : response) {
+        exponential.push_back(std::exp(0.5 * value));
+    }
+    exponential[3] *= 1.0001; // rounded to four digits
+    EXPECT_EQ(reasonAgainst("b", exponential), "follows from \"Mass\", an output, by a logarithm");
     EXPECT_EQ(reasonAgainst("b", almost), "");
 }
 
@@ -246,6 +257,26 @@ TEST(ColumnRole, OutputsAreSuggestedWhereValuesHardlyRepeat)
 
     EXPECT_EQ(roles.outputs, (Positions{2, 3}));
     EXPECT_EQ(roles.columns[2].reason, "suggested: its values hardly repeat");
+}
+
+TEST(ColumnRole, WhetherARunConvergedIsNoOutput)
+{
+    CaseTable table = tableOf({{"a", {1, 1, 2, 2, 3, 3}}, {"b", response}, {"converged", spread}});
+    table.layout.truthValues = {"converged"};
+
+    const CaseRoles roles = chooseCaseRoles(table, {}, {}, UnnamedOutputs::Suggested);
+
+    EXPECT_EQ(roles.outputs, (Positions{1}));
+    EXPECT_EQ(roles.columns[2].reason, ColumnRoles::behindOutput);
+}
+
+TEST(ColumnRole, ColumnsWhoseValuesHardlyRepeatArePointedOutBesideTheOutput)
+{
+    const CaseTable table = tableOf({{"a", {1, 1, 2, 2, 3, 3}}, {"b", other}, {"Mass", response}});
+
+    EXPECT_EQ(chooseCaseRoles(table, {}, {"Mass"}).columns[1].reason, ColumnRoles::likeOutput);
+    EXPECT_EQ(chooseCaseRoles(table, {"a", "b"}, {"Mass"}).columns[1].reason, "");
+    EXPECT_EQ(reasonAgainst("b", other), "") << "where the first column hardly repeats, too";
 }
 
 TEST(ColumnRole, OtherwiseTheLastColumnIsSuggested)
