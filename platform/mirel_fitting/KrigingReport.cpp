@@ -28,3 +28,24 @@ std::string KrigingReport::criterionText() const
         return "none";
     }
 }
+
+std::string KrigingReport::boundText(Bound bound)
+{
+    switch (bound) {
+    case Bound::Lower:
+        return " (at its lower bound)";
+    case Bound::Upper:
+        return " (at its upper bound)";
+    default:
+        return "";
+    }
+}
+
+std::string KrigingReport::lengthBoundText(std::size_t input) const
+{
+    const Bound bound = input < lengthBounds.size() ? lengthBounds[input] : Bound::None;
+    if (bound != Bound::Upper) {
+        return boundText(bound);
+    }
+    return hasNoInfluence(input) ? " (no influence)" : " (no influence beyond the trend)";
+}

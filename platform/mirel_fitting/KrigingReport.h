@@ -25,6 +25,11 @@ struct KrigingReport
     /** One per input: whether the trend shows none either, where the bound is Upper: it has no term
      *  with the input, or only some whose coefficients are less than two standard errors from 0. */
     std::vector<bool> isWithoutInfluence;
+    /** The same; false for inputs that nothing is known of. */
+    bool hasNoInfluence(std::size_t input) const
+    {
+        return input < isWithoutInfluence.size() && isWithoutInfluence[input];
+    }
     double nugget = 0.0; ///< relative to the process variance
     /** Upper: beyond the trend the cases show no correlation. Never Lower. */
     Bound nuggetBound = Bound::None;
@@ -46,6 +51,11 @@ struct KrigingReport
     Criterion criterion = Criterion::None;
     /** In words: "restricted likelihood, penalised lengths" and the like. */
     MIREL_FITTING_EXPORT std::string criterionText() const;
+    /** What follows the number in a report: " (at its lower bound)"; nothing for None. */
+    MIREL_FITTING_EXPORT static std::string boundText(Bound bound);
+    /** Likewise of a length: " (no influence)" at the upper bound; nothing for inputs that nothing
+     *  is known of. */
+    MIREL_FITTING_EXPORT std::string lengthBoundText(std::size_t input) const;
     /**
      * The restricted log-likelihood, without the prior of the lengths, in the output's units:
      * -((n - p) (ln(2 pi s2) + 1) + ln det R + ln det(F' R^-1 F) - ln det(F' F)) / 2 with the

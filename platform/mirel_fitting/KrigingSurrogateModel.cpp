@@ -12,6 +12,7 @@
 #include <mirel_fitting/kriging/prediction/KrigingSupport.h>
 #include <mirel_fitting/kriging/report/KrigingTexts.h>
 #include <mirel_fitting/numerics/Distributions.h>
+#include <mirel_fitting/numerics/NumberText.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,8 +33,7 @@ std::size_t checkedCount(int rowCount)
 void requirePositive(double value, const std::string& name)
 {
     if (!(value > 0.0) || !std::isfinite(value)) {
-        throw Error(name + " has to be a positive number, not " + KrigingTexts::figure(value) +
-                    ".");
+        throw Error(name + " has to be a positive number, not " + NumberText::rounded(value) + ".");
     }
 }
 
@@ -57,7 +57,7 @@ void check(const KrigingOptions& options, std::size_t inputs, std::size_t varyin
         // Infinity is a length too: an input without influence.
         if (!(lengths[k] > 0.0)) {
             throw Error("The correlation length of V" + std::to_string(k + 1) +
-                        " has to be positive, not " + KrigingTexts::figure(lengths[k]) + ".");
+                        " has to be positive, not " + NumberText::rounded(lengths[k]) + ".");
         }
     }
     if (options.trendOrder < 0 || options.trendOrder > 2) {
@@ -66,7 +66,7 @@ void check(const KrigingOptions& options, std::size_t inputs, std::size_t varyin
     }
     if (!(options.nugget >= 0.0) || !std::isfinite(options.nugget)) {
         throw Error("The nugget has to be a number that is not negative, not " +
-                    KrigingTexts::figure(options.nugget) + ".");
+                    NumberText::rounded(options.nugget) + ".");
     }
     const int nuggetMode = static_cast<int>(options.nuggetMode);
     if (nuggetMode != 0 && nuggetMode != 1) {

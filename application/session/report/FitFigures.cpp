@@ -18,29 +18,6 @@
 using FitFigures::Figures;
 
 namespace {
-std::string boundText(KrigingReport::Bound bound)
-{
-    switch (bound) {
-    case KrigingReport::Bound::Lower:
-        return " (at its lower bound)";
-    case KrigingReport::Bound::Upper:
-        return " (at its upper bound)";
-    default:
-        return "";
-    }
-}
-
-std::string lengthText(const KrigingReport& report, std::size_t input)
-{
-    const KrigingReport::Bound bound = FitFigures::lengthBound(report, input);
-    if (bound != KrigingReport::Bound::Upper) {
-        return boundText(bound);
-    }
-    const bool isWithout =
-        input < report.isWithoutInfluence.size() && report.isWithoutInfluence[input];
-    return isWithout ? " (no influence)" : " (no influence beyond the trend)";
-}
-
 std::string leverageText(const ResponseSurfaceStatistics& statistics)
 {
     constexpr int digits = 3;
@@ -96,7 +73,7 @@ void addLengths(const KrigingReport& report, const std::vector<std::string>& inp
     std::vector<std::string> descriptions;
     for (std::size_t i = 0; i < count; ++i) {
         const bool isInfinite = std::isinf(report.correlationLengths[i]);
-        descriptions.push_back(isInfinite ? " (no influence)" : lengthText(report, i));
+        descriptions.push_back(isInfinite ? " (no influence)" : report.lengthBoundText(i));
         described[descriptions[i]].push_back(inputs[i]);
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -130,7 +107,7 @@ Figures krigingFigures(const FitMetrics& metrics, const KrigingReport& report,
     }
     figures.emplace_back("process variance", shownNumber(report.processVariance));
     figures.emplace_back("nugget", shownNumber(report.nugget) + " of the process variance" +
-                                       boundText(report.nuggetBound));
+                                       KrigingReport::boundText(report.nuggetBound));
     if (report.noiseDeviation > 0.0) {
         figures.emplace_back("noise, standard deviation", shownNumber(report.noiseDeviation));
     }

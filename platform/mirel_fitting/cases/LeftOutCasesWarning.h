@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cmath>
+#include <mirel_fitting/numerics/NumberText.h>
+
 #include <string>
 
 namespace LeftOutCasesWarning {
@@ -17,9 +18,8 @@ constexpr double flat = 0.1;
 inline std::string hardlyBetterThanMean(double share)
 {
     return "Left-out cases are predicted hardly better than by the mean of the cases (" +
-           std::to_string(std::lround(100.0 * share)) +
-           " % of the output's variance): noise dominates, or more cases are needed to show how "
-           "the "
+           NumberText::percent(share) +
+           " of the output's variance): noise dominates, or more cases are needed to show how the "
            "output changes between them.";
 }
 

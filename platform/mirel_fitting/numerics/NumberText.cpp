@@ -1,6 +1,7 @@
 #include <mirel_fitting/numerics/NumberText.h>
 
 #include <charconv>
+#include <cmath>
 
 namespace {
 
@@ -21,6 +22,11 @@ std::string NumberText::rounded(double value, int digits)
     const std::to_chars_result end =
         std::to_chars(text, text + longest, value, std::chars_format::general, digits);
     return {text, end.ptr};
+}
+
+std::string NumberText::percent(double share)
+{
+    return std::to_string(std::lround(100.0 * share)) + " %";
 }
 
 std::string NumberText::counted(std::size_t count, const std::string& noun)

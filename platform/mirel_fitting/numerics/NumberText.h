@@ -10,8 +10,12 @@ public:
     /** The shortest text that reads back as the same double. */
     static std::string shortest(double value);
 
-    /** At most `digits` significant digits, without trailing zeros. */
-    static std::string rounded(double value, int digits);
+    /** At most `digits` significant digits, without trailing zeros. Eight distinguish the fits of
+     *  almost any two tables of cases. */
+    static std::string rounded(double value, int digits = 8);
+
+    /** "12 %", of 0.12. */
+    static std::string percent(double share);
 
     /** "1 case", "2 cases". */
     static std::string counted(std::size_t count, const std::string& noun);

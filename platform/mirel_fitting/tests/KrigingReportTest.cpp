@@ -16,6 +16,20 @@ int digits(double output, double predicted)
 
 } // namespace
 
+TEST(KrigingReport, SaysAtWhichBoundAnEstimateEnded)
+{
+    using Bound = KrigingReport::Bound;
+    KrigingReport report;
+    report.lengthBounds = {Bound::None, Bound::Lower, Bound::Upper, Bound::Upper};
+    report.isWithoutInfluence = {false, false, false, true};
+    const char* const texts[] = {"", " (at its lower bound)", " (no influence beyond the trend)",
+                                 " (no influence)", ""};
+    for (std::size_t input = 0; input < 5; ++input) {
+        EXPECT_EQ(report.lengthBoundText(input), texts[input]);
+    }
+    EXPECT_EQ(KrigingReport::boundText(Bound::Upper), " (at its upper bound)");
+}
+
 TEST(KrigingReport, WritesThreeDigitsOfTheDifferenceToALeftOutCase)
 {
     EXPECT_EQ(digits(2.0, 1.0), 5); // as many as there are anyway

@@ -9,7 +9,6 @@
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
 #include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -94,8 +93,12 @@ void addWarnings(KrigingFit& fit, const KrigingFitInput& input, const DistinctCa
     if (result.found.isNuggetRaised) {
         fit.warnings.push_back(KrigingWarnings::ofRaisedNugget(result.found.parameters.nugget));
     }
-    fit.addNote("There are more than " + std::to_string(input.options.sizes.maxExact) +
-                " distinct cases: " + result.description(input.scale.scale));
+    const std::size_t neighbours = result.neighbours ? result.neighbours->neighbours() : 0;
+    const double scale = input.scale.scale;
+    fit.addNote(
+        KrigingWarnings::ofManyCases(input.options.sizes.maxExact,
+                                     {result.subsetSize, neighbours, !result.subset.weights.empty(),
+                                      scale * result.error, scale * result.subsetError}));
     fit.addNote(KrigingWarnings::ofSample(result.measured.size()));
 }
 

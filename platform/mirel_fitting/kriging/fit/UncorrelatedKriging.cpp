@@ -1,11 +1,12 @@
 #include <mirel_fitting/kriging/fit/UncorrelatedKriging.h>
 
+#include <mirel_fitting/kriging/report/KrigingWarnings.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <numeric>
-#include <string>
 #include <utility>
 
 namespace {
@@ -31,15 +32,6 @@ void addErrorsOfMean(KrigingFit& fit, const KrigingFitInput& input, double squar
     }
 }
 
-std::string warningOfMean(std::size_t cases, double squares)
-{
-    if (squares > 0.0) {
-        return "No input varies over the cases: the prediction is the mean output.";
-    }
-    return cases > 1 ? "The output is the same in all cases: the prediction is constant."
-                     : "There is only one case: the prediction is constant.";
-}
-
 } // namespace
 
 KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
@@ -63,7 +55,7 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
     input.report().addIndependence(fit, variance, n - 1.0);
     addErrorsOfMean(fit, input, squares);
     fit.leftOut = KrigingLeaveOneOut::ofMean(input.output);
-    fit.warnings.push_back(warningOfMean(input.output.size(), squares));
+    fit.warnings.push_back(KrigingWarnings::ofMean(input.output.size(), !(squares > 0.0)));
     return fit;
 }
 
@@ -118,7 +110,6 @@ KrigingFit UncorrelatedKriging::ofTrend(const KrigingFitInput& input, const Dist
                         leastSquares.leaveOneOutVariances, leastSquares.variance, 0.0});
     distinct.warnOfConflicts(true, fit);
     input.warnOfTrend(*trend, data->cases, fit);
-    fit.warnings.push_back(
-        "The trend passes through all cases: there is nothing left to correlate.");
+    fit.warnings.push_back(KrigingWarnings::ofExactTrend());
     return fit;
 }

@@ -3,7 +3,6 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/kriging/large/NeighbourLayer.h>
-#include <mirel_fitting/kriging/report/KrigingTexts.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
 #include <mirel_fitting/numerics/Picked.h>
 
@@ -148,21 +147,4 @@ LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>&
                                        2.0 * static_cast<double>(result.measured.size()));
     chooseLayers(result, ofModel, ofTrend, residuals);
     return result;
-}
-
-std::string LargeKriging::Result::description(double scale) const
-{
-    const std::string ofSubset = std::to_string(subsetSize) + " cases";
-    const std::string spread = "the model is that of " + ofSubset + " spread over all of them, ";
-    if (!neighbours) {
-        return spread + "which the nearest cases of each point could not improve.";
-    }
-    const std::string nearest = "Kriging from the " + std::to_string(neighbours->neighbours()) +
-                                " nearest cases of each point";
-    const bool isLocal = subset.weights.empty();
-    return (isLocal ? "the model is " : spread + "corrected by ") + nearest +
-           "; left-out cases are predicted with an error of " +
-           KrigingTexts::figure(scale * error) + " instead of " +
-           KrigingTexts::figure(scale * subsetError) +
-           (isLocal ? " by a model of " + ofSubset : " without") + ".";
 }

@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <vector>
 
 /**
@@ -45,9 +44,6 @@ public:
         double error = 0.0;       ///< root mean square of the latter
         double subsetError = 0.0; ///< the same of the subset's model
         std::size_t subsetSize = 0;
-
-        /** The chosen model and its errors, as a clause. @param scale of the output. */
-        std::string description(double scale) const;
     };
 
     /**

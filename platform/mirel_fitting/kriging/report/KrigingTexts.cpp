@@ -23,41 +23,7 @@ const char* orderName(int order)
 
 std::string line(const std::string& name, double value)
 {
-    return std::isnan(value) ? std::string() : name + ": " + KrigingTexts::figure(value) + "\n";
-}
-
-std::string percent(double share)
-{
-    return std::to_string(std::lround(100.0 * share)) + " %";
-}
-
-std::string boundText(KrigingReport::Bound bound)
-{
-    switch (bound) {
-    case KrigingReport::Bound::Lower:
-        return " (at its lower bound)";
-    case KrigingReport::Bound::Upper:
-        return " (at its upper bound)";
-    default:
-        return "";
-    }
-}
-
-bool isWithoutInfluence(const KrigingReport& report, std::size_t input)
-{
-    return input < report.isWithoutInfluence.size() && report.isWithoutInfluence[input];
-}
-
-std::string lengthBoundText(const KrigingReport& report, std::size_t input)
-{
-    if (input >= report.lengthBounds.size()) {
-        return "";
-    }
-    if (report.lengthBounds[input] != KrigingReport::Bound::Upper) {
-        return boundText(report.lengthBounds[input]);
-    }
-    return isWithoutInfluence(report, input) ? " (no influence)"
-                                             : " (no influence beyond the trend)";
+    return std::isnan(value) ? std::string() : name + ": " + NumberText::rounded(value) + "\n";
 }
 
 std::string otherLengthsText(const KrigingReport& report)
@@ -68,7 +34,7 @@ std::string otherLengthsText(const KrigingReport& report)
     return "Other correlation lengths are " +
            (lower < noticeable ? "as likely"
                                : "nearly as likely (log-likelihood lower by " +
-                                     KrigingTexts::figure(lower, digits) + ")") +
+                                     NumberText::rounded(lower, digits) + ")") +
            ": more cases would decide between two different models.";
 }
 
@@ -80,8 +46,8 @@ std::string worstCasesText(const KrigingReport& report)
     for (const KrigingReport::LeftOutCase& one : report.worstCases) {
         const int digits = one.digits(minDigits);
         text += (text.empty() ? "Worst when left out: case " : ", case ") +
-                std::to_string(one.row + 1) + " (" + KrigingTexts::figure(one.predicted, digits) +
-                " instead of " + KrigingTexts::figure(one.output, digits) + ")";
+                std::to_string(one.row + 1) + " (" + NumberText::rounded(one.predicted, digits) +
+                " instead of " + NumberText::rounded(one.output, digits) + ")";
     }
     return text.empty() ? text : text + "\n";
 }
@@ -95,7 +61,7 @@ void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
     std::vector<std::size_t> fast;
     for (std::size_t k = 0; k < fit.report.lengthBounds.size(); ++k) {
         if (fit.report.lengthBounds[k] == KrigingReport::Bound::Upper) {
-            (isWithoutInfluence(fit.report, k) ? withoutInfluence : onlyInTrend).push_back(k);
+            (fit.report.hasNoInfluence(k) ? withoutInfluence : onlyInTrend).push_back(k);
         }
         // Lengths this short mean noise.
         if (fit.report.lengthBounds[k] == KrigingReport::Bound::Lower && !fit.isMostlyNoise) {
@@ -120,17 +86,13 @@ void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
 
 } // namespace
 
-std::string KrigingTexts::figure(double value, int digits)
-{
-    return NumberText::rounded(value, digits);
-}
-
 std::string KrigingTexts::lengths(const KrigingReport& report)
 {
     std::string text;
     for (std::size_t k = 0; k < report.correlationLengths.size(); ++k) {
         text += "Correlation length of V" + std::to_string(k + 1) + ": " +
-                figure(report.correlationLengths[k]) + lengthBoundText(report, k) + "\n";
+                NumberText::rounded(report.correlationLengths[k]) + report.lengthBoundText(k) +
+                "\n";
     }
     return text;
 }
@@ -161,8 +123,8 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     text += line("Log-likelihood", report.logLikelihood);
     text += line("Second-best log-likelihood", report.secondLogLikelihood);
     text += line("Process variance", report.processVariance);
-    text += "Nugget (relative to the process variance): " + figure(report.nugget) +
-            boundText(report.nuggetBound) + "\n";
+    text += "Nugget (relative to the process variance): " + NumberText::rounded(report.nugget) +
+            KrigingReport::boundText(report.nuggetBound) + "\n";
     if (report.noiseDeviation > 0.0) {
         text += line("Noise (standard deviation)", report.noiseDeviation);
     }
@@ -192,14 +154,16 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     const bool isMoreThanTheMean = fit.metrics.terms > 1 || !std::isnan(report.condition);
     if (isMoreThanTheMean && fit.metrics.r2 < flat) {
         result.push_back("The model is flat: it explains " +
-                         percent(std::max(fit.metrics.r2, 0.0)) + " of the output's variance.");
+                         NumberText::percent(std::max(fit.metrics.r2, 0.0)) +
+                         " of the output's variance.");
     }
     if (isMostlyNoise(noiseShare)) {
-        result.push_back("Noise dominates: " + percent(std::min(noiseShare, 1.0)) +
+        result.push_back("Noise dominates: " + NumberText::percent(std::min(noiseShare, 1.0)) +
                          " of the output's variance is taken for noise.");
     }
     if (report.nuggetBound == KrigingReport::Bound::Upper) {
-        result.push_back("The nugget is at its upper bound, " + figure(report.nugget, 4) +
+        result.push_back("The nugget is at its upper bound, " +
+                         NumberText::rounded(report.nugget, 4) +
                          " times the process variance: beyond the trend the cases show no "
                          "correlation.");
     }

@@ -10,8 +10,6 @@
 class KrigingTexts
 {
 public:
-    static std::string figure(double value, int digits = 8);
-
     /** A line per input. */
     static std::string lengths(const KrigingReport& report);
 
@@ -26,7 +24,7 @@ public:
     static bool isMostlyNoise(double noiseShare);
 
     /**
-     * Warnings about the result of a fit that name no input, one sentence each.
+     * What the result of a fit is worth: warnings that name no input, one sentence each.
      * @param noiseShare fraction of the output's variance that the model attributes to noise.
      */
     static std::vector<std::string> verdicts(const KrigingFit& fit, double noiseShare);

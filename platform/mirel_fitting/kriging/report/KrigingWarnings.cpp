@@ -5,12 +5,6 @@
 
 namespace {
 
-std::string figure(double value)
-{
-    constexpr int digits = 8;
-    return NumberText::rounded(value, digits);
-}
-
 std::string orderLowered(int from, int to)
 {
     return "The order of the trend was lowered from " + std::to_string(from) + " to " +
@@ -39,7 +33,8 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 std::string KrigingWarnings::ofContradictions(std::size_t places)
 {
     return "At " + NumberText::counted(places, "place") +
-           " cases lie next to each other (less than " + figure(ReplicatedCases::nearness) +
+           " cases lie next to each other (less than " +
+           NumberText::rounded(ReplicatedCases::nearness) +
            " of the range of every input apart) but have different outputs: the model smooths "
            "them.";
 }
@@ -94,6 +89,36 @@ std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, boo
            "lengths of " +
            NumberText::counted(searched, "case") + " spread over all" +
            (isRefined ? ", refined with all." : ".");
+}
+
+std::string KrigingWarnings::ofManyCases(std::size_t max, const Layers& layers)
+{
+    const std::string start = "There are more than " + std::to_string(max) + " distinct cases: ";
+    const std::string ofSubset = std::to_string(layers.subset) + " cases";
+    const std::string spread = "the model is that of " + ofSubset + " spread over all of them, ";
+    if (layers.neighbours == 0) {
+        return start + spread + "which the nearest cases of each point could not improve.";
+    }
+    return start + (layers.isSubsetUsed ? spread + "corrected by " : "the model is ") +
+           "Kriging from the " + std::to_string(layers.neighbours) +
+           " nearest cases of each point; left-out cases are predicted with an error of " +
+           NumberText::rounded(layers.error) + " instead of " +
+           NumberText::rounded(layers.subsetError) +
+           (layers.isSubsetUsed ? " without" : " by a model of " + ofSubset) + ".";
+}
+
+std::string KrigingWarnings::ofMean(std::size_t cases, bool isSame)
+{
+    if (!isSame) {
+        return "No input varies over the cases: the prediction is the mean output.";
+    }
+    return cases > 1 ? "The output is the same in all cases: the prediction is constant."
+                     : "There is only one case: the prediction is constant.";
+}
+
+std::string KrigingWarnings::ofExactTrend()
+{
+    return "The trend passes through all cases: there is nothing left to correlate.";
 }
 
 std::string KrigingWarnings::ofSample(std::size_t cases)

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/** Warnings about the cases and options of a fit. Those about its result are
- *  KrigingTexts::verdicts(). */
+/** Sentences about the cases and options of a fit and about how its model came about. What the
+ *  model is worth says KrigingTexts::verdicts(). */
 class KrigingWarnings
 {
 public:
@@ -41,6 +41,24 @@ public:
      * @param isRefined whether steps with all cases followed.
      */
     static std::string ofSubset(std::size_t max, std::size_t searched, bool isRefined);
+
+    /** The layers of the model of many cases. */
+    struct Layers
+    {
+        std::size_t subset;     ///< cases of the exact model
+        std::size_t neighbours; ///< of a prediction by the second layer; 0: there is none
+        bool isSubsetUsed;      ///< or only the trend of its model
+        double error;           ///< of the model at left-out cases, in the output's unit
+        double subsetError;     ///< the same of the exact model alone
+    };
+    /** @param max cases up to which there is one layer. */
+    static std::string ofManyCases(std::size_t max, const Layers& layers);
+
+    /** Nothing varies: the prediction is the mean of the output.
+     *  @param isSame whether it is the output of each case. */
+    static std::string ofMean(std::size_t cases, bool isSame);
+    /** The trend leaves only rounding. */
+    static std::string ofExactTrend();
 
     /** The error metrics are those of a random sample. */
     static std::string ofSample(std::size_t cases);

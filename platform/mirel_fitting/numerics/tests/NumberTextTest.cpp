@@ -21,6 +21,9 @@ TEST(NumberText, RoundsToSignificantDigits)
     EXPECT_EQ(NumberText::rounded(1234567.0, 3), "1.23e+06");
     EXPECT_EQ(NumberText::rounded(2.5, 8), "2.5");
     EXPECT_EQ(NumberText::rounded(-1e-9, 3), "-1e-09");
+    EXPECT_EQ(NumberText::rounded(1.0 / 3.0), "0.33333333");
+    EXPECT_EQ(NumberText::rounded(std::numeric_limits<double>::infinity()), "inf");
+    EXPECT_EQ(NumberText::percent(0.126), "13 %");
 }
 
 TEST(NumberText, CountsInWords)

@@ -48,6 +48,21 @@ TEST(KrigingWarnings, SaysWhichPartOfTheCasesWasUsedAndWhyTheTrendIsConstant)
         "distinct cases a constant trend predicts a smooth output better.");
 }
 
+TEST(KrigingWarnings, SaysWhichLayersTheModelOfManyCasesHas)
+{
+    EXPECT_EQ(KrigingWarnings::ofManyCases(10000, {9000, 60, true, 0.5, 0.75}),
+              "There are more than 10000 distinct cases: the model is that of 9000 cases spread "
+              "over all of them, corrected by Kriging from the 60 nearest cases of each point; "
+              "left-out cases are predicted with an error of 0.5 instead of 0.75 without.");
+    EXPECT_EQ(KrigingWarnings::ofManyCases(10000, {9000, 60, false, 0.5, 0.75}),
+              "There are more than 10000 distinct cases: the model is Kriging from the 60 nearest "
+              "cases of each point; left-out cases are predicted with an error of 0.5 instead of "
+              "0.75 by a model of 9000 cases.");
+    EXPECT_EQ(KrigingWarnings::ofManyCases(10000, {9000, 0, true, 0.75, 0.75}),
+              "There are more than 10000 distinct cases: the model is that of 9000 cases spread "
+              "over all of them, which the nearest cases of each point could not improve.");
+}
+
 TEST(KrigingWarnings, NamesInputsTermsAndNuggets)
 {
     EXPECT_EQ(KrigingWarnings::ofConstantInputs({1}),
