@@ -19,6 +19,14 @@ constexpr std::size_t blockSize = 128;
 // not used.
 constexpr std::size_t inverseColumns = 64;
 
+// Rows of the factor that a substitution solves for at a time, between two reports: the triangular
+// solves of OpenBLAS are slower than its matrix products.
+constexpr std::size_t solvedRows = 64;
+
+// Columns of the factor's inverse at a time, where one thread computes all: LAPACK's inverse in
+// place is slow in wider blocks.
+constexpr std::size_t invertedColumns = 32;
+
 // Columns that a thread takes at a time in forColumns(): enough ranges to balance the load.
 constexpr std::size_t columnsPerRange = 32;
 
@@ -61,10 +69,6 @@ void subtractProduct(CBLAS_TRANSPOSE side, const double* panel, std::size_t rows
                 static_cast<int>(columnStride), 1.0, target, static_cast<int>(columnStride));
 }
 
-// Rows of the factor that a substitution solves for at a time, between two reports: the triangular
-// solves of OpenBLAS are slower than its matrix products.
-constexpr std::size_t solvedRows = 64;
-
 /** Forward substitution. */
 void substitute(const double* factor, std::size_t order, std::size_t stride, double* columns,
                 std::size_t count, std::size_t columnStride)
@@ -93,9 +97,6 @@ void substituteBack(const double* factor, std::size_t order, std::size_t stride,
         FitProgress::advance();
     }
 }
-
-// Columns of the factor's inverse at a time: LAPACK's inverse in place is slow in wider blocks.
-constexpr std::size_t invertedColumns = 32;
 
 /** A lower triangle becomes its inverse, by blocks of columns from the last one. */
 void invertTriangle(double* triangle, std::size_t order)

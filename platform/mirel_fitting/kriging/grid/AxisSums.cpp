@@ -158,8 +158,8 @@ void AxisSums::sumMoments(const double* weights, std::size_t stride,
         state[trend + 1] = trends[i].slope;
     }
 
-    // Location h + 1: moments on the left about anchor h, of all cases up to it; on the right about
-    // anchor h - 1, first of the cases up to anchor h, then of all beyond.
+    // From left to right: moments on the left of all cases, on the right of those of the location.
+    // Then from right to left: those on the right of all cases.
     const std::size_t locations = bounds.size() - 1;
     for (std::size_t h = 0; h < locations; ++h) {
         double* state = states + h * laneCount;

@@ -123,8 +123,11 @@ private:
     AlignedBuffer offsets; // filled up
     std::vector<Block> blocks;
     std::vector<double> anchors; // of block b: b and b + 1
-    // In front of anchor h, behind the one before: the cases from bounds[h] to bounds[h + 1].
+    // Location h lies between the anchors h - 1 and h, the first and the last one outside of all.
+    // Its cases are those from bounds[h] to before bounds[h + 1]. State h + 1 of a row of weights
+    // holds the moments about anchor h of all cases on its left, those about anchor h - 1 of all
+    // cases on its right, and the trend.
     std::vector<std::size_t> bounds;
-    AlignedBuffer moments; // per case: those of a weight of 1
-    AlignedBuffer shifts;  // per location: from the state before it, and from the one behind it
+    AlignedBuffer moments; // per case: those of a weight of 1 in the state of its location
+    AlignedBuffer shifts;  // per location h: from the left part of state h, and right of h + 2
 };

@@ -30,7 +30,7 @@ std::size_t tilesOf(const AxisGroup& group, std::size_t tileSize)
 } // namespace
 
 /** Computes one tile of the result per chunk, in its place. */
-class GridProduct::Worker : public OrderedChunks::Worker
+class GridProduct::Worker
 {
 public:
     Worker(const GridProduct& product, double* result)
@@ -39,7 +39,7 @@ public:
           slowRows(slow, *product.model.correlation, product.tileSize), result(result)
     {}
 
-    void compute(std::size_t chunk) override
+    void compute(std::size_t chunk)
     {
         const std::size_t tileSize = product.tileSize;
         const std::size_t fastTiles = tilesOf(fast, tileSize);
@@ -65,8 +65,6 @@ public:
             }
         }
     }
-
-    void handOver(std::size_t) override {}
 
 private:
     const GridProduct& product;
@@ -105,6 +103,9 @@ void GridProduct::predict(int threads, double* result) const
         return;
     }
     const SingleThreadedBlas singleThreaded;
-    OrderedChunks::run(tilesOf(separated.fast, tileSize) * tilesOf(separated.slow, tileSize),
-                       threads, [&] { return std::make_unique<Worker>(*this, result); });
+    OrderedChunks::runEach(tilesOf(separated.fast, tileSize) * tilesOf(separated.slow, tileSize),
+                           threads, [&] {
+                               const auto worker = std::make_shared<Worker>(*this, result);
+                               return [worker](std::size_t chunk) { worker->compute(chunk); };
+                           });
 }

@@ -43,7 +43,7 @@ FittedKriging sortedAlong(const ProductGrid::Axis& axis, FittedKriging model)
 
 /** Computes the results of a tile of combinations of the other axes and a range of panels of the
  *  axis, in their place. */
-class GridSums::Worker : public OrderedChunks::Worker
+class GridSums::Worker
 {
 public:
     Worker(const GridSums& grid, double* result)
@@ -53,7 +53,7 @@ public:
           values(AlignedBuffer::uninitialised(grid.tileSize * valuesAtATime)), result(result)
     {}
 
-    void compute(std::size_t chunk) override
+    void compute(std::size_t chunk)
     {
         const std::size_t ranges = grid.panelRanges();
         const std::size_t firstRow = chunk / ranges * grid.tileSize;
@@ -78,8 +78,6 @@ public:
             fillWithNaN(firstRow, rowCount);
         }
     }
-
-    void handOver(std::size_t) override {}
 
 private:
     static constexpr std::size_t valuesAtATime = 8 * AxisSums::panelSize;
@@ -241,6 +239,8 @@ void GridSums::predict(int threads, double* result) const
         return;
     }
     const std::size_t tiles = (separated.slow.size + tileSize - 1) / tileSize;
-    OrderedChunks::run(tiles * panelRanges(), threads,
-                       [&] { return std::make_unique<Worker>(*this, result); });
+    OrderedChunks::runEach(tiles * panelRanges(), threads, [&] {
+        const auto worker = std::make_shared<Worker>(*this, result);
+        return [worker](std::size_t chunk) { worker->compute(chunk); };
+    });
 }

@@ -60,14 +60,11 @@ void SeparatedGrid::separateTrend(const FittedKriging& model, const std::vector<
     constexpr std::size_t none = 0;
     std::vector<std::size_t> productOf(model.inputs.size(), none); // t of each fast input
     for (std::size_t term = 0; term < model.coefficients.size(); ++term) {
-        const QuadraticBasis::Term inputs = model.trend->keptTerms()[term];
+        const QuadraticBasis::Term& inputs = model.trend->keptTerms()[term];
         AxisGroup::Polynomial::Term onFast{1.0, {}};
         AxisGroup::Polynomial::Term onSlow{model.coefficients[term], {}};
         std::size_t fastInput = 0;
-        for (const std::size_t input : {inputs.first, inputs.second}) {
-            if (input == QuadraticBasis::noInput) {
-                continue;
-            }
+        for (const std::size_t input : inputs.inputs()) {
             const AxisGroup::Input inFast = fast.find(input);
             const AxisGroup::Input inSlow = slow.find(input);
             if (inFast.axis) {

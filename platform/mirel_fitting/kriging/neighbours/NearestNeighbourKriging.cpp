@@ -4,7 +4,6 @@
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/correlation/MaternKernels.h>
 #include <mirel_fitting/kriging/correlation/NuggetBounds.h>
-#include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
@@ -150,8 +149,10 @@ private:
     std::vector<double> values;
 };
 
+} // namespace
+
 /** The memory of one thread. */
-struct Workspace
+struct NearestNeighbourKriging::Workspace
 {
     Workspace(std::size_t neighbours, std::size_t inputs)
         : kriging(neighbours, inputs), indices(neighbours + 1), squares(neighbours + 1),
@@ -162,190 +163,139 @@ struct Workspace
     std::vector<std::uint32_t> indices; // one more than used: a case is its own neighbour
     std::vector<double> squares;
     std::vector<double> point;
+    std::size_t found = 0; // cases that the last prediction used
 };
 
-using PointWork = std::function<void(Workspace&, std::size_t)>;
+NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& lengths,
+                                                 std::size_t neighbours)
+    : count(cases.count), inputs(cases.inputs), used(std::min(neighbours, cases.count)),
+      metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
+      replicates(std::move(cases.replicates))
+{
+    for (std::size_t k = 0; k < inputs; ++k) {
+        FitProgress::advance();
+        metric[k] = std::min(metric[k], longestInMetric);
+        for (std::size_t i = 0; i < count; ++i) {
+            coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
+        }
+    }
+    search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs);
+    setParameters({lengths, 0.0});
+}
 
-void forPoints(std::size_t count, std::size_t neighbours, std::size_t inputs, const PointWork& work)
+void NearestNeighbourKriging::setParameters(const Parameters& parameters)
+{
+    chosen = parameters;
+    factors = factorsFor(parameters);
+}
+
+std::vector<double> NearestNeighbourKriging::factorsFor(const Parameters& parameters) const
+{
+    std::vector<double> result;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        result.push_back(MaternKernels::rootOfFive * metric[k] / parameters.lengths[k]);
+    }
+    return result;
+}
+
+/** @param work is done for each point, by several threads. */
+void NearestNeighbourKriging::forPoints(
+    std::size_t points, const std::function<void(Workspace&, std::size_t)>& work) const
 {
     constexpr std::size_t perChunk = 64; // some milliseconds
     // Starting a thread costs more than predicting this many points.
     constexpr std::size_t fewPoints = 256;
 
     const SingleThreadedBlas singleThreaded;
-    const std::size_t chunks = (count + perChunk - 1) / perChunk;
-    const int threads = count < fewPoints ? 1 : threadCount();
+    const std::size_t chunks = (points + perChunk - 1) / perChunk;
+    const int threads = points < fewPoints ? 1 : threadCount();
     const auto makeWork = [&]() -> OrderedChunks::Work {
-        const auto workspace = std::make_shared<Workspace>(neighbours, inputs);
+        const auto workspace = std::make_shared<Workspace>(used, inputs);
         return [&, workspace](std::size_t chunk) {
-            const std::size_t last = std::min(count, (chunk + 1) * perChunk);
+            const std::size_t last = std::min(points, (chunk + 1) * perChunk);
             for (std::size_t i = chunk * perChunk; i < last; ++i) {
                 work(*workspace, i);
             }
         };
     };
-    OrderedChunks::runEach(chunks, threads, makeWork, static_cast<double>(count));
+    OrderedChunks::runEach(chunks, threads, makeWork, static_cast<double>(points));
 }
 
-} // namespace
-
-class NearestNeighbourKriging::Impl
+NearestNeighbourKriging::Prediction
+NearestNeighbourKriging::predict(Workspace& workspace, const std::vector<const double*>& points,
+                                 std::size_t index, const std::vector<double>& scales,
+                                 double nugget) const
 {
-public:
-    Impl(Cases cases, const std::vector<double>& lengths, std::size_t neighbours)
-        : count(cases.count), inputs(cases.inputs), neighbours(std::min(neighbours, cases.count)),
-          metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
-          replicates(std::move(cases.replicates))
-    {
-        for (std::size_t k = 0; k < inputs; ++k) {
-            FitProgress::advance();
-            metric[k] = std::min(metric[k], longestInMetric);
-            for (std::size_t i = 0; i < count; ++i) {
-                coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
-            }
-        }
-        search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs);
-        setParameters({lengths, 0.0});
+    const double noise = 0.0;
+    for (std::size_t k = 0; k < inputs; ++k) {
+        workspace.point[k] = points[k][index] / metric[k];
     }
-
-    void setParameters(const Parameters& wanted)
-    {
-        parameters = wanted;
-        factors = factorsFor(wanted);
-    }
-
-    std::vector<double> factorsFor(const Parameters& wanted) const
-    {
-        std::vector<double> result;
-        for (std::size_t k = 0; k < inputs; ++k) {
-            result.push_back(MaternKernels::rootOfFive * metric[k] / wanted.lengths[k]);
-        }
-        return result;
-    }
-
-    Sources sources() const
-    {
-        return {inputs, coordinates.data(), values.data(), replicates.data()};
-    }
-
-    /** @param found receives how many cases were used. */
-    Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
-                       std::size_t index, const std::vector<double>& scales, double nugget,
-                       std::size_t& found) const
-    {
-        const double noise = 0.0;
-        for (std::size_t k = 0; k < inputs; ++k) {
-            workspace.point[k] = points[k][index] / metric[k];
-        }
-        found = search->find(workspace.point.data(), neighbours, workspace.indices.data(),
-                             workspace.squares.data());
-        return workspace.kriging.predict(sources(), workspace.indices.data(), found,
-                                         workspace.point.data(), scales, nugget, noise);
-    }
-
-    const double* at(std::size_t index) const { return coordinates.data() + index * inputs; }
-
-    std::size_t count;
-    std::size_t inputs;
-    std::size_t neighbours;
-    std::vector<double> metric;
-    std::vector<double> coordinates; // case by case, in lengths of the metric
-    std::vector<double> values;
-    std::vector<double> replicates;
-    std::unique_ptr<NearestNeighbours> search;
-    Parameters parameters;
-    std::vector<double> factors;
-};
-
-NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& metric,
-                                                 std::size_t neighbours)
-    : impl(std::make_unique<Impl>(std::move(cases), metric, neighbours))
-{}
-
-NearestNeighbourKriging::~NearestNeighbourKriging() = default;
-
-std::size_t NearestNeighbourKriging::neighbours() const
-{
-    return impl->neighbours;
+    workspace.found = search->find(workspace.point.data(), used, workspace.indices.data(),
+                                   workspace.squares.data());
+    return workspace.kriging.predict({inputs, coordinates.data(), values.data(), replicates.data()},
+                                     workspace.indices.data(), workspace.found,
+                                     workspace.point.data(), scales, nugget, noise);
 }
 
-void NearestNeighbourKriging::setParameters(const Parameters& parameters)
-{
-    impl->setParameters(parameters);
-}
-
-const NearestNeighbourKriging::Parameters& NearestNeighbourKriging::parameters() const
-{
-    return impl->parameters;
-}
-
-void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t count,
+void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t pointCount,
                                   double* result) const
 {
-    const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        std::size_t found;
-        result[i] +=
-            impl->predict(workspace, points, i, impl->factors, impl->parameters.nugget, found).mean;
-    };
-    forPoints(count, impl->neighbours, impl->inputs, work);
+    forPoints(pointCount, [&](Workspace& workspace, std::size_t i) {
+        result[i] += predict(workspace, points, i, factors, chosen.nugget).mean;
+    });
 }
 
 void NearestNeighbourKriging::addGradients(const std::vector<const double*>& points,
-                                           std::size_t count,
+                                           std::size_t pointCount,
                                            const std::vector<double*>& gradients) const
 {
-    const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        std::size_t found;
-        impl->predict(workspace, points, i, impl->factors, impl->parameters.nugget, found);
-        workspace.kriging.differentiate(impl->inputs, found, workspace.point.data());
-        for (std::size_t k = 0; k < impl->inputs; ++k) {
-            gradients[k][i] += workspace.point[k] * impl->factors[k] / impl->metric[k];
+    forPoints(pointCount, [&](Workspace& workspace, std::size_t i) {
+        predict(workspace, points, i, factors, chosen.nugget);
+        workspace.kriging.differentiate(inputs, workspace.found, workspace.point.data());
+        for (std::size_t k = 0; k < inputs; ++k) {
+            gradients[k][i] += workspace.point[k] * factors[k] / metric[k];
         }
-    };
-    forPoints(count, impl->neighbours, impl->inputs, work);
+    });
 }
 
-void NearestNeighbourKriging::variances(const std::vector<const double*>& points, std::size_t count,
-                                        const Parameters& parameters, double* result) const
+void NearestNeighbourKriging::variances(const std::vector<const double*>& points,
+                                        std::size_t pointCount, const Parameters& parameters,
+                                        double* result) const
 {
-    const std::vector<double> factors = impl->factorsFor(parameters);
-    const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        std::size_t found;
-        result[i] = impl->predict(workspace, points, i, factors, parameters.nugget, found).variance;
-    };
-    forPoints(count, impl->neighbours, impl->inputs, work);
+    const std::vector<double> scales = factorsFor(parameters);
+    forPoints(pointCount, [&](Workspace& workspace, std::size_t i) {
+        result[i] = predict(workspace, points, i, scales, parameters.nugget).variance;
+    });
 }
 
 NearestNeighbourKriging::LeftOut::LeftOut(const NearestNeighbourKriging& givenKriging,
                                           std::vector<std::size_t> givenCases)
-    : kriging(givenKriging), cases(std::move(givenCases)), stride(kriging.impl->neighbours),
+    : kriging(givenKriging), cases(std::move(givenCases)), stride(kriging.used),
       neighbours(cases.size() * stride), found(cases.size())
 {
-    const NearestNeighbourKriging::Impl& all = *kriging.impl;
-    const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        const std::size_t near = all.search->find(
-            all.at(cases[i]), stride + 1, workspace.indices.data(), workspace.squares.data());
+    kriging.forPoints(cases.size(), [&](Workspace& workspace, std::size_t i) {
+        const std::size_t near = kriging.search->find(
+            kriging.at(cases[i]), stride + 1, workspace.indices.data(), workspace.squares.data());
         std::uint32_t* kept = neighbours.data() + i * stride;
         for (std::size_t j = 0; j < near && found[i] < stride; ++j) {
             if (workspace.indices[j] != cases[i]) {
                 kept[found[i]++] = workspace.indices[j];
             }
         }
-    };
-    forPoints(cases.size(), stride, all.inputs, work);
+    });
 }
 
 std::vector<NearestNeighbourKriging::Prediction>
 NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
 {
-    const NearestNeighbourKriging::Impl& all = *kriging.impl;
-    const std::vector<double> factors = all.factorsFor(parameters);
+    const std::vector<double> scales = kriging.factorsFor(parameters);
+    const Sources sources = {kriging.inputs, kriging.coordinates.data(), kriging.values.data(),
+                             kriging.replicates.data()};
     std::vector<Prediction> result(cases.size());
-    const PointWork work = [&](Workspace& workspace, std::size_t i) {
-        result[i] = workspace.kriging.predict(
-            all.sources(), neighbours.data() + i * stride, found[i], all.at(cases[i]), factors,
-            parameters.nugget, parameters.nugget / all.replicates[cases[i]]);
-    };
-    forPoints(result.size(), stride, all.inputs, work);
+    kriging.forPoints(result.size(), [&](Workspace& workspace, std::size_t i) {
+        result[i] = workspace.kriging.predict(sources, neighbours.data() + i * stride, found[i],
+                                              kriging.at(cases[i]), scales, parameters.nugget,
+                                              parameters.nugget / kriging.replicates[cases[i]]);
+    });
     return result;
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -44,12 +47,11 @@ public:
      * @param neighbours number of cases that a prediction uses at most.
      */
     NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
-    ~NearestNeighbourKriging();
 
-    std::size_t neighbours() const;
+    std::size_t neighbours() const { return used; }
 
     void setParameters(const Parameters& parameters);
-    const Parameters& parameters() const;
+    const Parameters& parameters() const { return chosen; }
 
     /** result[i] += prediction at point i. @param points one array of finite numbers per input. */
     void add(const std::vector<const double*>& points, std::size_t count, double* result) const;
@@ -85,6 +87,23 @@ public:
     };
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
+    struct Workspace;
+
+    std::vector<double> factorsFor(const Parameters& parameters) const;
+    Prediction predict(Workspace& workspace, const std::vector<const double*>& points,
+                       std::size_t index, const std::vector<double>& scales, double nugget) const;
+    const double* at(std::size_t index) const { return coordinates.data() + index * inputs; }
+    void forPoints(std::size_t points,
+                   const std::function<void(Workspace&, std::size_t)>& work) const;
+
+    std::size_t count;
+    std::size_t inputs;
+    std::size_t used; // neighbours
+    std::vector<double> metric;
+    std::vector<double> coordinates; // case by case, in lengths of the metric
+    std::vector<double> values;
+    std::vector<double> replicates;
+    std::unique_ptr<NearestNeighbours> search;
+    Parameters chosen;
+    std::vector<double> factors; // turn coordinates of the metric into those of the kernels
 };
