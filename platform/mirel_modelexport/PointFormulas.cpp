@@ -19,7 +19,7 @@ constexpr char rowMark = '#';
 
 /** Formulas are split before they come near the longest that spreadsheets take; the marks of rows
  *  grow to up to seven digits. */
-constexpr std::size_t comfortableFormula = 5000;
+constexpr std::size_t longFormula = 5000;
 
 std::string inRow(const std::string& formula, std::size_t row)
 {
@@ -35,7 +35,7 @@ std::string inRow(const std::string& formula, std::size_t row)
     return text;
 }
 
-std::string minus(double value)
+std::string subtracted(double value)
 {
     return signedNumber(-value, formulaNumber);
 }
@@ -75,18 +75,19 @@ std::string PointFormulas::stepCell(std::size_t step) const
     return "$" + WorkbookFile::columnName(columns.steps + step) + rowMark;
 }
 
-/** @param isKept whether it is kept so small that products of two are finite. */
-std::size_t PointFormulas::addCoordinate(const Description::Coordinate& coordinate, bool isKept)
+/** @param isClamped whether it is at most 1e150 in magnitude, so that products of two are finite.
+ */
+std::size_t PointFormulas::addCoordinate(const Description::Coordinate& coordinate, bool isClamped)
 {
     const std::string cell = inputCell(coordinate.input);
     const std::string scaled =
-        "(" + cell + minus(coordinate.origin) + ")/" + formulaNumber(coordinate.unit);
-    const auto value = [coordinate, isKept](const Values& point, const Values&) {
+        "(" + cell + subtracted(coordinate.origin) + ")/" + formulaNumber(coordinate.unit);
+    const auto value = [coordinate, isClamped](const Values& point, const Values&) {
         const double u = (point[coordinate.input] - coordinate.origin) / coordinate.unit;
-        return isKept ? std::clamp(u, -1e150, 1e150) : u;
+        return isClamped ? std::clamp(u, -1e150, 1e150) : u;
     };
-    return addStep({(isKept ? "u" : "x") + std::to_string(coordinate.input + 1),
-                    isKept ? "MAX(-1E150,MIN(1E150," + scaled + "))" : scaled, value});
+    return addStep({(isClamped ? "u" : "x") + std::to_string(coordinate.input + 1),
+                    isClamped ? "MAX(-1E150,MIN(1E150," + scaled + "))" : scaled, value});
 }
 
 /** constant + (x_1 * (b_1 + b_11 * x_1 + ...) + ...), in steps where it is long. */
@@ -128,7 +129,7 @@ std::string PointFormulas::polynomial(const Description& predictor)
     for (const std::string& group : groups) {
         length += group.size() + 1;
     }
-    const bool isLong = length > comfortableFormula;
+    const bool isLong = length > longFormula;
     std::string sum;
     for (std::size_t g = 0; g < groups.size(); ++g) {
         const auto value = [group = values[g]](const Values&, const Values& before) {
@@ -172,7 +173,7 @@ std::string PointFormulas::trend(const Description& predictor, const std::vector
         sum += term.first == noFactor ? "" : "*" + factor(term.first);
         sum += term.second == noFactor ? "" : "*" + factor(term.second);
     }
-    if (sum.size() <= comfortableFormula) {
+    if (sum.size() <= longFormula) {
         return sum.empty() ? "0" : sum;
     }
     const std::vector<Description::Term> terms = predictor.terms;

@@ -54,7 +54,7 @@ private:
     std::size_t addStep(const Step& step);
     std::string inputCell(std::size_t input) const;
     std::string stepCell(std::size_t step) const;
-    std::size_t addCoordinate(const PredictorDescription::Coordinate& coordinate, bool isKept);
+    std::size_t addCoordinate(const PredictorDescription::Coordinate& coordinate, bool isClamped);
     std::string polynomial(const PredictorDescription& predictor);
     std::string kriging(const PredictorDescription& predictor, std::size_t output);
     std::string trend(const PredictorDescription& predictor, const std::vector<std::size_t>& u);

@@ -71,9 +71,10 @@ double CaseRanges::distance(std::size_t input, double value) const
         return std::max(outside / (maxima[input] - minima[input]), 0.0);
     }
     // The same constant, computed in another way, may differ by rounding.
-    constexpr double rounding = 4.0 * std::numeric_limits<double>::epsilon();
     const double magnitude = std::max(std::fabs(minima[input]), std::fabs(maxima[input]));
-    return outside > rounding * magnitude ? std::numeric_limits<double>::infinity() : 0.0;
+    return outside > ColumnScale::roundingOfConstant * magnitude
+               ? std::numeric_limits<double>::infinity()
+               : 0.0;
 }
 
 std::vector<double> CaseRanges::distances(const std::vector<double*>& points,

@@ -47,8 +47,7 @@ double ColumnScale::largest() const
 
 bool ColumnScale::isConstantUpToRounding() const
 {
-    constexpr double fewUnits = 4.0 * std::numeric_limits<double>::epsilon();
-    return spread() <= fewUnits * largest();
+    return spread() <= roundingOfConstant * largest();
 }
 
 double ColumnScale::rounding() const

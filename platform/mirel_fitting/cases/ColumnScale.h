@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 
 /**
  * Maps a column of values to the middle of its range, in units of about half that range, so that
@@ -28,6 +29,9 @@ public:
 
     /** Half of it, finite; 0 for a constant column. */
     double halfRange() const { return highest / 2.0 - lowest / 2.0; }
+
+    /** Values that differ by no more, relative to the largest magnitude, are one constant. */
+    static constexpr double roundingOfConstant = 4.0 * std::numeric_limits<double>::epsilon();
 
     /** Whether the values differ by rounding only, at most four epsilon, as 0.3 and 0.1 + 0.2 do: a
      *  model must not take that for an influence. */

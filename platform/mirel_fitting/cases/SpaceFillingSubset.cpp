@@ -23,6 +23,21 @@ std::vector<std::size_t> randomSubset(std::size_t cases, std::size_t size)
     return indices;
 }
 
+std::vector<std::size_t> stratifiedRows(std::size_t rows, std::size_t size)
+{
+    const std::size_t count = std::min(rows, size);
+    // floor(k rows / count), without overflow.
+    const auto startOf = [&](std::size_t k) {
+        return k * (rows / count) + k * (rows % count) / count;
+    };
+    std::vector<std::size_t> result(count);
+    std::mt19937_64 generator(rows);
+    for (std::size_t k = 0; k < count; ++k) {
+        result[k] = startOf(k) + generator() % (startOf(k + 1) - startOf(k));
+    }
+    return result;
+}
+
 std::vector<std::size_t> spaceFillingSubset(const KrigingData& data, std::size_t size)
 {
     constexpr std::size_t poolFactor = 5;

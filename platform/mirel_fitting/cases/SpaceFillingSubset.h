@@ -19,3 +19,7 @@ std::vector<std::size_t> spaceFillingSubset(const KrigingData& data, std::size_t
 
 /** `size` indices of `cases` at random, ascending; the same for the same arguments. */
 std::vector<std::size_t> randomSubset(std::size_t cases, std::size_t size);
+
+/** One row at random of each of `size` stretches of equal length, ascending; all rows if they are
+ *  no more. Regular steps could miss a periodic pattern. The same for the same arguments. */
+std::vector<std::size_t> stratifiedRows(std::size_t rows, std::size_t size);

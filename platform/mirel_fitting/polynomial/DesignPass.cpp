@@ -64,15 +64,16 @@ void DesignPass::evaluate(std::size_t firstRow, std::size_t rows)
     for (std::size_t output = 0; output < columns.outputs.size(); ++output) {
         columns.outputScales[output].apply(columns.outputs[output] + firstRow, rows,
                                            outputs.data() + output * rowsPerBlock);
-        columns.rows.weigh(firstRow, rows, outputs.data() + output * rowsPerBlock);
+        columns.weightedBlocks.weigh(firstRow, rows, outputs.data() + output * rowsPerBlock);
     }
     for (std::size_t column = 0; column < terms.size(); ++column) {
         double* const values = design.data() + column * rowsPerBlock;
         if (terms[column] < columns.basis.size()) {
             columns.basis.evaluateTerm(terms[column], scaledInputColumns.data(), rows, values);
         } else {
-            columns.rows.evaluate(terms[column] - columns.basis.size(), firstRow, rows, values);
+            columns.weightedBlocks.evaluate(terms[column] - columns.basis.size(), firstRow, rows,
+                                            values);
         }
-        columns.rows.weigh(firstRow, rows, values);
+        columns.weightedBlocks.weigh(firstRow, rows, values);
     }
 }

@@ -21,7 +21,7 @@ struct FitColumns
     std::size_t cases;
     const std::vector<ColumnScale>& inputScales;
     const std::vector<ColumnScale>& outputScales;
-    const WeightedBlocks& rows;
+    const WeightedBlocks& weightedBlocks;
 };
 
 /**

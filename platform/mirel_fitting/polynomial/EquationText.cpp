@@ -3,6 +3,7 @@
 #include <mirel_fitting/numerics/NumberText.h>
 
 #include <cmath>
+#include <utility>
 
 EquationText::EquationText(const QuadraticBasis& basis) : basis(basis), isLeftOut(basis.size(), 0)
 {
@@ -16,6 +17,19 @@ void EquationText::leaveOut(std::size_t term)
     isLeftOut[term] = 1;
 }
 
+std::string EquationText::write(Forms forms, double outputRange, double offset)
+{
+    constexpr double tolerableLoss = 1e-9; // of the output's range
+
+    if (!(forms.loss <= tolerableLoss * outputRange)) {
+        setCentres(forms.centres);
+        forms.expanded = std::move(forms.centred);
+    }
+    forms.expanded[0] += offset;
+    return write(forms.expanded);
+}
+
+/** Symbols become (V1 - c) instead of V1, and so on. */
 void EquationText::setCentres(const std::vector<double>& centres)
 {
     for (std::size_t input = 0; input < symbols.size(); ++input) {
@@ -50,14 +64,12 @@ std::string EquationText::write(const std::vector<double>& coefficients) const
 std::string EquationText::factors(std::size_t term) const
 {
     const QuadraticBasis::Term& inputs = basis.terms()[term];
-    if (inputs.first == QuadraticBasis::noInput) {
-        return "";
+    if (inputs.isSquare()) {
+        return " * " + symbols[inputs.first] + "^2";
     }
-    std::string text = " * " + symbols[inputs.first];
-    if (inputs.second == inputs.first) {
-        text += "^2";
-    } else if (inputs.second != QuadraticBasis::noInput) {
-        text += " * " + symbols[inputs.second];
+    std::string text;
+    for (const std::size_t input : inputs.inputs()) {
+        text += " * " + symbols[input];
     }
     return text;
 }

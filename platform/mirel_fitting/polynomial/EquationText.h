@@ -19,13 +19,26 @@ public:
     /** Leaves a term out of the text. */
     void leaveOut(std::size_t term);
 
-    /** Writes (V1 - c) instead of V1, and so on; one centre per input. */
-    void setCentres(const std::vector<double>& centres);
+    /** One polynomial, with a coefficient per term of the basis, in V and in V - c. */
+    struct Forms
+    {
+        std::vector<double> expanded; ///< of the terms of V
+        double loss;                  ///< a bound on the rounding error of its value over the cases
+        std::vector<double> centred;  ///< of the terms of V - c
+        std::vector<double> centres;  ///< c, one per input
+    };
+    /**
+     * In V, or in (V - c) where the rounding of the expanded polynomial may exceed 1e-9 of the
+     * output's range.
+     * @param offset is added to the constant.
+     */
+    std::string write(Forms forms, double outputRange, double offset);
 
     /** @param coefficients one per term of the basis. */
     std::string write(const std::vector<double>& coefficients) const;
 
 private:
+    void setCentres(const std::vector<double>& centres);
     std::string factors(std::size_t term) const;
 
     const QuadraticBasis& basis;

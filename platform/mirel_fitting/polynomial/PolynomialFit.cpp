@@ -1,5 +1,6 @@
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 
+#include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/BlockedLeastSquares.h>
 #include <mirel_fitting/polynomial/NormalEquations.h>
@@ -8,9 +9,9 @@
 #include <cblas.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
-#include <random>
 #include <utility>
 
 namespace {
@@ -30,8 +31,7 @@ std::vector<std::size_t> preferenceOrder(const QuadraticBasis& basis, std::size_
             continue;
         }
         const QuadraticBasis::Term& inputs = basis.terms()[term];
-        const bool isProduct =
-            inputs.second != QuadraticBasis::noInput && inputs.first != inputs.second;
+        const bool isProduct = inputs.order() == 2 && !inputs.isSquare();
         (isProduct ? products : order).push_back(term);
         for (std::size_t block = 0; term == 0 && block < blockColumns; ++block) {
             order.push_back(basis.size() + block);
@@ -62,12 +62,12 @@ std::vector<BlockedLeastSquares::Column> describeColumns(const QuadraticBasis& b
             continue;
         }
         const QuadraticBasis::Term& inputs = basis.terms()[order[column]];
-        if (inputs.first == QuadraticBasis::noInput) {
+        if (inputs.order() == 0) {
             continue;
         }
         columns[column].rounding = scales[inputs.first].rounding();
         columns[column].isConstant = scales[inputs.first].isConstantUpToRounding();
-        if (inputs.second != QuadraticBasis::noInput) {
+        if (inputs.order() == 2) {
             columns[column].rounding += scales[inputs.second].rounding();
             columns[column].parents[0] = columnOfTerm[1 + inputs.first];
             columns[column].parents[1] = columnOfTerm[1 + inputs.second];
@@ -143,9 +143,9 @@ double squaresAboutMean(const double* values, std::size_t count, const ColumnSca
 PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                              const std::vector<double*>& dependents, std::size_t cases,
                              const std::vector<char>& isWanted,
-                             std::shared_ptr<const WeightedBlocks> rows)
+                             std::shared_ptr<const WeightedBlocks> given)
     : polynomial(basis),
-      weightedBlocks(rows != nullptr ? std::move(rows) : std::make_shared<WeightedBlocks>()),
+      weighting(given != nullptr ? std::move(given) : std::make_shared<WeightedBlocks>()),
       caseCount(cases), wanted(isWanted)
 {
     for (const double* column : independents) {
@@ -155,14 +155,13 @@ PolynomialFit::PolynomialFit(const QuadraticBasis& basis, const std::vector<doub
     for (const double* column : dependents) {
         fits.emplace_back();
         fits.back().scale = ColumnScale(column, cases);
-        fits.back().totalSquares =
-            squaresAboutMean(column, cases, fits.back().scale, *weightedBlocks);
+        fits.back().totalSquares = squaresAboutMean(column, cases, fits.back().scale, *weighting);
         outputScales.push_back(fits.back().scale);
     }
     chooseSample(dependents);
 
-    const FitColumns columns{polynomial, independents, dependents,     cases,
-                             scales,     outputScales, *weightedBlocks};
+    const FitColumns columns{polynomial, independents, dependents, cases,
+                             scales,     outputScales, *weighting};
     const SingleThreadedBlas singleThreaded;
     double progress = 0.0;
     if (!solveNormalEquations(columns, progress)) {
@@ -180,7 +179,7 @@ bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& prog
     const bool hasConstant = std::any_of(scales.begin(), scales.end(), [](const ColumnScale& s) {
         return s.isConstantUpToRounding();
     });
-    if (!wanted.empty() || caseCount < minCases || hasConstant || weightedBlocks->columns() > 0) {
+    if (!wanted.empty() || caseCount < minCases || hasConstant || weighting->columns() > 0) {
         return false;
     }
     std::vector<std::size_t> terms(polynomial.size());
@@ -207,7 +206,7 @@ bool PolynomialFit::solveNormalEquations(const FitColumns& columns, double& prog
 void PolynomialFit::solveByRotations(const FitColumns& columns, double progress)
 {
     const std::vector<std::size_t> order =
-        preferenceOrder(polynomial, weightedBlocks->columns(), wanted);
+        preferenceOrder(polynomial, weighting->columns(), wanted);
     BlockedLeastSquares::Solution solution =
         accumulate<BlockedLeastSquares>(columns, order, progress, 0.7)
             .solve(describeColumns(polynomial, order, scales));
@@ -277,21 +276,13 @@ void PolynomialFit::store(const std::vector<double>& scaledCoefficients, FitResi
     // Rounding may take a leverage of 1 beyond it.
     const double largestLeverage = std::min(residuals.largestLeverage, 1.0);
     pressAvailable = !isDeterminedAlone(largestLeverage);
-    varianceOfFarthest =
-        weightedBlocks->areWeighted() ? residuals.largestVariance : largestLeverage;
+    varianceOfFarthest = weighting->areWeighted() ? residuals.largestVariance : largestLeverage;
 }
 
 void PolynomialFit::chooseSample(const std::vector<double*>& dependents)
 {
-    // A random case of each interval: at regular steps, a periodic pattern in the cases could be
-    // missed.
-    std::mt19937_64 generator(caseCount);
-    const auto startOf = [&](std::size_t interval) {
-        return interval * (caseCount / maxSampled) +
-               interval * (caseCount % maxSampled) / maxSampled;
-    };
-    for (std::size_t k = 0; k < maxSampled && caseCount > maxSampled; ++k) {
-        sample.push_back(startOf(k) + generator() % (startOf(k + 1) - startOf(k)));
+    if (caseCount > maxSampled) {
+        sample = stratifiedRows(caseCount, maxSampled);
     }
     for (std::size_t output = 0; output < fits.size(); ++output) {
         for (std::size_t k = 0; k < std::min(caseCount, maxSampled); ++k) {
@@ -304,6 +295,13 @@ bool PolynomialFit::isDeterminedAlone(double leverage)
 {
     constexpr double leastOneMinusLeverage = 1e-9; // less is rounding
     return 1.0 - leverage <= leastOneMinusLeverage;
+}
+
+bool PolynomialFit::Dependence::involvesBlocks(const QuadraticBasis& basis) const
+{
+    return std::any_of(combination.begin() + static_cast<std::ptrdiff_t>(basis.size()),
+                       combination.end(),
+                       [](double coefficient) { return std::fabs(coefficient) > rounding; });
 }
 
 std::vector<double> PolynomialFit::coefficientDirection(std::size_t k) const

@@ -52,6 +52,10 @@ public:
         /** A coefficient per term of the basis, for scaled inputs, then one per column of the
          *  blocks. */
         std::vector<double> combination;
+
+        /** Smaller coefficients are rounding errors. */
+        static constexpr double rounding = 1e-7;
+        bool involvesBlocks(const QuadraticBasis& basis) const;
     };
 
     /**
@@ -62,18 +66,18 @@ public:
      * @param isWanted     one per term of the basis: false leaves it out from the start. The
      *                     constant is wanted, and linear terms of the inputs of wanted ones. Empty:
      *                     all are.
-     * @param rows         weights and blocks of the cases; null: equal weights and no blocks.
+     * @param given        weights and blocks of the cases; null: equal weights and no blocks.
      * @throw SurrogateModelInterface::Error if a FitProgress cancels.
      */
     PolynomialFit(const QuadraticBasis& basis, const std::vector<double*>& independents,
                   const std::vector<double*>& dependents, std::size_t cases,
                   const std::vector<char>& isWanted = {},
-                  std::shared_ptr<const WeightedBlocks> rows = nullptr);
+                  std::shared_ptr<const WeightedBlocks> given = nullptr);
 
     const QuadraticBasis& basis() const { return polynomial; }
     std::size_t cases() const { return caseCount; }
-    const WeightedBlocks& rows() const { return *weightedBlocks; }
-    const std::shared_ptr<const WeightedBlocks>& sharedRows() const { return weightedBlocks; }
+    const WeightedBlocks& weightedBlocks() const { return *weighting; }
+    const std::shared_ptr<const WeightedBlocks>& sharedWeightedBlocks() const { return weighting; }
     const std::vector<ColumnScale>& inputScales() const { return scales; }
     const std::vector<Output>& outputs() const { return fits; }
 
@@ -91,7 +95,7 @@ public:
     std::size_t keptCount() const { return keptTerms.size(); }
 
     /** Terms of the basis and columns of the blocks, which are numbered after them. */
-    std::size_t columns() const { return polynomial.size() + weightedBlocks->columns(); }
+    std::size_t columns() const { return polynomial.size() + weighting->columns(); }
     bool isOfBlocks(std::size_t term) const { return term >= polynomial.size(); }
 
     /** The kept terms in the order of the factor: the constant, the columns of the blocks, others.
@@ -119,7 +123,7 @@ public:
 
     double rootOfSampledWeight(std::size_t k) const
     {
-        return weightedBlocks->rootOfWeight(sampledRow(k));
+        return weighting->rootOfWeight(sampledRow(k));
     }
 
     /** One per sampled case: d yhat / d y, from 0 to 1. */
@@ -154,7 +158,7 @@ private:
     void chooseSample(const std::vector<double*>& dependents);
 
     QuadraticBasis polynomial;
-    std::shared_ptr<const WeightedBlocks> weightedBlocks;
+    std::shared_ptr<const WeightedBlocks> weighting;
     std::size_t caseCount;
     std::vector<ColumnScale> scales;
     std::vector<Output> fits;

@@ -81,8 +81,8 @@ double QuadraticBasis::sumOfMagnitudes(const std::vector<double>& coefficients,
     double sum = 0.0;
     for (std::size_t t = 0; t < size(); ++t) {
         double size = std::fabs(coefficients[t]);
-        for (const std::size_t input : {termList[t].first, termList[t].second}) {
-            size *= input == noInput ? 1.0 : magnitudes[input];
+        for (const std::size_t input : termList[t].inputs()) {
+            size *= magnitudes[input];
         }
         sum += size;
     }
@@ -91,11 +91,14 @@ double QuadraticBasis::sumOfMagnitudes(const std::vector<double>& coefficients,
 
 std::string QuadraticBasis::name(const Term& term, const InputNames& names)
 {
-    if (term.first == noInput) {
+    switch (term.order()) {
+    case 0:
         return "1";
+    case 1:
+        return names.input(term.first);
+    default:
+        return names.product(term.first, term.second);
     }
-    return term.second == noInput ? names.input(term.first)
-                                  : names.product(term.first, term.second);
 }
 
 std::string QuadraticBasis::name(std::size_t term, const InputNames& names) const
@@ -107,12 +110,12 @@ void QuadraticBasis::evaluateTerm(std::size_t term, const double* const* columns
                                   double* values) const
 {
     const Term& inputsOfTerm = termList[term];
-    if (inputsOfTerm.first == noInput) {
+    if (inputsOfTerm.order() == 0) {
         std::fill_n(values, count, 1.0);
         return;
     }
     const double* first = columns[inputsOfTerm.first];
-    if (inputsOfTerm.second == noInput) {
+    if (inputsOfTerm.order() == 1) {
         std::copy_n(first, count, values);
         return;
     }

@@ -27,12 +27,23 @@ public:
         std::size_t first = noInput;
         std::size_t second = noInput;
 
+        /** 0 constant, 1 linear, 2 product or square. */
+        int order() const { return first == noInput ? 0 : second == noInput ? 1 : 2; }
+        bool isSquare() const { return order() == 2 && first == second; }
+        bool has(std::size_t input) const { return first == input || second == input; }
+
         /** None, one or two; that of a square twice. */
         std::vector<std::size_t> inputs() const
         {
-            return second != noInput  ? std::vector<std::size_t>{first, second}
-                   : first != noInput ? std::vector<std::size_t>{first}
-                                      : std::vector<std::size_t>();
+            const std::vector<std::size_t> both = {first, second};
+            return {both.begin(), both.begin() + order()};
+        }
+
+        /** The term of other inputs: numbers[k] instead of k. */
+        Term renumbered(const std::vector<std::size_t>& numbers) const
+        {
+            return {first == noInput ? noInput : numbers[first],
+                    second == noInput ? noInput : numbers[second]};
         }
     };
 

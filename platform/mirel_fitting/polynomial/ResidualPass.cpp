@@ -95,8 +95,8 @@ void ResidualPass::addSquares(std::size_t firstRow, std::size_t rows)
     for (std::size_t row = 0; row < rows; ++row) {
         const double leverage = 1.0 - oneMinusLeverage[row];
         sums.largestLeverage = std::max(sums.largestLeverage, leverage);
-        sums.largestVariance =
-            std::max(sums.largestVariance, leverage / columns.rows.weight(firstRow + row));
+        sums.largestVariance = std::max(sums.largestVariance,
+                                        leverage / columns.weightedBlocks.weight(firstRow + row));
     }
     for (std::size_t output = 0; output < sums.outputs.size(); ++output) {
         FitResiduals::Output& sum = sums.outputs[output];

@@ -16,24 +16,23 @@ constexpr std::size_t pointsPerChunk = 4096; // some milliseconds
  *  off a relation of inputs, many times it. */
 constexpr double supportedLeverage = 1.5;
 
-/** By how much a relation may be violated, relative to the range of the dropped term. A second-order
- *  one changes by 4 % for 2 % of the range of an input, and a relation may have several. */
+/** By how much a relation may be violated, relative to the range of the dropped term. A
+ * second-order one changes by 4 % for 2 % of the range of an input, and a relation may have
+ * several. */
 constexpr double negligibleOfLinear = 0.01;
 constexpr double negligibleOfSecondOrder = 0.05;
-
-/** Coefficients of terms of scaled inputs that are smaller are rounding errors. */
-constexpr double rounding = 1e-7;
 
 /** Whether a term is the square of an input that has two levels: one with the constant and the
  *  input. */
 bool isSquareOfTwoLevels(const QuadraticBasis& basis, const PolynomialFit::Dependence& dependence)
 {
     const QuadraticBasis::Term& inputs = basis.terms()[dependence.term];
-    if (inputs.second == QuadraticBasis::noInput || inputs.first != inputs.second) {
+    if (!inputs.isSquare()) {
         return false;
     }
     for (std::size_t term = 1; term < basis.size(); ++term) {
-        if (term != 1 + inputs.first && std::fabs(dependence.combination[term]) > rounding) {
+        if (term != 1 + inputs.first &&
+            std::fabs(dependence.combination[term]) > PolynomialFit::Dependence::rounding) {
             return false;
         }
     }
@@ -50,15 +49,12 @@ CaseSupport::CaseSupport(const PolynomialFit& fit, const CaseRanges& ranges)
             continue;
         }
         // What depends on the block is no relation of the inputs.
-        const auto ofBlocks =
-            one.combination.begin() + static_cast<std::ptrdiff_t>(fit.basis().size());
-        if (std::any_of(ofBlocks, one.combination.end(),
-                        [](double coefficient) { return std::fabs(coefficient) > rounding; })) {
+        if (one.involvesBlocks(fit.basis())) {
             continue;
         }
         Relation relation = {{{one.term, -1.0}}, tolerance(one.term)};
         for (std::size_t term = 0; term < fit.basis().size(); ++term) {
-            if (std::fabs(one.combination[term]) > rounding) {
+            if (std::fabs(one.combination[term]) > PolynomialFit::Dependence::rounding) {
                 relation.coefficients.emplace_back(term, one.combination[term]);
             }
         }
@@ -73,7 +69,7 @@ double CaseSupport::tolerance(std::size_t term) const
         return 2.0 * (scale.halfRange() / scale.unit());
     };
     const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
-    return inputs.second == QuadraticBasis::noInput
+    return inputs.order() == 1
                ? negligibleOfLinear * range(inputs.first)
                : negligibleOfSecondOrder * range(inputs.first) * range(inputs.second);
 }

@@ -98,8 +98,7 @@ std::vector<char> PolynomialForm::wantedTerms(const QuadraticBasis& basis) const
         return isWanted;
     }
     for (const QuadraticBasis::Term& term : basis.terms()) {
-        const bool isSquare = term.second != QuadraticBasis::noInput && term.first == term.second;
-        isWanted.push_back(isSquare ? 0 : 1);
+        isWanted.push_back(term.isSquare() ? 0 : 1);
     }
     return isWanted;
 }

@@ -32,13 +32,14 @@ enum class Kind
 
 Kind kindOf(const QuadraticBasis::Term& term)
 {
-    if (term.first == QuadraticBasis::noInput) {
+    switch (term.order()) {
+    case 0:
         return Kind::Constant;
-    }
-    if (term.second == QuadraticBasis::noInput) {
+    case 1:
         return Kind::Linear;
+    default:
+        return term.isSquare() ? Kind::Square : Kind::Interaction;
     }
-    return term.first == term.second ? Kind::Square : Kind::Interaction;
 }
 
 constexpr std::size_t kinds = 5;
@@ -115,8 +116,8 @@ FitMetrics ResponseSurfaceAnalysis::metrics() const
         metrics.predictedR2 = 1.0 - output.press / output.totalSquares;
     }
     const double variance = unit * unit * residualSquares() / cases;
-    metrics.logLikelihood =
-        -0.5 * cases * (std::log(two_pi * variance) + 1.0) + 0.5 * fit.rows().logarithms();
+    metrics.logLikelihood = -0.5 * cases * (std::log(two_pi * variance) + 1.0) +
+                            0.5 * fit.weightedBlocks().logarithms();
     return metrics;
 }
 
@@ -145,7 +146,7 @@ std::vector<LeaveOneOutPrediction> ResponseSurfaceAnalysis::leaveOneOutPredictio
                                  ? std::sqrt(squaresOfOthers / degreesOfFreedom / oneMinusLeverage)
                                  : none;
         const double effect =
-            effects.empty() ? 0.0 : effects[fit.rows().positions()[fit.sampledRow(k)]];
+            effects.empty() ? 0.0 : effects[fit.weightedBlocks().positions()[fit.sampledRow(k)]];
         result.push_back({fit.sampledRow(k), output.values[k],
                           output.values[k] - perResidual * difference, perResidual * error,
                           effect});
@@ -363,10 +364,11 @@ std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
     const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
     const bool isTested = !isExact();
     std::vector<PartialTest> tests;
-    if (fit.rows().columns() > 0) {
+    if (fit.weightedBlocks().columns() > 0) {
         constexpr auto blocks = static_cast<std::size_t>(Kind::Blocks);
         PartialTest test;
-        test.row = row("Blocks", fit.rows().columns(), unit * sequentialSquares(true)[blocks]);
+        test.row =
+            row("Blocks", fit.weightedBlocks().columns(), unit * sequentialSquares(true)[blocks]);
         if (isTested) {
             compare(test.row, residual);
         }
@@ -393,7 +395,7 @@ std::vector<double> ResponseSurfaceAnalysis::blockEffects() const
     std::vector<double> effects(output.coefficients.begin() +
                                     static_cast<std::ptrdiff_t>(fit.basis().size()),
                                 output.coefficients.end());
-    if (!fit.rows().blocks().empty()) {
+    if (!fit.weightedBlocks().blocks().empty()) {
         effects.push_back(0.0 - std::accumulate(effects.begin(), effects.end(), 0.0));
     }
     return effects;
@@ -461,7 +463,7 @@ double ResponseSurfaceAnalysis::aicc() const
     return isExact() || (std::isinf(scaled) && scaled > 0.0)
                ? none
                : scaled + 2.0 * static_cast<double>(fit.cases()) * std::log(output.scale.unit()) -
-                     fit.rows().logarithms();
+                     fit.weightedBlocks().logarithms();
 }
 
 double ResponseSurfaceAnalysis::aicc(double squares, std::size_t cases, std::size_t terms)

@@ -26,59 +26,15 @@ bool haveTwoLevels(const std::vector<double*>& inputs, std::size_t cases)
     });
 }
 
-/** The distance of an input's factorial points as a share of its range; 1 if it has none: see
- *  InputCoding. */
-double factorialShare(const double* values, std::size_t cases)
-{
-    constexpr std::size_t levelCount = 5; // axial, factorial, centre, factorial, axial
-    const ColumnScale scale(values, cases);
-    const double rounding = 1e-6 * scale.halfRange();
-    std::vector<double> levels;
-    for (std::size_t row = 0; row < cases && levels.size() <= levelCount; ++row) {
-        if (std::none_of(levels.begin(), levels.end(), [&](double level) {
-                return std::fabs(level - values[row]) <= rounding;
-            })) {
-            levels.push_back(values[row]);
-        }
-    }
-    if (levels.size() != levelCount) {
-        return 1.0;
-    }
-    std::sort(levels.begin(), levels.end());
-    const double middle = levels[0] / 2.0 + levels[4] / 2.0;
-    const bool isSymmetric = std::fabs(levels[2] - middle) <= rounding &&
-                             std::fabs(levels[1] / 2.0 + levels[3] / 2.0 - middle) <= rounding;
-    return isSymmetric ? (levels[3] / 2.0 - levels[1] / 2.0) / scale.halfRange() : 1.0;
-}
-
-/** The inputs are coded to [-1, 1] over their ranges. */
-void codeToFactorialPoints(const std::vector<double>& shares, ResponseSurfaceStatistics& statistics)
-{
-    statistics.coding = InputCoding::Factorial;
-    for (std::size_t input = 0; input < shares.size(); ++input) {
-        if (shares[input] < 1.0) {
-            statistics.factorialInputs.push_back(input);
-        }
-    }
-    for (CoefficientStatistics& one : statistics.codedCoefficients) {
-        for (const std::size_t input : one.factors) {
-            for (double* figure : {&one.estimate, &one.standardError, &one.lower, &one.upper}) {
-                *figure *= shares[input];
-            }
-        }
-    }
-}
-
 /** Whether a dropped second-order term depends on one that the fit has.
  *  @param common the fit of all wanted terms. */
 bool hasAliasedCurvature(const PolynomialFit& common, const PolynomialFit& fit)
 {
-    constexpr double rounding = 1e-7; // coefficients of scaled inputs
     const std::size_t firstOfSecondOrder = 1 + common.basis().inputs();
     for (const PolynomialFit::Dependence& one : common.dependences()) {
         for (std::size_t term = firstOfSecondOrder; term < common.basis().size(); ++term) {
             if (one.term >= firstOfSecondOrder && fit.isKept(term) &&
-                std::fabs(one.combination[term]) > rounding) {
+                std::fabs(one.combination[term]) > PolynomialFit::Dependence::rounding) {
                 return true;
             }
         }
@@ -93,19 +49,16 @@ ResponseSurfaceFit::ResponseSurfaceFit(const std::vector<double*>& inputs,
                                        const PolynomialForm& wanted,
                                        ResponseSurfaceOptions::Selection selection,
                                        const CaseDesign& design)
-    : inputCount(inputs.size()), rows(std::make_shared<WeightedBlocks>(design, cases)),
-      wantedForm(wanted)
+    : inputCount(inputs.size()), factorialCoding(inputs, cases),
+      weightedBlocks(std::make_shared<WeightedBlocks>(design, cases)), wantedForm(wanted)
 {
-    for (const double* const values : inputs) {
-        factorialShares.push_back(factorialShare(values, cases));
-    }
     wantedForm.mayLoseSquares = wanted.mayLoseSquares && haveTwoLevels(inputs, cases);
-    fittedForm = wantedForm.lowered(inputCount, cases - rows->columns());
+    fittedForm = wantedForm.lowered(inputCount, cases - weightedBlocks->columns());
     common = fitted(inputs, outputs, cases);
     if (isWithoutSquares() &&
-        common->keptCount() < fittedForm.termCount(inputCount) + rows->columns()) {
+        common->keptCount() < fittedForm.termCount(inputCount) + weightedBlocks->columns()) {
         wantedForm.mayLoseSquares = false;
-        fittedForm = wantedForm.lowered(inputCount, cases - rows->columns());
+        fittedForm = wantedForm.lowered(inputCount, cases - weightedBlocks->columns());
         common = fitted(inputs, outputs, cases);
     }
     for (std::size_t k = 0; k < outputs.size(); ++k) {
@@ -124,7 +77,7 @@ std::shared_ptr<PolynomialFit> ResponseSurfaceFit::fitted(const std::vector<doub
 {
     const QuadraticBasis basis(inputCount, fittedForm.order);
     return std::make_shared<PolynomialFit>(basis, inputs, outputs, cases,
-                                           fittedForm.wantedTerms(basis), rows);
+                                           fittedForm.wantedTerms(basis), weightedBlocks);
 }
 
 void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>& inputs,
@@ -140,9 +93,9 @@ void ResponseSurfaceFit::selectTerms(OutputFit& one, const std::vector<double*>&
             one.unneeded.push_back(term);
         }
     }
-    one.fit =
-        std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
-                                        whole->cases(), selection.isWanted(), whole->sharedRows());
+    one.fit = std::make_shared<PolynomialFit>(whole->basis(), inputs, std::vector<double*>{output},
+                                              whole->cases(), selection.isWanted(),
+                                              whole->sharedWeightedBlocks());
     one.position = 0;
 }
 
@@ -159,13 +112,14 @@ void ResponseSurfaceFit::findPureErrors(const std::vector<double*>& inputs,
             varying.push_back(inputs[input]);
         }
     }
-    const std::vector<double> blocks(rows->positions().begin(), rows->positions().end());
+    const std::vector<double> blocks(weightedBlocks->positions().begin(),
+                                     weightedBlocks->positions().end());
     if (!blocks.empty()) {
         varying.push_back(blocks.data());
     }
     std::vector<double> weights;
-    for (std::size_t row = 0; row < cases && rows->areWeighted(); ++row) {
-        weights.push_back(rows->weight(row));
+    for (std::size_t row = 0; row < cases && weightedBlocks->areWeighted(); ++row) {
+        weights.push_back(weightedBlocks->weight(row));
     }
     replicated = ReplicatedCases(varying, cases);
     std::vector<double> scaled(replicated.any() ? cases : 0);
@@ -238,7 +192,7 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
     std::vector<std::string> warnings;
     const std::size_t wanted = wantedForm.termCount(inputCount);
     if (fittedForm.termCount(inputCount) < wanted && !isWithoutSquares()) {
-        const std::size_t ofBlocks = rows->columns();
+        const std::size_t ofBlocks = weightedBlocks->columns();
         warnings.push_back(
             "The order was lowered from " + wantedForm.name() + " to " + fittedForm.name() + ": " +
             std::to_string(wanted + ofBlocks) + " terms" +
@@ -287,13 +241,13 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
         notes.push_back("AICc is lower without " + InputNames::listed(unneeded) +
                         (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
     }
-    if (rows->areWeighted()) {
+    if (weightedBlocks->areWeighted()) {
         notes.emplace_back("The cases are weighted: the residual standard deviation and prediction "
                            "limits are those of a case of mean weight.");
     }
-    if (!rows->blocks().empty()) {
+    if (!weightedBlocks->blocks().empty()) {
         notes.push_back("Equation and predictions are those of the average of the " +
-                        std::to_string(rows->blocks().size()) + " blocks.");
+                        std::to_string(weightedBlocks->blocks().size()) + " blocks.");
     }
     if (fits[output].analysis().isExact() && degreesOfFreedom(output) > 0 &&
         fits[output].output().totalSquares > 0.0) {
@@ -347,14 +301,14 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     statistics.coefficients = onlyWanted(analysis.coefficients(level));
     statistics.codedCoefficients = onlyWanted(analysis.codedCoefficients(level));
     if (coding == InputCoding::Factorial) {
-        codeToFactorialPoints(factorialShares, statistics);
+        factorialCoding.apply(statistics);
     }
     statistics.anova = analysis.anova();
     statistics.repeatsAreCopies = fits[output].pureError.isOfCopies();
     statistics.partialTests = analysis.partialTests();
     const std::vector<double> effects = analysis.blockEffects();
     for (std::size_t k = 0; k < effects.size(); ++k) {
-        statistics.blockEffects.push_back({rows->blocks()[k], effects[k]});
+        statistics.blockEffects.push_back({weightedBlocks->blocks()[k], effects[k]});
     }
     statistics.cases = analysis.caseDiagnostics();
     statistics.outlierLimit = analysis.outlierLimit();

@@ -12,6 +12,7 @@
 #include <mirel_fitting/numerics/IntervalCalibration.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
 #include <mirel_fitting/polynomial/PolynomialPredictor.h>
+#include <mirel_fitting/responsesurface/FactorialCoding.h>
 #include <mirel_fitting/responsesurface/PolynomialForm.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceAnalysis.h>
 
@@ -91,8 +92,8 @@ private:
     onlyWanted(const std::vector<CoefficientStatistics>& ofBasis) const;
 
     std::size_t inputCount;
-    std::vector<double> factorialShares; // of each input's range that its factorial points span
-    std::shared_ptr<const WeightedBlocks> rows;
+    FactorialCoding factorialCoding;
+    std::shared_ptr<const WeightedBlocks> weightedBlocks;
     PolynomialForm wantedForm;
     PolynomialForm fittedForm;                   // lowered as the cases need
     std::shared_ptr<const PolynomialFit> common; // of all outputs, before any selection of terms

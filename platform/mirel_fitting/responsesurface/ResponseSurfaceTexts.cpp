@@ -111,11 +111,11 @@ std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
 double variation(const PolynomialFit& fit, std::size_t term)
 {
     const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
-    if (inputs.first == QuadraticBasis::noInput) {
+    if (inputs.order() == 0) {
         return 0.0;
     }
     const ColumnScale& first = fit.inputScales()[inputs.first];
-    if (inputs.second == QuadraticBasis::noInput) {
+    if (inputs.order() == 1) {
         return first.halfRange();
     }
     const ColumnScale& second = fit.inputScales()[inputs.second];
@@ -128,16 +128,12 @@ std::vector<std::string> partsOf(const PolynomialFit& fit,
                                  const PolynomialFit::Dependence& dependence,
                                  const InputNames& inputNames)
 {
-    // Relative to the largest share: smaller ones are rounding errors of the combination.
-    constexpr double rounding = 1e-7;
+    constexpr double rounding = PolynomialFit::Dependence::rounding; // also of the largest share
 
     // Term minus combination is 0 at all cases, also when expanded to unscaled inputs.
     const QuadraticBasis& basis = fit.basis();
     const PolynomialUnits units(basis, fit.inputScales());
     std::vector<double> relation = dependence.combination;
-    const bool hasBlocks =
-        std::any_of(relation.begin() + static_cast<std::ptrdiff_t>(basis.size()), relation.end(),
-                    [](double coefficient) { return std::fabs(coefficient) > rounding; });
     relation[dependence.term] -= 1.0;
     const std::vector<double> expanded = units.expanded(relation);
     std::vector<double> shares(basis.size(), 0.0);
@@ -154,7 +150,7 @@ std::vector<std::string> partsOf(const PolynomialFit& fit,
             names.push_back(basis.name(term, inputNames));
         }
     }
-    if (hasBlocks) {
+    if (dependence.involvesBlocks(basis)) {
         names.emplace_back("the blocks");
     }
     return names;
@@ -167,8 +163,7 @@ std::vector<std::string> termsWith(const PolynomialFit& fit, std::size_t input,
     std::vector<std::string> names;
     for (std::size_t term = 1 + fit.basis().inputs(); term < fit.basis().size(); ++term) {
         const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
-        const bool hasInput = inputs.first == input || inputs.second == input;
-        if (hasInput && fit.isWanted(term)) {
+        if (inputs.has(input) && fit.isWanted(term)) {
             names.push_back(fit.basis().name(term, inputNames));
         }
     }
@@ -191,8 +186,8 @@ std::vector<std::string> unnamedTerms(const PolynomialFit& fit, const InputNames
     std::vector<std::string> names;
     for (std::size_t term = 1; term < basis.size(); ++term) {
         const QuadraticBasis::Term& inputs = basis.terms()[term];
-        const bool isNamedWithInput = inputs.second != QuadraticBasis::noInput &&
-                                      (isNamed[1 + inputs.first] || isNamed[1 + inputs.second]);
+        const bool isNamedWithInput =
+            inputs.order() == 2 && (isNamed[1 + inputs.first] || isNamed[1 + inputs.second]);
         if (fit.isWanted(term) && !fit.isKept(term) && !isNamed[term] && !isNamedWithInput) {
             names.push_back(basis.name(term, inputNames));
         }
@@ -211,8 +206,6 @@ std::string leftOut(const std::vector<std::string>& with)
 std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
                                            const PolynomialFit::Output& output)
 {
-    // Beyond this fraction of the output's spread the text stays in centred inputs.
-    constexpr double tolerableLoss = 1e-9;
     const PolynomialUnits units(fit.basis(), fit.inputScales());
     EquationText text(fit.basis());
     for (std::size_t term = 0; term < fit.basis().size(); ++term) {
@@ -221,19 +214,14 @@ std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
         }
     }
 
-    std::vector<double> coefficients;
-    if (units.expansionLoss(output.coefficients) <= tolerableLoss * output.scale.spread()) {
-        coefficients = units.expanded(output.coefficients);
-    } else {
-        std::vector<double> centres;
-        for (const ColumnScale& scale : fit.inputScales()) {
-            centres.push_back(scale.centre());
-        }
-        text.setCentres(centres);
-        coefficients = units.centred(output.coefficients);
+    std::vector<double> centres;
+    for (const ColumnScale& scale : fit.inputScales()) {
+        centres.push_back(scale.centre());
     }
-    coefficients[0] += output.scale.centre();
-    return text.write(coefficients);
+    return text.write({units.expanded(output.coefficients),
+                       units.expansionLoss(output.coefficients), units.centred(output.coefficients),
+                       std::move(centres)},
+                      output.scale.spread(), output.scale.centre());
 }
 
 std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,
@@ -296,7 +284,7 @@ std::string ResponseSurfaceTexts::quality(const PolynomialFit& fit, const std::s
                                       "no such fit";
 
     std::string text = "Cases: " + std::to_string(metrics.cases) + "\n";
-    const std::size_t wanted = statistics.coefficients.size() + fit.rows().columns();
+    const std::size_t wanted = statistics.coefficients.size() + fit.weightedBlocks().columns();
     text += "Terms: " + std::to_string(metrics.terms) +
             (metrics.terms < wanted ? " of " + std::to_string(wanted) : "") + "\n";
     text += "Order: " + order + "\n";

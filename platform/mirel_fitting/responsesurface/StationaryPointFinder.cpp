@@ -236,8 +236,8 @@ double StationaryPointFinder::valueAt(const std::vector<double>& coded) const
     double sum = 0.0;
     for (std::size_t term = 0; term < basis.size(); ++term) {
         double value = coefficients[term];
-        for (const std::size_t input : {basis.terms()[term].first, basis.terms()[term].second}) {
-            value *= input == QuadraticBasis::noInput ? 1.0 : coded[input];
+        for (const std::size_t input : basis.terms()[term].inputs()) {
+            value *= coded[input];
         }
         sum += value;
     }

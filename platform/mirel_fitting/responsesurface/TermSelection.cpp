@@ -78,13 +78,12 @@ void TermSelection::keepAll()
 bool TermSelection::isNeededByOthers(std::size_t term) const
 {
     const QuadraticBasis& basis = fit.basis();
-    if (basis.terms()[term].second != QuadraticBasis::noInput) {
+    if (basis.terms()[term].order() == 2) {
         return false;
     }
     const std::size_t input = basis.terms()[term].first;
     for (std::size_t other = 1 + basis.inputs(); other < basis.size(); ++other) {
-        const QuadraticBasis::Term& inputs = basis.terms()[other];
-        if (wanted[other] && (inputs.first == input || inputs.second == input)) {
+        if (wanted[other] && basis.terms()[other].has(input)) {
             return true;
         }
     }

@@ -74,3 +74,17 @@ TEST(SpaceFillingSubsetRandom, IsTheSameForTheSameNumbers)
     EXPECT_TRUE(ascends(randomSubset(1000, 30)));
     EXPECT_EQ(randomSubset(3, 7).size(), 3u);
 }
+
+TEST(SpaceFillingSubsetStratified, HasOneRowOfEachStretchOrAll)
+{
+    const std::vector<std::size_t> rows = stratifiedRows(1003, 100);
+
+    ASSERT_EQ(rows.size(), 100u);
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+        EXPECT_GE(rows[k], k * 1003 / 100);
+        EXPECT_LT(rows[k], (k + 1) * 1003 / 100);
+    }
+    EXPECT_EQ(stratifiedRows(1003, 100), rows);
+    EXPECT_EQ(stratifiedRows(3, 7), (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_TRUE(stratifiedRows(0, 7).empty());
+}

@@ -43,13 +43,8 @@ void KrigingFitInput::warnOfTrend(const KrigingTrend& trend, std::size_t distinc
     if (trend.order() < options.trendOrder) {
         fit.addNote(KrigingWarnings::ofTooFewCases(options.trendOrder, trend.order(), distinct));
     }
-    for (QuadraticBasis::Term term : trend.droppedTerms()) {
-        for (std::size_t* const input : {&term.first, &term.second}) {
-            if (*input != QuadraticBasis::noInput) {
-                *input = cases.activeInputs()[*input];
-            }
-        }
-        fit.droppedTerms.push_back(term);
+    for (const QuadraticBasis::Term& term : trend.droppedTerms()) {
+        fit.droppedTerms.push_back(term.renumbered(cases.activeInputs()));
     }
 }
 

@@ -51,9 +51,7 @@ std::shared_ptr<const KrigingTrend> KrigingTrend::of(KrigingData& data, int high
 KrigingTrend::KrigingTrend(std::vector<QuadraticBasis::Term> terms) : terms(std::move(terms))
 {
     for (const Term& term : this->terms) {
-        const int order = static_cast<int>(term.first != QuadraticBasis::noInput) +
-                          static_cast<int>(term.second != QuadraticBasis::noInput);
-        usedOrder = std::max(usedOrder, order);
+        usedOrder = std::max(usedOrder, term.order());
     }
 }
 
@@ -91,9 +89,8 @@ void KrigingTrend::add(const std::vector<const double*>& points, std::size_t cou
                        const std::vector<double>& coefficients, double* result) const
 {
     for (std::size_t t = 0; t < terms.size(); ++t) {
-        const auto [first, second] = terms[t];
-        const double* x = first == QuadraticBasis::noInput ? nullptr : points[first];
-        const double* y = second == QuadraticBasis::noInput ? nullptr : points[second];
+        const double* x = terms[t].order() > 0 ? points[terms[t].first] : nullptr;
+        const double* y = terms[t].order() > 1 ? points[terms[t].second] : nullptr;
         for (std::size_t i = 0; i < count; ++i) {
             result[i] += coefficients[t] * (x ? centred(x[i]) : 1.0) * (y ? centred(y[i]) : 1.0);
         }
@@ -105,8 +102,8 @@ void KrigingTrend::evaluate(const Term& term, const std::vector<const double*>& 
                             std::size_t count, double* column)
 {
     std::fill_n(column, count, 1.0);
-    for (const std::size_t factor : {term.first, term.second}) {
-        for (std::size_t i = 0; factor != QuadraticBasis::noInput && i < count; ++i) {
+    for (const std::size_t factor : term.inputs()) {
+        for (std::size_t i = 0; i < count; ++i) {
             column[i] *= centred(points[factor][i]);
         }
     }
@@ -127,10 +124,10 @@ void KrigingTrend::addGradients(const std::vector<const double*>& points, std::s
     constexpr double slope = 2.0; // of centred()
     for (std::size_t t = 0; t < terms.size(); ++t) {
         const Term term = terms[t];
-        if (term.first == QuadraticBasis::noInput) {
+        if (term.order() == 0) {
             continue;
         }
-        if (term.second == QuadraticBasis::noInput) {
+        if (term.order() == 1) {
             for (std::size_t i = 0; i < count; ++i) {
                 gradients[term.first][i] += slope * coefficients[t];
             }

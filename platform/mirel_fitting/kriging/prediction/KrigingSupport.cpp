@@ -15,11 +15,11 @@
 #include <functional>
 #include <memory>
 #include <numeric>
-#include <random>
 #include <utility>
 
 namespace {
 
+/** A point costs the square of their number. */
 constexpr std::size_t maxCases = 300;
 
 /** Keeps the factorisation sound; far below the variances between the cases. */
@@ -61,7 +61,9 @@ double largestVariance(const std::shared_ptr<const KrigingData>& data,
 
 KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& ranges) : ranges(ranges)
 {
-    constexpr double tolerance = 1.1; // of variances
+    // Of variances: between the cases they are a little larger than at a case that is left out. How
+    // many points off a relation are found so: docs/numerics.md, "Extrapolation".
+    constexpr double tolerance = 1.1;
 
     if (cases.activeInputs().empty()) {
         return;
@@ -152,16 +154,7 @@ std::vector<char> KrigingSupport::unsupported(const std::vector<double*>& points
     if (!process) {
         return std::vector<char>(count, 0);
     }
-    // One row of each of as many stretches of rows, at random: regular steps through a grid would
-    // miss values of its inputs.
-    std::vector<std::size_t> rows(std::min(count, maxPoints));
-    std::mt19937_64 generator(count);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const std::size_t first = i * count / rows.size();
-        const std::size_t end = (i + 1) * count / rows.size();
-        rows[i] = first + generator() % (end - first);
-    }
-
+    const std::vector<std::size_t> rows = stratifiedRows(count, maxPoints);
     std::vector<std::vector<double>> values;
     for (std::size_t input = 0; input < points.size(); ++input) {
         std::vector<double> column(rows.size());

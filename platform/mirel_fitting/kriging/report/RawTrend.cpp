@@ -31,13 +31,10 @@ RawTrend::RawTrend(const KrigingCases& cases, const OutputScale& scale, const Kr
 
     std::vector<double> scaled(basis.size(), 0.0);
     for (std::size_t t = 0; t < trend.size(); ++t) {
-        QuadraticBasis::Term term = trend.keptTerms()[t];
+        const QuadraticBasis::Term term = trend.keptTerms()[t].renumbered(cases.activeInputs());
         isWritten[0] = 1;
-        for (std::size_t* const input : {&term.first, &term.second}) {
-            if (*input != QuadraticBasis::noInput) {
-                *input = cases.activeInputs()[*input];
-                isWritten[1 + *input] = 1;
-            }
+        for (const std::size_t input : term.inputs()) {
+            isWritten[1 + input] = 1;
         }
         isWritten[basis.position(term)] = 1;
         scaled[basis.position(term)] += scale.scale * coefficients[t];
@@ -51,14 +48,8 @@ std::vector<RawTrend::Term> RawTrend::terms() const
     std::vector<Term> result;
     for (std::size_t t = 0; t < basis.size(); ++t) {
         if (isWritten[t]) {
-            Term& term = result.emplace_back();
-            term.name = basis.name(t);
-            term.coefficient = expanded[t] + (t == 0 ? offset : 0.0);
-            for (const std::size_t input : {basis.terms()[t].first, basis.terms()[t].second}) {
-                if (input != QuadraticBasis::noInput) {
-                    term.factors.push_back(input);
-                }
-            }
+            result.push_back(
+                {basis.name(t), expanded[t] + (t == 0 ? offset : 0.0), basis.terms()[t].inputs()});
         }
     }
     return result;
@@ -66,23 +57,15 @@ std::vector<RawTrend::Term> RawTrend::terms() const
 
 std::string RawTrend::text(double outputRange) const
 {
-    constexpr double tolerableLoss = 1e-9; // of the output's range
-
     EquationText text(basis);
     for (std::size_t t = 0; t < basis.size(); ++t) {
         if (!isWritten[t]) {
             text.leaveOut(t);
         }
     }
-    std::vector<double> coefficients = expanded;
     const double loss =
         std::numeric_limits<double>::epsilon() * basis.sumOfMagnitudes(centred, magnitudes);
-    if (!(loss <= tolerableLoss * outputRange)) {
-        text.setCentres(centres);
-        coefficients = centred;
-    }
-    coefficients[0] += offset;
-    std::string line = text.write(coefficients);
+    std::string line = text.write({expanded, loss, centred, centres}, outputRange, offset);
     line.pop_back(); // the end of the line
     return line;
 }

@@ -28,12 +28,22 @@ TEST(EquationText, LeavesDroppedTermsOut)
 TEST(EquationText, WritesCentredInputsWithTheSignOfTheCentre)
 {
     const QuadraticBasis basis(3, 2);
-    EquationText text(basis);
-    text.setCentres({42.5, -6.0, 0.0});
-    EXPECT_EQ(text.write({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}),
+    const EquationText::Forms forms = {
+        std::vector<double>(10, 1.0), 1e-8, {0, 2, 3, 4, 5, 6, 7, 8, 9, 10}, {42.5, -6.0, 0.0}};
+    EXPECT_EQ(EquationText(basis).write(forms, 1.0, 1.0),
               "1 + 2 * (V1 - 42.5) + 3 * (V2 + 6) + 4 * V3 + 5 * (V1 - 42.5)^2"
               " + 6 * (V1 - 42.5) * (V2 + 6) + 7 * (V1 - 42.5) * V3 + 8 * (V2 + 6)^2"
               " + 9 * (V2 + 6) * V3 + 10 * V3^2\n");
+}
+
+TEST(EquationText, IsInTheInputsThemselvesUnlessThatRoundsAwayABillionthOfTheRange)
+{
+    const QuadraticBasis basis(1, 1);
+    const EquationText::Forms forms = {{3.0, 2.0}, 1e-8, {5.0, 2.0}, {1.0}};
+    EXPECT_EQ(EquationText(basis).write(forms, 10.0, 0.5), "3.5 + 2 * V1\n");
+    EXPECT_EQ(EquationText(basis).write(forms, 9.9, 0.5), "5.5 + 2 * (V1 - 1)\n");
+    EXPECT_EQ(EquationText(basis).write(forms, std::numeric_limits<double>::quiet_NaN(), 0.5),
+              "5.5 + 2 * (V1 - 1)\n");
 }
 
 TEST(EquationText, CoefficientsReadBackAsTheSameDouble)
