@@ -25,14 +25,18 @@ Kind kindOf(const CommandLine& line)
     return line.kind.value_or(sweepsTwo ? Kind::Contour : Kind::Sweep);
 }
 
-/** All outputs are evaluated at the same points, so that the first picture speaks for all. */
-std::string extrapolationOf(const PictureData& picture)
+/** All outputs are evaluated at the same points, which have no rows, so that the first picture
+ *  speaks for all. */
+Extrapolation extrapolationOf(const PictureData& picture)
 {
+    Extrapolation extrapolation;
     if (const auto* const sweep = std::get_if<SweepPicture>(&picture)) {
-        return sweep->extrapolation;
+        extrapolation = sweep->extrapolation;
+    } else if (const auto* const contour = std::get_if<ContourPicture>(&picture)) {
+        extrapolation = contour->extrapolation;
     }
-    const auto* const contour = std::get_if<ContourPicture>(&picture);
-    return contour == nullptr ? std::string() : contour->extrapolation;
+    extrapolation.rows.clear();
+    return extrapolation;
 }
 
 /** The options that avoid what SessionPictures::check() refuses. */

@@ -293,12 +293,12 @@ std::vector<double> DescribedSurrogateModel::extrapolations(const std::vector<do
     return impl->ranges.distances(inputs, count);
 }
 
-std::string
-DescribedSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                                              const std::vector<std::string>& inputNames) const
+Extrapolation
+DescribedSurrogateModel::extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                       const std::vector<std::string>& inputNames) const
 {
     impl->columns->requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count, InputNames(inputNames));
+    return impl->ranges.extrapolation(inputs, count, InputNames(inputNames));
 }
 
 std::vector<char> DescribedSurrogateModel::outsideCases(const std::vector<double*>& inputs,

@@ -310,14 +310,14 @@ std::vector<double> KrigingSurrogateModel::extrapolations(const std::vector<doub
     return impl->ranges.distances(inputs, count);
 }
 
-std::string
-KrigingSurrogateModel::extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                                            const std::vector<std::string>& inputNames) const
+Extrapolation KrigingSurrogateModel::extrapolation(const std::vector<double*>& inputs,
+                                                   std::size_t count,
+                                                   const std::vector<std::string>& inputNames) const
 {
     impl->columns.requirePoints(inputs, count);
     const std::vector<char> unsupported =
         count > 0 ? impl->caseSupport().unsupported(inputs, count) : std::vector<char>();
-    return impl->ranges.warning(inputs, count, InputNames(inputNames), unsupported);
+    return impl->ranges.extrapolation(inputs, count, InputNames(inputNames), unsupported);
 }
 
 std::vector<char> KrigingSurrogateModel::outsideCases(const std::vector<double*>& inputs,

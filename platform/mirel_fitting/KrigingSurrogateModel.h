@@ -72,9 +72,8 @@ public:
                                        std::size_t count) const override;
     /** Also names points where a smooth process has more than 1.1 times the largest leave-one-out
      *  variance of the cases, or whose leverage exceeds four times the largest of theirs. */
-    std::string
-    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                         const std::vector<std::string>& inputNames = {}) const override;
+    Extrapolation extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                const std::vector<std::string>& inputNames = {}) const override;
     std::vector<char> outsideCases(const std::vector<double*>& inputs,
                                    std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;

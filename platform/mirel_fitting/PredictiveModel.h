@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/Export.h>
+#include <mirel_fitting/Extrapolation.h>
 #include <mirel_fitting/FitMetrics.h>
 #include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/SurrogateModelInterface.h>
@@ -52,21 +53,26 @@ public:
                                                std::size_t count) const = 0;
 
     /**
-     * Which points lie outside the cases, as a sentence for the user that numbers the first ten of
-     * them from 1: outside the range of an input by more than a hundredth of it, or, for an input
-     * that is the same in all cases, by more than half a unit in the sixth digit; or, where the
-     * model can judge that, within all ranges but at a combination of values that the cases do
-     * not support.
-     * A Kriging model judges combinations at no more than 10 000 random points, always the same;
-     * of more points the sentence gives percentages if it finds any. Empty if there is none.
+     * Which points lie outside the cases, with the rows of the first ten of them: outside the range
+     * of an input by more than a hundredth of it, or, for an input that is the same in all cases,
+     * by more than half a unit in the sixth digit; or, where the model can judge that, within all
+     * ranges but at a combination of values that the cases do not support. A Kriging model judges
+     * combinations at no more than 10 000 random points, always the same; of more points the texts
+     * give percentages if it finds any.
      * @param inputNames as for fitWarnings().
      */
-    virtual std::string
-    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                         const std::vector<std::string>& inputNames = {}) const = 0;
+    virtual Extrapolation extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                        const std::vector<std::string>& inputNames = {}) const = 0;
+
+    /** The same as one sentence. */
+    std::string extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
+                                     const std::vector<std::string>& inputNames = {}) const
+    {
+        return extrapolation(inputs, count, inputNames).text();
+    }
 
     /**
-     * One flag per point: 1 where extrapolationWarning() would name it, each point judged; 0
+     * One flag per point: 1 where extrapolation() would name it, each point judged; 0
      * elsewhere. By default those outside the range of an input by more than a hundredth of it.
      */
     virtual std::vector<char> outsideCases(const std::vector<double*>& inputs,

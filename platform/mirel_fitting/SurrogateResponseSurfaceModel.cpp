@@ -167,13 +167,13 @@ SurrogateResponseSurfaceModel::extrapolations(const std::vector<double*>& inputs
     return impl->ranges.distances(inputs, count);
 }
 
-std::string SurrogateResponseSurfaceModel::extrapolationWarning(
-    const std::vector<double*>& inputs, std::size_t count,
-    const std::vector<std::string>& inputNames) const
+Extrapolation
+SurrogateResponseSurfaceModel::extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                             const std::vector<std::string>& inputNames) const
 {
     impl->columns.requirePoints(inputs, count);
-    return impl->ranges.warning(inputs, count, InputNames(inputNames),
-                                impl->fit.unsupported(impl->ranges, inputs, count));
+    return impl->ranges.extrapolation(inputs, count, InputNames(inputNames),
+                                      impl->fit.unsupported(impl->ranges, inputs, count));
 }
 
 std::vector<char> SurrogateResponseSurfaceModel::outsideCases(const std::vector<double*>& inputs,

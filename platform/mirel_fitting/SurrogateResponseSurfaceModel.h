@@ -94,9 +94,8 @@ public:
                                        std::size_t count) const override;
     /** Also names points whose leverage exceeds 1.5 times the largest of the cases, or that break a
      *  relation between terms that holds in all cases. */
-    std::string
-    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                         const std::vector<std::string>& inputNames = {}) const override;
+    Extrapolation extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                const std::vector<std::string>& inputNames = {}) const override;
     std::vector<char> outsideCases(const std::vector<double*>& inputs,
                                    std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;

@@ -549,11 +549,11 @@ std::vector<double> TransformedOutput::extrapolations(const std::vector<double*>
     return impl->inner->extrapolations(inputs, count);
 }
 
-std::string TransformedOutput::extrapolationWarning(const std::vector<double*>& inputs,
-                                                    std::size_t count,
-                                                    const std::vector<std::string>& names) const
+Extrapolation TransformedOutput::extrapolation(const std::vector<double*>& inputs,
+                                               std::size_t count,
+                                               const std::vector<std::string>& names) const
 {
-    return impl->inner->extrapolationWarning(inputs, count, names);
+    return impl->inner->extrapolation(inputs, count, names);
 }
 
 std::vector<char> TransformedOutput::outsideCases(const std::vector<double*>& inputs,

@@ -85,9 +85,8 @@ public:
     fitNotes(int offset, const std::vector<std::string>& inputNames = {}) const override;
     std::vector<double> extrapolations(const std::vector<double*>& inputs,
                                        std::size_t count) const override;
-    std::string
-    extrapolationWarning(const std::vector<double*>& inputs, std::size_t count,
-                         const std::vector<std::string>& inputNames = {}) const override;
+    Extrapolation extrapolation(const std::vector<double*>& inputs, std::size_t count,
+                                const std::vector<std::string>& inputNames = {}) const override;
     std::vector<char> outsideCases(const std::vector<double*>& inputs,
                                    std::size_t count) const override;
     PredictorDescription predictorDescription(int offset) const override;

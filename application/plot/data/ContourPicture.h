@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/Extrapolation.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -32,6 +34,5 @@ struct ContourPicture
     std::vector<std::size_t> caseCounts; ///< as many: the cases at each point
     std::string caseLabel;               ///< what the legend says
     std::string caption; ///< what is held, which cases count as near; empty for none
-    /** Which points lie outside the cases, a sentence; empty if none does. */
-    std::string extrapolation;
+    Extrapolation extrapolation;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/Extrapolation.h>
+
 #include <string>
 #include <vector>
 
@@ -25,6 +27,5 @@ struct SweepPicture
     std::string bandLabel;
     std::string caseLabel;
     std::string caption; ///< what is held, which cases count as near; empty for none
-    /** Which points lie outside the cases, a sentence; empty if none does. */
-    std::string extrapolation;
+    Extrapolation extrapolation;
 };

@@ -53,17 +53,6 @@ ModelSlice emptySlice(CaseSession& session, std::vector<std::size_t> swept)
     return slice;
 }
 
-/** The sentence without numbers of rows, which a picture does not have. */
-std::string withoutRows(const std::string& sentence)
-{
-    // They stand before the names of inputs, which may hold anything.
-    const std::size_t end = sentence.find("): ");
-    const std::size_t begin = sentence.find(" (");
-    return begin > sentence.find(": ") || end == std::string::npos
-               ? sentence
-               : sentence.substr(0, begin) + sentence.substr(end + 1);
-}
-
 void addNearCases(const Workspace& workspace, const ModelSlice::FittedCases& cases,
                   ModelSlice& slice)
 {
@@ -191,7 +180,7 @@ ModelSlice ModelSlice::throughChosenValues(CaseSession& session)
                                  values->GetPointer(0) + values->GetNumberOfTuples());
         }
     }
-    slice.extrapolation = withoutRows(evaluation.extrapolation);
+    slice.extrapolation = evaluation.extrapolation;
     addNearCases(session, FittedCases(session), slice);
     return slice;
 }
@@ -230,7 +219,7 @@ ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::s
     for (std::size_t i = 0; i < slice.outputs.size(); ++i) {
         slice.outputs[i].values = std::move(evaluation.outputs[i]);
     }
-    slice.extrapolation = withoutRows(evaluation.extrapolation);
+    slice.extrapolation = evaluation.extrapolation;
     addNearCases(session, cases, slice);
     return slice;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirel_fitting/Extrapolation.h>
+
 #include <surrogate_plot/Export.h>
 
 #include <cstddef>
@@ -37,7 +39,7 @@ struct SURROGATE_PLOT_EXPORT ModelSlice
     std::vector<Column> outputs;    ///< their values are predictions
     std::vector<std::size_t> swept; ///< positions of inputs, ascending
     std::size_t fittedCases = 0;
-    std::string extrapolation; ///< how many points lie outside the cases, a sentence; or empty
+    Extrapolation extrapolation;
     std::vector<char> isOutside = {}; ///< one flag per point; after findOutside()
 
     /** What the cases of all slices of a session are chosen from. */

@@ -120,12 +120,12 @@ public:
     double fitSeconds = 0.0;
 
 private:
-    std::string checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
+    Extrapolation checkExtrapolation(const std::vector<double*>& points, std::size_t count) const
     {
         const PredictiveModel* const predictive = ModelInterfaces(*model).predictive();
-        return predictive == nullptr ? std::string()
-                                     : predictive->extrapolationWarning(
-                                           points, count, shownNamesOf(workspace.inputs()));
+        return predictive == nullptr
+                   ? Extrapolation()
+                   : predictive->extrapolation(points, count, shownNamesOf(workspace.inputs()));
     }
 
     void addIntervals(const std::vector<double*>& points, std::size_t count, double level,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/Extrapolation.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <session/model/ModelInterfaces.h>
@@ -51,8 +52,8 @@ struct Evaluation
 {
     std::vector<PredictionIntervals> intervals; ///< one per output; none if not asked for
     std::vector<std::string> intervalFaults;    ///< why those of an output are NaN, a sentence each
-    std::string extrapolation;   ///< which points lie outside the cases, a sentence; empty if none
-    double seconds = 0.0;        ///< wall-clock time of the values alone
+    Extrapolation extrapolation;                ///< with the rows of the points
+    double seconds = 0.0;                       ///< wall-clock time of the values alone
     std::vector<HeldInput> held; ///< the inputs that a grid does not sweep; none of other points
 };
 

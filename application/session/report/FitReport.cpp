@@ -225,8 +225,8 @@ ReportJson::Json FitReport::runJson(CaseSession& session, double readSeconds,
             json["held"].push_back({{"name", input.name}, {"value", input.value}});
         }
     }
-    if (evaluation != nullptr && !evaluation->extrapolation.empty()) {
-        json["extrapolation"] = evaluation->extrapolation;
+    if (evaluation != nullptr && !evaluation->extrapolation.points.empty()) {
+        json["extrapolation"] = evaluation->extrapolation.text();
     }
     if (evaluation != nullptr && !evaluation->intervalFaults.empty()) {
         json["intervalFaults"] = evaluation->intervalFaults;
@@ -308,8 +308,8 @@ std::string FitReport::notes(CaseSession& session, const Evaluation* evaluation)
     if (evaluation == nullptr) {
         return text;
     }
-    if (!evaluation->extrapolation.empty()) {
-        text += "Warning: " + evaluation->extrapolation + '\n';
+    if (!evaluation->extrapolation.points.empty()) {
+        text += "Warning: " + evaluation->extrapolation.text() + '\n';
     }
     for (const std::string& fault : evaluation->intervalFaults) {
         text += "Warning: " + fault + '\n';

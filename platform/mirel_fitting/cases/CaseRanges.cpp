@@ -132,9 +132,9 @@ std::vector<char> CaseRanges::outside(const std::vector<double*>& points, std::s
     return isUnsupported;
 }
 
-std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t count,
-                                const InputNames& names,
-                                const std::vector<char>& isUnsupported) const
+Extrapolation CaseRanges::extrapolation(const std::vector<double*>& points, std::size_t count,
+                                        const InputNames& names,
+                                        const std::vector<char>& isUnsupported) const
 {
     std::vector<std::size_t> outside;
     std::size_t outsideByCombination = 0;
@@ -163,7 +163,7 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
         }
     }
     if (outside.empty()) {
-        return "";
+        return {};
     }
     // Shares, in case some points stand for all.
     const bool isSample = outsideByCombination > 0 && judged < count;
@@ -171,12 +171,12 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
                                  static_cast<double>(std::max<std::size_t>(judged, 1));
     const double all = byCombination + static_cast<double>(outside.size() - outsideByCombination) /
                                            static_cast<double>(count);
-    const std::string start =
-        (isSample ? "About " + percent(all) : std::to_string(outside.size())) + " of " +
-        std::to_string(count) + (count == 1 ? " point" : " points") +
-        (outside.size() == 1 && !isSample ? " lies" : " lie") + " outside the cases" +
-        (count == 1 ? "" : " (" + rowList(outside, isSample) + ")") + ": ";
-    std::string reason;
+    Extrapolation found;
+    found.points = (isSample ? "About " + percent(all) : std::to_string(outside.size())) + " of " +
+                   std::to_string(count) + (count == 1 ? " point" : " points") +
+                   (outside.size() == 1 && !isSample ? " lies" : " lie") + " outside the cases";
+    found.rows = count == 1 ? "" : rowList(outside, isSample);
+    std::string& reason = found.reason;
     if (std::isinf(farthest)) {
         reason = names.input(farthestInput) + " has another value there than in all cases";
     } else if (farthest > 0.0) {
@@ -191,5 +191,5 @@ std::string CaseRanges::warning(const std::vector<double*>& points, std::size_t 
                   std::string("each input is in its range, but the cases do not support this "
                               "combination of values");
     }
-    return start + reason + ". Do not rely on predictions there.";
+    return found;
 }

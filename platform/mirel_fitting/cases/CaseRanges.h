@@ -1,10 +1,10 @@
 #pragma once
 
+#include <mirel_fitting/Extrapolation.h>
 #include <mirel_fitting/PredictorDescription.h>
 #include <mirel_fitting/numerics/InputNames.h>
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 /** The ranges of the inputs over the cases: what is behind PredictiveModel. */
@@ -29,15 +29,15 @@ public:
     static constexpr char notJudged = 2;
 
     /**
-     * See PredictiveModel::extrapolationWarning().
+     * See PredictiveModel::extrapolation().
      * @param isUnsupported one flag per point: 1 where no case supports the combination of its
      *                      values, be they in their ranges or not, 0 where one does, notJudged
      *                      where the points that are judged, a random sample, stand for it. Empty:
      *                      each is supported.
      */
-    std::string warning(const std::vector<double*>& points, std::size_t count,
-                        const InputNames& names = InputNames(),
-                        const std::vector<char>& isUnsupported = {}) const;
+    Extrapolation extrapolation(const std::vector<double*>& points, std::size_t count,
+                                const InputNames& names = InputNames(),
+                                const std::vector<char>& isUnsupported = {}) const;
 
     /** See PredictiveModel::outsideCases(). @param isUnsupported one flag per point, as above. */
     std::vector<char> outside(const std::vector<double*>& points, std::size_t count,

@@ -37,8 +37,8 @@ public:
         return std::vector<double>(count, 0.0);
     }
 
-    std::string extrapolationWarning(const std::vector<double*>& /*inputs*/, std::size_t /*count*/,
-                                     const std::vector<std::string>& /*names*/) const override
+    Extrapolation extrapolation(const std::vector<double*>& /*inputs*/, std::size_t /*count*/,
+                                const std::vector<std::string>& /*names*/) const override
     {
         return {};
     }

@@ -222,17 +222,17 @@ TEST(Evaluator, ReportsThePointsOutsideTheCases)
     for (const auto model : {CaseSession::ResponseSurface, CaseSession::Kriging}) {
         CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, model);
         session.stayAt(0, "99");
-        EXPECT_EQ(session.evaluate().extrapolation,
+        EXPECT_EQ(session.evaluate().extrapolation.text(),
                   "1 of 1 point lies outside the cases: \"Pressure\" is up to 0.25 of its range "
                   "beyond them. Do not rely on predictions there.");
 
         session.stayAt(0, "42");
-        EXPECT_EQ(session.evaluate().extrapolation, "");
+        EXPECT_EQ(session.evaluate().extrapolation.text(), "");
 
         const Numbers pressure = {42.0, 99.0};
         const Numbers ratio = {6.0, 6.0};
         const PointEvaluation evaluation = session.predict({pressure.data(), ratio.data()}, 2);
-        EXPECT_EQ(evaluation.extrapolation.rfind("1 of 2 points lies outside", 0), 0u);
+        EXPECT_EQ(evaluation.extrapolation.points.rfind("1 of 2 points lies outside", 0), 0u);
     }
 }
 

@@ -125,7 +125,7 @@ TEST(ModelFile, ASessionOfAnExportedModelPredictsAndWarnsOfPointsOutside)
     const std::vector<double> pressure = {500.0};
     const std::vector<double> ratio = {6.0};
     const std::string extrapolation =
-        session.predict({pressure.data(), ratio.data()}, 1).extrapolation;
+        session.predict({pressure.data(), ratio.data()}, 1).extrapolation.text();
 
     EXPECT_EQ(extrapolation.rfind("1 of 1 point lies outside the cases: \"Pressure\"", 0), 0u)
         << extrapolation;

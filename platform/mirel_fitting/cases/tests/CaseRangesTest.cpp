@@ -26,7 +26,7 @@ std::vector<double> distances(Columns points)
 
 std::string warning(Columns points)
 {
-    return ranges().warning(pointersTo(points), points[0].size());
+    return ranges().extrapolation(pointersTo(points), points[0].size()).text();
 }
 
 } // namespace
@@ -88,12 +88,12 @@ TEST(CaseRanges, WarnsOfCombinationsThatNoCaseSupports)
     Columns points = {{11.0, 15.0, 12.0, 13.0}, {0.0, 0.0, 0.0, 0.0}, {0.3, 0.3, 0.3, 0.3}};
 
     EXPECT_EQ(
-        ranges().warning(pointersTo(points), 4, InputNames(), {1, 1, 0, 1}),
+        ranges().extrapolation(pointersTo(points), 4, InputNames(), {1, 1, 0, 1}).text(),
         "3 of 4 points lie outside the cases (rows 1, 2 and 4): V1 is up to 0.25 of its range "
         "beyond them; at 2 of them each input is in its range, but the cases do not "
         "support this combination of values. Do not rely on predictions there.");
     EXPECT_EQ(
-        ranges().warning(pointersTo(points), 1, InputNames(), {1}),
+        ranges().extrapolation(pointersTo(points), 1, InputNames(), {1}).text(),
         "1 of 1 point lies outside the cases: each input is in its range, but the cases do not "
         "support this combination of values. Do not rely on predictions there.");
 }
@@ -115,7 +115,7 @@ TEST(CaseRanges, WarnOfAShareWhereSomePointsAreJudgedForAll)
     Columns oneBeyond = inside;
     oneBeyond[0][4] = 15.0;
     const auto warningOf = [](Columns& points, const std::vector<char>& flags) {
-        return ranges().warning(pointersTo(points), 8, InputNames(), flags);
+        return ranges().extrapolation(pointersTo(points), 8, InputNames(), flags).text();
     };
     const std::vector<char> flags = {0, notJudged, 1, notJudged, notJudged, 0, notJudged, 0};
 
@@ -153,17 +153,17 @@ TEST(CaseRanges, WarnsOfValuesWrittenWithSixDigitsOnlyWhereTheyLoseTheRange)
     Columns points = {{0.0156027}, {0.333333}};
 
     EXPECT_GT(ranges.distances(pointersTo(points), 1)[0], 0.0) << "the numbers are as they are";
-    EXPECT_EQ(ranges.warning(pointersTo(points), 1), "");
+    EXPECT_EQ(ranges.extrapolation(pointersTo(points), 1).text(), "");
 
     Columns far = {{1000001.0, 1000002.0}, {1.0 / 3.0, 1.0 / 3.0}};
     const CaseRanges farRanges(pointersTo(far), 2);
     Columns rounded = {{1e6}, {1.0 / 3.0}};
     Columns another = {{1000001.0}, {0.33333}};
 
-    EXPECT_EQ(farRanges.warning(pointersTo(rounded), 1),
+    EXPECT_EQ(farRanges.extrapolation(pointersTo(rounded), 1).text(),
               "1 of 1 point lies outside the cases: V1 is up to 1 of its range beyond them. Do not "
               "rely on predictions there.");
-    EXPECT_EQ(farRanges.warning(pointersTo(another), 1),
+    EXPECT_EQ(farRanges.extrapolation(pointersTo(another), 1).text(),
               "1 of 1 point lies outside the cases: V2 has another value there than in all cases. "
               "Do not rely on predictions there.");
 }
@@ -173,5 +173,5 @@ TEST(CaseRanges, OfNoInputsHaveNoOutside)
     const CaseRanges none({}, 3);
 
     EXPECT_EQ(none.distances({}, 1), std::vector<double>{0.0});
-    EXPECT_EQ(none.warning({}, 1), "");
+    EXPECT_EQ(none.extrapolation({}, 1).text(), "");
 }
