@@ -184,7 +184,7 @@ void runEvaluate(const CommandLine& line)
             table.addLimits(column->GetName(), output.lower.data(), output.upper.data());
         }
     }
-    writeTable(line, table, open.session.layout(), open, evaluation);
+    writeTable(line, table, open.session.source().layout, open, evaluation);
 }
 
 /** The points of predict. Their file has a layout of its own, which is recognised; where its inputs
@@ -194,7 +194,7 @@ CaseTable readPoints(const CommandLine& line, const Workspace& workspace)
     CaseFileReader::Options options = line.reading;
     options.keepCells = true;
     if (options.missing.isEmpty()) {
-        options.missing = workspace.readingChoices().missing;
+        options.missing = workspace.source().choices.missing;
     }
     const bool hasLayout = options.heading || options.unitsRow || options.skippedLines;
     if (line.startsFromModel() || !hasLayout) {
@@ -233,7 +233,8 @@ void runPredict(const CommandLine& line)
         open.session.predict(points.inputColumns(), points.count(), line.interval);
     open.save(line);
     writeTable(line, points.withPredictions(evaluation.outputs, evaluation.intervals),
-               line.startsFromModel() ? points.layout() : open.session.layout(), open, evaluation);
+               line.startsFromModel() ? points.layout() : open.session.source().layout, open,
+               evaluation);
 }
 
 void runEquations(const CommandLine& line)

@@ -97,8 +97,8 @@ OpenSession::OpenSession(const CommandLine& line)
         throw UsageError("Weights and blocks are for response surfaces only: choose -m "
                          "response-surface, or --weights none and --block none.");
     }
-    if (!session.readingGuess().empty()) {
-        note(line, "Read as: " + session.readingGuess() + '\n');
+    if (!session.source().guess.empty()) {
+        note(line, "Read as: " + session.source().guess + '\n');
     }
     if (line.command != CommandLine::Summary) { // which has them in its text
         for (const std::string& sentence : ReportHeading::readingNotes(session)) {

@@ -3,6 +3,8 @@
 #include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
 
+#include <algorithm>
+
 std::string CellsWithoutNumber::text() const
 {
     std::vector<std::string> quoted;
@@ -23,4 +25,11 @@ std::vector<std::string> CaseTable::names() const
         all.push_back(column.name);
     }
     return all;
+}
+
+const CaseColumn* CaseTable::find(const std::string& name) const
+{
+    const auto found = std::find_if(columns.begin(), columns.end(),
+                                    [&](const CaseColumn& column) { return column.name == name; });
+    return found == columns.end() ? nullptr : &*found;
 }

@@ -59,6 +59,9 @@ struct CaseColumn
 
     CellsWithoutNumber withoutNumber;
     MissingSpellings missing;
+
+    /** Whether cells that are no numbers count as missing. */
+    bool lacksNumbers() const { return isNumeric && withoutNumber.count > 0; }
 };
 
 /** A case file as columns. */
@@ -66,6 +69,9 @@ struct SURROGATE_SESSION_EXPORT CaseTable
 {
     /** The names of the columns, in their order. */
     std::vector<std::string> names() const;
+
+    /** The column of this name; null if there is none. */
+    const CaseColumn* find(const std::string& name) const;
 
     std::string path;
     std::vector<CaseColumn> columns;

@@ -42,7 +42,7 @@ bool InputValues::isName(const std::string& text) const
 void InputValues::sweep(const std::string& assignment)
 {
     const auto [variable, text] = variables.assignment(assignment);
-    if (workspace.layout().hasDecimalComma && hasCommaBetweenDigits(text)) {
+    if (workspace.source().layout.hasDecimalComma && hasCommaBetweenDigits(text)) {
         throw UsageError("The values \"" + text + "\" of \"" + variables.names()[variable] +
                          "\" have a comma between digits, and commas separate values: write a "
                          "decimal point, or a blank behind each comma.");
@@ -89,7 +89,7 @@ const std::vector<std::size_t>& InputValues::held() const
 /** One number as the case file writes numbers, with a decimal point. */
 std::string InputValues::withPoint(std::string text) const
 {
-    if (workspace.layout().hasDecimalComma &&
+    if (workspace.source().layout.hasDecimalComma &&
         CellValue::read(text, true).mark == CellValue::Comma) {
         std::replace(text.begin(), text.end(), ',', '.');
     }

@@ -89,30 +89,25 @@ std::string spellingsText(const MissingSpellings& spellings, std::size_t missing
 std::string causeText(const Workspace& workspace, const std::string& name,
                       const std::vector<double>& values, const std::vector<std::size_t>& cases)
 {
-    MissingSpellings spellings;
-    const auto known = workspace.missingSpellings().find(name);
-    if (known != workspace.missingSpellings().end()) {
-        spellings = known->second;
-    }
+    const CaseColumn& column = *workspace.source().find(name);
     const auto infinite = std::count_if(cases.begin(), cases.end(),
                                         [&](std::size_t i) { return std::isinf(values[i]); });
-    const auto found = workspace.cellsWithoutNumber().find(name);
-    const bool areUnknown = found != workspace.cellsWithoutNumber().end();
+    const bool areUnknown = column.lacksNumbers();
     std::string text =
-        spellingsText(spellings, cases.size() - (areUnknown ? found->second.count : 0) -
-                                     static_cast<std::size_t>(infinite));
+        spellingsText(column.missing, cases.size() - (areUnknown ? column.withoutNumber.count : 0) -
+                                          static_cast<std::size_t>(infinite));
     if (infinite > 0) {
         text += (text.empty() ? "" : ", ") + std::to_string(infinite) + " infinite";
     }
     if (areUnknown) {
-        return ", " + found->second.text() + (text.empty() ? "" : ", others: " + text);
+        return ", " + column.withoutNumber.text() + (text.empty() ? "" : ", others: " + text);
     }
     return text.empty() ? text : " (" + text + ')';
 }
 
 bool hasUnknownCells(const Workspace& workspace, const std::string& name)
 {
-    return workspace.cellsWithoutNumber().count(name) > 0;
+    return workspace.source().find(name)->lacksNumbers();
 }
 
 std::vector<MissingCells> missingCells(const Workspace& workspace)

@@ -71,38 +71,6 @@ CaseRoles rolesOf(const ExportedModel& model)
     return roles;
 }
 
-std::map<std::string, CellsWithoutNumber> cellsWithoutNumberOf(const CaseTable& table)
-{
-    std::map<std::string, CellsWithoutNumber> byName;
-    for (const CaseColumn& column : table.columns) {
-        if (column.isNumeric && column.withoutNumber.count > 0) {
-            byName[column.name] = column.withoutNumber;
-        }
-    }
-    return byName;
-}
-
-std::map<std::string, MissingSpellings> missingSpellingsOf(const CaseTable& table)
-{
-    std::map<std::string, MissingSpellings> byName;
-    for (const CaseColumn& column : table.columns) {
-        if (!column.missing.empty()) {
-            byName[column.name] = column.missing;
-        }
-    }
-    return byName;
-}
-
-std::map<std::string, std::string> unitsOf(const CaseTable& table)
-{
-    std::map<std::string, std::string> byName;
-    for (const CaseColumn& column : table.columns) {
-        if (!column.unit.empty()) {
-            byName[column.name] = column.unit;
-        }
-    }
-    return byName;
-}
 } // namespace
 
 class Workspace::Impl
@@ -110,9 +78,7 @@ class Workspace::Impl
 public:
     explicit Impl(CaseTable& table,
                   const boost::shared_ptr<SurrogateModelInterface>& model = nullptr)
-        : path(table.path), layout(table.layout), readingChoices(table.choices),
-          readingGuess(table.guess), cellsWithoutNumber(cellsWithoutNumberOf(table)),
-          missingSpellings(missingSpellingsOf(table)), units(unitsOf(table)), state(table, model)
+        : state(table, model), source(std::move(table))
     {
         connections.add(state.project->connectSignalChanged([this] { forgetCases(); }));
         connections.add(state.manager->independentVars()->connectSignalChanged(
@@ -130,14 +96,8 @@ public:
         loaded = document;
     }
 
-    std::string path;
-    CaseFileLayout layout;
-    ReadingChoices readingChoices;
-    std::string readingGuess;
-    std::map<std::string, CellsWithoutNumber> cellsWithoutNumber;
-    std::map<std::string, MissingSpellings> missingSpellings;
-    std::map<std::string, std::string> units;
     SessionState state;
+    CaseTable source; ///< without the values, which the state takes
     std::vector<ColumnRole> reasonedRoles;
     std::vector<VarPtr> inputs;
     std::optional<CaseCounts> knownCounts;
@@ -260,40 +220,15 @@ const CaseCounts& Workspace::counts() const
     return *impl->knownCounts;
 }
 
-const std::string& Workspace::casePath() const
+const CaseTable& Workspace::source() const
 {
-    return impl->path;
-}
-
-const std::map<std::string, CellsWithoutNumber>& Workspace::cellsWithoutNumber() const
-{
-    return impl->cellsWithoutNumber;
-}
-
-const std::map<std::string, MissingSpellings>& Workspace::missingSpellings() const
-{
-    return impl->missingSpellings;
-}
-
-const CaseFileLayout& Workspace::layout() const
-{
-    return impl->layout;
-}
-
-const ReadingChoices& Workspace::readingChoices() const
-{
-    return impl->readingChoices;
-}
-
-const std::string& Workspace::readingGuess() const
-{
-    return impl->readingGuess;
+    return impl->source;
 }
 
 std::string Workspace::unitOf(const std::string& name) const
 {
-    const auto found = impl->units.find(name);
-    return found == impl->units.end() ? std::string() : found->second;
+    const CaseColumn* const column = impl->source.find(name);
+    return column == nullptr ? std::string() : column->unit;
 }
 
 std::string Workspace::labelOf(const std::string& name) const
@@ -426,16 +361,17 @@ void Workspace::load(const ProjectDocument& document)
 
 ProjectDocument Workspace::document() const
 {
-    if (impl->path == "-") {
+    const CaseTable& source = impl->source;
+    if (source.path == "-") {
         throw UsageError("A project cannot find cases again that came from the standard input; "
                          "put them into a file.");
     }
     ProjectDocument document = impl->loaded;
     impl->state.save(document);
-    document.caseFile = {impl->path, FileFingerprint::of(impl->path), impl->layout.separator,
-                         impl->layout.hasDecimalComma, impl->readingChoices};
-    if (impl->layout.thousandsSeparator != '\0') {
-        document.caseFile.reading.thousandsSeparator = impl->layout.thousandsSeparator;
+    document.caseFile = {source.path, FileFingerprint::of(source.path), source.layout.separator,
+                         source.layout.hasDecimalComma, source.choices};
+    if (source.layout.thousandsSeparator != '\0') {
+        document.caseFile.reading.thousandsSeparator = source.layout.thousandsSeparator;
     }
     return document;
 }

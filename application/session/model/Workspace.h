@@ -19,7 +19,6 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstddef>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -88,25 +87,9 @@ public:
     /** Valid until the cases or their roles change. */
     const CaseCounts& counts() const;
 
-    /** The file that the cases were read from, "-" for the standard input; empty for an exported
-     *  model. */
-    const std::string& casePath() const;
-
-    /** The numeric variables of the case file that have cells which are no numbers and so count as
-     *  missing, by name. */
-    const std::map<std::string, CellsWithoutNumber>& cellsWithoutNumber() const;
-
-    /** How the missing cells of the case file's columns are spelled, by name. */
-    const std::map<std::string, MissingSpellings>& missingSpellings() const;
-
-    /** How the case file was read; a plain layout without one. */
-    const CaseFileLayout& layout() const;
-
-    /** What the user said about the reading. */
-    const ReadingChoices& readingChoices() const;
-
-    /** What of the layout was guessed, in words; empty if nothing was. */
-    const std::string& readingGuess() const;
+    /** What is known of the case file, without the values, which project() has: its path ("-" for
+     *  the standard input, empty for an exported model), how it was read, its columns. */
+    const CaseTable& source() const;
 
     /** The unit of a variable as the case file says it, empty if it says none. */
     std::string unitOf(const std::string& name) const;

@@ -116,7 +116,7 @@ std::string inputTable(const Workspace& workspace)
 /** What the page begins with: where it comes from. */
 std::string originTable(const CaseSession& session, const HtmlReport::Origin& origin)
 {
-    const std::string& path = session.casePath();
+    const std::string& path = session.source().path;
     std::string text = "<table class=\"figures\"><tbody>\n";
     for (const auto& [name, what] : std::vector<std::pair<std::string, std::string>>{
              {"Case file", path == "-" ? "the standard input" : path},

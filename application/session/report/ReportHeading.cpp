@@ -121,11 +121,14 @@ std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
     std::map<std::size_t, std::vector<std::string>> alone; // by line
     for (const std::vector<VarPtr>& variables : {workspace.inputs(), workspace.outputs()}) {
         for (const std::string& name : namesOf(variables)) {
-            const auto found = workspace.cellsWithoutNumber().find(name);
-            if (found != workspace.cellsWithoutNumber().end() && found->second.count == 1) {
-                alone[found->second.firstLine].push_back(name);
-            } else if (found != workspace.cellsWithoutNumber().end()) {
-                notes.push_back(shortText(name) + ": " + found->second.text() +
+            const CaseColumn& column = *workspace.source().find(name);
+            if (!column.lacksNumbers()) {
+                continue;
+            }
+            if (column.withoutNumber.count == 1) {
+                alone[column.withoutNumber.firstLine].push_back(name);
+            } else {
+                notes.push_back(shortText(name) + ": " + column.withoutNumber.text() +
                                 ": these cases are left out.");
             }
         }
@@ -133,7 +136,7 @@ std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
     for (const auto& [line, names] : alone) {
         const std::string text =
             names.size() == 1
-                ? workspace.cellsWithoutNumber().at(names.front()).text()
+                ? workspace.source().find(names.front())->withoutNumber.text()
                 : "1 cell of each is no number (in line " + std::to_string(line) + ')';
         notes.push_back(FindingWords::names(names) + ": " + text + ": this case is left out.");
     }
@@ -164,13 +167,15 @@ ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)
 {
     ReportJson::Json json = ReportJson::cases(workspace.counts());
     if (workspace.exportedReport().empty()) {
-        json["layout"] = layoutJson(workspace.layout());
+        json["layout"] = layoutJson(workspace.source().layout);
     }
-    for (const auto& [name, cells] : workspace.cellsWithoutNumber()) {
-        json["withoutNumber"].push_back({{"name", name},
-                                         {"cells", cells.count},
-                                         {"spellings", cells.spellings},
-                                         {"firstLine", cells.firstLine}});
+    for (const CaseColumn& column : workspace.source().columns) {
+        if (column.lacksNumbers()) {
+            json["withoutNumber"].push_back({{"name", column.name},
+                                             {"cells", column.withoutNumber.count},
+                                             {"spellings", column.withoutNumber.spellings},
+                                             {"firstLine", column.withoutNumber.firstLine}});
+        }
     }
     return json;
 }

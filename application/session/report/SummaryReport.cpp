@@ -133,11 +133,11 @@ std::string SummaryReport::text(const Workspace& workspace)
     const std::vector<ColumnRole> roles = workspace.columnRoles();
     const std::vector<std::string> names = namesOf(workspace.project().variables());
     for (std::size_t i = 0; i < roles.size(); ++i) {
-        const auto found = workspace.cellsWithoutNumber().find(names[i]);
-        if (roles[i].role != ColumnRole::None || found == workspace.cellsWithoutNumber().end()) {
+        const CaseColumn& column = *workspace.source().find(names[i]);
+        if (roles[i].role != ColumnRole::None || !column.lacksNumbers()) {
             continue; // those with a role are among the findings
         }
-        const CellsWithoutNumber& cells = found->second;
+        const CellsWithoutNumber& cells = column.withoutNumber;
         text += shortText(names[i]) + ": " + cells.text() +
                 (cells.count == 1 ? ": it counts as missing.\n" : ": they count as missing.\n");
     }
