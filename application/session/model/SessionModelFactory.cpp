@@ -115,3 +115,17 @@ boost::shared_ptr<veska::PropertyAbstract<InputCoding>> SessionModelFactory::cod
 {
     return codingSetting;
 }
+
+ModelChoices SessionModelFactory::choices() const
+{
+    return {responseSurfaceOptions->get(), designColumnsSetting->get(), transformSetting->get(),
+            codingSetting->get()};
+}
+
+void SessionModelFactory::choose(const ModelChoices& choices)
+{
+    responseSurfaceOptions->set(choices.responseSurface);
+    designColumnsSetting->set(choices.designColumns);
+    transformSetting->set(choices.transform);
+    codingSetting->set(choices.coding);
+}

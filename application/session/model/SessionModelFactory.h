@@ -1,10 +1,7 @@
 #pragma once
 
 #include <mirel_fitting/CaseDesign.h>
-#include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/TransformSetting.h>
-#include <session/cases/CaseDesignColumns.h>
+#include <session/project/ModelChoices.h>
 
 #include <surrogatemodel/SurrogateModelFactory.h>
 
@@ -56,6 +53,10 @@ public:
     /** The terms of response surfaces, a formula in the names of inputs. A change is an undo step,
      * and invalidates response surfaces that were made before. */
     boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurface() const;
+
+    /** The values of the four properties. */
+    ModelChoices choices() const;
+    void choose(const ModelChoices& choices);
 
 private:
     ResponseSurfaceOptions optionsOfColumns() const;

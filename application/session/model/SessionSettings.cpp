@@ -7,10 +7,8 @@ bool SessionSettings::VariableSettings::operator==(const VariableSettings& other
 
 bool SessionSettings::operator==(const SessionSettings& other) const
 {
-    return variables == other.variables && excluded == other.excluded && type == other.type &&
-           inputs == other.inputs && outputs == other.outputs &&
-           evaluationPoint == other.evaluationPoint &&
-           userDistributions == other.userDistributions && sweeps == other.sweeps &&
-           responseSurface == other.responseSurface && designColumns == other.designColumns &&
-           transform == other.transform && coding == other.coding;
+    return ModelChoices::operator==(other) && variables == other.variables &&
+           excluded == other.excluded && type == other.type && inputs == other.inputs &&
+           outputs == other.outputs && evaluationPoint == other.evaluationPoint &&
+           userDistributions == other.userDistributions && sweeps == other.sweeps;
 }

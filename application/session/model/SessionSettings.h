@@ -1,10 +1,7 @@
 #pragma once
 
-#include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/TransformSetting.h>
-#include <session/cases/CaseDesignColumns.h>
 #include <session/model/SweepInterpolationVariables.h>
+#include <session/project/ModelChoices.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 #include <surrogatemodel/SurrogateModelUserDistCollection.h>
@@ -18,7 +15,7 @@
 #include <vector>
 
 /** Everything that can be chosen in a session besides its cases, as a value. */
-struct SessionSettings
+struct SessionSettings : ModelChoices
 {
     struct VariableSettings
     {
@@ -39,8 +36,4 @@ struct SessionSettings
     SurrogateModelUserDistCollection evaluationPoint;
     SurrogateModelUserDistCollection userDistributions;
     std::map<VarPtr, SweepInterpolationVariables::Sweep> sweeps;
-    ResponseSurfaceOptions responseSurface;
-    CaseDesignColumns designColumns;
-    TransformSetting transform = TransformSetting::Usual;
-    InputCoding coding = InputCoding::Axial;
 };

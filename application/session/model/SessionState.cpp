@@ -108,6 +108,7 @@ SessionState::~SessionState()
 SessionSettings SessionState::settings() const
 {
     SessionSettings settings;
+    static_cast<ModelChoices&>(settings) = factory->choices();
     for (const VarPtr& handle : project->variables()) {
         const auto variable = handle.lock();
         settings.variables[handle] = {variable->nature(), variable->chosenRange()};
@@ -119,10 +120,6 @@ SessionSettings SessionState::settings() const
     settings.evaluationPoint = manager->evaluationPoint()->get();
     settings.userDistributions = userDistributions->get();
     settings.sweeps = interpolation->sweeps();
-    settings.responseSurface = factory->responseSurface()->get();
-    settings.designColumns = factory->designColumns()->get();
-    settings.transform = factory->transform()->get();
-    settings.coding = factory->coding()->get();
     return settings;
 }
 
@@ -138,10 +135,7 @@ void SessionState::setSettings(const SessionSettings& settings)
         }
     }
     exclude(settings.excluded);
-    factory->responseSurface()->set(settings.responseSurface);
-    factory->designColumns()->set(settings.designColumns);
-    factory->transform()->set(settings.transform);
-    factory->coding()->set(settings.coding);
+    factory->choose(settings);
     manager->type()->set(settings.type);
     manager->independentVars()->set(settings.inputs);
     // After the list, which gives its new entries values of their own.
@@ -214,10 +208,7 @@ void SessionState::load(const ProjectDocument& document)
     for (const ProjectDocument::Sweep& sweep : document.sweeps) {
         loaded.sweeps[project->variable(sweep.name)] = {sweep.count, sweep.range};
     }
-    loaded.responseSurface = document.responseSurface;
-    loaded.designColumns = document.designColumns;
-    loaded.transform = document.transform;
-    loaded.coding = document.coding;
+    static_cast<ModelChoices&>(loaded) = document;
     loaded.inputs.clear();
     loaded.evaluationPoint = Collection();
     loaded.userDistributions = Collection();
@@ -254,10 +245,7 @@ void SessionState::save(ProjectDocument& document) const
             document.sweeps.push_back({variable->name(), sweep.count, sweep.range});
         }
     }
-    document.responseSurface = factory->responseSurface()->get();
-    document.designColumns = factory->designColumns()->get();
-    document.transform = factory->transform()->get();
-    document.coding = factory->coding()->get();
+    static_cast<ModelChoices&>(document) = factory->choices();
     document.takeSettings(SurrogateModelManagerSerializer(manager),
                           SurrogateModelUserDistCollectionSerializer(userDistributions));
 }

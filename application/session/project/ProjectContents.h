@@ -1,13 +1,10 @@
 #pragma once
 
-#include <session/cases/CaseDesignColumns.h>
 #include <session/cases/ReadingChoices.h>
 #include <session/files/FileFingerprint.h>
+#include <session/project/ModelChoices.h>
 
 #include <mirel_datamanagement/Variable.h>
-#include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/TransformSetting.h>
 
 #include <cstddef>
 #include <optional>
@@ -16,7 +13,7 @@
 #include <vector>
 
 /** The settings of a project document that are not the library's own: a plain value. */
-struct ProjectContents
+struct ProjectContents : ModelChoices
 {
     /** More values of one input than these would not fit a table that anybody can use. */
     static constexpr std::size_t maxSweptValues = 100000000;
@@ -59,8 +56,4 @@ struct ProjectContents
     std::vector<std::string> outputs;     ///< dependent variables in the order wanted, each once
     std::vector<std::size_t> excluded;    ///< positions of cases, from 0, ascending, each once
     std::vector<Sweep> sweeps;
-    ResponseSurfaceOptions responseSurface;
-    CaseDesignColumns designColumns;
-    TransformSetting transform = TransformSetting::Usual;
-    InputCoding coding = InputCoding::Axial;
 };
