@@ -111,20 +111,13 @@ void addWord(CLI::App& command, const std::string& name, const std::string& desc
 void addSeparator(CLI::App& command, const std::string& name, const std::string& description,
                   std::optional<char>& separator)
 {
+    std::map<std::string, char> words = {{"\\t", '\t'}};
+    for (const Word<char>& word : separatorWords) {
+        words[word.text] = word.value;
+        words[std::string(1, word.value)] = word.value;
+    }
     addWord<char>(command, name, "comma, semicolon, tab, bar or blanks" + description, "S",
-                  "comma, semicolon, tab, bar or blanks",
-                  {{"comma", ','},
-                   {",", ','},
-                   {"semicolon", ';'},
-                   {";", ';'},
-                   {"tab", '\t'},
-                   {"\t", '\t'},
-                   {"bar", '|'},
-                   {"|", '|'},
-                   {"blanks", CaseFileLayout::blanks},
-                   {" ", CaseFileLayout::blanks},
-                   {"\\t", '\t'}},
-                  separator);
+                  "comma, semicolon, tab, bar or blanks", words, separator);
 }
 
 void addDecimalMark(CLI::App& command, const std::string& name, const std::string& description,

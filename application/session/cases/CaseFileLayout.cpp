@@ -16,7 +16,7 @@ std::string CaseFileLayout::text() const
     if (separator != ',') {
         form.push_back(separator == blanks ? "columns separated by blanks"
                        : separator == '|'  ? "vertical bars"
-                                           : separatorWord(separator) + 's');
+                                           : wordFor(separator, separatorWords) + 's');
     }
     if (hasDecimalComma) {
         form.emplace_back("decimal commas");
@@ -77,22 +77,6 @@ std::string CaseFileLayout::text() const
         parts.push_back(shortList(skipped) + " skipped");
     }
     return joinedText(parts, "; ");
-}
-
-std::string separatorWord(char separator)
-{
-    switch (separator) {
-    case ',':
-        return "comma";
-    case ';':
-        return "semicolon";
-    case '\t':
-        return "tab";
-    case '|':
-        return "bar";
-    default:
-        return "blanks";
-    }
 }
 
 std::string encodingWord(TextEncoding encoding)

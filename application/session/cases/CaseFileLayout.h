@@ -1,9 +1,11 @@
 #pragma once
 
 #include <session/files/TextEncoding.h>
+#include <session/text/Word.h>
 
 #include <surrogate_session/Export.h>
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -49,8 +51,12 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     std::string text() const;
 };
 
-/** "comma", "semicolon", "tab", "bar", "blanks". */
-SURROGATE_SESSION_EXPORT std::string separatorWord(char separator);
+/** What command lines, projects and reports call the separators. */
+inline constexpr std::array<Word<char>, 5> separatorWords = {{{"comma", ','},
+                                                              {"semicolon", ';'},
+                                                              {"tab", '\t'},
+                                                              {"bar", '|'},
+                                                              {"blanks", CaseFileLayout::blanks}}};
 
 /** "utf-8", "windows-1252", "utf-16". */
 SURROGATE_SESSION_EXPORT std::string encodingWord(TextEncoding encoding);

@@ -22,12 +22,6 @@ constexpr std::size_t maxCases = 20000000;
 
 constexpr std::size_t sha256Digits = 64;
 
-constexpr std::array<Word<char>, 5> separators = {{{"comma", ','},
-                                                   {"semicolon", ';'},
-                                                   {"tab", '\t'},
-                                                   {"bar", '|'},
-                                                   {"blanks", CaseFileLayout::blanks}}};
-
 constexpr std::array<Word<bool>, 2> answers = {{{"yes", true}, {"no", false}}};
 
 constexpr std::array<Word<TextEncoding>, 4> encodings = {
@@ -126,7 +120,7 @@ ProjectContents::CaseFile readCaseFile(const XmlNode& element)
                             " hexadecimal digits in lower case, not " +
                             quotedText(file.fingerprint.sha256) + '.');
     }
-    file.separator = requiredWord(element, "Separator", separators);
+    file.separator = requiredWord(element, "Separator", separatorWords);
     file.hasDecimalComma = requiredWord(element, "DecimalMark", decimalMarks);
     file.reading = readReading(element);
     return file;
@@ -354,7 +348,7 @@ XmlNode caseFileElement(const ProjectContents::CaseFile& file)
         "CaseFile", {{"Path", file.path},
                      {"Bytes", std::to_string(file.fingerprint.bytes)},
                      {"Sha256", file.fingerprint.sha256},
-                     {"Separator", wordFor(file.separator, separators)},
+                     {"Separator", wordFor(file.separator, separatorWords)},
                      {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
     const ReadingChoices& reading = file.reading;
     if (reading.thousandsSeparator) {

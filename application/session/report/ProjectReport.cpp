@@ -97,10 +97,11 @@ std::string ProjectReport::text(const ProjectDocument& document)
     const ProjectDocument::CaseFile& cases = document.caseFile;
     TextTable head({false, false});
     head.add({"Case file", cases.path + " (" + stateName(document.checkCaseFile().state) + ')'});
-    head.add({"Read with",
-              (cases.separator == CaseFileLayout::blanks ? std::string("blanks")
-                                                         : separatorWord(cases.separator) + 's') +
-                  " between cells, decimal " + (cases.hasDecimalComma ? "commas" : "points")});
+    head.add({"Read with", (cases.separator == CaseFileLayout::blanks
+                                ? std::string("blanks")
+                                : wordFor(cases.separator, separatorWords) + 's') +
+                               " between cells, decimal " +
+                               (cases.hasDecimalComma ? "commas" : "points")});
     head.add({"Excluded", document.excluded.empty() ? "none" : caseNumbersText(document.excluded)});
     head.add({"Model", modelName(document)});
     if (!(document.responseSurface == ResponseSurfaceOptions())) {
@@ -149,7 +150,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
                    {"state", stateName(document.checkCaseFile().state)},
                    {"bytes", cases.fingerprint.bytes},
                    {"sha256", cases.fingerprint.sha256},
-                   {"separator", separatorWord(cases.separator)},
+                   {"separator", wordFor(cases.separator, separatorWords)},
                    {"decimalMark", cases.hasDecimalComma ? "comma" : "point"}}}};
     json["variables"] = Json::array();
     for (const ProjectDocument::VariableEntry& variable : document.variables) {

@@ -147,7 +147,7 @@ ReportJson::Json ReportHeading::layoutJson(const CaseFileLayout& layout)
 {
     return {
         {"encoding", encodingWord(layout.encoding)},
-        {"separator", separatorWord(layout.separator)},
+        {"separator", wordFor(layout.separator, separatorWords)},
         {"decimalMark", layout.hasDecimalComma ? "comma" : "point"},
         {"thousandsSeparator", layout.thousandsSeparator == '\0'
                                    ? ReportJson::Json()

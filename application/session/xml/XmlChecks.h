@@ -1,6 +1,7 @@
 #pragma once
 
 #include <session/text/QuotedText.h>
+#include <session/text/Word.h>
 #include <session/xml/XmlFault.h>
 #include <session/xml/XmlNode.h>
 
@@ -42,14 +43,6 @@ std::size_t requiredNumber(const XmlNode& element, const std::string& name, std:
                            std::size_t most);
 double finiteNumber(const XmlNode& element, const std::string& name);
 
-/** A value that a document spells as a word. */
-template <class Value>
-struct Word
-{
-    const char* text;
-    Value value;
-};
-
 template <class Value, std::size_t count>
 Value requiredWord(const XmlNode& element, const std::string& name,
                    const std::array<Word<Value>, count>& words)
@@ -64,17 +57,5 @@ Value requiredWord(const XmlNode& element, const std::string& name,
     }
     refuse(element,
            described(element, name) + " must be " + allowed + ", not " + quotedText(text) + '.');
-}
-
-template <class Value, std::size_t count>
-std::string wordFor(Value value, const std::array<Word<Value>, count>& words)
-{
-    for (const Word<Value>& word : words) {
-        if (word.value == value) {
-            return word.text;
-        }
-    }
-    // No reader accepts it, so that nothing is written.
-    return std::string();
 }
 } // namespace XmlChecks

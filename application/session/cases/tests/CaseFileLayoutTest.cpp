@@ -53,9 +53,9 @@ TEST(CaseFileLayout, NamesWhatIsSkippedAndWhatIsOddInTheTable)
 
 TEST(CaseFileLayout, HasWordsForItsParts)
 {
-    EXPECT_EQ(separatorWord('\t'), "tab");
-    EXPECT_EQ(separatorWord('|'), "bar");
-    EXPECT_EQ(separatorWord(CaseFileLayout::blanks), "blanks");
+    EXPECT_EQ(wordFor('\t', separatorWords), "tab");
+    EXPECT_EQ(wordFor('|', separatorWords), "bar");
+    EXPECT_EQ(wordFor(CaseFileLayout::blanks, separatorWords), "blanks");
     EXPECT_EQ(encodingWord(TextEncoding::Windows1252), "windows-1252");
     EXPECT_EQ(encodingWord(TextEncoding::Utf16Big), "utf-16");
 }

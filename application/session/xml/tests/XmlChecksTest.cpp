@@ -23,11 +23,11 @@ TEST(XmlChecks, PassWhatIsAllowed)
 
 TEST(XmlChecks, WordsStandForValuesInBothDirections)
 {
-    const std::array<XmlChecks::Word<int>, 2> words = {{{"one", 1}, {"two", 2}}};
+    const std::array<Word<int>, 2> words = {{{"one", 1}, {"two", 2}}};
 
     EXPECT_EQ(XmlChecks::requiredWord(readXml("<a b='two'/>"), "b", words), 2);
-    EXPECT_EQ(XmlChecks::wordFor(1, words), "one");
-    EXPECT_EQ(XmlChecks::wordFor(3, words), "");
+    EXPECT_EQ(wordFor(1, words), "one");
+    EXPECT_EQ(wordFor(3, words), "");
     EXPECT_EQ(
         messageOf<XmlFault>([&] { XmlChecks::requiredWord(readXml("<a b='six'/>"), "b", words); }),
         "the attribute \"b\" of the element \"a\" must be \"one\" or \"two\", not \"six\".");
