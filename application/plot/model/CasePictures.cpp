@@ -6,6 +6,7 @@
 
 #include <session/model/CaseSession.h>
 #include <session/text/QuotedText.h>
+#include <session/text/UnitText.h>
 
 #include <mirel_datamanagement/Variable.h>
 #include <mirel_fitting/FittedModel.h>
@@ -81,7 +82,7 @@ double ratioOf(double actual, double predicted)
 
 std::string axisName(const LeaveOneOutCases& cases, const std::string& name)
 {
-    return name + (cases.unit.empty() ? "" : " (" + cases.unit + ')');
+    return nameWithUnit(name, cases.unit);
 }
 
 std::string captionOf(const LeaveOneOutCases& cases, std::size_t drawn)

@@ -4,6 +4,7 @@
 
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
+#include <session/text/UnitText.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 
@@ -106,7 +107,7 @@ SweepPicture ridgePicture(const ResponseSurfaceStatistics& statistics, bool isAs
     picture.title =
         output + ", response surface, ridge of steepest " + (isAscent ? "ascent" : "descent");
     picture.inputName = "distance from the middle, inputs coded to [-1, 1]";
-    picture.outputName = unit.empty() ? output : output + " (" + unit + ')';
+    picture.outputName = nameWithUnit(output, unit);
     picture.modelLabel = isAscent ? "largest value" : "smallest value";
     for (const RidgePoint& point : ridge) {
         picture.inputs.push_back(point.distance);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <session/text/UnitText.h>
+
 #include <mirel_fitting/Extrapolation.h>
 
 #include <surrogate_plot/Export.h>
@@ -31,7 +33,7 @@ struct SURROGATE_PLOT_EXPORT ModelSlice
         bool isLogarithmic = false;     ///< whether its axis should be (hasLogarithmicAxis())
 
         /** What an axis shows: "Pressure (MPa)". */
-        std::string label() const { return unit.empty() ? name : name + " (" + unit + ')'; }
+        std::string label() const { return nameWithUnit(name, unit); }
     };
 
     std::string modelName; ///< "Kriging" or "response surface"

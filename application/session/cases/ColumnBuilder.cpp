@@ -260,13 +260,11 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
             column.withoutNumber = state.otherTexts;
             column.unit = column.unit.empty() ? unitWithoutBrackets(state.unit) : column.unit;
             table.layout.unitsInCells.push_back(
-                column.name + " (" + column.unit +
-                (state.numbers == 0 ? ""
-                                    : ", also taken for " + countedText(state.numbers, "cell") +
-                                          " without a unit, " +
-                                          (state.numbers == 1 ? "in line " : "first in line ") +
-                                          std::to_string(state.firstNumberLine)) +
-                ')');
+                state.numbers == 0 ? nameWithUnit(column.name, column.unit)
+                                   : column.name + " (" + column.unit + ", also taken for " +
+                                         countedText(state.numbers, "cell") + " without a unit, " +
+                                         (state.numbers == 1 ? "in line " : "first in line ") +
+                                         std::to_string(state.firstNumberLine) + ')');
         }
         const std::vector<std::string>& texts = column.withoutNumber.spellings;
         state.isTruth = !isRowNames && state.numbers == 0 && !texts.empty() &&

@@ -67,11 +67,20 @@ bool isNameOfNumbering(const std::string& name)
     return isOneOf(plainName(name), words);
 }
 
+/** "Response 2 Activity", as programs for the design of experiments name outputs. */
+bool isNumberedResponse(const std::string& name)
+{
+    constexpr std::string_view word = "response";
+    const std::string plain = plainName(name);
+    return plain.size() > word.size() && plain.compare(0, word.size(), word) == 0 &&
+           isDigit(plain[word.size()]);
+}
+
 bool isNameOfOutput(const std::string& name)
 {
     static constexpr std::array<std::string_view, 9> words = {
         "y", "f", "out", "output", "response", "result", "target", "ausgang", "zielgroesse"};
-    return isOneOf(withoutNumber(plainName(name)), words);
+    return isNumberedResponse(name) || isOneOf(withoutNumber(plainName(name)), words);
 }
 
 constexpr std::array<std::string_view, 5> namesOfBlocks = {"block", "blocks", "blk", "bloc",
@@ -458,7 +467,8 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const Case
     const std::string stem = withoutNumber(plainName(column.name));
     const bool hasNumber = stem != plainName(column.name) ||
                            withoutNumber(plainName(output.name)) != plainName(output.name);
-    if (hasNumber && !stem.empty() && stem == withoutNumber(plainName(output.name))) {
+    if ((isNumberedResponse(column.name) && isNumberedResponse(output.name)) ||
+        (hasNumber && !stem.empty() && stem == withoutNumber(plainName(output.name)))) {
         return "named like the output " + quotedText(output.name);
     }
     constexpr double fiveDigits = 1e-5;

@@ -7,6 +7,7 @@
 #include "session/project/ProjectDocument.h"
 #include "session/text/NumberText.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/UnitText.h"
 
 #include <surrogatemodel/SurrogateModelManager.h>
 #include <surrogatemodel/SurrogateModelUserDist.h>
@@ -233,8 +234,7 @@ std::string Workspace::unitOf(const std::string& name) const
 
 std::string Workspace::labelOf(const std::string& name) const
 {
-    const std::string unit = unitOf(name);
-    return unit.empty() ? name : name + " (" + unit + ')';
+    return nameWithUnit(name, unitOf(name));
 }
 
 std::vector<ColumnRole> Workspace::columnRoles() const

@@ -74,7 +74,7 @@ std::vector<std::string> anovaCells(const std::string& source, const AnovaRow& r
                           row.source != "Total" && row.degreesOfFreedom > 0;
     return {source,
             std::to_string(row.degreesOfFreedom),
-            shownNumber(row.sumOfSquares),
+            std::isnan(row.sumOfSquares) ? "" : shownNumber(row.sumOfSquares),
             row.degreesOfFreedom == 0 ? "" : shownNumber(row.meanSquare),
             isTested ? shownNumber(row.f, fewDigits) : "",
             isTested ? shownProbability(row.p) : ""};

@@ -127,6 +127,13 @@ std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view tex
                                                 : std::make_pair(text, std::string_view());
 }
 
+std::string nameWithUnit(const std::string& name, const std::string& unit)
+{
+    const bool isComplete = unit.empty() || name.find('(' + unit + ')') != std::string::npos ||
+                            name.find('[' + unit + ']') != std::string::npos;
+    return isComplete ? name : name + " (" + unit + ')';
+}
+
 std::string unitWithoutBrackets(std::string_view text)
 {
     text = trimmedText(text);

@@ -18,5 +18,8 @@ SURROGATE_SESSION_EXPORT bool isUnitText(std::string_view text);
 SURROGATE_SESSION_EXPORT std::pair<std::string_view, std::string_view>
 numberAndUnit(std::string_view text);
 
+/** "Stress (MPa)"; the name alone without a unit, or where it has that unit in brackets itself. */
+SURROGATE_SESSION_EXPORT std::string nameWithUnit(const std::string& name, const std::string& unit);
+
 /** A unit without the brackets around it. */
 SURROGATE_SESSION_EXPORT std::string unitWithoutBrackets(std::string_view text);

@@ -128,6 +128,12 @@ TEST(ColumnRole, AColumnNamedLikeTheOutputIsAnotherOutput)
     EXPECT_EQ(reasonAgainst("Mass_2", other), "named like the output \"Mass\"");
     EXPECT_EQ(reasonAgainst("mass 2 [kg]", other), "named like the output \"Mass\"");
     EXPECT_EQ(reasonAgainst("Mass flow", other), "");
+    CaseTable responses = tableWith("Response 1 Yield %", other);
+    responses.columns[2].name = "Response 2 Mass";
+    EXPECT_EQ(chooseCaseRoles(responses, {}, {"Response 2 Mass"}).columns.front().reason,
+              "named like the output \"Response 2 Mass\"");
+    EXPECT_EQ(chooseCaseRoles(responses, {}, {}, UnnamedOutputs::Suggested).outputs,
+              (Positions{0, 2}));
     EXPECT_EQ(reasonAgainst("Masses", other), "");
 }
 

@@ -41,3 +41,12 @@ TEST(UnitText, LosesItsBrackets)
     EXPECT_EQ(unitWithoutBrackets(" (1/min) "), "1/min");
     EXPECT_EQ(unitWithoutBrackets("W/(m K)"), "W/(m K)");
 }
+
+TEST(UnitText, StandsBehindTheNameOnce)
+{
+    EXPECT_EQ(nameWithUnit("Stress", "MPa"), "Stress (MPa)");
+    EXPECT_EQ(nameWithUnit("Stress [MPa]", "MPa"), "Stress [MPa]");
+    EXPECT_EQ(nameWithUnit("Yield (%)", "%"), "Yield (%)");
+    EXPECT_EQ(nameWithUnit("Stress (mean)", "MPa"), "Stress (mean) (MPa)");
+    EXPECT_EQ(nameWithUnit("Stress", ""), "Stress");
+}
