@@ -22,12 +22,7 @@ std::unique_ptr<FittedModel> ModelSettings::fit(const std::vector<double*>& inde
             inputs, outputs, rows, settings.responseSurface, ofRows,
             SurrogateResponseSurfaceModel::Fallback::InteractionsOfTwoLevels);
     };
-    TransformSetting setting = transform;
-    if (setting == TransformSetting::Usual) {
-        setting = isKriging ? TransformSetting::Automatic : TransformSetting::None;
-    } else if (setting == TransformSetting::BoxCox && isKriging) {
-        setting = TransformSetting::Automatic;
-    }
+    const TransformSetting setting = transformFor(transform, isKriging);
     if (setting == TransformSetting::None) {
         return untransformed(independentColumns, dependentColumns, rowCount, design);
     }

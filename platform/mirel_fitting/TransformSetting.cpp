@@ -1,5 +1,17 @@
 #include <mirel_fitting/TransformSetting.h>
 
+TransformSetting transformFor(TransformSetting setting, bool isKriging)
+{
+    switch (setting) {
+    case TransformSetting::Usual:
+        return isKriging ? TransformSetting::Automatic : TransformSetting::None;
+    case TransformSetting::BoxCox:
+        return isKriging ? TransformSetting::Automatic : setting;
+    default:
+        return setting;
+    }
+}
+
 const char* transformWord(TransformSetting setting)
 {
     switch (setting) {

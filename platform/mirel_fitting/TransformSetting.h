@@ -13,6 +13,9 @@ enum class TransformSetting
     BoxCox ///< by the likelihood of powers; Automatic for Kriging
 };
 
+/** The setting that a type of model uses: Usual and BoxCox as they say above, others themselves. */
+MIREL_FITTING_EXPORT TransformSetting transformFor(TransformSetting setting, bool isKriging);
+
 /** "auto", "none", "sqrt", "log", "boxcox", as users write it and documents for programs say it;
  * "usual". */
 MIREL_FITTING_EXPORT const char* transformWord(TransformSetting setting);

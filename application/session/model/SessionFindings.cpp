@@ -20,13 +20,6 @@
 #include <string_view>
 
 namespace {
-bool transformsOutputs(const Workspace& workspace)
-{
-    const TransformSetting setting = workspace.transform();
-    return setting == TransformSetting::Usual ? workspace.modelType() == Workspace::Kriging
-                                              : setting != TransformSetting::None;
-}
-
 std::vector<DiagnosedCases::Column> columnsOf(const Workspace& workspace,
                                               const std::vector<VarPtr>& variables,
                                               const std::vector<std::size_t>& rows)
@@ -55,7 +48,8 @@ DiagnosedCases diagnosedCases(const Workspace& workspace)
         cases.responseSurface.formula =
             TermFormula(cases.responseSurface.formula, namesOf(workspace.inputs())).symbols();
     }
-    cases.transformsOutputs = transformsOutputs(workspace);
+    cases.transformsOutputs =
+        transformFor(workspace.transform(), cases.isKriging) != TransformSetting::None;
     return cases;
 }
 
