@@ -3,14 +3,10 @@
 #include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/ArgumentCheck.h>
-#include <mirel_fitting/cases/KrigingCases.h>
-#include <mirel_fitting/cases/SpaceFillingSubset.h>
-#include <mirel_fitting/numerics/Picked.h>
+#include <mirel_fitting/transform/TransformChoice.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 #include <map>
 #include <utility>
 
@@ -19,30 +15,6 @@ namespace {
 using Columns = std::vector<std::vector<double>>;
 
 constexpr double none = FitMetrics::none;
-
-/** Gain in log-likelihood and log-density above which a transform is taken: one of 1.3 has made
- *  predictions worse. */
-constexpr double leastGain = 5.0;
-
-/** The same where it is that of a subset, which does not show how the gain goes on: by 5.5 a tenth
- * of the cases favours the square root of the OTL circuit, at 1.27 times the error. */
-constexpr double leastGainOfSubset = 10.0;
-
-/** Largest over smallest value: below, logarithm and straight line differ by at most a twentieth of
- *  the range. */
-constexpr double leastRatio = 1.5;
-
-/** No transform is chosen for more cases: Kriging estimates the parameters of more from a part of
- * them (KrigingSizes::maxSearched), and the logarithm of 100 000 cases of borehole takes twice the
- * time.
- */
-constexpr std::size_t maxCases = 5000;
-
-/** Three fits to so many cost some 5 % of one fit to 1000. Twice as many choose no better. */
-constexpr std::size_t comparedPoints = 100;
-
-constexpr std::array<OutputTransform, 2> transforms = {OutputTransform::SquareRoot,
-                                                       OutputTransform::Logarithm};
 
 /** None where the transform is chosen for each output. */
 std::optional<OutputTransform> fixedTransform(TransformSetting setting)
@@ -65,59 +37,6 @@ std::vector<double> transformed(OutputTransform transform, const std::vector<dou
     std::transform(output.begin(), output.end(), values.begin(),
                    [&](double y) { return OutputTransforms::apply(transform, y); });
     return values;
-}
-
-/** Times the number that makes the product of its derivatives over the cases 1: the likelihoods of
- *  what results are in the output's units, restricted ones too. */
-std::vector<double> withUnitJacobian(OutputTransform transform, const std::vector<double>& output)
-{
-    double meanLogarithm = 0.0;
-    for (const double y : output) {
-        meanLogarithm += std::log(y) / static_cast<double>(output.size());
-    }
-    const double geometricMean = std::exp(meanLogarithm);
-    const double factor =
-        transform == OutputTransform::Logarithm ? geometricMean : 2.0 * std::sqrt(geometricMean);
-    std::vector<double> values = transformed(transform, output);
-    for (double& value : values) {
-        value *= factor;
-    }
-    return values;
-}
-
-/** The logarithm of the density of a left-out case, but for a constant, under the normal
- *  distribution that the fit to the others predicts; NaN where these do not determine it. */
-double leftOutDensity(const LeaveOneOutPrediction& one)
-{
-    const double deviations = (one.output - one.predicted) / one.standardError;
-    return -std::log(one.standardError) - 0.5 * deviations * deviations;
-}
-
-/** How much greater the densities of all left-out cases are with an output than with the first. */
-double gainOfDensity(const FittedModel& model, int offset)
-{
-    const std::vector<LeaveOneOutPrediction> first = model.leaveOneOutPredictions(0);
-    const std::vector<LeaveOneOutPrediction> other = model.leaveOneOutPredictions(offset);
-    double sum = 0.0;
-    for (std::size_t i = 0; i < first.size(); ++i) {
-        const double gain = leftOutDensity(other[i]) - leftOutDensity(first[i]);
-        sum += std::isnan(gain) ? 0.0 : gain;
-    }
-    return sum;
-}
-
-/** How much better a model describes the cases with its second output than with its first; NaN if
- *  that cannot be said. */
-double gainOf(const FittedModel& model, int offset)
-{
-    const double likelihood =
-        model.fitMetrics(offset).logLikelihood - model.fitMetrics(0).logLikelihood;
-    // Infinite: the trend passes through all cases, and the densities are quotients of roundings.
-    if (std::isinf(likelihood) || std::isnan(likelihood)) {
-        return likelihood;
-    }
-    const double density = gainOfDensity(model, offset);
-    return density < likelihood || std::isnan(density) ? density : likelihood;
 }
 
 } // namespace
@@ -234,13 +153,14 @@ private:
     {
         const auto [smallest, largest] = std::minmax_element(output, output + rowCount);
         return *smallest > 0.0 && fixed != OutputTransform::None &&
-               (fixed || isBoxCox || (*largest > leastRatio * *smallest && rowCount <= maxCases));
+               (fixed || isBoxCox || TransformChoice::isWorthwhile(*smallest, *largest, rowCount));
     }
 
     std::vector<OutputTransform> wantedTransforms() const
     {
         return fixed ? std::vector<OutputTransform>{*fixed}
-                     : std::vector<OutputTransform>(transforms.begin(), transforms.end());
+                     : std::vector<OutputTransform>(TransformChoice::transforms.begin(),
+                                                    TransformChoice::transforms.end());
     }
 
     Fit fitted(int offset)
@@ -256,7 +176,10 @@ private:
                 result.profile = profileOf(offset);
                 result.transform = result.profile->transform;
             } else {
-                choose(offset, result);
+                const TransformChoice choice =
+                    TransformChoice::of(inputs, outputs.at(offset), design, maker);
+                result.transform = choice.transform;
+                result.gain = choice.gain;
             }
         }
         if (result.transform != OutputTransform::None) {
@@ -285,51 +208,6 @@ private:
             }
             return likelihoods;
         });
-    }
-
-    void choose(int offset, Fit& result)
-    {
-        const std::vector<std::size_t> comparedRows = rowsToCompare();
-        const std::size_t rows = comparedRows.size();
-        Columns compared;
-        for (const std::vector<double>& input : inputs) {
-            compared.push_back(picked(input, comparedRows));
-        }
-        const std::vector<double> output = picked(outputs.at(offset), comparedRows);
-        Columns candidates = {output};
-        for (const OutputTransform transform : transforms) {
-            candidates.push_back(withUnitJacobian(transform, output));
-        }
-        const auto model =
-            maker(pointersTo(compared), pointersTo(candidates), rows, design.of(comparedRows));
-        for (std::size_t k = 0; k < candidates.size(); ++k) {
-            const auto count = static_cast<double>(candidates.size());
-            const FitProgress::Portion portion(static_cast<double>(k) / count,
-                                               static_cast<double>(k + 1) / count);
-            model->activateDependentVariables({static_cast<int>(k)});
-        }
-        for (std::size_t k = 0; k < transforms.size(); ++k) {
-            const double gain = gainOf(*model, static_cast<int>(k + 1));
-            if (std::isnan(result.gain) || gain > result.gain) {
-                result.gain = gain;
-                result.transform = transforms[k];
-            }
-        }
-        if (!(result.gain > (rows < columns.cases() ? leastGainOfSubset : leastGain))) {
-            result.transform = OutputTransform::None;
-        }
-    }
-
-    /** All rows at some of the distinct points, chosen whatever the order of the rows. */
-    std::vector<std::size_t> rowsToCompare()
-    {
-        const KrigingCases cases(pointersTo(inputs), columns.cases());
-        std::vector<std::size_t> rows;
-        for (const std::size_t point : randomSubset(cases.pointCount(), comparedPoints)) {
-            const std::vector<std::size_t> atPoint = cases.rowsAt(point);
-            rows.insert(rows.end(), atPoint.begin(), atPoint.end());
-        }
-        return rows;
     }
 
     /** The figures that the model has, in the output's units, at the cases that it measures. */

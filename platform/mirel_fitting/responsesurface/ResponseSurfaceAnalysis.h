@@ -61,6 +61,7 @@ public:
     /** Whether the residuals are no more than rounding. */
     bool isExact() const;
 
+    /** NaN where the cases are too few, or the fit is exact. */
     double aicc() const;
 
     /** For `terms` coefficients and the variance, as ResponseSurfaceStatistics says; infinite, not

@@ -29,10 +29,6 @@ double likelihoodAt(const std::shared_ptr<KrigingData>& data, const std::vector<
     return KrigingLikelihood(data).evaluate(lengths, nugget);
 }
 
-} // namespace
-
-namespace {
-
 /** Rooms of 12 shapes, each described by four inputs of which two determine the others, turned to
  *  four sides, which each shape answers in its own way, with windows of four sizes in five places.
  */
