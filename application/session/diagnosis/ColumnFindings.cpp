@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <utility>
 
 using Column = DiagnosedCases::Column;
 using FindingWords::names;
@@ -107,19 +106,15 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
     }
 }
 
-/** The values of a column in ascending order, with their rows, divided at the widest interval. */
+/** The values of a column in ascending order, divided at the widest interval. */
 struct SortedColumn
 {
-    explicit SortedColumn(const Column& column)
+    explicit SortedColumn(const Column& column) : sorted(column.values)
     {
-        sorted.reserve(column.values.size());
-        for (std::size_t row = 0; row < column.values.size(); ++row) {
-            sorted.emplace_back(column.values[row], row);
-        }
         std::sort(sorted.begin(), sorted.end());
         double widest = 0.0;
         for (std::size_t i = 1; i < sorted.size(); ++i) {
-            const double width = sorted[i].first - sorted[i - 1].first;
+            const double width = sorted[i] - sorted[i - 1];
             if (width > widest) {
                 widest = width;
                 split = i;
@@ -127,9 +122,9 @@ struct SortedColumn
         }
     }
 
-    double value(std::size_t i) const { return sorted[i].first; }
+    double value(std::size_t i) const { return sorted[i]; }
     std::size_t count() const { return sorted.size(); }
-    double range() const { return sorted.back().first - sorted.front().first; }
+    double range() const { return sorted.back() - sorted.front(); }
     double gap() const { return value(split) - value(split - 1); }
 
     std::size_t distinct(std::size_t begin, std::size_t end) const
@@ -141,7 +136,7 @@ struct SortedColumn
         return different;
     }
 
-    std::vector<std::pair<double, std::size_t>> sorted;
+    std::vector<double> sorted;
     std::size_t split = 0; ///< the widest interval lies below it; 0 of a constant column
 };
 
@@ -215,10 +210,12 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     }
 
     std::vector<std::size_t> positions;
-    for (std::size_t i = begin; i < end; ++i) {
-        positions.push_back(cases.positions[sorted.sorted[i].second]);
+    for (std::size_t row = 0; row < column.values.size(); ++row) {
+        const double value = column.values[row];
+        if (isAbove ? value >= sorted.value(begin) : value <= sorted.value(end - 1)) {
+            positions.push_back(cases.positions[row]);
+        }
     }
-    std::sort(positions.begin(), positions.end());
     const bool isOne = far == 1;
     std::string number =
         areCodes ? numberText(sorted.value(begin)) : shownFigure(sorted.value(begin));
