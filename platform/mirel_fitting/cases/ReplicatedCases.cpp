@@ -14,24 +14,16 @@
 
 namespace {
 
-/** Numbers of groups of values: neighbours in a group lie within ReplicatedCases::nearness of the
- *  range. */
-std::vector<double> groupsOf(const double* values, std::size_t count)
+/** The numbers of cells of ReplicatedCases::nearness of the range that the values lie in. */
+std::vector<double> cellsOf(const double* values, std::size_t count)
 {
-    const double nearest = 2.0 * ReplicatedCases::nearness * ColumnScale(values, count).halfRange();
-    std::vector<double> begins(values, values + count);
-    std::sort(begins.begin(), begins.end());
-    double before = -std::numeric_limits<double>::infinity();
-    const auto isNear = [&](double value) {
-        const bool result = value - before <= nearest;
-        before = value;
-        return result;
-    };
-    begins.erase(std::remove_if(begins.begin(), begins.end(), isNear), begins.end());
-    std::vector<double> result(count);
-    for (std::size_t k = 0; k < count; ++k) {
-        const auto next = std::upper_bound(begins.begin(), begins.end(), values[k]);
-        result[k] = static_cast<double>(next - begins.begin());
+    // Levels lie at simple fractions of the range: a cell begins at none of them.
+    constexpr double offset = 0.381966;
+    const ColumnScale scale(values, count);
+    std::vector<double> result(count, 0.0);
+    for (std::size_t k = 0; k < count && scale.halfRange() > 0.0; ++k) {
+        const double fromCentre = (values[k] - scale.centre()) / (2.0 * scale.halfRange());
+        result[k] = std::floor(fromCentre / ReplicatedCases::nearness + offset);
     }
     return result;
 }
@@ -44,7 +36,7 @@ ReplicatedCases::ReplicatedCases(const std::vector<const double*>& values, std::
     assert(cases <= std::numeric_limits<std::uint32_t>::max());
     std::vector<std::vector<double>> columns;
     for (const double* const column : values) {
-        columns.push_back(groupsOf(column, cases));
+        columns.push_back(cellsOf(column, cases));
     }
     const auto hash = [&](std::uint32_t row) {
         std::size_t seed = 0;

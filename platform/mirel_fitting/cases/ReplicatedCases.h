@@ -7,8 +7,9 @@
 #include <vector>
 
 /** Replicates, cases with the same inputs up to a billionth of each input's range, as 0.3 and
- * 0.1 + 0.2, or a chain of such steps: their outputs differ by pure error, which no model of these
- * inputs explains. */
+ * 0.1 + 0.2: their outputs differ by pure error, which no model of these inputs explains. Inputs
+ * that differ by rounding lie in one cell of that width; one pair in some ten million is divided by
+ * an edge and counts as different, which sorting a million cases for would cost seconds. */
 class MIREL_FITTING_EXPORT ReplicatedCases
 {
 public:
@@ -19,9 +20,8 @@ public:
     ReplicatedCases() = default;
 
     /**
-     * O(cases log(cases)) time, with FitProgress::advance() every few hundredths of a second; 8
-     * bytes per value and some 50 per case during construction, and 4 later if there are
-     * replicates.
+     * O(cases) time, with FitProgress::advance() every few hundredths of a second; 8 bytes per
+     * value and some 50 per case during construction, and 4 later if there are replicates.
      * @param columns one array of `cases` finite values per input, borrowed for the call. Without
      *                inputs, all cases are replicates of each other.
      * @param cases   less than 2^32.
