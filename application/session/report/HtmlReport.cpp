@@ -56,7 +56,8 @@ svg { max-width: 100%; height: auto; display: block; }
 @media print { :root { --text: #000; --back: #fff; --line: #ccc; --soft: #fff; --bar: #0072b2; }
   body { margin: 0; padding: 0; max-width: none; font-size: 9pt; }
   h2, h3 { break-after: avoid; } tr, .pictures > *, .verdict { break-inside: avoid; }
-  .pictures { display: block; } .pictures > * { display: inline-block; width: 48%; }
+  .pictures { display: block; orphans: 1; widows: 1; }
+  .pictures > * { display: inline-block; width: 48%; }
   .wide { overflow: visible; } svg { filter: none; }
   .share { print-color-adjust: exact; -webkit-print-color-adjust: exact; } }
 )";
