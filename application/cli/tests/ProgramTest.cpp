@@ -122,6 +122,14 @@ TEST_F(Program, ColumnsThatAreNoInputsAreNamedWithTheReason)
     EXPECT_EQ(json["notInputs"][0],
               Json::parse(R"({"name": "Run", "reason": "counts up by one, from 1 to 5"})"));
 
+    for (const std::string command : {"fit", "compare"}) {
+        const Json doubtful = Json::parse(run(command + " cvd.csv -y Stress --json").out);
+        EXPECT_EQ(doubtful["doubtfulInputs"],
+                  Json::parse("[{\"name\": \"Uniformity\", \"reason\": \"an input, though it looks "
+                              "like an output\"}]"))
+            << command;
+    }
+
     expectFailure("fit runs.csv -y Run,a,b,y1,y2", 2,
                   "No column is left to be an input: \"Date\" (dates or times). Name inputs with "
                   "-x NAMES.");

@@ -207,10 +207,10 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                                         const ModelComparison& comparison, double readSeconds)
 {
     Json json = {{"schema", ReportJson::schemaVersion},
-                 {"cases", ReportHeading::casesJson(workspace)},
-                 {"inputs", namesOf(workspace.inputs())},
-                 {"folds", comparison.folds},
-                 {"outputs", Json::array()}};
+                 {"cases", ReportHeading::casesJson(workspace)}};
+    ReportHeading::addInputs(workspace, json);
+    json["folds"] = comparison.folds;
+    json["outputs"] = Json::array();
     for (const OutputComparison& output : comparison.outputs) {
         json["outputs"].push_back({{"name", output.name},
                                    {"models",

@@ -180,6 +180,21 @@ ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)
     return json;
 }
 
+void ReportHeading::addInputs(const Workspace& workspace, ReportJson::Json& json)
+{
+    json["inputs"] = namesOf(workspace.inputs());
+    for (const auto& [name, reason] : workspace.reasonsAgainstInputs()) {
+        json["notInputs"].push_back({{"name", name}, {"reason", reason}});
+    }
+    const std::vector<ColumnRole> roles = workspace.columnRoles();
+    const std::vector<std::string> names = namesOf(workspace.project().variables());
+    for (std::size_t i = 0; i < roles.size(); ++i) {
+        if (roles[i].role == ColumnRole::Input && !roles[i].reason.empty()) {
+            json["doubtfulInputs"].push_back({{"name", names[i]}, {"reason", roles[i].reason}});
+        }
+    }
+}
+
 bool ReportHeading::selectsTerms(const Workspace& workspace)
 {
     return workspace.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
@@ -199,10 +214,7 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
         json["selectsTerms"] = selectsTerms(workspace);
         ReportJson::addDesign(workspace.designColumns(), json);
     }
-    json["inputs"] = namesOf(workspace.inputs());
-    for (const auto& [name, reason] : workspace.reasonsAgainstInputs()) {
-        json["notInputs"].push_back({{"name", name}, {"reason", reason}});
-    }
+    addInputs(workspace, json);
     json["outputs"] = ReportJson::Json::array();
     return json;
 }

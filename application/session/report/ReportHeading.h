@@ -38,6 +38,10 @@ SURROGATE_SESSION_EXPORT ReportJson::Json layoutJson(const CaseFileLayout& layou
  * which cells are no numbers. */
 SURROGATE_SESSION_EXPORT ReportJson::Json casesJson(const Workspace& workspace);
 
+/** Adds "inputs" and, where nobody named them, "notInputs": the other columns that could be some,
+ *  and "doubtfulInputs": those that may be outputs, each with the reason. */
+void addInputs(const Workspace& workspace, ReportJson::Json& json);
+
 /** Whether terms of response surfaces are selected. */
 SURROGATE_SESSION_EXPORT bool selectsTerms(const Workspace& workspace);
 
