@@ -5,6 +5,7 @@
 #include "plot/model/ModelSlice.h"
 
 #include <session/model/CaseSession.h>
+#include <session/model/ModelName.h>
 #include <session/text/QuotedText.h>
 #include <session/text/UnitText.h>
 
@@ -31,12 +32,9 @@ LeaveOneOutCases LeaveOneOutCases::of(CaseSession& session, std::size_t output)
     for (LeaveOneOutPrediction& one : predictions) {
         one.row = cases.at(one.row);
     }
-    return {shortText(name),
-            session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface",
-            std::move(predictions),
-            session.counts().valid,
-            session.unitOf(name),
-            hasLogarithmicAxis(session, output)};
+    return {shortText(name),        ::modelName(session.modelType()),
+            std::move(predictions), session.counts().valid,
+            session.unitOf(name),   hasLogarithmicAxis(session, output)};
 }
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
+#include <session/model/ModelName.h>
 #include <session/text/NumberText.h>
 #include <session/text/QuotedText.h>
 
@@ -38,7 +39,7 @@ bool isSwept(const ModelSlice& slice, std::size_t input)
 ModelSlice emptySlice(CaseSession& session, std::vector<std::size_t> swept)
 {
     ModelSlice slice;
-    slice.modelName = session.modelType() == CaseSession::Kriging ? "Kriging" : "response surface";
+    slice.modelName = modelName(session.modelType());
     slice.swept = std::move(swept);
     for (const std::string& name : namesOf(session.inputs())) {
         slice.inputs.push_back({shortText(name), {}, {}, session.unitOf(name)});
@@ -195,8 +196,10 @@ ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::s
                                   std::size_t values, const FittedCases& cases)
 {
     ModelSlice slice = emptySlice(session, swept);
-    const auto count =
-        static_cast<std::size_t>(std::pow(values, static_cast<double>(swept.size())));
+    std::size_t count = 1;
+    for (std::size_t k = 0; k < swept.size(); ++k) {
+        count *= values;
+    }
     const std::vector<double> held = session.heldValues();
     for (std::size_t i = 0; i < slice.inputs.size(); ++i) {
         slice.inputs[i].values.assign(count, held[i]);

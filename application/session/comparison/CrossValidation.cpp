@@ -2,6 +2,7 @@
 
 #include "session/cases/CaseCounts.h"
 #include "session/model/ModelInterfaces.h"
+#include "session/model/ModelName.h"
 #include "session/model/SessionModelFactory.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
@@ -190,8 +191,8 @@ void CrossValidation::runFit(ModelType type, std::size_t fold, TrainTestSplit& s
                              std::vector<double>& output, Predictions& predictions)
 {
     // Before and after the fit, so that the error that cancels is not taken for the fit's own.
-    const std::string message = std::string(nameOf(type)) + ", fold " + std::to_string(fold + 1) +
-                                " of " + std::to_string(folds);
+    const std::string message = std::string(modelName(type)) + ", fold " +
+                                std::to_string(fold + 1) + " of " + std::to_string(folds);
     FitProgress::report(0.0, message);
     try {
         predict(type, split, output, predictions, message);
@@ -229,9 +230,7 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
     PredictionIntervals intervals = intervalsOf(
         *model, split.testInputs, split.testCases.size(),
         type == Workspace::Kriging ? std::vector<double>() : split.testWeights, message);
-    for (std::vector<double>* const column : {&values, &intervals.lower, &intervals.upper}) {
-        addBlockEffects(*model, split.testCases, *column);
-    }
+    addBlockEffects(*model, split.testCases, {&values, &intervals.lower, &intervals.upper});
     for (std::size_t i = 0; i < values.size(); ++i) {
         predictions.values[split.testCases[i]] = values[i];
         if (!intervals.lower.empty()) {
@@ -245,7 +244,7 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
  * the model does not know stay. */
 void CrossValidation::addBlockEffects(const SurrogateModelInterface& model,
                                       const std::vector<std::size_t>& rows,
-                                      std::vector<double>& values) const
+                                      const std::vector<std::vector<double>*>& columns) const
 {
     const ModelInterfaces interfaces(model);
     const auto statistics =
@@ -258,10 +257,12 @@ void CrossValidation::addBlockEffects(const SurrogateModelInterface& model,
         effects[one.block] = one.effect;
     }
     const OutputTransform transform = interfaces.transform(0).transform;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const double value = OutputTransforms::apply(transform, values[i]);
-        values[i] =
-            OutputTransforms::invert(transform, value + effects[cases.design.blocks[rows[i]]]);
+    for (std::vector<double>* const column : columns) {
+        for (std::size_t i = 0; i < column->size(); ++i) {
+            double& value = (*column)[i];
+            value = OutputTransforms::invert(transform, OutputTransforms::apply(transform, value) +
+                                                            effects[cases.design.blocks[rows[i]]]);
+        }
     }
 }
 
@@ -269,11 +270,6 @@ FitProgress::Portion CrossValidation::partOf(std::size_t step, std::size_t count
 {
     const auto steps = static_cast<double>(count);
     return {static_cast<double>(step) / steps, static_cast<double>(step + 1) / steps};
-}
-
-const char* CrossValidation::nameOf(ModelType type)
-{
-    return type == Workspace::Kriging ? "Kriging" : "response surface";
 }
 
 std::size_t CrossValidation::termCount(const SurrogateModelInterface& model,

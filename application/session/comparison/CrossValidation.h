@@ -65,9 +65,6 @@ public:
     /** The progress of one of `count` equal steps. */
     static FitProgress::Portion partOf(std::size_t step, std::size_t count);
 
-    /** "Kriging", "response surface". */
-    static const char* nameOf(ModelType type);
-
     /** Of a response surface before terms are selected: a selection of fewer terms is no sign of
      *  too few cases. */
     static std::size_t termCount(const SurrogateModelInterface& model,
@@ -91,7 +88,7 @@ private:
     void predict(ModelType type, TrainTestSplit& split, std::vector<double>& output,
                  Predictions& predictions, const std::string& message) const;
     void addBlockEffects(const SurrogateModelInterface& model, const std::vector<std::size_t>& rows,
-                         std::vector<double>& values) const;
+                         const std::vector<std::vector<double>*>& columns) const;
 
     const Workspace& workspace;
     const ComparedCases& cases;

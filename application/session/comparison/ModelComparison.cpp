@@ -4,6 +4,7 @@
 #include "session/comparison/ComparisonVerdict.h"
 #include "session/comparison/CrossValidation.h"
 #include "session/model/ModelInterfaces.h"
+#include "session/model/ModelName.h"
 #include "session/model/SessionModelFactory.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
@@ -90,7 +91,7 @@ struct WholeFit
     WholeFit(ModelType type, const Workspace& workspace, const ComparedCases& cases,
              std::size_t output)
     {
-        const std::string message = std::string(CrossValidation::nameOf(type)) + ", all cases";
+        const std::string message = std::string(modelName(type)) + ", all cases";
         FitProgress::report(0.0, message);
         try {
             Columns inputs = cases.inputs;
