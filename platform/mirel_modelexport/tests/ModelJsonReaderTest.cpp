@@ -161,7 +161,7 @@ TEST(ModelJsonReader, ADamagedDocumentIsRefusedOrTakenNeverACrash)
         for (std::size_t length = 0; length + 2 < whole.size(); length += 13) {
             EXPECT_NE(refusalOf(whole.substr(0, length)), "") << length;
         }
-        for (int i = 0; i < 1500; ++i) {
+        for (int i = 0; i < 500; ++i) {
             std::string damaged = whole;
             const int changes = 1 + static_cast<int>(3.0 * random.next());
             for (int change = 0; change < changes; ++change) {
@@ -174,5 +174,5 @@ TEST(ModelJsonReader, ADamagedDocumentIsRefusedOrTakenNeverACrash)
             refused += refusalOf(damaged).empty() ? 0 : 1;
         }
     }
-    EXPECT_GT(refused, 1000u);
+    EXPECT_GT(refused, 333u);
 }

@@ -32,7 +32,8 @@ protected:
 
 TEST_P(SmallCholeskyOfCorrelations, FactorTimesItsTransposeIsTheMatrix)
 {
-    std::vector<double> factor = matrix();
+    const std::vector<double> expected = matrix();
+    std::vector<double> factor = expected;
 
     ASSERT_TRUE(SmallCholesky(order).factorise(factor.data()));
 
@@ -43,7 +44,7 @@ TEST_P(SmallCholeskyOfCorrelations, FactorTimesItsTransposeIsTheMatrix)
                 product += factor[k * order + i] * factor[k * order + j];
             }
             // A few roundings of sums of at most `order` terms below 1.
-            EXPECT_NEAR(product, matrix()[j * order + i], 1e-14) << i << ", " << j;
+            EXPECT_NEAR(product, expected[j * order + i], 1e-14) << i << ", " << j;
         }
     }
 }
