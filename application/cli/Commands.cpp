@@ -126,10 +126,6 @@ std::vector<InputRanking> rankingsOf(CaseSession& session)
 void runFit(const CommandLine& line)
 {
     OpenSession open(line);
-    if (line.choices.coding && open.session.modelType() == CaseSession::Kriging) {
-        throw UsageError("--coding is for the coefficients of a response surface, and the model is "
-                         "kriging: leave it out, or choose -m response-surface.");
-    }
     fitWithProgress(line, open.session);
     if (!line.report.empty()) {
         writeText(line.report,
@@ -240,10 +236,6 @@ void runPredict(const CommandLine& line)
 void runEquations(const CommandLine& line)
 {
     OpenSession open(line);
-    if (open.session.modelType() == CaseSession::Kriging) {
-        throw UsageError("Only response surfaces have equations, and the project chooses "
-                         "kriging: add -m response-surface.");
-    }
     open.session.model();
     open.save(line);
     const bool isOnlyObject = line.asJson && line.output == "-";

@@ -50,12 +50,6 @@ std::unique_ptr<CaseSession> openProject(const CommandLine& line)
     for (const std::string& sentence : opened.notes) {
         note(line, "Note: " + sentence + '\n');
     }
-    // A comparison has a response surface whatever the project chooses.
-    if (line.choosesTerms() && opened.session->modelType() == CaseSession::Kriging &&
-        line.command != CommandLine::Compare) {
-        throw UsageError("--terms, --select-terms and --all-terms choose the terms of a response "
-                         "surface, and the project chooses kriging: add -m response-surface.");
-    }
     return std::move(opened.session);
 }
 
@@ -67,6 +61,31 @@ std::unique_ptr<CaseSession> openCases(const CommandLine& line)
         choices.unnamedOutputs = UnnamedOutputs::Suggested;
     }
     return openCases(readCaseTable(line.subject, line.reading), choices);
+}
+
+/** Refuses what only response surfaces have where the project chooses kriging. A comparison has a
+ *  response surface in any case. */
+void checkModel(const CommandLine& line, const Workspace& workspace)
+{
+    if (workspace.modelType() != Workspace::Kriging || line.command == CommandLine::Compare) {
+        return;
+    }
+    if (line.choosesTerms()) {
+        throw UsageError("--terms, --select-terms and --all-terms choose the terms of a response "
+                         "surface, and the project chooses kriging: add -m response-surface.");
+    }
+    if (!workspace.designColumns().isEmpty()) {
+        throw UsageError("Weights and blocks are for response surfaces only: choose -m "
+                         "response-surface, or --weights none and --block none.");
+    }
+    if (line.choices.coding) {
+        throw UsageError("--coding is for the coefficients of a response surface, and the model is "
+                         "kriging: leave it out, or choose -m response-surface.");
+    }
+    if (line.command == CommandLine::Equations) {
+        throw UsageError("Only response surfaces have equations, and the project chooses "
+                         "kriging: add -m response-surface.");
+    }
 }
 
 /** A text NAME=VALUE of an option. */
@@ -92,11 +111,7 @@ OpenSession::OpenSession(const CommandLine& line)
                      line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
         requireFewInputs(session, line.command == CommandLine::Compare);
     }
-    if (session.modelType() == CaseSession::Kriging && !session.designColumns().isEmpty() &&
-        line.command != CommandLine::Compare) {
-        throw UsageError("Weights and blocks are for response surfaces only: choose -m "
-                         "response-surface, or --weights none and --block none.");
-    }
+    checkModel(line, session);
     if (!session.source().guess.empty()) {
         note(line, "Read as: " + session.source().guess + '\n');
     }

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "CommandLine.h"
+
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+/** A command with its options. */
+struct CommandDescription
+{
+    CommandLine::Command value;
+    const char* name;
+    const char* description;
+
+    /** Gives the options to the parser, which puts what they say into the command line. */
+    void (*describe)(CLI::App&, CommandLine&);
+};
+
+/** All commands but help, in the order in which help lists them. */
+const std::vector<CommandDescription>& commandDescriptions();
