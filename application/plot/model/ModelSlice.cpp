@@ -26,8 +26,8 @@ constexpr double nearShare = 0.1;
 /** Likewise for a swept input: the ends of an even sweep are its range but for rounding. */
 constexpr double roundingShare = 1e-9;
 
-/** More held inputs, or longer names, would fill the picture with text. */
-constexpr std::size_t maxHeldInputs = 20;
+/** More held inputs, or longer names, would fill the picture with text: of 40, a quarter. */
+constexpr std::size_t maxHeldInputs = 40;
 constexpr int maxNameCharacters = 32;
 
 bool isSwept(const ModelSlice& slice, std::size_t input)
