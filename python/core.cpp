@@ -1,12 +1,11 @@
 /* The compiled half of the Python package: arrays in, arrays out. What users see is
  * surrogatemodel/__init__.py; surrogatemodel/_core.pyi lists what stands here. */
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/KrigingSurrogateModel.h>
+#include <mirel_fitting/ModelInterfaces.h>
 #include <mirel_fitting/ModelSettings.h>
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TermFormula.h>
 #include <mirel_fitting/ThreadCount.h>
-#include <mirel_fitting/TransformedOutput.h>
+#include <mirel_modelexport/FitJson.h>
 #include <mirel_modelexport/ModelExport.h>
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
@@ -14,6 +13,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -108,59 +108,6 @@ std::vector<int> offsetsUpTo(std::size_t count)
     return offsets;
 }
 
-const char* word(KrigingReport::Bound bound)
-{
-    return bound == KrigingReport::Bound::Lower   ? "lower"
-           : bound == KrigingReport::Bound::Upper ? "upper"
-                                                  : "none";
-}
-
-py::dict dictOf(const FitMetrics& metrics)
-{
-    using py::literals::operator""_a;
-    return py::dict("cases"_a = metrics.cases, "terms"_a = metrics.terms, "r2"_a = metrics.r2,
-                    "adjustedR2"_a = metrics.adjustedR2, "rmse"_a = metrics.rmse,
-                    "press"_a = metrics.press, "predictedR2"_a = metrics.predictedR2,
-                    "looRmse"_a = metrics.looRmse, "q2"_a = metrics.q2,
-                    "logLikelihood"_a = metrics.logLikelihood);
-}
-
-py::dict dictOf(const KrigingReport& report)
-{
-    using py::literals::operator""_a;
-    py::list bounds;
-    for (const KrigingReport::Bound bound : report.lengthBounds) {
-        bounds.append(word(bound));
-    }
-    return py::dict(
-        "correlationLengths"_a = report.correlationLengths, "lengthBounds"_a = bounds,
-        "nugget"_a = report.nugget, "nuggetBound"_a = word(report.nuggetBound),
-        "noiseDeviation"_a = report.noiseDeviation, "processVariance"_a = report.processVariance,
-        "logLikelihood"_a = report.logLikelihood, "condition"_a = report.condition,
-        "trend"_a = report.trendTerms, "trendCoefficients"_a = report.trendCoefficients);
-}
-
-py::dict dictOf(const ResponseSurfaceStatistics& statistics)
-{
-    using py::literals::operator""_a;
-    py::list coefficients;
-    for (const CoefficientStatistics& one : statistics.coefficients) {
-        if (one.isKept) {
-            coefficients.append(py::dict("term"_a = one.term, "estimate"_a = one.estimate,
-                                         "standardError"_a = one.standardError, "t"_a = one.t,
-                                         "p"_a = one.p, "lower"_a = one.lower,
-                                         "upper"_a = one.upper));
-        }
-    }
-    py::list anova;
-    for (const AnovaRow& row : statistics.anova) {
-        anova.append(py::dict("source"_a = row.source, "degreesOfFreedom"_a = row.degreesOfFreedom,
-                              "sumOfSquares"_a = row.sumOfSquares, "meanSquare"_a = row.meanSquare,
-                              "f"_a = row.f, "p"_a = row.p));
-    }
-    return py::dict("coefficients"_a = coefficients, "anova"_a = anova);
-}
-
 /** A fitted model, or one that was read and predicts only. */
 class Model
 {
@@ -248,20 +195,10 @@ public:
             matrixOf(points.rowCount, outputs, [&](int output) { return limits[output].upper; }));
     }
 
-    py::dict report(int output, const Names& names) const
+    /** An object in JSON; cases are counted from 1, blocks are named by their numbers. */
+    std::string report(int output, const Names& names) const
     {
-        const Figures figures = unlocked(mutex, [&] { return figuresOf(output, names); });
-        py::dict report;
-        report["metrics"] = dictOf(figures.metrics);
-        report["warnings"] = figures.warnings;
-        report["transform"] = OutputTransforms::word(figures.transform);
-        const py::dict statistics = figures.kriging   ? dictOf(*figures.kriging)
-                                    : figures.surface ? dictOf(*figures.surface)
-                                                      : py::dict();
-        for (const auto& figure : statistics) {
-            report[figure.first] = figure.second;
-        }
-        return report;
+        return unlocked(mutex, [&] { return reportOf(output, names).dump(); });
     }
 
     std::string equation(int output) const
@@ -315,29 +252,45 @@ public:
     }
 
 private:
-    struct Figures
+    FitJson::Json reportOf(int output, const Names& names) const
     {
-        FitMetrics metrics;
-        Names warnings;
-        OutputTransform transform = OutputTransform::None;
-        std::optional<KrigingReport> kriging;
-        std::optional<ResponseSurfaceStatistics> surface;
-    };
-
-    Figures figuresOf(int output, const Names& names) const
-    {
-        Figures figures;
-        figures.metrics = model->fitMetrics(output);
-        figures.warnings = model->fitWarnings(output, names);
-        figures.transform = model->predictorDescription(output).transform;
-        const auto [inner, offset] = innermost(output);
-        if (const auto* kriging = dynamic_cast<const KrigingSurrogateModel*>(inner)) {
-            figures.kriging = kriging->krigingReport(offset);
-        } else if (const auto* surface =
-                       dynamic_cast<const SurrogateResponseSurfaceModel*>(inner)) {
-            figures.surface = surface->responseSurfaceStatistics(offset);
+        const ModelInterfaces interfaces(*model);
+        const FitMetrics metrics = model->fitMetrics(output);
+        const ModelledTransform modelled = interfaces.transform(output);
+        auto statistics = interfaces.responseSurfaceStatistics(output);
+        FitJson::Json json;
+        json["metrics"] = FitJson::of(metrics, statistics ? &*statistics : nullptr);
+        json["metrics"]["logLikelihood"] = metrics.logLikelihood;
+        const Names notes = model->fitNotes(output, names);
+        json["notes"] = notes;
+        json["warnings"] = FitJson::Json::array();
+        for (const std::string& warning : model->fitWarnings(output, names)) {
+            if (std::find(notes.begin(), notes.end(), warning) == notes.end()) {
+                json["warnings"].push_back(warning);
+            }
         }
-        return figures;
+        json["transform"] = OutputTransforms::word(
+            hasCases() ? modelled.transform : model->predictorDescription(output).transform);
+        if (modelled.profile) {
+            json["boxCox"] = FitJson::of(*modelled.profile);
+        }
+        if (const auto kriging = interfaces.krigingReport(output)) {
+            json.update(FitJson::of(*kriging));
+        }
+        if (statistics) {
+            for (BlockEffect& one : statistics->blockEffects) {
+                one.name = std::to_string(one.block);
+            }
+            json.update(FitJson::of(*statistics, names));
+        }
+        if (hasCases()) {
+            try {
+                json["calibration"] = FitJson::of(fitted().calibrationReport(output));
+            } catch (const SurrogateModelInterface::Error&) {
+                // Without intervals there is nothing to report.
+            }
+        }
+        return json;
     }
 
     const FittedModel& fitted() const
@@ -348,15 +301,6 @@ private:
                 "A model that was read from a file has no standard errors: fit it to its cases.");
         }
         return *fitted;
-    }
-
-    std::pair<const PredictiveModel*, int> innermost(int output) const
-    {
-        const auto* transformed = dynamic_cast<const TransformedOutput*>(model.get());
-        if (transformed == nullptr) {
-            return {model.get(), output};
-        }
-        return {&transformed->inner(), transformed->innerOffset(output)};
     }
 
     std::shared_ptr<const PredictiveModel> model;

@@ -2,6 +2,7 @@
 
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
+#include <mirel_modelexport/FitJson.h>
 #include <mirel_modelexport/ModelJsonNames.h>
 #include <mirel_modelexport/SourceTerms.h>
 
@@ -19,15 +20,6 @@ using Description = PredictorDescription;
 std::string line(const Json& json)
 {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-Json metricsJson(const FitMetrics& metrics)
-{
-    Json json = {{"cases", metrics.cases}, {"terms", metrics.terms}};
-    for (const ModelJsonNames::Metric& metric : ModelJsonNames::metrics) {
-        json[metric.name] = metrics.*metric.value;
-    }
-    return json;
 }
 
 Json inputJson(const ExportedModel::Input& input, const Description::InputRange& range)
@@ -71,7 +63,7 @@ std::string outputJson(const ExportedModel::Output& output)
     const auto member = [&](const std::string& name, const std::string& value) {
         text += "," + indent + "\"" + name + "\": " + value;
     };
-    member("metrics", line(metricsJson(output.model.metrics)));
+    member("metrics", line(FitJson::of(output.model.metrics)));
     member("warnings", line(output.model.warnings));
     member("offset", line(predictor.offset));
     member("scale", line(predictor.scale));

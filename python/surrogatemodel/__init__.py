@@ -10,6 +10,7 @@ The same cases and choices give the same model as the program `surrogate`.
 from __future__ import annotations
 
 import copy
+import json
 import os
 from collections.abc import Mapping, Sequence
 from typing import Any
@@ -52,7 +53,8 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
         numbers: list[int] = []
         if blocks is not None:
             check_consistent_length(X, blocks)
-            numbers = np.unique(np.asarray(blocks), return_inverse=True)[1][rows].tolist()
+            self._block_names, of_cases = np.unique(np.asarray(blocks), return_inverse=True)
+            numbers = of_cases[rows].tolist()
         self._rows = rows
         # Kept for unpickling: a model that is fitted again, with the same parameters even if
         # set_params() has changed them since, has the same bits.
@@ -94,9 +96,24 @@ class _SurrogateModel(RegressorMixin, BaseEstimator):
 
     def report(self, output: int = 0) -> dict[str, Any]:
         """Metrics, warnings and the parameters or coefficients with their statistics, named as in
-        the JSON of `surrogate fit`."""
+        the JSON of `surrogate fit`. Cases are counted from 1; None is a figure that does not exist,
+        or an infinite one. The first call calibrates the intervals, as predict() with `interval`
+        does."""
         check_is_fitted(self)
-        return self._complete().report(output, self._input_names())
+
+        def named(figures: dict[str, Any]) -> dict[str, Any]:
+            if "case" in figures:
+                figures["case"] = int(self._rows[figures["case"] - 1]) + 1
+            if "suspectedOutliers" in figures:
+                figures["suspectedOutliers"] = [int(self._rows[case - 1]) + 1
+                                                for case in figures["suspectedOutliers"]]
+            if "block" in figures:
+                figures["block"] = str(self._block_names[int(figures["block"])])
+            return figures
+
+        return {"name": self._output_names[output],
+                **json.loads(self._complete().report(output, self._input_names()),
+                             object_hook=named)}
 
     def equation(self, output: int = 0) -> str:
         """The fitted polynomial in the symbols V1, V2, ... for the inputs."""

@@ -2,8 +2,8 @@
 
 #include "plot/model/ModelSlice.h"
 
+#include <mirel_fitting/ModelInterfaces.h>
 #include <session/model/CaseSession.h>
-#include <session/model/ModelInterfaces.h>
 #include <session/text/NumberText.h>
 
 #include <mirel_fitting/FittedModel.h>

@@ -3,11 +3,11 @@
 #include "session/cases/VariableNames.h"
 #include "session/comparison/ComparisonVerdict.h"
 #include "session/comparison/CrossValidation.h"
-#include "session/model/ModelInterfaces.h"
 #include "session/model/ModelName.h"
 #include "session/model/SessionModelFactory.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
+#include <mirel_fitting/ModelInterfaces.h>
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/ColumnPointers.h>

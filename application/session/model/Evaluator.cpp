@@ -1,10 +1,10 @@
 #include "session/model/Evaluator.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/model/ModelInterfaces.h"
 #include "session/model/Stopwatch.h"
 #include "session/model/Workspace.h"
 #include "session/text/QuotedText.h"
+#include <mirel_fitting/ModelInterfaces.h>
 
 #include <surrogatemodel/SurfaceCoefficientExporter.h>
 #include <surrogatemodel/SurrogateModelQueryToTable.h>

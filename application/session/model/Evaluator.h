@@ -3,7 +3,7 @@
 #include <mirel_fitting/Extrapolation.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/KrigingReport.h>
-#include <session/model/ModelInterfaces.h>
+#include <mirel_fitting/ModelInterfaces.h>
 #include <session/model/SessionFindings.h>
 
 #include <surrogate_session/Export.h>

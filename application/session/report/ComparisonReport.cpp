@@ -9,6 +9,8 @@
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <mirel_modelexport/FitJson.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -124,7 +126,7 @@ Json modelJson(const char* name, const CrossValidationMetrics& figures)
                  {"failures", failures},
                  {"warnings", figures.remarks}};
     if (figures.kriging) {
-        json["criterion"] = ReportHeading::criterionWord(figures.kriging->criterion);
+        json["criterion"] = FitJson::criterionWord(figures.kriging->criterion);
         json["trend"] = figures.kriging->trendTerms;
     }
     if (figures.cases > 0) {

@@ -3,12 +3,12 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/Evaluator.h"
 #include "session/report/ReportHeading.h"
-#include "session/report/TermName.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_modelexport/FitReportParts.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +18,13 @@
 using FitFigures::Figures;
 
 namespace {
+/** A share, 0 to 1, in percent. */
+std::string percentText(double share)
+{
+    constexpr int digits = 3;
+    return shownNumber(100.0 * share, digits);
+}
+
 std::string leverageText(const ResponseSurfaceStatistics& statistics)
 {
     constexpr int digits = 3;
@@ -35,8 +42,8 @@ Figures calibrationFigures(const CalibrationReport& calibration)
     std::vector<std::string> levels;
     std::vector<std::string> held;
     for (const CalibrationReport::Coverage& one : calibration.coverage) {
-        levels.push_back(FitFigures::percentText(one.level));
-        held.push_back(FitFigures::percentText(one.share));
+        levels.push_back(percentText(one.level));
+        held.push_back(percentText(one.share));
     }
     if (!levels.empty()) {
         const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;
@@ -57,7 +64,7 @@ std::string trendText(const KrigingReport& report, const std::vector<std::string
         text += i == 0 ? (isNegative ? "-" : "") : (isNegative ? " - " : " + ");
         text += shownFigure(std::abs(coefficient));
         const std::vector<std::size_t>& factors = report.trendFactors[i];
-        text += factors.empty() ? "" : " * " + termName(factors, inputs);
+        text += factors.empty() ? "" : " * " + FitReportParts::termName(factors, inputs);
     }
     return text;
 }
@@ -214,18 +221,6 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
     return "";
 }
 } // namespace
-
-KrigingReport::Bound FitFigures::lengthBound(const KrigingReport& report, std::size_t input)
-{
-    return input < report.lengthBounds.size() ? report.lengthBounds[input]
-                                              : KrigingReport::Bound::None;
-}
-
-std::string FitFigures::percentText(double share)
-{
-    constexpr int digits = 3;
-    return shownNumber(100.0 * share, digits);
-}
 
 std::string FitFigures::widthText(const CalibrationReport& calibration)
 {

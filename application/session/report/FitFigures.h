@@ -1,11 +1,9 @@
 #pragma once
 
 #include <mirel_fitting/CalibrationReport.h>
-#include <mirel_fitting/KrigingReport.h>
 
 #include <surrogate_session/Export.h>
 
-#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,10 +32,4 @@ std::string transformNote(const OutputFit& fit);
 
 /** How wide intervals are: "1.31 times as wide as by Student's t, calibrated by refits ...". */
 std::string widthText(const CalibrationReport& calibration);
-
-/** A share, 0 to 1, in percent, of three digits. */
-std::string percentText(double share);
-
-/** Where the estimated correlation length of an input ended. */
-KrigingReport::Bound lengthBound(const KrigingReport& report, std::size_t input);
 } // namespace FitFigures

@@ -5,12 +5,13 @@
 #include "session/report/FindingsReport.h"
 #include "session/report/FitFigures.h"
 #include "session/report/ReportHeading.h"
-#include "session/report/StatisticsJson.h"
 #include "session/report/StatisticsTables.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
+
+#include <mirel_modelexport/FitJson.h>
 
 #include <algorithm>
 #include <cmath>
@@ -26,98 +27,37 @@ Json secondsJson(double readSeconds, double fitSeconds, const Evaluation* evalua
             {"evaluate", evaluation == nullptr ? 0.0 : evaluation->seconds}};
 }
 
-Json metricsJson(const OutputFit& fit)
+Json metricsJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistics)
 {
-    const FitMetrics& metrics = fit.metrics;
+    std::vector<const char*> names = {"r2", "adjustedR2", "rmse", "predictedR2"};
     if (fit.kriging) {
-        return {{"rmse", metrics.rmse}, {"looRmse", metrics.looRmse}, {"q2", metrics.q2}};
+        names = {"rmse", "looRmse", "q2"};
+    } else if (statistics != nullptr) {
+        names.insert(names.end(), {"press", "aicc", "terms", "residualDegreesOfFreedom"});
     }
-    return {{"r2", metrics.r2},
-            {"adjustedR2", metrics.adjustedR2},
-            {"rmse", metrics.rmse},
-            {"predictedR2", metrics.predictedR2}};
-}
-
-const char* boundName(KrigingReport::Bound bound)
-{
-    switch (bound) {
-    case KrigingReport::Bound::Lower:
-        return "lower";
-    case KrigingReport::Bound::Upper:
-        return "upper";
-    default:
-        return "none";
+    const Json all = FitJson::of(fit.metrics, statistics);
+    Json json;
+    for (const char* const name : names) {
+        json[name] = all[name];
     }
-}
-
-Json krigingJson(const KrigingReport& report)
-{
-    Json bounds = Json::array();
-    for (std::size_t i = 0; i < report.correlationLengths.size(); ++i) {
-        bounds.push_back(boundName(FitFigures::lengthBound(report, i)));
-    }
-    Json worst = Json::array();
-    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
-        worst.push_back(
-            {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}});
-    }
-    return {{"correlationLengths", report.correlationLengths},
-            {"lengthBounds", bounds},
-            {"nugget", report.nugget},
-            {"nuggetBound", boundName(report.nuggetBound)},
-            {"noiseDeviation", report.noiseDeviation},
-            {"processVariance", report.processVariance},
-            {"criterion", ReportHeading::criterionWord(report.criterion)},
-            {"logLikelihood", report.logLikelihood},
-            {"secondLogLikelihood", report.secondLogLikelihood},
-            {"condition", report.condition},
-            {"trend", report.trendTerms},
-            {"trendCoefficients", report.trendCoefficients},
-            {"worstCases", worst}};
-}
-
-const char* basisName(CalibrationReport::Basis basis)
-{
-    switch (basis) {
-    case CalibrationReport::Basis::LeaveOneOut:
-        return "leave-one-out";
-    case CalibrationReport::Basis::Refits:
-        return "refits";
-    default:
-        return "distribution";
-    }
-}
-
-Json calibrationJson(const CalibrationReport& calibration)
-{
-    const bool isCalibrated = calibration.basis != CalibrationReport::Basis::Distribution;
-    Json held = Json::object();
-    for (const CalibrationReport::Coverage& one : calibration.coverage) {
-        held[FitFigures::percentText(one.level)] = one.share;
-    }
-    return {{"basis", basisName(calibration.basis)},
-            {"factor", calibration.factor},
-            {"cases", calibration.cases},
-            {isCalibrated ? "heldByStudentsT" : "held", held}};
+    return json;
 }
 
 Json outputJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistics)
 {
     Json json = {{"name", fit.name},
-                 {"metrics", metricsJson(fit)},
+                 {"metrics", metricsJson(fit, statistics)},
                  {"notes", FitFigures::notes(fit, statistics)},
                  {"warnings", fit.warnings}};
     json["transform"] = OutputTransforms::word(fit.modelled.transform);
     if (fit.modelled.profile) {
-        json["boxCox"] = {{"power", fit.modelled.profile->power},
-                          {"lower", fit.modelled.profile->lower},
-                          {"upper", fit.modelled.profile->upper}};
+        json["boxCox"] = FitJson::of(*fit.modelled.profile);
     }
     if (fit.kriging) {
-        json.update(krigingJson(*fit.kriging));
+        json.update(FitJson::of(*fit.kriging));
     }
     if (fit.calibration) {
-        json["calibration"] = calibrationJson(*fit.calibration);
+        json["calibration"] = FitJson::of(*fit.calibration);
     }
     return json;
 }
@@ -197,11 +137,7 @@ ReportJson::Json FitReport::json(CaseSession& session)
     for (std::size_t i = 0; i < fits.size(); ++i) {
         Json output = outputJson(fits[i], statistics.empty() ? nullptr : &statistics[i]);
         if (!statistics.empty()) {
-            output["metrics"]["press"] = fits[i].metrics.press;
-            output["metrics"]["aicc"] = statistics[i].aicc;
-            output["metrics"]["terms"] = fits[i].metrics.terms;
-            output["metrics"]["residualDegreesOfFreedom"] = statistics[i].residualDegreesOfFreedom;
-            output.update(StatisticsJson::of(statistics[i], inputs));
+            output.update(FitJson::of(statistics[i], inputs));
         }
         json["outputs"].push_back(std::move(output));
     }

@@ -219,18 +219,6 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
     return json;
 }
 
-const char* ReportHeading::criterionWord(KrigingReport::Criterion criterion)
-{
-    switch (criterion) {
-    case KrigingReport::Criterion::RestrictedLikelihood:
-        return "restrictedLikelihood";
-    case KrigingReport::Criterion::PenalisedRestrictedLikelihood:
-        return "penalisedRestrictedLikelihood";
-    default:
-        return "none";
-    }
-}
-
 std::string ReportHeading::transformName(OutputTransform transform)
 {
     return transform == OutputTransform::Logarithm    ? "logarithm"

@@ -2,7 +2,6 @@
 
 #include "session/report/ReportJson.h"
 
-#include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/OutputTransform.h>
 #include <surrogate_session/Export.h>
 
@@ -47,9 +46,6 @@ SURROGATE_SESSION_EXPORT bool selectsTerms(const Workspace& workspace);
 
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
 SURROGATE_SESSION_EXPORT ReportJson::Json modelJson(const Workspace& workspace);
-
-/** "penalisedRestrictedLikelihood": what the estimated parameters of Kriging maximise. */
-const char* criterionWord(KrigingReport::Criterion criterion);
 
 /** "logarithm", "square root"; empty without a transform. */
 std::string transformName(OutputTransform transform);

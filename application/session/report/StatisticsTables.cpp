@@ -1,11 +1,12 @@
 #include "session/report/StatisticsTables.h"
 
 #include "session/report/ReportHeading.h"
-#include "session/report/TermName.h"
 #include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
+
+#include <mirel_modelexport/FitReportParts.h>
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +28,7 @@ StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics
         table.heading.push_back("VIF");
     }
     for (const CoefficientStatistics& one : coefficients) {
-        std::vector<std::string> row = {termName(one.factors, inputs)};
+        std::vector<std::string> row = {FitReportParts::termName(one.factors, inputs)};
         if (one.isKept) {
             row.insert(row.end(), {shownNumber(one.estimate), shownNumber(one.standardError),
                                    shownNumber(one.t, fewDigits),
@@ -91,7 +92,7 @@ StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
     for (const AnovaRow& row : statistics.anova) {
         table.rows.push_back(anovaCells(row.source, row));
     }
-    table.note = StatisticsTables::lackOfFitNote(statistics);
+    table.note = FitReportParts::lackOfFitNote(statistics);
     return table;
 }
 
@@ -103,7 +104,8 @@ StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
     table.heading = anovaHeading;
     for (const PartialTest& test : tests) {
         table.rows.push_back(anovaCells(
-            test.factors.empty() ? test.row.source : termName(test.factors, inputs), test.row));
+            test.factors.empty() ? test.row.source : FitReportParts::termName(test.factors, inputs),
+            test.row));
     }
     return table;
 }
@@ -145,7 +147,7 @@ StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistic
     table.heading = {"Case",           "Output",     "Residual" + scaleText(transform),
                      "Internally",     "Externally", "Leverage",
                      "Cook's distance"};
-    for (const std::size_t k : StatisticsTables::largestResiduals(statistics)) {
+    for (const std::size_t k : FitReportParts::largestResiduals(statistics)) {
         const CaseDiagnostics& one = statistics.cases[k];
         table.rows.push_back({std::to_string(one.row + 1), shownNumber(one.output),
                               shownNumber(one.residual, fewDigits),
@@ -228,41 +230,6 @@ StatisticsTables::Table ridgeTable(const std::string& title, const std::vector<R
 
 } // namespace
 
-std::vector<std::size_t>
-StatisticsTables::largestResiduals(const ResponseSurfaceStatistics& statistics)
-{
-    constexpr std::size_t maxShown = 5;
-    // Residuals that differ by less count as equal: rounding must not decide their order.
-    constexpr double step = 1e-9;
-    const auto size = [&](std::size_t k) {
-        return std::round(std::abs(statistics.cases[k].externallyStudentised) / step);
-    };
-    std::vector<std::size_t> order;
-    for (std::size_t k = 0; k < statistics.cases.size(); ++k) {
-        if (!std::isnan(size(k))) {
-            order.push_back(k);
-        }
-    }
-    const auto end = order.begin() + static_cast<std::ptrdiff_t>(std::min(maxShown, order.size()));
-    std::partial_sort(order.begin(), end, order.end(), [&](std::size_t left, std::size_t right) {
-        return size(left) > size(right) || (size(left) == size(right) && left < right);
-    });
-    order.erase(end, order.end());
-    return order;
-}
-
-std::string StatisticsTables::lackOfFitNote(const ResponseSurfaceStatistics& statistics)
-{
-    return statistics.repeatsAreCopies ? "Lack of fit: not available, the repeats are exact copies."
-                                       : "";
-}
-
-bool StatisticsTables::isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics)
-{
-    return statistics.isCurved && !statistics.stationaryPoint &&
-           statistics.canonicalDirections.empty();
-}
-
 std::vector<StatisticsTables::Table>
 StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
                          const std::vector<std::string>& inputs, OutputTransform transform)
@@ -288,9 +255,9 @@ StatisticsTables::tables(const ResponseSurfaceStatistics& statistics,
 std::string StatisticsTables::stationaryPointText(const ResponseSurfaceStatistics& statistics,
                                                   const std::vector<std::string>& inputs)
 {
-    if (isCanonicalAnalysisWithheld(statistics)) {
-        return "There is no stationary point, canonical analysis or ridge analysis: the cases "
-               "cannot separate the second-order terms from each other.";
+    const std::string note = FitReportParts::canonicalNote(statistics);
+    if (!note.empty()) {
+        return note;
     }
     if (!statistics.stationaryPoint) {
         return statistics.isCurved ? "There is no stationary point: the polynomial rises along a "

@@ -3,7 +3,6 @@
 #include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -31,15 +30,4 @@ std::string stationaryPointText(const ResponseSurfaceStatistics& statistics,
 /** All of it, indented by two blanks. */
 std::string text(const ResponseSurfaceStatistics& statistics,
                  const std::vector<std::string>& inputs, OutputTransform transform);
-
-/** Positions in statistics.cases of the largest externally studentised residuals, the largest
- * first; five at most. */
-std::vector<std::size_t> largestResiduals(const ResponseSurfaceStatistics& statistics);
-
-/** Why the lack of fit cannot be tested, a sentence; empty where it can. */
-std::string lackOfFitNote(const ResponseSurfaceStatistics& statistics);
-
-/** Whether there is no canonical analysis since the cases cannot separate the second-order terms.
- */
-bool isCanonicalAnalysisWithheld(const ResponseSurfaceStatistics& statistics);
 } // namespace StatisticsTables

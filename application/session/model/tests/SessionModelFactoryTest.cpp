@@ -1,4 +1,4 @@
-#include <session/model/ModelInterfaces.h>
+#include <mirel_fitting/ModelInterfaces.h>
 #include <session/model/SessionModelFactory.h>
 
 #include <mirel_fitting/KrigingSurrogateModel.h>

@@ -1,15 +1,26 @@
-#include "session/report/StatisticsJson.h"
+#include <mirel_modelexport/FitJson.h>
 
-#include "session/report/StatisticsTables.h"
-#include "session/report/TermName.h"
+#include <mirel_modelexport/FitReportParts.h>
+#include <mirel_modelexport/ModelJsonNames.h>
 
+#include <mirel_fitting/ResponseSurfaceStatistics.h>
+
+#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <utility>
 
-using ReportJson::Json;
+using FitJson::Json;
+using FitReportParts::termName;
 
 namespace {
+const char* boundWord(KrigingReport::Bound bound)
+{
+    return bound == KrigingReport::Bound::Lower   ? "lower"
+           : bound == KrigingReport::Bound::Upper ? "upper"
+                                                  : "none";
+}
+
 /** Of the terms that the model has: what is not kept is no part of its formula. */
 Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
                       const std::vector<std::string>& inputs, bool isCoded)
@@ -66,7 +77,7 @@ Json partialTestsJson(const std::vector<PartialTest>& tests, const std::vector<s
 Json residualsJson(const ResponseSurfaceStatistics& statistics)
 {
     Json largest = Json::array();
-    for (const std::size_t k : StatisticsTables::largestResiduals(statistics)) {
+    for (const std::size_t k : FitReportParts::largestResiduals(statistics)) {
         const CaseDiagnostics& one = statistics.cases[k];
         largest.push_back({{"case", one.row + 1},
                            {"output", one.output},
@@ -140,8 +151,76 @@ Json droppedTermsJson(const std::vector<CoefficientStatistics>& coefficients,
 }
 } // namespace
 
-Json StatisticsJson::of(const ResponseSurfaceStatistics& statistics,
-                        const std::vector<std::string>& inputs)
+Json FitJson::of(const FitMetrics& metrics, const ResponseSurfaceStatistics* statistics)
+{
+    Json json = {{"cases", metrics.cases}, {"terms", metrics.terms}};
+    for (const ModelJsonNames::Metric& metric : ModelJsonNames::metrics) {
+        json[metric.name] = metrics.*metric.value;
+    }
+    if (statistics != nullptr) {
+        json["aicc"] = statistics->aicc;
+        json["residualDegreesOfFreedom"] = statistics->residualDegreesOfFreedom;
+    }
+    return json;
+}
+
+const char* FitJson::criterionWord(KrigingReport::Criterion criterion)
+{
+    using Criterion = KrigingReport::Criterion;
+    return criterion == Criterion::RestrictedLikelihood            ? "restrictedLikelihood"
+           : criterion == Criterion::PenalisedRestrictedLikelihood ? "penalisedRestrictedLikelihood"
+                                                                   : "none";
+}
+
+Json FitJson::of(const KrigingReport& report)
+{
+    Json bounds = Json::array();
+    for (std::size_t i = 0; i < report.correlationLengths.size(); ++i) {
+        bounds.push_back(boundWord(i < report.lengthBounds.size() ? report.lengthBounds[i]
+                                                                  : KrigingReport::Bound::None));
+    }
+    Json worst = Json::array();
+    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
+        worst.push_back(
+            {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}});
+    }
+    return {{"correlationLengths", report.correlationLengths},
+            {"lengthBounds", bounds},
+            {"nugget", report.nugget},
+            {"nuggetBound", boundWord(report.nuggetBound)},
+            {"noiseDeviation", report.noiseDeviation},
+            {"processVariance", report.processVariance},
+            {"criterion", criterionWord(report.criterion)},
+            {"logLikelihood", report.logLikelihood},
+            {"secondLogLikelihood", report.secondLogLikelihood},
+            {"condition", report.condition},
+            {"trend", report.trendTerms},
+            {"trendCoefficients", report.trendCoefficients},
+            {"worstCases", worst}};
+}
+
+Json FitJson::of(const BoxCoxProfile& profile)
+{
+    return {{"power", profile.power}, {"lower", profile.lower}, {"upper", profile.upper}};
+}
+
+Json FitJson::of(const CalibrationReport& calibration)
+{
+    using Basis = CalibrationReport::Basis;
+    Json held = Json::object();
+    for (const CalibrationReport::Coverage& one : calibration.coverage) {
+        held[std::to_string(std::lround(100.0 * one.level))] = one.share;
+    }
+    return {{"basis", calibration.basis == Basis::LeaveOneOut ? "leave-one-out"
+                      : calibration.basis == Basis::Refits    ? "refits"
+                                                              : "distribution"},
+            {"factor", calibration.factor},
+            {"cases", calibration.cases},
+            {calibration.basis == Basis::Distribution ? "held" : "heldByStudentsT", held}};
+}
+
+Json FitJson::of(const ResponseSurfaceStatistics& statistics,
+                 const std::vector<std::string>& inputs)
 {
     Json json = {
         {"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
@@ -154,7 +233,7 @@ Json StatisticsJson::of(const ResponseSurfaceStatistics& statistics,
         }
     }
     if (statistics.repeatsAreCopies) {
-        json["lackOfFitNote"] = StatisticsTables::lackOfFitNote(statistics);
+        json["lackOfFitNote"] = FitReportParts::lackOfFitNote(statistics);
     }
     json["partialTests"] = partialTestsJson(statistics.partialTests, inputs);
     for (const BlockEffect& one : statistics.blockEffects) {
@@ -163,8 +242,8 @@ Json StatisticsJson::of(const ResponseSurfaceStatistics& statistics,
     json["leverage"] = leverageJson(statistics);
     json["residuals"] = residualsJson(statistics);
     json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);
-    if (StatisticsTables::isCanonicalAnalysisWithheld(statistics)) {
-        json["stationaryPointNote"] = StatisticsTables::stationaryPointText(statistics, inputs);
+    if (std::string note = FitReportParts::canonicalNote(statistics); !note.empty()) {
+        json["stationaryPointNote"] = std::move(note);
     }
     json["canonicalDirections"] = canonicalDirectionsJson(statistics.canonicalDirections);
     json["ascent"] = ridgeJson(statistics.ascent);

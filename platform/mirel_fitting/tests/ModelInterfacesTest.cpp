@@ -1,9 +1,9 @@
-#include <session/model/ModelInterfaces.h>
+#include <mirel_fitting/ModelInterfaces.h>
 
+#include <mirel_fitting/DescribedSurrogateModel.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TransformedOutput.h>
-#include <mirel_modelexport/ExportedModel.h>
 
 #include <gtest/gtest.h>
 
@@ -37,10 +37,11 @@ TEST(ModelInterfaces, HasTheStatisticsOfAResponseSurfaceAlone)
 TEST(ModelInterfaces, HasNothingThatNeedsCasesOfARestoredModel)
 {
     const SurrogateResponseSurfaceModel fitted({x.data()}, {y.data()}, x.size());
-    const auto model = ExportedModel::of(fitted, {{"x", 0, 5}}, {{"y", 0}}).predictor();
-    const ModelInterfaces interfaces(*model);
+    const DescribedSurrogateModel model(
+        {{fitted.predictorDescription(0), fitted.fitMetrics(0), {}}});
+    const ModelInterfaces interfaces(model);
 
-    EXPECT_EQ(interfaces.predictive(), model.get());
+    EXPECT_EQ(interfaces.predictive(), &model);
     EXPECT_EQ(interfaces.fitted(), nullptr);
     EXPECT_FALSE(interfaces.responseSurfaceStatistics(0).has_value());
 }

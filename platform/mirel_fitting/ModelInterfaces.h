@@ -6,8 +6,6 @@
 #include <mirel_fitting/OutputTransform.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
-#include <surrogate_session/Export.h>
-
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -22,10 +20,10 @@ struct ModelledTransform
 };
 
 /**
- * What the session asks of a model beyond SurrogateModelInterface; the only place that looks at the
+ * What programs ask of a model beyond SurrogateModelInterface; the only place that looks at the
  * class of a model. A model need not have any of it. Valid as long as the model.
  */
-class SURROGATE_SESSION_EXPORT ModelInterfaces
+class MIREL_FITTING_EXPORT ModelInterfaces
 {
 public:
     explicit ModelInterfaces(const SurrogateModelInterface& model);

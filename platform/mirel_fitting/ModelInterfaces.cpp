@@ -1,4 +1,4 @@
-#include "session/model/ModelInterfaces.h"
+#include <mirel_fitting/ModelInterfaces.h>
 
 #include <mirel_fitting/KrigingSurrogateModel.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>

@@ -1,9 +1,10 @@
-#include <session/report/TermName.h>
+#include <mirel_modelexport/FitReportParts.h>
 
 #include <gtest/gtest.h>
 
-TEST(TermName, HasTheNamesOfTheInputs)
+TEST(FitReportParts, TermsHaveTheNamesOfTheInputs)
 {
+    using FitReportParts::termName;
     const std::vector<std::string> inputs = {"Pressure", "H2/WF6"};
 
     EXPECT_EQ(termName({}, inputs), "intercept");

@@ -31,7 +31,7 @@ Json outputOf(CaseSession session)
 }
 } // namespace
 
-TEST(StatisticsJson, ListsTheCoefficientsInTheOrderOfTheEquation)
+TEST(FitReportStatistics, ListsTheCoefficientsInTheOrderOfTheEquation)
 {
     const Json output = outputOf(cvdSession());
 
@@ -55,7 +55,7 @@ TEST(StatisticsJson, ListsTheCoefficientsInTheOrderOfTheEquation)
     EXPECT_TRUE(output["codedCoefficients"][1].contains("varianceInflation"));
 }
 
-TEST(StatisticsJson, HasDroppedTermsInAListOfTheirOwn)
+TEST(FitReportStatistics, HasDroppedTermsInAListOfTheirOwn)
 {
     CaseTable table = cvdCases();
     table.columns[1].numbers.assign(11, 6.0);
@@ -76,7 +76,7 @@ TEST(StatisticsJson, HasDroppedTermsInAListOfTheirOwn)
     EXPECT_EQ(output["metrics"]["terms"], 3);
 }
 
-TEST(StatisticsJson, LeveragesAreThoseOfTheCasesOfTheFile)
+TEST(FitReportStatistics, LeveragesAreThoseOfTheCasesOfTheFile)
 {
     const Json all = outputOf(cvdSession())["leverage"];
     const Json others =
@@ -90,7 +90,7 @@ TEST(StatisticsJson, LeveragesAreThoseOfTheCasesOfTheFile)
     }
 }
 
-TEST(StatisticsJson, HasTheAnalysisOfVariance)
+TEST(FitReportStatistics, HasTheAnalysisOfVariance)
 {
     const Json anova = outputOf(cvdSession())["anova"];
 
@@ -109,7 +109,7 @@ TEST(StatisticsJson, HasTheAnalysisOfVariance)
     EXPECT_NEAR(anova[6]["sumOfSquares"].get<double>(), 1.146666667, 1e-9);
 }
 
-TEST(StatisticsJson, HasTheStationaryPointOrNull)
+TEST(FitReportStatistics, HasTheStationaryPointOrNull)
 {
     const Json point = outputOf(cvdSession())["stationaryPoint"];
 
@@ -124,7 +124,7 @@ TEST(StatisticsJson, HasTheStationaryPointOrNull)
     EXPECT_TRUE(linear["stationaryPoint"].is_null());
 }
 
-TEST(StatisticsJson, HasTheTestOfEachTerm)
+TEST(FitReportStatistics, HasTheTestOfEachTerm)
 {
     const Json tests = outputOf(cvdSession())["partialTests"];
 
@@ -135,7 +135,7 @@ TEST(StatisticsJson, HasTheTestOfEachTerm)
     EXPECT_NEAR(tests[3]["sumOfSquares"].get<double>(), 2.89, 1e-12);
 }
 
-TEST(StatisticsJson, HasTheCasesThatStandOut)
+TEST(FitReportStatistics, HasTheCasesThatStandOut)
 {
     CaseTable table = cvdCases();
     table.columns[2].numbers[3] += 5.0;
@@ -151,7 +151,7 @@ TEST(StatisticsJson, HasTheCasesThatStandOut)
     EXPECT_EQ(residuals["suspectedOutliers"], Json::parse("[4]"));
 }
 
-TEST(StatisticsJson, HasTheCanonicalAnalysisAndTheRidges)
+TEST(FitReportStatistics, HasTheCanonicalAnalysisAndTheRidges)
 {
     const Json output = outputOf(cvdSession());
 
@@ -164,7 +164,7 @@ TEST(StatisticsJson, HasTheCanonicalAnalysisAndTheRidges)
     EXPECT_NEAR(output["descent"][10]["value"].get<double>(), 3.690, 1e-3);
 }
 
-TEST(StatisticsJson, AreThoseOfAResponseSurfaceOnly)
+TEST(FitReportStatistics, AreThoseOfAResponseSurfaceOnly)
 {
     const Json output = outputOf(cvdSession(CaseSession::Kriging));
 
