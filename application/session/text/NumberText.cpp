@@ -34,10 +34,13 @@ double nearbyDecimal(double number, double scale)
 {
     constexpr int digits = 15;
     constexpr int maxDecimals = 300;
+    if (scale == 0.0 || !std::isfinite(scale)) {
+        return number;
+    }
     const int decimals = digits - 1 - static_cast<int>(std::floor(std::log10(std::abs(scale))));
     std::array<char, 400> text; // a sign, 309 digits before the point or `maxDecimals` behind it
     double decimal = number;
-    if (scale != 0.0 && std::isfinite(scale) && decimals >= 0 && decimals <= maxDecimals) {
+    if (decimals >= 0 && decimals <= maxDecimals) {
         const auto written = std::to_chars(text.data(), text.data() + text.size(), number,
                                            std::chars_format::fixed, decimals);
         std::from_chars(text.data(), written.ptr, decimal);
