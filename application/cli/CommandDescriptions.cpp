@@ -3,8 +3,9 @@
 #include "OptionTypes.h"
 
 #include <session/model/ModelFile.h>
-#include <session/text/JoinedText.h>
 #include <session/text/NumberText.h>
+
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <utility>

@@ -8,9 +8,10 @@
 #include <session/comparison/ModelComparison.h>
 #include <session/report/ComparisonReport.h>
 #include <session/report/FindingsReport.h>
-#include <session/text/CountedText.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
+
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -3,9 +3,9 @@
 #include "CommandLine.h"
 
 #include <session/model/CaseSession.h>
-#include <session/text/CountedText.h>
 
 #include <mirel_fitting/FitProgress.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <chrono>
 #include <cstddef>

@@ -1,7 +1,8 @@
 #include "UsageFaults.h"
 
-#include <session/text/JoinedText.h>
 #include <session/text/NearestText.h>
+
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <CLI/CLI.hpp>
 

@@ -1,5 +1,6 @@
 #include <mirel_modelexport/CSource.h>
 
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
 #include <mirel_modelexport/SourceTerms.h>
@@ -11,11 +12,6 @@
 namespace {
 
 using Description = PredictorDescription;
-
-std::string plural(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
 
 /** Rows of numbers, `perRow` on a line. */
 std::string rowsOf(const std::vector<double>& numbers, std::size_t perRow)
@@ -43,8 +39,8 @@ std::string header(const ExportedModel& model)
     std::string text = "/*\n * ";
     text += model.isKriging() ? "Kriging model" : "Response surface";
     text +=
-        ": " + plural(model.outputs.size(), "output") + " of " +
-        plural(model.inputs.size(), "input") +
+        ": " + countedText(model.outputs.size(), "output") + " of " +
+        countedText(model.inputs.size(), "input") +
         ".\n"
         " *\n"
         " *   double surrogate_K(const double *inputs)   the output K of these inputs\n"
@@ -60,7 +56,8 @@ std::string header(const ExportedModel& model)
     for (std::size_t k = 0; k < model.inputs.size(); ++k) {
         const Description::InputRange& range = model.outputs.front().model.predictor.inputs[k];
         text += " * inputs[" + std::to_string(k) + "]: " + commentName(model.inputs[k].name) +
-                ", from " + shortNumber(range.minimum) + " to " + shortNumber(range.maximum) + "\n";
+                ", from " + NumberText::shortest(range.minimum) + " to " +
+                NumberText::shortest(range.maximum) + "\n";
     }
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         text +=
@@ -174,7 +171,7 @@ std::string kriging(const Description& predictor, std::size_t output)
     const bool hasSlopes = hasFactors(predictor);
     std::string text;
     if (cases > 0) {
-        text += "\n/* The scaled coordinates of the " + plural(cases, "case") + ". */\n";
+        text += "\n/* The scaled coordinates of the " + countedText(cases, "case") + ". */\n";
         text += "static const double " + name + "_cases[] = {" +
                 rowsOf(scaledCases(predictor), coordinates) + "};\n\n";
         text += "static const double " + name + "_weights[] = {" + rowsOf(predictor.weights, 4) +

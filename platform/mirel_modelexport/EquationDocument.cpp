@@ -35,11 +35,11 @@ std::string sum(const std::string& start, const Description& predictor)
     std::string text = start;
     for (const Description::Term& term : predictor.terms) {
         if (text.empty()) {
-            text = product(term, shortNumber(term.coefficient));
+            text = product(term, NumberText::shortest(term.coefficient));
             continue;
         }
         text += std::signbit(term.coefficient) ? "\n      - " : "\n      + ";
-        text += product(term, shortNumber(std::fabs(term.coefficient)));
+        text += product(term, NumberText::shortest(std::fabs(term.coefficient)));
     }
     return text.empty() ? "0" : text;
 }
@@ -50,13 +50,15 @@ std::string scaledInput(const Description::Coordinate& coordinate)
     const std::string difference =
         coordinate.origin == 0.0
             ? input
-            : "(" + input + signedNumber(-coordinate.origin, shortNumber) + ")";
-    return coordinate.unit == 1.0 ? difference : difference + " / " + shortNumber(coordinate.unit);
+            : "(" + input + signedNumber(-coordinate.origin, NumberText::shortest) + ")";
+    return coordinate.unit == 1.0 ? difference
+                                  : difference + " / " + NumberText::shortest(coordinate.unit);
 }
 
 std::string polynomial(const Description& predictor, const std::string& output)
 {
-    std::string text = "  " + output + " = " + sum(shortNumber(predictor.offset), predictor) + "\n";
+    std::string text =
+        "  " + output + " = " + sum(NumberText::shortest(predictor.offset), predictor) + "\n";
     for (std::size_t k = 0; hasFactors(predictor) && k < predictor.coordinates.size(); ++k) {
         text += "  " + symbol("x", k) + " = " + scaledInput(predictor.coordinates[k]) + "\n";
     }
@@ -67,9 +69,9 @@ std::string kriging(const Description& predictor, const std::string& output)
 {
     const std::size_t coordinates = predictor.coordinates.size();
     const std::size_t cases = predictor.weights.size();
-    std::string text = "  " + output + " = " + shortNumber(predictor.offset) + " + " +
-                       shortNumber(predictor.scale) + " * (trend" + (cases > 0 ? " + sum" : "") +
-                       ")\n";
+    std::string text = "  " + output + " = " + NumberText::shortest(predictor.offset) + " + " +
+                       NumberText::shortest(predictor.scale) + " * (trend" +
+                       (cases > 0 ? " + sum" : "") + ")\n";
     text += "  trend = " + sum("", predictor) + "\n";
     if (cases > 0) {
         text += "  sum = w_1 c_1 + ... + w_" + std::to_string(cases) + " c_" +
@@ -89,7 +91,7 @@ std::string kriging(const Description& predictor, const std::string& output)
     for (std::size_t k = 0; k < coordinates; ++k) {
         text += "  " + symbol("L", k) + " = " +
                 (std::isinf(predictor.lengths[k]) ? "infinite (no influence)"
-                                                  : shortNumber(predictor.lengths[k])) +
+                                                  : NumberText::shortest(predictor.lengths[k])) +
                 "\n";
     }
     text += "  Cases: w_j";
@@ -97,9 +99,9 @@ std::string kriging(const Description& predictor, const std::string& output)
         text += " u_j" + std::to_string(k + 1);
     }
     for (std::size_t j = 0; j < cases; ++j) {
-        text += "\n    " + shortNumber(predictor.weights[j]);
+        text += "\n    " + NumberText::shortest(predictor.weights[j]);
         for (std::size_t k = 0; k < coordinates; ++k) {
-            text += " " + shortNumber(predictor.cases[k * cases + j]);
+            text += " " + NumberText::shortest(predictor.cases[k * cases + j]);
         }
     }
     return text + "\n";
@@ -133,10 +135,10 @@ std::string checkTable(const ExportedModel& model)
     for (std::size_t i = 0; i < CheckPoints::count; ++i) {
         std::string row;
         for (const double value : check.points[i]) {
-            row += (row.empty() ? "" : " ") + shortNumber(value);
+            row += (row.empty() ? "" : " ") + NumberText::shortest(value);
         }
         for (std::size_t k = 0; k < model.outputs.size(); ++k) {
-            row += (row.empty() ? "" : " ") + shortNumber(check.values[k][i]);
+            row += (row.empty() ? "" : " ") + NumberText::shortest(check.values[k][i]);
         }
         text += "\n  " + row;
     }
@@ -151,7 +153,8 @@ std::string equationDocument(const ExportedModel& model)
     for (std::size_t k = 0; k < model.inputs.size(); ++k) {
         const Description::InputRange& range = model.outputs.front().model.predictor.inputs[k];
         text += symbol("V", k) + ": " + lineName(model.inputs[k].name) + ", from " +
-                shortNumber(range.minimum) + " to " + shortNumber(range.maximum) + "\n";
+                NumberText::shortest(range.minimum) + " to " + NumberText::shortest(range.maximum) +
+                "\n";
     }
     for (std::size_t k = 0; k < model.outputs.size(); ++k) {
         const std::string output = symbol("Y", k);

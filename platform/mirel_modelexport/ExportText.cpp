@@ -20,14 +20,6 @@ double valueOf(const std::string& text)
     return value;
 }
 
-std::string withDigits(double value, int digits)
-{
-    std::array<char, 64> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::general, digits);
-    return {buffer.data(), end.ptr};
-}
-
 struct Character
 {
     char32_t code;
@@ -64,16 +56,9 @@ std::string codeText(const char* format, char32_t code)
 
 } // namespace
 
-std::string shortNumber(double value)
-{
-    std::array<char, 32> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), end.ptr};
-}
-
 std::string realNumber(double value)
 {
-    const std::string text = shortNumber(value);
+    const std::string text = NumberText::shortest(value);
     return text.find_first_of(".en") == std::string::npos ? text + ".0" : text;
 }
 
@@ -81,12 +66,12 @@ std::string formulaNumber(double value)
 {
     constexpr int keptDigits = 15;
     constexpr double roundsToInfinity = 1e307;
-    const std::string leading = withDigits(value, keptDigits);
+    const std::string leading = NumberText::rounded(value, keptDigits);
     const double rest = std::fabs(value) < roundsToInfinity ? value - valueOf(leading) : 0.0;
     std::string text = leading;
     if (rest != 0.0) {
-        text = "(" + leading + (rest < 0.0 ? "-" : "+") + withDigits(std::fabs(rest), keptDigits) +
-               ")";
+        text = "(" + leading + (rest < 0.0 ? "-" : "+") +
+               NumberText::rounded(std::fabs(rest), keptDigits) + ")";
     }
     std::replace(text.begin(), text.end(), 'e', 'E');
     return text;

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <mirel_fitting/numerics/NumberText.h>
+
 #include <string>
 
 /* How numbers and names are written into files of other languages, whatever the locale. */
 
-/** The shortest decimal text that reads back as the same double. */
-std::string shortNumber(double value);
-
-/** The same as a literal of C and Python that is no integer: 42.0, 1e+20. */
+/** The shortest literal of C and Python that reads back as the same double and is no integer: 42.0,
+ *  1e+20. */
 std::string realNumber(double value);
 
 /**

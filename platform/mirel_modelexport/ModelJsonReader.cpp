@@ -134,7 +134,7 @@ Description::Kind kindOf(const Part& document)
     const Part schema = document.member("schema");
     if (schema.number() != ModelJsonNames::schema &&
         schema.number() != ModelJsonNames::schemaWithTransforms) {
-        fail("its member \"schema\" is " + shortNumber(schema.number()) +
+        fail("its member \"schema\" is " + NumberText::shortest(schema.number()) +
              "; this version reads schemas " + std::to_string(ModelJsonNames::schema) + " and " +
              std::to_string(ModelJsonNames::schemaWithTransforms) + " only.");
     }
@@ -248,9 +248,9 @@ void checkPredictions(const Part& check, const ExportedModel& model)
         for (std::size_t i = 0; i < points.size(); ++i) {
             if (!(std::fabs(predicted[i] - expected[i]) <= allowed[i])) {
                 fail("its self-check fails: \"" + model.outputs[output].name + "\" comes out as " +
-                     shortNumber(predicted[i]) + " at the check point " + std::to_string(i) +
-                     ", counted from 0, and should be " + shortNumber(expected[i]) +
-                     ". A number in it has changed.");
+                     NumberText::shortest(predicted[i]) + " at the check point " +
+                     std::to_string(i) + ", counted from 0, and should be " +
+                     NumberText::shortest(expected[i]) + ". A number in it has changed.");
             }
         }
     }

@@ -1,5 +1,6 @@
 #include <mirel_modelexport/PythonSource.h>
 
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/CheckPoints.h>
 #include <mirel_modelexport/ExportText.h>
 #include <mirel_modelexport/SourceTerms.h>
@@ -54,12 +55,10 @@ std::string names(const std::vector<Variable>& variables)
 
 std::string header(const ExportedModel& model)
 {
-    const std::string inputs = std::to_string(model.inputs.size());
     std::string text = "#!/usr/bin/env python3\n\"\"\"";
     text += model.isKriging() ? "A Kriging model" : "A response surface";
-    text += ": " + std::to_string(model.outputs.size()) +
-            (model.outputs.size() == 1 ? " output of " : " outputs of ") + inputs +
-            (model.inputs.size() == 1 ? " input" : " inputs");
+    text += ": " + countedText(model.outputs.size(), "output") + " of " +
+            countedText(model.inputs.size(), "input");
     text += R"(, as a module of the standard library alone.
 
 predict(inputs) gives the list of the outputs, in the order of OUTPUTS, for a sequence of the

@@ -7,6 +7,7 @@
 #include <session/text/UnitText.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <boost/math/distributions/normal.hpp>
 
@@ -43,7 +44,7 @@ std::string placeText(const RidgePoint& point, const std::vector<std::string>& i
             ++more;
         }
     }
-    return text + (more > 0 ? " and " + std::to_string(more) + " more" : "");
+    return text + andMore(more);
 }
 } // namespace
 

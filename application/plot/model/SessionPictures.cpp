@@ -12,13 +12,13 @@
 
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
-#include <session/text/JoinedText.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
 #include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>

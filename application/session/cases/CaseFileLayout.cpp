@@ -1,7 +1,6 @@
 #include "session/cases/CaseFileLayout.h"
 
-#include "session/text/CountedText.h"
-#include "session/text/JoinedText.h"
+#include <mirel_fitting/numerics/TextPieces.h>
 
 namespace {
 std::string shownThousands(char separator)

@@ -1,7 +1,8 @@
 #include "session/cases/CaseTable.h"
 
-#include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
+
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #include "session/cases/ColumnBuilder.h"
 
-#include "session/text/CountedText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
 
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_property/Utf8.h>
 
 #include <algorithm>

@@ -1,9 +1,10 @@
 #include "session/cases/ColumnRole.h"
 
 #include "session/cases/ColumnFigures.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
+
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <array>
@@ -391,8 +392,7 @@ std::string reasonsText(const ReasonedNames& names)
             texts.push_back(quotedText(name) + " (" + reason + ')');
         }
     }
-    return joinedText(texts) +
-           (names.size() > most ? " and " + std::to_string(names.size() - most) + " more" : "");
+    return joinedText(texts) + andMore(names.size() - texts.size());
 }
 
 const char* roleName(ColumnRole::Role role)

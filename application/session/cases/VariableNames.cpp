@@ -5,6 +5,8 @@
 #include "session/text/SessionErrors.h"
 #include "session/text/TrimmedText.h"
 
+#include <mirel_fitting/numerics/TextPieces.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -150,14 +152,11 @@ std::string VariableNames::unknownMessage(const std::string& name) const
         message += "; the nearest name is " + quoted(nameList[*nearest]);
     }
     message += ". The variables are: ";
-    const std::size_t shown = std::min(nameList.size(), namesInMessage);
-    for (std::size_t i = 0; i < shown; ++i) {
-        message += (i == 0 ? "" : ", ") + quoted(nameList[i]);
+    std::vector<std::string> shown;
+    for (std::size_t i = 0; i < std::min(nameList.size(), namesInMessage); ++i) {
+        shown.push_back(quoted(nameList[i]));
     }
-    if (shown < nameList.size()) {
-        message += " and " + std::to_string(nameList.size() - shown) + " more";
-    }
-    return message + '.';
+    return message + joinedText(shown) + andMore(nameList.size() - shown.size()) + '.';
 }
 
 std::vector<std::string> namesOf(const std::vector<VarPtr>& variables)

@@ -1,8 +1,10 @@
 #include "session/diagnosis/FindingWords.h"
 
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
+
+#include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <cmath>
 #include <utility>
@@ -31,7 +33,6 @@ std::string FindingWords::percent(double share)
 {
     constexpr double firstWhole = 0.01; // smaller shares would be 0 % or 1 %
     constexpr int digits = 2;
-    return (std::fabs(share) < firstWhole ? shownNumber(100.0 * share, digits)
-                                          : std::to_string(std::lround(100.0 * share))) +
-           " %";
+    return std::fabs(share) < firstWhole ? shownNumber(100.0 * share, digits) + " %"
+                                         : NumberText::percent(share);
 }

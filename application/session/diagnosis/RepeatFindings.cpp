@@ -2,10 +2,10 @@
 
 #include "session/diagnosis/FindingWords.h"
 
-#include "session/text/CountedText.h"
 #include "session/text/NumberText.h"
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>

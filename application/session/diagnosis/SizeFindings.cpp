@@ -3,10 +3,9 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/diagnosis/TermFindings.h"
 
-#include "session/text/CountedText.h"
-
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/cases/ReplicatedCases.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #include "session/diagnosis/TermFindings.h"
 
 #include "session/diagnosis/FindingWords.h"
-#include "session/text/JoinedText.h"
 
 #include <mirel_fitting/TermFormula.h>
 #include <mirel_fitting/numerics/OrthonormalColumns.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>
@@ -45,9 +45,7 @@ std::vector<Term> termsOf(const DiagnosedCases& cases)
             }
         }
     }
-    const auto isConstant = [&](std::size_t input) {
-        return cases.inputs[input].isConstant();
-    };
+    const auto isConstant = [&](std::size_t input) { return cases.inputs[input].isConstant(); };
     terms.erase(std::remove_if(terms.begin(), terms.end(),
                                [&](const Term& term) {
                                    return std::any_of(term.begin(), term.end(), isConstant);

@@ -5,7 +5,6 @@
 #include "session/cases/VariableNames.h"
 #include "session/project/ProjectCases.h"
 #include "session/project/ProjectDocument.h"
-#include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 
@@ -14,6 +13,7 @@
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/TermFormula.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cstddef>

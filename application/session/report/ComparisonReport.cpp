@@ -4,11 +4,11 @@
 #include "session/comparison/ModelComparison.h"
 #include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/FitJson.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "session/report/FindingsReport.h"
 
-#include "session/text/CountedText.h"
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <utility>

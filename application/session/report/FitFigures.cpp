@@ -3,11 +3,11 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/Evaluator.h"
 #include "session/report/ReportHeading.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/FitReportParts.h>
 
 #include <algorithm>

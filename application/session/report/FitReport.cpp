@@ -6,11 +6,12 @@
 #include "session/report/FitFigures.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/FitJson.h>
 
 #include <algorithm>
@@ -66,17 +67,14 @@ Json outputJson(const OutputFit& fit, const ResponseSurfaceStatistics* statistic
 std::string rankingText(const InputRanking& ranking, const std::vector<std::string>& inputs)
 {
     constexpr std::size_t maxShown = 10;
-    const auto percent = [](double share) {
-        return std::to_string(std::lround(100.0 * share)) + " %";
-    };
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < std::min(maxShown, ranking.size()); ++i) {
-        texts.push_back(inputs[ranking[i].first] + ' ' + percent(ranking[i].second));
+        texts.push_back(inputs[ranking[i].first] + ' ' + NumberText::percent(ranking[i].second));
     }
-    return joinedText(texts) + (ranking.size() > maxShown
-                                    ? " and " + std::to_string(ranking.size() - maxShown) +
-                                          " more of at most " + percent(ranking[maxShown].second)
-                                    : "");
+    return joinedText(texts) + andMore(ranking.size() - texts.size()) +
+           (ranking.size() > maxShown
+                ? " of at most " + NumberText::percent(ranking[maxShown].second)
+                : "");
 }
 
 std::string outputText(const OutputFit& fit, const std::vector<std::string>& inputs,

@@ -6,11 +6,11 @@
 #include "session/report/FitFigures.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>

@@ -3,11 +3,11 @@
 #include "session/cases/VariableNames.h"
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/Workspace.h"
-#include "session/text/JoinedText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/TermFormula.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <map>
 

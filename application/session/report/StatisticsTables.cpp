@@ -1,11 +1,11 @@
 #include "session/report/StatisticsTables.h"
 
 #include "session/report/ReportHeading.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_modelexport/FitReportParts.h>
 
 #include <algorithm>

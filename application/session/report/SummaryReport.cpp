@@ -5,13 +5,12 @@
 #include "session/model/Workspace.h"
 #include "session/report/FindingsReport.h"
 #include "session/report/ReportHeading.h"
-#include "session/text/CountedText.h"
-#include "session/text/JoinedText.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cctype>

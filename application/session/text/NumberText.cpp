@@ -1,5 +1,7 @@
 #include "session/text/NumberText.h"
 
+#include <mirel_fitting/numerics/NumberText.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -51,13 +53,7 @@ double nearbyDecimal(double number, double scale)
 
 std::string shownNumber(double number, int digits)
 {
-    if (!std::isfinite(number)) {
-        return "-";
-    }
-    std::array<char, 32> buffer;
-    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                       std::chars_format::general, digits);
-    return std::string(buffer.data(), written.ptr);
+    return std::isfinite(number) ? NumberText::rounded(number, digits) : "-";
 }
 
 std::string shownFigure(double number)

@@ -1,7 +1,7 @@
 #include <mirel_fitting/cases/ArgumentCheck.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
-#include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>
@@ -64,7 +64,7 @@ void ArgumentCheck::requireOutput(int offset) const
 {
     if (offset < 0 || static_cast<std::size_t>(offset) >= outputs()) {
         throw Error("There is no output at offset " + std::to_string(offset) + ": the model has " +
-                    NumberText::counted(outputs(), "output") + ", counted from 0.");
+                    countedText(outputs(), "output") + ", counted from 0.");
     }
     const auto output = static_cast<std::size_t>(offset);
     if (!isFittable(output)) {
@@ -84,11 +84,11 @@ void ArgumentCheck::requireEvaluation(const std::vector<double*>& inputs,
                                       const std::vector<double*>& outputs, std::size_t count) const
 {
     if (inputs.size() != inputCount) {
-        throw Error("The model has " + NumberText::counted(inputCount, "input") +
+        throw Error("The model has " + countedText(inputCount, "input") +
                     ", but values are given for " + std::to_string(inputs.size()) + ".");
     }
     if (outputs.size() != offsets.size()) {
-        throw Error("The model is asked for " + NumberText::counted(offsets.size(), "output") +
+        throw Error("The model is asked for " + countedText(offsets.size(), "output") +
                     ", but there is room for " + std::to_string(outputs.size()) + ".");
     }
     requireOutputs(offsets);

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/cases/ColumnScale.h>
 #include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>
@@ -19,16 +20,14 @@ std::string percent(double share)
 std::string rowList(const std::vector<std::size_t>& rows, bool isSample)
 {
     constexpr std::size_t most = 10;
-    const std::size_t named = std::min(rows.size(), most);
-    std::string text = rows.size() == 1 ? "row " : "rows ";
-    for (std::size_t k = 0; k < named; ++k) {
-        text += (k == 0 ? "" : k + 1 == rows.size() ? " and " : ", ") + std::to_string(rows[k] + 1);
+    std::vector<std::string> numbers;
+    for (std::size_t k = 0; k < std::min(rows.size(), most); ++k) {
+        numbers.push_back(std::to_string(rows[k] + 1));
     }
-    if (isSample) {
-        return "such as " + text;
-    }
-    return text +
-           (rows.size() > named ? " and " + std::to_string(rows.size() - named) + " more" : "");
+    const std::size_t more = rows.size() - numbers.size();
+    return (isSample ? "such as " : "") + std::string(rows.size() == 1 ? "row " : "rows ") +
+           (more == 0 ? listedText(numbers, most) : joinedText(numbers)) +
+           (isSample ? "" : andMore(more));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <mirel_fitting/numerics/InputNames.h>
 
+#include <mirel_fitting/numerics/TextPieces.h>
+
 #include <utility>
 
 InputNames::InputNames(std::vector<std::string> names) : nameList(std::move(names)) {}
@@ -24,20 +26,5 @@ std::string InputNames::list(const std::vector<std::size_t>& positions) const
     for (const std::size_t position : positions) {
         names.push_back(input(position));
     }
-    return listed(names);
-}
-
-std::string InputNames::listed(const std::vector<std::string>& names)
-{
-    constexpr std::size_t most = 5;
-    constexpr std::size_t shownOfMore = 3;
-
-    const std::size_t shown = names.size() > most ? shownOfMore : names.size();
-    std::string text;
-    for (std::size_t i = 0; i < shown; ++i) {
-        const bool isLast = i > 0 && i + 1 == names.size();
-        text += (i == 0 ? "" : isLast ? " and " : ", ") + names[i];
-    }
-    return shown == names.size() ? text
-                                 : text + " and " + std::to_string(names.size() - shown) + " more";
+    return listedText(std::move(names));
 }

@@ -17,11 +17,8 @@ public:
     /** V1^2 and V1 V2, or "Pressure"^2 and "Pressure" * "Ratio". */
     std::string product(std::size_t first, std::size_t second) const;
 
-    /** The inputs as listed() has them. */
+    /** As listedText(). */
     std::string list(const std::vector<std::size_t>& positions) const;
-
-    /** "a", "a and b", "a, b and c"; of more than five names "a, b, c and 297 more". */
-    static std::string listed(const std::vector<std::string>& names);
 
 private:
     std::vector<std::string> nameList;

@@ -28,8 +28,3 @@ std::string NumberText::percent(double share)
 {
     return std::to_string(std::lround(100.0 * share)) + " %";
 }
-
-std::string NumberText::counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstddef>
+#include <mirel_fitting/Export.h>
+
 #include <string>
 
 /** Numbers as text, in the C locale whatever the application has set. */
-class NumberText
+class MIREL_FITTING_EXPORT NumberText
 {
 public:
     /** The shortest text that reads back as the same double. */
@@ -16,7 +17,4 @@ public:
 
     /** "12 %", of 0.12. */
     static std::string percent(double share);
-
-    /** "1 case", "2 cases". */
-    static std::string counted(std::size_t count, const std::string& noun);
 };

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/cases/LeftOutCasesWarning.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_fitting/responsesurface/CaseSupport.h>
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 #include <mirel_fitting/responsesurface/StationaryPointFinder.h>
@@ -224,7 +225,7 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
         added.push_back(names.input(input));
     }
     if (!added.empty()) {
-        notes.push_back(InputNames::listed(added) + (added.size() == 1 ? " was" : " were") +
+        notes.push_back(listedText(added) + (added.size() == 1 ? " was" : " were") +
                         " added to the chosen terms, since a product or square needs the linear "
                         "terms of its inputs: without them the fit would depend on where the "
                         "inputs are 0.");
@@ -238,7 +239,7 @@ std::vector<std::string> ResponseSurfaceFit::notes(std::size_t output,
         unneeded.push_back(common->basis().name(term, names));
     }
     if (!unneeded.empty()) {
-        notes.push_back("AICc is lower without " + InputNames::listed(unneeded) +
+        notes.push_back("AICc is lower without " + listedText(unneeded) +
                         (unneeded.size() == 1 ? ": it was" : ": they were") + " left out.");
     }
     if (weightedBlocks->areWeighted()) {

@@ -1,6 +1,7 @@
 #include <mirel_fitting/responsesurface/ResponseSurfaceTexts.h>
 
 #include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_fitting/polynomial/EquationText.h>
 #include <mirel_fitting/polynomial/PolynomialUnits.h>
 
@@ -103,7 +104,7 @@ std::string stationaryLine(const ResponseSurfaceStatistics& statistics)
     }
     return std::string("Stationary point: ") + natureName(point.nature) + " of " +
            figure(point.value) + " at " + place +
-           (anywhere.empty() ? "" : ", any " + InputNames::listed(anywhere)) +
+           (anywhere.empty() ? "" : ", any " + listedText(anywhere)) +
            (point.isInsideData ? ", inside" : ", outside") + " the ranges of the cases\n";
 }
 
@@ -197,8 +198,7 @@ std::vector<std::string> unnamedTerms(const PolynomialFit& fit, const InputNames
 
 std::string leftOut(const std::vector<std::string>& with)
 {
-    return " and was left out" + (with.empty() ? "" : ", and with it " + InputNames::listed(with)) +
-           ".";
+    return " and was left out" + (with.empty() ? "" : ", and with it " + listedText(with)) + ".";
 }
 
 } // namespace
@@ -240,7 +240,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         }
     }
     if (constant.size() > maxSentences) {
-        sentences = {InputNames::listed(constant) +
+        sentences = {listedText(constant) +
                      " are the same in every case and were left out, with all terms of them."};
     }
     if (fit.dependences().size() > maxSentences) {
@@ -248,7 +248,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         for (const PolynomialFit::Dependence& dependence : fit.dependences()) {
             dependent.push_back(basis.name(dependence.term, names));
         }
-        sentences.push_back(InputNames::listed(dependent) +
+        sentences.push_back(listedText(dependent) +
                             " cannot be separated from other terms by these cases and were left "
                             "out.");
         return sentences;
@@ -257,7 +257,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
         const std::vector<std::string> parts = partsOf(fit, dependence, names);
         const bool isLinear = dependence.term <= basis.inputs();
         sentences.push_back(basis.name(dependence.term, names) + " cannot be separated from " +
-                            (parts.empty() ? "the constant" : InputNames::listed(parts)) +
+                            (parts.empty() ? "the constant" : listedText(parts)) +
                             " by these cases" +
                             leftOut(isLinear ? termsWith(fit, dependence.term - 1, names)
                                              : std::vector<std::string>()));
@@ -266,7 +266,7 @@ std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& 
     if (!others.empty()) {
         sentences.push_back(
             "Terms that these cases cannot separate from the others were left out: " +
-            InputNames::listed(others) + ".");
+            listedText(others) + ".");
     }
     return sentences;
 }

@@ -9,7 +9,7 @@ TEST(ExportText, NumbersReadBackAsTheSameDoubleAndRealOnesAreNoIntegers)
     UniformNumbers random(2);
     for (int i = 0; i < 1000; ++i) {
         const double value = std::ldexp(random.next() - 0.5, i % 200 - 100);
-        EXPECT_EQ(std::strtod(shortNumber(value).c_str(), nullptr), value);
+        EXPECT_EQ(std::strtod(NumberText::shortest(value).c_str(), nullptr), value);
         EXPECT_EQ(std::strtod(realNumber(value).c_str(), nullptr), value);
     }
 

@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/NumberText.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 namespace {
 
@@ -23,7 +24,7 @@ std::string KrigingWarnings::ofConstantInputs(const std::vector<std::size_t>& in
 
 std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 {
-    return NumberText::counted(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
+    return countedText(copies, "case") + (copies == 1 ? " repeats" : " repeat") +
            " another case exactly and " + (copies == 1 ? "was" : "were") +
            (areMerged ? " merged with it."
                       : " counted as measured again, since other cases with the same inputs have "
@@ -32,8 +33,7 @@ std::string KrigingWarnings::ofCopies(std::size_t copies, bool areMerged)
 
 std::string KrigingWarnings::ofContradictions(std::size_t places)
 {
-    return "At " + NumberText::counted(places, "place") +
-           " cases lie next to each other (less than " +
+    return "At " + countedText(places, "place") + " cases lie next to each other (less than " +
            NumberText::rounded(ReplicatedCases::nearness) +
            " of the range of every input apart) but have different outputs: the model smooths "
            "them.";
@@ -41,7 +41,7 @@ std::string KrigingWarnings::ofContradictions(std::size_t places)
 
 std::string KrigingWarnings::ofReplicatesThatDiffer(std::size_t points, bool interpolates)
 {
-    return "At " + NumberText::counted(points, "point") +
+    return "At " + countedText(points, "point") +
            " several cases have the same inputs but different outputs: the model " +
            (interpolates ? "passes through their mean." : "smooths them.");
 }
@@ -49,13 +49,13 @@ std::string KrigingWarnings::ofReplicatesThatDiffer(std::size_t points, bool int
 std::string KrigingWarnings::ofSmoothOutput(int from, std::size_t cases)
 {
     return orderLowered(from, 0) + "the cases show no noise, and from " +
-           NumberText::counted(cases, "distinct case") +
+           countedText(cases, "distinct case") +
            " a constant trend predicts a smooth output better.";
 }
 
 std::string KrigingWarnings::ofTooFewCases(int from, int to, std::size_t cases)
 {
-    return orderLowered(from, to) + NumberText::counted(cases, "distinct case") +
+    return orderLowered(from, to) + countedText(cases, "distinct case") +
            (cases == 1 ? " is" : " are") + " too few for more.";
 }
 
@@ -66,8 +66,8 @@ std::string KrigingWarnings::ofDroppedTerms(const std::vector<QuadraticBasis::Te
     for (const QuadraticBasis::Term& term : terms) {
         list.push_back(QuadraticBasis::name(term, names));
     }
-    return "Terms of the trend that the cases cannot separate were dropped: " +
-           InputNames::listed(list) + ".";
+    return "Terms of the trend that the cases cannot separate were dropped: " + listedText(list) +
+           ".";
 }
 
 std::string KrigingWarnings::ofRaisedNugget(double nugget)
@@ -87,7 +87,7 @@ std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, boo
     return "There are more than " + std::to_string(max) +
            " distinct cases: the model is the exact one of all of them, with the correlation "
            "lengths of " +
-           NumberText::counted(searched, "case") + " spread over all" +
+           countedText(searched, "case") + " spread over all" +
            (isRefined ? ", refined with all." : ".");
 }
 
@@ -124,5 +124,5 @@ std::string KrigingWarnings::ofExactTrend()
 std::string KrigingWarnings::ofSample(std::size_t cases)
 {
     return "The figures of errors are those of a random sample of " +
-           NumberText::counted(cases, "distinct case") + ".";
+           countedText(cases, "distinct case") + ".";
 }

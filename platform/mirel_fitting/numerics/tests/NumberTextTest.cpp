@@ -25,9 +25,3 @@ TEST(NumberText, RoundsToSignificantDigits)
     EXPECT_EQ(NumberText::rounded(std::numeric_limits<double>::infinity()), "inf");
     EXPECT_EQ(NumberText::percent(0.126), "13 %");
 }
-
-TEST(NumberText, CountsInWords)
-{
-    EXPECT_EQ(NumberText::counted(1, "case"), "1 case");
-    EXPECT_EQ(NumberText::counted(0, "case"), "0 cases");
-}
