@@ -9,12 +9,6 @@
 
 namespace {
 
-bool canBeInXml(char32_t code)
-{
-    const bool isBlank = code == '\t' || code == '\n' || code == '\r';
-    return isBlank || (code >= 0x20 && code != 0xFFFE && code != 0xFFFF);
-}
-
 template <class Value>
 std::string formatted(const char* format, Value value)
 {

@@ -3,6 +3,7 @@
 #include <mirel_modelexport/ExportText.h>
 
 #include <mirel_fitting/SurrogateModelInterface.h>
+#include <mirel_property/Utf8.h>
 
 #include <xlsxwriter.h>
 
@@ -46,19 +47,6 @@ public:
 
     std::string path = temporaryFolder();
 };
-
-/** Cut to so many bytes at most, at the beginning of a character. */
-std::string cut(const std::string& text, std::size_t most)
-{
-    if (text.size() <= most) {
-        return text;
-    }
-    std::size_t end = most;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) {
-        --end;
-    }
-    return text.substr(0, end);
-}
 
 } // namespace
 
@@ -151,7 +139,8 @@ void WorkbookFile::text(const Cell& cell, const std::string& text, Style style)
     constexpr std::size_t longestText = 32767;
     const lxw_col_t column = columnOf(cell);
     impl->require(worksheet_write_string(impl->worksheets[cell.sheet], rowOf(cell), column,
-                                         cut(text, longestText).c_str(), impl->formats[style]));
+                                         std::string(cutUtf8(text, longestText)).c_str(),
+                                         impl->formats[style]));
 }
 
 void WorkbookFile::number(const Cell& cell, double value, Style style)

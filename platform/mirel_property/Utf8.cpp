@@ -20,7 +20,7 @@ Utf8Character firstCharacter(std::string_view bytes)
         }
         char32_t code = lead & static_cast<unsigned char>(~form.leadMask);
         for (const char byte : bytes.substr(1, length - 1)) {
-            if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80) {
+            if (!continuesCharacter(byte)) {
                 return {};
             }
             code = (code << 6) | (static_cast<unsigned char>(byte) & 0x3F);

@@ -3,6 +3,7 @@
 #include "session/cases/ColumnFigures.h"
 #include "session/text/NumberText.h"
 #include "session/text/QuotedText.h"
+#include "session/text/TrimmedText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 
@@ -18,11 +19,6 @@
 namespace {
 /** Fewer numbers come in any order by chance. */
 constexpr std::size_t fewestRuns = 5;
-
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
 
 /** Letters and digits alone, the letters of ASCII in lower case: "Run No." is "runno". A unit in
  *  brackets behind the name does not count. */

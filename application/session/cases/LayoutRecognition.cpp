@@ -14,6 +14,8 @@
 #include <vector>
 
 namespace {
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 /** The first line of files for spreadsheets may say "sep=;". */
 std::optional<char> declaredSeparator(std::string_view line)
 {
@@ -42,7 +44,6 @@ struct Comment
 std::vector<Comment> commentsAbove(std::string_view sample, const SampleRecord& record,
                                    const CaseFileLayout& layout)
 {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     std::vector<Comment> comments;
     std::size_t position = record.begin;
     position += sample.substr(position, byteOrderMark.size()) == byteOrderMark ? 3 : 0;
@@ -378,7 +379,6 @@ CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
     if (choices.commentMark) {
         layout.commentMarks.assign(choices.commentMark->empty() ? 0 : 1, *choices.commentMark);
     }
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     const std::size_t begin =
         sample.substr(0, byteOrderMark.size()) == byteOrderMark ? byteOrderMark.size() : 0;
     const auto skipLine = [&](const SampleLine& line) {

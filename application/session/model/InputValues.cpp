@@ -4,6 +4,7 @@
 #include "session/project/ProjectDocument.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/TrimmedText.h"
 #include "session/text/WholeNumber.h"
 
 #include <surrogatemodel/SurrogateModelUserDist.h>
@@ -17,7 +18,6 @@ namespace {
  */
 bool hasCommaBetweenDigits(const std::string& text)
 {
-    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
     for (std::size_t i = 1; i + 1 < text.size(); ++i) {
         if (text[i] == ',' && isDigit(text[i - 1]) && isDigit(text[i + 1])) {
             return true;

@@ -32,11 +32,6 @@ bool isMissing(std::string_view text)
            std::any_of(errors.begin(), errors.end(), isWord);
 }
 
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
-
 /**
  * The value of a number outside the range of a double: infinity or 0, which std::from_chars does
  * not distinguish. The decimal exponent of the first digit that is not 0 decides; an exponent that

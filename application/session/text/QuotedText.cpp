@@ -50,10 +50,6 @@ std::string readable(std::string_view text, std::string_view kept)
     return shown;
 }
 
-bool continuesCharacter(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
 } // namespace
 
 std::string shortText(std::string_view text)
@@ -61,15 +57,11 @@ std::string shortText(std::string_view text)
     if (text.size() <= maxShownBytes) {
         return std::string(text);
     }
-    std::size_t left = maxShownBytes / 2;
     std::size_t right = text.size() - maxShownBytes / 2;
-    while (left > 0 && continuesCharacter(text[left])) {
-        --left;
-    }
     while (right < text.size() && continuesCharacter(text[right])) {
         ++right;
     }
-    return std::string(text.substr(0, left)) + "..." + std::string(text.substr(right));
+    return std::string(cutUtf8(text, maxShownBytes / 2)) + "..." + std::string(text.substr(right));
 }
 
 std::string shownText(std::string_view text)

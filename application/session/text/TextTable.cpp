@@ -2,17 +2,18 @@
 
 #include "session/text/QuotedText.h"
 
+#include <mirel_property/Utf8.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
 namespace {
-/** Counts characters, not bytes: in UTF-8 those that continue one begin with the bits 10. */
+/** Counts characters, not bytes. */
 std::size_t characters(const std::string& text)
 {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-    }));
+    return text.size() -
+           static_cast<std::size_t>(std::count_if(text.begin(), text.end(), continuesCharacter));
 }
 } // namespace
 

@@ -2,6 +2,12 @@
 
 #include <string_view>
 
+/** Of ASCII, whatever the locale. */
+inline bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
 /** A text without the blanks and tabs at its ends. */
 inline std::string_view trimmedText(std::string_view text)
 {

@@ -103,7 +103,7 @@ std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view tex
     }
     std::size_t end = 0;
     for (std::size_t i = 0; i < std::min(text.size(), maxTextLength); ++i) {
-        end = text[i] >= '0' && text[i] <= '9' ? i + 1 : end;
+        end = isDigit(text[i]) ? i + 1 : end;
         const bool isLetter = std::isalpha(static_cast<unsigned char>(text[i])) != 0;
         const bool isExponent = isLetter && i > 0 && end == i && i + 1 < text.size() &&
                                 std::string_view("eEdD").find(text[i]) < 4 &&

@@ -28,9 +28,7 @@ std::size_t xmlPrefixLength(std::string_view bytes)
     std::size_t position = 0;
     while (position < bytes.size()) {
         const Utf8Character character = firstCharacter(bytes.substr(position));
-        const char32_t code = character.code;
-        const bool isControl = code < 0x20 && code != '\t' && code != '\n' && code != '\r';
-        if (character.length == 0 || isControl || code == 0xFFFE || code == 0xFFFF) {
+        if (character.length == 0 || !canBeInXml(character.code)) {
             break;
         }
         position += character.length;

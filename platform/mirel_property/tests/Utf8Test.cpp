@@ -35,3 +35,9 @@ TEST(Utf8, TextEndsAtTheFirstByteThatIsNone)
     EXPECT_EQ(utf8PrefixLength("ä\xFFz"), 2u);
     EXPECT_EQ(utf8PrefixLength(std::string_view("a\0b", 3)), 1u);
 }
+
+TEST(Utf8, IsCutBetweenCharacters)
+{
+    EXPECT_EQ(cutUtf8("a温", 4), "a温");
+    EXPECT_EQ(cutUtf8("a温", 3), "a");
+}
