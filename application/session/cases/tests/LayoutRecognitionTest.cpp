@@ -93,40 +93,23 @@ TEST(LayoutRecognition, TheSeparatorIsThatOfMostRecords)
 TEST(LayoutRecognition, TitlesStandAboveTheHeading)
 {
     EXPECT_EQ(partsOf("Rig 7\nx,y\n1,2\n3,4\n"), "line 2, 2 columns, 1 titles");
-    EXPECT_EQ(partsOf("Rig 7,,\n,,\nx,y,z\n1,2,3\n3,4,5\n"), "line 3, 3 columns, 1 titles");
-    EXPECT_EQ(partsOf("Inputs,,Output\nx,y,z\n1,2,3\n"), "line 2, 3 columns, 1 titles");
-    EXPECT_EQ(partsOf("506,13,,,\na,b,c,d,e\n1,2,3,4,5\n3,4,5,6,7\n"),
-              "line 2, 5 columns, 1 titles");
     EXPECT_EQ(partsOf("A text\n\"with a quote\nData: y  x\n 1 2\n 3 4\n 5 6\n 7 8\n"),
               "line 3, 2 columns, 1 titles");
     EXPECT_EQ(partsOf("Operator,Smith\nRun,7\n\nx,y\n1,2\n3,4\n5,6\n"),
               "line 3, 2 columns, 2 titles");
-    EXPECT_EQ(partsOf("Stress, strain, and load\nx,y\n1,2\n3,4\n"), "line 2, 2 columns, 1 titles");
 }
 
 TEST(LayoutRecognition, UnitsStandBelowTheHeading)
 {
     EXPECT_EQ(partsOf("p,y\nMPa,mm\n1,2\n3,4\n"), "line 1, 2 columns, units row");
     EXPECT_EQ(layoutOf("p,y\n[MPa],-\n1,2\n3,4\n").units, (std::vector<std::string>{"MPa", ""}));
-    EXPECT_EQ(partsOf("p,y\nfailed,failed\n1,2\n3,4\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("p,sex\n1,m\n2,m\n"), "line 1, 2 columns");
-}
-
-TEST(LayoutRecognition, AFirstCaseWithUnitsInItsCellsIsNoRowOfUnits)
-{
-    EXPECT_EQ(partsOf("a,b\n5%,1\n0.07,2\n9%,3\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("p,y\n1/min,10^3 kg\n1,2\n3,4\n"), "line 1, 2 columns, units row");
 }
 
 TEST(LayoutRecognition, AFirstRowOfNumbersIsNoHeading)
 {
     EXPECT_EQ(partsOf("1,2\n3,4\n"), "line 1, 2 columns, no heading");
-    EXPECT_EQ(partsOf("1,2,NaN\n3,4,5\n"), "line 1, 3 columns, no heading");
     EXPECT_EQ(partsOf("x,2010\n3,4\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("x,y\nfailed,late\n1,2\n3,4\n"), "line 1, 2 columns");
-    EXPECT_EQ(partsOf("x,y\n1,2\nfailed,late\n3,4\n"), "line 1, 2 columns");
     EXPECT_EQ(partsOf("1,2\n\nfailed,late\n3,4\n5,6\n"), "line 1, 2 columns, no heading");
-    EXPECT_EQ(partsOf(",,,note\nA,B,y\n1,2,3\n4,5,6\n7,8,9\n"), "line 2, 3 columns, 1 titles");
 }
 
 TEST(LayoutRecognition, ACommentLineAboveTheTableCanBeTheHeading)
@@ -149,9 +132,6 @@ TEST(LayoutRecognition, MarksInMostRowsAreNoComments)
 TEST(LayoutRecognition, RowNamesComeWithoutAHeading)
 {
     EXPECT_EQ(partsOf("x y\na 1 2\nb 3 4\n"), "line 1, 3 columns, row names");
-    EXPECT_EQ(partsOf("\"x\" \"y\"\n\"1\" 1 2\n\"2\" 3 4\n"), "line 1, 3 columns, row names");
-    EXPECT_EQ(partsOf("x y\n1962.25 1 2\n1962.5 3 4\n"), "line 1, 3 columns, row names");
-    EXPECT_EQ(partsOf("x,y\n1,5,2\n3,5,4\n"), "line 1, 3 columns");
 }
 
 TEST(LayoutRecognition, TheUserDecides)
