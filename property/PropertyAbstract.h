@@ -28,6 +28,7 @@ class PropertyAbstract : public virtual PropertyItemInterface,
                          public boost::enable_shared_from_this<PropertyAbstract<T>>
 {
 public:
+    /** Slots are given the new value, borrowed for the call. */
     using ChangedSignal = boost::signals2::signal<void(const T&)>;
 
     /**
@@ -82,6 +83,7 @@ protected:
     /** Stores `value`, without check or notification. */
     virtual void setValue(const T& value) = 0;
 
+    /** Whether set() takes `value` for the present one, and changes nothing. */
     virtual bool isEqual(const T& value) const { return get() == value; }
 
     /** @throw InvalidPropertyValueException if the validator refuses `value`. */

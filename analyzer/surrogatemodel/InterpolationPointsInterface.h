@@ -15,8 +15,9 @@ class SURROGATEMODEL_EXPORT InterpolationPointsInterface
 {
 public:
     InterpolationPointsInterface();
-    InterpolationPointsInterface(const InterpolationPointsInterface&);
-    InterpolationPointsInterface& operator=(const InterpolationPointsInterface&);
+    InterpolationPointsInterface(const InterpolationPointsInterface&); ///< copies nothing
+    InterpolationPointsInterface&
+    operator=(const InterpolationPointsInterface&); ///< copies nothing
 
     /**
      * Writes the source's values to `values`. Each implementation documents whether they are

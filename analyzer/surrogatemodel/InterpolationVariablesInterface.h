@@ -22,6 +22,7 @@
 class SURROGATEMODEL_EXPORT InterpolationVariablesInterface : public virtual SuspendableInterface
 {
 public:
+    /** Slots are not told what has changed: they ask again. */
     using InterpolationVariablesChangedSignal = boost::signals2::signal<void()>;
 
     InterpolationVariablesInterface();

@@ -16,7 +16,9 @@
 class SURROGATEMODEL_EXPORT SurrogateModelFactory
 {
 public:
+    /** The values of SurrogateModelManagerInterface::type(). */
     using ModelType = SurrogateModelManagerInterface::ModelType;
+    /** Slots are given the type whose models are made differently from now on. */
     using ChangedSignal = boost::signals2::signal<void(ModelType)>;
 
     SurrogateModelFactory();

@@ -32,10 +32,11 @@ public:
     /** Which model is fitted: Kriging for 0, the response surface for every other value. */
     enum ModelType : std::int32_t
     {
-        Kriging = 0,
-        ResponseSurface = 1
+        Kriging = 0,        ///< by default universal Kriging with a linear trend
+        ResponseSurface = 1 ///< by default a full quadratic polynomial
     };
 
+    /** Slots are not told why the model is invalidated. */
     using ModelChangedSignal = boost::signals2::signal<void()>;
 
     SurrogateModelManagerInterface();

@@ -21,6 +21,7 @@
 class SURROGATEMODEL_EXPORT SurrogateModelUserDistCollection
 {
 public:
+    /** Where the values of a variable come from. */
     enum VariableMode : std::int32_t
     {
         Auto = 0,       ///< the text is kept but not used
@@ -30,8 +31,9 @@ public:
     /** An empty collection. */
     SurrogateModelUserDistCollection();
     // No moves: a moved-from object would have no state and could not be used.
-    SurrogateModelUserDistCollection(const SurrogateModelUserDistCollection&);
-    SurrogateModelUserDistCollection& operator=(const SurrogateModelUserDistCollection&);
+    SurrogateModelUserDistCollection(const SurrogateModelUserDistCollection&); ///< the same entries
+    SurrogateModelUserDistCollection&
+    operator=(const SurrogateModelUserDistCollection&); ///< the same entries
     virtual ~SurrogateModelUserDistCollection();
 
     /** The distribution text, empty for a name that is not held. */
@@ -58,10 +60,11 @@ public:
 
     /**
      * Whether both hold the same names with the same modes and texts. An entry with mode Auto and
-     * an empty text differs from no entry.
+     * an empty text differs from no entry. @{
      */
     bool operator==(const SurrogateModelUserDistCollection& other) const;
     bool operator!=(const SurrogateModelUserDistCollection& other) const;
+    /** @} */
 
 private:
     class Impl;

@@ -35,6 +35,7 @@
 class SURROGATEMODEL_EXPORT SurrogateModelUserDistCollectionSerializer : public Serializer
 {
 public:
+    /** What the element is written from and read into. */
     using CollectionProperty = veska::PropertyAbstract<SurrogateModelUserDistCollection>;
 
     /**

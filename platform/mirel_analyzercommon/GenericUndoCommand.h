@@ -37,6 +37,7 @@ public:
                        QUndoCommand* parent = nullptr);
     ~GenericUndoCommand() override;
 
+    /** The constructor's; Qt asks only commands of equal, non-negative ids to merge. */
     int id() const override;
 
     /**

@@ -15,6 +15,7 @@ public:
     explicit GuardedUndoStack(std::function<bool()> isBlocked);
     ~GuardedUndoStack() override;
 
+    /** Deletes all commands, or does nothing while that is blocked. */
     void clear();
 
 private:

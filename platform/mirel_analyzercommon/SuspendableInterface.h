@@ -11,6 +11,8 @@ class MIREL_ANALYZERCOMMON_EXPORT SuspendableInterface
 public:
     virtual ~SuspendableInterface();
 
+    /** Stops the reactions until resume(). Whether calls are counted, and whether changes made
+     *  meanwhile are reacted to later, is for the class that implements it to say. */
     virtual void suspend() = 0;
 
     /** Ends the suspension; without one it does nothing. */

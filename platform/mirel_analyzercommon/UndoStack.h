@@ -53,6 +53,7 @@ public:
 class MIREL_ANALYZERCOMMON_EXPORT UndoStack::Macro
 {
 public:
+    /** @param text what the user reads in menus and lists. */
     explicit Macro(const QString& text);
 
     /**

@@ -13,6 +13,7 @@
 class MIREL_DATAMANAGEMENT_EXPORT NatureSpecificVariableProvider : public VariableProvider
 {
 public:
+    /** @param source read once, in this call. */
     NatureSpecificVariableProvider(const VariableProvider& source, Variable::Nature nature);
     ~NatureSpecificVariableProvider() override;
 

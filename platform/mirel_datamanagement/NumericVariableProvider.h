@@ -12,6 +12,7 @@
 class MIREL_DATAMANAGEMENT_EXPORT NumericVariableProvider : public VariableProvider
 {
 public:
+    /** @param variables in the order wanted; read once, in this call. */
     explicit NumericVariableProvider(const std::vector<VarPtr>& variables);
     ~NumericVariableProvider() override;
 

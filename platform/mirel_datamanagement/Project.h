@@ -29,6 +29,7 @@
 class MIREL_DATAMANAGEMENT_EXPORT Project
 {
 public:
+    /** Slots are not told what has changed: they read the project. */
     using ChangedSignal = boost::signals2::signal<void()>;
 
     /** No variables, no records. */
@@ -64,6 +65,7 @@ public:
     /** The records in project order, which is creation order, without the removed ones. */
     std::vector<RecordPtr> records() const;
 
+    /** How many records there are, without the removed ones: the length of each column. */
     std::size_t recordCount() const;
 
     /**
@@ -97,7 +99,9 @@ public:
     /** Moves a variable so that it is number `position` in project order (past the end: last). */
     void moveVariable(const VarPtr& variable, std::size_t position);
 
+    /** @param name as in addNumericVariable(); handles stay valid. */
     void renameVariable(const VarPtr& variable, const std::string& name);
+    /** Makes it an output, an input or neither. @throw ProjectError also for another number. */
     void setNature(const VarPtr& variable, Variable::Nature nature);
 
     /** Sets the range in the variable's units: both finite, first <= second. */
@@ -115,6 +119,7 @@ public:
      */
     void removeRecord(const RecordPtr& record);
 
+    /** Whether models use the case, see Record::isIncluded(). */
     void setIncluded(const RecordPtr& record, bool isIncluded);
 
     /**
@@ -129,19 +134,21 @@ public:
     /**
      * The cells of a variable, one per record in record order; also of a removed variable. The
      * reference is valid until the next change of the project; the shared form keeps these values
-     * for as long as it is held, since the project changes a copy then.
+     * for as long as it is held, since the project changes a copy then. @{
      */
     const std::vector<double>& numericValues(const VarPtr& variable) const;
     const std::vector<std::string>& textValues(const VarPtr& variable) const;
     boost::shared_ptr<const std::vector<double>> sharedNumericValues(const VarPtr&) const;
     boost::shared_ptr<const std::vector<std::string>> sharedTextValues(const VarPtr&) const;
+    /** @} */
 
     /** The ids of the records in record order, kept like the shared values. */
     boost::shared_ptr<const std::vector<unsigned long>> sharedRecordIds() const;
 
-    /** Sets one cell; a number for numeric variables only (NaN: missing), a text for text only. */
+    /** Sets one cell; a number for numeric variables only (NaN: missing), text for others. @{ */
     void setValue(const RecordPtr& record, const VarPtr& variable, double value);
     void setValue(const RecordPtr& record, const VarPtr& variable, const std::string& value);
+    /** @} */
 
 private:
     struct Changes;
@@ -155,6 +162,7 @@ public:
     class MIREL_DATAMANAGEMENT_EXPORT ChangeGroup
     {
     public:
+        /** @param project borrowed; it may be destroyed before the group is. */
         explicit ChangeGroup(Project& project);
         ~ChangeGroup() noexcept(false);
 

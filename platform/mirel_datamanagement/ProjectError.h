@@ -10,6 +10,6 @@ public:
     using veska::ExceptionBase::ExceptionBase;
     ~ProjectError() override;
 
-    ProjectError(const ProjectError&) noexcept;
-    ProjectError& operator=(const ProjectError&) noexcept;
+    ProjectError(const ProjectError&) noexcept;            ///< shares the text
+    ProjectError& operator=(const ProjectError&) noexcept; ///< shares the text
 };

@@ -29,6 +29,7 @@ public:
     bool isInProject() const;
 
 protected:
+    /** Included, and in no project yet. */
     explicit Record(unsigned long id);
 
 private:

@@ -20,9 +20,9 @@ public:
     /** The part that a variable plays in a model. */
     enum Nature
     {
-        Unassigned = 0,
-        Dependent = 1,
-        Independent = 2
+        Unassigned = 0, ///< none
+        Dependent = 1,  ///< an output
+        Independent = 2 ///< an input, if the model's list of independent variables has it
     };
 
     virtual ~Variable();
@@ -33,6 +33,7 @@ public:
     /** UTF-8; no other variable of the project has the same bytes. */
     std::string name() const;
 
+    /** The part it plays now, see Project::setNature(). */
     Nature nature() const;
 
     /** Whether the cells are numbers; a variable never changes between numbers and text. */

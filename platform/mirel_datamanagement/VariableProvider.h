@@ -9,12 +9,13 @@ class MIREL_DATAMANAGEMENT_EXPORT VariableProvider
 public:
     virtual ~VariableProvider();
 
-    /** Iterators are valid until the provider is assigned or destroyed. */
+    /** Iterators are valid until the provider is assigned or destroyed. @{ */
     virtual VariableProviderIterator begin() const = 0;
     virtual VariableProviderIterator end() const = 0;
+    /** @} */
 
 protected:
     VariableProvider();
-    VariableProvider(const VariableProvider&);
-    VariableProvider& operator=(const VariableProvider&);
+    VariableProvider(const VariableProvider&);            ///< copies nothing
+    VariableProvider& operator=(const VariableProvider&); ///< copies nothing
 };

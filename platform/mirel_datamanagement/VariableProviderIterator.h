@@ -11,6 +11,7 @@
 class MIREL_DATAMANAGEMENT_EXPORT VariableProviderIterator
 {
 public:
+    /** What the standard library asks of a forward iterator over constant handles. @{ */
     using iterator_category = std::forward_iterator_tag;
     using value_type = VarPtr;
     using difference_type = std::ptrdiff_t;
@@ -20,6 +21,7 @@ public:
     /** Belongs to no range; equal to others made like this. */
     VariableProviderIterator();
 
+    /** @param position in a list that the provider owns. */
     explicit VariableProviderIterator(std::vector<VarPtr>::const_iterator position);
 
     reference operator*() const;
@@ -30,6 +32,7 @@ public:
 
     bool operator==(const VariableProviderIterator& other) const;
     bool operator!=(const VariableProviderIterator& other) const;
+    /** @} */
 
 private:
     std::vector<VarPtr>::const_iterator position;

@@ -16,11 +16,13 @@ public:
     using veska::ExceptionBase::ExceptionBase;
     ~HandleError() override;
 
-    HandleError(const HandleError&) noexcept;
-    HandleError& operator=(const HandleError&) noexcept;
+    HandleError(const HandleError&) noexcept;            ///< shares the text
+    HandleError& operator=(const HandleError&) noexcept; ///< shares the text
 
+    /** What WeakPtr::lock() throws, with a sentence for each of the two causes. @{ */
     [[noreturn]] static void throwNullHandle();
     [[noreturn]] static void throwDestroyedObject();
+    /** @} */
 };
 
 /**
@@ -45,6 +47,7 @@ public:
           identity(object != nullptr ? id : Id())
     {}
 
+    /** Whether it was made to refer to nothing; not so when its object is destroyed later. */
     bool isNull() const { return !refersToObject; }
 
     /** Whether the handle is not null and its object is in its project now. */
@@ -79,7 +82,7 @@ public:
     /**
      * By identity alone, so that the order in a container stays the same when objects are
      * destroyed. The null handle sorts first and equals only null handles, also where Id() is an
-     * identity.
+     * identity. @{
      */
     friend bool operator==(const WeakPtr& left, const WeakPtr& right)
     {
@@ -93,6 +96,7 @@ public:
         }
         return left.identity < right.identity;
     }
+    /** @} */
 
 private:
     boost::weak_ptr<T> reference;

@@ -11,6 +11,7 @@ class vtkTableAlgorithm;
 class MIREL_DATAPIPELINE_EXPORT DataPipelineManagerInterface
 {
 public:
+    /** Slots are not told what has changed. */
     using ChangedSignal = boost::signals2::signal<void()>;
 
     /** Disconnects every listener, also those that a running emission has yet to reach. */

@@ -17,7 +17,7 @@ struct MIREL_FITTING_EXPORT CalibrationReport
         Refits        ///< residuals of cases left out together, with parameters of the others
     };
 
-    Basis basis = Basis::Distribution;
+    Basis basis = Basis::Distribution; ///< of `factor`
     /** Half the width of a 95 % interval over that by Student's t. */
     double factor = 1.0;
     std::size_t cases = 0; ///< that were left out and predicted

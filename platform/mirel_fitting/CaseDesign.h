@@ -13,6 +13,7 @@ struct CaseDesign
      *  the effects sum to 0 over the blocks. Empty: no blocks. */
     std::vector<std::size_t> blocks = {};
 
+    /** Whether all cases count alike and are one block. */
     bool isEmpty() const { return weights.empty() && blocks.empty(); }
 
     /** Of these rows only. */

@@ -17,8 +17,8 @@ public:
     /** What one output is predicted from, and what is known of its fit. */
     struct Output
     {
-        PredictorDescription predictor;
-        FitMetrics metrics; ///< what fitMetrics() answers
+        PredictorDescription predictor; ///< what predictorDescription() answers
+        FitMetrics metrics;             ///< what fitMetrics() answers
         std::vector<std::string>
             warnings; ///< what fitWarnings() answers, whatever the names; notes are none of them
     };

@@ -7,7 +7,7 @@
  * not exist for the model. */
 struct FitMetrics
 {
-    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN(); ///< does not exist
 
     std::size_t cases = 0;     ///< n: cases that the fit used
     std::size_t terms = 0;     ///< p: estimated coefficients of the polynomial (trend)

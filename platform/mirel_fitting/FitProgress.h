@@ -22,6 +22,7 @@ public:
      */
     using Report = std::function<bool(double fraction, const std::string& message)>;
 
+    /** @param report called on this thread only; an empty one reports nowhere. */
     explicit FitProgress(Report report);
     ~FitProgress();
 

@@ -10,8 +10,8 @@
 /** Limits between which an observation lies with a given probability, one pair per point. */
 struct PredictionIntervals
 {
-    std::vector<double> lower;
-    std::vector<double> upper;
+    std::vector<double> lower; ///< in the unit of the output
+    std::vector<double> upper; ///< likewise
 };
 
 /**

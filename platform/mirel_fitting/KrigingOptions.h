@@ -30,5 +30,5 @@ struct KrigingOptions
     /** Lower bound of the nugget, relative to the process variance; 0: only the bound that keeps
      *  the factorisation sound, 1e-12. */
     double nugget = 0.0;
-    NuggetMode nuggetMode = NuggetMode::Estimated;
+    NuggetMode nuggetMode = NuggetMode::Estimated; ///< whether `nugget` is a bound or the value
 };

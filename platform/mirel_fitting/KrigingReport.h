@@ -15,7 +15,7 @@ struct KrigingReport
     /** A bound of the search at which an estimate ended. */
     enum class Bound
     {
-        None,
+        None,  ///< between the bounds, or not estimated
         Lower, ///< the output changes faster along the input than the cases can show
         Upper, ///< no influence of the input beyond the trend
     };
@@ -84,7 +84,7 @@ struct KrigingReport
     /** Likewise: the positions of the inputs that the term multiplies, two at most; none for the
      *  constant. */
     std::vector<std::vector<std::size_t>> trendFactors;
-    std::vector<double> trendCoefficients;
+    std::vector<double> trendCoefficients; ///< of `trendTerms`
 
     /** A case that a fit to the others predicts. */
     struct LeftOutCase

@@ -5,8 +5,8 @@
 /** A case and its prediction by a fit to all other cases. */
 struct LeaveOneOutPrediction
 {
-    std::size_t row; ///< as given to the model, the first is 0
-    double output;
+    std::size_t row;  ///< as given to the model, the first is 0
+    double output;    ///< of the case, as given
     double predicted; ///< NaN where the other cases do not determine a fit
     /** Standard error of an observation by the fit to the other cases: that of output - predicted.
      *  NaN where that fit has no residual degree of freedom. */

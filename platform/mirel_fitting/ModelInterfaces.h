@@ -14,7 +14,7 @@
 /** What of an output was modelled. */
 struct ModelledTransform
 {
-    OutputTransform transform = OutputTransform::None;
+    OutputTransform transform = OutputTransform::None;      ///< None: the output itself
     double gain = std::numeric_limits<double>::quiet_NaN(); ///< as TransformedOutput has it
     std::optional<BoxCoxProfile> profile;                   ///< likewise
 };
@@ -26,6 +26,7 @@ struct ModelledTransform
 class MIREL_FITTING_EXPORT ModelInterfaces
 {
 public:
+    /** @param model of any class; borrowed. */
     explicit ModelInterfaces(const SurrogateModelInterface& model);
 
     /** Null for a model that only predicts. */

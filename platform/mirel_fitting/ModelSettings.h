@@ -15,10 +15,10 @@
  *  module have their models, so that the same choices give the same model. */
 struct MIREL_FITTING_EXPORT ModelSettings
 {
-    bool isKriging = false; ///< or a response surface
-    TransformSetting transform = TransformSetting::Usual;
-    KrigingOptions kriging = {};
-    ResponseSurfaceOptions responseSurface = {}; ///< a formula in the symbols V1, V2, ...
+    bool isKriging = false;                               ///< or a response surface
+    TransformSetting transform = TransformSetting::Usual; ///< of each output
+    KrigingOptions kriging = {};                          ///< unused for a response surface
+    ResponseSurfaceOptions responseSurface = {}; ///< unused for Kriging; formula in V1, V2, ...
 
     /** @throw SurrogateModelInterface::Error as the constructors of the models, whose arguments
      *         these are. Kriging does not take the design into account. */

@@ -10,11 +10,12 @@
  */
 enum class OutputTransform
 {
-    None,
-    SquareRoot,
-    Logarithm ///< the natural one
+    None,       ///< y itself
+    SquareRoot, ///< y^(1/2)
+    Logarithm   ///< ln y
 };
 
+/** What can be done with an OutputTransform. */
 namespace OutputTransforms {
 
 /** @param y positive. */

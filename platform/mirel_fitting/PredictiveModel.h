@@ -29,6 +29,7 @@ class MIREL_FITTING_EXPORT PredictiveModel : public virtual SurrogateModelInterf
 public:
     ~PredictiveModel() override;
 
+    /** How well the fit of the output describes its cases; NaN for what the model does not have. */
     virtual FitMetrics fitMetrics(int offset) const = 0;
 
     /**

@@ -27,8 +27,8 @@ struct PredictorDescription
     /** Which of the two formulas. */
     enum class Kind
     {
-        Polynomial,
-        Kriging
+        Polynomial, ///< the first
+        Kriging     ///< the second
     };
 
     /** In a Term: no such factor. */
@@ -37,37 +37,38 @@ struct PredictorDescription
     /** The range of one input over the cases. */
     struct InputRange
     {
-        double minimum = 0.0;
-        double maximum = 0.0;
+        double minimum = 0.0;    ///< in the unit of the input; finite
+        double maximum = 0.0;    ///< likewise, at least the minimum
         bool isConstant = false; ///< up to rounding
     };
 
     /** (x - origin) / unit of one input. */
     struct Coordinate
     {
-        std::size_t input = 0;
-        double origin = 0.0;
-        double unit = 1.0; ///< positive; of a polynomial a power of two
+        std::size_t input = 0; ///< its position among `inputs`
+        double origin = 0.0;   ///< finite, in the unit of the input
+        double unit = 1.0;     ///< positive; of a polynomial a power of two
     };
 
-    /** Positions among the coordinates, first <= second; a linear term has no second. */
+    /** b_t t: positions among the coordinates, first <= second; a linear term has no second, the
+     *  constant neither. */
     struct Term
     {
-        std::size_t first = noFactor;
-        std::size_t second = noFactor;
-        double coefficient = 0.0;
+        std::size_t first = noFactor;  ///< of the first factor
+        std::size_t second = noFactor; ///< of the second, the same for a square
+        double coefficient = 0.0;      ///< b_t, finite
     };
 
-    Kind kind = Kind::Polynomial;
-    std::vector<InputRange> inputs; ///< all of the model, in the order of its columns
-    std::vector<Coordinate> coordinates;
-    std::vector<Term> terms;
-    double offset = 0.0;
-    double scale = 1.0; ///< Kriging: the standard deviation of v over the cases
-    OutputTransform transform = OutputTransform::None;
+    Kind kind = Kind::Polynomial;        ///< which formula v is computed by
+    std::vector<InputRange> inputs;      ///< all of the model, in the order of its columns
+    std::vector<Coordinate> coordinates; ///< z or u, those that have an influence
+    std::vector<Term> terms;             ///< of the polynomial, which for Kriging is the trend
+    double offset = 0.0;                 ///< finite
+    double scale = 1.0;                  ///< Kriging: the standard deviation of v over the cases
+    OutputTransform transform = OutputTransform::None; ///< of which v is the value
 
     // Kriging only; the correlation is without effect where there is no case.
     std::vector<double> lengths; ///< one per coordinate; infinite: no influence
     std::vector<double> cases;   ///< by columns, weights.size() of each coordinate
-    std::vector<double> weights;
+    std::vector<double> weights; ///< w_j, one per case
 };

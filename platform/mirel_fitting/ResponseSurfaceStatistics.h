@@ -15,17 +15,17 @@
  */
 struct CoefficientStatistics
 {
-    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN(); ///< does not exist
 
     std::string term; ///< "1", "V1", "V1^2", "V1 V2", ...
     /** The same as positions of inputs, which are multiplied: {}, {0}, {0, 0}, {0, 1}, ... */
     std::vector<std::size_t> factors;
-    double estimate = 0.0;
-    double standardError = none;
-    double t = none;     ///< estimate / standardError
-    double p = none;     ///< of a |t| as large or larger if the coefficient is 0
-    double lower = none; ///< confidence limits
-    double upper = none;
+    double estimate = 0.0;       ///< in the unit of the output per that of the factors
+    double standardError = none; ///< of the estimate
+    double t = none;             ///< estimate / standardError
+    double p = none;             ///< of a |t| as large or larger if the coefficient is 0
+    double lower = none;         ///< confidence limits
+    double upper = none;         ///< likewise
     /** Variance inflation factor: 1 / (1 - R^2), R^2 that of the term's column regressed on the
      *  others. NaN for the constant. */
     double varianceInflation = none;
@@ -35,14 +35,14 @@ struct CoefficientStatistics
 /** A line of an analysis of variance; NaN where a figure does not exist. */
 struct AnovaRow
 {
-    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN(); ///< does not exist
 
-    std::string source;
-    std::size_t degreesOfFreedom = 0;
-    double sumOfSquares = none;
-    double meanSquare = none;
+    std::string source; ///< such as "Linear": ResponseSurfaceStatistics::anova has the list
+    std::size_t degreesOfFreedom = 0; ///< with 0, no other figure exists
+    double sumOfSquares = none;       ///< weighted, in the squared unit of the output
+    double meanSquare = none;         ///< sumOfSquares / degreesOfFreedom
     double f = none; ///< against the residual's mean square; of the lack of fit: the pure error's
-    double p = none;
+    double p = none; ///< of an F as large or larger if the source has no effect
 };
 
 /** Where the derivatives of a full quadratic polynomial are 0. */
@@ -51,18 +51,18 @@ struct StationaryPoint
     /** By the signs of the curvatures. */
     enum class Nature
     {
-        Minimum,
-        Maximum,
-        Saddle,
-        Ridge ///< without curvature along some direction: one of many stationary points
+        Minimum, ///< all positive
+        Maximum, ///< all negative
+        Saddle,  ///< of both signs
+        Ridge    ///< without curvature along some direction: one of many stationary points
     };
 
     /** One per input, in its unit; NaN for an input that the polynomial does not have, which may be
      *  anywhere. */
     std::vector<double> coordinates;
-    double value = 0.0; ///< of the polynomial there
-    Nature nature = Nature::Saddle;
-    bool isInsideData = false; ///< inside the ranges of the inputs over the cases
+    double value = 0.0;             ///< of the polynomial there
+    Nature nature = Nature::Saddle; ///< also of a point outside the data
+    bool isInsideData = false;      ///< inside the ranges of the inputs over the cases
     /** Eigenvalues of the matrix of second-order coefficients in coded inputs, ascending: the
      *  output changes by one of them, times the squared distance, along its direction. */
     std::vector<double> curvatures;
@@ -71,15 +71,15 @@ struct StationaryPoint
 /** The leverage of a case: the derivative of its prediction by its own output, from 0 to 1. */
 struct CaseLeverage
 {
-    std::size_t row = 0; ///< as given to the model, the first is 0
-    double leverage = 0.0;
+    std::size_t row = 0;   ///< as given to the model, the first is 0
+    double leverage = 0.0; ///< 1: the fit passes through the case whatever its output
 };
 
 /** What a block of cases adds to the output. */
 struct BlockEffect
 {
     std::size_t block = 0; ///< its number in CaseDesign
-    double effect = 0.0;
+    double effect = 0.0;   ///< in the unit of the output, over the mean of all blocks
     std::string name = {}; ///< what the program that numbers the blocks calls it
 };
 
@@ -97,12 +97,12 @@ struct PartialTest
  */
 struct CaseDiagnostics
 {
-    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN(); ///< does not exist
 
-    std::size_t row = 0; ///< as given to the model, the first is 0
-    double output = 0.0;
+    std::size_t row = 0;   ///< as given to the model, the first is 0
+    double output = 0.0;   ///< as given
     double residual = 0.0; ///< output minus fitted value, in the output's unit, not weighted
-    double leverage = 0.0;
+    double leverage = 0.0; ///< as in CaseLeverage
     double internallyStudentised = none; ///< residual / (s sqrt((1 - leverage) / weight))
     /** The same with the s of the fit without the case; Student's t with one degree of freedom less
      *  than the residual has. */
@@ -128,10 +128,10 @@ struct CanonicalDirection
  *  ranges, in inputs coded to [-1, 1]. */
 struct RidgePoint
 {
-    double distance = 0.0;
+    double distance = 0.0; ///< in coded inputs
     /** One per input, in its unit; NaN for an input that the polynomial does not have. */
     std::vector<double> coordinates;
-    double value = 0.0;
+    double value = 0.0;                                              ///< of the polynomial there
     double standardError = std::numeric_limits<double>::quiet_NaN(); ///< of the mean there
 };
 
@@ -151,14 +151,14 @@ enum class InputCoding
 /** What a response surface's fit of one output says about itself. */
 struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
 {
-    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN(); ///< does not exist
 
     /** In the units of output and inputs, every term in the order of the equation. */
     std::vector<CoefficientStatistics> coefficients;
     /** The same for inputs coded as `coding` says, with 0 in the middle of their ranges: comparable
      *  with each other, in the unit of the output. */
     std::vector<CoefficientStatistics> codedCoefficients;
-    InputCoding coding = InputCoding::Axial;
+    InputCoding coding = InputCoding::Axial; ///< as asked for
     /** Of InputCoding::Factorial: positions of the inputs that have factorial points, ascending. */
     std::vector<std::size_t> factorialInputs;
     /**
@@ -183,18 +183,19 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
      * is that of a block of average effect. Empty without blocks. */
     std::vector<BlockEffect> blockEffects;
 
-    double r2 = none;
-    double adjustedR2 = none;
+    double r2 = none;          ///< 1 - residual / total sum of squares
+    double adjustedR2 = none;  ///< 1 - residual / total mean square
     double predictedR2 = none; ///< 1 - PRESS / total
-    double press = none;
-    double rmse = none; ///< sqrt(residual sum of squares / residual degrees of freedom)
+    double press = none;       ///< sum of squared leave-one-out residuals
+    double rmse = none;        ///< sqrt(residual sum of squares / residual degrees of freedom)
     /**
      * n ln(SSE / n) + n (ln(2 pi) + 1) + 2 k + 2 k (k + 1) / (n - k - 1), k the terms and one more
      * for the variance. Hurvich, Tsai: Regression and time series model selection in small samples,
      * Biometrika 76 (1989). NaN for n - 1 <= k, and where the residuals are no more than rounding.
      */
     double aicc = none;
-    std::size_t residualDegreesOfFreedom = 0;
+    std::size_t residualDegreesOfFreedom =
+        0; ///< cases minus coefficients, block effects among them
     /** One per case. Empty for more than 100 000 cases. */
     std::vector<double> leverages;
     double meanLeverage = none; ///< terms / cases
@@ -226,6 +227,6 @@ struct MIREL_FITTING_EXPORT ResponseSurfaceStatistics
      *  steepest ascent and descent. Empty for a constant, and with such a dropped term.
      *  Draper: Ridge analysis of response surfaces, Technometrics 5 (1963). */
     std::vector<RidgePoint> ascent;
-    std::vector<RidgePoint> descent;
+    std::vector<RidgePoint> descent;       ///< of the smallest values, at the same distances
     std::vector<std::string> droppedTerms; ///< all that are not kept
 };

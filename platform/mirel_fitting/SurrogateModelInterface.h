@@ -29,11 +29,12 @@ public:
     class MIREL_FITTING_EXPORT Error : public veska::ExceptionBase
     {
     public:
+        /** @param message the sentence, in UTF-8. */
         explicit Error(const std::string& message);
         ~Error() override;
 
-        Error(const Error&) noexcept;
-        Error& operator=(const Error&) noexcept;
+        Error(const Error&) noexcept;            ///< shares the text
+        Error& operator=(const Error&) noexcept; ///< shares the text
     };
 
     virtual ~SurrogateModelInterface();

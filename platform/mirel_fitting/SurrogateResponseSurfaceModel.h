@@ -33,12 +33,13 @@
 class MIREL_FITTING_EXPORT SurrogateResponseSurfaceModel : public FittedModel
 {
 public:
+    /** Which terms of the polynomial an output keeps. */
     using Selection = ResponseSurfaceOptions::Selection;
 
     /** What is fitted where the cases are too few for a full quadratic polynomial. */
     enum class Fallback
     {
-        Linear,
+        Linear, ///< without products and squares
         /** Linear with interactions where each input has two levels at most, which show no squares,
          *  the cases can separate all terms and one case more than terms is left; else Linear. */
         InteractionsOfTwoLevels

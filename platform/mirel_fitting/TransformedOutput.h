@@ -52,6 +52,7 @@ public:
                       const CaseDesign& design = {});
     ~TransformedOutput() override;
 
+    /** What the output is fitted as; None for the output itself. Chosen by the first call. */
     OutputTransform transform(int offset) const;
 
     /** How much larger log-likelihood and log-density are than for the output itself, the smaller
@@ -63,9 +64,10 @@ public:
     std::optional<BoxCoxProfile> boxCoxProfile(int offset) const;
 
     /** The model inside and the offset of the output, or its transform, there. Valid as long as
-     *  this object. */
+     *  this object. @{ */
     const FittedModel& inner() const;
     int innerOffset(int offset) const;
+    /** @} */
 
     void activateDependentVariables(const std::set<int>& offsets) override;
     void interpolateDependentValues(const std::vector<double*>& inputs,

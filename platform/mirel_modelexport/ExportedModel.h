@@ -17,9 +17,9 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
     /** A column of the model as users see it. */
     struct Input
     {
-        std::string name;
+        std::string name;     ///< UTF-8, any: in texts and comments of the export
         double minimum = 0.0; ///< of the range that users see; finite
-        double maximum = 0.0;
+        double maximum = 0.0; ///< likewise
         std::optional<double> held =
             std::nullopt; ///< where it stays while nothing else is said; finite
     };
@@ -27,15 +27,15 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
     /** A described output of the model. */
     struct Output
     {
-        std::string name;
-        DescribedSurrogateModel::Output model;
+        std::string name;                      ///< as of an input
+        DescribedSurrogateModel::Output model; ///< predicts the output in its unit
     };
 
     /** Names an output of a model. */
     struct WantedOutput
     {
-        std::string name;
-        int offset = 0;
+        std::string name; ///< what the export calls it
+        int offset = 0;   ///< in the model
     };
 
     /**
@@ -52,10 +52,11 @@ struct MIREL_MODELEXPORT_EXPORT ExportedModel
      *  @throw SurrogateModelInterface::Error */
     boost::shared_ptr<DescribedSurrogateModel> predictor() const;
 
+    /** Whether the outputs, which are all of one kind, are Kriging models; false for none. */
     bool isKriging() const;
 
-    std::vector<Input> inputs;
-    std::vector<Output> outputs;
+    std::vector<Input> inputs;   ///< in the order of the model's columns
+    std::vector<Output> outputs; ///< in the order of predictor()'s offsets
     /** An object that goes with the model unread: what the exporter knows beyond it. Null: nothing.
      */
     nlohmann::ordered_json report;

@@ -7,6 +7,7 @@
 
 #include <string>
 
+/** What exportModel() writes. */
 enum class ExportFormat
 {
     Text,   ///< formulas for a reader

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+/** Observable values that a validator guards, and what they throw. */
 namespace veska {
 
 /**
@@ -15,11 +16,12 @@ namespace veska {
 class MIREL_PROPERTY_EXPORT ExceptionBase : public std::exception
 {
 public:
+    /** @param message answered by what(). */
     explicit ExceptionBase(std::string message);
     ~ExceptionBase() override;
 
-    ExceptionBase(const ExceptionBase&) noexcept;
-    ExceptionBase& operator=(const ExceptionBase&) noexcept;
+    ExceptionBase(const ExceptionBase&) noexcept;            ///< shares the text
+    ExceptionBase& operator=(const ExceptionBase&) noexcept; ///< shares the text
 
     /** The message; valid as long as this exception or a copy of it lives. */
     const char* what() const noexcept override;

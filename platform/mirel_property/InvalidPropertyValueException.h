@@ -8,11 +8,14 @@ namespace veska {
 class MIREL_PROPERTY_EXPORT InvalidPropertyValueException : public ExceptionBase
 {
 public:
+    /** @param message why the value is refused, for the user, in UTF-8. */
     explicit InvalidPropertyValueException(const std::string& message);
     ~InvalidPropertyValueException() override;
 
-    InvalidPropertyValueException(const InvalidPropertyValueException&) noexcept;
-    InvalidPropertyValueException& operator=(const InvalidPropertyValueException&) noexcept;
+    InvalidPropertyValueException(
+        const InvalidPropertyValueException&) noexcept; ///< shares the text
+    InvalidPropertyValueException&
+    operator=(const InvalidPropertyValueException&) noexcept; ///< shares the text
 };
 
 } // namespace veska

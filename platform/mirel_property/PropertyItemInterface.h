@@ -13,6 +13,7 @@ namespace veska {
 class MIREL_PROPERTY_EXPORT PropertyItemInterface
 {
 public:
+    /** Slots are not given the value: they ask the property. */
     using PropertyChangedSignal = boost::signals2::signal<void()>;
 
     PropertyItemInterface();
@@ -32,6 +33,7 @@ public:
     connectSignalPropertyChanged(const PropertyChangedSignal::slot_type& slot) const;
 
 protected:
+    /** For subclasses, which emit it once per change, with the new value stored. */
     PropertyChangedSignal& signalPropertyChanged() const;
 
 private:

@@ -21,7 +21,7 @@ constexpr bool continuesCharacter(char byte)
 /** The first character of a UTF-8 text. */
 struct Utf8Character
 {
-    char32_t code = 0;
+    char32_t code = 0;      ///< the Unicode code point; 0 where `length` is 0
     std::size_t length = 0; ///< in bytes; 0 where the text is empty or not well-formed
 };
 

@@ -16,6 +16,7 @@ public:
     /** Refused because of `error`, also when that text is empty. */
     explicit ValidationResult(std::string error);
 
+    /** Whether the value was accepted. */
     bool isValid() const;
 
     /** Why the value was refused; empty for an accepted one. */
