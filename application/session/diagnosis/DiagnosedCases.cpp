@@ -2,6 +2,8 @@
 
 #include "session/cases/CaseCounts.h"
 
+#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -54,6 +56,15 @@ std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max)
         rows.push_back(begin + mixed(k) % (end - begin));
     }
     return rows;
+}
+
+std::size_t DiagnosedCases::termCount(bool withConstants) const
+{
+    std::vector<bool> isCounted;
+    for (const Column& input : inputs) {
+        isCounted.push_back(withConstants || !input.isConstant());
+    }
+    return SurrogateResponseSurfaceModel::termCount(responseSurface, isCounted);
 }
 
 DiagnosedCases DiagnosedCases::sample(std::size_t maxCases) const

@@ -41,6 +41,9 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
 
     std::size_t count() const { return positions.size(); }
 
+    /** The terms of the response surface, without those of constant inputs or with them. */
+    std::size_t termCount(bool withConstants = false) const;
+
     /**
      * At most so many of the cases: one at random of each of so many strata of neighbouring rows,
      * the same ones each time. Grids repeat their values at even steps, which even steps would

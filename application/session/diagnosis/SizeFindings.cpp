@@ -3,7 +3,6 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/diagnosis/TermFindings.h"
 
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/TextPieces.h>
 
@@ -69,23 +68,15 @@ bool determineInteractions(const DiagnosedCases& cases, std::size_t rank)
     }
     DiagnosedCases smaller = cases;
     smaller.responseSurface.terms = PolynomialTerms::Interactions;
-    std::vector<bool> isVarying;
-    for (const Column& input : cases.inputs) {
-        isVarying.push_back(!input.isConstant());
-    }
-    return TermFindings::rank(smaller) == rank &&
-           SurrogateResponseSurfaceModel::termCount(smaller.responseSurface, isVarying) == rank;
+    return TermFindings::rank(smaller) == rank && smaller.termCount() == rank;
 }
 } // namespace
 
 std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
 {
-    std::vector<bool> isVarying;
-    for (const Column& input : cases.inputs) {
-        isVarying.push_back(!input.isConstant());
-    }
-    const auto inputs =
-        static_cast<std::size_t>(std::count(isVarying.begin(), isVarying.end(), true));
+    const auto inputs = static_cast<std::size_t>(
+        std::count_if(cases.inputs.begin(), cases.inputs.end(),
+                      [](const Column& input) { return !input.isConstant(); }));
     if (inputs == 0) {
         return {};
     }
@@ -107,8 +98,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                      " to be good, or fewer inputs (-x)."}};
     }
 
-    const std::size_t terms =
-        SurrogateResponseSurfaceModel::termCount(cases.responseSurface, isVarying);
+    const std::size_t terms = cases.termCount();
     const std::size_t ofBlocks = blockTerms(cases);
     const std::size_t columns = terms + ofBlocks; // of the design
     if (cases.count() > columns + 2 && cases.count() > 10 * terms) {

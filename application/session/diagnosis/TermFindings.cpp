@@ -2,12 +2,10 @@
 
 #include "session/diagnosis/FindingWords.h"
 
-#include <mirel_fitting/TermFormula.h>
-#include <mirel_fitting/numerics/OrthonormalColumns.h>
 #include <mirel_fitting/numerics/TextPieces.h>
+#include <mirel_fitting/responsesurface/TermSeparation.h>
 
 #include <algorithm>
-#include <cmath>
 #include <set>
 #include <string>
 #include <utility>
@@ -24,138 +22,32 @@ bool isSquare(const Term& term)
     return term.size() == 2 && term[0] == term[1];
 }
 
-/** All but the constant, in the order in which the fit decides which to keep: linear ones, squares,
- *  products. Constant inputs have none. */
-std::vector<Term> termsOf(const DiagnosedCases& cases)
+/** None where this would take long. */
+std::optional<TermSeparation> separationOf(const DiagnosedCases& cases)
 {
-    const std::size_t inputs = cases.inputs.size();
-    std::vector<Term> terms;
-    if (cases.responseSurface.terms == PolynomialTerms::Chosen) {
-        terms = TermFormula(cases.responseSurface.formula, inputs).terms();
-    } else {
-        for (std::size_t i = 0; i < inputs; ++i) {
-            terms.push_back({i});
-            for (std::size_t j = i; j < inputs; ++j) {
-                const bool isWanted =
-                    cases.responseSurface.terms == PolynomialTerms::Quadratic ||
-                    (cases.responseSurface.terms == PolynomialTerms::Interactions && i != j);
-                if (isWanted) {
-                    terms.push_back({i, j});
-                }
-            }
-        }
-    }
-    const auto isConstant = [&](std::size_t input) { return cases.inputs[input].isConstant(); };
-    terms.erase(std::remove_if(terms.begin(), terms.end(),
-                               [&](const Term& term) {
-                                   return std::any_of(term.begin(), term.end(), isConstant);
-                               }),
-                terms.end());
-    std::stable_sort(terms.begin(), terms.end(), [](const Term& left, const Term& right) {
-        const auto order = [](const Term& term) {
-            return term.size() == 1 ? 0 : isSquare(term) ? 1 : 2;
-        };
-        return order(left) < order(right);
-    });
-    return terms;
-}
-
-bool areFewEnough(const DiagnosedCases& cases)
-{
-    constexpr std::size_t maxTerms = 300;
+    constexpr double maxTerms = 300.0;
     constexpr std::size_t maxCases = 100000;
     constexpr double maxWork = 1e8;
-    const std::size_t inputs = cases.inputs.size();
-    if (cases.isKriging || cases.count() == 0 || cases.count() > maxCases || inputs > maxTerms) {
-        return false;
+    const auto terms = static_cast<double>(cases.termCount(true));
+    if (cases.isKriging || cases.count() == 0 || cases.count() > maxCases || terms > maxTerms ||
+        static_cast<double>(cases.count()) * terms * terms > maxWork) {
+        return std::nullopt;
     }
-    const double terms = static_cast<double>(termsOf(cases).size() + 1);
-    return terms <= maxTerms && static_cast<double>(cases.count()) * terms * terms <= maxWork;
+    return TermSeparation(cases.responseSurface, pointersTo(cases.inputs), cases.count());
 }
 
-/** The terms at the cases, one after the other: those that are sums of earlier ones are set apart.
- */
-class SeparatedTerms
+/** The terms that a dropped one cannot be told apart from: without those that are only there since
+ *  inputs are measured from the middle of their ranges. */
+std::vector<Term> partnersOf(const TermSeparation::Dependence& dependence)
 {
-public:
-    explicit SeparatedTerms(const DiagnosedCases& cases) : SeparatedTerms(cases, termsOf(cases)) {}
-
-    struct Lost
-    {
-        Term term;
-        std::vector<Term> partners; ///< what it cannot be told apart from
-    };
-
-    std::vector<Lost> lost; ///< without terms of inputs that are lost themselves
-    std::size_t count;      ///< of terms, with the constant
-    std::size_t rank() const { return kept.size(); }
-
-private:
-    SeparatedTerms(const DiagnosedCases& cases, const std::vector<Term>& terms);
-
-    void add(const Term& term);
-    std::vector<Term> partnersOf(const Term& term, const Numbers& coefficients) const;
-
-    std::size_t rows;
-    std::vector<Numbers> coded;
-    OrthonormalColumns columns;
-    std::vector<Term> kept;
-    std::set<std::size_t> lostInputs;
-};
-
-SeparatedTerms::SeparatedTerms(const DiagnosedCases& cases, const std::vector<Term>& terms)
-    : count(terms.size() + 1), rows(cases.count()), columns(rows, count)
-{
-    for (const Column& input : cases.inputs) {
-        Numbers& values = coded.emplace_back(input.values);
-        const double middle = input.minimum() / 2.0 + input.maximum() / 2.0;
-        const double half = input.maximum() / 2.0 - input.minimum() / 2.0;
-        for (double& value : values) {
-            value = half > 0.0 ? (value - middle) / half : 0.0;
-        }
-    }
-    add({});
-    for (const Term& term : terms) {
-        add(term);
-    }
-}
-
-void SeparatedTerms::add(const Term& term)
-{
-    constexpr double minShare = 1e-8; // of the column: less is rounding
-    if (std::any_of(term.begin(), term.end(),
-                    [&](std::size_t input) { return lostInputs.count(input) > 0; })) {
-        return;
-    }
-    Numbers column(rows, 1.0);
-    for (const std::size_t input : term) {
-        for (std::size_t row = 0; row < rows; ++row) {
-            column[row] *= coded[input][row];
-        }
-    }
-    if (columns.append(column.data(), minShare)) {
-        kept.push_back(term);
-    } else if (term.size() == 1) {
-        lostInputs.insert(term[0]);
-    } else {
-        lost.push_back({term, partnersOf(term, columns.solve(column.data()))});
-    }
-}
-
-/** The terms whose sum it is, without those that are only there since the inputs are coded about
- *  the middle of their ranges. @param coefficients of the term in the kept ones. */
-std::vector<Term> SeparatedTerms::partnersOf(const Term& term, const Numbers& coefficients) const
-{
-    constexpr double smallest = 1e-6;
     std::vector<Term> partners;
-    std::set<std::size_t> inputs(term.begin(), term.end());
-    for (std::size_t k = kept.size(); k-- > 0;) { // terms of second order first
-        const Term& other = kept[k];
-        const bool isNew = std::any_of(other.begin(), other.end(),
+    std::set<std::size_t> inputs(dependence.term.begin(), dependence.term.end());
+    for (auto other = dependence.others.rbegin(); other != dependence.others.rend(); ++other) {
+        const bool isNew = std::any_of(other->begin(), other->end(),
                                        [&](std::size_t input) { return inputs.count(input) == 0; });
-        if (std::fabs(coefficients[k]) > smallest && (other.size() == 2 || isNew)) {
-            partners.push_back(other);
-            inputs.insert(other.begin(), other.end());
+        if (other->size() == 2 || isNew) {
+            partners.push_back(*other);
+            inputs.insert(other->begin(), other->end());
         }
     }
     std::reverse(partners.begin(), partners.end());
@@ -238,36 +130,32 @@ bool isSaidOfColumn(const Term& term, const DiagnosedCases& cases)
 
 std::optional<std::size_t> TermFindings::rank(const DiagnosedCases& cases)
 {
-    if (!areFewEnough(cases)) {
-        return std::nullopt;
-    }
-    return SeparatedTerms(cases).rank();
+    const std::optional<TermSeparation> separation = separationOf(cases);
+    return separation ? std::optional(separation->rank) : std::nullopt;
 }
 
 std::vector<Finding> TermFindings::find(const DiagnosedCases& cases)
 {
     constexpr std::size_t maxSentences = 3;
-    if (!areFewEnough(cases)) {
-        return {};
-    }
-    const SeparatedTerms separated(cases);
-    if (cases.count() < separated.count) {
+    const std::optional<TermSeparation> separation = separationOf(cases);
+    if (!separation || cases.count() < cases.termCount()) {
         return {};
     }
     std::vector<std::pair<std::vector<Term>, std::vector<Term>>> groups; // of the same partners
     std::vector<Term> all;
-    for (const SeparatedTerms::Lost& lost : separated.lost) {
-        if (isSaidOfColumn(lost.term, cases)) {
+    for (const TermSeparation::Dependence& dependence : separation->dependences) {
+        if (isSaidOfColumn(dependence.term, cases)) {
             continue;
         }
-        all.push_back(lost.term);
+        all.push_back(dependence.term);
+        const std::vector<Term> partners = partnersOf(dependence);
         const auto group = std::find_if(groups.begin(), groups.end(), [&](const auto& candidate) {
-            return candidate.second == lost.partners;
+            return candidate.second == partners;
         });
         if (group == groups.end()) {
-            groups.push_back({{lost.term}, lost.partners});
+            groups.push_back({{dependence.term}, partners});
         } else {
-            group->first.push_back(lost.term);
+            group->first.push_back(dependence.term);
         }
     }
     std::vector<Finding> findings;

@@ -33,8 +33,8 @@ public:
         std::size_t parents[2] = {noParent, noParent};
     };
 
-    /** Dependences that are listed: as many as a person reads. */
-    static constexpr std::size_t maxDependences = 20;
+    /** Dependences that are listed: more would cost as much as the factorisation. */
+    static constexpr std::size_t maxDependences = 300;
 
     /** A column that was dropped for being a combination of those kept before it. */
     struct Dependence

@@ -22,6 +22,8 @@ constexpr double supportedLeverage = 1.5;
 constexpr double negligibleOfLinear = 0.01;
 constexpr double negligibleOfSecondOrder = 0.05;
 
+constexpr std::size_t maxRelations = 20; // each costs as much as a term of the prediction
+
 /** Whether a term is the square of an input that has two levels: one with the constant and the
  *  input. */
 bool isSquareOfTwoLevels(const QuadraticBasis& basis, const PolynomialFit::Dependence& dependence)
@@ -45,11 +47,11 @@ CaseSupport::CaseSupport(const PolynomialFit& fit, const CaseRanges& ranges)
     : fit(fit), ranges(ranges)
 {
     for (const PolynomialFit::Dependence& one : fit.dependences()) {
-        if (isSquareOfTwoLevels(fit.basis(), one)) {
-            continue;
+        if (relations.size() == maxRelations) {
+            break;
         }
         // What depends on the block is no relation of the inputs.
-        if (one.involvesBlocks(fit.basis())) {
+        if (isSquareOfTwoLevels(fit.basis(), one) || one.involvesBlocks(fit.basis())) {
             continue;
         }
         Relation relation = {{{one.term, -1.0}}, tolerance(one.term)};

@@ -98,6 +98,19 @@ TEST(ResponseSurfaceDependentTerms, NamesNoLinearTermsThatCancel)
     EXPECT_EQ(warnings[0], "V1 V2 cannot be separated from V3 by these cases and was left out.");
 }
 
+TEST(ResponseSurfaceDependentTerms, CountsManyTermsThatCannotBeSeparated)
+{
+    // Eight inputs, each varied alone: none of their 28 products is determined.
+    Cases cases{std::vector<Column>(8, Column(48, 0.0)), {Random(3).column(48, 0.0, 1.0)}};
+    for (std::size_t k = 0; k < 48; ++k) {
+        cases.inputs[k / 6][k] = static_cast<double>(k % 6) - 2.0;
+    }
+
+    EXPECT_EQ(fit(cases).fitWarnings(0).front(),
+              "V1 V2, V1 V3, V1 V4 and 25 more cannot be separated from other terms by these cases "
+              "and were left out.");
+}
+
 TEST(ResponseSurfaceDependentTerms, KeepsSquaresRatherThanProducts)
 {
     // On the diagonals of a square V1^2 and V2^2 are the same, and V1 V2 is that up to the sign.

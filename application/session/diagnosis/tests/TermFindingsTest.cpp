@@ -83,6 +83,19 @@ TEST(TermFindings, SquaresOfTwoValuesAreNotNamedHere)
     EXPECT_EQ(TermFindings::rank(cases), 7u);
 }
 
+TEST(TermFindings, ATermThatTheFitKeepsIsNotNamed)
+{
+    // C is A * B but for a difference of 2e-9: the fit still separates them.
+    const Numbers a = spread(20);
+    const Numbers b = otherSpread(20);
+    Numbers c;
+    for (std::size_t row = 0; row < a.size(); ++row) {
+        c.push_back(a[row] * b[row] + (row % 3 == 0 ? 2e-9 : 0.0));
+    }
+
+    EXPECT_EQ(TermFindings::find(casesOf({{"A", a}, {"B", b}, {"C", c}})).size(), 0u);
+}
+
 TEST(TermFindings, SpreadCasesDetermineAllTerms)
 {
     DiagnosedCases cases = casesOf({{"A", spread(12)}, {"B", otherSpread(12)}});
