@@ -122,20 +122,6 @@ public:
                       OutputTransforms::invert(transform, predicted - error));
     }
 
-    /** A sentence of the model inside, whose output is the transform. */
-    static std::string named(OutputTransform transform, std::string sentence)
-    {
-        const std::string inside = "the output's variance";
-        const std::size_t place = sentence.find(inside);
-        if (place != std::string::npos && transform != OutputTransform::None) {
-            sentence.replace(place, inside.size(),
-                             transform == OutputTransform::Logarithm
-                                 ? "the variance of the output's logarithm"
-                                 : "the variance of the output's square root");
-        }
-        return sentence;
-    }
-
     /** Whether a transform was asked for that the output does not have. */
     bool isRefused(const Fit& fit) const
     {
@@ -408,9 +394,6 @@ TransformedOutput::fitWarnings(int offset, const std::vector<std::string>& input
         warnings.insert(warnings.begin(),
                         "The output is not positive in all cases: it was modelled itself, not its "
                         "logarithm or square root.");
-    }
-    for (std::string& warning : warnings) {
-        warning = Impl::named(fit.transform, std::move(warning));
     }
     return warnings;
 }

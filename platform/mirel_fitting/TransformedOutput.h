@@ -19,7 +19,7 @@
  * the predictions of the transform plus and minus its standard error, transformed back: to first
  * order that of the delta method, but not 0 where the square root is. Metrics and leave-one-out
  * predictions are in the output's units; what the model inside reports of its parameters is in
- * those of the transform, and so are its warnings, which say so, and texts.
+ * those of the transform, and so are its warnings and texts.
  *
  * Box, Cox: An analysis of transformations, J. R. Stat. Soc. B 26 (1964).
  */

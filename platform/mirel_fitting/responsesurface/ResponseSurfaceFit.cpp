@@ -204,10 +204,9 @@ std::vector<std::string> ResponseSurfaceFit::warnings(std::size_t output,
         warnings.push_back(std::move(sentence));
     }
     const FitMetrics ofOutput = metrics(output);
-    if (ofOutput.terms > 1 && ofOutput.predictedR2 <= 0.0) {
-        warnings.emplace_back(LeftOutCasesWarning::noBetterThanMean);
-    } else if (ofOutput.terms > 1 && ofOutput.predictedR2 < LeftOutCasesWarning::flat) {
-        warnings.push_back(LeftOutCasesWarning::hardlyBetterThanMean(ofOutput.predictedR2));
+    const auto warning = leftOutCasesWarning(ofOutput.predictedR2);
+    if (warning && ofOutput.terms > 1) {
+        warnings.push_back(*warning);
     }
     for (std::string& sentence : notes(output, names)) {
         warnings.push_back(std::move(sentence));

@@ -101,7 +101,8 @@ KrigingFit fitVaryingOutput(const KrigingFitInput& input, std::vector<std::strin
     }
     auto data = std::make_shared<KrigingData>(distinct.data());
     const auto trend = input.addTrend(*data);
-    return UncorrelatedKriging::isExplained(input, distinct, *trend, *data)
+    return UncorrelatedKriging::isExplained(input, distinct, *trend,
+                                            trend->leastSquares(data->output).coefficients)
                ? UncorrelatedKriging::ofTrend(input, distinct, trend, data)
                : fitExactKriging(input, distinct, trend, data);
 }

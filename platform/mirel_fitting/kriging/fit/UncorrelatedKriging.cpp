@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -57,20 +56,6 @@ KrigingFit UncorrelatedKriging::ofMean(const KrigingFitInput& input)
     fit.leftOut = KrigingLeaveOneOut::ofMean(input.output);
     fit.warnings.push_back(KrigingWarnings::ofMean(input.output.size(), !(squares > 0.0)));
     return fit;
-}
-
-bool UncorrelatedKriging::isExplained(const KrigingFitInput& input, const DistinctCases& distinct,
-                                      const KrigingTrend& trend, const KrigingData& data)
-{
-    double largest = 0.0;
-    double within = 0.0;
-    for (std::size_t i = 0; i < data.cases; ++i) {
-        largest =
-            std::max(largest, std::fabs(input.scale.offset / input.scale.scale + data.output[i]));
-        within = std::max(within, distinct.withinDeviation(i));
-    }
-    const double rounding = 8.0 * std::numeric_limits<double>::epsilon() * (1.0 + largest);
-    return within <= rounding && std::sqrt(trend.leastSquares(data.output).variance) <= rounding;
 }
 
 bool UncorrelatedKriging::isExplained(const KrigingFitInput& input, const DistinctCases& distinct,

@@ -15,12 +15,7 @@ public:
     /** The mean of the output, where no input varies or the output does not. */
     static KrigingFit ofMean(const KrigingFitInput& input);
 
-    /** Whether the residuals of least squares are rounding.
-     *  @param data all cases, with the terms of `trend`. */
-    static bool isExplained(const KrigingFitInput& input, const DistinctCases& distinct,
-                            const KrigingTrend& trend, const KrigingData& data);
-
-    /** Whether the trend of a subset leaves only rounding at all cases. */
+    /** Whether the trend, of all cases or a subset, leaves only rounding at all cases. */
     static bool isExplained(const KrigingFitInput& input, const DistinctCases& distinct,
                             const KrigingTrend& trend, const std::vector<double>& coefficients);
 

@@ -145,21 +145,19 @@ bool KrigingTexts::isMostlyNoise(double noiseShare)
 
 std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
 {
-    constexpr double flat = LeftOutCasesWarning::flat; // R2 or Q2
     // A likelihood ratio of 7 is no evidence for either model.
     constexpr double close = 2.0;
 
     const KrigingReport& report = fit.report;
     std::vector<std::string> result;
     const bool isMoreThanTheMean = fit.metrics.terms > 1 || !std::isnan(report.condition);
-    if (isMoreThanTheMean && fit.metrics.r2 < flat) {
+    if (isMoreThanTheMean && fit.metrics.r2 < flatQ2) {
         result.push_back("The model is flat: it explains " +
-                         NumberText::percent(std::max(fit.metrics.r2, 0.0)) +
-                         " of the output's variance.");
+                         NumberText::percent(std::max(fit.metrics.r2, 0.0)) + " of the variance.");
     }
     if (isMostlyNoise(noiseShare)) {
         result.push_back("Noise dominates: " + NumberText::percent(std::min(noiseShare, 1.0)) +
-                         " of the output's variance is taken for noise.");
+                         " of the variance is taken for noise.");
     }
     if (report.nuggetBound == KrigingReport::Bound::Upper) {
         result.push_back("The nugget is at its upper bound, " +
@@ -176,12 +174,10 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("A case alone determines a term of the trend: there are no "
                          "leave-one-out figures, since leaving it out leaves no such fit.");
     }
-    if (isMoreThanTheMean && fit.metrics.q2 <= 0.0) {
-        result.push_back(LeftOutCasesWarning::noBetterThanMean);
-    }
     // A model that interpolates its cases has R2 = 1, but may be flat between them.
-    if (fit.metrics.r2 >= flat && fit.metrics.q2 > 0.0 && fit.metrics.q2 < flat) {
-        result.push_back(LeftOutCasesWarning::hardlyBetterThanMean(fit.metrics.q2));
+    const auto warning = leftOutCasesWarning(fit.metrics.q2);
+    if (warning && isMoreThanTheMean && (fit.metrics.q2 <= 0.0 || fit.metrics.r2 >= flatQ2)) {
+        result.push_back(*warning);
     }
     return result;
 }

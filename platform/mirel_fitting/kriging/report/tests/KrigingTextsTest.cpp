@@ -136,7 +136,7 @@ TEST(KrigingTexts, SaysWhatIsWrongWithAModel)
         const char* verdict; // none: ""
     } const rows[] = {
         {[](KrigingFit& fit) { fit.metrics.r2 = 0.034; }, 0.0,
-         "The model is flat: it explains 3 % of the output's variance."},
+         "The model is flat: it explains 3 % of the variance."},
         // It is said in other words that no input varies.
         {[](KrigingFit& fit) {
              fit.metrics.r2 = 0.0;
@@ -146,12 +146,11 @@ TEST(KrigingTexts, SaysWhatIsWrongWithAModel)
          },
          0.0, ""},
         {[](KrigingFit&) {}, 0.5, ""},
-        {[](KrigingFit&) {}, 0.62,
-         "Noise dominates: 62 % of the output's variance is taken for noise."},
+        {[](KrigingFit&) {}, 0.62, "Noise dominates: 62 % of the variance is taken for noise."},
         {[](KrigingFit& fit) { fit.metrics.q2 = 0.02; }, 0.0,
          "Left-out cases are predicted hardly better than by the mean of the cases (2 % of the "
-         "output's variance): noise dominates, or more cases are needed to show how the output "
-         "changes between them."},
+         "variance): noise dominates, or more cases are needed to show how the output changes "
+         "between them."},
         {[](KrigingFit& fit) { fit.metrics.q2 = -0.1; }, 0.0,
          "Left-out cases are predicted no better than by the mean of the cases: do not rely on "
          "this model."},
