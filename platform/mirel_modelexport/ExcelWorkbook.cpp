@@ -5,34 +5,11 @@
 #include <mirel_modelexport/PointFormulas.h>
 #include <mirel_modelexport/WorkbookFile.h>
 
-#include <clocale>
 #include <cmath>
-
-#include <locale.h>
 
 namespace {
 
 using Description = PredictorDescription;
-
-/** The workbook's library prints numbers as the locale of the thread has them. */
-class ClassicLocale
-{
-public:
-    ClassicLocale() : classic(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(classic)) {}
-
-    ~ClassicLocale()
-    {
-        uselocale(before);
-        freelocale(classic);
-    }
-
-    ClassicLocale(const ClassicLocale&) = delete;
-    ClassicLocale& operator=(const ClassicLocale&) = delete;
-
-private:
-    locale_t classic;
-    locale_t before;
-};
 
 enum Sheet : std::size_t
 {
@@ -310,6 +287,5 @@ void ModelSheets::writeCases()
 
 std::string excelWorkbook(const ExportedModel& model)
 {
-    const ClassicLocale locale;
     return ModelSheets(model).bytes();
 }

@@ -9,11 +9,13 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <locale.h>
 #include <system_error>
 
 namespace {
@@ -35,6 +37,26 @@ std::string temporaryFolder()
     }
     return path;
 }
+
+/** The workbook's library prints numbers as the locale of the thread has them. */
+class ClassicLocale
+{
+public:
+    ClassicLocale() : classic(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(classic)) {}
+
+    ~ClassicLocale()
+    {
+        uselocale(before);
+        freelocale(classic);
+    }
+
+    ClassicLocale(const ClassicLocale&) = delete;
+    ClassicLocale& operator=(const ClassicLocale&) = delete;
+
+private:
+    locale_t classic;
+    locale_t before;
+};
 
 class Folder
 {
@@ -101,6 +123,7 @@ public:
         }
     }
 
+    ClassicLocale locale; // while the file is written
     Folder folder;
     std::string path;
     lxw_workbook* workbook = nullptr;

@@ -8,6 +8,7 @@
 /**
  * A spreadsheet file that is being written: cells by sheet, row and column, from 0. The same cells
  * give the same bytes. It grows in a folder of its own for temporary files, which goes with it.
+ * As long as it exists the thread's locale is "C".
  */
 class WorkbookFile
 {
