@@ -346,10 +346,8 @@ py::array_t<double> distributionValues(const std::string& text)
 {
     const SurrogateModelUserDist distribution(text);
     if (!distribution.isValid()) {
-        std::string fault = distribution.errorString();
-        fault.replace(fault.find('\n'), 1, ": ");
-        throw py::value_error("The text \"" + text + "\" cannot be read. " + fault +
-                              ". Write numbers and ranges like 4 - 80 : 20, 42.");
+        throw py::value_error("The text \"" + text + "\" cannot be read. " +
+                              distribution.refusal());
     }
     std::vector<double> values;
     distribution.get(values);

@@ -263,6 +263,18 @@ std::string SurrogateModelUserDist::errorString() const
     return impl->errorText;
 }
 
+std::string SurrogateModelUserDist::refusal() const
+{
+    if (isValid()) {
+        return "";
+    }
+    const std::string& fault = impl->errorText;
+    const std::size_t end = fault.rfind('\n');
+    const bool hasItem = end > std::string("Expression: ").size();
+    return (hasItem ? fault.substr(0, end) + ": " : "") + fault.substr(end + 1) +
+           ". Write numbers and ranges like 4 - 80 : 20, 42.";
+}
+
 void SurrogateModelUserDist::get(std::vector<double>& values) const
 {
     impl->parse();

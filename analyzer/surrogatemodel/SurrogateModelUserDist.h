@@ -63,6 +63,9 @@ public:
      */
     std::string errorString() const;
 
+    /** The fault of the text on one line, and what to write; empty without a fault. */
+    std::string refusal() const;
+
     /**
      * Replaces what `values` held by the values of the text, strictly ascending: overlapping items
      * give each value once. A text with a fault leaves `values` as it was.

@@ -306,7 +306,7 @@ void runCheck(const CommandLine& line)
         writeText("-", ReportJson::text(object));
     }
     if (!isValid) {
-        throw DistributionTextError(faultOf(distribution));
+        throw DistributionTextError(distribution.refusal());
     }
 }
 } // namespace

@@ -267,6 +267,13 @@ TEST(SurrogateModelUserDist, ReportsTheFirstFaultyItemOnlyTrimmedAndAsItIs)
         {"   ", "Expression: \nNo value range specified"},
         {"%2% %1% 100%", "Expression: %2% %1% 100%\nInvalid floating point number"},
     };
+    EXPECT_EQ(
+        Dist(rows[0].first).refusal(),
+        "Expression: abc: Invalid floating point number. Write numbers and ranges like 4 - 80 "
+        ": 20, 42.");
+    EXPECT_EQ(Dist(rows[1].first).refusal(),
+              "No value range specified. Write numbers and ranges like 4 - 80 : 20, 42.");
+    EXPECT_EQ(Dist("1, 2").refusal(), "");
     for (const auto& [text, message] : rows) {
         const Dist distribution(text);
         EXPECT_EQ(distribution.errorString(), "") << "not parsed yet";

@@ -26,7 +26,7 @@ using Collection = SurrogateModelUserDistCollection;
 
 /** The project of a table, opened: the library asks for the open project, from the manager's
  *  construction on. */
-boost::shared_ptr<Project> openProject(CaseTable& table)
+boost::shared_ptr<Project> projectOf(CaseTable& table)
 {
     auto project = boost::make_shared<Project>();
     {
@@ -66,21 +66,9 @@ std::string excessOfValues(const SurrogateModelUserDist& distribution, const std
            " can be typed. Ask for fewer values.";
 }
 
-std::string faultOf(const SurrogateModelUserDist& distribution)
-{
-    std::string fault = distribution.errorString();
-    const std::string ofNoItem = "Expression: \n";
-    if (fault.compare(0, ofNoItem.size(), ofNoItem) == 0) {
-        fault.erase(0, ofNoItem.size());
-    } else {
-        fault.replace(fault.find('\n'), 1, ": ");
-    }
-    return fault + ". Write numbers and ranges like 4 - 80 : 20, 42.";
-}
-
 SessionState::SessionState(CaseTable& table,
                            const boost::shared_ptr<SurrogateModelInterface>& model)
-    : project(openProject(table)), factory(boost::make_shared<SessionModelFactory>(model)),
+    : project(projectOf(table)), factory(boost::make_shared<SessionModelFactory>(model)),
       manager(boost::make_shared<SurrogateModelManager>(
           boost::make_shared<ProjectDataPipelineManager>(project), factory)),
       userDistributions(boost::make_shared<veska::Property<Collection>>()),

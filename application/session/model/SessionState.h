@@ -86,6 +86,3 @@ private:
  *  others. @param name of the text's variable, if it has one. */
 SURROGATE_SESSION_EXPORT std::string excessOfValues(const SurrogateModelUserDist& distribution,
                                                     const std::string& name = "");
-
-/** What refuses a text with a fault: the faulty item, what is wrong with it and what to write. */
-SURROGATE_SESSION_EXPORT std::string faultOf(const SurrogateModelUserDist& distribution);

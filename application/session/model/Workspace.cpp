@@ -36,7 +36,7 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
     const SurrogateModelUserDist distribution(text);
     if (!distribution.isValid()) {
         throw DistributionTextError("The text \"" + text + "\" for \"" + name +
-                                    "\" cannot be read. " + faultOf(distribution));
+                                    "\" cannot be read. " + distribution.refusal());
     }
     const std::string excess = excessOfValues(distribution, name);
     if (!excess.empty()) {
