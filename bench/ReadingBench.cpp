@@ -5,7 +5,7 @@
 #include <session/files/OutputFile.h>
 #include <session/files/OutputTable.h>
 #include <session/text/CellTexts.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 
 #include <benchmark/benchmark.h>
 

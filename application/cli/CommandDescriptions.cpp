@@ -3,7 +3,7 @@
 #include "OptionTypes.h"
 
 #include <session/model/ModelFile.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 
 #include <mirel_fitting/numerics/TextPieces.h>
 

@@ -21,7 +21,7 @@
 #include <session/report/ProjectReport.h>
 #include <session/report/ReportJson.h>
 #include <session/report/SummaryReport.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 

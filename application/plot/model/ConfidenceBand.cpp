@@ -4,7 +4,7 @@
 
 #include <mirel_fitting/ModelInterfaces.h>
 #include <session/model/CaseSession.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 
 #include <mirel_fitting/FittedModel.h>
 

@@ -2,7 +2,7 @@
 
 #include "plot/model/DrawableValues.h"
 
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 #include <session/text/QuotedText.h>
 #include <session/text/UnitText.h>
 

@@ -5,7 +5,7 @@
 #include <session/cases/VariableNames.h>
 #include <session/model/CaseSession.h>
 #include <session/model/ModelName.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 #include <session/text/QuotedText.h>
 
 #include <mirel_datamanagement/Project.h>

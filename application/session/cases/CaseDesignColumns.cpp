@@ -1,7 +1,7 @@
 #include "session/cases/CaseDesignColumns.h"
 
 #include "session/cases/VariableNames.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>

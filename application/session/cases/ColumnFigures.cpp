@@ -1,6 +1,6 @@
 #include "session/cases/ColumnFigures.h"
 
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "session/cases/ColumnRole.h"
 
 #include "session/cases/ColumnFigures.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TrimmedText.h"
 

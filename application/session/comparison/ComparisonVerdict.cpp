@@ -1,7 +1,7 @@
 #include "session/comparison/ComparisonVerdict.h"
 
 #include "session/comparison/OutputComparison.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "session/cases/ColumnFigures.h"
 #include "session/diagnosis/FindingWords.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "session/diagnosis/FindingWords.h"
 
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <mirel_fitting/numerics/OrthonormalColumns.h>
 

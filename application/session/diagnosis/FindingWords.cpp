@@ -1,6 +1,6 @@
 #include "session/diagnosis/FindingWords.h"
 
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_fitting/numerics/NumberText.h>

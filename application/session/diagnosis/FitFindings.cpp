@@ -1,7 +1,7 @@
 #include "session/diagnosis/FitFindings.h"
 
 #include "session/diagnosis/FindingWords.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 

@@ -3,7 +3,7 @@
 #include "session/files/OutputFile.h"
 #include "session/text/CellTexts.h"
 #include "session/text/CellValue.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #include "session/model/SweepInterpolationVariables.h"
 
 #include "session/cases/CaseCounts.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <mirel_datamanagement/Project.h>
 

@@ -5,7 +5,7 @@
 #include "session/files/FileFingerprint.h"
 #include "session/model/SessionState.h"
 #include "session/project/ProjectDocument.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/UnitText.h"
 

@@ -2,7 +2,7 @@
 
 #include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/SessionErrors.h"
 #include "session/xml/XmlChecks.h"
 

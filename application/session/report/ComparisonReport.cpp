@@ -4,7 +4,7 @@
 #include "session/comparison/ModelComparison.h"
 #include "session/model/Workspace.h"
 #include "session/report/ReportHeading.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 

@@ -3,7 +3,7 @@
 #include "session/diagnosis/FindingWords.h"
 #include "session/model/Evaluator.h"
 #include "session/report/ReportHeading.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>

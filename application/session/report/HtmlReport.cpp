@@ -6,7 +6,7 @@
 #include "session/report/FitFigures.h"
 #include "session/report/ReportHeading.h"
 #include "session/report/StatisticsTables.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 
 #include <mirel_datamanagement/Project.h>

@@ -3,7 +3,7 @@
 #include "session/cases/CaseFileLayout.h"
 #include "session/cases/CaseNumbers.h"
 #include "session/project/ProjectDocument.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/TextTable.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>

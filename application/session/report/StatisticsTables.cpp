@@ -1,7 +1,7 @@
 #include "session/report/StatisticsTables.h"
 
 #include "session/report/ReportHeading.h"
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/TextTable.h"
 

@@ -1,5 +1,5 @@
 #include <session/diagnosis/Diagnosis.h>
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 
 #include "SampleCases.h"
 

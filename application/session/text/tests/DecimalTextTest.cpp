@@ -1,4 +1,4 @@
-#include <session/text/NumberText.h>
+#include <session/text/DecimalText.h>
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <limits>
 #include <random>
 
-TEST(NumberText, IsTheShortestThatReadsBackAsTheSameDouble)
+TEST(DecimalText, IsTheShortestThatReadsBackAsTheSameDouble)
 {
     EXPECT_EQ(numberText(0.1), "0.1");
     EXPECT_EQ(numberText(0.1 + 0.2), "0.30000000000000004");
@@ -25,7 +25,7 @@ TEST(NumberText, IsTheShortestThatReadsBackAsTheSameDouble)
     EXPECT_EQ(numberText(std::nan("")), "nan");
 }
 
-TEST(NumberText, RandomBitPatternsReadBackTheSame)
+TEST(DecimalText, RandomBitPatternsReadBackTheSame)
 {
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
@@ -44,7 +44,7 @@ TEST(NumberText, RandomBitPatternsReadBackTheSame)
     }
 }
 
-TEST(NumberText, AFigureInASentenceHasFourDigits)
+TEST(DecimalText, AFigureInASentenceHasFourDigits)
 {
     EXPECT_EQ(shownFigure(0.123456), "0.1235");
     EXPECT_EQ(shownFigure(-9999.4), "-9999");
@@ -58,7 +58,7 @@ TEST(NumberText, AFigureInASentenceHasFourDigits)
     EXPECT_EQ(shownNumber(-HUGE_VAL), "-");
 }
 
-TEST(NumberText, DecimalsLoseTheErrorsOfArithmeticOnly)
+TEST(DecimalText, DecimalsLoseTheErrorsOfArithmeticOnly)
 {
     const auto shown = [](double number, double scale) {
         return numberText(nearbyDecimal(number, scale));
@@ -73,7 +73,7 @@ TEST(NumberText, DecimalsLoseTheErrorsOfArithmeticOnly)
     EXPECT_EQ(shown(std::nan(""), 1.0), "nan");
 }
 
-TEST(NumberText, ASmallProbabilityIsBelowABound)
+TEST(DecimalText, ASmallProbabilityIsBelowABound)
 {
     EXPECT_EQ(shownProbability(0.012345), "0.01235");
     EXPECT_EQ(shownProbability(0.0001), "0.0001");

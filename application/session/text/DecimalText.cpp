@@ -1,4 +1,4 @@
-#include "session/text/NumberText.h"
+#include "session/text/DecimalText.h"
 
 #include <mirel_fitting/numerics/NumberText.h>
 
