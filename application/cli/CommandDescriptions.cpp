@@ -432,3 +432,24 @@ const std::vector<CommandDescription>& commandDescriptions()
          describeCheck}};
     return commands;
 }
+
+std::map<Setting, std::string> settingOptions()
+{
+    return {{Setting::Inputs, "-x"},
+            {Setting::Outputs, "-y"},
+            {Setting::Model, "-m"},
+            {Setting::Terms, "--terms"},
+            {Setting::TermSelection, "--select-terms"},
+            {Setting::Transform, "--transform"},
+            {Setting::ExcludedCases, "--exclude"},
+            {Setting::Blocks, "--block"},
+            {Setting::SweptInput, "--sweep"},
+            {Setting::Separator, "--separator"},
+            {Setting::DecimalMark, "--decimal"},
+            {Setting::SkippedLines, "--skip"},
+            {Setting::Heading, "--heading"},
+            {Setting::NoHeading, "--no-heading"},
+            {Setting::CommentMarks, "--comment"},
+            {Setting::MissingCodes, "--missing"},
+            {Setting::NotStrict, "without --strict"}};
+}

@@ -2,6 +2,10 @@
 
 #include "CommandLine.h"
 
+#include <session/text/SettingHint.h>
+
+#include <map>
+#include <string>
 #include <vector>
 
 namespace CLI {
@@ -21,3 +25,6 @@ struct CommandDescription
 
 /** All commands but help, in the order in which help lists them. */
 const std::vector<CommandDescription>& commandDescriptions();
+
+/** The options that sentences about cases and models advise to use. */
+std::map<Setting, std::string> settingOptions();

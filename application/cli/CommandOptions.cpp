@@ -3,12 +3,12 @@
 #include "CommandDescriptions.h"
 #include "HelpPages.h"
 #include "OptionTypes.h"
+#include "ShellWord.h"
 #include "UsageFaults.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
 #include <utility>
 
@@ -118,32 +118,15 @@ private:
     std::string helpTopic;
     std::optional<HelpFormat> helpFormat;
 };
-
-/** The command as it can be typed again: single quotes around what a shell would take apart. */
-std::string typedText(const std::vector<std::string>& arguments)
-{
-    const std::string plain = "+,-./:=@_%^";
-    std::string text = "surrogate";
-    for (const std::string& argument : arguments) {
-        const bool isPlain =
-            !argument.empty() && std::all_of(argument.begin(), argument.end(), [&](char letter) {
-                return std::isalnum(static_cast<unsigned char>(letter)) != 0 ||
-                       plain.find(letter) != std::string::npos;
-            });
-        std::string quoted;
-        for (const char letter : argument) {
-            quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-        }
-        text += ' ' + (isPlain ? argument : '\'' + quoted + '\'');
-    }
-    return text;
-}
 } // namespace
 
 CommandLine CommandOptions::parse(const std::vector<std::string>& arguments)
 {
     CommandLine line;
-    line.typed = typedText(arguments);
+    line.typed = "surrogate";
+    for (const std::string& argument : arguments) {
+        line.typed += ' ' + shellWord(argument);
+    }
     Parser parser(line);
     try {
         parser.parse(arguments, line);

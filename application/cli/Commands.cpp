@@ -6,6 +6,7 @@
 #include "ExportCommand.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
+#include "ShellWord.h"
 #include "TerminalProgress.h"
 
 #include <plot/model/MainEffects.h>
@@ -28,6 +29,7 @@
 #include <surrogatemodel/SurrogateModelUserDist.h>
 
 #include <mirel_fitting/ThreadCount.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
@@ -92,12 +94,28 @@ void writeTable(const CommandLine& line, const OutputTable& table, const CaseFil
     out.commit();
 }
 
+/** The options that name the roles; nothing without an input or an output, or where no shell takes
+ *  as long a word. */
+std::string roleOptions(const Workspace& workspace)
+{
+    constexpr std::size_t maxWordBytes = 131071; // MAX_ARG_STRLEN of Linux
+
+    const std::string inputs = joinedText(namesOf(workspace.inputs()), ",");
+    const std::string outputs = joinedText(namesOf(workspace.outputs()), ",");
+    return inputs.empty() || outputs.empty() ||
+                   std::max(inputs.size(), outputs.size()) > maxWordBytes
+               ? ""
+               : "Options: -x " + shellWord(inputs) + " -y " + shellWord(outputs) + '\n';
+}
+
 void runSummary(const CommandLine& line)
 {
     const OpenSession open(line);
     open.save(line);
-    writeText(line.output, line.asJson ? ReportJson::text(SummaryReport::json(open.session))
-                                       : terminalText(SummaryReport::text(open.session)));
+    writeText(line.output,
+              line.asJson
+                  ? ReportJson::text(SummaryReport::json(open.session))
+                  : terminalText(SummaryReport::text(open.session, roleOptions(open.session))));
 }
 
 std::string localTime()

@@ -20,7 +20,7 @@
 
 namespace {
 /** Reads the case file of a project, or the one that replaces it. */
-CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& document)
+CaseTable casesOfProject(const CommandLine& line, const ProjectDocument& document)
 {
     if (!line.cases.empty()) {
         const std::string sentence = otherCasesNote(document, line.cases);
@@ -41,19 +41,19 @@ CaseTable readProjectCases(const CommandLine& line, const ProjectDocument& docum
     }
 }
 
-std::unique_ptr<CaseSession> openProject(const CommandLine& line)
+std::unique_ptr<CaseSession> sessionOfProject(const CommandLine& line)
 {
     const ProjectDocument document = ProjectDocument::load(line.subject);
     refuseToReplace("report", line.report, {document.caseFile.path});
     refuseToReplace("output", line.output, {document.caseFile.path});
-    OpenedProject opened = openProject(readProjectCases(line, document), document, line.choices);
+    OpenedProject opened = openProject(casesOfProject(line, document), document, line.choices);
     for (const std::string& sentence : opened.notes) {
         note(line, "Note: " + sentence + '\n');
     }
     return std::move(opened.session);
 }
 
-std::unique_ptr<CaseSession> openCases(const CommandLine& line)
+std::unique_ptr<CaseSession> sessionOfCases(const CommandLine& line)
 {
     refuseToReplace("project", line.save, {line.subject});
     SessionChoices choices = line.choices;
@@ -101,14 +101,13 @@ const std::string& assignment(const std::string& option, const std::string& text
 OpenSession::OpenSession(const CommandLine& line)
     : start(std::chrono::steady_clock::now()),
       opened(line.startsFromModel() ? std::make_unique<CaseSession>(ModelFile::read(line.subject))
-             : line.startsFromProject() ? openProject(line)
-                                        : openCases(line)),
+             : line.startsFromProject() ? sessionOfProject(line)
+                                        : sessionOfCases(line)),
       readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
 {
     // An exported model has its roles, and may well have no input.
     if (!line.startsFromModel() && line.command != CommandLine::Summary) {
-        requireRoles(session, "-y NAME",
-                     line.startsFromProject() ? std::make_optional("-x NAME") : std::nullopt);
+        requireRoles(session, line.startsFromProject());
         requireFewInputs(session, line.command == CommandLine::Compare);
     }
     checkModel(line, session);

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include "CommandDescriptions.h"
 #include "CommandLine.h"
 #include "CommandOptions.h"
 #include "CommandOutput.h"
@@ -37,6 +38,7 @@ int failed(ExitCode code, const std::string& message)
 int runProgram(const std::vector<std::string>& arguments)
 {
     try {
+        setSettingOptions(settingOptions());
         if (arguments.empty()) {
             writeText("-", CommandOptions::shortHelp());
             return WrongUse;

@@ -1,5 +1,6 @@
 #include "../CommandOptions.h"
 
+#include "CommandDescriptions.h"
 #include "ParsedCommand.h"
 
 #include <gtest/gtest.h>
@@ -44,6 +45,16 @@ TEST(CommandOptions, ListsOfExcludedCasesAreJoinedAndATextToCheckMayBeginWithAMi
     EXPECT_EQ(parsed("check -5").subject, "-5");
     EXPECT_EQ(parsed("check --json -.5").subject, "-.5");
     EXPECT_EQ(parsed("check -- -x").subject, "-x");
+}
+
+TEST(CommandOptions, ExistForEverySettingThatSentencesAdvise)
+{
+    const std::string help = parsed("fit --help").text + parsed("plot --help").text;
+    for (int setting = 0; setting <= static_cast<int>(Setting::NotStrict); ++setting) {
+        const std::string option = settingOptions()[static_cast<Setting>(setting)];
+        ASSERT_NE(option, "") << setting;
+        EXPECT_NE(help.find(option.substr(option.find('-'))), std::string::npos) << option;
+    }
 }
 
 TEST(CommandOptions, WrongUseIsNamedWithWhatWasProbablyMeant)

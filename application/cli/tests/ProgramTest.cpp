@@ -109,7 +109,8 @@ TEST_F(Program, ColumnsThatAreNoInputsAreNamedWithTheReason)
                              "3,2024-01-03,1,6,3,4\n4,2024-01-03,3,6,9,1\n5,2024-01-04,4,7,2,2\n");
     const std::string note =
         "Note: Not taken as inputs: \"Run\" (counts up by one, from 1 to 5), \"Date\" (dates or "
-        "times), \"y2\" (named like the output \"y1\"); -x NAMES decides otherwise.\n";
+        "times), \"y2\" (named like the output \"y1\"); name the inputs to decide otherwise "
+        "(-x).\n";
 
     const Outcome fit = run("fit runs.csv -y y1 --terms linear");
     EXPECT_EQ(fit.exitCode, 0);
@@ -131,8 +132,8 @@ TEST_F(Program, ColumnsThatAreNoInputsAreNamedWithTheReason)
     }
 
     expectFailure("fit runs.csv -y Run,a,b,y1,y2", 2,
-                  "No column is left to be an input: \"Date\" (dates or times). Name inputs with "
-                  "-x NAMES.");
+                  "No column is left to be an input: \"Date\" (dates or times). Name the inputs "
+                  "(-x).");
 }
 
 TEST_F(Program, FitReportsTheOutputsAsAsked)
@@ -298,8 +299,9 @@ TEST_F(Program, CellsThatAreNoNumbersAreReportedAndTheirCasesLeftOut)
 
     const Outcome fit = run("fit failed.csv -x x -y y --terms linear");
     EXPECT_EQ(fit.exitCode, 0);
-    EXPECT_EQ(fit.err.rfind("Note: y: 2 cells are no numbers (\"failed\", first in line 3): these "
-                            "cases are left out.\n",
+    EXPECT_EQ(fit.err.rfind("Note: y lacks a number in 2 of 6 cases, 2 cells are no numbers "
+                            "(\"failed\", first in line 3): these cases are left out; complete "
+                            "them.\n",
                             0),
               0u)
         << fit.err;
@@ -408,7 +410,7 @@ TEST_F(Program, CasesLeftOutAreReported)
 TEST_F(Program, WrongUseEndsWithTwo)
 {
     expectFailure("fit cvd.csv", 2,
-                  "The command needs an output: -y NAME. The numeric columns are: \"Pressure\", "
+                  "An output is needed: name one (-y). The numeric columns are: \"Pressure\", "
                   "\"H2/WF6\", \"Uniformity\", \"Stress\".");
     EXPECT_EQ(run("fit cvd.csv -y").exitCode, 2);
 }
@@ -556,7 +558,7 @@ TEST_F(Program, FurtherSpellingsAreMissingInPointsToo)
     expectFailure(
         "fit late.csv -y y --strict", 3,
         "late.csv, line 3: column \"y\" holds \"late\", which is no number; correct it, or "
-        "leave out --strict to have such cells count as missing.");
+        "have such cells count as missing (without --strict).");
 }
 
 TEST_F(Program, AProjectKeepsWhatWasSaidAboutReading)

@@ -7,6 +7,7 @@
 #include "plot/model/SweepPictures.h"
 
 #include <session/model/CaseSession.h>
+#include <session/text/SettingHint.h>
 
 #include <algorithm>
 
@@ -49,7 +50,8 @@ EffectsPicture effectsPicture(CaseSession& session, const MainEffects& effects, 
     if (picture.effects.size() < effects.size()) {
         picture.caption = "The " + std::to_string(picture.effects.size()) + " of " +
                           std::to_string(effects.size()) + " inputs along which " + name +
-                          " changes most; --sweep NAME draws another. ";
+                          " changes most; name another to see its effect" +
+                          settingHint(Setting::SweptInput) + ". ";
     }
     picture.caption += "Line: " + first.modelName;
     picture.caption += band.empty() ? "." : "; band: " + band + '.';

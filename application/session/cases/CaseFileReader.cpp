@@ -7,6 +7,7 @@
 #include "session/files/TextEncoding.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/SettingHint.h"
 
 #include <cctype>
 #include <cstddef>
@@ -196,10 +197,12 @@ void Reading::readColumns(ColumnBuilder& builder)
                    "a quoted cell that begins in this row is never closed.");
     }
     if (table.columns.empty()) {
-        refuseLine(table.path, 1,
-                   records.commentLines() > 0
-                       ? "the file has comment lines only; if they are none, add --comment none."
-                       : "the file is empty; its first line must name the variables.");
+        refuseLine(
+            table.path, 1,
+            records.commentLines() > 0
+                ? "the file has comment lines only; if they are none, read it without comments" +
+                      settingHint(Setting::CommentMarks, "none") + "."
+                : "the file is empty; its first line must name the variables.");
     }
     layout.commentLines = commentsAbove + records.commentLines();
 }

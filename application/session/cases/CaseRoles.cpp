@@ -3,6 +3,7 @@
 #include "session/cases/VariableNames.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/SettingHint.h"
 
 #include <algorithm>
 #include <iterator>
@@ -65,8 +66,9 @@ private:
             throw UsageError(error.what() +
                              std::string(table.layout.hasHeading
                                              ? ""
-                                             : " The table was read without a heading; --heading "
-                                               "takes its first row for one."));
+                                             : " The table was read without a heading: take its "
+                                               "first row for one" +
+                                                   settingHint(Setting::Heading) + '.'));
         }
     }
 

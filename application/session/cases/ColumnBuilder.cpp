@@ -2,6 +2,7 @@
 
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/SettingHint.h"
 #include "session/text/TrimmedText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
@@ -62,10 +63,10 @@ void ColumnBuilder::checkSize(const std::vector<std::string_view>& cells, std::s
     if (isSurplusEmpty || isLackEmpty) {
         return;
     }
-    const std::string hint =
-        table.cases == 0
-            ? "; if the table begins further down, --skip N leaves out the lines above it."
-            : "; correct it, or begin it with # to leave it out.";
+    const std::string hint = table.cases == 0
+                                 ? "; if the table begins further down, skip the lines above it" +
+                                       settingHint(Setting::SkippedLines, "N") + "."
+                                 : "; correct it, or begin it with # to leave it out.";
     refuseLine(table.path, line,
                "the row has " + countedText(cells.size(), "cell") +
                    (table.layout.hasHeading ? ", the heading has " : ", the first row has ") +
@@ -95,12 +96,11 @@ void ColumnBuilder::checkNumbers() const
     }
     for (const CaseColumn& column : table.columns) {
         if (column.isNumeric && column.withoutNumber.count > 0) {
-            refuseLine(
-                table.path, column.withoutNumber.firstLine,
-                "column " + quotedText(column.name) + " holds " +
-                    quotedText(column.withoutNumber.spellings.front()) +
-                    ", which is no number; correct it, or leave out --strict to have such cells "
-                    "count as missing.");
+            refuseLine(table.path, column.withoutNumber.firstLine,
+                       "column " + quotedText(column.name) + " holds " +
+                           quotedText(column.withoutNumber.spellings.front()) +
+                           ", which is no number; correct it, or have such cells count as missing" +
+                           settingHint(Setting::NotStrict) + ".");
         }
     }
 }
@@ -151,8 +151,9 @@ void ColumnBuilder::refuseOtherTable(const std::vector<std::string_view>& cells,
 {
     refuseLine(table.path, line,
                "the row holds names (" + quotedText(cells.front()) +
-                   ", ...) and no numbers: another table begins here; read that one with --skip " +
-                   std::to_string(line - 1) + ", or delete its lines to read the first one.");
+                   ", ...) and no numbers: another table begins here; skip the lines above it" +
+                   settingHint(Setting::SkippedLines, std::to_string(line - 1)) +
+                   " to read that one, or delete its lines to read the first one.");
 }
 
 void ColumnBuilder::takeHeldBack()
@@ -396,7 +397,8 @@ void ColumnBuilder::numberRepeatedNames(std::size_t line)
             refuseLine(table.path, line,
                        "columns " + std::to_string(first + 1) + " and " + std::to_string(i + 1) +
                            " are both named " + quotedText(name) +
-                           "; rename one of them, or add --no-heading if the row holds a case.");
+                           "; rename one of them, or read the table without a heading" +
+                           settingHint(Setting::NoHeading) + " if the row holds a case.");
         }
         std::size_t& number = repeats[name];
         std::string numbered;

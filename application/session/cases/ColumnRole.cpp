@@ -3,6 +3,7 @@
 #include "session/cases/ColumnFigures.h"
 #include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
+#include "session/text/SettingHint.h"
 #include "session/text/TrimmedText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
@@ -410,9 +411,10 @@ bool ColumnRoles::areRunNumbers(const CaseColumn& column)
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
 {
-    const std::string ofBlocks = isOneOf(plainName(column.name), namesOfBlocks)
-                                     ? "blocks by its name: --block NAME gives each its own mean"
-                                     : "";
+    const std::string ofBlocks =
+        isOneOf(plainName(column.name), namesOfBlocks)
+            ? "blocks by its name, which may have a mean each" + settingHint(Setting::Blocks)
+            : "";
     if (!column.isNumeric) {
         return ofBlocks.empty() ? reasonOfTexts(column) : ofBlocks;
     }

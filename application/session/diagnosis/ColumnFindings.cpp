@@ -3,6 +3,7 @@
 #include "session/cases/ColumnFigures.h"
 #include "session/diagnosis/FindingWords.h"
 #include "session/text/DecimalText.h"
+#include "session/text/SettingHint.h"
 
 #include <algorithm>
 #include <array>
@@ -34,15 +35,18 @@ void addConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findin
     }
     if (constant.size() == 1) {
         findings.push_back(finding("constantInput", Finding::Warning, constant,
-                                   names(constant) + " is the same in every case: the model learns "
-                                                     "nothing about it and ignores it; leave it "
-                                                     "out of -x."));
+                                   names(constant) +
+                                       " is the same in every case: the model learns "
+                                       "nothing about it and ignores it; leave it "
+                                       "out of the inputs" +
+                                       settingHint(Setting::Inputs) + '.'));
     } else if (!constant.empty()) {
         findings.push_back(finding("constantInput", Finding::Warning, constant,
                                    names(constant) +
                                        " are the same in every case: the model learns "
                                        "nothing about them and ignores them; leave "
-                                       "them out of -x."));
+                                       "them out of the inputs" +
+                                       settingHint(Setting::Inputs) + '.'));
     }
 }
 
@@ -82,12 +86,14 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
                                 " in every case but case " +
                                 std::to_string(cases.positions[*row] + 1) +
                                 ": its effect rests on that case alone; vary it in more cases or "
-                                "leave it out of -x.");
+                                "leave it out of the inputs" +
+                                settingHint(Setting::Inputs) + '.');
         } else if (input.range() < minVariation * size) {
             sentences.push_back(names({input.name}) +
                                 " varies by less than a millionth of its size: it may hold nothing "
                                 "but rounding; write it with its offset taken off or leave it out "
-                                "of -x.");
+                                "of the inputs" +
+                                settingHint(Setting::Inputs) + '.');
         } else {
             continue;
         }
@@ -95,9 +101,11 @@ void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& 
     }
     if (found.size() > maxSentences) {
         findings.push_back(finding("nearlyConstantInput", Finding::Warning, found,
-                                   names(found) + " hardly vary, most of them in one case alone: "
-                                                  "their effects rest on single cases; vary them "
-                                                  "in more cases or leave them out of -x."));
+                                   names(found) +
+                                       " hardly vary, most of them in one case alone: "
+                                       "their effects rest on single cases; vary them "
+                                       "in more cases or leave them out of the inputs" +
+                                       settingHint(Setting::Inputs) + '.'));
         return;
     }
     for (std::size_t i = 0; i < found.size(); ++i) {
@@ -232,8 +240,8 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
             finding("missingCode", Finding::Severe, {column.name},
                     text +
                         ": the model takes it for a measurement; if it marks a missing value, "
-                        "read the file with --missing " +
-                        number + "."));
+                        "read it as one" +
+                        settingHint(Setting::MissingCodes, number) + '.'));
         return;
     }
     constexpr double nearlyAll = 0.9;
@@ -248,8 +256,8 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     findings.push_back(
         finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
                 text + effect + "; check the " +
-                    (isOne ? "cell, or leave the case" : "cells, or leave the cases") +
-                    " out with --exclude."));
+                    (isOne ? "cell, or exclude the case" : "cells, or exclude the cases") +
+                    settingHint(Setting::ExcludedCases) + '.'));
 }
 
 /** Whether single cases, rather than decades, make the range of the column wide. */
@@ -385,7 +393,8 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
             findings.push_back(finding("skewedOutput", Finding::Warning, {output.name},
                                        spanText(output) +
                                            ": the large values decide the fit and the small ones "
-                                           "are predicted badly; try --transform log."));
+                                           "are predicted badly; try a model of the logarithm" +
+                                           settingHint(Setting::Transform, "log") + '.'));
         }
     }
     return findings;

@@ -3,6 +3,7 @@
 #include "session/diagnosis/FindingWords.h"
 
 #include "session/text/DecimalText.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_fitting/numerics/OrthonormalColumns.h>
 
@@ -144,7 +145,8 @@ void LinearDependences::add(const Column& source)
             {"dependentInput", Finding::Warning, found->columns,
              found->formula + effectOf(found->isExact) + " and predictions off this " +
                  (found->columns.size() > 2 ? "plane" : "line") + " are extrapolation; leave " +
-                 names({source.name}) + " out of -x or vary it independently."});
+                 names({source.name}) + " out of the inputs" + settingHint(Setting::Inputs) +
+                 " or vary it independently."});
         return;
     }
     if (orthonormal.append(values.data())) {
@@ -165,7 +167,7 @@ void LinearDependences::findFormulaOf(const Column& output)
                              found->formula + ": the model only repeats this formula; if the " +
                                  (isOne ? "input was computed from the output, leave it"
                                         : "output was computed from these inputs, leave them") +
-                                 " out of -x."});
+                                 " out of the inputs" + settingHint(Setting::Inputs) + '.'});
     }
 }
 
@@ -379,7 +381,8 @@ std::vector<Finding> LinearDependences::collinear() const
                                 "): " + effect + ", and predictions off their common " +
                                 (members.size() > 2 ? "plane" : "line") +
                                 " are extrapolation; vary them independently or leave " +
-                                (members.size() > 2 ? "some" : "one") + " out of -x."});
+                                (members.size() > 2 ? "some" : "one") + " out of the inputs" +
+                                settingHint(Setting::Inputs) + '.'});
     }
     return findings;
 }

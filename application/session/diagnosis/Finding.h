@@ -13,7 +13,7 @@ struct Finding
         Note     ///< worth knowing
     };
 
-    /** One word for each sort of finding, "collinearInputs". */
+    /** One word for each sort of finding, "collinearInputs": docs/user-guide.md lists them. */
     std::string kind;
     Severity severity = Note;
     /** The variables that it is about, by name. */

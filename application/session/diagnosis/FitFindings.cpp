@@ -2,6 +2,7 @@
 
 #include "session/diagnosis/FindingWords.h"
 #include "session/text/DecimalText.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 
@@ -61,8 +62,8 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
                             which + " lies far from the fit of " + name +
                                 " to the others, and the design cannot tell which: it bends the "
                                 "fit and widens the intervals; check " +
-                                (areTwo ? "both" : "them") +
-                                ", exclude one with --exclude and look again."});
+                                (areTwo ? "both" : "them") + ", exclude one" +
+                                settingHint(Setting::ExcludedCases) + " and look again."});
         suspected.erase(suspected.begin(), others);
     }
     if (suspected.empty()) {
@@ -80,7 +81,8 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
              (isOne ? " exceeds " : "s exceed ") + shownFigure(statistics.outlierLimit) +
              ", Bonferroni at 5 %): " + (isOne ? "it bends" : "they bend") + " the fit and widen" +
              (isOne ? "s" : "") + " the intervals; check " + (isOne ? "it" : "them") +
-             ", and fit once more with --exclude."});
+             ", and fit once more without " + (isOne ? "it" : "them") +
+             settingHint(Setting::ExcludedCases) + '.'});
 }
 
 /** Cases that the fit passes near whatever their output is, and that move it. */
@@ -134,7 +136,9 @@ void addPoorPrediction(const std::string& output, const ResponseSurfaceStatistic
                             (isWorthless ? std::string("no better than their mean") : "far worse") +
                             " (Q2 " + shownFigure(statistics.predictedR2) +
                             "): it has many terms for so few cases, or single cases decide it; "
-                            "add cases, or choose fewer terms with --terms or --select-terms."});
+                            "add cases, or choose fewer terms" +
+                            settingHint(Setting::Terms) + " or have them selected" +
+                            settingHint(Setting::TermSelection) + '.'});
 }
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "session/diagnosis/FindingWords.h"
 
 #include "session/text/DecimalText.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/TextPieces.h>
@@ -198,7 +199,8 @@ void addCopies(const DiagnosedCases& cases, const std::vector<Rows>& groups,
     findings.push_back({"exactCopies",
                         casesPerCopy * repeated <= cases.count() ? Finding::Note : Finding::Warning,
                         {},
-                        text + "; leave them out with --exclude unless each was measured."});
+                        text + "; exclude them" + settingHint(Setting::ExcludedCases) +
+                            " unless each was measured."});
 }
 
 /** About the mean. */
@@ -256,7 +258,8 @@ void addConflicts(const DiagnosedCases& cases, const Column& output,
                                 " = " + figures + ", " +
                                 FindingWords::percent(error.largestRange / output.range()) +
                                 " of its range apart: no model can pass near both; check both "
-                                "cases, and leave a wrong one out with --exclude."});
+                                "cases, and exclude a wrong one" +
+                                settingHint(Setting::ExcludedCases) + '.'});
     }
 }
 /** The share of the pairs of values that differ by no more than the tolerance. */

@@ -2,6 +2,7 @@
 
 #include "session/diagnosis/FindingWords.h"
 #include "session/diagnosis/TermFindings.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_fitting/cases/ReplicatedCases.h>
 #include <mirel_fitting/numerics/TextPieces.h>
@@ -95,7 +96,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                      " few for Kriging of " + countedText(inputs, "input") +
                      ": it cannot find out which inputs matter; it takes " +
                      std::to_string(wanted) + " at least and " + std::to_string(10 * inputs) +
-                     " to be good, or fewer inputs (-x)."}};
+                     " to be good, or fewer inputs" + settingHint(Setting::Inputs) + '.'}};
     }
 
     const std::size_t terms = cases.termCount();
@@ -130,7 +131,9 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  Finding::Warning,
                  {},
                  countedText(cases.count(), "case") + " for the " + wanted + " of a " + model +
-                     ": all of second order are left out; choose fewer terms with --terms, or add "
+                     ": all of second order are left out; choose fewer terms" +
+                     settingHint(Setting::Terms) +
+                     ", or add "
                      "cases with other combinations of the inputs, up to " +
                      std::to_string(columns) + " at least."}};
     }
@@ -141,16 +144,18 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                  countedText(different, "different case") + (different == 1 ? " does" : " do") +
                      " not even determine the linear terms of " + countedText(inputs, "input") +
                      ", which take " + std::to_string(inputs + 1 + ofBlocks) + blocks +
-                     ": the model is the mean of the cases; name the inputs that matter with -x, "
-                     "or try -m kriging" +
+                     ": the model is the mean of the cases; name the inputs that matter" +
+                     settingHint(Setting::Inputs) + ", or try Kriging" +
+                     settingHint(Setting::Model, "kriging") +
                      (inputs > 2 * different
                           ? "; if the variables stand in rows, write them in columns."
                           : ".")}};
     }
     if (different < columns) {
-        const std::string smaller = cases.responseSurface.terms == PolynomialTerms::Linear
-                                        ? "add them or leave inputs out of -x"
-                                        : "add them or choose fewer terms with --terms";
+        const std::string smaller =
+            cases.responseSurface.terms == PolynomialTerms::Linear
+                ? "add them or choose fewer inputs" + settingHint(Setting::Inputs)
+                : "add them or choose fewer terms" + settingHint(Setting::Terms);
         return {{"tooFewCases",
                  Finding::Warning,
                  {},
@@ -168,7 +173,8 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                      std::to_string(columns) + blocks +
                      ": it passes through all of them, and no case is left to estimate its error "
                      "from; "
-                     "add cases, or choose fewer terms with --terms."}};
+                     "add cases, or choose fewer terms" +
+                     settingHint(Setting::Terms) + '.'}};
     }
     if (cases.count() <= columns + 2) {
         const std::size_t spare = cases.count() - columns;
@@ -179,7 +185,7 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
                      (spare == 1 ? "is 1 case" : "are 2 cases") +
                      " more: its errors and p-values rest on " +
                      (spare == 1 ? "that one" : "these two") +
-                     "; add cases, or choose fewer terms with --terms."}};
+                     "; add cases, or choose fewer terms" + settingHint(Setting::Terms) + '.'}};
     }
     return {};
 }

@@ -1,6 +1,7 @@
 #include "session/diagnosis/TermFindings.h"
 
 #include "session/diagnosis/FindingWords.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_fitting/responsesurface/TermSeparation.h>
@@ -54,7 +55,7 @@ std::vector<Term> partnersOf(const TermSeparation::Dependence& dependence)
     return partners;
 }
 
-/** "A * B", "A^2", as --terms reads them. */
+/** "A * B", "A^2", as formulas of terms are written. */
 std::string nameOf(const Term& term, const DiagnosedCases& cases)
 {
     const auto name = [&](std::size_t input) { return names({cases.inputs[input].name}); };
@@ -163,8 +164,8 @@ std::vector<Finding> TermFindings::find(const DiagnosedCases& cases)
         return {{"inestimableTerms", Finding::Warning, inputsOf(all, cases),
                  listOf(all, cases) +
                      " cannot be told apart from other terms by these cases: the model leaves them "
-                     "out; add cases with other combinations of the inputs, or choose fewer terms "
-                     "with --terms."}};
+                     "out; add cases with other combinations of the inputs, or choose fewer terms" +
+                     settingHint(Setting::Terms) + '.'}};
     }
     for (const auto& [terms, partners] : groups) {
         findings.push_back(findingOf(terms, partners, cases));

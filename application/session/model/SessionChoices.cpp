@@ -7,6 +7,7 @@
 #include "session/project/ProjectDocument.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/KrigingSurrogateModel.h>
@@ -32,8 +33,8 @@ void requireFormula(const std::string& formula, const std::vector<std::string>& 
     try {
         TermFormula(formula, inputs);
     } catch (const SurrogateModelInterface::Error& error) {
-        throw UsageError(std::string(error.what()) +
-                         " --terms takes linear, interactions, quadratic or a sum of terms such as "
+        throw UsageError(std::string(error.what()) + " Terms" + settingHint(Setting::Terms) +
+                         " are linear, interactions, quadratic or a sum of terms such as "
                          "A + B + A * B + A^2 of the inputs, which are: " +
                          joinedText(inputs) + '.');
     }
@@ -130,8 +131,10 @@ std::string missingInputText(const Workspace& workspace)
     const ReasonedNames reasons = workspace.reasonsAgainstInputs();
     return reasons.empty()
                ? ": there is no other column; if the file has more, name what separates "
-                 "them with --separator."
-               : ": " + reasonsText(reasons) + ". Name inputs with -x NAMES.";
+                 "them" +
+                     settingHint(Setting::Separator) + '.'
+               : ": " + reasonsText(reasons) + ". Name the inputs" + settingHint(Setting::Inputs) +
+                     '.';
 }
 } // namespace
 
@@ -182,8 +185,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     return opened;
 }
 
-void requireRoles(const Workspace& workspace, const std::string& outputHint,
-                  const std::optional<std::string>& inputHint)
+void requireRoles(const Workspace& workspace, bool isOfProject)
 {
     if (workspace.counts().read == 0) {
         throw SurrogateModelInterface::Error(
@@ -196,15 +198,15 @@ void requireRoles(const Workspace& workspace, const std::string& outputHint,
                 numeric.push_back('"' + variable.lock()->name() + '"');
             }
         }
-        throw UsageError("The command needs an output: " + outputHint + ". " +
+        throw UsageError("An output is needed: name one" + settingHint(Setting::Outputs) + ". " +
                          (numeric.empty()
                               ? "No column is numeric."
                               : "The numeric columns are: " + joinedText(numeric) + '.'));
     }
     if (workspace.inputs().empty()) {
-        throw UsageError(inputHint
-                             ? "The project has no input; name one: " + *inputHint + '.'
-                             : "No column is left to be an input" + missingInputText(workspace));
+        throw UsageError(
+            isOfProject ? "The project has no input; name one" + settingHint(Setting::Inputs) + '.'
+                        : "No column is left to be an input" + missingInputText(workspace));
     }
 }
 
@@ -214,7 +216,7 @@ void requireFewInputs(const Workspace& workspace, bool comparesModels)
     const auto refuse = [&](const std::string& model, std::size_t limit, const std::string& need) {
         throw UsageError(std::to_string(count) + " columns would be inputs, and " + model +
                          " takes at most " + std::to_string(limit) + ": it would need " + need +
-                         ". Name the inputs that matter with -x.");
+                         ". Name the inputs that matter" + settingHint(Setting::Inputs) + '.');
     };
     if (comparesModels || workspace.modelType() == Workspace::Kriging) {
         if (count <= KrigingSurrogateModel::maxInputs) {

@@ -56,13 +56,10 @@ SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const Projec
 
 /**
  * Refuses a workspace without an output, or without an input.
- * @param outputHint how the user names an output, part of the sentence.
- * @param inputHint  likewise; none where columns become inputs by themselves.
+ * @param isOfProject else columns become inputs by themselves.
  * @throw UsageError
  */
-SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace,
-                                           const std::string& outputHint,
-                                           const std::optional<std::string>& inputHint);
+SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace, bool isOfProject);
 
 /**
  * Refuses more inputs than the workspace's model can have, before anything is fitted. Of a Kriging

@@ -7,6 +7,7 @@
 #include "session/diagnosis/FitFindings.h"
 #include "session/model/Workspace.h"
 #include "session/text/QuotedText.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_datapipeline/isInvalidValue.h>
@@ -104,7 +105,7 @@ bool hasUnknownCells(const Workspace& workspace, const std::string& name)
     return workspace.source().find(name)->lacksNumbers();
 }
 
-std::vector<MissingCells> missingCells(const Workspace& workspace)
+std::vector<MissingCells> missingGroups(const Workspace& workspace)
 {
     std::vector<bool> isIncluded(workspace.counts().read, true);
     for (const std::size_t position : workspace.project().excludedRows()) {
@@ -141,39 +142,6 @@ std::vector<MissingCells> missingCells(const Workspace& workspace)
     return groups;
 }
 
-void addMissingCells(const Workspace& workspace, std::vector<Finding>& findings)
-{
-    constexpr std::size_t fewParts = 20; // of the cases: fewer missing are hardly a loss
-    const CaseCounts& counts = workspace.counts();
-    const std::size_t included = counts.read - counts.excluded;
-    for (const MissingCells& group : missingCells(workspace)) {
-        const std::size_t missing = group.cases.size();
-        const bool isOne = missing == 1;
-        const bool isColumn = group.names.size() == 1;
-        const std::string name = FindingWords::names(group.names);
-        std::string remedy = "complete " + std::string(isOne ? "it" : "them");
-        if (!isColumn) {
-            remedy += isOne ? ", or delete the line if it is no case"
-                            : ", or delete the lines if they are no cases";
-        } else if (!group.areOutputs && workspace.inputs().size() > 1) {
-            remedy += " or leave " + name + " out of -x";
-        } else if (group.areOutputs && workspace.outputs().size() > 1) {
-            remedy += " or model the outputs one by one, so that they do not lose the cases of "
-                      "each other";
-        }
-        findings.push_back(
-            {"missingCells",
-             2 * missing > included          ? Finding::Severe
-             : fewParts * missing > included ? Finding::Warning
-                                             : Finding::Note,
-             group.names,
-             name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
-                 std::to_string(missing) + " of " + std::to_string(included) + " cases" +
-                 group.cause + ": " + (isOne ? "this case is" : "these cases are") + " left out; " +
-                 remedy + "."});
-    }
-}
-
 /** By the warnings of the model, or by the note about the cells of a column that are no numbers. */
 bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
 {
@@ -208,9 +176,12 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
                             Finding::Severe,
                             {},
                             "No column is left to be an output" + columns +
-                                "; if they hold numbers, check how the file was read "
-                                "(--separator, --decimal, --skip), or name columns with -x and "
-                                "-y."});
+                                "; if they hold numbers, check the separator" +
+                                settingHint(Setting::Separator) + ", the decimal mark" +
+                                settingHint(Setting::DecimalMark) + " and where the table begins" +
+                                settingHint(Setting::SkippedLines) + ", or name inputs" +
+                                settingHint(Setting::Inputs) + " and outputs" +
+                                settingHint(Setting::Outputs) + "."});
     } else if (workspace.inputs().empty()) {
         findings.push_back(
             {"noInput",
@@ -218,9 +189,10 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
              {},
              "No column is left to be an input" +
                  (reasons.empty() ? ": there is no other column; if the file has more, name "
-                                    "what separates them with --separator."
-                                  : columns + "; name inputs with -x, or code texts as "
-                                              "numbers.")});
+                                    "what separates them" +
+                                        settingHint(Setting::Separator) + "."
+                                  : columns + "; name inputs" + settingHint(Setting::Inputs) +
+                                        ", or code texts as numbers.")});
     } else if (workspace.counts().valid == 1) {
         findings.push_back({"oneCase",
                             Finding::Severe,
@@ -232,17 +204,52 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
 
 } // namespace
 
+std::vector<Finding> SessionFindings::missingCells(const Workspace& workspace)
+{
+    std::vector<Finding> findings;
+    constexpr std::size_t fewParts = 20; // of the cases: fewer missing are hardly a loss
+    const CaseCounts& counts = workspace.counts();
+    const std::size_t included = counts.read - counts.excluded;
+    for (const MissingCells& group : missingGroups(workspace)) {
+        const std::size_t missing = group.cases.size();
+        const bool isOne = missing == 1;
+        const bool isColumn = group.names.size() == 1;
+        const std::string name = FindingWords::names(group.names);
+        std::string remedy = "complete " + std::string(isOne ? "it" : "them");
+        if (!isColumn) {
+            remedy += isOne ? ", or delete the line if it is no case"
+                            : ", or delete the lines if they are no cases";
+        } else if (!group.areOutputs && workspace.inputs().size() > 1) {
+            remedy += " or leave " + name + " out of the inputs" + settingHint(Setting::Inputs);
+        } else if (group.areOutputs && workspace.outputs().size() > 1) {
+            remedy += " or model the outputs one by one, so that they do not lose the cases of "
+                      "each other";
+        }
+        findings.push_back(
+            {"missingCells",
+             2 * missing > included          ? Finding::Severe
+             : fewParts * missing > included ? Finding::Warning
+                                             : Finding::Note,
+             group.names,
+             name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
+                 std::to_string(missing) + " of " + std::to_string(included) + " cases" +
+                 group.cause + ": " + (isOne ? "this case is" : "these cases are") + " left out; " +
+                 remedy + "."});
+    }
+    return findings;
+}
+
 SessionFindings SessionFindings::ofCases(const Workspace& workspace)
 {
     SessionFindings result;
     const DiagnosedCases cases = diagnosedCases(workspace);
     result.validCases = cases.count();
     addMissingRoles(workspace, result.findings);
-    addMissingCells(workspace, result.findings);
     const Diagnosis diagnosis = Diagnosis::of(cases);
     result.comparedCases = diagnosis.comparedCases;
-    result.findings.insert(result.findings.end(), diagnosis.findings.begin(),
-                           diagnosis.findings.end());
+    for (const std::vector<Finding>& found : {missingCells(workspace), diagnosis.findings}) {
+        result.findings.insert(result.findings.end(), found.begin(), found.end());
+    }
     sortBySeverity(result.findings);
     return result;
 }
@@ -280,9 +287,9 @@ std::vector<Finding> SessionFindings::severe(const Workspace& workspace)
     // Of all that Diagnosis looks for only these are severe.
     std::vector<Finding> findings;
     const DiagnosedCases cases = diagnosedCases(workspace);
-    addMissingCells(workspace, findings);
     for (const std::vector<Finding>& found :
-         {ColumnFindings::constants(cases), ColumnFindings::farCases(cases)}) {
+         {missingCells(workspace), ColumnFindings::constants(cases),
+          ColumnFindings::farCases(cases)}) {
         findings.insert(findings.end(), found.begin(), found.end());
     }
     findings.erase(

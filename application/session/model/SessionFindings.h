@@ -30,6 +30,9 @@ struct SURROGATE_SESSION_EXPORT SessionFindings
     static SessionFindings ofFit(const Workspace& workspace,
                                  const std::vector<ResponseSurfaceStatistics>& statistics);
 
+    /** Of ofCases() those about included cases that lack a number of an input or output. */
+    static std::vector<Finding> missingCells(const Workspace& workspace);
+
     /** The severe ones of ofCases() about single columns, and no others: quick to find. */
     static std::vector<Finding> severe(const Workspace& workspace);
 };

@@ -2,14 +2,14 @@
 
 #include "session/cases/VariableNames.h"
 #include "session/diagnosis/FindingWords.h"
+#include "session/model/SessionFindings.h"
 #include "session/model/Workspace.h"
 #include "session/text/QuotedText.h"
+#include "session/text/SettingHint.h"
 
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/TermFormula.h>
 #include <mirel_fitting/numerics/TextPieces.h>
-
-#include <map>
 
 namespace {
 std::vector<std::string> roleNotes(const Workspace& workspace)
@@ -19,7 +19,8 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
     if (!reasons.empty()) {
         notes.push_back("Not taken as " +
                         std::string(reasons.size() == 1 ? "input: " : "inputs: ") +
-                        reasonsText(reasons) + "; -x NAMES decides otherwise.");
+                        reasonsText(reasons) + "; name the inputs to decide otherwise" +
+                        settingHint(Setting::Inputs) + '.');
     }
     const std::vector<ColumnRole> roles = workspace.columnRoles();
     const std::vector<std::string> names = namesOf(workspace.project().variables());
@@ -40,8 +41,8 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
         if (!columns.empty()) {
             notes.push_back(FindingWords::names(columns) + doubt +
                             (isOne ? " and is an input" : " and are inputs") + " here: if " +
-                            (isOne ? "it is an output" : "they are outputs") +
-                            ", name the inputs with -x.");
+                            (isOne ? "it is an output" : "they are outputs") + ", name the inputs" +
+                            settingHint(Setting::Inputs) + '.');
         }
     };
     addDoubt(behind,
@@ -118,27 +119,10 @@ ReportHeading::invalidCases(const Workspace& workspace)
 std::vector<std::string> ReportHeading::readingNotes(const Workspace& workspace)
 {
     std::vector<std::string> notes = roleNotes(workspace);
-    std::map<std::size_t, std::vector<std::string>> alone; // by line
-    for (const std::vector<VarPtr>& variables : {workspace.inputs(), workspace.outputs()}) {
-        for (const std::string& name : namesOf(variables)) {
-            const CaseColumn& column = *workspace.source().find(name);
-            if (!column.lacksNumbers()) {
-                continue;
-            }
-            if (column.withoutNumber.count == 1) {
-                alone[column.withoutNumber.firstLine].push_back(name);
-            } else {
-                notes.push_back(shortText(name) + ": " + column.withoutNumber.text() +
-                                ": these cases are left out.");
-            }
+    for (const Finding& missing : SessionFindings::missingCells(workspace)) {
+        if (workspace.source().find(missing.columns.front())->lacksNumbers()) {
+            notes.push_back(missing.text);
         }
-    }
-    for (const auto& [line, names] : alone) {
-        const std::string text =
-            names.size() == 1
-                ? workspace.source().find(names.front())->withoutNumber.text()
-                : "1 cell of each is no number (in line " + std::to_string(line) + ')';
-        notes.push_back(FindingWords::names(names) + ": " + text + ": this case is left out.");
     }
     return notes;
 }

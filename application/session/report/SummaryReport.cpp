@@ -13,7 +13,6 @@
 #include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <tuple>
 #include <vector>
@@ -89,45 +88,11 @@ std::string tableText(const std::vector<VariableSummary>& variables)
     }
     return table.text("");
 }
-
-/** A word as a shell takes it. */
-std::string shellWord(const std::string& text)
-{
-    const bool isPlain = std::all_of(text.begin(), text.end(), [](char character) {
-        return std::isalnum(static_cast<unsigned char>(character)) != 0 ||
-               std::string("_-+,./:%@").find(character) != std::string::npos ||
-               static_cast<unsigned char>(character) >= 0x80;
-    });
-    if (isPlain && !text.empty()) {
-        return text;
-    }
-    std::string quoted;
-    for (const char character : text) {
-        quoted += character == '\'' ? "'\\''" : std::string(1, character);
-    }
-    return '\'' + quoted + '\'';
-}
-
-/** The options that name the roles; nothing without an input or an output, or where no shell takes
- *  as long a word. */
-std::string optionText(const Workspace& workspace)
-{
-    constexpr std::size_t maxWordBytes = 131071; // MAX_ARG_STRLEN of Linux
-
-    if (workspace.inputs().empty() || workspace.outputs().empty()) {
-        return "";
-    }
-    const std::string inputs = joinedText(namesOf(workspace.inputs()), ",");
-    const std::string outputs = joinedText(namesOf(workspace.outputs()), ",");
-    return std::max(inputs.size(), outputs.size()) > maxWordBytes
-               ? ""
-               : "Options: -x " + shellWord(inputs) + " -y " + shellWord(outputs) + '\n';
-}
 } // namespace
 
-std::string SummaryReport::text(const Workspace& workspace)
+std::string SummaryReport::text(const Workspace& workspace, const std::string& roleLine)
 {
-    std::string text = tableText(summariesOf(workspace)) + '\n' + optionText(workspace) +
+    std::string text = tableText(summariesOf(workspace)) + '\n' + roleLine +
                        "Cases: " + ReportHeading::caseText(workspace) + '\n';
     const std::vector<ColumnRole> roles = workspace.columnRoles();
     const std::vector<std::string> names = namesOf(workspace.project().variables());

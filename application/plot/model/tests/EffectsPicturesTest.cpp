@@ -78,8 +78,8 @@ TEST(EffectsPictures, OfManyInputsTheStrongestAreShownAndCounted)
     ASSERT_EQ(picture.effects.size(), maxEffects);
     EXPECT_EQ(picture.effects.front().inputName, "x103");
     EXPECT_EQ(
-        picture.caption.rfind("The 100 of 104 inputs along which y changes most; --sweep NAME "
-                              "draws another. Line: ",
+        picture.caption.rfind("The 100 of 104 inputs along which y changes most; name another to "
+                              "see its effect. Line: ",
                               0),
         0u)
         << picture.caption;

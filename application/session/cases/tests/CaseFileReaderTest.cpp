@@ -119,7 +119,7 @@ TEST_F(CaseFileReaderTest, ReadsFilesOfOneColumn)
     EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.5}));
     EXPECT_EQ(refusalOf("x\n1,5\n"),
               "cases.csv, line 2: the row has 2 cells, the heading has 1; if the table begins "
-              "further down, --skip N leaves out the lines above it.");
+              "further down, skip the lines above it.");
     EXPECT_EQ(refusalOf("x,y\n1,5\n2\n"),
               "cases.csv, line 3: the row has 1 cell, the heading has 2; correct it, or begin it "
               "with # to leave it out.");

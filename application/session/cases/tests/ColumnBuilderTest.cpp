@@ -79,9 +79,10 @@ TEST_F(ColumnBuilderTest, NamesStandOnOneLineAndDiffer)
         EXPECT_EQ(built({one.heading}, one.width).names(), one.names) << one.heading[0];
     }
     EXPECT_EQ(built({cases[4].heading}).layout.numberedNames, (Texts{"b.2", "b.3"}));
-    EXPECT_EQ(refusalOf({{"a", "7", "c", "7"}}),
-              "cases.csv, line 1: columns 2 and 4 are both named \"7\"; rename one of them, or add "
-              "--no-heading if the row holds a case.");
+    EXPECT_EQ(
+        refusalOf({{"a", "7", "c", "7"}}),
+        "cases.csv, line 1: columns 2 and 4 are both named \"7\"; rename one of them, or read "
+        "the table without a heading if the row holds a case.");
 }
 
 TEST_F(ColumnBuilderTest, AColumnWhoseCellsAreNumbersByHalfIsNumeric)
@@ -129,7 +130,7 @@ TEST_F(ColumnBuilderTest, CellsThatAreNoNumbersAreReportedWithTheirSpellingsAndF
     options.isStrict = true;
     EXPECT_EQ(refusalOf({{"x", "y"}, {"1", "2"}, {"2", "NA"}, {"3", "late"}, {"4", "5"}}),
               "cases.csv, line 4: column \"y\" holds \"late\", which is no number; correct it, "
-              "or leave out --strict to have such cells count as missing.");
+              "or have such cells count as missing.");
     EXPECT_EQ(built({{"x", "site"}, {"1", "north"}, {"2", "south"}}).cases, 2u);
 }
 

@@ -80,9 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         Example{
             "PartNo", {4711, 4718, 4720, 4731, 4740, 4799}, "numbers the cases, from 4711 to 4799"},
         Example{"Rep", {1, 2, 3, 1, 2, 3}, "numbers the repeats"},
-        Example{"Block",
-                {1, 1, 1, 2, 2, 2},
-                "blocks by its name: --block NAME gives each its own mean"},
+        Example{"Block", {1, 1, 1, 2, 2, 2}, "blocks by its name, which may have a mean each"},
         Example{"RESI1", spread, "a figure of another fit by its name"},
         Example{"PtType", {1, 1, 0, 0, -1, -1}, "says which kind of point a case is"},
         Example{"b",

@@ -38,10 +38,10 @@ TEST(ColumnFindings, AConstantInputIsIgnoredAndAConstantOutputSevere)
     EXPECT_EQ(
         textsOf(ColumnFindings::constants(casesOf({{"Mass", {3, 3, 3}}, {"a", {1, 2, 3}}}))),
         (Texts{"constantInput: Mass is the same in every case: the model learns nothing about "
-               "it and ignores it; leave it out of -x."}));
+               "it and ignores it; leave it out of the inputs."}));
     EXPECT_EQ(textsOf(ColumnFindings::constants(casesOf({{"a", {3, 3}}, {"b", {1, 1}}}))),
               (Texts{"constantInput: a and b are the same in every case: the model learns nothing "
-                     "about them and ignores them; leave them out of -x."}));
+                     "about them and ignores them; leave them out of the inputs."}));
 
     const auto findings =
         ColumnFindings::constants(casesOf({{"a", {1, 2, 3}}}, {{"y", {4, 4, 4}}}));
@@ -59,7 +59,7 @@ TEST(ColumnFindings, AnInputThatVariesInOneCaseIsNearlyConstant)
         textsOf(ColumnFindings::constants(
             casesOf({{"a", with(std::vector<double>(10, 5.0), 6, 7.0)}}))),
         (Texts{"nearlyConstantInput: a is 5 in every case but case 7: its effect rests on that "
-               "case alone; vary it in more cases or leave it out of -x."}));
+               "case alone; vary it in more cases or leave it out of the inputs."}));
     EXPECT_EQ(ColumnFindings::constants(casesOf({{"a", {5, 5, 5, 5, 7, 7, 5, 5, 5, 5}}})).size(),
               0u);
     EXPECT_EQ(ColumnFindings::constants(casesOf({{"a", {5, 5, 7}}})).size(), 0u)
@@ -94,7 +94,7 @@ TEST(ColumnFindings, ACaseFarFromAllOthersIsNamed)
     EXPECT_EQ(findings[0].severity, Finding::Severe);
     EXPECT_EQ(findings[0].text,
               "Case 17 has Stress = 80.4, all others lie between 6.569 and 8.389: the model bends "
-              "towards it; check the cell, or leave the case out with --exclude.");
+              "towards it; check the cell, or exclude the case.");
 }
 
 TEST(ColumnFindings, AFarInputDecidesItsEffectAlone)
@@ -130,7 +130,7 @@ TEST(ColumnFindings, NumbersThatMarkMissingCellsAreNamed)
     EXPECT_EQ(textsOf(ColumnFindings::farCases(casesOf({{"a", spread(20)}}, {{"y", coded}}))),
               (Texts{"missingCode: Cases 4 and 9 have y = -999, all others lie between 0.03444 and "
                      "0.9443: the model takes it for a measurement; if it marks a missing value, "
-                     "read the file with --missing -999."}));
+                     "read it as one."}));
 }
 
 TEST(ColumnFindings, AFarNumberThatAloneRepeatsMayMarkMissingCells)
@@ -148,7 +148,7 @@ TEST(ColumnFindings, AFarNumberThatAloneRepeatsMayMarkMissingCells)
         ASSERT_EQ(findings.size(), 1u) << mark;
         EXPECT_EQ(findings[0].kind, "missingCode") << mark;
         if (mark == -999.25) {
-            EXPECT_NE(findings[0].text.find("--missing -999.25."), std::string::npos);
+            EXPECT_NE(findings[0].text.find("y = -999.25, "), std::string::npos);
         }
     }
 }
@@ -187,7 +187,7 @@ TEST(ColumnFindings, DecadesSuggestALogarithmUnlessOutputsAreTransformed)
     EXPECT_EQ(findings[0].kind, "inputOverDecades");
     EXPECT_NE(findings[0].text.find("put its logarithm into the file"), std::string::npos);
     EXPECT_EQ(findings[1].kind, "skewedOutput");
-    EXPECT_NE(findings[1].text.find("try --transform log."), std::string::npos);
+    EXPECT_NE(findings[1].text.find("try a model of the logarithm."), std::string::npos);
 
     DiagnosedCases cases = casesOf({{"a", spread(20)}}, {{"y", decades(20)}});
     cases.transformsOutputs = true;

@@ -37,7 +37,7 @@ TEST(DependenceFindings, AnInputThatOthersDetermineHasItsFormula)
 {
     EXPECT_EQ(textOf(casesWith(combined(2, 1, 0))),
               "dependentInput: C = 2 A + B in every case: their effects cannot be told apart, and "
-              "predictions off this plane are extrapolation; leave C out of -x or vary it "
+              "predictions off this plane are extrapolation; leave C out of the inputs or vary it "
               "independently.");
     EXPECT_EQ(textOf(casesWith(combined(-0.5, 0, 3))).substr(0, 55),
               "dependentInput: C = -0.5 A + 3 in every case: their eff");
@@ -50,14 +50,16 @@ TEST(DependenceFindings, AnOutputThatInputsDetermineHasItsFormula)
 {
     DiagnosedCases cases = casesWith(spread(count, 0.7320508075688772));
     cases.outputs = casesOf({{"y", combined(2, 1, 3)}}).inputs;
-    EXPECT_EQ(textOf(cases),
-              "determinedOutput: y = 2 A + B + 3 in every case: the model only repeats this "
-              "formula; if the output was computed from these inputs, leave them out of -x.");
+    EXPECT_EQ(
+        textOf(cases),
+        "determinedOutput: y = 2 A + B + 3 in every case: the model only repeats this "
+        "formula; if the output was computed from these inputs, leave them out of the inputs.");
 
     cases.outputs[0].values = combined(-0.5, 0, 0, 0.001);
-    EXPECT_EQ(textOf(cases),
-              "determinedOutput: y = -0.5 A in every case, up to rounding: the model only repeats "
-              "this formula; if the input was computed from the output, leave it out of -x.");
+    EXPECT_EQ(
+        textOf(cases),
+        "determinedOutput: y = -0.5 A in every case, up to rounding: the model only repeats "
+        "this formula; if the input was computed from the output, leave it out of the inputs.");
 }
 
 TEST(DependenceFindings, RoundingDoesNotHideTheFormula)
@@ -66,7 +68,7 @@ TEST(DependenceFindings, RoundingDoesNotHideTheFormula)
         textOf(casesWith(combined(2, 1, 0, 0.01))),
         "dependentInput: C = 2 A + B in every case, up to rounding: their coefficients cannot "
         "be interpreted one by one, and predictions off this plane are extrapolation; leave "
-        "C out of -x or vary it independently.");
+        "C out of the inputs or vary it independently.");
 
     DiagnosedCases cases = casesWith(combined(2, 1, 0, 0.01));
     cases.isKriging = true;
@@ -103,7 +105,7 @@ TEST(DependenceFindings, InputsThatVaryTogetherAreCollinear)
     EXPECT_EQ(text.find("collinearInputs: A and C vary together (variance inflation "), 0u);
     EXPECT_NE(text.find("coefficients of A and C cannot be interpreted one by one, and predictions "
                         "off their common line are extrapolation; vary them independently or leave "
-                        "one out of -x."),
+                        "one out of the inputs."),
               std::string::npos)
         << text;
 }

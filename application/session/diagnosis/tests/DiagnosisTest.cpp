@@ -107,9 +107,9 @@ TEST(Diagnosis, EachOfManyCasesCounts)
                          shownFigure(leastBut(cases.outputs[0].values, 4321)) + " and " +
                          shownFigure(cases.outputs[0].maximum()) +
                          ": the model takes it for a measurement; if it marks a missing value, "
-                         "read the file with --missing -999.",
+                         "read it as one.",
                      "nearlyConstantInput: B is 1 in every case but case 12346: its effect rests "
-                     "on that case alone; vary it in more cases or leave it out of -x."}));
+                     "on that case alone; vary it in more cases or leave it out of the inputs."}));
 }
 
 TEST(Diagnosis, ADependenceOfManyInputsIsOneOfTheComparedCases)

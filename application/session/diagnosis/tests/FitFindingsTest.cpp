@@ -47,8 +47,8 @@ TEST(FitFindings, TwoOutliersThatAreNotMirroredAreNamedInOneSentence)
     EXPECT_EQ(found(statistics),
               (Texts{"suspectedOutliers: Cases 5 and 10 lie far from the fit of y to the others "
                      "(their externally studentised residuals exceed 3.5, Bonferroni at 5 %): they "
-                     "bend the fit and widen the intervals; check them, and fit once more with "
-                     "--exclude."}));
+                     "bend the fit and widen the intervals; check them, and fit once more "
+                     "without them."}));
 }
 
 TEST(FitFindings, CasesOfLeverageNearOneCountWhereTheyMoveTheFit)

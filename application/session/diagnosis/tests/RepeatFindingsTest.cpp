@@ -25,8 +25,8 @@ TEST(RepeatFindings, ExactCopiesAreNamed)
         textsOf(RepeatFindings::repeats(casesWithRepeats({firstOutput}))),
         (Texts{"exactCopies: 1 case is an exact copy of another (cases 1 and 11): counted "
                "again they make errors look smaller than they are, and the lack of fit is not "
-               "available: the repeats are exact copies; leave them out with --exclude unless "
-               "each was measured."}));
+               "available: the repeats are exact copies; exclude them unless each was "
+               "measured."}));
 }
 
 TEST(RepeatFindings, RepeatsThatDifferALittleAreGood)
@@ -64,8 +64,7 @@ TEST(RepeatFindings, RepeatsFarApartConflict)
     EXPECT_EQ(
         findings[0].text,
         "Cases 1 and 11 have the same inputs and yet y = 0.4142 and 0.9642, 62 % of its range "
-        "apart: no model can pass near both; check both cases, and leave a wrong one out with "
-        "--exclude.");
+        "apart: no model can pass near both; check both cases, and exclude a wrong one.");
 }
 
 TEST(RepeatFindings, RepeatsThatVaryAsMuchAsAllLackAnInput)

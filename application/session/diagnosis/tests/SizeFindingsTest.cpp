@@ -16,18 +16,17 @@ TEST(SizeFindings, FewerCasesThanTermsAreTooFewAndAsManyLeaveNoError)
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(5))),
               (Texts{"tooFewCases: 5 different cases do not determine the 6 terms of a quadratic "
                      "response surface of 2 inputs: terms are left out; 6 cases would do and 10 "
-                     "would leave some for the error; add them or choose fewer terms with "
-                     "--terms."}));
+                     "would leave some for the error; add them or choose fewer terms."}));
 
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(2))),
               (Texts{"tooFewCases: 2 different cases do not even determine the linear terms of 2 "
                      "inputs, which take 3: the model is the mean of the cases; name the inputs "
-                     "that matter with -x, or try -m kriging."}));
+                     "that matter, or try Kriging."}));
 
     EXPECT_EQ(textsOf(SizeFindings::find(casesOfTwoInputs(6))),
               (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
                      "there are cases, 6: it passes through all of them, and no case is left to "
-                     "estimate its error from; add cases, or choose fewer terms with --terms."}));
+                     "estimate its error from; add cases, or choose fewer terms."}));
 
     const auto findings = SizeFindings::find(casesOfTwoInputs(8));
 
@@ -81,11 +80,11 @@ TEST(SizeFindings, ChosenTermsAreCounted)
 
     cases = casesOfTwoInputs(4);
     cases.responseSurface = {PolynomialTerms::Chosen, {}, "V1 + V2 + V1:V2"};
-    EXPECT_EQ(textsOf(SizeFindings::find(cases)),
-              (Texts{"saturatedFit: A response surface of the chosen terms and 2 inputs has as "
-                     "many terms as there are cases, 4: it passes through all of them, and no "
-                     "case is left to estimate its error from; add cases, or choose fewer terms "
-                     "with --terms."}));
+    EXPECT_EQ(
+        textsOf(SizeFindings::find(cases)),
+        (Texts{"saturatedFit: A response surface of the chosen terms and 2 inputs has as "
+               "many terms as there are cases, 4: it passes through all of them, and no "
+               "case is left to estimate its error from; add cases, or choose fewer terms."}));
 }
 
 TEST(SizeFindings, BlocksTakeATermFewerThanThereAre)
@@ -102,16 +101,16 @@ TEST(SizeFindings, BlocksTakeATermFewerThanThereAre)
               (Texts{"tooFewCases: 7 different cases do not determine the 8 terms (2 of the "
                      "blocks) of a quadratic response surface of 2 inputs: terms are left out; 8 "
                      "cases would do and 12 would leave some for the error; add them or choose "
-                     "fewer terms with --terms."}));
-    EXPECT_EQ(findings(8),
-              (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
-                     "there are cases, 8 (2 of the blocks): it passes through all of them, and no "
-                     "case is left to estimate its error from; add cases, or choose fewer terms "
-                     "with --terms."}));
+                     "fewer terms."}));
+    EXPECT_EQ(
+        findings(8),
+        (Texts{"saturatedFit: A quadratic response surface of 2 inputs has as many terms as "
+               "there are cases, 8 (2 of the blocks): it passes through all of them, and no "
+               "case is left to estimate its error from; add cases, or choose fewer terms."}));
     EXPECT_EQ(findings(9),
               (Texts{"fewDegreesOfFreedom: A quadratic response surface of 2 inputs has 8 terms "
                      "(2 of the blocks), and there is 1 case more: its errors and p-values rest "
-                     "on that one; add cases, or choose fewer terms with --terms."}));
+                     "on that one; add cases, or choose fewer terms."}));
     EXPECT_EQ(findings(11), Texts());
     EXPECT_EQ(findings(4, true), Texts()) << "Kriging has no blocks";
 }
@@ -151,7 +150,7 @@ TEST(SizeFindings, KrigingWantsTwiceAsManyCasesAsInputs)
         textsOf(SizeFindings::find(cases)),
         (Texts{"tooFewCases: 3 different cases are few for Kriging of 2 inputs: it cannot find "
                "out which inputs matter; it takes 4 at least and 20 to be good, or fewer "
-               "inputs (-x)."}));
+               "inputs."}));
     cases = casesOfTwoInputs(4);
     cases.isKriging = true;
     EXPECT_EQ(SizeFindings::find(cases).size(), 0u);

@@ -68,7 +68,7 @@ TEST(SessionChoices, TermsMustBeOfTheInputs)
 
     EXPECT_EQ(
         messageOf<UsageError>(open),
-        "The terms \"cubic\" name \"cubic\", which is no input. --terms takes linear, "
+        "The terms \"cubic\" name \"cubic\", which is no input. Terms are linear, "
         "interactions, quadratic or a sum of terms such as A + B + A * B + A^2 of the inputs, "
         "which are: Pressure, H2/WF6.");
     choices.formula = "Pressure + H2/WF6^2";
@@ -155,25 +155,25 @@ TEST(SessionChoices, AnUnknownModelIsKrigingWithANoteIfItIsTaken)
     EXPECT_EQ(openProject(tableIn(folder), document, choices).notes, Names());
 }
 
-TEST(SessionChoices, RolesThatAModelNeedsAreAskedForAsTheUserNamesThem)
+TEST(SessionChoices, RolesThatAModelNeedsAreAskedFor)
 {
-    const auto refusal = [](const Workspace& workspace, const std::optional<std::string>& hint) {
-        return messageOf<UsageError>([&] { requireRoles(workspace, "-y NAME", hint); });
+    const auto refusal = [](const Workspace& workspace, bool isOfProject) {
+        return messageOf<UsageError>([&] { requireRoles(workspace, isOfProject); });
     };
     SessionChoices choices;
-    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}),
-              "The command needs an output: -y NAME. The numeric columns are: \"Pressure\", "
+    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), false),
+              "An output is needed: name one. The numeric columns are: \"Pressure\", "
               "\"H2/WF6\", \"Uniformity\", \"Stress\".");
 
     choices.outputs = {"Pressure,H2/WF6,Uniformity,Stress"};
     const auto session = openCases(cvdCases(), choices);
-    EXPECT_EQ(refusal(*session, {}),
+    EXPECT_EQ(refusal(*session, false),
               "No column is left to be an input: there is no other column; if the file has more, "
-              "name what separates them with --separator.");
-    EXPECT_EQ(refusal(*session, "-x NAME"), "The project has no input; name one: -x NAME.");
+              "name what separates them.");
+    EXPECT_EQ(refusal(*session, true), "The project has no input; name one.");
 
     choices.outputs = {"Stress"};
-    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), {}), "accepted");
+    EXPECT_EQ(refusal(*openCases(cvdCases(), choices), false), "accepted");
 }
 
 TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
@@ -207,7 +207,7 @@ TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
     const std::string tooMany = "2001 columns would be inputs, and a Kriging model takes at most "
                                 "2000: it would need 32 MB of memory for each search for their "
                                 "correlation lengths, and time that grows with the cube of their "
-                                "number. Name the inputs that matter with -x.";
+                                "number. Name the inputs that matter.";
     EXPECT_EQ(refusal(2001, CaseSession::Kriging, false), tooMany);
     EXPECT_EQ(refusal(2001, CaseSession::ResponseSurface, true), tooMany);
 
@@ -218,8 +218,7 @@ TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
     EXPECT_EQ(refusal(10000, CaseSession::ResponseSurface, false, 0, "v1 + v2"), "accepted");
     EXPECT_EQ(refusal(10000, CaseSession::ResponseSurface, false),
               "10000 columns would be inputs, and a response surface takes at most 9999: it would "
-              "need 10001 valid cases for the linear terms alone. Name the inputs that matter with "
-              "-x.");
+              "need 10001 valid cases for the linear terms alone. Name the inputs that matter.");
 }
 
 TEST(SessionChoices, AnInputWithNothingSaidStaysAtTheMedianOfTheValidCases)

@@ -69,7 +69,7 @@ TEST(SessionFindings, MissingCellsAreNamedByColumnAndCause)
         "  Warning: y lacks a number in 2 of 9 cases, 1 cell is no number (\"failed\", in line "
         "5), others: empty: these cases are left out; complete them.\n"
         "  Warning: b lacks a number in 1 of 9 cases (empty): this case "
-        "is left out; complete it or leave b out of -x.\n");
+        "is left out; complete it or leave b out of the inputs.\n");
 }
 
 TEST(SessionFindings, EachSpellingOfMissingCellsIsCounted)
@@ -99,12 +99,11 @@ TEST(SessionFindings, CellsThatAreMissingInTheSameCasesAreNamedTogether)
     }
     CaseSession session(table, {{0, 1}, {2}}, {}, Workspace::Kriging);
 
-    EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text,
-              "y, a and b lack numbers in the same 1 of 9 cases, 1 cell is no number (\"y\", in "
-              "line 3): this case is left out; complete it, or delete the line if it is no case.");
-    EXPECT_EQ(ReportHeading::readingNotes(session),
-              std::vector<std::string>{"a, b and y: 1 cell of each is no number (in line 3): this "
-                                       "case is left out."});
+    const std::string text =
+        "y, a and b lack numbers in the same 1 of 9 cases, 1 cell is no number (\"y\", in line 3): "
+        "this case is left out; complete it, or delete the line if it is no case.";
+    EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text, text);
+    EXPECT_EQ(ReportHeading::readingNotes(session), std::vector<std::string>{text});
 }
 
 TEST(SessionFindings, ATableWithoutRolesSaysWhy)
@@ -124,16 +123,16 @@ TEST(SessionFindings, ATableWithoutRolesSaysWhy)
         {tableOf({{"a", {1, 2, 3}}}),
          {{}, {}, none},
          "Severe: No column is left to be an output: \"a\" (counts up by one); if they hold "
-         "numbers, check how the file was read (--separator, --decimal, --skip), or name columns "
-         "with -x and -y."},
+         "numbers, check the separator, the decimal mark and where the table begins, or name "
+         "inputs and outputs."},
         {tableOf({{"a", {1, 2, 3}}, {"y", {1, 4, 3}}}),
          {{}, {1}, {none[0], {ColumnRole::Output, ""}}},
-         "Severe: No column is left to be an input: \"a\" (counts up by one); name inputs with -x, "
+         "Severe: No column is left to be an input: \"a\" (counts up by one); name inputs, "
          "or code texts as numbers."},
         {tableOf({{"y", {1, 4, 3}}}),
          {{}, {0}},
          "Severe: No column is left to be an input: there is no other column; if the file has "
-         "more, name what separates them with --separator."},
+         "more, name what separates them."},
         {tableOf({{"a", {1}}, {"y", {4}}}),
          {{0}, {1}},
          "Severe: There is only one valid case: the model is its output everywhere; add cases, or "
@@ -179,7 +178,7 @@ TEST(SessionFindings, TheFitNamesSuspectedOutliers)
     EXPECT_EQ(FindingsReport::sentences(findings).front(),
               "Warning: Case 12 lies far from the fit of y to the others (its externally "
               "studentised residual exceeds 3.507, Bonferroni at 5 %): it bends the fit and widens "
-              "the intervals; check it, and fit once more with --exclude.");
+              "the intervals; check it, and fit once more without it.");
     EXPECT_NE(FitReport::text(session).find("\nFindings\n  Warning: Case 12 lies far"),
               std::string::npos);
 }
@@ -201,11 +200,11 @@ TEST(SessionFindings, OutliersThatTheDesignCannotTellApartAreNamedTogether)
     EXPECT_EQ(sentences.at(0),
               "Warning: Either case 5 or case 8 lies far from the fit of y to the others, and the "
               "design cannot tell which: it bends the fit and widens the intervals; check both, "
-              "exclude one with --exclude and look again.");
+              "exclude one and look again.");
     EXPECT_EQ(sentences.at(1),
               "Warning: The fit of y explains 95 % of the variance of its own cases, but predicts "
               "left-out ones far worse (Q2 0.1376): it has many terms for so few cases, or single "
-              "cases decide it; add cases, or choose fewer terms with --terms or --select-terms.");
+              "cases decide it; add cases, or choose fewer terms or have them selected.");
 }
 
 TEST(SessionFindings, ACaseThatTheFitRestsOnIsNamed)

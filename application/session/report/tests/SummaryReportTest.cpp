@@ -26,14 +26,14 @@ TEST(SummaryReport, ListsVariablesAndCases)
     table.columns[0].unit = "mm";
     const CaseSession session(std::move(table), {{0}, {2}}, {1}, CaseSession::ResponseSurface);
 
-    EXPECT_EQ(SummaryReport::text(session),
+    EXPECT_EQ(SummaryReport::text(session, "Roles: as chosen\n"),
               "Variable  Unit  Role    Count  Missing  Minimum  Median  Maximum  Distinct  Why\n"
               "\xC3\xA4         mm    input       4        1      0.5     1.5        3         4\n"
               "site            none        3        2                                   2  text\n"
               "y               output      4        0        1     2.5        5         4\n"
               "empty           none        0        5                                   0\n"
               "\n"
-              "Options: -x \xC3\xA4 -y y\n"
+              "Roles: as chosen\n"
               "Cases: 5 read, 2 valid, 1 excluded, 2 invalid (\xC3\xA4 1, y 1)\n"
               "y alone would have 2 valid cases.\n"
               "\n"
@@ -44,7 +44,7 @@ TEST(SummaryReport, ListsVariablesAndCases)
               "this case is left out; complete it.\n"
               "  Warning: 2 different cases do not determine the 3 terms of a quadratic response "
               "surface of 1 input: terms are left out; 3 cases would do and 5 would leave some for "
-              "the error; add them or choose fewer terms with --terms.\n");
+              "the error; add them or choose fewer terms.\n");
 }
 
 TEST(SummaryReport, AsJsonHasTheSame)
@@ -70,15 +70,6 @@ TEST(SummaryReport, AsJsonHasTheSame)
     EXPECT_EQ(json["findings"][0]["kind"], "missingCells");
     EXPECT_EQ(json["findings"][0]["columns"], Json::parse(R"(["y"])"));
     EXPECT_EQ(json["outputs"], Json::parse(R"([{"name": "y", "validAlone": 2}])"));
-}
-
-TEST(SummaryReport, NamesWithBlanksAreSuggestedAsAShellTakesThem)
-{
-    const CaseSession session(tableOf({{"a b", {1, 2}}, {"d'or", {1, 3}}}), {{0}, {1}}, {},
-                              CaseSession::ResponseSurface);
-
-    EXPECT_NE(SummaryReport::text(session).find("Options: -x 'a b' -y 'd'\\''or'\n"),
-              std::string::npos);
 }
 
 TEST(SummaryReport, ColumnsWithoutARoleHaveTheReason)
