@@ -2,9 +2,12 @@
 
 #include <session/cases/CaseTable.h>
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
+
+constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
 /** Columns of numbers, all of the same length, as if they had been read. */
 inline CaseTable tableOf(std::vector<std::pair<std::string, std::vector<double>>> columns)

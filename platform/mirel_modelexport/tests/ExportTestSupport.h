@@ -81,6 +81,11 @@ struct Cases
     }
 };
 
+inline std::string jsonOf(Cases cases, Kind kind)
+{
+    return exportModel(cases.exported(kind), ExportFormat::Json);
+}
+
 /** A smooth function of inputs from 0 to 1. */
 inline double smooth(const Column& u, double phase)
 {

@@ -12,11 +12,6 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-std::string jsonOf(Cases cases, Kind kind)
-{
-    return exportModel(cases.exported(kind), ExportFormat::Json);
-}
-
 /** The sentence with which a document is refused; empty if it is taken. */
 std::string refusalOf(const std::string& json)
 {

@@ -9,15 +9,6 @@
 using namespace exporttest;
 using Json = nlohmann::ordered_json;
 
-namespace {
-
-std::string jsonOf(Cases cases, Kind kind)
-{
-    return exportModel(cases.exported(kind), ExportFormat::Json);
-}
-
-} // namespace
-
 TEST(ModelJson, ReadsBackAsTheSameModelToTheLastBit)
 {
     for (NamedCases& variety : varieties()) {

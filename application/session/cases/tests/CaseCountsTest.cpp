@@ -1,15 +1,15 @@
 #include <session/cases/CaseCounts.h>
 
+#include "CaseTables.h"
+
 #include <mirel_datamanagement/Project.h>
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <vector>
 
 namespace {
-const double missing = std::nan("");
 constexpr double infinite = std::numeric_limits<double>::infinity();
 using Numbers = std::vector<std::size_t>;
 

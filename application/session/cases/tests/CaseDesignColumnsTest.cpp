@@ -1,16 +1,15 @@
 #include <session/cases/CaseDesignColumns.h>
 
+#include "CaseTables.h"
+
 #include <mirel_datamanagement/Project.h>
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 
 namespace {
-const double missing = std::nan("");
-
 class CaseDesignColumnsTest : public ::testing::Test
 {
 protected:

@@ -1,15 +1,13 @@
 #include <session/cases/ColumnFigures.h>
 
+#include "CaseTables.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
-
-namespace {
-const double missing = std::nan("");
-}
 
 TEST(ColumnFigures, CountCellsAndValues)
 {

@@ -1,5 +1,6 @@
 #include <session/model/Evaluator.h>
 
+#include "CaseTables.h"
 #include "CvdSession.h"
 #include "MessageOf.h"
 
@@ -16,7 +17,6 @@
 #include <vector>
 
 namespace {
-const double missing = std::nan("");
 using Numbers = std::vector<double>;
 
 /** y = 1 + 2 x and z = 10 - x: straight lines, which a response surface meets exactly. */

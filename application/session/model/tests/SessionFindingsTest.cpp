@@ -18,8 +18,6 @@
 namespace {
 using Numbers = std::vector<double>;
 
-const double missing = std::nan("");
-
 CaseTable tableWithMissingCells()
 {
     CaseTable table = tableOf({{"a", {1, 2, 4, 3, 6, 5, 7, 9, 8}},

@@ -1,6 +1,7 @@
 // The statistics of a fit in the reports of a session.
 
 #include "CvdSession.h"
+#include "ReportValues.h"
 
 #include <session/report/FitReport.h>
 
@@ -15,20 +16,6 @@
 
 namespace {
 using Json = nlohmann::ordered_json;
-
-std::vector<std::string> keysOf(const Json& object)
-{
-    std::vector<std::string> keys;
-    for (const auto& item : object.items()) {
-        keys.push_back(item.key());
-    }
-    return keys;
-}
-
-Json outputOf(CaseSession session)
-{
-    return Json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0];
-}
 } // namespace
 
 TEST(FitReportStatistics, ListsTheCoefficientsInTheOrderOfTheEquation)

@@ -1,6 +1,7 @@
 #include <session/report/FitReport.h>
 
 #include "CvdSession.h"
+#include "ReportValues.h"
 #include "SmallTable.h"
 
 #include <gtest/gtest.h>
@@ -11,21 +12,12 @@
 #include <vector>
 
 namespace {
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 /** As a reader gets it. */
-Json printed(const ReportJson::Json& report)
+SortedJson printed(const ReportJson::Json& report)
 {
-    return Json::parse(ReportJson::text(report));
-}
-
-std::vector<std::string> keysOf(const Json& object)
-{
-    std::vector<std::string> keys;
-    for (const auto& item : object.items()) {
-        keys.push_back(item.key());
-    }
-    return keys;
+    return SortedJson::parse(ReportJson::text(report));
 }
 
 using Keys = std::vector<std::string>;
@@ -35,7 +27,7 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
 {
     CaseSession session = cvdSession();
 
-    Json json = printed(FitReport::runJson(session, 0.25));
+    SortedJson json = printed(FitReport::runJson(session, 0.25));
 
     EXPECT_EQ(keysOf(json), (Keys{"cases", "findings", "inputs", "model", "outputs", "schema",
                                   "seconds", "selectsTerms", "terms"}));
@@ -43,9 +35,9 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
     EXPECT_EQ(json["terms"], "quadratic");
     EXPECT_EQ(json["cases"].erase("layout"), 1u);
     EXPECT_EQ(json["cases"],
-              Json::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
+              SortedJson::parse(R"({"read": 11, "valid": 11, "excluded": 0, "invalid": 0})"));
     EXPECT_EQ(json["model"], "response-surface");
-    EXPECT_EQ(json["inputs"], Json::parse(R"(["Pressure", "H2/WF6"])"));
+    EXPECT_EQ(json["inputs"], SortedJson::parse(R"(["Pressure", "H2/WF6"])"));
     EXPECT_EQ(
         keysOf(json["outputs"][0]),
         (Keys{"anova", "ascent", "calibration", "canonicalDirections", "codedCoefficients",
@@ -55,7 +47,7 @@ TEST(FitReport, AsJsonHasItsMembersAndNoOthers)
               (Keys{"adjustedR2", "aicc", "predictedR2", "press", "r2", "residualDegreesOfFreedom",
                     "rmse", "terms"}));
     EXPECT_EQ(json["outputs"][0]["metrics"]["terms"], 6);
-    EXPECT_EQ(json["outputs"][0]["droppedTerms"], Json::array());
+    EXPECT_EQ(json["outputs"][0]["droppedTerms"], SortedJson::array());
     EXPECT_EQ(json["outputs"][0]["metrics"]["residualDegreesOfFreedom"], 5);
     EXPECT_EQ(json["outputs"][1]["name"], "Stress");
     EXPECT_EQ(keysOf(json["seconds"]), (Keys{"evaluate", "fit", "read"}));
@@ -67,10 +59,10 @@ TEST(FitReport, OfKrigingAsJsonHasItsParameters)
 {
     CaseSession session(cvdCases(), {{0, 1}, {3}}, {}, CaseSession::Kriging);
 
-    const Json json = printed(FitReport::runJson(session, 0.0));
+    const SortedJson json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_EQ(json["model"], "kriging");
-    const Json& output = json["outputs"][0];
+    const SortedJson& output = json["outputs"][0];
     EXPECT_EQ(keysOf(output),
               (Keys{"calibration", "condition", "correlationLengths", "criterion", "lengthBounds",
                     "logLikelihood", "metrics", "name", "noiseDeviation", "notes", "nugget",
@@ -86,7 +78,8 @@ TEST(FitReport, HasTheCalibrationAsJson)
 {
     CaseSession session = cvdSession();
 
-    const Json calibration = printed(FitReport::runJson(session, 0.0))["outputs"][0]["calibration"];
+    const SortedJson calibration =
+        printed(FitReport::runJson(session, 0.0))["outputs"][0]["calibration"];
 
     EXPECT_EQ(calibration["basis"], "distribution");
     EXPECT_EQ(calibration["factor"], 1.0);
@@ -104,7 +97,7 @@ TEST(FitReport, SaysWhichTransformOfAnOutputWasModelled)
     }
     CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
 
-    const Json output = printed(FitReport::runJson(session, 0.0))["outputs"][0];
+    const SortedJson output = printed(FitReport::runJson(session, 0.0))["outputs"][0];
     const std::string note = output["notes"][0];
 
     EXPECT_EQ(output["transform"], "log");
@@ -198,7 +191,7 @@ TEST(FitReport, SaysThatTheNuggetIsAtItsBound)
     }
     CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::Kriging);
 
-    const Json json = printed(FitReport::runJson(session, 0.0));
+    const SortedJson json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_EQ(json["outputs"][0]["nuggetBound"], "upper");
     EXPECT_NE(FitReport::text(session).find("  100 of the process variance (at its upper "
@@ -213,7 +206,7 @@ TEST(FitReport, FiguresThatDoNotExistAreNull)
     table.columns[0].numbers = {1, 1, 1, 1, 1};
     CaseSession session(std::move(table), {{0}, {2}}, {1, 2, 3, 4}, CaseSession::ResponseSurface);
 
-    const Json json = printed(FitReport::runJson(session, 0.0));
+    const SortedJson json = printed(FitReport::runJson(session, 0.0));
 
     EXPECT_TRUE(json["outputs"][0]["metrics"]["adjustedR2"].is_null());
 }
@@ -273,11 +266,11 @@ TEST(FitReport, NumbersTheWorstCasesAsTheFileDoes)
     table.columns[3].numbers[0] = std::nan("");
     CaseSession session(std::move(table), {{0, 1}, {3}}, {4}, CaseSession::Kriging);
 
-    const Json json = printed(FitReport::runJson(session, 0.0));
-    const Json& worst = json["outputs"][0]["worstCases"];
+    const SortedJson json = printed(FitReport::runJson(session, 0.0));
+    const SortedJson& worst = json["outputs"][0]["worstCases"];
 
     ASSERT_FALSE(worst.empty());
-    for (const Json& one : worst) {
+    for (const SortedJson& one : worst) {
         const std::size_t position = one["case"].get<std::size_t>() - 1;
         const bool isRepeated = position == 1 || position == 5 || position == 10;
         EXPECT_TRUE(isRepeated || one["output"] == stress[position]) << one;
@@ -343,7 +336,7 @@ TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
               std::string::npos)
         << text;
     EXPECT_EQ(printed(FitReport::runJson(session, 0.0))["outputs"][0]["droppedTerms"],
-              Json::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
+              SortedJson::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
                               {"term": "V2^2", "name": "H2/WF6^2"}])"));
 
     session.chooseResponseSurface(
@@ -362,14 +355,14 @@ TEST(FitReport, SaysWhyThereAreNoLimits)
     EXPECT_NE(FitReport::notes(session, &evaluation)
                   .find("Warning: " + evaluation.intervalFaults[0] + '\n'),
               std::string::npos);
-    const Json json = printed(FitReport::runJson(session, 0.0, &evaluation));
+    const SortedJson json = printed(FitReport::runJson(session, 0.0, &evaluation));
     EXPECT_EQ(json["intervalFaults"].size(), 2u);
 }
 
 TEST(FitReport, OfAnExportIsThatOfTheFitWithoutItsTimes)
 {
     CaseSession session = cvdSession();
-    Json fit = printed(FitReport::runJson(session, 1.0));
+    SortedJson fit = printed(FitReport::runJson(session, 1.0));
     fit.erase("seconds");
 
     EXPECT_EQ(printed(FitReport::json(session)), fit);
