@@ -45,6 +45,18 @@ std::string withoutNumber(std::string plain)
     return plain;
 }
 
+/** The plain name without a number, or a letter on its own, at its end: "OD b". */
+std::string withoutRepeat(const std::string& name)
+{
+    std::string plain = plainName(name);
+    const std::string_view text = trimmedText(name);
+    if (text.size() > 2 && std::isalpha(static_cast<unsigned char>(text.back())) != 0 &&
+        std::string_view(" _-.").find(text[text.size() - 2]) != std::string_view::npos) {
+        plain.pop_back();
+    }
+    return withoutNumber(plain);
+}
+
 template <std::size_t Count>
 bool isOneOf(const std::string& word, const std::array<std::string_view, Count>& words)
 {
@@ -53,16 +65,23 @@ bool isOneOf(const std::string& word, const std::array<std::string_view, Count>&
 
 bool isNameOfNumbering(const std::string& name)
 {
-    static constexpr std::array<std::string_view, 46> words = {
-        "#",          "run",    "runs",     "runno",       "runnr",    "runnumber",
-        "runorder",   "runid",  "order",    "std",         "stdorder", "standardorder",
-        "id",         "ids",    "no",       "nr",          "number",   "num",
-        "index",      "idx",    "case",     "caseno",      "caseid",   "row",
-        "rowno",      "rowid",  "obs",      "observation", "trial",    "trialno",
-        "exp",        "expno",  "expid",    "experiment",  "sample",   "sampleid",
-        "sampleno",   "seq",    "sequence", "test",        "testno",   "versuch",
-        "versuchsnr", "nummer", "lfdnr",    "unnamed0"};
-    return isOneOf(plainName(name), words);
+    static constexpr std::array<std::string_view, 48> words = {
+        "",         "#",        "run",    "runs",      "runorder",      "order",    "std",
+        "num",      "stdorder", "index",  "idx",       "standardorder", "case",     "row",
+        "obs",      "trial",    "exp",    "ids",       "observation",   "sample",   "seq",
+        "sequence", "test",     "lfd",    "versuch",   "experiment",    "versuchs", "unnamed0",
+        "part",     "serial",   "serien", "specimen",  "lot",           "batch",    "barcode",
+        "point",    "node",     "record", "nodelabel", "scan",          "key",      "job",
+        "sim",      "design",   "eval",   "coupon",    "simulation",    "messung"};
+    std::string plain = plainName(name);
+    for (const std::string_view end : {"number", "nummer", "no", "nr", "id"}) {
+        if (plain.size() >= end.size() &&
+            plain.compare(plain.size() - end.size(), end.size(), end) == 0) {
+            plain.resize(plain.size() - end.size());
+            return isOneOf(plain, words);
+        }
+    }
+    return !plain.empty() && isOneOf(plain, words);
 }
 
 /** "Response 2 Activity", as programs for the design of experiments name outputs. */
@@ -79,6 +98,18 @@ bool isNameOfOutput(const std::string& name)
     static constexpr std::array<std::string_view, 9> words = {
         "y", "f", "out", "output", "response", "result", "target", "ausgang", "zielgroesse"};
     return isNumberedResponse(name) || isOneOf(withoutNumber(plainName(name)), words);
+}
+
+/** "Stress predicted" or "sd of stress" beside the output "Stress", as plain names. */
+bool isFigureOf(const std::string& name, const std::string& output)
+{
+    static constexpr std::array<std::string_view, 17> words = {
+        "hat",   "pred",  "predicted", "prediction", "fit",  "fitted", "err",      "error", "lower",
+        "upper", "stdev", "std",       "sd",         "sdof", "resid",  "residual", "sem"};
+    const std::size_t at = output.empty() ? std::string::npos : name.find(output);
+    return at != std::string::npos && name.size() > output.size() &&
+           (at == 0 ? isOneOf(name.substr(output.size()), words)
+                    : at + output.size() == name.size() && isOneOf(name.substr(0, at), words));
 }
 
 constexpr std::array<std::string_view, 5> namesOfBlocks = {"block", "blocks", "blk", "bloc",
@@ -171,9 +202,9 @@ bool areAscendingYears(const CaseColumn& column)
 /** Whether each case has a later time than the one before. */
 bool areAscendingTimes(const CaseColumn& column)
 {
-    static constexpr std::array<std::string_view, 11> words = {
-        "time",  "timestamp", "date",  "datetime", "zeit",  "zeitstempel",
-        "epoch", "unixtime",  "datum", "uhrzeit",  "xvalue"};
+    static constexpr std::array<std::string_view, 14> words = {
+        "time",     "timestamp", "date",    "datetime", "zeit", "zeitstempel", "epoch",
+        "unixtime", "datum",     "uhrzeit", "xvalue",   "ts",   "epochms",     "timestampms"};
     return isOneOf(plainName(column.name), words) && ascend(filledNumbers(column.numbers));
 }
 
@@ -199,8 +230,10 @@ bool areSerialNumbers(const CaseColumn& column)
 /** What the numbers are that only say which case it is; empty for others. */
 std::string numberingText(const CaseColumn& column)
 {
+    const bool isIndex = !column.isNamed && column.name == "C1"; // the first, without a heading
     return countsUp(column.numbers) ? "counts up by one, "
-           : (isNameOfNumbering(column.name) && areDifferentWholeNumbers(column.numbers)) ||
+           : ((isNameOfNumbering(column.name) || isIndex) &&
+              areDifferentWholeNumbers(column.numbers)) ||
                    areSerialNumbers(column)
                ? "numbers the cases, "
            : areDates(column.numbers)  ? "dates written as numbers, "
@@ -444,8 +477,9 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     if (isOneOf(plainName(column.name), kinds)) {
         return "says which kind of point a case is";
     }
-    static constexpr std::array<std::string_view, 8> figures = {
-        "fits", "resi", "sres", "tres", "fitted", "residual", "residuals", "predicted"};
+    static constexpr std::array<std::string_view, 14> figures = {
+        "fits",      "resi",  "sres", "tres",       "fitted",   "residual", "residuals",
+        "predicted", "error", "yhat", "prediction", "leverage", "resid",    "cooksd"};
     if (isOneOf(withoutNumber(plainName(column.name)), figures)) {
         return "a figure of another fit by its name";
     }
@@ -462,12 +496,15 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const CaseColumn& output)
 {
-    const std::string stem = withoutNumber(plainName(column.name));
-    const bool hasNumber = stem != plainName(column.name) ||
-                           withoutNumber(plainName(output.name)) != plainName(output.name);
+    const std::string stem = withoutRepeat(column.name);
+    const bool hasNumber =
+        stem != plainName(column.name) || withoutRepeat(output.name) != plainName(output.name);
     if ((isNumberedResponse(column.name) && isNumberedResponse(output.name)) ||
-        (hasNumber && !stem.empty() && stem == withoutNumber(plainName(output.name)))) {
+        (hasNumber && !stem.empty() && stem == withoutRepeat(output.name))) {
         return "named like the output " + quotedText(output.name);
+    }
+    if (isFigureOf(plainName(column.name), plainName(output.name))) {
+        return "a figure of the output " + quotedText(output.name) + " by its name";
     }
     constexpr double fiveDigits = 1e-5;
     constexpr double threeDigits = 1e-3;

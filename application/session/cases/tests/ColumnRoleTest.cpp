@@ -70,6 +70,9 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"b", {101, 102, 103, 104, 105, 106}, "counts up by one, from 101 to 106"},
         Example{"Run No.", {4, 2, 6, 1, 3, 5}, "numbers the cases, from 1 to 6"},
         Example{"ID", {3, 4, 7, 8, 11, 12}, "numbers the cases, from 3 to 12"},
+        Example{
+            "Serial Number", {907, 112, 388, 64, 541, 230}, "numbers the cases, from 64 to 907"},
+        Example{"Batch", {12, 11, 16, 10, 13, 19}, "numbers the cases, from 10 to 19"},
         Example{"StdOrder", {2, 1, 4, 3, 6, 5}, "numbers the cases, from 1 to 6"},
         Example{"b", {5, 5, 5, std::nan(""), 5, 5}, "the same in every case, 5"},
         Example{"b", Numbers(6, std::nan("")), "no number in it"},
@@ -133,6 +136,28 @@ TEST(ColumnRole, AColumnNamedLikeTheOutputIsAnotherOutput)
     EXPECT_EQ(chooseCaseRoles(responses, {}, {}, UnnamedOutputs::Suggested).outputs,
               (Positions{0, 2}));
     EXPECT_EQ(reasonAgainst("Masses", other), "");
+    EXPECT_EQ(reasonAgainst("Mass b", other), "named like the output \"Mass\"");
+}
+
+TEST(ColumnRole, FiguresOfTheOutputAreNoInputs)
+{
+    for (const char* name : {"Mass predicted", "Mass_sd", "mass lower", "SD Mass [kg]"}) {
+        EXPECT_EQ(reasonAgainst(name, other), "a figure of the output \"Mass\" by its name")
+            << name;
+    }
+    EXPECT_EQ(reasonAgainst("Mass ratio", other), "");
+    EXPECT_EQ(reasonAgainst("Error", other), "a figure of another fit by its name");
+}
+
+TEST(ColumnRole, AFirstColumnOfDifferentWholeNumbersWithoutANameNumbersTheCases)
+{
+    const Numbers rows = {17, 4, 230, 8, 51, 96};
+    CaseTable table = tableWith("C1", rows);
+    table.columns[0].isNamed = false;
+
+    EXPECT_EQ(chooseCaseRoles(table, {}, {"Mass"}).columns.front().reason,
+              "numbers the cases, from 4 to 230");
+    EXPECT_EQ(reasonAgainst("C1", rows), "");
 }
 
 TEST(ColumnRole, WhereAllColumnsAreNamedLikeTheOutputTheNameSaysNothing)
