@@ -283,6 +283,58 @@ bool isOverDecades(const Column& column, double minRatio)
     return median - minimum < low * (maximum - minimum) && share > middle && share < 1.0 - middle;
 }
 
+/** Names a value of an output that many cases with different inputs share while hardly another
+ *  value repeats. */
+void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
+                      std::vector<Finding>& findings)
+{
+    constexpr std::size_t casesPerRepeat = 25;
+    constexpr std::size_t distinctOfTen = 9;
+    const SortedColumn sorted(output);
+    std::size_t longest = 0;
+    double value = 0.0;
+    for (std::size_t begin = 0, end = 0; begin < sorted.count(); begin = end) {
+        while (end < sorted.count() && sorted.value(end) == sorted.value(begin)) {
+            ++end;
+        }
+        if (end - begin > longest) {
+            longest = end - begin;
+            value = sorted.value(begin);
+        }
+    }
+    const std::size_t others = sorted.count() - longest;
+    if (longest < std::max<std::size_t>(3, sorted.count() / casesPerRepeat) || others < minCases ||
+        10 * (sorted.distinct(0, sorted.count()) - 1) < distinctOfTen * others) {
+        return;
+    }
+    std::vector<std::size_t> rows;
+    std::vector<std::size_t> positions;
+    for (std::size_t row = 0; row < sorted.count(); ++row) {
+        const bool isRepeat =
+            !rows.empty() &&
+            std::all_of(cases.inputs.begin(), cases.inputs.end(), [&](const Column& input) {
+                return input.values[row] == input.values[rows.back()];
+            });
+        if (output.values[row] == value) {
+            positions.push_back(cases.positions[row]);
+            if (!isRepeat) {
+                rows.push_back(row);
+            }
+        }
+    }
+    if (rows.size() < 3) {
+        return;
+    }
+    findings.push_back(
+        finding("repeatedOutput", Finding::Warning, {output.name},
+                names({output.name}) + " is " + numberText(value) + " in " +
+                    std::to_string(longest) + " of " + std::to_string(sorted.count()) +
+                    " cases with different inputs, and hardly another value repeats: a limit of "
+                    "the measurement, a stuck sensor or a default would look so, and the model "
+                    "smooths it into its surroundings; check " +
+                    FindingWords::cases(positions) + ", or leave them out with --exclude."));
+}
+
 std::string spanText(const Column& column)
 {
     return names({column.name}) + " spans a factor of " +
@@ -363,7 +415,11 @@ std::vector<Finding> ColumnFindings::farCases(const DiagnosedCases& cases)
         return findings;
     }
     for (const Column& output : cases.outputs) {
+        const std::size_t before = findings.size();
         addFarCases(cases, output, true, findings);
+        if (findings.size() == before) {
+            addRepeatedValue(cases, output, findings);
+        }
     }
     for (const Column& input : cases.inputs) {
         addFarCases(cases, input, false, findings);

@@ -153,6 +153,28 @@ TEST(ColumnFindings, AFarNumberThatAloneRepeatsMayMarkMissingCells)
     }
 }
 
+TEST(ColumnFindings, AValueThatAloneRepeatsMayBeALimit)
+{
+    std::vector<double> limited = spread(20);
+    for (double& value : limited) {
+        value = std::min(value, 0.8);
+    }
+    EXPECT_EQ(
+        textsOf(ColumnFindings::farCases(casesOf({{"a", spread(20)}}, {{"y", limited}}))),
+        (Texts{"repeatedOutput: y is 0.8 in 3 of 20 cases with different inputs, and hardly "
+               "another value repeats: a limit of the measurement, a stuck sensor or a default "
+               "would look so, and the model smooths it into its surroundings; check cases 3, 8 "
+               "and 16, or leave them out with --exclude."}));
+
+    const std::vector<double> repeats(20, 1.0);
+    EXPECT_EQ(ColumnFindings::farCases(casesOf({{"a", repeats}}, {{"y", limited}})).size(), 0u);
+    std::vector<double> rounded = spread(20);
+    for (double& value : rounded) {
+        value = std::round(10.0 * value);
+    }
+    EXPECT_EQ(ColumnFindings::farCases(casesOf({{"a", spread(20)}}, {{"y", rounded}})).size(), 0u);
+}
+
 TEST(ColumnFindings, ValuesOverDecadesAreNoFarCases)
 {
     EXPECT_EQ(ColumnFindings::farCases(casesOf({{"a", decades(20)}})).size(), 0u);
