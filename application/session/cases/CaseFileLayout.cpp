@@ -1,5 +1,7 @@
 #include "session/cases/CaseFileLayout.h"
 
+#include "session/text/SettingHint.h"
+
 #include <mirel_fitting/numerics/TextPieces.h>
 
 namespace {
@@ -19,6 +21,15 @@ std::string CaseFileLayout::text() const
     }
     if (hasDecimalComma) {
         form.emplace_back("decimal commas");
+    }
+    if (!doubtfulNumber.empty()) {
+        const std::size_t mark = doubtfulNumber.find_first_of(".,");
+        std::string decimal = doubtfulNumber;
+        decimal[mark] = '.';
+        const bool isComma = doubtfulNumber[mark] == ',';
+        form.push_back('"' + doubtfulNumber + "\" taken for " + decimal + ", not for " +
+                       std::string(decimal).erase(mark, 1) +
+                       settingHint(Setting::DecimalMark, isComma ? "point" : "comma"));
     }
     if (thousandsSeparator != '\0') {
         form.push_back("thousands separated by " + shownThousands(thousandsSeparator));

@@ -21,6 +21,8 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     /** Whether numbers have one; where the separator is a comma these cells are quoted. */
     bool hasDecimalComma = false;
     char thousandsSeparator = '\0'; ///< as CellValue::read() takes it
+    /** A number whose mark may also separate thousands, as "1.234"; empty if none is in doubt. */
+    std::string doubtfulNumber;
 
     /** What lines begin with that are no part of the table. */
     std::vector<std::string> commentMarks = {"#", "//", "%"};
@@ -41,6 +43,8 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     std::vector<std::string> unitsInCells;  ///< columns with a unit after numbers: "x (mm)"
     std::size_t repeatedHeadings = 0;       ///< lines among the cases that say the same again
     std::size_t linesBelow = 0;             ///< after the last case: remarks, sums of columns
+    /** Cases, from 1, that begin with "Mean" or the like: figures of the others, or their names. */
+    std::vector<std::size_t> casesOfFigures;
     /** How many columns there are; 0: as many as the heading names. */
     std::size_t columns = 0;
 

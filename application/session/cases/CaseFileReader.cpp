@@ -38,16 +38,27 @@ const OtherFile otherFiles[] = {
     {"PAR1", "is a Parquet file, no table of text; save it as CSV, in Python with "
              "pandas.read_parquet(FILE).to_csv(\"cases.csv\", index=False)."},
     {"\x1F\x8B", "is compressed; unpack it with gunzip."},
-    {"MATLAB 5.0", "is a MAT-file, no table of text; save the table as CSV, with writetable."},
+    {"BZh", "is compressed; unpack it with bunzip2."},
+    {"\xFD"
+     "7zXZ",
+     "is compressed; unpack it with unxz."},
+    {"\x28\xB5\x2F\xFD", "is compressed; unpack it with unzstd."},
+    {"\x93NUMPY", "is a NumPy array, no table of text; save it as CSV, with numpy.savetxt."},
+    {"ARROW1", "is a Feather file, no table of text; save it as CSV, in Python with "
+               "pandas.read_feather(FILE).to_csv(\"cases.csv\", index=False)."},
+    {"$FL", "is an SPSS file, no table of text; save it as CSV."},
+    {"{\\rtf", "is a text document with formats, no table of text; save the table as CSV."},
+    {"MATLAB ", "is a MAT-file, no table of text; save the table as CSV, with writetable."},
     {"SQLite format", "is a database, no table of text; export the table as CSV."},
     {"%PDF-", "is a PDF document, no table of text; save the table as CSV."},
     {"\x89HDF", "is an HDF5 file, no table of text; save the table as CSV."},
     {"<!DOCTYPE", webPage},
-    {"<html", webPage},
-    {"<table", webPage}};
+    {"<html", webPage}};
 
 /** Files of text whose table has other lines than a heading around it: how such a line begins. */
 const OtherFile otherTables[] = {
+    {"<table", webPage},
+    {"\\begin{tabular", "is a LaTeX document, no plain table; save the table as CSV."},
     {"@relation",
      "is an ARFF file, no plain table; save it as CSV, or keep the rows below @DATA and "
      "write the names of the attributes in one line above them, separated by commas."},

@@ -114,6 +114,9 @@ RowsBelowTable::FirstColumn ColumnBuilder::firstColumn() const
         numbers.size() >= enoughToCount && states.front().numbers == numbers.size() &&
         numbers.back() - numbers.front() == static_cast<double>(numbers.size() - 1);
     return isCounting ? RowsBelowTable::FirstColumn::CaseNumbers
+           : column.withoutNumber.count >= enoughToCount &&
+                   column.withoutNumber.count == table.cases
+               ? RowsBelowTable::FirstColumn::LabelsOfEach
            : column.withoutNumber.count >= std::max<std::size_t>(states.front().numbers, 1)
                ? RowsBelowTable::FirstColumn::Labels
                : RowsBelowTable::FirstColumn::Values;
@@ -125,7 +128,8 @@ bool ColumnBuilder::isOtherHeading(const std::vector<std::string_view>& cells) c
 {
     constexpr std::size_t minCases = 4; // Units may stand below a second heading.
     if (keepCells || table.cases < minCases || cells.size() != table.columns.size() ||
-        cells.back().empty() || std::string_view("0123456789+-.").find(cells.back().front()) < 13) {
+        cells.empty() || cells.back().empty() ||
+        std::string_view("0123456789+-.").find(cells.back().front()) < 13) {
         return false;
     }
     std::size_t texts = 0;
@@ -146,20 +150,18 @@ bool ColumnBuilder::isOtherHeading(const std::vector<std::string_view>& cells) c
     return texts > 1 && units < texts;
 }
 
-void ColumnBuilder::refuseOtherTable(const std::vector<std::string_view>& cells,
-                                     std::size_t line) const
-{
-    refuseLine(table.path, line,
-               "the row holds names (" + quotedText(cells.front()) +
-                   ", ...) and no numbers: another table begins here; skip the lines above it" +
-                   settingHint(Setting::SkippedLines, std::to_string(line - 1)) +
-                   " to read that one, or delete its lines to read the first one.");
-}
-
 void ColumnBuilder::takeHeldBack()
 {
     for (const RowsBelowTable::Row& row : rowsBelow.release()) {
         std::vector<std::string_view> cells(row.cells.begin(), row.cells.end());
+        if (isOtherHeading(cells)) {
+            refuseLine(table.path, row.line,
+                       "the row holds names (" + quotedText(cells.front()) +
+                           ", ...) and no numbers: another table begins here; skip the lines "
+                           "above it" +
+                           settingHint(Setting::SkippedLines, std::to_string(row.line - 1)) +
+                           " to read that one, or delete its lines to read the first one.");
+        }
         if (cells.empty()) {
             cells.resize(table.columns.size());
         }
@@ -259,13 +261,17 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
             state.unit.clear();
         } else {
             column.withoutNumber = state.otherTexts;
-            column.unit = column.unit.empty() ? unitWithoutBrackets(state.unit) : column.unit;
+            const bool isError = state.unit == plusMinus;
+            column.unit =
+                column.unit.empty() && !isError ? unitWithoutBrackets(state.unit) : column.unit;
             table.layout.unitsInCells.push_back(
-                state.numbers == 0 ? nameWithUnit(column.name, column.unit)
-                                   : column.name + " (" + column.unit + ", also taken for " +
-                                         countedText(state.numbers, "cell") + " without a unit, " +
-                                         (state.numbers == 1 ? "in line " : "first in line ") +
-                                         std::to_string(state.firstNumberLine) + ')');
+                isError ? column.name + " (" + plusMinus + ", the errors left out)"
+                : state.numbers == 0
+                    ? nameWithUnit(column.name, column.unit)
+                    : column.name + " (" + column.unit + ", also taken for " +
+                          countedText(state.numbers, "cell") + " without a unit, " +
+                          (state.numbers == 1 ? "in line " : "first in line ") +
+                          std::to_string(state.firstNumberLine) + ')');
         }
         const std::vector<std::string>& texts = column.withoutNumber.spellings;
         state.isTruth = !isRowNames && state.numbers == 0 && !texts.empty() &&

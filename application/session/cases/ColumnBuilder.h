@@ -61,10 +61,11 @@ public:
         if (rowsBelow.holdBack(cells, line, table.columns.size(), firstColumn())) {
             return;
         }
-        takeHeldBack();
-        if (isOtherHeading(cells)) {
-            refuseOtherTable(cells, line);
+        if (isOtherHeading(cells)) { // or a remark in as many words, if no number follows
+            rowsBelow.add(cells, line);
+            return;
         }
+        takeHeldBack();
         takeRow(cells, line);
     }
 
@@ -140,6 +141,9 @@ private:
             }
         }
         ++table.cases;
+        if (!cells.empty() && RowsBelowTable::namesFigures(cells.front())) {
+            table.layout.casesOfFigures.push_back(table.cases);
+        }
     }
 
     /** Empty cells after the last column do no harm. */
@@ -153,8 +157,6 @@ private:
 
     RowsBelowTable::FirstColumn firstColumn() const;
     bool isOtherHeading(const std::vector<std::string_view>& cells) const;
-    [[noreturn]] void refuseOtherTable(const std::vector<std::string_view>& cells,
-                                       std::size_t line) const;
     void takeHeldBack();
 
     void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)

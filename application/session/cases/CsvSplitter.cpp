@@ -100,6 +100,9 @@ const char* CsvSplitter::splitRecord()
     lineEndsInCells = 0;
 
     const char* at = skipBlanks(buffer.data() + begin);
+    if (textBetween(at, bytesEnd()).substr(0, byteOrderMark.size()) == byteOrderMark) {
+        at = skipBlanks(at + byteOrderMark.size()); // of a file that another one was appended to
+    }
     isCommentLine =
         !beginsWithHeading && beginsComment[static_cast<unsigned char>(*at)] && isComment(at);
     at = isCommentLine                         ? skipLine(at)

@@ -234,7 +234,7 @@ char thousandsBesideDecimals(const std::vector<SampleRecord>& records, const Tab
                 if (!parts.isNumeric(i) || i >= record.cells.size()) {
                     continue;
                 }
-                const std::string_view number = numberAndUnit(record.cells[i]).first;
+                const std::string number = numberAndUnit(record.cells[i]).first;
                 const CellValue value = CellValue::read(number, true);
                 if (value.kind == CellValue::Number && value.mark == mark) {
                     (mayGroup(number, mark) ? groupsHere : isDecimal) = true;
@@ -250,6 +250,37 @@ char thousandsBesideDecimals(const std::vector<SampleRecord>& records, const Tab
         }
     }
     return '\0';
+}
+
+/** A number such as 1.234 of which nothing shows whether its mark separates thousands: no number
+ *  has other digits behind one, and 987 stands in the same column, or the mark is the less usual
+ *  decimal mark of such files: a point beside semicolons, a comma elsewhere. Empty if there is no
+ *  such number. */
+std::string doubtfulNumber(const std::vector<SampleRecord>& records, const TableParts& parts,
+                           char separator)
+{
+    std::string found;
+    for (std::size_t i = 0; i < parts.columns() && separator != ','; ++i) {
+        std::string grouped;
+        bool hasHundreds = false;
+        for (const SampleRecord& record : records) {
+            if (!parts.isNumeric(i) || i >= record.cells.size()) {
+                continue;
+            }
+            const std::string number = numberAndUnit(record.cells[i]).first;
+            const CellValue value = CellValue::read(number, true);
+            if (value.kind != CellValue::Number || value.mark == CellValue::NoMark) {
+                hasHundreds = hasHundreds || (value.number >= 100.0 && value.number < 1000.0);
+            } else if (mayGroup(number, value.mark)) {
+                grouped = grouped.empty() ? number : grouped;
+            } else {
+                return "";
+            }
+        }
+        const bool isLessUsual = grouped.find(separator == ';' ? '.' : ',') != std::string::npos;
+        found = found.empty() && (hasHundreds || isLessUsual) ? grouped : found;
+    }
+    return found;
 }
 
 /** What the commas of quoted cells are, where commas separate the cells: between thousands if all
@@ -299,6 +330,9 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     }
     if (!choices.thousandsSeparator && layout.thousandsSeparator == '\0') {
         layout.thousandsSeparator = thousandsBesideDecimals(records, parts, choices);
+    }
+    if (layout.thousandsSeparator == '\0' && !choices.thousandsSeparator && !choices.decimalMark) {
+        layout.doubtfulNumber = doubtfulNumber(records, parts, layout.separator);
     }
 
     if (layout.separator == ',' && layout.thousandsSeparator != ',' &&

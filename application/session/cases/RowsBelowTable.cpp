@@ -10,28 +10,32 @@ namespace {
 /** More are no remarks. */
 constexpr std::size_t maxFilledRows = 20;
 
-/** What the first cell says in a row of sums. */
-bool isSum(std::string_view cell)
-{
-    constexpr std::array<std::string_view, 36> sums = {
-        "total",    "totals",  "grand",   "totale",  "gesamt",   "sum",
-        "sums",     "summe",   "somme",   "soma",    "suma",     "average",
-        "averages", "avg",     "mean",    "means",   "mittel",   "mittelwert",
-        "moyenne",  "moy",     "media",   u8"média", "promedio", "gennemsnit",
-        "min",      "minimum", "max",     "maximum", "std",      "stdev",
-        "stdabw",   "ecart",   u8"écart", u8"Écart", "median",   "count"};
-    std::string word(cell);
-    std::transform(word.begin(), word.end(), word.begin(),
-                   [](unsigned char letter) { return std::tolower(letter); });
-    word.resize(std::min(word.find_first_of(" :.-"), word.size()));
-    return std::find(sums.begin(), sums.end(), word) != sums.end();
-}
-
 bool beginsAsNumber(std::string_view cell)
 {
     return !cell.empty() && std::string_view("0123456789+-.").find(cell.front()) < 13;
 }
 } // namespace
+
+bool RowsBelowTable::namesFigures(std::string_view firstCell)
+{
+    if (firstCell.empty() || (static_cast<unsigned char>(firstCell.front()) < 0x80 &&
+                              std::isalpha(static_cast<unsigned char>(firstCell.front())) == 0)) {
+        return false;
+    }
+    constexpr std::array<std::string_view, 43> words = {
+        "total",   "totals",   "grand",      "totale",     "gesamt",  "sum",      "sums",
+        "summe",   "somme",    "soma",       "suma",       "average", "averages", "avg",
+        "mean",    "means",    "mittel",     "mittelwert", "moyenne", "moy",      "media",
+        u8"média", "promedio", "gennemsnit", "min",        "minimum", "max",      "maximum",
+        "std",     "stdev",    "stdabw",     "ecart",      u8"écart", u8"Écart",  "median",
+        "count",   "sd",       "stddev",     "sem",        "cv",      "cv%",      "rsd",
+        "variance"};
+    std::string word(firstCell);
+    std::transform(word.begin(), word.end(), word.begin(),
+                   [](unsigned char letter) { return std::tolower(letter); });
+    word.resize(std::min(word.find_first_of(" :.-"), word.size()));
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
 
 RowsBelowTable::RowsBelowTable(const CellReader& reader, const ReadingOptions& options)
     : reader(reader), keepsAllFilled(options.isStrict),
@@ -55,9 +59,14 @@ bool RowsBelowTable::holdBack(const std::vector<std::string_view>& cells, std::s
     if (filled >= maxFilledRows || !mayStandBelow(cells, columns, firstColumn)) {
         return false;
     }
+    add(cells, line);
+    return true;
+}
+
+void RowsBelowTable::add(const std::vector<std::string_view>& cells, std::size_t line)
+{
     rows.push_back({{cells.begin(), cells.end()}, line});
     ++filled;
-    return true;
 }
 
 bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, std::size_t columns,
@@ -73,16 +82,19 @@ bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, s
     if (keepsAllFilled || size > columns || (isWhole && (keepsFull || beginsAsNumber(first)))) {
         return false;
     }
-    const bool hasLabels = firstColumn == FirstColumn::Labels;
-    if ((isSum(first) && !hasLabels) ||
+    const bool isOfEach =
+        firstColumn == FirstColumn::CaseNumbers || firstColumn == FirstColumn::LabelsOfEach;
+    const bool hasLabels =
+        firstColumn == FirstColumn::Labels || firstColumn == FirstColumn::LabelsOfEach;
+    if ((namesFigures(first) && !hasLabels) || (first.empty() && isOfEach) ||
         (firstColumn == FirstColumn::CaseNumbers && reader.read(first).kind == CellValue::Text)) {
         return true;
     }
-    if (hasLabels && !isSum(first) && !first.empty() && isWhole) {
+    if (hasLabels && !namesFigures(first) && !first.empty() && isWhole) {
         return false;
     }
     const bool isSumOfSome =
-        isSum(first) &&
+        namesFigures(first) &&
         std::any_of(cells.begin(), end, [](std::string_view cell) { return cell.empty(); });
     if (isSumOfSome) {
         return true;

@@ -22,8 +22,9 @@ public:
     enum class FirstColumn
     {
         Values,
-        Labels,     ///< names: a row with one is a case, be the rest of it missing or failed
-        CaseNumbers ///< which count up: a row with a text there is no case
+        Labels,       ///< names: a row with one is a case, be the rest of it missing or failed
+        LabelsOfEach, ///< the same, of each case so far: a row without one is no case
+        CaseNumbers   ///< which count up: a row with a text or nothing there is no case
     };
 
     /** @param reader borrowed for life. */
@@ -40,12 +41,19 @@ public:
     /** The rows that were held back, in their order; none is any more. */
     std::vector<Row> release();
 
+    /** Keeps a row, whatever it holds. */
+    void add(const std::vector<std::string_view>& cells, std::size_t line);
+
     void removeEmptyRowsAtEnd();
 
     /** How many of the rows that are held back are not empty. */
     std::size_t filledRows() const { return filled; }
 
     static bool isEmpty(const std::vector<std::string_view>& cells);
+
+    /** Whether the first cell of a row says that figures of the columns follow: "Total:", "Mean".
+     */
+    static bool namesFigures(std::string_view firstCell);
 
 private:
     bool mayStandBelow(const std::vector<std::string_view>& cells, std::size_t columns,

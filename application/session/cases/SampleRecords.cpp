@@ -174,14 +174,22 @@ char SampleRecords::recognisedSeparator(std::string_view sample, bool isWholeFil
     constexpr double half = 0.5;
     const double share = blanks.shareOfNumbers();
     const auto [bestCoverage, bestShare, bestCells] = bestScore;
+    layout.separator = best;
+    const SampleRecords chosen(sample, isWholeFile, layout);
+    // The blanks in a few titles split them, too.
+    const bool areTabsEnough =
+        best == '\t' && bestCells == blanks.cellCount &&
+        std::all_of(chosen.records.begin() + static_cast<std::ptrdiff_t>(chosen.records.size() / 2),
+                    chosen.records.end(), [cells = bestCells](const SampleRecord& record) {
+                        return record.cells.size() == cells;
+                    });
     const bool isOnly = bestCoverage == 0 && blanks.coverage == blanks.records.size();
     const bool isBetter =
-        share >= half &&
+        share >= half && !areTabsEnough &&
         (blanks.coverage > bestCoverage ? share >= bestShare
                                         : blanks.coverage == bestCoverage && share > bestShare);
-    layout.separator = best;
-    const bool areTabsRepeated = best == '\t' && share >= half && blanks.coverage >= bestCoverage &&
-                                 SampleRecords(sample, isWholeFile, layout).hasEmptyColumn();
+    const bool areTabsRepeated =
+        best == '\t' && share >= half && blanks.coverage >= bestCoverage && chosen.hasEmptyColumn();
     return blanks.coverage > 1 && (isOnly || isBetter || areTabsRepeated) ? CaseFileLayout::blanks
                                                                           : best;
 }

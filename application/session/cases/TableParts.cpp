@@ -43,7 +43,7 @@ std::optional<std::size_t> TableParts::heading() const
     for (std::size_t i = 0; i < records.size() && cases <= maxTitlesWithNumbers; ++i) {
         if (isHeading(i)) {
             const bool begins = records[i].followsEmptyLine ||
-                                (i > 0 && width > 1 && records[i - 1].filledCells() == 1);
+                                (i > 0 && width > 1 && records[i - 1].filledCells() <= 1);
             const bool followsTitle =
                 found && cases == 0 && (isTitle(*found) || (i > *found + 1 && isTitle(i - 1)));
             const bool isUnits = found && i == *found + 1 && readsAsUnits(i);
@@ -55,7 +55,7 @@ std::optional<std::size_t> TableParts::heading() const
                 return found;
             }
         } else if (!isEntry(i) && isCase(i) && 2 * numbersIn(records[i], 0) >= numeric &&
-                   2 * records[i].filledCells() >= width) {
+                   2 * records[i].filledCells() >= width && records[i].filledCells() <= width) {
             if (isOfNumbersAlone(i)) {
                 return found;
             }

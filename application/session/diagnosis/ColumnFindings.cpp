@@ -332,7 +332,8 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
                     " cases with different inputs, and hardly another value repeats: a limit of "
                     "the measurement, a stuck sensor or a default would look so, and the model "
                     "smooths it into its surroundings; check " +
-                    FindingWords::cases(positions) + ", or leave them out with --exclude."));
+                    FindingWords::cases(positions) + ", or exclude them" +
+                    settingHint(Setting::ExcludedCases) + '.'));
 }
 
 std::string spanText(const Column& column)

@@ -1,5 +1,6 @@
 #include "session/model/SessionFindings.h"
 
+#include "session/cases/CaseNumbers.h"
 #include "session/cases/VariableNames.h"
 #include "session/diagnosis/ColumnFindings.h"
 #include "session/diagnosis/Diagnosis.h"
@@ -142,6 +143,43 @@ std::vector<MissingCells> missingGroups(const Workspace& workspace)
     return groups;
 }
 
+/** Whether cells of a column say "<0.01" or the like. */
+bool hasLimits(const Workspace& workspace, const std::string& name)
+{
+    const CaseColumn* const column = workspace.source().find(name);
+    return column != nullptr && column->lacksNumbers() &&
+           std::any_of(
+               column->withoutNumber.spellings.begin(), column->withoutNumber.spellings.end(),
+               [](const std::string& text) { return text.front() == '<' || text.front() == '>'; });
+}
+
+/** Names cases that may be sums or means of the others. */
+std::vector<Finding> casesOfFigures(const Workspace& workspace)
+{
+    constexpr std::size_t most = 8; // more are names of cases
+    const std::vector<std::size_t> valid = workspace.validCases();
+    std::vector<std::size_t> cases;
+    for (const std::size_t number : workspace.source().layout.casesOfFigures) {
+        if (std::binary_search(valid.begin(), valid.end(), number - 1)) {
+            cases.push_back(number - 1);
+        }
+    }
+    if (cases.empty() || cases.size() > most || 2 * cases.size() > valid.size()) {
+        return {};
+    }
+    const bool isOne = cases.size() == 1;
+    std::string text = FindingWords::cases(cases);
+    text[0] = 'C';
+    return {{"casesOfFigures",
+             Finding::Warning,
+             {},
+             text + (isOne ? " begins" : " begin") + " with a word such as Total, Mean or Max: " +
+                 (isOne ? "it is taken for a measurement; if it sums up the other cases, exclude it"
+                        : "they are taken for measurements; if they sum up the other cases, "
+                          "exclude them") +
+                 settingHint(Setting::ExcludedCases, caseNumbersText(cases)) + '.'}};
+}
+
 /** By the warnings of the model, or by the note about the cells of a column that are no numbers. */
 bool isSaidElsewhere(const Finding& finding, const Workspace& workspace)
 {
@@ -225,6 +263,11 @@ std::vector<Finding> SessionFindings::missingCells(const Workspace& workspace)
             remedy += " or model the outputs one by one, so that they do not lose the cases of "
                       "each other";
         }
+        const bool isLimit = isColumn && hasLimits(workspace, group.names.front());
+        if (isLimit) {
+            remedy = "they say on which side of a limit the value lies, and the model is biased "
+                     "without them: write numbers for them, such as the limit";
+        }
         findings.push_back(
             {"missingCells",
              2 * missing > included          ? Finding::Severe
@@ -247,7 +290,8 @@ SessionFindings SessionFindings::ofCases(const Workspace& workspace)
     addMissingRoles(workspace, result.findings);
     const Diagnosis diagnosis = Diagnosis::of(cases);
     result.comparedCases = diagnosis.comparedCases;
-    for (const std::vector<Finding>& found : {missingCells(workspace), diagnosis.findings}) {
+    for (const std::vector<Finding>& found :
+         {missingCells(workspace), casesOfFigures(workspace), diagnosis.findings}) {
         result.findings.insert(result.findings.end(), found.begin(), found.end());
     }
     sortBySeverity(result.findings);

@@ -147,7 +147,7 @@ bool mayNeedAscii(std::string_view text)
 std::string asciiNumber(std::string_view text)
 {
     constexpr std::array<std::string_view, 2> minusSigns = {u8"\u2212", u8"\u2013"};
-    constexpr std::array<std::string_view, 2> ignored = {u8"\u00A0", u8"\uFEFF"};
+    constexpr std::array<std::string_view, 3> ignored = {u8"\u00A0", u8"\uFEFF", u8"\u200B"};
     std::string number;
     while (!text.empty()) {
         const auto isNext = [&](std::string_view sign) {

@@ -16,11 +16,11 @@ constexpr std::array<std::string_view, 31> units = {
     "Wb", "T", "H", "lm", "lx", "l",   "L",  "eV", "bar", "rad", "Nm", "ohm", u8"Ω", "Wh", "Ah"};
 
 /** Those that do not. */
-constexpr std::array<std::string_view, 47> whole = {
-    u8"°C", u8"°F", u8"°", "%",   "degC", "degF", "deg",  "min",  "h",       "hr",  "d",  "in",
-    "ft",   "lb",   "lbs", "lbf", "psi",  "ksi",  "rpm",  "rev",  "ppm",     "ppb", "dB", "sec",
-    "hp",   "PS",   "mph", "t",   "sr",   "ha",   "inch", "mile", "gal",     "BTU", "HV", "atm",
-    "Torr", "mmHg", "HRC", "kgf", "kip",  "year", "Watt", "Volt", "seconds", "a",   "Nmm"};
+constexpr std::array<std::string_view, 48> whole = {
+    u8"‰", u8"°C", u8"°F", u8"°", "%",   "degC", "degF", "deg",  "min",  "h",       "hr",  "d",
+    "in",  "ft",   "lb",   "lbs", "lbf", "psi",  "ksi",  "rpm",  "rev",  "ppm",     "ppb", "dB",
+    "sec", "hp",   "PS",   "mph", "t",   "sr",   "ha",   "inch", "mile", "gal",     "BTU", "HV",
+    "atm", "Torr", "mmHg", "HRC", "kgf", "kip",  "year", "Watt", "Volt", "seconds", "a",   "Nmm"};
 
 constexpr std::array<std::string_view, 19> prefixes = {"T", "G", "M", "k", "h",   "da",  "d",
                                                        "c", "m", "u", "n", u8"µ", u8"μ", "p",
@@ -91,14 +91,31 @@ bool isUnitText(std::string_view text)
     return hasUnit;
 }
 
-std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view text)
+std::pair<std::string, std::string_view> numberAndUnit(std::string_view text)
 {
     constexpr std::size_t maxTextLength = 50;
-    constexpr std::array<std::string_view, 4> currencies = {"$", u8"€", u8"£", u8"¥"};
+    constexpr std::array<std::string_view, 8> currencies = {"$",   u8"€", u8"£", u8"¥",
+                                                            "EUR", "USD", "CHF", "GBP"};
     text = trimmedText(text);
+    for (const std::string_view mark : {std::string_view(plusMinus), std::string_view("+/-")}) {
+        const std::size_t at = std::min(text.find(mark), text.size());
+        const std::string_view number = trimmedText(text.substr(0, at));
+        const std::string_view error =
+            trimmedText(text.substr(std::min(at + mark.size(), text.size())));
+        if (!number.empty() && isDigit(number.back()) && !error.empty() && isDigit(error.front())) {
+            return {std::string(number), plusMinus};
+        }
+    }
+    // "-$5" and, in accounts, "($5)".
+    const bool isBracketed = text.size() > 2 && text.front() == '(' && text.back() == ')';
+    const bool isNegative = isBracketed || text.substr(0, 1) == "-";
+    std::string_view amount = text.substr(isNegative ? 1 : 0);
+    amount.remove_suffix(isBracketed ? 1 : 0);
     for (const std::string_view currency : currencies) {
-        if (text.substr(0, currency.size()) == currency) {
-            return {trimmedText(text.substr(currency.size())), currency};
+        if (amount.substr(0, currency.size()) == currency) {
+            return {(isNegative ? "-" : "") +
+                        std::string(trimmedText(amount.substr(currency.size()))),
+                    currency};
         }
     }
     std::size_t end = 0;
@@ -123,8 +140,9 @@ std::pair<std::string_view, std::string_view> numberAndUnit(std::string_view tex
                                 std::isalpha(static_cast<unsigned char>(name.front())) != 0;
     const bool isUnit = isUnitText(name) ||
                         std::find(currencies.begin(), currencies.end(), name) != currencies.end();
-    return end > 0 && isUnit && !isLetterOfCode ? std::make_pair(text.substr(0, end), name)
-                                                : std::make_pair(text, std::string_view());
+    return end > 0 && isUnit && !isLetterOfCode
+               ? std::make_pair(std::string(text.substr(0, end)), name)
+               : std::make_pair(std::string(text), std::string_view());
 }
 
 std::string nameWithUnit(const std::string& name, const std::string& unit)

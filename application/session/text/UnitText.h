@@ -12,10 +12,14 @@
  */
 SURROGATE_SESSION_EXPORT bool isUnitText(std::string_view text);
 
-/** The two parts of a number with its unit: "12 mm", "5%", "$3". The number may be any text that
- *  has no letters; the unit is empty for texts that have none after or a currency before it. A
- *  letter right after the number, "3A", is no unit. */
-SURROGATE_SESSION_EXPORT std::pair<std::string_view, std::string_view>
+/** What numberAndUnit() answers as the unit of a number with its error. */
+inline constexpr char plusMinus[] = "\u00B1";
+
+/** The two parts of a number with its unit: "12 mm", "5%", "$3", "-$3", "($3)", which is negative,
+ *  and "1.5 +/- 0.1", without the error. The number may be any text that has no letters; the unit
+ *  is empty for texts that have none after or a currency before it. A letter right after the
+ *  number, "3A", is no unit. */
+SURROGATE_SESSION_EXPORT std::pair<std::string, std::string_view>
 numberAndUnit(std::string_view text);
 
 /** "Stress (MPa)"; the name alone without a unit, or where it has that unit in brackets itself. */

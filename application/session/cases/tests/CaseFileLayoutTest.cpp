@@ -49,6 +49,12 @@ TEST(CaseFileLayout, NamesWhatIsSkippedAndWhatIsOddInTheTable)
     EXPECT_EQ(layout.text(), "names that are numbers (150 and 4), units in the cells of a (mm), b "
                              "(%), c (s), d (s), e (s) and 2 more; 1 repeated heading and 2 lines "
                              "below the table skipped");
+
+    layout = CaseFileLayout();
+    layout.doubtfulNumber = "1.234";
+    EXPECT_EQ(layout.text(), "\"1.234\" taken for 1.234, not for 1234");
+    layout.doubtfulNumber = "1,234";
+    EXPECT_EQ(layout.text(), "\"1,234\" taken for 1.234, not for 1234");
 }
 
 TEST(CaseFileLayout, HasWordsForItsParts)

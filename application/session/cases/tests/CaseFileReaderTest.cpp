@@ -240,7 +240,7 @@ TEST_F(CaseFileReaderTest, LongNamesAreCutInMessages)
     const std::string name(10000, 'x');
 
     EXPECT_LT(refusalOf("7,7," + name + "\n1,2,3\n").size(), 400u);
-    EXPECT_LT(refusalOf("a,b\n1,2\n2,1\n3,5\n4,3\n" + name + ",c\n").size(), 400u);
+    EXPECT_LT(refusalOf("a,b\n1,2\n2,1\n3,5\n4,3\n" + name + ",c\n5,6\n").size(), 400u);
     EXPECT_LT(refusalOf(name + ";y\n1,5;2.5\n").size(), 400u);
 }
 
@@ -257,7 +257,9 @@ TEST_F(CaseFileReaderTest, RefusesBytesThatAreNoText)
 
 TEST_F(CaseFileReaderTest, RefusesFilesThatAreNoTablesOfText)
 {
-    for (const char* beginning : {"PK\x03\x04", "PAR1", "\x1F\x8B", "\x89HDF"}) {
+    for (const char* beginning :
+         {"PK\x03\x04", "PAR1", "\x1F\x8B", "\x89HDF", "BZh91AY", "\x93NUMPY", "<div>\n <table>",
+          "\\begin{table}\n\\begin{tabular}{rr}"}) {
         const std::string message =
             messageOf<CaseDataError>([&] { read(std::string(beginning) + "..."); });
         EXPECT_EQ(message.rfind('"' + folder.path("cases.csv") + "\" is ", 0), 0u) << message;
@@ -278,6 +280,9 @@ TEST_F(CaseFileReaderTest, MarksThatGroupThreeDigitsBesideOtherDecimalMarksSepar
 {
     EXPECT_EQ(read("a;b\n2,5;12.345\n0,125;999\n").columns[1].numbers, (Numbers{12345, 999}));
     EXPECT_EQ(read("a;b\n2.5;12,345\n0.125;999\n").columns[1].numbers, (Numbers{12345, 999}));
+    CaseFileReader::Options point;
+    point.decimalMark = CellValue::Point;
+    EXPECT_EQ(readWith("a\tb\n1,234\t2\n987\t3\n", point).columns[0].numbers, (Numbers{1234, 987}));
     for (const char* content : {"a;b\n2,5;1.234\n3,5;0.234\n", "a;b\n2,5;1.234\n3,5;1.23\n",
                                 "a;b\n2,5;1.234\n3;2,25\n", "a;b\n2,5;1.234e3\n3;2\n"}) {
         EXPECT_NE(refusalOf(content).find("write all numbers in one way"), std::string::npos)

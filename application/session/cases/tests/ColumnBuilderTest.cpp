@@ -112,6 +112,11 @@ TEST_F(ColumnBuilderTest, TruthValuesAndNumbersWithAUnitAreNumbers)
 {
     EXPECT_EQ(column({"yes", "No", "ja"}).numbers, (Numbers{1.0, 0.0, 1.0}));
     EXPECT_EQ(column({"5 mm", "6 mm", "7 mm"}).numbers, (Numbers{5.0, 6.0, 7.0}));
+    EXPECT_EQ(column({"($5.00)", "-$6", "$7"}).numbers, (Numbers{-5.0, -6.0, 7.0}));
+    const CaseTable withErrors = built({{"a"}, {u8"5 \u00B1 0.1"}, {"6 +/- 0.2"}});
+    EXPECT_EQ(withErrors.columns[0].numbers, (Numbers{5.0, 6.0}));
+    EXPECT_EQ(withErrors.columns[0].unit, "");
+    EXPECT_EQ(withErrors.layout.unitsInCells, Texts{u8"a (\u00B1, the errors left out)"});
     EXPECT_EQ(built({{"a"}, {"9%"}, {"0.07"}, {"5%"}, {"8%"}}).layout.unitsInCells,
               Texts{"a (%, also taken for 1 cell without a unit, in line 3)"});
 }
@@ -150,6 +155,47 @@ TEST_F(ColumnBuilderTest, ALabelledRowAtTheEndIsACase)
         EXPECT_EQ(table.cases, row.cases) << row.last.back();
         EXPECT_EQ(table.layout.linesBelow, 4 - row.cases) << row.last.back();
     }
+}
+
+TEST_F(ColumnBuilderTest, FiguresOfTheOthersAmongTheCasesAreKnown)
+{
+    EXPECT_EQ(built({{"run", "x"}, {"Mean", "2"}, {"SD", "1"}, {"1", "1"}, {"2", "2"}, {"3", "3"}})
+                  .layout.casesOfFigures,
+              (std::vector<std::size_t>{1, 2}));
+    EXPECT_EQ(built({{"id", "x"}, {"s1", "1"}, {"s2", "2"}, {"s3", "3"}, {"Mean", "2"}})
+                  .layout.casesOfFigures,
+              std::vector<std::size_t>{4});
+    const CaseTable table =
+        built({{"run", "x"}, {"1", "1"}, {"2", "2"}, {"3", "3"}, {"4", "4"}, {"Mean", "2.5"}});
+    EXPECT_EQ(table.layout.casesOfFigures, std::vector<std::size_t>());
+    EXPECT_EQ(table.cases, 4u);
+}
+
+TEST_F(ColumnBuilderTest, ARowWithoutALabelAtTheEndIsNoCaseWhereAllOthersHaveOne)
+{
+    std::vector<Row> rows = {{"id", "x"}};
+    for (const std::string_view number : {"1", "2", "3", "4", "5"}) {
+        rows.push_back({number, number});
+    }
+    rows.push_back({"", "3"});
+    EXPECT_EQ(built(rows).cases, 5u);
+    EXPECT_EQ(built(rows).layout.linesBelow, 1u);
+    rows.push_back({"7", "7"});
+    EXPECT_EQ(built(rows).cases, 7u);
+    rows[2][0] = "";
+    rows.pop_back();
+    EXPECT_EQ(built(rows).cases, 6u);
+}
+
+TEST_F(ColumnBuilderTest, NamesBelowTheCasesBeginAnotherTableIfNumbersFollow)
+{
+    std::vector<Row> rows = {{"x", "y"}, {"1", "2"}, {"2", "3"},
+                             {"3", "4"}, {"4", "5"}, {"spool", "off"}};
+    EXPECT_EQ(built(rows).cases, 4u);
+    EXPECT_EQ(built(rows).layout.linesBelow, 1u);
+    rows.push_back({"5", "6"});
+    EXPECT_EQ(refusalOf(rows).rfind("cases.csv, line 6: the row holds names (\"spool\", ...)", 0),
+              0u);
 }
 
 TEST_F(ColumnBuilderTest, NumbersHaveOneDecimalMark)

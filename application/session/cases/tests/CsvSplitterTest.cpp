@@ -73,6 +73,10 @@ const Split splits[] = {
     {"UnclosedQuote", "a\n\"b\nc,", "1[a] unclosed 2"},
     {"QuoteAtTheEnd", "a,\"b\"", "1[a][b] end"},
     {"ByteOrderMark", "\xEF\xBB\xBF\"a\",b\n", "1[a][b] end"},
+    {"ByteOrderMarkOfAnAppendedFile",
+     "a\n\xEF\xBB\xBF"
+     "b\n",
+     "1[a] 2[b] end"},
     {"CommentLines", "# a,b\n//\na\n  % 1\nb#\n/c\n", "3[a] 5[b#] 6[/c] end"},
     {"ErrorOfASpreadsheetFirst", "#N/A,1\n#div/0!,2\n", "1[#N/A][1] 2[#div/0!][2] end"},
     {"ByteOrderMarkAlone", "\xEF\xBB\xBF", "end"},

@@ -97,6 +97,35 @@ TEST(LayoutRecognition, TitlesStandAboveTheHeading)
               "line 3, 2 columns, 1 titles");
     EXPECT_EQ(partsOf("Operator,Smith\nRun,7\n\nx,y\n1,2\n3,4\n5,6\n"),
               "line 3, 2 columns, 2 titles");
+    EXPECT_EQ(partsOf("Device;A;12;3;4\nSerial;7;8;9;1\nx;y\n1;2\n3;4\n5;6\n"),
+              "line 3, 2 columns, 2 titles");
+}
+
+TEST(LayoutRecognition, BlanksInTitlesDoNotSplitATableOfTabs)
+{
+    const std::string titles = "Writer version\t2\nOperator\tA. Smith\t\nSamples\t3\t3\t\n\t\n";
+    EXPECT_EQ(partsOf(titles + "x\ty\tz\n1\t2\t3\n4\t5\t6\n7\t8\t9\n5\t8\t9\n"),
+              "line 5, 3 columns, 3 titles");
+    EXPECT_EQ(separatorOf("x y z\n1\t2 3\n4 5\t6\n7 8 9\n"), ' ');
+}
+
+TEST(LayoutRecognition, ANumberThatMayHaveThousandsIsInDoubt)
+{
+    const struct
+    {
+        const char* text;
+        const char* number;
+    } examples[] = {{"a;b\n1.234;2\n987;3\n", "1.234"},    {"a\tb\n1,234\t2\n12,987\t3\n", "1,234"},
+                    {"a;b\n1,234;2\n12,987;3\n", ""},      {"a;b\n1.234;2\n987;0.5\n", ""},
+                    {"a;b\n1.234;2\n9;3\n", "1.234"},      {"a\tb\n1.234\t2\n9\t3\n", ""},
+                    {"a\tb\n1.234\t2\n987\t3\n", "1.234"}, {"a;b\n0.234;2\n987;3\n", ""},
+                    {"a,b\n1.234,2\n987,3\n", ""}};
+    for (const auto& example : examples) {
+        EXPECT_EQ(layoutOf(example.text).doubtfulNumber, example.number) << example.text;
+    }
+    ReadingChoices choices;
+    choices.decimalMark = CellValue::Comma;
+    EXPECT_EQ(layoutOf("a;b\n1.234;2\n987;3\n", choices).doubtfulNumber, "");
 }
 
 TEST(LayoutRecognition, UnitsStandBelowTheHeading)

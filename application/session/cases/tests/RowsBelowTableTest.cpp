@@ -54,6 +54,26 @@ TEST_F(RowsBelowTableTest, AreThoseWithATextWhereTheFirstColumnCounts)
     EXPECT_FALSE(isHeldBack({"late", "2", "3"}));
 }
 
+TEST_F(RowsBelowTableTest, AreThoseWithoutALabelWhereEachCaseHasOne)
+{
+    for (const FirstColumn firstColumn : {FirstColumn::CaseNumbers, FirstColumn::LabelsOfEach}) {
+        EXPECT_TRUE(isHeldBack({"", "2", "3"}, firstColumn));
+    }
+    EXPECT_FALSE(isHeldBack({"", "2", "3"}, FirstColumn::Labels));
+    EXPECT_FALSE(isHeldBack({"", "2", "3"}, FirstColumn::Values));
+    EXPECT_FALSE(isHeldBack({"s4", "2", "3"}, FirstColumn::LabelsOfEach));
+}
+
+TEST_F(RowsBelowTableTest, FiguresHaveTheirNamesInFront)
+{
+    for (const char* cell : {"Mean", "total:", "Std Dev", "CV%", u8"\u00C9cart-type"}) {
+        EXPECT_TRUE(RowsBelowTable::namesFigures(cell)) << cell;
+    }
+    for (const char* cell : {"", "1", "meander", "s4", "-"}) {
+        EXPECT_FALSE(RowsBelowTable::namesFigures(cell)) << cell;
+    }
+}
+
 TEST_F(RowsBelowTableTest, AreNoneOfPointsOrWhereEveryCellCounts)
 {
     options.isStrict = true;

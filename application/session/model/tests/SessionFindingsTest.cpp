@@ -70,6 +70,39 @@ TEST(SessionFindings, MissingCellsAreNamedByColumnAndCause)
         "is left out; complete it or leave b out of the inputs.\n");
 }
 
+TEST(SessionFindings, CellsThatNameALimitBiasTheModel)
+{
+    CaseTable table = tableWithMissingCells();
+    table.columns[2].withoutNumber.spellings = {"<0.5"};
+    CaseSession session(table, {{0}, {2}}, {}, Workspace::ResponseSurface);
+
+    EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text,
+              "y lacks a number in 2 of 9 cases, 1 cell is no number (\"<0.5\", in line 5), "
+              "others: empty: these cases are left out; they say on which side of a limit the "
+              "value lies, and the model is biased without them: write numbers for them, such as "
+              "the limit.");
+}
+
+TEST(SessionFindings, CasesThatMayBeFiguresOfTheOthersAreNamed)
+{
+    CaseTable table =
+        tableOf({{"a", {1, 2, 4, 3, 6, 5, 7, 9, 8}}, {"y", {1, 4, 2, 6, 9, 3, 7, 5, 6}}});
+    table.layout.casesOfFigures = {1, 2, 9};
+    const auto said = [&](const std::set<std::size_t>& excluded) {
+        const CaseSession session(table, {{0}, {1}}, {excluded.begin(), excluded.end()},
+                                  Workspace::ResponseSurface);
+        const std::vector<Finding> findings = SessionFindings::ofCases(session).findings;
+        const auto found = std::find_if(findings.begin(), findings.end(), [](const Finding& one) {
+            return one.kind == "casesOfFigures";
+        });
+        return found == findings.end() ? "" : found->text;
+    };
+
+    EXPECT_EQ(said({0}), "Cases 2 and 9 begin with a word such as Total, Mean or Max: they are "
+                         "taken for measurements; if they sum up the other cases, exclude them.");
+    EXPECT_EQ(said({0, 1, 8}), "");
+}
+
 TEST(SessionFindings, EachSpellingOfMissingCellsIsCounted)
 {
     CaseTable table = tableOf({{"a", {1, 2, 4, 3, 6, 5, 7, 9, 8}},

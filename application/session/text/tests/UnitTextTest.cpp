@@ -16,7 +16,7 @@ TEST(UnitText, UnitsAreRecognised)
 
 TEST(UnitText, IsSplitFromANumber)
 {
-    using Parts = std::pair<std::string_view, std::string_view>;
+    using Parts = std::pair<std::string, std::string_view>;
     const std::pair<const char*, Parts> examples[] = {{"12 mm", {"12", "mm"}},
                                                       {"5%", {"5", "%"}},
                                                       {"-1.5e-3 kg/m^3", {"-1.5e-3", "kg/m^3"}},
@@ -25,12 +25,17 @@ TEST(UnitText, IsSplitFromANumber)
                                                       {"$ 1,200.50", {"1,200.50", "$"}},
                                                       {"3 \u20AC", {"3", "\u20AC"}},
                                                       {"7\u00A0mm", {"7", "mm"}},
-                                                      {"12 [N]", {"12", "[N]"}}};
+                                                      {"12 [N]", {"12", "[N]"}},
+                                                      {"-$5", {"-5", "$"}},
+                                                      {"($1,200.50)", {"-1,200.50", "$"}},
+                                                      {"CHF 3.5", {"3.5", "CHF"}},
+                                                      {"1.5 +/- 0.1 mm", {"1.5", plusMinus}},
+                                                      {u8"1.5\u00B10.1", {"1.5", plusMinus}}};
     for (const auto& [text, parts] : examples) {
         EXPECT_EQ(numberAndUnit(text), parts) << text;
     }
-    for (const char* text :
-         {"", "mm", "3A", "12 runs", "2026-11-03", "north", "1.5", "p12", "12-Jan"}) {
+    for (const char* text : {"", "mm", "3A", "(5)", "-", "3 +/-", u8"\u00B15", "12 runs",
+                             "2026-11-03", "north", "1.5", "p12", "12-Jan"}) {
         EXPECT_EQ(numberAndUnit(text), Parts(text, "")) << text;
     }
 }
