@@ -70,7 +70,7 @@ TEST_F(IntervalOption, PredictAddsLimitsBehindEachPrediction)
 TEST_F(IntervalOption, LimitsDoNotTakeTheNamesOfOtherColumns)
 {
     folder.write("names.csv", "x,y lower,y\n1,2,3\n2,3,5\n3,5,6\n4,4,4\n");
-    expectFailure("evaluate names.csv -y y --interval 95", 2,
+    expectFailure("evaluate names.csv -x 'x,y lower' -y y --interval 95", 2,
                   "With --interval the table would have two columns \"y lower\"; rename the "
                   "variable.");
     folder.write("points.csv", "x,z,y upper\n1,2,3\n");
