@@ -2,6 +2,7 @@
 import gzip
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -11,6 +12,7 @@ SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file_
 BUILD, COMPILER = os.path.abspath(sys.argv[1]), sys.argv[2]
 STAGE = os.path.join(BUILD, "stage")
 PREFIX = os.path.join(STAGE, "moved here")
+CCACHE = shutil.which("ccache") or ""
 
 
 def run(*command, **options):
@@ -27,14 +29,33 @@ def library_folder():
     return next(folder for folder, _, files in os.walk(PREFIX) if "libmirel_fitting.so" in files)
 
 
-def build_example(name, *arguments):
-    """Builds an example as a project of its own, against the installed package only."""
+def configure_example(name):
+    """An example as a project of its own, against the installed package only. Returns its build folder."""
     build = os.path.join(STAGE, name)
     run("cmake", "-G", "Ninja", "-S", os.path.join(SOURCE, "examples", name), "-B", build,
         f"-DCMAKE_PREFIX_PATH={PREFIX}", f"-DCMAKE_CXX_COMPILER={COMPILER}",
-        f"-DCMAKE_CXX_COMPILER_LAUNCHER={shutil.which('ccache') or ''}", *arguments)
+        f"-DCMAKE_CXX_COMPILER_LAUNCHER={CCACHE}")
+    return build
+
+
+def build_example(name):
+    build = configure_example(name)
     run("cmake", "--build", build)
     return build
+
+
+def build_by_pkg_config(library, example):
+    folder = library_folder()
+    program = os.path.join(STAGE, f"by-pkg-config-{example}")
+
+    def flags(kind):
+        path = {"PKG_CONFIG_PATH": os.path.join(folder, "pkgconfig")}
+        return shlex.split(run("pkg-config", kind, library, env=path))  # it escapes blanks
+    # Compiled apart from linking: the compiler cache takes no other command.
+    run(*CCACHE.split(), COMPILER, "-fPIC", "-c", os.path.join(SOURCE, "examples", example, "main.cpp"),
+        "-o", f"{program}.o", *flags("--cflags"))
+    run(COMPILER, f"{program}.o", "-o", program, f"-Wl,-rpath,{folder}", *flags("--libs"))
+    return program
 
 
 class Install(unittest.TestCase):
@@ -94,19 +115,13 @@ class Install(unittest.TestCase):
         self.assertEqual(tables[1][1], ["3", "0.3246"])
 
     def test_a_host_brings_its_own_fitting_class(self):
-        program = os.path.join(build_example("replace-platform"), "replace_platform")
+        # Its project differs from the host's by the name alone, so that compiling it once, the other way, does.
+        configure_example("replace-platform")
+        program = build_by_pkg_config("surrogatemodel", "replace-platform")
         self.assertIn("Power 6\n0  0\n5  4.0", run(program))
 
-    def test_pkg_config_finds_the_libraries(self):
-        folder = library_folder()
-        path = {"PKG_CONFIG_PATH": os.path.join(folder, "pkgconfig")}
-        for name, example in (("mirel-fitting", "fitting"), ("surrogatemodel", "replace-platform")):
-            source = os.path.join(SOURCE, "examples", example, "main.cpp")
-            program = os.path.join(STAGE, f"by-pkg-config-{name}")
-            # pkg-config escapes blanks for a shell.
-            run("sh", "-c", f"eval '{COMPILER}' -fPIC \"'{source}' -o '{program}'\" "
-                f"\"-Wl,-rpath,'{folder}'\" \"$(pkg-config --cflags --libs {name})\"", env=path)
-            run(program, cwd=STAGE)
+    def test_pkg_config_finds_the_fitting_libraries(self):
+        self.assertIn("between", run(build_by_pkg_config("mirel-fitting", "fitting"), cwd=STAGE))
 
 
 if __name__ == "__main__":
