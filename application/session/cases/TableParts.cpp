@@ -36,10 +36,12 @@ std::optional<std::size_t> TableParts::heading() const
 {
     // "Run;7" may stand above the table, too.
     constexpr std::size_t maxTitlesWithNumbers = 30;
+    constexpr std::size_t maxWiderTitles = 5; // more are cases of another table
     const auto numeric =
         static_cast<std::size_t>(std::count(numericColumns.begin(), numericColumns.end(), true));
     std::optional<std::size_t> found;
     std::size_t cases = 0;
+    std::size_t wider = 0;
     for (std::size_t i = 0; i < records.size() && cases <= maxTitlesWithNumbers; ++i) {
         if (isHeading(i)) {
             const bool begins = records[i].followsEmptyLine ||
@@ -55,7 +57,8 @@ std::optional<std::size_t> TableParts::heading() const
                 return found;
             }
         } else if (!isEntry(i) && isCase(i) && 2 * numbersIn(records[i], 0) >= numeric &&
-                   2 * records[i].filledCells() >= width && records[i].filledCells() <= width) {
+                   2 * records[i].filledCells() >= width &&
+                   (records[i].filledCells() <= width || ++wider > maxWiderTitles)) {
             if (isOfNumbersAlone(i)) {
                 return found;
             }

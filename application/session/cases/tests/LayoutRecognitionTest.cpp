@@ -99,6 +99,8 @@ TEST(LayoutRecognition, TitlesStandAboveTheHeading)
               "line 3, 2 columns, 2 titles");
     EXPECT_EQ(partsOf("Device;A;12;3;4\nSerial;7;8;9;1\nx;y\n1;2\n3;4\n5;6\n"),
               "line 3, 2 columns, 2 titles");
+    EXPECT_EQ(partsOf("a;b;c\n" + repeated("1;2;3\n", 6) + "x;y\n" + repeated("1;2\n", 8)),
+              "line 1, 2 columns");
 }
 
 TEST(LayoutRecognition, BlanksInTitlesDoNotSplitATableOfTabs)
