@@ -31,4 +31,8 @@ struct KrigingOptions
      *  the factorisation sound, 1e-12. */
     double nugget = 0.0;
     NuggetMode nuggetMode = NuggetMode::Estimated; ///< whether `nugget` is a bound or the value
+    /** Whether fits of up to 200 cases and 10 inputs search for a second optimum, too, of which the
+     *  report speaks; that takes more than half of their time. The best one is hardly ever another:
+     *  refits of parts of the cases do without. */
+    bool findsSecondOptimum = true;
 };

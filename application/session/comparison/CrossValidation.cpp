@@ -207,9 +207,10 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
                               Predictions& predictions, const std::string& message) const
 {
     const Stopwatch watch;
-    const auto model =
-        workspace.modelFactory().makeModel(type, pointersTo(split.trainingInputs), {output.data()},
-                                           static_cast<int>(output.size()), split.trainingDesign);
+    constexpr bool findsSecondOptimum = false; // nobody reads the report
+    const auto model = workspace.modelFactory().makeModel(
+        type, pointersTo(split.trainingInputs), {output.data()}, static_cast<int>(output.size()),
+        split.trainingDesign, findsSecondOptimum);
     {
         const FitProgress::Portion fitting(0.0, shareOfFit);
         model->activateDependentVariables({0});

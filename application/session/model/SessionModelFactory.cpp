@@ -69,7 +69,7 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
 boost::shared_ptr<SurrogateModelInterface>
 SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& independentColumns,
                                const std::vector<double*>& dependentColumns, int rowCount,
-                               const CaseDesign& design) const
+                               const CaseDesign& design, bool findsSecondOptimum) const
 {
     if (finishedModel != nullptr) {
         return finishedModel;
@@ -77,6 +77,7 @@ SessionModelFactory::makeModel(ModelType type, const std::vector<double*>& indep
     ModelSettings settings;
     settings.isKriging = type == SurrogateModelManagerInterface::Kriging;
     settings.transform = transformSetting->get();
+    settings.kriging.findsSecondOptimum = findsSecondOptimum;
     if (!settings.isKriging) {
         settings.responseSurface = optionsOfColumns();
     }

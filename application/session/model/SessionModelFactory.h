@@ -25,11 +25,12 @@ public:
     makeModel(ModelType type, const std::vector<double*>& independentColumns,
               const std::vector<double*>& dependentColumns, int rowCount) const override;
     /** The same of other cases than those that setDesign() is about, whose design is given. Kriging
-     *  does not take it into account. */
+     *  does not take it into account.
+     *  @param findsSecondOptimum see KrigingOptions. */
     boost::shared_ptr<SurrogateModelInterface>
     makeModel(ModelType type, const std::vector<double*>& independentColumns,
-              const std::vector<double*>& dependentColumns, int rowCount,
-              const CaseDesign& design) const;
+              const std::vector<double*>& dependentColumns, int rowCount, const CaseDesign& design,
+              bool findsSecondOptimum = true) const;
     bool needsCases() const override;
 
     /** A change is an undo step, and invalidates all models that were made before. */

@@ -17,6 +17,7 @@ KrigingSearchSettings KrigingFitInput::searchSettings() const
     settings.initialLength = options.initialCorrelationLength;
     settings.requestedNugget = options.nugget;
     settings.isNuggetFixed = options.isNuggetFixed();
+    settings.findsSecondOptimum = options.findsSecondOptimum;
     const std::size_t inputs = cases.activeInputs().size();
     for (std::size_t k = 0; k < inputs && !options.correlationLengths.empty(); ++k) {
         const double length = options.correlationLengths[cases.activeInputs()[k]];

@@ -47,7 +47,7 @@ std::optional<KrigingPredictor> refitted(const KrigingFitInput& input, const Fit
         return std::nullopt;
     }
     KrigingSearchSettings settings = input.searchSettings();
-    settings.policy.maxCasesForSecond = 0; // no second optimum is reported
+    settings.findsSecondOptimum = false;
     if (model.data->cases >= IntervalCalibration::minCases) {
         settings.continuation = {{{model.correlation->lengths(), model.nugget}}, steps};
     }

@@ -44,14 +44,12 @@ private:
     Optimum converged(const std::vector<double>& start, const std::vector<double>& upper);
     void improveLikeliestStart();
     void searchFromAllStarts();
-    void race(const std::vector<std::vector<double>>& starts, std::size_t followed);
+    void race(const std::vector<std::vector<double>>& starts);
     void follow(BoundedSearch& search);
     void continueWithMoreCases(std::size_t cases);
-    bool isCheap() const;
     std::vector<std::vector<double>> startsWithoutInputs(const std::vector<double>& point) const;
-    std::vector<double> scaled(const std::vector<double>& point,
-                               const SearchPolicy::Start& change) const;
     void searchFromAlternatives();
+    void searchFromSpreadStarts();
     bool losesAtUpperBound(std::size_t input);
     std::vector<KrigingReport::Bound> bounds();
     bool hasFewLevels() const;
@@ -142,22 +140,23 @@ void Search::searchFromAllStarts()
     const std::vector<std::size_t> sizes = subsetSizes();
     useCases(sizes.front());
     const std::vector<std::vector<double>> starts = variables.starts();
-    race(starts, casesUsed <= policy.followedCases ? starts.size() : policy.racing);
+    race(starts);
     for (std::size_t k = 1; k < sizes.size(); ++k) {
         continueWithMoreCases(sizes[k]);
     }
     const bool startOnAll = sizes.size() > 1 && hasFewLevels();
     if (startOnAll) {
         const std::size_t count = data->cases <= policy.raceCases ? starts.size() : 1;
-        race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)}, policy.racing);
+        race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)});
     }
     if (sizes.size() == 1 || (startOnAll && data->cases <= policy.raceCases)) {
         searchFromAlternatives();
+        searchFromSpreadStarts();
     }
 }
 
 /** A few steps from each start; the likeliest searches go on to convergence. */
-void Search::race(const std::vector<std::vector<double>>& starts, std::size_t followed)
+void Search::race(const std::vector<std::vector<double>>& starts)
 {
     std::list<BoundedSearch> searches;
     for (const std::vector<double>& start : starts) {
@@ -166,10 +165,10 @@ void Search::race(const std::vector<std::vector<double>>& starts, std::size_t fo
     }
     searches.sort(
         [](const BoundedSearch& a, const BoundedSearch& b) { return a.value() > b.value(); });
+    while (searches.size() > policy.racing) {
+        searches.pop_back();
+    }
     for (BoundedSearch& search : searches) {
-        if (followed-- == 0) {
-            break;
-        }
         follow(search);
     }
 }
@@ -198,23 +197,9 @@ void Search::continueWithMoreCases(std::size_t cases)
     optima.replace(reached, *objective);
 }
 
-/** Whether a search takes so little time that the second optimum is searched for, too. */
-bool Search::isCheap() const
-{
-    return casesUsed <= policy.maxCasesForSecond &&
-           variables.lengthCount() <= policy.maxInputsForSecond;
-}
-
-/**
- * The point without each input that has influence, of SearchPolicy::triedLengths at most. Where a
- * search is cheap also without each two of them, and with the lengths of each two inputs exchanged.
- */
+/** The point without each input that has influence, of SearchPolicy::triedLengths at most. */
 std::vector<std::vector<double>> Search::startsWithoutInputs(const std::vector<double>& point) const
 {
-    const double absent = std::log(policy.recalledLength);
-    const auto isShort = [&](std::size_t k) {
-        return point[k] < std::log(policy.indifferentLength);
-    };
     std::vector<std::size_t> inputs(variables.lengthCount());
     std::iota(inputs.begin(), inputs.end(), std::size_t{0});
     std::stable_sort(inputs.begin(), inputs.end(),
@@ -222,66 +207,51 @@ std::vector<std::vector<double>> Search::startsWithoutInputs(const std::vector<d
     inputs.resize(std::min(inputs.size(), policy.triedLengths));
 
     std::vector<std::vector<double>> result;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        if (isShort(inputs[i])) {
+    for (const std::size_t input : inputs) {
+        if (point[input] < std::log(policy.indifferentLength)) {
             result.push_back(point);
-            result.back()[inputs[i]] = absent;
-        }
-        for (std::size_t j = 0; isCheap() && j < i && isShort(inputs[j]); ++j) {
-            if (isShort(inputs[i])) {
-                result.push_back(point);
-                result.back()[inputs[i]] = absent;
-                result.back()[inputs[j]] = absent;
-            }
-            if (point[inputs[i]] - point[inputs[j]] > policy.sameLogarithm) {
-                result.push_back(point);
-                std::swap(result.back()[inputs[i]], result.back()[inputs[j]]);
-            }
+            result.back()[input] = std::log(policy.recalledLength);
         }
     }
-    return result;
-}
-
-/** The point with all lengths multiplied and another nugget. */
-std::vector<double> Search::scaled(const std::vector<double>& point,
-                                   const SearchPolicy::Start& change) const
-{
-    std::vector<double> result = point;
-    for (double& logarithm : result) {
-        logarithm += std::log(change.length);
-    }
-    result.back() = std::log(change.nugget) / policy.nuggetUnit;
     return result;
 }
 
 /**
  * Where inputs are alike, one can do what another does. No slope leads from one way to the other,
- * but without the input the search takes the other one. Few cases are explained by noise and slow
- * changes or by fast changes almost as well. Where the nugget is fixed, lengths that long would
- * take the place of the noise, and the model would not pass through the cases.
+ * but without the input the search takes the other one. Where the nugget is fixed, lengths that
+ * long would take the place of the noise, and the model would not pass through the cases.
  */
 void Search::searchFromAlternatives()
 {
     if (variables.lengthCount() < 2 || !variables.hasNugget()) {
         return;
     }
-    const std::vector<double> best = optima.best().point;
     std::vector<Optimum> starts;
-    for (std::vector<double>& start : startsWithoutInputs(best)) {
+    for (std::vector<double>& start : startsWithoutInputs(optima.best().point)) {
         const double value = objective->value(start);
         starts.push_back({std::move(start), value});
     }
     std::stable_sort(starts.begin(), starts.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-    starts.resize(std::min(starts.size(), isCheap() ? policy.followedAlternativesOfFew
-                                                    : policy.followedAlternatives));
-    if (isCheap()) {
-        for (const SearchPolicy::Start& change : policy.rescaledStarts) {
-            starts.push_back({scaled(best, change), 0.0});
-        }
-    }
+    starts.resize(std::min(starts.size(), policy.followedAlternatives));
     for (const Optimum& start : starts) {
         BoundedSearch search = searchFrom(start.point, variables.upper());
+        follow(search);
+    }
+}
+
+/** To find the second optimum, where that takes little time. */
+void Search::searchFromSpreadStarts()
+{
+    if (!settings.findsSecondOptimum || casesUsed > policy.maxCasesForSecond ||
+        variables.lengthCount() > policy.maxInputsForSecond) {
+        return;
+    }
+    const std::size_t count = casesUsed <= policy.casesOfManyOptima
+                                  ? policy.spreadStartsPerVariable * variables.size()
+                                  : policy.spreadStarts;
+    for (const std::vector<double>& start : variables.spreadStarts(count)) {
+        BoundedSearch search = searchFrom(start, variables.upper());
         follow(search);
     }
 }
@@ -373,10 +343,17 @@ KrigingSearchResult Search::run()
     } else {
         searchFromAllStarts();
         const bool hasSecond = optima.size() > 1 && std::isfinite(optima.second().value);
-        const Optimum second = hasSecond ? optima.second() : Optimum();
+        const Optimum likeliest = optima.best();
+        Optimum other = hasSecond ? optima.second() : likeliest;
         preferLeastNugget();
-        if (hasSecond && !variables.areClose(optima.best().point, second.point)) {
-            result.gapToSecond = std::max(0.0, optima.best().value - second.value);
+        const Optimum& chosen = optima.best();
+        if (variables.areClose(chosen.point, other.point)) {
+            // The second itself is chosen for its nugget: the other model has other lengths.
+            other = likeliest;
+            other.point.back() = chosen.point.back();
+        }
+        if (hasSecond && !variables.areClose(chosen.point, other.point)) {
+            result.gapToSecond = std::max(0.0, chosen.value - other.value);
         }
     }
     const std::vector<double>& best = optima.best().point;

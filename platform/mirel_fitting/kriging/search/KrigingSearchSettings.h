@@ -27,6 +27,7 @@ struct KrigingSearchSettings
     double requestedNugget = 0.0; ///< lower bound, or the value itself if it is fixed
     bool isNuggetFixed = false;
     std::vector<double> fixedLengths; ///< scaled; empty: searched for
+    bool findsSecondOptimum = true;   ///< see KrigingOptions
     /** From parameters that were found with other cases, instead of a multi-start: only the
      *  likeliest is improved, with all cases, and what follows a search is left out, since with
      * some thousand cases each step takes seconds. */

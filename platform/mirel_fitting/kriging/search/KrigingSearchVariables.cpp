@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
 
+#include <mirel_fitting/kriging/search/LengthPrior.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -60,6 +62,38 @@ std::vector<std::vector<double>> KrigingSearchVariables::starts() const
         const double length =
             std::min(start.length * settings.initialLength, start.spacings * meanSpacing);
         result.push_back(uniform(length, start.nugget));
+    }
+    return result;
+}
+
+std::vector<std::vector<double>> KrigingSearchVariables::spreadStarts(std::size_t count) const
+{
+    const SearchPolicy& policy = settings.policy;
+    const double likeliestLength = std::exp(LengthPrior(policy, meanSpacing).mode());
+    double root = 2.0;
+    for (int k = 0; k < 50; ++k) { // contracts by 1 / 3 and more
+        root = std::pow(1.0 + root, 1.0 / static_cast<double>(size() + 1));
+    }
+    const auto between = [](double least, double largest, double share) {
+        return least * std::pow(largest / least, share);
+    };
+    std::vector<std::vector<double>> result;
+    for (std::size_t i = 1; i <= count; ++i) {
+        KrigingParameters parameters;
+        double step = 1.0;
+        const auto next = [&] {
+            step /= root;
+            const double place = 0.5 + static_cast<double>(i) * step;
+            return place - std::floor(place);
+        };
+        for (std::size_t k = 0; k < lengths; ++k) {
+            parameters.lengths.push_back(
+                likeliestLength * between(policy.shortestSpread, policy.longestSpread, next()));
+        }
+        parameters.nugget =
+            i % 2 == 1 ? settings.leastNugget()
+                       : between(policy.leastSpreadNugget, policy.largestSpreadNugget, next());
+        result.push_back(at(parameters));
     }
     return result;
 }

@@ -21,6 +21,8 @@ public:
     double slope(double logLength) const;
     /** Minus the second derivative. */
     double curvature(double logLength) const;
+    /** The logarithm of the length where the density is greatest. */
+    double mode() const { return centre; }
 
 private:
     SearchPolicy policy;

@@ -68,9 +68,6 @@ struct SearchPolicy
      *  low mostly are low soon. */
     int racingSteps = 2;
     std::size_t racing = 2;
-    /** With so few cases a search takes less than a millisecond, and every start is followed
-     *  to its optimum. */
-    std::size_t followedCases = 40;
     /** An input whose values each occur so often on average has few levels. A subset then lacks
      *  most combinations of levels, and its best optimum may be that all is noise: the starts
      *  compete on all cases, too. 171 in log-likelihood are lost without, of 1200 cases. */
@@ -78,18 +75,25 @@ struct SearchPolicy
     /** Beyond so many cases only the first start competes there: each takes seconds. */
     std::size_t raceCases = 2000;
     /** From the best optimum without one input each, so many of the likeliest searches go on. With
-     *  one, a table in 141 ends 9.3 lower; more gain nothing. */
-    std::size_t followedAlternatives = 2;
+     *  one a table in 141 ends 9.3 lower, with two one in 165 by 7.8; eight gain nothing. */
+    std::size_t followedAlternatives = 4;
     /** Of no more cases and inputs than these, where a fit takes some milliseconds, the search also
-     *  starts without two inputs, with two exchanged, and from `rescaledStarts`, to find the second
-     *  optimum. */
+     *  starts from points spread over lengths and nuggets, to find the second optimum. */
     std::size_t maxCasesForSecond = 200;
     std::size_t maxInputsForSecond = 10;
-    /** Of 29 second optima within 2 of the best 16 are found without these starts, 24 with 12 of
-     *  them, 25 with 20. */
-    std::size_t followedAlternativesOfFew = 12;
-    /** Fast changes without noise, slow ones with it; lengths as multiples of the best. */
-    std::array<Start, 3> rescaledStarts = {{{0.4, 1e-9}, {1.0, 1e-3}, {2.0, 1e-3}}};
+    /** Twelve find all nine second optima of 180 tables of 40 to 200 cases. The fewer the cases,
+     *  the more optima there are: of up to `casesOfManyOptima` more are needed, so many for each
+     *  length and the nugget. */
+    std::size_t spreadStarts = 12;
+    std::size_t casesOfManyOptima = 40;
+    std::size_t spreadStartsPerVariable = 8;
+    /** Their lengths, as multiples of the one where the prior is greatest. */
+    double shortestSpread = 0.3;
+    double longestSpread = 3.0;
+    /** Every other one has the least nugget, as models without noise have optima of their own, to
+     *  which no slope leads; the others have these. */
+    double leastSpreadNugget = 1e-4;
+    double largestSpreadNugget = 0.1;
     /** Far more than any search has needed (40). */
     int maxSteps = 100;
     BoundedSearch::StepRule stepRule;

@@ -91,3 +91,27 @@ TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)
     EXPECT_TRUE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 100.0})));
     EXPECT_FALSE(all.isNuggetLargest(all.at({{1.0, 1.0, 1.0}, 50.0})));
 }
+
+TEST(KrigingSearchVariables, SpreadStartsEvenlyAboutTheLikeliestLengthHalfOfThemWithoutNoise)
+{
+    const KrigingSearchVariables all = variables(50, 2);
+
+    const std::vector<std::vector<double>> starts = all.spreadStarts(12);
+
+    ASSERT_EQ(starts.size(), 12u);
+    const double middle = std::log(SearchPolicy().priorLength);
+    for (std::size_t k = 0; k < 2; ++k) {
+        std::size_t below = 0;
+        for (const std::vector<double>& start : starts) {
+            EXPECT_GT(start[k], std::log(0.3) + middle);
+            EXPECT_LT(start[k], std::log(3.0) + middle);
+            below += start[k] < 0.5 * (std::log(0.3) + std::log(3.0)) + middle ? 1u : 0u;
+        }
+        EXPECT_NEAR(static_cast<double>(below), 6.0, 2.0);
+    }
+    for (std::size_t i = 0; i < starts.size(); i += 2) {
+        EXPECT_EQ(all.parameters(starts[i]).nugget, 1e-12);
+        EXPECT_GT(all.parameters(starts[i + 1]).nugget, 0.99e-4);
+        EXPECT_LT(all.parameters(starts[i + 1]).nugget, 0.101);
+    }
+}
