@@ -151,10 +151,11 @@ std::vector<double> filledNumbers(const std::vector<double>& numbers)
 bool areDifferentWholeNumbers(const std::vector<double>& numbers)
 {
     std::vector<double> filled = filledNumbers(numbers);
+    if (filled.size() < fewestRuns || !std::all_of(filled.begin(), filled.end(), isWholeNumber)) {
+        return false;
+    }
     std::sort(filled.begin(), filled.end());
-    return filled.size() >= fewestRuns &&
-           std::all_of(filled.begin(), filled.end(), isWholeNumber) &&
-           std::adjacent_find(filled.begin(), filled.end()) == filled.end();
+    return std::adjacent_find(filled.begin(), filled.end()) == filled.end();
 }
 
 /** Whether all are written like 19580329, and not all the same. */
