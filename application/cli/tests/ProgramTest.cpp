@@ -299,7 +299,7 @@ TEST_F(Program, CellsThatAreNoNumbersAreReportedAndTheirCasesLeftOut)
 
     const Outcome fit = run("fit failed.csv -x x -y y --terms linear");
     EXPECT_EQ(fit.exitCode, 0);
-    EXPECT_EQ(fit.err.rfind("Note: y lacks a number in 2 of 6 cases, 2 cells are no numbers "
+    EXPECT_EQ(fit.err.rfind("Note: y lacks a number in 2 of 6 cases "
                             "(\"failed\", first in line 3): these cases are left out; complete "
                             "them.\n",
                             0),
@@ -310,7 +310,7 @@ TEST_F(Program, CellsThatAreNoNumbersAreReportedAndTheirCasesLeftOut)
         Json::parse(run("fit failed.csv -x x -y y --json").out)["cases"]["withoutNumber"],
         Json::parse(R"([{"name": "y", "cells": 2, "spellings": ["failed"], "firstLine": 3}])"));
     EXPECT_NE(run("summary failed.csv")
-                  .out.find("y lacks a number in 2 of 6 cases, 2 cells are no numbers (\"failed\", "
+                  .out.find("y lacks a number in 2 of 6 cases (\"failed\", "
                             "first in line 3): these cases are left out; complete them.\n"),
               std::string::npos);
 }

@@ -6,16 +6,20 @@
 
 #include <algorithm>
 
-std::string CellsWithoutNumber::text() const
+std::string CellsWithoutNumber::whichText() const
 {
     std::vector<std::string> quoted;
     for (const std::string& spelling : spellings) {
         quoted.push_back(quotedText(spelling));
     }
+    return joinedText(quoted) + (hasMoreSpellings ? " and others" : "") +
+           (count == 1 ? ", in line " : ", first in line ") + std::to_string(firstLine);
+}
+
+std::string CellsWithoutNumber::text() const
+{
     return std::to_string(count) +
-           (count == 1 ? " cell is no number (" : " cells are no numbers (") + joinedText(quoted) +
-           (hasMoreSpellings ? " and others" : "") +
-           (count == 1 ? ", in line " : ", first in line ") + std::to_string(firstLine) + ')';
+           (count == 1 ? " cell is no number (" : " cells are no numbers (") + whichText() + ')';
 }
 
 std::vector<std::string> CaseTable::names() const

@@ -24,6 +24,8 @@ struct CellsWithoutNumber
     /** The line of the first one. */
     std::size_t firstLine = 0;
 
+    /** `"failed", first in line 17`. */
+    SURROGATE_SESSION_EXPORT std::string whichText() const;
     /** `4 cells are no numbers ("failed", first in line 17)`. */
     SURROGATE_SESSION_EXPORT std::string text() const;
 };

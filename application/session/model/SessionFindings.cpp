@@ -95,6 +95,9 @@ std::string causeText(const Workspace& workspace, const std::string& name,
     if (infinite > 0) {
         text += (text.empty() ? "" : ", ") + std::to_string(infinite) + " infinite";
     }
+    if (areUnknown && text.empty() && column.withoutNumber.count == cases.size()) {
+        return " (" + column.withoutNumber.whichText() + ')';
+    }
     if (areUnknown) {
         return ", " + column.withoutNumber.text() + (text.empty() ? "" : ", others: " + text);
     }

@@ -131,7 +131,7 @@ TEST(SessionFindings, CellsThatAreMissingInTheSameCasesAreNamedTogether)
     CaseSession session(table, {{0, 1}, {2}}, {}, Workspace::Kriging);
 
     const std::string text =
-        "y, a and b lack numbers in the same 1 of 9 cases, 1 cell is no number (\"y\", in line 3): "
+        "y, a and b lack numbers in the same 1 of 9 cases (\"y\", in line 3): "
         "this case is left out; complete it, or delete the line if it is no case.";
     EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text, text);
     EXPECT_EQ(ReportHeading::readingNotes(session), std::vector<std::string>{text});
