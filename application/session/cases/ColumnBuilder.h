@@ -63,6 +63,9 @@ public:
         }
         if (isOtherHeading(cells)) { // or a remark in as many words, if no number follows
             rowsBelow.add(cells, line);
+            if (isStrict) {
+                takeHeldBack(); // refuses the row
+            }
             return;
         }
         takeHeldBack();

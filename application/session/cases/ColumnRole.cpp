@@ -45,13 +45,14 @@ std::string withoutNumber(std::string plain)
     return plain;
 }
 
-/** The plain name without a number, or a letter on its own, at its end: "OD b". */
+/** The plain name without a number, or an a, b or c after a blank, at its end: "OD b". A letter
+ *  after an underscore is a subscript: "T_h" and "T_c" are different quantities. */
 std::string withoutRepeat(const std::string& name)
 {
     std::string plain = plainName(name);
     const std::string_view text = trimmedText(name);
-    if (text.size() > 2 && std::isalpha(static_cast<unsigned char>(text.back())) != 0 &&
-        std::string_view(" _-.").find(text[text.size() - 2]) != std::string_view::npos) {
+    if (text.size() > 2 && text[text.size() - 2] == ' ' &&
+        std::string_view("abcABC").find(text.back()) != std::string_view::npos) {
         plain.pop_back();
     }
     return withoutNumber(plain);
@@ -231,7 +232,8 @@ bool areSerialNumbers(const CaseColumn& column)
 /** What the numbers are that only say which case it is; empty for others. */
 std::string numberingText(const CaseColumn& column)
 {
-    const bool isIndex = !column.isNamed && column.name == "C1"; // the first, without a heading
+    // The first column, whose cell in the heading is empty: an index.
+    const bool isIndex = !column.isNamed && column.name == "C1";
     return countsUp(column.numbers) ? "counts up by one, "
            : ((isNameOfNumbering(column.name) || isIndex) &&
               areDifferentWholeNumbers(column.numbers)) ||
@@ -478,9 +480,9 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
     if (isOneOf(plainName(column.name), kinds)) {
         return "says which kind of point a case is";
     }
-    static constexpr std::array<std::string_view, 14> figures = {
-        "fits",      "resi",  "sres", "tres",       "fitted",   "residual", "residuals",
-        "predicted", "error", "yhat", "prediction", "leverage", "resid",    "cooksd"};
+    static constexpr std::array<std::string_view, 13> figures = {
+        "fits",      "resi", "sres",       "tres",     "fitted", "residual", "residuals",
+        "predicted", "yhat", "prediction", "leverage", "resid",  "cooksd"};
     if (isOneOf(withoutNumber(plainName(column.name)), figures)) {
         return "a figure of another fit by its name";
     }
@@ -504,7 +506,15 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const Case
         (hasNumber && !stem.empty() && stem == withoutRepeat(output.name))) {
         return "named like the output " + quotedText(output.name);
     }
-    if (isFigureOf(plainName(column.name), plainName(output.name))) {
+    const std::string plain = plainName(column.name);
+    if (plain == "error") { // which may be the output itself
+        return "a figure of another fit by its name";
+    }
+    // "T_upper" beside "T" is a quantity of its own, "y upper" a limit of y.
+    const bool isSubscript = plainName(output.name).size() < 3 &&
+                             column.name.find('_') != std::string::npos &&
+                             (plain.find("upper") == 1 || plain.find("lower") == 1);
+    if (!isSubscript && isFigureOf(plain, plainName(output.name))) {
         return "a figure of the output " + quotedText(output.name) + " by its name";
     }
     constexpr double fiveDigits = 1e-5;

@@ -86,7 +86,9 @@ bool RowsBelowTable::mayStandBelow(const std::vector<std::string_view>& cells, s
         firstColumn == FirstColumn::CaseNumbers || firstColumn == FirstColumn::LabelsOfEach;
     const bool hasLabels =
         firstColumn == FirstColumn::Labels || firstColumn == FirstColumn::LabelsOfEach;
-    if ((namesFigures(first) && !hasLabels) || (first.empty() && isOfEach) ||
+    constexpr std::size_t maxUnlabelled = 2; // a sum or a mean; more rows are cases
+    if ((namesFigures(first) && !hasLabels) ||
+        (first.empty() && isOfEach && filled < maxUnlabelled) ||
         (firstColumn == FirstColumn::CaseNumbers && reader.read(first).kind == CellValue::Text)) {
         return true;
     }

@@ -38,10 +38,10 @@ public:
     bool holdBack(const std::vector<std::string_view>& cells, std::size_t line, std::size_t columns,
                   FirstColumn firstColumn);
 
-    /** The rows that were held back, in their order; none is any more. */
+    /** Gives the rows held back, in their order, and forgets them. */
     std::vector<Row> release();
 
-    /** Keeps a row, whatever it holds. */
+    /** Holds a row back without looking at it. */
     void add(const std::vector<std::string_view>& cells, std::size_t line);
 
     void removeEmptyRowsAtEnd();
@@ -51,8 +51,7 @@ public:
 
     static bool isEmpty(const std::vector<std::string_view>& cells);
 
-    /** Whether the first cell of a row says that figures of the columns follow: "Total:", "Mean".
-     */
+    /** Whether the first cell of a row names a statistic of the columns: "Total:", "Mean". */
     static bool namesFigures(std::string_view firstCell);
 
 private:

@@ -176,7 +176,7 @@ char SampleRecords::recognisedSeparator(std::string_view sample, bool isWholeFil
     const auto [bestCoverage, bestShare, bestCells] = bestScore;
     layout.separator = best;
     const SampleRecords chosen(sample, isWholeFile, layout);
-    // The blanks in a few titles split them, too.
+    // Blanks in titles must not outweigh tabs that split the second half of the sample alike.
     const bool areTabsEnough =
         best == '\t' && bestCells == blanks.cellCount &&
         std::all_of(chosen.records.begin() + static_cast<std::ptrdiff_t>(chosen.records.size() / 2),

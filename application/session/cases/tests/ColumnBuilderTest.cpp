@@ -185,6 +185,11 @@ TEST_F(ColumnBuilderTest, ARowWithoutALabelAtTheEndIsNoCaseWhereAllOthersHaveOne
     rows[2][0] = "";
     rows.pop_back();
     EXPECT_EQ(built(rows).cases, 6u);
+    rows[2][0] = "2";
+    rows.push_back({"", "4"});
+    EXPECT_EQ(built(rows).cases, 5u);
+    rows.push_back({"", "5"});
+    EXPECT_EQ(built(rows).cases, 8u) << "too many to be figures of the others";
 }
 
 TEST_F(ColumnBuilderTest, NamesBelowTheCasesBeginAnotherTableIfNumbersFollow)

@@ -147,6 +147,18 @@ TEST(ColumnRole, FiguresOfTheOutputAreNoInputs)
     }
     EXPECT_EQ(reasonAgainst("Mass ratio", other), "");
     EXPECT_EQ(reasonAgainst("Error", other), "a figure of another fit by its name");
+    const CaseRoles convergence = chooseCaseRoles(
+        tableOf({{"h", {1, 2, 1, 2, 1, 2}}, {"step", {1, 1, 2, 2, 3, 3}}, {"error", response}}), {},
+        {}, UnnamedOutputs::Suggested);
+    EXPECT_EQ(convergence.outputs, Positions{2});
+    const CaseRoles exchanger =
+        chooseCaseRoles(tableOf({{"T_h", spread}, {"T_upper", other}, {"T", response}}), {}, {"T"});
+    EXPECT_EQ(exchanger.inputs, (Positions{0, 1})) << "limits have longer names";
+    EXPECT_EQ(
+        chooseCaseRoles(tableOf({{"T_h", spread}, {"v", other}, {"T_c", response}}), {}, {"T_c"})
+            .inputs,
+        (Positions{0, 1}))
+        << "subscripts";
 }
 
 TEST(ColumnRole, AFirstColumnOfDifferentWholeNumbersWithoutANameNumbersTheCases)
