@@ -329,9 +329,9 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
         finding("repeatedOutput", Finding::Warning, {output.name},
                 names({output.name}) + " is " + numberText(value) + " in " +
                     std::to_string(longest) + " of " + std::to_string(sorted.count()) +
-                    " cases with different inputs, and hardly another value repeats: a limit of "
-                    "the measurement, a stuck sensor or a default would look so, and the model "
-                    "smooths it into its surroundings; check " +
+                    " cases with different inputs, and hardly another value repeats: it may be a "
+                    "limit of the measurement, a stuck sensor or a default, but the model takes "
+                    "it for measured values; check " +
                     FindingWords::cases(positions) + ", or exclude them" +
                     settingHint(Setting::ExcludedCases) + '.'));
 }

@@ -268,8 +268,9 @@ std::vector<Finding> SessionFindings::missingCells(const Workspace& workspace)
         }
         const bool isLimit = isColumn && hasLimits(workspace, group.names.front());
         if (isLimit) {
-            remedy = "they say on which side of a limit the value lies, and the model is biased "
-                     "without them: write numbers for them, such as the limit";
+            remedy =
+                "a cell such as \"<0.01\" gives a limit of the value, and without its case the "
+                "model is biased: write a number for it, such as the limit";
         }
         findings.push_back(
             {"missingCells",

@@ -162,9 +162,9 @@ TEST(ColumnFindings, AValueThatAloneRepeatsMayBeALimit)
     EXPECT_EQ(
         textsOf(ColumnFindings::farCases(casesOf({{"a", spread(20)}}, {{"y", limited}}))),
         (Texts{"repeatedOutput: y is 0.8 in 3 of 20 cases with different inputs, and hardly "
-               "another value repeats: a limit of the measurement, a stuck sensor or a default "
-               "would look so, and the model smooths it into its surroundings; check cases 3, 8 "
-               "and 16, or exclude them."}));
+               "another value repeats: it may be a limit of the measurement, a stuck sensor or a "
+               "default, but the model takes it for measured values; check cases 3, 8 and 16, or "
+               "exclude them."}));
 
     const std::vector<double> repeats(20, 1.0);
     EXPECT_EQ(ColumnFindings::farCases(casesOf({{"a", repeats}}, {{"y", limited}})).size(), 0u);

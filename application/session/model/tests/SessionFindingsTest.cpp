@@ -78,9 +78,9 @@ TEST(SessionFindings, CellsThatNameALimitBiasTheModel)
 
     EXPECT_EQ(SessionFindings::ofCases(session).findings.front().text,
               "y lacks a number in 2 of 9 cases, 1 cell is no number (\"<0.5\", in line 5), "
-              "others: empty: these cases are left out; they say on which side of a limit the "
-              "value lies, and the model is biased without them: write numbers for them, such as "
-              "the limit.");
+              "others: empty: these cases are left out; a cell such as \"<0.01\" gives a limit of "
+              "the value, and without its case the model is biased: write a number for it, such "
+              "as the limit.");
 }
 
 TEST(SessionFindings, CasesThatMayBeFiguresOfTheOthersAreNamed)
