@@ -169,8 +169,9 @@ endif()
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${registered}")
 endfunction()
 
-# What every test runs with: no display, the suppressions of leaks that are not ours, and for each
-# allocation ten frames, not thirty: of programs that allocate much they take a tenth of the time.
+# What every test runs with: no display, the suppressions of leaks that are not ours, and ten stack
+# frames for each allocation: recording the usual thirty takes a tenth of the time of programs that
+# allocate much.
 function(surrogate_test_environment result)
     set(${result}
         "QT_QPA_PLATFORM=offscreen"

@@ -115,7 +115,7 @@ class Install(unittest.TestCase):
         self.assertEqual(tables[1][1], ["3", "0.3246"])
 
     def test_a_host_brings_its_own_fitting_class(self):
-        # Its project differs from the host's by the name alone, so that compiling it once, the other way, does.
+        # Only the name of its project differs from the host's: configuring is tested here, compiling with pkg-config.
         configure_example("replace-platform")
         program = build_by_pkg_config("surrogatemodel", "replace-platform")
         self.assertIn("Power 6\n0  0\n5  4.0", run(program))

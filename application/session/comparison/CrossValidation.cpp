@@ -207,7 +207,7 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
                               Predictions& predictions, const std::string& message) const
 {
     const Stopwatch watch;
-    constexpr bool findsSecondOptimum = false; // nobody reads the report
+    constexpr bool findsSecondOptimum = false; // reports of folds are not shown
     const auto model = workspace.modelFactory().makeModel(
         type, pointersTo(split.trainingInputs), {output.data()}, static_cast<int>(output.size()),
         split.trainingDesign, findsSecondOptimum);

@@ -151,7 +151,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     const KrigingReport& report = fit.report;
     std::vector<std::string> result;
     const bool isMoreThanTheMean = fit.metrics.terms > 1 || !std::isnan(report.condition);
-    if (isMoreThanTheMean && fit.metrics.r2 < flatQ2) {
+    if (isMoreThanTheMean && fit.metrics.r2 < flatShare) {
         result.push_back("The model is flat: it explains " +
                          NumberText::percent(std::max(fit.metrics.r2, 0.0)) + " of the variance.");
     }
@@ -176,7 +176,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
     }
     // A model that interpolates its cases has R2 = 1, but may be flat between them.
     const auto warning = leftOutCasesWarning(fit.metrics.q2);
-    if (warning && isMoreThanTheMean && (fit.metrics.q2 <= 0.0 || fit.metrics.r2 >= flatQ2)) {
+    if (warning && isMoreThanTheMean && (fit.metrics.q2 <= 0.0 || fit.metrics.r2 >= flatShare)) {
         result.push_back(*warning);
     }
     return result;

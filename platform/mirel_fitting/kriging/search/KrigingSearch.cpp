@@ -59,7 +59,7 @@ private:
     const KrigingSearchSettings& settings;
     const SearchPolicy& policy;
     KrigingSearchVariables variables;
-    std::size_t casesUsed = 0; // cases
+    std::size_t casesUsed = 0; // by the objective
     std::unique_ptr<KrigingObjective> objective;
     KrigingOptima optima{variables, policy};
 };
@@ -83,7 +83,7 @@ std::vector<std::size_t> Search::subsetSizes() const
  *  regular choice would leave gaps. */
 void Search::useCases(std::size_t cases)
 {
-    objective.reset(); // before the memory of the next one is casesUsed
+    objective.reset(); // its memory is freed before the next one is made
     const std::shared_ptr<const KrigingData> part =
         cases == data->cases ? data : std::make_shared<KrigingData>(subsetOf(*data, cases));
     objective = std::make_unique<KrigingObjective>(part, variables, settings);
@@ -305,7 +305,7 @@ std::vector<KrigingReport::Bound> Search::bounds()
 /**
  * Where the likelihood of smooth data hardly depends on the nugget, the search stops at any small
  * one. Users expect the model of such data to interpolate the cases: unless a larger nugget is
- * clearly likelier, the least one is casesUsed.
+ * clearly likelier, the least one is used.
  */
 void Search::preferLeastNugget()
 {
@@ -348,7 +348,8 @@ KrigingSearchResult Search::run()
         preferLeastNugget();
         const Optimum& chosen = optima.best();
         if (variables.areClose(chosen.point, other.point)) {
-            // The second itself is chosen for its nugget: the other model has other lengths.
+            // The least nugget leads to the second optimum: the likeliest one, with other lengths,
+            // is the other model then.
             other = likeliest;
             other.point.back() = chosen.point.back();
         }

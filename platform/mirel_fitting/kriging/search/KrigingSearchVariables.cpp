@@ -71,7 +71,8 @@ std::vector<std::vector<double>> KrigingSearchVariables::spreadStarts(std::size_
     const SearchPolicy& policy = settings.policy;
     const double likeliestLength = std::exp(LengthPrior(policy, meanSpacing).mode());
     double root = 2.0;
-    for (int k = 0; k < 50; ++k) { // contracts by 1 / 3 and more
+    for (int k = 0; k < 50;
+         ++k) { // fixed-point iteration: each step leaves less than a third of the error
         root = std::pow(1.0 + root, 1.0 / static_cast<double>(size() + 1));
     }
     const auto between = [](double least, double largest, double share) {

@@ -36,8 +36,8 @@ public:
 
     /**
      * Points spread evenly over lengths and nuggets, see SearchPolicy::shortestSpread: the sequence
-     * of fractions of i a_k, i = 1, 2, ..., with a_k = c^-k and c the root of c^(d + 1) = c + 1 for
-     * d variables (the golden ratio for one). Niederreiter: Random Number Generation and
+     * of fractions of 1/2 + i a_k, i = 1, 2, ..., with a_k = c^-k and c the root of c^(d + 1) = c +
+     * 1 for d variables (the golden ratio for one). Niederreiter: Random Number Generation and
      * Quasi-Monte Carlo Methods, SIAM 1992, ch. 3.
      */
     std::vector<std::vector<double>> spreadStarts(std::size_t count) const;
