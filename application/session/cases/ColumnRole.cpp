@@ -510,11 +510,11 @@ std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const Case
     if (plain == "error") { // which may be the output itself
         return "a figure of another fit by its name";
     }
+    const std::string plainOutput = plainName(output.name);
     // "T_upper" beside "T" is a quantity of its own, "y upper" a limit of y.
-    const bool isSubscript = plainName(output.name).size() < 3 &&
-                             column.name.find('_') != std::string::npos &&
-                             (plain.find("upper") == 1 || plain.find("lower") == 1);
-    if (!isSubscript && isFigureOf(plain, plainName(output.name))) {
+    const bool isSubscript = plainOutput.size() < 3 && column.name.find('_') != std::string::npos &&
+                             (plain == plainOutput + "upper" || plain == plainOutput + "lower");
+    if (!isSubscript && isFigureOf(plain, plainOutput)) {
         return "a figure of the output " + quotedText(output.name) + " by its name";
     }
     constexpr double fiveDigits = 1e-5;

@@ -151,8 +151,8 @@ TEST(ColumnRole, FiguresOfTheOutputAreNoInputs)
         tableOf({{"h", {1, 2, 1, 2, 1, 2}}, {"step", {1, 1, 2, 2, 3, 3}}, {"error", response}}), {},
         {}, UnnamedOutputs::Suggested);
     EXPECT_EQ(convergence.outputs, Positions{2});
-    const CaseRoles exchanger =
-        chooseCaseRoles(tableOf({{"T_h", spread}, {"T_upper", other}, {"T", response}}), {}, {"T"});
+    const CaseRoles exchanger = chooseCaseRoles(
+        tableOf({{"T_h", spread}, {"Tm_upper", other}, {"Tm", response}}), {}, {"Tm"});
     EXPECT_EQ(exchanger.inputs, (Positions{0, 1})) << "limits have longer names";
     EXPECT_EQ(
         chooseCaseRoles(tableOf({{"T_h", spread}, {"v", other}, {"T_c", response}}), {}, {"T_c"})
