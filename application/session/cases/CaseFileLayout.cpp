@@ -62,6 +62,9 @@ std::string CaseFileLayout::text() const
     if (!unitsInCells.empty()) {
         form.push_back("units in the cells of " + shortList(unitsInCells));
     }
+    if (!errorsInCells.empty()) {
+        form.push_back(u8"errors after \u00B1 left out in " + shortList(errorsInCells));
+    }
 
     std::vector<std::string> skipped;
     if (titleLines > 0) {

@@ -41,6 +41,7 @@ struct SURROGATE_SESSION_EXPORT CaseFileLayout
     std::vector<std::string> numberedNames; ///< what names that came before are called: "x.1"
     std::vector<std::string> truthValues;   ///< columns of TRUE and FALSE or the like
     std::vector<std::string> unitsInCells;  ///< columns with a unit after numbers: "x (mm)"
+    std::vector<std::string> errorsInCells; ///< columns with an error after numbers: "12 ± 0.5"
     std::size_t repeatedHeadings = 0;       ///< lines among the cases that say the same again
     std::size_t linesBelow = 0;             ///< after the last case: remarks, sums of columns
     /** Cases, from 1, that begin with "Mean" or the like: figures of the others, or their names. */

@@ -244,6 +244,21 @@ void ColumnBuilder::exchangeKind(CaseColumn& column)
     }
 }
 
+void ColumnBuilder::takeUnit(CaseColumn& column, const State& state)
+{
+    if (state.unit == plusMinus) {
+        table.layout.errorsInCells.push_back(column.name);
+        return;
+    }
+    column.unit = column.unit.empty() ? unitWithoutBrackets(state.unit) : column.unit;
+    table.layout.unitsInCells.push_back(
+        state.numbers == 0 ? nameWithUnit(column.name, column.unit)
+                           : column.name + " (" + column.unit + ", also taken for " +
+                                 countedText(state.numbers, "cell") + " without a unit, " +
+                                 (state.numbers == 1 ? "in line " : "first in line ") +
+                                 std::to_string(state.firstNumberLine) + ')');
+}
+
 std::vector<std::size_t> ColumnBuilder::decideKinds()
 {
     std::vector<std::size_t> exchanged;
@@ -261,17 +276,7 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
             state.unit.clear();
         } else {
             column.withoutNumber = state.otherTexts;
-            const bool isError = state.unit == plusMinus;
-            column.unit =
-                column.unit.empty() && !isError ? unitWithoutBrackets(state.unit) : column.unit;
-            table.layout.unitsInCells.push_back(
-                isError ? column.name + " (" + plusMinus + ", the errors left out)"
-                : state.numbers == 0
-                    ? nameWithUnit(column.name, column.unit)
-                    : column.name + " (" + column.unit + ", also taken for " +
-                          countedText(state.numbers, "cell") + " without a unit, " +
-                          (state.numbers == 1 ? "in line " : "first in line ") +
-                          std::to_string(state.firstNumberLine) + ')');
+            takeUnit(column, state);
         }
         const std::vector<std::string>& texts = column.withoutNumber.spellings;
         state.isTruth = !isRowNames && state.numbers == 0 && !texts.empty() &&

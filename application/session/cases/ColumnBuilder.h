@@ -203,6 +203,7 @@ private:
     static void addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line);
     static void addTo(MissingSpellings& spellings, std::string_view text);
     void exchangeKind(CaseColumn& column);
+    void takeUnit(CaseColumn& column, const State& state);
 
     CaseTable& table;
     CellReader reader;

@@ -53,8 +53,9 @@ SampleRecord appendRecords(CsvSplitter& splitter, const CaseFileLayout& layout,
     return record;
 }
 
+/** @param end the sample's size; becomes the beginning of a cell that is never closed. */
 std::vector<SampleRecord> recordsOf(std::string_view sample, bool isWholeFile,
-                                    CaseFileLayout layout)
+                                    CaseFileLayout layout, std::size_t& end)
 {
     constexpr int maxOpenTitles = 30;
     std::vector<SampleRecord> records;
@@ -62,8 +63,11 @@ std::vector<SampleRecord> recordsOf(std::string_view sample, bool isWholeFile,
     for (int openTitles = 0;; ++openTitles) {
         CsvSplitter splitter = splitterOf(sample, layout);
         const SampleRecord rest = appendRecords(splitter, layout, commentsAbove, records);
-        const bool isTitle = splitter.hasUnclosedQuote() && 2 * rest.begin < sample.size();
-        if (!isTitle || openTitles == maxOpenTitles) {
+        if (!splitter.hasUnclosedQuote() || openTitles == maxOpenTitles) {
+            break;
+        }
+        if (2 * rest.begin >= sample.size()) {
+            end = rest.begin;
             break;
         }
         // The quote of a title; a cell is closed.
@@ -97,8 +101,10 @@ std::size_t SampleRecord::filledCells() const
 
 SampleRecords::SampleRecords(std::string_view sample, bool isWholeFile,
                              const CaseFileLayout& layout)
-    : records(recordsOf(sample, isWholeFile, layout)), separator(layout.separator)
+    : separator(layout.separator)
 {
+    std::size_t end = sample.size();
+    records = recordsOf(sample, isWholeFile, layout, end);
     std::map<std::size_t, std::size_t> recordsBySize;
     for (const SampleRecord& record : records) {
         const bool isEmpty = std::all_of(record.cells.begin(), record.cells.end(),
@@ -110,6 +116,12 @@ SampleRecords::SampleRecords(std::string_view sample, bool isWholeFile,
             coverage = count;
             cellCount = cells;
         }
+    }
+    while (end < sample.size()) {
+        const SampleLine line = SampleLine::at(sample, end);
+        const auto ends = std::count(line.text.begin(), line.text.end(), separator);
+        coverage += cellCount > 1 && static_cast<std::size_t>(ends) + 1 == cellCount ? 1 : 0;
+        end = line.next;
     }
 }
 

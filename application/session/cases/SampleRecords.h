@@ -47,7 +47,8 @@ public:
     std::vector<SampleRecord> records;
     char separator;
     std::size_t cellCount = 1; ///< that most records have; 1 if none has more
-    std::size_t coverage = 0;  ///< how many records have so many
+    /** How many records have so many, and how many lines behind a quote that is never closed. */
+    std::size_t coverage = 0;
 
 private:
     double shareOfNumbers() const;

@@ -143,6 +143,7 @@ ReportJson::Json ReportHeading::layoutJson(const CaseFileLayout& layout)
         {"unitsRow", layout.hasUnitsRow},
         {"rowNames", layout.hasRowNames},
         {"unitsInCells", layout.unitsInCells},
+        {"errorsInCells", layout.errorsInCells},
         {"repeatedHeadings", layout.repeatedHeadings},
         {"linesBelow", layout.linesBelow}};
 }

@@ -51,6 +51,10 @@ TEST(CaseFileLayout, NamesWhatIsSkippedAndWhatIsOddInTheTable)
                              "below the table skipped");
 
     layout = CaseFileLayout();
+    layout.errorsInCells = {"a", "b"};
+    EXPECT_EQ(layout.text(), u8"errors after \u00B1 left out in a and b");
+
+    layout = CaseFileLayout();
     layout.doubtfulNumber = "1.234";
     EXPECT_EQ(layout.text(), "\"1.234\" taken for 1.234, not for 1234");
     layout.doubtfulNumber = "1,234";

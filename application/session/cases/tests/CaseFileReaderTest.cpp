@@ -350,6 +350,8 @@ TEST_F(CaseFileReaderTest, RefusesAQuoteThatIsNeverClosed)
 {
     EXPECT_EQ(refusalOf("x,y\n1,2\n3,\"four\n5,6\n"),
               "cases.csv, line 3: a quoted cell that begins in this row is never closed.");
+    EXPECT_EQ(refusalOf("x;y\n1;2,5\n3;\"4,5\n5;6,5\n"),
+              "cases.csv, line 3: a quoted cell that begins in this row is never closed.");
 }
 
 TEST_F(CaseFileReaderTest, AGivenDecimalMarkIsTheOnlyOne)

@@ -116,7 +116,8 @@ TEST_F(ColumnBuilderTest, TruthValuesAndNumbersWithAUnitAreNumbers)
     const CaseTable withErrors = built({{"a"}, {u8"5 \u00B1 0.1"}, {"6 +/- 0.2"}});
     EXPECT_EQ(withErrors.columns[0].numbers, (Numbers{5.0, 6.0}));
     EXPECT_EQ(withErrors.columns[0].unit, "");
-    EXPECT_EQ(withErrors.layout.unitsInCells, Texts{u8"a (\u00B1, the errors left out)"});
+    EXPECT_EQ(withErrors.layout.unitsInCells, Texts());
+    EXPECT_EQ(withErrors.layout.errorsInCells, Texts{"a"});
     EXPECT_EQ(built({{"a"}, {"9%"}, {"0.07"}, {"5%"}, {"8%"}}).layout.unitsInCells,
               Texts{"a (%, also taken for 1 cell without a unit, in line 3)"});
 }

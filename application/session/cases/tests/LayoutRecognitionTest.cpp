@@ -201,6 +201,12 @@ TEST(LayoutRecognition, TitlesCanHoldQuotesThatAreNeverClosed)
     EXPECT_EQ(separatorOf(sample), ',');
 }
 
+TEST(LayoutRecognition, AnOpenQuoteDoesNotChangeTheSeparator)
+{
+    EXPECT_EQ(separatorOf("Angle;Speed;Lift\n5;10;1,2\n5;20;\"2,4\n10;10;1,9\n"), ';');
+    EXPECT_EQ(separatorOf("a;b\n1,5;2,5\n1,6;2,6\n1,7;\"2,7\n1,8;2,8\n1,9;2,9\n"), ';');
+}
+
 TEST(LayoutRecognition, SkippedLinesCanBeLongerThanTheSample)
 {
     const std::string rows = repeated("1;2\n", 100);

@@ -90,7 +90,8 @@ TEST(ReportHeading, JsonHasHowTheCasesWereRead)
               ReportJson::Json::parse(R"({"encoding": "windows-1252", "separator": "semicolon",
         "decimalMark": "comma", "thousandsSeparator": ".", "heading": true,
         "headingInComment": false, "titleLines": 1, "commentLines": 2, "unitsRow": true,
-        "rowNames": false, "unitsInCells": [], "repeatedHeadings": 0, "linesBelow": 0})"));
+        "rowNames": false, "unitsInCells": [], "errorsInCells": [], "repeatedHeadings": 0,
+        "linesBelow": 0})"));
 }
 
 TEST(ReportHeading, BeginsReportsWithCasesModelAndInputs)
