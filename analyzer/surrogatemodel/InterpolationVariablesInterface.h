@@ -22,7 +22,7 @@
 class SURROGATEMODEL_EXPORT InterpolationVariablesInterface : public virtual SuspendableInterface
 {
 public:
-    /** Slots are not told what has changed: they ask again. */
+    /** The signal does not say what has changed: slots read the variables again. */
     using InterpolationVariablesChangedSignal = boost::signals2::signal<void()>;
 
     InterpolationVariablesInterface();

@@ -36,7 +36,7 @@ public:
         ResponseSurface = 1 ///< by default a full quadratic polynomial
     };
 
-    /** Slots are not told why the model is invalidated. */
+    /** The signal does not say why the model is invalidated. */
     using ModelChangedSignal = boost::signals2::signal<void()>;
 
     SurrogateModelManagerInterface();

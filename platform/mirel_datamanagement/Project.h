@@ -29,7 +29,7 @@
 class MIREL_DATAMANAGEMENT_EXPORT Project
 {
 public:
-    /** Slots are not told what has changed: they read the project. */
+    /** The signal does not say what has changed: slots read the project again. */
     using ChangedSignal = boost::signals2::signal<void()>;
 
     /** No variables, no records. */

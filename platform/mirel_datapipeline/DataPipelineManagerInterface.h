@@ -11,7 +11,7 @@ class vtkTableAlgorithm;
 class MIREL_DATAPIPELINE_EXPORT DataPipelineManagerInterface
 {
 public:
-    /** Slots are not told what has changed. */
+    /** The signal does not say what has changed: slots read the table again. */
     using ChangedSignal = boost::signals2::signal<void()>;
 
     /** Disconnects every listener, also those that a running emission has yet to reach. */

@@ -31,8 +31,8 @@ struct KrigingOptions
      *  the factorisation sound, 1e-12. */
     double nugget = 0.0;
     NuggetMode nuggetMode = NuggetMode::Estimated; ///< whether `nugget` is a bound or the value
-    /** Whether fits of up to 200 cases and 10 inputs search for a second optimum, too, of which the
-     *  report speaks; that takes more than half of their time. The best one is hardly ever another:
-     *  refits of parts of the cases do without. */
+    /** Whether fits of up to 200 cases and 10 inputs also search for a second optimum, which only
+     *  the report mentions. That takes more than half of their time and hardly ever changes the
+     *  best optimum, so that refits of parts of the cases leave it out. */
     bool findsSecondOptimum = true;
 };

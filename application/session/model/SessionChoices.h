@@ -56,7 +56,7 @@ SURROGATE_SESSION_EXPORT OpenedProject openProject(CaseTable table, const Projec
 
 /**
  * Refuses a workspace without an output, or without an input.
- * @param isOfProject else columns become inputs by themselves.
+ * @param isOfProject whether a project chose the roles; else all suitable columns are inputs.
  * @throw UsageError
  */
 SURROGATE_SESSION_EXPORT void requireRoles(const Workspace& workspace, bool isOfProject);
