@@ -15,8 +15,10 @@
  * The transform with which a model describes the cases of a positive output best: the one whose
  * log-likelihood and log-density of left-out cases, both in the output's units, exceed those of the
  * output itself by most, if by enough. Where the two disagree, the likelihood rests on cases that
- * the model does not predict. Box, Cox: An analysis of transformations, J. R. Stat. Soc. B 26
- * (1964); Geisser, Eddy: A predictive approach to model selection, J. Am. Stat. Assoc. 74 (1979).
+ * the model does not predict. A transform whose leave-one-out errors in the output's units exceed
+ * those without one by a quarter is not taken. Box, Cox: An analysis of transformations, J. R.
+ * Stat. Soc. B 26 (1964); Geisser, Eddy: A predictive approach to model selection, J. Am. Stat.
+ * Assoc. 74 (1979).
  */
 struct TransformChoice
 {

@@ -47,6 +47,16 @@ TEST(TransformChoice, IsTheOneThatGainsMostOrNoneIfThatIsLittle)
     EXPECT_LT(ofLine.gain, 5.0);
 }
 
+TEST(TransformChoice, IsNoneThatPredictsLeftOutCasesWorseInTheOutputsUnits)
+{
+    // From 3e-7 to 1: the logarithm gains most, and the exponential of its parabola passes 1 by
+    // far.
+    const TransformChoice ofStep =
+        choiceFor([](double v) { return 1.0 / (1.0 + std::exp(-30.0 * (v - 0.5))); });
+
+    EXPECT_EQ(ofStep.transform, OutputTransform::SquareRoot);
+}
+
 TEST(TransformChoice, IsWorthwhileForAWideRangeOfNotTooManyCases)
 {
     EXPECT_TRUE(TransformChoice::isWorthwhile(2.0, 3.1, 5000));
