@@ -3,13 +3,10 @@
 #include "ProgramFixture.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <string>
 
 namespace {
-using Json = nlohmann::json;
-
 class CaseDesignOptions : public Program
 {
 protected:
@@ -25,9 +22,7 @@ protected:
 
     Json fit(const std::string& options)
     {
-        const Outcome outcome = run("fit days.csv -y y --terms linear --json " + options);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        return Json::parse(outcome.out);
+        return jsonOf("fit days.csv -y y --terms linear " + options);
     }
 };
 } // namespace
@@ -42,11 +37,8 @@ TEST_F(CaseDesignOptions, TakeNoInputsAndLeaveOutCasesWithoutWeightOrBlock)
     EXPECT_EQ(json["cases"]["valid"], 8);
     EXPECT_EQ(json["cases"]["invalid"], 3);
     const Outcome text = run("fit days.csv -y y --terms linear --weights w --block day");
-    EXPECT_NE(text.out.find("11 read, 8 valid, 0 excluded, 3 invalid (w 2, day 1)"),
-              std::string::npos)
-        << text.out;
-    EXPECT_NE(text.out.find("response surface, linear, weights w, blocks day"), std::string::npos)
-        << text.out;
+    EXPECT_TRUE(contains(text.out, "11 read, 8 valid, 0 excluded, 3 invalid (w 2, day 1)"));
+    EXPECT_TRUE(contains(text.out, "response surface, linear, weights w, blocks day"));
 }
 
 TEST_F(CaseDesignOptions, PredictTheAverageBlockAndReportTheEffects)
@@ -59,8 +51,7 @@ TEST_F(CaseDesignOptions, PredictTheAverageBlockAndReportTheEffects)
     EXPECT_NEAR(statistics["blockEffects"][1]["effect"].get<double>(), 5.0, 1e-9);
     EXPECT_EQ(statistics["anova"][1]["source"], "Blocks");
     EXPECT_EQ(statistics["partialTests"][0]["name"], "Blocks");
-    const Json table =
-        Json::parse(run("evaluate " + cases + "--at a=0 --at b=0 --json").out)["table"];
+    const Json table = jsonOf("evaluate " + cases + "--at a=0 --at b=0")["table"];
     EXPECT_NEAR(table["rows"][0][2].get<double>(), 6.0, 0.1) << table.dump();
 }
 
@@ -69,36 +60,31 @@ TEST_F(CaseDesignOptions, AreKeptByProjectsUntilTheyAreTakenBack)
     const std::string project = "study.surrogate.xml";
     fit("--weights w --block day --save " + project);
 
-    const Json kept = Json::parse(run("project " + project + " --json").out);
+    const Json kept = jsonOf("project " + project);
     EXPECT_EQ(kept["weights"], "w");
     EXPECT_EQ(kept["blocks"], "day");
     EXPECT_TRUE(kept["excluded"].empty());
-    EXPECT_EQ(Json::parse(run("fit " + project + " --json").out)["outputs"],
-              fit("--weights w --block day")["outputs"]);
-    const Json without = Json::parse(run("fit " + project + " --weights none --json").out);
+    EXPECT_EQ(jsonOf("fit " + project)["outputs"], fit("--weights w --block day")["outputs"]);
+    const Json without = jsonOf("fit " + project + " --weights none");
     EXPECT_EQ(without.count("weights"), 0u);
     EXPECT_EQ(without["cases"]["valid"], 10);
 }
 
 TEST_F(CaseDesignOptions, HoldForTheFoldsOfAComparison)
 {
-    const std::string command = "compare days.csv -y y --terms linear --folds 4 --json ";
     const auto rmse = [&](const std::string& options) {
-        const Outcome outcome = run(command + options);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        return Json::parse(outcome.out)["outputs"][0]["models"][0]["rmse"].get<double>();
+        const Json comparison = jsonOf("compare -y y --terms linear --folds 4 " + options);
+        return comparison["outputs"][0]["models"][0]["rmse"].get<double>();
     };
 
-    EXPECT_GT(rmse("-x a,b --exclude 9-11"), 3.0);
-    EXPECT_LT(rmse("--weights w --block day"), 0.5);
+    EXPECT_GT(rmse("days.csv -x a,b --exclude 9-11"), 3.0);
+    EXPECT_LT(rmse("days.csv --weights w --block day"), 0.5);
 
     // y = exp(a + b), ten times as much on tue.
     folder.write("factors.csv", "a,b,day,y\n"
                                 "0,0,mon,1.01\n1,0,mon,2.7\n0,1,mon,2.72\n1,1,mon,7.4\n"
                                 "0,0,tue,10\n1,0,tue,27.3\n0,1,tue,27\n1,1,tue,74\n");
-    const Outcome factors = run("compare factors.csv -y y --terms linear --transform log --folds 4 "
-                                "--block day --json");
-    EXPECT_LT(Json::parse(factors.out)["outputs"][0]["models"][0]["rmse"].get<double>(), 0.5);
+    EXPECT_LT(rmse("factors.csv --transform log --block day"), 0.5);
 }
 
 TEST_F(CaseDesignOptions, AreRefusedWithASentence)

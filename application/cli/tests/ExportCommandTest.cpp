@@ -3,13 +3,10 @@
 #include "ProgramFixture.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <string>
 
 namespace {
-using Json = nlohmann::json;
-
 class ExportCommand : public Program
 {
 protected:
@@ -95,16 +92,6 @@ TEST_F(ExportCommand, AnExportedModelPredictsLikeItsCases)
     }
 }
 
-TEST_F(ExportCommand, AnInputStaysAtTheMedianOfTheValidCases)
-{
-    folder.write("excluded.csv", "x,y\n-5,9\n1,3\n2,5\n3,7\n4,9.5\n");
-    ASSERT_EQ(run("export excluded.csv -y y --exclude 1 --format json -o model.json").exitCode, 0);
-
-    EXPECT_EQ(run("evaluate model.json -q").out,
-              run("evaluate excluded.csv -y y --exclude 1 -q").out);
-    EXPECT_EQ(linesOf(run("evaluate model.json -q").out)[1].rfind("2.5,", 0), 0u);
-}
-
 TEST_F(ExportCommand, AProjectIsExportedAndKept)
 {
     ASSERT_EQ(run("fit cvd.csv -y Stress -m kriging -q --save study.surrogate.xml").exitCode, 0);
@@ -123,30 +110,18 @@ TEST_F(ExportCommand, WrongUseIsAnsweredByASentence)
     exportModel("kriging", "model.json");
     const Outcome unknown = run("evaluate model.json --at Speed=3");
     EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_NE(unknown.err.find("Speed"), std::string::npos);
+    EXPECT_TRUE(contains(unknown.err, "Speed"));
 }
 
 TEST_F(ExportCommand, AModelThatCannotBeUsedIsRefusedWithItsFaultyMember)
 {
     exportModel("kriging", "model.json");
-    const std::string whole = folder.read("model.json");
-    folder.write("model.json", "Pressure,Stress\n1,2\n");
-    expectFailure("evaluate model.json", 3,
-                  "\"model.json\" cannot be used: it is no JSON document, or a damaged one: it "
-                  "cannot be read at byte 1.");
-
-    Json json = Json::parse(whole);
+    Json json = Json::parse(folder.read("model.json"));
     json["outputs"][1].erase("weights");
     folder.write("model.json", json.dump());
+
     expectFailure("evaluate model.json", 3,
                   "\"model.json\" cannot be used: the member \"outputs[1].weights\" is missing.");
-
-    json = Json::parse(whole);
-    json["outputs"][0]["name"] = "Pressure";
-    folder.write("model.json", json.dump());
-    EXPECT_EQ(run("evaluate model.json").exitCode, 3);
-    EXPECT_EQ(run("evaluate model.json").err.rfind("surrogate: \"model.json\" cannot be used. ", 0),
-              0u);
 }
 
 TEST_F(ExportCommand, AFaultLeavesTheFileAsItWas)
@@ -161,6 +136,6 @@ TEST_F(ExportCommand, WarningsGoToTheStandardError)
     const Outcome done = run("export cvd.csv -y Uniformity,Stress -m kriging --format text");
 
     EXPECT_EQ(done.exitCode, 0);
-    EXPECT_EQ(done.out.rfind("Kriging model\n", 0), 0u);
-    EXPECT_NE(done.err.find("Warning for Uniformity: "), std::string::npos);
+    EXPECT_TRUE(beginsWith(done.out, "Kriging model\n"));
+    EXPECT_TRUE(contains(done.err, "Warning for Uniformity: "));
 }

@@ -1,5 +1,7 @@
 #include <HelpPages.h>
 
+#include <mirel_property/tests/TextParts.h>
+
 #include <CLI/CLI.hpp>
 
 #include <gtest/gtest.h>
@@ -27,46 +29,37 @@ struct Tool
     std::string inputs;
     bool isJson = false;
 };
-
-bool contains(const std::string& text, const std::string& wanted)
-{
-    return text.find(wanted) != std::string::npos;
-}
 } // namespace
 
 TEST(HelpPages, ManualHasEachOptionWithItsWholeDescription)
 {
     const std::string page = Tool().pages().man();
 
-    EXPECT_TRUE(contains(page, ".TH TOOL 1 \"\" \"tool 1.2\"")) << page;
+    EXPECT_TRUE(contains(page, ".TH TOOL 1 \"\" \"tool 1.2\""));
     EXPECT_TRUE(contains(page, "\\fB\\-x, \\-\\-inputs\\fR \\fINAMES\\fR\n"
-                               "a list of names:\nall if absent\n"))
-        << page;
-    EXPECT_TRUE(contains(page, "\\fBCASES\\fR")) << page;
+                               "a list of names:\nall if absent\n"));
+    EXPECT_TRUE(contains(page, "\\fBCASES\\fR"));
 }
 
 TEST(HelpPages, NoLineOfTheManualIsTakenForAMacro)
 {
-    EXPECT_TRUE(contains(Tool().pages().man(), "\n\\&.csv or .txt\n")) << Tool().pages().man();
+    EXPECT_TRUE(contains(Tool().pages().man(), "\n\\&.csv or .txt\n"));
 }
 
 TEST(HelpPages, BashCompletesTheOptionsOfTheCommand)
 {
-    EXPECT_TRUE(contains(Tool().pages().bash(), "words=\"fit\"")) << Tool().pages().bash();
-    EXPECT_TRUE(contains(Tool().pages().bash(), "fit) words=\"-h --help -x --inputs --json\""))
-        << Tool().pages().bash();
+    EXPECT_TRUE(contains(Tool().pages().bash(), "words=\"fit\""));
+    EXPECT_TRUE(contains(Tool().pages().bash(), "fit) words=\"-h --help -x --inputs --json\""));
 }
 
 TEST(HelpPages, ZshDescribesByTheFirstClause)
 {
-    EXPECT_TRUE(contains(Tool().pages().zsh(), "'fit:fits a model'")) << Tool().pages().zsh();
-    EXPECT_TRUE(contains(Tool().pages().zsh(), "'--inputs:a list of names'"))
-        << Tool().pages().zsh();
+    EXPECT_TRUE(contains(Tool().pages().zsh(), "'fit:fits a model'"));
+    EXPECT_TRUE(contains(Tool().pages().zsh(), "'--inputs:a list of names'"));
 }
 
 TEST(HelpPages, FishKnowsWhichOptionsTakeAValue)
 {
-    EXPECT_TRUE(contains(Tool().pages().fish(), "-s x -l inputs -r -d 'a list of names'"))
-        << Tool().pages().fish();
-    EXPECT_TRUE(contains(Tool().pages().fish(), "-l json -d 'an object'")) << Tool().pages().fish();
+    EXPECT_TRUE(contains(Tool().pages().fish(), "-s x -l inputs -r -d 'a list of names'"));
+    EXPECT_TRUE(contains(Tool().pages().fish(), "-l json -d 'an object'"));
 }

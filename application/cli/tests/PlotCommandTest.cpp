@@ -26,7 +26,7 @@ TEST_F(PlotCommand, PlotWritesAPictureAndNothingElse)
         EXPECT_EQ(plot.err, "");
         EXPECT_GT(folder.read(name).size(), 5000u);
     }
-    EXPECT_NE(folder.read("picture.svg").find(">Pressure</text>"), std::string::npos);
+    EXPECT_TRUE(contains(folder.read("picture.svg"), ">Pressure</text>"));
 }
 
 TEST_F(PlotCommand, PlotNeedsNoDisplay)
@@ -96,11 +96,11 @@ TEST_F(PlotCommand, PlotNeedsNoNumbersOfValuesWhereItIsClearWhatIsSwept)
     const auto named = [&] { return folder.read("picture.svg"); };
 
     EXPECT_EQ(run(plot + "--kind contour").exitCode, 0);
-    EXPECT_NE(named().find(">H2/WF6</text>"), std::string::npos);
+    EXPECT_TRUE(contains(named(), ">H2/WF6</text>"));
     EXPECT_EQ(run(plot + "--kind sweep --at Pressure=42").exitCode, 0);
-    EXPECT_NE(named().find("At Pressure = 42."), std::string::npos);
+    EXPECT_TRUE(contains(named(), "At Pressure = 42."));
     EXPECT_EQ(run(plot + "--kind sweep --sweep Pressure").exitCode, 0);
-    EXPECT_NE(named().find("At H2/WF6 = 6. "), std::string::npos);
+    EXPECT_TRUE(contains(named(), "At H2/WF6 = 6. "));
     expectFailure(plot + "--kind contour --at Pressure", 2,
                   "--at needs NAME=VALUE, not \"Pressure\".");
 }
@@ -111,18 +111,17 @@ TEST_F(PlotCommand, PlotWithoutSweptInputsDrawsTheEffectsOfAll)
 
     ASSERT_EQ(plot.exitCode, 0) << plot.err;
     const std::string svg = folder.read("picture.svg");
-    EXPECT_NE(svg.find(">Uniformity, main effects, response surface</text>"), std::string::npos);
-    EXPECT_NE(svg.find(">Stress, main effects, response surface</text>"), std::string::npos);
+    EXPECT_TRUE(contains(svg, ">Uniformity, main effects, response surface</text>"));
+    EXPECT_TRUE(contains(svg, ">Stress, main effects, response surface</text>"));
     EXPECT_EQ(countOf(svg, ">Pressure</text>"), 2u);
 }
 
 TEST_F(PlotCommand, PlotWithoutAKindDrawsWhatTheSweptInputsAreFor)
 {
     ASSERT_EQ(run(contour + "-o picture.svg").exitCode, 0);
-    EXPECT_NE(folder.read("picture.svg").find(">Uniformity over Pressure and H2/WF6, "),
-              std::string::npos);
+    EXPECT_TRUE(contains(folder.read("picture.svg"), ">Uniformity over Pressure and H2/WF6, "));
     ASSERT_EQ(run(sweep + "-o picture.svg").exitCode, 0);
-    EXPECT_NE(folder.read("picture.svg").find(">Uniformity over Pressure, "), std::string::npos);
+    EXPECT_TRUE(contains(folder.read("picture.svg"), ">Uniformity over Pressure, "));
 }
 
 TEST_F(PlotCommand, PlotKeepsTheOldPictureWhenItFails)

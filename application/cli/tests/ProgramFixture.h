@@ -4,7 +4,10 @@
 
 #include "../../session/tests/TemporaryFolder.h"
 
+#include <mirel_property/tests/TextParts.h>
+
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +20,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <wordexp.h>
+
+using Json = nlohmann::json;
 
 /** What one run of the program came to. */
 struct Outcome
@@ -98,6 +103,20 @@ protected:
             begin = next;
         }
         return kept;
+    }
+
+    /** What a run that succeeds prints. */
+    std::string outputOf(const std::string& arguments)
+    {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments << ": " << outcome.err;
+        return outcome.out;
+    }
+
+    /** What a run that succeeds prints as an object. */
+    Json jsonOf(const std::string& arguments)
+    {
+        return Json::parse(outputOf(arguments + " --json"));
     }
 
     void expectFailure(const std::string& arguments, int exitCode, const std::string& message)

@@ -18,7 +18,7 @@ TEST_F(ReportOption, FitWritesAPageWithPictures)
         run("fit cvd.csv -x Pressure,H2/WF6 -y Stress,Uniformity --report fit.html");
 
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(outcome.out.rfind("Cases   11 read", 0), 0u) << "the text comes all the same";
+    EXPECT_TRUE(beginsWith(outcome.out, "Cases   11 read")) << "the text comes all the same";
     const std::string html = folder.read("fit.html");
     EXPECT_EQ(countOf(html, "<svg "), 12u)
         << "actual, residuals, coefficients, contour and two sweeps of each";
@@ -67,7 +67,7 @@ TEST_F(ReportOption, AHugeInputIsNotSweptOnThePageButTheOthersAre)
     const Outcome outcome = run("fit far.csv -x x,z -y y --report far.html");
 
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(outcome.err.find("overflow"), std::string::npos) << outcome.err;
+    EXPECT_FALSE(contains(outcome.err, "overflow"));
     EXPECT_EQ(countOf(folder.read("far.html"),
                       "<p>There is no picture of kind sweep. "
                       "&quot;x&quot; holds values that are not finite, or too large to be "

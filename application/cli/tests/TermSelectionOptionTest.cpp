@@ -3,13 +3,10 @@
 #include "ProgramFixture.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <string>
 
 namespace {
-using Json = nlohmann::json;
-
 const std::string cases = " cvd.csv -x Pressure,H2/WF6 -y Uniformity ";
 
 const std::string note = "AICc is lower without \"Pressure\"^2 and \"H2/WF6\"^2: they were left "
@@ -26,7 +23,7 @@ TEST_F(TermSelectionOption, SelectedTermsHoldForWhateverTheModelIsUsedFor)
 
     const Outcome equation = run("equations" + cases + "--select-terms");
     EXPECT_EQ(equation.exitCode, 0);
-    EXPECT_EQ(equation.out.find("V1^2"), std::string::npos) << equation.out;
+    EXPECT_FALSE(contains(equation.out, "V1^2"));
     EXPECT_EQ(equation.err, named);
 
     for (const std::string command : {"evaluate", "predict"}) {
@@ -56,13 +53,13 @@ TEST_F(TermSelectionOption, ASelectionIsKeptWhileAProjectTakesKriging)
     ASSERT_EQ(run("fit" + cases + "--select-terms --save " + project).exitCode, 0);
     ASSERT_EQ(run("fit " + project + " -m kriging --save " + project).exitCode, 0);
 
-    EXPECT_EQ(Json::parse(run("project " + project + " --json").out)["selectsTerms"], true);
+    EXPECT_EQ(jsonOf("project " + project)["selectsTerms"], true);
     expectFailure(
         "fit " + project + " --select-terms", 2,
         "--terms, --select-terms and --all-terms choose the terms of a response surface, and the "
         "project chooses kriging: add -m response-surface.");
     const Outcome again = run("fit " + project + " -m response-surface");
-    EXPECT_NE(again.out.find(note), std::string::npos) << again.out;
+    EXPECT_TRUE(contains(again.out, note));
 }
 
 TEST_F(TermSelectionOption, CompareSelectsTermsInEachFold)
@@ -72,13 +69,12 @@ TEST_F(TermSelectionOption, CompareSelectsTermsInEachFold)
 
     const Outcome text = run("compare " + project + " --select-terms -q");
     EXPECT_EQ(text.exitCode, 0) << text.err;
-    EXPECT_NE(text.out.find("Terms   those of the response surface selected by AICc, anew in each "
-                            "fold\n"),
-              std::string::npos)
-        << text.out;
-    EXPECT_EQ(text.out.find("fewer terms"), std::string::npos) << text.out;
+    EXPECT_TRUE(contains(text.out,
+                         "Terms   those of the response surface selected by AICc, anew in each "
+                         "fold\n"));
+    EXPECT_FALSE(contains(text.out, "fewer terms"));
 
-    const Json selected = Json::parse(run("compare" + cases + "--select-terms --json").out);
+    const Json selected = jsonOf("compare" + cases + "--select-terms");
     const Json whole = Json::parse(run("compare" + cases + "--json").out);
     EXPECT_EQ(selected["selectsTerms"], true);
     EXPECT_EQ(whole["selectsTerms"], false);
@@ -92,7 +88,7 @@ TEST_F(TermSelectionOption, CompareSelectsTermsInEachFold)
 TEST_F(TermSelectionOption, ThePolynomialIsOfTheTermsThatAreAskedFor)
 {
     const auto terms = [&](const std::string& options) {
-        const Json fit = Json::parse(run("fit" + cases + "--json " + options).out);
+        const Json fit = jsonOf("fit" + cases + options);
         return fit["outputs"][0]["metrics"]["terms"].get<int>();
     };
 
@@ -105,11 +101,10 @@ TEST_F(TermSelectionOption, ThePolynomialIsOfTheTermsThatAreAskedFor)
 
 TEST_F(TermSelectionOption, CompareTakesThePolynomialThatIsAskedFor)
 {
-    const Json linear = Json::parse(run("compare plane.csv -y y --terms linear --json").out);
+    const Json linear = jsonOf("compare plane.csv -y y --terms linear");
 
     EXPECT_EQ(linear["terms"], "linear");
     EXPECT_GT(linear["outputs"][0]["models"][0]["q2"].get<double>(), 1.0 - 1e-12);
-    EXPECT_NE(run("compare plane.csv -y y --terms linear -q")
-                  .out.find("Order   the response surface is linear\n"),
-              std::string::npos);
+    EXPECT_TRUE(contains(run("compare plane.csv -y y --terms linear -q").out,
+                         "Order   the response surface is linear\n"));
 }

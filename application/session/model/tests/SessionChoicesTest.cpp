@@ -131,10 +131,12 @@ TEST(SessionChoices, AnInputThatIsNoVariableIsLeftOutWithANote)
 {
     const TemporaryFolder folder;
     const ProjectDocument document =
-        edited(folder, "</SurrogateModel>", "<Variable Name=\"H2\"/></SurrogateModel>");
+        edited(folder, "</SurrogateModel>", "<Variable Name=\"H2\"/><Variable/></SurrogateModel>");
 
     EXPECT_EQ(openProject(tableIn(folder), document, {}).notes,
               (Names{"the input \"H2\" of the project is left out, it is no independent variable "
+                     "there.",
+                     "the input \"\" of the project is left out, it is no independent variable "
                      "there."}));
     SessionChoices choices;
     choices.inputs = {"Pressure"};
