@@ -33,20 +33,6 @@ TEST(EvaluatorIntervals, AreStudentsOfAResponseSurface)
     }
 }
 
-TEST(EvaluatorIntervals, OfKrigingWidenAwayFromTheCases)
-{
-    CaseSession session = cvdSession(CaseSession::Kriging, cvdRoles);
-    const double pressure[] = {42.0, 4.0};
-    const double ratio[] = {6.0, 10.0};
-
-    const PointEvaluation evaluation = session.predict({pressure, ratio}, 2, 95.0);
-
-    for (const PredictionIntervals& output : evaluation.intervals) {
-        EXPECT_GT(output.upper[1] - output.lower[1], output.upper[0] - output.lower[0]);
-    }
-    EXPECT_TRUE(evaluation.intervalFaults.empty());
-}
-
 TEST(EvaluatorIntervals, DoNotExistWhereTheOutputDoesNotVary)
 {
     const double point[] = {1.5};

@@ -56,16 +56,12 @@ TEST_F(InputValuesTest, RefusesTextsOfTooManyValuesTogether)
 TEST_F(InputValuesTest, SweepsEvenlyOverTheRange)
 {
     values.sweepEvenly("H2/WF6=3");
-
     EXPECT_EQ(session.sweptInputs(), (std::vector<std::size_t>{1}));
     EXPECT_EQ(pointsOf(1), (std::vector<double>{2.0, 6.0, 10.0}));
-}
 
-TEST_F(InputValuesTest, SweepsAnInputOfThisNameEvenly)
-{
-    values.sweepEvenly("H2/WF6", 2);
-
-    EXPECT_EQ(pointsOf(1), (std::vector<double>{2.0, 10.0}));
+    values.sweepEvenly("Pressure", 2);
+    EXPECT_EQ(pointsOf(0), (std::vector<double>{4.0, 4.0, 4.0, 80.0, 80.0, 80.0}))
+        << "a number of values where a name stands alone";
 }
 
 TEST_F(InputValuesTest, HoldsAnInputAtItsValue)
@@ -83,8 +79,11 @@ TEST_F(InputValuesTest, DistinguishNamesFromNamesWithValues)
     EXPECT_FALSE(values.isName("Pressure=5"));
 }
 
-TEST_F(InputValuesTest, RefuseWhatIsNoInput)
+TEST_F(InputValuesTest, RefuseWhatIsNoInputOrNoCountOrNamedTwice)
 {
+    const auto countRefusal = [this](const std::string& text) {
+        return messageOf<UsageError>([&] { values.sweepEvenly(text); });
+    };
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweep("Stress=5"); }),
               "\"Stress\" is no input, so that it takes no values.");
     EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Uniformity", 5); }),
@@ -92,20 +91,10 @@ TEST_F(InputValuesTest, RefuseWhatIsNoInput)
     EXPECT_EQ(messageOf<UsageError>([&] { values.hold("Presure=5"); }),
               "There is no variable \"Presure\"; the nearest name is \"Pressure\". The variables "
               "are: \"Pressure\", \"H2/WF6\", \"Uniformity\", \"Stress\".");
-}
-
-TEST_F(InputValuesTest, RefuseAnInputThatIsNamedTwice)
-{
+    EXPECT_EQ(countRefusal("H2/WF6=1"),
+              "The count of \"H2/WF6\" needs a whole number from 2 to 100000000, not \"1\".");
     values.hold("Pressure=5");
-
-    EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=3"); }),
-              "\"Pressure\" has values twice; name it once.");
-}
-
-TEST_F(InputValuesTest, RefuseWhatIsNoCount)
-{
-    EXPECT_EQ(messageOf<UsageError>([&] { values.sweepEvenly("Pressure=1"); }),
-              "The count of \"Pressure\" needs a whole number from 2 to 100000000, not \"1\".");
+    EXPECT_EQ(countRefusal("Pressure=3"), "\"Pressure\" has values twice; name it once.");
 }
 
 TEST(InputValues, RefuseADecimalCommaInSweptValues)

@@ -119,18 +119,6 @@ TEST(ModelFile, ASessionOfAnExportedModelEvaluatesToTheLastBit)
     }
 }
 
-TEST(ModelFile, ASessionOfAnExportedModelPredictsAndWarnsOfPointsOutside)
-{
-    CaseSession session(cvdModel(CaseSession::ResponseSurface));
-    const std::vector<double> pressure = {500.0};
-    const std::vector<double> ratio = {6.0};
-    const std::string extrapolation =
-        session.predict({pressure.data(), ratio.data()}, 1).extrapolation.text();
-
-    EXPECT_EQ(extrapolation.rfind("1 of 1 point lies outside the cases: \"Pressure\"", 0), 0u)
-        << extrapolation;
-}
-
 TEST(ModelFile, ReadsWhatWasWritten)
 {
     const TemporaryFolder folder;

@@ -57,18 +57,22 @@ TEST(PredictionPoints, AddTheResultsToTheTableAsItWas)
     EXPECT_EQ(table.columns[3].numbers[0], 7.5);
 }
 
-TEST(PredictionPoints, AMissingInputIsRefusedWithTheNearestName)
+TEST(PredictionPoints, AreRefusedWithTheLine)
 {
+    const auto hasColumn = [](const std::string& name) {
+        return "points.csv, line 1: the table has a column \"" + name + "\" already.";
+    };
+    const auto limits = PredictionPoints::PredictionsAndLimits;
     EXPECT_EQ(
         refusalOf("Z,x\n1,2\n"),
         "points.csv, line 1: the model needs the input \"z\". There is no variable \"z\"; the "
         "nearest name is \"Z\". The variables are: \"Z\", \"x\".");
-}
-
-TEST(PredictionPoints, AnInputOfTextsIsRefusedWithTheFirstLine)
-{
     EXPECT_EQ(refusalOf("x,z\n1,2\n1,2..5\n1,3..5\n"),
               "points.csv, line 3: the input \"z\" must be a number, not \"2..5\".");
+    EXPECT_EQ(refusalOf("x,z,y predicted\n1,2,3\n"), hasColumn("y predicted"));
+    EXPECT_EQ(refusalOf("x,z,y lower\n1,2,3\n", limits), hasColumn("y lower"));
+    EXPECT_EQ(refusalOf("x,z,y upper\n1,2,3\n", limits), hasColumn("y upper"));
+    EXPECT_EQ(refusalOf("x,z,y lower,y upper\n1,2,3,4\n"), "accepted") << "without limits";
 }
 
 TEST(PredictionPoints, PointsWithoutANumberAreReported)
@@ -79,12 +83,6 @@ TEST(PredictionPoints, PointsWithoutANumberAreReported)
     EXPECT_EQ(points.notes(),
               (std::vector<std::string>{
                   "x: 1 cell is no number (\"off\", in line 3): this point has no prediction."}));
-}
-
-TEST(PredictionPoints, AColumnThatHasTheNameOfAResultIsRefused)
-{
-    EXPECT_EQ(refusalOf("x,z,y predicted\n1,2,3\n"),
-              "points.csv, line 1: the table has a column \"y predicted\" already.");
 }
 
 TEST(PredictionPoints, LimitsFollowThePredictionOfTheirOutput)
@@ -104,14 +102,4 @@ TEST(PredictionPoints, LimitsFollowThePredictionOfTheirOutput)
                                                "w predicted", "w lower", "w upper"}));
     EXPECT_EQ(table.columns[3].numbers[0], 7.0);
     EXPECT_EQ(table.columns[7].numbers[0], 9.0);
-}
-
-TEST(PredictionPoints, AColumnThatHasTheNameOfALimitIsRefusedWhereLimitsAreWanted)
-{
-    for (const std::string name : {"y lower", "y upper"}) {
-        const std::string content = "x,z," + name + "\n1,2,3\n";
-        EXPECT_EQ(refusalOf(content, PredictionPoints::PredictionsAndLimits),
-                  "points.csv, line 1: the table has a column \"" + name + "\" already.");
-        EXPECT_EQ(refusalOf(content), "accepted");
-    }
 }

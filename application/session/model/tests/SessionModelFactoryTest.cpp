@@ -10,7 +10,11 @@
 #include <vector>
 
 namespace {
+using Interface = SurrogateModelManagerInterface;
 using ModelType = SurrogateModelFactory::ModelType;
+
+const ResponseSurfaceOptions linear = {PolynomialTerms::Linear,
+                                       ResponseSurfaceOptions::Selection::All};
 
 class SessionModelFactoryTest : public ::testing::Test
 {
@@ -38,17 +42,16 @@ protected:
 
 TEST_F(SessionModelFactoryTest, MakesResponseSurfacesWithTheChosenTerms)
 {
-    EXPECT_EQ(termsOf(*make(SurrogateModelManagerInterface::ResponseSurface)), 3u);
+    EXPECT_EQ(termsOf(*make(Interface::ResponseSurface)), 3u);
 
-    factory.responseSurface()->set(
-        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+    factory.responseSurface()->set(linear);
 
-    EXPECT_EQ(termsOf(*make(SurrogateModelManagerInterface::ResponseSurface)), 2u);
+    EXPECT_EQ(termsOf(*make(Interface::ResponseSurface)), 2u);
 }
 
 TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrTheirTransforms)
 {
-    const auto model = make(SurrogateModelManagerInterface::Kriging);
+    const auto model = make(Interface::Kriging);
 
     const auto& outer = dynamic_cast<const TransformedOutput&>(*model);
     EXPECT_NE(dynamic_cast<const KrigingSurrogateModel*>(&outer.inner()), nullptr);
@@ -57,14 +60,13 @@ TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrThe
 
 TEST_F(SessionModelFactoryTest, TransformsResponseSurfacesByBoxCox)
 {
-    factory.responseSurface()->set(
-        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+    factory.responseSurface()->set(linear);
     factory.transform()->set(TransformSetting::BoxCox);
     const double noise[] = {0.02, -0.01, -0.03, 0.03, 0.0, -0.01};
     for (std::size_t i = 0; i < 6; ++i) {
         y[i] = std::exp(x[i] + noise[i]);
     }
-    const auto model = make(SurrogateModelManagerInterface::ResponseSurface);
+    const auto model = make(Interface::ResponseSurface);
 
     EXPECT_EQ(transformOf(*model), OutputTransform::Logarithm);
     const auto profile = ModelInterfaces(*model).transform(0).profile;
@@ -72,7 +74,7 @@ TEST_F(SessionModelFactoryTest, TransformsResponseSurfacesByBoxCox)
     EXPECT_NEAR(profile->power, 0.0, 0.1);
 
     y[0] = -1.0;
-    const auto refused = make(SurrogateModelManagerInterface::ResponseSurface);
+    const auto refused = make(Interface::ResponseSurface);
     EXPECT_EQ(transformOf(*refused), OutputTransform::None);
     EXPECT_FALSE(ModelInterfaces(*refused).transform(0).profile);
     EXPECT_EQ(dynamic_cast<const PredictiveModel&>(*refused).fitWarnings(0).front(),
@@ -83,8 +85,7 @@ TEST_F(SessionModelFactoryTest, TransformsResponseSurfacesByBoxCox)
 TEST_F(SessionModelFactoryTest, TransformsTheOutputsOfBothModelsAsChosen)
 {
     y[0] = 1.0;
-    for (const ModelType type : {SurrogateModelManagerInterface::Kriging,
-                                 SurrogateModelManagerInterface::ResponseSurface}) {
+    for (const ModelType type : {Interface::Kriging, Interface::ResponseSurface}) {
         factory.transform()->set(TransformSetting::SquareRoot);
         EXPECT_EQ(transformOf(*make(type)), OutputTransform::SquareRoot);
 
@@ -99,11 +100,8 @@ TEST_F(SessionModelFactoryTest, ChoosesTransformsForKrigingAloneIfNothingIsSaid)
         value = std::exp(value + 0.1 * std::sin(value));
     }
 
-    EXPECT_EQ(transformOf(*make(SurrogateModelManagerInterface::ResponseSurface)),
-              OutputTransform::None);
-    EXPECT_NE(
-        dynamic_cast<const TransformedOutput*>(make(SurrogateModelManagerInterface::Kriging).get()),
-        nullptr);
+    EXPECT_EQ(transformOf(*make(Interface::ResponseSurface)), OutputTransform::None);
+    EXPECT_NE(dynamic_cast<const TransformedOutput*>(make(Interface::Kriging).get()), nullptr);
 }
 
 TEST_F(SessionModelFactoryTest, ReportsChangesForTheModelsThatTheyConcern)
@@ -114,23 +112,21 @@ TEST_F(SessionModelFactoryTest, ReportsChangesForTheModelsThatTheyConcern)
     for (int i = 0; i < 2; ++i) {
         factory.transform()->set(TransformSetting::Logarithm);
     }
-    EXPECT_EQ(changed, (std::vector<ModelType>{SurrogateModelManagerInterface::Kriging,
-                                               SurrogateModelManagerInterface::ResponseSurface}));
+    EXPECT_EQ(changed, (std::vector<ModelType>{Interface::Kriging, Interface::ResponseSurface}));
     changed.clear();
     for (int i = 0; i < 2; ++i) {
-        factory.responseSurface()->set(
-            {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+        factory.responseSurface()->set(linear);
     }
-    EXPECT_EQ(changed, (std::vector<ModelType>{SurrogateModelManagerInterface::ResponseSurface}));
+    EXPECT_EQ(changed, (std::vector<ModelType>{Interface::ResponseSurface}));
 }
 
 TEST_F(SessionModelFactoryTest, HandsOutAFinishedModelWhateverIsAskedFor)
 {
-    const auto finished = make(SurrogateModelManagerInterface::ResponseSurface);
+    const auto finished = make(Interface::ResponseSurface);
     const SessionModelFactory restoring(finished);
 
     EXPECT_FALSE(restoring.needsCases());
-    EXPECT_EQ(restoring.makeModel(SurrogateModelManagerInterface::Kriging, {}, {}, 0), finished);
+    EXPECT_EQ(restoring.makeModel(Interface::Kriging, {}, {}, 0), finished);
 }
 
 TEST_F(SessionModelFactoryTest, ItsTermsMayOutliveIt)
@@ -141,7 +137,7 @@ TEST_F(SessionModelFactoryTest, ItsTermsMayOutliveIt)
         terms = other.responseSurface();
     }
 
-    terms->set({PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::All});
+    terms->set(linear);
 
     EXPECT_EQ(terms->get().terms, PolynomialTerms::Linear);
 }

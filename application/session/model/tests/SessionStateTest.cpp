@@ -32,8 +32,10 @@ protected:
     std::string refusalOf(const ProjectDocument& document)
     {
         const std::string beginning = "The project does not fit its cases: ";
+        const SessionSettings before = state.settings();
         const std::string message = messageOf<ProjectDocumentError>([&] { state.load(document); });
         EXPECT_EQ(message.rfind(beginning, 0), 0u) << message;
+        EXPECT_TRUE(state.settings() == before);
         return message.substr(beginning.size());
     }
 

@@ -76,6 +76,7 @@ TEST_F(SweepInterpolationVariablesTest, SweepsOverTheRangeOfTheValidCases)
     variables->setOutputs({y});
     variables->sweep(a, 3);
 
+    EXPECT_EQ(variables->dependentVariables(), (std::set<VarPtr>{y}));
     EXPECT_TRUE(variables->isVariableEmployed(a));
     EXPECT_EQ(valuesOf(a), (Numbers{0.0, 5.0, 10.0}));
     EXPECT_EQ(valuesOf(b), (Numbers{5.0})) << "the others stay at the evaluation point";
@@ -116,13 +117,6 @@ TEST_F(SweepInterpolationVariablesTest, TypedValuesReplaceThoseOfASweptVariableO
 
     EXPECT_EQ(valuesOf(a), (Numbers{1.0, 2.0}));
     EXPECT_EQ(valuesOf(b), (Numbers{5.0}));
-}
-
-TEST_F(SweepInterpolationVariablesTest, TheDependentsAreThoseThatWereSet)
-{
-    variables->setOutputs({y});
-
-    EXPECT_EQ(variables->dependentVariables(), (std::set<VarPtr>{y}));
 }
 
 TEST_F(SweepInterpolationVariablesTest, EachRealChangeIsReportedOnce)

@@ -153,18 +153,6 @@ TEST_F(WorkspaceDocument, AnUndoStepOutlivesTheWorkspaceWithoutEffect)
     EXPECT_NO_THROW(UndoStack().stack().undo());
 }
 
-TEST_F(WorkspaceDocument, ADocumentThatDoesNotFitChangesNothing)
-{
-    const auto session = chosen();
-    const ProjectDocument before = session->document();
-    ProjectDocument unknown = before;
-    unknown.variables.push_back({"Stres", Variable::Independent, std::nullopt});
-
-    EXPECT_THROW(session->load(unknown), ProjectDocumentError);
-
-    EXPECT_TRUE(session->document() == before);
-}
-
 TEST_F(WorkspaceDocument, CasesFromTheStandardInputMakeNoProject)
 {
     CaseTable cases = cvdCases();

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <utility>
 
 namespace {
 using Json = nlohmann::ordered_json;
@@ -46,6 +47,12 @@ ModelComparison sampleComparison()
     output.recommendation = "Take either.";
     return comparison;
 }
+
+/** As a reader gets it. */
+Json printed(const ModelComparison& comparison)
+{
+    return Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.25)));
+}
 } // namespace
 
 TEST(ComparisonReport, TextIsATableAndASentencePerOutput)
@@ -80,10 +87,8 @@ TEST(ComparisonReport, FiguresThatDoNotExistAreADashAndNull)
                         "            -\n"),
               std::string::npos)
         << text;
-    const Json json =
-        Json::parse(ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0)));
     EXPECT_EQ(
-        json["outputs"][0]["models"][1].dump(),
+        printed(comparison)["outputs"][0]["models"][1].dump(),
         R"({"model":"kriging","transform":"none","foldTransforms":{},"cases":0,"q2":null,"rmse":null,"largestError":null,)"
         R"("largestErrorCase":null,"held95":null,"looRmse":null,"fitSeconds":null,"failures":[],"warnings":[]})");
 }
@@ -105,8 +110,7 @@ TEST(ComparisonReport, SaysWhereFoldsChooseAnotherTransform)
 
 TEST(ComparisonReport, JsonHasItsMembersAndNoOthers)
 {
-    Json json = Json::parse(
-        ReportJson::text(ComparisonReport::json(cvdSession(), sampleComparison(), 0.25)));
+    Json json = printed(sampleComparison());
 
     EXPECT_EQ(json["cases"].erase("layout"), 1u);
     EXPECT_EQ(
@@ -134,7 +138,7 @@ TEST(ComparisonReport, JsonSaysHowClearAVerdictIs)
     comparison.outputs[0].verdict = OutputComparison::Kriging;
     const auto confidence = [&](bool isClear) {
         comparison.outputs[0].isClear = isClear;
-        return ComparisonReport::json(cvdSession(), comparison, 0.0)["outputs"][0]["confidence"];
+        return printed(comparison)["outputs"][0]["confidence"];
     };
 
     EXPECT_EQ(confidence(true), "clear");
@@ -144,15 +148,13 @@ TEST(ComparisonReport, JsonSaysHowClearAVerdictIs)
 TEST(ComparisonReport, NamesEachVerdict)
 {
     ModelComparison comparison = sampleComparison();
-    const auto recommended = [&](OutputComparison::Verdict verdict) {
+    const std::pair<OutputComparison::Verdict, const char*> verdicts[] = {
+        {OutputComparison::ResponseSurface, "response-surface"},
+        {OutputComparison::Kriging, "kriging"},
+        {OutputComparison::Either, "either"},
+        {OutputComparison::Neither, "neither"}};
+    for (const auto& [verdict, word] : verdicts) {
         comparison.outputs[0].verdict = verdict;
-        const std::string text =
-            ReportJson::text(ComparisonReport::json(cvdSession(), comparison, 0.0));
-        return Json::parse(text)["outputs"][0]["recommended"];
-    };
-
-    EXPECT_EQ(recommended(OutputComparison::ResponseSurface), "response-surface");
-    EXPECT_EQ(recommended(OutputComparison::Kriging), "kriging");
-    EXPECT_EQ(recommended(OutputComparison::Either), "either");
-    EXPECT_EQ(recommended(OutputComparison::Neither), "neither");
+        EXPECT_EQ(printed(comparison)["outputs"][0]["recommended"], word);
+    }
 }

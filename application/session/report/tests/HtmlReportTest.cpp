@@ -2,6 +2,8 @@
 
 #include "CvdSession.h"
 
+#include <mirel_property/tests/TextParts.h>
+
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
 
@@ -12,11 +14,6 @@ namespace {
 std::string htmlOf(CaseSession session)
 {
     return HtmlReport::text(session, {});
-}
-
-bool has(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 /** What a reader of XML finds wrong; the page is written so that it is well-formed but for the
@@ -37,18 +34,19 @@ TEST(HtmlReport, OfAResponseSurfaceHasItsStatistics)
 {
     const std::string html = htmlOf(cvdSession());
 
-    EXPECT_EQ(html.rfind("<!DOCTYPE html>\n<html lang=\"en\">\n", 0), 0u);
-    EXPECT_TRUE(has(html, "<h1>Response surface of Uniformity, Stress</h1>"));
+    EXPECT_TRUE(beginsWith(html, "<!DOCTYPE html>\n<html lang=\"en\">\n"));
+    EXPECT_TRUE(contains(html, "<h1>Response surface of Uniformity, Stress</h1>"));
     EXPECT_TRUE(
-        has(html, "<tr><td>Cases</td><td>11 read, 11 valid, 0 excluded, 0 invalid</td></tr>"));
-    EXPECT_TRUE(has(html, "<tr><td>H2/WF6</td><td>V2</td><td>2</td><td>10</td><td>2</td></tr>"));
-    EXPECT_TRUE(has(html, "<h2>Stress</h2>"));
-    EXPECT_TRUE(has(html, "<h3>Coefficients</h3>"));
-    EXPECT_TRUE(has(html, "<td>Pressure * H2/WF6</td>"));
-    EXPECT_TRUE(has(html, "<h3>Analysis of variance</h3>"));
-    EXPECT_TRUE(has(html, "<td>Lack of fit</td>"));
-    EXPECT_TRUE(has(html, "The stationary point is a "));
-    EXPECT_TRUE(has(html, "<h3>Equation</h3>\n<pre>"));
+        contains(html, "<tr><td>Cases</td><td>11 read, 11 valid, 0 excluded, 0 invalid</td></tr>"));
+    EXPECT_TRUE(
+        contains(html, "<tr><td>H2/WF6</td><td>V2</td><td>2</td><td>10</td><td>2</td></tr>"));
+    EXPECT_TRUE(contains(html, "<h2>Stress</h2>"));
+    EXPECT_TRUE(contains(html, "<h3>Coefficients</h3>"));
+    EXPECT_TRUE(contains(html, "<td>Pressure * H2/WF6</td>"));
+    EXPECT_TRUE(contains(html, "<h3>Analysis of variance</h3>"));
+    EXPECT_TRUE(contains(html, "<td>Lack of fit</td>"));
+    EXPECT_TRUE(contains(html, "The stationary point is a "));
+    EXPECT_TRUE(contains(html, "<h3>Equation</h3>\n<pre>"));
     EXPECT_EQ(faultOf(html), "");
 }
 
@@ -56,10 +54,10 @@ TEST(HtmlReport, OfKrigingHasItsParametersAndWarnings)
 {
     const std::string html = htmlOf(cvdSession(CaseSession::Kriging));
 
-    EXPECT_TRUE(has(html, "<h1>Kriging of Uniformity, Stress</h1>"));
-    EXPECT_TRUE(has(html, "<td>correlation length of Pressure</td>"));
-    EXPECT_TRUE(has(html, "<p class=\"warning\">Warning: "));
-    EXPECT_FALSE(has(html, "Equation"));
+    EXPECT_TRUE(contains(html, "<h1>Kriging of Uniformity, Stress</h1>"));
+    EXPECT_TRUE(contains(html, "<td>correlation length of Pressure</td>"));
+    EXPECT_TRUE(contains(html, "<p class=\"warning\">Warning: "));
+    EXPECT_FALSE(contains(html, "Equation"));
     EXPECT_EQ(faultOf(html), "");
 }
 
@@ -80,22 +78,23 @@ TEST(HtmlReport, BeginsWithHowWellEachOutputIsPredicted)
     const std::string surface = htmlOf(cvdSession());
     const std::string kriging = htmlOf(cvdSession(CaseSession::Kriging));
 
-    EXPECT_TRUE(has(surface, "</h1>\n<p class=\"verdict poor\"><strong>Uniformity</strong>: "
-                             "left-out cases are hardly predicted (Q2 0.354), with a "
-                             "typical error of 1.09, 21 % of the range of the cases.</p>\n"));
-    EXPECT_TRUE(has(surface, "<p class=\"verdict good\"><strong>Stress</strong>: left-out cases "
-                             "are predicted well (Q2 0.972"));
-    EXPECT_TRUE(has(kriging, " (Q2 "));
+    EXPECT_TRUE(contains(surface, "</h1>\n<p class=\"verdict poor\"><strong>Uniformity</strong>: "
+                                  "left-out cases are hardly predicted (Q2 0.354), with a "
+                                  "typical error of 1.09, 21 % of the range of the cases.</p>\n"));
+    EXPECT_TRUE(contains(surface,
+                         "<p class=\"verdict good\"><strong>Stress</strong>: left-out cases "
+                         "are predicted well (Q2 0.972"));
+    EXPECT_TRUE(contains(kriging, " (Q2 "));
 }
 
 TEST(HtmlReport, SaysThatTooFewCasesTellNothing)
 {
     CaseSession session(cvdCases(), {{0, 1}, {3}}, {6, 7, 8, 9, 10}, CaseSession::ResponseSurface);
 
-    EXPECT_TRUE(
-        has(HtmlReport::text(session, {}),
-            "<p class=\"verdict\"><strong>Stress</strong>: there are too few cases to leave "
-            "one out, so that there is no case to estimate the error of predictions from.</p>"));
+    EXPECT_TRUE(contains(
+        HtmlReport::text(session, {}),
+        "<p class=\"verdict\"><strong>Stress</strong>: there are too few cases to leave "
+        "one out, so that there is no case to estimate the error of predictions from.</p>"));
 }
 
 TEST(HtmlReport, SaysWhereItComesFrom)
@@ -105,10 +104,10 @@ TEST(HtmlReport, SaysWhereItComesFrom)
     const std::string html =
         HtmlReport::text(session, {}, {"surrogate fit 'a b.csv'", "1.2.3", "2026-11-22 08:00"});
 
-    EXPECT_TRUE(has(html, "<tr><td>Command</td><td>surrogate fit &#39;a b.csv&#39;</td></tr>\n"
-                          "<tr><td>Version</td><td>1.2.3</td></tr>\n"
-                          "<tr><td>Date</td><td>2026-11-22 08:00</td></tr>"));
-    EXPECT_FALSE(has(htmlOf(cvdSession()), "<td>Command</td>"));
+    EXPECT_TRUE(contains(html, "<tr><td>Command</td><td>surrogate fit &#39;a b.csv&#39;</td></tr>\n"
+                               "<tr><td>Version</td><td>1.2.3</td></tr>\n"
+                               "<tr><td>Date</td><td>2026-11-22 08:00</td></tr>"));
+    EXPECT_FALSE(contains(htmlOf(cvdSession()), "<td>Command</td>"));
 }
 
 TEST(HtmlReport, RanksTheInputsOfEachOutput)
@@ -119,10 +118,10 @@ TEST(HtmlReport, RanksTheInputsOfEachOutput)
 
     const std::string html = HtmlReport::text(session, {parts});
 
-    EXPECT_TRUE(has(html,
-                    "<tr><td>H2/WF6</td><td>100 %</td><td class=\"bar\"><span class=\"share\" "
-                    "style=\"width:100%\"></span></td></tr>\n"
-                    "<tr><td>Pressure</td><td>25 %</td>"));
+    EXPECT_TRUE(contains(html,
+                         "<tr><td>H2/WF6</td><td>100 %</td><td class=\"bar\"><span class=\"share\" "
+                         "style=\"width:100%\"></span></td></tr>\n"
+                         "<tr><td>Pressure</td><td>25 %</td>"));
     EXPECT_EQ(faultOf(html), "");
 }
 
@@ -134,9 +133,9 @@ TEST(HtmlReport, NamesOfTheUserAreTextWhateverTheyHold)
     const std::string html =
         htmlOf({std::move(table), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface});
 
-    EXPECT_FALSE(has(html, "<script"));
-    EXPECT_TRUE(has(html, "&lt;script&gt;alert(&#39;p&#39;)&lt;/script&gt;"));
-    EXPECT_TRUE(has(html, "<h2>a &amp; b &lt; &quot;c&quot;</h2>"));
+    EXPECT_FALSE(contains(html, "<script"));
+    EXPECT_TRUE(contains(html, "&lt;script&gt;alert(&#39;p&#39;)&lt;/script&gt;"));
+    EXPECT_TRUE(contains(html, "<h2>a &amp; b &lt; &quot;c&quot;</h2>"));
     EXPECT_EQ(faultOf(html), "");
 }
 
@@ -145,7 +144,7 @@ TEST(HtmlReport, StandsAloneAndIsTheSameOfTheSameSession)
     const std::string html = htmlOf(cvdSession());
 
     for (const char* part : {"<script", "http", "src=", "href=", "url(", "@import"}) {
-        EXPECT_FALSE(has(html, part)) << part;
+        EXPECT_FALSE(contains(html, part)) << part;
     }
 
     CaseSession session = cvdSession(CaseSession::Kriging);

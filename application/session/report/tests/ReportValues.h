@@ -20,7 +20,12 @@ std::vector<std::string> keysOf(const Json& object)
 }
 
 /** The first output in the report of a session's fit, as a reader gets it. */
-inline nlohmann::ordered_json outputOf(CaseSession session)
+inline nlohmann::ordered_json outputIn(CaseSession& session)
 {
     return nlohmann::ordered_json::parse(ReportJson::text(FitReport::json(session)))["outputs"][0];
+}
+
+inline nlohmann::ordered_json outputOf(CaseSession session)
+{
+    return outputIn(session);
 }
