@@ -168,33 +168,6 @@ TEST_P(SurrogateModelManagerFittedByBoth, AnswerForCleanOutputsBesideDirtyOnes)
     EXPECT_NEAR(valueAt(dirty, 1, 2.5), 102.5, rounding);
 }
 
-TEST_P(SurrogateModelManagerFittedByBoth, StayUsableWhenARefitHasNoCases)
-{
-    SurrogateModelInterface& held = manager->model(std::set<VarPtr>{y1});
-    const double before = valueAt(held, 0, 2.5);
-    const std::string textBefore = held.qualityMetricInformation(0);
-    // No signal is emitted while the group lives.
-    const Project::ChangeGroup silence(*project);
-    includeAll(false);
-    EXPECT_THROW(manager->model(std::set<VarPtr>{y2}), SurrogateModelInterface::Error);
-
-    SurrogateModelInterface& stale = manager->model(std::set<VarPtr>{y2});
-
-    EXPECT_EQ(&stale, &held);
-    EXPECT_EQ(valueAt(stale, 0, 2.5), before);
-    EXPECT_EQ(stale.qualityMetricInformation(0), textBefore);
-}
-
-TEST_P(SurrogateModelManagerFittedByBoth, LeaveTheOnlyRowUnsetWithoutIndependentVariables)
-{
-    manager->independentVars()->set({});
-
-    const Values values = results("y1");
-
-    ASSERT_EQ(values.size(), 1U);
-    EXPECT_TRUE(std::isnan(values[0]));
-}
-
 TEST_P(SurrogateModelManagerFittedByBoth, RefuseAListWithEntriesThatAreNoInputs)
 {
     manager->independentVars()->set({y2, x});
