@@ -1,6 +1,4 @@
-#include <mirel_fitting/SurrogateResponseSurfaceModel.h>
-
-#include "FittingTestSupport.h"
+#include "ResponseSurfaceTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +13,6 @@ using namespace fittingtest;
 
 namespace {
 
-SurrogateResponseSurfaceModel fit(Cases cases, int highestOrder = 2)
-{
-    return {cases.inputPointers(), cases.outputPointers(), cases.count(), highestOrder};
-}
-
 struct Certified
 {
     double estimate;
@@ -32,8 +25,7 @@ double sharedDigits(double value, double reference)
     return value == reference ? 16.0 : -std::log10(std::fabs(value / reference - 1.0));
 }
 
-void expectCoefficients(const SurrogateResponseSurfaceModel& model,
-                        const std::vector<Certified>& certified)
+void expectCoefficients(const Model& model, const std::vector<Certified>& certified)
 {
     const std::vector<CoefficientStatistics> table =
         model.responseSurfaceStatistics(0).coefficients;
@@ -100,7 +92,7 @@ Cases longley()
  * uniformity and stress. NIST/SEMATECH e-Handbook of Statistical Methods, 5.4.7.3 (Czitrom and
  * Spagon: Statistical Case Studies for Industrial Process Improvement, SIAM 1997).
  */
-Cases vapourDeposition()
+Cases codedVapourDeposition()
 {
     return {{{1, 0, 0.71, -0.71, -1, 0, -0.71, 0, 0.71, 0, 0},
              {0, 0, -0.71, 0.71, 0, 0, -0.71, -1, 0.71, 1, 0}},
@@ -108,8 +100,7 @@ Cases vapourDeposition()
              {8.04, 7.78, 7.58, 7.27, 6.49, 7.69, 6.66, 7.16, 8.33, 8.19, 7.9}}};
 }
 
-void expectPublished(const SurrogateResponseSurfaceModel& model, int offset,
-                     const std::vector<Certified>& published)
+void expectPublished(const Model& model, int offset, const std::vector<Certified>& published)
 {
     const std::vector<CoefficientStatistics> table =
         model.responseSurfaceStatistics(offset).coefficients;
@@ -126,7 +117,7 @@ void expectPublished(const SurrogateResponseSurfaceModel& model, int offset,
 
 TEST(ResponseSurfaceReference, NorrisOfOrderLinear)
 {
-    const SurrogateResponseSurfaceModel model = fit(norris(), 1);
+    const Model model = fit(norris(), 1);
 
     expectCoefficients(
         model, {{-0.262323073774029, 0.232818234301152}, {1.00211681802045, 0.429796848199937e-3}});
@@ -136,7 +127,7 @@ TEST(ResponseSurfaceReference, NorrisOfOrderLinear)
 
 TEST(ResponseSurfaceReference, PontiusOfOrderQuadratic)
 {
-    const SurrogateResponseSurfaceModel model = fit(pontius());
+    const Model model = fit(pontius());
 
     expectCoefficients(model, {{0.673565789473684e-3, 0.107938612033077e-3},
                                {0.732059160401003e-6, 0.157817399981659e-9},
@@ -147,7 +138,7 @@ TEST(ResponseSurfaceReference, PontiusOfOrderQuadratic)
 
 TEST(ResponseSurfaceReference, LongleyWhoseSixteenCasesAllowTheLinearOrderOnly)
 {
-    const SurrogateResponseSurfaceModel model = fit(longley());
+    const Model model = fit(longley());
 
     expectCoefficients(model, {{-3482258.63459582, 890420.383607373},
                                {15.0618722713733, 84.9149257747669},
@@ -162,7 +153,7 @@ TEST(ResponseSurfaceReference, LongleyWhoseSixteenCasesAllowTheLinearOrderOnly)
 
 TEST(ResponseSurfaceReference, UniformityOfVapourDeposition)
 {
-    const SurrogateResponseSurfaceModel model = fit(vapourDeposition());
+    const Model model = fit(codedVapourDeposition());
 
     // 1, c1, c2, c1^2, c1 c2, c2^2
     expectPublished(model, 0,
@@ -181,8 +172,9 @@ TEST(ResponseSurfaceReference, UniformityOfVapourDeposition)
 
 TEST(ResponseSurfaceReference, StressOfVapourDeposition)
 {
-    const SurrogateResponseSurfaceModel model = fit(vapourDeposition());
+    const Model model = fit(codedVapourDeposition());
 
+    // 1, c1, c2, c1^2, c1 c2, c2^2
     expectPublished(model, 1,
                     {{7.79004, 0.04450},
                      {0.73593, 0.03846},

@@ -83,6 +83,16 @@ Objective bowl(double end = infinity)
         always({2.0, 1.0, 1.0, 20.0}));
 }
 
+/** -x^2 + 1e-9 y: the second variable is next to flat, but not level. */
+Objective nearlyFlat()
+{
+    return Objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
+                     [](const Vector& x) {
+                         return Vector{-2.0 * x[0], 1e-9};
+                     },
+                     always({2.0, 0.0, 0.0, 1e-20}));
+}
+
 } // namespace
 
 TEST(BoundedSearch, FindsTheMaximumOfACurvedValley)
@@ -181,12 +191,8 @@ TEST(BoundedSearch, NeedsFewStepsWhenTheCurvatureIsExact)
 
 TEST(BoundedSearch, MovesFarWhereTheCurvatureIsNearlyZero)
 {
-    // The second variable is next to flat, but not level: steps grow to what the trust box allows.
-    Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
-                        [](const Vector& x) {
-                            return Vector{-2.0 * x[0], 1e-9};
-                        },
-                        always({2.0, 0.0, 0.0, 1e-20}));
+    // Steps grow to what the trust box allows.
+    Objective objective = nearlyFlat();
     BoundedSearch search(objective, {-10.0, -10.0}, {10.0, 10.0}, {3.0, -5.0});
 
     search.advance(100, 0.0);
@@ -208,29 +214,23 @@ TEST(BoundedSearch, StopsWhenStepsGainNextToNothing)
     EXPECT_LT(objective.gradients, 10);
 }
 
-TEST(BoundedSearch, SavesTheGradientAfterTheLastStep)
-{
-    Objective objective = rosenbrock();
-    BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
-    const double before = search.value();
-
-    search.finish(2, 1e-9);
-
-    EXPECT_TRUE(search.isDone());
-    EXPECT_GT(search.value(), before);
-    EXPECT_EQ(search.value(), objective.function(search.point()));
-    EXPECT_EQ(objective.gradients, 2);
-}
-
 TEST(BoundedSearch, TakesGradientsOnlyOfSearchesThatGoOn)
 {
     Objective objective = rosenbrock();
+    Objective last = rosenbrock();
     BoundedSearch search(objective, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
+    BoundedSearch finished(last, {-2.0, -2.0}, {2.0, 2.0}, {-1.2, 1.0});
+    const double before = finished.value();
     EXPECT_EQ(objective.gradients, 0);
 
     search.advance(2, 1e-9);
+    finished.finish(2, 1e-9);
 
     EXPECT_EQ(objective.gradients, 2);
+    EXPECT_EQ(last.gradients, 2) << "none after the last step";
+    EXPECT_TRUE(finished.isDone());
+    EXPECT_GT(finished.value(), before);
+    EXPECT_EQ(finished.value(), last.function(finished.point()));
 }
 
 TEST(BoundedSearch, RacesOthersOfTheSameObjective)
@@ -265,12 +265,7 @@ TEST(BoundedSearch, ShortensTheLastStepTwiceAtMost)
 
 TEST(BoundedSearch, EndsWhereTheExpectedGainOfALongStepIsNegligible)
 {
-    // The second variable is next to flat all the way to its bound.
-    Objective objective([](const Vector& x) { return -x[0] * x[0] + 1e-9 * x[1]; },
-                        [](const Vector& x) {
-                            return Vector{-2.0 * x[0], 1e-9};
-                        },
-                        always({2.0, 0.0, 0.0, 1e-20}));
+    Objective objective = nearlyFlat();
     BoundedSearch search(objective, {-9.0, -9.0}, {9.0, 9.0}, {0.5, 0.0});
 
     search.advance(100, 1e-4);

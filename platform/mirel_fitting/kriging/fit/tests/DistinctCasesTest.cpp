@@ -25,18 +25,6 @@ struct Merged
     DistinctCases distinct;
 };
 
-KrigingFit emptyFit()
-{
-    return KrigingFit{KrigingPredictor(FittedKriging())};
-}
-
-KrigingFitOptions withFixedNugget()
-{
-    KrigingFitOptions options;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
-    return options;
-}
-
 } // namespace
 
 TEST(DistinctCases, MergesReplicatesIntoTheirMean)
@@ -48,50 +36,41 @@ TEST(DistinctCases, MergesReplicatesIntoTheirMean)
     EXPECT_EQ(merged.distinct.withinDeviation(0), 1.0);
     EXPECT_EQ(merged.distinct.withinDeviation(1), 0.0);
 
-    const Merged once({2.0, 6.0, 8.0, 10.0}, withFixedNugget());
+    const Merged once({2.0, 6.0, 8.0, 10.0}, withFixedNugget(0.0, {}));
 
     EXPECT_EQ(once.distinct.data().replicates, (std::vector<double>{1.0, 1.0, 1.0}));
     EXPECT_FALSE(once.distinct.data().hasPureError());
     EXPECT_EQ(once.distinct.withinDeviation(0), 1.0);
 }
 
-TEST(DistinctCases, WarnsOfReplicatesThatDiffer)
+TEST(DistinctCases, WarnsOfReplicatesThatDifferAndOfCopies)
 {
-    const Merged merged({2.0, 6.0, 8.0, 10.0});
-    KrigingFit fit = emptyFit();
+    using Texts = std::vector<std::string>;
+    const std::string differ =
+        "At 1 point several cases have the same inputs but different outputs: ";
+    const Texts none;
+    const Texts copies = {"1 case repeats another case exactly and was merged with it."};
+    const Texts passedThrough = {differ + "the model passes through their mean."};
+    const Texts smoothed = {differ + "the model smooths them."};
+    struct
+    {
+        double second; // output of the first point, which is 2 before
+        bool interpolates;
+        Texts warnings;
+        Texts ofFit;
+        Texts notes;
+    } const rows[] = {{6.0, true, none, passedThrough, none},
+                      {6.0, false, none, smoothed, smoothed},
+                      {2.0, true, copies, none, none}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.second) + (row.interpolates ? ", interpolated" : ""));
+        const Merged merged({2.0, row.second, 8.0, 10.0});
+        KrigingFit fit{KrigingPredictor(FittedKriging())};
 
-    merged.distinct.warnOfConflicts(true, fit);
+        merged.distinct.warnOfConflicts(row.interpolates, fit);
 
-    EXPECT_TRUE(merged.warnings.empty());
-    EXPECT_EQ(fit.warnings,
-              (std::vector<std::string>{
-                  "At 1 point several cases have the same inputs but different outputs: the model "
-                  "passes through their mean."}));
-    EXPECT_TRUE(fit.notes.empty());
-}
-
-TEST(DistinctCases, NotesReplicatesThatAreSmoothed)
-{
-    const Merged merged({2.0, 6.0, 8.0, 10.0});
-    KrigingFit fit = emptyFit();
-
-    merged.distinct.warnOfConflicts(false, fit);
-
-    EXPECT_EQ(fit.warnings,
-              (std::vector<std::string>{
-                  "At 1 point several cases have the same inputs but different outputs: the model "
-                  "smooths them."}));
-    EXPECT_EQ(fit.notes, fit.warnings);
-}
-
-TEST(DistinctCases, WarnsOfCopies)
-{
-    const Merged merged({2.0, 2.0, 8.0, 10.0});
-    KrigingFit fit = emptyFit();
-
-    merged.distinct.warnOfConflicts(true, fit);
-
-    EXPECT_TRUE(fit.warnings.empty());
-    EXPECT_EQ(merged.warnings, (std::vector<std::string>{
-                                   "1 case repeats another case exactly and was merged with it."}));
+        EXPECT_EQ(merged.warnings, row.warnings);
+        EXPECT_EQ(fit.warnings, row.ofFit);
+        EXPECT_EQ(fit.notes, row.notes);
+    }
 }

@@ -14,25 +14,24 @@ struct AtCases
 {
     AtCases(double length, double nugget, double leastNugget)
     {
-        Columns inputs = latinHypercube(30, 1, 3);
-        const std::vector<double> output = valuesOf(wave, inputs);
-        const KrigingCases cases(pointersTo(inputs), output.size());
         KrigingFitOptions options = withTrend(0);
         options.nugget = leastNugget;
-        const KrigingFitInput input{cases, output, options, OutputScale::of(output)};
+        const Columns inputs = latinHypercube(30, 1, 3);
+        FitProblem problem(inputs, valuesOf(wave, inputs), options);
         std::vector<std::string> warnings;
-        auto data = std::make_shared<KrigingData>(DistinctCases(input, warnings).data());
-        const auto trend = input.addTrend(*data);
+        auto data = std::make_shared<KrigingData>(DistinctCases(problem.input, warnings).data());
+        const auto trend = problem.input.addTrend(*data);
         KrigingSearchResult found;
         found.parameters = {{length}, nugget};
 
-        ExactKriging exact(input, trend, data, found);
+        ExactKriging exact(problem.input, trend, data, found);
 
         interpolates = exact.model.interpolates;
-        std::vector<double> values(output.size());
-        KrigingPredictor(exact.model).predict(pointersTo(inputs), 0, values.size(), values.data());
+        std::vector<double> values(problem.output.size());
+        KrigingPredictor(exact.model)
+            .predict(pointersTo(problem.inputs), 0, values.size(), values.data());
         for (std::size_t i = 0; i < values.size(); ++i) {
-            largest = std::max(largest, std::fabs(values[i] - output[i]));
+            largest = std::max(largest, std::fabs(values[i] - problem.output[i]));
         }
     }
 

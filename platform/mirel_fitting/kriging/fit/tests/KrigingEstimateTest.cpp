@@ -13,10 +13,10 @@
 namespace {
 
 /** A smooth function at distinct points, and what is estimated from it. */
-struct Estimated
+struct Estimated : FitProblem
 {
     Estimated(Columns points, std::vector<double> values, const KrigingFitOptions& wanted)
-        : inputs(std::move(points)), output(std::move(values)), options(wanted)
+        : FitProblem(std::move(points), std::move(values), wanted)
     {
         std::vector<std::string> warnings;
         auto data = std::make_shared<KrigingData>(DistinctCases(input, warnings).data());
@@ -31,11 +31,6 @@ struct Estimated
         return KrigingTexts::warnings(fit);
     }
 
-    Columns inputs;
-    std::vector<double> output;
-    KrigingFitOptions options;
-    KrigingCases cases{pointersTo(inputs), output.size()};
-    KrigingFitInput input{cases, output, options, OutputScale::of(output)};
     std::unique_ptr<KrigingEstimate> estimate;
 };
 

@@ -53,10 +53,8 @@ TEST(KrigingFitRepeatedCases, PassesThroughTheMeanOfContradictingCasesWhereTheNu
     std::vector<double> output = valuesOf(wave, inputs);
     inputs[0].push_back(inputs[0][7]);
     output.push_back(output[7] + 0.2);
-    KrigingFitOptions options = withTrend(0);
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
-    const KrigingFit fit = fitOf(inputs, output, options);
+    const KrigingFit fit = fitOf(inputs, output, withFixedNugget(0.0, withTrend(0)));
 
     EXPECT_NEAR(valueAt(fit, {inputs[0][7]}), output[7] + 0.1, 1e-6);
     EXPECT_TRUE(warns(fit, "At 1 point several cases have the same inputs but different outputs: "
@@ -83,10 +81,8 @@ TEST(KrigingFitRepeatedCases, CountsCopiesAsMeasurementsWhereOthersContradict)
 {
     const Columns inputs = {{0.0, 1.0, 1.0, 1.0, 1.0, 2.0, 2.0, 3.0}};
     const std::vector<double> output = {2.0, 5.0, 5.0, 5.0, 6.0, 4.0, 4.0, 3.0};
-    KrigingFitOptions options = withTrend(0);
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
-    const KrigingFit fit = fitOf(inputs, output, options);
+    const KrigingFit fit = fitOf(inputs, output, withFixedNugget(0.0, withTrend(0)));
 
     EXPECT_NEAR(valueAt(fit, {1.0}), 5.25, 1e-9);
     EXPECT_EQ(fit.metrics.cases, 8u);

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -47,11 +49,8 @@ TEST(KrigingFitter, NumbersInputsAsTheyWereGiven)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
 
-    KrigingFitOptions options = withTrend(1);
-    options.correlationLengths = {0.5, 1.0, 0.5};
-
     const KrigingFit fit = fitOf({inputs[0], std::vector<double>(20, 5.0), inputs[1]},
-                                 valuesOf(wave, inputs), options);
+                                 valuesOf(wave, inputs), withTrend(1, {0.5, 1.0, 0.5}));
 
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1", "V3"}));
 }
@@ -85,37 +84,10 @@ TEST(KrigingFitter, IsConstantForASingleCase)
     EXPECT_TRUE(warns(fit, "There is only one case: the prediction is constant."));
 }
 
-TEST(KrigingFitter, IsTheMeanWithoutInputs)
-{
-    const KrigingFit fit = fitOf({}, {1.0, 2.0, 6.0});
-
-    EXPECT_DOUBLE_EQ(valueAt(fit, {}), 3.0);
-    EXPECT_DOUBLE_EQ(fit.metrics.rmse, std::sqrt(14.0 / 3.0));
-    // Without itself a case is predicted by the mean of the two others: -3, -1.5 and 4.5 off.
-    EXPECT_DOUBLE_EQ(fit.metrics.press, 31.5);
-    EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
-    EXPECT_DOUBLE_EQ(fit.report.processVariance, 14.0 / 2.0);
-}
-
-TEST(KrigingFitter, MeasuresAMeanWhoseSquareIsNoNumber)
-{
-    for (const double unit : {1e-200, 1e200}) {
-        const KrigingFit fit = fitOf({}, {1.0 * unit, 2.0 * unit, 6.0 * unit});
-
-        EXPECT_DOUBLE_EQ(fit.metrics.rmse / unit, std::sqrt(14.0 / 3.0));
-        EXPECT_DOUBLE_EQ(fit.metrics.looRmse / unit, std::sqrt(31.5 / 3.0));
-        EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
-        EXPECT_NEAR(fit.report.logLikelihood,
-                    fitOf({}, {1.0, 2.0, 6.0}).report.logLikelihood - 2.0 * std::log(unit), 1e-9);
-    }
-}
-
 TEST(KrigingFitter, InterpolatesWithAFixedLengthNextToNothing)
 {
-    KrigingFitOptions options = withTrend(0);
-    options.correlationLengths = {1e-320};
-
-    const KrigingFit fit = fitOf({{0.0, 1.0, 2.0, 3.0}}, {1.0, -1.0, 4.0, 2.0}, options);
+    const KrigingFit fit =
+        fitOf({{0.0, 1.0, 2.0, 3.0}}, {1.0, -1.0, 4.0, 2.0}, withTrend(0, {1e-320}));
 
     EXPECT_NEAR(valueAt(fit, {2.0}), 4.0, 1e-9);
     EXPECT_NEAR(valueAt(fit, {2.5}), 1.5, 1e-9);
@@ -164,13 +136,6 @@ TEST(KrigingFitter, LowersTheTrendToWhatTheCasesSupport)
     };
     const Columns six = latinHypercube(6, 2, 3);
     const Columns twenty = latinHypercube(20, 2, 3);
-    KrigingFitOptions fixedLengths = withTrend(1);
-    fixedLengths.correlationLengths = {0.5, 0.5};
-    KrigingFitOptions quadratic = fixedLengths;
-    quadratic.trendOrder = 2;
-    KrigingFitOptions givenNoise = withTrend(1);
-    givenNoise.nugget = 0.1;
-    givenNoise.nuggetMode = KrigingOptions::NuggetMode::Fixed;
     struct
     {
         Columns inputs;
@@ -180,15 +145,16 @@ TEST(KrigingFitter, LowersTheTrendToWhatTheCasesSupport)
         std::string warning;
     } const rows[] = {
         // Six parameters of a quadratic and a variance: seven cases.
-        {six, valuesOf(wave, six), quadratic, 1, "2 to 1: 6 distinct cases are too few for more."},
+        {six, valuesOf(wave, six), withTrend(2, {0.5, 0.5}), 1,
+         "2 to 1: 6 distinct cases are too few for more."},
         {twenty, valuesOf(wave, twenty), withTrend(1), 0,
          "1 to 0: the cases show no noise, and from 20 distinct cases a constant trend predicts a "
          "smooth output better."},
         {latinHypercube(14, 5, 3), UniformNumbers(7).next(14), withTrend(1), 0,
          "1 to 0: 14 distinct cases are too few for more."},
-        {twenty, valuesOf(wave, twenty), givenNoise, 1, ""},
+        {twenty, valuesOf(wave, twenty), withFixedNugget(0.1, withTrend(1)), 1, ""},
         {twenty, valuesOf(nearlyPlane, twenty), withTrend(1), 1, ""},
-        {twenty, valuesOf(wave, twenty), fixedLengths, 1, ""}};
+        {twenty, valuesOf(wave, twenty), withTrend(1, {0.5, 0.5}), 1, ""}};
     for (const auto& row : rows) {
         const KrigingFit fit = fitOf(row.inputs, row.output, row.options);
 
@@ -209,32 +175,10 @@ TEST(KrigingFitter, SaysWhichTermsOfTheTrendWereDropped)
         x = 3.0 - x;
     }
 
-    KrigingFitOptions options = withTrend(1);
-    options.correlationLengths = {0.5, 0.5};
-
-    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), options);
+    const KrigingFit fit = fitOf(inputs, valuesOf(wave, inputs), withTrend(1, {0.5, 0.5}));
 
     EXPECT_EQ(fit.report.trendTerms, (std::vector<std::string>{"1", "V1"}));
     EXPECT_TRUE(warns(fit, "Terms of the trend that the cases cannot separate were dropped: V2."));
-}
-
-TEST(KrigingFitter, IsTheTrendWhereThatPassesThroughAllCases)
-{
-    const Columns inputs = latinHypercube(20, 2, 3);
-
-    const KrigingFit fit =
-        fitOf(inputs,
-              valuesOf([](const std::vector<double>& x) { return 4.0 + 3.0 * x[0] - 2.0 * x[1]; },
-                       inputs),
-              withTrend(1));
-
-    EXPECT_NEAR(valueAt(fit, {10.0, 20.0}), -6.0, 1e-12);
-    EXPECT_TRUE(
-        warns(fit, "The trend passes through all cases: there is nothing left to correlate."));
-    ASSERT_EQ(fit.report.trendTerms.size(), 3u);
-    EXPECT_NEAR(fit.report.trendCoefficients[0], 4.0, 1e-12);
-    EXPECT_NEAR(fit.report.trendCoefficients[1], 3.0, 1e-12);
-    EXPECT_NEAR(fit.report.trendCoefficients[2], -2.0, 1e-12);
 }
 
 TEST(KrigingFitter, TakesLessThanTheLeastNuggetForNone)
@@ -254,11 +198,8 @@ TEST(KrigingFitter, TakesForNoiseWhatFixedLengthsCannotFollow)
     // With infinite lengths all cases are one; only the nugget separates them.
     const Columns inputs = latinHypercube(30, 1, 3);
     const std::vector<double> output = valuesOf(wave, inputs);
-    KrigingFitOptions options = withTrend(0);
-    options.correlationLengths = {infinity};
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
 
-    const KrigingFit fit = fitOf(inputs, output, options);
+    const KrigingFit fit = fitOf(inputs, output, withFixedNugget(0.0, withTrend(0, {infinity})));
 
     EXPECT_GT(fit.metrics.rmse, 0.1);
     // The variance has 29 degrees of freedom.
@@ -270,13 +211,8 @@ TEST(KrigingFitter, TakesForNoiseWhatOnlySpikesWouldFollow)
 {
     // The likelihood without the prior of the lengths prefers spikes by a little.
     for (const std::uint64_t seed : {9, 15, 32}) {
-        UniformNumbers numbers(seed);
-        std::vector<double> noise;
-        for (std::size_t i = 0; i < 60; ++i) {
-            noise.push_back(numbers.normal());
-        }
-
-        const KrigingFit fit = fitOf(latinHypercube(60, 2, seed), noise);
+        const KrigingFit fit =
+            fitOf(latinHypercube(60, 2, seed), noisy(std::vector<double>(60), 1.0, seed));
 
         EXPECT_GT(fit.report.nugget, 0.1) << seed;
         for (const double length : fit.report.correlationLengths) {
@@ -290,10 +226,9 @@ TEST(KrigingFitter, ReportsAFractionThatNeverDecreases)
     for (std::uint64_t seed = 1; seed <= 10; ++seed) {
         // A plane with noise: of the trends that are tried the linear one is searched to the end.
         const Columns inputs = latinHypercube(30, 2, seed);
-        UniformNumbers numbers(seed);
-        const std::vector<double> output = valuesOf(
-            [&](const std::vector<double>& x) { return 9.0 * x[0] - x[1] + numbers.normal(); },
-            inputs);
+        const std::vector<double> output =
+            noisy(valuesOf([](const std::vector<double>& x) { return 9.0 * x[0] - x[1]; }, inputs),
+                  1.0, seed);
         double last = 0.0;
         bool decreases = false;
         {
@@ -328,7 +263,7 @@ TEST(KrigingFitter, DoesNotDependOnTheOrderOfTheCases)
     EXPECT_EQ(permuted.metrics.q2, fit.metrics.q2);
 }
 
-TEST(KrigingFitter, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
+TEST(KrigingFitter, IsTheMeanOfTheCasesInAnyOrderWithoutInputs)
 {
     std::vector<double> output = UniformNumbers(3).next(50);
     const KrigingFit fit = fitOf({}, output);
@@ -336,32 +271,10 @@ TEST(KrigingFitter, DoesNotDependOnTheOrderOfTheCasesWithoutInputs)
 
     const KrigingFit permuted = fitOf({}, output);
 
+    EXPECT_NEAR(valueAt(permuted, {}), std::accumulate(output.begin(), output.end(), 0.0) / 50.0,
+                1e-15);
     EXPECT_EQ(permuted.report.processVariance, fit.report.processVariance);
     EXPECT_EQ(permuted.metrics.looRmse, fit.metrics.looRmse);
-}
-
-TEST(KrigingFitter, IsTheSameInUnitsOfAPowerOfTwo)
-{
-    // Nothing is rounded in going from one to the other, so every digit is kept.
-    const Columns inputs = latinHypercube(25, 2, 3);
-    const std::vector<double> output = valuesOf(wave, inputs);
-    const double inputUnit = std::ldexp(1.0, 40);
-    const double outputUnit = std::ldexp(1.0, -40);
-    Columns otherInputs = inputs;
-    std::vector<double> otherOutput = output;
-    for (double& x : otherInputs[0]) {
-        x *= inputUnit;
-    }
-    for (double& y : otherOutput) {
-        y *= outputUnit;
-    }
-    const KrigingFit fit = fitOf(inputs, output, withTrend(1));
-
-    const KrigingFit other = fitOf(otherInputs, otherOutput, withTrend(1));
-
-    EXPECT_EQ(valueAt(other, {0.3 * inputUnit, 0.6}) / outputUnit, valueAt(fit, {0.3, 0.6}));
-    EXPECT_EQ(other.report.correlationLengths[0] / inputUnit, fit.report.correlationLengths[0]);
-    EXPECT_EQ(other.metrics.q2, fit.metrics.q2);
 }
 
 struct Unit
@@ -372,31 +285,56 @@ struct Unit
     double outputShift;
 };
 
+/** The same cases in other units. */
+KrigingFit fitIn(const Unit& unit, const KrigingFitOptions& options)
+{
+    Columns inputs = latinHypercube(25, 2, 3);
+    std::vector<double> output = valuesOf(wave, inputs);
+    for (double& x : inputs[0]) {
+        x = unit.inputShift + unit.inputScale * x;
+    }
+    for (double& y : output) {
+        y = unit.outputShift + unit.outputScale * y;
+    }
+    return fitOf(inputs, output, options);
+}
+
+/** At one point, in the first units. */
+double valueOf(const KrigingFit& fit, const Unit& unit)
+{
+    const double x = unit.inputShift + unit.inputScale * 0.3;
+    return (valueAt(fit, {x, 0.6}) - unit.outputShift) / unit.outputScale;
+}
+
+const Unit plainUnit = {1.0, 0.0, 1.0, 0.0};
+
 class KrigingFitterInUnits : public testing::TestWithParam<Unit>
 {};
+
+TEST(KrigingFitter, IsTheSameInUnitsOfAPowerOfTwo)
+{
+    // Nothing is rounded in going from one to the other, so every digit is kept.
+    const Unit unit = {std::ldexp(1.0, 40), 0.0, std::ldexp(1.0, -40), 0.0};
+    const KrigingFit fit = fitIn(plainUnit, withTrend(1));
+
+    const KrigingFit other = fitIn(unit, withTrend(1));
+
+    EXPECT_EQ(valueOf(other, unit), valueOf(fit, plainUnit));
+    EXPECT_EQ(other.report.correlationLengths[0] / unit.inputScale,
+              fit.report.correlationLengths[0]);
+    EXPECT_EQ(other.metrics.q2, fit.metrics.q2);
+}
 
 TEST_P(KrigingFitterInUnits, IsTheSameFit)
 {
     const Unit unit = GetParam();
-    const Columns inputs = latinHypercube(25, 2, 3);
-    const std::vector<double> output = valuesOf(wave, inputs);
     KrigingFitOptions options = withTrend(1);
     options.nugget = 1e-6; // so that rounding of the shifted numbers counts for little
-    const KrigingFit fit = fitOf(inputs, output, options);
-    Columns otherInputs = inputs;
-    std::vector<double> otherOutput = output;
-    for (double& x : otherInputs[0]) {
-        x = unit.inputShift + unit.inputScale * x;
-    }
-    for (double& y : otherOutput) {
-        y = unit.outputShift + unit.outputScale * y;
-    }
+    const KrigingFit fit = fitIn(plainUnit, options);
 
-    const KrigingFit other = fitOf(otherInputs, otherOutput, options);
+    const KrigingFit other = fitIn(unit, options);
 
-    const double x = unit.inputShift + unit.inputScale * 0.3;
-    EXPECT_NEAR((valueAt(other, {x, 0.6}) - unit.outputShift) / unit.outputScale,
-                valueAt(fit, {0.3, 0.6}), 1e-5);
+    EXPECT_NEAR(valueOf(other, unit), valueOf(fit, plainUnit), 1e-5);
     EXPECT_NEAR(other.report.correlationLengths[0] / unit.inputScale,
                 fit.report.correlationLengths[0], 1e-3 * fit.report.correlationLengths[0]);
     EXPECT_NEAR(other.report.logLikelihood +

@@ -15,9 +15,8 @@ using Basis = CalibrationReport::Basis;
 IntervalCalibration calibrated(Columns inputs, const std::vector<double>& output,
                                const KrigingFitOptions& options = withTrend(0))
 {
-    const KrigingCases cases(pointersTo(inputs), output.size());
-    const KrigingFitInput input{cases, output, options, OutputScale::of(output)};
-    return calibrateIntervals(input, fitKriging(cases, output, options));
+    const FitProblem problem(std::move(inputs), output, options);
+    return calibrateIntervals(problem.input, fitKriging(problem.cases, output, options));
 }
 
 IntervalCalibration ofWave(std::size_t cases, const KrigingFitOptions& options = withTrend(0))
@@ -44,13 +43,9 @@ TEST(KrigingIntervals, OfFewNoisyCasesAreWiderWhereRefitsMissMoreThanByChance)
     double held = 0.0;
     int wider = 0;
     for (int table = 1; table <= tables; ++table) {
-        UniformNumbers numbers(table);
         const Columns inputs = latinHypercube(12, 3, table);
-        std::vector<double> output = valuesOf(wave, inputs);
-        for (double& value : output) {
-            value += 0.3 * numbers.normal();
-        }
-        const IntervalCalibration found = calibrated(inputs, output);
+        const IntervalCalibration found =
+            calibrated(inputs, noisy(valuesOf(wave, inputs), 0.3, table));
 
         const CalibrationReport report = found.report();
         const bool isWider = found.quantile(0.95) > found.studentQuantile(0.95);
@@ -79,34 +74,21 @@ TEST(KrigingIntervals, OfFewRepeatedPointsAreThoseOfStudentsT)
     EXPECT_EQ(calibrated(inputs, output).report().basis, Basis::Distribution);
 }
 
-TEST(KrigingIntervals, RestOnRefitsWhereParametersAreEstimated)
+TEST(KrigingIntervals, RestOnRefitsOrOnLeaveOneOutWhereParametersAreGivenOrOneMatrixIsTooSmall)
 {
     const CalibrationReport report = ofWave(60).report();
 
     EXPECT_EQ(report.basis, Basis::Refits);
     EXPECT_EQ(report.cases, 60u);
     ASSERT_EQ(report.coverage.size(), 4u);
-}
-
-TEST(KrigingIntervals, RestOnLeaveOneOutWhereParametersAreGiven)
-{
-    KrigingFitOptions options = withTrend(0);
-    options.correlationLengths = {0.5, 1.0};
-    options.nugget = 1e-4;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
-
-    EXPECT_EQ(ofWave(60, options).report().basis, Basis::LeaveOneOut);
-}
-
-TEST(KrigingIntervals, RestOnLeaveOneOutOfCasesTooManyForOneMatrix)
-{
-    KrigingFitOptions options = withTrend(0);
-    options.sizes.maxExact = 100;
-    options.sizes.subset = 60;
-    options.sizes.maxSearched = 60;
-    options.sizes.searched = 60;
-
-    EXPECT_EQ(ofWave(200, options).report().basis, Basis::LeaveOneOut);
+    EXPECT_EQ(ofWave(60, withFixedNugget(1e-4, withTrend(0, {0.5, 1.0}))).report().basis,
+              Basis::LeaveOneOut);
+    KrigingFitOptions tooMany = withTrend(0);
+    tooMany.sizes.maxExact = 100;
+    tooMany.sizes.subset = 60;
+    tooMany.sizes.maxSearched = 60;
+    tooMany.sizes.searched = 60;
+    EXPECT_EQ(ofWave(200, tooMany).report().basis, Basis::LeaveOneOut);
 }
 
 TEST(KrigingIntervals, OfFewPointsAreThoseOfStudentsTHoweverManyReplicates)

@@ -6,34 +6,12 @@
 
 namespace {
 
-/** A fit with given lengths, and nugget if it is fixed. */
-struct Fitted
+std::vector<double> refits(const Columns& inputs, const std::vector<double>& output,
+                           const KrigingFitOptions& options, std::size_t folds)
 {
-    std::vector<double> refits(std::size_t folds) const
-    {
-        return KrigingRefits::residuals(input, fit.predictor.model(), folds);
-    }
-
-    Columns inputs;
-    std::vector<double> output;
-    KrigingFitOptions options;
-    KrigingCases cases{pointersTo(inputs), output.size()};
-    KrigingFitInput input{cases, output, options, OutputScale::of(output)};
-    KrigingFit fit = fitKriging(cases, output, options);
-};
-
-KrigingFitOptions givenWithTrend(int order, std::vector<double> lengths, double nugget)
-{
-    KrigingFitOptions options = withTrend(order);
-    options.correlationLengths = std::move(lengths);
-    options.nugget = nugget;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
-    return options;
-}
-
-KrigingFitOptions given(std::vector<double> lengths, double nugget)
-{
-    return givenWithTrend(0, std::move(lengths), nugget);
+    const FitProblem problem(inputs, output, options);
+    const KrigingFit fit = fitKriging(problem.cases, output, options);
+    return KrigingRefits::residuals(problem.input, fit.predictor.model(), folds);
 }
 
 /** Residual over standard error of the row by a model of all others. */
@@ -59,15 +37,15 @@ double residualWithout(Columns inputs, std::vector<double> output, std::size_t r
 
 TEST(KrigingRefits, PredictEachFoldByAModelOfTheOthers)
 {
-    const KrigingFitOptions options = given({0.3, 0.7}, 0.01);
+    const KrigingFitOptions options = withFixedNugget(0.01, withTrend(0, {0.3, 0.7}));
     const Columns inputs = latinHypercube(12, 2, 5);
-    const Fitted fitted{inputs, valuesOf(wave, inputs), options};
+    const std::vector<double> output = valuesOf(wave, inputs);
 
-    const std::vector<double> found = fitted.refits(12);
+    const std::vector<double> found = refits(inputs, output, options, 12);
 
     ASSERT_EQ(found.size(), 12u);
     for (std::size_t row = 0; row < 12; ++row) {
-        EXPECT_NEAR(found[row], residualWithout(inputs, fitted.output, row, options), 1e-8) << row;
+        EXPECT_NEAR(found[row], residualWithout(inputs, output, row, options), 1e-8) << row;
     }
 }
 
@@ -80,10 +58,10 @@ TEST(KrigingRefits, LeaveReplicatesOutTogether)
         inputs[0].push_back(i / 2);
         output.push_back((i / 2 % 2 == 0 ? 1.0 : -1.0) + 1e-3 * (i % 2));
     }
-    KrigingFitOptions options = given({0.01}, 1e-3);
-    options.nuggetMode = KrigingOptions::NuggetMode::Estimated;
+    KrigingFitOptions options = withTrend(0, {0.01});
+    options.nugget = 1e-3;
 
-    for (const double residual : Fitted{inputs, output, options}.refits(5)) {
+    for (const double residual : refits(inputs, output, options, 5)) {
         EXPECT_GT(std::fabs(residual), 0.5);
     }
 }
@@ -94,7 +72,8 @@ TEST(KrigingRefits, HaveNoFiguresWhereTheOtherOutputsAreAllTheSame)
     std::vector<double> output(20, 0.0);
     output[7] = 1.0;
 
-    const std::vector<double> found = Fitted{inputs, output, given({0.3}, 0.01)}.refits(20);
+    const std::vector<double> found =
+        refits(inputs, output, withFixedNugget(0.01, withTrend(0, {0.3})), 20);
 
     for (std::size_t row = 0; row < 20; ++row) {
         EXPECT_EQ(std::isnan(found[row]), row == 7) << row;
@@ -104,10 +83,9 @@ TEST(KrigingRefits, HaveNoFiguresWhereTheOtherOutputsAreAllTheSame)
 TEST(KrigingRefits, HaveNoFiguresWhereTheOthersAreTooFewForTheTrend)
 {
     // Three cases: two have as many terms of a linear trend, and leave no variance.
-    const Columns inputs = {{0.0, 0.4, 1.0}};
+    const KrigingFitOptions options = withFixedNugget(0.01, withTrend(1, {0.3}));
 
-    for (const double residual :
-         Fitted{inputs, {0.0, 1.0, 0.5}, givenWithTrend(1, {0.3}, 0.01)}.refits(3)) {
+    for (const double residual : refits({{0.0, 0.4, 1.0}}, {0.0, 1.0, 0.5}, options, 3)) {
         EXPECT_TRUE(std::isnan(residual));
     }
 }
@@ -122,8 +100,8 @@ TEST(KrigingRefits, DoNotDependOnTheOrderOfTheRows)
         std::reverse(column.begin(), column.end());
     }
 
-    const std::vector<double> found = Fitted{inputs, output, withTrend(1)}.refits(5);
-    const std::vector<double> backwards = Fitted{reversed, reversedOutput, withTrend(1)}.refits(5);
+    const std::vector<double> found = refits(inputs, output, withTrend(1), 5);
+    const std::vector<double> backwards = refits(reversed, reversedOutput, withTrend(1), 5);
 
     EXPECT_EQ(found, std::vector<double>(backwards.rbegin(), backwards.rend()));
 }

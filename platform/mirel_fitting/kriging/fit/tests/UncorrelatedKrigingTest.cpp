@@ -11,31 +11,18 @@
 
 namespace {
 
-struct Problem
-{
-    Problem(Columns points, std::vector<double> values, int order)
-        : inputs(std::move(points)), output(std::move(values)), options(withTrend(order))
-    {}
-
-    Columns inputs;
-    std::vector<double> output;
-    KrigingFitOptions options;
-    KrigingCases cases{pointersTo(inputs), output.size()};
-    KrigingFitInput input{cases, output, options, OutputScale::of(output)};
-};
-
 /** 3 + 2 V1 - V2, and what is added to the output of the first case. */
-struct Plane : Problem
+struct Plane : FitProblem
 {
-    explicit Plane(double added = 0.0) : Problem(latinHypercube(12, 2, 5), values(added), 1) {}
+    explicit Plane(double added = 0.0)
+        : FitProblem(latinHypercube(12, 2, 5), values(added), withTrend(1))
+    {}
 
     static std::vector<double> values(double added)
     {
-        const Columns points = latinHypercube(12, 2, 5);
-        std::vector<double> result;
-        for (std::size_t i = 0; i < 12; ++i) {
-            result.push_back(3.0 + 2.0 * points[0][i] - points[1][i]);
-        }
+        std::vector<double> result =
+            valuesOf([](const std::vector<double>& x) { return 3.0 + 2.0 * x[0] - x[1]; },
+                     latinHypercube(12, 2, 5));
         result[0] += added;
         return result;
     }
@@ -48,17 +35,28 @@ struct Plane : Problem
 
 } // namespace
 
-TEST(UncorrelatedKriging, PredictsTheMeanWhereNoInputVaries)
+TEST(UncorrelatedKriging, PredictsTheMeanWhereNoInputVariesHoweverLargeItsSquare)
 {
-    const Problem problem({{2.0, 2.0, 2.0}}, {1.0, 2.0, 6.0}, 0);
+    const auto fitIn = [](double unit) {
+        const FitProblem problem({{2.0, 2.0, 2.0}}, {1.0 * unit, 2.0 * unit, 6.0 * unit},
+                                 withTrend(0));
+        return UncorrelatedKriging::ofMean(problem.input);
+    };
+    const double logLikelihood = fitIn(1.0).report.logLikelihood;
+    for (const double unit : {1e-200, 1.0, 1e200}) {
+        const KrigingFit fit = fitIn(unit);
 
-    const KrigingFit fit = UncorrelatedKriging::ofMean(problem.input);
-
-    EXPECT_DOUBLE_EQ(valueAt(fit, {2.0}), 3.0);
-    EXPECT_DOUBLE_EQ(fit.metrics.rmse, std::sqrt(14.0 / 3.0));
-    EXPECT_DOUBLE_EQ(fit.metrics.press, 14.0 * 1.5 * 1.5); // leverages 1 / 3
-    EXPECT_EQ(fit.metrics.r2, 0.0);
-    EXPECT_EQ(fit.metrics.terms, 1u);
+        EXPECT_DOUBLE_EQ(valueAt(fit, {2.0}) / unit, 3.0);
+        EXPECT_DOUBLE_EQ(fit.metrics.rmse / unit, std::sqrt(14.0 / 3.0));
+        // Without itself a case is predicted by the mean of the two others: -3, -1.5 and 4.5 off.
+        EXPECT_DOUBLE_EQ(fit.metrics.looRmse / unit, std::sqrt(31.5 / 3.0));
+        EXPECT_DOUBLE_EQ(fit.metrics.q2, 1.0 - 31.5 / 14.0);
+        EXPECT_EQ(fit.metrics.r2, 0.0);
+        EXPECT_EQ(fit.metrics.terms, 1u);
+        EXPECT_NEAR(fit.report.logLikelihood, logLikelihood - 2.0 * std::log(unit), 1e-9);
+    }
+    EXPECT_DOUBLE_EQ(fitIn(1.0).metrics.press, 31.5);
+    EXPECT_DOUBLE_EQ(fitIn(1.0).report.processVariance, 14.0 / 2.0);
 }
 
 TEST(UncorrelatedKriging, SeesWhetherTheTrendExplainsAllCases)
@@ -81,7 +79,11 @@ TEST(UncorrelatedKriging, PredictsByTheTrendAlone)
     const KrigingFit fit =
         UncorrelatedKriging::ofTrend(plane.input, plane.distinct, plane.trend, plane.data);
 
-    EXPECT_NEAR(valueAt(fit, {0.25, 0.75}), 3.0 + 0.5 - 0.75, 1e-12);
+    EXPECT_NEAR(valueAt(fit, {10.0, 20.0}), 3.0, 1e-12);
+    ASSERT_EQ(fit.report.trendTerms.size(), 3u);
+    EXPECT_NEAR(fit.report.trendCoefficients[0], 3.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[1], 2.0, 1e-12);
+    EXPECT_NEAR(fit.report.trendCoefficients[2], -1.0, 1e-12);
     EXPECT_EQ(fit.metrics.terms, 3u);
     EXPECT_TRUE(warns(fit, "The trend passes through all cases: there is nothing left to "
                            "correlate."));

@@ -17,13 +17,18 @@ double ripples(const std::vector<double>& x)
     return std::sin(20.0 * x[0] + 4.0 * x[1]) + std::cos(15.0 * x[1]) * x[0];
 }
 
-std::vector<double> noisy(std::vector<double> values, double deviation)
+/** How many predictions miss the hill by less than two standard errors. */
+int countWithin(const KrigingFit& fit, Columns points)
 {
-    UniformNumbers numbers(11);
-    for (double& value : values) {
-        value += deviation * numbers.normal();
+    const std::vector<double> values = predicted(fit, points);
+    const std::vector<double> expected = valuesOf(hill, points);
+    std::vector<double> errors(values.size());
+    fit.predictor.standardErrors(pointersTo(points), errors.size(), false, errors.data());
+    int within = 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        within += std::fabs(values[i] - expected[i]) < 2.0 * errors[i] ? 1 : 0;
     }
-    return values;
+    return within;
 }
 
 /** A fit that several tests look at, made once. */
@@ -88,25 +93,13 @@ TEST(LargeKriging, MeasuresItsErrorAndThatOfEachPointByCasesLeftOut)
     EXPECT_EQ(fit.metrics.cases, 1200u);
     EXPECT_TRUE(mentions(fit, "The figures of errors are those of a random sample of 200 distinct "
                               "cases."));
-
-    Columns at = latinHypercube(1000, 3, 4);
-    const std::vector<double> values = predicted(fit, at);
-    const std::vector<double> truth = valuesOf(hill, at);
-    std::vector<double> errors(1000);
-
-    fit.predictor.standardErrors(pointersTo(at), 1000, false, errors.data());
-
-    int within = 0;
-    for (std::size_t i = 0; i < 1000; ++i) {
-        within += std::fabs(values[i] - truth[i]) < 2.0 * errors[i] ? 1 : 0;
-    }
-    EXPECT_GT(within, 850);
+    EXPECT_GT(countWithin(fit, points), 850);
 }
 
 TEST(LargeKriging, KeepsTheCasesThatItMeasuresByWithTheirStandardErrors)
 {
     Columns inputs = latinHypercube(1200, 3, 3);
-    const std::vector<double> output = noisy(valuesOf(hill, inputs), 0.3);
+    const std::vector<double> output = noisy(valuesOf(hill, inputs), 0.3, 11);
     const KrigingCases cases(pointersTo(inputs), output.size());
     for (const std::size_t neighbours : {std::size_t{30}, std::size_t{0}}) {
         KrigingFitOptions options = manyAreMoreThan(300);
@@ -136,12 +129,13 @@ TEST(LargeKriging, SmoothsNoise)
 {
     const Columns inputs = latinHypercube(1500, 2, 3);
     const Columns points = latinHypercube(500, 2, 4);
-    const auto wave = [](const std::vector<double>& x) { return std::sin(4.0 * x[0]) + x[1]; };
+    const auto slope = [](const std::vector<double>& x) { return std::sin(4.0 * x[0]) + x[1]; };
 
-    const KrigingFit fit = fitOf(inputs, noisy(valuesOf(wave, inputs), 0.2), manyAreMoreThan(300));
+    const KrigingFit fit =
+        fitOf(inputs, noisy(valuesOf(slope, inputs), 0.2, 11), manyAreMoreThan(300));
 
     // The noise is 0.3 of the deviation of the function.
-    EXPECT_LT(relativeError(predicted(fit, points), valuesOf(wave, points)), 0.15);
+    EXPECT_LT(relativeError(predicted(fit, points), valuesOf(slope, points)), 0.15);
 }
 
 TEST(LargeKriging, DoesNotDependOnTheOrderOfTheCasesOrTheNumberOfThreads)
@@ -172,29 +166,23 @@ TEST(LargeKriging, DoesNotDependOnUnits)
 {
     const Columns inputs = latinHypercube(700, 3, 3);
     const Columns points = latinHypercube(300, 3, 4);
-    const std::vector<double> values =
-        predicted(fitOf(inputs, valuesOf(hill, inputs), manyAreMoreThan(300)), points);
-    const double units[] = {1e-12, 1e12, 1.0};
-    const auto inUnits = [&](Columns columns) {
-        for (std::size_t k = 0; k < 3; ++k) {
-            for (double& x : columns[k]) {
-                x *= units[k];
-            }
+    const auto inUnit = [](double unit, std::vector<double> values) {
+        for (double& value : values) {
+            value *= unit;
         }
-        return columns;
+        return values;
     };
-    std::vector<double> output = valuesOf(hill, inputs);
-    for (double& y : output) {
-        y *= 1e12;
-    }
+    const auto inUnits = [&](const Columns& columns) -> Columns {
+        return {inUnit(1e-12, columns[0]), inUnit(1e12, columns[1]), columns[2]};
+    };
+    const std::vector<double> output = valuesOf(hill, inputs);
 
-    std::vector<double> scaled =
-        predicted(fitOf(inUnits(inputs), output, manyAreMoreThan(300)), inUnits(points));
+    const KrigingFit fit = fitOf(inputs, output, manyAreMoreThan(300));
+    const KrigingFit scaled = fitOf(inUnits(inputs), inUnit(1e12, output), manyAreMoreThan(300));
 
-    for (double& y : scaled) {
-        y /= 1e12;
-    }
-    EXPECT_LT(relativeError(scaled, values), 1e-4);
+    EXPECT_LT(
+        relativeError(predicted(scaled, inUnits(points)), inUnit(1e12, predicted(fit, points))),
+        1e-4);
 }
 
 TEST(LargeKriging, PredictsGridsAndGradientsAndGivesNaNWhereNotFinite)
@@ -312,17 +300,8 @@ TEST(LargeKriging, HasLargerStandardErrorsWhereNoCaseIsNear)
         for (double& x : points[0]) {
             x = 1.0 + beyond * (0.5 + 0.5 * x);
         }
-        const std::vector<double> values = predicted(fit, points);
-        const std::vector<double> expected = valuesOf(hill, points);
-        std::vector<double> errors(200);
 
-        fit.predictor.standardErrors(pointersTo(points), 200, false, errors.data());
-
-        int within = 0;
-        for (std::size_t i = 0; i < 200; ++i) {
-            within += std::fabs(values[i] - expected[i]) < 2.0 * errors[i] ? 1 : 0;
-        }
-        EXPECT_GT(within, 150) << beyond;
+        EXPECT_GT(countWithin(fit, points), 150) << beyond;
     }
 }
 

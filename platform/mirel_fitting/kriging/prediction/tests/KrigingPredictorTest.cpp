@@ -55,6 +55,18 @@ struct Model
     }
 };
 
+/** Within the ranges of the inputs; the second column is not used. */
+Columns randomPoints(std::size_t count)
+{
+    UniformNumbers numbers(9);
+    Columns points(3, std::vector<double>(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        points[0][i] = 10.0 + 4.0 * numbers.next();
+        points[2][i] = numbers.next();
+    }
+    return points;
+}
+
 std::vector<double> predict(const KrigingPredictor& predictor, Columns points)
 {
     std::vector<double> result(points.front().size());
@@ -66,16 +78,9 @@ std::vector<double> predict(const KrigingPredictor& predictor, Columns points)
 
 TEST(KrigingPredictor, EqualsTheDefinitionInExtendedPrecision)
 {
-    // More points than a block has, the last block not full; the second column is not used.
+    // More points than a block has, the last block not full.
     const Model model;
-    Columns points(3);
-    UniformNumbers numbers(4);
-    points[0] = numbers.next(2500);
-    points[1].assign(2500, 0.0);
-    points[2] = numbers.next(2500);
-    for (double& x : points[0]) {
-        x = 10.0 + 4.0 * x;
-    }
+    const Columns points = randomPoints(2500);
 
     const std::vector<double> values = predict(model.predictor(), points);
 
@@ -117,12 +122,7 @@ TEST(KrigingPredictor, ReturnsToTheTrendFarAwayAndWithoutCorrelation)
 TEST(KrigingPredictor, GivesTheSameBitsHoweverThePointsAreDivided)
 {
     const KrigingPredictor predictor = Model().predictor();
-    Columns points(3, std::vector<double>(1500));
-    UniformNumbers numbers(9);
-    for (std::size_t i = 0; i < 1500; ++i) {
-        points[0][i] = 10.0 + 4.0 * numbers.next();
-        points[2][i] = numbers.next();
-    }
+    const Columns points = randomPoints(1500);
     const std::vector<double> whole = predict(predictor, points);
 
     for (const std::size_t i : {std::size_t{0}, std::size_t{777}, std::size_t{1499}}) {
@@ -133,12 +133,7 @@ TEST(KrigingPredictor, GivesTheSameBitsHoweverThePointsAreDivided)
 TEST(KrigingPredictor, GivesTheSameBitsForAnyNumberOfThreads)
 {
     const KrigingPredictor predictor = Model().predictor();
-    Columns points(3, std::vector<double>(100000));
-    UniformNumbers numbers(9);
-    for (std::size_t i = 0; i < points[0].size(); ++i) {
-        points[0][i] = 10.0 + 4.0 * numbers.next();
-        points[2][i] = numbers.next();
-    }
+    const Columns points = randomPoints(100000);
     setThreadCount(1);
     const std::vector<double> one = predict(predictor, points);
     setThreadCount(3);

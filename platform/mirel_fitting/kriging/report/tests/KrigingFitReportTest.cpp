@@ -12,10 +12,7 @@ TEST(KrigingFitReport, MeasuresItsErrorsInTheUnitOfTheOutput)
 {
     const Columns inputs = latinHypercube(20, 2, 3);
     std::vector<double> output = valuesOf(wave, inputs);
-    KrigingFitOptions options = withTrend(0);
-    options.correlationLengths = {0.5, 0.5};
-    options.nugget = 0.1;
-    options.nuggetMode = KrigingOptions::NuggetMode::Fixed;
+    const KrigingFitOptions options = withFixedNugget(0.1, withTrend(0, {0.5, 0.5}));
     const KrigingFit fit = fitOf(inputs, output, options);
     double errors = 0.0;
     double total = 0.0;
@@ -46,15 +43,12 @@ TEST(KrigingFitReport, MeasuresItsErrorsInTheUnitOfTheOutput)
 TEST(KrigingFitReport, ReportsInputsWithoutInfluenceAndLengthsAtABound)
 {
     const Columns inputs = latinHypercube(40, 2, 3);
+    const std::vector<double> output = valuesOf(wave, {inputs[0]});
 
-    const KrigingFit fit = fitOf(
-        inputs, valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs));
+    const KrigingFit fit = fitOf(inputs, output);
 
     EXPECT_TRUE(warns(fit, "The cases show no influence of V2."));
     EXPECT_EQ(fit.report.isWithoutInfluence, (std::vector<bool>{false, true}));
-
-    const std::vector<double> output =
-        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
 
     const KrigingFit withConstant =
         fitOf({inputs[0], std::vector<double>(40, 5.0), inputs[1]}, output);
@@ -66,8 +60,7 @@ TEST(KrigingFitReport, ReportsInputsWithoutInfluenceAndLengthsAtABound)
 TEST(KrigingFitReport, SeesInfluenceInTheTrend)
 {
     Columns inputs = latinHypercube(40, 2, 3);
-    const std::vector<double> output =
-        valuesOf([](const std::vector<double>& x) { return std::sin(6 * x[0]); }, inputs);
+    const std::vector<double> output = valuesOf(wave, {inputs[0]});
     KrigingFit fit = fitOf(inputs, output);
     const KrigingCases cases(pointersTo(inputs), 40);
     const KrigingTrend trend(40, 2, cases.coordinates(), 1, 0);
@@ -110,22 +103,16 @@ TEST(KrigingFitReport, ReportsNoWorstCasesWhereTheirErrorsAreRounding)
     const Columns inputs = latinHypercube(30, 2, 3);
     const std::vector<double> output = valuesOf(
         [](const std::vector<double>& x) { return 1e6 + 3.0 * x[0] - x[1] / 7.0; }, inputs);
-    KrigingFitOptions options;
-    options.trendOrder = 1;
 
-    EXPECT_TRUE(fitOf(inputs, output, options).report.worstCases.empty());
+    EXPECT_TRUE(fitOf(inputs, output, withTrend(1)).report.worstCases.empty());
 }
 
 TEST(KrigingFitReport, ReportsNoiseInTheUnitOfTheOutput)
 {
     const Columns inputs = latinHypercube(150, 1, 3);
-    std::vector<double> output = valuesOf(wave, inputs);
-    UniformNumbers numbers(9);
-    for (double& y : output) {
-        y = 1000.0 * (y + 0.3 * numbers.normal());
-    }
+    const Function kilo = [](const std::vector<double>& x) { return 1000.0 * wave(x); };
 
-    const KrigingFit fit = fitOf(inputs, output);
+    const KrigingFit fit = fitOf(inputs, noisy(valuesOf(kilo, inputs), 300.0, 9));
 
     // 150 cases estimate a deviation to about 6 %.
     EXPECT_NEAR(fit.report.noiseDeviation, 300.0, 50.0);
@@ -135,13 +122,8 @@ TEST(KrigingFitReport, ReportsNoiseInTheUnitOfTheOutput)
 TEST(KrigingFitReport, SaysWhenThereIsNothingButNoise)
 {
     const Columns inputs = latinHypercube(200, 1, 3);
-    UniformNumbers numbers(5);
-    std::vector<double> noise;
-    for (std::size_t i = 0; i < 200; ++i) {
-        noise.push_back(numbers.normal());
-    }
 
-    const KrigingFit fit = fitOf(inputs, noise);
+    const KrigingFit fit = fitOf(inputs, noisy(std::vector<double>(200), 1.0, 5));
 
     EXPECT_LT(fit.metrics.r2, 0.1);
     const auto begins = [&](const std::string& start) {
@@ -156,11 +138,9 @@ TEST(KrigingFitReport, SaysWhenThereIsNothingButNoise)
 TEST(KrigingFitReport, SaysWhyThereAreNoLeaveOneOutFigures)
 {
     // Without the last case nothing determines the slope along V2.
-    KrigingFitOptions options = withTrend(1);
-    options.correlationLengths = {2.0, 2.0};
     const KrigingFit fit =
         fitOf({{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0}, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 1.0}},
-              {3.0, 1.0, 4.0, 1.0, 5.0, 9.0, 2.0, 6.0}, options);
+              {3.0, 1.0, 4.0, 1.0, 5.0, 9.0, 2.0, 6.0}, withTrend(1, {2.0, 2.0}));
 
     EXPECT_TRUE(std::isnan(fit.metrics.looRmse));
     EXPECT_TRUE(warns(fit, "A case alone determines a term of the trend: there are no "
@@ -170,13 +150,8 @@ TEST(KrigingFitReport, SaysWhyThereAreNoLeaveOneOutFigures)
 TEST(KrigingFitReport, SaysWhenItIsWorseThanTheMean)
 {
     const Columns inputs = latinHypercube(30, 2, 3);
-    UniformNumbers numbers(77);
-    std::vector<double> noise(30);
-    for (double& y : noise) {
-        y = numbers.normal();
-    }
 
-    const KrigingFit fit = fitOf(inputs, noise);
+    const KrigingFit fit = fitOf(inputs, noisy(std::vector<double>(30), 1.0, 77));
 
     EXPECT_LE(fit.metrics.q2, 0.0);
     EXPECT_TRUE(warns(fit, "Left-out cases are predicted no better than by the mean of the cases: "
@@ -189,9 +164,8 @@ TEST(KrigingFitReport, SaysWhenTheModelFollowsSingleCases)
     const std::string warning = "The correlation lengths are below the spacing of the cases: the "
                                 "model follows single cases and says little of what lies between "
                                 "them.";
-    KrigingFitOptions options = withTrend(0);
-    options.correlationLengths = {0.05, 0.05};
+    const std::vector<double> output = valuesOf(wave, inputs);
 
-    EXPECT_TRUE(warns(fitOf(inputs, valuesOf(wave, inputs), options), warning));
-    EXPECT_FALSE(warns(fitOf(inputs, valuesOf(wave, inputs)), warning));
+    EXPECT_TRUE(warns(fitOf(inputs, output, withTrend(0, {0.05, 0.05})), warning));
+    EXPECT_FALSE(warns(fitOf(inputs, output), warning));
 }

@@ -34,8 +34,6 @@ KrigingFit soundFit()
 
 } // namespace
 
-TEST(KrigingTexts, WritesFiguresWithEightDigits) {}
-
 TEST(KrigingTexts, WritesALinePerFigure)
 {
     KrigingFit fit = soundFit();

@@ -16,12 +16,17 @@ double wave(const std::vector<double>& x)
     return std::sin(5.0 * x[0]) + x[1] * x[1] * x[0];
 }
 
+std::shared_ptr<KrigingData> waves(std::size_t cases)
+{
+    const Columns inputs = latinHypercube(cases, 2, 3);
+    return dataOf(inputs, valuesOf(wave, inputs));
+}
+
 } // namespace
 
 TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
 {
-    const Columns inputs = latinHypercube(200, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(200);
 
     const KrigingSearchResult found = KrigingSubsetSearch::run(data, 0, {}, 60, 0);
 
@@ -32,8 +37,7 @@ TEST(KrigingSubsetSearch, HasTheLikelihoodOfAllCases)
 
 TEST(KrigingSubsetSearch, ComesCloseToTheSearchWithAllCases)
 {
-    const Columns inputs = latinHypercube(200, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(200);
     const double best = KrigingSearch::run(data, {}).logLikelihood;
 
     EXPECT_GT(KrigingSubsetSearch::run(data, 0, {}, 100, 0).logLikelihood, best - 40.0);
@@ -91,8 +95,7 @@ TEST(KrigingSubsetSearch, IsUsedAndSaidWhereCasesAreMany)
 
 TEST(KrigingSubsetSearch, GainsLikelihoodByEachStepWithAllCases)
 {
-    const Columns inputs = latinHypercube(200, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(200);
     const auto after = [&](int steps) { return KrigingSubsetSearch::run(data, 0, {}, 60, steps); };
 
     const KrigingSearchResult two = after(2);
@@ -131,8 +134,7 @@ TEST(KrigingSubsetSearch, NeverLosesLikelihoodByAStep)
 
 TEST(KrigingSubsetSearch, EvaluatesAllCasesAFewTimesOnly)
 {
-    const Columns inputs = latinHypercube(200, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(200);
 
     // The two nuggets, the better of them once more unless it was the last, and the steps, the last
     // of which is shortened twice at most.
@@ -143,8 +145,7 @@ TEST(KrigingSubsetSearch, EvaluatesAllCasesAFewTimesOnly)
 TEST(KrigingSubsetSearch, RefinesToTheSameBitsOnAnyNumberOfThreads)
 {
     // Enough cases for the factorisation to be shared out.
-    const Columns inputs = latinHypercube(700, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(700);
     const int before = threadCount();
     const auto onThreads = [&](int threads) {
         setThreadCount(threads);
@@ -188,8 +189,7 @@ TEST(KrigingSubsetSearch, RefinesByARuleOfSize)
 
 TEST(KrigingSubsetSearch, LeavesFixedLengthsAsTheyAre)
 {
-    const Columns inputs = latinHypercube(200, 2, 3);
-    const auto data = dataOf(inputs, valuesOf(wave, inputs));
+    const auto data = waves(200);
     KrigingSearchSettings settings;
     settings.fixedLengths = {0.4, 1.0};
 
