@@ -13,6 +13,7 @@ lib/low: Contract
 lib/low/inner  lib/low/other
 lib/low
 lib/high
+application/cli
 ```
 """
 
@@ -36,7 +37,7 @@ class CheckLayers(unittest.TestCase):
         result = self.check({"lib/high/A.cpp": "#include <low/B.h>", "lib/low/B.h": "#include <low/inner/C.h>",
                              "lib/low/inner/C.h": "#include <low/Contract.h>\n#include <vector>",
                              "lib/low/Contract.h": ""})
-        self.assertEqual((result.returncode, result.stdout), (0, "4 files, 4 rooms: all includes point down\n"))
+        self.assertEqual((result.returncode, result.stdout), (0, "4 files, 5 rooms: all includes point down\n"))
 
     def test_an_include_of_a_room_above_is_refused(self):
         self.assert_refused({"lib/low/B.h": "#include <high/A.h>", "lib/high/A.h": ""},
@@ -56,6 +57,13 @@ class CheckLayers(unittest.TestCase):
     def test_a_folder_that_is_not_listed_belongs_to_the_one_around_it(self):
         self.assert_refused({"lib/low/new/E.h": "", "lib/low/inner/H.h": "#include <low/new/E.h>"},
                             "lib/low/inner/H.h (lib/low/inner) includes lib/low/new/E.h (lib/low)")
+
+    def test_options_of_the_program_stand_in_no_string_below_it(self):
+        for text in ('"name one (--inputs)"', '"choose " + "-m"', '"a \\"b\\" --terms T"'):
+            self.assert_refused({"lib/high/A.cpp": f"const char* const a = {text};"}, "lib/high/A.cpp: a string holds the option -")
+        for text in ('/* "--inputs" */', '// "-x"', '"<!--a-->" "all-terms" "a - b" "-1" "-->"'):
+            self.assertEqual(self.check({"lib/high/A.cpp": text}).returncode, 0, text)
+        self.assertEqual(self.check({"application/cli/A.cpp": '"--inputs"', "lib/high/tests/A.cpp": '"--inputs"'}).returncode, 0)
 
     def test_tests_may_use_everything_of_their_component_but_nothing_above(self):
         self.assertEqual(self.check({"lib/low/inner/tests/CTest.cpp": "#include <low/B.h>", "lib/low/B.h": ""}).returncode, 0)
