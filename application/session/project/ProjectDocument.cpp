@@ -47,38 +47,35 @@ std::string bytesOf(const std::string& path)
     return bytes;
 }
 
-/** What the elements of a block say, those that its reader would skip included. */
-std::vector<ProjectDocument::Distribution> distributionsIn(const XmlNode* block)
+std::string attributeOr(const XmlNode& element, const char* name, const char* otherwise)
 {
-    std::vector<ProjectDocument::Distribution> distributions;
-    if (block == nullptr) {
-        return distributions;
-    }
-    for (const XmlNode* const element : block->elements()) {
-        const auto text = [&](const char* attribute, const char* otherwise) {
-            const std::string* const value = element->attribute(attribute);
-            return value == nullptr ? std::string(otherwise) : *value;
-        };
-        distributions.push_back(
-            {text("Name", ""), text("Mode", "UserDefined"), text("Distribution", "")});
-    }
-    return distributions;
+    const std::string* const value = element.attribute(name);
+    return value == nullptr ? otherwise : *value;
 }
 
-const XmlNode* blockIn(const std::optional<XmlNode>& parent)
+/** The elements of the block of distributions in an element, if both are there. */
+std::vector<const XmlNode*> distributionElements(const std::optional<XmlNode>& parent)
 {
-    return parent ? parent->child(distributionBlock) : nullptr;
+    const XmlNode* const block = parent ? parent->child(distributionBlock) : nullptr;
+    return block == nullptr ? std::vector<const XmlNode*>() : block->elements();
+}
+
+/** What they say, those that their reader would skip included. */
+std::vector<ProjectDocument::Distribution> distributionsIn(const std::optional<XmlNode>& parent)
+{
+    std::vector<ProjectDocument::Distribution> distributions;
+    for (const XmlNode* const element : distributionElements(parent)) {
+        distributions.push_back({attributeOr(*element, "Name", ""),
+                                 attributeOr(*element, "Mode", "UserDefined"),
+                                 attributeOr(*element, "Distribution", "")});
+    }
+    return distributions;
 }
 
 XmlNode elementOf(const SerializerInterface& serializer)
 {
     QDomDocument document;
-    try {
-        return nodeOf(serializer.serialize(document));
-    } catch (const XmlFault& fault) {
-        throw ProjectDocumentError("The settings " + quotedText(serializer.name()) +
-                                   " cannot be part of a project document: " + fault.what());
-    }
+    return nodeOf(serializer.serialize(document));
 }
 
 /** What another version has put into the element that is replaced. */
@@ -106,18 +103,14 @@ void give(const std::optional<XmlNode>& element, const SerializerInterface& seri
 }
 
 /** The library would stop at an unknown mode with other settings read already. */
-void checkModes(const XmlNode* block, const std::string& source)
+void checkModes(const std::optional<XmlNode>& parent, const std::string& source)
 {
-    if (block == nullptr) {
-        return;
-    }
-    for (const XmlNode* const element : block->elements()) {
-        const std::string* const mode = element->attribute("Mode");
-        if (mode != nullptr && *mode != "Auto" && *mode != "UserDefined") {
-            const std::string* const name = element->attribute("Name");
+    for (const XmlNode* const element : distributionElements(parent)) {
+        const std::string mode = attributeOr(*element, "Mode", "Auto");
+        if (mode != "Auto" && mode != "UserDefined") {
             throw ProjectDocumentError(placeOf(source, element->position) + "the mode " +
-                                       quotedText(*mode) + " of the variable " +
-                                       quotedText(name == nullptr ? "" : *name) +
+                                       quotedText(mode) + " of the variable " +
+                                       quotedText(attributeOr(*element, "Name", "")) +
                                        " must be \"Auto\" or \"UserDefined\".");
         }
     }
@@ -214,8 +207,8 @@ void ProjectDocument::giveSettings(const SerializerInterface& model,
                                    const SerializerInterface& userDistributions) const
 {
     const ProjectSettings& settings = impl->settings;
-    checkModes(blockIn(settings.model), impl->source);
-    checkModes(blockIn(settings.userDistributions), impl->source);
+    checkModes(settings.model, impl->source);
+    checkModes(settings.userDistributions, impl->source);
     give(settings.model, model);
     give(settings.userDistributions, userDistributions);
 }
@@ -235,8 +228,7 @@ std::vector<std::string> ProjectDocument::modelInputs() const
     }
     for (const XmlNode* const element : impl->settings.model->elements()) {
         if (element->name == "Variable") {
-            const std::string* const name = element->attribute("Name");
-            names.push_back(name == nullptr ? std::string() : *name);
+            names.push_back(attributeOr(*element, "Name", ""));
         }
     }
     return names;
@@ -244,12 +236,12 @@ std::vector<std::string> ProjectDocument::modelInputs() const
 
 std::vector<ProjectDocument::Distribution> ProjectDocument::evaluationPoint() const
 {
-    return distributionsIn(blockIn(impl->settings.model));
+    return distributionsIn(impl->settings.model);
 }
 
 std::vector<ProjectDocument::Distribution> ProjectDocument::userDistributions() const
 {
-    return distributionsIn(blockIn(impl->settings.userDistributions));
+    return distributionsIn(impl->settings.userDistributions);
 }
 
 bool operator==(const ProjectDocument& left, const ProjectDocument& right)

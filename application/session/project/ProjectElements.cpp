@@ -61,6 +61,11 @@ constexpr std::array<Word<TransformSetting>, 5> transforms = {
 constexpr std::array<Word<InputCoding>, 2> codings = {
     {{"Axial", InputCoding::Axial}, {"Factorial", InputCoding::Factorial}}};
 
+[[noreturn]] void refuseRepeated(const XmlNode& element)
+{
+    refuse(element, "the element " + quotedText(element.name) + " comes twice.");
+}
+
 /** Both ends or none. */
 std::optional<ProjectContents::Range> optionalRange(const XmlNode& element, const std::string& from,
                                                     const std::string& to)
@@ -76,19 +81,16 @@ ReadingChoices readReading(const XmlNode& element)
 {
     ReadingChoices reading;
     const auto isThere = [&](const char* name) { return element.attribute(name) != nullptr; };
-    if (isThere("ThousandsSeparator")) {
-        reading.thousandsSeparator =
-            requiredWord(element, "ThousandsSeparator", thousandsSeparators);
-    }
-    if (isThere("Encoding")) {
-        reading.encoding = requiredWord(element, "Encoding", encodings);
-    }
-    if (isThere("Heading")) {
-        reading.heading = requiredWord(element, "Heading", answers);
-    }
-    if (isThere("UnitsRow")) {
-        reading.unitsRow = requiredWord(element, "UnitsRow", answers);
-    }
+    const auto readWord = [&](const char* name, const auto& words, auto& choice) {
+        if (isThere(name)) {
+            choice = requiredWord(element, name, words);
+        }
+    };
+    readWord("ThousandsSeparator", thousandsSeparators, reading.thousandsSeparator);
+    readWord("Encoding", encodings, reading.encoding);
+    readWord("Heading", answers, reading.heading);
+    readWord("UnitsRow", answers, reading.unitsRow);
+    readWord("Strict", answers, reading.isStrict);
     if (isThere("SkippedLines")) {
         reading.skippedLines = requiredNumber(element, "SkippedLines", 0, maxCases);
     }
@@ -98,7 +100,6 @@ ReadingChoices readReading(const XmlNode& element)
     if (isThere("Missing")) {
         reading.missing = MissingWords(required(element, "Missing"));
     }
-    reading.isStrict = isThere("Strict") && requiredWord(element, "Strict", answers);
     return reading;
 }
 
@@ -130,8 +131,8 @@ std::vector<ProjectContents::VariableEntry> readVariables(const XmlNode& list)
 {
     std::vector<ProjectContents::VariableEntry> variables;
     std::set<std::string> names;
-    for (const XmlNode* const element : entriesOf(list, "Variable")) {
-        allowAttributes(*element, {"Name", "Role", "Lower", "Upper"});
+    for (const XmlNode* const element :
+         entriesOf(list, "Variable", {"Name", "Role", "Lower", "Upper"})) {
         ProjectContents::VariableEntry variable;
         variable.name = requiredText(*element, "Name");
         if (!names.insert(variable.name).second) {
@@ -176,8 +177,7 @@ std::vector<std::string> readOutputs(const XmlNode& list, const Roles& known)
 {
     std::vector<std::string> outputs;
     std::set<std::string> seen;
-    for (const XmlNode* const element : entriesOf(list, "Output")) {
-        allowAttributes(*element, {"Name"});
+    for (const XmlNode* const element : entriesOf(list, "Output", {"Name"})) {
         outputs.push_back(entryName(*element, "output", known, Variable::Dependent, seen));
     }
     return outputs;
@@ -187,8 +187,7 @@ std::vector<ProjectContents::Sweep> readSweeps(const XmlNode& list, const Roles&
 {
     std::vector<ProjectContents::Sweep> sweeps;
     std::set<std::string> seen;
-    for (const XmlNode* const element : entriesOf(list, "Sweep")) {
-        allowAttributes(*element, {"Name", "Count", "From", "To"});
+    for (const XmlNode* const element : entriesOf(list, "Sweep", {"Name", "Count", "From", "To"})) {
         ProjectContents::Sweep sweep;
         sweep.name = entryName(*element, "swept input", known, Variable::Independent, seen);
         sweep.count = requiredNumber(*element, "Count", 2, ProjectContents::maxSweptValues);
@@ -201,9 +200,7 @@ std::vector<ProjectContents::Sweep> readSweeps(const XmlNode& list, const Roles&
 std::vector<std::size_t> readExcluded(const XmlNode& element)
 {
     allowAttributes(element, {});
-    for (const XmlNode* const inner : element.elements()) {
-        refuseElement(*inner, element);
-    }
+    refuseElements(element);
     const std::string text = element.content();
     if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
         return {};
@@ -217,10 +214,24 @@ std::vector<std::size_t> readExcluded(const XmlNode& element)
     }
 }
 
-ResponseSurfaceOptions::Selection readTermSelection(const XmlNode& element)
+/** A choice that is an element of its own; without it the choice is the usual one. */
+template <class Choice, std::size_t count>
+void readMethod(const XmlNode& root, const char* tag, const std::array<Word<Choice>, count>& words,
+                Choice& choice)
 {
-    allowOnlyAttributes(element, {"Method"});
-    return requiredWord(element, "Method", termSelections);
+    if (const XmlNode* const element = root.child(tag)) {
+        allowOnlyAttributes(*element, {"Method"});
+        choice = requiredWord(*element, "Method", words);
+    }
+}
+
+template <class Choice, std::size_t count>
+void writeMethod(XmlNode& root, const char* tag, const std::array<Word<Choice>, count>& words,
+                 Choice choice, Choice usual)
+{
+    if (choice != usual) {
+        root.children.push_back(XmlNode::element(tag, {{"Method", wordFor(choice, words)}}));
+    }
 }
 
 /** The formula of chosen terms is in the names of inputs: whether they are there decides the fit.
@@ -255,14 +266,12 @@ void checkModel(const XmlNode& model)
         if (child->name == "Variable") {
             allowOnlyAttributes(*child, {"Name"});
         } else if (isModelElement(*child) && !seen.insert(child->name).second) {
-            refuse(*child, "the element " + quotedText(child->name) + " comes twice.");
+            refuseRepeated(*child);
         } else if (child->name == distributionBlock) {
             checkDistributions(*child);
         } else if (child->name == "Type") {
             allowAttributes(*child, {});
-            for (const XmlNode* const inner : child->elements()) {
-                refuseElement(*inner, *child);
-            }
+            refuseElements(*child);
         }
     }
 }
@@ -279,7 +288,7 @@ void readUserDistributions(const XmlNode& element)
         checkDistributions(*block);
     }
     if (blocks.size() > 1) {
-        refuse(*blocks[1], "the element " + quotedText(distributionBlock) + " comes twice.");
+        refuseRepeated(*blocks[1]);
     }
 }
 
@@ -327,7 +336,7 @@ std::vector<XmlNode> unknownChildren(const XmlNode& root)
         if (knownTags().count(child->name) == 0) {
             unknown.push_back(*child);
         } else if (!seen.insert(child->name).second) {
-            refuse(*child, "the element " + quotedText(child->name) + " comes twice.");
+            refuseRepeated(*child);
         }
     }
     return unknown;
@@ -351,19 +360,15 @@ XmlNode caseFileElement(const ProjectContents::CaseFile& file)
                      {"Separator", wordFor(file.separator, separatorWords)},
                      {"DecimalMark", wordFor(file.hasDecimalComma, decimalMarks)}});
     const ReadingChoices& reading = file.reading;
-    if (reading.thousandsSeparator) {
-        element.attributes["ThousandsSeparator"] =
-            wordFor(*reading.thousandsSeparator, thousandsSeparators);
-    }
-    if (reading.encoding) {
-        element.attributes["Encoding"] = wordFor(*reading.encoding, encodings);
-    }
-    if (reading.heading) {
-        element.attributes["Heading"] = wordFor(*reading.heading, answers);
-    }
-    if (reading.unitsRow) {
-        element.attributes["UnitsRow"] = wordFor(*reading.unitsRow, answers);
-    }
+    const auto writeWord = [&](const char* name, const auto& words, const auto& choice) {
+        if (choice) {
+            element.attributes[name] = wordFor(*choice, words);
+        }
+    };
+    writeWord("ThousandsSeparator", thousandsSeparators, reading.thousandsSeparator);
+    writeWord("Encoding", encodings, reading.encoding);
+    writeWord("Heading", answers, reading.heading);
+    writeWord("UnitsRow", answers, reading.unitsRow);
     if (reading.skippedLines) {
         element.attributes["SkippedLines"] = std::to_string(*reading.skippedLines);
     }
@@ -458,9 +463,7 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
     if (const XmlNode* const sweeps = root.child("Sweeps")) {
         contents.sweeps = readSweeps(*sweeps, known);
     }
-    if (const XmlNode* const selection = root.child("TermSelection")) {
-        contents.responseSurface.selection = readTermSelection(*selection);
-    }
+    readMethod(root, "TermSelection", termSelections, contents.responseSurface.selection);
     if (const XmlNode* const polynomial = root.child("Polynomial")) {
         readPolynomial(*polynomial, contents.responseSurface);
     }
@@ -469,14 +472,8 @@ void readProjectElements(const XmlNode& root, ProjectContents& contents, Project
         contents.designColumns.weights = optionalText(*design, "Weights");
         contents.designColumns.blocks = optionalText(*design, "Blocks");
     }
-    if (const XmlNode* const transform = root.child("OutputTransform")) {
-        allowOnlyAttributes(*transform, {"Method"});
-        contents.transform = requiredWord(*transform, "Method", transforms);
-    }
-    if (const XmlNode* const coding = root.child("InputCoding")) {
-        allowOnlyAttributes(*coding, {"Method"});
-        contents.coding = requiredWord(*coding, "Method", codings);
-    }
+    readMethod(root, "OutputTransform", transforms, contents.transform);
+    readMethod(root, "InputCoding", codings, contents.coding);
 }
 
 XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& settings)
@@ -504,10 +501,8 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
         }
         root.children.push_back(std::move(polynomial));
     }
-    if (options.selection != ResponseSurfaceOptions::Selection::All) {
-        root.children.push_back(XmlNode::element(
-            "TermSelection", {{"Method", wordFor(options.selection, termSelections)}}));
-    }
+    writeMethod(root, "TermSelection", termSelections, options.selection,
+                ResponseSurfaceOptions::Selection::All);
     if (!contents.designColumns.isEmpty()) {
         XmlNode design = XmlNode::element("CaseDesign", {});
         if (!contents.designColumns.weights.empty()) {
@@ -518,14 +513,8 @@ XmlNode projectElement(const ProjectContents& contents, const ProjectSettings& s
         }
         root.children.push_back(std::move(design));
     }
-    if (contents.transform != TransformSetting::Usual) {
-        root.children.push_back(XmlNode::element(
-            "OutputTransform", {{"Method", wordFor(contents.transform, transforms)}}));
-    }
-    if (contents.coding != InputCoding::Axial) {
-        root.children.push_back(
-            XmlNode::element("InputCoding", {{"Method", wordFor(contents.coding, codings)}}));
-    }
+    writeMethod(root, "OutputTransform", transforms, contents.transform, TransformSetting::Usual);
+    writeMethod(root, "InputCoding", codings, contents.coding, InputCoding::Axial);
     root.children.insert(root.children.end(), settings.unknown.begin(), settings.unknown.end());
     return root;
 }

@@ -46,17 +46,23 @@ void XmlChecks::refuseElement(const XmlNode& element, const XmlNode& parent)
                         "program that wrote it.");
 }
 
-void XmlChecks::allowOnlyAttributes(const XmlNode& element,
-                                    std::initializer_list<const char*> known)
+void XmlChecks::refuseElements(const XmlNode& element)
 {
-    allowAttributes(element, known);
-    refuseText(element);
     for (const XmlNode* const inner : element.elements()) {
         refuseElement(*inner, element);
     }
 }
 
-std::vector<const XmlNode*> XmlChecks::entriesOf(const XmlNode& list, const std::string& tag)
+void XmlChecks::allowOnlyAttributes(const XmlNode& element,
+                                    std::initializer_list<const char*> known)
+{
+    allowAttributes(element, known);
+    refuseText(element);
+    refuseElements(element);
+}
+
+std::vector<const XmlNode*> XmlChecks::entriesOf(const XmlNode& list, const std::string& tag,
+                                                 std::initializer_list<const char*> known)
 {
     allowAttributes(list, {});
     refuseText(list);
@@ -65,10 +71,7 @@ std::vector<const XmlNode*> XmlChecks::entriesOf(const XmlNode& list, const std:
         if (entry->name != tag) {
             refuseElement(*entry, list);
         }
-        refuseText(*entry);
-        for (const XmlNode* const inner : entry->elements()) {
-            refuseElement(*inner, *entry);
-        }
+        allowOnlyAttributes(*entry, known);
     }
     return entries;
 }

@@ -19,6 +19,9 @@ namespace XmlChecks {
 /** A child that this version does not know. */
 [[noreturn]] void refuseElement(const XmlNode& element, const XmlNode& parent);
 
+/** An element may hold no others. */
+void refuseElements(const XmlNode& element);
+
 /** An element may hold these attributes. */
 void allowAttributes(const XmlNode& element, std::initializer_list<const char*> known);
 
@@ -28,8 +31,9 @@ void allowOnlyAttributes(const XmlNode& element, std::initializer_list<const cha
 /** An element may hold no text but blanks. */
 void refuseText(const XmlNode& element);
 
-/** The elements of a list, all of one name, with attributes only. */
-std::vector<const XmlNode*> entriesOf(const XmlNode& list, const std::string& tag);
+/** The elements of a list, all of one name, with these attributes only. */
+std::vector<const XmlNode*> entriesOf(const XmlNode& list, const std::string& tag,
+                                      std::initializer_list<const char*> known);
 
 /** "the attribute "Path" of the element "CaseFile"". */
 std::string described(const XmlNode& element, const std::string& attribute);

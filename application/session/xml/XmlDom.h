@@ -5,10 +5,9 @@
 class QDomDocument;
 class QDomElement;
 
-/** Makes the root of an empty document from an element; the answer is valid as long as the
- *  document. */
+/** Makes the root of an empty document from the elements and texts of an element, which are what
+ *  serializers read; the answer is valid as long as the document. */
 QDomElement makeDomRoot(QDomDocument& document, const XmlNode& element);
 
-/** The way back. @throw XmlFault for a text that is no Unicode, and for an element that holds more
- *  than elements, texts and comments or is nested too deep. */
+/** The way back, of elements and texts that serializers have written. */
 XmlNode nodeOf(const QDomElement& element);

@@ -171,14 +171,14 @@ private:
             close();
             break;
         case QXmlStreamReader::Characters:
-            addText(bytesOf(parser.text()));
+            add(XmlNode::Text, {}, parser.text());
             break;
         case QXmlStreamReader::Comment:
-            addOther(XmlNode::Comment, std::string(), bytesOf(parser.text()));
+            add(XmlNode::Comment, {}, parser.text());
             break;
         case QXmlStreamReader::ProcessingInstruction:
-            addOther(XmlNode::Instruction, bytesOf(parser.processingInstructionTarget()),
-                     bytesOf(parser.processingInstructionData()));
+            add(XmlNode::Instruction, parser.processingInstructionTarget(),
+                parser.processingInstructionData());
             break;
         default:
             break;
@@ -243,29 +243,22 @@ private:
         }
     }
 
-    void addText(std::string content)
+    /** Adds what is no element to the open one; around the root it is left out. */
+    void add(XmlNode::Kind kind, const QStringRef& name, const QStringRef& content)
     {
         if (openNodes.empty()) {
             return;
         }
-        // CDATA sections and references come as tokens of their own.
         std::vector<XmlNode>& children = openNodes.back().children;
-        if (!children.empty() && children.back().kind == XmlNode::Text) {
-            children.back().text += content;
-        } else {
-            children.push_back(XmlNode::textNode(std::move(content)));
+        // CDATA sections and references come as tokens of their own.
+        const bool continuesText =
+            kind == XmlNode::Text && !children.empty() && children.back().kind == XmlNode::Text;
+        if (!continuesText) {
+            children.push_back(XmlNode::textNode({}));
+            children.back().kind = kind;
+            children.back().name = bytesOf(name);
         }
-    }
-
-    void addOther(XmlNode::Kind kind, std::string name, std::string content)
-    {
-        if (openNodes.empty()) {
-            return;
-        }
-        XmlNode node = XmlNode::textNode(std::move(content));
-        node.kind = kind;
-        node.name = std::move(name);
-        openNodes.back().children.push_back(std::move(node));
+        children.back().text += bytesOf(content);
     }
 
     const QString& text;
@@ -275,34 +268,17 @@ private:
     XmlNode root;
 };
 
-void checkText(std::string_view text)
+QString writable(const std::string& text)
 {
     if (xmlPrefixLength(text) != text.size()) {
         throw XmlFault(XmlPosition(), "XML cannot carry the text " + quotedText(text) +
                                           ": it holds a control character, or bytes that are no "
                                           "UTF-8.");
     }
+    return storableText(text);
 }
 
-void checkTexts(const XmlNode& node, std::size_t depth)
-{
-    if (depth > maxXmlNesting) {
-        throw XmlFault(XmlPosition(), "the element " + quotedText(node.name) +
-                                          " is nested deeper than " +
-                                          std::to_string(maxXmlNesting) + " levels.");
-    }
-    checkText(node.name);
-    checkText(node.text);
-    for (const auto& attribute : node.attributes) {
-        checkText(attribute.first);
-        checkText(attribute.second);
-    }
-    for (const XmlNode& child : node.children) {
-        checkTexts(child, depth + 1);
-    }
-}
-
-/** Writes nodes whose texts have been checked. */
+/** Writes nodes, and refuses what readXml() would not read back. */
 class TreeWriter
 {
 public:
@@ -318,7 +294,12 @@ public:
 private:
     void writeElement(const XmlNode& node, int depth)
     {
-        const QString tag = storableText(node.name);
+        if (static_cast<std::size_t>(depth) == maxXmlNesting) {
+            throw XmlFault(XmlPosition(), "the element " + quotedText(node.name) +
+                                              " is nested deeper than " +
+                                              std::to_string(maxXmlNesting) + " levels.");
+        }
+        const QString tag = writable(node.name);
         if (node.children.empty()) {
             writer.writeEmptyElement(tag);
             writeAttributes(node);
@@ -334,7 +315,7 @@ private:
             if (isIndented) {
                 breakLine(depth + 1);
             }
-            writeChild(child, depth + 1);
+            write(child, depth + 1);
         }
         if (isIndented) {
             breakLine(depth);
@@ -345,24 +326,24 @@ private:
     void writeAttributes(const XmlNode& node)
     {
         for (const auto& attribute : node.attributes) {
-            writer.writeAttribute(storableText(attribute.first), storableText(attribute.second));
+            writer.writeAttribute(writable(attribute.first), writable(attribute.second));
         }
     }
 
-    void writeChild(const XmlNode& node, int depth)
+    void write(const XmlNode& node, int depth)
     {
         switch (node.kind) {
         case XmlNode::Element:
             writeElement(node, depth);
             break;
         case XmlNode::Text:
-            writeText(storableText(node.text));
+            writeText(writable(node.text));
             break;
         case XmlNode::Comment:
-            writer.writeComment(storableText(node.text));
+            writer.writeComment(writable(node.text));
             break;
         case XmlNode::Instruction:
-            writer.writeProcessingInstruction(storableText(node.name), storableText(node.text));
+            writer.writeProcessingInstruction(writable(node.name), writable(node.text));
             break;
         }
     }
@@ -404,6 +385,5 @@ XmlNode readXml(std::string_view bytes)
 
 std::string writeXml(const XmlNode& root)
 {
-    checkTexts(root, 1);
     return TreeWriter().write(root);
 }

@@ -12,9 +12,9 @@
 TEST(XmlChecks, PassWhatIsAllowed)
 {
     const XmlNode list = readXml("<List><Entry Name='a' Count='3' Size='-1.5'/></List>");
-    const XmlNode& entry = *XmlChecks::entriesOf(list, "Entry").at(0);
+    const XmlNode& entry =
+        *XmlChecks::entriesOf(list, "Entry", {"Name", "Count", "Size", "Unit"}).at(0);
 
-    XmlChecks::allowOnlyAttributes(entry, {"Name", "Count", "Size", "Unit"});
     EXPECT_EQ(XmlChecks::requiredText(entry, "Name"), "a");
     EXPECT_EQ(XmlChecks::requiredNumber(entry, "Count", 2, 9), 3u);
     EXPECT_EQ(XmlChecks::finiteNumber(entry, "Size"), -1.5);
@@ -38,7 +38,7 @@ TEST(XmlChecks, RefuseTheRestAtItsElement)
     const XmlNode root = readXml("<List>\n  <Entry Name=''>text<Inner/></Entry></List>");
     const XmlNode& entry = *root.child("Entry");
     const std::pair<std::function<void()>, const char*> rows[] = {
-        {[&] { XmlChecks::entriesOf(root, "Other"); },
+        {[&] { XmlChecks::entriesOf(root, "Other", {}); },
          "the element \"Entry\" inside \"List\" is not known to this version; remove it, or open "
          "the document with the program that wrote it."},
         {[&] { XmlChecks::refuseText(entry); },
