@@ -2,7 +2,6 @@
 
 #include "OptionTypes.h"
 
-#include <session/model/ModelFile.h>
 #include <session/text/DecimalText.h>
 
 #include <mirel_fitting/numerics/TextPieces.h>
@@ -328,15 +327,19 @@ void describePlot(CLI::App& command, CommandLine& line)
     addModel(command, line);
     addTerms(command, line);
     command.option_defaults()->group("Picture");
-    const auto takeKind = [&line](const std::string& word) {
-        line.kind = SessionPictures::kindOf(word);
-    };
-    CLI::Option* const kind = addText(command, "--kind",
-                                      "sweep, contour, actual, residuals, normal, coefficients or\n"
-                                      "ridge. Default: contour if two inputs are swept, else sweep",
-                                      "K", takeKind);
-    require(kind, "one of " + SessionPictures::kindWords(),
-            [](const std::string& word) { return SessionPictures::kindOf(word).has_value(); });
+    using Kind = SessionPictures::Kind;
+    addWord<Kind>(command, "--kind",
+                  "sweep, contour, actual, residuals, normal, coefficients or\n"
+                  "ridge. Default: contour if two inputs are swept, else sweep",
+                  "K", "one of sweep, contour, actual, residuals, normal, coefficients, ridge",
+                  {{"sweep", Kind::Sweep},
+                   {"contour", Kind::Contour},
+                   {"actual", Kind::Actual},
+                   {"residuals", Kind::Residuals},
+                   {"normal", Kind::Normal},
+                   {"coefficients", Kind::Coefficients},
+                   {"ridge", Kind::Ridge}},
+                  line.kind);
     addValues(command, line);
     command.option_defaults()->group("Picture");
     addText(command, "--size", "pixels of each panel; default: 800x600", "WxH",
@@ -381,8 +384,13 @@ void describeExport(CLI::App& command, CommandLine& line)
     addTerms(command, line);
     command.option_defaults()->group("Output");
     const std::string formats = "text, json, c, python or excel";
-    require(addValue(command, "--format", formats, "F", line.format), formats,
-            [](const std::string& word) { return ModelFile::formatOf(word).has_value(); });
+    addWord<ExportFormat>(command, "--format", formats, "F", formats,
+                          {{"text", ExportFormat::Text},
+                           {"json", ExportFormat::Json},
+                           {"c", ExportFormat::C},
+                           {"python", ExportFormat::Python},
+                           {"excel", ExportFormat::Excel}},
+                          line.format);
     addOutput(command, line);
     command.footer(R"(Formats:
   text    formulas for a reader

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_modelexport/ModelExport.h>
 #include <plot/drawing/PictureSize.h>
 #include <plot/model/SessionPictures.h>
 #include <session/cases/CaseFileReader.h>
@@ -41,7 +42,7 @@ struct CommandLine
     std::vector<std::string> counts;
     std::vector<std::string> values;
     std::string points;
-    std::string format; ///< of an exported model
+    std::optional<ExportFormat> format; ///< of an exported model
     std::string output = "-";
     std::optional<SessionPictures::Kind> kind;
     std::optional<PictureSize> size;  ///< of a picture

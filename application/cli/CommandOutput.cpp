@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include <session/files/OutputFile.h>
+#include <session/report/FitReport.h>
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
@@ -23,6 +24,13 @@ void note(const CommandLine& line, const std::string& text)
 {
     if (!line.isQuiet) {
         std::cerr << messageText(text);
+    }
+}
+
+void noteFit(const CommandLine& line, CaseSession& session, const Evaluation* evaluation)
+{
+    if (!line.isQuiet) {
+        note(line, FitReport::notes(session, evaluation));
     }
 }
 

@@ -3,7 +3,6 @@
 #include "CommandLine.h"
 #include "CommandOutput.h"
 #include "CompareCommand.h"
-#include "ExportCommand.h"
 #include "OpenSession.h"
 #include "PlotCommand.h"
 #include "ShellWord.h"
@@ -15,6 +14,7 @@
 #include <session/cases/VariableNames.h>
 #include <session/files/OutputFile.h>
 #include <session/files/OutputTable.h>
+#include <session/model/ModelFile.h>
 #include <session/model/PredictionPoints.h>
 #include <session/model/SessionState.h>
 #include <session/project/ProjectDocument.h>
@@ -43,6 +43,8 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 /** Tables come out like the table that went in, unless the user wants another form. */
 TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
@@ -58,15 +60,6 @@ TableDialect dialectOf(const CommandLine& line, const CaseFileLayout& input)
         (yieldsMark ? dialect.hasDecimalComma = false : dialect.separator = ';');
     }
     return dialect;
-}
-
-/** Notes and warnings of the fit. Not with --quiet: finding them takes as long as many predictions.
- */
-void noteFit(const CommandLine& line, CaseSession& session, const Evaluation* evaluation = nullptr)
-{
-    if (!line.isQuiet) {
-        note(line, FitReport::notes(session, evaluation));
-    }
 }
 
 /** With --json the table is a member of the object, unless it goes to a file. */
@@ -267,21 +260,20 @@ void runEquations(const CommandLine& line)
     }
 }
 
-void runPlot(const CommandLine& line)
-{
-    PlotCommand::check(line);
-    OpenSession open(line);
-    PlotCommand::chooseValues(line, open);
-    const Evaluation evaluation = PlotCommand::run(line, open);
-    open.save(line);
-    noteFit(line, open.session, &evaluation);
-}
-
 void runExport(const CommandLine& line)
 {
-    ExportCommand::check(line);
+    if (!line.format) {
+        throw UsageError("The command export needs a format: --format text, json, c, python or "
+                         "excel.");
+    }
+    if (line.format == ExportFormat::Excel && line.output == "-" && isatty(STDOUT_FILENO) != 0) {
+        throw UsageError("A terminal cannot show a workbook; name a file: -o FILE.");
+    }
     OpenSession open(line);
-    ExportCommand::run(line, open.session);
+    fitWithProgress(line, open.session);
+    writeText(line.output,
+              exportModel(ModelFile::exported(open.session, FitReport::json(open.session)),
+                          *line.format));
     open.save(line);
     noteFit(line, open.session);
 }
@@ -349,7 +341,7 @@ void run(const CommandLine& line)
     case CommandLine::Equations:
         return runEquations(line);
     case CommandLine::Plot:
-        return runPlot(line);
+        return PlotCommand::run(line);
     case CommandLine::Compare:
         return CompareCommand::run(line);
     case CommandLine::Export:

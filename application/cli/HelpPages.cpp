@@ -1,5 +1,7 @@
 #include "HelpPages.h"
 
+#include "ShellWord.h"
+
 #include <boost/algorithm/string.hpp>
 
 #include <CLI/CLI.hpp>
@@ -33,11 +35,6 @@ std::string roff(const std::string& text)
     escaped = replace_all_copy(escaped, "\n'", "\n\\&'");
     return !escaped.empty() && (escaped[0] == '.' || escaped[0] == '\'') ? "\\&" + escaped
                                                                          : escaped;
-}
-
-std::string singleQuoted(const std::string& text)
-{
-    return '\'' + replace_all_copy(text, "'", "'\\''") + '\'';
 }
 
 std::vector<const CLI::App*> commandsOf(const CLI::App& app)

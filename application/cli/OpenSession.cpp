@@ -99,11 +99,10 @@ const std::string& assignment(const std::string& option, const std::string& text
 } // namespace
 
 OpenSession::OpenSession(const CommandLine& line)
-    : start(std::chrono::steady_clock::now()),
-      opened(line.startsFromModel() ? std::make_unique<CaseSession>(ModelFile::read(line.subject))
+    : opened(line.startsFromModel() ? std::make_unique<CaseSession>(ModelFile::read(line.subject))
              : line.startsFromProject() ? sessionOfProject(line)
                                         : sessionOfCases(line)),
-      readSeconds(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count())
+      readSeconds(watch.seconds())
 {
     // An exported model has its roles, and may well have no input.
     if (!line.startsFromModel() && line.command != CommandLine::Summary) {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <session/model/CaseSession.h>
+#include <session/model/Stopwatch.h>
 
 #include <mirel_analyzercommon/UndoStack.h>
 
-#include <chrono>
 #include <memory>
 
 struct CommandLine;
@@ -29,8 +29,8 @@ struct OpenSession
     /** Keeps what was chosen, if --save asks for it: once the work with it has gone well. */
     void save(const CommandLine& line) const;
 
-    UndoStack::SuspendUndoRecording unrecorded;  ///< a command ends before anything could be undone
-    std::chrono::steady_clock::time_point start; ///< of reading
+    UndoStack::SuspendUndoRecording unrecorded; ///< a command ends before anything could be undone
+    Stopwatch watch;                            ///< from before reading on
     std::unique_ptr<CaseSession> opened;
     CaseSession& session = *opened;
     double readSeconds;

@@ -1,6 +1,7 @@
 #include "PlotCommand.h"
 
 #include "CommandLine.h"
+#include "CommandOutput.h"
 #include "OpenSession.h"
 #include "TerminalProgress.h"
 
@@ -48,15 +49,14 @@ std::string hint(Kind kind)
                      " with --sweep NAME, --sweep NAME=TEXT or --count NAME=N, and hold others "
                      "with --at NAME=VALUE.";
 }
-} // namespace
 
-void PlotCommand::check(const CommandLine& line)
+/** Finds faults of the command line before anything is read. */
+void check(const CommandLine& line, Kind kind)
 {
     if (line.output == "-") {
         throw UsageError("The command plot needs a file for the picture: -o FILE.svg, FILE.png or "
                          "FILE.pdf.");
     }
-    const Kind kind = kindOf(line);
     Picture::formatOf(line.output);
     const bool hasValues = !line.sweeps.empty() || !line.counts.empty() || !line.values.empty();
     if (hasValues && SessionPictures::sweptInputs(kind) == 0) {
@@ -64,9 +64,10 @@ void PlotCommand::check(const CommandLine& line)
     }
 }
 
-void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
+/** Gives the inputs the values asked for and, where they are all that is left, the usual ones.
+ *  Finds faults that only the cases show, before the fit. */
+void chooseValues(const CommandLine& line, Kind kind, OpenSession& open)
 {
-    const Kind kind = kindOf(line);
     open.chooseValues(line, SessionPictures::defaultValues(kind));
     SessionPictures::sweepRemaining(kind, open.session, open.held);
     try {
@@ -75,14 +76,20 @@ void PlotCommand::chooseValues(const CommandLine& line, OpenSession& open)
         throw UsageError(error.what() + hint(kind));
     }
 }
+} // namespace
 
-Evaluation PlotCommand::run(const CommandLine& line, OpenSession& open)
+void PlotCommand::run(const CommandLine& line)
 {
+    const Kind kind = kindOf(line);
+    check(line, kind);
+    OpenSession open(line);
+    chooseValues(line, kind, open);
     fitWithProgress(line, open.session);
-    std::vector<PictureData> panels = SessionPictures::make(kindOf(line), open.session, open.held);
+    std::vector<PictureData> panels = SessionPictures::make(kind, open.session, open.held);
     Evaluation evaluation;
     evaluation.extrapolation = extrapolationOf(panels.front());
     const DrawingApplication application;
     Picture(std::move(panels), line.size).write(line.output);
-    return evaluation;
+    open.save(line);
+    noteFit(line, open.session, &evaluation);
 }

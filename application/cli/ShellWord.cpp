@@ -1,5 +1,7 @@
 #include "ShellWord.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <cctype>
 
@@ -10,12 +12,10 @@ std::string shellWord(const std::string& text)
         const auto byte = static_cast<unsigned char>(letter);
         return std::isalnum(byte) != 0 || byte >= 0x80 || plain.find(letter) != std::string::npos;
     });
-    if (isPlain && !text.empty()) {
-        return text;
-    }
-    std::string quoted;
-    for (const char letter : text) {
-        quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-    }
-    return '\'' + quoted + '\'';
+    return isPlain && !text.empty() ? text : singleQuoted(text);
+}
+
+std::string singleQuoted(const std::string& text)
+{
+    return '\'' + boost::algorithm::replace_all_copy(text, "'", "'\\''") + '\'';
 }

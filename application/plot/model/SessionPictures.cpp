@@ -18,20 +18,15 @@
 #include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/FittedModel.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace {
 using SessionPictures::Kind;
-
-const std::vector<std::pair<std::string, Kind>> kinds = {
-    {"sweep", Kind::Sweep},   {"contour", Kind::Contour},
-    {"actual", Kind::Actual}, {"residuals", Kind::Residuals},
-    {"normal", Kind::Normal}, {"coefficients", Kind::Coefficients},
-    {"ridge", Kind::Ridge}};
 
 bool isOfResponseSurfaces(Kind kind)
 {
@@ -109,22 +104,6 @@ void sweepStrongest(CaseSession& session, std::vector<std::size_t> held)
     }
 }
 } // namespace
-
-std::string SessionPictures::kindWords()
-{
-    std::vector<std::string> words;
-    for (const auto& [word, kind] : kinds) {
-        words.push_back(word);
-    }
-    return joinedText(words);
-}
-
-std::optional<SessionPictures::Kind> SessionPictures::kindOf(const std::string& word)
-{
-    const auto found = std::find_if(kinds.begin(), kinds.end(),
-                                    [&](const auto& known) { return known.first == word; });
-    return found == kinds.end() ? std::nullopt : std::make_optional(found->second);
-}
 
 std::size_t SessionPictures::sweptInputs(Kind kind)
 {

@@ -5,8 +5,6 @@
 #include <surrogate_plot/Export.h>
 
 #include <cstddef>
-#include <optional>
-#include <string>
 #include <vector>
 
 class CaseSession;
@@ -25,12 +23,6 @@ enum class Kind
     Coefficients,
     Ridge
 };
-
-/** The words that users write for them, separated by commas. */
-SURROGATE_PLOT_EXPORT std::string kindWords();
-
-/** None if it is not among kindWords(). */
-SURROGATE_PLOT_EXPORT std::optional<Kind> kindOf(const std::string& word);
 
 /** Inputs that a picture sweeps: 1, 2 or, of kinds that show the cases, 0. */
 SURROGATE_PLOT_EXPORT std::size_t sweptInputs(Kind kind);

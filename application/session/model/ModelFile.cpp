@@ -8,7 +8,6 @@
 #include <mirel_datamanagement/Project.h>
 
 #include <cmath>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -35,17 +34,6 @@ bool ModelFile::isModelFile(const std::string& path)
     const std::string ending = fileEnding;
     return path.size() > ending.size() &&
            path.compare(path.size() - ending.size(), ending.size(), ending) == 0;
-}
-
-std::optional<ExportFormat> ModelFile::formatOf(const std::string& word)
-{
-    const std::map<std::string, ExportFormat> formats = {{"text", ExportFormat::Text},
-                                                         {"json", ExportFormat::Json},
-                                                         {"c", ExportFormat::C},
-                                                         {"python", ExportFormat::Python},
-                                                         {"excel", ExportFormat::Excel}};
-    const auto found = formats.find(word);
-    return found == formats.end() ? std::nullopt : std::make_optional(found->second);
 }
 
 ExportedModel ModelFile::exported(CaseSession& session, nlohmann::ordered_json report)

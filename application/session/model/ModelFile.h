@@ -4,7 +4,6 @@
 
 #include <surrogate_session/Export.h>
 
-#include <optional>
 #include <string>
 
 class CaseSession;
@@ -17,9 +16,6 @@ constexpr const char* fileEnding = ".json";
 
 /** Whether a file is an exported model, by its name. */
 SURROGATE_SESSION_EXPORT bool isModelFile(const std::string& path);
-
-/** The format that a user's word stands for; none unless it is text, json, c, python or excel. */
-SURROGATE_SESSION_EXPORT std::optional<ExportFormat> formatOf(const std::string& word);
 
 /**
  * The model of a session with the names and the ranges.

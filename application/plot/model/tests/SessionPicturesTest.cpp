@@ -176,12 +176,3 @@ TEST(SessionPictures, OfContoursSweepTheInputsThatMatterMost)
     SessionPictures::make(Kind::Contour, *session, {0});
     EXPECT_EQ(session->sweptInputs(), (std::vector<std::size_t>{1, 2}));
 }
-
-TEST(SessionPictures, AreKnownByTheirWords)
-{
-    EXPECT_EQ(SessionPictures::kindWords(),
-              "sweep, contour, actual, residuals, normal, coefficients, ridge");
-    EXPECT_EQ(SessionPictures::kindOf("contour"), Kind::Contour);
-    EXPECT_EQ(SessionPictures::kindOf("pie"), std::nullopt);
-    EXPECT_EQ(SessionPictures::kindOf(""), std::nullopt);
-}

@@ -37,15 +37,12 @@ std::vector<double> evaluated(CaseSession& session)
 }
 } // namespace
 
-TEST(ModelFile, IsKnownByItsNameAsAreItsFormats)
+TEST(ModelFile, IsKnownByItsName)
 {
     EXPECT_TRUE(ModelFile::isModelFile("a.json"));
     EXPECT_FALSE(ModelFile::isModelFile(".json"));
     EXPECT_FALSE(ModelFile::isModelFile("a.json.csv"));
     EXPECT_FALSE(ModelFile::isModelFile("json"));
-
-    EXPECT_EQ(ModelFile::formatOf("python"), ExportFormat::Python);
-    EXPECT_EQ(ModelFile::formatOf("Python"), std::nullopt);
 }
 
 TEST(ModelFile, AnExportedModelHasTheRolesAndRangesOfItsSession)
