@@ -1,7 +1,6 @@
 #pragma once
 
-#include <plot/data/CaseMark.h>
-
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -15,12 +14,19 @@ struct ScatterPicture
         DiagonalOfOneScale ///< y = x; both axes have the same range
     };
 
+    /** A point that is named by its case. */
+    struct Mark
+    {
+        std::size_t point = 0;      ///< its position
+        std::size_t caseNumber = 0; ///< from 1, as in the case file
+    };
+
     std::string title;
     std::string xName; ///< with the unit
     std::string yName;
-    std::vector<double> x;       ///< finite
-    std::vector<double> y;       ///< as many
-    std::vector<CaseMark> marks; ///< points with the numbers of their cases
+    std::vector<double> x; ///< finite
+    std::vector<double> y; ///< as many
+    std::vector<Mark> marks;
     Reference reference = Zero;
     /** Two lines are drawn at this distance from the reference line; 0 for none. */
     double limit = 0.0;

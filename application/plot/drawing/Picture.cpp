@@ -296,8 +296,6 @@ Picture::Picture(std::vector<PictureData> panels, std::optional<PictureSize> siz
 
 Picture::~Picture() = default;
 
-Picture::Picture(Picture&&) noexcept = default;
-
 std::string Picture::toSvg() const
 {
     return bytesOf(impl->svg());

@@ -33,7 +33,6 @@ public:
      *                terms of coefficients need. */
     explicit Picture(std::vector<PictureData> panels, std::optional<PictureSize> size = {});
     ~Picture();
-    Picture(Picture&&) noexcept;
 
     /** A document of its own. */
     std::string toSvg() const;

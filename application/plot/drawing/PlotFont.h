@@ -12,5 +12,10 @@ constexpr int titleSize = 15;
 
 /** In pixels of the picture, whatever it is drawn on. The second family has the widths of the
  *  first: texts keep their places in a viewer without the first. */
-QFont ofSize(int pixels);
+inline QFont ofSize(int pixels)
+{
+    QFont font(QStringLiteral("DejaVu Sans, Verdana, sans-serif"));
+    font.setPixelSize(pixels);
+    return font;
+}
 } // namespace PlotFont

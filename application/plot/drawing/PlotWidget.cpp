@@ -316,7 +316,7 @@ void PlotWidget::Impl::show(const ScatterPicture& picture)
     const QVector<QPointF> cases = points(picture.x, picture.y);
     PlotItems::addDots(plot, cases, PlotColours::cases, picture.caseLabel);
     std::vector<PointLabels::Label> labels;
-    for (const CaseMark& mark : picture.marks) {
+    for (const ScatterPicture::Mark& mark : picture.marks) {
         labels.push_back({cases[static_cast<int>(mark.point)], QString::number(mark.caseNumber)});
     }
     addLabels(std::move(labels), cases, false);

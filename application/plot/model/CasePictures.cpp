@@ -43,9 +43,9 @@ constexpr std::size_t maxWorst = 5;
 const std::string limitLabel = "\302\261 2 standard deviations";
 
 /** The cases whose differences are largest; their points are those with a prediction. */
-std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predictions)
+std::vector<ScatterPicture::Mark> worstOf(const std::vector<LeaveOneOutPrediction>& predictions)
 {
-    std::vector<std::pair<double, CaseMark>> order;
+    std::vector<std::pair<double, ScatterPicture::Mark>> order;
     for (const LeaveOneOutPrediction& each : predictions) {
         if (std::isfinite(each.predicted)) {
             order.push_back({std::abs(each.output - each.predicted), {order.size(), each.row + 1}});
@@ -53,7 +53,7 @@ std::vector<CaseMark> worstOf(const std::vector<LeaveOneOutPrediction>& predicti
     }
     std::stable_sort(order.begin(), order.end(),
                      [](const auto& left, const auto& right) { return left.first > right.first; });
-    std::vector<CaseMark> worst;
+    std::vector<ScatterPicture::Mark> worst;
     for (std::size_t i = 0; i < std::min(maxWorst, order.size()); ++i) {
         worst.push_back(order[i].second);
     }
@@ -78,11 +78,6 @@ double ratioOf(double actual, double predicted)
     return std::log(actual / predicted);
 }
 
-std::string axisName(const LeaveOneOutCases& cases, const std::string& name)
-{
-    return nameWithUnit(name, cases.unit);
-}
-
 std::string captionOf(const LeaveOneOutCases& cases, std::size_t drawn)
 {
     const std::size_t predicted = cases.predictions.size();
@@ -103,8 +98,8 @@ ScatterPicture actualPicture(const LeaveOneOutCases& cases)
 {
     ScatterPicture picture;
     picture.title = cases.outputName + ", " + cases.modelName + ", leave-one-out";
-    picture.xName = axisName(cases, cases.outputName + ", actual");
-    picture.yName = axisName(cases, cases.outputName + ", predicted");
+    picture.xName = nameWithUnit(cases.outputName + ", actual", cases.unit);
+    picture.yName = nameWithUnit(cases.outputName + ", predicted", cases.unit);
     picture.reference = ScatterPicture::DiagonalOfOneScale;
     for (const LeaveOneOutPrediction& each : cases.predictions) {
         if (std::isfinite(each.predicted)) {
@@ -143,7 +138,7 @@ ScatterPicture residualPicture(const LeaveOneOutCases& cases)
         picture.y.push_back(actual[i] - picture.x[i]);
     }
     requireDrawable(picture.y, "The model of " + quotedText(cases.outputName));
-    picture.xName = std::exchange(picture.yName, axisName(cases, "actual - predicted"));
+    picture.xName = std::exchange(picture.yName, nameWithUnit("actual - predicted", cases.unit));
     picture.reference = ScatterPicture::Zero;
     picture.limit = limitOf(actual, picture.x, std::minus<>());
     picture.isLogarithmic = cases.isLogarithmic;

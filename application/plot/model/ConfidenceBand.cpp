@@ -22,11 +22,7 @@ bool areFinite(const std::vector<double>& values)
 
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const ModelSlice& slice, std::size_t output)
 {
-    std::vector<const double*> inputs;
-    for (const ModelSlice::Column& input : slice.inputs) {
-        inputs.push_back(input.values.data());
-    }
-    return of(session, inputs, slice.points(), output);
+    return of(session, slice.inputColumns(), slice.points(), output);
 }
 
 ConfidenceBand ConfidenceBand::of(CaseSession& session, const std::vector<const double*>& inputs,

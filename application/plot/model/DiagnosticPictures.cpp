@@ -30,21 +30,16 @@ std::string placeText(const RidgePoint& point, const std::vector<std::string>& i
 {
     constexpr std::size_t mostNamed = 6;
     constexpr int digits = 4;
-    std::string text;
-    std::size_t more = 0;
-    std::size_t named = 0;
+    std::vector<std::string> places;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        if (std::isnan(point.coordinates[i])) {
-            continue;
-        }
-        if (named++ < mostNamed) {
-            text += (text.empty() ? "" : ", ") + inputs[i] + " = " +
-                    shownNumber(point.coordinates[i], digits);
-        } else {
-            ++more;
+        if (!std::isnan(point.coordinates[i])) {
+            places.push_back(inputs[i] + " = " + shownNumber(point.coordinates[i], digits));
         }
     }
-    return text + andMore(more);
+    const std::size_t named = std::min(mostNamed, places.size());
+    const std::size_t more = places.size() - named;
+    places.resize(named);
+    return joinedText(places) + andMore(more);
 }
 } // namespace
 

@@ -9,6 +9,7 @@
 #include <session/text/QuotedText.h>
 
 #include <mirel_datamanagement/Project.h>
+#include <mirel_fitting/numerics/TextPieces.h>
 
 #include <vtkDoubleArray.h>
 #include <vtkTable.h>
@@ -52,6 +53,16 @@ ModelSlice emptySlice(CaseSession& session, std::vector<std::size_t> swept)
                                  hasLogarithmicAxis(session, slice.outputs.size())});
     }
     return slice;
+}
+
+/** Gives the outputs their values at the points. */
+Extrapolation predictOutputs(CaseSession& session, ModelSlice& slice)
+{
+    PointEvaluation evaluation = session.predict(slice.inputColumns(), slice.points());
+    for (std::size_t i = 0; i < slice.outputs.size(); ++i) {
+        slice.outputs[i].values = std::move(evaluation.outputs[i]);
+    }
+    return evaluation.extrapolation;
 }
 
 void addNearCases(const Workspace& workspace, const ModelSlice::FittedCases& cases,
@@ -119,29 +130,20 @@ std::vector<double> withValuesBetween(std::vector<double> values, std::size_t wa
     return fine;
 }
 
-/** "Flow = 3 l/s, Power = 10 and 2 more held". */
-class HeldText
+/** "Flow = 3 l/s". */
+std::string placeText(const std::string& name, double value, const std::string& unit)
 {
-public:
-    void add(const std::string& name, double value, const std::string& unit)
-    {
-        if (count++ < maxHeldInputs) {
-            named += (named.empty() ? "" : ", ") + shortName(name) + " = " + shortNumber(value) +
-                     (unit.empty() ? "" : ' ' + unit);
-        }
-    }
+    return shortName(name) + " = " + shortNumber(value) + (unit.empty() ? "" : ' ' + unit);
+}
 
-    std::string text() const
-    {
-        return count <= maxHeldInputs
-                   ? named
-                   : named + " and " + std::to_string(count - maxHeldInputs) + " more held";
-    }
-
-private:
-    std::string named;
-    std::size_t count = 0;
-};
+/** "Flow = 3 l/s, Power = 10 and 2 more held". */
+std::string listed(std::vector<std::string> places)
+{
+    const std::size_t shown = std::min(places.size(), maxHeldInputs);
+    const std::size_t more = places.size() - shown;
+    places.resize(shown);
+    return joinedText(places) + (more == 0 ? "" : andMore(more) + " held");
+}
 } // namespace
 
 bool hasLogarithmicAxis(CaseSession& session, std::size_t output)
@@ -187,12 +189,6 @@ ModelSlice ModelSlice::throughChosenValues(CaseSession& session)
 }
 
 ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                                  std::size_t values)
-{
-    return overRanges(session, swept, values, FittedCases(session));
-}
-
-ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
                                   std::size_t values, const FittedCases& cases)
 {
     ModelSlice slice = emptySlice(session, swept);
@@ -214,15 +210,7 @@ ModelSlice ModelSlice::overRanges(CaseSession& session, const std::vector<std::s
             slice.inputs[input].values[point] = (1.0 - share) * least + share * most;
         }
     }
-    std::vector<const double*> points;
-    for (const Column& input : slice.inputs) {
-        points.push_back(input.values.data());
-    }
-    PointEvaluation evaluation = session.predict(points, count);
-    for (std::size_t i = 0; i < slice.outputs.size(); ++i) {
-        slice.outputs[i].values = std::move(evaluation.outputs[i]);
-    }
-    slice.extrapolation = evaluation.extrapolation;
+    slice.extrapolation = predictOutputs(session, slice);
     addNearCases(session, cases, slice);
     return slice;
 }
@@ -232,29 +220,29 @@ ModelSlice ModelSlice::finer(CaseSession& session, std::size_t values) const
     const std::vector<double> x = withValuesBetween(inputs[swept[0]].values, values);
     const std::vector<double> y = withValuesBetween(inputs[swept[1]].values, values);
     ModelSlice fine = *this;
-    std::vector<const double*> columns;
     for (Column& input : fine.inputs) {
         input.values.assign(x.size() * y.size(), points() > 0 ? input.values.front() : 0.0);
-        columns.push_back(input.values.data());
     }
     for (std::size_t point = 0; point < x.size() * y.size(); ++point) {
         fine.inputs[swept[0]].values[point] = x[point / y.size()];
         fine.inputs[swept[1]].values[point] = y[point % y.size()];
     }
-    PointEvaluation evaluation = session.predict(columns, x.size() * y.size());
-    for (std::size_t i = 0; i < fine.outputs.size(); ++i) {
-        fine.outputs[i].values = std::move(evaluation.outputs[i]);
-    }
+    predictOutputs(session, fine);
     return fine;
 }
 
 void ModelSlice::findOutside(CaseSession& session)
 {
+    isOutside = session.outsideCases(inputColumns(), points());
+}
+
+std::vector<const double*> ModelSlice::inputColumns() const
+{
     std::vector<const double*> columns;
     for (const Column& input : inputs) {
         columns.push_back(input.values.data());
     }
-    isOutside = session.outsideCases(columns, points());
+    return columns;
 }
 
 std::string ModelSlice::caseLabel() const
@@ -268,28 +256,28 @@ std::string ModelSlice::caseLabel() const
 
 std::string ModelSlice::heldText(const CaseSession& session)
 {
-    HeldText text;
+    std::vector<std::string> places;
     const std::vector<double> held = session.heldValues();
     const std::vector<std::string> names = namesOf(session.inputs());
     for (std::size_t i = 0; i < names.size(); ++i) {
-        text.add(shortText(names[i]), held[i], session.unitOf(names[i]));
+        places.push_back(placeText(shortText(names[i]), held[i], session.unitOf(names[i])));
     }
-    return text.text();
+    return listed(std::move(places));
 }
 
 std::string ModelSlice::caption() const
 {
-    HeldText held;
+    std::vector<std::string> held;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         if (!isSwept(*this, i)) {
-            held.add(inputs[i].name, points() > 0 ? inputs[i].values.front() : 0.0, inputs[i].unit);
+            const double value = points() > 0 ? inputs[i].values.front() : 0.0;
+            held.push_back(placeText(inputs[i].name, value, inputs[i].unit));
         }
     }
-    const std::string text = held.text();
-    if (text.empty()) {
-        return text;
+    if (held.empty()) {
+        return "";
     }
-    return "At " + text +
+    return "At " + listed(std::move(held)) +
            (nearCases() > 0 ? ". Near: all held inputs within 10\302\240% of their range."
                             : ". No case has all held inputs within 10\302\240% of their range.");
 }

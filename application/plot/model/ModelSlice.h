@@ -62,12 +62,9 @@ struct SURROGATE_PLOT_EXPORT ModelSlice
      * whatever the session sweeps.
      * @param swept  positions of inputs, ascending; the first one varies slowest.
      * @param values of each of them, at least two.
+     * @param cases  those of the session.
      * @throw SurrogateModelInterface::Error
      */
-    static ModelSlice overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
-                                 std::size_t values);
-
-    /** The same, one slice of several. @param cases those of the session. */
     static ModelSlice overRanges(CaseSession& session, const std::vector<std::size_t>& swept,
                                  std::size_t values, const FittedCases& cases);
 
@@ -82,6 +79,10 @@ struct SURROGATE_PLOT_EXPORT ModelSlice
     static constexpr std::size_t sweepValues = 101;
 
     std::size_t points() const { return inputs.front().values.size(); }
+
+    /** The points, one column per input; valid until the slice changes. */
+    std::vector<const double*> inputColumns() const;
+
     std::size_t nearCases() const { return inputs.front().caseValues.size(); }
 
     /** "cases near (4 of 11)", what the legend says. */

@@ -110,7 +110,8 @@ std::vector<std::string> picturesOf(CaseSession& session, std::size_t output,
             std::vector<std::size_t> swept = {strongest[0]->swept.front(),
                                               strongest[1]->swept.front()};
             std::sort(swept.begin(), swept.end());
-            ModelSlice slice = ModelSlice::overRanges(session, swept, contourValues);
+            ModelSlice slice = ModelSlice::overRanges(session, swept, contourValues,
+                                                      ModelSlice::FittedCases(session));
             slice.findOutside(session);
             return contourPicture(slice, output);
         }));

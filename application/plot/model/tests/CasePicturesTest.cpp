@@ -93,7 +93,7 @@ TEST(CasePictures, NumberTheFiveWorstCasesAsTheCaseFileDoes)
     for (std::size_t point = 0; point < residuals.y.size(); ++point) {
         const bool isMarked =
             std::any_of(actual.marks.begin(), actual.marks.end(),
-                        [point](const CaseMark& mark) { return mark.point == point; });
+                        [point](const ScatterPicture::Mark& mark) { return mark.point == point; });
         EXPECT_TRUE(isMarked || std::abs(residuals.y[point]) <= before);
     }
 }
@@ -103,7 +103,7 @@ TEST(CasePictures, CountOnlyDrawnCasesAmongTheWorst)
     const LeaveOneOutCases cases = {
         "y", "Kriging", {{4, 1.0, std::nan(""), 0.1}, {6, 3.0, 2.5, 0.1}, {8, 5.0, 7.0, 0.1}}, 3};
 
-    const std::vector<CaseMark> worst = actualPicture(cases).marks;
+    const std::vector<ScatterPicture::Mark> worst = actualPicture(cases).marks;
 
     ASSERT_EQ(worst.size(), 2u);
     EXPECT_EQ(worst[0].point, 1u);

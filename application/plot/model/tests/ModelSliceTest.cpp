@@ -121,7 +121,8 @@ TEST(ModelSlice, OverRangesHoldsTheOthersAndLeavesTheSessionAsItIs)
     CaseSession session = cvdSession();
     session.stayAt(1, "6");
 
-    const ModelSlice slice = ModelSlice::overRanges(session, {0}, 101);
+    const ModelSlice slice =
+        ModelSlice::overRanges(session, {0}, 101, ModelSlice::FittedCases(session));
 
     EXPECT_EQ(slice.points(), 101u);
     EXPECT_EQ(slice.inputs[0].values.front(), 4.0);
@@ -135,7 +136,8 @@ TEST(ModelSlice, OverRangesOfTwoInputsIsTheirProduct)
 {
     CaseSession session = cvdSession();
 
-    const ModelSlice slice = ModelSlice::overRanges(session, {0, 1}, 3);
+    const ModelSlice slice =
+        ModelSlice::overRanges(session, {0, 1}, 3, ModelSlice::FittedCases(session));
 
     EXPECT_EQ(slice.inputs[0].values, (std::vector<double>{4, 4, 4, 42, 42, 42, 80, 80, 80}));
     EXPECT_EQ(slice.inputs[1].values, (std::vector<double>{2, 6, 10, 2, 6, 10, 2, 6, 10}));
