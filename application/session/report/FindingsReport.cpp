@@ -3,6 +3,7 @@
 #include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
+#include <cctype>
 #include <utility>
 
 using ReportJson::Json;
@@ -25,10 +26,9 @@ std::vector<std::string> FindingsReport::sentences(const SessionFindings& findin
 {
     std::vector<std::string> sentences;
     for (const Finding& finding : findings.findings) {
-        const char* const word = finding.severity == Finding::Severe    ? "Severe: "
-                                 : finding.severity == Finding::Warning ? "Warning: "
-                                                                        : "Note: ";
-        sentences.push_back(word + finding.text);
+        std::string word = severityName(finding.severity);
+        word[0] = static_cast<char>(std::toupper(word[0]));
+        sentences.push_back(word + ": " + finding.text);
     }
     return sentences;
 }

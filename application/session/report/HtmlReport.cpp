@@ -12,6 +12,8 @@
 #include <mirel_datamanagement/Project.h>
 #include <mirel_fitting/numerics/TextPieces.h>
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -93,9 +95,7 @@ constexpr std::size_t maxOpenRows = 30;
 
 std::string inputTable(const Workspace& workspace)
 {
-    StatisticsTables::Table table;
-    table.title = "Inputs";
-    table.heading = {"Name", "Symbol", "Minimum", "Maximum", "Held at"};
+    StatisticsTables::Table table = {"Inputs", {"Name", "Symbol", "Minimum", "Maximum", "Held at"}};
     const std::vector<double> held = workspace.heldValues();
     const auto ranges = workspace.sweepRanges();
     for (const VarPtr& input : workspace.inputs()) {
@@ -114,21 +114,28 @@ std::string inputTable(const Workspace& workspace)
            "</details>\n";
 }
 
+std::string figureTable(const FitFigures::Figures& figures)
+{
+    std::string text = "<table class=\"figures\"><tbody>\n";
+    for (const auto& [name, figure] : figures) {
+        text += row({name, figure}, "td");
+    }
+    return text + "</tbody></table>\n";
+}
+
 /** What the page begins with: where it comes from. */
 std::string originTable(const CaseSession& session, const HtmlReport::Origin& origin)
 {
     const std::string& path = session.source().path;
-    std::string text = "<table class=\"figures\"><tbody>\n";
-    for (const auto& [name, what] : std::vector<std::pair<std::string, std::string>>{
-             {"Case file", path == "-" ? "the standard input" : path},
-             {"Cases", ReportHeading::caseText(session)},
-             {"Model", ReportHeading::modelText(session)},
-             {"Command", origin.command},
-             {"Version", origin.version},
-             {"Date", origin.date}}) {
-        text += what.empty() ? what : row({name, what}, "td");
-    }
-    return text + "</tbody></table>\n";
+    FitFigures::Figures known = {{"Case file", path == "-" ? "the standard input" : path},
+                                 {"Cases", ReportHeading::caseText(session)},
+                                 {"Model", ReportHeading::modelText(session)},
+                                 {"Command", origin.command},
+                                 {"Version", origin.version},
+                                 {"Date", origin.date}};
+    const auto isUnknown = [](const auto& figure) { return figure.second.empty(); };
+    known.erase(std::remove_if(known.begin(), known.end(), isUnknown), known.end());
+    return figureTable(known);
 }
 
 /** The range of an output over the valid cases. */
@@ -222,16 +229,6 @@ std::string findingSection(const std::vector<std::string>& sentences)
     return element("h3", "Findings") + element("ul", list);
 }
 
-std::string figureTable(const OutputFit& fit, const std::vector<std::string>& inputs,
-                        const ResponseSurfaceStatistics* statistics)
-{
-    std::string text = "<table class=\"figures\"><tbody>\n";
-    for (const auto& [name, figure] : FitFigures::of(fit, inputs, statistics)) {
-        text += row({name, figure}, "td");
-    }
-    return text + "</tbody></table>\n";
-}
-
 std::string outputSection(const OutputFit& fit, const std::vector<std::string>& inputs,
                           const ResponseSurfaceStatistics* statistics,
                           const HtmlReport::OutputParts& parts)
@@ -243,7 +240,8 @@ std::string outputSection(const OutputFit& fit, const std::vector<std::string>& 
     for (const std::string& warning : fit.warnings) {
         text += "<p class=\"warning\">Warning: " + escaped(warning) + "</p>\n";
     }
-    text += figureTable(fit, inputs, statistics) + rankingTable(parts.ranking, inputs);
+    text +=
+        figureTable(FitFigures::of(fit, inputs, statistics)) + rankingTable(parts.ranking, inputs);
     if (!parts.pictures.empty()) {
         text += "<div class=\"pictures\">\n";
         for (const std::string& picture : parts.pictures) {
@@ -273,27 +271,14 @@ std::string statisticsSection(const ResponseSurfaceStatistics& statistics,
 
 std::string HtmlReport::escaped(const std::string& text)
 {
-    std::string result;
-    for (const char character : oneLineText(text)) {
-        switch (character) {
-        case '&':
-            result += "&amp;";
-            break;
-        case '<':
-            result += "&lt;";
-            break;
-        case '>':
-            result += "&gt;";
-            break;
-        case '"':
-            result += "&quot;";
-            break;
-        case '\'':
-            result += "&#39;";
-            break;
-        default:
-            result += character;
-        }
+    std::string result = oneLineText(text);
+    for (const auto& [character, reference] : // the ampersand first: the references begin with it
+         {std::pair("&", "&amp;"),
+          {"<", "&lt;"},
+          {">", "&gt;"},
+          {"\"", "&quot;"},
+          {"'", "&#39;"}}) {
+        boost::algorithm::replace_all(result, character, reference);
     }
     return result;
 }

@@ -21,9 +21,9 @@ constexpr int fewDigits = 4;
 StatisticsTables::Table coefficientTable(const std::vector<CoefficientStatistics>& coefficients,
                                          const std::vector<std::string>& inputs, bool isCoded)
 {
-    StatisticsTables::Table table;
-    table.title = isCoded ? "Coefficients, inputs coded to [-1, 1]" : "Coefficients";
-    table.heading = {"Term", "Estimate", "Std. error", "t", "p", "95 % lower", "95 % upper"};
+    StatisticsTables::Table table = {
+        isCoded ? "Coefficients, inputs coded to [-1, 1]" : "Coefficients",
+        {"Term", "Estimate", "Std. error", "t", "p", "95 % lower", "95 % upper"}};
     if (isCoded) {
         table.heading.push_back("VIF");
     }
@@ -86,9 +86,7 @@ const std::vector<std::string> anovaHeading = {"Source",      "DF", "Sum of squa
 
 StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
 {
-    StatisticsTables::Table table;
-    table.title = "Analysis of variance";
-    table.heading = anovaHeading;
+    StatisticsTables::Table table = {"Analysis of variance", anovaHeading};
     for (const AnovaRow& row : statistics.anova) {
         table.rows.push_back(anovaCells(row.source, row));
     }
@@ -99,9 +97,8 @@ StatisticsTables::Table anovaTable(const ResponseSurfaceStatistics& statistics)
 StatisticsTables::Table partialTable(const std::vector<PartialTest>& tests,
                                      const std::vector<std::string>& inputs)
 {
-    StatisticsTables::Table table;
-    table.title = "Each term given all others (type III), inputs coded to [-1, 1]";
-    table.heading = anovaHeading;
+    StatisticsTables::Table table = {
+        "Each term given all others (type III), inputs coded to [-1, 1]", anovaHeading};
     for (const PartialTest& test : tests) {
         table.rows.push_back(anovaCells(
             test.factors.empty() ? test.row.source : FitReportParts::termName(test.factors, inputs),
@@ -120,9 +117,8 @@ std::string scaleText(OutputTransform transform)
 StatisticsTables::Table blockTable(const std::vector<BlockEffect>& effects,
                                    OutputTransform transform)
 {
-    StatisticsTables::Table table;
-    table.title = "Effects of the blocks" + scaleText(transform) + ", which sum to 0";
-    table.heading = {"Block", "Effect"};
+    StatisticsTables::Table table = {
+        "Effects of the blocks" + scaleText(transform) + ", which sum to 0", {"Block", "Effect"}};
     for (const BlockEffect& one : effects) {
         table.rows.push_back({one.name, shownNumber(one.effect)});
     }
@@ -142,11 +138,9 @@ std::string outlierText(const ResponseSurfaceStatistics& statistics)
 StatisticsTables::Table residualTable(const ResponseSurfaceStatistics& statistics,
                                       OutputTransform transform)
 {
-    StatisticsTables::Table table;
-    table.title = "Largest studentised residuals";
-    table.heading = {"Case",           "Output",     "Residual" + scaleText(transform),
-                     "Internally",     "Externally", "Leverage",
-                     "Cook's distance"};
+    StatisticsTables::Table table = {"Largest studentised residuals",
+                                     {"Case", "Output", "Residual" + scaleText(transform),
+                                      "Internally", "Externally", "Leverage", "Cook's distance"}};
     for (const std::size_t k : FitReportParts::largestResiduals(statistics)) {
         const CaseDiagnostics& one = statistics.cases[k];
         table.rows.push_back({std::to_string(one.row + 1), shownNumber(one.output),
@@ -190,9 +184,9 @@ StatisticsTables::Table canonicalTable(const std::vector<CanonicalDirection>& di
                                        const std::vector<std::string>& inputs,
                                        OutputTransform transform)
 {
-    StatisticsTables::Table table;
-    table.title = "Canonical analysis, inputs coded to [-1, 1] over their ranges";
-    table.heading = {"Direction", "Curvature" + scaleText(transform)};
+    StatisticsTables::Table table = {
+        "Canonical analysis, inputs coded to [-1, 1] over their ranges",
+        {"Direction", "Curvature" + scaleText(transform)}};
     for (const CanonicalDirection& one : directions) {
         table.rows.push_back(
             {directionText(one.components, inputs), shownNumber(one.curvature, fewDigits)});
@@ -204,8 +198,7 @@ StatisticsTables::Table canonicalTable(const std::vector<CanonicalDirection>& di
 StatisticsTables::Table ridgeTable(const std::string& title, const std::vector<RidgePoint>& ridge,
                                    const std::vector<std::string>& inputs)
 {
-    StatisticsTables::Table table;
-    table.title = title;
+    StatisticsTables::Table table = {title, {}};
     if (ridge.empty()) {
         return table;
     }

@@ -13,8 +13,8 @@ struct Table
 {
     std::string title;
     std::vector<std::string> heading;
-    std::vector<std::vector<std::string>> rows;
-    std::string note; ///< a sentence below it; empty for none
+    std::vector<std::vector<std::string>> rows = {};
+    std::string note = {}; ///< a sentence below it; empty for none
 };
 
 /** The coefficients in the inputs' units, then coded, the analysis of variance, sequential and term
