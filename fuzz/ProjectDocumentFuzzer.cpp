@@ -55,9 +55,9 @@ CaseTable fourColumns()
 std::string stateOf(const Workspace& workspace)
 {
     std::ostringstream state;
-    state << workspace.modelType() << workspace.responseSurface().formula
-          << static_cast<int>(workspace.responseSurface().terms)
-          << static_cast<int>(workspace.transform());
+    state << workspace.modelType() << workspace.modelChoices().responseSurface.formula
+          << static_cast<int>(workspace.modelChoices().responseSurface.terms)
+          << static_cast<int>(workspace.modelChoices().transform);
     for (const VarPtr& variable : workspace.project().variables()) {
         state << variable.lock()->nature() << variable.lock()->range().first << ' '
               << variable.lock()->range().second;

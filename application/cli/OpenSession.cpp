@@ -74,7 +74,7 @@ void checkModel(const CommandLine& line, const Workspace& workspace)
         throw UsageError("--terms, --select-terms and --all-terms choose the terms of a response "
                          "surface, and the project chooses kriging: add -m response-surface.");
     }
-    if (!workspace.designColumns().isEmpty()) {
+    if (!workspace.modelChoices().designColumns.isEmpty()) {
         throw UsageError("Weights and blocks are for response surfaces only: choose -m "
                          "response-surface, or --weights none and --block none.");
     }

@@ -91,7 +91,7 @@ double deviationOf(const std::vector<double>& values)
 
 ComparedCases::ComparedCases(const Workspace& workspace)
     : positions(workspace.validCases()),
-      design(workspace.designColumns().design(workspace.project(), positions))
+      design(workspace.modelChoices().designColumns.design(workspace.project(), positions))
 {
     for (const VarPtr& input : workspace.inputs()) {
         inputs.push_back(valuesAt(workspace.project().numericValues(input), positions));
@@ -225,7 +225,7 @@ void CrossValidation::predict(ModelType type, TrainTestSplit& split, std::vector
                      [](double value) { return std::isfinite(value); })) {
         throw SurrogateModelInterface::Error("A prediction is no finite number.");
     }
-    predictions.terms.push_back(termCount(*model, workspace.responseSurface()));
+    predictions.terms.push_back(termCount(*model, workspace.modelChoices().responseSurface));
     predictions.transforms.push_back(ModelInterfaces(*model).transform(0).transform);
     predictions.seconds += seconds;
     PredictionIntervals intervals = intervalsOf(

@@ -103,7 +103,7 @@ struct WholeFit
             if (const PredictiveModel* const predictive = ModelInterfaces(*model).predictive()) {
                 looRmse = predictive->fitMetrics(0).looRmse;
             }
-            terms = CrossValidation::termCount(*model, workspace.responseSurface());
+            terms = CrossValidation::termCount(*model, workspace.modelChoices().responseSurface);
             transform = ModelInterfaces(*model).transform(0).transform;
             kriging = ModelInterfaces(*model).krigingReport(0);
         } catch (const SurrogateModelInterface::Error&) {

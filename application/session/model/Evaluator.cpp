@@ -241,13 +241,13 @@ const FitResult& Evaluator::calibratedFit()
 const std::vector<ResponseSurfaceStatistics>& Evaluator::statistics()
 {
     const ModelInterfaces interfaces(model());
-    const InputCoding coding = impl->workspace.coding();
+    const InputCoding coding = impl->workspace.modelChoices().coding;
     if (impl->statistics && impl->codingOfStatistics == coding) {
         return *impl->statistics;
     }
     std::vector<ResponseSurfaceStatistics> results;
     const std::vector<std::string> blockNames =
-        impl->workspace.designColumns().blockNames(impl->workspace.project());
+        impl->workspace.modelChoices().designColumns.blockNames(impl->workspace.project());
     std::vector<std::size_t> cases;
     for (const int offset : impl->workspace.outputOffsets()) {
         std::optional<ResponseSurfaceStatistics> statistics =

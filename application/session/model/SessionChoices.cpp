@@ -53,20 +53,23 @@ std::size_t varyingInputs(const Workspace& workspace)
         }));
 }
 
-void chooseModelOptions(const SessionChoices& choices, CaseSession& session)
+void chooseModelOptions(const SessionChoices& choices, const CaseDesignColumns& design,
+                        CaseSession& session)
 {
-    ResponseSurfaceOptions options = session.responseSurface();
+    ModelChoices chosen = session.modelChoices();
+    chosen.designColumns = design;
+    chosen.transform = choices.transform.value_or(chosen.transform);
+    chosen.coding = choices.coding.value_or(chosen.coding);
+    ResponseSurfaceOptions& options = chosen.responseSurface;
     options.selection = choices.selection.value_or(options.selection);
     if (choices.terms) {
         options.terms = *choices.terms;
         options.formula = choices.formula;
     }
+    session.choose(chosen);
     if (options.terms == PolynomialTerms::Chosen) {
         requireFormula(options.formula, namesOf(session.inputs()));
     }
-    session.chooseResponseSurface(options);
-    session.chooseTransform(choices.transform.value_or(session.transform()));
-    session.chooseCoding(choices.coding.value_or(session.coding()));
 }
 
 CaseDesignColumns chosenDesign(CaseDesignColumns design, const SessionChoices& choices)
@@ -147,8 +150,7 @@ std::unique_ptr<CaseSession> openCases(CaseTable table, const SessionChoices& ch
         excludedCases(choices.excluded.value_or("none"), table.cases);
     auto session = std::make_unique<CaseSession>(
         std::move(table), roles, excluded, choices.model.value_or(CaseSession::ResponseSurface));
-    session->chooseDesign(design);
-    chooseModelOptions(choices, *session);
+    chooseModelOptions(choices, design, *session);
     session->holdAtMedians(inputsWithoutValue(*session, {}));
     return session;
 }
@@ -179,8 +181,7 @@ OpenedProject openProject(CaseTable table, const ProjectDocument& document,
     } else {
         noteUnknownModel(document, opened);
     }
-    session.chooseDesign(design);
-    chooseModelOptions(choices, session);
+    chooseModelOptions(choices, design, session);
     session.holdAtMedians(inputsWithoutValue(session, document.evaluationPoint()));
     return opened;
 }
@@ -231,7 +232,7 @@ void requireFewInputs(const Workspace& workspace, bool comparesModels)
                        "grows with the cube of their number");
         }
     } else if (count >= SurrogateResponseSurfaceModel::maxTerms &&
-               workspace.responseSurface().terms != PolynomialTerms::Chosen) {
+               workspace.modelChoices().responseSurface.terms != PolynomialTerms::Chosen) {
         refuse("a response surface", SurrogateResponseSurfaceModel::maxTerms - 1,
                std::to_string(count + 1) + " valid cases for the linear terms alone");
     }

@@ -41,17 +41,18 @@ DiagnosedCases diagnosedCases(const Workspace& workspace)
     cases.positions = workspace.validCases();
     cases.inputs = columnsOf(workspace, workspace.inputs(), cases.positions);
     cases.outputs = columnsOf(workspace, workspace.outputs(), cases.positions);
+    const ModelChoices choices = workspace.modelChoices();
     const std::vector<std::size_t> blocks =
-        workspace.designColumns().design(workspace.project(), cases.positions).blocks;
+        choices.designColumns.design(workspace.project(), cases.positions).blocks;
     cases.blocks.assign(blocks.begin(), blocks.end());
     cases.isKriging = workspace.modelType() == Workspace::Kriging;
-    cases.responseSurface = workspace.responseSurface();
+    cases.responseSurface = choices.responseSurface;
     if (cases.responseSurface.terms == PolynomialTerms::Chosen) {
         cases.responseSurface.formula =
             TermFormula(cases.responseSurface.formula, namesOf(workspace.inputs())).symbols();
     }
     cases.transformsOutputs =
-        transformFor(workspace.transform(), cases.isKriging) != TransformSetting::None;
+        transformFor(choices.transform, cases.isKriging) != TransformSetting::None;
     return cases;
 }
 

@@ -90,12 +90,6 @@ bool SessionModelFactory::needsCases() const
     return finishedModel == nullptr;
 }
 
-boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>>
-SessionModelFactory::responseSurface() const
-{
-    return responseSurfaceOptions;
-}
-
 void SessionModelFactory::setDesign(std::function<CaseDesign()> design)
 {
     designOfCases = std::move(design);
@@ -105,16 +99,6 @@ boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>>
 SessionModelFactory::designColumns() const
 {
     return designColumnsSetting;
-}
-
-boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> SessionModelFactory::transform() const
-{
-    return transformSetting;
-}
-
-boost::shared_ptr<veska::PropertyAbstract<InputCoding>> SessionModelFactory::coding() const
-{
-    return codingSetting;
 }
 
 ModelChoices SessionModelFactory::choices() const

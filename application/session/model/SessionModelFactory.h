@@ -33,13 +33,6 @@ public:
               bool findsSecondOptimum = true) const;
     bool needsCases() const override;
 
-    /** A change is an undo step, and invalidates all models that were made before. */
-    boost::shared_ptr<veska::PropertyAbstract<TransformSetting>> transform() const;
-
-    /** Of the coefficients of response surfaces, whose fit is the same in any coding. A change is
-     *  an undo step, and invalidates no model. */
-    boost::shared_ptr<veska::PropertyAbstract<InputCoding>> coding() const;
-
     /** @param names gives those of the inputs of the models that are made, in the order of the
      *               columns: what a formula of chosen terms names. */
     void setInputNames(std::function<std::vector<std::string>()> names);
@@ -47,16 +40,13 @@ public:
     /** @param design gives that of the valid cases, of which models are made. */
     void setDesign(std::function<CaseDesign()> design);
 
-    /** The columns that the design comes from. A change is an undo step, and invalidates response
-     *  surfaces that were made before. */
+    /** The choice of columns that the design comes from. */
     boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>> designColumns() const;
 
-    /** The terms of response surfaces, a formula in the names of inputs. A change is an undo step,
-     * and invalidates response surfaces that were made before. */
-    boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> responseSurface() const;
-
-    /** The values of the four properties. */
     ModelChoices choices() const;
+
+    /** Each choice that changes is an undo step and invalidates the models that it concerns: the
+     *  transform all, terms and columns response surfaces, the coding of coefficients none. */
     void choose(const ModelChoices& choices);
 
 private:

@@ -47,31 +47,6 @@ std::vector<double> valuesOf(const std::string& text, const std::string& name)
     return values;
 }
 
-/** A column without cases for each variable of an exported model, inputs first. */
-CaseTable emptyTable(const ExportedModel& model)
-{
-    CaseTable table;
-    for (const ExportedModel::Input& input : model.inputs) {
-        table.columns.emplace_back().name = input.name;
-    }
-    for (const ExportedModel::Output& output : model.outputs) {
-        table.columns.emplace_back().name = output.name;
-    }
-    return table;
-}
-
-CaseRoles rolesOf(const ExportedModel& model)
-{
-    CaseRoles roles;
-    for (std::size_t i = 0; i < model.inputs.size(); ++i) {
-        roles.inputs.push_back(i);
-    }
-    for (std::size_t i = 0; i < model.outputs.size(); ++i) {
-        roles.outputs.push_back(model.inputs.size() + i);
-    }
-    return roles;
-}
-
 } // namespace
 
 class Workspace::Impl
@@ -135,7 +110,18 @@ Workspace::Workspace(CaseTable table, const CaseRoles& roles,
 Workspace::Workspace(const ExportedModel& model)
 {
     const UndoStack::SuspendUndoRecording unrecorded;
-    CaseTable table = emptyTable(model);
+    CaseTable table; // a column without cases for each variable
+    CaseRoles roles;
+    const auto addColumn = [&table](const std::string& name, std::vector<std::size_t>& role) {
+        role.push_back(table.columns.size());
+        table.columns.emplace_back().name = name;
+    };
+    for (const ExportedModel::Input& input : model.inputs) {
+        addColumn(input.name, roles.inputs);
+    }
+    for (const ExportedModel::Output& output : model.outputs) {
+        addColumn(output.name, roles.outputs);
+    }
     impl = std::make_unique<Impl>(table, model.predictor());
     impl->exportedReport = model.report;
     const std::vector<VarPtr> variables = impl->state.project->variables();
@@ -144,7 +130,7 @@ Workspace::Workspace(const ExportedModel& model)
                                       {model.inputs[k].minimum, model.inputs[k].maximum});
     }
     // After the ranges, whose lower ends become the evaluation point.
-    chooseRoles(rolesOf(model));
+    chooseRoles(roles);
     chooseModel(model.isKriging() ? Kriging : ResponseSurface);
     for (std::size_t k = 0; k < model.inputs.size(); ++k) {
         if (model.inputs[k].held) {
@@ -210,7 +196,7 @@ const CaseCounts& Workspace::counts() const
             countCases(project(), inputs(), outputs(), impl->state.project->excludedRows());
         counts.excluded = impl->state.excluded().size();
         counts.invalid = counts.read - counts.excluded - counts.valid;
-        for (const auto& [name, records] : designColumns().leftOut(project())) {
+        for (const auto& [name, records] : modelChoices().designColumns.leftOut(project())) {
             std::vector<std::size_t> included;
             std::set_difference(records.begin(), records.end(), impl->state.excluded().begin(),
                                 impl->state.excluded().end(), std::back_inserter(included));
@@ -294,48 +280,18 @@ Workspace::ModelType Workspace::modelType() const
     return impl->state.manager->type()->get();
 }
 
-void Workspace::chooseTransform(TransformSetting setting)
+void Workspace::choose(const ModelChoices& choices)
 {
-    impl->state.factory->transform()->set(setting);
-}
-
-TransformSetting Workspace::transform() const
-{
-    return impl->state.factory->transform()->get();
-}
-
-void Workspace::chooseCoding(InputCoding coding)
-{
-    impl->state.factory->coding()->set(coding);
-}
-
-InputCoding Workspace::coding() const
-{
-    return impl->state.factory->coding()->get();
-}
-
-void Workspace::chooseDesign(const CaseDesignColumns& columns)
-{
-    const std::string fault = columns.fault(project());
+    const std::string fault = choices.designColumns.fault(project());
     if (!fault.empty()) {
         throw UsageError(fault);
     }
-    impl->state.factory->designColumns()->set(columns);
+    impl->state.factory->choose(choices);
 }
 
-CaseDesignColumns Workspace::designColumns() const
+ModelChoices Workspace::modelChoices() const
 {
-    return impl->state.factory->designColumns()->get();
-}
-
-void Workspace::chooseResponseSurface(const ResponseSurfaceOptions& options)
-{
-    impl->state.factory->responseSurface()->set(options);
-}
-
-ResponseSurfaceOptions Workspace::responseSurface() const
-{
-    return impl->state.factory->responseSurface()->get();
+    return impl->state.factory->choices();
 }
 
 void Workspace::load(const ProjectDocument& document)

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <mirel_fitting/ResponseSurfaceOptions.h>
-#include <mirel_fitting/ResponseSurfaceStatistics.h>
-#include <mirel_fitting/TransformSetting.h>
 #include <session/cases/CaseCounts.h>
-#include <session/cases/CaseDesignColumns.h>
 #include <session/cases/CaseRoles.h>
 #include <session/cases/CaseTable.h>
 #include <session/model/SweepInterpolationVariables.h>
+#include <session/project/ModelChoices.h>
 
 #include <surrogatemodel/SurrogateModelManagerInterface.h>
 
@@ -117,23 +114,11 @@ public:
     void chooseModel(ModelType type);
     ModelType modelType() const;
 
-    /** Of both types of models. */
-    void chooseTransform(TransformSetting setting);
-    TransformSetting transform() const;
-
-    /** Of the coefficients of response surfaces; kept without effect while the model is Kriging. */
-    void chooseCoding(InputCoding coding);
-    InputCoding coding() const;
-
-    /** The columns of weights and blocks of response surfaces; kept without effect while the model
-     * is Kriging, but the cases that they leave out stay out. @throw UsageError for columns that
-     * cannot be taken. */
-    void chooseDesign(const CaseDesignColumns& columns);
-    CaseDesignColumns designColumns() const;
-
-    /** The terms of response surfaces; kept without effect while the model is Kriging. */
-    void chooseResponseSurface(const ResponseSurfaceOptions& options);
-    ResponseSurfaceOptions responseSurface() const;
+    /** What concerns response surfaces is kept without effect while the model is Kriging, but the
+     *  cases that the columns of weights and blocks leave out stay out.
+     *  @throw UsageError for columns that cannot be taken. */
+    void choose(const ModelChoices& choices);
+    ModelChoices modelChoices() const;
 
     /**
      * Replaces the choices by those of a document, all or none: after a failure everything is as

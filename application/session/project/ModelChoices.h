@@ -10,9 +10,14 @@
 struct ModelChoices
 {
     ResponseSurfaceOptions responseSurface; ///< with a formula in names of inputs
-    CaseDesignColumns designColumns;        ///< of response surfaces
+    CaseDesignColumns designColumns = {};   ///< of response surfaces
     TransformSetting transform = TransformSetting::Usual;
     InputCoding coding = InputCoding::Axial; ///< of the coefficients of response surfaces
+
+    bool selectsTerms() const
+    {
+        return responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
+    }
 
     bool operator==(const ModelChoices& other) const
     {

@@ -179,18 +179,19 @@ std::string ComparisonReport::text(const Workspace& workspace, const ModelCompar
     if (known != outputs.end()) {
         text += "Kriging by " + known->kriging.kriging->criterionText() + '\n';
     }
-    const PolynomialTerms terms = workspace.responseSurface().terms;
+    const ModelChoices choices = workspace.modelChoices();
+    const PolynomialTerms terms = choices.responseSurface.terms;
     if (terms == PolynomialTerms::Chosen) {
         text += "Terms   those of the response surface are " +
-                oneLineText(workspace.responseSurface().formula) + '\n';
+                oneLineText(choices.responseSurface.formula) + '\n';
     } else if (terms != PolynomialTerms::Quadratic) {
         text += std::string("Order   the response surface is linear") +
                 (terms == PolynomialTerms::Linear ? "\n" : " with interactions\n");
     }
-    if (ReportHeading::selectsTerms(workspace)) {
+    if (choices.selectsTerms()) {
         text += "Terms   those of the response surface selected by AICc, anew in each fold\n";
     }
-    const CaseDesignColumns design = workspace.designColumns();
+    const CaseDesignColumns& design = choices.designColumns;
     if (!design.weights.empty()) {
         text += "Weights " + oneLineText(design.weights) +
                 ", of the response surface and of the errors of both; Kriging is fitted without\n";
@@ -223,12 +224,7 @@ ReportJson::Json ComparisonReport::json(const Workspace& workspace,
                                    {"confidence", confidenceOf(output)},
                                    {"recommendation", output.recommendation}});
     }
-    json["terms"] = termsWord(workspace.responseSurface().terms);
-    if (workspace.responseSurface().terms == PolynomialTerms::Chosen) {
-        json["formula"] = workspace.responseSurface().formula;
-    }
-    json["selectsTerms"] = ReportHeading::selectsTerms(workspace);
-    ReportJson::addDesign(workspace.designColumns(), json);
+    ReportJson::addResponseSurface(workspace.modelChoices(), json);
     json["seconds"] = {{"read", readSeconds}, {"compare", comparison.seconds}};
     return json;
 }

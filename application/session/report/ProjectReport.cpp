@@ -109,10 +109,7 @@ std::string ProjectReport::text(const ProjectDocument& document)
         const bool isChosen = document.responseSurface.terms == PolynomialTerms::Chosen;
         head.add({"Terms", (isChosen ? document.responseSurface.formula
                                      : termsWord(document.responseSurface.terms)) +
-                               (document.responseSurface.selection ==
-                                        ResponseSurfaceOptions::Selection::BackwardAicc
-                                    ? ", selected by AICc"
-                                    : "") +
+                               (document.selectsTerms() ? ", selected by AICc" : "") +
                                ", if it is a response surface"});
     }
     if (!document.designColumns.weights.empty()) {
@@ -164,13 +161,7 @@ ReportJson::Json ProjectReport::json(const ProjectDocument& document)
         json["excluded"].push_back(position + 1);
     }
     json["model"] = modelName(document);
-    json["terms"] = termsWord(document.responseSurface.terms);
-    if (document.responseSurface.terms == PolynomialTerms::Chosen) {
-        json["formula"] = document.responseSurface.formula;
-    }
-    json["selectsTerms"] =
-        document.responseSurface.selection == ResponseSurfaceOptions::Selection::BackwardAicc;
-    ReportJson::addDesign(document.designColumns, json);
+    ReportJson::addResponseSurface(document, json);
     json["transform"] = transformWord(document.transform);
     json["coding"] = codingWord(document.coding);
     json["inputs"] = document.modelInputs();

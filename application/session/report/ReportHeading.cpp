@@ -55,7 +55,7 @@ std::vector<std::string> roleNotes(const Workspace& workspace)
 std::string formulaText(const Workspace& workspace)
 {
     const std::vector<std::string> names = namesOf(workspace.inputs());
-    const std::string formula = workspace.responseSurface().formula;
+    const std::string formula = workspace.modelChoices().responseSurface.formula;
     const TermFormula terms(formula, names);
     std::vector<std::string> added;
     for (const std::size_t input : terms.addedInputs()) {
@@ -71,15 +71,16 @@ std::string ReportHeading::modelText(const Workspace& workspace)
     if (workspace.modelType() == Workspace::Kriging) {
         return "Kriging";
     }
-    const CaseDesignColumns design = workspace.designColumns();
-    const PolynomialTerms terms = workspace.responseSurface().terms;
+    const ModelChoices choices = workspace.modelChoices();
+    const CaseDesignColumns& design = choices.designColumns;
+    const PolynomialTerms terms = choices.responseSurface.terms;
     const char* const polynomial = terms == PolynomialTerms::Linear ? ", linear"
                                    : terms == PolynomialTerms::Interactions
                                        ? ", linear with interactions"
                                        : "";
     const std::string formula = terms == PolynomialTerms::Chosen ? formulaText(workspace) : "";
     return std::string("response surface") + polynomial + formula +
-           (selectsTerms(workspace) ? ", terms selected by AICc" : "") +
+           (choices.selectsTerms() ? ", terms selected by AICc" : "") +
            (design.weights.empty() ? "" : ", weights " + design.weights) +
            (design.blocks.empty() ? "" : ", blocks " + design.blocks);
 }
@@ -150,7 +151,11 @@ ReportJson::Json ReportHeading::layoutJson(const CaseFileLayout& layout)
 
 ReportJson::Json ReportHeading::casesJson(const Workspace& workspace)
 {
-    ReportJson::Json json = ReportJson::cases(workspace.counts());
+    const CaseCounts& counts = workspace.counts();
+    ReportJson::Json json = {{"read", counts.read},
+                             {"valid", counts.valid},
+                             {"excluded", counts.excluded},
+                             {"invalid", counts.invalid}};
     if (workspace.exportedReport().empty()) {
         json["layout"] = layoutJson(workspace.source().layout);
     }
@@ -180,11 +185,6 @@ void ReportHeading::addInputs(const Workspace& workspace, ReportJson::Json& json
     }
 }
 
-bool ReportHeading::selectsTerms(const Workspace& workspace)
-{
-    return workspace.responseSurface().selection == ResponseSurfaceOptions::Selection::BackwardAicc;
-}
-
 ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
 {
     ReportJson::Json json = {
@@ -192,12 +192,7 @@ ReportJson::Json ReportHeading::modelJson(const Workspace& workspace)
         {"cases", casesJson(workspace)},
         {"model", workspace.modelType() == Workspace::Kriging ? "kriging" : "response-surface"}};
     if (workspace.modelType() == Workspace::ResponseSurface) {
-        json["terms"] = termsWord(workspace.responseSurface().terms);
-        if (workspace.responseSurface().terms == PolynomialTerms::Chosen) {
-            json["formula"] = workspace.responseSurface().formula;
-        }
-        json["selectsTerms"] = selectsTerms(workspace);
-        ReportJson::addDesign(workspace.designColumns(), json);
+        ReportJson::addResponseSurface(workspace.modelChoices(), json);
     }
     addInputs(workspace, json);
     json["outputs"] = ReportJson::Json::array();

@@ -41,9 +41,6 @@ SURROGATE_SESSION_EXPORT ReportJson::Json casesJson(const Workspace& workspace);
  *  and "doubtfulInputs": those that may be outputs, each with the reason. */
 void addInputs(const Workspace& workspace, ReportJson::Json& json);
 
-/** Whether terms of response surfaces are selected. */
-SURROGATE_SESSION_EXPORT bool selectsTerms(const Workspace& workspace);
-
 /** The first members of the reports of a model: "schema" to "inputs", and empty "outputs". */
 SURROGATE_SESSION_EXPORT ReportJson::Json modelJson(const Workspace& workspace);
 

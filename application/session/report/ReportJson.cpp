@@ -1,30 +1,26 @@
 #include "session/report/ReportJson.h"
 
-#include "session/cases/CaseCounts.h"
-#include "session/cases/CaseDesignColumns.h"
 #include "session/files/OutputFile.h"
 #include "session/files/OutputTable.h"
+#include "session/project/ModelChoices.h"
 
 namespace {
 /** How text() ends an object. */
 const std::string objectEnd = "\n}\n";
 } // namespace
 
-ReportJson::Json ReportJson::cases(const CaseCounts& counts)
+void ReportJson::addResponseSurface(const ModelChoices& choices, Json& json)
 {
-    return {{"read", counts.read},
-            {"valid", counts.valid},
-            {"excluded", counts.excluded},
-            {"invalid", counts.invalid}};
-}
-
-void ReportJson::addDesign(const CaseDesignColumns& columns, Json& json)
-{
-    if (!columns.weights.empty()) {
-        json["weights"] = columns.weights;
+    json["terms"] = termsWord(choices.responseSurface.terms);
+    if (choices.responseSurface.terms == PolynomialTerms::Chosen) {
+        json["formula"] = choices.responseSurface.formula;
     }
-    if (!columns.blocks.empty()) {
-        json["blocks"] = columns.blocks;
+    json["selectsTerms"] = choices.selectsTerms();
+    if (!choices.designColumns.weights.empty()) {
+        json["weights"] = choices.designColumns.weights;
+    }
+    if (!choices.designColumns.blocks.empty()) {
+        json["blocks"] = choices.designColumns.blocks;
     }
 }
 

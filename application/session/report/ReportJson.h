@@ -7,8 +7,7 @@
 #include <string>
 
 class OutputFile;
-struct CaseCounts;
-struct CaseDesignColumns;
+struct ModelChoices;
 struct OutputTable;
 
 /** What the JSON reports have in common: objects with a member "schema". */
@@ -17,11 +16,9 @@ using Json = nlohmann::ordered_json;
 
 constexpr int schemaVersion = 1;
 
-/** The numbers of cases: read, valid, excluded, invalid. */
-Json cases(const CaseCounts& counts);
-
-/** The names of the columns of weights and blocks, if there are any. */
-void addDesign(const CaseDesignColumns& columns, Json& json);
+/** What is chosen for a response surface: "terms", "formula" of chosen ones, "selectsTerms", and
+ * the columns "weights" and "blocks" if there are any. */
+void addResponseSurface(const ModelChoices& choices, Json& json);
 
 /** On indented lines. A number that is not finite is null; bytes that are no UTF-8 are replaced. */
 SURROGATE_SESSION_EXPORT std::string text(const Json& json);

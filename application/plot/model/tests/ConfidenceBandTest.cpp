@@ -68,7 +68,7 @@ TEST(ConfidenceBand, OfATransformIsTransformedBack)
 {
     CaseSession session(tableOf({{"x", {0, 1, 2, 3, 4, 5}}, {"y", {1, 3, 6, 25, 50, 170}}}),
                         {{0}, {1}}, {}, CaseSession::ResponseSurface);
-    session.chooseTransform(TransformSetting::Logarithm);
+    session.choose({{}, {}, TransformSetting::Logarithm});
     session.sweepEvenly(0, 3);
     const ModelSlice slice = ModelSlice::throughChosenValues(session);
 

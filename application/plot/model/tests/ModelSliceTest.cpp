@@ -168,7 +168,7 @@ TEST(ModelSlice, AnOutputOverThreeDecadesHasALogarithmicAxis)
     }
     CaseSession decades(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
     EXPECT_TRUE(hasLogarithmicAxis(decades, 0));
-    plain.chooseTransform(TransformSetting::Logarithm);
+    plain.choose({{}, {}, TransformSetting::Logarithm});
     EXPECT_TRUE(hasLogarithmicAxis(plain, 0));
 }
 

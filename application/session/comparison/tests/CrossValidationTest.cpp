@@ -33,7 +33,7 @@ TEST(CrossValidation, IntervalsAreWiderForCasesOfLessWeight)
     table.columns[2].numbers.assign(11, 1.0);
     const auto lengths = [&table](std::size_t row) {
         CaseSession session(table, {{0}, {3}}, {}, CaseSession::ResponseSurface);
-        session.chooseDesign({table.columns[2].name, ""});
+        session.choose({{}, {table.columns[2].name, ""}});
         const CrossValidation validation(session, ComparedCases(session), 11);
         const Predictions& predictions = validation.responseSurface[0];
         return predictions.upper[row] - predictions.lower[row];
@@ -57,7 +57,7 @@ TEST(CrossValidation, ComparesTheValidCasesWithWeightsOfMeanOne)
               (std::vector<std::size_t>{0, 2, 3, 5, 6, 7, 8, 9, 10}));
     EXPECT_EQ(ComparedCases(session).weight(3), 1.0);
 
-    session.chooseDesign({"Uniformity", ""});
+    session.choose({{}, {"Uniformity", ""}});
     const ComparedCases weighted(session);
     double sum = 0.0;
     for (std::size_t i = 0; i < weighted.count(); ++i) {

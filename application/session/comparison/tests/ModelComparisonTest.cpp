@@ -324,8 +324,7 @@ TEST(ModelComparison, IntervalsOfLeftOutCasesAreThoseOfTheirWeights)
                                                              {3, TransformSetting::Logarithm}};
     for (const auto& [output, transform] : rows) {
         CaseSession session(table, {{0}, {output}}, {}, CaseSession::ResponseSurface);
-        session.chooseDesign({"w", ""});
-        session.chooseTransform(transform);
+        session.choose({{}, {"w", ""}, transform});
 
         const OutputComparison compared = ModelComparison::of(session, 4).outputs[0];
 

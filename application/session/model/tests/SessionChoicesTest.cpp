@@ -54,7 +54,7 @@ TEST(SessionChoices, CasesWithoutAChoiceGetAResponseSurfaceOfAllNumericColumns)
     EXPECT_TRUE(session->outputs().empty());
     EXPECT_EQ(session->counts().excluded, 0u);
     EXPECT_EQ(session->modelType(), CaseSession::ResponseSurface);
-    EXPECT_TRUE(session->responseSurface() == ResponseSurfaceOptions());
+    EXPECT_TRUE(session->modelChoices().responseSurface == ResponseSurfaceOptions());
 }
 
 TEST(SessionChoices, TermsMustBeOfTheInputs)
@@ -90,7 +90,7 @@ TEST(SessionChoices, CasesGetWhatIsChosen)
     EXPECT_EQ(namesOf(session->outputs()), (Names{"Stress"}));
     EXPECT_EQ(session->counts().excluded, 3u);
     EXPECT_EQ(session->modelType(), CaseSession::Kriging);
-    EXPECT_EQ(session->responseSurface().terms, PolynomialTerms::Linear);
+    EXPECT_EQ(session->modelChoices().responseSurface.terms, PolynomialTerms::Linear);
 }
 
 TEST(SessionChoices, AProjectWithoutAChoiceIsAsItsDocumentSays)
@@ -123,7 +123,7 @@ TEST(SessionChoices, ChoicesTakePrecedenceOverTheDocument)
     EXPECT_EQ(namesOf(opened.session->outputs()), (Names{"Uniformity"}));
     EXPECT_EQ(opened.session->counts().excluded, 0u);
     EXPECT_EQ(opened.session->modelType(), CaseSession::ResponseSurface);
-    EXPECT_EQ(opened.session->responseSurface().selection,
+    EXPECT_EQ(opened.session->modelChoices().responseSurface.selection,
               ResponseSurfaceOptions::Selection::BackwardAicc);
 }
 
@@ -201,7 +201,7 @@ TEST(SessionChoices, MoreInputsThanAModelCanHaveAreRefusedWithWhatTheyWouldNeed)
             ResponseSurfaceOptions options;
             options.terms = PolynomialTerms::Chosen;
             options.formula = formula;
-            workspace.chooseResponseSurface(options);
+            workspace.choose({options});
         }
         return messageOf<UsageError>([&] { requireFewInputs(workspace, comparesModels); });
     };

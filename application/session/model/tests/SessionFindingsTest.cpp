@@ -59,7 +59,7 @@ TEST(SessionFindings, MissingCellsAreNamedByColumnAndCause)
     CaseSession session(tableWithMissingCells(), {{0, 1}, {2}}, {}, Workspace::ResponseSurface);
     ResponseSurfaceOptions linear;
     linear.terms = PolynomialTerms::Linear;
-    session.chooseResponseSurface(linear);
+    session.choose({linear});
 
     EXPECT_EQ(
         FindingsReport::text(SessionFindings::ofCases(session)),

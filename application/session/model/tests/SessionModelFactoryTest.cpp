@@ -13,8 +13,7 @@ namespace {
 using Interface = SurrogateModelManagerInterface;
 using ModelType = SurrogateModelFactory::ModelType;
 
-const ResponseSurfaceOptions linear = {PolynomialTerms::Linear,
-                                       ResponseSurfaceOptions::Selection::All};
+const ResponseSurfaceOptions linear = {PolynomialTerms::Linear};
 
 class SessionModelFactoryTest : public ::testing::Test
 {
@@ -44,7 +43,7 @@ TEST_F(SessionModelFactoryTest, MakesResponseSurfacesWithTheChosenTerms)
 {
     EXPECT_EQ(termsOf(*make(Interface::ResponseSurface)), 3u);
 
-    factory.responseSurface()->set(linear);
+    factory.choose({linear});
 
     EXPECT_EQ(termsOf(*make(Interface::ResponseSurface)), 2u);
 }
@@ -60,8 +59,7 @@ TEST_F(SessionModelFactoryTest, MakesTheKrigingModelsOfTheLibraryForOutputsOrThe
 
 TEST_F(SessionModelFactoryTest, TransformsResponseSurfacesByBoxCox)
 {
-    factory.responseSurface()->set(linear);
-    factory.transform()->set(TransformSetting::BoxCox);
+    factory.choose({linear, {}, TransformSetting::BoxCox});
     const double noise[] = {0.02, -0.01, -0.03, 0.03, 0.0, -0.01};
     for (std::size_t i = 0; i < 6; ++i) {
         y[i] = std::exp(x[i] + noise[i]);
@@ -86,10 +84,10 @@ TEST_F(SessionModelFactoryTest, TransformsTheOutputsOfBothModelsAsChosen)
 {
     y[0] = 1.0;
     for (const ModelType type : {Interface::Kriging, Interface::ResponseSurface}) {
-        factory.transform()->set(TransformSetting::SquareRoot);
+        factory.choose({{}, {}, TransformSetting::SquareRoot});
         EXPECT_EQ(transformOf(*make(type)), OutputTransform::SquareRoot);
 
-        factory.transform()->set(TransformSetting::None);
+        factory.choose({{}, {}, TransformSetting::None});
         EXPECT_EQ(transformOf(*make(type)), OutputTransform::None);
     }
 }
@@ -110,12 +108,12 @@ TEST_F(SessionModelFactoryTest, ReportsChangesForTheModelsThatTheyConcern)
     factory.connectSignalChanged([&](ModelType type) { changed.push_back(type); });
 
     for (int i = 0; i < 2; ++i) {
-        factory.transform()->set(TransformSetting::Logarithm);
+        factory.choose({{}, {}, TransformSetting::Logarithm});
     }
     EXPECT_EQ(changed, (std::vector<ModelType>{Interface::Kriging, Interface::ResponseSurface}));
     changed.clear();
     for (int i = 0; i < 2; ++i) {
-        factory.responseSurface()->set(linear);
+        factory.choose({linear, {}, TransformSetting::Logarithm});
     }
     EXPECT_EQ(changed, (std::vector<ModelType>{Interface::ResponseSurface}));
 }
@@ -129,15 +127,15 @@ TEST_F(SessionModelFactoryTest, HandsOutAFinishedModelWhateverIsAskedFor)
     EXPECT_EQ(restoring.makeModel(Interface::Kriging, {}, {}, 0), finished);
 }
 
-TEST_F(SessionModelFactoryTest, ItsTermsMayOutliveIt)
+TEST_F(SessionModelFactoryTest, ItsColumnsMayOutliveIt)
 {
-    boost::shared_ptr<veska::PropertyAbstract<ResponseSurfaceOptions>> terms;
+    boost::shared_ptr<veska::PropertyAbstract<CaseDesignColumns>> columns;
     {
         const SessionModelFactory other;
-        terms = other.responseSurface();
+        columns = other.designColumns();
     }
 
-    terms->set(linear);
+    columns->set({"w", ""});
 
-    EXPECT_EQ(terms->get().terms, PolynomialTerms::Linear);
+    EXPECT_EQ(columns->get().weights, "w");
 }

@@ -22,7 +22,7 @@ TEST(WorkspaceCoding, HoldsForTheStatisticsIsSavedAndUndone)
     const ProjectDocument axialDocument = session.document();
     const double axial = coded();
 
-    session.chooseCoding(InputCoding::Factorial);
+    session.choose({{}, {}, {}, InputCoding::Factorial});
     const double factorial = coded();
     const std::string path = folder.path("cvd.surrogate.xml");
     session.document().save(path);
@@ -30,7 +30,7 @@ TEST(WorkspaceCoding, HoldsForTheStatisticsIsSavedAndUndone)
     EXPECT_NE(factorial, axial);
     EXPECT_EQ(session.statistics()[0].coding, InputCoding::Factorial);
     UndoStack().stack().undo();
-    EXPECT_EQ(session.coding(), InputCoding::Axial);
+    EXPECT_EQ(session.modelChoices().coding, InputCoding::Axial);
     EXPECT_EQ(coded(), axial);
 
     session.load(ProjectDocument::load(path));

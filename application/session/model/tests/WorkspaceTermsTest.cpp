@@ -49,7 +49,7 @@ protected:
     {
         const UndoStack::SuspendUndoRecording unrecorded;
         CaseSession chosen = session();
-        chosen.chooseResponseSurface(options);
+        chosen.choose({options});
         return chosen.document();
     }
 
@@ -64,7 +64,7 @@ TEST_F(WorkspaceTerms, MayBeAFormulaInTheNamesOfTheInputs)
                                            "H2/WF6 + Pressure + H2/WF6:Pressure"};
     CaseSession terms = session();
 
-    terms.chooseResponseSurface(chosen);
+    terms.choose({chosen});
     EXPECT_EQ(terms.statistics()[0].coefficients.size(), 4u);
     EXPECT_EQ(terms.statistics()[0].coefficients[3].term, "V1 V2");
 
@@ -76,8 +76,8 @@ TEST_F(WorkspaceTerms, MayBeAFormulaInTheNamesOfTheInputs)
 TEST_F(WorkspaceTerms, OfAFormulaNeedItsInputs)
 {
     CaseSession terms = session();
-    terms.chooseResponseSurface(
-        {PolynomialTerms::Chosen, ResponseSurfaceOptions::Selection::All, "Pressure + Ratio"});
+    terms.choose(
+        {{PolynomialTerms::Chosen, ResponseSurfaceOptions::Selection::All, "Pressure + Ratio"}});
 
     try {
         terms.fit();
@@ -91,19 +91,19 @@ TEST_F(WorkspaceTerms, OfAFormulaNeedItsInputs)
 TEST_F(WorkspaceTerms, FitsAnewWheneverItChangesAndOnlyThen)
 {
     CaseSession chosen = session();
-    EXPECT_TRUE(chosen.responseSurface() == ResponseSurfaceOptions());
+    EXPECT_TRUE(chosen.modelChoices().responseSurface == ResponseSurfaceOptions());
     EXPECT_EQ(droppedBy(chosen), none);
     EXPECT_NE(chosen.equationText().find("V1^2"), std::string::npos);
 
-    chosen.chooseResponseSurface(selected);
+    chosen.choose({selected});
     EXPECT_EQ(droppedBy(chosen), squares);
     EXPECT_EQ(chosen.equationText().find("V1^2"), std::string::npos);
     EXPECT_NE(chosen.equationText().find("V1 * V2"), std::string::npos);
     const SurrogateModelInterface* const model = &chosen.model();
-    chosen.chooseResponseSurface(selected);
+    chosen.choose({selected});
     EXPECT_EQ(&chosen.model(), model);
 
-    chosen.chooseResponseSurface(ResponseSurfaceOptions());
+    chosen.choose({ResponseSurfaceOptions()});
     EXPECT_EQ(droppedBy(chosen), none);
 }
 
@@ -112,7 +112,7 @@ TEST_F(WorkspaceTerms, KeepsAKrigingModelAndCountsForTheNextResponseSurface)
     CaseSession chosen = session(CaseSession::Kriging);
     const SurrogateModelInterface* const model = &chosen.model();
 
-    chosen.chooseResponseSurface(selected);
+    chosen.choose({selected});
     EXPECT_EQ(&chosen.model(), model);
 
     chosen.chooseModel(CaseSession::ResponseSurface);
@@ -125,17 +125,17 @@ TEST_F(WorkspaceTerms, IsAnUndoStepUnlessRecordingIsSuspended)
     CaseSession chosen = session();
     {
         const UndoStack::SuspendUndoRecording unrecorded;
-        chosen.chooseResponseSurface(linear);
+        chosen.choose({linear});
     }
     EXPECT_EQ(UndoStack().stack().count(), 0);
 
-    chosen.chooseResponseSurface(selected);
+    chosen.choose({selected});
     EXPECT_EQ(droppedBy(chosen), squares);
     EXPECT_EQ(UndoStack().stack().undoText(), "Change Surrogate Model Terms");
 
     UndoStack().stack().undo();
     EXPECT_EQ(droppedBy(chosen), none);
-    EXPECT_TRUE(chosen.responseSurface() == linear);
+    EXPECT_TRUE(chosen.modelChoices().responseSurface == linear);
 }
 
 TEST_F(WorkspaceTerms, IsThePolynomialToo)
@@ -143,13 +143,11 @@ TEST_F(WorkspaceTerms, IsThePolynomialToo)
     CaseSession chosen = session();
     chosen.fit();
 
-    chosen.chooseResponseSurface(
-        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All});
+    chosen.choose({{PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::All}});
     EXPECT_EQ(chosen.fit().outputs[0].metrics.terms, 4u);
     EXPECT_EQ(chosen.equationText().find("^2"), std::string::npos);
 
-    chosen.chooseResponseSurface(
-        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc});
+    chosen.choose({{PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc}});
     EXPECT_EQ(droppedBy(chosen), Texts{"V2"});
 }
 
@@ -162,11 +160,11 @@ TEST_F(WorkspaceTerms, ComesBackFromADocumentAndIsTakenBackByOneWithoutIt)
         CaseSession loaded = session();
 
         loaded.load(ProjectDocument::load(folder.path("p.surrogate.xml")));
-        EXPECT_TRUE(loaded.responseSurface() == options);
+        EXPECT_TRUE(loaded.modelChoices().responseSurface == options);
         EXPECT_TRUE(loaded.document() == saved);
         loaded.fit();
         loaded.load(without);
-        EXPECT_TRUE(loaded.responseSurface() == ResponseSurfaceOptions());
+        EXPECT_TRUE(loaded.modelChoices().responseSurface == ResponseSurfaceOptions());
         EXPECT_EQ(droppedBy(loaded), none);
     }
 }

@@ -39,7 +39,7 @@ TEST(Workspace, StartsWithAResponseSurfaceOfAllTerms)
     const Workspace workspace(cvdCases());
 
     EXPECT_EQ(workspace.modelType(), Workspace::ResponseSurface);
-    EXPECT_TRUE(workspace.responseSurface() == ResponseSurfaceOptions());
+    EXPECT_TRUE(workspace.modelChoices().responseSurface == ResponseSurfaceOptions());
     EXPECT_TRUE(workspace.inputs().empty());
     EXPECT_TRUE(workspace.outputs().empty());
 }

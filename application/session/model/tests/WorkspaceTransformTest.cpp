@@ -40,11 +40,11 @@ TEST_F(WorkspaceTransform, FitsAnewWheneverItChanges)
         CaseSession chosen = session(model);
         EXPECT_EQ(transformOf(chosen), OutputTransform::None);
 
-        chosen.chooseTransform(TransformSetting::Logarithm);
+        chosen.choose({{}, {}, TransformSetting::Logarithm});
         EXPECT_EQ(transformOf(chosen), OutputTransform::Logarithm);
 
         UndoStack().stack().undo();
-        EXPECT_EQ(chosen.transform(), TransformSetting::Usual);
+        EXPECT_EQ(chosen.modelChoices().transform, TransformSetting::Usual);
         EXPECT_EQ(transformOf(chosen), OutputTransform::None);
     }
 }
@@ -52,13 +52,13 @@ TEST_F(WorkspaceTransform, FitsAnewWheneverItChanges)
 TEST_F(WorkspaceTransform, IsSavedWithTheProject)
 {
     CaseSession chosen = session();
-    chosen.chooseTransform(TransformSetting::SquareRoot);
+    chosen.choose({{}, {}, TransformSetting::SquareRoot});
     const std::string path = folder.path("cvd.surrogate.xml");
     chosen.document().save(path);
 
     CaseSession loaded = session();
     loaded.load(ProjectDocument::load(path));
 
-    EXPECT_EQ(loaded.transform(), TransformSetting::SquareRoot);
+    EXPECT_EQ(loaded.modelChoices().transform, TransformSetting::SquareRoot);
     EXPECT_EQ(transformOf(loaded), OutputTransform::SquareRoot);
 }

@@ -108,7 +108,7 @@ TEST(FitReport, SaysWhereLimitsOfThePowerAreBeyondThoseTried)
     // Too few cases, of too little variation, to tell any power from another.
     CaseSession session(tableOf({{"x", {0, 1, 2, 3, 4, 5}}, {"y", {10, 12, 11, 13, 12, 14}}}),
                         {{0}, {1}}, {}, CaseSession::ResponseSurface);
-    session.chooseTransform(TransformSetting::BoxCox);
+    session.choose({{}, {}, TransformSetting::BoxCox});
 
     const std::string note = outputIn(session)["notes"][0];
 
@@ -124,7 +124,7 @@ TEST(FitReport, NamesThePowerThatSuitsWhereItIsNotOffered)
     }
     table.cases = 12;
     CaseSession session(std::move(table), {{0}, {1}}, {}, CaseSession::ResponseSurface);
-    session.chooseTransform(TransformSetting::BoxCox);
+    session.choose({{}, {}, TransformSetting::BoxCox});
 
     const std::string note = outputIn(session)["notes"][0];
 
@@ -301,8 +301,7 @@ TEST(FitReport, WarnsOfPointsOutsideTheCases)
 TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
 {
     CaseSession session(cvdCases(), {{0, 1}, {2}}, {}, CaseSession::ResponseSurface);
-    session.chooseResponseSurface(
-        {PolynomialTerms::Quadratic, ResponseSurfaceOptions::Selection::BackwardAicc});
+    session.choose({{PolynomialTerms::Quadratic, ResponseSurfaceOptions::Selection::BackwardAicc}});
 
     const std::string text = FitReport::text(session);
 
@@ -314,8 +313,8 @@ TEST(FitReport, NamesTheSelectionOfTermsAndWhatItDropped)
               SortedJson::parse(R"([{"term": "V1^2", "name": "Pressure^2"},
                               {"term": "V2^2", "name": "H2/WF6^2"}])"));
 
-    session.chooseResponseSurface(
-        {PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc});
+    session.choose(
+        {{PolynomialTerms::Linear, ResponseSurfaceOptions::Selection::BackwardAicc}});
     EXPECT_TRUE(contains(FitReport::text(session),
                          "\nModel   response surface, linear, terms selected by AICc\n"));
 }

@@ -21,7 +21,7 @@ ProjectDocument documentWith(const ResponseSurfaceOptions& terms)
     CaseTable cases = cvdCases();
     cases.path = folder.write("cvd.csv", "cases");
     Workspace workspace(std::move(cases), {{0, 1}, {2}}, {}, Workspace::ResponseSurface);
-    workspace.chooseResponseSurface(terms);
+    workspace.choose({terms});
     return workspace.document();
 }
 } // namespace

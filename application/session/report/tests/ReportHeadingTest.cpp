@@ -15,15 +15,14 @@ TEST(ReportHeading, NamesTheModelWithTermsThatAreNotTheUsualOnes)
     CaseSession session = cvdSession();
     EXPECT_EQ(ReportHeading::modelText(session), "response surface");
 
-    session.chooseResponseSurface(
-        {PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::BackwardAicc});
-    EXPECT_TRUE(ReportHeading::selectsTerms(session));
+    session.choose(
+        {{PolynomialTerms::Interactions, ResponseSurfaceOptions::Selection::BackwardAicc}});
     EXPECT_EQ(ReportHeading::modelText(session),
               "response surface, linear with interactions, terms selected by AICc");
     EXPECT_EQ(ReportHeading::modelJson(session)["terms"], "interactions");
     EXPECT_EQ(ReportHeading::modelJson(session)["selectsTerms"], true);
 
-    session.chooseResponseSurface({PolynomialTerms::Linear});
+    session.choose({{PolynomialTerms::Linear}});
     EXPECT_EQ(ReportHeading::modelText(session), "response surface, linear");
 
     session.chooseModel(CaseSession::Kriging);

@@ -34,7 +34,7 @@ TEST(StatisticsTables, AnInputThatIsLeftOutMayBeAnywhereAtTheStationaryPoint)
 TEST(StatisticsTables, HeadingsNameTheTransformThatFiguresBelongTo)
 {
     CaseSession session = cvdSession();
-    session.chooseTransform(TransformSetting::Logarithm);
+    session.choose({{}, {}, TransformSetting::Logarithm});
     const std::string text = FitReport::text(session);
 
     EXPECT_TRUE(contains(text, "Residual of the logarithm"));
