@@ -24,6 +24,12 @@ std::string rowsOf(const std::vector<double>& numbers, std::size_t perRow)
     return text;
 }
 
+/** A number behind a minus sign. */
+std::string subtrahend(double number)
+{
+    return std::signbit(number) ? "(" + realNumber(number) + ")" : realNumber(number);
+}
+
 /** {a, b}; C has no empty arrays, so that one without elements gets a zero. */
 std::string braced(const std::vector<double>& numbers)
 {
@@ -155,9 +161,8 @@ std::string polynomial(const Description& predictor, std::size_t output)
     for (std::size_t k = 0; !terms.empty() && k < coordinates; ++k) {
         const Description::Coordinate& coordinate = predictor.coordinates[k];
         text += "    x[" + std::to_string(k) + "] = (inputs[" + std::to_string(coordinate.input) +
-                "] - " + (std::signbit(coordinate.origin) ? "(" : "") +
-                realNumber(coordinate.origin) + (std::signbit(coordinate.origin) ? ")" : "") +
-                ") / " + realNumber(coordinate.unit) + ";\n";
+                "] - " + subtrahend(coordinate.origin) + ") / " + realNumber(coordinate.unit) +
+                ";\n";
     }
     text += terms;
     return text + returned(predictor, terms.empty() ? "" : " + sum");
@@ -228,10 +233,9 @@ std::string tableChecks(const ExportedModel& model)
         const auto check = [&](const std::string& table, const std::vector<double>& numbers) {
             const TableSum sum(numbers);
             text += "    if (!(fabs(surrogate_table_sum(surrogate_" + std::to_string(k) + "_" +
-                    table + ", " + std::to_string(numbers.size()) + ") - " +
-                    (std::signbit(sum.value) ? "(" : "") + realNumber(sum.value) +
-                    (std::signbit(sum.value) ? ")" : "") + ") <= " + realNumber(sum.tolerance) +
-                    ")) {\n        return " + std::to_string(k + 1) + ";\n    }\n";
+                    table + ", " + std::to_string(numbers.size()) + ") - " + subtrahend(sum.value) +
+                    ") <= " + realNumber(sum.tolerance) + ")) {\n        return " +
+                    std::to_string(k + 1) + ";\n    }\n";
         };
         check("cases", scaledCases(predictor));
         check("weights", predictor.weights);

@@ -112,13 +112,9 @@ void ModelSheets::writePoint(std::size_t sheet, std::size_t row, const PointForm
                     sheet == ModelSheet ? WorkbookFile::Typed : WorkbookFile::Plain);
     }
     for (std::size_t k = 0; k < outputs; ++k) {
-        const WorkbookFile::Cell cell = {sheet, row, firstInput + inputs + k};
-        const std::string formula = formulas.outputFormula(k, row);
-        if (model.outputs[k].model.predictor.weights.empty()) {
-            file.formula(cell, formula, results[k]);
-        } else {
-            file.arrayFormula(cell, formula, results[k]);
-        }
+        const bool isArray = !model.outputs[k].model.predictor.weights.empty();
+        file.formula({sheet, row, firstInput + inputs + k}, formulas.outputFormula(k, row),
+                     results[k], WorkbookFile::Plain, isArray);
     }
     const std::vector<double> steps = formulas.stepValues(point);
     for (std::size_t s = 0; s < steps.size(); ++s) {

@@ -21,6 +21,17 @@ const char* boundWord(KrigingReport::Bound bound)
                                                   : "none";
 }
 
+/** A list with what `write` makes of each item. */
+template <class Item, class Write>
+Json listJson(const std::vector<Item>& items, Write write)
+{
+    Json json = Json::array();
+    for (const Item& item : items) {
+        json.push_back(write(item));
+    }
+    return json;
+}
+
 /** Of the terms that the model has: what is not kept is no part of its formula. */
 Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
                       const std::vector<std::string>& inputs, bool isCoded)
@@ -45,85 +56,51 @@ Json coefficientsJson(const std::vector<CoefficientStatistics>& coefficients,
     return json;
 }
 
-Json anovaJson(const std::vector<AnovaRow>& anova)
+Json anovaJson(const AnovaRow& row)
 {
-    Json json = Json::array();
-    for (const AnovaRow& row : anova) {
-        json.push_back({{"source", row.source},
-                        {"degreesOfFreedom", row.degreesOfFreedom},
-                        {"sumOfSquares", row.sumOfSquares},
-                        {"meanSquare", row.meanSquare},
-                        {"f", row.f},
-                        {"p", row.p}});
-    }
-    return json;
-}
-
-Json partialTestsJson(const std::vector<PartialTest>& tests, const std::vector<std::string>& inputs)
-{
-    Json json = Json::array();
-    for (const PartialTest& test : tests) {
-        json.push_back(
-            {{"term", test.row.source},
-             {"name", test.factors.empty() ? test.row.source : termName(test.factors, inputs)},
-             {"degreesOfFreedom", test.row.degreesOfFreedom},
-             {"sumOfSquares", test.row.sumOfSquares},
-             {"f", test.row.f},
-             {"p", test.row.p}});
-    }
-    return json;
+    return {{"source", row.source},
+            {"degreesOfFreedom", row.degreesOfFreedom},
+            {"sumOfSquares", row.sumOfSquares},
+            {"meanSquare", row.meanSquare},
+            {"f", row.f},
+            {"p", row.p}};
 }
 
 Json residualsJson(const ResponseSurfaceStatistics& statistics)
 {
-    Json largest = Json::array();
-    for (const std::size_t k : FitReportParts::largestResiduals(statistics)) {
+    const auto residualJson = [&](std::size_t k) -> Json {
         const CaseDiagnostics& one = statistics.cases[k];
-        largest.push_back({{"case", one.row + 1},
-                           {"output", one.output},
-                           {"residual", one.residual},
-                           {"internallyStudentised", one.internallyStudentised},
-                           {"externallyStudentised", one.externallyStudentised},
-                           {"leverage", one.leverage},
-                           {"cooksDistance", one.cooksDistance}});
-    }
-    Json outliers = Json::array();
-    for (const std::size_t k : statistics.suspectedOutliers()) {
-        outliers.push_back(statistics.cases[k].row + 1);
-    }
-    return {{"largest", std::move(largest)},
+        return {{"case", one.row + 1},
+                {"output", one.output},
+                {"residual", one.residual},
+                {"internallyStudentised", one.internallyStudentised},
+                {"externallyStudentised", one.externallyStudentised},
+                {"leverage", one.leverage},
+                {"cooksDistance", one.cooksDistance}};
+    };
+    return {{"largest", listJson(FitReportParts::largestResiduals(statistics), residualJson)},
             {"outlierLimit", statistics.outlierLimit},
-            {"suspectedOutliers", std::move(outliers)}};
+            {"suspectedOutliers", listJson(statistics.suspectedOutliers(), [&](std::size_t k) {
+                 return statistics.cases[k].row + 1;
+             })}};
 }
 
-Json canonicalDirectionsJson(const std::vector<CanonicalDirection>& directions)
+Json directionJson(const CanonicalDirection& one)
 {
-    Json json = Json::array();
-    for (const CanonicalDirection& one : directions) {
-        json.push_back({{"curvature", one.curvature}, {"components", one.components}});
-    }
-    return json;
+    return {{"curvature", one.curvature}, {"components", one.components}};
 }
 
-Json ridgeJson(const std::vector<RidgePoint>& ridge)
+Json ridgeJson(const RidgePoint& point)
 {
-    Json json = Json::array();
-    for (const RidgePoint& point : ridge) {
-        json.push_back({{"distance", point.distance},
-                        {"coordinates", point.coordinates},
-                        {"value", point.value},
-                        {"standardError", point.standardError}});
-    }
-    return json;
+    return {{"distance", point.distance},
+            {"coordinates", point.coordinates},
+            {"value", point.value},
+            {"standardError", point.standardError}};
 }
 
-Json leverageJson(const ResponseSurfaceStatistics& statistics)
+Json leverageJson(const CaseLeverage& one)
 {
-    Json largest = Json::array();
-    for (const CaseLeverage& one : statistics.largestLeverages) {
-        largest.push_back({{"case", one.row + 1}, {"leverage", one.leverage}});
-    }
-    return {{"mean", statistics.meanLeverage}, {"largest", std::move(largest)}};
+    return {{"case", one.row + 1}, {"leverage", one.leverage}};
 }
 
 Json stationaryPointJson(const std::optional<StationaryPoint>& point)
@@ -179,11 +156,9 @@ Json FitJson::of(const KrigingReport& report)
         bounds.push_back(boundWord(i < report.lengthBounds.size() ? report.lengthBounds[i]
                                                                   : KrigingReport::Bound::None));
     }
-    Json worst = Json::array();
-    for (const KrigingReport::LeftOutCase& one : report.worstCases) {
-        worst.push_back(
-            {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}});
-    }
+    const auto leftOutJson = [](const KrigingReport::LeftOutCase& one) -> Json {
+        return {{"case", one.row + 1}, {"output", one.output}, {"predicted", one.predicted}};
+    };
     return {{"correlationLengths", report.correlationLengths},
             {"lengthBounds", bounds},
             {"nugget", report.nugget},
@@ -196,7 +171,7 @@ Json FitJson::of(const KrigingReport& report)
             {"condition", report.condition},
             {"trend", report.trendTerms},
             {"trendCoefficients", report.trendCoefficients},
-            {"worstCases", worst}};
+            {"worstCases", listJson(report.worstCases, leftOutJson)}};
 }
 
 Json FitJson::of(const BoxCoxProfile& profile)
@@ -225,29 +200,35 @@ Json FitJson::of(const ResponseSurfaceStatistics& statistics,
     Json json = {
         {"coefficients", coefficientsJson(statistics.coefficients, inputs, false)},
         {"codedCoefficients", coefficientsJson(statistics.codedCoefficients, inputs, true)},
-        {"anova", anovaJson(statistics.anova)}};
+        {"anova", listJson(statistics.anova, anovaJson)}};
     if (statistics.coding == InputCoding::Factorial) {
-        json["factorialInputs"] = Json::array();
-        for (const std::size_t input : statistics.factorialInputs) {
-            json["factorialInputs"].push_back(inputs[input]);
-        }
+        json["factorialInputs"] =
+            listJson(statistics.factorialInputs, [&](std::size_t input) { return inputs[input]; });
     }
     if (statistics.repeatsAreCopies) {
         json["lackOfFitNote"] = FitReportParts::lackOfFitNote(statistics);
     }
-    json["partialTests"] = partialTestsJson(statistics.partialTests, inputs);
+    json["partialTests"] = listJson(statistics.partialTests, [&](const PartialTest& test) -> Json {
+        return {{"term", test.row.source},
+                {"name", test.factors.empty() ? test.row.source : termName(test.factors, inputs)},
+                {"degreesOfFreedom", test.row.degreesOfFreedom},
+                {"sumOfSquares", test.row.sumOfSquares},
+                {"f", test.row.f},
+                {"p", test.row.p}};
+    });
     for (const BlockEffect& one : statistics.blockEffects) {
         json["blockEffects"].push_back({{"block", one.name}, {"effect", one.effect}});
     }
-    json["leverage"] = leverageJson(statistics);
+    json["leverage"] = {{"mean", statistics.meanLeverage},
+                        {"largest", listJson(statistics.largestLeverages, leverageJson)}};
     json["residuals"] = residualsJson(statistics);
     json["stationaryPoint"] = stationaryPointJson(statistics.stationaryPoint);
     if (std::string note = FitReportParts::canonicalNote(statistics); !note.empty()) {
         json["stationaryPointNote"] = std::move(note);
     }
-    json["canonicalDirections"] = canonicalDirectionsJson(statistics.canonicalDirections);
-    json["ascent"] = ridgeJson(statistics.ascent);
-    json["descent"] = ridgeJson(statistics.descent);
+    json["canonicalDirections"] = listJson(statistics.canonicalDirections, directionJson);
+    json["ascent"] = listJson(statistics.ascent, ridgeJson);
+    json["descent"] = listJson(statistics.descent, ridgeJson);
     json["droppedTerms"] = droppedTermsJson(statistics.coefficients, inputs);
     return json;
 }

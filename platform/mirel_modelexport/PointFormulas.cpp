@@ -5,6 +5,8 @@
 #include <mirel_modelexport/SourceTerms.h>
 #include <mirel_modelexport/WorkbookFile.h>
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <cmath>
 
@@ -15,7 +17,7 @@ using Description = PredictorDescription;
 constexpr std::size_t noFactor = Description::noFactor;
 
 /** Stands for the number of the row; no formula has it otherwise. */
-constexpr char rowMark = '#';
+const char* const rowMark = "#";
 
 /** Formulas are split before they come near the longest that spreadsheets take; the marks of rows
  *  grow to up to seven digits. */
@@ -23,16 +25,7 @@ constexpr std::size_t longFormula = 5000;
 
 std::string inRow(const std::string& formula, std::size_t row)
 {
-    const std::string number = std::to_string(row + 1);
-    std::string text;
-    for (const char character : formula) {
-        if (character == rowMark) {
-            text += number;
-        } else {
-            text += character;
-        }
-    }
-    return text;
+    return boost::algorithm::replace_all_copy(formula, rowMark, std::to_string(row + 1));
 }
 
 std::string subtracted(double value)
@@ -94,7 +87,7 @@ std::size_t PointFormulas::addCoordinate(const Description::Coordinate& coordina
 std::string PointFormulas::polynomial(const Description& predictor)
 {
     std::vector<std::string> groups;
-    std::vector<std::function<double(const Values&)>> values;
+    std::vector<std::function<double(const Values&, const Values&)>> values;
     std::vector<std::size_t> x;
     for (const Description::Coordinate& coordinate : predictor.coordinates) {
         const bool hasTerms = !predictor.terms.empty();
@@ -116,7 +109,7 @@ std::string PointFormulas::polynomial(const Description& predictor)
             continue;
         }
         groups.push_back(stepCell(x[i]) + "*(" + slope + ")");
-        values.push_back([i, ofGroup, x](const Values& before) {
+        values.push_back([i, ofGroup, x](const Values&, const Values& before) {
             double sum = 0.0;
             for (const Description::Term& term : ofGroup) {
                 sum += term.coefficient * (term.second == noFactor ? 1.0 : before[x[term.second]]);
@@ -132,11 +125,8 @@ std::string PointFormulas::polynomial(const Description& predictor)
     const bool isLong = length > longFormula;
     std::string sum;
     for (std::size_t g = 0; g < groups.size(); ++g) {
-        const auto value = [group = values[g]](const Values&, const Values& before) {
-            return group(before);
-        };
         sum += (sum.empty() ? "" : "+") +
-               (isLong ? stepCell(addStep({"part " + std::to_string(g + 1), groups[g], value}))
+               (isLong ? stepCell(addStep({"part " + std::to_string(g + 1), groups[g], values[g]}))
                        : groups[g]);
     }
     return formulaNumber(predictor.offset) + (sum.empty() ? "" : "+(" + sum + ")");

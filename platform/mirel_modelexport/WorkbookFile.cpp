@@ -180,19 +180,8 @@ void WorkbookFile::number(const Cell& cell, double value, Style style)
                                          impl->formats[style]));
 }
 
-void WorkbookFile::formula(const Cell& cell, const std::string& formula, double value, Style style)
-{
-    writeFormula(cell, formula, value, style, false);
-}
-
-void WorkbookFile::arrayFormula(const Cell& cell, const std::string& formula, double value,
-                                Style style)
-{
-    writeFormula(cell, formula, value, style, true);
-}
-
-void WorkbookFile::writeFormula(const Cell& cell, const std::string& formula, double value,
-                                Style style, bool isArray)
+void WorkbookFile::formula(const Cell& cell, const std::string& formula, double value, Style style,
+                           bool isArray)
 {
     if (formula.size() > maxFormulaLength) {
         throw Error("The formula of an output would have " + std::to_string(formula.size()) +

@@ -46,13 +46,14 @@ public:
     /** Exactly this number, whatever digits the file format keeps. */
     void number(const Cell& cell, double value, Style style = Plain);
 
-    /** @param formula without the equals sign. @param value what shows before it is computed.
-     *  @throw SurrogateModelInterface::Error if it is too long. */
-    void formula(const Cell& cell, const std::string& formula, double value, Style style = Plain);
-
-    /** The same, functions of one number being applied to areas number by number. */
-    void arrayFormula(const Cell& cell, const std::string& formula, double value,
-                      Style style = Plain);
+    /**
+     * @param formula without the equals sign.
+     * @param value   what shows before it is computed.
+     * @param isArray whether functions of one number are applied to areas number by number.
+     * @throw SurrogateModelInterface::Error if it is too long.
+     */
+    void formula(const Cell& cell, const std::string& formula, double value, Style style = Plain,
+                 bool isArray = false);
 
     /** A formula that gives "holds" or "FAILED", the latter in red. */
     void verdict(const Cell& cell, const std::string& formula);
@@ -70,9 +71,6 @@ public:
     static std::string columnName(std::size_t column);
 
 private:
-    void writeFormula(const Cell& cell, const std::string& formula, double value, Style style,
-                      bool isArray);
-
     class Impl;
     std::unique_ptr<Impl> impl;
 };
