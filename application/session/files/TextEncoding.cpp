@@ -2,8 +2,11 @@
 
 #include <mirel_property/Utf8.h>
 
+#include <boost/locale/utf.hpp>
+
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -20,24 +23,7 @@ constexpr std::array<char32_t, 32> windows1252 = {
 
 void appendUtf8(std::string& text, char32_t code)
 {
-    const auto continuation = [code](int shift) {
-        return static_cast<char>(0x80 | ((code >> shift) & 0x3F));
-    };
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        text += continuation(0);
-    } else if (code < 0x10000) {
-        text += static_cast<char>(0xE0 | (code >> 12));
-        text += continuation(6);
-        text += continuation(0);
-    } else {
-        text += static_cast<char>(0xF0 | (code >> 18));
-        text += continuation(12);
-        text += continuation(6);
-        text += continuation(0);
-    }
+    boost::locale::utf::utf_traits<char>::encode(code, std::back_inserter(text));
 }
 
 /** The share of NUL among every second byte. */
