@@ -29,16 +29,15 @@ CaseTable casesOfProject(const CommandLine& line, const ProjectDocument& documen
         }
         return CaseFileReader::read(line.cases, line.reading);
     }
-    try {
-        return readProjectCases(document, line.reading);
-    } catch (const CaseFileStateError& error) {
+    const ProjectDocument::CaseFileCheck check = document.checkCaseFile();
+    if (check.state != ProjectDocument::Unchanged) {
         throw ProjectDocumentError(
-            error.what() +
-            std::string(
-                error.state() == ProjectDocument::Missing
-                    ? " Put it back there, or name it with --cases FILE."
-                    : " Use it as it is now with --cases FILE, and save the project again."));
+            check.sentence +
+            (check.state == ProjectDocument::Missing
+                 ? " Put it back there, or name it with --cases FILE."
+                 : " Use it as it is now with --cases FILE, and save the project again."));
     }
+    return CaseFileReader::read(document.caseFile.path, readingOptions(document, line.reading));
 }
 
 std::unique_ptr<CaseSession> sessionOfProject(const CommandLine& line)

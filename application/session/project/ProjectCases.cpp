@@ -1,5 +1,7 @@
 #include "session/project/ProjectCases.h"
 
+#include "session/text/SessionErrors.h"
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -51,17 +53,6 @@ std::vector<std::size_t> positionsOf(const std::vector<std::string>& wanted,
 }
 } // namespace
 
-CaseFileStateError::CaseFileStateError(const ProjectDocument::CaseFileCheck& check)
-    : ProjectDocumentError(check.sentence), foundState(check.state)
-{}
-
-CaseFileStateError::~CaseFileStateError() = default;
-
-ProjectDocument::CaseFileState CaseFileStateError::state() const
-{
-    return foundState;
-}
-
 CaseTable readCaseTable(const std::string& path, const CaseFileReader::Options& options)
 {
     if (isXmlDocument(path)) {
@@ -102,15 +93,6 @@ CaseFileReader::Options readingOptions(const ProjectDocument& document,
     }
     options.isStrict = options.isStrict || kept.isStrict;
     return options;
-}
-
-CaseTable readProjectCases(const ProjectDocument& document, const CaseFileReader::Options& options)
-{
-    const ProjectDocument::CaseFileCheck check = document.checkCaseFile();
-    if (check.state != ProjectDocument::Unchanged) {
-        throw CaseFileStateError(check);
-    }
-    return CaseFileReader::read(document.caseFile.path, readingOptions(document, options));
 }
 
 std::string otherCasesNote(const ProjectDocument& document, const std::string& path)

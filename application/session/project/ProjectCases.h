@@ -5,25 +5,10 @@
 #include <session/cases/CaseTable.h>
 
 #include <session/project/ProjectDocument.h>
-#include <session/text/SessionErrors.h>
 
 #include <surrogate_session/Export.h>
 
 #include <string>
-
-/** The case file of a project is missing, or has changed since the project was saved. */
-class SURROGATE_SESSION_EXPORT CaseFileStateError : public ProjectDocumentError
-{
-public:
-    explicit CaseFileStateError(const ProjectDocument::CaseFileCheck& check);
-    ~CaseFileStateError() override;
-
-    /** Missing or Changed. */
-    ProjectDocument::CaseFileState state() const;
-
-private:
-    ProjectDocument::CaseFileState foundState;
-};
 
 /**
  * Reads a table of cases that a user names.
@@ -36,10 +21,6 @@ SURROGATE_SESSION_EXPORT CaseTable readCaseTable(const std::string& path,
 /** How a project's case file is read: as the document says where `options` do not. */
 SURROGATE_SESSION_EXPORT CaseFileReader::Options readingOptions(const ProjectDocument& document,
                                                                 CaseFileReader::Options options);
-
-/** Reads the case file of a project. @throw CaseFileStateError; @throw as CaseFileReader::read() */
-SURROGATE_SESSION_EXPORT CaseTable readProjectCases(const ProjectDocument& document,
-                                                    const CaseFileReader::Options& options);
 
 /** Says in a sentence that a file does not hold the cases that a project was saved with; empty if
  * it does. @throw FileError if it cannot be read. */

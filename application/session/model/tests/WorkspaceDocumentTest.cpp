@@ -173,7 +173,9 @@ TEST_F(WorkspaceDocument, ThousandsAreReadAgainAsTheyWereRead)
         const std::string path = folder.path("a.surrogate.xml");
         CaseSession(table).document().save(path);
 
-        const CaseTable again = readProjectCases(ProjectDocument::load(path), {});
+        const ProjectDocument saved = ProjectDocument::load(path);
+        const CaseTable again =
+            CaseFileReader::read(saved.caseFile.path, readingOptions(saved, {}));
 
         EXPECT_EQ(table.columns[1].numbers, (std::vector<double>{9604308.0, 1853.0})) << content;
         EXPECT_EQ(again.columns[1].numbers, table.columns[1].numbers) << content;
