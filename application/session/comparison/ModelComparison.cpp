@@ -42,6 +42,9 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
 {
     CrossValidationMetrics metrics;
     metrics.failures = predictions.failures;
+    for (const OutputTransform transform : predictions.transforms) {
+        ++metrics.transforms[transform];
+    }
     if (!predictions.terms.empty()) {
         metrics.fitSeconds = predictions.seconds / static_cast<double>(predictions.terms.size());
     }
@@ -85,39 +88,6 @@ CrossValidationMetrics metricsOf(const Predictions& predictions, const std::vect
     return metrics;
 }
 
-/** What of the fit to all cases is compared with the folds; nothing of one that fails. */
-struct WholeFit
-{
-    WholeFit(ModelType type, const Workspace& workspace, const ComparedCases& cases,
-             std::size_t output)
-    {
-        const std::string message = std::string(modelName(type)) + ", all cases";
-        FitProgress::report(0.0, message);
-        try {
-            Columns inputs = cases.inputs;
-            std::vector<double> values = cases.outputs[output];
-            const auto model =
-                workspace.modelFactory().makeModel(type, pointersTo(inputs), {values.data()},
-                                                   static_cast<int>(values.size()), cases.design);
-            model->activateDependentVariables({0});
-            if (const PredictiveModel* const predictive = ModelInterfaces(*model).predictive()) {
-                looRmse = predictive->fitMetrics(0).looRmse;
-            }
-            terms = CrossValidation::termCount(*model, workspace.modelChoices().responseSurface);
-            transform = ModelInterfaces(*model).transform(0).transform;
-            kriging = ModelInterfaces(*model).krigingReport(0);
-        } catch (const SurrogateModelInterface::Error&) {
-            // The command fit says why; here the folds count.
-        }
-        FitProgress::report(1.0, message);
-    }
-
-    std::size_t terms = 0;
-    double looRmse = CrossValidationMetrics::none;
-    OutputTransform transform = OutputTransform::None;
-    std::optional<KrigingReport> kriging;
-};
-
 /** Where the folds leave too few cases, the model is of a lower order than that of all cases. */
 void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidationMetrics& metrics)
 {
@@ -134,14 +104,34 @@ void remarkOrder(const Predictions& predictions, std::size_t terms, CrossValidat
     }
 }
 
-void addWholeFit(const Predictions& predictions, const WholeFit& fit,
+/** Adds what of the fit to all cases is compared with the folds; nothing of one that fails. */
+void addWholeFit(ModelType type, const Workspace& workspace, const ComparedCases& cases,
+                 std::size_t output, const Predictions& predictions,
                  CrossValidationMetrics& metrics)
 {
-    metrics.looRmse = fit.looRmse;
-    metrics.transform = fit.transform;
-    metrics.kriging = fit.kriging;
-    for (const OutputTransform transform : predictions.transforms) {
-        ++metrics.transforms[transform];
+    const std::string message = std::string(modelName(type)) + ", all cases";
+    std::size_t terms = 0;
+    FitProgress::report(0.0, message);
+    try {
+        Columns inputs = cases.inputs;
+        std::vector<double> values = cases.outputs[output];
+        const auto model =
+            workspace.modelFactory().makeModel(type, pointersTo(inputs), {values.data()},
+                                               static_cast<int>(values.size()), cases.design);
+        model->activateDependentVariables({0});
+        const ModelInterfaces interfaces(*model);
+        if (const PredictiveModel* const predictive = interfaces.predictive()) {
+            metrics.looRmse = predictive->fitMetrics(0).looRmse;
+        }
+        terms = CrossValidation::termCount(*model, workspace.modelChoices().responseSurface);
+        metrics.transform = interfaces.transform(0).transform;
+        metrics.kriging = interfaces.krigingReport(0);
+    } catch (const SurrogateModelInterface::Error&) {
+        // The command fit says why; here the folds count.
+    }
+    FitProgress::report(1.0, message);
+    if (type == Workspace::ResponseSurface) {
+        remarkOrder(predictions, terms, metrics);
     }
 }
 
@@ -205,11 +195,7 @@ ModelComparison ModelComparison::of(const Workspace& workspace, std::size_t fold
         const auto add = [&](ModelType type, const Predictions& predictions,
                              CrossValidationMetrics& metrics, double from, double to) {
             const FitProgress::Portion part(from, to);
-            const WholeFit fit(type, workspace, cases, i);
-            if (type == Workspace::ResponseSurface) {
-                remarkOrder(predictions, fit.terms, metrics);
-            }
-            addWholeFit(predictions, fit, metrics);
+            addWholeFit(type, workspace, cases, i, predictions, metrics);
         };
         add(Workspace::ResponseSurface, validation.responseSurface[i], output.responseSurface, 0.0,
             CrossValidation::shareOfResponseSurface);

@@ -12,8 +12,9 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_signals/SignalConnectionCollection.h>
 
-#include <vtkCommand.h>
+#include <vtkCallbackCommand.h>
 #include <vtkDoubleArray.h>
+#include <vtkNew.h>
 #include <vtkTable.h>
 
 #include <algorithm>
@@ -24,14 +25,6 @@
 #include <utility>
 
 namespace {
-/** Keeps the filter's errors out of VTK's output window: they are thrown instead. */
-class ErrorSilencer : public vtkCommand
-{
-public:
-    static ErrorSilencer* New() { return new ErrorSilencer; }
-    void Execute(vtkObject*, unsigned long, void*) override {}
-};
-
 /** The models only read their inputs, though through pointers that are not const. */
 std::vector<double*> readOnly(const std::vector<const double*>& columns)
 {
@@ -288,7 +281,8 @@ GridEvaluation Evaluator::evaluate(const std::optional<double>& percent)
     model();
     const auto filter =
         SurrogateModelQueryToTable::New(impl->workspace.manager(), impl->workspace.interpolation());
-    const auto errorSilencer = vtkSmartPointer<ErrorSilencer>::Take(ErrorSilencer::New());
+    // Without a callback it keeps errors out of VTK's output window: they are thrown instead.
+    const vtkNew<vtkCallbackCommand> errorSilencer;
     filter->AddObserver("ErrorEvent", errorSilencer);
 
     GridEvaluation evaluation;

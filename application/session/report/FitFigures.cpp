@@ -18,19 +18,20 @@
 using FitFigures::Figures;
 
 namespace {
+/** Of a share, a factor or a power: more are never of use. */
+constexpr int fewDigits = 3;
+
 /** A share, 0 to 1, in percent. */
 std::string percentText(double share)
 {
-    constexpr int digits = 3;
-    return shownNumber(100.0 * share, digits);
+    return shownNumber(100.0 * share, fewDigits);
 }
 
 std::string leverageText(const ResponseSurfaceStatistics& statistics)
 {
-    constexpr int digits = 3;
     std::vector<std::string> texts;
     for (const CaseLeverage& one : statistics.largestLeverages) {
-        texts.push_back(shownNumber(one.leverage, digits) + " of case " +
+        texts.push_back(shownNumber(one.leverage, fewDigits) + " of case " +
                         std::to_string(one.row + 1));
     }
     return joinedText(texts);
@@ -166,10 +167,9 @@ Figures surfaceFigures(const FitMetrics& metrics, const ResponseSurfaceStatistic
 /** Likelihoods are known between the largest powers only. */
 std::string limitsText(const BoxCoxProfile& profile)
 {
-    constexpr int digits = 3;
     constexpr double end = BoxCoxProfile::largestPower * (1.0 - 1e-9);
-    return (profile.lower <= -end ? "below " : "") + shownNumber(profile.lower, digits) + " to " +
-           (profile.upper >= end ? "beyond " : "") + shownNumber(profile.upper, digits);
+    return (profile.lower <= -end ? "below " : "") + shownNumber(profile.lower, fewDigits) +
+           " to " + (profile.upper >= end ? "beyond " : "") + shownNumber(profile.upper, fewDigits);
 }
 
 /** What to do where a customary power that is not offered suits. */
@@ -189,8 +189,7 @@ std::string otherPowerText(const BoxCoxProfile& profile)
 /** What the choice by Box and Cox rests on, a sentence. */
 std::string powerText(const BoxCoxProfile& profile)
 {
-    constexpr int digits = 3;
-    return "The power of greatest likelihood is " + shownNumber(profile.power, digits) +
+    return "The power of greatest likelihood is " + shownNumber(profile.power, fewDigits) +
            " (95 %: " + limitsText(profile) + ")" +
            (profile.isBetweenLimits ? "."
                                     : "; none of the powers 1, 1/2 and 0 (logarithm) is in "
@@ -224,8 +223,7 @@ std::string missingFiguresNote(const OutputFit& fit, const ResponseSurfaceStatis
 
 std::string FitFigures::widthText(const CalibrationReport& calibration)
 {
-    constexpr int digits = 3;
-    const std::string times = shownNumber(calibration.factor, digits) +
+    const std::string times = shownNumber(calibration.factor, fewDigits) +
                               " times as wide as by Student's t, calibrated by ";
     switch (calibration.basis) {
     case CalibrationReport::Basis::LeaveOneOut:
@@ -258,9 +256,8 @@ std::string FitFigures::transformNote(const OutputFit& fit)
     const std::string transform = ReportHeading::transformName(fit.modelled.transform);
     std::string text = "The " + transform + " of " + shortText(fit.name) + " was modelled";
     if (!std::isnan(fit.modelled.gain)) {
-        constexpr int digits = 3;
         text += ", which describes the cases better (log-likelihood and left-out cases, by " +
-                shownNumber(fit.modelled.gain, digits) + " or more)";
+                shownNumber(fit.modelled.gain, fewDigits) + " or more)";
     }
     return text + ": " +
            (fit.kriging ? "likelihood, variance, nugget, noise, trend and correlation lengths"
