@@ -3,6 +3,7 @@
 #include "plot/drawing/PlotFont.h"
 
 #include <QFontMetricsF>
+#include <QRegularExpression>
 #include <qwt_scale_engine.h>
 
 #include <algorithm>
@@ -18,20 +19,6 @@ constexpr int maxDecimals = 5;
 
 /** As a share of the step: a tick so close to 0 differs from it by rounding. */
 constexpr double roundingOfStep = 1e-6;
-
-/** "1.500" becomes "1.5". */
-QString withoutTrailingZeros(QString number)
-{
-    if (number.contains('.')) {
-        while (number.endsWith('0')) {
-            number.chop(1);
-        }
-        if (number.endsWith('.')) {
-            number.chop(1);
-        }
-    }
-    return number;
-}
 
 QwtScaleDiv logarithmicTicks(const QwtInterval& interval, int maxSteps)
 {
@@ -169,7 +156,7 @@ QString AxisScale::label(double value, double step, double largest)
     const int exponent = static_cast<int>(std::floor(std::log10(std::abs(value)) + 1e-15));
     QString text = QString::number(value, 'e', std::clamp(exponent - stepExponent, 0, 16));
     const int mark = text.indexOf('e');
-    // Without the plus sign and leading zeros of the exponent.
-    return withoutTrailingZeros(text.left(mark)) + 'e' +
-           QString::number(text.mid(mark + 1).toInt());
+    // Without the last zeros of the number, the plus sign and the first zeros of the exponent.
+    const QRegularExpression lastZeros(QStringLiteral("\\.?0+$"));
+    return text.left(mark).remove(lastZeros) + 'e' + QString::number(text.mid(mark + 1).toInt());
 }

@@ -21,8 +21,9 @@
 #include <QSvgGenerator>
 #include <qwt_plot_renderer.h>
 
+#include <boost/algorithm/string/case_conv.hpp>
+
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <type_traits>
 #include <utility>
@@ -31,11 +32,6 @@ namespace {
 constexpr int pixelsPerInch = 96;
 constexpr double pointsPerInch = 72.0;
 constexpr double metresPerInch = 0.0254;
-
-std::string bytesOf(const QByteArray& bytes)
-{
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
-}
 
 /** Corrects the cross-reference table of a PDF document after `bytes` were inserted at `position`.
  */
@@ -298,7 +294,7 @@ Picture::~Picture() = default;
 
 std::string Picture::toSvg() const
 {
-    return bytesOf(impl->svg());
+    return impl->svg().toStdString();
 }
 
 std::string Picture::toInlineSvg() const
@@ -306,7 +302,8 @@ std::string Picture::toInlineSvg() const
     const QByteArray document = impl->svg();
     const QByteArray element = "<svg ";
     const int begin = document.indexOf(element) + element.size();
-    return bytesOf(element + "style=\"max-width:100%;height:auto\" " + document.mid(begin));
+    const QByteArray shrinking = element + "style=\"max-width:100%;height:auto\" ";
+    return (shrinking + document.mid(begin)).toStdString();
 }
 
 std::string Picture::toPng() const
@@ -324,7 +321,7 @@ std::string Picture::toPng() const
     if (!image.save(&buffer, "PNG")) {
         throw FileError("The picture cannot be written as PNG.");
     }
-    return bytesOf(bytes);
+    return bytes.toStdString();
 }
 
 std::string Picture::toPdf() const
@@ -343,23 +340,17 @@ std::string Picture::toPdf() const
         impl->draw(writer);
     }
     fixCreationDate(bytes);
-    return bytesOf(bytes);
+    return bytes.toStdString();
 }
 
 Picture::Format Picture::formatOf(const std::string& path)
 {
-    const std::size_t dot = path.rfind('.');
-    std::string ending = dot == std::string::npos ? std::string() : path.substr(dot + 1);
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char letter) { return std::tolower(letter); });
-    if (ending == "svg") {
-        return Svg;
-    }
-    if (ending == "png") {
-        return Png;
-    }
-    if (ending == "pdf") {
-        return Pdf;
+    const std::string ending = boost::algorithm::to_lower_copy(path.substr(path.rfind('.') + 1));
+    const std::pair<const char*, Format> formats[] = {{"svg", Svg}, {"png", Png}, {"pdf", Pdf}};
+    for (const auto& [known, format] : formats) {
+        if (ending == known && ending.size() < path.size()) {
+            return format;
+        }
     }
     throw UsageError("The name of a picture ends with .svg, .png or .pdf, which " +
                      quotedText(path) + " does not.");

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace {
 /** The change of an output over a slice. */
@@ -57,18 +58,14 @@ std::vector<std::pair<std::size_t, double>> MainEffects::ranking(std::size_t out
 
 std::vector<std::size_t> MainEffects::strongestInputs(std::size_t count) const
 {
-    std::vector<std::pair<std::size_t, double>> sums;
-    for (const ModelSlice& slice : slices) {
-        sums.emplace_back(slice.swept.front(), 0.0);
-    }
+    std::map<std::size_t, double> byInput;
     const std::size_t outputs = slices.empty() ? 0 : slices.front().outputs.size();
     for (std::size_t output = 0; output < outputs; ++output) {
         for (const auto& [input, share] : ranking(output)) {
-            for (auto& [each, sum] : sums) {
-                sum += each == input ? share : 0.0;
-            }
+            byInput[input] += share;
         }
     }
+    std::vector<std::pair<std::size_t, double>> sums(byInput.begin(), byInput.end());
     std::stable_sort(sums.begin(), sums.end(),
                      [](const auto& a, const auto& b) { return a.second > b.second; });
     std::vector<std::size_t> inputs;

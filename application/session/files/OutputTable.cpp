@@ -18,17 +18,8 @@ using Column = OutputTable::Column;
  *  recognises the separator from the heading sees the right one only. */
 bool needsQuotes(char character, char separator)
 {
-    switch (character) {
-    case ',':
-    case ';':
-    case '\t':
-    case '"':
-    case '\r':
-    case '\n':
-        return true;
-    default:
-        return character == separator;
-    }
+    return character == separator ||
+           std::string_view(",;\t\"\r\n").find(character) != std::string_view::npos;
 }
 
 void appendCell(std::string& line, std::string_view text, char separator)
