@@ -15,7 +15,8 @@ constexpr std::size_t laneCount = 8;
 
 /**
  * Compiles a function for several instruction sets; the loader takes the best that the processor
- * has. Not under the sanitizers, whose run time is not ready yet when the loader chooses.
+ * has. Not under the sanitizers, whose run time is not ready yet when the loader chooses. For
+ * functions in unnamed namespaces only: GCC exports others from the library, hidden or not.
  */
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) &&                             \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

@@ -63,7 +63,7 @@ void MaternCorrelation::scaleCases()
 
 MaternKernels::Cases MaternCorrelation::casesFrom(std::size_t first, std::size_t count) const
 {
-    return {scaledRows.data() + first * inputCount, inputCount, count, isCapped};
+    return {scaledRows.data() + first * inputCount, inputCount, count};
 }
 
 void MaternCorrelation::fillLower(std::size_t first, std::size_t last, double* matrix) const
@@ -103,8 +103,8 @@ void MaternCorrelation::addDerivatives(std::size_t first, std::size_t last,
             const std::size_t padded = (count + laneCount - 1) / laneCount * laneCount;
             std::fill(correlations + count, correlations + padded, 0.0);
             std::fill(weights + count, weights + padded, 0.0);
-            MaternKernels::addDerivatives({scaledColumns.data(), stride, inputCount, isCapped, j,
-                                           begin, padded, correlations, weights, a},
+            MaternKernels::addDerivatives({scaledColumns.data(), stride, inputCount, j, begin,
+                                           padded, correlations, weights, a},
                                           products, laneSums.data(), ownProducts.data());
         }
         for (std::size_t k = 0; k < inputCount; ++k) {
@@ -169,7 +169,7 @@ void MaternCorrelation::addWeightedSums(const std::vector<const double*>& points
         const std::size_t size = std::min(blockPoints, count - first);
         block.read(points, first, size);
         std::copy(result + first, result + first + size, sums.data());
-        MaternKernels::addWeightedSums(block.points(), casesFrom(0, caseCount), weights,
+        MaternKernels::addWeightedSums(block.points(), casesFrom(0, caseCount), isCapped, weights,
                                        sums.data());
         std::copy(sums.data(), sums.data() + size, result + first);
     }
@@ -204,8 +204,7 @@ void MaternCorrelation::correlate(const std::vector<const double*>& points, std:
         scale(k, points[k], count, rows.data() + k, inputCount);
     }
     MaternKernels::correlate({scaledColumns.data(), stride, correlationStride()},
-                             {rows.data(), inputCount, count, isCapped}, result,
-                             correlationStride());
+                             {rows.data(), inputCount, count}, result, correlationStride());
 }
 
 void MaternCorrelation::correlateInput(std::size_t input, const double* coordinates,
@@ -214,7 +213,7 @@ void MaternCorrelation::correlateInput(std::size_t input, const double* coordina
     std::vector<double> scaled(count);
     scale(input, coordinates, count, scaled.data());
     MaternKernels::correlate({scaledColumns.data() + input * stride, stride, correlationStride()},
-                             {scaled.data(), 1, count, isCapped}, result, correlationStride());
+                             {scaled.data(), 1, count}, result, correlationStride());
 }
 
 MaternCorrelation MaternCorrelation::reordered(const std::vector<std::size_t>& order) const

@@ -118,5 +118,5 @@ private:
     // Scaled coordinates of points are clamped to these limits; beyond, all correlations are 0.
     std::vector<double> lowest;
     std::vector<double> highest;
-    bool isCapped = false; // see MaternKernels::Cases
+    bool isCapped = false; // see MaternKernels::addWeightedSums()
 };

@@ -90,20 +90,30 @@ SURROGATE_LANE_OPERATION addAllSums(const MaternKernels::Points& points,
     }
 }
 
-template <bool isCapped>
-SURROGATE_LANE_OPERATION correlateAll(const MaternKernels::Points& points,
-                                      const MaternKernels::Cases& cases, double* result,
-                                      std::size_t resultStride)
+SURROGATE_SIMD void addWeightedSumsTo(const MaternKernels::Points& points,
+                                      const MaternKernels::Cases& cases, bool isCapped,
+                                      const double* weights, double* sums)
+{
+    if (isCapped) {
+        addAllSums<true>(points, cases, weights, sums);
+    } else {
+        addAllSums<false>(points, cases, weights, sums);
+    }
+}
+
+SURROGATE_SIMD void correlateTo(const MaternKernels::Points& points,
+                                const MaternKernels::Cases& cases, double* result,
+                                std::size_t stride)
 {
     constexpr std::size_t step = vectorsAtOnce * laneCount;
     for (std::size_t j = 0; j < cases.count; ++j) {
         const double* atCase = cases.coordinates + j * cases.inputs;
-        double* row = result + j * resultStride;
+        double* row = result + j * stride;
         std::size_t i = 0;
         for (; i + step <= points.count; i += step) {
             Lanes value[vectorsAtOnce];
-            correlations<vectorsAtOnce, isCapped>(points.coordinates + i, points.stride, atCase,
-                                                  cases.inputs, 1.0, value);
+            correlations<vectorsAtOnce, true>(points.coordinates + i, points.stride, atCase,
+                                              cases.inputs, 1.0, value);
             for (std::size_t u = 0; u < vectorsAtOnce; ++u) {
                 storeLanes(value[u], row + i + u * laneCount);
             }
@@ -111,25 +121,24 @@ SURROGATE_LANE_OPERATION correlateAll(const MaternKernels::Points& points,
         for (; i < points.count; i += laneCount) {
             Lanes value[1];
             double lanes[laneCount];
-            correlations<1, isCapped>(points.coordinates + i, points.stride, atCase, cases.inputs,
-                                      1.0, value);
+            correlations<1, true>(points.coordinates + i, points.stride, atCase, cases.inputs, 1.0,
+                                  value);
             storeLanes(value[0], lanes);
             std::copy_n(lanes, std::min(laneCount, points.count - i), row + i);
         }
     }
 }
 
-template <bool isCapped>
-SURROGATE_LANE_OPERATION addAllGradients(const MaternKernels::Points& points,
-                                         const MaternKernels::Cases& cases, const double* weights,
-                                         double* gradients, std::size_t gradientStride)
+SURROGATE_SIMD void addWeightedGradientsTo(const MaternKernels::Points& points,
+                                           const MaternKernels::Cases& cases, const double* weights,
+                                           double* gradients, std::size_t stride)
 {
     for (std::size_t i = 0; i < points.count; i += laneCount) {
         for (std::size_t j = 0; j < cases.count; ++j) {
             const double* atCase = cases.coordinates + j * cases.inputs;
             Lanes value[1];
-            correlations<1, isCapped>(points.coordinates + i, points.stride, atCase, cases.inputs,
-                                      1.0, value);
+            correlations<1, true>(points.coordinates + i, points.stride, atCase, cases.inputs, 1.0,
+                                  value);
             const Lanes factor = value[0] * -weights[j];
             for (std::size_t k = 0; k < cases.inputs; ++k) {
                 // d ln c / dx = -(x - x') (1 + z) / (3 + 3 z + z^2)
@@ -137,20 +146,19 @@ SURROGATE_LANE_OPERATION addAllGradients(const MaternKernels::Points& points,
                 Lanes z;
                 Lanes gradient;
                 loadLanes(points.coordinates + k * points.stride + i, x);
-                distance<isCapped>(x, atCase[k], z);
+                distance<true>(x, atCase[k], z);
                 const Lanes difference = (x < atCase[k]) ? -z : z;
                 const Lanes slope = difference * (z + 1.0) / (z * (z + 3.0) + 3.0);
-                loadLanes(gradients + k * gradientStride + i, gradient);
-                storeLanes(gradient + factor * slope, gradients + k * gradientStride + i);
+                loadLanes(gradients + k * stride + i, gradient);
+                storeLanes(gradient + factor * slope, gradients + k * stride + i);
             }
         }
     }
 }
 
 /** d ln c / d ln length = z^2 (1 + z) / (3 + 3 z + z^2) */
-template <bool isCapped>
-SURROGATE_LANE_OPERATION addAllDerivatives(const MaternKernels::ColumnBlock& block,
-                                           double* products, double* sums, double* columnProducts)
+SURROGATE_SIMD void addDerivativesTo(const MaternKernels::ColumnBlock& block, double* products,
+                                     double* sums, double* columnProducts)
 {
     const double factor = block.a[block.column];
     for (std::size_t k = 0; k < block.inputs; ++k) {
@@ -172,7 +180,7 @@ SURROGATE_LANE_OPERATION addAllDerivatives(const MaternKernels::ColumnBlock& blo
             loadLanes(block.weights + i, weight);
             loadLanes(block.a + block.first + i, ofRow);
             loadLanes(product + block.first + i, sum);
-            distance<isCapped>(value, x[block.column], z);
+            distance<true>(value, x[block.column], z);
             const Lanes ratio = z * z * (1.0 + z) / (3.0 + z * (3.0 + z));
             const Lanes derivative = correlation * ratio;
             total += weight * ratio;
@@ -184,57 +192,12 @@ SURROGATE_LANE_OPERATION addAllDerivatives(const MaternKernels::ColumnBlock& blo
     }
 }
 
-// These functions are compiled for several instruction sets, with everything above inlined.
-
-SURROGATE_SIMD void addWeightedSumsTo(const MaternKernels::Points& points,
-                                      const MaternKernels::Cases& cases, const double* weights,
-                                      double* sums)
-{
-    if (cases.isCapped) {
-        addAllSums<true>(points, cases, weights, sums);
-    } else {
-        addAllSums<false>(points, cases, weights, sums);
-    }
-}
-
-SURROGATE_SIMD void correlateTo(const MaternKernels::Points& points,
-                                const MaternKernels::Cases& cases, double* result,
-                                std::size_t stride)
-{
-    if (cases.isCapped) {
-        correlateAll<true>(points, cases, result, stride);
-    } else {
-        correlateAll<false>(points, cases, result, stride);
-    }
-}
-
-SURROGATE_SIMD void addWeightedGradientsTo(const MaternKernels::Points& points,
-                                           const MaternKernels::Cases& cases, const double* weights,
-                                           double* gradients, std::size_t stride)
-{
-    if (cases.isCapped) {
-        addAllGradients<true>(points, cases, weights, gradients, stride);
-    } else {
-        addAllGradients<false>(points, cases, weights, gradients, stride);
-    }
-}
-
-SURROGATE_SIMD void addDerivativesTo(const MaternKernels::ColumnBlock& block, double* products,
-                                     double* sums, double* columnProducts)
-{
-    if (block.isCapped) {
-        addAllDerivatives<true>(block, products, sums, columnProducts);
-    } else {
-        addAllDerivatives<false>(block, products, sums, columnProducts);
-    }
-}
-
 } // namespace
 
-void MaternKernels::addWeightedSums(const Points& points, const Cases& cases, const double* weights,
-                                    double* sums)
+void MaternKernels::addWeightedSums(const Points& points, const Cases& cases, bool isCapped,
+                                    const double* weights, double* sums)
 {
-    addWeightedSumsTo(points, cases, weights, sums);
+    addWeightedSumsTo(points, cases, isCapped, weights, sums);
 }
 
 void MaternKernels::correlate(const Points& points, const Cases& cases, double* result,

@@ -203,7 +203,7 @@ void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t 
     const MaternKernels::Points points{x, count, count};
 
     const auto tabulateAnchor = [&](double anchor, double* rows) {
-        MaternKernels::correlate(points, {&anchor, 1, 1, true}, rows, count);
+        MaternKernels::correlate(points, {&anchor, 1, 1}, rows, count);
         for (std::size_t v = 0; v < count; ++v) {
             const double u = capped(std::fabs(x[v] - anchor));
             const double unit = rows[v] / (3.0 + u * (3.0 + u));
@@ -216,7 +216,7 @@ void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t 
     std::fill_n(table + trend * count, count, 1.0);
     std::copy_n(axis.slopes.data() + firstPanel * panelSize, count, table + (trend + 1) * count);
     MaternKernels::correlate(
-        points, {axis.cases.data() + block.firstCase, 1, block.lastCase - block.firstCase, true},
+        points, {axis.cases.data() + block.firstCase, 1, block.lastCase - block.firstCase},
         table + laneCount * count, count);
 }
 

@@ -104,8 +104,7 @@ private:
             points[count * inputs + k] = point[k] * factors[k];
         }
         MaternKernels::correlate({columns.data(), stride, AlignedBuffer::padded(count)},
-                                 {points.data(), inputs, count + 1, true}, correlations.data(),
-                                 stride);
+                                 {points.data(), inputs, count + 1}, correlations.data(), stride);
     }
 
     bool factorise(const Sources& sources, const std::uint32_t* cases, std::size_t count,
