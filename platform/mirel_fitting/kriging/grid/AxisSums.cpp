@@ -1,7 +1,6 @@
 #include <mirel_fitting/kriging/grid/AxisSums.h>
 
 #include <mirel_fitting/kriging/correlation/MaternKernels.h>
-#include <mirel_fitting/numerics/PanelProducts.h>
 
 #include <algorithm>
 #include <cmath>
@@ -36,6 +35,62 @@ std::size_t blockCountFor(std::size_t cases, std::size_t panels)
                                   static_cast<double>(laneCount));
     const std::size_t most = std::min(panels, std::max<std::size_t>(cases / 2, 1));
     return std::clamp<std::size_t>(static_cast<std::size_t>(best), 1, most);
+}
+
+/** A product of a panel, a matrix of laneCount rows, with a matrix. Both are stored by columns. */
+struct PanelProduct
+{
+    const double* left;
+    std::size_t leftStride;
+    const double* right;
+    std::size_t rightStride;
+    std::size_t count; ///< columns of the left, rows of the right matrix
+};
+
+template <std::size_t columns>
+SURROGATE_LANE_OPERATION addTo(const PanelProduct* products, std::size_t productCount,
+                               const double* start, std::size_t startStride, double* result,
+                               std::size_t stride, std::size_t firstColumn)
+{
+    Lanes total[columns];
+    for (std::size_t i = 0; i < columns; ++i) {
+        loadLanes(start + (firstColumn + i) * startStride, total[i]);
+    }
+    for (std::size_t p = 0; p < productCount; ++p) {
+        const PanelProduct& product = products[p];
+        const double* right = product.right + firstColumn * product.rightStride;
+        for (std::size_t k = 0; k < product.count; ++k) {
+            Lanes left;
+            loadLanes(product.left + k * product.leftStride, left);
+            for (std::size_t i = 0; i < columns; ++i) {
+                total[i] += left * right[i * product.rightStride + k];
+            }
+        }
+    }
+    for (std::size_t i = 0; i < columns; ++i) {
+        storeLanes(total[i], result + (firstColumn + i) * stride);
+    }
+}
+
+/**
+ * result[i * stride + r] = start[i * startStride + r] + sum over the products, over k, of
+ * left[k * leftStride + r] * right[i * rightStride + k], for r < laneCount and i < columns. The
+ * bits of a column do not depend on the others. `start` and `result` may be the same. Faster
+ * than BLAS, which is made for larger matrices.
+ */
+SURROGATE_SIMD void addPanelProducts(const PanelProduct* products, std::size_t productCount,
+                                     const double* start, std::size_t startStride,
+                                     std::size_t columns, double* result, std::size_t stride)
+{
+    // Eight sums hide the latency of an addition.
+    constexpr std::size_t columnsAtOnce = 8;
+    std::size_t i = 0;
+    for (; i + columnsAtOnce <= columns; i += columnsAtOnce) {
+        addTo<columnsAtOnce>(products, productCount, start, startStride, result, stride, i);
+    }
+    for (; i < columns; ++i) {
+        addTo<1>(products, productCount, start, startStride, result, stride, i);
+    }
 }
 
 } // namespace
