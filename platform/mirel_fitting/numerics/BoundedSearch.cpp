@@ -5,17 +5,28 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace {
 
+// Radii of the trust box, in units of the variables.
+
+/** In logarithms of lengths a factor of e: a longer first step of a likelihood often lands where
+ *  all cases are uncorrelated and the function is flat. */
+constexpr double firstRadius = 1.0;
+/** A factor of e^4 = 55 in a length, two fifths of the way between its bounds. */
+constexpr double largestRadius = 4.0;
+constexpr double smallestRadius = 0.1; // after a successful step
+
+/** Number of times that the box shrinks before a step is given up: halved so often, it is smaller
+ *  than any gain that counts. */
+constexpr int maxTries = 12;
+constexpr int maxTriesOfFinish = 3; // of its last step
+
 double dot(const std::vector<double>& a, const std::vector<double>& b)
 {
-    double sum = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        sum += a[i] * b[i];
-    }
-    return sum;
+    return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
 }
 
 double largestMagnitude(const std::vector<double>& values)
@@ -55,32 +66,25 @@ double shorterShare(double slope, double gained)
 } // namespace
 
 BoundedSearch::BoundedSearch(BoundedObjective& objective, std::vector<double> lower,
-                             std::vector<double> upper, std::vector<double> start,
-                             const StepRule& rule)
-    : objective(objective), rule(rule), size(start.size()), lower(std::move(lower)),
-      upper(std::move(upper)), current(std::move(start)), currentValue(0.0),
-      trustRadius(rule.firstRadius)
+                             std::vector<double> upper, std::vector<double> start)
+    : objective(objective), size(start.size()), lower(std::move(lower)), upper(std::move(upper)),
+      current(std::move(start)), currentValue(0.0), trustRadius(firstRadius)
 {
     for (std::size_t i = 0; i < size; ++i) {
         current[i] = std::min(std::max(current[i], this->lower[i]), this->upper[i]);
     }
     currentValue = objective.value(current);
-    done = !isFeasible();
-}
-
-bool BoundedSearch::isFeasible() const
-{
-    return std::isfinite(currentValue);
+    done = !std::isfinite(currentValue);
 }
 
 void BoundedSearch::advance(int steps, double smallestGain)
 {
-    advance(steps, smallestGain, rule.maxTries);
+    advance(steps, smallestGain, maxTries);
 }
 
 void BoundedSearch::finish(int steps, double smallestGain)
 {
-    advance(steps, smallestGain, rule.maxTriesOfLast);
+    advance(steps, smallestGain, maxTriesOfFinish);
     done = true;
 }
 
@@ -89,8 +93,7 @@ void BoundedSearch::advance(int steps, double smallestGain, int maxTriesOfLast)
     for (int k = 0; k < steps && !done; ++k) {
         updateModel();
         proposeStep();
-        if (expectedGain() < smallestGain ||
-            !tryStep(k + 1 == steps ? maxTriesOfLast : rule.maxTries)) {
+        if (expectedGain() < smallestGain || !tryStep(k + 1 == steps ? maxTriesOfLast : maxTries)) {
             done = true;
         }
     }
@@ -157,13 +160,13 @@ void BoundedSearch::takeDerivatives()
  * Takes the step if it raises the function enough, else a shorter one in a smaller trust box.
  * @return whether the function has risen.
  */
-bool BoundedSearch::tryStep(int maxTries)
+bool BoundedSearch::tryStep(int triesAllowed)
 {
     constexpr double sufficientShare = 1e-4; // of the rise that the slope promises (Armijo)
 
     const std::vector<double> start = current;
     const double before = currentValue;
-    for (int tries = 0; tries < maxTries; ++tries) {
+    for (int tries = 0; tries < triesAllowed; ++tries) {
         const double slope = dot(gradient, step);
         if (!(slope > 0.0)) {
             break;
@@ -195,9 +198,9 @@ void BoundedSearch::adaptRadius(double share, bool isFirstTry)
     constexpr double poor = 0.25;
 
     if (share < poor) {
-        trustRadius = std::max(0.5 * largestMagnitude(step), rule.smallestRadius);
+        trustRadius = std::max(0.5 * largestMagnitude(step), smallestRadius);
     } else if (share > good && isStepLimited && isFirstTry) {
-        trustRadius = std::min(2.0 * trustRadius, rule.largestRadius);
+        trustRadius = std::min(2.0 * trustRadius, largestRadius);
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 /**
@@ -36,39 +35,17 @@ public:
 class BoundedSearch
 {
 public:
-    /** Radii of the trust box are in units of the variables. */
-    struct StepRule
-    {
-        /** In logarithms of lengths a factor of e: a longer first step of a likelihood often lands
-         *  where all cases are uncorrelated and the function is flat. */
-        double firstRadius = 1.0;
-        /** A factor of e^4 = 55 in a length, two fifths of the way between its bounds. */
-        double largestRadius = 4.0;
-        double smallestRadius = 0.1; ///< after a successful step
-        /** Number of times that the box shrinks before a step is given up: halved so often, it is
-         *  smaller than any gain that counts. */
-        int maxTries = 12;
-        int maxTriesOfLast = 3; ///< of finish()
-    };
-
-    /** @param objective is borrowed for life. @param start is moved into the bounds. */
+    /** Done at once where the function has no value at the start.
+     *  @param objective is borrowed for life. @param start is moved into the bounds. */
     BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
-                  std::vector<double> start, const StepRule& rule);
-    BoundedSearch(BoundedObjective& objective, std::vector<double> lower, std::vector<double> upper,
-                  std::vector<double> start)
-        : BoundedSearch(objective, std::move(lower), std::move(upper), std::move(start), StepRule())
-    {}
-
-    /** Whether the function has a value at the start. */
-    bool isFeasible() const;
+                  std::vector<double> start);
 
     /** At most `steps` steps. Converged when the gain that the quadratic model expects is below
      *  `smallestGain`, or no step gains anything. Gradients are taken before steps, none after the
      *  last. */
     void advance(int steps, double smallestGain);
 
-    /** advance() for the last time, which tries the last step StepRule::maxTriesOfLast times at
-     *  most. */
+    /** advance() for the last time, which tries the last step three times at most. */
     void finish(int steps, double smallestGain);
 
     bool isDone() const { return done; }
@@ -80,13 +57,12 @@ private:
     void updateModel();
     void takeDerivatives();
     void advance(int steps, double smallestGain, int maxTriesOfLast);
-    bool tryStep(int maxTries);
+    bool tryStep(int triesAllowed);
     void adaptRadius(double share, bool isFirstTry);
     void updateCurvature(const std::vector<double>& step, const std::vector<double>& oldGradient);
     double expectedGain() const;
 
     BoundedObjective& objective;
-    StepRule rule;
     std::size_t size;
     std::vector<double> lower;
     std::vector<double> upper;

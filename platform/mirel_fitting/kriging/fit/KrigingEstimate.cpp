@@ -4,6 +4,7 @@
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 #include <mirel_fitting/kriging/search/KrigingSubsetSearch.h>
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
 
 #include <utility>
 
@@ -61,16 +62,15 @@ void KrigingEstimate::searchWithAll()
     constexpr double first = 0.5; // of the work, if there is a second search
 
     const KrigingSearchSettings settings = input.searchSettings();
-    const SearchPolicy& policy = settings.policy;
     const auto hasFewer = [&](double casesPerTerm) {
         return input.options.correlationLengths.empty() && chosenTrend->order() > 0 &&
                static_cast<double>(allCases->cases) <
                    casesPerTerm * static_cast<double>(chosenTrend->size());
     };
-    while (hasFewer(policy.minCasesPerTerm)) {
+    while (hasFewer(SearchPolicy::minCasesPerTerm)) {
         lowerTrend(chosenTrend->order() - 1);
     }
-    const bool areFewCases = hasFewer(policy.casesPerTerm);
+    const bool areFewCases = hasFewer(SearchPolicy::casesPerTerm);
     {
         const FitProgress::Portion portion(0.0, areFewCases ? first : 1.0);
         found = KrigingSearch::run(allCases, settings);

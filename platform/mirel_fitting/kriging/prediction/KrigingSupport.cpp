@@ -69,7 +69,7 @@ KrigingSupport::KrigingSupport(const KrigingCases& cases, const CaseRanges& rang
         return;
     }
     const std::shared_ptr<const KrigingData> data = someOf(cases);
-    const std::vector<double> lengths(data->inputs, SearchPolicy().priorLength);
+    const std::vector<double> lengths(data->inputs, SearchPolicy::priorLength);
     const double largest = largestVariance(data, lengths);
     if (!(largest > 0.0)) {
         return;

@@ -1,10 +1,10 @@
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
 KrigingObjective::KrigingObjective(const std::shared_ptr<const KrigingData>& data,
-                                   const KrigingSearchVariables& variables,
-                                   const KrigingSearchSettings& settings)
-    : likelihood(data), variables(variables), prior(settings.policy, variables.spacing()),
-      nuggetUnit(settings.policy.nuggetUnit), inputs(data->inputs)
+                                   const KrigingSearchVariables& variables)
+    : likelihood(data), variables(variables), prior(variables.spacing()), inputs(data->inputs)
 {}
 
 double KrigingObjective::value(const std::vector<double>& point)
@@ -41,7 +41,7 @@ void KrigingObjective::curvature(std::vector<double>& result)
     const std::size_t stride = inputs + 1;
     const std::size_t first = inputs - variables.lengthCount();
     const std::size_t last = variables.hasNugget() ? stride : inputs;
-    const auto unit = [&](std::size_t k) { return k == inputs ? nuggetUnit : 1.0; };
+    const auto unit = [&](std::size_t k) { return k == inputs ? SearchPolicy::nuggetUnit : 1.0; };
     result.clear();
     for (std::size_t i = first; i < last; ++i) {
         for (std::size_t j = first; j < last; ++j) {
@@ -57,7 +57,7 @@ void KrigingObjective::gradient(std::vector<double>& result)
 {
     lastValue.reset(); // one gradient per evaluation
     likelihood.gradient(result);
-    result.back() *= nuggetUnit;
+    result.back() *= SearchPolicy::nuggetUnit;
     if (!variables.hasNugget()) {
         result.pop_back();
     }

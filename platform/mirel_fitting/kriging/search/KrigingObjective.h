@@ -16,10 +16,9 @@
 class KrigingObjective : public BoundedObjective
 {
 public:
-    /** @param variables, settings are borrowed for life. */
+    /** @param variables are borrowed for life. */
     KrigingObjective(const std::shared_ptr<const KrigingData>& data,
-                     const KrigingSearchVariables& variables,
-                     const KrigingSearchSettings& settings);
+                     const KrigingSearchVariables& variables);
 
     /** The value of the point asked for last comes from memory until gradient() is called. */
     double value(const std::vector<double>& point) override;
@@ -41,7 +40,6 @@ private:
 
     const KrigingSearchVariables& variables;
     LengthPrior prior;
-    double nuggetUnit;
     std::size_t inputs;
     std::size_t count = 0;
     std::vector<double> lastPoint;

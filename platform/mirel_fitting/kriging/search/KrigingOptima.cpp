@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/search/KrigingOptima.h>
 
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -25,23 +27,24 @@ bool KrigingOptima::areSame(const Optimum& a, const Optimum& b, BoundedObjective
     if (variables.areClose(a.point, b.point)) {
         return true;
     }
-    if (std::fabs(a.value - b.value) > policy.ridgeGap) {
+    if (std::fabs(a.value - b.value) > SearchPolicy::ridgeGap) {
         return false;
     }
     std::vector<double> between;
     for (std::size_t k = 0; k < a.point.size(); ++k) {
         between.push_back(0.5 * (a.point[k] + b.point[k]));
     }
-    return likelihood.value(between) >= std::min(a.value, b.value) - policy.ridgeDip;
+    return likelihood.value(between) >= std::min(a.value, b.value) - SearchPolicy::ridgeDip;
 }
 
 bool KrigingOptima::isBetterNear(const std::vector<double>& point, double value) const
 {
     return std::any_of(optima.begin(), optima.end(), [&](const Optimum& optimum) {
         return optimum.value >= value &&
-               std::equal(
-                   point.begin(), point.end(), optimum.point.begin(),
-                   [&](double a, double b) { return std::fabs(a - b) <= policy.sameLogarithm; });
+               std::equal(point.begin(), point.end(), optimum.point.begin(),
+                          [&](double a, double b) {
+                              return std::fabs(a - b) <= SearchPolicy::sameLogarithm;
+                          });
     });
 }
 

@@ -17,9 +17,7 @@ public:
     };
 
     /** @param variables are borrowed for life. */
-    KrigingOptima(const KrigingSearchVariables& variables, const SearchPolicy& policy)
-        : variables(variables), policy(policy)
-    {}
+    explicit KrigingOptima(const KrigingSearchVariables& variables) : variables(variables) {}
 
     /** Keeps what a search has reached, or the better of it and an optimum that is the same. */
     void add(Optimum reached, BoundedObjective& likelihood);
@@ -46,6 +44,5 @@ private:
     bool areSame(const Optimum& a, const Optimum& b, BoundedObjective& likelihood) const;
 
     const KrigingSearchVariables& variables;
-    SearchPolicy policy;
     std::vector<Optimum> optima;
 };

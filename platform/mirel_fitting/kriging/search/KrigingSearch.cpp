@@ -1,23 +1,23 @@
 #include <mirel_fitting/kriging/search/KrigingSearch.h>
 
 #include <mirel_fitting/FitProgress.h>
-#include <mirel_fitting/SurrogateModelInterface.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/kriging/correlation/NuggetBounds.h>
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 #include <mirel_fitting/kriging/search/KrigingOptima.h>
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <list>
 #include <numeric>
 #include <set>
 
 namespace {
 
+namespace policy = SearchPolicy;
 using Optimum = KrigingOptima::Optimum;
 
 KrigingData subsetOf(const KrigingData& data, std::size_t cases)
@@ -31,7 +31,7 @@ class Search
 {
 public:
     Search(const std::shared_ptr<const KrigingData>& data, const KrigingSearchSettings& settings)
-        : data(data), settings(settings), policy(settings.policy), variables(*data, settings)
+        : data(data), settings(settings), variables(*data, settings)
     {}
 
     KrigingSearchResult run();
@@ -57,11 +57,10 @@ private:
 
     std::shared_ptr<const KrigingData> data;
     const KrigingSearchSettings& settings;
-    const SearchPolicy& policy;
     KrigingSearchVariables variables;
     std::size_t casesUsed = 0; // by the objective
     std::unique_ptr<KrigingObjective> objective;
-    KrigingOptima optima{variables, policy};
+    KrigingOptima optima{variables};
 };
 
 /** The numbers of cases that are searched with, ending with all. */
@@ -69,10 +68,10 @@ std::vector<std::size_t> Search::subsetSizes() const
 {
     const std::size_t parameters = data->terms + data->inputs + 1;
     const std::size_t smallest =
-        std::max(policy.firstSubset, policy.firstSubsetPerParameter * parameters);
+        std::max(policy::firstSubset, policy::firstSubsetPerParameter * parameters);
     std::vector<std::size_t> sizes = {data->cases};
     while (sizes.back() > smallest + smallest / 2) {
-        const double next = static_cast<double>(sizes.back()) / policy.subsetGrowth;
+        const double next = static_cast<double>(sizes.back()) / policy::subsetGrowth;
         sizes.push_back(std::max(smallest, static_cast<std::size_t>(next)));
     }
     std::reverse(sizes.begin(), sizes.end());
@@ -86,19 +85,19 @@ void Search::useCases(std::size_t cases)
     objective.reset(); // its memory is freed before the next one is made
     const std::shared_ptr<const KrigingData> part =
         cases == data->cases ? data : std::make_shared<KrigingData>(subsetOf(*data, cases));
-    objective = std::make_unique<KrigingObjective>(part, variables, settings);
+    objective = std::make_unique<KrigingObjective>(part, variables);
     casesUsed = cases;
 }
 
 BoundedSearch Search::searchFrom(const std::vector<double>& start, const std::vector<double>& upper)
 {
-    return BoundedSearch(*objective, variables.lower(), upper, start, policy.stepRule);
+    return BoundedSearch(*objective, variables.lower(), upper, start);
 }
 
 Optimum Search::converged(const std::vector<double>& start, const std::vector<double>& upper)
 {
     BoundedSearch search = searchFrom(start, upper);
-    search.advance(policy.maxSteps, smallestGain());
+    search.advance(policy::maxSteps, smallestGain());
     return {search.point(), search.value()};
 }
 
@@ -146,10 +145,10 @@ void Search::searchFromAllStarts()
     }
     const bool startOnAll = sizes.size() > 1 && hasFewLevels();
     if (startOnAll) {
-        const std::size_t count = data->cases <= policy.raceCases ? starts.size() : 1;
+        const std::size_t count = data->cases <= policy::raceCases ? starts.size() : 1;
         race({starts.begin(), starts.begin() + static_cast<std::ptrdiff_t>(count)});
     }
-    if (sizes.size() == 1 || (startOnAll && data->cases <= policy.raceCases)) {
+    if (sizes.size() == 1 || (startOnAll && data->cases <= policy::raceCases)) {
         searchFromAlternatives();
         searchFromSpreadStarts();
     }
@@ -161,11 +160,11 @@ void Search::race(const std::vector<std::vector<double>>& starts)
     std::list<BoundedSearch> searches;
     for (const std::vector<double>& start : starts) {
         searches.push_back(searchFrom(start, variables.upper()));
-        searches.back().advance(policy.racingSteps, smallestGain());
+        searches.back().advance(policy::racingSteps, smallestGain());
     }
     searches.sort(
         [](const BoundedSearch& a, const BoundedSearch& b) { return a.value() > b.value(); });
-    while (searches.size() > policy.racing) {
+    while (searches.size() > policy::racing) {
         searches.pop_back();
     }
     for (BoundedSearch& search : searches) {
@@ -176,7 +175,7 @@ void Search::race(const std::vector<std::vector<double>>& starts)
 /** To convergence, or until it joins the way to a likelier optimum that is known. */
 void Search::follow(BoundedSearch& search)
 {
-    int steps = policy.maxSteps;
+    int steps = policy::maxSteps;
     while (!search.isDone() && steps-- > 0 &&
            !optima.isBetterNear(search.point(), search.value())) {
         search.advance(1, smallestGain());
@@ -186,7 +185,7 @@ void Search::follow(BoundedSearch& search)
 
 void Search::continueWithMoreCases(std::size_t cases)
 {
-    optima.shorten(policy.keptOptima);
+    optima.shorten(policy::keptOptima);
     useCases(cases);
     std::vector<Optimum> reached;
     for (const Optimum& optimum : optima.all()) {
@@ -204,13 +203,13 @@ std::vector<std::vector<double>> Search::startsWithoutInputs(const std::vector<d
     std::iota(inputs.begin(), inputs.end(), std::size_t{0});
     std::stable_sort(inputs.begin(), inputs.end(),
                      [&](std::size_t a, std::size_t b) { return point[a] < point[b]; });
-    inputs.resize(std::min(inputs.size(), policy.triedLengths));
+    inputs.resize(std::min(inputs.size(), policy::triedLengths));
 
     std::vector<std::vector<double>> result;
     for (const std::size_t input : inputs) {
-        if (point[input] < std::log(policy.indifferentLength)) {
+        if (point[input] < std::log(policy::indifferentLength)) {
             result.push_back(point);
-            result.back()[input] = std::log(policy.recalledLength);
+            result.back()[input] = std::log(policy::recalledLength);
         }
     }
     return result;
@@ -233,7 +232,7 @@ void Search::searchFromAlternatives()
     }
     std::stable_sort(starts.begin(), starts.end(),
                      [](const Optimum& a, const Optimum& b) { return a.value > b.value; });
-    starts.resize(std::min(starts.size(), policy.followedAlternatives));
+    starts.resize(std::min(starts.size(), policy::followedAlternatives));
     for (const Optimum& start : starts) {
         BoundedSearch search = searchFrom(start.point, variables.upper());
         follow(search);
@@ -243,13 +242,13 @@ void Search::searchFromAlternatives()
 /** To find the second optimum, where that takes little time. */
 void Search::searchFromSpreadStarts()
 {
-    if (!settings.findsSecondOptimum || casesUsed > policy.maxCasesForSecond ||
-        variables.lengthCount() > policy.maxInputsForSecond) {
+    if (!settings.findsSecondOptimum || casesUsed > policy::maxCasesForSecond ||
+        variables.lengthCount() > policy::maxInputsForSecond) {
         return;
     }
-    const std::size_t count = casesUsed <= policy.casesOfManyOptima
-                                  ? policy.spreadStartsPerVariable * variables.size()
-                                  : policy.spreadStarts;
+    const std::size_t count = casesUsed <= policy::casesOfManyOptima
+                                  ? policy::spreadStartsPerVariable * variables.size()
+                                  : policy::spreadStarts;
     for (const std::vector<double>& start : variables.spreadStarts(count)) {
         BoundedSearch search = searchFrom(start, variables.upper());
         follow(search);
@@ -262,7 +261,7 @@ bool Search::hasFewLevels() const
     for (std::size_t k = 0; k < data->inputs; ++k) {
         const auto first = data->coordinates.begin() + static_cast<std::ptrdiff_t>(k * data->cases);
         const std::set<double> levels(first, first + static_cast<std::ptrdiff_t>(data->cases));
-        if (policy.casesPerLevel * levels.size() <= data->cases) {
+        if (policy::casesPerLevel * levels.size() <= data->cases) {
             return true;
         }
     }
@@ -276,7 +275,7 @@ bool Search::losesAtUpperBound(std::size_t input)
     std::vector<double> point = optima.best().point;
     const double likelihood = objective->logLikelihood(point);
     point[input] = variables.upper()[input];
-    return objective->logLikelihood(point) < likelihood - policy.indifferentGain;
+    return objective->logLikelihood(point) < likelihood - policy::indifferentGain;
 }
 
 /** Where the lengths of the best optimum have ended; Upper also for long ones without influence. */
@@ -285,13 +284,13 @@ std::vector<KrigingReport::Bound> Search::bounds()
     const std::vector<double>& best = optima.best().point;
     std::vector<std::size_t> longLengths;
     for (std::size_t k = 0; k < variables.lengthCount(); ++k) {
-        if (best[k] > std::log(policy.recalledLength)) {
+        if (best[k] > std::log(policy::recalledLength)) {
             longLengths.push_back(k);
         }
     }
     std::stable_sort(longLengths.begin(), longLengths.end(),
                      [&](std::size_t a, std::size_t b) { return best[a] > best[b]; });
-    longLengths.resize(std::min(longLengths.size(), policy.triedLengths));
+    longLengths.resize(std::min(longLengths.size(), policy::triedLengths));
 
     std::vector<KrigingReport::Bound> result = variables.boundsOf(best);
     for (const std::size_t k : longLengths) {
@@ -313,16 +312,16 @@ void Search::preferLeastNugget()
     if (!variables.hasNugget() || best.point.back() <= variables.lower().back()) {
         return;
     }
-    const bool needsEvidence = data->cases < policy.casesThatShowNoise ||
-                               objective->noiseVariance(best.point) < policy.slightNoise;
-    const double needed = needsEvidence ? policy.significantGain : policy.indifferentGain;
+    const bool needsEvidence = data->cases < policy::casesThatShowNoise ||
+                               objective->noiseVariance(best.point) < policy::slightNoise;
+    const double needed = needsEvidence ? policy::significantGain : policy::indifferentGain;
     Optimum smooth = best;
     smooth.point.back() = variables.lower().back();
     smooth.value = objective->value(smooth.point);
     if (smooth.value < best.value - std::max(needed, smallestGain())) {
         return;
     }
-    if (smooth.value < best.value - policy.indifferentGain) {
+    if (smooth.value < best.value - policy::indifferentGain) {
         // Without the nugget other lengths are likelier.
         std::vector<double> upper = variables.upper();
         upper.back() = variables.lower().back();
@@ -382,7 +381,7 @@ double expectedWork(std::size_t cases, const KrigingSearchSettings& settings)
     if (settings.continuation) {
         return 0.5 * (1 + settings.continuation->steps) * n * n * n;
     }
-    const auto m = static_cast<double>(std::min(cases, settings.policy.firstSubset));
+    const auto m = static_cast<double>(std::min(cases, policy::firstSubset));
     return 0.5 * (evaluationsOfSubset * m * m * m + evaluationsOfAll * n * n * n);
 }
 

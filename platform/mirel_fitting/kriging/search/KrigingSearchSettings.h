@@ -3,7 +3,6 @@
 #include <mirel_fitting/KrigingOptions.h>
 #include <mirel_fitting/KrigingReport.h>
 #include <mirel_fitting/kriging/correlation/NuggetBounds.h>
-#include <mirel_fitting/kriging/search/SearchPolicy.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -37,7 +36,6 @@ struct KrigingSearchSettings
         int steps = 0; ///< 0: the likeliest start itself
     };
     std::optional<Continuation> continuation;
-    SearchPolicy policy;
 
     /** The lower bound of the search, or the value of a fixed nugget. */
     double leastNugget() const { return std::max(NuggetBounds::sound, requestedNugget); }

@@ -1,9 +1,12 @@
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
 
 #include <mirel_fitting/kriging/search/LengthPrior.h>
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
 
 #include <algorithm>
 #include <cmath>
+
+namespace policy = SearchPolicy;
 
 KrigingSearchVariables::KrigingSearchVariables(const KrigingData& data,
                                                const KrigingSearchSettings& settings)
@@ -11,17 +14,16 @@ KrigingSearchVariables::KrigingSearchVariables(const KrigingData& data,
       lengths(settings.fixedLengths.empty() ? data.inputs : 0),
       isNuggetSearched(!settings.isNuggetFixed)
 {
-    const SearchPolicy& policy = settings.policy;
     meanSpacing = std::pow(static_cast<double>(data.cases),
                            -1.0 / static_cast<double>(std::max<std::size_t>(lengths, 1)));
-    const double shortest = std::min(policy.shortestLength, policy.shortestSpacing * meanSpacing);
+    const double shortest = std::min(policy::shortestLength, policy::shortestSpacing * meanSpacing);
     lowest.assign(lengths, std::log(shortest));
-    highest.assign(lengths, std::log(policy.longestLength));
+    highest.assign(lengths, std::log(policy::longestLength));
     if (isNuggetSearched) {
         const double least = settings.leastNugget();
-        lowest.push_back(std::log(least) / policy.nuggetUnit);
-        highest.push_back(std::log(std::max(policy.largestNugget, 10.0 * least)) /
-                          policy.nuggetUnit);
+        lowest.push_back(std::log(least) / policy::nuggetUnit);
+        highest.push_back(std::log(std::max(policy::largestNugget, 10.0 * least)) /
+                          policy::nuggetUnit);
     }
 }
 
@@ -32,7 +34,7 @@ std::vector<double> KrigingSearchVariables::at(const KrigingParameters& paramete
         result.push_back(std::log(parameters.lengths[k]));
     }
     if (isNuggetSearched) {
-        result.push_back(std::log(parameters.nugget) / settings.policy.nuggetUnit);
+        result.push_back(std::log(parameters.nugget) / policy::nuggetUnit);
     }
     return result;
 }
@@ -45,8 +47,7 @@ KrigingParameters KrigingSearchVariables::parameters(const std::vector<double>& 
         result.lengths.push_back(std::exp(point[k]));
     }
     const bool isLeast = !isNuggetSearched || point.back() <= lowest.back();
-    result.nugget =
-        isLeast ? settings.leastNugget() : std::exp(settings.policy.nuggetUnit * point.back());
+    result.nugget = isLeast ? settings.leastNugget() : std::exp(policy::nuggetUnit * point.back());
     return result;
 }
 
@@ -58,7 +59,7 @@ std::vector<double> KrigingSearchVariables::uniform(double length, double nugget
 std::vector<std::vector<double>> KrigingSearchVariables::starts() const
 {
     std::vector<std::vector<double>> result;
-    for (const SearchPolicy::Start& start : settings.policy.starts) {
+    for (const SearchPolicy::Start& start : policy::starts) {
         const double length =
             std::min(start.length * settings.initialLength, start.spacings * meanSpacing);
         result.push_back(uniform(length, start.nugget));
@@ -68,8 +69,7 @@ std::vector<std::vector<double>> KrigingSearchVariables::starts() const
 
 std::vector<std::vector<double>> KrigingSearchVariables::spreadStarts(std::size_t count) const
 {
-    const SearchPolicy& policy = settings.policy;
-    const double likeliestLength = std::exp(LengthPrior(policy, meanSpacing).mode());
+    const double likeliestLength = std::exp(LengthPrior(meanSpacing).mode());
     double root = 2.0;
     for (int k = 0; k < 50;
          ++k) { // fixed-point iteration: each step leaves less than a third of the error
@@ -89,11 +89,11 @@ std::vector<std::vector<double>> KrigingSearchVariables::spreadStarts(std::size_
         };
         for (std::size_t k = 0; k < lengths; ++k) {
             parameters.lengths.push_back(
-                likeliestLength * between(policy.shortestSpread, policy.longestSpread, next()));
+                likeliestLength * between(policy::shortestSpread, policy::longestSpread, next()));
         }
         parameters.nugget =
             i % 2 == 1 ? settings.leastNugget()
-                       : between(policy.leastSpreadNugget, policy.largestSpreadNugget, next());
+                       : between(policy::leastSpreadNugget, policy::largestSpreadNugget, next());
         result.push_back(at(parameters));
     }
     return result;
@@ -102,20 +102,19 @@ std::vector<std::vector<double>> KrigingSearchVariables::spreadStarts(std::size_
 void KrigingSearchVariables::limitLengths(std::vector<double>& point) const
 {
     for (std::size_t k = 0; k < lengths; ++k) {
-        point[k] = std::min(point[k], std::log(settings.policy.recalledLength));
+        point[k] = std::min(point[k], std::log(policy::recalledLength));
     }
 }
 
 bool KrigingSearchVariables::areClose(const std::vector<double>& a,
                                       const std::vector<double>& b) const
 {
-    const SearchPolicy& policy = settings.policy;
-    const double indifferentLength = std::log(policy.indifferentLength);
-    const double indifferentNugget = std::log(policy.indifferentNugget) / policy.nuggetUnit;
+    const double indifferentLength = std::log(policy::indifferentLength);
+    const double indifferentNugget = std::log(policy::indifferentNugget) / policy::nuggetUnit;
     for (std::size_t k = 0; k < size(); ++k) {
         const bool isIndifferent = k < lengths ? std::min(a[k], b[k]) > indifferentLength
                                                : std::max(a[k], b[k]) < indifferentNugget;
-        if (!isIndifferent && std::fabs(a[k] - b[k]) > policy.sameLogarithm) {
+        if (!isIndifferent && std::fabs(a[k] - b[k]) > policy::sameLogarithm) {
             return false;
         }
     }
@@ -124,7 +123,7 @@ bool KrigingSearchVariables::areClose(const std::vector<double>& a,
 
 bool KrigingSearchVariables::isNuggetLargest(const std::vector<double>& point) const
 {
-    return isNuggetSearched && point.back() > highest.back() - settings.policy.boundTolerance;
+    return isNuggetSearched && point.back() > highest.back() - policy::boundTolerance;
 }
 
 std::vector<KrigingReport::Bound>
@@ -132,7 +131,7 @@ KrigingSearchVariables::boundsOf(const std::vector<double>& point) const
 {
     using Bound = KrigingReport::Bound;
 
-    const double tolerance = settings.policy.boundTolerance;
+    const double tolerance = policy::boundTolerance;
     std::vector<Bound> result;
     for (std::size_t k = 0; k < lengths; ++k) {
         result.push_back(point[k] > highest[k] - tolerance  ? Bound::Upper

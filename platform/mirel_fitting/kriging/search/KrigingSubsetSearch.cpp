@@ -3,8 +3,7 @@
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/cases/SpaceFillingSubset.h>
 #include <mirel_fitting/kriging/likelihood/KrigingTrend.h>
-
-#include <algorithm>
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
 
 KrigingSearchResult KrigingSubsetSearch::ofSubset(const KrigingData& data, int trendOrder,
                                                   const KrigingSearchSettings& settings,
@@ -28,7 +27,7 @@ std::optional<double> KrigingSubsetSearch::nuggetToTry(const KrigingSearchSettin
 {
     const double least = settings.leastNugget();
     if (settings.isNuggetFixed || estimated <= least ||
-        estimated >= settings.policy.smoothSubsetNugget) {
+        estimated >= SearchPolicy::smoothSubsetNugget) {
         return std::nullopt;
     }
     return least;

@@ -1,10 +1,12 @@
 #include <mirel_fitting/kriging/search/LengthPrior.h>
 
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
 #include <algorithm>
 #include <cmath>
 
-LengthPrior::LengthPrior(const SearchPolicy& policy, double spacing)
-    : policy(policy), centre(std::log(std::min(policy.priorLength, policy.priorSpacings * spacing)))
+LengthPrior::LengthPrior(double spacing)
+    : centre(std::log(std::min(SearchPolicy::priorLength, SearchPolicy::priorSpacings * spacing)))
 {}
 
 double LengthPrior::value(double logLength) const
@@ -21,6 +23,6 @@ double LengthPrior::slope(double logLength) const
 double LengthPrior::curvature(double logLength) const
 {
     const double deviation =
-        logLength < centre ? policy.priorDeviationBelow : policy.priorDeviationAbove;
+        logLength < centre ? SearchPolicy::priorDeviationBelow : SearchPolicy::priorDeviationAbove;
     return 1.0 / (deviation * deviation);
 }

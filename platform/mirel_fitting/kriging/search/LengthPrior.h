@@ -1,7 +1,5 @@
 #pragma once
 
-#include <mirel_fitting/kriging/search/SearchPolicy.h>
-
 /**
  * The weak prior of a correlation length: ln(length / range) is normal about
  * SearchPolicy::priorLength, or SearchPolicy::priorSpacings spacings of the cases where that is
@@ -14,7 +12,7 @@ class LengthPrior
 {
 public:
     /** @param spacing of the cases along an axis, on average, in ranges. */
-    LengthPrior(const SearchPolicy& policy, double spacing);
+    explicit LengthPrior(double spacing);
 
     /** The logarithm of the density over its maximum. @param logLength of the length in ranges. */
     double value(double logLength) const;
@@ -25,6 +23,5 @@ public:
     double mode() const { return centre; }
 
 private:
-    SearchPolicy policy;
     double centre; // of the logarithm
 };

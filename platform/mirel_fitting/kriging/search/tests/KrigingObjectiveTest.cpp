@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
 #include "KrigingTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +19,7 @@ std::shared_ptr<KrigingData> someCases()
 std::vector<double> logarithms(const KrigingParameters& parameters)
 {
     return {std::log(parameters.lengths[0]), std::log(parameters.lengths[1]),
-            std::log(parameters.nugget) / SearchPolicy().nuggetUnit};
+            std::log(parameters.nugget) / SearchPolicy::nuggetUnit};
 }
 
 struct KrigingObjectiveTest : testing::Test
@@ -25,7 +27,7 @@ struct KrigingObjectiveTest : testing::Test
     KrigingSearchSettings settings;
     const std::shared_ptr<KrigingData> data = someCases();
     const KrigingSearchVariables variables{*data, settings};
-    KrigingObjective objective{data, variables, settings};
+    KrigingObjective objective{data, variables};
 };
 
 } // namespace
@@ -33,7 +35,7 @@ struct KrigingObjectiveTest : testing::Test
 TEST_F(KrigingObjectiveTest, IsTheLikelihoodAndThePriorOfLogarithms)
 {
     const std::vector<double> point = logarithms({{0.3, 2.0}, 1e-3});
-    const LengthPrior prior(settings.policy, variables.spacing());
+    const LengthPrior prior(variables.spacing());
     const double likelihood = KrigingLikelihood(data).evaluate({0.3, 2.0}, 1e-3);
     EXPECT_NEAR(objective.value(point),
                 likelihood + prior.value(std::log(0.3)) + prior.value(std::log(2.0)), 1e-9);
@@ -47,8 +49,8 @@ TEST(KrigingObjective, SearchesWhatIsNotFixedOnly)
     settings.fixedLengths = {0.3, 2.0};
     const auto data = someCases();
     const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
-    const std::vector<double> point = {std::log(1e-3) / SearchPolicy().nuggetUnit};
+    KrigingObjective objective(data, variables);
+    const std::vector<double> point = {std::log(1e-3) / SearchPolicy::nuggetUnit};
     std::vector<double> gradient;
     std::vector<double> curvature;
 

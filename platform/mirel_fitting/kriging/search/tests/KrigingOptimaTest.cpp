@@ -49,7 +49,7 @@ protected:
     KrigingData data = twoCases();
     KrigingSearchSettings settings;
     KrigingSearchVariables variables{data, settings};
-    ::KrigingOptima optima{variables, settings.policy};
+    ::KrigingOptima optima{variables};
     Profile valley{[](double) { return -100.0; }};
     Profile ridge{[](double) { return 5.0; }};
 };

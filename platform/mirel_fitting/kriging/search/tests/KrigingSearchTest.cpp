@@ -5,6 +5,7 @@
 #include <mirel_fitting/kriging/likelihood/KrigingLikelihood.h>
 #include <mirel_fitting/kriging/search/KrigingObjective.h>
 #include <mirel_fitting/kriging/search/KrigingOptima.h>
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
 #include <mirel_fitting/numerics/BoundedSearch.h>
 
 #include "KrigingTestSupport.h"
@@ -73,8 +74,8 @@ std::vector<double> optimaOfManySearches(const std::shared_ptr<KrigingData>& dat
 {
     const KrigingSearchSettings settings;
     const KrigingSearchVariables variables(*data, settings);
-    KrigingObjective objective(data, variables, settings);
-    KrigingOptima optima(variables, settings.policy);
+    KrigingObjective objective(data, variables);
+    KrigingOptima optima(variables);
     UniformNumbers numbers(3);
     for (int start = 0; start < starts; ++start) {
         KrigingParameters parameters;
@@ -84,7 +85,7 @@ std::vector<double> optimaOfManySearches(const std::shared_ptr<KrigingData>& dat
         parameters.nugget = std::pow(10.0, -6.0 + 5.0 * numbers.next());
         BoundedSearch search(objective, variables.lower(), variables.upper(),
                              variables.at(parameters));
-        search.advance(settings.policy.maxSteps,
+        search.advance(SearchPolicy::maxSteps,
                        settings.tolerance * static_cast<double>(data->cases));
         optima.add({search.point(), search.value()}, objective);
     }
@@ -104,7 +105,7 @@ double criterionAt(const std::shared_ptr<KrigingData>& data, const KrigingParame
 {
     const KrigingSearchSettings settings;
     const KrigingSearchVariables variables(*data, settings);
-    return KrigingObjective(data, variables, settings).value(variables.at(parameters));
+    return KrigingObjective(data, variables).value(variables.at(parameters));
 }
 
 } // namespace
@@ -136,7 +137,7 @@ TEST(KrigingSearch, ReachesTheBestOptimumOfFewCases)
 
                 // The nugget that the likelihood hardly needs is left out.
                 EXPECT_GT(criterionAt(data, result.parameters),
-                          bestOfManySearches(data) - SearchPolicy().significantGain - 0.5)
+                          bestOfManySearches(data) - SearchPolicy::significantGain - 0.5)
                     << seed << ", " << cases;
             }
         }

@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/search/KrigingSearchVariables.h>
 
+#include <mirel_fitting/kriging/search/SearchPolicy.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -51,7 +53,7 @@ TEST(KrigingSearchVariables, LeaveOutWhatIsFixed)
 TEST(KrigingSearchVariables, StartInsideTheBoundsOfHalfTheSpacingAtLeast)
 {
     EXPECT_DOUBLE_EQ(variables(1000, 1).lower()[0], std::log(0.5 / 1000.0));
-    EXPECT_DOUBLE_EQ(variables(1000, 8).lower()[0], std::log(SearchPolicy().shortestLength));
+    EXPECT_DOUBLE_EQ(variables(1000, 8).lower()[0], std::log(SearchPolicy::shortestLength));
 
     const KrigingSearchVariables all = variables(50, 2);
 
@@ -78,7 +80,7 @@ TEST(KrigingSearchVariables, AreCloseWithinAFactorUnlessTheyHardlyMatter)
 
     all.limitLengths(farOut);
 
-    EXPECT_EQ(farOut, all.at({{0.5, SearchPolicy().recalledLength}, 1e-12}));
+    EXPECT_EQ(farOut, all.at({{0.5, SearchPolicy::recalledLength}, 1e-12}));
 }
 
 TEST(KrigingSearchVariables, KnowWhichLengthsAreAtABound)
@@ -99,7 +101,7 @@ TEST(KrigingSearchVariables, SpreadStartsEvenlyAboutTheLikeliestLengthHalfOfThem
     const std::vector<std::vector<double>> starts = all.spreadStarts(12);
 
     ASSERT_EQ(starts.size(), 12u);
-    const double middle = std::log(SearchPolicy().priorLength);
+    const double middle = std::log(SearchPolicy::priorLength);
     for (std::size_t k = 0; k < 2; ++k) {
         std::size_t below = 0;
         for (const std::vector<double>& start : starts) {

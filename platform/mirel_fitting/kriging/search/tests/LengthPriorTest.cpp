@@ -6,7 +6,7 @@
 
 TEST(LengthPrior, IsGreatestAtTwiceTheRangeAndPenalisesShortLengthsMore)
 {
-    const LengthPrior prior(SearchPolicy(), 1.0);
+    const LengthPrior prior(1.0);
 
     EXPECT_EQ(prior.value(std::log(2.0)), 0.0);
     EXPECT_EQ(prior.slope(std::log(2.0)), 0.0);
@@ -18,7 +18,7 @@ TEST(LengthPrior, IsGreatestAtTwiceTheRangeAndPenalisesShortLengthsMore)
 
 TEST(LengthPrior, IsGreatestAtSixteenSpacingsOfManyCases)
 {
-    const LengthPrior prior(SearchPolicy(), 0.01);
+    const LengthPrior prior(0.01);
 
     EXPECT_EQ(prior.value(std::log(0.16)), 0.0);
     EXPECT_NEAR(prior.value(std::log(0.16) - 0.7), -0.5, 1e-12);
@@ -27,7 +27,7 @@ TEST(LengthPrior, IsGreatestAtSixteenSpacingsOfManyCases)
 
 TEST(LengthPrior, KnowsItsDerivatives)
 {
-    const LengthPrior prior(SearchPolicy(), 1.0);
+    const LengthPrior prior(1.0);
     const double step = 1e-3;
     for (const double at : {-3.0, 0.0, 2.0, 5.0}) {
         EXPECT_NEAR(prior.slope(at), (prior.value(at + step) - prior.value(at - step)) / (2 * step),
