@@ -48,11 +48,7 @@ bool KrigingEstimate::usesSubset(const KrigingSizes& sizes, std::size_t cases)
  *  same cases give the same model on every machine. */
 int KrigingEstimate::refinements() const
 {
-    const KrigingSizes& sizes = input.options.sizes;
-    if (allCases->cases > sizes.maxRefined) {
-        return 0;
-    }
-    return allCases->cases > sizes.maxRefinedTwice ? 1 : 2;
+    return allCases->cases > input.options.sizes.maxRefinedTwice ? 1 : 2;
 }
 
 /** With few cases per term the trend becomes constant unless there is noise; with very few its
@@ -96,8 +92,8 @@ void KrigingEstimate::warn(KrigingFit& fit) const
 {
     const KrigingSizes& sizes = input.options.sizes;
     if (usesSubset(sizes, allCases->cases)) {
-        const bool isRefined = refinements() > 0 && input.options.correlationLengths.empty();
-        fit.addNote(KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, isRefined));
+        const bool areRefined = input.options.correlationLengths.empty();
+        fit.addNote(KrigingWarnings::ofSubset(sizes.maxSearched, sizes.searched, areRefined));
     }
     if (isSmooth) {
         fit.addNote(KrigingWarnings::ofSmoothOutput(input.options.trendOrder, allCases->cases));

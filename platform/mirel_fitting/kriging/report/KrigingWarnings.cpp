@@ -82,13 +82,13 @@ std::string KrigingWarnings::ofShortLengths()
            "cases and says little of what lies between them.";
 }
 
-std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, bool isRefined)
+std::string KrigingWarnings::ofSubset(std::size_t max, std::size_t searched, bool areRefined)
 {
     return "There are more than " + std::to_string(max) +
            " distinct cases: the model is the exact one of all of them, with the correlation "
            "lengths of " +
            countedText(searched, "case") + " spread over all" +
-           (isRefined ? ", refined with all." : ".");
+           (areRefined ? ", refined with all." : ".");
 }
 
 std::string KrigingWarnings::ofManyCases(std::size_t max, const Layers& layers)

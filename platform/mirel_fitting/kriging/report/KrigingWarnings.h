@@ -38,9 +38,9 @@ public:
      * Lengths and nugget were estimated from a subset.
      * @param max       cases up to which all are used.
      * @param searched  cases of the subset.
-     * @param isRefined whether steps with all cases followed.
+     * @param areRefined whether the lengths changed in steps with all cases.
      */
-    static std::string ofSubset(std::size_t max, std::size_t searched, bool isRefined);
+    static std::string ofSubset(std::size_t max, std::size_t searched, bool areRefined);
 
     /** The layers of the model of many cases. */
     struct Layers

@@ -115,7 +115,7 @@ void Search::improveLikeliestStart()
             best = {point, value};
         }
     }
-    if (settings.continuation->steps > 0 && std::isfinite(best.value)) {
+    if (std::isfinite(best.value)) {
         std::vector<double> upper = variables.upper();
         if (variables.hasNugget() && best.point.back() <= variables.lower().back()) {
             upper.back() = variables.lower().back();

@@ -33,7 +33,7 @@ struct KrigingSearchSettings
     struct Continuation
     {
         std::vector<KrigingParameters> starts;
-        int steps = 0; ///< 0: the likeliest start itself
+        int steps = 1;
     };
     std::optional<Continuation> continuation;
 

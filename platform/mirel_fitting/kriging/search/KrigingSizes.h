@@ -12,10 +12,9 @@ struct KrigingSizes
     /** Up to here lengths and nugget are estimated from all cases, beyond from a subset: a search
      *  with 4000 takes 20 s. */
     std::size_t maxSearched = 5000;
-    /** Up to here the subset's estimate is refined by two steps with all cases, up to maxRefined by
-     *  one: each costs an evaluation with its gradient. */
+    /** Up to here the subset's estimate is refined by two steps with all cases, beyond by one: each
+     *  costs an evaluation with its gradient. */
     std::size_t maxRefinedTwice = 7000;
-    std::size_t maxRefined = 10000;
     /** Beyond, LargeKriging fits the cases: two matrices of 10 000 take 0.9 GiB. */
     std::size_t maxExact = 10000;
     /** Cases of its exact model: as many as have one. The error at other cases falls with their

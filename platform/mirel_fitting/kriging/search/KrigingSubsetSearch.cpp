@@ -57,9 +57,6 @@ KrigingSearchResult KrigingSubsetSearch::run(const std::shared_ptr<const Kriging
     KrigingSearchResult result = KrigingSearch::run(data, nearby);
     result.isNuggetRaised = result.isNuggetRaised || found.isNuggetRaised;
     result.nuggetBound = found.nuggetBound;
-    if (steps == 0) {
-        result.lengthBounds = found.lengthBounds; // of fewer cases, that are farther apart
-    }
     const double share = static_cast<double>(data->cases) / static_cast<double>(size);
     result.gapToSecond = share * found.gapToSecond;
     return result;
