@@ -119,10 +119,8 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
     {
         const FitProgress::Portion portion(0.0, estimating, "Estimating from nearest neighbours",
                                            expectedTrials * static_cast<double>(sizes.estimated));
-        neighbours = std::make_shared<NearestNeighbourKriging>(
-            NearestNeighbourKriging::Cases{data.cases, data.inputs, data.coordinates.data(),
-                                           residuals, data.replicates},
-            start.lengths, sizes.neighbours);
+        neighbours = std::make_shared<NearestNeighbourKriging>(data, residuals, start.lengths,
+                                                               sizes.neighbours);
         neighbours->setParameters(estimate(start));
     }
     const FitProgress::Portion portion(estimating, 1.0, "Leaving out cases",

@@ -34,29 +34,30 @@ struct Sources
 class LocalKriging
 {
 public:
-    LocalKriging(std::size_t maxCases, std::size_t inputs)
-        : stride(AlignedBuffer::padded(maxCases)), columns(stride * inputs),
-          points((maxCases + 1) * inputs), correlations(stride * (maxCases + 1)),
-          factor(maxCases * maxCases), right(maxCases), values(maxCases)
+    LocalKriging(const Sources& sources, std::size_t maxCases)
+        : sources(sources), stride(AlignedBuffer::padded(maxCases)),
+          columns(stride * sources.inputs), points((maxCases + 1) * sources.inputs),
+          correlations(stride * (maxCases + 1)), factor(maxCases * maxCases), right(maxCases),
+          values(maxCases)
     {}
 
     /**
      * @param factors turn coordinates of the metric into those of the kernels.
      * @param share   the noise of the predicted value, relative to the process variance.
      */
-    NearestNeighbourKriging::Prediction predict(const Sources& sources, const std::uint32_t* cases,
-                                                std::size_t count, const double* point,
+    NearestNeighbourKriging::Prediction predict(const std::uint32_t* cases, std::size_t count,
+                                                const double* point,
                                                 const std::vector<double>& factors, double nugget,
                                                 double share)
     {
         if (count == 0) {
             return {0.0, 1.0 + share};
         }
-        correlate(sources, cases, count, point, factors);
+        correlate(cases, count, point, factors);
         double used = nugget;
         while (used <= std::max(nugget, NuggetBounds::maxRaised)) {
-            if (factorise(sources, cases, count, used)) {
-                return solve(sources, cases, count, share);
+            if (factorise(cases, count, used)) {
+                return solve(cases, count, share);
             }
             // The correlation matrix of coinciding cases is singular without a nugget.
             used = std::max(used * NuggetBounds::raise, NuggetBounds::sound);
@@ -65,8 +66,9 @@ public:
     }
 
     /** slopes[k] = derivative of the mean of the last prediction by coordinate k of the kernels. */
-    void differentiate(std::size_t inputs, std::size_t count, double* slopes)
+    void differentiate(std::size_t count, double* slopes)
     {
+        const std::size_t inputs = sources.inputs;
         std::fill(slopes, slopes + inputs, 0.0);
         if (count == 0) {
             return;
@@ -88,8 +90,8 @@ public:
     }
 
 private:
-    void correlate(const Sources& sources, const std::uint32_t* cases, std::size_t count,
-                   const double* point, const std::vector<double>& factors)
+    void correlate(const std::uint32_t* cases, std::size_t count, const double* point,
+                   const std::vector<double>& factors)
     {
         const std::size_t inputs = sources.inputs;
         for (std::size_t i = 0; i < count; ++i) {
@@ -107,8 +109,7 @@ private:
                                  {points.data(), inputs, count + 1}, correlations.data(), stride);
     }
 
-    bool factorise(const Sources& sources, const std::uint32_t* cases, std::size_t count,
-                   double nugget)
+    bool factorise(const std::uint32_t* cases, std::size_t count, double nugget)
     {
         for (std::size_t j = 0; j < count; ++j) {
             const double* from = correlations.data() + j * stride;
@@ -119,8 +120,8 @@ private:
         return LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', order, factor.data(), order) == 0;
     }
 
-    NearestNeighbourKriging::Prediction solve(const Sources& sources, const std::uint32_t* cases,
-                                              std::size_t count, double share)
+    NearestNeighbourKriging::Prediction solve(const std::uint32_t* cases, std::size_t count,
+                                              double share)
     {
         const double* correlation = correlations.data() + count * stride;
         std::copy(correlation, correlation + count, right.begin());
@@ -139,6 +140,7 @@ private:
                 std::max(1.0 + share - explained, smallest)};
     }
 
+    Sources sources;
     std::size_t stride;
     AlignedBuffer columns;      // of the cases, scaled
     std::vector<double> points; // the same case by case, and the point
@@ -153,9 +155,9 @@ private:
 /** The memory of one thread. */
 struct NearestNeighbourKriging::Workspace
 {
-    Workspace(std::size_t neighbours, std::size_t inputs)
-        : kriging(neighbours, inputs), indices(neighbours + 1), squares(neighbours + 1),
-          point(inputs)
+    Workspace(const Sources& sources, std::size_t neighbours)
+        : kriging(sources, neighbours), indices(neighbours + 1), squares(neighbours + 1),
+          point(sources.inputs)
     {}
 
     LocalKriging kriging;
@@ -165,20 +167,22 @@ struct NearestNeighbourKriging::Workspace
     std::size_t found = 0; // cases that the last prediction used
 };
 
-NearestNeighbourKriging::NearestNeighbourKriging(Cases cases, const std::vector<double>& lengths,
+NearestNeighbourKriging::NearestNeighbourKriging(const KrigingData& cases,
+                                                 std::vector<double> givenValues,
+                                                 const std::vector<double>& lengths,
                                                  std::size_t neighbours)
-    : count(cases.count), inputs(cases.inputs), used(std::min(neighbours, cases.count)),
-      metric(lengths), coordinates(count * inputs), values(std::move(cases.values)),
-      replicates(std::move(cases.replicates))
+    : inputs(cases.inputs), used(std::min(neighbours, cases.cases)), metric(lengths),
+      coordinates(cases.cases * inputs), values(std::move(givenValues)),
+      replicates(cases.replicates)
 {
     for (std::size_t k = 0; k < inputs; ++k) {
         FitProgress::advance();
         metric[k] = std::min(metric[k], longestInMetric);
-        for (std::size_t i = 0; i < count; ++i) {
-            coordinates[i * inputs + k] = cases.coordinates[k * count + i] / metric[k];
+        for (std::size_t i = 0; i < cases.cases; ++i) {
+            coordinates[i * inputs + k] = cases.coordinates[k * cases.cases + i] / metric[k];
         }
     }
-    search = std::make_unique<NearestNeighbours>(coordinates.data(), count, inputs);
+    search = std::make_unique<NearestNeighbours>(coordinates.data(), cases.cases, inputs);
     setParameters({lengths, 0.0});
 }
 
@@ -209,7 +213,8 @@ void NearestNeighbourKriging::forPoints(
     const std::size_t chunks = (points + perChunk - 1) / perChunk;
     const int threads = points < fewPoints ? 1 : threadCount();
     const auto makeWork = [&]() -> OrderedChunks::Work {
-        const auto workspace = std::make_shared<Workspace>(used, inputs);
+        const auto workspace = std::make_shared<Workspace>(
+            Sources{inputs, coordinates.data(), values.data(), replicates.data()}, used);
         return [&, workspace](std::size_t chunk) {
             const std::size_t last = std::min(points, (chunk + 1) * perChunk);
             for (std::size_t i = chunk * perChunk; i < last; ++i) {
@@ -225,15 +230,13 @@ NearestNeighbourKriging::predict(Workspace& workspace, const std::vector<const d
                                  std::size_t index, const std::vector<double>& scales,
                                  double nugget) const
 {
-    const double noise = 0.0;
     for (std::size_t k = 0; k < inputs; ++k) {
         workspace.point[k] = points[k][index] / metric[k];
     }
     workspace.found = search->find(workspace.point.data(), used, workspace.indices.data(),
                                    workspace.squares.data());
-    return workspace.kriging.predict({inputs, coordinates.data(), values.data(), replicates.data()},
-                                     workspace.indices.data(), workspace.found,
-                                     workspace.point.data(), scales, nugget, noise);
+    return workspace.kriging.predict(workspace.indices.data(), workspace.found,
+                                     workspace.point.data(), scales, nugget, 0.0);
 }
 
 void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t pointCount,
@@ -250,7 +253,7 @@ void NearestNeighbourKriging::addGradients(const std::vector<const double*>& poi
 {
     forPoints(pointCount, [&](Workspace& workspace, std::size_t i) {
         predict(workspace, points, i, factors, chosen.nugget);
-        workspace.kriging.differentiate(inputs, workspace.found, workspace.point.data());
+        workspace.kriging.differentiate(workspace.found, workspace.point.data());
         for (std::size_t k = 0; k < inputs; ++k) {
             gradients[k][i] += workspace.point[k] * factors[k] / metric[k];
         }
@@ -288,11 +291,9 @@ std::vector<NearestNeighbourKriging::Prediction>
 NearestNeighbourKriging::LeftOut::predict(const Parameters& parameters) const
 {
     const std::vector<double> scales = kriging.factorsFor(parameters);
-    const Sources sources = {kriging.inputs, kriging.coordinates.data(), kriging.values.data(),
-                             kriging.replicates.data()};
     std::vector<Prediction> result(cases.size());
     kriging.forPoints(result.size(), [&](Workspace& workspace, std::size_t i) {
-        result[i] = workspace.kriging.predict(sources, neighbours.data() + i * stride, found[i],
+        result[i] = workspace.kriging.predict(neighbours.data() + i * stride, found[i],
                                               kriging.at(cases[i]), scales, parameters.nugget,
                                               parameters.nugget / kriging.replicates[cases[i]]);
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/neighbours/NearestNeighbours.h>
 
 #include <cstddef>
@@ -19,15 +20,6 @@
 class NearestNeighbourKriging
 {
 public:
-    struct Cases
-    {
-        std::size_t count = 0;
-        std::size_t inputs = 0;
-        const double* coordinates = nullptr; ///< by columns, count x inputs; copied
-        std::vector<double> values;          ///< one per case
-        std::vector<double> replicates;      ///< one per case: the nugget is divided by it
-    };
-
     struct Parameters
     {
         std::vector<double> lengths; ///< one per input; infinite: without influence
@@ -43,10 +35,13 @@ public:
     };
 
     /**
-     * @param metric correlation lengths that decide which cases are near.
+     * @param cases      their coordinates and replicates; borrowed for the call.
+     * @param values     one per case.
+     * @param metric     correlation lengths that decide which cases are near.
      * @param neighbours number of cases that a prediction uses at most.
      */
-    NearestNeighbourKriging(Cases cases, const std::vector<double>& metric, std::size_t neighbours);
+    NearestNeighbourKriging(const KrigingData& cases, std::vector<double> values,
+                            const std::vector<double>& metric, std::size_t neighbours);
 
     std::size_t neighbours() const { return used; }
 
@@ -96,7 +91,6 @@ private:
     void forPoints(std::size_t points,
                    const std::function<void(Workspace&, std::size_t)>& work) const;
 
-    std::size_t count;
     std::size_t inputs;
     std::size_t used; // neighbours
     std::vector<double> metric;

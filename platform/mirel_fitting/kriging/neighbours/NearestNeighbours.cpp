@@ -63,11 +63,6 @@ NearestNeighbours::NearestNeighbours(const double* coordinates, std::size_t coun
 
 NearestNeighbours::~NearestNeighbours() = default;
 
-std::size_t NearestNeighbours::size() const
-{
-    return impl->cloud.count;
-}
-
 std::size_t NearestNeighbours::find(const double* point, std::size_t wanted, std::uint32_t* indices,
                                     double* squares) const
 {

@@ -16,8 +16,6 @@ public:
     NearestNeighbours(const double* coordinates, std::size_t count, std::size_t inputs);
     ~NearestNeighbours();
 
-    std::size_t size() const;
-
     /**
      * May be called by several threads at once.
      * @param indices receives at most `wanted` of them, the nearest first.

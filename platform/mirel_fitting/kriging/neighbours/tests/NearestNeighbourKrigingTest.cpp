@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace {
 
 double wave(const std::vector<double>& x)
@@ -20,15 +22,8 @@ public:
     explicit Example(std::size_t cases, std::size_t neighbours)
         : columns(latinHypercube(cases, 2, 3)), values(valuesOf(wave, columns))
     {
-        std::vector<double> coordinates = columns[0];
-        coordinates.insert(coordinates.end(), columns[1].begin(), columns[1].end());
-        NearestNeighbourKriging::Cases given;
-        given.count = cases;
-        given.inputs = 2;
-        given.coordinates = coordinates.data();
-        given.values = values;
-        given.replicates.assign(cases, 1.0);
-        kriging = std::make_unique<NearestNeighbourKriging>(given, lengths, neighbours);
+        kriging = std::make_unique<NearestNeighbourKriging>(*dataOf(columns, values), values,
+                                                            lengths, neighbours);
     }
 
     double at(double x, double y) const
@@ -53,10 +48,9 @@ double correlation(double distance, double length)
 /** Two cases at 0 and 0.3 with the values 1 and 2. */
 std::unique_ptr<NearestNeighbourKriging> pair(double nugget)
 {
-    const std::vector<double> coordinates = {0.0, 0.3};
-    const NearestNeighbourKriging::Cases cases{2, 1, coordinates.data(), {1.0, 2.0}, {1.0, 1.0}};
+    const auto cases = dataOf({{0.0, 0.3}}, {1.0, 2.0});
     const std::vector<double> length = {0.5};
-    auto kriging = std::make_unique<NearestNeighbourKriging>(cases, length, 5);
+    auto kriging = std::make_unique<NearestNeighbourKriging>(*cases, cases->output, length, 5);
     kriging->setParameters({length, nugget});
     return kriging;
 }
@@ -107,15 +101,15 @@ TEST(NearestNeighbourKriging, InterpolatesTheCasesAndPredictsBetweenThem)
 
 TEST(NearestNeighbourKriging, SharesTheNuggetAmongTheRowsOfACaseAndTakesCasesThatCoincide)
 {
-    const std::vector<double> coordinates = {0.5};
-    NearestNeighbourKriging kriging({1, 1, coordinates.data(), {3.0}, {4.0}}, {0.5}, 5);
+    const auto single = dataOf({{0.5}}, {3.0});
+    single->replicates = {4.0};
+    NearestNeighbourKriging kriging(*single, single->output, {0.5}, 5);
     kriging.setParameters({{0.5}, 0.8});
 
     EXPECT_NEAR(at(kriging, 0.5), 3.0 / (1.0 + 0.2), 1e-14);
 
-    const std::vector<double> same = {0.2, 0.2, 0.2, 0.7};
-    const NearestNeighbourKriging coinciding(
-        {4, 1, same.data(), {1.0, 1.0, 1.0, 2.0}, {1.0, 1.0, 1.0, 1.0}}, {0.5}, 4);
+    const auto same = dataOf({{0.2, 0.2, 0.2, 0.7}}, {1.0, 1.0, 1.0, 2.0});
+    const NearestNeighbourKriging coinciding(*same, same->output, {0.5}, 4);
 
     EXPECT_NEAR(at(coinciding, 0.2), 1.0, 1e-6);
 }
@@ -131,9 +125,8 @@ TEST(NearestNeighbourKriging, IsZeroFarFromAllCases)
 TEST(NearestNeighbourKriging, IgnoresAnInputOfInfiniteLength)
 {
     const double infinity = std::numeric_limits<double>::infinity();
-    const std::vector<double> coordinates = {0.0, 0.3, 0.9, 0.1};
-    const NearestNeighbourKriging both({2, 2, coordinates.data(), {1.0, 2.0}, {1.0, 1.0}},
-                                       {0.5, infinity}, 5);
+    const auto cases = dataOf({{0.0, 0.3}, {0.9, 0.1}}, {1.0, 2.0});
+    const NearestNeighbourKriging both(*cases, cases->output, {0.5, infinity}, 5);
     const double x = 0.2;
     const double y = 0.4;
     double value = 0.0;
@@ -164,22 +157,11 @@ TEST(NearestNeighbourKriging, PredictsALeftOutCaseLikeAModelWithoutIt)
 {
     const Example all(60, 60);
     const std::size_t left = 23;
-    std::vector<double> coordinates;
-    NearestNeighbourKriging::Cases others;
-    for (const std::vector<double>& column : all.columns) {
-        for (std::size_t i = 0; i < 60; ++i) {
-            if (i != left) {
-                coordinates.push_back(column[i]);
-            }
-        }
-    }
-    others.count = 59;
-    others.inputs = 2;
-    others.coordinates = coordinates.data();
-    others.values = all.values;
-    others.values.erase(others.values.begin() + left);
-    others.replicates.assign(59, 1.0);
-    NearestNeighbourKriging without(others, Example::lengths, 60);
+    std::vector<std::size_t> indices(60);
+    std::iota(indices.begin(), indices.end(), std::size_t{0});
+    indices.erase(indices.begin() + left);
+    const KrigingData others = dataOf(all.columns, all.values)->subset(indices);
+    NearestNeighbourKriging without(others, others.output, Example::lengths, 60);
     const NearestNeighbourKriging::Parameters parameters{{0.4, 0.7}, 1e-6};
     without.setParameters(parameters);
     double expected = 0.0;
