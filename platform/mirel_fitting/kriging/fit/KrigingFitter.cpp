@@ -32,11 +32,10 @@ void addErrors(KrigingFit& fit, const DistinctCases& distinct, const KrigingData
 {
     std::vector<std::size_t> points(data.cases);
     std::iota(points.begin(), points.end(), std::size_t{0});
-    std::vector<double> variances;
-    const std::vector<double> leftOut =
-        likelihood.equations().leaveOneOutResiduals(&variances, noise > 0.0);
-    distinct.addErrors(fit, data, likelihood.equations().residuals(),
-                       {points, leftOut, variances, likelihood.processVariance(), noise});
+    const KrigingEquations::LeftOut leftOut = likelihood.equations().leaveOneOut(noise > 0.0);
+    distinct.addErrors(
+        fit, data, likelihood.equations().residuals(),
+        {points, leftOut.residuals, leftOut.variances, likelihood.processVariance(), noise});
 }
 
 /** Kriging with one correlation matrix of all cases. */

@@ -348,17 +348,15 @@ bool KrigingEquations::areCasesFarApart() const
     return 2 * static_cast<std::size_t>(apart) > n;
 }
 
-std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* variances,
-                                                           bool isNoise)
+KrigingEquations::LeftOut KrigingEquations::leaveOneOut(bool isNoise)
 {
     // A smaller fraction of a diagonal element is its rounding error: without the case the trend is
     // not determined.
     constexpr double determined = 1e-10;
-
     const SingleThreadedBlas singleThreaded;
     const std::vector<double> projected = trendInInverse();
     std::vector<double> noise;
-    for (std::size_t i = 0; variances && !isNoise && i < n; ++i) {
+    for (std::size_t i = 0; !isNoise && i < n; ++i) {
         noise.push_back(diagonalNugget / data->replicates[i]);
     }
     LeaveOneOutVisitor::Sums sums{std::vector<double>(n), std::vector<double>(n)};
@@ -367,21 +365,18 @@ std::vector<double> KrigingEquations::leaveOneOutResiduals(std::vector<double>* 
 
     // The diagonal of P = R^-1 - R^-1 F (F' R^-1 F)^-1 F' R^-1; P y are the weights, and -P_ij /
     // P_ii those of the cases j in the prediction of case i by the others.
-    std::vector<double> residuals(n);
-    if (variances) {
-        variances->assign(n, std::numeric_limits<double>::quiet_NaN());
-    }
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    LeftOut result{std::vector<double>(n, none), std::vector<double>(n, none)};
     for (std::size_t i = 0; i < n; ++i) {
         double left = sums.diagonal[i];
         for (std::size_t j = 0; j < p; ++j) {
             left -= projected[j * n + i] * projected[j * n + i];
         }
-        const bool isDetermined = left > determined * sums.diagonal[i];
-        residuals[i] = isDetermined ? alpha[i] / left : std::numeric_limits<double>::quiet_NaN();
-        if (variances && isDetermined) {
-            (*variances)[i] =
+        if (left > determined * sums.diagonal[i]) {
+            result.residuals[i] = alpha[i] / left;
+            result.variances[i] =
                 std::max(1.0 / left - sums.noise[i] / (left * left), smallestVariance);
         }
     }
-    return residuals;
+    return result;
 }

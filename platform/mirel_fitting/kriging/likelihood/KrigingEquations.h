@@ -73,17 +73,19 @@ public:
      *  correlation with another case, compared with that of one length along one input. */
     bool areCasesFarApart() const;
 
+    /** One per case; NaN where the other cases do not determine the trend. */
+    struct LeftOut
+    {
+        std::vector<double> residuals; ///< outputs minus predictions by all other cases
+        std::vector<double> variances; ///< of these, relative to the process variance
+    };
     /**
-     * Outputs minus predictions by all other cases, with the same lengths, nugget and variance and
-     * the trend estimated anew: Dubrule, Cross validation of kriging in a unique
-     * neighborhood, Math. Geology 15 (1983). NaN where the others do not determine the trend.
-     * @param variances if not null, receives those of the residuals, relative to the process
-     *                  variance.
-     * @param isNoise   whether the cases have the nugget as noise: if not, it only stabilises the
-     *                  factorisation, and the variances are less by what it contributes.
+     * With the same lengths, nugget and variance and the trend estimated anew: Dubrule, Cross
+     * validation of kriging in a unique neighborhood, Math. Geology 15 (1983).
+     * @param isNoise whether the cases have the nugget as noise: if not, it only stabilises the
+     *                factorisation, and the variances are less by what it contributes.
      */
-    std::vector<double> leaveOneOutResiduals(std::vector<double>* variances = nullptr,
-                                             bool isNoise = true);
+    LeftOut leaveOneOut(bool isNoise);
 
     // For derivatives.
 

@@ -48,9 +48,8 @@ double largestVariance(const std::shared_ptr<const KrigingData>& data,
     KrigingEquations equations(data);
     double largest = 0.0;
     if (equations.solve(lengths, nugget)) {
-        std::vector<double> variances;
-        equations.leaveOneOutResiduals(&variances);
-        for (const double variance : variances) {
+        const KrigingEquations::LeftOut leftOut = equations.leaveOneOut(true);
+        for (const double variance : leftOut.variances) {
             largest = std::max(largest, variance - nugget); // false for NaN
         }
     }

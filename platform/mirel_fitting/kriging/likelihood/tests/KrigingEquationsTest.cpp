@@ -10,7 +10,7 @@ TEST(KrigingEquations, LeavesOutEachCaseLikeARefitWithoutIt)
     KrigingEquations equations(data);
     equations.solve(someLengths, someNugget);
 
-    const std::vector<double> residuals = equations.leaveOneOutResiduals();
+    const std::vector<double> residuals = equations.leaveOneOut(true).residuals;
 
     for (std::size_t i = 0; i < data->cases; ++i) {
         const DirectKriging others = direct(*data, someLengths, someNugget, i);
@@ -27,11 +27,9 @@ TEST(KrigingEquations, HasTheVariancesOfLeftOutCasesWithAndWithoutNoise)
     const auto data = someData(15);
     KrigingEquations equations(data);
     equations.solve(someLengths, someNugget);
-    std::vector<double> withNoise;
-    std::vector<double> withoutNoise;
 
-    equations.leaveOneOutResiduals(&withNoise);
-    equations.leaveOneOutResiduals(&withoutNoise, false);
+    const std::vector<double> withNoise = equations.leaveOneOut(true).variances;
+    const std::vector<double> withoutNoise = equations.leaveOneOut(false).variances;
 
     for (std::size_t i = 0; i < data->cases; ++i) {
         const DirectKriging others = direct(*data, someLengths, someNugget, i);
@@ -57,7 +55,7 @@ TEST(KrigingEquations, LeavesOutNoCaseThatTheTrendCannotDoWithout)
     KrigingEquations equations(data);
     equations.solve(someLengths, someNugget);
 
-    const std::vector<double> residuals = equations.leaveOneOutResiduals();
+    const std::vector<double> residuals = equations.leaveOneOut(true).residuals;
 
     EXPECT_TRUE(std::isfinite(residuals[0]));
     EXPECT_TRUE(std::isnan(residuals[7]));

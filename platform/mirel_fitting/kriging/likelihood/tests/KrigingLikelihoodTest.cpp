@@ -220,7 +220,7 @@ TEST(KrigingLikelihood, GivesTheSameBitsOnAnyNumberOfThreads)
         result.value = likelihood.evaluate(someLengths, someNugget);
         likelihood.gradient(result.gradient);
         likelihood.averageInformation(result.information);
-        result.leaveOneOut = likelihood.equations().leaveOneOutResiduals();
+        result.leaveOneOut = likelihood.equations().leaveOneOut(true).residuals;
     }
     setThreadCount(0);
 
