@@ -130,7 +130,9 @@ LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>&
         fitSubset(result, kriging, settings, interpolate);
         const FitProgress::Portion portion(0.5, 0.5, "Fitting a subset of the cases");
         residuals = kriging.residuals(result.subset);
-        trendResiduals = kriging.trendResiduals(result.subset);
+        SubsetKriging::Model trend = result.subset;
+        trend.weights.clear();
+        trendResiduals = kriging.residuals(trend);
     }
 
     const NearestNeighbourKriging::Parameters start = {result.found.parameters.lengths,

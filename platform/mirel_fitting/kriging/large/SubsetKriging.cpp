@@ -33,16 +33,6 @@ SubsetKriging::Model SubsetKriging::fit(double nugget, bool interpolate)
 
 std::vector<double> SubsetKriging::residuals(const Model& model) const
 {
-    return residuals(model, true);
-}
-
-std::vector<double> SubsetKriging::trendResiduals(const Model& model) const
-{
-    return residuals(model, false);
-}
-
-std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) const
-{
     constexpr std::size_t casesPerChunk = 1024; // stay in the first-level cache
 
     const MaternCorrelation correlation(subset.data->cases, subset.data->inputs,
@@ -53,7 +43,7 @@ std::vector<double> SubsetKriging::residuals(const Model& model, bool isWhole) c
         const std::size_t count = std::min(casesPerChunk, all.cases - first);
         const std::vector<const double*> points = all.columns(first);
         subset.trend->add(points, count, model.coefficients, predictions.data() + first);
-        if (isWhole) {
+        if (!model.weights.empty()) {
             correlation.addWeightedSums(points, count, model.weights.data(),
                                         predictions.data() + first);
         }

@@ -40,15 +40,10 @@ public:
      */
     Model fit(double nugget, bool interpolate);
 
-    /** Output minus the model, at all cases. */
+    /** Output minus the model, at all cases; a model without weights is its trend. */
     std::vector<double> residuals(const Model& model) const;
 
-    /** Output minus the model's trend, at all cases. */
-    std::vector<double> trendResiduals(const Model& model) const;
-
 private:
-    std::vector<double> residuals(const Model& model, bool isWhole) const;
-
     const KrigingData& all;
     const Subset& subset;
     std::vector<double> lengths;
