@@ -3,73 +3,56 @@
 #include <mirel_fitting/numerics/NumberText.h>
 
 #include <cmath>
-#include <utility>
 
-EquationText::EquationText(const QuadraticBasis& basis) : basis(basis), isLeftOut(basis.size(), 0)
+namespace {
+
+/** "V1" for the centre 0, else "(V1 - c)". */
+std::string symbol(std::size_t input, double centre)
 {
-    for (std::size_t input = 0; input < basis.inputs(); ++input) {
-        symbols.push_back("V" + std::to_string(input + 1));
+    const std::string name = "V" + std::to_string(input + 1);
+    return centre == 0.0 ? name
+                         : "(" + name + (centre < 0.0 ? " + " : " - ") +
+                               NumberText::shortest(std::fabs(centre)) + ")";
+}
+
+std::string factorsOf(const QuadraticBasis::Term& term, const std::vector<double>& centres)
+{
+    if (term.isSquare()) {
+        return " * " + symbol(term.first, centres[term.first]) + "^2";
     }
+    std::string text;
+    for (const std::size_t input : term.inputs()) {
+        text += " * " + symbol(input, centres[input]);
+    }
+    return text;
 }
 
-void EquationText::leaveOut(std::size_t term)
-{
-    isLeftOut[term] = 1;
-}
+} // namespace
 
-std::string EquationText::write(Forms forms, double outputRange, double offset)
+std::string equationText(const QuadraticBasis& basis, const EquationForms& forms,
+                         double outputRange, double offset)
 {
     constexpr double tolerableLoss = 1e-9; // of the output's range
 
-    if (!(forms.loss <= tolerableLoss * outputRange)) {
-        setCentres(forms.centres);
-        forms.expanded = std::move(forms.centred);
-    }
-    forms.expanded[0] += offset;
-    return write(forms.expanded);
-}
-
-/** Symbols become (V1 - c) instead of V1, and so on. */
-void EquationText::setCentres(const std::vector<double>& centres)
-{
-    for (std::size_t input = 0; input < symbols.size(); ++input) {
-        const double centre = centres[input];
-        if (centre != 0.0) {
-            symbols[input] = "(V" + std::to_string(input + 1) + (centre < 0.0 ? " + " : " - ") +
-                             NumberText::shortest(std::fabs(centre)) + ")";
-        }
-    }
-}
-
-std::string EquationText::write(const std::vector<double>& coefficients) const
-{
+    const bool isExpanded = forms.loss <= tolerableLoss * outputRange;
+    const std::vector<double>& coefficients = isExpanded ? forms.expanded : forms.centred;
+    const std::vector<double> centres =
+        isExpanded ? std::vector<double>(basis.inputs(), 0.0) : forms.centres;
     std::string text;
     for (std::size_t term = 0; term < basis.size(); ++term) {
-        if (isLeftOut[term]) {
+        if (!forms.isWritten.empty() && !forms.isWritten[term]) {
             continue;
         }
         // Adding 0 turns -0 into 0.
-        const double coefficient = coefficients[term] + 0.0;
+        const double coefficient = coefficients[term] + (term == 0 ? offset : 0.0) + 0.0;
         const bool isNegative = std::signbit(coefficient);
         if (text.empty()) {
             text += isNegative ? "-" : "";
         } else {
             text += isNegative ? " - " : " + ";
         }
-        text += NumberText::shortest(std::fabs(coefficient)) + factors(term);
-    }
-    return text + "\n";
-}
-
-std::string EquationText::factors(std::size_t term) const
-{
-    const QuadraticBasis::Term& inputs = basis.terms()[term];
-    if (inputs.isSquare()) {
-        return " * " + symbols[inputs.first] + "^2";
-    }
-    std::string text;
-    for (const std::size_t input : inputs.inputs()) {
-        text += " * " + symbols[input];
+        text +=
+            NumberText::shortest(std::fabs(coefficient)) + factorsOf(basis.terms()[term], centres);
     }
     return text;
 }

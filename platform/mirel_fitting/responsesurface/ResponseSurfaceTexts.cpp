@@ -207,21 +207,18 @@ std::string ResponseSurfaceTexts::equation(const PolynomialFit& fit,
                                            const PolynomialFit::Output& output)
 {
     const PolynomialUnits units(fit.basis(), fit.inputScales());
-    EquationText text(fit.basis());
-    for (std::size_t term = 0; term < fit.basis().size(); ++term) {
-        if (!fit.isKept(term)) {
-            text.leaveOut(term);
-        }
-    }
-
-    std::vector<double> centres;
+    EquationForms forms{units.expanded(output.coefficients),
+                        units.expansionLoss(output.coefficients),
+                        units.centred(output.coefficients),
+                        {},
+                        {}};
     for (const ColumnScale& scale : fit.inputScales()) {
-        centres.push_back(scale.centre());
+        forms.centres.push_back(scale.centre());
     }
-    return text.write({units.expanded(output.coefficients),
-                       units.expansionLoss(output.coefficients), units.centred(output.coefficients),
-                       std::move(centres)},
-                      output.scale.spread(), output.scale.centre());
+    for (std::size_t term = 0; term < fit.basis().size(); ++term) {
+        forms.isWritten.push_back(fit.isKept(term) ? 1 : 0);
+    }
+    return equationText(fit.basis(), forms, output.scale.spread(), output.scale.centre()) + "\n";
 }
 
 std::vector<std::string> ResponseSurfaceTexts::dependences(const PolynomialFit& fit,

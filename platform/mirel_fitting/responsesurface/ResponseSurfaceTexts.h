@@ -13,7 +13,7 @@
 class ResponseSurfaceTexts
 {
 public:
-    /** The polynomial as one line, as EquationText writes it: multiplied out, or in centred inputs
+    /** The polynomial as one line, and its end: multiplied out, or in centred inputs
      *  where multiplying out would lose more than 1e-9 of the output's spread. */
     static std::string equation(const PolynomialFit& fit, const PolynomialFit::Output& output);
 

@@ -57,15 +57,7 @@ std::vector<RawTrend::Term> RawTrend::terms() const
 
 std::string RawTrend::text(double outputRange) const
 {
-    EquationText text(basis);
-    for (std::size_t t = 0; t < basis.size(); ++t) {
-        if (!isWritten[t]) {
-            text.leaveOut(t);
-        }
-    }
     const double loss =
         std::numeric_limits<double>::epsilon() * basis.sumOfMagnitudes(centred, magnitudes);
-    std::string line = text.write({expanded, loss, centred, centres}, outputRange, offset);
-    line.pop_back(); // the end of the line
-    return line;
+    return equationText(basis, {expanded, loss, centred, centres, isWritten}, outputRange, offset);
 }
