@@ -120,9 +120,8 @@ KrigingFit fitKriging(const KrigingCases& cases, const std::vector<double>& outp
                          ? UncorrelatedKriging::ofMean(input)
                          : fitVaryingOutput(input, warnings);
 
-    const double noiseShare = KrigingFitReport::noiseShare(fit.predictor.model());
-    fit.isMostlyNoise = KrigingTexts::isMostlyNoise(noiseShare);
-    std::vector<std::string> verdicts = KrigingTexts::verdicts(fit, noiseShare);
+    fit.noiseShare = KrigingFitReport::noiseShare(fit.predictor.model());
+    std::vector<std::string> verdicts = KrigingTexts::verdicts(fit);
     for (std::vector<std::string>* more : {&fit.warnings, &verdicts}) {
         std::move(more->begin(), more->end(), std::back_inserter(warnings));
     }

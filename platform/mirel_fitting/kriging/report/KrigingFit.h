@@ -34,7 +34,7 @@ struct KrigingFit
     std::vector<QuadraticBasis::Term> droppedTerms; ///< of the trend, in all inputs
     std::vector<std::string> warnings;              ///< others, which name no input
     std::vector<std::string> notes; ///< those of them that are no reason to doubt the fit
-    bool isMostlyNoise = false;     ///< the most of the output's variance is taken for noise
+    double noiseShare = 0.0;        ///< fraction of the output's variance taken for noise
     KrigingLeaveOneOut leftOut;
 
     explicit KrigingFit(KrigingPredictor predictor) : predictor(std::move(predictor)) {}

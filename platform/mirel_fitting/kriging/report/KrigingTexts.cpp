@@ -52,6 +52,12 @@ std::string worstCasesText(const KrigingReport& report)
     return text.empty() ? text : text + "\n";
 }
 
+bool isMostlyNoise(const KrigingFit& fit)
+{
+    constexpr double mostly = 0.5;
+    return fit.noiseShare > mostly;
+}
+
 /** What the bounds say at which lengths ended: one sentence for all inputs alike. */
 void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
                        std::vector<std::string>& sentences)
@@ -64,7 +70,7 @@ void addLengthWarnings(const KrigingFit& fit, const InputNames& names,
             (fit.report.hasNoInfluence(k) ? withoutInfluence : onlyInTrend).push_back(k);
         }
         // Lengths this short mean noise.
-        if (fit.report.lengthBounds[k] == KrigingReport::Bound::Lower && !fit.isMostlyNoise) {
+        if (fit.report.lengthBounds[k] == KrigingReport::Bound::Lower && !isMostlyNoise(fit)) {
             fast.push_back(k);
         }
     }
@@ -137,13 +143,7 @@ std::string KrigingTexts::quality(const KrigingFit& fit)
     return text;
 }
 
-bool KrigingTexts::isMostlyNoise(double noiseShare)
-{
-    constexpr double mostly = 0.5;
-    return noiseShare > mostly;
-}
-
-std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double noiseShare)
+std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit)
 {
     // A likelihood ratio of 7 is no evidence for either model.
     constexpr double close = 2.0;
@@ -155,8 +155,8 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
         result.push_back("The model is flat: it explains " +
                          NumberText::percent(std::max(fit.metrics.r2, 0.0)) + " of the variance.");
     }
-    if (isMostlyNoise(noiseShare)) {
-        result.push_back("Noise dominates: " + NumberText::percent(std::min(noiseShare, 1.0)) +
+    if (isMostlyNoise(fit)) {
+        result.push_back("Noise dominates: " + NumberText::percent(std::min(fit.noiseShare, 1.0)) +
                          " of the variance is taken for noise.");
     }
     if (report.nuggetBound == KrigingReport::Bound::Upper) {
@@ -166,7 +166,7 @@ std::vector<std::string> KrigingTexts::verdicts(const KrigingFit& fit, double no
                          "correlation.");
     }
     // For noise, or uncorrelated cases, all lengths are equally likely.
-    const bool isAModel = !isMostlyNoise(noiseShare) && fit.metrics.q2 > 0.0;
+    const bool isAModel = !isMostlyNoise(fit) && fit.metrics.q2 > 0.0;
     if (isAModel && report.logLikelihood - report.secondLogLikelihood < close) {
         result.push_back(otherLengthsText(report));
     }

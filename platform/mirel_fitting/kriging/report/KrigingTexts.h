@@ -20,12 +20,6 @@ public:
     /** A line per figure, then the warnings. */
     static std::string quality(const KrigingFit& fit);
 
-    /** Whether this fraction of the output's variance is more than half of it. */
-    static bool isMostlyNoise(double noiseShare);
-
-    /**
-     * What the result of a fit is worth: warnings that name no input, one sentence each.
-     * @param noiseShare fraction of the output's variance that the model attributes to noise.
-     */
-    static std::vector<std::string> verdicts(const KrigingFit& fit, double noiseShare);
+    /** What the result of a fit is worth: warnings that name no input, one sentence each. */
+    static std::vector<std::string> verdicts(const KrigingFit& fit);
 };

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace {
 
@@ -29,6 +27,7 @@ KrigingFit soundFit()
     fit.report.processVariance = 4.0;
     fit.report.nugget = 0.01;
     fit.report.condition = 12345.0;
+    fit.noiseShare = 0.02;
     return fit;
 }
 
@@ -94,7 +93,7 @@ TEST(KrigingTexts, LeavesOutWhatDoesNotExist)
 
 TEST(KrigingTexts, HasNothingToSayAboutASoundFit)
 {
-    EXPECT_EQ(KrigingTexts::verdicts(soundFit(), 0.02), Sentences());
+    EXPECT_EQ(KrigingTexts::verdicts(soundFit()), Sentences());
 }
 
 TEST(KrigingTexts, SaysWhichLengthsAreAtABound)
@@ -161,11 +160,11 @@ TEST(KrigingTexts, SaysWhatIsWrongWithAModel)
         {[](KrigingFit& fit) { fit.report.secondLogLikelihood = -14.6; }, 0.0, ""}};
     for (const auto& row : rows) {
         KrigingFit fit = soundFit();
+        fit.noiseShare = row.noiseShare;
         row.change(fit);
         const std::string verdict = row.verdict;
 
-        EXPECT_EQ(KrigingTexts::verdicts(fit, row.noiseShare),
-                  verdict.empty() ? Sentences() : Sentences{verdict});
+        EXPECT_EQ(KrigingTexts::verdicts(fit), verdict.empty() ? Sentences() : Sentences{verdict});
     }
 }
 
@@ -173,7 +172,7 @@ TEST(KrigingTexts, TakesShortLengthsOfNoiseForNoChanges)
 {
     KrigingFit fit = soundFit();
     fit.report.lengthBounds = {Bound::Lower, Bound::None, Bound::None};
-    fit.isMostlyNoise = KrigingTexts::isMostlyNoise(0.9);
+    fit.noiseShare = 0.9;
 
     EXPECT_TRUE(KrigingTexts::warnings(fit).empty());
 }
@@ -183,7 +182,8 @@ TEST(KrigingTexts, IsSilentAboutOtherLengthsWhereNoneMakesAModel)
     KrigingFit fit = soundFit();
     fit.report.secondLogLikelihood = -12.5;
     const auto isSaid = [&](double noiseShare) {
-        const Sentences sentences = KrigingTexts::verdicts(fit, noiseShare);
+        fit.noiseShare = noiseShare;
+        const Sentences sentences = KrigingTexts::verdicts(fit);
         return std::any_of(sentences.begin(), sentences.end(), [](const std::string& sentence) {
             return sentence.find("Other correlation lengths") != std::string::npos;
         });
@@ -206,7 +206,7 @@ TEST(KrigingTexts, SaysWhenTheNuggetIsAtItsUpperBound)
     EXPECT_NE(KrigingTexts::quality(fit).find(
                   "Nugget (relative to the process variance): 100 (at its upper bound)\n"),
               std::string::npos);
-    EXPECT_EQ(KrigingTexts::verdicts(fit, 0.0),
+    EXPECT_EQ(KrigingTexts::verdicts(fit),
               Sentences{"The nugget is at its upper bound, 100 times the process variance: beyond "
                         "the trend the cases show no correlation."});
 }
