@@ -28,6 +28,13 @@ std::string outputName(std::size_t offset)
                 ".");
 }
 
+/** Position of the first NaN or infinity, `count` if there is none. */
+std::size_t findNotFinite(const double* values, std::size_t count)
+{
+    const auto isNotFinite = [](double value) { return !std::isfinite(value); };
+    return static_cast<std::size_t>(std::find_if(values, values + count, isNotFinite) - values);
+}
+
 } // namespace
 
 ArgumentCheck::ArgumentCheck(const std::vector<double*>& independentColumns,
@@ -107,29 +114,4 @@ void ArgumentCheck::requireEvaluation(const std::vector<double*>& inputs,
                         " has no room for its values.");
         }
     }
-}
-
-std::size_t ArgumentCheck::findNotFinite(const double* values, std::size_t count)
-{
-    // 0 * x is 0 for a finite x, else NaN: the sum tests a block without branches.
-    constexpr std::size_t valuesPerBlock = 1024;
-    for (std::size_t start = 0; start < count; start += valuesPerBlock) {
-        const std::size_t end = std::min(start + valuesPerBlock, count);
-        double zero[2] = {0.0, 0.0};
-        std::size_t k = start;
-        for (; k + 1 < end; k += 2) {
-            zero[0] += 0.0 * values[k];
-            zero[1] += 0.0 * values[k + 1];
-        }
-        if (k < end) {
-            zero[0] += 0.0 * values[k];
-        }
-        if (zero[0] + zero[1] == 0.0) {
-            continue;
-        }
-        return static_cast<std::size_t>(
-            std::find_if(values + start, values + end, [](double v) { return !std::isfinite(v); }) -
-            values);
-    }
-    return count;
 }

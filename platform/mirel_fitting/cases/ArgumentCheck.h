@@ -47,9 +47,6 @@ public:
         requireEvaluation(inputs, {}, {}, count);
     }
 
-    /** Position of the first NaN or infinity, `count` if there is none. */
-    static std::size_t findNotFinite(const double* values, std::size_t count);
-
 private:
     std::size_t inputCount;
     std::size_t caseCount;
