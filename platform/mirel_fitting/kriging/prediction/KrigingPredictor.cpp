@@ -1,5 +1,6 @@
 #include <mirel_fitting/kriging/prediction/KrigingPredictor.h>
 
+#include <mirel_fitting/ColumnPointers.h>
 #include <mirel_fitting/ThreadCount.h>
 #include <mirel_fitting/kriging/prediction/KrigingVariance.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
@@ -228,31 +229,26 @@ void KrigingPredictor::neighbourErrors(const std::vector<double*>& columns, std:
 void KrigingPredictor::raiseOutside(const std::vector<double*>& columns, std::size_t count,
                                     bool ofObservation, double* result) const
 {
-    constexpr std::size_t maxCollected = 64 * blockSize; // bounds the memory
-
     std::vector<std::size_t> outside;
     for (std::size_t i = 0; i < count; ++i) {
         if (isOutside(columns, i)) {
             outside.push_back(i);
         }
-        if (outside.empty() || (outside.size() < maxCollected && i + 1 < count)) {
-            continue;
+    }
+    if (outside.empty()) {
+        return; // without factorising the subset's matrix
+    }
+    std::vector<std::vector<double>> values(columns.size());
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        for (const std::size_t index : outside) {
+            values[k].push_back(columns[k][index]);
         }
-        std::vector<std::vector<double>> values(columns.size());
-        std::vector<double*> points;
-        for (std::size_t k = 0; k < columns.size(); ++k) {
-            for (const std::size_t index : outside) {
-                values[k].push_back(columns[k][index]);
-            }
-            points.push_back(values[k].data());
-        }
-        std::vector<double> errors(outside.size());
-        exactErrors(points, errors.size(), ofObservation, errors.data());
-        for (std::size_t j = 0; j < errors.size(); ++j) {
-            // std::max(NaN, x) is NaN.
-            result[outside[j]] = std::max(result[outside[j]], errors[j]);
-        }
-        outside.clear();
+    }
+    std::vector<double> errors(outside.size());
+    exactErrors(pointersTo(values), errors.size(), ofObservation, errors.data());
+    for (std::size_t j = 0; j < errors.size(); ++j) {
+        // std::max(NaN, x) is NaN.
+        result[outside[j]] = std::max(result[outside[j]], errors[j]);
     }
 }
 
