@@ -97,10 +97,7 @@ void CaseRanges::clamp(std::size_t input, const double* values, std::size_t coun
 {
     for (std::size_t i = 0; i < count; ++i) {
         // A NaN is kept: no comparison with it is true.
-        const double value = values[i];
-        clamped[i] = value < minima[input]   ? minima[input]
-                     : value > maxima[input] ? maxima[input]
-                                             : value;
+        clamped[i] = std::clamp(values[i], minima[input], maxima[input]);
     }
 }
 

@@ -1,22 +1,8 @@
 #include <mirel_fitting/cases/ColumnScale.h>
 
-#include <mirel_fitting/machine/SimdLanes.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-namespace {
-
-SURROGATE_SIMD void scaleValues(const double* values, std::size_t count, double centre,
-                                double perUnit, double* scaled)
-{
-    for (std::size_t k = 0; k < count; ++k) {
-        scaled[k] = (values[k] - centre) * perUnit;
-    }
-}
-
-} // namespace
 
 ColumnScale::ColumnScale(const double* values, std::size_t count)
 {
@@ -57,5 +43,8 @@ double ColumnScale::rounding() const
 
 void ColumnScale::apply(const double* values, std::size_t count, double* scaled) const
 {
-    scaleValues(values, count, middle, 1.0 / scale, scaled);
+    std::transform(values, values + count, scaled,
+                   [origin = middle, perUnit = 1.0 / scale](double value) {
+                       return (value - origin) * perUnit;
+                   });
 }

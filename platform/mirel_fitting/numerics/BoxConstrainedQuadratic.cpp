@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/FitProgress.h>
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
+#include <mirel_fitting/numerics/Picked.h>
 
 #include <lapacke.h>
 
@@ -90,11 +91,7 @@ bool BoxConstrainedQuadratic::guess(const std::vector<double>& lowest,
             }
         }
         std::vector<double> rest = slopeAt(point);
-        std::vector<double> solution;
-        solution.reserve(unknowns.size());
-        for (const std::size_t i : unknowns) {
-            solution.push_back(rest[i]);
-        }
+        std::vector<double> solution = picked(rest, unknowns);
         if (!solve(unknowns, solution)) {
             return false;
         }

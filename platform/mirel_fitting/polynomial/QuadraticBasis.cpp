@@ -1,23 +1,10 @@
 #include <mirel_fitting/polynomial/QuadraticBasis.h>
 
-#include <mirel_fitting/machine/SimdLanes.h>
-
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <stdexcept>
-
-namespace {
-
-SURROGATE_SIMD void multiply(const double* first, const double* second, std::size_t count,
-                             double* values)
-{
-    for (std::size_t k = 0; k < count; ++k) {
-        values[k] = first[k] * second[k];
-    }
-}
-
-} // namespace
 
 QuadraticBasis::QuadraticBasis(std::size_t inputs, int order) : inputCount(inputs), highest(order)
 {
@@ -119,8 +106,7 @@ void QuadraticBasis::evaluateTerm(std::size_t term, const double* const* columns
         std::copy_n(first, count, values);
         return;
     }
-    const double* second = columns[inputsOfTerm.second];
-    multiply(first, second, count, values);
+    std::transform(first, first + count, columns[inputsOfTerm.second], values, std::multiplies<>());
 }
 
 void QuadraticBasis::evaluate(const double* const* columns, std::size_t count, double* values,

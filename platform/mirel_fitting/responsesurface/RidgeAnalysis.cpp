@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 #include <utility>
 
 RidgeAnalysis::RidgeAnalysis(std::vector<double> eigenvalues, std::vector<double> slopes)
@@ -27,11 +28,8 @@ std::vector<double> RidgeAnalysis::pointAt(double gap) const
 
 double RidgeAnalysis::lengthAt(double gap) const
 {
-    double squares = 0.0;
-    for (const double coordinate : pointAt(gap)) {
-        squares += coordinate * coordinate;
-    }
-    return std::sqrt(squares);
+    const std::vector<double> point = pointAt(gap);
+    return std::sqrt(std::inner_product(point.begin(), point.end(), point.begin(), 0.0));
 }
 
 std::vector<double> RidgeAnalysis::largest(double length) const
@@ -45,10 +43,7 @@ std::vector<double> RidgeAnalysis::largest(double length) const
         point[top] += std::sqrt(length * length - reached * reached);
         return point;
     }
-    double squares = 0.0;
-    for (const double slope : slopes) {
-        squares += slope * slope;
-    }
+    const double squares = std::inner_product(slopes.begin(), slopes.end(), slopes.begin(), 0.0);
     // No term has a larger denominator at the gap where all of them together have the length.
     double low = 0.0;
     double high = std::sqrt(squares) / (2.0 * length);

@@ -3,6 +3,7 @@
 #include <mirel_fitting/kriging/grid/AxisGroupRows.h>
 #include <mirel_fitting/machine/AlignedBuffer.h>
 #include <mirel_fitting/machine/OrderedChunks.h>
+#include <mirel_fitting/numerics/Picked.h>
 
 #include <algorithm>
 #include <limits>
@@ -29,14 +30,10 @@ FittedKriging sortedAlong(const ProductGrid::Axis& axis, FittedKriging model)
         return coordinates[a] != coordinates[b] ? coordinates[a] < coordinates[b] : a < b;
     });
 
-    FittedKriging sorted = std::move(model);
-    const std::vector<double> weights = sorted.weights;
-    for (std::size_t j = 0; j < order.size(); ++j) {
-        sorted.weights[j] = weights[order[j]];
-    }
-    sorted.correlation =
-        std::make_shared<const MaternCorrelation>(sorted.correlation->reordered(order));
-    return sorted;
+    model.weights = picked(model.weights, order);
+    model.correlation =
+        std::make_shared<const MaternCorrelation>(model.correlation->reordered(order));
+    return model;
 }
 
 } // namespace
@@ -202,21 +199,13 @@ void GridSums::prepareSums()
     std::stable_sort(positions.begin(), positions.end(),
                      [&](std::size_t a, std::size_t b) { return coordinates[a] < coordinates[b]; });
 
-    const auto inOrder = [this](const std::vector<double>& onAxis) {
-        std::vector<double> result;
-        result.reserve(positions.size());
-        for (const std::size_t v : positions) {
-            result.push_back(onAxis[v]);
-        }
-        return result;
-    };
     AxisSums::Axis summed;
     const double* cases = correlation.scaledCases(input);
     summed.cases.assign(cases, cases + correlation.cases());
-    summed.values = inOrder(coordinates);
-    summed.offsets = inOrder(separated.fast.trend[1].along(axis.size));
+    summed.values = picked(coordinates, positions);
+    summed.offsets = picked(separated.fast.trend[1].along(axis.size), positions);
     if (separated.fast.trend.size() > 2) {
-        summed.slopes = inOrder(separated.fast.trend[2].along(axis.size));
+        summed.slopes = picked(separated.fast.trend[2].along(axis.size), positions);
     }
     sums = std::make_unique<AxisSums>(std::move(summed));
 

@@ -15,22 +15,16 @@ namespace {
 
 using Result = LargeKriging::Result;
 
-std::vector<std::size_t> casesOutside(const std::vector<std::size_t>& subset, std::size_t cases)
+std::vector<std::size_t> randomCasesOutside(const std::vector<std::size_t>& subset,
+                                            std::size_t cases, std::size_t count)
 {
     std::vector<std::size_t> all(cases);
     std::iota(all.begin(), all.end(), std::size_t{0});
     std::vector<std::size_t> outside;
     std::set_difference(all.begin(), all.end(), subset.begin(), subset.end(),
                         std::back_inserter(outside));
-    return outside;
+    return picked(outside, randomSubset(outside.size(), count));
 }
-
-std::vector<std::size_t> randomCasesOutside(const std::vector<std::size_t>& subset,
-                                            std::size_t cases, std::size_t count)
-{
-    return picked(casesOutside(subset, cases), randomSubset(cases - subset.size(), count));
-}
-
 /** The exact model of the subset, with the nugget of the fewer cases of the search or the least
  *  one, whichever predicts the measured cases better. */
 void fitSubset(Result& result, SubsetKriging& kriging, const KrigingSearchSettings& settings,
