@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-#include <set>
-#include <string>
-
 using namespace wavetest;
 
 namespace {

@@ -5,7 +5,6 @@
 #include <mirel_fitting/kriging/report/KrigingFit.h>
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 

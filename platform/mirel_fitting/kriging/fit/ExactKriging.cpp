@@ -5,7 +5,6 @@
 #include <mirel_fitting/numerics/Picked.h>
 
 #include <utility>
-#include <vector>
 
 namespace {
 

@@ -6,8 +6,6 @@
 #include <mirel_fitting/kriging/search/KrigingSearchSettings.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 /**
  * Trend, correlation lengths and nugget by the criterion of KrigingObjective, for cases that one

@@ -11,7 +11,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <vector>
 
 /** The arguments of a fit of one output, borrowed for life, and what every way of fitting takes

@@ -2,7 +2,6 @@
 
 #include <mirel_fitting/kriging/report/KrigingWarnings.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <numeric>
