@@ -5,11 +5,11 @@
 #include "session/cases/LayoutRecognition.h"
 #include "session/files/ByteSource.h"
 #include "session/files/TextEncoding.h"
+#include "session/text/AsciiText.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/SettingHint.h"
 
-#include <cctype>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -66,7 +66,7 @@ const OtherFile otherTables[] = {
      "is a Tecplot file, no plain table; save it as CSV, or keep the rows of one zone "
      "and write the names of its variables in one line above them."}};
 
-/** Whether a line begins so, whatever its case and blanks. */
+/** Whether a line begins so, whatever its blanks. */
 bool hasLine(std::string_view text, std::string_view beginning)
 {
     std::size_t matched = 0; // npos: the line begins in another way
@@ -74,15 +74,22 @@ bool hasLine(std::string_view text, std::string_view beginning)
         if (character == '\n' || character == '\r') {
             matched = 0;
         } else if (matched != std::string_view::npos && character != ' ' && character != '\t') {
-            const char lower =
-                static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-            matched = lower == beginning[matched] ? matched + 1 : std::string_view::npos;
+            matched = character == beginning[matched] ? matched + 1 : std::string_view::npos;
         }
         if (matched == beginning.size()) {
             return true;
         }
     }
     return false;
+}
+
+bool isJson(std::string_view text)
+{
+    std::string beginning; // two characters besides blanks
+    for (std::size_t i = 0; i < text.size() && beginning.size() < 2; ++i) {
+        beginning += isOneOf(text.substr(i, 1), {" ", "\r", "\n", "\t"}) ? "" : text.substr(i, 1);
+    }
+    return isOneOf(beginning, {"{\"", "{}", "[{", "[["});
 }
 
 /** One attempt to read a file as text of an encoding. */
@@ -120,27 +127,20 @@ void Reading::readSample()
     source.rewind();
     sample.resize(sampleSize);
     sample.resize(source.read(sample.data(), sample.size()));
-    for (const OtherFile& other : otherFiles) {
-        if (sample.compare(0, other.beginning.size(), other.beginning) == 0) {
-            throw CaseDataError('"' + table.path + "\" " + other.sentence);
+    const std::string lowerSample = lowerCaseText(sample);
+    const auto refuseIf = [&](bool isOther, const char* sentence) {
+        if (isOther) {
+            throw CaseDataError('"' + table.path + "\" " + sentence);
         }
+    };
+    for (const OtherFile& other : otherFiles) {
+        refuseIf(beginsWith(sample, other.beginning), other.sentence);
     }
     for (const OtherFile& other : otherTables) {
-        if (hasLine(sample, other.beginning)) {
-            throw CaseDataError('"' + table.path + "\" " + other.sentence);
-        }
+        refuseIf(hasLine(lowerSample, other.beginning), other.sentence);
     }
-    const std::size_t first = sample.find_first_not_of(" \r\n\t");
-    const std::size_t second = sample.find_first_not_of(" \r\n\t", first + 1);
-    const bool isJson =
-        first < sample.size() && second < sample.size() &&
-        ((sample[first] == '{' && (sample[second] == '"' || sample[second] == '}')) ||
-         (sample[first] == '[' && (sample[second] == '{' || sample[second] == '[')));
-    if (isJson) {
-        throw CaseDataError('"' + table.path +
-                            "\" is JSON, no table of text; save it as CSV, in Python with "
-                            "pandas.read_json(FILE).to_csv(\"cases.csv\", index=False).");
-    }
+    refuseIf(isJson(sample), "is JSON, no table of text; save it as CSV, in Python with "
+                             "pandas.read_json(FILE).to_csv(\"cases.csv\", index=False).");
 }
 
 TextDecoder Reading::decoder()

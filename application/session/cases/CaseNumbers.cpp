@@ -1,7 +1,7 @@
 #include "session/cases/CaseNumbers.h"
 
+#include "session/text/AsciiText.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/TrimmedText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -53,10 +53,7 @@ std::vector<std::size_t> positionsIn(std::vector<Range> ranges)
 std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t cases)
 {
     std::vector<Range> ranges;
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find(',', begin), text.size());
-        const std::string_view item =
-            trimmedText(std::string_view(text).substr(begin, end - begin));
+    for (const std::string_view item : partsBetweenCommas(text)) {
         const std::size_t dash = std::min(item.find('-'), item.size());
         const std::size_t first = readNumber(item.substr(0, dash), item, cases);
         const std::size_t last =
@@ -65,7 +62,6 @@ std::vector<std::size_t> readCaseNumbers(const std::string& text, std::size_t ca
             refuse(item);
         }
         ranges.emplace_back(first, last);
-        begin = end + 1;
     }
     return positionsIn(std::move(ranges));
 }

@@ -6,6 +6,19 @@
 
 #include <algorithm>
 
+void CellsWithoutNumber::add(std::string_view text, std::size_t line)
+{
+    firstLine = count++ == 0 ? line : firstLine;
+    if (hasMoreSpellings ||
+        std::find(spellings.begin(), spellings.end(), text) != spellings.end()) {
+        return;
+    }
+    hasMoreSpellings = spellings.size() == keptSpellings;
+    if (!hasMoreSpellings) {
+        spellings.emplace_back(text);
+    }
+}
+
 std::string CellsWithoutNumber::whichText() const
 {
     std::vector<std::string> quoted;

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct CellsWithoutNumber
     bool hasMoreSpellings = false;
     /** The line of the first one. */
     std::size_t firstLine = 0;
+
+    void add(std::string_view text, std::size_t line);
 
     /** `"failed", first in line 17`. */
     SURROGATE_SESSION_EXPORT std::string whichText() const;

@@ -1,16 +1,17 @@
 #include "session/cases/ColumnBuilder.h"
 
+#include "session/text/AsciiText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/text/SettingHint.h"
-#include "session/text/TrimmedText.h"
+#include "session/text/UnitText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 #include <mirel_property/Utf8.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
+#include <limits>
+#include <optional>
 #include <unordered_map>
 
 namespace {
@@ -33,6 +34,48 @@ std::string nameIn(std::string_view text)
         }
     }
     return (isGuarded ? "\t" : "") + std::string(trimmedText(name));
+}
+
+/** The names of columns that are separated by several blanks: "oil temp  load", where so many are
+ *  there as there are columns; else each word. */
+std::vector<std::string_view> namesOfWords(const std::vector<std::string_view>& words,
+                                           const CaseFileLayout& layout)
+{
+    if (layout.separator != CaseFileLayout::blanks || words.size() <= layout.columns) {
+        return words;
+    }
+    std::vector<std::string_view> names;
+    for (const std::string_view word : words) {
+        const bool follows =
+            !names.empty() && names.back().data() + names.back().size() + 1 == word.data();
+        if (follows) {
+            names.back() = {names.back().data(), names.back().size() + 1 + word.size()};
+        } else {
+            names.push_back(word);
+        }
+    }
+    return names.size() == layout.columns ? names : words;
+}
+
+/** 1 or 0 for the words of a truth value, as spreadsheets in several languages write them. */
+std::optional<double> truthValue(std::string_view text)
+{
+    const std::string word = lowerCaseText(text);
+    const bool isTrue = isOneOf(word, {"true", "yes", "on", "wahr", "ja", "vrai"});
+    const bool isFalse = isOneOf(word, {"false", "no", "off", "falsch", "nein", "faux"});
+    return isTrue || isFalse ? std::make_optional(isTrue ? 1.0 : 0.0) : std::nullopt;
+}
+
+void addTo(MissingSpellings& spellings, std::string_view text)
+{
+    constexpr std::size_t maxSpellings = 4;
+    const auto known = std::find_if(spellings.begin(), spellings.end(),
+                                    [&](const auto& spelling) { return spelling.first == text; });
+    if (known != spellings.end()) {
+        ++known->second;
+    } else if (spellings.size() < maxSpellings) {
+        spellings.emplace_back(text, 1);
+    }
 }
 } // namespace
 
@@ -128,8 +171,7 @@ bool ColumnBuilder::isOtherHeading(const std::vector<std::string_view>& cells) c
 {
     constexpr std::size_t minCases = 4; // Units may stand below a second heading.
     if (keepCells || table.cases < minCases || cells.size() != table.columns.size() ||
-        cells.empty() || cells.back().empty() ||
-        std::string_view("0123456789+-.").find(cells.back().front()) < 13) {
+        cells.empty() || cells.back().empty() || beginsAsNumber(cells.back())) {
         return false;
     }
     std::size_t texts = 0;
@@ -181,6 +223,37 @@ void ColumnBuilder::endCases()
     table.layout.linesBelow = rowsBelow.filledRows();
 }
 
+void ColumnBuilder::takeCell(CaseColumn& column, State& state, std::string_view text,
+                             std::size_t line)
+{
+    const CellValue value = reader.read(text);
+    if (value.kind == CellValue::Number) {
+        state.firstNumberLine = state.numbers++ == 0 ? line : state.firstNumberLine;
+        takeMark(state, value, line);
+    } else if (value.kind == CellValue::Text) {
+        takeText(column, state, text, line);
+    } else {
+        addTo(column.missing, text);
+    }
+    takeValue(column, value, text);
+    if (keepCells) {
+        column.cells.append(text);
+    }
+}
+
+void ColumnBuilder::takeCellAgain(std::size_t column, std::string_view text)
+{
+    CellValue value = reader.read(text);
+    if (value.kind == CellValue::Text && states[column].isTruth) {
+        value.kind = CellValue::Number;
+        value.number = *truthValue(text);
+    } else if (value.kind == CellValue::Text && !states[column].unit.empty()) {
+        const auto [number, unit] = numberAndUnit(text);
+        value = unit == states[column].unit ? reader.read(number) : value;
+    }
+    takeValue(table.columns[column], value, text);
+}
+
 void ColumnBuilder::takeText(CaseColumn& column, State& state, std::string_view text,
                              std::size_t line)
 {
@@ -189,7 +262,7 @@ void ColumnBuilder::takeText(CaseColumn& column, State& state, std::string_view 
         exchangeKind(column); // likely a column of texts
         column.texts.resize(keepCells ? 0 : table.cases);
     }
-    addTo(column.withoutNumber, text, line);
+    column.withoutNumber.add(text, line);
     const auto [number, unit] = numberAndUnit(text);
     const bool isSameUnit = !unit.empty() && (state.unit.empty() || unit == state.unit);
     const CellValue value = isSameUnit ? reader.read(number) : CellValue();
@@ -198,35 +271,7 @@ void ColumnBuilder::takeText(CaseColumn& column, State& state, std::string_view 
         ++state.withUnit;
         takeMark(state, value, line);
     } else {
-        addTo(state.otherTexts, text, line);
-    }
-}
-
-void ColumnBuilder::addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line)
-{
-    ++cells.count;
-    cells.firstLine = cells.count == 1 ? line : cells.firstLine;
-    if (!cells.hasMoreSpellings &&
-        std::find(cells.spellings.begin(), cells.spellings.end(), text) == cells.spellings.end()) {
-        if (cells.spellings.size() < CellsWithoutNumber::keptSpellings) {
-            cells.spellings.emplace_back(text);
-        } else {
-            cells.hasMoreSpellings = true;
-        }
-    }
-}
-
-void ColumnBuilder::addTo(MissingSpellings& spellings, std::string_view text)
-{
-    constexpr std::size_t maxSpellings = 4;
-    for (auto& [spelling, count] : spellings) {
-        if (spelling == text) {
-            ++count;
-            return;
-        }
-    }
-    if (spellings.size() < maxSpellings) {
-        spellings.emplace_back(text, 1);
+        state.otherTexts.add(text, line);
     }
 }
 
@@ -311,49 +356,10 @@ std::vector<std::size_t> ColumnBuilder::decideKinds()
     return exchanged;
 }
 
-/** The names of columns that are separated by several blanks: "oil temp  load", where so many are
- *  there as there are columns; else each word. */
-std::vector<std::string_view>
-ColumnBuilder::namesOfWords(const std::vector<std::string_view>& words) const
-{
-    const CaseFileLayout& layout = table.layout;
-    if (layout.separator != CaseFileLayout::blanks || words.size() <= layout.columns) {
-        return words;
-    }
-    std::vector<std::string_view> names;
-    for (const std::string_view word : words) {
-        const bool follows =
-            !names.empty() && names.back().data() + names.back().size() + 1 == word.data();
-        if (follows) {
-            names.back() = {names.back().data(), names.back().size() + 1 + word.size()};
-        } else {
-            names.push_back(word);
-        }
-    }
-    return names.size() == layout.columns ? names : words;
-}
-
-/** 1 or 0 for the words of a truth value, as spreadsheets in several languages write them. */
-std::optional<double> ColumnBuilder::truthValue(std::string_view text)
-{
-    static constexpr std::array<std::string_view, 6> yes = {"true", "yes", "on",
-                                                            "wahr", "ja",  "vrai"};
-    static constexpr std::array<std::string_view, 6> no = {"false",  "no",   "off",
-                                                           "falsch", "nein", "faux"};
-    std::string word(text);
-    std::transform(word.begin(), word.end(), word.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    if (std::find(yes.begin(), yes.end(), word) != yes.end()) {
-        return 1.0;
-    }
-    return std::find(no.begin(), no.end(), word) != no.end() ? std::make_optional(0.0)
-                                                             : std::nullopt;
-}
-
 void ColumnBuilder::takeHeading(const std::vector<std::string_view>& words, std::size_t line)
 {
     CaseFileLayout& layout = table.layout;
-    const std::vector<std::string_view> names = namesOfWords(words);
+    const std::vector<std::string_view> names = namesOfWords(words, layout);
     headingCells.assign(names.begin(), names.end());
     if (layout.hasRowNames) {
         CaseColumn& column = table.columns.emplace_back();

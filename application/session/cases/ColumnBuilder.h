@@ -3,12 +3,10 @@
 #include <session/cases/CaseTable.h>
 #include <session/cases/CellReader.h>
 #include <session/cases/RowsBelowTable.h>
-#include <session/text/UnitText.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -98,18 +96,7 @@ public:
     std::vector<std::size_t> decideKinds();
 
     /** Reads a cell of such a column again. */
-    void takeCellAgain(std::size_t column, std::string_view text)
-    {
-        CellValue value = reader.read(text);
-        if (value.kind == CellValue::Text && states[column].isTruth) {
-            value.kind = CellValue::Number;
-            value.number = *truthValue(text);
-        } else if (value.kind == CellValue::Text && !states[column].unit.empty()) {
-            const auto [number, unit] = numberAndUnit(text);
-            value = unit == states[column].unit ? reader.read(number) : value;
-        }
-        takeValue(table.columns[column], value, text);
-    }
+    void takeCellAgain(std::size_t column, std::string_view text);
 
     /** Refuses cells that are no numbers if the user wants it so. */
     void checkNumbers() const;
@@ -154,30 +141,13 @@ private:
 
     void checkText(std::string_view text, std::size_t line) const;
 
-    static std::optional<double> truthValue(std::string_view text);
-    std::vector<std::string_view> namesOfWords(const std::vector<std::string_view>& words) const;
     void numberRepeatedNames(std::size_t line);
 
     RowsBelowTable::FirstColumn firstColumn() const;
     bool isOtherHeading(const std::vector<std::string_view>& cells) const;
     void takeHeldBack();
 
-    void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line)
-    {
-        const CellValue value = reader.read(text);
-        if (value.kind == CellValue::Number) {
-            state.firstNumberLine = state.numbers++ == 0 ? line : state.firstNumberLine;
-            takeMark(state, value, line);
-        } else if (value.kind == CellValue::Text) {
-            takeText(column, state, text, line);
-        } else {
-            addTo(column.missing, text);
-        }
-        takeValue(column, value, text);
-        if (keepCells) {
-            column.cells.append(text);
-        }
-    }
+    void takeCell(CaseColumn& column, State& state, std::string_view text, std::size_t line);
 
     void takeValue(CaseColumn& column, const CellValue& value, std::string_view text)
     {
@@ -200,8 +170,6 @@ private:
     }
 
     void takeText(CaseColumn& column, State& state, std::string_view text, std::size_t line);
-    static void addTo(CellsWithoutNumber& cells, std::string_view text, std::size_t line);
-    static void addTo(MissingSpellings& spellings, std::string_view text);
     void exchangeKind(CaseColumn& column);
     void takeUnit(CaseColumn& column, const State& state);
 

@@ -4,7 +4,7 @@
 #include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SettingHint.h"
-#include "session/text/TrimmedText.h"
+#include "session/text/AsciiText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 

@@ -1,5 +1,6 @@
 #include "session/cases/CsvSplitter.h"
 
+#include "session/text/AsciiText.h"
 #include "session/text/CellValue.h"
 
 #include <algorithm>
@@ -7,8 +8,6 @@
 #include <utility>
 
 namespace {
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 std::string_view textBetween(const char* first, const char* last)
 {
     return {first, static_cast<std::size_t>(last - first)};
@@ -50,7 +49,7 @@ std::size_t lineEndsIn(std::string_view text)
 CsvSplitter::CsvSplitter(Read reader, const CaseFileLayout& layout, std::size_t bufferSize)
     : read(std::move(reader)), separator(layout.separator), commentMarks(layout.commentMarks),
       beginsWithHeading(layout.isHeadingComment), unread(layout.tableBegin),
-      buffer(std::max(bufferSize, byteOrderMark.size()) + 1), recordLine(layout.tableLine),
+      buffer(std::max(bufferSize, utf8ByteOrderMark.size()) + 1), recordLine(layout.tableLine),
       nextLine(layout.tableLine)
 {
     for (const char character : {separator, '\n', '\r'}) {
@@ -100,8 +99,9 @@ const char* CsvSplitter::splitRecord()
     lineEndsInCells = 0;
 
     const char* at = skipBlanks(buffer.data() + begin);
-    if (textBetween(at, bytesEnd()).substr(0, byteOrderMark.size()) == byteOrderMark) {
-        at = skipBlanks(at + byteOrderMark.size()); // of a file that another one was appended to
+    // At the beginning, and further down in a file that another one was appended to.
+    while (beginsWith(textBetween(at, bytesEnd()), utf8ByteOrderMark)) {
+        at = skipBlanks(at + utf8ByteOrderMark.size());
     }
     isCommentLine =
         !beginsWithHeading && beginsComment[static_cast<unsigned char>(*at)] && isComment(at);
@@ -140,7 +140,7 @@ bool CsvSplitter::isComment(const char* at) const
     const std::string_view line = textBetween(at, bytesEnd());
     const bool hasMark =
         std::any_of(commentMarks.begin(), commentMarks.end(),
-                    [&](const std::string& mark) { return line.substr(0, mark.size()) == mark; });
+                    [&](const std::string& mark) { return beginsWith(line, mark); });
     return (hasMark && !CellValue::beginsWithError(line)) || isRule(line);
 }
 
@@ -245,7 +245,6 @@ void CsvSplitter::refill()
     }
     begin = 0;
     end = rest;
-    const bool isFirst = bytesRead == 0 && unread == 0;
     skipUnread();
     while (!isInputRead && end + 1 < buffer.size()) {
         const std::size_t count = read(buffer.data() + end, buffer.size() - end - 1);
@@ -254,10 +253,6 @@ void CsvSplitter::refill()
         bytesRead += count;
     }
     buffer[end] = '\n';
-    if (isFirst &&
-        std::string_view(buffer.data(), end).substr(0, byteOrderMark.size()) == byteOrderMark) {
-        begin = byteOrderMark.size();
-    }
 }
 
 /** Reads what comes before the table. */

@@ -1,28 +1,19 @@
 #include "session/cases/RowsBelowTable.h"
 
+#include "session/text/AsciiText.h"
+
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <iterator>
 #include <utility>
 
 namespace {
 /** More are no remarks. */
 constexpr std::size_t maxFilledRows = 20;
-
-bool beginsAsNumber(std::string_view cell)
-{
-    return !cell.empty() && std::string_view("0123456789+-.").find(cell.front()) < 13;
-}
 } // namespace
 
 bool RowsBelowTable::namesFigures(std::string_view firstCell)
 {
-    if (firstCell.empty() || (static_cast<unsigned char>(firstCell.front()) < 0x80 &&
-                              std::isalpha(static_cast<unsigned char>(firstCell.front())) == 0)) {
-        return false;
-    }
-    constexpr std::array<std::string_view, 43> words = {
+    static const WordList words = {
         "total",   "totals",   "grand",      "totale",     "gesamt",  "sum",      "sums",
         "summe",   "somme",    "soma",       "suma",       "average", "averages", "avg",
         "mean",    "means",    "mittel",     "mittelwert", "moyenne", "moy",      "media",
@@ -30,11 +21,8 @@ bool RowsBelowTable::namesFigures(std::string_view firstCell)
         "std",     "stdev",    "stdabw",     "ecart",      u8"écart", u8"Écart",  "median",
         "count",   "sd",       "stddev",     "sem",        "cv",      "cv%",      "rsd",
         "variance"};
-    std::string word(firstCell);
-    std::transform(word.begin(), word.end(), word.begin(),
-                   [](unsigned char letter) { return std::tolower(letter); });
-    word.resize(std::min(word.find_first_of(" :.-"), word.size()));
-    return std::find(words.begin(), words.end(), word) != words.end();
+    return !beginsAsNumber(firstCell) &&
+           isOneOf(lowerCaseText(firstCell.substr(0, firstCell.find_first_of(" :.-"))), words);
 }
 
 RowsBelowTable::RowsBelowTable(const CellReader& reader, const ReadingOptions& options)

@@ -1,7 +1,7 @@
 #include "session/cases/TableParts.h"
 
+#include "session/text/AsciiText.h"
 #include "session/text/CellValue.h"
-#include "session/text/TrimmedText.h"
 #include "session/text/UnitText.h"
 
 #include <algorithm>

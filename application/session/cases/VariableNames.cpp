@@ -1,9 +1,9 @@
 #include "session/cases/VariableNames.h"
 
+#include "session/text/AsciiText.h"
 #include "session/text/NearestText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/TrimmedText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 
@@ -119,10 +119,8 @@ std::vector<std::size_t> VariableNames::listed(const std::string& text) const
     }
 
     // The message names the first part that is no name by itself.
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find(',', begin), text.size());
-        position(trimmed(text.substr(begin, end - begin)));
-        begin = end + 1;
+    for (const std::string_view part : partsBetweenCommas(text)) {
+        position(std::string(part));
     }
     return reader.found;
 }

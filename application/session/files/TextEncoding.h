@@ -14,6 +14,9 @@ enum class TextEncoding
     Utf16Big
 };
 
+/** What UTF-8 text may begin with. */
+inline constexpr std::string_view utf8ByteOrderMark = "\xEF\xBB\xBF";
+
 /**
  * The encoding of a file whose first bytes are `sample`. A byte-order mark decides; without one,
  * text of which nearly every second byte is 0 is UTF-16, and text that is not well-formed UTF-8 is

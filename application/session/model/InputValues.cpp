@@ -4,7 +4,7 @@
 #include "session/project/ProjectDocument.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/TrimmedText.h"
+#include "session/text/AsciiText.h"
 #include "session/text/WholeNumber.h"
 
 #include <surrogatemodel/SurrogateModelUserDist.h>

@@ -1,9 +1,8 @@
 #include "session/text/CellValue.h"
 
-#include "session/text/TrimmedText.h"
+#include "session/text/AsciiText.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -12,24 +11,18 @@
 #include <system_error>
 
 namespace {
-bool equalsLowerCase(std::string_view text, std::string_view lowerCase)
-{
-    const auto same = [](char left, char right) {
-        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left - 'A' + 'a') : left) == right;
-    };
-    return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(), same);
-}
-
-constexpr std::array<std::string_view, 7> errors = {"#n/a",  "#div/0!", "#value!", "#num!",
-                                                    "#ref!", "#name?",  "#null!"};
+const WordList errors = {"#n/a", "#div/0!", "#value!", "#num!", "#ref!", "#name?", "#null!"};
+constexpr std::size_t longestMissing = 7; // bytes
 
 bool isMissing(std::string_view text)
 {
-    constexpr std::array<std::string_view, 12> words = {
-        "na", "n/a", "n.a.", "nan", "null", "none", "?", "-", "--", ".", u8"\u2013", u8"\u2014"};
-    const auto isWord = [&](std::string_view word) { return equalsLowerCase(text, word); };
-    return std::any_of(words.begin(), words.end(), isWord) ||
-           std::any_of(errors.begin(), errors.end(), isWord);
+    static const WordList words = {"na", "n/a", "n.a.", "nan", "null",     "none",
+                                   "?",  "-",   "--",   ".",   u8"\u2013", u8"\u2014"};
+    if (text.size() > longestMissing) {
+        return false;
+    }
+    const std::string lower = lowerCaseText(text);
+    return isOneOf(lower, words) || isOneOf(lower, errors);
 }
 
 /**
@@ -78,22 +71,21 @@ std::size_t readNumber(std::string_view text, double& number)
     return used;
 }
 
-constexpr std::array<std::string_view, 4> blanks = {" ", u8"\u00A0", u8"\u202F", u8"\u2009"};
-constexpr std::array<std::string_view, 2> apostrophes = {"'", u8"\u2019"};
+/** The length of the one of these texts that `text` begins with; 0 if there is none. */
+std::size_t lengthOfBeginning(std::string_view text, WordList beginnings)
+{
+    const auto* const found =
+        std::find_if(beginnings.begin(), beginnings.end(),
+                     [&](std::string_view beginning) { return beginsWith(text, beginning); });
+    return found == beginnings.end() ? 0 : found->size();
+}
 
 /** How many bytes of `text` at its beginning are the separator; 0 if it is another character. */
 std::size_t separatorLength(std::string_view text, char separator)
 {
-    const auto lengthAmong = [&](const auto& characters) {
-        const auto* const found =
-            std::find_if(characters.begin(), characters.end(), [&](std::string_view character) {
-                return text.substr(0, character.size()) == character;
-            });
-        return found == characters.end() ? std::size_t(0) : found->size();
-    };
-    return separator == ' '    ? lengthAmong(blanks)
-           : separator == '\'' ? lengthAmong(apostrophes)
-                               : lengthAmong(std::array<std::string_view, 1>{{{&separator, 1}}});
+    return separator == ' '    ? lengthOfBeginning(text, {" ", u8"\u00A0", u8"\u202F", u8"\u2009"})
+           : separator == '\'' ? lengthOfBeginning(text, {"'", u8"\u2019"})
+                               : lengthOfBeginning(text, {std::string_view(&separator, 1)});
 }
 
 /** The digits of a number without the separators between its groups of three, and what follows
@@ -146,20 +138,15 @@ bool mayNeedAscii(std::string_view text)
  * without blanks and byte-order marks that are not ASCII at the ends. */
 std::string asciiNumber(std::string_view text)
 {
-    constexpr std::array<std::string_view, 2> minusSigns = {u8"\u2212", u8"\u2013"};
-    constexpr std::array<std::string_view, 3> ignored = {u8"\u00A0", u8"\uFEFF", u8"\u200B"};
     std::string number;
     while (!text.empty()) {
-        const auto isNext = [&](std::string_view sign) {
-            return text.substr(0, sign.size()) == sign;
-        };
-        const auto* const minus = std::find_if(minusSigns.begin(), minusSigns.end(), isNext);
-        const auto* const blank = std::find_if(ignored.begin(), ignored.end(), isNext);
-        if (minus != minusSigns.end()) {
+        const std::size_t minus = lengthOfBeginning(text, {u8"\u2212", u8"\u2013"});
+        const std::size_t blank = lengthOfBeginning(text, {u8"\u00A0", u8"\uFEFF", u8"\u200B"});
+        if (minus > 0) {
             number += '-';
-            text.remove_prefix(minus->size());
-        } else if (blank != ignored.end() && (number.empty() || text.size() == blank->size())) {
-            text.remove_prefix(blank->size());
+            text.remove_prefix(minus);
+        } else if (blank > 0 && (number.empty() || text.size() == blank)) {
+            text.remove_prefix(blank);
         } else {
             const bool isExponent = (text[0] == 'D' || text[0] == 'd') && !number.empty();
             number += isExponent ? 'e' : text[0];
@@ -196,9 +183,7 @@ bool readDecimalComma(std::string_view text, std::size_t comma, double& number)
     withPoint[comma] = '.';
     return readNumber(withPoint, number) == withPoint.size();
 }
-} // namespace
 
-namespace {
 /** Reads what neither is a number as the C locale writes it nor has a decimal comma. */
 bool readUnusual(std::string_view text, bool decimalComma, char thousands, CellValue& value)
 {
@@ -246,9 +231,9 @@ char CellValue::thousandsSeparator(std::string_view text, DecimalMark& decimalMa
 
 bool CellValue::beginsWithError(std::string_view text)
 {
-    return std::any_of(errors.begin(), errors.end(), [&](std::string_view error) {
-        return equalsLowerCase(text.substr(0, error.size()), error);
-    });
+    const std::string beginning = lowerCaseText(text.substr(0, longestMissing));
+    return std::any_of(errors.begin(), errors.end(),
+                       [&](std::string_view error) { return beginsWith(beginning, error); });
 }
 
 CellValue CellValue::read(std::string_view text, bool decimalComma, char thousands)

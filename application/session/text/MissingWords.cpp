@@ -1,16 +1,12 @@
 #include "session/text/MissingWords.h"
 
-#include "session/text/TrimmedText.h"
+#include "session/text/AsciiText.h"
 
 #include <algorithm>
-#include <cstddef>
 
 MissingWords::MissingWords(const std::string& list) : list(list)
 {
-    for (std::size_t begin = 0; begin <= list.size();) {
-        const std::size_t end = std::min(list.find(',', begin), list.size());
-        const std::string_view word =
-            trimmedText(std::string_view(list).substr(begin, end - begin));
+    for (const std::string_view word : partsBetweenCommas(list)) {
         if (!word.empty()) {
             words.emplace_back(word);
             const CellValue value = CellValue::read(word, false);
@@ -18,7 +14,6 @@ MissingWords::MissingWords(const std::string& list) : list(list)
                 numbers.push_back(value.number);
             }
         }
-        begin = end + 1;
     }
 }
 

@@ -1,20 +1,12 @@
 #include "session/text/NearestText.h"
 
+#include "session/text/AsciiText.h"
+
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
 namespace {
-std::string lowerCase(std::string text)
-{
-    for (char& character : text) {
-        if (character >= 'A' && character <= 'Z') {
-            character = static_cast<char>(character - 'A' + 'a');
-        }
-    }
-    return text;
-}
-
 std::size_t editDistance(const std::string& left, const std::string& right)
 {
     // Three rows: an exchange of neighbours looks back to the row before the last one.
@@ -39,8 +31,8 @@ std::optional<std::size_t> shortestBeginningWith(const std::string& wanted,
 {
     std::optional<std::size_t> shortest;
     for (std::size_t i = 0; i < known.size(); ++i) {
-        const bool begins = known[i].compare(0, wanted.size(), wanted) == 0;
-        if (begins && (!shortest || known[i].size() < known[*shortest].size())) {
+        if (beginsWith(known[i], wanted) &&
+            (!shortest || known[i].size() < known[*shortest].size())) {
             shortest = i;
         }
     }
@@ -72,11 +64,11 @@ std::optional<std::size_t> nearestText(const std::string& wanted,
     if (const auto found = shortestBeginningWith(wanted, known)) {
         return found;
     }
-    const std::string lowerWanted = lowerCase(wanted);
+    const std::string lowerWanted = lowerCaseText(wanted);
     std::vector<std::string> lowerKnown;
     lowerKnown.reserve(known.size());
     for (const std::string& text : known) {
-        lowerKnown.push_back(lowerCase(text));
+        lowerKnown.push_back(lowerCaseText(text));
     }
     if (const auto found = shortestBeginningWith(lowerWanted, lowerKnown)) {
         return found;

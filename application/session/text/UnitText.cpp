@@ -1,50 +1,41 @@
 #include "session/text/UnitText.h"
 
-#include "session/text/TrimmedText.h"
+#include "session/text/AsciiText.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cstddef>
 
 namespace {
 constexpr std::size_t maxUnitLength = 20;
 
 /** Those that take prefixes. */
-constexpr std::array<std::string_view, 31> units = {
-    "m",  "g", "s", "A",  "K",  "mol", "cd", "Hz", "N",   "Pa",  "J",  "W",   "C",   "V",  "F", "S",
-    "Wb", "T", "H", "lm", "lx", "l",   "L",  "eV", "bar", "rad", "Nm", "ohm", u8"Ω", "Wh", "Ah"};
+const WordList units = {"m", "g",  "s",   "A",   "K",  "mol", "cd",  "Hz", "N",  "Pa", "J",
+                        "W", "C",  "V",   "F",   "S",  "Wb",  "T",   "H",  "lm", "lx", "l",
+                        "L", "eV", "bar", "rad", "Nm", "ohm", u8"Ω", "Wh", "Ah"};
 
 /** Those that do not. */
-constexpr std::array<std::string_view, 48> whole = {
+const WordList whole = {
     u8"‰", u8"°C", u8"°F", u8"°", "%",   "degC", "degF", "deg",  "min",  "h",       "hr",  "d",
     "in",  "ft",   "lb",   "lbs", "lbf", "psi",  "ksi",  "rpm",  "rev",  "ppm",     "ppb", "dB",
     "sec", "hp",   "PS",   "mph", "t",   "sr",   "ha",   "inch", "mile", "gal",     "BTU", "HV",
     "atm", "Torr", "mmHg", "HRC", "kgf", "kip",  "year", "Watt", "Volt", "seconds", "a",   "Nmm"};
 
-constexpr std::array<std::string_view, 19> prefixes = {"T", "G", "M", "k", "h",   "da",  "d",
-                                                       "c", "m", "u", "n", u8"µ", u8"μ", "p",
-                                                       "f", "P", "E", "y", "z"};
+const WordList prefixes = {"T", "G",   "M",   "k", "h", "da", "d", "c", "m", "u",
+                           "n", u8"µ", u8"μ", "p", "f", "P",  "E", "y", "z"};
 
 bool isUnit(std::string_view name)
 {
-    const auto isAmong = [](const auto& known, std::string_view text) {
-        return std::find(known.begin(), known.end(), text) != known.end();
-    };
-    return isAmong(whole, name) || isAmong(units, name) ||
+    return isOneOf(name, whole) || isOneOf(name, units) ||
            std::any_of(prefixes.begin(), prefixes.end(), [&](std::string_view prefix) {
-               return name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
-                      isAmong(units, name.substr(prefix.size()));
+               return beginsWith(name, prefix) && isOneOf(name.substr(prefix.size()), units);
            });
 }
 
 /** Besides names: digits and signs of powers, products, quotients, brackets, superscripts. */
 bool isBetweenUnits(std::string_view text, std::size_t position, std::size_t& length)
 {
-    for (const std::string_view sign :
-         {std::string_view(u8"²"), std::string_view(u8"³"), std::string_view(u8"¹"),
-          std::string_view(u8"⁻"), std::string_view(u8"·"), std::string_view(u8"⋅")}) {
-        if (text.substr(position, sign.size()) == sign) {
+    for (const std::string_view sign : WordList{u8"²", u8"³", u8"¹", u8"⁻", u8"·", u8"⋅"}) {
+        if (beginsWith(text.substr(position), sign)) {
             length = sign.size();
             return true;
         }
@@ -94,8 +85,7 @@ bool isUnitText(std::string_view text)
 std::pair<std::string, std::string_view> numberAndUnit(std::string_view text)
 {
     constexpr std::size_t maxTextLength = 50;
-    constexpr std::array<std::string_view, 8> currencies = {"$",   u8"€", u8"£", u8"¥",
-                                                            "EUR", "USD", "CHF", "GBP"};
+    static const WordList currencies = {"$", u8"€", u8"£", u8"¥", "EUR", "USD", "CHF", "GBP"};
     text = trimmedText(text);
     for (const std::string_view mark : {std::string_view(plusMinus), std::string_view("+/-")}) {
         const std::size_t at = std::min(text.find(mark), text.size());
@@ -112,7 +102,7 @@ std::pair<std::string, std::string_view> numberAndUnit(std::string_view text)
     std::string_view amount = text.substr(isNegative ? 1 : 0);
     amount.remove_suffix(isBracketed ? 1 : 0);
     for (const std::string_view currency : currencies) {
-        if (amount.substr(0, currency.size()) == currency) {
+        if (beginsWith(amount, currency)) {
             return {(isNegative ? "-" : "") +
                         std::string(trimmedText(amount.substr(currency.size()))),
                     currency};
@@ -121,11 +111,10 @@ std::pair<std::string, std::string_view> numberAndUnit(std::string_view text)
     std::size_t end = 0;
     for (std::size_t i = 0; i < std::min(text.size(), maxTextLength); ++i) {
         end = isDigit(text[i]) ? i + 1 : end;
-        const bool isLetter = std::isalpha(static_cast<unsigned char>(text[i])) != 0;
-        const bool isExponent = isLetter && i > 0 && end == i && i + 1 < text.size() &&
+        const bool isExponent = i > 0 && end == i && i + 1 < text.size() &&
                                 std::string_view("eEdD").find(text[i]) < 4 &&
                                 std::string_view("+-0123456789").find(text[i + 1]) < 12;
-        if (isLetter && !isExponent) {
+        if (isLetter(text[i]) && !isExponent) {
             break;
         }
     }
@@ -133,14 +122,13 @@ std::pair<std::string, std::string_view> numberAndUnit(std::string_view text)
     std::string_view unit = text.substr(end);
     unit.remove_prefix(!unit.empty() && unit.front() == '.' ? 1 : 0);
     for (const std::string_view blank : {u8"\u00A0", u8"\u202F"}) {
-        unit.remove_prefix(unit.substr(0, blank.size()) == blank ? blank.size() : 0);
+        unit.remove_prefix(beginsWith(unit, blank) ? blank.size() : 0);
     }
     const std::string_view name = trimmedText(unit);
-    const bool isLetterOfCode = name.size() == 1 && name.size() == unit.size() &&
-                                std::isalpha(static_cast<unsigned char>(name.front())) != 0;
-    const bool isUnit = isUnitText(name) ||
-                        std::find(currencies.begin(), currencies.end(), name) != currencies.end();
-    return end > 0 && isUnit && !isLetterOfCode
+    const bool isLetterOfCode =
+        name.size() == 1 && name.size() == unit.size() && isLetter(name.front());
+    const bool isKnown = isUnitText(name) || isOneOf(name, currencies);
+    return end > 0 && isKnown && !isLetterOfCode
                ? std::make_pair(std::string(text.substr(0, end)), name)
                : std::make_pair(std::string(text), std::string_view());
 }
