@@ -160,11 +160,7 @@ public:
         if (!std::all_of(roles.outputs.begin(), roles.outputs.end(), isLikely)) {
             return;
         }
-        for (const std::size_t position : roles.inputs) {
-            if (isLikely(position) && roles.columns[position].reason.empty()) {
-                roles.columns[position].reason = ColumnRoles::likeOutput;
-            }
-        }
+        pointOut(ColumnRoles::likeOutput, isLikely);
     }
 
     /** Points out inputs that stand between or behind the outputs, where there are some before. */
@@ -174,11 +170,8 @@ public:
             roles.inputs.front() > roles.outputs.front()) {
             return;
         }
-        for (const std::size_t position : roles.inputs) {
-            if (position > roles.outputs.front() && roles.columns[position].reason.empty()) {
-                roles.columns[position].reason = ColumnRoles::behindOutput;
-            }
-        }
+        pointOut(ColumnRoles::behindOutput,
+                 [&](std::size_t position) { return position > roles.outputs.front(); });
     }
 
     void takeInputs()
@@ -202,6 +195,15 @@ public:
     }
 
 private:
+    template <class Holds>
+    void pointOut(const char* reason, const Holds& holds)
+    {
+        for (const std::size_t position : roles.inputs) {
+            std::string& present = roles.columns[position].reason;
+            present = present.empty() && holds(position) ? reason : present;
+        }
+    }
+
     /** Without a role, and nothing speaks against their being inputs. */
     std::vector<std::size_t> candidates() const
     {

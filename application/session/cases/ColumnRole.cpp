@@ -1,120 +1,25 @@
 #include "session/cases/ColumnRole.h"
 
 #include "session/cases/ColumnFigures.h"
+#include "session/cases/ColumnNames.h"
+#include "session/text/DateText.h"
 #include "session/text/DecimalText.h"
 #include "session/text/QuotedText.h"
 #include "session/text/SettingHint.h"
-#include "session/text/AsciiText.h"
 
 #include <mirel_fitting/numerics/TextPieces.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cmath>
 #include <functional>
 #include <iterator>
 #include <optional>
-#include <string_view>
 
 namespace {
 /** Fewer numbers come in any order by chance. */
 constexpr std::size_t fewestRuns = 5;
 
-/** Letters and digits alone, the letters of ASCII in lower case: "Run No." is "runno". A unit in
- *  brackets behind the name does not count. */
-std::string plainName(const std::string& name)
-{
-    std::string plain;
-    for (const char character : name.substr(0, name.find_first_of("[(", 1))) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x80 || std::isalnum(byte) != 0) {
-            plain += static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte);
-        } else if (character == '#') {
-            plain += character;
-        }
-    }
-    return plain;
-}
-
-std::string withoutNumber(std::string plain)
-{
-    while (!plain.empty() && isDigit(plain.back())) {
-        plain.pop_back();
-    }
-    return plain;
-}
-
-/** The plain name without a number, or an a, b or c after a blank, at its end: "OD b". A letter
- *  after an underscore is a subscript: "T_h" and "T_c" are different quantities. */
-std::string withoutRepeat(const std::string& name)
-{
-    std::string plain = plainName(name);
-    const std::string_view text = trimmedText(name);
-    if (text.size() > 2 && text[text.size() - 2] == ' ' &&
-        std::string_view("abcABC").find(text.back()) != std::string_view::npos) {
-        plain.pop_back();
-    }
-    return withoutNumber(plain);
-}
-
-template <std::size_t Count>
-bool isOneOf(const std::string& word, const std::array<std::string_view, Count>& words)
-{
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-bool isNameOfNumbering(const std::string& name)
-{
-    static constexpr std::array<std::string_view, 48> words = {
-        "",         "#",        "run",    "runs",      "runorder",      "order",    "std",
-        "num",      "stdorder", "index",  "idx",       "standardorder", "case",     "row",
-        "obs",      "trial",    "exp",    "ids",       "observation",   "sample",   "seq",
-        "sequence", "test",     "lfd",    "versuch",   "experiment",    "versuchs", "unnamed0",
-        "part",     "serial",   "serien", "specimen",  "lot",           "batch",    "barcode",
-        "point",    "node",     "record", "nodelabel", "scan",          "key",      "job",
-        "sim",      "design",   "eval",   "coupon",    "simulation",    "messung"};
-    std::string plain = plainName(name);
-    for (const std::string_view end : {"number", "nummer", "no", "nr", "id"}) {
-        if (plain.size() >= end.size() &&
-            plain.compare(plain.size() - end.size(), end.size(), end) == 0) {
-            plain.resize(plain.size() - end.size());
-            return isOneOf(plain, words);
-        }
-    }
-    return !plain.empty() && isOneOf(plain, words);
-}
-
-/** "Response 2 Activity", as programs for the design of experiments name outputs. */
-bool isNumberedResponse(const std::string& name)
-{
-    constexpr std::string_view word = "response";
-    const std::string plain = plainName(name);
-    return plain.size() > word.size() && plain.compare(0, word.size(), word) == 0 &&
-           isDigit(plain[word.size()]);
-}
-
-bool isNameOfOutput(const std::string& name)
-{
-    static constexpr std::array<std::string_view, 9> words = {
-        "y", "f", "out", "output", "response", "result", "target", "ausgang", "zielgroesse"};
-    return isNumberedResponse(name) || isOneOf(withoutNumber(plainName(name)), words);
-}
-
-/** "Stress predicted" or "sd of stress" beside the output "Stress", as plain names. */
-bool isFigureOf(const std::string& name, const std::string& output)
-{
-    static constexpr std::array<std::string_view, 17> words = {
-        "hat",   "pred",  "predicted", "prediction", "fit",  "fitted", "err",      "error", "lower",
-        "upper", "stdev", "std",       "sd",         "sdof", "resid",  "residual", "sem"};
-    const std::size_t at = output.empty() ? std::string::npos : name.find(output);
-    return at != std::string::npos && name.size() > output.size() &&
-           (at == 0 ? isOneOf(name.substr(output.size()), words)
-                    : at + output.size() == name.size() && isOneOf(name.substr(0, at), words));
-}
-
-constexpr std::array<std::string_view, 5> namesOfBlocks = {"block", "blocks", "blk", "bloc",
-                                                           "bloque"};
+constexpr char ofAnotherFit[] = "a figure of another fit by its name";
 
 bool isWholeNumber(double number)
 {
@@ -149,25 +54,28 @@ std::vector<double> filledNumbers(const std::vector<double>& numbers)
     return filled;
 }
 
-bool areDifferentWholeNumbers(const std::vector<double>& numbers)
+bool areDifferent(std::vector<double> filled)
 {
-    std::vector<double> filled = filledNumbers(numbers);
-    if (filled.size() < fewestRuns || !std::all_of(filled.begin(), filled.end(), isWholeNumber)) {
-        return false;
-    }
     std::sort(filled.begin(), filled.end());
     return std::adjacent_find(filled.begin(), filled.end()) == filled.end();
 }
 
+bool ascend(const std::vector<double>& filled)
+{
+    return std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
+}
+
+bool areWhole(const std::vector<double>& filled)
+{
+    return std::all_of(filled.begin(), filled.end(), isWholeNumber);
+}
+
 /** Whether all are written like 19580329, and not all the same. */
-bool areDates(const std::vector<double>& numbers)
+bool areDates(const std::vector<double>& filled)
 {
     const auto mayBeDate = [](double number) {
         constexpr double first = 19000101.0;
         constexpr double last = 21001231.0;
-        if (std::isnan(number)) {
-            return true;
-        }
         if (!(number >= first && number <= last) || !isWholeNumber(number)) {
             return false;
         }
@@ -176,157 +84,42 @@ bool areDates(const std::vector<double>& numbers)
         const int day = date % 100;
         return month >= 1 && month <= 12 && day >= 1 && day <= 31;
     };
-    if (!std::all_of(numbers.begin(), numbers.end(), mayBeDate)) {
-        return false;
-    }
-    const std::vector<double> filled = filledNumbers(numbers);
-    return filled.size() >= fewestRuns && filled.front() != filled.back();
+    return std::all_of(filled.begin(), filled.end(), mayBeDate) && filled.front() != filled.back();
 }
 
-bool ascend(const std::vector<double>& filled)
-{
-    return filled.size() >= fewestRuns &&
-           std::adjacent_find(filled.begin(), filled.end(), std::greater_equal<>()) == filled.end();
-}
-
-/** Whether each case has a later year than the one before. */
-bool areAscendingYears(const CaseColumn& column)
+bool areYears(const std::vector<double>& filled)
 {
     constexpr double first = 1000.0;
     constexpr double last = 3000.0;
-    static constexpr std::array<std::string_view, 5> words = {"year", "years", "yr", "jahr",
-                                                              "date"};
-    const std::vector<double> filled = filledNumbers(column.numbers);
-    return isOneOf(plainName(column.name), words) && ascend(filled) && filled.front() >= first &&
-           filled.back() < last;
+    return filled.front() >= first && filled.back() < last;
 }
 
-/** Whether each case has a later time than the one before. */
-bool areAscendingTimes(const CaseColumn& column)
+/** What the numbers are that only say which case it is, "counts up by one, from 1 to 11"; empty for
+ *  others. @param filled the numbers of the column. */
+std::string numberingText(const CaseColumn& column, const std::vector<double>& filled)
 {
-    static constexpr std::array<std::string_view, 14> words = {
-        "time",     "timestamp", "date",    "datetime", "zeit", "zeitstempel", "epoch",
-        "unixtime", "datum",     "uhrzeit", "xvalue",   "ts",   "epochms",     "timestampms"};
-    return isOneOf(plainName(column.name), words) && ascend(filledNumbers(column.numbers));
-}
-
-/** Whether each case has a higher whole number than the one before under a name such as PartNo. */
-bool areSerialNumbers(const CaseColumn& column)
-{
-    std::string name = column.name.substr(0, column.name.find_first_of("[(", 1));
-    while (!name.empty() && std::isalnum(static_cast<unsigned char>(name.back())) == 0) {
-        name.pop_back();
+    if (filled.size() < fewestRuns) {
+        return "";
     }
-    const std::string_view end =
-        std::string_view(name).substr(name.size() - std::min<std::size_t>(2, name.size()));
-    const std::string plain = plainName(std::string(end));
-    const auto before = static_cast<unsigned char>(name.size() > 2 ? name[name.size() - 3] : 'a');
-    const bool isWord =
-        std::isalpha(before) == 0 ||
-        (std::islower(before) != 0 && std::islower(static_cast<unsigned char>(end.front())) == 0);
-    const std::vector<double> filled = filledNumbers(column.numbers);
-    return (plain == "no" || plain == "nr" || plain == "id") && isWord && ascend(filled) &&
-           std::all_of(filled.begin(), filled.end(), isWholeNumber);
-}
-
-/** What the numbers are that only say which case it is; empty for others. */
-std::string numberingText(const CaseColumn& column)
-{
     // The first column, whose cell in the heading is empty: an index.
     const bool isIndex = !column.isNamed && column.name == "C1";
-    return countsUp(column.numbers) ? "counts up by one, "
-           : ((isNameOfNumbering(column.name) || isIndex) &&
-              areDifferentWholeNumbers(column.numbers)) ||
-                   areSerialNumbers(column)
-               ? "numbers the cases, "
-           : areDates(column.numbers)  ? "dates written as numbers, "
-           : areAscendingYears(column) ? "years that only ascend, "
-           : areAscendingTimes(column) ? "times that only ascend, "
-                                       : "";
-}
-
-/** "from 1 to 11". */
-std::string spanText(const std::vector<double>& numbers)
-{
-    double least = std::nan("");
-    double greatest = least;
-    for (const double number : numbers) {
-        least = std::fmin(least, number);
-        greatest = std::fmax(greatest, number);
-    }
-    return "from " + numberText(least) + " to " + numberText(greatest);
-}
-
-bool isMonth(const std::string& word)
-{
-    static constexpr std::array<std::string_view, 15> months = {"jan", "feb", "mar", "apr", "may",
-                                                                "jun", "jul", "aug", "sep", "oct",
-                                                                "nov", "dec", "mai", "okt", "dez"};
-    return word.size() >= 3 && isOneOf(word.substr(0, 3), months);
-}
-
-/** "1/8", "1:4", "0.5-1.5" and "2.5-", which have the signs of dates. */
-bool isFractionOrSpan(const std::string& text)
-{
-    if (text.find_first_not_of("0123456789.-/:") != std::string::npos) {
-        return false;
-    }
-    std::string signs;
-    std::size_t longest = 0;
-    std::size_t digits = 0;
-    for (const char character : text) {
-        digits = isDigit(character) ? digits + 1 : 0;
-        longest = std::max(longest, digits);
-        signs += isDigit(character) ? "" : std::string(1, character);
-    }
-    constexpr std::size_t digitsOfYear = 4;
-    if (signs.find(':') != std::string::npos) {
-        return text.size() < 3 || !isDigit(text[text.size() - 2]); // a time has two digits there
-    }
-    return signs.find_first_not_of(signs.front()) != std::string::npos ||
-           (signs.size() == 1 && longest < digitsOfYear);
-}
-
-/** Groups of digits with the separators of dates and times between them, at least two; month names
- *  and the like may stand among them. */
-bool isDateOrTime(const std::string& text)
-{
-    std::size_t groups = 0;
-    bool hasSeparator = false;
-    if (isFractionOrSpan(text)) {
-        return false;
-    }
-    for (std::size_t i = 0; i < text.size();) {
-        std::size_t end = i;
-        while (end < text.size() && isDigit(text[end])) {
-            ++end;
-        }
-        if (end > i) {
-            ++groups;
-            i = end;
-            continue;
-        }
-        while (end < text.size() && std::isalpha(static_cast<unsigned char>(text[end])) != 0) {
-            ++end;
-        }
-        if (end > i) {
-            const std::string word = plainName(text.substr(i, end - i));
-            static constexpr std::array<std::string_view, 7> marks = {"t",   "z",   "am", "pm",
-                                                                      "utc", "gmt", "uhr"};
-            if (!isMonth(word) && !isOneOf(word, marks)) {
-                return false;
-            }
-            hasSeparator = hasSeparator || isMonth(word);
-            i = end;
-            continue;
-        }
-        if (std::string_view(" -/.:,+").find(text[i]) == std::string_view::npos) {
-            return false;
-        }
-        hasSeparator = hasSeparator || std::string_view("-/.:").find(text[i]) < 4;
-        ++i;
-    }
-    return groups >= 2 && hasSeparator;
+    const bool isNumbering = isIndex || ColumnNames::isNameOf(NameOf::Numbering, column.name);
+    const bool isSerial = ColumnNames::endsAsNumbering(column.name);
+    const char* const text =
+        countsUp(column.numbers) ? "counts up by one"
+        : areWhole(filled) &&
+                ((isNumbering && areDifferent(filled)) || (isSerial && ascend(filled)))
+            ? "numbers the cases"
+        : areDates(filled) ? "dates written as numbers"
+        : ColumnNames::isNameOf(NameOf::Year, column.name) && ascend(filled) && areYears(filled)
+            ? "years that only ascend"
+        : ColumnNames::isNameOf(NameOf::Time, column.name) && ascend(filled)
+            ? "times that only ascend"
+            : "";
+    const auto [least, greatest] = std::minmax_element(filled.begin(), filled.end());
+    return *text == '\0' ? ""
+                         : std::string(text) + ", from " + numberText(*least) + " to " +
+                               numberText(*greatest);
 }
 
 std::string reasonOfTexts(const CaseColumn& column)
@@ -442,79 +235,55 @@ const char* roleName(ColumnRole::Role role)
 
 bool ColumnRoles::areRunNumbers(const CaseColumn& column)
 {
-    return !numberingText(column).empty();
+    return !numberingText(column, filledNumbers(column.numbers)).empty();
 }
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column)
 {
     const std::string ofBlocks =
-        isOneOf(plainName(column.name), namesOfBlocks)
+        ColumnNames::isNameOf(NameOf::Blocks, column.name)
             ? "blocks by its name, which may have a mean each" + settingHint(Setting::Blocks)
             : "";
     if (!column.isNumeric) {
         return ofBlocks.empty() ? reasonOfTexts(column) : ofBlocks;
     }
-    double first = std::nan("");
-    std::size_t filled = 0;
-    bool isConstant = true;
-    for (const double number : column.numbers) {
-        if (!std::isnan(number)) {
-            first = filled++ == 0 ? number : first;
-            isConstant = isConstant && number == first;
-        }
+    const std::vector<double> filled = filledNumbers(column.numbers);
+    const std::size_t cases = column.numbers.size();
+    if (filled.empty()) {
+        return cases == 0 ? "" : "no number in it"; // of no case nothing is known
     }
-    if (filled == 0) {
-        return column.numbers.empty() ? "" : "no number in it"; // of no case nothing is known
-    }
-    if (isConstant && filled > 1) {
-        return "the same in every case, " + shownNumber(first);
+    if (filled.size() > 1 && std::count(filled.begin(), filled.end(), filled.front()) ==
+                                 static_cast<std::ptrdiff_t>(filled.size())) {
+        return "the same in every case, " + shownNumber(filled.front());
     }
     if (!ofBlocks.empty()) {
         return ofBlocks;
     }
-    if (column.numbers.size() >= fewestRuns && 2 * filled < column.numbers.size()) {
-        return "lacks a number in " + std::to_string(column.numbers.size() - filled) + " of " +
-               std::to_string(column.numbers.size()) + " cases";
+    if (cases >= fewestRuns && 2 * filled.size() < cases) {
+        return "lacks a number in " + std::to_string(cases - filled.size()) + " of " +
+               std::to_string(cases) + " cases";
     }
-    static constexpr std::array<std::string_view, 3> kinds = {"pttype", "pointtype", "centerpt"};
-    if (isOneOf(plainName(column.name), kinds)) {
+    if (ColumnNames::isNameOf(NameOf::KindOfPoint, column.name)) {
         return "says which kind of point a case is";
     }
-    static constexpr std::array<std::string_view, 13> figures = {
-        "fits",      "resi", "sres",       "tres",     "fitted", "residual", "residuals",
-        "predicted", "yhat", "prediction", "leverage", "resid",  "cooksd"};
-    if (isOneOf(withoutNumber(plainName(column.name)), figures)) {
-        return "a figure of another fit by its name";
+    if (ColumnNames::isNameOf(NameOf::FigureOfFit, column.name)) {
+        return ofAnotherFit;
     }
-    static constexpr std::array<std::string_view, 6> repeats = {
-        "replicate", "replication", "rep", "repeat", "repetition", "wiederholung"};
-    if (isOneOf(plainName(column.name), repeats) &&
-        std::all_of(column.numbers.begin(), column.numbers.end(),
-                    [](double number) { return std::isnan(number) || isWholeNumber(number); })) {
+    if (ColumnNames::isNameOf(NameOf::Repeat, column.name) && areWhole(filled)) {
         return "numbers the repeats";
     }
-    const std::string numbering = numberingText(column);
-    return numbering.empty() ? "" : numbering + spanText(column.numbers);
+    return numberingText(column, filled);
 }
 
 std::string ColumnRoles::reasonAgainstInput(const CaseColumn& column, const CaseColumn& output)
 {
-    const std::string stem = withoutRepeat(column.name);
-    const bool hasNumber =
-        stem != plainName(column.name) || withoutRepeat(output.name) != plainName(output.name);
-    if ((isNumberedResponse(column.name) && isNumberedResponse(output.name)) ||
-        (hasNumber && !stem.empty() && stem == withoutRepeat(output.name))) {
+    if (ColumnNames::areRepeats(column.name, output.name)) {
         return "named like the output " + quotedText(output.name);
     }
-    const std::string plain = plainName(column.name);
-    if (plain == "error") { // which may be the output itself
-        return "a figure of another fit by its name";
+    if (ColumnNames::isNameOf(NameOf::Errors, column.name)) { // which may be the output itself
+        return ofAnotherFit;
     }
-    const std::string plainOutput = plainName(output.name);
-    // "T_upper" beside "T" is a quantity of its own, "y upper" a limit of y.
-    const bool isSubscript = plainOutput.size() < 3 && column.name.find('_') != std::string::npos &&
-                             (plain == plainOutput + "upper" || plain == plainOutput + "lower");
-    if (!isSubscript && isFigureOf(plain, plainOutput)) {
+    if (ColumnNames::isFigureOf(column.name, output.name)) {
         return "a figure of the output " + quotedText(output.name) + " by its name";
     }
     constexpr double fiveDigits = 1e-5;
@@ -566,10 +335,11 @@ ColumnRoles::likelyOutputs(const CaseTable& table, std::vector<std::size_t> cand
     }
     for (const std::size_t position : candidates) {
         // Behind x and before another column y is a coordinate.
-        const bool isCoordinate = position > 0 && position != candidates.back() &&
-                                  plainName(table.columns[position].name) == "y" &&
-                                  plainName(table.columns[position - 1].name) == "x";
-        if (isNameOfOutput(table.columns[position].name) && !isCoordinate) {
+        const bool isCoordinate =
+            position > 0 && position != candidates.back() &&
+            ColumnNames::isNameOf(NameOf::Y, table.columns[position].name) &&
+            ColumnNames::isNameOf(NameOf::X, table.columns[position - 1].name);
+        if (ColumnNames::isNameOf(NameOf::Output, table.columns[position].name) && !isCoordinate) {
             outputs.emplace_back(position, "suggested by its name");
         }
     }
