@@ -1,9 +1,10 @@
 #include "session/cases/LayoutRecognition.h"
 
+#include "session/cases/NumberMarks.h"
 #include "session/cases/SampleRecords.h"
 #include "session/cases/TableParts.h"
-#include "session/text/CellValue.h"
 #include "session/text/AsciiText.h"
+#include "session/text/CellValue.h"
 #include "session/text/UnitText.h"
 
 #include <algorithm>
@@ -14,8 +15,6 @@
 #include <vector>
 
 namespace {
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 /** The first line of files for spreadsheets may say "sep=;". */
 std::optional<char> declaredSeparator(std::string_view line)
 {
@@ -46,12 +45,13 @@ std::vector<Comment> commentsAbove(std::string_view sample, const SampleRecord& 
 {
     std::vector<Comment> comments;
     std::size_t position = record.begin;
-    position += sample.substr(position, byteOrderMark.size()) == byteOrderMark ? 3 : 0;
+    position +=
+        beginsWith(sample.substr(position), utf8ByteOrderMark) ? utf8ByteOrderMark.size() : 0;
     for (std::size_t number = record.beginLine; number < record.line; ++number) {
         const SampleLine line = SampleLine::at(sample, position);
         const std::string_view text = trimmedText(line.text);
         for (const std::string& mark : layout.commentMarks) {
-            if (text.substr(0, mark.size()) != mark) {
+            if (!beginsWith(text, mark)) {
                 continue;
             }
             // "%RH" and "#" alone are names, "#run" and "# run" are one after a mark.
@@ -143,7 +143,7 @@ bool isComment(std::string_view line, const std::vector<std::string>& marks)
     const std::string_view text = trimmedText(line);
     return !CellValue::beginsWithError(text) &&
            std::any_of(marks.begin(), marks.end(), [&](const std::string& mark) {
-               return !mark.empty() && text.substr(0, mark.size()) == mark;
+               return !mark.empty() && beginsWith(text, mark);
            });
 }
 
@@ -178,142 +178,6 @@ bool hasComments(std::string_view sample, const CaseFileLayout& layout)
     return likeRows <= rows;
 }
 
-/** What separates thousands in all numbers that can only be read so; NUL where they differ. */
-char thousandsSeparator(const std::vector<SampleRecord>& records, const TableParts& parts,
-                        const ReadingChoices& choices)
-{
-    char found = '\0';
-    for (const SampleRecord& record : records) {
-        for (std::size_t i = 0; i < record.cells.size(); ++i) {
-            CellValue::DecimalMark mark = CellValue::NoMark;
-            const auto [number, unit] = numberAndUnit(record.cells[i]);
-            const char own = parts.isNumeric(i) || !unit.empty()
-                                 ? CellValue::thousandsSeparator(number, mark)
-                                 : '\0';
-            if (own == '\0') {
-                continue;
-            }
-            const bool hasComma = mark == CellValue::Comma || own == '.';
-            const bool hasPoint = mark == CellValue::Point || own == ',';
-            const bool isRefused = (hasComma && choices.decimalMark == CellValue::Point) ||
-                                   (hasPoint && choices.decimalMark == CellValue::Comma);
-            if (isRefused || (found != '\0' && own != found)) {
-                return '\0';
-            }
-            found = own;
-        }
-    }
-    return found;
-}
-
-/** Whether the only mark of a number can separate thousands: "12.345" and no "0.345". */
-bool mayGroup(std::string_view number, CellValue::DecimalMark mark)
-{
-    const bool isComma = mark == CellValue::Comma;
-    const CellValue value = CellValue::read(number, !isComma, isComma ? ',' : '.');
-    return value.kind == CellValue::Number && value.mark == CellValue::NoMark &&
-           number[number.find_first_not_of("+-")] != '0' &&
-           number.find_first_not_of("+-0123456789.,") == std::string_view::npos;
-}
-
-/** The mark that separates thousands since the numbers of other columns have the other mark as
- *  their decimal mark: 12.345 beside 2,5. NUL if no mark does. */
-char thousandsBesideDecimals(const std::vector<SampleRecord>& records, const TableParts& parts,
-                             const ReadingChoices& choices)
-{
-    for (const auto& [mark, other, character] :
-         {std::make_tuple(CellValue::Point, CellValue::Comma, '.'),
-          std::make_tuple(CellValue::Comma, CellValue::Point, ',')}) {
-        bool isOtherDecimal = choices.decimalMark == other;
-        bool isDecimal = choices.decimalMark == mark;
-        bool groups = false;
-        for (std::size_t i = 0; i < parts.columns(); ++i) {
-            bool groupsHere = false;
-            bool isOtherHere = false;
-            for (const SampleRecord& record : records) {
-                if (!parts.isNumeric(i) || i >= record.cells.size()) {
-                    continue;
-                }
-                const std::string number = numberAndUnit(record.cells[i]).first;
-                const CellValue value = CellValue::read(number, true);
-                if (value.kind == CellValue::Number && value.mark == mark) {
-                    (mayGroup(number, mark) ? groupsHere : isDecimal) = true;
-                }
-                isOtherHere = isOtherHere || (value.mark == other && !mayGroup(number, other));
-            }
-            isDecimal = isDecimal || (groupsHere && isOtherHere); // written in two ways
-            groups = groups || groupsHere;
-            isOtherDecimal = isOtherDecimal || isOtherHere;
-        }
-        if (groups && isOtherDecimal && !isDecimal) {
-            return character;
-        }
-    }
-    return '\0';
-}
-
-/** A number such as 1.234 of which nothing shows whether its mark separates thousands: no number
- *  has other digits behind one, and 987 stands in the same column, or the mark is the less usual
- *  decimal mark of such files: a point beside semicolons, a comma elsewhere. Empty if there is no
- *  such number. */
-std::string doubtfulNumber(const std::vector<SampleRecord>& records, const TableParts& parts,
-                           char separator)
-{
-    std::string found;
-    for (std::size_t i = 0; i < parts.columns() && separator != ','; ++i) {
-        std::string grouped;
-        bool hasHundreds = false;
-        for (const SampleRecord& record : records) {
-            if (!parts.isNumeric(i) || i >= record.cells.size()) {
-                continue;
-            }
-            const std::string number = numberAndUnit(record.cells[i]).first;
-            const CellValue value = CellValue::read(number, true);
-            if (value.kind != CellValue::Number || value.mark == CellValue::NoMark) {
-                hasHundreds = hasHundreds || (value.number >= 100.0 && value.number < 1000.0);
-            } else if (mayGroup(number, value.mark)) {
-                grouped = grouped.empty() ? number : grouped;
-            } else {
-                return "";
-            }
-        }
-        const bool isLessUsual = grouped.find(separator == ';' ? '.' : ',') != std::string::npos;
-        found = found.empty() && (hasHundreds || isLessUsual) ? grouped : found;
-    }
-    return found;
-}
-
-/** What the commas of quoted cells are, where commas separate the cells: between thousands if all
- *  can be that, else decimal marks if no number has a point. */
-void takeQuotedCommas(const std::vector<SampleRecord>& records, const TableParts& parts,
-                      const ReadingChoices& choices, CaseFileLayout& layout)
-{
-    bool hasPoint = false;
-    bool hasComma = false;
-    bool areThousands =
-        choices.decimalMark != CellValue::Comma && layout.thousandsSeparator == '\0';
-    for (const SampleRecord& record : records) {
-        for (std::size_t i = 0; i < record.cells.size(); ++i) {
-            const std::string& cell = record.cells[i];
-            const CellValue value = CellValue::read(cell, true, layout.thousandsSeparator);
-            if (!parts.isNumeric(i) || value.kind != CellValue::Number) {
-                continue;
-            }
-            hasPoint = hasPoint || value.mark == CellValue::Point;
-            if (value.mark == CellValue::Comma) {
-                hasComma = true;
-                areThousands = areThousands && cell[cell.find_first_not_of("+-")] != '0' &&
-                               CellValue::read(cell, false, ',').kind == CellValue::Number;
-            }
-        }
-    }
-    if (hasComma && areThousands) {
-        layout.thousandsSeparator = ',';
-    } else if (hasComma && !hasPoint) {
-        layout.hasDecimalComma = true;
-    }
-}
-
 void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& choices,
                CaseFileLayout& layout)
 {
@@ -324,21 +188,7 @@ void takeParts(std::string_view sample, bool isWholeFile, const ReadingChoices& 
     }
     const TableParts parts(table);
     layout.columns = parts.columns();
-    layout.thousandsSeparator = choices.thousandsSeparator.value_or('\0');
-    if (!choices.thousandsSeparator) {
-        layout.thousandsSeparator = thousandsSeparator(records, parts, choices);
-    }
-    if (!choices.thousandsSeparator && layout.thousandsSeparator == '\0') {
-        layout.thousandsSeparator = thousandsBesideDecimals(records, parts, choices);
-    }
-    if (layout.thousandsSeparator == '\0' && !choices.thousandsSeparator && !choices.decimalMark) {
-        layout.doubtfulNumber = doubtfulNumber(records, parts, layout.separator);
-    }
-
-    if (layout.separator == ',' && layout.thousandsSeparator != ',' &&
-        choices.decimalMark != CellValue::Point) {
-        takeQuotedCommas(records, parts, choices, layout);
-    }
+    takeNumberMarks(records, parts, choices, layout);
 
     std::optional<std::size_t> heading = parts.heading();
     if (choices.skippedLines) {
@@ -413,8 +263,7 @@ CaseFileLayout recogniseLayout(std::string_view sample, bool isWholeFile,
     if (choices.commentMark) {
         layout.commentMarks.assign(choices.commentMark->empty() ? 0 : 1, *choices.commentMark);
     }
-    const std::size_t begin =
-        sample.substr(0, byteOrderMark.size()) == byteOrderMark ? byteOrderMark.size() : 0;
+    const std::size_t begin = beginsWith(sample, utf8ByteOrderMark) ? utf8ByteOrderMark.size() : 0;
     const auto skipLine = [&](const SampleLine& line) {
         layout.tableBegin = line.next;
         ++layout.tableLine;

@@ -111,25 +111,6 @@ TEST(LayoutRecognition, BlanksInTitlesDoNotSplitATableOfTabs)
     EXPECT_EQ(separatorOf("x y z\n1\t2 3\n4 5\t6\n7 8 9\n"), ' ');
 }
 
-TEST(LayoutRecognition, ANumberThatMayHaveThousandsIsInDoubt)
-{
-    const struct
-    {
-        const char* text;
-        const char* number;
-    } examples[] = {{"a;b\n1.234;2\n987;3\n", "1.234"},    {"a\tb\n1,234\t2\n12,987\t3\n", "1,234"},
-                    {"a;b\n1,234;2\n12,987;3\n", ""},      {"a;b\n1.234;2\n987;0.5\n", ""},
-                    {"a;b\n1.234;2\n9;3\n", "1.234"},      {"a\tb\n1.234\t2\n9\t3\n", ""},
-                    {"a\tb\n1.234\t2\n987\t3\n", "1.234"}, {"a;b\n0.234;2\n987;3\n", ""},
-                    {"a,b\n1.234,2\n987,3\n", ""}};
-    for (const auto& example : examples) {
-        EXPECT_EQ(layoutOf(example.text).doubtfulNumber, example.number) << example.text;
-    }
-    ReadingChoices choices;
-    choices.decimalMark = CellValue::Comma;
-    EXPECT_EQ(layoutOf("a;b\n1.234;2\n987;3\n", choices).doubtfulNumber, "");
-}
-
 TEST(LayoutRecognition, UnitsStandBelowTheHeading)
 {
     EXPECT_EQ(partsOf("p,y\nMPa,mm\n1,2\n3,4\n"), "line 1, 2 columns, units row");
@@ -158,11 +139,6 @@ TEST(LayoutRecognition, MarksInMostRowsAreNoComments)
 {
     EXPECT_TRUE(layoutOf("id,x\n#1,2\n#2,3\n#3,4\n").commentMarks.empty());
     EXPECT_FALSE(layoutOf("id,x\n1,2\n#2,3\n3,4\n").commentMarks.empty());
-}
-
-TEST(LayoutRecognition, RowNamesComeWithoutAHeading)
-{
-    EXPECT_EQ(partsOf("x y\na 1 2\nb 3 4\n"), "line 1, 3 columns, row names");
 }
 
 TEST(LayoutRecognition, TheUserDecides)
