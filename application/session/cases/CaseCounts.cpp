@@ -6,68 +6,73 @@
 #include <algorithm>
 
 namespace {
-/** What is known of one case; an excluded one lacks nothing. */
-struct CaseState
+/** Which cases are still valid after some columns have been looked at. */
+class ValidCases
 {
-    bool isValid() const { return !isExcluded && !lacksInput && !lacksOutput; }
-
-    bool isExcluded = false;
-    bool lacksInput = false;
-    bool lacksOutput = false;
-};
-
-std::vector<CaseState> statesOf(const Project& project, const std::vector<std::size_t>& excluded)
-{
-    std::vector<CaseState> states(project.recordCount());
-    for (const std::size_t position : excluded) {
-        states[position].isExcluded = true;
-    }
-    return states;
-}
-
-/** Marks the included cases that lack a value; returns how many there are. */
-std::size_t markInvalid(const std::vector<double>& values, std::vector<CaseState>& states,
-                        bool CaseState::*lack)
-{
-    std::size_t marked = 0;
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        if (!states[i].isExcluded && isInvalidNumber(values[i])) {
-            states[i].*lack = true;
-            ++marked;
+public:
+    ValidCases(const Project& project, const std::vector<std::size_t>& excluded)
+        : project(project), isIncluded(project.recordCount(), true)
+    {
+        for (const std::size_t position : excluded) {
+            isIncluded[position] = false;
         }
+        isValid = isIncluded;
     }
-    return marked;
-}
 
-std::size_t countValidAlone(const std::vector<double>& values, const std::vector<CaseState>& states)
-{
-    std::size_t valid = 0;
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        const bool isUsable = !states[i].isExcluded && !states[i].lacksInput;
-        valid += isUsable && !isInvalidNumber(values[i]) ? 1 : 0;
+    /** Drops the cases that lack a number here; returns how many of the included ones do. */
+    std::size_t drop(const VarPtr& variable)
+    {
+        const std::vector<double>& values = project.numericValues(variable);
+        std::size_t lacking = 0;
+        for (std::size_t i = 0; i < isValid.size(); ++i) {
+            const bool lacks = isInvalidNumber(values[i]);
+            lacking += lacks && isIncluded[i] ? 1 : 0;
+            isValid[i] = isValid[i] && !lacks;
+        }
+        return lacking;
     }
-    return valid;
-}
+
+    std::vector<std::size_t> positions() const
+    {
+        std::vector<std::size_t> valid;
+        for (std::size_t i = 0; i < isValid.size(); ++i) {
+            if (isValid[i]) {
+                valid.push_back(i);
+            }
+        }
+        return valid;
+    }
+
+    std::size_t count() const
+    {
+        return static_cast<std::size_t>(std::count(isValid.begin(), isValid.end(), true));
+    }
+
+private:
+    const Project& project;
+    std::vector<bool> isIncluded;
+    std::vector<bool> isValid;
+};
 } // namespace
 
 CaseCounts countCases(const Project& project, const std::vector<VarPtr>& inputs,
                       const std::vector<VarPtr>& outputs, const std::vector<std::size_t>& excluded)
 {
     CaseCounts counts;
-    std::vector<CaseState> states = statesOf(project, excluded);
+    ValidCases valid(project, excluded);
     for (const VarPtr& input : inputs) {
-        counts.invalidByInput.push_back(
-            markInvalid(project.numericValues(input), states, &CaseState::lacksInput));
+        counts.invalidByInput.push_back(valid.drop(input));
     }
+    const ValidCases withInputs = valid;
     for (const VarPtr& output : outputs) {
-        const std::vector<double>& values = project.numericValues(output);
-        counts.validAlone.push_back(countValidAlone(values, states));
-        counts.invalidByOutput.push_back(markInvalid(values, states, &CaseState::lacksOutput));
+        ValidCases alone = withInputs;
+        alone.drop(output);
+        counts.validAlone.push_back(alone.count());
+        counts.invalidByOutput.push_back(valid.drop(output));
     }
-    counts.read = states.size();
+    counts.read = project.recordCount();
     counts.excluded = excluded.size();
-    counts.valid = static_cast<std::size_t>(std::count_if(
-        states.begin(), states.end(), [](const CaseState& state) { return state.isValid(); }));
+    counts.valid = valid.count();
     counts.invalid = counts.read - counts.excluded - counts.valid;
     return counts;
 }
@@ -76,20 +81,13 @@ std::vector<std::size_t> validCases(const Project& project, const std::vector<Va
                                     const std::vector<VarPtr>& outputs,
                                     const std::vector<std::size_t>& excluded)
 {
-    std::vector<CaseState> states = statesOf(project, excluded);
-    for (const VarPtr& input : inputs) {
-        markInvalid(project.numericValues(input), states, &CaseState::lacksInput);
-    }
-    for (const VarPtr& output : outputs) {
-        markInvalid(project.numericValues(output), states, &CaseState::lacksOutput);
-    }
-    std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        if (states[i].isValid()) {
-            positions.push_back(i);
+    ValidCases valid(project, excluded);
+    for (const auto* const variables : {&inputs, &outputs}) {
+        for (const VarPtr& variable : *variables) {
+            valid.drop(variable);
         }
     }
-    return positions;
+    return valid.positions();
 }
 
 std::vector<double> valuesAt(const std::vector<double>& column,

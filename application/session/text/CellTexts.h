@@ -1,49 +1,43 @@
 #pragma once
 
-#include <surrogate_session/Export.h>
-
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 /**
- * The texts of one column's cells in one buffer: a cell takes its characters and the four bytes of
+ * The texts of one column's cells in one buffer: a cell takes its characters and the eight bytes of
  * its end, where a vector of strings takes 32 bytes or more.
  */
-class SURROGATE_SESSION_EXPORT CellTexts
+class CellTexts
 {
 public:
     /** Reserves memory for `cells` in all, of the mean length of those that are there. */
-    void reserve(std::size_t cells);
+    void reserve(std::size_t cells)
+    {
+        const double perCell = static_cast<double>(characters.size()) /
+                               static_cast<double>(std::max<std::size_t>(ends.size(), 1));
+        characters.reserve(static_cast<std::size_t>(perCell * static_cast<double>(cells)));
+        ends.reserve(cells);
+    }
 
     void append(std::string_view text)
     {
         characters.append(text);
-        if (longEnds.empty() && characters.size() <= UINT32_MAX) {
-            ends.push_back(static_cast<std::uint32_t>(characters.size()));
-        } else {
-            longEnds.push_back(characters.size());
-        }
+        ends.push_back(characters.size());
     }
 
-    std::size_t size() const { return ends.size() + longEnds.size(); }
+    std::size_t size() const { return ends.size(); }
 
     /** Valid until the next append(). @param cell below size(). */
     std::string_view operator[](std::size_t cell) const
     {
-        const std::size_t begin = cell == 0 ? 0 : endOf(cell - 1);
-        return {characters.data() + begin, endOf(cell) - begin};
+        const std::size_t begin = cell == 0 ? 0 : ends[cell - 1];
+        return {characters.data() + begin, ends[cell] - begin};
     }
 
 private:
-    std::size_t endOf(std::size_t cell) const
-    {
-        return cell < ends.size() ? ends[cell] : longEnds[cell - ends.size()];
-    }
-
     std::string characters;
-    std::vector<std::uint32_t> ends;
-    std::vector<std::size_t> longEnds; ///< of the cells after the first four gigabytes
+    std::vector<std::size_t> ends;
 };

@@ -41,15 +41,6 @@ protected:
     TemporaryFolder folder;
 };
 
-std::vector<std::string> namesOf(const CaseTable& table)
-{
-    std::vector<std::string> names;
-    for (const CaseColumn& column : table.columns) {
-        names.push_back(column.name);
-    }
-    return names;
-}
-
 using Names = std::vector<std::string>;
 using Numbers = std::vector<double>;
 using Texts = std::vector<std::string>;
@@ -60,7 +51,7 @@ TEST_F(CaseFileReaderTest, ReadsColumnsOfNumbersAndOfTexts)
     const CaseTable table = read("x,site,y\n1,north,2.5\n-3,south,4e2\n");
 
     EXPECT_EQ(table.cases, 2u);
-    EXPECT_EQ(namesOf(table), (Names{"x", "site", "y"}));
+    EXPECT_EQ(table.names(), (Names{"x", "site", "y"}));
     EXPECT_TRUE(table.columns[0].isNumeric);
     EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, -3.0}));
     EXPECT_FALSE(table.columns[1].isNumeric);
@@ -141,19 +132,6 @@ TEST_F(CaseFileReaderTest, MissingCellsAreNaNInNumericAndEmptyInTextColumns)
     EXPECT_EQ(late.columns[2].texts, (Texts{"", "", "broken"}));
 }
 
-TEST_F(CaseFileReaderTest, AColumnOfMoreTextsThanNumbersIsTextWithEveryCellAsWritten)
-{
-    const CaseTable table = read("id,x\n007,1\n1e2,2\nNA,3\nA-4,4\nB-4,5\nC-4,6\n8.50,7\nD,8\n");
-
-    EXPECT_FALSE(table.columns[0].isNumeric);
-    EXPECT_TRUE(table.columns[0].numbers.empty());
-    EXPECT_EQ(table.columns[0].texts, (Texts{"007", "1e2", "", "A-4", "B-4", "C-4", "8.50", "D"}));
-    EXPECT_EQ(table.columns[0].withoutNumber.count, 4u);
-    EXPECT_EQ(table.columns[0].withoutNumber.spellings, (Texts{"A-4", "B-4", "C-4"}));
-    EXPECT_EQ(table.columns[0].withoutNumber.firstLine, 5u);
-    EXPECT_EQ(table.columns[1].numbers, (Numbers{1, 2, 3, 4, 5, 6, 7, 8}));
-}
-
 TEST_F(CaseFileReaderTest, KindsThatAreKnownLateAreReadAgainInLargeFilesToo)
 {
     std::string content = "id,y,x\n";
@@ -191,15 +169,6 @@ TEST_F(CaseFileReaderTest, ColumnsThatAreReadAgainKeepTheirRowsBesideRepeatedHea
         }
         EXPECT_EQ(y.back(), 5.0) << between;
     }
-}
-
-TEST_F(CaseFileReaderTest, BlanksAroundCellsAreTakenOff)
-{
-    const CaseTable table = read(" a b , \"c\" \n  1 , x y\t\n\" 2 \",\" kept \"\n");
-
-    EXPECT_EQ(namesOf(table), (Names{"a b", "c"}));
-    EXPECT_EQ(table.columns[0].numbers, (Numbers{1.0, 2.0}));
-    EXPECT_EQ(table.columns[1].texts, (Texts{"x y", " kept "}));
 }
 
 TEST_F(CaseFileReaderTest, NamesAndTextsAreUtf8)
@@ -294,7 +263,7 @@ TEST_F(CaseFileReaderTest, IgnoresEmptyColumnsAndRowsAtTheEnd)
 {
     const CaseTable table = read("a,b,,\n1,2,,\n,,\n3,4,,\n,,,\n,,,\n");
 
-    EXPECT_EQ(namesOf(table), (Names{"a", "b"}));
+    EXPECT_EQ(table.names(), (Names{"a", "b"}));
     EXPECT_EQ(table.cases, 3u);
     EXPECT_TRUE(std::isnan(table.columns[1].numbers[1]));
     EXPECT_EQ(table.columns[1].numbers[2], 4.0);
@@ -303,7 +272,7 @@ TEST_F(CaseFileReaderTest, IgnoresEmptyColumnsAndRowsAtTheEnd)
 
 TEST_F(CaseFileReaderTest, NamesKeepTheTabsBeforeFormulas)
 {
-    EXPECT_EQ(namesOf(read("\tb, \t=1+1,\"\t-a\"\n1,2,3\n")), (Names{"b", "\t=1+1", "\t-a"}))
+    EXPECT_EQ(read("\tb, \t=1+1,\"\t-a\"\n1,2,3\n").names(), (Names{"b", "\t=1+1", "\t-a"}))
         << "tabs that keep spreadsheets from calculating";
 }
 
@@ -330,7 +299,7 @@ TEST_F(CaseFileReaderTest, RowNamesAreText)
 {
     const CaseTable table = read("\"x\" \"y\"\n\"1\" 2 3\n\"2\" 4 5\n");
 
-    EXPECT_EQ(namesOf(table), (Names{"Row name", "x", "y"}));
+    EXPECT_EQ(table.names(), (Names{"Row name", "x", "y"}));
     EXPECT_EQ(table.columns[0].texts, (Texts{"1", "2"}));
     EXPECT_EQ(table.columns[2].numbers, (Numbers{3.0, 5.0}));
 }

@@ -108,14 +108,3 @@ RC_GTEST_PROP(CaseFolds, EveryFoldHasACaseAndTheirSizesAreAlike, ())
     RC_ASSERT(*least >= 1u);
     RC_ASSERT(*greatest - *least <= maxCopies);
 }
-
-RC_GTEST_PROP(CaseFolds, SplitsAgainAsBefore, ())
-{
-    const std::vector<Column> columns = anyColumns();
-    const std::vector<const double*> pointers = {columns[0].data(), columns[1].data()};
-    const CaseFolds first(pointers, columns[0].size());
-    const CaseFolds second(pointers, columns[0].size());
-    const std::size_t count = *rc::gen::inRange<std::size_t>(1, first.max() + 1);
-
-    RC_ASSERT(first.split(count) == second.split(count));
-}

@@ -19,11 +19,6 @@ TEST(CellTexts, GivesBackEachTextAsItWas)
     EXPECT_EQ(texts[3], "\xC3\xA4, \"x\"");
 }
 
-TEST(CellTexts, IsEmptyAtFirst)
-{
-    EXPECT_EQ(CellTexts().size(), 0u);
-}
-
 TEST(CellTexts, KeepsItsTextsWhenRoomIsMade)
 {
     CellTexts texts;
