@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string_view>
-#include <unordered_set>
 
 namespace {
 /** Half of the sum of two numbers that may be as large as a double can be. */
@@ -14,27 +14,14 @@ double mean(double low, double high)
     return low / 2.0 + high / 2.0;
 }
 
-/** Counts values until there are too many. */
 template <typename Value>
-class DistinctCounter
+void countDistinct(const std::vector<Value>& values, ColumnFigures& figures)
 {
-public:
-    explicit DistinctCounter(ColumnFigures& result) : figures(result) {}
-
-    void add(const Value& value)
-    {
-        if (figures.hasMoreDistinct) {
-            return;
-        }
-        seen.insert(value);
-        figures.hasMoreDistinct = seen.size() > ColumnFigures::maxDistinct;
-        figures.distinct = std::min(seen.size(), ColumnFigures::maxDistinct);
-    }
-
-private:
-    ColumnFigures& figures;
-    std::unordered_set<Value> seen;
-};
+    figures.count = values.size();
+    figures.distinct = distinctValues(values, ColumnFigures::maxDistinct + 1);
+    figures.hasMoreDistinct = figures.distinct > ColumnFigures::maxDistinct;
+    figures.distinct -= figures.hasMoreDistinct ? 1 : 0;
+}
 } // namespace
 
 double medianOf(std::vector<double> numbers)
@@ -51,17 +38,15 @@ double medianOf(std::vector<double> numbers)
 ColumnFigures ColumnFigures::of(const std::vector<double>& numbers)
 {
     ColumnFigures figures;
-    DistinctCounter<double> distinct(figures);
     std::vector<double> finite;
     finite.reserve(numbers.size());
     for (const double number : numbers) {
         figures.missing += std::isnan(number) ? 1 : 0;
         if (std::isfinite(number)) {
             finite.push_back(number);
-            distinct.add(number);
         }
     }
-    figures.count = finite.size();
+    countDistinct(finite, figures);
     if (!finite.empty()) {
         const auto [least, greatest] = std::minmax_element(finite.begin(), finite.end());
         figures.minimum = *least;
@@ -74,14 +59,10 @@ ColumnFigures ColumnFigures::of(const std::vector<double>& numbers)
 ColumnFigures ColumnFigures::of(const std::vector<std::string>& texts)
 {
     ColumnFigures figures;
-    DistinctCounter<std::string_view> distinct(figures);
-    for (const std::string& text : texts) {
-        if (text.empty()) {
-            ++figures.missing;
-        } else {
-            ++figures.count;
-            distinct.add(text);
-        }
-    }
+    std::vector<std::string_view> filled;
+    std::copy_if(texts.begin(), texts.end(), std::back_inserter(filled),
+                 [](const std::string& text) { return !text.empty(); });
+    countDistinct(filled, figures);
+    figures.missing = texts.size() - filled.size();
     return figures;
 }

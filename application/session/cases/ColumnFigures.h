@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 /** What a column holds, in a few figures. */
@@ -29,3 +30,14 @@ struct ColumnFigures
 
 /** The mean of the two middle ones of an even number. @param numbers at least one, none NaN. */
 SURROGATE_SESSION_EXPORT double medianOf(std::vector<double> numbers);
+
+/** How many values of a column differ, counted up to `max`. */
+template <typename Value>
+std::size_t distinctValues(const std::vector<Value>& values, std::size_t max)
+{
+    std::unordered_set<Value> seen;
+    for (auto value = values.begin(); value != values.end() && seen.size() < max; ++value) {
+        seen.insert(*value);
+    }
+    return seen.size();
+}

@@ -19,12 +19,6 @@ namespace {
 /** Of fewer cases every one is far from the others. */
 constexpr std::size_t minCases = 8;
 
-Finding finding(const std::string& kind, Finding::Severity severity,
-                const std::vector<std::string>& columns, const std::string& text)
-{
-    return {kind, severity, columns, text};
-}
-
 void addConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findings)
 {
     std::vector<std::string> constant;
@@ -33,86 +27,66 @@ void addConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findin
             constant.push_back(input.name);
         }
     }
-    if (constant.size() == 1) {
-        findings.push_back(finding("constantInput", Finding::Warning, constant,
-                                   names(constant) +
-                                       " is the same in every case: the model learns "
-                                       "nothing about it and ignores it; leave it "
-                                       "out of the inputs" +
-                                       settingHint(Setting::Inputs) + '.'));
-    } else if (!constant.empty()) {
-        findings.push_back(finding("constantInput", Finding::Warning, constant,
-                                   names(constant) +
-                                       " are the same in every case: the model learns "
-                                       "nothing about them and ignores them; leave "
-                                       "them out of the inputs" +
-                                       settingHint(Setting::Inputs) + '.'));
+    if (constant.empty()) {
+        return;
     }
-}
-
-/** The row of the only case whose value differs; none if there are others. */
-std::optional<std::size_t> onlyOtherRow(const Column& column)
-{
-    const std::vector<double>& values = column.values;
-    // The value of most cases is one of the first three.
-    const double common = values[0] == values[1] || values[0] == values[2] ? values[0] : values[1];
-    std::optional<std::size_t> other;
-    for (std::size_t row = 0; row < values.size(); ++row) {
-        if (values[row] != common) {
-            if (other) {
-                return std::nullopt;
-            }
-            other = row;
-        }
-    }
-    return other;
+    const bool isOne = constant.size() == 1;
+    const std::string them = isOne ? "it" : "them";
+    findings.push_back(Finding("constantInput", Finding::Warning, constant,
+                               names(constant) + (isOne ? " is" : " are") +
+                                   " the same in every case: the model learns nothing about " +
+                                   them + " and ignores " + them + "; leave " + them +
+                                   " out of the inputs" + settingHint(Setting::Inputs) + '.'));
 }
 
 void addNearlyConstantInputs(const DiagnosedCases& cases, std::vector<Finding>& findings)
 {
     constexpr double minVariation = 1e-6;
     constexpr std::size_t maxSentences = 3;
-    std::vector<std::string> found;
-    std::vector<std::string> sentences;
+    const std::string outOfInputs =
+        "leave it out of the inputs" + settingHint(Setting::Inputs) + '.';
+    std::vector<std::string> columns;
+    std::vector<Finding> found;
     for (const Column& input : cases.inputs) {
         if (input.isConstant()) {
             continue;
         }
         const double size = std::max(std::fabs(input.minimum()), std::fabs(input.maximum()));
-        const std::optional<std::size_t> row = onlyOtherRow(input);
-        if (row) {
+        std::string text;
+        if (const std::optional<std::size_t> row = input.onlyOtherRow()) {
             const double common = input.values[*row == 0 ? 1 : 0];
-            sentences.push_back(names({input.name}) + " is " + shownNumber(common) +
-                                " in every case but case " +
-                                std::to_string(cases.positions[*row] + 1) +
-                                ": its effect rests on that case alone; vary it in more cases or "
-                                "leave it out of the inputs" +
-                                settingHint(Setting::Inputs) + '.');
+            text = " is " + shownNumber(common) + " in every case but case " +
+                   std::to_string(cases.positions[*row] + 1) +
+                   ": its effect rests on that case alone; vary it in more cases or ";
         } else if (input.range() < minVariation * size) {
-            sentences.push_back(names({input.name}) +
-                                " varies by less than a millionth of its size: it may hold nothing "
-                                "but rounding; write it with its offset taken off or leave it out "
-                                "of the inputs" +
-                                settingHint(Setting::Inputs) + '.');
+            text = " varies by less than a millionth of its size: it may hold nothing but "
+                   "rounding; write it with its offset taken off or ";
         } else {
             continue;
         }
-        found.push_back(input.name);
+        columns.push_back(input.name);
+        found.push_back(Finding("nearlyConstantInput", Finding::Warning, {input.name},
+                                names({input.name}) + text + outOfInputs));
     }
     if (found.size() > maxSentences) {
-        findings.push_back(finding("nearlyConstantInput", Finding::Warning, found,
-                                   names(found) +
-                                       " hardly vary, most of them in one case alone: "
-                                       "their effects rest on single cases; vary them "
-                                       "in more cases or leave them out of the inputs" +
-                                       settingHint(Setting::Inputs) + '.'));
-        return;
+        found = {Finding("nearlyConstantInput", Finding::Warning, columns,
+                         names(columns) +
+                             " hardly vary, most of them in one case alone: their "
+                             "effects rest on single cases; vary them in more cases "
+                             "or leave them out of the inputs" +
+                             settingHint(Setting::Inputs) + '.')};
     }
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        findings.push_back(
-            finding("nearlyConstantInput", Finding::Warning, {found[i]}, sentences[i]));
-    }
+    findings.insert(findings.end(), found.begin(), found.end());
 }
+
+/** Neighbours in a sorted column. */
+struct Part
+{
+    std::size_t count() const { return end - begin; }
+
+    std::size_t begin;
+    std::size_t end;
+};
 
 /** The values of a column in ascending order, divided at the widest interval. */
 struct SortedColumn
@@ -135,11 +109,12 @@ struct SortedColumn
     double range() const { return sorted.back() - sorted.front(); }
     double gap() const { return value(split) - value(split - 1); }
 
-    std::size_t distinct(std::size_t begin, std::size_t end) const
+    std::size_t distinct() const { return distinct({0, count()}); }
+    std::size_t distinct(const Part& part) const
     {
         std::size_t different = 0;
-        for (std::size_t i = begin; i < end; ++i) {
-            different += i == begin || value(i) != value(i - 1) ? 1 : 0;
+        for (std::size_t i = part.begin; i < part.end; ++i) {
+            different += i == part.begin || value(i) != value(i - 1) ? 1 : 0;
         }
         return different;
     }
@@ -155,22 +130,20 @@ bool isCode(double number)
     return std::find(codes.begin(), codes.end(), number) != codes.end();
 }
 
-/** The share of the cases from `begin` to `end` in the sum of squares about the mean of the others:
- *  their leverage in a line through all, but for the constant. */
-double shareOfSquares(const SortedColumn& column, std::size_t begin, std::size_t end)
+/** The share of the far cases in the sum of squares about the mean of the others: their leverage in
+ *  a line through all, but for the constant. */
+double shareOfSquares(const SortedColumn& column, const Part& far, const Part& rest)
 {
-    const auto isFar = [&](std::size_t i) { return i >= begin && i < end; };
     double mean = 0.0;
-    for (std::size_t i = 0; i < column.count(); ++i) {
-        mean +=
-            isFar(i) ? 0.0 : column.value(i) / static_cast<double>(column.count() - (end - begin));
+    for (std::size_t i = rest.begin; i < rest.end; ++i) {
+        mean += column.value(i) / static_cast<double>(rest.count());
     }
     double squares = 0.0;
     double ofFar = 0.0;
     for (std::size_t i = 0; i < column.count(); ++i) {
         const double square = std::pow((column.value(i) - mean) / column.range(), 2);
         squares += square;
-        ofFar += isFar(i) ? square : 0.0;
+        ofFar += i >= far.begin && i < far.end ? square : 0.0;
     }
     return ofFar / squares;
 }
@@ -198,64 +171,59 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
         return;
     }
     const bool isAbove = 2 * sorted.split > sorted.count();
-    const std::size_t begin = isAbove ? sorted.split : 0;
-    const std::size_t end = isAbove ? sorted.count() : sorted.split;
-    const std::size_t far = end - begin;
-    const std::size_t restBegin = isAbove ? 0 : sorted.split;
-    const std::size_t restEnd = isAbove ? sorted.split : sorted.count();
-    const double restRange = sorted.value(restEnd - 1) - sorted.value(restBegin);
+    Part far = {0, sorted.split};
+    Part rest = {sorted.split, sorted.count()};
+    if (isAbove) {
+        std::swap(far, rest);
+    }
+    const double least = sorted.value(far.begin);
+    const double greatest = sorted.value(far.end - 1);
+    const double restRange = sorted.value(rest.end - 1) - sorted.value(rest.begin);
     // The same number several times among numbers that hardly repeat stands for something.
-    const bool isRepeated =
-        far > 1 && 2 * sorted.distinct(restBegin, restEnd) > restEnd - restBegin;
+    const bool isRepeated = far.count() > 1 && 2 * sorted.distinct(rest) > rest.count();
     const bool areCodes =
-        sorted.distinct(begin, end) == 1 && (isRepeated || isCode(sorted.value(begin))) &&
-        static_cast<double>(far) <= maxCodedShare * static_cast<double>(sorted.count());
-    const bool areFew = far <= std::max<std::size_t>(1, sorted.count() / casesPerFarOne);
+        sorted.distinct(far) == 1 && (isRepeated || isCode(least)) &&
+        static_cast<double>(far.count()) <= maxCodedShare * static_cast<double>(sorted.count());
+    const bool areFew = far.count() <= std::max<std::size_t>(1, sorted.count() / casesPerFarOne);
     const double widthWanted = sorted.value(0) > 0.0 || areCodes ? 1.0 : 2.0;
     if (!(areCodes || areFew) || sorted.gap() < widthWanted * restRange ||
-        sorted.distinct(restBegin, restEnd) < minOtherValues || !isWideInLogarithm(sorted)) {
+        sorted.distinct(rest) < minOtherValues || !isWideInLogarithm(sorted)) {
         return;
     }
 
-    std::vector<std::size_t> positions;
+    std::vector<std::size_t> rows;
     for (std::size_t row = 0; row < column.values.size(); ++row) {
         const double value = column.values[row];
-        if (isAbove ? value >= sorted.value(begin) : value <= sorted.value(end - 1)) {
-            positions.push_back(cases.positions[row]);
+        if (value >= least && value <= greatest) {
+            rows.push_back(row);
         }
     }
-    const bool isOne = far == 1;
-    std::string number =
-        areCodes ? numberText(sorted.value(begin)) : shownFigure(sorted.value(begin));
-    if (!isOne && sorted.distinct(begin, end) > 1) {
-        number += " to " + shownFigure(sorted.value(end - 1));
-    }
-    std::string text = FindingWords::cases(positions) + (isOne ? " has " : " have ") +
-                       names({column.name}) + " = " + number + ", all others lie between " +
-                       shownFigure(sorted.value(restBegin)) + " and " +
-                       shownFigure(sorted.value(restEnd - 1));
-    text[0] = 'C';
+    const bool isOne = far.count() == 1;
+    const std::string name = names({column.name});
+    const std::string number = (areCodes ? numberText(least) : shownFigure(least)) +
+                               (least < greatest ? " to " + shownFigure(greatest) : "");
+    const std::string text = FindingWords::casesFirst(cases.positionsOf(rows)) +
+                             (isOne ? " has " : " have ") + name + " = " + number +
+                             ", all others lie between " + shownFigure(sorted.value(rest.begin)) +
+                             " and " + shownFigure(sorted.value(rest.end - 1));
     if (areCodes) {
-        findings.push_back(
-            finding("missingCode", Finding::Severe, {column.name},
-                    text +
-                        ": the model takes it for a measurement; if it marks a missing value, "
-                        "read it as one" +
-                        settingHint(Setting::MissingCodes, number) + '.'));
+        findings.push_back(Finding("missingCode", Finding::Severe, {column.name},
+                                   text +
+                                       ": the model takes it for a measurement; if it marks a "
+                                       "missing value, read it as one" +
+                                       settingHint(Setting::MissingCodes, number) + '.'));
         return;
     }
     constexpr double nearlyAll = 0.9;
-    const bool decides = shareOfSquares(sorted, begin, end) > nearlyAll;
+    const bool decides = shareOfSquares(sorted, far, rest) > nearlyAll;
     const std::string that = isOne ? "that case" : "these cases";
     const std::string effect =
-        isOutput  ? ": the model bends towards " + std::string(isOne ? "it" : "them")
-        : decides ? ": " + that + (isOne ? " alone decides" : " decide") + " the effect of " +
-                        names({column.name})
-                  : ": the effect of " + names({column.name}) + " rests on " + that +
-                        " more than on others";
+        isOutput  ? "the model bends towards " + std::string(isOne ? "it" : "them")
+        : decides ? that + (isOne ? " alone decides" : " decide") + " the effect of " + name
+                  : "the effect of " + name + " rests on " + that + " more than on others";
     findings.push_back(
-        finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
-                text + effect + "; check the " +
+        Finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
+                text + ": " + effect + "; check the " +
                     (isOne ? "cell, or exclude the case" : "cells, or exclude the cases") +
                     settingHint(Setting::ExcludedCases) + '.'));
 }
@@ -304,36 +272,35 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
     }
     const std::size_t others = sorted.count() - longest;
     if (longest < std::max<std::size_t>(3, sorted.count() / casesPerRepeat) || others < minCases ||
-        10 * (sorted.distinct(0, sorted.count()) - 1) < distinctOfTen * others) {
+        10 * (sorted.distinct() - 1) < distinctOfTen * others) {
         return;
     }
     std::vector<std::size_t> rows;
-    std::vector<std::size_t> positions;
+    std::size_t differentInputs = 0;
     for (std::size_t row = 0; row < sorted.count(); ++row) {
-        const bool isRepeat =
-            !rows.empty() &&
-            std::all_of(cases.inputs.begin(), cases.inputs.end(), [&](const Column& input) {
-                return input.values[row] == input.values[rows.back()];
-            });
-        if (output.values[row] == value) {
-            positions.push_back(cases.positions[row]);
-            if (!isRepeat) {
-                rows.push_back(row);
-            }
+        if (output.values[row] != value) {
+            continue;
         }
+        const auto isSame = [&](const Column& input) {
+            return input.values[row] == input.values[rows.back()];
+        };
+        const bool isRepeat =
+            !rows.empty() && std::all_of(cases.inputs.begin(), cases.inputs.end(), isSame);
+        differentInputs += isRepeat ? 0 : 1;
+        rows.push_back(row);
     }
-    if (rows.size() < 3) {
+    if (differentInputs < 3) {
         return;
     }
-    findings.push_back(
-        finding("repeatedOutput", Finding::Warning, {output.name},
-                names({output.name}) + " is " + numberText(value) + " in " +
-                    std::to_string(longest) + " of " + std::to_string(sorted.count()) +
-                    " cases with different inputs, and hardly another value repeats: it may be a "
-                    "limit of the measurement, a stuck sensor or a default, but the model takes "
-                    "it for measured values; check " +
-                    FindingWords::cases(positions) + ", or exclude them" +
-                    settingHint(Setting::ExcludedCases) + '.'));
+    findings.push_back(Finding(
+        "repeatedOutput", Finding::Warning, {output.name},
+        names({output.name}) + " is " + numberText(value) + " in " + std::to_string(longest) +
+            " of " + std::to_string(sorted.count()) +
+            " cases with different inputs, and hardly another value repeats: it may be a limit of "
+            "the measurement, a stuck sensor or a default, but the model takes it for measured "
+            "values; check " +
+            FindingWords::cases(cases.positionsOf(rows)) + ", or exclude them" +
+            settingHint(Setting::ExcludedCases) + '.'));
 }
 
 std::string spanText(const Column& column)
@@ -354,7 +321,7 @@ std::vector<Finding> ColumnFindings::constants(const DiagnosedCases& cases)
     }
     for (const Column& output : cases.outputs) {
         if (output.isConstant()) {
-            findings.push_back(finding("constantOutput", Finding::Severe, {output.name},
+            findings.push_back(Finding("constantOutput", Finding::Severe, {output.name},
                                        names({output.name}) + " is the same in every case: there "
                                                               "is nothing to model; check the "
                                                               "column or choose another output."));
@@ -376,7 +343,7 @@ std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
     }
     std::vector<std::string> twoValued;
     for (const Column& input : cases.inputs) {
-        if (distinctValues(input.values, 3) == 2 && !onlyOtherRow(input)) {
+        if (input.isTwoValued() && !input.onlyOtherRow()) {
             twoValued.push_back(input.name);
         }
     }
@@ -384,22 +351,20 @@ std::vector<Finding> ColumnFindings::fewValues(const DiagnosedCases& cases)
         !cases.isKriging && cases.responseSurface.terms == PolynomialTerms::Quadratic;
     if (!twoValued.empty() && (hasSquares || cases.isKriging)) {
         const bool isOne = twoValued.size() == 1;
-        findings.push_back(finding(
+        const std::string squares =
+            ", and squares of " + std::string(isOne ? "it" : "them") + " are left out";
+        findings.push_back(Finding(
             "fewValuesInput", Finding::Note, twoValued,
-            names(twoValued) + (isOne ? " takes" : " take") +
-                (isOne
-                     ? " two values only: what lies between them is a straight line at best"
-                     : " two values only each: what lies between them is a straight line at best") +
-                (hasSquares ? ", and squares of " + std::string(isOne ? "it" : "them") +
-                                  " are left out; measure a third value where curvature matters."
-                            : "; measure a third value where curvature matters.")));
+            names(twoValued) + (isOne ? " takes two values only" : " take two values only each") +
+                ": what lies between them is a straight line at best" +
+                (hasSquares ? squares : "") + "; measure a third value where curvature matters."));
     }
     for (const Column& output : cases.outputs) {
         const std::size_t distinct = distinctValues(output.values, fewOutputs + 1);
         if (distinct < 2 || distinct > fewOutputs || cases.count() < 5 * distinct) {
             continue;
         }
-        findings.push_back(finding(
+        findings.push_back(Finding(
             "fewValuesOutput", Finding::Warning, {output.name},
             names({output.name}) + " takes " +
                 std::array<const char*, 5>{"", "", "two", "three", "four"}[distinct] +
@@ -438,7 +403,7 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
     }
     for (const Column& input : cases.inputs) {
         if (isOverDecades(input, minRatioOfInputs) && !hasFarCases(cases, input, false)) {
-            findings.push_back(finding("inputOverDecades", Finding::Warning, {input.name},
+            findings.push_back(Finding("inputOverDecades", Finding::Warning, {input.name},
                                        spanText(input) +
                                            ": the few large values decide its effect; put its "
                                            "logarithm into the file and take that as the input."));
@@ -447,7 +412,7 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
     for (const Column& output : cases.outputs) {
         if (!cases.transformsOutputs && isOverDecades(output, minRatioOfOutputs) &&
             !hasFarCases(cases, output, true)) {
-            findings.push_back(finding("skewedOutput", Finding::Warning, {output.name},
+            findings.push_back(Finding("skewedOutput", Finding::Warning, {output.name},
                                        spanText(output) +
                                            ": the large values decide the fit and the small ones "
                                            "are predicted badly; try a model of the logarithm" +
@@ -472,14 +437,13 @@ std::vector<Finding> ColumnFindings::gaps(const DiagnosedCases& cases)
         const SortedColumn sorted(input);
         const std::size_t fewest = std::max<std::size_t>(3, sorted.count() / casesPerGroup);
         if (sorted.split < fewest || sorted.count() - sorted.split < fewest ||
-            sorted.gap() < minShare * sorted.range() ||
-            sorted.distinct(0, sorted.count()) < minValues ||
-            sorted.distinct(0, sorted.split) < minValuesPerSide ||
-            sorted.distinct(sorted.split, sorted.count()) < minValuesPerSide ||
+            sorted.gap() < minShare * sorted.range() || sorted.distinct() < minValues ||
+            sorted.distinct({0, sorted.split}) < minValuesPerSide ||
+            sorted.distinct({sorted.split, sorted.count()}) < minValuesPerSide ||
             isOverDecades(input, 100.0)) {
             continue;
         }
-        findings.push_back(finding(
+        findings.push_back(Finding(
             "gap", Finding::Warning, {input.name},
             "No case has " + names({input.name}) + " between " +
                 shownFigure(sorted.value(sorted.split - 1)) + " and " +

@@ -104,10 +104,10 @@ private:
         bool isExact;
     };
 
-    static Kept centred(const Column& source, Numbers& values);
+    Kept keptOf(const Column& source) const;
     void add(const Column& source);
     void findFormulaOf(const Column& output);
-    std::optional<Dependence> dependenceOf(const Kept& column, const Numbers& values) const;
+    std::optional<Dependence> dependenceOf(const Kept& column) const;
     std::string formula(const Kept& column, const Numbers& coefficients, double tolerance,
                         std::vector<std::string>& columns) const;
     double largestError(const Kept& column, const Numbers& coefficients) const;
@@ -122,15 +122,11 @@ private:
     std::vector<Kept> kept;
 };
 
-/** @param values receives the centred ones. */
-LinearDependences::Kept LinearDependences::centred(const Column& source, Numbers& values)
+LinearDependences::Kept LinearDependences::keptOf(const Column& source) const
 {
-    values = source.values;
-    const double middle = mean(values);
-    for (double& value : values) {
-        value -= middle;
-    }
-    return {&source, middle, length(values), source.range(), lastDigit(source.values)};
+    Kept column = {&source, mean(source.values), 0.0, source.range(), lastDigit(source.values)};
+    column.length = length(centredValues(column));
+    return column;
 }
 
 void LinearDependences::add(const Column& source)
@@ -138,18 +134,15 @@ void LinearDependences::add(const Column& source)
     if (!hasCasesFor(kept.size()) || source.isConstant()) {
         return;
     }
-    Numbers values;
-    const Kept column = centred(source, values);
-    if (const std::optional<Dependence> found = dependenceOf(column, values)) {
+    const Kept column = keptOf(source);
+    if (const std::optional<Dependence> found = dependenceOf(column)) {
         dependent.push_back(
-            {"dependentInput", Finding::Warning, found->columns,
-             found->formula + effectOf(found->isExact) + " and predictions off this " +
-                 (found->columns.size() > 2 ? "plane" : "line") + " are extrapolation; leave " +
-                 names({source.name}) + " out of the inputs" + settingHint(Setting::Inputs) +
-                 " or vary it independently."});
-        return;
-    }
-    if (orthonormal.append(values.data())) {
+            Finding("dependentInput", Finding::Warning, found->columns,
+                    found->formula + effectOf(found->isExact) + " and predictions off this " +
+                        (found->columns.size() > 2 ? "plane" : "line") +
+                        " are extrapolation; leave " + names({source.name}) + " out of the inputs" +
+                        settingHint(Setting::Inputs) + " or vary it independently."));
+    } else if (orthonormal.append(centredValues(column).data())) {
         kept.push_back(column);
     }
 }
@@ -159,15 +152,14 @@ void LinearDependences::findFormulaOf(const Column& output)
     if (!hasCasesFor(kept.size()) || output.isConstant()) {
         return;
     }
-    Numbers values;
-    const Kept column = centred(output, values);
-    if (const std::optional<Dependence> found = dependenceOf(column, values)) {
+    if (const std::optional<Dependence> found = dependenceOf(keptOf(output))) {
         const bool isOne = found->columns.size() == 2;
-        dependent.push_back({"determinedOutput", Finding::Note, found->columns,
-                             found->formula + ": the model only repeats this formula; if the " +
-                                 (isOne ? "input was computed from the output, leave it"
-                                        : "output was computed from these inputs, leave them") +
-                                 " out of the inputs" + settingHint(Setting::Inputs) + '.'});
+        dependent.push_back(
+            Finding("determinedOutput", Finding::Note, found->columns,
+                    found->formula + ": the model only repeats this formula; if the " +
+                        (isOne ? "input was computed from the output, leave it"
+                               : "output was computed from these inputs, leave them") +
+                        " out of the inputs" + settingHint(Setting::Inputs) + '.'));
     }
 }
 
@@ -231,7 +223,7 @@ Numbers LinearDependences::fewestTerms(const Kept& column, const Numbers& coeffi
 }
 
 std::optional<LinearDependences::Dependence>
-LinearDependences::dependenceOf(const Kept& column, const Numbers& values) const
+LinearDependences::dependenceOf(const Kept& column) const
 {
     constexpr double exact = 1e-7;               // relative to the column: rounding of the sums
     constexpr double maxRoundingResidual = 0.02; // larger residuals may be chance
@@ -240,7 +232,7 @@ LinearDependences::dependenceOf(const Kept& column, const Numbers& values) const
     if (kept.empty()) {
         return std::nullopt;
     }
-    Numbers residuals = values;
+    Numbers residuals = centredValues(column);
     const Numbers coefficients = orthonormal.solve(residuals.data());
     const double residual = length(residuals) / column.length;
     if (residual > maxRoundingResidual) {
@@ -276,16 +268,15 @@ std::string LinearDependences::formula(const Kept& column, const Numbers& coeffi
                                        double tolerance, std::vector<std::string>& columns) const
 {
     constexpr int digits = 4;
+    const double negligible = std::max(1e-6 * column.range, tolerance);
     double constant = column.mean;
     std::string text;
     for (std::size_t k = 0; k < kept.size(); ++k) {
-        const double share = std::fabs(coefficients[k]) * kept[k].range;
-        if (share <= std::max(1e-6 * column.range, tolerance)) {
+        if (std::fabs(coefficients[k]) * kept[k].range <= negligible) {
             constant -= coefficients[k] * kept[k].mean;
             continue;
         }
-        const double coefficient =
-            rounded(coefficients[k], std::max(1e-6 * column.range, tolerance) / kept[k].range);
+        const double coefficient = rounded(coefficients[k], negligible / kept[k].range);
         constant -= coefficient * kept[k].mean;
         const double size = std::fabs(coefficient);
         text += text.empty() ? (coefficient < 0.0 ? "-" : "") : (coefficient < 0.0 ? " - " : " + ");
@@ -293,8 +284,8 @@ std::string LinearDependences::formula(const Kept& column, const Numbers& coeffi
         text += names({kept[k].source->name});
         columns.push_back(kept[k].source->name);
     }
-    constant = rounded(constant, std::max(1e-6 * column.range, tolerance));
-    if (std::fabs(constant) > std::max(1e-6 * column.range, tolerance)) {
+    constant = rounded(constant, negligible);
+    if (std::fabs(constant) > negligible) {
         text += (constant < 0.0 ? " - " : " + ") + shownNumber(std::fabs(constant), digits);
     }
     return names({column.source->name}) + " = " + text;
@@ -371,18 +362,17 @@ std::vector<Finding> LinearDependences::collinear() const
         }
         const std::string list = names(members);
         const bool areMany = members.size() > 3;
+        const std::string which = areMany ? "these inputs" : list;
         const std::string effect =
-            cases.isKriging
-                ? "the effects of " + (areMany ? "these inputs" : list) + " cannot be told apart"
-                : "coefficients of " + (areMany ? "these inputs" : list) +
-                      " cannot be interpreted one by one";
-        findings.push_back({"collinearInputs", Finding::Warning, members,
-                            list + " vary together (variance inflation " + shownFigure(largest) +
-                                "): " + effect + ", and predictions off their common " +
-                                (members.size() > 2 ? "plane" : "line") +
-                                " are extrapolation; vary them independently or leave " +
-                                (members.size() > 2 ? "some" : "one") + " out of the inputs" +
-                                settingHint(Setting::Inputs) + '.'});
+            cases.isKriging ? "the effects of " + which + " cannot be told apart"
+                            : "coefficients of " + which + " cannot be interpreted one by one";
+        findings.push_back(Finding(
+            "collinearInputs", Finding::Warning, members,
+            list + " vary together (variance inflation " + shownFigure(largest) + "): " + effect +
+                ", and predictions off their common " + (members.size() > 2 ? "plane" : "line") +
+                " are extrapolation; vary them independently or leave " +
+                (members.size() > 2 ? "some" : "one") + " out of the inputs" +
+                settingHint(Setting::Inputs) + '.'));
     }
     return findings;
 }
@@ -394,8 +384,8 @@ std::vector<Finding> DependenceFindings::find(const DiagnosedCases& cases)
         return {};
     }
     const LinearDependences dependences(cases);
-    std::vector<Finding> findings = dependences.dependent;
     const std::vector<Finding> collinear = dependences.collinear();
+    std::vector<Finding> findings = dependences.dependent;
     findings.insert(findings.end(), collinear.begin(), collinear.end());
     return findings;
 }

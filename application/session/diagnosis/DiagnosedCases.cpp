@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <unordered_set>
 
 namespace {
 /** SplitMix64. Steele, Lea, Flood: Fast splittable pseudorandom number generators, OOPSLA 2014. */
@@ -24,6 +23,25 @@ std::uint64_t mixed(std::uint64_t state)
 bool DiagnosedCases::Column::isConstant() const
 {
     return std::adjacent_find(values.begin(), values.end(), std::not_equal_to<>()) == values.end();
+}
+
+std::optional<std::size_t> DiagnosedCases::Column::onlyOtherRow() const
+{
+    if (values.size() < 3) {
+        return std::nullopt;
+    }
+    // The value of most cases is one of the first three.
+    const double common = values[0] == values[1] || values[0] == values[2] ? values[0] : values[1];
+    std::optional<std::size_t> other;
+    for (std::size_t row = 0; row < values.size(); ++row) {
+        if (values[row] != common) {
+            if (other) {
+                return std::nullopt;
+            }
+            other = row;
+        }
+    }
+    return other;
 }
 
 double DiagnosedCases::Column::minimum() const
@@ -58,6 +76,27 @@ std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max)
     return rows;
 }
 
+std::vector<std::size_t> DiagnosedCases::positionsOf(const std::vector<std::size_t>& rows) const
+{
+    std::vector<std::size_t> found;
+    for (const std::size_t row : rows) {
+        found.push_back(positions[row]);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+std::vector<std::string> DiagnosedCases::twoValuedInputs() const
+{
+    std::vector<std::string> names;
+    for (const Column& input : inputs) {
+        if (input.isTwoValued()) {
+            names.push_back(input.name);
+        }
+    }
+    return names;
+}
+
 std::size_t DiagnosedCases::termCount(bool withConstants) const
 {
     std::vector<bool> isCounted;
@@ -87,22 +126,8 @@ DiagnosedCases DiagnosedCases::sample(std::size_t maxCases) const
     if (!blocks.empty()) {
         sampled.blocks = valuesAt(blocks, rows);
     }
-    for (const std::size_t row : rows) {
-        sampled.positions.push_back(positions[row]);
-    }
+    sampled.positions = positionsOf(rows);
     return sampled;
-}
-
-std::size_t distinctValues(const std::vector<double>& values, std::size_t max)
-{
-    std::unordered_set<double> seen;
-    for (const double value : values) {
-        seen.insert(value);
-        if (seen.size() >= max) {
-            break;
-        }
-    }
-    return seen.size();
 }
 
 double lastDigit(const std::vector<double>& values)

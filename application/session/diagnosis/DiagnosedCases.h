@@ -1,10 +1,13 @@
 #pragma once
 
+#include <session/cases/ColumnFigures.h>
+
 #include <mirel_fitting/ResponseSurfaceOptions.h>
 
 #include <surrogate_session/Export.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +22,11 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
 
         /** Whether it has no two values that differ; cheap where it has. */
         bool isConstant() const;
+        /** Whether it has two values. */
+        bool isTwoValued() const { return distinctValues(values, 3) == 2; }
+        /** The row of the only case whose value differs; none if there are others, and of fewer
+         *  than three cases. */
+        std::optional<std::size_t> onlyOtherRow() const;
         double minimum() const;
         double maximum() const;
         double range() const { return maximum() - minimum(); }
@@ -41,6 +49,12 @@ struct SURROGATE_SESSION_EXPORT DiagnosedCases
 
     std::size_t count() const { return positions.size(); }
 
+    /** Where the cases of some rows stand, ascending. */
+    std::vector<std::size_t> positionsOf(const std::vector<std::size_t>& rows) const;
+
+    /** The names of the inputs that have two values. */
+    std::vector<std::string> twoValuedInputs() const;
+
     /** The terms of the response surface, without those of constant inputs or with them. */
     std::size_t termCount(bool withConstants = false) const;
 
@@ -58,10 +72,6 @@ pointersTo(const std::vector<DiagnosedCases::Column>& columns);
 
 /** Positions of at most `max` of `count` rows, ascending, chosen as sample() does. */
 SURROGATE_SESSION_EXPORT std::vector<std::size_t> sampledRows(std::size_t count, std::size_t max);
-
-/** How many values of a column differ, counted up to `max`. */
-SURROGATE_SESSION_EXPORT std::size_t distinctValues(const std::vector<double>& values,
-                                                    std::size_t max);
 
 /** The step of the last digit that the values are written with; 0 if they have more than nine. */
 SURROGATE_SESSION_EXPORT double lastDigit(const std::vector<double>& values);

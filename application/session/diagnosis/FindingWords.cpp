@@ -29,6 +29,11 @@ std::string FindingWords::cases(const std::vector<std::size_t>& positions)
     return (positions.size() == 1 ? "case " : "cases ") + shortList(std::move(numbers));
 }
 
+std::string FindingWords::casesFirst(const std::vector<std::size_t>& positions)
+{
+    return 'C' + cases(positions).substr(1);
+}
+
 std::string FindingWords::percent(double share)
 {
     constexpr double firstWhole = 0.01; // smaller shares would be 0 % or 1 %

@@ -13,6 +13,9 @@ std::string names(const std::vector<std::string>& names);
  *  @param positions from 0. */
 std::string cases(const std::vector<std::size_t>& positions);
 
+/** The same at the beginning of a sentence: "Case 7". */
+std::string casesFirst(const std::vector<std::size_t>& positions);
+
 /** A share, 0 to 1, in percent: "12 %". */
 std::string percent(double share);
 } // namespace FindingWords

@@ -56,33 +56,29 @@ void addOutliers(const std::string& output, const ResponseSurfaceStatistics& sta
         const std::string which = areTwo ? "Either case " + std::to_string(rows[0] + 1) +
                                                " or case " + std::to_string(rows[1] + 1)
                                          : "One of " + FindingWords::cases(rows);
-        findings.push_back({"suspectedOutliers",
-                            Finding::Warning,
-                            {output},
-                            which + " lies far from the fit of " + name +
-                                " to the others, and the design cannot tell which: it bends the "
-                                "fit and widens the intervals; check " +
-                                (areTwo ? "both" : "them") + ", exclude one" +
-                                settingHint(Setting::ExcludedCases) + " and look again."});
+        findings.push_back(
+            Finding("suspectedOutliers", Finding::Warning, {output},
+                    which + " lies far from the fit of " + name +
+                        " to the others, and the design cannot tell which: it bends the "
+                        "fit and widens the intervals; check " +
+                        (areTwo ? "both" : "them") + ", exclude one" +
+                        settingHint(Setting::ExcludedCases) + " and look again."));
         suspected.erase(suspected.begin(), others);
     }
     if (suspected.empty()) {
         return;
     }
     const bool isOne = suspected.size() == 1;
-    std::string text = FindingWords::cases(sortedRows(suspected));
-    text[0] = 'C';
-    findings.push_back(
-        {"suspectedOutliers",
-         Finding::Warning,
-         {output},
-         text + (isOne ? " lies" : " lie") + " far from the fit of " + name + " to the others (" +
-             (isOne ? "its" : "their") + " externally studentised residual" +
-             (isOne ? " exceeds " : "s exceed ") + shownFigure(statistics.outlierLimit) +
-             ", Bonferroni at 5 %): " + (isOne ? "it bends" : "they bend") + " the fit and widen" +
-             (isOne ? "s" : "") + " the intervals; check " + (isOne ? "it" : "them") +
-             ", and fit once more without " + (isOne ? "it" : "them") +
-             settingHint(Setting::ExcludedCases) + '.'});
+    const std::string them = isOne ? "it" : "them";
+    findings.push_back(Finding(
+        "suspectedOutliers", Finding::Warning, {output},
+        FindingWords::casesFirst(sortedRows(suspected)) + (isOne ? " lies" : " lie") +
+            " far from the fit of " + name + " to the others (" + (isOne ? "its" : "their") +
+            " externally studentised residual" + (isOne ? " exceeds " : "s exceed ") +
+            shownFigure(statistics.outlierLimit) +
+            ", Bonferroni at 5 %): " + (isOne ? "it bends" : "they bend") + " the fit and widen" +
+            (isOne ? "s" : "") + " the intervals; check " + them + ", and fit once more without " +
+            them + settingHint(Setting::ExcludedCases) + '.'));
 }
 
 /** Cases that the fit passes near whatever their output is, and that move it. */
@@ -103,19 +99,18 @@ void addInfluentialCases(const std::string& output, const ResponseSurfaceStatist
         return;
     }
     const bool isOne = influential.size() == 1;
+    const std::string them = isOne ? "it" : "them";
     const std::string figures = isOne ? " (leverage " + shownFigure(influential[0].leverage) +
                                             ", Cook's distance " +
                                             shownFigure(influential[0].cooksDistance) + ")"
                                       : "";
-    findings.push_back({"influentialCases",
-                        Finding::Warning,
-                        {output},
-                        "The fit of " + FindingWords::names({output}) + " rests on " +
-                            FindingWords::cases(sortedRows(influential)) + figures +
-                            ": it passes near " + (isOne ? "this case" : "these cases") +
-                            " whatever the output there, so that a fault would not show; check " +
-                            (isOne ? "it" : "them") + ", and repeat " + (isOne ? "it" : "them") +
-                            " or add cases nearby."});
+    findings.push_back(
+        Finding("influentialCases", Finding::Warning, {output},
+                "The fit of " + FindingWords::names({output}) + " rests on " +
+                    FindingWords::cases(sortedRows(influential)) + figures + ": it passes near " +
+                    (isOne ? "this case" : "these cases") +
+                    " whatever the output there, so that a fault would not show; check " + them +
+                    ", and repeat " + them + " or add cases nearby."));
 }
 
 void addPoorPrediction(const std::string& output, const ResponseSurfaceStatistics& statistics,
@@ -127,18 +122,17 @@ void addPoorPrediction(const std::string& output, const ResponseSurfaceStatistic
         return;
     }
     const bool isWorthless = statistics.predictedR2 <= 0.0;
-    findings.push_back({"poorPrediction",
-                        Finding::Warning,
-                        {output},
-                        "The fit of " + FindingWords::names({output}) + " explains " +
-                            FindingWords::percent(statistics.r2) +
-                            " of the variance of its own cases, but predicts left-out ones " +
-                            (isWorthless ? std::string("no better than their mean") : "far worse") +
-                            " (Q2 " + shownFigure(statistics.predictedR2) +
-                            "): it has many terms for so few cases, or single cases decide it; "
-                            "add cases, or choose fewer terms" +
-                            settingHint(Setting::Terms) + " or have them selected" +
-                            settingHint(Setting::TermSelection) + '.'});
+    findings.push_back(
+        Finding("poorPrediction", Finding::Warning, {output},
+                "The fit of " + FindingWords::names({output}) + " explains " +
+                    FindingWords::percent(statistics.r2) +
+                    " of the variance of its own cases, but predicts left-out ones " +
+                    (isWorthless ? std::string("no better than their mean") : "far worse") +
+                    " (Q2 " + shownFigure(statistics.predictedR2) +
+                    "): it has many terms for so few cases, or single cases decide it; "
+                    "add cases, or choose fewer terms" +
+                    settingHint(Setting::Terms) + " or have them selected" +
+                    settingHint(Setting::TermSelection) + '.'));
 }
 } // namespace
 

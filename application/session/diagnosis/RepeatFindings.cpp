@@ -66,16 +66,6 @@ std::vector<Rows> copiesIn(const Rows& group, const DiagnosedCases& cases)
     return copies;
 }
 
-std::vector<std::size_t> positionsOf(const DiagnosedCases& cases, const Rows& rows)
-{
-    std::vector<std::size_t> positions;
-    for (const std::size_t row : rows) {
-        positions.push_back(cases.positions[row]);
-    }
-    std::sort(positions.begin(), positions.end());
-    return positions;
-}
-
 /** That two cases have the same outputs, if these were independent of each other. */
 double chanceOfEqualOutputs(const DiagnosedCases& cases)
 {
@@ -190,29 +180,17 @@ void addCopies(const DiagnosedCases& cases, const std::vector<Rows>& groups,
                            ? "1 case is an exact copy of another ("
                            : std::to_string(repeated) + " cases are exact copies of others (";
     text += (repeated == 1 ? "" : "such as ") +
-            FindingWords::cases(positionsOf(cases, {copies.front()[0], copies.front()[1]})) +
+            FindingWords::cases(cases.positionsOf({copies.front()[0], copies.front()[1]})) +
             "): counted again they make errors look smaller than they are";
     if (areAllCopies && !cases.isKriging) {
         text += ", and the lack of fit is not available: the repeats are exact copies";
     }
     constexpr std::size_t casesPerCopy = 20; // in as many one copy changes little
-    findings.push_back({"exactCopies",
-                        casesPerCopy * repeated <= cases.count() ? Finding::Note : Finding::Warning,
-                        {},
-                        text + "; exclude them" + settingHint(Setting::ExcludedCases) +
-                            " unless each was measured."});
-}
-
-/** About the mean. */
-double squaresOf(const Column& output)
-{
-    const double count = static_cast<double>(output.values.size());
-    const double mean = std::accumulate(output.values.begin(), output.values.end(), 0.0) / count;
-    double squares = 0.0;
-    for (const double value : output.values) {
-        squares += (value - mean) * (value - mean);
-    }
-    return squares;
+    findings.push_back(
+        Finding("exactCopies",
+                casesPerCopy * repeated <= cases.count() ? Finding::Note : Finding::Warning, {},
+                text + "; exclude them" + settingHint(Setting::ExcludedCases) +
+                    " unless each was measured."));
 }
 
 void addConflicts(const DiagnosedCases& cases, const Column& output,
@@ -224,24 +202,25 @@ void addConflicts(const DiagnosedCases& cases, const Column& output,
     constexpr double otherRepeats = 0.1; // of the variance, without the worst pair
     constexpr std::size_t minDegrees = 3;
     const PureError error = pureErrorOf(output, groups);
-    const double squares = squaresOf(output);
+    Rows all(cases.count());
+    std::iota(all.begin(), all.end(), std::size_t(0));
+    const double squares = pureErrorOf(output, {all}).squares;
     const double variance = squares / static_cast<double>(cases.count() - 1);
     if (cases.count() < minCases || error.worst.empty() || variance == 0.0) {
         return;
     }
-    const std::string pair = FindingWords::cases(positionsOf(cases, error.worst));
+    const std::vector<std::size_t> pair = cases.positionsOf(error.worst);
     const std::string figures =
         distinctFigures(output.values[error.worst[0]], output.values[error.worst[1]]);
     if (error.variance() > unexplained * variance && error.degreesOfFreedom >= minDegrees) {
         findings.push_back(
-            {"unexplainedOutput",
-             Finding::Warning,
-             {output.name},
-             "Cases with the same inputs differ in " + names({output.name}) + " (" + pair +
-                 " have " + figures + "): no model of these inputs can explain more than " +
-                 FindingWords::percent(std::max(0.0, 1.0 - error.squares / squares)) +
-                 " of its variance; check these cases, or look for the input that "
-                 "is missing."});
+            Finding("unexplainedOutput", Finding::Warning, {output.name},
+                    "Cases with the same inputs differ in " + names({output.name}) + " (" +
+                        FindingWords::cases(pair) + " have " + figures +
+                        "): no model of these inputs can explain more than " +
+                        FindingWords::percent(std::max(0.0, 1.0 - error.squares / squares)) +
+                        " of its variance; check these cases, or look for the input that "
+                        "is missing."));
         return;
     }
     const double worstSquares = 0.5 * error.largestRange * error.largestRange;
@@ -249,19 +228,17 @@ void addConflicts(const DiagnosedCases& cases, const Column& output,
     const bool stand = others == 0 || error.squares - worstSquares <=
                                           otherRepeats * variance * static_cast<double>(others);
     if (error.largestRange >= conflicting * output.range() && stand) {
-        std::string sentence = pair;
-        sentence[0] = 'C';
-        findings.push_back({"conflictingRepeats",
-                            Finding::Warning,
-                            {output.name},
-                            sentence + " have the same inputs and yet " + names({output.name}) +
-                                " = " + figures + ", " +
-                                FindingWords::percent(error.largestRange / output.range()) +
-                                " of its range apart: no model can pass near both; check both "
-                                "cases, and exclude a wrong one" +
-                                settingHint(Setting::ExcludedCases) + '.'});
+        findings.push_back(
+            Finding("conflictingRepeats", Finding::Warning, {output.name},
+                    FindingWords::casesFirst(pair) + " have the same inputs and yet " +
+                        names({output.name}) + " = " + figures + ", " +
+                        FindingWords::percent(error.largestRange / output.range()) +
+                        " of its range apart: no model can pass near both; check both "
+                        "cases, and exclude a wrong one" +
+                        settingHint(Setting::ExcludedCases) + '.'));
     }
 }
+
 /** The share of the pairs of values that differ by no more than the tolerance. */
 double shareOfNearPairs(std::vector<double> values, double tolerance)
 {
@@ -348,17 +325,15 @@ std::vector<Finding> RepeatFindings::nearCopies(const DiagnosedCases& cases)
     if (found == 0 || static_cast<double>(found) <= 10.0 * expected) {
         return findings;
     }
-    std::string text = FindingWords::cases(positionsOf(cases, example));
-    text[0] = 'C';
+    std::string text = FindingWords::casesFirst(cases.positionsOf(example));
     if (found > 1) {
         text += cases.isSample ? " and at least " : " and ";
         text += countedText(found - 1, "other pair");
     }
-    findings.push_back({"nearCopies",
-                        Finding::Note,
-                        {},
-                        text + " differ by less than a thousandth of the range in every input: the "
-                               "model takes what their outputs differ by for noise; give repeats "
-                               "the same inputs if they are meant to be the same."});
+    findings.push_back(
+        Finding("nearCopies", Finding::Note, {},
+                text + " differ by less than a thousandth of the range in every input: the "
+                       "model takes what their outputs differ by for noise; give repeats "
+                       "the same inputs if they are meant to be the same."));
     return findings;
 }

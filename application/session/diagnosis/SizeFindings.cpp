@@ -48,12 +48,7 @@ std::string thirdValues(const DiagnosedCases& cases)
     if (cases.count() < minCases) {
         return "";
     }
-    std::vector<std::string> twoValued;
-    for (const Column& input : cases.inputs) {
-        if (distinctValues(input.values, 3) == 2) {
-            twoValued.push_back(input.name);
-        }
-    }
+    const std::vector<std::string> twoValued = cases.twoValuedInputs();
     if (cases.responseSurface.terms != PolynomialTerms::Quadratic || twoValued.empty()) {
         return "";
     }
@@ -70,6 +65,11 @@ bool determineInteractions(const DiagnosedCases& cases, std::size_t rank)
     DiagnosedCases smaller = cases;
     smaller.responseSurface.terms = PolynomialTerms::Interactions;
     return TermFindings::rank(smaller) == rank && smaller.termCount() == rank;
+}
+
+std::vector<Finding> tooFewCases(const std::string& text)
+{
+    return {Finding("tooFewCases", Finding::Warning, {}, text)};
 }
 } // namespace
 
@@ -89,14 +89,12 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
         if (different >= wanted) {
             return {};
         }
-        return {{"tooFewCases",
-                 Finding::Warning,
-                 {},
-                 countedText(different, "different case") + (different == 1 ? " is" : " are") +
-                     " few for Kriging of " + countedText(inputs, "input") +
-                     ": it cannot find out which inputs matter; it takes " +
-                     std::to_string(wanted) + " at least and " + std::to_string(10 * inputs) +
-                     " to be good, or fewer inputs" + settingHint(Setting::Inputs) + '.'}};
+        return tooFewCases(countedText(different, "different case") +
+                           (different == 1 ? " is" : " are") + " few for Kriging of " +
+                           countedText(inputs, "input") +
+                           ": it cannot find out which inputs matter; it takes " +
+                           std::to_string(wanted) + " at least and " + std::to_string(10 * inputs) +
+                           " to be good, or fewer inputs" + settingHint(Setting::Inputs) + '.');
     }
 
     const std::size_t terms = cases.termCount();
@@ -127,65 +125,53 @@ std::vector<Finding> SizeFindings::find(const DiagnosedCases& cases)
             (hasTwoLevels && cases.count() > *rank && determineInteractions(cases, *rank))) {
             return {};
         }
-        return {{"tooFewCases",
-                 Finding::Warning,
-                 {},
-                 countedText(cases.count(), "case") + " for the " + wanted + " of a " + model +
-                     ": all of second order are left out; choose fewer terms" +
-                     settingHint(Setting::Terms) +
-                     ", or add "
-                     "cases with other combinations of the inputs, up to " +
-                     std::to_string(columns) + " at least."}};
+        return tooFewCases(countedText(cases.count(), "case") + " for the " + wanted + " of a " +
+                           model + ": all of second order are left out; choose fewer terms" +
+                           settingHint(Setting::Terms) +
+                           ", or add cases with other combinations of the inputs, up to " +
+                           std::to_string(columns) + " at least.");
     }
     if (different < terms && different <= inputs + ofBlocks) {
-        return {{"tooFewCases",
-                 Finding::Warning,
-                 {},
-                 countedText(different, "different case") + (different == 1 ? " does" : " do") +
-                     " not even determine the linear terms of " + countedText(inputs, "input") +
-                     ", which take " + std::to_string(inputs + 1 + ofBlocks) + blocks +
-                     ": the model is the mean of the cases; name the inputs that matter" +
-                     settingHint(Setting::Inputs) + ", or try Kriging" +
-                     settingHint(Setting::Model, "kriging") +
-                     (inputs > 2 * different
-                          ? "; if the variables stand in rows, write them in columns."
-                          : ".")}};
+        return tooFewCases(
+            countedText(different, "different case") + (different == 1 ? " does" : " do") +
+            " not even determine the linear terms of " + countedText(inputs, "input") +
+            ", which take " + std::to_string(inputs + 1 + ofBlocks) + blocks +
+            ": the model is the mean of the cases; name the inputs that matter" +
+            settingHint(Setting::Inputs) + ", or try Kriging" +
+            settingHint(Setting::Model, "kriging") +
+            (inputs > 2 * different ? "; if the variables stand in rows, write them in columns."
+                                    : "."));
     }
     if (different < columns) {
         const std::string smaller =
             cases.responseSurface.terms == PolynomialTerms::Linear
                 ? "add them or choose fewer inputs" + settingHint(Setting::Inputs)
                 : "add them or choose fewer terms" + settingHint(Setting::Terms);
-        return {{"tooFewCases",
-                 Finding::Warning,
-                 {},
-                 countedText(different, "different case") + (different == 1 ? " does" : " do") +
-                     " not determine the " + wanted + " of a " + model + ": terms are left out; " +
-                     std::to_string(columns) + " cases would do" + thirdValues(cases) + " and " +
-                     std::to_string(columns + terms / 2 + 1) + " would leave some for the error; " +
-                     smaller + "."}};
+        return tooFewCases(countedText(different, "different case") +
+                           (different == 1 ? " does" : " do") + " not determine the " + wanted +
+                           " of a " + model + ": terms are left out; " + std::to_string(columns) +
+                           " cases would do" + thirdValues(cases) + " and " +
+                           std::to_string(columns + terms / 2 + 1) +
+                           " would leave some for the error; " + smaller + ".");
     }
     if (cases.count() == columns) {
-        return {{"saturatedFit",
-                 Finding::Warning,
-                 {},
-                 "A " + model + " has as many terms as there are cases, " +
-                     std::to_string(columns) + blocks +
-                     ": it passes through all of them, and no case is left to estimate its error "
-                     "from; "
-                     "add cases, or choose fewer terms" +
-                     settingHint(Setting::Terms) + '.'}};
+        return {Finding(
+            "saturatedFit", Finding::Warning, {},
+            "A " + model + " has as many terms as there are cases, " + std::to_string(columns) +
+                blocks +
+                ": it passes through all of them, and no case is left to estimate its error "
+                "from; add cases, or choose fewer terms" +
+                settingHint(Setting::Terms) + '.')};
     }
     if (cases.count() <= columns + 2) {
         const std::size_t spare = cases.count() - columns;
-        return {{"fewDegreesOfFreedom",
-                 Finding::Note,
-                 {},
-                 "A " + model + " has " + wanted + ", and there " +
-                     (spare == 1 ? "is 1 case" : "are 2 cases") +
-                     " more: its errors and p-values rest on " +
-                     (spare == 1 ? "that one" : "these two") +
-                     "; add cases, or choose fewer terms" + settingHint(Setting::Terms) + '.'}};
+        return {Finding("fewDegreesOfFreedom", Finding::Note, {},
+                        "A " + model + " has " + wanted + ", and there " +
+                            (spare == 1 ? "is 1 case" : "are 2 cases") +
+                            " more: its errors and p-values rest on " +
+                            (spare == 1 ? "that one" : "these two") +
+                            "; add cases, or choose fewer terms" + settingHint(Setting::Terms) +
+                            '.')};
     }
     return {};
 }

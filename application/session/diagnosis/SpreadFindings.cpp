@@ -173,33 +173,33 @@ std::vector<Finding> SpreadFindings::find(const DiagnosedCases& cases)
     const std::vector<std::string> columns = differingInputs(points, side);
     const std::string where = columns.empty() ? "" : " in " + names(columns);
     if (members >= std::max<std::size_t>(3, points.count / 10)) {
-        findings.push_back(
-            {"clusters", Finding::Warning, columns,
-             "The cases form two groups, of " + sizesText(members, cases) + ", that lie apart" +
-                 where +
-                 ": predictions between them rest on the model's form alone; add cases there or "
-                 "model each group by itself."});
+        findings.push_back(Finding(
+            "clusters", Finding::Warning, columns,
+            "The cases form two groups, of " + sizesText(members, cases) + ", that lie apart" +
+                where +
+                ": predictions between them rest on the model's form alone; add cases there or "
+                "model each group by itself."));
         return findings;
     }
     if (cases.isSample) { // others may lie near them
         return findings;
     }
-    std::vector<std::size_t> positions;
+    std::vector<std::size_t> lonely;
     for (std::size_t row = 0; row < points.count; ++row) {
         if (side[row]) {
-            positions.push_back(cases.positions[row]);
+            lonely.push_back(row);
         }
     }
-    if (positions.size() > 3) {
+    if (lonely.size() > 3) {
         return findings;
     }
-    std::string text = FindingWords::cases(positions);
-    text[0] = 'C';
-    findings.push_back({"lonelyCases", Finding::Warning, columns,
-                        text + (positions.size() == 1 ? " lies" : " lie") + " far from all others" +
-                            where + ": the model follows " +
-                            (positions.size() == 1 ? "it" : "them") + " there, and a fault in " +
-                            (positions.size() == 1 ? "it" : "them") + " would not show; check " +
-                            (positions.size() == 1 ? "it" : "them") + " or add cases there."});
+    const bool isOne = lonely.size() == 1;
+    const std::string them = isOne ? "it" : "them";
+    findings.push_back(Finding("lonelyCases", Finding::Warning, columns,
+                               FindingWords::casesFirst(cases.positionsOf(lonely)) +
+                                   (isOne ? " lies" : " lie") + " far from all others" + where +
+                                   ": the model follows " + them + " there, and a fault in " +
+                                   them + " would not show; check " + them +
+                                   " or add cases there."));
     return findings;
 }

@@ -15,7 +15,6 @@ using Column = DiagnosedCases::Column;
 using FindingWords::names;
 
 namespace {
-using Numbers = std::vector<double>;
 using Term = TermFormula::Term;
 
 bool isSquare(const Term& term)
@@ -118,13 +117,8 @@ Finding findingOf(const std::vector<Term>& terms, const std::vector<Term>& partn
 bool isSaidOfColumn(const Term& term, const DiagnosedCases& cases)
 {
     return std::any_of(term.begin(), term.end(), [&](std::size_t input) {
-        const Numbers& values = cases.inputs[input].values;
-        if (distinctValues(values, 3) != 2) {
-            return false;
-        }
-        const auto first = std::count(values.begin(), values.end(), values.front());
-        return isSquare(term) || first == 1 ||
-               first + 1 == static_cast<std::ptrdiff_t>(values.size());
+        const Column& column = cases.inputs[input];
+        return column.isTwoValued() && (isSquare(term) || column.onlyOtherRow());
     });
 }
 } // namespace
@@ -161,11 +155,12 @@ std::vector<Finding> TermFindings::find(const DiagnosedCases& cases)
     }
     std::vector<Finding> findings;
     if (groups.size() > maxSentences) {
-        return {{"inestimableTerms", Finding::Warning, inputsOf(all, cases),
-                 listOf(all, cases) +
-                     " cannot be told apart from other terms by these cases: the model leaves them "
-                     "out; add cases with other combinations of the inputs, or choose fewer terms" +
-                     settingHint(Setting::Terms) + '.'}};
+        return {Finding(
+            "inestimableTerms", Finding::Warning, inputsOf(all, cases),
+            listOf(all, cases) +
+                " cannot be told apart from other terms by these cases: the model leaves them "
+                "out; add cases with other combinations of the inputs, or choose fewer terms" +
+                settingHint(Setting::Terms) + '.')};
     }
     for (const auto& [terms, partners] : groups) {
         findings.push_back(findingOf(terms, partners, cases));

@@ -38,10 +38,10 @@ TEST(DiagnosedCases, TheSampleOfAGridHasAllItsValues)
     EXPECT_EQ(sampled.positions.size(), 100u);
 }
 
-TEST(DiagnosedCases, DistinctValuesAndTheLastDigitAreCounted)
+TEST(DiagnosedCases, TheirDistinctValuesAndLastDigitAreCounted)
 {
-    EXPECT_EQ(distinctValues({1, 2, 2, 3, 1}, 9), 3u);
-    EXPECT_EQ(distinctValues({1, 2, 2, 3, 1}, 2), 2u);
+    EXPECT_EQ(distinctValues(std::vector<double>{1, 2, 2, 3, 1}, 9), 3u);
+    EXPECT_EQ(distinctValues(std::vector<double>{1, 2, 2, 3, 1}, 2), 2u);
     EXPECT_EQ(lastDigit({1, 20, 300}), 1.0);
     EXPECT_DOUBLE_EQ(lastDigit({1, 2.25, 0.5}), 0.01);
     EXPECT_EQ(lastDigit({1.0 / 3.0}), 0.0);

@@ -11,6 +11,7 @@ TEST(FindingWords, ListNamesCasesAndShares)
     EXPECT_EQ(FindingWords::names({"a\nb"}), "a\\x0Ab");
     EXPECT_EQ(FindingWords::cases({6}), "case 7");
     EXPECT_EQ(FindingWords::cases({0, 3}), "cases 1 and 4");
+    EXPECT_EQ(FindingWords::casesFirst({0, 3}), "Cases 1 and 4");
     EXPECT_EQ(FindingWords::percent(0.624), "62 %");
     EXPECT_EQ(FindingWords::percent(0.00128), "0.13 %");
     EXPECT_EQ(FindingWords::percent(0.0), "0 %");

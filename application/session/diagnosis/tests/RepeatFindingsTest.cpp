@@ -57,28 +57,24 @@ TEST(RepeatFindings, EqualOutputsOfFewValuesAreNoCopies)
 
 TEST(RepeatFindings, RepeatsFarApartConflict)
 {
-    const auto findings = RepeatFindings::repeats(casesWithRepeats({firstOutput + 0.55}));
-
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].kind, "conflictingRepeats");
+    const Finding finding = onlyOf(RepeatFindings::repeats(casesWithRepeats({firstOutput + 0.55})));
+    EXPECT_EQ(finding.kind, "conflictingRepeats");
     EXPECT_EQ(
-        findings[0].text,
+        finding.text,
         "Cases 1 and 11 have the same inputs and yet y = 0.4142 and 0.9642, 62 % of its range "
         "apart: no model can pass near both; check both cases, and exclude a wrong one.");
 }
 
 TEST(RepeatFindings, RepeatsThatVaryAsMuchAsAllLackAnInput)
 {
-    const auto findings = RepeatFindings::repeats(
-        casesOf({{"a", {1, 1, 1, 1, 2, 2, 2, 2}}}, {{"y", {1, 5, 9, 3, 2, 8, 4, 7}}}));
-
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].kind, "unexplainedOutput");
-    EXPECT_NE(findings[0].text.find("no model of these inputs can explain more than 2 % of its "
-                                    "variance; check these cases, or look for the input that is "
-                                    "missing."),
+    const Finding finding = onlyOf(RepeatFindings::repeats(
+        casesOf({{"a", {1, 1, 1, 1, 2, 2, 2, 2}}}, {{"y", {1, 5, 9, 3, 2, 8, 4, 7}}})));
+    EXPECT_EQ(finding.kind, "unexplainedOutput");
+    EXPECT_NE(finding.text.find("no model of these inputs can explain more than 2 % of its "
+                                "variance; check these cases, or look for the input that is "
+                                "missing."),
               std::string::npos)
-        << findings[0].text;
+        << finding.text;
 }
 
 TEST(RepeatFindings, WhatRepeatsLeaveToExplainIsAShareOfAllCases)
@@ -87,12 +83,11 @@ TEST(RepeatFindings, WhatRepeatsLeaveToExplainIsAShareOfAllCases)
     std::vector<double> inputs = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 4, 5, 6};
     std::vector<double> outputs = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 8, 9, 10};
 
-    const auto findings = RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}}));
-
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].kind, "unexplainedOutput");
-    EXPECT_NE(findings[0].text.find("more than 79 % of its variance"), std::string::npos)
-        << findings[0].text;
+    const Finding finding =
+        onlyOf(RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}})));
+    EXPECT_EQ(finding.kind, "unexplainedOutput");
+    EXPECT_NE(finding.text.find("more than 79 % of its variance"), std::string::npos)
+        << finding.text;
 }
 
 TEST(RepeatFindings, OneCopyAmongManyCasesIsANote)
@@ -102,11 +97,10 @@ TEST(RepeatFindings, OneCopyAmongManyCasesIsANote)
     inputs.push_back(inputs[3]);
     outputs.push_back(outputs[3]);
 
-    const auto findings = RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}}));
-
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].kind, "exactCopies");
-    EXPECT_EQ(findings[0].severity, Finding::Note);
+    const Finding finding =
+        onlyOf(RepeatFindings::repeats(casesOf({{"a", inputs}}, {{"y", outputs}})));
+    EXPECT_EQ(finding.kind, "exactCopies");
+    EXPECT_EQ(finding.severity, Finding::Note);
     EXPECT_EQ(RepeatFindings::repeats(casesWithRepeats({firstOutput}))[0].severity,
               Finding::Warning);
 }

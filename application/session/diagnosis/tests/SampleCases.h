@@ -3,6 +3,8 @@
 #include <session/diagnosis/DiagnosedCases.h>
 #include <session/diagnosis/Finding.h>
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -48,6 +50,13 @@ inline std::vector<std::string> textsOf(const std::vector<Finding>& findings)
         texts.push_back(finding.kind + ": " + finding.text);
     }
     return texts;
+}
+
+/** The one finding that there should be. */
+inline Finding onlyOf(const std::vector<Finding>& findings)
+{
+    EXPECT_EQ(findings.size(), 1u);
+    return findings.empty() ? Finding("", Finding::Note, {}, "") : findings.front();
 }
 
 using Texts = std::vector<std::string>;
