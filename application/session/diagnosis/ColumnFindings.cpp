@@ -160,15 +160,14 @@ bool isWideInLogarithm(const SortedColumn& column)
     return gap >= minShare * std::log(column.value(column.count() - 1) / column.value(0));
 }
 
-void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutput,
-                 std::vector<Finding>& findings)
+std::optional<Finding> farCasesOf(const DiagnosedCases& cases, const Column& column, bool isOutput)
 {
     constexpr std::size_t casesPerFarOne = 20;
     constexpr std::size_t minOtherValues = 4;
     constexpr double maxCodedShare = 0.3;
     const SortedColumn sorted(column);
     if (sorted.split == 0) {
-        return;
+        return std::nullopt;
     }
     const bool isAbove = 2 * sorted.split > sorted.count();
     Part far = {0, sorted.split};
@@ -188,7 +187,7 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
     const double widthWanted = sorted.value(0) > 0.0 || areCodes ? 1.0 : 2.0;
     if (!(areCodes || areFew) || sorted.gap() < widthWanted * restRange ||
         sorted.distinct(rest) < minOtherValues || !isWideInLogarithm(sorted)) {
-        return;
+        return std::nullopt;
     }
 
     std::vector<std::size_t> rows;
@@ -207,12 +206,11 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
                              ", all others lie between " + shownFigure(sorted.value(rest.begin)) +
                              " and " + shownFigure(sorted.value(rest.end - 1));
     if (areCodes) {
-        findings.push_back(Finding("missingCode", Finding::Severe, {column.name},
-                                   text +
-                                       ": the model takes it for a measurement; if it marks a "
-                                       "missing value, read it as one" +
-                                       settingHint(Setting::MissingCodes, number) + '.'));
-        return;
+        return Finding("missingCode", Finding::Severe, {column.name},
+                       text +
+                           ": the model takes it for a measurement; if it marks a "
+                           "missing value, read it as one" +
+                           settingHint(Setting::MissingCodes, number) + '.');
     }
     constexpr double nearlyAll = 0.9;
     const bool decides = shareOfSquares(sorted, far, rest) > nearlyAll;
@@ -221,19 +219,10 @@ void addFarCases(const DiagnosedCases& cases, const Column& column, bool isOutpu
         isOutput  ? "the model bends towards " + std::string(isOne ? "it" : "them")
         : decides ? that + (isOne ? " alone decides" : " decide") + " the effect of " + name
                   : "the effect of " + name + " rests on " + that + " more than on others";
-    findings.push_back(
-        Finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
-                text + ": " + effect + "; check the " +
-                    (isOne ? "cell, or exclude the case" : "cells, or exclude the cases") +
-                    settingHint(Setting::ExcludedCases) + '.'));
-}
-
-/** Whether single cases, rather than decades, make the range of the column wide. */
-bool hasFarCases(const DiagnosedCases& cases, const Column& column, bool isOutput)
-{
-    std::vector<Finding> findings;
-    addFarCases(cases, column, isOutput, findings);
-    return !findings.empty();
+    return Finding("farCase", decides ? Finding::Severe : Finding::Warning, {column.name},
+                   text + ": " + effect + "; check the " +
+                       (isOne ? "cell, or exclude the case" : "cells, or exclude the cases") +
+                       settingHint(Setting::ExcludedCases) + '.');
 }
 
 /** Whether the logarithms of a positive column are even where the column itself is not. */
@@ -253,8 +242,7 @@ bool isOverDecades(const Column& column, double minRatio)
 
 /** Names a value of an output that many cases with different inputs share while hardly another
  *  value repeats. */
-void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
-                      std::vector<Finding>& findings)
+std::optional<Finding> repeatedValue(const DiagnosedCases& cases, const Column& output)
 {
     constexpr std::size_t casesPerRepeat = 25;
     constexpr std::size_t distinctOfTen = 9;
@@ -273,7 +261,7 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
     const std::size_t others = sorted.count() - longest;
     if (longest < std::max<std::size_t>(3, sorted.count() / casesPerRepeat) || others < minCases ||
         10 * (sorted.distinct() - 1) < distinctOfTen * others) {
-        return;
+        return std::nullopt;
     }
     std::vector<std::size_t> rows;
     std::size_t differentInputs = 0;
@@ -290,9 +278,9 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
         rows.push_back(row);
     }
     if (differentInputs < 3) {
-        return;
+        return std::nullopt;
     }
-    findings.push_back(Finding(
+    return Finding(
         "repeatedOutput", Finding::Warning, {output.name},
         names({output.name}) + " is " + numberText(value) + " in " + std::to_string(longest) +
             " of " + std::to_string(sorted.count()) +
@@ -300,7 +288,7 @@ void addRepeatedValue(const DiagnosedCases& cases, const Column& output,
             "the measurement, a stuck sensor or a default, but the model takes it for measured "
             "values; check " +
             FindingWords::cases(cases.positionsOf(rows)) + ", or exclude them" +
-            settingHint(Setting::ExcludedCases) + '.'));
+            settingHint(Setting::ExcludedCases) + '.');
 }
 
 std::string spanText(const Column& column)
@@ -380,15 +368,17 @@ std::vector<Finding> ColumnFindings::farCases(const DiagnosedCases& cases)
     if (cases.count() < minCases) {
         return findings;
     }
-    for (const Column& output : cases.outputs) {
-        const std::size_t before = findings.size();
-        addFarCases(cases, output, true, findings);
-        if (findings.size() == before) {
-            addRepeatedValue(cases, output, findings);
+    const auto add = [&](const std::optional<Finding>& found) {
+        if (found) {
+            findings.push_back(*found);
         }
+    };
+    for (const Column& output : cases.outputs) {
+        const std::optional<Finding> far = farCasesOf(cases, output, true);
+        add(far ? far : repeatedValue(cases, output));
     }
     for (const Column& input : cases.inputs) {
-        addFarCases(cases, input, false, findings);
+        add(farCasesOf(cases, input, false));
     }
     return findings;
 }
@@ -401,8 +391,9 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
     if (cases.count() < minCases) {
         return findings;
     }
+    // Single cases, rather than decades, make the range of other columns wide.
     for (const Column& input : cases.inputs) {
-        if (isOverDecades(input, minRatioOfInputs) && !hasFarCases(cases, input, false)) {
+        if (isOverDecades(input, minRatioOfInputs) && !farCasesOf(cases, input, false)) {
             findings.push_back(Finding("inputOverDecades", Finding::Warning, {input.name},
                                        spanText(input) +
                                            ": the few large values decide its effect; put its "
@@ -411,7 +402,7 @@ std::vector<Finding> ColumnFindings::decades(const DiagnosedCases& cases)
     }
     for (const Column& output : cases.outputs) {
         if (!cases.transformsOutputs && isOverDecades(output, minRatioOfOutputs) &&
-            !hasFarCases(cases, output, true)) {
+            !farCasesOf(cases, output, true)) {
             findings.push_back(Finding("skewedOutput", Finding::Warning, {output.name},
                                        spanText(output) +
                                            ": the large values decide the fit and the small ones "

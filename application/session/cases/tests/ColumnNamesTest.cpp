@@ -15,7 +15,7 @@ TEST(ColumnNames, DoNotDependOnCaseSignsNumbersAndUnits)
 
 TEST(ColumnNames, OfNumberingAreWordsOrEndWithOne)
 {
-    for (const char* name : {"Run", "Run No.", "ID", "#", "Serial Number", "StdOrder"}) {
+    for (const char* name : {"Run", "Run No.", "ID", "#", "Serial Number", "Batch", "StdOrder"}) {
         EXPECT_TRUE(isNameOf(NameOf::Numbering, name)) << name;
     }
     EXPECT_FALSE(isNameOf(NameOf::Numbering, "Reynolds No."));

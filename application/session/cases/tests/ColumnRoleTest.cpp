@@ -69,11 +69,6 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"b", {0, 1, std::nan(""), 3, 4, 5}, "counts up by one, from 0 to 5"},
         Example{"b", {101, 102, 103, 104, 105, 106}, "counts up by one, from 101 to 106"},
         Example{"Run No.", {4, 2, 6, 1, 3, 5}, "numbers the cases, from 1 to 6"},
-        Example{"ID", {3, 4, 7, 8, 11, 12}, "numbers the cases, from 3 to 12"},
-        Example{
-            "Serial Number", {907, 112, 388, 64, 541, 230}, "numbers the cases, from 64 to 907"},
-        Example{"Batch", {12, 11, 16, 10, 13, 19}, "numbers the cases, from 10 to 19"},
-        Example{"StdOrder", {2, 1, 4, 3, 6, 5}, "numbers the cases, from 1 to 6"},
         Example{"b", {5, 5, 5, std::nan(""), 5, 5}, "the same in every case, 5"},
         Example{"b", Numbers(6, std::nan("")), "no number in it"},
         Example{"b",
