@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <utility>
 
@@ -199,7 +198,8 @@ class DescribedSurrogateModel::Impl
 {
 public:
     explicit Impl(const std::vector<Output>& described)
-        : ranges((require(!described.empty(), "it has no output."), described[0].predictor.inputs))
+        : ranges((require(!described.empty(), "it has no output."), described[0].predictor.inputs)),
+          columns(described[0].predictor.inputs.size(), described.size())
     {
         const std::size_t inputs = described[0].predictor.inputs.size();
         for (const Output& output : described) {
@@ -207,22 +207,17 @@ public:
                     "its outputs have different numbers of inputs.");
             predictors.emplace_back(output);
         }
-        // One case, so that the arguments are checked as every model checks them.
-        std::vector<double> one(1, 0.0);
-        const std::vector<double*> columnsOfInputs(inputs, one.data());
-        const std::vector<double*> columnsOfOutputs(described.size(), one.data());
-        columns.emplace(columnsOfInputs, columnsOfOutputs, 1);
     }
 
     const Predictor& predictor(int offset) const
     {
-        columns->requireOutput(offset);
+        columns.requireOutput(offset);
         return predictors[static_cast<std::size_t>(offset)];
     }
 
     CaseRanges ranges;
+    ArgumentCheck columns;
     std::vector<Predictor> predictors;
-    std::optional<ArgumentCheck> columns;
 };
 
 DescribedSurrogateModel::DescribedSurrogateModel(const std::vector<Output>& outputs)
@@ -233,7 +228,7 @@ DescribedSurrogateModel::~DescribedSurrogateModel() = default;
 
 void DescribedSurrogateModel::activateDependentVariables(const std::set<int>& offsets)
 {
-    impl->columns->requireOutputs(offsets);
+    impl->columns.requireOutputs(offsets);
 }
 
 void DescribedSurrogateModel::interpolateDependentValues(const std::vector<double*>& inputs,
@@ -241,7 +236,7 @@ void DescribedSurrogateModel::interpolateDependentValues(const std::vector<doubl
                                                          std::vector<double*>& outputs,
                                                          std::size_t count) const
 {
-    impl->columns->requireEvaluation(inputs, offsets, outputs, count);
+    impl->columns.requireEvaluation(inputs, offsets, outputs, count);
     if (count == 0) {
         return;
     }
@@ -264,13 +259,13 @@ bool DescribedSurrogateModel::qualityMetricInformationAvailable() const
 
 std::string DescribedSurrogateModel::surfaceCoefficientInformation(int offset) const
 {
-    impl->columns->requireOutput(offset);
+    impl->columns.requireOutput(offset);
     throw Error("A model that was made from its description has no equation text.");
 }
 
 std::string DescribedSurrogateModel::qualityMetricInformation(int offset) const
 {
-    impl->columns->requireOutput(offset);
+    impl->columns.requireOutput(offset);
     throw Error("A model that was made from its description has no quality text.");
 }
 
@@ -289,7 +284,7 @@ DescribedSurrogateModel::fitWarnings(int offset,
 std::vector<double> DescribedSurrogateModel::extrapolations(const std::vector<double*>& inputs,
                                                             std::size_t count) const
 {
-    impl->columns->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->ranges.distances(inputs, count);
 }
 
@@ -297,14 +292,14 @@ Extrapolation
 DescribedSurrogateModel::extrapolation(const std::vector<double*>& inputs, std::size_t count,
                                        const std::vector<std::string>& inputNames) const
 {
-    impl->columns->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->ranges.extrapolation(inputs, count, InputNames(inputNames));
 }
 
 std::vector<char> DescribedSurrogateModel::outsideCases(const std::vector<double*>& inputs,
                                                         std::size_t count) const
 {
-    impl->columns->requirePoints(inputs, count);
+    impl->columns.requirePoints(inputs, count);
     return impl->ranges.outside(inputs, count, std::vector<char>(count, 0));
 }
 

@@ -20,6 +20,11 @@ public:
     ArgumentCheck(const std::vector<double*>& independentColumns,
                   const std::vector<double*>& dependentColumns, std::size_t rowCount);
 
+    /** Of a model that has no cases, all of whose outputs can be evaluated. */
+    ArgumentCheck(std::size_t inputs, std::size_t outputs)
+        : inputCount(inputs), caseCount(0), firstBadCases(outputs, 0)
+    {}
+
     std::size_t inputs() const { return inputCount; }
     std::size_t outputs() const { return firstBadCases.size(); }
     std::size_t cases() const { return caseCount; }
