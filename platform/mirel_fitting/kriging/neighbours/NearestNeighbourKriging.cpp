@@ -205,13 +205,10 @@ std::vector<double> NearestNeighbourKriging::factorsFor(const Parameters& parame
 void NearestNeighbourKriging::forPoints(
     std::size_t points, const std::function<void(Workspace&, std::size_t)>& work) const
 {
-    constexpr std::size_t perChunk = 64; // some milliseconds
-    // Starting a thread costs more than predicting this many points.
-    constexpr std::size_t fewPoints = 256;
+    constexpr std::size_t perChunk = 64; // some milliseconds: starting a thread takes 0.1
 
     const SingleThreadedBlas singleThreaded;
     const std::size_t chunks = (points + perChunk - 1) / perChunk;
-    const int threads = points < fewPoints ? 1 : threadCount();
     const auto makeWork = [&]() -> OrderedChunks::Work {
         const auto workspace = std::make_shared<Workspace>(
             Sources{inputs, coordinates.data(), values.data(), replicates.data()}, used);
@@ -222,7 +219,7 @@ void NearestNeighbourKriging::forPoints(
             }
         };
     };
-    OrderedChunks::runEach(chunks, threads, makeWork, static_cast<double>(points));
+    OrderedChunks::runEach(chunks, threadCount(), makeWork, static_cast<double>(points));
 }
 
 NearestNeighbourKriging::Prediction

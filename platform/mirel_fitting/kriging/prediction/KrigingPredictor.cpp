@@ -14,7 +14,8 @@ namespace {
 
 // Points that are computed together: their coordinates and sums stay in the first-level cache.
 constexpr std::size_t blockSize = 1024;
-// Points that a thread takes at once: few enough that threads end at about the same time.
+// Points that a thread takes at once: few enough that threads end at about the same time, enough
+// for some cases to take longer than starting a thread, 0.1 ms.
 constexpr std::size_t chunkSize = 8 * blockSize;
 
 } // namespace
@@ -61,9 +62,6 @@ KrigingPredictor::KrigingPredictor(FittedKriging model) : fitted(std::move(model
 void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t first,
                                std::size_t count, double* result) const
 {
-    // Correlations; fewer take less time than starting a thread, some 0.1 ms.
-    constexpr std::size_t worthAThread = 1000000;
-
     const auto makeWork = [&]() -> OrderedChunks::Work {
         auto block = std::make_shared<Block>(fitted);
         auto sums = std::make_shared<std::vector<double>>(blockSize);
@@ -85,9 +83,7 @@ void KrigingPredictor::predict(const std::vector<double*>& columns, std::size_t 
             }
         };
     };
-    const bool isLarge = count > worthAThread / std::max<std::size_t>(fitted.weights.size(), 1);
-    OrderedChunks::runEach((count + chunkSize - 1) / chunkSize, isLarge ? threadCount() : 1,
-                           makeWork);
+    OrderedChunks::runEach((count + chunkSize - 1) / chunkSize, threadCount(), makeWork);
     addNeighbours(columns, first, count, result);
 }
 
