@@ -69,21 +69,23 @@ void checkModel(const CommandLine& line, const Workspace& workspace)
     if (workspace.modelType() != Workspace::Kriging || line.command == CommandLine::Compare) {
         return;
     }
-    if (line.choosesTerms()) {
-        throw UsageError("--terms, --select-terms and --all-terms choose the terms of a response "
-                         "surface, and the project chooses kriging: add -m response-surface.");
-    }
-    if (!workspace.modelChoices().designColumns.isEmpty()) {
-        throw UsageError("Weights and blocks are for response surfaces only: choose -m "
-                         "response-surface, or --weights none and --block none.");
-    }
-    if (line.choices.coding) {
-        throw UsageError("--coding is for the coefficients of a response surface, and the model is "
-                         "kriging: leave it out, or choose -m response-surface.");
-    }
-    if (line.command == CommandLine::Equations) {
-        throw UsageError("Only response surfaces have equations, and the project chooses "
-                         "kriging: add -m response-surface.");
+    const std::pair<bool, const char*> faults[] = {
+        {line.choosesTerms(),
+         "--terms, --select-terms and --all-terms choose the terms of a response surface, and the "
+         "project chooses kriging: add -m response-surface."},
+        {!workspace.modelChoices().designColumns.isEmpty(),
+         "Weights and blocks are for response surfaces only: choose -m response-surface, or "
+         "--weights none and --block none."},
+        {line.choices.coding.has_value(),
+         "--coding is for the coefficients of a response surface, and the model is kriging: leave "
+         "it out, or choose -m response-surface."},
+        {line.command == CommandLine::Equations,
+         "Only response surfaces have equations, and the project chooses kriging: add -m "
+         "response-surface."}};
+    for (const auto& [isGiven, sentence] : faults) {
+        if (isGiven) {
+            throw UsageError(sentence);
+        }
     }
 }
 

@@ -24,7 +24,7 @@ QPolygonF onCanvas(const QPolygonF& line, const QwtScaleMap& xMap, const QwtScal
     QPolygonF pixels;
     pixels.reserve(line.size());
     for (const QPointF& point : line) {
-        pixels.append(QPointF(xMap.transform(point.x()), yMap.transform(point.y())));
+        pixels.append(QwtScaleMap::transform(xMap, yMap, point));
     }
     return pixels;
 }

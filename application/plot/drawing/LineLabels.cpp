@@ -77,18 +77,14 @@ bool LineLabels::isFree(const QRectF& box, std::size_t line) const
     if (!room.contains(near)) {
         return false;
     }
-    for (const QRectF& other : taken) {
-        if (other.intersects(near)) {
-            return false;
-        }
+    if (std::any_of(taken.begin(), taken.end(),
+                    [&](const QRectF& other) { return other.intersects(near); }) ||
+        std::any_of(points.begin(), points.end(),
+                    [&](const QPointF& point) { return nearPoint.contains(point); })) {
+        return false;
     }
-    for (const QPointF& point : points) {
-        if (nearPoint.contains(point)) {
-            return false;
-        }
-    }
+    const auto isInside = [&near](const QPointF& point) { return near.contains(point); };
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        const auto isInside = [&near](const QPointF& point) { return near.contains(point); };
         if (i != line && std::any_of(lines[i].begin(), lines[i].end(), isInside)) {
             return false;
         }

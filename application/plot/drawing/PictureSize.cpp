@@ -3,17 +3,9 @@
 #include <session/text/QuotedText.h>
 #include <session/text/SessionErrors.h>
 
-#include <charconv>
+#include <regex>
 
 namespace {
-/** The number between the two ends; 0 if they hold anything else. */
-int pixels(const char* begin, const char* end)
-{
-    int number = 0;
-    const auto read = std::from_chars(begin, end, number);
-    return read.ec == std::errc() && read.ptr == end ? number : 0;
-}
-
 bool isAllowed(int pixels)
 {
     return pixels >= PictureSize::minPixels && pixels <= PictureSize::maxPixels;
@@ -23,12 +15,12 @@ bool isAllowed(int pixels)
 PictureSize PictureSize::parse(const std::string& text)
 {
     PictureSize size;
-    const std::size_t cross = text.find('x');
-    if (cross != std::string::npos) {
-        size.width = pixels(text.data(), text.data() + cross);
-        size.height = pixels(text.data() + cross + 1, text.data() + text.size());
+    std::smatch numbers;
+    const bool areNumbers = std::regex_match(text, numbers, std::regex("(\\d{1,9})x(\\d{1,9})"));
+    if (areNumbers) {
+        size = {std::stoi(numbers[1]), std::stoi(numbers[2])};
     }
-    if (cross == std::string::npos || !isAllowed(size.width) || !isAllowed(size.height)) {
+    if (!areNumbers || !isAllowed(size.width) || !isAllowed(size.height)) {
         throw UsageError(
             "The size of a picture needs width and height in pixels such as 800x600, each from " +
             std::to_string(minPixels) + " to " + std::to_string(maxPixels) + ", not " +

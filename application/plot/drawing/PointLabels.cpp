@@ -14,11 +14,6 @@ namespace {
 constexpr double distance = 6.0; ///< of a text from its point: the radius of a symbol and a gap
 constexpr double radius = 4.0;   ///< of a symbol
 constexpr double padding = 2.0;  ///< of a box around its text
-
-QPointF onCanvas(const QPointF& point, const QwtScaleMap& xMap, const QwtScaleMap& yMap)
-{
-    return {xMap.transform(point.x()), yMap.transform(point.y())};
-}
 } // namespace
 
 PointLabels::PointLabels(std::vector<Label> wanted, const QPolygonF& drawn, const QFont& font,
@@ -38,7 +33,7 @@ std::vector<QRectF> PointLabels::places(const QwtScaleMap& xMap, const QwtScaleM
     for (const Label& label : labels) {
         QSizeF size = QFontMetricsF(font).size(Qt::TextSingleLine, label.text);
         size += QSizeF(2.0 * padding, 0.0);
-        const QPointF point = onCanvas(label.point, xMap, yMap);
+        const QPointF point = QwtScaleMap::transform(xMap, yMap, label.point);
         QRectF best;
         double leastCost = 0.0;
         for (const auto& [across, down] : sides) {
@@ -52,7 +47,7 @@ std::vector<QRectF> PointLabels::places(const QwtScaleMap& xMap, const QwtScaleM
             }
             const QRectF near = place.adjusted(-radius, -radius, radius, radius);
             for (const QPointF& each : points) {
-                cost += near.contains(onCanvas(each, xMap, yMap)) ? 1.0 : 0.0;
+                cost += near.contains(QwtScaleMap::transform(xMap, yMap, each)) ? 1.0 : 0.0;
             }
             if (best.isNull() || cost < leastCost) {
                 best = place;

@@ -21,6 +21,9 @@ constexpr double practicalRatio = 1.02;
  *  contradicts them. */
 constexpr double contradiction = 1.5;
 
+const std::string surfaceName = "the response surface";
+const std::string krigingName = "Kriging";
+
 bool areBothExact(const OutputComparison& comparison)
 {
     // 1 - Q2 is the mean squared error in units of the variance.
@@ -80,17 +83,12 @@ std::string neitherSentence(const OutputComparison& comparison)
         return begin + "neither can be fitted in any fold.";
     }
     const std::string toTheMean = " than the mean of the cases does";
-    if (responseSurface.cases == 0) {
-        return begin +
-               "the response surface can be fitted in no fold, and Kriging predicts cases "
-               "left out no better" +
-               toTheMean + " (Q2 " + shownFigure(kriging.q2) + ").";
-    }
-    if (kriging.cases == 0) {
-        return begin +
-               "Kriging can be fitted in no fold, and the response surface predicts cases "
-               "left out no better" +
-               toTheMean + " (Q2 " + shownFigure(responseSurface.q2) + ").";
+    if (responseSurface.cases == 0 || kriging.cases == 0) {
+        const bool isKriging = kriging.cases > 0;
+        return begin + (isKriging ? surfaceName : krigingName) + " can be fitted in no fold, and " +
+               (isKriging ? krigingName : surfaceName) + " predicts cases left out no better" +
+               toTheMean + " (Q2 " + shownFigure(isKriging ? kriging.q2 : responseSurface.q2) +
+               ").";
     }
     if (std::isnan(responseSurface.q2)) {
         return begin + "it is the same in all cases, so that there is nothing to predict.";
@@ -150,8 +148,8 @@ std::string sentenceOf(const OutputComparison& comparison)
         isKriging ? comparison.kriging : comparison.responseSurface;
     const CrossValidationMetrics& other =
         isKriging ? comparison.responseSurface : comparison.kriging;
-    const std::string betterName = isKriging ? "Kriging" : "the response surface";
-    const std::string otherName = isKriging ? "the response surface" : "Kriging";
+    const std::string& betterName = isKriging ? krigingName : surfaceName;
+    const std::string& otherName = isKriging ? surfaceName : krigingName;
     const std::string begin =
         (comparison.isClear ? "Use " + betterName : "The comparison leans to " + betterName) +
         " for " + quotedText(comparison.name) + ": ";

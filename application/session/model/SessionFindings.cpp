@@ -207,43 +207,33 @@ void addMissingRoles(const Workspace& workspace, std::vector<Finding>& findings)
     }
     const ReasonedNames reasons = workspace.reasonsAgainstInputs();
     const std::string columns = reasons.empty() ? "" : ": " + reasonsText(reasons);
+    const auto add = [&findings](const char* kind, const std::string& text) {
+        findings.push_back({kind, Finding::Severe, {}, text});
+    };
     if (workspace.counts().read == 0) {
-        findings.push_back({"noCases",
-                            Finding::Severe,
-                            {},
-                            "The file names columns and holds no case: there is nothing to model; "
-                            "add a row for each case."});
+        add("noCases", "The file names columns and holds no case: there is nothing to model; "
+                       "add a row for each case.");
     } else if (workspace.outputs().empty()) {
-        findings.push_back({"noOutput",
-                            Finding::Severe,
-                            {},
-                            "No column is left to be an output" + columns +
-                                "; if they hold numbers, check the separator" +
-                                settingHint(Setting::Separator) + ", the decimal mark" +
-                                settingHint(Setting::DecimalMark) + " and where the table begins" +
-                                settingHint(Setting::SkippedLines) + ", or name inputs" +
-                                settingHint(Setting::Inputs) + " and outputs" +
-                                settingHint(Setting::Outputs) + "."});
+        add("noOutput", "No column is left to be an output" + columns +
+                            "; if they hold numbers, check the separator" +
+                            settingHint(Setting::Separator) + ", the decimal mark" +
+                            settingHint(Setting::DecimalMark) + " and where the table begins" +
+                            settingHint(Setting::SkippedLines) + ", or name inputs" +
+                            settingHint(Setting::Inputs) + " and outputs" +
+                            settingHint(Setting::Outputs) + ".");
     } else if (workspace.inputs().empty()) {
-        findings.push_back(
-            {"noInput",
-             Finding::Severe,
-             {},
-             "No column is left to be an input" +
-                 (reasons.empty() ? ": there is no other column; if the file has more, name "
-                                    "what separates them" +
-                                        settingHint(Setting::Separator) + "."
-                                  : columns + "; name inputs" + settingHint(Setting::Inputs) +
-                                        ", or code texts as numbers.")});
+        add("noInput",
+            "No column is left to be an input" +
+                (reasons.empty() ? ": there is no other column; if the file has more, "
+                                   "name what separates them" +
+                                       settingHint(Setting::Separator) + "."
+                                 : columns + "; name inputs" + settingHint(Setting::Inputs) +
+                                       ", or code texts as numbers."));
     } else if (workspace.counts().valid == 1) {
-        findings.push_back({"oneCase",
-                            Finding::Severe,
-                            {},
-                            "There is only one valid case: the model is its output everywhere; "
-                            "add cases, or complete those that are left out."});
+        add("oneCase", "There is only one valid case: the model is its output everywhere; "
+                       "add cases, or complete those that are left out.");
     }
 }
-
 } // namespace
 
 std::vector<Finding> SessionFindings::missingCells(const Workspace& workspace)
