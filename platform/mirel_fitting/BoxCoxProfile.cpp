@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -10,7 +11,7 @@ namespace {
 /** Half the 95 % point of chi-squared with one degree of freedom. */
 constexpr double dropOfLimits = 1.920729410347062;
 
-constexpr int steps = 80;              // of a grid of powers
+constexpr int steps = 80;                // of a grid of powers
 constexpr std::size_t outputsAtOnce = 9; // held in memory, and fitted by one factorisation
 constexpr int maxRefinements = 3;
 /** An interval of fewer steps needs a finer grid. */
@@ -100,28 +101,25 @@ void find(const Grid& grid, BoxCoxProfile& profile)
 
 void chooseCustomary(BoxCoxProfile& profile)
 {
-    const std::pair<double, OutputTransform> customary[] = {{1.0, OutputTransform::None},
-                                                            {0.5, OutputTransform::SquareRoot},
-                                                            {0.0, OutputTransform::Logarithm}};
-    const auto isBetween = [&](double power) {
-        return power >= profile.lower && power <= profile.upper;
+    using Power = std::pair<double, OutputTransform>;
+    const std::vector<Power> customary = {{1.0, OutputTransform::None},
+                                          {0.5, OutputTransform::SquareRoot},
+                                          {0.0, OutputTransform::Logarithm}};
+    const auto isBetween = [&](const Power& power) {
+        return power.first >= profile.lower && power.first <= profile.upper;
     };
-    profile.isBetweenLimits = false;
-    double nearest = std::numeric_limits<double>::infinity();
-    for (const auto& [power, transform] : customary) {
-        const double distance = std::fabs(power - profile.power);
-        const bool isBetter = isBetween(power) == profile.isBetweenLimits
-                                  ? distance < nearest
-                                  : isBetween(power);
-        if (isBetter) {
-            nearest = distance;
-            profile.transform = transform;
-            profile.isBetweenLimits = isBetween(power);
-        }
-        if (power == 1.0 && isBetween(power)) {
-            return;
-        }
+    const auto isNearer = [&](const Power& left, const Power& right) {
+        return std::fabs(left.first - profile.power) < std::fabs(right.first - profile.power);
+    };
+    std::vector<Power> candidates;
+    std::copy_if(customary.begin(), customary.end(), std::back_inserter(candidates), isBetween);
+    profile.isBetweenLimits = !candidates.empty();
+    if (candidates.empty()) {
+        candidates = customary;
+    } else if (isBetween(customary.front())) {
+        candidates = {customary.front()};
     }
+    profile.transform = std::min_element(candidates.begin(), candidates.end(), isNearer)->second;
 }
 
 } // namespace
