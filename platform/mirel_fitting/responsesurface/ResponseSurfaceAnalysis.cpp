@@ -2,14 +2,12 @@
 
 #include <mirel_fitting/machine/SingleThreadedBlas.h>
 #include <mirel_fitting/numerics/Distributions.h>
-#include <mirel_fitting/polynomial/PolynomialUnits.h>
 
 #include <boost/math/constants/constants.hpp>
 #include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -30,23 +28,18 @@ enum class Kind
     Square
 };
 
-Kind kindOf(const QuadraticBasis::Term& term)
-{
-    switch (term.order()) {
-    case 0:
-        return Kind::Constant;
-    case 1:
-        return Kind::Linear;
-    default:
-        return term.isSquare() ? Kind::Square : Kind::Interaction;
-    }
-}
-
 constexpr std::size_t kinds = 5;
 
 Kind kindOf(const PolynomialFit& fit, std::size_t term)
 {
-    return fit.isOfBlocks(term) ? Kind::Blocks : kindOf(fit.basis().terms()[term]);
+    if (fit.isOfBlocks(term)) {
+        return Kind::Blocks;
+    }
+    const QuadraticBasis::Term& inputs = fit.basis().terms()[term];
+    return inputs.order() == 0   ? Kind::Constant
+           : inputs.order() == 1 ? Kind::Linear
+           : inputs.isSquare()   ? Kind::Square
+                                 : Kind::Interaction;
 }
 
 AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squares)
@@ -62,32 +55,12 @@ AnovaRow row(const std::string& source, std::size_t degreesOfFreedom, double squ
     return result;
 }
 
-void compare(AnovaRow& effect, const AnovaRow& error)
-{
-    if (effect.degreesOfFreedom == 0 || error.degreesOfFreedom == 0) {
-        return;
-    }
-    effect.f = effect.meanSquare / error.meanSquare;
-    if (!std::isnan(effect.f)) {
-        effect.p = Distributions::fisherTail(effect.f, static_cast<double>(effect.degreesOfFreedom),
-                                             static_cast<double>(error.degreesOfFreedom));
-    }
-}
-
 } // namespace
-
-/** The polynomial in other inputs than the scaled ones: raw or coded. */
-struct ResponseSurfaceAnalysis::Coding
-{
-    /** From the coefficients for scaled inputs to those of this coding. */
-    std::function<Vector(const Vector&)> coefficients;
-    /** A term of this coding as a combination of the terms of scaled inputs. */
-    std::function<Vector(std::size_t)> term;
-};
 
 ResponseSurfaceAnalysis::ResponseSurfaceAnalysis(const PolynomialFit& fit, std::size_t output,
                                                  const PureError& pureError)
-    : fit(fit), output(fit.outputs()[output]), pureError(pureError)
+    : fit(fit), output(fit.outputs()[output]), units(fit.basis(), fit.inputScales()),
+      pureError(pureError)
 {}
 
 FitMetrics ResponseSurfaceAnalysis::metrics() const
@@ -168,32 +141,19 @@ double ResponseSurfaceAnalysis::deviation() const
     return degrees > 0.0 ? output.scale.unit() * std::sqrt(residualSquares() / degrees) : none;
 }
 
-std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::coefficients(double level) const
+/** From the coefficients for scaled inputs. */
+ResponseSurfaceAnalysis::Vector ResponseSurfaceAnalysis::coefficientsOf(Inputs inputs,
+                                                                        const Vector& scaled) const
 {
-    const PolynomialUnits units(fit.basis(), fit.inputScales());
-    return statistics({[&](const Vector& scaled) { return units.expanded(scaled); },
-                       [&](std::size_t term) { return units.term(term); }},
-                      level);
+    return inputs == Inputs::Coded ? units.coded(scaled) : units.expanded(scaled);
 }
 
-std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::codedCoefficients(double level) const
+std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::coefficients(Inputs inputs,
+                                                                         double level) const
 {
-    const PolynomialUnits units(fit.basis(), fit.inputScales());
-    return statistics({[&](const Vector& scaled) { return units.coded(scaled); },
-                       [&](std::size_t term) {
-                           Vector single(fit.basis().size(), 0.0);
-                           single[term] = 1.0;
-                           return single;
-                       }},
-                      level);
-}
-
-std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Coding& coding,
-                                                                       double level) const
-{
-    Vector estimates = coding.coefficients(output.coefficients);
+    Vector estimates = coefficientsOf(inputs, output.coefficients);
     estimates[0] += output.scale.centre();
-    const Vector variances = coefficientVariances(coding);
+    const Vector variances = coefficientVariances(inputs);
     const auto degrees = static_cast<double>(fit.degreesOfFreedom());
     const double quantile = degrees > 0.0 ? Distributions::studentQuantile(level, degrees) : none;
 
@@ -216,19 +176,18 @@ std::vector<CoefficientStatistics> ResponseSurfaceAnalysis::statistics(const Cod
         one.lower = one.estimate - quantile * one.standardError;
         one.upper = one.estimate + quantile * one.standardError;
         if (term > 0) {
-            one.varianceInflation = varianceInflation(coding, term, variances[term]);
+            one.varianceInflation = varianceInflation(inputs, term, variances[term]);
         }
     }
     return result;
 }
 
-/** The diagonal of (X'X)^-1 in this coding: variances for residuals of variance 1. */
-ResponseSurfaceAnalysis::Vector
-ResponseSurfaceAnalysis::coefficientVariances(const Coding& coding) const
+/** The diagonal of (X'X)^-1 for these inputs: variances for residuals of variance 1. */
+ResponseSurfaceAnalysis::Vector ResponseSurfaceAnalysis::coefficientVariances(Inputs inputs) const
 {
     Vector variances(fit.basis().size(), 0.0);
     for (std::size_t k = 0; k < fit.keptCount(); ++k) {
-        const Vector direction = coding.coefficients(fit.coefficientDirection(k));
+        const Vector direction = coefficientsOf(inputs, fit.coefficientDirection(k));
         for (std::size_t term = 0; term < variances.size(); ++term) {
             variances[term] += direction[term] * direction[term];
         }
@@ -238,13 +197,18 @@ ResponseSurfaceAnalysis::coefficientVariances(const Coding& coding) const
 
 /** The coefficient's variance over the one that it would have alone, 1 / (sum of the squares of
  *  the term's column about its mean). */
-double ResponseSurfaceAnalysis::varianceInflation(const Coding& coding, std::size_t term,
+double ResponseSurfaceAnalysis::varianceInflation(Inputs inputs, std::size_t term,
                                                   double variance) const
 {
-    const Vector column = coding.term(term);
+    // As a combination of the terms of scaled inputs.
+    Vector column(fit.basis().size(), 0.0);
+    column[term] = 1.0;
+    if (inputs == Inputs::AsTheyAre) {
+        column = units.term(term);
+    }
     // The column may be a multiple m of the term, whose coefficient then has the variance times
     // m^-2.
-    const double multiple = coding.coefficients(column)[term];
+    const double multiple = coefficientsOf(inputs, column)[term];
     return variance / (multiple * multiple) * squaresAboutMean(column);
 }
 
@@ -309,6 +273,20 @@ std::vector<double> ResponseSurfaceAnalysis::sequentialSquares(bool areBlocksLas
     return squares;
 }
 
+/** With F and p where these are more than rounding. */
+AnovaRow ResponseSurfaceAnalysis::tested(AnovaRow effect, const AnovaRow& error) const
+{
+    if (isExact() || effect.degreesOfFreedom == 0 || error.degreesOfFreedom == 0) {
+        return effect;
+    }
+    effect.f = effect.meanSquare / error.meanSquare;
+    if (!std::isnan(effect.f)) {
+        effect.p = Distributions::fisherTail(effect.f, static_cast<double>(effect.degreesOfFreedom),
+                                             static_cast<double>(error.degreesOfFreedom));
+    }
+    return effect;
+}
+
 std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
 {
     const double unit = output.scale.unit() * output.scale.unit();
@@ -332,22 +310,17 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
             table.push_back(row(name, counts[k], unit * squares[k]));
         }
     }
-    const bool isTested = !isExact();
     for (AnovaRow& effect : table) {
-        if (isTested) {
-            compare(effect, residual);
-        }
+        effect = tested(effect, residual);
     }
     table.push_back(residual);
     if (pureError.degreesOfFreedom > 0 && !pureError.isOfCopies()) {
         const AnovaRow error =
             row("Pure error", pureError.degreesOfFreedom, unit * pureError.squares);
-        AnovaRow lack = row("Lack of fit", fit.degreesOfFreedom() - pureError.degreesOfFreedom,
-                            unit * std::max(residualSquares() - pureError.squares, 0.0));
-        if (isTested) {
-            compare(lack, error);
-        }
-        table.push_back(lack);
+        const AnovaRow lack =
+            row("Lack of fit", fit.degreesOfFreedom() - pureError.degreesOfFreedom,
+                unit * std::max(residualSquares() - pureError.squares, 0.0));
+        table.push_back(tested(lack, error));
         table.push_back(error);
     }
     table.push_back(row("Total", fit.cases() - 1, unit * output.totalSquares));
@@ -356,36 +329,24 @@ std::vector<AnovaRow> ResponseSurfaceAnalysis::anova() const
 
 std::vector<PartialTest> ResponseSurfaceAnalysis::partialTests() const
 {
-    const PolynomialUnits units(fit.basis(), fit.inputScales());
-    const Coding coded = {[&](const Vector& scaled) { return units.coded(scaled); }, {}};
-    const Vector estimates = coded.coefficients(output.coefficients);
-    const Vector variances = coefficientVariances(coded);
+    const Vector estimates = coefficientsOf(Inputs::Coded, output.coefficients);
+    const Vector variances = coefficientVariances(Inputs::Coded);
     const double unit = output.scale.unit() * output.scale.unit();
     const AnovaRow residual = row("Residual", fit.degreesOfFreedom(), unit * residualSquares());
-    const bool isTested = !isExact();
     std::vector<PartialTest> tests;
     if (fit.weightedBlocks().columns() > 0) {
         constexpr auto blocks = static_cast<std::size_t>(Kind::Blocks);
-        PartialTest test;
-        test.row =
+        const AnovaRow effect =
             row("Blocks", fit.weightedBlocks().columns(), unit * sequentialSquares(true)[blocks]);
-        if (isTested) {
-            compare(test.row, residual);
-        }
-        tests.push_back(std::move(test));
+        tests.push_back({{}, tested(effect, residual)});
     }
     for (std::size_t term = 1; term < estimates.size(); ++term) {
         if (!fit.isKept(term)) {
             continue;
         }
-        PartialTest test;
-        test.factors = fit.basis().terms()[term].inputs();
-        test.row =
+        const AnovaRow effect =
             row(fit.basis().name(term), 1, estimates[term] * estimates[term] / variances[term]);
-        if (isTested) {
-            compare(test.row, residual);
-        }
-        tests.push_back(std::move(test));
+        tests.push_back({fit.basis().terms()[term].inputs(), tested(effect, residual)});
     }
     return tests;
 }

@@ -4,6 +4,7 @@
 #include <mirel_fitting/LeaveOneOutPrediction.h>
 #include <mirel_fitting/ResponseSurfaceStatistics.h>
 #include <mirel_fitting/polynomial/PolynomialFit.h>
+#include <mirel_fitting/polynomial/PolynomialUnits.h>
 
 #include <cstddef>
 #include <vector>
@@ -37,11 +38,14 @@ public:
     /** One for each case, or for each sampled one; rows ascending. */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions() const;
 
-    /** One per term of the basis, for the inputs as they are. */
-    std::vector<CoefficientStatistics> coefficients(double level) const;
-
-    /** The same for inputs coded to [-1, 1]. */
-    std::vector<CoefficientStatistics> codedCoefficients(double level) const;
+    /** What the terms of a polynomial multiply. */
+    enum class Inputs
+    {
+        AsTheyAre,
+        Coded ///< to [-1, 1]
+    };
+    /** One per term of the basis. */
+    std::vector<CoefficientStatistics> coefficients(Inputs inputs, double level) const;
 
     std::vector<AnovaRow> anova() const;
 
@@ -74,17 +78,17 @@ public:
 private:
     using Vector = std::vector<double>; // one number per term of the basis
 
-    struct Coding;
-
     double residualSquares() const;
     double deviation() const;
-    std::vector<CoefficientStatistics> statistics(const Coding& coding, double level) const;
-    Vector coefficientVariances(const Coding& coding) const;
-    double varianceInflation(const Coding& coding, std::size_t term, double variance) const;
+    Vector coefficientsOf(Inputs inputs, const Vector& scaled) const;
+    Vector coefficientVariances(Inputs inputs) const;
+    double varianceInflation(Inputs inputs, std::size_t term, double variance) const;
+    AnovaRow tested(AnovaRow effect, const AnovaRow& error) const;
     double squaresAboutMean(const Vector& combination) const;
     std::vector<double> sequentialSquares(bool areBlocksLast = false) const;
 
     const PolynomialFit& fit;
     const PolynomialFit::Output& output;
+    PolynomialUnits units;
     PureError pureError;
 };

@@ -298,8 +298,9 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
     const FitMetrics metrics = analysis.metrics();
 
     ResponseSurfaceStatistics statistics;
-    statistics.coefficients = onlyWanted(analysis.coefficients(level));
-    statistics.codedCoefficients = onlyWanted(analysis.codedCoefficients(level));
+    using Inputs = ResponseSurfaceAnalysis::Inputs;
+    statistics.coefficients = onlyWanted(analysis.coefficients(Inputs::AsTheyAre, level));
+    statistics.codedCoefficients = onlyWanted(analysis.coefficients(Inputs::Coded, level));
     if (coding == InputCoding::Factorial) {
         factorialCoding.apply(statistics);
     }

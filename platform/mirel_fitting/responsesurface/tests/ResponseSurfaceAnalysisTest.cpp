@@ -38,7 +38,8 @@ TEST(ResponseSurfaceAnalysis, GivesTheStandardErrorsOfALineInClosedForm)
 {
     const PolynomialFit line = fit(fourOnALine(), 1);
     const std::vector<CoefficientStatistics> found =
-        ResponseSurfaceAnalysis(line, 0, {}).coefficients(0.95);
+        ResponseSurfaceAnalysis(line, 0, {})
+            .coefficients(ResponseSurfaceAnalysis::Inputs::AsTheyAre, 0.95);
 
     // s^2 = SSE / 2 = 8.1; variance of the slope s^2 / Sxx, of the intercept s^2 (1/4 + 1.5^2 / 5).
     // The t distribution with 2 degrees of freedom: P(|T| > t) = 1 - t / sqrt(2 + t^2), and its
@@ -66,7 +67,8 @@ TEST(ResponseSurfaceAnalysis, CodesInputsToTheirRanges)
     // V1 = 1.5 + 1.5 c: 1.9 + 1.4 V1 = 4 + 2.1 c.
     const PolynomialFit line = fit(fourOnALine(), 1);
     const std::vector<CoefficientStatistics> found =
-        ResponseSurfaceAnalysis(line, 0, {}).codedCoefficients(0.95);
+        ResponseSurfaceAnalysis(line, 0, {})
+            .coefficients(ResponseSurfaceAnalysis::Inputs::Coded, 0.95);
 
     EXPECT_NEAR(found[0].estimate, 4.0, 1e-14);
     EXPECT_NEAR(found[1].estimate, 2.1, 1e-14);
