@@ -25,10 +25,17 @@ AxisGroupRows::AxisGroupRows(const AxisGroup& group, const MaternCorrelation& co
       buffer(AlignedBuffer::uninitialised(maxRows * rowStride)), shared(cases)
 {
     for (const GridAxis& axis : group.axes) {
-        const bool isComputedHere = !axis.inputs.empty() && !axis.hasTable;
-        const std::size_t values = std::min(axis.size, maxRows / axis.stride + 2);
-        partialTables.push_back(
-            {AlignedBuffer::uninitialised(isComputedHere ? values * tableStride : 0), false});
+        if (axis.inputs.empty()) {
+            tables.emplace_back();
+            continue;
+        }
+        // The values of a short axis come again in most fills.
+        const bool isWhole = axis.size <= 2 * maxRows;
+        const std::size_t values = isWhole ? axis.size : maxRows / axis.stride + 2;
+        tables.push_back({AlignedBuffer::uninitialised(values * tableStride), isWhole});
+        if (isWhole) {
+            axis.correlate(correlation, 0, axis.size, tables.back().rows.data());
+        }
     }
 }
 
@@ -36,8 +43,8 @@ void AxisGroupRows::fill(std::size_t firstCombination, std::size_t count)
 {
     first = firstCombination;
     for (std::size_t a = 0; a < group.axes.size(); ++a) {
-        if (!group.axes[a].inputs.empty() && !group.axes[a].hasTable) {
-            computeTable(a, count);
+        if (!group.axes[a].inputs.empty() && !tables[a].isWhole) {
+            computePassed(a, count);
         }
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -62,16 +69,11 @@ void AxisGroupRows::fill(std::size_t firstCombination, std::size_t count)
 }
 
 /** The correlations of the axis' values in the `count` combinations from `first` on. */
-void AxisGroupRows::computeTable(std::size_t a, std::size_t count)
+void AxisGroupRows::computePassed(std::size_t a, std::size_t count)
 {
     const GridAxis& axis = group.axes[a];
-    double* table = partialTables[a].rows.data();
+    double* table = tables[a].rows.data();
     const std::size_t passed = (first + count - 1) / axis.stride - first / axis.stride + 1;
-    partialTables[a].isWhole = passed >= axis.size;
-    if (partialTables[a].isWhole) {
-        axis.correlate(correlation, 0, axis.size, table);
-        return;
-    }
     const std::size_t start = axis.valueAt(first);
     const std::size_t untilEnd = std::min(passed, axis.size - start);
     axis.correlate(correlation, start, untilEnd, table);
@@ -85,13 +87,9 @@ const double* AxisGroupRows::correlationsOf(std::size_t a, std::size_t combinati
     if (axis.inputs.empty()) {
         return nullptr;
     }
-    if (axis.hasTable) {
-        return axis.table.data() + axis.valueAt(combination) * tableStride;
-    }
-    const std::size_t row = partialTables[a].isWhole
-                                ? axis.valueAt(combination)
-                                : combination / axis.stride - first / axis.stride;
-    return partialTables[a].rows.data() + row * tableStride;
+    const std::size_t row = tables[a].isWhole ? axis.valueAt(combination)
+                                              : combination / axis.stride - first / axis.stride;
+    return tables[a].rows.data() + row * tableStride;
 }
 
 void AxisGroupRows::multiplySlowerAxes(std::size_t combination)

@@ -24,16 +24,15 @@ public:
     std::size_t columns() const { return cases + group.trend.size(); }
 
 private:
-    void computeTable(std::size_t axis, std::size_t count);
+    void computePassed(std::size_t axis, std::size_t count);
     const double* correlationsOf(std::size_t axis, std::size_t combination) const;
     void multiplySlowerAxes(std::size_t combination);
 
-    /** Correlations of an axis that is too long for a table of its own: those of its values in the
-     *  present combinations. */
-    struct PartialTable
+    /** Correlations of an axis: of all its values, or of those in the present combinations. */
+    struct Table
     {
         AlignedBuffer rows;
-        bool isWhole; ///< all values of the axis, from the first
+        bool isWhole = false;
     };
 
     const AxisGroup& group;
@@ -42,7 +41,7 @@ private:
     std::size_t tableStride;
     std::size_t rowStride;
     AlignedBuffer buffer;
-    std::vector<PartialTable> partialTables;
-    AlignedBuffer shared; // product of all axes but the fastest
+    std::vector<Table> tables; // one per axis
+    AlignedBuffer shared;      // product of all axes but the fastest
     std::size_t first = 0;
 };

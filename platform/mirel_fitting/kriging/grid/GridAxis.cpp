@@ -1,5 +1,7 @@
 #include <mirel_fitting/kriging/grid/GridAxis.h>
 
+#include <mirel_fitting/machine/AlignedBuffer.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -29,18 +31,6 @@ GridAxis::GridAxis(const FittedKriging& model, const std::vector<double*>& colum
         }
         coordinates.push_back(std::move(values));
     }
-}
-
-void GridAxis::tabulate(const MaternCorrelation& correlation)
-{
-    constexpr std::size_t largestTable = std::size_t{16} << 20; // bytes
-    const std::size_t rowSize = correlation.correlationStride();
-    if (inputs.empty() || size > largestTable / sizeof(double) / rowSize) {
-        return;
-    }
-    table = AlignedBuffer::uninitialised(size * rowSize);
-    correlate(correlation, 0, size, table.data());
-    hasTable = true;
 }
 
 void GridAxis::correlate(const MaternCorrelation& correlation, std::size_t first, std::size_t count,

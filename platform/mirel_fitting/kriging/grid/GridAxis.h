@@ -2,7 +2,6 @@
 
 #include <mirel_fitting/grid/ProductGrid.h>
 #include <mirel_fitting/kriging/prediction/FittedKriging.h>
-#include <mirel_fitting/machine/AlignedBuffer.h>
 
 #include <cstddef>
 #include <vector>
@@ -17,9 +16,6 @@ public:
 
     std::size_t valueAt(std::size_t combination) const { return combination / stride % size; }
 
-    /** Computes `table`, unless it takes more than 16 MiB. */
-    void tabulate(const MaternCorrelation& correlation);
-
     /** Rows of correlations with the cases for `count` values from `first` on, each
      *  correlationStride() long. */
     void correlate(const MaternCorrelation& correlation, std::size_t first, std::size_t count,
@@ -31,6 +27,4 @@ public:
     std::vector<std::size_t> inputs; ///< that vary along it, as indices of the model's inputs
     /** Of each of these inputs one per value; 0 for a value that is not finite. */
     std::vector<std::vector<double>> coordinates;
-    bool hasTable = false;
-    AlignedBuffer table; ///< rows of correlations of all values, if hasTable
 };

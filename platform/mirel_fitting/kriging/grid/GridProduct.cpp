@@ -86,14 +86,8 @@ GridProduct::GridProduct(const FittedKriging& model, const std::vector<double*>&
     constexpr std::size_t minTile = 64;
     constexpr std::size_t maxTile = 512;
 
-    const MaternCorrelation& correlation = *model.correlation;
-    for (AxisGroup* group : {&separated.fast, &separated.slow}) {
-        for (GridAxis& axis : group->axes) {
-            axis.tabulate(correlation);
-        }
-    }
-    tileSize =
-        std::clamp(tileBytes / sizeof(double) / correlation.correlationStride(), minTile, maxTile);
+    tileSize = std::clamp(tileBytes / sizeof(double) / model.correlation->correlationStride(),
+                          minTile, maxTile);
 }
 
 void GridProduct::predict(int threads, double* result) const

@@ -9,8 +9,7 @@
  * slow combinations, computed in tiles. For F and S combinations and n cases F S n multiply-adds of
  * BLAS and (F + S) n correlations.
  *
- * Memory: the correlations of each axis (up to 16 MiB an axis; of longer axes those of one tile)
- * and two tiles of about 4 MiB per thread.
+ * Memory: two tiles of about 4 MiB per thread, and as much for the correlations of their axes.
  */
 class GridProduct
 {

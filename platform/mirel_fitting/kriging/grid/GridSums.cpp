@@ -167,12 +167,6 @@ GridSums::GridSums(const FittedKriging& given, const std::vector<double*>& colum
       axisStride(grid.axes()[axis].stride)
 {
     prepareSums();
-    for (GridAxis& other : separated.slow.axes) {
-        // The values of an only axis come once: each tile computes its own.
-        if (other.size < separated.slow.size) {
-            other.tabulate(*model.correlation);
-        }
-    }
 }
 
 void GridSums::prepareSums()

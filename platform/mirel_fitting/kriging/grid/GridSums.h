@@ -11,8 +11,7 @@
  * Predictions over a grid as sums along one axis (AxisSums), for each combination of the other
  * axes. Costs a few operations per combination and case and some twenty per point.
  *
- * Memory: the correlations of each other axis (up to 16 MiB an axis; of longer axes those of one
- * tile) and about 2 MiB per thread.
+ * Memory: about 2 MiB per thread.
  */
 class GridSums
 {

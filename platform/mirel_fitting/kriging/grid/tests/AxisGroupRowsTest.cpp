@@ -70,22 +70,23 @@ TEST(AxisGroupRows, MarkCombinationsThatAreNotFiniteInTheTrend)
     }
 }
 
-TEST(AxisGroupRows, AreTheSameBitsForAnyPartAndWithTablesOfTheAxes)
+TEST(AxisGroupRows, AreTheSameBitsForAnyPartAndNumberOfRows)
 {
-    Grid grid;
+    // Of all values of the axes, and of those in three combinations.
+    const Grid grid;
     const MaternCorrelation& correlation = *grid.model.fitted.correlation;
     AxisGroupRows rows(grid.group, correlation, 20);
+    AxisGroupRows few(grid.group, correlation, 1);
     const std::vector<double> whole = filled(rows, 0, 20);
 
-    std::vector<double> inParts;
-    for (std::size_t first = 0; first < 20; first += 3) {
-        const std::vector<double> part = filled(rows, first, std::min<std::size_t>(3, 20 - first));
-        inParts.insert(inParts.end(), part.begin(), part.end());
+    for (AxisGroupRows* some : {&rows, &few}) {
+        const std::size_t most = some == &rows ? 3 : 1;
+        std::vector<double> inParts;
+        for (std::size_t first = 0; first < 20; first += most) {
+            const std::vector<double> part =
+                filled(*some, first, std::min<std::size_t>(most, 20 - first));
+            inParts.insert(inParts.end(), part.begin(), part.end());
+        }
+        EXPECT_EQ(inParts, whole) << most;
     }
-    EXPECT_EQ(inParts, whole);
-
-    for (GridAxis& axis : grid.group.axes) {
-        axis.tabulate(correlation);
-    }
-    EXPECT_EQ(filled(rows, 0, 20), whole);
 }

@@ -36,9 +36,9 @@ TEST(KrigingGrid, TakesInputsThatVaryTogether)
     expectTheScatteredPredictions(Model(3), columns);
 }
 
-TEST(KrigingGrid, TakesAxesThatAreTooLongForATable)
+TEST(KrigingGrid, TakesAxesThatAreLongerThanATile)
 {
-    // 16 MiB hold the correlations of 1165 values with 1800 cases.
+    // A tile holds the correlations of 291 combinations with 1800 cases.
     const Model model(3, 1, 1800);
     expectTheScatteredPredictions(
         model, gridOf(4, {{0, evenly(3, -1.5, 1.5)}, {2, evenly(1300, 0.0, 3.0)}}));
