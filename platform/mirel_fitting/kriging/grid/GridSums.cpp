@@ -114,27 +114,12 @@ private:
     {
         const std::size_t count = std::min(valuesAtATime, grid.positions.size() - firstValue);
         const std::size_t* positions = grid.positions.data() + firstValue;
-        const double offset = grid.model.offset;
-        const double scale = grid.model.scale;
-        const bool isContiguous = grid.axisStride == 1 &&
-                                  positions[count - 1] - positions[0] == count - 1 &&
-                                  std::is_sorted(positions, positions + count);
-        if (isContiguous) {
-            for (std::size_t i = 0; i < rowCount; ++i) {
-                const double* row = values.data() + i * valuesAtATime;
-                double* target = startOf(firstRow + i) + positions[0];
-                for (std::size_t v = 0; v < count; ++v) {
-                    target[v] = offset + scale * row[v];
-                }
-            }
-            return;
-        }
-        // Value by value: consecutive combinations are neighbours in the result.
-        for (std::size_t v = 0; v < count; ++v) {
-            const std::size_t position = positions[v] * grid.axisStride;
-            for (std::size_t i = 0; i < rowCount; ++i) {
-                startOf(firstRow + i)[position] =
-                    offset + scale * values.data()[i * valuesAtATime + v];
+        for (std::size_t i = 0; i < rowCount; ++i) {
+            const double* row = values.data() + i * valuesAtATime;
+            double* target = startOf(firstRow + i);
+            for (std::size_t v = 0; v < count; ++v) {
+                target[positions[v] * grid.axisStride] =
+                    grid.model.offset + grid.model.scale * row[v];
             }
         }
     }
