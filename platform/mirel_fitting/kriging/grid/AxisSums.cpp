@@ -277,21 +277,17 @@ void AxisSums::tabulate(const Block& block, std::size_t firstPanel, std::size_t 
 
 AxisSums::Table::Table(const AxisSums& sums, std::size_t firstPanel, std::size_t panelCount)
 {
-    constexpr std::size_t maxPanels = 64; // of a stretch: its values stay in the cache
     const std::size_t lastPanel = firstPanel + panelCount;
     std::size_t position = 0;
     auto block = std::partition_point(
         sums.blocks.begin(), sums.blocks.end(),
         [firstPanel](const Block& candidate) { return candidate.lastPanel <= firstPanel; });
     for (std::size_t p = firstPanel; p < lastPanel; ++block) {
-        const std::size_t end = std::min(lastPanel, block->lastPanel);
-        while (p < end) {
-            const std::size_t panels = std::min(maxPanels, end - p);
-            stretches.push_back(
-                {static_cast<std::size_t>(block - sums.blocks.begin()), p, panels, position});
-            position += sums.tableSize(*block, panels);
-            p += panels;
-        }
+        const std::size_t panels = std::min(lastPanel, block->lastPanel) - p;
+        stretches.push_back(
+            {static_cast<std::size_t>(block - sums.blocks.begin()), p, panels, position});
+        position += sums.tableSize(*block, panels);
+        p += panels;
     }
     buffer = AlignedBuffer::uninitialised(position);
     for (const Stretch& stretch : stretches) {
