@@ -32,8 +32,10 @@ void KrigingEstimate::search()
 {
     const KrigingSizes& sizes = input.options.sizes;
     if (usesSubset(sizes, allCases->cases)) {
+        // By size, not by time, so that the same cases give the same model on every machine.
+        const int steps = allCases->cases > sizes.maxRefinedTwice ? 1 : 2;
         found = KrigingSubsetSearch::run(allCases, chosenTrend->order(), input.searchSettings(),
-                                         sizes.searched, refinements());
+                                         sizes.searched, steps);
     } else {
         searchWithAll();
     }
@@ -42,13 +44,6 @@ void KrigingEstimate::search()
 bool KrigingEstimate::usesSubset(const KrigingSizes& sizes, std::size_t cases)
 {
     return cases > sizes.maxSearched;
-}
-
-/** Number of steps with all cases after the search with a subset: by size, not by time, so that the
- *  same cases give the same model on every machine. */
-int KrigingEstimate::refinements() const
-{
-    return allCases->cases > input.options.sizes.maxRefinedTwice ? 1 : 2;
 }
 
 /** With few cases per term the trend becomes constant unless there is noise; with very few its

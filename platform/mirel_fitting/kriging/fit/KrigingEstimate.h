@@ -51,7 +51,6 @@ private:
     void search();
     void searchWithAll();
     void lowerTrend(int order);
-    int refinements() const;
 
     const KrigingFitInput& input;
     std::shared_ptr<const KrigingTrend> chosenTrend;

@@ -134,7 +134,7 @@ LargeKriging::Result LargeKriging::run(const std::shared_ptr<const KrigingData>&
     const auto layerOf = [&](const std::vector<double>& values, double from, double to) {
         const FitProgress::Portion portion(from, to);
         return NeighbourLayer(*data, values, result.measured, start, settings.requestedNugget,
-                              {sizes.neighbours, sizes.estimated});
+                              sizes);
     };
     const NeighbourLayer ofModel = layerOf(residuals, 0.5, 0.75);
     const NeighbourLayer ofTrend = layerOf(trendResiduals, 0.75, 0.95);

@@ -109,9 +109,8 @@ private:
 
 NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double>& residuals,
                                const std::vector<std::size_t>& leftOut, const Parameters& start,
-                               double smallestNugget, const Sizes& sizes)
-    : data(data), residuals(residuals), leftOut(leftOut), smallestNugget(smallestNugget),
-      sizes(sizes)
+                               double smallestNugget, const KrigingSizes& sizes)
+    : data(data), residuals(residuals), leftOut(leftOut), smallestNugget(smallestNugget)
 {
     constexpr double expectedTrials = 200.0; // of DensitySearch
     constexpr double estimating = 0.7;       // of the work
@@ -121,7 +120,7 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
                                            expectedTrials * static_cast<double>(sizes.estimated));
         neighbours = std::make_shared<NearestNeighbourKriging>(data, residuals, start.lengths,
                                                                sizes.neighbours);
-        neighbours->setParameters(estimate(start));
+        neighbours->setParameters(estimate(start, sizes.estimated));
     }
     const FitProgress::Portion portion(estimating, 1.0, "Leaving out cases",
                                        2.0 * static_cast<double>(leftOut.size()));
@@ -133,14 +132,13 @@ NeighbourLayer::NeighbourLayer(const KrigingData& data, const std::vector<double
     }
 }
 
-/** Lengths and nugget of greatest leave-one-out density of the residuals of a sample. */
-Parameters NeighbourLayer::estimate(const Parameters& start) const
+/** Lengths and nugget of greatest leave-one-out density of the residuals of so many cases. */
+Parameters NeighbourLayer::estimate(const Parameters& start, std::size_t cases) const
 {
     constexpr double firstStep = 2.0; // factors of lengths
     constexpr double lastStep = 1.2;
 
-    const std::vector<std::size_t> sample =
-        picked(leftOut, randomSubset(leftOut.size(), sizes.estimated));
+    const std::vector<std::size_t> sample = picked(leftOut, randomSubset(leftOut.size(), cases));
     DensitySearch search(*neighbours, sample, residuals, start, smallestNugget);
     search.tryGrid(start);
     for (double step = firstStep; step > lastStep; step = std::sqrt(step)) {

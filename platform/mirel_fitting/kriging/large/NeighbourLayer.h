@@ -2,6 +2,7 @@
 
 #include <mirel_fitting/cases/KrigingData.h>
 #include <mirel_fitting/kriging/neighbours/NearestNeighbourKriging.h>
+#include <mirel_fitting/kriging/search/KrigingSizes.h>
 
 #include <cstddef>
 #include <memory>
@@ -14,13 +15,6 @@
 class NeighbourLayer
 {
 public:
-    struct Sizes
-    {
-        std::size_t neighbours; ///< that a prediction uses at most
-        /** Random cases of those left out, for the estimate of the parameters. */
-        std::size_t estimated;
-    };
-
     /**
      * Lengths and nugget are those of greatest leave-one-out density of a sample of the cases that
      * are left out; the search begins at `start`, whose lengths also measure which cases are near.
@@ -29,7 +23,7 @@ public:
     NeighbourLayer(const KrigingData& data, const std::vector<double>& residuals,
                    const std::vector<std::size_t>& leftOut,
                    const NearestNeighbourKriging::Parameters& start, double smallestNugget,
-                   const Sizes& sizes);
+                   const KrigingSizes& sizes);
 
     std::shared_ptr<const NearestNeighbourKriging> kriging() const { return neighbours; }
 
@@ -54,14 +48,13 @@ public:
     std::vector<double> residualsAtCases() const;
 
 private:
-    NearestNeighbourKriging::Parameters
-    estimate(const NearestNeighbourKriging::Parameters& start) const;
+    NearestNeighbourKriging::Parameters estimate(const NearestNeighbourKriging::Parameters& start,
+                                                 std::size_t cases) const;
 
     const KrigingData& data;
     const std::vector<double>& residuals;
     const std::vector<std::size_t>& leftOut;
     double smallestNugget;
-    Sizes sizes;
     std::shared_ptr<NearestNeighbourKriging> neighbours;
     std::vector<double> errors;
     std::vector<double> relativeVariances;

@@ -15,14 +15,7 @@ protected:
     NeighbourLayer()
     {
         const Columns x = latinHypercube(cases, 2, 5);
-        data.cases = cases;
-        data.inputs = 2;
-        for (const std::vector<double>& column : x) {
-            data.coordinates.insert(data.coordinates.end(), column.begin(), column.end());
-        }
-        data.output.assign(cases, 0.0);
-        data.replicates.assign(cases, 1.0);
-        data.withinSquares.assign(cases, 0.0);
+        data = *dataOf(x, std::vector<double>(cases, 0.0));
         residuals = valuesOf(
             [](const std::vector<double>& p) {
                 return std::sin(9.0 * p[0]) * std::cos(5.0 * p[1]);
@@ -35,7 +28,9 @@ protected:
 
     ::NeighbourLayer layer() const
     {
-        return {data, residuals, leftOut, {{1.0, 1.0}, 1e-6}, 0.0, {20, leftOut.size()}};
+        KrigingSizes sizes;
+        sizes.neighbours = 20;
+        return {data, residuals, leftOut, {{1.0, 1.0}, 1e-6}, 0.0, sizes};
     }
 
     KrigingData data;
