@@ -11,12 +11,16 @@ using namespace fittingtest;
 namespace {
 
 /** z1 = (V1 - 42) / 64, z2 = (V2 + 6) / 4. */
-std::vector<ColumnScale> scales()
+class PolynomialUnitsOfTwoInputs : public ::testing::Test
 {
     const Column v1{4, 80};
     const Column v2{-10, -2};
-    return {{v1.data(), 2}, {v2.data(), 2}};
-}
+
+protected:
+    const QuadraticBasis basis{2, 2};
+    const std::vector<ColumnScale> scales{{v1.data(), 2}, {v2.data(), 2}};
+    const PolynomialUnits units{basis, scales};
+};
 
 double value(const std::vector<double>& c, double x, double y)
 {
@@ -27,27 +31,20 @@ const std::vector<double> scaled{1.5, -64.0, 4.0, 2048.0, 128.0, -32.0};
 
 } // namespace
 
-TEST(PolynomialUnits, DividesByTheUnitsForCentredAndCodesRangesForCodedInputs)
+TEST_F(PolynomialUnitsOfTwoInputs, DividesByTheUnitsForCentredAndCodesRangesForCodedInputs)
 {
-    const QuadraticBasis basis(2, 2);
-    const std::vector<ColumnScale> inputScales = scales();
+    EXPECT_EQ(units.centred(scaled), (std::vector<double>{1.5, -1.0, 1.0, 0.5, 0.5, -2.0}));
 
-    EXPECT_EQ(PolynomialUnits(basis, inputScales).centred(scaled),
-              (std::vector<double>{1.5, -1.0, 1.0, 0.5, 0.5, -2.0}));
-
-    const std::vector<double> coded = PolynomialUnits(basis, inputScales).coded(scaled);
+    const std::vector<double> coded = units.coded(scaled);
 
     // -1 and 1 stand for 4 and 80, -10 and -2.
     EXPECT_DOUBLE_EQ(value(coded, -1.0, 1.0), value(scaled, (4.0 - 42.0) / 64.0, 1.0));
     EXPECT_DOUBLE_EQ(value(coded, 1.0, -1.0), value(scaled, (80.0 - 42.0) / 64.0, -1.0));
 }
 
-TEST(PolynomialUnits, MultipliesOutToTheSamePolynomial)
+TEST_F(PolynomialUnitsOfTwoInputs, MultipliesOutToTheSamePolynomial)
 {
-    const QuadraticBasis basis(2, 2);
-    const std::vector<ColumnScale> inputScales = scales();
-
-    const std::vector<double> expanded = PolynomialUnits(basis, inputScales).expanded(scaled);
+    const std::vector<double> expanded = units.expanded(scaled);
 
     for (const double v1 : {-3.0, 4.0, 42.0, 90.0}) {
         for (const double v2 : {-10.0, 0.0, 7.0}) {
@@ -57,12 +54,9 @@ TEST(PolynomialUnits, MultipliesOutToTheSamePolynomial)
     }
 }
 
-TEST(PolynomialUnits, KeepsALinearPolynomialLinear)
+TEST_F(PolynomialUnitsOfTwoInputs, KeepsALinearPolynomialLinear)
 {
-    const QuadraticBasis basis(2, 1);
-    const std::vector<ColumnScale> inputScales = scales();
-
-    EXPECT_EQ(PolynomialUnits(basis, inputScales).expanded({1.5, -64.0, 4.0}),
+    EXPECT_EQ(PolynomialUnits(QuadraticBasis(2, 1), scales).expanded({1.5, -64.0, 4.0}),
               (std::vector<double>{1.5 + 42.0 + 6.0, -1.0, 1.0}));
 }
 
@@ -79,12 +73,8 @@ TEST(PolynomialUnits, BoundsTheRoundingErrorOfALargeOrigin)
     EXPECT_NEAR(PolynomialUnits(basis, farScale).expansionLoss({1, 1, 1}), 4e12 * 2.2e-16, 1e-5);
 }
 
-TEST(PolynomialUnits, WritesATermOfTheInputsInScaledOnes)
+TEST_F(PolynomialUnitsOfTwoInputs, WritesATermOfTheInputsInScaledOnes)
 {
-    const QuadraticBasis basis(2, 2);
-    const std::vector<ColumnScale> inputScales = scales();
-    const PolynomialUnits units(basis, inputScales);
-
     for (std::size_t term = 0; term < basis.size(); ++term) {
         std::vector<double> single(basis.size(), 0.0);
         single[term] = 1.0;
@@ -92,12 +82,8 @@ TEST(PolynomialUnits, WritesATermOfTheInputsInScaledOnes)
     }
 }
 
-TEST(PolynomialUnits, SumsMagnitudesOfWhatCancels)
+TEST_F(PolynomialUnitsOfTwoInputs, SumsMagnitudesOfWhatCancels)
 {
-    const QuadraticBasis basis(2, 2);
-    const std::vector<ColumnScale> inputScales = scales();
-    const PolynomialUnits units(basis, inputScales);
-
     const std::vector<double> magnitudes = units.expandedMagnitudes(scaled);
 
     // -V1 of its own, 42 V1 twice of V1^2 / 2, 6 V1 / 2 of V1 V2 / 2.

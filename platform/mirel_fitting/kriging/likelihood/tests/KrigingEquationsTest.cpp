@@ -4,44 +4,37 @@
 
 #include <gtest/gtest.h>
 
-TEST(KrigingEquations, LeavesOutEachCaseLikeARefitWithoutIt)
+namespace {
+
+class KrigingEquationsOfCases : public ::testing::Test
 {
-    const auto data = someData(15);
-    KrigingEquations equations(data);
-    equations.solve(someLengths, someNugget);
+protected:
+    KrigingEquationsOfCases() { equations.solve(someLengths, someNugget); }
 
-    const std::vector<double> residuals = equations.leaveOneOut(true).residuals;
+    const std::shared_ptr<KrigingData> data = someData(15);
+    KrigingEquations equations{data};
+};
 
-    for (std::size_t i = 0; i < data->cases; ++i) {
-        const DirectKriging others = direct(*data, someLengths, someNugget, i);
-        const DirectKriging::Vector point = {data->coordinates[i],
-                                             data->coordinates[data->cases + i]};
-        const DirectKriging::Real expected =
-            data->output[i] - others.predict(point, {1.0L, point[0], point[1]});
-        EXPECT_NEAR(residuals[i], static_cast<double>(expected), 1e-9) << i;
-    }
-}
+} // namespace
 
-TEST(KrigingEquations, HasTheVariancesOfLeftOutCasesWithAndWithoutNoise)
+TEST_F(KrigingEquationsOfCases, HasResidualsAndVariancesOfLeftOutCasesLikeRefits)
 {
-    const auto data = someData(15);
-    KrigingEquations equations(data);
-    equations.solve(someLengths, someNugget);
+    const auto withNoise = equations.leaveOneOut(true);
+    const auto withoutNoise = equations.leaveOneOut(false);
 
-    const std::vector<double> withNoise = equations.leaveOneOut(true).variances;
-    const std::vector<double> withoutNoise = equations.leaveOneOut(false).variances;
-
+    EXPECT_EQ(withoutNoise.residuals, withNoise.residuals);
     for (std::size_t i = 0; i < data->cases; ++i) {
+        SCOPED_TRACE(i);
         const DirectKriging others = direct(*data, someLengths, someNugget, i);
         const DirectKriging::Vector point = {data->coordinates[i],
                                              data->coordinates[data->cases + i]};
         const DirectKriging::Vector terms = {1.0L, point[0], point[1]};
-        EXPECT_NEAR(withNoise[i],
-                    static_cast<double>(others.relativeVariance(point, terms)) + someNugget, 1e-10)
-            << i;
-        EXPECT_NEAR(withoutNoise[i], static_cast<double>(others.errorWithoutNoise(point, terms)),
-                    1e-10)
-            << i;
+        EXPECT_NEAR(withNoise.residuals[i],
+                    static_cast<double>(data->output[i] - others.predict(point, terms)), 1e-9);
+        EXPECT_NEAR(withNoise.variances[i],
+                    static_cast<double>(others.relativeVariance(point, terms)) + someNugget, 1e-10);
+        EXPECT_NEAR(withoutNoise.variances[i],
+                    static_cast<double>(others.errorWithoutNoise(point, terms)), 1e-10);
     }
 }
 
@@ -61,12 +54,8 @@ TEST(KrigingEquations, LeavesOutNoCaseThatTheTrendCannotDoWithout)
     EXPECT_TRUE(std::isnan(residuals[7]));
 }
 
-TEST(KrigingEquations, KnowsTheErrorsOfTheTrendsCoefficients)
+TEST_F(KrigingEquationsOfCases, KnowsTheErrorsOfTheTrendsCoefficients)
 {
-    const auto data = someData(15);
-    KrigingEquations equations(data);
-    equations.solve(someLengths, someNugget);
-
     const std::vector<double> errors = equations.coefficientErrors();
 
     // A point that nothing correlates with has the variance 1 more than the trend there.
@@ -95,12 +84,8 @@ TEST(KrigingEquations, EstimatesTheCondition)
     EXPECT_LT(equations.conditionEstimate(), 30.0 * 30.0 / 1e-3);
 }
 
-TEST(KrigingEquations, ReportsItsResiduals)
+TEST_F(KrigingEquationsOfCases, ReportsItsResiduals)
 {
-    const auto data = someData(20);
-    KrigingEquations equations(data);
-    equations.solve(someLengths, someNugget);
-
     const std::vector<double> residuals = equations.residuals();
 
     // R weights = y - trend, and R is the correlation plus the nugget.
