@@ -52,31 +52,18 @@ TEST_F(SurrogateModelManagerPropertiesTest, AreCalledByTheirDisplayNamesInUndoSt
     EXPECT_EQ(undoStack().count(), 3);
 }
 
-struct MinimumAndText
+TEST_F(SurrogateModelManagerPropertiesTest, BeginAtTheMinimumWithSixSignificantDigits)
 {
-    double minimum;
-    const char* text;
-};
-
-class SurrogateModelManagerPropertiesPoint : public SurrogateModelManagerPropertiesTest,
-                                             public ::testing::WithParamInterface<MinimumAndText>
-{};
-
-TEST_P(SurrogateModelManagerPropertiesPoint, IsTheMinimumWithSixSignificantDigits)
-{
-    const VarPtr variable = addInputWithRange("x3", GetParam().minimum, 1e300);
-
-    choose({variable});
-
-    EXPECT_EQ(pointOf("x3"), GetParam().text);
-    EXPECT_EQ(modeOf("x3"), Points::UserDefined);
+    const std::pair<double, const char*> minima[] = {{-3.5, "-3.5"},     {1234567.0, "1.23457e+06"},
+                                                     {0.0001, "0.0001"}, {0.00001, "1e-05"},
+                                                     {-0.0, "0"},        {100000.0, "100000"}};
+    for (const auto& [minimum, text] : minima) {
+        const std::string name = std::string("from ") + text;
+        choose({addInputWithRange(name, minimum, 1e300)});
+        EXPECT_EQ(pointOf(name), text);
+        EXPECT_EQ(modeOf(name), Points::UserDefined) << name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Minima, SurrogateModelManagerPropertiesPoint,
-    ::testing::Values(MinimumAndText{-3.5, "-3.5"}, MinimumAndText{1234567.0, "1.23457e+06"},
-                      MinimumAndText{0.0001, "0.0001"}, MinimumAndText{0.00001, "1e-05"},
-                      MinimumAndText{-0.0, "0"}, MinimumAndText{100000.0, "100000"}));
 
 TEST_F(SurrogateModelManagerPropertiesTest, LeaveEvaluationPointsAloneThatAreHeldAlready)
 {
