@@ -26,23 +26,17 @@ Values valuesOf(const std::string& text)
 /** A row of a table of texts; the name says what is special about the text. */
 struct TextAndCode
 {
-    std::string name;
+    const char* name;
     std::string text;
     Dist::ParseErrorCode code;
 };
 
 struct TextAndValues
 {
-    std::string name;
+    const char* name;
     std::string text;
     Values values;
 };
-
-template <class Row>
-std::string rowName(const testing::TestParamInfo<Row>& row)
-{
-    return row.param.name;
-}
 
 // Written as bytes, so that the source shows which of the look-alikes is meant.
 const std::string noBreakSpace = "\xc2\xa0";
@@ -50,172 +44,144 @@ const std::string emSpace = "\xe2\x80\x83";
 const std::string arabicThree = "\xd9\xa3";
 const std::string minusSign = "\xe2\x88\x92";
 
-class SurrogateModelUserDistFaults : public testing::TestWithParam<TextAndCode>
-{};
+const TextAndCode faults[] = {
+    // An empty item
+    {"EmptyText", "", Dist::NoValueRange},
+    {"BlankText", "   ", Dist::NoValueRange},
+    {"TabAndNewline", "\t\n", Dist::NoValueRange},
+    {"CommaAlone", ",", Dist::NoValueRange},
+    {"CommaAtTheEnd", "1, 2,", Dist::NoValueRange},
+    {"CommaAtTheStart", ",1", Dist::NoValueRange},
+    {"TwoCommas", "1,,2", Dist::NoValueRange},
+    {"BlankBetweenCommas", "1, ,2", Dist::NoValueRange},
+    // Neither number nor range
+    {"Letters", "abc", Dist::InvalidFloatingPointNumber},
+    {"BlankAfterTheSign", "- 5", Dist::InvalidFloatingPointNumber},
+    {"PointAtTheEnd", "5.", Dist::InvalidFloatingPointNumber},
+    {"PointAlone", ".", Dist::InvalidFloatingPointNumber},
+    {"TwoSigns", "+-5", Dist::InvalidFloatingPointNumber},
+    {"Hexadecimal", "0x10", Dist::InvalidFloatingPointNumber},
+    {"Infinity", "inf", Dist::InvalidFloatingPointNumber},
+    {"NotANumber", "nan", Dist::InvalidFloatingPointNumber},
+    {"ExponentWithoutDigits", "1e", Dist::InvalidFloatingPointNumber},
+    {"ExponentWithFraction", "1e1.5", Dist::InvalidFloatingPointNumber},
+    {"TwoNumbers", "1 2", Dist::InvalidFloatingPointNumber},
+    {"TwoLines", "5\n6", Dist::InvalidFloatingPointNumber},
+    {"TwoDots", "0..10", Dist::InvalidFloatingPointNumber},
+    {"WordBetweenBounds", "0 to 10", Dist::InvalidFloatingPointNumber},
+    {"ColonBetweenBounds", "0:10", Dist::InvalidFloatingPointNumber},
+    {"RangeWithoutCount", "0 - 1", Dist::InvalidFloatingPointNumber},
+    {"RangeWithColonButNoCount", "0 - 1 :", Dist::InvalidFloatingPointNumber},
+    {"NegativeCount", "0 - 1 : -3", Dist::InvalidFloatingPointNumber},
+    {"CountWithFraction", "0 - 1 : 3.0", Dist::InvalidFloatingPointNumber},
+    {"BlankAfterTheSignOfTheCount", "0 - 1 : + 3", Dist::InvalidFloatingPointNumber},
+    {"LettersAfterTheRange", "0 - 1 : 3 x", Dist::InvalidFloatingPointNumber},
+    {"LettersBeforeTheRange", "x 0 - 1 : 3", Dist::InvalidFloatingPointNumber},
+    {"ThreeBounds", "0 - 1 - 2 : 3", Dist::InvalidFloatingPointNumber},
+    {"BlankBetweenThousands", "1 000", Dist::InvalidFloatingPointNumber},
+    {"Semicolon", "5;6", Dist::InvalidFloatingPointNumber},
+    {"MinusSignOfTypography", minusSign + "5", Dist::InvalidFloatingPointNumber},
+    {"DigitOfAnotherScript", arabicThree, Dist::InvalidFloatingPointNumber},
+    {"ByteZero", std::string("5\0", 2), Dist::InvalidFloatingPointNumber},
+    {"BytesThatAreNoText", "\xff\xfe", Dist::InvalidFloatingPointNumber},
+    // A number that does not convert
+    {"TwoPointsBeforeDigits", "..5", Dist::ValueOutOfRange},
+    {"TwoPoints", ".1.2", Dist::ValueOutOfRange},
+    {"Overflow", "1e999", Dist::ValueOutOfRange},
+    {"NegativeOverflow", "-1e999", Dist::ValueOutOfRange},
+    {"MinimumWithTwoPoints", "..5 - 1 : 2", Dist::MinimumOutOfBounds},
+    {"MinimumOverflows", "1e999 - 2 : 3", Dist::MinimumOutOfBounds},
+    {"MinimumIsLookedAtFirst", "1e999 - 1e999 : 0", Dist::MinimumOutOfBounds},
+    {"MaximumWithTwoPoints", "0 - .1.2 : 2", Dist::MaximumOutOfBounds},
+    {"MaximumOverflows", "0 - 1e999 : 3", Dist::MaximumOutOfBounds},
+    {"MaximumIsLookedAtBeforeTheCount", "0 - 1e999 : 0", Dist::MaximumOutOfBounds},
+    // Count and bounds
+    {"OneAboveAMillion", "0 - 1 : 1000001", Dist::TooManyValues},
+    {"LargestCountOf32Bits", "0 - 1 : 2147483647", Dist::TooManyValues},
+    {"CountBeyond32Bits", "0 - 1 : 2147483648", Dist::TooManyValues},
+    {"CountBeyond64Bits", "0 - 1 : 99999999999999999999", Dist::TooManyValues},
+    {"CountIsLookedAtBeforeTheOrder", "1 - 0 : 9999999", Dist::TooManyValues},
+    // A digit of another script is a digit to the pattern, but no number converts from it.
+    {"CountInAnotherScript", "0 - 1 : " + arabicThree, Dist::TooManyValues},
+    {"NoValues", "0 - 1 : 0", Dist::NoValues},
+    {"ZeroIsLookedAtBeforeTheOrder", "1 - 0 : 0", Dist::NoValues},
+    {"ZeroIsLookedAtBeforeEqualBounds", "2 - 2 : 0", Dist::NoValues},
+    {"ReversedBounds", "1 - 0 : 3", Dist::MinimumLargerThanMaximum},
+    {"ReversedBoundsOneValue", "1 - 0 : 1", Dist::MinimumLargerThanMaximum},
+    {"EqualBounds", "2 - 2 : 3", Dist::EqualBoundsNeedOnePoint},
+    {"ZerosOfBothSigns", "0 - -0 : 2", Dist::EqualBoundsNeedOnePoint},
+    {"OneValueForTwoBounds", "0 - 1 : 1", Dist::TooFewValues},
+};
 
-TEST_P(SurrogateModelUserDistFaults, AreReportedByTheirCodeAndLeaveTheVectorAlone)
+const TextAndValues texts[] = {
+    // A single value
+    {"Plain", "5", {5}},
+    {"BetweenBlanks", " 5 ", {5}},
+    {"BetweenTabAndNewline", "\t5\n", {5}},
+    {"BetweenUnicodeSpaces", noBreakSpace + "5" + emSpace, {5}},
+    {"Negative", "-5", {-5}},
+    {"PointAtTheStart", ".5", {0.5}},
+    {"SignAndPointAtTheStart", "+.5", {0.5}},
+    {"Exponent", "1e3", {1000}},
+    {"CapitalExponentWithSign", "1E+3", {1000}},
+    {"LeadingZeros", "007", {7}},
+    {"FractionAndNegativeExponent", "1.5e-1", {0.15}},
+    {"LargestNumber", "1.7976931348623157e308", {std::numeric_limits<double>::max()}},
+    // A range
+    {"IncludesBothEnds", "0 - 1 : 3", {0, 0.5, 1}},
+    {"NegativeBounds", "-5 - -1 : 2", {-5, -1}},
+    {"NegativeBoundsWithoutBlanks", "-5--1:2", {-5, -1}},
+    {"CountWithSign", "0-1:+3", {0, 0.5, 1}},
+    {"CountWithLeadingZeros", "0-1:003", {0, 0.5, 1}},
+    {"TabsAndNewlines", "0 \t-\n 1   :\t3", {0, 0.5, 1}},
+    {"UnicodeSpaces", "0" + noBreakSpace + "-" + emSpace + "1:3", {0, 0.5, 1}},
+    {"MinusInTheExponent", "1e-5-2:2", {1e-5, 2}},
+    {"Exponents", "1e3-1e4:4", {1000, 4000, 7000, 10000}},
+    {"EqualBoundsOneValue", "2 - 2 : 1", {2}},
+    {"StepThatOverflows",
+     "-1e308 - 1e308 : 3",
+     {-1e308, 1e308, std::numeric_limits<double>::infinity()}},
+    // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
+    {"StepsTooSmallForTheNumbers", "1e16 - 10000000000000002 : 5", {1e16, 10000000000000002.0}},
+    // A list
+    {"SortedWithoutDuplicates", "3, 1, 2, 1", {1, 2, 3}},
+    {"ValueInsideARange", "0 - 10 : 11, 5", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+    {"RangesInDescendingOrder", "20 - 30 : 3, 0 - 10 : 2", {0, 10, 20, 25, 30}},
+    {"CommaIsNoDecimalPoint", "1,5", {1, 5}},
+    {"ZerosOfBothSigns", "0, -0", {0}},
+};
+
+TEST(SurrogateModelUserDist, ReportsFaultsByTheirCodeAndLeavesTheVectorAlone)
 {
-    Dist distribution(GetParam().text);
-    Values values = {7.0, 7.0};
+    for (const auto& [name, text, code] : faults) {
+        SCOPED_TRACE(name);
+        Dist distribution(text);
+        Values values = {7.0, 7.0};
 
-    distribution.get(values);
+        distribution.get(values);
 
-    EXPECT_EQ(distribution.validate(), GetParam().code);
-    EXPECT_FALSE(distribution.isValid());
-    EXPECT_FALSE(distribution.errorString().empty());
-    EXPECT_EQ(values, (Values{7.0, 7.0}));
+        EXPECT_EQ(distribution.validate(), code);
+        EXPECT_FALSE(distribution.isValid());
+        EXPECT_FALSE(distribution.errorString().empty());
+        EXPECT_EQ(values, (Values{7.0, 7.0}));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(EmptyItem, SurrogateModelUserDistFaults,
-                         testing::ValuesIn(std::vector<TextAndCode>{
-                             {"EmptyText", "", Dist::NoValueRange},
-                             {"BlankText", "   ", Dist::NoValueRange},
-                             {"TabAndNewline", "\t\n", Dist::NoValueRange},
-                             {"CommaAlone", ",", Dist::NoValueRange},
-                             {"CommaAtTheEnd", "1, 2,", Dist::NoValueRange},
-                             {"CommaAtTheStart", ",1", Dist::NoValueRange},
-                             {"TwoCommas", "1,,2", Dist::NoValueRange},
-                             {"BlankBetweenCommas", "1, ,2", Dist::NoValueRange},
-                         }),
-                         rowName<TextAndCode>);
-
-INSTANTIATE_TEST_SUITE_P(
-    NoItem, SurrogateModelUserDistFaults,
-    testing::ValuesIn(std::vector<TextAndCode>{
-        {"Letters", "abc", Dist::InvalidFloatingPointNumber},
-        {"BlankAfterTheSign", "- 5", Dist::InvalidFloatingPointNumber},
-        {"PointAtTheEnd", "5.", Dist::InvalidFloatingPointNumber},
-        {"PointAlone", ".", Dist::InvalidFloatingPointNumber},
-        {"TwoSigns", "+-5", Dist::InvalidFloatingPointNumber},
-        {"Hexadecimal", "0x10", Dist::InvalidFloatingPointNumber},
-        {"Infinity", "inf", Dist::InvalidFloatingPointNumber},
-        {"NotANumber", "nan", Dist::InvalidFloatingPointNumber},
-        {"ExponentWithoutDigits", "1e", Dist::InvalidFloatingPointNumber},
-        {"ExponentWithFraction", "1e1.5", Dist::InvalidFloatingPointNumber},
-        {"TwoNumbers", "1 2", Dist::InvalidFloatingPointNumber},
-        {"TwoLines", "5\n6", Dist::InvalidFloatingPointNumber},
-        {"TwoDots", "0..10", Dist::InvalidFloatingPointNumber},
-        {"WordBetweenBounds", "0 to 10", Dist::InvalidFloatingPointNumber},
-        {"ColonBetweenBounds", "0:10", Dist::InvalidFloatingPointNumber},
-        {"RangeWithoutCount", "0 - 1", Dist::InvalidFloatingPointNumber},
-        {"RangeWithColonButNoCount", "0 - 1 :", Dist::InvalidFloatingPointNumber},
-        {"NegativeCount", "0 - 1 : -3", Dist::InvalidFloatingPointNumber},
-        {"CountWithFraction", "0 - 1 : 3.0", Dist::InvalidFloatingPointNumber},
-        {"BlankAfterTheSignOfTheCount", "0 - 1 : + 3", Dist::InvalidFloatingPointNumber},
-        {"LettersAfterTheRange", "0 - 1 : 3 x", Dist::InvalidFloatingPointNumber},
-        {"LettersBeforeTheRange", "x 0 - 1 : 3", Dist::InvalidFloatingPointNumber},
-        {"ThreeBounds", "0 - 1 - 2 : 3", Dist::InvalidFloatingPointNumber},
-        {"BlankBetweenThousands", "1 000", Dist::InvalidFloatingPointNumber},
-        {"Semicolon", "5;6", Dist::InvalidFloatingPointNumber},
-        {"MinusSignOfTypography", minusSign + "5", Dist::InvalidFloatingPointNumber},
-        {"DigitOfAnotherScript", arabicThree, Dist::InvalidFloatingPointNumber},
-        {"ByteZero", std::string("5\0", 2), Dist::InvalidFloatingPointNumber},
-        {"BytesThatAreNoText", "\xff\xfe", Dist::InvalidFloatingPointNumber},
-    }),
-    rowName<TextAndCode>);
-
-INSTANTIATE_TEST_SUITE_P(
-    NumberThatDoesNotConvert, SurrogateModelUserDistFaults,
-    testing::ValuesIn(std::vector<TextAndCode>{
-        {"TwoPointsBeforeDigits", "..5", Dist::ValueOutOfRange},
-        {"TwoPoints", ".1.2", Dist::ValueOutOfRange},
-        {"Overflow", "1e999", Dist::ValueOutOfRange},
-        {"NegativeOverflow", "-1e999", Dist::ValueOutOfRange},
-        {"MinimumWithTwoPoints", "..5 - 1 : 2", Dist::MinimumOutOfBounds},
-        {"MinimumOverflows", "1e999 - 2 : 3", Dist::MinimumOutOfBounds},
-        {"MinimumIsLookedAtFirst", "1e999 - 1e999 : 0", Dist::MinimumOutOfBounds},
-        {"MaximumWithTwoPoints", "0 - .1.2 : 2", Dist::MaximumOutOfBounds},
-        {"MaximumOverflows", "0 - 1e999 : 3", Dist::MaximumOutOfBounds},
-        {"MaximumIsLookedAtBeforeTheCount", "0 - 1e999 : 0", Dist::MaximumOutOfBounds},
-    }),
-    rowName<TextAndCode>);
-
-INSTANTIATE_TEST_SUITE_P(
-    CountAndBounds, SurrogateModelUserDistFaults,
-    testing::ValuesIn(std::vector<TextAndCode>{
-        {"OneAboveAMillion", "0 - 1 : 1000001", Dist::TooManyValues},
-        {"LargestCountOf32Bits", "0 - 1 : 2147483647", Dist::TooManyValues},
-        {"CountBeyond32Bits", "0 - 1 : 2147483648", Dist::TooManyValues},
-        {"CountBeyond64Bits", "0 - 1 : 99999999999999999999", Dist::TooManyValues},
-        {"CountIsLookedAtBeforeTheOrder", "1 - 0 : 9999999", Dist::TooManyValues},
-        // A digit of another script is a digit to the pattern, but no number converts from it.
-        {"CountInAnotherScript", "0 - 1 : " + arabicThree, Dist::TooManyValues},
-        {"NoValues", "0 - 1 : 0", Dist::NoValues},
-        {"ZeroIsLookedAtBeforeTheOrder", "1 - 0 : 0", Dist::NoValues},
-        {"ZeroIsLookedAtBeforeEqualBounds", "2 - 2 : 0", Dist::NoValues},
-        {"ReversedBounds", "1 - 0 : 3", Dist::MinimumLargerThanMaximum},
-        {"ReversedBoundsOneValue", "1 - 0 : 1", Dist::MinimumLargerThanMaximum},
-        {"EqualBounds", "2 - 2 : 3", Dist::EqualBoundsNeedOnePoint},
-        {"ZerosOfBothSigns", "0 - -0 : 2", Dist::EqualBoundsNeedOnePoint},
-        {"OneValueForTwoBounds", "0 - 1 : 1", Dist::TooFewValues},
-    }),
-    rowName<TextAndCode>);
-
-class SurrogateModelUserDistTexts : public testing::TestWithParam<TextAndValues>
-{};
-
-TEST_P(SurrogateModelUserDistTexts, ExpandToTheirValues)
+TEST(SurrogateModelUserDist, ExpandsTextsToTheirValues)
 {
-    Dist distribution(GetParam().text);
-    Values values;
+    for (const auto& [name, text, expected] : texts) {
+        SCOPED_TRACE(name);
+        Dist distribution(text);
+        Values values;
 
-    distribution.get(values);
+        distribution.get(values);
 
-    EXPECT_EQ(values, GetParam().values);
-    EXPECT_EQ(distribution.validate(), Dist::NoError);
-    EXPECT_TRUE(distribution.isValid());
-    EXPECT_EQ(distribution.errorString(), "");
+        EXPECT_EQ(values, expected);
+        EXPECT_EQ(distribution.validate(), Dist::NoError);
+        EXPECT_TRUE(distribution.isValid());
+        EXPECT_EQ(distribution.errorString(), "");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    SingleValue, SurrogateModelUserDistTexts,
-    testing::ValuesIn(std::vector<TextAndValues>{
-        {"Plain", "5", {5}},
-        {"BetweenBlanks", " 5 ", {5}},
-        {"BetweenTabAndNewline", "\t5\n", {5}},
-        {"BetweenUnicodeSpaces", noBreakSpace + "5" + emSpace, {5}},
-        {"Negative", "-5", {-5}},
-        {"PointAtTheStart", ".5", {0.5}},
-        {"SignAndPointAtTheStart", "+.5", {0.5}},
-        {"Exponent", "1e3", {1000}},
-        {"CapitalExponentWithSign", "1E+3", {1000}},
-        {"LeadingZeros", "007", {7}},
-        {"FractionAndNegativeExponent", "1.5e-1", {0.15}},
-        {"LargestNumber", "1.7976931348623157e308", {std::numeric_limits<double>::max()}},
-    }),
-    rowName<TextAndValues>);
-
-INSTANTIATE_TEST_SUITE_P(
-    Range, SurrogateModelUserDistTexts,
-    testing::ValuesIn(std::vector<TextAndValues>{
-        {"IncludesBothEnds", "0 - 1 : 3", {0, 0.5, 1}},
-        {"NegativeBounds", "-5 - -1 : 2", {-5, -1}},
-        {"NegativeBoundsWithoutBlanks", "-5--1:2", {-5, -1}},
-        {"CountWithSign", "0-1:+3", {0, 0.5, 1}},
-        {"CountWithLeadingZeros", "0-1:003", {0, 0.5, 1}},
-        {"TabsAndNewlines", "0 \t-\n 1   :\t3", {0, 0.5, 1}},
-        {"UnicodeSpaces", "0" + noBreakSpace + "-" + emSpace + "1:3", {0, 0.5, 1}},
-        {"MinusInTheExponent", "1e-5-2:2", {1e-5, 2}},
-        {"Exponents", "1e3-1e4:4", {1000, 4000, 7000, 10000}},
-        {"EqualBoundsOneValue", "2 - 2 : 1", {2}},
-        {"StepThatOverflows",
-         "-1e308 - 1e308 : 3",
-         {-1e308, 1e308, std::numeric_limits<double>::infinity()}},
-        // Neighbours at 1e16 are 2 apart: the step 0.5 never moves the sum off the minimum.
-        {"StepsTooSmallForTheNumbers", "1e16 - 10000000000000002 : 5", {1e16, 10000000000000002.0}},
-    }),
-    rowName<TextAndValues>);
-
-INSTANTIATE_TEST_SUITE_P(
-    List, SurrogateModelUserDistTexts,
-    testing::ValuesIn(std::vector<TextAndValues>{
-        {"SortedWithoutDuplicates", "3, 1, 2, 1", {1, 2, 3}},
-        {"ValueInsideARange", "0 - 10 : 11, 5", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
-        {"RangesInDescendingOrder", "20 - 30 : 3, 0 - 10 : 2", {0, 10, 20, 25, 30}},
-        {"CommaIsNoDecimalPoint", "1,5", {1, 5}},
-        {"ZerosOfBothSigns", "0, -0", {0}},
-    }),
-    rowName<TextAndValues>);
 
 TEST(SurrogateModelUserDist, NumbersItsFaultsFromZeroToTenAndTwelveIn32Bits)
 {

@@ -109,7 +109,7 @@ struct TwoLevels
 {
     const char* name;
     std::vector<Column> inputs;
-    const char* order; ///< of the quality text
+    std::string order; ///< of the quality text
 };
 
 const Column a = {-1, 1, -1, 1, -1, 1, -1, 1};
@@ -118,37 +118,29 @@ const Column c = {-1, -1, -1, -1, 1, 1, 1, 1};
 const Column threeLevels = {-1, 0, 1, -1, 0, 1, -1, 0};
 const Column product = {1, -1, -1, 1, 1, -1, -1, 1};
 
-class ResponseSurfaceTwoLevels : public ::testing::TestWithParam<TwoLevels>
-{};
-
-std::string nameOf(const ::testing::TestParamInfo<TwoLevels>& info)
-{
-    return info.param.name;
-}
+const TwoLevels tables[] = {{"Factorial", {a, b, c}, "linear with interactions"},
+                            {"ThreeLevels", {a, b, threeLevels}, "linear"},
+                            {"Aliased", {a, b, product}, "linear"},
+                            {"TooManyInputs", {a, b, c, product}, "linear"}};
 
 } // namespace
 
-TEST_P(ResponseSurfaceTwoLevels, HaveInteractionsWhereTheCasesSeparateThem)
+TEST(ResponseSurfaceTwoLevels, HaveInteractionsWhereTheCasesSeparateThem)
 {
-    Cases cases{GetParam().inputs, {{1.0, 2.1, 3.2, 5.9, 1.2, 2.2, 3.1, 6.3}}};
-    const Model model(cases.inputPointers(), cases.outputPointers(), cases.count(),
-                      ResponseSurfaceOptions(), {}, Model::Fallback::InteractionsOfTwoLevels);
+    for (const auto& [name, inputs, order] : tables) {
+        SCOPED_TRACE(name);
+        Cases cases{inputs, {{1.0, 2.1, 3.2, 5.9, 1.2, 2.2, 3.1, 6.3}}};
+        const Model model(cases.inputPointers(), cases.outputPointers(), cases.count(),
+                          ResponseSurfaceOptions(), {}, Model::Fallback::InteractionsOfTwoLevels);
 
-    const std::string order = GetParam().order;
-    EXPECT_NE(model.qualityMetricInformation(0).find("\nOrder: " + order + "\n"), std::string::npos)
-        << model.qualityMetricInformation(0);
-    const std::vector<std::string> notes = model.fitNotes(0);
-    const bool isSaid = !notes.empty() &&
-                        notes.front() == "Each input has two levels, which show no curvature: the "
-                                         "polynomial is linear with interactions.";
-    EXPECT_EQ(isSaid, order == "linear with interactions");
-    EXPECT_EQ(model.fitWarnings(0).front().rfind("The order was lowered", 0) == 0, !isSaid);
+        const std::string quality = model.qualityMetricInformation(0);
+        EXPECT_NE(quality.find("\nOrder: " + order + "\n"), std::string::npos) << quality;
+        const std::vector<std::string> notes = model.fitNotes(0);
+        const bool isSaid =
+            !notes.empty() && notes.front() ==
+                                  "Each input has two levels, which show no curvature: the "
+                                  "polynomial is linear with interactions.";
+        EXPECT_EQ(isSaid, order == "linear with interactions");
+        EXPECT_EQ(model.fitWarnings(0).front().rfind("The order was lowered", 0) == 0, !isSaid);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Tables, ResponseSurfaceTwoLevels,
-    ::testing::Values(TwoLevels{"Factorial", {a, b, c}, "linear with interactions"},
-                      TwoLevels{"ThreeLevels", {a, b, threeLevels}, "linear"},
-                      TwoLevels{"Aliased", {a, b, product}, "linear"},
-                      TwoLevels{"TooManyInputs", {a, b, c, product}, "linear"}),
-    nameOf);
