@@ -22,6 +22,7 @@
 #include <qwt_plot_renderer.h>
 
 #include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/predicate.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -345,10 +346,10 @@ std::string Picture::toPdf() const
 
 Picture::Format Picture::formatOf(const std::string& path)
 {
-    const std::string ending = boost::algorithm::to_lower_copy(path.substr(path.rfind('.') + 1));
+    const std::string lower = boost::algorithm::to_lower_copy(path);
     const std::pair<const char*, Format> formats[] = {{"svg", Svg}, {"png", Png}, {"pdf", Pdf}};
     for (const auto& [known, format] : formats) {
-        if (ending == known && ending.size() < path.size()) {
+        if (boost::algorithm::ends_with(lower, std::string(".") + known)) {
             return format;
         }
     }

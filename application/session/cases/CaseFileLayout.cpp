@@ -10,13 +10,13 @@ std::string shownThousands(char separator)
     return separator == ' ' ? "blanks" : std::string("\"") + separator + '"';
 }
 
-/** @param number with one mark; or empty. */
+/** @param number with one mark. */
 std::string doubtText(const std::string& number)
 {
-    const std::size_t mark = std::min(number.find_first_of(".,"), number.size());
+    const std::size_t mark = number.find_first_of(".,");
     const std::string whole = number.substr(0, mark);
-    const std::string rest = number.substr(std::min(mark + 1, number.size()));
-    const bool isComma = number.find(',') != std::string::npos;
+    const std::string rest = number.substr(mark + 1);
+    const bool isComma = number[mark] == ',';
     return '"' + number + "\" taken for " + whole + '.' + rest + ", not for " + whole + rest +
            settingHint(Setting::DecimalMark, isComma ? "point" : "comma");
 }
@@ -38,10 +38,12 @@ std::string CaseFileLayout::text() const
                           : separator == '|'  ? "vertical bars"
                                               : wordFor(separator, separatorWords) + 's');
     add(hasDecimalComma, "decimal commas");
-    add(!doubtfulNumber.empty(), doubtText(doubtfulNumber));
+    if (!doubtfulNumber.empty()) {
+        form.push_back(doubtText(doubtfulNumber));
+    }
     add(thousandsSeparator != '\0', "thousands separated by " + shownThousands(thousandsSeparator));
     add(encoding == TextEncoding::Windows1252, "Windows-1252 text");
-    add(encodingWord(encoding) == "utf-16", "UTF-16 text");
+    add(encodingWord(encoding) == "utf-16", "UTF-16 text"); // of either byte order
     add(!hasHeading, "no heading (the columns are called C1, C2, ...)");
     add(isHeadingComment, "the heading from a comment line");
     add(hasRowNames, "a first column of row names without a heading");

@@ -66,7 +66,8 @@ const OtherFile otherTables[] = {
      "is a Tecplot file, no plain table; save it as CSV, or keep the rows of one zone "
      "and write the names of its variables in one line above them."}};
 
-/** Whether a line begins so, whatever its blanks. */
+/** Whether a line begins so, whatever its blanks.
+ *  @param text in lower case, as the beginning. */
 bool hasLine(std::string_view text, std::string_view beginning)
 {
     std::size_t matched = 0; // npos: the line begins in another way

@@ -199,8 +199,9 @@ private:
     void pointOut(const char* reason, const Holds& holds)
     {
         for (const std::size_t position : roles.inputs) {
-            std::string& present = roles.columns[position].reason;
-            present = present.empty() && holds(position) ? reason : present;
+            if (roles.columns[position].reason.empty() && holds(position)) {
+                roles.columns[position].reason = reason;
+            }
         }
     }
 

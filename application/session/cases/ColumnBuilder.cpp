@@ -10,7 +10,6 @@
 #include <mirel_property/Utf8.h>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <unordered_map>
 

@@ -53,7 +53,7 @@ SampleRecord appendRecords(CsvSplitter& splitter, const CaseFileLayout& layout,
     return record;
 }
 
-/** @param end the sample's size; becomes the beginning of a cell that is never closed. */
+/** @param end becomes the beginning of a record with a quote that is never closed. */
 std::vector<SampleRecord> recordsOf(std::string_view sample, bool isWholeFile,
                                     CaseFileLayout layout, std::size_t& end)
 {
@@ -79,6 +79,19 @@ std::vector<SampleRecord> recordsOf(std::string_view sample, bool isWholeFile,
         records.pop_back(); // The sample may end inside the last record.
     }
     return records;
+}
+
+/** How many lines hold so many separators, inside quotes or not. */
+std::size_t linesWith(char separator, std::size_t separators, std::string_view text)
+{
+    std::size_t lines = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const SampleLine line = SampleLine::at(text, begin);
+        const auto count = std::count(line.text.begin(), line.text.end(), separator);
+        lines += static_cast<std::size_t>(count) == separators ? 1 : 0;
+        begin = line.next;
+    }
+    return lines;
 }
 } // namespace
 
@@ -117,12 +130,7 @@ SampleRecords::SampleRecords(std::string_view sample, bool isWholeFile,
             cellCount = cells;
         }
     }
-    while (end < sample.size()) {
-        const SampleLine line = SampleLine::at(sample, end);
-        const auto ends = std::count(line.text.begin(), line.text.end(), separator);
-        coverage += cellCount > 1 && static_cast<std::size_t>(ends) + 1 == cellCount ? 1 : 0;
-        end = line.next;
-    }
+    coverage += cellCount > 1 ? linesWith(separator, cellCount - 1, sample.substr(end)) : 0;
 }
 
 bool SampleRecords::isNumber(const std::string& cell) const

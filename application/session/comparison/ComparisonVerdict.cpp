@@ -85,10 +85,11 @@ std::string neitherSentence(const OutputComparison& comparison)
     const std::string toTheMean = " than the mean of the cases does";
     if (responseSurface.cases == 0 || kriging.cases == 0) {
         const bool isKriging = kriging.cases > 0;
-        return begin + (isKriging ? surfaceName : krigingName) + " can be fitted in no fold, and " +
-               (isKriging ? krigingName : surfaceName) + " predicts cases left out no better" +
-               toTheMean + " (Q2 " + shownFigure(isKriging ? kriging.q2 : responseSurface.q2) +
-               ").";
+        const std::string fitted = isKriging ? krigingName : surfaceName;
+        const std::string failed = isKriging ? surfaceName : krigingName;
+        const double q2 = isKriging ? kriging.q2 : responseSurface.q2;
+        return begin + failed + " can be fitted in no fold, and " + fitted +
+               " predicts cases left out no better" + toTheMean + " (Q2 " + shownFigure(q2) + ").";
     }
     if (std::isnan(responseSurface.q2)) {
         return begin + "it is the same in all cases, so that there is nothing to predict.";

@@ -202,7 +202,7 @@ void addConflicts(const DiagnosedCases& cases, const Column& output,
     constexpr double otherRepeats = 0.1; // of the variance, without the worst pair
     constexpr std::size_t minDegrees = 3;
     const PureError error = pureErrorOf(output, groups);
-    Rows all(cases.count());
+    Rows all(cases.count()); // as one group: the squares about the mean
     std::iota(all.begin(), all.end(), std::size_t(0));
     const double squares = pureErrorOf(output, {all}).squares;
     const double variance = squares / static_cast<double>(cases.count() - 1);

@@ -2,9 +2,9 @@
 
 #include "session/model/Workspace.h"
 #include "session/project/ProjectDocument.h"
+#include "session/text/AsciiText.h"
 #include "session/text/CellValue.h"
 #include "session/text/SessionErrors.h"
-#include "session/text/AsciiText.h"
 #include "session/text/WholeNumber.h"
 
 #include <surrogatemodel/SurrogateModelUserDist.h>

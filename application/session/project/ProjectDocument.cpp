@@ -7,6 +7,7 @@
 #include "session/text/QuotedText.h"
 #include "session/text/SessionErrors.h"
 #include "session/xml/XmlDom.h"
+#include "session/xml/XmlFault.h"
 #include "session/xml/XmlText.h"
 
 #include <mirel_serialization/SerializerInterface.h>
@@ -75,7 +76,12 @@ std::vector<ProjectDocument::Distribution> distributionsIn(const std::optional<X
 XmlNode elementOf(const SerializerInterface& serializer)
 {
     QDomDocument document;
-    return nodeOf(serializer.serialize(document));
+    try {
+        return nodeOf(serializer.serialize(document));
+    } catch (const XmlFault& fault) {
+        throw ProjectDocumentError("The settings " + quotedText(serializer.name()) +
+                                   " cannot be part of a project document: " + fault.what());
+    }
 }
 
 /** What another version has put into the element that is replaced. */
@@ -106,7 +112,7 @@ void give(const std::optional<XmlNode>& element, const SerializerInterface& seri
 void checkModes(const std::optional<XmlNode>& parent, const std::string& source)
 {
     for (const XmlNode* const element : distributionElements(parent)) {
-        const std::string mode = attributeOr(*element, "Mode", "Auto");
+        const std::string mode = attributeOr(*element, "Mode", "UserDefined");
         if (mode != "Auto" && mode != "UserDefined") {
             throw ProjectDocumentError(placeOf(source, element->position) + "the mode " +
                                        quotedText(mode) + " of the variable " +

@@ -24,6 +24,7 @@ public:
         : tag(std::move(tag)), children(std::move(children))
     {}
 
+    void addText(const QString& added) { text = added; }
     void addAttribute(const std::string& attribute) { attributes.push_back(attribute); }
 
     std::string name() const override { return tag; }
@@ -33,6 +34,9 @@ public:
         QDomElement element = document.createElement(string(tag));
         for (const std::string& attribute : attributes) {
             element.setAttribute(string(attribute), QString());
+        }
+        if (!text.isEmpty()) {
+            element.appendChild(document.createTextNode(text));
         }
         for (const Child& child : children) {
             QDomElement added = document.createElement(string(child.tag));
@@ -80,6 +84,7 @@ private:
 
     std::string tag;
     std::vector<Child> children;
+    QString text;
     std::vector<std::string> attributes;
     mutable std::string noted;
 };

@@ -27,7 +27,9 @@ inline std::string lowerCaseText(std::string_view text)
 {
     std::string lower(text);
     for (char& character : lower) {
-        character += character >= 'A' && character <= 'Z' ? 'a' - 'A' : 0;
+        if (character >= 'A' && character <= 'Z') {
+            character = static_cast<char>(character - 'A' + 'a');
+        }
     }
     return lower;
 }
@@ -53,7 +55,8 @@ inline bool beginsWith(std::string_view text, std::string_view beginning)
 /** Whether a text begins like a number: with a digit, a sign or a point. */
 inline bool beginsAsNumber(std::string_view text)
 {
-    return !text.empty() && std::string_view("0123456789+-.").find(text.front()) < 13;
+    return !text.empty() &&
+           std::string_view("0123456789+-.").find(text.front()) != std::string_view::npos;
 }
 
 inline bool isOneOf(std::string_view text, WordList words)

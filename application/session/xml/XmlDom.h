@@ -9,5 +9,6 @@ class QDomElement;
  *  serializers read; the answer is valid as long as the document. */
 QDomElement makeDomRoot(QDomDocument& document, const XmlNode& element);
 
-/** The way back, of elements and texts that serializers have written. */
+/** The way back, of elements and texts that serializers have written.
+ *  @throw XmlFault for a text with half of a surrogate pair. */
 XmlNode nodeOf(const QDomElement& element);

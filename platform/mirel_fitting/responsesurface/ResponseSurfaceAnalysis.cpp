@@ -203,7 +203,7 @@ double ResponseSurfaceAnalysis::varianceInflation(Inputs inputs, std::size_t ter
     // As a combination of the terms of scaled inputs.
     Vector column(fit.basis().size(), 0.0);
     column[term] = 1.0;
-    if (inputs == Inputs::AsTheyAre) {
+    if (inputs == Inputs::Raw) {
         column = units.term(term);
     }
     // The column may be a multiple m of the term, whose coefficient then has the variance times

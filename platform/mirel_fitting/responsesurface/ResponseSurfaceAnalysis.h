@@ -38,10 +38,10 @@ public:
     /** One for each case, or for each sampled one; rows ascending. */
     std::vector<LeaveOneOutPrediction> leaveOneOutPredictions() const;
 
-    /** What the terms of a polynomial multiply. */
+    /** The inputs that coefficients belong to. */
     enum class Inputs
     {
-        AsTheyAre,
+        Raw,
         Coded ///< to [-1, 1]
     };
     /** One per term of the basis. */

@@ -299,7 +299,7 @@ ResponseSurfaceStatistics ResponseSurfaceFit::statistics(std::size_t output, dou
 
     ResponseSurfaceStatistics statistics;
     using Inputs = ResponseSurfaceAnalysis::Inputs;
-    statistics.coefficients = onlyWanted(analysis.coefficients(Inputs::AsTheyAre, level));
+    statistics.coefficients = onlyWanted(analysis.coefficients(Inputs::Raw, level));
     statistics.codedCoefficients = onlyWanted(analysis.coefficients(Inputs::Coded, level));
     if (coding == InputCoding::Factorial) {
         factorialCoding.apply(statistics);

@@ -22,7 +22,7 @@ constexpr double leastGainOfSubset = 10.0;
 /** Leave-one-out error in the output's units over that without a transform, above which none is
  *  taken. Real tables with 1.5 and more had 0.9 to 30 times the error at other points, those with
  *  less 0.65 to 1.3 times. */
-constexpr double mostErrorRatio = 1.25;
+constexpr double maxErrorRatio = 1.25;
 
 /** Largest over smallest value: below, logarithm and straight line differ by at most a twentieth of
  *  the range. */
@@ -153,7 +153,7 @@ TransformChoice TransformChoice::of(Columns inputs, const std::vector<double>& o
     for (std::size_t k = 0; k < transforms.size(); ++k) {
         const int offset = static_cast<int>(k + 1);
         const double gain = gainOf(*model, offset);
-        const bool isWorse = errorRatio(*model, offset, transforms[k], factors[k]) > mostErrorRatio;
+        const bool isWorse = errorRatio(*model, offset, transforms[k], factors[k]) > maxErrorRatio;
         if (!isWorse && (std::isnan(choice.gain) || gain > choice.gain)) {
             choice = {transforms[k], gain};
         }

@@ -5,6 +5,7 @@
 #include "ProjectSample.h"
 #include "TemporaryFolder.h"
 
+#include <session/cases/CaseFileReader.h>
 #include <session/text/SessionErrors.h>
 
 #include <gtest/gtest.h>
@@ -114,6 +115,9 @@ TEST(ProjectCases, AreThoseThatTheProjectWasSavedWith)
     project.caseFile.fingerprint = FileFingerprint::of(project.caseFile.path);
 
     expectState(project, ProjectDocument::Unchanged, "");
+    const auto options = readingOptions(project, {});
+    EXPECT_EQ(CaseFileReader::read(project.caseFile.path, options).columns[0].numbers,
+              (std::vector<double>{0.5}));
 
     folder.write("cases.csv", "x;y\n0,5;1\n2;3\n");
     expectState(project, ProjectDocument::Changed,

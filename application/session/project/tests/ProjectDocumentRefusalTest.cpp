@@ -80,6 +80,10 @@ TEST(ProjectDocumentRefusal, SettingsThatXmlCannotCarryAreRefused)
     project.takeSettings(ElementSerializer("SurrogateModel", {{"Type", "\x01", {}}}), sound);
     EXPECT_EQ(saveRefusalOf(project), "XML cannot carry the text \"\\x01\": it holds a control "
                                       "character, or bytes that are no UTF-8.");
+
+    ElementSerializer half("SurrogateModel", {});
+    half.addText(QString(QChar(0xD83D)));
+    EXPECT_THROW(project.takeSettings(half, sound), ProjectDocumentError);
 }
 
 TEST(ProjectDocumentRefusal, RefusesToSaveWhatItWouldNotLoad)

@@ -9,7 +9,8 @@
  * slow combinations, computed in tiles. For F and S combinations and n cases F S n multiply-adds of
  * BLAS and (F + S) n correlations.
  *
- * Memory: two tiles of about 4 MiB per thread, and as much for the correlations of their axes.
+ * Memory: per thread two tiles of about 4 MiB, and up to twice a tile for the correlations of each
+ * axis.
  */
 class GridProduct
 {

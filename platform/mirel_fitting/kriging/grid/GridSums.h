@@ -11,7 +11,7 @@
  * Predictions over a grid as sums along one axis (AxisSums), for each combination of the other
  * axes. Costs a few operations per combination and case and some twenty per point.
  *
- * Memory: about 2 MiB per thread.
+ * Memory: per thread about 2 MiB, and up to twice that for the correlations of each other axis.
  */
 class GridSums
 {

@@ -25,6 +25,7 @@ std::vector<std::size_t> randomCasesOutside(const std::vector<std::size_t>& subs
                         std::back_inserter(outside));
     return picked(outside, randomSubset(outside.size(), count));
 }
+
 /** The exact model of the subset, with the nugget of the fewer cases of the search or the least
  *  one, whichever predicts the measured cases better. */
 void fitSubset(Result& result, SubsetKriging& kriging, const KrigingSearchSettings& settings,

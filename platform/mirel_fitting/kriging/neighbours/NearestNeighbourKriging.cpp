@@ -232,8 +232,9 @@ NearestNeighbourKriging::predict(Workspace& workspace, const std::vector<const d
     }
     workspace.found = search->find(workspace.point.data(), used, workspace.indices.data(),
                                    workspace.squares.data());
+    constexpr double noise = 0.0; // of the mean
     return workspace.kriging.predict(workspace.indices.data(), workspace.found,
-                                     workspace.point.data(), scales, nugget, 0.0);
+                                     workspace.point.data(), scales, nugget, noise);
 }
 
 void NearestNeighbourKriging::add(const std::vector<const double*>& points, std::size_t pointCount,

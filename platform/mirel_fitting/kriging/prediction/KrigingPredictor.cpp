@@ -14,8 +14,8 @@ namespace {
 
 // Points that are computed together: their coordinates and sums stay in the first-level cache.
 constexpr std::size_t blockSize = 1024;
-// Points that a thread takes at once: few enough that threads end at about the same time, enough
-// for some cases to take longer than starting a thread, 0.1 ms.
+// Points that a thread takes at once: few enough that threads end at about the same time, and
+// enough that a chunk takes longer than the 0.1 ms of starting a thread unless cases are few.
 constexpr std::size_t chunkSize = 8 * blockSize;
 
 } // namespace

@@ -36,8 +36,8 @@ public:
 
     /**
      * Lengths and nugget were estimated from a subset.
-     * @param max       cases up to which all are used.
-     * @param searched  cases of the subset.
+     * @param max        cases up to which all are used.
+     * @param searched   cases of the subset.
      * @param areRefined whether the lengths changed in steps with all cases.
      */
     static std::string ofSubset(std::size_t max, std::size_t searched, bool areRefined);

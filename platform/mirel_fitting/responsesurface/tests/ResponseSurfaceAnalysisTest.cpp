@@ -39,7 +39,7 @@ TEST(ResponseSurfaceAnalysis, GivesTheStandardErrorsOfALineInClosedForm)
     const PolynomialFit line = fit(fourOnALine(), 1);
     const std::vector<CoefficientStatistics> found =
         ResponseSurfaceAnalysis(line, 0, {})
-            .coefficients(ResponseSurfaceAnalysis::Inputs::AsTheyAre, 0.95);
+            .coefficients(ResponseSurfaceAnalysis::Inputs::Raw, 0.95);
 
     // s^2 = SSE / 2 = 8.1; variance of the slope s^2 / Sxx, of the intercept s^2 (1/4 + 1.5^2 / 5).
     // The t distribution with 2 degrees of freedom: P(|T| > t) = 1 - t / sqrt(2 + t^2), and its
