@@ -276,16 +276,15 @@ TEST_F(Program, CellsThatAreNoNumbersAreReportedAndTheirCasesLeftOut)
     const Outcome fit = run("fit failed.csv -x x -y y --terms linear");
     EXPECT_EQ(fit.exitCode, 0);
     EXPECT_TRUE(beginsWith(fit.err,
-                           "Note: y lacks a number in 2 of 6 cases "
-                           "(\"failed\", first in line 3): these cases are left out; complete "
-                           "them.\n"));
+                           "Note: y: 2 cells are no numbers (\"failed\", first in line 3): "
+                           "these cases are left out; complete them.\n"));
     EXPECT_EQ(run("fit failed.csv -x x -y y --terms linear -q").err, "");
     EXPECT_EQ(
         jsonOf("fit failed.csv -x x -y y")["cases"]["withoutNumber"],
         Json::parse(R"([{"name": "y", "cells": 2, "spellings": ["failed"], "firstLine": 3}])"));
     EXPECT_TRUE(contains(run("summary failed.csv").out,
-                         "y lacks a number in 2 of 6 cases (\"failed\", "
-                         "first in line 3): these cases are left out; complete them.\n"));
+                         "y: 2 cells are no numbers (\"failed\", first in line 3): these cases "
+                         "are left out; complete them.\n"));
 }
 
 TEST_F(Program, EquationsComeWithTheirLegend)

@@ -263,16 +263,21 @@ std::vector<Finding> SessionFindings::missingCells(const Workspace& workspace)
                 "a cell such as \"<0.01\" gives a limit of the value, and without its case the "
                 "model is biased: write a number for it, such as the limit";
         }
-        findings.push_back(
-            {"missingCells",
-             2 * missing > included          ? Finding::Severe
-             : fewParts * missing > included ? Finding::Warning
-                                             : Finding::Note,
-             group.names,
-             name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
-                 std::to_string(missing) + " of " + std::to_string(included) + " cases" +
-                 group.cause + ": " + (isOne ? "this case is" : "these cases are") + " left out; " +
-                 remedy + "."});
+        const CaseColumn& first = *workspace.source().find(group.names.front());
+        const bool areTexts =
+            isColumn && first.lacksNumbers() && first.withoutNumber.count == missing;
+        const std::string what =
+            areTexts ? name + ": " + first.withoutNumber.text()
+                     : name + (isColumn ? " lacks a number in " : " lack numbers in the same ") +
+                           std::to_string(missing) + " of " + std::to_string(included) + " cases" +
+                           group.cause;
+        findings.push_back({"missingCells",
+                            2 * missing > included          ? Finding::Severe
+                            : fewParts * missing > included ? Finding::Warning
+                                                            : Finding::Note,
+                            group.names,
+                            what + ": " + (isOne ? "this case is" : "these cases are") +
+                                " left out; " + remedy + "."});
     }
     return findings;
 }

@@ -49,11 +49,11 @@ TEST(ReportHeading, NotesCellsWithoutNumberOfInputsAndOutputs)
     }
     const CaseSession session(table, {{0, 1}, {3}}, {}, CaseSession::ResponseSurface);
 
-    EXPECT_EQ(ReportHeading::readingNotes(session),
-              (std::vector<std::string>{
-                  "Pressure lacks a number in 1 of 11 cases (\"failed\", in "
-                  "line 3): this case is left out; complete it or leave Pressure out of the "
-                  "inputs."}))
+    EXPECT_EQ(
+        ReportHeading::readingNotes(session),
+        (std::vector<std::string>{"Pressure: 1 cell is no number (\"failed\", in line 3): this "
+                                  "case is left out; complete it or leave Pressure out of the "
+                                  "inputs."}))
         << "the column without a role makes no case invalid";
     EXPECT_EQ(ReportHeading::casesJson(session)["withoutNumber"].size(), 2u);
 }
