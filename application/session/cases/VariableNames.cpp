@@ -146,7 +146,16 @@ std::string VariableNames::unknownMessage(const std::string& name) const
     if (nameList.empty()) {
         return message + '.';
     }
-    if (const auto nearest = nearestText(name, nameList)) {
+    auto nearest = nearestText(name, nameList);
+    if (!nearest) {
+        std::vector<std::string> withoutUnits;
+        for (const std::string& known : nameList) {
+            const std::string part = known.substr(0, known.find_first_of("[(", 1));
+            withoutUnits.emplace_back(trimmedText(part));
+        }
+        nearest = nearestText(name, withoutUnits);
+    }
+    if (nearest) {
         message += "; the nearest name is " + quoted(nameList[*nearest]);
     }
     message += ". The variables are: ";

@@ -70,6 +70,9 @@ TEST(VariableNames, AnUnknownNameGetsTheNamesAndTheNearestOne)
               "\"Pressure\", \"H2/WF6\", \"Stress\".");
     EXPECT_EQ(messageOf<UsageError>([&] { names.listed("Stress,"); }).substr(0, 25),
               "There is no variable \"\". ");
+    EXPECT_EQ(VariableNames({"Speed [rpm]", "Temp (K)"}).unknownMessage("Tmp"),
+              "There is no variable \"Tmp\"; the nearest name is \"Temp (K)\". The variables are: "
+              "\"Speed [rpm]\", \"Temp (K)\".");
 }
 
 TEST(VariableNames, ALongListOfNamesIsCutShort)
